@@ -1,0 +1,155 @@
+#include "OssShaderNetworkNodeGraphViewContextPlugin.h"
+
+#include "OssCore/OssDebug.h"
+#include "OssCoreModules/Interface/OssActionTreeManager.h"
+#include "OssCoreModules/Network/OssShaderNetworkManager.h"
+#include "OssShaderNetworkView.h"
+#include "OssSnNodeGraphViewContextManager.h"
+#include "ZelGL/ZelTextureToken.h"
+
+#include <QAction>
+#include <QApplication>
+
+namespace {
+
+constexpr const char *Source = "OssShaderNetworkNodeGraphViewContextPlugin";
+const ZelTextureToken TextureToken;
+const QString ActionFolder = QStringLiteral("/Ossa/NodeGraph/");
+const QString CreationFolder = QStringLiteral("/Ossa/NodeGraph/Create/");
+
+} // namespace
+
+bool OssShaderNetworkNodeGraphViewContextPlugin::initialize()
+{
+    OssDebug(Source, __LINE__, "[ Plugin ] Shader Network - Node Graph View Context");
+    OssSnNodeGraphViewContextManager::instance();
+    createActions();
+    connect(OssShaderNetworkManager::instance(),
+            &OssShaderNetworkManager::registeredNodePopulationChanged, this,
+            &OssShaderNetworkNodeGraphViewContextPlugin::createNodeCreationActions);
+    return true;
+}
+
+bool OssShaderNetworkNodeGraphViewContextPlugin::uninitialize()
+{
+    return true;
+}
+
+QString OssShaderNetworkNodeGraphViewContextPlugin::name()
+{
+    return tr("Node Graph View Context");
+}
+
+QString OssShaderNetworkNodeGraphViewContextPlugin::description()
+{
+    return tr("Node Graph View of the Shader Network");
+}
+
+QString OssShaderNetworkNodeGraphViewContextPlugin::authorName()
+{
+    return QStringLiteral("The Ossa developers");
+}
+
+QString OssShaderNetworkNodeGraphViewContextPlugin::legalNotice()
+{
+    return QStringLiteral("Copyright (c) The Ossa developers. BSD-3-Clause.");
+}
+
+int OssShaderNetworkNodeGraphViewContextPlugin::version()
+{
+    return 1;
+}
+
+// --- actions
+
+void OssShaderNetworkNodeGraphViewContextPlugin::createActions()
+{
+    using Plugin = OssShaderNetworkNodeGraphViewContextPlugin;
+
+    struct Row
+    {
+        const char *text;
+        void (Plugin::*slot)();
+    };
+
+#define OSS_ACTION_ROW(text, slot, call) Row{text, &Plugin::slot},
+    const Row rows[] = {OSS_NODE_GRAPH_ACTIONS(OSS_ACTION_ROW, OSS_ACTION_ROW)};
+#undef OSS_ACTION_ROW
+
+    createNodeCreationActions();
+    for (const Row &row : rows) {
+        auto *action = new QAction(tr(row.text), this);
+        OssActionTreeManager::instance()->registerAction(ActionFolder, action);
+        connect(action, &QAction::triggered, this, row.slot);
+    }
+}
+
+void OssShaderNetworkNodeGraphViewContextPlugin::createNodeCreationActions()
+{
+    OssActionTreeManager *tree = OssActionTreeManager::instance();
+    const OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
+    QStringList keys = networks->nodeGraphPathKeys();
+    std::sort(keys.begin(), keys.end());
+    for (const QString &key : qAsConst(keys)) {
+        QStringList parts = networks->nodeMenuPath(key).split(QLatin1Char('/'), Qt::SkipEmptyParts);
+        if (parts.isEmpty())
+            continue;
+        const QString text = parts.takeLast();
+        if (!parts.isEmpty() && parts.first().startsWith(QLatin1Char('_')))
+            continue;
+        const QString folder = CreationFolder + parts.join(QLatin1Char('/'));
+        if (tree->hasAction(folder + QLatin1Char('/') + text))
+            continue;
+        auto *action = new QAction(text, this);
+        action->setData(key);
+        connect(action, &QAction::triggered, this,
+                &OssShaderNetworkNodeGraphViewContextPlugin::createNodeFromAction);
+        tree->registerAction(folder, action);
+    }
+}
+
+void OssShaderNetworkNodeGraphViewContextPlugin::createNodeFromAction()
+{
+    auto *action = qobject_cast<QAction *>(sender());
+    if (!action) {
+        OssDebug(Source, __LINE__, "Action is NULL");
+        return;
+    }
+    forward([action](OssShaderNetworkView *view) { view->createNodeFromAction(action); });
+}
+
+// --- forwarding
+
+OssShaderNetworkView *OssShaderNetworkNodeGraphViewContextPlugin::currentShaderNetworkView()
+{
+    if (auto *focused = qobject_cast<OssShaderNetworkView *>(QApplication::focusWidget()))
+        return focused;
+    OssShaderNetworkView *view = OssSnNodeGraphViewContextManager::instance()->currentView();
+    OssDebug(Source, __LINE__,
+             "[ !! ] Could not get the current active widget, fallback onto current nodegraph "
+             "view %p",
+             static_cast<void *>(view));
+    return view;
+}
+
+template <class Call>
+void OssShaderNetworkNodeGraphViewContextPlugin::forward(Call call)
+{
+    OssShaderNetworkView *view = currentShaderNetworkView();
+    if (!view) {
+        OssDebug(Source, __LINE__, "ShaderNetworkView is NULL");
+        return;
+    }
+    call(view);
+}
+
+#define OSS_DEFINE_NAMED_SLOT(slot, call) \
+    void OssShaderNetworkNodeGraphViewContextPlugin::slot() \
+    { \
+        forward([](OssShaderNetworkView *view) { view->call; }); \
+    }
+#define OSS_DEFINE_ACTION_SLOT(text, slot, call) OSS_DEFINE_NAMED_SLOT(slot, call)
+#define OSS_DEFINE_NO_SLOT(text, slot, call)
+
+OSS_NODE_GRAPH_ACTIONS(OSS_DEFINE_ACTION_SLOT, OSS_DEFINE_NO_SLOT)
+OSS_NODE_GRAPH_NAMED_SLOTS(OSS_DEFINE_NAMED_SLOT)

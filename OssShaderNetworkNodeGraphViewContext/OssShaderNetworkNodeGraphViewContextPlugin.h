@@ -1,0 +1,47 @@
+#pragma once
+
+#include "OssCore/OssPluginInterface.h"
+#include "OssNodeGraphActions.h"
+
+#include <QObject>
+#include <QString>
+
+class OssShaderNetworkView;
+
+#define OSS_DECLARE_ACTION_SLOT(text, slot, call) void slot();
+#define OSS_DECLARE_NO_SLOT(text, slot, call)
+#define OSS_DECLARE_NAMED_SLOT(slot, call) void slot();
+
+/// The door of the plug-in: starts everything up, and receives every node-graph action, which it
+/// hands to the view the user is working in.
+class OssShaderNetworkNodeGraphViewContextPlugin
+    : public QObject
+    , public OssPluginInterface
+{
+    Q_OBJECT
+    Q_PLUGIN_METADATA(IID OssPluginInterface_iid)
+    Q_INTERFACES(OssPluginInterface)
+
+public:
+    bool initialize() override;
+    bool uninitialize() override;
+    QString name() override;
+    QString description() override;
+    QString authorName() override;
+    QString legalNotice() override;
+    int version() override;
+
+private Q_SLOTS:
+    /// One action for each node type that is offered in a menu; those that exist stay.
+    void createNodeCreationActions();
+    void createNodeFromAction();
+    OSS_NODE_GRAPH_ACTIONS(OSS_DECLARE_ACTION_SLOT, OSS_DECLARE_NO_SLOT)
+    OSS_NODE_GRAPH_NAMED_SLOTS(OSS_DECLARE_NAMED_SLOT)
+
+private:
+    void createActions();
+    /// The focused view, else the manager's current one.
+    OssShaderNetworkView *currentShaderNetworkView();
+    template <class Call>
+    void forward(Call call);
+};

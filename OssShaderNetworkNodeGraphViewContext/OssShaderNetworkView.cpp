@@ -1,0 +1,130 @@
+#include "OssShaderNetworkView.h"
+
+#include "OssCoreModules/Network/OssShaderNetwork.h"
+#include "OssCoreModules/Network/OssSnBaseNode.h"
+#include "OssCoreModules/Project/OssProjectManager.h"
+#include "OssSnNodeGraphViewContextManager.h"
+#include "ZelGL/ZelTextureToken.h"
+
+#include <QFocusEvent>
+#include <QTimer>
+
+namespace {
+
+const ZelTextureToken TextureToken;
+constexpr int BindingDelay = 500; // ms: the manager that makes the view may not be done itself
+
+} // namespace
+
+OssShaderNetworkView::OssShaderNetworkView(QWidget *parent)
+    : OssNgView(parent)
+{
+    setAcceptDrops(true);
+    connect(this, &OssNgView::shakeToExtractTriggered, this,
+            &OssShaderNetworkView::onShakeToExtractTriggered);
+    connect(OssProjectManager::instance(), &OssProjectManager::projectClosed, this,
+            &OssShaderNetworkView::onProjectClosed);
+    QTimer::singleShot(BindingDelay, this,
+                       &OssShaderNetworkView::deferredConnectToViewContextManager);
+}
+
+OssShaderNetworkView::~OssShaderNetworkView() = default;
+
+void OssShaderNetworkView::setNetwork(OssShaderNetwork *network)
+{
+    if (m_network)
+        disconnect(m_network, &OssShaderNetwork::allowViewUpdateChanged, this,
+                   &OssShaderNetworkView::allowViewUpdateChanged);
+    m_network = network;
+    if (!m_network)
+        return;
+    setUpdatesEnabled(m_network->allowViewUpdate());
+    connect(m_network, &OssShaderNetwork::allowViewUpdateChanged, this,
+            &OssShaderNetworkView::allowViewUpdateChanged);
+}
+
+bool OssShaderNetworkView::isAutoInsertOn() const
+{
+    return OssSnNodeGraphViewContextManager::instance()->isAutoInsertOn();
+}
+
+// --- host and preferences
+
+void OssShaderNetworkView::deferredConnectToViewContextManager()
+{
+    using Manager = OssSnNodeGraphViewContextManager;
+    const Manager *manager = Manager::instance();
+    connect(manager, &Manager::zoomToChanged, this, &OssShaderNetworkView::onZoomToChanged);
+    onZoomToChanged();
+    connect(manager, &Manager::shakeToExtractEnabledChanged, this,
+            &OssShaderNetworkView::onShakeToExtractEnabledChanged);
+    connect(manager, &Manager::shakeToExtractShakesChanged, this,
+            &OssShaderNetworkView::onShakeToExtractShakesChanged);
+    connect(manager, &Manager::shakeToExtractTimeChanged, this,
+            &OssShaderNetworkView::onShakeToExtractTimeChanged);
+    onShakeToExtractEnabledChanged(manager->shakeToExtractEnabled());
+    onShakeToExtractShakesChanged(manager->shakeToExtractShakes());
+    onShakeToExtractTimeChanged(manager->shakeToExtractTime());
+}
+
+void OssShaderNetworkView::onZoomToChanged()
+{
+    switch (OssSnNodeGraphViewContextManager::instance()->zoomToAsInt()) {
+    case OssSnNodeGraphViewContextManager::Center:
+        setTransformationAnchor(QGraphicsView::AnchorViewCenter);
+        break;
+    case OssSnNodeGraphViewContextManager::Cursor:
+        setTransformationAnchor(QGraphicsView::AnchorUnderMouse);
+        break;
+    default:
+        break;
+    }
+}
+
+void OssShaderNetworkView::allowViewUpdateChanged(bool AllowViewUpdate)
+{
+    setUpdatesEnabled(AllowViewUpdate);
+}
+
+void OssShaderNetworkView::onProjectClosed()
+{
+    setCursorTrackingMode(NormalTracking);
+}
+
+void OssShaderNetworkView::setNavigationControlType(QString ControlType)
+{
+    m_navigationControlType = ControlType;
+}
+
+void OssShaderNetworkView::onShakeToExtractEnabledChanged(bool Enabled)
+{
+    if (m_shakeToExtractEnabled == Enabled)
+        return;
+    m_shakeToExtractEnabled = Enabled;
+    if (!Enabled && cursorTrackingMode() == ShakeTracking)
+        setCursorTrackingMode(NormalTracking);
+}
+
+void OssShaderNetworkView::onShakeToExtractShakesChanged(int Shakes)
+{
+    if (m_shakeToExtractShakes != Shakes)
+        m_shakeToExtractShakes = Shakes;
+}
+
+void OssShaderNetworkView::onShakeToExtractTimeChanged(int Time)
+{
+    if (m_shakeToExtractTime != Time)
+        m_shakeToExtractTime = Time;
+}
+
+void OssShaderNetworkView::onShakeToExtractTriggered()
+{
+    if (m_network)
+        m_network->extractNodes(m_network->selectedNodes(), true);
+}
+
+void OssShaderNetworkView::focusOutEvent(QFocusEvent *event)
+{
+    deactivateDotableMode();
+    event->ignore();
+}

@@ -1,0 +1,98 @@
+#pragma once
+
+#include "OssCoreModules/Network/OssShaderNetworkHolder.h"
+#include "OssNodeGraph/OssNgView.h"
+
+#include <QMap>
+#include <QPointF>
+
+class OssShaderNetwork;
+class OssSnBaseNode;
+class QAction;
+
+/// The editor of one shader network: a graphics view on the scene with the items of its nodes, and
+/// the commands that act on them. Made by the tab widget (root) and by group contexts. A slot looks
+/// whether it can act, asks the host, and is done; what it changes is one undo step.
+class OssShaderNetworkView
+    : public OssNgView
+    , public OssShaderNetworkHolder
+{
+    Q_OBJECT
+
+public:
+    explicit OssShaderNetworkView(QWidget *parent);
+    ~OssShaderNetworkView() override;
+
+    OssShaderNetwork *network() const override { return m_network; }
+
+    void setNetwork(OssShaderNetwork *network) override;
+
+    bool isAutoInsertOn() const override;
+
+    /// The overlap rule: moves the node until it lies on no other; backdrops do not count.
+    void placeNode(OssSnBaseNode *node);
+    /// Diagonally below and to the right of the other item, 30 units clear of its corner.
+    void relocateNodeBeside(OssNgNode *guiNode, const OssNgNode *other);
+    /// Connects the node's preferred output to an input of the viewer and looks at it.
+    void connectNodeToViewer(OssSnBaseNode *node, int input);
+    /// Makes a node with its centre at a point of the viewport. Null when the type is unknown.
+    OssSnBaseNode *createNodeAt(const QString &pathKey, const QPoint &viewPos);
+    /// Where a new node goes: under the pointer, or the viewport's middle when it is elsewhere.
+    QPoint creationPoint() const;
+
+public Q_SLOTS:
+    // Framing
+    void frameNodes(bool EntireScene);
+
+    void frameNodes() { frameNodes(true); }
+
+    void frameSelectedNodes();
+    void fitToViewAction();
+    void ensureIsVisibleAction();
+
+    // Followers of host and preferences
+    void onZoomToChanged();
+    void allowViewUpdateChanged(bool AllowViewUpdate);
+    void onProjectClosed();
+    void setNavigationControlType(QString ControlType);
+    void onShakeToExtractEnabledChanged(bool Enabled);
+    void onShakeToExtractShakesChanged(int Shakes);
+    void onShakeToExtractTimeChanged(int Time);
+    void onShakeToExtractTriggered();
+
+    // Pointer and keyboard
+    void highlightDotableEdges();
+    void deactivateDotableMode();
+    void dropGrabbedEdge();
+    void toggleEdgeSeverAction();
+    void createUnconnectedDotNode(OssNgEdge *CandidateEdge);
+
+    // Creation
+    void createNodeFromAction(QAction *action);
+
+Q_SIGNALS:
+    void nodeDoubleClicked(OssSnBaseNode *node);
+    void nodeAdded(OssSnBaseNode *Node);
+    void nodeRemoved(OssSnBaseNode *Node);
+
+protected:
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void keyReleaseEvent(QKeyEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
+
+protected Q_SLOTS:
+    void deferredConnectToViewContextManager();
+
+private:
+    int selectionCount() const;
+    QRectF selectionBounds() const;
+    QRectF selectionOrAllBounds() const;
+    void capZoom();
+    OssNgNode *nodeForDoubleClick(const QMouseEvent *event) const;
+
+    OssShaderNetwork *m_network = nullptr;
+    QMap<OssNgNode *, QPointF> m_nodeStartPositions;
+};

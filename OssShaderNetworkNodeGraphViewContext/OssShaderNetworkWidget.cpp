@@ -1,0 +1,133 @@
+#include "OssShaderNetworkWidget.h"
+
+#include "OssCore/OssDebug.h"
+#include "OssCoreModules/Network/OssShaderNetwork.h"
+#include "OssCoreModules/Network/OssShaderNetworkManager.h"
+#include "OssCoreModules/Network/OssSnGroupNode.h"
+#include "OssCoreModules/Project/OssGeoEntity.h"
+#include "OssShaderNetworkView.h"
+#include "OssSnGroupNodeGraphViewContext.h"
+#include "ZelGL/ZelTextureToken.h"
+
+#include <QMouseEvent>
+#include <QTabBar>
+
+namespace {
+
+constexpr const char *Source = "OssShaderNetworkWidget";
+const ZelTextureToken TextureToken;
+
+constexpr int LongestName = 40;
+constexpr int KeptAtEachEnd = 20;
+
+QString shortened(const QString &name)
+{
+    if (name.size() <= LongestName)
+        return name;
+    return name.left(KeptAtEachEnd) + QStringLiteral("...") + name.right(KeptAtEachEnd);
+}
+
+} // namespace
+
+OssSnNodeGraphWidget::OssSnNodeGraphWidget(const QString &controlType, QWidget *parent)
+    : QTabWidget(parent)
+    , m_rootView(new OssShaderNetworkView(this))
+    , m_navigationControlType(controlType)
+{
+    setWindowTitle(tr("Node Graph"));
+    setMinimumSize(100, 100);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
+    setTabsClosable(true);
+    connect(this, &QTabWidget::tabCloseRequested, this, &OssSnNodeGraphWidget::hideTab);
+    connect(this, &QTabWidget::currentChanged, this, &OssSnNodeGraphWidget::onCurrentTabChanged);
+    addRootView();
+}
+
+OssSnNodeGraphWidget::~OssSnNodeGraphWidget() = default;
+
+void OssSnNodeGraphWidget::addRootView()
+{
+    insertTab(0, m_rootView, QStringLiteral("Root"));
+    for (const QTabBar::ButtonPosition side : {QTabBar::LeftSide, QTabBar::RightSide}) {
+        if (QWidget *button = tabBar()->tabButton(0, side))
+            button->hide();
+    }
+}
+
+OssShaderNetworkView *OssSnNodeGraphWidget::currentView() const
+{
+    return qobject_cast<OssShaderNetworkView *>(currentWidget());
+}
+
+void OssSnNodeGraphWidget::refreshCurrentChanged()
+{
+    Q_EMIT currentChanged(currentIndex());
+}
+
+void OssSnNodeGraphWidget::selectTabForNetwork(OssShaderNetwork *network)
+{
+    for (int i = 0; i < count(); ++i) {
+        const auto *page = qobject_cast<OssShaderNetworkView *>(widget(i));
+        if (page && page->network() == network) {
+            setCurrentIndex(i);
+            return;
+        }
+    }
+}
+
+void OssSnNodeGraphWidget::hideTab(int Index)
+{
+    removeTab(Index);
+}
+
+void OssSnNodeGraphWidget::updateRootLevelText(OssShaderNetwork *Network)
+{
+    if (widget(0) != m_rootView)
+        return;
+    const OssGeoEntity *entity = Network ? Network->geoEntity() : nullptr;
+    const QString name = entity ? entity->name() : QString();
+    const QString prefix = entity ? shortened(name) + QStringLiteral(" - ") : QString();
+    setTabText(0, QStringLiteral("%1Root").arg(prefix, 0, QLatin1Char(' ')));
+    setTabToolTip(0, name);
+}
+
+void OssSnNodeGraphWidget::setNavigationControlType(QString ControlType)
+{
+    m_navigationControlType = ControlType;
+    OssDebug(Source, __LINE__, "[ -- ] Nodegraph navigation set to '%s'",
+             ControlType.toLocal8Bit().constData());
+    for (int i = 0; i < count(); ++i) {
+        if (auto *page = qobject_cast<OssShaderNetworkView *>(widget(i)))
+            page->setNavigationControlType(m_navigationControlType);
+    }
+}
+
+void OssSnNodeGraphWidget::showGroupNodeSubgraph(const OssSnGroupNode *GroupNode)
+{
+    if (!GroupNode) {
+        OssDebug(Source, __LINE__, "GroupNode is NULL");
+        return;
+    }
+    auto *Context = qobject_cast<OssSnGroupNodeGraphViewContext *>(
+        GroupNode->context(QStringLiteral("NodeGraphView")));
+    if (!Context) {
+        OssDebug(Source, __LINE__, "Context is NULL");
+        return;
+    }
+    Context->showGroupNodeTab();
+}
+
+void OssSnNodeGraphWidget::onCurrentTabChanged(int Index)
+{
+    if (const auto *page = qobject_cast<OssShaderNetworkView *>(widget(Index)))
+        OssShaderNetworkManager::instance()->setCurrentViewNetwork(page->network());
+    setNavigationControlType(m_navigationControlType);
+}
+
+void OssSnNodeGraphWidget::mousePressEvent(QMouseEvent *event)
+{
+    // The position is the widget's own and not the tab bar's; beside the tabs none stays current.
+    if (event->button() == Qt::LeftButton)
+        setCurrentIndex(tabBar()->tabAt(event->pos()));
+    QTabWidget::mousePressEvent(event);
+}

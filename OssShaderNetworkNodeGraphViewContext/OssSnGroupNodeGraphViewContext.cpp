@@ -1,0 +1,196 @@
+#include "OssSnGroupNodeGraphViewContext.h"
+
+#include "OssCore/OssDebug.h"
+#include "OssCoreModules/Network/OssShaderNetwork.h"
+#include "OssCoreModules/Network/OssSnGroupNode.h"
+#include "OssCoreModules/Network/OssSnMultiChannelGroupNode.h"
+#include "OssShaderNetworkView.h"
+#include "OssShaderNetworkWidget.h"
+#include "ZelGL/ZelTextureToken.h"
+
+namespace {
+
+constexpr const char *Source = "OssSnGroupNodeGraphViewContext";
+const ZelTextureToken TextureToken;
+
+constexpr int MaterialShape = 3;
+constexpr int GroupShape = 4;
+constexpr int MultiChannelShape = 7;
+
+OssSnNodeGraphWidget *tabWidget()
+{
+    return OssSnNodeGraphViewContextManager::instance()->nodeGraphWidget();
+}
+
+} // namespace
+
+OssSnGroupNodeGraphViewContext::OssSnGroupNodeGraphViewContext(QObject *node)
+    : OssSnNodeGraphViewContext(node, true)
+{
+}
+
+OssSnGroupNodeGraphViewContext::~OssSnGroupNodeGraphViewContext()
+{
+    delete m_view;
+}
+
+OssSnGroupNode *OssSnGroupNodeGraphViewContext::groupNode() const
+{
+    return qobject_cast<OssSnGroupNode *>(parentNode());
+}
+
+void OssSnGroupNodeGraphViewContext::initializeGui()
+{
+    OssSnGroupNode *group = groupNode();
+    if (!group) {
+        OssDebug(Source, __LINE__, "GroupNode is NULL");
+        return;
+    }
+    OssSnNodeGraphViewContextManager::instance()->registerGroupNetwork(group->groupNetwork(),
+                                                                       group);
+    connectGroup(group);
+    if (shapeType() != MaterialShape)
+        setShapeType(qobject_cast<OssSnMultiChannelGroupNode *>(group) ? MultiChannelShape
+                                                                       : GroupShape);
+    OssSnNodeGraphViewContext::initializeGui();
+    showInnerItems();
+}
+
+void OssSnGroupNodeGraphViewContext::connectGroup(OssSnGroupNode *group)
+{
+    using Context = OssSnGroupNodeGraphViewContext;
+    connect(group, &OssSnBaseNode::nameChanged, this, &Context::changeGroupNodeTabText);
+    connect(group, &OssSnGroupNode::openNodeGraph, this, &Context::forceOpenGroupSubgraph);
+    connect(OssShaderNetworkManager::instance(), &OssShaderNetworkManager::nodeDeregistered, this,
+            &Context::hideGroupNodeTab);
+    if (const auto *streams = qobject_cast<OssSnMultiChannelGroupNode *>(group))
+        connect(streams, &OssSnMultiChannelGroupNode::validityChanged, this,
+                &Context::updateMultiChannelNodeUI);
+}
+
+void OssSnGroupNodeGraphViewContext::showInnerItems()
+{
+    // Contexts inside were made before this one, so their items stand in the inner scene already;
+    // this brings in those that do not.
+    OssShaderNetwork *network = groupNode()->groupNetwork();
+    QGraphicsScene *scene = OssSnNodeGraphViewContextManager::instance()->sceneForNetwork(network);
+    const QList<OssSnBaseNode *> nodes = network->nodes();
+    for (OssSnBaseNode *node : nodes) {
+        OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(node);
+        if (item && item->scene() != scene)
+            OssSnNodeGraphViewContextManager::instance()->onNodeRegistered(network, node);
+    }
+}
+
+OssShaderNetworkView *OssSnGroupNodeGraphViewContext::groupView()
+{
+    OssSnGroupNode *group = groupNode();
+    if (m_view || !group)
+        return m_view;
+    // A view costs more than a node, and most groups are never opened.
+    m_view = new OssShaderNetworkView(nullptr);
+    OssSnNodeGraphViewContextManager::instance()->showNetworkInView(group->groupNetwork(), m_view);
+    m_view->setNavigationControlType(OssSnNodeGraphViewContextManager::instance()->controlType());
+    return m_view;
+}
+
+// --- tabs
+
+void OssSnGroupNodeGraphViewContext::addTabToWidget(OssSnBaseNode *node)
+{
+    OssSnNodeGraphWidget *widget = tabWidget();
+    if (!widget || !node || node != parentNode() || !groupView())
+        return;
+    if (widget->indexOf(m_view) < 0)
+        widget->addTab(m_view, node->name());
+}
+
+void OssSnGroupNodeGraphViewContext::frameView()
+{
+    m_view->setFocus();
+    m_view->frameNodes(true);
+}
+
+void OssSnGroupNodeGraphViewContext::showGroupNodeTab()
+{
+    addTabToWidget(parentNode());
+    makeGroupNodeTabCurrent(parentNode());
+}
+
+void OssSnGroupNodeGraphViewContext::makeGroupNodeTabCurrent(OssSnBaseNode *node)
+{
+    OssSnNodeGraphWidget *widget = tabWidget();
+    if (!widget || !node || node != parentNode() || !m_view || widget->indexOf(m_view) < 0)
+        return;
+    widget->setCurrentWidget(m_view);
+    frameView();
+    OssShaderNetworkManager::instance()->setCurrentViewNetwork(m_view->network());
+}
+
+void OssSnGroupNodeGraphViewContext::showGroupNodeTabBehind()
+{
+    OssSnNodeGraphWidget *widget = tabWidget();
+    if (!widget)
+        return;
+    addTabToWidget(parentNode());
+    QWidget *before = widget->currentWidget();
+    if (!m_view || before == m_view)
+        return;
+    widget->setCurrentWidget(m_view);
+    frameView();
+    widget->setCurrentWidget(before);
+}
+
+void OssSnGroupNodeGraphViewContext::forceOpenGroupSubgraph()
+{
+    if (OssSnNodeGraphWidget *widget = tabWidget())
+        widget->refreshCurrentChanged();
+    showGroupNodeTab();
+}
+
+void OssSnGroupNodeGraphViewContext::hideGroupNodeTab(OssShaderNetwork *, OssSnBaseNode *node)
+{
+    OssSnNodeGraphWidget *widget = tabWidget();
+    if (!widget || !node || node != parentNode() || !m_view)
+        return;
+    const int index = widget->indexOf(m_view);
+    if (index >= 0)
+        widget->hideTab(index);
+}
+
+void OssSnGroupNodeGraphViewContext::changeGroupNodeTabText(QString text)
+{
+    OssSnNodeGraphWidget *widget = tabWidget();
+    if (!widget) {
+        OssDebug(Source, __LINE__, "Widget is NULL");
+        return;
+    }
+    const int index = m_view ? widget->indexOf(m_view) : -1;
+    if (index >= 0)
+        widget->setTabText(index, text);
+}
+
+// --- multi-channel groups
+
+void OssSnGroupNodeGraphViewContext::updateMultiChannelNodeUI()
+{
+    const auto *streams = qobject_cast<OssSnMultiChannelGroupNode *>(parentNode());
+    if (!streams || !guiNode())
+        return;
+    const int shape = streams->isValid() ? MultiChannelShape : GroupShape;
+    setShapeType(shape);
+    guiNode()->setShapeType(shape);
+    guiNode()->updateShape();
+}
+
+QString OssSnGroupNodeGraphViewContext::versionHashSource() const
+{
+    if (!parentNode()) {
+        OssDebug(Source, __LINE__, "ParentNode is NULL");
+        return {};
+    }
+    // The streams of a shader model decide what a multi-channel group is, not its look.
+    if (qobject_cast<OssSnMultiChannelGroupNode *>(parentNode()))
+        return {};
+    return OssSnNodeGraphViewContext::versionHashSource();
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "OssSnNodeGraphViewContext.h"
+
+#include <QPointer>
+
+class OssShaderNetworkView;
+class OssSnGroupNode;
+
+/// Context of a group node: besides the item, the view of the group's inside and its tab.
+class OssSnGroupNodeGraphViewContext : public OssSnNodeGraphViewContext
+{
+    Q_OBJECT
+
+public:
+    explicit OssSnGroupNodeGraphViewContext(QObject *node);
+    ~OssSnGroupNodeGraphViewContext() override;
+
+    /// The view of the inside; made when it is first shown. Null when the node is no group.
+    OssShaderNetworkView *groupView();
+
+    void initializeGui() override;
+    QString versionHashSource() const override;
+
+public Q_SLOTS:
+    /// Adds the tab if needed, makes it current and frames it.
+    void showGroupNodeTab();
+    /// Adds the tab behind the current one.
+    void showGroupNodeTabBehind();
+    // The node named must be this one: all group contexts hear of it.
+    void addTabToWidget(OssSnBaseNode *node);
+    void hideGroupNodeTab(OssShaderNetwork *network, OssSnBaseNode *node);
+    void makeGroupNodeTabCurrent(OssSnBaseNode *node);
+
+protected Q_SLOTS:
+    void changeGroupNodeTabText(QString text);
+    void updateMultiChannelNodeUI();
+    void forceOpenGroupSubgraph();
+
+private:
+    OssSnGroupNode *groupNode() const;
+    void connectGroup(OssSnGroupNode *group);
+    void showInnerItems();
+    void frameView();
+
+    /// The tab widget may take it over as a child; whoever dies first deletes it.
+    QPointer<OssShaderNetworkView> m_view;
+};

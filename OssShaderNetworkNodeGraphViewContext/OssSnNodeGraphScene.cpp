@@ -1,0 +1,10 @@
+#include "OssSnNodeGraphScene.h"
+
+#include "OssNodeGraph/OssNgSceneIndex.h"
+
+OssSnNodeGraphScene::OssSnNodeGraphScene() = default;
+
+OssSnNodeGraphScene::~OssSnNodeGraphScene()
+{
+    OssNgSceneIndex::releaseItems(this);
+}

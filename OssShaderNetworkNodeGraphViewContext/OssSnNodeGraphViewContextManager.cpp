@@ -1,0 +1,279 @@
+#include "OssSnNodeGraphViewContextManager.h"
+
+#include "OssCore/OssDebug.h"
+#include "OssCoreModules/Images/OssChannel.h"
+#include "OssCoreModules/Network/OssShaderNetwork.h"
+#include "OssCoreModules/Network/OssSnBaseNode.h"
+#include "OssCoreModules/Network/OssSnGroupNode.h"
+#include "OssCoreModules/Project/OssProject.h"
+#include "OssCoreModules/Project/OssProjectManager.h"
+#include "OssNodeGraph/OssNgEdge.h"
+#include "OssNodeGraph/OssNgNode.h"
+#include "OssShaderNetworkView.h"
+#include "OssShaderNetworkWidget.h"
+#include "OssSnNodeGraphClassFactories.h"
+#include "OssSnNodeGraphScene.h"
+#include "OssSnNodeGraphViewContext.h"
+#include "OssSnNodeGraphViewContextLoader.h"
+#include "OssSnUINodeGraphViewContext.h"
+#include "ZelGL/ZelTextureToken.h"
+
+namespace {
+
+constexpr const char *Source = "OssSnNodeGraphViewContextManager";
+const ZelTextureToken TextureToken;
+
+} // namespace
+
+OssSnNodeGraphViewContextManager *OssSnNodeGraphViewContextManager::instance()
+{
+    static OssSnNodeGraphViewContextManager manager;
+    return &manager;
+}
+
+OssSnNodeGraphViewContextManager::OssSnNodeGraphViewContextManager()
+    : m_controlType(QStringLiteral("Kova"))
+{
+    setObjectName(QStringLiteral("OssSnNodeGraphViewContextManager"));
+    loadPreferences();
+    registerPreferences();
+    // Owned by the network manager, which keeps loaders without a parent for the process.
+    OssShaderNetworkManager::instance()->registerContextLoader(QStringLiteral("NodeGraphView"),
+                                                               new OssSnNodeGraphViewContextLoader);
+    registerNodeGraphClassFactories();
+    connectToHost();
+    createActions();
+    initialiseNodeGraphPalette();
+}
+
+// Scenes go when their network or the project goes; at the end of the process none is left.
+OssSnNodeGraphViewContextManager::~OssSnNodeGraphViewContextManager() = default;
+
+void OssSnNodeGraphViewContextManager::connectToHost()
+{
+    using Networks = OssShaderNetworkManager;
+    using Manager = OssSnNodeGraphViewContextManager;
+    Networks *networks = Networks::instance();
+    connect(networks, &Networks::currentShaderNetworkChanged, this,
+            &Manager::onCurrentShaderNetworkChanged);
+    connect(networks, &Networks::shaderNetworkAdded, this, &Manager::onShaderNetworkAdded);
+    connect(networks, &Networks::focusOnNodeRequest, this, &Manager::focusOnNode);
+    connect(networks, &Networks::matchNodePositionRequest, this, &Manager::matchNodePosition);
+    connect(networks, &Networks::afterShaderNetworkEndCollection, this,
+            &Manager::onAfterShaderNetworkEndCollection);
+    connect(networks, &Networks::nodeRegistered, this, &Manager::onNodeRegistered);
+    connect(networks, &Networks::nodeDeregistered, this, &Manager::onNodeDeregistered);
+    connect(networks, &Networks::debugNodesChanged, this, &Manager::onDebugNodesChanged);
+
+    OssProjectManager *projects = OssProjectManager::instance();
+    connect(projects, &OssProjectManager::currentChannelChanged, this,
+            &Manager::highlightCurrentImageSetNode);
+    connect(projects, &OssProjectManager::projectClosing, this, &Manager::onProjectClosing);
+    connect(projects, &OssProjectManager::projectOpenCompleted, this,
+            &Manager::onProjectOpenCompleted);
+    connect(projects, &OssProjectManager::onMakeProjectCurrent, this,
+            &Manager::onProjectMadeCurrentUpgradeOldBadBackdrops);
+}
+
+// --- look-up
+
+OssShaderNetworkView *OssSnNodeGraphViewContextManager::currentView() const
+{
+    return m_nodeGraphWidget ? m_nodeGraphWidget->currentView() : nullptr;
+}
+
+OssSnNodeGraphWidget *OssSnNodeGraphViewContextManager::nodeGraphWidget() const
+{
+    return m_nodeGraphWidget;
+}
+
+OssSnNodeGraphViewContext *OssSnNodeGraphViewContextManager::contextOf(const OssSnBaseNode *node)
+{
+    return node ? qobject_cast<OssSnNodeGraphViewContext *>(
+               node->context(QStringLiteral("NodeGraphView")))
+                : nullptr;
+}
+
+OssNgNode *OssSnNodeGraphViewContextManager::guiNodeOf(const OssSnBaseNode *node)
+{
+    OssSnNodeGraphViewContext *context = contextOf(node);
+    return context ? context->guiNode() : nullptr;
+}
+
+void OssSnNodeGraphViewContextManager::registerGroupNetwork(OssShaderNetwork *network,
+                                                            OssSnGroupNode *groupNode)
+{
+    m_groupNodes.insert(network, groupNode);
+}
+
+OssSnGroupNode *OssSnNodeGraphViewContextManager::groupOfNetwork(OssShaderNetwork *network) const
+{
+    return m_groupNodes.value(network);
+}
+
+// --- scenes
+
+QGraphicsScene *OssSnNodeGraphViewContextManager::sceneForNetwork(OssShaderNetwork *network)
+{
+    if (!network)
+        return nullptr;
+    QGraphicsScene *&scene = m_scenes[network];
+    if (!scene) {
+        scene = new OssSnNodeGraphScene;
+        connect(network, &QObject::destroyed, this,
+                &OssSnNodeGraphViewContextManager::onShaderNetworkDestroyed);
+    }
+    return scene;
+}
+
+void OssSnNodeGraphViewContextManager::showNetworkInView(OssShaderNetwork *network,
+                                                         OssShaderNetworkView *view)
+{
+    if (OssShaderNetwork *shown = view->network())
+        m_viewRects.insert(shown, view->viewportInSceneCoords());
+    view->setNetwork(network);
+    view->setScene(sceneForNetwork(network));
+    view->init();
+    if (!network)
+        return;
+    const auto seen = m_viewRects.constFind(network);
+    if (seen != m_viewRects.cend()) {
+        view->fitInView(*seen, Qt::KeepAspectRatio);
+        return;
+    }
+    view->frameNodes(true);
+    m_viewRects.insert(network, view->viewportInSceneCoords());
+    connect(network, &QObject::destroyed, this,
+            &OssSnNodeGraphViewContextManager::onNetworkDestroyed);
+}
+
+void OssSnNodeGraphViewContextManager::onCurrentShaderNetworkChanged(OssShaderNetwork *Network)
+{
+    if (!m_nodeGraphWidget)
+        return;
+    showNetworkInView(Network, m_nodeGraphWidget->view());
+    m_nodeGraphWidget->updateRootLevelText(Network);
+    if (m_nodeGraphWidget->currentView() == m_nodeGraphWidget->view())
+        OssShaderNetworkManager::instance()->setCurrentViewNetwork(Network);
+}
+
+void OssSnNodeGraphViewContextManager::onShaderNetworkAdded(OssShaderNetwork *Network)
+{
+    if (!m_nodeGraphWidget)
+        return;
+    OssDebug(Source, __LINE__, "[ -- ] About to recompile shader network %p",
+             static_cast<void *>(Network));
+    OssShaderNetworkManager::instance()->refreshGraph(Network);
+}
+
+void OssSnNodeGraphViewContextManager::onShaderNetworkDestroyed(QObject *Obj)
+{
+    // The object is no longer a network: only its address counts.
+    const auto found = m_scenes.constFind(static_cast<OssShaderNetwork *>(Obj));
+    if (found == m_scenes.cend()) {
+        if (!m_scenes.isEmpty())
+            OssDebug(Source, __LINE__, "Failed to find scene for network");
+        return;
+    }
+    QGraphicsScene *scene = *found;
+    m_scenes.erase(found);
+    delete scene;
+}
+
+void OssSnNodeGraphViewContextManager::onNetworkDestroyed(QObject *Obj)
+{
+    m_viewRects.remove(static_cast<OssShaderNetwork *>(Obj));
+}
+
+void OssSnNodeGraphViewContextManager::onProjectClosing()
+{
+    const QHash<OssShaderNetwork *, QGraphicsScene *> scenes = m_scenes;
+    m_scenes.clear();
+    m_groupNodes.clear();
+    qDeleteAll(scenes);
+}
+
+// --- nodes
+
+void OssSnNodeGraphViewContextManager::onNodeRegistered(OssShaderNetwork *Network,
+                                                        OssSnBaseNode *Node)
+{
+    if (!Network) {
+        OssDebug(Source, __LINE__, "Network is NULL");
+        return;
+    }
+    if (!Node) {
+        OssDebug(Source, __LINE__, "Node is NULL");
+        return;
+    }
+    QGraphicsScene *scene = sceneForNetwork(Network);
+    if (!scene) {
+        OssDebug(Source, __LINE__, "Scene is NULL");
+        return;
+    }
+    OssNgNode *guiNode = guiNodeOf(Node);
+    if (!guiNode)
+        return;
+    const auto add = [scene](QGraphicsItem *item) {
+        if (item->scene() != scene)
+            scene->addItem(item);
+    };
+    add(guiNode);
+    const QList<OssNgEdge *> edges = guiNode->inputs() + guiNode->outputs();
+    for (OssNgEdge *edge : edges)
+        add(edge);
+}
+
+void OssSnNodeGraphViewContextManager::onNodeDeregistered(OssShaderNetwork *Network,
+                                                          OssSnBaseNode *Node)
+{
+    if (!Network) {
+        OssDebug(Source, __LINE__, "Network is NULL");
+        return;
+    }
+    if (!Node) {
+        OssDebug(Source, __LINE__, "Node is NULL");
+        return;
+    }
+    QGraphicsScene *scene = m_scenes.value(Network);
+    if (!scene)
+        return;
+    Node->emitRemovedFromNetwork();
+    OssNgNode *guiNode = guiNodeOf(Node);
+    if (!guiNode)
+        return;
+    const auto remove = [scene](QGraphicsItem *item) {
+        if (item->scene() == scene)
+            scene->removeItem(item);
+    };
+    remove(guiNode);
+    const QList<OssNgEdge *> edges = guiNode->inputs() + guiNode->outputs();
+    for (OssNgEdge *edge : edges)
+        remove(edge);
+    guiNode->removeTemporaryOutputEdge();
+    guiNode->removeVirtualInputEdge();
+}
+
+void OssSnNodeGraphViewContextManager::onAfterShaderNetworkEndCollection(OssShaderNetwork *Network)
+{
+    if (!Network) {
+        OssDebug(Source, __LINE__, "Network is NULL");
+        return;
+    }
+    const QList<OssSnBaseNode *> nodes = Network->nodes();
+    for (const OssSnBaseNode *node : nodes) {
+        if (OssSnNodeGraphViewContext *context = contextOf(node))
+            context->updateGuiEdges();
+    }
+}
+
+void OssSnNodeGraphViewContextManager::onContextInitialised(OssSnNodeGraphViewContext *context)
+{
+    Q_EMIT contextInitialised(context);
+}
+
+void OssSnNodeGraphViewContextManager::onGroupPortNodeMoved(OssShaderNetwork *network, bool input)
+{
+    if (OssSnGroupNode *group = groupOfNetwork(network))
+        Q_EMIT groupPortNodeMoved(group, input);
+}

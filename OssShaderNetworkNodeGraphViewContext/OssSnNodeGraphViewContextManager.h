@@ -1,0 +1,265 @@
+#pragma once
+
+#include "OssCore/OssSerializableObject.h"
+#include "OssCoreModules/Network/OssShaderNetworkManager.h"
+
+#include <QGraphicsScene>
+#include <QHash>
+#include <QPointer>
+
+class OssChannel;
+class OssPalette;
+class OssProject;
+class OssShaderNetworkView;
+class OssSnGroupNode;
+class OssSnNodeGraphViewContext;
+class OssSnNodeGraphWidget;
+
+/// Ties the node graph to the host's networks: one scene for each network, the palette with its
+/// tabs, the items of registered nodes in the right scene, answers to the host's requests, and the
+/// node-graph preferences. One for the process, made on first use. GUI thread.
+class OssSnNodeGraphViewContextManager : public OssSerializableObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QString controlType READ controlType WRITE setControlType RESET resetControlType
+                   NOTIFY controlTypeChanged STORED false)
+    Q_PROPERTY(QString defaultNodePortDisplayMode READ defaultNodePortDisplayMode WRITE
+                   setDefaultNodePortDisplayMode RESET resetDefaultNodePortDisplayMode NOTIFY
+                       defaultNodePortDisplayModeChanged STORED false)
+    Q_PROPERTY(bool isAutoInsertOn READ isAutoInsertOn WRITE setIsAutoInsertOn RESET
+                   resetIsAutoInsertOn NOTIFY isAutoInsertOnChanged STORED false)
+    Q_PROPERTY(ZoomTo zoomTo READ zoomTo WRITE setZoomTo RESET resetZoomTo NOTIFY zoomToChanged
+                   STORED false)
+    Q_PROPERTY(QString autoUpdateUpstreamMergeNodeColorspaceEnabled READ
+                   autoUpdateUpstreamMergeNodeColorspaceEnabled WRITE
+                       setAutoUpdateUpstreamMergeNodeColorspaceEnabled RESET
+                           resetAutoUpdateUpstreamMergeNodeColorspaceEnabled NOTIFY
+                               autoUpdateUpstreamMergeNodeColorspaceEnabledChanged STORED false)
+    Q_PROPERTY(DefaultMCMCollapsedState defaultMCMCollapsedState READ defaultMCMCollapsedState WRITE
+                   setDefaultMCMCollapsedState RESET resetDefaultMCMCollapsedState NOTIFY
+                       defaultMCMCollapsedStateChanged STORED false)
+    Q_PROPERTY(
+        bool shakeToExtractEnabled READ shakeToExtractEnabled WRITE setShakeToExtractEnabled RESET
+            resetShakeToExtractEnabled NOTIFY shakeToExtractEnabledChanged STORED false)
+    Q_PROPERTY(int shakeToExtractShakes READ shakeToExtractShakes WRITE setShakeToExtractShakes
+                   RESET resetShakeToExtractShakes NOTIFY shakeToExtractShakesChanged STORED false)
+    Q_PROPERTY(int shakeToExtractTime READ shakeToExtractTime WRITE setShakeToExtractTime RESET
+                   resetShakeToExtractTime NOTIFY shakeToExtractTimeChanged STORED false)
+    Q_PROPERTY(int numberOfLastUsedNodePathsToStore READ numberOfLastUsedNodePathsToStore WRITE
+                   setNumberOfLastUsedNodePathsToStore RESET resetNumberOfLastUsedNodePathsToStore
+                       NOTIFY numberOfLastUsedNodePathsToStoreChanged STORED false)
+
+public:
+    /// The point that stays where it is when the graph is zoomed.
+    enum ZoomTo { Center = 0, Cursor = 1 };
+    Q_ENUM(ZoomTo)
+
+    /// How multi-channel nodes list their ports when they are made.
+    enum DefaultMCMCollapsedState {
+        Expanded = 0,
+        StreamCollapsed = 1,
+        ConnectedOnly = 2,
+        Collapsed = 3
+    };
+    Q_ENUM(DefaultMCMCollapsedState)
+
+    /// Index into the list of port displays.
+    enum DefaultNodePortDisplayMode { ShowPortList = 0, HidePortList = 1 };
+
+    static OssSnNodeGraphViewContextManager *instance();
+    ~OssSnNodeGraphViewContextManager() override;
+
+    /// The view the user works in; null when the widget is gone or its current page is none.
+    OssShaderNetworkView *currentView() const;
+    OssSnNodeGraphWidget *nodeGraphWidget() const;
+    /// The network's scene, made on first need and owned here. Null for a null network.
+    QGraphicsScene *sceneForNetwork(OssShaderNetwork *network);
+    void registerGroupNetwork(OssShaderNetwork *network, OssSnGroupNode *groupNode);
+    /// The group whose inside the network is; null when its context registered none.
+    OssSnGroupNode *groupOfNetwork(OssShaderNetwork *network) const;
+    void showNetworkInView(OssShaderNetwork *network, OssShaderNetworkView *view);
+
+    /// A context has its item and its wiring.
+    void onContextInitialised(OssSnNodeGraphViewContext *context);
+    /// An input (or output) node inside a group was moved.
+    void onGroupPortNodeMoved(OssShaderNetwork *network, bool input);
+
+    /// The context of a node in the node graph, and its item; null when either step fails.
+    static OssSnNodeGraphViewContext *contextOf(const OssSnBaseNode *node);
+    static class OssNgNode *guiNodeOf(const OssSnBaseNode *node);
+
+    QString prettyPropertyName(const QString &Name) const override;
+
+public Q_SLOTS:
+    void onCurrentShaderNetworkChanged(OssShaderNetwork *Network);
+    void onShaderNetworkAdded(OssShaderNetwork *Network);
+    void onNodeRegistered(OssShaderNetwork *Network, OssSnBaseNode *Node);
+    void onNodeDeregistered(OssShaderNetwork *Network, OssSnBaseNode *Node);
+    void onShaderNetworkDestroyed(QObject *Obj);
+    void onNetworkDestroyed(QObject *Obj);
+    void onProjectClosing();
+    void onProjectOpenCompleted();
+    void onAfterShaderNetworkEndCollection(OssShaderNetwork *Network);
+    void updatePortVisibility();
+    void onProjectMadeCurrentUpgradeOldBadBackdrops(OssProject *Project);
+    void focusOnNode(OssSnBaseNode *Node);
+    void matchNodePosition(OssSnBaseNode *From, OssSnBaseNode *To);
+    void showNodeGraphPalette();
+    void highlightCurrentImageSetNode(OssChannel *pImageSet);
+    void onDebugNodesChanged(OssShaderNetworkManager::DebugNodes rNewNodes,
+                             OssShaderNetworkManager::DebugInputs rNewInputs,
+                             OssShaderNetworkManager::DebugNodes rOldNodes,
+                             OssShaderNetworkManager::DebugInputs rOldInputs);
+    void onNodePropertiesHoverChanged(OssSnBaseNode *MouseOver, OssSnBaseNode *OldMouseOver);
+    void onNodeCollapsedModeChanged();
+
+    // Preferences: see the table in the source.
+    QString controlType() const { return m_controlType; }
+
+    void setControlType(const QString &Value);
+
+    void resetControlType() { setControlType(controlTypeDefault()); }
+
+    QString controlTypeTooltip() const;
+    QString controlTypeDefault() const;
+    QStringList controlTypeList() const;
+
+    QString defaultNodePortDisplayMode() const;
+
+    int defaultNodePortDisplayModeAsEnum() const { return m_portDisplayIndex; }
+
+    void setDefaultNodePortDisplayMode(const QString &Mode);
+    void resetDefaultNodePortDisplayMode();
+    QString defaultNodePortDisplayModeTooltip() const;
+    QStringList defaultNodePortDisplayModeList() const;
+
+    bool isAutoInsertOn() const { return m_isAutoInsertOn; }
+
+    void setIsAutoInsertOn(bool Value);
+
+    void resetIsAutoInsertOn() { setIsAutoInsertOn(true); }
+
+    QString isAutoInsertOnTooltip() const;
+
+    ZoomTo zoomTo() const { return ZoomTo(m_zoomTo); }
+
+    int zoomToAsInt() const { return m_zoomTo; }
+
+    void setZoomTo(ZoomTo Value) { setZoomTo(int(Value)); }
+
+    void setZoomTo(int Value);
+
+    void resetZoomTo() { setZoomTo(int(Cursor)); }
+
+    QString zoomToTooltip() const;
+
+    QString autoUpdateUpstreamMergeNodeColorspaceEnabled() const { return m_colorspaceUpdate; }
+
+    void setAutoUpdateUpstreamMergeNodeColorspaceEnabled(const QString &Value);
+    void resetAutoUpdateUpstreamMergeNodeColorspaceEnabled();
+    QString autoUpdateUpstreamMergeNodeColorspaceEnabledTooltip() const;
+    QString autoUpdateUpstreamMergeNodeColorspaceEnabledDefault() const;
+    QStringList autoUpdateUpstreamMergeNodeColorspaceEnabledList() const;
+
+    DefaultMCMCollapsedState defaultMCMCollapsedState() const
+    {
+        return DefaultMCMCollapsedState(m_collapsedState);
+    }
+
+    int defaultMCMCollapsedStateAsInt() const { return m_collapsedState; }
+
+    void setDefaultMCMCollapsedState(DefaultMCMCollapsedState Value)
+    {
+        setDefaultMCMCollapsedState(int(Value));
+    }
+
+    void setDefaultMCMCollapsedState(int Value);
+
+    void resetDefaultMCMCollapsedState() { setDefaultMCMCollapsedState(int(StreamCollapsed)); }
+
+    QString defaultMCMCollapsedStateTooltip() const;
+
+    bool shakeToExtractEnabled() const { return m_shakeEnabled; }
+
+    void setShakeToExtractEnabled(bool Value);
+
+    void resetShakeToExtractEnabled() { setShakeToExtractEnabled(shakeToExtractEnabledDefault()); }
+
+    void toggleShakeToExtractEnabled();
+    QString shakeToExtractEnabledTooltip() const;
+
+    bool shakeToExtractEnabledDefault() const { return true; }
+
+    int shakeToExtractShakes() const { return m_shakes; }
+
+    void setShakeToExtractShakes(int Value);
+
+    void resetShakeToExtractShakes() { setShakeToExtractShakes(shakeToExtractShakesDefault()); }
+
+    QString shakeToExtractShakesTooltip() const;
+
+    int shakeToExtractShakesDefault() const { return 4; }
+
+    int shakeToExtractTime() const { return m_shakeTime; }
+
+    void setShakeToExtractTime(int Value);
+
+    void resetShakeToExtractTime() { setShakeToExtractTime(shakeToExtractTimeDefault()); }
+
+    QString shakeToExtractTimeTooltip() const;
+
+    int shakeToExtractTimeDefault() const { return 500; }
+
+    int numberOfLastUsedNodePathsToStore() const { return m_recentCount; }
+
+    void setNumberOfLastUsedNodePathsToStore(int Value);
+    void resetNumberOfLastUsedNodePathsToStore();
+    QString numberOfLastUsedNodePathsToStoreTooltip() const;
+
+    int numberOfLastUsedNodePathsToStoreDefault() const { return 5; }
+
+    void savePreferences();
+    void loadPreferences();
+
+Q_SIGNALS:
+    void controlTypeChanged(QString ControlType);
+    void defaultNodePortDisplayModeChanged(QString Mode);
+    void isAutoInsertOnChanged(bool On);
+    void zoomToChanged(OssSnNodeGraphViewContextManager::ZoomTo Value);
+    void zoomToChangedAsInt(int Value);
+    void autoUpdateUpstreamMergeNodeColorspaceEnabledChanged(QString Value);
+    void defaultMCMCollapsedStateChanged(
+        OssSnNodeGraphViewContextManager::DefaultMCMCollapsedState Value);
+    void defaultMCMCollapsedStateChangedAsInt(int Value);
+    void shakeToExtractEnabledChanged(bool Enabled);
+    void shakeToExtractShakesChanged(int Shakes);
+    void shakeToExtractTimeChanged(int Time);
+    void numberOfLastUsedNodePathsToStoreChanged(int Count);
+    void contextInitialised(OssSnNodeGraphViewContext *context);
+    void groupPortNodeMoved(OssSnGroupNode *group, bool input);
+
+private:
+    OssSnNodeGraphViewContextManager();
+    void registerPreferences();
+    void registerClassFactories();
+    void connectToHost();
+    void createActions();
+    void initialiseNodeGraphPalette();
+    template <class Visit>
+    void visitProjectNodes(OssProject *project, Visit visit) const;
+
+    QHash<OssShaderNetwork *, QGraphicsScene *> m_scenes;
+    QHash<OssShaderNetwork *, QPointer<OssSnGroupNode>> m_groupNodes;
+    QHash<OssShaderNetwork *, QRectF> m_viewRects;
+    QPointer<OssSnNodeGraphWidget> m_nodeGraphWidget;
+    int m_portDisplayIndex = ShowPortList;
+    bool m_isAutoInsertOn = true;
+    int m_zoomTo = Cursor;
+    QString m_controlType;
+    QString m_colorspaceUpdate;
+    int m_collapsedState = StreamCollapsed;
+    bool m_shakeEnabled = true;
+    int m_shakes = 4;
+    int m_shakeTime = 500;
+    int m_recentCount = 5;
+};

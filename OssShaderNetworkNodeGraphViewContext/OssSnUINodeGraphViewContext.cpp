@@ -1,0 +1,151 @@
+#include "OssSnUINodeGraphViewContext.h"
+
+#include "OssCore/OssColor.h"
+#include "OssCore/OssDebug.h"
+#include "OssNodeGraph/OssNgBackdropNode.h"
+#include "OssNodeGraph/OssNgDotNode.h"
+#include "OssNodeGraph/OssNgUINode.h"
+#include "ZelGL/ZelTextureToken.h"
+
+namespace {
+
+constexpr const char *Source = "OssSnUINodeGraphViewContext";
+const ZelTextureToken TextureToken;
+
+std::shared_ptr<OssNgNode> makeGuiNode(const QString &guiNodeClass)
+{
+    if (guiNodeClass == QLatin1String("Backdrop"))
+        return std::make_shared<OssNgBackdropNode>();
+    if (guiNodeClass == QLatin1String("Dot"))
+        return std::make_shared<OssNgDotNode>();
+    return std::make_shared<OssNgUINode>();
+}
+
+} // namespace
+
+OssSnUINodeGraphViewContext::OssSnUINodeGraphViewContext(QObject *node)
+    : OssSnNodeGraphViewContext(node, false)
+{
+}
+
+OssSnUINodeGraphViewContext::~OssSnUINodeGraphViewContext() = default;
+
+void OssSnUINodeGraphViewContext::setGuiNodeClass(const QString &guiNodeClass)
+{
+    m_guiNodeClass = guiNodeClass;
+    if (guiNodeClass.isEmpty() || hasGuiNode())
+        return;
+    adoptGuiNode(makeGuiNode(guiNodeClass));
+    upgradeOldBackdrop();
+}
+
+void OssSnUINodeGraphViewContext::upgradeOldBackdrop()
+{
+    OssSnBaseNode *node = parentNode();
+    if (!node || !node->pathKey().isEmpty() || m_guiNodeClass != QLatin1String("Backdrop"))
+        return;
+    const QString key = QStringLiteral("Misc/Backdrop");
+    node->setPathKey(key);
+    node->setVersionUUID(OssShaderNetworkManager::instance()->convertPathKeyToVersionUUID(key));
+}
+
+void OssSnUINodeGraphViewContext::initializeGui()
+{
+    if (!hasGuiNode())
+        setGuiNodeClass(QStringLiteral("StickyNote"));
+    OssSnNodeGraphViewContext::initializeGui();
+    const OssSnBaseNode *node = parentNode();
+    const auto *backdrop = qobject_cast<OssNgBackdropNode *>(guiNode());
+    if (!node || !backdrop)
+        return;
+    connect(node, &OssSnBaseNode::zOrderChanged, this,
+            &OssSnUINodeGraphViewContext::onZOrderChanged);
+    connect(backdrop, &OssNgBackdropNode::zOrderChanged, this,
+            &OssSnUINodeGraphViewContext::onZOrderChanged);
+}
+
+void OssSnUINodeGraphViewContext::setText(QString text)
+{
+    OssSnNodeGraphViewContext::setText(text);
+}
+
+void OssSnUINodeGraphViewContext::selectGuiNode(bool selected)
+{
+    applySelection(selected);
+}
+
+void OssSnUINodeGraphViewContext::applySelection(bool selected)
+{
+    OssSnNodeGraphViewContext::applySelection(selected);
+}
+
+// --- user attributes
+
+void OssSnUINodeGraphViewContext::onUserAttributeChanged(OssCustomAttribute Attribute,
+                                                         OssSnBaseNode *)
+{
+    OssNgNode *item = guiNode();
+    if (!item || !Attribute.isValid())
+        return;
+    const QString name = Attribute.name();
+    if (name == QLatin1String("BackgroundColor")) {
+        showBackground(Attribute);
+    } else if (name == QLatin1String("TitleText")) {
+        showText(Attribute, "setTitleText");
+    } else if (name == QLatin1String("Label")) {
+        showText(Attribute, "setLabel");
+    } else if (name == QLatin1String("ZOrder")) {
+        if (auto *backdrop = qobject_cast<OssNgBackdropNode *>(item))
+            backdrop->setZOrder(Attribute.value().toInt());
+    }
+}
+
+void OssSnUINodeGraphViewContext::showBackground(const OssCustomAttribute &attribute)
+{
+    OssNgNode *item = guiNode();
+    if (item->metaObject()->indexOfMethod("setNodeBackgroundColour(QColor)") < 0) {
+        const OssSnBaseNode *node = parentNode();
+        OssDebug(Source, __LINE__, "[ !! ] Invalid attribute 'BackgroundColor' on node '%s'",
+                 node ? qPrintable(node->path()) : "");
+        return;
+    }
+    const auto value = attribute.value().value<OssColor>();
+    QColor color;
+    color.setRgbF(value.red(), value.green(), value.blue(), value.alpha());
+    QMetaObject::invokeMethod(item, "setNodeBackgroundColour", Qt::DirectConnection,
+                              Q_ARG(QColor, color));
+}
+
+void OssSnUINodeGraphViewContext::showText(const OssCustomAttribute &attribute, const char *method)
+{
+    OssNgNode *item = guiNode();
+    const QByteArray signature = QByteArray(method) + "(QString)";
+    if (item->metaObject()->indexOfMethod(signature.constData()) < 0)
+        return;
+    QMetaObject::invokeMethod(item, method, Qt::DirectConnection,
+                              Q_ARG(QString, attribute.value().toString()));
+}
+
+void OssSnUINodeGraphViewContext::onZOrderChanged(int ZOrder)
+{
+    OssSnBaseNode *node = parentNode();
+    if (!node)
+        return;
+    OssCustomAttribute attribute = node->userAttribute(QStringLiteral("ZOrder"));
+    if (!attribute.isValid() || attribute.value().toInt() == ZOrder)
+        return;
+    attribute.setValue(ZOrder);
+    node->setUserAttribute(attribute, true);
+}
+
+QList<OssSnBaseNode *> OssSnUINodeGraphViewContext::childrenNodes() const
+{
+    QList<OssSnBaseNode *> nodes;
+    const auto *backdrop = qobject_cast<OssNgBackdropNode *>(guiNode());
+    const QList<OssNgNode *> inside = backdrop ? backdrop->nodesInside() : QList<OssNgNode *>();
+    for (const OssNgNode *item : inside) {
+        if (auto *node = qobject_cast<OssSnBaseNode *>(item->businessNode()))
+            nodes.append(node);
+    }
+    return nodes;
+}

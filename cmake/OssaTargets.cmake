@@ -1,0 +1,80 @@
+option(OSSA_WARNINGS_AS_ERRORS "Treat compiler warnings as errors" OFF)
+option(OSSA_PRECOMPILED_HEADERS "Precompile the Qt headers" ON)
+set(OSSA_SANITIZERS "" CACHE STRING "Comma-separated sanitizers, e.g. address,undefined")
+
+find_program(OSSA_CCACHE ccache)
+if(OSSA_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    set(CMAKE_CXX_COMPILER_LAUNCHER
+        ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
+        ${OSSA_CCACHE})
+endif()
+find_program(OSSA_MOLD mold)
+
+add_library(ossa_build_flags INTERFACE)
+target_compile_definitions(ossa_build_flags INTERFACE
+    QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY
+    QT_NO_URL_CAST_FROM_STRING QT_NO_NARROWING_CONVERSIONS_IN_CONNECT QT_NO_FOREACH
+    QT_DISABLE_DEPRECATED_BEFORE=0x050F00
+    $<$<CONFIG:Debug>:QT_FORCE_ASSERTS>)
+target_compile_options(ossa_build_flags INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align
+    -Wformat=2 -Wundef -Wextra-semi -Wzero-as-null-pointer-constant -Wmissing-declarations
+    $<$<CXX_COMPILER_ID:GNU>:-Wsuggest-override;-Wduplicated-cond;-Wlogical-op;-fpch-preprocess>
+    $<$<CXX_COMPILER_ID:Clang>:-Winconsistent-missing-destructor-override>
+    $<$<BOOL:${OSSA_WARNINGS_AS_ERRORS}>:-Werror;-Wno-error=deprecated-declarations>)
+target_link_options(ossa_build_flags INTERFACE LINKER:--as-needed)
+if(OSSA_MOLD)
+    target_link_options(ossa_build_flags INTERFACE -fuse-ld=mold)
+endif()
+if(OSSA_SANITIZERS)
+    target_compile_options(ossa_build_flags INTERFACE -fsanitize=${OSSA_SANITIZERS})
+    target_link_options(ossa_build_flags INTERFACE -fsanitize=${OSSA_SANITIZERS})
+else()
+    target_link_options(ossa_build_flags INTERFACE LINKER:--no-undefined)
+endif()
+
+function(ossa_precompile target)
+    if(OSSA_PRECOMPILED_HEADERS)
+        target_precompile_headers(${target} PRIVATE ${PROJECT_SOURCE_DIR}/cmake/ossa_pch.h)
+    endif()
+endfunction()
+
+# Shared host library NAME, exported symbols marked <NAME>_EXPORT in upper case. Headers are
+# included as "NAME/Header.h". Only what stands after USES can be included or linked.
+function(ossa_add_library name)
+    cmake_parse_arguments(arg "NO_WIDGETS" "" "SOURCES;USES;PRIVATE" ${ARGN})
+    add_library(${name} SHARED ${arg_SOURCES})
+    generate_export_header(${name}
+        EXPORT_FILE_NAME ${PROJECT_BINARY_DIR}/export/${name}/${name}_export.h)
+    target_include_directories(${name} PUBLIC
+        ${PROJECT_SOURCE_DIR}/host ${PROJECT_BINARY_DIR}/export)
+    target_link_libraries(${name} PUBLIC ${arg_USES} PRIVATE ossa_build_flags ${arg_PRIVATE})
+    if(NOT arg_NO_WIDGETS)
+        ossa_precompile(${name})
+    endif()
+endfunction()
+
+# Plug-in NAME: a MODULE of NAME_door.cpp around an OBJECT library NAME_code, so that tests can
+# link the code that the application only ever loads.
+function(ossa_add_plugin name)
+    cmake_parse_arguments(arg "" "" "SOURCES;USES" ${ARGN})
+    add_library(${name}_code OBJECT ${arg_SOURCES})
+    target_include_directories(${name}_code PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
+    target_link_libraries(${name}_code PUBLIC ${arg_USES} PRIVATE ossa_build_flags)
+    ossa_precompile(${name}_code)
+    add_library(${name} MODULE $<TARGET_OBJECTS:${name}_code>)
+    target_link_libraries(${name} PRIVATE ${arg_USES} ossa_build_flags)
+    set_target_properties(${name} PROPERTIES
+        PREFIX "" AUTOMOC OFF LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/plugins)
+endfunction()
+
+function(ossa_add_test name)
+    cmake_parse_arguments(arg "" "" "SOURCES;LINK" ${ARGN})
+    add_executable(${name} ${arg_SOURCES})
+    target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+    target_link_libraries(${name} PRIVATE ossa_build_flags Qt5::Test GTest::gtest ${arg_LINK})
+    ossa_precompile(${name})
+    add_test(NAME ${name} COMMAND ${name})
+    set_tests_properties(${name} PROPERTIES ENVIRONMENT
+        "QT_QPA_PLATFORM=offscreen;OSSA_ROOT=${PROJECT_SOURCE_DIR};OSSA_BUILD=${PROJECT_BINARY_DIR}")
+endfunction()

@@ -1,0 +1,35 @@
+# What ./run and ./test share. Sourced from the project's root.
+
+say() { printf '\n== %s\n' "$*"; }
+
+PACKAGES="build-essential cmake ninja-build ccache mold pkg-config
+    qtbase5-dev libqt5svg5-dev libqt-advanced-docking-system-dev libcli11-dev
+    fonts-inter fonts-dejavu-core"
+TEST_PACKAGES="libgtest-dev libbenchmark-dev clang-format xvfb xauth"
+
+# Installs those of the named packages that are not there yet.
+install_packages() {
+    missing=""
+    for package in "$@"; do
+        dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' \
+            || missing="$missing $package"
+    done
+    if [ -z "$missing" ]; then
+        say "All packages are installed"
+        return
+    fi
+    say "Installing:$missing"
+    sudo=""
+    [ "$(id -u)" -eq 0 ] || sudo="sudo"
+    export DEBIAN_FRONTEND=noninteractive
+    # shellcheck disable=SC2086
+    $sudo apt-get update -qq && $sudo apt-get install -y -qq --no-install-recommends $missing >/dev/null
+}
+
+# Configures and builds a preset.
+build() {
+    say "Building ($1)"
+    cmake --preset "$1" >"build-$1.log" 2>&1 || { cat "build-$1.log"; rm -f "build-$1.log"; return 1; }
+    rm -f "build-$1.log"
+    cmake --build --preset "$1"
+}

@@ -1,0 +1,91 @@
+#include "builder/GraphWriter.h"
+
+#include "OssCoreModules/Network/OssShaderNetwork.h"
+#include "OssCoreModules/Network/OssSnBaseContext.h"
+#include "OssCoreModules/Network/OssSnGroupNode.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+[[noreturn]] void giveUp(const QString &reason)
+{
+    std::fprintf(stderr, "ossa_build_examples: %s\n", qPrintable(reason));
+    std::exit(1);
+}
+
+OssSnBaseContext *contextOf(OssSnBaseNode *node)
+{
+    OssSnBaseContext *context = node->context(QStringLiteral("NodeGraphView"));
+    if (!context)
+        giveUp(QStringLiteral("the node graph plug-in is not loaded"));
+    return context;
+}
+
+} // namespace
+
+GraphWriter::GraphWriter(OssShaderNetwork *network)
+    : m_network(network)
+{
+}
+
+OssSnBaseNode *GraphWriter::add(const QString &pathKey, const QString &name,
+                                const QPointF &position)
+{
+    OssSnBaseNode *node = m_network->createNode(pathKey, name);
+    if (!node)
+        giveUp(QStringLiteral("there is no node type %1").arg(pathKey));
+    place(node, position);
+    return node;
+}
+
+OssSnGroupNode *GraphWriter::addGroup(const QString &name, const QPointF &position)
+{
+    return qobject_cast<OssSnGroupNode *>(add(QStringLiteral("Misc/Group"), name, position));
+}
+
+OssSnBaseNode *GraphWriter::addBackdrop(const QString &title, const QPointF &position,
+                                        const QSizeF &size, const QString &color)
+{
+    OssSnBaseNode *node
+        = add(QStringLiteral("Misc/Backdrop"), title + QStringLiteral(" Backdrop"), position);
+    set(node, QStringLiteral("TitleText"), title);
+    set(node, QStringLiteral("BackgroundColor"), color);
+    QMetaObject::invokeMethod(contextOf(node), "setNodeSize", Q_ARG(QSizeF, size));
+    place(node, position);
+    return node;
+}
+
+OssSnBaseNode *GraphWriter::addNote(const QString &text, const QPointF &position)
+{
+    OssSnBaseNode *node = add(QStringLiteral("Misc/Sticky Note"), QStringLiteral("Note"), position);
+    set(node, QStringLiteral("Label"), text);
+    return node;
+}
+
+void GraphWriter::wire(OssSnBaseNode *source, OssSnBaseNode *target, const QString &input,
+                       const QString &outputPoint)
+{
+    const QString point = outputPoint.isEmpty() ? source->prefferedOutputPoint() : outputPoint;
+    if (!target->setInputNode(input, source, point))
+        giveUp(target->canConnect(input, source, point).error());
+}
+
+void GraphWriter::set(OssSnBaseNode *node, const QString &attribute, const QVariant &value)
+{
+    if (!node->setAttribute(attribute, value))
+        giveUp(QStringLiteral("%1 has no attribute %2").arg(node->name(), attribute));
+}
+
+void GraphWriter::place(OssSnBaseNode *node, const QPointF &position)
+{
+    QMetaObject::invokeMethod(contextOf(node), "setNodePosition", Q_ARG(QPointF, position));
+}
+
+QSizeF GraphWriter::sizeOf(OssSnBaseNode *node)
+{
+    QSizeF size;
+    QMetaObject::invokeMethod(contextOf(node), "nodeSize", Q_RETURN_ARG(QSizeF, size));
+    return size;
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QPointF>
+#include <QSizeF>
+#include <QString>
+#include <QVariant>
+
+class OssShaderNetwork;
+class OssSnBaseNode;
+class OssSnGroupNode;
+
+/// Writes a graph into a network, node by node, with the operations that commands use. What cannot
+/// be done ends the program with the reason: examples are whole or not there.
+class GraphWriter
+{
+public:
+    explicit GraphWriter(OssShaderNetwork *network);
+
+    OssSnBaseNode *add(const QString &pathKey, const QString &name, const QPointF &position);
+    OssSnGroupNode *addGroup(const QString &name, const QPointF &position);
+    OssSnBaseNode *addBackdrop(const QString &title, const QPointF &position, const QSizeF &size,
+                               const QString &color);
+    OssSnBaseNode *addNote(const QString &text, const QPointF &position);
+    /// From the source's first output, or from the named one.
+    void wire(OssSnBaseNode *source, OssSnBaseNode *target, const QString &input,
+              const QString &outputPoint = {});
+    void set(OssSnBaseNode *node, const QString &attribute, const QVariant &value);
+
+    OssShaderNetwork *network() const { return m_network; }
+
+    static void place(OssSnBaseNode *node, const QPointF &position);
+    static QSizeF sizeOf(OssSnBaseNode *node);
+
+private:
+    OssShaderNetwork *m_network;
+};

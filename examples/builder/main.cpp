@@ -1,0 +1,76 @@
+#include "builder/Examples.h"
+#include "Ossa/PluginLoader.h"
+#include "OssCore/OssDebug.h"
+#include "OssCore/OssResourceInfo.h"
+#include "OssCore/OssUndoManager.h"
+#include "OssCoreModules/Interface/OssActionTreeManager.h"
+#include "OssCoreModules/Interface/OssApplication.h"
+#include "OssCoreModules/Interface/OssPaletteManager.h"
+#include "OssCoreModules/Network/OssShaderNetworkManager.h"
+#include "OssCoreModules/Project/OssGeoEntity.h"
+#include "OssCoreModules/Project/OssProject.h"
+#include "OssCoreModules/Project/OssProjectManager.h"
+
+#include <QApplication>
+#include <QDir>
+
+#include <cstdio>
+
+namespace {
+
+struct Example
+{
+    const char *name;
+    const char *object;
+    const char *geometry;
+    void (*write)(OssProject *);
+};
+
+bool build(const Example &example, const QDir &folder)
+{
+    OssProjectManager *projects = OssProjectManager::instance();
+    OssProject *project = projects->newProject(QString::fromLatin1(example.name));
+    OssGeoEntity *object = project->entities().first();
+    object->setName(QString::fromLatin1(example.object));
+    object->setGeometry(QString::fromLatin1(example.geometry));
+    example.write(project);
+    const QString path = folder.filePath(QString::fromLatin1(example.name)
+                                         + QLatin1String(".ossa"));
+    // An example has no history.
+    QDir(path).removeRecursively();
+    const OssResult saved = projects->saveProjectAs(path);
+    std::printf("%s\n", qPrintable(saved ? path : saved.error()));
+    return saved.ok();
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    qSetGlobalQHashSeed(0);
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    if (argc != 2) {
+        std::fprintf(stderr, "Usage: ossa_build_examples FOLDER\n");
+        return 2;
+    }
+    OssApplication::setPopupsAllowed(false);
+    OssDebugLog::instance();
+    OssUndoManager::instance();
+    OssActionTreeManager::instance();
+    OssShaderNetworkManager::instance()->loadNodeTypes(OssResourceInfo::instance()->nodeTypePath());
+    PluginLoader plugins;
+    plugins.load(OssResourceInfo::instance()->pluginPath());
+
+    const Example examples[] = {
+        {"Weathered Brick", "Wall", "plane", writeWeatheredBrick},
+        {"Harbor", "Harbor", "cube", writeHarborScene},
+    };
+    bool good = true;
+    for (const Example &example : examples)
+        good = build(example, QDir(QString::fromLocal8Bit(argv[1]))) && good;
+    OssProjectManager::instance()->closeProject();
+    OssPaletteManager::instance()->shutdown();
+    OssActionTreeManager::instance()->shutdown();
+    return good ? 0 : 1;
+}

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "OssCore/OssClassFactory.h"
+#include "OssCore/OssCore_export.h"
+
+#include <QHash>
+
+#include <memory>
+#include <vector>
+
+/// Makes objects by class name through the registered factories.
+class OSSCORE_EXPORT OssClassFactoryManager
+{
+public:
+    static OssClassFactoryManager *instance();
+
+    /// Takes ownership. A second factory of one name replaces the first in look-ups.
+    void registerFactory(OssClassFactory *factory);
+    /// Empty for names that no factory answers to.
+    QPointer<QObject> create(const QString &className, QObject *node) const;
+
+private:
+    OssClassFactoryManager() = default;
+
+    std::vector<std::unique_ptr<OssClassFactory>> m_factories;
+    QHash<QString, OssClassFactory *> m_byName;
+};

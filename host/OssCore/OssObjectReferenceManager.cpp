@@ -1,0 +1,23 @@
+#include "OssCore/OssObjectReferenceManager.h"
+
+OssObjectReferenceManager *OssObjectReferenceManager::instance()
+{
+    static OssObjectReferenceManager manager;
+    return &manager;
+}
+
+OssSerializableObject *OssObjectReferenceManager::getPointer(
+    const OssObjectReference &reference) const
+{
+    return m_objects.value(QUuid::fromString(reference));
+}
+
+void OssObjectReferenceManager::add(const QUuid &uuid, OssSerializableObject *object)
+{
+    m_objects.insert(uuid, object);
+}
+
+void OssObjectReferenceManager::remove(const QUuid &uuid, OssSerializableObject *object)
+{
+    m_objects.remove(uuid, object);
+}

@@ -1,0 +1,103 @@
+#include "OssCore/OssPreferenceManager.h"
+
+#include "OssCore/OssGroupParameterObject.h"
+
+#include <QMetaObject>
+#include <QMetaProperty>
+#include <QSet>
+
+namespace {
+
+QByteArray capitalised(const QString &key)
+{
+    QByteArray name = key.toLatin1();
+    if (!name.isEmpty())
+        name[0] = char(QChar::toUpper(uint(name.at(0))));
+    return name;
+}
+
+} // namespace
+
+OssPreferenceManager *OssPreferenceManager::instance()
+{
+    static OssPreferenceManager manager;
+    return &manager;
+}
+
+void OssPreferenceManager::registerPreference(const QString &page, const QString &group,
+                                              QObject *object, const QString &key)
+{
+    if (object && !key.isEmpty())
+        m_preferences.append({page, group, object, key});
+}
+
+QVector<OssPreferenceManager::Preference> OssPreferenceManager::preferences() const
+{
+    QVector<Preference> living;
+    for (const Preference &preference : m_preferences) {
+        if (preference.object)
+            living.append(preference);
+    }
+    return living;
+}
+
+QString OssPreferenceManager::label(const Preference &preference)
+{
+    const auto *named = dynamic_cast<const OssGroupParameterObject *>(preference.object.data());
+    return named ? named->prettyPropertyName(preference.key)
+                 : OssGroupParameterObject().prettyPropertyName(preference.key);
+}
+
+QString OssPreferenceManager::toolTip(const Preference &preference)
+{
+    QString text;
+    if (preference.object)
+        QMetaObject::invokeMethod(preference.object,
+                                  QByteArray(preference.key.toLatin1() + "Tooltip").constData(),
+                                  Qt::DirectConnection, Q_RETURN_ARG(QString, text));
+    return text;
+}
+
+QStringList OssPreferenceManager::allowedTexts(const Preference &preference)
+{
+    QStringList texts;
+    const QByteArray method = preference.key.toLatin1() + "List";
+    if (preference.object
+        && preference.object->metaObject()->indexOfMethod(QByteArray(method + "()").constData())
+               >= 0)
+        QMetaObject::invokeMethod(preference.object, method.constData(), Qt::DirectConnection,
+                                  Q_RETURN_ARG(QStringList, texts));
+    return texts;
+}
+
+QVariant OssPreferenceManager::value(const Preference &preference)
+{
+    return preference.object ? preference.object->property(preference.key.toLatin1().constData())
+                             : QVariant();
+}
+
+bool OssPreferenceManager::setValue(const Preference &preference, const QVariant &value)
+{
+    return preference.object
+           && preference.object->setProperty(preference.key.toLatin1().constData(), value);
+}
+
+void OssPreferenceManager::reset(const Preference &preference)
+{
+    if (preference.object)
+        QMetaObject::invokeMethod(preference.object,
+                                  QByteArray("reset" + capitalised(preference.key)).constData(),
+                                  Qt::DirectConnection);
+}
+
+void OssPreferenceManager::savePreferences()
+{
+    QSet<QObject *> saved;
+    const QVector<Preference> living = preferences();
+    for (const Preference &preference : living) {
+        if (saved.contains(preference.object))
+            continue;
+        saved.insert(preference.object);
+        QMetaObject::invokeMethod(preference.object, "savePreferences", Qt::DirectConnection);
+    }
+}

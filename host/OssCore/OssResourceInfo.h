@@ -1,0 +1,31 @@
+#pragma once
+
+#include "OssCore/OssCore_export.h"
+
+#include <QString>
+
+/// Where the application's own files lie. Folders come without a trailing slash. They are looked
+/// for beside the running program (installed: ../share/ossa) and in the source tree it was built
+/// from; the environment variable OSSA_ROOT comes before both.
+class OSSCORE_EXPORT OssResourceInfo
+{
+public:
+    static OssResourceInfo *instance();
+
+    QString iconPath() const;
+    QString nodeTypePath() const;
+    QString examplePath() const;
+    QString pluginPath() const;
+
+    /// Names under which file dialogs remember their last folder.
+    QString defaultGizmoPathKey() const { return QStringLiteral("GizmoPath"); }
+
+    QString defaultExportNodeGraphPathKey() const { return QStringLiteral("ExportNodeGraphPath"); }
+
+    QString defaultImportNodeGraphPathKey() const { return QStringLiteral("ImportNodeGraphPath"); }
+
+private:
+    OssResourceInfo();
+
+    QString m_root;
+};

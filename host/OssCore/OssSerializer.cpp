@@ -1,0 +1,88 @@
+#include "OssCore/OssSerializer.h"
+
+#include <QIODevice>
+#include <QXmlStreamReader>
+
+OssSerializer::OssSerializer(QIODevice *device, bool formatted)
+    : m_xml(device)
+{
+    m_xml.setAutoFormatting(formatted);
+    m_xml.setAutoFormattingIndent(1);
+}
+
+OssSerializer::~OssSerializer() = default;
+
+void OssSerializer::writeAttributes(const Attributes &attributes)
+{
+    for (auto it = attributes.cbegin(); it != attributes.cend(); ++it)
+        m_xml.writeAttribute(it.key(), it.value());
+}
+
+void OssSerializer::beginDocument(const QString &element, const Attributes &attributes)
+{
+    m_xml.writeStartDocument();
+    m_xml.writeStartElement(element);
+    writeAttributes(attributes);
+}
+
+void OssSerializer::endDocument()
+{
+    m_xml.writeEndElement();
+    m_xml.writeEndDocument();
+}
+
+void OssSerializer::beginCollection(const QString &name, int count, const QString &type,
+                                    const QString &elementType, const Attributes &attributes)
+{
+    m_xml.writeStartElement(QStringLiteral("collection"));
+    m_xml.writeAttribute(QStringLiteral("name"), name);
+    m_xml.writeAttribute(QStringLiteral("type"), type);
+    m_xml.writeAttribute(QStringLiteral("elementType"), elementType);
+    m_xml.writeAttribute(QStringLiteral("count"), QString::number(count));
+    for (auto it = attributes.cbegin(); it != attributes.cend(); ++it) {
+        m_xml.writeEmptyElement(QStringLiteral("entry"));
+        m_xml.writeAttribute(QStringLiteral("key"), it.key());
+        m_xml.writeAttribute(QStringLiteral("value"), it.value());
+    }
+}
+
+void OssSerializer::endCollection()
+{
+    m_xml.writeEndElement();
+}
+
+void OssSerializer::beginObject(const QString &name, const QString &type,
+                                const Attributes &attributes)
+{
+    m_xml.writeStartElement(QStringLiteral("object"));
+    m_xml.writeAttribute(QStringLiteral("name"), name);
+    m_xml.writeAttribute(QStringLiteral("type"), type);
+    writeAttributes(attributes);
+}
+
+void OssSerializer::endObject()
+{
+    m_xml.writeEndElement();
+}
+
+void OssSerializer::writeElement(const QString &name, const Attributes &attributes)
+{
+    m_xml.writeEmptyElement(name);
+    writeAttributes(attributes);
+}
+
+void OssSerializer::writeRaw(const QString &xml)
+{
+    QXmlStreamReader reader(xml);
+    while (!reader.atEnd()) {
+        reader.readNext();
+        if (reader.isStartElement() || reader.isEndElement()
+            || (reader.isCharacters() && !reader.isWhitespace()))
+            m_xml.writeCurrentToken(reader);
+    }
+}
+
+bool OssSerializer::failed() const
+{
+    return m_xml.hasError();
+}

@@ -1,0 +1,52 @@
+#include "OssCore/OssStatusManager.h"
+
+OssStatusManager *OssStatusManager::instance()
+{
+    static OssStatusManager manager;
+    return &manager;
+}
+
+OssStatusManager::Work::Work(const QString &title)
+{
+    OssStatusManager *status = instance();
+    if (++status->m_depth > 1)
+        return;
+    status->m_title = title;
+    status->m_done = 0;
+    status->m_total = 0;
+    status->m_cancelled = false;
+    Q_EMIT status->beginProcessing(title);
+}
+
+OssStatusManager::Work::~Work()
+{
+    OssStatusManager *status = instance();
+    if (--status->m_depth == 0)
+        Q_EMIT status->endProcessing();
+}
+
+void OssStatusManager::Work::setProgress(int done, int total)
+{
+    OssStatusManager *status = instance();
+    if (status->m_depth > 1)
+        return;
+    status->m_done = done;
+    status->m_total = total;
+    Q_EMIT status->progressChanged(done, total);
+}
+
+bool OssStatusManager::Work::isCancelled() const
+{
+    return instance()->m_cancelled;
+}
+
+void OssStatusManager::cancel()
+{
+    if (inProgress())
+        m_cancelled = true;
+}
+
+void OssStatusManager::showMessage(const QString &message)
+{
+    Q_EMIT messageShown(message);
+}

@@ -1,0 +1,109 @@
+#pragma once
+
+#include "OssCore/OssCore_export.h"
+#include "OssCore/OssUndoStep.h"
+
+#include <QObject>
+#include <QStringList>
+
+#include <memory>
+#include <vector>
+
+class QUndoStack;
+
+/// The history of the open document, on Qt's undo stack. GUI thread.
+///
+/// A change is made first and recorded afterwards, so adding a step applies nothing. Steps that
+/// are added while a macro is open join the innermost one; a macro in which nothing was recorded
+/// leaves no step. While a step is being undone or redone nothing is recorded: what the change's
+/// listeners add then is dropped.
+class OSSCORE_EXPORT OssUndoManager : public QObject
+{
+    Q_OBJECT
+
+public:
+    static OssUndoManager *instance();
+    ~OssUndoManager() override;
+
+    /// Makes all changes of its scope one titled step. Macros nest: an inner one is a titled part
+    /// of the outer. Scopes close in reverse order of opening.
+    class OSSCORE_EXPORT AutoMacro
+    {
+    public:
+        explicit AutoMacro(const QString &title);
+        AutoMacro(const AutoMacro &) = delete;
+        AutoMacro &operator=(const AutoMacro &) = delete;
+        ~AutoMacro();
+
+        void addUndo(OssUndoStep *step);
+        /// Takes back what was recorded so far, macros inside included, and leaves no step. The
+        /// macro around this one stays open with what it holds. What is recorded afterwards in
+        /// the same scope is taken back when the scope ends.
+        void cancel();
+
+    private:
+        std::size_t m_level = 0; ///< 1 for the outermost macro, 0 while nothing is recorded
+    };
+
+    /// Scope in which changes are not recorded: loading, closing, view state.
+    class OSSCORE_EXPORT Pause
+    {
+    public:
+        Pause();
+        Pause(const Pause &) = delete;
+        Pause &operator=(const Pause &) = delete;
+        ~Pause();
+    };
+
+    /// Records a change that has been made. Takes ownership, also when nothing is being recorded.
+    void addUndo(OssUndoStep *step);
+    void addUndo(std::unique_ptr<OssUndoStep> step);
+    /// The same for a change that is told by two functions.
+    void record(const QString &title, std::function<void()> undo, std::function<void()> redo);
+
+    /// False while a step is undone or redone and inside a Pause. Operations may skip the work of
+    /// building a step then.
+    bool isRecording() const;
+    bool isMacroOpen() const;
+
+    bool canUndo() const;
+    bool canRedo() const;
+    QString undoText() const;
+    QString redoText() const;
+    int count() const;
+    /// Title of a step and of the titled macros directly inside it.
+    QString text(int index) const;
+    QStringList partTexts(int index) const;
+
+    /// Forgets everything. The document counts as clean afterwards. Must run before objects die
+    /// that steps hold.
+    void clear();
+    bool isClean() const;
+    void setClean();
+
+    /// For views of the history; nobody pushes to it.
+    QUndoStack *stack() const;
+
+public Q_SLOTS:
+    void undo();
+    void redo();
+
+Q_SIGNALS:
+    void cleanChanged(bool clean);
+    /// After every recorded, undone or redone step.
+    void changed();
+
+private:
+    struct Macro;
+    class PushedStep;
+
+    OssUndoManager();
+    void openMacro(const QString &title);
+    void closeMacro();
+    void cancelMacros(std::size_t level);
+    void store(std::unique_ptr<OssUndoStep> step);
+
+    std::unique_ptr<QUndoStack> m_stack;
+    std::vector<std::unique_ptr<Macro>> m_open;
+    int m_pauses = 0;
+};

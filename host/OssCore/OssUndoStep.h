@@ -1,0 +1,42 @@
+#pragma once
+
+#include "OssCore/OssCore_export.h"
+
+#include <QString>
+
+#include <functional>
+
+/// One recorded change of the document. A step is recorded after its change was made; the history
+/// owns it from then on. What it needs to go back and forth it keeps alive itself.
+class OSSCORE_EXPORT OssUndoStep
+{
+public:
+    explicit OssUndoStep(QString text = {});
+    OssUndoStep(const OssUndoStep &) = delete;
+    OssUndoStep &operator=(const OssUndoStep &) = delete;
+    virtual ~OssUndoStep();
+
+    virtual void undo() = 0;
+    virtual void redo() = 0;
+
+    /// Title for the user; empty for parts that never stand alone.
+    QString text() const { return m_text; }
+
+private:
+    QString m_text;
+};
+
+/// A step made of two functions: for changes that need no class of their own.
+class OSSCORE_EXPORT OssFunctionUndo final : public OssUndoStep
+{
+public:
+    OssFunctionUndo(QString text, std::function<void()> undo, std::function<void()> redo);
+
+    void undo() override { m_undo(); }
+
+    void redo() override { m_redo(); }
+
+private:
+    std::function<void()> m_undo;
+    std::function<void()> m_redo;
+};

@@ -1,0 +1,17 @@
+#include "OssCoreModules/Images/OssChannel.h"
+
+#include "OssCoreModules/Project/OssShadingContext.h"
+
+OssChannel::OssChannel(const QString &name, OssShadingContext *context)
+    : OssSerializableObject(context)
+    , m_name(name)
+    , m_context(context)
+{
+}
+
+OssChannel::~OssChannel() = default;
+
+OssShadingContext *OssChannel::shadingContext() const
+{
+    return qobject_cast<OssShadingContext *>(m_context.data());
+}

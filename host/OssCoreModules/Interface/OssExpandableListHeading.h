@@ -1,0 +1,39 @@
+#pragma once
+
+#include "OssCoreModules/OssCoreModules_export.h"
+
+#include <QWidget>
+
+class QHBoxLayout;
+class QLabel;
+class QToolButton;
+
+/// The heading of an OssExpandableListWidget: an arrow that collapses and expands, the title, and
+/// widgets of the owner's choice at the right. A click on the title does what the arrow does.
+class OSSCOREMODULES_EXPORT OssExpandableListHeading : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit OssExpandableListHeading(const QString &text, QWidget *parent = nullptr);
+
+    QString text() const;
+    void setText(const QString &text);
+
+    /// Among the widgets that were inserted before; an index out of range means the last place.
+    /// The heading becomes the widget's parent.
+    void insertWidget(int index, QWidget *widget);
+
+    void setCollapsed(bool collapsed);
+
+Q_SIGNALS:
+    void toggled();
+
+protected:
+    void mouseReleaseEvent(QMouseEvent *event) override;
+
+private:
+    QToolButton *m_arrow;
+    QLabel *m_label;
+    QHBoxLayout *m_widgets;
+};

@@ -1,0 +1,98 @@
+#include "OssCoreModules/Interface/OssMessageBox.h"
+
+#include "OssCore/OssDebug.h"
+#include "OssCoreModules/Interface/OssApplication.h"
+
+#include <QCheckBox>
+
+#include <cstdio>
+
+namespace {
+
+struct Box
+{
+    QMessageBox::Icon icon = QMessageBox::NoIcon;
+    OssMessageBox::Button defaultButton = QMessageBox::NoButton;
+    QString checkBoxText;
+    bool *checked = nullptr;
+};
+
+OssMessageBox::Button ask(const Box &look, QWidget *parent, const QString &title,
+                          const QString &text, OssMessageBox::Buttons buttons)
+{
+    const OssMessageBox::Button safe = OssMessageBox::safeAnswer(buttons);
+    if (!OssApplication::popupsAllowed()) {
+        OssMessageBox::report(title, text);
+        return safe;
+    }
+    QMessageBox box(look.icon, title, text, buttons,
+                    parent ? parent : OssApplication::mainWindow());
+    if (look.defaultButton != QMessageBox::NoButton)
+        box.setDefaultButton(look.defaultButton);
+    box.setEscapeButton(safe);
+    if (look.checked) {
+        auto *check = new QCheckBox(look.checkBoxText, &box);
+        check->setChecked(*look.checked);
+        box.setCheckBox(check);
+    }
+    const auto answer = OssMessageBox::Button(box.exec());
+    if (look.checked)
+        *look.checked = box.checkBox()->isChecked();
+    return answer;
+}
+
+Box plain(QMessageBox::Icon icon, OssMessageBox::Button defaultButton = QMessageBox::NoButton)
+{
+    Box box;
+    box.icon = icon;
+    box.defaultButton = defaultButton;
+    return box;
+}
+
+} // namespace
+
+OssMessageBox::Button OssMessageBox::warning(QWidget *parent, const QString &title,
+                                             const QString &text, Buttons buttons)
+{
+    return ask(plain(QMessageBox::Warning), parent, title, text, buttons);
+}
+
+OssMessageBox::Button OssMessageBox::information(QWidget *parent, const QString &title,
+                                                 const QString &text, Buttons buttons)
+{
+    return ask(plain(QMessageBox::Information), parent, title, text, buttons);
+}
+
+OssMessageBox::Button OssMessageBox::question(QWidget *parent, const QString &title,
+                                              const QString &text, Buttons buttons,
+                                              Button defaultButton)
+{
+    return ask(plain(QMessageBox::Question, defaultButton), parent, title, text, buttons);
+}
+
+OssMessageBox::Button OssMessageBox::question(QWidget *parent, const QString &title,
+                                              const QString &text, Buttons buttons,
+                                              const QString &checkBoxText, bool *checked)
+{
+    Box box = plain(QMessageBox::Question);
+    box.checkBoxText = checkBoxText;
+    box.checked = checked;
+    return ask(box, parent, title, text, buttons);
+}
+
+OssMessageBox::Button OssMessageBox::safeAnswer(Buttons buttons)
+{
+    for (const Button button :
+         {QMessageBox::Cancel, QMessageBox::No, QMessageBox::Close, QMessageBox::Ok}) {
+        if (buttons.testFlag(button))
+            return button;
+    }
+    return QMessageBox::NoButton;
+}
+
+void OssMessageBox::report(const QString &title, const QString &text)
+{
+    const QString line = title + QStringLiteral(": ") + text;
+    OssDebug(__FILE__, __LINE__, "[ !! ] %s", qPrintable(line));
+    std::fprintf(stderr, "%s\n", qPrintable(line));
+}

@@ -1,0 +1,27 @@
+#include "OssCoreModules/Interface/OssPopupDialog.h"
+
+#include "OssCoreModules/Interface/OssApplication.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+
+OssPopupDialog::OssPopupDialog(QWidget *parent)
+    : QDialog(parent, Qt::Popup | Qt::FramelessWindowHint)
+{
+}
+
+int OssPopupDialog::exec()
+{
+    return OssApplication::popupsAllowed() ? QDialog::exec() : int(Rejected);
+}
+
+void OssPopupDialog::showEvent(QShowEvent *event)
+{
+    QDialog::showEvent(event);
+    const QScreen *screen = QGuiApplication::screenAt(pos());
+    if (!screen)
+        return;
+    const QRect room = screen->availableGeometry();
+    move(qBound(room.left(), x(), qMax(room.left(), room.right() - width() + 1)),
+         qBound(room.top(), y(), qMax(room.top(), room.bottom() - height() + 1)));
+}

@@ -1,0 +1,3 @@
+#include "OssCoreModules/Network/OssShaderNetworkHolder.h"
+
+OssShaderNetworkHolder::~OssShaderNetworkHolder() = default;

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "OssCoreModules/OssCoreModules_export.h"
+
+class OssShaderNetwork;
+
+/// Mix-in of whatever shows one shader network. The network is not owned.
+class OSSCOREMODULES_EXPORT OssShaderNetworkHolder
+{
+public:
+    virtual ~OssShaderNetworkHolder();
+
+    virtual OssShaderNetwork *network() const = 0;
+    /// Null: none.
+    virtual void setNetwork(OssShaderNetwork *network) = 0;
+};

@@ -1,0 +1,131 @@
+#pragma once
+
+#include "OssCore/OssObjectReferenceManager.h"
+#include "OssCore/OssSerializableObject.h"
+#include "OssCoreModules/Network/OssSnNodeTypeLibrary.h"
+#include "OssCoreModules/OssCoreModules_export.h"
+
+#include <QAction>
+#include <QColor>
+#include <QList>
+#include <QMap>
+#include <QPointer>
+#include <QVector>
+
+class OssShaderNetwork;
+class OssShaderNetworkContextLoader;
+class OssShadingGroup;
+class OssSnBaseNode;
+class OssSnGroupNode;
+
+/// What all shader networks of the process share: node types, context loaders, which network and
+/// viewer are current, and the notices and requests that panels and plug-ins answer.
+class OSSCOREMODULES_EXPORT OssShaderNetworkManager : public OssSerializableObject
+{
+    Q_OBJECT
+
+public:
+    using DebugNodes = QMap<OssObjectReference, QColor>;
+    using DebugInputs = QMap<OssObjectReference, QMap<QString, QColor>>;
+
+    struct NamedLoader
+    {
+        QString name;
+        QPointer<OssShaderNetworkContextLoader> loader;
+    };
+
+    static OssShaderNetworkManager *instance();
+    ~OssShaderNetworkManager() override;
+
+    // --- node types
+    /// Reads the descriptions in a folder; faults are debug lines and returned.
+    QStringList loadNodeTypes(const QString &folder);
+    bool registerNodeType(const OssSnNodeTypeLibrary::TypePointer &type);
+    OssSnNodeTypeLibrary::TypePointer nodeType(const QString &pathKey) const;
+    /// Every type that can be made in a node graph.
+    QStringList nodeGraphPathKeys() const;
+    QStringList nodePathKeys() const;
+    /// Empty when the type is not offered.
+    QString nodeMenuPath(const QString &pathKey) const;
+    /// Empty for unknown keys.
+    QString convertPathKeyToVersionUUID(const QString &pathKey) const;
+
+    // --- contexts and menus
+    /// Kept for the process; not owned when it has a parent.
+    void registerContextLoader(const QString &name, OssShaderNetworkContextLoader *loader);
+
+    const QVector<NamedLoader> &contextLoaders() const { return m_loaders; }
+
+    void registerGlobalContextMenuAction(QAction *action);
+    QList<QAction *> globalContextMenuActions() const;
+
+    // --- current
+    OssShaderNetwork *currentShaderNetwork() const;
+    void setCurrentShaderNetwork(OssShaderNetwork *network);
+    /// The network that the node graph shows: the current one or a group inside it.
+    OssShaderNetwork *currentViewNetwork() const;
+    void setCurrentViewNetwork(OssShaderNetwork *network);
+    OssSnBaseNode *currentViewerNode() const;
+    void setCurrentViewerNode(OssSnBaseNode *node);
+    /// Null when the group has none.
+    OssShaderNetwork *getShaderNetwork(OssShadingGroup *group) const;
+
+    /// Has everything that shows results of the network make them anew.
+    void refreshGraph(OssShaderNetwork *network);
+    /// After a command of the user changed a graph.
+    void emitNodeGraphIsManuallyChanged();
+
+    // --- for networks and their owners
+    void addShaderNetwork(OssShaderNetwork *network);
+    void registerNode(OssShaderNetwork *network, OssSnBaseNode *node);
+    void deregisterNode(OssShaderNetwork *network, OssSnBaseNode *node);
+    void endCollection(OssShaderNetwork *network);
+
+    // --- requests: whoever can, answers
+    void requestFocus(OssSnBaseNode *node) { Q_EMIT focusOnNodeRequest(node); }
+
+    void requestLayout(OssShaderNetwork *network, const QList<OssSnBaseNode *> &nodes);
+    /// Marks nodes and wires in colours until the next call.
+    void setDebugNodes(const DebugNodes &nodes, const DebugInputs &inputs);
+
+Q_SIGNALS:
+    void currentShaderNetworkChanged(OssShaderNetwork *network);
+    void currentViewNetworkChanged(OssShaderNetwork *network);
+    void currentViewerNodeChanged(OssSnBaseNode *node);
+    void shaderNetworkAdded(OssShaderNetwork *network);
+    void focusOnNodeRequest(OssSnBaseNode *node);
+    void matchNodePositionRequest(OssSnBaseNode *from, OssSnBaseNode *to);
+    void afterShaderNetworkEndCollection(OssShaderNetwork *network);
+    void showNodePropertiesAtPositionEndRequest(OssSnBaseNode *node, OssSnBaseNode *target,
+                                                bool undo);
+    void showNodePropertiesAtPositionBeginRequest(OssSnBaseNode *node, OssSnBaseNode *target,
+                                                  bool undo);
+    void showNodePropertiesRequest(OssSnBaseNode *node);
+    void beautifyNodesLayout(OssShaderNetwork *network);
+    void beautifyNodesLayout(OssShaderNetwork *network, OssSnBaseNode *node);
+    void beautifyNodesLayout(OssShaderNetwork *network, QList<OssSnBaseNode *> nodes);
+    void nodeRegistered(OssShaderNetwork *network, OssSnBaseNode *node);
+    void nodeDeregistered(OssShaderNetwork *network, OssSnBaseNode *node);
+    void reorderGroupInputsByPosRequested(OssSnGroupNode *group);
+    void reorderGroupOutputsByPosRequested(OssSnGroupNode *group);
+    void arrangeGroupInputNodesByOrderRequested(OssShaderNetwork *network, QStringList order);
+    void debugNodesChanged(OssShaderNetworkManager::DebugNodes newNodes,
+                           OssShaderNetworkManager::DebugInputs newInputs,
+                           OssShaderNetworkManager::DebugNodes oldNodes,
+                           OssShaderNetworkManager::DebugInputs oldInputs);
+    void registeredNodePopulationChanged();
+    void nodeGraphIsManuallyChanged();
+    void graphRefreshRequested(OssShaderNetwork *network);
+
+private:
+    OssShaderNetworkManager();
+
+    OssSnNodeTypeLibrary m_types;
+    QVector<NamedLoader> m_loaders;
+    QVector<QPointer<QAction>> m_globalActions;
+    QPointer<OssShaderNetwork> m_current;
+    QPointer<OssShaderNetwork> m_currentView;
+    QPointer<OssSnBaseNode> m_currentViewer;
+    DebugNodes m_debugNodes;
+    DebugInputs m_debugInputs;
+};

@@ -1,0 +1,192 @@
+#include "OssCoreModules/Network/OssShaderNetwork.h"
+
+#include "OssCore/OssDebug.h"
+#include "OssCore/OssUndoManager.h"
+#include "OssCoreModules/Network/OssShaderNetworkManager.h"
+#include "OssCoreModules/Network/OssSnBaseNode.h"
+#include "OssCoreModules/Network/OssSnNodeFactory.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr const char *Source = "OssShaderNetwork";
+
+} // namespace
+
+/// Nodes that are out of the network for as long as a step is done or undone.
+struct OssShaderNetwork::Removed
+{
+    struct Entry
+    {
+        OssSnBaseNode *node;
+        NodePointer holder; ///< empty while the node stands in the network
+        int index;
+    };
+
+    std::vector<Entry> entries;
+
+    void takeFrom(OssShaderNetwork *network)
+    {
+        // Backwards, so that each index is right again when they are put back forwards.
+        for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry)
+            entry->holder = network->takeNode(entry->node, &entry->index);
+        Q_EMIT network->nodesChanged();
+    }
+
+    void putBack(OssShaderNetwork *network)
+    {
+        for (Entry &entry : entries)
+            network->insertNode(std::move(entry.holder), entry.index);
+        for (const Entry &entry : entries)
+            network->registerNode(entry.node);
+    }
+};
+
+OssShaderNetwork::NodePointer OssShaderNetwork::makeNode(const QString &pathKey)
+{
+    return OssSnNodeFactory::make(OssShaderNetworkManager::instance()->nodeType(pathKey));
+}
+
+OssSnBaseNode *OssShaderNetwork::createNode(const QString &pathKey, const QString &name)
+{
+    NodePointer made = makeNode(pathKey);
+    if (made->isPlaceholder()) {
+        OssDebug(Source, __LINE__, "[ !! ] There is no node type '%s'", qPrintable(pathKey));
+        return nullptr;
+    }
+    if (!name.isEmpty())
+        made->setName(name);
+    OssSnBaseNode *node = nullptr;
+    {
+        // What listeners do to a new node is part of its making.
+        const OssUndoManager::Pause pause;
+        node = addNode(std::move(made), true);
+    }
+    auto removed = std::make_shared<Removed>();
+    removed->entries.push_back({node, nullptr, nodeCount() - 1});
+    OssUndoManager::instance()->record(
+        tr("Create Node : %1").arg(node->name()), [this, removed] { removed->takeFrom(this); },
+        [this, removed] { removed->putBack(this); });
+    return node;
+}
+
+QList<OssSnBaseNode *> OssShaderNetwork::createNodesFromNodePathKey(const QString &pathKey, bool)
+{
+    OssSnBaseNode *node = createNode(pathKey);
+    return node ? QList<OssSnBaseNode *>{node} : QList<OssSnBaseNode *>{};
+}
+
+OssSnBaseNode *OssShaderNetwork::addNode(NodePointer pointer, bool fresh)
+{
+    pointer->m_name = generateUniqueNodeName(pointer->name());
+    OssSnBaseNode *node = insertNode(std::move(pointer), -1);
+    node->createContexts();
+    node->initializeContexts();
+    registerNode(node);
+    if (fresh)
+        Q_EMIT node->newNodeAdded();
+    return node;
+}
+
+// --- removal
+
+bool OssShaderNetwork::isRemovable(const OssSnBaseNode *node)
+{
+    return !node->hasTag(QStringLiteral("_GraphLayerInput"));
+}
+
+void OssShaderNetwork::removeUnchecked(const QList<OssSnBaseNode *> &nodes, const QString &title)
+{
+    OssUndoManager::AutoMacro macro(title);
+    const ViewUpdateLock lock(this);
+    for (OssSnBaseNode *node : nodes) {
+        node->setSelected(false);
+        node->disconnectAll();
+    }
+    auto removed = std::make_shared<Removed>();
+    const QSet<OssSnBaseNode *> wanted(nodes.cbegin(), nodes.cend());
+    for (const NodePointer &node : m_nodes) {
+        if (wanted.contains(node.get()))
+            removed->entries.push_back({node.get(), nullptr, 0});
+    }
+    removed->takeFrom(this);
+    OssUndoManager::instance()->record(
+        {}, [this, removed] { removed->putBack(this); },
+        [this, removed] { removed->takeFrom(this); });
+}
+
+void OssShaderNetwork::removeNodes(const QSet<OssSnBaseNode *> &nodes)
+{
+    QList<OssSnBaseNode *> removable;
+    for (const NodePointer &own : m_nodes) {
+        OssSnBaseNode *node = own.get();
+        if (!nodes.contains(node))
+            continue;
+        if (isRemovable(node))
+            removable.append(node);
+        else
+            OssDebug(Source, __LINE__, "[ !! ] Node '%s' is protected and stays",
+                     qPrintable(node->path()));
+    }
+    if (!removable.isEmpty())
+        removeUnchecked(removable, tr("Remove Nodes"));
+}
+
+void OssShaderNetwork::removeNode(OssSnBaseNode *node, bool, bool)
+{
+    if (node && node->network() == this)
+        removeNodes({node});
+}
+
+void OssShaderNetwork::extractNodes(const QList<OssSnBaseNode *> &nodes, bool)
+{
+    OssUndoManager::AutoMacro macro(tr("Extract Nodes"));
+    for (OssSnBaseNode *node : nodes) {
+        if (node && node->network() == this)
+            extractNode(node);
+    }
+}
+
+void OssShaderNetwork::extractNode(OssSnBaseNode *node)
+{
+    // What the body passes on comes in at the first connected preferred input, else at the first
+    // connected one.
+    OssSnBaseNode *source = nullptr;
+    QString point;
+    for (const OssSnBaseNode::InputPort &port : node->inputPorts()) {
+        if (port.source && (!source || port.preferred)) {
+            source = port.source;
+            point = port.sourceOutput;
+            if (port.preferred)
+                break;
+        }
+    }
+    const QVector<OssSnBaseNode::OutgoingConnection> wires = node->outgoingConnections();
+    node->disconnectAll();
+    for (const OssSnBaseNode::OutgoingConnection &wire : wires) {
+        if (source)
+            wire.target->setInputNode(wire.input, source, point);
+    }
+}
+
+// --- viewer
+
+OssSnBaseNode *OssShaderNetwork::moveCurrentViewerNodeToNetwork()
+{
+    const OssUndoManager::Pause pause;
+    OssSnBaseNode *viewer = viewerNode();
+    if (!viewer) {
+        NodePointer made = makeNode(QStringLiteral("_System/Viewer"));
+        if (made->isPlaceholder())
+            return nullptr;
+        viewer = addNode(std::move(made), true);
+    } else if (viewer->network() != this) {
+        int index = -1;
+        NodePointer taken = viewer->network()->takeNode(viewer, &index);
+        taken->m_name = generateUniqueNodeName(taken->name());
+        insertNode(std::move(taken), -1);
+        registerNode(viewer);
+    }
+    return viewer;
+}

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "OssCoreModules/OssCoreModules_export.h"
+#include "OssCoreModules/Project/OssEntity.h"
+
+#include <QPointer>
+
+class OssGeoEntity;
+class OssImageSet;
+
+/// What the shading of an object works on: its image sets and which of them is current.
+class OSSCOREMODULES_EXPORT OssShadingContext : public OssEntity
+{
+    Q_OBJECT
+
+public:
+    OssShadingContext(const QString &name, OssGeoEntity *entity);
+    ~OssShadingContext() override;
+
+    /// Null when the shading belongs to no object.
+    OssGeoEntity *geoEntity() const { return m_entity; }
+
+    OssImageSet *currentImageSet() const;
+    void setCurrentImageSet(OssImageSet *set);
+    /// Null when there is none of that name.
+    OssImageSet *findImageSet(const QString &name) const;
+    QList<OssImageSet *> imageSets() const;
+    /// Takes ownership.
+    void addImageSet(OssImageSet *set);
+
+private:
+    OssGeoEntity *m_entity;
+    QPointer<QObject> m_currentImageSet;
+    QList<OssImageSet *> m_imageSets;
+};

@@ -1,0 +1,31 @@
+#include "OssCoreModules/Project/OssShadingGroup.h"
+
+#include "OssCoreModules/Network/OssShaderNetwork.h"
+
+namespace {
+
+const QString NetworkObject = QStringLiteral("m_network");
+
+} // namespace
+
+OssShadingGroup::OssShadingGroup(const QString &name, OssGeoEntity *entity)
+    : OssShadingContext(name, entity)
+    , m_network(std::make_unique<OssShaderNetwork>())
+{
+    m_network->setShadingContext(this);
+}
+
+OssShadingGroup::~OssShadingGroup() = default;
+
+bool OssShadingGroup::saveObjects(OssSerializer &serializer)
+{
+    return m_network->save(serializer, NetworkObject, {});
+}
+
+OssSerializableObject *OssShadingGroup::onLoadSubObject(OssDeserializer &deserializer,
+                                                        const QString &name, const QString &type)
+{
+    if (name == NetworkObject)
+        return m_network.get();
+    return OssShadingContext::onLoadSubObject(deserializer, name, type);
+}

@@ -1,0 +1,37 @@
+#include "OssNodeGraph/OssNgNodePositionChangeUndo.h"
+
+#include "OssNodeGraph/OssNgNode.h"
+
+OssNgNodePositionChangeUndo::OssNgNodePositionChangeUndo(OssNgNode *node)
+    : OssNgNodePositionChangeUndo(node, node ? node->savedPosition() : QPointF(),
+                                  node ? node->pos() : QPointF())
+{
+}
+
+OssNgNodePositionChangeUndo::OssNgNodePositionChangeUndo(OssNgNode *node,
+                                                         const QPointF &oldPosition,
+                                                         const QPointF &newPosition)
+    : OssUndoStep(QStringLiteral("Move node"))
+    , m_node(node)
+    , m_oldPosition(oldPosition)
+    , m_newPosition(newPosition)
+{
+}
+
+void OssNgNodePositionChangeUndo::undo()
+{
+    moveTo(m_oldPosition);
+}
+
+void OssNgNodePositionChangeUndo::redo()
+{
+    moveTo(m_newPosition);
+}
+
+void OssNgNodePositionChangeUndo::moveTo(const QPointF &position)
+{
+    if (!m_node)
+        return;
+    m_node->setPosition(position);
+    Q_EMIT m_node->posChanged(position);
+}

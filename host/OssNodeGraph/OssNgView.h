@@ -1,0 +1,182 @@
+#pragma once
+
+#include "OssNodeGraph/OssNodeGraph_export.h"
+
+#include <QGraphicsView>
+#include <QPixmap>
+#include <QPointer>
+#include <QRegion>
+#include <QTimer>
+
+#include <memory>
+#include <vector>
+
+class OssNgEdge;
+class OssNgGesture;
+class OssNgNode;
+class OssNgSceneIndex;
+
+/// The graph on screen: pans, zooms, selects, drags nodes and wires. It edits no model: see
+/// OssNgNode for how a user's edit is announced. Undo of node moves is the subclass's; it tells a
+/// finished move by an interaction state of 0 before the release.
+///
+/// Every pointer gesture is an object that lives from its press to its release. Positions passed as
+/// points are scene coordinates unless said otherwise. GUI thread.
+class OSSNODEGRAPH_EXPORT OssNgView : public QGraphicsView
+{
+    Q_OBJECT
+
+public:
+    enum InteractionState {
+        Idle = 0, ///< also while nodes are dragged
+        Panning = 1,
+        Zooming = 2,
+        RubberBand = 3,
+        EdgeDrag = 4,
+        EdgeSever = 5,
+        BackdropResize = 6,
+        MinimapDrag = 7,
+    };
+
+protected:
+    int m_interactionState = Idle;
+
+public:
+    enum CursorTrackingMode {
+        NormalTracking = 0,
+        SeverTracking = 1, ///< a left drag cuts the wires it crosses
+        ShakeTracking = 2, ///< while dragged nodes are watched for shaking
+    };
+
+    explicit OssNgView(QWidget *parent = nullptr);
+    ~OssNgView() override;
+
+    /// To be called after the scene was set, also when it is none.
+    virtual void init();
+
+    /// Exactly what the viewport shows.
+    QRectF viewportInSceneCoords() const;
+    /// Shows the rectangle as large as possible, centred, without margins. With
+    /// Qt::KeepAspectRatio a rectangle from viewportInSceneCoords() comes back exactly; other modes
+    /// do the same, for the graph is never distorted. Nothing happens for an empty one.
+    void fitInView(const QRectF &rect, Qt::AspectRatioMode mode = Qt::KeepAspectRatio);
+    /// Scales about the viewport's centre, whatever the transformation anchor.
+    void scaleView(qreal factor);
+    /// Bounds of all visible nodes; empty without any.
+    QRectF visibleNodeBounds() const;
+    void centerViewOn(const QPointF &position, bool animated);
+    /// The selected items from top to bottom and left to right; wires after nodes.
+    QList<QGraphicsItem *> sortedSelection() const;
+
+    qreal zoom() const { return transform().m11(); }
+
+    /// Scale by the factor, or its inverse, about the given anchor. One undoes the other exactly.
+    void zoomIn(double factor, ViewportAnchor anchor);
+    void zoomOut(double factor, ViewportAnchor anchor);
+    /// Exact for sub-pixel positions, unlike QGraphicsView's.
+    QPointF toScene(const QPointF &viewportPos) const;
+    QPointF fromScene(const QPointF &scenePos) const;
+
+    int interactionState() const { return m_interactionState; }
+
+    int cursorTrackingMode() const { return m_cursorTrackingMode; }
+
+    void setCursorTrackingMode(int mode);
+    /// Whether a node dropped on a wire is spliced into it. Asked each time.
+    virtual bool isAutoInsertOn() const;
+
+    bool isSnapToGridOn() const { return m_snapToGrid; }
+
+    bool isMinimapVisible() const { return m_minimapVisible; }
+
+    void setMinimapVisible(bool visible);
+    OssNgSceneIndex *sceneIndex() const;
+
+    /// Takes the gesture in hand back, if there is one.
+    bool cancelGesture();
+
+    // For gestures
+
+    void scrollBy(const QPointF &pixels);
+    void zoomAbout(qreal newZoom, const QPointF &viewportPos);
+    void setHoveredNode(OssNgNode *node);
+    QRectF minimapRect() const;
+    /// Scene point that a point of the minimap (viewport pixels) stands for.
+    QPointF minimapToScene(const QPointF &viewportPos) const;
+
+public Q_SLOTS:
+    void zoomIn();
+    void zoomOut();
+    void panLeft();
+    void panRight();
+    void panUp();
+    void panDown();
+    void toggleSnapToGrid();
+    /// Puts the nearer end of the wire under the pointer into the user's hand.
+    void pickUpEdge();
+
+Q_SIGNALS:
+    /// Nodes in the hand were shaken. The drag goes on.
+    void shakeToExtractTriggered();
+    void cursorTrackingModeChanged(int mode);
+
+protected:
+    // Read at use, nobody is told of a change.
+    bool m_shakeToExtractEnabled = true;
+    int m_shakeToExtractShakes = 4; ///< reversals
+    int m_shakeToExtractTime = 500; ///< milliseconds
+    QString m_navigationControlType = QStringLiteral("Kova");
+
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void drawBackground(QPainter *painter, const QRectF &rect) override;
+    void scrollContentsBy(int dx, int dy) override;
+    void leaveEvent(QEvent *event) override;
+    bool viewportEvent(QEvent *event) override;
+
+private:
+    friend class OssNgNodeDragGesture;
+
+    std::unique_ptr<OssNgGesture> gestureFor(QMouseEvent *event);
+    std::unique_ptr<OssNgGesture> navigationFor(const QMouseEvent *event) const;
+    std::unique_ptr<OssNgGesture> leftPressOnNode(QMouseEvent *event, OssNgNode *node);
+    std::unique_ptr<OssNgGesture> edgeFromPort(const QPointF &scenePos, OssNgNode *node);
+    std::unique_ptr<OssNgGesture> edgeFromWire(const QPointF &scenePos, OssNgEdge *edge);
+    void startGesture(std::unique_ptr<OssNgGesture> gesture);
+    void endGesture();
+    void selectForPress(OssNgNode *node, Qt::KeyboardModifiers modifiers);
+    OssNgNode *portOwnerAt(const QPointF &scenePos) const;
+    void updateHover(const QPointF &viewportPos);
+    void setHoveredEdge(OssNgEdge *edge);
+    qreal wireReach() const;
+
+    qreal exactZoom(qreal wanted) const;
+    void rememberZoom(qreal zoom);
+    void setZoomAndTopLeft(qreal newZoom, const QPointF &scaledTopLeft);
+    void panByFraction(qreal dx, qreal dy);
+
+    void paintOverlay();
+    void paintMinimap(QPainter *painter);
+    void renderMinimap();
+    QTransform minimapTransform() const;
+    QVector<QRectF> exposedScene(const QRectF &rect) const;
+
+    int m_cursorTrackingMode = NormalTracking;
+    bool m_snapToGrid = false;
+    bool m_minimapVisible = true;
+    std::unique_ptr<OssNgGesture> m_gesture;
+    QPointer<OssNgNode> m_hoveredNode;
+    OssNgEdge *m_hoveredEdge = nullptr; ///< valid while the index knows it
+    std::vector<qreal> m_exactZooms;    ///< levels that stepping back must hit exactly
+    QRegion m_exposed;
+    QPixmap m_minimap;
+    QRectF m_minimapScene;
+    quint32 m_minimapRevision = 0;
+    QTimer m_minimapTimer;
+    QPointF m_glideTarget;
+    QTimer m_glideTimer;
+};

@@ -1,0 +1,234 @@
+#include "OssNodeGraph/OssNgView.h"
+
+#include "OssNodeGraph/OssNgSceneIndex.h"
+
+#include <QKeyEvent>
+#include <QScrollBar>
+#include <QWheelEvent>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr qreal SmallestZoom = 0.01;
+constexpr qreal LargestZoom = 8.0;
+constexpr qreal ZoomStep = 1.25;
+constexpr qreal PanStep = 0.1; ///< of the viewport
+constexpr std::size_t RememberedZooms = 64;
+
+} // namespace
+
+QPointF OssNgView::toScene(const QPointF &viewportPos) const
+{
+    return viewportTransform().inverted().map(viewportPos);
+}
+
+QPointF OssNgView::fromScene(const QPointF &scenePos) const
+{
+    return viewportTransform().map(scenePos);
+}
+
+QRectF OssNgView::viewportInSceneCoords() const
+{
+    const QSizeF size = viewport()->size();
+    return {toScene({0.0, 0.0}), size / zoom()};
+}
+
+qreal OssNgView::exactZoom(qreal wanted) const
+{
+    // A step back must not miss the level it came from by rounding.
+    for (const qreal known : m_exactZooms) {
+        if (std::abs(known - wanted) < 1e-9 * known)
+            return known;
+    }
+    return std::abs(wanted - 1.0) < 1e-6 ? 1.0 : wanted;
+}
+
+void OssNgView::rememberZoom(qreal zoom)
+{
+    const auto known = std::find(m_exactZooms.begin(), m_exactZooms.end(), zoom);
+    if (known != m_exactZooms.end())
+        m_exactZooms.erase(known);
+    m_exactZooms.insert(m_exactZooms.begin(), zoom);
+    if (m_exactZooms.size() > RememberedZooms)
+        m_exactZooms.pop_back();
+}
+
+void OssNgView::setZoomAndTopLeft(qreal newZoom, const QPointF &scaledTopLeft)
+{
+    const ViewportAnchor anchor = transformationAnchor();
+    setTransformationAnchor(NoAnchor);
+    setTransform(QTransform::fromScale(newZoom, newZoom));
+    setTransformationAnchor(anchor);
+    // The scroll bars count in pixels of the scaled scene; Qt's own centring truncates.
+    horizontalScrollBar()->setValue(qRound(scaledTopLeft.x()));
+    verticalScrollBar()->setValue(qRound(scaledTopLeft.y()));
+}
+
+void OssNgView::zoomAbout(qreal newZoom, const QPointF &viewportPos)
+{
+    rememberZoom(zoom());
+    const qreal exact = exactZoom(std::clamp(newZoom, SmallestZoom, LargestZoom));
+    const QPointF fixed = toScene(viewportPos);
+    setZoomAndTopLeft(exact, fixed * exact - viewportPos);
+}
+
+void OssNgView::fitInView(const QRectF &rect, Qt::AspectRatioMode)
+{
+    const QSizeF size = viewport()->size();
+    if (rect.isEmpty() || size.isEmpty())
+        return;
+    rememberZoom(zoom());
+    const qreal wanted = std::min(size.width() / rect.width(), size.height() / rect.height());
+    const qreal exact = exactZoom(std::clamp(wanted, SmallestZoom, LargestZoom));
+    m_glideTimer.stop();
+    setZoomAndTopLeft(exact,
+                      rect.center() * exact - QPointF(size.width() / 2.0, size.height() / 2.0));
+}
+
+void OssNgView::scaleView(qreal factor)
+{
+    if (factor > 0.0)
+        zoomAbout(zoom() * factor, QRectF(viewport()->rect()).center());
+}
+
+void OssNgView::zoomIn(double factor, ViewportAnchor anchor)
+{
+    if (factor <= 0.0)
+        return;
+    QPointF fixed = QRectF(viewport()->rect()).center();
+    if (anchor == AnchorUnderMouse) {
+        const QPoint mouse = viewport()->mapFromGlobal(QCursor::pos());
+        if (viewport()->rect().contains(mouse))
+            fixed = mouse;
+    } else if (anchor == NoAnchor) {
+        fixed = {};
+    }
+    // No clamping: the inverse step must lead back.
+    rememberZoom(zoom());
+    const qreal exact = exactZoom(zoom() * factor);
+    const QPointF scenePos = toScene(fixed);
+    setZoomAndTopLeft(exact, scenePos * exact - fixed);
+}
+
+void OssNgView::zoomOut(double factor, ViewportAnchor anchor)
+{
+    if (factor > 0.0)
+        zoomIn(1.0 / factor, anchor);
+}
+
+void OssNgView::zoomIn()
+{
+    scaleView(ZoomStep);
+}
+
+void OssNgView::zoomOut()
+{
+    scaleView(1.0 / ZoomStep);
+}
+
+void OssNgView::scrollBy(const QPointF &pixels)
+{
+    m_glideTimer.stop();
+    horizontalScrollBar()->setValue(horizontalScrollBar()->value() + qRound(pixels.x()));
+    verticalScrollBar()->setValue(verticalScrollBar()->value() + qRound(pixels.y()));
+}
+
+void OssNgView::panByFraction(qreal dx, qreal dy)
+{
+    scrollBy({dx * viewport()->width(), dy * viewport()->height()});
+}
+
+void OssNgView::panLeft()
+{
+    panByFraction(-PanStep, 0.0);
+}
+
+void OssNgView::panRight()
+{
+    panByFraction(PanStep, 0.0);
+}
+
+void OssNgView::panUp()
+{
+    panByFraction(0.0, -PanStep);
+}
+
+void OssNgView::panDown()
+{
+    panByFraction(0.0, PanStep);
+}
+
+void OssNgView::centerViewOn(const QPointF &position, bool animated)
+{
+    const QPointF way = (position - viewportInSceneCoords().center()) * zoom();
+    // A glide helps to keep one's bearings; over more than a few screens it only takes time.
+    const bool far = std::abs(way.x()) > 3.0 * viewport()->width()
+                     || std::abs(way.y()) > 3.0 * viewport()->height();
+    if (animated && isVisible() && !far && !(way.manhattanLength() < 2.0)) {
+        m_glideTarget = position;
+        m_glideTimer.start();
+        return;
+    }
+    const QSizeF size = viewport()->size();
+    const QPointF topLeft = position * zoom() - QPointF(size.width() / 2.0, size.height() / 2.0);
+    horizontalScrollBar()->setValue(qRound(topLeft.x()));
+    verticalScrollBar()->setValue(qRound(topLeft.y()));
+}
+
+void OssNgView::wheelEvent(QWheelEvent *event)
+{
+    event->accept();
+    const int turn = event->angleDelta().y();
+    if (turn == 0)
+        return;
+    m_glideTimer.stop();
+    const QPointF fixed = transformationAnchor() == AnchorUnderMouse
+                              ? event->position()
+                              : QRectF(viewport()->rect()).center();
+    zoomAbout(zoom() * std::pow(ZoomStep, turn / 120.0), fixed);
+}
+
+void OssNgView::keyPressEvent(QKeyEvent *event)
+{
+    const bool plain = !(event->modifiers() & ~Qt::KeypadModifier);
+    switch (event->key()) {
+    case Qt::Key_Escape:
+        if (cancelGesture())
+            event->accept();
+        return;
+    case Qt::Key_Left:
+    case Qt::Key_Right:
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+        break;
+    case Qt::Key_Plus:
+        zoomIn();
+        event->accept();
+        return;
+    case Qt::Key_Minus:
+        zoomOut();
+        event->accept();
+        return;
+    default:
+        return;
+    }
+    if (!plain)
+        return;
+    event->accept();
+    switch (event->key()) {
+    case Qt::Key_Left:
+        panLeft();
+        break;
+    case Qt::Key_Right:
+        panRight();
+        break;
+    case Qt::Key_Up:
+        panUp();
+        break;
+    default:
+        panDown();
+        break;
+    }
+}

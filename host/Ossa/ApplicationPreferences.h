@@ -1,0 +1,47 @@
+#pragma once
+
+#include "OssCore/OssGroupParameterObject.h"
+
+#include <QObject>
+
+/// The application's own entries in the preferences dialog, page "Application".
+class ApplicationPreferences
+    : public QObject
+    , public OssGroupParameterObject
+{
+    Q_OBJECT
+    Q_PROPERTY(bool reopenLastProject READ reopenLastProject WRITE setReopenLastProject)
+    Q_PROPERTY(QString interfaceScale READ interfaceScale WRITE setInterfaceScale)
+
+public:
+    static ApplicationPreferences *instance();
+
+    /// In percent, as it was when the program started. Needs no application object.
+    static int storedInterfaceScale();
+
+    bool reopenLastProject() const { return m_reopenLastProject; }
+
+    QString interfaceScale() const { return m_interfaceScale; }
+
+    QString prettyPropertyName(const QString &Name) const override;
+
+public Q_SLOTS:
+
+    void setReopenLastProject(bool reopen) { m_reopenLastProject = reopen; }
+
+    void resetReopenLastProject() { m_reopenLastProject = false; }
+
+    QString reopenLastProjectTooltip() const;
+    /// One of interfaceScaleList(); anything else is ignored.
+    void setInterfaceScale(const QString &scale);
+    void resetInterfaceScale();
+    QString interfaceScaleTooltip() const;
+    QStringList interfaceScaleList() const;
+    void savePreferences();
+
+private:
+    ApplicationPreferences();
+
+    bool m_reopenLastProject = false;
+    QString m_interfaceScale;
+};

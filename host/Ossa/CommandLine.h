@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QString>
+
+/// What the user asked for on the command line.
+struct CommandLine
+{
+    enum Command {
+        Window,  ///< the application, with `project` or without
+        Graph,   ///< a picture of the project's node graph into the file `output`
+        Info,    ///< what is in the project
+        Answered ///< nothing to run: print `message` and end with `exitCode`
+    };
+
+    Command command = Window;
+    QString project;
+    QString output;
+    QString message;
+    int exitCode = 0;
+
+    /// Commands that open no window.
+    bool isHeadless() const { return command == Graph || command == Info; }
+
+    /// Never ends the program itself. Faulty use is Answered with ExitCode::Usage.
+    static CommandLine parse(int argc, const char *const *argv);
+};
+
+/// What the program ends with.
+namespace ExitCode {
+constexpr int Success = 0;
+constexpr int Failure = 1; ///< the work could not be done; stderr says why
+constexpr int Usage = 2;   ///< the command line makes no sense
+} // namespace ExitCode

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QString>
+
+namespace FuzzyMatch {
+
+/// How well `pattern` fits `text`; below 0 when its letters do not occur in it in this order.
+/// Blanks in the pattern mean nothing, letter case neither. Beginnings of words and letters that
+/// stand together count more, short texts more than long ones.
+int score(const QString &pattern, const QString &text);
+
+} // namespace FuzzyMatch

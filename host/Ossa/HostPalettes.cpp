@@ -1,0 +1,31 @@
+#include "Ossa/HostPalettes.h"
+
+#include "Ossa/HistoryPanel.h"
+#include "Ossa/LogPanel.h"
+#include "OssCore/OssIcon.h"
+#include "OssCoreModules/Interface/OssPalette.h"
+#include "OssCoreModules/Interface/OssPaletteManager.h"
+
+#include <QCoreApplication>
+
+namespace {
+
+void registerPalette(const char *name, const char *helpKey, const char *icon, QWidget *body)
+{
+    const QString title = QCoreApplication::translate("HostPalettes", name);
+    auto *palette = new OssPalette; // owned by the palette manager
+    palette->setObjectName(title);
+    palette->setWindowTitle(title);
+    palette->setContextHelpKey(QString::fromLatin1(helpKey));
+    palette->setBodyWidget(body);
+    OssPaletteManager::instance()->registerPalette(palette, false,
+                                                   OssIcon::getIconPath(QString::fromLatin1(icon)));
+}
+
+} // namespace
+
+void HostPalettes::registerAll()
+{
+    registerPalette("History", "history_palette", "History.png", new HistoryPanel);
+    registerPalette("Log", "log_palette", "Log.png", new LogPanel);
+}

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "OssCore/OssDebug.h"
+
+#include <QWidget>
+
+class LogFilter;
+class LogModel;
+class QHBoxLayout;
+class QListView;
+
+/// The debug log: filtered by category and text, copied, cleared. Follows new lines while its end
+/// is in view.
+class LogPanel : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit LogPanel(QWidget *parent = nullptr);
+
+    /// The selected lines, or all that are shown when none is selected, whole and in order.
+    QString textToCopy() const;
+
+private:
+    void addCategory(QHBoxLayout *bar, OssDebugLog::Category category, const QString &text);
+    void copy() const;
+
+    LogModel *m_model;
+    LogFilter *m_filter;
+    QListView *m_view;
+    bool m_following = true;
+};

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QHash>
+#include <QObject>
+
+class OssPalette;
+class QMainWindow;
+
+namespace ads {
+class CDockManager;
+class CDockWidget;
+} // namespace ads
+
+/// Puts every palette of OssPaletteManager into a dock of the main window, those that are
+/// registered later included, and files a command per palette that shows and hides it.
+class PaletteDocks : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit PaletteDocks(QMainWindow *window);
+    ~PaletteDocks() override;
+
+    /// The layout of the last session, if there was one.
+    void restoreLayout();
+    void saveLayout() const;
+    /// The layout that a new user gets.
+    void resetLayout();
+
+    bool isOpen(const OssPalette *palette) const;
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void dock(OssPalette *palette);
+    void place(OssPalette *palette, ads::CDockWidget *dock);
+    void sizeAreas();
+    void showPalette(const OssPalette *palette);
+    void removeDock(QObject *palette);
+
+    QMainWindow *m_window;
+    ads::CDockManager *m_manager; ///< owned by the window
+    QHash<const QObject *, ads::CDockWidget *> m_docks;
+    QByteArray m_state; ///< of the last session: palettes that come late find their place in it
+};

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <QVector>
+
+class QAction;
+class QWidget;
+
+/// The commands of the File menu: open, save and close projects, with the questions and messages
+/// that go with it. Nothing that is not saved is given up without the user's word.
+class ProjectCommands : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// `window` is the parent of dialogs and what Quit closes; this object must not outlive it.
+    explicit ProjectCommands(QWidget *window);
+
+    /// Asks Save, Discard or Cancel when there are changes. True: go on, whatever is open may be
+    /// closed.
+    bool mayClose();
+
+    /// False when the user refused to close the open project, or the new one cannot be opened.
+    bool open(const QString &path);
+    void newProject();
+    void close();
+    bool save();
+    bool saveAs();
+
+Q_SIGNALS:
+    /// Another project, another name or path, saved or no longer as saved.
+    void projectStateChanged();
+
+private:
+    void fileCommands();
+    void askAndOpen();
+    void fileRecent();
+    void fileExamples();
+    void refresh();
+    bool saveTo(const QString &path);
+
+    QWidget *m_window;
+    QAction *m_save = nullptr;
+    QAction *m_saveAs = nullptr;
+    QAction *m_close = nullptr;
+    QAction *m_clearRecent = nullptr;
+    QVector<QPointer<QAction>> m_recent;
+};

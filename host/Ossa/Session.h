@@ -1,0 +1,25 @@
+#pragma once
+
+#include "Ossa/CommandLine.h"
+#include "Ossa/PluginLoader.h"
+
+/// One run of the program, from the application object to the teardown: starts the managers, loads
+/// the plug-ins, does what the command line wants, and takes everything down while QApplication
+/// still lives.
+class Session
+{
+public:
+    /// Returns the program's exit code. At most once per process.
+    static int run(const CommandLine &line, int &argc, char **argv);
+
+private:
+    explicit Session(const CommandLine &line);
+    ~Session();
+    Session(const Session &) = delete;
+    Session &operator=(const Session &) = delete;
+
+    int runWindow();
+
+    const CommandLine &m_line;
+    PluginLoader m_plugins;
+};

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QStatusBar>
+
+class QLabel;
+class QProgressBar;
+class QPushButton;
+
+/// The status bar: what just happened at the left; at the right, while work runs, its title, how
+/// far it is, and a Stop button.
+///
+/// Work that runs on the GUI thread blocks the event loop. Once it has taken half a second the bar
+/// lets events through at each step of progress, but of keys and clicks only those for Stop.
+class StatusArea : public QStatusBar
+{
+    Q_OBJECT
+
+public:
+    explicit StatusArea(QWidget *parent = nullptr);
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void begin(const QString &title);
+    void showProgress(int done, int total);
+    void end();
+    void letStopThrough();
+
+    QLabel *m_title;
+    QProgressBar *m_progress;
+    QPushButton *m_stop;
+    QElapsedTimer m_running;
+    QElapsedTimer m_sinceEvents;
+    bool m_inEvents = false;
+};

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QColor>
+
+/// The look of the application: dark, calm, one accent colour. Every colour and style rule of the
+/// window stands in the source file; the node graph's own are with the graph.
+namespace Theme {
+
+/// Sets style, palette, font and style sheet of the application object.
+void apply();
+
+QColor accent();
+QColor mutedText();
+QColor warningText();
+QColor hover();
+
+} // namespace Theme

@@ -1,0 +1,78 @@
+#include "OssCoreModules/Interface/OssExpandableListHeading.h"
+#include "OssCoreModules/Interface/OssExpandableListWidget.h"
+#include "OssCoreModules/Interface/OssFormLayout.h"
+#include "OssCoreModules/Interface/OssMiniButton.h"
+
+#include <gtest/gtest.h>
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QSignalSpy>
+#include <QTest>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+TEST(ExpandableList, headingFoldsTheBodyByMouseAndKey)
+{
+    OssExpandableListWidget panel(QStringLiteral("Warp"));
+    auto *body = new QLabel(QStringLiteral("body"));
+    panel.setBody(body);
+    panel.show();
+    QTest::mouseClick(panel.heading(), Qt::LeftButton);
+    EXPECT_TRUE(panel.isCollapsed());
+    EXPECT_FALSE(body->isVisible());
+    QTest::keyClick(panel.heading()->findChild<QToolButton *>(), Qt::Key_Space);
+    EXPECT_FALSE(panel.isCollapsed());
+    EXPECT_TRUE(body->isVisible());
+}
+
+TEST(ExpandableList, collapsedChangedOnlyOnChange)
+{
+    OssExpandableListWidget panel;
+    const QSignalSpy changed(&panel, &OssExpandableListWidget::collapsedChanged);
+    panel.expand();
+    panel.collapse();
+    panel.collapse();
+    EXPECT_EQ(changed.count(), 1);
+    EXPECT_EQ(panel.heading(), nullptr);
+}
+
+TEST(ExpandableList, styleSheetsSelectItByIdAndProperty)
+{
+    OssExpandableListWidget panel(QStringLiteral("Warp"));
+    panel.setObjectName(QStringLiteral("4f8a8b"));
+    panel.setStyleSheet(QStringLiteral(
+        "QFrame#4f8a8b[OssExpandableListWidget=true] { border-top: 6px solid #ff0000; }"));
+    panel.resize(80, 60);
+    EXPECT_EQ(panel.grab().toImage().pixelColor(40, 2), QColor(255, 0, 0));
+}
+
+TEST(ExpandableList, insertedWidgetsKeepTheirOrderAtTheRight)
+{
+    OssExpandableListHeading heading(QStringLiteral("Warp"));
+    auto *first = new OssMiniButton(QStringLiteral("p"));
+    auto *second = new OssMiniButton(QStringLiteral("s"));
+    heading.insertWidget(0, first);
+    heading.insertWidget(1, second);
+    heading.resize(300, 30);
+    heading.show();
+    EXPECT_LT(first->x(), second->x());
+    EXPECT_GT(first->x(), heading.findChild<QLabel *>()->geometry().right());
+}
+
+TEST(FormLayout, labelsOfAllFormsGetOneWidth)
+{
+    QWidget panel;
+    auto *column = new QVBoxLayout(&panel);
+    QList<QLineEdit *> editors;
+    for (const char *text : {"A", "A considerably longer label"}) {
+        auto *part = new QWidget;
+        auto *form = new OssFormLayout(part);
+        editors.append(new QLineEdit);
+        form->addRow(QString::fromLatin1(text), editors.last());
+        column->addWidget(part);
+    }
+    OssFormLayout::alignLabels(&panel);
+    panel.show();
+    EXPECT_EQ(editors[0]->mapTo(&panel, QPoint()).x(), editors[1]->mapTo(&panel, QPoint()).x());
+}

@@ -1,0 +1,125 @@
+#include "Ossa/CommandLine.h"
+
+#include <gtest/gtest.h>
+
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <vector>
+
+namespace {
+
+CommandLine parse(std::vector<const char *> arguments)
+{
+    arguments.insert(arguments.begin(), "ossa");
+    return CommandLine::parse(int(arguments.size()), arguments.data());
+}
+
+struct Outcome
+{
+    int exitCode;
+    QByteArray out;
+    QByteArray err;
+};
+
+/// Runs the program itself, without a display and with settings of its own.
+Outcome run(const QStringList &arguments)
+{
+    const QTemporaryDir settings;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const char *name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+        environment.remove(QString::fromLatin1(name));
+    environment.insert(QStringLiteral("OSSA_CONFIG_DIR"), settings.path());
+    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), settings.path());
+    QProcess program;
+    program.setProcessEnvironment(environment);
+    program.start(QStringLiteral(OSSA_PROGRAM), arguments);
+    if (!program.waitForFinished(60000) || program.exitStatus() != QProcess::NormalExit)
+        return {-1, program.readAllStandardOutput(), program.readAllStandardError()};
+    return {program.exitCode(), program.readAllStandardOutput(), program.readAllStandardError()};
+}
+
+} // namespace
+
+TEST(CommandLineParsing, windowWithAndWithoutProject)
+{
+    EXPECT_EQ(parse({}).command, CommandLine::Window);
+    const CommandLine line = parse({"wall.ossa"});
+    EXPECT_EQ(line.command, CommandLine::Window);
+    EXPECT_EQ(line.project, QStringLiteral("wall.ossa"));
+    EXPECT_FALSE(line.isHeadless());
+}
+
+TEST(CommandLineParsing, graphTakesProjectAndPicture)
+{
+    const CommandLine line = parse({"graph", "wall.ossa", "-o", "out/wall.SVG"});
+    EXPECT_EQ(line.command, CommandLine::Graph);
+    EXPECT_EQ(line.project, QStringLiteral("wall.ossa"));
+    EXPECT_EQ(line.output, QStringLiteral("out/wall.SVG"));
+    EXPECT_TRUE(line.isHeadless());
+}
+
+TEST(CommandLineParsing, infoTakesAProject)
+{
+    const CommandLine line = parse({"info", "wall.ossa"});
+    EXPECT_EQ(line.command, CommandLine::Info);
+    EXPECT_EQ(line.project, QStringLiteral("wall.ossa"));
+}
+
+TEST(CommandLineParsing, faultyUseIsAnsweredInOneLine)
+{
+    const std::vector<std::vector<const char *>> faulty = {
+        {"graph"}, {"graph", "wall.ossa"}, {"graph", "wall.ossa", "-o", "wall.bmp"},
+        {"info"},  {"--no-such-option"},   {"one.ossa", "two.ossa"},
+    };
+    for (const auto &arguments : faulty) {
+        const CommandLine line = parse(arguments);
+        EXPECT_EQ(line.command, CommandLine::Answered) << arguments.front();
+        EXPECT_EQ(line.exitCode, ExitCode::Usage);
+        EXPECT_FALSE(line.message.trimmed().contains(QLatin1Char('\n')));
+        EXPECT_TRUE(line.message.startsWith(QStringLiteral("ossa: ")));
+    }
+}
+
+TEST(CommandLineParsing, helpAndVersionSucceed)
+{
+    EXPECT_EQ(parse({"--help"}).exitCode, ExitCode::Success);
+    EXPECT_TRUE(parse({"graph", "--help"}).message.contains(QStringLiteral("--output")));
+    EXPECT_TRUE(parse({"--version"}).message.startsWith(QStringLiteral("ossa ")));
+}
+
+TEST(Program, saysVersionOnStdout)
+{
+    const Outcome outcome = run({QStringLiteral("--version")});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_TRUE(outcome.out.startsWith("ossa "));
+    EXPECT_TRUE(outcome.err.isEmpty()) << outcome.err.constData();
+}
+
+TEST(Program, faultyUseEndsWithTwoAndNothingOnStdout)
+{
+    const Outcome outcome = run({QStringLiteral("graph")});
+    EXPECT_EQ(outcome.exitCode, 2);
+    EXPECT_TRUE(outcome.out.isEmpty());
+    EXPECT_EQ(outcome.err.count('\n'), 1);
+}
+
+TEST(Program, aMissingProjectIsNamedAndEndsWithOne)
+{
+    for (const QStringList &arguments :
+         {QStringList{QStringLiteral("info"), QStringLiteral("/nowhere/wall.ossa")},
+          QStringList{QStringLiteral("graph"), QStringLiteral("/nowhere/wall.ossa"),
+                      QStringLiteral("-o"), QStringLiteral("/nowhere/wall.png")}}) {
+        const Outcome outcome = run(arguments);
+        EXPECT_EQ(outcome.exitCode, 1) << qPrintable(arguments.first());
+        EXPECT_TRUE(outcome.err.contains("/nowhere/wall.ossa")) << outcome.err.constData();
+        EXPECT_TRUE(outcome.out.isEmpty()) << outcome.out.constData();
+    }
+}
+
+TEST(Program, windowWithoutDisplayIsRefusedInWords)
+{
+    const Outcome outcome = run({});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_TRUE(outcome.err.contains("no display"));
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QObject>
+#include <QStringList>
+
+/// Preferences of every kind that the dialog has an editor for.
+class PreferencesTestObject : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(bool flag MEMBER flag)
+    Q_PROPERTY(int count MEMBER count)
+    Q_PROPERTY(double ratio MEMBER ratio)
+    Q_PROPERTY(QString note MEMBER note)
+    Q_PROPERTY(QString mode MEMBER mode)
+    Q_PROPERTY(Anchor anchor MEMBER anchor)
+
+public:
+    enum Anchor { Center = 0, Cursor = 1 };
+    Q_ENUM(Anchor)
+
+    bool flag = true;
+    int count = 4;
+    double ratio = 0.5;
+    QString note = QStringLiteral("text");
+    QString mode = QStringLiteral("Prompt");
+    Anchor anchor = Cursor;
+    int saves = 0;
+
+public Q_SLOTS:
+
+    QStringList modeList() const
+    {
+        return {QStringLiteral("Prompt"), QStringLiteral("Change"), QStringLiteral("Leave")};
+    }
+
+    QString flagTooltip() const { return QStringLiteral("What the flag does"); }
+
+    void resetFlag() { flag = true; }
+
+    void resetCount() { count = 4; }
+
+    void savePreferences() { ++saves; }
+};

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "OssNodeGraph/OssNgExtendedNode.h"
+
+#include <QGraphicsScene>
+
+#include <memory>
+#include <vector>
+
+/// A scene that owns its nodes and lets go of them before it dies; connects what a user connects.
+class GraphScene : public QGraphicsScene
+{
+public:
+    GraphScene();
+    ~GraphScene() override;
+
+    template <class Node = OssNgExtendedNode>
+    Node *add(const QString &text, const QPointF &position)
+    {
+        auto *node = new Node;
+        m_nodes.emplace_back(node);
+        node->setText(text);
+        node->setPosition(position);
+        adopt(node);
+        return node;
+    }
+
+    /// An extended node with one row for each port.
+    OssNgExtendedNode *add(const QString &text, const QPointF &position, const QString &category,
+                           const QStringList &inputs, const QStringList &outputs);
+    void connectNodes(OssNgNode *source, const QString &output, OssNgNode *destination,
+                      const QString &input);
+
+private:
+    void adopt(OssNgNode *node);
+
+    std::vector<std::unique_ptr<OssNgNode>> m_nodes;
+};
+
+/// The wall of bricks: nodes of every look, a backdrop, a note, marks and an error.
+void buildBrickWall(GraphScene *scene);
+/// One node for every mark, shape and port-list mode, one wire for every mark.
+void buildMarks(GraphScene *scene);
+/// `count` nodes in a square with about as many wires.
+void buildGrid(GraphScene *scene, int count);

@@ -16,6 +16,11 @@ QByteArray capitalised(const QString &key)
     return name;
 }
 
+bool hasMethod(const QObject *object, const QByteArray &name)
+{
+    return object && object->metaObject()->indexOfMethod(QByteArray(name + "()").constData()) >= 0;
+}
+
 } // namespace
 
 OssPreferenceManager *OssPreferenceManager::instance()
@@ -51,10 +56,10 @@ QString OssPreferenceManager::label(const Preference &preference)
 QString OssPreferenceManager::toolTip(const Preference &preference)
 {
     QString text;
-    if (preference.object)
-        QMetaObject::invokeMethod(preference.object,
-                                  QByteArray(preference.key.toLatin1() + "Tooltip").constData(),
-                                  Qt::DirectConnection, Q_RETURN_ARG(QString, text));
+    const QByteArray method = preference.key.toLatin1() + "Tooltip";
+    if (hasMethod(preference.object, method))
+        QMetaObject::invokeMethod(preference.object, method.constData(), Qt::DirectConnection,
+                                  Q_RETURN_ARG(QString, text));
     return text;
 }
 
@@ -62,9 +67,7 @@ QStringList OssPreferenceManager::allowedTexts(const Preference &preference)
 {
     QStringList texts;
     const QByteArray method = preference.key.toLatin1() + "List";
-    if (preference.object
-        && preference.object->metaObject()->indexOfMethod(QByteArray(method + "()").constData())
-               >= 0)
+    if (hasMethod(preference.object, method))
         QMetaObject::invokeMethod(preference.object, method.constData(), Qt::DirectConnection,
                                   Q_RETURN_ARG(QStringList, texts));
     return texts;
@@ -84,10 +87,9 @@ bool OssPreferenceManager::setValue(const Preference &preference, const QVariant
 
 void OssPreferenceManager::reset(const Preference &preference)
 {
-    if (preference.object)
-        QMetaObject::invokeMethod(preference.object,
-                                  QByteArray("reset" + capitalised(preference.key)).constData(),
-                                  Qt::DirectConnection);
+    const QByteArray method = "reset" + capitalised(preference.key);
+    if (hasMethod(preference.object, method))
+        QMetaObject::invokeMethod(preference.object, method.constData(), Qt::DirectConnection);
 }
 
 void OssPreferenceManager::savePreferences()
@@ -95,7 +97,7 @@ void OssPreferenceManager::savePreferences()
     QSet<QObject *> saved;
     const QVector<Preference> living = preferences();
     for (const Preference &preference : living) {
-        if (saved.contains(preference.object))
+        if (saved.contains(preference.object) || !hasMethod(preference.object, "savePreferences"))
             continue;
         saved.insert(preference.object);
         QMetaObject::invokeMethod(preference.object, "savePreferences", Qt::DirectConnection);

@@ -225,6 +225,12 @@ void OssNgEdge::updateGeometry()
     repaintScene();
 }
 
+void OssNgEdge::updateVisibility()
+{
+    setVisible((!m_source || m_source->isVisible())
+               && (!m_destination || m_destination->isVisible()));
+}
+
 void OssNgEdge::repaintScene() const
 {
     if (scene() && !m_bounds.isEmpty())

@@ -106,6 +106,8 @@ public:
 
     QColor debugColor() const { return m_debugColor; }
 
+    /// Shown while both ends are.
+    void updateVisibility();
     /// Brings the wire to where its ports are.
     void updateGeometry();
 

@@ -235,6 +235,9 @@ QVariant OssNgNode::itemChange(GraphicsItemChange change, const QVariant &value)
         break;
     }
     case ItemVisibleHasChanged:
+        for (OssNgEdge *edge : m_inputEdges + m_outputEdges)
+            edge->updateVisibility();
+        [[fallthrough]];
     case ItemZValueHasChanged:
         if (m_index)
             m_index->updateNode(this);

@@ -93,6 +93,9 @@ void OssNgNodeDragGesture::move(QMouseEvent *event)
         if ((offset * view()->zoom()).manhattanLength() < QApplication::startDragDistance())
             return;
         m_dragging = true;
+        if (view()->m_shakeToExtractEnabled
+            && view()->cursorTrackingMode() == OssNgView::NormalTracking)
+            view()->setCursorTrackingMode(OssNgView::ShakeTracking);
     }
     moveBy(snapped(offset));
     previewInsertion();
@@ -127,7 +130,8 @@ void OssNgNodeDragGesture::endPreview()
 
 void OssNgNodeDragGesture::watchShake(const QPointF &position)
 {
-    if (!view()->m_shakeToExtractEnabled)
+    if (!view()->m_shakeToExtractEnabled
+        || view()->cursorTrackingMode() != OssNgView::ShakeTracking)
         return;
     const qreal way = position.x() - m_turn;
     const int direction = way > 0.0 ? 1 : -1;
@@ -152,9 +156,16 @@ void OssNgNodeDragGesture::watchShake(const QPointF &position)
     Q_EMIT view()->shakeToExtractTriggered();
 }
 
-void OssNgNodeDragGesture::release(QMouseEvent *event)
+void OssNgNodeDragGesture::endTracking()
 {
     endPreview();
+    if (view()->cursorTrackingMode() == OssNgView::ShakeTracking)
+        view()->setCursorTrackingMode(OssNgView::NormalTracking);
+}
+
+void OssNgNodeDragGesture::release(QMouseEvent *event)
+{
+    endTracking();
     if (!m_dragging) {
         // A click on one of several selected nodes means that one.
         const bool plain = !(event->modifiers() & (Qt::ShiftModifier | Qt::ControlModifier));
@@ -173,6 +184,6 @@ void OssNgNodeDragGesture::release(QMouseEvent *event)
 
 void OssNgNodeDragGesture::cancel()
 {
-    endPreview();
+    endTracking();
     moveBy({});
 }

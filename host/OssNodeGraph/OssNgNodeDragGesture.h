@@ -38,6 +38,7 @@ private:
     QPointF snapped(const QPointF &offset) const;
     void previewInsertion();
     void endPreview();
+    void endTracking();
     void watchShake(const QPointF &position);
 
     QPointF m_startScene;

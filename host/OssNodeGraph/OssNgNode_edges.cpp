@@ -32,6 +32,7 @@ OssNgEdge *OssNgNode::attachInput(const QString &name, OssNgNode *source, const 
     source->addOutputEdge(edge);
     source->setOutputUsed(outputName, true);
     refresh();
+    edge->updateVisibility();
     syncEdgeScene(edge);
     return edge;
 }

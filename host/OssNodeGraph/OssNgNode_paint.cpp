@@ -367,6 +367,8 @@ QString OssNgNode::toolTipAt(const QPointF &local) const
         return describe(port, Side::Output);
     if (m_extras && !m_extras->errorText.isEmpty())
         return m_extras->errorText;
+    if (toolTip().isEmpty() && bodyRect().width() >= OssNgStyle::MaximumWidth)
+        return m_text; // perhaps cut short
     return toolTip();
 }
 

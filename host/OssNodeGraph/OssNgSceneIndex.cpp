@@ -2,6 +2,7 @@
 
 #include "OssNodeGraph/OssNgEdge.h"
 #include "OssNodeGraph/OssNgNode.h"
+#include "OssNodeGraph/OssNgStyle.h"
 
 #include <QGraphicsScene>
 #include <QHash>
@@ -14,7 +15,7 @@ namespace {
 
 constexpr qreal CellSize = 512.0;
 constexpr int MostCellsOfWire = 64;
-constexpr qreal Reach = 200000.0; ///< of every graph from the origin
+constexpr qreal MostReach = 1e6;
 
 QHash<const QGraphicsScene *, OssNgSceneIndex *> &registry()
 {
@@ -67,6 +68,36 @@ OssNgSceneIndex::OssNgSceneIndex(QGraphicsScene *scene)
     : QObject(scene)
     , m_scene(scene)
 {
+    scene->setSceneRect(-m_reach, -m_reach, 2 * m_reach, 2 * m_reach);
+    connect(OssNgStyle::instance(), &OssNgStyle::colorsUpdated, this,
+            &OssNgSceneIndex::refreshColors);
+}
+
+void OssNgSceneIndex::coverByScene(const QRectF &rect)
+{
+    const qreal needed = std::min(
+        MostReach, std::max({-rect.left(), -rect.top(), rect.right(), rect.bottom()}));
+    if (needed <= m_reach)
+        return;
+    while (m_reach < needed)
+        m_reach *= 2.0;
+    m_scene->setSceneRect(-m_reach, -m_reach, 2 * m_reach, 2 * m_reach);
+}
+
+void OssNgSceneIndex::refreshColors()
+{
+    for (NodeEntry &entry : m_nodes) {
+        if (!entry.node)
+            continue;
+        entry.color = entry.node->mainColor().rgba();
+        ++entry.node->m_revision;
+    }
+    for (WireEntry &entry : m_wires) {
+        if (entry.edge)
+            entry.color = entry.edge->color().rgba();
+    }
+    ++m_revision;
+    m_scene->update();
 }
 
 OssNgSceneIndex::~OssNgSceneIndex()
@@ -150,6 +181,7 @@ void OssNgSceneIndex::addNode(OssNgNode *node)
     fill(entry, node);
     entry.cells = cellsOf(entry.rect);
     link(entry.cells, slot, &Cell::nodes);
+    coverByScene(entry.rect);
     node->m_index = this;
     node->m_indexSlot = slot;
     ++m_nodeCount;
@@ -174,6 +206,7 @@ void OssNgSceneIndex::updateNode(OssNgNode *node)
     fill(entry, node);
     const QRect cells = cellsOf(entry.rect);
     if (cells != entry.cells) {
+        coverByScene(entry.rect);
         unlink(entry.cells, node->m_indexSlot, &Cell::nodes);
         entry.cells = cells;
         link(entry.cells, node->m_indexSlot, &Cell::nodes);

@@ -112,6 +112,8 @@ private:
     void unlink(const QRect &cells, int slot, std::vector<int> Cell::*list);
     void linkWire(int slot);
     void unlinkWire(int slot);
+    void refreshColors();
+    void coverByScene(const QRectF &rect);
 
     quint32 nextStamp() const { return ++m_stamp; }
 
@@ -123,6 +125,9 @@ private:
     std::vector<int> m_freeNodes;
     std::vector<int> m_freeWires;
     quint64 m_serial = 0;
+    /// Half the side of the scene's rectangle. A scene without one measures all items whenever one
+    /// moves; one far larger than its graph finds items slowly. So it doubles when needed.
+    qreal m_reach = 4096.0;
     mutable quint32 m_stamp = 0;
     quint32 m_revision = 0;
     int m_nodeCount = 0;

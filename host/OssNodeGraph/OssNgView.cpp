@@ -55,8 +55,6 @@ OssNgView::OssNgView(QWidget *parent)
             m_glideTimer.stop();
         centerViewOn(near ? m_glideTarget : m_glideTarget - away * 0.7, false);
     });
-    connect(OssNgStyle::instance(), &OssNgStyle::colorsUpdated, viewport(),
-            qOverload<>(&QWidget::update));
 }
 
 OssNgView::~OssNgView() = default;

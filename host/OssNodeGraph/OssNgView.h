@@ -87,7 +87,8 @@ public:
 
     bool isSnapToGridOn() const { return m_snapToGrid; }
 
-    bool isMinimapVisible() const { return m_minimapVisible; }
+    /// Also false while the view is too small for a map.
+    bool isMinimapVisible() const;
 
     void setMinimapVisible(bool visible);
     OssNgSceneIndex *sceneIndex() const;

@@ -15,6 +15,7 @@ using Role = OssNgStyle::Role;
 namespace {
 
 constexpr QSizeF MinimapSize(184.0, 114.0);
+constexpr QSize SmallestForMap(520, 380); ///< viewport
 constexpr qreal MinimapInset = 12.0;
 constexpr qreal MinimapPadding = 8.0;
 constexpr int MostRectangles = 8; ///< more are painted as one
@@ -66,7 +67,7 @@ void OssNgView::paintEvent(QPaintEvent *event)
 
 void OssNgView::paintOverlay()
 {
-    const bool map = m_minimapVisible && scene();
+    const bool map = isMinimapVisible() && scene();
     if (map && sceneIndex()->revision() != m_minimapRevision && !m_minimapTimer.isActive())
         m_minimapTimer.start();
     const bool mapExposed = map
@@ -85,11 +86,17 @@ void OssNgView::paintOverlay()
 void OssNgView::scrollContentsBy(int dx, int dy)
 {
     QGraphicsView::scrollContentsBy(dx, dy);
-    if (!m_minimapVisible)
+    if (!isMinimapVisible())
         return;
     // Scrolling moved the map's pixels along.
     const QRect map = minimapRect().toAlignedRect().adjusted(-1, -1, 1, 1);
     viewport()->update(QRegion(map) | map.translated(dx, dy));
+}
+
+bool OssNgView::isMinimapVisible() const
+{
+    return m_minimapVisible && viewport()->width() >= SmallestForMap.width()
+           && viewport()->height() >= SmallestForMap.height();
 }
 
 QRectF OssNgView::minimapRect() const

@@ -60,7 +60,7 @@ std::unique_ptr<OssNgGesture> OssNgView::navigationFor(const QMouseEvent *event)
     auto *self = const_cast<OssNgView *>(this);
     const bool alt = event->modifiers() & Qt::AltModifier;
     const Qt::MouseButton button = event->button();
-    if (button == Qt::LeftButton && m_minimapVisible && minimapRect().contains(event->localPos()))
+    if (button == Qt::LeftButton && isMinimapVisible() && minimapRect().contains(event->localPos()))
         return std::make_unique<OssNgMinimapGesture>(self, button, event->localPos());
     if (m_navigationControlType == QLatin1String("Ossa")) {
         if (alt && button == Qt::LeftButton)

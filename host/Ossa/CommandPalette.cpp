@@ -2,6 +2,7 @@
 
 #include "Ossa/CommandDelegate.h"
 #include "Ossa/CommandListModel.h"
+#include "Ossa/Theme.h"
 
 #include <QAction>
 #include <QApplication>
@@ -9,6 +10,12 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QVBoxLayout>
+
+namespace {
+
+constexpr int distanceFromTop = 60;
+
+} // namespace
 
 CommandPalette::CommandPalette(QWidget *parent)
     : QDialog(parent, Qt::Dialog | Qt::FramelessWindowHint)
@@ -36,7 +43,7 @@ CommandPalette::CommandPalette(QWidget *parent)
     layout->setContentsMargins(8, 8, 8, 8);
     layout->addWidget(m_search);
     layout->addWidget(m_list);
-    resize(560, 420);
+    resize(Theme::fitting({560, 420}));
     search(QString());
 }
 
@@ -81,8 +88,7 @@ void CommandPalette::showEvent(QShowEvent *event)
 {
     QDialog::showEvent(event);
     if (const QWidget *owner = parentWidget()) {
-        const QPoint top = owner->mapToGlobal({(owner->width() - width()) / 2, 60});
-        move(top);
+        move(owner->mapToGlobal({(owner->width() - width()) / 2, distanceFromTop}));
     }
     m_search->setFocus();
 }

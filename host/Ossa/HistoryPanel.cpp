@@ -38,7 +38,7 @@ HistoryPanel::HistoryPanel(QWidget *parent)
 void HistoryPanel::refresh()
 {
     const auto *manager = OssUndoManager::instance();
-    m_summary->setText(tr("%n step(s)", nullptr, manager->count()));
+    m_summary->setText(tr("Steps: %1").arg(manager->count()));
     m_undo->setEnabled(manager->canUndo());
     m_redo->setEnabled(manager->canRedo());
 }

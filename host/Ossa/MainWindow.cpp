@@ -10,6 +10,7 @@
 #include "Ossa/ProjectCommands.h"
 #include "Ossa/RecentProjects.h"
 #include "Ossa/StatusArea.h"
+#include "Ossa/Theme.h"
 #include "OssCore/OssSettings.h"
 #include "OssCoreModules/Interface/OssApplication.h"
 #include "OssCoreModules/Interface/OssMessageBox.h"
@@ -55,7 +56,7 @@ MainWindow::MainWindow()
     new MainMenus(menuBar()); // owned by the menu bar
     connect(m_project, &ProjectCommands::projectStateChanged, this, &MainWindow::refreshTitle);
     refreshTitle();
-    resize(firstSize);
+    resize(Theme::fitting(firstSize));
 }
 
 MainWindow::~MainWindow()

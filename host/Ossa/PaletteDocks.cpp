@@ -17,13 +17,18 @@
 #include <QMainWindow>
 #include <QSplitter>
 
+#include <functional>
+#include <numeric>
+
 namespace {
 
 const QString stateKey = QStringLiteral("MainWindow/docks");
+const QString stateNamesKey = QStringLiteral("MainWindow/dockedPalettes");
 const QString paletteFolder = QStringLiteral("/Ossa/Palettes/");
 const QString graphFolder = QStringLiteral("/Ossa/NodeGraph/");
 constexpr int stateVersion = 1;
 constexpr int graphShare = 70; // percent of the window, in both directions
+constexpr int leastShare = 15; // a dock that opens smaller than this gets room
 
 struct Place
 {
@@ -69,6 +74,29 @@ void configure()
                              OssIcon::createIconFromFilename(QStringLiteral("Down.png")));
 }
 
+/// Gives the part at `index` so many percent of the room if there is one other part.
+void share(QSplitter *splitter, int index, int percent)
+{
+    if (splitter->count() != 2)
+        return;
+    const bool wide = splitter->orientation() == Qt::Horizontal;
+    const int room = wide ? splitter->width() : splitter->height();
+    const int part = room * percent / 100;
+    splitter->setSizes(index == 0 ? QList<int>{part, room - part} : QList<int>{room - part, part});
+}
+
+/// Calls `visit` with each splitter around the dock, inner ones first, and the part it is in.
+void forEachSplitter(const ads::CDockWidget *dock,
+                     const std::function<void(QSplitter *, int)> &visit)
+{
+    QWidget *part = dock->dockAreaWidget();
+    while (part && part->parentWidget()) {
+        if (auto *splitter = qobject_cast<QSplitter *>(part->parentWidget()))
+            visit(splitter, splitter->indexOf(part));
+        part = part->parentWidget();
+    }
+}
+
 ads::CDockManager *createManager(QMainWindow *window)
 {
     configure();
@@ -93,8 +121,8 @@ PaletteDocks::PaletteDocks(QMainWindow *window)
             [this](OssPalette *palette) {
                 dock(palette);
                 place(palette, m_docks.value(palette));
-                if (!m_state.isEmpty())
-                    m_manager->restoreState(m_state, stateVersion);
+                if (m_stateNames.contains(palette->objectName()))
+                    applyState();
             });
 }
 
@@ -103,28 +131,46 @@ PaletteDocks::~PaletteDocks()
     // Palettes are the palette manager's: they leave the docks before the docks go.
     for (auto entry = m_docks.cbegin(); entry != m_docks.cend(); ++entry) {
         disconnect(entry.key(), nullptr, this, nullptr);
-        if (QWidget *palette = entry.value()->takeWidget()) {
-            palette->hide();
+        if (QWidget *palette = entry.value()->takeWidget())
             palette->setParent(nullptr);
-        }
     }
 }
 
 void PaletteDocks::restoreLayout()
 {
-    m_state = OssSettings().value(stateKey).toByteArray();
+    const OssSettings settings;
+    m_state = settings.value(stateKey).toByteArray();
+    m_stateNames = settings.value(stateNamesKey).toStringList();
     if (!m_state.isEmpty())
-        m_manager->restoreState(m_state, stateVersion);
+        applyState();
+}
+
+void PaletteDocks::applyState()
+{
+    m_manager->restoreState(m_state, stateVersion);
+    // Palettes that the state does not know were taken out of the layout.
+    const QVector<OssPalette *> palettes = OssPaletteManager::instance()->palettes();
+    for (OssPalette *palette : palettes) {
+        if (m_docks.contains(palette) && !m_stateNames.contains(palette->objectName()))
+            place(palette, m_docks.value(palette));
+    }
 }
 
 void PaletteDocks::saveLayout() const
 {
-    OssSettings().setValue(stateKey, m_manager->saveState(stateVersion));
+    QStringList names;
+    for (const ads::CDockWidget *dock : m_docks)
+        names.append(dock->objectName());
+    names.sort();
+    OssSettings settings;
+    settings.setValue(stateKey, m_manager->saveState(stateVersion));
+    settings.setValue(stateNamesKey, names);
 }
 
 void PaletteDocks::resetLayout()
 {
     m_state.clear();
+    m_stateNames.clear();
     const QVector<OssPalette *> palettes = OssPaletteManager::instance()->palettes();
     for (OssPalette *palette : palettes) {
         if (ads::CDockWidget *dock = m_docks.value(palette); dock && dock->dockAreaWidget())
@@ -165,12 +211,21 @@ void PaletteDocks::dock(OssPalette *palette)
     auto *dock = new ads::CDockWidget(palette->windowTitle()); // owned by the manager
     dock->setObjectName(palette->objectName());
     dock->setIcon(QIcon(OssPaletteManager::instance()->iconPath(palette)));
-    dock->setMinimumSizeHintMode(ads::CDockWidget::MinimumSizeHintFromDockWidget);
+    dock->setMinimumSizeHintMode(ads::CDockWidget::MinimumSizeHintFromContent);
     dock->setWidget(palette, ads::CDockWidget::ForceNoScrollArea);
     m_docks.insert(palette, dock);
     connect(palette, &OssPalette::showRequested, this, [this, palette] { showPalette(palette); });
     connect(palette, &QWidget::windowTitleChanged, dock, &ads::CDockWidget::setWindowTitle);
     connect(palette, &QObject::destroyed, this, &PaletteDocks::removeDock);
+
+    // Queued: the areas get their sizes after the signal.
+    connect(
+        dock, &ads::CDockWidget::viewToggled, this,
+        [this, dock](bool open) {
+            if (open && m_window->isVisible())
+                makeRoom(dock);
+        },
+        Qt::QueuedConnection);
 
     QAction *toggle = dock->toggleViewAction();
     toggle->setMenuRole(QAction::NoRole);
@@ -200,16 +255,19 @@ void PaletteDocks::sizeAreas()
 {
     const OssPalette *graph = OssPaletteManager::instance()->find(
         QString::fromLatin1(places[0].helpKey));
-    const ads::CDockWidget *dock = m_docks.value(graph);
-    QWidget *inside = dock ? dock->dockAreaWidget() : nullptr;
-    for (; inside && inside != m_manager; inside = inside->parentWidget()) {
-        auto *splitter = qobject_cast<QSplitter *>(inside);
-        if (!splitter || splitter->count() != 2)
-            continue;
-        const bool wide = splitter->orientation() == Qt::Horizontal;
-        const int room = wide ? splitter->width() : splitter->height();
-        splitter->setSizes({room * graphShare / 100, room - room * graphShare / 100});
-    }
+    if (const ads::CDockWidget *dock = m_docks.value(graph))
+        forEachSplitter(dock,
+                        [](QSplitter *splitter, int index) { share(splitter, index, graphShare); });
+}
+
+void PaletteDocks::makeRoom(const ads::CDockWidget *dock)
+{
+    forEachSplitter(dock, [](QSplitter *splitter, int index) {
+        const QList<int> sizes = splitter->sizes();
+        const int room = std::accumulate(sizes.cbegin(), sizes.cend(), 0);
+        if (sizes.at(index) < room * leastShare / 100)
+            share(splitter, index, 100 - graphShare);
+    });
 }
 
 void PaletteDocks::showPalette(const OssPalette *palette)

@@ -2,6 +2,7 @@
 
 #include <QHash>
 #include <QObject>
+#include <QStringList>
 
 class OssPalette;
 class QMainWindow;
@@ -34,12 +35,16 @@ public:
 private:
     void dock(OssPalette *palette);
     void place(OssPalette *palette, ads::CDockWidget *dock);
+    void applyState();
     void sizeAreas();
+    void makeRoom(const ads::CDockWidget *dock);
     void showPalette(const OssPalette *palette);
     void removeDock(QObject *palette);
 
     QMainWindow *m_window;
     ads::CDockManager *m_manager; ///< owned by the window
     QHash<const QObject *, ads::CDockWidget *> m_docks;
-    QByteArray m_state; ///< of the last session: palettes that come late find their place in it
+    /// Of the last session: palettes that come late find their place in it, if they were there.
+    QByteArray m_state;
+    QStringList m_stateNames;
 };

@@ -109,7 +109,7 @@ QWidget *PreferenceEditor::createTextField()
     m_showValue = [this, field] {
         field->setText(value().toString());
     };
-    connect(field, &QLineEdit::editingFinished, this, [this, field] { apply(field->text()); });
+    connect(field, &QLineEdit::textEdited, this, &PreferenceEditor::apply);
     return field;
 }
 

@@ -1,6 +1,7 @@
 #include "Ossa/PreferencesDialog.h"
 
 #include "Ossa/PreferenceEditor.h"
+#include "Ossa/Theme.h"
 #include "OssCoreModules/Interface/OssFormLayout.h"
 
 #include <QDialogButtonBox>
@@ -41,14 +42,11 @@ PreferencesDialog::PreferencesDialog(QWidget *parent)
     addPreferences();
     OssFormLayout::alignLabels(m_stack);
     m_pages->setCurrentRow(0);
-    resize(760, 520);
+    resize(Theme::fitting({760, 520}));
 }
 
 void PreferencesDialog::accept()
 {
-    // A text field that still has the focus has not told its value yet.
-    if (QWidget *focused = focusWidget())
-        focused->clearFocus();
     OssPreferenceManager::instance()->savePreferences();
     QDialog::accept();
 }

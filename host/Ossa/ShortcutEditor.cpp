@@ -1,6 +1,7 @@
 #include "Ossa/ShortcutEditor.h"
 
 #include "Ossa/KeyRecorder.h"
+#include "Ossa/Theme.h"
 #include "OssCoreModules/Interface/OssActionTreeManager.h"
 #include "OssCoreModules/Interface/OssMessageBox.h"
 #include "OssCoreModules/Interface/OssShortcutManager.h"
@@ -59,6 +60,8 @@ ShortcutEditor::ShortcutEditor(QWidget *parent)
     connect(m_search, &QLineEdit::textChanged, this, [this](const QString &text) {
         m_filter->setFilterFixedString(text);
         m_tree->expandAll();
+        // The first command found, in the first group that has one.
+        m_tree->setCurrentIndex(m_filter->index(0, 0, m_filter->index(0, 0)));
     });
 
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
@@ -82,7 +85,7 @@ ShortcutEditor::ShortcutEditor(QWidget *parent)
     connect(OssShortcutManager::instance(), &OssShortcutManager::keysChanged, this,
             &ShortcutEditor::showKeys);
     refresh();
-    resize(720, 600);
+    resize(Theme::fitting({720, 600}));
     m_search->setFocus();
 }
 

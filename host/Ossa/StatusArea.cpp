@@ -68,9 +68,13 @@ bool StatusArea::eventFilter(QObject *watched, QEvent *event)
 {
     if (!isInput(event->type()))
         return false;
-    // Windows are let through: they hand the event on to the widget, which is looked at then.
-    return watched->isWidgetType() && watched != m_stop
-           && !m_stop->isAncestorOf(static_cast<QWidget *>(watched));
+    // Windows are let through: they hand the event on to a widget, which is looked at then. Keys of
+    // commands arrive at the commands themselves.
+    const bool forStop = watched == m_stop && event->type() != QEvent::Shortcut;
+    if (forStop || (!watched->isWidgetType() && event->type() != QEvent::Shortcut))
+        return false;
+    event->ignore(); // or a window would close all the same
+    return true;
 }
 
 void StatusArea::begin(const QString &title)

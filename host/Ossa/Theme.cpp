@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QFont>
 #include <QPalette>
+#include <QScreen>
 #include <QStyleFactory>
 
 namespace {
@@ -197,6 +198,12 @@ void Theme::apply()
         sheet.replace(QLatin1String(row.name), QLatin1String(row.value));
     sheet.replace(QLatin1String("@icons"), OssResourceInfo::instance()->iconPath());
     qApp->setStyleSheet(sheet);
+}
+
+QSize Theme::fitting(const QSize &size)
+{
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    return screen ? size.boundedTo(screen->availableSize() * 0.95) : size;
 }
 
 QColor Theme::accent()

@@ -3,6 +3,7 @@
 #include "OssCore/OssUndoManager.h"
 #include "OssNodeGraph/OssNgBackdropNode.h"
 #include "OssNodeGraph/OssNgEdge.h"
+#include "OssNodeGraph/OssNgRenderer.h"
 #include "OssNodeGraph/OssNgSceneIndex.h"
 #include "OssNodeGraph/OssNgStyle.h"
 #include "support/ExampleGraph.h"
@@ -380,6 +381,88 @@ TEST_F(OssNgViewTest, shakingIsNoticedAndTheDragGoesOn)
     move(start + QPointF(100, 40));
     EXPECT_EQ(a->pos(), QPointF(100, 40));
     release(start);
+}
+
+TEST_F(OssNgViewTest, shakeTrackingLastsAsLongAsTheDrag)
+{
+    press(body(a));
+    EXPECT_EQ(view.cursorTrackingMode(), OssNgView::NormalTracking);
+    move(body(a) + QPointF(40, 0));
+    EXPECT_EQ(view.cursorTrackingMode(), OssNgView::ShakeTracking);
+    release(body(a));
+    EXPECT_EQ(view.cursorTrackingMode(), OssNgView::NormalTracking);
+}
+
+TEST_F(OssNgViewTest, snappedNodeLandsOnTheGrid)
+{
+    a->setPosition({5, 7});
+    view.toggleSnapToGrid();
+    drag(body(a), body(a) + QPointF(50, 31));
+    EXPECT_EQ(a->pos(), QPointF(48, 48));
+}
+
+TEST_F(OssNgViewTest, wiresOfHiddenNodesAreHidden)
+{
+    const OssNgEdge *edge = b->attachInput(In, a, Out);
+    a->setVisible(false);
+    EXPECT_FALSE(edge->isVisible());
+    EXPECT_EQ(view.sceneIndex()->edgeAt(edge->markerPosition(), 5.0), nullptr);
+    a->setVisible(true);
+    EXPECT_TRUE(edge->isVisible());
+    EXPECT_EQ(view.sceneIndex()->edgeAt(edge->markerPosition(), 5.0), edge);
+}
+
+TEST_F(OssNgViewTest, minimapMovesTheView)
+{
+    view.setMinimapVisible(true);
+    QCoreApplication::processEvents();
+    view.grab();
+    const QPointF spot = view.minimapRect().center() + QPointF(20, 5);
+    const QPointF wanted = view.minimapToScene(spot);
+    QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, spot.toPoint());
+    EXPECT_LT(QLineF(view.viewportInSceneCoords().center(), wanted).length(), 5.0);
+    view.resize(300, 200);
+    EXPECT_FALSE(view.isMinimapVisible());
+}
+
+TEST_F(OssNgViewTest, selectionIsSortedFromTopToBottom)
+{
+    OssNgEdge *edge = b->attachInput(In, a, Out);
+    a->setPosition({0, 500});
+    edge->setSelected(true);
+    a->setSelected(true);
+    b->setSelected(true);
+    EXPECT_EQ(view.sortedSelection(), (QList<QGraphicsItem *>{b, a, edge}));
+}
+
+TEST_F(OssNgViewTest, newColoursReachTheScreen)
+{
+    OssNgStyle *style = OssNgStyle::instance();
+    const QColor old = style->color(OssNgStyle::Role::Body);
+    const QPoint spot = at(a->pos() + a->bodyRect().topLeft() + QPointF(100, 45));
+    view.grab();
+    view.grab();
+    EXPECT_EQ(view.grab().toImage().pixelColor(spot), old);
+    style->setColor(OssNgStyle::Role::Body, Qt::darkGreen);
+    EXPECT_EQ(view.grab().toImage().pixelColor(spot), QColor(Qt::darkGreen));
+    style->setColor(OssNgStyle::Role::Body, old);
+}
+
+TEST_F(OssNgViewTest, fileOfTheGraphShowsWhatTheViewShows)
+{
+    b->attachInput(In, a, Out);
+    const QRectF source = view.viewportInSceneCoords();
+    QImage file(view.viewport()->size(), QImage::Format_RGB32);
+    QPainter painter(&file);
+    paintSceneTo(&painter, &scene, source, QRectF(QPointF(), QSizeF(file.size())));
+    painter.end();
+    const QImage screen = view.grab().toImage().convertToFormat(QImage::Format_RGB32);
+    int different = 0;
+    for (int y = 0; y < file.height(); ++y) {
+        for (int x = 0; x < file.width(); ++x)
+            different += std::abs(qGreen(file.pixel(x, y)) - qGreen(screen.pixel(x, y))) > 40;
+    }
+    EXPECT_LT(different, file.width() * file.height() / 500);
 }
 
 TEST_F(OssNgViewTest, everyLevelOfDetailShowsTheNode)

@@ -72,7 +72,7 @@ int main(int argc, char **argv)
     const QRectF all = marks.itemsBoundingRect().adjusted(-20, -20, 20, 20);
     QImage image(all.size().toSize(), QImage::Format_RGB32);
     QPainter painter(&image);
-    paintSceneTo(&painter, &marks, all, QRectF(QPointF(), all.size()));
+    paintSceneTo(&painter, &marks, all, QRectF(QPointF(), QSizeF(image.size())));
     painter.end();
     save(image, folder + QStringLiteral("/marks.png"));
 

@@ -131,7 +131,6 @@ TEST_F(Window, saveWritesBeforeClosing)
 
 TEST_F(Window, aProjectThatCannotBeOpenedIsToldOnceAndLeavesTheOpenOne)
 {
-    const OssProject *before = projects()->currentProject();
     int boxes = 0;
     QTimer::singleShot(0, [&boxes] {
         ++boxes;
@@ -140,7 +139,32 @@ TEST_F(Window, aProjectThatCannotBeOpenedIsToldOnceAndLeavesTheOpenOne)
     window->openAtStart(QStringLiteral("/nowhere/wall.ossa"));
     EXPECT_EQ(boxes, 1);
     EXPECT_NE(projects()->currentProject(), nullptr);
-    Q_UNUSED(before)
+}
+
+TEST_F(Window, pluginsThatFailAreNamedUntilDismissed)
+{
+    window->tellAbout({{QStringLiteral("paint.so"), QStringLiteral("it is damaged")},
+                       {QStringLiteral("bake.so"), QStringLiteral("it could not be started")}});
+    EXPECT_TRUE(window->notificationText().contains(QStringLiteral("paint.so")));
+    EXPECT_TRUE(window->notificationText().contains(QStringLiteral("bake.so")));
+    const auto buttons = window->findChildren<QPushButton *>();
+    for (QPushButton *button : buttons) {
+        if (button->text() == QLatin1String("Dismiss"))
+            button->click();
+    }
+    EXPECT_TRUE(window->notificationText().isEmpty());
+}
+
+TEST_F(Window, aSavedLayoutDoesNotHidePalettesItDoesNotKnow)
+{
+    EXPECT_TRUE(window->close());
+    window.reset();
+    const OssPalette *added = makePalette("Added", "added_palette");
+    window = std::make_unique<MainWindow>();
+    window->restoreLayout();
+    window->show();
+    EXPECT_TRUE(added->isVisible());
+    EXPECT_TRUE(graph->isVisible());
 }
 
 TEST_F(Window, recentProjectsAreCommands)

@@ -1,0 +1,317 @@
+#include "GraphFixture.h"
+#include "OssCore/OssClassFactoryManager.h"
+#include "OssNodeGraph/OssNgBackdropNode.h"
+#include "OssNodeGraph/OssNgDotNode.h"
+#include "OssSnGroupNodeGraphViewContext.h"
+#include "OssSnNodeGraphViewContextLoader.h"
+#include "OssSnUINodeGraphViewContext.h"
+
+#include <QSignalSpy>
+#include <QTemporaryDir>
+
+namespace {
+
+using ContextTest = GraphFixture;
+
+TEST_F(ContextTest, itemsFollowEveryEditAndItsUndo)
+{
+    OssSnBaseNode *color = addAt("Procedural/Color", {0, 0}, "Base");
+    OssSnBaseNode *merge = addAt("Layer/Merge", {300, 0});
+    wire(color, merge, "Base");
+    wire(color, merge, "Over");
+    expectItemsMatchModel();
+    color->setName(QStringLiteral("Paint"));
+    EXPECT_EQ(itemOf(color)->text(), QStringLiteral("Paint"));
+    merge->toggleDisable();
+    EXPECT_TRUE(itemOf(merge)->hasMark(OssNgNode::Disabled));
+    EXPECT_FALSE(itemOf(merge)->input(QStringLiteral("Base"))->hasMark(OssNgEdge::Bypassed));
+    EXPECT_TRUE(itemOf(merge)->input(QStringLiteral("Over"))->hasMark(OssNgEdge::Bypassed));
+    color->setCacheActive(CacheActive);
+    EXPECT_TRUE(itemOf(color)->hasMark(OssNgNode::Cached));
+    m_network->removeNodes({color});
+    expectItemsMatchModel();
+    OssUndoManager *undo = OssUndoManager::instance();
+    while (undo->canUndo()) {
+        undo->undo();
+        expectItemsMatchModel();
+    }
+    while (undo->canRedo()) {
+        undo->redo();
+        expectItemsMatchModel();
+    }
+}
+
+TEST_F(ContextTest, portsFollowTheGroup)
+{
+    auto *group = qobject_cast<OssSnGroupNode *>(addAt("Misc/Group", {0, 0}));
+    group->createInput(QStringLiteral("A"), OssSnDataKind::Color);
+    group->createInput(QStringLiteral("B"), OssSnDataKind::Scalar);
+    group->createOutput(QStringLiteral("Out"), OssSnDataKind::Material);
+    OssSnBaseNode *source = addAt("Procedural/Color", {-300, 0});
+    wire(source, group, "B");
+    expectItemsMatchModel();
+    group->renameInput(QStringLiteral("B"), QStringLiteral("Wet"));
+    expectItemsMatchModel();
+    group->reorderInputs({QStringLiteral("Wet"), QStringLiteral("A")});
+    expectItemsMatchModel();
+    group->renameOutputPoint(QStringLiteral("Out"), QStringLiteral("Result"));
+    group->removeInput(QStringLiteral("A"));
+    expectItemsMatchModel();
+    OssUndoManager *undo = OssUndoManager::instance();
+    while (undo->canUndo()) {
+        undo->undo();
+        expectItemsMatchModel();
+    }
+}
+
+TEST_F(ContextTest, aWireDrawnByHandConnectsInTheNetwork)
+{
+    OssSnBaseNode *a = addAt("Filter/Blur", {0, 0}, "A");
+    OssSnBaseNode *b = addAt("Filter/Blur", {300, 0}, "B");
+    Q_EMIT itemOf(b)->inputSourceChanged(itemOf(a), QStringLiteral("Input"),
+                                         QStringLiteral("Output"));
+    EXPECT_EQ(b->inputNode(QStringLiteral("Input")), a);
+    // A refused one leaves both sides as they were.
+    Q_EMIT itemOf(a)->inputSourceChanged(itemOf(b), QStringLiteral("Input"),
+                                         QStringLiteral("Output"));
+    EXPECT_EQ(a->inputNode(QStringLiteral("Input")), nullptr);
+    expectItemsMatchModel();
+    contextOf(b)->connectInputFromGui(a, QStringLiteral("Input"), {});
+    EXPECT_TRUE(logHas(QStringLiteral("output point name cannot be empty : B")));
+    contextOf(b)->connectInputFromGui(a, {}, QStringLiteral("Output"));
+    EXPECT_TRUE(logHas(QStringLiteral("input name cannot be empty : A")));
+    Q_EMIT itemOf(b)->inputSourceChanged(nullptr, QStringLiteral("Input"), {});
+    EXPECT_EQ(b->inputNode(QStringLiteral("Input")), nullptr);
+}
+
+TEST_F(ContextTest, selectionIsOneOnBothSides)
+{
+    OssSnBaseNode *a = addAt("Filter/Blur", {0, 0});
+    OssSnBaseNode *b = addAt("Filter/Blur", {300, 0});
+    const int steps = undoCount();
+    a->setSelected(true);
+    itemOf(b)->setSelected(true);
+    EXPECT_TRUE(itemOf(a)->isSelected());
+    EXPECT_TRUE(b->selected());
+    m_view->scene()->clearSelection();
+    EXPECT_TRUE(m_network->selectedNodes().isEmpty());
+    EXPECT_EQ(undoCount(), steps);
+}
+
+TEST_F(ContextTest, categoryComesFromThePathKey)
+{
+    EXPECT_EQ(itemOf(add("Channel Input/Paint"))->category(), QStringLiteral("Paint"));
+    EXPECT_EQ(itemOf(add("Layer/Merge"))->category(), QStringLiteral("Layer"));
+    EXPECT_EQ(itemOf(add("Misc/Channel Input"))->category(), QStringLiteral("Misc"));
+}
+
+TEST_F(ContextTest, portListModeIsStoredAndAnnouncedOnce)
+{
+    OssSnBaseNode *node = addAt("Layer/Merge", {0, 0});
+    OssSnNodeGraphViewContext *context = contextOf(node);
+    auto *item = qobject_cast<OssNgExtendedNode *>(itemOf(node));
+    QSignalSpy changed(context, &OssSnNodeGraphViewContext::portListModeChanged);
+    using State = OssSnNodeGraphViewContextManager::DefaultMCMCollapsedState;
+    const QMap<int, int> modes{{0, 0}, {1, 2}, {2, 3}, {3, 4}, {7, 2}};
+    for (auto mode = modes.cbegin(); mode != modes.cend(); ++mode) {
+        context->setPortListMode(State(mode.key()));
+        EXPECT_EQ(context->portListModeAsInt(), mode.value());
+        EXPECT_EQ(int(item->portListMode()), mode.value());
+    }
+    EXPECT_EQ(changed.count(), 4); // it was expanded before
+    context->setPortListMode(int(item->portListMode()));
+    EXPECT_EQ(changed.count(), 4);
+    item->togglePortVisibility(); // as a click on the item does
+    EXPECT_EQ(changed.count(), 5);
+    EXPECT_EQ(context->property("portListMode").toInt(), int(item->portListMode()));
+}
+
+TEST_F(ContextTest, viewerNamesItsFirstInputAndMarksTheCurrentWire)
+{
+    OssSnBaseNode *color = addAt("Procedural/Color", {0, 0}, "Red");
+    OssSnBaseNode *viewer = m_network->viewerNode();
+    wire(color, viewer, "0");
+    wire(color, viewer, "2");
+    const OssNgNode *item = itemOf(viewer);
+    EXPECT_EQ(item->inputPortText(QStringLiteral("0")), QStringLiteral("0:Red"));
+    m_network->setViewerNodeCurrentEdge(2, true);
+    EXPECT_TRUE(item->input(QStringLiteral("2"))->hasMark(OssNgEdge::Activated));
+    EXPECT_FALSE(item->input(QStringLiteral("0"))->hasMark(OssNgEdge::Activated));
+    color->addTag(QStringLiteral("_currentMaterialProxy"));
+    viewer->setInputNode(QStringLiteral("0"), nullptr, {});
+    EXPECT_EQ(item->inputPortText(QStringLiteral("0")), QStringLiteral("0"));
+    wire(color, viewer, "0");
+    EXPECT_EQ(item->inputPortText(QStringLiteral("0")), QStringLiteral("0:Current Material"));
+}
+
+TEST_F(ContextTest, guiStateComesBackFromDisk)
+{
+    OssSnBaseNode *a = addAt("Filter/Blur", {12.5, -40}, "A");
+    OssSnBaseNode *backdrop = addAt("Misc/Backdrop", {-100, -100}, "Area");
+    contextOf(backdrop)->setNodeSize({640, 480});
+    backdrop->setAttribute(QStringLiteral("TitleText"), QStringLiteral("Titel"));
+    contextOf(a)->setPortListMode(3);
+    contextOf(a)->setInputNodeInitialPos(QStringLiteral("Input"), {{10, -4}, {32, -4}});
+    contextOf(a)->setInputNodeInitialPos(QStringLiteral("with:colon"), {{1, 2}, {3, 4}});
+    auto *group = qobject_cast<OssSnGroupNode *>(addAt("Misc/Group", {300, 0}, "G"));
+    OssSnBaseNode *inside = group->groupNetwork()->createNode(QStringLiteral("Filter/Blur"));
+    contextOf(inside)->setNodePosition({7, 8});
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("P.ossa"));
+    const QByteArray hash = m_project->stateHash();
+    OssProjectManager *projects = OssProjectManager::instance();
+    ASSERT_TRUE(projects->saveProjectAs(path));
+    ASSERT_TRUE(projects->openProject(path));
+    m_project = projects->currentProject();
+    m_network = m_project->shadingGroups().first()->network();
+    a = m_network->node(QStringLiteral("A"));
+    EXPECT_EQ(itemOf(a)->pos(), QPointF(12.5, -40));
+    EXPECT_EQ(contextOf(a)->portListModeAsInt(), 3);
+    EXPECT_EQ(contextOf(a)->inputNodeInitialPos().size(), 1);
+    EXPECT_EQ(contextOf(a)->inputNodeInitialPos().value(QStringLiteral("Input")),
+              qMakePair(QPoint(10, -4), QPoint(32, -4)));
+    backdrop = m_network->node(QStringLiteral("Area"));
+    auto *area = qobject_cast<OssNgBackdropNode *>(itemOf(backdrop));
+    ASSERT_NE(area, nullptr);
+    EXPECT_EQ(area->rect().size(), QSizeF(640, 480));
+    EXPECT_EQ(area->titleText(), QStringLiteral("Titel"));
+    EXPECT_NE(m_project->stateHash(), hash); // the entry with a colon is lost on reading
+    expectItemsMatchModel();
+}
+
+TEST_F(ContextTest, groupsOpenInATabOfTheirOwnAndCloseWithTheNode)
+{
+    OssSnNodeGraphWidget *widget = m_manager->nodeGraphWidget();
+    auto *group = qobject_cast<OssSnGroupNode *>(addAt("Misc/Group", {0, 0}, "G"));
+    EXPECT_EQ(widget->count(), 1);
+    group->requestOpen();
+    ASSERT_EQ(widget->count(), 2);
+    EXPECT_EQ(widget->tabText(1), QStringLiteral("G"));
+    EXPECT_EQ(widget->currentView()->network(), group->groupNetwork());
+    EXPECT_EQ(OssShaderNetworkManager::instance()->currentViewNetwork(), group->groupNetwork());
+    group->setName(QStringLiteral("H"));
+    EXPECT_EQ(widget->tabText(1), QStringLiteral("H"));
+    widget->hideTab(1);
+    EXPECT_EQ(OssShaderNetworkManager::instance()->currentViewNetwork(), m_network);
+    widget->showGroupNodeSubgraph(group);
+    ASSERT_EQ(widget->count(), 2);
+    m_network->removeNodes({group});
+    EXPECT_EQ(widget->count(), 1);
+    OssUndoManager::instance()->undo();
+    widget->showGroupNodeSubgraph(group);
+    EXPECT_EQ(widget->count(), 2);
+    widget->hideTab(1);
+    widget->showGroupNodeSubgraph(nullptr);
+    EXPECT_TRUE(logHas(QStringLiteral("GroupNode is NULL")));
+}
+
+TEST_F(ContextTest, edgeMultipliersAreSymmetrical)
+{
+    class Probe : public OssSnNodeGraphViewContext
+    {
+    public:
+        using OssSnNodeGraphViewContext::calculateEdgeMultipliers;
+        using OssSnNodeGraphViewContext::OssSnNodeGraphViewContext;
+    } probe(nullptr, false);
+
+    const QMap<int, QVector<int>> expected{
+        {0, {}}, {1, {0}}, {2, {-1, 1}}, {3, {-1, 0, 1}}, {4, {-2, -1, 1, 2}}};
+    for (auto row = expected.cbegin(); row != expected.cend(); ++row) {
+        QVector<int> list;
+        int smallest = 9;
+        probe.calculateEdgeMultipliers(list, smallest, row.key());
+        EXPECT_EQ(list, *row);
+        EXPECT_EQ(smallest, row.key() == 0 ? 9 : row.key() % 2 ? 0 : 1);
+    }
+}
+
+// --- loader and factories
+
+class LoaderTest : public ContextTest
+{
+protected:
+    OssSnNodeGraphViewContext *load(const char *xml)
+    {
+        OssSnNodeGraphViewContextLoader loader;
+        const QList<OssSnBaseContext *> list = loader.load(QString::fromUtf8(xml), m_node);
+        EXPECT_EQ(list.size(), 1);
+        m_context.reset(qobject_cast<OssSnNodeGraphViewContext *>(list.first()));
+        return m_context.get();
+    }
+
+    void SetUp() override
+    {
+        ContextTest::SetUp();
+        m_node = add("Filter/Blur");
+    }
+
+    void TearDown() override
+    {
+        m_context.reset();
+        ContextTest::TearDown();
+    }
+
+    OssSnBaseNode *m_node = nullptr;
+    std::unique_ptr<OssSnNodeGraphViewContext> m_context;
+};
+
+TEST_F(LoaderTest, looksAreReadFromTheDescription)
+{
+    OssSnNodeGraphViewContext *context = load(
+        "<D><Skip><Contexts/></Skip><Contexts><Context Type=\"Other\" ShapeType=\"9\"/>"
+        "<Context Type=\"NodeGraphView\" ShapeType=\"7\" NodeColorTop=\"1,0,0,1\" "
+        "Pixmap=\"a.png\" PixmapOffset=\"4,-2\">"
+        "<Inputs><Input Name=\"In\" Tags=\"a,,b\"><Pos OriginOffset=\"3\">1,2</Pos>"
+        "<Pos>5,x</Pos></Input><Input Tags=\"c\"/></Inputs>"
+        "<Outputs><Output Name=\"Out\"><Pos>1,2,3</Pos></Output></Outputs>"
+        "</Context></Contexts></D>");
+    EXPECT_EQ(context->shapeType(), 7);
+    EXPECT_EQ(context->nodeColorTop(), QStringLiteral("1,0,0,1"));
+    EXPECT_EQ(context->pixmapPath(), QStringLiteral("a.png"));
+    EXPECT_EQ(context->pixmapOffset(), QPoint(4, -2));
+    EXPECT_TRUE(context->hasInputTag(QStringLiteral("In"), QStringLiteral("a")));
+    EXPECT_TRUE(context->hasInputTag(QStringLiteral("In"), QString()));
+    EXPECT_TRUE(context->hasInputTag(QStringLiteral("In"), QStringLiteral("b")));
+    EXPECT_EQ(context->inputNodeInitialPos().value(QStringLiteral("In")),
+              qMakePair(QPoint(0, 0), QPoint(5, 0)));
+    EXPECT_TRUE(context->outputNodeInitialPos().isEmpty());
+}
+
+TEST_F(LoaderTest, classesAreChosenAndLaterOnesReplaceEarlierOnes)
+{
+    EXPECT_EQ(load("<D/>")->metaObject()->className(), QByteArray("OssSnNodeGraphViewContext"));
+    OssSnNodeGraphViewContext *context = load(
+        "<D><Contexts><Context Type=\"UINodeGraphView\" ShapeType=\"3\"/></Contexts></D>");
+    EXPECT_EQ(context->metaObject()->className(), QByteArray("OssSnNodeGraphViewContext"));
+    EXPECT_EQ(context->shapeType(), 3);
+    context = load("<D><Contexts><Context Type=\"NodeGraphView\" ShapeType=\"3\" "
+                   "Class=\"OssSnGroupNodeGraphViewContext\"/>"
+                   "<Context Type=\"UINodeGraphView\" GuiNodeClass=\"Dot\"/></Contexts></D>");
+    auto *ui = qobject_cast<OssSnUINodeGraphViewContext *>(context);
+    ASSERT_NE(ui, nullptr);
+    EXPECT_EQ(ui->shapeType(), 0);
+    EXPECT_NE(qobject_cast<OssNgDotNode *>(ui->guiNode()), nullptr);
+    EXPECT_EQ(load("<D><Contexts><Context Type=\"NodeGraphView\" Class=\"Nonsense\" "
+                   "ShapeType=\"3\"><Inputs><Input Name=\"a\" Tags=\"b\"><Pos>1,2</Pos></Input>"
+                   "</Inputs></Context></Contexts></D>"),
+              nullptr);
+    EXPECT_NE(load("<D><Contexts><Context Type=\"NodeGraphView\" ShapeType=\"5\"><In"), nullptr);
+}
+
+TEST_F(LoaderTest, factoriesAnswerToTheirNames)
+{
+    OssClassFactoryManager *factories = OssClassFactoryManager::instance();
+    for (const char *name :
+         {"OssSnNodeGraphViewContext", "OssSnBakePointNodeGraphViewContext",
+          "OssSnGeoChannelNodeGraphViewContext", "OssSnBaseTeleportNodeGraphViewContext",
+          "OssSnGroupNodeGraphViewContext", "OssSnUINodeGraphViewContext"}) {
+        const QPointer<QObject> made = factories->create(QString::fromLatin1(name), m_node);
+        ASSERT_TRUE(made) << name;
+        EXPECT_EQ(made->metaObject()->className(), QByteArray(name));
+        EXPECT_EQ(made->parent(), m_node);
+        delete made;
+    }
+    EXPECT_TRUE(factories->create(QStringLiteral("Nonsense"), m_node).isNull());
+}
+
+} // namespace

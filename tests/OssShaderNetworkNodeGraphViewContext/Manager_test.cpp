@@ -1,0 +1,246 @@
+#include "GraphFixture.h"
+#include "OssCore/OssPreferenceManager.h"
+#include "OssCore/OssSettings.h"
+#include "OssCoreModules/Images/OssChannel.h"
+#include "OssCoreModules/Images/OssImageSet.h"
+#include "OssCoreModules/Interface/OssActionTreeManager.h"
+#include "OssCoreModules/Network/OssSnChannelInputNode.h"
+
+#include <QAction>
+#include <QPointer>
+#include <QSignalSpy>
+#include <QTabBar>
+#include <QtTest>
+
+namespace {
+
+using ManagerTest = GraphFixture;
+
+TEST_F(ManagerTest, scenesLiveAsLongAsTheirNetwork)
+{
+    auto network = std::make_unique<OssShaderNetwork>();
+    OssSnBaseNode *node = network->createNode(QStringLiteral("Filter/Blur"));
+    const QPointer<QGraphicsScene> scene = m_manager->sceneForNetwork(network.get());
+    EXPECT_EQ(itemOf(node)->scene(), scene);
+    OssUndoManager::instance()->clear();
+    network.reset();
+    EXPECT_TRUE(scene.isNull());
+    QObject unknown;
+    m_manager->onShaderNetworkDestroyed(&unknown);
+    EXPECT_TRUE(logHas(QStringLiteral("Failed to find scene for network")));
+    const QPointer<QGraphicsScene> open = m_view->scene();
+    OssProjectManager::instance()->closeProject();
+    EXPECT_TRUE(open.isNull());
+    OssDebugLog::instance()->clear();
+    m_manager->onShaderNetworkDestroyed(&unknown);
+    EXPECT_TRUE(OssDebugLog::instance()->lines().isEmpty());
+    m_project = OssProjectManager::instance()->newProject(QStringLiteral("Next"));
+}
+
+TEST_F(ManagerTest, eachNetworkIsShownWhereItWasLeft)
+{
+    addAt("Filter/Blur", {0, 0});
+    addAt("Filter/Blur", {3000, 2000});
+    OssShaderNetwork other;
+    m_view->fitInView({100, 200, 450, 300}, Qt::KeepAspectRatio);
+    const QRectF left = m_view->viewportInSceneCoords();
+    OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
+    networks->setCurrentShaderNetwork(&other);
+    EXPECT_EQ(m_view->network(), &other);
+    networks->setCurrentShaderNetwork(m_network);
+    const QRectF back = m_view->viewportInSceneCoords();
+    EXPECT_NEAR(back.x(), left.x(), 0.01);
+    EXPECT_NEAR(back.y(), left.y(), 0.01);
+    EXPECT_NEAR(back.width(), left.width(), 0.01);
+    EXPECT_NEAR(back.height(), left.height(), 0.01);
+}
+
+TEST_F(ManagerTest, missingThingsAreALineAndNoEffect)
+{
+    m_manager->onNodeRegistered(nullptr, nullptr);
+    m_manager->onNodeRegistered(m_network, nullptr);
+    m_manager->onAfterShaderNetworkEndCollection(nullptr);
+    EXPECT_TRUE(logHas(QStringLiteral("Network is NULL")));
+    EXPECT_TRUE(logHas(QStringLiteral("Node is NULL")));
+    m_manager->onNodeCollapsedModeChanged();
+    EXPECT_TRUE(logHas(QStringLiteral("sender() is NULL")));
+    m_manager->matchNodePosition(nullptr, nullptr);
+    m_manager->focusOnNode(nullptr);
+    m_manager->onNodePropertiesHoverChanged(nullptr, nullptr);
+}
+
+TEST_F(ManagerTest, streamCollapsedIsForNodesWithStreams)
+{
+    OssSnBaseNode *plain = addAt("Filter/Blur", {0, 0});
+    OssSnBaseNode *shader = addAt("Shaders/Standard Surface", {300, 0});
+    plain->setSelected(true);
+    shader->setSelected(true);
+    OssActionTreeManager *tree = OssActionTreeManager::instance();
+    tree->findAction(QStringLiteral("/Ossa/NodeGraph/Switch to Stream Collapsed mode"))->trigger();
+    EXPECT_EQ(contextOf(plain)->portListModeAsInt(), 0);
+    EXPECT_EQ(contextOf(shader)->portListModeAsInt(), 2);
+    tree->findAction(QStringLiteral("/Ossa/NodeGraph/Switch to Collapsed mode"))->trigger();
+    EXPECT_EQ(contextOf(plain)->portListModeAsInt(), 4);
+}
+
+TEST_F(ManagerTest, focusSelectsAndFramesTheNode)
+{
+    OssSnBaseNode *near = addAt("Filter/Blur", {0, 0});
+    OssSnBaseNode *far = addAt("Filter/Blur", {20000, 15000});
+    near->setSelected(true);
+    OssShaderNetworkManager::instance()->requestFocus(far);
+    EXPECT_EQ(m_network->selectedNodes(), QList<OssSnBaseNode *>{far});
+    EXPECT_TRUE(m_view->viewportInSceneCoords().contains(itemOf(far)->sceneBoundingRect()));
+}
+
+TEST_F(ManagerTest, matchingAPositionIsOneStep)
+{
+    OssSnBaseNode *a = addAt("Filter/Blur", {10, 20});
+    OssSnBaseNode *b = addAt("Filter/Blur", {300, 20});
+    const int steps = undoCount();
+    Q_EMIT OssShaderNetworkManager::instance()->matchNodePositionRequest(a, b);
+    EXPECT_EQ(itemOf(b)->pos(), QPointF(10, 20));
+    EXPECT_EQ(undoCount(), steps + 1);
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(itemOf(b)->pos(), QPointF(300, 20));
+}
+
+TEST_F(ManagerTest, debugMarksFollowTheRequest)
+{
+    OssSnBaseNode *a = addAt("Filter/Blur", {0, 0});
+    OssSnBaseNode *b = addAt("Filter/Blur", {300, 0});
+    wire(a, b);
+    OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
+    networks->setDebugNodes(
+        {{a->uuidString(), Qt::red}, {QStringLiteral("nobody"), Qt::red}},
+        {{b->uuidString(),
+          {{QStringLiteral("Input"), Qt::green}, {QStringLiteral("Nothing"), Qt::green}}}});
+    EXPECT_TRUE(itemOf(a)->hasMark(OssNgNode::Debug));
+    const OssNgEdge *edge = itemOf(b)->input(QStringLiteral("Input"));
+    EXPECT_TRUE(edge->hasMark(OssNgEdge::Debug));
+    EXPECT_EQ(edge->debugColor(), QColor(Qt::green));
+    networks->setDebugNodes({}, {});
+    EXPECT_FALSE(itemOf(a)->hasMark(OssNgNode::Debug));
+    EXPECT_FALSE(edge->hasMark(OssNgEdge::Debug));
+}
+
+TEST_F(ManagerTest, paintNodesOfTheCurrentChannelAreHighlighted)
+{
+    auto *mine = qobject_cast<OssSnChannelInputNode *>(addAt("Misc/Channel Input", {0, 0}));
+    auto *other = qobject_cast<OssSnChannelInputNode *>(addAt("Misc/Channel Input", {300, 0}));
+    OssShadingGroup *group = m_project->shadingGroups().first();
+    auto *channel = new OssChannel(QStringLiteral("Color"), group); // the group owns it
+    auto *set = new OssImageSet(QStringLiteral("Color"), group);
+    set->setChannel(channel);
+    mine->setImageSet(set, true);
+    OssProjectManager::instance()->setCurrentChannel(channel);
+    EXPECT_TRUE(itemOf(mine)->hasMark(OssNgNode::Highlighted));
+    EXPECT_FALSE(itemOf(other)->hasMark(OssNgNode::Highlighted));
+}
+
+// --- preferences
+
+TEST_F(ManagerTest, preferencesTakeGoodValuesAndTellOnce)
+{
+    QSignalSpy control(m_manager, &OssSnNodeGraphViewContextManager::controlTypeChanged);
+    m_manager->setControlType(QStringLiteral("kova"));
+    m_manager->setControlType(QStringLiteral("Ossa"));
+    m_manager->setControlType(QStringLiteral("Ossa"));
+    EXPECT_EQ(control.count(), 1);
+    m_manager->resetControlType();
+    EXPECT_EQ(m_manager->controlType(), QStringLiteral("Kova"));
+
+    m_manager->setDefaultNodePortDisplayMode(QStringLiteral("No Port List (Vertical)"));
+    EXPECT_EQ(m_manager->defaultNodePortDisplayModeAsEnum(), 1);
+    EXPECT_EQ(contextOf(add("Filter/Blur"))->portListModeAsInt(), 1);
+    m_manager->setDefaultNodePortDisplayMode(QStringLiteral("nonsense"));
+    EXPECT_EQ(m_manager->defaultNodePortDisplayModeAsEnum(), 0);
+
+    QSignalSpy time(m_manager, &OssSnNodeGraphViewContextManager::shakeToExtractTimeChanged);
+    m_manager->resetShakeToExtractTime();
+    EXPECT_EQ(time.count(), 0);
+    QSignalSpy zoom(m_manager, &OssSnNodeGraphViewContextManager::zoomToChangedAsInt);
+    m_manager->setZoomTo(7);
+    ASSERT_EQ(zoom.count(), 1);
+    EXPECT_EQ(zoom.first().first().toInt(), 7);
+    m_manager->resetZoomTo();
+    EXPECT_EQ(m_manager->prettyPropertyName(QStringLiteral("zoomTo")), QStringLiteral("Zoom To"));
+    EXPECT_EQ(m_manager->prettyPropertyName(QStringLiteral("somethingElse")),
+              QStringLiteral("Something Else"));
+}
+
+TEST_F(ManagerTest, preferencesAreSavedAndFoundByTheDialog)
+{
+    m_manager->setShakeToExtractShakes(9);
+    m_manager->setAutoUpdateUpstreamMergeNodeColorspaceEnabled(QStringLiteral("Leave"));
+    OssPreferenceManager::instance()->savePreferences();
+    OssSettings settings;
+    settings.beginGroup(QStringLiteral("Node Graph"));
+    EXPECT_EQ(settings.value(QStringLiteral("shakeToExtractShakes")).toInt(), 9);
+    settings.setValue(QStringLiteral("shakeToExtractShakes"), QStringLiteral("many"));
+    settings.setValue(QStringLiteral("controlType"), QStringLiteral("Other"));
+    settings.sync();
+    m_manager->loadPreferences();
+    EXPECT_EQ(m_manager->shakeToExtractShakes(), 0);
+    EXPECT_EQ(m_manager->controlType(), QStringLiteral("Kova"));
+    m_manager->resetShakeToExtractShakes();
+    m_manager->resetAutoUpdateUpstreamMergeNodeColorspaceEnabled();
+    m_manager->savePreferences();
+
+    int found = 0;
+    const auto preferences = OssPreferenceManager::instance()->preferences();
+    for (const OssPreferenceManager::Preference &preference : preferences) {
+        if (preference.object != m_manager)
+            continue;
+        ++found;
+        EXPECT_EQ(preference.page, QStringLiteral("Node Graph"));
+        EXPECT_FALSE(OssPreferenceManager::toolTip(preference).isEmpty())
+            << qPrintable(preference.key);
+        EXPECT_TRUE(OssPreferenceManager::value(preference).isValid())
+            << qPrintable(preference.key);
+        const QVariant before = OssPreferenceManager::value(preference);
+        OssPreferenceManager::reset(preference);
+        EXPECT_EQ(OssPreferenceManager::value(preference), before) << qPrintable(preference.key);
+    }
+    EXPECT_EQ(found, 10);
+}
+
+// --- tab widget
+
+TEST_F(ManagerTest, rootTabIsNamedAfterItsObject)
+{
+    OssSnNodeGraphWidget *widget = m_manager->nodeGraphWidget();
+    OssGeoEntity *entity = m_project->entities().first();
+    entity->setName(QString(40, QLatin1Char('a')));
+    widget->updateRootLevelText(m_network);
+    EXPECT_EQ(widget->tabText(0), QString(40, QLatin1Char('a')) + QStringLiteral(" - Root"));
+    const QString longName = QString(20, QLatin1Char('a')) + QLatin1Char('x')
+                             + QString(20, QLatin1Char('b'));
+    entity->setName(longName);
+    widget->updateRootLevelText(m_network);
+    EXPECT_EQ(widget->tabText(0), QString(20, QLatin1Char('a')) + QStringLiteral("...")
+                                      + QString(20, QLatin1Char('b')) + QStringLiteral(" - Root"));
+    EXPECT_EQ(widget->tabToolTip(0), longName);
+    OssShaderNetwork alone;
+    widget->updateRootLevelText(&alone);
+    EXPECT_EQ(widget->tabText(0), QStringLiteral("Root"));
+    widget->updateRootLevelText(nullptr);
+    EXPECT_EQ(widget->tabText(0), QStringLiteral("Root"));
+    for (const auto side : {QTabBar::LeftSide, QTabBar::RightSide}) {
+        const QWidget *button = widget->tabBar()->tabButton(0, side);
+        EXPECT_TRUE(!button || button->isHidden());
+    }
+}
+
+TEST_F(ManagerTest, aPressBesideTheTabsLeavesNoneCurrent)
+{
+    OssSnNodeGraphWidget *widget = m_manager->nodeGraphWidget();
+    QTest::mouseClick(widget, Qt::RightButton, {}, {widget->width() - 3, 3});
+    EXPECT_EQ(widget->currentView(), m_view);
+    QTest::mouseClick(widget, Qt::LeftButton, {}, {widget->width() - 3, 3});
+    // A tab bar with one tab always has a current one; the widget asked for none.
+    widget->setCurrentIndex(0);
+    EXPECT_EQ(widget->currentView(), m_view);
+}
+
+} // namespace

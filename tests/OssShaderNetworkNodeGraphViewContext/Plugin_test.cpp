@@ -1,0 +1,135 @@
+#include "GraphFixture.h"
+#include "OssCoreModules/Interface/OssActionTreeManager.h"
+#include "OssCoreModules/Network/OssSnNodeType.h"
+#include "OssShaderNetworkNodeGraphViewContextPlugin.h"
+
+#include <QAction>
+#include <QFile>
+#include <QJsonObject>
+#include <QPluginLoader>
+
+namespace {
+
+QString pluginFile()
+{
+    return qEnvironmentVariable("OSSA_BUILD")
+           + QStringLiteral("/plugins/OssShaderNetworkNodeGraphViewContext.so");
+}
+
+void addType(const char *key, const char *menuPath)
+{
+    OssResult result;
+    OssShaderNetworkManager::instance()->registerNodeType(OssSnNodeType::read(
+        QByteArray("<NodeType PathKey=\"") + key + "\" MenuPath=\"" + menuPath + "\"/>",
+        QStringLiteral("t"), &result));
+}
+
+TEST(PluginFile, metadataNameInterfaceAndClassAndNothingElse)
+{
+    const QPluginLoader loader(pluginFile());
+    const QJsonObject metadata = loader.metaData();
+    EXPECT_EQ(metadata.value(QStringLiteral("IID")).toString(),
+              QStringLiteral("com.halvern.ossa.pluginterface/1.0"));
+    EXPECT_EQ(metadata.value(QStringLiteral("className")).toString(),
+              QStringLiteral("OssShaderNetworkNodeGraphViewContextPlugin"));
+    EXPECT_TRUE(metadata.value(QStringLiteral("MetaData")).toObject().isEmpty());
+
+    QFile file(pluginFile());
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray bytes = file.readAll();
+    const int magic = bytes.indexOf("QTMETADATA !");
+    ASSERT_GE(magic, 0);
+    // Format 0, Qt 5.15, built as release.
+    EXPECT_EQ(bytes.mid(magic + 12, 4), QByteArray("\x00\x05\x0f\x00", 4));
+}
+
+class PluginTest : public GraphFixture
+{
+protected:
+    static OssShaderNetworkNodeGraphViewContextPlugin *plugin()
+    {
+        static auto *object = [] {
+            auto *made = new OssShaderNetworkNodeGraphViewContextPlugin; // for the process
+            made->initialize();
+            return made;
+        }();
+        return object;
+    }
+
+    static QAction *action(const char *path)
+    {
+        return OssActionTreeManager::instance()->findAction(QString::fromLatin1(path));
+    }
+};
+
+TEST_F(PluginTest, everyOfferedTypeHasOneCreationAction)
+{
+    OssShaderNetworkNodeGraphViewContextPlugin *object = plugin();
+    addType("Test/Hidden", "_Hidden/Foo");
+    addType("Test/Bare", "Bare");
+    addType("Test/Slashes", "Filter//Soft/");
+    addType("Test/A", "Test/Same");
+    addType("Test/B", "Test/Same");
+    EXPECT_EQ(action("/Ossa/NodeGraph/Create/_Hidden/Foo"), nullptr);
+    ASSERT_NE(action("/Ossa/NodeGraph/Create/Bare"), nullptr);
+    EXPECT_EQ(action("/Ossa/NodeGraph/Create/Filter/Soft")->data().toString(),
+              QStringLiteral("Test/Slashes"));
+    EXPECT_EQ(action("/Ossa/NodeGraph/Create/Test/Same")->data().toString(),
+              QStringLiteral("Test/A"));
+    const int count = OssActionTreeManager::instance()->entries().size();
+    QMetaObject::invokeMethod(object, "createNodeCreationActions");
+    EXPECT_EQ(OssActionTreeManager::instance()->entries().size(), count);
+}
+
+TEST_F(PluginTest, creationActionsMakeASelectedNodeInOneStep)
+{
+    plugin();
+    OssUndoManager::instance()->clear();
+    action("/Ossa/NodeGraph/Create/Filter/Blur")->trigger();
+    ASSERT_EQ(undoCount(), 1);
+    const QList<OssSnBaseNode *> selected = m_network->selectedNodes();
+    ASSERT_EQ(selected.size(), 1);
+    EXPECT_EQ(selected.first()->pathKey(), QStringLiteral("Filter/Blur"));
+    // The focus is elsewhere, which is told.
+    EXPECT_TRUE(logHas(QStringLiteral("fallback onto current nodegraph view")));
+    QMetaObject::invokeMethod(plugin(), "createNodeFromAction");
+    EXPECT_TRUE(logHas(QStringLiteral("Action is NULL")));
+}
+
+TEST_F(PluginTest, actionsReachTheView)
+{
+    plugin();
+    addAt("Filter/Blur", {0, 0});
+    OssSnBaseNode *far = addAt("Filter/Blur", {5000, 5000});
+    far->setSelected(true);
+    action("/Ossa/NodeGraph/Frame Nodes")->trigger();
+    const qreal all = m_view->transform().m11();
+    action("/Ossa/NodeGraph/Focus Selection")->trigger();
+    EXPECT_GT(m_view->transform().m11(), all);
+    const qreal before = m_view->transform().m11();
+    action("/Ossa/NodeGraph/Zoom Out")->trigger();
+    EXPECT_LT(m_view->transform().m11(), before);
+    action("/Ossa/NodeGraph/Toggle Edge Sever Mode")->trigger();
+    EXPECT_EQ(m_view->cursorTrackingMode(), 1);
+    action("/Ossa/NodeGraph/Toggle Edge Sever Mode")->trigger();
+    EXPECT_EQ(m_view->cursorTrackingMode(), 0);
+    int pickUps = 0;
+    const auto entries = OssActionTreeManager::instance()->entries();
+    for (const OssActionTreeManager::Entry &entry : entries)
+        pickUps += entry.path == QLatin1String("/Ossa/NodeGraph/Pick Up Edge Under Mouse") ? 1 : 0;
+    EXPECT_EQ(pickUps, 2);
+}
+
+TEST_F(PluginTest, withoutAViewACommandIsALineAndNoEffect)
+{
+    plugin();
+    QTabWidget *widget = m_manager->nodeGraphWidget();
+    QWidget other;
+    widget->addTab(&other, QStringLiteral("other"));
+    widget->setCurrentWidget(&other);
+    action("/Ossa/NodeGraph/Frame Nodes")->trigger();
+    EXPECT_TRUE(logHas(QStringLiteral("ShaderNetworkView is NULL")));
+    widget->removeTab(1);
+}
+
+} // namespace

@@ -1,0 +1,210 @@
+#include "GraphFixture.h"
+#include "OssCoreModules/Interface/OssActionTreeManager.h"
+#include "OssNodeGraph/OssNgBackdropNode.h"
+
+#include <QAction>
+#include <QtTest>
+
+namespace {
+
+class ViewTest : public GraphFixture
+{
+protected:
+    void SetUp() override
+    {
+        GraphFixture::SetUp();
+        m_manager->nodeGraphWidget()->resize(900, 600);
+        m_manager->nodeGraphWidget()->show();
+        m_view->fitInView({-100, -100, 800, 500}, Qt::KeepAspectRatio);
+    }
+
+    QPoint at(const OssSnBaseNode *node) const
+    {
+        return m_view->mapFromScene(itemOf(node)->scenePos() + QPointF(30, 8));
+    }
+
+    void drag(const QPoint &from, const QPoint &to, Qt::KeyboardModifiers modifiers = {})
+    {
+        QWidget *viewport = m_view->viewport();
+        QTest::mousePress(viewport, Qt::LeftButton, modifiers, from);
+        for (int i = 1; i <= 4; ++i) {
+            const QPoint position = from + (to - from) * i / 4;
+            QMouseEvent move(QEvent::MouseMove, position, viewport->mapToGlobal(position),
+                             Qt::NoButton, Qt::LeftButton, modifiers);
+            QApplication::sendEvent(viewport, &move);
+        }
+        QTest::mouseRelease(viewport, Qt::LeftButton, modifiers, to);
+    }
+};
+
+TEST_F(ViewTest, framingNeverMagnifies)
+{
+    addAt("Filter/Blur", {0, 0})->setSelected(true);
+    m_view->frameSelectedNodes();
+    EXPECT_LE(m_view->transform().m11(), 1.0);
+    m_view->frameNodes();
+    EXPECT_LE(float(m_view->transform().m11()), 1.0F);
+    addAt("Filter/Blur", {9000, 6000});
+    m_view->frameNodes();
+    EXPECT_LT(m_view->transform().m11(), 0.2);
+    EXPECT_TRUE(m_view->viewportInSceneCoords()
+                    .adjusted(-1, -1, 1, 1)
+                    .contains(m_view->visibleNodeBounds()));
+    m_view->frameSelectedNodes();
+    EXPECT_EQ(float(m_view->transform().m11()), 1.0F);
+}
+
+TEST_F(ViewTest, framingCommandsTellWhatTheyDo)
+{
+    addAt("Filter/Blur", {0, 0});
+    m_view->fitToViewAction();
+    EXPECT_TRUE(logHas(QStringLiteral("[ !! ] --FIT TO VIEW[lt(")));
+    EXPECT_TRUE(logHas(QStringLiteral("[ !! ] --POST FIT scale  ")));
+    const qreal zoom = m_view->transform().m11();
+    m_view->ensureIsVisibleAction();
+    EXPECT_TRUE(logHas(QStringLiteral("--ENSURING IS VISIBLE")));
+    EXPECT_EQ(m_view->transform().m11(), zoom);
+    OssShaderNetworkView lonely(nullptr);
+    lonely.frameNodes();
+    OssDebugLog::instance()->clear();
+    lonely.fitToViewAction();
+    EXPECT_TRUE(logHas(QStringLiteral("scene() is NULL")));
+    EXPECT_EQ(OssDebugLog::instance()->lines().first().source,
+              QStringLiteral("OssShaderNetworkView"));
+}
+
+TEST_F(ViewTest, aDragIsOneStepWithItsTitle)
+{
+    OssSnBaseNode *a = addAt("Filter/Blur", {0, 0}, "A");
+    OssUndoManager::instance()->clear();
+    const QPointF start = itemOf(a)->pos();
+    drag(at(a), at(a) + QPoint(120, 60));
+    EXPECT_NE(itemOf(a)->pos(), start);
+    ASSERT_EQ(undoCount(), 1);
+    EXPECT_EQ(OssUndoManager::instance()->undoText(), QStringLiteral("Move node A"));
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(itemOf(a)->pos(), start);
+    OssUndoManager::instance()->clear();
+    drag(at(a), at(a) + QPoint(2, 1)); // an unsteady click
+    EXPECT_EQ(undoCount(), 0);
+}
+
+TEST_F(ViewTest, aBackdropTakesItsNodesAlongInOneStep)
+{
+    OssSnBaseNode *backdrop = addAt("Misc/Backdrop", {-50, -60}, "Area");
+    contextOf(backdrop)->setNodeSize({600, 300});
+    OssSnBaseNode *a = addAt("Filter/Blur", {0, 0}, "A");
+    OssSnBaseNode *b = addAt("Filter/Blur", {300, 0}, "B");
+    OssUndoManager::instance()->clear();
+    const QPointF distance = itemOf(b)->pos() - itemOf(backdrop)->pos();
+    drag(at(backdrop), at(backdrop) + QPoint(100, 80));
+    EXPECT_EQ(itemOf(b)->pos() - itemOf(backdrop)->pos(), distance);
+    ASSERT_EQ(undoCount(), 1);
+    EXPECT_EQ(OssUndoManager::instance()->undoText(), QStringLiteral("Move multiple (3) nodes"));
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(itemOf(a)->pos(), QPointF(0, 0));
+    EXPECT_EQ(itemOf(backdrop)->pos(), QPointF(-50, -60));
+}
+
+TEST_F(ViewTest, doubleClickNamesTheNodeAndPicksTheViewer)
+{
+    OssSnBaseNode *viewer = m_network->viewerNode();
+    contextOf(viewer)->setNodePosition({300, 0});
+    OssShaderNetworkManager::instance()->setCurrentViewerNode(nullptr);
+    QSignalSpy clicked(m_view, &OssShaderNetworkView::nodeDoubleClicked);
+    QTest::mouseDClick(m_view->viewport(), Qt::LeftButton, {}, at(viewer));
+    ASSERT_EQ(clicked.count(), 1);
+    EXPECT_EQ(OssShaderNetworkManager::instance()->currentViewerNode(), viewer);
+    // On the empty canvas the selection stands in.
+    viewer->setSelected(true);
+    QTest::mouseDClick(m_view->viewport(), Qt::LeftButton, {}, QPoint(5, 5));
+    EXPECT_EQ(clicked.count(), 2);
+}
+
+TEST_F(ViewTest, wiresShowTheirMarkerWhileControlIsHeld)
+{
+    OssSnBaseNode *a = addAt("Filter/Blur", {0, 0});
+    OssSnBaseNode *b = addAt("Filter/Blur", {300, 0});
+    wire(a, b);
+    const OssNgEdge *edge = itemOf(b)->input(QStringLiteral("Input"));
+    QTest::keyPress(m_view, Qt::Key_Control);
+    EXPECT_TRUE(edge->isDotable());
+    QTest::keyRelease(m_view, Qt::Key_Control);
+    EXPECT_FALSE(edge->isDotable());
+    QTest::keyPress(m_view, Qt::Key_Control);
+    QFocusEvent lost(QEvent::FocusOut);
+    QApplication::sendEvent(m_view, &lost);
+    EXPECT_FALSE(edge->isDotable());
+}
+
+TEST_F(ViewTest, aDotGoesIntoTheWireInOneStep)
+{
+    OssSnBaseNode *a = addAt("Filter/Blur", {0, 0});
+    OssSnBaseNode *b = addAt("Filter/Blur", {400, 0});
+    wire(a, b);
+    const QByteArray before = m_project->stateHash();
+    OssUndoManager::instance()->clear();
+    m_view->highlightDotableEdges();
+    itemOf(b)->input(QStringLiteral("Input"))->clickMarker();
+    OssSnBaseNode *dot = b->inputNode(QStringLiteral("Input"));
+    ASSERT_NE(dot, a);
+    EXPECT_EQ(dot->inputNode(QStringLiteral("Input")), a);
+    ASSERT_EQ(undoCount(), 1);
+    EXPECT_EQ(OssUndoManager::instance()->undoText(), QStringLiteral("Add dot node in edge"));
+    expectItemsMatchModel();
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(m_project->stateHash(), before);
+}
+
+TEST_F(ViewTest, newNodesMoveAwayFromOthersButNotFromBackdrops)
+{
+    OssSnBaseNode *a = addAt("Filter/Blur", {0, 0});
+    OssSnBaseNode *b = addAt("Filter/Blur", {0, 0});
+    m_view->placeNode(b);
+    const QRectF bounds = itemOf(a)->boundingRect();
+    EXPECT_EQ(itemOf(b)->pos(), QPointF(bounds.width() + 30, bounds.height() + 30));
+    OssSnBaseNode *backdrop = addAt("Misc/Backdrop", {2000, 2000});
+    OssSnBaseNode *c = addAt("Filter/Blur", {2020, 2050});
+    m_view->placeNode(c);
+    EXPECT_EQ(itemOf(c)->pos(), QPointF(2020, 2050));
+    EXPECT_EQ(itemOf(backdrop)->pos(), QPointF(2000, 2000));
+}
+
+TEST_F(ViewTest, preferencesReachTheViewAfterItsBinding)
+{
+    OssShaderNetworkView view(nullptr);
+    QTest::qWait(600);
+    EXPECT_EQ(view.transformationAnchor(), QGraphicsView::AnchorUnderMouse);
+    m_manager->setZoomTo(OssSnNodeGraphViewContextManager::Center);
+    EXPECT_EQ(view.transformationAnchor(), QGraphicsView::AnchorViewCenter);
+    m_manager->setZoomTo(9);
+    EXPECT_EQ(view.transformationAnchor(), QGraphicsView::AnchorViewCenter);
+    m_manager->resetZoomTo();
+    view.setCursorTrackingMode(OssNgView::ShakeTracking);
+    m_manager->setShakeToExtractEnabled(false);
+    EXPECT_EQ(view.cursorTrackingMode(), 0);
+    view.setCursorTrackingMode(OssNgView::SeverTracking);
+    m_manager->setShakeToExtractEnabled(true);
+    m_manager->setShakeToExtractEnabled(false);
+    EXPECT_EQ(view.cursorTrackingMode(), 1);
+    m_manager->resetShakeToExtractEnabled();
+    EXPECT_TRUE(view.isAutoInsertOn());
+    m_manager->setIsAutoInsertOn(false);
+    EXPECT_FALSE(view.isAutoInsertOn());
+    m_manager->resetIsAutoInsertOn();
+}
+
+TEST_F(ViewTest, viewsDoNotPaintWhileTheirNetworkForbidsIt)
+{
+    {
+        const OssShaderNetwork::ViewUpdateLock lock(m_network);
+        EXPECT_FALSE(m_view->updatesEnabled());
+        OssShaderNetworkView late(nullptr);
+        late.setNetwork(m_network);
+        EXPECT_FALSE(late.updatesEnabled());
+        late.setNetwork(nullptr);
+    }
+    EXPECT_TRUE(m_view->updatesEnabled());
+}
+
+} // namespace

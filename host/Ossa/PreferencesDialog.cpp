@@ -42,7 +42,7 @@ PreferencesDialog::PreferencesDialog(QWidget *parent)
     addPreferences();
     OssFormLayout::alignLabels(m_stack);
     m_pages->setCurrentRow(0);
-    resize(Theme::fitting({760, 520}));
+    resize(Theme::fitting({780, 620}));
 }
 
 void PreferencesDialog::accept()

@@ -80,16 +80,21 @@ QPushButton:checked { background: @accentDeep; border-color: @accentDeep; }
 QPushButton:checked:focus { border-color: @accent; }
 QPushButton:disabled { color: @disabled; background: @panel; }
 OssMiniButton { padding: 0 4px; border-radius: 3px; }
-QToolButton { background: transparent; border: 1px solid transparent; border-radius: 4px; padding: 3px; }
+QToolButton {
+    background: transparent; border: 1px solid transparent; border-radius: 4px; padding: 3px;
+}
 QToolButton:hover { background: @raisedHover; }
 QToolButton:focus { border-color: @accent; }
 
 QCheckBox::indicator {
-    width: 14px; height: 14px; background: @field; border: 1px solid @fieldBorder; border-radius: 3px;
+    width: 14px; height: 14px;
+    background: @field; border: 1px solid @fieldBorder; border-radius: 3px;
 }
 QCheckBox::indicator:hover { border-color: @muted; }
 QCheckBox::indicator:focus { border-color: @accent; }
-QCheckBox::indicator:checked { background: @accentDeep; border-color: @accent; image: url("@icons/Check.png"); }
+QCheckBox::indicator:checked {
+    background: @accentDeep; border-color: @accent; image: url("@icons/Check.png");
+}
 
 QAbstractItemView {
     background: @field; border: 1px solid @line; border-radius: 4px; outline: 0;
@@ -115,15 +120,23 @@ QAbstractScrollArea::corner { background: transparent; }
 
 QSlider::groove:horizontal { height: 4px; background: @field; border-radius: 2px; }
 QSlider::sub-page:horizontal { background: @accent; border-radius: 2px; }
-QSlider::handle:horizontal { width: 12px; height: 12px; margin: -4px 0; border-radius: 6px; background: @text; }
+QSlider::handle:horizontal {
+    width: 12px; height: 12px; margin: -4px 0; border-radius: 6px; background: @text;
+}
 QProgressBar { background: @field; border: 0; border-radius: 3px; height: 6px; max-height: 6px; }
 QProgressBar::chunk { background: @accent; border-radius: 3px; }
 
 QGroupBox { border: 0; border-top: 1px solid @line; margin-top: 22px; padding-top: 8px; }
-QGroupBox::title { subcontrol-origin: margin; left: 0; color: @muted; font-weight: 600; padding: 2px 8px 2px 0; }
+QGroupBox::title {
+    subcontrol-origin: margin; left: 0;
+    color: @muted; font-weight: 600; padding: 2px 8px 2px 0;
+}
 
 QTabBar { background: transparent; }
-QTabBar::tab { background: @panel; color: @muted; border-radius: 5px; padding: 5px 12px; margin: 3px 3px 3px 0; }
+QTabBar::tab {
+    background: @panel; color: @muted;
+    border-radius: 5px; padding: 5px 12px; margin: 3px 3px 3px 0;
+}
 QTabBar::tab:selected { background: @raised; color: @text; }
 QTabBar::tab:hover:!selected { background: @raised; }
 QTabWidget::pane { border: 0; }
@@ -132,7 +145,9 @@ OssPalette { background: @panel; }
 ads--CDockAreaWidget {
     background: @panel; border: 1px solid @line; border-radius: 8px; margin: 3px;
 }
-ads--CDockAreaTitleBar { background: transparent; border-bottom: 1px solid @line; padding: 2px 4px 0 6px; }
+ads--CDockAreaTitleBar {
+    background: transparent; border-bottom: 1px solid @line; padding: 2px 4px 0 6px;
+}
 ads--CDockWidget { background: @panel; border: 0; }
 ads--CDockWidgetTab { background: transparent; border: 0; padding: 4px 6px; min-height: 20px; }
 ads--CDockWidgetTab QLabel { color: @muted; font-weight: 600; }
@@ -206,11 +221,6 @@ QSize Theme::fitting(const QSize &size)
     return screen ? size.boundedTo(screen->availableSize() * 0.95) : size;
 }
 
-QColor Theme::accent()
-{
-    return color("@accent");
-}
-
 QColor Theme::mutedText()
 {
     return color("@muted");
@@ -219,9 +229,4 @@ QColor Theme::mutedText()
 QColor Theme::warningText()
 {
     return color("@warning");
-}
-
-QColor Theme::hover()
-{
-    return color("@raised");
 }

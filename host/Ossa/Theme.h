@@ -13,9 +13,7 @@ void apply();
 /// A first size for a window, made smaller where it would not fit on the screen.
 QSize fitting(const QSize &size);
 
-QColor accent();
 QColor mutedText();
 QColor warningText();
-QColor hover();
 
 } // namespace Theme

@@ -176,6 +176,9 @@ TEST_F(Shortcuts, aKeyThatAnActionCameWithIsShownButNotDoubled)
     shortcuts()->setKeys(QStringLiteral("/Ossa/NodeGraph/Delete All Properties"),
                          {QKeySequence(Qt::Key_F7)});
     EXPECT_EQ(pressed(canvas, Qt::Key_F7, deleteAll), 1);
+    shortcuts()->resetKeys(QStringLiteral("/Ossa/NodeGraph/Delete All Properties"));
+    EXPECT_FALSE(graph->actions().contains(&deleteAll));
+    EXPECT_EQ(pressed(canvas, Qt::Key_A, button, Qt::ControlModifier | Qt::ShiftModifier), 1);
 }
 
 TEST_F(Shortcuts, groupComesFromTheFolderUnlessAssigned)

@@ -5,6 +5,7 @@
 #include "OssCore/OssUndoManager.h"
 #include "OssCoreModules/Interface/OssActionTreeManager.h"
 #include "OssCoreModules/Interface/OssApplication.h"
+#include "OssCoreModules/Interface/OssMenuManager.h"
 #include "OssCoreModules/Interface/OssPalette.h"
 #include "OssCoreModules/Interface/OssPaletteManager.h"
 #include "OssCoreModules/Interface/OssShortcutManager.h"
@@ -263,14 +264,29 @@ TEST_F(Window, graphCommandsThatNoMenuNamesAreStillInOne)
               QStringList(QStringLiteral("/Ossa/NodeGraph/Something Odd")));
 }
 
-TEST_F(Window, defaultKeysOfItsCommandsAreFreeOfConflicts)
+TEST_F(Window, defaultKeysOfAllCommandsInMenusAreFreeOfConflicts)
 {
-    auto *shortcuts = OssShortcutManager::instance();
-    const QStringList paths = OssActionTreeManager::instance()->paths();
+    auto *tree = OssActionTreeManager::instance();
+    std::vector<std::unique_ptr<QAction>> standIns;
+    for (const char *menu : {"File", "Edit", "View", "Node Graph", "Object", "Help"}) {
+        const QStringList paths = OssMenuManager::instance()->commandPaths(
+            QStringLiteral("Main"), QString::fromLatin1(menu));
+        for (const QString &path : paths) {
+            if (tree->findAction(path))
+                continue;
+            standIns.push_back(std::make_unique<QAction>(OssActionTreeManager::nameOf(path)));
+            tree->registerAction(OssActionTreeManager::folderOf(path), standIns.back().get());
+        }
+    }
+    const auto *shortcuts = OssShortcutManager::instance();
+    int keyed = 0;
+    const QStringList paths = tree->paths();
     for (const QString &path : paths) {
         const QList<QKeySequence> keys = shortcuts->defaultKeys(path);
+        keyed += keys.isEmpty() ? 0 : 1;
         for (const QKeySequence &key : keys)
             EXPECT_TRUE(shortcuts->conflicts(path, key).isEmpty())
                 << qPrintable(path) << " " << qPrintable(key.toString());
     }
+    EXPECT_GT(keyed, 60);
 }

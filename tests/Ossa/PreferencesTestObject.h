@@ -15,7 +15,8 @@ class PreferencesTestObject : public QObject
     Q_PROPERTY(Anchor anchor MEMBER anchor)
 
 public:
-    enum Anchor { Center = 0, Cursor = 1 };
+    /// Any int may be stored in it.
+    enum Anchor : int { Center = 0, Cursor = 1 };
     Q_ENUM(Anchor)
 
     bool flag = true;

@@ -55,6 +55,7 @@ const char *const graphContextMenu = R"(
         /Ossa/NodeGraph/Open Group Node Subgraph
         /Ossa/NodeGraph/Manage User Knobs
         /Ossa/NodeGraph/Expose Node Properties
+        /Ossa/NodeGraph/Export as Gizmo
     <
     > Import and Export
         /Ossa/NodeGraph/Import Nodes
@@ -184,6 +185,7 @@ const char *const graphMenu = R"(
         /Ossa/NodeGraph/Open Group Node Subgraph
         /Ossa/NodeGraph/Manage User Knobs
         /Ossa/NodeGraph/Expose Node Properties
+        /Ossa/NodeGraph/Export as Gizmo
     <
     -
     > Import and Export

@@ -43,7 +43,7 @@ OssScriptManager::OssScriptManager()
 OssScriptManager::~OssScriptManager()
 {
     m_registry.clear();
-    const QSet<Ossa::API *> owned = std::exchange(m_owned, {});
+    const QSet<QObject *> owned = std::exchange(m_owned, {});
     qDeleteAll(owned);
 }
 
@@ -195,5 +195,5 @@ void OssScriptManager::dropAPI(QObject *api)
     // Compared as addresses: the object may be half destroyed.
     for (auto entry = m_registry.begin(); entry != m_registry.end();)
         entry = entry.value() == api ? m_registry.erase(entry) : std::next(entry);
-    m_owned.remove(static_cast<Ossa::API *>(api));
+    m_owned.remove(api);
 }

@@ -88,7 +88,7 @@ private:
 
     std::vector<std::unique_ptr<OssAPIFactory>> m_factories;
     QHash<Key, Ossa::API *> m_registry;
-    QSet<Ossa::API *> m_owned;
+    QSet<QObject *> m_owned; ///< script objects, by address: some are half destroyed when they go
     OssScriptException m_error;
     bool m_failed = false;
     int m_runs = 0;

@@ -3,6 +3,7 @@
 #include "OssCore/OssDebug.h"
 #include "OssNodeGraph/OssNgBackdropNode.h"
 #include "OssNodeGraph/OssNgNode.h"
+#include "OssNodeGraph/OssNgSceneIndex.h"
 #include "OssSnNodeGraphViewContextManager.h"
 
 namespace {
@@ -11,13 +12,16 @@ constexpr const char *Source = "OssShaderNetworkView";
 constexpr qreal Gap = 30.0; // scene units between a node and one that was moved out of its way
 constexpr int MaximumRelocations = 1000;
 
-OssNgNode *overlapped(const OssNgNode *guiNode, const QGraphicsScene *scene)
+/// The topmost node that collides with the item; backdrops do not count. Asks the scene's own
+/// index: that of Qt looks at every item of the scene until the event loop has run.
+OssNgNode *overlapped(const OssNgNode *guiNode, QGraphicsScene *scene)
 {
-    const QList<QGraphicsItem *> items = scene->collidingItems(guiNode, Qt::IntersectsItemShape);
-    for (QGraphicsItem *item : items) {
-        auto *other = dynamic_cast<OssNgNode *>(item);
-        if (other && !qobject_cast<OssNgBackdropNode *>(other))
-            return other;
+    const QVector<OssNgNode *> near = OssNgSceneIndex::of(scene)->nodesIn(
+        guiNode->sceneBoundingRect());
+    for (auto other = near.crbegin(); other != near.crend(); ++other) {
+        if (*other != guiNode && !qobject_cast<OssNgBackdropNode *>(*other)
+            && guiNode->collidesWithItem(*other, Qt::IntersectsItemShape))
+            return *other;
     }
     return nullptr;
 }

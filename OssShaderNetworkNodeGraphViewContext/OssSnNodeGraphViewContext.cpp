@@ -134,8 +134,11 @@ void OssSnNodeGraphViewContext::initializeGui()
     applySelection(node->selected());
     connect(node, &OssSnBaseNode::viewerNodeCurrentEdgeChanged, this,
             &OssSnNodeGraphViewContext::onViewerNodeCurrentEdgeChanged);
-    applyLook();
-    createPorts();
+    {
+        const OssNgNode::LayoutPause pause(m_GuiNode.get());
+        applyLook();
+        createPorts();
+    }
     connectNodePorts();
     connectNodeState();
     connectNodePlacement();

@@ -51,11 +51,11 @@ class OssSnNodeGraphViewContextManager : public OssSerializableObject
 
 public:
     /// The point that stays where it is when the graph is zoomed.
-    enum ZoomTo { Center = 0, Cursor = 1 };
+    enum ZoomTo : int { Center = 0, Cursor = 1 };
     Q_ENUM(ZoomTo)
 
     /// How multi-channel nodes list their ports when they are made.
-    enum DefaultMCMCollapsedState {
+    enum DefaultMCMCollapsedState : int {
         Expanded = 0,
         StreamCollapsed = 1,
         ConnectedOnly = 2,

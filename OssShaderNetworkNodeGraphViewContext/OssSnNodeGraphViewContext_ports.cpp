@@ -174,12 +174,15 @@ void OssSnNodeGraphViewContext::onParentNodeInputsRefreshed(bool Adjust)
 {
     if (!m_GuiNode || !parentNode())
         return;
-    m_GuiNode->clearInputPorts();
-    updateDescriptiveNames();
-    if (Adjust)
-        updateStubs();
-    applyPortKinds();
-    addInputPorts();
+    {
+        const OssNgNode::LayoutPause pause(m_GuiNode.get());
+        m_GuiNode->clearInputPorts();
+        updateDescriptiveNames();
+        if (Adjust)
+            updateStubs();
+        applyPortKinds();
+        addInputPorts();
+    }
     updateGuiEdges();
 }
 
@@ -187,12 +190,15 @@ void OssSnNodeGraphViewContext::onParentNodeOutputsRefreshed(bool Adjust)
 {
     if (!m_GuiNode || !parentNode())
         return;
-    m_GuiNode->clearOutputPorts();
-    updateDescriptiveNames();
-    if (Adjust)
-        updateStubs();
-    applyPortKinds();
-    addOutputPorts();
+    {
+        const OssNgNode::LayoutPause pause(m_GuiNode.get());
+        m_GuiNode->clearOutputPorts();
+        updateDescriptiveNames();
+        if (Adjust)
+            updateStubs();
+        applyPortKinds();
+        addOutputPorts();
+    }
     m_GuiNode->updateEdges();
 }
 

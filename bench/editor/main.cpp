@@ -78,11 +78,12 @@ void fill(OssShaderNetwork *network, int count)
     const int side = int(std::ceil(std::sqrt(double(count))));
     std::vector<OssSnBaseNode *> nodes;
     for (int i = 0; i < count; ++i) {
-        // Taken over whole and placed, as a file does it: nothing has to be moved out of the way.
+        // New nodes appear at the origin, which is kept free: none has to make way.
         OssSnBaseNode *node = network->createNode(QString::fromLatin1(keys[i % 5]),
                                                   QStringLiteral("Node %1").arg(i));
-        QMetaObject::invokeMethod(node->context(QStringLiteral("NodeGraphView")), "setNodePosition",
-                                  Q_ARG(QPointF, QPointF((i % side) * 240.0, (i / side) * 180.0)));
+        QMetaObject::invokeMethod(
+            node->context(QStringLiteral("NodeGraphView")), "setNodePosition",
+            Q_ARG(QPointF, QPointF(400.0 + (i % side) * 240.0, (i / side) * 180.0)));
         if (i > 0) {
             OssSnBaseNode *source = nodes[std::size_t(std::max(0, i - 1 - random.bounded(20)))];
             node->setInputNode(QString::fromLatin1(inputs[i % 5]), source,

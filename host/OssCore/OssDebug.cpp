@@ -13,7 +13,7 @@ QMutex &logMutex()
     return mutex;
 }
 
-QString formatted(const char *message, va_list arguments)
+__attribute__((format(printf, 1, 0))) QString formatted(const char *message, va_list arguments)
 {
     va_list copy;
     va_copy(copy, arguments);

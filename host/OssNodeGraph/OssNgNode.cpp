@@ -123,8 +123,22 @@ QColor OssNgNode::mainColor() const
     return OssNgStyle::instance()->categoryColor(m_category);
 }
 
+OssNgNode::LayoutPause::LayoutPause(OssNgNode *node)
+    : m_node(node)
+{
+    m_node->m_layoutPaused = true;
+}
+
+OssNgNode::LayoutPause::~LayoutPause()
+{
+    m_node->m_layoutPaused = false;
+    m_node->refresh();
+}
+
 void OssNgNode::refresh()
 {
+    if (m_layoutPaused)
+        return;
     relayout();
     appearanceChanged();
 }

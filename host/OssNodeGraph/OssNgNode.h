@@ -78,6 +78,20 @@ public:
     virtual QColor mainColor() const;
     /// Lays out and draws anew.
     void refresh();
+
+    /// Scope in which many changes of one node cost one layout, at its end. Scopes do not nest.
+    class OSSNODEGRAPH_EXPORT LayoutPause
+    {
+    public:
+        explicit LayoutPause(OssNgNode *node);
+        LayoutPause(const LayoutPause &) = delete;
+        LayoutPause &operator=(const LayoutPause &) = delete;
+        ~LayoutPause();
+
+    private:
+        OssNgNode *m_node;
+    };
+
     /// Takes over look, shape, marks and place of another node, not its ports or business object.
     virtual void copyStateFrom(const OssNgNode *other);
 
@@ -365,4 +379,5 @@ private:
     bool m_hovered = false;
     bool m_labelsVisible = true;
     bool m_inPaintCache = false;
+    bool m_layoutPaused = false;
 };

@@ -48,8 +48,8 @@ OssSnGroupNode *GraphWriter::addGroup(const QString &name, const QPointF &positi
 OssSnBaseNode *GraphWriter::addBackdrop(const QString &title, const QPointF &position,
                                         const QSizeF &size, const QString &color)
 {
-    OssSnBaseNode *node
-        = add(QStringLiteral("Misc/Backdrop"), title + QStringLiteral(" Backdrop"), position);
+    OssSnBaseNode *node = add(QStringLiteral("Misc/Backdrop"), title + QStringLiteral(" Backdrop"),
+                              position);
     set(node, QStringLiteral("TitleText"), title);
     set(node, QStringLiteral("BackgroundColor"), color);
     QMetaObject::invokeMethod(contextOf(node), "setNodeSize", Q_ARG(QSizeF, size));

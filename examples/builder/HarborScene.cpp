@@ -30,27 +30,35 @@ const Material materials[] = {
     {"Quay Stone",
      "Procedural/Pattern/Brick",
      {"Algae", "Salt", "Oil", "Cracks", "Rain Streaks"},
-     "0.2,0.22,0.24,1"},
+     "0.34,0.37,0.42,1"},
     {"Ship Hull",
      "Procedural/Pattern/Grid",
      {"Rust", "Antifouling", "Barnacles", "Scratches", "Salt"},
-     "0.24,0.17,0.14,1"},
+     "0.45,0.3,0.24,1"},
     {"Deck Planks",
      "Procedural/Pattern/Gradient",
      {"Grain", "Tar", "Boot Wear", "Rain Streaks", "Dirt"},
-     "0.25,0.21,0.14,1"},
+     "0.44,0.37,0.24,1"},
     {"Crane Steel",
      "Procedural/Color",
      {"Paint", "Rust", "Grease", "Scratches", "Dirt"},
-     "0.25,0.23,0.12,1"},
+     "0.44,0.41,0.2,1"},
     {"Container",
      "Procedural/Pattern/Grid",
      {"Paint", "Logo", "Dents", "Rust", "Rain Streaks"},
-     "0.13,0.22,0.26,1"},
+     "0.22,0.4,0.47,1"},
     {"Rope",
      "Procedural/Pattern/Checker",
      {"Fibers", "Tar", "Salt", "Dirt", "Fraying"},
-     "0.22,0.2,0.17,1"},
+     "0.4,0.36,0.3,1"},
+    {"Bollard",
+     "Procedural/Color",
+     {"Paint", "Rust", "Rope Wear", "Salt", "Algae"},
+     "0.42,0.24,0.28,1"},
+    {"Warehouse Brick",
+     "Procedural/Pattern/Brick",
+     {"Mortar", "Soot", "Moss", "Chips", "Posters"},
+     "0.46,0.28,0.22,1"},
 };
 
 constexpr qreal Column = 240.0;
@@ -176,7 +184,7 @@ void writeHarborScene(OssProject *project)
     OssShaderNetwork *network = project->shadingGroups().first()->network();
     GraphWriter w(network);
     QRandomGenerator random(20261121); // the same harbour every time
-    w.addBackdrop(key("Weather"), {-1240, 620}, {1000, 460}, key("0.13,0.2,0.3,1"));
+    w.addBackdrop(key("Weather"), {-1240, 620}, {1000, 460}, key("0.22,0.34,0.5,1"));
     OssSnBaseNode *position = w.add(key("Geometry/Position"), key("World Position"), {-1200, 700});
     OssSnBaseNode *clouds = w.add(key("Procedural/Noise/Fractal Noise"), key("Clouds"),
                                   {-960, 690});

@@ -25,9 +25,9 @@ void writeWeatheredBrick(OssProject *project)
     };
 
     // Behind the nodes, so made first.
-    w.addBackdrop(key("Brick pattern"), {-40, -60}, {720, 400}, key("0.13,0.25,0.25,1"));
-    w.addBackdrop(key("Dirt and moss"), {-40, 400}, {960, 360}, key("0.16,0.25,0.15,1"));
-    w.addBackdrop(key("Edge wear"), {-40, 820}, {960, 260}, key("0.28,0.2,0.13,1"));
+    w.addBackdrop(key("Brick pattern"), {-40, -60}, {720, 400}, key("0.22,0.42,0.42,1"));
+    w.addBackdrop(key("Dirt and moss"), {-40, 400}, {960, 360}, key("0.27,0.42,0.24,1"));
+    w.addBackdrop(key("Edge wear"), {-40, 820}, {960, 280}, key("0.48,0.33,0.2,1"));
 
     OssSnBaseNode *brick = w.add(key("Procedural/Pattern/Brick"), key("Brick"), at(0, 20));
     OssSnBaseNode *warpNoise = w.add(key("Procedural/Noise/Fractal Noise"), key("Warp Noise"),
@@ -61,7 +61,7 @@ void writeWeatheredBrick(OssProject *project)
     w.set(mossLevels, key("InLow"), 0.45);
 
     OssSnBaseNode *curvature = w.add(key("Geometry/Curvature"), key("Curvature"), at(0, 880));
-    OssSnBaseNode *cells = w.add(key("Procedural/Noise/Cellular"), key("Chips"), at(1, 900));
+    OssSnBaseNode *cells = w.add(key("Procedural/Noise/Cellular"), key("Chips"), at(1, 970));
     OssSnBaseNode *wear = w.add(key("Math/Math"), key("Wear"), at(2, 880));
     OssSnBaseNode *wearLevels = w.add(key("Adjust/Levels"), key("Wear Levels"), at(3, 880));
     w.wire(curvature, wear, key("A"), key("Edges"));
@@ -70,13 +70,13 @@ void writeWeatheredBrick(OssProject *project)
     w.set(cells, key("Scale"), 40.0);
 
     OssSnBaseNode *mossMerge = w.add(key("Layer/Merge"), key("Moss over Brick"), at(4.2, 160));
-    OssSnBaseNode *wearColor = w.add(key("Procedural/Color"), key("Raw Clay"), at(4.2, 560));
+    OssSnBaseNode *wearColor = w.add(key("Procedural/Color"), key("Raw Clay"), at(4.2, 640));
     OssSnBaseNode *wearMerge = w.add(key("Layer/Merge"), key("Clay over Moss"), at(5.3, 200));
     OssSnBaseNode *grade = w.add(key("Adjust/Brightness Contrast"), key("Grade"), at(6.2, 220));
-    OssSnBaseNode *roughness = w.add(key("Adjust/Levels"), key("Roughness"), at(5.3, 420));
-    OssSnBaseNode *height = w.add(key("Math/Math"), key("Height"), at(5.3, 620));
-    OssSnBaseNode *soften = w.add(key("Filter/Blur"), key("Soften"), at(6.2, 640));
-    OssSnBaseNode *normal = w.add(key("Math/Height to Normal"), key("Normal"), at(7.1, 520));
+    OssSnBaseNode *roughness = w.add(key("Adjust/Levels"), key("Roughness"), at(6.2, 400));
+    OssSnBaseNode *height = w.add(key("Math/Math"), key("Height"), at(5.3, 760));
+    OssSnBaseNode *soften = w.add(key("Filter/Blur"), key("Soften"), at(6.2, 760));
+    OssSnBaseNode *normal = w.add(key("Math/Height to Normal"), key("Normal"), at(7.1, 620));
     w.wire(tint, mossMerge, key("Base"));
     w.wire(mossColor, mossMerge, key("Over"));
     w.wire(mossMask, mossMerge, key("Mask"));
@@ -95,17 +95,17 @@ void writeWeatheredBrick(OssProject *project)
     w.set(soften, key("Radius"), 2.5);
 
     OssSnBaseNode *material = w.add(key("Shaders/Standard Surface"), key("Weathered Brick"),
-                                    at(8.1, 260));
+                                    at(8.3, 320));
     w.wire(grade, material, key("Base Color"));
     w.wire(roughness, material, key("Roughness"));
     w.wire(normal, material, key("Normal"));
     w.wire(soften, material, key("Displacement"));
     w.addNote(key("Keep the warp below 0.2 or the mortar breaks up. Moss follows the occlusion, so "
                   "bake that first at full size."),
-              at(6.2, 860));
+              at(6.2, 980));
 
     OssSnBaseNode *viewer = network->viewerNode();
-    GraphWriter::place(viewer, at(9.2, 240));
+    GraphWriter::place(viewer, at(9.4, 180));
     w.wire(material, viewer, key("0"));
     w.wire(grade, viewer, key("1"));
     w.wire(mossMask, viewer, key("2"));

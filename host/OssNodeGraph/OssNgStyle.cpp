@@ -36,6 +36,7 @@ constexpr CategoryColor Categories[] = {
     {"Misc", 0xff6b7280},
     {"Custom", 0xff8a6fae},
     {"Material", 0xffa0588f},
+    {"Shaders", 0xffa0588f},
     {"Shader", 0xffa0588f},
     {"MultiChannelMaterial", 0xffa0588f},
     {"MultiChannelMerge", 0xff8c5a9f},

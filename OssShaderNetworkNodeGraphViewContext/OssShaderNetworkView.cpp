@@ -30,6 +30,11 @@ OssShaderNetworkView::OssShaderNetworkView(QWidget *parent)
 
 OssShaderNetworkView::~OssShaderNetworkView() = default;
 
+OssShaderNetwork *OssShaderNetworkView::network() const
+{
+    return m_network;
+}
+
 void OssShaderNetworkView::setNetwork(OssShaderNetwork *network)
 {
     if (m_network)

@@ -4,6 +4,7 @@
 #include "OssNodeGraph/OssNgView.h"
 
 #include <QMap>
+#include <QPointer>
 #include <QPointF>
 
 class OssShaderNetwork;
@@ -23,7 +24,8 @@ public:
     explicit OssShaderNetworkView(QWidget *parent);
     ~OssShaderNetworkView() override;
 
-    OssShaderNetwork *network() const override { return m_network; }
+    /// Null also when the network has died.
+    OssShaderNetwork *network() const override;
 
     void setNetwork(OssShaderNetwork *network) override;
 
@@ -93,6 +95,16 @@ private:
     void capZoom();
     OssNgNode *nodeForDoubleClick(const QMouseEvent *event) const;
 
-    OssShaderNetwork *m_network = nullptr;
-    QMap<OssNgNode *, QPointF> m_nodeStartPositions;
+    struct StartPosition
+    {
+        QPointer<OssNgNode> node; ///< the key is an address only once it is null
+        QPointF position;
+    };
+
+    void recordStartPosition(OssNgNode *node);
+    /// The recorded nodes that still stand in the scene, in the order of the keys.
+    QList<OssNgNode *> recordedNodes() const;
+
+    QPointer<OssShaderNetwork> m_network;
+    QMap<OssNgNode *, StartPosition> m_nodeStartPositions;
 };

@@ -36,6 +36,22 @@ OssSnGroupNodeGraphViewContext *groupContextOf(const OssSnBaseNode *node)
 
 // --- moving nodes
 
+void OssShaderNetworkView::recordStartPosition(OssNgNode *node)
+{
+    m_nodeStartPositions.insert(node, {node, node->scenePos()});
+}
+
+QList<OssNgNode *> OssShaderNetworkView::recordedNodes() const
+{
+    // Between press and release a key may undo a creation, or the project may be closed.
+    QList<OssNgNode *> nodes;
+    for (const StartPosition &start : m_nodeStartPositions) {
+        if (start.node && start.node->scene() == scene())
+            nodes.append(start.node);
+    }
+    return nodes;
+}
+
 void OssShaderNetworkView::mousePressEvent(QMouseEvent *event)
 {
     if (!scene()) {
@@ -43,19 +59,22 @@ void OssShaderNetworkView::mousePressEvent(QMouseEvent *event)
         return;
     }
     OssNgView::mousePressEvent(event); // may change the selection
+    // A second button does not end the drag that the left one began.
+    if (event->button() != Qt::LeftButton && (event->buttons() & Qt::LeftButton))
+        return;
     m_nodeStartPositions.clear();
     const QList<QGraphicsItem *> selection = sortedSelection();
     for (QGraphicsItem *item : selection) {
         auto *node = dynamic_cast<OssNgNode *>(item);
         if (!node)
             continue;
-        m_nodeStartPositions.insert(node, node->scenePos());
+        recordStartPosition(node);
         const auto *backdrop = qobject_cast<OssNgBackdropNode *>(node);
         if (!backdrop)
             continue;
         for (const QPointer<OssNgNode> &child : backdrop->childrenList()) {
             if (child)
-                m_nodeStartPositions.insert(child, child->scenePos());
+                recordStartPosition(child);
             else
                 OssDebug(Source, __LINE__, "Backdrop has a null child: %s",
                          qPrintable(backdrop->titleText()));
@@ -73,9 +92,9 @@ void OssShaderNetworkView::mouseReleaseEvent(QMouseEvent *event)
     OssNgView::mouseReleaseEvent(event);
     if (state != Idle || event->button() != Qt::LeftButton || scene()->selectedItems().isEmpty())
         return;
-    const QList<OssNgNode *> nodes = m_nodeStartPositions.keys();
-    const bool moved = std::any_of(nodes.cbegin(), nodes.cend(), [this](const OssNgNode *node) {
-        const QPointF start = m_nodeStartPositions.value(const_cast<OssNgNode *>(node));
+    const QList<OssNgNode *> nodes = recordedNodes();
+    const bool moved = std::any_of(nodes.cbegin(), nodes.cend(), [this](OssNgNode *node) {
+        const QPointF start = m_nodeStartPositions.value(node).position;
         return QLineF(start, node->scenePos()).length() >= LeastMove;
     });
     if (!moved)
@@ -87,7 +106,8 @@ void OssShaderNetworkView::mouseReleaseEvent(QMouseEvent *event)
     OssUndoManager::AutoMacro macro(title);
     for (OssNgNode *node : nodes) {
         node->processAutoinsert();
-        macro.addUndo(new OssNgNodePositionChangeUndo(node, m_nodeStartPositions.value(node),
+        macro.addUndo(new OssNgNodePositionChangeUndo(node,
+                                                      m_nodeStartPositions.value(node).position,
                                                       node->scenePos())); // the history takes it
     }
 }

@@ -151,9 +151,18 @@ void OssSnGroupNodeGraphViewContext::forceOpenGroupSubgraph()
 void OssSnGroupNodeGraphViewContext::hideGroupNodeTab(OssShaderNetwork *, OssSnBaseNode *node)
 {
     OssSnNodeGraphWidget *widget = tabWidget();
-    if (!widget || !node || node != parentNode() || !m_view)
+    const OssSnGroupNode *group = groupNode();
+    if (!widget || !group || node != group)
         return;
-    const int index = widget->indexOf(m_view);
+    // Groups inside leave the graph with this one, without a notice of their own.
+    const QList<OssSnBaseNode *> inside = group->groupNetwork()->nodes();
+    for (OssSnBaseNode *inner : inside) {
+        auto *context = qobject_cast<OssSnGroupNodeGraphViewContext *>(
+            OssSnNodeGraphViewContextManager::contextOf(inner));
+        if (context)
+            context->hideGroupNodeTab(group->groupNetwork(), inner);
+    }
+    const int index = m_view ? widget->indexOf(m_view) : -1;
     if (index >= 0)
         widget->hideTab(index);
 }

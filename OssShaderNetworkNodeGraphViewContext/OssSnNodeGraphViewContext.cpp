@@ -91,17 +91,23 @@ void OssSnNodeGraphViewContext::adoptGuiNode(std::shared_ptr<OssNgNode> guiNode)
         return;
     m_GuiNode = std::move(guiNode);
     m_GuiNode->setBusinessNode(node);
+    applyNodeState();
+    m_GuiNode->setBaked(false);
+    m_GuiNode->setStale(false);
+    scene->addItem(m_GuiNode.get());
+}
+
+void OssSnNodeGraphViewContext::applyNodeState()
+{
+    const OssSnBaseNode *node = parentNode();
     m_GuiNode->setText(node->name());
     m_GuiNode->setToolTip(node->description());
     m_GuiNode->setSystemShader(OssLayerShaderManager::instance()->isSystemShaderNode(node, true));
     m_GuiNode->setBypassed(node->isBypassed());
     m_GuiNode->setCached(node->cacheActive() == CacheActive);
     m_GuiNode->setDisabled(!node->enabledAsBool());
-    m_GuiNode->setBaked(false);
-    m_GuiNode->setStale(false);
     m_GuiNode->setPlaceholder(node->isPlaceholder());
     m_GuiNode->setErrorText(node->errorText());
-    scene->addItem(m_GuiNode.get());
 }
 
 OssNgExtendedNode *OssSnNodeGraphViewContext::extendedNode() const
@@ -165,7 +171,8 @@ void OssSnNodeGraphViewContext::applyLook()
     m_GuiNode->updateShape();
     applyColors();
     m_GuiNode->setCategory(categoryOf(node->pathKey()));
-    m_GuiNode->setText(node->name());
+    // Again: a node that comes from a file learns its state after its item was made.
+    applyNodeState();
     if (m_pixmapPath.isEmpty())
         return;
     const QString path = OssResourceInfo::instance()->iconPath() + QLatin1Char('/') + m_pixmapPath;

@@ -195,6 +195,7 @@ protected:
 
 private:
     void createGuiNode();
+    void applyNodeState();
     void applyLook();
     void applyColors();
     void createPorts();

@@ -120,8 +120,9 @@ QGraphicsScene *OssSnNodeGraphViewContextManager::sceneForNetwork(OssShaderNetwo
     QGraphicsScene *&scene = m_scenes[network];
     if (!scene) {
         scene = new OssSnNodeGraphScene;
+        // A network may get a second scene: those of a project go before its networks do.
         connect(network, &QObject::destroyed, this,
-                &OssSnNodeGraphViewContextManager::onShaderNetworkDestroyed);
+                &OssSnNodeGraphViewContextManager::onShaderNetworkDestroyed, Qt::UniqueConnection);
     }
     return scene;
 }

@@ -225,11 +225,10 @@ Q_SIGNALS:
     void controlTypeChanged(QString ControlType);
     void defaultNodePortDisplayModeChanged(QString Mode);
     void isAutoInsertOnChanged(bool On);
-    void zoomToChanged(OssSnNodeGraphViewContextManager::ZoomTo Value);
+    void zoomToChanged(ZoomTo Value);
     void zoomToChangedAsInt(int Value);
     void autoUpdateUpstreamMergeNodeColorspaceEnabledChanged(QString Value);
-    void defaultMCMCollapsedStateChanged(
-        OssSnNodeGraphViewContextManager::DefaultMCMCollapsedState Value);
+    void defaultMCMCollapsedStateChanged(DefaultMCMCollapsedState Value);
     void defaultMCMCollapsedStateChangedAsInt(int Value);
     void shakeToExtractEnabledChanged(bool Enabled);
     void shakeToExtractShakesChanged(int Shakes);

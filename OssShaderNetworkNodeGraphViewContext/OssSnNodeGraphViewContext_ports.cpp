@@ -104,8 +104,8 @@ void OssSnNodeGraphViewContext::calculateEdgeMultipliers(QVector<int> &Multiplie
         MultiplierList[first + left] = left - half;
         MultiplierList[first + right] = half - left;
     }
-    for (int i = first; i < MultiplierList.size(); ++i)
-        MinMultiplier = std::min(MinMultiplier, std::abs(MultiplierList.at(i)));
+    for (const int multiplier : qAsConst(MultiplierList))
+        MinMultiplier = std::min(MinMultiplier, std::abs(multiplier));
 }
 
 void OssSnNodeGraphViewContext::calculateEdgesUI(QStringList Edges, bool OutputEdge,
@@ -216,6 +216,7 @@ void OssSnNodeGraphViewContext::onParentNodeInputRenamed(QString oldName, QStrin
         return;
     m_GuiNode->renameInputPort(oldName, newName);
     updateDescriptiveNames();
+    updateStubs();
 }
 
 void OssSnNodeGraphViewContext::onParentNodeInputRemoved(QString name)
@@ -263,6 +264,7 @@ void OssSnNodeGraphViewContext::onParentNodeOutputPointRenamed(QString oldName, 
         return;
     m_GuiNode->renameOutputPort(oldName, newName);
     updateDescriptiveNames();
+    updateStubs();
 }
 
 // --- wires

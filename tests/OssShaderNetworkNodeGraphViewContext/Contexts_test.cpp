@@ -179,6 +179,60 @@ TEST_F(ContextTest, guiStateComesBackFromDisk)
     expectItemsMatchModel();
 }
 
+TEST_F(ContextTest, itemsShowTheStateThatNodesHadOnDisk)
+{
+    OssSnBaseNode *off = addAt("Filter/Blur", {0, 0}, "Off");
+    off->setEnabled(0);
+    off->setCacheActive(CacheActive);
+    off->setDescription(QStringLiteral("softens"));
+    addAt("Filter/Blur", {300, 0}, "Through")->setBypassed(true);
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("P.ossa"));
+    OssProjectManager *projects = OssProjectManager::instance();
+    ASSERT_TRUE(projects->saveProjectAs(path));
+    ASSERT_TRUE(projects->openProject(path));
+    m_project = projects->currentProject();
+    m_network = m_project->shadingGroups().first()->network();
+    const OssNgNode *item = itemOf(m_network->node(QStringLiteral("Off")));
+    EXPECT_TRUE(item->hasMark(OssNgNode::Disabled));
+    EXPECT_TRUE(item->hasMark(OssNgNode::Cached));
+    EXPECT_EQ(item->toolTip(), QStringLiteral("softens"));
+    EXPECT_TRUE(itemOf(m_network->node(QStringLiteral("Through")))->hasMark(OssNgNode::Bypassed));
+}
+
+TEST_F(ContextTest, theViewerKeepsItsWiresWhereverItGoes)
+{
+    OssSnBaseNode *color = addAt("Procedural/Color", {0, 0}, "Red");
+    auto *group = qobject_cast<OssSnGroupNode *>(addAt("Misc/Group", {0, 200}));
+    OssSnBaseNode *viewer = m_network->viewerNode();
+    wire(color, viewer, "0");
+    wire(color, viewer, "1");
+    ASSERT_EQ(group->groupNetwork()->moveCurrentViewerNodeToNetwork(), viewer);
+    expectItemsMatchModel();
+    ASSERT_EQ(m_network->moveCurrentViewerNodeToNetwork(), viewer);
+    expectItemsMatchModel();
+    EXPECT_EQ(itemOf(viewer)->inputPortText(QStringLiteral("0")), QStringLiteral("0:Red"));
+}
+
+TEST_F(ContextTest, portsAlongTheEdgesKeepTheirPlaceWhenRenamed)
+{
+    auto *group = qobject_cast<OssSnGroupNode *>(addAt("Misc/Group", {0, 0}));
+    group->createInput(QStringLiteral("A"), OssSnDataKind::Color);
+    group->createInput(QStringLiteral("B"), OssSnDataKind::Color);
+    group->createOutput(QStringLiteral("Out"), OssSnDataKind::Color);
+    group->createOutput(QStringLiteral("Also"), OssSnDataKind::Color);
+    contextOf(group)->setPortListMode(OssNgExtendedNode::NoPortList);
+    const OssNgNode *item = itemOf(group);
+    const QPointF input = item->inputPortScenePos(QStringLiteral("B"));
+    const QPointF inputStub = item->inputPortDirection(QStringLiteral("B"));
+    const QPointF output = item->outputPortScenePos(QStringLiteral("Out"));
+    group->renameInput(QStringLiteral("B"), QStringLiteral("Wet"));
+    group->renameOutputPoint(QStringLiteral("Out"), QStringLiteral("Result"));
+    EXPECT_EQ(item->inputPortScenePos(QStringLiteral("Wet")), input);
+    EXPECT_EQ(item->inputPortDirection(QStringLiteral("Wet")), inputStub);
+    EXPECT_EQ(item->outputPortScenePos(QStringLiteral("Result")), output);
+}
+
 TEST_F(ContextTest, groupsOpenInATabOfTheirOwnAndCloseWithTheNode)
 {
     OssSnNodeGraphWidget *widget = m_manager->nodeGraphWidget();
@@ -203,6 +257,39 @@ TEST_F(ContextTest, groupsOpenInATabOfTheirOwnAndCloseWithTheNode)
     widget->hideTab(1);
     widget->showGroupNodeSubgraph(nullptr);
     EXPECT_TRUE(logHas(QStringLiteral("GroupNode is NULL")));
+}
+
+TEST_F(ContextTest, tabsOfGroupsInsideCloseWithTheOuterGroup)
+{
+    OssSnNodeGraphWidget *widget = m_manager->nodeGraphWidget();
+    auto *outer = qobject_cast<OssSnGroupNode *>(addAt("Misc/Group", {0, 0}, "Outer"));
+    auto *middle = qobject_cast<OssSnGroupNode *>(
+        outer->groupNetwork()->createNode(QStringLiteral("Misc/Group")));
+    auto *inner = qobject_cast<OssSnGroupNode *>(
+        middle->groupNetwork()->createNode(QStringLiteral("Misc/Group")));
+    auto *other = qobject_cast<OssSnGroupNode *>(addAt("Misc/Group", {300, 0}, "Other"));
+    widget->showGroupNodeSubgraph(other);
+    widget->showGroupNodeSubgraph(inner);
+    ASSERT_EQ(widget->count(), 3);
+    m_network->removeNodes({outer});
+    ASSERT_EQ(widget->count(), 2);
+    EXPECT_EQ(widget->currentView()->network(), other->groupNetwork());
+    OssUndoManager *undo = OssUndoManager::instance();
+    undo->undo();
+    widget->showGroupNodeSubgraph(inner);
+    undo->redo();
+    EXPECT_EQ(widget->count(), 2);
+    undo->undo();
+    // Open tabs go with the project, and no view of a group stays behind.
+    widget->showGroupNodeSubgraph(outer);
+    widget->showGroupNodeSubgraph(inner);
+    const QPointer<OssShaderNetworkView> view = widget->currentView();
+    OssProjectManager::instance()->closeProject();
+    EXPECT_EQ(widget->count(), 1);
+    EXPECT_TRUE(view.isNull());
+    EXPECT_EQ(widget->currentView(), m_view);
+    EXPECT_EQ(OssShaderNetworkManager::instance()->currentViewNetwork(), nullptr);
+    m_project = OssProjectManager::instance()->newProject(QStringLiteral("Next"));
 }
 
 TEST_F(ContextTest, edgeMultipliersAreSymmetrical)

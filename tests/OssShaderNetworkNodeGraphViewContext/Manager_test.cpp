@@ -37,6 +37,31 @@ TEST_F(ManagerTest, scenesLiveAsLongAsTheirNetwork)
     m_project = OssProjectManager::instance()->newProject(QStringLiteral("Next"));
 }
 
+TEST_F(ManagerTest, aNetworkThatOutlivesAProjectIsFollowedOnce)
+{
+    auto network = std::make_unique<OssShaderNetwork>();
+    m_manager->sceneForNetwork(network.get());
+    OssProjectManager::instance()->closeProject();
+    const QPointer<QGraphicsScene> scene = m_manager->sceneForNetwork(network.get());
+    m_project = OssProjectManager::instance()->newProject(QStringLiteral("Next"));
+    m_manager->sceneForNetwork(m_project->shadingGroups().first()->network());
+    network.reset();
+    EXPECT_TRUE(scene.isNull());
+    EXPECT_FALSE(logHas(QStringLiteral("Failed to find scene for network")));
+}
+
+TEST_F(ManagerTest, theRootViewForgetsANetworkThatDies)
+{
+    OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
+    auto shown = std::make_unique<OssShaderNetwork>();
+    networks->setCurrentShaderNetwork(shown.get());
+    ASSERT_EQ(m_view->network(), shown.get());
+    shown.reset();
+    EXPECT_EQ(m_view->network(), nullptr);
+    networks->setCurrentShaderNetwork(m_network);
+    EXPECT_EQ(m_view->network(), m_network);
+}
+
 TEST_F(ManagerTest, eachNetworkIsShownWhereItWasLeft)
 {
     addAt("Filter/Blur", {0, 0});
@@ -160,7 +185,14 @@ TEST_F(ManagerTest, preferencesTakeGoodValuesAndTellOnce)
     m_manager->resetShakeToExtractTime();
     EXPECT_EQ(time.count(), 0);
     QSignalSpy zoom(m_manager, &OssSnNodeGraphViewContextManager::zoomToChangedAsInt);
+    QSignalSpy zoomByName(m_manager, SIGNAL(zoomToChanged(ZoomTo)));
+    QSignalSpy collapsedByName(m_manager,
+                               SIGNAL(defaultMCMCollapsedStateChanged(DefaultMCMCollapsedState)));
+    m_manager->setDefaultMCMCollapsedState(OssSnNodeGraphViewContextManager::Collapsed);
+    m_manager->resetDefaultMCMCollapsedState();
+    EXPECT_EQ(collapsedByName.count(), 2);
     m_manager->setZoomTo(7);
+    EXPECT_EQ(zoomByName.count(), 1);
     ASSERT_EQ(zoom.count(), 1);
     EXPECT_EQ(zoom.first().first().toInt(), 7);
     m_manager->resetZoomTo();

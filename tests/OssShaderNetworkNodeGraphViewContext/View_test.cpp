@@ -89,6 +89,43 @@ TEST_F(ViewTest, aDragIsOneStepWithItsTitle)
     EXPECT_EQ(undoCount(), 0);
 }
 
+TEST_F(ViewTest, aDragIsSafeFromWhatHappensMeanwhile)
+{
+    OssSnBaseNode *kept = addAt("Filter/Blur", {300, 200}, "Kept");
+    OssUndoManager *undo = OssUndoManager::instance();
+    undo->clear();
+    OssSnBaseNode *doomed = addAt("Filter/Blur", {0, 0}, "Doomed");
+    const QPointer<OssNgNode> item = itemOf(doomed);
+    QWidget *viewport = m_view->viewport();
+    QTest::mousePress(viewport, Qt::LeftButton, {}, at(doomed));
+    undo->undo();
+    kept->setName(QStringLiteral("Left")); // nothing can bring the other node back now
+    EXPECT_TRUE(item.isNull());
+    kept->setSelected(true);
+    const int steps = undoCount();
+    QTest::mouseRelease(viewport, Qt::LeftButton, {}, QPoint(400, 300));
+    EXPECT_EQ(undoCount(), steps);
+
+    // A second button in the middle does not change where the drag began.
+    const QPointF start = itemOf(kept)->pos();
+    const QPoint from = at(kept);
+    const auto send = [viewport](QEvent::Type type, const QPoint &position, Qt::MouseButton button,
+                                 Qt::MouseButtons buttons) {
+        QMouseEvent event(type, position, viewport->mapToGlobal(position), button, buttons, {});
+        QApplication::sendEvent(viewport, &event);
+    };
+    const Qt::MouseButtons both = Qt::LeftButton | Qt::RightButton;
+    send(QEvent::MouseButtonPress, from, Qt::LeftButton, Qt::LeftButton);
+    send(QEvent::MouseMove, from + QPoint(60, 30), Qt::NoButton, Qt::LeftButton);
+    send(QEvent::MouseButtonPress, from + QPoint(60, 30), Qt::RightButton, both);
+    send(QEvent::MouseButtonRelease, from + QPoint(60, 30), Qt::RightButton, Qt::LeftButton);
+    send(QEvent::MouseMove, from + QPoint(120, 60), Qt::NoButton, Qt::LeftButton);
+    send(QEvent::MouseButtonRelease, from + QPoint(120, 60), Qt::LeftButton, Qt::NoButton);
+    EXPECT_EQ(undoCount(), steps + 1);
+    undo->undo();
+    EXPECT_EQ(itemOf(kept)->pos(), start);
+}
+
 TEST_F(ViewTest, aBackdropTakesItsNodesAlongInOneStep)
 {
     OssSnBaseNode *backdrop = addAt("Misc/Backdrop", {-50, -60}, "Area");

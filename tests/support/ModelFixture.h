@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OssCore/OssDebug.h"
+#include "OssCore/OssResourceInfo.h"
 #include "OssCore/OssUndoManager.h"
 #include "OssCoreModules/Network/OssShaderNetwork.h"
 #include "OssCoreModules/Network/OssShaderNetworkManager.h"
@@ -13,6 +14,9 @@
 
 #include <gtest/gtest.h>
 
+#include <QBuffer>
+#include <QUndoStack>
+
 /// A new project with an empty network but for its viewer, and the application's node types.
 class ModelFixture : public testing::Test
 {
@@ -21,8 +25,9 @@ protected:
     {
         OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
         if (networks->nodePathKeys().isEmpty())
-            networks->loadNodeTypes(qEnvironmentVariable("OSSA_ROOT")
-                                    + QStringLiteral("/host/NodeTypes"));
+            networks->loadNodeTypes(OssResourceInfo::instance()->nodeTypePath());
+        ASSERT_FALSE(networks->nodePathKeys().isEmpty())
+            << qPrintable(OssResourceInfo::instance()->nodeTypePath());
         m_project = OssProjectManager::instance()->newProject(QStringLiteral("Test"));
         m_network = m_project->shadingGroups().first()->network();
         OssDebugLog::instance()->clear();
@@ -53,16 +58,37 @@ protected:
         return false;
     }
 
+    /// What stateHash() is made of, to see where two states differ.
+    QList<QByteArray> stateLines() const
+    {
+        QBuffer buffer;
+        buffer.open(QIODevice::WriteOnly);
+        OssSerializer serializer(&buffer);
+        serializer.setCanonical(true);
+        m_project->save(serializer, m_project->name(), {});
+        return buffer.data().split('\n');
+    }
+
+    static void expectSame(const QList<QByteArray> &now, const QList<QByteArray> &before)
+    {
+        for (int i = 0; i < std::min(now.size(), before.size()); ++i)
+            ASSERT_EQ(now.at(i).toStdString(), before.at(i).toStdString()) << "line " << i;
+        EXPECT_EQ(now.size(), before.size());
+    }
+
     /// Undoes everything and redoes it; the document must be what it was at both ends.
     void expectUndoIsExact(const QByteArray &start)
     {
         OssUndoManager *undo = OssUndoManager::instance();
         const QByteArray end = m_project->stateHash();
+        const QList<QByteArray> lines = stateLines();
+        const int index = undo->stack()->index(); // beyond it lie steps that were undone
         while (undo->canUndo())
             undo->undo();
         EXPECT_EQ(m_project->stateHash(), start);
-        while (undo->canRedo())
+        while (undo->stack()->index() < index)
             undo->redo();
+        expectSame(stateLines(), lines);
         EXPECT_EQ(m_project->stateHash(), end);
     }
 

@@ -1,0 +1,370 @@
+#include "GraphFixture.h"
+#include "OssNodeGraph/OssNgBackdropNode.h"
+
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+
+#include <functional>
+
+namespace {
+
+/// Walks through thousands of edits in random order. Whatever was done, undoing to the start and
+/// redoing to the end give the identical documents, and so does saving and opening.
+class RandomEdits : public GraphFixture
+{
+protected:
+    struct Operation
+    {
+        const char *name;
+        std::function<bool()> run; ///< false: there was nothing it could be done to
+    };
+
+    int below(int bound) { return int(m_random.bounded(quint32(bound))); }
+
+    OssShaderNetwork *anyNetwork()
+    {
+        QList<OssShaderNetwork *> networks{m_network};
+        const QList<OssSnBaseNode *> all = m_network->getAllNodes();
+        for (OssSnBaseNode *node : all) {
+            if (auto *group = qobject_cast<OssSnGroupNode *>(node))
+                networks.append(group->groupNetwork());
+        }
+        return networks.at(below(networks.size()));
+    }
+
+    OssSnBaseNode *anyNode()
+    {
+        const QList<OssSnBaseNode *> all = m_network->getAllNodes();
+        return all.isEmpty() ? nullptr : all.at(below(all.size()));
+    }
+
+    template <class Node>
+    Node *any()
+    {
+        QList<Node *> found;
+        const QList<OssSnBaseNode *> all = m_network->getAllNodes();
+        for (OssSnBaseNode *node : all) {
+            if (auto *wanted = qobject_cast<Node *>(node))
+                found.append(wanted);
+        }
+        return found.isEmpty() ? nullptr : found.at(below(found.size()));
+    }
+
+    QString anyOf(const QStringList &list)
+    {
+        return list.isEmpty() ? QString() : list.at(below(list.size()));
+    }
+
+    bool create(const char *key)
+    {
+        OssSnBaseNode *node = anyNetwork()->createNode(QString::fromLatin1(key));
+        return node != nullptr;
+    }
+
+    bool connectAny()
+    {
+        const QList<OssSnBaseNode *> nodes = anyNetwork()->nodes();
+        if (nodes.size() < 2)
+            return false;
+        OssSnBaseNode *target = nodes.at(below(nodes.size()));
+        OssSnBaseNode *source = nodes.at(below(nodes.size()));
+        return target->setInputNode(anyOf(target->inputNames()), source,
+                                    anyOf(source->outputPointNames()));
+    }
+
+    bool removeSome()
+    {
+        OssShaderNetwork *network = anyNetwork();
+        QSet<OssSnBaseNode *> some;
+        const QList<OssSnBaseNode *> nodes = network->nodes();
+        for (OssSnBaseNode *node : nodes) {
+            const bool port = node->hasTag(QStringLiteral("_input"))
+                              || node->hasTag(QStringLiteral("_output"));
+            if (below(6) == 0 && !port && !node->hasTag(QStringLiteral("_viewer")))
+                some.insert(node);
+        }
+        network->removeNodes(some);
+        return !some.isEmpty();
+    }
+
+    bool insertDot()
+    {
+        QList<OssNgEdge *> edges;
+        const QList<OssSnBaseNode *> nodes = m_network->nodes();
+        for (const OssSnBaseNode *node : nodes)
+            edges.append(itemOf(node)->inputs());
+        if (edges.isEmpty())
+            return false;
+        OssNgEdge *edge = edges.at(below(edges.size()));
+        edge->switchToDotableMode(true);
+        edge->clickMarker();
+        return true;
+    }
+
+    bool setAnyAttribute()
+    {
+        OssSnBaseNode *node = anyNode();
+        const QString name = node ? anyOf(node->userAttributeNames()) : QString();
+        if (name.isEmpty())
+            return false;
+        const QVariant present = node->attribute(name);
+        switch (present.userType()) {
+        case QMetaType::Double:
+            return node->setAttribute(name, below(1000) / 37.0);
+        case QMetaType::Int:
+            return node->setAttribute(name, below(50));
+        case QMetaType::Bool:
+            return node->setAttribute(name, !present.toBool());
+        case QMetaType::QString:
+            return node->setAttribute(name, QStringLiteral("text <%1>").arg(below(9)));
+        default:
+            return false;
+        }
+    }
+
+    bool moveAny()
+    {
+        OssSnBaseNode *node = anyNode();
+        if (node)
+            contextOf(node)->setNodePositionUndo({below(4000) - 2000.0, below(3000) / 7.0});
+        return node != nullptr;
+    }
+
+    bool resizeAny()
+    {
+        OssSnBaseNode *node = anyNode();
+        if (!node || !qobject_cast<OssNgBackdropNode *>(itemOf(node)))
+            return false;
+        contextOf(node)->setNodeSizeUndo({100.0 + below(500), 80.0 + below(400)});
+        return true;
+    }
+
+    bool reorderPorts()
+    {
+        QList<OssSnGroupNode *> groups;
+        const QList<OssSnBaseNode *> all = m_network->getAllNodes();
+        for (OssSnBaseNode *node : all) {
+            auto *group = qobject_cast<OssSnGroupNode *>(node);
+            if (group && group->inputNames().size() > 1)
+                groups.append(group);
+        }
+        if (groups.isEmpty())
+            return false;
+        OssSnGroupNode *group = groups.at(below(groups.size()));
+        QStringList names = group->inputNames();
+        names.move(0, names.size() - 1);
+        return group->reorderInputs(names);
+    }
+
+    /// Enough for every operation to find something to work on, whatever was removed before.
+    void supply()
+    {
+        OssSnBaseNode *last = m_network->createNode(QStringLiteral("Procedural/Color"));
+        for (int i = 0; i < 4; ++i) {
+            OssSnBaseNode *next = m_network->createNode(QStringLiteral("Filter/Blur"));
+            wire(last, next);
+            last = next;
+            create("Misc/Backdrop");
+            auto *group = qobject_cast<OssSnGroupNode *>(
+                m_network->createNode(QStringLiteral("Misc/Group")));
+            for (const char *name : {"A", "B", "C"})
+                group->createInput(QString::fromLatin1(name), OssSnDataKind::Color);
+        }
+    }
+
+    bool cancelled()
+    {
+        OssUndoManager::AutoMacro macro(QStringLiteral("Cancelled"));
+        create("Filter/Blur");
+        connectAny();
+        removeSome();
+        macro.cancel();
+        return true;
+    }
+
+    QVector<Operation> operations()
+    {
+        const auto forNode = [this](const std::function<void(OssSnBaseNode *)> &change) {
+            return [this, change] {
+                OssSnBaseNode *node = anyNode();
+                if (node)
+                    change(node);
+                return node != nullptr;
+            };
+        };
+        const auto forGroup = [this](const std::function<bool(OssSnGroupNode *)> &change) {
+            return [this, change] {
+                auto *group = any<OssSnGroupNode>();
+                return group && change(group);
+            };
+        };
+        const auto label = [this] {
+            return QStringLiteral("P%1").arg(below(1000));
+        };
+        return {
+            {"create merge",
+             [this] {
+                 return create("Layer/Merge");
+             }},
+            {"create blur",
+             [this] {
+                 return create("Filter/Blur");
+             }},
+            {"create brick",
+             [this] {
+                 return create("Procedural/Pattern/Brick");
+             }},
+            {"create backdrop",
+             [this] {
+                 return create("Misc/Backdrop");
+             }},
+            {"create note",
+             [this] {
+                 return create("Misc/Sticky Note");
+             }},
+            {"create dot",
+             [this] {
+                 return create("Misc/Dot");
+             }},
+            {"create group",
+             [this] {
+                 return create("Misc/Group");
+             }},
+            {"connect",
+             [this] {
+                 return connectAny();
+             }},
+            {"connect more",
+             [this] {
+                 return connectAny();
+             }},
+            {"disconnect", forNode([this](OssSnBaseNode *node) {
+                 node->setInputNode(anyOf(node->inputNames()), nullptr, {});
+             })},
+            {"disconnect all", forNode([](OssSnBaseNode *node) { node->disconnectAll(); })},
+            {"remove",
+             [this] {
+                 return removeSome();
+             }},
+            {"extract",
+             forNode([](OssSnBaseNode *node) { node->network()->extractNodes({node}, true); })},
+            {"rename", forNode([this](OssSnBaseNode *node) {
+                 if (!node->hasTag(QStringLiteral("_input"))
+                     && !node->hasTag(QStringLiteral("_output")))
+                     node->setName(QStringLiteral("Name %1").arg(below(20)));
+             })},
+            {"describe", forNode([this](OssSnBaseNode *node) {
+                 node->setDescription(QStringLiteral("d%1").arg(below(5)));
+             })},
+            {"disable", forNode([](OssSnBaseNode *node) { node->toggleDisable(); })},
+            {"bypass", forNode([](OssSnBaseNode *node) { node->toggleBypass(); })},
+            {"cache", forNode([this](OssSnBaseNode *node) { node->setCacheActive(below(3)); })},
+            {"enable input", forNode([this](OssSnBaseNode *node) {
+                 node->setInputEnabled(anyOf(node->inputNames()), below(2) == 0);
+             })},
+            {"attribute",
+             [this] {
+                 return setAnyAttribute();
+             }},
+            {"move",
+             [this] {
+                 return moveAny();
+             }},
+            {"resize",
+             [this] {
+                 return resizeAny();
+             }},
+            {"insert dot",
+             [this] {
+                 return insertDot();
+             }},
+            {"group input", forGroup([label](OssSnGroupNode *group) {
+                 return group->createInput(label(), OssSnDataKind::Scalar) != nullptr;
+             })},
+            {"group output", forGroup([label](OssSnGroupNode *group) {
+                 return group->createOutput(label(), OssSnDataKind::Color) != nullptr;
+             })},
+            {"rename port", forGroup([this, label](OssSnGroupNode *group) {
+                 return group->renameInput(anyOf(group->inputNames()), label());
+             })},
+            {"remove port", forGroup([this](OssSnGroupNode *group) {
+                 return group->removeInput(anyOf(group->inputNames()));
+             })},
+            {"reorder ports",
+             [this] {
+                 return reorderPorts();
+             }},
+            {"cancelled macro",
+             [this] {
+                 return cancelled();
+             }},
+            {"select", forNode([](OssSnBaseNode *node) { node->setSelected(!node->selected()); })},
+            {"undo",
+             [this] {
+                 for (int i = below(4); i >= 0; --i)
+                     OssUndoManager::instance()->undo();
+                 return true;
+             }},
+            {"redo",
+             [] {
+                 OssUndoManager::instance()->redo();
+                 return true;
+             }},
+        };
+    }
+
+    void reopen()
+    {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(m_project->name() + QStringLiteral(".ossa"));
+        const QByteArray hash = m_project->stateHash();
+        OssProjectManager *projects = OssProjectManager::instance();
+        ASSERT_TRUE(projects->saveProjectAs(path));
+        const OssResult opened = projects->openProject(path);
+        ASSERT_TRUE(opened) << qPrintable(opened.error());
+        m_project = projects->currentProject();
+        m_network = m_project->shadingGroups().first()->network();
+        ASSERT_EQ(m_project->stateHash(), hash);
+        expectItemsMatchModel();
+    }
+
+    QRandomGenerator m_random;
+};
+
+TEST_F(RandomEdits, undoRedoSaveAndOpenGiveTheIdenticalDocument)
+{
+    constexpr int rounds = 8;
+    constexpr int steps = 400;
+    const quint32 seed = qEnvironmentVariableIsSet("OSSA_SEED")
+                             ? quint32(qEnvironmentVariableIntValue("OSSA_SEED"))
+                             : QRandomGenerator::global()->generate() % 1000000;
+    std::printf("OSSA_SEED=%u\n", seed);
+    m_random.seed(seed);
+    const QVector<Operation> all = operations();
+    QMap<QByteArray, int> ran;
+    for (int round = 0; round < rounds; ++round) {
+        supply();
+        OssUndoManager::instance()->clear();
+        const QByteArray start = m_project->stateHash();
+        for (int step = 0; step < steps; ++step) {
+            const Operation &operation = all.at(below(all.size()));
+            if (operation.run())
+                ++ran[operation.name];
+            if (step % 40 == 0)
+                expectItemsMatchModel();
+            if (HasFailure())
+                FAIL() << "seed " << seed << ", round " << round << ", step " << step << ": "
+                       << operation.name;
+        }
+        expectUndoIsExact(start);
+        expectItemsMatchModel();
+        reopen();
+        if (HasFailure())
+            FAIL() << "seed " << seed << ", round " << round;
+    }
+    EXPECT_EQ(ran.size(), all.size()) << "seed " << seed;
+    for (const Operation &operation : all)
+        EXPECT_GT(ran.value(operation.name), 4) << operation.name << ", seed " << seed;
+}
+
+} // namespace

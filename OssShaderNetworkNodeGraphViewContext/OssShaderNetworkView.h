@@ -7,6 +7,7 @@
 #include <QPointer>
 #include <QPointF>
 
+class OssNgBackdropNode;
 class OssShaderNetwork;
 class OssSnBaseNode;
 class QAction;
@@ -31,10 +32,29 @@ public:
 
     bool isAutoInsertOn() const override;
 
+    // Placement. What moves is recorded and joins the open macro. A node without an item, or whose
+    // reference has none where one is needed, stays.
+
     /// The overlap rule: moves the node until it lies on no other; backdrops do not count.
     void placeNode(OssSnBaseNode *node);
     /// Diagonally below and to the right of the other item, 30 units clear of its corner.
     void relocateNodeBeside(OssNgNode *guiNode, const OssNgNode *other);
+    void positionNodeManual(OssSnBaseNode *node, OssSnBaseNode *reference, const QPointF &offset);
+    void positionNodeUnderneath(OssSnBaseNode *node, OssSnBaseNode *reference, int factor);
+    /// For backdrops: beside another backdrop, or beside a node at its own height.
+    void positionNodeNextTo(OssSnBaseNode *node, OssSnBaseNode *reference);
+    void positionNodeAtFreeSpot(OssSnBaseNode *node);
+    /// With `freshCoordinates` both coordinates come from the reference; without, an axis in which
+    /// there is no step keeps the node's own. Without a reference the free spot stands in.
+    void positionNodeOnGrid(OssSnBaseNode *node, OssSnBaseNode *reference, int column, int row,
+                            bool freshCoordinates);
+    void positionNodeBesideReference(OssSnBaseNode *node, OssSnBaseNode *reference);
+    /// Puts the node underneath the reference and stretches its container around it, and around the
+    /// reference's container where that is another one inside.
+    void syncNodeUnderneath(OssSnBaseNode *node, OssSnBaseNode *container, OssSnBaseNode *reference,
+                            OssSnBaseNode *referenceContainer);
+    /// Gives the containers of a layer stack one right edge: that of the widest.
+    void uniformariseContainers(const QList<OssSnBaseNode *> &containers);
     /// Connects the node's preferred output to an input of the viewer and looks at it.
     void connectNodeToViewer(OssSnBaseNode *node, int input);
     /// Makes a node with its centre at a point of the viewport. Null when the type is unknown.
@@ -93,11 +113,14 @@ private:
     QRectF selectionBounds() const;
     QRectF selectionOrAllBounds() const;
     void capZoom();
+    void moveNode(OssNgNode *guiNode, const QPointF &position);
+    void stretchContainer(OssNgBackdropNode *backdrop, const QRectF &sceneRect);
+    QPointF freeSpot() const;
     OssNgNode *nodeForDoubleClick(const QMouseEvent *event) const;
 
     struct StartPosition
     {
-        QPointer<OssNgNode> node; ///< the key is an address only once it is null
+        QPointer<OssNgNode> node; ///< once it is null, the key is but an address
         QPointF position;
     };
 

@@ -180,6 +180,15 @@ protected Q_SLOTS:
     void updateDescriptiveInputNames();
     void updateDescriptiveOutputNames();
     void onHoveredChanged(bool hovered);
+    void onSetLayout(OssSnBaseNode::NodeLayoutType Type, OssSnBaseNode *ReferenceNode,
+                     bool FreshCoordinates, bool PreventOverlap);
+    void onNodePositionedManual(OssSnBaseNode *ReferenceNode, QPointF Offset);
+    void onNodePositionedUnderneath(OssSnBaseNode *ReferenceNode, int Factor);
+    void onNodePositionedNextTo(OssSnBaseNode *ReferenceNode);
+    void onNodePositionedOnTopIdented(OssSnBaseNode *ReferenceNode);
+    void onNodeSyncedUnderneathNode(OssSnBaseNode *ReferenceNode,
+                                    bool IgnoreContainerOfPreviousNode);
+    void onUniformariseContainers(QList<OssSnBaseNode *> LayerListNode);
     void placeNode();
 
 protected:

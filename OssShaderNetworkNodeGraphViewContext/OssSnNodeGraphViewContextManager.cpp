@@ -35,6 +35,9 @@ OssSnNodeGraphViewContextManager::OssSnNodeGraphViewContextManager()
     : m_controlType(QStringLiteral("Kova"))
 {
     setObjectName(QStringLiteral("OssSnNodeGraphViewContextManager"));
+    // The names that the signals carry.
+    qRegisterMetaType<ZoomTo>("ZoomTo");
+    qRegisterMetaType<DefaultMCMCollapsedState>("DefaultMCMCollapsedState");
     loadPreferences();
     registerPreferences();
     // Owned by the network manager, which keeps loaders without a parent for the process.
@@ -220,6 +223,9 @@ void OssSnNodeGraphViewContextManager::onNodeRegistered(OssShaderNetwork *Networ
             scene->addItem(item);
     };
     add(guiNode);
+    // A viewer that comes from another network has left its virtual wire there.
+    if (Node->hasTag(QStringLiteral("_viewer")))
+        contextOf(Node)->updateGuiEdges();
     const QList<OssNgEdge *> edges = guiNode->inputs() + guiNode->outputs();
     for (OssNgEdge *edge : edges)
         add(edge);

@@ -63,13 +63,6 @@ void OssSnNodeGraphViewContext::connectNodeState()
     connect(node, &Node::gotoNode, this, &Context::gotoNode);
 }
 
-void OssSnNodeGraphViewContext::connectNodePlacement()
-{
-    const OssSnBaseNode *node = parentNode();
-    connect(node, &OssSnBaseNode::newNodeAdded, this, &OssSnNodeGraphViewContext::placeNode);
-    connect(node, &OssSnBaseNode::newNodeAdded, this, &OssSnNodeGraphViewContext::onNewNodeAdded);
-}
-
 void OssSnNodeGraphViewContext::connectGui()
 {
     using Context = OssSnNodeGraphViewContext;
@@ -129,12 +122,6 @@ void OssSnNodeGraphViewContext::onNewNodeAdded()
 {
     if (qobject_cast<OssSnMultiChannelGroupNode *>(parentNode()))
         setPortListMode(OssSnNodeGraphViewContextManager::instance()->defaultMCMCollapsedState());
-}
-
-void OssSnNodeGraphViewContext::placeNode()
-{
-    if (OssShaderNetworkView *view = viewOrComplain())
-        view->placeNode(parentNode());
 }
 
 // --- port list mode

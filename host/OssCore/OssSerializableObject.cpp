@@ -35,18 +35,18 @@ QString OssSerializableObject::uuidString() const
     return m_uuid.toString();
 }
 
-bool OssSerializableObject::setUuidString(const QString &text)
+bool OssSerializableObject::setUuidString(const QString &uuid)
 {
-    const QUuid uuid = QUuid::fromString(text);
-    if (uuid.isNull())
+    const QUuid read = QUuid::fromString(uuid);
+    if (read.isNull())
         return false;
-    if (uuid == m_uuid)
+    if (read == m_uuid)
         return true;
     OssObjectReferenceManager *manager = OssObjectReferenceManager::instance();
     if (!m_uuid.isNull())
         manager->remove(m_uuid, this);
-    m_uuid = uuid;
-    manager->add(uuid, this);
+    m_uuid = read;
+    manager->add(read, this);
     return true;
 }
 
@@ -297,10 +297,9 @@ bool OssSerializableObject::loadChild(OssDeserializer &deserializer)
             object->load(deserializer);
         else
             m_foreign.append(deserializer.readRaw());
-    } else if (element == QLatin1String("attribute")
-               && onLoadUserAttribute(attributes.value(QStringLiteral("name")), attributes)) {
-        deserializer.skipElement();
-    } else if (onLoadElement(deserializer, element, attributes)) {
+    } else if ((element == QLatin1String("attribute")
+                && onLoadUserAttribute(attributes.value(QStringLiteral("name")), attributes))
+               || onLoadElement(deserializer, element, attributes)) {
         deserializer.skipElement();
     } else {
         m_foreign.append(deserializer.readRaw());
@@ -313,7 +312,8 @@ void OssSerializableObject::loadProperties(const Attributes &attributes)
     for (auto it = attributes.cbegin(); it != attributes.cend(); ++it) {
         const int index = metaObject()->indexOfProperty(it.key().toLatin1().constData());
         const QMetaProperty property = metaObject()->property(index);
-        if (index < 0 || !property.isWritable() || !property.isStored(this)) {
+        // Whether the value would be stored now does not count: it is still the default.
+        if (index < 0 || !property.isWritable() || !property.isStored()) {
             m_foreignProperties.insert(it.key(), it.value());
             continue;
         }
@@ -407,7 +407,7 @@ bool OssSerializableObject::onLoadUserAttribute(const QString &name, const Attri
     if (!value.isValid())
         return false;
     if (value.userType() == qMetaTypeId<OssUserEnum>()) {
-        OssUserEnum choice = attribute.value().value<OssUserEnum>();
+        auto choice = attribute.value().value<OssUserEnum>();
         choice.setCurrentValue(value.value<OssUserEnum>().currentValue());
         value = QVariant::fromValue(choice);
     }

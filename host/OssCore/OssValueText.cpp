@@ -74,6 +74,26 @@ QStringList unescapedList(const QString &text)
     return list;
 }
 
+/// The types that Ossa registers, and the enumerations.
+QVariant registeredFromText(const QString &text, int type)
+{
+    bool ok = false;
+    if (type == qMetaTypeId<OssColor>()) {
+        const OssColor color = OssColor::fromString(text, &ok);
+        return ok ? QVariant::fromValue(color) : QVariant();
+    }
+    if (type == qMetaTypeId<OssUserEnum>()) {
+        const int number = text.toInt(&ok);
+        return ok ? QVariant::fromValue(OssUserEnum({}, number)) : QVariant();
+    }
+    if (QMetaType(type).flags() & QMetaType::IsEnumeration) {
+        const int number = text.toInt(&ok);
+        return ok ? QVariant(number) : QVariant();
+    }
+    QVariant value(text);
+    return value.convert(type) ? value : QVariant();
+}
+
 } // namespace
 
 QString OssValueText::toText(const QVariant &value)
@@ -109,7 +129,7 @@ QString OssValueText::toText(const QVariant &value)
 
 QVariant OssValueText::fromText(const QString &text, int type)
 {
-    double v[4];
+    double v[4] = {};
     bool ok = false;
     switch (type) {
     case QMetaType::Bool:
@@ -138,18 +158,5 @@ QVariant OssValueText::fromText(const QString &text, int type)
     default:
         break;
     }
-    if (type == qMetaTypeId<OssColor>()) {
-        const OssColor color = OssColor::fromString(text, &ok);
-        return ok ? QVariant::fromValue(color) : QVariant();
-    }
-    if (type == qMetaTypeId<OssUserEnum>()) {
-        const int number = text.toInt(&ok);
-        return ok ? QVariant::fromValue(OssUserEnum({}, number)) : QVariant();
-    }
-    if (QMetaType(type).flags() & QMetaType::IsEnumeration) {
-        const int number = text.toInt(&ok);
-        return ok ? QVariant(number) : QVariant();
-    }
-    QVariant value(text);
-    return value.convert(type) ? value : QVariant();
+    return registeredFromText(text, type);
 }

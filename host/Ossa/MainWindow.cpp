@@ -4,7 +4,6 @@
 #include "Ossa/CommandPalette.h"
 #include "Ossa/Commands.h"
 #include "Ossa/EditCommands.h"
-#include "Ossa/GroupCommands.h"
 #include "Ossa/MainMenus.h"
 #include "Ossa/NotificationBar.h"
 #include "Ossa/PaletteDocks.h"
@@ -52,7 +51,6 @@ MainWindow::MainWindow()
     setStatusBar(new StatusArea(this));
     m_project = new ProjectCommands(this);
     new EditCommands(this); // owned by the window
-    GroupCommands::file(this);
     fileViewCommands();
     fileHelpCommands();
     new MainMenus(menuBar()); // owned by the menu bar

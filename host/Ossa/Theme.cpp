@@ -139,6 +139,8 @@ QTabBar::tab {
 }
 QTabBar::tab:selected { background: @raised; color: @text; }
 QTabBar::tab:hover:!selected { background: @raised; }
+QTabBar::close-button { image: url("@icons/Close.png"); width: 12px; height: 12px; margin: 2px; }
+QTabBar::close-button:hover { background: @line; border-radius: 3px; }
 QTabWidget::pane { border: 0; }
 
 OssPalette { background: @panel; }

@@ -214,6 +214,34 @@ TEST_F(ContextTest, theViewerKeepsItsWiresWhereverItGoes)
     EXPECT_EQ(itemOf(viewer)->inputPortText(QStringLiteral("0")), QStringLiteral("0:Red"));
 }
 
+TEST_F(ContextTest, viewersThatNoStepTellsOfDoNotHarmTheHistory)
+{
+    OssUndoManager *undo = OssUndoManager::instance();
+    auto *group = qobject_cast<OssSnGroupNode *>(addAt("Misc/Group", {0, 200}));
+    OssSnBaseNode *viewer = m_network->viewerNode();
+    m_network->removeNodes({viewer});
+    undo->undo();
+    group->groupNetwork()->moveCurrentViewerNodeToNetwork();
+    undo->redo();
+    EXPECT_EQ(m_network->viewerNode(), nullptr);
+    expectItemsMatchModel();
+    undo->undo();
+    EXPECT_EQ(m_network->viewerNode(), viewer);
+    EXPECT_EQ(viewer->network(), m_network);
+    expectItemsMatchModel();
+
+    undo->redo();
+    ASSERT_NE(m_network->moveCurrentViewerNodeToNetwork(), nullptr);
+    undo->undo();
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("P.ossa"));
+    OssProjectManager *projects = OssProjectManager::instance();
+    ASSERT_TRUE(projects->saveProjectAs(path));
+    EXPECT_TRUE(projects->openProject(path));
+    m_project = projects->currentProject();
+    m_network = m_project->shadingGroups().first()->network();
+}
+
 TEST_F(ContextTest, portsAlongTheEdgesKeepTheirPlaceWhenRenamed)
 {
     auto *group = qobject_cast<OssSnGroupNode *>(addAt("Misc/Group", {0, 0}));

@@ -128,15 +128,18 @@ void OssShaderNetwork::nodeWasRenamed(OssSnBaseNode *node, const QString &oldNam
     m_byName.insert(node->name(), node);
 }
 
-OssSnBaseNode *OssShaderNetwork::insertNode(NodePointer pointer, int index)
+OssSnBaseNode *OssShaderNetwork::insertNode(NodePointer node, int index)
 {
-    OssSnBaseNode *node = pointer.get();
-    node->setNetwork(this);
+    OssSnBaseNode *inserted = node.get();
+    // One that comes back may find its name taken: the making of a viewer is no step.
+    if (m_byName.contains(inserted->name()))
+        inserted->applyName(generateUniqueNodeName(inserted->name()));
+    inserted->setNetwork(this);
     const auto size = std::ptrdiff_t(m_nodes.size());
     const auto at = index < 0 ? size : std::min(std::ptrdiff_t(index), size);
-    m_nodes.insert(m_nodes.begin() + at, std::move(pointer));
-    m_byName.insert(node->name(), node);
-    return node;
+    m_nodes.insert(m_nodes.begin() + at, std::move(node));
+    m_byName.insert(inserted->name(), inserted);
+    return inserted;
 }
 
 OssShaderNetwork::NodePointer OssShaderNetwork::takeNode(OssSnBaseNode *node, int *index)

@@ -29,8 +29,11 @@ struct OssShaderNetwork::Removed
     void takeFrom(OssShaderNetwork *network)
     {
         // Backwards, so that each index is right again when they are put back forwards.
-        for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry)
-            entry->holder = network->takeNode(entry->node, &entry->index);
+        for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
+            // A viewer is moved between networks without a step that tells of it.
+            OssShaderNetwork *home = entry->node->network();
+            entry->holder = (home ? home : network)->takeNode(entry->node, &entry->index);
+        }
         Q_EMIT network->nodesChanged();
     }
 
@@ -77,16 +80,16 @@ QList<OssSnBaseNode *> OssShaderNetwork::createNodesFromNodePathKey(const QStrin
     return node ? QList<OssSnBaseNode *>{node} : QList<OssSnBaseNode *>{};
 }
 
-OssSnBaseNode *OssShaderNetwork::addNode(NodePointer pointer, bool fresh)
+OssSnBaseNode *OssShaderNetwork::addNode(NodePointer node, bool fresh)
 {
-    pointer->m_name = generateUniqueNodeName(pointer->name());
-    OssSnBaseNode *node = insertNode(std::move(pointer), -1);
-    node->createContexts();
-    node->initializeContexts();
-    registerNode(node);
+    node->m_name = generateUniqueNodeName(node->name());
+    OssSnBaseNode *added = insertNode(std::move(node), -1);
+    added->createContexts();
+    added->initializeContexts();
+    registerNode(added);
     if (fresh)
-        Q_EMIT node->newNodeAdded();
-    return node;
+        Q_EMIT added->newNodeAdded();
+    return added;
 }
 
 // --- removal

@@ -49,20 +49,20 @@ void OssSnBaseNode::deleteContexts()
 
 // --- identity
 
-void OssSnBaseNode::setName(const QString &wanted)
+void OssSnBaseNode::setName(const QString &name)
 {
-    QString name = wanted.simplified();
-    name.replace(QLatin1Char('/'), QLatin1Char('_'));
-    if (name.isEmpty() || name == m_name)
+    QString after = name.simplified();
+    after.replace(QLatin1Char('/'), QLatin1Char('_'));
+    if (after.isEmpty() || after == m_name)
         return;
     if (m_network)
-        name = m_network->generateUniqueNodeName(name);
+        after = m_network->generateUniqueNodeName(after);
     const QString before = m_name;
-    applyName(name);
+    applyName(after);
     if (m_network) {
         OssUndoManager::instance()->record(
             tr("Rename %1").arg(before), [this, before] { applyName(before); },
-            [this, name] { applyName(name); });
+            [this, after] { applyName(after); });
     }
 }
 
@@ -166,12 +166,11 @@ void OssSnBaseNode::createContexts()
 void OssSnBaseNode::initializeContexts()
 {
     m_contextsReady = true;
-    for (int i = 0; i < m_contexts.size(); ++i) {
-        OssSnBaseContext *context = m_contexts.at(i).context;
-        context->initializeGui();
+    for (const NamedContext &named : qAsConst(m_contexts)) {
+        named.context->initializeGui();
         const QVector<OssCustomAttribute> attributes = userAttributes();
         for (const OssCustomAttribute &attribute : attributes)
-            context->onUserAttributeChanged(attribute, this);
+            named.context->onUserAttributeChanged(attribute, this);
     }
 }
 
@@ -319,16 +318,16 @@ void OssSnBaseNode::onUserAttributeSet(const OssCustomAttribute &attribute, bool
 {
     if (!m_contextsReady)
         return;
-    for (int i = 0; i < m_contexts.size(); ++i)
-        m_contexts.at(i).context->onUserAttributeChanged(attribute, this);
+    for (const NamedContext &named : qAsConst(m_contexts))
+        named.context->onUserAttributeChanged(attribute, this);
     if (added)
         Q_EMIT nodeAttributeCreated(attribute.name());
 }
 
 void OssSnBaseNode::onUserAttributeGone(const OssCustomAttribute &attribute)
 {
-    for (int i = 0; i < m_contexts.size(); ++i)
-        m_contexts.at(i).context->onUserAttributeRemoved(attribute, this);
+    for (const NamedContext &named : qAsConst(m_contexts))
+        named.context->onUserAttributeRemoved(attribute, this);
     Q_EMIT visibleNodeAttributeRemoved(attribute.name());
 }
 

@@ -63,8 +63,7 @@ void keepGeneration(const QString &folder)
         OssDebug("OssProjectFile", __LINE__, "[ !! ] %s", qPrintable(copied.error()));
 }
 
-OssResult readDocument(OssDeserializer &reader, OssProject **project,
-                       std::unique_ptr<OssProject> &owner)
+OssResult readDocument(OssDeserializer &reader, std::unique_ptr<OssProject> &owner)
 {
     OssDeserializer::Attributes attributes;
     const OssResult begun = reader.beginDocument(DocumentElement, &attributes);
@@ -87,7 +86,6 @@ OssResult readDocument(OssDeserializer &reader, OssProject **project,
     }
     if (!owner && !reader.failed())
         reader.raiseError(tr("there is no project in it"));
-    *project = owner.get();
     return reader.result();
 }
 
@@ -111,11 +109,10 @@ std::unique_ptr<OssProject> OssProjectFile::read(const QString &path, OssResult 
     buffer.open(QIODevice::ReadOnly);
     OssDeserializer reader(&buffer, document);
     std::unique_ptr<OssProject> owner;
-    OssProject *project = nullptr;
-    *result = readDocument(reader, &project, owner);
-    if (!*result)
+    *result = readDocument(reader, owner);
+    if (!*result || !owner)
         return nullptr;
-    project->setPath(folder);
+    owner->setPath(folder);
     return owner;
 }
 

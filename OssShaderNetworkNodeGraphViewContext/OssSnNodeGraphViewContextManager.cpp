@@ -23,6 +23,16 @@ namespace {
 constexpr const char *Source = "OssSnNodeGraphViewContextManager";
 const ZelTextureToken TextureToken;
 
+/// The entry of a network that is dying: no longer a network, only its address counts.
+template <class Value>
+auto findByAddress(QHash<OssShaderNetwork *, Value> &table, const QObject *network)
+{
+    auto entry = table.begin();
+    while (entry != table.end() && static_cast<QObject *>(entry.key()) != network)
+        ++entry;
+    return entry;
+}
+
 } // namespace
 
 OssSnNodeGraphViewContextManager *OssSnNodeGraphViewContextManager::instance()
@@ -172,9 +182,8 @@ void OssSnNodeGraphViewContextManager::onShaderNetworkAdded(OssShaderNetwork *Ne
 
 void OssSnNodeGraphViewContextManager::onShaderNetworkDestroyed(QObject *Obj)
 {
-    // The object is no longer a network: only its address counts.
-    const auto found = m_scenes.constFind(static_cast<OssShaderNetwork *>(Obj));
-    if (found == m_scenes.cend()) {
+    const auto found = findByAddress(m_scenes, Obj);
+    if (found == m_scenes.end()) {
         if (!m_scenes.isEmpty())
             OssDebug(Source, __LINE__, "Failed to find scene for network");
         return;
@@ -186,7 +195,9 @@ void OssSnNodeGraphViewContextManager::onShaderNetworkDestroyed(QObject *Obj)
 
 void OssSnNodeGraphViewContextManager::onNetworkDestroyed(QObject *Obj)
 {
-    m_viewRects.remove(static_cast<OssShaderNetwork *>(Obj));
+    const auto found = findByAddress(m_viewRects, Obj);
+    if (found != m_viewRects.end())
+        m_viewRects.erase(found);
 }
 
 void OssSnNodeGraphViewContextManager::onProjectClosing()

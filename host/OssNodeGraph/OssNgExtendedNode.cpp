@@ -205,9 +205,9 @@ qreal OssNgExtendedNode::headerExtra() const
     return width;
 }
 
-void OssNgExtendedNode::paintHeaderExtra(QPainter *painter, const QRectF &header) const
+void OssNgExtendedNode::paintHeaderExtra(QPainter *painter, const QRectF &area) const
 {
-    qreal x = header.right();
+    qreal x = area.right();
     QPen pen(QColor(255, 255, 255, 210), 1.3);
     pen.setCapStyle(Qt::RoundCap);
     pen.setJoinStyle(Qt::RoundJoin);
@@ -229,7 +229,7 @@ void OssNgExtendedNode::paintHeaderExtra(QPainter *painter, const QRectF &header
         if (!icon.visible)
             continue;
         const QTransform before = painter->worldTransform();
-        painter->translate(x - IconWidth / 2.0, header.center().y());
+        painter->translate(x - IconWidth / 2.0, area.center().y());
         paintIcon(painter, icon.name);
         painter->setWorldTransform(before);
         x -= IconWidth;

@@ -14,6 +14,18 @@ constexpr qreal ErrorLine = 14.0;
 constexpr qreal ThumbnailInset = 10.0;
 constexpr int MostErrorLines = 3;
 
+/// How many rows the listed ports reach down to.
+int rowCount(const QVector<OssNgPort> &ports)
+{
+    const qreal first = OssNgStyle::Margin + OssNgStyle::HeaderHeight + OssNgStyle::FirstRow;
+    int rows = 0;
+    for (const OssNgPort &port : ports) {
+        if (port.listed)
+            rows = std::max(rows, 1 + qRound((port.position.y() - first) / OssNgStyle::RowHeight));
+    }
+    return rows;
+}
+
 } // namespace
 
 bool OssNgNode::isPortListed(const OssNgPort &, Side) const
@@ -32,17 +44,9 @@ QSizeF OssNgNode::layoutBody()
         placePortsAlongEdges();
     else
         placePortsInRows();
-    int rows = 0;
-    for (const Side side : {Side::Input, Side::Output}) {
-        for (const OssNgPort &port : qAsConst(ports(side))) {
-            if (!port.listed || portsAlongEdges())
-                continue;
-            const qreal first = OssNgStyle::Margin + OssNgStyle::HeaderHeight
-                                + OssNgStyle::FirstRow;
-            rows = std::max(rows,
-                            1 + int((port.position.y() - first) / OssNgStyle::RowHeight + 0.5));
-        }
-    }
+    const int rows = portsAlongEdges()
+                         ? 0
+                         : std::max(rowCount(ports(Side::Input)), rowCount(ports(Side::Output)));
     const qreal title = OssNgText::width(OssNgText::Role::Title, m_text)
                         + 2 * OssNgStyle::TitleInset + headerExtra() + statusWidth();
     const qreal width = std::ceil(std::clamp(std::max(title, rowsWidth()), OssNgStyle::MinimumWidth,

@@ -12,6 +12,24 @@
 #include <QPainter>
 #include <QSet>
 
+namespace {
+
+/// Leaves alone what is selected already, so that only changes are heard of.
+void applySelection(QGraphicsScene *scene, const QSet<QGraphicsItem *> &wanted)
+{
+    const QList<QGraphicsItem *> selected = scene->selectedItems();
+    for (QGraphicsItem *item : selected) {
+        if (!wanted.contains(item))
+            item->setSelected(false);
+    }
+    for (QGraphicsItem *item : wanted) {
+        if (!item->isSelected() && item->scene() == scene)
+            item->setSelected(true);
+    }
+}
+
+} // namespace
+
 OssNgRubberBandGesture::OssNgRubberBandGesture(OssNgView *view, Qt::MouseButton button,
                                                const QPointF &start, bool extend)
     : OssNgGesture(view, button)
@@ -94,15 +112,7 @@ void OssNgRubberBandGesture::select(const QRectF &sceneBand)
         for (QGraphicsItem *item : qAsConst(m_before))
             wanted.insert(item);
     }
-    const QList<QGraphicsItem *> selected = view()->scene()->selectedItems();
-    for (QGraphicsItem *item : selected) {
-        if (!wanted.contains(item))
-            item->setSelected(false);
-    }
-    for (QGraphicsItem *item : qAsConst(wanted)) {
-        if (!item->isSelected() && item->scene() == view()->scene())
-            item->setSelected(true);
-    }
+    applySelection(view()->scene(), wanted);
 }
 
 void OssNgRubberBandGesture::paint(QPainter *painter) const

@@ -166,7 +166,7 @@ void OssNgSceneIndex::fill(WireEntry &entry, const OssNgEdge *edge) const
 
 void OssNgSceneIndex::addNode(OssNgNode *node)
 {
-    int slot;
+    int slot = 0;
     if (m_freeNodes.empty()) {
         slot = int(m_nodes.size());
         m_nodes.emplace_back();
@@ -236,7 +236,7 @@ void OssNgSceneIndex::unlinkWire(int slot)
 
 void OssNgSceneIndex::addEdge(OssNgEdge *edge)
 {
-    int slot;
+    int slot = 0;
     if (m_freeWires.empty()) {
         slot = int(m_wires.size());
         m_wires.emplace_back();

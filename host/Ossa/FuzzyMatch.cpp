@@ -19,6 +19,24 @@ bool isWordStart(const QString &text, int index)
     return !before.isLetterOrNumber() || (before.isLower() && text.at(index).isUpper());
 }
 
+/// The scores once one more letter is laid on the text; the first may lie anywhere.
+QVector<int> layLetter(QChar letter, bool first, const QVector<int> &best, const QString &text,
+                       const QString &folded)
+{
+    QVector<int> next(text.size(), impossible);
+    int bestBefore = first ? 0 : impossible;
+    for (int i = 0; i < text.size(); ++i) {
+        if (folded.at(i) == letter) {
+            const int bonus = isWordStart(text, i) ? wordStartBonus : 0;
+            const int together = !first && i > 0 ? best.at(i - 1) + neighbourBonus : impossible;
+            next[i] = std::max(bestBefore, together) + letterScore + bonus;
+        }
+        if (!first)
+            bestBefore = std::max(bestBefore, best.at(i));
+    }
+    return next;
+}
+
 } // namespace
 
 // The best way to lay the pattern's letters on the text, letter by letter: best[i] is the score of
@@ -33,20 +51,8 @@ int FuzzyMatch::score(const QString &pattern, const QString &text)
     if (folded.size() != text.size())
         return -1; // letters that change their length: no index would fit
     QVector<int> best(text.size(), impossible);
-    for (int p = 0; p < letters.size(); ++p) {
-        QVector<int> next(text.size(), impossible);
-        int bestBefore = p == 0 ? 0 : impossible;
-        for (int i = 0; i < text.size(); ++i) {
-            if (folded.at(i) == letters.at(p)) {
-                const int bonus = isWordStart(text, i) ? wordStartBonus : 0;
-                const int together = p > 0 && i > 0 ? best.at(i - 1) + neighbourBonus : impossible;
-                next[i] = std::max(bestBefore, together) + letterScore + bonus;
-            }
-            if (p > 0)
-                bestBefore = std::max(bestBefore, best.at(i));
-        }
-        best = next;
-    }
+    for (int p = 0; p < letters.size(); ++p)
+        best = layLetter(letters.at(p), p == 0, best, text, folded);
     const int top = best.isEmpty() ? impossible : *std::max_element(best.cbegin(), best.cend());
     return top < 0 ? -1 : std::max(0, top * 4 - text.size());
 }

@@ -9,14 +9,15 @@
 class Session
 {
 public:
+    Session(const Session &) = delete;
+    Session &operator=(const Session &) = delete;
+
     /// Returns the program's exit code. At most once per process.
     static int run(const CommandLine &line, int &argc, char **argv);
 
 private:
     explicit Session(const CommandLine &line);
     ~Session();
-    Session(const Session &) = delete;
-    Session &operator=(const Session &) = delete;
 
     int runWindow();
 

@@ -5,8 +5,17 @@
 /// slot that an earlier row has.
 // clang-format off
 #define OSS_NODE_GRAPH_ACTIONS(ACTION, ACTION_AGAIN)                                               \
+    ACTION("Delete", deleteSelectedNodes, deleteSelectedNodes())                                   \
+    ACTION("Extract", extractSelectedNode, extractSelectedNode())                                  \
+    ACTION("Remove All Nodes", deleteAllNodes, deleteAllNodes())                                   \
     ACTION("Frame Nodes", frameNodes, frameNodes(true))                                            \
     ACTION("Focus Selection", frameSelectedNodes, frameSelectedNodes())                            \
+    ACTION("Disable", disableSelectedNodes, disableSelectedNodes())                                \
+    ACTION("Bypass", bypassSelectedNode, bypassSelectedNode())                                     \
+    ACTION("Select All", selectAll, selectAll())                                                   \
+    ACTION("Toggle Port List", togglePortVisibility, togglePortVisibility())                       \
+    ACTION("Cycle Port List Mode", cyclePortListMode, cyclePortListMode())                         \
+    ACTION("Open Group Node Subgraph", openGroupNodeSubgraph, openGroupNodeSubgraph())             \
     ACTION("Pick Up Edge Under Mouse", pickUpEdge, pickUpEdge())                                   \
     ACTION_AGAIN("Pick Up Edge Under Mouse", pickUpEdge, pickUpEdge())                             \
     ACTION("Zoom In", zoomIn, zoomIn())                                                            \

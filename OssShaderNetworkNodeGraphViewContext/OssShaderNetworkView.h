@@ -89,6 +89,17 @@ public Q_SLOTS:
     void toggleEdgeSeverAction();
     void createUnconnectedDotNode(OssNgEdge *CandidateEdge);
 
+    // Editing
+    void deleteSelectedNodes();
+    void deleteAllNodes();
+    void extractSelectedNode();
+    void disableSelectedNodes();
+    void bypassSelectedNode();
+    void selectAll();
+    void openGroupNodeSubgraph();
+    void togglePortVisibility();
+    void cyclePortListMode();
+
     // Creation
     void createNodeFromAction(QAction *action);
 
@@ -109,6 +120,10 @@ protected Q_SLOTS:
     void deferredConnectToViewContextManager();
 
 private:
+    /// With a debug line when there is none.
+    bool hasNetwork() const;
+    template <class Change>
+    void changePortLists(const char *missingContext, Change change);
     int selectionCount() const;
     QRectF selectionBounds() const;
     QRectF selectionOrAllBounds() const;

@@ -28,9 +28,9 @@ public:
 
     struct Line
     {
-        Category category;
+        Category category = Plain;
         QString source; ///< without folder and suffix
-        int number;
+        int number = 0;
         QString title; ///< empty for ordinary lines
         QString text;  ///< as written, "[ -- ] " and "[ !! ] " included
     };

@@ -244,4 +244,59 @@ TEST_F(ViewTest, viewsDoNotPaintWhileTheirNetworkForbidsIt)
     EXPECT_TRUE(m_view->updatesEnabled());
 }
 
+TEST_F(ViewTest, editingCommandsAreOneStepWithTheirTitle)
+{
+    OssSnBaseNode *a = addAt("Filter/Blur", {0, 0}, "A");
+    OssSnBaseNode *b = addAt("Filter/Blur", {300, 0}, "B");
+    OssSnBaseNode *layer = addAt("_System/Graph Layer Input", {0, 300}, "Layer");
+    OssSnBaseNode *viewer = m_network->viewerNode();
+    wire(a, b);
+    const QByteArray before = m_project->stateHash();
+    OssUndoManager *undo = OssUndoManager::instance();
+    const auto expectStep = [&](const char *title) {
+        ASSERT_EQ(undo->count(), 1) << title;
+        EXPECT_EQ(undo->undoText(), QString::fromLatin1(title));
+        undo->undo();
+        EXPECT_EQ(m_project->stateHash(), before) << title;
+        undo->clear();
+    };
+    undo->clear();
+    m_view->deleteSelectedNodes();
+    m_view->disableSelectedNodes();
+    m_view->extractSelectedNode();
+    EXPECT_EQ(undo->count(), 0);
+
+    a->setSelected(true);
+    m_view->disableSelectedNodes();
+    EXPECT_FALSE(a->enabledAsBool());
+    expectStep("Disable A");
+    viewer->setSelected(true);
+    b->setSelected(true);
+    m_view->disableSelectedNodes();
+    EXPECT_TRUE(viewer->enabledAsBool());
+    expectStep("Toggle Selected Nodes");
+
+    viewer->setSelected(false);
+    layer->setSelected(true);
+    m_view->deleteSelectedNodes();
+    EXPECT_EQ(layer->network(), m_network);
+    EXPECT_EQ(a->network(), nullptr);
+    EXPECT_TRUE(logHas(QStringLiteral("'Layer' cannot be removed by the user")));
+    expectStep("Remove Selected Nodes");
+
+    m_view->deleteAllNodes();
+    EXPECT_EQ(m_network->nodes(), QList<OssSnBaseNode *>{layer});
+    expectStep("Remove All Nodes");
+
+    m_view->scene()->clearSelection();
+    m_view->selectAll();
+    EXPECT_EQ(m_network->selectedNodes().size(), 4);
+    m_view->togglePortVisibility();
+    EXPECT_EQ(contextOf(a)->portListModeAsInt(), 4);
+    m_view->togglePortVisibility();
+    OssShaderNetworkView lonely(nullptr);
+    lonely.deleteSelectedNodes();
+    EXPECT_TRUE(logHas(QStringLiteral("m_network is NULL")));
+}
+
 } // namespace

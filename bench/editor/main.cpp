@@ -1,13 +1,10 @@
+#include "Ossa/HostStart.h"
 #include "Ossa/PluginLoader.h"
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssResourceInfo.h"
 #include "OssCore/OssUndoManager.h"
-#include "OssCoreModules/Interface/OssActionTreeManager.h"
 #include "OssCoreModules/Interface/OssApplication.h"
 #include "OssCoreModules/Interface/OssPalette.h"
 #include "OssCoreModules/Interface/OssPaletteManager.h"
 #include "OssCoreModules/Network/OssShaderNetwork.h"
-#include "OssCoreModules/Network/OssShaderNetworkManager.h"
 #include "OssCoreModules/Network/OssSnBaseContext.h"
 #include "OssCoreModules/Network/OssSnBaseNode.h"
 #include "OssCoreModules/Project/OssProject.h"
@@ -145,17 +142,12 @@ int main(int argc, char **argv)
     qputenv("OSSA_CONFIG_DIR", folder.path().toLocal8Bit());
     const QApplication application(argc, argv);
     OssApplication::setPopupsAllowed(false);
-    OssDebugLog::instance();
-    OssUndoManager::instance();
-    OssActionTreeManager::instance();
-    OssShaderNetworkManager::instance()->loadNodeTypes(OssResourceInfo::instance()->nodeTypePath());
     PluginLoader plugins;
-    plugins.load(OssResourceInfo::instance()->pluginPath());
+    HostStart::start(&plugins);
     g_cal = calibrate();
     std::printf("cal %.1f ms\n", g_cal);
     for (const int count : {1000, 5000, 10000})
         bench(count, folder.filePath(QStringLiteral("B%1.ossa").arg(count)));
-    OssPaletteManager::instance()->shutdown();
-    OssActionTreeManager::instance()->shutdown();
+    HostStart::shutdown();
     return 0;
 }

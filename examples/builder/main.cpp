@@ -1,12 +1,7 @@
 #include "builder/Examples.h"
+#include "Ossa/HostStart.h"
 #include "Ossa/PluginLoader.h"
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssResourceInfo.h"
-#include "OssCore/OssUndoManager.h"
-#include "OssCoreModules/Interface/OssActionTreeManager.h"
 #include "OssCoreModules/Interface/OssApplication.h"
-#include "OssCoreModules/Interface/OssPaletteManager.h"
-#include "OssCoreModules/Network/OssShaderNetworkManager.h"
 #include "OssCoreModules/Project/OssGeoEntity.h"
 #include "OssCoreModules/Project/OssProject.h"
 #include "OssCoreModules/Project/OssProjectManager.h"
@@ -55,12 +50,8 @@ int main(int argc, char **argv)
         return 2;
     }
     OssApplication::setPopupsAllowed(false);
-    OssDebugLog::instance();
-    OssUndoManager::instance();
-    OssActionTreeManager::instance();
-    OssShaderNetworkManager::instance()->loadNodeTypes(OssResourceInfo::instance()->nodeTypePath());
     PluginLoader plugins;
-    plugins.load(OssResourceInfo::instance()->pluginPath());
+    HostStart::start(&plugins);
 
     const Example examples[] = {
         {"Weathered Brick", "Wall", "plane", writeWeatheredBrick},
@@ -69,8 +60,6 @@ int main(int argc, char **argv)
     bool good = true;
     for (const Example &example : examples)
         good = build(example, QDir(QString::fromLocal8Bit(argv[1]))) && good;
-    OssProjectManager::instance()->closeProject();
-    OssPaletteManager::instance()->shutdown();
-    OssActionTreeManager::instance()->shutdown();
+    HostStart::shutdown();
     return good ? 0 : 1;
 }

@@ -3,46 +3,20 @@
 #include "Ossa/ApplicationPreferences.h"
 #include "Ossa/GraphCommand.h"
 #include "Ossa/HostPalettes.h"
+#include "Ossa/HostStart.h"
 #include "Ossa/InfoCommand.h"
 #include "Ossa/MainWindow.h"
 #include "Ossa/PluginActions.h"
 #include "Ossa/Theme.h"
-#include "OssCore/OssDebug.h"
 #include "OssCore/OssIcon.h"
 #include "OssCore/OssPreferenceManager.h"
-#include "OssCore/OssResourceInfo.h"
-#include "OssCore/OssStatusManager.h"
-#include "OssCore/OssUndoManager.h"
-#include "OssCoreModules/Interface/OssActionTreeManager.h"
 #include "OssCoreModules/Interface/OssApplication.h"
-#include "OssCoreModules/Interface/OssMenuManager.h"
-#include "OssCoreModules/Interface/OssPaletteManager.h"
-#include "OssCoreModules/Interface/OssShortcutManager.h"
-#include "OssCoreModules/Network/OssShaderNetworkManager.h"
-#include "OssCoreModules/Project/OssProjectManager.h"
-#include "OssCoreModules/Script/OssScriptManager.h"
 
 #include <QApplication>
 
 #include <cstdio>
 
 namespace {
-
-// Managers that plug-ins file things with must be there before them, and so outlive them.
-void startManagers()
-{
-    OssDebugLog::instance();
-    OssStatusManager::instance();
-    OssUndoManager::instance();
-    OssPreferenceManager::instance();
-    OssActionTreeManager::instance();
-    OssShortcutManager::instance();
-    OssMenuManager::instance();
-    OssPaletteManager::instance();
-    OssScriptManager::instance();
-    OssShaderNetworkManager::instance();
-    OssProjectManager::instance();
-}
 
 bool hasDisplay()
 {
@@ -99,24 +73,17 @@ Session::Session(const CommandLine &line)
     : m_line(line)
 {
     OssApplication::setPopupsAllowed(!line.isHeadless());
-    startManagers();
     ApplicationPreferences::instance();
-    OssShaderNetworkManager::instance()->loadNodeTypes(OssResourceInfo::instance()->nodeTypePath());
-    m_plugins.load(OssResourceInfo::instance()->pluginPath());
+    HostStart::start(&m_plugins);
     PluginActions::fileUnfiled(m_plugins);
     HostPalettes::registerAll();
 }
 
 Session::~Session()
 {
-    OssProjectManager::instance()->closeProject();
     if (!m_line.isHeadless())
         OssPreferenceManager::instance()->savePreferences();
-    // Widgets and the keys on them go while there is an application; what lives longer finds
-    // nothing of them.
-    OssShortcutManager::instance()->shutdown();
-    OssPaletteManager::instance()->shutdown();
-    OssActionTreeManager::instance()->shutdown();
+    HostStart::shutdown();
 }
 
 int Session::runWindow()

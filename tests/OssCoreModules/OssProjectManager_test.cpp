@@ -175,6 +175,22 @@ TEST_F(ProjectTest, unknownTypesSurviveOpeningAndSaving)
     EXPECT_EQ(document(), once);
 }
 
+TEST_F(ProjectTest, whatAPluginSavedSurvivesWithoutIt)
+{
+    saveGraph();
+    QByteArray text = document();
+    text.replace("key=\"Layer/Merge\">",
+                 "key=\"Layer/Merge\"><object name=\"NodeGraphView\" type=\"X\">"
+                 "<properties shapeType=\"3\"/><object name=\"m_GuiNode\" type=\"Y\">"
+                 "<properties position=\"1.5,2\"/></object></object>");
+    overwrite(text);
+    OssProjectManager *projects = OssProjectManager::instance();
+    ASSERT_TRUE(projects->openProject(projectPath()));
+    ASSERT_TRUE(projects->saveProject());
+    EXPECT_TRUE(document().contains("<properties shapeType=\"3\"/>"));
+    EXPECT_TRUE(document().contains("<properties position=\"1.5,2\"/>"));
+}
+
 TEST_F(ProjectTest, newerProjectsAreForLookingOnly)
 {
     saveGraph();

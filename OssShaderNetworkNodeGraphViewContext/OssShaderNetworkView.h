@@ -122,6 +122,8 @@ protected Q_SLOTS:
 private:
     /// With a debug line when there is none.
     bool hasNetwork() const;
+    /// Of the network; none, with that line, without one.
+    QList<OssSnBaseNode *> selectedNodes() const;
     template <class Change>
     void changePortLists(const char *missingContext, Change change);
     int selectionCount() const;

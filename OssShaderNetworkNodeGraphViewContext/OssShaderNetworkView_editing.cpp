@@ -27,6 +27,11 @@ bool OssShaderNetworkView::hasNetwork() const
     return m_network;
 }
 
+QList<OssSnBaseNode *> OssShaderNetworkView::selectedNodes() const
+{
+    return hasNetwork() ? m_network->selectedNodes() : QList<OssSnBaseNode *>();
+}
+
 void OssShaderNetworkView::deleteSelectedNodes()
 {
     if (!hasNetwork())
@@ -59,8 +64,7 @@ void OssShaderNetworkView::deleteAllNodes()
 
 void OssShaderNetworkView::extractSelectedNode()
 {
-    const QList<OssSnBaseNode *> selected = hasNetwork() ? m_network->selectedNodes()
-                                                         : QList<OssSnBaseNode *>();
+    const QList<OssSnBaseNode *> selected = selectedNodes();
     if (!selected.isEmpty())
         selected.first()->network()->extractNodes(selected, true);
 }
@@ -87,8 +91,7 @@ void OssShaderNetworkView::disableSelectedNodes()
 
 void OssShaderNetworkView::bypassSelectedNode()
 {
-    const QList<OssSnBaseNode *> selected = hasNetwork() ? m_network->selectedNodes()
-                                                         : QList<OssSnBaseNode *>();
+    const QList<OssSnBaseNode *> selected = selectedNodes();
     for (OssSnBaseNode *node : selected) {
         node->toggleBypass();
         tellOfChange();
@@ -125,9 +128,7 @@ void OssShaderNetworkView::openGroupNodeSubgraph()
 template <class Change>
 void OssShaderNetworkView::changePortLists(const char *missingContext, Change change)
 {
-    if (!hasNetwork())
-        return;
-    const QList<OssSnBaseNode *> selected = m_network->selectedNodes();
+    const QList<OssSnBaseNode *> selected = selectedNodes();
     for (const OssSnBaseNode *node : selected) {
         const OssSnNodeGraphViewContext *context = OssSnNodeGraphViewContextManager::contextOf(
             node);

@@ -1,12 +1,26 @@
 #include "OssCore/OssUndoManager.h"
 
+#include <QElapsedTimer>
 #include <QUndoStack>
+
+#include <iterator>
+
+namespace {
+
+constexpr int MergeTime = 1000; // milliseconds
+constexpr int MergingSteps = 1;
+
+} // namespace
 
 // A macro is a step made of steps. It is built here, not with QUndoStack's own macros, because
 // those can neither be cancelled nor vanish when they stay empty.
 struct OssUndoManager::Macro final : OssUndoStep
 {
-    using OssUndoStep::OssUndoStep;
+    Macro(const QString &title, QString key)
+        : OssUndoStep(title)
+        , mergeKey(std::move(key))
+    {
+    }
 
     void undo() override
     {
@@ -20,8 +34,27 @@ struct OssUndoManager::Macro final : OssUndoStep
             step->redo();
     }
 
+    /// Steps that pair off are merged one by one; otherwise those of the later macro follow.
+    void join(Macro &later)
+    {
+        bool merged = steps.size() == later.steps.size();
+        for (std::size_t i = 0; merged && i < steps.size(); ++i)
+            merged = steps[i]->mergeWith(*later.steps[i]);
+        // Merging twice is harmless: a step that took another in already is where that one led.
+        if (!merged)
+            std::move(later.steps.begin(), later.steps.end(), std::back_inserter(steps));
+        made.start();
+    }
+
+    bool isJoinedBy(const Macro &later) const
+    {
+        return !mergeKey.isEmpty() && mergeKey == later.mergeKey && !made.hasExpired(MergeTime);
+    }
+
     std::vector<std::unique_ptr<OssUndoStep>> steps;
     bool cancelled = false;
+    QString mergeKey;
+    QElapsedTimer made;
 };
 
 class OssUndoManager::PushedStep final : public QUndoCommand
@@ -52,6 +85,22 @@ public:
 
     const OssUndoStep &step() const { return *m_step; }
 
+    int id() const override
+    {
+        const auto *macro = dynamic_cast<const Macro *>(m_step.get());
+        return macro && !macro->mergeKey.isEmpty() ? MergingSteps : -1;
+    }
+
+    bool mergeWith(const QUndoCommand *other) override
+    {
+        auto *own = static_cast<Macro *>(m_step.get()); // the ids were equal
+        auto *later = static_cast<Macro *>(static_cast<const PushedStep *>(other)->m_step.get());
+        if (!own->isJoinedBy(*later))
+            return false;
+        own->join(*later);
+        return true;
+    }
+
 private:
     std::unique_ptr<OssUndoStep> m_step;
     bool m_pushed = false;
@@ -73,11 +122,16 @@ OssUndoManager::OssUndoManager()
 OssUndoManager::~OssUndoManager() = default;
 
 OssUndoManager::AutoMacro::AutoMacro(const QString &title)
+    : AutoMacro(title, QString())
+{
+}
+
+OssUndoManager::AutoMacro::AutoMacro(const QString &title, const QString &mergeKey)
 {
     OssUndoManager *manager = instance();
     if (!manager->isRecording())
         return;
-    manager->openMacro(title);
+    manager->openMacro(title, mergeKey);
     m_level = manager->m_open.size();
 }
 
@@ -134,9 +188,9 @@ void OssUndoManager::store(std::unique_ptr<OssUndoStep> step)
         m_open.back()->steps.push_back(std::move(step));
 }
 
-void OssUndoManager::openMacro(const QString &title)
+void OssUndoManager::openMacro(const QString &title, const QString &mergeKey)
 {
-    m_open.push_back(std::make_unique<Macro>(title));
+    m_open.push_back(std::make_unique<Macro>(title, mergeKey));
 }
 
 void OssUndoManager::closeMacro()
@@ -147,6 +201,7 @@ void OssUndoManager::closeMacro()
         const Pause pause;
         macro->undo();
     } else if (!macro->steps.empty()) {
+        macro->made.start();
         store(std::move(macro));
     }
 }

@@ -31,6 +31,10 @@ public:
     {
     public:
         explicit AutoMacro(const QString &title);
+        /// An outermost macro joins the step before it when that one was made with the same key
+        /// less than a second ago and nothing was recorded, undone or saved in between: for what
+        /// a user does in many small moves, as holding down a key. Empty: never.
+        AutoMacro(const QString &title, const QString &mergeKey);
         AutoMacro(const AutoMacro &) = delete;
         AutoMacro &operator=(const AutoMacro &) = delete;
         ~AutoMacro();
@@ -98,7 +102,7 @@ private:
     class PushedStep;
 
     OssUndoManager();
-    void openMacro(const QString &title);
+    void openMacro(const QString &title, const QString &mergeKey);
     void closeMacro();
     void cancelMacros(std::size_t level);
     void store(std::unique_ptr<OssUndoStep> step);

@@ -7,6 +7,11 @@ OssUndoStep::OssUndoStep(QString text)
 
 OssUndoStep::~OssUndoStep() = default;
 
+bool OssUndoStep::mergeWith(const OssUndoStep &)
+{
+    return false;
+}
+
 OssFunctionUndo::OssFunctionUndo(QString text, std::function<void()> undo,
                                  std::function<void()> redo)
     : OssUndoStep(std::move(text))

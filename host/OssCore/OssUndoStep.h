@@ -19,6 +19,10 @@ public:
     virtual void undo() = 0;
     virtual void redo() = 0;
 
+    /// Takes in a step of the same kind that was recorded right after this one, so that both are
+    /// one. False: they stay two, and nothing changed.
+    virtual bool mergeWith(const OssUndoStep &later);
+
     /// Title for the user; empty for parts that never stand alone.
     QString text() const { return m_text; }
 

@@ -20,6 +20,8 @@ public:
     void release(QMouseEvent *event) override;
     void cancel() override;
 
+    bool pansAtBorders() const override { return true; }
+
 private:
     QPointer<OssNgBackdropNode> m_backdrop;
     Qt::Edges m_edges;

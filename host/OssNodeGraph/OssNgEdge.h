@@ -30,7 +30,7 @@ public:
         Debug = 1U << 3,
         Virtual = 1U << 4,
         Dotable = 1U << 5,
-        Doomed = 1U << 6,   ///< would be cut if the button were released now
+        Doomed = 1U << 6,   ///< would go if the button were released now
         Inviting = 1U << 7, ///< a node would be spliced in if the button were released now
     };
 
@@ -136,6 +136,7 @@ private:
 
     Target targetAt(const QPointF &scenePos) const;
     void light(const Target &target);
+    void markReplaced(bool on);
     void announceDrop(DragEnd end, const Target &target, bool keep);
     void repaintScene() const;
 
@@ -152,6 +153,7 @@ private:
     QRectF m_bounds;
     QColor m_debugColor;
     QPointer<OssNgNode> m_litNode;
+    QString m_litPort;
     quint8 m_marks = 0;
     DragEnd m_dragEnd = DragEnd::None;
     bool m_hovered = false;

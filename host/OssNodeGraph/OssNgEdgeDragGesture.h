@@ -22,6 +22,9 @@ public:
     void move(QMouseEvent *event) override;
     void release(QMouseEvent *event) override;
     void cancel() override;
+
+    bool pansAtBorders() const override { return true; }
+
     bool isAlive() const override;
 
 private:

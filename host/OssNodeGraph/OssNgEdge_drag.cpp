@@ -77,11 +77,27 @@ OssNgEdge::Target OssNgEdge::targetAt(const QPointF &scenePos) const
 
 void OssNgEdge::light(const Target &target)
 {
-    if (m_litNode && m_litNode != target.node)
+    const bool wantsInput = m_dragEnd == DragEnd::Destination;
+    if (m_litNode == target.node && m_litPort == target.port)
+        return;
+    if (m_litNode) {
         m_litNode->setLitPort({}, true);
+        markReplaced(false);
+    }
     m_litNode = target.node;
-    if (m_litNode)
-        m_litNode->setLitPort(target.port, m_dragEnd == DragEnd::Destination);
+    m_litPort = target.port;
+    if (!m_litNode)
+        return;
+    m_litNode->setLitPort(target.port, wantsInput);
+    if (wantsInput)
+        markReplaced(true);
+}
+
+void OssNgEdge::markReplaced(bool on)
+{
+    OssNgEdge *taken = m_litNode->input(m_litPort);
+    if (taken && taken != this)
+        taken->setMark(Doomed, on);
 }
 
 void OssNgEdge::dragTo(const QPointF &scenePos)

@@ -29,6 +29,7 @@ public:
     /// Once, after the view took it over.
     virtual void enter() {}
 
+    /// Also called for a resting pointer when the view moved under it.
     virtual void move(QMouseEvent *event) = 0;
     virtual void release(QMouseEvent *event) = 0;
 
@@ -37,6 +38,9 @@ public:
 
     /// False when someone else ended it, as a wire whose mouse grab was taken away.
     virtual bool isAlive() const { return true; }
+
+    /// Whether the view goes on under a pointer that is held at its border.
+    virtual bool pansAtBorders() const { return false; }
 
     /// Feedback on top of everything. Viewport pixels.
     virtual void paint(QPainter *) const {}

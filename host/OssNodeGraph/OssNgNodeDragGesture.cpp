@@ -1,21 +1,23 @@
 #include "OssNodeGraph/OssNgNodeDragGesture.h"
 
-#include "OssNodeGraph/OssNgBackdropNode.h"
 #include "OssNodeGraph/OssNgEdge.h"
+#include "OssNodeGraph/OssNgMovedNodes.h"
+#include "OssNodeGraph/OssNgNode.h"
 #include "OssNodeGraph/OssNgStyle.h"
 #include "OssNodeGraph/OssNgView.h"
 
 #include <QApplication>
 #include <QGraphicsScene>
 #include <QMouseEvent>
-#include <QSet>
+#include <QPainter>
 
 #include <algorithm>
 #include <cmath>
 
 namespace {
 
-constexpr qreal ShakeWay = 12.0; ///< pixels in one direction that count as a movement
+constexpr QPointF CounterOffset(18.0, -22.0); ///< of the shakes shown, from the pointer
+constexpr qreal CounterStep = 11.0;
 
 } // namespace
 
@@ -26,7 +28,8 @@ OssNgNodeDragGesture::OssNgNodeDragGesture(OssNgView *view, Qt::MouseButton butt
     , m_startScene(view->toScene(start))
     , m_pressed(pressed)
     , m_deselectOthersOnClick(wasSelected)
-    , m_turn(start.x())
+    , m_pointer(start)
+    , m_shakes(start)
 {
 }
 
@@ -43,23 +46,9 @@ void OssNgNodeDragGesture::enter()
 
 void OssNgNodeDragGesture::collect()
 {
-    QSet<OssNgNode *> seen;
-    const auto take = [&](OssNgNode *node) {
-        if (!node || seen.contains(node))
-            return;
-        seen.insert(node);
+    const QVector<OssNgNode *> nodes = nodesMovedWithSelection(view()->scene());
+    for (OssNgNode *node : nodes)
         m_moved.append({node, node->pos()});
-    };
-    const QList<QGraphicsItem *> selected = view()->scene()->selectedItems();
-    for (QGraphicsItem *item : selected) {
-        auto *node = dynamic_cast<OssNgNode *>(item);
-        take(node);
-        if (auto *backdrop = qobject_cast<OssNgBackdropNode *>(node)) {
-            backdrop->refreshChildrenList();
-            for (const QPointer<OssNgNode> &child : backdrop->childrenList())
-                take(child);
-        }
-    }
 }
 
 QPointF OssNgNodeDragGesture::snapped(const QPointF &offset) const
@@ -128,37 +117,52 @@ void OssNgNodeDragGesture::endPreview()
     m_previewedDestination = nullptr;
 }
 
+bool OssNgNodeDragGesture::isWatchingShakes() const
+{
+    return m_dragging && view()->m_shakeToExtractEnabled
+           && view()->cursorTrackingMode() == OssNgView::ShakeTracking;
+}
+
+QRectF OssNgNodeDragGesture::shakeCounterRect() const
+{
+    const QSizeF size(CounterStep * std::max(1, view()->m_shakeToExtractShakes), CounterStep);
+    return QRectF(m_pointer + CounterOffset, size).adjusted(-2.0, -2.0, 2.0, 2.0);
+}
+
 void OssNgNodeDragGesture::watchShake(const QPointF &position)
 {
-    if (!view()->m_shakeToExtractEnabled
-        || view()->cursorTrackingMode() != OssNgView::ShakeTracking)
+    const QRectF before = shakeCounterRect();
+    const int countBefore = m_shakes.count();
+    m_pointer = position;
+    if (!isWatchingShakes())
         return;
-    const qreal way = position.x() - m_turn;
-    const int direction = way > 0.0 ? 1 : -1;
-    if (direction == m_direction) {
-        m_turn = position.x(); // still on; the turn is wherever it stops
+    const int count = m_shakes.move(position, m_clock.elapsed(), view()->m_shakeToExtractTime);
+    if (count > 0 || countBefore > 0)
+        view()->viewport()->update((before | shakeCounterRect()).toAlignedRect());
+    if (count < std::max(1, view()->m_shakeToExtractShakes))
         return;
-    }
-    if (std::abs(way) < ShakeWay)
-        return;
-    const bool reversed = m_direction != 0;
-    m_direction = direction;
-    m_turn = position.x();
-    if (!reversed)
-        return;
-    const qint64 now = m_clock.elapsed();
-    m_reversals.append(now);
-    while (!m_reversals.isEmpty() && now - m_reversals.first() > view()->m_shakeToExtractTime)
-        m_reversals.removeFirst();
-    if (m_reversals.size() < std::max(1, view()->m_shakeToExtractShakes))
-        return;
-    m_reversals.clear();
+    m_shakes.reset();
     Q_EMIT view()->shakeToExtractTriggered();
+}
+
+void OssNgNodeDragGesture::paint(QPainter *painter) const
+{
+    if (!isWatchingShakes() || m_shakes.count() == 0)
+        return;
+    const QColor accent = OssNgStyle::instance()->color(OssNgStyle::Role::Accent);
+    const QRectF place = shakeCounterRect();
+    painter->setPen(QPen(accent, 1.2));
+    for (int i = 0; i < std::max(1, view()->m_shakeToExtractShakes); ++i) {
+        painter->setBrush(i < m_shakes.count() ? QBrush(accent) : QBrush(Qt::NoBrush));
+        const QPointF centre(place.left() + 2.0 + CounterStep * (i + 0.5), place.center().y());
+        painter->drawEllipse(centre, 3.5, 3.5);
+    }
 }
 
 void OssNgNodeDragGesture::endTracking()
 {
     endPreview();
+    view()->viewport()->update(shakeCounterRect().toAlignedRect());
     if (view()->cursorTrackingMode() == OssNgView::ShakeTracking)
         view()->setCursorTrackingMode(OssNgView::NormalTracking);
 }

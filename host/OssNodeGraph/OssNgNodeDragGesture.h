@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OssNodeGraph/OssNgGesture.h"
+#include "OssNodeGraph/OssNgShakeDetector.h"
 
 #include <QElapsedTimer>
 #include <QPointer>
@@ -10,7 +11,8 @@ class OssNgEdge;
 class OssNgNode;
 
 /// Moves the selected nodes, and what lies in selected backdrops, with the pointer. Shows the wire
-/// into which the node would be spliced, and watches for shaking. The subclass of the view records
+/// into which the node would be spliced, and watches for shaking and
+/// shows what it counted. The subclass of the view records
 /// the undo; positions are announced at the end.
 class OssNgNodeDragGesture final : public OssNgGesture
 {
@@ -25,6 +27,9 @@ public:
     void move(QMouseEvent *event) override;
     void release(QMouseEvent *event) override;
     void cancel() override;
+    void paint(QPainter *painter) const override;
+
+    bool pansAtBorders() const override { return true; }
 
 private:
     struct Moved
@@ -39,7 +44,9 @@ private:
     void previewInsertion();
     void endPreview();
     void endTracking();
+    bool isWatchingShakes() const;
     void watchShake(const QPointF &position);
+    QRectF shakeCounterRect() const;
 
     QPointF m_startScene;
     QPointer<OssNgNode> m_pressed;
@@ -49,9 +56,7 @@ private:
     QPointer<OssNgNode> m_previewedDestination;
     QString m_previewedInput;
 
-    // Shaking: reversals of the horizontal direction within the time.
     QElapsedTimer m_clock;
-    QVector<qint64> m_reversals;
-    qreal m_turn = 0.0; ///< where the present direction began
-    int m_direction = 0;
+    QPointF m_pointer; ///< viewport pixels
+    OssNgShakeDetector m_shakes;
 };

@@ -28,6 +28,15 @@ void OssNgNodePositionChangeUndo::redo()
     moveTo(m_newPosition);
 }
 
+bool OssNgNodePositionChangeUndo::mergeWith(const OssUndoStep &later)
+{
+    const auto *move = dynamic_cast<const OssNgNodePositionChangeUndo *>(&later);
+    if (!move || move->m_node != m_node)
+        return false;
+    m_newPosition = move->m_newPosition;
+    return true;
+}
+
 void OssNgNodePositionChangeUndo::moveTo(const QPointF &position)
 {
     if (!m_node)

@@ -20,6 +20,7 @@ public:
 
     void undo() override;
     void redo() override;
+    bool mergeWith(const OssUndoStep &later) override;
 
 private:
     void moveTo(const QPointF &position);

@@ -53,7 +53,8 @@ QPen wirePen(const OssNgEdge &edge, qreal zoom)
     }
     if (edge.hasMark(OssNgEdge::Doomed)) {
         color = style->color(Role::Error);
-        width = 3.2;
+        width = 3.0;
+        pen.setDashPattern({2.5, 2.5});
     } else if (edge.hasMark(OssNgEdge::Inviting)) {
         width = 4.4;
         opacity = 1.0;

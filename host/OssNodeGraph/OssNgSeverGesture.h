@@ -14,6 +14,9 @@ public:
     void move(QMouseEvent *event) override;
     void release(QMouseEvent *event) override;
     void cancel() override;
+
+    bool pansAtBorders() const override { return true; }
+
     void paint(QPainter *painter) const override;
 
 private:

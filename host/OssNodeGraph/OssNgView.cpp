@@ -19,6 +19,7 @@ namespace {
 constexpr qreal SceneHalf = 200000.0;
 constexpr int MinimapDelay = 120; ///< milliseconds between a change and the map's repainting
 constexpr int GlideInterval = 12;
+constexpr int BorderPanInterval = 16;
 
 } // namespace
 
@@ -38,6 +39,7 @@ OssNgView::OssNgView(QWidget *parent)
     setMouseTracking(true);
     viewport()->setMouseTracking(true);
     viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
+    viewport()->grabGesture(Qt::PinchGesture);
     setFocusPolicy(Qt::StrongFocus);
     setAccessibleName(tr("Node graph"));
 
@@ -47,6 +49,8 @@ OssNgView::OssNgView(QWidget *parent)
         renderMinimap();
         viewport()->update(minimapRect().toAlignedRect().adjusted(-2, -2, 2, 2));
     });
+    m_borderPanTimer.setInterval(BorderPanInterval);
+    connect(&m_borderPanTimer, &QTimer::timeout, this, &OssNgView::borderPanStep);
     m_glideTimer.setInterval(GlideInterval);
     connect(&m_glideTimer, &QTimer::timeout, this, [this] {
         const QPointF away = m_glideTarget - viewportInSceneCoords().center();
@@ -61,6 +65,8 @@ OssNgView::~OssNgView() = default;
 
 void OssNgView::init()
 {
+    m_borderPanTimer.stop();
+    m_navigation.reset();
     m_gesture.reset();
     m_interactionState = Idle;
     m_hoveredNode = nullptr;
@@ -167,6 +173,8 @@ void OssNgView::leaveEvent(QEvent *event)
 
 bool OssNgView::viewportEvent(QEvent *event)
 {
+    if (handlePinch(event))
+        return true;
     if (event->type() != QEvent::ToolTip || !scene())
         return QGraphicsView::viewportEvent(event);
     const auto *help = static_cast<QHelpEvent *>(event);

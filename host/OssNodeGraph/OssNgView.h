@@ -115,6 +115,9 @@ public Q_SLOTS:
     void toggleSnapToGrid();
     /// Puts the nearer end of the wire under the pointer into the user's hand.
     void pickUpEdge();
+    /// Moves the selected nodes, and what lies in selected backdrops, by scene units. Repeated
+    /// quickly it is one undo step.
+    void nudgeSelection(const QPointF &offset);
 
 Q_SIGNALS:
     /// Nodes in the hand were shaken. The drag goes on.
@@ -149,6 +152,13 @@ private:
     std::unique_ptr<OssNgGesture> edgeFromWire(const QPointF &scenePos, OssNgEdge *edge);
     void startGesture(std::unique_ptr<OssNgGesture> gesture);
     void endGesture();
+    void dropDeadGesture();
+    void replayMove();
+    void updateBorderPan();
+    void borderPanStep();
+    bool handleNavigationKey(const QKeyEvent *event);
+    bool handleNudgeKey(const QKeyEvent *event);
+    bool handlePinch(QEvent *event);
     void selectForPress(OssNgNode *node, Qt::KeyboardModifiers modifiers);
     OssNgNode *portOwnerAt(const QPointF &scenePos) const;
     void updateHover(const QPointF &viewportPos);
@@ -170,6 +180,12 @@ private:
     bool m_snapToGrid = false;
     bool m_minimapVisible = true;
     std::unique_ptr<OssNgGesture> m_gesture;
+    std::unique_ptr<OssNgGesture> m_navigation; ///< panning or zooming with a gesture in hand
+    QPointF m_pointer;                          ///< viewport pixels, of the gesture's last event
+    Qt::MouseButtons m_pointerButtons;
+    Qt::KeyboardModifiers m_pointerModifiers;
+    QTimer m_borderPanTimer;
+    bool m_borderPanArmed = false; ///< a press beside the border alone moves nothing
     QPointer<OssNgNode> m_hoveredNode;
     OssNgEdge *m_hoveredEdge = nullptr; ///< valid while the index knows it
     std::vector<qreal> m_exactZooms;    ///< levels that stepping back must hit exactly

@@ -2,7 +2,9 @@
 
 #include "OssNodeGraph/OssNgSceneIndex.h"
 
-#include <QKeyEvent>
+#include <QGestureEvent>
+#include <QNativeGestureEvent>
+#include <QPinchGesture>
 #include <QScrollBar>
 #include <QWheelEvent>
 
@@ -14,7 +16,8 @@ namespace {
 constexpr qreal SmallestZoom = 0.01;
 constexpr qreal LargestZoom = 8.0;
 constexpr qreal ZoomStep = 1.25;
-constexpr qreal PanStep = 0.1; ///< of the viewport
+constexpr qreal WheelStep = 120.0; ///< eighths of a degree in one notch
+constexpr qreal PanStep = 0.1;     ///< of the viewport
 constexpr std::size_t RememberedZooms = 64;
 
 } // namespace
@@ -89,8 +92,10 @@ void OssNgView::fitInView(const QRectF &rect, Qt::AspectRatioMode)
 
 void OssNgView::scaleView(qreal factor)
 {
-    if (factor > 0.0)
-        zoomAbout(zoom() * factor, QRectF(viewport()->rect()).center());
+    if (factor <= 0.0)
+        return;
+    zoomAbout(zoom() * factor, QRectF(viewport()->rect()).center());
+    replayMove();
 }
 
 void OssNgView::zoomIn(double factor, ViewportAnchor anchor)
@@ -137,27 +142,28 @@ void OssNgView::scrollBy(const QPointF &pixels)
 
 void OssNgView::panByFraction(qreal dx, qreal dy)
 {
-    scrollBy({dx * viewport()->width(), dy * viewport()->height()});
+    scrollBy({PanStep * dx * viewport()->width(), PanStep * dy * viewport()->height()});
+    replayMove();
 }
 
 void OssNgView::panLeft()
 {
-    panByFraction(-PanStep, 0.0);
+    panByFraction(-1.0, 0.0);
 }
 
 void OssNgView::panRight()
 {
-    panByFraction(PanStep, 0.0);
+    panByFraction(1.0, 0.0);
 }
 
 void OssNgView::panUp()
 {
-    panByFraction(0.0, -PanStep);
+    panByFraction(0.0, -1.0);
 }
 
 void OssNgView::panDown()
 {
-    panByFraction(0.0, PanStep);
+    panByFraction(0.0, 1.0);
 }
 
 void OssNgView::centerViewOn(const QPointF &position, bool animated)
@@ -180,55 +186,43 @@ void OssNgView::centerViewOn(const QPointF &position, bool animated)
 void OssNgView::wheelEvent(QWheelEvent *event)
 {
     event->accept();
-    const int turn = event->angleDelta().y();
-    if (turn == 0)
-        return;
     m_glideTimer.stop();
-    const QPointF fixed = transformationAnchor() == AnchorUnderMouse
-                              ? event->position()
-                              : QRectF(viewport()->rect()).center();
-    zoomAbout(zoom() * std::pow(ZoomStep, turn / 120.0), fixed);
+    // Only a touchpad tells pixels: two fingers move the canvas, with Control they zoom.
+    const bool touchpad = !event->pixelDelta().isNull();
+    const QPointF turn = event->angleDelta();
+    const bool zooms = touchpad ? bool(event->modifiers() & Qt::ControlModifier) : turn.y() != 0.0;
+    if (zooms) {
+        const QPointF fixed = transformationAnchor() == AnchorUnderMouse
+                                  ? event->position()
+                                  : QRectF(viewport()->rect()).center();
+        zoomAbout(zoom() * std::pow(ZoomStep, turn.y() / WheelStep), fixed);
+    } else {
+        scrollBy(touchpad ? -QPointF(event->pixelDelta()) : -turn / 2.0);
+    }
+    replayMove();
 }
 
-void OssNgView::keyPressEvent(QKeyEvent *event)
+bool OssNgView::handlePinch(QEvent *event)
 {
-    const bool plain = !(event->modifiers() & ~Qt::KeypadModifier);
-    switch (event->key()) {
-    case Qt::Key_Escape:
-        if (cancelGesture())
-            event->accept();
-        return;
-    case Qt::Key_Left:
-    case Qt::Key_Right:
-    case Qt::Key_Up:
-    case Qt::Key_Down:
-        break;
-    case Qt::Key_Plus:
-        zoomIn();
-        event->accept();
-        return;
-    case Qt::Key_Minus:
-        zoomOut();
-        event->accept();
-        return;
-    default:
-        return;
+    if (event->type() == QEvent::NativeGesture) {
+        const auto *gesture = static_cast<QNativeGestureEvent *>(event);
+        if (gesture->gestureType() != Qt::ZoomNativeGesture)
+            return false;
+        zoomAbout(zoom() * (1.0 + gesture->value()), gesture->localPos());
+        return true;
     }
-    if (!plain)
-        return;
-    event->accept();
-    switch (event->key()) {
-    case Qt::Key_Left:
-        panLeft();
-        break;
-    case Qt::Key_Right:
-        panRight();
-        break;
-    case Qt::Key_Up:
-        panUp();
-        break;
-    default:
-        panDown();
-        break;
-    }
+    if (event->type() != QEvent::Gesture)
+        return false;
+    auto *gestures = static_cast<QGestureEvent *>(event);
+    const auto *pinch = static_cast<QPinchGesture *>(gestures->gesture(Qt::PinchGesture));
+    if (!pinch)
+        return false;
+    const QPointF centre = viewport()->mapFromGlobal(pinch->centerPoint().toPoint());
+    const QPointF last = viewport()->mapFromGlobal(pinch->lastCenterPoint().toPoint());
+    if (pinch->changeFlags() & QPinchGesture::ScaleFactorChanged)
+        zoomAbout(zoom() * pinch->scaleFactor(), centre);
+    if (pinch->changeFlags() & QPinchGesture::CenterPointChanged)
+        scrollBy(last - centre);
+    gestures->accept(Qt::PinchGesture);
+    return true;
 }

@@ -114,4 +114,28 @@ TEST_F(UndoTest, undoIsRefusedInsideAMacro)
     EXPECT_EQ(m_text, QStringLiteral("a"));
 }
 
+TEST_F(UndoTest, quickRepetitionOfOneKindIsOneStepUntilSomethingComesBetween)
+{
+    const auto nudge = [this](char letter, const char *key) {
+        const OssUndoManager::AutoMacro macro(QStringLiteral("Nudge"), QLatin1String(key));
+        edit(letter);
+    };
+    nudge('a', "one");
+    nudge('b', "one");
+    nudge('c', "two");
+    EXPECT_EQ(m_undo->count(), 2);
+    m_undo->undo();
+    m_undo->undo();
+    EXPECT_EQ(m_text, QString());
+    m_undo->redo();
+    EXPECT_EQ(m_text, QStringLiteral("ab"));
+    m_undo->setClean();
+    nudge('d', "one"); // joining would change what was saved
+    EXPECT_EQ(m_undo->count(), 2);
+    EXPECT_FALSE(m_undo->isClean());
+    edit('e');
+    nudge('f', "one");
+    EXPECT_EQ(m_undo->count(), 4);
+}
+
 } // namespace

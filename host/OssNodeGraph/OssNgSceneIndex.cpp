@@ -62,11 +62,15 @@ void OssNgSceneIndex::releaseItems(QGraphicsScene *scene)
         if (entry.node && entry.node->scene() == scene)
             scene->removeItem(entry.node);
     }
+    index->m_wireBuckets.clear();
+    index->m_nodeBuckets.clear();
 }
 
 OssNgSceneIndex::OssNgSceneIndex(QGraphicsScene *scene)
     : QObject(scene)
     , m_scene(scene)
+    , m_nodeBuckets(scene)
+    , m_wireBuckets(scene)
 {
     scene->setSceneRect(-m_reach, -m_reach, 2 * m_reach, 2 * m_reach);
     connect(OssNgStyle::instance(), &OssNgStyle::colorsUpdated, this,
@@ -186,6 +190,9 @@ void OssNgSceneIndex::addNode(OssNgNode *node)
     node->m_indexSlot = slot;
     ++m_nodeCount;
     ++m_revision;
+    // Among siblings only is an order of its own kept: what has one stays at the top.
+    if (!node->parentItem() && node->zValue() == 0.0)
+        m_nodeBuckets.add(node);
 }
 
 void OssNgSceneIndex::removeNode(OssNgNode *node)
@@ -253,6 +260,7 @@ void OssNgSceneIndex::addEdge(OssNgEdge *edge)
     edge->m_indexSlot = slot;
     ++m_wireCount;
     ++m_revision;
+    m_wireBuckets.add(edge);
 }
 
 void OssNgSceneIndex::removeEdge(OssNgEdge *edge)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OssNodeGraph/OssNgItemBuckets.h"
 #include "OssNodeGraph/OssNodeGraph_export.h"
 
 #include <QObject>
@@ -118,6 +119,8 @@ private:
     quint32 nextStamp() const { return ++m_stamp; }
 
     QGraphicsScene *m_scene;
+    OssNgItemBuckets m_nodeBuckets;
+    OssNgItemBuckets m_wireBuckets;
     std::unordered_map<quint64, Cell> m_cells;
     std::vector<int> m_largeWires;
     std::vector<NodeEntry> m_nodes;

@@ -1,5 +1,6 @@
 #include "OssNodeGraph/OssNgView.h"
 
+#include "OssNodeGraph/OssNgAccessible.h"
 #include "OssNodeGraph/OssNgEdge.h"
 #include "OssNodeGraph/OssNgGesture.h"
 #include "OssNodeGraph/OssNgNode.h"
@@ -26,6 +27,7 @@ constexpr int BorderPanInterval = 16;
 OssNgView::OssNgView(QWidget *parent)
     : QGraphicsView(parent)
 {
+    OssNgAccessible::install(); // before anything asks for this view's interface
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);

@@ -8,6 +8,7 @@
 #include "OssNodeGraph/OssNgStyle.h"
 #include "ViewFixture.h"
 
+#include <QAccessible>
 #include <QKeyEvent>
 #include <QSignalSpy>
 
@@ -243,4 +244,26 @@ TEST_F(OssNgViewTest, keysThatAreNotUsedStayIgnored)
     used.ignore();
     open.keyPressEvent(&used);
     EXPECT_TRUE(used.isAccepted());
+}
+
+TEST_F(OssNgViewTest, screenReadersHearNodesPortsAndTheirWires)
+{
+    b->attachInput(In, a, Out);
+    b->setErrorText(QStringLiteral("file is missing"));
+    QAccessibleInterface *graph = QAccessible::queryAccessibleInterface(&view);
+    ASSERT_NE(graph, nullptr);
+    ASSERT_EQ(graph->childCount(), 2);
+    QAccessibleInterface *second = graph->child(1);
+    ASSERT_NE(second, nullptr);
+    EXPECT_EQ(second->text(QAccessible::Name), QStringLiteral("B, error: file is missing"));
+    EXPECT_TRUE(second->text(QAccessible::Description).contains(QStringLiteral("from A Output")));
+    EXPECT_EQ(graph->childAt(second->rect().center().x(), second->rect().center().y())->object(),
+              b);
+    a->setSelected(true);
+    EXPECT_EQ(graph->focusChild()->object(), a);
+    second->actionInterface()->doAction(QAccessibleActionInterface::setFocusAction());
+    EXPECT_TRUE(b->isSelected());
+    EXPECT_FALSE(a->isSelected());
+    b->setVisible(false);
+    EXPECT_EQ(graph->childCount(), 1);
 }

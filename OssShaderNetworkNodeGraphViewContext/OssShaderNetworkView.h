@@ -144,6 +144,7 @@ private:
     void recordStartPosition(OssNgNode *node);
     /// The recorded nodes that still stand in the scene, in the order of the keys.
     QList<OssNgNode *> recordedNodes() const;
+    static QString moveTitle(const QList<OssNgNode *> &nodes);
 
     QPointer<OssShaderNetwork> m_network;
     QMap<OssNgNode *, StartPosition> m_nodeStartPositions;

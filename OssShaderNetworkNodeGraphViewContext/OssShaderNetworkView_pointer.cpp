@@ -82,28 +82,36 @@ void OssShaderNetworkView::mousePressEvent(QMouseEvent *event)
     }
 }
 
+QString OssShaderNetworkView::moveTitle(const QList<OssNgNode *> &nodes)
+{
+    if (nodes.size() != 1)
+        return tr("Move multiple (%1) nodes").arg(nodes.size());
+    const OssSnBaseNode *only = businessNodeOf(nodes.first());
+    return tr("Move node %1").arg(only ? only->name() : nodes.first()->text());
+}
+
 void OssShaderNetworkView::mouseReleaseEvent(QMouseEvent *event)
 {
     if (!scene()) {
         OssDebug(Source, __LINE__, "scene() is NULL");
         return;
     }
-    const int state = interactionState();
-    OssNgView::mouseReleaseEvent(event);
-    if (state != Idle || event->button() != Qt::LeftButton || scene()->selectedItems().isEmpty())
+    if (interactionState() != Idle || event->button() != Qt::LeftButton) {
+        OssNgView::mouseReleaseEvent(event);
         return;
+    }
     const QList<OssNgNode *> nodes = recordedNodes();
+    // What answers the release, as the order of a group's ports, belongs to the same step.
+    OssUndoManager::AutoMacro macro(moveTitle(nodes));
+    OssNgView::mouseReleaseEvent(event);
+    if (scene()->selectedItems().isEmpty())
+        return;
     const bool moved = std::any_of(nodes.cbegin(), nodes.cend(), [this](OssNgNode *node) {
         const QPointF start = m_nodeStartPositions.value(node).position;
         return QLineF(start, node->scenePos()).length() >= LeastMove;
     });
     if (!moved)
         return;
-    const OssSnBaseNode *only = nodes.size() == 1 ? businessNodeOf(nodes.first()) : nullptr;
-    const QString title = nodes.size() == 1
-                              ? tr("Move node %1").arg(only ? only->name() : nodes.first()->text())
-                              : tr("Move multiple (%1) nodes").arg(nodes.size());
-    OssUndoManager::AutoMacro macro(title);
     for (OssNgNode *node : nodes) {
         node->processAutoinsert();
         macro.addUndo(new OssNgNodePositionChangeUndo(node,

@@ -74,8 +74,23 @@ void OssSnNodeGraphViewContextManager::connectToHost()
     connect(networks, &Networks::matchNodePositionRequest, this, &Manager::matchNodePosition);
     connect(networks, &Networks::afterShaderNetworkEndCollection, this,
             &Manager::onAfterShaderNetworkEndCollection);
+    connect(networks, qOverload<OssShaderNetwork *>(&Networks::beautifyNodesLayout), this,
+            qOverload<OssShaderNetwork *>(&Manager::beautifyNodesLayout));
+    connect(networks,
+            qOverload<OssShaderNetwork *, OssSnBaseNode *>(&Networks::beautifyNodesLayout), this,
+            qOverload<OssShaderNetwork *, OssSnBaseNode *>(&Manager::beautifyNodesLayout));
+    connect(networks,
+            qOverload<OssShaderNetwork *, QList<OssSnBaseNode *>>(&Networks::beautifyNodesLayout),
+            this,
+            qOverload<OssShaderNetwork *, QList<OssSnBaseNode *>>(&Manager::beautifyNodesLayout));
     connect(networks, &Networks::nodeRegistered, this, &Manager::onNodeRegistered);
     connect(networks, &Networks::nodeDeregistered, this, &Manager::onNodeDeregistered);
+    connect(networks, &Networks::reorderGroupInputsByPosRequested, this,
+            &Manager::reorderGroupInputsByPos);
+    connect(networks, &Networks::reorderGroupOutputsByPosRequested, this,
+            &Manager::reorderGroupOutputsByPos);
+    connect(networks, &Networks::arrangeGroupInputNodesByOrderRequested, this,
+            &Manager::arrangeGroupInputNodesByOrder);
     connect(networks, &Networks::debugNodesChanged, this, &Manager::onDebugNodesChanged);
 
     OssProjectManager *projects = OssProjectManager::instance();
@@ -288,10 +303,4 @@ void OssSnNodeGraphViewContextManager::onAfterShaderNetworkEndCollection(OssShad
 void OssSnNodeGraphViewContextManager::onContextInitialised(OssSnNodeGraphViewContext *context)
 {
     Q_EMIT contextInitialised(context);
-}
-
-void OssSnNodeGraphViewContextManager::onGroupPortNodeMoved(OssShaderNetwork *network, bool input)
-{
-    if (OssSnGroupNode *group = groupOfNetwork(network))
-        Q_EMIT groupPortNodeMoved(group, input);
 }

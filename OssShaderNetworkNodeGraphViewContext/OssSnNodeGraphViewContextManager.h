@@ -81,7 +81,7 @@ public:
 
     /// A context has its item and its wiring.
     void onContextInitialised(OssSnNodeGraphViewContext *context);
-    /// An input (or output) node inside a group was moved.
+    /// An input (or output) node inside a group was moved: the group's ports take its order.
     void onGroupPortNodeMoved(OssShaderNetwork *network, bool input);
 
     /// The context of a node in the node graph, and its item; null when either step fails.
@@ -112,6 +112,19 @@ public Q_SLOTS:
                              OssShaderNetworkManager::DebugInputs rOldInputs);
     void onNodePropertiesHoverChanged(OssSnBaseNode *MouseOver, OssSnBaseNode *OldMouseOver);
     void onNodeCollapsedModeChanged();
+
+    /// Lays out the selected nodes and what feeds them; without a selection, everything from the
+    /// last nodes of all streams. One undo step.
+    void beautifyNodesLayout();
+    void beautifyNodesLayout(OssShaderNetwork *Network);
+    void beautifyNodesLayout(OssShaderNetwork *Network, OssSnBaseNode *Node);
+    void beautifyNodesLayout(OssShaderNetwork *Network, QList<OssSnBaseNode *> Nodes);
+    void beautifyNodesLayout(OssShaderNetwork *Network, QList<OssSnBaseNode *> Nodes,
+                             bool ArrangeFromLeavesIfEmpty);
+    void reorderGroupInputsByPos(OssSnGroupNode *GroupNode);
+    void reorderGroupOutputsByPos(OssSnGroupNode *GroupNode);
+    /// Gives the input nodes inside a group each other's places, from top to bottom in the order.
+    void arrangeGroupInputNodesByOrder(OssShaderNetwork *GroupNetwork, QStringList InputOrder);
 
     // Preferences: see the table in the source.
     QString controlType() const { return m_controlType; }
@@ -235,7 +248,10 @@ Q_SIGNALS:
     void shakeToExtractTimeChanged(int Time);
     void numberOfLastUsedNodePathsToStoreChanged(int Count);
     void contextInitialised(OssSnNodeGraphViewContext *context);
-    void groupPortNodeMoved(OssSnGroupNode *group, bool input);
+
+protected Q_SLOTS:
+    void autoLayoutNodes(OssShaderNetwork *StartNetwork, QList<OssSnBaseNode *> StartNodes,
+                         bool ArrangeFromLeavesIfEmpty);
 
 private:
     OssSnNodeGraphViewContextManager();

@@ -64,6 +64,12 @@ void setInputDebug(const OssObjectReference &reference, const QString &input, bo
 void OssSnNodeGraphViewContextManager::createActions()
 {
     OssActionTreeManager *tree = OssActionTreeManager::instance();
+    auto *autoplace = new QAction(QStringLiteral("Autoplace"), this);
+    connect(autoplace, &QAction::triggered, this,
+            qOverload<>(&OssSnNodeGraphViewContextManager::beautifyNodesLayout));
+    if (!tree->hasAction(QStringLiteral("/Ossa/NodeGraph/Autoplace")))
+        tree->registerAction(QStringLiteral("/Ossa/NodeGraph/"), autoplace);
+    OssShaderNetworkManager::instance()->registerGlobalContextMenuAction(autoplace);
     const QStringList modes{QStringLiteral("Expanded"), QStringLiteral("Stream Collapsed"),
                             QStringLiteral("Connected Only"), QStringLiteral("Collapsed")};
     for (int mode = 0; mode < modes.size(); ++mode) {

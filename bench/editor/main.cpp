@@ -5,6 +5,7 @@
 #include "OssCoreModules/Interface/OssPalette.h"
 #include "OssCoreModules/Interface/OssPaletteManager.h"
 #include "OssCoreModules/Network/OssShaderNetwork.h"
+#include "OssCoreModules/Network/OssShaderNetworkManager.h"
 #include "OssCoreModules/Network/OssSnBaseContext.h"
 #include "OssCoreModules/Network/OssSnBaseNode.h"
 #include "OssCoreModules/Project/OssProject.h"
@@ -128,6 +129,11 @@ void bench(int count, const QString &path)
             node->setSelected(true);
     });
     measure("delete 1,000 (or a ninth)", count, [&] { network->removeNodes(some); });
+    measure("undo it", count, [&] { OssUndoManager::instance()->undo(); });
+    for (OssSnBaseNode *node : nodes)
+        node->setSelected(false);
+    measure("autoplace", count,
+            [&] { OssShaderNetworkManager::instance()->requestLayout(network, nodes); });
     measure("undo it", count, [&] { OssUndoManager::instance()->undo(); });
     measure("close", count, [&] { projects->closeProject(); });
 }

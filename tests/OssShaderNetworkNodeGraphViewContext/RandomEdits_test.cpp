@@ -294,6 +294,9 @@ protected:
              [this] {
                  return reorderPorts();
              }},
+            {"autoplace", forNode([this](OssSnBaseNode *node) {
+                 m_manager->beautifyNodesLayout(node->network(), node);
+             })},
             {"cancelled macro",
              [this] {
                  return cancelled();

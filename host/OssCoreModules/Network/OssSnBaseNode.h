@@ -178,6 +178,7 @@ public:
     bool renameInput(const QString &oldName, const QString &newName);
     /// All names, in the new order; anything else is refused.
     bool reorderInputs(const QStringList &names);
+    bool reorderOutputs(const QStringList &names);
     void setInputEnabled(const QString &name, bool enabled);
     void setInputShared(const QString &name, bool shared);
     void addOutputPoint(const OutputPoint &point, int index = -1);
@@ -378,6 +379,7 @@ private:
     void applyRemoveInput(int index);
     void applyRenameInput(const QString &oldName, const QString &newName);
     void applyInputOrder(const QStringList &names);
+    void applyOutputOrder(const QStringList &names);
     void applyInsertOutput(const OutputPoint &point, int index);
     void applyRemoveOutput(int index);
     void applyRenameOutput(const QString &oldName, const QString &newName);

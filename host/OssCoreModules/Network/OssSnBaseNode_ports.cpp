@@ -5,6 +5,17 @@
 
 #include <algorithm>
 
+namespace {
+
+bool isPermutation(QStringList a, QStringList b)
+{
+    a.sort();
+    b.sort();
+    return a == b;
+}
+
+} // namespace
+
 int OssSnBaseNode::inputIndex(const QString &name) const
 {
     for (int i = 0; i < m_inputs.size(); ++i) {
@@ -191,11 +202,7 @@ void OssSnBaseNode::applyRenameInput(const QString &oldName, const QString &newN
 bool OssSnBaseNode::reorderInputs(const QStringList &names)
 {
     const QStringList before = inputNames();
-    QStringList a = before;
-    QStringList b = names;
-    a.sort();
-    b.sort();
-    if (a != b)
+    if (!isPermutation(before, names))
         return false;
     if (before == names)
         return true;
@@ -204,6 +211,30 @@ bool OssSnBaseNode::reorderInputs(const QStringList &names)
         tr("Reorder Inputs"), [this, before] { applyInputOrder(before); },
         [this, names] { applyInputOrder(names); });
     return true;
+}
+
+bool OssSnBaseNode::reorderOutputs(const QStringList &names)
+{
+    const QStringList before = outputPointNames();
+    if (!isPermutation(before, names))
+        return false;
+    if (before == names)
+        return true;
+    applyOutputOrder(names);
+    OssUndoManager::instance()->record(
+        tr("Reorder Outputs"), [this, before] { applyOutputOrder(before); },
+        [this, names] { applyOutputOrder(names); });
+    return true;
+}
+
+void OssSnBaseNode::applyOutputOrder(const QStringList &names)
+{
+    QVector<OutputPoint> ordered;
+    ordered.reserve(m_outputs.size());
+    for (const QString &name : names)
+        ordered.append(m_outputs.at(outputIndex(name)));
+    m_outputs = ordered;
+    Q_EMIT outputsRefreshed();
 }
 
 void OssSnBaseNode::applyInputOrder(const QStringList &names)

@@ -55,6 +55,18 @@ public:
                             OssSnBaseNode *referenceContainer);
     /// Gives the containers of a layer stack one right edge: that of the widest.
     void uniformariseContainers(const QList<OssSnBaseNode *> &containers);
+    /// Makes the container hold the members: fitted around them, or only stretched where it is too
+    /// small.
+    void holdInContainer(OssSnBaseNode *container, const QList<OssSnBaseNode *> &members,
+                         bool exactly);
+    void stretchContainerBy(OssSnBaseNode *container, OssSnBaseNode *reference);
+    /// Gives all of them the width of the widest.
+    void stretchPeers(const QList<OssSnBaseNode *> &containers);
+    /// Moves the members below the reference down until they are clear of it.
+    void respaceContainer(OssSnBaseNode *container, OssSnBaseNode *reference);
+    // With what they hold.
+    void moveContainerDown(OssSnBaseNode *container, OssSnBaseNode *reference);
+    void moveContainerToFreshLocation(OssSnBaseNode *container, bool preserveY);
     /// Connects the node's preferred output to an input of the viewer and looks at it.
     void connectNodeToViewer(OssSnBaseNode *node, int input);
     /// Makes a node with its centre at a point of the viewport. Null when the type is unknown.
@@ -132,6 +144,9 @@ private:
     void capZoom();
     void moveNode(OssNgNode *guiNode, const QPointF &position);
     void stretchContainer(OssNgBackdropNode *backdrop, const QRectF &sceneRect);
+    /// Null for what is no container, with a line when it is something else.
+    static OssNgBackdropNode *backdropOf(const OssSnBaseNode *container);
+    void moveContainer(OssNgBackdropNode *backdrop, const QPointF &way);
     QPointF freeSpot() const;
     OssNgNode *nodeForDoubleClick(const QMouseEvent *event) const;
 

@@ -4,7 +4,6 @@
 #include "OssCore/OssDebug.h"
 #include "OssCore/OssUndoManager.h"
 #include "OssNodeGraph/OssNgBackdropNode.h"
-#include "OssNodeGraph/OssNgBackdropNodeRectChangeUndo.h"
 #include "OssNodeGraph/OssNgNode.h"
 #include "OssNodeGraph/OssNgNodePositionChangeUndo.h"
 #include "OssNodeGraph/OssNgSceneIndex.h"
@@ -146,106 +145,4 @@ void OssShaderNetworkView::positionNodeBesideReference(OssSnBaseNode *node,
                          == OssNgExtendedNode::NoPortList;
     moveNode(item,
              NodePlacement::nextInStream(occupied(other), item->boundingRect().size(), flipped));
-}
-
-// --- containers
-
-void OssShaderNetworkView::positionNodeNextTo(OssSnBaseNode *node, OssSnBaseNode *reference)
-{
-    if (!scene()) {
-        OssDebug(Source, __LINE__, "scene() is NULL");
-        return;
-    }
-    OssNgNode *item = itemOf(node);
-    if (!item)
-        return;
-    auto *backdrop = qobject_cast<OssNgBackdropNode *>(item);
-    if (!backdrop) {
-        OssDebug(Source, __LINE__, "[ !! ] Invalid container gui node found for node '%s'",
-                 qPrintable(node->name()));
-        return;
-    }
-    const OssNgNode *other = itemOf(reference);
-    if (!other)
-        return;
-    const QRectF there = occupied(other);
-    if (qobject_cast<const OssNgBackdropNode *>(other)) {
-        moveNode(backdrop, {there.x() + there.width() + NodePlacement::Gap, there.y()});
-        return;
-    }
-    const qreal x = NodePlacement::besideForContainer(there,
-                                                      OssNgStyle::instance()->horizontalSpacing());
-    moveNode(backdrop, {x, backdrop->y()});
-}
-
-void OssShaderNetworkView::stretchContainer(OssNgBackdropNode *backdrop, const QRectF &sceneRect)
-{
-    const QRectF before = backdrop->rect().translated(backdrop->pos());
-    const qreal margin = backdrop->titleBarHeight();
-    const QRectF wanted = before.united(sceneRect.adjusted(-margin, -2.0 * margin, margin, margin));
-    if (wanted == before)
-        return;
-    OssDebug(Source, __LINE__, "* Stretch out container node '%s'",
-             qPrintable(backdrop->titleText()));
-    moveNode(backdrop, wanted.topLeft());
-    backdrop->saveBoundingRect();
-    backdrop->setRect({QPointF(), wanted.size()});
-    OssUndoManager::instance()->addUndo(
-        std::make_unique<OssNgBackdropNodeRectChangeUndo>(backdrop));
-}
-
-void OssShaderNetworkView::syncNodeUnderneath(OssSnBaseNode *node, OssSnBaseNode *container,
-                                              OssSnBaseNode *reference,
-                                              OssSnBaseNode *referenceContainer)
-{
-    const OssNgNode *item = itemOf(node);
-    if (!item || !itemOf(reference))
-        return;
-    positionNodeUnderneath(node, reference, 1);
-    auto *backdrop = qobject_cast<OssNgBackdropNode *>(itemOf(container));
-    if (!backdrop)
-        return;
-    QRectF content = occupied(item);
-    const OssNgNode *inner = itemOf(referenceContainer);
-    if (inner && inner != backdrop
-        && backdrop->nodesInside().contains(const_cast<OssNgNode *>(inner)))
-        content |= occupied(inner);
-    stretchContainer(backdrop, content);
-}
-
-void OssShaderNetworkView::uniformariseContainers(const QList<OssSnBaseNode *> &containers)
-{
-    struct Widest
-    {
-        QString name;
-        qreal width = 0.0;
-    };
-
-    Widest masks;
-    Widest adjustments;
-    qreal furthest = 0.0;
-    QList<OssNgBackdropNode *> backdrops;
-    for (const OssSnBaseNode *container : containers) {
-        auto *backdrop = qobject_cast<OssNgBackdropNode *>(itemOf(container));
-        if (!backdrop)
-            continue;
-        const QRectF there = occupied(backdrop);
-        furthest = backdrops.isEmpty() ? there.right() : std::max(furthest, there.right());
-        backdrops.append(backdrop);
-        Widest &kind = container->hasTag(QStringLiteral("_maskStack")) ? masks : adjustments;
-        if (there.width() > kind.width)
-            kind = {container->name(), there.width()};
-    }
-    OssDebug(Source, __LINE__,
-             "[ -- ] WidestMaskStackNode : '%s', WidestAdjustmentStackNode : '%s', FurthestX : %f",
-             qPrintable(masks.name), qPrintable(adjustments.name), furthest);
-    for (OssNgBackdropNode *backdrop : qAsConst(backdrops)) {
-        const QSizeF size(furthest - backdrop->x(), backdrop->rect().height());
-        if (size == backdrop->rect().size())
-            continue;
-        backdrop->saveBoundingRect();
-        backdrop->setRect({QPointF(), size});
-        OssUndoManager::instance()->addUndo(
-            std::make_unique<OssNgBackdropNodeRectChangeUndo>(backdrop));
-    }
 }

@@ -1,6 +1,8 @@
 #include "OssSnGroupNodeGraphViewContext.h"
 
 #include "OssCore/OssDebug.h"
+#include "OssCore/OssResourceInfo.h"
+#include "OssCoreModules/Interface/OssFileDialog.h"
 #include "OssCoreModules/Network/OssShaderNetwork.h"
 #include "OssCoreModules/Network/OssSnGroupNode.h"
 #include "OssCoreModules/Network/OssSnMultiChannelGroupNode.h"
@@ -53,6 +55,7 @@ void OssSnGroupNodeGraphViewContext::initializeGui()
         setShapeType(qobject_cast<OssSnMultiChannelGroupNode *>(group) ? MultiChannelShape
                                                                        : GroupShape);
     OssSnNodeGraphViewContext::initializeGui();
+    setupPortClusters();
     showInnerItems();
 }
 
@@ -61,6 +64,10 @@ void OssSnGroupNodeGraphViewContext::connectGroup(OssSnGroupNode *group)
     using Context = OssSnGroupNodeGraphViewContext;
     connect(group, &OssSnBaseNode::nameChanged, this, &Context::changeGroupNodeTabText);
     connect(group, &OssSnGroupNode::openNodeGraph, this, &Context::forceOpenGroupSubgraph);
+    connect(group, &OssSnGroupNode::newGroupNodeInputOutputCreated, this,
+            &Context::adjustInputOutputPos);
+    connect(group, &OssSnGroupNode::clearPortClusters, this, &Context::clearPortClusters);
+    connect(group, &OssSnGroupNode::updatePortClusters, this, &Context::updatePortClusters);
     connect(OssShaderNetworkManager::instance(), &OssShaderNetworkManager::nodeDeregistered, this,
             &Context::hideGroupNodeTab);
     if (const auto *streams = qobject_cast<OssSnMultiChannelGroupNode *>(group))
@@ -177,6 +184,18 @@ void OssSnGroupNodeGraphViewContext::changeGroupNodeTabText(QString text)
     const int index = m_view ? widget->indexOf(m_view) : -1;
     if (index >= 0)
         widget->setTabText(index, text);
+}
+
+void OssSnGroupNodeGraphViewContext::onExportAsGizmo(OssSnGroupNode *GroupNode)
+{
+    if (!GroupNode) {
+        OssDebug(Source, __LINE__,
+                 "OssSnGroupNodeGraphViewContext::onExportAsGizmo GroupNode is NULL");
+        return;
+    }
+    GroupNode->exportAsGizmo(
+        OssFileDialog::getSaveFileName(tr("Export as Gizmo"), QStringLiteral("*.ong"),
+                                       OssResourceInfo::instance()->defaultGizmoPathKey()));
 }
 
 // --- multi-channel groups

@@ -33,6 +33,12 @@ public Q_SLOTS:
     void makeGroupNodeTabCurrent(OssSnBaseNode *node);
 
 protected Q_SLOTS:
+    /// Brings the nodes that stand for the ports beside what they are wired to.
+    void adjustInputOutputPos();
+    void clearPortClusters();
+    void updatePortClusters();
+    void setupPortClusters();
+    void onExportAsGizmo(OssSnGroupNode *GroupNode);
     void changeGroupNodeTabText(QString text);
     void updateMultiChannelNodeUI();
     void forceOpenGroupSubgraph();

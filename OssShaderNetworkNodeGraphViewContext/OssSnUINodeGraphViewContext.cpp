@@ -5,6 +5,7 @@
 #include "OssNodeGraph/OssNgBackdropNode.h"
 #include "OssNodeGraph/OssNgDotNode.h"
 #include "OssNodeGraph/OssNgUINode.h"
+#include "OssShaderNetworkView.h"
 #include "ZelGL/ZelTextureToken.h"
 
 namespace {
@@ -54,14 +55,25 @@ void OssSnUINodeGraphViewContext::initializeGui()
     if (!hasGuiNode())
         setGuiNodeClass(QStringLiteral("StickyNote"));
     OssSnNodeGraphViewContext::initializeGui();
-    const OssSnBaseNode *node = parentNode();
-    const auto *backdrop = qobject_cast<OssNgBackdropNode *>(guiNode());
-    if (!node || !backdrop)
-        return;
-    connect(node, &OssSnBaseNode::zOrderChanged, this,
-            &OssSnUINodeGraphViewContext::onZOrderChanged);
-    connect(backdrop, &OssNgBackdropNode::zOrderChanged, this,
-            &OssSnUINodeGraphViewContext::onZOrderChanged);
+    if (const OssSnBaseNode *node = parentNode())
+        connectContainer(node);
+    if (const auto *backdrop = qobject_cast<OssNgBackdropNode *>(guiNode()))
+        connect(backdrop, &OssNgBackdropNode::zOrderChanged, this,
+                &OssSnUINodeGraphViewContext::onZOrderChanged);
+}
+
+void OssSnUINodeGraphViewContext::connectContainer(const OssSnBaseNode *node)
+{
+    using Node = OssSnBaseNode;
+    using Context = OssSnUINodeGraphViewContext;
+    connect(node, &Node::containerChildrenRefreshed, this, &Context::onContainerChildrenRefreshed);
+    connect(node, &Node::containerStretchedBy, this, &Context::onContainerStretchedBy);
+    connect(node, &Node::containerPeersStretched, this, &Context::onContainerPeersStretched);
+    connect(node, &Node::containerRespacedWrt, this, &Context::onContainerRespacedWrt);
+    connect(node, &Node::containerMovedDown, this, &Context::onContainerMovedDown);
+    connect(node, &Node::containerMovedToFreshLocation, this,
+            &Context::onContainerMovedToFreshLocation);
+    connect(node, &Node::zOrderChanged, this, &Context::onZOrderChanged);
 }
 
 void OssSnUINodeGraphViewContext::setText(QString text)
@@ -148,4 +160,70 @@ QList<OssSnBaseNode *> OssSnUINodeGraphViewContext::childrenNodes() const
             nodes.append(node);
     }
     return nodes;
+}
+
+// --- container
+
+void OssSnUINodeGraphViewContext::onContainerChildrenRefreshed(QList<OssSnBaseNode *> MemberNodes,
+                                                               bool containerChildrenRefreshed)
+{
+    OssShaderNetworkView *view = viewOrComplain();
+    OssSnBaseNode *node = parentNode();
+    if (!view || !node)
+        return;
+    const QList<OssSnBaseNode *> before = childrenNodes();
+    for (OssSnBaseNode *member : before) {
+        if (member->container() == node && !MemberNodes.contains(member))
+            member->setContainer(nullptr);
+    }
+    for (OssSnBaseNode *member : qAsConst(MemberNodes)) {
+        if (member)
+            member->setContainer(node);
+    }
+    view->holdInContainer(node, MemberNodes, containerChildrenRefreshed);
+}
+
+void OssSnUINodeGraphViewContext::onContainerStretchedBy(OssSnBaseNode *ReferenceNode)
+{
+    if (OssShaderNetworkView *view = viewOrComplain())
+        view->stretchContainerBy(parentNode(), ReferenceNode);
+}
+
+void OssSnUINodeGraphViewContext::onContainerPeersStretched(
+    QList<OssSnBaseNode *> ContainerNodeToStretchList)
+{
+    OssShaderNetworkView *view = viewOrComplain();
+    if (!view)
+        return;
+    if (!ContainerNodeToStretchList.contains(parentNode()))
+        ContainerNodeToStretchList.prepend(parentNode());
+    view->stretchPeers(ContainerNodeToStretchList);
+}
+
+void OssSnUINodeGraphViewContext::onContainerRespacedWrt(OssSnBaseNode *ReferenceNode)
+{
+    OssShaderNetworkView *view = viewOrComplain();
+    OssSnBaseNode *node = parentNode();
+    if (!view || !node || !ReferenceNode)
+        return;
+    OssDebug(Source, __LINE__, "[ -- ] About to respace container '%s' wrt '%s'",
+             qPrintable(node->name()), qPrintable(ReferenceNode->name()));
+    view->respaceContainer(node, ReferenceNode);
+}
+
+void OssSnUINodeGraphViewContext::onContainerMovedDown(OssSnBaseNode *ReferenceNode)
+{
+    OssShaderNetworkView *view = viewOrComplain();
+    OssSnBaseNode *node = parentNode();
+    if (!view || !node || !ReferenceNode)
+        return;
+    OssDebug(Source, __LINE__, "[ -- ] About to move container '%s' down wrt to %s'",
+             qPrintable(node->name()), qPrintable(ReferenceNode->name()));
+    view->moveContainerDown(node, ReferenceNode);
+}
+
+void OssSnUINodeGraphViewContext::onContainerMovedToFreshLocation(bool PreserveY)
+{
+    if (OssShaderNetworkView *view = viewOrComplain())
+        view->moveContainerToFreshLocation(parentNode(), PreserveY);
 }

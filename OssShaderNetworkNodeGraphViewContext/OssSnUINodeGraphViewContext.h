@@ -30,11 +30,20 @@ public Q_SLOTS:
     QList<OssSnBaseNode *> childrenNodes() const;
     void setText(QString text) override;
     void onZOrderChanged(int ZOrder);
+    // Requests of the node that holds others: the current view does the geometry.
+    void onContainerChildrenRefreshed(QList<OssSnBaseNode *> MemberNodes,
+                                      bool containerChildrenRefreshed);
+    void onContainerStretchedBy(OssSnBaseNode *ReferenceNode);
+    void onContainerPeersStretched(QList<OssSnBaseNode *> ContainerNodeToStretchList);
+    void onContainerRespacedWrt(OssSnBaseNode *ReferenceNode);
+    void onContainerMovedDown(OssSnBaseNode *ReferenceNode);
+    void onContainerMovedToFreshLocation(bool PreserveY);
 
 protected Q_SLOTS:
     void selectGuiNode(bool selected) override;
 
 private:
+    void connectContainer(const OssSnBaseNode *node);
     void showText(const OssCustomAttribute &attribute, const char *method);
     void showBackground(const OssCustomAttribute &attribute);
 

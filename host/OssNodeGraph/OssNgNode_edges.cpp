@@ -3,6 +3,7 @@
 #include "OssCore/OssUndoManager.h"
 #include "OssNodeGraph/OssNgEdge.h"
 #include "OssNodeGraph/OssNgNodeExtras.h"
+#include "OssNodeGraph/OssNgNodePositionChangeUndo.h"
 #include "OssNodeGraph/OssNgSceneIndex.h"
 #include "OssNodeGraph/OssNgStyle.h"
 #include "OssNodeGraph/OssNgView.h"
@@ -206,6 +207,9 @@ void OssNgNode::setupNodeForInsertionIntoEdge(OssNgEdge *edge)
     if (!edge || !edge->isFullConnected() || m_inputPorts.isEmpty() || m_outputPorts.isEmpty()
         || edge->source() == this || edge->destination() == this)
         return;
+    const OssUndoManager::AutoMacro macro(QStringLiteral("Insert node into connection"));
+    savePosition();
     setPosition(edge->markerPosition() - boundingRect().center());
+    OssUndoManager::instance()->addUndo(std::make_unique<OssNgNodePositionChangeUndo>(this));
     splice(this, edge);
 }

@@ -1,4 +1,5 @@
 #include "GraphFixture.h"
+#include "OssCoreModules/Network/OssShaderNetworkIO.h"
 #include "OssNodeGraph/OssNgBackdropNode.h"
 
 #include <QRandomGenerator>
@@ -218,6 +219,10 @@ protected:
              [this] {
                  return create("Misc/Backdrop");
              }},
+            {"create another backdrop",
+             [this] {
+                 return create("Misc/Backdrop");
+             }},
             {"create note",
              [this] {
                  return create("Misc/Sticky Note");
@@ -294,6 +299,23 @@ protected:
              [this] {
                  return reorderPorts();
              }},
+            {"duplicate", forNode([this](OssSnBaseNode *node) {
+                 if (m_project->shadingGroups().first()->network()->getAllNodes().size() < 400)
+                     OssShaderNetworkIO::duplicateNodes(node->network(), {node}, below(2) == 0);
+             })},
+            {"group", forNode([this](OssSnBaseNode *node) {
+                 const QList<OssSnBaseNode *> around = node->network()->nodes();
+                 QList<OssSnBaseNode *> chosen{node};
+                 for (OssSnBaseNode *other : around) {
+                     if (other != node && below(4) == 0)
+                         chosen.append(other);
+                 }
+                 node->network()->groupNodes(chosen);
+             })},
+            {"ungroup", forGroup([](OssSnGroupNode *group) {
+                 group->network()->ungroup(group);
+                 return true;
+             })},
             {"autoplace", forNode([this](OssSnBaseNode *node) {
                  m_manager->beautifyNodesLayout(node->network(), node);
              })},

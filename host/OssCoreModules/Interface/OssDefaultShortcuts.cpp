@@ -48,6 +48,8 @@ const Row table[] = {
     {"/Ossa/NodeGraph/Toggle Port List", "P"},
     {"/Ossa/NodeGraph/Cycle Port List Mode", "Shift+P"},
     {"/Ossa/NodeGraph/Open Group Node Subgraph", "Ctrl+Return Ctrl+Enter"},
+    {"/Ossa/NodeGraph/Group Selected Nodes", "Ctrl+G"},
+    {"/Ossa/NodeGraph/Ungroup", "Ctrl+Shift+G"},
     {"/Ossa/NodeGraph/Open Node Properties", "Return Enter"},
     {"/Ossa/NodeGraph/Info Viewer", "I"},
 

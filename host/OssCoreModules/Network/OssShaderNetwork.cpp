@@ -126,6 +126,8 @@ void OssShaderNetwork::nodeWasRenamed(OssSnBaseNode *node, const QString &oldNam
     if (m_byName.value(oldName) == node)
         m_byName.remove(oldName);
     m_byName.insert(node->name(), node);
+    if (OssSnGroupNode *group = parentGroupNode())
+        group->onNodeRenamedInside(node, oldName);
 }
 
 OssSnBaseNode *OssShaderNetwork::insertNode(NodePointer node, int index)

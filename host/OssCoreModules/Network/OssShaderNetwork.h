@@ -66,11 +66,21 @@ public:
     /// Takes over a node that stands in no network: connections, contexts, registration.
     OssSnBaseNode *addNode(std::unique_ptr<OssSnBaseNode> node, bool fresh);
 
+    /// Moves all nodes of a network that was just read, and was neither finished nor shown, into
+    /// this one: with free names and their wires. One undo step.
+    QList<OssSnBaseNode *> takeOverNodes(OssShaderNetwork *read);
+
     /// What may not be removed is a debug line and stays. One undo step.
     void removeNodes(const QSet<OssSnBaseNode *> &nodes);
     void removeNode(OssSnBaseNode *node, bool record, bool notify);
     /// Graph layer inputs are what a layer stands on.
     static bool isRemovable(const OssSnBaseNode *node);
+    /// Puts nodes into a new group of this network, with a port for each stream that goes in or
+    /// out. What belongs to the network itself (viewer, ports) stays. Null when nothing is left.
+    /// One undo step, as is ungroup(), which gives back what groupNodes() took.
+    OssSnGroupNode *groupNodes(const QList<OssSnBaseNode *> &members);
+    /// The nodes that were inside.
+    QList<OssSnBaseNode *> ungroup(OssSnGroupNode *group);
     /// Takes nodes out of their streams; what fed each one feeds what it fed. One undo step.
     void extractNodes(const QList<OssSnBaseNode *> &nodes, bool keepSelected);
 
@@ -128,11 +138,16 @@ Q_SIGNALS:
 private:
     using NodePointer = std::unique_ptr<OssSnBaseNode>;
     struct Removed;
+    struct Relocated;
 
     static NodePointer makeNode(const QString &pathKey);
     OssSnBaseNode *insertNode(NodePointer node, int index);
     NodePointer takeNode(OssSnBaseNode *node, int *index);
     void registerNode(OssSnBaseNode *node);
+    void relocate(const QList<OssSnBaseNode *> &nodes, OssShaderNetwork *target);
+    void moveToPlaces(const QList<OssSnBaseNode *> &moved, const QVector<int> &places);
+    void applyOrder(const QList<OssSnBaseNode *> &nodes);
+    bool belongsHere(const OssSnBaseNode *node) const;
     void removeUnchecked(const QList<OssSnBaseNode *> &nodes, const QString &title);
     void extractNode(OssSnBaseNode *node);
     void wireLoadedNodes(QStringList *faults);

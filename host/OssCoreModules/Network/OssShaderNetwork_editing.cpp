@@ -4,6 +4,7 @@
 #include "OssCore/OssUndoManager.h"
 #include "OssCoreModules/Network/OssShaderNetworkManager.h"
 #include "OssCoreModules/Network/OssSnBaseNode.h"
+#include "OssCoreModules/Network/OssSnGroupNode.h"
 #include "OssCoreModules/Network/OssSnNodeFactory.h"
 
 #include <algorithm>
@@ -66,11 +67,14 @@ OssSnBaseNode *OssShaderNetwork::createNode(const QString &pathKey, const QStrin
         const OssUndoManager::Pause pause;
         node = addNode(std::move(made), true);
     }
+    const OssUndoManager::AutoMacro macro(tr("Create Node : %1").arg(node->name()));
     auto removed = std::make_shared<Removed>();
     removed->entries.push_back({node, nullptr, nodeCount() - 1});
     OssUndoManager::instance()->record(
-        tr("Create Node : %1").arg(node->name()), [this, removed] { removed->takeFrom(this); },
+        {}, [this, removed] { removed->takeFrom(this); },
         [this, removed] { removed->putBack(this); });
+    if (OssSnGroupNode *group = parentGroupNode())
+        group->onNodeAddedInside(node);
     return node;
 }
 
@@ -92,6 +96,62 @@ OssSnBaseNode *OssShaderNetwork::addNode(NodePointer node, bool fresh)
     return added;
 }
 
+// --- nodes from elsewhere
+
+bool OssShaderNetwork::belongsHere(const OssSnBaseNode *node) const
+{
+    const bool port = node->hasTag(QStringLiteral("_input"))
+                      || node->hasTag(QStringLiteral("_output"));
+    return !node->hasTag(QStringLiteral("_viewer")) && (!port || parentGroupNode());
+}
+
+QList<OssSnBaseNode *> OssShaderNetwork::takeOverNodes(OssShaderNetwork *read)
+{
+    QStringList faults; // wires from nodes that were not taken along
+    read->wireLoadedNodes(&faults);
+    read->cutLoadedCycles(&faults);
+    OssUndoManager::AutoMacro macro(tr("Insert Nodes"));
+    auto removed = std::make_shared<Removed>();
+    QList<OssSnBaseNode *> inserted;
+    {
+        const OssUndoManager::Pause pause;
+        const ViewUpdateLock lock(this);
+        std::vector<NodePointer> nodes;
+        nodes.swap(read->m_nodes);
+        read->m_byName.clear();
+        for (const NodePointer &node : nodes) {
+            if (!belongsHere(node.get()))
+                node->cutLoadedWires();
+        }
+        for (NodePointer &node : nodes) {
+            if (belongsHere(node.get()))
+                inserted.append(insertNode(std::move(node), -1));
+        }
+        for (OssSnBaseNode *node : qAsConst(inserted)) {
+            if (auto *group = qobject_cast<OssSnGroupNode *>(node))
+                group->groupNetwork()->finishNodes();
+            node->initializeContexts();
+            registerNode(node);
+            removed->entries.push_back({node, nullptr, 0});
+        }
+        for (OssSnBaseNode *node : qAsConst(inserted)) {
+            for (const OssSnBaseNode::InputPort &port : node->inputPorts()) {
+                if (port.source)
+                    Q_EMIT node->inputNodeChanged(port.name, port.source, port.sourceOutput);
+            }
+        }
+    }
+    if (!inserted.isEmpty())
+        OssUndoManager::instance()->record(
+            {}, [this, removed] { removed->takeFrom(this); },
+            [this, removed] { removed->putBack(this); });
+    if (OssSnGroupNode *group = parentGroupNode()) {
+        for (OssSnBaseNode *node : qAsConst(inserted))
+            group->onNodeAddedInside(node);
+    }
+    return inserted;
+}
+
 // --- removal
 
 bool OssShaderNetwork::isRemovable(const OssSnBaseNode *node)
@@ -105,6 +165,8 @@ void OssShaderNetwork::removeUnchecked(const QList<OssSnBaseNode *> &nodes, cons
     const ViewUpdateLock lock(this);
     for (OssSnBaseNode *node : nodes) {
         node->setSelected(false);
+        if (OssSnGroupNode *group = parentGroupNode())
+            group->onNodeRemovedInside(node);
         node->disconnectAll();
     }
     auto removed = std::make_shared<Removed>();

@@ -174,16 +174,18 @@ public:
 
     void addInput(const InputPort &port, int index = -1);
     void addInputs(const QVector<InputPort> &ports);
-    bool removeInput(const QString &name);
-    bool renameInput(const QString &oldName, const QString &newName);
+    virtual bool removeInput(const QString &name);
+    virtual bool renameInput(const QString &oldName, const QString &newName);
     /// All names, in the new order; anything else is refused.
     bool reorderInputs(const QStringList &names);
     bool reorderOutputs(const QStringList &names);
     void setInputEnabled(const QString &name, bool enabled);
     void setInputShared(const QString &name, bool shared);
     void addOutputPoint(const OutputPoint &point, int index = -1);
-    bool removeOutputPoint(const QString &name);
-    bool renameOutputPoint(const QString &oldName, const QString &newName);
+    virtual bool removeOutputPoint(const QString &name);
+    /// All ports carry this kind of data from now on. No undo: part of making a node.
+    void setPortKinds(OssSnDataKind kind);
+    virtual bool renameOutputPoint(const QString &oldName, const QString &newName);
 
     // --- connections
     /// Null when nothing is connected or the input is unknown.
@@ -290,6 +292,8 @@ public:
     QVector<PendingConnection> takePendingConnections();
     /// Without checks, undo or signals: for files that have been checked whole.
     void connectSilently(const QString &input, OssSnBaseNode *source, const QString &outputPoint);
+    /// The same for all its wires: for a node of a file that is not kept.
+    void cutLoadedWires();
 
 Q_SIGNALS:
     void nameChanged(QString name);

@@ -156,6 +156,17 @@ void OssSnBaseNode::connectSilently(const QString &input, OssSnBaseNode *source,
         source->linkOutgoing(outputPoint, this, input);
 }
 
+void OssSnBaseNode::cutLoadedWires()
+{
+    for (const InputPort &port : qAsConst(m_inputs)) {
+        if (port.source)
+            connectSilently(port.name, nullptr, {});
+    }
+    const QVector<OutgoingConnection> wires = m_outgoing;
+    for (const OutgoingConnection &wire : wires)
+        wire.target->connectSilently(wire.input, nullptr, {});
+}
+
 void OssSnBaseNode::linkOutgoing(const QString &outputPoint, OssSnBaseNode *target,
                                  const QString &input)
 {

@@ -345,3 +345,13 @@ void OssSnBaseNode::applyRenameOutput(const QString &oldName, const QString &new
     }
     Q_EMIT outputPointRenamed(oldName, newName);
 }
+
+void OssSnBaseNode::setPortKinds(OssSnDataKind kind)
+{
+    for (InputPort &port : m_inputs)
+        port.kind = kind;
+    for (OutputPoint &point : m_outputs)
+        point.kind = kind;
+    Q_EMIT inputsRefreshed();
+    Q_EMIT outputsRefreshed();
+}

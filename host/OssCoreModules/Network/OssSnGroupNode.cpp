@@ -1,7 +1,9 @@
 #include "OssCoreModules/Network/OssSnGroupNode.h"
 
 #include "OssCore/OssUndoManager.h"
+#include "OssCoreModules/Interface/OssMessageBox.h"
 #include "OssCoreModules/Network/OssShaderNetwork.h"
+#include "OssCoreModules/Network/OssShaderNetworkIO.h"
 
 namespace {
 
@@ -23,9 +25,17 @@ OssSnGroupNode::~OssSnGroupNode()
     m_groupNetwork.reset();
 }
 
-OssSnBaseNode *OssSnGroupNode::createInside(const QString &pathKey, const QString &name)
+// --- ports
+
+OssSnBaseNode *OssSnGroupNode::createInside(const QString &pathKey, const QString &name,
+                                            OssSnDataKind kind)
 {
-    return m_groupNetwork->createNode(pathKey, name);
+    m_newPortKind = kind;
+    OssSnBaseNode *inside = m_groupNetwork->createNode(pathKey, name);
+    m_newPortKind = OssSnDataKind::Color;
+    if (inside)
+        inside->setPortKinds(kind);
+    return inside;
 }
 
 OssSnBaseNode *OssSnGroupNode::createInput(const QString &name, OssSnDataKind kind)
@@ -33,16 +43,7 @@ OssSnBaseNode *OssSnGroupNode::createInput(const QString &name, OssSnDataKind ki
     if (name.trimmed().isEmpty() || hasInput(name) || m_groupNetwork->node(name))
         return nullptr;
     OssUndoManager::AutoMacro macro(tr("Add Group Input %1").arg(name));
-    OssSnBaseNode *inside = createInside(InputKey, name);
-    if (!inside)
-        return nullptr;
-    InputPort port;
-    port.name = inside->name();
-    port.kind = kind;
-    port.preferred = inputPorts().isEmpty();
-    addInput(port);
-    Q_EMIT newGroupNodeInputOutputCreated();
-    return inside;
+    return createInside(InputKey, name, kind);
 }
 
 OssSnBaseNode *OssSnGroupNode::createOutput(const QString &name, OssSnDataKind kind)
@@ -50,12 +51,81 @@ OssSnBaseNode *OssSnGroupNode::createOutput(const QString &name, OssSnDataKind k
     if (name.trimmed().isEmpty() || hasOutputPoint(name) || m_groupNetwork->node(name))
         return nullptr;
     OssUndoManager::AutoMacro macro(tr("Add Group Output %1").arg(name));
-    OssSnBaseNode *inside = createInside(OutputKey, name);
-    if (!inside)
-        return nullptr;
-    addOutputPoint({inside->name(), {}, kind});
+    return createInside(OutputKey, name, kind);
+}
+
+void OssSnGroupNode::onNodeAddedInside(OssSnBaseNode *node)
+{
+    const QString name = node->name();
+    if (node->hasTag(QStringLiteral("_input")) && !hasInput(name)) {
+        InputPort port;
+        port.name = name;
+        port.kind = m_newPortKind;
+        port.preferred = inputPorts().isEmpty();
+        addInput(port);
+    } else if (node->hasTag(QStringLiteral("_output")) && !hasOutputPoint(name)) {
+        addOutputPoint({name, {}, m_newPortKind});
+    } else {
+        return;
+    }
     Q_EMIT newGroupNodeInputOutputCreated();
-    return inside;
+}
+
+void OssSnGroupNode::onNodeRemovedInside(const OssSnBaseNode *node)
+{
+    if (node->hasTag(QStringLiteral("_input")))
+        OssSnBaseNode::removeInput(node->name());
+    else if (node->hasTag(QStringLiteral("_output")))
+        OssSnBaseNode::removeOutputPoint(node->name());
+}
+
+void OssSnGroupNode::onNodeRenamedInside(const OssSnBaseNode *node, const QString &oldName)
+{
+    // The step of the node's renaming brings the port along in both directions.
+    const OssUndoManager::Pause pause;
+    if (node->hasTag(QStringLiteral("_input")))
+        OssSnBaseNode::renameInput(oldName, node->name());
+    else if (node->hasTag(QStringLiteral("_output")))
+        OssSnBaseNode::renameOutputPoint(oldName, node->name());
+}
+
+bool OssSnGroupNode::renameInside(OssSnBaseNode *inside, const QString &newName)
+{
+    if (newName.simplified().isEmpty() || m_groupNetwork->node(newName))
+        return false;
+    inside->setName(newName);
+    return true;
+}
+
+bool OssSnGroupNode::renameInput(const QString &oldName, const QString &newName)
+{
+    OssSnBaseNode *inside = inputNodeInside(oldName);
+    return inside ? renameInside(inside, newName) : OssSnBaseNode::renameInput(oldName, newName);
+}
+
+bool OssSnGroupNode::renameOutputPoint(const QString &oldName, const QString &newName)
+{
+    OssSnBaseNode *inside = outputNodeInside(oldName);
+    return inside ? renameInside(inside, newName)
+                  : OssSnBaseNode::renameOutputPoint(oldName, newName);
+}
+
+bool OssSnGroupNode::removeInput(const QString &name)
+{
+    OssSnBaseNode *inside = inputNodeInside(name);
+    if (!inside)
+        return OssSnBaseNode::removeInput(name);
+    m_groupNetwork->removeNodes({inside});
+    return true;
+}
+
+bool OssSnGroupNode::removeOutputPoint(const QString &name)
+{
+    OssSnBaseNode *inside = outputNodeInside(name);
+    if (!inside)
+        return OssSnBaseNode::removeOutputPoint(name);
+    m_groupNetwork->removeNodes({inside});
+    return true;
 }
 
 OssSnBaseNode *OssSnGroupNode::inputNodeInside(const QString &input) const
@@ -90,6 +160,37 @@ QList<OssSnBaseNode *> OssSnGroupNode::outputNodesInside() const
             nodes.append(node);
     }
     return nodes;
+}
+
+void OssSnGroupNode::rememberPlaces(const QList<OssSnBaseNode *> &members,
+                                    const QList<OssSnBaseNode *> &around)
+{
+    for (const OssSnBaseNode *node : members)
+        m_places.insert(node, around.indexOf(const_cast<OssSnBaseNode *>(node)));
+}
+
+QVector<int> OssSnGroupNode::rememberedPlaces(const QList<OssSnBaseNode *> &members) const
+{
+    QVector<int> places;
+    for (const OssSnBaseNode *node : members) {
+        const int place = m_places.value(node, -1);
+        if (place < 0)
+            return {};
+        places.append(place);
+    }
+    return places;
+}
+
+// --- files
+
+bool OssSnGroupNode::exportAsGizmo(const QString &path)
+{
+    if (path.isEmpty())
+        return false;
+    const OssResult result = OssShaderNetworkIO::saveNodesToXmlFile({this}, path);
+    if (!result)
+        OssMessageBox::warning(nullptr, tr("Export as Gizmo"), result.error());
+    return result.ok();
 }
 
 bool OssSnGroupNode::saveObjects(OssSerializer &serializer)

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "OssCore/OssResult.h"
+#include "OssCoreModules/OssCoreModules_export.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+
+class OssShaderNetwork;
+class OssSnBaseNode;
+
+/// Nodes outside a network: as text, in node files (*.ong) and on the clipboard.
+///
+/// The text is an XML document without ids: the nodes with attributes, contexts and what is inside
+/// groups, and the wires among them. Wires from and to other nodes stay behind. Reading gives new
+/// nodes with free names, all or none, in one undo step; where they stand is what the text says.
+/// Viewers are neither written nor read, ports of groups only inside a group.
+namespace OssShaderNetworkIO {
+
+/// `note` is a remark for whoever reads the text; it may be empty.
+OSSCOREMODULES_EXPORT QByteArray nodesToText(const QList<OssSnBaseNode *> &nodes,
+                                             const QString &note = {});
+/// `source` names the origin in messages. On failure the network is as it was and the list empty.
+OSSCOREMODULES_EXPORT OssResult nodesFromText(OssShaderNetwork *network, const QByteArray &text,
+                                              const QString &source,
+                                              QList<OssSnBaseNode *> *inserted);
+
+/// The copies, in the order of the originals. With `select` they are the selected nodes afterwards.
+OSSCOREMODULES_EXPORT QList<OssSnBaseNode *> duplicateNodes(OssShaderNetwork *network,
+                                                            const QList<OssSnBaseNode *> &nodes,
+                                                            bool select);
+/// Puts the nodes onto the system's clipboard, as text, so that they can be pasted anywhere.
+OSSCOREMODULES_EXPORT void copyNodesToClipboard(const QList<OssSnBaseNode *> &nodes,
+                                                const QString &note);
+/// Empty, with the reason in the log, when the clipboard holds no nodes.
+OSSCOREMODULES_EXPORT QList<OssSnBaseNode *> pasteNodesFromClipboard(OssShaderNetwork *network,
+                                                                     bool select);
+OSSCOREMODULES_EXPORT bool clipboardHoldsNodes();
+
+OSSCOREMODULES_EXPORT OssResult saveNodesToXmlFile(const QList<OssSnBaseNode *> &nodes,
+                                                   const QString &path);
+OSSCOREMODULES_EXPORT OssResult loadNodesFromXmlFile(OssShaderNetwork *network, const QString &path,
+                                                     QList<OssSnBaseNode *> *inserted);
+
+} // namespace OssShaderNetworkIO

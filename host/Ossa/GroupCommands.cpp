@@ -1,0 +1,118 @@
+#include "Ossa/GroupCommands.h"
+
+#include "Ossa/Commands.h"
+#include "OssCore/OssUndoManager.h"
+#include "OssCoreModules/Interface/OssMessageBox.h"
+#include "OssCoreModules/Network/OssShaderNetwork.h"
+#include "OssCoreModules/Network/OssShaderNetworkManager.h"
+#include "OssCoreModules/Network/OssSnBaseContext.h"
+#include "OssCoreModules/Network/OssSnGroupNode.h"
+
+namespace {
+
+const QString folder = QStringLiteral("/Ossa/NodeGraph/");
+
+void selectOnly(OssShaderNetwork *network, const QList<OssSnBaseNode *> &nodes)
+{
+    const QList<OssSnBaseNode *> before = network->selectedNodes();
+    for (OssSnBaseNode *node : before)
+        node->setSelected(false);
+    for (OssSnBaseNode *node : nodes)
+        node->setSelected(true);
+    OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
+}
+
+} // namespace
+
+GroupCommands::GroupCommands(QObject *parent)
+    : QObject(parent)
+{
+    Commands::file(
+        this, folder, tr("Group Selected Nodes"), [] { groupSelected(); },
+        tr("Put the selected nodes into a group with a port for each stream"));
+    Commands::file(
+        this, folder, tr("Ungroup"), [] { ungroupSelected(); },
+        tr("Put what is inside the selected groups in their place"));
+    Commands::file(
+        this, folder, tr("Add Group Input"), [] { addPort(true); },
+        tr("Give the group another input"));
+    Commands::file(
+        this, folder, tr("Add Group Output"), [] { addPort(false); },
+        tr("Give the group another output"));
+    Commands::file(
+        this, folder, tr("Export as Gizmo"), [] { exportAsGizmo(); },
+        tr("Save the group as a file that can be imported anywhere"));
+}
+
+OssShaderNetwork *GroupCommands::network()
+{
+    return OssShaderNetworkManager::instance()->currentViewNetwork();
+}
+
+OssSnGroupNode *GroupCommands::group()
+{
+    OssShaderNetwork *shown = network();
+    const QList<OssSnBaseNode *> selected = shown ? shown->selectedNodes()
+                                                  : QList<OssSnBaseNode *>();
+    OssSnGroupNode *found = nullptr;
+    int count = 0;
+    for (OssSnBaseNode *node : selected) {
+        if (auto *one = qobject_cast<OssSnGroupNode *>(node)) {
+            found = one;
+            ++count;
+        }
+    }
+    if (count == 1)
+        return found;
+    return shown && count == 0 ? shown->parentGroupNode() : nullptr;
+}
+
+void GroupCommands::groupSelected()
+{
+    OssShaderNetwork *shown = network();
+    OssSnGroupNode *made = shown ? shown->groupNodes(shown->selectedNodes()) : nullptr;
+    if (made)
+        selectOnly(shown, {made});
+}
+
+void GroupCommands::ungroupSelected()
+{
+    OssShaderNetwork *shown = network();
+    if (!shown)
+        return;
+    const QList<OssSnBaseNode *> selected = shown->selectedNodes();
+    QList<OssSnBaseNode *> inside;
+    const OssUndoManager::AutoMacro macro(tr("Ungroup"));
+    for (OssSnBaseNode *node : selected) {
+        if (auto *one = qobject_cast<OssSnGroupNode *>(node))
+            inside.append(shown->ungroup(one));
+    }
+    if (!inside.isEmpty())
+        selectOnly(shown, inside);
+}
+
+void GroupCommands::addPort(bool input)
+{
+    OssSnGroupNode *target = group();
+    if (!target)
+        return;
+    const QString name = target->groupNetwork()->generateUniqueNodeName(input ? tr("Input")
+                                                                              : tr("Output"));
+    if (input)
+        target->createInput(name, OssSnDataKind::Color);
+    else
+        target->createOutput(name, OssSnDataKind::Color);
+    OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
+}
+
+void GroupCommands::exportAsGizmo()
+{
+    OssSnGroupNode *target = group();
+    if (!target) {
+        OssMessageBox::information(nullptr, tr("Export as Gizmo"),
+                                   tr("Select the group that is to be exported"));
+        return;
+    }
+    if (OssSnBaseContext *context = target->context(QStringLiteral("NodeGraphView")))
+        QMetaObject::invokeMethod(context, "onExportAsGizmo", Q_ARG(OssSnGroupNode *, target));
+}

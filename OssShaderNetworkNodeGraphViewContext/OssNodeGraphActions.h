@@ -5,26 +5,56 @@
 /// slot that an earlier row has.
 // clang-format off
 #define OSS_NODE_GRAPH_ACTIONS(ACTION, ACTION_AGAIN)                                               \
-    ACTION("Delete", deleteSelectedNodes, deleteSelectedNodes())                                   \
-    ACTION("Extract", extractSelectedNode, extractSelectedNode())                                  \
-    ACTION("Remove All Nodes", deleteAllNodes, deleteAllNodes())                                   \
-    ACTION("Frame Nodes", frameNodes, frameNodes(true))                                            \
-    ACTION("Focus Selection", frameSelectedNodes, frameSelectedNodes())                            \
-    ACTION("Disable", disableSelectedNodes, disableSelectedNodes())                                \
-    ACTION("Bypass", bypassSelectedNode, bypassSelectedNode())                                     \
-    ACTION("Select All", selectAll, selectAll())                                                   \
-    ACTION("Toggle Port List", togglePortVisibility, togglePortVisibility())                       \
-    ACTION("Cycle Port List Mode", cyclePortListMode, cyclePortListMode())                         \
-    ACTION("Open Group Node Subgraph", openGroupNodeSubgraph, openGroupNodeSubgraph())             \
-    ACTION("Pick Up Edge Under Mouse", pickUpEdge, pickUpEdge())                                   \
-    ACTION_AGAIN("Pick Up Edge Under Mouse", pickUpEdge, pickUpEdge())                             \
-    ACTION("Zoom In", zoomIn, zoomIn())                                                            \
-    ACTION("Zoom Out", zoomOut, zoomOut())                                                         \
-    ACTION("Pan Left", panLeft, panLeft())                                                         \
-    ACTION("Pan Right", panRight, panRight())                                                      \
-    ACTION("Pan Up", panUp, panUp())                                                               \
-    ACTION("Pan Down", panDown, panDown())                                                         \
-    ACTION("Toggle Snap to Grid", toggleSnapToGrid, toggleSnapToGrid())                            \
+    ACTION("Connect Selected Node to Viewer", connectSelectedNodeToViewer, connectSelectedNodeToViewer(nullptr, 1)) \
+    ACTION("Connect Selected Node to Viewer2", connectSelectedNodeToViewer2, connectSelectedNodeToViewer(nullptr, 2)) \
+    ACTION("Connect Selected Node to Viewer3", connectSelectedNodeToViewer3, connectSelectedNodeToViewer(nullptr, 3)) \
+    ACTION("Connect Selected Node to Viewer4", connectSelectedNodeToViewer4, connectSelectedNodeToViewer(nullptr, 4)) \
+    ACTION("Connect Selected Node to Viewer5", connectSelectedNodeToViewer5, connectSelectedNodeToViewer(nullptr, 5)) \
+    ACTION("Connect Selected Node to Viewer6", connectSelectedNodeToViewer6, connectSelectedNodeToViewer(nullptr, 6)) \
+    ACTION("Connect Selected Node to Viewer7", connectSelectedNodeToViewer7, connectSelectedNodeToViewer(nullptr, 7)) \
+    ACTION("Connect Selected Node to Viewer8", connectSelectedNodeToViewer8, connectSelectedNodeToViewer(nullptr, 8)) \
+    ACTION("Connect Selected Node to Viewer9", connectSelectedNodeToViewer9, connectSelectedNodeToViewer(nullptr, 9)) \
+    ACTION("Connect Selected Node to Viewer0", connectSelectedNodeToViewer0, connectSelectedNodeToViewer(nullptr, 0)) \
+    ACTION("Move Viewer to Cursor", moveViewerToMouse, moveViewerToMouse())                         \
+    ACTION("Delete", deleteSelectedNodes, deleteSelectedNodes())                                    \
+    ACTION("Extract", extractSelectedNode, extractSelectedNode())                                   \
+    ACTION("Remove All Nodes", deleteAllNodes, deleteAllNodes())                                    \
+    ACTION("Frame Nodes", frameNodes, frameNodes(true))                                             \
+    ACTION("Focus Selection", frameSelectedNodes, frameSelectedNodes())                             \
+    ACTION("Disable", disableSelectedNodes, disableSelectedNodes())                                 \
+    ACTION("Bypass", bypassSelectedNode, bypassSelectedNode())                                      \
+    ACTION("Duplicate", duplicateSelectedNodes, duplicateSelectedNodes())                           \
+    ACTION("Select All", selectAll, selectAll())                                                    \
+    ACTION("Cut", cutNodesAction, cutNodesAction())                                                 \
+    ACTION("Copy", copyNodesAction, copyNodesAction())                                              \
+    ACTION("Paste", pasteNodesAction, pasteNodesAction())                                           \
+    ACTION("Swap Inputs", swapInputs, swapInputs())                                                 \
+    ACTION("Rename Node", popupRenameWindow, popupRenameWindow())                                   \
+    ACTION("Toggle Port List", togglePortVisibility, togglePortVisibility())                        \
+    ACTION("Cycle Port List Mode", cyclePortListMode, cyclePortListMode())                          \
+    ACTION("Open Group Node Subgraph", openGroupNodeSubgraph, openGroupNodeSubgraph())              \
+    ACTION("Pick Up Edge Under Mouse", pickUpEdge, pickUpEdge())                                    \
+    ACTION_AGAIN("Pick Up Edge Under Mouse", pickUpEdge, pickUpEdge())                              \
+    ACTION("Select All Upstream", selectAllUpstream, selectAllUpstream())                           \
+    ACTION("Select All Downstream", selectAllDownstream, selectAllDownstream())                     \
+    ACTION("Select Stream Upstream", selectStreamUpstream, selectStreamUpstream())                  \
+    ACTION("Select Stream Downstream", selectStreamDownstream, selectStreamDownstream())            \
+    ACTION("Select Previous Upstream", selectUpstream, selectUpstream())                            \
+    ACTION("Select Next Downstream", selectDownstream, selectDownstream())                          \
+    ACTION("Add Select Previous Upstream", addSelectUpstream, addSelectUpstream())                  \
+    ACTION("Add Select Next Downstream", addSelectDownstream, addSelectDownstream())                \
+    ACTION("Select Next Sibling", selectNextSibling, selectNextSibling())                           \
+    ACTION("Select Previous Sibling", selectPrevSibling, selectPrevSibling())                       \
+    ACTION("Add Select Next Sibling", addSelectNextSibling, addSelectNextSibling())                 \
+    ACTION("Add Select Previous Sibling", addSelectPrevSibling, addSelectPrevSibling())             \
+    ACTION("Select Between", selectBetween, selectBetween())                                        \
+    ACTION("Zoom In", zoomIn, zoomIn())                                                             \
+    ACTION("Zoom Out", zoomOut, zoomOut())                                                          \
+    ACTION("Pan Left", panLeft, panLeft())                                                          \
+    ACTION("Pan Right", panRight, panRight())                                                       \
+    ACTION("Pan Up", panUp, panUp())                                                                \
+    ACTION("Pan Down", panDown, panDown())                                                          \
+    ACTION("Toggle Snap to Grid", toggleSnapToGrid, toggleSnapToGrid())                             \
     ACTION("Toggle Edge Sever Mode", toggleEdgeSeverAction, toggleEdgeSeverAction())
 
 /// Slots that forward in the same way but have no action: reached by name.

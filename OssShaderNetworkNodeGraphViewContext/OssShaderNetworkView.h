@@ -10,6 +10,7 @@
 class OssNgBackdropNode;
 class OssShaderNetwork;
 class OssSnBaseNode;
+class OssSnMultiChannelGroupNode;
 class QAction;
 
 /// The editor of one shader network: a graphics view on the scene with the items of its nodes, and
@@ -107,10 +108,46 @@ public Q_SLOTS:
     void extractSelectedNode();
     void disableSelectedNodes();
     void bypassSelectedNode();
-    void selectAll();
+    void popupRenameWindow();
+    void popupRenameWindow(OssNgNode *NodeToRename);
+    void swapInputs();
     void openGroupNodeSubgraph();
     void togglePortVisibility();
     void cyclePortListMode();
+
+    // Copies
+    void duplicateSelectedNodes();
+    void cutNodesAction();
+    void copyNodesAction();
+    void pasteNodesAction();
+
+    // Looking at nodes
+    /// Shows the node, or the only selected one, at the viewer's input. Without any, the viewer
+    /// turns to that input.
+    void connectSelectedNodeToViewer(OssSnBaseNode *Node, int Num);
+
+    void connectSelectedNodeToViewer(OssSnBaseNode *Node) { connectSelectedNodeToViewer(Node, 1); }
+
+    void connectSelectedNodeToViewer() { connectSelectedNodeToViewer(nullptr, 1); }
+
+    void onOutputPointSelected(QAction *action);
+    void moveViewerToMouse();
+
+    // Selecting along the graph
+    void selectAllUpstream();
+    void selectAllDownstream();
+    void selectStreamUpstream();
+    void selectStreamDownstream();
+    void selectUpstream();
+    void selectDownstream();
+    void addSelectUpstream();
+    void addSelectDownstream();
+    void selectNextSibling();
+    void selectPrevSibling();
+    void addSelectNextSibling();
+    void addSelectPrevSibling();
+    void selectBetween();
+    void selectAll();
 
     // Creation
     void createNodeFromAction(QAction *action);
@@ -136,6 +173,19 @@ private:
     bool hasNetwork() const;
     /// Of the network; none, with that line, without one.
     QList<OssSnBaseNode *> selectedNodes() const;
+    QList<OssSnBaseNode *> selectionWithoutViewer() const;
+    /// The selected items' nodes, without those that belong to the application.
+    QList<OssSnBaseNode *> selectedBusinessNodes() const;
+    /// With a debug line when there is none.
+    bool hasScene() const;
+    /// Selects them and moves them, as they stand to each other, to a point of the viewport; null
+    /// leaves them where they are.
+    void placeInsertedNodes(const QList<OssSnBaseNode *> &nodes, const QPoint *viewPos);
+    void chooseOutputPoint(OssSnBaseNode *node, OssSnBaseNode *viewer, int num);
+    void batchSwapInputs(OssSnMultiChannelGroupNode *merge);
+    /// What feeds the input, when it carries the same streams. `side` names it in debug lines.
+    static OssSnMultiChannelGroupNode *matchingSource(OssSnMultiChannelGroupNode *target,
+                                                      const QString &input, const char *side);
     template <class Change>
     void changePortLists(const char *missingContext, Change change);
     int selectionCount() const;

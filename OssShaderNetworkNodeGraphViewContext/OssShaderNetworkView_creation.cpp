@@ -54,14 +54,3 @@ void OssShaderNetworkView::createNodeFromAction(QAction *action)
     node->setSelected(true);
     OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
 }
-
-void OssShaderNetworkView::connectNodeToViewer(OssSnBaseNode *node, int input)
-{
-    if (!m_network || !node || node->prefferedOutputPoint().isEmpty())
-        return;
-    OssSnBaseNode *viewer = m_network->moveCurrentViewerNodeToNetwork();
-    if (!viewer)
-        return;
-    if (viewer->setInputNode(QString::number(input), node, node->prefferedOutputPoint()))
-        m_network->rootNetwork()->setViewerNodeCurrentEdge(input, true);
-}

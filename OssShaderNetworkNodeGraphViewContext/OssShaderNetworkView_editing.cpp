@@ -2,12 +2,22 @@
 
 #include "OssCore/OssDebug.h"
 #include "OssCore/OssUndoManager.h"
-#include "OssCoreModules/Layers/OssLayerShaderManager.h"
+#include "OssCoreModules/Interface/OssMessageBox.h"
+#include "OssCoreModules/Interface/OssPopupDialog.h"
+#include "OssCoreModules/Layers/OssLayerRefreshSuspensionManager.h"
+#include "OssCoreModules/Layers/OssLayerShaderModelManager.h"
+#include "OssCoreModules/Layers/OssLayerStreamUtils.h"
 #include "OssCoreModules/Network/OssShaderNetwork.h"
 #include "OssCoreModules/Network/OssSnGroupNode.h"
+#include "OssCoreModules/Network/OssSnMultiChannelMergeNode.h"
 #include "OssNodeGraph/OssNgExtendedNode.h"
 #include "OssSnGroupNodeGraphViewContext.h"
 #include "OssSnNodeGraphViewContextManager.h"
+
+#include <QHBoxLayout>
+#include <QLineEdit>
+
+#include <algorithm>
 
 namespace {
 
@@ -48,6 +58,7 @@ void OssShaderNetworkView::deleteSelectedNodes()
             nodes.insert(node);
     }
     const OssUndoManager::AutoMacro macro(tr("Remove Selected Nodes"));
+    const OssLayerRefreshSuspensionManager::RefreshStateSuspender suspender;
     m_network->removeNodes(nodes);
     tellOfChange();
 }
@@ -98,16 +109,135 @@ void OssShaderNetworkView::bypassSelectedNode()
     }
 }
 
-void OssShaderNetworkView::selectAll()
+// --- renaming
+
+void OssShaderNetworkView::popupRenameWindow()
 {
-    if (!hasNetwork())
+    const QList<OssSnBaseNode *> selected = selectedNodes();
+    if (selected.isEmpty())
         return;
-    const QList<OssSnBaseNode *> nodes = m_network->nodes();
-    for (OssSnBaseNode *node : nodes) {
-        if (!OssLayerShaderManager::instance()->isSystemShaderNode(node, true))
-            node->setSelected(true);
+    if (selected.size() > 1) {
+        OssDebug(Source, __LINE__, "More than one node selected for renaming");
+        OssMessageBox::warning(this, tr("Rename node"),
+                               tr("Only one node must be selected for renaming"));
+        return;
     }
+    popupRenameWindow(OssSnNodeGraphViewContextManager::guiNodeOf(selected.first()));
 }
+
+void OssShaderNetworkView::popupRenameWindow(OssNgNode *NodeToRename)
+{
+    if (!NodeToRename) {
+        OssDebug(Source, __LINE__, "NodeToRename is NULL");
+        return;
+    }
+    const QPointer<OssSnBaseNode> node = qobject_cast<OssSnBaseNode *>(
+        NodeToRename->businessNode());
+    if (!node) {
+        OssDebug(Source, __LINE__, "BusinessNode is NULL");
+        return;
+    }
+    OssPopupDialog dialog;
+    dialog.setMaximumWidth(151);
+    auto *layout = new QHBoxLayout(&dialog);
+    layout->setContentsMargins(0, 0, 0, 0);
+    auto *edit = new QLineEdit(node->name()); // the layout gives it to the dialog
+    edit->setFixedWidth(150);
+    edit->setAccessibleName(tr("Name of the node"));
+    edit->selectAll();
+    layout->addWidget(edit);
+    connect(edit, &QLineEdit::returnPressed, &dialog, &QDialog::accept);
+    dialog.move(viewport()->mapToGlobal(mapFromScene(NodeToRename->scenePos())));
+    edit->setFocus();
+    if (dialog.exec() == QDialog::Accepted && node)
+        node->setName(edit->text());
+}
+
+// --- swapping inputs
+
+void OssShaderNetworkView::swapInputs()
+{
+    const QList<OssSnBaseNode *> selected = selectedNodes();
+    if (selected.size() != 1) {
+        OssDebug(Source, __LINE__, "More than one node selected for swap inputs.");
+        OssMessageBox::warning(this, tr("Swap Inputs"),
+                               tr("Only one node must be selected for swapping inputs."));
+        return;
+    }
+    OssSnBaseNode *node = selected.first();
+    const QStringList names = node->inputNames();
+    if (names.size() < 2) {
+        OssDebug(Source, __LINE__, "Need at least two inputs to swap inputs.");
+        OssMessageBox::warning(this, tr("Swap Inputs"),
+                               tr("The selected node has fewer than two inputs to swap."));
+        return;
+    }
+    if (auto *merge = qobject_cast<OssSnMultiChannelMergeNode *>(node)) {
+        batchSwapInputs(merge);
+        return;
+    }
+    OssSnBaseNode *first = node->inputNode(names.at(0));
+    OssSnBaseNode *second = node->inputNode(names.at(1));
+    const QString output = QStringLiteral("Output");
+    const OssUndoManager::AutoMacro macro(tr("Swap Inputs"));
+    node->connectInput(names.at(0), second, output, true, false, true, false);
+    node->connectInput(names.at(1), first, output, true, false, true, false);
+}
+
+OssSnMultiChannelGroupNode *OssShaderNetworkView::matchingSource(OssSnMultiChannelGroupNode *target,
+                                                                 const QString &input,
+                                                                 const char *side)
+{
+    OssSnBaseNode *source = target->inputNode(input);
+    if (!qobject_cast<OssSnMultiChannelGroupNode *>(source)) {
+        OssDebug(Source, __LINE__, "%s input node is not a Multi-Channel-Group node", side);
+        return nullptr;
+    }
+    auto *matching =
+        OssLayerShaderModelManager::instance()->matchingShaderModelNodePair(target, source).second;
+    if (!matching)
+        OssDebug(Source, __LINE__,
+                 "The Shader Models of target node and %s input node do not match.", side);
+    return matching;
+}
+
+void OssShaderNetworkView::batchSwapInputs(OssSnMultiChannelGroupNode *merge)
+{
+    const OssLayerShaderModel *model = merge->shaderModel();
+    if (!model) {
+        OssDebug(Source, __LINE__, "ShaderModel is NULL");
+        return;
+    }
+    const QStringList inputs = model->inputList();
+    if (inputs.isEmpty()) {
+        OssDebug(Source, __LINE__, "ShaderModel has empty input list");
+        return;
+    }
+    const QString first = model->input(inputs.first())->streamName();
+    OssSnMultiChannelGroupNode *base = matchingSource(
+        merge, OssLayerStreamUtils::baseInputName(first), "Base");
+    OssSnMultiChannelGroupNode *over = base ? matchingSource(
+                                           merge, OssLayerStreamUtils::overInputName(first), "Over")
+                                            : nullptr;
+    if (!base || !over)
+        return;
+    const bool allMatch = std::all_of(inputs.cbegin(), inputs.cend(), [&](const QString &input) {
+        const QString stream = model->input(input)->streamName();
+        return merge->inputNode(OssLayerStreamUtils::baseInputName(stream)) == base
+               && merge->inputNode(OssLayerStreamUtils::overInputName(stream)) == over;
+    });
+    if (!allMatch) {
+        OssDebug(Source, __LINE__,
+                 "Not batch swapping the inputs for Multi-Channel Merge Node because not all the "
+                 "input ports match up between two source Multi-Channel nodes.");
+        return;
+    }
+    const OssUndoManager::AutoMacro macro(tr("Batch Swap Inputs"));
+    merge->batchConnectInputNode(OssLayerStreamUtils::baseInputName({}), over);
+    merge->batchConnectInputNode(OssLayerStreamUtils::overInputName({}), base);
+}
+
+// --- groups and port lists
 
 void OssShaderNetworkView::openGroupNodeSubgraph()
 {

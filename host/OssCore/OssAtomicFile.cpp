@@ -1,20 +1,24 @@
 #include "OssCore/OssAtomicFile.h"
 
+#include <sys/file.h>
 #include <sys/stat.h>
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QTemporaryFile>
+#include <QRandomGenerator>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 
 #include <fcntl.h>
 #include <unistd.h>
 
 namespace {
+
+const QString TemporaryMark = QStringLiteral(".part-");
 
 QString tr(const char *text)
 {
@@ -31,14 +35,17 @@ QString systemReason()
     return QString::fromLocal8Bit(std::strerror(errno));
 }
 
-/// Closes the descriptor, and removes the temporary file unless it took the target's name.
+/// The file beside the target that takes its name in the end; removed unless it did. While it is
+/// being written it is locked, so that nobody takes it for one that a killed process left.
 class TemporaryFile
 {
 public:
     explicit TemporaryFile(const QString &target)
-        : m_path(QFile::encodeName(target) + ".XXXXXX")
-        , m_descriptor(::mkostemp(m_path.data(), O_CLOEXEC))
+        : m_target(QFile::encodeName(target))
     {
+        // Whoever sweeps may take the file between its making and its locking: then once more.
+        for (int attempt = 0; attempt < 3 && !isOpen(); ++attempt)
+            open();
     }
 
     TemporaryFile(const TemporaryFile &) = delete;
@@ -46,18 +53,17 @@ public:
 
     ~TemporaryFile()
     {
-        closeFile();
-        if (!m_renamed && isOpen())
+        const int reason = errno;
+        if (m_descriptor >= 0 && !m_renamed)
             ::unlink(m_path.constData());
+        closeFile();
+        errno = reason;
     }
 
-    bool isOpen() const { return m_made || m_descriptor >= 0; }
+    bool isOpen() const { return m_descriptor >= 0; }
 
-    const char *path() const { return m_path.constData(); }
-
-    bool writeAll(const QByteArray &content)
+    bool writeAll(const QByteArray &content) const
     {
-        m_made = true;
         const char *data = content.constData();
         qint64 left = content.size();
         while (left > 0) {
@@ -72,37 +78,85 @@ public:
         return ::fsync(m_descriptor) == 0;
     }
 
-    void takePermissionsOf(const QString &target)
+    bool readBack(QByteArray *content) const
     {
-        struct stat existing = {};
-        const bool exists = ::stat(QFile::encodeName(target).constData(), &existing) == 0;
-        // A new file gets what any program of the user would give it.
-        const mode_t mask = ::umask(0);
-        ::umask(mask);
-        const mode_t mode = exists ? existing.st_mode & 07777U : 0666U & ~mask;
-        if (::fchmod(m_descriptor, mode) != 0)
-            errno = 0; // the content matters more
+        struct stat state = {};
+        if (::fstat(m_descriptor, &state) != 0)
+            return false;
+        content->resize(int(state.st_size));
+        qint64 done = 0;
+        while (done < content->size()) {
+            const ssize_t got = ::pread(m_descriptor, content->data() + done,
+                                        std::size_t(content->size() - done), done);
+            if (got < 0 && errno == EINTR)
+                continue;
+            if (got <= 0)
+                return false;
+            done += got;
+        }
+        return true;
     }
 
-    bool closeFile()
+    bool takeTargetsName()
     {
-        const int descriptor = m_descriptor;
-        m_descriptor = -1;
-        return descriptor < 0 || ::close(descriptor) == 0;
-    }
-
-    bool renameTo(const QString &target)
-    {
-        m_renamed = ::rename(m_path.constData(), QFile::encodeName(target).constData()) == 0;
+        m_renamed = ::rename(m_path.constData(), m_target.constData()) == 0;
         return m_renamed;
     }
 
 private:
+    void open()
+    {
+        struct stat state = {};
+        const bool exists = ::stat(m_target.constData(), &state) == 0;
+        if (exists && ::access(m_target.constData(), W_OK) != 0)
+            return; // the user's wish, though renaming could pass over it
+        m_path = m_target + TemporaryMark.toLatin1()
+                 + QByteArray::number(QRandomGenerator::global()->generate64(), 36);
+        // A new file gets what any program of the user would give it.
+        m_descriptor = ::open(m_path.constData(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC,
+                              exists ? 0600 : 0666);
+        if (m_descriptor < 0)
+            return;
+        // Neither must succeed everywhere; without locks nothing is swept.
+        if (exists && ::fchmod(m_descriptor, state.st_mode & 07777U) != 0)
+            errno = 0;
+        ::flock(m_descriptor, LOCK_EX);
+        if (::fstat(m_descriptor, &state) == 0 && state.st_nlink == 0)
+            closeFile();
+    }
+
+    // Everything was synced: what closing says no longer matters.
+    void closeFile()
+    {
+        if (m_descriptor >= 0)
+            ::close(m_descriptor);
+        m_descriptor = -1;
+    }
+
+    QByteArray m_target;
     QByteArray m_path;
-    int m_descriptor;
-    bool m_made = false;
+    int m_descriptor = -1;
     bool m_renamed = false;
 };
+
+/// Removes the temporary files of the target that nobody holds.
+void sweep(const QFileInfo &target)
+{
+    const QDir folder = target.absoluteDir();
+    const QString start = target.fileName() + TemporaryMark;
+    const QStringList names = folder.entryList(QDir::Files | QDir::Hidden);
+    for (const QString &name : names) {
+        if (!name.startsWith(start))
+            continue;
+        const QByteArray path = QFile::encodeName(folder.filePath(name));
+        const int descriptor = ::open(path.constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
+        if (descriptor < 0)
+            continue;
+        if (::flock(descriptor, LOCK_EX | LOCK_NB) == 0)
+            ::unlink(path.constData());
+        ::close(descriptor);
+    }
+}
 
 bool syncFolder(const QString &folder)
 {
@@ -111,7 +165,9 @@ bool syncFolder(const QString &folder)
     if (descriptor < 0)
         return false;
     const bool synced = ::fsync(descriptor) == 0 || errno == EINVAL;
+    const int reason = errno;
     ::close(descriptor);
+    errno = reason;
     return synced;
 }
 
@@ -121,20 +177,14 @@ OssResult OssAtomicFile::write(const QString &path, const QByteArray &content,
                                const Validate &validate)
 {
     const QFileInfo link(path);
-    const QString target = link.isSymLink() ? link.symLinkTarget() : link.absoluteFilePath();
-    TemporaryFile file(target);
-    if (!file.isOpen())
+    const QFileInfo target(link.isSymLink() ? link.symLinkTarget() : link.absoluteFilePath());
+    sweep(target);
+    TemporaryFile file(target.filePath());
+    if (!file.isOpen() || !file.writeAll(content))
         return failed(path, systemReason());
-    if (!file.writeAll(content))
+    QByteArray written;
+    if (!file.readBack(&written))
         return failed(path, systemReason());
-    file.takePermissionsOf(target);
-    if (!file.closeFile())
-        return failed(path, systemReason());
-
-    QFile check(QFile::decodeName(file.path()));
-    if (!check.open(QIODevice::ReadOnly))
-        return failed(path, check.errorString());
-    const QByteArray written = check.readAll();
     if (written != content)
         return failed(path, tr("what was written reads back differently"));
     if (validate) {
@@ -142,9 +192,7 @@ OssResult OssAtomicFile::write(const QString &path, const QByteArray &content,
         if (!valid)
             return failed(path, valid.error());
     }
-    if (!file.renameTo(target))
-        return failed(path, systemReason());
-    if (!syncFolder(QFileInfo(target).absolutePath()))
+    if (!file.takeTargetsName() || !syncFolder(target.absolutePath()))
         return failed(path, systemReason());
     return {};
 }
@@ -154,6 +202,41 @@ OssResult OssAtomicFile::copy(const QString &path, const QString &copyPath)
     QByteArray content;
     const OssResult result = read(path, qint64(1) << 31, &content);
     return result ? write(copyPath, content) : result;
+}
+
+OssResult OssAtomicFile::keepAs(const QString &path, const QString &keptPath)
+{
+    if (::link(QFile::encodeName(path).constData(), QFile::encodeName(keptPath).constData()) != 0)
+        return errno == EEXIST ? failed(keptPath, systemReason()) : copy(path, keptPath);
+    if (!syncFolder(QFileInfo(keptPath).absolutePath()))
+        return failed(keptPath, systemReason());
+    return {};
+}
+
+OssResult OssAtomicFile::move(const QString &path, const QString &newPath)
+{
+    if (std::rename(QFile::encodeName(path).constData(), QFile::encodeName(newPath).constData())
+            != 0
+        || !syncFolder(QFileInfo(newPath).absolutePath()))
+        return failed(newPath, systemReason());
+    return {};
+}
+
+OssResult OssAtomicFile::makeFolder(const QString &path)
+{
+    const QFileInfo folder(QDir::cleanPath(QFileInfo(path).absoluteFilePath()));
+    if (folder.isDir())
+        return {};
+    if (!folder.isRoot()) {
+        const OssResult above = makeFolder(folder.path());
+        if (!above)
+            return above;
+    }
+    const QByteArray name = QFile::encodeName(folder.filePath());
+    if ((::mkdir(name.constData(), 0777) != 0 && errno != EEXIST) || !syncFolder(folder.path()))
+        return OssResult::failure(
+            tr("Cannot make the folder \"%1\": %2").arg(path, systemReason()));
+    return {};
 }
 
 OssResult OssAtomicFile::read(const QString &path, qint64 maximum, QByteArray *content)

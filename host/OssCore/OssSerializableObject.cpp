@@ -189,6 +189,8 @@ QString OssSerializableObject::serializedType() const
 bool OssSerializableObject::save(OssSerializer &serializer, const QString &name,
                                  const Attributes &attributes)
 {
+    if (serializer.putOff(this, name, attributes))
+        return true;
     Attributes own = attributes;
     if (!m_uuid.isNull() && !serializer.isCanonical())
         own.insert(QStringLiteral("uuid"), m_uuid.toString());

@@ -34,6 +34,7 @@ void OssSerializer::endDocument()
 void OssSerializer::beginCollection(const QString &name, int count, const QString &type,
                                     const QString &elementType, const Attributes &attributes)
 {
+    m_collections.append(true);
     m_xml.writeStartElement(QStringLiteral("collection"));
     m_xml.writeAttribute(QStringLiteral("name"), name);
     m_xml.writeAttribute(QStringLiteral("type"), type);
@@ -48,12 +49,14 @@ void OssSerializer::beginCollection(const QString &name, int count, const QStrin
 
 void OssSerializer::endCollection()
 {
+    m_collections.removeLast();
     m_xml.writeEndElement();
 }
 
 void OssSerializer::beginObject(const QString &name, const QString &type,
                                 const Attributes &attributes)
 {
+    m_collections.append(false);
     m_xml.writeStartElement(QStringLiteral("object"));
     m_xml.writeAttribute(QStringLiteral("name"), name);
     m_xml.writeAttribute(QStringLiteral("type"), type);
@@ -62,6 +65,7 @@ void OssSerializer::beginObject(const QString &name, const QString &type,
 
 void OssSerializer::endObject()
 {
+    m_collections.removeLast();
     m_xml.writeEndElement();
 }
 
@@ -80,6 +84,21 @@ void OssSerializer::writeRaw(const QString &xml)
             || (reader.isCharacters() && !reader.isWhitespace()))
             m_xml.writeCurrentToken(reader);
     }
+}
+
+void OssSerializer::setPutOff(std::function<void(const PutOff &)> take)
+{
+    m_putOff = std::move(take);
+}
+
+bool OssSerializer::putOff(OssSerializableObject *object, const QString &name,
+                           const Attributes &attributes)
+{
+    if (!m_putOff || m_collections.isEmpty() || !m_collections.last())
+        return false;
+    m_xml.writeCharacters(QString()); // ends the collection's start tag
+    m_putOff({object, name, attributes, m_xml.device()->pos()});
+    return true;
 }
 
 bool OssSerializer::failed() const

@@ -4,8 +4,12 @@
 
 #include <QMap>
 #include <QString>
+#include <QVector>
 #include <QXmlStreamWriter>
 
+#include <functional>
+
+class OssSerializableObject;
 class QIODevice;
 
 /// Writes objects as a deterministic XML document: the same state gives the same bytes. Attributes
@@ -44,11 +48,29 @@ public:
 
     bool isCanonical() const { return m_canonical; }
 
+    /// What is to be saved as an element of a collection, and the byte of the text at which it
+    /// belongs.
+    struct PutOff
+    {
+        OssSerializableObject *object = nullptr;
+        QString name;
+        Attributes attributes;
+        qint64 position = 0;
+    };
+
+    /// From now on elements of collections are handed to `take` instead of being written, so that
+    /// a large document can be written in small steps. For text that is not formatted.
+    void setPutOff(std::function<void(const PutOff &element)> take);
+    /// Asked by each object before it writes itself. True: it must not.
+    bool putOff(OssSerializableObject *object, const QString &name, const Attributes &attributes);
+
     bool failed() const;
 
 private:
     void writeAttributes(const Attributes &attributes);
 
     QXmlStreamWriter m_xml;
+    std::function<void(const PutOff &)> m_putOff;
+    QVector<bool> m_collections; ///< for each open element whether it is a collection
     bool m_canonical = false;
 };

@@ -5,12 +5,16 @@
 
 QString OssSettings::filePath()
 {
+    return QDir(folderPath()).filePath(QStringLiteral("ossa.ini"));
+}
+
+QString OssSettings::folderPath()
+{
     const QString folder = qEnvironmentVariable("OSSA_CONFIG_DIR");
-    const QDir base(folder.isEmpty()
-                        ? QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)
-                              + QStringLiteral("/ossa")
-                        : folder);
-    return base.filePath(QStringLiteral("ossa.ini"));
+    return folder.isEmpty()
+               ? QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)
+                     + QStringLiteral("/ossa")
+               : folder;
 }
 
 OssSettings::OssSettings()

@@ -14,4 +14,6 @@ public:
     OssSettings();
 
     static QString filePath();
+    /// The user's configuration folder, in which the file lies.
+    static QString folderPath();
 };

@@ -289,6 +289,11 @@ void OssUndoManager::setClean()
     m_stack->setClean();
 }
 
+void OssUndoManager::resetClean()
+{
+    m_stack->resetClean();
+}
+
 QUndoStack *OssUndoManager::stack() const
 {
     return m_stack.get();

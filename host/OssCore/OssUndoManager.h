@@ -84,6 +84,8 @@ public:
     void clear();
     bool isClean() const;
     void setClean();
+    /// The document differs from what is saved, and no undoing or redoing leads there.
+    void resetClean();
 
     /// For views of the history; nobody pushes to it.
     QUndoStack *stack() const;

@@ -10,6 +10,19 @@ namespace {
 const QString settingsGroup = QStringLiteral("Application");
 const QString reopenKey = QStringLiteral("reopenLastProject");
 const QString scaleKey = QStringLiteral("interfaceScale");
+const QString autosaveKey = QStringLiteral("autosaveInterval");
+
+struct Interval
+{
+    const char *text;
+    int seconds;
+};
+
+// The texts are what is stored.
+constexpr Interval intervals[] = {{"Off", 0},          {"30 seconds", 30}, {"1 minute", 60},
+                                  {"2 minutes", 120},  {"5 minutes", 300}, {"10 minutes", 600},
+                                  {"30 minutes", 1800}};
+constexpr int usualInterval = 3;
 
 int percentOf(const QString &scale)
 {
@@ -27,14 +40,17 @@ ApplicationPreferences *ApplicationPreferences::instance()
 ApplicationPreferences::ApplicationPreferences()
 {
     resetInterfaceScale();
+    resetAutosaveInterval();
     OssSettings settings;
     settings.beginGroup(settingsGroup);
     m_reopenLastProject = settings.value(reopenKey, false).toBool();
     setInterfaceScale(settings.value(scaleKey).toString());
+    setAutosaveInterval(settings.value(autosaveKey).toString());
     auto *manager = OssPreferenceManager::instance();
     const QString page = tr("Application");
     manager->registerPreference(page, tr("Start"), this, reopenKey);
     manager->registerPreference(page, tr("Display"), this, scaleKey);
+    manager->registerPreference(page, tr("Saving"), this, autosaveKey);
 }
 
 int ApplicationPreferences::storedInterfaceScale()
@@ -50,6 +66,8 @@ QString ApplicationPreferences::prettyPropertyName(const QString &Name) const
         return tr("Open Last Project");
     if (Name == scaleKey)
         return tr("Size of Texts and Icons");
+    if (Name == autosaveKey)
+        return tr("Copy Unsaved Work Every");
     return OssGroupParameterObject::prettyPropertyName(Name);
 }
 
@@ -80,10 +98,47 @@ QStringList ApplicationPreferences::interfaceScaleList() const
             QStringLiteral("200 %"), QStringLiteral("250 %"), QStringLiteral("300 %")};
 }
 
+int ApplicationPreferences::autosaveSeconds() const
+{
+    for (const Interval &interval : intervals) {
+        if (m_autosaveInterval == QLatin1String(interval.text))
+            return interval.seconds;
+    }
+    return 0;
+}
+
+void ApplicationPreferences::setAutosaveInterval(const QString &interval)
+{
+    if (interval == m_autosaveInterval || !autosaveIntervalList().contains(interval))
+        return;
+    m_autosaveInterval = interval;
+    Q_EMIT autosaveIntervalChanged();
+}
+
+void ApplicationPreferences::resetAutosaveInterval()
+{
+    setAutosaveInterval(QString::fromLatin1(intervals[usualInterval].text));
+}
+
+QString ApplicationPreferences::autosaveIntervalTooltip() const
+{
+    return tr("How often what is not saved is copied to a place of the program's own, from which "
+              "it can be restored after a crash. Your own files are never touched.");
+}
+
+QStringList ApplicationPreferences::autosaveIntervalList() const
+{
+    QStringList texts;
+    for (const Interval &interval : intervals)
+        texts.append(QString::fromLatin1(interval.text));
+    return texts;
+}
+
 void ApplicationPreferences::savePreferences()
 {
     OssSettings settings;
     settings.beginGroup(settingsGroup);
     settings.setValue(reopenKey, m_reopenLastProject);
     settings.setValue(scaleKey, m_interfaceScale);
+    settings.setValue(autosaveKey, m_autosaveInterval);
 }

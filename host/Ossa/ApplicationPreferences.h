@@ -12,6 +12,8 @@ class ApplicationPreferences
     Q_OBJECT
     Q_PROPERTY(bool reopenLastProject READ reopenLastProject WRITE setReopenLastProject)
     Q_PROPERTY(QString interfaceScale READ interfaceScale WRITE setInterfaceScale)
+    Q_PROPERTY(QString autosaveInterval READ autosaveInterval WRITE setAutosaveInterval NOTIFY
+                   autosaveIntervalChanged)
 
 public:
     static ApplicationPreferences *instance();
@@ -22,6 +24,11 @@ public:
     bool reopenLastProject() const { return m_reopenLastProject; }
 
     QString interfaceScale() const { return m_interfaceScale; }
+
+    QString autosaveInterval() const { return m_autosaveInterval; }
+
+    /// 0 when no copies of unsaved work are wanted.
+    int autosaveSeconds() const;
 
     QString prettyPropertyName(const QString &Name) const override;
 
@@ -37,11 +44,20 @@ public Q_SLOTS:
     void resetInterfaceScale();
     QString interfaceScaleTooltip() const;
     QStringList interfaceScaleList() const;
+    /// One of autosaveIntervalList(); anything else is ignored.
+    void setAutosaveInterval(const QString &interval);
+    void resetAutosaveInterval();
+    QString autosaveIntervalTooltip() const;
+    QStringList autosaveIntervalList() const;
     void savePreferences();
+
+Q_SIGNALS:
+    void autosaveIntervalChanged();
 
 private:
     ApplicationPreferences();
 
     bool m_reopenLastProject = false;
     QString m_interfaceScale;
+    QString m_autosaveInterval;
 };

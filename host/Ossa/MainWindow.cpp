@@ -4,6 +4,7 @@
 #include "Ossa/CommandPalette.h"
 #include "Ossa/Commands.h"
 #include "Ossa/EditCommands.h"
+#include "Ossa/GroupCommands.h"
 #include "Ossa/MainMenus.h"
 #include "Ossa/NotificationBar.h"
 #include "Ossa/PaletteDocks.h"
@@ -11,6 +12,7 @@
 #include "Ossa/RecentProjects.h"
 #include "Ossa/StatusArea.h"
 #include "Ossa/Theme.h"
+#include "Ossa/WorkRecovery.h"
 #include "OssCore/OssSettings.h"
 #include "OssCoreModules/Interface/OssApplication.h"
 #include "OssCoreModules/Interface/OssMessageBox.h"
@@ -50,7 +52,10 @@ MainWindow::MainWindow()
     OssShortcutManager::instance()->setScope(QStringLiteral("/Ossa"), this);
     setStatusBar(new StatusArea(this));
     m_project = new ProjectCommands(this);
-    new EditCommands(this); // owned by the window
+    m_recovery = new WorkRecovery(m_project, this); // owned by the window
+    connect(m_recovery, &WorkRecovery::trouble, m_notifications, &NotificationBar::tell);
+    new EditCommands(this);  // owned by the window
+    new GroupCommands(this); // owned by the window
     fileViewCommands();
     fileHelpCommands();
     new MainMenus(menuBar()); // owned by the menu bar
@@ -81,7 +86,7 @@ void MainWindow::tellAbout(const QVector<PluginLoader::Failure> &failures)
 
 void MainWindow::openAtStart(const QString &path)
 {
-    if (!path.isEmpty() && m_project->open(path))
+    if (m_recovery->offer() || (!path.isEmpty() && m_project->open(path)))
         return;
     const QStringList recent = RecentProjects::list();
     const bool reopen = path.isEmpty() && ApplicationPreferences::instance()->reopenLastProject();
@@ -101,6 +106,7 @@ void MainWindow::closeEvent(QCloseEvent *event)
         event->ignore();
         return;
     }
+    m_recovery->forgetCopy();
     saveLayout();
     event->accept();
     Q_EMIT closed();

@@ -7,6 +7,7 @@
 class NotificationBar;
 class PaletteDocks;
 class ProjectCommands;
+class WorkRecovery;
 
 /// The application's window: menus, docked palettes, status bar. Only one at a time.
 class MainWindow : public QMainWindow
@@ -20,7 +21,8 @@ public:
     /// Size, place and docks of the last session.
     void restoreLayout();
     void tellAbout(const QVector<PluginLoader::Failure> &failures);
-    /// Opens the project of the given path; with none, what the preferences say.
+    /// Offers what crashed sessions left. When nothing of that is restored, opens the project of the
+    /// given path; with none, what the preferences say.
     void openAtStart(const QString &path);
 
     QString notificationText() const;
@@ -43,4 +45,5 @@ private:
     NotificationBar *m_notifications;
     PaletteDocks *m_docks;
     ProjectCommands *m_project;
+    WorkRecovery *m_recovery;
 };

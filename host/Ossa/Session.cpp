@@ -8,6 +8,7 @@
 #include "Ossa/MainWindow.h"
 #include "Ossa/PluginActions.h"
 #include "Ossa/Theme.h"
+#include "Ossa/WorkRecovery.h"
 #include "OssCore/OssIcon.h"
 #include "OssCore/OssPreferenceManager.h"
 #include "OssCoreModules/Interface/OssApplication.h"
@@ -57,6 +58,8 @@ int Session::run(const CommandLine &line, int &argc, char **argv)
     Theme::apply();
     QApplication::setWindowIcon(OssIcon::createIconFromFilename(QStringLiteral("Ossa.png")));
     Session session(line);
+    if (line.isHeadless())
+        WorkRecovery::report();
     switch (line.command) {
     case CommandLine::Graph:
         return runGraphCommand(line.project, line.output);

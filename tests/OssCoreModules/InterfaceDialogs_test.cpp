@@ -7,9 +7,12 @@
 
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QDir>
+#include <QFileDialog>
 #include <QInputDialog>
+#include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
 #include <QTemporaryDir>
@@ -123,4 +126,44 @@ TEST(Dialogs, rememberedFolderIsHomeWhenItHasGone)
         EXPECT_EQ(OssFileDialog::rememberedFolder(key), folder.path());
     }
     EXPECT_EQ(OssFileDialog::rememberedFolder(key), QDir::homePath());
+}
+
+TEST(Dialogs, aFolderWithTheSuffixIsReplacedAfterAskingAndNotEntered)
+{
+    const QString key = QStringLiteral("FolderPath");
+    const QTemporaryDir folder;
+    const QString wall = folder.filePath(QStringLiteral("wall.ossa"));
+    ASSERT_TRUE(QDir().mkpath(wall));
+    OssFileDialog::rememberFolder(key, folder.path());
+    const auto save = [&](const QString &name, QMessageBox::StandardButton answer) {
+        int questions = 0;
+        QTimer::singleShot(0, [&] {
+            auto *dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
+            Q_EMIT dialog->directoryEntered(wall);
+            EXPECT_EQ(dialog->directory().path(), folder.path());
+            auto *edit = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+            EXPECT_EQ(edit->text(), QStringLiteral("wall.ossa"));
+            QApplication::setActiveWindow(dialog);
+            edit->setFocus(); // without it Qt takes what is selected for the name
+            edit->setText(name);
+            QTimer::singleShot(0, [&] {
+                if (auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
+                    ++questions;
+                    box->button(answer)->click();
+                }
+            });
+            QMetaObject::invokeMethod(dialog, "accept");
+            if (dialog->isVisible())
+                dialog->reject();
+        });
+        const QString path = OssFileDialog::getSaveFileName(
+            QString(), QStringLiteral("Projects (*.ossa)"), key);
+        return std::make_pair(path, questions);
+    };
+    const QString name = QStringLiteral("wall.ossa");
+    EXPECT_EQ(save(name, QMessageBox::Yes), std::make_pair(wall, 1));
+    EXPECT_EQ(save(QStringLiteral("wall"), QMessageBox::Yes), std::make_pair(wall, 1));
+    EXPECT_EQ(save(name, QMessageBox::No), std::make_pair(QString(), 1));
+    EXPECT_EQ(save(QStringLiteral("floor"), QMessageBox::No),
+              std::make_pair(folder.filePath(QStringLiteral("floor.ossa")), 0));
 }

@@ -8,6 +8,9 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QFileSystemModel>
+#include <QLineEdit>
+#include <QListView>
 #include <QRegularExpression>
 
 namespace {
@@ -47,15 +50,73 @@ QStringList openFiles(QFileDialog::FileMode mode, const QString &title, const QS
     return run(dialog, pathKey);
 }
 
-bool mayReplace(const QString &path)
+QString tr(const char *text)
 {
-    const QString text = QCoreApplication::translate(
-        "OssFileDialog", "\"%1\" is there already. Do you want to replace it?");
-    return OssMessageBox::question(nullptr,
-                                   QCoreApplication::translate("OssFileDialog", "Replace File"),
-                                   text.arg(QFileInfo(path).fileName()))
+    return QCoreApplication::translate("OssFileDialog", text);
+}
+
+bool mayReplace(const QString &path, QWidget *parent = nullptr)
+{
+    return OssMessageBox::question(parent, tr("Replace File"),
+                                   tr("\"%1\" is there already. Do you want to replace it?")
+                                       .arg(QFileInfo(path).fileName()),
+                                   QMessageBox::Yes | QMessageBox::No, QMessageBox::No)
            == QMessageBox::Yes;
 }
+
+/// Takes a folder whose name ends in the filter's suffix for a document of that kind: it can be
+/// chosen and replaced, and is not entered.
+class SaveDialog final : public QFileDialog
+{
+public:
+    SaveDialog(QWidget *parent, const QString &title, const QString &filter)
+        : QFileDialog(parent, title, QString(), filter)
+        , m_filter(filter)
+    {
+        setOption(DontUseNativeDialog); // it cannot be taught that
+        setAcceptMode(AcceptSave);
+        setFileMode(AnyFile);
+        setDefaultSuffix(suffixes(filter).value(0));
+        // Qt shows only files that are selected as the name. Being current is not enough: the list
+        // makes its first entry so when it gets the focus.
+        const auto *list = findChild<QListView *>(QStringLiteral("listView"));
+        connect(list->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this, list] {
+            const QModelIndexList rows = list->selectionModel()->selectedRows();
+            if (!rows.isEmpty())
+                showName(rows.first().data(QFileSystemModel::FilePathRole).toString());
+        });
+        connect(this, &QFileDialog::directoryEntered, this, [this](const QString &path) {
+            if (!isDocument(path))
+                return;
+            setDirectory(QFileInfo(path).path());
+            showName(path);
+        });
+    }
+
+    void accept() override
+    {
+        const QString path = OssFileDialog::withSuffix(selectedFiles().value(0), m_filter);
+        if (!isDocument(path))
+            QFileDialog::accept();
+        else if (mayReplace(path, this))
+            done(Accepted);
+    }
+
+private:
+    bool isDocument(const QString &path) const
+    {
+        return QFileInfo(path).isDir() && OssFileDialog::withSuffix(path, m_filter) == path;
+    }
+
+    void showName(const QString &path)
+    {
+        auto *edit = findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+        if (edit && isDocument(path))
+            edit->setText(QFileInfo(path).fileName());
+    }
+
+    QString m_filter;
+};
 
 } // namespace
 
@@ -64,16 +125,15 @@ QString OssFileDialog::getSaveFileName(const QString &title, const QString &filt
 {
     if (!OssApplication::popupsAllowed())
         return {};
-    QFileDialog dialog(parent ? parent : OssApplication::mainWindow(), title, QString(), filter);
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setFileMode(QFileDialog::AnyFile);
-    dialog.setDefaultSuffix(suffixes(filter).value(0));
+    SaveDialog dialog(parent ? parent : OssApplication::mainWindow(), title, filter);
     const QString chosen = run(dialog, pathKey).value(0);
     if (chosen.isEmpty())
         return {};
-    // The dialog's own suffix is not added to a name such as "wall.v2".
+    // The dialog's own suffix is not added to a name such as "wall.v2". Where such a name is a
+    // folder, the dialog has asked already.
     const QString path = withSuffix(chosen, filter);
-    return path == chosen || !QFileInfo::exists(path) || mayReplace(path) ? path : QString();
+    const bool asked = path == chosen || QFileInfo(path).isDir();
+    return asked || !QFileInfo::exists(path) || mayReplace(path) ? path : QString();
 }
 
 QString OssFileDialog::getOpenFileName(const QString &title, const QString &filter,

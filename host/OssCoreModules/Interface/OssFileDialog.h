@@ -15,8 +15,8 @@ class QWidget;
 class OSSCOREMODULES_EXPORT OssFileDialog
 {
 public:
-    /// With the filter's suffix, appended when the user left it out; replacing a file was
-    /// confirmed then, too.
+    /// With the filter's suffix, appended when the user left it out; replacing what is there was
+    /// confirmed. A folder whose name ends in the suffix counts as a file of that kind.
     static QString getSaveFileName(const QString &title, const QString &filter,
                                    const QString &pathKey, QWidget *parent = nullptr);
     static QString getOpenFileName(const QString &title, const QString &filter,

@@ -52,7 +52,12 @@ const char *const graphContextMenu = R"(
         /Ossa/NodeGraph/Update Downstream
     <
     > Group
+        /Ossa/NodeGraph/Group Selected Nodes
+        /Ossa/NodeGraph/Ungroup
         /Ossa/NodeGraph/Open Group Node Subgraph
+        -
+        /Ossa/NodeGraph/Add Group Input
+        /Ossa/NodeGraph/Add Group Output
         /Ossa/NodeGraph/Manage User Knobs
         /Ossa/NodeGraph/Expose Node Properties
         /Ossa/NodeGraph/Export as Gizmo
@@ -80,6 +85,7 @@ const char *const fileMenu = R"(
     > Open Example
         /Ossa/File/Example/*
     <
+    /Ossa/File/Recover Unsaved Work...
     -
     /Ossa/File/Save
     /Ossa/File/Save As...
@@ -182,7 +188,12 @@ const char *const graphMenu = R"(
         /Ossa/NodeGraph/Move Viewer to Cursor
     <
     > Group
+        /Ossa/NodeGraph/Group Selected Nodes
+        /Ossa/NodeGraph/Ungroup
         /Ossa/NodeGraph/Open Group Node Subgraph
+        -
+        /Ossa/NodeGraph/Add Group Input
+        /Ossa/NodeGraph/Add Group Output
         /Ossa/NodeGraph/Manage User Knobs
         /Ossa/NodeGraph/Expose Node Properties
         /Ossa/NodeGraph/Export as Gizmo

@@ -1,5 +1,6 @@
 #include "OssCoreModules/Layers/OssLayerShaderManager.h"
 
+#include "OssCoreModules/Layers/OssLayerManager.h"
 #include "OssCoreModules/Network/OssShaderNetwork.h"
 #include "OssCoreModules/Network/OssSnGroupNode.h"
 
@@ -18,4 +19,33 @@ bool OssLayerShaderManager::isSystemShaderNode(const OssSnBaseNode *node, bool i
             return false;
     }
     return false;
+}
+
+bool OssLayerShaderManager::isLayerShader(const OssSnBaseNode *node) const
+{
+    return node && node->hasTag(QStringLiteral("_shader"))
+           && !qobject_cast<const OssSnGroupNode *>(node);
+}
+
+void OssLayerShaderManager::setCurrentShader(OssSnBaseNode *shader)
+{
+    if (!shader || !shader->network())
+        return;
+    OssShaderNetwork *network = shader->network();
+    if (isLayerShader(shader)) {
+        OssSnBaseNode *viewer = network->moveCurrentViewerNodeToNetwork();
+        if (viewer)
+            viewer->setInputNode(QStringLiteral("0"), shader, shader->prefferedOutputPoint());
+    }
+    network->rootNetwork()->setViewerNodeCurrentEdge(0, true);
+    if (m_currentShader == shader)
+        return;
+    m_currentShader = shader;
+    Q_EMIT currentShaderChanged(shader);
+}
+
+OssSnBaseNode *OssLayerShaderManager::getCurrentMaterialProxyShader(
+    const OssShaderNetwork *network) const
+{
+    return OssLayerManager::currentMaterialProxy(network);
 }

@@ -3,10 +3,12 @@
 #include "OssCoreModules/OssCoreModules_export.h"
 
 #include <QObject>
+#include <QPointer>
 
+class OssShaderNetwork;
 class OssSnBaseNode;
 
-/// What is known of shaders among the nodes.
+/// What is known of shaders among the nodes, and which one is current.
 class OSSCOREMODULES_EXPORT OssLayerShaderManager : public QObject
 {
     Q_OBJECT
@@ -17,7 +19,23 @@ public:
     /// Whether the application itself made the node as part of shading, so that users look at it
     /// but do not build with it. With `includeInside` a node inside such a node counts too.
     bool isSystemShaderNode(const OssSnBaseNode *node, bool includeInside) const;
+    /// A node that makes a material by itself, as a renderer's surface.
+    bool isLayerShader(const OssSnBaseNode *node) const;
+
+    /// What the viewer's input 0 shows: a layer shader, which is wired there in one undo step, or
+    /// the current-material proxy. Null is ignored.
+    void setCurrentShader(OssSnBaseNode *shader);
+
+    OssSnBaseNode *currentShader() const { return m_currentShader; }
+
+    /// Null while nothing was made the current material.
+    OssSnBaseNode *getCurrentMaterialProxyShader(const OssShaderNetwork *network) const;
+
+Q_SIGNALS:
+    void currentShaderChanged(OssSnBaseNode *shader);
 
 private:
     OssLayerShaderManager() = default;
+
+    QPointer<OssSnBaseNode> m_currentShader;
 };

@@ -109,6 +109,8 @@ public:
     /// Brings the object's viewer here, with its connections; makes one when there is none. Not
     /// undoable.
     OssSnBaseNode *moveCurrentViewerNodeToNetwork();
+    /// Takes a node over from another network of the object, with its connections. Not undoable.
+    void moveNodeHere(OssSnBaseNode *node);
 
     // --- files
     bool saveObjects(OssSerializer &serializer) override;

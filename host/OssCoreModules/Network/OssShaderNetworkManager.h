@@ -70,6 +70,12 @@ public:
     /// Null when the group has none.
     OssShaderNetwork *getShaderNetwork(OssShadingGroup *group) const;
 
+    /// While on, attributes of nodes that are made are linked as those of the nodes they were copied
+    /// from. Off at first.
+    void setAttributeSmartLinkingEnabled(bool on) { m_smartLinking = on; }
+
+    bool isAttributeSmartLinkingEnabled() const { return m_smartLinking; }
+
     /// Has everything that shows results of the network make them anew.
     void refreshGraph(OssShaderNetwork *network);
     /// After a command of the user changed a graph.
@@ -126,6 +132,7 @@ private:
     QPointer<OssShaderNetwork> m_current;
     QPointer<OssShaderNetwork> m_currentView;
     QPointer<OssSnBaseNode> m_currentViewer;
+    bool m_smartLinking = false;
     DebugNodes m_debugNodes;
     DebugInputs m_debugInputs;
 };

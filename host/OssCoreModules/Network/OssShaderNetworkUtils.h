@@ -21,8 +21,79 @@ OSSCOREMODULES_EXPORT bool setInputNodeBatchConnectable(OssSnBaseNode *node, con
 /// The node as one with images of its own; null when it has none.
 OSSCOREMODULES_EXPORT OssSnImageSetNodeBase *asTrueImageSetNode(OssSnBaseNode *node);
 
-/// Everything the node takes from, resp. feeds, without the node; each once, nearest first.
-OSSCOREMODULES_EXPORT QList<OssSnBaseNode *> getUpstreamNodes(OssSnBaseNode *node);
-OSSCOREMODULES_EXPORT QList<OssSnBaseNode *> getDownstreamNodes(OssSnBaseNode *node);
+/// Visits a node and everything it takes from, each once, nearest first; loops end. From a node
+/// that stands for a group's input it goes on with what feeds the group there, if asked to.
+class OSSCOREMODULES_EXPORT OssNodeWalkerUpstream
+{
+public:
+    explicit OssNodeWalkerUpstream(bool leaveGroups = false)
+        : m_leaveGroups(leaveGroups)
+    {
+    }
+
+    OssNodeWalkerUpstream(const OssNodeWalkerUpstream &) = delete;
+    OssNodeWalkerUpstream &operator=(const OssNodeWalkerUpstream &) = delete;
+    virtual ~OssNodeWalkerUpstream() = default;
+
+    void walk(OssSnBaseNode *start);
+
+protected:
+    virtual void visit(OssSnBaseNode *node) = 0;
+
+    /// Whether what feeds the input is visited.
+    virtual bool enters(const OssSnBaseNode *, const QString &) const { return true; }
+
+private:
+    bool m_leaveGroups;
+};
+
+/// The same along what takes from a node. From a node that stands for a group's output it goes on
+/// with what the group feeds there.
+class OSSCOREMODULES_EXPORT OssNodeWalkerDownstream
+{
+public:
+    explicit OssNodeWalkerDownstream(bool leaveGroups = false)
+        : m_leaveGroups(leaveGroups)
+    {
+    }
+
+    OssNodeWalkerDownstream(const OssNodeWalkerDownstream &) = delete;
+    OssNodeWalkerDownstream &operator=(const OssNodeWalkerDownstream &) = delete;
+    virtual ~OssNodeWalkerDownstream() = default;
+
+    void walk(OssSnBaseNode *start);
+
+protected:
+    virtual void visit(OssSnBaseNode *node) = 0;
+
+    /// Whether `node`, which takes from an output at its input, is visited.
+    virtual bool enters(const OssSnBaseNode *, const QString &) const { return true; }
+
+    /// Whether the walk leaves `node` through the output.
+    virtual bool leaves(const OssSnBaseNode *, const QString &) const { return true; }
+
+private:
+    bool m_leaveGroups;
+};
+
+/// The input that carries on the stream of a node: the base of a merge, else the first connected
+/// preferred one, else the first connected one. Empty when there is none.
+OSSCOREMODULES_EXPORT QString streamInput(const OssSnBaseNode *node);
+
+/// Everything the node takes from, resp. feeds; each once, nearest first. `wholeGraph` follows all
+/// wires, otherwise only the one stream that runs through the node. With `leaveGroups` the walk
+/// goes on in the network around.
+OSSCOREMODULES_EXPORT QList<OssSnBaseNode *> getUpstreamNodes(OssSnBaseNode *node, bool leaveGroups,
+                                                              bool wholeGraph, bool includeStart);
+OSSCOREMODULES_EXPORT QList<OssSnBaseNode *> getDownstreamNodes(OssSnBaseNode *node,
+                                                                bool leaveGroups, bool wholeGraph);
+
+/// Nodes that feed the same node are siblings, in the order of its inputs; where nothing follows,
+/// those fed by the same one, in the order in which they were wired. Null at either end.
+OSSCOREMODULES_EXPORT OssSnBaseNode *nextSibling(const OssSnBaseNode *node);
+OSSCOREMODULES_EXPORT OssSnBaseNode *prevSibling(const OssSnBaseNode *node);
+
+/// What lies on any way from one of the nodes to another one, without them.
+OSSCOREMODULES_EXPORT QList<OssSnBaseNode *> nodesBetween(const QList<OssSnBaseNode *> &nodes);
 
 } // namespace OssShaderNetworkUtils

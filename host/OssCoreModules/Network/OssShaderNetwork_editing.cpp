@@ -247,11 +247,16 @@ OssSnBaseNode *OssShaderNetwork::moveCurrentViewerNodeToNetwork()
             return nullptr;
         viewer = addNode(std::move(made), true);
     } else if (viewer->network() != this) {
-        int index = -1;
-        NodePointer taken = viewer->network()->takeNode(viewer, &index);
-        taken->m_name = generateUniqueNodeName(taken->name());
-        insertNode(std::move(taken), -1);
-        registerNode(viewer);
+        moveNodeHere(viewer);
     }
     return viewer;
+}
+
+void OssShaderNetwork::moveNodeHere(OssSnBaseNode *node)
+{
+    int index = -1;
+    NodePointer taken = node->network()->takeNode(node, &index);
+    taken->m_name = generateUniqueNodeName(taken->name());
+    insertNode(std::move(taken), -1);
+    registerNode(node);
 }

@@ -4,7 +4,10 @@
 #include "OssCoreModules/Network/OssSnChannelInputNode.h"
 #include "OssCoreModules/Network/OssSnCustomProceduralNode.h"
 #include "OssCoreModules/Network/OssSnGroupNode.h"
+#include "OssCoreModules/Network/OssSnMultiChannelBakePointNode.h"
+#include "OssCoreModules/Network/OssSnMultiChannelBottomTransparencyNode.h"
 #include "OssCoreModules/Network/OssSnMultiChannelGroupNode.h"
+#include "OssCoreModules/Network/OssSnMultiChannelMergeNode.h"
 
 #include <QHash>
 
@@ -28,6 +31,10 @@ const QHash<QString, Maker> &makers()
     static const QHash<QString, Maker> table{
         {QStringLiteral("OssSnBaseNode"), maker<OssSnBaseNode>()},
         {QStringLiteral("OssSnGroupNode"), maker<OssSnGroupNode>()},
+        {QStringLiteral("OssSnMultiChannelBakePointNode"), maker<OssSnMultiChannelBakePointNode>()},
+        {QStringLiteral("OssSnMultiChannelBottomTransparencyNode"),
+         maker<OssSnMultiChannelBottomTransparencyNode>()},
+        {QStringLiteral("OssSnMultiChannelMergeNode"), maker<OssSnMultiChannelMergeNode>()},
         {QStringLiteral("OssSnMultiChannelGroupNode"), maker<OssSnMultiChannelGroupNode>()},
         {QStringLiteral("OssSnCustomProceduralNode"), maker<OssSnCustomProceduralNode>()},
         {QStringLiteral("OssSnChannelInputNode"), maker<OssSnChannelInputNode>()},

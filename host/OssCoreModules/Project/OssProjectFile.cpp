@@ -1,10 +1,10 @@
 #include "OssCoreModules/Project/OssProjectFile.h"
 
 #include "OssCore/OssAtomicFile.h"
-#include "OssCore/OssDebug.h"
 #include "OssCore/OssDeserializer.h"
 #include "OssCore/OssSerializer.h"
 #include "OssCoreModules/Project/OssProject.h"
+#include "OssCoreModules/Project/OssProjectHistory.h"
 
 #include <QBuffer>
 #include <QCoreApplication>
@@ -19,48 +19,6 @@ const QString DocumentName = QStringLiteral("project.xml");
 QString tr(const char *text)
 {
     return QCoreApplication::translate("OssProjectFile", text);
-}
-
-QString documentPath(const QString &folder)
-{
-    return QDir(folder).filePath(DocumentName);
-}
-
-/// Whether the text is a whole document of ours: the last look before the old one is given up.
-OssResult checkDocument(const QByteArray &document)
-{
-    QBuffer buffer;
-    buffer.setData(document);
-    buffer.open(QIODevice::ReadOnly);
-    OssDeserializer reader(&buffer, DocumentName);
-    OssDeserializer::Attributes attributes;
-    const OssResult begun = reader.beginDocument(DocumentElement, &attributes);
-    if (!begun)
-        return begun;
-    while (reader.nextElement())
-        reader.skipElement();
-    return reader.result();
-}
-
-void keepGeneration(const QString &folder)
-{
-    const QString current = documentPath(folder);
-    if (!QFileInfo::exists(current))
-        return;
-    const QDir history(QDir(folder).filePath(QStringLiteral("history")));
-    if (!history.exists() && !history.mkpath(QStringLiteral(".")))
-        return;
-    const auto generation = [&history](int number) {
-        return history.filePath(QStringLiteral("project.%1.xml").arg(number));
-    };
-    for (int number = OssProjectFile::Generations; number > 1; --number) {
-        QFile::remove(generation(number));
-        QFile::rename(generation(number - 1), generation(number));
-    }
-    // A generation is a courtesy: a full disk must not keep the user from saving over it.
-    const OssResult copied = OssAtomicFile::copy(current, generation(1));
-    if (!copied)
-        OssDebug("OssProjectFile", __LINE__, "[ !! ] %s", qPrintable(copied.error()));
 }
 
 OssResult readDocument(OssDeserializer &reader, std::unique_ptr<OssProject> &owner)
@@ -97,6 +55,11 @@ QString OssProjectFile::folderOf(const QString &path)
     return info.fileName() == DocumentName ? info.absolutePath() : info.absoluteFilePath();
 }
 
+QString OssProjectFile::documentPath(const QString &folder)
+{
+    return QDir(folder).filePath(DocumentName);
+}
+
 std::unique_ptr<OssProject> OssProjectFile::read(const QString &path, OssResult *result)
 {
     const QString folder = folderOf(path);
@@ -121,16 +84,54 @@ OssResult OssProjectFile::write(OssProject *project, const QString &folder)
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
     OssSerializer serializer(&buffer);
-    serializer.beginDocument(DocumentElement,
-                             {{QStringLiteral("major"), QString::number(FormatMajor)},
-                              {QStringLiteral("minor"), QString::number(FormatMinor)}});
-    const bool complete = project->save(serializer, project->name(), {});
-    serializer.endDocument();
-    if (!complete || serializer.failed())
+    if (!writeText(serializer, project))
         return OssResult::failure(
             tr("Cannot write \"%1\": the project could not be put into words").arg(folder));
-    if (!QDir().mkpath(folder))
-        return OssResult::failure(tr("Cannot write \"%1\": the folder cannot be made").arg(folder));
-    keepGeneration(folder);
-    return OssAtomicFile::write(documentPath(folder), buffer.data(), checkDocument);
+    const bool isNew = !QFileInfo::exists(folder);
+    const OssResult made = OssAtomicFile::makeFolder(folder);
+    if (!made)
+        return OssResult::failure(tr("Cannot write \"%1\": %2").arg(folder, made.error()));
+    OssProjectHistory history(folder);
+    history.settle();
+    const OssResult written = OssAtomicFile::write(
+        documentPath(folder), buffer.data(), [&](const QByteArray &document) {
+            const OssResult whole = checkText(document, DocumentName);
+            if (!whole)
+                return whole;
+            const OssResult kept = history.keepDocument();
+            // To save again what is open must not fail for want of a copy. What lies there and is
+            // another project must not go without one.
+            return folder == project->path() ? OssResult() : kept;
+        });
+    history.settle();
+    if (!written && isNew)
+        QDir().rmdir(folder); // only when it is empty
+    return written;
+}
+
+bool OssProjectFile::writeText(OssSerializer &serializer, OssProject *project,
+                               const OssSerializer::Attributes &attributes)
+{
+    OssSerializer::Attributes all = attributes;
+    all.insert(QStringLiteral("major"), QString::number(FormatMajor));
+    all.insert(QStringLiteral("minor"), QString::number(FormatMinor));
+    serializer.beginDocument(DocumentElement, all);
+    const bool complete = project->save(serializer, project->name(), {});
+    serializer.endDocument();
+    return complete && !serializer.failed();
+}
+
+OssResult OssProjectFile::checkText(const QByteArray &document, const QString &fileName)
+{
+    QBuffer buffer;
+    buffer.setData(document);
+    buffer.open(QIODevice::ReadOnly);
+    OssDeserializer reader(&buffer, fileName);
+    OssDeserializer::Attributes attributes;
+    const OssResult begun = reader.beginDocument(DocumentElement, &attributes);
+    if (!begun)
+        return begun;
+    while (reader.nextElement())
+        reader.skipElement();
+    return reader.result();
 }

@@ -53,18 +53,38 @@ OssProject *OssProjectManager::newProject(const QString &name)
     return m_project.get();
 }
 
+namespace {
+
+std::unique_ptr<OssProject> readProject(const QString &path, OssResult *result)
+{
+    const OssUndoManager::Pause pause;
+    return OssProjectFile::read(path, result);
+}
+
+} // namespace
+
 OssResult OssProjectManager::openProject(const QString &path)
 {
     OssResult result;
-    std::unique_ptr<OssProject> project;
-    {
-        const OssUndoManager::Pause pause;
-        project = OssProjectFile::read(path, &result);
-    }
+    std::unique_ptr<OssProject> project = readProject(path, &result);
     if (!project)
         return result;
     closeProject();
     makeCurrent(std::move(project), true);
+    return {};
+}
+
+OssResult OssProjectManager::restoreProject(const QString &copy, const QString &path, bool readOnly)
+{
+    OssResult result;
+    std::unique_ptr<OssProject> project = readProject(copy, &result);
+    if (!project)
+        return result;
+    project->setPath(path);
+    project->setReadOnly(readOnly);
+    closeProject();
+    makeCurrent(std::move(project), true);
+    OssUndoManager::instance()->resetClean();
     return {};
 }
 

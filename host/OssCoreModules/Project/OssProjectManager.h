@@ -37,6 +37,9 @@ public:
     OssProject *newProject(const QString &name);
     /// `path` is the project's folder or the project.xml in it.
     OssResult openProject(const QString &path);
+    /// Opens the copy of a project that was not saved as that project: modified, and saving goes to
+    /// `path`, which is empty for one that never had a place.
+    OssResult restoreProject(const QString &copy, const QString &path, bool readOnly);
     /// Fails for a project that never had a path, and for one opened read-only.
     OssResult saveProject();
     OssResult saveProjectAs(const QString &path);

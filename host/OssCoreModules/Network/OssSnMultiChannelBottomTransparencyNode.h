@@ -1,0 +1,13 @@
+#pragma once
+
+#include "OssCoreModules/Network/OssSnMultiChannelGroupNode.h"
+
+/// What every stream is where nothing lies: transparent.
+class OSSCOREMODULES_EXPORT OssSnMultiChannelBottomTransparencyNode
+    : public OssSnMultiChannelGroupNode
+{
+    Q_OBJECT
+
+public:
+    using OssSnMultiChannelGroupNode::OssSnMultiChannelGroupNode;
+};

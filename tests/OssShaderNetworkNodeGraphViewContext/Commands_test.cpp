@@ -1,0 +1,289 @@
+#include "GraphFixture.h"
+#include "OssCoreModules/Interface/OssApplication.h"
+#include "OssCoreModules/Layers/OssLayerManager.h"
+#include "OssCoreModules/Layers/OssLayerShaderManager.h"
+#include "OssCoreModules/Network/OssShaderNetworkUtils.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QClipboard>
+#include <QLineEdit>
+#include <QMenu>
+#include <QTimer>
+#include <QtTest>
+
+namespace {
+
+/// Color and Noise over each other, blurred, levelled: color -> merge(Base), noise -> merge(Over),
+/// merge -> blur -> levels.
+class CommandsTest : public GraphFixture
+{
+protected:
+    void SetUp() override
+    {
+        GraphFixture::SetUp();
+        m_popups = OssApplication::popupsAllowed();
+        OssApplication::setPopupsAllowed(false);
+        m_color = addAt("Procedural/Color", {0, 0});
+        m_scalar = addAt("Procedural/Scalar", {0, 200});
+        m_merge = addAt("Layer/Merge", {300, 0});
+        m_blur = addAt("Filter/Blur", {600, 0});
+        m_levels = addAt("Adjust/Levels", {900, 0});
+        wire(m_color, m_merge, "Base");
+        wire(m_scalar, m_merge, "Over");
+        wire(m_merge, m_blur);
+        wire(m_blur, m_levels);
+        m_viewer = m_network->viewerNode();
+        contextOf(m_viewer)->setNodePosition({1300, 400});
+        select({});
+        OssUndoManager::instance()->clear();
+        OssDebugLog::instance()->clear();
+    }
+
+    void TearDown() override
+    {
+        OssApplication::setPopupsAllowed(m_popups);
+        GraphFixture::TearDown();
+    }
+
+    void select(const QList<OssSnBaseNode *> &nodes)
+    {
+        const QList<OssSnBaseNode *> all = m_network->getAllNodes();
+        for (OssSnBaseNode *node : all)
+            node->setSelected(nodes.contains(node));
+    }
+
+    QSet<OssSnBaseNode *> selection() const
+    {
+        const QList<OssSnBaseNode *> nodes = m_network->selectedNodes();
+        return QSet<OssSnBaseNode *>(nodes.cbegin(), nodes.cend());
+    }
+
+    static QString lastTitle() { return OssUndoManager::instance()->undoText(); }
+
+    OssSnBaseNode *viewed(int input) const { return m_viewer->inputNode(QString::number(input)); }
+
+    bool m_popups = true;
+    OssSnBaseNode *m_color = nullptr;
+    OssSnBaseNode *m_scalar = nullptr;
+    OssSnBaseNode *m_merge = nullptr;
+    OssSnBaseNode *m_blur = nullptr;
+    OssSnBaseNode *m_levels = nullptr;
+    OssSnBaseNode *m_viewer = nullptr;
+};
+
+// --- the viewer
+
+TEST_F(CommandsTest, aViewerNumberShowsTheSelectedNodeAndTurnsToIt)
+{
+    select({m_blur});
+    m_view->connectSelectedNodeToViewer(nullptr, 3);
+    EXPECT_EQ(viewed(3), m_blur);
+    EXPECT_EQ(m_network->viewerNodeCurrentEdge(), 3);
+    EXPECT_EQ(lastTitle(), QStringLiteral("Connect node 'Blur' to Viewer"));
+    EXPECT_EQ(selection(), QSet<OssSnBaseNode *>{m_viewer});
+    select({});
+    m_view->connectSelectedNodeToViewer(nullptr, 1);
+    EXPECT_EQ(m_network->viewerNodeCurrentEdge(), 1);
+    EXPECT_EQ(undoCount(), 1);
+    select({m_viewer});
+    m_view->connectSelectedNodeToViewer(nullptr, 3);
+    EXPECT_EQ(m_network->viewerNodeCurrentEdge(), 3);
+    select({m_blur, m_levels});
+    m_view->connectSelectedNodeToViewer(nullptr, 5);
+    EXPECT_EQ(viewed(5), nullptr);
+    EXPECT_EQ(m_network->viewerNodeCurrentEdge(), 3);
+}
+
+TEST_F(CommandsTest, viewerInputZeroIsForMaterials)
+{
+    select({m_blur});
+    m_view->connectSelectedNodeToViewer(nullptr, 0);
+    EXPECT_TRUE(logHas(QStringLiteral("[ !! ] Connecting a node to the viewer's input 0 is not "
+                                      "allowed. Input 0 is reserved.")));
+    EXPECT_EQ(undoCount(), 0);
+    OssSnBaseNode *shader = addAt("Shaders/Standard Surface", {1200, 0});
+    select({shader});
+    m_view->connectSelectedNodeToViewer(nullptr, 0);
+    EXPECT_EQ(viewed(0), shader);
+    EXPECT_EQ(OssLayerShaderManager::instance()->currentShader(), shader);
+    EXPECT_EQ(m_network->viewerNodeCurrentEdge(), 0);
+}
+
+TEST_F(CommandsTest, theCurrentMaterialIsOneProxyThatFollows)
+{
+    OssSnBaseNode *shader = addAt("Shaders/Standard Surface", {1200, 0});
+    OssLayerManager *layers = OssLayerManager::instance();
+    ASSERT_TRUE(layers->connectNodeToCurrentMaterialProxy(m_network, shader,
+                                                          shader->prefferedOutputPoint(), {}));
+    OssSnBaseNode *proxy = OssLayerManager::currentMaterialProxy(m_network);
+    ASSERT_NE(proxy, nullptr);
+    EXPECT_EQ(viewed(0), proxy);
+    EXPECT_EQ(itemOf(m_viewer)->inputPortText(QStringLiteral("0")),
+              QStringLiteral("0:Current Material"));
+    OssSnBaseNode *other = addAt("Shaders/Standard Surface", {1200, 300});
+    ASSERT_TRUE(layers->connectNodeToCurrentMaterialProxy(m_network, other,
+                                                          other->prefferedOutputPoint(), {}));
+    EXPECT_EQ(OssLayerManager::currentMaterialProxy(m_network), proxy);
+    EXPECT_EQ(proxy->inputNodes(), QList<OssSnBaseNode *>{other});
+    EXPECT_FALSE(
+        layers->connectNodeToCurrentMaterialProxy(m_network, other, QStringLiteral("None"), {}));
+}
+
+TEST_F(CommandsTest, severalOutputsAreOfferedInAMenu)
+{
+    OssSnBaseNode *noise = addAt("Procedural/Noise/Fractal Noise", {0, 400});
+    ASSERT_GT(noise->outputPointCount(), 1);
+    OssApplication::setPopupsAllowed(true);
+    QStringList offered;
+    QTimer::singleShot(0, [&offered] {
+        auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+        ASSERT_NE(menu, nullptr);
+        const QList<QAction *> actions = menu->actions();
+        for (const QAction *action : actions)
+            offered.append(action->text());
+        menu->setActiveAction(actions.last());
+        QTest::keyClick(menu, Qt::Key_Return);
+    });
+    m_view->connectSelectedNodeToViewer(noise, 2);
+    OssApplication::setPopupsAllowed(false);
+    EXPECT_EQ(offered, noise->outputPointNames());
+    EXPECT_EQ(m_viewer->inputOutputPoint(QStringLiteral("2")), noise->outputPointNames().last());
+}
+
+// --- copies
+
+TEST_F(CommandsTest, copiesComeUnderThePointerSelectedAndInOneStep)
+{
+    select({m_merge, m_blur, m_viewer});
+    m_view->copyNodesAction();
+    EXPECT_EQ(undoCount(), 0);
+    const QByteArray before = m_project->stateHash();
+    m_view->pasteNodesAction();
+    EXPECT_EQ(lastTitle(), QStringLiteral("Paste Nodes"));
+    EXPECT_EQ(undoCount(), 1);
+    ASSERT_EQ(selection().size(), 2);
+    OssSnBaseNode *blur = m_network->node(QStringLiteral("Blur 2"));
+    OssSnBaseNode *merge = m_network->node(QStringLiteral("Merge 2"));
+    ASSERT_TRUE(blur && merge);
+    EXPECT_EQ(blur->inputNode(QStringLiteral("Input")), merge);
+    EXPECT_EQ(itemOf(blur)->pos() - itemOf(merge)->pos(), QPointF(300, 0));
+    const QPointF corner = (itemOf(blur)->sceneBoundingRect() | itemOf(merge)->sceneBoundingRect())
+                               .topLeft();
+    EXPECT_EQ(corner, m_view->mapToScene(m_view->creationPoint()));
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(m_project->stateHash(), before);
+    select({m_viewer});
+    m_view->duplicateSelectedNodes();
+    m_view->cutNodesAction();
+    EXPECT_EQ(m_project->stateHash(), before);
+    select({m_blur});
+    m_view->cutNodesAction();
+    EXPECT_EQ(lastTitle(), QStringLiteral("Cut Nodes"));
+    EXPECT_EQ(m_network->node(QStringLiteral("Blur")), nullptr);
+    m_view->pasteNodesAction();
+    EXPECT_NE(m_network->node(QStringLiteral("Blur")), nullptr);
+    EXPECT_FALSE(OssShaderNetworkManager::instance()->isAttributeSmartLinkingEnabled());
+    m_blur = nullptr;
+}
+
+// --- swapping and renaming
+
+TEST_F(CommandsTest, swappingExchangesTheFirstTwoInputs)
+{
+    select({m_merge});
+    m_view->swapInputs();
+    EXPECT_EQ(m_merge->inputNode(QStringLiteral("Base")), m_scalar);
+    EXPECT_EQ(m_merge->inputNode(QStringLiteral("Over")), m_color);
+    EXPECT_EQ(lastTitle(), QStringLiteral("Swap Inputs"));
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(m_merge->inputNode(QStringLiteral("Base")), m_color);
+    select({});
+    m_view->swapInputs();
+    EXPECT_TRUE(logHas(QStringLiteral("More than one node selected for swap inputs.")));
+    EXPECT_TRUE(logHas(QStringLiteral("Only one node must be selected for swapping inputs.")));
+    select({m_color});
+    m_view->swapInputs();
+    EXPECT_TRUE(logHas(QStringLiteral("fewer than two inputs to swap.")));
+}
+
+TEST_F(CommandsTest, renamingTakesTheTypedName)
+{
+    select({m_blur});
+    OssApplication::setPopupsAllowed(true);
+    QTimer::singleShot(0, [] {
+        QWidget *dialog = QApplication::activeModalWidget();
+        ASSERT_NE(dialog, nullptr);
+        QTest::keyClicks(dialog->findChild<QLineEdit *>(), QStringLiteral("Soft"));
+        QTest::keyClick(dialog->findChild<QLineEdit *>(), Qt::Key_Return);
+    });
+    m_view->popupRenameWindow();
+    OssApplication::setPopupsAllowed(false);
+    EXPECT_EQ(m_blur->name(), QStringLiteral("Soft"));
+    m_view->popupRenameWindow(); // without a user nothing is typed
+    EXPECT_EQ(m_blur->name(), QStringLiteral("Soft"));
+    select({m_blur, m_merge});
+    m_view->popupRenameWindow();
+    EXPECT_TRUE(logHas(QStringLiteral("Only one node must be selected for renaming")));
+    m_view->popupRenameWindow(nullptr);
+    EXPECT_TRUE(logHas(QStringLiteral("NodeToRename is NULL")));
+}
+
+// --- selecting along the graph
+
+TEST_F(CommandsTest, selectionWalksUpAndDownAndStaysAtTheEnds)
+{
+    using Set = QSet<OssSnBaseNode *>;
+    select({m_blur});
+    m_view->selectAllUpstream();
+    EXPECT_EQ(selection(), (Set{m_blur, m_merge, m_color, m_scalar}));
+    select({m_blur});
+    m_view->selectStreamUpstream();
+    EXPECT_EQ(selection(), (Set{m_blur, m_merge, m_color}));
+    select({m_scalar});
+    m_view->selectAllDownstream();
+    EXPECT_EQ(selection(), (Set{m_scalar, m_merge, m_blur, m_levels}));
+    select({m_scalar});
+    m_view->selectStreamDownstream(); // it is laid over the stream, it does not carry it on
+    EXPECT_EQ(selection(), (Set{m_scalar}));
+    select({m_merge});
+    m_view->selectUpstream();
+    EXPECT_EQ(selection(), (Set{m_color, m_scalar}));
+    m_view->selectUpstream();
+    EXPECT_EQ(selection(), (Set{m_color, m_scalar}));
+    m_view->selectDownstream();
+    EXPECT_EQ(selection(), (Set{m_merge}));
+    m_view->addSelectDownstream();
+    EXPECT_EQ(selection(), (Set{m_merge, m_blur}));
+    select({m_color, m_blur});
+    m_view->selectNextSibling(); // the blur has none
+    EXPECT_EQ(selection(), (Set{m_scalar}));
+    m_view->addSelectPrevSibling();
+    EXPECT_EQ(selection(), (Set{m_color, m_scalar}));
+    select({m_color, m_levels});
+    m_view->selectBetween();
+    EXPECT_EQ(selection(), (Set{m_color, m_merge, m_blur, m_levels}));
+    select({m_color});
+    m_view->selectBetween();
+    EXPECT_EQ(selection(), (Set{m_color}));
+    EXPECT_EQ(undoCount(), 0);
+}
+
+TEST_F(CommandsTest, walksLeaveAGroupButSelectNothingOutside)
+{
+    OssSnGroupNode *group = m_network->groupNodes({m_merge, m_blur});
+    ASSERT_NE(group, nullptr);
+    EXPECT_TRUE(
+        OssShaderNetworkUtils::getUpstreamNodes(m_blur, true, true, false).contains(m_color));
+    EXPECT_FALSE(
+        OssShaderNetworkUtils::getUpstreamNodes(m_blur, false, true, false).contains(m_color));
+    EXPECT_TRUE(OssShaderNetworkUtils::getDownstreamNodes(m_merge, true, true).contains(m_levels));
+    m_manager->showNetworkInView(group->groupNetwork(), m_view);
+    m_blur->setSelected(true);
+    m_view->selectAllUpstream();
+    EXPECT_TRUE(m_merge->selected());
+    EXPECT_FALSE(m_color->selected());
+    m_manager->showNetworkInView(m_network, m_view);
+}
+
+} // namespace

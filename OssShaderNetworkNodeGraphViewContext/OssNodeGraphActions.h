@@ -23,13 +23,21 @@
     ACTION("Focus Selection", frameSelectedNodes, frameSelectedNodes())                             \
     ACTION("Disable", disableSelectedNodes, disableSelectedNodes())                                 \
     ACTION("Bypass", bypassSelectedNode, bypassSelectedNode())                                      \
+    ACTION("Quick Create", quickCreate, quickCreate())                                              \
     ACTION("Duplicate", duplicateSelectedNodes, duplicateSelectedNodes())                           \
     ACTION("Select All", selectAll, selectAll())                                                    \
     ACTION("Cut", cutNodesAction, cutNodesAction())                                                 \
     ACTION("Copy", copyNodesAction, copyNodesAction())                                              \
     ACTION("Paste", pasteNodesAction, pasteNodesAction())                                           \
+    ACTION("Search Node", searchNodesAction, searchNodesAction())                                   \
+    ACTION("Create Paint Node", createPaintableNode, createPaintableNode(QPoint(0, 0)))             \
+    ACTION("Info Viewer", printNodeInfo, printNodeInfo())                                           \
     ACTION("Swap Inputs", swapInputs, swapInputs())                                                 \
     ACTION("Rename Node", popupRenameWindow, popupRenameWindow())                                   \
+    ACTION("Import Nodes", importNodes, importNodes())                                              \
+    ACTION("Export Nodes", exportNodes, exportNodes())                                              \
+    ACTION("Import Material", importMaterial, importMaterial())                                     \
+    ACTION("Import Custom Procedural", importCustomProcedural, importCustomProcedural())            \
     ACTION("Toggle Port List", togglePortVisibility, togglePortVisibility())                        \
     ACTION("Cycle Port List Mode", cyclePortListMode, cyclePortListMode())                          \
     ACTION("Open Group Node Subgraph", openGroupNodeSubgraph, openGroupNodeSubgraph())              \
@@ -59,6 +67,8 @@
 
 /// Slots that forward in the same way but have no action: reached by name.
 #define OSS_NODE_GRAPH_NAMED_SLOTS(SLOT)                                                           \
+    SLOT(dumpSelectedNodeInfo, dumpSelectedNodeInfo())                                             \
+    SLOT(dumpNodeUIAction, dumpNodeUIAction())                                                     \
     SLOT(ensureIsVisibleAction, ensureIsVisibleAction())                                           \
     SLOT(fitToViewAction, fitToViewAction())
 // clang-format on

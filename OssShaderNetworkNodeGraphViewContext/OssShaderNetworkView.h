@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OssCore/OssResult.h"
 #include "OssCoreModules/Network/OssShaderNetworkHolder.h"
 #include "OssNodeGraph/OssNgView.h"
 
@@ -9,6 +10,7 @@
 
 class OssNgBackdropNode;
 class OssShaderNetwork;
+class OssImage;
 class OssSnBaseNode;
 class OssSnMultiChannelGroupNode;
 class QAction;
@@ -150,7 +152,44 @@ public Q_SLOTS:
     void selectAll();
 
     // Creation
-    void createNodeFromAction(QAction *action);
+    void createNodeFromAction(QAction *Action);
+    void createPaintableNode();
+    void createPaintableNode(QPoint NodeViewPos);
+    void createBakePointNode();
+    void createBakePointNode(QPoint NodeViewPos);
+    /// Of the selection's shader model, when it has one.
+    void createMergeNode();
+    void createMergeNode(QPoint NodeViewPos);
+    void quickCreate();
+    /// A null position means the middle of the viewport. Nodes that can hold no image get none.
+    void createNodeFromDropImage(OssImage *Image, QString NodeType, QPointF NodeScenePos);
+    void createNodeFromDropImage(OssImage *Image, QString NodeType);
+    /// Asks, as the preference says, whether merges above 8-bit paint are to blend in a colour
+    /// space that keeps precision.
+    static void autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(OssSnBaseNode *EndPointNode);
+
+    // Finding, files, telling
+    void searchNodesAction();
+    void exportNodes();
+    void importNodes();
+    // What is in several archives comes in whole or not at all; errors are told together.
+    void importMaterial();
+    void importMaterial(QStringList PathList, QPoint NodeViewPos);
+    void importCustomProcedural();
+    void importCustomProcedural(QStringList PathList, QPoint NodeViewPos);
+    void printNodeInfo();
+    void dumpSelectedNodeInfo();
+    void dumpNodeUIAction();
+
+    // Panels
+    void openNodeProperties();
+    /// Of the first selected group, or of the group whose inside this is.
+    void manageUserKnobs();
+    /// Makes the selected nodes' attributes knobs of the group around.
+    void exposeNodeProperties();
+    void upgradeSelectedNodeInfo();
+    void upgradeAllNodeInfo();
+    void upgradeNodeInfo(QList<OssSnBaseNode *> Nodes);
 
 Q_SIGNALS:
     void nodeDoubleClicked(OssSnBaseNode *node);
@@ -164,6 +203,11 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
     void keyReleaseEvent(QKeyEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragMoveEvent(QDragMoveEvent *event) override;
+    void dragLeaveEvent(QDragLeaveEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
 
 protected Q_SLOTS:
     void deferredConnectToViewContextManager();
@@ -181,6 +225,28 @@ private:
     /// Selects them and moves them, as they stand to each other, to a point of the viewport; null
     /// leaves them where they are.
     void placeInsertedNodes(const QList<OssSnBaseNode *> &nodes, const QPoint *viewPos);
+    /// In the order in which the selection reads, without the viewer.
+    QList<OssSnBaseNode *> selectedBusinessNodesInOrder() const;
+    /// The command of the type where it has one, the generic creation otherwise.
+    void createChosenNode(const QString &pathKey, const QPoint &viewPos);
+    void placeNewNode(OssSnBaseNode *node, const QPoint &viewPos);
+    /// `selection`: the area that was selected when the node was made; may be empty.
+    void completeNewNode(OssSnBaseNode *node, const QRectF &selection);
+    void completeNewBackdrop(OssSnBaseNode *node, const QRectF &selection);
+    void autoConnect(OssSnBaseNode *node, const QList<OssSnBaseNode *> &sources);
+    static bool connectStreams(OssSnBaseNode *source, OssSnBaseNode *node);
+    void setColorSpaceOfNewMerges(OssSnBaseNode *node);
+
+    struct ArchiveKind
+    {
+        QString macroTitle;
+        QString errorTitle;
+        OssResult (*import)(OssShaderNetwork *, const QString &, QList<OssSnBaseNode *> *);
+    };
+
+    void importArchives(const QStringList &paths, const QPoint &viewPos, const ArchiveKind &kind);
+    void dropImages(QDropEvent *event);
+    void dropArchives(QDropEvent *event);
     void chooseOutputPoint(OssSnBaseNode *node, OssSnBaseNode *viewer, int num);
     void batchSwapInputs(OssSnMultiChannelGroupNode *merge);
     /// What feeds the input, when it carries the same streams. `side` names it in debug lines.

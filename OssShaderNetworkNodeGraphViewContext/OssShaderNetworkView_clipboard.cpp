@@ -77,6 +77,7 @@ void OssShaderNetworkView::placeInsertedNodes(const QList<OssSnBaseNode *> &node
         if (node->network() && node->network()->node(node->name()) != node)
             node->setName(node->network()->generateUniqueNodeName(node->name()));
     }
+    OssShaderNetworkManager::instance()->createDelayedKnobs(nodes);
     for (const OssSnBaseNode *node : nodes) {
         if (auto *backdrop = qobject_cast<OssNgBackdropNode *>(
                 OssSnNodeGraphViewContextManager::guiNodeOf(node)))

@@ -1,10 +1,17 @@
 #pragma once
 
+#include <QHash>
+#include <QPointer>
 #include <QTabWidget>
+#include <QWidget>
 
 class OssShaderNetwork;
 class OssShaderNetworkView;
+class OssSnBaseNode;
 class OssSnGroupNode;
+class QLineEdit;
+class QScrollArea;
+class QVBoxLayout;
 
 /// Body of the "Node Graph" palette: tab 0 is the root network's view and cannot be closed, further
 /// tabs are views of groups, which their contexts own.
@@ -43,4 +50,70 @@ protected:
 private:
     OssShaderNetworkView *m_rootView;
     QString m_navigationControlType;
+};
+
+/// Body of the "Node Properties" palette: the panels of the nodes that were opened, the newest on
+/// top, at most as many as the user wants. A panel is framed in its node's colour, is made anew when
+/// the node's attributes are others, and goes with its node.
+class OssSnNodePropertiesWidget : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// Double clicks on nodes of the view open panels; the view outlives the widget.
+    OssSnNodePropertiesWidget(OssShaderNetworkView *view, QWidget *parent);
+    ~OssSnNodePropertiesWidget() override;
+
+    /// Null when the node has none.
+    QWidget *panel(const OssSnBaseNode *node) const;
+    /// Opens the node's panel, or moves it, to the place before or after that of another node. The
+    /// top when that one has none.
+    void insertBefore(OssSnBaseNode *node, const OssSnBaseNode *target);
+    void insertAfter(OssSnBaseNode *node, const OssSnBaseNode *target);
+
+Q_SIGNALS:
+    void nodeDoubledClicked();
+    void propertiesUnderMouseChanged(OssSnBaseNode *NewUnderMouse, OssSnBaseNode *OldUnderMouse);
+
+public Q_SLOTS:
+    virtual void openProperty(OssSnBaseNode *Node);
+
+protected Q_SLOTS:
+    virtual QWidget *createPropertyWidget(OssSnBaseNode *Node, int InsertionPoint = 0);
+    virtual void showGroupNodeKnobWidget();
+    virtual void showGroupNodeSubgraph();
+    virtual void onUserAttributePopulationChanged();
+    virtual void refreshPropertiesForNode(OssSnBaseNode *Node);
+    virtual void onUserAttributeChanged(QString AttributeName);
+    virtual void onUserAttributeRenamed(QString OldAttributeName, QString NewAttributeName);
+
+protected:
+    bool event(QEvent *event) override;
+
+protected Q_SLOTS:
+    void onMaxPanelsEditingFinished();
+    void deleteAllProperties();
+    void deletePanelsExceedingMax();
+    void refreshPanel();
+    void onEndProcessing();
+    void onNodeRemoved();
+
+private:
+    void makeScrollArea();
+    class QAction *makeDeleteAction();
+    void makeBar(class QAction *deleteAll);
+    QWidget *makePanel(OssSnBaseNode *node);
+    void addGroupButtons(QWidget *panel, OssSnBaseNode *node);
+    void followNode(OssSnBaseNode *node);
+    void insertBeside(OssSnBaseNode *node, const OssSnBaseNode *target, int offset);
+    /// Whether a change of the attribute is one that the node's panel shows.
+    static bool isVisibleAttribute(const OssSnBaseNode *node, const QString &name);
+    OssSnBaseNode *nodeUnderMouse() const;
+
+    QVBoxLayout *m_panelLayout = nullptr;
+    QHash<OssSnBaseNode *, QPointer<QWidget>> m_panels;
+    QLineEdit *m_maxPanels = nullptr;
+    bool m_refreshPending = false;
+    QScrollArea *m_scrollArea = nullptr;
+    QPointer<OssSnBaseNode> m_nodeUnderMouse;
 };

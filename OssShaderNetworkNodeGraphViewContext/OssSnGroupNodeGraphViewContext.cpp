@@ -4,8 +4,12 @@
 #include "OssCore/OssResourceInfo.h"
 #include "OssCoreModules/Interface/OssFileDialog.h"
 #include "OssCoreModules/Network/OssShaderNetwork.h"
+#include "OssCoreModules/Network/OssSnBakePointNode.h"
 #include "OssCoreModules/Network/OssSnGroupNode.h"
-#include "OssCoreModules/Network/OssSnMultiChannelGroupNode.h"
+#include "OssCoreModules/Network/OssSnMaterialNode.h"
+#include "OssCoreModules/Network/OssSnMultiChannelBakePointNode.h"
+#include "OssCoreModules/Network/OssSnMultiChannelBottomTransparencyNode.h"
+#include "OssCoreModules/Network/OssSnMultiChannelMergeNode.h"
 #include "OssShaderNetworkView.h"
 #include "OssShaderNetworkWidget.h"
 #include "ZelGL/ZelTextureToken.h"
@@ -51,10 +55,12 @@ void OssSnGroupNodeGraphViewContext::initializeGui()
     OssSnNodeGraphViewContextManager::instance()->registerGroupNetwork(group->groupNetwork(),
                                                                        group);
     connectGroup(group);
-    if (shapeType() != MaterialShape)
-        setShapeType(qobject_cast<OssSnMultiChannelGroupNode *>(group) ? MultiChannelShape
-                                                                       : GroupShape);
+    setShapeType(qobject_cast<OssSnMaterialNode *>(group)            ? MaterialShape
+                 : qobject_cast<OssSnMultiChannelGroupNode *>(group) ? MultiChannelShape
+                                                                     : GroupShape);
     OssSnNodeGraphViewContext::initializeGui();
+    updateMultiChannelNodeUI();
+    onBakedStateChanged();
     setupPortClusters();
     showInnerItems();
 }
@@ -73,6 +79,9 @@ void OssSnGroupNodeGraphViewContext::connectGroup(OssSnGroupNode *group)
     if (const auto *streams = qobject_cast<OssSnMultiChannelGroupNode *>(group))
         connect(streams, &OssSnMultiChannelGroupNode::validityChanged, this,
                 &Context::updateMultiChannelNodeUI);
+    if (const auto *bakes = qobject_cast<OssSnMultiChannelBakePointNode *>(group))
+        connect(bakes, &OssSnMultiChannelBakePointNode::bakedStateChanged, this,
+                &Context::onBakedStateChanged);
 }
 
 void OssSnGroupNodeGraphViewContext::showInnerItems()
@@ -97,6 +106,10 @@ OssShaderNetworkView *OssSnGroupNodeGraphViewContext::groupView()
     // A view costs more than a node, and most groups are never opened.
     m_view = new OssShaderNetworkView(nullptr);
     OssSnNodeGraphViewContextManager::instance()->showNetworkInView(group->groupNetwork(), m_view);
+    if (OssSnNodePropertiesWidget *panels = OssSnNodeGraphViewContextManager::instance()
+                                                ->nodePropertiesWidget())
+        connect(m_view.data(), &OssShaderNetworkView::nodeDoubleClicked, panels,
+                &OssSnNodePropertiesWidget::openProperty);
     m_view->setNavigationControlType(OssSnNodeGraphViewContextManager::instance()->controlType());
     return m_view;
 }
@@ -205,10 +218,45 @@ void OssSnGroupNodeGraphViewContext::updateMultiChannelNodeUI()
     const auto *streams = qobject_cast<OssSnMultiChannelGroupNode *>(parentNode());
     if (!streams || !guiNode())
         return;
-    const int shape = streams->isValid() ? MultiChannelShape : GroupShape;
+    QString category;
+    int shape = MultiChannelShape;
+    if (qobject_cast<const OssSnMultiChannelMergeNode *>(streams)) {
+        category = QStringLiteral("MultiChannelMerge");
+    } else if (qobject_cast<const OssSnMultiChannelBakePointNode *>(streams)) {
+        category = QStringLiteral("MultiChannelBakePoint");
+    } else if (qobject_cast<const OssSnMultiChannelBottomTransparencyNode *>(streams)) {
+        category = QStringLiteral("MultiChannelBottomTransparency");
+    } else if (qobject_cast<const OssSnMaterialNode *>(streams)) {
+        category = QStringLiteral("MultiChannelMaterial");
+        shape = MaterialShape;
+    } else {
+        return;
+    }
+    if (!streams->isValid()) {
+        category = QStringLiteral("MultiChannelInvalid");
+        shape = GroupShape;
+    }
+    guiNode()->setCategory(category);
     setShapeType(shape);
     guiNode()->setShapeType(shape);
     guiNode()->updateShape();
+}
+
+void OssSnGroupNodeGraphViewContext::onBakedStateChanged()
+{
+    auto *node = qobject_cast<OssSnMultiChannelBakePointNode *>(parentNode());
+    if (!node || !guiNode())
+        return;
+    bool baked = false;
+    bool stale = false;
+    const QList<OssSnBakePointNode *> active = node->activeBakePointNodes();
+    for (const OssSnBakePointNode *bakePoint : active) {
+        baked = baked || bakePoint->hasBakedResult();
+        stale = stale || (bakePoint->hasBakedResult() && !bakePoint->isBakedResultUpToDate());
+    }
+    guiNode()->setBaked(baked);
+    guiNode()->setStale(stale || (!active.isEmpty() && !baked));
+    node->emitNodeStateRefreshed();
 }
 
 QString OssSnGroupNodeGraphViewContext::versionHashSource() const

@@ -42,6 +42,7 @@ protected Q_SLOTS:
     void changeGroupNodeTabText(QString text);
     void updateMultiChannelNodeUI();
     void forceOpenGroupSubgraph();
+    void onBakedStateChanged();
 
 private:
     OssSnGroupNode *groupNode() const;

@@ -323,11 +323,14 @@ void OssSnNodeGraphViewContext::copyGuiStateFrom(OssSnBaseContext *other)
     const auto *view = qobject_cast<OssSnNodeGraphViewContext *>(other);
     if (!view)
         return;
+    OssSnBaseContext::copyGuiStateFrom(other);
     m_inputNodeInitialPos = view->m_inputNodeInitialPos;
     m_outputNodeInitialPos = view->m_outputNodeInitialPos;
     m_shapeType = view->m_shapeType;
     m_nodeColorTop = view->m_nodeColorTop;
     m_nodeColorBottom = view->m_nodeColorBottom;
+    if (m_GuiNode)
+        applyLook();
     onParentNodeInputsOutputsRefreshed();
 }
 

@@ -57,6 +57,7 @@ OssSnNodeGraphViewContextManager::OssSnNodeGraphViewContextManager()
     connectToHost();
     createActions();
     initialiseNodeGraphPalette();
+    initialiseNodePropertiesPalette();
 }
 
 // Scenes go when their network or the project goes; at the end of the process none is left.
@@ -74,6 +75,11 @@ void OssSnNodeGraphViewContextManager::connectToHost()
     connect(networks, &Networks::matchNodePositionRequest, this, &Manager::matchNodePosition);
     connect(networks, &Networks::afterShaderNetworkEndCollection, this,
             &Manager::onAfterShaderNetworkEndCollection);
+    connect(networks, &Networks::showNodePropertiesAtPositionEndRequest, this,
+            &Manager::showNodePropertiesAtPositionEnd);
+    connect(networks, &Networks::showNodePropertiesAtPositionBeginRequest, this,
+            &Manager::showNodePropertiesAtPositionBegin);
+    connect(networks, &Networks::showNodePropertiesRequest, this, &Manager::showNodeProperties);
     connect(networks, qOverload<OssShaderNetwork *>(&Networks::beautifyNodesLayout), this,
             qOverload<OssShaderNetwork *>(&Manager::beautifyNodesLayout));
     connect(networks,

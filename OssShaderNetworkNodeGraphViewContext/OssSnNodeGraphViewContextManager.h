@@ -14,6 +14,7 @@ class OssShaderNetworkView;
 class OssSnGroupNode;
 class OssSnNodeGraphViewContext;
 class OssSnNodeGraphWidget;
+class OssSnNodePropertiesWidget;
 
 /// Ties the node graph to the host's networks: one scene for each network, the palette with its
 /// tabs, the items of registered nodes in the right scene, answers to the host's requests, and the
@@ -72,6 +73,8 @@ public:
     /// The view the user works in; null when the widget is gone or its current page is none.
     OssShaderNetworkView *currentView() const;
     OssSnNodeGraphWidget *nodeGraphWidget() const;
+    /// Body of the "Node Properties" palette; null when the palette is gone.
+    OssSnNodePropertiesWidget *nodePropertiesWidget() const;
     /// The network's scene, made on first need and owned here. Null for a null network.
     QGraphicsScene *sceneForNetwork(OssShaderNetwork *network);
     void registerGroupNetwork(OssShaderNetwork *network, OssSnGroupNode *groupNode);
@@ -104,6 +107,10 @@ public Q_SLOTS:
     void onProjectMadeCurrentUpgradeOldBadBackdrops(OssProject *Project);
     void focusOnNode(OssSnBaseNode *Node);
     void matchNodePosition(OssSnBaseNode *From, OssSnBaseNode *To);
+    void showNodePropertiesAtPositionEnd(OssSnBaseNode *Node, OssSnBaseNode *Target, bool Undo);
+    void showNodePropertiesAtPositionBegin(OssSnBaseNode *Node, OssSnBaseNode *Target, bool Undo);
+    void showNodeProperties(OssSnBaseNode *Node);
+    void showPropertiesPalette();
     void showNodeGraphPalette();
     void highlightCurrentImageSetNode(OssChannel *pImageSet);
     void onDebugNodesChanged(OssShaderNetworkManager::DebugNodes rNewNodes,
@@ -112,6 +119,8 @@ public Q_SLOTS:
                              OssShaderNetworkManager::DebugInputs rOldInputs);
     void onNodePropertiesHoverChanged(OssSnBaseNode *MouseOver, OssSnBaseNode *OldMouseOver);
     void onNodeCollapsedModeChanged();
+    /// Makes a node of the sender's type of every selected image of the project.
+    void addImageAs();
 
     /// Lays out the selected nodes and what feeds them; without a selection, everything from the
     /// last nodes of all streams. One undo step.
@@ -260,6 +269,7 @@ private:
     void connectToHost();
     void createActions();
     void initialiseNodeGraphPalette();
+    void initialiseNodePropertiesPalette();
     template <class Visit>
     void visitProjectNodes(OssProject *project, Visit visit) const;
 
@@ -267,6 +277,7 @@ private:
     QHash<OssShaderNetwork *, QPointer<OssSnGroupNode>> m_groupNodes;
     QHash<OssShaderNetwork *, QRectF> m_viewRects;
     QPointer<OssSnNodeGraphWidget> m_nodeGraphWidget;
+    QPointer<OssSnNodePropertiesWidget> m_nodePropertiesWidget;
     int m_portDisplayIndex = ShowPortList;
     bool m_isAutoInsertOn = true;
     int m_zoomTo = Cursor;

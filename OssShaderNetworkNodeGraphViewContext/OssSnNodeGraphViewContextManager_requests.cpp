@@ -5,6 +5,8 @@
 #include "OssCore/OssResourceInfo.h"
 #include "OssCore/OssUndoManager.h"
 #include "OssCoreModules/Images/OssChannel.h"
+#include "OssCoreModules/Images/OssImage.h"
+#include "OssCoreModules/Images/OssImageManager.h"
 #include "OssCoreModules/Images/OssImageSet.h"
 #include "OssCoreModules/Interface/OssActionTreeManager.h"
 #include "OssCoreModules/Interface/OssPalette.h"
@@ -82,6 +84,25 @@ void OssSnNodeGraphViewContextManager::createActions()
                 &OssSnNodeGraphViewContextManager::onNodeCollapsedModeChanged);
         tree->registerAction(QStringLiteral("/Ossa/NodeGraph"), action);
     }
+    struct ImageRow
+    {
+        const char *text;
+        const char *pathKey;
+        const char *toolTip;
+    };
+
+    for (const ImageRow &row :
+         {ImageRow{"As Tiled", "Procedural/Pattern/Tiled", "Add to Nodegraph as Tiled"},
+          ImageRow{"As TriPlanar", "Environment/Tri Planar Projection",
+                   "Add to Nodegraph as TriPlanar"}}) {
+        auto *add = new QAction(QString::fromLatin1(row.text), this);
+        add->setData(QString::fromLatin1(row.pathKey));
+        add->setToolTip(QString::fromLatin1(row.toolTip));
+        connect(add, &QAction::triggered, this, &OssSnNodeGraphViewContextManager::addImageAs);
+        OssImageManager::instance()->registerGlobalContextMenuAction(
+            add, QStringLiteral("Add to Nodegraph"),
+            OssIcon::getIconPath(QStringLiteral("NodeGraph.png")));
+    }
     const QString shake = QStringLiteral("Shake To Extract");
     auto *action = new QAction(shake, this);
     action->setObjectName(shake);
@@ -91,6 +112,20 @@ void OssSnNodeGraphViewContextManager::createActions()
     connect(action, &QAction::triggered, this,
             &OssSnNodeGraphViewContextManager::toggleShakeToExtractEnabled);
     tree->registerAction(QStringLiteral("Ossa/NodeGraph/"), action);
+}
+
+void OssSnNodeGraphViewContextManager::addImageAs()
+{
+    const auto *action = qobject_cast<QAction *>(sender());
+    const QString key = action ? action->data().toString() : QString();
+    OssShaderNetworkView *view = currentView();
+    if (key.isEmpty() || !view)
+        return;
+    const QList<OssImage *> images = OssImageManager::instance()->images();
+    for (OssImage *image : images) {
+        if (image->selected())
+            view->createNodeFromDropImage(image, key, QPointF(0.0, 0.0));
+    }
 }
 
 void OssSnNodeGraphViewContextManager::initialiseNodeGraphPalette()

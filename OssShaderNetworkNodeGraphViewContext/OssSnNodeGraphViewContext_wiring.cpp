@@ -205,8 +205,11 @@ void OssSnNodeGraphViewContext::connectInputFromGui(OssSnBaseNode *source, const
         OssDebug(Source, __LINE__, "input name cannot be empty : %s", qPrintable(source->name()));
         return;
     }
-    OssShaderNetworkUtils::setInputNodeBatchConnectable(node, inputName, source, outputPointName,
-                                                        true, true, true, false);
+    const OssUndoManager::AutoMacro macro(tr("Connect %1").arg(node->name()));
+    const bool connected = OssShaderNetworkUtils::setInputNodeBatchConnectable(
+        node, inputName, source, outputPointName, true, true, true, false);
+    if (connected)
+        OssShaderNetworkView::autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(node);
 }
 
 void OssSnNodeGraphViewContext::onDotableMarkerClicked(OssNgEdge *edge)

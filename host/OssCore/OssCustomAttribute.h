@@ -22,6 +22,9 @@ public:
         QVariant defaultValue;
         QVariant minimum; ///< invalid: no bound
         QVariant maximum;
+        QVariant softMinimum; ///< what a slider spans; invalid: the bound
+        QVariant softMaximum;
+        QString editor; ///< how it is edited where the value's type does not tell: "file", "curve"
         bool visible = true;
         bool isKnob = false; ///< made by a user on a group, not by the node's type
     };

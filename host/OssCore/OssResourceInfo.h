@@ -22,6 +22,10 @@ public:
 
     QString defaultExportNodeGraphPathKey() const { return QStringLiteral("ExportNodeGraphPath"); }
 
+    QString defaultMaterialPathKey() const { return QStringLiteral("MaterialPath"); }
+
+    QString defaultCustomProceduralPathKey() const { return QStringLiteral("CustomProceduralPath"); }
+
     QString defaultImportNodeGraphPathKey() const { return QStringLiteral("ImportNodeGraphPath"); }
 
 private:

@@ -9,6 +9,7 @@
 #include <QBuffer>
 #include <QMetaProperty>
 #include <QPointer>
+#include <QSet>
 
 OssSerializableObject::OssSerializableObject(QObject *parent)
     : QObject(parent)
@@ -92,6 +93,21 @@ QStringList OssSerializableObject::userAttributeNames() const
 void OssSerializableObject::initUserAttributes(const QVector<OssCustomAttribute> &attributes)
 {
     m_userAttributes = attributes;
+}
+
+bool OssSerializableObject::orderUserAttributes(const QStringList &names)
+{
+    QVector<OssCustomAttribute> ordered;
+    for (const QString &name : names) {
+        const OssCustomAttribute attribute = userAttribute(name);
+        if (attribute.isValid())
+            ordered.append(attribute);
+    }
+    if (QSet<QString>(names.cbegin(), names.cend()).size() != m_userAttributes.size()
+        || ordered.size() != m_userAttributes.size())
+        return false;
+    m_userAttributes = ordered;
+    return true;
 }
 
 void OssSerializableObject::setUserAttribute(const OssCustomAttribute &attribute, bool notify)
@@ -218,6 +234,33 @@ void OssSerializableObject::saveProperties(OssSerializer &serializer) const
         serializer.writeElement(QStringLiteral("properties"), properties);
 }
 
+namespace {
+
+/// What no type tells of an attribute that a user made.
+void describeKnob(const OssCustomAttribute &knob, OssSerializableObject::Attributes *attributes)
+{
+    const OssCustomAttribute::Definition &definition = knob.definition();
+    const auto put = [attributes](const char *key, const QVariant &value) {
+        const QString text = OssValueText::toText(value);
+        if (!text.isEmpty())
+            attributes->insert(QLatin1String(key), text);
+    };
+    attributes->insert(QStringLiteral("knob"), QStringLiteral("true"));
+    attributes->insert(QStringLiteral("prettyName"), knob.prettyName());
+    attributes->insert(QStringLiteral("group"), knob.group());
+    put("default", definition.defaultValue);
+    put("minimum", definition.minimum);
+    put("maximum", definition.maximum);
+    put("softMinimum", definition.softMinimum);
+    put("softMaximum", definition.softMaximum);
+    put("toolTip", definition.toolTip);
+    put("editor", definition.editor);
+    if (knob.value().userType() == qMetaTypeId<OssUserEnum>())
+        put("choices", knob.value().value<OssUserEnum>().names());
+}
+
+} // namespace
+
 void OssSerializableObject::saveUserAttributes(OssSerializer &serializer) const
 {
     for (const OssCustomAttribute &attribute : m_userAttributes) {
@@ -228,12 +271,8 @@ void OssSerializableObject::saveUserAttributes(OssSerializer &serializer) const
         attributes.insert(QStringLiteral("type"),
                           QString::fromLatin1(attribute.value().typeName()));
         attributes.insert(QStringLiteral("value"), OssValueText::toText(attribute.value()));
-        const OssCustomAttribute::Definition &definition = attribute.definition();
-        if (definition.isKnob) {
-            attributes.insert(QStringLiteral("knob"), QStringLiteral("true"));
-            attributes.insert(QStringLiteral("prettyName"), attribute.prettyName());
-            attributes.insert(QStringLiteral("group"), attribute.group());
-        }
+        if (attribute.definition().isKnob)
+            describeKnob(attribute, &attributes);
         serializer.writeElement(QStringLiteral("attribute"), attributes);
     }
 }
@@ -299,10 +338,12 @@ bool OssSerializableObject::loadChild(OssDeserializer &deserializer)
             object->load(deserializer);
         else
             m_foreign.append(deserializer.readRaw());
-    } else if ((element == QLatin1String("attribute")
+    } else if (const int depth = deserializer.depth();
+               (element == QLatin1String("attribute")
                 && onLoadUserAttribute(attributes.value(QStringLiteral("name")), attributes))
                || onLoadElement(deserializer, element, attributes)) {
-        deserializer.skipElement();
+        if (deserializer.depth() == depth)
+            deserializer.skipElement();
     } else {
         m_foreign.append(deserializer.readRaw());
     }

@@ -72,7 +72,8 @@ public:
     virtual bool onLoadCollection(const QString &name, const QString &type,
                                   const QString &elementType, int count,
                                   const Attributes &attributes);
-    /// Any other element. True when it was used; the element's content, if any, is not read.
+    /// Any other element. True when it was used; its content, if any, is passed over unless it was
+    /// read here with OssDeserializer::readRaw().
     virtual bool onLoadElement(OssDeserializer &deserializer, const QString &name,
                                const Attributes &attributes);
     /// A saved user attribute. The base gives the value to an attribute of that name that exists
@@ -102,6 +103,8 @@ protected:
     virtual void onUserAttributeGone(const OssCustomAttribute &attribute);
     /// Gives the object its type's attributes: no undo, no notice.
     void initUserAttributes(const QVector<OssCustomAttribute> &attributes);
+    /// All names in their new order; anything else is refused. No undo, no notice.
+    bool orderUserAttributes(const QStringList &names);
     int userAttributeIndex(const QString &name) const;
 
     const QStringList &foreignContent() const { return m_foreign; }

@@ -96,6 +96,11 @@ public:
     /// Takes the gesture in hand back, if there is one.
     bool cancelGesture();
 
+    /// Shows where things that are dragged in from elsewhere would come to stand, until
+    /// hideDropGhost(). Viewport pixels.
+    void showDropGhost(const QPoint &viewPos, int count);
+    void hideDropGhost();
+
     // For gestures
 
     void scrollBy(const QPointF &pixels);
@@ -176,6 +181,11 @@ private:
     QTransform minimapTransform() const;
     QVector<QRectF> exposedScene(const QRectF &rect) const;
 
+    void paintDropGhost(QPainter *painter) const;
+    QRect dropGhostRect() const;
+
+    QPoint m_dropGhost;
+    int m_dropGhostCount = 0; ///< 0: none is shown
     int m_cursorTrackingMode = NormalTracking;
     bool m_snapToGrid = false;
     bool m_minimapVisible = true;

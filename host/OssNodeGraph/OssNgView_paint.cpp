@@ -18,6 +18,8 @@ constexpr QSizeF MinimapSize(184.0, 114.0);
 constexpr QSize SmallestForMap(520, 380); ///< viewport
 constexpr qreal MinimapInset = 12.0;
 constexpr qreal MinimapPadding = 8.0;
+constexpr int MostGhosts = 4;
+constexpr qreal GhostStep = 8.0;
 constexpr int MostRectangles = 8; ///< more are painted as one
 
 } // namespace
@@ -73,14 +75,59 @@ void OssNgView::paintOverlay()
     const bool mapExposed = map
                             && m_exposed.intersects(
                                 minimapRect().toAlignedRect().adjusted(-1, -1, 1, 1));
-    if (!m_gesture && !mapExposed)
+    if (!m_gesture && !mapExposed && m_dropGhostCount == 0)
         return;
     QPainter painter(viewport());
     painter.setRenderHint(QPainter::Antialiasing);
     if (m_gesture)
         m_gesture->paint(&painter);
+    paintDropGhost(&painter);
     if (mapExposed)
         paintMinimap(&painter);
+}
+
+// --- what is dragged in
+
+QRect OssNgView::dropGhostRect() const
+{
+    const QSizeF node(OssNgStyle::MinimumWidth * zoom(), 60.0 * zoom());
+    const int shown = std::min(m_dropGhostCount, MostGhosts);
+    const QSizeF all = node + QSizeF(GhostStep, GhostStep) * std::max(0, shown - 1);
+    return QRectF(m_dropGhost, all).toAlignedRect().adjusted(-2, -2, 60, 24);
+}
+
+void OssNgView::showDropGhost(const QPoint &viewPos, int count)
+{
+    viewport()->update(dropGhostRect());
+    m_dropGhost = viewPos;
+    m_dropGhostCount = count;
+    viewport()->update(dropGhostRect());
+}
+
+void OssNgView::hideDropGhost()
+{
+    viewport()->update(dropGhostRect());
+    m_dropGhostCount = 0;
+}
+
+void OssNgView::paintDropGhost(QPainter *painter) const
+{
+    const OssNgStyle *style = OssNgStyle::instance();
+    const QSizeF node(OssNgStyle::MinimumWidth * zoom(), 60.0 * zoom());
+    for (int i = std::min(m_dropGhostCount, MostGhosts) - 1; i >= 0; --i) {
+        QColor fill = style->color(Role::Body);
+        fill.setAlphaF(0.8);
+        painter->setBrush(fill);
+        painter->setPen(QPen(style->color(Role::Accent), 1.2, Qt::DashLine));
+        painter->drawRoundedRect(QRectF(m_dropGhost + QPointF(GhostStep, GhostStep) * i, node),
+                                 OssNgStyle::CornerRadius, OssNgStyle::CornerRadius);
+    }
+    if (m_dropGhostCount > 1) {
+        painter->setPen(style->color(Role::Title));
+        painter->setFont(style->titleFont());
+        painter->drawText(QRectF(m_dropGhost, node), Qt::AlignCenter,
+                          QString::number(m_dropGhostCount));
+    }
 }
 
 void OssNgView::scrollContentsBy(int dx, int dy)

@@ -1,6 +1,6 @@
 #include "Ossa/CommandListModel.h"
 
-#include "Ossa/FuzzyMatch.h"
+#include "OssCoreModules/Interface/OssFuzzyMatch.h"
 #include "OssCoreModules/Interface/OssActionTreeManager.h"
 #include "OssCoreModules/Interface/OssShortcutManager.h"
 
@@ -21,10 +21,10 @@ QString folderText(const QString &path)
 // Names count more than the folder they are in.
 int scoreOf(const QString &text, const QString &path, const QString &name)
 {
-    const int byName = FuzzyMatch::score(text, name);
+    const int byName = OssFuzzyMatch::score(text, name);
     if (byName >= 0)
         return byName + 1000;
-    return FuzzyMatch::score(text, folderText(path) + QLatin1Char(' ') + name);
+    return OssFuzzyMatch::score(text, folderText(path) + QLatin1Char(' ') + name);
 }
 
 } // namespace

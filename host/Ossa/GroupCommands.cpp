@@ -1,12 +1,16 @@
 #include "Ossa/GroupCommands.h"
 
 #include "Ossa/Commands.h"
+#include "OssCore/OssResourceInfo.h"
 #include "OssCore/OssUndoManager.h"
+#include "OssCoreModules/Interface/OssFileDialog.h"
 #include "OssCoreModules/Interface/OssMessageBox.h"
+#include "OssCoreModules/Network/OssNodeArchive.h"
 #include "OssCoreModules/Network/OssShaderNetwork.h"
 #include "OssCoreModules/Network/OssShaderNetworkManager.h"
 #include "OssCoreModules/Network/OssSnBaseContext.h"
 #include "OssCoreModules/Network/OssSnGroupNode.h"
+#include "OssCoreModules/Network/OssSnMaterialNode.h"
 
 namespace {
 
@@ -42,6 +46,12 @@ GroupCommands::GroupCommands(QObject *parent)
     Commands::file(
         this, folder, tr("Export as Gizmo"), [] { exportAsGizmo(); },
         tr("Save the group as a file that can be imported anywhere"));
+    Commands::file(
+        this, folder, tr("Export Material to Archive"), [] { exportArchive(true); },
+        tr("Save a material with its images as one file"));
+    Commands::file(
+        this, folder, tr("Export as Custom Procedural"), [] { exportArchive(false); },
+        tr("Save the group with its images as a node of its own kind"));
 }
 
 OssShaderNetwork *GroupCommands::network()
@@ -115,4 +125,30 @@ void GroupCommands::exportAsGizmo()
     }
     if (OssSnBaseContext *context = target->context(QStringLiteral("NodeGraphView")))
         QMetaObject::invokeMethod(context, "onExportAsGizmo", Q_ARG(OssSnGroupNode *, target));
+}
+
+void GroupCommands::exportArchive(bool material)
+{
+    const QString title = material ? tr("Export Material to Archive")
+                                   : tr("Export as Custom Procedural");
+    OssSnGroupNode *target = group();
+    const bool fits = target && (!material || qobject_cast<OssSnMaterialNode *>(target));
+    if (!fits) {
+        OssMessageBox::information(nullptr, title,
+                                   material ? tr("Select the material that is to be exported")
+                                            : tr("Select the group that is to be exported"));
+        return;
+    }
+    const OssResourceInfo *resources = OssResourceInfo::instance();
+    const QString path = OssFileDialog::getSaveFileName(
+        title, material ? QStringLiteral("*.oma") : QStringLiteral("*.opc"),
+        material ? resources->defaultMaterialPathKey()
+                 : resources->defaultCustomProceduralPathKey());
+    if (path.isEmpty())
+        return;
+    const OssResult result = OssNodeArchive::write(
+        target, material ? OssNodeArchive::Kind::Material : OssNodeArchive::Kind::CustomProcedural,
+        path);
+    if (!result)
+        OssMessageBox::warning(nullptr, title, result.error());
 }

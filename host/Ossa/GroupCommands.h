@@ -22,4 +22,5 @@ private:
     static void ungroupSelected();
     static void addPort(bool input);
     static void exportAsGizmo();
+    static void exportArchive(bool material);
 };

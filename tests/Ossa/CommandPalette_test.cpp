@@ -1,7 +1,7 @@
 #include "Ossa/CommandPalette.h"
 
 #include "Ossa/CommandListModel.h"
-#include "Ossa/FuzzyMatch.h"
+#include "OssCoreModules/Interface/OssFuzzyMatch.h"
 #include "OssCoreModules/Interface/OssActionTreeManager.h"
 
 #include <gtest/gtest.h>
@@ -16,7 +16,7 @@ namespace {
 
 int score(const char *pattern, const char *text)
 {
-    return FuzzyMatch::score(QString::fromLatin1(pattern), QString::fromLatin1(text));
+    return OssFuzzyMatch::score(QString::fromLatin1(pattern), QString::fromLatin1(text));
 }
 
 class CommandFinding : public testing::Test

@@ -61,6 +61,8 @@ const char *const graphContextMenu = R"(
         /Ossa/NodeGraph/Manage User Knobs
         /Ossa/NodeGraph/Expose Node Properties
         /Ossa/NodeGraph/Export as Gizmo
+        /Ossa/NodeGraph/Export Material to Archive
+        /Ossa/NodeGraph/Export as Custom Procedural
     <
     > Import and Export
         /Ossa/NodeGraph/Import Nodes
@@ -197,6 +199,8 @@ const char *const graphMenu = R"(
         /Ossa/NodeGraph/Manage User Knobs
         /Ossa/NodeGraph/Expose Node Properties
         /Ossa/NodeGraph/Export as Gizmo
+        /Ossa/NodeGraph/Export Material to Archive
+        /Ossa/NodeGraph/Export as Custom Procedural
     <
     -
     > Import and Export

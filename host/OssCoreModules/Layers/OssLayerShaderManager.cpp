@@ -1,6 +1,7 @@
 #include "OssCoreModules/Layers/OssLayerShaderManager.h"
 
 #include "OssCoreModules/Layers/OssLayerManager.h"
+#include "OssCoreModules/Layers/OssLayerShader.h"
 #include "OssCoreModules/Network/OssShaderNetwork.h"
 #include "OssCoreModules/Network/OssSnGroupNode.h"
 
@@ -25,6 +26,19 @@ bool OssLayerShaderManager::isLayerShader(const OssSnBaseNode *node) const
 {
     return node && node->hasTag(QStringLiteral("_shader"))
            && !qobject_cast<const OssSnGroupNode *>(node);
+}
+
+OssLayerShader *OssLayerShaderManager::getLayerShader(OssSnBaseNode *node) const
+{
+    if (!isLayerShader(node))
+        return nullptr;
+    auto *shader = node->findChild<OssLayerShader *>(QString(), Qt::FindDirectChildrenOnly);
+    return shader ? shader : new OssLayerShader(node); // the node owns it
+}
+
+OssSnBaseNode *OssLayerShaderManager::currentShader() const
+{
+    return m_currentShader;
 }
 
 void OssLayerShaderManager::setCurrentShader(OssSnBaseNode *shader)

@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QPointer>
 
+class OssLayerShader;
 class OssShaderNetwork;
 class OssSnBaseNode;
 
@@ -21,12 +22,14 @@ public:
     bool isSystemShaderNode(const OssSnBaseNode *node, bool includeInside) const;
     /// A node that makes a material by itself, as a renderer's surface.
     bool isLayerShader(const OssSnBaseNode *node) const;
+    /// Null for a node that is none.
+    OssLayerShader *getLayerShader(OssSnBaseNode *node) const;
 
     /// What the viewer's input 0 shows: a layer shader, which is wired there in one undo step, or
     /// the current-material proxy. Null is ignored.
     void setCurrentShader(OssSnBaseNode *shader);
 
-    OssSnBaseNode *currentShader() const { return m_currentShader; }
+    OssSnBaseNode *currentShader() const;
 
     /// Null while nothing was made the current material.
     OssSnBaseNode *getCurrentMaterialProxyShader(const OssShaderNetwork *network) const;

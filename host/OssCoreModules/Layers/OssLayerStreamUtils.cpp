@@ -31,3 +31,8 @@ QString OssLayerStreamUtils::overInputName(const QString &stream)
 {
     return portName(stream, QStringLiteral("Over"));
 }
+
+QString OssLayerStreamUtils::inputName(const QString &stream)
+{
+    return portName(stream, QStringLiteral("Input"));
+}

@@ -1,5 +1,6 @@
 #include "OssCoreModules/Network/OssShaderNetwork.h"
 
+#include "OssCoreModules/Network/OssNodeTypeTable.h"
 #include "OssCoreModules/Network/OssShaderNetworkManager.h"
 #include "OssCoreModules/Network/OssSnBaseNode.h"
 #include "OssCoreModules/Network/OssSnGroupNode.h"

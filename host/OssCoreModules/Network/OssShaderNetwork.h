@@ -16,7 +16,10 @@
 class OssGeoEntity;
 class OssShadingContext;
 class OssSnBaseNode;
+class OssLayerShaderModel;
 class OssSnGroupNode;
+class OssSnMultiChannelMergeNode;
+class OssNodeTypeTable;
 class OssSnNodeType;
 
 /// A shader network: the root of an object's shading group, or the inside of a group node. Owns its
@@ -59,8 +62,16 @@ public:
     QString generateUniqueNodeName(const QString &base) const;
 
     /// Makes a node of a known type, with a free name, and emits its newNodeAdded(). Records
-    /// "Create Node : NAME". Null and a debug line when there is no such type.
-    OssSnBaseNode *createNode(const QString &pathKey, const QString &name = {});
+    /// "Create Node : NAME". Null and a debug line when there is no such type. A multi-channel node
+    /// gets the streams of the model, or of the first one that is known.
+    OssSnBaseNode *createNode(const QString &pathKey, const QString &name = {},
+                              const QString &shaderModelId = {});
+    /// The same, as commands of the graph want them.
+    QList<OssSnBaseNode *> createNodes(const QString &pathKey);
+    /// A node with images of its own at a scene point. Without a key: what the brush writes to.
+    OssSnBaseNode *createPaintableNode(const QPointF &scenePos, const QString &pathKey = {});
+    /// Null without a model.
+    OssSnMultiChannelMergeNode *createMultiChannelMergeNode(const OssLayerShaderModel *model);
     /// The same as lists, as commands want them; with `unique` names are made free.
     QList<OssSnBaseNode *> createNodesFromNodePathKey(const QString &pathKey, bool unique);
     /// Takes over a node that stands in no network: connections, contexts, registration.
@@ -158,6 +169,7 @@ private:
     void lockViewUpdates(bool lock);
 
     std::vector<NodePointer> m_nodes;
+    std::unique_ptr<OssNodeTypeTable> m_fileTypes; ///< of a root network while it is being read
     QHash<QString, OssSnBaseNode *> m_byName;
     QPointer<OssShadingContext> m_shadingContext;
     int m_viewerEdge = 1;

@@ -5,8 +5,10 @@
 #include "OssCore/OssDeserializer.h"
 #include "OssCore/OssSerializer.h"
 #include "OssCore/OssUndoManager.h"
+#include "OssCoreModules/Network/OssLinkedCustomAttributeManager.h"
+#include "OssCoreModules/Network/OssNodeTypeTable.h"
 #include "OssCoreModules/Network/OssShaderNetwork.h"
-#include "OssCoreModules/Network/OssSnBaseNode.h"
+#include "OssCoreModules/Network/OssSnGroupNode.h"
 
 #include <QBuffer>
 #include <QClipboard>
@@ -53,6 +55,27 @@ OssResult readDocument(OssDeserializer &reader, OssShaderNetwork *network)
     return reader.result();
 }
 
+/// The knobs of the group around that stand for attributes of the node: a copy in the same group
+/// can be linked to them.
+void writeKnobsOf(OssSerializer &serializer, const OssSnBaseNode *node)
+{
+    const OssSnGroupNode *group = node->network() ? node->network()->parentGroupNode() : nullptr;
+    if (!group)
+        return;
+    for (const OssCustomAttribute &attribute : node->userAttributes()) {
+        const auto knobs = OssLinkedCustomAttributeManager::instance()->knobsOf(node,
+                                                                                attribute.name());
+        for (const auto &knob : knobs) {
+            if (knob.group == group)
+                serializer.writeElement(QStringLiteral("knobLink"),
+                                        {{QStringLiteral("group"), group->path()},
+                                         {QStringLiteral("node"), node->name()},
+                                         {QStringLiteral("knob"), knob.name},
+                                         {QStringLiteral("attribute"), attribute.name()}});
+        }
+    }
+}
+
 void selectOnly(OssShaderNetwork *network, const QList<OssSnBaseNode *> &nodes)
 {
     const QList<OssSnBaseNode *> before = network->selectedNodes();
@@ -76,7 +99,8 @@ QList<OssSnBaseNode *> insert(OssShaderNetwork *network, const QByteArray &text,
 
 } // namespace
 
-QByteArray OssShaderNetworkIO::nodesToText(const QList<OssSnBaseNode *> &nodes, const QString &note)
+QByteArray OssShaderNetworkIO::nodesToText(const QList<OssSnBaseNode *> &nodes, const QString &note,
+                                           const QString &asType)
 {
     QList<OssSnBaseNode *> written;
     for (OssSnBaseNode *node : nodes) {
@@ -93,11 +117,18 @@ QByteArray OssShaderNetworkIO::nodesToText(const QList<OssSnBaseNode *> &nodes, 
         attributes.insert(QStringLiteral("note"), note);
     serializer.beginDocument(DocumentElement, attributes);
     serializer.beginObject(NetworkObject, QStringLiteral("OssShaderNetwork"), {});
+    OssNodeTypeTable::write(serializer, written);
     serializer.beginCollection(NodesCollection, written.size(), QStringLiteral("QList"),
                                QStringLiteral("OssSnBaseNode"), {});
-    for (OssSnBaseNode *node : qAsConst(written))
-        node->save(serializer, node->name(), node->identityAttributes());
+    for (OssSnBaseNode *node : qAsConst(written)) {
+        OssSerializer::Attributes identity = node->identityAttributes();
+        if (!asType.isEmpty())
+            identity.insert(QStringLiteral("key"), asType);
+        node->save(serializer, node->name(), identity);
+    }
     serializer.endCollection();
+    for (const OssSnBaseNode *node : qAsConst(written))
+        writeKnobsOf(serializer, node);
     serializer.endObject();
     serializer.endDocument();
     return buffer.data();

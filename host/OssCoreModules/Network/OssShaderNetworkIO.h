@@ -18,9 +18,10 @@ class OssSnBaseNode;
 /// Viewers are neither written nor read, ports of groups only inside a group.
 namespace OssShaderNetworkIO {
 
-/// `note` is a remark for whoever reads the text; it may be empty.
+/// `note` is a remark for whoever reads the text; it may be empty. With `asType` the nodes come
+/// back as nodes of that type, which must be able to hold what they are.
 OSSCOREMODULES_EXPORT QByteArray nodesToText(const QList<OssSnBaseNode *> &nodes,
-                                             const QString &note = {});
+                                             const QString &note = {}, const QString &asType = {});
 /// `source` names the origin in messages. On failure the network is as it was and the list empty.
 OSSCOREMODULES_EXPORT OssResult nodesFromText(OssShaderNetwork *network, const QByteArray &text,
                                               const QString &source,

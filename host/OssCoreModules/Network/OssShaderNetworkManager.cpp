@@ -87,8 +87,10 @@ QString OssShaderNetworkManager::convertPathKeyToVersionUUID(const QString &path
 void OssShaderNetworkManager::registerContextLoader(const QString &name,
                                                     OssShaderNetworkContextLoader *loader)
 {
-    if (loader)
-        m_loaders.append({name, loader});
+    if (!loader)
+        return;
+    m_loaders.append({name, loader});
+    m_pristineHashes.clear();
 }
 
 void OssShaderNetworkManager::registerGlobalContextMenuAction(QAction *action)

@@ -12,6 +12,8 @@
 #include <QPointer>
 #include <QVector>
 
+#include <map>
+
 class OssShaderNetwork;
 class OssShaderNetworkContextLoader;
 class OssShadingGroup;
@@ -49,6 +51,29 @@ public:
     QString nodeMenuPath(const QString &pathKey) const;
     /// Empty for unknown keys.
     QString convertPathKeyToVersionUUID(const QString &pathKey) const;
+
+    // --- versions
+    /// Hash of an untouched node of the installed type; empty when none is installed.
+    QString hashStringForVersionUUID(const QString &versionUUID);
+    /// Date of the installed type; empty when none is installed or it has none.
+    QString versionDatePresent(const QString &versionUUID) const;
+    /// Hash of an untouched node of a type. Made once.
+    QString pristineHash(const OssSnNodeTypeLibrary::TypePointer &type);
+    /// Makes the node one of its type as it is installed now: values and wires stay by name. One
+    /// undo step. What could not be kept is a debug line and is added to `lost`. False when it
+    /// cannot be done; then nothing changes.
+    bool upgradeNode(OssSnBaseNode *node, QStringList *lost = nullptr);
+    /// Replaces the node by one of another type, in the same way and place. Null when refused.
+    OssSnBaseNode *convertNodeToKeyPath(OssSnBaseNode *node, const QString &pathKey,
+                                        QStringList *lost = nullptr);
+    /// Upgrades those of the nodes, and of what is inside them, that are older than what is
+    /// installed and were not changed by hand. One undo step.
+    void upgradeNetworks(const QList<OssSnBaseNode *> &nodes, QStringList *lost = nullptr);
+
+    /// For nodes that were inserted and all stand there: with smart linking on, links their
+    /// attributes to the knobs of the group around that those of the originals were linked to,
+    /// where it is the same group.
+    void createDelayedKnobs(const QList<OssSnBaseNode *> &nodes);
 
     // --- contexts and menus
     /// Kept for the process; not owned when it has a parent.
@@ -127,6 +152,7 @@ private:
     OssShaderNetworkManager();
 
     OssSnNodeTypeLibrary m_types;
+    std::map<OssSnNodeTypeLibrary::TypePointer, QString> m_pristineHashes;
     QVector<NamedLoader> m_loaders;
     QVector<QPointer<QAction>> m_globalActions;
     QPointer<OssShaderNetwork> m_current;

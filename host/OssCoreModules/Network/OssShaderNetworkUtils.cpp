@@ -1,7 +1,9 @@
 #include "OssCoreModules/Network/OssShaderNetworkUtils.h"
 
+#include "OssCore/OssUndoManager.h"
 #include "OssCoreModules/Layers/OssLayerStreamUtils.h"
 #include "OssCoreModules/Network/OssShaderNetwork.h"
+#include "OssCoreModules/Network/OssSnBakePointNode.h"
 #include "OssCoreModules/Network/OssSnBaseNode.h"
 #include "OssCoreModules/Network/OssSnGroupNode.h"
 #include "OssCoreModules/Network/OssSnImageSetNodeBase.h"
@@ -129,6 +131,25 @@ bool OssShaderNetworkUtils::setInputNodeBatchConnectable(OssSnBaseNode *node, co
 OssSnImageSetNodeBase *OssShaderNetworkUtils::asTrueImageSetNode(OssSnBaseNode *node)
 {
     return qobject_cast<OssSnImageSetNodeBase *>(node);
+}
+
+OssSnBakePointNode *OssShaderNetworkUtils::asTrueBakePointNode(OssSnBaseNode *node)
+{
+    return qobject_cast<OssSnBakePointNode *>(node);
+}
+
+bool OssShaderNetworkUtils::batchConnect(OssSnBaseNode *source, OssSnBaseNode *target)
+{
+    if (!source || !target)
+        return false;
+    const OssUndoManager::AutoMacro macro(QStringLiteral("Connect Streams"));
+    bool connected = false;
+    const QStringList outputs = source->outputPointNames();
+    for (const QString &output : outputs) {
+        if (target->hasInput(output) && !target->inputNode(output))
+            connected = target->setInputNode(output, source, output) || connected;
+    }
+    return connected;
 }
 
 void OssShaderNetworkUtils::OssNodeWalkerUpstream::walk(OssSnBaseNode *start)

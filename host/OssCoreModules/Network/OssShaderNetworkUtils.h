@@ -5,6 +5,7 @@
 #include <QList>
 #include <QString>
 
+class OssSnBakePointNode;
 class OssSnBaseNode;
 class OssSnImageSetNodeBase;
 
@@ -20,6 +21,13 @@ OSSCOREMODULES_EXPORT bool setInputNodeBatchConnectable(OssSnBaseNode *node, con
 
 /// The node as one with images of its own; null when it has none.
 OSSCOREMODULES_EXPORT OssSnImageSetNodeBase *asTrueImageSetNode(OssSnBaseNode *node);
+
+/// The node as a bake point; null for others, multi-channel ones included.
+OSSCOREMODULES_EXPORT OssSnBakePointNode *asTrueBakePointNode(OssSnBaseNode *node);
+
+/// Wires every output of the source to the free input of the target that bears its name. One undo
+/// step; false when none does.
+OSSCOREMODULES_EXPORT bool batchConnect(OssSnBaseNode *source, OssSnBaseNode *target);
 
 /// Visits a node and everything it takes from, each once, nearest first; loops end. From a node
 /// that stands for a group's input it goes on with what feeds the group there, if asked to.

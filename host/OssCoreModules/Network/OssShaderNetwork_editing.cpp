@@ -2,10 +2,16 @@
 
 #include "OssCore/OssDebug.h"
 #include "OssCore/OssUndoManager.h"
+#include "OssCoreModules/Images/OssImageSet.h"
+#include "OssCoreModules/Layers/OssLayerShaderModel.h"
 #include "OssCoreModules/Network/OssShaderNetworkManager.h"
+#include "OssCoreModules/Network/OssSnBaseContext.h"
 #include "OssCoreModules/Network/OssSnBaseNode.h"
 #include "OssCoreModules/Network/OssSnGroupNode.h"
+#include "OssCoreModules/Network/OssSnImageSetNodeBase.h"
+#include "OssCoreModules/Network/OssSnMultiChannelMergeNode.h"
 #include "OssCoreModules/Network/OssSnNodeFactory.h"
+#include "OssCoreModules/Project/OssShadingContext.h"
 
 #include <algorithm>
 
@@ -52,7 +58,8 @@ OssShaderNetwork::NodePointer OssShaderNetwork::makeNode(const QString &pathKey)
     return OssSnNodeFactory::make(OssShaderNetworkManager::instance()->nodeType(pathKey));
 }
 
-OssSnBaseNode *OssShaderNetwork::createNode(const QString &pathKey, const QString &name)
+OssSnBaseNode *OssShaderNetwork::createNode(const QString &pathKey, const QString &name,
+                                            const QString &shaderModelId)
 {
     NodePointer made = makeNode(pathKey);
     if (made->isPlaceholder()) {
@@ -65,6 +72,9 @@ OssSnBaseNode *OssShaderNetwork::createNode(const QString &pathKey, const QStrin
     {
         // What listeners do to a new node is part of its making.
         const OssUndoManager::Pause pause;
+        auto *streams = qobject_cast<OssSnMultiChannelGroupNode *>(made.get());
+        if (streams && !shaderModelId.isEmpty())
+            streams->setShaderModelId(shaderModelId);
         node = addNode(std::move(made), true);
     }
     const OssUndoManager::AutoMacro macro(tr("Create Node : %1").arg(node->name()));
@@ -75,6 +85,7 @@ OssSnBaseNode *OssShaderNetwork::createNode(const QString &pathKey, const QStrin
         [this, removed] { removed->putBack(this); });
     if (OssSnGroupNode *group = parentGroupNode())
         group->onNodeAddedInside(node);
+    node->onMadeFresh();
     return node;
 }
 
@@ -82,6 +93,39 @@ QList<OssSnBaseNode *> OssShaderNetwork::createNodesFromNodePathKey(const QStrin
 {
     OssSnBaseNode *node = createNode(pathKey);
     return node ? QList<OssSnBaseNode *>{node} : QList<OssSnBaseNode *>{};
+}
+
+QList<OssSnBaseNode *> OssShaderNetwork::createNodes(const QString &pathKey)
+{
+    return createNodesFromNodePathKey(pathKey, true);
+}
+
+OssSnBaseNode *OssShaderNetwork::createPaintableNode(const QPointF &scenePos,
+                                                     const QString &pathKey)
+{
+    // The kind that users create is filed elsewhere than what stands in the graph.
+    const QString key = pathKey.isEmpty() ? QStringLiteral("Channel Input/Paint") : pathKey;
+    const OssUndoManager::AutoMacro macro(tr("Add Paint Node"));
+    auto *node = qobject_cast<OssSnImageSetNodeBase *>(createNode(key));
+    if (!node)
+        return nullptr;
+    if (OssSnBaseContext *context = node->context(QStringLiteral("NodeGraphView")))
+        QMetaObject::invokeMethod(context, "setNodePosition", Q_ARG(QPointF, scenePos));
+    if (OssShadingContext *shading = shadingContext()) {
+        auto *images = new OssImageSet(shading->freeImageSetName(node->name()));
+        shading->addImageSet(images); // takes it
+        node->setImageSet(images, true);
+    }
+    return node;
+}
+
+OssSnMultiChannelMergeNode *OssShaderNetwork::createMultiChannelMergeNode(
+    const OssLayerShaderModel *model)
+{
+    if (!model)
+        return nullptr;
+    return qobject_cast<OssSnMultiChannelMergeNode *>(
+        createNode(QStringLiteral("_System/MultiChannelMerge"), {}, model->id()));
 }
 
 OssSnBaseNode *OssShaderNetwork::addNode(NodePointer node, bool fresh)

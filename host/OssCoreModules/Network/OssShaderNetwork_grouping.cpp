@@ -281,6 +281,7 @@ QList<OssSnBaseNode *> OssShaderNetwork::ungroup(OssSnGroupNode *group)
     const QPointF way = areaOf(group).center() - areaOf(inside).center();
     const QVector<int> places = group->rememberedPlaces(inside);
     group->groupNetwork()->relocate(inside, this);
+    group->handKnobsOver();
     removeUnchecked({group}, {});
     moveToPlaces(inside, places);
     // A group that was not moved gives its nodes back where they were, to the last bit.

@@ -1,6 +1,7 @@
 #include "OssCoreModules/Network/OssShaderNetwork.h"
 
 #include "OssCore/OssDebug.h"
+#include "OssCoreModules/Network/OssNodeTypeTable.h"
 #include "OssCoreModules/Network/OssShaderNetworkManager.h"
 #include "OssCoreModules/Network/OssSnBaseNode.h"
 #include "OssCoreModules/Network/OssSnGroupNode.h"
@@ -14,6 +15,8 @@ const QString NodesCollection = QStringLiteral("m_nodes");
 
 bool OssShaderNetwork::saveObjects(OssSerializer &serializer)
 {
+    if (!parentGroupNode())
+        OssNodeTypeTable::write(serializer, nodes());
     serializer.beginCollection(NodesCollection, nodeCount(), QStringLiteral("QList"),
                                QStringLiteral("OssSnBaseNode"), {});
     bool saved = true;
@@ -44,8 +47,14 @@ OssSerializableObject *OssShaderNetwork::onLoadCollectionObject(OssDeserializer 
         return nullptr;
     }
     const QString key = attributes.value(QStringLiteral("key"));
-    NodePointer made = makeNode(key);
+    const OssShaderNetwork *root = rootNetwork();
+    const QString definition = attributes.value(QStringLiteral("definition"));
+    const OssNodeTypeTable::Entry fileType = root->m_fileTypes
+                                                 ? root->m_fileTypes->find(key, definition)
+                                                 : OssNodeTypeTable().find(key, definition);
+    NodePointer made = OssSnNodeFactory::make(fileType.type);
     if (made->isPlaceholder()) {
+        made->setForeignType(fileType.description);
         OssDebug("OssShaderNetwork", __LINE__,
                  "[ !! ] Node '%s' has the unknown type '%s' (%s) and is kept as a placeholder",
                  qPrintable(name), qPrintable(key), qPrintable(type));
@@ -62,6 +71,19 @@ void OssShaderNetwork::onEndCollection(OssDeserializer &, const QString &) {}
 bool OssShaderNetwork::onLoadElement(OssDeserializer &deserializer, const QString &name,
                                      const Attributes &attributes)
 {
+    if (name == QLatin1String("nodeType")) {
+        if (!m_fileTypes)
+            m_fileTypes = std::make_unique<OssNodeTypeTable>();
+        m_fileTypes->read(deserializer, attributes);
+        return true;
+    }
+    if (name == QLatin1String("knobLink")) {
+        if (OssSnBaseNode *node = this->node(attributes.value(QStringLiteral("node"))))
+            node->addDelayedKnob({attributes.value(QStringLiteral("group")),
+                                  attributes.value(QStringLiteral("knob")),
+                                  attributes.value(QStringLiteral("attribute"))});
+        return true;
+    }
     if (name != QLatin1String("viewer"))
         return OssSerializableObject::onLoadElement(deserializer, name, attributes);
     setViewerNodeCurrentEdge(attributes.value(QStringLiteral("edge")).toInt(), false);
@@ -73,6 +95,7 @@ bool OssShaderNetwork::onLoadElement(OssDeserializer &deserializer, const QStrin
 QStringList OssShaderNetwork::finishLoading()
 {
     QStringList faults;
+    m_fileTypes.reset();
     wireLoadedNodes(&faults);
     cutLoadedCycles(&faults);
     finishNodes();

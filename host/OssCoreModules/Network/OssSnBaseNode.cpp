@@ -8,8 +8,7 @@
 #include "OssCoreModules/Network/OssShaderNetworkManager.h"
 #include "OssCoreModules/Network/OssSnBaseContext.h"
 #include "OssCoreModules/Network/OssSnGroupNode.h"
-
-#include <QCryptographicHash>
+#include "OssCoreModules/Properties/OssNodePropertyPanel.h"
 
 OssSnBaseNode::OssSnBaseNode(std::shared_ptr<const OssSnNodeType> type)
     : m_type(std::move(type))
@@ -109,31 +108,6 @@ QStringList OssSnBaseNode::tags() const
     QStringList list = all.values();
     list.sort();
     return list;
-}
-
-// --- versions
-
-void OssSnBaseNode::setVersionUUID(const QString &uuid, const QString &createdHash)
-{
-    m_versionUUID = uuid;
-    m_versionHashCreated = createdHash;
-}
-
-QString OssSnBaseNode::versionHashSourcePresentDump() const
-{
-    QString text = m_type ? QString::fromUtf8(m_type->definition) : m_pathKey;
-    for (const NamedContext &named : m_contexts) {
-        if (named.context->hasVersionHash())
-            text += named.name + QLatin1Char('\n') + named.context->versionHashSource();
-    }
-    return text;
-}
-
-QString OssSnBaseNode::versionHashPresent() const
-{
-    return QString::fromLatin1(
-        QCryptographicHash::hash(versionHashSourcePresentDump().toUtf8(), QCryptographicHash::Sha1)
-            .toHex());
 }
 
 // --- contexts
@@ -329,6 +303,12 @@ void OssSnBaseNode::onUserAttributeGone(const OssCustomAttribute &attribute)
     for (const NamedContext &named : qAsConst(m_contexts))
         named.context->onUserAttributeRemoved(attribute, this);
     Q_EMIT visibleNodeAttributeRemoved(attribute.name());
+}
+
+QWidget *OssSnBaseNode::createPropertyWidget(const OssPropertyPanelOptions &options,
+                                             QWidget *parent)
+{
+    return new OssNodePropertyPanel(this, options, parent);
 }
 
 QString OssSnBaseNode::dumpNodeInfo() const

@@ -10,9 +10,12 @@
 #include <QVector>
 
 #include <memory>
+#include <utility>
 
 class OssShaderNetwork;
 class OssSnBaseContext;
+class QWidget;
+struct OssPropertyPanelOptions;
 
 /// How far the "keep the result" state of a node is.
 enum OssSnBaseNodeCacheActiveState { CacheOff = 0, CachePending = 1, CacheActive = 2 };
@@ -120,18 +123,51 @@ public:
 
     void setContainer(OssSnBaseNode *container) { m_container = container; }
 
-    // --- versions
+    // --- versions: a node stays what it was made from until it is upgraded, also in a file that is
+    // opened when the types have changed.
     QString versionUUID() const { return m_versionUUID; }
 
     void setVersionUUID(const QString &uuid, const QString &createdHash = {});
-
-    QString versionHashCreated() const { return m_versionHashCreated; }
+    /// Of an untouched node of what this one was made from.
+    QString versionHashCreated() const;
 
     QString versionDate() const { return m_versionDate; }
 
-    /// Of the node as it is now: its type's definition, ports, attributes and contexts.
+    /// Of the node as it is now: its type's definition, the names of its ports, its contexts.
     QString versionHashPresent() const;
+    /// The text that the hash is made of.
     QString versionHashSourcePresentDump() const;
+    /// Whether the one is earlier; a text that is no date (ISO 8601) is earlier than any.
+    static bool versionDateLT(const QString &a, const QString &b);
+
+    /// What a node has from its type, with the wires that its ports had.
+    struct Definition
+    {
+        std::shared_ptr<const OssSnNodeType> type;
+        QString pathKey;
+        QString versionUUID;
+        QString versionHashCreated;
+        QString versionDate;
+        QVector<InputPort> inputs;
+        QVector<OutputPoint> outputs;
+        QVector<OssCustomAttribute> attributes;
+        std::shared_ptr<OssSnBaseNode> look; ///< its contexts hold what the contexts' look was
+    };
+
+    Definition definition() const;
+    /// Of an untouched node of the type.
+    static Definition definitionOf(const std::shared_ptr<const OssSnNodeType> &type);
+    /// Makes the node one of that definition, with its signals. No undo; ports that the definition
+    /// does not have must be free of wires.
+    void applyDefinition(const Definition &definition);
+
+    /// Of a placeholder that came with a description of its type: what the file said, and under
+    /// which id. Otherwise empty.
+    QString foreignType() const { return m_foreignType; }
+
+    QString definitionId() const;
+
+    void setForeignType(const QString &description) { m_foreignType = description; }
 
     // --- contexts
     /// Null when there is none of that name.
@@ -250,6 +286,8 @@ public:
     // --- attributes
     /// "Group/Name", or "Name" where there is no group, in order.
     QStringList nodeAttributes() const;
+    /// The same in another order; anything else is refused. One undo step.
+    void setNodeAttributesUndo(const QStringList &nodeAttributes);
     QString nodeAttributeNameAsUserAttributeName(const QString &nodeAttribute) const;
     /// Sets the value of an attribute; one that is not the attribute's type is converted where that
     /// is possible, refused otherwise.
@@ -257,7 +295,14 @@ public:
 
     QVariant attribute(const QString &name) const { return userAttribute(name).value(); }
 
+    /// A new panel in which the node's attributes are edited. Never null; the caller owns it.
+    virtual QWidget *createPropertyWidget(const OssPropertyPanelOptions &options, QWidget *parent);
+
     QString dumpNodeInfo() const;
+
+    /// A user's command made the node and it stands in its network: kinds that are more than their
+    /// type says complete themselves, within the command's undo step.
+    virtual void onMadeFresh() {}
 
     /// Tells whoever shows the node that it left its network.
     void emitRemovedFromNetwork();
@@ -288,6 +333,18 @@ public:
         QString source; ///< a name of the same network, or a path from the root
         QString outputPoint;
     };
+
+    /// A knob that an attribute of the node's original was linked to.
+    struct DelayedKnob
+    {
+        QString groupPath;
+        QString knob;
+        QString attribute;
+    };
+
+    void addDelayedKnob(const DelayedKnob &knob) { m_delayedKnobs.append(knob); }
+
+    QVector<DelayedKnob> takeDelayedKnobs() { return std::exchange(m_delayedKnobs, {}); }
 
     QVector<PendingConnection> takePendingConnections();
     /// Without checks, undo or signals: for files that have been checked whole.
@@ -388,6 +445,10 @@ private:
     void applyRemoveOutput(int index);
     void applyRenameOutput(const QString &oldName, const QString &newName);
     bool portsDifferFromType() const;
+    bool hasPortsOfType() const;
+    static void takeLook(const OssSnBaseNode &from, OssSnBaseNode *to);
+    /// Those of the type first; what a file need not tell.
+    QStringList typicalAttributeOrder() const;
     void savePorts(OssSerializer &serializer) const;
     void loadPort(bool input, const Attributes &attributes);
 
@@ -407,7 +468,11 @@ private:
     QVector<OutgoingConnection> m_outgoing;
     QVector<NamedContext> m_contexts;
     QVector<PendingConnection> m_pending;
+    QVector<DelayedKnob> m_delayedKnobs;
     QString m_savedClass; ///< of a placeholder: what the file called it
+    QString m_foreignType;
+    QString m_foreignId;
+    QStringList m_loadedOrder; ///< of attributes, until all are there
     int m_enabled = 1;
     int m_cacheActive = CacheOff;
     bool m_bypassed = false;

@@ -1,6 +1,7 @@
 #include "OssCoreModules/Network/OssSnBaseNode.h"
 
 #include "OssCore/OssUndoManager.h"
+#include "OssCore/OssValueText.h"
 #include "OssCoreModules/Network/OssShaderNetwork.h"
 #include "OssCoreModules/Network/OssSnBaseContext.h"
 
@@ -15,6 +16,9 @@ OssSnBaseNode::Attributes OssSnBaseNode::identityAttributes() const
 {
     Attributes attributes;
     attributes.insert(QStringLiteral("key"), m_pathKey);
+    const QString definition = definitionId();
+    if (!definition.isEmpty())
+        attributes.insert(QStringLiteral("definition"), definition);
     const bool typical = m_type && m_versionUUID == m_type->versionUUID
                          && m_versionHashCreated.isEmpty() && m_versionDate == m_type->date;
     if (!typical) {
@@ -43,8 +47,10 @@ void OssSnBaseNode::loadIdentity(const Attributes &attributes)
                                 .split(QLatin1Char(' '), Qt::SkipEmptyParts);
     for (const QString &tag : own)
         m_tags.insert(tag);
-    if (!m_type)
-        m_savedClass = attributes.value(QStringLiteral("type"));
+    if (m_type)
+        return;
+    m_foreignId = attributes.value(QStringLiteral("definition"));
+    m_savedClass = attributes.value(QStringLiteral("type"));
 }
 
 bool OssSnBaseNode::attributeNeedsSaving(const OssCustomAttribute &attribute) const
@@ -140,6 +146,10 @@ bool OssSnBaseNode::saveObjects(OssSerializer &serializer)
         }
         serializer.writeElement(QStringLiteral("input"), attributes);
     }
+    const QStringList order = userAttributeNames();
+    if (order != typicalAttributeOrder())
+        serializer.writeElement(QStringLiteral("attributeOrder"),
+                                {{QStringLiteral("names"), OssValueText::toText(order)}});
     bool saved = true;
     for (const NamedContext &named : qAsConst(m_contexts))
         saved = named.context->save(serializer, named.name, {}) && saved;
@@ -161,6 +171,12 @@ bool OssSnBaseNode::onLoadElement(OssDeserializer &deserializer, const QString &
         loadPort(name == QLatin1String("inputPort"), attributes);
         return true;
     }
+    if (name == QLatin1String("attributeOrder")) {
+        m_loadedOrder = OssValueText::fromText(attributes.value(QStringLiteral("names")),
+                                               QMetaType::QStringList)
+                            .toStringList();
+        return true;
+    }
     if (name != QLatin1String("input"))
         return OssSerializableObject::onLoadElement(deserializer, name, attributes);
     const QString input = attributes.value(QStringLiteral("name"));
@@ -178,7 +194,12 @@ bool OssSnBaseNode::onLoadElement(OssDeserializer &deserializer, const QString &
     return true;
 }
 
-void OssSnBaseNode::onEndLoad() {}
+void OssSnBaseNode::onEndLoad()
+{
+    if (!m_loadedOrder.isEmpty())
+        orderUserAttributes(m_loadedOrder);
+    m_loadedOrder.clear();
+}
 
 QVector<OssSnBaseNode::PendingConnection> OssSnBaseNode::takePendingConnections()
 {

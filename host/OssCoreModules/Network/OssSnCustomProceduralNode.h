@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OssCore/OssResult.h"
 #include "OssCoreModules/Network/OssSnGroupNode.h"
 
 /// A group that is used like a node of a type of its own: its inside is not shown.
@@ -8,5 +9,8 @@ class OSSCOREMODULES_EXPORT OssSnCustomProceduralNode : public OssSnGroupNode
     Q_OBJECT
 
 public:
+    /// The nodes of an archive, all or none; see OssNodeArchive.
+    static OssResult importFromFile(OssShaderNetwork *network, const QString &path,
+                                    QList<OssSnBaseNode *> *inserted);
     using OssSnGroupNode::OssSnGroupNode;
 };

@@ -22,6 +22,7 @@ OssSnGroupNode::OssSnGroupNode(std::shared_ptr<const OssSnNodeType> type)
 OssSnGroupNode::~OssSnGroupNode()
 {
     deleteContexts();
+    OssLinkedCustomAttributeManager::instance()->forget(this);
     m_groupNetwork.reset();
 }
 
@@ -196,6 +197,7 @@ bool OssSnGroupNode::exportAsGizmo(const QString &path)
 bool OssSnGroupNode::saveObjects(OssSerializer &serializer)
 {
     const bool saved = OssSnBaseNode::saveObjects(serializer);
+    saveKnobLinks(serializer);
     return m_groupNetwork->save(serializer, NetworkObject, {}) && saved;
 }
 

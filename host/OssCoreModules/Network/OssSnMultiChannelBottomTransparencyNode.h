@@ -10,4 +10,8 @@ class OSSCOREMODULES_EXPORT OssSnMultiChannelBottomTransparencyNode
 
 public:
     using OssSnMultiChannelGroupNode::OssSnMultiChannelGroupNode;
+
+protected:
+    void configureStream(const OssLayerShaderModelInput &stream) override;
+    QStringList inputsOf(const QString &stream) const override;
 };

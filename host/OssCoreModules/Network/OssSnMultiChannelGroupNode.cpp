@@ -3,23 +3,29 @@
 #include "OssCore/OssUndoManager.h"
 #include "OssCoreModules/Layers/OssLayerShaderModelManager.h"
 #include "OssCoreModules/Layers/OssLayerStreamUtils.h"
+#include "OssCoreModules/Network/OssShaderNetwork.h"
+#include "OssCoreModules/Network/OssSnBaseContext.h"
 
 OssSnMultiChannelGroupNode::OssSnMultiChannelGroupNode(std::shared_ptr<const OssSnNodeType> type)
     : OssSnGroupNode(std::move(type))
 {
+    connect(this, &OssSnBaseNode::inputAdded, this, &OssSnMultiChannelGroupNode::checkValidity);
+    connect(this, &OssSnBaseNode::inputRemoved, this, &OssSnMultiChannelGroupNode::checkValidity);
+    connect(this, &OssSnBaseNode::nodeInputRenamed, this,
+            &OssSnMultiChannelGroupNode::checkValidity);
+    connect(this, &OssSnBaseNode::outputPointAdded, this,
+            &OssSnMultiChannelGroupNode::checkValidity);
+    connect(this, &OssSnBaseNode::outputPointRemoved, this,
+            &OssSnMultiChannelGroupNode::checkValidity);
+    connect(this, &OssSnBaseNode::outputPointRenamed, this,
+            &OssSnMultiChannelGroupNode::checkValidity);
+    connect(this, &OssSnBaseNode::shaderModelChanged, this,
+            &OssSnMultiChannelGroupNode::checkValidity);
 }
 
 OssSnMultiChannelGroupNode::~OssSnMultiChannelGroupNode()
 {
     deleteContexts();
-}
-
-void OssSnMultiChannelGroupNode::setValid(bool valid)
-{
-    if (m_valid == valid)
-        return;
-    m_valid = valid;
-    Q_EMIT validityChanged();
 }
 
 const OssLayerShaderModel *OssSnMultiChannelGroupNode::shaderModel() const
@@ -65,5 +71,105 @@ bool OssSnMultiChannelGroupNode::batchConnectInputNode(const QString &role,
             return false;
         }
     }
+    return true;
+}
+
+// --- streams
+
+QStringList OssSnMultiChannelGroupNode::inputsOf(const QString &stream) const
+{
+    return {OssLayerStreamUtils::inputName(stream)};
+}
+
+QStringList OssSnMultiChannelGroupNode::outputsOf(const QString &stream) const
+{
+    return {stream};
+}
+
+void OssSnMultiChannelGroupNode::checkValidity()
+{
+    bool valid = true;
+    const OssLayerShaderModel *model = shaderModel();
+    const QStringList streams = model ? model->inputList() : QStringList();
+    for (const QString &stream : streams) {
+        for (const QString &input : inputsOf(stream))
+            valid = valid && hasInput(input);
+        for (const QString &output : outputsOf(stream))
+            valid = valid && hasOutputPoint(output);
+    }
+    valid = valid && (model || !hasShaderModel());
+    if (m_valid == valid)
+        return;
+    m_valid = valid;
+    setErrorText(valid ? QString()
+                       : tr("It does not have the streams of \"%1\"").arg(m_shaderModelId));
+    Q_EMIT validityChanged();
+}
+
+void OssSnMultiChannelGroupNode::onEndLoad()
+{
+    OssSnGroupNode::onEndLoad();
+    checkValidity();
+}
+
+OssSnBaseNode *OssSnMultiChannelGroupNode::createInside(const QString &pathKey, const QString &name,
+                                                        const QPointF &place)
+{
+    OssSnBaseNode *node = groupNetwork()->createNode(pathKey, name);
+    if (OssSnBaseContext *context = node ? node->context(QStringLiteral("NodeGraphView")) : nullptr)
+        QMetaObject::invokeMethod(context, "setNodePosition", Q_ARG(QPointF, place));
+    return node;
+}
+
+void OssSnMultiChannelGroupNode::wire(OssSnBaseNode *source, OssSnBaseNode *target,
+                                      const QString &input)
+{
+    if (source && target)
+        target->setInputNode(input, source, source->prefferedOutputPoint());
+}
+
+void OssSnMultiChannelGroupNode::wireOutput(OssSnBaseNode *source,
+                                            const OssLayerShaderModelInput &stream)
+{
+    OssSnBaseNode *out = createOutput(stream.streamName(), stream.kind());
+    if (out)
+        wire(source, out, out->inputNames().first());
+}
+
+void OssSnMultiChannelGroupNode::configureStream(const OssLayerShaderModelInput &stream)
+{
+    wireOutput(createInput(OssLayerStreamUtils::inputName(stream.streamName()), stream.kind()),
+               stream);
+}
+
+QPointF OssSnMultiChannelGroupNode::rowPlace(const OssLayerShaderModelInput &stream) const
+{
+    constexpr qreal rowHeight = 220.0;
+    const OssLayerShaderModel *model = shaderModel();
+    const int row = model ? model->inputList().indexOf(stream.streamName()) : 0;
+    return {0.0, rowHeight * row};
+}
+
+void OssSnMultiChannelGroupNode::onMadeFresh()
+{
+    if (!hasShaderModel()) {
+        const QStringList ids = OssLayerShaderModelManager::instance()->modelIds();
+        if (!ids.isEmpty())
+            setShaderModelId(ids.first());
+    }
+    configureStreams();
+}
+
+bool OssSnMultiChannelGroupNode::configureStreams()
+{
+    const OssLayerShaderModel *model = shaderModel();
+    if (!model)
+        return false;
+    const OssUndoManager::AutoMacro macro(tr("Configure %1").arg(name()));
+    configureShared();
+    for (const OssLayerShaderModelInput &stream : model->inputs())
+        configureStream(stream);
+    checkValidity();
+    Q_EMIT updatePortClusters();
     return true;
 }

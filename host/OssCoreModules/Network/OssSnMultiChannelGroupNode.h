@@ -3,6 +3,7 @@
 #include "OssCoreModules/Network/OssSnGroupNode.h"
 
 class OssLayerShaderModel;
+class OssLayerShaderModelInput;
 
 /// A group that carries all channels of a material at once, one stream each.
 class OSSCOREMODULES_EXPORT OssSnMultiChannelGroupNode : public OssSnGroupNode
@@ -34,15 +35,41 @@ public:
     /// then nothing changes.
     bool batchConnectInputNode(const QString &role, OssSnMultiChannelGroupNode *source);
 
+    /// Makes ports and what is inside for the streams of the model; for a node that is still empty.
+    /// One undo step. False when there is no model.
+    bool configureStreams();
+
     /// Whether every stream of the shader model has its ports.
     bool isValid() const { return m_valid; }
 
-    void setValid(bool valid);
+    void onEndLoad() override;
+    void onMadeFresh() override;
 
 Q_SIGNALS:
     void validityChanged();
 
+protected:
+    /// Inside: what one stream runs through. The ports are made here, with createInput() and
+    /// createOutput().
+    virtual void configureStream(const OssLayerShaderModelInput &stream);
+
+    /// Before the streams.
+    virtual void configureShared() {}
+
+    /// Names of the ports that the stream needs.
+    virtual QStringList inputsOf(const QString &stream) const;
+    virtual QStringList outputsOf(const QString &stream) const;
+
+    static void wire(OssSnBaseNode *source, OssSnBaseNode *target, const QString &input);
+    /// Makes the stream's output and feeds it.
+    void wireOutput(OssSnBaseNode *source, const OssLayerShaderModelInput &stream);
+    /// Where what belongs to the stream stands inside.
+    QPointF rowPlace(const OssLayerShaderModelInput &stream) const;
+    OssSnBaseNode *createInside(const QString &pathKey, const QString &name, const QPointF &place);
+
 private:
+    void checkValidity();
+
     QString m_shaderModelId;
     bool m_valid = true;
 };

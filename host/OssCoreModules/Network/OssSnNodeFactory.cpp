@@ -1,13 +1,18 @@
 #include "OssCoreModules/Network/OssSnNodeFactory.h"
 
 #include "OssCore/OssDebug.h"
+#include "OssCoreModules/Network/OssSnBakePointNode.h"
+#include "OssCoreModules/Network/OssSnBaseTeleportNode.h"
 #include "OssCoreModules/Network/OssSnChannelInputNode.h"
 #include "OssCoreModules/Network/OssSnCustomProceduralNode.h"
+#include "OssCoreModules/Network/OssSnGeoChannelNode.h"
 #include "OssCoreModules/Network/OssSnGroupNode.h"
+#include "OssCoreModules/Network/OssSnMaterialNode.h"
 #include "OssCoreModules/Network/OssSnMultiChannelBakePointNode.h"
 #include "OssCoreModules/Network/OssSnMultiChannelBottomTransparencyNode.h"
 #include "OssCoreModules/Network/OssSnMultiChannelGroupNode.h"
 #include "OssCoreModules/Network/OssSnMultiChannelMergeNode.h"
+#include "OssCoreModules/Network/OssSnShaderInputNode.h"
 
 #include <QHash>
 
@@ -37,6 +42,12 @@ const QHash<QString, Maker> &makers()
         {QStringLiteral("OssSnMultiChannelMergeNode"), maker<OssSnMultiChannelMergeNode>()},
         {QStringLiteral("OssSnMultiChannelGroupNode"), maker<OssSnMultiChannelGroupNode>()},
         {QStringLiteral("OssSnCustomProceduralNode"), maker<OssSnCustomProceduralNode>()},
+        {QStringLiteral("OssSnMaterialNode"), maker<OssSnMaterialNode>()},
+        {QStringLiteral("OssSnBakePointNode"), maker<OssSnBakePointNode>()},
+        {QStringLiteral("OssSnGeoChannelNode"), maker<OssSnGeoChannelNode>()},
+        {QStringLiteral("OssSnBroadcastTeleportNode"), maker<OssSnBroadcastTeleportNode>()},
+        {QStringLiteral("OssSnReceiverTeleportNode"), maker<OssSnReceiverTeleportNode>()},
+        {QStringLiteral("OssSnShaderInputNode"), maker<OssSnShaderInputNode>()},
         {QStringLiteral("OssSnChannelInputNode"), maker<OssSnChannelInputNode>()},
     };
     return table;

@@ -5,11 +5,14 @@
 #include "OssCore/OssValueText.h"
 
 #include <QCoreApplication>
+#include <QCryptographicHash>
 #include <QPointF>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
 namespace {
+
+constexpr int IdLength = 12;
 
 QString tr(const char *text)
 {
@@ -119,6 +122,7 @@ QVariant Reader::readDefault(const QString &typeName, const QString &name)
     static const Known known[] = {
         {"real", QMetaType::Double, "0"},      {"integer", QMetaType::Int, "0"},
         {"boolean", QMetaType::Bool, "false"}, {"text", QMetaType::QString, ""},
+        {"paragraph", QMetaType::QString, ""}, {"curve", QMetaType::QString, "0,0 1,1"},
         {"file", QMetaType::QString, ""},      {"vector2", QMetaType::QPointF, "0,0"},
         {"images", QMetaType::QStringList, ""}};
     for (const Known &entry : known) {
@@ -159,6 +163,10 @@ void Reader::readAttribute(OssSnNodeType *type, const QString &group)
     definition->group = group;
     definition->toolTip = text("ToolTip");
     definition->visible = flag("Visible", true);
+    const QString typeName = text("Type");
+    if (typeName == QLatin1String("file") || typeName == QLatin1String("curve")
+        || typeName == QLatin1String("paragraph"))
+        definition->editor = typeName;
     definition->defaultValue = readDefault(text("Type"), definition->name);
     if (definition->name.isEmpty() || definition->name.contains(QLatin1Char('/')))
         fail(tr("\"%1\" is no attribute name").arg(definition->name));
@@ -176,6 +184,8 @@ void Reader::readAttribute(OssSnNodeType *type, const QString &group)
     };
     definition->minimum = bound("Minimum");
     definition->maximum = bound("Maximum");
+    definition->softMinimum = bound("SoftMinimum");
+    definition->softMaximum = bound("SoftMaximum");
     const QVariant value = definition->defaultValue;
     type->attributes.append(OssCustomAttribute(definition, value));
     m_xml.skipCurrentElement();
@@ -225,6 +235,7 @@ bool Reader::read(OssSnNodeType *type)
     type->kernel = text("Kernel");
     type->versionUUID = text("VersionUUID");
     type->date = text("Date");
+    type->aliases = text("Aliases").split(QLatin1Char(','), Qt::SkipEmptyParts);
     if (type->pathKey.isEmpty())
         fail(tr("it has no PathKey"));
     while (next()) {
@@ -271,9 +282,24 @@ QByteArray definitionOf(const OssSnNodeType &type)
                           port.tags.join(QLatin1Char(','))));
     }
     for (const OssCustomAttribute &attribute : type.attributes)
-        line(QStringLiteral("attribute %1 %2 %3")
+        line(QStringLiteral("attribute %1 %2 %3 %4")
                  .arg(attribute.name(), QLatin1String(attribute.value().typeName()),
-                      OssValueText::toText(attribute.value())));
+                      OssValueText::toText(attribute.value()),
+                      attribute.value().value<OssUserEnum>().names().join(QLatin1Char(','))));
+    return text;
+}
+
+QString sourceOf(const QByteArray &xml)
+{
+    QString text;
+    QXmlStreamReader reader(xml);
+    QXmlStreamWriter writer(&text);
+    while (!reader.atEnd()) {
+        reader.readNext();
+        if (reader.isStartElement() || reader.isEndElement()
+            || (reader.isCharacters() && !reader.isWhitespace()))
+            writer.writeCurrentToken(reader);
+    }
     return text;
 }
 
@@ -302,8 +328,19 @@ std::shared_ptr<const OssSnNodeType> OssSnNodeType::read(const QByteArray &xml,
         type->versionUUID.replace(QLatin1Char(' '), QLatin1Char('_'));
     }
     type->definition = definitionOf(*type);
+    type->source = sourceOf(xml);
+    type->id = QString::fromLatin1(
+        QCryptographicHash::hash(type->source.toUtf8(), QCryptographicHash::Sha1)
+            .toHex()
+            .left(IdLength));
     *result = {};
     return type;
+}
+
+bool OssSnNodeType::isSameAs(const OssSnNodeType &other) const
+{
+    return pathKey == other.pathKey && versionUUID == other.versionUUID
+           && definition == other.definition && contextsDescription == other.contextsDescription;
 }
 
 QString OssSnNodeType::baseName() const

@@ -38,6 +38,8 @@ bool OssSnNodeTypeLibrary::add(const TypePointer &type)
     if (!type || m_types.contains(type->pathKey))
         return false;
     m_types.insert(type->pathKey, type);
+    if (!m_byVersion.contains(type->versionUUID))
+        m_byVersion.insert(type->versionUUID, type);
     return true;
 }
 

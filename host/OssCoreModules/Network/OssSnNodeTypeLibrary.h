@@ -23,9 +23,16 @@ public:
     /// Null for unknown keys.
     TypePointer find(const QString &pathKey) const { return m_types.value(pathKey); }
 
+    /// Null for unknown ids.
+    TypePointer findByVersion(const QString &versionUUID) const
+    {
+        return m_byVersion.value(versionUUID);
+    }
+
     /// Sorted.
     QStringList pathKeys() const;
 
 private:
     QHash<QString, TypePointer> m_types;
+    QHash<QString, TypePointer> m_byVersion;
 };

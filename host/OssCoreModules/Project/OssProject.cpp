@@ -1,14 +1,19 @@
 #include "OssCoreModules/Project/OssProject.h"
 
+#include "OssCore/OssUndoManager.h"
+#include "OssCoreModules/Images/OssImage.h"
 #include "OssCoreModules/Project/OssGeoEntity.h"
 #include "OssCoreModules/Project/OssShadingGroup.h"
 
 #include <QBuffer>
 #include <QCryptographicHash>
 
+#include <algorithm>
+
 namespace {
 
 const QString EntitiesCollection = QStringLiteral("m_entities");
+const QString ImagesCollection = QStringLiteral("m_images");
 
 } // namespace
 
@@ -61,6 +66,13 @@ bool OssProject::saveObjects(OssSerializer &serializer)
     for (const auto &entity : m_entities)
         saved = entity->save(serializer, entity->name(), {}) && saved;
     serializer.endCollection();
+    if (m_images.empty())
+        return saved;
+    serializer.beginCollection(ImagesCollection, int(m_images.size()), QStringLiteral("QList"),
+                               QStringLiteral("OssImage"), {});
+    for (const auto &image : m_images)
+        saved = image->save(serializer, image->uniqueId().toString(), {}) && saved;
+    serializer.endCollection();
     return saved;
 }
 
@@ -68,13 +80,46 @@ bool OssProject::onLoadCollection(const QString &name, const QString &type,
                                   const QString &elementType, int count,
                                   const Attributes &attributes)
 {
-    return name == EntitiesCollection
+    return name == EntitiesCollection || name == ImagesCollection
            || OssEntity::onLoadCollection(name, type, elementType, count, attributes);
 }
 
-OssSerializableObject *OssProject::onLoadCollectionObject(OssDeserializer &, const QString &name,
-                                                          const QString &, const Attributes &)
+OssSerializableObject *OssProject::onLoadCollectionObject(OssDeserializer &deserializer,
+                                                          const QString &name, const QString &type,
+                                                          const Attributes &)
 {
-    m_entities.push_back(std::make_unique<OssGeoEntity>(name));
-    return m_entities.back().get();
+    if (type != QLatin1String("OssImage")) {
+        m_entities.push_back(std::make_unique<OssGeoEntity>(name));
+        return m_entities.back().get();
+    }
+    const OssImageUniqueId id = OssImageUniqueId::fromString(name);
+    if (id.isNull()) {
+        deserializer.raiseError(tr("\"%1\" is no id of an image").arg(name));
+        return nullptr;
+    }
+    m_images.push_back(std::make_shared<OssImage>(id));
+    return m_images.back().get();
+}
+
+// --- images
+
+QList<OssImage *> OssProject::images() const
+{
+    QList<OssImage *> list;
+    for (const auto &image : m_images)
+        list.append(image.get());
+    return list;
+}
+
+OssImage *OssProject::addImage(const QString &path, const QString &category)
+{
+    const auto image = std::make_shared<OssImage>(OssImageUniqueId::create());
+    image->setPath(path);
+    image->setCategory(category);
+    m_images.push_back(image);
+    OssUndoManager::instance()->record(
+        tr("Add Image %1").arg(image->name()),
+        [this, image] { m_images.erase(std::find(m_images.begin(), m_images.end(), image)); },
+        [this, image] { m_images.push_back(image); });
+    return image.get();
 }

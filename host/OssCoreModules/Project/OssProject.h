@@ -8,6 +8,7 @@
 #include <vector>
 
 class OssGeoEntity;
+class OssImage;
 class OssShadingGroup;
 
 /// A project: the objects that are textured, with everything that hangs on them.
@@ -35,6 +36,11 @@ public:
     /// Of all objects, in their order.
     QList<OssShadingGroup *> shadingGroups() const;
 
+    // --- images
+    QList<OssImage *> images() const;
+    /// Owned by the project. Undoable.
+    OssImage *addImage(const QString &path, const QString &category);
+
     /// Hash of the document: what saving would write, without ids. Equal for equal documents,
     /// however they came about; not of selection, current tab or current viewer.
     QByteArray stateHash();
@@ -50,6 +56,7 @@ private:
     QString m_path;
     bool m_readOnly = false;
     std::vector<std::unique_ptr<OssGeoEntity>> m_entities;
+    std::vector<std::shared_ptr<OssImage>> m_images;
 };
 
 Q_DECLARE_METATYPE(OssProject *)

@@ -25,8 +25,17 @@ public:
     /// Null when there is none of that name.
     OssImageSet *findImageSet(const QString &name) const;
     QList<OssImageSet *> imageSets() const;
-    /// Takes ownership.
+    /// Takes ownership. Undoable; what was undone stays owned here.
     void addImageSet(OssImageSet *set);
+    /// `base` when it is free, else with the lowest free number.
+    QString freeImageSetName(const QString &base) const;
+
+    bool saveObjects(OssSerializer &serializer) override;
+    bool onLoadCollection(const QString &name, const QString &type, const QString &elementType,
+                          int count, const Attributes &attributes) override;
+    OssSerializableObject *onLoadCollectionObject(OssDeserializer &deserializer,
+                                                  const QString &name, const QString &type,
+                                                  const Attributes &attributes) override;
 
 private:
     OssGeoEntity *m_entity;

@@ -19,7 +19,8 @@ OssShadingGroup::~OssShadingGroup() = default;
 
 bool OssShadingGroup::saveObjects(OssSerializer &serializer)
 {
-    return m_network->save(serializer, NetworkObject, {});
+    const bool saved = OssShadingContext::saveObjects(serializer);
+    return m_network->save(serializer, NetworkObject, {}) && saved;
 }
 
 OssSerializableObject *OssShadingGroup::onLoadSubObject(OssDeserializer &deserializer,

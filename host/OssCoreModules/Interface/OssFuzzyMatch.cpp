@@ -1,4 +1,4 @@
-#include "Ossa/FuzzyMatch.h"
+#include "OssCoreModules/Interface/OssFuzzyMatch.h"
 
 #include <QVector>
 
@@ -41,7 +41,7 @@ QVector<int> layLetter(QChar letter, bool first, const QVector<int> &best, const
 
 // The best way to lay the pattern's letters on the text, letter by letter: best[i] is the score of
 // what was laid so far if its last letter lies on text[i].
-int FuzzyMatch::score(const QString &pattern, const QString &text)
+int OssFuzzyMatch::score(const QString &pattern, const QString &text)
 {
     QString letters = pattern.toLower();
     letters.remove(QLatin1Char(' '));

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "OssCoreModules/OssCoreModules_export.h"
+
+#include <QAbstractListModel>
+#include <QStringList>
+#include <QVector>
+
+/// The node types that can be made in a graph and fit a search text, best first: by name, by
+/// another name people know the thing by, by menu path. With an empty text the ones used last come
+/// first, then the favourites, then all in the order of their menu paths.
+class OSSCOREMODULES_EXPORT OssNodeTypeListModel : public QAbstractListModel
+{
+    Q_OBJECT
+
+public:
+    enum Role {
+        PathKeyRole = Qt::UserRole,
+        FolderRole,      ///< "Filter" of "Filter/Blur"
+        DescriptionRole, ///< one sentence
+        FavouriteRole,
+        SectionRole, ///< heading above the row; empty for most
+        ColorRole    ///< of the type's category
+    };
+
+    explicit OssNodeTypeListModel(QObject *parent = nullptr);
+
+    /// Path keys; keys of types that are not there are left out of the list, not forgotten.
+    void setLastUsed(const QStringList &pathKeys);
+    void setFavourites(const QStringList &pathKeys);
+
+    QStringList favourites() const { return m_favourites; }
+
+    void toggleFavourite(const QModelIndex &index);
+    void setSearchText(const QString &text);
+
+    int rowCount(const QModelIndex &parent = {}) const override;
+    QVariant data(const QModelIndex &index, int role) const override;
+
+private:
+    struct Type
+    {
+        QString pathKey;
+        QString name;
+        QString folder;
+        QString description;
+        QStringList aliases;
+    };
+
+    struct Row
+    {
+        int type;
+        int score;
+        QString section;
+    };
+
+    int scoreOf(const Type &type) const;
+    int typeIndex(const QString &pathKey) const;
+    void rebuild();
+    void listEverything(QVector<Row> *rows) const;
+
+    QVector<Type> m_types;
+    QVector<Row> m_rows;
+    QStringList m_lastUsed;
+    QStringList m_favourites;
+    QString m_text;
+};

@@ -1,0 +1,22 @@
+#include "OssCoreModules/Network/OssSnMultiChannelBottomTransparencyNode.h"
+
+#include "OssCore/OssColor.h"
+#include "OssCoreModules/Layers/OssLayerShaderModel.h"
+#include "OssCoreModules/Layers/OssLayerStreamUtils.h"
+
+QStringList OssSnMultiChannelBottomTransparencyNode::inputsOf(const QString &) const
+{
+    return {};
+}
+
+void OssSnMultiChannelBottomTransparencyNode::configureStream(
+    const OssLayerShaderModelInput &stream)
+{
+    OssSnBaseNode *bottom = createInside(QStringLiteral("Procedural/Color"),
+                                         stream.streamName() + tr(" Bottom"), rowPlace(stream));
+    if (!bottom)
+        return;
+    bottom->setAttribute(QStringLiteral("Color"),
+                         QVariant::fromValue(OssColor(0.0, 0.0, 0.0, 0.0)));
+    wireOutput(bottom, stream);
+}

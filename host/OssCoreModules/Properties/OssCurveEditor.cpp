@@ -1,0 +1,359 @@
+#include "OssCoreModules/Properties/OssCurveEditor.h"
+
+#include <QHBoxLayout>
+#include <QLocale>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPainterPath>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr double Grip = 7.0;
+constexpr double KeyStep = 0.02;
+constexpr double SmallestGap = 1e-4;
+
+/// Slopes at the points that keep the curve from overshooting: F. N. Fritsch, R. E. Carlson,
+/// "Monotone Piecewise Cubic Interpolation" (1980).
+QVector<double> tangentsOf(const QVector<QPointF> &points)
+{
+    const int n = points.size();
+    QVector<double> secants(qMax(0, n - 1));
+    for (int i = 0; i + 1 < n; ++i)
+        secants[i] = (points[i + 1].y() - points[i].y())
+                     / std::max(points[i + 1].x() - points[i].x(), SmallestGap);
+    QVector<double> tangents(n);
+    for (int i = 0; i < n; ++i) {
+        const double left = i > 0 ? secants[i - 1] : secants.value(0);
+        const double right = i + 1 < n ? secants[i] : secants.value(n - 2);
+        tangents[i] = left * right <= 0.0 ? 0.0 : (left + right) / 2.0;
+    }
+    for (int i = 0; i + 1 < n; ++i) {
+        if (secants[i] == 0.0) {
+            tangents[i] = tangents[i + 1] = 0.0;
+            continue;
+        }
+        const double a = tangents[i] / secants[i];
+        const double b = tangents[i + 1] / secants[i];
+        const double length = std::hypot(a, b);
+        if (length > 3.0) {
+            tangents[i] = 3.0 * a / length * secants[i];
+            tangents[i + 1] = 3.0 * b / length * secants[i];
+        }
+    }
+    return tangents;
+}
+
+double curveAt(const QVector<QPointF> &points, const QVector<double> &tangents, double x)
+{
+    if (points.isEmpty())
+        return x;
+    if (x <= points.first().x())
+        return points.first().y();
+    if (x >= points.last().x())
+        return points.last().y();
+    int i = 0;
+    while (points[i + 1].x() < x)
+        ++i;
+    const double h = points[i + 1].x() - points[i].x();
+    const double t = (x - points[i].x()) / h;
+    const double u = 1.0 - t;
+    return (1.0 + 2.0 * t) * u * u * points[i].y() + t * u * u * h * tangents[i]
+           + t * t * (3.0 - 2.0 * t) * points[i + 1].y() - t * t * u * h * tangents[i + 1];
+}
+
+} // namespace
+
+// --- editor
+
+OssCurveEditor::OssCurveEditor(QWidget *parent)
+    : OssPropertyEditor(parent)
+    , m_field(new OssCurveField(this))
+{
+    makeRow()->addWidget(m_field);
+    setFocusProxy(m_field);
+    const auto value = [this] {
+        return QVariant(textFromPoints(m_field->points()));
+    };
+    connect(m_field, &OssCurveField::edited, this, [this, value] { Q_EMIT edited(value()); });
+    connect(m_field, &OssCurveField::stepped, this, [this, value] { Q_EMIT stepped(value()); });
+    connect(m_field, &OssCurveField::dragged, this, [this, value] { Q_EMIT dragged(value()); });
+    connect(m_field, &OssCurveField::dragBegun, this, &OssPropertyEditor::dragBegun);
+    connect(m_field, &OssCurveField::dragEnded, this, &OssPropertyEditor::dragEnded);
+}
+
+void OssCurveEditor::showValue(const OssCustomAttribute &attribute, bool)
+{
+    m_field->setAccessibleName(attribute.prettyName());
+    m_field->setPoints(pointsFromText(attribute.value().toString()));
+}
+
+QVector<QPointF> OssCurveEditor::pointsFromText(const QString &text)
+{
+    QVector<QPointF> points;
+    const QStringList parts = text.split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    for (const QString &part : parts) {
+        const QStringList numbers = part.split(QLatin1Char(','));
+        bool okX = false;
+        bool okY = false;
+        const QPointF point(numbers.value(0).toDouble(&okX), numbers.value(1).toDouble(&okY));
+        if (numbers.size() == 2 && okX && okY && std::isfinite(point.x())
+            && std::isfinite(point.y()))
+            points.append(point);
+    }
+    std::stable_sort(points.begin(), points.end(),
+                     [](const QPointF &a, const QPointF &b) { return a.x() < b.x(); });
+    return points;
+}
+
+QString OssCurveEditor::textFromPoints(const QVector<QPointF> &points)
+{
+    QStringList parts;
+    for (const QPointF &point : points)
+        parts.append(QString::number(point.x(), 'g', QLocale::FloatingPointShortest)
+                     + QLatin1Char(',')
+                     + QString::number(point.y(), 'g', QLocale::FloatingPointShortest));
+    return parts.join(QLatin1Char(' '));
+}
+
+// --- field
+
+OssCurveField::OssCurveField(QWidget *parent)
+    : QWidget(parent)
+{
+    setFocusPolicy(Qt::StrongFocus);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+}
+
+void OssCurveField::setPoints(const QVector<QPointF> &points)
+{
+    if (m_points == points)
+        return;
+    m_points = points;
+    m_current = qBound(0, m_current, qMax(0, m_points.size() - 1));
+    describe();
+    update();
+}
+
+void OssCurveField::describe()
+{
+    const QPointF point = m_points.value(m_current);
+    setAccessibleDescription(tr("point %1 of %2: %3, %4")
+                                 .arg(m_current + 1)
+                                 .arg(m_points.size())
+                                 .arg(point.x())
+                                 .arg(point.y()));
+}
+
+double OssCurveField::valueAt(double x) const
+{
+    return curveAt(m_points, tangentsOf(m_points), x);
+}
+
+QRectF OssCurveField::area() const
+{
+    return QRectF(rect()).adjusted(Grip, Grip, -Grip, -Grip);
+}
+
+QPointF OssCurveField::toWidget(const QPointF &point) const
+{
+    const QRectF box = area();
+    return {box.left() + point.x() * box.width(), box.bottom() - point.y() * box.height()};
+}
+
+QPointF OssCurveField::fromWidget(const QPointF &position) const
+{
+    const QRectF box = area();
+    return {(position.x() - box.left()) / box.width(),
+            (box.bottom() - position.y()) / box.height()};
+}
+
+int OssCurveField::pointNear(const QPointF &position) const
+{
+    for (int i = 0; i < m_points.size(); ++i) {
+        const QPointF way = toWidget(m_points.at(i)) - position;
+        if (std::hypot(way.x(), way.y()) <= Grip)
+            return i;
+    }
+    return -1;
+}
+
+void OssCurveField::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(palette().color(hasFocus() ? QPalette::Link : QPalette::Light));
+    painter.setBrush(palette().color(QPalette::Base));
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 4, 4);
+    painter.setPen(palette().color(QPalette::Mid));
+    for (int i = 0; i <= 4; ++i) {
+        painter.drawLine(toWidget({i / 4.0, 0.0}), toWidget({i / 4.0, 1.0}));
+        painter.drawLine(toWidget({0.0, i / 4.0}), toWidget({1.0, i / 4.0}));
+    }
+    painter.setClipRect(rect().adjusted(1, 1, -1, -1));
+    const QVector<double> tangents = tangentsOf(m_points);
+    const QRectF box = area();
+    QPainterPath path;
+    for (int i = 0; i <= int(box.width()); ++i) {
+        const double x = i / box.width();
+        const QPointF at = toWidget({x, curveAt(m_points, tangents, x)});
+        if (i == 0)
+            path.moveTo(at);
+        else
+            path.lineTo(at);
+    }
+    const QColor line = palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled,
+                                        QPalette::Text);
+    painter.setPen(QPen(line, 1.5));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawPath(path);
+    painter.setPen(QPen(palette().color(QPalette::Base), 1.5));
+    for (int i = 0; i < m_points.size(); ++i) {
+        const bool current = i == m_current && hasFocus();
+        painter.setBrush(current ? palette().color(QPalette::Link) : line);
+        painter.drawEllipse(toWidget(m_points.at(i)), 4.5, 4.5);
+    }
+}
+
+// --- changes
+
+bool OssCurveField::movePoint(int index, QPointF to)
+{
+    // Points keep their order: one does not pass another.
+    const double low = index > 0 ? m_points.at(index - 1).x() + SmallestGap : 0.0;
+    const double high = index + 1 < m_points.size() ? m_points.at(index + 1).x() - SmallestGap
+                                                    : 1.0;
+    to = {std::min(std::max(to.x(), low), std::max(low, high)), std::clamp(to.y(), 0.0, 1.0)};
+    if (m_points.at(index) == to)
+        return false;
+    m_points[index] = to;
+    describe();
+    update();
+    return true;
+}
+
+void OssCurveField::addPoint(const QPointF &point)
+{
+    const auto after = std::find_if(m_points.begin(), m_points.end(), [&point](const QPointF &p) {
+        return p.x() > point.x();
+    });
+    m_current = int(after - m_points.begin());
+    m_points.insert(m_current, {std::clamp(point.x(), 0.0, 1.0), std::clamp(point.y(), 0.0, 1.0)});
+    movePoint(m_current, m_points.at(m_current));
+    describe();
+    update();
+    Q_EMIT edited();
+}
+
+void OssCurveField::removePoint(int index)
+{
+    // A curve is at least a line.
+    if (index < 0 || index >= m_points.size() || m_points.size() <= 2)
+        return;
+    m_points.removeAt(index);
+    m_current = qMin(index, m_points.size() - 1);
+    describe();
+    update();
+    Q_EMIT edited();
+}
+
+// --- pointer and keys
+
+void OssCurveField::mousePressEvent(QMouseEvent *event)
+{
+    const int index = event->button() == Qt::LeftButton ? pointNear(event->localPos()) : -1;
+    if (index < 0) {
+        event->setAccepted(event->button() == Qt::LeftButton);
+        return;
+    }
+    m_current = index;
+    m_pressed = true;
+    describe();
+    update();
+}
+
+void OssCurveField::mouseMoveEvent(QMouseEvent *event)
+{
+    if (!m_pressed)
+        return;
+    if (!m_dragging) {
+        m_dragging = true;
+        Q_EMIT dragBegun();
+    }
+    if (movePoint(m_current, fromWidget(event->localPos())))
+        Q_EMIT dragged();
+}
+
+void OssCurveField::mouseReleaseEvent(QMouseEvent *)
+{
+    m_pressed = false;
+    if (!m_dragging)
+        return;
+    m_dragging = false;
+    Q_EMIT dragEnded();
+}
+
+void OssCurveField::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    const int index = pointNear(event->localPos());
+    m_pressed = false;
+    if (index >= 0)
+        removePoint(index);
+    else
+        addPoint(fromWidget(event->localPos()));
+}
+
+bool OssCurveField::event(QEvent *event)
+{
+    if (event->type() == QEvent::ShortcutOverride) {
+        const auto *key = static_cast<QKeyEvent *>(event);
+        if (key->modifiers() == Qt::NoModifier
+            && (key->key() == Qt::Key_Delete || key->key() == Qt::Key_Space
+                || key->key() == Qt::Key_Plus)) {
+            event->accept();
+            return true;
+        }
+    }
+    return QWidget::event(event);
+}
+
+void OssCurveField::keyPressEvent(QKeyEvent *event)
+{
+    const double step = event->modifiers() & Qt::ShiftModifier ? KeyStep / 10.0 : KeyStep;
+    QPointF way;
+    switch (event->key()) {
+    case Qt::Key_Left:
+        way = {-step, 0.0};
+        break;
+    case Qt::Key_Right:
+        way = {step, 0.0};
+        break;
+    case Qt::Key_Up:
+        way = {0.0, step};
+        break;
+    case Qt::Key_Down:
+        way = {0.0, -step};
+        break;
+    case Qt::Key_Space:
+        m_current = m_points.isEmpty() ? 0 : (m_current + 1) % m_points.size();
+        describe();
+        update();
+        return;
+    case Qt::Key_Plus: {
+        const double x = m_points.value(m_current).x();
+        const double next = m_current + 1 < m_points.size() ? m_points.at(m_current + 1).x() : 1.0;
+        addPoint({(x + next) / 2.0, valueAt((x + next) / 2.0)});
+        return;
+    }
+    case Qt::Key_Delete:
+        removePoint(m_current);
+        return;
+    default:
+        QWidget::keyPressEvent(event);
+        return;
+    }
+    if (m_current < m_points.size() && movePoint(m_current, m_points.at(m_current) + way))
+        Q_EMIT stepped();
+}

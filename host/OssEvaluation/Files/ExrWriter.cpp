@@ -1,0 +1,180 @@
+#include "OssEvaluation/Files/ImageWriters.h"
+#include "OssEvaluation/Files/OssEvFile.h"
+#include "OssEvaluation/Kernels/Texels.h"
+
+#include <algorithm>
+#include <exception>
+#include <stdexcept>
+
+#include <ImfChannelList.h>
+#include <ImfFrameBuffer.h>
+#include <ImfHeader.h>
+#include <ImfInputFile.h>
+#include <ImfIO.h>
+#include <ImfOutputFile.h>
+
+namespace {
+
+constexpr int Size = OssEvTile::Size;
+
+/// Throws what the file could not do, as OpenEXR expects it.
+class Stream : public Imf::OStream
+{
+public:
+    explicit Stream(OssEvFile *file)
+        : Imf::OStream(file->path().c_str())
+        , m_file(file)
+    {
+    }
+
+    void write(const char data[], int size) override
+    {
+        if (!m_file->write(data, std::size_t(size)))
+            throw std::runtime_error(m_file->error());
+    }
+
+    std::uint64_t tellp() override { return m_file->position(); }
+
+    void seekp(std::uint64_t position) override
+    {
+        if (!m_file->seek(position))
+            throw std::runtime_error(m_file->error());
+    }
+
+private:
+    OssEvFile *m_file;
+};
+
+class ExrWriter : public OssEvImageWriter
+{
+public:
+    ExrWriter(const std::string &path, const Description &description)
+        : m_description(description)
+        , m_file(path)
+        , m_stream(&m_file)
+    {
+        if (!m_file.error().empty())
+            throw std::runtime_error(m_file.error());
+        Imf::Header header(description.width, description.height);
+        header.compression() = Imf::PIZ_COMPRESSION;
+        for (const char *name : names())
+            header.channels().insert(name, Imf::Channel(type()));
+        m_output = std::make_unique<Imf::OutputFile>(m_stream, header);
+        m_rows.resize(std::size_t(description.channels) * planeBytes());
+    }
+
+    OssEvResult writeTiles(const std::vector<OssEvTilePointer> &tiles) override
+    {
+        const int rows = OssEvWriters::rowsLeft(m_description, m_written);
+        try {
+            for (int channel = 0; channel < m_description.channels; ++channel)
+                copyChannel(tiles, channel, rows);
+            Imf::FrameBuffer buffer;
+            for (std::size_t i = 0; i < names().size(); ++i) {
+                // The library counts rows from the top of the image.
+                char *first = m_rows.data() + i * planeBytes()
+                              - std::ptrdiff_t(m_written) * std::ptrdiff_t(rowBytes());
+                buffer.insert(names()[i], Imf::Slice(type(), first, valueBytes(), rowBytes()));
+            }
+            m_output->setFrameBuffer(buffer);
+            m_output->writePixels(rows);
+            m_written += rows;
+            return {};
+        } catch (const std::exception &fault) {
+            m_file.fail(fault.what());
+            return OssEvResult::failure(m_file.error());
+        }
+    }
+
+    OssEvResult finish() override
+    {
+        try {
+            // Writes the table of rows; what goes wrong then shows in the file.
+            m_output.reset();
+        } catch (const std::exception &fault) {
+            m_file.fail(fault.what());
+        }
+        if (m_written != m_description.height)
+            m_file.fail("rows are missing");
+        return m_file.finish();
+    }
+
+private:
+    bool isFloat() const { return m_description.isPrecise; }
+
+    Imf::PixelType type() const { return isFloat() ? Imf::FLOAT : Imf::HALF; }
+
+    std::size_t valueBytes() const { return isFloat() ? 4 : 2; }
+
+    // Room for whole tiles.
+    std::size_t rowBytes() const
+    {
+        return std::size_t(OssEvTilesAcross(m_description.width)) * Size * valueBytes();
+    }
+
+    std::size_t planeBytes() const { return rowBytes() * Size; }
+
+    std::vector<const char *> names() const
+    {
+        if (m_description.channels == 1)
+            return {"Y"};
+        if (m_description.channels == 3)
+            return {"R", "G", "B"};
+        return {"R", "G", "B", "A"};
+    }
+
+    void copyChannel(const std::vector<OssEvTilePointer> &tiles, int channel, int rows)
+    {
+        struct alignas(64) Row
+        {
+            std::array<float, Size> floats;
+            std::array<std::uint16_t, Size> halves;
+        };
+
+        Row row{};
+        for (int y = 0; y < rows; ++y) {
+            char *to = m_rows.data() + std::size_t(channel) * planeBytes()
+                       + std::size_t(y) * rowBytes();
+            for (const OssEvTilePointer &tile : tiles) {
+                const bool half = tile->format() == OssEvTile::Format::Half;
+                const std::size_t offset = std::size_t(y) * Size;
+                if (!tile->isConstant() && half && !isFloat()) {
+                    const auto *from = reinterpret_cast<const char *>(tile->halfPlane(channel)
+                                                                      + offset);
+                    to = std::copy_n(from, Size * 2, to);
+                    continue;
+                }
+                if (tile->isConstant())
+                    row.floats.fill(tile->value()[std::size_t(channel)]);
+                else if (half)
+                    OssEvTexels::halfToFloat(tile->halfPlane(channel) + offset, row.floats.data(),
+                                             Size);
+                else
+                    std::copy_n(tile->floatPlane(channel) + offset, Size, row.floats.begin());
+                if (isFloat()) {
+                    to = std::copy_n(reinterpret_cast<const char *>(row.floats.data()), Size * 4,
+                                     to);
+                } else {
+                    OssEvTexels::floatToHalf(row.floats.data(), row.halves.data(), Size);
+                    to = std::copy_n(reinterpret_cast<const char *>(row.halves.data()), Size * 2,
+                                     to);
+                }
+            }
+        }
+    }
+
+    Description m_description;
+    OssEvFile m_file;
+    Stream m_stream;
+    std::unique_ptr<Imf::OutputFile> m_output;
+    std::vector<char> m_rows;
+    int m_written = 0;
+};
+
+} // namespace
+
+std::unique_ptr<OssEvImageWriter> OssEvWriters::exr(const std::string &path,
+                                                    const Description &description)
+{
+    return std::make_unique<ExrWriter>(path, description);
+}

@@ -1,0 +1,186 @@
+#include "OssEvaluation/Files/OssEvBake.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+
+namespace {
+
+constexpr int Size = OssEvTile::Size;
+// Rows of tiles computed at once: the height of the blocks that filters work on.
+constexpr int BandTiles = 2;
+// Bands in work beside the one that is written.
+constexpr std::size_t BandsAhead = 2;
+
+/// Some rows of tiles on their way.
+struct Band
+{
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::vector<OssEvTilePointer> tiles;
+    OssEvOutcome outcome;
+    bool finished = false;
+    OssEvEngine::Id id = 0;
+    int rows = 0;
+};
+
+/// Bands in order, each requested before the ones above it are written.
+class Bands
+{
+public:
+    Bands(OssEvEngine *engine, OssEvTarget target, const OssEvFrame &frame)
+        : m_engine(engine)
+        , m_target(std::move(target))
+        , m_frame(frame)
+    {
+    }
+
+    Bands(const Bands &) = delete;
+    Bands &operator=(const Bands &) = delete;
+
+    ~Bands()
+    {
+        for (const auto &band : m_bands)
+            m_engine->cancel(band->id);
+        for (const auto &band : m_bands)
+            m_engine->wait(band->id);
+    }
+
+    /// Null when there is none left.
+    std::shared_ptr<Band> next()
+    {
+        while (m_bands.size() <= BandsAhead && m_nextRow < OssEvTilesAcross(m_frame.height))
+            request();
+        if (m_bands.empty())
+            return nullptr;
+        return m_bands.front();
+    }
+
+    void drop() { m_bands.pop_front(); }
+
+private:
+    void request()
+    {
+        auto band = std::make_shared<Band>();
+        const int across = OssEvTilesAcross(m_frame.width);
+        band->rows = std::min(BandTiles, OssEvTilesAcross(m_frame.height) - m_nextRow);
+        band->tiles.resize(std::size_t(across) * std::size_t(band->rows));
+        OssEvRequest request;
+        request.target = m_target;
+        request.order = OssEvRequest::Order::Rows;
+        const int first = m_nextRow;
+        request.region = {0, first * Size, m_frame.width, band->rows * Size};
+        request.onTile = [band, across, first](const OssEvArrival &arrival) {
+            const std::lock_guard<std::mutex> lock(band->mutex);
+            band->tiles[std::size_t(arrival.y - first) * std::size_t(across)
+                        + std::size_t(arrival.x)] = arrival.tile;
+        };
+        request.onFinished = [band](const OssEvOutcome &outcome) {
+            const std::lock_guard<std::mutex> lock(band->mutex);
+            band->outcome = outcome;
+            band->finished = true;
+            band->changed.notify_all();
+        };
+        m_nextRow += band->rows;
+        band->id = m_engine->start(std::move(request));
+        m_bands.push_back(std::move(band));
+    }
+
+    OssEvEngine *m_engine;
+    OssEvTarget m_target;
+    OssEvFrame m_frame;
+    std::deque<std::shared_ptr<Band>> m_bands;
+    int m_nextRow = 0;
+};
+
+bool isCancelled(const OssEvBake::Job &job)
+{
+    return job.cancel != nullptr && job.cancel->isCancelled();
+}
+
+OssEvResult cancelled(const OssEvBake::Job &job)
+{
+    return OssEvResult::failure("Cannot write \"" + job.path + "\": it was cancelled");
+}
+
+OssEvResult waitFor(const OssEvBake::Job &job, Band *band)
+{
+    constexpr std::chrono::milliseconds Patience(5);
+    std::unique_lock<std::mutex> lock(band->mutex);
+    while (!band->finished) {
+        if (isCancelled(job))
+            return cancelled(job);
+        band->changed.wait_for(lock, Patience);
+    }
+    if (band->outcome.ok())
+        return {};
+    return band->outcome.cancelled
+               ? cancelled(job)
+               : OssEvResult::failure("Cannot write \"" + job.path + "\": " + band->outcome.error);
+}
+
+OssEvTarget targetOf(const OssEvBake::Job &job)
+{
+    OssEvTarget target = job.target;
+    target.keepIntermediates = false;
+    if (!job.dilate || target.mesh == nullptr || target.graph == nullptr || target.node < 0
+        || target.node >= int(target.graph->nodes().size()))
+        return target;
+    const OssEvGraph::Node &node = target.graph->nodes()[std::size_t(target.node)];
+    if (node.kernel == nullptr || target.output < 0
+        || target.output >= int(node.kernel->outputs.size()))
+        return target;
+    const std::string output = node.kernel->outputs[std::size_t(target.output)].name;
+    OssEvGraphBuilder builder(*target.graph);
+    const int dilation = builder.addNode(node.name, "dilate");
+    builder.connect(target.node, output, dilation, "Input");
+    target.graph = builder.finish();
+    target.node = dilation;
+    target.output = 0;
+    return target;
+}
+
+} // namespace
+
+OssEvResult OssEvBake::run(OssEvEngine *engine, const Job &job)
+{
+    const OssEvTarget target = targetOf(job);
+    std::shared_ptr<const OssEvPlan> plan;
+    OssEvResult result = OssEvPlan::make(target, &plan);
+    if (!result)
+        return OssEvResult::failure("Cannot write \"" + job.path + "\": " + result.error());
+    const OssEvFrame frame = plan->frame();
+    OssEvImageWriter::Description description;
+    description.width = frame.width;
+    description.height = frame.height;
+    description.channels = plan->stages().back().channels;
+    description.format = job.format;
+    description.isData = job.isData;
+    description.isPrecise = job.isPrecise;
+    std::unique_ptr<OssEvImageWriter> writer;
+    result = OssEvImageWriter::open(job.path, description, &writer);
+    if (!result)
+        return result;
+
+    Bands bands(engine, target, frame);
+    const int total = OssEvTilesAcross(frame.height);
+    const auto across = std::ptrdiff_t(OssEvTilesAcross(frame.width));
+    int done = 0;
+    while (const std::shared_ptr<Band> band = bands.next()) {
+        result = waitFor(job, band.get());
+        for (int row = 0; result && row < band->rows; ++row) {
+            const auto first = band->tiles.begin() + row * across;
+            result = writer->writeTiles({first, first + across});
+            if (result && isCancelled(job))
+                result = cancelled(job);
+            ++done;
+        }
+        if (!result)
+            return result;
+        if (job.onProgress)
+            job.onProgress(done, total);
+        bands.drop();
+    }
+    return writer->finish();
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "OssEvaluation/Files/OssEvImageWriter.h"
+#include "OssEvaluation/OssEvaluation_export.h"
+#include "OssEvaluation/Schedule/OssEvEngine.h"
+#include "OssEvaluation/Values/OssEvCancel.h"
+
+#include <functional>
+#include <string>
+
+/// Computes a target into a file. The file is written while the rest is computed, line by line from
+/// the top, so that a bake needs memory for a few rows of tiles and not for the image.
+namespace OssEvBake {
+
+struct Job
+{
+    OssEvTarget target;
+    std::string path;
+    OssEvImageWriter::Format format = OssEvImageWriter::Format::Exr;
+    /// Numbers instead of colours.
+    bool isData = false;
+    /// 32 bits in formats that have floats.
+    bool isPrecise = false;
+    /// Where there is a mesh, texels around its charts get the colour of the nearest one within.
+    bool dilate = true;
+    /// Called on the calling thread.
+    std::function<void(int done, int total)> onProgress;
+    /// May be null.
+    const OssEvCancel *cancel = nullptr;
+};
+
+/// Waits until the file is written; never to be called from one of the engine's callbacks. A bake
+/// that fails or is cancelled leaves what was there before. Says so when cancelled.
+OSSEVALUATION_EXPORT OssEvResult run(OssEvEngine *engine, const Job &job);
+
+} // namespace OssEvBake

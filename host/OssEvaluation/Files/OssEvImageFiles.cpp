@@ -1,0 +1,246 @@
+#include "OssEvaluation/Files/OssEvImageFiles.h"
+
+#include "OssEvaluation/Files/OssEvImageRows.h"
+#include "OssEvaluation/Files/OssEvUdim.h"
+
+#include <OpenImageIO/imageio.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <exception>
+#include <list>
+#include <mutex>
+#include <new>
+
+namespace {
+
+// Files that stay open between two rows of tiles.
+constexpr std::size_t MaximumOpen = 8;
+
+using Input = std::unique_ptr<OIIO::ImageInput>;
+
+OssEvResult refused(const std::string &path, const std::string &reason)
+{
+    return OssEvResult::failure("Cannot read \"" + path + "\": " + reason);
+}
+
+std::string sizeText(const OIIO::ImageSpec &spec)
+{
+    return std::to_string(spec.width) + " x " + std::to_string(spec.height);
+}
+
+OssEvResult checkSpec(const std::string &path, const OIIO::ImageSpec &spec)
+{
+    if (spec.deep)
+        return refused(path, "deep images hold no plain colours");
+    if (spec.width <= 0 || spec.height <= 0 || spec.depth > 1 || spec.nchannels <= 0)
+        return refused(path, "it holds no picture");
+    if (spec.width > OssEvImageFiles::MaximumSize || spec.height > OssEvImageFiles::MaximumSize
+        || (long long)(spec.width) * spec.height > OssEvImageFiles::MaximumTexels)
+        return refused(path, "it is too large (" + sizeText(spec) + ")");
+    constexpr int MaximumChannels = 64;
+    if (spec.nchannels > MaximumChannels)
+        return refused(path, "it has " + std::to_string(spec.nchannels) + " channels");
+    return {};
+}
+
+OssEvResult openFile(const std::string &path, Input *input)
+{
+    struct stat status = {};
+    if (::stat(path.c_str(), &status) != 0)
+        return refused(path, "there is no such file");
+    if (!S_ISREG(status.st_mode))
+        return refused(path, "it is not a file");
+    OIIO::ImageSpec wishes;
+    // Premultiplied here, after the colours have become linear.
+    wishes["oiio:UnassociatedAlpha"] = 1;
+    *input = OIIO::ImageInput::open(path, &wishes);
+    if (*input == nullptr) {
+        const std::string reason = OIIO::geterror();
+        return refused(path, reason.empty() ? "its format is not known" : reason);
+    }
+    return checkSpec(path, (*input)->spec());
+}
+
+bool isInteger(const OIIO::ImageSpec &spec)
+{
+    return !spec.format.is_floating_point();
+}
+
+// Whether rows cost less together: formats that are packed from the top downwards, unless the image
+// is so large that its tiles would push everything else out of the cache.
+bool isReadWhole(const OIIO::ImageInput &input)
+{
+    constexpr long long MaximumBytes = 256LL << 20;
+    constexpr long long TexelBytes = 8;
+    const OIIO::ImageSpec &spec = input.spec();
+    const bool rowsAreApart = std::string(input.format_name()) == "openexr";
+    return !rowsAreApart && TexelBytes * spec.width * spec.height <= MaximumBytes;
+}
+
+OssEvImageRows::Meaning meaningOf(const OIIO::ImageSpec &spec,
+                                  OssEvImageProvider::ColorSpace colorSpace,
+                                  std::shared_ptr<const OssEvColorSpaces> spaces)
+{
+    using ColorSpace = OssEvImageProvider::ColorSpace;
+    OssEvImageRows::Meaning meaning;
+    meaning.spaces = std::move(spaces);
+    meaning.channels = spec.nchannels == 1 ? 1 : 4;
+    const bool automatic = colorSpace == ColorSpace::Automatic && spec.nchannels > 1;
+    const bool isColor = colorSpace == ColorSpace::Color || automatic;
+    if (isColor && isInteger(spec)) {
+        meaning.space = "sRGB";
+        // A grey image that is meant as a colour is one.
+        meaning.channels = 4;
+    }
+    const bool separate = spec.get_int_attribute("oiio:UnassociatedAlpha", 0) != 0;
+    meaning.premultiply = isColor && separate && spec.alpha_channel >= 0;
+    const auto type = spec.format.basetype;
+    const bool precise = type == OIIO::TypeDesc::FLOAT || type == OIIO::TypeDesc::DOUBLE
+                         || (!isColor && spec.format.basesize() > 1 && isInteger(spec));
+    meaning.format = precise ? OssEvTile::Format::Float : OssEvTile::Format::Half;
+    return meaning;
+}
+
+} // namespace
+
+struct OssEvImageFiles::Private
+{
+    struct Open
+    {
+        std::string path;
+        Input input;
+    };
+
+    std::shared_ptr<const OssEvColorSpaces> spaces;
+    std::mutex mutex;
+    /// Latest used last.
+    std::list<Open> idle;
+
+    Input take(const std::string &path)
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        const auto found = std::find_if(idle.begin(), idle.end(),
+                                        [&path](const Open &open) { return open.path == path; });
+        if (found == idle.end())
+            return nullptr;
+        Input input = std::move(found->input);
+        idle.erase(found);
+        return input;
+    }
+
+    void keep(const std::string &path, Input input)
+    {
+        Input closed;
+        const std::lock_guard<std::mutex> lock(mutex);
+        idle.push_back({path, std::move(input)});
+        if (idle.size() > MaximumOpen) {
+            closed = std::move(idle.front().input);
+            idle.pop_front();
+        }
+    }
+
+    static std::string keyOf(const std::string &path, const struct stat &status)
+    {
+        return path + '\n' + std::to_string(status.st_mtim.tv_sec) + '.'
+               + std::to_string(status.st_mtim.tv_nsec) + '\n' + std::to_string(status.st_size);
+    }
+};
+
+OssEvImageFiles::OssEvImageFiles(std::shared_ptr<const OssEvColorSpaces> spaces)
+    : d(std::make_unique<Private>())
+{
+    d->spaces = spaces != nullptr ? std::move(spaces) : OssEvColorSpaces::builtIn();
+}
+
+OssEvImageFiles::~OssEvImageFiles() = default;
+
+OssEvResult OssEvImageFiles::readHeader(const std::string &path, OssEvImageHeader *header)
+{
+    try {
+        Input input;
+        OssEvResult result = openFile(path, &input);
+        if (!result)
+            return result;
+        const OIIO::ImageSpec &spec = input->spec();
+        *header = {spec.width,
+                   spec.height,
+                   spec.nchannels,
+                   isInteger(spec),
+                   spec.format == OIIO::TypeDesc::FLOAT,
+                   input->format_name()};
+        return {};
+    } catch (const std::exception &fault) {
+        return refused(path, fault.what());
+    }
+}
+
+OssEvResult OssEvImageFiles::describe(const Image &image, OssEvImageInfo *info)
+{
+    const std::string pattern = OssEvUdim::pattern(image.name);
+    const std::string path = OssEvUdim::file(pattern, image.patch);
+    struct stat status = {};
+    const bool exists = ::stat(path.c_str(), &status) == 0;
+    if (!exists && OssEvUdim::isPattern(pattern) && !OssEvUdim::patches(pattern).empty()) {
+        *info = {};
+        return {};
+    }
+    try {
+        const std::string key = Private::keyOf(path, status);
+        Input input = exists ? d->take(key) : nullptr;
+        if (input == nullptr) {
+            OssEvResult result = openFile(path, &input);
+            if (!result)
+                return result;
+        }
+        const OIIO::ImageSpec &spec = input->spec();
+        const auto meaning = meaningOf(spec, image.colorSpace, d->spaces);
+        info->width = spec.width;
+        info->height = spec.height;
+        info->channels = meaning.channels;
+        info->format = meaning.format;
+        info->isSequential = isReadWhole(*input);
+        info->content =
+            OssEvKeyBuilder().add(key).add(int(image.colorSpace)).add(int(meaning.format)).key();
+        d->keep(key, std::move(input));
+        return {};
+    } catch (const std::exception &fault) {
+        return refused(path, fault.what());
+    }
+}
+
+OssEvResult OssEvImageFiles::read(const Image &image, int reduction, int tileRow,
+                                  const OssEvCancel &cancel, const Deliver &deliver)
+{
+    const std::string path = OssEvUdim::file(OssEvUdim::pattern(image.name), image.patch);
+    struct stat status = {};
+    if (::stat(path.c_str(), &status) != 0)
+        return refused(path, "there is no such file");
+    try {
+        const std::string key = Private::keyOf(path, status);
+        Input input = d->take(key);
+        if (input == nullptr) {
+            OssEvResult result = openFile(path, &input);
+            if (!result)
+                return result;
+        }
+        OssEvImageRows rows(input.get(), meaningOf(input->spec(), image.colorSpace, d->spaces));
+        const bool sequential = isReadWhole(*input);
+        int height = input->spec().height;
+        for (int i = 0; i < reduction; ++i)
+            height = (height + 1) / 2;
+        const int first = sequential ? 0 : tileRow;
+        const int last = sequential ? OssEvTilesAcross(height) - 1 : tileRow;
+        for (int row = first; row <= last && !cancel.isCancelled(); ++row) {
+            const OssEvResult result = rows.readTiles(reduction, row, deliver);
+            if (!result)
+                return refused(path, result.error());
+        }
+        d->keep(key, std::move(input));
+        return {};
+    } catch (const std::bad_alloc &) {
+        return refused(path, "there is not enough memory");
+    } catch (const std::exception &fault) {
+        return refused(path, fault.what());
+    }
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "OssEvaluation/Files/OssEvColorSpaces.h"
+#include "OssEvaluation/OssEvaluation_export.h"
+#include "OssEvaluation/Schedule/OssEvImageProvider.h"
+
+#include <memory>
+#include <string>
+
+/// What a file says of itself, before any pixel is decoded.
+struct OssEvImageHeader
+{
+    int width = 0;
+    int height = 0;
+    int channels = 0;
+    /// Whole numbers; their colours are taken for display values.
+    bool isInteger = false;
+    /// 32-bit floats, which are kept in full precision.
+    bool isPrecise = false;
+    std::string format;
+};
+
+/// Images by the names of their files. A name with "<UDIM>", or with a patch number before its
+/// suffix, stands for a file for each patch; a patch without a file is transparent.
+///
+/// Automatic colour: files of whole numbers hold display values of sRGB, single channels and floats
+/// hold numbers as they are. Data is never converted and keeps its alpha apart.
+class OSSEVALUATION_EXPORT OssEvImageFiles : public OssEvImageProvider
+{
+public:
+    /// Larger images are refused by what their header says.
+    static constexpr int MaximumSize = 65536;
+    static constexpr long long MaximumTexels = 1LL << 29;
+
+    /// The built-in colour spaces when null.
+    explicit OssEvImageFiles(std::shared_ptr<const OssEvColorSpaces> spaces = {});
+    ~OssEvImageFiles() override;
+
+    static OssEvResult readHeader(const std::string &path, OssEvImageHeader *header);
+
+    OssEvResult describe(const Image &image, OssEvImageInfo *info) override;
+    OssEvResult read(const Image &image, int reduction, int tileRow, const OssEvCancel &cancel,
+                     const Deliver &deliver) override;
+
+private:
+    struct Private;
+    std::unique_ptr<Private> d;
+};

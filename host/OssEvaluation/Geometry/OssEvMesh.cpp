@@ -1,0 +1,153 @@
+#include "OssEvaluation/Geometry/OssEvMesh.h"
+
+#include "OssEvaluation/Geometry/OssEvRayTree.h"
+#include "OssEvaluation/Values/OssEvPatch.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+
+namespace {
+
+template <class Vector>
+bool allFinite(const std::vector<Vector> &vectors)
+{
+    return std::all_of(vectors.begin(), vectors.end(), [](const Vector &vector) {
+        return std::all_of(vector.begin(), vector.end(), [](float x) { return std::isfinite(x); });
+    });
+}
+
+OssEvMesh::Vector3 cross(const OssEvMesh::Vector3 &a, const OssEvMesh::Vector3 &b)
+{
+    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
+}
+
+OssEvMesh::Vector3 minus(const OssEvMesh::Vector3 &a, const OssEvMesh::Vector3 &b)
+{
+    return {a[0] - b[0], a[1] - b[1], a[2] - b[2]};
+}
+
+template <class Vector>
+void addVectors(OssEvKeyBuilder *key, const std::vector<Vector> &vectors)
+{
+    key->addBytes(vectors.data(), vectors.size() * sizeof(Vector));
+}
+
+} // namespace
+
+OssEvResult OssEvMesh::finish(const std::string &name)
+{
+    const OssEvResult result = check(name);
+    if (!result)
+        return result;
+    if (normals.empty())
+        makeNormals();
+    if (faces.size() != triangles.size()) {
+        faces.resize(triangles.size());
+        for (std::size_t i = 0; i < faces.size(); ++i)
+            faces[i] = std::int32_t(i);
+    }
+    findPatches();
+    m_rayTree = std::make_shared<OssEvRayTree>(*this);
+    OssEvKeyBuilder key;
+    addVectors(&key, positions);
+    addVectors(&key, normals);
+    addVectors(&key, uvs);
+    addVectors(&key, triangles);
+    for (const float number : world)
+        key.add(double(number));
+    m_key = key.key();
+    return {};
+}
+
+OssEvResult OssEvMesh::check(const std::string &name) const
+{
+    const auto refused = [&name](const char *reason) {
+        return OssEvResult::failure("Cannot use \"" + name + "\": " + reason);
+    };
+    if (triangles.empty() || positions.empty())
+        return refused("it has no faces");
+    if (uvs.empty())
+        return refused("it has no texture coordinates");
+    if (uvs.size() != positions.size() || (!normals.empty() && normals.size() != positions.size()))
+        return refused("its vertices are not complete");
+    if (!allFinite(positions) || !allFinite(uvs) || !allFinite(normals))
+        return refused("it has coordinates that are no numbers");
+    const auto count = std::uint32_t(positions.size());
+    for (const auto &triangle : triangles) {
+        if (std::any_of(triangle.begin(), triangle.end(),
+                        [count](std::uint32_t index) { return index >= count; }))
+            return refused("a face names a vertex that does not exist");
+    }
+    const auto outside = [](const Vector2 &uv) {
+        constexpr float Slack = 1e-4F;
+        const int lastRow = OssEvPatch::row(OssEvPatch::Last);
+        return uv[0] < -Slack || uv[0] > OssEvPatch::PatchesPerRow + Slack || uv[1] < -Slack
+               || uv[1] > float(lastRow) + 1.0F + Slack;
+    };
+    if (std::any_of(uvs.begin(), uvs.end(), outside))
+        return refused("its texture coordinates lie outside the UDIM patches");
+    return {};
+}
+
+// Weighed by area, so that slivers do not tilt what they touch.
+void OssEvMesh::makeNormals()
+{
+    normals.assign(positions.size(), Vector3{});
+    for (const auto &triangle : triangles) {
+        const Vector3 &a = positions[triangle[0]];
+        const Vector3 normal = cross(minus(positions[triangle[1]], a),
+                                     minus(positions[triangle[2]], a));
+        for (const std::uint32_t vertex : triangle) {
+            for (std::size_t k = 0; k < 3; ++k)
+                normals[vertex][k] += normal[k];
+        }
+    }
+    for (Vector3 &normal : normals) {
+        const float length = std::sqrt(normal[0] * normal[0] + normal[1] * normal[1]
+                                       + normal[2] * normal[2]);
+        for (float &component : normal)
+            component = length > 0.0F ? component / length : 0.0F;
+    }
+}
+
+// A face belongs to every patch whose inside it touches, not to those that it only borders on.
+void OssEvMesh::findPatches()
+{
+    constexpr float Border = 1e-5F;
+    std::map<int, std::vector<std::int32_t>> byPatch;
+    for (std::size_t i = 0; i < triangles.size(); ++i) {
+        Vector2 low{1e9F, 1e9F};
+        Vector2 high{-1e9F, -1e9F};
+        for (const std::uint32_t vertex : triangles[i]) {
+            for (std::size_t k = 0; k < 2; ++k) {
+                low[k] = std::min(low[k], uvs[vertex][k]);
+                high[k] = std::max(high[k], uvs[vertex][k]);
+            }
+        }
+        const int lastColumn = int(std::ceil(high[0] - Border)) - 1;
+        const int lastRow = int(std::ceil(high[1] - Border)) - 1;
+        for (int row = int(std::floor(low[1] + Border)); row <= lastRow; ++row) {
+            for (int column = int(std::floor(low[0] + Border)); column <= lastColumn; ++column) {
+                const int patch = OssEvPatch::number(column, row);
+                if (patch != 0)
+                    byPatch[patch].push_back(std::int32_t(i));
+            }
+        }
+    }
+    m_patches.clear();
+    m_patchTriangles.clear();
+    for (auto &[patch, list] : byPatch) {
+        m_patches.push_back(patch);
+        m_patchTriangles.push_back(std::move(list));
+    }
+}
+
+const std::vector<std::int32_t> &OssEvMesh::trianglesOf(int patch) const
+{
+    static const std::vector<std::int32_t> none;
+    const auto found = std::lower_bound(m_patches.begin(), m_patches.end(), patch);
+    if (found == m_patches.end() || *found != patch)
+        return none;
+    return m_patchTriangles[std::size_t(found - m_patches.begin())];
+}

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "OssEvaluation/OssEvaluation_export.h"
+#include "OssEvaluation/Values/OssEvKey.h"
+#include "OssEvaluation/Values/OssEvResult.h"
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+class OssEvRayTree;
+
+/// Triangles with texture coordinates. Immutable once shared.
+class OSSEVALUATION_EXPORT OssEvMesh
+{
+public:
+    using Vector3 = std::array<float, 3>;
+    using Vector2 = std::array<float, 2>;
+
+    /// One value each per vertex. Positions in the object's own space.
+    std::vector<Vector3> positions;
+    std::vector<Vector3> normals;
+    /// v grows upwards. The integer parts name the UDIM patch.
+    std::vector<Vector2> uvs;
+    /// Three vertices each.
+    std::vector<std::array<std::uint32_t, 3>> triangles;
+    /// Face as the file counts them, for each triangle.
+    std::vector<std::int32_t> faces;
+    /// Object to world, three rows of four.
+    std::array<float, 12> world{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0};
+
+    /// Checks what the rest relies on: equal counts, indices in range, finite numbers, texture
+    /// coordinates within what UDIM numbers can name. Makes normals that are missing and fixes the
+    /// key. Must succeed before the mesh is used; `name` is for messages.
+    OssEvResult finish(const std::string &name);
+
+    /// Hash of the content.
+    const OssEvKey &key() const { return m_key; }
+
+    /// UDIM numbers of patches that a face lies in, ascending.
+    const std::vector<int> &patches() const { return m_patches; }
+
+    /// Triangles that touch the inside of a patch.
+    const std::vector<std::int32_t> &trianglesOf(int patch) const;
+
+    /// For rays against the surface.
+    const OssEvRayTree &rayTree() const { return *m_rayTree; }
+
+private:
+    OssEvResult check(const std::string &name) const;
+    void makeNormals();
+    void findPatches();
+
+    OssEvKey m_key;
+    std::shared_ptr<const OssEvRayTree> m_rayTree;
+    std::vector<int> m_patches;
+    std::vector<std::vector<std::int32_t>> m_patchTriangles;
+};
+
+/// Meshes that need no file.
+namespace OssEvShapes {
+
+/// Unit square in the xy plane, facing z, filling patch 1001.
+OSSEVALUATION_EXPORT std::shared_ptr<const OssEvMesh> plane();
+
+/// Radius 1 around the origin, poles on y, one patch with the seam where x is negative and z is 0.
+OSSEVALUATION_EXPORT std::shared_ptr<const OssEvMesh> sphere();
+
+/// Edges of length 1 around the origin; each side fills a patch, 1001 to 1006.
+OSSEVALUATION_EXPORT std::shared_ptr<const OssEvMesh> cube();
+
+} // namespace OssEvShapes

@@ -1,0 +1,159 @@
+#include "OssEvaluation/Geometry/OssEvRayTree.h"
+
+#include "OssEvaluation/Geometry/OssEvMesh.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+namespace {
+
+using Vector3 = OssEvRayTree::Vector3;
+
+constexpr std::uint32_t LeafSize = 4;
+
+Vector3 minus(const Vector3 &a, const Vector3 &b)
+{
+    return {a[0] - b[0], a[1] - b[1], a[2] - b[2]};
+}
+
+Vector3 cross(const Vector3 &a, const Vector3 &b)
+{
+    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
+}
+
+float dot(const Vector3 &a, const Vector3 &b)
+{
+    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
+}
+
+} // namespace
+
+void OssEvRayTree::Box::add(const Vector3 &point)
+{
+    for (std::size_t k = 0; k < 3; ++k) {
+        low[k] = std::min(low[k], point[k]);
+        high[k] = std::max(high[k], point[k]);
+    }
+}
+
+OssEvRayTree::OssEvRayTree(const OssEvMesh &mesh)
+{
+    std::vector<Vector3> centres;
+    centres.reserve(mesh.triangles.size());
+    for (const auto &triangle : mesh.triangles) {
+        Vector3 centre{};
+        for (const std::uint32_t vertex : triangle) {
+            for (std::size_t k = 0; k < 3; ++k)
+                centre[k] += mesh.positions[vertex][k] / 3.0F;
+        }
+        centres.push_back(centre);
+    }
+    std::vector<std::uint32_t> order(mesh.triangles.size());
+    std::iota(order.begin(), order.end(), 0U);
+    build(&order, centres, mesh);
+    m_triangles.reserve(order.size());
+    for (const std::uint32_t index : order) {
+        const auto &triangle = mesh.triangles[index];
+        const Vector3 &corner = mesh.positions[triangle[0]];
+        m_triangles.push_back({corner, minus(mesh.positions[triangle[1]], corner),
+                               minus(mesh.positions[triangle[2]], corner)});
+    }
+}
+
+// Without recursion, in the order in which a ray walks.
+void OssEvRayTree::build(std::vector<std::uint32_t> *order, const std::vector<Vector3> &centres,
+                         const OssEvMesh &mesh)
+{
+    struct Job
+    {
+        std::uint32_t first;
+        std::uint32_t last;
+        /// Inner node whose second child this is, if it is one.
+        std::uint32_t parent;
+        bool second;
+    };
+
+    std::vector<Job> jobs{{0, std::uint32_t(order->size()), 0, false}};
+    while (!jobs.empty()) {
+        const Job job = jobs.back();
+        jobs.pop_back();
+        const auto index = std::uint32_t(m_nodes.size());
+        if (job.second)
+            m_nodes[job.parent].next = index;
+        Node node;
+        Box middles;
+        for (std::uint32_t i = job.first; i < job.last; ++i) {
+            const std::uint32_t triangle = (*order)[i];
+            for (const std::uint32_t vertex : mesh.triangles[triangle])
+                node.box.add(mesh.positions[vertex]);
+            middles.add(centres[triangle]);
+        }
+        if (job.last - job.first <= LeafSize) {
+            node.next = job.first;
+            node.count = job.last - job.first;
+            m_nodes.push_back(node);
+            continue;
+        }
+        m_nodes.push_back(node);
+        const Vector3 size = minus(middles.high, middles.low);
+        const auto axis = std::size_t(std::max_element(size.begin(), size.end()) - size.begin());
+        const std::uint32_t half = job.first + (job.last - job.first) / 2;
+        std::nth_element(order->begin() + job.first, order->begin() + half,
+                         order->begin() + job.last,
+                         [&centres, axis](std::uint32_t a, std::uint32_t b) {
+                             return centres[a][axis] < centres[b][axis];
+                         });
+        jobs.push_back({half, job.last, index, true});
+        jobs.push_back({job.first, half, index, false});
+    }
+}
+
+// The test of T. Moeller and B. Trumbore, "Fast, Minimum Storage Ray/Triangle Intersection", 1997.
+bool OssEvRayTree::isHit(const Vector3 &origin, const Vector3 &direction, float distance) const
+{
+    const Vector3 inverse{1.0F / direction[0], 1.0F / direction[1], 1.0F / direction[2]};
+    const auto misses = [&](const Box &box) {
+        float near = 0.0F;
+        float far = distance;
+        for (std::size_t k = 0; k < 3; ++k) {
+            const float a = (box.low[k] - origin[k]) * inverse[k];
+            const float b = (box.high[k] - origin[k]) * inverse[k];
+            near = std::max(near, std::min(a, b));
+            far = std::min(far, std::max(a, b));
+        }
+        return near > far;
+    };
+    const auto hits = [&](const Triangle &triangle) {
+        const Vector3 p = cross(direction, triangle.second);
+        const float determinant = dot(triangle.first, p);
+        if (std::abs(determinant) < 1e-12F)
+            return false;
+        const float factor = 1.0F / determinant;
+        const Vector3 offset = minus(origin, triangle.corner);
+        const float u = dot(offset, p) * factor;
+        const Vector3 q = cross(offset, triangle.first);
+        const float v = dot(direction, q) * factor;
+        const float t = dot(triangle.second, q) * factor;
+        return u >= 0.0F && v >= 0.0F && u + v <= 1.0F && t > 0.0F && t < distance;
+    };
+    // Halves are at most one apart in size: the tree is never deeper than this.
+    std::array<std::uint32_t, 64> open{};
+    std::size_t count = 1;
+    while (count > 0) {
+        const std::uint32_t index = open[--count];
+        const Node &node = m_nodes[index];
+        if (misses(node.box))
+            continue;
+        if (node.count == 0) {
+            open[count++] = node.next;
+            open[count++] = index + 1;
+            continue;
+        }
+        for (std::uint32_t i = 0; i < node.count; ++i) {
+            if (hits(m_triangles[node.next + i]))
+                return true;
+        }
+    }
+    return false;
+}

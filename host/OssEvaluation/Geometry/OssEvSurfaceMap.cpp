@@ -1,0 +1,277 @@
+#include "OssEvaluation/Geometry/OssEvSurfaceMap.h"
+
+#include "OssEvaluation/Values/OssEvPatch.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr int NotCovered = 127;
+
+struct Point
+{
+    double x;
+    double y;
+};
+
+/// A value of the vertices as it changes across a triangle's texture coordinates.
+struct Slope
+{
+    std::array<double, 3> origin{};
+    std::array<double, 3> alongU{};
+    std::array<double, 3> alongV{};
+
+    Slope(const OssEvMesh &mesh, const std::vector<OssEvMesh::Vector3> &values, int triangle)
+    {
+        const auto &corners = mesh.triangles[std::size_t(triangle)];
+        const OssEvMesh::Vector2 &a = mesh.uvs[corners[0]];
+        const OssEvMesh::Vector2 &b = mesh.uvs[corners[1]];
+        const OssEvMesh::Vector2 &c = mesh.uvs[corners[2]];
+        const double u1 = double(b[0]) - a[0];
+        const double v1 = double(b[1]) - a[1];
+        const double u2 = double(c[0]) - a[0];
+        const double v2 = double(c[1]) - a[1];
+        const double area = u1 * v2 - u2 * v1;
+        const double factor = area != 0.0 ? 1.0 / area : 0.0;
+        for (std::size_t k = 0; k < 3; ++k) {
+            const double first = values[corners[0]][k];
+            const double d1 = values[corners[1]][k] - first;
+            const double d2 = values[corners[2]][k] - first;
+            alongU[k] = (d1 * v2 - d2 * v1) * factor;
+            alongV[k] = (d2 * u1 - d1 * u2) * factor;
+            origin[k] = first - alongU[k] * a[0] - alongV[k] * a[1];
+        }
+    }
+
+    double at(std::size_t k, double u, double v) const
+    {
+        return origin[k] + alongU[k] * u + alongV[k] * v;
+    }
+};
+
+bool isCancelled(const OssEvCancel *cancel)
+{
+    return cancel != nullptr && cancel->isCancelled();
+}
+
+} // namespace
+
+std::shared_ptr<const OssEvSurfaceMap> OssEvSurfaceMap::make(std::shared_ptr<const OssEvMesh> mesh,
+                                                             const OssEvFrame &frame,
+                                                             const OssEvCancel *cancel)
+{
+    std::shared_ptr<OssEvSurfaceMap> map(new OssEvSurfaceMap(std::move(mesh), frame));
+    return map->rasterise(cancel) && map->dilate(cancel) ? map : nullptr;
+}
+
+OssEvSurfaceMap::OssEvSurfaceMap(std::shared_ptr<const OssEvMesh> mesh, const OssEvFrame &frame)
+    : m_mesh(std::move(mesh))
+    , m_frame(frame)
+    , m_faces(std::size_t(frame.width) * std::size_t(frame.height), -1)
+    , m_offsets(m_faces.size(), Offset{std::int8_t(NotCovered), 0})
+{
+}
+
+int OssEvSurfaceMap::margin(int width)
+{
+    return std::clamp((width * MarginAt4k + 2048) / 4096, 2, 64);
+}
+
+bool OssEvSurfaceMap::rasterise(const OssEvCancel *cancel)
+{
+    for (const std::int32_t triangle : m_mesh->trianglesOf(m_frame.patch)) {
+        if (isCancelled(cancel))
+            return false;
+        rasteriseTriangle(triangle, cancel);
+    }
+    return !isCancelled(cancel);
+}
+
+// Row by row, the texels whose centres lie between the triangle's edges. Cutting the rows at the
+// patch's edges clips faces that reach into other patches. Where faces overlap the first one stays.
+void OssEvSurfaceMap::rasteriseTriangle(int triangle, const OssEvCancel *cancel)
+{
+    constexpr double Slack = 1e-6;
+    std::array<Point, 3> corners{};
+    for (std::size_t i = 0; i < 3; ++i) {
+        const auto &uv = m_mesh->uvs[m_mesh->triangles[std::size_t(triangle)][i]];
+        corners[i] = {(double(uv[0]) - OssEvPatch::column(m_frame.patch)) * m_frame.width - 0.5,
+                      (1.0 - (double(uv[1]) - OssEvPatch::row(m_frame.patch))) * m_frame.height
+                          - 0.5};
+    }
+    const auto [low, high] = std::minmax({corners[0].y, corners[1].y, corners[2].y});
+    const int first = std::max(0, int(std::ceil(std::max(low - Slack, -1.0))));
+    const int last = std::min(m_frame.height - 1,
+                              int(std::floor(std::min(high + Slack, m_frame.height + 1.0))));
+    for (int y = first; y <= last && !isCancelled(cancel); ++y) {
+        double left = 1e30;
+        double right = -1e30;
+        for (std::size_t i = 0; i < 3; ++i) {
+            const Point &a = corners[i];
+            const Point &b = corners[(i + 1) % 3];
+            if (std::min(a.y, b.y) > y + Slack || std::max(a.y, b.y) < y - Slack)
+                continue;
+            if (std::abs(b.y - a.y) < Slack) {
+                left = std::min({left, a.x, b.x});
+                right = std::max({right, a.x, b.x});
+                continue;
+            }
+            const double t = std::clamp((y - a.y) / (b.y - a.y), 0.0, 1.0);
+            const double x = a.x + (b.x - a.x) * t;
+            left = std::min(left, x);
+            right = std::max(right, x);
+        }
+        const int begin = std::max(0, int(std::ceil(std::max(left - Slack, -1.0))));
+        const int end = std::min(m_frame.width - 1,
+                                 int(std::floor(std::min(right + Slack, m_frame.width + 1.0))));
+        for (int x = begin; x <= end; ++x) {
+            if (m_faces[index(x, y)] < 0) {
+                m_faces[index(x, y)] = triangle;
+                m_offsets[index(x, y)] = {0, 0};
+            }
+        }
+    }
+}
+
+// Exact distances in two passes: first along columns, then the best column for each texel.
+bool OssEvSurfaceMap::dilate(const OssEvCancel *cancel)
+{
+    std::vector<std::int8_t> vertical(m_faces.size(), std::int8_t(NotCovered));
+    for (int y = 0; y < m_frame.height && !isCancelled(cancel); ++y)
+        sweepRow(y, y - 1, &vertical);
+    for (int y = m_frame.height - 1; y >= 0 && !isCancelled(cancel); --y)
+        sweepRow(y, y + 1, &vertical);
+    for (int y = 0; y < m_frame.height; ++y) {
+        if (isCancelled(cancel))
+            return false;
+        for (int x = 0; x < m_frame.width; ++x) {
+            if (m_faces[index(x, y)] < 0)
+                findNearest(x, y, vertical);
+        }
+    }
+    return true;
+}
+
+// Takes over from the row beside it how far the nearest covered texel of the same column is.
+void OssEvSurfaceMap::sweepRow(int y, int from, std::vector<std::int8_t> *vertical) const
+{
+    const int reach = margin(m_frame.width);
+    for (int x = 0; x < m_frame.width; ++x) {
+        std::int8_t &distance = (*vertical)[index(x, y)];
+        if (m_faces[index(x, y)] >= 0) {
+            distance = 0;
+        } else if (from >= 0 && from < m_frame.height) {
+            const int next = (*vertical)[index(x, from)];
+            const int candidate = next + (from - y);
+            const int own = distance;
+            const bool nearer = own == NotCovered || std::abs(candidate) < std::abs(own);
+            if (next != NotCovered && std::abs(candidate) <= reach && nearer)
+                distance = std::int8_t(candidate);
+        }
+    }
+}
+
+void OssEvSurfaceMap::findNearest(int x, int y, const std::vector<std::int8_t> &vertical)
+{
+    const int reach = margin(m_frame.width);
+    int best = reach * reach + 1;
+    const int end = std::min(m_frame.width - 1, x + reach);
+    for (int column = std::max(0, x - reach); column <= end; ++column) {
+        const int down = vertical[index(column, y)];
+        const int distance = (column - x) * (column - x) + down * down;
+        if (down != NotCovered && distance < best) {
+            best = distance;
+            m_offsets[index(x, y)] = {std::int8_t(column - x), std::int8_t(down)};
+        }
+    }
+}
+
+int OssEvSurfaceMap::face(int x, int y) const
+{
+    int coveredX = 0;
+    int coveredY = 0;
+    nearestCovered(x, y, &coveredX, &coveredY);
+    return m_faces[index(coveredX, coveredY)];
+}
+
+void OssEvSurfaceMap::nearestCovered(int x, int y, int *coveredX, int *coveredY) const
+{
+    const Offset offset = m_offsets[index(x, y)];
+    *coveredX = offset.x == NotCovered ? x : x + offset.x;
+    *coveredY = offset.x == NotCovered ? y : y + offset.y;
+}
+
+void OssEvSurfaceMap::coverage(int x, int y, int width, float *to) const
+{
+    for (int i = 0; i < width; ++i)
+        to[i] = m_frame.region().contains(x + i, y) && isCovered(x + i, y) ? 1.0F : 0.0F;
+}
+
+void OssEvSurfaceMap::interpolate(int x, int y, int width,
+                                  const std::vector<OssEvMesh::Vector3> &values, float fallback,
+                                  const std::array<float *, 3> &to) const
+{
+    const int row = std::clamp(y, 0, m_frame.height - 1);
+    const double columnOffset = OssEvPatch::column(m_frame.patch);
+    const double rowOffset = OssEvPatch::row(m_frame.patch);
+    int current = -1;
+    Slope slope(*m_mesh, values, 0);
+    for (int i = 0; i < width; ++i) {
+        int coveredX = 0;
+        int coveredY = 0;
+        nearestCovered(std::clamp(x + i, 0, m_frame.width - 1), row, &coveredX, &coveredY);
+        const int triangle = m_faces[index(coveredX, coveredY)];
+        if (triangle < 0) {
+            to[0][i] = 0.0F;
+            to[1][i] = 0.0F;
+            to[2][i] = fallback;
+            continue;
+        }
+        if (triangle != current) {
+            slope = Slope(*m_mesh, values, triangle);
+            current = triangle;
+        }
+        const double u = (coveredX + 0.5) / m_frame.width + columnOffset;
+        const double v = 1.0 - (coveredY + 0.5) / m_frame.height + rowOffset;
+        for (std::size_t k = 0; k < 3; ++k)
+            to[k][i] = float(slope.at(k, u, v));
+    }
+}
+
+void OssEvSurfaceMap::positions(int x, int y, int width, const std::array<float *, 3> &to) const
+{
+    interpolate(x, y, width, m_mesh->positions, 0.0F, to);
+}
+
+void OssEvSurfaceMap::normals(int x, int y, int width, const std::array<float *, 3> &to) const
+{
+    interpolate(x, y, width, m_mesh->normals, 1.0F, to);
+    for (int i = 0; i < width; ++i) {
+        const float length = std::sqrt(to[0][i] * to[0][i] + to[1][i] * to[1][i]
+                                       + to[2][i] * to[2][i]);
+        const float factor = length > 0.0F ? 1.0F / length : 0.0F;
+        to[0][i] *= factor;
+        to[1][i] *= factor;
+        to[2][i] = length > 0.0F ? to[2][i] * factor : 1.0F;
+    }
+}
+
+void OssEvSurfaceMap::derivatives(int x, int y, std::array<double, 3> *alongU,
+                                  std::array<double, 3> *alongV) const
+{
+    *alongU = {};
+    *alongV = {};
+    const int triangle = face(std::clamp(x, 0, m_frame.width - 1),
+                              std::clamp(y, 0, m_frame.height - 1));
+    if (triangle < 0)
+        return;
+    const Slope slope(*m_mesh, m_mesh->positions, triangle);
+    *alongU = slope.alongU;
+    *alongV = slope.alongV;
+}
+
+std::size_t OssEvSurfaceMap::bytes() const
+{
+    return m_faces.size() * sizeof(m_faces[0]) + m_offsets.size() * sizeof(Offset);
+}

@@ -1,0 +1,94 @@
+#pragma once
+
+#include "OssEvaluation/Geometry/OssEvMesh.h"
+#include "OssEvaluation/OssEvaluation_export.h"
+#include "OssEvaluation/Values/OssEvCancel.h"
+#include "OssEvaluation/Values/OssEvRegion.h"
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+/// Where the texels of a patch lie on a mesh: one face for each texel, rasterised once for each
+/// patch and size. Positions and normals follow from the face, since both change evenly across it.
+///
+/// A texel is covered when its centre lies in a face. Texels within a margin around the covered
+/// ones know the nearest covered texel: it answers for them, so that what is painted over an edge
+/// of a chart continues what lies inside.
+///
+/// Immutable; may be read from several threads.
+class OSSEVALUATION_EXPORT OssEvSurfaceMap
+{
+public:
+    /// Texels of margin in a patch of 4096, in proportion for other sizes.
+    static constexpr int MarginAt4k = 16;
+
+    /// Null when cancelled. Throws std::bad_alloc.
+    static std::shared_ptr<const OssEvSurfaceMap> make(std::shared_ptr<const OssEvMesh> mesh,
+                                                       const OssEvFrame &frame,
+                                                       const OssEvCancel *cancel);
+
+    const OssEvFrame &frame() const { return m_frame; }
+
+    const OssEvMesh &mesh() const { return *m_mesh; }
+
+    /// Margin in texels for a patch of this width.
+    static int margin(int width);
+
+    bool isCovered(int x, int y) const
+    {
+        const Offset offset = m_offsets[index(x, y)];
+        return offset.x == 0 && offset.y == 0;
+    }
+
+    /// Triangle of the mesh that answers for a texel; -1 where none is near.
+    int face(int x, int y) const;
+
+    /// Texel that answers for one: itself, the nearest covered one, or itself again if none is near.
+    void nearestCovered(int x, int y, int *coveredX, int *coveredY) const;
+
+    /// 1 and 0 for `width` texels from (x, y) on; beyond the frame 0.
+    void coverage(int x, int y, int width, float *to) const;
+
+    /// Object space. Texels that no face answers for lie at the origin.
+    void positions(int x, int y, int width, const std::array<float *, 3> &to) const;
+
+    /// Unit vectors in object space; (0, 0, 1) where no face answers.
+    void normals(int x, int y, int width, const std::array<float *, 3> &to) const;
+
+    /// How position changes with u and v in the face that answers for a texel; zero without one.
+    void derivatives(int x, int y, std::array<double, 3> *alongU,
+                     std::array<double, 3> *alongV) const;
+
+    std::size_t bytes() const;
+
+private:
+    /// From a texel to the covered one that answers for it; (NotCovered, 0) without one.
+    struct Offset
+    {
+        std::int8_t x;
+        std::int8_t y;
+    };
+
+    OssEvSurfaceMap(std::shared_ptr<const OssEvMesh> mesh, const OssEvFrame &frame);
+
+    std::size_t index(int x, int y) const
+    {
+        return std::size_t(y) * std::size_t(m_frame.width) + std::size_t(x);
+    }
+
+    bool rasterise(const OssEvCancel *cancel);
+    void rasteriseTriangle(int triangle, const OssEvCancel *cancel);
+    bool dilate(const OssEvCancel *cancel);
+    void sweepRow(int y, int from, std::vector<std::int8_t> *vertical) const;
+    void findNearest(int x, int y, const std::vector<std::int8_t> &vertical);
+    void interpolate(int x, int y, int width, const std::vector<OssEvMesh::Vector3> &values,
+                     float fallback, const std::array<float *, 3> &to) const;
+
+    std::shared_ptr<const OssEvMesh> m_mesh;
+    OssEvFrame m_frame;
+    /// Of covered texels; -1 for the others.
+    std::vector<std::int32_t> m_faces;
+    std::vector<Offset> m_offsets;
+};

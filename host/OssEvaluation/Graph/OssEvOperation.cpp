@@ -1,0 +1,10 @@
+#include "OssEvaluation/Graph/OssEvOperation.h"
+
+#include <utility>
+
+OssEvOperation::~OssEvOperation() = default;
+
+OssEvAreaOperation::OssEvAreaOperation(std::vector<OssEvTap> taps)
+    : m_taps(std::move(taps))
+{
+}

@@ -1,0 +1,511 @@
+// Kernels that change colours one texel at a time. Colours are taken out of their premultiplied
+// form for it, so that a soft edge keeps the colour that the inside has.
+
+#include "OssEvaluation/Kernels/Families.h"
+#include "OssEvaluation/Kernels/PointKernel.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "OssEvaluation/Kernels/Adjust.cpp"
+#include <hwy/foreach_target.h>
+// The order matters: the line above includes this file once for each instruction set.
+#include "OssEvaluation/Kernels/Simd-inl.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#ifndef OSSEV_ADJUST_VALUES
+#define OSSEV_ADJUST_VALUES
+
+namespace OssEvAdjust {
+
+struct LevelsValues
+{
+    float inLow;
+    float inScale;
+    float exponent;
+    float outLow;
+    float outRange;
+};
+
+struct ContrastValues
+{
+    float contrast;
+    float offset;
+    float saturation;
+};
+
+struct PairValues
+{
+    float a;
+    float b;
+};
+
+struct HueValues
+{
+    float hue;
+    float saturation;
+    float value;
+};
+
+struct RampValues
+{
+    std::array<float, 4> low;
+    std::array<float, 4> high;
+    float midpoint;
+};
+
+/// Samples of a curve at even distances.
+struct CurveValues
+{
+    std::vector<float> samples;
+    float first;
+    float scale;
+};
+
+} // namespace OssEvAdjust
+#endif
+
+HWY_BEFORE_NAMESPACE();
+
+namespace OssEvSimd::HWY_NAMESPACE {
+namespace {
+
+using namespace OssEvAdjust;
+
+template <int N>
+struct Channels
+{
+    V c[N];
+};
+
+// Changes colours that are not premultiplied.
+template <int N, class Change>
+HWY_INLINE Channels<N> changed(const Channels<N> &before, const Change &change)
+{
+    Channels<N> after = before;
+    change.apply(after);
+    return after;
+}
+
+// Changes premultiplied colours. Light without cover has no colour underneath: it is taken as it is.
+template <int N, class Change>
+HWY_INLINE Channels<N> changedSoft(const Channels<N> &before, V alpha, const Change &change)
+{
+    const V cover = hn::IfThenElse(hn::Gt(alpha, zero()), alpha, splat(1.0F));
+    Channels<N> after;
+    for (int k = 0; k < N; ++k)
+        after.c[k] = hn::Div(before.c[k], cover);
+    change.apply(after);
+    for (int k = 0; k < N; ++k)
+        after.c[k] = hn::Mul(after.c[k], cover);
+    return after;
+}
+
+// Applies `change` to N channels of a strip, by alpha and mask.
+template <int N, class Change>
+void adjustChannels(const OssEvStrip &strip, const Change &change)
+{
+    const OssEvStripInput &in = strip.inputs[0];
+    const float *mask = strip.inputs[1].connected ? strip.inputs[1].plane[0] : nullptr;
+    const float *alpha = strip.outputChannels == 4 ? in.plane[3] : nullptr;
+    const bool soft = alpha != nullptr && !allOne(alpha, strip.texels());
+    for (std::size_t i = 0; i < strip.texels(); i += hn::Lanes(Floats())) {
+        Channels<N> before;
+        for (int k = 0; k < N; ++k)
+            before.c[k] = load(in.plane[k] + i);
+        const Channels<N> after = soft ? changedSoft(before, load(alpha + i), change)
+                                       : changed(before, change);
+        const V part = mask != nullptr ? load(mask + i) : splat(1.0F);
+        for (int k = 0; k < N; ++k) {
+            const V result = mask != nullptr ? mix(before.c[k], after.c[k], part) : after.c[k];
+            store(result, strip.output[k] + i);
+        }
+    }
+    if (alpha != nullptr)
+        std::copy_n(alpha, strip.texels(), strip.output[3]);
+}
+
+template <class Change>
+void adjust(const OssEvStrip &strip, const Change &change)
+{
+    if (strip.outputChannels == 1)
+        adjustChannels<1>(strip, change);
+    else
+        adjustChannels<3>(strip, change);
+}
+
+struct LevelsChange
+{
+    const LevelsValues &v;
+
+    template <int N>
+    HWY_INLINE void apply(Channels<N> &x) const
+    {
+        for (int k = 0; k < N; ++k) {
+            V t = hn::Mul(hn::Sub(x.c[k], splat(v.inLow)), splat(v.inScale));
+            t = clamp(t, zero(), splat(1.0F));
+            if (v.exponent != 1.0F)
+                t = power(t, splat(v.exponent));
+            x.c[k] = hn::MulAdd(t, splat(v.outRange), splat(v.outLow));
+        }
+    }
+};
+
+void levels(const OssEvStrip &strip, const LevelsValues &values)
+{
+    adjust(strip, LevelsChange{values});
+}
+
+struct ContrastChange
+{
+    const ContrastValues &v;
+
+    template <int N>
+    HWY_INLINE void apply(Channels<N> &x) const
+    {
+        for (int k = 0; k < N; ++k)
+            x.c[k] = hn::MulAdd(x.c[k], splat(v.contrast), splat(v.offset));
+        if constexpr (N == 3) {
+            if (v.saturation != 1.0F) {
+                const V grey = luminance(x.c[0], x.c[1], x.c[2]);
+                for (int k = 0; k < N; ++k)
+                    x.c[k] = mix(grey, x.c[k], splat(v.saturation));
+            }
+        }
+    }
+};
+
+void brightnessContrast(const OssEvStrip &strip, const ContrastValues &values)
+{
+    adjust(strip, ContrastChange{values});
+}
+
+struct GammaChange
+{
+    float exponent;
+
+    template <int N>
+    HWY_INLINE void apply(Channels<N> &x) const
+    {
+        for (int k = 0; k < N; ++k)
+            x.c[k] = power(x.c[k], splat(exponent));
+    }
+};
+
+void gamma(const OssEvStrip &strip, const PairValues &values)
+{
+    adjust(strip, GammaChange{values.a});
+}
+
+struct ClampChange
+{
+    const PairValues &v;
+
+    template <int N>
+    HWY_INLINE void apply(Channels<N> &x) const
+    {
+        for (int k = 0; k < N; ++k)
+            x.c[k] = clamp(x.c[k], splat(v.a), splat(v.b));
+    }
+};
+
+void clampColors(const OssEvStrip &strip, const PairValues &values)
+{
+    adjust(strip, ClampChange{values});
+}
+
+struct InvertChange
+{
+    template <int N>
+    HWY_INLINE void apply(Channels<N> &x) const
+    {
+        for (int k = 0; k < N; ++k)
+            x.c[k] = hn::Sub(splat(1.0F), x.c[k]);
+    }
+};
+
+// With `a` set, alpha is inverted as well and the result stays premultiplied by the new alpha.
+void invertAlpha(const OssEvStrip &strip)
+{
+    const OssEvStripInput &in = strip.inputs[0];
+    const float *mask = strip.inputs[1].connected ? strip.inputs[1].plane[0] : nullptr;
+    for (std::size_t i = 0; i < strip.texels(); i += hn::Lanes(Floats())) {
+        const V m = mask != nullptr ? load(mask + i) : splat(1.0F);
+        const V alpha = load(in.plane[3] + i);
+        const V inverse = hn::Sub(splat(1.0F), alpha);
+        const V cover = hn::IfThenElse(hn::Gt(alpha, zero()), alpha, splat(1.0F));
+        for (int k = 0; k < 3; ++k) {
+            const V before = load(in.plane[k] + i);
+            const V plain = hn::Div(before, cover);
+            const V after = hn::Mul(hn::Sub(splat(1.0F), plain), inverse);
+            store(mix(before, after, m), strip.output[k] + i);
+        }
+        store(mix(alpha, inverse, m), strip.output[3] + i);
+    }
+}
+
+void invert(const OssEvStrip &strip, const PairValues &values)
+{
+    if (values.a != 0.0F && strip.outputChannels == 4)
+        invertAlpha(strip);
+    else
+        adjust(strip, InvertChange{});
+}
+
+struct HueChange
+{
+    const HueValues &v;
+
+    HWY_INLINE void apply(Channels<1> &x) const { x.c[0] = hn::Mul(x.c[0], splat(v.value)); }
+
+    // Hue in turns, from the hexagon of the largest and smallest channel.
+    HWY_INLINE void apply(Channels<3> &x) const
+    {
+        const V r = x.c[0];
+        const V g = x.c[1];
+        const V b = x.c[2];
+        const V high = hn::Max(r, hn::Max(g, b));
+        const V low = hn::Min(r, hn::Min(g, b));
+        const V range = hn::Sub(high, low);
+        const auto grey = hn::Le(range, splat(1e-20F));
+        const V one = splat(1.0F);
+        const V sixth = hn::Div(splat(1.0F / 6.0F), hn::IfThenElse(grey, one, range));
+        const V fromGreen = hn::MulAdd(hn::Sub(b, r), sixth, splat(2.0F / 6.0F));
+        const V fromBlue = hn::MulAdd(hn::Sub(r, g), sixth, splat(4.0F / 6.0F));
+        V hue = hn::IfThenElse(hn::Eq(high, g), fromGreen, fromBlue);
+        hue = hn::IfThenElse(hn::Eq(high, r), hn::Mul(hn::Sub(g, b), sixth), hue);
+        hue = hn::Add(hn::IfThenElseZero(hn::Not(grey), hue), splat(v.hue));
+        const V newHigh = hn::Mul(high, splat(v.value));
+        // Saturation is the range as a part of the value and ends where the smallest channel is 0.
+        const V wanted = hn::Mul(range, splat(v.saturation));
+        const V positive = hn::Max(high, zero());
+        const V newRange = hn::Mul(hn::Min(wanted, hn::Max(positive, range)), splat(v.value));
+        x.c[0] = channel(hue, 0.0F, newHigh, newRange);
+        x.c[1] = channel(hue, 4.0F / 6.0F, newHigh, newRange);
+        x.c[2] = channel(hue, 2.0F / 6.0F, newHigh, newRange);
+    }
+
+    HWY_INLINE static V channel(V hue, float offset, V high, V range)
+    {
+        const V turned = hn::Add(hue, splat(offset));
+        const V t = hn::Sub(turned, hn::Floor(turned));
+        const V up = hn::Abs(hn::MulSub(t, splat(6.0F), splat(3.0F)));
+        const V part = clamp(hn::Sub(splat(2.0F), up), zero(), splat(1.0F));
+        return hn::NegMulAdd(range, part, high);
+    }
+};
+
+void hueShift(const OssEvStrip &strip, const HueValues &values)
+{
+    adjust(strip, HueChange{values});
+}
+
+// Where x lies between the ends of a table of samples, bent linearly between neighbours.
+HWY_INLINE V lookUp(const CurveValues &values, V x)
+{
+    const Floats d;
+    const Ints di;
+    const auto last = float(values.samples.size() - 1);
+    const V place = clamp(hn::Mul(hn::Sub(x, splat(values.first)), splat(values.scale)), zero(),
+                          splat(last));
+    const V whole = hn::Min(hn::Floor(place), splat(last - 1.0F));
+    const VI index = hn::ConvertTo(di, whole);
+    const V left = hn::GatherIndex(d, values.samples.data(), index);
+    const V right = hn::GatherIndex(d, values.samples.data() + 1, index);
+    return mix(left, right, hn::Sub(place, whole));
+}
+
+struct CurveChange
+{
+    const CurveValues &v;
+
+    template <int N>
+    HWY_INLINE void apply(Channels<N> &x) const
+    {
+        for (int k = 0; k < N; ++k)
+            x.c[k] = lookUp(v, x.c[k]);
+    }
+};
+
+void curve(const OssEvStrip &strip, const CurveValues &values)
+{
+    adjust(strip, CurveChange{values});
+}
+
+HWY_INLINE V rampPlace(V value, float midpoint)
+{
+    const V t = clamp(value, zero(), splat(1.0F));
+    const float below = midpoint > 0.0F ? 0.5F / midpoint : 0.0F;
+    const float above = midpoint < 1.0F ? 0.5F / (1.0F - midpoint) : 0.0F;
+    const V left = hn::Mul(t, splat(below));
+    const V right = hn::MulAdd(hn::Sub(t, splat(midpoint)), splat(above), splat(0.5F));
+    return hn::IfThenElse(hn::Lt(t, splat(midpoint)), left, right);
+}
+
+void ramp(const OssEvStrip &strip, const RampValues &values)
+{
+    const OssEvStripInput &in = strip.inputs[0];
+    const float *mask = strip.inputs[1].connected ? strip.inputs[1].plane[0] : nullptr;
+    for (std::size_t i = 0; i < strip.texels(); i += hn::Lanes(Floats())) {
+        Channels<4> before;
+        for (int k = 0; k < 4; ++k)
+            before.c[k] = load(in.plane[k] + i);
+        const V alpha = before.c[3];
+        const V cover = hn::IfThenElse(hn::Gt(alpha, zero()), alpha, splat(1.0F));
+        const V grey = hn::Div(luminance(before.c[0], before.c[1], before.c[2]), cover);
+        const V t = rampPlace(grey, values.midpoint);
+        const V m = mask != nullptr ? load(mask + i) : splat(1.0F);
+        for (int k = 0; k < 4; ++k) {
+            const V color = mix(splat(values.low[std::size_t(k)]),
+                                splat(values.high[std::size_t(k)]), t);
+            store(mix(before.c[k], hn::Mul(color, alpha), m), strip.output[k] + i);
+        }
+    }
+}
+
+} // namespace
+} // namespace OssEvSimd::HWY_NAMESPACE
+
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace OssEvSimd {
+HWY_EXPORT(levels);
+HWY_EXPORT(brightnessContrast);
+HWY_EXPORT(gamma);
+HWY_EXPORT(clampColors);
+HWY_EXPORT(invert);
+HWY_EXPORT(hueShift);
+HWY_EXPORT(curve);
+HWY_EXPORT(ramp);
+} // namespace OssEvSimd
+
+namespace {
+
+using namespace OssEvAdjust;
+using namespace OssEvSimd;
+namespace Describe = OssEvDescribe;
+using Operation = std::shared_ptr<const OssEvOperation>;
+
+const std::vector<std::array<float, 4>> &noMask()
+{
+    static const std::vector<std::array<float, 4>> defaults{{}, OssEvScalar(1.0)};
+    return defaults;
+}
+
+Operation makeLevels(const OssEvKernelSetup &setup)
+{
+    const double range = setup.real("InHigh") - setup.real("InLow");
+    // Equal ends make a step: everything above the low end is high.
+    const double scale = std::abs(range) < 1e-12 ? 1e12 : 1.0 / range;
+    const LevelsValues values{float(setup.real("InLow")), float(scale),
+                              float(1.0 / setup.real("Gamma")), float(setup.real("OutLow")),
+                              float(setup.real("OutHigh") - setup.real("OutLow"))};
+    return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(levels), values, noMask());
+}
+
+Operation makeContrast(const OssEvKernelSetup &setup)
+{
+    constexpr double QuarterTurn = 0.78539816339744831;
+    constexpr double Steepest = 1000.0;
+    // From flat (-1) over unchanged (0) to a step (1), about the middle of the display range.
+    const double contrast = std::min(std::tan((setup.real("Contrast") + 1.0) * QuarterTurn),
+                                     Steepest);
+    const double offset = 0.5 - 0.5 * contrast + setup.real("Brightness");
+    const ContrastValues values{float(contrast), float(offset), float(setup.real("Saturation"))};
+    return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(brightnessContrast), values, noMask());
+}
+
+Operation makeGamma(const OssEvKernelSetup &setup)
+{
+    const PairValues values{float(1.0 / setup.real("Gamma")), 0.0F};
+    return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(gamma), values, noMask());
+}
+
+Operation makeClamp(const OssEvKernelSetup &setup)
+{
+    const PairValues values{float(setup.real("Low")),
+                            float(std::max(setup.real("Low"), setup.real("High")))};
+    return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(clampColors), values, noMask());
+}
+
+Operation makeInvert(const OssEvKernelSetup &setup)
+{
+    const PairValues values{setup.flag("Alpha") ? 1.0F : 0.0F, 0.0F};
+    return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(invert), values, noMask());
+}
+
+Operation makeHueShift(const OssEvKernelSetup &setup)
+{
+    const HueValues values{float(setup.real("Hue") / 360.0), float(setup.real("Saturation")),
+                           float(setup.real("Value"))};
+    return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(hueShift), values, noMask());
+}
+
+Operation makeCurve(const OssEvKernelSetup &setup)
+{
+    constexpr int Samples = 4097;
+    const OssEvCurve shape = setup.curve("Curve");
+    const auto &points = shape.points();
+    const double first = points.empty() ? 0.0 : points.front()[0];
+    const double last = points.empty() ? 1.0 : points.back()[0];
+    const double range = std::max(last - first, 1e-6);
+    CurveValues values{{}, float(first), float((Samples - 1) / range)};
+    values.samples.reserve(Samples);
+    for (int i = 0; i < Samples; ++i)
+        values.samples.push_back(float(shape.at(first + range * i / (Samples - 1))));
+    return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(curve), values, noMask());
+}
+
+Operation makeRamp(const OssEvKernelSetup &setup)
+{
+    const RampValues values{setup.premultiplied("LowColor"), setup.premultiplied("HighColor"),
+                            float(setup.real("Midpoint"))};
+    return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(ramp), values, noMask());
+}
+
+OssEvKernel adjustment(std::string name, std::vector<OssEvParameterDescription> parameters,
+                       Operation (*make)(const OssEvKernelSetup &))
+{
+    OssEvKernel kernel;
+    kernel.name = std::move(name);
+    kernel.inputs = {{"Input", 0, true}, {"Mask", 1}};
+    kernel.outputs = {{"Output", 0}};
+    kernel.parameters = std::move(parameters);
+    kernel.uniform = true;
+    kernel.keepsPrecision = true;
+    kernel.make = make;
+    return kernel;
+}
+
+} // namespace
+
+void OssEvFamilies::addAdjustments(std::vector<OssEvKernel> *kernels)
+{
+    using namespace Describe;
+    kernels->push_back(
+        adjustment("levels",
+                   {real("InLow", 0, 0, 1), real("InHigh", 1, 0, 1), real("Gamma", 1, 0.01, 10),
+                    real("OutLow", 0, 0, 1), real("OutHigh", 1, 0, 1)},
+                   makeLevels));
+    kernels->push_back(adjustment(
+        "brightnessContrast",
+        {real("Brightness", 0, -1, 1), real("Contrast", 0, -1, 1), real("Saturation", 1, 0, 4)},
+        makeContrast));
+    kernels->push_back(adjustment("gamma", {real("Gamma", 1, 0.01, 10)}, makeGamma));
+    kernels->push_back(adjustment("clamp", {real("Low", 0), real("High", 1)}, makeClamp));
+    kernels->push_back(adjustment("invert", {flag("Alpha", false)}, makeInvert));
+    kernels->push_back(
+        adjustment("hueShift",
+                   {real("Hue", 0, -180, 180), real("Saturation", 1, 0, 4), real("Value", 1, 0, 4)},
+                   makeHueShift));
+    kernels->push_back(adjustment("curve", {Describe::curve("Curve")}, makeCurve));
+    kernels->push_back(adjustment("ramp",
+                                  {color("LowColor", {0, 0, 0, 1}),
+                                   color("HighColor", {1, 1, 1, 1}), real("Midpoint", 0.5, 0, 1)},
+                                  makeRamp));
+    kernels->back().inputs[0].channels = 4;
+    kernels->back().outputs[0].channels = 4;
+}
+#endif

@@ -1,0 +1,108 @@
+// What the vector code of several kernels shares. Compiled once for each instruction set, so it has
+// the kind of guard that Highway's own headers have, and no external linkage.
+#if defined(OSSEV_SIMD_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef OSSEV_SIMD_INL_H_
+#undef OSSEV_SIMD_INL_H_
+#else
+#define OSSEV_SIMD_INL_H_
+#endif
+
+#include "OssEvaluation/Graph/OssEvOperation.h"
+
+#include <hwy/contrib/math/math-inl.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+
+namespace OssEvSimd::HWY_NAMESPACE {
+namespace {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+using Floats = hn::ScalableTag<float>;
+using Ints = hn::ScalableTag<std::int32_t>;
+using Words = hn::ScalableTag<std::uint32_t>;
+using V = hn::Vec<Floats>;
+using VI = hn::Vec<Ints>;
+using VW = hn::Vec<Words>;
+
+HWY_INLINE V splat(float value)
+{
+    return hn::Set(Floats(), value);
+}
+
+HWY_INLINE V zero()
+{
+    return hn::Zero(Floats());
+}
+
+HWY_INLINE V load(const float *from)
+{
+    return hn::Load(Floats(), from);
+}
+
+HWY_INLINE void store(V value, float *to)
+{
+    hn::Store(value, Floats(), to);
+}
+
+HWY_INLINE V clamp(V value, V low, V high)
+{
+    return hn::Min(hn::Max(value, low), high);
+}
+
+/// Between a and b by t.
+HWY_INLINE V mix(V a, V b, V t)
+{
+    return hn::MulAdd(hn::Sub(b, a), t, a);
+}
+
+/// x to the power y for positive x; 0 for what is not positive.
+HWY_INLINE V power(V x, V y)
+{
+    const Floats d;
+    const V safe = hn::Max(x, splat(1e-30F));
+    return hn::IfThenElseZero(hn::Gt(x, zero()), hn::Exp(d, hn::Mul(y, hn::Log(d, safe))));
+}
+
+HWY_INLINE V luminance(V red, V green, V blue)
+{
+    return hn::MulAdd(red, splat(0.2126F),
+                      hn::MulAdd(green, splat(0.7152F), hn::Mul(blue, splat(0.0722F))));
+}
+
+/// Display values of IEC 61966-2-1 from linear ones; odd about zero.
+HWY_INLINE V toSrgb(V linear)
+{
+    const V size = hn::Abs(linear);
+    const V curved = hn::MulSub(splat(1.055F), power(size, splat(1.0F / 2.4F)), splat(0.055F));
+    const V straight = hn::Mul(size, splat(12.92F));
+    return hn::CopySign(hn::IfThenElse(hn::Gt(size, splat(0.0031308F)), curved, straight), linear);
+}
+
+HWY_INLINE V fromSrgb(V display)
+{
+    const V size = hn::Abs(display);
+    const V curved = power(hn::Mul(hn::Add(size, splat(0.055F)), splat(1.0F / 1.055F)),
+                           splat(2.4F));
+    const V straight = hn::Mul(size, splat(1.0F / 12.92F));
+    return hn::CopySign(hn::IfThenElse(hn::Gt(size, splat(0.04045F)), curved, straight), display);
+}
+
+/// Whether every value is 1: most alphas are.
+HWY_INLINE bool allOne(const float *values, std::size_t count)
+{
+    const Floats d;
+    for (std::size_t i = 0; i < count; i += hn::Lanes(d)) {
+        if (!hn::AllTrue(d, hn::Eq(load(values + i), splat(1.0F))))
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+} // namespace OssEvSimd::HWY_NAMESPACE
+
+HWY_AFTER_NAMESPACE();
+
+#endif

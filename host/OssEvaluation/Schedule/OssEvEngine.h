@@ -1,0 +1,125 @@
+#pragma once
+
+#include "OssEvaluation/OssEvaluation_export.h"
+#include "OssEvaluation/Schedule/OssEvPlan.h"
+#include "OssEvaluation/Schedule/OssEvTileCache.h"
+#include "OssEvaluation/Values/OssEvRegion.h"
+#include "OssEvaluation/Values/OssEvTile.h"
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+
+/// A tile of the target that is done.
+struct OssEvArrival
+{
+    /// Place in tiles; the first texel of the patch is in tile (0, 0).
+    int x = 0;
+    int y = 0;
+    OssEvTilePointer tile;
+    /// Size of the whole target in texels.
+    OssEvFrame frame;
+};
+
+/// How a request ended.
+struct OssEvOutcome
+{
+    bool cancelled = false;
+    /// Empty when every tile arrived. Names the node and the reason.
+    std::string error;
+
+    bool ok() const { return !cancelled && error.empty(); }
+};
+
+struct OssEvRequest
+{
+    /// Nearest to the focus first, or line by line from the top.
+    enum class Order { Nearest, Rows };
+
+    OssEvTarget target;
+    /// Texels of the target that are wanted; all when empty.
+    OssEvRegion region;
+    Order order = Order::Nearest;
+    /// In texels of the target.
+    double focusX = 0.0;
+    double focusY = 0.0;
+    /// Higher ones come first, whenever they were started.
+    int priority = 0;
+
+    /// All are called on the engine's threads, never with a lock held and never after `onFinished`,
+    /// which is called exactly once. They may call the engine, but not wait for it.
+    std::function<void(const OssEvArrival &arrival)> onTile;
+    std::function<void(int done, int total)> onProgress;
+    std::function<void(const OssEvOutcome &outcome)> onFinished;
+};
+
+/// What the engine has done since it was made or the figures were reset.
+struct OssEvStatistics
+{
+    /// Calls by kernel. One call computes one tile; of a filter, a block of four.
+    std::map<std::string, std::uint64_t> calls;
+    /// Processor time by the name of the node that it was spent for.
+    std::map<std::string, double> seconds;
+    std::uint64_t tilesComputed = 0;
+    std::uint64_t tilesFromCache = 0;
+    /// Times that something was wanted which was already being computed.
+    std::uint64_t joins = 0;
+    std::uint64_t cancelledUnits = 0;
+    /// Tiles of images, among them such as nobody asked for.
+    std::uint64_t tilesRead = 0;
+
+    std::uint64_t callsOf(const std::string &kernel) const
+    {
+        const auto found = calls.find(kernel);
+        return found == calls.end() ? 0 : found->second;
+    }
+};
+
+/// Computes pixels: one pool of threads for all requests, one thread for files, one cache.
+///
+/// A request is cut into tiles of its target; what they need is computed only as far as it is
+/// needed and not in the cache, and only once however many ask for it. Safe to use from any thread;
+/// nothing but `wait` and the destructor ever waits for pixels.
+class OSSEVALUATION_EXPORT OssEvEngine
+{
+public:
+    using Id = std::uint64_t;
+
+    struct Options
+    {
+        /// 0 for the default.
+        std::size_t cacheBytes = 0;
+        /// 0 for as many as there are processors.
+        int threads = 0;
+    };
+
+    OssEvEngine();
+    explicit OssEvEngine(const Options &options);
+    OssEvEngine(const OssEvEngine &) = delete;
+    OssEvEngine &operator=(const OssEvEngine &) = delete;
+    /// Cancels everything and waits for the work in hand.
+    ~OssEvEngine();
+
+    /// Returns at once; every fault of the request is told by its outcome.
+    Id start(OssEvRequest request);
+
+    /// The outcome may still be that all was done. Work that nobody else wants stops within a few
+    /// milliseconds.
+    void cancel(Id id);
+
+    /// Changes the order of what is still to come.
+    void setFocus(Id id, double x, double y);
+
+    /// Until the outcome has been told. Not from a callback.
+    void wait(Id id);
+
+    OssEvTileCache &cache();
+
+    OssEvStatistics statistics() const;
+    void resetStatistics();
+
+private:
+    std::unique_ptr<class OssEvScheduler> m_scheduler;
+};

@@ -1,0 +1,3 @@
+#include "OssEvaluation/Schedule/OssEvImageProvider.h"
+
+OssEvImageProvider::~OssEvImageProvider() = default;

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "OssEvaluation/Geometry/OssEvSurfaceMap.h"
+#include "OssEvaluation/Schedule/OssEvPlan.h"
+#include "OssEvaluation/Values/OssEvTileGrid.h"
+
+#include <memory>
+#include <vector>
+
+/// Tiles of one input that a unit reads.
+struct OssEvWindow
+{
+    OssEvKey key;
+    /// In tiles.
+    OssEvRegion tiles;
+    std::vector<OssEvTilePointer> pointers;
+
+    OssEvTilePointer &at(int x, int y)
+    {
+        return pointers[std::size_t(y - tiles.y) * std::size_t(tiles.width)
+                        + std::size_t(x - tiles.x)];
+    }
+
+    const OssEvTilePointer &at(int x, int y) const
+    {
+        return pointers[std::size_t(y - tiles.y) * std::size_t(tiles.width)
+                        + std::size_t(x - tiles.x)];
+    }
+};
+
+/// Tiles of a stage that are computed at once.
+struct OssEvUnitPlace
+{
+    const OssEvPlan *plan = nullptr;
+    int stage = 0;
+    /// In units of the stage.
+    int x = 0;
+    int y = 0;
+
+    const OssEvPlanStage &description() const { return plan->stages()[std::size_t(stage)]; }
+
+    /// In tiles, cut to the stage's frame.
+    OssEvRegion tiles() const;
+
+    /// Tiles that are needed of each input of the stage.
+    std::vector<OssEvWindow> windows() const;
+};
+
+struct OssEvUnitTile
+{
+    int x = 0;
+    int y = 0;
+    OssEvTilePointer tile;
+};
+
+/// Computes a unit from its inputs. Takes no lock and starts no thread. Returns an incomplete
+/// result when cancelled; may throw std::bad_alloc.
+std::vector<OssEvUnitTile> OssEvRunUnit(const OssEvUnitPlace &place,
+                                        const std::vector<OssEvWindow> &windows,
+                                        const OssEvSurfaceMap *surface, const OssEvCancel &cancel);

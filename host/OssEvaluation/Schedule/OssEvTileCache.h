@@ -1,0 +1,70 @@
+#pragma once
+
+#include "OssEvaluation/OssEvaluation_export.h"
+#include "OssEvaluation/Values/OssEvKey.h"
+#include "OssEvaluation/Values/OssEvTile.h"
+
+#include <cstddef>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <unordered_map>
+
+/// Tiles by key, within a number of bytes. What goes first is cheap to compute again, large, or
+/// long not asked for: GreedyDual-Size (P. Cao, S. Irani, "Cost-Aware WWW Proxy Caching
+/// Algorithms", 1997). Safe to use from any thread.
+class OSSEVALUATION_EXPORT OssEvTileCache
+{
+public:
+    explicit OssEvTileCache(std::size_t budget);
+
+    /// Two fifths of the machine's memory.
+    static std::size_t defaultBudget();
+
+    /// Null when the tile is not there.
+    OssEvTilePointer find(const OssEvTileKey &key);
+
+    /// `cost` is how many nanoseconds the tile took. A tile larger than the budget is not kept.
+    void insert(const OssEvTileKey &key, OssEvTilePointer tile, double cost);
+
+    void clear();
+
+    std::size_t budget() const;
+    void setBudget(std::size_t bytes);
+
+    /// Never more than the budget. Tiles that others still hold live on beside it.
+    std::size_t bytes() const;
+    std::size_t count() const;
+    std::size_t evictions() const;
+
+private:
+    struct Entry
+    {
+        OssEvTilePointer tile;
+        double cost = 0.0;
+        double rank = 0.0;
+    };
+
+    struct Ranked
+    {
+        double rank;
+        const OssEvTileKey *key;
+
+        bool operator<(const Ranked &other) const
+        {
+            return rank != other.rank ? rank < other.rank : key < other.key;
+        }
+    };
+
+    void shrinkTo(std::size_t bytes);
+    double rankOf(const Entry &entry) const;
+
+    mutable std::mutex m_mutex;
+    std::unordered_map<OssEvTileKey, Entry> m_entries;
+    std::set<Ranked> m_order;
+    std::size_t m_budget;
+    std::size_t m_bytes = 0;
+    std::size_t m_evictions = 0;
+    /// Rank of what was evicted last: what comes or is asked for now starts from there.
+    double m_floor = 0.0;
+};

@@ -1,0 +1,85 @@
+#pragma once
+
+#include "OssEvaluation/Graph/OssEvGraph.h"
+#include "OssEvaluation/Schedule/OssEvEngine.h"
+
+#include <gtest/gtest.h>
+
+#include <condition_variable>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+/// Images made up by functions; counts what is read, and can hold readers back.
+class TestImages : public OssEvImageProvider
+{
+public:
+    using Texel = std::array<float, 4>;
+    using Function = std::function<Texel(int x, int y)>;
+
+    void add(const std::string &name, int width, int height, Function function);
+
+    /// Readers wait until they are let go.
+    void hold();
+    void letGo();
+
+    int reads() const;
+
+    OssEvResult describe(const Image &image, OssEvImageInfo *info) override;
+    OssEvResult read(const Image &image, int reduction, int tileRow, const OssEvCancel &cancel,
+                     const Deliver &deliver) override;
+
+private:
+    struct Entry
+    {
+        int width = 0;
+        int height = 0;
+        Function function;
+    };
+
+    mutable std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::map<std::string, Entry> m_entries;
+    bool m_held = false;
+    int m_reads = 0;
+};
+
+/// What a request brought.
+struct Collected
+{
+    std::map<std::pair<int, int>, OssEvTilePointer> tiles;
+    /// In the order of arrival.
+    std::vector<std::pair<int, int>> order;
+    OssEvOutcome outcome;
+    OssEvFrame frame;
+    int finished = 0;
+    int afterFinish = 0;
+    int twice = 0;
+    int lastProgress = 0;
+
+    float texel(int channel, int x, int y) const;
+};
+
+/// Starts requests on an engine of its own and collects what comes.
+class EngineFixture : public testing::Test
+{
+protected:
+    EngineFixture();
+    ~EngineFixture() override;
+
+    OssEvTarget target(const std::shared_ptr<const OssEvGraph> &graph, const std::string &node,
+                       int size = 512) const;
+
+    /// The collection is complete after the engine has finished the request.
+    OssEvEngine::Id start(OssEvRequest request, Collected *collected);
+    Collected evaluate(const OssEvTarget &target);
+
+    std::shared_ptr<TestImages> images;
+    std::unique_ptr<OssEvEngine> engine;
+
+private:
+    std::mutex m_mutex;
+};

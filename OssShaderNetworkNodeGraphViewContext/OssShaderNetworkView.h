@@ -204,6 +204,8 @@ protected:
     void keyReleaseEvent(QKeyEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void scrollContentsBy(int dx, int dy) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dragMoveEvent(QDragMoveEvent *event) override;
     void dragLeaveEvent(QDragLeaveEvent *event) override;
@@ -245,6 +247,10 @@ private:
     };
 
     void importArchives(const QStringList &paths, const QPoint &viewPos, const ArchiveKind &kind);
+    /// Of a note, or of a backdrop whose title was hit; nothing for other items.
+    void editTextInPlace(OssNgNode *item, const QPointF &scenePos);
+    /// "Wall > Dirt > Noise" inside a group; empty in a root network.
+    QString placeText() const;
     void dropImages(QDropEvent *event);
     void dropArchives(QDropEvent *event);
     void chooseOutputPoint(OssSnBaseNode *node, OssSnBaseNode *viewer, int num);

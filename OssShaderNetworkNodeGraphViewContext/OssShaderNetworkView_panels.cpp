@@ -1,3 +1,5 @@
+#include "OssShaderNetworkView.h"
+
 #include "OssCore/OssDebug.h"
 #include "OssCore/OssUndoManager.h"
 #include "OssCoreModules/Layers/OssLayerShaderManager.h"
@@ -6,7 +8,6 @@
 #include "OssCoreModules/Network/OssSnGroupNode.h"
 #include "OssGroupNodeKnobWidget.h"
 #include "OssShaderNetworkUpgradeView.h"
-#include "OssShaderNetworkView.h"
 
 // Commands that open panels: properties, knobs, versions.
 

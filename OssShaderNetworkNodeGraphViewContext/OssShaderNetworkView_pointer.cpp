@@ -139,7 +139,8 @@ void OssShaderNetworkView::mouseDoubleClickEvent(QMouseEvent *event)
 {
     if (!scene())
         return;
-    OssSnBaseNode *node = businessNodeOf(nodeForDoubleClick(event));
+    OssNgNode *item = nodeForDoubleClick(event);
+    OssSnBaseNode *node = businessNodeOf(item);
     if (!node)
         return;
     Q_EMIT nodeDoubleClicked(node);
@@ -151,6 +152,7 @@ void OssShaderNetworkView::mouseDoubleClickEvent(QMouseEvent *event)
     if (node->hasTag(QStringLiteral("_viewer")))
         OssShaderNetworkManager::instance()->setCurrentViewerNode(node);
     QGraphicsView::mouseDoubleClickEvent(event);
+    editTextInPlace(item, mapToScene(event->pos()));
 }
 
 // --- keys

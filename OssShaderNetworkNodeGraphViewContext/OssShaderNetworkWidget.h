@@ -88,7 +88,7 @@ protected Q_SLOTS:
     virtual void onUserAttributeRenamed(QString OldAttributeName, QString NewAttributeName);
 
 protected:
-    bool event(QEvent *event) override;
+    bool event(QEvent *Event) override;
 
 protected Q_SLOTS:
     void onMaxPanelsEditingFinished();

@@ -520,9 +520,9 @@ OssSnBaseNode *OssSnNodePropertiesWidget::nodeUnderMouse() const
     return nullptr;
 }
 
-bool OssSnNodePropertiesWidget::event(QEvent *event)
+bool OssSnNodePropertiesWidget::event(QEvent *Event)
 {
-    const QEvent::Type type = event->type();
+    const QEvent::Type type = Event->type();
     if (type == QEvent::HoverEnter || type == QEvent::HoverMove || type == QEvent::HoverLeave) {
         OssSnBaseNode *now = type == QEvent::HoverLeave ? nullptr : nodeUnderMouse();
         if (now != m_nodeUnderMouse) {
@@ -531,5 +531,5 @@ bool OssSnNodePropertiesWidget::event(QEvent *event)
             Q_EMIT propertiesUnderMouseChanged(now, before);
         }
     }
-    return QWidget::event(event);
+    return QWidget::event(Event);
 }

@@ -57,4 +57,22 @@ TEST(Layers, everyIncludeStaysWithinWhatTheLayerMayUse)
     EXPECT_GT(files, 100);
 }
 
+// The thread sanitizer can see standard locks, not Qt's.
+TEST(Layers, pixelsAreComputedWithoutQt)
+{
+    const QString folder = qEnvironmentVariable("OSSA_ROOT")
+                           + QStringLiteral("/host/OssEvaluation");
+    const QRegularExpression include(QStringLiteral("^\\s*#include [<\"]Q"),
+                                     QRegularExpression::MultilineOption);
+    QDirIterator sources(folder, {QStringLiteral("*.h"), QStringLiteral("*.cpp")}, QDir::Files,
+                         QDirIterator::Subdirectories);
+    EXPECT_TRUE(sources.hasNext()) << qPrintable(folder);
+    while (sources.hasNext()) {
+        QFile file(sources.next());
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        EXPECT_FALSE(include.match(QString::fromUtf8(file.readAll())).hasMatch())
+            << qPrintable(file.fileName());
+    }
+}
+
 } // namespace

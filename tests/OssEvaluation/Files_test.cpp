@@ -6,10 +6,12 @@
 #include "OssEvaluation/Files/OssEvImageWriter.h"
 #include "OssEvaluation/Files/OssEvUdim.h"
 
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <algorithm>
 #include <cmath>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -201,17 +203,47 @@ TEST_F(Files, aFileIsWholeOrNotThere)
     EXPECT_EQ(names(), (std::vector<std::string>{"a", "link"}));
 }
 
-TEST_F(Files, aFullDiskIsNoticed)
+/// Writing beyond so many bytes fails, as on a full disk.
+class FileSizeLimit
 {
-    if (!fs::exists("/dev/full"))
-        GTEST_SKIP();
-    // A temporary file beside it cannot be made there; the message names the file.
-    const OssEvResult result = OssEvBake::run(engine.get(), [this] {
-        OssEvBake::Job what = job(wave(), "Noise", "x.exr");
-        what.path = "/proc/x.exr";
-        return what;
-    }());
-    EXPECT_NE(result.error().find("/proc/x.exr"), std::string::npos);
+public:
+    explicit FileSizeLimit(rlim_t bytes)
+        : m_handler(std::signal(SIGXFSZ, SIG_IGN))
+    {
+        ::getrlimit(RLIMIT_FSIZE, &m_before);
+        const rlimit limit{bytes, m_before.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+    }
+
+    FileSizeLimit(const FileSizeLimit &) = delete;
+    FileSizeLimit &operator=(const FileSizeLimit &) = delete;
+
+    ~FileSizeLimit()
+    {
+        ::setrlimit(RLIMIT_FSIZE, &m_before);
+        std::signal(SIGXFSZ, m_handler);
+    }
+
+private:
+    void (*m_handler)(int);
+    rlimit m_before{};
+};
+
+TEST_F(Files, aFullDiskIsNoticedAndLeavesTheOldFile)
+{
+    for (const char *name : {"a.exr", "a.png", "a.tif"})
+        std::ofstream(path(name)) << "old";
+    for (const char *name : {"a.exr", "a.png", "a.tif"}) {
+        OssEvResult result;
+        {
+            const FileSizeLimit limit(200000);
+            result = OssEvBake::run(engine.get(), job(wave(), "Merge", name, 1024));
+        }
+        EXPECT_NE(result.error().find("Cannot write \"" + path(name)), std::string::npos)
+            << name << ": " << result.error();
+        EXPECT_EQ(content(name), "old");
+    }
+    EXPECT_EQ(names(), (std::vector<std::string>{"a.exr", "a.png", "a.tif"}));
 }
 
 TEST_F(Files, hostileImagesAreRefusedInWords)
@@ -223,7 +255,7 @@ TEST_F(Files, hostileImagesAreRefusedInWords)
     fs::create_directory(path("folder.png"));
     EXPECT_NE(error("folder.png").find("it is not a file"), std::string::npos);
     std::ofstream(path("text.png")) << "this is no picture";
-    std::ofstream(path("empty.exr"));
+    std::ofstream(path("empty.exr")) << "";
     for (const char *name : {"text.png", "empty.exr"})
         EXPECT_NE(error(name).find(path(name)), std::string::npos) << error(name);
 

@@ -95,7 +95,7 @@ Picture randomPicture(int width, int height, int channels, std::uint32_t seed, d
     return picture;
 }
 
-KernelBench::KernelBench(const std::string &kernel, OssEvParameters parameters)
+KernelBench::KernelBench(const std::string &kernel, const OssEvParameters &parameters)
     : m_kernel(OssEvKernelLibrary::find(kernel))
 {
     if (m_kernel == nullptr) {
@@ -248,8 +248,8 @@ Picture KernelBench::runArea(const OssEvAreaOperation &operation, int width, int
             operation.run(block);
             for (int k = 0; k < result.channels; ++k) {
                 for (int row = 0; row < block.region.height; ++row) {
-                    std::copy_n(block.output[std::size_t(k)] + row * 256, block.region.width,
-                                &result.at(k, x, y + row));
+                    std::copy_n(block.output[std::size_t(k)] + std::ptrdiff_t(row) * 256,
+                                block.region.width, &result.at(k, x, y + row));
                 }
             }
         }

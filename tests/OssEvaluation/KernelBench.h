@@ -49,7 +49,7 @@ Picture randomPicture(int width, int height, int channels, std::uint32_t seed, d
 class KernelBench
 {
 public:
-    explicit KernelBench(const std::string &kernel, OssEvParameters parameters = {});
+    explicit KernelBench(const std::string &kernel, const OssEvParameters &parameters = {});
 
     KernelBench &input(const std::string &name, const Picture &picture);
     KernelBench &output(const std::string &name);

@@ -117,7 +117,8 @@ void compareAttributes(const OssEvKernel &kernel, const std::string &xml, const 
         ASSERT_TRUE(result) << file << ": " << result.error();
         // The constant tells by what it is given whether it is a colour.
         const bool same = complete.at(name) == defaults.at(name) || kernel.name == "constant"
-                          || attribute.at("Type") == "text";
+                          || attribute.at("Type") == "text" || attribute.at("Type") == "curve"
+                          || attribute.at("Type") == "ramp";
         EXPECT_TRUE(same) << file << ": default of " << name;
         if (attribute.count("Choices") != 0) {
             EXPECT_EQ(split(attribute.at("Choices")), found->choices) << file << ": " << name;

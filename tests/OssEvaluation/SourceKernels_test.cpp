@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <vector>
 
 namespace {
 
@@ -272,32 +274,39 @@ TEST(SourceKernels, noiseOnTheSphereHasNoSeam)
     EXPECT_GT(inside, 0.0);
 }
 
+double distanceOf(int kind, double x, double y, double z)
+{
+    if (kind == 0)
+        return std::hypot(x, y, z);
+    return kind == 1 ? std::abs(x) + std::abs(y) + std::abs(z)
+                     : std::max({std::abs(x), std::abs(y), std::abs(z)});
+}
+
+// Where the point of a cell lies, seen from `at`.
+std::array<double, 3> pointOf(const std::array<int, 3> &cell, const std::array<double, 3> &at)
+{
+    std::uint32_t bits = hash(cell[0], cell[1], cell[2], 3);
+    std::array<double, 3> result{};
+    for (std::size_t k = 0; k < 3; ++k) {
+        result[k] = cell[k] + (double(bits & 0x3FFU) / 1023.0 - 0.5) * 0.8 + 0.5 - at[k];
+        bits >>= 10;
+    }
+    return result;
+}
+
 double cellular(double x, double y, double z, bool flat, int distance, int feature)
 {
-    const double fx = std::floor(x);
-    const double fy = std::floor(y);
-    const double fz = flat ? 0.0 : std::floor(z);
-    double first = 1e30;
-    double second = 1e30;
-    const auto point = [](std::uint32_t bits) {
-        return (double(bits & 0x3FFU) / 1023.0 - 0.5) * 0.8 + 0.5;
-    };
-    for (int k = flat ? 0 : -1; k <= (flat ? 0 : 1); ++k) {
-        for (int j = -1; j <= 1; ++j) {
-            for (int i = -1; i <= 1; ++i) {
-                const std::uint32_t bits = hash(int(fx) + i, int(fy) + j, int(fz) + k, 3);
-                const double dx = std::abs(i + point(bits) - (x - fx));
-                const double dy = std::abs(j + point(bits >> 10) - (y - fy));
-                const double dz = flat ? 0.0 : std::abs(k + point(bits >> 20) - (z - fz));
-                const double d = distance == 0   ? std::hypot(dx, dy, dz)
-                                 : distance == 1 ? dx + dy + dz
-                                                 : std::max({dx, dy, dz});
-                second = std::min(second, std::max(d, first));
-                first = std::min(first, d);
-            }
-        }
+    const std::array<double, 3> at{x, y, flat ? 0.0 : z};
+    std::vector<double> distances;
+    for (int i = 0; i < (flat ? 9 : 27); ++i) {
+        const std::array<int, 3> cell{int(std::floor(x)) + i % 3 - 1,
+                                      int(std::floor(y)) + i / 3 % 3 - 1,
+                                      flat ? 0 : int(std::floor(z)) + i / 9 - 1};
+        const std::array<double, 3> point = pointOf(cell, at);
+        distances.push_back(distanceOf(distance, point[0], point[1], flat ? 0.0 : point[2]));
     }
-    return feature == 0 ? first : feature == 1 ? second : second - first;
+    std::sort(distances.begin(), distances.end());
+    return feature == 0 ? distances[0] : feature == 1 ? distances[1] : distances[1] - distances[0];
 }
 
 TEST(SourceKernels, cellularByDistanceAndFeature)

@@ -134,7 +134,7 @@ QVariant Reader::readDefault(const QString &typeName, const QString &name)
             fail(tr("the default \"%1\" of \"%2\" is no %3").arg(value, name, typeName));
         return read;
     }
-    if (typeName == QLatin1String("color")) {
+    if (typeName == QLatin1String("color") || typeName == QLatin1String("displaycolor")) {
         bool ok = false;
         const OssColor color = OssColor::fromString(text("Default", QStringLiteral("0,0,0,1")),
                                                     &ok);
@@ -164,8 +164,9 @@ void Reader::readAttribute(OssSnNodeType *type, const QString &group)
     definition->toolTip = text("ToolTip");
     definition->visible = flag("Visible", true);
     const QString typeName = text("Type");
-    if (typeName == QLatin1String("file") || typeName == QLatin1String("curve")
-        || typeName == QLatin1String("paragraph"))
+    static const QStringList editors{QStringLiteral("file"), QStringLiteral("curve"),
+                                     QStringLiteral("paragraph"), QStringLiteral("displaycolor")};
+    if (editors.contains(typeName))
         definition->editor = typeName;
     definition->defaultValue = readDefault(text("Type"), definition->name);
     if (definition->name.isEmpty() || definition->name.contains(QLatin1Char('/')))

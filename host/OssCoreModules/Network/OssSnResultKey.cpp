@@ -78,6 +78,8 @@ private:
                             || node->hasTag(QStringLiteral("_output"))
                             || node->hasTag(QStringLiteral("_dot"))
                             || qobject_cast<const OssSnBaseTeleportNode *>(node);
+        if (passes && sources.size() == 1)
+            return sources.first().first ? m_keys.value(sources.first()) : QByteArray("-");
         if (!passes) {
             add(node->pathKey());
             add(place.second);

@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr QSize SwatchSize(34, 20);
+constexpr QSize SwatchSize(26, 20);
 constexpr int Square = 5;
 
 double encoded(double linear)
@@ -39,7 +39,7 @@ OssColorEditor::OssColorEditor(QWidget *parent)
     , m_swatch(new QPushButton(this))
 {
     QHBoxLayout *row = makeRow();
-    row->setSpacing(3);
+    row->setSpacing(2);
     m_swatch->setFlat(true);
     m_swatch->setIconSize(SwatchSize);
     m_swatch->setFixedSize(SwatchSize + QSize(6, 6));

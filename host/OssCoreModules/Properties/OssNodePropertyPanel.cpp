@@ -227,6 +227,11 @@ void OssNodePropertyPanel::followNode(bool title)
     });
     connect(m_node, &OssSerializableObject::selectedChanged, this,
             &OssNodePropertyPanel::refreshTargets);
+    // What is selected besides may change unseen while nobody edits here.
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget *before, QWidget *now) {
+        if (now && isAncestorOf(now) && !(before && isAncestorOf(before)))
+            refreshTargets();
+    });
     connect(OssLinkedCustomAttributeManager::instance(),
             &OssLinkedCustomAttributeManager::linksChanged, this,
             [this](const OssSnGroupNode *group, const QString &knob) {
@@ -257,17 +262,10 @@ void OssNodePropertyPanel::refreshTargets()
         row->refreshTargets();
 }
 
-// What is selected besides may change unseen while nobody edits here.
 void OssNodePropertyPanel::enterEvent(QEvent *event)
 {
     refreshTargets();
     OssExpandableListWidget::enterEvent(event);
-}
-
-void OssNodePropertyPanel::focusInEvent(QFocusEvent *event)
-{
-    refreshTargets();
-    OssExpandableListWidget::focusInEvent(event);
 }
 
 // --- lock and pin

@@ -53,7 +53,6 @@ public:
 protected:
     void keyPressEvent(QKeyEvent *event) override;
     void enterEvent(QEvent *event) override;
-    void focusInEvent(QFocusEvent *event) override;
 
 private:
     struct Section

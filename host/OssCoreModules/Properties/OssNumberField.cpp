@@ -19,6 +19,8 @@ constexpr double FineFactor = 0.1;
 constexpr double Corner = 4.0;
 constexpr int LargeStep = 10;
 constexpr int ShownDigits = 6;
+constexpr int FewestDigits = 2;
+constexpr int Margin = 6;
 constexpr int WheelClick = 120;
 
 /// 1, 2 or 5 times a power of ten, at most `value`.
@@ -100,6 +102,17 @@ QString OssNumberField::text() const
                              : QString::number(m_value, 'g', ShownDigits);
 }
 
+QString OssNumberField::textFitting(int width) const
+{
+    QString shown = text();
+    // Digits that have no room are left out, not replaced by dots.
+    for (int digits = ShownDigits - 1; !m_range.isInteger && !m_mixed && digits >= FewestDigits
+                                       && fontMetrics().horizontalAdvance(shown) > width;
+         --digits)
+        shown = QString::number(m_value, 'g', digits);
+    return fontMetrics().elidedText(shown, Qt::ElideRight, width);
+}
+
 double OssNumberField::singleStep() const
 {
     if (m_range.isInteger)
@@ -148,16 +161,16 @@ void OssNumberField::paintEvent(QPaintEvent *)
                                    : underMouse()      ? QPalette::PlaceholderText
                                                        : QPalette::Light));
     painter.drawPath(shape);
-    const QRect inside = rect().adjusted(7, 0, -7, 0);
-    if (!m_prefix.isEmpty() && fontMetrics().horizontalAdvance(m_prefix + text()) + 6
-                                   < inside.width()) {
+    const QRect inside = rect().adjusted(Margin, 0, -Margin, 0);
+    const QString shown = textFitting(inside.width());
+    if (!m_prefix.isEmpty()
+        && fontMetrics().horizontalAdvance(m_prefix + text()) + Margin < inside.width()) {
         painter.setPen(palette().color(QPalette::PlaceholderText));
         painter.drawText(inside, Qt::AlignLeft | Qt::AlignVCenter, m_prefix);
     }
     painter.setPen(palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled,
                                    m_mixed ? QPalette::PlaceholderText : QPalette::Text));
-    painter.drawText(inside, Qt::AlignRight | Qt::AlignVCenter,
-                     fontMetrics().elidedText(text(), Qt::ElideRight, inside.width()));
+    painter.drawText(inside, Qt::AlignRight | Qt::AlignVCenter, shown);
 }
 
 void OssNumberField::resizeEvent(QResizeEvent *)

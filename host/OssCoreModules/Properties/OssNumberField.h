@@ -81,6 +81,8 @@ protected:
 private:
     double bounded(double value) const;
     bool hasSoftRange() const;
+    /// With as many digits as there is room for.
+    QString textFitting(int width) const;
     bool stepByKey(int key);
     void endDrag(bool keep);
     void finishTyping(bool keep);

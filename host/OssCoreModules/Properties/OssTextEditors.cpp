@@ -71,7 +71,8 @@ OssParagraphEditor::OssParagraphEditor(QWidget *parent)
     makeRow()->addWidget(m_text);
     setFocusProxy(m_text);
     m_text->setTabChangesFocus(true);
-    m_text->setFixedHeight(fontMetrics().lineSpacing() * ParagraphLines + 14);
+    // Not the field's own: a style sheet may set that to its least height.
+    setFixedHeight(fontMetrics().lineSpacing() * ParagraphLines + 18);
     m_text->installEventFilter(this);
 }
 

@@ -1,0 +1,359 @@
+#include "GraphFixture.h"
+#include "OssCore/OssColor.h"
+#include "OssCore/OssSettings.h"
+#include "OssCore/OssUserEnum.h"
+#include "OssCoreModules/Dialogs/OssNodeInfoDialog.h"
+#include "OssCoreModules/Dialogs/OssNodeQuickFindDialog.h"
+#include "OssCoreModules/Dialogs/OssNodeSearch.h"
+#include "OssCoreModules/Dialogs/OssNodeTypeListModel.h"
+#include "OssCoreModules/Images/OssGeoImageSet.h"
+#include "OssCoreModules/Images/OssImage.h"
+#include "OssCoreModules/Images/OssImageList.h"
+#include "OssCoreModules/Images/OssImageManager.h"
+#include "OssCoreModules/Images/OssImageSet.h"
+#include "OssCoreModules/Interface/OssApplication.h"
+#include "OssCoreModules/Network/OssSnBakePointNode.h"
+#include "OssCoreModules/Network/OssSnMultiChannelMergeNode.h"
+#include "OssCoreModules/Network/OssSnResultKey.h"
+#include "OssCoreModules/Project/OssGeoEntity.h"
+#include "OssNodeGraph/OssNgBackdropNode.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QImage>
+#include <QLineEdit>
+#include <QListView>
+#include <QMimeData>
+#include <QPlainTextEdit>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QtTest>
+
+namespace {
+
+class CreationTest : public GraphFixture
+{
+protected:
+    void SetUp() override
+    {
+        GraphFixture::SetUp();
+        m_popups = OssApplication::popupsAllowed();
+        OssApplication::setPopupsAllowed(false);
+        contextOf(m_network->viewerNode())->setNodePosition({3000, 3000});
+    }
+
+    void TearDown() override
+    {
+        OssApplication::setPopupsAllowed(m_popups);
+        GraphFixture::TearDown();
+    }
+
+    OssSnBaseNode *create(const char *key)
+    {
+        QAction action;
+        action.setData(QString::fromLatin1(key));
+        m_view->createNodeFromAction(&action);
+        return m_network->selectedNodes().value(0);
+    }
+
+    void selectOnly(OssSnBaseNode *node)
+    {
+        m_view->scene()->clearSelection();
+        node->setSelected(true);
+    }
+
+    static int blending(const OssSnBaseNode *merge)
+    {
+        return merge->attribute(QStringLiteral("BlendColorSpaceEnabled"))
+            .value<OssUserEnum>()
+            .currentValue();
+    }
+
+    bool m_popups = true;
+};
+
+TEST_F(CreationTest, newNodesAreWiredToTheSelectionInItsOrder)
+{
+    OssSnBaseNode *upper = addAt("Procedural/Color", {0, 0});
+    OssSnBaseNode *lower = addAt("Procedural/Color", {0, 300});
+    OssSnBaseNode *note = addAt("Misc/Sticky Note", {0, 600});
+    m_view->scene()->clearSelection();
+    for (OssSnBaseNode *node : {lower, note, upper})
+        node->setSelected(true);
+    OssUndoManager::instance()->clear();
+    OssSnBaseNode *merge = create("Layer/Merge");
+    ASSERT_NE(merge, nullptr);
+    EXPECT_EQ(merge->inputNode(QStringLiteral("Base")), upper);
+    EXPECT_EQ(merge->inputNode(QStringLiteral("Over")), lower);
+    EXPECT_TRUE(logHas(QStringLiteral("has no output, skipping autoconnecting to it")));
+    EXPECT_EQ(undoCount(), 1);
+    EXPECT_EQ(OssUndoManager::instance()->undoText(), QStringLiteral("Create Node : Merge"));
+    for (OssSnBaseNode *node : {upper, lower})
+        node->setSelected(true);
+    OssSnBaseNode *blur = create("Filter/Blur");
+    EXPECT_NE(blur->inputNode(QStringLiteral("Input")), nullptr);
+    OssUndoManager::instance()->undo();
+    OssUndoManager::instance()->undo();
+    EXPECT_TRUE(upper->outgoingConnections().isEmpty());
+}
+
+TEST_F(CreationTest, aBackdropWrapsTheSelectionAndBearsItsName)
+{
+    OssSnBaseNode *blur = addAt("Filter/Blur", {100, 100});
+    selectOnly(blur);
+    OssSnBaseNode *area = create("Misc/Backdrop");
+    auto *backdrop = qobject_cast<OssNgBackdropNode *>(itemOf(area));
+    ASSERT_NE(backdrop, nullptr);
+    EXPECT_EQ(backdrop->titleText(), area->name());
+    EXPECT_TRUE(backdrop->sceneBoundingRect().contains(itemOf(blur)->sceneBoundingRect()));
+    EXPECT_EQ(backdrop->childrenList().size(), 1);
+}
+
+TEST_F(CreationTest, paintAndBakePointsGetImagesThatAreSaved)
+{
+    m_view->createPaintableNode(QPoint(40, 60));
+    EXPECT_EQ(OssUndoManager::instance()->undoText(), QStringLiteral("Add Paint Node"));
+    OssSnBaseNode *color = addAt("Procedural/Color", {0, 0});
+    selectOnly(color);
+    auto *bake = qobject_cast<OssSnBakePointNode *>(create("Misc/Bake Point"));
+    ASSERT_NE(bake, nullptr);
+    ASSERT_NE(bake->imageSet(), nullptr);
+    EXPECT_EQ(bake->inputNode(QStringLiteral("Input")), color);
+    const QByteArray hash = m_project->stateHash();
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("Test.ossa"));
+    OssProjectManager *projects = OssProjectManager::instance();
+    ASSERT_TRUE(projects->saveProjectAs(path));
+    ASSERT_TRUE(projects->openProject(path));
+    m_project = projects->currentProject();
+    m_network = m_project->shadingGroups().first()->network();
+    m_view = m_manager->currentView();
+    EXPECT_EQ(m_project->stateHash(), hash);
+    bake = qobject_cast<OssSnBakePointNode *>(m_network->node(QStringLiteral("Bake Point")));
+    ASSERT_NE(bake, nullptr);
+    EXPECT_NE(bake->imageSet(), nullptr);
+}
+
+TEST_F(CreationTest, aBakedResultIsOutOfDateWhenWhatItShowsHasChanged)
+{
+    OssSnBaseNode *color = addAt("Procedural/Color", {0, 0});
+    OssSnBaseNode *dot = addAt("Misc/Dot", {200, 0});
+    auto *bake = qobject_cast<OssSnBakePointNode *>(addAt("Misc/Bake Point", {400, 0}));
+    wire(color, dot);
+    wire(dot, bake);
+    EXPECT_FALSE(bake->hasBakedResult());
+    bake->setBakedKey(OssSnResultKey::of(dot, dot->prefferedOutputPoint()));
+    EXPECT_TRUE(bake->isBakedResultUpToDate());
+    EXPECT_TRUE(itemOf(bake)->hasMark(OssNgNode::Baked));
+    color->setName(QStringLiteral("Other"));
+    contextOf(color)->setNodePosition({-500, 0});
+    ASSERT_TRUE(wire(color, bake)); // without the dot: the same picture
+    EXPECT_TRUE(bake->isBakedResultUpToDate());
+    color->setAttribute(QStringLiteral("Color"), QVariant::fromValue(OssColor(1, 0, 0, 1)));
+    EXPECT_FALSE(bake->isBakedResultUpToDate());
+    bake->setAttribute(QStringLiteral("geoChannel"), QStringLiteral("Dirt"));
+    EXPECT_EQ(itemOf(bake)->text(), bake->name());
+    bake->setAttribute(QStringLiteral("syncGeoChannel"), true);
+    EXPECT_EQ(itemOf(bake)->text(), bake->name() + QStringLiteral(" (Dirt)"));
+}
+
+TEST_F(CreationTest, multiChannelMergesCarryAllStreams)
+{
+    auto *first = qobject_cast<OssSnMultiChannelGroupNode *>(
+        addAt("_System/MultiChannelBottomTransparency", {0, 0}));
+    ASSERT_NE(first, nullptr);
+    ASSERT_TRUE(first->shaderModel());
+    EXPECT_EQ(itemOf(first)->category(), QStringLiteral("MultiChannelBottomTransparency"));
+    OssSnBaseNode *second = addAt("_System/Material", {0, 400});
+    selectOnly(first);
+    second->setSelected(true);
+    auto *merge = qobject_cast<OssSnMultiChannelMergeNode *>(create("Layer/Merge"));
+    ASSERT_NE(merge, nullptr);
+    EXPECT_EQ(OssUndoManager::instance()->undoText(), QStringLiteral("Create Multi-Channel Merge"));
+    EXPECT_EQ(merge->inputNode(QStringLiteral("Roughness Base")), first);
+    EXPECT_EQ(merge->inputNode(QStringLiteral("Roughness Over")), second);
+    EXPECT_EQ(merge->inputNode(QStringLiteral("Mask")), nullptr);
+    selectOnly(merge);
+    m_view->swapInputs();
+    EXPECT_EQ(merge->inputNode(QStringLiteral("Normal Base")), second);
+    EXPECT_EQ(OssUndoManager::instance()->undoText(), QStringLiteral("Batch Swap Inputs"));
+    merge->removeInput(QStringLiteral("Roughness Over"));
+    EXPECT_EQ(itemOf(merge)->category(), QStringLiteral("MultiChannelInvalid"));
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(itemOf(merge)->category(), QStringLiteral("MultiChannelMerge"));
+}
+
+TEST_F(CreationTest, teleportsShowWhetherTheyAreHeard)
+{
+    OssSnBaseNode *out = addAt("Teleport Broadcast/Broadcast", {0, 0});
+    OssSnBaseNode *in = addAt("Teleport Receiver/Receiver", {400, 0});
+    const auto heard = [](const OssSnBaseNode *node) {
+        return qobject_cast<OssNgExtendedNode *>(itemOf(node))->isIconVisible(1);
+    };
+    EXPECT_EQ(itemOf(out)->text(), QStringLiteral("Broadcast"));
+    for (OssSnBaseNode *node : {out, in})
+        node->setAttribute(QStringLiteral("channel"), QStringLiteral("dust"));
+    EXPECT_TRUE(heard(out) && heard(in));
+    EXPECT_EQ(itemOf(in)->text(), QStringLiteral("Receiver (dust)"));
+    m_network->removeNodes({out});
+    EXPECT_FALSE(heard(in));
+    OssUndoManager::instance()->undo();
+    EXPECT_TRUE(heard(in));
+    OssGeoEntity *entity = m_network->geoEntity();
+    ASSERT_NE(entity, nullptr);
+    OssSnBaseNode *channel = addAt("Misc/Geo-Channel", {0, 400});
+    channel->setAttribute(QStringLiteral("geoChannel"), QStringLiteral("Dirt"));
+    OssGeoImageSet *dirt = entity->addGeoImageSet(QStringLiteral("Dirt"));
+    const auto valid = [&] {
+        return qobject_cast<OssNgExtendedNode *>(itemOf(channel))->isIconVisible(0);
+    };
+    EXPECT_FALSE(valid());
+    OssImageSet images(QStringLiteral("Dirt"));
+    dirt->setImageSet(&images);
+    EXPECT_TRUE(valid());
+    dirt->setImageSet(nullptr);
+}
+
+TEST_F(CreationTest, mergesAboveBytePaintAreAskedAboutOnceAndAsThePreferenceSays)
+{
+    OssSnBaseNode *first = addAt("Layer/Merge", {0, 0});
+    OssSnBaseNode *second = addAt("Layer/Merge", {300, 0});
+    OssSnBaseNode *mask = addAt("Layer/Merge", {0, 400});
+    OssSnBaseNode *input = addAt("_System/Shader Input", {600, 0});
+    wire(first, second, "Base");
+    wire(mask, second, "Mask");
+    wire(second, input);
+    OssShaderNetworkView::autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(input);
+    EXPECT_EQ(blending(first), 0); // nobody to ask
+    m_manager->setAutoUpdateUpstreamMergeNodeColorspaceEnabled(QStringLiteral("Leave"));
+    OssShaderNetworkView::autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(input);
+    EXPECT_EQ(blending(first), 0);
+    m_manager->setAutoUpdateUpstreamMergeNodeColorspaceEnabled(QStringLiteral("Change"));
+    OssShaderNetworkView::autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(input);
+    EXPECT_EQ(blending(first), 1);
+    EXPECT_EQ(blending(second), 1);
+    EXPECT_EQ(blending(mask), 0);
+    m_manager->resetAutoUpdateUpstreamMergeNodeColorspaceEnabled();
+}
+
+// --- finding
+
+TEST_F(CreationTest, quickCreateRemembersWhatWasUsedLast)
+{
+    OssSettings settings;
+    settings.remove(QStringLiteral("Node Graph/LastUsedNodePaths"));
+    OssApplication::setPopupsAllowed(true);
+    for (const char *typed : {"gauss", "brick", "gauss"}) {
+        QTimer::singleShot(0, [typed] {
+            QWidget *dialog = QApplication::activeModalWidget();
+            ASSERT_NE(dialog, nullptr);
+            auto *field = dialog->findChild<QLineEdit *>();
+            QTest::keyClicks(field, QString::fromLatin1(typed));
+            QTest::keyClick(field, Qt::Key_Return);
+        });
+        m_view->quickCreate();
+    }
+    EXPECT_NE(m_network->node(QStringLiteral("Blur 2")), nullptr);
+    EXPECT_EQ(
+        settings.value(QStringLiteral("Node Graph/LastUsedNodePaths")).toStringList(),
+        QStringList({QStringLiteral("Filter/Blur"), QStringLiteral("Procedural/Pattern/Brick")}));
+    OssNodeQuickFindDialog dialog({QStringLiteral("Filter/Blur")}, {}, 5, {}, {800, 600});
+    auto *field = dialog.findChild<QLineEdit *>();
+    QTest::keyClick(field, Qt::Key_Space, Qt::ControlModifier);
+    EXPECT_EQ(dialog.favourites(), QStringList{QStringLiteral("Filter/Blur")});
+    EXPECT_TRUE(dialog.chosenPathKey().isEmpty());
+    settings.remove(QStringLiteral("Node Graph/LastUsedNodePaths"));
+    settings.remove(QStringLiteral("Node Graph/FavouriteNodePaths"));
+}
+
+TEST_F(CreationTest, nodesAreFoundByNameTypeValueAndState)
+{
+    OssSnBaseNode *blur = addAt("Filter/Blur", {0, 0}, "Softener");
+    OssSnBaseNode *levels = addAt("Adjust/Levels", {300, 0});
+    wire(blur, levels);
+    blur->toggleDisable();
+    const auto why = [](const OssSnBaseNode *node, const char *text) {
+        return OssNodeSearch::whyFound(node, QString::fromLatin1(text), nullptr);
+    };
+    EXPECT_FALSE(why(blur, "soft").isEmpty());
+    EXPECT_FALSE(why(blur, "filter/bl").isEmpty());
+    EXPECT_FALSE(why(blur, "disabled").isEmpty());
+    EXPECT_FALSE(why(blur, "soft disabled").isEmpty());
+    EXPECT_TRUE(why(levels, "disabled").isEmpty());
+    EXPECT_TRUE(why(blur, "soft unconnected").isEmpty());
+    EXPECT_TRUE(why(blur, "radius=99999").isEmpty());
+    const QString info = OssNodeInfoDialog::text({levels});
+    EXPECT_TRUE(info.contains(QStringLiteral("Adjust/Levels")));
+    EXPECT_TRUE(info.contains(QStringLiteral("/Softener . Output")));
+}
+
+// --- drops and texts in place
+
+TEST_F(CreationTest, droppedPicturesBecomeNodesInOneStep)
+{
+    const QTemporaryDir folder;
+    QStringList ids;
+    for (const char *name : {"a.png", "b.png"}) {
+        const QString path = folder.filePath(QString::fromLatin1(name));
+        QImage picture(4, 4, QImage::Format_RGB32);
+        picture.fill(Qt::blue);
+        ASSERT_TRUE(picture.save(path));
+        const auto layers = OssImageManager::instance()->open(path, 0, {});
+        ASSERT_EQ(layers.size(), 1);
+        ids.append(layers.first().image->uniqueId().toString());
+    }
+    OssUndoManager::instance()->clear();
+    QMimeData mime;
+    mime.setData(OssImage::MimeType, ids.join(QLatin1Char(',')).toUtf8());
+    QDragEnterEvent enter({100, 100}, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(m_view->viewport(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop({100, 100}, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(m_view->viewport(), &drop);
+    EXPECT_EQ(
+        OssUndoManager::instance()->undoText(),
+        QStringLiteral("Drag and drop : creating 2 nodes of type 'Procedural/Pattern/Tiled'"));
+    EXPECT_EQ(undoCount(), 1);
+    OssSnBaseNode *second = m_network->node(QStringLiteral("Tiled 2"));
+    ASSERT_NE(second, nullptr);
+    EXPECT_EQ(
+        OssImageList::fromVariant(second->attribute(QStringLiteral("TileImage"))).ids().size(), 1);
+    EXPECT_FALSE(itemOf(second)->sceneBoundingRect().intersects(
+        itemOf(m_network->node(QStringLiteral("Tiled")))->sceneBoundingRect()));
+
+    // The same from a file manager, a folder at once.
+    QMimeData files;
+    files.setUrls({QUrl::fromLocalFile(folder.path())});
+    QDragEnterEvent enterFiles({50, 50}, Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(m_view->viewport(), &enterFiles);
+    ASSERT_TRUE(enterFiles.isAccepted());
+    QDropEvent dropFiles({50, 50}, Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(m_view->viewport(), &dropFiles);
+    EXPECT_NE(m_network->node(QStringLiteral("Tiled 4")), nullptr);
+    EXPECT_EQ(undoCount(), 2);
+}
+
+TEST_F(CreationTest, titlesAndNotesAreEditedWhereTheyStand)
+{
+    OssSnBaseNode *note = addAt("Misc/Sticky Note", {0, 0});
+    m_view->centerOn(itemOf(note));
+    OssUndoManager::instance()->clear();
+    const QPoint place = m_view->mapFromScene(itemOf(note)->sceneBoundingRect().center());
+    QTest::mouseDClick(m_view->viewport(), Qt::LeftButton, {}, place);
+    auto *editor = m_view->viewport()->findChild<QPlainTextEdit *>();
+    ASSERT_NE(editor, nullptr);
+    QTest::keyClicks(editor, QStringLiteral("Look here"));
+    QTest::keyClick(editor, Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_EQ(note->attribute(QStringLiteral("Label")).toString(), QStringLiteral("Look here"));
+    EXPECT_EQ(undoCount(), 1);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QTest::mouseDClick(m_view->viewport(), Qt::LeftButton, {}, place);
+    editor = m_view->viewport()->findChild<QPlainTextEdit *>();
+    ASSERT_NE(editor, nullptr);
+    QTest::keyClicks(editor, QStringLiteral("nothing"));
+    QTest::keyClick(editor, Qt::Key_Escape);
+    EXPECT_EQ(note->attribute(QStringLiteral("Label")).toString(), QStringLiteral("Look here"));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+} // namespace

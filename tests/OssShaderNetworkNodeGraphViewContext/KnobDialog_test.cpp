@@ -1,0 +1,299 @@
+#include "GraphFixture.h"
+#include "OssCoreModules/Network/OssLinkedCustomAttributeManager.h"
+#include "OssGroupNodeKnobWidget.h"
+
+#include <QApplication>
+#include <QDialogButtonBox>
+#include <QInputDialog>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+#include <QTreeWidget>
+
+#include <functional>
+
+namespace {
+
+const QString Radius = QStringLiteral("Radius");
+
+class KnobDialog : public GraphFixture
+{
+protected:
+    void SetUp() override
+    {
+        GraphFixture::SetUp();
+        OssSnBaseNode *blur = add("Filter/Blur", "Blur");
+        OssSnBaseNode *sharpen = add("Filter/Sharpen", "Sharpen");
+        OssSnBaseNode *paint = add("Channel Input/Paint", "Painted");
+        m_group = m_network->groupNodes({blur, sharpen, paint});
+        m_group->createKnob(blur, Radius);
+        m_group->createKnob(blur, QStringLiteral("Quality"));
+        m_group->createKnob(sharpen, Radius);
+        OssUndoManager::instance()->clear();
+        m_start = m_project->stateHash();
+        m_dialog = std::make_unique<OssGroupNodeKnobDialog>(m_group);
+        m_dialog->show();
+        m_tree = m_dialog->findChild<QTreeWidget *>();
+    }
+
+    void TearDown() override
+    {
+        m_dialog.reset();
+        GraphFixture::TearDown();
+    }
+
+    QPushButton *button(const char *text) const
+    {
+        const auto buttons = m_dialog->findChildren<QPushButton *>();
+        for (QPushButton *candidate : buttons) {
+            if (candidate->text() == QLatin1String(text))
+                return candidate;
+        }
+        return nullptr;
+    }
+
+    void press(const char *text) const { QTest::mousePress(button(text), Qt::LeftButton); }
+
+    /// What to do with the modal dialogs that come, one after the other.
+    void answer(std::function<void(QDialog *)> first, std::function<void(QDialog *)> then = {})
+    {
+        QTimer::singleShot(0, m_dialog.get(), [this, first, then] {
+            auto *modal = qobject_cast<QDialog *>(QApplication::activeModalWidget());
+            ASSERT_NE(modal, nullptr);
+            if (then)
+                answer(then);
+            first(modal);
+        });
+    }
+
+    static std::function<void(QDialog *)> text(const char *typed)
+    {
+        return [typed](QDialog *dialog) {
+            auto *input = qobject_cast<QInputDialog *>(dialog);
+            ASSERT_NE(input, nullptr);
+            input->setTextValue(QLatin1String(typed));
+            input->accept();
+        };
+    }
+
+    QTreeWidgetItem *item(const char *start) const
+    {
+        for (QTreeWidgetItemIterator it(m_tree); *it; ++it) {
+            if ((*it)->text(0).startsWith(QLatin1String(start)))
+                return *it;
+        }
+        return nullptr;
+    }
+
+    void select(const QList<QTreeWidgetItem *> &items) const
+    {
+        m_tree->clearSelection();
+        m_tree->setCurrentItem(items.first());
+        for (QTreeWidgetItem *one : items)
+            one->setSelected(true);
+    }
+
+    /// The tree as lines; sections end in a colon.
+    QStringList lines() const
+    {
+        QStringList texts;
+        for (QTreeWidgetItemIterator it(m_tree); *it; ++it)
+            texts.append((*it)->parent() ? (*it)->text(0) : (*it)->text(0) + QLatin1Char(':'));
+        return texts;
+    }
+
+    QString enabledButtons() const
+    {
+        QString enabled;
+        for (const char *name : {"Pick", "Edit", "Link", "Delete", "Up", "Down"})
+            enabled += QLatin1Char(button(name)->isEnabled() ? name[0] : '-');
+        return enabled;
+    }
+
+    OssSnGroupNode *m_group = nullptr;
+    std::unique_ptr<OssGroupNodeKnobDialog> m_dialog;
+    QTreeWidget *m_tree = nullptr;
+    QByteArray m_start;
+};
+
+TEST_F(KnobDialog, treeAndButtonsFollowTheSelection)
+{
+    EXPECT_EQ(lines(),
+              QStringList({QStringLiteral("Blur:"), QStringLiteral("Radius { Blur.Radius }"),
+                           QStringLiteral("Quality { Blur.Quality }"), QStringLiteral("Sharpen:"),
+                           QStringLiteral("Radius { Sharpen.Radius }")}));
+    EXPECT_TRUE(logHas(QStringLiteral(
+        "[ -- ] Group node attributes : 'Blur/Radius, Blur/Quality, Sharpen/Radius_2'")));
+    EXPECT_EQ(item("Radius")->data(0, Qt::UserRole + 4).toString(), Radius);
+    EXPECT_EQ(enabledButtons(), QStringLiteral("P-----"));
+    select({item("Quality")});
+    EXPECT_EQ(enabledButtons(), QStringLiteral("PELDUD"));
+    select({item("Quality"), item("Radius")});
+    EXPECT_EQ(enabledButtons(), QStringLiteral("P-LD--"));
+    select({item("Blur")});
+    EXPECT_EQ(enabledButtons(), QStringLiteral("P--DUD"));
+    m_group->groupNetwork()->removeNodes({m_group->groupNetwork()->node(QStringLiteral("Blur"))});
+    OssGroupNodeKnobDialog again(m_group);
+    EXPECT_EQ(again.findChild<QTreeWidget *>()->topLevelItem(0)->child(0)->text(0),
+              QStringLiteral("Radius { Blur.Radius (broken) }"));
+}
+
+TEST_F(KnobDialog, linkingAsksForAGoodNameAndMakesOneKnob)
+{
+    QString said;
+    const auto readBox = [&said](QDialog *dialog) {
+        if (auto *box = qobject_cast<QMessageBox *>(dialog))
+            said = box->text();
+        dialog->accept();
+    };
+    select({item("Quality"), item("Radius")});
+    answer(readBox);
+    press("Link");
+    EXPECT_EQ(said, QStringLiteral("Cannot link knobs of differing types."));
+    select({item("Quality")});
+    answer(readBox);
+    press("Link");
+    EXPECT_EQ(said, QStringLiteral("More than one knob needs to be selected in order to link."));
+    EXPECT_EQ(undoCount(), 0);
+
+    QString reopened;
+    select({item("Radius"), item("Sharpen")->child(0)});
+    answer(text("two words"), [&](QDialog *box) {
+        said = qobject_cast<QMessageBox *>(box)->text();
+        answer([&](QDialog *input) {
+            reopened = qobject_cast<QInputDialog *>(input)->textValue();
+            answer([&](QDialog *second) {
+                EXPECT_EQ(qobject_cast<QMessageBox *>(second)->text(),
+                          QStringLiteral("There is a node attribute of the same name. The new "
+                                         "knob name must be unique."));
+                answer(text("Softness"));
+                second->accept();
+            });
+            text("Radius")(input);
+        });
+        box->accept();
+    });
+    press("Link");
+    EXPECT_EQ(said,
+              QStringLiteral("The new name must consist of alphabets, numbers and underscores."));
+    EXPECT_EQ(reopened, QStringLiteral("two words"));
+    EXPECT_TRUE(
+        logHas(QStringLiteral("There already is an user attribute with the same name : Radius")));
+    EXPECT_EQ(lines(), QStringList({QStringLiteral("Blur:"),
+                                    QStringLiteral("Softness { Blur.Radius, Sharpen.Radius }"),
+                                    QStringLiteral("Quality { Blur.Quality }")}));
+    EXPECT_EQ(m_tree->currentItem(), item("Softness"));
+    EXPECT_EQ(undoCount(), 1);
+    EXPECT_EQ(OssUndoManager::instance()->undoText(), QStringLiteral("Link Knobs: Softness"));
+    expectUndoIsExact(m_start);
+}
+
+TEST_F(KnobDialog, knobsAreRenamedDeletedAndMovedWithinTheirSection)
+{
+    select({item("Quality")});
+    QString title;
+    answer([&title](QDialog *dialog) {
+        title = dialog->windowTitle();
+        text("Grain <1>")(dialog);
+    });
+    press("Edit");
+    EXPECT_EQ(title, QStringLiteral("Knob linked to \"Blur.Quality\""));
+    EXPECT_EQ(m_group->userAttribute(QStringLiteral("Quality")).prettyName(),
+              QStringLiteral("Grain <1>"));
+    EXPECT_EQ(m_tree->currentItem(), item("Grain"));
+    press("Up");
+    EXPECT_EQ(lines().mid(1, 2), QStringList({QStringLiteral("Grain <1> { Blur.Quality }"),
+                                              QStringLiteral("Radius { Blur.Radius }")}));
+    press("Up"); // a knob does not leave its section
+    EXPECT_EQ(undoCount(), 2);
+    select({item("Sharpen")->child(0)});
+    press("Up");
+    press("Down");
+    EXPECT_EQ(undoCount(), 2);
+    select({item("Sharpen")});
+    press("Up");
+    EXPECT_EQ(lines().first(), QStringLiteral("Sharpen:"));
+    EXPECT_EQ(m_tree->currentItem()->text(0), QStringLiteral("Sharpen"));
+    press("Down");
+    EXPECT_EQ(lines().first(), QStringLiteral("Blur:"));
+    select({item("Blur")});
+    press("Delete");
+    EXPECT_EQ(lines(), QStringList({QStringLiteral("Sharpen:"),
+                                    QStringLiteral("Radius { Sharpen.Radius }")}));
+    EXPECT_EQ(undoCount(), 5);
+    expectUndoIsExact(m_start);
+}
+
+TEST_F(KnobDialog, pickedAttributesBecomeKnobsInOneStepAndSearchWraps)
+{
+    QStringList offered;
+    QStringList found;
+    answer([&](QDialog *dialog) {
+        auto *tree = dialog->findChild<QTreeWidget *>();
+        for (int i = 0; i < tree->topLevelItemCount(); ++i)
+            offered.append(tree->topLevelItem(i)->text(0));
+        auto *search = dialog->findChild<QLineEdit *>();
+        const auto look = [&](const char *pattern) {
+            search->setText(QLatin1String(pattern));
+            QTest::keyClick(search, Qt::Key_Return);
+            found.append(tree->currentItem() ? tree->currentItem()->text(0) : QString());
+        };
+        look("amo*T"); // anywhere, any case
+        look("RADIUS");
+        look("radius");
+        look("nothing");
+        const auto buttons = dialog->findChildren<QPushButton *>();
+        QTest::mousePress(buttons.first(), Qt::LeftButton);
+        QTest::keyClick(dialog, Qt::Key_Escape);
+        EXPECT_TRUE(dialog->isVisible()); // no key closes it
+        tree->clearSelection();
+        look("amount");
+        EXPECT_TRUE(tree->currentItem()->parent()->isExpanded());
+        dialog->accept();
+    });
+    press("Pick");
+    EXPECT_EQ(offered, QStringList({QStringLiteral("Blur"), QStringLiteral("Sharpen")}));
+    ASSERT_EQ(found.size(), 5);
+    EXPECT_EQ(found.at(0), QStringLiteral("Amount"));
+    EXPECT_EQ(found.at(1), Radius);
+    EXPECT_EQ(found.at(2), Radius);
+    EXPECT_EQ(found.at(3), Radius);
+    EXPECT_TRUE(m_group->isKnob(QStringLiteral("Amount")));
+    EXPECT_EQ(undoCount(), 1);
+    EXPECT_EQ(OssUndoManager::instance()->undoText(), QStringLiteral("Creating Knobs"));
+    expectUndoIsExact(m_start);
+}
+
+TEST_F(KnobDialog, exposingMakesKnobsOfAllAttributesInOneStep)
+{
+    OssShaderNetwork *inside = m_group->groupNetwork();
+    const QString qualityBefore = m_group->nodeAttributes().join(QLatin1Char(','));
+    inside->node(QStringLiteral("Sharpen"))->setSelected(true);
+    auto *context = contextOf(m_group);
+    QMetaObject::invokeMethod(context, "showGroupNodeTab");
+    m_manager->currentView()->exposeNodeProperties();
+    m_manager->nodeGraphWidget()->setCurrentIndex(0);
+    EXPECT_TRUE(m_group->isKnob(QStringLiteral("Amount")));
+    EXPECT_EQ(m_group->nodeAttributes().size(), 4); // the radius was one already
+    EXPECT_EQ(undoCount(), 1);
+    m_view->exposeNodeProperties(); // at the root there is nothing to expose to
+    EXPECT_EQ(undoCount(), 1);
+    inside->node(QStringLiteral("Sharpen"))->setSelected(false);
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(m_group->nodeAttributes().join(QLatin1Char(',')), qualityBefore);
+}
+
+TEST_F(KnobDialog, dialogClosesWithItsGroup)
+{
+    m_dialog->show();
+    OssProjectManager::instance()->closeProject();
+    EXPECT_FALSE(m_dialog->isVisible());
+    press("Delete");
+    press("Up");
+    m_project = OssProjectManager::instance()->newProject(QStringLiteral("Next"));
+    m_network = m_project->shadingGroups().first()->network();
+}
+
+} // namespace

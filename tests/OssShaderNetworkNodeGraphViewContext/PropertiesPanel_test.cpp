@@ -1,0 +1,268 @@
+#include "GraphFixture.h"
+#include "OssCore/OssSettings.h"
+#include "OssCore/OssStatusManager.h"
+#include "OssCoreModules/Interface/OssExpandableListHeading.h"
+#include "OssCoreModules/Interface/OssExpandableListWidget.h"
+#include "OssCoreModules/Interface/OssMiniButton.h"
+#include "OssCoreModules/Interface/OssPaletteManager.h"
+#include "OssCoreModules/Properties/OssNodePropertyPanel.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QLineEdit>
+#include <QScrollArea>
+#include <QSignalSpy>
+#include <QTest>
+#include <QVBoxLayout>
+
+namespace {
+
+class PropertiesPanel : public GraphFixture
+{
+protected:
+    void SetUp() override
+    {
+        GraphFixture::SetUp();
+        m_widget = m_manager->nodePropertiesWidget();
+        ASSERT_NE(m_widget, nullptr);
+        invoke("deleteAllProperties");
+        setMax("10");
+    }
+
+    void TearDown() override
+    {
+        setMax("10");
+        GraphFixture::TearDown();
+    }
+
+    void invoke(const char *slot) const { QMetaObject::invokeMethod(m_widget, slot); }
+
+    QLineEdit *maxField() const
+    {
+        return m_widget->findChild<QLineEdit *>(QString(), Qt::FindDirectChildrenOnly);
+    }
+
+    void setMax(const char *text) const
+    {
+        maxField()->setText(QLatin1String(text));
+        invoke("onMaxPanelsEditingFinished");
+    }
+
+    void open(OssSnBaseNode *node) const { Q_EMIT m_view->nodeDoubleClicked(node); }
+
+    /// From the top.
+    QList<QWidget *> panels() const
+    {
+        QList<QWidget *> found;
+        const QLayout *layout = m_widget->findChild<QScrollArea *>()->widget()->layout();
+        for (int i = 0; i + 1 < layout->count(); ++i)
+            found.append(layout->itemAt(i)->widget());
+        EXPECT_NE(layout->itemAt(layout->count() - 1)->spacerItem(), nullptr);
+        return found;
+    }
+
+    static void deleteLater()
+    {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+
+    OssSnNodePropertiesWidget *m_widget = nullptr;
+};
+
+TEST_F(PropertiesPanel, newestStandsOnTopAndReopeningMoves)
+{
+    OssSnBaseNode *blur = add("Filter/Blur");
+    OssSnBaseNode *color = add("Procedural/Color");
+    const QSignalSpy clicked(m_widget, &OssSnNodePropertiesWidget::nodeDoubledClicked);
+    open(blur);
+    QWidget *first = m_widget->panel(blur);
+    ASSERT_NE(first, nullptr);
+    open(color);
+    EXPECT_EQ(panels(), QList<QWidget *>({m_widget->panel(color), first}));
+    open(blur);
+    EXPECT_EQ(panels(), QList<QWidget *>({first, m_widget->panel(color)}));
+    EXPECT_EQ(first->objectName(), blur->uuidString().mid(1, 36));
+    open(add("Misc/Dot"));
+    open(m_network->viewerNode());
+    EXPECT_EQ(panels().size(), 2);
+    EXPECT_EQ(clicked.count(), 5);
+    open(nullptr);
+    EXPECT_TRUE(logHas(QStringLiteral("Node is NULL")));
+
+    OssSnBaseNode *levels = add("Adjust/Levels");
+    auto *networks = OssShaderNetworkManager::instance();
+    Q_EMIT networks->showNodePropertiesAtPositionEndRequest(levels, blur, true);
+    EXPECT_EQ(panels().indexOf(m_widget->panel(levels)), 1);
+    Q_EMIT networks->showNodePropertiesAtPositionBeginRequest(color, blur, true);
+    EXPECT_EQ(panels().first(), m_widget->panel(color));
+    Q_EMIT networks->showNodePropertiesRequest(levels);
+    EXPECT_EQ(panels().first(), m_widget->panel(levels));
+    EXPECT_NE(OssPaletteManager::instance()->find(QStringLiteral("node_properties_palette"), false),
+              nullptr);
+}
+
+TEST_F(PropertiesPanel, atMostAsManyPanelsAsTheUserWantsAndPinnedOnesStay)
+{
+    setMax("2");
+    {
+        OssSettings settings;
+        settings.beginGroup(QStringLiteral("OssSnNodePropertiesWidget"));
+        EXPECT_EQ(settings.value(QStringLiteral("MaxPanels")).toInt(), 2);
+    }
+    QList<OssSnBaseNode *> nodes;
+    for (int i = 0; i < 4; ++i)
+        nodes.append(add("Filter/Blur"));
+    open(nodes.at(0));
+    m_widget->panel(nodes.at(0))->setProperty("pinned", true);
+    for (int i = 1; i < 4; ++i)
+        open(nodes.at(i));
+    EXPECT_EQ(panels().size(), 3);
+    deleteLater();
+    EXPECT_EQ(m_widget->panel(nodes.at(1)), nullptr);
+    EXPECT_NE(m_widget->panel(nodes.at(0)), nullptr);
+    open(nodes.at(1)); // anew
+    EXPECT_NE(m_widget->panel(nodes.at(1)), nullptr);
+
+    invoke("deleteAllProperties");
+    EXPECT_TRUE(panels().isEmpty());
+    maxField()->clear();
+    open(nodes.at(1));
+    EXPECT_TRUE(panels().isEmpty()); // no number keeps none
+}
+
+TEST_F(PropertiesPanel, deletionUndoAndProjectCloseTakePanelsAlong)
+{
+    OssSnBaseNode *blur = add("Filter/Blur");
+    open(blur);
+    m_network->removeNodes({blur});
+    EXPECT_TRUE(panels().isEmpty());
+    OssUndoManager::instance()->undo();
+    open(blur);
+    EXPECT_EQ(panels().size(), 1);
+    OssUndoManager::instance()->undo(); // its making
+    EXPECT_TRUE(panels().isEmpty());
+    OssUndoManager::instance()->redo();
+    open(blur);
+    m_project = OssProjectManager::instance()->newProject(QStringLiteral("Next"));
+    m_network = m_project->shadingGroups().first()->network();
+    EXPECT_TRUE(panels().isEmpty());
+}
+
+TEST_F(PropertiesPanel, rebuildKeepsPlaceAndCollapsedSections)
+{
+    OssSnBaseNode *levels = add("Adjust/Levels");
+    OssSnGroupNode *group = m_network->groupNodes({levels});
+    group->createKnob(levels, QStringLiteral("InLow"));
+    group->setSelected(false);
+    open(group);
+    open(add("Procedural/Color"));
+    QWidget *before = m_widget->panel(group);
+    auto *section = before->findChild<OssExpandableListWidget *>();
+    ASSERT_NE(section, nullptr);
+    section->collapse();
+    group->createKnob(levels, QStringLiteral("Gamma"));
+    QWidget *after = m_widget->panel(group);
+    EXPECT_NE(after, before);
+    EXPECT_EQ(panels().indexOf(after), 1);
+    auto *panel = qobject_cast<OssNodePropertyPanel *>(after);
+    EXPECT_NE(panel->row(QStringLiteral("Gamma")), nullptr);
+    EXPECT_TRUE(after->findChild<OssExpandableListWidget *>()->isCollapsed());
+    OssUndoManager::instance()->undo();
+    panel = qobject_cast<OssNodePropertyPanel *>(m_widget->panel(group));
+    EXPECT_EQ(panel->row(QStringLiteral("Gamma")), nullptr);
+
+    OssCustomAttribute hidden(QStringLiteral("hidden"), 1.0);
+    hidden.setVisible(false);
+    group->setUserAttribute(hidden, true);
+    EXPECT_EQ(m_widget->panel(group), panel);
+}
+
+TEST_F(PropertiesPanel, frameShowsTheNodesColourSelectionAndHover)
+{
+    OssSnBaseNode *blur = add("Filter/Blur");
+    OssNgNode *item = itemOf(blur);
+    item->setNodeColor(QColor(10, 20, 30), QColor(40, 50, 60));
+    open(blur);
+    QWidget *panel = m_widget->panel(blur);
+    blur->setSelected(true);
+    const QBrush brush = item->fillBrush();
+    const QString top =
+        (brush.gradient() ? brush.gradient()->stops().first().second : brush.color()).name();
+    const QString expected = QStringLiteral(
+        "QFrame#%1[OssExpandableListWidget=true] {    border-top-style: solid;    "
+        "border-top-width: 2px;    border-top-color: %2;    border-left-style: solid;    "
+        "border-left-width: 1px;    border-left-color: %3;    border-right-style: solid;    "
+        "border-right-width: 1px;    border-right-color: %3;    border-bottom-style: solid;    "
+        "border-bottom-width: 1px;    border-bottom-color: %3;    border-radius: 3px;}");
+    EXPECT_EQ(panel->styleSheet(), expected.arg(panel->objectName(), top, top));
+    blur->setSelected(false);
+    EXPECT_EQ(panel->styleSheet(),
+              expected.arg(panel->objectName(), top, QStringLiteral("rgba(0, 0, 0, 0%)")));
+    item->setHovered(true);
+    blur->emitNodeStateRefreshed();
+    EXPECT_TRUE(panel->styleSheet().contains(QStringLiteral(", 50%)")));
+    item->setHovered(false);
+    {
+        const OssStatusManager::Work work(QStringLiteral("work"));
+        const QString before = panel->styleSheet();
+        blur->setSelected(true);
+        EXPECT_EQ(panel->styleSheet(), before);
+    }
+    blur->setSelected(false);
+}
+
+TEST_F(PropertiesPanel, groupsHaveTheirButtonsFirst)
+{
+    auto *group = qobject_cast<OssSnGroupNode *>(add("Misc/Group"));
+    open(group);
+    const auto *panel = qobject_cast<OssExpandableListWidget *>(m_widget->panel(group));
+    QStringList texts;
+    const auto buttons = panel->heading()->findChildren<OssMiniButton *>();
+    for (OssMiniButton *button : buttons) {
+        if (button->text() == QLatin1String("s"))
+            QTest::mouseClick(button, Qt::LeftButton);
+        if (!button->text().isEmpty())
+            texts.append(button->text());
+    }
+    EXPECT_EQ(texts, QStringList({QStringLiteral("p"), QStringLiteral("s")}));
+    EXPECT_EQ(m_manager->currentView()->network(), group->groupNetwork());
+    // Double clicks in the group's view open panels too.
+    OssSnBaseNode *inside = group->groupNetwork()->createNode(QStringLiteral("Filter/Blur"));
+    Q_EMIT m_manager->currentView()->nodeDoubleClicked(inside);
+    EXPECT_NE(m_widget->panel(inside), nullptr);
+    m_manager->nodeGraphWidget()->setCurrentIndex(0);
+}
+
+TEST_F(PropertiesPanel, nodeUnderThePointerIsTold)
+{
+    OssSnBaseNode *blur = add("Filter/Blur");
+    open(blur);
+    const QSignalSpy told(m_widget, &OssSnNodePropertiesWidget::propertiesUnderMouseChanged);
+    const auto hover = [this](QEvent::Type type) {
+        QHoverEvent event(type, {5, 5}, {4, 4});
+        QApplication::sendEvent(m_widget, &event);
+    };
+    m_widget->panel(blur)->setAttribute(Qt::WA_UnderMouse);
+    hover(QEvent::HoverMove);
+    hover(QEvent::HoverMove);
+    EXPECT_EQ(told.count(), 1);
+    EXPECT_TRUE(itemOf(blur)->hovered());
+    hover(QEvent::HoverLeave);
+    ASSERT_EQ(told.count(), 2);
+    EXPECT_EQ(told.at(1).at(0).value<OssSnBaseNode *>(), nullptr);
+    EXPECT_EQ(told.at(1).at(1).value<OssSnBaseNode *>(), blur);
+    EXPECT_FALSE(itemOf(blur)->hovered());
+}
+
+TEST_F(PropertiesPanel, commandOpensThePanelsOfTheSelection)
+{
+    OssSnBaseNode *blur = add("Filter/Blur");
+    OssSnBaseNode *color = add("Procedural/Color");
+    add("Procedural/Scalar")->setSelected(false);
+    blur->setSelected(true);
+    color->setSelected(true);
+    m_view->openNodeProperties();
+    EXPECT_EQ(panels().size(), 2);
+}
+
+} // namespace

@@ -23,7 +23,7 @@ void ColumnLayout::layOut(const QVector<int> &startNodes, const QVector<int> &ig
     }
     for (const int start : starts) {
         if (!m_laidOut[std::size_t(start)])
-            layOutTree(start);
+            layoutTree(start);
     }
 }
 
@@ -205,11 +205,11 @@ qreal ColumnLayout::shiftClear(const QRectF &column) const
     return test.left() - column.left();
 }
 
-void ColumnLayout::layOutTree(int root)
+void ColumnLayout::layoutTree(int root)
 {
-    const Columns columns = columnsOf(root);
+    const Columns layoutColumns = columnsOf(root);
     QVector<qreal> widths;
-    for (const std::vector<Entry> &column : columns) {
+    for (const std::vector<Entry> &column : layoutColumns) {
         qreal width = 0.0;
         for (const Entry &entry : column) {
             if (entry.node >= 0 && m_nodes[std::size_t(entry.node)].hasItem)
@@ -220,8 +220,8 @@ void ColumnLayout::layOutTree(int root)
     const Node &rootNode = m_nodes[std::size_t(root)];
     const QPointF anchor = rootNode.hasItem ? rootNode.position : QPointF();
     qreal x = 0.0;
-    for (int i = 0; i < int(columns.size()); ++i) {
-        const std::vector<Entry> &column = columns[std::size_t(i)];
+    for (int i = 0; i < int(layoutColumns.size()); ++i) {
+        const std::vector<Entry> &column = layoutColumns[std::size_t(i)];
         placeColumn(column, widths[i], x, anchor);
         const qreal shift = shiftClear(m_columnRect);
         if (shift != 0.0) {
@@ -233,7 +233,7 @@ void ColumnLayout::layOutTree(int root)
         x += shift - ColumnGap - (i + 1 < widths.size() ? widths[i + 1] : 0.0);
     }
     // The next trees keep clear of this one.
-    for (const std::vector<Entry> &column : columns) {
+    for (const std::vector<Entry> &column : layoutColumns) {
         for (const Entry &entry : column) {
             if (entry.node >= 0)
                 keepClearOf(entry.node);

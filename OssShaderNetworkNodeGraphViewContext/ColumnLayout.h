@@ -75,7 +75,7 @@ private:
     static QVector<int> followedInputs(const Node &node);
     Columns columnsOf(int root);
     void keepClearOf(int node);
-    void layOutTree(int root);
+    void layoutTree(int root);
     void placeColumn(const std::vector<Entry> &column, qreal width, qreal x, const QPointF &root);
     qreal entryY(const Entry &entry, qreal cursor, qreal rootY) const;
     qreal shiftClear(const QRectF &column) const;

@@ -84,6 +84,7 @@ OssGroupNodeKnobWidget::OssGroupNodeKnobWidget(OssSnGroupNode *groupNode, QWidge
     , m_buttonBox(new QDialogButtonBox(QDialogButtonBox::Ok, Qt::Vertical, this))
 {
     m_knobTree->setHeaderHidden(true);
+    m_knobTree->ensurePolished(); // rows are measured when they come
     m_knobTree->setSelectionMode(QAbstractItemView::ExtendedSelection);
     m_knobTree->setAccessibleName(tr("Knobs"));
     m_knobTree->setContextMenuPolicy(Qt::CustomContextMenu);
@@ -193,8 +194,7 @@ void OssGroupNodeKnobWidget::addKnobItem(const QString &nodeAttribute, const QSt
         parent, {QStringLiteral("%1 { %2 }").arg(prettyName, texts.join(QLatin1String(", ")))});
     item->setFlags(item->flags() | Qt::ItemIsSelectable);
     if (!links.isEmpty()) {
-        item->setData(0, LinkedNodeRole,
-                      QVariant::fromValue<QObject *>(links.first().node.data()));
+        item->setData(0, LinkedNodeRole, QVariant::fromValue<QObject *>(links.first().node.data()));
         item->setData(0, LinkedAttributeRole, links.first().attribute);
     }
     item->setData(0, KnobNameRole, name);
@@ -258,8 +258,7 @@ bool OssGroupNodeKnobWidget::askForKnobName(QString *name)
         if (!accepted || !m_groupNode)
             return false;
         if (!OssIsAlphanumericUnderscore(*name)) {
-            OssDebug(Source, __LINE__,
-                     "Entry must consist of alphabets, numbers and underscores.");
+            OssDebug(Source, __LINE__, "Entry must consist of alphabets, numbers and underscores.");
             OssMessageBox::information(
                 this, title,
                 tr("The new name must consist of alphabets, numbers and underscores."));

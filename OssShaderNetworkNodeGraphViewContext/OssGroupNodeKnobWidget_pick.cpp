@@ -1,3 +1,5 @@
+#include "OssGroupNodeKnobWidget.h"
+
 #include "OssCore/OssIcon.h"
 #include "OssCore/OssObjectReferenceManager.h"
 #include "OssCore/OssUndoManager.h"
@@ -5,7 +7,6 @@
 #include "OssCoreModules/Network/OssShaderNetworkManager.h"
 #include "OssCoreModules/Network/OssSnGroupNode.h"
 #include "OssCoreModules/Network/OssSnImageSetNodeBase.h"
-#include "OssGroupNodeKnobWidget.h"
 
 #include <QDialogButtonBox>
 #include <QHBoxLayout>
@@ -83,6 +84,7 @@ void OssGroupNodeKnobWidget::showGizmoPropertySelection()
     tree.setHeaderHidden(true);
     tree.setSelectionMode(QAbstractItemView::ExtendedSelection);
     tree.setAccessibleName(tr("Attributes"));
+    tree.ensurePolished(); // rows are measured when they come
     fillPickTree();
     QDialogButtonBox buttons(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, Qt::Horizontal);
     connect(&buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);

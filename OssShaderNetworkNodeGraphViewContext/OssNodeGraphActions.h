@@ -40,6 +40,8 @@
     ACTION("Import Custom Procedural", importCustomProcedural, importCustomProcedural())            \
     ACTION("Toggle Port List", togglePortVisibility, togglePortVisibility())                        \
     ACTION("Cycle Port List Mode", cyclePortListMode, cyclePortListMode())                          \
+    ACTION("Manage User Knobs", manageUserKnobs, manageUserKnobs())                                \
+    ACTION("Expose Node Properties", exposeNodeProperties, exposeNodeProperties())                 \
     ACTION("Open Group Node Subgraph", openGroupNodeSubgraph, openGroupNodeSubgraph())              \
     ACTION("Pick Up Edge Under Mouse", pickUpEdge, pickUpEdge())                                    \
     ACTION_AGAIN("Pick Up Edge Under Mouse", pickUpEdge, pickUpEdge())                              \
@@ -62,12 +64,15 @@
     ACTION("Pan Right", panRight, panRight())                                                       \
     ACTION("Pan Up", panUp, panUp())                                                                \
     ACTION("Pan Down", panDown, panDown())                                                          \
+    ACTION("Open Node Properties", openNodeProperties, openNodeProperties())                       \
     ACTION("Toggle Snap to Grid", toggleSnapToGrid, toggleSnapToGrid())                             \
     ACTION("Toggle Edge Sever Mode", toggleEdgeSeverAction, toggleEdgeSeverAction())
 
 /// Slots that forward in the same way but have no action: reached by name.
 #define OSS_NODE_GRAPH_NAMED_SLOTS(SLOT)                                                           \
     SLOT(dumpSelectedNodeInfo, dumpSelectedNodeInfo())                                             \
+    SLOT(upgradeSelectedNodeInfo, upgradeSelectedNodeInfo())                                       \
+    SLOT(upgradeAllNodeInfo, upgradeAllNodeInfo())                                                 \
     SLOT(dumpNodeUIAction, dumpNodeUIAction())                                                     \
     SLOT(ensureIsVisibleAction, ensureIsVisibleAction())                                           \
     SLOT(fitToViewAction, fitToViewAction())

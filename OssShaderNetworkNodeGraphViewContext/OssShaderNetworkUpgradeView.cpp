@@ -33,9 +33,9 @@ struct StateColor
 };
 
 /// Beside the words: what is well, what waits for an upgrade, what a user changed.
-const StateColor stateColors[] = {
-    {Same, QColor(0x7f, 0xc0, 0x8a)},  {Different, QColor(0xd7, 0xda, 0xe0)},
-    {Older, QColor(0xe6, 0xc2, 0x5a)}, {Newer, QColor(0x5a, 0xa9, 0xff)},
+const StateColor StateColors[] = {
+    {Same, QColor(0x7f, 0xc0, 0x8a)},   {Different, QColor(0xd7, 0xda, 0xe0)},
+    {Older, QColor(0xe6, 0xc2, 0x5a)},  {Newer, QColor(0x5a, 0xa9, 0xff)},
     {Custom, QColor(0xd0, 0x9a, 0xe8)},
 };
 
@@ -54,8 +54,7 @@ void setNode(QTreeWidgetItem *row, int column, OssSnBaseNode *node)
 {
     row->setText(column, node ? node->path() : QString());
     row->setToolTip(column, row->text(column));
-    row->setData(column, Qt::UserRole,
-                 node ? QVariant::fromValue<QObject *>(node) : QVariant());
+    row->setData(column, Qt::UserRole, node ? QVariant::fromValue<QObject *>(node) : QVariant());
 }
 
 void setDated(QTreeWidgetItem *row, const QString &hash, const QString &date)
@@ -86,8 +85,13 @@ OssShaderNetworkUpgradeView::OssShaderNetworkUpgradeView(QWidget *parent)
     m_tree->setUniformRowHeights(true);
     m_tree->setAccessibleName(windowTitle());
     m_tree->setContextMenuPolicy(Qt::CustomContextMenu);
+    m_tree->setTextElideMode(Qt::ElideMiddle);
+    m_tree->ensurePolished(); // rows are measured when they come
     m_tree->header()->resizeSection(UUID, 230);
-    m_tree->header()->resizeSection(Hash, 110);
+    m_tree->header()->resizeSection(Hash, 100);
+    m_tree->header()->resizeSection(Date, 110);
+    for (int column = Same; column <= Custom; ++column)
+        m_tree->header()->setSectionResizeMode(column, QHeaderView::Stretch);
     connect(m_tree, &QWidget::customContextMenuRequested, this,
             &OssShaderNetworkUpgradeView::onTreeWidgetCustomContextMenuRequested);
     connect(m_tree, &QTreeWidget::itemEntered, this,
@@ -123,10 +127,9 @@ void OssShaderNetworkUpgradeView::populateNodes(const QList<OssSnBaseNode *> &no
     }
     QList<QTreeWidgetItem *> rows;
     for (auto version = versions.begin(); version != versions.end(); ++version) {
-        std::stable_sort(version->begin(), version->end(),
-                         [](const OssSnBaseNode *a, const OssSnBaseNode *b) {
-                             return a->name() < b->name();
-                         });
+        std::stable_sort(
+            version->begin(), version->end(),
+            [](const OssSnBaseNode *a, const OssSnBaseNode *b) { return a->name() < b->name(); });
         rows.append(addVersionRow(version.key(), *version));
     }
     m_tree->addTopLevelItems(rows);
@@ -142,7 +145,7 @@ QTreeWidgetItem *OssShaderNetworkUpgradeView::addVersionRow(const QString &versi
     row->setText(UUID, versionUUID.isEmpty() ? Empty : versionUUID);
     row->setText(Hash, hash.isEmpty() ? Empty : hash);
     row->setText(Date, date.isEmpty() ? Empty : date);
-    for (const StateColor &state : stateColors)
+    for (const StateColor &state : StateColors)
         row->setForeground(state.column, state.color);
     for (OssSnBaseNode *node : nodes)
         addNodeRow(row, node, hash, date);
@@ -157,7 +160,7 @@ void OssShaderNetworkUpgradeView::addNodeRow(QTreeWidgetItem *versionRow, OssSnB
     const QString date = node->versionDate();
     auto *row = new QTreeWidgetItem(versionRow);
     setDated(row, present, date);
-    for (const StateColor &state : stateColors)
+    for (const StateColor &state : StateColors)
         row->setForeground(state.column, state.color);
     if (present.isEmpty() || installedHash.isEmpty()) {
         setNode(row, Same, node); // nothing to compare with: not counted

@@ -208,9 +208,10 @@ void OssShaderNetworkView::autoConnect(OssSnBaseNode *node, const QList<OssSnBas
             return;
         }
         OssDebug(Source, __LINE__,
-                 "[ -- ] Autoconnect selected node ['%s', outputCount:'%d'] to new node['%s', "
+                 "[ -- ] Autoconnect selected node ['%s', outputCount:'%s'] to new node['%s', "
                  "input(%d):'%s']",
-                 qPrintable(source->name()), source->outputPointCount(), qPrintable(node->name()),
+                 qPrintable(source->name()),
+                 qPrintable(QString::number(source->outputPointCount())), qPrintable(node->name()),
                  node->inputNames().indexOf(input), qPrintable(input));
         node->setInputNode(input, source, source->prefferedOutputPoint());
     }

@@ -1,3 +1,5 @@
+#include "OssShaderNetworkWidget.h"
+
 #include "OssCore/OssDebug.h"
 #include "OssCore/OssResourceInfo.h"
 #include "OssCore/OssSettings.h"
@@ -14,12 +16,12 @@
 #include "OssCoreModules/Network/OssSnGroupNode.h"
 #include "OssCoreModules/Properties/OssPropertyPanelOptions.h"
 #include "OssGroupNodeKnobWidget.h"
-#include "OssNodeGraph/OssNgNode.h"
 #include "OssShaderNetworkView.h"
-#include "OssShaderNetworkWidget.h"
 #include "OssSnGroupNodeGraphViewContext.h"
+#include "PropertyPanelFrame.h"
 
 #include <QAction>
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QIntValidator>
 #include <QLineEdit>
@@ -42,49 +44,6 @@ QString panelName(const OssSnBaseNode *node)
     return name;
 }
 
-QColor fillColorOf(const OssNgNode *guiNode)
-{
-    const QBrush brush = guiNode->fillBrush();
-    if (brush.gradient() && !brush.gradient()->stops().isEmpty())
-        return brush.gradient()->stops().first().second;
-    return brush.color();
-}
-
-/// The frame of a node's panel: its top in the node's colour, its sides too while the node is
-/// selected.
-QString panelStyle(const OssSnBaseNode *node, const QString &name, const QColor &defaultColor)
-{
-    QString top = defaultColor.name();
-    QString side = QStringLiteral("rgba(0, 0, 0, 0%)");
-    if (const OssNgNode *guiNode = OssSnNodeGraphViewContextManager::guiNodeOf(node)) {
-        const QColor color = fillColorOf(guiNode);
-        top = color.name();
-        if (node->selected())
-            side = top;
-        else if (guiNode->hovered())
-            side = QStringLiteral("rgba(%1, %2, %3, %4%)")
-                       .arg(color.red())
-                       .arg(color.green())
-                       .arg(color.blue())
-                       .arg(color.alphaF() * 50.0);
-    }
-    return QStringLiteral("QFrame#%1[OssExpandableListWidget=true] {"
-                          "    border-top-style: solid;"
-                          "    border-top-width: 2px;"
-                          "    border-top-color: %2;"
-                          "    border-left-style: solid;"
-                          "    border-left-width: 1px;"
-                          "    border-left-color: %3;"
-                          "    border-right-style: solid;"
-                          "    border-right-width: 1px;"
-                          "    border-right-color: %3;"
-                          "    border-bottom-style: solid;"
-                          "    border-bottom-width: 1px;"
-                          "    border-bottom-color: %3;"
-                          "    border-radius: 3px;}")
-        .arg(name, top, side);
-}
-
 const QColor DefaultFrame(0, 0, 255, 255);
 
 OssPropertyPanelOptions optionsFor(OssSnBaseNode *node)
@@ -93,9 +52,9 @@ OssPropertyPanelOptions optionsFor(OssSnBaseNode *node)
     if (!OssLayerShaderUtils::isLayerShaderNode(node))
         return options;
     if (!node->hasTag(QStringLiteral("_respectShaderGroupNodeAttributeOrder"))) {
-        for (const char *pattern : {"Diffuse.*", "Specular.*", "Environment.*", "Ambient.*",
-                                    "Emissive.*", "Bump.*", "Normal.*", "Vector.*",
-                                    "Displacement.*"})
+        for (const char *pattern :
+             {"Diffuse.*", "Specular.*", "Environment.*", "Ambient.*", "Emissive.*", "Bump.*",
+              "Normal.*", "Vector.*", "Displacement.*"})
             options.sectionOrder.append(QRegularExpression(QLatin1String(pattern)));
     }
     const OssLayerShader *shader = OssLayerShaderManager::instance()->getLayerShader(node);
@@ -258,7 +217,7 @@ QWidget *OssSnNodePropertiesWidget::makePanel(OssSnBaseNode *node)
     made->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
     made->setAttribute(Qt::WA_DeleteOnClose);
     made->setObjectName(panelName(node));
-    made->setStyleSheet(panelStyle(node, made->objectName(), DefaultFrame));
+    made->setStyleSheet(PropertyPanelFrame::styleSheet(node, made->objectName(), DefaultFrame));
     addGroupButtons(made, node);
     return made;
 }
@@ -281,10 +240,10 @@ void OssSnNodePropertiesWidget::addGroupButtons(QWidget *panel, OssSnBaseNode *n
     connect(add(0, QStringLiteral("p"),
                 tr("Choose which knobs and parameters should be included in the group")),
             &QPushButton::clicked, this, &OssSnNodePropertiesWidget::showGroupNodeKnobWidget);
-    connect(add(1, QStringLiteral("s"),
-                tr("Open Group Node subgraph (%1+Enter, %1+Doube-click)")
-                    .arg(QStringLiteral("Ctrl"))),
-            &QPushButton::clicked, this, &OssSnNodePropertiesWidget::showGroupNodeSubgraph);
+    connect(
+        add(1, QStringLiteral("s"),
+            tr("Open Group Node subgraph (%1+Enter, %1+Doube-click)").arg(QStringLiteral("Ctrl"))),
+        &QPushButton::clicked, this, &OssSnNodePropertiesWidget::showGroupNodeSubgraph);
 }
 
 void OssSnNodePropertiesWidget::followNode(OssSnBaseNode *node)
@@ -401,7 +360,7 @@ void OssSnNodePropertiesWidget::refreshPanel()
     QWidget *panel = m_panels.value(node);
     if (!panel)
         return;
-    const QString style = panelStyle(node, panel->objectName(), DefaultFrame);
+    const QString style = PropertyPanelFrame::styleSheet(node, panel->objectName(), DefaultFrame);
     // A style sheet is worked out for every widget inside, so an equal one is not set again.
     if (panel->styleSheet() != style)
         panel->setStyleSheet(style);
@@ -494,19 +453,19 @@ void OssSnNodePropertiesWidget::showGroupNodeSubgraph()
     const auto *button = qobject_cast<QPushButton *>(sender());
     if (!button)
         return;
-    const auto *GroupNode = qobject_cast<OssSnGroupNode *>(
+    const auto *groupNode = qobject_cast<OssSnGroupNode *>(
         button->property(GroupNodeProperty).value<QObject *>());
-    if (!GroupNode) {
+    if (!groupNode) {
         OssDebug(Source, __LINE__, "GroupNode is NULL");
         return;
     }
-    auto *Context = qobject_cast<OssSnGroupNodeGraphViewContext *>(
-        GroupNode->context(QStringLiteral("NodeGraphView")));
-    if (!Context) {
+    auto *context = qobject_cast<OssSnGroupNodeGraphViewContext *>(
+        groupNode->context(QStringLiteral("NodeGraphView")));
+    if (!context) {
         OssDebug(Source, __LINE__, "Context is NULL");
         return;
     }
-    Context->showGroupNodeTab();
+    context->showGroupNodeTab();
 }
 
 // --- pointer

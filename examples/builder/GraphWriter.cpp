@@ -3,6 +3,7 @@
 #include "OssCoreModules/Network/OssShaderNetwork.h"
 #include "OssCoreModules/Network/OssSnBaseContext.h"
 #include "OssCoreModules/Network/OssSnGroupNode.h"
+#include "OssCoreModules/Network/OssSnNodeFactory.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -36,6 +37,20 @@ OssSnBaseNode *GraphWriter::add(const QString &pathKey, const QString &name,
     OssSnBaseNode *node = m_network->createNode(pathKey, name);
     if (!node)
         giveUp(QStringLiteral("there is no node type %1").arg(pathKey));
+    place(node, position);
+    return node;
+}
+
+OssSnBaseNode *GraphWriter::addOf(const char *description, const QString &name,
+                                  const QPointF &position)
+{
+    OssResult result;
+    const auto type = OssSnNodeType::read(description, name, &result);
+    if (!type)
+        giveUp(result.error());
+    auto made = OssSnNodeFactory::make(type);
+    made->setName(name);
+    OssSnBaseNode *node = m_network->addNode(std::move(made), true);
     place(node, position);
     return node;
 }

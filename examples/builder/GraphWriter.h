@@ -17,6 +17,8 @@ public:
     explicit GraphWriter(OssShaderNetwork *network);
 
     OssSnBaseNode *add(const QString &pathKey, const QString &name, const QPointF &position);
+    /// A node of a type that is described here and need not be the installed one.
+    OssSnBaseNode *addOf(const char *description, const QString &name, const QPointF &position);
     OssSnGroupNode *addGroup(const QString &name, const QPointF &position);
     OssSnBaseNode *addBackdrop(const QString &title, const QPointF &position, const QSizeF &size,
                                const QString &color);

@@ -56,6 +56,7 @@ int main(int argc, char **argv)
     const Example examples[] = {
         {"Weathered Brick", "Wall", "plane", writeWeatheredBrick},
         {"Harbor", "Harbor", "cube", writeHarborScene},
+        {"Old Plaster", "Wall", "plane", writeOldPlaster},
     };
     bool good = true;
     for (const Example &example : examples)

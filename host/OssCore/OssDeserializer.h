@@ -41,6 +41,7 @@ public:
 
     /// Moves to the next child element of the current one; false at its end or on an error.
     bool nextElement();
+
     /// Of the element at which the reader stands; the document element's is 1.
     int depth() const { return m_depth; }
 

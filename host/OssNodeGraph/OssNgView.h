@@ -9,6 +9,7 @@
 #include <QTimer>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 class OssNgEdge;
@@ -145,6 +146,7 @@ protected:
     void drawBackground(QPainter *painter, const QRectF &rect) override;
     void scrollContentsBy(int dx, int dy) override;
     void leaveEvent(QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
     bool viewportEvent(QEvent *event) override;
 
 private:
@@ -198,6 +200,7 @@ private:
     bool m_borderPanArmed = false; ///< a press beside the border alone moves nothing
     QPointer<OssNgNode> m_hoveredNode;
     OssNgEdge *m_hoveredEdge = nullptr; ///< valid while the index knows it
+    std::optional<QRectF> m_fitted;     ///< until the user looks elsewhere
     std::vector<qreal> m_exactZooms;    ///< levels that stepping back must hit exactly
     QRegion m_exposed;
     QPixmap m_minimap;

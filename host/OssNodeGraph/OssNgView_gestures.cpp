@@ -66,6 +66,7 @@ void OssNgView::mousePressEvent(QMouseEvent *event)
     event->accept();
     if (!scene())
         return;
+    m_fitted.reset();
     dropDeadGesture();
     m_pointer = event->localPos();
     if (m_gesture) {

@@ -71,6 +71,7 @@ void OssNgView::setZoomAndTopLeft(qreal newZoom, const QPointF &scaledTopLeft)
 
 void OssNgView::zoomAbout(qreal newZoom, const QPointF &viewportPos)
 {
+    m_fitted.reset();
     rememberZoom(zoom());
     const qreal exact = exactZoom(std::clamp(newZoom, SmallestZoom, LargestZoom));
     const QPointF fixed = toScene(viewportPos);
@@ -88,6 +89,21 @@ void OssNgView::fitInView(const QRectF &rect, Qt::AspectRatioMode)
     m_glideTimer.stop();
     setZoomAndTopLeft(exact,
                       rect.center() * exact - QPointF(size.width() / 2.0, size.height() / 2.0));
+    m_fitted = rect;
+}
+
+void OssNgView::resizeEvent(QResizeEvent *event)
+{
+    QGraphicsView::resizeEvent(event);
+    if (!m_fitted)
+        return;
+    // What was fitted stays so until the user looks elsewhere; at first a view has no real size.
+    const QRectF fitted = *m_fitted;
+    const qreal largest = std::max(1.0, zoom());
+    fitInView(fitted, Qt::KeepAspectRatio);
+    if (zoom() > largest)
+        zoomAbout(largest, QRectF(viewport()->rect()).center());
+    m_fitted = fitted;
 }
 
 void OssNgView::scaleView(qreal factor)
@@ -110,6 +126,7 @@ void OssNgView::zoomIn(double factor, ViewportAnchor anchor)
     } else if (anchor == NoAnchor) {
         fixed = {};
     }
+    m_fitted.reset();
     // No clamping: the inverse step must lead back.
     rememberZoom(zoom());
     const qreal exact = exactZoom(zoom() * factor);
@@ -136,6 +153,7 @@ void OssNgView::zoomOut()
 void OssNgView::scrollBy(const QPointF &pixels)
 {
     m_glideTimer.stop();
+    m_fitted.reset();
     horizontalScrollBar()->setValue(horizontalScrollBar()->value() + qRound(pixels.x()));
     verticalScrollBar()->setValue(verticalScrollBar()->value() + qRound(pixels.y()));
 }
@@ -168,6 +186,7 @@ void OssNgView::panDown()
 
 void OssNgView::centerViewOn(const QPointF &position, bool animated)
 {
+    m_fitted.reset();
     const QPointF way = (position - viewportInSceneCoords().center()) * zoom();
     // A glide helps to keep one's bearings; over more than a few screens it only takes time.
     const bool far = std::abs(way.x()) > 3.0 * viewport()->width()

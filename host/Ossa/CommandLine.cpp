@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -49,6 +50,28 @@ CommandLine CommandLine::parse(int argc, const char *const *argv)
     CLI::App *info = app.add_subcommand("info", "Tell what is in a project, without a window");
     info->add_option("PROJECT", infoProject, "Project folder")->required();
 
+    std::string bakeProject;
+    std::string patches;
+    std::string format = "exr";
+    std::string folder;
+    std::vector<std::string> nodes;
+    int resolution = 2048;
+    CLI::App *bake = app.add_subcommand("bake", "Write textures per UDIM patch, without a window");
+    bake->add_option("PROJECT", bakeProject, "Project folder")->required();
+    bake->add_option("--node", nodes, "Node to bake, by name or path; may be given several times")
+        ->take_all();
+    bake->add_option("--patches", patches, "Such as 1001-1004,1011; all when not given")
+        ->check([](const std::string &text) {
+            return patchesFromText(QString::fromStdString(text)).isEmpty()
+                       ? text + ": patches are written like 1001-1004,1011"
+                       : std::string();
+        });
+    bake->add_option("--resolution", resolution, "Width and height of a patch in pixels")
+        ->check(CLI::Range(1, 32768));
+    bake->add_option("--format", format, "exr, png or tif")
+        ->check(CLI::IsMember({"exr", "png", "tif"}));
+    bake->add_option("-o,--output", folder, "Folder for the images")->required();
+
     try {
         app.parse(argc, const_cast<char **>(argv));
     } catch (const CLI::CallForHelp &) {
@@ -68,6 +91,16 @@ CommandLine CommandLine::parse(int argc, const char *const *argv)
     } else if (info->parsed()) {
         line.command = Info;
         project = infoProject;
+    } else if (bake->parsed()) {
+        line.command = Bake;
+        project = bakeProject;
+        for (const std::string &node : nodes)
+            line.bake.nodes.append(QString::fromLocal8Bit(node.c_str()));
+        line.bake.patches = QString::fromStdString(patches);
+        line.bake.resolution = resolution;
+        line.bake.format = QString::fromStdString(format);
+        line.bake.folder = QString::fromLocal8Bit(folder.c_str());
+        line.bake.project = QString::fromLocal8Bit(project.c_str());
     }
     line.project = QString::fromLocal8Bit(project.c_str());
     line.output = QString::fromLocal8Bit(output.c_str());

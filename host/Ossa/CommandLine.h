@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Ossa/BakeCommand.h"
+
 #include <QString>
 
 /// What the user asked for on the command line.
@@ -9,17 +11,19 @@ struct CommandLine
         Window,  ///< the application, with `project` or without
         Graph,   ///< a picture of the project's node graph into the file `output`
         Info,    ///< what is in the project
+        Bake,    ///< textures into files, as `bake` says
         Answered ///< nothing to run: print `message` and end with `exitCode`
     };
 
     Command command = Window;
     QString project;
     QString output;
+    BakeOptions bake;
     QString message;
     int exitCode = 0;
 
     /// Commands that open no window.
-    bool isHeadless() const { return command == Graph || command == Info; }
+    bool isHeadless() const { return command == Graph || command == Info || command == Bake; }
 
     /// Never ends the program itself. Faulty use is Answered with ExitCode::Usage.
     static CommandLine parse(int argc, const char *const *argv);

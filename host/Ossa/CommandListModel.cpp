@@ -1,7 +1,7 @@
 #include "Ossa/CommandListModel.h"
 
-#include "OssCoreModules/Interface/OssFuzzyMatch.h"
 #include "OssCoreModules/Interface/OssActionTreeManager.h"
+#include "OssCoreModules/Interface/OssFuzzyMatch.h"
 #include "OssCoreModules/Interface/OssShortcutManager.h"
 
 #include <QAction>

@@ -2,6 +2,7 @@
 
 #include "Ossa/HistoryPanel.h"
 #include "Ossa/LogPanel.h"
+#include "Ossa/ViewerPanel.h"
 #include "OssCore/OssIcon.h"
 #include "OssCoreModules/Interface/OssPalette.h"
 #include "OssCoreModules/Interface/OssPaletteManager.h"
@@ -10,7 +11,8 @@
 
 namespace {
 
-void registerPalette(const char *name, const char *helpKey, const char *icon, QWidget *body)
+void registerPalette(const char *name, const char *helpKey, const char *icon, QWidget *body,
+                     bool shownAtFirst)
 {
     const QString title = QCoreApplication::translate("HostPalettes", name);
     auto *palette = new OssPalette; // owned by the palette manager
@@ -18,7 +20,7 @@ void registerPalette(const char *name, const char *helpKey, const char *icon, QW
     palette->setWindowTitle(title);
     palette->setContextHelpKey(QString::fromLatin1(helpKey));
     palette->setBodyWidget(body);
-    OssPaletteManager::instance()->registerPalette(palette, false,
+    OssPaletteManager::instance()->registerPalette(palette, shownAtFirst,
                                                    OssIcon::getIconPath(QString::fromLatin1(icon)));
 }
 
@@ -26,6 +28,7 @@ void registerPalette(const char *name, const char *helpKey, const char *icon, QW
 
 void HostPalettes::registerAll()
 {
-    registerPalette("History", "history_palette", "History.png", new HistoryPanel);
-    registerPalette("Log", "log_palette", "Log.png", new LogPanel);
+    registerPalette("Viewer", "viewer_palette", "Viewer.png", new ViewerPanel, true);
+    registerPalette("History", "history_palette", "History.png", new HistoryPanel, false);
+    registerPalette("Log", "log_palette", "Log.png", new LogPanel, false);
 }

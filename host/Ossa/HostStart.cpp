@@ -6,6 +6,7 @@
 #include "OssCore/OssResourceInfo.h"
 #include "OssCore/OssStatusManager.h"
 #include "OssCore/OssUndoManager.h"
+#include "OssCoreModules/Evaluation/OssEvaluationService.h"
 #include "OssCoreModules/Interface/OssActionTreeManager.h"
 #include "OssCoreModules/Interface/OssMenuManager.h"
 #include "OssCoreModules/Interface/OssPaletteManager.h"
@@ -36,4 +37,5 @@ void HostStart::shutdown()
     OssShortcutManager::instance()->shutdown();
     OssPaletteManager::instance()->shutdown();
     OssActionTreeManager::instance()->shutdown();
+    OssEvaluationService::instance()->shutdown();
 }

@@ -117,6 +117,7 @@ TEST_F(Knobs, knobsOrderNamesAndLinksSurviveSaving)
     EXPECT_EQ(m_group->nodeAttributes().first(), QStringLiteral("Second/Quality"));
     m_group->setNodeAttributesUndo({QStringLiteral("Second/Quality")}); // not all: refused
     EXPECT_EQ(m_group->nodeAttributes().size(), 2);
+    m_second->setNodeAttributesUndo({QStringLiteral("Quality"), Radius});
     expectUndoIsExact(m_start);
 
     const QTemporaryDir folder;
@@ -134,6 +135,8 @@ TEST_F(Knobs, knobsOrderNamesAndLinksSurviveSaving)
     m_group->setAttribute(radius, 77.0);
     m_group->setAttribute(quality, QStringLiteral("Box"));
     const OssShaderNetwork *inside = m_group->groupNetwork();
+    EXPECT_EQ(inside->node(QStringLiteral("Second"))->nodeAttributes(),
+              QStringList({QStringLiteral("Quality"), Radius}));
     EXPECT_EQ(valueOf(inside->node(QStringLiteral("First"))), 77.0);
     EXPECT_EQ(valueOf(inside->node(QStringLiteral("Second"))), 77.0);
     EXPECT_EQ(inside->node(QStringLiteral("Second"))->attribute(quality).toString(),

@@ -360,6 +360,10 @@ TEST_F(Properties, curveIsEditedByPointerAndKeys)
     QTest::keyClick(curve, Qt::Key_Plus);
     EXPECT_EQ(curve->points().size(), 3);
     expectUndoIsExact(m_start);
+    OssCurveField steep(nullptr);
+    steep.setPoints({{0, 0}, {0.1, 0.9}, {0.2, 0.95}, {0.9, 0.96}, {1, 1}});
+    for (double x = 0.0; x < 1.0; x += 0.005)
+        EXPECT_LE(steep.valueAt(x), steep.valueAt(x + 0.005) + 1e-12) << x;
     EXPECT_EQ(OssCurveEditor::textFromPoints(
                   OssCurveEditor::pointsFromText(QStringLiteral("1,1 x,2 0.25,0.5 3 0,0 nan,1"))),
               QStringLiteral("0,0 0.25,0.5 1,1"));
@@ -377,10 +381,11 @@ TEST_F(Properties, pickerWorksInDisplayColorsAndKeepsBrightness)
     auto *picker = m_panel->findChild<QColorDialog *>();
     ASSERT_NE(picker, nullptr);
     EXPECT_DOUBLE_EQ(picker->currentColor().blueF(), 1.0); // 2 is shown as the display's white
-    picker->setCurrentColor(QColor(0, 0, 255));
+    picker->setCurrentColor(QColor(255, 0, 255));
     auto tint = m_node->attribute(QStringLiteral("Tint")).value<OssColor>();
     EXPECT_DOUBLE_EQ(tint.blue(), 2.0);
-    EXPECT_DOUBLE_EQ(tint.red(), 0.0);
+    EXPECT_DOUBLE_EQ(tint.red(), 2.0);
+    EXPECT_DOUBLE_EQ(tint.green(), 0.0);
     EXPECT_EQ(undoCount(), 0);
     picker->accept();
     EXPECT_EQ(undoCount(), 1);

@@ -152,6 +152,44 @@ TEST_F(Engine, constantsAreFoldedAndTakeNoMemory)
     EXPECT_LT(engine->cache().bytes(), 16U * 1024U);
 }
 
+TEST_F(Engine, valuesFitThePortsThatTheyGoInto)
+{
+    OssEvGraphBuilder builder;
+    const int value = builder.addNode("Value", "constant", {{"Value", 0.25}});
+    const int color = builder.addNode("Color", "constant",
+                                      {{"Color", OssEvColor{1.0F, 0.5F, 0.0F, 1.0F}}});
+    const int image = builder.addNode("Wave", "image", {{"File", std::string("wave")}});
+    const int noise = builder.addNode("Noise", "fractalNoise");
+    const int sum = builder.addNode("Sum", "merge", {{"BlendMode", std::string("Add")}});
+    const int grey = builder.addNode("Grey", "math", {{"Operation", std::string("Add")}});
+    const int scalars = builder.addNode("Scalars", "merge", {{"BlendMode", std::string("Add")}});
+    builder.connect(value, "", sum, "Base");
+    builder.connect(image, "", sum, "Over");
+    builder.connect(image, "", grey, "A");
+    builder.connect(color, "", grey, "B");
+    builder.connect(noise, "", scalars, "Base");
+    builder.connect(value, "", scalars, "Over");
+    const auto graph = builder.finish();
+    const Collected wave = evaluate(target(graph, "Wave"));
+    const Collected sums = evaluate(target(graph, "Sum"));
+    const Collected greys = evaluate(target(graph, "Grey"));
+    const Collected noises = evaluate(target(graph, "Noise"));
+    const Collected both = evaluate(target(graph, "Scalars"));
+    for (int i = 0; i < 512; i += 37) {
+        const auto channel = [&wave, i](int k) {
+            return wave.texel(k, i, 511 - i);
+        };
+        for (int k = 0; k < 3; ++k) {
+            EXPECT_NEAR(sums.texel(k, i, 511 - i), channel(k) + 0.25F, 1e-3) << "grey as a color";
+            EXPECT_NEAR(both.texel(k, i, i), noises.texel(0, i, i) + 0.25F, 1e-3);
+        }
+        EXPECT_EQ(sums.texel(3, i, 511 - i), 1.0F) << "opaque";
+        const double luminance = 0.2126 * (channel(0) + 1.0) + 0.7152 * (channel(1) + 0.5)
+                                 + 0.0722 * channel(2);
+        EXPECT_NEAR(greys.texel(0, i, 511 - i), luminance, 2e-3) << "a color as its brightness";
+    }
+}
+
 TEST_F(Engine, bakingWithoutIntermediatesGivesTheSamePixels)
 {
     OssEvTarget wanted = target(chain({}), "Over", 300);
@@ -227,7 +265,7 @@ TEST_F(Engine, cancellingStopsTheWorkAndTellsOnce)
     const auto graph = builder.finish();
     Collected result;
     OssEvRequest request;
-    request.target = target(graph, "Cells", 8192);
+    request.target = target(graph, "Cells", 32768);
     const OssEvEngine::Id id = start(std::move(request), &result);
     while (engine->statistics().tilesComputed == 0)
         std::this_thread::yield();
@@ -238,7 +276,7 @@ TEST_F(Engine, cancellingStopsTheWorkAndTellsOnce)
     EXPECT_EQ(result.finished, 1);
     EXPECT_EQ(result.afterFinish, 0);
     EXPECT_TRUE(result.outcome.cancelled);
-    EXPECT_LT(after.tilesComputed, 400U) << "of 4096";
+    EXPECT_LT(after.tilesComputed, 30000U) << "of 65536";
     // What stopped half-way must not pass for a result.
     const Collected again = evaluate(target(graph, "Cells", 1024));
     EXPECT_TRUE(again.outcome.ok());
@@ -255,7 +293,11 @@ TEST_F(Engine, halfDoneTilesOfACancelledRequestAreNotKept)
         OssEvRequest request;
         request.target = target(graph, "Cells", 1024);
         const OssEvEngine::Id id = start(std::move(request), &cancelled);
-        while (engine->statistics().tilesComputed == 0)
+        const auto isUnderWay = [this] {
+            const OssEvStatistics now = engine->statistics();
+            return now.tilesComputed > 0 || now.tilesFromCache == 64;
+        };
+        while (!isUnderWay())
             std::this_thread::yield();
         engine->cancel(id);
         engine->wait(id);
@@ -463,13 +505,15 @@ TEST(TileCache, keepsWhatIsDearAndWhatIsAskedFor)
     const auto tile = std::make_shared<OssEvTile>(1, OssEvTile::Format::Half);
     OssEvTileCache cache(10 * tile->bytes());
     const OssEvKey key{1, 2};
-    cache.insert({key, 1000, 0}, tile, 1e9);
+    for (int i = 0; i < 5; ++i)
+        cache.insert({key, 1000 + i, 0}, tile, 1e9);
     for (int i = 0; i < 100; ++i) {
         cache.insert({key, i, 0}, tile, 1e3);
         EXPECT_NE(cache.find({key, 0, 0}), nullptr) << "asked for all the time, at " << i;
         EXPECT_LE(cache.bytes(), cache.budget());
     }
-    EXPECT_NE(cache.find({key, 1000, 0}), nullptr) << "dear";
+    for (int i = 0; i < 5; ++i)
+        EXPECT_NE(cache.find({key, 1000 + i, 0}), nullptr) << "dear";
     EXPECT_EQ(cache.find({key, 50, 0}), nullptr);
     EXPECT_EQ(cache.count(), 10U);
     cache.setBudget(3 * tile->bytes());

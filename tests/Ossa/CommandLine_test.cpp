@@ -1,9 +1,8 @@
 #include "Ossa/CommandLine.h"
 
-#include <gtest/gtest.h>
+#include "ProgramRun.h"
 
-#include <QProcess>
-#include <QTemporaryDir>
+#include <gtest/gtest.h>
 
 #include <vector>
 
@@ -13,30 +12,6 @@ CommandLine parse(std::vector<const char *> arguments)
 {
     arguments.insert(arguments.begin(), "ossa");
     return CommandLine::parse(int(arguments.size()), arguments.data());
-}
-
-struct Outcome
-{
-    int exitCode;
-    QByteArray out;
-    QByteArray err;
-};
-
-/// Runs the program itself, without a display and with settings of its own.
-Outcome run(const QStringList &arguments)
-{
-    const QTemporaryDir settings;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    for (const char *name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
-        environment.remove(QString::fromLatin1(name));
-    environment.insert(QStringLiteral("OSSA_CONFIG_DIR"), settings.path());
-    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), settings.path());
-    QProcess program;
-    program.setProcessEnvironment(environment);
-    program.start(QStringLiteral(OSSA_PROGRAM), arguments);
-    if (!program.waitForFinished(60000) || program.exitStatus() != QProcess::NormalExit)
-        return {-1, program.readAllStandardOutput(), program.readAllStandardError()};
-    return {program.exitCode(), program.readAllStandardOutput(), program.readAllStandardError()};
 }
 
 } // namespace
@@ -90,7 +65,7 @@ TEST(CommandLineParsing, helpAndVersionSucceed)
 
 TEST(Program, saysVersionOnStdout)
 {
-    const Outcome outcome = run({QStringLiteral("--version")});
+    const ProgramRun outcome = ProgramRun::of({QStringLiteral("--version")});
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_TRUE(outcome.out.startsWith("ossa "));
     EXPECT_TRUE(outcome.err.isEmpty()) << outcome.err.constData();
@@ -98,7 +73,7 @@ TEST(Program, saysVersionOnStdout)
 
 TEST(Program, faultyUseEndsWithTwoAndNothingOnStdout)
 {
-    const Outcome outcome = run({QStringLiteral("graph")});
+    const ProgramRun outcome = ProgramRun::of({QStringLiteral("graph")});
     EXPECT_EQ(outcome.exitCode, 2);
     EXPECT_TRUE(outcome.out.isEmpty());
     EXPECT_EQ(outcome.err.count('\n'), 1);
@@ -110,7 +85,7 @@ TEST(Program, aMissingProjectIsNamedAndEndsWithOne)
          {QStringList{QStringLiteral("info"), QStringLiteral("/nowhere/wall.ossa")},
           QStringList{QStringLiteral("graph"), QStringLiteral("/nowhere/wall.ossa"),
                       QStringLiteral("-o"), QStringLiteral("/nowhere/wall.png")}}) {
-        const Outcome outcome = run(arguments);
+        const ProgramRun outcome = ProgramRun::of(arguments);
         EXPECT_EQ(outcome.exitCode, 1) << qPrintable(arguments.first());
         EXPECT_TRUE(outcome.err.contains("/nowhere/wall.ossa")) << outcome.err.constData();
         EXPECT_TRUE(outcome.out.isEmpty()) << outcome.out.constData();
@@ -119,7 +94,7 @@ TEST(Program, aMissingProjectIsNamedAndEndsWithOne)
 
 TEST(Program, windowWithoutDisplayIsRefusedInWords)
 {
-    const Outcome outcome = run({});
+    const ProgramRun outcome = ProgramRun::of({});
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_TRUE(outcome.err.contains("no display"));
 }

@@ -1,8 +1,8 @@
 #include "Ossa/CommandPalette.h"
 
 #include "Ossa/CommandListModel.h"
-#include "OssCoreModules/Interface/OssFuzzyMatch.h"
 #include "OssCoreModules/Interface/OssActionTreeManager.h"
+#include "OssCoreModules/Interface/OssFuzzyMatch.h"
 
 #include <gtest/gtest.h>
 

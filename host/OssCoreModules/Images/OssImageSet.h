@@ -18,6 +18,7 @@ class OSSCOREMODULES_EXPORT OssImageSet : public OssSerializableObject
     Q_PROPERTY(QString fileSpace READ fileSpace WRITE setFileSpace)
     Q_PROPERTY(bool scalar READ isScalar WRITE setScalar STORED isScalar)
     Q_PROPERTY(int resolution READ resolution WRITE setResolution)
+    Q_PROPERTY(QString path READ path WRITE setPath STORED hasPath)
     Q_PROPERTY(OssColor fillColor READ fillColor WRITE setFillColor)
 
 public:
@@ -56,6 +57,13 @@ public:
 
     void setResolution(int resolution) { m_resolution = resolution; }
 
+    /// Where its pixels are, "<UDIM>" for the patch; empty while there are none.
+    QString path() const { return m_path; }
+
+    bool hasPath() const { return !m_path.isEmpty(); }
+
+    void setPath(const QString &path) { m_path = path; }
+
     /// Of pixels that nothing was written to.
     OssColor fillColor() const { return m_fillColor; }
 
@@ -73,6 +81,7 @@ private:
     int m_bleed = 16;
     int m_resolution = 2048;
     QString m_fileSpace;
+    QString m_path;
     bool m_scalar = false;
     OssColor m_fillColor{0.0, 0.0, 0.0, 0.0};
 };

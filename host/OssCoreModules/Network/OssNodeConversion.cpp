@@ -113,8 +113,7 @@ void movePlace(const OssSnBaseNode *from, const OssSnBaseNode *to)
     if (!from->context(view) || !to->context(view))
         return;
     QPointF position;
-    QMetaObject::invokeMethod(from->context(view), "nodePosition",
-                              Q_RETURN_ARG(QPointF, position));
+    QMetaObject::invokeMethod(from->context(view), "nodePosition", Q_RETURN_ARG(QPointF, position));
     QMetaObject::invokeMethod(to->context(view), "setNodePosition", Q_ARG(QPointF, position));
 }
 
@@ -167,8 +166,8 @@ bool OssNodeConversion::upgrade(OssSnBaseNode *node,
     }
     OssSnBaseNode::Definition after = OssSnBaseNode::definitionOf(type);
     if (after.look->metaObject() != node->metaObject()) {
-        lost->append(tr("%1: its type is another kind of node now; convert it instead")
-                         .arg(node->path()));
+        lost->append(
+            tr("%1: its type is another kind of node now; convert it instead").arg(node->path()));
         return false;
     }
     if (node->versionHashPresent() == after.look->versionHashPresent()

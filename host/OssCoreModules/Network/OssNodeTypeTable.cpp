@@ -58,11 +58,10 @@ void OssNodeTypeTable::write(OssSerializer &serializer, const QList<OssSnBaseNod
     QMap<QString, QString> elements;
     const auto put = [&elements](const QString &key, const QString &id, const QString &content) {
         const QString attribute = id.isEmpty() ? QString() : QStringLiteral(" id=\"%1\"").arg(id);
-        elements.insert(key + QLatin1Char('\n') + id, QStringLiteral("<%1 key=\"%2\"%3>")
-                                                              .arg(Element, key.toHtmlEscaped(),
-                                                                   attribute)
-                                                          + content
-                                                          + QStringLiteral("</%1>").arg(Element));
+        elements.insert(
+            key + QLatin1Char('\n') + id,
+            QStringLiteral("<%1 key=\"%2\"%3>").arg(Element, key.toHtmlEscaped(), attribute)
+                + content + QStringLiteral("</%1>").arg(Element));
     };
     for (const OssSnNodeType *type : qAsConst(used.types))
         put(type->pathKey, idOf(*type), type->source);

@@ -67,7 +67,9 @@ void OssSnGroupNode::setKnobLinks(const QString &knob, const Links &links)
 
 bool OssSnGroupNode::addKnobLink(const QString &knob, OssSnBaseNode *node, const QString &attribute)
 {
-    const QString path = node ? OssLinkedCustomAttributeManager::pathInside(this, node) : QString();
+    if (!node)
+        return false;
+    const QString path = OssLinkedCustomAttributeManager::pathInside(this, node);
     if (path.isEmpty() || !isKnob(knob)
         || node->attribute(attribute).userType() != this->attribute(knob).userType())
         return false;
@@ -87,8 +89,12 @@ bool OssSnGroupNode::addKnobLink(const QString &knob, OssSnBaseNode *node, const
 
 QString OssSnGroupNode::createKnob(OssSnBaseNode *node, const QString &attribute)
 {
-    const OssCustomAttribute source = node ? node->userAttribute(attribute) : OssCustomAttribute();
-    const QString path = node ? OssLinkedCustomAttributeManager::pathInside(this, node) : QString();
+    if (!node) {
+        OssDebug(Source, __LINE__, "Node is NULL");
+        return {};
+    }
+    const OssCustomAttribute source = node->userAttribute(attribute);
+    const QString path = OssLinkedCustomAttributeManager::pathInside(this, node);
     if (!source.isValid() || path.isEmpty()) {
         OssDebug(Source, __LINE__, "[ !! ] '%s' is no attribute of a node inside group '%s'",
                  qPrintable(attribute), qPrintable(name()));

@@ -1,10 +1,8 @@
 #include "OssCoreModules/Network/OssSnResultKey.h"
 
 #include "OssCore/OssValueText.h"
-#include "OssCoreModules/Network/OssShaderNetwork.h"
-#include "OssCoreModules/Network/OssSnBaseTeleportNode.h"
-#include "OssCoreModules/Network/OssSnGroupNode.h"
-#include "OssCoreModules/Network/OssSnTeleportNodeManager.h"
+#include "OssCoreModules/Network/OssSnBaseNode.h"
+#include "OssCoreModules/Network/OssSnProducer.h"
 
 #include <QCryptographicHash>
 
@@ -14,54 +12,42 @@ namespace {
 class KeyMaker
 {
 public:
-    QByteArray keyOf(const OssSnBaseNode *node, const QString &outputPoint)
+    QByteArray keyOf(const OssSnProducer &wanted)
     {
-        const Place wanted{node, outputPoint};
-        QVector<Place> open{wanted};
+        const Place place{wanted.node, wanted.outputPoint};
+        QVector<Place> open{place};
         while (!open.isEmpty()) {
-            const Place place = open.last();
-            if (m_keys.contains(place)) {
+            const Place next = open.last();
+            if (m_keys.contains(next)) {
                 open.removeLast();
                 continue;
             }
-            const QVector<Place> sources = sourcesOf(place);
+            const QVector<Place> sources = sourcesOf(next.first);
+            const bool loops = m_open.contains(next);
+            m_open.insert(next);
             const int before = open.size();
             for (const Place &source : sources) {
-                if (source.first && !m_keys.contains(source))
+                if (source.first && !m_keys.contains(source) && !loops)
                     open.append(source);
             }
             if (open.size() > before)
                 continue;
-            m_keys.insert(place, hash(place, sources));
+            m_keys.insert(next, hash(next, sources));
             open.removeLast();
         }
-        return m_keys.value(wanted);
+        return m_keys.value(place);
     }
 
 private:
     using Place = QPair<const OssSnBaseNode *, QString>;
 
-    /// What the output is made from. A group leads inside, a port inside leads out again.
-    static QVector<Place> sourcesOf(const Place &place)
+    static QVector<Place> sourcesOf(const OssSnBaseNode *node)
     {
-        const OssSnBaseNode *node = place.first;
-        if (const auto *group = qobject_cast<const OssSnGroupNode *>(node)) {
-            const OssSnBaseNode *inside = group->outputNodeInside(place.second);
-            return {{inside, {}}};
-        }
-        const OssSnGroupNode *around = node->hasTag(QStringLiteral("_input")) && node->network()
-                                           ? node->network()->parentGroupNode()
-                                           : nullptr;
-        if (around)
-            return {{around->inputNode(node->name()), around->inputOutputPoint(node->name())}};
-        const auto *teleport = qobject_cast<const OssSnBaseTeleportNode *>(node);
-        if (teleport && !teleport->isBroadcast())
-            return {{OssSnTeleportNodeManager::instance()->broadcastNode(node->network(),
-                                                                         teleport->channelName()),
-                     {}}};
         QVector<Place> sources;
-        for (const OssSnBaseNode::InputPort &port : node->inputPorts())
-            sources.append({port.enabled ? port.source : nullptr, port.sourceOutput});
+        for (const OssSnBaseNode::InputPort &port : node->inputPorts()) {
+            const OssSnProducer source = OssSnProducer::ofInput(node, port.name);
+            sources.append({source.node, source.outputPoint});
+        }
         return sources;
     }
 
@@ -73,35 +59,26 @@ private:
             hash.addData(text.toUtf8());
             hash.addData("\n", 1);
         };
-        const bool passes = qobject_cast<const OssSnGroupNode *>(node)
-                            || node->hasTag(QStringLiteral("_input"))
-                            || node->hasTag(QStringLiteral("_output"))
-                            || node->hasTag(QStringLiteral("_dot"))
-                            || qobject_cast<const OssSnBaseTeleportNode *>(node);
-        if (passes && sources.size() == 1)
-            return sources.first().first ? m_keys.value(sources.first()) : QByteArray("-");
-        if (!passes) {
-            add(node->pathKey());
-            add(place.second);
-            add(QString::number(int(node->enabledAsBool()))
-                + QString::number(int(node->isBypassed())));
-            const QVector<OssCustomAttribute> attributes = node->userAttributes();
-            for (const OssCustomAttribute &attribute : attributes)
-                add(attribute.name() + QLatin1Char('=') + OssValueText::toText(attribute.value()));
-        }
+        add(node->pathKey());
+        add(place.second);
+        const QVector<OssCustomAttribute> attributes = node->userAttributes();
+        for (const OssCustomAttribute &attribute : attributes)
+            add(attribute.name() + QLatin1Char('=') + OssValueText::toText(attribute.value()));
         for (const Place &source : sources)
             hash.addData(source.first ? m_keys.value(source) : QByteArray("-"));
         return hash.result();
     }
 
     QHash<Place, QByteArray> m_keys;
+    QSet<Place> m_open;
 };
 
 } // namespace
 
 QString OssSnResultKey::of(const OssSnBaseNode *node, const QString &outputPoint)
 {
-    if (!node)
+    const OssSnProducer producer = OssSnProducer::of(node, outputPoint);
+    if (!producer.node)
         return {};
-    return QString::fromLatin1(KeyMaker().keyOf(node, outputPoint).toHex());
+    return QString::fromLatin1(KeyMaker().keyOf(producer).toHex());
 }

@@ -62,9 +62,8 @@ void OssChoiceEditor::showValue(const OssCustomAttribute &attribute, bool mixed)
     }
     m_value = value;
     // A choice that is none of the list stays unchosen.
-    m_list->setCurrentIndex(mixed || value.currentValue() >= m_list->count()
-                                ? -1
-                                : value.currentValue());
+    m_list->setCurrentIndex(
+        mixed || value.currentValue() >= m_list->count() ? -1 : value.currentValue());
     m_list->setAccessibleName(attribute.prettyName());
 }
 
@@ -85,9 +84,9 @@ OssFlagEditor::OssFlagEditor(QWidget *parent)
 void OssFlagEditor::showValue(const OssCustomAttribute &attribute, bool mixed)
 {
     m_box->setTristate(mixed);
-    m_box->setCheckState(mixed                          ? Qt::PartiallyChecked
-                         : attribute.value().toBool()   ? Qt::Checked
-                                                        : Qt::Unchecked);
+    m_box->setCheckState(mixed                        ? Qt::PartiallyChecked
+                         : attribute.value().toBool() ? Qt::Checked
+                                                      : Qt::Unchecked);
     m_box->setAccessibleName(attribute.prettyName());
 }
 
@@ -129,8 +128,8 @@ void OssImagesEditor::fillList()
         index = m_list->count() - 1;
     }
     if (m_ids.size() > 1)
-        m_list->setItemText(index, tr("%1 and %n more", "", m_ids.size() - 1)
-                                       .arg(m_list->itemText(index)));
+        m_list->setItemText(
+            index, tr("%1 and %n more", "", m_ids.size() - 1).arg(m_list->itemText(index)));
     m_list->setCurrentIndex(index);
 }
 

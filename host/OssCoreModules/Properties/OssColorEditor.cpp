@@ -111,8 +111,7 @@ QColor OssColorEditor::toDisplay(const OssColor &color)
 
 OssColor OssColorEditor::fromDisplay(const QColor &color)
 {
-    return {decoded(color.redF()), decoded(color.greenF()), decoded(color.blueF()),
-            color.alphaF()};
+    return {decoded(color.redF()), decoded(color.greenF()), decoded(color.blueF()), color.alphaF()};
 }
 
 QColor OssColorEditor::shown(const OssColor &color) const
@@ -166,9 +165,9 @@ void OssColorEditor::openPicker()
     Q_EMIT dragBegun();
     connect(m_picker, &QColorDialog::currentColorChanged, this, [this](const QColor &picked) {
         const OssColor linear = m_display ? OssColor(picked) : fromDisplay(picked);
-        Q_EMIT dragged(QVariant::fromValue(
-            OssColor(linear.red() * m_brightness, linear.green() * m_brightness,
-                     linear.blue() * m_brightness, linear.alpha())));
+        Q_EMIT dragged(
+            QVariant::fromValue(OssColor(linear.red() * m_brightness, linear.green() * m_brightness,
+                                         linear.blue() * m_brightness, linear.alpha())));
     });
     connect(m_picker, &QDialog::finished, this, [this, start](int result) {
         if (result != QDialog::Accepted)

@@ -33,7 +33,7 @@ private:
     void openPicker();
 
     QPushButton *m_swatch;
-    OssNumberField *m_fields[Channels];
+    OssNumberField *m_fields[Channels] = {};
     QColorDialog *m_picker = nullptr;
     double m_brightness = 1.0; ///< of the colour being picked, above the display's white
     bool m_display = false;

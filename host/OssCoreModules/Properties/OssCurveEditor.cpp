@@ -1,5 +1,7 @@
 #include "OssCoreModules/Properties/OssCurveEditor.h"
 
+#include "OssEvaluation/Values/OssEvParameter.h"
+
 #include <QHBoxLayout>
 #include <QLocale>
 #include <QMouseEvent>
@@ -8,6 +10,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace {
 
@@ -15,53 +18,14 @@ constexpr double Grip = 7.0;
 constexpr double KeyStep = 0.02;
 constexpr double SmallestGap = 1e-4;
 
-/// Slopes at the points that keep the curve from overshooting: F. N. Fritsch, R. E. Carlson,
-/// "Monotone Piecewise Cubic Interpolation" (1980).
-QVector<double> tangentsOf(const QVector<QPointF> &points)
+/// The function that nodes make of the points.
+OssEvCurve curveThrough(const QVector<QPointF> &points)
 {
-    const int n = points.size();
-    QVector<double> secants(qMax(0, n - 1));
-    for (int i = 0; i + 1 < n; ++i)
-        secants[i] = (points[i + 1].y() - points[i].y())
-                     / std::max(points[i + 1].x() - points[i].x(), SmallestGap);
-    QVector<double> tangents(n);
-    for (int i = 0; i < n; ++i) {
-        const double left = i > 0 ? secants[i - 1] : secants.value(0);
-        const double right = i + 1 < n ? secants[i] : secants.value(n - 2);
-        tangents[i] = left * right <= 0.0 ? 0.0 : (left + right) / 2.0;
-    }
-    for (int i = 0; i + 1 < n; ++i) {
-        if (secants[i] == 0.0) {
-            tangents[i] = tangents[i + 1] = 0.0;
-            continue;
-        }
-        const double a = tangents[i] / secants[i];
-        const double b = tangents[i + 1] / secants[i];
-        const double length = std::hypot(a, b);
-        if (length > 3.0) {
-            tangents[i] = 3.0 * a / length * secants[i];
-            tangents[i + 1] = 3.0 * b / length * secants[i];
-        }
-    }
-    return tangents;
-}
-
-double curveAt(const QVector<QPointF> &points, const QVector<double> &tangents, double x)
-{
-    if (points.isEmpty())
-        return x;
-    if (x <= points.first().x())
-        return points.first().y();
-    if (x >= points.last().x())
-        return points.last().y();
-    int i = 0;
-    while (points[i + 1].x() < x)
-        ++i;
-    const double h = points[i + 1].x() - points[i].x();
-    const double t = (x - points[i].x()) / h;
-    const double u = 1.0 - t;
-    return (1.0 + 2.0 * t) * u * u * points[i].y() + t * u * u * h * tangents[i]
-           + t * t * (3.0 - 2.0 * t) * points[i + 1].y() - t * t * u * h * tangents[i + 1];
+    std::vector<OssEvVector2> ends;
+    ends.reserve(std::size_t(points.size()));
+    for (const QPointF &point : points)
+        ends.push_back({point.x(), point.y()});
+    return OssEvCurve(std::move(ends));
 }
 
 } // namespace
@@ -149,7 +113,7 @@ void OssCurveField::describe()
 
 double OssCurveField::valueAt(double x) const
 {
-    return curveAt(m_points, tangentsOf(m_points), x);
+    return curveThrough(m_points).at(x);
 }
 
 QRectF OssCurveField::area() const
@@ -193,12 +157,12 @@ void OssCurveField::paintEvent(QPaintEvent *)
         painter.drawLine(toWidget({0.0, i / 4.0}), toWidget({1.0, i / 4.0}));
     }
     painter.setClipRect(rect().adjusted(1, 1, -1, -1));
-    const QVector<double> tangents = tangentsOf(m_points);
+    const OssEvCurve curve = curveThrough(m_points);
     const QRectF box = area();
     QPainterPath path;
     for (int i = 0; i <= int(box.width()); ++i) {
         const double x = i / box.width();
-        const QPointF at = toWidget({x, curveAt(m_points, tangents, x)});
+        const QPointF at = toWidget({x, curve.at(x)});
         if (i == 0)
             path.moveTo(at);
         else
@@ -236,9 +200,8 @@ bool OssCurveField::movePoint(int index, QPointF to)
 
 void OssCurveField::addPoint(const QPointF &point)
 {
-    const auto after = std::find_if(m_points.begin(), m_points.end(), [&point](const QPointF &p) {
-        return p.x() > point.x();
-    });
+    const auto after = std::find_if(m_points.begin(), m_points.end(),
+                                    [&point](const QPointF &p) { return p.x() > point.x(); });
     m_current = int(after - m_points.begin());
     m_points.insert(m_current, {std::clamp(point.x(), 0.0, 1.0), std::clamp(point.y(), 0.0, 1.0)});
     movePoint(m_current, m_points.at(m_current));

@@ -40,7 +40,7 @@ public:
 
     int currentPoint() const { return m_current; }
 
-    /// What the curve gives: monotone cubic pieces between the points, constant beyond them.
+    /// What nodes make of the curve.
     double valueAt(double x) const;
 
     QPointF toWidget(const QPointF &point) const;

@@ -24,24 +24,71 @@ struct Function
     double (*call)(const QVector<double> &a);
 };
 
-const Function functions[] = {
-    {"sqrt", 1, [](const QVector<double> &a) { return std::sqrt(a[0]); }},
-    {"abs", 1, [](const QVector<double> &a) { return std::fabs(a[0]); }},
-    {"floor", 1, [](const QVector<double> &a) { return std::floor(a[0]); }},
-    {"ceil", 1, [](const QVector<double> &a) { return std::ceil(a[0]); }},
-    {"round", 1, [](const QVector<double> &a) { return std::round(a[0]); }},
-    {"exp", 1, [](const QVector<double> &a) { return std::exp(a[0]); }},
-    {"log", 1, [](const QVector<double> &a) { return std::log(a[0]); }},
-    {"sin", 1, [](const QVector<double> &a) { return std::sin(a[0]); }},
-    {"cos", 1, [](const QVector<double> &a) { return std::cos(a[0]); }},
-    {"tan", 1, [](const QVector<double> &a) { return std::tan(a[0]); }},
-    {"rad", 1, [](const QVector<double> &a) { return a[0] * Pi / 180.0; }},
-    {"deg", 1, [](const QVector<double> &a) { return a[0] * 180.0 / Pi; }},
-    {"min", 2, [](const QVector<double> &a) { return std::min(a[0], a[1]); }},
-    {"max", 2, [](const QVector<double> &a) { return std::max(a[0], a[1]); }},
-    {"pow", 2, [](const QVector<double> &a) { return std::pow(a[0], a[1]); }},
+const Function Functions[] = {
+    {"sqrt", 1,
+     [](const QVector<double> &a) {
+         return std::sqrt(a[0]);
+     }},
+    {"abs", 1,
+     [](const QVector<double> &a) {
+         return std::fabs(a[0]);
+     }},
+    {"floor", 1,
+     [](const QVector<double> &a) {
+         return std::floor(a[0]);
+     }},
+    {"ceil", 1,
+     [](const QVector<double> &a) {
+         return std::ceil(a[0]);
+     }},
+    {"round", 1,
+     [](const QVector<double> &a) {
+         return std::round(a[0]);
+     }},
+    {"exp", 1,
+     [](const QVector<double> &a) {
+         return std::exp(a[0]);
+     }},
+    {"log", 1,
+     [](const QVector<double> &a) {
+         return std::log(a[0]);
+     }},
+    {"sin", 1,
+     [](const QVector<double> &a) {
+         return std::sin(a[0]);
+     }},
+    {"cos", 1,
+     [](const QVector<double> &a) {
+         return std::cos(a[0]);
+     }},
+    {"tan", 1,
+     [](const QVector<double> &a) {
+         return std::tan(a[0]);
+     }},
+    {"rad", 1,
+     [](const QVector<double> &a) {
+         return a[0] * Pi / 180.0;
+     }},
+    {"deg", 1,
+     [](const QVector<double> &a) {
+         return a[0] * 180.0 / Pi;
+     }},
+    {"min", 2,
+     [](const QVector<double> &a) {
+         return std::min(a[0], a[1]);
+     }},
+    {"max", 2,
+     [](const QVector<double> &a) {
+         return std::max(a[0], a[1]);
+     }},
+    {"pow", 2,
+     [](const QVector<double> &a) {
+         return std::pow(a[0], a[1]);
+     }},
     {"clamp", 3,
-     [](const QVector<double> &a) { return std::min(std::max(a[0], a[1]), a[2]); }},
+     [](const QVector<double> &a) {
+         return std::min(std::max(a[0], a[1]), a[2]);
+     }},
 };
 
 /// Recursive descent; the first fault is kept and everything after it gives 0.
@@ -196,7 +243,7 @@ private:
             return Pi;
         if (name == QLatin1String("x"))
             return m_present;
-        for (const Function &function : functions) {
+        for (const Function &function : Functions) {
             if (name == QLatin1String(function.name))
                 return call(function);
         }
@@ -236,7 +283,8 @@ OssResult OssExpression::evaluate(const QString &text, double present, double *v
     QString whole = text.trimmed();
     if (whole.size() > LongestText)
         return OssResult::failure(tr("it is too long"));
-    const bool sets = whole.startsWith(QLatin1String("+=")) || whole.startsWith(QLatin1String("-="));
+    const bool sets = whole.startsWith(QLatin1String("+="))
+                      || whole.startsWith(QLatin1String("-="));
     if (sets)
         whole = QStringLiteral("x %1 (%2)").arg(whole.at(0)).arg(whole.mid(2));
     else if (whole.startsWith(QLatin1Char('*')) || whole.startsWith(QLatin1Char('/')))

@@ -81,9 +81,8 @@ void OssNodePropertyPanel::makeHeading()
     connect(m_lock, &QAbstractButton::toggled, this, &OssNodePropertyPanel::setLocked);
     connect(m_pin, &QAbstractButton::toggled, this, &OssNodePropertyPanel::setPinned);
     heading()->setContextMenuPolicy(Qt::CustomContextMenu);
-    connect(heading(), &QWidget::customContextMenuRequested, this, [this](const QPoint &at) {
-        openMenu(heading()->mapToGlobal(at));
-    });
+    connect(heading(), &QWidget::customContextMenuRequested, this,
+            [this](const QPoint &at) { openMenu(heading()->mapToGlobal(at)); });
 }
 
 QAbstractButton *OssNodePropertyPanel::makeButton(const QString &icon, const QString &toolTip,
@@ -169,10 +168,9 @@ QWidget *OssNodePropertyPanel::makeBody(const OssPropertyPanelOptions &options)
 
 bool OssNodePropertyPanel::isTouched(const Section &section) const
 {
-    return std::any_of(section.attributes.cbegin(), section.attributes.cend(),
-                       [this](const QString &name) {
-                           return !m_node->userAttribute(name).isDefault();
-                       });
+    return std::any_of(
+        section.attributes.cbegin(), section.attributes.cend(),
+        [this](const QString &name) { return !m_node->userAttribute(name).isDefault(); });
 }
 
 void OssNodePropertyPanel::addRow(const QString &attribute, OssFormLayout *form, QWidget *parent)
@@ -211,15 +209,9 @@ void OssNodePropertyPanel::addNodeSection(const OssPropertyPanelOptions &options
 void OssNodePropertyPanel::followNode(bool title)
 {
     connect(m_node, &OssSerializableObject::userAttributeChanged, this,
-            [this](const QString &name) {
-                if (OssPropertyRow *changed = row(name))
-                    changed->refresh();
-            });
+            &OssNodePropertyPanel::refreshRow);
     connect(m_node, &OssSnBaseNode::nodeAttributePrettyNameChanged, this,
-            [this](const QString &name) {
-                if (OssPropertyRow *changed = row(name))
-                    changed->refresh();
-            });
+            &OssNodePropertyPanel::refreshRow);
     connect(m_node, &OssSnBaseNode::nameChanged, this, [this, title](const QString &name) {
         if (title)
             heading()->setText(name);
@@ -234,18 +226,26 @@ void OssNodePropertyPanel::followNode(bool title)
     });
     connect(OssLinkedCustomAttributeManager::instance(),
             &OssLinkedCustomAttributeManager::linksChanged, this,
-            [this](const OssSnGroupNode *group, const QString &knob) {
-                if (!m_node)
-                    return;
-                if (OssPropertyRow *own = m_node == group ? row(knob) : nullptr)
-                    own->refresh();
-                const auto links = OssLinkedCustomAttributeManager::instance()->links(group, knob);
-                for (const auto &link : links) {
-                    OssPropertyRow *linked = link.node == m_node ? row(link.attribute) : nullptr;
-                    if (linked)
-                        linked->refresh();
-                }
-            });
+            &OssNodePropertyPanel::refreshLinked);
+}
+
+void OssNodePropertyPanel::refreshRow(const QString &attribute)
+{
+    if (OssPropertyRow *changed = row(attribute))
+        changed->refresh();
+}
+
+void OssNodePropertyPanel::refreshLinked(const OssSnGroupNode *group, const QString &knob)
+{
+    if (!m_node)
+        return;
+    if (m_node == group)
+        refreshRow(knob);
+    const auto links = OssLinkedCustomAttributeManager::instance()->links(group, knob);
+    for (const auto &link : links) {
+        if (link.node == m_node)
+            refreshRow(link.attribute);
+    }
 }
 
 void OssNodePropertyPanel::refreshTargets()
@@ -391,8 +391,7 @@ void OssNodePropertyPanel::keyPressEvent(QKeyEvent *event)
         row->pasteValue();
     else if (row && modifiers == Qt::ControlModifier && key == Qt::Key_Backspace)
         row->reset();
-    else if (row
-             && (key == Qt::Key_Menu || (modifiers == Qt::ShiftModifier && key == Qt::Key_F10)))
+    else if (row && (key == Qt::Key_Menu || (modifiers == Qt::ShiftModifier && key == Qt::Key_F10)))
         row->openMenu(row->label()->mapToGlobal({0, row->label()->height()}));
     else
         OssExpandableListWidget::keyPressEvent(event);

@@ -10,6 +10,7 @@
 class OssFormLayout;
 class OssPropertyRow;
 class OssSnBaseNode;
+class OssSnGroupNode;
 class QAbstractButton;
 class QLabel;
 class QVBoxLayout;
@@ -70,6 +71,8 @@ private:
     QAbstractButton *makeButton(const QString &icon, const QString &toolTip, bool checked);
     void followNode(bool title);
     void refreshTargets();
+    void refreshRow(const QString &attribute);
+    void refreshLinked(const OssSnGroupNode *group, const QString &knob);
     void openMenu(const QPoint &position);
 
     QPointer<OssSnBaseNode> m_node;

@@ -32,5 +32,5 @@ public:
 private:
     QVariant value() const;
 
-    OssNumberField *m_fields[2];
+    OssNumberField *m_fields[2] = {};
 };

@@ -21,6 +21,8 @@ constexpr int LargeStep = 10;
 constexpr int ShownDigits = 6;
 constexpr int FewestDigits = 2;
 constexpr int Margin = 6;
+constexpr int NarrowMargin = 3;
+constexpr int Narrow = 60;
 constexpr int WheelClick = 120;
 
 /// 1, 2 or 5 times a power of ten, at most `value`.
@@ -29,6 +31,12 @@ double niceStep(double value)
     const double power = std::pow(10.0, std::floor(std::log10(value)));
     const double lead = value / power;
     return power * (lead >= 5.0 ? 5.0 : lead >= 2.0 ? 2.0 : 1.0);
+}
+
+/// The nearest multiple of the grain, as people would write it.
+double roundedTo(double grain, double value)
+{
+    return QString::number(std::round(value / grain) * grain, 'g', 12).toDouble();
 }
 
 } // namespace
@@ -110,6 +118,8 @@ QString OssNumberField::textFitting(int width) const
                                        && fontMetrics().horizontalAdvance(shown) > width;
          --digits)
         shown = QString::number(m_value, 'g', digits);
+    if (!m_range.isInteger && !m_mixed && fontMetrics().horizontalAdvance(shown) > width)
+        shown = QString::number(m_value, 'f', FewestDigits);
     return fontMetrics().elidedText(shown, Qt::ElideRight, width);
 }
 
@@ -152,16 +162,17 @@ void OssNumberField::paintEvent(QPaintEvent *)
         else if (underMouse() || focus)
             fill = fill.lighter(120);
         painter.setClipPath(shape);
-        painter.fillRect(QRectF(box.left(), box.top(), box.width() * qBound(0.0, part, 1.0),
-                                box.height()),
-                         fill);
+        painter.fillRect(
+            QRectF(box.left(), box.top(), box.width() * qBound(0.0, part, 1.0), box.height()),
+            fill);
         painter.setClipping(false);
     }
-    painter.setPen(palette().color(focus               ? QPalette::Link
-                                   : underMouse()      ? QPalette::PlaceholderText
-                                                       : QPalette::Light));
+    painter.setPen(palette().color(focus          ? QPalette::Link
+                                   : underMouse() ? QPalette::PlaceholderText
+                                                  : QPalette::Light));
     painter.drawPath(shape);
-    const QRect inside = rect().adjusted(Margin, 0, -Margin, 0);
+    const int margin = width() < Narrow ? NarrowMargin : Margin;
+    const QRect inside = rect().adjusted(margin, 0, -margin, 0);
     const QString shown = textFitting(inside.width());
     if (!m_prefix.isEmpty()
         && fontMetrics().horizontalAdvance(m_prefix + text()) + Margin < inside.width()) {
@@ -229,10 +240,10 @@ void OssNumberField::mouseMoveEvent(QMouseEvent *event)
     const double speed = event->modifiers() & Qt::ShiftModifier ? FineFactor : 1.0;
     m_dragValue += (event->x() - m_pressX) * perPixel * speed;
     m_pressX = event->x();
-    double value = m_dragValue;
-    if (event->modifiers() & Qt::ControlModifier)
-        value = std::round(value / singleStep()) * singleStep();
-    value = bounded(value);
+    // No more digits than one pixel is worth.
+    const double grain = event->modifiers() & Qt::ControlModifier ? singleStep()
+                                                                  : niceStep(perPixel * speed);
+    double value = bounded(roundedTo(grain, m_dragValue));
     // A slider does not leave what it spans; one that is beyond comes back only.
     if (hasSoftRange()) {
         value = std::max(value, std::min(*m_range.softMinimum, m_pressValue));
@@ -315,10 +326,8 @@ bool OssNumberField::stepByKey(int key)
         return false;
     }
     // Steps of a tenth must not gather what binary fractions lack.
-    if (!m_range.isInteger && key != Qt::Key_Home && key != Qt::Key_End) {
-        const double grain = singleStep() / 1000.0;
-        value = QString::number(std::round(value / grain) * grain, 'g', 12).toDouble();
-    }
+    if (!m_range.isInteger && key != Qt::Key_Home && key != Qt::Key_End)
+        value = roundedTo(singleStep() / 1000.0, value);
     value = bounded(value);
     if (value != m_value || m_mixed) {
         setValue(value);

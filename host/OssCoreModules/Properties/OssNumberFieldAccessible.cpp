@@ -30,7 +30,10 @@ public:
 
     QVariant currentValue() const override { return field()->value(); }
 
-    void setCurrentValue(const QVariant &value) override { Q_EMIT field()->edited(value.toDouble()); }
+    void setCurrentValue(const QVariant &value) override
+    {
+        Q_EMIT field()->edited(value.toDouble());
+    }
 
     QVariant maximumValue() const override
     {
@@ -57,7 +60,7 @@ QAccessibleInterface *make(const QString &className, QObject *object)
     return new Interface(static_cast<OssNumberField *>(object)); // QAccessible takes it
 }
 
-const bool installed = [] {
+const bool Installed = [] {
     QAccessible::installFactory(&make);
     return true;
 }();

@@ -142,9 +142,9 @@ QString OssPropertyRow::toolTipFor(const OssCustomAttribute &attribute, bool *br
     }
     const auto knobs = linker->knobsOf(m_node, m_name);
     for (const auto &knob : knobs)
-        lines.append(tr("Knob \"%1\" of %2")
-                         .arg(knob.group->userAttribute(knob.name).prettyName(),
-                              knob.group->name()));
+        lines.append(
+            tr("Knob \"%1\" of %2")
+                .arg(knob.group->userAttribute(knob.name).prettyName(), knob.group->name()));
     return lines.join(QLatin1Char('\n'));
 }
 
@@ -152,10 +152,9 @@ void OssPropertyRow::showMarks(const OssCustomAttribute &attribute)
 {
     bool broken = false;
     const QString toolTip = toolTipFor(attribute, &broken);
-    const bool linked = !OssLinkedCustomAttributeManager::instance()
-                             ->knobsOf(m_node, m_name)
-                             .isEmpty()
-                        || attribute.definition().isKnob;
+    const bool linked =
+        !OssLinkedCustomAttributeManager::instance()->knobsOf(m_node, m_name).isEmpty()
+        || attribute.definition().isKnob;
     static_cast<Label *>(m_label)->setMarks(!attribute.isDefault(), linked, broken);
     m_label->setToolTip(toolTip);
     m_editor->setToolTip(toolTip);

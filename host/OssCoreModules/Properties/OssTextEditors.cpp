@@ -149,8 +149,7 @@ bool OssFileEditor::fileExists(const QString &path)
 void OssFileEditor::choose()
 {
     const QString path = OssFileDialog::getOpenFileName(
-        m_title,
-        tr("Images (*.exr *.png *.tif *.tiff *.jpg *.jpeg *.tga *.hdr);;All files (*)"),
+        m_title, tr("Images (*.exr *.png *.tif *.tiff *.jpg *.jpeg *.tga *.hdr);;All files (*)"),
         QStringLiteral("AttributeFilePath"), this);
     if (!path.isEmpty())
         Q_EMIT edited(path);

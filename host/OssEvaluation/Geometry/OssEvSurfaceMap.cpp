@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 namespace {
 
@@ -62,20 +63,31 @@ std::shared_ptr<const OssEvSurfaceMap> OssEvSurfaceMap::make(std::shared_ptr<con
                                                              const OssEvCancel *cancel)
 {
     std::shared_ptr<OssEvSurfaceMap> map(new OssEvSurfaceMap(std::move(mesh), frame));
-    return map->rasterise(cancel) && map->dilate(cancel) ? map : nullptr;
+    const bool complete = map->clear(cancel) && map->rasterise(cancel) && map->dilate(cancel);
+    return complete ? map : nullptr;
 }
 
 OssEvSurfaceMap::OssEvSurfaceMap(std::shared_ptr<const OssEvMesh> mesh, const OssEvFrame &frame)
     : m_mesh(std::move(mesh))
     , m_frame(frame)
-    , m_faces(std::size_t(frame.width) * std::size_t(frame.height), -1)
-    , m_offsets(m_faces.size(), Offset{std::int8_t(NotCovered), 0})
+    , m_faces(std::size_t(frame.width) * std::size_t(frame.height) * sizeof(std::int32_t))
+    , m_offsets(std::size_t(frame.width) * std::size_t(frame.height) * sizeof(Offset))
 {
 }
 
 int OssEvSurfaceMap::margin(int width)
 {
     return std::clamp((width * MarginAt4k + 2048) / 4096, 2, 64);
+}
+
+// Touching fresh memory takes its time: it is done in rows that can be given up.
+bool OssEvSurfaceMap::clear(const OssEvCancel *cancel)
+{
+    for (int y = 0; y < m_frame.height && !isCancelled(cancel); ++y) {
+        std::fill_n(faces() + index(0, y), m_frame.width, -1);
+        std::fill_n(offsets() + index(0, y), m_frame.width, Offset{std::int8_t(NotCovered), 0});
+    }
+    return !isCancelled(cancel);
 }
 
 bool OssEvSurfaceMap::rasterise(const OssEvCancel *cancel)
@@ -126,9 +138,9 @@ void OssEvSurfaceMap::rasteriseTriangle(int triangle, const OssEvCancel *cancel)
         const int end = std::min(m_frame.width - 1,
                                  int(std::floor(std::min(right + Slack, m_frame.width + 1.0))));
         for (int x = begin; x <= end; ++x) {
-            if (m_faces[index(x, y)] < 0) {
-                m_faces[index(x, y)] = triangle;
-                m_offsets[index(x, y)] = {0, 0};
+            if (faces()[index(x, y)] < 0) {
+                faces()[index(x, y)] = triangle;
+                offsets()[index(x, y)] = {0, 0};
             }
         }
     }
@@ -137,16 +149,19 @@ void OssEvSurfaceMap::rasteriseTriangle(int triangle, const OssEvCancel *cancel)
 // Exact distances in two passes: first along columns, then the best column for each texel.
 bool OssEvSurfaceMap::dilate(const OssEvCancel *cancel)
 {
-    std::vector<std::int8_t> vertical(m_faces.size(), std::int8_t(NotCovered));
-    for (int y = 0; y < m_frame.height && !isCancelled(cancel); ++y)
-        sweepRow(y, y - 1, &vertical);
+    const OssEvBuffer buffer(index(0, m_frame.height) * sizeof(std::int16_t));
+    auto *vertical = buffer.as<std::int16_t>();
+    for (int y = 0; y < m_frame.height && !isCancelled(cancel); ++y) {
+        std::fill_n(vertical + index(0, y), m_frame.width, std::int16_t(NotCovered));
+        sweepRow(y, y - 1, vertical);
+    }
     for (int y = m_frame.height - 1; y >= 0 && !isCancelled(cancel); --y)
-        sweepRow(y, y + 1, &vertical);
+        sweepRow(y, y + 1, vertical);
     for (int y = 0; y < m_frame.height; ++y) {
         if (isCancelled(cancel))
             return false;
         for (int x = 0; x < m_frame.width; ++x) {
-            if (m_faces[index(x, y)] < 0)
+            if (faces()[index(x, y)] < 0)
                 findNearest(x, y, vertical);
         }
     }
@@ -154,25 +169,24 @@ bool OssEvSurfaceMap::dilate(const OssEvCancel *cancel)
 }
 
 // Takes over from the row beside it how far the nearest covered texel of the same column is.
-void OssEvSurfaceMap::sweepRow(int y, int from, std::vector<std::int8_t> *vertical) const
+void OssEvSurfaceMap::sweepRow(int y, int from, std::int16_t *vertical) const
 {
     const int reach = margin(m_frame.width);
+    std::int16_t *row = vertical + index(0, y);
     for (int x = 0; x < m_frame.width; ++x) {
-        std::int8_t &distance = (*vertical)[index(x, y)];
-        if (m_faces[index(x, y)] >= 0) {
-            distance = 0;
+        if (faces()[index(x, y)] >= 0) {
+            row[x] = 0;
         } else if (from >= 0 && from < m_frame.height) {
-            const int next = (*vertical)[index(x, from)];
+            const int next = vertical[index(x, from)];
             const int candidate = next + (from - y);
-            const int own = distance;
-            const bool nearer = own == NotCovered || std::abs(candidate) < std::abs(own);
+            const bool nearer = row[x] == NotCovered || std::abs(candidate) < std::abs(int(row[x]));
             if (next != NotCovered && std::abs(candidate) <= reach && nearer)
-                distance = std::int8_t(candidate);
+                row[x] = std::int16_t(candidate);
         }
     }
 }
 
-void OssEvSurfaceMap::findNearest(int x, int y, const std::vector<std::int8_t> &vertical)
+void OssEvSurfaceMap::findNearest(int x, int y, const std::int16_t *vertical)
 {
     const int reach = margin(m_frame.width);
     int best = reach * reach + 1;
@@ -182,7 +196,7 @@ void OssEvSurfaceMap::findNearest(int x, int y, const std::vector<std::int8_t> &
         const int distance = (column - x) * (column - x) + down * down;
         if (down != NotCovered && distance < best) {
             best = distance;
-            m_offsets[index(x, y)] = {std::int8_t(column - x), std::int8_t(down)};
+            offsets()[index(x, y)] = {std::int8_t(column - x), std::int8_t(down)};
         }
     }
 }
@@ -192,12 +206,12 @@ int OssEvSurfaceMap::face(int x, int y) const
     int coveredX = 0;
     int coveredY = 0;
     nearestCovered(x, y, &coveredX, &coveredY);
-    return m_faces[index(coveredX, coveredY)];
+    return faces()[index(coveredX, coveredY)];
 }
 
 void OssEvSurfaceMap::nearestCovered(int x, int y, int *coveredX, int *coveredY) const
 {
-    const Offset offset = m_offsets[index(x, y)];
+    const Offset offset = offsets()[index(x, y)];
     *coveredX = offset.x == NotCovered ? x : x + offset.x;
     *coveredY = offset.x == NotCovered ? y : y + offset.y;
 }
@@ -216,12 +230,12 @@ void OssEvSurfaceMap::interpolate(int x, int y, int width,
     const double columnOffset = OssEvPatch::column(m_frame.patch);
     const double rowOffset = OssEvPatch::row(m_frame.patch);
     int current = -1;
-    Slope slope(*m_mesh, values, 0);
+    std::optional<Slope> slope;
     for (int i = 0; i < width; ++i) {
         int coveredX = 0;
         int coveredY = 0;
         nearestCovered(std::clamp(x + i, 0, m_frame.width - 1), row, &coveredX, &coveredY);
-        const int triangle = m_faces[index(coveredX, coveredY)];
+        const int triangle = faces()[index(coveredX, coveredY)];
         if (triangle < 0) {
             to[0][i] = 0.0F;
             to[1][i] = 0.0F;
@@ -229,13 +243,13 @@ void OssEvSurfaceMap::interpolate(int x, int y, int width,
             continue;
         }
         if (triangle != current) {
-            slope = Slope(*m_mesh, values, triangle);
+            slope.emplace(*m_mesh, values, triangle);
             current = triangle;
         }
         const double u = (coveredX + 0.5) / m_frame.width + columnOffset;
         const double v = 1.0 - (coveredY + 0.5) / m_frame.height + rowOffset;
         for (std::size_t k = 0; k < 3; ++k)
-            to[k][i] = float(slope.at(k, u, v));
+            to[k][i] = float(slope->at(k, u, v));
     }
 }
 
@@ -273,5 +287,5 @@ void OssEvSurfaceMap::derivatives(int x, int y, std::array<double, 3> *alongU,
 
 std::size_t OssEvSurfaceMap::bytes() const
 {
-    return m_faces.size() * sizeof(m_faces[0]) + m_offsets.size() * sizeof(Offset);
+    return m_faces.size() + m_offsets.size();
 }

@@ -2,6 +2,7 @@
 
 #include "OssEvaluation/Geometry/OssEvMesh.h"
 #include "OssEvaluation/OssEvaluation_export.h"
+#include "OssEvaluation/Values/OssEvBuffer.h"
 #include "OssEvaluation/Values/OssEvCancel.h"
 #include "OssEvaluation/Values/OssEvRegion.h"
 
@@ -38,7 +39,7 @@ public:
 
     bool isCovered(int x, int y) const
     {
-        const Offset offset = m_offsets[index(x, y)];
+        const Offset offset = offsets()[index(x, y)];
         return offset.x == 0 && offset.y == 0;
     }
 
@@ -78,17 +79,22 @@ private:
         return std::size_t(y) * std::size_t(m_frame.width) + std::size_t(x);
     }
 
+    std::int32_t *faces() const { return m_faces.as<std::int32_t>(); }
+
+    Offset *offsets() const { return m_offsets.as<Offset>(); }
+
+    bool clear(const OssEvCancel *cancel);
     bool rasterise(const OssEvCancel *cancel);
     void rasteriseTriangle(int triangle, const OssEvCancel *cancel);
     bool dilate(const OssEvCancel *cancel);
-    void sweepRow(int y, int from, std::vector<std::int8_t> *vertical) const;
-    void findNearest(int x, int y, const std::vector<std::int8_t> &vertical);
+    void sweepRow(int y, int from, std::int16_t *vertical) const;
+    void findNearest(int x, int y, const std::int16_t *vertical);
     void interpolate(int x, int y, int width, const std::vector<OssEvMesh::Vector3> &values,
                      float fallback, const std::array<float *, 3> &to) const;
 
     std::shared_ptr<const OssEvMesh> m_mesh;
     OssEvFrame m_frame;
     /// Of covered texels; -1 for the others.
-    std::vector<std::int32_t> m_faces;
-    std::vector<Offset> m_offsets;
+    OssEvBuffer m_faces;
+    OssEvBuffer m_offsets;
 };

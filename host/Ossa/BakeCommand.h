@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+/// What is to be baked, as the command line says it.
+struct BakeOptions
+{
+    QString project;
+    /// Names or paths of nodes. None: every fed input of the shaders in the objects' networks.
+    QStringList nodes;
+    /// "1001-1004,1011"; empty: every patch of the object.
+    QString patches;
+    int resolution = 2048;
+    QString format = QStringLiteral("exr");
+    QString folder;
+};
+
+/// Writes the textures into the folder, one file for each node and patch. A bar on stderr shows how
+/// far it is; Ctrl+C ends it without a half file. Prints what was written. Returns an ExitCode.
+int runBakeCommand(const BakeOptions &options);
+
+/// Patches of a text like "1001-1004,1011", ascending; empty when it makes no sense.
+QList<int> patchesFromText(const QString &text);

@@ -1,0 +1,81 @@
+#pragma once
+
+#include "Ossa/ViewerPixels.h"
+#include "OssCoreModules/Evaluation/OssSnEvaluationGraph.h"
+#include "OssEvaluation/Schedule/OssEvEngine.h"
+
+#include <QImage>
+#include <QObject>
+#include <QPointer>
+#include <QRect>
+#include <QTimer>
+
+class OssGeoEntity;
+class OssSnBaseNode;
+
+/// Follows what the current viewer looks at and has it computed. Watches cheaply: only when the
+/// document or the viewer changed it asks whether the picture would be another one. A newer request
+/// takes the place of the one that runs. Nothing here waits for pixels.
+class ViewerSource : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit ViewerSource(QObject *parent = nullptr);
+    ~ViewerSource() override;
+
+    void setLook(const ViewerLook &look);
+    void setResolution(int resolution);
+
+    int resolution() const { return m_resolution; }
+
+    /// Where the user looks, in patches: tiles nearest to it come first.
+    void setFocus(const QPointF &place);
+    /// Has all pixels made anew.
+    void refresh();
+    /// While off nothing is computed.
+    void setActive(bool active);
+
+Q_SIGNALS:
+    /// Another picture begins: these patches will come. `node` is what it is of; `problem` says why
+    /// nothing will come, in words.
+    void began(const QList<int> &patches, const QString &node, const QString &problem);
+    /// In texels of the patch; from the top.
+    void tileArrived(int patch, const QPoint &place, const QImage &picture,
+                     const OssEvTilePointer &tile);
+    void progressed(int done, int total);
+
+private:
+    struct Shown
+    {
+        QPointer<const OssSnBaseNode> node;
+        QString outputPoint;
+        QString key;
+    };
+
+    struct Running
+    {
+        OssEvEngine::Id id;
+        int patch;
+        int done;
+        int total;
+    };
+
+    void look();
+    void start(const OssGeoEntity *entity);
+    void startPatch(const OssSnEvaluationGraph &graph, const OssGeoEntity *entity, int patch);
+    void stop();
+    void arrive(int generation, int patch, const QPoint &place, const QImage &picture,
+                const OssEvTilePointer &tile);
+    void progress(int generation, int patch, int done, int total);
+
+    QTimer m_timer;
+    bool m_dirty = true;
+    bool m_active = false;
+    Shown m_shown;
+    ViewerLook m_look;
+    int m_resolution = 1024;
+    QPointF m_focus{0.5, 0.5};
+    int m_generation = 0;
+    QVector<Running> m_running;
+};

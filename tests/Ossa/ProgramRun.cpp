@@ -1,0 +1,21 @@
+#include "ProgramRun.h"
+
+#include <QProcess>
+#include <QTemporaryDir>
+
+ProgramRun ProgramRun::of(const QStringList &arguments)
+{
+    const QTemporaryDir settings;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const char *name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+        environment.remove(QString::fromLatin1(name));
+    environment.insert(QStringLiteral("OSSA_CONFIG_DIR"), settings.path());
+    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), settings.path());
+    QProcess program;
+    program.setProcessEnvironment(environment);
+    program.start(QStringLiteral(OSSA_PROGRAM), arguments);
+    const bool ended = program.waitForFinished(60000)
+                       && program.exitStatus() == QProcess::NormalExit;
+    return {ended ? program.exitCode() : -1, program.readAllStandardOutput(),
+            program.readAllStandardError()};
+}

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QByteArray>
+#include <QStringList>
+
+/// One run of the program itself, without a display and with settings of its own.
+struct ProgramRun
+{
+    int exitCode = -1; ///< -1: it crashed or did not end
+    QByteArray out;
+    QByteArray err;
+
+    static ProgramRun of(const QStringList &arguments);
+};

@@ -57,7 +57,8 @@ protected:
     void press(const char *text) const { QTest::mousePress(button(text), Qt::LeftButton); }
 
     /// What to do with the modal dialogs that come, one after the other.
-    void answer(std::function<void(QDialog *)> first, std::function<void(QDialog *)> then = {})
+    void answer(const std::function<void(QDialog *)> &first,
+                const std::function<void(QDialog *)> &then = {})
     {
         QTimer::singleShot(0, m_dialog.get(), [this, first, then] {
             auto *modal = qobject_cast<QDialog *>(QApplication::activeModalWidget());

@@ -7,6 +7,18 @@ QPointF GroupPortPlacement::outputPosition(const QPointF &feeder, qreal feederWi
     return feeder + QPointF(feederWidth + StreamGap, 0.0);
 }
 
+void GroupPortPlacement::moveBelow(QRectF *rect, const QVector<QRectF> &taken)
+{
+    for (bool clear = false; !clear;) {
+        const auto hit = std::find_if(taken.cbegin(), taken.cend(), [rect](const QRectF &other) {
+            return other.intersects(*rect);
+        });
+        clear = hit == taken.cend();
+        if (!clear)
+            rect->moveTop(hit->bottom() + StackGap);
+    }
+}
+
 QVector<QPointF> GroupPortPlacement::inputPositions(const QVector<Input> &inputs,
                                                     const QVector<QRectF> &fed,
                                                     const QVector<QRectF> &others)
@@ -25,14 +37,7 @@ QVector<QPointF> GroupPortPlacement::inputPositions(const QVector<Input> &inputs
         QRectF rect(fed.at(input.fed).left() - StreamGap - input.size.width(), y,
                     input.size.width(), input.size.height());
         // Two nodes that are fed side by side must not get their inputs on one spot.
-        for (bool clear = false; !clear;) {
-            const auto hit = std::find_if(placed.cbegin(), placed.cend(), [&](const QRectF &other) {
-                return other.intersects(rect);
-            });
-            clear = hit == placed.cend();
-            if (!clear)
-                rect.moveTop(hit->bottom() + StackGap);
-        }
+        moveBelow(&rect, placed);
         y = rect.bottom() + StackGap;
         positions[i] = rect.topLeft();
         placed.append(rect);
@@ -46,8 +51,10 @@ QVector<QPointF> GroupPortPlacement::inputPositions(const QVector<Input> &inputs
     for (int i = 0; i < inputs.size(); ++i) {
         if (inputs.at(i).fed >= 0)
             continue;
-        positions[i] = {right - inputs.at(i).size.width(), y};
-        y += inputs.at(i).size.height() + LooseGap;
+        QRectF rect({right - inputs.at(i).size.width(), y}, inputs.at(i).size);
+        moveBelow(&rect, placed);
+        positions[i] = rect.topLeft();
+        y = rect.bottom() + LooseGap;
     }
     return positions;
 }

@@ -15,6 +15,9 @@ constexpr qreal LooseGap = 70.0;   ///< between inputs that feed nothing
 /// Right of the node that feeds it, at its height.
 QPointF outputPosition(const QPointF &feeder, qreal feederWidth);
 
+/// Moves the rectangle down until it stands on none of the others.
+void moveBelow(QRectF *rect, const QVector<QRectF> &taken);
+
 struct Input
 {
     QSizeF size;

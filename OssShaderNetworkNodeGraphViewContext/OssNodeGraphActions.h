@@ -31,6 +31,8 @@
     ACTION("Paste", pasteNodesAction, pasteNodesAction())                                           \
     ACTION("Search Node", searchNodesAction, searchNodesAction())                                   \
     ACTION("Create Paint Node", createPaintableNode, createPaintableNode(QPoint(0, 0)))             \
+    ACTION("Bake to Paint Node", bakeToPaintableNode, bakeToPaintableNode())                       \
+    ACTION("Export to Geo-Channel", exportToGeoChannel, exportToGeoChannel(nullptr, QString()))    \
     ACTION("Info Viewer", printNodeInfo, printNodeInfo())                                           \
     ACTION("Swap Inputs", swapInputs, swapInputs())                                                 \
     ACTION("Rename Node", popupRenameWindow, popupRenameWindow())                                   \
@@ -40,6 +42,11 @@
     ACTION("Import Custom Procedural", importCustomProcedural, importCustomProcedural())            \
     ACTION("Toggle Port List", togglePortVisibility, togglePortVisibility())                        \
     ACTION("Cycle Port List Mode", cyclePortListMode, cyclePortListMode())                          \
+    ACTION("Smart Bake And Update", bakeEmptyAndUpdateOutOfDateBakePoints, bakeEmptyAndUpdateOutOfDateBakePoints())\
+    ACTION("Bake Selected", bakeSelectedBakePoints, bakeSelectedBakePoints())                      \
+    ACTION("Update Selected", updateSelectedBakePoints, updateSelectedBakePoints())                \
+    ACTION("Update Upstream", updateUpstreamBakePoints, updateUpstreamBakePoints())                \
+    ACTION("Update Downstream", updateDownstreamBakePoints, updateDownstreamBakePoints())          \
     ACTION("Manage User Knobs", manageUserKnobs, manageUserKnobs())                                \
     ACTION("Expose Node Properties", exposeNodeProperties, exposeNodeProperties())                 \
     ACTION("Open Group Node Subgraph", openGroupNodeSubgraph, openGroupNodeSubgraph())              \

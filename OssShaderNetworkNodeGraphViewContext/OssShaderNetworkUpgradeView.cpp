@@ -144,7 +144,7 @@ QTreeWidgetItem *OssShaderNetworkUpgradeView::addVersionRow(const QString &versi
     auto *row = new QTreeWidgetItem; // the tree takes it
     row->setText(UUID, versionUUID.isEmpty() ? Empty : versionUUID);
     row->setText(Hash, hash.isEmpty() ? Empty : hash);
-    row->setText(Date, date.isEmpty() ? Empty : date);
+    row->setText(Date, date);
     for (const StateColor &state : StateColors)
         row->setForeground(state.column, state.color);
     for (OssSnBaseNode *node : nodes)

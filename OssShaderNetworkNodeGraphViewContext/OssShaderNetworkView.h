@@ -10,8 +10,12 @@
 
 class OssNgBackdropNode;
 class OssShaderNetwork;
+class OssGeoEntity;
+class OssGeoImageSet;
 class OssImage;
+class OssSnBakePointNode;
 class OssSnBaseNode;
+class OssSnImageSetNodeBase;
 class OssSnMultiChannelGroupNode;
 class QAction;
 
@@ -168,6 +172,23 @@ public Q_SLOTS:
     /// space that keeps precision.
     static void autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(OssSnBaseNode *EndPointNode);
 
+    // Baking: waits with progress, can be stopped, is one undo step
+    /// All of the network, in groups too.
+    void bakeEmptyAndUpdateOutOfDateBakePoints();
+    void bakeSelectedBakePoints();
+    void updateSelectedBakePoints();
+    void updateUpstreamBakePoints();
+    void updateDownstreamBakePoints();
+    /// What follows the selected node follows a new paint node with its pixels instead.
+    void bakeToPaintableNode();
+    /// Puts the selected node's pixels into a geo-channel of its object. Asks for what is not
+    /// given.
+    void exportToGeoChannel(OssGeoImageSet *pGeoImageSet, QString OutputPointName);
+
+    void exportToGeoChannel(OssGeoImageSet *pGeoImageSet) { exportToGeoChannel(pGeoImageSet, {}); }
+
+    void exportToGeoChannel() { exportToGeoChannel(nullptr, {}); }
+
     // Finding, files, telling
     void searchNodesAction();
     void exportNodes();
@@ -212,11 +233,23 @@ protected:
     void dropEvent(QDropEvent *event) override;
 
 protected Q_SLOTS:
+    /// Paint that is not in the node's images yet goes there.
+    void bakePaintBufferToNode(const OssSnBaseNode *Node);
     void deferredConnectToViewContextManager();
 
 private:
     /// With a debug line when there is none.
     bool hasNetwork() const;
+    static void bake(const QList<OssSnBakePointNode *> &nodes, bool bakeEmpty,
+                     const char *messageForNone);
+    /// False when the user was asked and chose none.
+    bool chooseOutputPoint(const OssSnBaseNode *node, const QString &title, const QString &label,
+                           QString *outputPoint);
+    OssResult bakeIntoPaintNode(const OssSnBaseNode *source, const QString &outputPoint,
+                                OssSnImageSetNodeBase *paint);
+    /// Null without a user, or when there is none or none was chosen.
+    OssGeoImageSet *chooseGeoChannel(const OssGeoEntity *entity);
+    void exportNode(OssSnBaseNode *node, OssGeoImageSet *channel, const QString &outputPointName);
     /// Of the network; none, with that line, without one.
     QList<OssSnBaseNode *> selectedNodes() const;
     QList<OssSnBaseNode *> selectionWithoutViewer() const;

@@ -144,7 +144,15 @@ void OssSnNodePropertiesWidget::makeBar(QAction *deleteAll)
     button->setToolTip(tr("Remove all panels."));
     button->setWhatsThis(tr("Remove all panels."));
     button->setAccessibleName(tr("Remove all panels."));
-    button->setShortcut(deleteAll->shortcut());
+    // Where the action acts on its keys itself, the button's would make them ambiguous.
+    const auto follow = [button, deleteAll] {
+        const Qt::ShortcutContext context = deleteAll->shortcutContext();
+        const bool acts = context == Qt::WidgetWithChildrenShortcut
+                          || context == Qt::ApplicationShortcut;
+        button->setShortcut(acts ? QKeySequence() : deleteAll->shortcut());
+    };
+    connect(deleteAll, &QAction::changed, button, follow);
+    follow();
     // A style's padding leaves no room for the icon in a button as small as this.
     button->setStyleSheet(QStringLiteral("padding: 0;"));
     connect(button, &QPushButton::clicked, deleteAll, &QAction::trigger);

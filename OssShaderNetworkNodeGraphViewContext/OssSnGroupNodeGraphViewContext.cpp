@@ -242,6 +242,12 @@ void OssSnGroupNodeGraphViewContext::updateMultiChannelNodeUI()
     guiNode()->updateShape();
 }
 
+void OssSnGroupNodeGraphViewContext::copyGuiStateFrom(OssSnBaseContext *other)
+{
+    OssSnNodeGraphViewContext::copyGuiStateFrom(other);
+    updateMultiChannelNodeUI(); // the type's look is that of a valid node
+}
+
 void OssSnGroupNodeGraphViewContext::onBakedStateChanged()
 {
     auto *node = qobject_cast<OssSnMultiChannelBakePointNode *>(parentNode());
@@ -252,7 +258,7 @@ void OssSnGroupNodeGraphViewContext::onBakedStateChanged()
     const QList<OssSnBakePointNode *> active = node->activeBakePointNodes();
     for (const OssSnBakePointNode *bakePoint : active) {
         baked = baked || bakePoint->hasBakedResult();
-        stale = stale || (bakePoint->hasBakedResult() && !bakePoint->isBakedResultUpToDate());
+        stale = stale || (bakePoint->hasBakedResult() && !bakePoint->isBakedResultUpToDate(false));
     }
     guiNode()->setBaked(baked);
     guiNode()->setStale(stale || (!active.isEmpty() && !baked));

@@ -16,6 +16,8 @@ public:
     explicit OssSnGroupNodeGraphViewContext(QObject *node);
     ~OssSnGroupNodeGraphViewContext() override;
 
+    void copyGuiStateFrom(OssSnBaseContext *other) override;
+
     /// The view of the inside; made when it is first shown. Null when the node is no group.
     OssShaderNetworkView *groupView();
 

@@ -36,7 +36,7 @@ QRectF occupied(const OssNgNode *item)
     return item->boundingRect().translated(item->pos());
 }
 
-void placeOutput(OssSnBaseNode *node)
+void placeOutput(OssSnBaseNode *node, QVector<QRectF> *taken)
 {
     OssNgNode *item = itemOf(node);
     if (!item)
@@ -47,9 +47,14 @@ void placeOutput(OssSnBaseNode *node)
     if (wires.size() != 1)
         OssDebug(Source, __LINE__, "Output node should have only one input into the node");
     const OssNgNode *feeder = wires.isEmpty() ? nullptr : wires.first()->source();
-    if (feeder)
-        place(item,
-              GroupPortPlacement::outputPosition(feeder->pos(), feeder->boundingRect().width()));
+    if (!feeder)
+        return;
+    QRectF rect(GroupPortPlacement::outputPosition(feeder->pos(), feeder->boundingRect().width()),
+                item->boundingRect().size());
+    // One node may feed several outputs.
+    GroupPortPlacement::moveBelow(&rect, *taken);
+    taken->append(rect);
+    place(item, rect.topLeft());
 }
 
 void placeInputs(const QList<OssSnBaseNode *> &nodes, const QVector<QRectF> &others)
@@ -98,9 +103,10 @@ void OssSnGroupNodeGraphViewContext::adjustInputOutputPos()
     }
     const OssUndoManager::AutoMacro macro(tr("Arrange Ports"));
     const QList<OssSnBaseNode *> nodes = group->groupNetwork()->nodes();
+    QVector<QRectF> outputs;
     for (OssSnBaseNode *node : nodes) {
         if (node->hasTag(QStringLiteral("_output")))
-            placeOutput(node);
+            placeOutput(node, &outputs);
     }
     QVector<QRectF> others;
     for (const OssSnBaseNode *node : nodes) {

@@ -84,6 +84,7 @@ void OssSnNodeGraphViewContextManager::createActions()
                 &OssSnNodeGraphViewContextManager::onNodeCollapsedModeChanged);
         tree->registerAction(QStringLiteral("/Ossa/NodeGraph"), action);
     }
+
     struct ImageRow
     {
         const char *text;

@@ -2,6 +2,7 @@
 
 #include "OssCore/OssColor.h"
 #include "OssCore/OssDebug.h"
+#include "OssCoreModules/Network/OssShaderNetwork.h"
 #include "OssNodeGraph/OssNgBackdropNode.h"
 #include "OssNodeGraph/OssNgDotNode.h"
 #include "OssNodeGraph/OssNgUINode.h"
@@ -55,11 +56,12 @@ void OssSnUINodeGraphViewContext::initializeGui()
     if (!hasGuiNode())
         setGuiNodeClass(QStringLiteral("StickyNote"));
     OssSnNodeGraphViewContext::initializeGui();
-    if (const OssSnBaseNode *node = parentNode())
-        connectContainer(node);
+    OssSnBaseNode *node = parentNode();
+    if (!node)
+        return;
+    connectContainer(node);
     if (const auto *backdrop = qobject_cast<OssNgBackdropNode *>(guiNode()))
-        connect(backdrop, &OssNgBackdropNode::zOrderChanged, this,
-                &OssSnUINodeGraphViewContext::onZOrderChanged);
+        connect(backdrop, &OssNgBackdropNode::zOrderChanged, node, &OssSnBaseNode::zOrderChanged);
 }
 
 void OssSnUINodeGraphViewContext::connectContainer(const OssSnBaseNode *node)
@@ -171,8 +173,10 @@ void OssSnUINodeGraphViewContext::onContainerChildrenRefreshed(QList<OssSnBaseNo
     OssSnBaseNode *node = parentNode();
     if (!view || !node)
         return;
-    const QList<OssSnBaseNode *> before = childrenNodes();
-    for (OssSnBaseNode *member : before) {
+    // A member that was dragged off is no longer among those that lie on it.
+    const QList<OssSnBaseNode *> all = node->network() ? node->network()->nodes()
+                                                       : QList<OssSnBaseNode *>();
+    for (OssSnBaseNode *member : all) {
         if (member->container() == node && !MemberNodes.contains(member))
             member->setContainer(nullptr);
     }

@@ -24,7 +24,10 @@ public:
 
     QString defaultMaterialPathKey() const { return QStringLiteral("MaterialPath"); }
 
-    QString defaultCustomProceduralPathKey() const { return QStringLiteral("CustomProceduralPath"); }
+    QString defaultCustomProceduralPathKey() const
+    {
+        return QStringLiteral("CustomProceduralPath");
+    }
 
     QString defaultImportNodeGraphPathKey() const { return QStringLiteral("ImportNodeGraphPath"); }
 

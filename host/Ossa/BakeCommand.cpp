@@ -2,6 +2,7 @@
 
 #include "Ossa/CommandLine.h"
 #include "OssCoreModules/Evaluation/OssEvaluationService.h"
+#include "OssCoreModules/Evaluation/OssPatchList.h"
 #include "OssCoreModules/Network/OssShaderNetwork.h"
 #include "OssCoreModules/Network/OssSnBaseNode.h"
 #include "OssCoreModules/Project/OssGeoEntity.h"
@@ -14,7 +15,6 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 
-#include <algorithm>
 #include <atomic>
 #include <csignal>
 #include <cstdio>
@@ -25,8 +25,6 @@ namespace {
 
 constexpr int Interrupted = 130; // what shells give for Ctrl+C
 constexpr int BarWidth = 30;
-constexpr int FirstPatch = 1001;
-constexpr int LastPatch = 9999;
 
 std::atomic<bool> g_interrupted{false};
 
@@ -96,7 +94,7 @@ OssResult addNode(const OssProject *project, const QString &wanted, QVector<Text
 OssResult findPatches(const Texture &texture, const QString &wanted, QList<int> *patches)
 {
     const QList<int> all = OssEvaluationService::instance()->patches(texture.entity);
-    *patches = wanted.isEmpty() ? all : patchesFromText(wanted);
+    *patches = wanted.isEmpty() ? all : OssPatchList::fromText(wanted);
     for (const int patch : qAsConst(*patches)) {
         if (!all.contains(patch))
             return OssResult::failure(tr("%1: there is no patch %2").arg(texture.name).arg(patch));
@@ -138,28 +136,6 @@ private:
 
 } // namespace
 
-QList<int> patchesFromText(const QString &text)
-{
-    QList<int> patches;
-    const QStringList parts = text.split(QLatin1Char(','), Qt::SkipEmptyParts);
-    for (const QString &part : parts) {
-        const QStringList ends = part.split(QLatin1Char('-'));
-        bool firstOk = false;
-        bool lastOk = false;
-        const int first = ends.first().trimmed().toInt(&firstOk);
-        const int last = ends.last().trimmed().toInt(&lastOk);
-        if (!firstOk || !lastOk || ends.size() > 2 || first < FirstPatch || last > LastPatch
-            || last < first)
-            return {};
-        for (int patch = first; patch <= last; ++patch) {
-            if (!patches.contains(patch))
-                patches.append(patch);
-        }
-    }
-    std::sort(patches.begin(), patches.end());
-    return patches;
-}
-
 int runBakeCommand(const BakeOptions &options)
 {
     OssProjectManager *projects = OssProjectManager::instance();
@@ -193,20 +169,21 @@ int runBakeCommand(const BakeOptions &options)
         if (!found)
             return fail(found.error());
         job.resolution = options.resolution;
-        job.path = QDir(options.folder)
-                       .filePath(texture.name + QStringLiteral(".<UDIM>.") + options.format);
+        const QString path = QDir(options.folder)
+                                 .filePath(texture.name + QStringLiteral(".<UDIM>.")
+                                           + options.format);
         job.onProgress = [&](int done, int total) {
             bar.show(texture.name, done, total);
             return !g_interrupted;
         };
-        const OssResult baked = service->bake(job);
+        const OssResult baked = service->bake(job, path);
         if (g_interrupted)
             return Interrupted;
         if (!baked)
             return fail(texture.name + QStringLiteral(": ") + baked.error());
         for (const int patch : qAsConst(job.patches))
-            std::printf("%s\n", qPrintable(QString(job.path).replace(QLatin1String("<UDIM>"),
-                                                                     QString::number(patch))));
+            std::printf("%s\n", qPrintable(QString(path).replace(QLatin1String("<UDIM>"),
+                                                                 QString::number(patch))));
     }
     return ExitCode::Success;
 }

@@ -19,6 +19,3 @@ struct BakeOptions
 /// Writes the textures into the folder, one file for each node and patch. A bar on stderr shows how
 /// far it is; Ctrl+C ends it without a half file. Prints what was written. Returns an ExitCode.
 int runBakeCommand(const BakeOptions &options);
-
-/// Patches of a text like "1001-1004,1011", ascending; empty when it makes no sense.
-QList<int> patchesFromText(const QString &text);

@@ -1,5 +1,7 @@
 #include "Ossa/CommandLine.h"
 
+#include "OssCoreModules/Evaluation/OssPatchList.h"
+
 #include <CLI/CLI.hpp>
 
 #include <string>
@@ -62,7 +64,7 @@ CommandLine CommandLine::parse(int argc, const char *const *argv)
         ->take_all();
     bake->add_option("--patches", patches, "Such as 1001-1004,1011; all when not given")
         ->check([](const std::string &text) {
-            return patchesFromText(QString::fromStdString(text)).isEmpty()
+            return OssPatchList::fromText(QString::fromStdString(text)).isEmpty()
                        ? text + ": patches are written like 1001-1004,1011"
                        : std::string();
         });

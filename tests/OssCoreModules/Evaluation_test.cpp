@@ -28,8 +28,8 @@ protected:
         job.entity = m_project->shadingGroups().first()->geoEntity();
         job.patches = {1001};
         job.resolution = 16;
-        job.path = m_folder.filePath(QStringLiteral("made.<UDIM>.png"));
-        return OssEvaluationService::instance()->bake(job);
+        return OssEvaluationService::instance()->bake(
+            job, m_folder.filePath(QStringLiteral("made.<UDIM>.png")));
     }
 
     /// The middle of the picture, or an invalid colour with the failure.
@@ -103,10 +103,10 @@ TEST_F(Evaluation, aBakeThatIsStoppedLeavesNoFile)
     job.outputPoint = red->prefferedOutputPoint();
     job.patches = {1001};
     job.resolution = 512;
-    job.path = m_folder.filePath(QStringLiteral("made.<UDIM>.exr"));
     job.onProgress = [](int, int) {
         return false;
     };
-    EXPECT_FALSE(OssEvaluationService::instance()->bake(job));
+    EXPECT_FALSE(OssEvaluationService::instance()->bake(
+        job, m_folder.filePath(QStringLiteral("made.<UDIM>.exr"))));
     EXPECT_TRUE(QDir(m_folder.path()).isEmpty());
 }

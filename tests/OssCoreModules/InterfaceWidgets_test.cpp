@@ -47,17 +47,21 @@ TEST(ExpandableList, styleSheetsSelectItByIdAndProperty)
     EXPECT_EQ(panel.grab().toImage().pixelColor(40, 2), QColor(255, 0, 0));
 }
 
-TEST(ExpandableList, insertedWidgetsKeepTheirOrderAtTheRight)
+TEST(ExpandableList, insertedWidgetsKeepTheirOrderAroundTheTitle)
 {
     OssExpandableListHeading heading(QStringLiteral("Warp"));
     auto *first = new OssMiniButton(QStringLiteral("p"));
     auto *second = new OssMiniButton(QStringLiteral("s"));
     heading.insertWidget(0, first);
     heading.insertWidget(1, second);
+    auto *last = new OssMiniButton(QStringLiteral("x"));
+    heading.insertWidget(-1, last);
     heading.resize(300, 30);
     heading.show();
     EXPECT_LT(first->x(), second->x());
-    EXPECT_GT(first->x(), heading.findChild<QLabel *>()->geometry().right());
+    const QRect title = heading.findChild<QLabel *>()->geometry();
+    EXPECT_LT(second->geometry().right(), title.left());
+    EXPECT_GT(last->x(), title.right());
 }
 
 TEST(FormLayout, labelsOfAllFormsGetOneWidth)

@@ -1,6 +1,7 @@
 #include "Ossa/BakeCommand.h"
 
 #include "Ossa/CommandLine.h"
+#include "OssCoreModules/Evaluation/OssPatchList.h"
 #include "ProgramRun.h"
 
 #include <gtest/gtest.h>
@@ -25,11 +26,11 @@ ProgramRun bake(const QString &folder, const QStringList &more)
 
 TEST(BakeCommand, understandsListsOfPatches)
 {
-    EXPECT_EQ(patchesFromText(QStringLiteral("1001")), QList<int>({1001}));
-    EXPECT_EQ(patchesFromText(QStringLiteral("1011, 1001-1003,1002")),
+    EXPECT_EQ(OssPatchList::fromText(QStringLiteral("1001")), QList<int>({1001}));
+    EXPECT_EQ(OssPatchList::fromText(QStringLiteral("1011, 1001-1003,1002")),
               QList<int>({1001, 1002, 1003, 1011}));
     for (const char *nonsense : {"", "1", "1004-1001", "1001-1002-1003", "1001,x", "99999"})
-        EXPECT_TRUE(patchesFromText(QString::fromUtf8(nonsense)).isEmpty()) << nonsense;
+        EXPECT_TRUE(OssPatchList::fromText(QString::fromUtf8(nonsense)).isEmpty()) << nonsense;
 }
 
 TEST(BakeCommand, writesWhatFeedsTheShadersAndSaysWhatItWrote)

@@ -2,24 +2,14 @@
 
 #include "OssCore/OssAtomicFile.h"
 #include "OssCore/OssDebug.h"
+#include "OssCoreModules/Evaluation/OssImageSetFiles.h"
 #include "OssCoreModules/Project/OssGeoEntity.h"
-#include "OssEvaluation/Files/OssEvBake.h"
-#include "OssEvaluation/Files/OssEvImageFiles.h"
 #include "OssEvaluation/Geometry/OssEvMesh.h"
 #include "OssEvaluation/Geometry/OssEvMeshFile.h"
 #include "OssEvaluation/Schedule/OssEvEngine.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
-
-namespace {
-
-QString tr(const char *text)
-{
-    return QCoreApplication::translate("OssEvaluationService", text);
-}
-
-} // namespace
 
 OssEvaluationService *OssEvaluationService::instance()
 {
@@ -47,7 +37,7 @@ OssEvEngine *OssEvaluationService::engine()
 std::shared_ptr<OssEvImageProvider> OssEvaluationService::images()
 {
     if (!m_images)
-        m_images = std::make_shared<OssEvImageFiles>();
+        m_images = std::make_shared<OssImageSetFiles>();
     return m_images;
 }
 
@@ -93,37 +83,4 @@ OssEvTarget OssEvaluationService::target(const OssSnEvaluationGraph &graph,
     target.mesh = mesh(entity);
     target.images = images();
     return target;
-}
-
-OssResult OssEvaluationService::bake(const BakeJob &job)
-{
-    OssEvImageWriter::Format format = OssEvImageWriter::Format::Exr;
-    if (!OssEvImageWriter::formatOf(job.path.toStdString(), &format))
-        return OssResult::failure(tr("%1: images are written as .exr, .png or .tif").arg(job.path));
-    const OssSnEvaluationGraph graph = OssSnEvaluationGraph::of(job.node, job.outputPoint);
-    if (!graph.error.isEmpty())
-        return OssResult::failure(graph.error);
-    const OssResult folder = OssAtomicFile::makeFolder(QFileInfo(job.path).absolutePath());
-    if (!folder)
-        return folder;
-    OssEvCancel cancel;
-    for (int i = 0; i < job.patches.size(); ++i) {
-        OssEvBake::Job bake;
-        bake.target = target(graph, job.entity, job.patches.at(i), job.resolution);
-        bake.target.keepIntermediates = false;
-        bake.path = QString(job.path)
-                        .replace(QLatin1String("<UDIM>"), QString::number(job.patches.at(i)))
-                        .toStdString();
-        bake.format = format;
-        bake.cancel = &cancel;
-        bake.onProgress = [&](int done, int total) {
-            const int all = total * job.patches.size();
-            if (job.onProgress && !job.onProgress(total * i + done, all))
-                cancel.cancel();
-        };
-        const OssEvResult result = OssEvBake::run(engine(), bake);
-        if (!result)
-            return OssResult::failure(QString::fromStdString(result.error()));
-    }
-    return {};
 }

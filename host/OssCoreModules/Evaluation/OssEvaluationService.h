@@ -2,6 +2,7 @@
 
 #include "OssCore/OssResult.h"
 #include "OssCoreModules/Evaluation/OssSnEvaluationGraph.h"
+#include "OssEvaluation/Files/OssEvBake.h"
 
 #include <QList>
 #include <QMap>
@@ -9,12 +10,13 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 class OssEvEngine;
 class OssEvImageProvider;
 class OssEvMesh;
 class OssGeoEntity;
-struct OssEvTarget;
+class OssImageSet;
 
 /// The engine of the process and what evaluation needs of the document beside the graph: meshes and
 /// images. Everything that shows or writes pixels uses it. GUI thread, but for the engine itself.
@@ -34,6 +36,7 @@ public:
     OssEvTarget target(const OssSnEvaluationGraph &graph, const OssGeoEntity *entity, int patch,
                        int resolution);
 
+    /// What is computed, and what for.
     struct BakeJob
     {
         const OssSnBaseNode *node = nullptr;
@@ -41,21 +44,29 @@ public:
         const OssGeoEntity *entity = nullptr;
         QList<int> patches;
         int resolution = 2048;
-        /// "<UDIM>" stands for the patch; the suffix says the format: exr, png or tif.
-        QString path;
-        /// Called on this thread between rows of tiles; false stops the bake.
+        /// Called on this thread several times a second; false stops the bake.
         std::function<bool(int done, int total)> onProgress;
     };
 
-    /// Writes a file for each patch and waits for it, keeping progress going: for the command line
-    /// and for bakes that a user watches. The files are there whole or not at all.
-    OssResult bake(const BakeJob &job);
+    /// Writes a file for each patch. "<UDIM>" in the path stands for the patch; the suffix says the
+    /// format: exr, png or tif. Returns when it is done, while events go on being handled; callers
+    /// see to it that they change nothing below the bake. Files are there whole or not at all.
+    OssResult bake(const BakeJob &job, const QString &path);
+
+    /// Bakes into the set's images: each patch of the job gets new pixels, the others keep theirs.
+    /// One undo step; nothing changes when a patch fails.
+    OssResult bakeInto(OssImageSet *set, const BakeJob &job);
 
     /// Before the process ends: stops all work.
     void shutdown();
 
 private:
     OssEvaluationService();
+
+    /// Fails, in words, where the job cannot be computed.
+    OssResult prepare(const BakeJob &job, OssEvTarget *target);
+    OssResult runBakes(std::vector<OssEvBake::Job> bakes,
+                       const std::function<bool(int, int)> &onProgress);
 
     std::unique_ptr<OssEvEngine> m_engine;
     std::shared_ptr<OssEvImageProvider> m_images;

@@ -2,11 +2,12 @@
 
 #include "OssCore/OssColor.h"
 #include "OssCore/OssUserEnum.h"
+#include "OssCoreModules/Evaluation/OssImageSetFiles.h"
 #include "OssCoreModules/Images/OssImage.h"
 #include "OssCoreModules/Images/OssImageList.h"
 #include "OssCoreModules/Images/OssImageManager.h"
-#include "OssCoreModules/Images/OssImageSet.h"
-#include "OssCoreModules/Network/OssSnImageSetNodeBase.h"
+#include "OssCoreModules/Network/OssShaderNetworkUtils.h"
+#include "OssCoreModules/Network/OssSnBaseNode.h"
 #include "OssCoreModules/Network/OssSnProducer.h"
 #include "OssEvaluation/Graph/OssEvGraph.h"
 
@@ -78,7 +79,8 @@ public:
             const bool seen = m_indexes.contains(node);
             m_indexes.insert(node, -1);
             const int before = open.size();
-            for (const OssSnBaseNode::InputPort &port : node->inputPorts()) {
+            const QVector<OssSnBaseNode::InputPort> ports = portsOf(node);
+            for (const OssSnBaseNode::InputPort &port : ports) {
                 const OssSnBaseNode *source = OssSnProducer::ofInput(node, port.name).node;
                 if (source && !m_indexes.contains(source) && !seen)
                     open.append(source);
@@ -94,6 +96,13 @@ public:
     std::shared_ptr<const OssEvGraph> finish() { return m_builder.finish(); }
 
 private:
+    /// None where the node has pixels of its own.
+    static QVector<OssSnBaseNode::InputPort> portsOf(const OssSnBaseNode *node)
+    {
+        return OssShaderNetworkUtils::readsPixels(node) ? QVector<OssSnBaseNode::InputPort>()
+                                                        : node->inputPorts();
+    }
+
     void add(const OssSnBaseNode *node)
     {
         const OssSnNodeType *type = node->nodeType();
@@ -101,7 +110,8 @@ private:
                                             type ? type->kernel.toStdString() : std::string(),
                                             parametersOf(node));
         m_indexes.insert(node, index);
-        for (const OssSnBaseNode::InputPort &port : node->inputPorts()) {
+        const QVector<OssSnBaseNode::InputPort> ports = portsOf(node);
+        for (const OssSnBaseNode::InputPort &port : ports) {
             const OssSnProducer source = OssSnProducer::ofInput(node, port.name);
             const int from = source.node ? m_indexes.value(source.node, -1) : -1;
             if (from >= 0)
@@ -121,9 +131,9 @@ private:
             if (toParameter(attribute.value(), &parameter))
                 parameters.emplace(attribute.name().toStdString(), parameter);
         }
-        const auto *images = qobject_cast<const OssSnImageSetNodeBase *>(node);
-        if (images && images->imageSet() && !images->imageSet()->path().isEmpty())
-            parameters["Image"] = images->imageSet()->path().toStdString();
+        const QString images = OssImageSetFiles::nameOf(OssShaderNetworkUtils::imageSetOf(node));
+        if (!images.isEmpty())
+            parameters["Image"] = images.toStdString();
         return parameters;
     }
 

@@ -1,6 +1,14 @@
 #include "OssCoreModules/Images/OssImageSet.h"
 
+#include "OssCore/OssUndoManager.h"
 #include "OssCoreModules/Images/OssChannel.h"
+#include "OssCoreModules/Images/OssPixelStore.h"
+
+namespace {
+
+const QString PixelsElement = QStringLiteral("pixels");
+
+} // namespace
 
 OssImageSet::OssImageSet(const QString &name, QObject *parent)
     : OssSerializableObject(parent)
@@ -31,11 +39,60 @@ OssImageSet *OssImageSet::duplicate(const QString &name) const
 {
     auto *copy = new OssImageSet(name);
     copy->m_channel = m_channel;
-    copy->m_depth = m_depth;
-    copy->m_bleed = m_bleed;
+    copy->copySettings(*this);
     copy->m_resolution = m_resolution;
-    copy->m_fileSpace = m_fileSpace;
-    copy->m_scalar = m_scalar;
-    copy->m_fillColor = m_fillColor;
+    copy->m_pixels = m_pixels;
     return copy;
+}
+
+void OssImageSet::copySettings(const OssImageSet &other)
+{
+    m_depth = other.m_depth;
+    m_bleed = other.m_bleed;
+    m_fileSpace = other.m_fileSpace;
+    m_scalar = other.m_scalar;
+    m_fillColor = other.m_fillColor;
+}
+
+void OssImageSet::setPixels(const QMap<int, QString> &pixels)
+{
+    if (m_pixels == pixels)
+        return;
+    const auto apply = [this](const QMap<int, QString> &value) {
+        m_pixels = value;
+        Q_EMIT pixelsChanged();
+    };
+    const QMap<int, QString> before = m_pixels;
+    apply(pixels);
+    OssUndoManager::instance()->record(
+        tr("Write Pixels of %1").arg(m_name), [apply, before] { apply(before); },
+        [apply, pixels] { apply(pixels); });
+}
+
+// --- files
+
+bool OssImageSet::saveObjects(OssSerializer &serializer)
+{
+    for (auto at = m_pixels.cbegin(); at != m_pixels.cend(); ++at)
+        serializer.writeElement(PixelsElement,
+                                {{QStringLiteral("patch"), QString::number(at.key())},
+                                 {QStringLiteral("file"), at.value()}});
+    return OssSerializableObject::saveObjects(serializer);
+}
+
+bool OssImageSet::onLoadElement(OssDeserializer &deserializer, const QString &name,
+                                const Attributes &attributes)
+{
+    if (name != PixelsElement)
+        return OssSerializableObject::onLoadElement(deserializer, name, attributes);
+    bool isNumber = false;
+    const int patch = attributes.value(QStringLiteral("patch")).toInt(&isNumber);
+    const QString file = attributes.value(QStringLiteral("file"));
+    if (!isNumber || !OssPixelStore::isName(file)) {
+        deserializer.raiseError(tr("\"%1\" cannot be the pixels of patch %2")
+                                    .arg(file, attributes.value(QStringLiteral("patch"))));
+        return false;
+    }
+    m_pixels.insert(patch, file);
+    return true;
 }

@@ -4,6 +4,7 @@
 #include "OssCore/OssSerializableObject.h"
 #include "OssCoreModules/OssCoreModules_export.h"
 
+#include <QMap>
 #include <QPointer>
 
 class OssChannel;
@@ -18,7 +19,6 @@ class OSSCOREMODULES_EXPORT OssImageSet : public OssSerializableObject
     Q_PROPERTY(QString fileSpace READ fileSpace WRITE setFileSpace)
     Q_PROPERTY(bool scalar READ isScalar WRITE setScalar STORED isScalar)
     Q_PROPERTY(int resolution READ resolution WRITE setResolution)
-    Q_PROPERTY(QString path READ path WRITE setPath STORED hasPath)
     Q_PROPERTY(OssColor fillColor READ fillColor WRITE setFillColor)
 
 public:
@@ -31,6 +31,8 @@ public:
     /// The channel that these images are the paint of; null when there is none.
     OssChannel *channel() const;
     void setChannel(OssChannel *channel);
+
+    static constexpr int FloatDepth = 5126;
 
     /// GL type code of a component: 5121 is 8 bits, 5131 half, 5126 single precision.
     int depth() const { return m_depth; }
@@ -57,12 +59,11 @@ public:
 
     void setResolution(int resolution) { m_resolution = resolution; }
 
-    /// Where its pixels are, "<UDIM>" for the patch; empty while there are none.
-    QString path() const { return m_path; }
+    /// Names of pixel files by UDIM patch; a patch that nothing was written to has none.
+    QMap<int, QString> pixels() const { return m_pixels; }
 
-    bool hasPath() const { return !m_path.isEmpty(); }
-
-    void setPath(const QString &path) { m_path = path; }
+    /// Undoable.
+    void setPixels(const QMap<int, QString> &pixels);
 
     /// Of pixels that nothing was written to.
     OssColor fillColor() const { return m_fillColor; }
@@ -71,8 +72,17 @@ public:
 
     /// 8-bit colour, in which precision is short.
     bool isByteColor() const;
-    /// The same settings under another name; the caller owns it.
+    /// The same pixels and settings under another name; the caller owns it.
     OssImageSet *duplicate(const QString &name) const;
+    /// All but channel, pixels and resolution. Of a set that is not in a document yet.
+    void copySettings(const OssImageSet &other);
+
+    bool saveObjects(OssSerializer &serializer) override;
+    bool onLoadElement(OssDeserializer &deserializer, const QString &name,
+                       const Attributes &attributes) override;
+
+Q_SIGNALS:
+    void pixelsChanged();
 
 private:
     QString m_name;
@@ -81,7 +91,7 @@ private:
     int m_bleed = 16;
     int m_resolution = 2048;
     QString m_fileSpace;
-    QString m_path;
+    QMap<int, QString> m_pixels;
     bool m_scalar = false;
     OssColor m_fillColor{0.0, 0.0, 0.0, 0.0};
 };

@@ -5,18 +5,23 @@
 #include <QMouseEvent>
 #include <QToolButton>
 
+#include <algorithm>
+
 OssExpandableListHeading::OssExpandableListHeading(const QString &text, QWidget *parent)
     : QWidget(parent)
     , m_arrow(new QToolButton(this))
     , m_label(new QLabel(this))
+    , m_leading(new QHBoxLayout)
     , m_widgets(new QHBoxLayout)
 {
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins(4, 2, 4, 2);
     layout->setSpacing(4);
     layout->addWidget(m_arrow);
+    layout->addLayout(m_leading);
     layout->addWidget(m_label, 1);
     layout->addLayout(m_widgets);
+    m_leading->setSpacing(2);
     m_widgets->setSpacing(2);
 
     m_arrow->setAutoRaise(true);
@@ -50,8 +55,10 @@ void OssExpandableListHeading::insertWidget(int index, QWidget *widget)
 {
     if (!widget)
         return;
-    const int last = m_widgets->count();
-    m_widgets->insertWidget(index < 0 || index > last ? last : index, widget);
+    if (index < 0)
+        m_widgets->addWidget(widget);
+    else
+        m_leading->insertWidget(std::min(index, m_leading->count()), widget);
 }
 
 void OssExpandableListHeading::setCollapsed(bool collapsed)

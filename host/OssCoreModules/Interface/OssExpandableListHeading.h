@@ -9,7 +9,7 @@ class QLabel;
 class QToolButton;
 
 /// The heading of an OssExpandableListWidget: an arrow that collapses and expands, the title, and
-/// widgets of the owner's choice at the right. A click on the title does what the arrow does.
+/// widgets of the owner's choice before and behind it. A click on the title does what the arrow does.
 class OSSCOREMODULES_EXPORT OssExpandableListHeading : public QWidget
 {
     Q_OBJECT
@@ -20,7 +20,7 @@ public:
     QString text() const;
     void setText(const QString &text);
 
-    /// Among the widgets that were inserted before; an index out of range means the last place.
+    /// Before the title at a place counted from 0, or for an index below 0 at the end, at the right.
     /// The heading becomes the widget's parent.
     void insertWidget(int index, QWidget *widget);
 
@@ -35,5 +35,6 @@ protected:
 private:
     QToolButton *m_arrow;
     QLabel *m_label;
+    QHBoxLayout *m_leading;
     QHBoxLayout *m_widgets;
 };

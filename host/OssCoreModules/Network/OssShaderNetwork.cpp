@@ -154,6 +154,12 @@ OssShaderNetwork::NodePointer OssShaderNetwork::takeNode(OssSnBaseNode *node, in
     *index = int(found - m_nodes.begin());
     OssShaderNetworkManager::instance()->deregisterNode(this, node);
     node->emitRemovedFromNetwork();
+    // What is inside leaves the document with its group.
+    if (const auto *group = qobject_cast<const OssSnGroupNode *>(node)) {
+        const QList<OssSnBaseNode *> inside = group->groupNetwork()->getAllNodes();
+        for (OssSnBaseNode *inner : inside)
+            inner->emitRemovedFromNetwork();
+    }
     NodePointer taken = std::move(*found);
     m_nodes.erase(found);
     m_byName.remove(node->name());

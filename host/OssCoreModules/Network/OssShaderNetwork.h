@@ -13,6 +13,7 @@
 #include <memory>
 #include <vector>
 
+class OssImageSet;
 class OssGeoEntity;
 class OssShadingContext;
 class OssSnBaseNode;
@@ -70,6 +71,9 @@ public:
     QList<OssSnBaseNode *> createNodes(const QString &pathKey);
     /// A node with images of its own at a scene point. Without a key: what the brush writes to.
     OssSnBaseNode *createPaintableNode(const QPointF &scenePos, const QString &pathKey = {});
+    /// Empty images with the settings of `like`, which may be null, under a name that is free.
+    /// Owned by the shading context; null where there is none. Undoable.
+    OssImageSet *createImageSet(const QString &name, const OssImageSet *like, int resolution);
     /// Null without a model.
     OssSnMultiChannelMergeNode *createMultiChannelMergeNode(const OssLayerShaderModel *model);
     /// The same as lists, as commands want them; with `unique` names are made free.

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "OssCore/OssResult.h"
 #include "OssCoreModules/OssCoreModules_export.h"
 
 #include <QList>
 #include <QString>
 
+class OssImageSet;
 class OssSnBakePointNode;
 class OssSnBaseNode;
 class OssSnImageSetNodeBase;
@@ -24,6 +26,24 @@ OSSCOREMODULES_EXPORT OssSnImageSetNodeBase *asTrueImageSetNode(OssSnBaseNode *n
 
 /// The node as a bake point; null for others, multi-channel ones included.
 OSSCOREMODULES_EXPORT OssSnBakePointNode *asTrueBakePointNode(OssSnBaseNode *node);
+
+/// The images that the node reads, its own or those of its geo-channel; null when there are none.
+OSSCOREMODULES_EXPORT OssImageSet *imageSetOf(const OssSnBaseNode *node);
+/// Whether they have pixels, so that nothing that feeds the node matters.
+OSSCOREMODULES_EXPORT bool readsPixels(const OssSnBaseNode *node);
+
+/// Bakes what feeds each of the bake points into its images: of those that have a result, the ones
+/// that are out of date when `updateOutOfDate`, of the others all when `bakeEmpty`. Sources first,
+/// with progress; one undo step. Ends at the first that fails, or without a failure when the user
+/// stops it: what was baked until then stays. Waits without blocking the interface.
+OSSCOREMODULES_EXPORT OssResult bakeBakePoints(const QList<OssSnBakePointNode *> &nodes,
+                                               bool updateOutOfDate, bool bakeEmpty);
+
+/// Bake points that the nodes take from, resp. feed, through groups too; each once.
+OSSCOREMODULES_EXPORT QList<OssSnBakePointNode *> getUpstreamBakePointNodes(
+    const QList<OssSnBaseNode *> &nodes);
+OSSCOREMODULES_EXPORT QList<OssSnBakePointNode *> getDownstreamBakePointNodes(
+    const QList<OssSnBaseNode *> &nodes);
 
 /// Wires every output of the source to the free input of the target that bears its name. One undo
 /// step; false when none does.

@@ -119,6 +119,20 @@ OssSnBaseNode *OssShaderNetwork::createPaintableNode(const QPointF &scenePos,
     return node;
 }
 
+OssImageSet *OssShaderNetwork::createImageSet(const QString &name, const OssImageSet *like,
+                                              int resolution)
+{
+    OssShadingContext *shading = shadingContext();
+    if (!shading)
+        return nullptr;
+    auto *set = new OssImageSet(shading->freeImageSetName(name));
+    if (like)
+        set->copySettings(*like);
+    set->setResolution(resolution);
+    shading->addImageSet(set); // takes it
+    return set;
+}
+
 OssSnMultiChannelMergeNode *OssShaderNetwork::createMultiChannelMergeNode(
     const OssLayerShaderModel *model)
 {

@@ -1,6 +1,7 @@
 #include "OssCoreModules/Network/OssSnBakePointNode.h"
 
 #include "OssCore/OssUndoManager.h"
+#include "OssCoreModules/Network/OssBakePointWatch.h"
 #include "OssCoreModules/Network/OssSnResultKey.h"
 
 namespace {
@@ -18,6 +19,21 @@ const QString BakedElement = QStringLiteral("baked");
 OssSnBakePointNode::OssSnBakePointNode(std::shared_ptr<const OssSnNodeType> type)
     : OssSnImageSetNodeBase(std::move(type))
 {
+    OssBakePointWatch::instance()->add(this);
+}
+
+OssSnBakePointNode::~OssSnBakePointNode()
+{
+    OssBakePointWatch::instance()->remove(this);
+}
+
+void OssSnBakePointNode::checkBakedState()
+{
+    const bool upToDate = isBakedResultUpToDate(false);
+    if (upToDate == m_wasUpToDate)
+        return;
+    m_wasUpToDate = upToDate;
+    Q_EMIT bakedStateChanged();
 }
 
 QString OssSnBakePointNode::preferredInputName() const
@@ -35,6 +51,7 @@ void OssSnBakePointNode::setBakedKey(const QString &key)
     const auto apply = [this](const QString &newKey, const QString &newSettings) {
         m_bakedKey = newKey;
         m_bakedSettings = newSettings;
+        m_wasUpToDate = isBakedResultUpToDate(false);
         Q_EMIT bakedStateChanged();
     };
     const QString keyBefore = m_bakedKey;

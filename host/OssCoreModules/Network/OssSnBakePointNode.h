@@ -9,6 +9,7 @@ class OSSCOREMODULES_EXPORT OssSnBakePointNode : public OssSnImageSetNodeBase
 
 public:
     explicit OssSnBakePointNode(std::shared_ptr<const OssSnNodeType> type);
+    ~OssSnBakePointNode() override;
 
     QString preferredInputName() const;
 
@@ -23,6 +24,9 @@ public:
     /// Whether a bake now would give what the images hold. `includeSettings` also asks whether the
     /// patches and the size that are set now were baked.
     bool isBakedResultUpToDate(bool includeSettings = true) const;
+
+    /// Announces when the result has become, or is no longer, out of date.
+    void checkBakedState();
 
     /// Whether the result also goes into a geo-channel, and into which.
     bool syncGeoChannel() const;
@@ -52,4 +56,5 @@ protected:
 private:
     QString m_bakedKey;
     QString m_bakedSettings;
+    bool m_wasUpToDate = false; ///< when it was last announced
 };

@@ -302,7 +302,8 @@ void OssSnBaseNode::onUserAttributeGone(const OssCustomAttribute &attribute)
 {
     for (const NamedContext &named : qAsConst(m_contexts))
         named.context->onUserAttributeRemoved(attribute, this);
-    Q_EMIT visibleNodeAttributeRemoved(attribute.name());
+    if (attribute.isVisible())
+        Q_EMIT visibleNodeAttributeRemoved(attribute.name());
 }
 
 QWidget *OssSnBaseNode::createPropertyWidget(const OssPropertyPanelOptions &options,

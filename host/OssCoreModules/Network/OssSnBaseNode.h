@@ -12,6 +12,8 @@
 #include <memory>
 #include <utility>
 
+class OssGeoImageSet;
+class OssImageSet;
 class OssShaderNetwork;
 class OssSnBaseContext;
 class QWidget;
@@ -294,6 +296,23 @@ public:
     bool setAttribute(const QString &name, const QVariant &value, bool notify = true);
 
     QVariant attribute(const QString &name) const { return userAttribute(name).value(); }
+
+    // --- pixels
+    /// Computes an output for every patch of the object into the set, at the set's resolution.
+    /// Waits, with progress, without blocking the interface. One undo step; nothing changes when it
+    /// fails or is stopped.
+    OssResult bake(OssImageSet *set, const QString &outputPoint) const;
+    /// The same into the images that the geo-channel has.
+    OssResult exportToGeoChannel(OssGeoImageSet *channel, const QString &outputPoint) const;
+    /// Width and height of a patch in pixels: the largest of what the node takes from, so that
+    /// nothing is lost.
+    int queryMaximumRequiredTextureResolutions() const;
+
+    /// Asks the contexts to place the node above the reference, moved aside.
+    void positionNodeOnTopIndented(OssSnBaseNode *reference)
+    {
+        Q_EMIT nodePositionedOnTopIdented(reference);
+    }
 
     /// A new panel in which the node's attributes are edited. Never null; the caller owns it.
     virtual QWidget *createPropertyWidget(const OssPropertyPanelOptions &options, QWidget *parent);

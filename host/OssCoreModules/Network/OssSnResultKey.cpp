@@ -1,6 +1,8 @@
 #include "OssCoreModules/Network/OssSnResultKey.h"
 
 #include "OssCore/OssValueText.h"
+#include "OssCoreModules/Images/OssImageSet.h"
+#include "OssCoreModules/Network/OssShaderNetworkUtils.h"
 #include "OssCoreModules/Network/OssSnBaseNode.h"
 #include "OssCoreModules/Network/OssSnProducer.h"
 
@@ -44,6 +46,9 @@ private:
     static QVector<Place> sourcesOf(const OssSnBaseNode *node)
     {
         QVector<Place> sources;
+        // What has pixels of its own does not look at what feeds it.
+        if (OssShaderNetworkUtils::readsPixels(node))
+            return sources;
         for (const OssSnBaseNode::InputPort &port : node->inputPorts()) {
             const OssSnProducer source = OssSnProducer::ofInput(node, port.name);
             sources.append({source.node, source.outputPoint});
@@ -64,6 +69,12 @@ private:
         const QVector<OssCustomAttribute> attributes = node->userAttributes();
         for (const OssCustomAttribute &attribute : attributes)
             add(attribute.name() + QLatin1Char('=') + OssValueText::toText(attribute.value()));
+        const OssImageSet *images = OssShaderNetworkUtils::imageSetOf(node);
+        if (images) {
+            const QMap<int, QString> pixels = images->pixels();
+            for (auto at = pixels.cbegin(); at != pixels.cend(); ++at)
+                add(QString::number(at.key()) + at.value());
+        }
         for (const Place &source : sources)
             hash.addData(source.first ? m_keys.value(source) : QByteArray("-"));
         return hash.result();

@@ -2,6 +2,7 @@
 
 #include "OssCore/OssUndoManager.h"
 #include "OssCoreModules/Images/OssImage.h"
+#include "OssCoreModules/Images/OssImageSet.h"
 #include "OssCoreModules/Project/OssGeoEntity.h"
 #include "OssCoreModules/Project/OssShadingGroup.h"
 
@@ -46,6 +47,20 @@ QList<OssShadingGroup *> OssProject::shadingGroups() const
     for (const auto &entity : m_entities)
         groups.append(entity->shadingGroups());
     return groups;
+}
+
+QStringList OssProject::pixelFiles() const
+{
+    QStringList files;
+    const QList<OssShadingGroup *> groups = shadingGroups();
+    for (const OssShadingGroup *group : groups) {
+        const QList<OssImageSet *> sets = group->imageSets();
+        for (const OssImageSet *set : sets)
+            files += set->pixels().values();
+    }
+    files.sort();
+    files.removeDuplicates();
+    return files;
 }
 
 QByteArray OssProject::stateHash()

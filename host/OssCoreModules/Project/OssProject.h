@@ -41,6 +41,9 @@ public:
     /// Owned by the project. Undoable.
     OssImage *addImage(const QString &path, const QString &category);
 
+    /// Names of the pixel files that the document needs, each once, sorted.
+    QStringList pixelFiles() const;
+
     /// Hash of the document: what saving would write, without ids. Equal for equal documents,
     /// however they came about; not of selection, current tab or current viewer.
     QByteArray stateHash();

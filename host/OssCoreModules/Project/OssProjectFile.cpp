@@ -3,6 +3,7 @@
 #include "OssCore/OssAtomicFile.h"
 #include "OssCore/OssDeserializer.h"
 #include "OssCore/OssSerializer.h"
+#include "OssCoreModules/Images/OssPixelStore.h"
 #include "OssCoreModules/Project/OssProject.h"
 #include "OssCoreModules/Project/OssProjectHistory.h"
 
@@ -91,6 +92,9 @@ OssResult OssProjectFile::write(OssProject *project, const QString &folder)
     const OssResult made = OssAtomicFile::makeFolder(folder);
     if (!made)
         return OssResult::failure(tr("Cannot write \"%1\": %2").arg(folder, made.error()));
+    const OssResult pixels = OssPixelStore::keep(project->pixelFiles(), project->path(), folder);
+    if (!pixels)
+        return OssResult::failure(tr("Cannot write \"%1\": %2").arg(folder, pixels.error()));
     OssProjectHistory history(folder);
     history.settle();
     const OssResult written = OssAtomicFile::write(

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "OssCoreModules/Images/OssCanvasWidget.h"
+
+#include <QPointer>
+
+/// Which canvas the user paints on. GUI thread.
+class OSSCOREMODULES_EXPORT OssCanvasManager
+{
+public:
+    static OssCanvasManager *instance();
+
+    /// Null while there is none.
+    OssCanvasWidget *currentCanvas() const { return m_current; }
+
+    /// Not owned.
+    void setCurrentCanvas(OssCanvasWidget *canvas) { m_current = canvas; }
+
+private:
+    OssCanvasManager() = default;
+
+    QPointer<OssCanvasWidget> m_current;
+};

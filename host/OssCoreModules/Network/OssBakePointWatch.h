@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QObject>
+#include <QSet>
+#include <QTimer>
+
+class OssSnBakePointNode;
+
+/// Has bake points look whether they are out of date, soon after the document has changed: any node
+/// upstream may be the reason, in other networks too. GUI thread.
+class OssBakePointWatch : public QObject
+{
+    Q_OBJECT
+
+public:
+    static OssBakePointWatch *instance();
+
+    /// Not owned; from its constructor to its destructor.
+    void add(OssSnBakePointNode *node) { m_nodes.insert(node); }
+
+    void remove(OssSnBakePointNode *node) { m_nodes.remove(node); }
+
+private:
+    OssBakePointWatch();
+
+    void look();
+
+    QSet<OssSnBakePointNode *> m_nodes;
+    QTimer m_timer;
+};

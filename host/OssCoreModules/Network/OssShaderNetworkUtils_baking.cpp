@@ -1,0 +1,162 @@
+#include "OssCoreModules/Network/OssShaderNetworkUtils.h"
+
+#include "OssCore/OssUndoManager.h"
+#include "OssCoreModules/Evaluation/OssBakeProgress.h"
+#include "OssCoreModules/Evaluation/OssEvaluationService.h"
+#include "OssCoreModules/Evaluation/OssPatchList.h"
+#include "OssCoreModules/Images/OssGeoImageSet.h"
+#include "OssCoreModules/Images/OssImageSet.h"
+#include "OssCoreModules/Network/OssShaderNetwork.h"
+#include "OssCoreModules/Network/OssSnBakePointNode.h"
+#include "OssCoreModules/Network/OssSnGeoChannelNode.h"
+#include "OssCoreModules/Network/OssSnResultKey.h"
+#include "OssCoreModules/Project/OssGeoEntity.h"
+#include "OssCoreModules/Project/OssShadingContext.h"
+
+#include <QCoreApplication>
+
+#include <algorithm>
+
+namespace {
+
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("OssShaderNetworkUtils", text);
+}
+
+/// What another takes from comes before it: it has fewer nodes upstream.
+QList<OssSnBakePointNode *> sourcesFirst(const QList<OssSnBakePointNode *> &nodes)
+{
+    QVector<QPair<int, OssSnBakePointNode *>> order;
+    for (OssSnBakePointNode *node : nodes)
+        order.append(
+            {OssShaderNetworkUtils::getUpstreamNodes(node, true, true, false).size(), node});
+    std::stable_sort(order.begin(), order.end(),
+                     [](const auto &a, const auto &b) { return a.first < b.first; });
+    QList<OssSnBakePointNode *> sorted;
+    for (const auto &entry : qAsConst(order))
+        sorted.append(entry.second);
+    return sorted;
+}
+
+/// The bake point's images; makes them where there are none.
+OssImageSet *imagesFor(OssSnBakePointNode *node)
+{
+    OssShadingContext *shading = node->network()->shadingContext();
+    if (!node->imageSet() && shading) {
+        auto *set = new OssImageSet(shading->freeImageSetName(node->name()));
+        shading->addImageSet(set); // takes it
+        node->setImageSet(set, true);
+    }
+    return node->imageSet();
+}
+
+/// The patches that the node's settings leave, of those that the object has.
+QList<int> patchesOf(const OssSnBakePointNode *node, const OssGeoEntity *entity)
+{
+    QList<int> patches = OssEvaluationService::instance()->patches(entity);
+    if (!node->limitBake())
+        return patches;
+    const QList<int> wanted = OssPatchList::fromText(node->limitBakeRange());
+    patches.erase(std::remove_if(patches.begin(), patches.end(),
+                                 [&](int patch) { return !wanted.contains(patch); }),
+                  patches.end());
+    return patches;
+}
+
+OssResult bakeOne(OssSnBakePointNode *node, const std::function<bool(int, int)> &onProgress)
+{
+    const QString input = node->preferredInputName();
+    OssImageSet *set = node->network() ? imagesFor(node) : nullptr;
+    OssSnBaseNode *source = node->inputNode(input);
+    if (!set || !source)
+        return OssResult::failure(tr("%1: nothing is connected").arg(node->name()));
+    OssEvaluationService::BakeJob job;
+    job.node = source;
+    job.outputPoint = node->inputOutputPoint(input);
+    job.entity = node->network()->geoEntity();
+    job.patches = patchesOf(node, job.entity);
+    job.resolution = set->resolution();
+    job.onProgress = onProgress;
+    const QString key = OssSnResultKey::of(source, job.outputPoint);
+    const OssResult baked = OssEvaluationService::instance()->bakeInto(set, job);
+    if (!baked)
+        return OssResult::failure(node->name() + QStringLiteral(": ") + baked.error());
+    node->setBakedKey(key);
+    OssGeoImageSet *channel = node->syncGeoChannel() && job.entity
+                                  ? node->network()->geoEntity()->geoImageSet(
+                                      node->geoChannelName())
+                                  : nullptr;
+    if (channel)
+        channel->setImageSet(set);
+    return {};
+}
+
+template <typename Walk>
+QList<OssSnBakePointNode *> bakePointsOf(const QList<OssSnBaseNode *> &nodes, Walk walk)
+{
+    QList<OssSnBakePointNode *> found;
+    for (OssSnBaseNode *start : nodes) {
+        const QList<OssSnBaseNode *> met = walk(start);
+        for (OssSnBaseNode *node : met) {
+            OssSnBakePointNode *bakePoint = OssShaderNetworkUtils::asTrueBakePointNode(node);
+            if (bakePoint && !found.contains(bakePoint))
+                found.append(bakePoint);
+        }
+    }
+    return found;
+}
+
+} // namespace
+
+OssImageSet *OssShaderNetworkUtils::imageSetOf(const OssSnBaseNode *node)
+{
+    if (const auto *images = qobject_cast<const OssSnImageSetNodeBase *>(node))
+        return images->imageSet();
+    const auto *geoChannel = qobject_cast<const OssSnGeoChannelNode *>(node);
+    const OssGeoImageSet *channel = geoChannel ? geoChannel->geoImageSet() : nullptr;
+    return channel ? channel->imageSet() : nullptr;
+}
+
+bool OssShaderNetworkUtils::readsPixels(const OssSnBaseNode *node)
+{
+    const OssImageSet *images = imageSetOf(node);
+    return images && !images->pixels().isEmpty();
+}
+
+OssResult OssShaderNetworkUtils::bakeBakePoints(const QList<OssSnBakePointNode *> &nodes,
+                                                bool updateOutOfDate, bool bakeEmpty)
+{
+    const OssUndoManager::AutoMacro macro(tr("Bake"));
+    const QList<OssSnBakePointNode *> sorted = sourcesFirst(nodes);
+    OssBakeProgress progress(tr("Baking"), sorted.size());
+    for (int i = 0; i < sorted.size(); ++i) {
+        OssSnBakePointNode *node = sorted.at(i);
+        // Asked only now: what was baked before it may have changed what feeds it.
+        const bool wanted = node->hasBakedResult()
+                                ? updateOutOfDate && !node->isBakedResultUpToDate()
+                                : bakeEmpty;
+        if (!wanted)
+            continue;
+        const OssResult baked = bakeOne(node, progress.forPart(i, node->name()));
+        if (progress.isStopped())
+            return {};
+        if (!baked)
+            return baked;
+    }
+    return {};
+}
+
+QList<OssSnBakePointNode *> OssShaderNetworkUtils::getUpstreamBakePointNodes(
+    const QList<OssSnBaseNode *> &nodes)
+{
+    return bakePointsOf(
+        nodes, [](OssSnBaseNode *node) { return getUpstreamNodes(node, true, true, false); });
+}
+
+QList<OssSnBakePointNode *> OssShaderNetworkUtils::getDownstreamBakePointNodes(
+    const QList<OssSnBaseNode *> &nodes)
+{
+    return bakePointsOf(nodes,
+                        [](OssSnBaseNode *node) { return getDownstreamNodes(node, true, true); });
+}

@@ -1,0 +1,180 @@
+#include "../support/ModelFixture.h"
+#include "OssCore/OssColor.h"
+#include "OssCoreModules/Evaluation/OssEvaluationService.h"
+#include "OssCoreModules/Images/OssGeoImageSet.h"
+#include "OssCoreModules/Images/OssImageSet.h"
+#include "OssCoreModules/Images/OssPixelStore.h"
+#include "OssCoreModules/Interface/OssApplication.h"
+#include "OssCoreModules/Network/OssShaderNetworkUtils.h"
+#include "OssCoreModules/Network/OssSnBakePointNode.h"
+
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QTemporaryDir>
+
+namespace {
+
+/// Pixels in image sets: baked, shared, saved and found again.
+class Baking : public ModelFixture
+{
+protected:
+    void SetUp() override
+    {
+        ModelFixture::SetUp();
+        m_popups = OssApplication::popupsAllowed();
+        OssApplication::setPopupsAllowed(false);
+    }
+
+    void TearDown() override
+    {
+        OssApplication::setPopupsAllowed(m_popups);
+        ModelFixture::TearDown();
+    }
+
+    OssSnBaseNode *color(const QColor &color)
+    {
+        OssSnBaseNode *node = add("Procedural/Color");
+        paint(node, color);
+        return node;
+    }
+
+    static void paint(OssSnBaseNode *node, const QColor &color)
+    {
+        node->setAttribute(QStringLiteral("Color"), QVariant::fromValue(OssColor(color)));
+    }
+
+    OssSnBakePointNode *bakePoint(OssSnBaseNode *source)
+    {
+        auto *node = qobject_cast<OssSnBakePointNode *>(
+            m_network->createPaintableNode({}, QStringLiteral("Misc/Bake Point")));
+        EXPECT_TRUE(node && wire(source, node));
+        node->imageSet()->setResolution(16);
+        return node;
+    }
+
+    QColor pixel(const OssSnBaseNode *node)
+    {
+        OssEvaluationService::BakeJob job;
+        job.node = node;
+        job.outputPoint = node->prefferedOutputPoint();
+        job.entity = node->network()->geoEntity();
+        job.patches = {1001};
+        job.resolution = 16;
+        const OssResult baked = OssEvaluationService::instance()->bake(
+            job, m_folder.filePath(QStringLiteral("seen.<UDIM>.png")));
+        EXPECT_TRUE(baked) << qPrintable(baked.error());
+        return QImage(m_folder.filePath(QStringLiteral("seen.1001.png"))).pixelColor(8, 8);
+    }
+
+    QTemporaryDir m_folder;
+    bool m_popups = true;
+};
+
+} // namespace
+
+TEST_F(Baking, aBakePointKeepsItsPixelsUntilItIsUpdated)
+{
+    OssSnBaseNode *source = color(Qt::red);
+    OssSnBakePointNode *node = bakePoint(source);
+    EXPECT_FALSE(node->hasBakedResult());
+    ASSERT_TRUE(OssShaderNetworkUtils::bakeBakePoints({node}, true, true));
+    EXPECT_TRUE(node->isBakedResultUpToDate());
+
+    paint(source, Qt::green);
+    EXPECT_FALSE(node->isBakedResultUpToDate());
+    EXPECT_EQ(pixel(node), QColor(Qt::red));
+    ASSERT_TRUE(OssShaderNetworkUtils::bakeBakePoints({node}, false, true));
+    EXPECT_EQ(pixel(node), QColor(Qt::red)) << "only empty ones were asked for";
+    ASSERT_TRUE(OssShaderNetworkUtils::bakeBakePoints({node}, true, false));
+    EXPECT_EQ(pixel(node), QColor(Qt::green));
+    EXPECT_TRUE(node->isBakedResultUpToDate());
+
+    paint(source, Qt::red);
+    EXPECT_FALSE(node->isBakedResultUpToDate());
+}
+
+TEST_F(Baking, bakePointsAreBakedInTheOrderInWhichPixelsFlow)
+{
+    OssSnBaseNode *source = color(Qt::red);
+    OssSnBakePointNode *first = bakePoint(source);
+    OssSnBaseNode *invert = add("Adjust/Invert");
+    ASSERT_TRUE(wire(first, invert));
+    OssSnBakePointNode *second = bakePoint(invert);
+    ASSERT_TRUE(OssShaderNetworkUtils::bakeBakePoints({second, first}, true, true));
+    EXPECT_TRUE(second->isBakedResultUpToDate());
+    paint(source, Qt::blue);
+    EXPECT_TRUE(second->isBakedResultUpToDate()) << "what it takes from has not changed yet";
+    ASSERT_TRUE(OssShaderNetworkUtils::bakeBakePoints({second, first}, true, true));
+    EXPECT_EQ(pixel(second), QColor(Qt::yellow));
+    EXPECT_EQ(OssShaderNetworkUtils::getUpstreamBakePointNodes({second}),
+              QList<OssSnBakePointNode *>{first});
+    EXPECT_EQ(OssShaderNetworkUtils::getDownstreamBakePointNodes({source}).size(), 2);
+}
+
+TEST_F(Baking, aBakeIsOneStepAndAFailedOneIsNone)
+{
+    OssSnBaseNode *source = color(Qt::red);
+    OssSnBakePointNode *node = bakePoint(source);
+    OssSnBakePointNode *loose = bakePoint(add("Misc/Dot"));
+    const QByteArray before = m_project->stateHash();
+    const int steps = undoCount();
+    ASSERT_TRUE(OssShaderNetworkUtils::bakeBakePoints({node}, true, true));
+    EXPECT_EQ(undoCount(), steps + 1);
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(m_project->stateHash(), before);
+    EXPECT_EQ(pixel(node), QColor(Qt::red)) << "an empty bake point passes its input on";
+    const OssResult failed = OssShaderNetworkUtils::bakeBakePoints({loose}, true, true);
+    EXPECT_FALSE(failed);
+    EXPECT_TRUE(failed.error().contains(loose->name())) << qPrintable(failed.error());
+    EXPECT_EQ(m_project->stateHash(), before);
+}
+
+TEST_F(Baking, pixelsAreSavedWithTheProjectAndComeBack)
+{
+    OssSnBaseNode *source = color(Qt::red);
+    OssSnBakePointNode *node = bakePoint(source);
+    ASSERT_TRUE(OssShaderNetworkUtils::bakeBakePoints({node}, true, true));
+    const QString name = node->name();
+    const QString file = node->imageSet()->pixels().value(1001);
+    const QString folder = m_folder.filePath(QStringLiteral("Wall.ossa"));
+    OssProjectManager *projects = OssProjectManager::instance();
+    ASSERT_TRUE(projects->saveProjectAs(folder));
+    const QDir images(folder + QStringLiteral("/images"));
+    EXPECT_EQ(images.entryList(QDir::Files), QStringList{file});
+
+    QFile::remove(OssPixelStore::find(file, {}));
+    ASSERT_TRUE(projects->openProject(folder));
+    m_project = projects->currentProject();
+    m_network = m_project->shadingGroups().first()->network();
+    const OssSnBaseNode *again = m_network->nodeByPath(name);
+    ASSERT_TRUE(again);
+    paint(m_network->nodeByPath(QStringLiteral("Color")), Qt::blue);
+    EXPECT_EQ(pixel(again), QColor(Qt::red)) << "from the project's folder";
+
+    const QString other = m_folder.filePath(QStringLiteral("Other.ossa"));
+    ASSERT_TRUE(projects->saveProjectAs(other));
+    EXPECT_TRUE(QFile::exists(other + QStringLiteral("/images/") + file));
+}
+
+TEST_F(Baking, aGeoChannelTakesANodesPixelsAlong)
+{
+    OssSnBaseNode *source = color(Qt::red);
+    auto *entity = m_network->geoEntity();
+    OssGeoImageSet *channel = entity->addGeoImageSet(QStringLiteral("Mask"));
+    EXPECT_FALSE(source->exportToGeoChannel(channel, source->prefferedOutputPoint()));
+    channel->setImageSet(m_network->createImageSet(QStringLiteral("Mask"), nullptr, 16));
+    ASSERT_TRUE(source->exportToGeoChannel(channel, source->prefferedOutputPoint()));
+    OssSnBaseNode *reader = add("Misc/Geo-Channel");
+    reader->setAttribute(QStringLiteral("geoChannel"), QStringLiteral("Mask"));
+    EXPECT_EQ(pixel(reader), QColor(Qt::red));
+}
+
+TEST(PixelStore, namesThatADocumentMayGive)
+{
+    const QString good = QString(64, QLatin1Char('a')) + QStringLiteral(".exr");
+    EXPECT_TRUE(OssPixelStore::isName(good));
+    for (const QString &bad : {QStringLiteral("../../secret.exr"), good.toUpper(), good + good,
+                               QStringLiteral("/") + good, good + QLatin1Char('\n')})
+        EXPECT_FALSE(OssPixelStore::isName(bad)) << qPrintable(bad);
+}

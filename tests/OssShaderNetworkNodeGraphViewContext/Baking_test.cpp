@@ -1,0 +1,130 @@
+#include "GraphFixture.h"
+#include "OssCoreModules/Images/OssGeoImageSet.h"
+#include "OssCoreModules/Images/OssImageSet.h"
+#include "OssCoreModules/Interface/OssApplication.h"
+#include "OssCoreModules/Network/OssSnBakePointNode.h"
+
+#include <QtTest>
+
+namespace {
+
+/// The commands that put pixels into images, without a user who could answer.
+class BakingTest : public GraphFixture
+{
+protected:
+    void SetUp() override
+    {
+        GraphFixture::SetUp();
+        m_popups = OssApplication::popupsAllowed();
+        OssApplication::setPopupsAllowed(false);
+        m_color = addAt("Procedural/Color", {0, 0});
+        m_bake = qobject_cast<OssSnBakePointNode *>(
+            m_network->createPaintableNode({300, 0}, QStringLiteral("Misc/Bake Point")));
+        m_bake->imageSet()->setResolution(16);
+        m_blur = addAt("Filter/Blur", {600, 0});
+        m_dot = addAt("Misc/Dot", {600, 300});
+        wire(m_color, m_bake);
+        wire(m_bake, m_blur);
+        wire(m_color, m_dot);
+        OssUndoManager::instance()->clear();
+        OssDebugLog::instance()->clear();
+    }
+
+    void TearDown() override
+    {
+        OssApplication::setPopupsAllowed(m_popups);
+        GraphFixture::TearDown();
+    }
+
+    void select(const QList<OssSnBaseNode *> &nodes)
+    {
+        const QList<OssSnBaseNode *> all = m_network->getAllNodes();
+        for (OssSnBaseNode *node : all)
+            node->setSelected(nodes.contains(node));
+    }
+
+    bool m_popups = true;
+    OssSnBaseNode *m_color = nullptr;
+    OssSnBakePointNode *m_bake = nullptr;
+    OssSnBaseNode *m_blur = nullptr;
+    OssSnBaseNode *m_dot = nullptr;
+};
+
+} // namespace
+
+TEST_F(BakingTest, commandsBakeWhatTheyAreNamedAfter)
+{
+    select({m_bake});
+    m_view->updateSelectedBakePoints();
+    EXPECT_FALSE(m_bake->hasBakedResult()) << "an update leaves empty ones alone";
+    m_view->bakeSelectedBakePoints();
+    EXPECT_TRUE(m_bake->isBakedResultUpToDate());
+    EXPECT_EQ(undoCount(), 1);
+    EXPECT_FALSE(itemOf(m_bake)->hasMark(OssNgNode::Stale));
+    m_color->setAttribute(QStringLiteral("Color"), QVariant::fromValue(OssColor(1.0, 0.0, 0.0)));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return itemOf(m_bake)->hasMark(OssNgNode::Stale); }));
+    select({m_color});
+    m_view->updateUpstreamBakePoints();
+    EXPECT_TRUE(logHas(QStringLiteral("[ !! ] No upstream Bake Point nodes found")));
+    m_view->updateDownstreamBakePoints();
+    EXPECT_TRUE(m_bake->isBakedResultUpToDate());
+    EXPECT_FALSE(itemOf(m_bake)->hasMark(OssNgNode::Stale));
+}
+
+TEST_F(BakingTest, commandsSayWhenThereIsNothingToBake)
+{
+    select({});
+    m_view->updateDownstreamBakePoints();
+    EXPECT_TRUE(logHas(QStringLiteral("[ !! ] No nodes are selected")));
+    m_view->updateSelectedBakePoints();
+    EXPECT_TRUE(logHas(QStringLiteral("[ !! ] No Bake Point nodes are selected")));
+    m_network->removeNode(m_bake, true, true);
+    OssUndoManager::instance()->clear();
+    m_view->bakeEmptyAndUpdateOutOfDateBakePoints();
+    EXPECT_TRUE(logHas(QStringLiteral("[ !! ] No Bake Point nodes found")));
+    EXPECT_EQ(undoCount(), 0);
+}
+
+TEST_F(BakingTest, aPaintNodeTakesThePlaceOfWhatWasBaked)
+{
+    select({m_color, m_dot});
+    m_view->bakeToPaintableNode();
+    EXPECT_EQ(undoCount(), 0) << "a refusal leaves no step";
+    const QByteArray before = m_project->stateHash();
+    select({m_color});
+    m_view->bakeToPaintableNode();
+    const auto *paint = qobject_cast<OssSnImageSetNodeBase *>(
+        m_dot->inputNode(QStringLiteral("Input")));
+    ASSERT_TRUE(paint);
+    EXPECT_EQ(m_bake->inputNode(QStringLiteral("Input")), paint);
+    EXPECT_EQ(m_network->selectedNodes(),
+              QList<OssSnBaseNode *>{m_dot->inputNode(QStringLiteral("Input"))});
+    EXPECT_TRUE(paint->imageSet()->name().startsWith(QStringLiteral("Node_Bake_")));
+    EXPECT_EQ(paint->imageSet()->pixels().keys(), QList<int>{1001});
+    EXPECT_EQ(undoCount(), 1);
+    expectItemsMatchModel();
+    expectUndoIsExact(before);
+}
+
+TEST_F(BakingTest, exportGoesToAGeoChannelOfTheSameObject)
+{
+    OssGeoImageSet *channel = m_network->geoEntity()->addGeoImageSet(QStringLiteral("Rust"));
+    OssGeoImageSet *foreign = m_project->addEntity(QStringLiteral("Other"))
+                                  ->addGeoImageSet(QStringLiteral("Rust"));
+    select({m_color});
+    m_view->exportToGeoChannel();
+    EXPECT_TRUE(logHas(QStringLiteral("[ !! ] Unable to request geo-channel from user")));
+    m_view->exportToGeoChannel(foreign);
+    EXPECT_FALSE(foreign->isValid());
+    m_view->exportToGeoChannel(channel);
+    ASSERT_TRUE(channel->isValid());
+    EXPECT_EQ(channel->imageSet()->name(), QStringLiteral("Node_To_GeoChannel_Rust"));
+    EXPECT_EQ(channel->imageSet()->pixels().size(), 1);
+
+    // A bake point that is up to date is not computed again.
+    select({m_bake});
+    m_view->bakeSelectedBakePoints();
+    m_view->exportToGeoChannel(channel);
+    EXPECT_EQ(channel->imageSet()->pixels(), m_bake->imageSet()->pixels());
+    EXPECT_NE(channel->imageSet(), m_bake->imageSet());
+}

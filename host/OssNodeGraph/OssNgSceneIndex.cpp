@@ -198,6 +198,7 @@ void OssNgSceneIndex::addNode(OssNgNode *node)
 void OssNgSceneIndex::removeNode(OssNgNode *node)
 {
     NodeEntry &entry = m_nodes[std::size_t(node->m_indexSlot)];
+    repaint(entry.rect);
     unlink(entry.cells, node->m_indexSlot, &Cell::nodes);
     entry.node = nullptr;
     m_freeNodes.push_back(node->m_indexSlot);
@@ -210,7 +211,12 @@ void OssNgSceneIndex::removeNode(OssNgNode *node)
 void OssNgSceneIndex::updateNode(OssNgNode *node)
 {
     NodeEntry &entry = m_nodes[std::size_t(node->m_indexSlot)];
+    const QRectF before = entry.rect;
     fill(entry, node);
+    if (entry.rect != before) {
+        repaint(before);
+        repaint(entry.rect);
+    }
     const QRect cells = cellsOf(entry.rect);
     if (cells != entry.cells) {
         coverByScene(entry.rect);
@@ -219,6 +225,13 @@ void OssNgSceneIndex::updateNode(OssNgNode *node)
         link(entry.cells, node->m_indexSlot, &Cell::nodes);
     }
     ++m_revision;
+}
+
+void OssNgSceneIndex::repaint(const QRectF &rect)
+{
+    // The scene forgets where an item was last seen when a view painted it from here instead.
+    constexpr qreal Around = 2.0 * OssNgStyle::Margin;
+    m_scene->update(rect.adjusted(-Around, -Around, Around, Around));
 }
 
 void OssNgSceneIndex::linkWire(int slot)

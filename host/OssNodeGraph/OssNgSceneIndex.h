@@ -111,6 +111,7 @@ private:
     void fill(WireEntry &entry, const OssNgEdge *edge) const;
     void link(const QRect &cells, int slot, std::vector<int> Cell::*list);
     void unlink(const QRect &cells, int slot, std::vector<int> Cell::*list);
+    void repaint(const QRectF &rect);
     void linkWire(int slot);
     void unlinkWire(int slot);
     void refreshColors();

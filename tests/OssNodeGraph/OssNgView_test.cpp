@@ -267,3 +267,38 @@ TEST_F(OssNgViewTest, screenReadersHearNodesPortsAndTheirWires)
     b->setVisible(false);
     EXPECT_EQ(graph->childCount(), 1);
 }
+
+TEST_F(OssNgViewTest, whereANodeWasIsPaintedAgain)
+{
+    struct Watch : QObject
+    {
+        QRegion painted;
+
+        bool eventFilter(QObject *, QEvent *event) override
+        {
+            if (event->type() == QEvent::Paint)
+                painted |= static_cast<QPaintEvent *>(event)->region();
+            return false;
+        }
+    } watch;
+
+    view.viewport()->installEventFilter(&watch);
+    for (const qreal zoom : {1.0, 0.37, 0.2}) {
+        view.scaleView(zoom / view.zoom());
+        OssNgExtendedNode *fresh = scene.add(QStringLiteral("C"), {250, 100}, {}, {In}, {Out});
+        QCoreApplication::processEvents();
+        const QRect place = view.mapFromScene(fresh->sceneBoundingRect()).boundingRect();
+        ASSERT_TRUE(view.viewport()->rect().contains(place));
+        watch.painted = QRegion();
+        fresh->setSelected(true);
+        fresh->setPosition({400, 300});
+        fresh->setSelected(false);
+        QCoreApplication::processEvents();
+        EXPECT_TRUE((QRegion(place) - watch.painted).isEmpty()) << "moved at " << zoom;
+        const QRect now = view.mapFromScene(fresh->sceneBoundingRect()).boundingRect();
+        watch.painted = QRegion();
+        scene.removeItem(fresh);
+        QCoreApplication::processEvents();
+        EXPECT_TRUE((QRegion(now) - watch.painted).isEmpty()) << "removed at " << zoom;
+    }
+}

@@ -2,6 +2,7 @@
 
 #include "OssCoreModules/Interface/OssApplication.h"
 
+#include <QProgressBar>
 #include <QProgressDialog>
 
 namespace {
@@ -21,6 +22,10 @@ OssBakeProgress::OssBakeProgress(const QString &title, int parts)
     m_dialog->setWindowTitle(title);
     m_dialog->setWindowModality(Qt::ApplicationModal);
     m_dialog->setMinimumWidth(360);
+    auto *bar = new QProgressBar; // the dialog takes it
+    bar->setTextVisible(false);
+    m_dialog->setBar(bar);
+    m_dialog->setRange(0, Steps);
     m_dialog->setAutoClose(false);
     m_dialog->setAutoReset(false);
     m_dialog->setMinimumDuration(0);

@@ -77,10 +77,12 @@
 
 /// Slots that forward in the same way but have no action: reached by name.
 #define OSS_NODE_GRAPH_NAMED_SLOTS(SLOT)                                                           \
+    SLOT(generateMaterialPreview, generateMaterialPreview())                                       \
     SLOT(dumpSelectedNodeInfo, dumpSelectedNodeInfo())                                             \
     SLOT(upgradeSelectedNodeInfo, upgradeSelectedNodeInfo())                                       \
     SLOT(upgradeAllNodeInfo, upgradeAllNodeInfo())                                                 \
     SLOT(dumpNodeUIAction, dumpNodeUIAction())                                                     \
     SLOT(ensureIsVisibleAction, ensureIsVisibleAction())                                           \
-    SLOT(fitToViewAction, fitToViewAction())
+    SLOT(fitToViewAction, fitToViewAction())                                                       \
+    SLOT(setImageSetByNameAction, setImageSetByNameAction())
 // clang-format on

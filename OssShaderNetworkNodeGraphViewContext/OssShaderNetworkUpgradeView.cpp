@@ -2,7 +2,9 @@
 
 #include "OssCore/OssDebug.h"
 #include "OssCore/OssUndoManager.h"
+#include "OssCoreModules/Network/OssShaderNetwork.h"
 #include "OssCoreModules/Network/OssShaderNetworkManager.h"
+#include "OssCoreModules/Network/OssSnGroupNode.h"
 #include "ZelGL/ZelTextureToken.h"
 
 #include <QHBoxLayout>
@@ -63,6 +65,17 @@ void setDated(QTreeWidgetItem *row, const QString &hash, const QString &date)
     row->setData(Hash, Qt::UserRole, hash);
     row->setText(Date, date.isEmpty() ? OssShaderNetworkUpgradeView::tr("<EMPTY>") : date);
     row->setData(Date, Qt::UserRole, date);
+}
+
+bool isInDocument(const OssSnBaseNode *node)
+{
+    while (node && node->network()) {
+        const OssSnGroupNode *group = node->network()->parentGroupNode();
+        if (!group)
+            return true;
+        node = group;
+    }
+    return false;
 }
 
 } // namespace
@@ -302,7 +315,7 @@ void OssShaderNetworkUpgradeView::convertSelectedRows(const QString &pathKey)
         if (node)
             shown.append(node);
     }
-    QList<OssSnBaseNode *> wanted;
+    QList<QPointer<OssSnBaseNode>> wanted;
     const QList<QTreeWidgetItem *> rows = selectedNodeRows();
     for (const QTreeWidgetItem *row : rows) {
         OssSnBaseNode *node = nodeAt(row, Same) ? nodeAt(row, Same) : nodeAt(row, Different);
@@ -313,7 +326,10 @@ void OssShaderNetworkUpgradeView::convertSelectedRows(const QString &pathKey)
     }
     {
         const OssUndoManager::AutoMacro macro(tr("Convert Nodes"));
-        for (OssSnBaseNode *node : qAsConst(wanted)) {
+        for (const QPointer<OssSnBaseNode> &node : qAsConst(wanted)) {
+            // What is inside a group leaves the document when the group is converted.
+            if (!node || !isInDocument(node))
+                continue;
             OssSnBaseNode *converted = OssShaderNetworkManager::instance()->convertNodeToKeyPath(
                 node, pathKey, &m_lost);
             const int index = shown.indexOf(node);
@@ -321,6 +337,9 @@ void OssShaderNetworkUpgradeView::convertSelectedRows(const QString &pathKey)
                 shown[index] = converted;
         }
     }
+    shown.erase(std::remove_if(shown.begin(), shown.end(),
+                               [](const OssSnBaseNode *node) { return !isInDocument(node); }),
+                shown.end());
     // Nodes of another type stand under another version.
     m_enteredItem = nullptr;
     m_tree->clear();

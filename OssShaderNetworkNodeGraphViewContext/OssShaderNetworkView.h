@@ -189,6 +189,11 @@ public Q_SLOTS:
 
     void exportToGeoChannel() { exportToGeoChannel(nullptr, {}); }
 
+    /// Writes "MaterialPreview.png" of the selected material into the current folder.
+    void generateMaterialPreview();
+    /// Asks for the name of images and gives them to the selected nodes that can have some.
+    void setImageSetByNameAction();
+
     // Finding, files, telling
     void searchNodesAction();
     void exportNodes();

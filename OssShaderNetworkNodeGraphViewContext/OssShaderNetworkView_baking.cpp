@@ -11,11 +11,13 @@
 #include "OssCoreModules/Network/OssShaderNetwork.h"
 #include "OssCoreModules/Network/OssShaderNetworkUtils.h"
 #include "OssCoreModules/Network/OssSnBakePointNode.h"
+#include "OssCoreModules/Network/OssSnMaterialNode.h"
 #include "OssCoreModules/Project/OssGeoEntity.h"
 #include "OssCoreModules/Project/OssShadingContext.h"
 #include "OssNodeGraph/OssNgNode.h"
 #include "OssSnNodeGraphViewContextManager.h"
 
+#include <QDir>
 #include <QInputDialog>
 
 // Pixels into images: bake points, paint nodes, geo-channels.
@@ -183,6 +185,45 @@ OssResult OssShaderNetworkView::bakeIntoPaintNode(const OssSnBaseNode *source,
     if (baked)
         paint->setImageSet(set, true);
     return baked;
+}
+
+void OssShaderNetworkView::setImageSetByNameAction()
+{
+    if (!hasNetwork())
+        return;
+    const QString name = QInputDialog::getText(this, tr("Image Set Name"), tr("Image Set Name :"));
+    const OssShadingContext *shading = m_network->shadingContext();
+    OssImageSet *set = shading && !name.isEmpty() ? shading->findImageSet(name) : nullptr;
+    if (!set) {
+        if (!name.isEmpty())
+            OssDebug(Source, __LINE__, "[ !! ] There are no images '%s'", qPrintable(name));
+        return;
+    }
+    const OssUndoManager::AutoMacro macro(tr("Set Images %1").arg(name));
+    const QList<OssSnBaseNode *> nodes = m_network->selectedNodes();
+    for (OssSnBaseNode *node : nodes) {
+        if (OssSnImageSetNodeBase *images = OssShaderNetworkUtils::asTrueImageSetNode(node))
+            images->setImageSet(set, true);
+    }
+}
+
+// --- materials
+
+void OssShaderNetworkView::generateMaterialPreview()
+{
+    const OssShaderNetwork *network = OssShaderNetworkManager::instance()->currentShaderNetwork();
+    const QList<OssSnBaseNode *> nodes = network ? network->selectedNodes()
+                                                 : QList<OssSnBaseNode *>();
+    const auto *material = nodes.size() == 1 ? qobject_cast<OssSnMaterialNode *>(nodes.first())
+                                             : nullptr;
+    if (!material) {
+        OssDebug(Source, __LINE__,
+                 "Only one nodes needs to be selected for material preview creation");
+        return;
+    }
+    tell(tr("Thumbnail Generation Error"),
+         material->generateMaterialThumbnail(
+             QDir::current().filePath(QStringLiteral("MaterialPreview.png"))));
 }
 
 // --- geo-channels

@@ -123,7 +123,10 @@ void OssSnUINodeGraphViewContext::showBackground(const OssCustomAttribute &attri
                  node ? qPrintable(node->path()) : "");
         return;
     }
-    const auto value = attribute.value().value<OssColor>();
+    QVariant held = attribute.value();
+    if (!held.convert(qMetaTypeId<OssColor>()))
+        return;
+    const auto value = held.value<OssColor>();
     QColor color;
     color.setRgbF(value.red(), value.green(), value.blue(), value.alpha());
     QMetaObject::invokeMethod(item, "setNodeBackgroundColour", Qt::DirectConnection,

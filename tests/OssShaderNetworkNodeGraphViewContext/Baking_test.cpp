@@ -2,8 +2,12 @@
 #include "OssCoreModules/Images/OssGeoImageSet.h"
 #include "OssCoreModules/Images/OssImageSet.h"
 #include "OssCoreModules/Interface/OssApplication.h"
+#include "OssCoreModules/Layers/OssLayerShaderModelManager.h"
 #include "OssCoreModules/Network/OssSnBakePointNode.h"
 
+#include <QDir>
+#include <QImage>
+#include <QTemporaryDir>
 #include <QtTest>
 
 namespace {
@@ -127,4 +131,25 @@ TEST_F(BakingTest, exportGoesToAGeoChannelOfTheSameObject)
     m_view->exportToGeoChannel(channel);
     EXPECT_EQ(channel->imageSet()->pixels(), m_bake->imageSet()->pixels());
     EXPECT_NE(channel->imageSet(), m_bake->imageSet());
+}
+
+TEST_F(BakingTest, aMaterialsPreviewIsALitBallOfItsColor)
+{
+    const QTemporaryDir folder;
+    const QString before = QDir::currentPath();
+    ASSERT_TRUE(QDir::setCurrent(folder.path()));
+    select({m_color});
+    m_view->generateMaterialPreview();
+    EXPECT_TRUE(QDir(folder.path()).isEmpty());
+    const QString model = OssLayerShaderModelManager::instance()->modelIds().first();
+    OssSnBaseNode *material = m_network->createNode(QStringLiteral("_System/Material"), {}, model);
+    ASSERT_TRUE(material);
+    select({material});
+    m_view->generateMaterialPreview();
+    const QImage picture(folder.filePath(QStringLiteral("MaterialPreview.png")));
+    QDir::setCurrent(before);
+    ASSERT_EQ(picture.size(), QSize(256, 256));
+    EXPECT_EQ(qAlpha(picture.pixel(1, 1)), 0);
+    EXPECT_EQ(qAlpha(picture.pixel(128, 128)), 255);
+    EXPECT_GT(qGray(picture.pixel(80, 60)), qGray(picture.pixel(200, 220)));
 }

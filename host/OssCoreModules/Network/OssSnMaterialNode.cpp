@@ -1,9 +1,14 @@
 #include "OssCoreModules/Network/OssSnMaterialNode.h"
 
+#include "OssCore/OssAtomicFile.h"
 #include "OssCore/OssUndoManager.h"
+#include "OssCoreModules/Evaluation/OssMaterialThumbnail.h"
 #include "OssCoreModules/Layers/OssLayerShaderModel.h"
 #include "OssCoreModules/Layers/OssLayerStreamUtils.h"
 #include "OssCoreModules/Network/OssNodeArchive.h"
+
+#include <QBuffer>
+#include <QImage>
 
 namespace {
 
@@ -47,6 +52,19 @@ void OssSnMaterialNode::connectPreviewShaderNetwork()
     OssSnBaseNode *out = createOutput(MaterialOutput, OssSnDataKind::Material);
     if (out)
         wire(shader, out, out->inputNames().first());
+}
+
+OssResult OssSnMaterialNode::generateMaterialThumbnail(const QString &path, int size) const
+{
+    QImage picture;
+    const OssResult made = OssMaterialThumbnail::make(this, size, &picture);
+    if (!made)
+        return made;
+    QBuffer file;
+    file.open(QIODevice::WriteOnly);
+    if (!picture.save(&file, "PNG"))
+        return OssResult::failure(tr("%1: the picture could not be written").arg(path));
+    return OssAtomicFile::write(path, file.data());
 }
 
 OssResult OssSnMaterialNode::importFromFile(OssShaderNetwork *network, const QString &path,

@@ -18,6 +18,9 @@ public:
     /// nothing when it is there. One undo step.
     void connectPreviewShaderNetwork();
 
+    /// Writes a picture of the material, a lit ball of `size` pixels, whole or not at all.
+    OssResult generateMaterialThumbnail(const QString &path, int size = 256) const;
+
     void onMadeFresh() override;
 
 protected:

@@ -11,8 +11,10 @@
 #include "OssCoreModules/Project/OssProject.h"
 #include "OssCoreModules/Project/OssProjectManager.h"
 #include "OssCoreModules/Project/OssShadingGroup.h"
+#include "OssNodeGraph/OssNgSceneIndex.h"
 
 #include <QApplication>
+#include <QGraphicsView>
 #include <QImage>
 #include <QPainter>
 #include <QRandomGenerator>
@@ -98,6 +100,42 @@ QWidget *graphWidget()
     return palette;
 }
 
+/// Twice the area of a triangle; its sign says on which side of a to b the third point is.
+double turn(const QPointF &a, const QPointF &b, const QPointF &point)
+{
+    return (b.x() - a.x()) * (point.y() - a.y()) - (b.y() - a.y()) * (point.x() - a.x());
+}
+
+bool cross(const OssNgSceneIndex::WireEntry &a, const OssNgSceneIndex::WireEntry &b)
+{
+    return turn(a.start, a.end, b.start) * turn(a.start, a.end, b.end) < 0.0
+           && turn(b.start, b.end, a.start) * turn(b.start, b.end, a.end) < 0.0;
+}
+
+/// How well the graph can be read: wires that cross, taken for straight, and nodes on each other.
+void judge(const char *what, int count)
+{
+    const auto *view = graphWidget()->findChild<QGraphicsView *>();
+    const OssNgSceneIndex *index = view ? OssNgSceneIndex::of(view->scene()) : nullptr;
+    if (!index)
+        return;
+    int crossings = 0;
+    int overlaps = 0;
+    const auto &wires = index->wireEntries();
+    const auto &nodes = index->nodeEntries();
+    for (std::size_t i = 0; i < wires.size(); ++i) {
+        for (std::size_t j = i + 1; j < wires.size(); ++j)
+            crossings += wires[i].edge && wires[j].edge && cross(wires[i], wires[j]) ? 1 : 0;
+    }
+    for (std::size_t i = 0; i < nodes.size(); ++i) {
+        for (std::size_t j = i + 1; j < nodes.size(); ++j)
+            overlaps += nodes[i].node && nodes[j].node && nodes[i].rect.intersects(nodes[j].rect)
+                            ? 1
+                            : 0;
+    }
+    std::printf("%7d  %-34s %9d crossings, %d overlaps\n", count, what, crossings, overlaps);
+}
+
 void bench(int count, const QString &path)
 {
     OssProjectManager *projects = OssProjectManager::instance();
@@ -132,8 +170,10 @@ void bench(int count, const QString &path)
     measure("undo it", count, [&] { OssUndoManager::instance()->undo(); });
     for (OssSnBaseNode *node : nodes)
         node->setSelected(false);
+    judge("as made", count);
     measure("autoplace", count,
             [&] { OssShaderNetworkManager::instance()->requestLayout(network, nodes); });
+    judge("placed", count);
     measure("undo it", count, [&] { OssUndoManager::instance()->undo(); });
     measure("close", count, [&] { projects->closeProject(); });
 }
@@ -152,7 +192,7 @@ int main(int argc, char **argv)
     HostStart::start(&plugins);
     g_cal = calibrate();
     std::printf("cal %.1f ms\n", g_cal);
-    for (const int count : {1000, 5000, 10000})
+    for (const int count : {50, 1000, 5000, 10000})
         bench(count, folder.filePath(QStringLiteral("B%1.ossa").arg(count)));
     HostStart::shutdown();
     return 0;

@@ -63,21 +63,24 @@ void UvView::begin(const QList<int> &patches, int resolution, const QString &pro
     update();
 }
 
-void UvView::setTile(int patch, const QPoint &place, const QImage &picture,
+void UvView::setTile(int patch, int resolution, const QPoint &place, const QImage &picture,
                      const OssEvTilePointer &tile)
 {
     const auto found = m_patches.find(patch);
     if (found == m_patches.end())
         return;
+    const double enlarged = double(m_resolution) / resolution;
+    const QRectF area(QPointF(place) * enlarged, QSizeF(picture.size()) * enlarged);
     QPainter painter(&found->picture);
     painter.setCompositionMode(QPainter::CompositionMode_Source);
-    painter.drawImage(place, picture);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawImage(area, picture);
     painter.end();
-    found->tiles.insert({place.x() / OssEvTile::Size, place.y() / OssEvTile::Size}, tile);
+    if (resolution == m_resolution)
+        found->tiles.insert({place.x() / OssEvTile::Size, place.y() / OssEvTile::Size}, tile);
     const QRectF rect = rectOf(patch);
     const double texel = rect.width() / m_resolution;
-    update(QRectF(rect.topLeft() + QPointF(place) * texel,
-                  QSizeF(picture.width() * texel, picture.height() * texel))
+    update(QRectF(rect.topLeft() + area.topLeft() * texel, area.size() * texel)
                .toAlignedRect()
                .adjusted(-1, -1, 1, 1));
 }

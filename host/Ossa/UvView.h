@@ -17,7 +17,8 @@ public:
 
     /// What is there goes on being shown until its pixels are replaced.
     void begin(const QList<int> &patches, int resolution, const QString &problem);
-    void setTile(int patch, const QPoint &place, const QImage &picture,
+    /// A tile of a coarser picture is shown enlarged and has no values.
+    void setTile(int patch, int resolution, const QPoint &place, const QImage &picture,
                  const OssEvTilePointer &tile);
     void frameAll();
 

@@ -14,7 +14,9 @@
 
 namespace {
 
-constexpr int LookInterval = 60; // milliseconds
+constexpr int LookInterval = 60;  // milliseconds
+constexpr int LongestHold = 1000; // milliseconds
+constexpr int CoarseResolution = 256;
 
 /// What the current network's viewer looks at.
 OssSnProducer viewed(const OssShaderNetwork *network)
@@ -89,8 +91,8 @@ void ViewerSource::setFocus(const QPointF &place)
     m_focus = place;
     for (const Running &request : qAsConst(m_running))
         OssEvaluationService::instance()->engine()->setFocus(
-            request.id, (place.x() - OssEvPatch::column(request.patch)) * m_resolution,
-            (1.0 - (place.y() - OssEvPatch::row(request.patch))) * m_resolution);
+            request.id, (place.x() - OssEvPatch::column(request.patch)) * request.resolution,
+            (1.0 - (place.y() - OssEvPatch::row(request.patch))) * request.resolution);
 }
 
 void ViewerSource::refresh()
@@ -106,6 +108,9 @@ void ViewerSource::look()
     const bool other = now.node != m_shown.node || now.outputPoint != m_shown.outputPoint;
     if (!m_dirty && !other)
         return;
+    // Under a steady drag every coarse picture would otherwise make way for the next.
+    if (m_coarseLeft > 0 && !other && m_sinceStart.elapsed() < LongestHold)
+        return;
     m_dirty = false;
     const QString key = OssSnResultKey::of(now.node, now.outputPoint);
     if (!other && key == m_shown.key && !key.isEmpty())
@@ -120,6 +125,9 @@ void ViewerSource::stop()
     for (const Running &request : qAsConst(m_running))
         OssEvaluationService::instance()->engine()->cancel(request.id);
     m_running.clear();
+    m_startFine = {};
+    m_coarseLeft = 0;
+    m_follower.reset();
 }
 
 void ViewerSource::start(const OssGeoEntity *entity)
@@ -134,64 +142,88 @@ void ViewerSource::start(const OssGeoEntity *entity)
                                    ? OssEvaluationService::instance()->patches(entity)
                                    : QList<int>();
     Q_EMIT began(patches, m_shown.node->name(), graph.error);
+    follow(graph);
+    const bool coarse = m_resolution > CoarseResolution;
+    m_startFine = [this, graph, patches, entity = QPointer<const OssGeoEntity>(entity)] {
+        for (const int patch : patches)
+            startPatch(graph, entity, patch, m_resolution);
+        setFocus(m_focus);
+    };
+    m_coarseLeft = coarse ? patches.size() : 0;
+    m_sinceStart.start();
+    if (!coarse) {
+        m_startFine();
+        return;
+    }
     for (const int patch : patches)
-        startPatch(graph, entity, patch);
+        startPatch(graph, entity, patch, CoarseResolution);
     setFocus(m_focus);
 }
 
+void ViewerSource::follow(const OssSnEvaluationGraph &graph)
+{
+    // A value that is being dragged is no step of the history yet.
+    m_follower = std::make_unique<QObject>();
+    for (const OssSnBaseNode *node : graph.sources)
+        connect(node, &OssSnBaseNode::userAttributeChanged, m_follower.get(),
+                [this] { m_dirty = true; });
+}
+
+template <class Work>
+void ViewerSource::later(int generation, Work work)
+{
+    QMetaObject::invokeMethod(
+        this,
+        [this, generation, work] {
+            if (generation == m_generation)
+                work();
+        },
+        Qt::QueuedConnection);
+}
+
 void ViewerSource::startPatch(const OssSnEvaluationGraph &graph, const OssGeoEntity *entity,
-                              int patch)
+                              int patch, int resolution)
 {
     OssEvRequest request;
-    request.target = OssEvaluationService::instance()->target(graph, entity, patch, m_resolution);
+    request.target = OssEvaluationService::instance()->target(graph, entity, patch, resolution);
     const int generation = m_generation;
     const ViewerLook look = m_look;
-    request.onTile = [this, generation, patch, look](const OssEvArrival &arrival) {
+    request.onTile = [this, generation, patch, resolution, look](const OssEvArrival &arrival) {
         const QImage picture = ViewerPixels::picture(*arrival.tile, look);
         const QPoint place(arrival.x * OssEvTile::Size, arrival.y * OssEvTile::Size);
-        QMetaObject::invokeMethod(
-            this,
-            [this, generation, patch, place, picture, tile = arrival.tile] {
-                arrive(generation, patch, place, picture, tile);
-            },
-            Qt::QueuedConnection);
+        later(generation, [this, patch, resolution, place, picture, tile = arrival.tile] {
+            Q_EMIT tileArrived(patch, resolution, place, picture, tile);
+        });
     };
-    request.onProgress = [this, generation, patch](int done, int total) {
-        QMetaObject::invokeMethod(
-            this,
-            [this, generation, patch, done, total] { progress(generation, patch, done, total); },
-            Qt::QueuedConnection);
+    request.onProgress = [this, generation, patch, resolution](int done, int total) {
+        later(generation, [=] { progress(patch, resolution, done, total); });
     };
-    request.onFinished = [this, generation](const OssEvOutcome &outcome) {
-        if (outcome.error.empty())
-            return;
-        const QString problem = QString::fromStdString(outcome.error);
-        QMetaObject::invokeMethod(
-            this,
-            [this, generation, problem] {
-                if (generation == m_generation)
-                    Q_EMIT began({}, m_shown.node ? m_shown.node->name() : QString(), problem);
-            },
-            Qt::QueuedConnection);
+    request.onFinished = [this, generation, resolution](const OssEvOutcome &outcome) {
+        later(generation, [this, resolution, problem = QString::fromStdString(outcome.error)] {
+            finish(resolution, problem);
+        });
     };
-    m_running.append(
-        {OssEvaluationService::instance()->engine()->start(std::move(request)), patch, 0, 0});
+    m_running.append({OssEvaluationService::instance()->engine()->start(std::move(request)), patch,
+                      resolution, 0, 0});
 }
 
-void ViewerSource::arrive(int generation, int patch, const QPoint &place, const QImage &picture,
-                          const OssEvTilePointer &tile)
+void ViewerSource::finish(int resolution, const QString &problem)
 {
-    if (generation == m_generation)
-        Q_EMIT tileArrived(patch, place, picture, tile);
-}
-
-void ViewerSource::progress(int generation, int patch, int done, int total)
-{
-    if (generation != m_generation)
+    if (!problem.isEmpty()) {
+        Q_EMIT began({}, m_shown.node ? m_shown.node->name() : QString(), problem);
         return;
+    }
+    if (resolution < m_resolution && --m_coarseLeft == 0)
+        m_startFine();
+}
+
+void ViewerSource::progress(int patch, int resolution, int done, int total)
+{
     int allDone = 0;
     int all = 0;
     for (Running &request : m_running) {
+        if (request.resolution != resolution)
+            continue;
         if (request.patch == patch) {
             request.done = done;
             request.total = total;
@@ -199,5 +231,6 @@ void ViewerSource::progress(int generation, int patch, int done, int total)
         allDone += request.done;
         all += request.total;
     }
-    Q_EMIT progressed(allDone, all);
+    if (resolution == m_resolution)
+        Q_EMIT progressed(allDone, all);
 }

@@ -93,6 +93,8 @@ public:
         return m_indexes.value(wanted.node);
     }
 
+    QVector<const OssSnBaseNode *> nodes() const { return m_indexes.keys().toVector(); }
+
     std::shared_ptr<const OssEvGraph> finish() { return m_builder.finish(); }
 
 private:
@@ -153,6 +155,7 @@ OssSnEvaluationGraph OssSnEvaluationGraph::of(const OssSnBaseNode *node, const Q
     }
     Copier copier;
     result.node = copier.copy(producer);
+    result.sources = copier.nodes();
     result.graph = copier.finish();
     const OssEvGraph::Node &made = result.graph->nodes()[std::size_t(result.node)];
     result.output = made.kernel ? made.kernel->outputIndex(producer.outputPoint.toStdString()) : -1;

@@ -3,6 +3,7 @@
 #include "OssCoreModules/OssCoreModules_export.h"
 
 #include <QString>
+#include <QVector>
 
 #include <memory>
 
@@ -16,6 +17,8 @@ struct OSSCOREMODULES_EXPORT OssSnEvaluationGraph
     std::shared_ptr<const OssEvGraph> graph;
     int node = -1;
     int output = 0;
+    /// The document's nodes that were copied: other values there, other pixels.
+    QVector<const OssSnBaseNode *> sources;
     QString error; ///< why there is nothing to compute; empty when there is
 
     static OssSnEvaluationGraph of(const OssSnBaseNode *node, const QString &outputPoint);

@@ -1,6 +1,8 @@
 #include "OssShaderNetworkNodeGraphViewContextPlugin.h"
 
+#include "OssAPI/NodeGraphAPI.h"
 #include "OssCore/OssDebug.h"
+#include "OssCore/OssUndoManager.h"
 #include "OssCoreModules/Interface/OssActionTreeManager.h"
 #include "OssCoreModules/Network/OssShaderNetworkManager.h"
 #include "OssShaderNetworkView.h"
@@ -24,6 +26,7 @@ bool OssShaderNetworkNodeGraphViewContextPlugin::initialize()
     OssDebug(Source, __LINE__, "[ Plugin ] Shader Network - Node Graph View Context");
     OssSnNodeGraphViewContextManager::instance();
     createActions();
+    initNodeGraphAPI();
     connect(OssShaderNetworkManager::instance(),
             &OssShaderNetworkManager::registeredNodePopulationChanged, this,
             &OssShaderNetworkNodeGraphViewContextPlugin::createNodeCreationActions);
@@ -115,7 +118,8 @@ void OssShaderNetworkNodeGraphViewContextPlugin::createNodeFromAction()
         OssDebug(Source, __LINE__, "Action is NULL");
         return;
     }
-    forward([action](OssShaderNetworkView *view) { view->createNodeFromAction(action); });
+    forward(action->text(),
+            [action](OssShaderNetworkView *view) { view->createNodeFromAction(action); });
 }
 
 // --- forwarding
@@ -133,22 +137,24 @@ OssShaderNetworkView *OssShaderNetworkNodeGraphViewContextPlugin::currentShaderN
 }
 
 template <class Call>
-void OssShaderNetworkNodeGraphViewContextPlugin::forward(Call call)
+void OssShaderNetworkNodeGraphViewContextPlugin::forward(const QString &title, Call call)
 {
     OssShaderNetworkView *view = currentShaderNetworkView();
     if (!view) {
         OssDebug(Source, __LINE__, "ShaderNetworkView is NULL");
         return;
     }
+    const OssUndoManager::Gathering gathering(title);
     call(view);
 }
 
-#define OSS_DEFINE_NAMED_SLOT(slot, call) \
+#define OSS_DEFINE_SLOT(title, slot, call) \
     void OssShaderNetworkNodeGraphViewContextPlugin::slot() \
     { \
-        forward([](OssShaderNetworkView *view) { view->call; }); \
+        forward(title, [](OssShaderNetworkView *view) { view->call; }); \
     }
-#define OSS_DEFINE_ACTION_SLOT(text, slot, call) OSS_DEFINE_NAMED_SLOT(slot, call)
+#define OSS_DEFINE_ACTION_SLOT(text, slot, call) OSS_DEFINE_SLOT(tr(text), slot, call)
+#define OSS_DEFINE_NAMED_SLOT(slot, call) OSS_DEFINE_SLOT({}, slot, call)
 #define OSS_DEFINE_NO_SLOT(text, slot, call)
 
 OSS_NODE_GRAPH_ACTIONS(OSS_DEFINE_ACTION_SLOT, OSS_DEFINE_NO_SLOT)

@@ -42,6 +42,7 @@ private:
     void createActions();
     /// The focused view, else the manager's current one.
     OssShaderNetworkView *currentShaderNetworkView();
+    /// What the view records is one undo step, with its own title or else with this.
     template <class Call>
-    void forward(Call call);
+    void forward(const QString &title, Call call);
 };

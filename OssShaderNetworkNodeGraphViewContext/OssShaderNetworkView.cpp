@@ -1,5 +1,6 @@
 #include "OssShaderNetworkView.h"
 
+#include "OssCore/OssStatusManager.h"
 #include "OssCoreModules/Network/OssShaderNetwork.h"
 #include "OssCoreModules/Network/OssSnBaseNode.h"
 #include "OssCoreModules/Project/OssProjectManager.h"
@@ -51,6 +52,11 @@ void OssShaderNetworkView::setNetwork(OssShaderNetwork *network)
 bool OssShaderNetworkView::isAutoInsertOn() const
 {
     return OssSnNodeGraphViewContextManager::instance()->isAutoInsertOn();
+}
+
+void OssShaderNetworkView::tellUser(const QString &text)
+{
+    OssStatusManager::instance()->showMessage(text);
 }
 
 // --- host and preferences

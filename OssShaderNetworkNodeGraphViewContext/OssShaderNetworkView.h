@@ -76,7 +76,7 @@ public:
     void moveContainerToFreshLocation(OssSnBaseNode *container, bool preserveY);
     /// Connects the node's preferred output to an input of the viewer and looks at it.
     void connectNodeToViewer(OssSnBaseNode *node, int input);
-    /// Makes a node with its centre at a point of the viewport. Null when the type is unknown.
+    /// Makes a node with its corner at a point of the viewport. Null when the type is unknown.
     OssSnBaseNode *createNodeAt(const QString &pathKey, const QPoint &viewPos);
     /// Where a new node goes: under the pointer, or the viewport's middle when it is elsewhere.
     QPoint creationPoint() const;
@@ -245,6 +245,9 @@ protected Q_SLOTS:
 private:
     /// With a debug line when there is none.
     bool hasNetwork() const;
+    /// One line for the status bar, where nothing in the graph shows what a command did or why it
+    /// did nothing.
+    static void tellUser(const QString &text);
     static void bake(const QList<OssSnBakePointNode *> &nodes, bool bakeEmpty,
                      const char *messageForNone);
     /// False when the user was asked and chose none.
@@ -274,6 +277,8 @@ private:
     void completeNewNode(OssSnBaseNode *node, const QRectF &selection);
     void completeNewBackdrop(OssSnBaseNode *node, const QRectF &selection);
     void autoConnect(OssSnBaseNode *node, const QList<OssSnBaseNode *> &sources);
+    /// To the next free input; to several where both have streams of the same names.
+    static bool connectNext(OssSnBaseNode *source, OssSnBaseNode *node);
     static bool connectStreams(OssSnBaseNode *source, OssSnBaseNode *node);
     void setColorSpaceOfNewMerges(OssSnBaseNode *node);
 
@@ -290,6 +295,9 @@ private:
     /// "Wall > Dirt > Noise" inside a group; empty in a root network.
     QString placeText() const;
     void dropImages(QDropEvent *event);
+    /// Null when the type is unknown or there is no network.
+    OssSnBaseNode *makeDropNode(const OssImage *image, const QString &nodeType,
+                                const QPointF &scenePos);
     void dropArchives(QDropEvent *event);
     void chooseOutputPoint(OssSnBaseNode *node, OssSnBaseNode *viewer, int num);
     void batchSwapInputs(OssSnMultiChannelGroupNode *merge);

@@ -20,6 +20,8 @@
 #include <QDir>
 #include <QInputDialog>
 
+#include <algorithm>
+
 // Pixels into images: bake points, paint nodes, geo-channels.
 
 namespace {
@@ -51,30 +53,37 @@ void OssShaderNetworkView::bake(const QList<OssSnBakePointNode *> &nodes, bool b
                                 const char *messageForNone)
 {
     if (nodes.isEmpty()) {
-        OssDebug(Source, __LINE__, "%s", messageForNone);
+        OssDebug(Source, __LINE__, "[ !! ] %s", messageForNone);
+        tellUser(tr(messageForNone));
         return;
     }
+    const bool nothingToDo = std::all_of(nodes.cbegin(), nodes.cend(), [&](auto *node) {
+        return node->hasBakedResult() ? node->isBakedResultUpToDate() : !bakeEmpty;
+    });
+    if (nothingToDo)
+        tellUser(tr("All baked results are up to date"));
     tell(tr("Bake"), OssShaderNetworkUtils::bakeBakePoints(nodes, true, bakeEmpty));
 }
 
 void OssShaderNetworkView::bakeEmptyAndUpdateOutOfDateBakePoints()
 {
     if (hasNetwork())
-        bake(bakePointsAmong(m_network->getAllNodes()), true, "[ !! ] No Bake Point nodes found");
+        bake(bakePointsAmong(m_network->getAllNodes()), true,
+             QT_TR_NOOP("No Bake Point nodes found"));
 }
 
 void OssShaderNetworkView::bakeSelectedBakePoints()
 {
     if (hasNetwork())
         bake(bakePointsAmong(m_network->selectedNodes()), true,
-             "[ !! ] No Bake Point nodes are selected");
+             QT_TR_NOOP("No Bake Point nodes are selected"));
 }
 
 void OssShaderNetworkView::updateSelectedBakePoints()
 {
     if (hasNetwork())
         bake(bakePointsAmong(m_network->selectedNodes()), false,
-             "[ !! ] No Bake Point nodes are selected");
+             QT_TR_NOOP("No Bake Point nodes are selected"));
 }
 
 void OssShaderNetworkView::updateUpstreamBakePoints()
@@ -84,10 +93,11 @@ void OssShaderNetworkView::updateUpstreamBakePoints()
     const QList<OssSnBaseNode *> nodes = m_network->selectedNodes();
     if (nodes.isEmpty()) {
         OssDebug(Source, __LINE__, "[ !! ] No nodes are selected");
+        tellUser(tr("No nodes are selected"));
         return;
     }
     bake(OssShaderNetworkUtils::getUpstreamBakePointNodes(nodes), true,
-         "[ !! ] No upstream Bake Point nodes found");
+         QT_TR_NOOP("No upstream Bake Point nodes found"));
 }
 
 void OssShaderNetworkView::updateDownstreamBakePoints()
@@ -97,10 +107,11 @@ void OssShaderNetworkView::updateDownstreamBakePoints()
     const QList<OssSnBaseNode *> nodes = m_network->selectedNodes();
     if (nodes.isEmpty()) {
         OssDebug(Source, __LINE__, "[ !! ] No nodes are selected");
+        tellUser(tr("No nodes are selected"));
         return;
     }
     bake(OssShaderNetworkUtils::getDownstreamBakePointNodes(nodes), true,
-         "[ !! ] No downstream Bake Point nodes found");
+         QT_TR_NOOP("No downstream Bake Point nodes found"));
 }
 
 // --- paint nodes
@@ -165,6 +176,7 @@ void OssShaderNetworkView::bakeToPaintableNode()
             edge.target->setInputNode(edge.input, paint, paint->prefferedOutputPoint());
     }
     paint->positionNodeOnTopIndented(source);
+    placeNode(paint);
     if (scene())
         scene()->clearSelection();
     if (OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(paint))
@@ -176,15 +188,17 @@ OssResult OssShaderNetworkView::bakeIntoPaintNode(const OssSnBaseNode *source,
                                                   const QString &outputPoint,
                                                   OssSnImageSetNodeBase *paint)
 {
-    const OssImageSet *empty = paint->imageSet();
+    OssImageSet *empty = paint->imageSet();
     OssShadingContext *shading = m_network->shadingContext();
     OssImageSet *set = empty->duplicate(
         shading->freeImageSetName(QStringLiteral("Node_Bake_") + empty->name()));
     shading->addImageSet(set); // takes it
     const OssResult baked = source->bake(set, outputPoint);
-    if (baked)
-        paint->setImageSet(set, true);
-    return baked;
+    if (!baked)
+        return baked;
+    paint->setImageSet(set, true);
+    shading->removeImageSet(empty);
+    return {};
 }
 
 void OssShaderNetworkView::setImageSetByNameAction()

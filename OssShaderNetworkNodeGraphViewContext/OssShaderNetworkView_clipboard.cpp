@@ -114,8 +114,11 @@ void OssShaderNetworkView::copyNodesAction()
     if (!hasNetwork())
         return;
     const QList<OssSnBaseNode *> nodes = selectionWithoutViewer();
-    if (!nodes.isEmpty())
-        OssShaderNetworkIO::copyNodesToClipboard(nodes, {});
+    if (nodes.isEmpty())
+        return;
+    OssShaderNetworkIO::copyNodesToClipboard(nodes, {});
+    tellUser(nodes.size() == 1 ? tr("Copied %1").arg(nodes.first()->name())
+                               : tr("Copied %1 nodes").arg(nodes.size()));
 }
 
 void OssShaderNetworkView::pasteNodesAction()
@@ -125,5 +128,9 @@ void OssShaderNetworkView::pasteNodesAction()
     const SmartLinking linking;
     const QPoint cursor = creationPoint();
     const OssUndoManager::AutoMacro macro(tr("Paste Nodes"));
-    placeInsertedNodes(OssShaderNetworkIO::pasteNodesFromClipboard(m_network, true), &cursor);
+    const QList<OssSnBaseNode *> nodes = OssShaderNetworkIO::pasteNodesFromClipboard(m_network,
+                                                                                     true);
+    if (nodes.isEmpty())
+        tellUser(tr("There are no nodes in the clipboard"));
+    placeInsertedNodes(nodes, &cursor);
 }

@@ -50,6 +50,11 @@ void enableBlending(OssSnBaseNode *merge, bool enable)
 class UpstreamMergeNodesFinder final : public OssShaderNetworkUtils::OssNodeWalkerUpstream
 {
 public:
+    UpstreamMergeNodesFinder()
+        : OssNodeWalkerUpstream(true)
+    {
+    }
+
     QList<OssSnBaseNode *> merges;
 
 protected:
@@ -69,6 +74,11 @@ protected:
 class BakePointFinder final : public OssShaderNetworkUtils::OssNodeWalkerDownstream
 {
 public:
+    BakePointFinder()
+        : OssNodeWalkerDownstream(true)
+    {
+    }
+
     bool found = false;
 
 protected:

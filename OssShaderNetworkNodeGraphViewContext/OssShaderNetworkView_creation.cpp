@@ -98,7 +98,7 @@ OssSnBaseNode *OssShaderNetworkView::createNodeAt(const QString &pathKey, const 
 void OssShaderNetworkView::placeNewNode(OssSnBaseNode *node, const QPoint &viewPos)
 {
     if (OssNgNode *item = itemOf(node)) {
-        item->setPosition(mapToScene(viewPos) - item->boundingRect().center());
+        item->setPosition(mapToScene(viewPos));
         placeNode(node);
     }
     if (m_network->node(node->name()) != node)
@@ -181,39 +181,47 @@ bool OssShaderNetworkView::connectStreams(OssSnBaseNode *source, OssSnBaseNode *
     return connected;
 }
 
+bool OssShaderNetworkView::connectNext(OssSnBaseNode *source, OssSnBaseNode *node)
+{
+    if (connectStreams(source, node))
+        return true;
+    if (OssLayerStreamUtils::isMergeNode(node))
+        return OssMaterialPaintManager::instance()->autoconnectMergeNode(source, node);
+    if (node->hasTag(QStringLiteral("_shader"))
+        && OssShaderNetworkUtils::batchConnect(source, node))
+        return true;
+    return node->setInputNode(AutoConnect::nextFreeInput(node), source,
+                              source->prefferedOutputPoint());
+}
+
 void OssShaderNetworkView::autoConnect(OssSnBaseNode *node, const QList<OssSnBaseNode *> &sources)
 {
-    const bool isLayoutOnly = node->inputPorts().isEmpty();
+    if (node->inputPorts().isEmpty() && node->outputPoints().isEmpty())
+        return; // backdrops and notes
     for (OssSnBaseNode *source : sources) {
-        if (isLayoutOnly)
-            return;
         if (source->prefferedOutputPoint().isEmpty()) {
             OssDebug(Source, __LINE__,
                      "[ -- ] Selected node '%s' has no output, skipping autoconnecting to it",
                      qPrintable(source->name()));
             continue;
         }
-        if (connectStreams(source, node))
-            continue;
-        if (OssLayerStreamUtils::isMergeNode(node)) {
-            OssMaterialPaintManager::instance()->autoconnectMergeNode(source, node);
-            continue;
-        }
-        if (node->hasTag(QStringLiteral("_shader"))
-            && OssShaderNetworkUtils::batchConnect(source, node))
-            continue;
-        const QString input = AutoConnect::nextFreeInput(node);
-        if (input.isEmpty()) {
+        if (AutoConnect::nextFreeInput(node).isEmpty()) {
             OssDebug(Source, __LINE__, "* No more inputs to connect to, stop autoconnect.");
             return;
         }
-        OssDebug(Source, __LINE__,
-                 "[ -- ] Autoconnect selected node ['%s', outputCount:'%s'] to new node['%s', "
-                 "input(%d):'%s']",
-                 qPrintable(source->name()),
-                 qPrintable(QString::number(source->outputPointCount())), qPrintable(node->name()),
-                 node->inputNames().indexOf(input), qPrintable(input));
-        node->setInputNode(input, source, source->prefferedOutputPoint());
+        const QList<OssSnBaseNode *> before = node->inputNodes();
+        connectNext(source, node);
+        const QList<OssSnBaseNode *> now = node->inputNodes();
+        for (int input = 0; input < now.size(); ++input) {
+            if (now.at(input) == before.at(input))
+                continue;
+            OssDebug(Source, __LINE__,
+                     "[ -- ] Autoconnect selected node ['%s', outputCount:'%s'] to new node['%s', "
+                     "input(%d):'%s']",
+                     qPrintable(source->name()),
+                     qPrintable(QString::number(source->outputPointCount())),
+                     qPrintable(node->name()), input, qPrintable(node->inputNames().at(input)));
+        }
     }
 }
 
@@ -231,7 +239,7 @@ void OssShaderNetworkView::createPaintableNode(QPoint NodeViewPos)
     const OssUndoManager::AutoMacro macro(tr("Add Paint Node"));
     OssSnBaseNode *node = m_network->createPaintableNode(mapToScene(NodeViewPos));
     if (node)
-        placeNode(node);
+        placeNewNode(node, NodeViewPos);
     tellOfChange();
 }
 

@@ -111,6 +111,11 @@ void OssShaderNetworkView::dragLeaveEvent(QDragLeaveEvent *event)
 void OssShaderNetworkView::dropEvent(QDropEvent *event)
 {
     hideDropGhost();
+    if (!scene()) {
+        QGraphicsView::dropEvent(event);
+        return;
+    }
+    setFocus(Qt::MouseFocusReason); // the next keys are for what was dropped
     const QMimeData *mime = event->mimeData();
     OssDragAndDropManager *objects = OssDragAndDropManager::instance();
     if (objects->acceptDragEnter(mime, NodeGraphTarget)) {
@@ -167,9 +172,14 @@ void OssShaderNetworkView::dropImages(QDropEvent *event)
         tr("Drag and drop : creating %1 %2 of type '%3'")
             .arg(images.size())
             .arg(images.size() == 1 ? tr("node") : tr("nodes"), nodeType));
-    for (OssImage *image : images)
-        createNodeFromDropImage(image, nodeType,
-                                mapToScene(viewport()->mapFromGlobal(QCursor::pos())));
+    if (scene())
+        scene()->clearSelection();
+    for (OssImage *image : images) {
+        OssSnBaseNode *node = makeDropNode(image, nodeType,
+                                           mapToScene(viewport()->mapFromGlobal(QCursor::pos())));
+        if (node)
+            node->setSelected(true);
+    }
     event->acceptProposedAction();
 }
 
@@ -181,19 +191,25 @@ void OssShaderNetworkView::createNodeFromDropImage(OssImage *Image, QString Node
 void OssShaderNetworkView::createNodeFromDropImage(OssImage *Image, QString NodeType,
                                                    QPointF NodeScenePos)
 {
-    const OssUndoManager::AutoMacro macro(tr("Creating %1").arg(NodeType));
+    makeDropNode(Image, NodeType, NodeScenePos);
+}
+
+OssSnBaseNode *OssShaderNetworkView::makeDropNode(const OssImage *image, const QString &nodeType,
+                                                  const QPointF &scenePos)
+{
+    const OssUndoManager::AutoMacro macro(tr("Creating %1").arg(nodeType));
     if (!m_network)
-        return;
-    OssSnBaseNode *node = m_network->createNodesFromNodePathKey(NodeType, true).value(0);
+        return nullptr;
+    OssSnBaseNode *node = m_network->createNodesFromNodePathKey(nodeType, true).value(0);
     if (!node)
-        return;
-    const QStringList attributes = Image ? imageAttributes(NodeType) : QStringList();
+        return nullptr;
+    const QStringList attributes = image ? imageAttributes(nodeType) : QStringList();
     for (const QString &attribute : attributes)
-        node->setAttribute(attribute, OssImageList(Image->uniqueId()).toVariant(), true);
+        node->setAttribute(attribute, OssImageList(image->uniqueId()).toVariant(), true);
     if (OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(node)) {
-        item->setPosition(NodeScenePos.isNull() ? mapToScene(viewport()->rect().center())
-                                                : NodeScenePos);
+        item->setPosition(scenePos.isNull() ? mapToScene(viewport()->rect().center()) : scenePos);
         placeNode(node);
     }
     Q_EMIT nodeAdded(node);
+    return node;
 }

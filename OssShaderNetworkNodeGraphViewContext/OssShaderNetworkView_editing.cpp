@@ -49,13 +49,15 @@ void OssShaderNetworkView::deleteSelectedNodes()
     QSet<OssSnBaseNode *> nodes;
     const QList<OssSnBaseNode *> selected = m_network->selectedNodes();
     for (OssSnBaseNode *node : selected) {
-        if (node->hasTag(QStringLiteral("_GraphLayerInput")))
+        if (node->hasTag(QStringLiteral("_GraphLayerInput"))) {
+            tellUser(tr("%1 is what a layer stands on and stays").arg(node->name()));
             OssDebug(Source, __LINE__,
                      "[ -- ] Node '%s' cannot be removed by the user, it's a protected graph layer "
                      "node",
                      qPrintable(node->name()));
-        else
+        } else {
             nodes.insert(node);
+        }
     }
     const OssUndoManager::AutoMacro macro(tr("Remove Selected Nodes"));
     const OssLayerRefreshSuspensionManager::RefreshStateSuspender suspender;
@@ -157,7 +159,9 @@ void OssShaderNetworkView::popupRenameWindow(OssNgNode *NodeToRename)
 
 void OssShaderNetworkView::swapInputs()
 {
-    const QList<OssSnBaseNode *> selected = selectedNodes();
+    if (!hasNetwork())
+        return;
+    const QList<OssSnBaseNode *> selected = m_network->selectedNodes();
     if (selected.size() != 1) {
         OssDebug(Source, __LINE__, "More than one node selected for swap inputs.");
         OssMessageBox::warning(this, tr("Swap Inputs"),
@@ -179,9 +183,15 @@ void OssShaderNetworkView::swapInputs()
     OssSnBaseNode *first = node->inputNode(names.at(0));
     OssSnBaseNode *second = node->inputNode(names.at(1));
     const QString output = QStringLiteral("Output");
-    const OssUndoManager::AutoMacro macro(tr("Swap Inputs"));
-    node->connectInput(names.at(0), second, output, true, false, true, false);
-    node->connectInput(names.at(1), first, output, true, false, true, false);
+    OssUndoManager::AutoMacro macro(tr("Swap Inputs"));
+    const bool swapped = node->connectInput(names.at(0), second, output, true, false, false, false)
+                         && node->connectInput(names.at(1), first, output, true, false, false,
+                                               false);
+    if (!swapped) {
+        macro.cancel(); // half a swap would lose a wire
+        tellUser(tr("The inputs of %1 cannot be swapped: not all that feeds them has an \"Output\"")
+                     .arg(node->name()));
+    }
 }
 
 OssSnMultiChannelGroupNode *OssShaderNetworkView::matchingSource(OssSnMultiChannelGroupNode *target,

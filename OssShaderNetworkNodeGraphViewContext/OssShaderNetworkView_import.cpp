@@ -14,8 +14,11 @@
 #include "OssCoreModules/Network/OssShaderNetworkIO.h"
 #include "OssCoreModules/Network/OssSnBaseNode.h"
 #include "OssCoreModules/Network/OssSnCustomProceduralNode.h"
+#include "OssCoreModules/Network/OssSnGroupNode.h"
 #include "OssCoreModules/Network/OssSnMaterialNode.h"
 #include "OssNodeGraph/OssNgBackdropNode.h"
+#include "OssNodeGraph/OssNgStyle.h"
+#include "OssSnGroupNodeGraphViewContext.h"
 #include "OssSnNodeGraphViewContextManager.h"
 
 // Finding what to make or to look at, node files, and telling about nodes.
@@ -42,6 +45,11 @@ void store(const QString &key, const QStringList &list)
     settings.setValue(key, list);
 }
 
+QColor colorOf(const QString &pathKey)
+{
+    return OssNgStyle::instance()->categoryColor(OssSnNodeGraphViewContext::categoryOf(pathKey));
+}
+
 QStringList withLatest(QStringList list, const QString &latest, int most)
 {
     list.removeAll(latest);
@@ -61,6 +69,7 @@ void OssShaderNetworkView::quickCreate()
     const QStringList lastUsed = storedList(LastUsedKey);
     OssNodeQuickFindDialog dialog(lastUsed, storedList(FavouritesKey), most, position,
                                   viewport()->size(), viewport());
+    dialog.setColors(colorOf);
     const bool accepted = dialog.exec() == QDialog::Accepted;
     store(FavouritesKey, dialog.favourites());
     const QString chosen = dialog.chosenPathKey();
@@ -77,13 +86,18 @@ void OssShaderNetworkView::searchNodesAction()
     const QList<OssSnBaseNode *> nodes = m_network->getAllNodes();
     OssDebug(Source, __LINE__, "[ !! ] Found %d nodes in the network", nodes.size());
     OssSearchNodeDialog dialog(nodes, viewport());
+    dialog.setColors(colorOf);
     dialog.placeAt(viewport(), creationPoint());
     OssSnBaseNode *node = dialog.exec() == QDialog::Accepted ? dialog.chosenNode() : nullptr;
     if (!node)
         return;
     const OssUndoManager::AutoMacro macro(tr("Focus on %1").arg(node->name()));
     if (node->network() != m_network) {
-        // In a group: its own tab shows it.
+        // In a group: its own tab shows it, which may not be open.
+        auto *around = qobject_cast<OssSnGroupNodeGraphViewContext *>(
+            OssSnNodeGraphViewContextManager::contextOf(node->network()->parentGroupNode()));
+        if (around)
+            around->showGroupNodeTab();
         OssShaderNetworkManager::instance()->requestFocus(node);
         return;
     }
@@ -103,8 +117,10 @@ void OssShaderNetworkView::exportNodes()
     if (!hasNetwork())
         return;
     const QList<OssSnBaseNode *> nodes = selectionWithoutViewer();
-    if (nodes.isEmpty())
+    if (nodes.isEmpty()) {
+        tellUser(tr("Select the nodes to export first"));
         return;
+    }
     const QString path = OssFileDialog::getSaveFileName(
         tr("Export Nodes to File"), NodeFilter,
         OssResourceInfo::instance()->defaultExportNodeGraphPathKey(), this);
@@ -165,6 +181,8 @@ void OssShaderNetworkView::importArchives(const QStringList &paths, const QPoint
 
 void OssShaderNetworkView::importMaterial()
 {
+    if (!hasNetwork() || !hasScene())
+        return;
     const QPoint cursor = creationPoint();
     importMaterial(OssFileDialog::getOpenFileNames(
                        tr("Import Material from Archive"), QStringLiteral("*.oma"),
@@ -181,6 +199,8 @@ void OssShaderNetworkView::importMaterial(QStringList PathList, QPoint NodeViewP
 
 void OssShaderNetworkView::importCustomProcedural()
 {
+    if (!hasNetwork() || !hasScene())
+        return;
     const QPoint cursor = creationPoint();
     importCustomProcedural(OssFileDialog::getOpenFileNames(
                                tr("Import Custom Procedural from Archive"), QStringLiteral("*.opc"),
@@ -199,15 +219,17 @@ void OssShaderNetworkView::importCustomProcedural(QStringList PathList, QPoint N
 
 void OssShaderNetworkView::printNodeInfo()
 {
-    if (!hasScene())
+    if (!hasNetwork() || !hasScene())
         return;
-    OssNodeInfoDialog dialog(selectedNodes(), this);
+    OssNodeInfoDialog dialog(m_network->selectedNodes(), this);
     dialog.exec();
 }
 
 void OssShaderNetworkView::dumpSelectedNodeInfo()
 {
-    const QList<OssSnBaseNode *> nodes = selectedNodes();
+    if (!hasNetwork())
+        return;
+    const QList<OssSnBaseNode *> nodes = m_network->selectedNodes();
     OssDebug(Source, __LINE__, "Dump Selected Shader Node Info");
     for (const OssSnBaseNode *node : nodes)
         OssDebug(Source, __LINE__, "%s", qPrintable(node->dumpNodeInfo()));

@@ -38,6 +38,16 @@ public:
     }
 
 protected:
+    bool event(QEvent *event) override
+    {
+        // What is typed belongs to the text, not to the commands of the graph around it.
+        if (event->type() == QEvent::ShortcutOverride) {
+            event->accept();
+            return true;
+        }
+        return QPlainTextEdit::event(event);
+    }
+
     void keyPressEvent(QKeyEvent *event) override
     {
         const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;

@@ -57,19 +57,13 @@ void replace(const Nodes &starts, Gather gather)
     select(found, true);
 }
 
-/// Walks may leave the network; what is selected does not.
-template <class Walk>
-void addWithinNetwork(const Nodes &starts, Walk walk)
+/// Walks may leave the network; what is selected does not. All starts stand in the same one.
+void addWithinNetwork(const Nodes &starts, const Nodes &found)
 {
-    addTo(starts, [&walk](OssSnBaseNode *start) {
-        Nodes near;
-        const Nodes found = walk(start);
-        for (OssSnBaseNode *node : found) {
-            if (node->network() == start->network())
-                near.append(node);
-        }
-        return near;
-    });
+    for (OssSnBaseNode *node : found) {
+        if (node->network() == starts.first()->network())
+            node->setSelected(true);
+    }
 }
 
 Nodes sources(OssSnBaseNode *node)
@@ -110,30 +104,26 @@ QList<OssSnBaseNode *> OssShaderNetworkView::selectedBusinessNodes() const
 
 void OssShaderNetworkView::selectAllUpstream()
 {
-    addWithinNetwork(selectedBusinessNodes(), [](OssSnBaseNode *node) {
-        return OssShaderNetworkUtils::getUpstreamNodes(node, true, true, false);
-    });
+    const Nodes starts = selectedBusinessNodes();
+    addWithinNetwork(starts, OssShaderNetworkUtils::getUpstreamNodes(starts, true, true));
 }
 
 void OssShaderNetworkView::selectAllDownstream()
 {
-    addWithinNetwork(selectedBusinessNodes(), [](OssSnBaseNode *node) {
-        return OssShaderNetworkUtils::getDownstreamNodes(node, true, true);
-    });
+    const Nodes starts = selectedBusinessNodes();
+    addWithinNetwork(starts, OssShaderNetworkUtils::getDownstreamNodes(starts, true, true));
 }
 
 void OssShaderNetworkView::selectStreamUpstream()
 {
-    addWithinNetwork(selectedBusinessNodes(), [](OssSnBaseNode *node) {
-        return OssShaderNetworkUtils::getUpstreamNodes(node, true, false, false);
-    });
+    const Nodes starts = selectedBusinessNodes();
+    addWithinNetwork(starts, OssShaderNetworkUtils::getUpstreamNodes(starts, true, false));
 }
 
 void OssShaderNetworkView::selectStreamDownstream()
 {
-    addWithinNetwork(selectedBusinessNodes(), [](OssSnBaseNode *node) {
-        return OssShaderNetworkUtils::getDownstreamNodes(node, true, false);
-    });
+    const Nodes starts = selectedBusinessNodes();
+    addWithinNetwork(starts, OssShaderNetworkUtils::getDownstreamNodes(starts, true, false));
 }
 
 void OssShaderNetworkView::selectUpstream()

@@ -76,6 +76,7 @@ void OssShaderNetworkView::connectSelectedNodeToViewer(OssSnBaseNode *Node, int 
         OssDebug(Source, __LINE__,
                  "[ !! ] Connecting a node to the viewer's input 0 is not allowed. Input 0 is "
                  "reserved.");
+        tellUser(tr("Input 0 of the viewer is for materials"));
         return;
     }
     if (Node && !m_network->nodes().contains(Node)) {
@@ -129,6 +130,7 @@ void OssShaderNetworkView::chooseOutputPoint(OssSnBaseNode *node, OssSnBaseNode 
     for (const QString &point : points)
         add(guiNode->outputPointDescriptiveName(point), "outputPointName", point);
     connect(&menu, &QMenu::triggered, this, &OssShaderNetworkView::onOutputPointSelected);
+    menu.setActiveAction(menu.actions().first()); // Return takes it at once
     menu.exec(QCursor::pos());
 }
 

@@ -24,20 +24,6 @@ namespace {
 constexpr const char *Source = "OssSnNodeGraphViewContext";
 const ZelTextureToken TextureToken;
 
-/// Category of a node in the graph: the first part of its path key, but for kinds that are told
-/// apart by a name of their own.
-QString categoryOf(const QString &pathKey)
-{
-    const QString first = pathKey.section(QLatin1Char('/'), 0, 0);
-    if (first == QLatin1String("Channel Input"))
-        return QStringLiteral("Paint");
-    if (first == QLatin1String("Teleport Broadcast"))
-        return QStringLiteral("TeleportBroadcast");
-    if (first == QLatin1String("Teleport Receiver"))
-        return QStringLiteral("TeleportReceiver");
-    return first;
-}
-
 QColor colorOf(const QString &text)
 {
     QColor color;
@@ -49,6 +35,18 @@ QColor colorOf(const QString &text)
 }
 
 } // namespace
+
+QString OssSnNodeGraphViewContext::categoryOf(const QString &pathKey)
+{
+    const QString first = pathKey.section(QLatin1Char('/'), 0, 0);
+    if (first == QLatin1String("Channel Input"))
+        return QStringLiteral("Paint");
+    if (first == QLatin1String("Teleport Broadcast"))
+        return QStringLiteral("TeleportBroadcast");
+    if (first == QLatin1String("Teleport Receiver"))
+        return QStringLiteral("TeleportReceiver");
+    return first;
+}
 
 OssSnNodeGraphViewContext::OssSnNodeGraphViewContext(QObject *node, bool withGui)
     : OssSnBaseContext(node)

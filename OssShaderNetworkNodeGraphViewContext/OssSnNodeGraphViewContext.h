@@ -40,6 +40,10 @@ public:
     OssSnNodeGraphViewContext(QObject *node, bool withGui);
     ~OssSnNodeGraphViewContext() override;
 
+    /// Category of a node in the graph: the first part of its path key, but for kinds that are told
+    /// apart by a name of their own.
+    static QString categoryOf(const QString &pathKey);
+
     // What the type's description or a saved state sets before initializeGui().
     int shapeType() const { return m_shapeType; }
 

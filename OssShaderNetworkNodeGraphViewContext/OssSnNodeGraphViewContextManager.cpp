@@ -250,17 +250,23 @@ void OssSnNodeGraphViewContextManager::onNodeRegistered(OssShaderNetwork *Networ
     OssNgNode *guiNode = guiNodeOf(Node);
     if (!guiNode)
         return;
-    const auto add = [scene](QGraphicsItem *item) {
-        if (item->scene() != scene)
-            scene->addItem(item);
+    const auto add = [](QGraphicsItem *item, QGraphicsScene *to) {
+        if (item->scene() != to)
+            to->addItem(item);
     };
-    add(guiNode);
+    add(guiNode, scene);
     // A viewer that comes from another network has left its virtual wire there.
     if (Node->hasTag(QStringLiteral("_viewer")))
         contextOf(Node)->updateGuiEdges();
-    const QList<OssNgEdge *> edges = guiNode->inputs() + guiNode->outputs();
-    for (OssNgEdge *edge : edges)
-        add(edge);
+    const QList<OssNgEdge *> sources = guiNode->inputs();
+    for (OssNgEdge *edge : sources)
+        add(edge, scene);
+    // A wire stands where its target does: a viewer's may be another network.
+    const QList<OssNgEdge *> targets = guiNode->outputs();
+    for (OssNgEdge *edge : targets) {
+        const bool elsewhere = edge->destination() && edge->destination()->scene();
+        add(edge, elsewhere ? edge->destination()->scene() : scene);
+    }
 }
 
 void OssSnNodeGraphViewContextManager::onNodeDeregistered(OssShaderNetwork *Network,

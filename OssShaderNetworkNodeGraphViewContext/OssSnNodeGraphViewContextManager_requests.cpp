@@ -122,6 +122,7 @@ void OssSnNodeGraphViewContextManager::addImageAs()
     OssShaderNetworkView *view = currentView();
     if (key.isEmpty() || !view)
         return;
+    const OssUndoManager::Gathering gathering(action->toolTip());
     const QList<OssImage *> images = OssImageManager::instance()->images();
     for (OssImage *image : images) {
         if (image->selected())

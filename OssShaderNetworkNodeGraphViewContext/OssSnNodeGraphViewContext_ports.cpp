@@ -1,6 +1,7 @@
 #include "OssSnNodeGraphViewContext.h"
 
 #include "OssCoreModules/Network/OssShaderNetwork.h"
+#include "OssCoreModules/Network/OssShaderNetworkUtils.h"
 #include "OssCoreModules/Network/OssSnMultiChannelGroupNode.h"
 #include "OssNodeGraph/OssNgEdge.h"
 #include "OssNodeGraph/OssNgPortKind.h"
@@ -364,18 +365,16 @@ void OssSnNodeGraphViewContext::updateGuiEdgesBypassStates()
         return;
     m_GuiNode->setDisabled(!node->enabledAsBool());
     m_GuiNode->setBypassed(node->isBypassed());
-    // A node that is off passes its first preferred input on; the others lead nowhere.
+    // A node that is off passes its stream on, or each of its streams; the others lead nowhere.
     const bool passes = !node->enabledAsBool() || node->isBypassed();
-    QString passed;
-    for (const OssSnBaseNode::InputPort &port : node->inputPorts()) {
-        if (passes && passed.isEmpty() && port.source && port.preferred)
-            passed = port.name;
-    }
+    QSet<QString> passed;
+    for (const OssSnBaseNode::OutputPoint &point : node->outputPoints())
+        passed.insert(OssShaderNetworkUtils::streamInput(node, point.name));
     for (const OssSnBaseNode::InputPort &port : node->inputPorts()) {
         OssNgEdge *edge = port.source ? m_GuiNode->input(port.name) : nullptr;
         if (!edge)
             continue;
-        edge->setBypassed(!port.enabled || (passes && port.name != passed));
+        edge->setBypassed(!port.enabled || (passes && !passed.contains(port.name)));
         edge->setShared(port.shared);
     }
 }

@@ -7,6 +7,7 @@ PACKAGES="build-essential cmake ninja-build ccache mold pkg-config
     libquazip1-qt5-dev
     libopenimageio-dev libopenexr-dev libopencolorio-dev libpng-dev libassimp-dev
     libtbb-dev libhwy-dev libxxhash-dev
+    python3-dev pybind11-dev
     fonts-inter fonts-dejavu-core"
 TEST_PACKAGES="libgtest-dev libbenchmark-dev clang-format xvfb xauth"
 

@@ -55,7 +55,6 @@ int main(int argc, char **argv)
 
     const Example examples[] = {
         {"Weathered Brick", "Wall", "plane", writeWeatheredBrick},
-        {"Harbor", "Harbor", "cube", writeHarborScene},
         {"Old Plaster", "Wall", "plane", writeOldPlaster},
     };
     bool good = true;

@@ -3,6 +3,7 @@
 #include <QElapsedTimer>
 #include <QUndoStack>
 
+#include <algorithm>
 #include <iterator>
 
 namespace {
@@ -53,6 +54,7 @@ struct OssUndoManager::Macro final : OssUndoStep
 
     std::vector<std::unique_ptr<OssUndoStep>> steps;
     bool cancelled = false;
+    bool gathers = false;
     QString mergeKey;
     QElapsedTimer made;
 };
@@ -152,6 +154,21 @@ void OssUndoManager::AutoMacro::cancel()
         instance()->cancelMacros(m_level);
 }
 
+OssUndoManager::Gathering::Gathering(const QString &title)
+{
+    OssUndoManager *manager = instance();
+    if (!manager->isRecording())
+        return;
+    manager->openMacro(title, {}).gathers = true;
+    m_level = manager->m_open.size();
+}
+
+OssUndoManager::Gathering::~Gathering()
+{
+    if (m_level > 0 && instance()->m_open.size() == m_level)
+        instance()->closeMacro();
+}
+
 OssUndoManager::Pause::Pause()
 {
     ++instance()->m_pauses;
@@ -182,15 +199,19 @@ void OssUndoManager::record(const QString &title, std::function<void()> undo,
 
 void OssUndoManager::store(std::unique_ptr<OssUndoStep> step)
 {
-    if (m_open.empty())
-        m_stack->push(new PushedStep(std::move(step))); // owned by the stack
-    else
+    if (!m_open.empty()) {
         m_open.back()->steps.push_back(std::move(step));
+        return;
+    }
+    const QString title = step->text();
+    m_stack->push(new PushedStep(std::move(step))); // owned by the stack
+    Q_EMIT recorded(title);
 }
 
-void OssUndoManager::openMacro(const QString &title, const QString &mergeKey)
+OssUndoManager::Macro &OssUndoManager::openMacro(const QString &title, const QString &mergeKey)
 {
     m_open.push_back(std::make_unique<Macro>(title, mergeKey));
+    return *m_open.back();
 }
 
 void OssUndoManager::closeMacro()
@@ -200,6 +221,8 @@ void OssUndoManager::closeMacro()
     if (macro->cancelled && !macro->steps.empty()) {
         const Pause pause;
         macro->undo();
+    } else if (macro->gathers && macro->steps.size() == 1) {
+        store(std::move(macro->steps.front()));
     } else if (!macro->steps.empty()) {
         macro->made.start();
         store(std::move(macro));
@@ -224,7 +247,8 @@ bool OssUndoManager::isRecording() const
 
 bool OssUndoManager::isMacroOpen() const
 {
-    return !m_open.empty();
+    return std::any_of(m_open.cbegin(), m_open.cend(),
+                       [](const auto &macro) { return !macro->gathers || !macro->steps.empty(); });
 }
 
 bool OssUndoManager::canUndo() const
@@ -301,12 +325,16 @@ QUndoStack *OssUndoManager::stack() const
 
 void OssUndoManager::undo()
 {
-    if (canUndo())
-        m_stack->undo();
+    if (!canUndo())
+        return;
+    m_stack->undo();
+    Q_EMIT undone();
 }
 
 void OssUndoManager::redo()
 {
-    if (canRedo())
-        m_stack->redo();
+    if (!canRedo())
+        return;
+    m_stack->redo();
+    Q_EMIT redone();
 }

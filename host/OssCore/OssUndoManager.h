@@ -49,6 +49,20 @@ public:
         std::size_t m_level = 0; ///< 1 for the outermost macro, 0 while nothing is recorded
     };
 
+    /// The scope of a user's command whose steps have titles of their own: several are gathered
+    /// into one step with this title, a single one stays what it is.
+    class OSSCORE_EXPORT Gathering
+    {
+    public:
+        explicit Gathering(const QString &title);
+        Gathering(const Gathering &) = delete;
+        Gathering &operator=(const Gathering &) = delete;
+        ~Gathering();
+
+    private:
+        std::size_t m_level = 0;
+    };
+
     /// Scope in which changes are not recorded: loading, closing, view state.
     class OSSCORE_EXPORT Pause
     {
@@ -68,6 +82,7 @@ public:
     /// False while a step is undone or redone and inside a Pause. Operations may skip the work of
     /// building a step then.
     bool isRecording() const;
+    /// Whether recorded changes wait for the rest of their step.
     bool isMacroOpen() const;
 
     bool canUndo() const;
@@ -98,13 +113,17 @@ Q_SIGNALS:
     void cleanChanged(bool clean);
     /// After every recorded, undone or redone step.
     void changed();
+    /// The same, each by itself.
+    void recorded(const QString &title);
+    void undone();
+    void redone();
 
 private:
     struct Macro;
     class PushedStep;
 
     OssUndoManager();
-    void openMacro(const QString &title, const QString &mergeKey);
+    Macro &openMacro(const QString &title, const QString &mergeKey);
     void closeMacro();
     void cancelMacros(std::size_t level);
     void store(std::unique_ptr<OssUndoStep> step);

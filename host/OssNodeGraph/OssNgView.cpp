@@ -1,5 +1,6 @@
 #include "OssNodeGraph/OssNgView.h"
 
+#include "OssCore/OssStatusManager.h"
 #include "OssNodeGraph/OssNgAccessible.h"
 #include "OssNodeGraph/OssNgEdge.h"
 #include "OssNodeGraph/OssNgGesture.h"
@@ -124,6 +125,8 @@ void OssNgView::setCursorTrackingMode(int mode)
 void OssNgView::toggleSnapToGrid()
 {
     m_snapToGrid = !m_snapToGrid;
+    OssStatusManager::instance()->showMessage(m_snapToGrid ? tr("Nodes snap to the grid")
+                                                           : tr("Nodes move freely"));
 }
 
 void OssNgView::setMinimapVisible(bool visible)

@@ -1,6 +1,7 @@
 #include "Ossa/BakeCommand.h"
 
 #include "Ossa/CommandLine.h"
+#include "Ossa/Interrupt.h"
 #include "OssCoreModules/Evaluation/OssEvaluationService.h"
 #include "OssCoreModules/Evaluation/OssPatchList.h"
 #include "OssCoreModules/Network/OssShaderNetwork.h"
@@ -15,23 +16,13 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 
-#include <atomic>
-#include <csignal>
 #include <cstdio>
 
 #include <unistd.h>
 
 namespace {
 
-constexpr int Interrupted = 130; // what shells give for Ctrl+C
 constexpr int BarWidth = 30;
-
-std::atomic<bool> g_interrupted{false};
-
-extern "C" void interrupt(int)
-{
-    g_interrupted = true;
-}
 
 QString tr(const char *text)
 {
@@ -157,7 +148,7 @@ int runBakeCommand(const BakeOptions &options)
     if (textures.isEmpty())
         return fail(
             tr("%1: there is no shader that is fed, and no node was named").arg(options.project));
-    std::signal(SIGINT, interrupt);
+    Interrupt::catchSignals();
     const Bar bar;
     OssEvaluationService *service = OssEvaluationService::instance();
     for (const Texture &texture : qAsConst(textures)) {
@@ -174,11 +165,11 @@ int runBakeCommand(const BakeOptions &options)
                                            + options.format);
         job.onProgress = [&](int done, int total) {
             bar.show(texture.name, done, total);
-            return !g_interrupted;
+            return !Interrupt::isRequested();
         };
         const OssResult baked = service->bake(job, path);
-        if (g_interrupted)
-            return Interrupted;
+        if (Interrupt::isRequested())
+            return Interrupt::ExitCode;
         if (!baked)
             return fail(texture.name + QStringLiteral(": ") + baked.error());
         for (const int patch : qAsConst(job.patches))

@@ -4,7 +4,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -74,8 +76,24 @@ CommandLine CommandLine::parse(int argc, const char *const *argv)
         ->check(CLI::IsMember({"exr", "png", "tif"}));
     bake->add_option("-o,--output", folder, "Folder for the images")->required();
 
+    std::string script;
+    std::string scriptProject;
+    CLI::App *run = app.add_subcommand("run", "Run a Python script, without a window");
+    run->add_option("SCRIPT", script, "Script (*.py)")->required();
+    run->add_option("PROJECT", scriptProject, "Project folder to open before the script starts");
+    run->footer("What follows -- is passed to the script.");
+
+    std::string stubs;
+    CLI::App *stub = app.add_subcommand("stubs", "Write type stubs for scripts (ossa.pyi)");
+    stub->add_option("-o,--output", stubs, "File to write; standard output when not given");
+
+    // The parser would take what follows -- for values of its own.
+    const int ownCount = int(std::find(argv, argv + argc, std::string_view("--")) - argv);
+    if (ownCount < argc && (argc < 2 || std::string_view(argv[1]) != "run"))
+        return answered(ExitCode::Usage, "ossa: only run takes -- (see ossa --help)");
+
     try {
-        app.parse(argc, const_cast<char **>(argv));
+        app.parse(ownCount, const_cast<char **>(argv));
     } catch (const CLI::CallForHelp &) {
         const auto chosen = app.get_subcommands();
         return answered(ExitCode::Success, (chosen.empty() ? &app : chosen.front())->help());
@@ -103,6 +121,16 @@ CommandLine CommandLine::parse(int argc, const char *const *argv)
         line.bake.format = QString::fromStdString(format);
         line.bake.folder = QString::fromLocal8Bit(folder.c_str());
         line.bake.project = QString::fromLocal8Bit(project.c_str());
+    }
+    if (run->parsed()) {
+        line.command = Run;
+        line.run.script = QString::fromLocal8Bit(script.c_str());
+        line.run.project = QString::fromLocal8Bit(scriptProject.c_str());
+        for (int i = ownCount + 1; i < argc; ++i)
+            line.run.arguments.append(QString::fromLocal8Bit(argv[i]));
+    } else if (stub->parsed()) {
+        line.command = Stubs;
+        output = stubs;
     }
     line.project = QString::fromLocal8Bit(project.c_str());
     line.output = QString::fromLocal8Bit(output.c_str());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Ossa/BakeCommand.h"
+#include "Ossa/Scripting/RunCommand.h"
 
 #include <QString>
 
@@ -12,6 +13,8 @@ struct CommandLine
         Graph,   ///< a picture of the project's node graph into the file `output`
         Info,    ///< what is in the project
         Bake,    ///< textures into files, as `bake` says
+        Run,     ///< a script, as `run` says
+        Stubs,   ///< types of the scripting module into the file `output`
         Answered ///< nothing to run: print `message` and end with `exitCode`
     };
 
@@ -19,11 +22,12 @@ struct CommandLine
     QString project;
     QString output;
     BakeOptions bake;
+    RunOptions run;
     QString message;
     int exitCode = 0;
 
     /// Commands that open no window.
-    bool isHeadless() const { return command == Graph || command == Info || command == Bake; }
+    bool isHeadless() const { return command != Window && command != Answered; }
 
     /// Never ends the program itself. Faulty use is Answered with ExitCode::Usage.
     static CommandLine parse(int argc, const char *const *argv);

@@ -1,8 +1,11 @@
 #include "Ossa/HostPalettes.h"
 
 #include "Ossa/HistoryPanel.h"
+#include "Ossa/ImagesPanel.h"
 #include "Ossa/LogPanel.h"
-#include "Ossa/ViewerPanel.h"
+#include "Ossa/NodeTypesPanel.h"
+#include "Ossa/Scripting/ConsolePanel.h"
+#include "Ossa/Viewer/ViewerPanel.h"
 #include "OssCore/OssIcon.h"
 #include "OssCoreModules/Interface/OssPalette.h"
 #include "OssCoreModules/Interface/OssPaletteManager.h"
@@ -29,6 +32,10 @@ void registerPalette(const char *name, const char *helpKey, const char *icon, QW
 void HostPalettes::registerAll()
 {
     registerPalette("Viewer", "viewer_palette", "Viewer.png", new ViewerPanel, true);
+    registerPalette("Images", "images_palette", "Images.png", new ImagesPanel, false);
+    registerPalette("Nodes", "nodes_palette", "NodeTypes.png", new NodeTypesPanel, false);
     registerPalette("History", "history_palette", "History.png", new HistoryPanel, false);
+    registerPalette("Script Console", "script_console_palette", "ScriptConsole.png",
+                    new ConsolePanel, false);
     registerPalette("Log", "log_palette", "Log.png", new LogPanel, false);
 }

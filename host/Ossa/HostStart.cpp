@@ -14,6 +14,7 @@
 #include "OssCoreModules/Network/OssShaderNetworkManager.h"
 #include "OssCoreModules/Project/OssProjectManager.h"
 #include "OssCoreModules/Script/OssScriptManager.h"
+#include "OssScripting/OssScriptEngine.h"
 
 void HostStart::start(PluginLoader *plugins)
 {
@@ -33,6 +34,7 @@ void HostStart::start(PluginLoader *plugins)
 
 void HostStart::shutdown()
 {
+    OssScriptEngine::instance()->shutdown();
     OssProjectManager::instance()->closeProject();
     OssShortcutManager::instance()->shutdown();
     OssPaletteManager::instance()->shutdown();

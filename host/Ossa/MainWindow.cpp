@@ -10,6 +10,7 @@
 #include "Ossa/PaletteDocks.h"
 #include "Ossa/ProjectCommands.h"
 #include "Ossa/RecentProjects.h"
+#include "Ossa/Scripting/ScriptCommands.h"
 #include "Ossa/StatusArea.h"
 #include "Ossa/Theme.h"
 #include "Ossa/WorkRecovery.h"
@@ -54,8 +55,9 @@ MainWindow::MainWindow()
     m_project = new ProjectCommands(this);
     m_recovery = new WorkRecovery(m_project, this); // owned by the window
     connect(m_recovery, &WorkRecovery::trouble, m_notifications, &NotificationBar::tell);
-    new EditCommands(this);  // owned by the window
-    new GroupCommands(this); // owned by the window
+    new EditCommands(this);   // owned by the window
+    new ScriptCommands(this); // owned by the window
+    new GroupCommands(this);  // owned by the window
     fileViewCommands();
     fileHelpCommands();
     new MainMenus(menuBar()); // owned by the menu bar

@@ -44,6 +44,7 @@ const Place places[] = {
     {"node_properties_palette", ads::BottomDockWidgetArea, "viewer_palette"},
     {"history_palette", ads::CenterDockWidgetArea, "node_properties_palette"},
     {"log_palette", ads::BottomDockWidgetArea, "node_graph_palette"},
+    {"script_console_palette", ads::CenterDockWidgetArea, "log_palette"},
 };
 
 Place placeOf(const OssPalette *palette)

@@ -45,8 +45,8 @@ int Session::run(const CommandLine &line, int &argc, char **argv)
     if (line.isHeadless() && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     if (!hasDisplay()) {
-        std::fprintf(stderr, "ossa: there is no display to open a window on (ossa graph, info and "
-                             "bake need none)\n");
+        std::fprintf(stderr, "ossa: there is no display to open a window on (ossa graph, info, "
+                             "bake and run need none)\n");
         return ExitCode::Failure;
     }
     QCoreApplication::setApplicationName(QStringLiteral("Ossa"));
@@ -67,6 +67,10 @@ int Session::run(const CommandLine &line, int &argc, char **argv)
         return runInfoCommand(line.project);
     case CommandLine::Bake:
         return runBakeCommand(line.bake);
+    case CommandLine::Run:
+        return runRunCommand(line.run);
+    case CommandLine::Stubs:
+        return runStubsCommand(line.output);
     case CommandLine::Window:
     case CommandLine::Answered:
         break;

@@ -50,6 +50,7 @@ QMenu::item:selected { background: @accentDeep; }
 QMenu::item:disabled { color: @disabled; background: transparent; }
 QMenu::separator { height: 1px; background: @line; margin: 5px 8px; }
 QMenu::icon { padding-left: 6px; }
+QMenu::right-arrow { image: url("@icons/Right.png"); width: 10px; height: 10px; right: 10px; }
 QMenu::indicator { width: 14px; height: 14px; left: 7px; }
 QMenu::indicator:checked { image: url("@icons/Check.png"); }
 
@@ -85,6 +86,7 @@ QToolButton {
 }
 QToolButton:hover { background: @raisedHover; }
 QToolButton:focus { border-color: @accent; }
+QToolButton:checked { background: @accentDeep; color: @text; }
 
 QCheckBox::indicator {
     width: 14px; height: 14px;

@@ -17,13 +17,15 @@ const QMap<QString, QStringList> &allowed()
         {QStringLiteral("host/OssNodeGraph"), {QStringLiteral("OssCore")}},
         {QStringLiteral("host/OssCoreModules"),
          {QStringLiteral("OssCore"), QStringLiteral("OssEvaluation")}},
+        {QStringLiteral("host/OssScripting"),
+         {QStringLiteral("OssCore"), QStringLiteral("OssCoreModules")}},
         {QStringLiteral("OssShaderNetworkNodeGraphViewContext"),
          {QStringLiteral("OssCore"), QStringLiteral("OssCoreModules"),
           QStringLiteral("OssNodeGraph"), QStringLiteral("ZelGL")}},
         {QStringLiteral("host/Ossa"),
          {QStringLiteral("OssCore"), QStringLiteral("OssCoreModules"),
           QStringLiteral("OssNodeGraph"), QStringLiteral("OssEvaluation"),
-          QStringLiteral("ZelGL")}},
+          QStringLiteral("OssScripting"), QStringLiteral("ZelGL")}},
     };
     return table;
 }
@@ -32,7 +34,8 @@ TEST(Layers, everyIncludeStaysWithinWhatTheLayerMayUse)
 {
     const QString root = qEnvironmentVariable("OSSA_ROOT");
     ASSERT_FALSE(root.isEmpty()) << "OSSA_ROOT names the source tree";
-    const QRegularExpression include(QStringLiteral("^\\s*#include \"(\\w+)/"),
+    // A folder inside the plug-in is included by its own name.
+    const QRegularExpression include(QStringLiteral("^\\s*#include \"(?!OssAPI/)(\\w+)/"),
                                      QRegularExpression::MultilineOption);
     int files = 0;
     for (auto layer = allowed().cbegin(); layer != allowed().cend(); ++layer) {

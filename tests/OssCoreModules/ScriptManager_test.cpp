@@ -2,14 +2,17 @@
 #include "OssCoreModules/Interface/OssActionTreeManager.h"
 #include "OssCoreModules/Interface/OssPalette.h"
 #include "OssCoreModules/Interface/OssPaletteManager.h"
+#include "OssCoreModules/Script/OssaApplication.h"
 #include "OssCoreModules/Script/OssaPalette.h"
 #include "OssCoreModules/Script/OssScriptError.h"
 #include "OssCoreModules/Script/OssScriptManager.h"
+#include "OssCoreModules/Script/OssScriptObjects.h"
 #include "ScriptTestObjects.h"
 
 #include <gtest/gtest.h>
 
 #include <QAction>
+#include <QCoreApplication>
 #include <QPointer>
 
 namespace {
@@ -20,6 +23,11 @@ const QString otherClass = QStringLiteral("Tests::OtherAPI");
 OssScriptManager *scripts()
 {
     return OssScriptManager::instance();
+}
+
+Ossa::Application *application()
+{
+    return OssScriptObject<Ossa::Application>(qApp);
 }
 
 class ScriptManager : public testing::Test
@@ -131,14 +139,14 @@ TEST_F(ScriptManager, paletteIsFoundWrappedAndReportsWhenGone)
     auto *palette = new OssPalette;
     palette->setObjectName(QStringLiteral("Tests"));
     OssPaletteManager::instance()->registerPalette(palette, true, QString());
-    auto *api = qobject_cast<Ossa::Palette *>(scripts()->palette(QStringLiteral("Tests")));
+    auto *api = application()->palette(QStringLiteral("Tests"));
     ASSERT_NE(api, nullptr);
     EXPECT_EQ(api->name(), QStringLiteral("Tests"));
     OssPaletteManager::instance()->shutdown();
     EXPECT_EQ(api->name(), QString());
     EXPECT_EQ(scripts()->lastError().type, OssScriptException::InternalObjectGone);
     scripts()->clearError();
-    EXPECT_EQ(scripts()->palette(QStringLiteral("Tests")), nullptr);
+    EXPECT_EQ(application()->palette(QStringLiteral("Tests")), nullptr);
     EXPECT_EQ(scripts()->lastError().type, OssScriptException::UnknownName);
 }
 
@@ -156,9 +164,10 @@ TEST_F(ScriptManager, commandsAreTriggeredByPath)
     int runs = 0;
     QObject::connect(&command, &QAction::triggered, [&runs] { ++runs; });
     OssActionTreeManager::instance()->registerAction(QStringLiteral("/Tests/Script"), &command);
-    EXPECT_TRUE(scripts()->triggerAction(QStringLiteral("Tests/Script/Run Me")));
+    application()->trigger(QStringLiteral("Tests/Script/Run Me"));
+    EXPECT_FALSE(scripts()->hasError());
     command.setEnabled(false);
-    EXPECT_FALSE(scripts()->triggerAction(QStringLiteral("/Tests/Script/Run Me")));
+    application()->trigger(QStringLiteral("/Tests/Script/Run Me"));
     EXPECT_EQ(scripts()->lastError().type, OssScriptException::NotAllowed);
     EXPECT_EQ(runs, 1);
 }

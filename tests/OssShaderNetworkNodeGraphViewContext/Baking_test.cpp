@@ -3,7 +3,9 @@
 #include "OssCoreModules/Images/OssImageSet.h"
 #include "OssCoreModules/Interface/OssApplication.h"
 #include "OssCoreModules/Layers/OssLayerShaderModelManager.h"
+#include "OssCoreModules/Network/OssShaderNetworkUtils.h"
 #include "OssCoreModules/Network/OssSnBakePointNode.h"
+#include "OssCoreModules/Project/OssShadingContext.h"
 
 #include <QDir>
 #include <QImage>
@@ -75,6 +77,29 @@ TEST_F(BakingTest, commandsBakeWhatTheyAreNamedAfter)
     EXPECT_FALSE(itemOf(m_bake)->hasMark(OssNgNode::Stale));
 }
 
+TEST_F(BakingTest, bakePointsInsideGroupsAreFoundAndBakedBeforeWhatTakesFromThem)
+{
+    auto *after = qobject_cast<OssSnBakePointNode *>(
+        m_network->createPaintableNode({900, 0}, QStringLiteral("Misc/Bake Point")));
+    after->imageSet()->setResolution(16);
+    wire(m_blur, after);
+    OssSnBaseNode *group = m_network->groupNodes({m_bake, m_blur});
+    ASSERT_NE(group, nullptr);
+    using Nodes = QList<OssSnBakePointNode *>;
+    EXPECT_EQ(OssShaderNetworkUtils::getUpstreamBakePointNodes({after}), Nodes{m_bake});
+    EXPECT_EQ(OssShaderNetworkUtils::getUpstreamBakePointNodes({group}), Nodes{m_bake});
+    EXPECT_EQ(OssShaderNetworkUtils::getDownstreamBakePointNodes({m_color}),
+              (Nodes{after, m_bake}));
+    select({after});
+    m_view->updateUpstreamBakePoints();
+    EXPECT_TRUE(m_bake->isBakedResultUpToDate());
+    EXPECT_FALSE(after->hasBakedResult());
+    m_color->setAttribute(QStringLiteral("Color"), QVariant::fromValue(OssColor(1.0, 0.0, 0.0)));
+    m_view->bakeEmptyAndUpdateOutOfDateBakePoints();
+    EXPECT_TRUE(m_bake->isBakedResultUpToDate());
+    EXPECT_TRUE(after->isBakedResultUpToDate());
+}
+
 TEST_F(BakingTest, commandsSayWhenThereIsNothingToBake)
 {
     select({});
@@ -105,6 +130,8 @@ TEST_F(BakingTest, aPaintNodeTakesThePlaceOfWhatWasBaked)
               QList<OssSnBaseNode *>{m_dot->inputNode(QStringLiteral("Input"))});
     EXPECT_TRUE(paint->imageSet()->name().startsWith(QStringLiteral("Node_Bake_")));
     EXPECT_EQ(paint->imageSet()->pixels().keys(), QList<int>{1001});
+    const QList<OssImageSet *> kept{m_bake->imageSet(), paint->imageSet()};
+    EXPECT_EQ(m_network->shadingContext()->imageSets(), kept) << "no empty ones are left";
     EXPECT_EQ(undoCount(), 1);
     expectItemsMatchModel();
     expectUndoIsExact(before);

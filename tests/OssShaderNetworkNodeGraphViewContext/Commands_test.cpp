@@ -128,6 +128,19 @@ TEST_F(CommandsTest, theCurrentMaterialIsOneProxyThatFollows)
     EXPECT_EQ(proxy->inputNodes(), QList<OssSnBaseNode *>{other});
     EXPECT_FALSE(
         layers->connectNodeToCurrentMaterialProxy(m_network, other, QStringLiteral("None"), {}));
+    OssSnGroupNode *group = m_network->groupNodes({other});
+    ASSERT_TRUE(layers->connectNodeToCurrentMaterialProxy(group->groupNetwork(), other,
+                                                          other->prefferedOutputPoint(), {}));
+    EXPECT_EQ(proxy->network(), group->groupNetwork());
+    expectItemsMatchModel();
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(proxy->network(), m_network);
+    expectItemsMatchModel();
+    m_network->moveCurrentViewerNodeToNetwork();
+    expectItemsMatchModel();
+    while (OssUndoManager::instance()->canUndo())
+        OssUndoManager::instance()->undo();
+    EXPECT_EQ(OssLayerManager::currentMaterialProxy(m_network), nullptr);
 }
 
 TEST_F(CommandsTest, severalOutputsAreOfferedInAMenu)
@@ -198,6 +211,15 @@ TEST_F(CommandsTest, swappingExchangesTheFirstTwoInputs)
     EXPECT_EQ(lastTitle(), QStringLiteral("Swap Inputs"));
     OssUndoManager::instance()->undo();
     EXPECT_EQ(m_merge->inputNode(QStringLiteral("Base")), m_color);
+    OssSnBaseNode *split = addAt("Channel/Split", {0, 400}); // none of its outputs is "Output"
+    wire(split, m_merge, "Over");
+    const QByteArray before = m_project->stateHash();
+    const int steps = undoCount();
+    select({m_merge});
+    m_view->swapInputs();
+    EXPECT_EQ(m_merge->inputNode(QStringLiteral("Over")), split) << "all or nothing";
+    EXPECT_EQ(m_project->stateHash(), before);
+    EXPECT_EQ(undoCount(), steps);
     select({});
     m_view->swapInputs();
     EXPECT_TRUE(logHas(QStringLiteral("More than one node selected for swap inputs.")));

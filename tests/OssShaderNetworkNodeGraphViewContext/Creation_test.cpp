@@ -14,6 +14,7 @@
 #include "OssCoreModules/Interface/OssApplication.h"
 #include "OssCoreModules/Network/OssSnBakePointNode.h"
 #include "OssCoreModules/Network/OssSnMultiChannelMergeNode.h"
+#include "OssCoreModules/Network/OssSnProducer.h"
 #include "OssCoreModules/Network/OssSnResultKey.h"
 #include "OssCoreModules/Project/OssGeoEntity.h"
 #include "OssNodeGraph/OssNgBackdropNode.h"
@@ -67,6 +68,21 @@ protected:
         return merge->attribute(QStringLiteral("BlendColorSpaceEnabled"))
             .value<OssUserEnum>()
             .currentValue();
+    }
+
+    /// A command of the graph on keys that texts and lists use too.
+    int bindCommand(QAction *command)
+    {
+        command->setShortcuts({QKeySequence(Qt::Key_Return), QKeySequence(Qt::Key_Down),
+                               QKeySequence(Qt::Key_Tab), QKeySequence(Qt::CTRL + Qt::Key_Return)});
+        command->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+        m_view->addAction(command);
+        m_view->window()->show();
+        QApplication::setActiveWindow(m_view->window());
+        m_view->setFocus();
+        QSignalSpy triggered(command, &QAction::triggered);
+        QTest::keyClick(m_view, Qt::Key_Down);
+        return triggered.count();
     }
 
     bool m_popups = true;
@@ -177,6 +193,21 @@ TEST_F(CreationTest, multiChannelMergesCarryAllStreams)
     m_view->swapInputs();
     EXPECT_EQ(merge->inputNode(QStringLiteral("Normal Base")), second);
     EXPECT_EQ(OssUndoManager::instance()->undoText(), QStringLiteral("Batch Swap Inputs"));
+
+    // Each stream goes on by itself where the merge is off or taken out.
+    const QString roughness = QStringLiteral("Roughness");
+    OssSnBaseNode *dot = addAt("Misc/Dot", {900, 0});
+    dot->setInputNode(QStringLiteral("Input"), merge, roughness);
+    merge->toggleDisable();
+    EXPECT_EQ(OssSnProducer::of(merge, roughness).outputPoint,
+              OssSnProducer::of(second, roughness).outputPoint);
+    EXPECT_FALSE(
+        itemOf(merge)->input(QStringLiteral("Roughness Base"))->hasMark(OssNgEdge::Bypassed));
+    m_network->extractNodes({merge}, true);
+    EXPECT_EQ(dot->inputNode(QStringLiteral("Input")), second);
+    EXPECT_EQ(dot->inputOutputPoint(QStringLiteral("Input")), roughness);
+    OssUndoManager::instance()->undo();
+    OssUndoManager::instance()->undo();
     merge->removeInput(QStringLiteral("Roughness Over"));
     EXPECT_EQ(itemOf(merge)->category(), QStringLiteral("MultiChannelInvalid"));
     OssUndoManager::instance()->undo();
@@ -223,6 +254,7 @@ TEST_F(CreationTest, mergesAboveBytePaintAreAskedAboutOnceAndAsThePreferenceSays
     wire(first, second, "Base");
     wire(mask, second, "Mask");
     wire(second, input);
+    ASSERT_NE(m_network->groupNodes({first}), nullptr); // which hides it from nothing
     OssShaderNetworkView::autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(input);
     EXPECT_EQ(blending(first), 0); // nobody to ask
     m_manager->setAutoUpdateUpstreamMergeNodeColorspaceEnabled(QStringLiteral("Leave"));
@@ -243,6 +275,9 @@ TEST_F(CreationTest, quickCreateRemembersWhatWasUsedLast)
     OssSettings settings;
     settings.remove(QStringLiteral("Node Graph/LastUsedNodePaths"));
     OssApplication::setPopupsAllowed(true);
+    QAction command;
+    ASSERT_EQ(bindCommand(&command), 1);
+    const QSignalSpy triggered(&command, &QAction::triggered);
     for (const char *typed : {"gauss", "brick", "gauss"}) {
         QTimer::singleShot(0, [typed] {
             QWidget *dialog = QApplication::activeModalWidget();
@@ -250,9 +285,11 @@ TEST_F(CreationTest, quickCreateRemembersWhatWasUsedLast)
             auto *field = dialog->findChild<QLineEdit *>();
             QTest::keyClicks(field, QString::fromLatin1(typed));
             QTest::keyClick(field, Qt::Key_Return);
+            dialog->close();
         });
         m_view->quickCreate();
     }
+    EXPECT_EQ(triggered.count(), 0) << "keys of a popup are its own";
     EXPECT_NE(m_network->node(QStringLiteral("Blur 2")), nullptr);
     EXPECT_EQ(
         settings.value(QStringLiteral("Node Graph/LastUsedNodePaths")).toStringList(),
@@ -264,6 +301,23 @@ TEST_F(CreationTest, quickCreateRemembersWhatWasUsedLast)
     EXPECT_TRUE(dialog.chosenPathKey().isEmpty());
     settings.remove(QStringLiteral("Node Graph/LastUsedNodePaths"));
     settings.remove(QStringLiteral("Node Graph/FavouriteNodePaths"));
+}
+
+TEST_F(CreationTest, aFoundNodeIsShownWhereverItStands)
+{
+    OssSnBaseNode *blur = addAt("Filter/Blur", {0, 0}, "Softener");
+    ASSERT_NE(m_network->groupNodes({blur}), nullptr);
+    OssApplication::setPopupsAllowed(true);
+    QTimer::singleShot(0, [] {
+        QWidget *dialog = QApplication::activeModalWidget();
+        ASSERT_NE(dialog, nullptr);
+        auto *field = dialog->findChild<QLineEdit *>();
+        QTest::keyClicks(field, QStringLiteral("soft"));
+        QTest::keyClick(field, Qt::Key_Return);
+    });
+    m_view->searchNodesAction();
+    EXPECT_EQ(m_manager->currentView()->network(), blur->network());
+    EXPECT_TRUE(blur->selected());
 }
 
 TEST_F(CreationTest, nodesAreFoundByNameTypeValueAndState)
@@ -285,6 +339,10 @@ TEST_F(CreationTest, nodesAreFoundByNameTypeValueAndState)
     const QString info = OssNodeInfoDialog::text({levels});
     EXPECT_TRUE(info.contains(QStringLiteral("Adjust/Levels")));
     EXPECT_TRUE(info.contains(QStringLiteral("/Softener . Output")));
+    const OssSnBaseNode *noise = add("Procedural/Noise/Fractal Noise");
+    EXPECT_FALSE(OssNodeInfoDialog::text({m_network->node(noise->name())})
+                     .contains(QStringLiteral("Kind: 0")))
+        << "a choice is told by its name";
 }
 
 // --- drops and texts in place
@@ -338,14 +396,19 @@ TEST_F(CreationTest, titlesAndNotesAreEditedWhereTheyStand)
     OssSnBaseNode *note = addAt("Misc/Sticky Note", {0, 0});
     m_view->centerOn(itemOf(note));
     OssUndoManager::instance()->clear();
+    QAction command;
+    ASSERT_EQ(bindCommand(&command), 1);
+    const QSignalSpy triggered(&command, &QAction::triggered);
     const QPoint place = m_view->mapFromScene(itemOf(note)->sceneBoundingRect().center());
     QTest::mouseDClick(m_view->viewport(), Qt::LeftButton, {}, place);
     auto *editor = m_view->viewport()->findChild<QPlainTextEdit *>();
     ASSERT_NE(editor, nullptr);
+    editor->setFocus();
     QTest::keyClicks(editor, QStringLiteral("Look here"));
     QTest::keyClick(editor, Qt::Key_Return, Qt::ControlModifier);
     EXPECT_EQ(note->attribute(QStringLiteral("Label")).toString(), QStringLiteral("Look here"));
     EXPECT_EQ(undoCount(), 1);
+    EXPECT_EQ(triggered.count(), 0) << "keys of a text are its own";
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QTest::mouseDClick(m_view->viewport(), Qt::LeftButton, {}, place);
     editor = m_view->viewport()->findChild<QPlainTextEdit *>();

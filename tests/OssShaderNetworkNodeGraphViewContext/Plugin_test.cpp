@@ -1,11 +1,14 @@
 #include "GraphFixture.h"
+#include "OssCoreModules/Dialogs/OssNodeTypeListModel.h"
 #include "OssCoreModules/Interface/OssActionTreeManager.h"
 #include "OssCoreModules/Network/OssSnNodeType.h"
-#include "OssShaderNetworkNodeGraphViewContextPlugin.h"
+#include "PluginUnderTest.h"
 
 #include <QAction>
+#include <QDropEvent>
 #include <QFile>
 #include <QJsonObject>
+#include <QMimeData>
 #include <QPluginLoader>
 
 namespace {
@@ -46,15 +49,7 @@ TEST(PluginFile, metadataNameInterfaceAndClassAndNothingElse)
 class PluginTest : public GraphFixture
 {
 protected:
-    static OssShaderNetworkNodeGraphViewContextPlugin *plugin()
-    {
-        static auto *object = [] {
-            auto *made = new OssShaderNetworkNodeGraphViewContextPlugin; // for the process
-            made->initialize();
-            return made;
-        }();
-        return object;
-    }
+    static OssShaderNetworkNodeGraphViewContextPlugin *plugin() { return pluginUnderTest(); }
 
     static QAction *action(const char *path)
     {
@@ -84,16 +79,35 @@ TEST_F(PluginTest, everyOfferedTypeHasOneCreationAction)
 TEST_F(PluginTest, creationActionsMakeASelectedNodeInOneStep)
 {
     plugin();
+    contextOf(m_network->viewerNode())->setNodePosition({3000, 3000});
     OssUndoManager::instance()->clear();
     action("/Ossa/NodeGraph/Create/Filter/Blur")->trigger();
     ASSERT_EQ(undoCount(), 1);
     const QList<OssSnBaseNode *> selected = m_network->selectedNodes();
     ASSERT_EQ(selected.size(), 1);
     EXPECT_EQ(selected.first()->pathKey(), QStringLiteral("Filter/Blur"));
+    EXPECT_EQ(itemOf(selected.first())->pos(), m_view->mapToScene(m_view->creationPoint()));
     // The focus is elsewhere, which is told.
     EXPECT_TRUE(logHas(QStringLiteral("fallback onto current nodegraph view")));
     QMetaObject::invokeMethod(plugin(), "createNodeFromAction");
     EXPECT_TRUE(logHas(QStringLiteral("Action is NULL")));
+}
+
+TEST_F(PluginTest, droppedNodeTypesAreMadeAsFromTheMenu)
+{
+    plugin();
+    OssNodeTypeListModel types;
+    types.setSearchText(QStringLiteral("blur"));
+    const std::unique_ptr<QMimeData> mime(types.mimeData({types.index(0)}));
+    OssUndoManager::instance()->clear();
+    QDragEnterEvent enter({50, 50}, Qt::CopyAction, mime.get(), Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(m_view->viewport(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop({50, 50}, Qt::CopyAction, mime.get(), Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(m_view->viewport(), &drop);
+    EXPECT_NE(m_network->node(QStringLiteral("Blur")), nullptr);
+    EXPECT_EQ(OssUndoManager::instance()->undoText(), QStringLiteral("Create Node : Blur"));
+    EXPECT_EQ(undoCount(), 1);
 }
 
 TEST_F(PluginTest, actionsReachTheView)

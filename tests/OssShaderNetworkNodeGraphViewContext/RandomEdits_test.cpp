@@ -1,4 +1,5 @@
 #include "GraphFixture.h"
+#include "OssCoreModules/Interface/OssApplication.h"
 #include "OssCoreModules/Network/OssShaderNetworkIO.h"
 #include "OssNodeGraph/OssNgBackdropNode.h"
 
@@ -19,6 +20,19 @@ protected:
         const char *name;
         std::function<bool()> run; ///< false: there was nothing it could be done to
     };
+
+    void SetUp() override
+    {
+        GraphFixture::SetUp();
+        m_popups = OssApplication::popupsAllowed();
+        OssApplication::setPopupsAllowed(false);
+    }
+
+    void TearDown() override
+    {
+        OssApplication::setPopupsAllowed(m_popups);
+        GraphFixture::TearDown();
+    }
 
     int below(int bound) { return int(m_random.bounded(quint32(bound))); }
 
@@ -181,6 +195,45 @@ protected:
         removeSome();
         macro.cancel();
         return true;
+    }
+
+    /// A command of the view on up to so many nodes that are selected.
+    bool command(const std::function<void()> &slot, int most = 4)
+    {
+        const QList<OssSnBaseNode *> nodes = m_network->nodes();
+        if (nodes.isEmpty() || m_network->getAllNodes().size() > 400)
+            return false;
+        m_view->scene()->clearSelection();
+        for (int i = below(most); i >= 0; --i)
+            nodes.at(below(nodes.size()))->setSelected(true);
+        slot();
+        m_network->setViewerNodeCurrentEdge(1, true); // no part of the history
+        return true;
+    }
+
+    QVector<Operation> commands()
+    {
+        const auto on = [this](void (OssShaderNetworkView::*slot)(), int most = 4) {
+            return [this, slot, most] {
+                return command([this, slot] { (m_view->*slot)(); }, most);
+            };
+        };
+        using View = OssShaderNetworkView;
+        return {
+            {"command delete", on(&View::deleteSelectedNodes, 2)},
+            {"command extract", on(&View::extractSelectedNode)},
+            {"command disable", on(&View::disableSelectedNodes)},
+            {"command bypass", on(&View::bypassSelectedNode)},
+            {"command swap", on(&View::swapInputs, 1)},
+            {"command cut", on(&View::cutNodesAction, 2)},
+            {"command copy", on(&View::copyNodesAction)},
+            {"command paste", on(&View::pasteNodesAction)},
+            {"command duplicate", on(&View::duplicateSelectedNodes)},
+            {"command merge", on(qOverload<>(&View::createMergeNode))},
+            {"command paint node", on(qOverload<>(&View::createPaintableNode))},
+            {"command bake point", on(qOverload<>(&View::createBakePointNode))},
+            {"command view", on(qOverload<>(&View::connectSelectedNodeToViewer), 1)},
+        };
     }
 
     QVector<Operation> operations()
@@ -354,18 +407,19 @@ protected:
     }
 
     QRandomGenerator m_random;
+    bool m_popups = true;
 };
 
 TEST_F(RandomEdits, undoRedoSaveAndOpenGiveTheIdenticalDocument)
 {
     constexpr int rounds = 8;
-    constexpr int steps = 400;
+    constexpr int steps = 500;
     const quint32 seed = qEnvironmentVariableIsSet("OSSA_SEED")
                              ? quint32(qEnvironmentVariableIntValue("OSSA_SEED"))
                              : QRandomGenerator::global()->generate() % 1000000;
     std::printf("OSSA_SEED=%u\n", seed);
     m_random.seed(seed);
-    const QVector<Operation> all = operations();
+    const QVector<Operation> all = operations() + commands();
     QMap<QByteArray, int> ran;
     for (int round = 0; round < rounds; ++round) {
         supply();

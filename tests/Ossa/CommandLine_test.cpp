@@ -41,11 +41,25 @@ TEST(CommandLineParsing, infoTakesAProject)
     EXPECT_EQ(line.project, QStringLiteral("wall.ossa"));
 }
 
+TEST(CommandLineParsing, runTakesAScriptPerhapsAProjectAndWhatIsTheScripts)
+{
+    const CommandLine line = parse({"run", "a.py", "wall.ossa", "--", "-x", "--help", "--", "b"});
+    EXPECT_EQ(line.command, CommandLine::Run);
+    EXPECT_EQ(line.run.script, QStringLiteral("a.py"));
+    EXPECT_EQ(line.run.project, QStringLiteral("wall.ossa"));
+    EXPECT_EQ(line.run.arguments.join(QLatin1Char(' ')), QStringLiteral("-x --help -- b"));
+    EXPECT_TRUE(line.isHeadless());
+    const CommandLine bare = parse({"run", "a.py", "--", "wall.ossa"});
+    EXPECT_TRUE(bare.run.project.isEmpty());
+    EXPECT_EQ(bare.run.arguments, QStringList{QStringLiteral("wall.ossa")});
+}
+
 TEST(CommandLineParsing, faultyUseIsAnsweredInOneLine)
 {
     const std::vector<std::vector<const char *>> faulty = {
         {"graph"}, {"graph", "wall.ossa"}, {"graph", "wall.ossa", "-o", "wall.bmp"},
         {"info"},  {"--no-such-option"},   {"one.ossa", "two.ossa"},
+        {"run"},   {"run", "--", "a"},     {"info", "wall.ossa", "--", "a"},
     };
     for (const auto &arguments : faulty) {
         const CommandLine line = parse(arguments);

@@ -247,10 +247,10 @@ TEST_F(Window, menusWithoutCommandsAreNotThere)
         });
     };
     EXPECT_TRUE(isShown("File"));
-    EXPECT_FALSE(isShown("Script"));
-    QAction script(QStringLiteral("Console"));
-    OssActionTreeManager::instance()->registerAction(QStringLiteral("/Ossa/Script/"), &script);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return isShown("Script"); }));
+    EXPECT_FALSE(isShown("Object"));
+    QAction command(QStringLiteral("Paint the Town"));
+    OssActionTreeManager::instance()->registerAction(QStringLiteral("/Ossa/Object/"), &command);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return isShown("Object"); }));
 }
 
 TEST_F(Window, graphCommandsThatNoMenuNamesAreStillInOne)

@@ -3,7 +3,7 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
-ProgramRun ProgramRun::of(const QStringList &arguments)
+ProgramRun ProgramRun::of(const QStringList &arguments, const QString &folder)
 {
     const QTemporaryDir settings;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -13,6 +13,7 @@ ProgramRun ProgramRun::of(const QStringList &arguments)
     environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), settings.path());
     QProcess program;
     program.setProcessEnvironment(environment);
+    program.setWorkingDirectory(folder);
     program.start(QStringLiteral(OSSA_PROGRAM), arguments);
     const bool ended = program.waitForFinished(60000)
                        && program.exitStatus() == QProcess::NormalExit;

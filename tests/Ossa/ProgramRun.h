@@ -10,5 +10,6 @@ struct ProgramRun
     QByteArray out;
     QByteArray err;
 
-    static ProgramRun of(const QStringList &arguments);
+    /// In the folder, or in the current one.
+    static ProgramRun of(const QStringList &arguments, const QString &folder = {});
 };

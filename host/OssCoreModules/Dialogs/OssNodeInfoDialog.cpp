@@ -1,6 +1,8 @@
 #include "OssCoreModules/Dialogs/OssNodeInfoDialog.h"
 
+#include "OssCore/OssUserEnum.h"
 #include "OssCore/OssValueText.h"
+#include "OssCoreModules/Images/OssImageSet.h"
 #include "OssCoreModules/Network/OssShaderNetwork.h"
 #include "OssCoreModules/Network/OssShaderNetworkIO.h"
 #include "OssCoreModules/Network/OssShaderNetworkUtils.h"
@@ -40,6 +42,33 @@ QString state(const OssSnBaseNode *node)
     return words.join(QStringLiteral(", "));
 }
 
+QString countOf(int nodes)
+{
+    return nodes == 1 ? tr("1 node") : tr("%1 nodes").arg(nodes);
+}
+
+QString valueOf(const OssCustomAttribute &attribute)
+{
+    const QVariant value = attribute.value();
+    return value.userType() == qMetaTypeId<OssUserEnum>() ? value.value<OssUserEnum>().currentName()
+                                                          : OssValueText::toText(value);
+}
+
+/// Name, size and extent of what a node keeps or reads.
+QString imagesOf(const OssSnBaseNode *node)
+{
+    const OssImageSet *images = OssShaderNetworkUtils::imageSetOf(node);
+    if (!images)
+        return {};
+    const int patches = images->pixels().size();
+    return tr("%1, %2 \u00d7 %2, %3")
+        .arg(images->name())
+        .arg(images->resolution())
+        .arg(patches == 0   ? tr("empty")
+             : patches == 1 ? tr("1 patch")
+                            : tr("%1 patches").arg(patches));
+}
+
 QString blockOf(OssSnBaseNode *node)
 {
     QStringList lines;
@@ -52,11 +81,11 @@ QString blockOf(OssSnBaseNode *node)
     addLine(&lines, tr("Error"), node->errorText());
     const int upstream = OssShaderNetworkUtils::getUpstreamNodes(node, true, true, false).size();
     const int downstream = OssShaderNetworkUtils::getDownstreamNodes(node, true, true).size();
-    addLine(&lines, tr("Takes from"), tr("%1 nodes").arg(upstream));
-    addLine(&lines, tr("Feeds"), tr("%1 nodes").arg(downstream));
+    addLine(&lines, tr("Takes from"), countOf(upstream));
+    addLine(&lines, tr("Feeds"), countOf(downstream));
     if (const auto *group = qobject_cast<OssSnGroupNode *>(node))
-        addLine(&lines, tr("Inside"),
-                tr("%1 nodes").arg(group->groupNetwork()->getAllNodes().size()));
+        addLine(&lines, tr("Inside"), countOf(group->groupNetwork()->getAllNodes().size()));
+    addLine(&lines, tr("Images"), imagesOf(node));
     addLine(&lines, tr("Size in a file"),
             QLocale().formattedDataSize(OssShaderNetworkIO::nodesToText({node}).size()));
     for (const OssSnBaseNode::InputPort &port : node->inputPorts()) {
@@ -67,7 +96,7 @@ QString blockOf(OssSnBaseNode *node)
     }
     const QVector<OssCustomAttribute> attributes = node->userAttributes();
     for (const OssCustomAttribute &attribute : attributes)
-        addLine(&lines, attribute.name(), OssValueText::toText(attribute.value()));
+        addLine(&lines, attribute.name(), valueOf(attribute));
     return lines.join(QLatin1Char('\n'));
 }
 

@@ -23,11 +23,17 @@ OssNodeQuickFindDialog::OssNodeQuickFindDialog(const QStringList &lastUsed,
     roles.explanation = OssNodeTypeListModel::DescriptionRole;
     roles.section = OssNodeTypeListModel::SectionRole;
     roles.favourite = OssNodeTypeListModel::FavouriteRole;
+    roles.color = OssNodeTypeListModel::ColorRole;
     list()->setItemDelegate(new OssSearchRowDelegate(roles, list()));
     list()->viewport()->installEventFilter(this);
     resize(qBound(260, viewSize.width() - 40, 420), qBound(200, viewSize.height() - 40, 460));
     if (const QWidget *viewport = parent)
         placeAt(viewport, position);
+}
+
+void OssNodeQuickFindDialog::setColors(std::function<QColor(const QString &)> colorOf)
+{
+    m_model->setColors(std::move(colorOf));
 }
 
 QStringList OssNodeQuickFindDialog::favourites() const

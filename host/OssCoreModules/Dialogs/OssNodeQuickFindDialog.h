@@ -2,7 +2,10 @@
 
 #include "OssCoreModules/Dialogs/OssSearchPopup.h"
 
+#include <QColor>
 #include <QStringList>
+
+#include <functional>
 
 class OssNodeTypeListModel;
 
@@ -18,6 +21,9 @@ public:
     OssNodeQuickFindDialog(const QStringList &lastUsed, const QStringList &favourites,
                            int shownLastUsed, const QPoint &position, const QSize &viewSize,
                            QWidget *parent = nullptr);
+
+    /// Shows beside each type the colour that its nodes bear.
+    void setColors(std::function<QColor(const QString &pathKey)> colorOf);
 
     /// Also what the user changed before leaving with Escape.
     QStringList favourites() const;

@@ -4,6 +4,8 @@
 #include "OssCoreModules/Network/OssShaderNetworkManager.h"
 #include "OssCoreModules/Network/OssSnNodeType.h"
 
+#include <QMimeData>
+
 #include <algorithm>
 
 namespace {
@@ -12,6 +14,8 @@ constexpr int NameBonus = 2000;
 constexpr int AliasBonus = 1000;
 
 } // namespace
+
+const QString OssNodeTypeListModel::MimeType = QStringLiteral("application/x-ossa-node-types");
 
 OssNodeTypeListModel::OssNodeTypeListModel(QObject *parent)
     : QAbstractListModel(parent)
@@ -50,6 +54,13 @@ void OssNodeTypeListModel::setFavourites(const QStringList &pathKeys)
 {
     m_favourites = pathKeys;
     rebuild();
+}
+
+void OssNodeTypeListModel::setColors(std::function<QColor(const QString &)> colorOf)
+{
+    m_colorOf = std::move(colorOf);
+    if (!m_rows.isEmpty())
+        Q_EMIT dataChanged(index(0), index(rowCount() - 1), {ColorRole});
 }
 
 void OssNodeTypeListModel::setSearchText(const QString &text)
@@ -156,7 +167,30 @@ QVariant OssNodeTypeListModel::data(const QModelIndex &index, int role) const
         return m_favourites.contains(type.pathKey);
     case SectionRole:
         return row.section;
+    case ColorRole:
+        return m_colorOf ? QVariant(m_colorOf(type.pathKey)) : QVariant();
     default:
         return {};
     }
+}
+
+Qt::ItemFlags OssNodeTypeListModel::flags(const QModelIndex &index) const
+{
+    const Qt::ItemFlags row = index.isValid() ? Qt::ItemIsDragEnabled : Qt::NoItemFlags;
+    return QAbstractListModel::flags(index) | row;
+}
+
+QStringList OssNodeTypeListModel::mimeTypes() const
+{
+    return {MimeType};
+}
+
+QMimeData *OssNodeTypeListModel::mimeData(const QModelIndexList &indexes) const
+{
+    QStringList keys;
+    for (const QModelIndex &index : indexes)
+        keys.append(index.data(PathKeyRole).toString());
+    auto *data = new QMimeData; // the drag takes it
+    data->setData(MimeType, keys.join(QLatin1Char('\n')).toUtf8());
+    return data;
 }

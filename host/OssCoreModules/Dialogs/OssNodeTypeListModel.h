@@ -3,8 +3,11 @@
 #include "OssCoreModules/OssCoreModules_export.h"
 
 #include <QAbstractListModel>
+#include <QColor>
 #include <QStringList>
 #include <QVector>
+
+#include <functional>
 
 /// The node types that can be made in a graph and fit a search text, best first: by name, by
 /// another name people know the thing by, by menu path. With an empty text the ones used last come
@@ -23,6 +26,9 @@ public:
         ColorRole    ///< of the type's category
     };
 
+    /// Mime type of drags: path keys, one in a line.
+    static const QString MimeType;
+
     explicit OssNodeTypeListModel(QObject *parent = nullptr);
 
     /// Path keys; keys of types that are not there are left out of the list, not forgotten.
@@ -31,11 +37,17 @@ public:
 
     QStringList favourites() const { return m_favourites; }
 
+    /// The colour that nodes of a path key bear in the graph.
+    void setColors(std::function<QColor(const QString &pathKey)> colorOf);
+
     void toggleFavourite(const QModelIndex &index);
     void setSearchText(const QString &text);
 
     int rowCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
+    Qt::ItemFlags flags(const QModelIndex &index) const override;
+    QStringList mimeTypes() const override;
+    QMimeData *mimeData(const QModelIndexList &indexes) const override;
 
 private:
     struct Type
@@ -63,5 +75,6 @@ private:
     QVector<Row> m_rows;
     QStringList m_lastUsed;
     QStringList m_favourites;
+    std::function<QColor(const QString &)> m_colorOf;
     QString m_text;
 };

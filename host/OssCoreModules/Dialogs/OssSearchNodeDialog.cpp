@@ -14,7 +14,7 @@ namespace {
 
 constexpr int MostRows = 500; ///< more than anybody reads; typing on is faster
 
-enum Role { NodeRole = Qt::UserRole, TypeRole, WhyRole };
+enum Role { NodeRole = Qt::UserRole, TypeRole, WhyRole, ColorRole };
 
 } // namespace
 
@@ -29,7 +29,15 @@ OssSearchNodeDialog::OssSearchNodeDialog(const QList<OssSnBaseNode *> &nodes, QW
     OssSearchRowDelegate::Roles roles;
     roles.place = TypeRole;
     roles.explanation = WhyRole;
+    roles.color = ColorRole;
     list()->setItemDelegate(new OssSearchRowDelegate(roles, list()));
+    search({});
+    list()->setCurrentIndex(m_model->index(0, 0));
+}
+
+void OssSearchNodeDialog::setColors(std::function<QColor(const QString &)> colorOf)
+{
+    m_colorOf = std::move(colorOf);
     search({});
     list()->setCurrentIndex(m_model->index(0, 0));
 }
@@ -69,6 +77,8 @@ void OssSearchNodeDialog::search(const QString &text)
         item->setData(row.node, NodeRole);
         item->setData(node->pathKey(), TypeRole);
         item->setData(row.why, WhyRole);
+        if (m_colorOf)
+            item->setData(m_colorOf(node->pathKey()), ColorRole);
         item->setAccessibleText(node->name() + QStringLiteral(", ") + row.why);
         m_model->appendRow(item);
     }

@@ -2,9 +2,12 @@
 
 #include "OssCoreModules/Dialogs/OssSearchPopup.h"
 
+#include <QColor>
 #include <QList>
 #include <QPointer>
 #include <QVector>
+
+#include <functional>
 
 class OssSnBaseNode;
 class QStandardItemModel;
@@ -17,6 +20,9 @@ class OSSCOREMODULES_EXPORT OssSearchNodeDialog : public OssSearchPopup
 public:
     explicit OssSearchNodeDialog(const QList<OssSnBaseNode *> &nodes, QWidget *parent = nullptr);
 
+    /// Shows beside each node the colour that nodes of its type bear.
+    void setColors(std::function<QColor(const QString &pathKey)> colorOf);
+
     /// Null when none was chosen, or it has died since.
     OssSnBaseNode *chosenNode() const;
 
@@ -25,5 +31,6 @@ protected:
 
 private:
     QVector<QPointer<OssSnBaseNode>> m_nodes;
+    std::function<QColor(const QString &)> m_colorOf;
     QStandardItemModel *m_model;
 };

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "OssCoreModules/OssCoreModules_export.h"
+
 #include <QStyledItemDelegate>
 
 /// A row of a search popup: a heading where a section begins, the name, where it belongs in a
 /// muted colour, a line of explanation, and a star for favourites.
-class OssSearchRowDelegate : public QStyledItemDelegate
+class OSSCOREMODULES_EXPORT OssSearchRowDelegate : public QStyledItemDelegate
 {
     Q_OBJECT
 

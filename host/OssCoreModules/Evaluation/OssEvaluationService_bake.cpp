@@ -1,8 +1,10 @@
 #include "OssCoreModules/Evaluation/OssEvaluationService.h"
 
 #include "OssCore/OssAtomicFile.h"
+#include "OssCoreModules/Images/OssCanvasManager.h"
 #include "OssCoreModules/Images/OssImageSet.h"
 #include "OssCoreModules/Images/OssPixelStore.h"
+#include "OssCoreModules/Network/OssShaderNetworkUtils.h"
 #include "OssEvaluation/Schedule/OssEvEngine.h"
 
 #include <QCoreApplication>
@@ -45,7 +47,13 @@ OssEvResult runAll(OssEvEngine *engine, std::vector<OssEvBake::Job> *bakes, OssE
 
 OssResult OssEvaluationService::prepare(const BakeJob &job, OssEvTarget *made)
 {
-    const OssSnEvaluationGraph graph = OssSnEvaluationGraph::of(job.node, job.outputPoint);
+    OssSnEvaluationGraph graph = OssSnEvaluationGraph::of(job.node, job.outputPoint);
+    if (OssCanvasWidget *canvas = OssCanvasManager::instance()->currentCanvas()) {
+        // Fresh paint is part of the picture.
+        for (const OssSnBaseNode *source : qAsConst(graph.sources))
+            canvas->handleBakeBehavior(OssShaderNetworkUtils::imageSetOf(source));
+        graph = OssSnEvaluationGraph::of(job.node, job.outputPoint);
+    }
     if (!graph.error.isEmpty())
         return OssResult::failure(graph.error);
     *made = target(graph, job.entity, 0, job.resolution);

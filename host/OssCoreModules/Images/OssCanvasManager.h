@@ -16,6 +16,9 @@ public:
     /// Not owned.
     void setCurrentCanvas(OssCanvasWidget *canvas) { m_current = canvas; }
 
+    /// Has the current canvas bake its paint, as before a document is written. Nothing without one.
+    OssResult bakePaint();
+
 private:
     OssCanvasManager() = default;
 

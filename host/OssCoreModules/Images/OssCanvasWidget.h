@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OssCore/OssResult.h"
 #include "OssCoreModules/OssCoreModules_export.h"
 
 #include <QWidget>
@@ -14,7 +15,12 @@ class OSSCOREMODULES_EXPORT OssCanvasWidget : public QWidget
 public:
     using QWidget::QWidget;
 
-    /// Writes what the paint buffer holds for the images into them before it returns. With an empty
+    /// Does what the user wants done with paint when its images are about to be read: as a rule
+    /// writes what the paint buffer holds for them into them before it returns. With an empty
     /// buffer, or for null, nothing happens.
     virtual void handleBakeBehavior(OssImageSet *images) = 0;
+
+    /// Writes whatever the paint buffer holds into its images, without a question, and returns when
+    /// that is done. One undo step; nothing when the buffer is empty. On failure the buffer keeps it.
+    virtual OssResult bakePaint() = 0;
 };

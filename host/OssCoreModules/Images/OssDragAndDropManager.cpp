@@ -1,13 +1,17 @@
 #include "OssCoreModules/Images/OssDragAndDropManager.h"
 
 #include "OssCore/OssUndoManager.h"
+#include "OssCoreModules/Dialogs/OssNodeTypeListModel.h"
 #include "OssCoreModules/Images/OssImage.h"
 #include "OssCoreModules/Images/OssImageList.h"
 #include "OssCoreModules/Images/OssImageManager.h"
+#include "OssCoreModules/Interface/OssActionTreeManager.h"
 #include "OssCoreModules/Network/OssShaderNetwork.h"
+#include "OssCoreModules/Network/OssShaderNetworkManager.h"
 #include "OssCoreModules/Network/OssSnBaseContext.h"
 #include "OssCoreModules/Network/OssSnBaseNode.h"
 
+#include <QAction>
 #include <QCoreApplication>
 #include <QGuiApplication>
 #include <QMimeData>
@@ -64,6 +68,21 @@ bool dropPictureFiles(const QMimeData *data, const QVariantMap &parameters)
     return made;
 }
 
+bool bringsNodeTypes(const QMimeData *data)
+{
+    return data && data->hasFormat(OssNodeTypeListModel::MimeType);
+}
+
+bool dropNodeTypes(const QMimeData *data, const QVariantMap &)
+{
+    const QStringList keys = QString::fromUtf8(data->data(OssNodeTypeListModel::MimeType))
+                                 .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    bool made = false;
+    for (const QString &key : keys)
+        made = OssDragAndDropManager::createNode(key) || made;
+    return made;
+}
+
 } // namespace
 
 OssDragAndDropManager *OssDragAndDropManager::instance()
@@ -75,6 +94,18 @@ OssDragAndDropManager *OssDragAndDropManager::instance()
 OssDragAndDropManager::OssDragAndDropManager()
 {
     registerHandler({OssImageManager::NodeGraphTarget, bringsPictureFiles, dropPictureFiles});
+    registerHandler({OssImageManager::NodeGraphTarget, bringsNodeTypes, dropNodeTypes});
+}
+
+bool OssDragAndDropManager::createNode(const QString &pathKey)
+{
+    const QString menuPath = OssShaderNetworkManager::instance()->nodeMenuPath(pathKey);
+    QAction *action = OssActionTreeManager::instance()->findAction(
+        QStringLiteral("/Ossa/NodeGraph/Create/") + menuPath);
+    if (menuPath.isEmpty() || !action)
+        return false;
+    action->trigger();
+    return true;
 }
 
 bool OssDragAndDropManager::acceptDragEnter(const QMimeData *data, int target) const

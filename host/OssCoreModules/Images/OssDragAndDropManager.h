@@ -33,6 +33,10 @@ public:
     /// "Position", a scene point.
     bool drop(const QMimeData *data, int target, const QVariantMap &parameters) const;
 
+    /// Makes a node of the type in the graph that the user works in, as its menu entry does: under
+    /// the pointer, or in the middle when that is elsewhere. False when there is no such entry.
+    static bool createNode(const QString &pathKey);
+
 private:
     OssDragAndDropManager();
 

@@ -73,7 +73,9 @@ void OssImageSet::setPixels(const QMap<int, QString> &pixels)
 
 bool OssImageSet::saveObjects(OssSerializer &serializer)
 {
-    for (auto at = m_pixels.cbegin(); at != m_pixels.cend(); ++at)
+    const bool isState = serializer.isCanonical() || m_unbakedPixels.isEmpty();
+    const QMap<int, QString> &pixels = isState ? m_pixels : m_unbakedPixels;
+    for (auto at = pixels.cbegin(); at != pixels.cend(); ++at)
         serializer.writeElement(PixelsElement,
                                 {{QStringLiteral("patch"), QString::number(at.key())},
                                  {QStringLiteral("file"), at.value()}});

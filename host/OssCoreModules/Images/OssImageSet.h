@@ -65,6 +65,11 @@ public:
     /// Undoable.
     void setPixels(const QMap<int, QString> &pixels);
 
+    /// Pixel files that also hold paint which is in no image yet, by patch; none when there is no
+    /// such paint. Documents that are written meanwhile, copies of unsaved work, name them instead of
+    /// pixels(). Not part of the state, and not undoable.
+    void setUnbakedPixels(const QMap<int, QString> &pixels) { m_unbakedPixels = pixels; }
+
     /// Of pixels that nothing was written to.
     OssColor fillColor() const { return m_fillColor; }
 
@@ -92,6 +97,7 @@ private:
     int m_resolution = 2048;
     QString m_fileSpace;
     QMap<int, QString> m_pixels;
+    QMap<int, QString> m_unbakedPixels;
     bool m_scalar = false;
     OssColor m_fillColor{0.0, 0.0, 0.0, 0.0};
 };

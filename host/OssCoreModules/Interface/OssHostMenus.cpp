@@ -127,6 +127,10 @@ const char *const viewMenu = R"(
     <
     /Ossa/NodeGraph/Toggle Snap to Grid
     -
+    > Viewer
+        /Ossa/Viewer/*
+    <
+    -
     /Ossa/View/*
 )";
 

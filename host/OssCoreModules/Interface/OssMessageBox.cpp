@@ -4,6 +4,7 @@
 #include "OssCoreModules/Interface/OssApplication.h"
 
 #include <QCheckBox>
+#include <QPainter>
 
 #include <cstdio>
 
@@ -17,6 +18,35 @@ struct Box
     bool *checked = nullptr;
 };
 
+/// In the colours of the interface; what a style brings along is made for light windows.
+QPixmap drawnIcon(QMessageBox::Icon icon, const QWidget &box)
+{
+    constexpr qreal side = 40.0;
+    const bool warns = icon == QMessageBox::Warning || icon == QMessageBox::Critical;
+    const qreal scale = box.devicePixelRatioF();
+    QPixmap pixmap(QSizeF(side * scale, side * scale).toSize());
+    pixmap.setDevicePixelRatio(scale);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QColor color = warns ? QColor(0xe0, 0xb3, 0x41) : box.palette().color(QPalette::Link);
+    painter.setPen(QPen(color, 2.5, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setBrush(QColor(color.red(), color.green(), color.blue(), 36));
+    if (warns)
+        painter.drawPolygon(QPolygonF({{20.0, 4.0}, {37.0, 34.5}, {3.0, 34.5}}));
+    else
+        painter.drawEllipse(QPointF(20.0, 20.0), 17.0, 17.0);
+    QFont font = box.font();
+    font.setPixelSize(20);
+    font.setBold(true);
+    painter.setFont(font);
+    const QString sign = warns                           ? QStringLiteral("!")
+                         : icon == QMessageBox::Question ? QStringLiteral("?")
+                                                         : QStringLiteral("i");
+    painter.drawText(QRectF(0.0, warns ? 4.0 : 0.0, side, side), Qt::AlignCenter, sign);
+    return pixmap;
+}
+
 OssMessageBox::Button ask(const Box &look, QWidget *parent, const QString &title,
                           const QString &text, OssMessageBox::Buttons buttons)
 {
@@ -27,6 +57,7 @@ OssMessageBox::Button ask(const Box &look, QWidget *parent, const QString &title
     }
     QMessageBox box(look.icon, title, text, buttons,
                     parent ? parent : OssApplication::mainWindow());
+    box.setIconPixmap(drawnIcon(look.icon, box));
     if (look.defaultButton != QMessageBox::NoButton)
         box.setDefaultButton(look.defaultButton);
     box.setEscapeButton(safe);

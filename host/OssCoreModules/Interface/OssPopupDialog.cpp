@@ -2,6 +2,7 @@
 
 #include "OssCoreModules/Interface/OssApplication.h"
 
+#include <QEvent>
 #include <QGuiApplication>
 #include <QScreen>
 
@@ -13,6 +14,16 @@ OssPopupDialog::OssPopupDialog(QWidget *parent)
 int OssPopupDialog::exec()
 {
     return OssApplication::popupsAllowed() ? QDialog::exec() : int(Rejected);
+}
+
+bool OssPopupDialog::event(QEvent *event)
+{
+    // To the shortcuts of its parent a popup is a part of it, so Return would be theirs.
+    if (event->type() == QEvent::ShortcutOverride) {
+        event->accept();
+        return true;
+    }
+    return QDialog::event(event);
 }
 
 void OssPopupDialog::showEvent(QShowEvent *event)

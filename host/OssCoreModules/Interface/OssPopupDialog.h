@@ -5,7 +5,8 @@
 #include <QDialog>
 
 /// A small frameless dialog that stands where it is moved to. Escape and a click outside reject it.
-/// Without a user exec() rejects at once.
+/// Its keys are its own, also where commands of what it stands on use them. Without a user exec()
+/// rejects at once.
 class OSSCOREMODULES_EXPORT OssPopupDialog : public QDialog
 {
     Q_OBJECT
@@ -17,6 +18,7 @@ public Q_SLOTS:
     int exec() override;
 
 protected:
+    bool event(QEvent *event) override;
     /// Moves the dialog so that all of it is on its screen.
     void showEvent(QShowEvent *event) override;
 };

@@ -37,20 +37,17 @@ bool OssLayerManager::connectNodeToCurrentMaterialProxy(OssShaderNetwork *networ
     const QString output = stream.isEmpty() ? outputPoint : stream;
     if (!network || !node || !node->hasOutputPoint(output))
         return false;
-    OssSnBaseNode *proxy = currentMaterialProxy(network);
-    {
-        const OssUndoManager::Pause pause;
-        if (!proxy)
-            proxy = network->createNode(ProxyKey);
-        else if (proxy->network() != network)
-            network->moveNodeHere(proxy);
-    }
-    OssSnBaseNode *viewer = proxy ? network->moveCurrentViewerNodeToNetwork() : nullptr;
-    if (!viewer)
-        return false;
-    const OssUndoManager::AutoMacro macro(
+    OssUndoManager::AutoMacro macro(
         QStringLiteral("View '%1' as Current Material").arg(node->name()));
-    if (!proxy->setInputNode(proxy->inputNames().first(), node, output))
-        return false;
-    return viewer->setInputNode(QStringLiteral("0"), proxy, proxy->prefferedOutputPoint());
+    OssSnBaseNode *proxy = currentMaterialProxy(network);
+    if (!proxy)
+        proxy = network->createNode(ProxyKey);
+    else if (proxy->network() != network)
+        network->moveNodeHereUndo(proxy);
+    OssSnBaseNode *viewer = proxy ? network->moveCurrentViewerNodeToNetwork() : nullptr;
+    if (viewer && proxy->setInputNode(proxy->inputNames().first(), node, output)
+        && viewer->setInputNode(QStringLiteral("0"), proxy, proxy->prefferedOutputPoint()))
+        return true;
+    macro.cancel();
+    return false;
 }

@@ -15,8 +15,8 @@ public:
     static OssLayerManager *instance();
 
     /// Makes an output of the node the current material of its object. `stream` names one stream of
-    /// a multi-channel node; empty means the output as it is. The wires are undoable, the proxy's
-    /// making and moving are not. False when there is nothing to connect.
+    /// a multi-channel node; empty means the output as it is. One undo step. False when there is
+    /// nothing to connect; then nothing changes.
     bool connectNodeToCurrentMaterialProxy(OssShaderNetwork *network, OssSnBaseNode *node,
                                            const QString &outputPoint, const QString &stream);
 

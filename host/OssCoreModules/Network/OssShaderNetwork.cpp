@@ -134,7 +134,7 @@ void OssShaderNetwork::nodeWasRenamed(OssSnBaseNode *node, const QString &oldNam
 OssSnBaseNode *OssShaderNetwork::insertNode(NodePointer node, int index)
 {
     OssSnBaseNode *inserted = node.get();
-    // One that comes back may find its name taken: the making of a viewer is no step.
+    // One that comes back may find its name taken: the moving of a viewer is no step.
     if (m_byName.contains(inserted->name()))
         inserted->applyName(generateUniqueNodeName(inserted->name()));
     inserted->setNetwork(this);

@@ -121,11 +121,11 @@ public:
     void setViewerNodeCurrentEdge(int edge, bool notify);
     /// The viewer of the object, wherever it stands; null when there is none.
     OssSnBaseNode *viewerNode() const;
-    /// Brings the object's viewer here, with its connections; makes one when there is none. Not
-    /// undoable.
+    /// Brings the object's viewer here, with its connections, which is not undoable; makes one when
+    /// there is none, which is.
     OssSnBaseNode *moveCurrentViewerNodeToNetwork();
-    /// Takes a node over from another network of the object, with its connections. Not undoable.
-    void moveNodeHere(OssSnBaseNode *node);
+    /// Takes a node over from another network of the object, with its connections.
+    void moveNodeHereUndo(OssSnBaseNode *node);
 
     // --- files
     bool saveObjects(OssSerializer &serializer) override;
@@ -161,6 +161,7 @@ private:
     OssSnBaseNode *insertNode(NodePointer node, int index);
     NodePointer takeNode(OssSnBaseNode *node, int *index);
     void registerNode(OssSnBaseNode *node);
+    void moveNodeHere(OssSnBaseNode *node);
     void relocate(const QList<OssSnBaseNode *> &nodes, OssShaderNetwork *target);
     void moveToPlaces(const QList<OssSnBaseNode *> &moved, const QVector<int> &places);
     void applyOrder(const QList<OssSnBaseNode *> &nodes);

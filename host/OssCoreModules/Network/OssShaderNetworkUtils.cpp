@@ -7,6 +7,7 @@
 #include "OssCoreModules/Network/OssSnBaseNode.h"
 #include "OssCoreModules/Network/OssSnGroupNode.h"
 #include "OssCoreModules/Network/OssSnImageSetNodeBase.h"
+#include "OssCoreModules/Network/OssSnMultiChannelGroupNode.h"
 
 #include <algorithm>
 
@@ -17,20 +18,16 @@ OssSnGroupNode *groupAround(const OssSnBaseNode *node, const QString &portTag)
     return node->hasTag(portTag) && node->network() ? node->network()->parentGroupNode() : nullptr;
 }
 
-/// Breadth first. `next` appends the neighbours of a node.
+/// Breadth first, from nodes that differ. `next` gives the neighbours of a node.
 template <class Next, class Visit>
-void walkFrom(OssSnBaseNode *start, Next next, Visit visit)
+void spread(QList<OssSnBaseNode *> open, Next next, Visit visit)
 {
-    if (!start)
-        return;
-    QSet<OssSnBaseNode *> seen{start};
-    QList<OssSnBaseNode *> open{start};
+    QSet<OssSnBaseNode *> seen(open.cbegin(), open.cend());
     for (int i = 0; i < open.size(); ++i) {
         OssSnBaseNode *node = open.at(i);
         visit(node);
-        QList<OssSnBaseNode *> neighbours;
-        next(node, &neighbours);
-        for (OssSnBaseNode *neighbour : qAsConst(neighbours)) {
+        const QList<OssSnBaseNode *> neighbours = next(node);
+        for (OssSnBaseNode *neighbour : neighbours) {
             if (neighbour && !seen.contains(neighbour)) {
                 seen.insert(neighbour);
                 open.append(neighbour);
@@ -39,11 +36,28 @@ void walkFrom(OssSnBaseNode *start, Next next, Visit visit)
     }
 }
 
+template <class Next>
+QList<OssSnBaseNode *> neighboursOf(const QList<OssSnBaseNode *> &nodes, Next next)
+{
+    QSet<OssSnBaseNode *> seen{nullptr};
+    QList<OssSnBaseNode *> found;
+    for (OssSnBaseNode *node : nodes) {
+        const QList<OssSnBaseNode *> neighbours = next(node);
+        for (OssSnBaseNode *neighbour : neighbours) {
+            if (!seen.contains(neighbour)) {
+                seen.insert(neighbour);
+                found.append(neighbour);
+            }
+        }
+    }
+    return found;
+}
+
 class UpstreamCollector final : public OssShaderNetworkUtils::OssNodeWalkerUpstream
 {
 public:
-    UpstreamCollector(bool leaveGroups, bool wholeGraph)
-        : OssNodeWalkerUpstream(leaveGroups)
+    UpstreamCollector(bool throughGroups, bool wholeGraph)
+        : OssNodeWalkerUpstream(throughGroups)
         , m_wholeGraph(wholeGraph)
     {
     }
@@ -65,8 +79,8 @@ private:
 class DownstreamCollector final : public OssShaderNetworkUtils::OssNodeWalkerDownstream
 {
 public:
-    DownstreamCollector(bool leaveGroups, bool wholeGraph)
-        : OssNodeWalkerDownstream(leaveGroups)
+    DownstreamCollector(bool throughGroups, bool wholeGraph)
+        : OssNodeWalkerDownstream(throughGroups)
         , m_wholeGraph(wholeGraph)
     {
     }
@@ -123,9 +137,11 @@ OssSnBaseNode *siblingAt(const OssSnBaseNode *node, int way)
 bool OssShaderNetworkUtils::setInputNodeBatchConnectable(OssSnBaseNode *node, const QString &input,
                                                          OssSnBaseNode *source,
                                                          const QString &outputPoint, bool record,
-                                                         bool notify, bool replace, bool batch)
+                                                         bool notify, bool acrossNetworks,
+                                                         bool batch)
 {
-    return node && node->connectInput(input, source, outputPoint, record, notify, replace, batch);
+    return node
+           && node->connectInput(input, source, outputPoint, record, notify, acrossNetworks, batch);
 }
 
 OssSnImageSetNodeBase *OssShaderNetworkUtils::asTrueImageSetNode(OssSnBaseNode *node)
@@ -152,44 +168,99 @@ bool OssShaderNetworkUtils::batchConnect(OssSnBaseNode *source, OssSnBaseNode *t
     return connected;
 }
 
+QList<OssSnBaseNode *> OssShaderNetworkUtils::OssNodeWalkerUpstream::next(OssSnBaseNode *node) const
+{
+    QList<OssSnBaseNode *> sources;
+    const auto follow = [&](const OssSnBaseNode *target, const OssSnBaseNode::InputPort &port) {
+        if (!port.source || !enters(target, port.name))
+            return;
+        sources.append(port.source);
+        const auto *group = m_throughGroups ? qobject_cast<OssSnGroupNode *>(port.source) : nullptr;
+        if (group)
+            sources.append(group->outputNodeInside(port.sourceOutput));
+    };
+    for (const OssSnBaseNode::InputPort &port : node->inputPorts())
+        follow(node, port);
+    if (m_throughGroups) {
+        if (const OssSnGroupNode *around = groupAround(node, QStringLiteral("_input"))) {
+            for (const OssSnBaseNode::InputPort &port : around->inputPorts()) {
+                if (port.name == node->name())
+                    follow(around, port);
+            }
+        }
+    }
+    return sources;
+}
+
+/// What makes the outputs of a group.
+QList<OssSnBaseNode *> OssShaderNetworkUtils::OssNodeWalkerUpstream::insideOf(
+    const OssSnBaseNode *node) const
+{
+    const auto *group = m_throughGroups ? qobject_cast<const OssSnGroupNode *>(node) : nullptr;
+    return group ? group->outputNodesInside() : QList<OssSnBaseNode *>();
+}
+
 void OssShaderNetworkUtils::OssNodeWalkerUpstream::walk(OssSnBaseNode *start)
 {
-    walkFrom(
-        start,
-        [this](OssSnBaseNode *node, QList<OssSnBaseNode *> *sources) {
-            for (const OssSnBaseNode::InputPort &port : node->inputPorts()) {
-                if (port.source && enters(node, port.name))
-                    sources->append(port.source);
-            }
-            const OssSnGroupNode *group = m_leaveGroups
-                                              ? groupAround(node, QStringLiteral("_input"))
-                                              : nullptr;
-            if (group && enters(group, node->name()))
-                sources->append(group->inputNode(node->name()));
-        },
+    if (!start)
+        return;
+    QList<OssSnBaseNode *> open{start};
+    open.append(insideOf(start));
+    spread(
+        open, [this](OssSnBaseNode *node) { return next(node); },
         [this](OssSnBaseNode *node) { visit(node); });
+}
+
+void OssShaderNetworkUtils::OssNodeWalkerUpstream::walkBeyond(const QList<OssSnBaseNode *> &starts)
+{
+    const auto sources = [this](OssSnBaseNode *node) {
+        return next(node);
+    };
+    QList<OssSnBaseNode *> all = starts;
+    for (const OssSnBaseNode *start : starts)
+        all.append(insideOf(start));
+    spread(neighboursOf(all, sources), sources, [this](OssSnBaseNode *node) { visit(node); });
+}
+
+QList<OssSnBaseNode *> OssShaderNetworkUtils::OssNodeWalkerDownstream::next(
+    OssSnBaseNode *node) const
+{
+    QList<OssSnBaseNode *> targets;
+    const auto follow = [&](const OssSnBaseNode *from, const QString &only) {
+        for (const OssSnBaseNode::OutgoingConnection &wire : from->outgoingConnections()) {
+            if ((!only.isEmpty() && wire.outputPoint != only) || !leaves(from, wire.outputPoint)
+                || !enters(wire.target, wire.input))
+                continue;
+            targets.append(wire.target);
+            const auto *group = m_throughGroups ? qobject_cast<OssSnGroupNode *>(wire.target)
+                                                : nullptr;
+            if (group)
+                targets.append(group->inputNodeInside(wire.input));
+        }
+    };
+    follow(node, {});
+    if (m_throughGroups) {
+        if (const OssSnGroupNode *around = groupAround(node, QStringLiteral("_output")))
+            follow(around, node->name());
+    }
+    return targets;
 }
 
 void OssShaderNetworkUtils::OssNodeWalkerDownstream::walk(OssSnBaseNode *start)
 {
-    walkFrom(
-        start,
-        [this](OssSnBaseNode *node, QList<OssSnBaseNode *> *targets) {
-            const auto follow = [&](const OssSnBaseNode *from, const QString &only) {
-                for (const OssSnBaseNode::OutgoingConnection &wire : from->outgoingConnections()) {
-                    if ((only.isEmpty() || wire.outputPoint == only)
-                        && leaves(from, wire.outputPoint) && enters(wire.target, wire.input))
-                        targets->append(wire.target);
-                }
-            };
-            follow(node, {});
-            const OssSnGroupNode *group = m_leaveGroups
-                                              ? groupAround(node, QStringLiteral("_output"))
-                                              : nullptr;
-            if (group)
-                follow(group, node->name());
-        },
-        [this](OssSnBaseNode *node) { visit(node); });
+    if (start)
+        spread(
+            {start}, [this](OssSnBaseNode *node) { return next(node); },
+            [this](OssSnBaseNode *node) { visit(node); });
+}
+
+void OssShaderNetworkUtils::OssNodeWalkerDownstream::walkBeyond(
+    const QList<OssSnBaseNode *> &starts)
+{
+    const auto targets = [this](OssSnBaseNode *node) {
+        return next(node);
+    };
+    spread(neighboursOf(starts, targets), targets, [this](OssSnBaseNode *node) { visit(node); });
 }
 
 QString OssShaderNetworkUtils::streamInput(const OssSnBaseNode *node)
@@ -208,21 +279,50 @@ QString OssShaderNetworkUtils::streamInput(const OssSnBaseNode *node)
     return first;
 }
 
+QString OssShaderNetworkUtils::streamInput(const OssSnBaseNode *node, const QString &outputPoint)
+{
+    if (qobject_cast<const OssSnMultiChannelGroupNode *>(node)) {
+        for (const QString &input : {OssLayerStreamUtils::baseInputName(outputPoint),
+                                     OssLayerStreamUtils::inputName(outputPoint)}) {
+            if (node->hasInput(input))
+                return node->inputNode(input) ? input : QString();
+        }
+    }
+    return streamInput(node);
+}
+
 QList<OssSnBaseNode *> OssShaderNetworkUtils::getUpstreamNodes(OssSnBaseNode *node,
-                                                               bool leaveGroups, bool wholeGraph,
+                                                               bool throughGroups, bool wholeGraph,
                                                                bool includeStart)
 {
-    UpstreamCollector collector(leaveGroups, wholeGraph);
+    UpstreamCollector collector(throughGroups, wholeGraph);
     collector.walk(node);
     return includeStart ? collector.found : collector.found.mid(1);
 }
 
 QList<OssSnBaseNode *> OssShaderNetworkUtils::getDownstreamNodes(OssSnBaseNode *node,
-                                                                 bool leaveGroups, bool wholeGraph)
+                                                                 bool throughGroups,
+                                                                 bool wholeGraph)
 {
-    DownstreamCollector collector(leaveGroups, wholeGraph);
+    DownstreamCollector collector(throughGroups, wholeGraph);
     collector.walk(node);
     return collector.found.mid(1);
+}
+
+QList<OssSnBaseNode *> OssShaderNetworkUtils::getUpstreamNodes(const QList<OssSnBaseNode *> &nodes,
+                                                               bool throughGroups, bool wholeGraph)
+{
+    UpstreamCollector collector(throughGroups, wholeGraph);
+    collector.walkBeyond(nodes);
+    return collector.found;
+}
+
+QList<OssSnBaseNode *> OssShaderNetworkUtils::getDownstreamNodes(
+    const QList<OssSnBaseNode *> &nodes, bool throughGroups, bool wholeGraph)
+{
+    DownstreamCollector collector(throughGroups, wholeGraph);
+    collector.walkBeyond(nodes);
+    return collector.found;
 }
 
 OssSnBaseNode *OssShaderNetworkUtils::nextSibling(const OssSnBaseNode *node)
@@ -237,16 +337,12 @@ OssSnBaseNode *OssShaderNetworkUtils::prevSibling(const OssSnBaseNode *node)
 
 QList<OssSnBaseNode *> OssShaderNetworkUtils::nodesBetween(const QList<OssSnBaseNode *> &nodes)
 {
-    QSet<OssSnBaseNode *> above;
-    QList<OssSnBaseNode *> below;
-    for (OssSnBaseNode *node : nodes) {
-        const QList<OssSnBaseNode *> up = getUpstreamNodes(node, false, true, false);
-        above.unite(QSet<OssSnBaseNode *>(up.cbegin(), up.cend()));
-        below.append(getDownstreamNodes(node, false, true));
-    }
+    const QList<OssSnBaseNode *> up = getUpstreamNodes(nodes, false, true);
+    const QSet<OssSnBaseNode *> above(up.cbegin(), up.cend());
+    const QList<OssSnBaseNode *> below = getDownstreamNodes(nodes, false, true);
     QList<OssSnBaseNode *> between;
     QSet<OssSnBaseNode *> seen(nodes.cbegin(), nodes.cend());
-    for (OssSnBaseNode *node : qAsConst(below)) {
+    for (OssSnBaseNode *node : below) {
         if (above.contains(node) && !seen.contains(node)) {
             seen.insert(node);
             between.append(node);

@@ -19,7 +19,8 @@ namespace OssShaderNetworkUtils {
 OSSCOREMODULES_EXPORT bool setInputNodeBatchConnectable(OssSnBaseNode *node, const QString &input,
                                                         OssSnBaseNode *source,
                                                         const QString &outputPoint, bool record,
-                                                        bool notify, bool replace, bool batch);
+                                                        bool notify, bool acrossNetworks,
+                                                        bool batch);
 
 /// The node as one with images of its own; null when it has none.
 OSSCOREMODULES_EXPORT OssSnImageSetNodeBase *asTrueImageSetNode(OssSnBaseNode *node);
@@ -49,13 +50,14 @@ OSSCOREMODULES_EXPORT QList<OssSnBakePointNode *> getDownstreamBakePointNodes(
 /// step; false when none does.
 OSSCOREMODULES_EXPORT bool batchConnect(OssSnBaseNode *source, OssSnBaseNode *target);
 
-/// Visits a node and everything it takes from, each once, nearest first; loops end. From a node
-/// that stands for a group's input it goes on with what feeds the group there, if asked to.
+/// Visits a node and everything it takes from, each once, nearest first; loops end. Through groups,
+/// if asked to: what makes the output of a group is visited as well as the group, and a node that
+/// stands for a group's input leads to what feeds the group there.
 class OSSCOREMODULES_EXPORT OssNodeWalkerUpstream
 {
 public:
-    explicit OssNodeWalkerUpstream(bool leaveGroups = false)
-        : m_leaveGroups(leaveGroups)
+    explicit OssNodeWalkerUpstream(bool throughGroups = false)
+        : m_throughGroups(throughGroups)
     {
     }
 
@@ -64,6 +66,8 @@ public:
     virtual ~OssNodeWalkerUpstream() = default;
 
     void walk(OssSnBaseNode *start);
+    /// Only what the nodes take from: one of them where another takes from it.
+    void walkBeyond(const QList<OssSnBaseNode *> &starts);
 
 protected:
     virtual void visit(OssSnBaseNode *node) = 0;
@@ -72,16 +76,18 @@ protected:
     virtual bool enters(const OssSnBaseNode *, const QString &) const { return true; }
 
 private:
-    bool m_leaveGroups;
+    QList<OssSnBaseNode *> next(OssSnBaseNode *node) const;
+    QList<OssSnBaseNode *> insideOf(const OssSnBaseNode *node) const;
+
+    bool m_throughGroups;
 };
 
-/// The same along what takes from a node. From a node that stands for a group's output it goes on
-/// with what the group feeds there.
+/// The same along what takes from a node.
 class OSSCOREMODULES_EXPORT OssNodeWalkerDownstream
 {
 public:
-    explicit OssNodeWalkerDownstream(bool leaveGroups = false)
-        : m_leaveGroups(leaveGroups)
+    explicit OssNodeWalkerDownstream(bool throughGroups = false)
+        : m_throughGroups(throughGroups)
     {
     }
 
@@ -90,6 +96,7 @@ public:
     virtual ~OssNodeWalkerDownstream() = default;
 
     void walk(OssSnBaseNode *start);
+    void walkBeyond(const QList<OssSnBaseNode *> &starts);
 
 protected:
     virtual void visit(OssSnBaseNode *node) = 0;
@@ -101,20 +108,32 @@ protected:
     virtual bool leaves(const OssSnBaseNode *, const QString &) const { return true; }
 
 private:
-    bool m_leaveGroups;
+    QList<OssSnBaseNode *> next(OssSnBaseNode *node) const;
+
+    bool m_throughGroups;
 };
 
 /// The input that carries on the stream of a node: the base of a merge, else the first connected
 /// preferred one, else the first connected one. Empty when there is none.
 OSSCOREMODULES_EXPORT QString streamInput(const OssSnBaseNode *node);
+/// The same for one output of a node: each output of a multi-channel node has a stream of its own.
+OSSCOREMODULES_EXPORT QString streamInput(const OssSnBaseNode *node, const QString &outputPoint);
 
 /// Everything the node takes from, resp. feeds; each once, nearest first. `wholeGraph` follows all
-/// wires, otherwise only the one stream that runs through the node. With `leaveGroups` the walk
-/// goes on in the network around.
-OSSCOREMODULES_EXPORT QList<OssSnBaseNode *> getUpstreamNodes(OssSnBaseNode *node, bool leaveGroups,
-                                                              bool wholeGraph, bool includeStart);
+/// wires, otherwise only the one stream that runs through the node. With `throughGroups` the walk
+/// goes on inside groups and in the network around.
+OSSCOREMODULES_EXPORT QList<OssSnBaseNode *> getUpstreamNodes(OssSnBaseNode *node,
+                                                              bool throughGroups, bool wholeGraph,
+                                                              bool includeStart);
 OSSCOREMODULES_EXPORT QList<OssSnBaseNode *> getDownstreamNodes(OssSnBaseNode *node,
-                                                                bool leaveGroups, bool wholeGraph);
+                                                                bool throughGroups,
+                                                                bool wholeGraph);
+/// Of all the nodes together, in one walk; one of them where another takes from it, resp. feeds it.
+OSSCOREMODULES_EXPORT QList<OssSnBaseNode *> getUpstreamNodes(const QList<OssSnBaseNode *> &nodes,
+                                                              bool throughGroups, bool wholeGraph);
+OSSCOREMODULES_EXPORT QList<OssSnBaseNode *> getDownstreamNodes(const QList<OssSnBaseNode *> &nodes,
+                                                                bool throughGroups,
+                                                                bool wholeGraph);
 
 /// Nodes that feed the same node are siblings, in the order of its inputs; where nothing follows,
 /// those fed by the same one, in the order in which they were wired. Null at either end.

@@ -92,17 +92,12 @@ OssResult bakeOne(OssSnBakePointNode *node, const std::function<bool(int, int)> 
     return {};
 }
 
-template <typename Walk>
-QList<OssSnBakePointNode *> bakePointsOf(const QList<OssSnBaseNode *> &nodes, Walk walk)
+QList<OssSnBakePointNode *> bakePointsAmong(const QList<OssSnBaseNode *> &nodes)
 {
     QList<OssSnBakePointNode *> found;
-    for (OssSnBaseNode *start : nodes) {
-        const QList<OssSnBaseNode *> met = walk(start);
-        for (OssSnBaseNode *node : met) {
-            OssSnBakePointNode *bakePoint = OssShaderNetworkUtils::asTrueBakePointNode(node);
-            if (bakePoint && !found.contains(bakePoint))
-                found.append(bakePoint);
-        }
+    for (OssSnBaseNode *node : nodes) {
+        if (OssSnBakePointNode *bakePoint = OssShaderNetworkUtils::asTrueBakePointNode(node))
+            found.append(bakePoint);
     }
     return found;
 }
@@ -150,13 +145,11 @@ OssResult OssShaderNetworkUtils::bakeBakePoints(const QList<OssSnBakePointNode *
 QList<OssSnBakePointNode *> OssShaderNetworkUtils::getUpstreamBakePointNodes(
     const QList<OssSnBaseNode *> &nodes)
 {
-    return bakePointsOf(
-        nodes, [](OssSnBaseNode *node) { return getUpstreamNodes(node, true, true, false); });
+    return bakePointsAmong(getUpstreamNodes(nodes, true, true));
 }
 
 QList<OssSnBakePointNode *> OssShaderNetworkUtils::getDownstreamBakePointNodes(
     const QList<OssSnBaseNode *> &nodes)
 {
-    return bakePointsOf(nodes,
-                        [](OssSnBaseNode *node) { return getDownstreamNodes(node, true, true); });
+    return bakePointsAmong(getDownstreamNodes(nodes, true, true));
 }

@@ -5,6 +5,7 @@
 #include "OssCoreModules/Images/OssImageSet.h"
 #include "OssCoreModules/Layers/OssLayerShaderModel.h"
 #include "OssCoreModules/Network/OssShaderNetworkManager.h"
+#include "OssCoreModules/Network/OssShaderNetworkUtils.h"
 #include "OssCoreModules/Network/OssSnBaseContext.h"
 #include "OssCoreModules/Network/OssSnBaseNode.h"
 #include "OssCoreModules/Network/OssSnGroupNode.h"
@@ -273,23 +274,22 @@ void OssShaderNetwork::extractNodes(const QList<OssSnBaseNode *> &nodes, bool)
 
 void OssShaderNetwork::extractNode(OssSnBaseNode *node)
 {
-    // What the body passes on comes in at the first connected preferred input, else at the first
-    // connected one.
-    OssSnBaseNode *source = nullptr;
-    QString point;
-    for (const OssSnBaseNode::InputPort &port : node->inputPorts()) {
-        if (port.source && (!source || port.preferred)) {
-            source = port.source;
-            point = port.sourceOutput;
-            if (port.preferred)
-                break;
-        }
+    struct Bridge
+    {
+        OssSnBaseNode::OutgoingConnection wire;
+        OssSnBaseNode *source;
+        QString outputPoint;
+    };
+
+    QVector<Bridge> bridges;
+    for (const OssSnBaseNode::OutgoingConnection &wire : node->outgoingConnections()) {
+        const QString input = OssShaderNetworkUtils::streamInput(node, wire.outputPoint);
+        bridges.append({wire, node->inputNode(input), node->inputOutputPoint(input)});
     }
-    const QVector<OssSnBaseNode::OutgoingConnection> wires = node->outgoingConnections();
     node->disconnectAll();
-    for (const OssSnBaseNode::OutgoingConnection &wire : wires) {
-        if (source)
-            wire.target->setInputNode(wire.input, source, point);
+    for (const Bridge &bridge : qAsConst(bridges)) {
+        if (bridge.source)
+            bridge.wire.target->setInputNode(bridge.wire.input, bridge.source, bridge.outputPoint);
     }
 }
 
@@ -297,16 +297,13 @@ void OssShaderNetwork::extractNode(OssSnBaseNode *node)
 
 OssSnBaseNode *OssShaderNetwork::moveCurrentViewerNodeToNetwork()
 {
-    const OssUndoManager::Pause pause;
     OssSnBaseNode *viewer = viewerNode();
-    if (!viewer) {
-        NodePointer made = makeNode(QStringLiteral("_System/Viewer"));
-        if (made->isPlaceholder())
-            return nullptr;
-        viewer = addNode(std::move(made), true);
-    } else if (viewer->network() != this) {
+    // The making is a step, or undoing the removal of the last viewer would bring back a second.
+    if (!viewer)
+        return createNode(QStringLiteral("_System/Viewer"));
+    const OssUndoManager::Pause pause;
+    if (viewer->network() != this)
         moveNodeHere(viewer);
-    }
     return viewer;
 }
 
@@ -317,4 +314,22 @@ void OssShaderNetwork::moveNodeHere(OssSnBaseNode *node)
     taken->m_name = generateUniqueNodeName(taken->name());
     insertNode(std::move(taken), -1);
     registerNode(node);
+}
+
+void OssShaderNetwork::moveNodeHereUndo(OssSnBaseNode *node)
+{
+    OssShaderNetwork *home = node->network();
+    const int place = home->nodes().indexOf(node);
+    const QString name = node->name();
+    moveNodeHere(node);
+    OssUndoManager::instance()->record(
+        tr("Move %1").arg(name),
+        [home, node, place, name] {
+            int index = -1;
+            NodePointer taken = node->network()->takeNode(node, &index);
+            taken->m_name = name;
+            home->insertNode(std::move(taken), place);
+            home->registerNode(node);
+        },
+        [this, node] { moveNodeHere(node); });
 }

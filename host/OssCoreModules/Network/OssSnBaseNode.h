@@ -246,10 +246,11 @@ public:
     /// Connects, replaces or (null source) disconnects. What cannot be connected is a debug line
     /// with the reason; then nothing changes and the answer is false.
     bool setInputNode(const QString &input, OssSnBaseNode *source, const QString &outputPoint);
-    /// The form that node kinds with inputs of their own override.
+    /// The form that node kinds with inputs of their own override. Unless `acrossNetworks`, the
+    /// source has to stand in the node's own network, also where the node could look into others.
     virtual bool connectInput(const QString &input, OssSnBaseNode *source,
-                              const QString &outputPoint, bool record, bool notify, bool replace,
-                              bool batch);
+                              const QString &outputPoint, bool record, bool notify,
+                              bool acrossNetworks, bool batch);
     /// Undoably, every wire at the node.
     void disconnectAll();
 

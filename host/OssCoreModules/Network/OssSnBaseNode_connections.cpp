@@ -91,9 +91,13 @@ bool OssSnBaseNode::setInputNode(const QString &input, OssSnBaseNode *source,
 }
 
 bool OssSnBaseNode::connectInput(const QString &input, OssSnBaseNode *source,
-                                 const QString &outputPoint, bool record, bool, bool replace, bool)
+                                 const QString &outputPoint, bool record, bool, bool acrossNetworks,
+                                 bool)
 {
-    const OssResult possible = canConnect(input, source, outputPoint);
+    OssResult possible = canConnect(input, source, outputPoint);
+    if (possible && source && !acrossNetworks && source->network() != m_network)
+        possible = OssResult::failure(
+            tr("\"%1\" and \"%2\" are in different networks").arg(source->name(), m_name));
     if (!possible) {
         OssDebug("OssSnBaseNode", __LINE__, "[ !! ] Cannot connect: %s",
                  qPrintable(possible.error()));
@@ -104,8 +108,6 @@ bool OssSnBaseNode::connectInput(const QString &input, OssSnBaseNode *source,
     const QString point = source ? outputPoint : QString();
     if (before.source == source && before.sourceOutput == point)
         return true;
-    if (before.source && source && !replace)
-        return false;
     applyConnection(index, source, point);
     if (record) {
         OssUndoManager::instance()->record(

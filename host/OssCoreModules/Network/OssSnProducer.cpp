@@ -38,7 +38,7 @@ bool step(OssSnProducer *at)
 {
     const OssSnBaseNode *node = at->node;
     if (!node->enabledAsBool() || node->isBypassed()) {
-        *at = feeding(node, OssShaderNetworkUtils::streamInput(node));
+        *at = feeding(node, OssShaderNetworkUtils::streamInput(node, at->outputPoint));
         return true;
     }
     if (const auto *group = qobject_cast<const OssSnGroupNode *>(node)) {

@@ -1,6 +1,7 @@
 #include "OssCoreModules/Project/OssProjectManager.h"
 
 #include "OssCore/OssUndoManager.h"
+#include "OssCoreModules/Images/OssCanvasManager.h"
 #include "OssCoreModules/Images/OssChannel.h"
 #include "OssCoreModules/Network/OssShaderNetwork.h"
 #include "OssCoreModules/Network/OssShaderNetworkManager.h"
@@ -153,6 +154,9 @@ OssResult OssProjectManager::saveProjectAs(const QString &path)
             tr("\"%1\" was written by a newer version and is open for looking only: save it under "
                "another name")
                 .arg(folder));
+    const OssResult baked = OssCanvasManager::instance()->bakePaint();
+    if (!baked)
+        return baked;
     const QString oldName = m_project->name();
     const bool rename = folder != m_project->path();
     if (rename)

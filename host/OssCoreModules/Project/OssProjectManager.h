@@ -40,7 +40,8 @@ public:
     /// Opens the copy of a project that was not saved as that project: modified, and saving goes to
     /// `path`, which is empty for one that never had a place.
     OssResult restoreProject(const QString &copy, const QString &path, bool readOnly);
-    /// Fails for a project that never had a path, and for one opened read-only.
+    /// Fails for a project that never had a path, for one opened read-only, and where paint that is
+    /// in no image yet cannot be baked.
     OssResult saveProject();
     OssResult saveProjectAs(const QString &path);
     /// Without a question: whoever calls has asked.

@@ -1,6 +1,7 @@
 #include "OssCoreModules/Project/OssShadingContext.h"
 
 #include "OssCore/OssUndoManager.h"
+#include "OssCoreModules/Images/OssChannel.h"
 #include "OssCoreModules/Images/OssImageSet.h"
 
 namespace {
@@ -25,6 +26,11 @@ OssImageSet *OssShadingContext::currentImageSet() const
 void OssShadingContext::setCurrentImageSet(OssImageSet *set)
 {
     m_currentImageSet = set;
+    if (!set || set->channel())
+        return;
+    auto *channel = new OssChannel(set->name(), this); // owned as a child
+    channel->setType(set->depth());
+    set->setChannel(channel);
 }
 
 OssImageSet *OssShadingContext::findImageSet(const QString &name) const
@@ -50,6 +56,18 @@ void OssShadingContext::addImageSet(OssImageSet *set)
     OssUndoManager::instance()->record(
         tr("Add Images %1").arg(set->name()), [this, set] { m_imageSets.removeOne(set); },
         [this, set] { m_imageSets.append(set); });
+}
+
+void OssShadingContext::removeImageSet(OssImageSet *set)
+{
+    const int place = m_imageSets.indexOf(set);
+    if (place < 0)
+        return;
+    m_imageSets.removeAt(place);
+    OssUndoManager::instance()->record(
+        tr("Remove Images %1").arg(set->name()),
+        [this, set, place] { m_imageSets.insert(place, set); },
+        [this, set] { m_imageSets.removeOne(set); });
 }
 
 QString OssShadingContext::freeImageSetName(const QString &base) const

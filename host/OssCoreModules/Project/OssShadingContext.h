@@ -21,12 +21,16 @@ public:
     OssGeoEntity *geoEntity() const { return m_entity; }
 
     OssImageSet *currentImageSet() const;
+    /// What is painted on; may be null. Images without a channel get one of this context, that has
+    /// their depth.
     void setCurrentImageSet(OssImageSet *set);
     /// Null when there is none of that name.
     OssImageSet *findImageSet(const QString &name) const;
     QList<OssImageSet *> imageSets() const;
     /// Takes ownership. Undoable; what was undone stays owned here.
     void addImageSet(OssImageSet *set);
+    /// Undoable; for images that no node has any more.
+    void removeImageSet(OssImageSet *set);
     /// `base` when it is free, else with the lowest free number.
     QString freeImageSetName(const QString &base) const;
 

@@ -1,12 +1,19 @@
 #pragma once
 
+#include "OssCoreModules/OssCoreModules_export.h"
+
+#include <QMetaType>
+#include <QObject>
 #include <QString>
 
 /// What a script is told when a call of it could not be carried out. Never thrown by C++ code: it
 /// is recorded with OssScriptManager, and whoever runs the script raises it in the script's own
 /// language once the call has returned.
-struct OssScriptException
+struct OSSCOREMODULES_EXPORT OssScriptException
 {
+    Q_GADGET
+
+public:
     enum Type {
         InternalObjectGone = 0, ///< the wrapped object does not exist any more
         WrongType = 1,
@@ -23,6 +30,7 @@ struct OssScriptException
         WrongState = 12,
         OutOfRange = 13
     };
+    Q_ENUM(Type)
 
     Type type = InternalObjectGone;
     QString source; ///< of the report, without folder

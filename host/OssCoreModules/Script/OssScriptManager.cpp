@@ -2,29 +2,13 @@
 
 #include "OssCore/OssDebug.h"
 #include "OssCoreModules/Interface/OssActionTreeManager.h"
-#include "OssCoreModules/Interface/OssPalette.h"
 #include "OssCoreModules/Interface/OssPaletteManager.h"
-#include "OssCoreModules/Script/OssaPalette.h"
-#include "OssCoreModules/Script/OssScriptError.h"
+#include "OssCoreModules/Script/OssaAPI.h"
+#include "OssCoreModules/Script/OssScriptClasses.h"
 
-#include <QAction>
 #include <QMetaObject>
 
 #include <utility>
-
-namespace {
-
-class PaletteAPIFactory final : public OssAPIFactory
-{
-public:
-    Ossa::API *create(QObject *internal) override { return new Ossa::Palette(internal); }
-
-    QString internalClassName() override { return QStringLiteral("OssPalette"); }
-
-    QString scriptClassName() override { return QStringLiteral("Ossa::Palette"); }
-};
-
-} // namespace
 
 OssScriptManager *OssScriptManager::instance()
 {
@@ -37,7 +21,7 @@ OssScriptManager::OssScriptManager()
     // Plug-ins register their commands and palettes there; both must outlive this object.
     OssActionTreeManager::instance();
     OssPaletteManager::instance();
-    registerAPIFactory(new PaletteAPIFactory); // owned by m_factories
+    OssScriptClasses::registerAll(this);
 }
 
 OssScriptManager::~OssScriptManager()
@@ -156,32 +140,15 @@ OssScriptManager::Run::~Run()
     --instance()->m_runs;
 }
 
-QObject *OssScriptManager::palette(const QString &name)
+void OssScriptManager::beginScript(const QString &title)
 {
-    OssPalette *found = OssPaletteManager::instance()->find(name);
-    if (!found) {
-        OssScriptError(OssScriptException::UnknownName, __FILE__, __LINE__,
-                       "There is no palette \"%s\"", qPrintable(name));
-        return nullptr;
-    }
-    return obtainAPI(found, QString());
+    m_undo.start(title);
 }
 
-bool OssScriptManager::triggerAction(const QString &path)
+void OssScriptManager::endScript()
 {
-    QAction *action = OssActionTreeManager::instance()->findAction(path);
-    if (!action) {
-        OssScriptError(OssScriptException::UnknownName, __FILE__, __LINE__,
-                       "There is no command \"%s\"", qPrintable(path));
-        return false;
-    }
-    if (!action->isEnabled()) {
-        OssScriptError(OssScriptException::NotAllowed, __FILE__, __LINE__,
-                       "The command \"%s\" is not available now", qPrintable(path));
-        return false;
-    }
-    action->trigger();
-    return true;
+    m_undo.finish();
+    Q_EMIT scriptEnded();
 }
 
 void OssScriptManager::dropInternal(QObject *internal)

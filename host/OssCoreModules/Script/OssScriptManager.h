@@ -3,6 +3,7 @@
 #include "OssCoreModules/OssCoreModules_export.h"
 #include "OssCoreModules/Script/OssAPIFactory.h"
 #include "OssCoreModules/Script/OssScriptException.h"
+#include "OssCoreModules/Script/OssScriptUndo.h"
 
 #include <QHash>
 #include <QObject>
@@ -58,6 +59,9 @@ public:
     /// Runners call this before a call and after having raised the error.
     void clearError();
 
+    /// What the running script leaves in the history.
+    OssScriptUndo &undo() { return m_undo; }
+
     /// While a script runs its errors are the runner's to tell, and are not logged.
     class OSSCOREMODULES_EXPORT Run
     {
@@ -68,15 +72,12 @@ public:
         ~Run();
     };
 
-public Q_SLOTS:
-    /// What scripts begin with: the script object of a palette, by the palette's name. Null, with
-    /// an error, if there is none.
-    QObject *palette(const QString &name);
-    /// Triggers a command of the action tree. False, with an error, if there is none or it is
-    /// disabled.
-    bool triggerAction(const QString &path);
+    /// A script begins, ends: opens and closes its undo step.
+    void beginScript(const QString &title);
+    void endScript();
 
 Q_SIGNALS:
+    void scriptEnded();
     void errorReported(const OssScriptException &error);
 
 private:
@@ -90,6 +91,7 @@ private:
     QHash<Key, Ossa::API *> m_registry;
     QSet<QObject *> m_owned; ///< script objects, by address: some are half destroyed when they go
     OssScriptException m_error;
+    OssScriptUndo m_undo;
     bool m_failed = false;
     int m_runs = 0;
 };

@@ -1,9 +1,6 @@
 #pragma once
 
-#include "OssCoreModules/OssCoreModules_export.h"
 #include "OssCoreModules/Script/OssaAPI.h"
-
-class OssPalette;
 
 namespace Ossa {
 
@@ -11,25 +8,26 @@ namespace Ossa {
 class OSSCOREMODULES_EXPORT Palette : public API
 {
     Q_OBJECT
+    Q_CLASSINFO("doc", "A palette of the window.")
+    Q_PROPERTY(QString name READ name)
+    Q_PROPERTY(QString title READ title)
+    Q_PROPERTY(bool visible READ isVisible)
+    Q_CLASSINFO("show", "Opens the palette and brings it to the front.")
 
 public:
     /// Wraps an OssPalette; reports any other object and stays empty.
     explicit Palette(QObject *palette);
 
-public Q_SLOTS:
     QString name() const;
     QString title() const;
     bool isVisible() const;
-    /// Opens the palette and brings it to the front.
+
+public Q_SLOTS:
     void show();
 
 protected:
     /// Binds nothing and reports nothing: derived classes do that.
     Palette() = default;
-
-private:
-    /// Null, and reported, when it is gone.
-    OssPalette *palette() const;
 };
 
 } // namespace Ossa

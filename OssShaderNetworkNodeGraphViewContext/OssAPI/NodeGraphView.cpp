@@ -1,0 +1,83 @@
+#include "OssAPI/NodeGraphView.h"
+
+#include "OssCoreModules/Network/OssShaderNetwork.h"
+#include "OssCoreModules/Script/OssaNodeGraph.h"
+#include "OssCoreModules/Script/OssScriptError.h"
+#include "OssCoreModules/Script/OssScriptManager.h"
+#include "OssShaderNetworkView.h"
+
+namespace Ossa {
+
+NodeGraphView::NodeGraphView(QObject *internal)
+{
+    if (qobject_cast<QGraphicsView *>(internal))
+        initAPI(internal);
+    else
+        OssScriptError(OssScriptException::ObjectUnavailable, __FILE__, __LINE__,
+                       "Invalid QGraphicsView object passed to %s().",
+                       "Ossa::NodeGraphView::NodeGraphView");
+}
+
+NodeGraphView::~NodeGraphView() = default;
+
+OssShaderNetworkView *NodeGraphView::view() const
+{
+    auto *wrapped = qobject_cast<QGraphicsView *>(internalObject());
+    if (!wrapped) {
+        OssScriptError(OssScriptException::InternalObjectGone, __FILE__, __LINE__,
+                       "Internal QGraphicsView object not valid");
+        return nullptr;
+    }
+    if (qstrcmp(wrapped->metaObject()->className(), "OssShaderNetworkView") != 0) {
+        OssScriptError(OssScriptException::ObjectUnavailable, __FILE__, __LINE__,
+                       "Cannot obtain the Node Graph view");
+        return nullptr;
+    }
+    return static_cast<OssShaderNetworkView *>(wrapped);
+}
+
+NodeGraph *NodeGraphView::nodeGraph() const
+{
+    const OssShaderNetworkView *shown = view();
+    OssShaderNetwork *network = shown ? shown->network() : nullptr;
+    if (!network)
+        return nullptr;
+    return qobject_cast<NodeGraph *>(
+        OssScriptManager::instance()->obtainAPI(network, QStringLiteral("Ossa::NodeGraph")));
+}
+
+float NodeGraphView::zoomLevel() const
+{
+    const OssShaderNetworkView *shown = view();
+    return shown ? float(shown->transform().mapRect(QRectF(0.0, 0.0, 1.0, 1.0)).width()) : 0.0F;
+}
+
+void NodeGraphView::setZoomLevel(float ZoomLevel)
+{
+    OssShaderNetworkView *shown = view();
+    if (!shown)
+        return;
+    const double now = shown->transform().mapRect(QRectF(0.0, 0.0, 1.0, 1.0)).width();
+    shown->zoomOut(now, QGraphicsView::AnchorViewCenter);
+    shown->zoomIn(double(ZoomLevel), QGraphicsView::AnchorViewCenter);
+}
+
+QPointF NodeGraphView::center() const
+{
+    const OssShaderNetworkView *shown = view();
+    return shown ? shown->mapToScene(shown->width() / 2, shown->height() / 2) : QPointF();
+}
+
+void NodeGraphView::setCenter(QPointF Center)
+{
+    if (OssShaderNetworkView *shown = view())
+        shown->centerOn(Center);
+}
+
+QPointF NodeGraphView::posFromGlobalPos(QPoint GlobalPos) const
+{
+    const OssShaderNetworkView *shown = view();
+    return shown ? shown->mapToScene(shown->mapFromGlobal(GlobalPos)) : QPointF();
+}
+
+} // namespace Ossa

@@ -1,0 +1,486 @@
+# Types of the module "ossa", for editors and type checkers. Made by "ossa stubs".
+from enum import IntEnum
+from typing import Any, Callable, ContextManager, NamedTuple, overload
+
+class ErrorType(IntEnum):
+    InternalObjectGone = 0
+    WrongType = 1
+    UnknownName = 2
+    ReadOnly = 3
+    NotSupported = 4
+    FileNotFound = 5
+    FileNotAccessible = 6
+    FileInvalid = 7
+    Cancelled = 8
+    NoProject = 9
+    NotAllowed = 10
+    ObjectUnavailable = 11
+    WrongState = 12
+    OutOfRange = 13
+
+
+class Error(Exception):
+    type: ErrorType
+    message: str
+
+class Point(NamedTuple):
+    x: float
+    y: float
+
+class Color(NamedTuple):
+    red: float
+    green: float
+    blue: float
+    alpha: float = ...
+
+class Signal:
+    def connect(self, function: Callable[..., Any]) -> None: ...
+    def disconnect(self, function: Callable[..., Any]) -> None: ...
+
+class Object: ...
+
+class _Progress:
+    cancelled: bool
+    def step(self, count: int = ...) -> None: ...
+
+def undoMacro(title: str) -> ContextManager[None]: ...
+def progress(title: str, total: int = ...) -> ContextManager[_Progress]: ...
+
+class Application(Object):
+    """The program. What it has can be called on the module itself."""
+    @property
+    def version(self) -> str: ...
+    def project(self) -> Project:
+        """The open project; None when there is none."""
+    @overload
+    def newProject(self, name: str, geometry: str) -> Project:
+        """Starts an empty project with one object, a plane, a sphere, a cube or a file. The open one is closed without saving it."""
+    @overload
+    def newProject(self, name: str) -> Project: ...
+    def openProject(self, path: str) -> Project:
+        """Opens a project folder. The open one is closed without saving it, but only when the other one can be opened."""
+    def graph(self) -> NodeGraph:
+        """The root graph of the current object; None without a project."""
+    def shownGraph(self) -> NodeGraph:
+        """The graph that the Node Graph palette shows."""
+    def nodeTypes(self) -> list[str]:
+        """Every type that can be made in a graph."""
+    def palettes(self) -> list[str]:
+        """Names of all palettes."""
+    def palette(self, name: str) -> Palette:
+        """By name; a palette that has a script class of its own comes as that."""
+    def actions(self) -> Actions:
+        """The commands of the program."""
+    def preferences(self) -> Preferences:
+        """The preferences."""
+    def undo(self) -> Undo:
+        """The history."""
+    def status(self) -> Progress:
+        """The progress in the status bar."""
+    def trigger(self, path: str) -> None:
+        """The same as actions().trigger(path)."""
+
+class Project(Object):
+    """A project. It is gone when another one is opened."""
+    @property
+    def name(self) -> str: ...
+    @property
+    def path(self) -> str:
+        """The folder NAME.ossa; empty before the project was ever saved."""
+    @property
+    def modified(self) -> bool: ...
+    @property
+    def readOnly(self) -> bool:
+        """A newer version wrote the project; it can only be looked at."""
+    def objects(self) -> list[GeoEntity]:
+        """The objects that are textured."""
+    def object(self, name: str) -> GeoEntity:
+        """By name; None when there is none."""
+    def createObject(self, name: str, geometry: str) -> GeoEntity:
+        """Adds an object with a root graph. Its geometry is 'plane', 'sphere', 'cube' or a file. Cannot be undone."""
+    def graphs(self) -> list[NodeGraph]:
+        """The root graphs of all objects."""
+    def images(self) -> list[Image]:
+        """The images of the image list."""
+    def addImage(self, path: str) -> Image:
+        """Adds an image file; '<UDIM>' stands for the patch's number."""
+    def save(self) -> None:
+        """Saves the project where it was opened."""
+    def saveAs(self, path: str) -> None:
+        """Saves the project as a folder NAME.ossa."""
+    def close(self) -> None:
+        """Closes the project without saving it."""
+    def stateHash(self) -> str:
+        """Equal for equal documents, however they came about."""
+
+class GeoEntity(Object):
+    """An object that is textured."""
+    @property
+    def name(self) -> str: ...
+    @name.setter
+    def name(self, value: str) -> None: ...
+    @property
+    def geometry(self) -> str:
+        """'plane', 'sphere', 'cube', or the file of the shape."""
+    @property
+    def geoChannels(self) -> list[str]:
+        """Names of the object's geo-channels."""
+    def patches(self) -> list[int]:
+        """The UDIM patches of the object, ascending."""
+    def graphs(self) -> list[NodeGraph]:
+        """The root graphs of the object."""
+    def imageSets(self) -> list[ImageSet]:
+        """The image sets of the object's shading."""
+    def imageSet(self, name: str) -> ImageSet:
+        """By name; None when there is none."""
+
+class NodeGraph(Object):
+    """A node graph: the root graph of an object, or the inside of a group."""
+    @property
+    def root(self) -> bool:
+        """False for the inside of a group."""
+    def rootGraph(self) -> NodeGraph:
+        """The outermost graph; itself for a root."""
+    def parentNode(self) -> Node:
+        """The group whose inside this is; None for a root."""
+    def object(self) -> GeoEntity:
+        """The object whose shading this is."""
+    def nodes(self) -> list[Node]:
+        """The nodes, without what is inside groups."""
+    def allNodes(self) -> list[Node]:
+        """The nodes, each followed by what is inside it."""
+    def nodesOfType(self, type: str) -> list[Node]:
+        """All nodes of a type, inside groups too."""
+    def node(self, name: str) -> Node:
+        """By name, or by path from this graph; None when there is none."""
+    def selectedNodes(self) -> list[Node]:
+        """The selected nodes of this graph."""
+    def select(self, nodes: list[Node]) -> None:
+        """Selects these nodes and no others."""
+    @overload
+    def createNode(self, type: str, name: str) -> Node:
+        """Makes a node of a type. Without a position it is placed freely."""
+    @overload
+    def createNode(self, type: str) -> Node: ...
+    @overload
+    def createNode(self, type: str, name: str, position: Point) -> Node: ...
+    @overload
+    def connect(self, source: Node, target: Node, input: str, output: str) -> None:
+        """Wires a source to an input of a target; without an input, to the one that a wire dropped on the node would go to."""
+    @overload
+    def connect(self, source: Node, target: Node, input: str) -> None: ...
+    @overload
+    def connect(self, source: Node, target: Node) -> None: ...
+    def remove(self, nodes: list[Node]) -> None:
+        """Removes nodes. What the graph cannot do without stays."""
+    def extract(self, nodes: list[Node]) -> None:
+        """Takes nodes out of their streams; what fed each feeds what it fed."""
+    @overload
+    def group(self, nodes: list[Node], name: str) -> Node:
+        """Puts nodes into a new group and returns it."""
+    @overload
+    def group(self, nodes: list[Node]) -> Node: ...
+    def ungroup(self, group: Node) -> list[Node]:
+        """Takes a group apart and returns what was inside."""
+    def duplicate(self, nodes: list[Node]) -> list[Node]:
+        """Copies of nodes, in their order, with the wires among them."""
+    def toText(self, nodes: list[Node]) -> str:
+        """Nodes as the text that the clipboard carries."""
+    def fromText(self, text: str) -> list[Node]:
+        """Adds the nodes of such a text."""
+    def exportNodes(self, nodes: list[Node], path: str) -> None:
+        """Writes nodes into a node file (*.ong)."""
+    def importNodes(self, path: str) -> list[Node]:
+        """Adds the nodes of a node file."""
+    @overload
+    def layout(self) -> None:
+        """Arranges nodes, or the whole graph, in columns."""
+    @overload
+    def layout(self, nodes: list[Node]) -> None: ...
+    def show(self) -> None:
+        """Shows the graph in the Node Graph palette."""
+    def viewer(self) -> Node:
+        """The viewer of the object; None when there is none."""
+    @overload
+    def view(self, node: Node, input: int) -> None:
+        """Shows what a node gives in the Viewer."""
+    @overload
+    def view(self, node: Node) -> None: ...
+    nodesChanged: Signal  # nodesChanged()
+    selectionChanged: Signal  # selectionChanged()
+
+class Node(Object):
+    """A node of a node graph."""
+    @property
+    def name(self) -> str:
+        """Unique in its graph; a taken name gets a number."""
+    @name.setter
+    def name(self, value: str) -> None: ...
+    @property
+    def path(self) -> str:
+        """Names from the root graph, as '/Group/Node'."""
+    @property
+    def type(self) -> str:
+        """As in nodeTypes(), for example 'Filter/Blur'."""
+    @property
+    def description(self) -> str: ...
+    @description.setter
+    def description(self, value: str) -> None: ...
+    @property
+    def enabled(self) -> bool: ...
+    @enabled.setter
+    def enabled(self, value: bool) -> None: ...
+    @property
+    def bypassed(self) -> bool: ...
+    @bypassed.setter
+    def bypassed(self, value: bool) -> None: ...
+    @property
+    def selected(self) -> bool: ...
+    @selected.setter
+    def selected(self, value: bool) -> None: ...
+    @property
+    def position(self) -> Point:
+        """Upper left corner in the graph's scene."""
+    @position.setter
+    def position(self, value: Point) -> None: ...
+    @property
+    def size(self) -> Point:
+        """Width and height in the scene. Only backdrops can be given one."""
+    @size.setter
+    def size(self, value: Point) -> None: ...
+    @property
+    def error(self) -> str:
+        """Why the node gives no picture; empty when it is well."""
+    @property
+    def inputs(self) -> list[str]: ...
+    @property
+    def outputs(self) -> list[str]: ...
+    @property
+    def attributes(self) -> list[str]: ...
+    def graph(self) -> NodeGraph:
+        """The graph that the node stands in."""
+    def inside(self) -> NodeGraph:
+        """The graph inside a group; None for other nodes."""
+    def showInside(self) -> None:
+        """Shows the inside of a group in the Node Graph palette."""
+    def remove(self) -> None:
+        """Removes the node from its graph."""
+    def inputNode(self, input: str) -> Node:
+        """What feeds an input; None when it is free."""
+    def inputOutput(self, input: str) -> str:
+        """The output that feeds an input; empty when it is free."""
+    @overload
+    def connectInput(self, input: str, source: Node, output: str) -> None:
+        """Wires an input to another node's first output, or the named one."""
+    @overload
+    def connectInput(self, input: str, source: Node) -> None: ...
+    def disconnectInput(self, input: str) -> None:
+        """Frees an input."""
+    def outputNodes(self) -> list[Node]:
+        """The nodes that this one feeds."""
+    def upstreamNodes(self) -> list[Node]:
+        """Everything that feeds the node, nearest first."""
+    def downstreamNodes(self) -> list[Node]:
+        """Everything that the node feeds, nearest first."""
+    def attribute(self, name: str) -> Any:
+        """Value of an attribute; of a menu, the chosen text."""
+    def setAttribute(self, name: str, value: Any) -> None:
+        """Sets an attribute; a menu by its text or number."""
+    def resetAttribute(self, name: str) -> None:
+        """Gives an attribute its default again."""
+    def attributeInfo(self, name: str) -> dict[str, Any]:
+        """What a panel knows of an attribute: type, default, range, menu."""
+    @overload
+    def createInput(self, name: str, kind: str) -> Node:
+        """Gives a group an input of a kind (color, scalar, vector, material, data) and returns the node inside that stands for it."""
+    @overload
+    def createInput(self, name: str) -> Node: ...
+    @overload
+    def createOutput(self, name: str, kind: str) -> Node:
+        """Gives a group an output and returns the node inside for it."""
+    @overload
+    def createOutput(self, name: str) -> Node: ...
+    def createKnob(self, node: Node, attribute: str) -> str:
+        """Makes an attribute of a node inside a group a knob of the group."""
+    def imageSet(self) -> ImageSet:
+        """The images that the node reads; None when it has none."""
+    @overload
+    def bake(self, path: str, resolution: int, patches: list[int]) -> list[str]:
+        """Writes a file for each patch and returns their paths. '<UDIM>' in the path stands for the patch; without patches all are written."""
+    @overload
+    def bake(self, path: str, resolution: int) -> list[str]: ...
+    @overload
+    def bake(self, path: str) -> list[str]: ...
+    def bakeImageSet(self) -> None:
+        """Bakes what feeds a bake point into its images."""
+    def upgrade(self) -> list[str]:
+        """Makes the node one of its type as it is installed now. What could not be kept is returned."""
+    renamed: Signal  # renamed(name: str)
+    attributeChanged: Signal  # attributeChanged(name: str)
+    inputChanged: Signal  # inputChanged(input: str)
+
+class Image(Object):
+    """An image of the project's image list."""
+    @property
+    def name(self) -> str:
+        """The file's name without its folder."""
+    @property
+    def path(self) -> str:
+        """Where patches have files of their own, '<UDIM>' stands for the number."""
+    @property
+    def category(self) -> str: ...
+    def patches(self) -> list[int]:
+        """The patches that have files now; 1001 alone for a single file."""
+
+class ImageSet(Object):
+    """The images of one texture, one for each UDIM patch."""
+    @property
+    def name(self) -> str: ...
+    @property
+    def resolution(self) -> int:
+        """Width and height of a patch in pixels."""
+    @property
+    def bits(self) -> int:
+        """Of each component: 8 for bytes, 16 for half, 32 for single precision."""
+    @property
+    def scalar(self) -> bool:
+        """The values are no colours: masks, heights."""
+    @property
+    def fillColor(self) -> Color:
+        """Of pixels that nothing was written to."""
+    def patches(self) -> list[int]:
+        """The patches that something was written to."""
+    pixelsChanged: Signal  # pixelsChanged()
+
+class Palette(Object):
+    """A palette of the window."""
+    @property
+    def name(self) -> str: ...
+    @property
+    def title(self) -> str: ...
+    @property
+    def visible(self) -> bool: ...
+    def show(self) -> None:
+        """Opens the palette and brings it to the front."""
+
+class Actions(Object):
+    """The commands of the program, by path."""
+    @overload
+    def paths(self, folder: str) -> list[str]:
+        """Of all commands, or of those below a folder."""
+    @overload
+    def paths(self) -> list[str]: ...
+    def exists(self, path: str) -> bool:
+        """Whether there is a command of that path."""
+    def isEnabled(self, path: str) -> bool:
+        """Whether the command can be used now."""
+    def isChecked(self, path: str) -> bool:
+        """Whether a command that is switched on and off is on."""
+    def trigger(self, path: str) -> None:
+        """Does what choosing the command in a menu does. No dialog opens: a question gets its usual answer."""
+
+class Preferences(Object):
+    """The preferences, by 'Page/Group/Label' as the dialog shows them."""
+    def names(self) -> list[str]:
+        """Of all preferences."""
+    def value(self, name: str) -> Any:
+        """What a preference is set to."""
+    def setValue(self, name: str, value: Any) -> None:
+        """Sets a preference."""
+    def reset(self, name: str) -> None:
+        """Gives a preference its default again."""
+    def choices(self, name: str) -> list[str]:
+        """The texts that a preference takes; empty when it takes any value."""
+
+class Undo(Object):
+    """The history. A script is one step, unless it opens macros of its own."""
+    @property
+    def count(self) -> int:
+        """Steps that were recorded before the running script."""
+    def texts(self) -> list[str]:
+        """Titles of the steps, the oldest first."""
+    def undo(self) -> None:
+        """Takes the last step back, also one of this script's."""
+    def redo(self) -> None:
+        """Does again what was undone last."""
+    def begin(self, title: str) -> None:
+        """Opens a macro; undoMacro() does it for a with statement."""
+    def end(self) -> None:
+        """Closes the macro that was opened last."""
+
+class Progress(Object):
+    """The progress in the status bar."""
+    @property
+    def cancelled(self) -> bool:
+        """The user wants the work stopped."""
+    def begin(self, title: str) -> None:
+        """Shows that work has begun; progress() does it for a with statement."""
+    def set(self, done: int, total: int) -> None:
+        """How much of how much is done."""
+    def end(self) -> None:
+        """The work that was begun last is over."""
+    def message(self, text: str) -> None:
+        """Shows a line in the status bar."""
+
+class NodeGraphPalette(Palette):
+    """The Node Graph palette. Tabs count from 0, which is the root graph's."""
+    def currentTabIndex(self) -> int:
+        """The tab that is shown."""
+    def setCurrentTabIndex(self, Index: int) -> None:
+        """Shows a tab."""
+    def closeTab(self, Index: int) -> None:
+        """Closes a tab."""
+    def nodeGraphViewList(self) -> list[NodeGraphView]:
+        """The views of all tabs, in their order."""
+    def nodeGraphView(self, TabIndex: int) -> NodeGraphView:
+        """The view of a tab; None where there is no such tab."""
+    def indexForNodeGraph(self, NodeGraphObject: NodeGraph) -> int:
+        """The tab that shows a graph; opens one when there is none."""
+
+class NodeGraphView(Object):
+    """A view of a node graph."""
+    def nodeGraph(self) -> NodeGraph:
+        """The graph that is shown."""
+    def zoomLevel(self) -> float:
+        """Pixels for each unit of the scene."""
+    def setZoomLevel(self, ZoomLevel: float) -> None:
+        """Zooms about the middle of the view."""
+    def center(self) -> Point:
+        """The place of the scene under the middle of the view."""
+    def setCenter(self, Center: Point) -> None:
+        """Shows a place of the scene in the middle."""
+    def posFromGlobalPos(self, GlobalPos: Point) -> Point:
+        """From the screen to the scene."""
+
+application: Application
+version: str
+
+def project() -> Project:
+    """The open project; None when there is none."""
+@overload
+def newProject(name: str, geometry: str) -> Project:
+    """Starts an empty project with one object, a plane, a sphere, a cube or a file. The open one is closed without saving it."""
+@overload
+def newProject(name: str) -> Project: ...
+def openProject(path: str) -> Project:
+    """Opens a project folder. The open one is closed without saving it, but only when the other one can be opened."""
+def graph() -> NodeGraph:
+    """The root graph of the current object; None without a project."""
+def shownGraph() -> NodeGraph:
+    """The graph that the Node Graph palette shows."""
+def nodeTypes() -> list[str]:
+    """Every type that can be made in a graph."""
+def palettes() -> list[str]:
+    """Names of all palettes."""
+def palette(name: str) -> Palette:
+    """By name; a palette that has a script class of its own comes as that."""
+def actions() -> Actions:
+    """The commands of the program."""
+def preferences() -> Preferences:
+    """The preferences."""
+def undo() -> Undo:
+    """The history."""
+def status() -> Progress:
+    """The progress in the status bar."""
+def trigger(path: str) -> None:
+    """The same as actions().trigger(path)."""

@@ -1,0 +1,164 @@
+#include "OssEvaluation/Paint/OssEvStroke.h"
+
+#include "OssEvaluation/Values/OssEvPatch.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr int Size = OssEvPaintTile::Size;
+constexpr double SmallestStep = 0.5; // texels
+
+OssEvRegion united(const OssEvRegion &a, const OssEvRegion &b)
+{
+    if (a.isEmpty() || b.isEmpty())
+        return a.isEmpty() ? b : a;
+    const int left = std::min(a.x, b.x);
+    const int top = std::min(a.y, b.y);
+    return {left, top, std::max(a.right(), b.right()) - left,
+            std::max(a.bottom(), b.bottom()) - top};
+}
+
+} // namespace
+
+float OssEvBrush::coverage(double distance) const
+{
+    const double edge = std::max(1.0, radius * (1.0 - hardness));
+    const double t = std::clamp((reach() - distance) / edge, 0.0, 1.0);
+    return float(t * t * (3.0 - 2.0 * t));
+}
+
+OssEvStroke::OssEvStroke(OssEvPaintBuffer *buffer, const OssEvBrush &brush,
+                         std::vector<int> patches)
+    : m_buffer(buffer)
+    , m_brush(brush)
+    , m_patches(std::move(patches))
+{
+}
+
+OssEvStroke::Areas OssEvStroke::moveTo(double u, double v, double pressure)
+{
+    const Point to{u, v, std::max(0.5, m_brush.radius * pressure)};
+    if (!m_last) {
+        dab(to);
+        m_toNext = std::max(SmallestStep, Spacing * to.radius);
+    } else {
+        const Point from = *m_last;
+        const double length = std::hypot(to.u - from.u, to.v - from.v) * m_buffer->resolution();
+        double done = m_toNext;
+        while (done <= length) {
+            const double t = done / length;
+            const Point at{from.u + (to.u - from.u) * t, from.v + (to.v - from.v) * t,
+                           from.radius + (to.radius - from.radius) * t};
+            dab(at);
+            m_toNext = std::max(SmallestStep, Spacing * at.radius);
+            done += m_toNext;
+        }
+        m_toNext = done - length;
+    }
+    m_last = to;
+
+    Areas areas;
+    for (auto &entry : m_touched) {
+        Touched &touched = entry.second;
+        if (touched.stale.isEmpty())
+            continue;
+        blend(&touched);
+        OssEvRegion area = touched.stale;
+        area.x += entry.first.x * Size;
+        area.y += entry.first.y * Size;
+        areas[entry.first.patch] = united(areas[entry.first.patch], area);
+        touched.stale = {};
+    }
+    return areas;
+}
+
+void OssEvStroke::dab(const Point &point)
+{
+    OssEvBrush brush = m_brush;
+    brush.radius = point.radius;
+    const double reach = brush.reach() / m_buffer->resolution();
+    for (const int patch : m_patches) {
+        const double u = point.u - OssEvPatch::column(patch);
+        const double v = point.v - OssEvPatch::row(patch);
+        if (u > -reach && u < 1.0 + reach && v > -reach && v < 1.0 + reach)
+            dabPatch(patch, u * m_buffer->resolution(), (1.0 - v) * m_buffer->resolution(), brush);
+    }
+}
+
+void OssEvStroke::dabPatch(int patch, double x, double y, const OssEvBrush &brush)
+{
+    const double reach = brush.reach();
+    const int resolution = m_buffer->resolution();
+    const int left = int(std::floor(x - reach));
+    const int top = int(std::floor(y - reach));
+    const OssEvRegion bounds = OssEvRegion{left, top, int(std::ceil(x + reach)) - left,
+                                           int(std::ceil(y + reach)) - top}
+                                   .intersected({0, 0, resolution, resolution});
+    if (bounds.isEmpty())
+        return;
+    for (int row = bounds.y / Size; row <= (bounds.bottom() - 1) / Size; ++row) {
+        for (int column = bounds.x / Size; column <= (bounds.right() - 1) / Size; ++column) {
+            const OssEvRegion part = bounds.intersected({column * Size, row * Size, Size, Size});
+            Touched &touched = touch({patch, column, row});
+            for (int py = part.y; py < part.bottom(); ++py) {
+                float *line = touched.coverage.data() + std::ptrdiff_t(py - row * Size) * Size;
+                for (int px = part.x; px < part.right(); ++px) {
+                    float &covered = line[px - column * Size];
+                    covered = std::max(covered,
+                                       brush.coverage(std::hypot(px + 0.5 - x, py + 0.5 - y)));
+                }
+            }
+            OssEvRegion stale = part;
+            stale.x -= column * Size;
+            stale.y -= row * Size;
+            touched.stale = united(touched.stale, stale);
+        }
+    }
+}
+
+OssEvStroke::Touched &OssEvStroke::touch(const OssEvPaintBuffer::Place &place)
+{
+    const auto found = m_touched.find(place);
+    if (found != m_touched.end())
+        return found->second;
+    Touched touched;
+    touched.before = m_buffer->tile(place);
+    touched.tile = touched.before ? std::make_shared<OssEvPaintTile>(*touched.before)
+                                  : std::make_shared<OssEvPaintTile>();
+    touched.coverage.resize(OssEvPaintTile::Texels);
+    m_buffer->setTile(place, touched.tile);
+    return m_touched.emplace(place, std::move(touched)).first->second;
+}
+
+void OssEvStroke::blend(Touched *touched) const
+{
+    const OssEvRegion &area = touched->stale;
+    const auto opacity = float(m_brush.opacity);
+    OssEvPaintTile::Texel brush{};
+    if (!m_brush.erases)
+        brush = {m_brush.color[0], m_brush.color[1], m_brush.color[2], 1.0F, 0.0F};
+    OssEvPaintTile::Texel bare{};
+    bare[OssEvPaintTile::Keep] = 1.0F;
+    for (int y = area.y; y < area.bottom(); ++y) {
+        for (int index = y * Size + area.x; index < y * Size + area.right(); ++index) {
+            const float alpha = opacity * touched->coverage[std::size_t(index)];
+            if (alpha <= 0.0F)
+                continue;
+            OssEvPaintTile::Texel texel = touched->before ? touched->before->texel(index) : bare;
+            for (std::size_t plane = 0; plane < texel.size(); ++plane)
+                texel[plane] = alpha * brush[plane] + (1.0F - alpha) * texel[plane];
+            touched->tile->setTexel(index, texel);
+        }
+    }
+}
+
+std::vector<OssEvStroke::Change> OssEvStroke::changes() const
+{
+    std::vector<Change> changes;
+    changes.reserve(m_touched.size());
+    for (const auto &entry : m_touched)
+        changes.push_back({entry.first, entry.second.before, entry.second.tile});
+    return changes;
+}

@@ -1,0 +1,222 @@
+#include "OssScripting/OssScriptCall.h"
+
+#include "OssCore/OssColor.h"
+#include "OssCore/OssUserEnum.h"
+#include "OssCoreModules/Script/OssScriptManager.h"
+#include "OssScripting/OssScriptHandle.h"
+
+#include <QMetaMethod>
+#include <QMetaProperty>
+#include <QPointF>
+#include <QSequentialIterable>
+#include <QSizeF>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int MostArguments = 10; // what the meta-object system carries
+
+OssScriptCall::Outcome failure(OssScriptException::Type type, const QString &message)
+{
+    OssScriptCall::Outcome outcome;
+    outcome.failed = true;
+    outcome.error.type = type;
+    outcome.error.message = message;
+    return outcome;
+}
+
+QObject *objectOf(const QVariant &value)
+{
+    return value.value<OssScriptHandle>().object;
+}
+
+QPointF pointOf(const QVariant &value)
+{
+    if (value.userType() == QMetaType::QPointF)
+        return value.toPointF();
+    const QVariantList numbers = value.toList();
+    return {numbers.value(0).toDouble(), numbers.value(1).toDouble()};
+}
+
+OssColor colorOf(const QVariant &value)
+{
+    if (value.userType() == qMetaTypeId<OssColor>())
+        return value.value<OssColor>();
+    const QVariantList numbers = value.toList();
+    return {numbers.value(0).toDouble(), numbers.value(1).toDouble(), numbers.value(2).toDouble(),
+            numbers.size() > 3 ? numbers.at(3).toDouble() : 1.0};
+}
+
+bool isDead(const QVariant &value)
+{
+    if (value.userType() == qMetaTypeId<OssScriptHandle>())
+        return value.value<OssScriptHandle>().object.isNull();
+    if (value.userType() != QMetaType::QVariantList)
+        return false;
+    const QVariantList entries = value.toList();
+    return std::any_of(entries.cbegin(), entries.cend(), isDead);
+}
+
+/// The plain value as the type of a parameter that it fits.
+QVariant asType(const QVariant &value, int type)
+{
+    switch (type) {
+    case QMetaType::QVariant:
+        return value;
+    case QMetaType::QPointF:
+        return pointOf(value);
+    case QMetaType::QPoint:
+        return pointOf(value).toPoint();
+    case QMetaType::QSizeF:
+        return QSizeF(pointOf(value).x(), pointOf(value).y());
+    case QMetaType::QSize:
+        return QSizeF(pointOf(value).x(), pointOf(value).y()).toSize();
+    case QMetaType::QColor:
+        return colorOf(value).toQColor();
+    default:
+        break;
+    }
+    if (type == qMetaTypeId<OssColor>())
+        return QVariant::fromValue(colorOf(value));
+    if (QMetaType::typeFlags(type).testFlag(QMetaType::PointerToQObject)) {
+        QObject *object = objectOf(value);
+        return {type, &object};
+    }
+    if (type == qMetaTypeId<QList<int>>()) {
+        QList<int> numbers;
+        const QVariantList entries = value.toList();
+        for (const QVariant &entry : entries)
+            numbers.append(entry.toInt());
+        return QVariant::fromValue(numbers);
+    }
+    QVariant converted = value;
+    if (value.userType() == QMetaType::QVariantList && type != QMetaType::QVariantList
+        && type != QMetaType::QStringList) {
+        QVariantList objects;
+        const QVariantList entries = value.toList();
+        for (const QVariant &entry : entries)
+            objects.append(QVariant::fromValue(objectOf(entry)));
+        converted = objects;
+    }
+    converted.convert(type);
+    return converted;
+}
+
+/// What the call just made has reported.
+OssScriptCall::Outcome finished(const QVariant &value)
+{
+    OssScriptManager *manager = OssScriptManager::instance();
+    OssScriptCall::Outcome outcome;
+    outcome.failed = manager->hasError();
+    outcome.error = manager->lastError();
+    manager->clearError();
+    if (!outcome.failed)
+        outcome.value = OssScriptCall::plain(value);
+    return outcome;
+}
+
+} // namespace
+
+QVariant OssScriptCall::plain(const QVariant &value)
+{
+    const int type = value.userType();
+    switch (type) {
+    case QMetaType::UnknownType:
+    case QMetaType::Void:
+    case QMetaType::Bool:
+    case QMetaType::Double:
+    case QMetaType::LongLong:
+    case QMetaType::QString:
+    case QMetaType::QPointF:
+        return value;
+    case QMetaType::Float:
+        return value.toDouble();
+    case QMetaType::QPoint:
+        return QPointF(value.toPoint());
+    case QMetaType::QSizeF:
+    case QMetaType::QSize:
+        return QPointF(value.toSizeF().width(), value.toSizeF().height());
+    case QMetaType::QColor:
+        return QVariant::fromValue(OssColor(value.value<QColor>()));
+    case QMetaType::QVariantMap: {
+        QVariantMap map = value.toMap();
+        for (QVariant &entry : map)
+            entry = plain(entry);
+        return map;
+    }
+    default:
+        break;
+    }
+    if (type == qMetaTypeId<OssColor>())
+        return value;
+    if (type == qMetaTypeId<OssUserEnum>())
+        return value.value<OssUserEnum>().currentName();
+    if (QMetaType::typeFlags(type).testFlag(QMetaType::PointerToQObject)) {
+        auto *api = qobject_cast<Ossa::API *>(value.value<QObject *>());
+        if (!api)
+            return {};
+        return QVariant::fromValue(OssScriptHandle{api, api->metaObject(), api});
+    }
+    if (value.canConvert<QVariantList>() && type != QMetaType::QByteArray) {
+        QVariantList list;
+        const auto entries = value.value<QSequentialIterable>();
+        for (const QVariant &entry : entries)
+            list.append(plain(entry));
+        return list;
+    }
+    if (value.canConvert<qlonglong>())
+        return value.toLongLong();
+    return value.toString();
+}
+
+OssScriptCall::Outcome OssScriptCall::call(const OssScriptHandle &target, int method,
+                                           const QVariantList &arguments)
+{
+    const QPointer<Ossa::API> object = target.object;
+    if (!object || std::any_of(arguments.cbegin(), arguments.cend(), isDead))
+        return failure(OssScriptException::InternalObjectGone,
+                       QStringLiteral("The script object is gone"));
+    const QMetaMethod slot = object->metaObject()->method(method);
+    QVariantList values;
+    for (int i = 0; i < arguments.size(); ++i)
+        values.append(asType(arguments.at(i), slot.parameterType(i)));
+    const int returnType = slot.returnType();
+    const bool returnsVariant = returnType == QMetaType::QVariant;
+    QVariant result;
+    if (returnType != QMetaType::Void && !returnsVariant)
+        result = QVariant(returnType, nullptr);
+    void *data[MostArguments + 1] = {};
+    if (returnsVariant)
+        data[0] = &result;
+    else if (returnType != QMetaType::Void)
+        data[0] = result.data();
+    for (int i = 0; i < values.size() && i < MostArguments; ++i)
+        data[i + 1] = slot.parameterType(i) == QMetaType::QVariant ? &values[i] : values[i].data();
+    OssScriptManager::instance()->clearError();
+    QMetaObject::metacall(object, QMetaObject::InvokeMetaMethod, method, data);
+    return finished(result);
+}
+
+OssScriptCall::Outcome OssScriptCall::property(const OssScriptHandle &target,
+                                               const QByteArray &name)
+{
+    if (!target.object)
+        return failure(OssScriptException::InternalObjectGone,
+                       QStringLiteral("The script object is gone"));
+    OssScriptManager::instance()->clearError();
+    return finished(target.object->property(name.constData()));
+}
+
+OssScriptCall::Outcome OssScriptCall::setProperty(const OssScriptHandle &target,
+                                                  const QByteArray &name, const QVariant &value)
+{
+    if (!target.object || isDead(value))
+        return failure(OssScriptException::InternalObjectGone,
+                       QStringLiteral("The script object is gone"));
+    const QMetaObject *type = target.object->metaObject();
+    const QMetaProperty property = type->property(type->indexOfProperty(name.constData()));
+    OssScriptManager::instance()->clearError();
+    property.write(target.object, asType(value, property.userType()));
+    return finished({});
+}

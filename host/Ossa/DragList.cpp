@@ -1,0 +1,27 @@
+#include "Ossa/DragList.h"
+
+#include <QDrag>
+#include <QIcon>
+#include <QMimeData>
+
+namespace {
+
+constexpr int PictureSide = 32;
+constexpr int BesidePointer = -14; // clear of the pointer, which stands on what is dropped on
+
+} // namespace
+
+void DragList::startDrag(Qt::DropActions actions)
+{
+    const QModelIndexList indexes = selectedIndexes();
+    if (indexes.isEmpty())
+        return;
+    auto *drag = new QDrag(this); // Qt deletes it
+    drag->setMimeData(model()->mimeData(indexes));
+    const auto picture = indexes.first().data(Qt::DecorationRole).value<QIcon>();
+    if (!picture.isNull()) {
+        drag->setPixmap(picture.pixmap(PictureSide));
+        drag->setHotSpot({BesidePointer, BesidePointer});
+    }
+    drag->exec(actions & Qt::CopyAction ? Qt::CopyAction : actions, Qt::CopyAction);
+}

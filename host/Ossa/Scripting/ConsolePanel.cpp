@@ -1,0 +1,167 @@
+#include "Ossa/Scripting/ConsolePanel.h"
+
+#include "Ossa/Scripting/ConsoleInput.h"
+#include "Ossa/Scripting/ScriptEcho.h"
+#include "Ossa/Theme.h"
+#include "OssCore/OssSettings.h"
+#include "OssCore/OssStatusManager.h"
+#include "OssCoreModules/Interface/OssActionTreeManager.h"
+#include "OssScripting/OssScriptEngine.h"
+
+#include <QAction>
+#include <QFontDatabase>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QTextCursor>
+
+namespace {
+
+constexpr int MostLines = 10000;
+const QString historyKey = QStringLiteral("ScriptConsole/History");
+const QString runFileCommand = QStringLiteral("/Ossa/Script/Run File...");
+const QString echoKey = QStringLiteral("ScriptConsole/Echo");
+
+/// ">>> " before the first line, "... " before the others.
+QString withPrompts(const QString &text)
+{
+    QString lines = text;
+    lines.replace(QLatin1Char('\n'), QLatin1String("\n... "));
+    return QStringLiteral(">>> ") + lines + QLatin1Char('\n');
+}
+
+} // namespace
+
+ConsolePanel::ConsolePanel(QWidget *parent)
+    : QWidget(parent)
+    , m_output(new QPlainTextEdit(this))
+    , m_input(new ConsoleInput(this))
+    , m_state(new QLabel(this))
+    , m_run(new QPushButton(tr("Run File..."), this))
+    , m_stop(new QPushButton(tr("Stop"), this))
+    , m_echo(new ScriptEcho(this))
+{
+    m_output->setReadOnly(true);
+    m_output->setMaximumBlockCount(MostLines);
+    m_output->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    m_output->setAccessibleName(tr("Script output"));
+    m_output->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(8, 8, 8, 8);
+    layout->addWidget(makeBar());
+    layout->addWidget(m_output, 1);
+    layout->addWidget(m_input);
+    setFocusProxy(m_input);
+
+    OssScriptEngine *engine = OssScriptEngine::instance();
+    connect(engine, &OssScriptEngine::started, this, &ConsolePanel::onStarted);
+    connect(engine, &OssScriptEngine::finished, this, &ConsolePanel::onFinished);
+    connect(engine, &OssScriptEngine::outputWritten, this, [this](const QString &text, bool error) {
+        append(text, error ? Theme::warningText() : palette().color(QPalette::Text));
+    });
+    connect(engine, &OssScriptEngine::inputIncomplete, m_input, &ConsoleInput::continueLine);
+    connect(engine, &OssScriptEngine::completed, m_input, &ConsoleInput::offer);
+    connect(m_input, &ConsoleInput::completionWanted, engine, &OssScriptEngine::complete);
+    connect(m_input, &ConsoleInput::submitted, this, &ConsolePanel::submit);
+    connect(m_echo, &ScriptEcho::line, this,
+            [this](const QString &text) { append(text + QLatin1Char('\n'), Theme::mutedText()); });
+    m_input->setHistory(OssSettings().value(historyKey).toStringList());
+}
+
+ConsolePanel::~ConsolePanel() = default;
+
+QWidget *ConsolePanel::makeBar()
+{
+    auto *bar = new QWidget(this);
+    auto *clear = new QPushButton(tr("Clear"), bar);
+    auto *echo = new QPushButton(tr("Echo Edits"), bar);
+    echo->setCheckable(true);
+    echo->setToolTip(tr("Show what is done by hand as script lines that do the same"));
+    m_run->setToolTip(tr("Run a Python file as a script of its own"));
+    m_stop->setToolTip(tr("Stop the running script (Esc)"));
+    m_stop->setEnabled(false);
+    m_state->setForegroundRole(QPalette::PlaceholderText);
+    OssScriptEngine::keepUsable(m_stop);
+    connect(m_run, &QPushButton::clicked, this, [] {
+        if (QAction *run = OssActionTreeManager::instance()->findAction(runFileCommand))
+            run->trigger();
+    });
+    connect(m_stop, &QPushButton::clicked, OssScriptEngine::instance(), &OssScriptEngine::stop);
+    connect(clear, &QPushButton::clicked, this, [this] {
+        m_output->clear();
+        m_lineEnded = false;
+    });
+    connect(echo, &QPushButton::toggled, this, [this](bool on) {
+        m_echo->setEnabled(on);
+        OssSettings().setValue(echoKey, on);
+    });
+    echo->setChecked(OssSettings().value(echoKey, true).toBool());
+    auto *layout = new QHBoxLayout(bar);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_run);
+    layout->addWidget(m_stop);
+    layout->addWidget(m_state, 1);
+    layout->addWidget(echo);
+    layout->addWidget(clear);
+    return bar;
+}
+
+void ConsolePanel::submit(const QString &text, bool everything)
+{
+    m_submitted = text;
+    OssScriptEngine::instance()->runInput(text, everything);
+}
+
+void ConsolePanel::focusInput() const
+{
+    m_input->setFocus(Qt::OtherFocusReason);
+}
+
+void ConsolePanel::onStarted(const QString &title)
+{
+    m_echo->setScriptRunning(true);
+    if (!m_submitted.isEmpty()) {
+        append(withPrompts(m_submitted), palette().color(QPalette::Highlight));
+        m_input->remember(m_submitted);
+        OssSettings().setValue(historyKey, m_input->history());
+        m_input->clear();
+        m_submitted.clear();
+    } else {
+        append(QStringLiteral("# ") + title + QLatin1Char('\n'), Theme::mutedText());
+    }
+    m_state->setText(title);
+    m_stop->setEnabled(true);
+    m_run->setEnabled(false);
+}
+
+void ConsolePanel::onFinished(int exitCode)
+{
+    if (exitCode != 0 && !isVisible())
+        OssStatusManager::instance()->showMessage(
+            tr("The script failed; the Script Console says why"));
+    m_echo->setScriptRunning(false);
+    m_state->clear();
+    m_stop->setEnabled(false);
+    m_run->setEnabled(true);
+}
+
+void ConsolePanel::append(const QString &text, const QColor &color)
+{
+    QScrollBar *bar = m_output->verticalScrollBar();
+    const bool follows = bar->value() == bar->maximum();
+    QTextCursor cursor(m_output->document());
+    cursor.movePosition(QTextCursor::End);
+    QTextCharFormat format;
+    format.setForeground(color);
+    // A line ends when the next one begins, so that the last one shows at the bottom.
+    const bool endsLine = text.endsWith(QLatin1Char('\n'));
+    if (m_lineEnded)
+        cursor.insertText(QStringLiteral("\n"), format);
+    cursor.insertText(endsLine ? text.chopped(1) : text, format);
+    m_lineEnded = endsLine;
+    if (follows)
+        bar->setValue(bar->maximum());
+}

@@ -1,0 +1,83 @@
+#pragma once
+
+#include <QHash>
+#include <QObject>
+#include <QPointer>
+#include <QPointF>
+#include <QSet>
+#include <QStringList>
+#include <QTimer>
+
+class OssShaderNetwork;
+class OssSnBaseNode;
+class QAction;
+
+/// Tells what the user does by hand as script lines that do the same when they are run: from what
+/// changed in the current graph when it can be said so, else as the command that was chosen, with its
+/// selection. What is neither is told as a comment.
+class ScriptEcho : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit ScriptEcho(QObject *parent = nullptr);
+    ~ScriptEcho() override;
+
+    /// Off at first. Costs nothing while it is off.
+    void setEnabled(bool enabled);
+    /// What a script does is not told again.
+    void setScriptRunning(bool running);
+
+Q_SIGNALS:
+    void line(const QString &text);
+
+private:
+    /// What was known of a node when the last step was told.
+    struct Known
+    {
+        QString path;
+        QPointF position;
+        const OssShaderNetwork *network = nullptr;
+        QPointer<OssSnBaseNode> node; ///< null when it died
+    };
+
+    struct Change
+    {
+        QSet<QString> attributes;
+        QSet<QString> inputs;
+        bool enabled = false;
+        bool bypassed = false;
+        bool description = false;
+        bool renamed = false;
+    };
+
+    void watchAction(QAction *action);
+    void watchNode(OssShaderNetwork *network, OssSnBaseNode *node);
+    void addNode(OssShaderNetwork *network, OssSnBaseNode *node);
+    void loseNode(OssSnBaseNode *node);
+    void learnEverything();
+    void schedule();
+    void tell();
+    void forgetChanges();
+    bool canBeSaid() const;
+    QStringList describe();
+    QStringList describeNode(OssSnBaseNode *node, const Change &change) const;
+    QStringList describeNew(OssSnBaseNode *node) const;
+    QStringList describeWires(OssSnBaseNode *node, const QStringList &inputs) const;
+    QStringList describeMoves();
+    QString describeAction() const;
+
+    bool m_enabled = false;
+    bool m_scriptRunning = false;
+    QTimer m_later; ///< a command is over when the event loop runs again
+    QHash<OssSnBaseNode *, Known> m_known;
+    QStringList m_selection; ///< paths, before the command
+    QString m_action;        ///< path of the command that ran since
+    QStringList m_titles;    ///< of the steps since
+    QStringList m_moves;     ///< "undo" and "redo" since
+    QList<OssSnBaseNode *> m_added;
+    QStringList m_removed; ///< paths
+    QSet<OssSnBaseNode *> m_removedNodes;
+    QHash<OssSnBaseNode *, Change> m_changes;
+    QList<OssSnBaseNode *> m_changeOrder;
+};

@@ -1,0 +1,199 @@
+#include "Ossa/Viewer/ObjectView.h"
+
+#include "Ossa/Viewer/ViewerPictures.h"
+#include "OssEvaluation/Geometry/OssEvMesh.h"
+
+#include <QElapsedTimer>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QWheelEvent>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr int frameInterval = 33; // milliseconds, while pixels arrive
+constexpr qint64 uploadTime = 10; // milliseconds of a frame
+constexpr double inset = 24.0;
+const QColor groundColor(0x1b, 0x1d, 0x20);
+const QColor wordsColor(0xd0, 0x9a, 0x8c);
+
+} // namespace
+
+ObjectView::ObjectView(const ViewerPictures *pictures, QWidget *parent)
+    : QWidget(parent)
+    , m_pictures(pictures)
+{
+    setFocusPolicy(Qt::StrongFocus);
+    setAccessibleName(tr("Object"));
+    setMinimumSize(120, 100);
+    m_camera.resetDirection();
+    m_frame.setSingleShot(true);
+    m_frame.setInterval(frameInterval);
+    connect(&m_frame, &QTimer::timeout, this, &ObjectView::redraw);
+    connect(pictures, &ViewerPictures::began, this, &ObjectView::begin);
+    connect(pictures, &ViewerPictures::changed, this, &ObjectView::noteChange);
+    begin();
+}
+
+ObjectView::~ObjectView() = default;
+
+void ObjectView::setMesh(const std::shared_ptr<const OssEvMesh> &mesh)
+{
+    if (mesh == m_mesh)
+        return;
+    m_mesh = mesh;
+    m_isFramed = false;
+    redraw();
+}
+
+void ObjectView::setLit(bool lit)
+{
+    if (lit == m_isLit)
+        return;
+    m_isLit = lit;
+    Q_EMIT litChanged(lit);
+    redraw();
+}
+
+void ObjectView::frameAll()
+{
+    if (!m_renderer)
+        return;
+    m_camera.frame(m_renderer->centre(), m_renderer->radius());
+    m_isFramed = true;
+    redraw();
+}
+
+// --- pictures
+
+void ObjectView::begin()
+{
+    if (m_renderer)
+        m_renderer->setPatches(m_pictures->patches(), m_pictures->resolution());
+    const QList<int> patches = m_pictures->patches();
+    for (const int patch : patches)
+        noteChange(patch, m_pictures->picture(patch).rect());
+    redraw();
+}
+
+void ObjectView::noteChange(int patch, const QRect &area)
+{
+    m_stale[patch] |= area;
+    scheduleFrame();
+}
+
+void ObjectView::scheduleFrame()
+{
+    if (isVisible() && !m_frame.isActive())
+        m_frame.start();
+}
+
+bool ObjectView::takePictures()
+{
+    QElapsedTimer spent;
+    spent.start();
+    while (!m_stale.isEmpty() && spent.elapsed() < uploadTime) {
+        const auto first = m_stale.begin();
+        m_renderer->update(first.key(), m_pictures->picture(first.key()), first.value());
+        m_stale.erase(first);
+    }
+    return m_stale.isEmpty();
+}
+
+// --- drawing
+
+void ObjectView::redraw()
+{
+    m_isStale = true;
+    update();
+}
+
+void ObjectView::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    // Not while painting: making a context may handle events.
+    if (!m_renderer) {
+        m_renderer = std::make_unique<ObjectRenderer>();
+        m_renderer->setPatches(m_pictures->patches(), m_pictures->resolution());
+    }
+    redraw();
+}
+
+void ObjectView::paintEvent(QPaintEvent *)
+{
+    if (!m_renderer)
+        return;
+    const QString problem = m_renderer->problem().isEmpty() ? m_pictures->problem()
+                                                            : m_renderer->problem();
+    QPainter painter(this);
+    if (m_renderer->problem().isEmpty() && m_isStale) {
+        m_renderer->setMesh(m_mesh);
+        if (!m_isFramed) {
+            m_camera.frame(m_renderer->centre(), m_renderer->radius());
+            m_isFramed = true;
+        }
+        if (!takePictures())
+            scheduleFrame();
+        const double ratio = devicePixelRatioF();
+        ObjectRenderer::View view;
+        view.size = (QSizeF(size()) * ratio).toSize();
+        view.camera = m_camera.view();
+        view.projection = m_camera.projection(float(width()) / float(std::max(1, height())));
+        view.ground = groundColor;
+        view.isLit = m_isLit;
+        m_image = m_renderer->render(view);
+        m_image.setDevicePixelRatio(ratio);
+        m_isStale = false;
+    }
+    if (m_image.isNull())
+        painter.fillRect(rect(), groundColor);
+    else
+        painter.drawImage(0, 0, m_image);
+    painter.setPen(wordsColor);
+    painter.drawText(QRectF(rect()).adjusted(inset, inset, -inset, -inset),
+                     Qt::AlignCenter | Qt::TextWordWrap, problem);
+}
+
+void ObjectView::resizeEvent(QResizeEvent *)
+{
+    redraw();
+}
+
+// --- input
+
+void ObjectView::mousePressEvent(QMouseEvent *event)
+{
+    m_last = event->pos();
+}
+
+void ObjectView::mouseMoveEvent(QMouseEvent *event)
+{
+    const QPointF way = QPointF(event->pos() - m_last) / std::max(1, std::min(width(), height()));
+    m_last = event->pos();
+    if (event->buttons() & Qt::MiddleButton)
+        m_camera.pan(way);
+    else if (event->buttons() & Qt::LeftButton)
+        m_camera.orbit(way);
+    else
+        return;
+    redraw();
+}
+
+void ObjectView::wheelEvent(QWheelEvent *event)
+{
+    m_camera.zoom(float(std::pow(1.15, event->angleDelta().y() / 120.0)));
+    redraw();
+}
+
+void ObjectView::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_F || event->key() == Qt::Key_A)
+        frameAll();
+    else if (event->key() == Qt::Key_L)
+        setLit(!m_isLit);
+    else
+        QWidget::keyPressEvent(event);
+}

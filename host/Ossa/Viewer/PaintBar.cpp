@@ -1,0 +1,283 @@
+#include "Ossa/Viewer/PaintBar.h"
+
+#include "Ossa/Viewer/PaintSession.h"
+#include "Ossa/Viewer/ViewerSource.h"
+#include "OssCore/OssColor.h"
+#include "OssCore/OssUndoManager.h"
+#include "OssCoreModules/Interface/OssMessageBox.h"
+#include "OssCoreModules/Network/OssShaderNetwork.h"
+#include "OssCoreModules/Network/OssShaderNetworkManager.h"
+#include "OssCoreModules/Network/OssSnChannelInputNode.h"
+#include "OssCoreModules/Properties/OssColorEditor.h"
+
+#include <QColorDialog>
+#include <QComboBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPainter>
+#include <QSignalBlocker>
+#include <QSpinBox>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include <cmath>
+
+namespace {
+
+constexpr int largestSize = 4096;
+constexpr int hundred = 100;
+constexpr int swatchSize = 16;
+
+QList<OssSnChannelInputNode *> paintNodes(const OssShaderNetwork *network)
+{
+    QList<OssSnChannelInputNode *> found;
+    const QList<OssSnBaseNode *> nodes = network ? network->getAllNodes()
+                                                 : QList<OssSnBaseNode *>();
+    for (OssSnBaseNode *node : nodes) {
+        if (auto *paint = qobject_cast<OssSnChannelInputNode *>(node))
+            found.append(paint);
+    }
+    return found;
+}
+
+OssShaderNetwork *currentNetwork()
+{
+    return OssShaderNetworkManager::instance()->currentShaderNetwork();
+}
+
+QIcon swatch(const QColor &color)
+{
+    QPixmap pixmap(swatchSize, swatchSize);
+    pixmap.fill(color);
+    QPainter painter(&pixmap);
+    painter.setPen(QColor(0, 0, 0, 120));
+    painter.drawRect(0, 0, swatchSize - 1, swatchSize - 1);
+    return QIcon(pixmap);
+}
+
+OssColor colorOf(const OssEvBrush &brush)
+{
+    return {double(brush.color[0]), double(brush.color[1]), double(brush.color[2])};
+}
+
+} // namespace
+
+PaintBar::PaintBar(PaintSession *session, const ViewerSource *source, QWidget *parent)
+    : QWidget(parent)
+    , m_session(session)
+    , m_source(source)
+    , m_nodes(new QComboBox(this))
+    , m_color(new QToolButton(this))
+    , m_size(makeField(tr("Size "), {}, 1, largestSize, tr("Across, in texels ([ and ])")))
+    , m_hardness(makeField(tr("Hard "), tr(" %"), 0, hundred, tr("Hardness of the edge ({ and })")))
+    , m_opacity(makeField(tr("Opacity "), tr(" %"), 1, hundred, tr("Opacity of a stroke")))
+    , m_eraser(new QToolButton(this))
+    , m_clear(new QToolButton(this))
+    , m_bake(new QToolButton(this))
+    , m_hint(new QLabel(this))
+{
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(4);
+    layout->addLayout(makeNodeRow());
+    layout->addLayout(makeBrushRow());
+    m_hint->setObjectName(QStringLiteral("Muted"));
+    m_hint->setWordWrap(true);
+    layout->addWidget(m_hint);
+    connect(session, &PaintSession::brushChanged, this, &PaintBar::showBrush);
+    connect(session, &PaintSession::stateChanged, this, &PaintBar::showState);
+    connect(source, &ViewerSource::began, this, &PaintBar::showState);
+    connect(OssUndoManager::instance(), &OssUndoManager::changed, this, &PaintBar::refresh);
+    connect(OssShaderNetworkManager::instance(),
+            &OssShaderNetworkManager::currentShaderNetworkChanged, this, &PaintBar::refresh,
+            Qt::QueuedConnection);
+    showBrush();
+    showState();
+}
+
+QHBoxLayout *PaintBar::makeNodeRow()
+{
+    auto *row = new QHBoxLayout;
+    row->setSpacing(4);
+    m_nodes->setAccessibleName(tr("Paint node"));
+    m_nodes->setToolTip(
+        tr("The node that strokes go to; selecting one in the graph does the same"));
+    m_nodes->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    connect(m_nodes, qOverload<int>(&QComboBox::activated), this, &PaintBar::chooseNode);
+    auto *add = new QToolButton(this);
+    add->setText(tr("New"));
+    add->setToolTip(tr("Put a new paint node over what the viewer shows"));
+    connect(add, &QToolButton::clicked, this, &PaintBar::makeNode);
+    m_clear->setText(tr("Clear"));
+    m_clear->setToolTip(tr("Take away all paint that is not baked"));
+    connect(m_clear, &QToolButton::clicked, m_session, &PaintSession::clear);
+    m_bake->setText(tr("Bake"));
+    m_bake->setToolTip(tr("Write the paint into the images of its node"));
+    connect(m_bake, &QToolButton::clicked, this, &PaintBar::bake);
+    row->addWidget(m_nodes, 1);
+    row->addWidget(add);
+    row->addWidget(m_clear);
+    row->addWidget(m_bake);
+    return row;
+}
+
+QHBoxLayout *PaintBar::makeBrushRow()
+{
+    auto *row = new QHBoxLayout;
+    row->setSpacing(4);
+    m_color->setToolTip(tr("Color of the brush (Ctrl and click picks one from the picture)"));
+    m_color->setAccessibleName(tr("Color of the brush"));
+    connect(m_color, &QToolButton::clicked, this, &PaintBar::pickColor);
+    m_eraser->setText(tr("Eraser"));
+    m_eraser->setCheckable(true);
+    m_eraser->setToolTip(tr("Take paint away, baked paint too (E)"));
+    connect(m_eraser, &QToolButton::toggled, this, &PaintBar::applyBrush);
+    row->addWidget(m_color);
+    for (QSpinBox *field : {m_size, m_hardness, m_opacity}) {
+        row->addWidget(field);
+        connect(field, qOverload<int>(&QSpinBox::valueChanged), this, &PaintBar::applyBrush);
+    }
+    row->addWidget(m_eraser);
+    row->addStretch(1);
+    return row;
+}
+
+QSpinBox *PaintBar::makeField(const QString &prefix, const QString &suffix, int least, int most,
+                              const QString &toolTip)
+{
+    auto *field = new QSpinBox(this);
+    field->setRange(least, most);
+    field->setPrefix(prefix);
+    field->setSuffix(suffix);
+    field->setToolTip(toolTip);
+    field->setAccessibleName(toolTip);
+    return field;
+}
+
+// --- what is painted on
+
+void PaintBar::refresh()
+{
+    if (!isVisible())
+        return;
+    const OssShaderNetwork *network = currentNetwork();
+    const QList<OssSnChannelInputNode *> nodes = paintNodes(network);
+    const QSignalBlocker blocker(m_nodes);
+    m_nodes->clear();
+    OssSnChannelInputNode *selected = nullptr;
+    for (OssSnChannelInputNode *node : nodes) {
+        m_nodes->addItem(node->name(), QVariant::fromValue<QObject *>(node));
+        if (node->selected())
+            selected = node;
+    }
+    // A choice made here stands until another node is selected.
+    const bool follows = selected && selected != m_selected;
+    m_selected = selected;
+    OssSnImageSetNodeBase *wanted = m_session->node();
+    if (follows)
+        wanted = selected;
+    else if (!nodes.isEmpty() && !nodes.contains(qobject_cast<OssSnChannelInputNode *>(wanted)))
+        wanted = nodes.first();
+    // Never while something is being undone or made: leaving other paint may be an edit itself.
+    const OssUndoManager *history = OssUndoManager::instance();
+    if (history->isRecording() && !history->isMacroOpen())
+        m_session->setNode(wanted);
+    showState();
+}
+
+void PaintBar::chooseNode(int index)
+{
+    m_session->setNode(
+        qobject_cast<OssSnImageSetNodeBase *>(m_nodes->itemData(index).value<QObject *>()));
+    refresh();
+}
+
+void PaintBar::makeNode()
+{
+    OssShaderNetwork *network = currentNetwork();
+    OssSnBaseNode *viewer = network ? network->viewerNode() : nullptr;
+    if (!viewer)
+        return;
+    OssUndoManager::AutoMacro macro(tr("New Paint"));
+    OssSnBaseNode *paint = network->createPaintableNode({});
+    if (!paint)
+        return;
+    const QString input = QString::number(network->rootNetwork()->viewerNodeCurrentEdge());
+    OssSnBaseNode *shown = viewer->inputNode(input);
+    if (!shown || shown->network() != network) {
+        viewer->setInputNode(input, paint, paint->prefferedOutputPoint());
+    } else {
+        const QString output = viewer->inputOutputPoint(input);
+        OssSnBaseNode *merge = network->createNode(QStringLiteral("Layer/Merge"), {});
+        merge->setInputNode(QStringLiteral("Base"), shown, output);
+        merge->setInputNode(QStringLiteral("Over"), paint, paint->prefferedOutputPoint());
+        viewer->setInputNode(input, merge, merge->prefferedOutputPoint());
+        merge->positionNodeOnTopIndented(shown);
+        paint->positionNodeOnTopIndented(merge);
+    }
+    m_session->setNode(qobject_cast<OssSnImageSetNodeBase *>(paint));
+}
+
+void PaintBar::showState()
+{
+    OssSnImageSetNodeBase *node = m_session->node();
+    m_nodes->setCurrentIndex(m_nodes->findData(QVariant::fromValue<QObject *>(node)));
+    const bool hasPaint = !m_session->buffer().isEmpty();
+    m_clear->setEnabled(hasPaint);
+    m_bake->setEnabled(hasPaint);
+    QString hint;
+    if (!node)
+        hint = tr("There is nothing to paint on: \"New\" puts a paint node over what is shown.");
+    else if (!m_source->shows(node))
+        hint =
+            tr("\"%1\" is no part of what is shown; its paint will not be seen once it is baked.")
+                .arg(node->name());
+    m_hint->setText(hint);
+    m_hint->setVisible(!hint.isEmpty());
+}
+
+void PaintBar::bake()
+{
+    const OssResult baked = m_session->bake();
+    if (!baked)
+        OssMessageBox::warning(this, tr("Bake Paint"), baked.error());
+}
+
+// --- the brush
+
+void PaintBar::showBrush()
+{
+    const OssEvBrush &brush = m_session->brush();
+    const QSignalBlocker blockers[] = {QSignalBlocker(m_size), QSignalBlocker(m_hardness),
+                                       QSignalBlocker(m_opacity), QSignalBlocker(m_eraser)};
+    m_size->setValue(int(std::lround(2.0 * brush.radius)));
+    m_hardness->setValue(int(std::lround(hundred * brush.hardness)));
+    m_opacity->setValue(int(std::lround(hundred * brush.opacity)));
+    m_eraser->setChecked(brush.erases);
+    m_color->setIcon(swatch(OssColorEditor::toDisplay(colorOf(brush))));
+}
+
+void PaintBar::applyBrush()
+{
+    OssEvBrush brush = m_session->brush();
+    // The keys make sizes between those that are shown.
+    if (m_size->value() != std::lround(2.0 * brush.radius))
+        brush.radius = m_size->value() / 2.0;
+    brush.hardness = double(m_hardness->value()) / hundred;
+    brush.opacity = double(m_opacity->value()) / hundred;
+    brush.erases = m_eraser->isChecked();
+    m_session->setBrush(brush);
+}
+
+void PaintBar::pickColor()
+{
+    OssEvBrush brush = m_session->brush();
+    const QColor picked = QColorDialog::getColor(OssColorEditor::toDisplay(colorOf(brush)), this,
+                                                 tr("Color of the Brush"));
+    if (!picked.isValid())
+        return;
+    const OssColor color = OssColorEditor::fromDisplay(picked);
+    brush.color = {float(color.red()), float(color.green()), float(color.blue())};
+    brush.erases = false;
+    m_session->setBrush(brush);
+}

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QPointer>
+#include <QWidget>
+
+class OssSnBaseNode;
+class OssSnImageSetNodeBase;
+class PaintSession;
+class QComboBox;
+class QHBoxLayout;
+class QLabel;
+class QSpinBox;
+class QToolButton;
+class ViewerSource;
+
+/// What the brush is and what it paints on: the second bar of the Viewer while painting. A paint
+/// node that the user selects in the graph becomes the one that is painted on.
+class PaintBar : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// Both must outlive the bar.
+    PaintBar(PaintSession *session, const ViewerSource *source, QWidget *parent = nullptr);
+
+    /// Looks which paint nodes there are and which one is selected.
+    void refresh();
+    /// Puts a new paint node over what the viewer shows and paints on it. One undo step.
+    void makeNode();
+    /// Tells the user when it fails.
+    void bake();
+
+private:
+    QHBoxLayout *makeNodeRow();
+    QHBoxLayout *makeBrushRow();
+    QSpinBox *makeField(const QString &prefix, const QString &suffix, int least, int most,
+                        const QString &toolTip);
+    void chooseNode(int index);
+    void pickColor();
+    void showBrush();
+    void showState();
+    void applyBrush();
+
+    PaintSession *m_session;
+    const ViewerSource *m_source;
+    QComboBox *m_nodes;
+    QToolButton *m_color;
+    QSpinBox *m_size;
+    QSpinBox *m_hardness;
+    QSpinBox *m_opacity;
+    QToolButton *m_eraser;
+    QToolButton *m_clear;
+    QToolButton *m_bake;
+    QLabel *m_hint;
+    QPointer<OssSnBaseNode> m_selected; ///< the selected paint node when it was last looked
+};

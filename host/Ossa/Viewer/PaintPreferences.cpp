@@ -1,0 +1,71 @@
+#include "Ossa/Viewer/PaintPreferences.h"
+
+#include "OssCore/OssPreferenceManager.h"
+#include "OssCore/OssSettings.h"
+
+#include <QStringList>
+
+namespace {
+
+const QString behaviorKey = QStringLiteral("bakeBehavior");
+const QString storedKey = QStringLiteral("Painting/bakeBehavior");
+
+// The texts are what is stored.
+const QString bake = QStringLiteral("Bake");
+const QString ask = QStringLiteral("Ask");
+
+} // namespace
+
+PaintPreferences *PaintPreferences::instance()
+{
+    static PaintPreferences preferences;
+    return &preferences;
+}
+
+PaintPreferences::PaintPreferences()
+    : m_bakeBehavior(bake)
+{
+    setBakeBehavior(OssSettings().value(storedKey).toString());
+    OssPreferenceManager::instance()->registerPreference(tr("Painting"), tr("Paint Buffer"), this,
+                                                         behaviorKey);
+}
+
+bool PaintPreferences::asksBeforeBaking() const
+{
+    return m_bakeBehavior == ask;
+}
+
+QString PaintPreferences::prettyPropertyName(const QString &Name) const
+{
+    return Name == behaviorKey ? tr("Paint That Is Not Baked Yet")
+                               : OssGroupParameterObject::prettyPropertyName(Name);
+}
+
+void PaintPreferences::setBakeBehavior(const QString &behavior)
+{
+    if (bakeBehaviorList().contains(behavior))
+        m_bakeBehavior = behavior;
+}
+
+void PaintPreferences::resetBakeBehavior()
+{
+    m_bakeBehavior = bake;
+}
+
+QString PaintPreferences::bakeBehaviorTooltip() const
+{
+    return tr(
+        "What happens to fresh paint before a node is baked, before you paint on another node "
+        "and when you go on to another object: it is baked into the images of its node, or "
+        "you are asked. Saving always bakes it.");
+}
+
+QStringList PaintPreferences::bakeBehaviorList() const
+{
+    return {bake, ask};
+}
+
+void PaintPreferences::savePreferences()
+{
+    OssSettings().setValue(storedKey, m_bakeBehavior);
+}

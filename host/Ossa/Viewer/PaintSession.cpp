@@ -1,0 +1,356 @@
+#include "Ossa/Viewer/PaintSession.h"
+
+#include "Ossa/Viewer/PaintPreferences.h"
+#include "Ossa/Viewer/PaintStep.h"
+#include "OssCore/OssDebug.h"
+#include "OssCore/OssStatusManager.h"
+#include "OssCoreModules/Evaluation/OssEvaluationService.h"
+#include "OssCoreModules/Images/OssImageSet.h"
+#include "OssCoreModules/Images/OssPixelStore.h"
+#include "OssCoreModules/Interface/OssMessageBox.h"
+#include "OssCoreModules/Network/OssShaderNetwork.h"
+#include "OssCoreModules/Network/OssShaderNetworkManager.h"
+#include "OssCoreModules/Network/OssSnImageSetNodeBase.h"
+#include "OssCoreModules/Project/OssProject.h"
+#include "OssCoreModules/Project/OssProjectManager.h"
+#include "OssCoreModules/Project/OssShadingContext.h"
+#include "OssEvaluation/Files/OssEvImageFiles.h"
+
+#include <algorithm>
+#include <new>
+
+namespace {
+
+constexpr int smallestResolution = 16;
+constexpr int largestResolution = 16384;
+constexpr int restTime = 3000; ///< milliseconds without a stroke
+
+} // namespace
+
+PaintSession::PaintSession(QObject *parent)
+    : QObject(parent)
+    , m_tiles(std::make_shared<PaintTileStore>())
+{
+    PaintPreferences::instance();
+    m_rest.setSingleShot(true);
+    m_rest.setInterval(restTime);
+    connect(&m_rest, &QTimer::timeout, this, &PaintSession::rescue);
+    connect(&m_composer, &PaintComposer::composed, this, &PaintSession::keepForRecovery);
+    connect(&m_composer, &PaintComposer::failed, this, [](const QString &reason) {
+        OssDebug("PaintSession", __LINE__, "[ !! ] No copy of the paint: %s", qPrintable(reason));
+    });
+    connect(OssProjectManager::instance(), &OssProjectManager::projectClosing, this,
+            &PaintSession::forget);
+    // Another object: whatever is done about it must not join the step that led there.
+    connect(
+        OssShaderNetworkManager::instance(), &OssShaderNetworkManager::currentShaderNetworkChanged,
+        this,
+        [this](const OssShaderNetwork *network) {
+            const OssShaderNetwork *own = m_node ? m_node->network() : nullptr;
+            if (network && own && own->rootNetwork() != network->rootNetwork())
+                setNode(nullptr);
+        },
+        Qt::QueuedConnection);
+}
+
+PaintSession::~PaintSession() = default;
+
+void PaintSession::forget()
+{
+    m_stroke.reset();
+    m_macro.reset();
+    m_rest.stop();
+    m_composer.giveUp();
+    m_buffer.clear();
+    m_images = nullptr;
+    m_node = nullptr;
+    m_lastPlace.reset();
+    Q_EMIT stateChanged();
+}
+
+// --- what is painted on
+
+OssSnImageSetNodeBase *PaintSession::node() const
+{
+    return m_node && m_node->network() && m_node->imageSet() ? m_node.data() : nullptr;
+}
+
+bool PaintSession::setNode(OssSnImageSetNodeBase *node)
+{
+    if (node == m_node)
+        return true;
+    end();
+    OssImageSet *images = node ? node->imageSet() : nullptr;
+    if (!m_buffer.isEmpty() && images != m_images && !settle())
+        return false;
+    m_node = node;
+    m_lastPlace.reset();
+    OssShadingContext *shading = node && node->network() ? node->network()->shadingContext()
+                                                         : nullptr;
+    if (shading && images) {
+        shading->setCurrentImageSet(images);
+        OssProjectManager::instance()->setCurrentChannel(images->channel());
+    }
+    Q_EMIT stateChanged();
+    return true;
+}
+
+// As fine as what the images are to have, and as what they have.
+int PaintSession::resolutionOf(const OssImageSet *images) const
+{
+    int resolution = images->resolution();
+    const QMap<int, QString> pixels = images->pixels();
+    for (const QString &name : pixels)
+        resolution = std::max(resolution, widthOf(name));
+    return std::clamp(resolution, smallestResolution, largestResolution);
+}
+
+int PaintSession::widthOf(const QString &pixels) const
+{
+    const auto known = m_widths.constFind(pixels);
+    if (known != m_widths.cend())
+        return *known;
+    const OssProject *project = OssProjectManager::instance()->currentProject();
+    const QString path = OssPixelStore::find(pixels, project ? project->path() : QString());
+    OssEvImageHeader header;
+    const bool isRead = !path.isEmpty()
+                        && OssEvImageFiles::readHeader(path.toStdString(), &header).ok();
+    return *m_widths.insert(pixels, isRead ? header.width : 0);
+}
+
+int PaintSession::texelsAcross() const
+{
+    const OssSnImageSetNodeBase *painted = node();
+    if (!m_buffer.isEmpty() || !painted)
+        return m_buffer.resolution();
+    return resolutionOf(painted->imageSet());
+}
+
+void PaintSession::setBrush(const OssEvBrush &brush)
+{
+    m_brush = brush;
+    Q_EMIT brushChanged();
+}
+
+// --- strokes
+
+bool PaintSession::begin(const QPointF &place, double pressure)
+{
+    end();
+    const OssSnImageSetNodeBase *painted = node();
+    if (!painted || m_isBaking)
+        return false;
+    OssImageSet *images = painted->imageSet();
+    if (!m_buffer.isEmpty() && m_images != images && !settle())
+        return false;
+    if (m_buffer.isEmpty()) {
+        m_images = images;
+        m_buffer = OssEvPaintBuffer(resolutionOf(images));
+    }
+    const QList<int> patches = OssEvaluationService::instance()->patches(
+        painted->network()->geoEntity());
+    m_macro = std::make_unique<OssUndoManager::AutoMacro>(m_brush.erases ? tr("Erase Paint")
+                                                                         : tr("Paint Stroke"));
+    m_stroke.emplace(&m_buffer, m_brush, std::vector<int>(patches.cbegin(), patches.cend()));
+    moveTo(place, pressure);
+    return true;
+}
+
+void PaintSession::moveTo(const QPointF &place, double pressure)
+{
+    if (!m_stroke)
+        return;
+    m_lastPlace = place;
+    try {
+        tellAreas(m_stroke->moveTo(place.x(), place.y(), pressure));
+    } catch (const std::bad_alloc &) {
+        cancel();
+        OssStatusManager::instance()->showMessage(tr("There is no memory left to paint"));
+    }
+}
+
+void PaintSession::tellAreas(const OssEvStroke::Areas &areas)
+{
+    const double texel = 1.0 / m_buffer.resolution();
+    for (const auto &entry : areas) {
+        const OssEvRegion &area = entry.second;
+        Q_EMIT painted(entry.first, QRectF(area.x * texel, area.y * texel, area.width * texel,
+                                           area.height * texel));
+    }
+}
+
+void PaintSession::end()
+{
+    if (!m_stroke)
+        return;
+    const std::vector<OssEvStroke::Change> changes = m_stroke->changes();
+    m_stroke.reset();
+    noteChange();
+    const bool isLarge = m_buffer.bytes() > bufferBytes;
+    const QMap<int, QString> pixels = m_images->pixels();
+    const bool erasesImages = m_brush.erases && m_bakesErasing
+                              && std::any_of(changes.cbegin(), changes.cend(), [&](const auto &c) {
+                                     return pixels.contains(c.place.patch);
+                                 });
+    if (!changes.empty())
+        record(changes, PaintStep::Stroke);
+    const OssResult baked = isLarge || erasesImages ? bake() : OssResult();
+    m_macro.reset();
+    Q_EMIT stateChanged();
+    if (!baked)
+        OssStatusManager::instance()->showMessage(baked.error());
+}
+
+void PaintSession::cancel()
+{
+    if (!m_stroke)
+        return;
+    Tiles before;
+    for (const OssEvStroke::Change &change : m_stroke->changes())
+        before.emplace_back(change.place, change.before);
+    m_stroke.reset();
+    m_macro.reset();
+    setTiles(m_images, m_buffer.resolution(), before, Show);
+}
+
+// --- the buffer as a whole
+
+void PaintSession::setTiles(OssImageSet *images, int resolution, const Tiles &tiles, Notice notice)
+{
+    if (m_buffer.isEmpty() && m_buffer.resolution() != resolution)
+        m_buffer = OssEvPaintBuffer(resolution);
+    m_images = images;
+    if (notice == Quietly)
+        Q_EMIT baked();
+    for (const auto &entry : tiles)
+        m_buffer.setTile(entry.first, entry.second);
+    noteChange();
+    const double size = double(OssEvPaintTile::Size) / resolution;
+    for (const auto &entry : tiles) {
+        const OssEvPaintBuffer::Place &place = entry.first;
+        if (notice == Show)
+            Q_EMIT painted(place.patch, QRectF(place.x * size, place.y * size, size, size)
+                                            & QRectF(0.0, 0.0, 1.0, 1.0));
+    }
+    Q_EMIT stateChanged();
+}
+
+void PaintSession::record(const std::vector<OssEvStroke::Change> &changes, int kind)
+{
+    OssUndoManager::instance()->addUndo(std::make_unique<PaintStep>(
+        this, m_images, m_buffer.resolution(), changes, PaintStep::Kind(kind)));
+    m_tiles->trim();
+}
+
+void PaintSession::removeAll(Notice notice)
+{
+    std::vector<OssEvStroke::Change> changes;
+    Tiles nothing;
+    for (const auto &entry : m_buffer.tiles()) {
+        changes.push_back({entry.first, entry.second, nullptr});
+        nothing.emplace_back(entry.first, nullptr);
+    }
+    setTiles(m_images, m_buffer.resolution(), nothing, notice);
+    record(changes, notice == Show ? PaintStep::Clear : PaintStep::Bake);
+}
+
+void PaintSession::clear()
+{
+    end();
+    if (!m_buffer.isEmpty())
+        removeAll(Show);
+}
+
+OssResult PaintSession::bake()
+{
+    end();
+    if (m_buffer.isEmpty() || !m_images || m_isBaking)
+        return {};
+    QMap<int, QString> pixels;
+    m_isBaking = true;
+    const OssResult composed = m_composer.compose(m_buffer, m_images, &pixels);
+    m_isBaking = false;
+    if (!composed || m_buffer.isEmpty() || !m_images)
+        return composed;
+    const OssUndoManager::AutoMacro macro(tr("Bake Paint"));
+    m_images->setPixels(pixels);
+    removeAll(Quietly);
+    return {};
+}
+
+bool PaintSession::settle()
+{
+    if (!PaintPreferences::instance()->asksBeforeBaking()) {
+        const OssResult baked = bake();
+        if (!baked)
+            OssMessageBox::warning(nullptr, tr("Bake Paint"), baked.error());
+        return baked.ok();
+    }
+    const auto answer = OssMessageBox::question(
+        nullptr, tr("Bake Paint"),
+        tr("There is paint on \"%1\" that is not in its images yet. Do you want to bake it? "
+           "Otherwise it is cleared.")
+            .arg(m_images ? m_images->name() : QString()),
+        QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, QMessageBox::Yes);
+    if (answer == QMessageBox::Cancel)
+        return false;
+    if (answer == QMessageBox::No) {
+        clear();
+        return true;
+    }
+    const OssResult baked = bake();
+    if (!baked)
+        OssMessageBox::warning(nullptr, tr("Bake Paint"), baked.error());
+    return baked.ok();
+}
+
+void PaintSession::handleBakeBehavior(const OssImageSet *images)
+{
+    end();
+    if (!images || images != m_images || m_buffer.isEmpty() || m_wasRefused)
+        return;
+    if (PaintPreferences::instance()->asksBeforeBaking()) {
+        const auto answer = OssMessageBox::question(
+            nullptr, tr("Bake Paint"),
+            tr("There is paint on \"%1\" that is not in its images yet. Do you want to bake it? "
+               "Otherwise it is left out, and stays for later.")
+                .arg(images->name()),
+            QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes);
+        m_wasRefused = answer != QMessageBox::Yes;
+        if (m_wasRefused)
+            return;
+    }
+    const OssResult baked = bake();
+    if (!baked)
+        OssMessageBox::warning(nullptr, tr("Bake Paint"), baked.error());
+}
+
+// --- in case of a crash
+
+void PaintSession::noteChange()
+{
+    m_wasRefused = false;
+    m_composer.giveUp();
+    if (m_buffer.isEmpty()) {
+        m_rest.stop();
+        m_composer.forget();
+        if (m_images)
+            m_images->setUnbakedPixels({});
+        return;
+    }
+    m_rest.start();
+}
+
+void PaintSession::rescue()
+{
+    if (m_buffer.isEmpty() || !m_images)
+        return;
+    if (m_isBaking || m_stroke || !m_composer.start(m_buffer, m_images))
+        m_rest.start();
+}
+
+void PaintSession::keepForRecovery(const QMap<int, QString> &pixels)
+{
+    if (m_images && !m_buffer.isEmpty())
+        m_images->setUnbakedPixels(pixels);
+}

@@ -1,0 +1,129 @@
+#pragma once
+
+#include "Ossa/Viewer/PaintComposer.h"
+#include "OssCore/OssResult.h"
+#include "OssCore/OssUndoManager.h"
+#include "OssEvaluation/Paint/OssEvStroke.h"
+
+#include <QHash>
+#include <QObject>
+#include <QPointer>
+#include <QRectF>
+#include <QTimer>
+
+#include <memory>
+#include <optional>
+
+class OssImageSet;
+class PaintTileStore;
+class OssSnImageSetNodeBase;
+
+/// The user's painting: on which node, with which brush, and the paint buffer, which holds the
+/// strokes that are in no image yet. GUI thread.
+///
+/// Every stroke is a step of the history, and so is clearing the buffer and baking it into the
+/// images, which leaves it empty; undoing that brings the strokes back. What the history needs for
+/// that is in a PaintTileStore. The buffer holds paint for
+/// one image set: before other images are painted on it is dealt with as the preferences say. It is
+/// baked by itself after a stroke that makes it larger than bufferBytes.
+///
+/// When the user rests, pixel files are made that have the paint on them: the copies of unsaved work
+/// name those, so a crash costs no more than the last seconds. Baking takes them as they are.
+class PaintSession : public QObject
+{
+    Q_OBJECT
+
+public:
+    static constexpr std::size_t bufferBytes = std::size_t(512) << 20;
+
+    explicit PaintSession(QObject *parent = nullptr);
+    ~PaintSession() override;
+
+    /// What strokes go to; null when there is nothing to paint on.
+    OssSnImageSetNodeBase *node() const;
+    /// False when the user did not want to leave the paint on the node before.
+    bool setNode(OssSnImageSetNodeBase *node);
+
+    /// In texels; see texelsAcross().
+    const OssEvBrush &brush() const { return m_brush; }
+
+    void setBrush(const OssEvBrush &brush);
+
+    const OssEvPaintBuffer &buffer() const { return m_buffer; }
+
+    /// Whether an eraser's stroke over images is baked at once, as one step with it: while what is
+    /// looked at lies behind the images, nothing else can tell what shows below.
+    void setBakesErasing(bool bakes) { m_bakesErasing = bakes; }
+
+    /// Texels across a patch of the paint.
+    int texelsAcross() const;
+
+    // --- strokes; places in patches, v upwards
+    /// False when there is nothing to paint on.
+    bool begin(const QPointF &place, double pressure = 1.0);
+    void moveTo(const QPointF &place, double pressure = 1.0);
+    void end();
+    /// Takes the stroke in hand back.
+    void cancel();
+
+    bool isPainting() const { return m_stroke.has_value(); }
+
+    /// Where the last stroke ended, for one that goes on from there.
+    std::optional<QPointF> lastPlace() const { return m_lastPlace; }
+
+    // --- the buffer as a whole
+    void clear();
+    /// Composes the paint over the images on a worker, while the user's input waits.
+    OssResult bake();
+    /// Bakes, or asks, as the preferences say; only when there is paint for the images.
+    void handleBakeBehavior(const OssImageSet *images);
+
+Q_SIGNALS:
+    /// The buffer's paint goes into the images, or comes back from them: the picture stays.
+    void baked();
+    /// In parts of the patch, from its top left corner.
+    void painted(int patch, const QRectF &area);
+    void brushChanged();
+    /// There is paint where there was none, or none any more; or another node.
+    void stateChanged();
+
+private:
+    friend class PaintStep;
+
+    enum Notice {
+        Show,
+        Quietly, ///< the pictures show what becomes of it already
+    };
+
+    bool settle();
+    void tellAreas(const OssEvStroke::Areas &areas);
+    using Tiles = std::vector<std::pair<OssEvPaintBuffer::Place, OssEvPaintTilePointer>>;
+
+    /// For the steps of the history.
+    PaintTileStore *tiles() const { return m_tiles.get(); }
+
+    void setTiles(OssImageSet *images, int resolution, const Tiles &tiles, Notice notice);
+    void record(const std::vector<OssEvStroke::Change> &changes, int kind);
+    void removeAll(Notice notice);
+    void noteChange();
+    void rescue();
+    void keepForRecovery(const QMap<int, QString> &pixels);
+    void forget();
+    int resolutionOf(const OssImageSet *images) const;
+    int widthOf(const QString &pixels) const;
+
+    QPointer<OssSnImageSetNodeBase> m_node;
+    QPointer<OssImageSet> m_images; ///< what the buffer's paint is for
+    OssEvBrush m_brush;
+    OssEvPaintBuffer m_buffer;
+    std::shared_ptr<PaintTileStore> m_tiles;
+    PaintComposer m_composer;
+    QTimer m_rest; ///< since the last change of the paint
+    std::optional<OssEvStroke> m_stroke;
+    std::unique_ptr<OssUndoManager::AutoMacro> m_macro; ///< of the stroke in hand
+    std::optional<QPointF> m_lastPlace;
+    mutable QHash<QString, int> m_widths; ///< of pixel files, which never change
+    bool m_bakesErasing = false;
+    bool m_isBaking = false;
+    bool m_wasRefused = false; ///< the user left the paint out, and it has not changed since
+};

@@ -1,0 +1,220 @@
+#include "Ossa/Viewer/UvView.h"
+
+#include "Ossa/Viewer/PaintSession.h"
+#include "Ossa/Viewer/ViewerPictures.h"
+#include "OssCoreModules/Images/OssCanvasManager.h"
+#include "OssEvaluation/Values/OssEvPatch.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QWheelEvent>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr double smallestScale = 8.0;
+constexpr double largestScale = 40000.0;
+constexpr double inset = 24.0;
+constexpr int checkSize = 10;
+
+QBrush checks()
+{
+    QImage image(2 * checkSize, 2 * checkSize, QImage::Format_RGB32);
+    image.fill(QColor(0x2a, 0x2c, 0x30));
+    QPainter painter(&image);
+    painter.fillRect(0, 0, checkSize, checkSize, QColor(0x34, 0x37, 0x3c));
+    painter.fillRect(checkSize, checkSize, checkSize, checkSize, QColor(0x34, 0x37, 0x3c));
+    return QBrush(image);
+}
+
+} // namespace
+
+UvView::UvView(const ViewerPictures *pictures, PaintSession *session, QWidget *parent)
+    : OssCanvasWidget(parent)
+    , m_pictures(pictures)
+    , m_session(session)
+{
+    setMouseTracking(true);
+    setFocusPolicy(Qt::StrongFocus);
+    setAccessibleName(tr("Texture patches"));
+    setMinimumSize(120, 100);
+    connect(pictures, &ViewerPictures::began, this, &UvView::showBegin);
+    connect(pictures, &ViewerPictures::changed, this, &UvView::showChange);
+    connect(session, &PaintSession::brushChanged, this, [this] { update(); });
+    OssCanvasManager::instance()->setCurrentCanvas(this);
+}
+
+UvView::~UvView() = default;
+
+void UvView::showBegin()
+{
+    if (m_fitted)
+        frameAll();
+    update();
+}
+
+void UvView::showChange(int patch, const QRect &area)
+{
+    const QRectF rect = rectOf(patch);
+    const double pixel = rect.width() / m_pictures->resolution();
+    update(QRectF(rect.topLeft() + QPointF(area.topLeft()) * pixel, QSizeF(area.size()) * pixel)
+               .toAlignedRect()
+               .adjusted(-1, -1, 1, 1));
+}
+
+QRectF UvView::rectOf(int patch) const
+{
+    return {m_origin + QPointF(OssEvPatch::column(patch), -OssEvPatch::row(patch) - 1) * m_scale,
+            QSizeF(m_scale, m_scale)};
+}
+
+QPointF UvView::toUv(const QPointF &place) const
+{
+    const QPointF way = (place - m_origin) / m_scale;
+    return {way.x(), -way.y()};
+}
+
+void UvView::frameAll()
+{
+    QRectF all;
+    const QList<int> patches = m_pictures->patches();
+    for (const int patch : patches)
+        all |= rectOf(patch);
+    if (all.isEmpty())
+        return;
+    const QSizeF room(std::max(1.0, width() - 2 * inset), std::max(1.0, height() - 2 * inset));
+    const double factor = std::min(room.width() / all.width(), room.height() / all.height());
+    const QPointF centre = QRectF(rect()).center();
+    m_origin = centre + (m_origin - all.center()) * factor;
+    m_scale *= factor;
+    m_fitted = true;
+    tellFocus();
+    update();
+}
+
+void UvView::paintEvent(QPaintEvent *)
+{
+    static const QBrush ground = checks();
+    QPainter painter(this);
+    painter.fillRect(rect(), QColor(0x1b, 0x1d, 0x20));
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, m_scale < m_pictures->resolution());
+    const QList<int> patches = m_pictures->patches();
+    for (const int patch : patches) {
+        const QRectF area = rectOf(patch);
+        if (!area.intersects(rect()))
+            continue;
+        painter.fillRect(area, ground);
+        painter.drawImage(area, m_pictures->picture(patch));
+        painter.setPen(QColor(0x4a, 0x4e, 0x55));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRect(area);
+        const QString number = QString::number(patch);
+        if (painter.fontMetrics().horizontalAdvance(number) + 8.0 > area.width())
+            continue;
+        painter.setPen(QColor(0xa8, 0xae, 0xb8));
+        painter.drawText(area.bottomLeft() + QPointF(4.0, 16.0), number);
+    }
+    drawOutline(&painter);
+    if (m_pictures->problem().isEmpty())
+        return;
+    painter.setPen(QColor(0xd0, 0x9a, 0x8c));
+    painter.drawText(QRectF(rect()).adjusted(inset, inset, -inset, -inset),
+                     Qt::AlignCenter | Qt::TextWordWrap, m_pictures->problem());
+}
+
+void UvView::tellFocus()
+{
+    Q_EMIT focusMoved(toUv(QRectF(rect()).center()));
+}
+
+void UvView::wheelEvent(QWheelEvent *event)
+{
+    const double wanted = m_scale * std::pow(1.25, event->angleDelta().y() / 120.0);
+    const double factor = std::clamp(wanted, smallestScale, largestScale) / m_scale;
+    m_origin = event->position() + (m_origin - event->position()) * factor;
+    m_scale *= factor;
+    m_fitted = false;
+    tellFocus();
+    update();
+}
+
+void UvView::mousePressEvent(QMouseEvent *event)
+{
+    m_last = event->pos();
+    if (m_isPainting && event->button() == Qt::LeftButton
+        && !(event->modifiers() & Qt::AltModifier))
+        paintPress(*event);
+}
+
+void UvView::mouseMoveEvent(QMouseEvent *event)
+{
+    if (m_session->isPainting()) {
+        m_session->moveTo(toUv(event->localPos()), m_pressure);
+    } else if ((event->buttons() & Qt::MiddleButton)
+               || ((event->buttons() & Qt::LeftButton)
+                   && (!m_isPainting || (event->modifiers() & Qt::AltModifier)))) {
+        m_origin += event->pos() - m_last;
+        m_fitted = false;
+        tellFocus();
+        update();
+    }
+    m_last = event->pos();
+    moveOutline(event->localPos());
+    Q_EMIT pointed(valuesAt(event->localPos()));
+}
+
+void UvView::mouseReleaseEvent(QMouseEvent *event)
+{
+    if (event->button() == Qt::LeftButton)
+        m_session->end();
+}
+
+void UvView::keyPressEvent(QKeyEvent *event)
+{
+    if (m_isPainting && paintKey(*event))
+        return;
+    if (event->key() == Qt::Key_F || event->key() == Qt::Key_A)
+        frameAll();
+    else
+        QWidget::keyPressEvent(event);
+}
+
+void UvView::resizeEvent(QResizeEvent *)
+{
+    if (m_fitted)
+        frameAll();
+}
+
+void UvView::enterEvent(QEvent *)
+{
+    Q_EMIT entered();
+}
+
+void UvView::leaveEvent(QEvent *)
+{
+    m_isPointed = false;
+    update(outlineRect());
+    Q_EMIT pointed({});
+}
+
+QString UvView::valuesAt(const QPointF &place) const
+{
+    const QPointF uv = toUv(place);
+    const int patch = OssEvPatch::number(int(std::floor(uv.x())), int(std::floor(uv.y())));
+    if (!m_pictures->has(patch))
+        return {};
+    const int resolution = m_pictures->resolution();
+    const QPointF texel = (place - rectOf(patch).topLeft()) / m_scale * resolution;
+    const QPoint pixel(std::clamp(int(texel.x()), 0, resolution - 1),
+                       std::clamp(int(texel.y()), 0, resolution - 1));
+    QString text = QStringLiteral("%1  %2, %3").arg(patch).arg(pixel.x()).arg(pixel.y());
+    QVector<float> values;
+    if (m_pictures->values(patch, pixel, &values)) {
+        for (const float value : qAsConst(values))
+            text += QStringLiteral("  %1").arg(double(value), 0, 'f', 4);
+    }
+    return text;
+}

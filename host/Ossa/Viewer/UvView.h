@@ -1,0 +1,82 @@
+#pragma once
+
+#include "OssCoreModules/Images/OssCanvasWidget.h"
+
+class PaintSession;
+class ViewerPictures;
+
+/// The patches of an object side by side, as their numbers place them, and the canvas to paint on
+/// them. Middle drag and Alt with left drag pan, the wheel zooms at the pointer, F shows everything.
+///
+/// While painting the left button draws: Shift goes on from the last stroke in a straight line, Ctrl
+/// picks the colour under the pointer, Escape takes the stroke in hand back, [ and ] change the
+/// brush's size, with Shift its hardness, E makes it an eraser. Otherwise left drag pans too.
+class UvView : public OssCanvasWidget
+{
+    Q_OBJECT
+
+public:
+    /// Pictures and session must outlive the view.
+    UvView(const ViewerPictures *pictures, PaintSession *session, QWidget *parent = nullptr);
+    ~UvView() override;
+
+    bool isPainting() const { return m_isPainting; }
+
+    void setPainting(bool on);
+
+    void handleBakeBehavior(OssImageSet *images) override;
+    OssResult bakePaint() override;
+
+    void frameAll();
+
+    QSize sizeHint() const override { return {420, 380}; }
+
+Q_SIGNALS:
+    /// The middle of what is seen moved; in patches, v upwards.
+    void focusMoved(const QPointF &place);
+    /// Values under the pointer, or where there are none an empty text.
+    void pointed(const QString &text);
+    /// The user points at the canvas and may be about to paint.
+    void entered();
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void tabletEvent(QTabletEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
+    void enterEvent(QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void leaveEvent(QEvent *event) override;
+
+private:
+    QRectF rectOf(int patch) const;
+    QPointF toUv(const QPointF &place) const;
+    QString valuesAt(const QPointF &place) const;
+    void tellFocus();
+    void showBegin();
+    void showChange(int patch, const QRect &area);
+
+    // Painting
+    void paintPress(const QMouseEvent &event);
+    bool paintKey(const QKeyEvent &event);
+    void pickColor(const QPointF &place);
+    double brushRadius() const;
+    void moveOutline(const QPointF &place);
+    void drawOutline(QPainter *painter) const;
+    QRect outlineRect() const;
+
+    const ViewerPictures *m_pictures;
+    PaintSession *m_session;
+    QPointF m_pointer; ///< where the brush is shown
+    bool m_isPointed = false;
+    bool m_isPainting = false;
+    double m_pressure = 1.0;
+    double m_scale = 300.0; ///< pixels of a patch
+    QPointF m_origin;       ///< of patch 1001's lower left corner
+    QPoint m_last;
+    bool m_fitted = true; ///< everything is shown, until the user looks elsewhere
+};

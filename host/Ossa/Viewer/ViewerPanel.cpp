@@ -1,0 +1,276 @@
+#include "Ossa/Viewer/ViewerPanel.h"
+
+#include "Ossa/Commands.h"
+#include "Ossa/Viewer/ObjectView.h"
+#include "Ossa/Viewer/PaintBar.h"
+#include "Ossa/Viewer/PaintSession.h"
+#include "Ossa/Viewer/UvView.h"
+#include "Ossa/Viewer/ViewerPictures.h"
+#include "Ossa/Viewer/ViewerSource.h"
+#include "OssCore/OssSettings.h"
+#include "OssCoreModules/Evaluation/OssEvaluationService.h"
+#include "OssCoreModules/Network/OssSnImageSetNodeBase.h"
+
+#include <QApplication>
+#include <QButtonGroup>
+#include <QComboBox>
+#include <QDoubleSpinBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QProgressBar>
+#include <QSplitter>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+namespace {
+
+const QString modeKey = QStringLiteral("Viewer/mode");
+
+QToolButton *makeSwitch(const QString &text, const QString &toolTip, QWidget *parent)
+{
+    auto *button = new QToolButton(parent);
+    button->setText(text);
+    button->setToolTip(toolTip);
+    button->setCheckable(true);
+    return button;
+}
+
+} // namespace
+
+ViewerPanel::ViewerPanel(QWidget *parent)
+    : QWidget(parent)
+    , m_source(new ViewerSource(this))
+    , m_pictures(new ViewerPictures(this))
+    , m_session(new PaintSession(this))
+    , m_paintBar(new PaintBar(m_session, m_source, this))
+    , m_view(new UvView(m_pictures, m_session, this))
+    , m_object(new ObjectView(m_pictures, this))
+    , m_views(new QSplitter(this))
+    , m_light(makeSwitch(tr("Light"), tr("Light the object, or show its plain colors (L)"), this))
+    , m_paint(makeSwitch(tr("Paint"), tr("Paint on the patches"), this))
+    , m_name(new QLabel(this))
+    , m_values(new QLabel(this))
+    , m_progress(new QProgressBar(this))
+    , m_channels(new QComboBox(this))
+    , m_resolution(new QComboBox(this))
+    , m_display(new QComboBox(this))
+    , m_exposure(new QDoubleSpinBox(this))
+    , m_gamma(new QDoubleSpinBox(this))
+{
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(6, 6, 6, 6);
+    layout->setSpacing(6);
+    layout->addWidget(makeControls());
+    layout->addWidget(m_paintBar);
+    m_views->setChildrenCollapsible(false);
+    m_views->addWidget(m_view);
+    m_views->addWidget(m_object);
+    layout->addWidget(m_views, 1);
+    layout->addWidget(makeFoot());
+    follow();
+    fileCommands();
+    setPainting(false);
+    setMode(Mode(OssSettings().value(modeKey, Patches).toInt()));
+}
+
+QWidget *ViewerPanel::makeFoot()
+{
+    auto *bar = new QWidget(this);
+    auto *foot = new QHBoxLayout(bar);
+    foot->setContentsMargins(0, 0, 0, 0);
+    m_progress->setMaximumWidth(120);
+    m_progress->setMaximumHeight(8);
+    m_progress->setTextVisible(false);
+    m_progress->hide();
+    foot->addWidget(m_name);
+    foot->addWidget(m_values, 1);
+    foot->addWidget(m_progress);
+    m_values->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    m_values->setMinimumWidth(40);
+    return bar;
+}
+
+void ViewerPanel::follow()
+{
+    connect(m_source, &ViewerSource::began, this,
+            [this](const QList<int> &patches, const QString &node, const QString &problem) {
+                m_name->setText(node);
+                followPaint();
+                m_pictures->begin(patches, m_source->resolution(), problem);
+                const OssGeoEntity *entity = m_source->entity();
+                m_object->setMesh(entity ? OssEvaluationService::instance()->mesh(entity)
+                                         : nullptr);
+                m_progress->setVisible(!patches.isEmpty());
+            });
+    connect(m_source, &ViewerSource::tileArrived, m_pictures, &ViewerPictures::setTile);
+    connect(m_source, &ViewerSource::progressed, this, [this](int done, int total) {
+        m_progress->setMaximum(total);
+        m_progress->setValue(done);
+        m_progress->setVisible(done < total);
+    });
+    connect(m_view, &UvView::focusMoved, m_source, &ViewerSource::setFocus);
+    connect(m_view, &UvView::pointed, m_values, &QLabel::setText);
+    m_pictures->setPaint(&m_session->buffer());
+    connect(m_session, &PaintSession::painted, m_pictures, &ViewerPictures::showPaint);
+    connect(m_session, &PaintSession::baked, m_pictures, &ViewerPictures::expectSamePicture);
+    connect(m_session, &PaintSession::stateChanged, this, &ViewerPanel::followPaint);
+    connect(m_view, &UvView::entered, this, [this] {
+        m_paintBar->refresh();
+        // The brush's keys act as soon as the pointer is here, but not while another palette is used.
+        if (m_view->isPainting() && isAncestorOf(QApplication::focusWidget()))
+            m_view->setFocus();
+    });
+    connect(m_paint, &QToolButton::toggled, this, &ViewerPanel::setPainting);
+    m_light->setChecked(m_object->isLit());
+    connect(m_light, &QToolButton::toggled, m_object, &ObjectView::setLit);
+    connect(m_object, &ObjectView::litChanged, m_light, &QToolButton::setChecked);
+}
+
+void ViewerPanel::addModes(QHBoxLayout *bar)
+{
+    auto *modes = new QButtonGroup(this);
+    modes->addButton(makeSwitch(tr("2D"), tr("The patches of the texture"), this), Patches);
+    modes->addButton(makeSwitch(tr("3D"), tr("The texture on the object"), this), Object);
+    modes->addButton(makeSwitch(tr("Both"), tr("Patches and object side by side"), this), Both);
+    const QList<QAbstractButton *> buttons = modes->buttons();
+    for (QAbstractButton *button : buttons)
+        bar->addWidget(button);
+    m_modes = modes;
+    connect(modes, &QButtonGroup::idClicked, this, [this](int mode) { setMode(Mode(mode)); });
+}
+
+void ViewerPanel::fileCommands()
+{
+    const QString folder = QStringLiteral("/Ossa/Viewer/");
+    const auto file = [&](const QString &name, const QString &tip, const auto &run) {
+        Commands::file(this, folder, name, run, tip);
+    };
+    file(tr("Show Patches"), tr("Show the patches of the texture"), [this] { setMode(Patches); });
+    file(tr("Show Object"), tr("Show the texture on the object"), [this] { setMode(Object); });
+    file(tr("Show Patches and Object"), tr("Show both side by side"), [this] { setMode(Both); });
+    file(tr("Toggle Light"), tr("Light the object, or show its plain colors"),
+         [this] { m_light->toggle(); });
+    file(tr("Toggle Painting"), tr("Paint on the patches, or only look at them"),
+         [this] { m_paint->toggle(); });
+    file(tr("New Paint"), tr("Put a new paint node over what the viewer shows"), [this] {
+        m_paint->setChecked(true);
+        m_paintBar->makeNode();
+    });
+    file(tr("Toggle Eraser"), tr("Take paint away with the brush, or paint"), [this] {
+        OssEvBrush brush = m_session->brush();
+        brush.erases = !brush.erases;
+        m_session->setBrush(brush);
+    });
+    file(tr("Bake Paint"), tr("Write the paint into the images of its node"),
+         [this] { m_paintBar->bake(); });
+    file(tr("Clear Paint"), tr("Take away all paint that is not baked"),
+         [this] { m_session->clear(); });
+}
+
+void ViewerPanel::setMode(Mode mode)
+{
+    if (!m_modes->button(mode))
+        mode = Patches;
+    m_modes->button(mode)->setChecked(true);
+    m_view->setVisible(mode != Object);
+    m_object->setVisible(mode != Patches);
+    m_light->setVisible(mode != Patches);
+    if (mode == Object)
+        m_paint->setChecked(false);
+    OssSettings().setValue(modeKey, int(mode));
+}
+
+QWidget *ViewerPanel::makeControls()
+{
+    auto *bar = new QWidget(this);
+    auto *rows = new QVBoxLayout(bar);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->setSpacing(4);
+    auto *top = new QHBoxLayout;
+    top->setSpacing(2);
+    addModes(top);
+    top->addWidget(m_light);
+    top->addWidget(m_paint);
+    top->addStretch(1);
+    top->addWidget(m_resolution);
+    rows->addLayout(top);
+    auto *layout = new QHBoxLayout;
+    layout->setSpacing(4);
+    rows->addLayout(layout);
+    m_channels->addItems({tr("Color"), tr("Red"), tr("Green"), tr("Blue"), tr("Alpha")});
+    m_channels->setAccessibleName(tr("Channels"));
+    m_display->addItems({tr("sRGB"), tr("Raw")});
+    m_display->setAccessibleName(tr("Display"));
+    for (const int size : {256, 512, 1024, 2048, 4096})
+        m_resolution->addItem(QString::number(size), size);
+    m_resolution->setCurrentIndex(2);
+    m_resolution->setAccessibleName(tr("Resolution of a patch"));
+    m_exposure->setRange(-16.0, 16.0);
+    m_exposure->setSingleStep(0.25);
+    m_exposure->setPrefix(tr("Exposure "));
+    m_exposure->setAccessibleName(tr("Exposure in stops"));
+    m_gamma->setRange(0.1, 5.0);
+    m_gamma->setValue(1.0);
+    m_gamma->setSingleStep(0.05);
+    m_gamma->setPrefix(tr("Gamma "));
+    m_gamma->setAccessibleName(tr("Gamma"));
+    for (QWidget *control :
+         std::initializer_list<QWidget *>{m_channels, m_display, m_exposure, m_gamma})
+        layout->addWidget(control);
+    layout->addStretch(1);
+    const auto changed = qOverload<int>(&QComboBox::currentIndexChanged);
+    connect(m_channels, changed, this, &ViewerPanel::applyLook);
+    connect(m_display, changed, this, &ViewerPanel::applyLook);
+    connect(m_resolution, changed, this,
+            [this] { m_source->setResolution(m_resolution->currentData().toInt()); });
+    const auto edited = qOverload<double>(&QDoubleSpinBox::valueChanged);
+    connect(m_exposure, edited, this, &ViewerPanel::applyLook);
+    connect(m_gamma, edited, this, &ViewerPanel::applyLook);
+    return bar;
+}
+
+void ViewerPanel::followPaint()
+{
+    const bool own = m_source->showsOnly(m_session->node());
+    m_pictures->setShowsOwnImages(own);
+    m_session->setBakesErasing(!own);
+}
+
+void ViewerPanel::setPainting(bool on)
+{
+    m_paintBar->setVisible(on);
+    m_view->setPainting(on);
+    m_paintBar->refresh();
+    // There is nothing to paint on in the other view.
+    if (on && m_modes->checkedId() == Object)
+        setMode(Both);
+}
+
+void ViewerPanel::applyLook()
+{
+    ViewerLook look;
+    look.channels = ViewerLook::Channels(m_channels->currentIndex());
+    look.exposure = m_exposure->value();
+    look.gamma = m_gamma->value();
+    look.raw = m_display->currentIndex() == 1;
+    m_pictures->setLook(look);
+    m_source->setLook(look);
+}
+
+void ViewerPanel::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    m_views->setOrientation(m_views->width() < m_views->height() ? Qt::Vertical : Qt::Horizontal);
+}
+
+void ViewerPanel::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    m_source->setActive(true);
+}
+
+void ViewerPanel::hideEvent(QHideEvent *event)
+{
+    QWidget::hideEvent(event);
+    m_source->setActive(false);
+}

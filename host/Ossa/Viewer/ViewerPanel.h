@@ -1,0 +1,67 @@
+#pragma once
+
+#include "Ossa/Viewer/ViewerPixels.h"
+
+#include <QWidget>
+
+class ObjectView;
+class PaintBar;
+class PaintSession;
+class QButtonGroup;
+class QComboBox;
+class QDoubleSpinBox;
+class QHBoxLayout;
+class QLabel;
+class QProgressBar;
+class QSplitter;
+class QToolButton;
+class UvView;
+class ViewerPictures;
+class ViewerSource;
+
+/// Body of the "Viewer" palette: the pixels of what the current viewer looks at, patch by patch, on
+/// the object, or both side by side.
+class ViewerPanel : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit ViewerPanel(QWidget *parent = nullptr);
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+
+private:
+    enum Mode { Patches, Object, Both };
+
+    QWidget *makeControls();
+    QWidget *makeFoot();
+    void addModes(QHBoxLayout *bar);
+    void follow();
+    void setMode(Mode mode);
+    void setPainting(bool on);
+    void followPaint();
+    void fileCommands();
+    void applyLook();
+
+    ViewerSource *m_source;
+    ViewerPictures *m_pictures;
+    PaintSession *m_session;
+    PaintBar *m_paintBar;
+    UvView *m_view;
+    ObjectView *m_object;
+    QSplitter *m_views;
+    QButtonGroup *m_modes = nullptr;
+    QToolButton *m_light;
+    QToolButton *m_paint;
+    QLabel *m_name;
+    QLabel *m_values;
+    QProgressBar *m_progress;
+    QComboBox *m_channels;
+    QComboBox *m_resolution;
+    QComboBox *m_display;
+    QDoubleSpinBox *m_exposure;
+    QDoubleSpinBox *m_gamma;
+};

@@ -1,0 +1,93 @@
+#pragma once
+
+#include "Ossa/Viewer/ViewerPixels.h"
+
+#include <QHash>
+#include <QList>
+#include <QObject>
+
+#include <array>
+
+class OssEvPaintBuffer;
+
+/// The patches as they are shown: display pixels of what the viewer looks at, with paint that is in
+/// no image yet on top. What all views of the Viewer draw.
+class ViewerPictures : public QObject
+{
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+
+    /// What is there goes on being shown until its pixels are replaced. `problem` says why nothing
+    /// will come, in words.
+    void begin(const QList<int> &patches, int resolution, const QString &problem);
+    /// A tile of a coarser picture is shown enlarged and has no values.
+    void setTile(int patch, int resolution, const QPoint &place, const QImage &picture,
+                 const OssEvTilePointer &tile);
+
+    /// How paint is shown from now on; the tiles that come are pictures already.
+    void setLook(const ViewerLook &look) { m_look = look; }
+
+    /// Null: there is no paint. It is looked at in setTile() and showPaint() and must outlive them.
+    void setPaint(const OssEvPaintBuffer *paint) { m_paint = paint; }
+
+    /// Whether what is shown is the paint's own images, so that an eraser can be seen to take from
+    /// them. Otherwise only fresh paint is seen to go.
+    void setShowsOwnImages(bool own) { m_showsOwnImages = own; }
+
+    /// What begins next will look as what is shown: no coarse picture is wanted in between.
+    void expectSamePicture() { m_expectsSame = true; }
+
+    /// Shows the paint in an area as it is now; in parts of the patch, from its top left corner.
+    void showPaint(int patch, const QRectF &area);
+
+    /// Ascending.
+    QList<int> patches() const;
+
+    bool has(int patch) const { return m_patches.contains(patch); }
+
+    /// Pixels across a patch.
+    int resolution() const { return m_resolution; }
+
+    QString problem() const { return m_problem; }
+
+    /// ARGB32, premultiplied; null for a patch that is not there.
+    QImage picture(int patch) const;
+    /// The values at a pixel with paint on them, premultiplied; false where none have come.
+    bool values(int patch, const QPoint &pixel, QVector<float> *channels) const;
+
+Q_SIGNALS:
+    /// Other patches, another resolution or another problem.
+    void began();
+    /// In pixels of the patch.
+    void changed(int patch, const QRect &area);
+
+private:
+    struct Patch
+    {
+        QImage picture;
+        QHash<QPair<int, int>, OssEvTilePointer> tiles;
+        QHash<QPair<int, int>, OssEvTilePointer> coarse; ///< until all others have come
+        int coarseResolution = 0;
+    };
+
+    enum Rows { AllRows, PaintedRows };
+
+    /// Puts paint on a texel; as a whole or, where it cannot be told what an eraser would bare,
+    /// without that.
+    void cover(const std::array<float, 5> &paint, float *rgba) const;
+
+    /// Makes the pixels of an area anew from values and paint.
+    void compose(int number, Patch *patch, const QRect &area, Rows rows);
+    void readBeneath(const Patch &patch, int x, int y, int count, float *rgba, bool *isColor) const;
+
+    QHash<int, Patch> m_patches;
+    int m_resolution = 1024;
+    QString m_problem;
+    ViewerLook m_look;
+    const OssEvPaintBuffer *m_paint = nullptr;
+    bool m_showsOwnImages = false;
+    bool m_expectsSame = false;
+    bool m_hidesCoarse = false;
+};

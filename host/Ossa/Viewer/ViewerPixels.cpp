@@ -1,0 +1,92 @@
+#include "Ossa/Viewer/ViewerPixels.h"
+
+#include "OssEvaluation/Files/OssEvColorSpaces.h"
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr int tileSize = OssEvTile::Size;
+
+/// What the pictures are made for: the first display of the colour configuration and its view.
+struct Screen
+{
+    std::shared_ptr<const OssEvColorSpaces> spaces = OssEvColorSpaces::builtIn();
+    std::string display;
+    std::string view;
+
+    Screen()
+    {
+        const std::vector<std::string> displays = spaces->displays();
+        display = displays.empty() ? std::string() : displays.front();
+        const std::vector<std::string> views = spaces->views(display);
+        view = views.empty() ? std::string() : views.front();
+    }
+
+    OssEvResult show(const ViewerLook &look, float *row, int count) const
+    {
+        return spaces->toDisplay(display, view, look.exposure, look.gamma, row, std::size_t(count));
+    }
+};
+
+int byteOf(float value)
+{
+    return int(std::lround(std::clamp(value, 0.0F, 1.0F) * 255.0F));
+}
+
+} // namespace
+
+void ViewerPixels::read(const OssEvTile &tile, int x, int y, int count, float *rgba)
+{
+    const int channels = tile.channels();
+    for (int i = 0; i < count; ++i, rgba += 4) {
+        rgba[3] = 1.0F;
+        for (int c = 0; c < channels; ++c)
+            rgba[c] = tile.texel(c, x + i, y);
+        if (channels == 1)
+            rgba[1] = rgba[2] = rgba[0];
+    }
+}
+
+void ViewerPixels::show(float *rgba, int count, bool isColor, const ViewerLook &look, QRgb *line)
+{
+    static const Screen screen;
+    for (int i = 0; i < count; ++i) {
+        float *texel = rgba + 4 * i;
+        if (look.channels != ViewerLook::Alpha && texel[3] > 0.0F) {
+            for (int c = 0; c < 3; ++c)
+                texel[c] /= texel[3];
+        }
+        if (look.channels != ViewerLook::Color) {
+            const float one = texel[look.channels - ViewerLook::Red];
+            texel[0] = texel[1] = texel[2] = one;
+            texel[3] = 1.0F;
+        }
+    }
+    // Masks and single channels are numbers, not light.
+    const bool transform = !look.raw && isColor && look.channels != ViewerLook::Alpha;
+    const OssEvResult shown = transform ? screen.show(look, rgba, count) : OssEvResult();
+    const float gain = transform ? 1.0F : float(std::exp2(look.exposure));
+    for (int i = 0; i < count; ++i) {
+        const float *texel = rgba + 4 * i;
+        line[i] = shown ? qRgba(byteOf(texel[0] * gain), byteOf(texel[1] * gain),
+                                byteOf(texel[2] * gain), byteOf(texel[3]))
+                        : qRgba(255, 0, 255, 255);
+    }
+}
+
+QImage ViewerPixels::picture(const OssEvTile &tile, const ViewerLook &look)
+{
+    QImage image(tileSize, tileSize, QImage::Format_ARGB32);
+    std::vector<float> row(tileSize * 4);
+    for (int y = 0; y < tileSize; ++y) {
+        read(tile, 0, y, tileSize, row.data());
+        show(row.data(), tileSize, tile.channels() > 1, look,
+             reinterpret_cast<QRgb *>(image.scanLine(y)));
+    }
+    return image;
+}

@@ -1,0 +1,255 @@
+#include "Ossa/Viewer/ViewerSource.h"
+
+#include "OssCore/OssUndoManager.h"
+#include "OssCoreModules/Evaluation/OssEvaluationService.h"
+#include "OssCoreModules/Network/OssShaderNetwork.h"
+#include "OssCoreModules/Network/OssShaderNetworkManager.h"
+#include "OssCoreModules/Network/OssSnBaseNode.h"
+#include "OssCoreModules/Network/OssSnProducer.h"
+#include "OssCoreModules/Network/OssSnResultKey.h"
+#include "OssCoreModules/Project/OssGeoEntity.h"
+#include "OssCoreModules/Project/OssProjectManager.h"
+#include "OssEvaluation/Schedule/OssEvPlan.h"
+#include "OssEvaluation/Values/OssEvPatch.h"
+
+namespace {
+
+constexpr int lookInterval = 60;  // milliseconds
+constexpr int longestHold = 1000; // milliseconds
+constexpr int coarseResolution = 256;
+
+/// What the current network's viewer looks at.
+OssSnProducer viewed(const OssShaderNetwork *network)
+{
+    const OssSnBaseNode *viewer = network ? network->viewerNode() : nullptr;
+    if (!viewer)
+        return {};
+    const QString input = QString::number(network->rootNetwork()->viewerNodeCurrentEdge());
+    return {viewer->inputNode(input), viewer->inputOutputPoint(input)};
+}
+
+} // namespace
+
+ViewerSource::ViewerSource(QObject *parent)
+    : QObject(parent)
+{
+    const auto touch = [this] {
+        m_dirty = true;
+    };
+    connect(OssUndoManager::instance(), &OssUndoManager::changed, this, touch);
+    const OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
+    connect(networks, &OssShaderNetworkManager::currentShaderNetworkChanged, this, touch);
+    connect(networks, &OssShaderNetworkManager::graphRefreshRequested, this, [this] { refresh(); });
+    connect(OssProjectManager::instance(), &OssProjectManager::projectClosing, this, [this] {
+        stop();
+        m_shown = {};
+        m_dirty = true;
+    });
+    connect(&m_timer, &QTimer::timeout, this, &ViewerSource::look);
+    m_timer.setInterval(lookInterval);
+}
+
+ViewerSource::~ViewerSource()
+{
+    const QVector<Running> running = m_running;
+    stop();
+    // Their callbacks know this object.
+    for (const Running &request : running)
+        OssEvaluationService::instance()->engine()->wait(request.id);
+}
+
+const OssGeoEntity *ViewerSource::entity() const
+{
+    return m_entity;
+}
+
+bool ViewerSource::shows(const OssSnBaseNode *node) const
+{
+    return m_sources.contains(node);
+}
+
+bool ViewerSource::showsOnly(const OssSnBaseNode *node) const
+{
+    return node && m_shown.node
+           && OssSnProducer::of(m_shown.node, m_shown.outputPoint).node == node;
+}
+
+void ViewerSource::setActive(bool active)
+{
+    m_active = active;
+    if (active) {
+        m_timer.start();
+        return;
+    }
+    m_timer.stop();
+    stop();
+    m_shown = {};
+}
+
+void ViewerSource::setLook(const ViewerLook &look)
+{
+    if (look == m_look)
+        return;
+    m_look = look;
+    refresh();
+}
+
+void ViewerSource::setResolution(int resolution)
+{
+    if (resolution == m_resolution)
+        return;
+    m_resolution = resolution;
+    refresh();
+}
+
+void ViewerSource::setFocus(const QPointF &place)
+{
+    m_focus = place;
+    for (const Running &request : qAsConst(m_running))
+        OssEvaluationService::instance()->engine()->setFocus(
+            request.id, (place.x() - OssEvPatch::column(request.patch)) * request.resolution,
+            (1.0 - (place.y() - OssEvPatch::row(request.patch))) * request.resolution);
+}
+
+void ViewerSource::refresh()
+{
+    m_shown = {};
+    m_dirty = true;
+}
+
+void ViewerSource::look()
+{
+    const OssShaderNetwork *network = OssShaderNetworkManager::instance()->currentShaderNetwork();
+    const OssSnProducer now = viewed(network);
+    const bool other = now.node != m_shown.node || now.outputPoint != m_shown.outputPoint;
+    if (!m_dirty && !other)
+        return;
+    // Under a steady drag every coarse picture would otherwise make way for the next.
+    if (m_coarseLeft > 0 && !other && m_sinceStart.elapsed() < longestHold)
+        return;
+    m_dirty = false;
+    const QString key = OssSnResultKey::of(now.node, now.outputPoint);
+    if (!other && key == m_shown.key && !key.isEmpty())
+        return;
+    m_shown = {now.node, now.outputPoint, key};
+    start(network ? network->geoEntity() : nullptr);
+}
+
+void ViewerSource::stop()
+{
+    ++m_generation;
+    for (const Running &request : qAsConst(m_running))
+        OssEvaluationService::instance()->engine()->cancel(request.id);
+    m_running.clear();
+    m_startFine = {};
+    m_coarseLeft = 0;
+    m_follower.reset();
+}
+
+void ViewerSource::start(const OssGeoEntity *entity)
+{
+    stop();
+    m_entity = entity;
+    m_sources.clear();
+    if (!m_shown.node) {
+        Q_EMIT began({}, {}, tr("Nothing is connected to the viewer here"));
+        return;
+    }
+    const OssSnEvaluationGraph graph = OssSnEvaluationGraph::of(m_shown.node, m_shown.outputPoint);
+    const QList<int> patches = graph.error.isEmpty()
+                                   ? OssEvaluationService::instance()->patches(entity)
+                                   : QList<int>();
+    m_sources = graph.sources;
+    Q_EMIT began(patches, m_shown.node->name(), graph.error);
+    follow(graph);
+    const bool coarse = m_resolution > coarseResolution;
+    m_startFine = [this, graph, patches, entity = m_entity] {
+        for (const int patch : patches)
+            startPatch(graph, entity, patch, m_resolution);
+        setFocus(m_focus);
+    };
+    m_coarseLeft = coarse ? patches.size() : 0;
+    m_sinceStart.start();
+    if (!coarse) {
+        m_startFine();
+        return;
+    }
+    for (const int patch : patches)
+        startPatch(graph, entity, patch, coarseResolution);
+    setFocus(m_focus);
+}
+
+void ViewerSource::follow(const OssSnEvaluationGraph &graph)
+{
+    // A value that is being dragged is no step of the history yet.
+    m_follower = std::make_unique<QObject>();
+    for (const OssSnBaseNode *node : graph.sources)
+        connect(node, &OssSnBaseNode::userAttributeChanged, m_follower.get(),
+                [this] { m_dirty = true; });
+}
+
+template <class Work>
+void ViewerSource::later(int generation, Work work)
+{
+    QMetaObject::invokeMethod(
+        this,
+        [this, generation, work] {
+            if (generation == m_generation)
+                work();
+        },
+        Qt::QueuedConnection);
+}
+
+void ViewerSource::startPatch(const OssSnEvaluationGraph &graph, const OssGeoEntity *entity,
+                              int patch, int resolution)
+{
+    OssEvRequest request;
+    request.target = OssEvaluationService::instance()->target(graph, entity, patch, resolution);
+    const int generation = m_generation;
+    const ViewerLook look = m_look;
+    request.onTile = [this, generation, patch, resolution, look](const OssEvArrival &arrival) {
+        const QImage picture = ViewerPixels::picture(*arrival.tile, look);
+        const QPoint place(arrival.x * OssEvTile::Size, arrival.y * OssEvTile::Size);
+        later(generation, [this, patch, resolution, place, picture, tile = arrival.tile] {
+            Q_EMIT tileArrived(patch, resolution, place, picture, tile);
+        });
+    };
+    request.onProgress = [this, generation, patch, resolution](int done, int total) {
+        later(generation, [=] { progress(patch, resolution, done, total); });
+    };
+    request.onFinished = [this, generation, resolution](const OssEvOutcome &outcome) {
+        later(generation, [this, resolution, problem = QString::fromStdString(outcome.error)] {
+            finish(resolution, problem);
+        });
+    };
+    m_running.append({OssEvaluationService::instance()->engine()->start(std::move(request)), patch,
+                      resolution, 0, 0});
+}
+
+void ViewerSource::finish(int resolution, const QString &problem)
+{
+    if (!problem.isEmpty()) {
+        Q_EMIT began({}, m_shown.node ? m_shown.node->name() : QString(), problem);
+        return;
+    }
+    if (resolution < m_resolution && --m_coarseLeft == 0)
+        m_startFine();
+}
+
+void ViewerSource::progress(int patch, int resolution, int done, int total)
+{
+    int allDone = 0;
+    int all = 0;
+    for (Running &request : m_running) {
+        if (request.resolution != resolution)
+            continue;
+        if (request.patch == patch) {
+            request.done = done;
+            request.total = total;
+        }
+        allDone += request.done;
+        all += request.total;
+    }
+    if (resolution == m_resolution)
+        Q_EMIT progressed(allDone, all);
+}

@@ -1,0 +1,107 @@
+#pragma once
+
+#include "Ossa/Viewer/ViewerPixels.h"
+#include "OssCoreModules/Evaluation/OssSnEvaluationGraph.h"
+#include "OssEvaluation/Schedule/OssEvEngine.h"
+
+#include <QElapsedTimer>
+#include <QImage>
+#include <QObject>
+#include <QPointer>
+#include <QRect>
+#include <QTimer>
+
+#include <functional>
+#include <memory>
+
+class OssGeoEntity;
+class OssSnBaseNode;
+
+/// Follows what the current viewer looks at and has it computed. Watches cheaply: only when the
+/// document or the viewer changed it asks whether the picture would be another one. A newer request
+/// takes the place of the one that runs. A coarse picture comes first, so that a value under the
+/// user's hand shows at once what it does. Nothing here waits for pixels.
+class ViewerSource : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit ViewerSource(QObject *parent = nullptr);
+    ~ViewerSource() override;
+
+    void setLook(const ViewerLook &look);
+    void setResolution(int resolution);
+
+    int resolution() const { return m_resolution; }
+
+    /// Whose surface the picture belongs to; null when no object is open.
+    const OssGeoEntity *entity() const;
+
+    /// Whether the picture depends on the node.
+    bool shows(const OssSnBaseNode *node) const;
+
+    /// Whether the picture is what the node puts out, and nothing is done to it.
+    bool showsOnly(const OssSnBaseNode *node) const;
+
+    /// Where the user looks, in patches: tiles nearest to it come first.
+    void setFocus(const QPointF &place);
+    /// Has all pixels made anew.
+    void refresh();
+    /// While off nothing is computed.
+    void setActive(bool active);
+
+Q_SIGNALS:
+    /// Another picture begins: these patches will come. `node` is what it is of; `problem` says why
+    /// nothing will come, in words.
+    void began(const QList<int> &patches, const QString &node, const QString &problem);
+    /// In texels of the patch at that resolution, which for the coarse picture is a lower one; from
+    /// the top.
+    void tileArrived(int patch, int resolution, const QPoint &place, const QImage &picture,
+                     const OssEvTilePointer &tile);
+    void progressed(int done, int total);
+
+private:
+    struct Shown
+    {
+        QPointer<const OssSnBaseNode> node;
+        QString outputPoint;
+        QString key;
+    };
+
+    struct Running
+    {
+        OssEvEngine::Id id;
+        int patch;
+        int resolution;
+        int done;
+        int total;
+    };
+
+    void look();
+    void start(const OssGeoEntity *entity);
+    void startPatch(const OssSnEvaluationGraph &graph, const OssGeoEntity *entity, int patch,
+                    int resolution);
+    void follow(const OssSnEvaluationGraph &graph);
+    void stop();
+    void progress(int patch, int resolution, int done, int total);
+    void finish(int resolution, const QString &problem);
+    /// Has it done on this object's thread, unless another picture has begun by then.
+    template <class Work>
+    void later(int generation, Work work);
+
+    QTimer m_timer;
+    bool m_dirty = true;
+    bool m_active = false;
+    Shown m_shown;
+    QPointer<const OssGeoEntity> m_entity;
+    QVector<const OssSnBaseNode *> m_sources; ///< of the picture; only to be compared
+    ViewerLook m_look;
+    int m_resolution = 1024;
+    QPointF m_focus{0.5, 0.5};
+    int m_generation = 0;
+    int m_coarseLeft = 0; ///< coarse patches that have not come yet
+    QElapsedTimer m_sinceStart;
+    std::function<void()> m_startFine;
+    std::unique_ptr<QObject> m_follower; ///< receiver of the connections to the sources
+    QVector<Running> m_running;
+};

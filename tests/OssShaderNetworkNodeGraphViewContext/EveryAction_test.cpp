@@ -1,0 +1,248 @@
+#include "GraphFixture.h"
+#include "OssCoreModules/Interface/OssActionTreeManager.h"
+#include "OssCoreModules/Interface/OssApplication.h"
+#include "OssCoreModules/Network/OssShaderNetworkIO.h"
+#include "PluginUnderTest.h"
+
+#include <QAction>
+
+#include <array>
+
+namespace {
+
+/// What is selected when an action is triggered.
+enum Situation { Nothing, One, Many, Protected, Viewer };
+
+constexpr std::array<const char *, 5> SituationNames{"nothing", "one node", "many nodes",
+                                                     "a protected node", "the viewer"};
+
+/// One action in all situations: the title of its undo step, null where it leaves none, and a line
+/// it has to write.
+struct Row
+{
+    const char *action;
+    std::array<const char *, 5> titles{};
+    std::vector<std::pair<Situation, const char *>> lines = {};
+    /// It changes how nodes are shown, which is saved but not undone.
+    bool showsOtherwise = false;
+};
+
+constexpr std::array<const char *, 5> always(const char *title)
+{
+    return {title, title, title, title, title};
+}
+
+/// Color and Scalar over each other, blurred, levelled, shown; beside them a protected node.
+class EveryActionTest : public GraphFixture
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(pluginUnderTest());
+        GraphFixture::SetUp();
+        m_popups = OssApplication::popupsAllowed();
+        OssApplication::setPopupsAllowed(false);
+        OssSnBaseNode *color = addAt("Procedural/Color", {0, 0});
+        OssSnBaseNode *scalar = addAt("Procedural/Scalar", {0, 200});
+        OssSnBaseNode *merge = addAt("Layer/Merge", {300, 0});
+        m_blur = addAt("Filter/Blur", {600, 0});
+        OssSnBaseNode *levels = addAt("Adjust/Levels", {900, 0});
+        wire(color, merge, "Base");
+        wire(scalar, merge, "Over");
+        wire(merge, m_blur);
+        wire(m_blur, levels);
+        m_protected = addAt("_System/Graph Layer Input", {0, 400}, "Layers");
+        m_viewer = m_network->viewerNode();
+        contextOf(m_viewer)->setNodePosition({1300, 400});
+        m_viewer->setInputNode(QStringLiteral("1"), levels, levels->prefferedOutputPoint());
+        m_many = {merge, m_blur, levels};
+        OssShaderNetworkIO::copyNodesToClipboard({m_blur}, {});
+    }
+
+    void TearDown() override
+    {
+        OssApplication::setPopupsAllowed(m_popups);
+        GraphFixture::TearDown();
+    }
+
+    void select(Situation situation)
+    {
+        const QList<OssSnBaseNode *> chosen = situation == One         ? QList{m_blur}
+                                              : situation == Many      ? m_many
+                                              : situation == Protected ? QList{m_protected}
+                                              : situation == Viewer    ? QList{m_viewer}
+                                                                       : QList<OssSnBaseNode *>();
+        const QList<OssSnBaseNode *> all = m_network->nodes();
+        for (OssSnBaseNode *node : all)
+            node->setSelected(chosen.contains(node));
+    }
+
+    static void trigger(const char *name)
+    {
+        QAction *action = OssActionTreeManager::instance()->findAction(
+            QStringLiteral("/Ossa/NodeGraph/") + QLatin1String(name));
+        ASSERT_NE(action, nullptr);
+        action->trigger();
+    }
+
+    void check(const Row &row, Situation situation)
+    {
+        SCOPED_TRACE(std::string(row.action) + " with " + SituationNames.at(situation));
+        select(situation);
+        OssUndoManager::instance()->clear();
+        OssDebugLog::instance()->clear();
+        const QByteArray before = m_project->stateHash();
+        trigger(row.action);
+        m_network->setViewerNodeCurrentEdge(1, true); // saved, but not undone
+        const char *title = row.titles.at(situation);
+        EXPECT_EQ(undoCount(), title ? 1 : 0) << qPrintable(OssUndoManager::instance()->undoText());
+        EXPECT_EQ(OssUndoManager::instance()->undoText().toStdString(), title ? title : "");
+        for (const auto &[where, line] : row.lines) {
+            EXPECT_TRUE(where != situation || logHas(QString::fromLatin1(line))) << line;
+        }
+        expectItemsMatchModel();
+        if (row.showsOtherwise)
+            return;
+        EXPECT_EQ(m_project->stateHash() != before, title != nullptr);
+        expectUndoIsExact(before);
+        OssUndoManager::instance()->undo();
+    }
+
+    bool m_popups = true;
+    OssSnBaseNode *m_blur = nullptr;
+    OssSnBaseNode *m_protected = nullptr;
+    OssSnBaseNode *m_viewer = nullptr;
+    QList<OssSnBaseNode *> m_many;
+};
+
+const char *const toViewer = "Connect node 'Blur' to Viewer";
+const char *const layersToViewer = "Connect node 'Layers' to Viewer";
+const std::array<const char *, 5> connects{nullptr, toViewer, nullptr, layersToViewer, nullptr};
+const char *const noBakePoints = "[ !! ] No Bake Point nodes are selected";
+const char *const isProtected = "[ -- ] Node 'Layers' cannot be removed by the user, it's a "
+                                "protected graph layer node";
+
+// clang-format off
+const Row rows[] = {
+    {"Connect Selected Node to Viewer", connects},
+    {"Connect Selected Node to Viewer2", connects},
+    {"Connect Selected Node to Viewer3", connects},
+    {"Connect Selected Node to Viewer4", connects},
+    {"Connect Selected Node to Viewer5", connects},
+    {"Connect Selected Node to Viewer6", connects},
+    {"Connect Selected Node to Viewer7", connects},
+    {"Connect Selected Node to Viewer8", connects},
+    {"Connect Selected Node to Viewer9", connects},
+    {"Connect Selected Node to Viewer0", {}, {{One, "Input 0 is reserved."}}},
+    {"Move Viewer to Cursor", {}, {}, true},
+    {"Delete", {nullptr, "Remove Selected Nodes", "Remove Selected Nodes", nullptr, "Remove Selected Nodes"},
+     {{Protected, isProtected}}},
+    {"Extract", {nullptr, "Extract Nodes", "Extract Nodes", nullptr, "Extract Nodes"}},
+    {"Remove All Nodes", always("Remove All Nodes")},
+    {"Frame Nodes"},
+    {"Focus Selection"},
+    {"Disable", {nullptr, "Disable Blur", "Toggle Selected Nodes", "Disable Layers", nullptr}},
+    {"Bypass", {nullptr, "Bypass Blur", "Bypass", "Bypass Layers", "Bypass Viewer"}},
+    {"Quick Create"},
+    {"Duplicate", {nullptr, "Duplicate Nodes", "Duplicate Nodes", "Duplicate Nodes", nullptr}},
+    {"Select All"},
+    {"Cut", {nullptr, "Cut Nodes", "Cut Nodes", nullptr, nullptr}, {{Protected, isProtected}}},
+    {"Copy"},
+    {"Paste", always("Paste Nodes")},
+    {"Search Node", {}, {{Nothing, "[ !! ] Found "}}},
+    {"Create Paint Node", always("Add Paint Node")},
+    {"Bake to Paint Node", {nullptr, "Bake to Paintable", nullptr, nullptr, nullptr},
+     {{Nothing, "Only one node must be selected for baking to a paintable node"},
+      {Many, "Only one node must be selected for baking to a paintable node"}}},
+    {"Export to Geo-Channel", {},
+     {{Nothing, "Only one node must be selected for exporting to a geo-channel."},
+      {One, "[ !! ] Unable to request geo-channel from user"},
+      {Many, "Only one node must be selected for exporting to a geo-channel."}}},
+    {"Info Viewer"},
+    {"Swap Inputs", {nullptr, "Swap Inputs", nullptr, nullptr, "Swap Inputs"},
+     {{Nothing, "Only one node must be selected for swapping inputs."},
+      {Many, "More than one node selected for swap inputs."},
+      {Protected, "The selected node has fewer than two inputs to swap."}}},
+    {"Rename Node", {}, {{Many, "Only one node must be selected for renaming"}}},
+    {"Import Nodes"},
+    {"Export Nodes"},
+    {"Import Material"},
+    {"Import Custom Procedural"},
+    {"Toggle Port List", {}, {}, true},
+    {"Cycle Port List Mode", {}, {}, true},
+    {"Smart Bake And Update", {}, {{Nothing, "[ !! ] No Bake Point nodes found"}}},
+    {"Bake Selected", {}, {{Nothing, noBakePoints}, {Many, noBakePoints}}},
+    {"Update Selected", {}, {{Nothing, noBakePoints}, {Viewer, noBakePoints}}},
+    {"Update Upstream", {}, {{Nothing, "[ !! ] No nodes are selected"}, {One, "[ !! ] No upstream Bake Point nodes found"}}},
+    {"Update Downstream", {}, {{Nothing, "[ !! ] No nodes are selected"}, {One, "[ !! ] No downstream Bake Point nodes found"}}},
+    {"Manage User Knobs"},
+    {"Expose Node Properties"},
+    {"Open Group Node Subgraph"},
+    {"Pick Up Edge Under Mouse"},
+    {"Select All Upstream"},
+    {"Select All Downstream"},
+    {"Select Stream Upstream"},
+    {"Select Stream Downstream"},
+    {"Select Previous Upstream"},
+    {"Select Next Downstream"},
+    {"Add Select Previous Upstream"},
+    {"Add Select Next Downstream"},
+    {"Select Next Sibling"},
+    {"Select Previous Sibling"},
+    {"Add Select Next Sibling"},
+    {"Add Select Previous Sibling"},
+    {"Select Between"},
+    {"Zoom In"},
+    {"Zoom Out"},
+    {"Pan Left"},
+    {"Pan Right"},
+    {"Pan Up"},
+    {"Pan Down"},
+    {"Open Node Properties"},
+    {"Toggle Snap to Grid"},
+    {"Toggle Edge Sever Mode"},
+};
+// clang-format on
+
+} // namespace
+
+TEST_F(EveryActionTest, isOneStepWithItsTitleOrAnEffectlessRefusal)
+{
+    for (const Row &row : rows) {
+        for (const Situation situation : {Nothing, One, Many, Protected, Viewer}) {
+            check(row, situation);
+            if (HasFatalFailure())
+                return;
+        }
+    }
+}
+
+TEST_F(EveryActionTest, doesNothingButSaySoWithoutAView)
+{
+    QTabWidget *widget = m_manager->nodeGraphWidget();
+    QWidget other;
+    widget->addTab(&other, QStringLiteral("other"));
+    widget->setCurrentWidget(&other);
+    OssUndoManager::instance()->clear();
+    const QByteArray before = m_project->stateHash();
+    select(Many);
+    for (const Row &row : rows) {
+        SCOPED_TRACE(row.action);
+        OssDebugLog::instance()->clear();
+        trigger(row.action);
+        EXPECT_TRUE(logHas(QStringLiteral("ShaderNetworkView is NULL")));
+    }
+    EXPECT_EQ(undoCount(), 0);
+    EXPECT_EQ(m_project->stateHash(), before);
+    widget->removeTab(1);
+}
+
+TEST_F(EveryActionTest, standsInTheTableOfTheTests)
+{
+    QSet<QString> tested;
+    for (const Row &row : rows)
+        tested.insert(QString::fromLatin1(row.action));
+#define OSS_LISTED(text, slot, call) EXPECT_TRUE(tested.contains(QStringLiteral(text))) << (text);
+    OSS_NODE_GRAPH_ACTIONS(OSS_LISTED, OSS_LISTED)
+#undef OSS_LISTED
+}

@@ -1,0 +1,173 @@
+#include "GraphFixture.h"
+#include "OssAPI/NodeGraphPalette.h"
+#include "OssCoreModules/Interface/OssPalette.h"
+#include "OssCoreModules/Interface/OssPaletteManager.h"
+#include "OssCoreModules/Script/OssaApplication.h"
+#include "OssCoreModules/Script/OssaNode.h"
+#include "OssCoreModules/Script/OssaNodeGraph.h"
+#include "OssCoreModules/Script/OssScriptManager.h"
+#include "OssCoreModules/Script/OssScriptObjects.h"
+#include "PluginUnderTest.h"
+
+#include <QCoreApplication>
+
+namespace {
+
+OssScriptManager *scripts()
+{
+    return OssScriptManager::instance();
+}
+
+class ScriptObjects : public GraphFixture
+{
+protected:
+    void SetUp() override
+    {
+        GraphFixture::SetUp();
+        pluginUnderTest();
+        m_internal = OssPaletteManager::instance()->find(QStringLiteral("Node Graph"));
+        ASSERT_NE(m_internal, nullptr);
+        m_palette = OssScriptObject<Ossa::NodeGraphPalette>(m_internal);
+        ASSERT_NE(m_palette, nullptr);
+        m_tabs = qobject_cast<OssSnNodeGraphWidget *>(m_internal->originalWidget());
+        ASSERT_NE(m_tabs, nullptr);
+        scripts()->clearError();
+    }
+
+    /// The type and text of what the call reported, which is forgotten.
+    static void expectReported(int type, const char *message)
+    {
+        EXPECT_TRUE(scripts()->hasError()) << message;
+        EXPECT_EQ(int(scripts()->lastError().type), type);
+        EXPECT_EQ(scripts()->lastError().message, QString::fromUtf8(message));
+        scripts()->clearError();
+    }
+
+    OssPalette *m_internal = nullptr;
+    Ossa::NodeGraphPalette *m_palette = nullptr;
+    OssSnNodeGraphWidget *m_tabs = nullptr;
+};
+
+} // namespace
+
+TEST_F(ScriptObjects, tabsAreReachedByIndexAndWrongOnesAreRefused)
+{
+    EXPECT_EQ(m_palette->currentTabIndex(), m_tabs->currentIndex());
+    m_palette->setCurrentTabIndex(-1);
+    expectReported(13, "CurrentTabIndex cannot be a negative number");
+    m_palette->setCurrentTabIndex(m_tabs->count());
+    expectReported(13, "CurrentTabIndex cannot be larger than or equal to the number of open tabs");
+    EXPECT_EQ(m_tabs->currentIndex(), 0);
+    EXPECT_EQ(m_palette->nodeGraphView(m_tabs->count()), nullptr);
+    EXPECT_EQ(m_palette->nodeGraphView(-1), nullptr);
+    EXPECT_FALSE(scripts()->hasError());
+    ASSERT_EQ(m_palette->nodeGraphViewList().size(), m_tabs->count());
+    EXPECT_EQ(m_palette->nodeGraphViewList().first(), m_palette->nodeGraphView(0));
+    EXPECT_EQ(m_palette->nodeGraphView(0)->internalObject(), m_tabs->widget(0));
+}
+
+TEST_F(ScriptObjects, aTabIsFoundOrOpenedForAGraph)
+{
+    auto *group = qobject_cast<OssSnGroupNode *>(add("Misc/Group"));
+    auto *other = qobject_cast<OssSnGroupNode *>(add("Misc/Group"));
+    auto *inside = OssScriptObject<Ossa::NodeGraph>(group->groupNetwork());
+    const int index = m_palette->indexForNodeGraph(inside);
+    ASSERT_EQ(index, 1);
+    EXPECT_EQ(m_tabs->currentIndex(), 0) << "is not made current";
+    EXPECT_EQ(m_palette->nodeGraphView(index)->nodeGraph(), inside);
+    EXPECT_EQ(m_palette->indexForNodeGraph(inside), 1) << "found, not opened again";
+    EXPECT_EQ(m_palette->indexForNodeGraph(OssScriptObject<Ossa::NodeGraph>(other->groupNetwork())),
+              2);
+    m_palette->closeTab(1);
+    EXPECT_EQ(m_tabs->count(), 2);
+    EXPECT_EQ(m_palette->indexForNodeGraph(inside), 2) << "reopened at the end";
+    EXPECT_EQ(m_palette->indexForNodeGraph(OssScriptObject<Ossa::NodeGraph>(m_network)), 0);
+    EXPECT_FALSE(scripts()->hasError());
+    EXPECT_EQ(m_palette->indexForNodeGraph(nullptr), -1);
+    expectReported(11, "Cannot obtain the Shader Network object");
+}
+
+TEST_F(ScriptObjects, aViewIsZoomedAndMoved)
+{
+    Ossa::NodeGraphView *view = m_palette->nodeGraphView(0);
+    ASSERT_NE(view, nullptr);
+    EXPECT_EQ(view->nodeGraph()->internalObject(), m_network);
+    for (const float level : {2.0F, 0.5F, 1.0F}) {
+        view->setZoomLevel(level);
+        EXPECT_NEAR(view->zoomLevel(), level, 1e-4);
+        EXPECT_NEAR(m_view->transform().m11(), double(level), 1e-4);
+    }
+    view->setCenter({300.0, -200.0});
+    EXPECT_NEAR(view->center().x(), 300.0, 2.0);
+    EXPECT_NEAR(view->center().y(), -200.0, 2.0);
+    const QPoint middle(m_view->width() / 2, m_view->height() / 2);
+    EXPECT_EQ(view->posFromGlobalPos(m_view->mapToGlobal(middle)), view->center());
+}
+
+TEST_F(ScriptObjects, otherObjectsAreReportedByEverySlot)
+{
+    QObject stranger;
+    const Ossa::NodeGraphPalette none(&stranger);
+    EXPECT_TRUE(none.isNull());
+    expectReported(
+        11, "Invalid OssPalette object passed to Ossa::NodeGraphPalette::NodeGraphPalette().");
+    const Ossa::NodeGraphView noView(&stranger);
+    expectReported(11,
+                   "Invalid QGraphicsView object passed to Ossa::NodeGraphView::NodeGraphView().");
+    EXPECT_EQ(noView.zoomLevel(), 0.0F);
+    expectReported(0, "Internal QGraphicsView object not valid");
+
+    OssPalette plain;
+    plain.setBodyWidget(new QWidget);
+    Ossa::NodeGraphPalette wrong(&plain);
+    const char *const text = "Cannot obtain the Node Graph widget";
+    EXPECT_EQ(wrong.currentTabIndex(), -1);
+    expectReported(11, text);
+    wrong.setCurrentTabIndex(-1);
+    expectReported(11, text);
+    wrong.closeTab(0);
+    expectReported(11, text);
+    EXPECT_TRUE(wrong.nodeGraphViewList().isEmpty());
+    expectReported(11, text);
+    EXPECT_EQ(wrong.nodeGraphView(0), nullptr);
+    expectReported(11, text);
+    EXPECT_EQ(wrong.indexForNodeGraph(nullptr), -1);
+    expectReported(11, text);
+
+    QGraphicsView foreign;
+    const Ossa::NodeGraphView wrongView(&foreign);
+    EXPECT_EQ(wrongView.nodeGraph(), nullptr);
+    expectReported(11, "Cannot obtain the Node Graph view");
+    EXPECT_EQ(wrongView.center(), QPointF());
+    expectReported(11, "Cannot obtain the Node Graph view");
+
+    auto passing = std::make_unique<OssPalette>();
+    const Ossa::NodeGraphPalette gone(passing.get());
+    passing.reset();
+    EXPECT_EQ(gone.currentTabIndex(), -1);
+    expectReported(0, "Internal OssPalette object not valid");
+}
+
+// The application finds the palette by name, in the class that the plug-in gave it.
+TEST_F(ScriptObjects, thePaletteIsFoundInItsOwnClassAndOthersInTheGeneralOne)
+{
+    const auto *application = OssScriptObject<Ossa::Application>(qApp);
+    EXPECT_EQ(application->palette(QStringLiteral("Node Graph")), m_palette);
+    const Ossa::Palette *other = application->palette(QStringLiteral("Node Properties"));
+    ASSERT_NE(other, nullptr);
+    EXPECT_STREQ(other->metaObject()->className(), "Ossa::Palette");
+}
+
+TEST_F(ScriptObjects, positionsAndSizesAreUndoable)
+{
+    auto *node = OssScriptObject<Ossa::Node>(add("Misc/Backdrop"));
+    const QByteArray start = m_project->stateHash();
+    node->setPosition({120.0, -40.0});
+    node->setSize({500.0, 300.0});
+    EXPECT_EQ(node->position(), QPointF(120.0, -40.0));
+    EXPECT_EQ(node->size(), QSizeF(500.0, 300.0));
+    EXPECT_NE(m_project->stateHash(), start);
+    OssUndoManager::instance()->undo();
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(m_project->stateHash(), start);
+}

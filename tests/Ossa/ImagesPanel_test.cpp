@@ -1,0 +1,84 @@
+#include "Ossa/ImagesPanel.h"
+
+#include "Ossa/ImageListModel.h"
+#include "OssCore/OssUndoManager.h"
+#include "OssCoreModules/Images/OssImage.h"
+#include "OssCoreModules/Images/OssImageManager.h"
+#include "OssCoreModules/Project/OssProject.h"
+#include "OssCoreModules/Project/OssProjectManager.h"
+
+#include <gtest/gtest.h>
+
+#include <QIcon>
+#include <QListView>
+#include <QMimeData>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <memory>
+
+namespace {
+
+class Images : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        OssProjectManager::instance()->newProject(QStringLiteral("Test"));
+        for (const char *name : {"rust.1001.png", "rust.1002.png", "wood.png"}) {
+            QImage picture(8, 4, QImage::Format_RGB32);
+            picture.fill(Qt::red);
+            ASSERT_TRUE(picture.save(path(name)));
+        }
+    }
+
+    void TearDown() override { OssProjectManager::instance()->closeProject(); }
+
+    QString path(const char *name) const { return m_folder.filePath(QString::fromLatin1(name)); }
+
+    QTemporaryDir m_folder;
+};
+
+} // namespace
+
+TEST_F(Images, comeAsOneStepWithTheirPicturesAndGoAsIds)
+{
+    ImageListModel model;
+    const QStringList reasons = ImageListModel::add(
+        {path("wood.png"), path("rust.1002.png"), path("none.png")});
+    ASSERT_EQ(reasons.size(), 1);
+    EXPECT_TRUE(reasons.first().contains(QStringLiteral("none.png")));
+    ASSERT_EQ(model.rowCount(), 2);
+    EXPECT_EQ(OssUndoManager::instance()->count(), 1);
+    EXPECT_TRUE(model.index(1).data().toString().contains(QStringLiteral("2 patches")));
+    const auto isRed = [&model] {
+        const auto icon = model.index(1).data(Qt::DecorationRole).value<QIcon>();
+        return icon.pixmap(16).toImage().pixelColor(8, 4) == QColor(Qt::red);
+    };
+    EXPECT_TRUE(QTest::qWaitFor(isRed));
+    const std::unique_ptr<QMimeData> data(model.mimeData({model.index(0), model.index(1)}));
+    const auto ids = OssImageUniqueId::imageIdListFromString(
+        QString::fromUtf8(data->data(OssImage::MimeType)));
+    ASSERT_EQ(ids.size(), 2);
+    EXPECT_EQ(OssImageManager::instance()->getImage(ids.last()), model.image(model.index(1)));
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(model.rowCount(), 0);
+    OssUndoManager::instance()->redo();
+    EXPECT_EQ(model.rowCount(), 2);
+    OssProjectManager::instance()->closeProject();
+    EXPECT_EQ(model.rowCount(), 0);
+}
+
+TEST_F(Images, areDroppedAsFilesAndKnowThatTheyAreSelected)
+{
+    ImagesPanel panel;
+    auto *list = panel.findChild<QListView *>();
+    QMimeData files;
+    files.setUrls({QUrl::fromLocalFile(m_folder.path())});
+    ASSERT_TRUE(list->model()->dropMimeData(&files, Qt::CopyAction, -1, -1, {}));
+    const QList<OssImage *> images = OssImageManager::instance()->images();
+    ASSERT_EQ(images.size(), 2) << "a row of patches is one image";
+    list->setCurrentIndex(list->model()->index(1, 0));
+    EXPECT_FALSE(images.first()->selected());
+    EXPECT_TRUE(images.last()->selected());
+}

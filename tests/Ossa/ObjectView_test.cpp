@@ -1,0 +1,228 @@
+#include "Ossa/Viewer/ObjectView.h"
+
+#include "Ossa/Viewer/ViewerPictures.h"
+#include "OssEvaluation/Geometry/OssEvMesh.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QImage>
+#include <QMouseEvent>
+#include <QTest>
+
+#include <set>
+
+namespace {
+
+constexpr int Size = 240;
+
+/// Four colours, each in a quarter of the picture.
+QImage quarters(int size)
+{
+    QImage image(size, size, QImage::Format_ARGB32_Premultiplied);
+    for (int y = 0; y < size; ++y) {
+        for (int x = 0; x < size; ++x)
+            image.setPixelColor(x, y,
+                                y < size / 2 ? (x < size / 2 ? Qt::red : Qt::green)
+                                             : (x < size / 2 ? Qt::blue : Qt::white));
+    }
+    return image;
+}
+
+void expectColor(const QColor &seen, const QColor &wanted, const char *where)
+{
+    EXPECT_NEAR(seen.red(), wanted.red(), 4) << where;
+    EXPECT_NEAR(seen.green(), wanted.green(), 4) << where;
+    EXPECT_NEAR(seen.blue(), wanted.blue(), 4) << where;
+}
+
+/// Drawing needs an OpenGL context; where there is none these tests say so.
+class ObjectDrawing : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        if (!renderer.problem().isEmpty())
+            GTEST_SKIP() << "no OpenGL context can be made here: "
+                         << qPrintable(renderer.problem());
+    }
+
+    /// Straight at the plane, which then reaches from a quarter to three quarters of the view.
+    static ObjectRenderer::View straight(bool lit)
+    {
+        ObjectRenderer::View view;
+        view.size = {Size, Size};
+        view.projection.ortho(-1.0F, 1.0F, -1.0F, 1.0F, 0.1F, 10.0F);
+        view.camera.translate(0.0F, 0.0F, -3.0F);
+        view.ground = Qt::black;
+        view.isLit = lit;
+        return view;
+    }
+
+    ObjectRenderer renderer;
+};
+
+TEST_F(ObjectDrawing, aPatchLiesOnTheObjectTheRightWayUp)
+{
+    renderer.setMesh(OssEvShapes::plane());
+    renderer.setPatches({1001}, 256);
+    renderer.update(1001, quarters(256), {0, 0, 256, 256});
+    const QVector3D centre = renderer.centre();
+    ObjectRenderer::View view = straight(false);
+    view.camera.translate(-centre);
+    const QImage image = renderer.render(view);
+    ASSERT_EQ(image.size(), QSize(Size, Size));
+    expectColor(image.pixelColor(90, 90), Qt::red, "upper left");
+    expectColor(image.pixelColor(150, 90), Qt::green, "upper right");
+    expectColor(image.pixelColor(90, 150), Qt::blue, "lower left");
+    expectColor(image.pixelColor(150, 150), Qt::white, "lower right");
+    expectColor(image.pixelColor(20, 20), Qt::black, "beside it");
+
+    // Part of a picture replaces that part.
+    QImage changed = quarters(256);
+    changed.fill(Qt::yellow);
+    renderer.update(1001, changed, {0, 0, 128, 128});
+    const QImage after = renderer.render(view);
+    expectColor(after.pixelColor(90, 90), Qt::yellow, "upper left");
+    expectColor(after.pixelColor(150, 90), Qt::green, "upper right");
+
+    // The light leaves hues alone and gets weaker to the side.
+    view.isLit = true;
+    const QColor lit = renderer.render(view).pixelColor(150, 150);
+    EXPECT_GT(lit.red(), 180);
+    EXPECT_EQ(lit.red(), lit.green());
+    view.camera.rotate(70.0F, 0.0F, 1.0F, 0.0F);
+    EXPECT_LT(renderer.render(view).pixelColor(Size / 2 + 10, 150).red(), lit.red() - 20);
+}
+
+TEST_F(ObjectDrawing, largerPicturesAreFittedToTheTexture)
+{
+    renderer.setMesh(OssEvShapes::plane());
+    renderer.setPatches({1001}, 4096);
+    ASSERT_EQ(ObjectRenderer::textureSize(1, 4096), 2048);
+    renderer.update(1001, quarters(4096), {0, 0, 4096, 4096});
+    QImage changed(4096, 4096, QImage::Format_ARGB32_Premultiplied);
+    changed.fill(Qt::yellow);
+    renderer.update(1001, changed, {2048, 0, 2048, 2048});
+    const ObjectRenderer::View view = straight(false);
+    ObjectRenderer::View centred = view;
+    centred.camera.translate(-renderer.centre());
+    const QImage image = renderer.render(centred);
+    expectColor(image.pixelColor(90, 90), Qt::red, "upper left");
+    expectColor(image.pixelColor(150, 90), Qt::yellow, "upper right");
+}
+
+TEST_F(ObjectDrawing, everyPatchHasItsOwnPicture)
+{
+    const auto cube = OssEvShapes::cube();
+    renderer.setMesh(cube);
+    renderer.setPatches({1001, 1002, 1003, 1004, 1005, 1006}, 64);
+    const QColor colors[] = {Qt::red, Qt::green, Qt::blue, Qt::cyan, Qt::magenta, Qt::yellow};
+    for (int i = 0; i < 6; ++i) {
+        QImage image(64, 64, QImage::Format_ARGB32_Premultiplied);
+        image.fill(colors[i]);
+        renderer.update(1001 + i, image, image.rect());
+    }
+    std::set<QRgb> seen;
+    for (const QVector3D &turn :
+         {QVector3D(0, 0, 0), {0, 90, 0}, {0, 180, 0}, {0, 270, 0}, {90, 0, 0}, {270, 0, 0}}) {
+        ObjectRenderer::View view = straight(false);
+        view.camera.rotate(turn.x(), 1, 0, 0);
+        view.camera.rotate(turn.y(), 0, 1, 0);
+        const QColor color = renderer.render(view).pixelColor(Size / 2, Size / 2);
+        seen.insert(color.rgb());
+    }
+    std::set<QRgb> wanted;
+    for (const QColor &color : colors)
+        wanted.insert(color.rgb());
+    EXPECT_EQ(seen, wanted);
+    // A patch that is no longer there is bare.
+    renderer.setPatches({1001}, 64);
+    renderer.setPatches({1001, 1002, 1003, 1004, 1005, 1006}, 64);
+    const ObjectRenderer::View view = straight(false);
+    const QColor front = renderer.render(view).pixelColor(Size / 2, Size / 2);
+    EXPECT_TRUE(wanted.count(front.rgb()) == 0 || front == colors[0]);
+}
+
+TEST_F(ObjectDrawing, theViewShowsPicturesAsTheyArriveAndTurnsUnderTheMouse)
+{
+    ViewerPictures pictures;
+    pictures.begin({1001}, 256, {});
+    ObjectView view(&pictures);
+    view.resize(Size, Size);
+    view.setMesh(OssEvShapes::plane());
+    view.setLit(false);
+    view.show();
+    const auto middle = [&] {
+        return view.grab().toImage().pixelColor(Size / 2, Size / 2);
+    };
+    EXPECT_NE(middle(), QColor(Qt::green));
+    QImage green(128, 128, QImage::Format_ARGB32);
+    green.fill(Qt::green);
+    const auto tile = std::make_shared<OssEvTile>(4, OssEvTile::Format::Half,
+                                                  std::array<float, 4>{0.0F, 1.0F, 0.0F, 1.0F});
+    for (int i = 0; i < 4; ++i)
+        pictures.setTile(1001, 256, {128 * (i % 2), 128 * (i / 2)}, green, tile);
+    QTest::qWait(120);
+    EXPECT_EQ(middle(), QColor(Qt::green));
+
+    const QImage before = view.grab().toImage();
+    const auto drag = [&](Qt::MouseButton button, const QPoint &way) {
+        const QPoint from(Size / 2, Size / 2);
+        QTest::mousePress(&view, button, {}, from);
+        QMouseEvent move(QEvent::MouseMove, from + way, button, button, {});
+        QApplication::sendEvent(&view, &move);
+        QTest::mouseRelease(&view, button, {}, from + way);
+    };
+    drag(Qt::LeftButton, {60, 0});
+    const QImage turned = view.grab().toImage();
+    EXPECT_NE(turned, before);
+    drag(Qt::MiddleButton, {-500, 0});
+    EXPECT_NE(middle(), QColor(Qt::green)) << "moved out of the view";
+    QTest::keyClick(&view, Qt::Key_F);
+    EXPECT_EQ(middle(), QColor(Qt::green));
+}
+
+TEST(ObjectTextures, takeNoMoreMemoryThanTheyMay)
+{
+    EXPECT_EQ(ObjectRenderer::textureSize(1, 4096), 2048);
+    EXPECT_EQ(ObjectRenderer::textureSize(1, 512), 512);
+    EXPECT_EQ(ObjectRenderer::textureSize(6, 4096), 1024);
+    for (const int patches : {1, 6, 49, 50, 200, 1000}) {
+        const qint64 size = ObjectRenderer::textureSize(patches, 4096);
+        EXPECT_LE(patches * size * size * 16 / 3, ObjectRenderer::textureBytes) << patches;
+        EXPECT_GE(size, 64);
+    }
+}
+
+TEST(ObjectCameras, frameWhatTheyLookAtAndKeepItThere)
+{
+    ObjectCamera camera;
+    camera.resetDirection();
+    const QVector3D centre(3.0F, -2.0F, 7.0F);
+    camera.frame(centre, 5.0F);
+    const auto onScreen = [&](const QVector3D &place) {
+        return (camera.projection(1.0F) * camera.view()).map(place);
+    };
+    EXPECT_NEAR(onScreen(centre).x(), 0.0F, 1e-4F);
+    EXPECT_NEAR(onScreen(centre).y(), 0.0F, 1e-4F);
+    for (int axis = 0; axis < 3; ++axis) {
+        QVector3D out;
+        out[axis] = 5.0F;
+        const QVector3D place = onScreen(centre + out);
+        EXPECT_LT(std::abs(place.x()), 1.0F);
+        EXPECT_LT(std::abs(place.y()), 1.0F);
+        EXPECT_LT(std::abs(place.z()), 1.0F);
+    }
+    const float depth = -camera.view().map(centre).z();
+    camera.orbit({0.3, 5.0});
+    EXPECT_NEAR(-camera.view().map(centre).z(), depth, 1e-3F);
+    EXPECT_GT(camera.view().mapVector(QVector3D(0, 1, 0)).z(), 0.9F) << "seen from above";
+    // What is dragged stays under the pointer: a quarter of the view to the right.
+    camera.pan({0.25, 0.0});
+    EXPECT_NEAR(onScreen(centre).x(), 0.5F, 1e-3F);
+    camera.zoom(2.0F);
+    EXPECT_LT(-camera.view().map(centre).z(), depth);
+}
+
+} // namespace

@@ -1,0 +1,50 @@
+#include "Ossa/Viewer/PaintTileStore.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr std::size_t room = 2 * OssEvPaintTile::Bytes;
+
+OssEvPaintTilePointer tileOf(float value)
+{
+    auto tile = std::make_shared<OssEvPaintTile>();
+    tile->setTexel(7, {value, 0.0F, 0.0F, 1.0F, 0.0F});
+    return tile;
+}
+
+TEST(PaintTileStore, whatDoesNotFitComesBackFromTheFile)
+{
+    const auto store = std::make_shared<PaintTileStore>(room);
+    std::vector<std::shared_ptr<PaintTileStore::Kept>> kept;
+    for (int i = 0; i < 6; ++i)
+        kept.push_back(store->keep(tileOf(float(i))));
+    store->trim();
+    EXPECT_EQ(store->bytesInMemory(), room);
+    // A slot that is free is used again, and no other tile's.
+    kept.erase(kept.begin() + 1);
+    kept.push_back(store->keep(tileOf(6.0F)));
+    store->trim();
+    EXPECT_EQ(store->bytesInMemory(), room);
+    const float values[] = {0, 2, 3, 4, 5, 6};
+    for (std::size_t i = 0; i < kept.size(); ++i)
+        EXPECT_EQ(kept[i]->tile()->texel(7)[0], values[i]) << i;
+    kept.clear();
+    EXPECT_EQ(store->bytesInMemory(), 0U);
+}
+
+TEST(PaintTileStore, stepsShareTilesAndThoseInUseStay)
+{
+    const auto store = std::make_shared<PaintTileStore>(0);
+    const OssEvPaintTilePointer used = tileOf(1.0F);
+    const auto after = store->keep(used);
+    EXPECT_EQ(store->keep(used), after);
+    EXPECT_EQ(store->keep(nullptr), nullptr);
+    const auto unused = store->keep(tileOf(2.0F));
+    store->trim();
+    EXPECT_EQ(store->bytesInMemory(), OssEvPaintTile::Bytes);
+    EXPECT_EQ(after->tile(), used);
+    EXPECT_EQ(unused->tile()->texel(7)[0], 2.0F);
+}
+
+} // namespace

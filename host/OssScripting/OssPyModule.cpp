@@ -61,6 +61,16 @@ py::object call(const OssScriptHandle &target, const std::string &name, const py
     return answer(outcome);
 }
 
+py::object invoke(const OssScriptHandle &target, const std::string &name, const py::args &arguments)
+{
+    const QVariantList values = OssPyValue::fromPython(arguments).toList();
+    OssScriptCall::Outcome outcome;
+    onGui([&] {
+        outcome = OssScriptCall::callInternal(target, QByteArray::fromStdString(name), values);
+    });
+    return answer(outcome);
+}
+
 py::object get(const OssScriptHandle &target, const std::string &name)
 {
     OssScriptCall::Outcome outcome;
@@ -101,8 +111,8 @@ OssScriptHandle application()
 {
     OssScriptHandle handle;
     onGui([&] {
-        auto *api = OssScriptObject<Ossa::Application>(QCoreApplication::instance());
-        handle = {api, api->metaObject(), api};
+        handle = OssScriptHandle::of(
+            OssScriptObject<Ossa::Application>(QCoreApplication::instance()));
     });
     return handle;
 }
@@ -144,6 +154,7 @@ PYBIND11_EMBEDDED_MODULE(_ossa, module)
         .def("__hash__",
              [](const OssScriptHandle &handle) { return std::size_t(handle.identity); });
     module.def("call", call);
+    module.def("invoke", invoke);
     module.def("get", get);
     module.def("set", set);
     module.def("connect", connectSignal);

@@ -26,9 +26,13 @@ OssScriptCall::Outcome failure(OssScriptException::Type type, const QString &mes
     return outcome;
 }
 
-QObject *objectOf(const QVariant &value)
+/// The script object, or what it wraps where that is wanted.
+QObject *objectOf(const QVariant &value, const QMetaObject *wanted)
 {
-    return value.value<OssScriptHandle>().object;
+    const QPointer<Ossa::API> api = value.value<OssScriptHandle>().object;
+    if (!api || wanted->inherits(&Ossa::API::staticMetaObject))
+        return api;
+    return wanted->cast(api->internalObject());
 }
 
 QPointF pointOf(const QVariant &value)
@@ -80,7 +84,7 @@ QVariant asType(const QVariant &value, int type)
     if (type == qMetaTypeId<OssColor>())
         return QVariant::fromValue(colorOf(value));
     if (QMetaType::typeFlags(type).testFlag(QMetaType::PointerToQObject)) {
-        QObject *object = objectOf(value);
+        QObject *object = objectOf(value, QMetaType::metaObjectForType(type));
         return {type, &object};
     }
     if (type == qMetaTypeId<QList<int>>()) {
@@ -96,11 +100,17 @@ QVariant asType(const QVariant &value, int type)
         QVariantList objects;
         const QVariantList entries = value.toList();
         for (const QVariant &entry : entries)
-            objects.append(QVariant::fromValue(objectOf(entry)));
+            objects.append(QVariant::fromValue(objectOf(entry, &Ossa::API::staticMetaObject)));
         converted = objects;
     }
     converted.convert(type);
     return converted;
+}
+
+OssScriptCall::Outcome gone()
+{
+    return failure(OssScriptException::InternalObjectGone,
+                   QStringLiteral("The script object is gone"));
 }
 
 /// What the call just made has reported.
@@ -114,6 +124,29 @@ OssScriptCall::Outcome finished(const QVariant &value)
     if (!outcome.failed)
         outcome.value = OssScriptCall::plain(value);
     return outcome;
+}
+
+OssScriptCall::Outcome invoke(QObject *object, int method, const QVariantList &arguments)
+{
+    const QMetaMethod slot = object->metaObject()->method(method);
+    QVariantList values;
+    for (int i = 0; i < arguments.size(); ++i)
+        values.append(asType(arguments.at(i), slot.parameterType(i)));
+    const int returnType = slot.returnType();
+    const bool returnsVariant = returnType == QMetaType::QVariant;
+    QVariant result;
+    if (returnType != QMetaType::Void && !returnsVariant)
+        result = QVariant(returnType, nullptr);
+    void *data[MostArguments + 1] = {};
+    if (returnsVariant)
+        data[0] = &result;
+    else if (returnType != QMetaType::Void)
+        data[0] = result.data();
+    for (int i = 0; i < values.size() && i < MostArguments; ++i)
+        data[i + 1] = slot.parameterType(i) == QMetaType::QVariant ? &values[i] : values[i].data();
+    OssScriptManager::instance()->clearError();
+    QMetaObject::metacall(object, QMetaObject::InvokeMetaMethod, method, data);
+    return finished(result);
 }
 
 } // namespace
@@ -153,10 +186,13 @@ QVariant OssScriptCall::plain(const QVariant &value)
     if (type == qMetaTypeId<OssUserEnum>())
         return value.value<OssUserEnum>().currentName();
     if (QMetaType::typeFlags(type).testFlag(QMetaType::PointerToQObject)) {
-        auto *api = qobject_cast<Ossa::API *>(value.value<QObject *>());
+        auto *object = value.value<QObject *>();
+        auto *api = qobject_cast<Ossa::API *>(object);
+        if (object && !api) // an object of the program has the script object of its class
+            api = OssScriptManager::instance()->obtainAPI(object, QString());
         if (!api)
             return {};
-        return QVariant::fromValue(OssScriptHandle{api, api->metaObject(), api});
+        return QVariant::fromValue(OssScriptHandle::of(api));
     }
     if (value.canConvert<QVariantList>() && type != QMetaType::QByteArray) {
         QVariantList list;
@@ -175,35 +211,29 @@ OssScriptCall::Outcome OssScriptCall::call(const OssScriptHandle &target, int me
 {
     const QPointer<Ossa::API> object = target.object;
     if (!object || std::any_of(arguments.cbegin(), arguments.cend(), isDead))
-        return failure(OssScriptException::InternalObjectGone,
-                       QStringLiteral("The script object is gone"));
-    const QMetaMethod slot = object->metaObject()->method(method);
-    QVariantList values;
-    for (int i = 0; i < arguments.size(); ++i)
-        values.append(asType(arguments.at(i), slot.parameterType(i)));
-    const int returnType = slot.returnType();
-    const bool returnsVariant = returnType == QMetaType::QVariant;
-    QVariant result;
-    if (returnType != QMetaType::Void && !returnsVariant)
-        result = QVariant(returnType, nullptr);
-    void *data[MostArguments + 1] = {};
-    if (returnsVariant)
-        data[0] = &result;
-    else if (returnType != QMetaType::Void)
-        data[0] = result.data();
-    for (int i = 0; i < values.size() && i < MostArguments; ++i)
-        data[i + 1] = slot.parameterType(i) == QMetaType::QVariant ? &values[i] : values[i].data();
-    OssScriptManager::instance()->clearError();
-    QMetaObject::metacall(object, QMetaObject::InvokeMetaMethod, method, data);
-    return finished(result);
+        return gone();
+    return invoke(object, method, arguments);
+}
+
+OssScriptCall::Outcome OssScriptCall::callInternal(const OssScriptHandle &target,
+                                                   const QByteArray &name,
+                                                   const QVariantList &arguments)
+{
+    QObject *internal = target.object ? target.object->internalObject() : nullptr;
+    if (!internal || std::any_of(arguments.cbegin(), arguments.cend(), isDead))
+        return gone();
+    QString reason;
+    const int method = chooseMethod(internal->metaObject(), name, arguments, &reason);
+    if (method < 0)
+        return failure(OssScriptException::UnknownName, reason);
+    return invoke(internal, method, arguments);
 }
 
 OssScriptCall::Outcome OssScriptCall::property(const OssScriptHandle &target,
                                                const QByteArray &name)
 {
     if (!target.object)
-        return failure(OssScriptException::InternalObjectGone,
-                       QStringLiteral("The script object is gone"));
+        return gone();
     OssScriptManager::instance()->clearError();
     return finished(target.object->property(name.constData()));
 }
@@ -212,8 +242,7 @@ OssScriptCall::Outcome OssScriptCall::setProperty(const OssScriptHandle &target,
                                                   const QByteArray &name, const QVariant &value)
 {
     if (!target.object || isDead(value))
-        return failure(OssScriptException::InternalObjectGone,
-                       QStringLiteral("The script object is gone"));
+        return gone();
     const QMetaObject *type = target.object->metaObject();
     const QMetaProperty property = type->property(type->indexOfProperty(name.constData()));
     OssScriptManager::instance()->clearError();

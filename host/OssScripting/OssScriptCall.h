@@ -37,6 +37,9 @@ QString typeText(int type, const QByteArray &name);
 
 /// The caller has chosen the method for the arguments.
 Outcome call(const OssScriptHandle &target, int method, const QVariantList &arguments);
+/// A public slot of the object that the script object wraps: what other parts of the program call.
+Outcome callInternal(const OssScriptHandle &target, const QByteArray &name,
+                     const QVariantList &arguments);
 Outcome property(const OssScriptHandle &target, const QByteArray &name);
 Outcome setProperty(const OssScriptHandle &target, const QByteArray &name, const QVariant &value);
 /// A value of a signal or slot in the plain form.

@@ -1,6 +1,7 @@
 #include "OssScripting/OssScriptCall.h"
 
 #include "OssCore/OssColor.h"
+#include "OssCoreModules/Script/OssaAPI.h"
 #include "OssCoreModules/Script/OssScriptTypes.h"
 #include "OssScripting/OssScriptHandle.h"
 
@@ -60,7 +61,10 @@ int costOfObject(const QVariant &value, const QMetaObject *wanted)
         return Near; // None is no object
     if (value.userType() != qMetaTypeId<OssScriptHandle>())
         return Impossible;
-    return value.value<OssScriptHandle>().type->inherits(wanted) ? Exact : Impossible;
+    const auto handle = value.value<OssScriptHandle>();
+    const QMetaObject *given = wanted->inherits(&Ossa::API::staticMetaObject) ? handle.type
+                                                                              : handle.internal;
+    return given && given->inherits(wanted) ? Exact : Impossible;
 }
 
 /// The class whose pointers a "QList<Class*>" holds; null for other types.
@@ -176,6 +180,8 @@ int OssScriptCall::chooseMethod(const QMetaObject *type, const QByteArray &name,
         if (method.name() != name || !isCallable(method))
             continue;
         signatures.append(signatureText(method));
+        if (method.returnType() == QMetaType::UnknownType)
+            continue; // a type that no call can carry
         const int one = costOfCall(method, arguments);
         if (one != Impossible && (best < 0 || one < bestCost)) {
             best = i;
@@ -186,16 +192,21 @@ int OssScriptCall::chooseMethod(const QMetaObject *type, const QByteArray &name,
         QStringList given;
         for (const QVariant &argument : arguments)
             given.append(describe(argument));
-        *reason = QStringLiteral("%1(%2) does not fit; it is called as %3")
-                      .arg(QString::fromLatin1(name), given.join(QStringLiteral(", ")),
-                           signatures.join(QStringLiteral(" or ")));
+        *reason = signatures.isEmpty()
+                      ? QStringLiteral("There is no slot %1").arg(QString::fromLatin1(name))
+                      : QStringLiteral("%1(%2) does not fit; it is called as %3")
+                            .arg(QString::fromLatin1(name), given.join(QStringLiteral(", ")),
+                                 signatures.join(QStringLiteral(" or ")));
     }
     return best;
 }
 
 bool OssScriptCall::isCallable(const QMetaMethod &method)
 {
-    return method.methodType() == QMetaMethod::Slot && method.access() == QMetaMethod::Public;
+    // Not those of Qt's classes: a script could close and delete what it does not own.
+    const QByteArray owner = method.enclosingMetaObject()->className();
+    return method.methodType() == QMetaMethod::Slot && method.access() == QMetaMethod::Public
+           && owner.startsWith("Oss");
 }
 
 bool OssScriptCall::fits(const QVariant &value, int type, const QByteArray &typeName)

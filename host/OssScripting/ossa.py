@@ -138,6 +138,12 @@ def progress(title, total=0):
     return _Progress(title, total)
 
 
+def invoke(object, slot, *arguments):
+    """Calls a slot of the program's own object behind a script object, by name: what other parts of
+    the program can call, too. For what no script class offers."""
+    return _ossa.invoke(object._handle, slot, *arguments)
+
+
 # --- the classes of the program
 
 _classes = {}

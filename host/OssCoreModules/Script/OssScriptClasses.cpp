@@ -34,6 +34,7 @@ template <class Api, class Internal>
 void add(OssScriptManager *manager)
 {
     OssScriptTypes::registerClass<Api>();
+    qRegisterMetaType<Internal *>(); // for slots that take what scripts have as a script object
     manager->registerAPIFactory(new OssScriptTypes::Factory<Api, Internal>); // takes it
 }
 

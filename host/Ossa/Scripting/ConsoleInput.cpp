@@ -53,7 +53,7 @@ ConsoleInput::~ConsoleInput() = default;
 QSize ConsoleInput::sizeHint() const
 {
     const int lines = std::min(std::max(blockCount(), 1), MostLines);
-    constexpr int padding = 6; // the style's
+    constexpr int padding = 3; // the style's
     const int text = lines * fontMetrics().lineSpacing() + int(2 * document()->documentMargin());
     return {200, text + 2 * (frameWidth() + padding)};
 }

@@ -124,7 +124,7 @@ void ConsolePanel::onStarted(const QString &title)
 {
     m_echo->setScriptRunning(true);
     if (!m_submitted.isEmpty()) {
-        append(withPrompts(m_submitted), palette().color(QPalette::Highlight));
+        append(withPrompts(m_submitted), palette().color(QPalette::Link));
         m_input->remember(m_submitted);
         OssSettings().setValue(historyKey, m_input->history());
         m_input->clear();

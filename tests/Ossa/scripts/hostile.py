@@ -55,6 +55,8 @@ refused(ossa.Error, ossa.trigger, "/None/Such")
 refused(ossa.Error, node.bake, "/proc/no/where.<UDIM>.png", 8)
 refused(ossa.Error, node.bake, "x.exr", -3)
 refused(ossa.Error, ossa.undo().end)
+for slot in ("deleteLater", "close", "none such", ""):
+    refused(ossa.Error, ossa.invoke, graph, slot)
 assert ossa.project() == project, "a project that cannot be opened leaves the open one"
 
 # Deletion of what is iterated, and use of what is deleted.

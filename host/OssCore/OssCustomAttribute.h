@@ -24,7 +24,8 @@ public:
         QVariant maximum;
         QVariant softMinimum; ///< what a slider spans; invalid: the bound
         QVariant softMaximum;
-        QString editor; ///< how it is edited where the value's type does not tell: "file", "curve"
+        /// How it is edited where the value's type does not tell: "file", "curve", "ramp".
+        QString editor;
         bool visible = true;
         bool isKnob = false; ///< made by a user on a group, not by the node's type
     };

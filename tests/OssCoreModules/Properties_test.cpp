@@ -8,6 +8,7 @@
 #include "OssCoreModules/Properties/OssNumberField.h"
 #include "OssCoreModules/Properties/OssPropertyEditor.h"
 #include "OssCoreModules/Properties/OssPropertyRow.h"
+#include "OssCoreModules/Properties/OssRampEditor.h"
 #include "support/ModelFixture.h"
 
 #include <QAccessible>
@@ -87,6 +88,7 @@ const char *const Everything = R"(<NodeType PathKey="Test/Everything"><Attribute
         <Attribute Name="Note" Type="paragraph"/>
         <Attribute Name="Path" Type="file"/>
         <Attribute Name="Shape" Type="curve"/>
+        <Attribute Name="Colors" Type="ramp"/>
         <Attribute Name="Pictures" Type="images"/>
     </Group>
 </Attributes></NodeType>)";
@@ -319,6 +321,54 @@ TEST_F(Properties, everyEditorChangesItsValueInOneStep)
     EXPECT_TRUE(path->toolTip().contains(QStringLiteral("/no/such.exr")));
     EXPECT_EQ(path->objectName(), QStringLiteral("Warning"));
     EXPECT_EQ(undoCount(), 7);
+    expectUndoIsExact(m_start);
+}
+
+TEST_F(Properties, rampIsEditedByPointerKeysAndFields)
+{
+    auto *ramp = editor<OssRampField>("Colors");
+    auto *panel = qobject_cast<OssRampEditor *>(ramp->parentWidget());
+    ASSERT_NE(panel, nullptr);
+    const auto text = [this] {
+        return m_node->attribute(QStringLiteral("Colors")).toString();
+    };
+    EXPECT_EQ(text(), QStringLiteral("0,0,0,0,1 1,1,1,1,1"));
+    const QPoint middle((ramp->gripOf(0).x() + ramp->gripOf(1).x()) / 2, 8);
+    QTest::mouseDClick(ramp, Qt::LeftButton, {}, middle);
+    ASSERT_EQ(ramp->stops().size(), 3);
+    EXPECT_EQ(ramp->current(), 1);
+    EXPECT_NEAR(double(ramp->stops().at(1).color[0]), 0.5, 0.02) << "the colour that was there";
+    EXPECT_EQ(undoCount(), 1);
+
+    // A stop does not pass its neighbour; a drag is one step.
+    const auto drag = [&](const QPoint &by) {
+        const QPoint at = ramp->gripOf(1).toPoint();
+        QTest::mousePress(ramp, Qt::LeftButton, {}, at);
+        for (int i = 1; i <= 4; ++i) {
+            QMouseEvent move(QEvent::MouseMove, at + by * i, Qt::NoButton, Qt::LeftButton,
+                             Qt::NoModifier);
+            QApplication::sendEvent(ramp, &move);
+        }
+        QTest::mouseRelease(ramp, Qt::LeftButton, {}, at);
+    };
+    drag({400, 0});
+    EXPECT_EQ(ramp->stops().at(1).place, 1.0);
+    EXPECT_EQ(undoCount(), 2);
+    QTest::keyClick(ramp, Qt::Key_Left);
+    QTest::keyClick(ramp, Qt::Key_Left);
+    EXPECT_NEAR(ramp->stops().at(1).place, 0.98, 1e-9);
+    EXPECT_EQ(undoCount(), 3);
+    EXPECT_NEAR(panel->placeField()->value(), 0.98, 1e-9);
+
+    Q_EMIT panel->colorEditor()->edited(QVariant::fromValue(OssColor(2.0, 0.5, 0.25, 0.5)));
+    EXPECT_EQ(text(), QStringLiteral("0,0,0,0,1 0.98,2,0.5,0.25,0.5 1,1,1,1,1"));
+    drag({0, 100});
+    EXPECT_EQ(text(), QStringLiteral("0,0,0,0,1 1,1,1,1,1")) << "dragged off";
+    QTest::keyClick(ramp, Qt::Key_Plus);
+    QTest::keyClick(ramp, Qt::Key_Delete);
+    QTest::keyClick(ramp, Qt::Key_Delete);
+    QTest::keyClick(ramp, Qt::Key_Delete);
+    EXPECT_EQ(ramp->stops().size(), 1) << "one colour at least";
     expectUndoIsExact(m_start);
 }
 

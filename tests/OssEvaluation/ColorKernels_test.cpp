@@ -214,6 +214,39 @@ TEST(ColorKernels, rampLooksColorsUpByLuminance)
     EXPECT_LE(error, MeanErrorBound);
 }
 
+TEST(ColorKernels, colorRampMixesItsStops)
+{
+    // The second and third stop are at one place: a hard edge.
+    const std::string text = "0,0.1,0.5,0.2,0.5 0.4,1,0.3,0,1 0.4,0,0,1,1 0.9,1,1,1,0.25";
+    OssEvRamp ramp;
+    ASSERT_TRUE(OssEvRamp::fromText(text, &ramp));
+    EXPECT_EQ(ramp.toText(), text);
+    EXPECT_FALSE(OssEvRamp::fromText("0,0,0,0", &ramp));
+    EXPECT_FALSE(OssEvRamp::fromText("0,0,0,nan,1", &ramp));
+    EXPECT_EQ(ramp.toText(), text) << "a text that is no ramp changes nothing";
+    const double smoothed = 0.5 * 0.5 * (3.0 - 2.0 * 0.5);
+    EXPECT_NEAR(ramp.at(0.2, OssEvRamp::Mix::Smooth)[0], 0.05 + (1.0 - 0.05) * smoothed, 1e-6);
+    const Picture input = randomPicture(Width, Height, 4, 6, 0.0, 1.2);
+    const Picture mask = randomPicture(Width, Height, 1, 7);
+    const std::pair<const char *, OssEvRamp::Mix> mixes[] = {{"Linear", OssEvRamp::Mix::Linear},
+                                                             {"Smooth", OssEvRamp::Mix::Smooth},
+                                                             {"Step", OssEvRamp::Mix::Step}};
+    for (const auto &[name, way] : mixes) {
+        KernelBench bench("colorRamp", {{"Ramp", text}, {"Interpolation", std::string(name)}});
+        bench.input("Input", input).input("Mask", mask);
+        const double error = meanError(bench.run(Width, Height), [&, way = way](int x, int y) {
+            const Texel before = input.texel(x, y);
+            const double alpha = before[3] > 0.0 ? before[3] : 1.0;
+            const std::array<double, 4> color = ramp.at(luminance(before) / alpha, way);
+            Texel after{};
+            for (std::size_t k = 0; k < 4; ++k)
+                after[k] = mix(before[k], color[k] * before[3], mask.at(0, x, y));
+            return after;
+        });
+        EXPECT_LE(error, MeanErrorBound) << name;
+    }
+}
+
 TEST(ColorKernels, mathOperations)
 {
     const Picture a = randomPicture(Width, Height, 1, 11, -1.0, 1.0);

@@ -119,12 +119,16 @@ QVariant Reader::readDefault(const QString &typeName, const QString &name)
         const char *fallback;
     };
 
-    static const Known known[] = {
-        {"real", QMetaType::Double, "0"},      {"integer", QMetaType::Int, "0"},
-        {"boolean", QMetaType::Bool, "false"}, {"text", QMetaType::QString, ""},
-        {"paragraph", QMetaType::QString, ""}, {"curve", QMetaType::QString, "0,0 1,1"},
-        {"file", QMetaType::QString, ""},      {"vector2", QMetaType::QPointF, "0,0"},
-        {"images", QMetaType::QStringList, ""}};
+    static const Known known[] = {{"real", QMetaType::Double, "0"},
+                                  {"integer", QMetaType::Int, "0"},
+                                  {"boolean", QMetaType::Bool, "false"},
+                                  {"text", QMetaType::QString, ""},
+                                  {"paragraph", QMetaType::QString, ""},
+                                  {"curve", QMetaType::QString, "0,0 1,1"},
+                                  {"ramp", QMetaType::QString, "0,0,0,0,1 1,1,1,1,1"},
+                                  {"file", QMetaType::QString, ""},
+                                  {"vector2", QMetaType::QPointF, "0,0"},
+                                  {"images", QMetaType::QStringList, ""}};
     for (const Known &entry : known) {
         if (typeName != QLatin1String(entry.name))
             continue;
@@ -165,7 +169,8 @@ void Reader::readAttribute(OssSnNodeType *type, const QString &group)
     definition->visible = flag("Visible", true);
     const QString typeName = text("Type");
     static const QStringList editors{QStringLiteral("file"), QStringLiteral("curve"),
-                                     QStringLiteral("paragraph"), QStringLiteral("displaycolor")};
+                                     QStringLiteral("ramp"), QStringLiteral("paragraph"),
+                                     QStringLiteral("displaycolor")};
     if (editors.contains(typeName))
         definition->editor = typeName;
     definition->defaultValue = readDefault(text("Type"), definition->name);

@@ -20,6 +20,9 @@ public:
     ~OssColorEditor() override;
     void showValue(const OssCustomAttribute &attribute, bool mixed) override;
 
+    /// A dialog whose colours are seen at once, and are one edit together.
+    void openPicker();
+
     /// The display's colour for a scene-linear one, and back.
     static QColor toDisplay(const OssColor &color);
     static OssColor fromDisplay(const QColor &color);
@@ -30,7 +33,6 @@ private:
     OssColor color() const;
     QColor shown(const OssColor &color) const;
     void paintSwatch();
-    void openPicker();
 
     QPushButton *m_swatch;
     OssNumberField *m_fields[Channels] = {};

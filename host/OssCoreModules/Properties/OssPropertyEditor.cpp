@@ -7,6 +7,7 @@
 #include "OssCoreModules/Properties/OssColorEditor.h"
 #include "OssCoreModules/Properties/OssCurveEditor.h"
 #include "OssCoreModules/Properties/OssNumberEditors.h"
+#include "OssCoreModules/Properties/OssRampEditor.h"
 #include "OssCoreModules/Properties/OssTextEditors.h"
 
 #include <QHBoxLayout>
@@ -44,6 +45,8 @@ OssPropertyEditor *textEditor(const QString &kind, QWidget *parent)
         return new OssParagraphEditor(parent);
     if (kind == QLatin1String("curve"))
         return new OssCurveEditor(parent);
+    if (kind == QLatin1String("ramp"))
+        return new OssRampEditor(parent);
     return new OssLineEditor(parent);
 }
 

@@ -66,18 +66,20 @@ OssEvResult bringColor(const OssEvParameterDescription &description, const OssEv
     return {};
 }
 
-OssEvResult bringCurve(const OssEvParameterDescription &description, const OssEvParameter &given,
-                       OssEvParameter *value)
+/// A curve or a ramp, which may come as text.
+template <class Shape>
+OssEvResult bringShape(const OssEvParameterDescription &description, const OssEvParameter &given,
+                       const char *kind, OssEvParameter *value)
 {
-    if (std::holds_alternative<OssEvCurve>(given)) {
+    if (std::holds_alternative<Shape>(given)) {
         *value = given;
         return {};
     }
-    OssEvCurve curve;
+    Shape shape;
     const auto *text = std::get_if<std::string>(&given);
-    if (text == nullptr || !OssEvCurve::fromText(*text, &curve))
-        return unusable(description, "curve");
-    *value = std::move(curve);
+    if (text == nullptr || !Shape::fromText(*text, &shape))
+        return unusable(description, kind);
+    *value = std::move(shape);
     return {};
 }
 
@@ -89,7 +91,9 @@ OssEvResult bring(const OssEvParameterDescription &description, const OssEvParam
     if (std::holds_alternative<OssEvColor>(description.fallback))
         return bringColor(description, given, value);
     if (std::holds_alternative<OssEvCurve>(description.fallback))
-        return bringCurve(description, given, value);
+        return bringShape<OssEvCurve>(description, given, "curve", value);
+    if (std::holds_alternative<OssEvRamp>(description.fallback))
+        return bringShape<OssEvRamp>(description, given, "ramp", value);
     if (const bool text = std::holds_alternative<std::string>(description.fallback);
         text || std::holds_alternative<OssEvVector2>(description.fallback)) {
         if (given.index() != description.fallback.index())
@@ -197,6 +201,11 @@ OssEvCurve OssEvKernelSetup::curve(std::string_view name) const
     return value<OssEvCurve>(name);
 }
 
+OssEvRamp OssEvKernelSetup::ramp(std::string_view name) const
+{
+    return value<OssEvRamp>(name);
+}
+
 OssEvParameterDescription OssEvDescribe::real(std::string name, double fallback, double minimum,
                                               double maximum)
 {
@@ -232,6 +241,11 @@ OssEvParameterDescription OssEvDescribe::text(std::string name)
 OssEvParameterDescription OssEvDescribe::curve(std::string name)
 {
     return {std::move(name), OssEvCurve(), 0.0, 0.0, {}};
+}
+
+OssEvParameterDescription OssEvDescribe::ramp(std::string name)
+{
+    return {std::move(name), OssEvRamp(), 0.0, 0.0, {}};
 }
 
 OssEvParameterDescription OssEvDescribe::choice(std::string name, std::vector<std::string> choices,

@@ -93,6 +93,7 @@ public:
     OssEvVector2 vector(std::string_view name) const;
     std::string text(std::string_view name) const;
     OssEvCurve curve(std::string_view name) const;
+    OssEvRamp ramp(std::string_view name) const;
 
     bool isConnected(std::size_t input) const { return m_connected[input]; }
 
@@ -122,6 +123,7 @@ OssEvParameterDescription color(std::string name, const OssEvColor &fallback);
 OssEvParameterDescription vector(std::string name, const OssEvVector2 &fallback);
 OssEvParameterDescription text(std::string name);
 OssEvParameterDescription curve(std::string name);
+OssEvParameterDescription ramp(std::string name);
 /// The first choice is the fallback unless another is named.
 OssEvParameterDescription choice(std::string name, std::vector<std::string> choices,
                                  int fallback = 0);

@@ -55,6 +55,12 @@ struct RampValues
     float midpoint;
 };
 
+/// Samples of a ramp from 0 to 1 at even distances, one table for each channel.
+struct ColorRampValues
+{
+    std::array<std::vector<float>, 4> samples;
+};
+
 /// Samples of a curve at even distances.
 struct CurveValues
 {
@@ -301,19 +307,23 @@ void hueShift(const OssEvStrip &strip, const HueValues &values)
     adjust(strip, HueChange{values});
 }
 
-// Where x lies between the ends of a table of samples, bent linearly between neighbours.
-HWY_INLINE V lookUp(const CurveValues &values, V x)
+// What a table of samples has at a place, counted in samples; linear between neighbours.
+HWY_INLINE V sampleAt(const std::vector<float> &samples, V at)
 {
     const Floats d;
     const Ints di;
-    const auto last = float(values.samples.size() - 1);
-    const V place = clamp(hn::Mul(hn::Sub(x, splat(values.first)), splat(values.scale)), zero(),
-                          splat(last));
+    const auto last = float(samples.size() - 1);
+    const V place = clamp(at, zero(), splat(last));
     const V whole = hn::Min(hn::Floor(place), splat(last - 1.0F));
     const VI index = hn::ConvertTo(di, whole);
-    const V left = hn::GatherIndex(d, values.samples.data(), index);
-    const V right = hn::GatherIndex(d, values.samples.data() + 1, index);
+    const V left = hn::GatherIndex(d, samples.data(), index);
+    const V right = hn::GatherIndex(d, samples.data() + 1, index);
     return mix(left, right, hn::Sub(place, whole));
+}
+
+HWY_INLINE V lookUp(const CurveValues &values, V x)
+{
+    return sampleAt(values.samples, hn::Mul(hn::Sub(x, splat(values.first)), splat(values.scale)));
 }
 
 struct CurveChange
@@ -343,7 +353,9 @@ HWY_INLINE V rampPlace(V value, float midpoint)
     return hn::IfThenElse(hn::Lt(t, splat(midpoint)), left, right);
 }
 
-void ramp(const OssEvStrip &strip, const RampValues &values)
+// Replaces colours by what `colorAt` gives for their luminance, by alpha and mask.
+template <class ColorAt>
+void lookColorsUp(const OssEvStrip &strip, const ColorAt &colorAt)
 {
     const OssEvStripInput &in = strip.inputs[0];
     const float *mask = strip.inputs[1].connected ? strip.inputs[1].plane[0] : nullptr;
@@ -354,14 +366,35 @@ void ramp(const OssEvStrip &strip, const RampValues &values)
         const V alpha = before.c[3];
         const V cover = hn::IfThenElse(hn::Gt(alpha, zero()), alpha, splat(1.0F));
         const V grey = hn::Div(luminance(before.c[0], before.c[1], before.c[2]), cover);
-        const V t = rampPlace(grey, values.midpoint);
+        const Channels<4> color = colorAt(grey);
         const V m = mask != nullptr ? load(mask + i) : splat(1.0F);
-        for (int k = 0; k < 4; ++k) {
-            const V color = mix(splat(values.low[std::size_t(k)]),
-                                splat(values.high[std::size_t(k)]), t);
-            store(mix(before.c[k], hn::Mul(color, alpha), m), strip.output[k] + i);
-        }
+        for (int k = 0; k < 4; ++k)
+            store(mix(before.c[k], hn::Mul(color.c[k], alpha), m), strip.output[k] + i);
     }
+}
+
+void ramp(const OssEvStrip &strip, const RampValues &values)
+{
+    lookColorsUp(strip, [&values](V grey) {
+        const V t = rampPlace(grey, values.midpoint);
+        Channels<4> color;
+        for (int k = 0; k < 4; ++k)
+            color.c[k] = mix(splat(values.low[std::size_t(k)]), splat(values.high[std::size_t(k)]),
+                             t);
+        return color;
+    });
+}
+
+void colorRamp(const OssEvStrip &strip, const ColorRampValues &values)
+{
+    const auto scale = float(values.samples[0].size() - 1);
+    lookColorsUp(strip, [&values, scale](V grey) {
+        const V place = hn::Mul(grey, splat(scale));
+        Channels<4> color;
+        for (int k = 0; k < 4; ++k)
+            color.c[k] = sampleAt(values.samples[std::size_t(k)], place);
+        return color;
+    });
 }
 
 } // namespace
@@ -379,6 +412,7 @@ HWY_EXPORT(invert);
 HWY_EXPORT(hueShift);
 HWY_EXPORT(curve);
 HWY_EXPORT(ramp);
+HWY_EXPORT(colorRamp);
 } // namespace OssEvSimd
 
 namespace {
@@ -465,6 +499,20 @@ Operation makeRamp(const OssEvKernelSetup &setup)
     return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(ramp), values, noMask());
 }
 
+Operation makeColorRamp(const OssEvKernelSetup &setup)
+{
+    constexpr int Samples = 4097;
+    const OssEvRamp ramp = setup.ramp("Ramp");
+    const auto mix = OssEvRamp::Mix(setup.integer("Interpolation"));
+    ColorRampValues values;
+    for (int i = 0; i < Samples; ++i) {
+        const std::array<double, 4> color = ramp.at(double(i) / (Samples - 1), mix);
+        for (std::size_t k = 0; k < 4; ++k)
+            values.samples[k].push_back(float(color[k]));
+    }
+    return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(colorRamp), values, noMask());
+}
+
 OssEvKernel adjustment(std::string name, std::vector<OssEvParameterDescription> parameters,
                        Operation (*make)(const OssEvKernelSetup &))
 {
@@ -505,6 +553,12 @@ void OssEvFamilies::addAdjustments(std::vector<OssEvKernel> *kernels)
                                   {color("LowColor", {0, 0, 0, 1}),
                                    color("HighColor", {1, 1, 1, 1}), real("Midpoint", 0.5, 0, 1)},
                                   makeRamp));
+    kernels->back().inputs[0].channels = 4;
+    kernels->back().outputs[0].channels = 4;
+    kernels->push_back(
+        adjustment("colorRamp",
+                   {Describe::ramp("Ramp"), choice("Interpolation", {"Linear", "Smooth", "Step"})},
+                   makeColorRamp));
     kernels->back().inputs[0].channels = 4;
     kernels->back().outputs[0].channels = 4;
 }

@@ -1,29 +1,12 @@
 #include "OssEvaluation/Values/OssEvParameter.h"
 
+#include "OssEvaluation/Values/OssEvNumberList.h"
+
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <type_traits>
 
 namespace {
-
-constexpr std::size_t MaximumPoints = 1024;
-
-bool readNumber(std::string_view *text, double *number)
-{
-    const auto [end, error] = std::from_chars(text->data(), text->data() + text->size(), *number);
-    if (error != std::errc() || !std::isfinite(*number))
-        return false;
-    text->remove_prefix(std::size_t(end - text->data()));
-    return true;
-}
-
-void skipSpaces(std::string_view *text)
-{
-    while (!text->empty()
-           && (text->front() == ' ' || text->front() == '\t' || text->front() == '\n'))
-        text->remove_prefix(1);
-}
 
 // Keeps a tangent from overshooting between two points whose slope is `slope`.
 void limit(double slope, double *left, double *right)
@@ -82,20 +65,8 @@ OssEvCurve::OssEvCurve(std::vector<OssEvVector2> points)
 OssEvResult OssEvCurve::fromText(std::string_view text, OssEvCurve *curve)
 {
     std::vector<OssEvVector2> points;
-    std::string_view rest = text;
-    skipSpaces(&rest);
-    while (!rest.empty()) {
-        OssEvVector2 point{};
-        bool good = readNumber(&rest, &point[0]) && !rest.empty() && rest.front() == ',';
-        if (good) {
-            rest.remove_prefix(1);
-            good = readNumber(&rest, &point[1]);
-        }
-        if (!good || points.size() == MaximumPoints)
-            return OssEvResult::failure("\"" + std::string(text) + "\" is no list of points");
-        points.push_back(point);
-        skipSpaces(&rest);
-    }
+    if (!OssEvReadNumbers(text, &points))
+        return OssEvResult::failure("\"" + std::string(text) + "\" is no list of points");
     *curve = OssEvCurve(std::move(points));
     return {};
 }
@@ -132,6 +103,8 @@ void OssEvAddToKey(OssEvKeyBuilder *key, const OssEvParameter &value)
                 key->add(std::int64_t(held.points().size()));
                 for (const OssEvVector2 &point : held.points())
                     key->add(point[0]).add(point[1]);
+            } else if constexpr (std::is_same_v<Type, OssEvRamp>) {
+                key->add(std::string_view(held.toText()));
             } else if constexpr (std::is_same_v<Type, bool>) {
                 key->add(std::int64_t(held));
             } else if constexpr (std::is_same_v<Type, std::string>) {

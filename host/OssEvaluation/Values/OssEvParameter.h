@@ -2,6 +2,7 @@
 
 #include "OssEvaluation/OssEvaluation_export.h"
 #include "OssEvaluation/Values/OssEvKey.h"
+#include "OssEvaluation/Values/OssEvRamp.h"
 #include "OssEvaluation/Values/OssEvResult.h"
 
 #include <array>
@@ -42,8 +43,8 @@ private:
 };
 
 /// Value of a node's attribute as kernels see it. A choice is its text or its number.
-using OssEvParameter =
-    std::variant<double, std::int64_t, bool, std::string, OssEvColor, OssEvVector2, OssEvCurve>;
+using OssEvParameter = std::variant<double, std::int64_t, bool, std::string, OssEvColor,
+                                    OssEvVector2, OssEvCurve, OssEvRamp>;
 
 /// Sorted by name, so that equal parameters give equal keys.
 using OssEvParameters = std::map<std::string, OssEvParameter, std::less<>>;

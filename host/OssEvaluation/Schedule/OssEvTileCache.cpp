@@ -26,9 +26,8 @@ OssEvTilePointer OssEvTileCache::find(const OssEvTileKey &key)
     const auto found = m_entries.find(key);
     if (found == m_entries.end())
         return nullptr;
-    m_order.erase({found->second.rank, &found->first});
-    found->second.rank = rankOf(found->second);
-    m_order.insert({found->second.rank, &found->first});
+    m_order.erase({found->second.rank, found->second.use, &found->first});
+    rank(found->first, &found->second);
     return found->second.tile;
 }
 
@@ -39,9 +38,8 @@ void OssEvTileCache::insert(const OssEvTileKey &key, OssEvTilePointer tile, doub
     if (bytes > m_budget || m_entries.count(key) != 0)
         return;
     shrinkTo(m_budget - bytes);
-    const auto added = m_entries.emplace(key, Entry{std::move(tile), cost, 0.0}).first;
-    added->second.rank = rankOf(added->second);
-    m_order.insert({added->second.rank, &added->first});
+    const auto added = m_entries.emplace(key, Entry{std::move(tile), cost}).first;
+    rank(added->first, &added->second);
     m_bytes += bytes;
 }
 
@@ -97,7 +95,9 @@ void OssEvTileCache::shrinkTo(std::size_t bytes)
     }
 }
 
-double OssEvTileCache::rankOf(const Entry &entry) const
+void OssEvTileCache::rank(const OssEvTileKey &key, Entry *entry)
 {
-    return m_floor + entry.cost / double(entry.tile->bytes());
+    entry->rank = m_floor + entry->cost / double(entry->tile->bytes());
+    entry->use = ++m_uses;
+    m_order.insert({entry->rank, entry->use, &key});
 }

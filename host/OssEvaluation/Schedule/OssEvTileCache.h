@@ -5,6 +5,7 @@
 #include "OssEvaluation/Values/OssEvTile.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <set>
@@ -43,21 +44,25 @@ private:
         OssEvTilePointer tile;
         double cost = 0.0;
         double rank = 0.0;
+        std::uint64_t use = 0; ///< number of the last use
     };
 
+    /// Of equal rank, what was used longest ago goes first.
     struct Ranked
     {
         double rank;
+        std::uint64_t use;
         const OssEvTileKey *key;
 
         bool operator<(const Ranked &other) const
         {
-            return rank != other.rank ? rank < other.rank : key < other.key;
+            return rank != other.rank ? rank < other.rank : use < other.use;
         }
     };
 
     void shrinkTo(std::size_t bytes);
-    double rankOf(const Entry &entry) const;
+    /// The entry was just used.
+    void rank(const OssEvTileKey &key, Entry *entry);
 
     mutable std::mutex m_mutex;
     std::unordered_map<OssEvTileKey, Entry> m_entries;
@@ -65,6 +70,7 @@ private:
     std::size_t m_budget;
     std::size_t m_bytes = 0;
     std::size_t m_evictions = 0;
+    std::uint64_t m_uses = 0;
     /// Rank of what was evicted last: what comes or is asked for now starts from there.
     double m_floor = 0.0;
 };

@@ -11,11 +11,17 @@
 #include "Ossa/WorkRecovery.h"
 #include "OssCore/OssIcon.h"
 #include "OssCore/OssPreferenceManager.h"
+#include "OssCoreModules/Images/OssPixelCleanup.h"
 #include "OssCoreModules/Interface/OssApplication.h"
+#include "OssCoreModules/Project/OssProject.h"
+#include "OssCoreModules/Project/OssProjectManager.h"
 
 #include <QApplication>
+#include <QThreadPool>
 
 #include <cstdio>
+#include <functional>
+#include <utility>
 
 namespace {
 
@@ -34,6 +40,21 @@ void chooseScaling()
     const int percent = ApplicationPreferences::storedInterfaceScale();
     if (percent != 100 && !qEnvironmentVariableIsSet("QT_SCALE_FACTOR"))
         qputenv("QT_SCALE_FACTOR", QByteArray::number(percent / 100.0));
+}
+
+/// Beside the user's work: it reads every document.
+void removeForgottenPixels()
+{
+    const auto inBackground = [](std::function<void()> work) {
+        QThreadPool::globalInstance()->start(std::move(work));
+    };
+    inBackground([] { OssPixelCleanup::cleanNewPixels(); });
+    QObject::connect(
+        OssProjectManager::instance(), &OssProjectManager::projectOpenCompleted, qApp,
+        [inBackground](const OssProject *project, bool fromDisk) {
+            if (fromDisk && !project->isReadOnly())
+                inBackground([folder = project->path()] { OssPixelCleanup::cleanProject(folder); });
+        });
 }
 
 } // namespace
@@ -103,5 +124,6 @@ int Session::runWindow()
     window.show();
     window.tellAbout(m_plugins.failures());
     window.openAtStart(m_line.project);
+    removeForgottenPixels();
     return QApplication::exec();
 }

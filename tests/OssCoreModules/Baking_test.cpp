@@ -3,6 +3,7 @@
 #include "OssCoreModules/Evaluation/OssEvaluationService.h"
 #include "OssCoreModules/Images/OssGeoImageSet.h"
 #include "OssCoreModules/Images/OssImageSet.h"
+#include "OssCoreModules/Images/OssPixelCleanup.h"
 #include "OssCoreModules/Images/OssPixelStore.h"
 #include "OssCoreModules/Interface/OssApplication.h"
 #include "OssCoreModules/Network/OssShaderNetworkUtils.h"
@@ -94,6 +95,20 @@ TEST_F(Baking, aBakePointKeepsItsPixelsUntilItIsUpdated)
     EXPECT_FALSE(node->isBakedResultUpToDate());
 }
 
+TEST_F(Baking, patchesBeyondTheLimitShowTheBackground)
+{
+    OssSnBakePointNode *node = bakePoint(color(Qt::red));
+    ASSERT_TRUE(OssShaderNetworkUtils::bakeBakePoints({node}, true, true));
+    node->setAttribute(QStringLiteral("limitBake"), true);
+    node->setAttribute(QStringLiteral("limitBakeRange"), QStringLiteral("1002-1004"));
+    EXPECT_EQ(pixel(node).alpha(), 0);
+    node->setAttribute(QStringLiteral("limitBakeBackground"),
+                       QVariant::fromValue(OssColor(0.0, 1.0, 0.0)));
+    EXPECT_EQ(pixel(node), QColor(Qt::green));
+    node->setAttribute(QStringLiteral("limitBakeRange"), QStringLiteral("1001-1004"));
+    EXPECT_EQ(pixel(node), QColor(Qt::red)) << "what was baked is still there";
+}
+
 TEST_F(Baking, bakePointsAreBakedInTheOrderInWhichPixelsFlow)
 {
     OssSnBaseNode *source = color(Qt::red);
@@ -177,4 +192,42 @@ TEST(PixelStore, namesThatADocumentMayGive)
     for (const QString &bad : {QStringLiteral("../../secret.exr"), good.toUpper(), good + good,
                                QStringLiteral("/") + good, good + QLatin1Char('\n')})
         EXPECT_FALSE(OssPixelStore::isName(bad)) << qPrintable(bad);
+}
+
+// A file goes only when no document names it and it has been left alone for long.
+TEST(PixelCleanup, removesOldFilesOfOursThatNobodyNames)
+{
+    const QTemporaryDir project;
+    const QDir folder(project.path());
+    folder.mkpath(QStringLiteral("images"));
+    folder.mkpath(QStringLiteral("history"));
+    const auto name = [](char digit) {
+        return QString(64, QLatin1Char(digit)) + QLatin1String(".exr");
+    };
+    const auto write = [&](const QString &path, const QByteArray &content, int days) {
+        QFile file(folder.filePath(path));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content);
+        file.flush();
+        EXPECT_TRUE(file.setFileTime(QDateTime::currentDateTimeUtc().addDays(-days),
+                                     QFileDevice::FileModificationTime));
+    };
+    for (const char digit : {'a', 'b', 'c'})
+        write(QStringLiteral("images/") + name(digit), "old", 30);
+    write(QStringLiteral("images/") + name('d'), "young", 3);
+    write(QStringLiteral("images/mine.exr"), "the user's", 300);
+    write(QStringLiteral("images/new-0123456789abcdef0123456789abcdef.exr"), "half", 30);
+    write(QStringLiteral("project.xml"), "<p f=\"" + name('a').toLatin1() + "\"/>", 1);
+    write(QStringLiteral("history/project.2.xml"), name('b').toLatin1(), 1);
+
+    EXPECT_EQ(OssPixelCleanup::cleanProject(project.path()), 2);
+    EXPECT_EQ(QDir(folder.filePath(QStringLiteral("images"))).entryList(QDir::Files),
+              QStringList({name('a'), name('b'), name('d'), QStringLiteral("mine.exr")}));
+
+    write(QStringLiteral("images/") + name('c'), "old", 30);
+    EXPECT_EQ(OssPixelCleanup::removeForgotten(folder.filePath(QStringLiteral("images")),
+                                               {folder.filePath(QStringLiteral("gone.xml"))},
+                                               QDateTime::currentDateTimeUtc()),
+              0)
+        << "what cannot be read might name everything";
 }

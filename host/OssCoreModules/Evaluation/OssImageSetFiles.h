@@ -5,16 +5,17 @@
 
 #include <QString>
 
-class OssImageSet;
+class OssSnBaseNode;
 
 /// Images as the document knows them: files by their paths, and image sets, whose patches are files
 /// of the pixel store. What it needs of a set is in the image's name, so workers ask no document.
 class OSSCOREMODULES_EXPORT OssImageSetFiles : public OssEvImageFiles
 {
 public:
-    /// The name under which the set's pixels are evaluated; empty while it has none. Other pixels,
-    /// other name. GUI thread.
-    static QString nameOf(const OssImageSet *set);
+    /// The name under which the node's images are evaluated; empty while they have no pixels. Other
+    /// pixels, other name. Patches that nothing was written to have the set's fill colour; those
+    /// beyond a bake point's limit have the colour that it says. GUI thread.
+    static QString nameOf(const OssSnBaseNode *node);
 
     OssEvResult describe(const Image &image, OssEvImageInfo *info) override;
     OssEvResult read(const Image &image, int reduction, int tileRow, const OssEvCancel &cancel,
@@ -23,4 +24,6 @@ public:
 private:
     /// False when there is nothing for the patch.
     static bool toFile(const Image &image, Image *file);
+    /// The colour of such a patch, as the rest of its line; empty when it is transparent.
+    static std::string fillOf(const Image &image);
 };

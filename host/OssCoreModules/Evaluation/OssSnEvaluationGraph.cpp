@@ -133,7 +133,7 @@ private:
             if (toParameter(attribute.value(), &parameter))
                 parameters.emplace(attribute.name().toStdString(), parameter);
         }
-        const QString images = OssImageSetFiles::nameOf(OssShaderNetworkUtils::imageSetOf(node));
+        const QString images = OssImageSetFiles::nameOf(node);
         if (!images.isEmpty())
             parameters["Image"] = images.toStdString();
         return parameters;

@@ -10,6 +10,7 @@ const QString SyncAttribute = QStringLiteral("syncGeoChannel");
 const QString GeoChannelAttribute = QStringLiteral("geoChannel");
 const QString LimitAttribute = QStringLiteral("limitBake");
 const QString RangeAttribute = QStringLiteral("limitBakeRange");
+const QString BackgroundAttribute = QStringLiteral("limitBakeBackground");
 const QString FilterAttribute = QStringLiteral("filterCollection");
 const QString FilterTextAttribute = QStringLiteral("filterCollectionText");
 const QString BakedElement = QStringLiteral("baked");
@@ -91,6 +92,11 @@ bool OssSnBakePointNode::limitBake() const
 QString OssSnBakePointNode::limitBakeRange() const
 {
     return attribute(RangeAttribute).toString();
+}
+
+OssColor OssSnBakePointNode::limitBakeBackground() const
+{
+    return attribute(BackgroundAttribute).value<OssColor>();
 }
 
 bool OssSnBakePointNode::filterCollectionEnabled() const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OssCore/OssColor.h"
 #include "OssCoreModules/Network/OssSnImageSetNodeBase.h"
 
 /// Keeps the result of what feeds it as images, from which everything behind it goes on.
@@ -34,6 +35,8 @@ public:
     /// Whether only some patches are baked, and which: "1001-1004,1011".
     bool limitBake() const;
     QString limitBakeRange() const;
+    /// What the others show.
+    OssColor limitBakeBackground() const;
     bool filterCollectionEnabled() const;
     QString filterCollectionText() const;
 

@@ -12,6 +12,7 @@
 
 namespace {
 
+const QColor TitleColor(0xe9, 0xf3, 0xf3);
 constexpr qreal BackdropLevel = -1000.0; ///< below everything else
 constexpr qreal Corner = 10.0;
 constexpr qreal GripWidth = 6.0;
@@ -194,7 +195,7 @@ void OssNgBackdropNode::paintDetailed(QPainter *painter) const
     painter->setPen(isSelected() ? QPen(style->color(OssNgStyle::Role::Accent), 2.0)
                                  : QPen(outline, 1.0));
     painter->drawRoundedRect(body, Corner, Corner);
-    painter->setPen(QColor(0xe9, 0xf3, 0xf3));
+    painter->setPen(TitleColor);
     OssNgText::draw(painter, OssNgText::Role::Backdrop,
                     {area.left() + Padding, area.top() + titleBarHeight() / 2.0},
                     OssNgText::elided(OssNgText::Role::Backdrop,
@@ -221,7 +222,11 @@ void OssNgBackdropNode::paintSimple(QPainter *painter) const
     fill.setAlphaF(0.16 * strength);
     painter->fillRect(area, fill);
     fill.setAlphaF(0.35 * strength);
-    painter->fillRect(QRectF(area.topLeft(), QSizeF(area.width(), titleBarHeight())), fill);
+    const QRectF bar(area.topLeft(), QSizeF(area.width(), titleBarHeight()));
+    painter->fillRect(bar, fill);
+    painter->setPen(TitleColor);
+    OssNgText::drawSmall(painter, OssNgText::Role::Backdrop, bar,
+                         m_title.isEmpty() ? text() : m_title);
     if (!isSelected())
         return;
     QPen pen(OssNgStyle::instance()->color(OssNgStyle::Role::Accent), 2.0);

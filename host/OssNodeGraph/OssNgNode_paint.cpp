@@ -334,6 +334,8 @@ void OssNgNode::paintSimple(QPainter *painter) const
     painter->fillRect(body, style->color(m_hovered ? Role::BodyHovered : Role::Body));
     const QRectF header(body.topLeft(), QSizeF(body.width(), OssNgStyle::HeaderHeight));
     painter->fillRect(header, withAlpha(mainColor(), faded ? FadedHeader : 1.0));
+    painter->setPen(withAlpha(style->color(Role::Title), faded ? FadedTitle : 1.0));
+    OssNgText::drawSmall(painter, OssNgText::Role::Title, header, m_text);
     QColor ring;
     if (isSelected())
         ring = style->color(Role::Accent);

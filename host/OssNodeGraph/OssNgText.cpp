@@ -108,3 +108,20 @@ void OssNgText::draw(QPainter *painter, Role role, const QPointF &centerLeft, co
     painter->drawStaticText(QPointF(centerLeft.x(), centerLeft.y() - own.metrics.height() / 2.0),
                             *prepared);
 }
+
+void OssNgText::drawSmall(QPainter *painter, Role role, const QRectF &strip, const QString &text)
+{
+    constexpr qreal SmallestScale = 0.3;
+    constexpr qreal Height = 12.0; // of a line, in pixels of the screen
+    constexpr qreal Inset = 4.0;
+    const qreal scale = painter->worldTransform().m11();
+    if (scale < SmallestScale || text.isEmpty())
+        return;
+    const qreal factor = Height / (lineHeight(role) * scale);
+    const qreal room = (strip.width() - 2.0 * Inset / scale) / factor;
+    painter->save();
+    painter->translate(strip.left() + Inset / scale, strip.center().y());
+    painter->scale(factor, factor);
+    draw(painter, role, {}, elided(role, text, room));
+    painter->restore();
+}

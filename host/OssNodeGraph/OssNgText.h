@@ -22,5 +22,8 @@ QString elided(Role role, const QString &text, qreal width);
 QStringList wrapped(Role role, const QString &text, qreal width, int most);
 /// Vertically centred on `centerLeft`, in the painter's pen.
 void draw(QPainter *painter, Role role, const QPointF &centerLeft, const QString &text);
+/// The same in the left of a strip, at the size of a small label on screen whatever the painter's
+/// scale, elided. Nothing where the strip is too small for that.
+void drawSmall(QPainter *painter, Role role, const QRectF &strip, const QString &text);
 
 } // namespace OssNgText

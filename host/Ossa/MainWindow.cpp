@@ -13,6 +13,7 @@
 #include "Ossa/Scripting/ScriptCommands.h"
 #include "Ossa/StatusArea.h"
 #include "Ossa/Theme.h"
+#include "Ossa/Viewer/NodeThumbnails.h"
 #include "Ossa/WorkRecovery.h"
 #include "OssCore/OssSettings.h"
 #include "OssCoreModules/Interface/OssApplication.h"
@@ -30,6 +31,7 @@
 namespace {
 
 const QString geometryKey = QStringLiteral("MainWindow/geometry");
+const QString thumbnailsKey = QStringLiteral("MainWindow/NodeThumbnails");
 const QString viewFolder = QStringLiteral("/Ossa/View/");
 const QString helpFolder = QStringLiteral("/Ossa/Help/");
 const QSize firstSize(1400, 880);
@@ -121,6 +123,17 @@ void MainWindow::fileViewCommands()
         [this] { setWindowState(windowState() ^ Qt::WindowFullScreen); },
         tr("Use the whole screen"));
     fullScreen->setCheckable(true);
+    auto *thumbnails = new NodeThumbnails(this); // owned by the window
+    QAction *pictures = Commands::file(
+        this, viewFolder, tr("Node Thumbnails"),
+        [thumbnails] {
+            thumbnails->setEnabled(!thumbnails->isEnabled());
+            OssSettings().setValue(thumbnailsKey, thumbnails->isEnabled());
+        },
+        tr("Show in the node graph what each node gives"));
+    pictures->setCheckable(true);
+    pictures->setChecked(OssSettings().value(thumbnailsKey).toBool());
+    thumbnails->setEnabled(pictures->isChecked());
     Commands::file(
         this, viewFolder, tr("Reset Layout"), [this] { m_docks->resetLayout(); },
         tr("Put all palettes back to where they were at first"));

@@ -1,0 +1,197 @@
+#include "Ossa/Viewer/NodeThumbnails.h"
+
+#include "Ossa/Viewer/ViewerPixels.h"
+#include "OssCore/OssUndoManager.h"
+#include "OssCoreModules/Evaluation/OssEvaluationService.h"
+#include "OssCoreModules/Interface/OssPalette.h"
+#include "OssCoreModules/Interface/OssPaletteManager.h"
+#include "OssCoreModules/Network/OssShaderNetwork.h"
+#include "OssCoreModules/Network/OssShaderNetworkManager.h"
+#include "OssCoreModules/Network/OssSnBaseNode.h"
+#include "OssCoreModules/Network/OssSnResultKey.h"
+#include "OssCoreModules/Project/OssProjectManager.h"
+#include "OssNodeGraph/OssNgNode.h"
+#include "OssNodeGraph/OssNgSceneIndex.h"
+#include "OssNodeGraph/OssNgView.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QPixmap>
+#include <QTabWidget>
+
+#include <memory>
+#include <mutex>
+#include <utility>
+
+namespace {
+
+constexpr int Size = 96;   // texels that are computed
+constexpr int Height = 56; // of them shown, the middle: nodes stay low
+constexpr int LookInterval = 120;
+constexpr int LongestLook = 6; // ms of the GUI thread
+constexpr int MostRunning = 4;
+constexpr qreal SmallestScale = 0.4; ///< below it nodes have no room for detail
+
+OssNgView *shownView()
+{
+    OssPalette *palette = OssPaletteManager::instance()->find(QStringLiteral("node_graph_palette"));
+    const auto *tabs = palette ? qobject_cast<QTabWidget *>(palette->originalWidget()) : nullptr;
+    auto *view = tabs ? qobject_cast<OssNgView *>(tabs->currentWidget()) : nullptr;
+    return view && view->isVisible() ? view : nullptr;
+}
+
+bool hasPicture(const OssSnBaseNode *node, const QString &output)
+{
+    if (output.isEmpty() || node->hasDetachedOutputs())
+        return false;
+    for (const OssSnBaseNode::OutputPoint &point : node->outputPoints()) {
+        if (point.name == output)
+            return point.kind != OssSnDataKind::Material && point.kind != OssSnDataKind::Data;
+    }
+    return false;
+}
+
+} // namespace
+
+NodeThumbnails::NodeThumbnails(QObject *parent)
+    : QObject(parent)
+{
+    const auto touch = [this] {
+        m_dirty = true;
+    };
+    connect(OssUndoManager::instance(), &OssUndoManager::changed, this, touch);
+    connect(OssShaderNetworkManager::instance(),
+            &OssShaderNetworkManager::currentViewNetworkChanged, this, touch);
+    connect(OssProjectManager::instance(), &OssProjectManager::projectClosing, this,
+            &NodeThumbnails::forgetAll);
+    connect(&m_timer, &QTimer::timeout, this, &NodeThumbnails::look);
+    m_timer.setInterval(LookInterval);
+}
+
+NodeThumbnails::~NodeThumbnails()
+{
+    forgetAll();
+}
+
+void NodeThumbnails::setEnabled(bool enabled)
+{
+    if (m_enabled == enabled)
+        return;
+    m_enabled = enabled;
+    m_dirty = true;
+    if (enabled) {
+        m_timer.start();
+    } else {
+        m_timer.stop();
+        forgetAll();
+    }
+}
+
+void NodeThumbnails::forgetAll()
+{
+    // Callbacks come to an object that is looked up by then; those of cancelled work find nothing.
+    for (auto running = m_running.cbegin(); running != m_running.cend(); ++running)
+        OssEvaluationService::instance()->engine()->cancel(running.key());
+    m_running.clear();
+    const QHash<OssNgNode *, Shown> shown = std::exchange(m_shown, {});
+    for (const Shown &entry : shown) {
+        if (entry.item)
+            entry.item->setThumbnail({});
+    }
+}
+
+void NodeThumbnails::look()
+{
+    const OssNgView *view = shownView();
+    if (!view || view->transform().m11() < SmallestScale
+        || OssUndoManager::instance()->isMacroOpen())
+        return;
+    const QRectF place = view->mapToScene(view->viewport()->rect()).boundingRect();
+    if (!m_dirty && place == m_lastView)
+        return;
+    m_lastView = place;
+    m_dirty = false;
+    QElapsedTimer spent;
+    spent.start();
+    const QVector<OssNgNode *> items = OssNgSceneIndex::of(view->scene())->nodesIn(place);
+    for (OssNgNode *item : items) {
+        // The rest is looked at the next time.
+        if (m_running.size() >= MostRunning || spent.elapsed() > LongestLook) {
+            m_dirty = true;
+            return;
+        }
+        lookAt(item);
+    }
+}
+
+void NodeThumbnails::lookAt(OssNgNode *item)
+{
+    const auto *node = qobject_cast<OssSnBaseNode *>(item->businessNode());
+    const QString output = node && node->network() ? node->prefferedOutputPoint() : QString();
+    if (!node || !hasPicture(node, output))
+        return;
+    const QString key = OssSnResultKey::of(node, output);
+    Shown &shown = m_shown[item];
+    if (shown.item == item && shown.key == key)
+        return;
+    shown = {item, key};
+    start(item, node);
+}
+
+void NodeThumbnails::start(OssNgNode *item, const OssSnBaseNode *node)
+{
+    const OssSnEvaluationGraph graph = OssSnEvaluationGraph::of(node, node->prefferedOutputPoint());
+    OssEvaluationService *service = OssEvaluationService::instance();
+    const OssGeoEntity *entity = node->network()->geoEntity();
+    const QList<int> patches = graph.error.isEmpty() ? service->patches(entity) : QList<int>();
+    if (patches.isEmpty()) {
+        item->setThumbnail({});
+        return;
+    }
+
+    // Tells its result by its own number, which is known only when it has been started.
+    struct Work
+    {
+        std::mutex mutex;
+        QImage picture;
+        OssEvEngine::Id id = 0;
+    };
+
+    const auto work = std::make_shared<Work>();
+    const QPointer<NodeThumbnails> self(this);
+    OssEvRequest request;
+    request.target = service->target(graph, entity, patches.first(), Size);
+    request.priority = -1;
+    request.onTile = [work](const OssEvArrival &arrival) {
+        const QImage picture = ViewerPixels::picture(*arrival.tile, ViewerLook());
+        const std::lock_guard<std::mutex> lock(work->mutex);
+        work->picture = picture;
+    };
+    request.onFinished = [work, self, receiver = qApp](const OssEvOutcome &outcome) {
+        const bool ok = outcome.ok();
+        QMetaObject::invokeMethod(
+            receiver,
+            [work, self, ok] {
+                const std::lock_guard<std::mutex> lock(work->mutex);
+                if (self)
+                    self->finish(work->id, ok ? work->picture : QImage());
+            },
+            Qt::QueuedConnection);
+    };
+    work->id = service->engine()->start(std::move(request));
+    m_running.insert(work->id, item);
+}
+
+void NodeThumbnails::finish(OssEvEngine::Id id, const QImage &picture)
+{
+    const auto running = m_running.find(id);
+    if (running == m_running.end())
+        return;
+    const QPointer<OssNgNode> item = *running;
+    m_running.erase(running);
+    m_dirty = true;
+    if (item && picture.isNull())
+        item->setThumbnail({});
+    else if (item)
+        item->setThumbnail(QPixmap::fromImage(picture.copy(0, (Size - Height) / 2, Size, Height)));
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "OssEvaluation/Schedule/OssEvEngine.h"
+
+#include <QHash>
+#include <QImage>
+#include <QObject>
+#include <QPointer>
+#include <QTimer>
+
+class OssNgNode;
+class OssNgView;
+class OssSnBaseNode;
+
+/// Small pictures of what nodes give, in the node graph that is shown. Computed for nodes in view
+/// that are large enough to show one, a few at a time and after everything else; made anew when what
+/// a node gives has changed. GUI thread, which never waits for pixels.
+class NodeThumbnails : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit NodeThumbnails(QObject *parent = nullptr);
+    ~NodeThumbnails() override;
+
+    /// Off at first. Off takes the pictures away and costs nothing.
+    void setEnabled(bool enabled);
+
+    bool isEnabled() const { return m_enabled; }
+
+private:
+    struct Shown
+    {
+        QPointer<OssNgNode> item;
+        QString key; ///< of the picture that the item has, or that is on its way
+    };
+
+    void look();
+    void lookAt(OssNgNode *item);
+    void start(OssNgNode *item, const OssSnBaseNode *node);
+    void finish(OssEvEngine::Id id, const QImage &picture);
+    void forgetAll();
+
+    bool m_enabled = false;
+    bool m_dirty = true;
+    QTimer m_timer;
+    QRectF m_lastView;
+    QHash<OssNgNode *, Shown> m_shown;
+    QHash<OssEvEngine::Id, QPointer<OssNgNode>> m_running;
+};

@@ -1,0 +1,110 @@
+#include "Ossa/Viewer/NodeThumbnails.h"
+
+#include "OssCoreModules/Evaluation/OssEvaluationService.h"
+#include "OssCoreModules/Interface/OssPalette.h"
+#include "OssCoreModules/Interface/OssPaletteManager.h"
+#include "OssNodeGraph/OssNgNode.h"
+#include "OssNodeGraph/OssNgSceneIndex.h"
+#include "OssNodeGraph/OssNgView.h"
+#include "support/ModelFixture.h"
+
+#include <QGraphicsScene>
+#include <QPainter>
+#include <QTabWidget>
+#include <QTest>
+
+namespace {
+
+/// A graph palette with two items of the model: one in view, one far away.
+class Thumbnails : public ModelFixture
+{
+protected:
+    void SetUp() override
+    {
+        ModelFixture::SetUp();
+        auto *palette = new OssPalette;
+        palette->setObjectName(QStringLiteral("Node Graph"));
+        palette->setContextHelpKey(QStringLiteral("node_graph_palette"));
+        auto *tabs = new QTabWidget;
+        m_view = new OssNgView;
+        m_view->setScene(&m_scene);
+        tabs->addTab(m_view, QStringLiteral("Root"));
+        palette->setBodyWidget(tabs);
+        OssPaletteManager::instance()->registerPalette(palette, true, QString());
+        palette->resize(600, 400);
+        palette->show();
+        m_node = add("Procedural/Color");
+        m_far = add("Procedural/Color");
+        m_near = itemFor(m_node, {0.0, 0.0});
+        m_away = itemFor(m_far, {20000.0, 0.0});
+        m_view->centerOn(m_near.get());
+    }
+
+    void TearDown() override
+    {
+        OssNgSceneIndex::releaseItems(&m_scene);
+        m_near.reset();
+        m_away.reset();
+        OssPaletteManager::instance()->shutdown();
+        ModelFixture::TearDown();
+    }
+
+    std::unique_ptr<OssNgNode> itemFor(OssSnBaseNode *node, const QPointF &position)
+    {
+        auto item = std::make_unique<OssNgNode>();
+        item->setBusinessNode(node);
+        item->setPosition(position);
+        m_scene.addItem(item.get());
+        return item;
+    }
+
+    static std::uint64_t tilesComputed()
+    {
+        return OssEvaluationService::instance()->engine()->statistics().tilesComputed;
+    }
+
+    QGraphicsScene m_scene;
+    OssNgView *m_view = nullptr;
+    OssSnBaseNode *m_node = nullptr;
+    OssSnBaseNode *m_far = nullptr;
+    std::unique_ptr<OssNgNode> m_near;
+    std::unique_ptr<OssNgNode> m_away;
+};
+
+} // namespace
+
+TEST_F(Thumbnails, areOfNodesInViewFollowEditsAndGoWhenSwitchedOff)
+{
+    const qreal plain = m_near->boundingRect().height();
+    NodeThumbnails thumbnails;
+    QTest::qWait(300);
+    EXPECT_EQ(m_near->boundingRect().height(), plain) << "off at first";
+    thumbnails.setEnabled(true);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return m_near->boundingRect().height() > plain; }, 20000));
+    EXPECT_EQ(m_away->boundingRect().height(), plain) << "nothing for what is not seen";
+
+    const auto greenTexels = [this] {
+        QImage picture(200, 200, QImage::Format_RGB32);
+        picture.fill(Qt::black);
+        QPainter painter(&picture);
+        m_scene.render(&painter, {0, 0, 200, 200}, m_near->boundingRect());
+        painter.end();
+        int count = 0;
+        for (int i = 0; i < 200 * 200; ++i) {
+            const QColor color(picture.pixel(i % 200, i / 200));
+            count += color.green() > 200 && color.red() < 90 && color.blue() < 90 ? 1 : 0;
+        }
+        return count;
+    };
+    EXPECT_EQ(greenTexels(), 0);
+    m_node->setAttribute(QStringLiteral("Color"), QStringLiteral("0,1,0,1"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return greenTexels() > 1000; }, 20000)) << greenTexels();
+    const std::uint64_t computed = tilesComputed();
+    m_near->setPosition({5.0, 0.0});
+    m_node->setName(QStringLiteral("Moved"));
+    QTest::qWait(400);
+    EXPECT_EQ(tilesComputed(), computed) << "where a node stands and its name change no picture";
+
+    thumbnails.setEnabled(false);
+    EXPECT_EQ(m_near->boundingRect().height(), plain);
+}

@@ -6,8 +6,8 @@
 
 namespace {
 
-constexpr int PictureSide = 32;
-constexpr int BesidePointer = -14; // clear of the pointer, which stands on what is dropped on
+constexpr int pictureSide = 32;
+constexpr int besidePointer = -14; // clear of the pointer, which stands on what is dropped on
 
 } // namespace
 
@@ -20,8 +20,8 @@ void DragList::startDrag(Qt::DropActions actions)
     drag->setMimeData(model()->mimeData(indexes));
     const auto picture = indexes.first().data(Qt::DecorationRole).value<QIcon>();
     if (!picture.isNull()) {
-        drag->setPixmap(picture.pixmap(PictureSide));
-        drag->setHotSpot({BesidePointer, BesidePointer});
+        drag->setPixmap(picture.pixmap(pictureSide));
+        drag->setHotSpot({besidePointer, besidePointer});
     }
     drag->exec(actions & Qt::CopyAction ? Qt::CopyAction : actions, Qt::CopyAction);
 }

@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr int OpenFlags = OssImageManager::TellFailures | OssImageManager::GatherPatches;
+constexpr int openFlags = OssImageManager::TellFailures | OssImageManager::GatherPatches;
 
 /// Not larger than asked for. Null for what Qt cannot read.
 QImage readSmall(const QString &path, int side)
@@ -86,7 +86,7 @@ void ImageListModel::readPicture(const QString &path)
         return;
     m_pictures.insert(path, {});
     const auto read = [this, path] {
-        const QImage picture = readSmall(path, 2 * PictureSide);
+        const QImage picture = readSmall(path, 2 * pictureSide);
         // The destructor waits for this thread, so the model is alive.
         QMetaObject::invokeMethod(
             this,
@@ -114,7 +114,7 @@ QStringList ImageListModel::add(const QStringList &paths)
         if (!result)
             reasons.append(result.error());
         else
-            OssImageManager::instance()->open(path, OpenFlags, OssImageManager::defaultCategory());
+            OssImageManager::instance()->open(path, openFlags, OssImageManager::defaultCategory());
     }
     return reasons;
 }
@@ -137,7 +137,7 @@ QVariant ImageListModel::data(const QModelIndex &index, int role) const
     case Qt::ToolTipRole:
         return own->path();
     case Qt::DecorationRole: {
-        QPixmap picture(2 * PictureSide, 2 * PictureSide);
+        QPixmap picture(2 * pictureSide, 2 * pictureSide);
         picture.fill(Qt::transparent);
         const QImage read = m_pictures.value(own->pathOfPatch(patches.value(0)));
         if (!read.isNull())

@@ -16,7 +16,7 @@ class ImageListModel : public QAbstractListModel
     Q_OBJECT
 
 public:
-    static constexpr int PictureSide = 48; ///< device-independent pixels
+    static constexpr int pictureSide = 48; ///< device-independent pixels
 
     explicit ImageListModel(QObject *parent = nullptr);
     ~ImageListModel() override;

@@ -20,7 +20,7 @@ ImagesPanel::ImagesPanel(QWidget *parent)
 {
     m_list->setModel(m_model);
     m_list->setAccessibleName(tr("Images"));
-    m_list->setIconSize({ImageListModel::PictureSide, ImageListModel::PictureSide});
+    m_list->setIconSize({ImageListModel::pictureSide, ImageListModel::pictureSide});
     m_list->setSelectionMode(QAbstractItemView::ExtendedSelection);
     m_list->setDragDropMode(QAbstractItemView::DragDrop);
     m_list->setContextMenuPolicy(Qt::CustomContextMenu);

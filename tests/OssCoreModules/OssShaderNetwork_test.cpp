@@ -115,6 +115,11 @@ TEST_F(NetworkTest, namesAreUniqueAndUsable)
     EXPECT_EQ(add("Filter/Blur")->name(), QStringLiteral("Blur 2"));
     OssSnBaseNode *third = add("Filter/Blur", "Blur 2");
     EXPECT_EQ(third->name(), QStringLiteral("Blur 3"));
+    m_network->removeNodes({m_network->node(QStringLiteral("Blur 2"))});
+    EXPECT_EQ(m_network->generateUniqueNodeName(QStringLiteral("Blur 3")),
+              QStringLiteral("Blur 2"));
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(m_network->generateUniqueNodeName(QStringLiteral("Blur")), QStringLiteral("Blur 4"));
     third->setName(QStringLiteral("a/b"));
     EXPECT_EQ(third->name(), QStringLiteral("a_b"));
     third->setName(QStringLiteral("  "));

@@ -115,28 +115,28 @@ protected:
     QList<OssSnBaseNode *> m_many;
 };
 
-const char *const toViewer = "Connect node 'Blur' to Viewer";
-const char *const layersToViewer = "Connect node 'Layers' to Viewer";
-const std::array<const char *, 5> connects{nullptr, toViewer, nullptr, layersToViewer, nullptr};
-const char *const noBakePoints = "[ !! ] No Bake Point nodes are selected";
-const char *const isProtected = "[ -- ] Node 'Layers' cannot be removed by the user, it's a "
+const char *const ToViewer = "Connect node 'Blur' to Viewer";
+const char *const LayersToViewer = "Connect node 'Layers' to Viewer";
+const std::array<const char *, 5> Connects{nullptr, ToViewer, nullptr, LayersToViewer, nullptr};
+const char *const NoBakePoints = "[ !! ] No Bake Point nodes are selected";
+const char *const IsProtected = "[ -- ] Node 'Layers' cannot be removed by the user, it's a "
                                 "protected graph layer node";
 
 // clang-format off
-const Row rows[] = {
-    {"Connect Selected Node to Viewer", connects},
-    {"Connect Selected Node to Viewer2", connects},
-    {"Connect Selected Node to Viewer3", connects},
-    {"Connect Selected Node to Viewer4", connects},
-    {"Connect Selected Node to Viewer5", connects},
-    {"Connect Selected Node to Viewer6", connects},
-    {"Connect Selected Node to Viewer7", connects},
-    {"Connect Selected Node to Viewer8", connects},
-    {"Connect Selected Node to Viewer9", connects},
+const Row Rows[] = {
+    {"Connect Selected Node to Viewer", Connects},
+    {"Connect Selected Node to Viewer2", Connects},
+    {"Connect Selected Node to Viewer3", Connects},
+    {"Connect Selected Node to Viewer4", Connects},
+    {"Connect Selected Node to Viewer5", Connects},
+    {"Connect Selected Node to Viewer6", Connects},
+    {"Connect Selected Node to Viewer7", Connects},
+    {"Connect Selected Node to Viewer8", Connects},
+    {"Connect Selected Node to Viewer9", Connects},
     {"Connect Selected Node to Viewer0", {}, {{One, "Input 0 is reserved."}}},
     {"Move Viewer to Cursor", {}, {}, true},
     {"Delete", {nullptr, "Remove Selected Nodes", "Remove Selected Nodes", nullptr, "Remove Selected Nodes"},
-     {{Protected, isProtected}}},
+     {{Protected, IsProtected}}},
     {"Extract", {nullptr, "Extract Nodes", "Extract Nodes", nullptr, "Extract Nodes"}},
     {"Remove All Nodes", always("Remove All Nodes")},
     {"Frame Nodes"},
@@ -146,7 +146,7 @@ const Row rows[] = {
     {"Quick Create"},
     {"Duplicate", {nullptr, "Duplicate Nodes", "Duplicate Nodes", "Duplicate Nodes", nullptr}},
     {"Select All"},
-    {"Cut", {nullptr, "Cut Nodes", "Cut Nodes", nullptr, nullptr}, {{Protected, isProtected}}},
+    {"Cut", {nullptr, "Cut Nodes", "Cut Nodes", nullptr, nullptr}, {{Protected, IsProtected}}},
     {"Copy"},
     {"Paste", always("Paste Nodes")},
     {"Search Node", {}, {{Nothing, "[ !! ] Found "}}},
@@ -171,8 +171,8 @@ const Row rows[] = {
     {"Toggle Port List", {}, {}, true},
     {"Cycle Port List Mode", {}, {}, true},
     {"Smart Bake And Update", {}, {{Nothing, "[ !! ] No Bake Point nodes found"}}},
-    {"Bake Selected", {}, {{Nothing, noBakePoints}, {Many, noBakePoints}}},
-    {"Update Selected", {}, {{Nothing, noBakePoints}, {Viewer, noBakePoints}}},
+    {"Bake Selected", {}, {{Nothing, NoBakePoints}, {Many, NoBakePoints}}},
+    {"Update Selected", {}, {{Nothing, NoBakePoints}, {Viewer, NoBakePoints}}},
     {"Update Upstream", {}, {{Nothing, "[ !! ] No nodes are selected"}, {One, "[ !! ] No upstream Bake Point nodes found"}}},
     {"Update Downstream", {}, {{Nothing, "[ !! ] No nodes are selected"}, {One, "[ !! ] No downstream Bake Point nodes found"}}},
     {"Manage User Knobs"},
@@ -208,7 +208,7 @@ const Row rows[] = {
 
 TEST_F(EveryActionTest, isOneStepWithItsTitleOrAnEffectlessRefusal)
 {
-    for (const Row &row : rows) {
+    for (const Row &row : Rows) {
         for (const Situation situation : {Nothing, One, Many, Protected, Viewer}) {
             check(row, situation);
             if (HasFatalFailure())
@@ -226,7 +226,7 @@ TEST_F(EveryActionTest, doesNothingButSaySoWithoutAView)
     OssUndoManager::instance()->clear();
     const QByteArray before = m_project->stateHash();
     select(Many);
-    for (const Row &row : rows) {
+    for (const Row &row : Rows) {
         SCOPED_TRACE(row.action);
         OssDebugLog::instance()->clear();
         trigger(row.action);
@@ -240,7 +240,7 @@ TEST_F(EveryActionTest, doesNothingButSaySoWithoutAView)
 TEST_F(EveryActionTest, standsInTheTableOfTheTests)
 {
     QSet<QString> tested;
-    for (const Row &row : rows)
+    for (const Row &row : Rows)
         tested.insert(QString::fromLatin1(row.action));
 #define OSS_LISTED(text, slot, call) EXPECT_TRUE(tested.contains(QStringLiteral(text))) << (text);
     OSS_NODE_GRAPH_ACTIONS(OSS_LISTED, OSS_LISTED)

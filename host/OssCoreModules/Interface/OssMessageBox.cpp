@@ -21,10 +21,10 @@ struct Box
 /// In the colours of the interface; what a style brings along is made for light windows.
 QPixmap drawnIcon(QMessageBox::Icon icon, const QWidget &box)
 {
-    constexpr qreal side = 40.0;
+    constexpr qreal Side = 40.0;
     const bool warns = icon == QMessageBox::Warning || icon == QMessageBox::Critical;
     const qreal scale = box.devicePixelRatioF();
-    QPixmap pixmap(QSizeF(side * scale, side * scale).toSize());
+    QPixmap pixmap(QSizeF(Side * scale, Side * scale).toSize());
     pixmap.setDevicePixelRatio(scale);
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
@@ -43,7 +43,7 @@ QPixmap drawnIcon(QMessageBox::Icon icon, const QWidget &box)
     const QString sign = warns                           ? QStringLiteral("!")
                          : icon == QMessageBox::Question ? QStringLiteral("?")
                                                          : QStringLiteral("i");
-    painter.drawText(QRectF(0.0, warns ? 4.0 : 0.0, side, side), Qt::AlignCenter, sign);
+    painter.drawText(QRectF(0.0, warns ? 4.0 : 0.0, Side, Side), Qt::AlignCenter, sign);
     return pixmap;
 }
 

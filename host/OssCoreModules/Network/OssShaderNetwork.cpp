@@ -8,6 +8,25 @@
 
 #include <algorithm>
 
+namespace {
+
+/// "Blur 7" is the seventh of the row of "Blur"; a name without a number has the number 0.
+struct Numbered
+{
+    QString stem;
+    unsigned number = 0;
+};
+
+Numbered numbered(const QString &name)
+{
+    const int blank = name.lastIndexOf(QLatin1Char(' '));
+    bool isNumber = false;
+    const unsigned number = blank > 0 ? name.midRef(blank + 1).toUInt(&isNumber) : 0;
+    return isNumber ? Numbered{name.left(blank), number} : Numbered{name, 0};
+}
+
+} // namespace
+
 OssShaderNetwork::OssShaderNetwork(QObject *parent)
     : OssSerializableObject(parent)
 {
@@ -106,26 +125,29 @@ QString OssShaderNetwork::generateUniqueNodeName(const QString &base) const
 {
     if (!m_byName.contains(base))
         return base;
-    // "Blur 7" continues the row of "Blur".
-    QString stem = base;
-    const int blank = base.lastIndexOf(QLatin1Char(' '));
-    bool numbered = false;
-    if (blank > 0) {
-        base.midRef(blank + 1).toUInt(&numbered);
-        if (numbered)
-            stem = base.left(blank);
-    }
-    for (unsigned number = 2;; ++number) {
-        const QString name = stem + QLatin1Char(' ') + QString::number(number);
+    const Numbered wanted = numbered(base);
+    unsigned &number = m_freeNumbers.insert(wanted.stem, m_freeNumbers.value(wanted.stem, 2))
+                           .value();
+    for (;; ++number) {
+        const QString name = wanted.stem + QLatin1Char(' ') + QString::number(number);
         if (!m_byName.contains(name))
             return name;
     }
 }
 
+void OssShaderNetwork::releaseName(const QString &name)
+{
+    m_byName.remove(name);
+    const Numbered released = numbered(name);
+    const auto found = m_freeNumbers.find(released.stem);
+    if (found != m_freeNumbers.end() && released.number >= 2)
+        *found = std::min(*found, released.number);
+}
+
 void OssShaderNetwork::nodeWasRenamed(OssSnBaseNode *node, const QString &oldName)
 {
     if (m_byName.value(oldName) == node)
-        m_byName.remove(oldName);
+        releaseName(oldName);
     m_byName.insert(node->name(), node);
     if (OssSnGroupNode *group = parentGroupNode())
         group->onNodeRenamedInside(node, oldName);
@@ -162,7 +184,7 @@ OssShaderNetwork::NodePointer OssShaderNetwork::takeNode(OssSnBaseNode *node, in
     }
     NodePointer taken = std::move(*found);
     m_nodes.erase(found);
-    m_byName.remove(node->name());
+    releaseName(node->name());
     node->setNetwork(nullptr);
     return taken;
 }

@@ -162,6 +162,7 @@ private:
     NodePointer takeNode(OssSnBaseNode *node, int *index);
     void registerNode(OssSnBaseNode *node);
     void moveNodeHere(OssSnBaseNode *node);
+    void releaseName(const QString &name);
     void relocate(const QList<OssSnBaseNode *> &nodes, OssShaderNetwork *target);
     void moveToPlaces(const QList<OssSnBaseNode *> &moved, const QVector<int> &places);
     void applyOrder(const QList<OssSnBaseNode *> &nodes);
@@ -176,6 +177,8 @@ private:
     std::vector<NodePointer> m_nodes;
     std::unique_ptr<OssNodeTypeTable> m_fileTypes; ///< of a root network while it is being read
     QHash<QString, OssSnBaseNode *> m_byName;
+    /// For each row of numbered names, a number below which none is free.
+    mutable QHash<QString, unsigned> m_freeNumbers;
     QPointer<OssShadingContext> m_shadingContext;
     int m_viewerEdge = 1;
     int m_viewLocks = 0;

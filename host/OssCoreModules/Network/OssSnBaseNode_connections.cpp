@@ -46,6 +46,8 @@ bool OssSnBaseNode::isOutputUsed(const QString &outputPoint) const
 
 bool OssSnBaseNode::dependsOn(const OssSnBaseNode *other) const
 {
+    if (this != other && other->m_outgoing.isEmpty())
+        return false; // as with every node that was just made
     QSet<const OssSnBaseNode *> seen{this};
     QVector<const OssSnBaseNode *> open{this};
     while (!open.isEmpty()) {

@@ -301,7 +301,7 @@ class Node(Object):
         """Gives a group an output and returns the node inside for it."""
     @overload
     def createOutput(self, name: str) -> Node: ...
-    def createKnob(self, node: Node, attribute: str) -> str:
+    def createKnob(self, inner: Node, attribute: str) -> str:
         """Makes an attribute of a node inside a group a knob of the group."""
     def imageSet(self) -> ImageSet:
         """The images that the node reads; None when it has none."""

@@ -43,7 +43,7 @@ QVariantList listOf(py::handle sequence, int depth)
     QVariantList list;
     // Not by iterator: conversions may run code that changes the list.
     for (std::size_t i = 0; i < py::len(sequence); ++i) {
-        const py::object item = py::reinterpret_steal<py::object>(
+        const auto item = py::reinterpret_steal<py::object>(
             PySequence_GetItem(sequence.ptr(), Py_ssize_t(i)));
         if (!item)
             throw py::error_already_set();
@@ -55,7 +55,7 @@ QVariantList listOf(py::handle sequence, int depth)
 QVariantMap mapOf(py::handle dict, int depth)
 {
     QVariantMap map;
-    const py::list items = py::reinterpret_steal<py::list>(PyDict_Items(dict.ptr()));
+    const auto items = py::reinterpret_steal<py::list>(PyDict_Items(dict.ptr()));
     for (const py::handle item : items) {
         const auto pair = py::reinterpret_borrow<py::tuple>(item);
         if (!PyUnicode_Check(py::object(pair[0]).ptr()))
@@ -112,7 +112,7 @@ QVariant OssPyValue::fromPython(py::handle value, int depth)
     if (PyDict_Check(object))
         return mapOf(value, depth);
     if (PyIndex_Check(object)) { // numbers of other libraries
-        const py::object number = py::reinterpret_steal<py::object>(PyNumber_Index(object));
+        const auto number = py::reinterpret_steal<py::object>(PyNumber_Index(object));
         if (!number)
             throw py::error_already_set();
         return wholeNumber(number);

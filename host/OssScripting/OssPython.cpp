@@ -79,21 +79,22 @@ struct OssPython::Private
 };
 
 OssPython::OssPython(OssScriptThread *, OssScriptEngine::Output output)
-    : m(std::make_unique<Private>())
+    : m_private(std::make_unique<Private>())
 {
     OssPyModule::use();
-    m->interpreter = makeInterpreter();
+    m_private->interpreter = makeInterpreter();
     QFile source(QStringLiteral(":/scripting/ossa.py"));
     source.open(QIODevice::ReadOnly);
     const QByteArray text = source.readAll();
     try {
         const py::object types = py::module_::import("types");
-        m->ossa = types.attr("ModuleType")("ossa");
+        m_private->ossa = types.attr("ModuleType")("ossa");
         const py::object code = py::module_::import("builtins")
                                     .attr("compile")(text.toStdString(), "<ossa>", "exec");
-        py::module_::import("sys").attr("modules")["ossa"] = m->ossa;
-        py::module_::import("builtins").attr("exec")(code, m->ossa.attr("__dict__"));
-        m->ossa.attr("_prepare")(output == OssScriptEngine::Output::Signals, int(StopSignal));
+        py::module_::import("sys").attr("modules")["ossa"] = m_private->ossa;
+        py::module_::import("builtins").attr("exec")(code, m_private->ossa.attr("__dict__"));
+        m_private->ossa.attr("_prepare")(output == OssScriptEngine::Output::Signals,
+                                         int(StopSignal));
     } catch (const py::error_already_set &error) {
         OssDebug(__FILE__, __LINE__, "[ !! ] Python cannot be used: %s", error.what());
     }
@@ -101,41 +102,42 @@ OssPython::OssPython(OssScriptThread *, OssScriptEngine::Output output)
 
 OssPython::~OssPython()
 {
-    m->ossa = py::object();
+    m_private->ossa = py::object();
 }
 
 int OssPython::runFile(const QString &path, const QStringList &arguments)
 {
-    return m->guarded([&] {
+    return m_private->guarded([&] {
         py::list list;
         for (const QString &argument : arguments)
             list.append(OssPyValue::text(argument));
-        m->ossa.attr("_run_file")(OssPyValue::text(path), list);
+        m_private->ossa.attr("_run_file")(OssPyValue::text(path), list);
     });
 }
 
 int OssPython::runInput(const QString &text)
 {
-    return m->guarded([&] { m->ossa.attr("_run_input")(OssPyValue::text(text)); });
+    return m_private->guarded([&] { m_private->ossa.attr("_run_input")(OssPyValue::text(text)); });
 }
 
 int OssPython::runCallback(int callback, const QVariantList &values)
 {
-    return m->guarded([&] { m->ossa.attr("_deliver")(callback, OssPyValue::toPython(values)); });
+    return m_private->guarded(
+        [&] { m_private->ossa.attr("_deliver")(callback, OssPyValue::toPython(values)); });
 }
 
 bool OssPython::isComplete(const QString &text)
 {
-    return m->insist([&] {
-        return m->ossa.attr("_is_complete")(OssPyValue::text(text)).cast<bool>() ? 1 : 0;
+    return m_private->insist([&] {
+        return m_private->ossa.attr("_is_complete")(OssPyValue::text(text)).cast<bool>() ? 1 : 0;
     }) != 0;
 }
 
 QStringList OssPython::complete(const QString &text)
 {
     QStringList names;
-    m->insist([&] {
-        const py::list found = m->ossa.attr("_complete")(OssPyValue::text(text));
+    m_private->insist([&] {
+        const py::list found = m_private->ossa.attr("_complete")(OssPyValue::text(text));
         for (const py::handle name : found)
             names.append(OssPyValue::fromPython(name).toString());
         return 0;
@@ -145,8 +147,8 @@ QStringList OssPython::complete(const QString &text)
 
 void OssPython::resetNames()
 {
-    m->insist([&] {
-        m->ossa.attr("_reset_names")();
+    m_private->insist([&] {
+        m_private->ossa.attr("_reset_names")();
         return 0;
     });
 }

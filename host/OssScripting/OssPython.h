@@ -33,5 +33,5 @@ public:
 
 private:
     struct Private;
-    std::unique_ptr<Private> m;
+    std::unique_ptr<Private> m_private;
 };

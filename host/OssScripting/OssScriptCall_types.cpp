@@ -91,6 +91,36 @@ int costOfNumber(const QVariant &value, int type)
     }
 }
 
+int costOfList(const QVariant &value, const QMetaObject *listed)
+{
+    if (value.userType() != QMetaType::QVariantList)
+        return Impossible;
+    const QVariantList entries = value.toList();
+    const bool all = std::all_of(entries.cbegin(), entries.cend(), [listed](const QVariant &entry) {
+        return entry.isValid() && costOfObject(entry, listed) != Impossible;
+    });
+    return all ? Exact : Impossible;
+}
+
+/// Of the program's own types, which have no constants of Qt's.
+int costOfOwnType(const QVariant &value, int type, const QByteArray &name)
+{
+    if (type == qMetaTypeId<QList<int>>())
+        return isListOf(value, isInt) ? Exact : Impossible;
+    if (type == qMetaTypeId<OssColor>() || type == QMetaType::QColor) {
+        if (value.userType() == qMetaTypeId<OssColor>())
+            return Exact;
+        return areNumbers(value, 3, 4) ? Near : Impossible;
+    }
+    if (QMetaType::typeFlags(type).testFlag(QMetaType::PointerToQObject))
+        return costOfObject(value, QMetaType::metaObjectForType(type));
+    if (const QMetaObject *listed = listedClass(name))
+        return costOfList(value, listed);
+    if (QMetaType::typeFlags(type).testFlag(QMetaType::IsEnumeration))
+        return isInt(value) ? Exact : Impossible;
+    return Impossible;
+}
+
 int cost(const QVariant &value, int type, const QByteArray &name)
 {
     switch (type) {
@@ -114,33 +144,12 @@ int cost(const QVariant &value, int type, const QByteArray &name)
     case QMetaType::QPoint:
     case QMetaType::QSizeF:
     case QMetaType::QSize:
-        return value.userType() == QMetaType::QPointF ? Exact
-               : areNumbers(value, 2, 2)              ? Near
-                                                      : Impossible;
+        if (value.userType() == QMetaType::QPointF)
+            return Exact;
+        return areNumbers(value, 2, 2) ? Near : Impossible;
     default:
-        break;
+        return costOfOwnType(value, type, name);
     }
-    if (type == qMetaTypeId<QList<int>>())
-        return isListOf(value, isInt) ? Exact : Impossible;
-    if (type == qMetaTypeId<OssColor>() || type == QMetaType::QColor)
-        return value.userType() == qMetaTypeId<OssColor>() ? Exact
-               : areNumbers(value, 3, 4)                   ? Near
-                                                           : Impossible;
-    if (QMetaType::typeFlags(type).testFlag(QMetaType::PointerToQObject))
-        return costOfObject(value, QMetaType::metaObjectForType(type));
-    if (const QMetaObject *listed = listedClass(name)) {
-        if (value.userType() != QMetaType::QVariantList)
-            return Impossible;
-        const QVariantList entries = value.toList();
-        for (const QVariant &entry : entries) {
-            if (!entry.isValid() || costOfObject(entry, listed) == Impossible)
-                return Impossible;
-        }
-        return Exact;
-    }
-    if (QMetaType::typeFlags(type).testFlag(QMetaType::IsEnumeration))
-        return isInt(value) ? Exact : Impossible;
-    return Impossible;
 }
 
 int costOfCall(const QMetaMethod &method, const QVariantList &arguments)

@@ -14,7 +14,7 @@
 
 namespace {
 
-const char usableProperty[] = "ossaUsableWhileScriptsRun";
+const char UsableProperty[] = "ossaUsableWhileScriptsRun";
 constexpr int ShutdownWait = 3000; // ms
 
 bool isInput(QEvent::Type type)
@@ -42,7 +42,7 @@ bool isInput(QEvent::Type type)
 bool isUsable(const QObject *object)
 {
     for (; object; object = object->parent()) {
-        if (object->property(usableProperty).toBool())
+        if (object->property(UsableProperty).toBool())
             return true;
     }
     return false;
@@ -178,7 +178,7 @@ void OssScriptEngine::shutdown()
     }
     if (m_thread->isRunning()) {
         OssDebug(__FILE__, __LINE__, "[ !! ] A script does not end");
-        m_thread.release(); // it cannot be destroyed; it goes with the process
+        static_cast<void>(m_thread.release()); // it cannot be destroyed; it goes with the process
     }
     m_thread.reset();
 }
@@ -186,7 +186,7 @@ void OssScriptEngine::shutdown()
 void OssScriptEngine::keepUsable(QObject *widget)
 {
     if (widget)
-        widget->setProperty(usableProperty, true);
+        widget->setProperty(UsableProperty, true);
 }
 
 bool OssScriptEngine::eventFilter(QObject *watched, QEvent *event)

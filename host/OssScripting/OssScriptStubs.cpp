@@ -6,7 +6,7 @@
 
 namespace {
 
-const char *const head =
+const char *const Preamble =
     R"(# Types of the module "ossa", for editors and type checkers. Made by "ossa stubs".
 from enum import IntEnum
 from typing import Any, Callable, ContextManager, NamedTuple, overload
@@ -117,7 +117,7 @@ QString OssScriptEngine::stubs()
         types += QStringLiteral("    %1 = %2\n")
                      .arg(QString::fromLatin1(errors.key(i)))
                      .arg(errors.value(i));
-    QString text = QString::fromLatin1(head).arg(types);
+    QString text = QString::fromLatin1(Preamble).arg(types);
     const QVector<OssScriptClass> classes = OssScriptClass::all();
     for (const OssScriptClass &entry : classes)
         text += classText(entry);

@@ -14,14 +14,14 @@ constexpr int StackSize = 64 * 1024 * 1024; // deep recursion ends in Python's o
 constexpr int MostWaitingCharacters = 1 << 20;
 constexpr int Interrupted = 130;
 
-OssScriptThread *g_thread = nullptr;
+OssScriptThread *pythonThread = nullptr;
 
 /// The first line of what was typed, not too long for a menu.
 QString titleOf(const QString &input)
 {
-    constexpr int longest = 40;
+    constexpr int Longest = 40;
     const QString line = input.trimmed().section(QLatin1Char('\n'), 0, 0);
-    return line.size() > longest ? line.left(longest) + QChar(0x2026) : line;
+    return line.size() > Longest ? line.left(Longest) + QChar(0x2026) : line;
 }
 
 } // namespace
@@ -29,19 +29,19 @@ QString titleOf(const QString &input)
 OssScriptThread::OssScriptThread(OssScriptEngine::Output output)
     : m_output(output)
 {
-    g_thread = this;
+    pythonThread = this;
     setObjectName(QStringLiteral("Python"));
     setStackSize(StackSize);
 }
 
 OssScriptThread::~OssScriptThread()
 {
-    g_thread = nullptr;
+    pythonThread = nullptr;
 }
 
 OssScriptThread *OssScriptThread::current()
 {
-    return g_thread;
+    return pythonThread;
 }
 
 // --- jobs

@@ -169,7 +169,7 @@ int runBakeCommand(const BakeOptions &options)
         };
         const OssResult baked = service->bake(job, path);
         if (Interrupt::isRequested())
-            return Interrupt::ExitCode;
+            return Interrupt::exitCode;
         if (!baked)
             return fail(texture.name + QStringLiteral(": ") + baked.error());
         for (const int patch : qAsConst(job.patches))

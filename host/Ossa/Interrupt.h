@@ -4,7 +4,7 @@
 /// leaving it half done.
 namespace Interrupt {
 
-constexpr int ExitCode = 130; ///< what shells give for Ctrl+C
+constexpr int exitCode = 130; ///< what shells give for Ctrl+C
 
 /// From now on the signals only ask.
 void catchSignals();

@@ -106,6 +106,26 @@ TEST_F(Engine, aCachePointHoldsWhatARunWouldNot)
     }
 }
 
+TEST_F(Engine, tellsWhatEachNodeOfARunCost)
+{
+    OssEvGraphBuilder builder;
+    const int checker = builder.addNode("Checker", "checker");
+    const int invert = builder.addNode("Invert", "invert");
+    const int blur = builder.addNode("Blur", "blur", {{"Radius", 3.0}});
+    builder.connect(checker, "", invert, "Input");
+    builder.connect(invert, "", blur, "Input");
+    evaluate(target(builder.finish(), "Blur"));
+    const auto costs = engine->statistics().costs;
+    ASSERT_EQ(costs.size(), 3U);
+    for (const char *name : {"Checker", "Invert", "Blur"}) {
+        EXPECT_EQ(costs.at(name).texels, 16U * OssEvTile::Texels) << name;
+        EXPECT_GT(costs.at(name).seconds, 0.0) << name;
+    }
+    evaluate(target(builder.finish(), "Blur"));
+    EXPECT_EQ(engine->statistics().costs.at("Blur").texels, 16U * OssEvTile::Texels)
+        << "what comes from the cache costs nothing";
+}
+
 TEST_F(Engine, runsAreCutWhereTilesAreNeeded)
 {
     OssEvTarget wanted = target(chain({}), "Over");

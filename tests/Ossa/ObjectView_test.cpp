@@ -8,6 +8,8 @@
 #include <QApplication>
 #include <QImage>
 #include <QMouseEvent>
+#include <QOffscreenSurface>
+#include <QOpenGLContext>
 #include <QTest>
 
 #include <set>
@@ -142,6 +144,27 @@ TEST_F(ObjectDrawing, everyPatchHasItsOwnPicture)
     const ObjectRenderer::View view = straight(false);
     const QColor front = renderer.render(view).pixelColor(Size / 2, Size / 2);
     EXPECT_TRUE(wanted.count(front.rgb()) == 0 || front == colors[0]);
+}
+
+TEST_F(ObjectDrawing, facesThatStraddlePatchesShowBoth)
+{
+    const auto mesh = std::make_shared<OssEvMesh>();
+    mesh->positions = {
+        {-0.5F, -0.5F, 0.0F}, {0.5F, -0.5F, 0.0F}, {0.5F, 0.5F, 0.0F}, {-0.5F, 0.5F, 0.0F}};
+    mesh->uvs = {{0.5F, 0.1F}, {1.5F, 0.1F}, {1.5F, 0.9F}, {0.5F, 0.9F}};
+    mesh->triangles = {{0, 1, 2}, {0, 2, 3}};
+    mesh->faces = {0, 0};
+    ASSERT_TRUE(mesh->finish("quad").ok());
+    renderer.setMesh(mesh);
+    renderer.setPatches({1001, 1002}, 64);
+    QImage image(64, 64, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::red);
+    renderer.update(1001, image, image.rect());
+    image.fill(Qt::green);
+    renderer.update(1002, image, image.rect());
+    const QImage drawn = renderer.render(straight(false));
+    expectColor(drawn.pixelColor(Size / 2 - 30, Size / 2), Qt::red, "left");
+    expectColor(drawn.pixelColor(Size / 2 + 30, Size / 2), Qt::green, "right");
 }
 
 TEST_F(ObjectDrawing, theViewShowsPicturesAsTheyArriveAndTurnsUnderTheMouse)

@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr std::size_t room = 2 * OssEvPaintTile::Bytes;
+constexpr std::size_t Room = 2 * OssEvPaintTile::Bytes;
 
 OssEvPaintTilePointer tileOf(float value)
 {
@@ -15,18 +15,21 @@ OssEvPaintTilePointer tileOf(float value)
 
 TEST(PaintTileStore, whatDoesNotFitComesBackFromTheFile)
 {
-    const auto store = std::make_shared<PaintTileStore>(room);
+    const auto store = std::make_shared<PaintTileStore>(Room);
     std::vector<std::shared_ptr<PaintTileStore::Kept>> kept;
+    kept.reserve(8);
     for (int i = 0; i < 6; ++i)
         kept.push_back(store->keep(tileOf(float(i))));
     store->trim();
-    EXPECT_EQ(store->bytesInMemory(), room);
+    EXPECT_EQ(store->bytesInMemory(), Room);
     // A slot that is free is used again, and no other tile's.
     kept.erase(kept.begin() + 1);
-    kept.push_back(store->keep(tileOf(6.0F)));
-    store->trim();
-    EXPECT_EQ(store->bytesInMemory(), room);
-    const float values[] = {0, 2, 3, 4, 5, 6};
+    for (const float value : {6.0F, 7.0F}) {
+        kept.push_back(store->keep(tileOf(value)));
+        store->trim();
+    }
+    EXPECT_EQ(store->bytesInMemory(), Room);
+    const float values[] = {0, 2, 3, 4, 5, 6, 7};
     for (std::size_t i = 0; i < kept.size(); ++i)
         EXPECT_EQ(kept[i]->tile()->texel(7)[0], values[i]) << i;
     kept.clear();

@@ -2,12 +2,14 @@
 
 #include "OssCore/OssUserEnum.h"
 #include "OssCore/OssValueText.h"
+#include "OssCoreModules/Evaluation/OssEvaluationService.h"
 #include "OssCoreModules/Images/OssImageSet.h"
 #include "OssCoreModules/Network/OssShaderNetwork.h"
 #include "OssCoreModules/Network/OssShaderNetworkIO.h"
 #include "OssCoreModules/Network/OssShaderNetworkUtils.h"
 #include "OssCoreModules/Network/OssSnBaseNode.h"
 #include "OssCoreModules/Network/OssSnGroupNode.h"
+#include "OssEvaluation/Schedule/OssEvEngine.h"
 
 #include <QClipboard>
 #include <QCoreApplication>
@@ -69,7 +71,26 @@ QString imagesOf(const OssSnBaseNode *node)
                             : tr("%1 patches").arg(patches));
 }
 
-QString blockOf(OssSnBaseNode *node)
+/// What computing it cost in this session: for each texel, and so for a usual patch. A group costs
+/// what is inside it.
+QString costOf(const OssSnBaseNode *node, const OssEvStatistics &statistics)
+{
+    constexpr double usualPatch = 2048.0 * 2048.0;
+    const std::string path = node->path().toStdString();
+    const std::string inside = path + '/';
+    double perTexel = 0.0;
+    for (const auto &[name, cost] : statistics.costs) {
+        if (cost.texels > 0 && (name == path || name.compare(0, inside.size(), inside) == 0))
+            perTexel += cost.seconds / double(cost.texels);
+    }
+    if (perTexel <= 0.0)
+        return {};
+    return tr("%1 ns for a texel, %2 ms for a patch of 2048 \u00d7 2048")
+        .arg(perTexel * 1e9, 0, 'g', 2)
+        .arg(perTexel * usualPatch * 1e3, 0, 'f', 0);
+}
+
+QString blockOf(OssSnBaseNode *node, const OssEvStatistics &statistics)
 {
     QStringList lines;
     addLine(&lines, tr("Node"), node->path());
@@ -86,6 +107,7 @@ QString blockOf(OssSnBaseNode *node)
     if (const auto *group = qobject_cast<OssSnGroupNode *>(node))
         addLine(&lines, tr("Inside"), countOf(group->groupNetwork()->getAllNodes().size()));
     addLine(&lines, tr("Images"), imagesOf(node));
+    addLine(&lines, tr("Cost"), costOf(node, statistics));
     addLine(&lines, tr("Size in a file"),
             QLocale().formattedDataSize(OssShaderNetworkIO::nodesToText({node}).size()));
     for (const OssSnBaseNode::InputPort &port : node->inputPorts()) {
@@ -105,9 +127,10 @@ QString blockOf(OssSnBaseNode *node)
 QString OssNodeInfoDialog::text(const QList<OssSnBaseNode *> &nodes)
 {
     QStringList blocks;
+    const OssEvStatistics statistics = OssEvaluationService::instance()->engine()->statistics();
     for (OssSnBaseNode *node : nodes) {
         if (node)
-            blocks.append(blockOf(node));
+            blocks.append(blockOf(node, statistics));
     }
     return blocks.isEmpty() ? QDialog::tr("No node is selected.")
                             : blocks.join(QStringLiteral("\n\n"));

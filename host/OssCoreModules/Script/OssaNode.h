@@ -114,7 +114,7 @@ public Q_SLOTS:
 
     Node *createInput(const QString &name, const QString &kind = QStringLiteral("color"));
     Node *createOutput(const QString &name, const QString &kind = QStringLiteral("color"));
-    QString createKnob(Node *node, const QString &attribute);
+    QString createKnob(Node *inner, const QString &attribute);
 
     ImageSet *imageSet() const;
     QStringList bake(const QString &path, int resolution = 2048,

@@ -20,12 +20,27 @@ OssEvRegion united(const OssEvRegion &a, const OssEvRegion &b)
             std::max(a.bottom(), b.bottom()) - top};
 }
 
+/// Distances come squared: most texels need no root.
+void cover(const OssEvBrush &brush, double square, float *covered)
+{
+    if (*covered >= 1.0F || square >= brush.reach() * brush.reach())
+        return;
+    const double core = brush.core();
+    *covered = core > 0.0 && square <= core * core
+                   ? 1.0F
+                   : std::max(*covered, brush.coverage(std::sqrt(square)));
+}
+
 } // namespace
+
+double OssEvBrush::core() const
+{
+    return reach() - std::max(1.0, radius * (1.0 - hardness));
+}
 
 float OssEvBrush::coverage(double distance) const
 {
-    const double edge = std::max(1.0, radius * (1.0 - hardness));
-    const double t = std::clamp((reach() - distance) / edge, 0.0, 1.0);
+    const double t = std::clamp((reach() - distance) / (reach() - core()), 0.0, 1.0);
     return float(t * t * (3.0 - 2.0 * t));
 }
 
@@ -104,11 +119,9 @@ void OssEvStroke::dabPatch(int patch, double x, double y, const OssEvBrush &brus
             Touched &touched = touch({patch, column, row});
             for (int py = part.y; py < part.bottom(); ++py) {
                 float *line = touched.coverage.data() + std::ptrdiff_t(py - row * Size) * Size;
-                for (int px = part.x; px < part.right(); ++px) {
-                    float &covered = line[px - column * Size];
-                    covered = std::max(covered,
-                                       brush.coverage(std::hypot(px + 0.5 - x, py + 0.5 - y)));
-                }
+                for (int px = part.x; px < part.right(); ++px)
+                    cover(brush, (px + 0.5 - x) * (px + 0.5 - x) + (py + 0.5 - y) * (py + 0.5 - y),
+                          &line[px - column * Size]);
             }
             OssEvRegion stale = part;
             stale.x -= column * Size;
@@ -128,6 +141,7 @@ OssEvStroke::Touched &OssEvStroke::touch(const OssEvPaintBuffer::Place &place)
     touched.tile = touched.before ? std::make_shared<OssEvPaintTile>(*touched.before)
                                   : std::make_shared<OssEvPaintTile>();
     touched.coverage.resize(OssEvPaintTile::Texels);
+    touched.blended.resize(OssEvPaintTile::Texels);
     m_buffer->setTile(place, touched.tile);
     return m_touched.emplace(place, std::move(touched)).first->second;
 }
@@ -143,9 +157,12 @@ void OssEvStroke::blend(Touched *touched) const
     bare[OssEvPaintTile::Keep] = 1.0F;
     for (int y = area.y; y < area.bottom(); ++y) {
         for (int index = y * Size + area.x; index < y * Size + area.right(); ++index) {
-            const float alpha = opacity * touched->coverage[std::size_t(index)];
-            if (alpha <= 0.0F)
+            const float coverage = touched->coverage[std::size_t(index)];
+            float &blended = touched->blended[std::size_t(index)];
+            if (coverage == blended)
                 continue;
+            blended = coverage;
+            const float alpha = opacity * coverage;
             OssEvPaintTile::Texel texel = touched->before ? touched->before->texel(index) : bare;
             for (std::size_t plane = 0; plane < texel.size(); ++plane)
                 texel[plane] = alpha * brush[plane] + (1.0F - alpha) * texel[plane];

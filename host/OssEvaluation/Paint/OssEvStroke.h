@@ -22,6 +22,8 @@ struct OSSEVALUATION_EXPORT OssEvBrush
     /// How much a texel is covered whose centre lies so far from the brush's: falls smoothly from
     /// 1 to 0, over a texel at least.
     float coverage(double distance) const;
+    /// Up to this distance texels are covered fully.
+    double core() const;
 
     /// Texels beyond it are not covered.
     double reach() const { return radius + 0.5; }
@@ -62,6 +64,7 @@ private:
         OssEvPaintTilePointer before;
         std::shared_ptr<OssEvPaintTile> tile; ///< the buffer's, and nobody else's yet
         std::vector<float> coverage;          ///< the most that a dab covered
+        std::vector<float> blended;           ///< the coverage that the tile shows
         OssEvRegion stale;                    ///< coverage grew here; within the tile
     };
 

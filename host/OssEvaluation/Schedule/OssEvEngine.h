@@ -55,13 +55,21 @@ struct OssEvRequest
     std::function<void(const OssEvOutcome &outcome)> onFinished;
 };
 
+/// What computing one node has cost.
+struct OssEvNodeCost
+{
+    /// Processor time, of which that of point operations is reckoned from samples.
+    double seconds = 0.0;
+    std::uint64_t texels = 0;
+};
+
 /// What the engine has done since it was made or the figures were reset.
 struct OssEvStatistics
 {
     /// Calls by kernel. One call computes one tile; of a filter, a block of four.
     std::map<std::string, std::uint64_t> calls;
-    /// Processor time by the name of the node that it was spent for.
-    std::map<std::string, double> seconds;
+    /// By the name of the node. Nodes whose result is one value everywhere cost nothing.
+    std::map<std::string, OssEvNodeCost> costs;
     std::uint64_t tilesComputed = 0;
     std::uint64_t tilesFromCache = 0;
     /// Times that something was wanted which was already being computed.

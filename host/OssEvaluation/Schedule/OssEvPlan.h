@@ -69,6 +69,8 @@ struct OssEvPlanStep
     /// Buffer of the run that the result goes to. Buffers are used again when they are done with.
     int buffer = 0;
     const char *kernel = "";
+    /// Of the graph.
+    int node = -1;
 };
 
 /// What is computed in one go from tiles of other stages, and kept as tiles: an image that is read,
@@ -91,6 +93,7 @@ struct OssEvPlanStage
     int headChannels = 1;
     bool headUsesSurface = false;
     const char *headKernel = "";
+    int headNode = -1;
 
     std::vector<OssEvPlanStep> steps;
     int buffers = 0;
@@ -127,8 +130,8 @@ public:
 
     OssEvKey surfaceKey() const { return m_surfaceKey; }
 
-    /// The name of a stage's node, as the graph has it.
-    const std::string &nodeName(const OssEvPlanStage &stage) const;
+    /// As the graph has it; empty for -1.
+    const std::string &nodeName(int node) const;
 
 private:
     friend class OssEvPlanner;

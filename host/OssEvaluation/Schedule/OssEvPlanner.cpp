@@ -193,6 +193,7 @@ void OssEvPlanner::makeStage(int index, OssEvPlanStage *stage, std::vector<int> 
         stage->headChannels = area.channels;
         stage->headUsesSurface = area.usesSurface;
         stage->headKernel = area.kernel;
+        stage->headNode = area.node;
         stage->usesSurface = area.usesSurface;
         for (const ValueInput &input : area.inputs)
             stage->headInputs.push_back(sourceOf(input, {}, -1, needed));
@@ -205,6 +206,7 @@ void OssEvPlanner::makeStage(int index, OssEvPlanStage *stage, std::vector<int> 
         step.channels = point.channels;
         step.usesSurface = point.usesSurface;
         step.kernel = point.kernel;
+        step.node = point.node;
         stage->usesSurface = stage->usesSurface || point.usesSurface;
         for (const ValueInput &input : point.inputs)
             step.inputs.push_back(sourceOf(input, steps, head, needed));
@@ -294,8 +296,8 @@ OssEvResult OssEvPlan::make(const OssEvTarget &target, std::shared_ptr<const Oss
     }
 }
 
-const std::string &OssEvPlan::nodeName(const OssEvPlanStage &stage) const
+const std::string &OssEvPlan::nodeName(int node) const
 {
     static const std::string none;
-    return stage.node < 0 ? none : m_target.graph->nodes()[std::size_t(stage.node)].name;
+    return node < 0 ? none : m_target.graph->nodes()[std::size_t(node)].name;
 }

@@ -4,6 +4,7 @@
 #include "OssEvaluation/Kernels/Texels.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 
 namespace {
@@ -13,7 +14,17 @@ constexpr int Size = OssEvTile::Size;
 constexpr int StripRows = 8;
 constexpr std::size_t StripTexels = std::size_t(Size) * StripRows;
 
+// Of each tile, one strip's steps are timed: the clock must not cost what it measures.
+constexpr int TimedRow = Size / 2;
+constexpr double StripsOfATile = double(Size) / StripRows;
+
 using Planes = std::array<const float *, 4>;
+using Clock = std::chrono::steady_clock;
+
+double secondsSince(Clock::time_point start)
+{
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
 
 OssEvRegion unite(const OssEvRegion &a, const OssEvRegion &b)
 {
@@ -69,13 +80,14 @@ class TileRun
 {
 public:
     TileRun(const OssEvUnitPlace &place, const std::vector<OssEvWindow> &windows, const Head &head,
-            const OssEvSurfaceMap *surface, const OssEvCancel &cancel)
+            const OssEvSurfaceMap *surface, const OssEvCancel &cancel, OssEvRunTimes *times)
         : m_place(place)
         , m_stage(place.description())
         , m_windows(windows)
         , m_head(head)
         , m_surface(surface)
         , m_cancel(cancel)
+        , m_times(times)
         , m_constants(&m_scratch)
         , m_inputStrips(windows.size(), nullptr)
     {
@@ -98,8 +110,11 @@ public:
             std::fill(m_read.begin(), m_read.end(), false);
             m_read.resize(m_windows.size(), false);
             m_headRead = false;
-            for (const OssEvPlanStep &step : m_stage.steps)
-                runStep(step);
+            if (m_row == TimedRow)
+                runStepsTimed();
+            else
+                for (const OssEvPlanStep &step : m_stage.steps)
+                    runStep(step);
             const Planes planes = planesOf(m_stage.result, nullptr);
             for (std::size_t k = 0; k < std::size_t(m_stage.channels); ++k) {
                 if (m_row == 0)
@@ -136,6 +151,15 @@ private:
             float *to = tile->floatPlane(channel) + offset;
             std::copy_n(strip, StripTexels, to);
             OssEvTexels::makeFinite(to, StripTexels);
+        }
+    }
+
+    void runStepsTimed()
+    {
+        for (std::size_t i = 0; i < m_stage.steps.size(); ++i) {
+            const Clock::time_point start = Clock::now();
+            runStep(m_stage.steps[i]);
+            m_times->steps[i] += secondsSince(start) * StripsOfATile;
         }
     }
 
@@ -275,6 +299,7 @@ private:
     const Head &m_head;
     const OssEvSurfaceMap *m_surface;
     const OssEvCancel &m_cancel;
+    OssEvRunTimes *m_times;
     OssEvScratch m_scratch;
     Constants m_constants;
     std::vector<float *> m_buffers;
@@ -380,13 +405,17 @@ std::vector<OssEvWindow> OssEvUnitPlace::windows() const
 
 std::vector<OssEvUnitTile> OssEvRunUnit(const OssEvUnitPlace &place,
                                         const std::vector<OssEvWindow> &windows,
-                                        const OssEvSurfaceMap *surface, const OssEvCancel &cancel)
+                                        const OssEvSurfaceMap *surface, const OssEvCancel &cancel,
+                                        OssEvRunTimes *times)
 {
     OssEvScratch scratch;
     Head head;
+    const Clock::time_point start = Clock::now();
     if (place.description().head != nullptr)
         runHead(place, windows, surface, cancel, &scratch, &head);
-    TileRun run(place, windows, head, surface, cancel);
+    times->head = secondsSince(start);
+    times->steps.assign(place.description().steps.size(), 0.0);
+    TileRun run(place, windows, head, surface, cancel, times);
     std::vector<OssEvUnitTile> result;
     const OssEvRegion tiles = place.tiles();
     for (int y = tiles.y; y < tiles.bottom(); ++y) {

@@ -53,8 +53,16 @@ struct OssEvUnitTile
     OssEvTilePointer tile;
 };
 
+/// Seconds that parts of a unit took. Those of the steps are reckoned from one strip in sixteen.
+struct OssEvRunTimes
+{
+    double head = 0.0;
+    std::vector<double> steps;
+};
+
 /// Computes a unit from its inputs. Takes no lock and starts no thread. Returns an incomplete
 /// result when cancelled; may throw std::bad_alloc.
 std::vector<OssEvUnitTile> OssEvRunUnit(const OssEvUnitPlace &place,
                                         const std::vector<OssEvWindow> &windows,
-                                        const OssEvSurfaceMap *surface, const OssEvCancel &cancel);
+                                        const OssEvSurfaceMap *surface, const OssEvCancel &cancel,
+                                        OssEvRunTimes *times);

@@ -167,7 +167,8 @@ void OssEvScheduler::run(const Unit &unit)
 
 void OssEvScheduler::runTiles(const Unit &unit, std::vector<OssEvUnitTile> *tiles)
 {
-    *tiles = OssEvRunUnit(unit->place, unit->windows, unit->surface.get(), unit->cancel);
+    *tiles = OssEvRunUnit(unit->place, unit->windows, unit->surface.get(), unit->cancel,
+                          &unit->times);
 }
 
 void OssEvScheduler::runSurface(const Unit &unit)
@@ -198,8 +199,17 @@ void OssEvScheduler::count(const OssEvUnit &unit, std::size_t tiles)
         return;
     }
     m_statistics.tilesComputed += tiles;
-    if (stage.head != nullptr)
+    const auto addCost = [&](int node, double seconds) {
+        OssEvNodeCost &cost = m_statistics.costs[unit.plan->nodeName(node)];
+        cost.seconds += seconds;
+        cost.texels += tiles * OssEvTile::Texels;
+    };
+    if (stage.head != nullptr) {
         ++m_statistics.calls[stage.headKernel];
-    for (const OssEvPlanStep &step : stage.steps)
-        m_statistics.calls[step.kernel] += tiles;
+        addCost(stage.headNode, unit.times.head);
+    }
+    for (std::size_t i = 0; i < stage.steps.size(); ++i) {
+        m_statistics.calls[stage.steps[i].kernel] += tiles;
+        addCost(stage.steps[i].node, unit.times.steps[i]);
+    }
 }

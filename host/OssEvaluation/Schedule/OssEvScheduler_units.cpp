@@ -170,8 +170,6 @@ void OssEvScheduler::complete(const Unit &unit, const std::vector<OssEvUnitTile>
                               double seconds, Jobs *calls)
 {
     count(*unit, tiles.size());
-    if (unit->kind == OssEvUnit::Kind::Tiles)
-        m_statistics.seconds[unit->plan->nodeName(unit->place.description())] += seconds;
     unit->state = OssEvUnit::State::Done;
     m_units.erase(unit->key);
     if (unit->kind == OssEvUnit::Kind::Surface) {
@@ -226,7 +224,7 @@ void OssEvScheduler::passOn(const Unit &unit, const std::vector<OssEvUnitTile> &
 // Everything that waits for the unit fails with it.
 void OssEvScheduler::fail(const Unit &unit, const std::string &error, Jobs *calls)
 {
-    const std::string &name = unit->plan->nodeName(unit->place.description());
+    const std::string &name = unit->plan->nodeName(unit->place.description().node);
     const std::string text = name.empty() ? error : "\"" + name + "\": " + error;
     std::set<Request> requests;
     std::vector<const OssEvUnit *> open{unit.get()};

@@ -60,6 +60,7 @@ struct OssEvUnit
     std::vector<OssEvWindow> windows;
     std::shared_ptr<const OssEvSurfaceMap> surface;
     OssEvCancel cancel;
+    OssEvRunTimes times; ///< of one that is done
 
     /// Units whose results are still missing.
     int missing = 0;

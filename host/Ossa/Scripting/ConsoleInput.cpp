@@ -12,8 +12,8 @@
 
 namespace {
 
-constexpr int MostRemembered = 500;
-constexpr int MostLines = 10; // the input grows up to this
+constexpr int mostRemembered = 500;
+constexpr int mostLines = 10; // the input grows up to this
 const QString indentStep = QStringLiteral("    ");
 
 int startOfWord(const QString &text)
@@ -52,7 +52,7 @@ ConsoleInput::~ConsoleInput() = default;
 
 QSize ConsoleInput::sizeHint() const
 {
-    const int lines = std::min(std::max(blockCount(), 1), MostLines);
+    const int lines = std::min(std::max(blockCount(), 1), mostLines);
     constexpr int padding = 3; // the style's
     const int text = lines * fontMetrics().lineSpacing() + int(2 * document()->documentMargin());
     return {200, text + 2 * (frameWidth() + padding)};
@@ -69,7 +69,7 @@ void ConsoleInput::remember(const QString &text)
 {
     m_history.removeAll(text);
     m_history.append(text);
-    while (m_history.size() > MostRemembered)
+    while (m_history.size() > mostRemembered)
         m_history.removeFirst();
     m_place = m_history.size();
     m_draft.clear();
@@ -132,9 +132,8 @@ void ConsoleInput::keyPressEvent(QKeyEvent *event)
     } else if (enter) {
         if (!toPlainText().trimmed().isEmpty())
             Q_EMIT submitted(toPlainText(), event->modifiers() & Qt::ControlModifier);
-    } else if (event->key() == Qt::Key_Tab && handleTab()) {
-        event->accept();
-    } else if ((event->key() == Qt::Key_Up && walkHistory(-1))
+    } else if ((event->key() == Qt::Key_Tab && handleTab())
+               || (event->key() == Qt::Key_Up && walkHistory(-1))
                || (event->key() == Qt::Key_Down && walkHistory(1))) {
         event->accept();
     } else {

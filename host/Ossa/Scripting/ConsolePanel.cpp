@@ -19,7 +19,7 @@
 
 namespace {
 
-constexpr int MostLines = 10000;
+constexpr int mostLines = 10000;
 const QString historyKey = QStringLiteral("ScriptConsole/History");
 const QString runFileCommand = QStringLiteral("/Ossa/Script/Run File...");
 const QString echoKey = QStringLiteral("ScriptConsole/Echo");
@@ -44,7 +44,7 @@ ConsolePanel::ConsolePanel(QWidget *parent)
     , m_echo(new ScriptEcho(this))
 {
     m_output->setReadOnly(true);
-    m_output->setMaximumBlockCount(MostLines);
+    m_output->setMaximumBlockCount(mostLines);
     m_output->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     m_output->setAccessibleName(tr("Script output"));
     m_output->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);

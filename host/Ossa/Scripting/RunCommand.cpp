@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr int InterruptPoll = 50; // ms
+constexpr int interruptPoll = 50; // ms
 
 int fail(const QString &reason)
 {
@@ -44,7 +44,7 @@ int runRunCommand(const RunOptions &options)
         if (Interrupt::isRequested())
             engine->stop();
     });
-    poll.start(InterruptPoll);
+    poll.start(interruptPoll);
     if (engine->runFile(options.script, options.arguments))
         loop.exec();
     return exitCode;

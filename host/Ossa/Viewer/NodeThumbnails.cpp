@@ -25,12 +25,12 @@
 
 namespace {
 
-constexpr int Size = 96;   // texels that are computed
-constexpr int Height = 56; // of them shown, the middle: nodes stay low
-constexpr int LookInterval = 120;
-constexpr int LongestLook = 6; // ms of the GUI thread
-constexpr int MostRunning = 4;
-constexpr qreal SmallestScale = 0.4; ///< below it nodes have no room for detail
+constexpr int size = 96;   // texels that are computed
+constexpr int height = 56; // of them shown, the middle: nodes stay low
+constexpr int lookInterval = 120;
+constexpr int longestLook = 6; // ms of the GUI thread
+constexpr int mostRunning = 4;
+constexpr qreal smallestScale = 0.4; ///< below it nodes have no room for detail
 
 OssNgView *shownView()
 {
@@ -65,7 +65,7 @@ NodeThumbnails::NodeThumbnails(QObject *parent)
     connect(OssProjectManager::instance(), &OssProjectManager::projectClosing, this,
             &NodeThumbnails::forgetAll);
     connect(&m_timer, &QTimer::timeout, this, &NodeThumbnails::look);
-    m_timer.setInterval(LookInterval);
+    m_timer.setInterval(lookInterval);
 }
 
 NodeThumbnails::~NodeThumbnails()
@@ -103,7 +103,7 @@ void NodeThumbnails::forgetAll()
 void NodeThumbnails::look()
 {
     const OssNgView *view = shownView();
-    if (!view || view->transform().m11() < SmallestScale
+    if (!view || view->transform().m11() < smallestScale
         || OssUndoManager::instance()->isMacroOpen())
         return;
     const QRectF place = view->mapToScene(view->viewport()->rect()).boundingRect();
@@ -116,7 +116,7 @@ void NodeThumbnails::look()
     const QVector<OssNgNode *> items = OssNgSceneIndex::of(view->scene())->nodesIn(place);
     for (OssNgNode *item : items) {
         // The rest is looked at the next time.
-        if (m_running.size() >= MostRunning || spent.elapsed() > LongestLook) {
+        if (m_running.size() >= mostRunning || spent.elapsed() > longestLook) {
             m_dirty = true;
             return;
         }
@@ -160,7 +160,7 @@ void NodeThumbnails::start(OssNgNode *item, const OssSnBaseNode *node)
     const auto work = std::make_shared<Work>();
     const QPointer<NodeThumbnails> self(this);
     OssEvRequest request;
-    request.target = service->target(graph, entity, patches.first(), Size);
+    request.target = service->target(graph, entity, patches.first(), size);
     request.priority = -1;
     request.onTile = [work](const OssEvArrival &arrival) {
         const QImage picture = ViewerPixels::picture(*arrival.tile, ViewerLook());
@@ -193,5 +193,5 @@ void NodeThumbnails::finish(OssEvEngine::Id id, const QImage &picture)
     if (item && picture.isNull())
         item->setThumbnail({});
     else if (item)
-        item->setThumbnail(QPixmap::fromImage(picture.copy(0, (Size - Height) / 2, Size, Height)));
+        item->setThumbnail(QPixmap::fromImage(picture.copy(0, (size - height) / 2, size, height)));
 }

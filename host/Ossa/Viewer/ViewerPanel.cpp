@@ -116,8 +116,10 @@ void ViewerPanel::follow()
     connect(m_session, &PaintSession::stateChanged, this, &ViewerPanel::followPaint);
     connect(m_view, &UvView::entered, this, [this] {
         m_paintBar->refresh();
-        // The brush's keys act as soon as the pointer is here, but not while another palette is used.
-        if (m_view->isPainting() && isAncestorOf(QApplication::focusWidget()))
+        // The brush's keys act as soon as the pointer is here, but nobody is interrupted in writing.
+        const QWidget *focus = QApplication::focusWidget();
+        const bool isWriting = focus && focus->testAttribute(Qt::WA_InputMethodEnabled);
+        if (m_view->isPainting() && (!isWriting || isAncestorOf(focus)))
             m_view->setFocus();
     });
     connect(m_paint, &QToolButton::toggled, this, &ViewerPanel::setPainting);

@@ -56,7 +56,7 @@ void ViewerPixels::show(float *rgba, int count, bool isColor, const ViewerLook &
 {
     static const Screen screen;
     for (int i = 0; i < count; ++i) {
-        float *texel = rgba + 4 * i;
+        float *texel = rgba + std::ptrdiff_t(4) * i;
         if (look.channels != ViewerLook::Alpha && texel[3] > 0.0F) {
             for (int c = 0; c < 3; ++c)
                 texel[c] /= texel[3];
@@ -72,7 +72,7 @@ void ViewerPixels::show(float *rgba, int count, bool isColor, const ViewerLook &
     const OssEvResult shown = transform ? screen.show(look, rgba, count) : OssEvResult();
     const float gain = transform ? 1.0F : float(std::exp2(look.exposure));
     for (int i = 0; i < count; ++i) {
-        const float *texel = rgba + 4 * i;
+        const float *texel = rgba + std::ptrdiff_t(4) * i;
         line[i] = shown ? qRgba(byteOf(texel[0] * gain), byteOf(texel[1] * gain),
                                 byteOf(texel[2] * gain), byteOf(texel[3]))
                         : qRgba(255, 0, 255, 255);
@@ -82,7 +82,7 @@ void ViewerPixels::show(float *rgba, int count, bool isColor, const ViewerLook &
 QImage ViewerPixels::picture(const OssEvTile &tile, const ViewerLook &look)
 {
     QImage image(tileSize, tileSize, QImage::Format_ARGB32);
-    std::vector<float> row(tileSize * 4);
+    std::vector<float> row(std::size_t(4) * tileSize);
     for (int y = 0; y < tileSize; ++y) {
         read(tile, 0, y, tileSize, row.data());
         show(row.data(), tileSize, tile.channels() > 1, look,

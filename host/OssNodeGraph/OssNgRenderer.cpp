@@ -5,6 +5,7 @@
 #include "OssNodeGraph/OssNgNode.h"
 #include "OssNodeGraph/OssNgSceneIndex.h"
 #include "OssNodeGraph/OssNgStyle.h"
+#include "OssNodeGraph/OssNgText.h"
 
 #include <QGraphicsScene>
 #include <QPainter>
@@ -17,6 +18,8 @@ using Role = OssNgStyle::Role;
 namespace {
 
 constexpr qreal SmoothWires = 0.4; ///< zoom from which wires are antialiased
+constexpr qreal NamedWidth = 64.0; ///< pixels of a backdrop that has room for its name
+constexpr qreal NamedHeight = 20.0;
 
 /// What lies in any of the rectangles, each once.
 template <typename Find>
@@ -30,6 +33,17 @@ std::vector<int> collect(const QVector<QRectF> &exposed, const Find &find)
         found.erase(std::unique(found.begin(), found.end()), found.end());
     }
     return found;
+}
+
+void paintName(QPainter *painter, const OssNgNode &node, const QRectF &place)
+{
+    constexpr qreal Inset = 4.0;
+    constexpr qreal Line = 8.0; // middle of the text, from the top
+    const auto *backdrop = qobject_cast<const OssNgBackdropNode *>(&node);
+    const QString name = backdrop && !backdrop->titleText().isEmpty() ? backdrop->titleText()
+                                                                      : node.text();
+    OssNgText::draw(painter, OssNgText::Role::Label, place.topLeft() + QPointF(Inset, Line),
+                    OssNgText::elided(OssNgText::Role::Label, name, place.width() - 2.0 * Inset));
 }
 
 QPen wirePen(const OssNgEdge &edge, qreal zoom)
@@ -225,6 +239,14 @@ void OssNgRenderer::paintOverview(QPainter *painter, const OssNgSceneIndex &inde
             painter->fillRect(box(entry).toRect(),
                               entry.selected ? accent
                                              : mixed(entry.color, style->color(Role::Body), 0.8));
+    }
+    // What parts of a large graph are called, where there is room for it.
+    painter->setPen(style->color(Role::Label));
+    for (const int slot : found) {
+        const OssNgSceneIndex::NodeEntry &entry = index.nodeEntry(slot);
+        const QRectF place = entry.background ? box(entry) : QRectF();
+        if (place.width() >= NamedWidth && place.height() >= NamedHeight)
+            paintName(painter, *entry.node, place);
     }
 }
 

@@ -85,10 +85,8 @@ QString OssCurveEditor::textFromPoints(const QVector<QPointF> &points)
 // --- field
 
 OssCurveField::OssCurveField(QWidget *parent)
-    : QWidget(parent)
+    : OssHandleField(parent)
 {
-    setFocusPolicy(Qt::StrongFocus);
-    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
 void OssCurveField::setPoints(const QVector<QPointF> &points)
@@ -232,54 +230,31 @@ void OssCurveField::mousePressEvent(QMouseEvent *event)
         return;
     }
     m_current = index;
-    m_pressed = true;
+    takeHandle();
     describe();
     update();
 }
 
 void OssCurveField::mouseMoveEvent(QMouseEvent *event)
 {
-    if (!m_pressed)
-        return;
-    if (!m_dragging) {
-        m_dragging = true;
-        Q_EMIT dragBegun();
-    }
-    if (movePoint(m_current, fromWidget(event->localPos())))
+    if (isDragging() && movePoint(m_current, fromWidget(event->localPos())))
         Q_EMIT dragged();
 }
 
 void OssCurveField::mouseReleaseEvent(QMouseEvent *)
 {
-    m_pressed = false;
-    if (!m_dragging)
-        return;
-    m_dragging = false;
-    Q_EMIT dragEnded();
+    if (endDrag())
+        Q_EMIT dragEnded();
 }
 
 void OssCurveField::mouseDoubleClickEvent(QMouseEvent *event)
 {
     const int index = pointNear(event->localPos());
-    m_pressed = false;
+    letHandleGo();
     if (index >= 0)
         removePoint(index);
     else
         addPoint(fromWidget(event->localPos()));
-}
-
-bool OssCurveField::event(QEvent *event)
-{
-    if (event->type() == QEvent::ShortcutOverride) {
-        const auto *key = static_cast<QKeyEvent *>(event);
-        if (key->modifiers() == Qt::NoModifier
-            && (key->key() == Qt::Key_Delete || key->key() == Qt::Key_Space
-                || key->key() == Qt::Key_Plus)) {
-            event->accept();
-            return true;
-        }
-    }
-    return QWidget::event(event);
 }
 
 void OssCurveField::keyPressEvent(QKeyEvent *event)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OssCoreModules/Properties/OssHandleField.h"
 #include "OssCoreModules/Properties/OssPropertyEditor.h"
 
 #include <QPointF>
@@ -27,7 +28,7 @@ private:
 /// The picture of the curve. A double click adds a point or, on one, removes it; points are dragged.
 /// By keys: + adds a point beside the current one, Delete removes it, Space goes to the next, arrows
 /// move it (Shift: a tenth as far).
-class OSSCOREMODULES_EXPORT OssCurveField : public QWidget
+class OSSCOREMODULES_EXPORT OssCurveField : public OssHandleField
 {
     Q_OBJECT
 
@@ -47,15 +48,7 @@ public:
 
     QSize sizeHint() const override { return {140, 110}; }
 
-Q_SIGNALS:
-    void edited();
-    void stepped();
-    void dragBegun();
-    void dragged();
-    void dragEnded();
-
 protected:
-    bool event(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
@@ -74,6 +67,4 @@ private:
 
     QVector<QPointF> m_points;
     int m_current = 0;
-    bool m_pressed = false;
-    bool m_dragging = false;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OssCoreModules/Properties/OssHandleField.h"
 #include "OssCoreModules/Properties/OssPropertyEditor.h"
 #include "OssEvaluation/Values/OssEvRamp.h"
 
@@ -40,7 +41,7 @@ private:
 /// of the colour there, on a stop it asks for its colour; stops are dragged, and dragged off to
 /// remove them. By keys: + adds a stop behind the current one, Delete removes it, Space goes to the
 /// next, Left and Right move it (Shift: a tenth as far), Return asks for its colour.
-class OSSCOREMODULES_EXPORT OssRampField : public QWidget
+class OSSCOREMODULES_EXPORT OssRampField : public OssHandleField
 {
     Q_OBJECT
 
@@ -69,14 +70,8 @@ public:
 Q_SIGNALS:
     void currentChanged();
     void colorWanted();
-    void edited();
-    void stepped();
-    void dragBegun();
-    void dragged();
-    void dragEnded();
 
 protected:
-    bool event(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
@@ -98,7 +93,5 @@ private:
 
     QVector<Stop> m_stops;
     int m_current = 0;
-    bool m_pressed = false;
-    bool m_dragging = false;
     bool m_isOff = false; ///< the dragged stop is away from the ramp: it goes when let go
 };

@@ -30,10 +30,8 @@ QColor shownColor(const std::array<double, 4> &premultiplied)
 } // namespace
 
 OssRampField::OssRampField(QWidget *parent)
-    : QWidget(parent)
+    : OssHandleField(parent)
 {
-    setFocusPolicy(Qt::StrongFocus);
-    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setToolTip(tr("Double-click to add a stop or to change its colour; drag a stop off to remove "
                   "it"));
 }
@@ -227,18 +225,14 @@ void OssRampField::mousePressEvent(QMouseEvent *event)
         event->setAccepted(event->button() == Qt::LeftButton);
         return;
     }
-    m_pressed = true;
+    takeHandle();
     setCurrent(stop);
 }
 
 void OssRampField::mouseMoveEvent(QMouseEvent *event)
 {
-    if (!m_pressed)
+    if (!isDragging())
         return;
-    if (!m_dragging) {
-        m_dragging = true;
-        Q_EMIT dragBegun();
-    }
     m_isOff = m_stops.size() > 1
               && (event->localPos().y() < -OffDistance
                   || event->localPos().y() > height() + OffDistance);
@@ -250,10 +244,8 @@ void OssRampField::mouseMoveEvent(QMouseEvent *event)
 
 void OssRampField::mouseReleaseEvent(QMouseEvent *)
 {
-    m_pressed = false;
-    if (!m_dragging)
+    if (!endDrag())
         return;
-    m_dragging = false;
     const bool goes = m_isOff;
     m_isOff = false;
     if (goes) {
@@ -266,7 +258,7 @@ void OssRampField::mouseReleaseEvent(QMouseEvent *)
 
 void OssRampField::mouseDoubleClickEvent(QMouseEvent *event)
 {
-    m_pressed = false;
+    letHandleGo();
     const int stop = stopNear(event->localPos());
     if (stop >= 0) {
         setCurrent(stop);
@@ -274,20 +266,6 @@ void OssRampField::mouseDoubleClickEvent(QMouseEvent *event)
     } else {
         addStop(placeAt(event->localPos()));
     }
-}
-
-bool OssRampField::event(QEvent *event)
-{
-    if (event->type() == QEvent::ShortcutOverride) {
-        const auto *key = static_cast<QKeyEvent *>(event);
-        if (key->modifiers() == Qt::NoModifier
-            && (key->key() == Qt::Key_Delete || key->key() == Qt::Key_Space
-                || key->key() == Qt::Key_Plus)) {
-            event->accept();
-            return true;
-        }
-    }
-    return QWidget::event(event);
 }
 
 void OssRampField::keyPressEvent(QKeyEvent *event)

@@ -5,13 +5,13 @@
 void OssEvCoverageSource::read(const OssEvRegion &region, const OssEvPlane &to) const
 {
     const OssEvFrame &frame = m_surface.frame();
-    const int half = (1 << m_reduction) / 2;
+    const int size = 1 << m_reduction; // not by shifts: places may be negative
+    const int half = size / 2;
     for (int y = 0; y < region.height; ++y) {
-        const int line = std::clamp(((region.y + y) << m_reduction) + half, 0, frame.height - 1);
+        const int line = std::clamp((region.y + y) * size + half, 0, frame.height - 1);
         float *row = to.row(y);
         for (int x = 0; x < region.width; ++x) {
-            const int column = std::clamp(((region.x + x) << m_reduction) + half, 0,
-                                          frame.width - 1);
+            const int column = std::clamp((region.x + x) * size + half, 0, frame.width - 1);
             row[x] = m_surface.isCovered(column, line) ? 1.0F : 0.0F;
         }
     }

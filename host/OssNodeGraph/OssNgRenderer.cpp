@@ -20,6 +20,7 @@ namespace {
 constexpr qreal SmoothWires = 0.4; ///< zoom from which wires are antialiased
 constexpr qreal NamedWidth = 64.0; ///< pixels of a backdrop that has room for its name
 constexpr qreal NamedHeight = 20.0;
+constexpr qreal SmallestBox = 2.0; ///< pixels of a node in overview
 
 /// What lies in any of the rectangles, each once.
 template <typename Find>
@@ -197,8 +198,7 @@ void OssNgRenderer::paintWires(QPainter *painter, const OssNgSceneIndex &index,
 }
 
 void OssNgRenderer::paintOverview(QPainter *painter, const OssNgSceneIndex &index,
-                                  const QTransform &toDevice, const QRectF &exposedScene,
-                                  qreal smallestBox)
+                                  const QTransform &toDevice, const QRectF &exposedScene)
 {
     const OssNgStyle *style = OssNgStyle::instance();
     painter->setRenderHint(QPainter::Antialiasing, false);
@@ -206,7 +206,7 @@ void OssNgRenderer::paintOverview(QPainter *painter, const OssNgSceneIndex &inde
     index.findNodes(exposedScene, &found);
     const auto box = [&](const OssNgSceneIndex::NodeEntry &entry) {
         const QRectF rect = toDevice.mapRect(entry.rect);
-        return QRectF(rect.topLeft(), rect.size().expandedTo({smallestBox, smallestBox}));
+        return QRectF(rect.topLeft(), rect.size().expandedTo({SmallestBox, SmallestBox}));
     };
     for (const int slot : found) {
         const OssNgSceneIndex::NodeEntry &entry = index.nodeEntry(slot);
@@ -240,11 +240,17 @@ void OssNgRenderer::paintOverview(QPainter *painter, const OssNgSceneIndex &inde
                               entry.selected ? accent
                                              : mixed(entry.color, style->color(Role::Body), 0.8));
     }
-    // What parts of a large graph are called, where there is room for it.
-    painter->setPen(style->color(Role::Label));
+}
+
+void OssNgRenderer::paintNames(QPainter *painter, const OssNgSceneIndex &index,
+                               const QTransform &toDevice, const QRectF &exposedScene)
+{
+    painter->setPen(OssNgStyle::instance()->color(Role::Label));
+    std::vector<int> found;
+    index.findNodes(exposedScene, &found);
     for (const int slot : found) {
         const OssNgSceneIndex::NodeEntry &entry = index.nodeEntry(slot);
-        const QRectF place = entry.background ? box(entry) : QRectF();
+        const QRectF place = entry.background ? toDevice.mapRect(entry.rect) : QRectF();
         if (place.width() >= NamedWidth && place.height() >= NamedHeight)
             paintName(painter, *entry.node, place);
     }

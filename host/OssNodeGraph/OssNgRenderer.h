@@ -36,8 +36,10 @@ public:
     /// Straight thin wires and plain boxes; visits no item. The painter maps from device pixels,
     /// `toDevice` from the scene to them.
     static void paintOverview(QPainter *painter, const OssNgSceneIndex &index,
-                              const QTransform &toDevice, const QRectF &exposedScene,
-                              qreal smallestBox);
+                              const QTransform &toDevice, const QRectF &exposedScene);
+    /// What the parts of a graph in overview are called, where there is room for it.
+    static void paintNames(QPainter *painter, const OssNgSceneIndex &index,
+                           const QTransform &toDevice, const QRectF &exposedScene);
 };
 
 /// Paints a scene to any device; see OssNgRenderer::paintSceneTo().

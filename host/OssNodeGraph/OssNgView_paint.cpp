@@ -56,7 +56,8 @@ void OssNgView::paintEvent(QPaintEvent *event)
             QRectF(m_exposed.boundingRect()));
         OssNgRenderer::paintCanvas(&painter, {exposed}, zoom());
         painter.setWorldTransform(QTransform());
-        OssNgRenderer::paintOverview(&painter, *sceneIndex(), viewportTransform(), exposed, 2.0);
+        OssNgRenderer::paintOverview(&painter, *sceneIndex(), viewportTransform(), exposed);
+        OssNgRenderer::paintNames(&painter, *sceneIndex(), viewportTransform(), exposed);
     } else if (scene()) {
         QGraphicsView::paintEvent(event);
     } else {
@@ -192,8 +193,7 @@ void OssNgView::renderMinimap()
     painter.drawRoundedRect(QRectF(QPointF(), MinimapSize).adjusted(0.5, 0.5, -0.5, -0.5), 6.0,
                             6.0);
     if (!m_minimapScene.isEmpty())
-        OssNgRenderer::paintOverview(&painter, *sceneIndex(), minimapTransform(), m_minimapScene,
-                                     2.0);
+        OssNgRenderer::paintOverview(&painter, *sceneIndex(), minimapTransform(), m_minimapScene);
 }
 
 void OssNgView::paintMinimap(QPainter *painter)

@@ -12,6 +12,7 @@
 #include "OssCoreModules/Project/OssProjectManager.h"
 #include "OssNodeGraph/OssNgNode.h"
 #include "OssNodeGraph/OssNgSceneIndex.h"
+#include "OssNodeGraph/OssNgStyle.h"
 #include "OssNodeGraph/OssNgView.h"
 
 #include <QApplication>
@@ -30,7 +31,6 @@ constexpr int height = 56; // of them shown, the middle: nodes stay low
 constexpr int lookInterval = 120;
 constexpr int longestLook = 6; // ms of the GUI thread
 constexpr int mostRunning = 4;
-constexpr qreal smallestScale = 0.4; ///< below it nodes have no room for detail
 
 OssNgView *shownView()
 {
@@ -103,7 +103,7 @@ void NodeThumbnails::forgetAll()
 void NodeThumbnails::look()
 {
     const OssNgView *view = shownView();
-    if (!view || view->transform().m11() < smallestScale
+    if (!view || view->transform().m11() < OssNgStyle::FullDetail
         || OssUndoManager::instance()->isMacroOpen())
         return;
     const QRectF place = view->mapToScene(view->viewport()->rect()).boundingRect();

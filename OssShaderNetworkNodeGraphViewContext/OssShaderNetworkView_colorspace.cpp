@@ -160,17 +160,17 @@ void OssShaderNetworkView::setColorSpaceOfNewMerges(OssSnBaseNode *node)
     }
     if (!node->hasTag(QStringLiteral("_group")))
         return;
-    const auto *AsGroup = qobject_cast<OssSnGroupNode *>(node);
-    if (!AsGroup) {
+    const auto *asGroup = qobject_cast<OssSnGroupNode *>(node);
+    if (!asGroup) {
         OssDebug(Source, __LINE__, "AsGroup is NULL");
         return;
     }
-    const OssShaderNetwork *GroupNetwork = AsGroup->groupNetwork();
-    if (!GroupNetwork) {
+    const OssShaderNetwork *groupNetwork = asGroup->groupNetwork();
+    if (!groupNetwork) {
         OssDebug(Source, __LINE__, "GroupNetwork is NULL");
         return;
     }
-    const QList<OssSnBaseNode *> inside = GroupNetwork->getAllNodes();
+    const QList<OssSnBaseNode *> inside = groupNetwork->getAllNodes();
     for (OssSnBaseNode *inner : inside) {
         if (OssLayerStreamUtils::isMergeNode(inner))
             setBlendingColorspaceOnMergeNodeCreation(inner);

@@ -334,11 +334,11 @@ void OssSnNodeGraphViewContext::copyGuiStateFrom(OssSnBaseContext *other)
 
 void OssSnNodeGraphViewContext::copyGuiNodeStateFrom(OssSnBaseContext *other)
 {
-    const auto *OtherView = qobject_cast<OssSnNodeGraphViewContext *>(other);
-    if (!OtherView) {
+    const auto *otherView = qobject_cast<OssSnNodeGraphViewContext *>(other);
+    if (!otherView) {
         OssDebug(Source, __LINE__, "OtherView is NULL");
         return;
     }
-    if (m_GuiNode && OtherView->m_GuiNode)
-        m_GuiNode->copyStateFrom(OtherView->m_GuiNode.get());
+    if (m_GuiNode && otherView->m_GuiNode)
+        m_GuiNode->copyStateFrom(otherView->m_GuiNode.get());
 }

@@ -120,7 +120,7 @@ void OssSnNodeGraphViewContextManager::addImageAs()
     const auto *action = qobject_cast<QAction *>(sender());
     const QString key = action ? action->data().toString() : QString();
     OssShaderNetworkView *view = currentView();
-    if (key.isEmpty() || !view)
+    if (!action || key.isEmpty() || !view)
         return;
     const OssUndoManager::Gathering gathering(action->toolTip());
     const QList<OssImage *> images = OssImageManager::instance()->images();

@@ -75,7 +75,7 @@ QString imagesOf(const OssSnBaseNode *node)
 /// what is inside it.
 QString costOf(const OssSnBaseNode *node, const OssEvStatistics &statistics)
 {
-    constexpr double usualPatch = 2048.0 * 2048.0;
+    constexpr double UsualPatch = 2048.0 * 2048.0;
     const std::string path = node->path().toStdString();
     const std::string inside = path + '/';
     double perTexel = 0.0;
@@ -87,7 +87,7 @@ QString costOf(const OssSnBaseNode *node, const OssEvStatistics &statistics)
         return {};
     return tr("%1 ns for a texel, %2 ms for a patch of 2048 \u00d7 2048")
         .arg(perTexel * 1e9, 0, 'g', 2)
-        .arg(perTexel * usualPatch * 1e3, 0, 'f', 0);
+        .arg(perTexel * UsualPatch * 1e3, 0, 'f', 0);
 }
 
 QString blockOf(OssSnBaseNode *node, const OssEvStatistics &statistics)

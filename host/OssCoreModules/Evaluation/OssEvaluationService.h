@@ -64,7 +64,7 @@ private:
     OssEvaluationService();
 
     /// Fails, in words, where the job cannot be computed.
-    OssResult prepare(const BakeJob &job, OssEvTarget *target);
+    OssResult prepare(const BakeJob &job, OssEvTarget *made);
     OssResult runBakes(std::vector<OssEvBake::Job> bakes,
                        const std::function<bool(int, int)> &onProgress);
 

@@ -3,7 +3,7 @@
 namespace {
 
 // The graph's own menu: what is done to the nodes under the hand.
-const char *const graphContextMenu = R"(
+const char *const GraphContextMenu = R"(
     /Ossa/NodeGraph/Quick Create
     /Ossa/NodeGraph/Search Node
     -
@@ -76,7 +76,7 @@ const char *const graphContextMenu = R"(
     /Ossa/NodeGraph/Info Viewer
 )";
 
-const char *const fileMenu = R"(
+const char *const FileMenu = R"(
     /Ossa/File/New
     /Ossa/File/Open...
     > Open Recent
@@ -96,7 +96,7 @@ const char *const fileMenu = R"(
     /Ossa/File/Quit
 )";
 
-const char *const editMenu = R"(
+const char *const EditMenu = R"(
     /Ossa/Edit/Undo
     /Ossa/Edit/Redo
     -
@@ -113,7 +113,7 @@ const char *const editMenu = R"(
     /Ossa/Edit/Keyboard Shortcuts...
 )";
 
-const char *const viewMenu = R"(
+const char *const ViewMenu = R"(
     /Ossa/NodeGraph/Frame Nodes
     /Ossa/NodeGraph/Focus Selection
     -
@@ -134,7 +134,7 @@ const char *const viewMenu = R"(
     /Ossa/View/*
 )";
 
-const char *const graphMenu = R"(
+const char *const GraphMenu = R"(
     /Ossa/NodeGraph/Quick Create
     > Create
         /Ossa/NodeGraph/Create/*
@@ -226,7 +226,7 @@ const char *const graphMenu = R"(
     /Ossa/NodeGraph/Info Viewer
 )";
 
-const char *const objectMenu = R"(
+const char *const ObjectMenu = R"(
     /Ossa/Object/*
     -
     /Ossa/NodeGraph/Create Paint Node
@@ -245,12 +245,12 @@ const char *const objectMenu = R"(
 const std::vector<OssHostMenus::Row> &OssHostMenus::table()
 {
     static const std::vector<Row> rows = {
-        {"Context", "NodeGraph", graphContextMenu},
-        {"Main", "File", fileMenu},
-        {"Main", "Edit", editMenu},
-        {"Main", "View", viewMenu},
-        {"Main", "Node Graph", graphMenu},
-        {"Main", "Object", objectMenu},
+        {"Context", "NodeGraph", GraphContextMenu},
+        {"Main", "File", FileMenu},
+        {"Main", "Edit", EditMenu},
+        {"Main", "View", ViewMenu},
+        {"Main", "Node Graph", GraphMenu},
+        {"Main", "Object", ObjectMenu},
         {"Main", "Palettes", "/Ossa/Palettes/*"},
         {"Main", "Script", "/Ossa/Script/*"},
         {"Main", "Help", "/Ossa/Help/*"},

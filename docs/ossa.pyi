@@ -363,6 +363,8 @@ class Palette(Object):
     def visible(self) -> bool: ...
     def show(self) -> None:
         """Opens the palette and brings it to the front."""
+    def hide(self) -> None:
+        """Closes the palette."""
 
 class Actions(Object):
     """The commands of the program, by path."""

@@ -6,7 +6,16 @@
 #include "OssCoreModules/Script/OssScriptManager.h"
 #include "OssShaderNetworkView.h"
 
+#include <cmath>
+
 namespace Ossa {
+
+namespace {
+
+constexpr float SmallestZoom = 1e-4F; // beyond these the view would not find back
+constexpr float LargestZoom = 1e4F;
+
+} // namespace
 
 NodeGraphView::NodeGraphView(QObject *internal)
 {
@@ -57,6 +66,11 @@ void NodeGraphView::setZoomLevel(float ZoomLevel)
     OssShaderNetworkView *shown = view();
     if (!shown)
         return;
+    if (!(ZoomLevel >= SmallestZoom && ZoomLevel <= LargestZoom)) {
+        OssScriptError(OssScriptException::OutOfRange, __FILE__, __LINE__,
+                       "ZoomLevel must be between 0.0001 and 10000");
+        return;
+    }
     const double now = shown->transform().mapRect(QRectF(0.0, 0.0, 1.0, 1.0)).width();
     shown->zoomOut(now, QGraphicsView::AnchorViewCenter);
     shown->zoomIn(double(ZoomLevel), QGraphicsView::AnchorViewCenter);
@@ -70,8 +84,12 @@ QPointF NodeGraphView::center() const
 
 void NodeGraphView::setCenter(QPointF Center)
 {
-    if (OssShaderNetworkView *shown = view())
+    OssShaderNetworkView *shown = view();
+    if (shown && std::isfinite(Center.x()) && std::isfinite(Center.y()))
         shown->centerOn(Center);
+    else if (shown)
+        OssScriptError(OssScriptException::OutOfRange, __FILE__, __LINE__,
+                       "Center must be a finite point");
 }
 
 QPointF NodeGraphView::posFromGlobalPos(QPoint GlobalPos) const

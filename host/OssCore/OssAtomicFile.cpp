@@ -227,6 +227,8 @@ OssResult OssAtomicFile::makeFolder(const QString &path)
     const QFileInfo folder(QDir::cleanPath(QFileInfo(path).absoluteFilePath()));
     if (folder.isDir())
         return {};
+    if (path.isEmpty())
+        return OssResult::failure(tr("Cannot make a folder without a name"));
     if (!folder.isRoot()) {
         const OssResult above = makeFolder(folder.path());
         if (!above)

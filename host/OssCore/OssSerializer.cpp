@@ -12,10 +12,30 @@ OssSerializer::OssSerializer(QIODevice *device, bool formatted)
 
 OssSerializer::~OssSerializer() = default;
 
+QString OssSerializer::withoutUnwritable(const QString &text)
+{
+    const auto isUnwritable = [&text](int i) {
+        const QChar letter = text.at(i);
+        if (letter.isHighSurrogate())
+            return i + 1 == text.size() || !text.at(i + 1).isLowSurrogate();
+        if (letter.isLowSurrogate())
+            return i == 0 || !text.at(i - 1).isHighSurrogate();
+        const bool isControl = letter < u' ' && letter != u'\t' && letter != u'\n'
+                               && letter != u'\r';
+        return isControl || letter.unicode() >= 0xFFFE;
+    };
+    QString writable = text;
+    for (int i = 0; i < text.size(); ++i) {
+        if (isUnwritable(i))
+            writable[i] = QChar::ReplacementCharacter;
+    }
+    return writable;
+}
+
 void OssSerializer::writeAttributes(const Attributes &attributes)
 {
     for (auto it = attributes.cbegin(); it != attributes.cend(); ++it)
-        m_xml.writeAttribute(it.key(), it.value());
+        m_xml.writeAttribute(it.key(), withoutUnwritable(it.value()));
 }
 
 void OssSerializer::beginDocument(const QString &element, const Attributes &attributes)
@@ -42,8 +62,8 @@ void OssSerializer::beginCollection(const QString &name, int count, const QStrin
     m_xml.writeAttribute(QStringLiteral("count"), QString::number(count));
     for (auto it = attributes.cbegin(); it != attributes.cend(); ++it) {
         m_xml.writeEmptyElement(QStringLiteral("entry"));
-        m_xml.writeAttribute(QStringLiteral("key"), it.key());
-        m_xml.writeAttribute(QStringLiteral("value"), it.value());
+        m_xml.writeAttribute(QStringLiteral("key"), withoutUnwritable(it.key()));
+        m_xml.writeAttribute(QStringLiteral("value"), withoutUnwritable(it.value()));
     }
 }
 

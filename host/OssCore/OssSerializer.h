@@ -25,6 +25,10 @@ public:
     OssSerializer &operator=(const OssSerializer &) = delete;
     ~OssSerializer();
 
+    /// The text with U+FFFD for each character that XML cannot carry: most control characters, halves
+    /// of surrogate pairs.
+    static QString withoutUnwritable(const QString &text);
+
     /// Document element; its attributes carry the format's name and version.
     void beginDocument(const QString &element, const Attributes &attributes);
     void endDocument();

@@ -2,20 +2,21 @@
 
 #include "OssCore/OssDebug.h"
 #include "OssCore/OssStatusManager.h"
+#include "OssCore/OssUndoManager.h"
 #include "OssCoreModules/Interface/OssApplication.h"
 #include "OssCoreModules/Script/OssScriptManager.h"
 #include "OssScripting/OssScriptThread.h"
 
-#include <QCoreApplication>
-#include <QElapsedTimer>
 #include <QEvent>
+#include <QGuiApplication>
 #include <QKeyEvent>
-#include <QWidget>
 
 namespace {
 
 const char UsableProperty[] = "ossaUsableWhileScriptsRun";
 constexpr int ShutdownWait = 3000; // ms
+constexpr int Interrupted = 130;
+constexpr int HandsOnWait = 50; // ms
 
 bool isInput(QEvent::Type type)
 {
@@ -59,6 +60,8 @@ OssScriptEngine *OssScriptEngine::instance()
 OssScriptEngine::OssScriptEngine()
 {
     OssScriptManager::instance(); // must outlive this object
+    m_callbacks.setSingleShot(true);
+    connect(&m_callbacks, &QTimer::timeout, this, &OssScriptEngine::runCallback);
 }
 
 OssScriptEngine::~OssScriptEngine()
@@ -82,6 +85,28 @@ OssScriptThread *OssScriptEngine::thread()
     connect(thread, &OssScriptThread::outputWaiting, this, [this] { m_thread->flushOutput(); });
     thread->start();
     return thread;
+}
+
+void OssScriptEngine::deliver(int callback, const QVariantList &values)
+{
+    if (!m_thread)
+        return;
+    m_thread->deliver(callback, values);
+    m_callbacks.start(0);
+}
+
+void OssScriptEngine::runCallback()
+{
+    // A script that runs takes them; when it ends, this is asked again.
+    if (m_isShutDown || !m_thread || isRunning() || !m_thread->hasCallback())
+        return;
+    const bool handsOn = QGuiApplication::mouseButtons() != Qt::NoButton
+                         || OssUndoManager::instance()->isMacroOpen();
+    OssScriptThread::Job job;
+    if (handsOn)
+        m_callbacks.start(HandsOnWait);
+    else if (m_thread->takeCallback(&job))
+        m_thread->post(job);
 }
 
 bool OssScriptEngine::isRunning() const
@@ -135,6 +160,7 @@ void OssScriptEngine::resetNames()
 void OssScriptEngine::begin(const QString &title)
 {
     m_running = true;
+    m_stopping.invalidate();
     m_popups = OssApplication::popupsAllowed();
     OssApplication::setPopupsAllowed(false);
     qApp->installEventFilter(this);
@@ -151,7 +177,11 @@ void OssScriptEngine::end(int exitCode)
     OssApplication::setPopupsAllowed(m_popups);
     m_running = false;
     m_thread->flushOutput();
+    m_callbacks.start(0);
     Q_EMIT finished(exitCode);
+    if (m_closing)
+        QMetaObject::invokeMethod(m_closing, &QWidget::close, Qt::QueuedConnection);
+    m_closing.clear();
 }
 
 void OssScriptEngine::stop()
@@ -160,6 +190,23 @@ void OssScriptEngine::stop()
         return;
     OssStatusManager::instance()->cancel();
     m_thread->stop();
+    if (!m_stopping.isValid())
+        m_stopping.start();
+    else if (m_stopping.hasExpired(ShutdownWait) && m_thread->abandon())
+        abandon();
+}
+
+void OssScriptEngine::abandon()
+{
+    OssDebug(__FILE__, __LINE__, "[ !! ] A script does not end");
+    m_isShutDown = true;
+    const QString told = tr("The script does not end and is left alone. Scripts run again after a "
+                            "new start.");
+    Q_EMIT outputWritten(told + QLatin1Char('\n'), true);
+    end(Interrupted);
+    disconnect(m_thread.get(), nullptr, this, nullptr);
+    static_cast<void>(m_thread.release()); // it cannot be destroyed; it goes with the process
+    OssStatusManager::instance()->showMessage(told);
 }
 
 void OssScriptEngine::shutdown()
@@ -168,7 +215,7 @@ void OssScriptEngine::shutdown()
     if (!m_thread)
         return;
     stop();
-    m_thread->post({});
+    m_thread->postLast();
     QElapsedTimer waited;
     waited.start();
     // The thread may be in a call, which this thread has to carry out.
@@ -198,10 +245,17 @@ bool OssScriptEngine::eventFilter(QObject *watched, QEvent *event)
         stop();
         return true;
     }
-    // A window passes what it gets to the widget it is meant for, which is asked again.
-    if (!watched->isWidgetType() || isUsable(watched))
+    // A window passes what it gets to the widget it is meant for, which is asked again. Shortcuts go
+    // to actions.
+    const bool isMeant = watched->isWidgetType() || event->type() == QEvent::Shortcut;
+    if (!isMeant || isUsable(watched))
         return false;
-    if (event->type() == QEvent::Close)
+    if (event->type() == QEvent::Close) {
         event->ignore();
+        if (watched == OssApplication::mainWindow()) { // closes once the script has stopped
+            m_closing = static_cast<QWidget *>(watched);
+            stop();
+        }
+    }
     return true;
 }

@@ -2,9 +2,14 @@
 
 #include "OssScripting/OssScripting_export.h"
 
+#include <QElapsedTimer>
 #include <QObject>
+#include <QPointer>
 #include <QString>
 #include <QStringList>
+#include <QTimer>
+#include <QVariant>
+#include <QWidget>
 
 #include <memory>
 
@@ -48,10 +53,15 @@ public:
 
     /// The running script ends with KeyboardInterrupt, whether it computes, sleeps or catches
     /// everything. A call that is under way is finished first; work that shows progress is
-    /// cancelled.
+    /// cancelled. A script that does not end, since it is inside a library that does not ask, is left
+    /// alone when it is stopped once more after a while; no other can run then.
     void stop();
     /// Before the application goes: stops what runs and ends Python.
     void shutdown();
+
+    /// A signal that a script listens to was emitted. The running script is told of it; without one
+    /// the function runs as a script by itself, once the user's hands are off.
+    void deliver(int callback, const QVariantList &values);
 
     /// Marks a widget, with those inside it, as usable while a script runs.
     static void keepUsable(QObject *widget);
@@ -79,7 +89,13 @@ private:
     void begin(const QString &title);
     void end(int exitCode);
 
+    void runCallback();
+    void abandon();
+
     std::unique_ptr<OssScriptThread> m_thread;
+    QTimer m_callbacks;
+    QElapsedTimer m_stopping;    ///< since the running script was to stop first
+    QPointer<QWidget> m_closing; ///< closes when the script has ended
     Output m_output = Output::Signals;
     bool m_running = false;
     bool m_popups = true;

@@ -1,7 +1,7 @@
 #include "OssScripting/OssScriptSlot.h"
 
 #include "OssScripting/OssScriptCall.h"
-#include "OssScripting/OssScriptThread.h"
+#include "OssScripting/OssScriptEngine.h"
 
 #include <QHash>
 
@@ -32,8 +32,7 @@ int OssScriptSlot::qt_metacall(QMetaObject::Call call, int method, void **argume
     QVariantList values;
     for (int i = 0; i < m_signal.parameterCount(); ++i)
         values.append(OssScriptCall::plain(QVariant(m_signal.parameterType(i), arguments[i + 1])));
-    if (OssScriptThread *thread = OssScriptThread::current())
-        thread->deliver(m_id, values);
+    OssScriptEngine::instance()->deliver(m_id, values);
     return -1;
 }
 

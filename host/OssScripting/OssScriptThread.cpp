@@ -6,6 +6,7 @@
 #include <QFileInfo>
 #include <QMutexLocker>
 
+#include <algorithm>
 #include <csignal>
 
 namespace {
@@ -15,6 +16,13 @@ constexpr int MostWaitingCharacters = 1 << 20;
 constexpr int Interrupted = 130;
 
 OssScriptThread *pythonThread = nullptr;
+
+/// What takes the document; the rest only asks Python.
+bool isScript(const OssScriptThread::Job &job)
+{
+    using Kind = OssScriptThread::Job::Kind;
+    return job.kind == Kind::File || job.kind == Kind::Input || job.kind == Kind::Callback;
+}
 
 /// The first line of what was typed, not too long for a menu.
 QString titleOf(const QString &input)
@@ -49,9 +57,17 @@ OssScriptThread *OssScriptThread::current()
 void OssScriptThread::post(const Job &job)
 {
     const QMutexLocker lock(&m_mutex);
-    if (job.kind != Job::Quit)
+    if (isScript(job))
         m_busy = true;
     m_jobs.append(job);
+    m_wake.wakeAll();
+}
+
+void OssScriptThread::postLast()
+{
+    const QMutexLocker lock(&m_mutex);
+    m_callbacks.clear();
+    m_jobs = {Job()};
     m_wake.wakeAll();
 }
 
@@ -63,7 +79,12 @@ void OssScriptThread::deliver(int callback, const QVariantList &values)
     job.values = values;
     const QMutexLocker lock(&m_mutex);
     m_callbacks.append(job);
-    m_wake.wakeAll();
+}
+
+bool OssScriptThread::hasCallback()
+{
+    const QMutexLocker lock(&m_mutex);
+    return !m_callbacks.isEmpty();
 }
 
 bool OssScriptThread::takeCallback(Job *job)
@@ -78,11 +99,10 @@ bool OssScriptThread::takeCallback(Job *job)
 OssScriptThread::Job OssScriptThread::next()
 {
     const QMutexLocker lock(&m_mutex);
-    m_busy = !m_jobs.isEmpty();
-    while (m_jobs.isEmpty() && m_callbacks.isEmpty())
+    m_busy = std::any_of(m_jobs.cbegin(), m_jobs.cend(), isScript);
+    while (m_jobs.isEmpty())
         m_wake.wait(&m_mutex);
-    m_busy = true;
-    return m_jobs.isEmpty() ? m_callbacks.takeFirst() : m_jobs.takeFirst();
+    return m_jobs.takeFirst();
 }
 
 void OssScriptThread::run()
@@ -171,6 +191,16 @@ void OssScriptThread::stop()
         m_drained.wakeAll();
     }
     pthread_kill(m_native, OssPython::StopSignal);
+}
+
+bool OssScriptThread::abandon()
+{
+    if (!m_callMutex.tryLock())
+        return false;
+    m_open = false;
+    m_callMutex.unlock();
+    m_busy = false;
+    return true;
 }
 
 // --- output

@@ -39,12 +39,18 @@ public:
 
     // --- GUI thread
     void post(const Job &job);
+    /// The thread ends after the job that it is at.
+    void postLast();
     void stop();
+
+    /// Carries out no call any more, whatever still runs. False when one is under way.
+    bool abandon();
 
     bool isBusy() const { return m_busy; }
 
-    /// A signal that a script listens to was emitted.
+    /// A signal that a script listens to was emitted. The running script takes it, or who posts it.
     void deliver(int callback, const QVariantList &values);
+    bool hasCallback();
     /// Hands over what was printed since the last time.
     void flushOutput();
 
@@ -53,7 +59,7 @@ public:
     /// any more: threads that a script left behind change nothing.
     bool onGui(const std::function<void()> &work);
     void write(const QString &text, bool isError);
-    /// The next signal that a script listens to and that was not delivered yet.
+    /// The next signal that a script listens to and that was not delivered yet. Any thread.
     bool takeCallback(Job *job);
     static OssScriptThread *current();
 

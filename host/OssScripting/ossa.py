@@ -12,6 +12,8 @@ import sys as _sys
 
 import _ossa
 
+_module = _sys.modules["ossa"]
+
 ErrorType = _enum.IntEnum("ErrorType", _ossa.error_types())
 
 
@@ -249,6 +251,14 @@ def _prepare(to_console, stop_signal):
     import signal
 
     signal.signal(stop_signal, _stop)
+    set_handler = signal.signal
+
+    def set_other_handler(number, handler):
+        if number == stop_signal:
+            raise ValueError("this signal is what stops a script")
+        return set_handler(number, handler)
+
+    signal.signal = set_other_handler
     pydoc.pager = pydoc.plainpager
     if to_console:
         _sys.stdin = None
@@ -258,7 +268,8 @@ def _prepare(to_console, stop_signal):
 
 
 def _start():
-    """With the first script: only then the program answers."""
+    """Before each script. Only from the first on the program answers."""
+    _sys.modules["ossa"] = _module
     if _classes:
         return
     _build_classes()
@@ -287,7 +298,11 @@ def _run_file(path, arguments):
     module.__builtins__ = _builtins
     _sys.modules["__main__"] = module
     _sys.argv = [path, *arguments]
-    exec(code, module.__dict__)
+    kept = _sys.stdout, _sys.stderr, _sys.path[:]
+    try:
+        exec(code, module.__dict__)
+    finally:  # a program of its own, with its own streams and folders
+        _sys.stdout, _sys.stderr, _sys.path[:] = kept
 
 
 _names = {}
@@ -298,7 +313,7 @@ def _reset_names():
 
     global _names
     module = types.ModuleType("__main__")
-    module.ossa = _sys.modules["ossa"]
+    module.ossa = _module
     _sys.modules["__main__"] = module
     _names = module.__dict__
 
@@ -383,7 +398,7 @@ def _class_of(chain):
         return None
     (first, _), *rest = parts
     value = _names.get(first)
-    if value is _sys.modules["ossa"]:
+    if value is _module:
         value = _classes.get("Application")
     elif isinstance(value, Object):
         value = type(value)

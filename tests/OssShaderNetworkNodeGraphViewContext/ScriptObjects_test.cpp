@@ -11,6 +11,8 @@
 
 #include <QCoreApplication>
 
+#include <limits>
+
 namespace {
 
 OssScriptManager *scripts()
@@ -102,6 +104,16 @@ TEST_F(ScriptObjects, aViewIsZoomedAndMoved)
     EXPECT_NEAR(view->center().y(), -200.0, 2.0);
     const QPoint middle(m_view->width() / 2, m_view->height() / 2);
     EXPECT_EQ(view->posFromGlobalPos(m_view->mapToGlobal(middle)), view->center());
+    const float none = std::numeric_limits<float>::quiet_NaN();
+    for (const float level : {0.0F, -1.0F, 1e30F, 1e-30F, none}) {
+        view->setZoomLevel(level);
+        expectReported(13, "ZoomLevel must be between 0.0001 and 10000");
+    }
+    const QPointF center = view->center();
+    view->setCenter({double(none), 0.0});
+    expectReported(13, "Center must be a finite point");
+    EXPECT_EQ(view->center(), center);
+    EXPECT_NEAR(view->zoomLevel(), 1.0F, 1e-4) << "the view still stands";
 }
 
 TEST_F(ScriptObjects, otherObjectsAreReportedByEverySlot)

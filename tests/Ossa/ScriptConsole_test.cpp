@@ -82,6 +82,36 @@ TEST_F(ScriptConsole, runsWhatIsTypedAndShowsBothInputAndOutput)
     EXPECT_EQ(another.input()->history().last(), QStringLiteral("2 * 21")) << "is remembered";
 }
 
+TEST_F(ScriptConsole, cutsLinesThatNobodyCanRead)
+{
+    ConsolePanel panel;
+    type(panel.input(), "for i in range(3): print('x' * 10**6, end='')");
+    enter(panel.input(), Qt::ControlModifier);
+    EXPECT_LT(panel.output()->toPlainText().size(), 20000);
+    EXPECT_TRUE(panel.output()->toPlainText().endsWith(QChar(0x2026)));
+    type(panel.input(), "print('\\n' * 10**5 + 'end')");
+    enter(panel.input());
+    EXPECT_LE(panel.output()->blockCount(), 10000);
+    EXPECT_TRUE(panel.output()->toPlainText().endsWith(QStringLiteral("\nend")));
+}
+
+// Functions that signals call run in between; what is being typed is not theirs to take.
+TEST_F(ScriptConsole, keepsWhatIsBeingTypedWhileAFunctionIsCalled)
+{
+    add("Filter/Blur", "Soft");
+    run("import ossa\nossa.graph().node('Soft').renamed.connect(print)");
+    ConsolePanel panel;
+    ConsoleInput *input = panel.input();
+    type(input, "if 1:");
+    enter(input);
+    m_network->node(QStringLiteral("Soft"))->setName(QStringLiteral("A"));
+    QSignalSpy finished(engine(), &OssScriptEngine::finished);
+    ASSERT_TRUE(finished.wait(10000));
+    EXPECT_EQ(input->toPlainText(), QStringLiteral("if 1:\n    "));
+    EXPECT_TRUE(panel.output()->toPlainText().endsWith(QStringLiteral("\nA")))
+        << qPrintable(panel.output()->toPlainText());
+}
+
 // What is echoed, run again from the same start, gives the same document.
 TEST_F(ScriptEchoTest, linesDoWhatWasDoneByHand)
 {

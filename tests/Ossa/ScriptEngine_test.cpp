@@ -2,8 +2,11 @@
 #include "OssCoreModules/Interface/OssApplication.h"
 #include "ScriptSession.h"
 
+#include <QAction>
 #include <QPushButton>
+#include <QShortcutEvent>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
 
 using ScriptEngine = ScriptSession;
@@ -98,24 +101,48 @@ TEST_F(ScriptEngine, takesNoInputWhileAScriptRuns)
     QObject::connect(&stop, &QPushButton::clicked, engine(), &OssScriptEngine::stop);
     bool popups = true;
     bool closed = false;
+    int shortcuts = 0;
+    QAction action;
+    action.setShortcut(QKeySequence(Qt::CTRL + Qt::Key_N));
+    QObject::connect(&action, &QAction::triggered, [&] { ++shortcuts; });
+    QShortcutEvent shortcut(action.shortcut(), 0);
     button.show();
     stop.show();
     QTimer::singleShot(200, &button, [&] {
         QTest::mouseClick(&button, Qt::LeftButton);
         QTest::keyClick(&button, Qt::Key_Space);
+        QCoreApplication::sendEvent(&action, &shortcut);
         closed = button.close();
         popups = OssApplication::popupsAllowed();
         QTest::mouseClick(&stop, Qt::LeftButton);
     });
     EXPECT_EQ(run("import time\ntime.sleep(60)"), 130);
     EXPECT_EQ(clicks, 0);
+    EXPECT_EQ(shortcuts, 0);
     EXPECT_FALSE(closed);
     EXPECT_FALSE(popups);
     EXPECT_TRUE(OssApplication::popupsAllowed());
     QTest::mouseClick(&button, Qt::LeftButton);
     EXPECT_EQ(clicks, 1);
+    QCoreApplication::sendEvent(&action, &shortcut);
+    EXPECT_EQ(shortcuts, 1);
     QTimer::singleShot(200, &button, [&] { QTest::keyClick(&button, Qt::Key_Escape); });
     EXPECT_EQ(run("while True: pass"), 130);
+}
+
+TEST_F(ScriptEngine, closesTheWindowOnceTheScriptHasStopped)
+{
+    QWidget window;
+    window.show();
+    QWidget *before = OssApplication::mainWindow();
+    OssApplication::setMainWindow(&window);
+    bool closed = true;
+    QTimer::singleShot(200, &window, [&] { closed = window.close(); });
+    EXPECT_EQ(run("while True: pass"), 130);
+    EXPECT_FALSE(closed);
+    QTest::qWait(20);
+    EXPECT_FALSE(window.isVisible());
+    OssApplication::setMainWindow(before);
 }
 
 TEST_F(ScriptEngine, callsFunctionsForSignalsDuringAndAfterAScript)
@@ -133,6 +160,44 @@ TEST_F(ScriptEngine, callsFunctionsForSignalsDuringAndAfterAScript)
     EXPECT_EQ(m_output, QStringLiteral("['A', 'B']\n"));
     run("node.renamed.disconnect(names.append)\nnode.name = 'C'\nnames");
     EXPECT_EQ(m_output, QStringLiteral("['A', 'B']\n"));
+}
+
+// A script that began between press and release would swallow the release.
+TEST_F(ScriptEngine, callsNoFunctionWhileTheUsersHandsAreOn)
+{
+    add("Filter/Blur", "Soft");
+    run("import ossa\nnames = []\nossa.graph().node('Soft').renamed.connect(names.append)");
+    {
+        const OssUndoManager::AutoMacro gesture(QStringLiteral("Gesture"));
+        m_network->node(QStringLiteral("Soft"))->setName(QStringLiteral("A"));
+        QTest::qWait(150);
+        EXPECT_FALSE(engine()->isRunning());
+    }
+    QSignalSpy finished(engine(), &OssScriptEngine::finished);
+    EXPECT_TRUE(finished.wait(10000));
+    run("names");
+    EXPECT_EQ(m_output, QStringLiteral("['A']\n"));
+}
+
+// What a file replaces is its own; the console goes on with what it had.
+TEST_F(ScriptEngine, keepsTheConsoleWhateverScriptsReplace)
+{
+    QTemporaryDir folder;
+    QFile file(folder.filePath(QStringLiteral("a 'file' \"of\" é.py")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("import sys, signal\n"
+               "sys.stdout = sys.stderr = None\nsys.path[:] = ['/nowhere']\n"
+               "del sys.modules['ossa']\n"
+               "signal.signal(signal.SIGUSR2, signal.SIG_IGN)\n");
+    file.close();
+    QSignalSpy finished(engine(), &OssScriptEngine::finished);
+    ASSERT_TRUE(engine()->runFile(file.fileName(), {}));
+    ASSERT_TRUE(finished.wait(10000));
+    EXPECT_EQ(finished.first().first().toInt(), 1) << "what stops scripts cannot be replaced";
+    EXPECT_EQ(run("import ossa, sys\nossa.graph().nodes()\n'/nowhere' in sys.path"), 0);
+    EXPECT_EQ(m_output, QStringLiteral("False\n")) << qPrintable(m_errors);
+    QTimer::singleShot(200, engine(), &OssScriptEngine::stop);
+    EXPECT_EQ(run("import time\ntime.sleep(60)"), 130);
 }
 
 TEST_F(ScriptEngine, completesNamesAlsoBehindCalls)

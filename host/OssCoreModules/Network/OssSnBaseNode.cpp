@@ -1,6 +1,7 @@
 #include "OssCoreModules/Network/OssSnBaseNode.h"
 
 #include "OssCore/OssDebug.h"
+#include "OssCore/OssSerializer.h"
 #include "OssCore/OssUndoManager.h"
 #include "OssCore/OssUserEnum.h"
 #include "OssCoreModules/Network/OssShaderNetwork.h"
@@ -50,7 +51,7 @@ void OssSnBaseNode::deleteContexts()
 
 void OssSnBaseNode::setName(const QString &name)
 {
-    QString after = name.simplified();
+    QString after = OssSerializer::withoutUnwritable(name.simplified());
     after.replace(QLatin1Char('/'), QLatin1Char('_'));
     if (after.isEmpty() || after == m_name)
         return;

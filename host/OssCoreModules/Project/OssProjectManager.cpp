@@ -148,6 +148,8 @@ OssResult OssProjectManager::saveProjectAs(const QString &path)
 {
     if (!m_project)
         return OssResult::failure(tr("There is no project to save"));
+    if (path.isEmpty())
+        return OssResult::failure(tr("A project is saved under a name"));
     const QString folder = QDir::cleanPath(OssProjectFile::folderOf(path));
     if (m_project->isReadOnly() && folder == m_project->path())
         return OssResult::failure(

@@ -7,7 +7,16 @@
 #include "OssCoreModules/Script/OssaNodeGraph.h"
 #include "OssCoreModules/Script/OssScriptObjects.h"
 
+#include <cmath>
+
 namespace Ossa {
+
+namespace {
+
+constexpr double Farthest = 1e6; // what a scene finds its nodes within
+constexpr double Largest = 1e5;
+
+} // namespace
 
 Node::Node(QObject *node)
 {
@@ -140,7 +149,14 @@ QPointF Node::position() const
 
 void Node::setPosition(const QPointF &position)
 {
-    if (QObject *context = view())
+    QObject *context = view();
+    if (!context)
+        return;
+    // Written so that what is no number is refused, too.
+    if (!(std::abs(position.x()) <= Farthest && std::abs(position.y()) <= Farthest))
+        fail(OssScriptException::OutOfRange,
+             QStringLiteral("Places of a graph are at most a million from its middle"));
+    else
         QMetaObject::invokeMethod(context, "setNodePositionUndo", Q_ARG(QPointF, position));
 }
 
@@ -154,7 +170,13 @@ QSizeF Node::size() const
 
 void Node::setSize(const QSizeF &size)
 {
-    if (QObject *context = view())
+    QObject *context = view();
+    if (!context)
+        return;
+    if (!(size.width() <= Largest && size.height() <= Largest))
+        fail(OssScriptException::OutOfRange,
+             QStringLiteral("A node is at most %1 wide and high").arg(int(Largest)));
+    else
         QMetaObject::invokeMethod(context, "setNodeSizeUndo", Q_ARG(QSizeF, size));
 }
 

@@ -102,6 +102,8 @@ bool NodeGraph::ownNodes(const QList<Node *> &nodes, QList<OssSnBaseNode *> *own
     if (!graph)
         return false;
     for (const Node *entry : nodes) {
+        if (!entry)
+            fail(OssScriptException::WrongType, QStringLiteral("None is no node"));
         OssSnBaseNode *node = entry ? entry->node() : nullptr;
         if (!node)
             return false;

@@ -19,17 +19,25 @@ namespace Ossa {
 
 namespace {
 
-/// Numbers in a list for a colour or a point; other values as they are.
+bool isNumber(int type)
+{
+    return type == QMetaType::Double || type == QMetaType::LongLong || type == QMetaType::Int;
+}
+
+/// Numbers in a list for a colour or a point, the number that a text says; other values as they are.
 QVariant coerced(const QVariant &value, int type)
 {
+    QVariant number = value;
+    if (value.userType() == QMetaType::QString && isNumber(type) && number.convert(type))
+        return number;
     if (value.userType() != QMetaType::QVariantList)
         return value;
     QVector<double> numbers;
     const QVariantList entries = value.toList();
     for (const QVariant &entry : entries) {
-        bool isNumber = false;
-        numbers.append(entry.toDouble(&isNumber));
-        if (!isNumber)
+        bool good = false;
+        numbers.append(entry.toDouble(&good));
+        if (!good)
             return value;
     }
     if (type == qMetaTypeId<OssColor>() && (numbers.size() == 3 || numbers.size() == 4))
@@ -52,13 +60,43 @@ QVariant plainValue(const QVariant &value)
 /// Numbers that are none, and those beyond a hard bound, would be refused by a panel, too.
 bool isWithin(const QVariant &value, const OssCustomAttribute::Definition &definition)
 {
-    const int type = value.userType();
-    if (type != QMetaType::Double && type != QMetaType::LongLong && type != QMetaType::Int)
+    if (!isNumber(value.userType()))
         return true;
     const double number = value.toDouble();
     return std::isfinite(number)
            && (!definition.minimum.isValid() || number >= definition.minimum.toDouble())
            && (!definition.maximum.isValid() || number <= definition.maximum.toDouble());
+}
+
+/// What converts to a colour or a point without being a good one.
+bool isSound(const QVariant &value, int type)
+{
+    bool good = true;
+    if (type == qMetaTypeId<OssColor>() && value.userType() == QMetaType::QString)
+        OssColor::fromString(value.toString(), &good);
+    if (value.userType() == qMetaTypeId<OssColor>()) {
+        const auto color = value.value<OssColor>();
+        good = std::isfinite(color.red() + color.green() + color.blue() + color.alpha());
+    }
+    if (value.userType() == QMetaType::QPointF)
+        good = std::isfinite(value.toPointF().x() + value.toPointF().y());
+    return good;
+}
+
+/// What an attribute takes, in words.
+QString kindInWords(const QVariant &present)
+{
+    const auto choice = present.value<OssUserEnum>();
+    if (!choice.names().isEmpty())
+        return choice.names().join(QStringLiteral(", "));
+    const int type = present.userType();
+    if (type == qMetaTypeId<OssColor>())
+        return QStringLiteral("a colour");
+    if (type == QMetaType::QPointF || type == QMetaType::QPoint)
+        return QStringLiteral("a point");
+    if (type == QMetaType::Bool)
+        return QStringLiteral("True or False");
+    return isNumber(type) ? QStringLiteral("a number") : QStringLiteral("a text");
 }
 
 bool kindFromText(const QString &text, OssSnDataKind *kind)
@@ -102,21 +140,20 @@ void Node::setAttribute(const QString &name, const QVariant &value)
     if (!own)
         return;
     const QVariant present = own->attribute(name);
-    const OssCustomAttribute attribute = own->userAttribute(name);
-    if (!isWithin(value, attribute.definition())) {
+    const QVariant wanted = coerced(value, present.userType());
+    if (!isWithin(wanted, own->userAttribute(name).definition())) {
         fail(OssScriptException::OutOfRange,
              QStringLiteral("%1 is out of the range of the attribute \"%2\" of \"%3\"")
                  .arg(value.toString(), name, own->name()));
         return;
     }
-    if (own->setAttribute(name, coerced(value, present.userType())))
+    if (isSound(wanted, present.userType()) && own->setAttribute(name, wanted))
         return;
-    const auto choice = present.value<OssUserEnum>();
-    const QString wanted = choice.names().isEmpty() ? QString::fromLatin1(present.typeName())
-                                                    : choice.names().join(QStringLiteral(", "));
+    const QString given = value.toString();
     fail(OssScriptException::WrongType,
-         QStringLiteral("\"%1\" is no value for the attribute \"%2\" of \"%3\", which takes %4")
-             .arg(value.toString(), name, own->name(), wanted));
+         QStringLiteral("%1 is no value for the attribute \"%2\" of \"%3\", which takes %4")
+             .arg(given.isEmpty() ? QStringLiteral("This") : QStringLiteral("\"%1\"").arg(given),
+                  name, own->name(), kindInWords(present)));
 }
 
 void Node::resetAttribute(const QString &name)
@@ -183,6 +220,8 @@ Node *Node::createOutput(const QString &name, const QString &kind)
 QString Node::createKnob(Node *inner, const QString &attribute)
 {
     OssSnBaseNode *own = node();
+    if (own && !inner)
+        fail(OssScriptException::WrongType, QStringLiteral("None is no node"));
     if (!own || !inner)
         return {};
     OssSnBaseNode *target = inner->nodeWithAttribute(attribute);

@@ -33,4 +33,10 @@ void Palette::show()
         own->showBySidebar();
 }
 
+void Palette::hide()
+{
+    if (auto *own = wrapped<OssPalette>())
+        own->setVisible(false);
+}
+
 } // namespace Ossa

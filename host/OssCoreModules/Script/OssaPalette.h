@@ -13,6 +13,7 @@ class OSSCOREMODULES_EXPORT Palette : public API
     Q_PROPERTY(QString title READ title)
     Q_PROPERTY(bool visible READ isVisible)
     Q_CLASSINFO("show", "Opens the palette and brings it to the front.")
+    Q_CLASSINFO("hide", "Closes the palette.")
 
 public:
     /// Wraps an OssPalette; reports any other object and stays empty.
@@ -24,6 +25,7 @@ public:
 
 public Q_SLOTS:
     void show();
+    void hide();
 
 protected:
     /// Binds nothing and reports nothing: derived classes do that.

@@ -17,9 +17,12 @@
 #include <QScrollBar>
 #include <QTextCursor>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int mostLines = 10000;
+constexpr int mostLetters = 10000; // of a line
 const QString historyKey = QStringLiteral("ScriptConsole/History");
 const QString runFileCommand = QStringLiteral("/Ossa/Script/Run File...");
 const QString echoKey = QStringLiteral("ScriptConsole/Echo");
@@ -30,6 +33,22 @@ QString withPrompts(const QString &text)
     QString lines = text;
     lines.replace(QLatin1Char('\n'), QLatin1String("\n... "));
     return QStringLiteral(">>> ") + lines + QLatin1Char('\n');
+}
+
+/// What the output can lay out at once: its last lines, cut where they are very long. `used` letters
+/// stand before the first one.
+QString legible(const QString &text, int used)
+{
+    QStringList lines = text.split(QLatin1Char('\n'));
+    if (lines.size() > mostLines)
+        lines.erase(lines.begin(), lines.end() - mostLines);
+    for (QString &line : lines) {
+        const int room = std::max(mostLetters - used, 0);
+        if (line.size() > room)
+            line = line.left(room) + (room > 0 ? QStringLiteral("\u2026") : QString());
+        used = 0;
+    }
+    return lines.join(QLatin1Char('\n'));
 }
 
 } // namespace
@@ -44,6 +63,7 @@ ConsolePanel::ConsolePanel(QWidget *parent)
     , m_echo(new ScriptEcho(this))
 {
     m_output->setReadOnly(true);
+    OssScriptEngine::keepUsable(m_output);
     m_output->setMaximumBlockCount(mostLines);
     m_output->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     m_output->setAccessibleName(tr("Script output"));
@@ -55,6 +75,7 @@ ConsolePanel::ConsolePanel(QWidget *parent)
     layout->addWidget(m_output, 1);
     layout->addWidget(m_input);
     setFocusProxy(m_input);
+    follow();
 
     OssScriptEngine *engine = OssScriptEngine::instance();
     connect(engine, &OssScriptEngine::started, this, &ConsolePanel::onStarted);
@@ -62,7 +83,10 @@ ConsolePanel::ConsolePanel(QWidget *parent)
     connect(engine, &OssScriptEngine::outputWritten, this, [this](const QString &text, bool error) {
         append(text, error ? Theme::warningText() : palette().color(QPalette::Text));
     });
-    connect(engine, &OssScriptEngine::inputIncomplete, m_input, &ConsoleInput::continueLine);
+    connect(engine, &OssScriptEngine::inputIncomplete, this, [this] {
+        m_submitted.clear();
+        m_input->continueLine();
+    });
     connect(engine, &OssScriptEngine::completed, m_input, &ConsoleInput::offer);
     connect(m_input, &ConsoleInput::completionWanted, engine, &OssScriptEngine::complete);
     connect(m_input, &ConsoleInput::submitted, this, &ConsolePanel::submit);
@@ -111,8 +135,7 @@ QWidget *ConsolePanel::makeBar()
 
 void ConsolePanel::submit(const QString &text, bool everything)
 {
-    m_submitted = text;
-    OssScriptEngine::instance()->runInput(text, everything);
+    m_submitted = OssScriptEngine::instance()->runInput(text, everything) ? text : QString();
 }
 
 void ConsolePanel::focusInput() const
@@ -124,6 +147,7 @@ void ConsolePanel::onStarted(const QString &title)
 {
     m_echo->setScriptRunning(true);
     if (!m_submitted.isEmpty()) {
+        m_follows = true; // wherever the user had scrolled to
         append(withPrompts(m_submitted), palette().color(QPalette::Link));
         m_input->remember(m_submitted);
         OssSettings().setValue(historyKey, m_input->history());
@@ -148,10 +172,23 @@ void ConsolePanel::onFinished(int exitCode)
     m_run->setEnabled(true);
 }
 
+void ConsolePanel::follow()
+{
+    // The user scrolls away, and back to the end; what the output does to its bar says nothing.
+    QScrollBar *bar = m_output->verticalScrollBar();
+    connect(bar, &QScrollBar::valueChanged, this, [this, bar](int value) {
+        if (!m_appending)
+            m_follows = value == bar->maximum();
+    });
+    connect(bar, &QScrollBar::rangeChanged, this, [this, bar] {
+        if (m_follows && !m_appending)
+            bar->setValue(bar->maximum());
+    });
+}
+
 void ConsolePanel::append(const QString &text, const QColor &color)
 {
-    QScrollBar *bar = m_output->verticalScrollBar();
-    const bool follows = bar->value() == bar->maximum();
+    m_appending = true;
     QTextCursor cursor(m_output->document());
     cursor.movePosition(QTextCursor::End);
     QTextCharFormat format;
@@ -160,8 +197,10 @@ void ConsolePanel::append(const QString &text, const QColor &color)
     const bool endsLine = text.endsWith(QLatin1Char('\n'));
     if (m_lineEnded)
         cursor.insertText(QStringLiteral("\n"), format);
-    cursor.insertText(endsLine ? text.chopped(1) : text, format);
+    cursor.insertText(legible(endsLine ? text.chopped(1) : text, cursor.positionInBlock()), format);
     m_lineEnded = endsLine;
-    if (follows)
+    m_appending = false;
+    QScrollBar *bar = m_output->verticalScrollBar();
+    if (m_follows)
         bar->setValue(bar->maximum());
 }

@@ -29,6 +29,7 @@ private:
     void submit(const QString &text, bool everything);
     void onStarted(const QString &title);
     void onFinished(int exitCode);
+    void follow();
     void append(const QString &text, const QColor &color);
 
     QPlainTextEdit *m_output;
@@ -38,5 +39,7 @@ private:
     QPushButton *m_stop;
     ScriptEcho *m_echo;
     bool m_lineEnded = false;
-    QString m_submitted; ///< until it is known whether it is complete
+    bool m_appending = false;
+    bool m_follows = true; ///< the end of the output stays in view
+    QString m_submitted;   ///< until it is known whether it is complete
 };

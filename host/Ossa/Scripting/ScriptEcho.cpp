@@ -12,6 +12,8 @@
 
 namespace {
 
+const QString groupCommand = QStringLiteral("/Ossa/NodeGraph/Group Selected Nodes");
+const QString ungroupCommand = QStringLiteral("/Ossa/NodeGraph/Ungroup");
 const QString viewContext = QStringLiteral("NodeGraphView");
 
 QPointF positionOf(const OssSnBaseNode *node)
@@ -88,6 +90,10 @@ void ScriptEcho::setEnabled(bool enabled)
 
 void ScriptEcho::setScriptRunning(bool running)
 {
+    if (running && m_later.isActive()) { // the script's macro is open already
+        m_later.stop();
+        tellNow();
+    }
     m_scriptRunning = running;
     if (!running && m_enabled) {
         forgetChanges();
@@ -196,6 +202,11 @@ void ScriptEcho::tell()
         m_later.start(100);
         return;
     }
+    tellNow();
+}
+
+void ScriptEcho::tellNow()
+{
     for (const QString &move : qAsConst(m_moves))
         Q_EMIT line(QStringLiteral("ossa.undo().%1()").arg(move));
     if (!m_titles.isEmpty()) {
@@ -343,12 +354,23 @@ QStringList ScriptEcho::describeMoves()
 QString ScriptEcho::describeAction() const
 {
     QStringList nodes;
-    for (const QString &path : m_selection)
+    QStringList takenApart;
+    for (const QString &path : m_selection) {
         nodes.append(ScriptText::node(path));
+        if (m_removed.contains(path))
+            takenApart.append(ScriptText::node(path));
+    }
     const QString trigger = QStringLiteral("ossa.trigger(%1)").arg(ScriptText::text(m_action));
     const OssShaderNetwork *shown = OssShaderNetworkManager::instance()->currentViewNetwork();
     if (!shown)
         return trigger;
-    return QStringLiteral("%1.select(%2)\n%3")
-        .arg(ScriptText::graph(shown), ScriptText::list(nodes), trigger);
+    // What has a line of its own runs without a window, too.
+    const QString graph = ScriptText::graph(shown);
+    if (m_action == groupCommand)
+        return QStringLiteral("%1.group(%2)").arg(graph, ScriptText::list(nodes));
+    if (m_action == ungroupCommand && !takenApart.isEmpty()) {
+        const QString next = QStringLiteral(")\n%1.ungroup(").arg(graph);
+        return QStringLiteral("%1.ungroup(%2)").arg(graph, takenApart.join(next));
+    }
+    return QStringLiteral("%1.select(%2)\n%3").arg(graph, ScriptText::list(nodes), trigger);
 }

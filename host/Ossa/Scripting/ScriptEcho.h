@@ -58,6 +58,7 @@ private:
     void learnEverything();
     void schedule();
     void tell();
+    void tellNow();
     void forgetChanges();
     bool canBeSaid() const;
     QStringList describe();

@@ -1,6 +1,7 @@
 """What a careless or hostile script does: every piece must end in an exception, none in a crash."""
 
 import gc
+import tempfile
 import threading
 
 import ossa
@@ -40,6 +41,19 @@ refused(TypeError, setattr, node, "position", (1, 2, 3))
 refused(TypeError, ossa.Node)
 refused(AttributeError, lambda: object.__new__(ossa.Node).name)
 refused(TypeError, node.renamed.connect, 3)
+color = graph.createNode("Procedural/Color")
+for value in ("red", "1,2", (1, 2), (float("nan"), 0, 0), ossa.Color(float("inf"), 0, 0)):
+    refused(ossa.Error, color.setAttribute, "Color", value)
+refused(ossa.Error, node.setAttribute, "Radius", "nan")
+for place in ((float("nan"), 0), (0, float("inf")), (1e300, 0)):
+    refused(ossa.Error, setattr, node, "position", place)
+    refused(ossa.Error, setattr, node, "size", place)
+for value in (float("nan"), 10**12, "x", 2):
+    refused(ossa.Error, ossa.preferences().setValue, "Node Graph/General/Auto Insert Node", value)
+    if value != 2:
+        name = "Node Graph/Shake to Extract/Shakes to Trigger"
+        refused(ossa.Error, ossa.preferences().setValue, name, value)
+color.remove()
 assert node.attribute("Radius") == node.attributeInfo("Radius")["default"]
 
 # What the graph cannot do.
@@ -49,6 +63,9 @@ refused(ossa.Error, graph.createNode, "No/Such Type")
 refused(ossa.Error, graph.fromText, "<nodes><node></nodes>")
 refused(ossa.Error, graph.importNodes, "/no/such/file.ong")
 refused(ossa.Error, graph.ungroup, node)
+refused(ossa.Error, graph.connect, None, node)
+refused(ossa.Error, graph.view, None)
+refused(ossa.Error, project.saveAs, "")
 refused(ossa.Error, ossa.openProject, "/no/such/project.ossa")
 refused(ossa.Error, ossa.palette, "None Such")
 refused(ossa.Error, ossa.trigger, "/None/Such")
@@ -135,6 +152,16 @@ refused(ossa.Error, graph.select, [made[0]])
 refused(ossa.Error, ossa.graph().select, [made[0]])
 refused(ossa.Error, bound, "Radius", 1)
 repr(old)
-del old, project, graph, made, gone, inside, inner, bound, node
+
+# Letters that files cannot carry.
+ossa.graph().createNode("Filter/Blur", "\0")
+odd = ossa.graph().createNode("Filter/Blur", "\x01")
+odd.description = "\x08\ufffe"
+names = sorted(one.name for one in ossa.graph().nodes())
+with tempfile.TemporaryDirectory() as folder:
+    ossa.project().saveAs(folder + "/Odd.ossa")
+    ossa.openProject(folder + "/Odd.ossa")
+    assert sorted(one.name for one in ossa.graph().nodes()) == names, names
+del old, odd, project, graph, made, gone, inside, inner, bound, node
 gc.collect()
 print("survived")

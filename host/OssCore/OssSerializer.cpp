@@ -16,6 +16,8 @@ QString OssSerializer::withoutUnwritable(const QString &text)
 {
     const auto isUnwritable = [&text](int i) {
         const QChar letter = text.at(i);
+        if (letter >= u' ' && letter < QChar(0xD800)) // nearly all of them
+            return false;
         if (letter.isHighSurrogate())
             return i + 1 == text.size() || !text.at(i + 1).isLowSurrogate();
         if (letter.isLowSurrogate())

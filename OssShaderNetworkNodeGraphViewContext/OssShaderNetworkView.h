@@ -245,6 +245,8 @@ protected Q_SLOTS:
 private:
     /// With a debug line when there is none.
     bool hasNetwork() const;
+    /// Empty, and told, when there is none.
+    QList<OssSnBaseNode *> selectionToBakeAround() const;
     /// One line for the status bar, where nothing in the graph shows what a command did or why it
     /// did nothing.
     static void tellUser(const QString &text);

@@ -86,32 +86,32 @@ void OssShaderNetworkView::updateSelectedBakePoints()
              QT_TR_NOOP("No Bake Point nodes are selected"));
 }
 
-void OssShaderNetworkView::updateUpstreamBakePoints()
+QList<OssSnBaseNode *> OssShaderNetworkView::selectionToBakeAround() const
 {
     if (!hasNetwork())
-        return;
+        return {};
     const QList<OssSnBaseNode *> nodes = m_network->selectedNodes();
     if (nodes.isEmpty()) {
         OssDebug(Source, __LINE__, "[ !! ] No nodes are selected");
         tellUser(tr("No nodes are selected"));
-        return;
     }
-    bake(OssShaderNetworkUtils::getUpstreamBakePointNodes(nodes), true,
-         QT_TR_NOOP("No upstream Bake Point nodes found"));
+    return nodes;
+}
+
+void OssShaderNetworkView::updateUpstreamBakePoints()
+{
+    const QList<OssSnBaseNode *> nodes = selectionToBakeAround();
+    if (!nodes.isEmpty())
+        bake(OssShaderNetworkUtils::getUpstreamBakePointNodes(nodes), true,
+             QT_TR_NOOP("No upstream Bake Point nodes found"));
 }
 
 void OssShaderNetworkView::updateDownstreamBakePoints()
 {
-    if (!hasNetwork())
-        return;
-    const QList<OssSnBaseNode *> nodes = m_network->selectedNodes();
-    if (nodes.isEmpty()) {
-        OssDebug(Source, __LINE__, "[ !! ] No nodes are selected");
-        tellUser(tr("No nodes are selected"));
-        return;
-    }
-    bake(OssShaderNetworkUtils::getDownstreamBakePointNodes(nodes), true,
-         QT_TR_NOOP("No downstream Bake Point nodes found"));
+    const QList<OssSnBaseNode *> nodes = selectionToBakeAround();
+    if (!nodes.isEmpty())
+        bake(OssShaderNetworkUtils::getDownstreamBakePointNodes(nodes), true,
+             QT_TR_NOOP("No downstream Bake Point nodes found"));
 }
 
 // --- paint nodes

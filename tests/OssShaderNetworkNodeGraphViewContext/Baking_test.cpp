@@ -42,13 +42,6 @@ protected:
         GraphFixture::TearDown();
     }
 
-    void select(const QList<OssSnBaseNode *> &nodes)
-    {
-        const QList<OssSnBaseNode *> all = m_network->getAllNodes();
-        for (OssSnBaseNode *node : all)
-            node->setSelected(nodes.contains(node));
-    }
-
     bool m_popups = true;
     OssSnBaseNode *m_color = nullptr;
     OssSnBakePointNode *m_bake = nullptr;

@@ -46,13 +46,6 @@ protected:
         GraphFixture::TearDown();
     }
 
-    void select(const QList<OssSnBaseNode *> &nodes)
-    {
-        const QList<OssSnBaseNode *> all = m_network->getAllNodes();
-        for (OssSnBaseNode *node : all)
-            node->setSelected(nodes.contains(node));
-    }
-
     QSet<OssSnBaseNode *> selection() const
     {
         const QList<OssSnBaseNode *> nodes = m_network->selectedNodes();

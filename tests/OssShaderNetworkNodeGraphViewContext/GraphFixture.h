@@ -37,6 +37,14 @@ protected:
         return OssSnNodeGraphViewContextManager::contextOf(node);
     }
 
+    /// These and no others, groups included.
+    void select(const QList<OssSnBaseNode *> &nodes)
+    {
+        const QList<OssSnBaseNode *> all = m_network->getAllNodes();
+        for (OssSnBaseNode *node : all)
+            node->setSelected(nodes.contains(node));
+    }
+
     OssSnBaseNode *addAt(const char *key, const QPointF &position, const char *name = "")
     {
         OssSnBaseNode *node = add(key, name);

@@ -63,6 +63,8 @@ void UvView::showChange(int patch, const QRect &area)
     update(QRectF(rect.topLeft() + QPointF(area.topLeft()) * pixel, QSizeF(area.size()) * pixel)
                .toAlignedRect()
                .adjusted(-1, -1, 1, 1));
+    if (underMouse())
+        Q_EMIT pointed(valuesAt(m_last));
 }
 
 QRectF UvView::rectOf(int patch) const

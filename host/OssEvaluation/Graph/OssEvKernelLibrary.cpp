@@ -13,6 +13,7 @@ std::vector<OssEvKernel> makeKernels()
     OssEvFamilies::addPatterns(&kernels);
     OssEvFamilies::addNoise(&kernels);
     OssEvFamilies::addAdjustments(&kernels);
+    OssEvFamilies::addRamps(&kernels);
     OssEvFamilies::addChannels(&kernels);
     OssEvFamilies::addMath(&kernels);
     OssEvFamilies::addMerge(&kernels);

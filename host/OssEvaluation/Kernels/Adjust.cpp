@@ -48,19 +48,6 @@ struct HueValues
     float value;
 };
 
-struct RampValues
-{
-    std::array<float, 4> low;
-    std::array<float, 4> high;
-    float midpoint;
-};
-
-/// Samples of a ramp from 0 to 1 at even distances, one table for each channel.
-struct ColorRampValues
-{
-    std::array<std::vector<float>, 4> samples;
-};
-
 /// Samples of a curve at even distances.
 struct CurveValues
 {
@@ -307,20 +294,6 @@ void hueShift(const OssEvStrip &strip, const HueValues &values)
     adjust(strip, HueChange{values});
 }
 
-// What a table of samples has at a place, counted in samples; linear between neighbours.
-HWY_INLINE V sampleAt(const std::vector<float> &samples, V at)
-{
-    const Floats d;
-    const Ints di;
-    const auto last = float(samples.size() - 1);
-    const V place = clamp(at, zero(), splat(last));
-    const V whole = hn::Min(hn::Floor(place), splat(last - 1.0F));
-    const VI index = hn::ConvertTo(di, whole);
-    const V left = hn::GatherIndex(d, samples.data(), index);
-    const V right = hn::GatherIndex(d, samples.data() + 1, index);
-    return mix(left, right, hn::Sub(place, whole));
-}
-
 HWY_INLINE V lookUp(const CurveValues &values, V x)
 {
     return sampleAt(values.samples, hn::Mul(hn::Sub(x, splat(values.first)), splat(values.scale)));
@@ -343,60 +316,6 @@ void curve(const OssEvStrip &strip, const CurveValues &values)
     adjust(strip, CurveChange{values});
 }
 
-HWY_INLINE V rampPlace(V value, float midpoint)
-{
-    const V t = clamp(value, zero(), splat(1.0F));
-    const float below = midpoint > 0.0F ? 0.5F / midpoint : 0.0F;
-    const float above = midpoint < 1.0F ? 0.5F / (1.0F - midpoint) : 0.0F;
-    const V left = hn::Mul(t, splat(below));
-    const V right = hn::MulAdd(hn::Sub(t, splat(midpoint)), splat(above), splat(0.5F));
-    return hn::IfThenElse(hn::Lt(t, splat(midpoint)), left, right);
-}
-
-// Replaces colours by what `colorAt` gives for their luminance, by alpha and mask.
-template <class ColorAt>
-void lookColorsUp(const OssEvStrip &strip, const ColorAt &colorAt)
-{
-    const OssEvStripInput &in = strip.inputs[0];
-    const float *mask = strip.inputs[1].connected ? strip.inputs[1].plane[0] : nullptr;
-    for (std::size_t i = 0; i < strip.texels(); i += hn::Lanes(Floats())) {
-        Channels<4> before;
-        for (int k = 0; k < 4; ++k)
-            before.c[k] = load(in.plane[k] + i);
-        const V alpha = before.c[3];
-        const V cover = hn::IfThenElse(hn::Gt(alpha, zero()), alpha, splat(1.0F));
-        const V grey = hn::Div(luminance(before.c[0], before.c[1], before.c[2]), cover);
-        const Channels<4> color = colorAt(grey);
-        const V m = mask != nullptr ? load(mask + i) : splat(1.0F);
-        for (int k = 0; k < 4; ++k)
-            store(mix(before.c[k], hn::Mul(color.c[k], alpha), m), strip.output[k] + i);
-    }
-}
-
-void ramp(const OssEvStrip &strip, const RampValues &values)
-{
-    lookColorsUp(strip, [&values](V grey) {
-        const V t = rampPlace(grey, values.midpoint);
-        Channels<4> color;
-        for (int k = 0; k < 4; ++k)
-            color.c[k] = mix(splat(values.low[std::size_t(k)]), splat(values.high[std::size_t(k)]),
-                             t);
-        return color;
-    });
-}
-
-void colorRamp(const OssEvStrip &strip, const ColorRampValues &values)
-{
-    const auto scale = float(values.samples[0].size() - 1);
-    lookColorsUp(strip, [&values, scale](V grey) {
-        const V place = hn::Mul(grey, splat(scale));
-        Channels<4> color;
-        for (int k = 0; k < 4; ++k)
-            color.c[k] = sampleAt(values.samples[std::size_t(k)], place);
-        return color;
-    });
-}
-
 } // namespace
 } // namespace OssEvSimd::HWY_NAMESPACE
 
@@ -411,8 +330,6 @@ HWY_EXPORT(clampColors);
 HWY_EXPORT(invert);
 HWY_EXPORT(hueShift);
 HWY_EXPORT(curve);
-HWY_EXPORT(ramp);
-HWY_EXPORT(colorRamp);
 } // namespace OssEvSimd
 
 namespace {
@@ -492,27 +409,6 @@ Operation makeCurve(const OssEvKernelSetup &setup)
     return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(curve), values, noMask());
 }
 
-Operation makeRamp(const OssEvKernelSetup &setup)
-{
-    const RampValues values{setup.premultiplied("LowColor"), setup.premultiplied("HighColor"),
-                            float(setup.real("Midpoint"))};
-    return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(ramp), values, noMask());
-}
-
-Operation makeColorRamp(const OssEvKernelSetup &setup)
-{
-    constexpr int Samples = 4097;
-    const OssEvRamp ramp = setup.ramp("Ramp");
-    const auto mix = OssEvRamp::Mix(setup.integer("Interpolation"));
-    ColorRampValues values;
-    for (int i = 0; i < Samples; ++i) {
-        const std::array<double, 4> color = ramp.at(double(i) / (Samples - 1), mix);
-        for (std::size_t k = 0; k < 4; ++k)
-            values.samples[k].push_back(float(color[k]));
-    }
-    return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(colorRamp), values, noMask());
-}
-
 OssEvKernel adjustment(std::string name, std::vector<OssEvParameterDescription> parameters,
                        Operation (*make)(const OssEvKernelSetup &))
 {
@@ -549,17 +445,5 @@ void OssEvFamilies::addAdjustments(std::vector<OssEvKernel> *kernels)
                    {real("Hue", 0, -180, 180), real("Saturation", 1, 0, 4), real("Value", 1, 0, 4)},
                    makeHueShift));
     kernels->push_back(adjustment("curve", {Describe::curve("Curve")}, makeCurve));
-    kernels->push_back(adjustment("ramp",
-                                  {color("LowColor", {0, 0, 0, 1}),
-                                   color("HighColor", {1, 1, 1, 1}), real("Midpoint", 0.5, 0, 1)},
-                                  makeRamp));
-    kernels->back().inputs[0].channels = 4;
-    kernels->back().outputs[0].channels = 4;
-    kernels->push_back(
-        adjustment("colorRamp",
-                   {Describe::ramp("Ramp"), choice("Interpolation", {"Linear", "Smooth", "Step"})},
-                   makeColorRamp));
-    kernels->back().inputs[0].channels = 4;
-    kernels->back().outputs[0].channels = 4;
 }
 #endif

@@ -11,6 +11,7 @@ void addConstants(std::vector<OssEvKernel> *kernels);
 void addPatterns(std::vector<OssEvKernel> *kernels);
 void addNoise(std::vector<OssEvKernel> *kernels);
 void addAdjustments(std::vector<OssEvKernel> *kernels);
+void addRamps(std::vector<OssEvKernel> *kernels);
 void addChannels(std::vector<OssEvKernel> *kernels);
 void addMath(std::vector<OssEvKernel> *kernels);
 void addMerge(std::vector<OssEvKernel> *kernels);

@@ -100,6 +100,20 @@ HWY_INLINE bool allOne(const float *values, std::size_t count)
     return true;
 }
 
+// What a table of samples has at a place, counted in samples; linear between neighbours.
+HWY_INLINE V sampleAt(const std::vector<float> &samples, V at)
+{
+    const Floats d;
+    const Ints di;
+    const auto last = float(samples.size() - 1);
+    const V place = clamp(at, zero(), splat(last));
+    const V whole = hn::Min(hn::Floor(place), splat(last - 1.0F));
+    const VI index = hn::ConvertTo(di, whole);
+    const V left = hn::GatherIndex(d, samples.data(), index);
+    const V right = hn::GatherIndex(d, samples.data() + 1, index);
+    return mix(left, right, hn::Sub(place, whole));
+}
+
 } // namespace
 } // namespace OssEvSimd::HWY_NAMESPACE
 

@@ -109,6 +109,19 @@ TEST_F(Baking, patchesBeyondTheLimitShowTheBackground)
     EXPECT_EQ(pixel(node), QColor(Qt::red)) << "what was baked is still there";
 }
 
+TEST_F(Baking, aFilterOfObjectsLetsOnlyTheNamedOnesThrough)
+{
+    OssSnBakePointNode *node = bakePoint(color(Qt::red));
+    m_project->entities().first()->setName(QStringLiteral("Wall Left"));
+    node->setAttribute(QStringLiteral("filterCollection"), true);
+    node->setAttribute(QStringLiteral("filterCollectionText"), QStringLiteral("Floor, Wall"));
+    ASSERT_TRUE(OssShaderNetworkUtils::bakeBakePoints({node}, true, true));
+    EXPECT_FALSE(node->hasBakedResult());
+    node->setAttribute(QStringLiteral("filterCollectionText"), QStringLiteral("Floor, Wall*"));
+    ASSERT_TRUE(OssShaderNetworkUtils::bakeBakePoints({node}, true, true));
+    EXPECT_TRUE(node->hasBakedResult());
+}
+
 TEST_F(Baking, bakePointsAreBakedInTheOrderInWhichPixelsFlow)
 {
     OssSnBaseNode *source = color(Qt::red);

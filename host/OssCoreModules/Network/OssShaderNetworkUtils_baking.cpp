@@ -1,5 +1,6 @@
 #include "OssCoreModules/Network/OssShaderNetworkUtils.h"
 
+#include "OssCore/OssDebug.h"
 #include "OssCore/OssUndoManager.h"
 #include "OssCoreModules/Evaluation/OssBakeProgress.h"
 #include "OssCoreModules/Evaluation/OssEvaluationService.h"
@@ -62,6 +63,16 @@ QList<int> patchesOf(const OssSnBakePointNode *node, const OssGeoEntity *entity)
                                  [&](int patch) { return !wanted.contains(patch); }),
                   patches.end());
     return patches;
+}
+
+bool isBakedForItsObject(const OssSnBakePointNode *node)
+{
+    const OssGeoEntity *object = node->network() ? node->network()->geoEntity() : nullptr;
+    if (node->isBakedFor(object))
+        return true;
+    OssDebug("OssShaderNetworkUtils", __LINE__, "[ -- ] %s is not baked for %s",
+             qPrintable(node->name()), qPrintable(object->name()));
+    return false;
 }
 
 OssResult bakeOne(OssSnBakePointNode *node, const std::function<bool(int, int)> &onProgress)
@@ -131,7 +142,7 @@ OssResult OssShaderNetworkUtils::bakeBakePoints(const QList<OssSnBakePointNode *
         const bool wanted = node->hasBakedResult()
                                 ? updateOutOfDate && !node->isBakedResultUpToDate()
                                 : bakeEmpty;
-        if (!wanted)
+        if (!wanted || !isBakedForItsObject(node))
             continue;
         const OssResult baked = bakeOne(node, progress.forPart(i, node->name()));
         if (progress.isStopped())

@@ -3,6 +3,11 @@
 #include "OssCore/OssUndoManager.h"
 #include "OssCoreModules/Network/OssBakePointWatch.h"
 #include "OssCoreModules/Network/OssSnResultKey.h"
+#include "OssCoreModules/Project/OssGeoEntity.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
 
 namespace {
 
@@ -107,6 +112,18 @@ bool OssSnBakePointNode::filterCollectionEnabled() const
 QString OssSnBakePointNode::filterCollectionText() const
 {
     return attribute(FilterTextAttribute).toString();
+}
+
+bool OssSnBakePointNode::isBakedFor(const OssGeoEntity *object) const
+{
+    const QStringList names = filterCollectionText().split(QLatin1Char(','), Qt::SkipEmptyParts);
+    if (!object || !filterCollectionEnabled() || names.isEmpty())
+        return true;
+    return std::any_of(names.cbegin(), names.cend(), [object](const QString &name) {
+        const QRegularExpression shape(
+            QRegularExpression::wildcardToRegularExpression(name.trimmed()));
+        return shape.match(object->name()).hasMatch();
+    });
 }
 
 void OssSnBakePointNode::onUserAttributeSet(const OssCustomAttribute &attribute, bool added)

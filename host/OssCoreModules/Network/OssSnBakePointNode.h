@@ -3,6 +3,8 @@
 #include "OssCore/OssColor.h"
 #include "OssCoreModules/Network/OssSnImageSetNodeBase.h"
 
+class OssGeoEntity;
+
 /// Keeps the result of what feeds it as images, from which everything behind it goes on.
 class OSSCOREMODULES_EXPORT OssSnBakePointNode : public OssSnImageSetNodeBase
 {
@@ -39,6 +41,9 @@ public:
     OssColor limitBakeBackground() const;
     bool filterCollectionEnabled() const;
     QString filterCollectionText() const;
+    /// Whether the filter, names of objects with wildcards, lets the object through. Without a filter
+    /// or a text it does, and so it does for what belongs to no object.
+    bool isBakedFor(const OssGeoEntity *object) const;
 
     bool saveObjects(OssSerializer &serializer) override;
     bool onLoadElement(OssDeserializer &deserializer, const QString &name,

@@ -3,10 +3,10 @@
 #include "OssCore/OssDebug.h"
 #include "OssCore/OssIsAlphanumericUnderscore.h"
 #include "OssCore/OssUndoManager.h"
-#include "OssCoreModules/Interface/OssMessageBox.h"
-#include "OssCoreModules/Network/OssLinkedCustomAttributeManager.h"
-#include "OssCoreModules/Network/OssShaderNetworkManager.h"
-#include "OssCoreModules/Network/OssSnGroupNode.h"
+#include "OssInterface/Popups/OssMessageBox.h"
+#include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
+#include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
 #include "ZelGL/ZelTextureToken.h"
 
 #include <QDialogButtonBox>

@@ -2,9 +2,9 @@
 
 #include "OssCore/OssDebug.h"
 #include "OssCore/OssUndoManager.h"
-#include "OssCoreModules/Network/OssShaderNetwork.h"
-#include "OssCoreModules/Network/OssShaderNetworkManager.h"
-#include "OssCoreModules/Network/OssSnGroupNode.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
 #include "ZelGL/ZelTextureToken.h"
 
 #include <QHBoxLayout>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCoreModules/Network/OssSnBaseNode.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
 
 #include <QDialog>
 #include <QList>

@@ -1,9 +1,9 @@
 #include "OssShaderNetworkView.h"
 
 #include "OssCore/OssStatusManager.h"
-#include "OssCoreModules/Network/OssShaderNetwork.h"
-#include "OssCoreModules/Network/OssSnBaseNode.h"
-#include "OssCoreModules/Project/OssProjectManager.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Project/OssProjectManager.h"
 #include "OssSnNodeGraphViewContextManager.h"
 #include "ZelGL/ZelTextureToken.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "OssCore/OssResult.h"
-#include "OssCoreModules/Network/OssShaderNetworkHolder.h"
-#include "OssNodeGraph/OssNgView.h"
+#include "OssModel/Graph/OssShaderNetworkHolder.h"
+#include "OssNodeGraph/View/OssNgView.h"
 
 #include <QMap>
 #include <QPointer>

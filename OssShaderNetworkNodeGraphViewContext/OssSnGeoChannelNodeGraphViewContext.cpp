@@ -1,12 +1,12 @@
 #include "OssSnGeoChannelNodeGraphViewContext.h"
 
 #include "OssCore/OssDebug.h"
-#include "OssCoreModules/Network/OssShaderNetworkUtils.h"
-#include "OssCoreModules/Network/OssSnBakePointNode.h"
-#include "OssCoreModules/Network/OssSnBaseTeleportNode.h"
-#include "OssCoreModules/Network/OssSnGeoChannelNode.h"
-#include "OssCoreModules/Network/OssSnTeleportNodeManager.h"
-#include "OssNodeGraph/OssNgExtendedNode.h"
+#include "OssModel/Graph/OssShaderNetworkUtils.h"
+#include "OssModel/Nodes/OssSnBakePointNode.h"
+#include "OssModel/Nodes/OssSnBaseTeleportNode.h"
+#include "OssModel/Nodes/OssSnGeoChannelNode.h"
+#include "OssModel/Nodes/OssSnTeleportNodeManager.h"
+#include "OssNodeGraph/Items/OssNgExtendedNode.h"
 #include "ZelGL/ZelTextureToken.h"
 
 namespace {

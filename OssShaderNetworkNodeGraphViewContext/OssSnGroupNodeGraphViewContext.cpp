@@ -2,14 +2,15 @@
 
 #include "OssCore/OssDebug.h"
 #include "OssCore/OssResourceInfo.h"
-#include "OssCoreModules/Interface/OssFileDialog.h"
-#include "OssCoreModules/Network/OssShaderNetwork.h"
-#include "OssCoreModules/Network/OssSnBakePointNode.h"
-#include "OssCoreModules/Network/OssSnGroupNode.h"
-#include "OssCoreModules/Network/OssSnMaterialNode.h"
-#include "OssCoreModules/Network/OssSnMultiChannelBakePointNode.h"
-#include "OssCoreModules/Network/OssSnMultiChannelBottomTransparencyNode.h"
-#include "OssCoreModules/Network/OssSnMultiChannelMergeNode.h"
+#include "OssInterface/Popups/OssFileDialog.h"
+#include "OssInterface/Popups/OssMessageBox.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Nodes/OssSnBakePointNode.h"
+#include "OssModel/Nodes/OssSnMaterialNode.h"
+#include "OssModel/Nodes/OssSnMultiChannelBakePointNode.h"
+#include "OssModel/Nodes/OssSnMultiChannelBottomTransparencyNode.h"
+#include "OssModel/Nodes/OssSnMultiChannelMergeNode.h"
 #include "OssShaderNetworkView.h"
 #include "OssShaderNetworkWidget.h"
 #include "ZelGL/ZelTextureToken.h"
@@ -206,9 +207,16 @@ void OssSnGroupNodeGraphViewContext::onExportAsGizmo(OssSnGroupNode *GroupNode)
                  "OssSnGroupNodeGraphViewContext::onExportAsGizmo GroupNode is NULL");
         return;
     }
-    GroupNode->exportAsGizmo(
-        OssFileDialog::getSaveFileName(tr("Export as Gizmo"), QStringLiteral("*.ong"),
-                                       OssResourceInfo::instance()->defaultGizmoPathKey()));
+    const QString title = tr("Export as Gizmo");
+    const OssResult written = GroupNode->exportAsGizmo(OssFileDialog::getSaveFileName(
+        title, QStringLiteral("*.ong"), OssResourceInfo::instance()->defaultGizmoPathKey()));
+    if (!written)
+        OssMessageBox::warning(nullptr, title, written.error());
+}
+
+void OssSnGroupNodeGraphViewContext::exportNode()
+{
+    onExportAsGizmo(qobject_cast<OssSnGroupNode *>(parentNode()));
 }
 
 // --- multi-channel groups

@@ -41,6 +41,7 @@ protected Q_SLOTS:
     void updatePortClusters();
     void setupPortClusters();
     void onExportAsGizmo(OssSnGroupNode *GroupNode);
+    void exportNode() override;
     void changeGroupNodeTabText(QString text);
     void updateMultiChannelNodeUI();
     void forceOpenGroupSubgraph();

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "OssCoreModules/Network/OssSnBaseContext.h"
-#include "OssCoreModules/Network/OssSnBaseNode.h"
-#include "OssNodeGraph/OssNgExtendedNode.h"
+#include "OssModel/Graph/OssSnBaseContext.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssNodeGraph/Items/OssNgExtendedNode.h"
 #include "OssSnNodeGraphViewContextManager.h"
 
 #include <QHash>
@@ -120,13 +120,13 @@ public Q_SLOTS:
 
     void resetPortListMode() { setPortListMode(OssNgExtendedNode::Expanded); }
 
-    QPointF nodePosition() const;
-    QSizeF nodeSize() const;
+    QPointF nodePosition() const override;
+    QSizeF nodeSize() const override;
     void gotoNode();
-    void setNodePosition(QPointF position);
-    void setNodePositionUndo(QPointF position);
+    void setNodePosition(QPointF position) override;
+    void setNodePositionUndo(QPointF position) override;
     void setNodeSize(QSizeF size);
-    void setNodeSizeUndo(QSizeF size);
+    void setNodeSizeUndo(QSizeF size) override;
     virtual void setText(QString text);
 
 Q_SIGNALS:
@@ -193,7 +193,7 @@ protected Q_SLOTS:
     void onNodeSyncedUnderneathNode(OssSnBaseNode *ReferenceNode,
                                     bool IgnoreContainerOfPreviousNode);
     void onUniformariseContainers(QList<OssSnBaseNode *> LayerListNode);
-    void placeNode();
+    void placeNode() override;
 
 protected:
     /// Gives the context its item and shows what every kind of node has.

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "OssCore/OssSerializableObject.h"
-#include "OssCoreModules/Network/OssShaderNetworkManager.h"
+#include "OssModel/Graph/OssShaderNetworkManager.h"
 
 #include <QGraphicsScene>
 #include <QHash>

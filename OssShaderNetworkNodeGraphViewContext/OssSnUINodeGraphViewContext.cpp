@@ -2,10 +2,10 @@
 
 #include "OssCore/OssColor.h"
 #include "OssCore/OssDebug.h"
-#include "OssCoreModules/Network/OssShaderNetwork.h"
-#include "OssNodeGraph/OssNgBackdropNode.h"
-#include "OssNodeGraph/OssNgDotNode.h"
-#include "OssNodeGraph/OssNgUINode.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssNodeGraph/Items/OssNgBackdropNode.h"
+#include "OssNodeGraph/Items/OssNgDotNode.h"
+#include "OssNodeGraph/Items/OssNgUINode.h"
 #include "OssShaderNetworkView.h"
 #include "ZelGL/ZelTextureToken.h"
 

@@ -35,24 +35,26 @@ else()
     target_link_options(ossa_build_flags INTERFACE LINKER:--no-undefined)
 endif()
 
-function(ossa_precompile target)
+# HEADER: ossa_pch.h, or ossa_pch_model.h for what links no widgets.
+function(ossa_precompile target header)
     if(OSSA_PRECOMPILED_HEADERS)
-        target_precompile_headers(${target} PRIVATE ${PROJECT_SOURCE_DIR}/cmake/ossa_pch.h)
+        target_precompile_headers(${target} PRIVATE ${PROJECT_SOURCE_DIR}/cmake/${header})
     endif()
 endfunction()
 
 # Shared host library NAME, exported symbols marked <NAME>_EXPORT in upper case. Headers are
-# included as "NAME/Header.h". Only what stands after USES can be included or linked.
+# included as "NAME/Header.h". Only what stands after USES can be included or linked. PRECOMPILED:
+# the header that all its sources share.
 function(ossa_add_library name)
-    cmake_parse_arguments(arg "NO_WIDGETS" "" "SOURCES;USES;PRIVATE" ${ARGN})
+    cmake_parse_arguments(arg "" "PRECOMPILED" "SOURCES;USES;PRIVATE" ${ARGN})
     add_library(${name} SHARED ${arg_SOURCES})
     generate_export_header(${name}
         EXPORT_FILE_NAME ${PROJECT_BINARY_DIR}/export/${name}/${name}_export.h)
     target_include_directories(${name} PUBLIC
         ${PROJECT_SOURCE_DIR}/host ${PROJECT_BINARY_DIR}/export)
     target_link_libraries(${name} PUBLIC ${arg_USES} PRIVATE ossa_build_flags ${arg_PRIVATE})
-    if(NOT arg_NO_WIDGETS)
-        ossa_precompile(${name})
+    if(arg_PRECOMPILED)
+        ossa_precompile(${name} ${arg_PRECOMPILED})
     endif()
 endfunction()
 
@@ -63,19 +65,25 @@ function(ossa_add_plugin name)
     add_library(${name}_code OBJECT ${arg_SOURCES})
     target_include_directories(${name}_code PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
     target_link_libraries(${name}_code PUBLIC ${arg_USES} PRIVATE ossa_build_flags)
-    ossa_precompile(${name}_code)
+    ossa_precompile(${name}_code ossa_pch.h)
     add_library(${name} MODULE $<TARGET_OBJECTS:${name}_code>)
     target_link_libraries(${name} PRIVATE ${arg_USES} ossa_build_flags)
     set_target_properties(${name} PROPERTIES
         PREFIX "" AUTOMOC OFF LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/plugins)
 endfunction()
 
+# Tests of what links no widgets say so: their main() makes no QApplication.
 function(ossa_add_test name)
-    cmake_parse_arguments(arg "" "" "SOURCES;LINK" ${ARGN})
+    cmake_parse_arguments(arg "NO_WIDGETS" "" "SOURCES;LINK" ${ARGN})
     add_executable(${name} ${arg_SOURCES})
     target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
     target_link_libraries(${name} PRIVATE ossa_build_flags Qt5::Test GTest::gtest ${arg_LINK})
-    ossa_precompile(${name})
+    if(arg_NO_WIDGETS)
+        target_compile_definitions(${name} PRIVATE OSSA_NO_WIDGETS)
+        ossa_precompile(${name} ossa_pch_model.h)
+    else()
+        ossa_precompile(${name} ossa_pch.h)
+    endif()
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES ENVIRONMENT
         "QT_QPA_PLATFORM=offscreen;OSSA_ROOT=${PROJECT_SOURCE_DIR};OSSA_BUILD=${PROJECT_BINARY_DIR}")

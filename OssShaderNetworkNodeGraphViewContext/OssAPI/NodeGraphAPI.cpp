@@ -1,8 +1,8 @@
 #include "OssAPI/NodeGraphAPI.h"
 
 #include "OssAPI/NodeGraphPalette.h"
-#include "OssCoreModules/Script/OssScriptManager.h"
-#include "OssCoreModules/Script/OssScriptTypes.h"
+#include "OssScriptObjects/OssScriptManager.h"
+#include "OssScriptObjects/OssScriptTypes.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "OssAPI/NodeGraphView.h"
-#include "OssCoreModules/Script/OssaPalette.h"
+#include "OssScriptObjects/OssaPalette.h"
 
 #include <QList>
 

@@ -1,9 +1,9 @@
 #include "OssAPI/NodeGraphView.h"
 
-#include "OssCoreModules/Network/OssShaderNetwork.h"
-#include "OssCoreModules/Script/OssaNodeGraph.h"
-#include "OssCoreModules/Script/OssScriptError.h"
-#include "OssCoreModules/Script/OssScriptManager.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssScriptObjects/OssaNodeGraph.h"
+#include "OssScriptObjects/OssScriptError.h"
+#include "OssScriptObjects/OssScriptManager.h"
 #include "OssShaderNetworkView.h"
 
 #include <cmath>

@@ -3,9 +3,9 @@
 // for the least that QGraphicsView needs for that picture.
 
 #include "LimitScene.h"
-#include "OssNodeGraph/OssNgEdge.h"
-#include "OssNodeGraph/OssNgSceneIndex.h"
-#include "OssNodeGraph/OssNgView.h"
+#include "OssNodeGraph/Index/OssNgSceneIndex.h"
+#include "OssNodeGraph/Items/OssNgEdge.h"
+#include "OssNodeGraph/View/OssNgView.h"
 #include "support/ExampleGraph.h"
 
 #include <QApplication>

@@ -1,9 +1,9 @@
 #include "builder/GraphWriter.h"
 
-#include "OssCoreModules/Network/OssShaderNetwork.h"
-#include "OssCoreModules/Network/OssSnBaseContext.h"
-#include "OssCoreModules/Network/OssSnGroupNode.h"
-#include "OssCoreModules/Network/OssSnNodeFactory.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssSnBaseContext.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Graph/OssSnNodeFactory.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,10 +1,10 @@
 #include "builder/Examples.h"
 #include "builder/GraphWriter.h"
-#include "OssCoreModules/Network/OssShaderNetwork.h"
-#include "OssCoreModules/Network/OssSnBaseNode.h"
-#include "OssCoreModules/Network/OssSnGroupNode.h"
-#include "OssCoreModules/Project/OssProject.h"
-#include "OssCoreModules/Project/OssShadingGroup.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShadingGroup.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Project/OssProject.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
 #include "builder/Examples.h"
 #include "builder/GraphWriter.h"
-#include "OssCoreModules/Network/OssShaderNetwork.h"
-#include "OssCoreModules/Network/OssSnBaseNode.h"
-#include "OssCoreModules/Project/OssProject.h"
-#include "OssCoreModules/Project/OssShadingGroup.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShadingGroup.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Project/OssProject.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
 #include "builder/Examples.h"
-#include "Ossa/HostStart.h"
-#include "Ossa/PluginLoader.h"
-#include "OssCoreModules/Interface/OssApplication.h"
-#include "OssCoreModules/Project/OssGeoEntity.h"
-#include "OssCoreModules/Project/OssProject.h"
-#include "OssCoreModules/Project/OssProjectManager.h"
+#include "Ossa/Plugins/PluginLoader.h"
+#include "Ossa/Start/HostStart.h"
+#include "OssInterface/Popups/OssApplication.h"
+#include "OssModel/Graph/OssGeoEntity.h"
+#include "OssModel/Project/OssProject.h"
+#include "OssModel/Project/OssProjectManager.h"
 
 #include <QApplication>
 #include <QDir>

@@ -6,12 +6,13 @@ OssStatusManager *OssStatusManager::instance()
     return &manager;
 }
 
-OssStatusManager::Work::Work(const QString &title)
+OssStatusManager::Work::Work(const QString &title, Kind kind)
 {
     OssStatusManager *status = instance();
     if (++status->m_depth > 1)
         return;
     status->m_title = title;
+    status->m_kind = kind;
     status->m_done = 0;
     status->m_total = 0;
     status->m_cancelled = false;
@@ -21,8 +22,17 @@ OssStatusManager::Work::Work(const QString &title)
 OssStatusManager::Work::~Work()
 {
     OssStatusManager *status = instance();
-    if (--status->m_depth == 0)
-        Q_EMIT status->endProcessing();
+    if (--status->m_depth > 0)
+        return;
+    status->m_kind = Beside;
+    Q_EMIT status->endProcessing();
+}
+
+void OssStatusManager::Work::setPart(const QString &part)
+{
+    OssStatusManager *status = instance();
+    if (status->m_depth == 1)
+        Q_EMIT status->partChanged(part);
 }
 
 void OssStatusManager::Work::setProgress(int done, int total)

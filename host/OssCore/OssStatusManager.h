@@ -13,21 +13,28 @@ class OSSCORE_EXPORT OssStatusManager : public QObject
 public:
     static OssStatusManager *instance();
 
+    /// Blocking: the user must not edit until the work ends; whoever shows it sees to that.
+    enum Kind { Beside, Blocking };
+
     /// Work of the scope. Works nest; the outermost one is what the user sees.
     class OSSCORE_EXPORT Work
     {
     public:
-        explicit Work(const QString &title);
+        explicit Work(const QString &title, Kind kind = Beside);
         Work(const Work &) = delete;
         Work &operator=(const Work &) = delete;
         ~Work();
 
+        /// Names what is being done just now.
+        void setPart(const QString &part);
         /// `done` of `total`; a total of 0 means that the end is not known.
         void setProgress(int done, int total);
         bool isCancelled() const;
     };
 
     bool inProgress() const { return m_depth > 0; }
+
+    bool isBlocking() const { return m_kind == Blocking; }
 
     QString title() const { return m_title; }
 
@@ -43,6 +50,7 @@ public:
 
 Q_SIGNALS:
     void beginProcessing(const QString &title);
+    void partChanged(const QString &part);
     void progressChanged(int done, int total);
     void endProcessing();
     void messageShown(const QString &message);
@@ -51,6 +59,7 @@ private:
     OssStatusManager() = default;
 
     QString m_title;
+    Kind m_kind = Beside;
     int m_depth = 0;
     int m_done = 0;
     int m_total = 0;

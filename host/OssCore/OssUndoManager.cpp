@@ -1,7 +1,6 @@
 #include "OssCore/OssUndoManager.h"
 
 #include <QElapsedTimer>
-#include <QUndoStack>
 
 #include <algorithm>
 #include <iterator>
@@ -9,12 +8,10 @@
 namespace {
 
 constexpr int MergeTime = 1000; // milliseconds
-constexpr int MergingSteps = 1;
 
 } // namespace
 
-// A macro is a step made of steps. It is built here, not with QUndoStack's own macros, because
-// those can neither be cancelled nor vanish when they stay empty.
+// A macro is a step made of steps.
 struct OssUndoManager::Macro final : OssUndoStep
 {
     Macro(const QString &title, QString key)
@@ -59,67 +56,13 @@ struct OssUndoManager::Macro final : OssUndoStep
     QElapsedTimer made;
 };
 
-class OssUndoManager::PushedStep final : public QUndoCommand
-{
-public:
-    explicit PushedStep(std::unique_ptr<OssUndoStep> step)
-        : QUndoCommand(step->text())
-        , m_step(std::move(step))
-    {
-    }
-
-    void undo() override
-    {
-        const Pause pause;
-        m_step->undo();
-    }
-
-    void redo() override
-    {
-        // Pushing redoes, but the change has been made already.
-        if (!m_pushed) {
-            m_pushed = true;
-            return;
-        }
-        const Pause pause;
-        m_step->redo();
-    }
-
-    const OssUndoStep &step() const { return *m_step; }
-
-    int id() const override
-    {
-        const auto *macro = dynamic_cast<const Macro *>(m_step.get());
-        return macro && !macro->mergeKey.isEmpty() ? MergingSteps : -1;
-    }
-
-    bool mergeWith(const QUndoCommand *other) override
-    {
-        auto *own = static_cast<Macro *>(m_step.get()); // the ids were equal
-        auto *later = static_cast<Macro *>(static_cast<const PushedStep *>(other)->m_step.get());
-        if (!own->isJoinedBy(*later))
-            return false;
-        own->join(*later);
-        return true;
-    }
-
-private:
-    std::unique_ptr<OssUndoStep> m_step;
-    bool m_pushed = false;
-};
-
 OssUndoManager *OssUndoManager::instance()
 {
     static OssUndoManager manager;
     return &manager;
 }
 
-OssUndoManager::OssUndoManager()
-    : m_stack(std::make_unique<QUndoStack>())
-{
-    connect(m_stack.get(), &QUndoStack::cleanChanged, this, &OssUndoManager::cleanChanged);
-    connect(m_stack.get(), &QUndoStack::indexChanged, this, &OssUndoManager::changed);
-}
+OssUndoManager::OssUndoManager() = default;
 
 OssUndoManager::~OssUndoManager() = default;
 
@@ -204,8 +147,36 @@ void OssUndoManager::store(std::unique_ptr<OssUndoStep> step)
         return;
     }
     const QString title = step->text();
-    m_stack->push(new PushedStep(std::move(step))); // owned by the stack
+    const bool wasClean = isClean();
+    m_steps.erase(m_steps.begin() + m_index, m_steps.end());
+    if (m_cleanIndex > m_index)
+        m_cleanIndex = -1;
+    if (!joinLast(*step)) {
+        m_steps.push_back(std::move(step));
+        ++m_index;
+    }
+    moved(wasClean);
     Q_EMIT recorded(title);
+}
+
+bool OssUndoManager::joinLast(OssUndoStep &step)
+{
+    // What is saved must stay a place between steps.
+    if (m_steps.empty() || m_index == m_cleanIndex)
+        return false;
+    auto *last = dynamic_cast<Macro *>(m_steps.back().get());
+    auto *later = dynamic_cast<Macro *>(&step);
+    if (!last || !later || !last->isJoinedBy(*later))
+        return false;
+    last->join(*later);
+    return true;
+}
+
+void OssUndoManager::moved(bool wasClean)
+{
+    Q_EMIT changed();
+    if (isClean() != wasClean)
+        Q_EMIT cleanChanged(isClean());
 }
 
 OssUndoManager::Macro &OssUndoManager::openMacro(const QString &title, const QString &mergeKey)
@@ -253,40 +224,40 @@ bool OssUndoManager::isMacroOpen() const
 
 bool OssUndoManager::canUndo() const
 {
-    return m_open.empty() && m_stack->canUndo();
+    return m_open.empty() && m_index > 0;
 }
 
 bool OssUndoManager::canRedo() const
 {
-    return m_open.empty() && m_stack->canRedo();
+    return m_open.empty() && m_index < count();
 }
 
 QString OssUndoManager::undoText() const
 {
-    return m_stack->undoText();
+    return text(m_index - 1);
 }
 
 QString OssUndoManager::redoText() const
 {
-    return m_stack->redoText();
+    return text(m_index);
 }
 
 int OssUndoManager::count() const
 {
-    return m_stack->count();
+    return int(m_steps.size());
 }
 
 QString OssUndoManager::text(int index) const
 {
-    return m_stack->text(index);
+    return index >= 0 && index < count() ? m_steps[std::size_t(index)]->text() : QString();
 }
 
 QStringList OssUndoManager::partTexts(int index) const
 {
     QStringList texts;
-    const auto *pushed = dynamic_cast<const PushedStep *>(m_stack->command(index));
-    const auto *macro = pushed ? dynamic_cast<const Macro *>(&pushed->step()) : nullptr;
-    if (macro) {
+    if (index < 0 || index >= count())
+        return texts;
+    if (const auto *macro = dynamic_cast<const Macro *>(m_steps[std::size_t(index)].get())) {
         for (const auto &step : macro->steps) {
             if (!step->text().isEmpty())
                 texts.append(step->text());
@@ -297,37 +268,52 @@ QStringList OssUndoManager::partTexts(int index) const
 
 void OssUndoManager::clear()
 {
-    const Pause pause;
-    for (const auto &macro : m_open)
-        macro->steps.clear();
-    m_stack->clear();
+    const bool wasClean = isClean();
+    {
+        const Pause pause;
+        for (const auto &macro : m_open)
+            macro->steps.clear();
+        m_index = 0;
+        m_cleanIndex = 0;
+        // The latest first: a step may hold what an earlier one made.
+        while (!m_steps.empty())
+            m_steps.pop_back();
+    }
+    moved(wasClean);
 }
 
 bool OssUndoManager::isClean() const
 {
-    return m_stack->isClean();
+    return m_index == m_cleanIndex;
 }
 
 void OssUndoManager::setClean()
 {
-    m_stack->setClean();
+    const bool wasClean = isClean();
+    m_cleanIndex = m_index;
+    if (!wasClean)
+        Q_EMIT cleanChanged(true);
 }
 
 void OssUndoManager::resetClean()
 {
-    m_stack->resetClean();
-}
-
-QUndoStack *OssUndoManager::stack() const
-{
-    return m_stack.get();
+    const bool wasClean = isClean();
+    m_cleanIndex = -1;
+    if (wasClean)
+        Q_EMIT cleanChanged(false);
 }
 
 void OssUndoManager::undo()
 {
     if (!canUndo())
         return;
-    m_stack->undo();
+    const bool wasClean = isClean();
+    {
+        const Pause pause;
+        m_steps[std::size_t(m_index - 1)]->undo();
+        --m_index;
+    }
+    moved(wasClean);
     Q_EMIT undone();
 }
 
@@ -335,6 +321,21 @@ void OssUndoManager::redo()
 {
     if (!canRedo())
         return;
-    m_stack->redo();
+    const bool wasClean = isClean();
+    {
+        const Pause pause;
+        m_steps[std::size_t(m_index)]->redo();
+        ++m_index;
+    }
+    moved(wasClean);
     Q_EMIT redone();
+}
+
+void OssUndoManager::setIndex(int index)
+{
+    const int wanted = std::clamp(index, 0, count());
+    while (m_index > wanted && canUndo())
+        undo();
+    while (m_index < wanted && canRedo())
+        redo();
 }

@@ -9,9 +9,7 @@
 #include <memory>
 #include <vector>
 
-class QUndoStack;
-
-/// The history of the open document, on Qt's undo stack. GUI thread.
+/// The history of the open document. GUI thread.
 ///
 /// A change is made first and recorded afterwards, so adding a step applies nothing. Steps that
 /// are added while a macro is open join the innermost one; a macro in which nothing was recorded
@@ -90,6 +88,10 @@ public:
     QString undoText() const;
     QString redoText() const;
     int count() const;
+
+    /// Steps that are done; those from here on were undone.
+    int index() const { return m_index; }
+
     /// Title of a step and of the titled macros directly inside it.
     QString text(int index) const;
     QStringList partTexts(int index) const;
@@ -102,16 +104,15 @@ public:
     /// The document differs from what is saved, and no undoing or redoing leads there.
     void resetClean();
 
-    /// For views of the history; nobody pushes to it.
-    QUndoStack *stack() const;
-
 public Q_SLOTS:
     void undo();
     void redo();
+    /// Undoes or redoes until that many steps are done.
+    void setIndex(int index);
 
 Q_SIGNALS:
     void cleanChanged(bool clean);
-    /// After every recorded, undone or redone step.
+    /// After every recorded, undone, redone or forgotten step.
     void changed();
     /// The same, each by itself.
     void recorded(const QString &title);
@@ -120,15 +121,19 @@ Q_SIGNALS:
 
 private:
     struct Macro;
-    class PushedStep;
 
     OssUndoManager();
     Macro &openMacro(const QString &title, const QString &mergeKey);
     void closeMacro();
     void cancelMacros(std::size_t level);
     void store(std::unique_ptr<OssUndoStep> step);
+    bool joinLast(OssUndoStep &step);
+    /// Whatever changes the number of done steps or the saved one ends here.
+    void moved(bool wasClean);
 
-    std::unique_ptr<QUndoStack> m_stack;
+    std::vector<std::unique_ptr<OssUndoStep>> m_steps;
+    int m_index = 0;
+    int m_cleanIndex = 0; ///< -1: no undoing or redoing leads to what is saved
     std::vector<std::unique_ptr<Macro>> m_open;
     int m_pauses = 0;
 };

@@ -1,14 +1,14 @@
 #include "OssScripting/OssPyModule.h"
 
-#include "OssCoreModules/Script/OssaApplication.h"
-#include "OssCoreModules/Script/OssScriptManager.h"
-#include "OssCoreModules/Script/OssScriptObjects.h"
-#include "OssCoreModules/Script/OssScriptTypes.h"
 #include "OssScripting/OssPyValue.h"
 #include "OssScripting/OssScriptCall.h"
 #include "OssScripting/OssScriptClass.h"
 #include "OssScripting/OssScriptSlot.h"
 #include "OssScripting/OssScriptThread.h"
+#include "OssScriptObjects/OssaApplication.h"
+#include "OssScriptObjects/OssScriptManager.h"
+#include "OssScriptObjects/OssScriptObjects.h"
+#include "OssScriptObjects/OssScriptTypes.h"
 
 #include <QCoreApplication>
 #include <QMetaEnum>

@@ -1,8 +1,8 @@
 #include "OssScripting/OssPyValue.h"
 
 #include "OssCore/OssColor.h"
-#include "OssCoreModules/Script/OssScriptTypes.h"
 #include "OssScripting/OssScriptHandle.h"
+#include "OssScriptObjects/OssScriptTypes.h"
 
 #include <QPointF>
 #include <QString>

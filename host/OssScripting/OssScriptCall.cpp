@@ -2,8 +2,8 @@
 
 #include "OssCore/OssColor.h"
 #include "OssCore/OssUserEnum.h"
-#include "OssCoreModules/Script/OssScriptManager.h"
 #include "OssScripting/OssScriptHandle.h"
+#include "OssScriptObjects/OssScriptManager.h"
 
 #include <QMetaMethod>
 #include <QMetaProperty>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCoreModules/Script/OssScriptException.h"
+#include "OssScriptObjects/OssScriptException.h"
 
 #include <QByteArray>
 #include <QVariant>

@@ -1,9 +1,9 @@
 #include "OssScripting/OssScriptCall.h"
 
 #include "OssCore/OssColor.h"
-#include "OssCoreModules/Script/OssaAPI.h"
-#include "OssCoreModules/Script/OssScriptTypes.h"
 #include "OssScripting/OssScriptHandle.h"
+#include "OssScriptObjects/OssaAPI.h"
+#include "OssScriptObjects/OssScriptTypes.h"
 
 #include <QMetaMethod>
 #include <QPointF>

@@ -1,9 +1,9 @@
 #include "OssScripting/OssScriptClass.h"
 
-#include "OssCoreModules/Script/OssaAPI.h"
-#include "OssCoreModules/Script/OssScriptManager.h"
-#include "OssCoreModules/Script/OssScriptTypes.h"
 #include "OssScripting/OssScriptCall.h"
+#include "OssScriptObjects/OssaAPI.h"
+#include "OssScriptObjects/OssScriptManager.h"
+#include "OssScriptObjects/OssScriptTypes.h"
 
 #include <QMetaClassInfo>
 #include <QMetaMethod>

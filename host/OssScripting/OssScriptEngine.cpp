@@ -3,9 +3,9 @@
 #include "OssCore/OssDebug.h"
 #include "OssCore/OssStatusManager.h"
 #include "OssCore/OssUndoManager.h"
-#include "OssCoreModules/Interface/OssApplication.h"
-#include "OssCoreModules/Script/OssScriptManager.h"
+#include "OssInterface/Popups/OssApplication.h"
 #include "OssScripting/OssScriptThread.h"
+#include "OssScriptObjects/OssScriptManager.h"
 
 #include <QEvent>
 #include <QGuiApplication>

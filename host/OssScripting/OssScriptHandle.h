@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCoreModules/Script/OssaAPI.h"
+#include "OssScriptObjects/OssaAPI.h"
 
 #include <QMetaType>
 #include <QPointer>

@@ -1,6 +1,6 @@
-#include "OssCoreModules/Script/OssScriptException.h"
 #include "OssScripting/OssScriptClass.h"
 #include "OssScripting/OssScriptEngine.h"
+#include "OssScriptObjects/OssScriptException.h"
 
 #include <QMetaEnum>
 

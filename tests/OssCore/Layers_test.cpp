@@ -2,69 +2,134 @@
 
 #include <QDirIterator>
 #include <QFile>
-#include <QMap>
 #include <QRegularExpression>
+#include <QVector>
 
 namespace {
 
-// Which layers the sources of a folder may include, besides their own.
-const QMap<QString, QStringList> &allowed()
+struct Layer
 {
-    static const QMap<QString, QStringList> table{
+    QString folder;
+    QStringList uses;    ///< layers that its sources may include, besides their own
+    QStringList rooms{}; ///< its sub-folders from the ground up: none includes one that follows it
+};
+
+const QVector<Layer> &layers()
+{
+    const auto list = [](const char *names) {
+        return QString::fromLatin1(names).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    };
+    static const QVector<Layer> table{
         {QStringLiteral("host/ZelGL"), {}},
         {QStringLiteral("host/OssCore"), {}},
         {QStringLiteral("host/OssEvaluation"), {}},
-        {QStringLiteral("host/OssNodeGraph"), {QStringLiteral("OssCore")}},
-        {QStringLiteral("host/OssCoreModules"),
-         {QStringLiteral("OssCore"), QStringLiteral("OssEvaluation")}},
+        {QStringLiteral("host/OssNodeGraph"), list("OssCore")},
+        {QStringLiteral("host/OssModel"), list("OssCore OssEvaluation"),
+         list("Types Images Objects Graph Nodes Layers Evaluation Project")},
+        {QStringLiteral("host/OssInterface"), list("OssCore OssEvaluation OssModel"),
+         list("Actions Palettes Popups Widgets Properties Dialogs DragAndDrop")},
+        {QStringLiteral("host/OssScriptObjects"), list("OssCore OssModel OssInterface")},
         {QStringLiteral("host/OssScripting"),
-         {QStringLiteral("OssCore"), QStringLiteral("OssCoreModules")}},
+         list("OssCore OssModel OssInterface OssScriptObjects")},
         {QStringLiteral("OssShaderNetworkNodeGraphViewContext"),
-         {QStringLiteral("OssCore"), QStringLiteral("OssCoreModules"),
-          QStringLiteral("OssNodeGraph"), QStringLiteral("ZelGL")}},
+         list("OssCore OssModel OssInterface OssScriptObjects OssNodeGraph ZelGL")},
         {QStringLiteral("host/Ossa"),
-         {QStringLiteral("OssCore"), QStringLiteral("OssCoreModules"),
-          QStringLiteral("OssNodeGraph"), QStringLiteral("OssEvaluation"),
-          QStringLiteral("OssScripting"), QStringLiteral("ZelGL")}},
+         list("OssCore OssEvaluation OssModel OssInterface OssScriptObjects OssScripting "
+              "OssNodeGraph ZelGL"),
+         list("Common Plugins Headless Pictures Dialogs Commands Viewer Scripting Palettes Window "
+              "Start")},
     };
     return table;
 }
 
-TEST(Layers, everyIncludeStaysWithinWhatTheLayerMayUse)
+/// Of "A/B/c.h" in includes of ours: the layer and, where there is one, the room.
+struct Include
 {
-    const QString root = qEnvironmentVariable("OSSA_ROOT");
-    ASSERT_FALSE(root.isEmpty()) << "OSSA_ROOT names the source tree";
-    // A folder inside the plug-in is included by its own name.
-    const QRegularExpression include(QStringLiteral("^\\s*#include \"(?!OssAPI/)(\\w+)/"),
-                                     QRegularExpression::MultilineOption);
+    QString layer;
+    QString room;
+};
+
+QVector<Include> includesOf(const QString &path)
+{
+    static const QRegularExpression line(
+        QStringLiteral("^\\s*#include \"((?:Oss|Zel)\\w*)/(?:(\\w+)/)?\\w+\\.h\""),
+        QRegularExpression::MultilineOption);
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(path);
+    QVector<Include> found;
+    auto matches = line.globalMatch(QString::fromUtf8(file.readAll()));
+    while (matches.hasNext()) {
+        const QRegularExpressionMatch match = matches.next();
+        // A folder inside the plug-in is included by its own name.
+        if (match.captured(1) != QLatin1String("OssAPI"))
+            found.append({match.captured(1), match.captured(2)});
+    }
+    return found;
+}
+
+QString rootFolder()
+{
+    return qEnvironmentVariable("OSSA_ROOT") + QLatin1Char('/');
+}
+
+TEST(Layers, everyIncludeStaysWithinWhatTheLayerAndTheRoomMayUse)
+{
+    ASSERT_FALSE(qEnvironmentVariableIsEmpty("OSSA_ROOT")) << "OSSA_ROOT names the source tree";
     int files = 0;
-    for (auto layer = allowed().cbegin(); layer != allowed().cend(); ++layer) {
-        const QString own = layer.key().section(QLatin1Char('/'), -1);
-        QDirIterator sources(root + QLatin1Char('/') + layer.key(),
-                             {QStringLiteral("*.h"), QStringLiteral("*.cpp")}, QDir::Files,
+    for (const Layer &layer : layers()) {
+        const QString own = layer.folder.section(QLatin1Char('/'), -1);
+        const QString folder = rootFolder() + layer.folder + QLatin1Char('/');
+        QDirIterator sources(folder, {QStringLiteral("*.h"), QStringLiteral("*.cpp")}, QDir::Files,
                              QDirIterator::Subdirectories);
         while (sources.hasNext()) {
-            QFile file(sources.next());
-            ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+            const QString path = sources.next();
             ++files;
-            auto matches = include.globalMatch(QString::fromUtf8(file.readAll()));
-            while (matches.hasNext()) {
-                const QString used = matches.next().captured(1);
-                const bool ours = used.startsWith(QLatin1String("Oss"))
-                                  || used.startsWith(QLatin1String("Zel"));
-                EXPECT_TRUE(!ours || used == own || layer->contains(used))
-                    << qPrintable(file.fileName()) << " includes " << qPrintable(used);
+            const QString inside = path.mid(folder.size());
+            const QString room = inside.contains(QLatin1Char('/'))
+                                     ? inside.section(QLatin1Char('/'), 0, 0)
+                                     : QString();
+            const int floor = layer.rooms.indexOf(room);
+            EXPECT_TRUE(layer.rooms.isEmpty() || room.isEmpty() || floor >= 0)
+                << qPrintable(path) << " stands in a room that is not in the table";
+            for (const Include &used : includesOf(path)) {
+                EXPECT_TRUE(used.layer == own || layer.uses.contains(used.layer))
+                    << qPrintable(path) << " includes " << qPrintable(used.layer);
+                if (used.layer != own || floor < 0)
+                    continue;
+                EXPECT_LE(layer.rooms.indexOf(used.room), floor)
+                    << qPrintable(path) << " includes " << qPrintable(used.room);
             }
         }
     }
     EXPECT_GT(files, 100);
 }
 
+// Commands without a window, and their tests, link no widgets.
+TEST(Layers, theModelKnowsNoWidgets)
+{
+    static const QRegularExpression widget(
+        QStringLiteral(
+            "^\\s*#include <(?:QtWidgets|Q(?:Widget|Application|Action|Dialog|MessageBox|"
+            "Menu|Label|Graphics\\w+|Undo\\w+|\\w*View|Layout))>"),
+        QRegularExpression::MultilineOption);
+    for (const char *layer : {"host/OssCore", "host/OssModel", "host/OssEvaluation"}) {
+        QDirIterator sources(rootFolder() + QString::fromLatin1(layer),
+                             {QStringLiteral("*.h"), QStringLiteral("*.cpp")}, QDir::Files,
+                             QDirIterator::Subdirectories);
+        EXPECT_TRUE(sources.hasNext()) << layer;
+        while (sources.hasNext()) {
+            QFile file(sources.next());
+            ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+            EXPECT_FALSE(widget.match(QString::fromUtf8(file.readAll())).hasMatch())
+                << qPrintable(file.fileName());
+        }
+    }
+}
+
 // The thread sanitizer can see standard locks, not Qt's.
 TEST(Layers, pixelsAreComputedWithoutQt)
 {
-    const QString folder = qEnvironmentVariable("OSSA_ROOT")
-                           + QStringLiteral("/host/OssEvaluation");
+    const QString folder = rootFolder() + QStringLiteral("host/OssEvaluation");
     const QRegularExpression include(QStringLiteral("^\\s*#include [<\"]Q"),
                                      QRegularExpression::MultilineOption);
     QDirIterator sources(folder, {QStringLiteral("*.h"), QStringLiteral("*.cpp")}, QDir::Files,

@@ -10,6 +10,7 @@
 
 #include <QBuffer>
 #include <QPointF>
+#include <QRectF>
 
 namespace {
 

@@ -1,6 +1,6 @@
-#include "OssNodeGraph/OssNgBackdropNode.h"
+#include "OssNodeGraph/Items/OssNgBackdropNode.h"
 
-#include "OssNodeGraph/OssNgBackdropNodeRectChangeUndo.h"
+#include "OssNodeGraph/Undo/OssNgBackdropNodeRectChangeUndo.h"
 #include "support/ExampleGraph.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
-#include "OssNodeGraph/OssNgSceneIndex.h"
+#include "OssNodeGraph/Index/OssNgSceneIndex.h"
 
-#include "OssNodeGraph/OssNgEdge.h"
+#include "OssNodeGraph/Items/OssNgEdge.h"
 #include "support/ExampleGraph.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "OssNodeGraph/OssNgStyle.h"
+#include "OssNodeGraph/Drawing/OssNgStyle.h"
 
 #include <gtest/gtest.h>
 

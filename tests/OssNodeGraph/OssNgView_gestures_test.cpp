@@ -1,8 +1,8 @@
 #include "OssCore/OssUndoManager.h"
-#include "OssNodeGraph/OssNgBackdropNode.h"
-#include "OssNodeGraph/OssNgEdge.h"
-#include "OssNodeGraph/OssNgShakeDetector.h"
-#include "OssNodeGraph/OssNgStyle.h"
+#include "OssNodeGraph/Drawing/OssNgStyle.h"
+#include "OssNodeGraph/Gestures/OssNgShakeDetector.h"
+#include "OssNodeGraph/Items/OssNgBackdropNode.h"
+#include "OssNodeGraph/Items/OssNgEdge.h"
 #include "ViewFixture.h"
 
 #include <QSignalSpy>

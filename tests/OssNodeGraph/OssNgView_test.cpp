@@ -1,11 +1,11 @@
-#include "OssNodeGraph/OssNgView.h"
+#include "OssNodeGraph/View/OssNgView.h"
 
 #include "OssCore/OssUndoManager.h"
-#include "OssNodeGraph/OssNgBackdropNode.h"
-#include "OssNodeGraph/OssNgEdge.h"
-#include "OssNodeGraph/OssNgRenderer.h"
-#include "OssNodeGraph/OssNgSceneIndex.h"
-#include "OssNodeGraph/OssNgStyle.h"
+#include "OssNodeGraph/Drawing/OssNgStyle.h"
+#include "OssNodeGraph/Index/OssNgSceneIndex.h"
+#include "OssNodeGraph/Items/OssNgBackdropNode.h"
+#include "OssNodeGraph/Items/OssNgEdge.h"
+#include "OssNodeGraph/View/OssNgRenderer.h"
 #include "ViewFixture.h"
 
 #include <QAccessible>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "OssNodeGraph/OssNgEdge.h"
-#include "OssNodeGraph/OssNgView.h"
+#include "OssNodeGraph/Items/OssNgEdge.h"
+#include "OssNodeGraph/View/OssNgView.h"
 #include "support/ExampleGraph.h"
 
 #include <gtest/gtest.h>

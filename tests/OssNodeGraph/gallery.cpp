@@ -1,5 +1,5 @@
-#include "OssNodeGraph/OssNgRenderer.h"
-#include "OssNodeGraph/OssNgView.h"
+#include "OssNodeGraph/View/OssNgRenderer.h"
+#include "OssNodeGraph/View/OssNgView.h"
 #include "support/ExampleGraph.h"
 
 #include <QApplication>

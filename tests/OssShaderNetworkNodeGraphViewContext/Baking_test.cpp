@@ -1,11 +1,11 @@
 #include "GraphFixture.h"
-#include "OssCoreModules/Images/OssGeoImageSet.h"
-#include "OssCoreModules/Images/OssImageSet.h"
-#include "OssCoreModules/Interface/OssApplication.h"
-#include "OssCoreModules/Layers/OssLayerShaderModelManager.h"
-#include "OssCoreModules/Network/OssShaderNetworkUtils.h"
-#include "OssCoreModules/Network/OssSnBakePointNode.h"
-#include "OssCoreModules/Project/OssShadingContext.h"
+#include "OssInterface/Popups/OssApplication.h"
+#include "OssModel/Graph/OssGeoImageSet.h"
+#include "OssModel/Graph/OssShaderNetworkUtils.h"
+#include "OssModel/Nodes/OssLayerShaderModelManager.h"
+#include "OssModel/Nodes/OssSnBakePointNode.h"
+#include "OssModel/Objects/OssImageSet.h"
+#include "OssModel/Objects/OssShadingContext.h"
 
 #include <QDir>
 #include <QImage>

@@ -1,8 +1,8 @@
 #include "GraphFixture.h"
-#include "OssCoreModules/Interface/OssApplication.h"
-#include "OssCoreModules/Layers/OssLayerManager.h"
-#include "OssCoreModules/Layers/OssLayerShaderManager.h"
-#include "OssCoreModules/Network/OssShaderNetworkUtils.h"
+#include "OssInterface/Popups/OssApplication.h"
+#include "OssModel/Graph/OssShaderNetworkUtils.h"
+#include "OssModel/Layers/OssLayerManager.h"
+#include "OssModel/Layers/OssLayerShaderManager.h"
 
 #include <QAction>
 #include <QApplication>

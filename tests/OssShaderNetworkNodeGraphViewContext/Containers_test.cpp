@@ -1,7 +1,7 @@
-#include "ContainerPlacement.h"
 #include "GraphFixture.h"
-#include "GroupPortPlacement.h"
-#include "OssNodeGraph/OssNgBackdropNode.h"
+#include "Layout/ContainerPlacement.h"
+#include "Layout/GroupPortPlacement.h"
+#include "OssNodeGraph/Items/OssNgBackdropNode.h"
 
 namespace {
 

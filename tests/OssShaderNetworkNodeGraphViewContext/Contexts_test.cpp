@@ -1,9 +1,9 @@
 #include "GraphFixture.h"
+#include "Manager/OssSnNodeGraphViewContextLoader.h"
 #include "OssCore/OssClassFactoryManager.h"
-#include "OssNodeGraph/OssNgBackdropNode.h"
-#include "OssNodeGraph/OssNgDotNode.h"
+#include "OssNodeGraph/Items/OssNgBackdropNode.h"
+#include "OssNodeGraph/Items/OssNgDotNode.h"
 #include "OssSnGroupNodeGraphViewContext.h"
-#include "OssSnNodeGraphViewContextLoader.h"
 #include "OssSnUINodeGraphViewContext.h"
 
 #include <QSignalSpy>

@@ -1,7 +1,7 @@
 #include "GraphFixture.h"
-#include "OssCoreModules/Interface/OssActionTreeManager.h"
-#include "OssCoreModules/Interface/OssApplication.h"
-#include "OssCoreModules/Network/OssShaderNetworkIO.h"
+#include "OssInterface/Actions/OssActionTreeManager.h"
+#include "OssInterface/Popups/OssApplication.h"
+#include "OssModel/Graph/OssShaderNetworkIO.h"
 #include "PluginUnderTest.h"
 
 #include <QAction>

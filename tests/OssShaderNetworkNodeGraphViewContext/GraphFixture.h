@@ -1,7 +1,7 @@
 #pragma once
 
-#include "OssNodeGraph/OssNgEdge.h"
-#include "OssNodeGraph/OssNgNode.h"
+#include "OssNodeGraph/Items/OssNgEdge.h"
+#include "OssNodeGraph/Items/OssNgNode.h"
 #include "OssShaderNetworkView.h"
 #include "OssShaderNetworkWidget.h"
 #include "OssSnNodeGraphViewContext.h"

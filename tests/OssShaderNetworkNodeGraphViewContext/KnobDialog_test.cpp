@@ -1,6 +1,6 @@
 #include "GraphFixture.h"
-#include "OssCoreModules/Network/OssLinkedCustomAttributeManager.h"
 #include "OssGroupNodeKnobWidget.h"
+#include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
 
 #include <QApplication>
 #include <QDialogButtonBox>

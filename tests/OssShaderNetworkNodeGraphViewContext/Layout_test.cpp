@@ -1,7 +1,7 @@
-#include "ColumnLayout.h"
 #include "GraphFixture.h"
-#include "OssCoreModules/Network/OssSnGroupNode.h"
-#include "OssNodeGraph/OssNgBackdropNode.h"
+#include "Layout/ColumnLayout.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssNodeGraph/Items/OssNgBackdropNode.h"
 
 #include <random>
 

@@ -1,10 +1,10 @@
 #include "GraphFixture.h"
 #include "OssCore/OssPreferenceManager.h"
 #include "OssCore/OssSettings.h"
-#include "OssCoreModules/Images/OssChannel.h"
-#include "OssCoreModules/Images/OssImageSet.h"
-#include "OssCoreModules/Interface/OssActionTreeManager.h"
-#include "OssCoreModules/Network/OssSnChannelInputNode.h"
+#include "OssInterface/Actions/OssActionTreeManager.h"
+#include "OssModel/Nodes/OssSnChannelInputNode.h"
+#include "OssModel/Objects/OssChannel.h"
+#include "OssModel/Objects/OssImageSet.h"
 
 #include <QAction>
 #include <QPointer>

@@ -1,6 +1,6 @@
 #include "GraphFixture.h"
-#include "NodePlacement.h"
-#include "OssNodeGraph/OssNgBackdropNode.h"
+#include "Layout/NodePlacement.h"
+#include "OssNodeGraph/Items/OssNgBackdropNode.h"
 
 namespace {
 

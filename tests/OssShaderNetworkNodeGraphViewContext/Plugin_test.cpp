@@ -1,7 +1,7 @@
 #include "GraphFixture.h"
-#include "OssCoreModules/Dialogs/OssNodeTypeListModel.h"
-#include "OssCoreModules/Interface/OssActionTreeManager.h"
-#include "OssCoreModules/Network/OssSnNodeType.h"
+#include "OssInterface/Actions/OssActionTreeManager.h"
+#include "OssInterface/Dialogs/OssNodeTypeListModel.h"
+#include "OssModel/Types/OssSnNodeType.h"
 #include "PluginUnderTest.h"
 
 #include <QAction>

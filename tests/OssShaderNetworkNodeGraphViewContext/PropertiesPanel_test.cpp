@@ -1,11 +1,11 @@
 #include "GraphFixture.h"
 #include "OssCore/OssSettings.h"
 #include "OssCore/OssStatusManager.h"
-#include "OssCoreModules/Interface/OssExpandableListHeading.h"
-#include "OssCoreModules/Interface/OssExpandableListWidget.h"
-#include "OssCoreModules/Interface/OssMiniButton.h"
-#include "OssCoreModules/Interface/OssPaletteManager.h"
-#include "OssCoreModules/Properties/OssNodePropertyPanel.h"
+#include "OssInterface/Palettes/OssPaletteManager.h"
+#include "OssInterface/Properties/OssNodePropertyPanel.h"
+#include "OssInterface/Widgets/OssExpandableListHeading.h"
+#include "OssInterface/Widgets/OssExpandableListWidget.h"
+#include "OssInterface/Widgets/OssMiniButton.h"
 
 #include <QAction>
 #include <QApplication>

@@ -1,7 +1,7 @@
 #include "GraphFixture.h"
-#include "OssCoreModules/Interface/OssApplication.h"
-#include "OssCoreModules/Network/OssShaderNetworkIO.h"
-#include "OssNodeGraph/OssNgBackdropNode.h"
+#include "OssInterface/Popups/OssApplication.h"
+#include "OssModel/Graph/OssShaderNetworkIO.h"
+#include "OssNodeGraph/Items/OssNgBackdropNode.h"
 
 #include <QRandomGenerator>
 #include <QTemporaryDir>

@@ -1,5 +1,5 @@
 #include "GraphFixture.h"
-#include "OssCoreModules/Network/OssSnNodeFactory.h"
+#include "OssModel/Graph/OssSnNodeFactory.h"
 #include "OssShaderNetworkUpgradeView.h"
 
 #include <QApplication>

@@ -1,6 +1,6 @@
 #include "GraphFixture.h"
-#include "OssCoreModules/Interface/OssActionTreeManager.h"
-#include "OssNodeGraph/OssNgBackdropNode.h"
+#include "OssInterface/Actions/OssActionTreeManager.h"
+#include "OssNodeGraph/Items/OssNgBackdropNode.h"
 
 #include <QAction>
 #include <QtTest>

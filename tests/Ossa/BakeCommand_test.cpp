@@ -1,7 +1,7 @@
-#include "Ossa/BakeCommand.h"
+#include "Ossa/Headless/BakeCommand.h"
 
-#include "Ossa/CommandLine.h"
-#include "OssCoreModules/Evaluation/OssPatchList.h"
+#include "Ossa/Headless/CommandLine.h"
+#include "OssModel/Evaluation/OssPatchList.h"
 #include "ProgramRun.h"
 
 #include <gtest/gtest.h>

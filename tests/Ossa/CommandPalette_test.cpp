@@ -1,8 +1,8 @@
-#include "Ossa/CommandPalette.h"
+#include "Ossa/Dialogs/CommandPalette.h"
 
-#include "Ossa/CommandListModel.h"
-#include "OssCoreModules/Interface/OssActionTreeManager.h"
-#include "OssCoreModules/Interface/OssFuzzyMatch.h"
+#include "Ossa/Dialogs/CommandListModel.h"
+#include "OssCore/OssFuzzyMatch.h"
+#include "OssInterface/Actions/OssActionTreeManager.h"
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
-#include "Ossa/ImagesPanel.h"
+#include "Ossa/Palettes/ImagesPanel.h"
 
-#include "Ossa/ImageListModel.h"
+#include "Ossa/Palettes/ImageListModel.h"
 #include "OssCore/OssUndoManager.h"
-#include "OssCoreModules/Images/OssImage.h"
-#include "OssCoreModules/Images/OssImageManager.h"
-#include "OssCoreModules/Project/OssProject.h"
-#include "OssCoreModules/Project/OssProjectManager.h"
+#include "OssModel/Images/OssImage.h"
+#include "OssModel/Images/OssImageManager.h"
+#include "OssModel/Project/OssProject.h"
+#include "OssModel/Project/OssProjectManager.h"
 
 #include <gtest/gtest.h>
 

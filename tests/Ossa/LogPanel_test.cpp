@@ -1,6 +1,6 @@
-#include "Ossa/LogPanel.h"
+#include "Ossa/Palettes/LogPanel.h"
 
-#include "Ossa/LogModel.h"
+#include "Ossa/Palettes/LogModel.h"
 #include "OssCore/OssDebug.h"
 
 #include <gtest/gtest.h>

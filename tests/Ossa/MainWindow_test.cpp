@@ -1,16 +1,16 @@
-#include "Ossa/MainWindow.h"
+#include "Ossa/Window/MainWindow.h"
 
-#include "Ossa/MainMenus.h"
-#include "Ossa/RecentProjects.h"
+#include "Ossa/Commands/RecentProjects.h"
+#include "Ossa/Window/MainMenus.h"
 #include "OssCore/OssUndoManager.h"
-#include "OssCoreModules/Interface/OssActionTreeManager.h"
-#include "OssCoreModules/Interface/OssApplication.h"
-#include "OssCoreModules/Interface/OssMenuManager.h"
-#include "OssCoreModules/Interface/OssPalette.h"
-#include "OssCoreModules/Interface/OssPaletteManager.h"
-#include "OssCoreModules/Interface/OssShortcutManager.h"
-#include "OssCoreModules/Project/OssProject.h"
-#include "OssCoreModules/Project/OssProjectManager.h"
+#include "OssInterface/Actions/OssActionTreeManager.h"
+#include "OssInterface/Actions/OssMenuManager.h"
+#include "OssInterface/Actions/OssShortcutManager.h"
+#include "OssInterface/Palettes/OssPalette.h"
+#include "OssInterface/Palettes/OssPaletteManager.h"
+#include "OssInterface/Popups/OssApplication.h"
+#include "OssModel/Project/OssProject.h"
+#include "OssModel/Project/OssProjectManager.h"
 
 #include <gtest/gtest.h>
 

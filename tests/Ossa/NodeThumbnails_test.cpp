@@ -1,11 +1,11 @@
 #include "Ossa/Viewer/NodeThumbnails.h"
 
-#include "OssCoreModules/Evaluation/OssEvaluationService.h"
-#include "OssCoreModules/Interface/OssPalette.h"
-#include "OssCoreModules/Interface/OssPaletteManager.h"
-#include "OssNodeGraph/OssNgNode.h"
-#include "OssNodeGraph/OssNgSceneIndex.h"
-#include "OssNodeGraph/OssNgView.h"
+#include "OssInterface/Palettes/OssPalette.h"
+#include "OssInterface/Palettes/OssPaletteManager.h"
+#include "OssModel/Evaluation/OssEvaluationService.h"
+#include "OssNodeGraph/Index/OssNgSceneIndex.h"
+#include "OssNodeGraph/Items/OssNgNode.h"
+#include "OssNodeGraph/View/OssNgView.h"
 #include "support/ModelFixture.h"
 
 #include <QGraphicsScene>

@@ -4,14 +4,14 @@
 #include "Ossa/Viewer/UvView.h"
 #include "Ossa/Viewer/ViewerPictures.h"
 #include "OssCore/OssSettings.h"
-#include "OssCoreModules/Evaluation/OssEvaluationService.h"
-#include "OssCoreModules/Images/OssCanvasManager.h"
-#include "OssCoreModules/Images/OssChannel.h"
-#include "OssCoreModules/Images/OssImageSet.h"
-#include "OssCoreModules/Interface/OssApplication.h"
-#include "OssCoreModules/Network/OssSnImageSetNodeBase.h"
-#include "OssCoreModules/Project/OssAutosave.h"
-#include "OssCoreModules/Project/OssShadingContext.h"
+#include "OssInterface/Popups/OssApplication.h"
+#include "OssModel/Evaluation/OssEvaluationService.h"
+#include "OssModel/Nodes/OssSnImageSetNodeBase.h"
+#include "OssModel/Objects/OssCanvasManager.h"
+#include "OssModel/Objects/OssChannel.h"
+#include "OssModel/Objects/OssImageSet.h"
+#include "OssModel/Objects/OssShadingContext.h"
+#include "OssModel/Project/OssAutosave.h"
 
 #include <QAbstractButton>
 #include <QDir>

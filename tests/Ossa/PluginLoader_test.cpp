@@ -1,8 +1,8 @@
-#include "Ossa/PluginLoader.h"
+#include "Ossa/Plugins/PluginLoader.h"
 
-#include "Ossa/PluginActions.h"
+#include "Ossa/Plugins/PluginActions.h"
 #include "OssCore/OssDebug.h"
-#include "OssCoreModules/Interface/OssActionTreeManager.h"
+#include "OssInterface/Actions/OssActionTreeManager.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "Ossa/PreferencesDialog.h"
+#include "Ossa/Dialogs/PreferencesDialog.h"
 
 #include "OssCore/OssPreferenceManager.h"
 #include "PreferencesTestObject.h"

@@ -1,5 +1,5 @@
 #include "OssCore/OssStatusManager.h"
-#include "OssCoreModules/Interface/OssApplication.h"
+#include "OssInterface/Popups/OssApplication.h"
 #include "ScriptSession.h"
 
 #include <QAction>

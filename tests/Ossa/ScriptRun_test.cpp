@@ -1,4 +1,4 @@
-#include "Ossa/CommandLine.h"
+#include "Ossa/Headless/CommandLine.h"
 #include "OssScripting/OssScriptEngine.h"
 #include "ProgramRun.h"
 

@@ -1,8 +1,8 @@
-#include "Ossa/ShortcutEditor.h"
+#include "Ossa/Dialogs/ShortcutEditor.h"
 
-#include "Ossa/KeyRecorder.h"
-#include "OssCoreModules/Interface/OssActionTreeManager.h"
-#include "OssCoreModules/Interface/OssShortcutManager.h"
+#include "Ossa/Dialogs/KeyRecorder.h"
+#include "OssInterface/Actions/OssActionTreeManager.h"
+#include "OssInterface/Actions/OssShortcutManager.h"
 
 #include <gtest/gtest.h>
 

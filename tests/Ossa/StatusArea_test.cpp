@@ -1,4 +1,4 @@
-#include "Ossa/StatusArea.h"
+#include "Ossa/Window/StatusArea.h"
 
 #include "OssCore/OssStatusManager.h"
 

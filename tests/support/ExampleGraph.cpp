@@ -1,10 +1,10 @@
 #include "support/ExampleGraph.h"
 
-#include "OssNodeGraph/OssNgBackdropNode.h"
-#include "OssNodeGraph/OssNgDotNode.h"
-#include "OssNodeGraph/OssNgEdge.h"
-#include "OssNodeGraph/OssNgSceneIndex.h"
-#include "OssNodeGraph/OssNgUINode.h"
+#include "OssNodeGraph/Index/OssNgSceneIndex.h"
+#include "OssNodeGraph/Items/OssNgBackdropNode.h"
+#include "OssNodeGraph/Items/OssNgDotNode.h"
+#include "OssNodeGraph/Items/OssNgEdge.h"
+#include "OssNodeGraph/Items/OssNgUINode.h"
 
 #include <QMetaEnum>
 #include <QPainter>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssNodeGraph/OssNgExtendedNode.h"
+#include "OssNodeGraph/Items/OssNgExtendedNode.h"
 
 #include <QGraphicsScene>
 

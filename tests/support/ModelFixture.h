@@ -3,19 +3,19 @@
 #include "OssCore/OssDebug.h"
 #include "OssCore/OssResourceInfo.h"
 #include "OssCore/OssUndoManager.h"
-#include "OssCoreModules/Network/OssShaderNetwork.h"
-#include "OssCoreModules/Network/OssShaderNetworkManager.h"
-#include "OssCoreModules/Network/OssSnBaseNode.h"
-#include "OssCoreModules/Network/OssSnGroupNode.h"
-#include "OssCoreModules/Project/OssGeoEntity.h"
-#include "OssCoreModules/Project/OssProject.h"
-#include "OssCoreModules/Project/OssProjectManager.h"
-#include "OssCoreModules/Project/OssShadingGroup.h"
+#include "OssModel/Graph/OssGeoEntity.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Graph/OssShadingGroup.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/OssModelServices.h"
+#include "OssModel/Project/OssProject.h"
+#include "OssModel/Project/OssProjectManager.h"
 
 #include <gtest/gtest.h>
 
 #include <QBuffer>
-#include <QUndoStack>
 
 /// A new project with an empty network but for its viewer, and the application's node types.
 class ModelFixture : public testing::Test
@@ -23,6 +23,7 @@ class ModelFixture : public testing::Test
 protected:
     void SetUp() override
     {
+        static const OssModelServices services;
         OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
         if (networks->nodePathKeys().isEmpty())
             networks->loadNodeTypes(OssResourceInfo::instance()->nodeTypePath());
@@ -82,11 +83,11 @@ protected:
         OssUndoManager *undo = OssUndoManager::instance();
         const QByteArray end = m_project->stateHash();
         const QList<QByteArray> lines = stateLines();
-        const int index = undo->stack()->index(); // beyond it lie steps that were undone
+        const int index = undo->index(); // beyond it lie steps that were undone
         while (undo->canUndo())
             undo->undo();
         EXPECT_EQ(m_project->stateHash(), start);
-        while (undo->stack()->index() < index)
+        while (undo->index() < index)
             undo->redo();
         expectSame(stateLines(), lines);
         EXPECT_EQ(m_project->stateHash(), end);

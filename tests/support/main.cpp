@@ -1,6 +1,12 @@
 #include <gtest/gtest.h>
 
+#ifdef OSSA_NO_WIDGETS
+#include <QGuiApplication>
+using Application = QGuiApplication;
+#else
 #include <QApplication>
+using Application = QApplication;
+#endif
 #include <QTemporaryDir>
 
 /// Runs the tests of one program inside an application without a screen, with settings of its own.
@@ -11,7 +17,7 @@ int main(int argc, char **argv)
     const QTemporaryDir settings;
     qputenv("OSSA_CONFIG_DIR", settings.path().toLocal8Bit());
     qSetGlobalQHashSeed(0);
-    const QApplication application(argc, argv);
+    const Application application(argc, argv);
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }

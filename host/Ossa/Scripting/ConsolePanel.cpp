@@ -1,11 +1,11 @@
 #include "Ossa/Scripting/ConsolePanel.h"
 
+#include "Ossa/Common/Theme.h"
 #include "Ossa/Scripting/ConsoleInput.h"
 #include "Ossa/Scripting/ScriptEcho.h"
-#include "Ossa/Theme.h"
 #include "OssCore/OssSettings.h"
 #include "OssCore/OssStatusManager.h"
-#include "OssCoreModules/Interface/OssActionTreeManager.h"
+#include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssScripting/OssScriptEngine.h"
 
 #include <QAction>

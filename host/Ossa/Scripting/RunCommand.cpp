@@ -1,9 +1,9 @@
 #include "Ossa/Scripting/RunCommand.h"
 
-#include "Ossa/CommandLine.h"
-#include "Ossa/Interrupt.h"
+#include "Ossa/Headless/CommandLine.h"
+#include "Ossa/Headless/Interrupt.h"
 #include "OssCore/OssAtomicFile.h"
-#include "OssCoreModules/Project/OssProjectManager.h"
+#include "OssModel/Project/OssProjectManager.h"
 #include "OssScripting/OssScriptEngine.h"
 
 #include <QEventLoop>

@@ -1,15 +1,6 @@
 #pragma once
 
-#include <QString>
-#include <QStringList>
-
-/// What "ossa run" was asked for.
-struct RunOptions
-{
-    QString script;
-    QString project; ///< opened before the script starts; empty for none
-    QStringList arguments;
-};
+#include "Ossa/Headless/CommandLine.h"
 
 /// Runs a script without a window. The exit code is the script's; 130 when the user stopped it.
 int runRunCommand(const RunOptions &options);

@@ -1,10 +1,10 @@
 #include "Ossa/Scripting/ScriptCommands.h"
 
-#include "Ossa/Commands.h"
+#include "Ossa/Commands/Commands.h"
 #include "Ossa/Scripting/ConsolePanel.h"
-#include "OssCoreModules/Interface/OssFileDialog.h"
-#include "OssCoreModules/Interface/OssPalette.h"
-#include "OssCoreModules/Interface/OssPaletteManager.h"
+#include "OssInterface/Palettes/OssPalette.h"
+#include "OssInterface/Palettes/OssPaletteManager.h"
+#include "OssInterface/Popups/OssFileDialog.h"
 #include "OssScripting/OssScriptEngine.h"
 
 #include <QAction>

@@ -2,11 +2,11 @@
 
 #include "Ossa/Scripting/ScriptText.h"
 #include "OssCore/OssUndoManager.h"
-#include "OssCoreModules/Interface/OssActionTreeManager.h"
-#include "OssCoreModules/Network/OssShaderNetwork.h"
-#include "OssCoreModules/Network/OssShaderNetworkManager.h"
-#include "OssCoreModules/Network/OssSnBaseContext.h"
-#include "OssCoreModules/Network/OssSnGroupNode.h"
+#include "OssInterface/Actions/OssActionTreeManager.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Graph/OssSnBaseContext.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
 
 #include <QAction>
 
@@ -14,14 +14,11 @@ namespace {
 
 const QString groupCommand = QStringLiteral("/Ossa/NodeGraph/Group Selected Nodes");
 const QString ungroupCommand = QStringLiteral("/Ossa/NodeGraph/Ungroup");
-const QString viewContext = QStringLiteral("NodeGraphView");
 
 QPointF positionOf(const OssSnBaseNode *node)
 {
-    QPointF position;
-    if (OssSnBaseContext *context = node->context(viewContext))
-        QMetaObject::invokeMethod(context, "nodePosition", Q_RETURN_ARG(QPointF, position));
-    return position;
+    const OssSnBaseContext *context = node->viewContext();
+    return context ? context->nodePosition() : QPointF();
 }
 
 QString comment(const QString &title)
@@ -272,7 +269,7 @@ QStringList ScriptEcho::describe()
 QStringList ScriptEcho::describeNew(OssSnBaseNode *node) const
 {
     QStringList lines{ScriptText::createNode(node)};
-    if (node->context(viewContext)) {
+    if (node->viewContext()) {
         lines.first().chop(1);
         lines.first() += QStringLiteral(", %1)").arg(ScriptText::value(positionOf(node)));
     }

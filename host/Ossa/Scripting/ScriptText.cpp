@@ -2,8 +2,8 @@
 
 #include "OssCore/OssColor.h"
 #include "OssCore/OssUserEnum.h"
-#include "OssCoreModules/Network/OssShaderNetwork.h"
-#include "OssCoreModules/Network/OssSnGroupNode.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
 
 #include <QLocale>
 #include <QPointF>

@@ -4,11 +4,11 @@
 #include "Ossa/Viewer/ViewerSource.h"
 #include "OssCore/OssColor.h"
 #include "OssCore/OssUndoManager.h"
-#include "OssCoreModules/Interface/OssMessageBox.h"
-#include "OssCoreModules/Network/OssShaderNetwork.h"
-#include "OssCoreModules/Network/OssShaderNetworkManager.h"
-#include "OssCoreModules/Network/OssSnChannelInputNode.h"
-#include "OssCoreModules/Properties/OssColorEditor.h"
+#include "OssInterface/Popups/OssMessageBox.h"
+#include "OssInterface/Properties/OssColorEditor.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Nodes/OssSnChannelInputNode.h"
 
 #include <QColorDialog>
 #include <QComboBox>

@@ -2,10 +2,10 @@
 
 #include "OssCore/OssAtomicFile.h"
 #include "OssCore/OssStatusManager.h"
-#include "OssCoreModules/Images/OssImageSet.h"
-#include "OssCoreModules/Images/OssPixelStore.h"
-#include "OssCoreModules/Project/OssProject.h"
-#include "OssCoreModules/Project/OssProjectManager.h"
+#include "OssModel/Images/OssPixelStore.h"
+#include "OssModel/Objects/OssImageSet.h"
+#include "OssModel/Project/OssProject.h"
+#include "OssModel/Project/OssProjectManager.h"
 
 #include <QEventLoop>
 #include <QFile>

@@ -1,7 +1,7 @@
 #include "Ossa/Viewer/PaintStep.h"
 
 #include "Ossa/Viewer/PaintSession.h"
-#include "OssCoreModules/Images/OssImageSet.h"
+#include "OssModel/Objects/OssImageSet.h"
 
 PaintStep::PaintStep(PaintSession *session, OssImageSet *images, int resolution,
                      const std::vector<OssEvStroke::Change> &changes, Kind kind)

@@ -2,8 +2,8 @@
 
 #include "Ossa/Viewer/PaintSession.h"
 #include "Ossa/Viewer/ViewerPictures.h"
-#include "OssCoreModules/Images/OssCanvasManager.h"
 #include "OssEvaluation/Values/OssEvPatch.h"
+#include "OssModel/Objects/OssCanvasManager.h"
 
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -33,7 +33,7 @@ QBrush checks()
 } // namespace
 
 UvView::UvView(const ViewerPictures *pictures, PaintSession *session, QWidget *parent)
-    : OssCanvasWidget(parent)
+    : QWidget(parent)
     , m_pictures(pictures)
     , m_session(session)
 {

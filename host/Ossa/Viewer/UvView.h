@@ -1,6 +1,8 @@
 #pragma once
 
-#include "OssCoreModules/Images/OssCanvasWidget.h"
+#include "OssModel/Objects/OssCanvasWidget.h"
+
+#include <QWidget>
 
 class PaintSession;
 class ViewerPictures;
@@ -11,7 +13,9 @@ class ViewerPictures;
 /// While painting the left button draws: Shift goes on from the last stroke in a straight line, Ctrl
 /// picks the colour under the pointer, Escape takes the stroke in hand back, [ and ] change the
 /// brush's size, with Shift its hardness, E makes it an eraser. Otherwise left drag pans too.
-class UvView : public OssCanvasWidget
+class UvView
+    : public QWidget
+    , public OssCanvasWidget
 {
     Q_OBJECT
 

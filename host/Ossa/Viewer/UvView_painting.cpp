@@ -76,7 +76,7 @@ void UvView::tabletEvent(QTabletEvent *event)
 void UvView::focusOutEvent(QFocusEvent *event)
 {
     m_session->end();
-    OssCanvasWidget::focusOutEvent(event);
+    QWidget::focusOutEvent(event);
 }
 
 bool UvView::paintKey(const QKeyEvent &event)

@@ -1,6 +1,6 @@
 #include "Ossa/Viewer/ViewerPanel.h"
 
-#include "Ossa/Commands.h"
+#include "Ossa/Commands/Commands.h"
 #include "Ossa/Viewer/ObjectView.h"
 #include "Ossa/Viewer/PaintBar.h"
 #include "Ossa/Viewer/PaintSession.h"
@@ -8,8 +8,8 @@
 #include "Ossa/Viewer/ViewerPictures.h"
 #include "Ossa/Viewer/ViewerSource.h"
 #include "OssCore/OssSettings.h"
-#include "OssCoreModules/Evaluation/OssEvaluationService.h"
-#include "OssCoreModules/Network/OssSnImageSetNodeBase.h"
+#include "OssModel/Evaluation/OssEvaluationService.h"
+#include "OssModel/Nodes/OssSnImageSetNodeBase.h"
 
 #include <QApplication>
 #include <QButtonGroup>

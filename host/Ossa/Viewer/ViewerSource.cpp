@@ -1,16 +1,16 @@
 #include "Ossa/Viewer/ViewerSource.h"
 
 #include "OssCore/OssUndoManager.h"
-#include "OssCoreModules/Evaluation/OssEvaluationService.h"
-#include "OssCoreModules/Network/OssShaderNetwork.h"
-#include "OssCoreModules/Network/OssShaderNetworkManager.h"
-#include "OssCoreModules/Network/OssSnBaseNode.h"
-#include "OssCoreModules/Network/OssSnProducer.h"
-#include "OssCoreModules/Network/OssSnResultKey.h"
-#include "OssCoreModules/Project/OssGeoEntity.h"
-#include "OssCoreModules/Project/OssProjectManager.h"
 #include "OssEvaluation/Schedule/OssEvPlan.h"
 #include "OssEvaluation/Values/OssEvPatch.h"
+#include "OssModel/Evaluation/OssEvaluationService.h"
+#include "OssModel/Graph/OssGeoEntity.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Nodes/OssSnProducer.h"
+#include "OssModel/Nodes/OssSnResultKey.h"
+#include "OssModel/Project/OssProjectManager.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Ossa/Viewer/ViewerPixels.h"
-#include "OssCoreModules/Evaluation/OssSnEvaluationGraph.h"
 #include "OssEvaluation/Schedule/OssEvEngine.h"
+#include "OssModel/Evaluation/OssSnEvaluationGraph.h"
 
 #include <QElapsedTimer>
 #include <QImage>

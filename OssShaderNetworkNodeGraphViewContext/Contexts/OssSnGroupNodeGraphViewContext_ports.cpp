@@ -1,0 +1,171 @@
+#include "OssSnGroupNodeGraphViewContext.h"
+
+#include "Layout/GroupPortPlacement.h"
+#include "OssCore/OssDebug.h"
+#include "OssCore/OssUndoManager.h"
+#include "OssModel/Graph/OssLayerStreamUtils.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Nodes/OssSnMultiChannelGroupNode.h"
+#include "OssNodeGraph/Items/OssNgEdge.h"
+#include "OssNodeGraph/Undo/OssNgNodePositionChangeUndo.h"
+
+#include <algorithm>
+
+// The group's ports: their clusters on the item, and the nodes inside that stand for them.
+
+namespace {
+
+constexpr const char *Source = "OssSnGroupNodeGraphViewContext";
+
+OssNgNode *itemOf(const OssSnBaseNode *node)
+{
+    return OssSnNodeGraphViewContextManager::guiNodeOf(node);
+}
+
+void place(OssNgNode *item, const QPointF &position)
+{
+    if (item->pos() == position)
+        return;
+    item->savePosition();
+    item->setPosition(position);
+    OssUndoManager::instance()->addUndo(std::make_unique<OssNgNodePositionChangeUndo>(item));
+}
+
+QRectF occupied(const OssNgNode *item)
+{
+    return item->boundingRect().translated(item->pos());
+}
+
+void placeOutput(OssSnBaseNode *node, QVector<QRectF> *taken)
+{
+    OssNgNode *item = itemOf(node);
+    if (!item)
+        return;
+    item->setSelected(false);
+    node->setSelected(false);
+    const QList<OssNgEdge *> wires = item->inputs();
+    if (wires.size() != 1)
+        OssDebug(Source, __LINE__, "Output node should have only one input into the node");
+    const OssNgNode *feeder = wires.isEmpty() ? nullptr : wires.first()->source();
+    if (!feeder)
+        return;
+    QRectF rect(GroupPortPlacement::outputPosition(feeder->pos(), feeder->boundingRect().width()),
+                item->boundingRect().size());
+    // One node may feed several outputs.
+    GroupPortPlacement::moveBelow(&rect, *taken);
+    taken->append(rect);
+    place(item, rect.topLeft());
+}
+
+void placeInputs(const QList<OssSnBaseNode *> &nodes, const QVector<QRectF> &others)
+{
+    QVector<OssNgNode *> items;
+    QVector<GroupPortPlacement::Input> inputs;
+    QVector<const OssNgNode *> fedItems;
+    QVector<QRectF> fed;
+    for (const OssSnBaseNode *node : nodes) {
+        OssNgNode *item = itemOf(node);
+        if (!item)
+            continue;
+        GroupPortPlacement::Input input{item->boundingRect().size(), -1};
+        const QList<OssNgEdge *> wires = item->outputs();
+        const OssNgNode *target = wires.isEmpty() ? nullptr : wires.first()->destination();
+        if (target && !fedItems.contains(target)) {
+            fedItems.append(target);
+            fed.append(occupied(target));
+        }
+        input.fed = fedItems.indexOf(target);
+        items.append(item);
+        inputs.append(input);
+    }
+    if (fed.isEmpty() && !items.isEmpty()) {
+        // Nothing to stand beside yet: below the first of them.
+        const QPointF first = items.first()->pos();
+        fed.append(
+            {first
+                 + QPointF(GroupPortPlacement::StreamGap + items.first()->boundingRect().width(),
+                           0.0),
+             QSizeF(1.0, 1.0)});
+    }
+    const QVector<QPointF> positions = GroupPortPlacement::inputPositions(inputs, fed, others);
+    for (int i = 0; i < items.size(); ++i)
+        place(items.at(i), positions.at(i));
+}
+
+} // namespace
+
+void OssSnGroupNodeGraphViewContext::adjustInputOutputPos()
+{
+    const OssSnGroupNode *group = groupNode();
+    if (!group) {
+        OssDebug(Source, __LINE__, "g is NULL");
+        return;
+    }
+    const OssUndoManager::AutoMacro macro(tr("Arrange Ports"));
+    const QList<OssSnBaseNode *> nodes = group->groupNetwork()->nodes();
+    QVector<QRectF> outputs;
+    for (OssSnBaseNode *node : nodes) {
+        if (node->hasTag(QStringLiteral("_output")))
+            placeOutput(node, &outputs);
+    }
+    QVector<QRectF> others;
+    for (const OssSnBaseNode *node : nodes) {
+        const OssNgNode *item = itemOf(node);
+        if (item && !node->hasTag(QStringLiteral("_input")) && !item->isBackground())
+            others.append(occupied(item));
+    }
+    placeInputs(group->inputNodesInside(), others);
+}
+
+// --- clusters
+
+void OssSnGroupNodeGraphViewContext::clearPortClusters()
+{
+    if (auto *item = qobject_cast<OssNgExtendedNode *>(guiNode()))
+        item->clearPortClusters();
+}
+
+void OssSnGroupNodeGraphViewContext::updatePortClusters()
+{
+    clearPortClusters();
+    setupPortClusters();
+}
+
+// Streams are what clusters gather: what lies below as "Base", what is laid over it as "Over". A
+// group without such pairs gathers all its inputs. A port that belongs to all streams, as a mask,
+// stays by itself. Plain groups have ports of their own meaning each, and no clusters.
+void OssSnGroupNodeGraphViewContext::setupPortClusters()
+{
+    auto *item = qobject_cast<OssNgExtendedNode *>(guiNode());
+    const OssSnGroupNode *group = groupNode();
+    if (!item || !group)
+        return;
+    if (!qobject_cast<const OssSnMultiChannelGroupNode *>(group)
+        && !group->hasTag(QStringLiteral("_shader")))
+        return;
+    const QString baseName = OssLayerStreamUtils::baseInputName({});
+    const QString overName = OssLayerStreamUtils::overInputName({});
+    QStringList base;
+    QStringList over;
+    QStringList rest;
+    const QStringList names = group->inputNames();
+    for (const QString &name : names) {
+        if (name == QLatin1String("Mask"))
+            continue;
+        if (name.endsWith(QLatin1Char(' ') + baseName))
+            base.append(name);
+        else if (name.endsWith(QLatin1Char(' ') + overName))
+            over.append(name);
+        else
+            rest.append(name);
+    }
+    if (!base.isEmpty())
+        item->setPortCluster(baseName, base);
+    if (!over.isEmpty())
+        item->setPortCluster(overName, over);
+    if (rest.size() > 1)
+        item->setPortCluster(QStringLiteral("Input"), rest);
+    const QStringList outputs = group->outputPointNames();
+    if (outputs.size() > 1)
+        item->setPortCluster(QStringLiteral("Output"), {}, outputs);
+}

@@ -1,0 +1,242 @@
+#include "Layout/ColumnLayout.h"
+
+#include <algorithm>
+
+ColumnLayout::ColumnLayout(std::vector<Node> nodes)
+    : m_nodes(std::move(nodes))
+    , m_laidOut(m_nodes.size(), false)
+    , m_columnOf(m_nodes.size(), -1)
+    , m_indexIn(m_nodes.size(), -1)
+{
+}
+
+void ColumnLayout::layOut(const QVector<int> &startNodes, const QVector<int> &ignored)
+{
+    const QVector<int> starts = sortedStarts(startNodes);
+    // What waits for its own tree will move, so it need not be kept clear of yet.
+    const std::vector<bool> waiting = upstreamOf(starts, true);
+    m_obstacles.clear();
+    m_widestObstacle = 0.0;
+    for (int i = 0; i < int(m_nodes.size()); ++i) {
+        if (!waiting[std::size_t(i)] && !ignored.contains(i))
+            keepClearOf(i);
+    }
+    for (const int start : starts) {
+        if (!m_laidOut[std::size_t(start)])
+            layoutTree(start);
+    }
+}
+
+void ColumnLayout::keepClearOf(int node)
+{
+    if (!m_nodes[std::size_t(node)].hasItem)
+        return;
+    const QRectF obstacle = rect(node);
+    const auto place = std::upper_bound(
+        m_obstacles.begin(), m_obstacles.end(), obstacle,
+        [](const QRectF &a, const QRectF &b) { return a.left() < b.left(); });
+    m_obstacles.insert(place, obstacle);
+    m_widestObstacle = std::max(m_widestObstacle, obstacle.width());
+}
+
+std::vector<bool> ColumnLayout::upstreamOf(const QVector<int> &starts, bool includeStarts) const
+{
+    std::vector<bool> reached(m_nodes.size(), false);
+    std::vector<int> open;
+    const auto reach = [&](int node) {
+        if (node < 0 || reached[std::size_t(node)])
+            return;
+        reached[std::size_t(node)] = true;
+        open.push_back(node);
+    };
+    const auto follow = [&](int node) {
+        for (const Input &input : m_nodes[std::size_t(node)].inputs)
+            reach(input.source);
+    };
+    for (const int start : starts) {
+        if (includeStarts)
+            reach(start);
+        else
+            follow(start);
+    }
+    while (!open.empty()) {
+        const int node = open.back();
+        open.pop_back();
+        follow(node);
+    }
+    return reached;
+}
+
+QVector<int> ColumnLayout::sortedStarts(const QVector<int> &startNodes) const
+{
+    const std::vector<bool> inner = upstreamOf(startNodes, false);
+    QVector<int> starts;
+    for (const int start : startNodes) {
+        if (!inner[std::size_t(start)] && !starts.contains(start))
+            starts.append(start);
+    }
+    // From top to bottom, as they are read. Starts that feed each other do not exist.
+    std::stable_sort(starts.begin(), starts.end(), [this](int a, int b) {
+        const QPointF left = m_nodes[std::size_t(a)].position;
+        const QPointF right = m_nodes[std::size_t(b)].position;
+        return left.y() != right.y() ? left.y() < right.y() : left.x() > right.x();
+    });
+    return starts;
+}
+
+QVector<int> ColumnLayout::followedInputs(const Node &node)
+{
+    QVector<int> order;
+    for (int i = 0; i < node.inputs.size(); ++i) {
+        if (node.inputs[i].source >= 0)
+            order.append(i);
+    }
+    if (node.merge)
+        std::stable_partition(order.begin(), order.end(),
+                              [&](int input) { return node.inputs[input].base; });
+    return order;
+}
+
+ColumnLayout::Columns ColumnLayout::columnsOf(int root)
+{
+    Columns columns(1);
+    const auto add = [&](const Entry &entry, int column) {
+        const auto node = std::size_t(entry.node);
+        if (m_columnOf[node] >= column)
+            return;
+        if (m_columnOf[node] >= 0)
+            columns[std::size_t(m_columnOf[node])][std::size_t(m_indexIn[node])].node = -1;
+        if (int(columns.size()) <= column)
+            columns.resize(std::size_t(column) + 1);
+        m_columnOf[node] = column;
+        m_indexIn[node] = int(columns[std::size_t(column)].size());
+        columns[std::size_t(column)].push_back(entry);
+    };
+    add({root, -1, -1}, 0);
+    // No path without a loop is longer than there are nodes: what would stand deeper closes one.
+    const std::size_t deepest = m_nodes.size();
+    for (std::size_t column = 0; column < columns.size() && column + 1 < deepest; ++column) {
+        for (std::size_t i = 0; i < columns[column].size(); ++i) {
+            const int node = columns[column][i].node;
+            if (node < 0)
+                continue;
+            const QVector<int> inputs = followedInputs(m_nodes[std::size_t(node)]);
+            for (const int input : inputs) {
+                const int source = m_nodes[std::size_t(node)].inputs[input].source;
+                if (source != node && source != root && !m_laidOut[std::size_t(source)])
+                    add({source, node, input}, int(column) + 1);
+            }
+        }
+    }
+    for (const std::vector<Entry> &column : columns) {
+        for (const Entry &entry : column) {
+            if (entry.node >= 0)
+                m_columnOf[std::size_t(entry.node)] = -1;
+        }
+    }
+    const auto isDead = [](const Entry &entry) {
+        return entry.node < 0;
+    };
+    while (std::all_of(columns.back().begin(), columns.back().end(), isDead))
+        columns.pop_back(); // the first one always holds the root
+    return columns;
+}
+
+qreal ColumnLayout::entryY(const Entry &entry, qreal cursor, qreal rootY) const
+{
+    if (entry.downstream < 0)
+        return cursor;
+    const Node &downstream = m_nodes[std::size_t(entry.downstream)];
+    const Input &input = downstream.inputs[entry.input];
+    qreal y = 0.0;
+    if (downstream.hasItem)
+        y = downstream.position.y() + (downstream.merge && !input.base ? input.portY : 0.0);
+    return std::max(cursor, y - rootY);
+}
+
+void ColumnLayout::move(int node, const QPointF &position, bool shift)
+{
+    m_nodes[std::size_t(node)].position = position;
+    m_moves.append({node, position, shift});
+}
+
+void ColumnLayout::placeColumn(const std::vector<Entry> &column, qreal width, qreal x,
+                               const QPointF &root)
+{
+    qreal cursor = 0.0;
+    bool first = true;
+    m_columnRect = QRectF();
+    for (const Entry &entry : column) {
+        if (entry.node < 0)
+            continue;
+        m_laidOut[std::size_t(entry.node)] = true;
+        const Node &node = m_nodes[std::size_t(entry.node)];
+        if (!node.hasItem)
+            continue;
+        const qreal left = width * 0.5 + x - node.size.width() * 0.5;
+        const qreal y = entryY(entry, cursor, root.y());
+        move(entry.node, root + QPointF(left, y), false);
+        m_columnRect = first ? rect(entry.node) : m_columnRect.united(rect(entry.node));
+        first = false;
+        cursor = y + node.size.height() + RowGap;
+    }
+}
+
+qreal ColumnLayout::shiftClear(const QRectF &column) const
+{
+    QRectF test = column;
+    qreal shift = 0.0;
+    bool found = !m_obstacles.empty() && !column.isEmpty();
+    while (found) {
+        found = false;
+        // Each pass moves by all of the shift found so far, which may be more than is needed.
+        test.translate(shift, 0.0);
+        const auto from = std::lower_bound(
+            m_obstacles.begin(), m_obstacles.end(), test.left() - m_widestObstacle,
+            [](const QRectF &rect, qreal left) { return rect.left() < left; });
+        for (auto obstacle = from;
+             obstacle != m_obstacles.end() && obstacle->left() <= test.right(); ++obstacle) {
+            if (!obstacle->intersects(test))
+                continue;
+            found = true;
+            shift = std::min(shift, obstacle->left() - test.right() - Clearance);
+        }
+    }
+    return test.left() - column.left();
+}
+
+void ColumnLayout::layoutTree(int root)
+{
+    const Columns layoutColumns = columnsOf(root);
+    QVector<qreal> widths;
+    for (const std::vector<Entry> &column : layoutColumns) {
+        qreal width = 0.0;
+        for (const Entry &entry : column) {
+            if (entry.node >= 0 && m_nodes[std::size_t(entry.node)].hasItem)
+                width = std::max(width, m_nodes[std::size_t(entry.node)].size.width());
+        }
+        widths.append(width);
+    }
+    const Node &rootNode = m_nodes[std::size_t(root)];
+    const QPointF anchor = rootNode.hasItem ? rootNode.position : QPointF();
+    qreal x = 0.0;
+    for (int i = 0; i < int(layoutColumns.size()); ++i) {
+        const std::vector<Entry> &column = layoutColumns[std::size_t(i)];
+        placeColumn(column, widths[i], x, anchor);
+        const qreal shift = shiftClear(m_columnRect);
+        if (shift != 0.0) {
+            for (const Entry &entry : column) {
+                if (entry.node >= 0 && m_nodes[std::size_t(entry.node)].hasItem)
+                    move(entry.node, rect(entry.node).topLeft() + QPointF(shift, 0.0), true);
+            }
+        }
+        x += shift - ColumnGap - (i + 1 < widths.size() ? widths[i + 1] : 0.0);
+    }
+    // The next trees keep clear of this one.
+    for (const std::vector<Entry> &column : layoutColumns) {
+        for (const Entry &entry : column) {
+            if (entry.node >= 0)
+                keepClearOf(entry.node);
+        }
+    }
+}

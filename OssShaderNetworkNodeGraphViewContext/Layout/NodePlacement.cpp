@@ -1,0 +1,79 @@
+#include "Layout/NodePlacement.h"
+
+namespace {
+
+constexpr qreal UnitsPerFactor = 100.0;
+
+QPointF inSinglePrecision(qreal x, qreal y)
+{
+    return {qreal(float(x)), qreal(float(y))};
+}
+
+int sign(int value)
+{
+    return (value > 0) - (value < 0);
+}
+
+} // namespace
+
+QPoint NodePlacement::gridStep(int layoutType, bool flipped)
+{
+    struct Step
+    {
+        QPoint normal;
+        QPoint flipped;
+    };
+
+    static const Step steps[] = {
+        {{0, 0}, {0, 0}},   {{0, 1}, {1, 0}}, {{2, 0}, {0, 2}}, {{-1, 1}, {1, -1}},
+        {{1, -1}, {-1, 1}}, {{0, 2}, {2, 0}}, {{3, 0}, {0, 3}}, {{2, 0}, {0, 2}},
+        {{-1, 0}, {0, -1}}, {{0, 0}, {0, 0}}, {{0, 0}, {0, 0}}, {{1, -1}, {-1, 0}},
+    };
+    constexpr int count = int(sizeof(steps) / sizeof(steps[0]));
+    if (layoutType < 0 || layoutType >= count)
+        return {};
+    return flipped ? steps[layoutType].flipped : steps[layoutType].normal;
+}
+
+QPointF NodePlacement::beside(const QRectF &other)
+{
+    return inSinglePrecision(other.x() + other.width() + Gap, other.y() + other.height() + Gap);
+}
+
+QPointF NodePlacement::underneath(const QRectF &reference, const QPointF &ownCenter, int factor)
+{
+    const QPointF center = reference.center();
+    return inSinglePrecision(center.x(), center.y() + UnitsPerFactor * factor) - ownCenter;
+}
+
+QPointF NodePlacement::freeSpot(const QRectF &everything, int spacing, qreal extraSpacing)
+{
+    return {everything.right() + Gap, everything.top() + Gap + spacing + extraSpacing};
+}
+
+QPointF NodePlacement::onGrid(const QRectF &reference, const QSizeF &own, const QPoint &step,
+                              const Spacing &spacing)
+{
+    const QPointF half(own.width() / 2.0, own.height() / 2.0);
+    const QPointF center = reference.center()
+                           + QPointF(step.x() * reference.width() / 2.0
+                                         + sign(step.x()) * (Gap + spacing.horizontal + half.x()),
+                                     step.y() * reference.height() / 2.0
+                                         + sign(step.y()) * (Gap + spacing.vertical + half.y()));
+    return center - half;
+}
+
+QPointF NodePlacement::nextInStream(const QRectF &reference, const QSizeF &own, bool flipped)
+{
+    if (flipped)
+        return {reference.center().x() - own.width() / 2.0, reference.bottom() + Gap};
+    return {reference.x() + reference.width() + Gap, reference.center().y() - own.height() / 2.0};
+}
+
+qreal NodePlacement::besideForContainer(const QRectF &reference, qreal horizontalSpacing)
+{
+    const auto right = float(reference.center().x() + reference.width() / 2.0);
+    const auto gap = float(Gap);
+    const auto spacing = float(horizontalSpacing);
+    return qreal(right + gap + spacing + spacing + gap - float(reference.width() / 2.0));
+}

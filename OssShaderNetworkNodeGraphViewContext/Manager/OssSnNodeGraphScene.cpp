@@ -1,0 +1,10 @@
+#include "Manager/OssSnNodeGraphScene.h"
+
+#include "OssNodeGraph/Index/OssNgSceneIndex.h"
+
+OssSnNodeGraphScene::OssSnNodeGraphScene() = default;
+
+OssSnNodeGraphScene::~OssSnNodeGraphScene()
+{
+    OssNgSceneIndex::releaseItems(this);
+}

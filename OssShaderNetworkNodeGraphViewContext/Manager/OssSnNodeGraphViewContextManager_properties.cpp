@@ -1,0 +1,66 @@
+#include "OssSnNodeGraphViewContextManager.h"
+
+#include "OssCore/OssResourceInfo.h"
+#include "OssInterface/Palettes/OssPalette.h"
+#include "OssInterface/Palettes/OssPaletteManager.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssShaderNetworkView.h"
+#include "OssShaderNetworkWidget.h"
+
+// The "Node Properties" palette.
+
+void OssSnNodeGraphViewContextManager::initialiseNodePropertiesPalette()
+{
+    auto *palette = new OssPalette; // the palette manager takes it
+    m_nodePropertiesWidget = new OssSnNodePropertiesWidget(m_nodeGraphWidget->view(), palette);
+    connect(m_nodePropertiesWidget, &OssSnNodePropertiesWidget::nodeDoubledClicked, this,
+            &OssSnNodeGraphViewContextManager::showPropertiesPalette);
+    connect(m_nodePropertiesWidget, &OssSnNodePropertiesWidget::propertiesUnderMouseChanged, this,
+            &OssSnNodeGraphViewContextManager::onNodePropertiesHoverChanged);
+    palette->setBodyWidget(m_nodePropertiesWidget);
+    palette->setObjectName(tr("Node Properties"));
+    palette->setWindowTitle(tr("Node Properties"));
+    palette->setContextHelpKey(QStringLiteral("node_properties_palette"));
+    OssPaletteManager::instance()->registerPalette(palette, true,
+                                                   OssResourceInfo::instance()->iconPath()
+                                                       + QStringLiteral("/NodeProperties.png"));
+}
+
+OssSnNodePropertiesWidget *OssSnNodeGraphViewContextManager::nodePropertiesWidget() const
+{
+    return m_nodePropertiesWidget;
+}
+
+void OssSnNodeGraphViewContextManager::showPropertiesPalette()
+{
+    OssPalette *palette = OssPaletteManager::instance()->find(tr("Node Properties"), false);
+    if (!palette)
+        return;
+    if (!palette->isVisible())
+        palette->setVisible(true);
+    palette->raise();
+}
+
+// An opened panel is a view of the document and no part of it: whether the request may be undone
+// makes no difference here.
+
+void OssSnNodeGraphViewContextManager::showNodePropertiesAtPositionEnd(OssSnBaseNode *Node,
+                                                                       OssSnBaseNode *Target, bool)
+{
+    if (Node && Target && m_nodePropertiesWidget)
+        m_nodePropertiesWidget->insertAfter(Node, Target);
+}
+
+void OssSnNodeGraphViewContextManager::showNodePropertiesAtPositionBegin(OssSnBaseNode *Node,
+                                                                         OssSnBaseNode *Target,
+                                                                         bool)
+{
+    if (Node && Target && m_nodePropertiesWidget)
+        m_nodePropertiesWidget->insertBefore(Node, Target);
+}
+
+void OssSnNodeGraphViewContextManager::showNodeProperties(OssSnBaseNode *Node)
+{
+    if (m_nodePropertiesWidget)
+        m_nodePropertiesWidget->openProperty(Node);
+}

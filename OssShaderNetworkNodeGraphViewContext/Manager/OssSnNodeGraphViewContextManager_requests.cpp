@@ -1,0 +1,303 @@
+#include "OssSnNodeGraphViewContextManager.h"
+
+#include "OssCore/OssDebug.h"
+#include "OssCore/OssIcon.h"
+#include "OssCore/OssResourceInfo.h"
+#include "OssCore/OssUndoManager.h"
+#include "OssInterface/Actions/OssActionTreeManager.h"
+#include "OssInterface/Palettes/OssPalette.h"
+#include "OssInterface/Palettes/OssPaletteManager.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShadingGroup.h"
+#include "OssModel/Images/OssImage.h"
+#include "OssModel/Images/OssImageManager.h"
+#include "OssModel/Nodes/OssSnChannelInputNode.h"
+#include "OssModel/Nodes/OssSnMultiChannelGroupNode.h"
+#include "OssModel/Objects/OssChannel.h"
+#include "OssModel/Objects/OssImageSet.h"
+#include "OssModel/Project/OssProject.h"
+#include "OssModel/Project/OssProjectManager.h"
+#include "OssNodeGraph/Items/OssNgEdge.h"
+#include "OssNodeGraph/Items/OssNgNode.h"
+#include "OssNodeGraph/Undo/OssNgNodePositionChangeUndo.h"
+#include "OssShaderNetworkView.h"
+#include "OssShaderNetworkWidget.h"
+#include "OssSnNodeGraphViewContext.h"
+#include "OssSnUINodeGraphViewContext.h"
+
+#include <QAction>
+
+namespace {
+
+constexpr const char *Source = "OssSnNodeGraphViewContextManager";
+
+OssSnBaseNode *resolved(const OssObjectReference &reference)
+{
+    return qobject_cast<OssSnBaseNode *>(
+        OssObjectReferenceManager::instance()->getPointer(reference));
+}
+
+void setNodeDebug(const OssObjectReference &reference, bool on, const QColor &color)
+{
+    OssNgNode *guiNode = OssSnNodeGraphViewContextManager::guiNodeOf(resolved(reference));
+    if (!guiNode)
+        return;
+    if (on)
+        guiNode->setDebugColor(color);
+    guiNode->setDebug(on);
+}
+
+void setInputDebug(const OssObjectReference &reference, const QString &input, bool on,
+                   const QColor &color)
+{
+    const OssNgNode *guiNode = OssSnNodeGraphViewContextManager::guiNodeOf(resolved(reference));
+    OssNgEdge *edge = guiNode ? guiNode->input(input) : nullptr;
+    if (!edge)
+        return;
+    if (on)
+        edge->setDebugColor(color);
+    edge->setDebug(on);
+}
+
+} // namespace
+
+// --- palettes and actions
+
+void OssSnNodeGraphViewContextManager::createActions()
+{
+    OssActionTreeManager *tree = OssActionTreeManager::instance();
+    auto *autoplace = new QAction(QStringLiteral("Autoplace"), this);
+    connect(autoplace, &QAction::triggered, this,
+            qOverload<>(&OssSnNodeGraphViewContextManager::beautifyNodesLayout));
+    if (!tree->hasAction(QStringLiteral("/Ossa/NodeGraph/Autoplace")))
+        tree->registerAction(QStringLiteral("/Ossa/NodeGraph/"), autoplace);
+    OssShaderNetworkManager::instance()->registerGlobalContextMenuAction(autoplace);
+    const QStringList modes{QStringLiteral("Expanded"), QStringLiteral("Stream Collapsed"),
+                            QStringLiteral("Connected Only"), QStringLiteral("Collapsed")};
+    for (int mode = 0; mode < modes.size(); ++mode) {
+        const QString text = QStringLiteral("Switch to %1 mode").arg(modes.at(mode));
+        auto *action = new QAction(text, this);
+        action->setProperty("Mode", mode);
+        action->setToolTip(text);
+        action->setWhatsThis(text);
+        connect(action, &QAction::triggered, this,
+                &OssSnNodeGraphViewContextManager::onNodeCollapsedModeChanged);
+        tree->registerAction(QStringLiteral("/Ossa/NodeGraph"), action);
+    }
+
+    struct ImageRow
+    {
+        const char *text;
+        const char *pathKey;
+        const char *toolTip;
+    };
+
+    for (const ImageRow &row :
+         {ImageRow{"As Tiled", "Procedural/Pattern/Tiled", "Add to Nodegraph as Tiled"},
+          ImageRow{"As TriPlanar", "Environment/Tri Planar Projection",
+                   "Add to Nodegraph as TriPlanar"}}) {
+        auto *add = new QAction(QString::fromLatin1(row.text), this);
+        add->setData(QString::fromLatin1(row.pathKey));
+        add->setToolTip(QString::fromLatin1(row.toolTip));
+        connect(add, &QAction::triggered, this, &OssSnNodeGraphViewContextManager::addImageAs);
+        OssImageManager::instance()->registerGlobalContextMenuAction(
+            add, QStringLiteral("Add to Nodegraph"),
+            OssIcon::getIconPath(QStringLiteral("NodeGraph.png")));
+    }
+    const QString shake = QStringLiteral("Shake To Extract");
+    auto *action = new QAction(shake, this);
+    action->setObjectName(shake);
+    action->setStatusTip(shake);
+    action->setToolTip(shake);
+    action->setWhatsThis(shake);
+    connect(action, &QAction::triggered, this,
+            &OssSnNodeGraphViewContextManager::toggleShakeToExtractEnabled);
+    tree->registerAction(QStringLiteral("Ossa/NodeGraph/"), action);
+}
+
+void OssSnNodeGraphViewContextManager::addImageAs()
+{
+    const auto *action = qobject_cast<QAction *>(sender());
+    const QString key = action ? action->data().toString() : QString();
+    OssShaderNetworkView *view = currentView();
+    if (!action || key.isEmpty() || !view)
+        return;
+    const OssUndoManager::Gathering gathering(action->toolTip());
+    const QList<OssImage *> images = OssImageManager::instance()->images();
+    for (OssImage *image : images) {
+        if (image->selected())
+            view->createNodeFromDropImage(image, key, QPointF(0.0, 0.0));
+    }
+}
+
+void OssSnNodeGraphViewContextManager::initialiseNodeGraphPalette()
+{
+    auto *palette = new OssPalette; // the palette manager takes it
+    m_nodeGraphWidget = new OssSnNodeGraphWidget(m_controlType, palette);
+    palette->setBodyWidget(m_nodeGraphWidget);
+    palette->setObjectName(tr("Node Graph"));
+    palette->setWindowTitle(tr("Node Graph"));
+    palette->setContextHelpKey(QStringLiteral("node_graph_palette"));
+    OssPaletteManager::instance()->registerPalette(
+        palette, true, OssResourceInfo::instance()->iconPath() + QStringLiteral("/NodeGraph.png"));
+}
+
+void OssSnNodeGraphViewContextManager::showNodeGraphPalette()
+{
+    if (OssPalette *palette = OssPaletteManager::instance()->find(tr("Node Graph"), false))
+        palette->showBySidebar();
+}
+
+// --- project
+
+template <class Visit>
+void OssSnNodeGraphViewContextManager::visitProjectNodes(OssProject *project, Visit visit) const
+{
+    if (!project)
+        return;
+    const QList<OssShadingGroup *> groups = project->shadingGroups();
+    for (OssShadingGroup *group : groups) {
+        const OssShaderNetwork *network = OssShaderNetworkManager::instance()->getShaderNetwork(
+            group);
+        if (!network)
+            continue;
+        const QList<OssSnBaseNode *> nodes = network->getAllNodes();
+        for (OssSnBaseNode *node : nodes) {
+            if (OssSnNodeGraphViewContext *context = contextOf(node))
+                visit(context);
+        }
+    }
+}
+
+void OssSnNodeGraphViewContextManager::updatePortVisibility()
+{
+    visitProjectNodes(OssProjectManager::instance()->currentProject(),
+                      [](OssSnNodeGraphViewContext *context) { context->updatePortVisibility(); });
+}
+
+void OssSnNodeGraphViewContextManager::onProjectOpenCompleted()
+{
+    updatePortVisibility();
+    if (!m_nodeGraphWidget)
+        return;
+    m_nodeGraphWidget->view()->frameNodes(true);
+    m_nodeGraphWidget->refreshCurrentChanged();
+}
+
+void OssSnNodeGraphViewContextManager::onProjectMadeCurrentUpgradeOldBadBackdrops(
+    OssProject *Project)
+{
+    visitProjectNodes(Project, [](OssSnNodeGraphViewContext *context) {
+        if (auto *ui = qobject_cast<OssSnUINodeGraphViewContext *>(context))
+            ui->upgradeOldBackdrop();
+    });
+}
+
+// --- requests
+
+void OssSnNodeGraphViewContextManager::focusOnNode(OssSnBaseNode *Node)
+{
+    showNodeGraphPalette();
+    if (!Node || !m_nodeGraphWidget)
+        return;
+    m_nodeGraphWidget->selectTabForNetwork(Node->network());
+    OssShaderNetworkView *view = currentView();
+    if (!view || view->network() != Node->network() || !view->scene())
+        return;
+    view->scene()->clearSelection();
+    Node->setSelected(true);
+    view->frameSelectedNodes();
+}
+
+void OssSnNodeGraphViewContextManager::matchNodePosition(OssSnBaseNode *From, OssSnBaseNode *To)
+{
+    const OssNgNode *from = guiNodeOf(From);
+    OssNgNode *to = guiNodeOf(To);
+    if (!from || !to)
+        return;
+    to->savePosition();
+    to->setPosition(from->pos());
+    OssUndoManager::instance()->addUndo(std::make_unique<OssNgNodePositionChangeUndo>(to));
+}
+
+void OssSnNodeGraphViewContextManager::highlightCurrentImageSetNode(OssChannel *pImageSet)
+{
+    if (!pImageSet)
+        return;
+    OssShaderNetwork *pNetwork = OssShaderNetworkManager::instance()->currentShaderNetwork();
+    if (!pNetwork) {
+        OssDebug(Source, __LINE__, "pNetwork is NULL");
+        return;
+    }
+    const OssShaderNetwork *pRootNetwork = pNetwork->rootNetwork();
+    if (!pRootNetwork) {
+        OssDebug(Source, __LINE__, "pRootNetwork is NULL");
+        return;
+    }
+    const QList<OssSnBaseNode *> nodes = pRootNetwork->getAllNodes();
+    for (OssSnBaseNode *node : nodes) {
+        const auto *paint = qobject_cast<OssSnChannelInputNode *>(node);
+        OssNgNode *guiNode = paint ? guiNodeOf(node) : nullptr;
+        if (!guiNode)
+            continue;
+        const OssImageSet *set = paint->imageSet();
+        guiNode->setHighlighted(set && set->channel() == pImageSet);
+        guiNode->refresh();
+    }
+}
+
+void OssSnNodeGraphViewContextManager::onDebugNodesChanged(
+    OssShaderNetworkManager::DebugNodes rNewNodes, OssShaderNetworkManager::DebugInputs rNewInputs,
+    OssShaderNetworkManager::DebugNodes rOldNodes, OssShaderNetworkManager::DebugInputs rOldInputs)
+{
+    const auto mark = [](const OssShaderNetworkManager::DebugNodes &nodes,
+                         const OssShaderNetworkManager::DebugInputs &inputs, bool on) {
+        for (auto node = nodes.cbegin(); node != nodes.cend(); ++node)
+            setNodeDebug(node.key(), on, node.value());
+        for (auto node = inputs.cbegin(); node != inputs.cend(); ++node) {
+            for (auto input = node->cbegin(); input != node->cend(); ++input)
+                setInputDebug(node.key(), input.key(), on, input.value());
+        }
+    };
+    mark(rOldNodes, rOldInputs, false);
+    mark(rNewNodes, rNewInputs, true);
+}
+
+void OssSnNodeGraphViewContextManager::onNodePropertiesHoverChanged(OssSnBaseNode *MouseOver,
+                                                                    OssSnBaseNode *OldMouseOver)
+{
+    if (OssNgNode *guiNode = guiNodeOf(MouseOver))
+        guiNode->setHovered(true);
+    if (OssNgNode *guiNode = guiNodeOf(OldMouseOver))
+        guiNode->setHovered(false);
+}
+
+void OssSnNodeGraphViewContextManager::onNodeCollapsedModeChanged()
+{
+    const auto missing = [](const void *object, const char *message) {
+        if (!object)
+            OssDebug(Source, __LINE__, "%s", message);
+        return !object;
+    };
+    if (missing(sender(), "sender() is NULL"))
+        return;
+    const auto *action = qobject_cast<QAction *>(sender());
+    if (missing(action, "Action is NULL") || missing(m_nodeGraphWidget, "GraphWidget is NULL"))
+        return;
+    QWidget *page = m_nodeGraphWidget->currentWidget();
+    if (missing(page, "PageWidget is NULL"))
+        return;
+    const auto *view = qobject_cast<OssShaderNetworkView *>(page);
+    if (missing(view, "GraphView is NULL") || missing(view->network(), "Network is NULL"))
+        return;
+    const int mode = action->property("Mode").toInt();
+    const QList<OssSnBaseNode *> nodes = view->network()->selectedNodes();
+    for (OssSnBaseNode *node : nodes) {
+        const bool hasStreams = qobject_cast<OssSnMultiChannelGroupNode *>(node)
+                                || node->hasTag(QStringLiteral("_shader"));
+        if (mode == StreamCollapsed && !hasStreams)
+            continue;
+        if (OssSnNodeGraphViewContext *context = contextOf(node))
+            context->setPortListMode(DefaultMCMCollapsedState(mode));
+    }
+}

@@ -1,0 +1,181 @@
+#include "OssGroupNodeKnobWidget.h"
+
+#include "OssCore/OssIcon.h"
+#include "OssCore/OssObjectReferenceManager.h"
+#include "OssCore/OssUndoManager.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Nodes/OssSnImageSetNodeBase.h"
+
+#include <QDialogButtonBox>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTreeWidget>
+#include <QTreeWidgetItemIterator>
+#include <QVBoxLayout>
+
+// Picking attributes of nodes inside the group.
+
+namespace {
+
+constexpr int UserAttributeRole = Qt::UserRole + 1;
+
+/// A dialog that no key closes, so that Enter in its search field searches.
+class OssEnterIgnorantDialog : public QDialog
+{
+public:
+    using QDialog::QDialog;
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override
+    {
+        if (event->key() == Qt::Key_Enter)
+            event->accept();
+    }
+};
+
+/// A system's own nodes, and those whose images are no values, are not offered.
+bool isOffered(const OssSnBaseNode *node)
+{
+    return OssSnGroupNode::offersKnobs(node) && !qobject_cast<const OssSnImageSetNodeBase *>(node);
+}
+
+QPushButton *makeButton(const QString &icon, const QString &accessibleName)
+{
+    auto *button = new QPushButton(OssIcon::createIconFromFilename(icon), QString());
+    button->setAccessibleName(accessibleName);
+    button->setToolTip(accessibleName);
+    button->setAutoDefault(false);
+    return button;
+}
+
+} // namespace
+
+void OssGroupNodeKnobWidget::showGizmoPropertySelection()
+{
+    if (!qobject_cast<QPushButton *>(sender()) || !m_groupNode)
+        return;
+    OssEnterIgnorantDialog dialog(this);
+    dialog.setModal(true);
+    dialog.setWindowTitle(tr("Pick Knobs to Add"));
+    QTreeWidget tree;
+    QLineEdit search;
+    m_pickTree = &tree;
+    m_search = &search;
+
+    auto *row = new QHBoxLayout;
+    auto *label = new QLabel(tr("Search"));
+    label->setBuddy(&search);
+    QPushButton *previous = makeButton(QStringLiteral("Left.png"), tr("Previous"));
+    QPushButton *next = makeButton(QStringLiteral("Right.png"), tr("Next"));
+    row->addWidget(label);
+    row->addWidget(&search);
+    row->addWidget(previous);
+    row->addWidget(next);
+    using Widget = OssGroupNodeKnobWidget;
+    connect(&search, &QLineEdit::returnPressed, this, &Widget::findNextPickItem);
+    connect(next, &QPushButton::pressed, this, &Widget::findNextPickItem);
+    connect(previous, &QPushButton::pressed, this, &Widget::findPreviousPickItem);
+
+    tree.setHeaderHidden(true);
+    tree.setSelectionMode(QAbstractItemView::ExtendedSelection);
+    tree.setAccessibleName(tr("Attributes"));
+    tree.ensurePolished(); // rows are measured when they come
+    fillPickTree();
+    QDialogButtonBox buttons(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, Qt::Horizontal);
+    connect(&buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
+    connect(&buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+
+    QVBoxLayout layout(&dialog);
+    layout.addLayout(row);
+    layout.addWidget(&tree);
+    layout.addWidget(&buttons);
+    dialog.resize(600, 400);
+    search.setFocus();
+    if (dialog.exec() == QDialog::Accepted && m_groupNode)
+        createPickedKnobs();
+    m_pickTree = nullptr;
+    m_search = nullptr;
+}
+
+void OssGroupNodeKnobWidget::fillPickTree()
+{
+    const QList<OssSnBaseNode *> nodes = m_groupNode->groupNetwork()->nodes();
+    for (const OssSnBaseNode *node : nodes) {
+        if (!isOffered(node))
+            continue;
+        auto *nodeItem = new QTreeWidgetItem(m_pickTree, {node->name()}); // the tree owns it
+        nodeItem->setData(0, Qt::UserRole, node->uuidString());
+        nodeItem->setFlags(nodeItem->flags() & ~Qt::ItemIsSelectable);
+        const QStringList attributes = node->nodeAttributes();
+        for (const QString &attribute : attributes) {
+            const QString name = node->nodeAttributeNameAsUserAttributeName(attribute);
+            if (name.startsWith(QLatin1Char('_')))
+                continue;
+            const QString prettyName = node->userAttribute(name).prettyName();
+            const QString text = prettyName == name
+                                     ? name
+                                     : QStringLiteral("%1 (%2)").arg(prettyName, name);
+            auto *item = new QTreeWidgetItem(nodeItem, {text});
+            item->setData(0, UserAttributeRole, name);
+            item->setFlags(item->flags() | Qt::ItemIsSelectable);
+        }
+    }
+}
+
+void OssGroupNodeKnobWidget::createPickedKnobs()
+{
+    {
+        const OssUndoManager::AutoMacro macro(tr("Creating Knobs"));
+        for (QTreeWidgetItemIterator it(m_pickTree, QTreeWidgetItemIterator::Selected); *it; ++it) {
+            const QTreeWidgetItem *parent = (*it)->parent();
+            if (!parent)
+                continue;
+            auto *node = qobject_cast<OssSnBaseNode *>(
+                OssObjectReferenceManager::instance()->getPointer(
+                    parent->data(0, Qt::UserRole).toString()));
+            m_groupNode->createKnob(node, (*it)->data(0, UserAttributeRole).toString());
+        }
+    }
+    OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
+    refreshKnobList();
+}
+
+// --- search
+
+void OssGroupNodeKnobWidget::findNextPickItem()
+{
+    findPickItem(1);
+}
+
+void OssGroupNodeKnobWidget::findPreviousPickItem()
+{
+    findPickItem(-1);
+}
+
+void OssGroupNodeKnobWidget::findPickItem(int step)
+{
+    if (!m_pickTree || !m_search)
+        return;
+    QList<QTreeWidgetItem *> items;
+    for (QTreeWidgetItemIterator it(m_pickTree); *it; ++it)
+        items.append(*it);
+    const QRegExp pattern(m_search->text(), Qt::CaseInsensitive, QRegExp::WildcardUnix);
+    const int count = items.size();
+    const int current = items.indexOf(m_pickTree->currentItem());
+    // Once round, the current one last; without one from the first resp. last one on.
+    const int start = current >= 0 ? current : step > 0 ? -1 : count;
+    for (int i = 1; i <= count; ++i) {
+        QTreeWidgetItem *item = items.at(((start + i * step) % count + count) % count);
+        if (pattern.indexIn(item->text(0)) < 0)
+            continue;
+        if (item->childCount() > 0)
+            item->setExpanded(true);
+        m_pickTree->setCurrentItem(item);
+        return;
+    }
+}

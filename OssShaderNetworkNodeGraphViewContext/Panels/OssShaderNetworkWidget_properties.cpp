@@ -1,0 +1,502 @@
+#include "OssShaderNetworkWidget.h"
+
+#include "OssCore/OssDebug.h"
+#include "OssCore/OssResourceInfo.h"
+#include "OssCore/OssSettings.h"
+#include "OssCore/OssStatusManager.h"
+#include "OssGroupNodeKnobWidget.h"
+#include "OssInterface/Actions/OssActionTreeManager.h"
+#include "OssInterface/Properties/OssNodePropertyPanel.h"
+#include "OssInterface/Widgets/OssExpandableListHeading.h"
+#include "OssInterface/Widgets/OssExpandableListWidget.h"
+#include "OssInterface/Widgets/OssFormLayout.h"
+#include "OssInterface/Widgets/OssMiniButton.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Layers/OssLayerShader.h"
+#include "OssModel/Layers/OssLayerShaderManager.h"
+#include "OssModel/Layers/OssLayerShaderUtils.h"
+#include "OssModel/Nodes/OssSnChannelInputNode.h"
+#include "OssShaderNetworkView.h"
+#include "OssSnGroupNodeGraphViewContext.h"
+#include "Panels/PropertyPanelFrame.h"
+
+#include <QAction>
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QIntValidator>
+#include <QLineEdit>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr const char *Source = "OssShaderNetworkWidget";
+const QString SettingsGroup = QStringLiteral("OssSnNodePropertiesWidget");
+const QString MaxPanelsKey = QStringLiteral("MaxPanels");
+constexpr int MaxPanelsDefault = 10;
+constexpr const char *GroupNodeProperty = "GroupNode";
+
+QString panelName(const OssSnBaseNode *node)
+{
+    QString name = node->uuidString();
+    name.remove(QLatin1Char('{')).remove(QLatin1Char('}'));
+    return name;
+}
+
+const QColor DefaultFrame(0, 0, 255, 255);
+
+OssPropertyPanelOptions optionsFor(OssSnBaseNode *node)
+{
+    OssPropertyPanelOptions options;
+    if (!OssLayerShaderUtils::isLayerShaderNode(node))
+        return options;
+    if (!node->hasTag(QStringLiteral("_respectShaderGroupNodeAttributeOrder"))) {
+        for (const char *pattern :
+             {"Diffuse.*", "Specular.*", "Environment.*", "Ambient.*", "Emissive.*", "Bump.*",
+              "Normal.*", "Vector.*", "Displacement.*"})
+            options.sectionOrder.append(QRegularExpression(QLatin1String(pattern)));
+    }
+    const OssLayerShader *shader = OssLayerShaderManager::instance()->getLayerShader(node);
+    if (shader && shader->isStackShader())
+        options.hiddenSections.append(QStringLiteral("Displacement"));
+    options.nodeProperties.append(QStringLiteral("name"));
+    options.nodePropertyPaths.append(QStringLiteral("/Node"));
+    options.showNodeProperties = true;
+    options.orderSections = true;
+    options.foldUntouchedSections = true;
+    return options;
+}
+
+QList<OssExpandableListWidget *> sectionsOf(QWidget *panel)
+{
+    QList<OssExpandableListWidget *> sections;
+    if (!qobject_cast<OssExpandableListWidget *>(panel))
+        return sections;
+    const auto all = panel->findChildren<OssExpandableListWidget *>();
+    for (OssExpandableListWidget *section : all) {
+        if (section->heading())
+            sections.append(section);
+    }
+    return sections;
+}
+
+bool isPinned(const QWidget *panel)
+{
+    return panel && panel->property("pinned").toBool();
+}
+
+} // namespace
+
+OssSnNodePropertiesWidget::OssSnNodePropertiesWidget(OssShaderNetworkView *view, QWidget *parent)
+    : QWidget(parent)
+{
+    if (!view) {
+        OssDebug(Source, __LINE__, "View is NULL");
+        return;
+    }
+    setWindowTitle(tr("Node Properties"));
+    makeScrollArea();
+    makeBar(makeDeleteAction());
+    connect(view, &OssShaderNetworkView::nodeDoubleClicked, this,
+            &OssSnNodePropertiesWidget::openProperty);
+    connect(OssStatusManager::instance(), &OssStatusManager::endProcessing, this,
+            &OssSnNodePropertiesWidget::onEndProcessing);
+    setAttribute(Qt::WA_Hover);
+}
+
+OssSnNodePropertiesWidget::~OssSnNodePropertiesWidget() = default;
+
+// --- making
+
+void OssSnNodePropertiesWidget::makeScrollArea()
+{
+    m_scrollArea = new QScrollArea(this);
+    m_scrollArea->setFrameShape(QFrame::NoFrame);
+    auto *container = new QWidget; // the scroll area takes it
+    m_panelLayout = new QVBoxLayout(container);
+    m_panelLayout->setContentsMargins(1, 1, 1, 1);
+    m_panelLayout->setSpacing(2);
+    m_panelLayout->addStretch();
+    m_panelLayout->setSizeConstraint(QLayout::SetMinimumSize);
+    m_scrollArea->setWidget(container);
+    m_scrollArea->setWidgetResizable(true);
+}
+
+QAction *OssSnNodePropertiesWidget::makeDeleteAction()
+{
+    auto *action = new QAction(QStringLiteral("Delete All Properties"), this);
+    action->setShortcut(Qt::CTRL + Qt::SHIFT + Qt::Key_A);
+    OssActionTreeManager *tree = OssActionTreeManager::instance();
+    if (!tree->hasAction(QStringLiteral("/Ossa/NodeGraph/Delete all Properties")))
+        tree->registerAction(QStringLiteral("/Ossa/NodeGraph/"), action);
+    connect(action, &QAction::triggered, this, &OssSnNodePropertiesWidget::deleteAllProperties);
+    return action;
+}
+
+void OssSnNodePropertiesWidget::makeBar(QAction *deleteAll)
+{
+    auto *button = new QPushButton(this);
+    button->setIcon(QIcon(OssResourceInfo::instance()->iconPath()
+                          + QStringLiteral("/NodePropertiesDeleteAll.png")));
+    button->setMaximumSize(24, 24);
+    button->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    button->setToolTip(tr("Remove all panels."));
+    button->setWhatsThis(tr("Remove all panels."));
+    button->setAccessibleName(tr("Remove all panels."));
+    // Where the action acts on its keys itself, the button's would make them ambiguous.
+    const auto follow = [button, deleteAll] {
+        const Qt::ShortcutContext context = deleteAll->shortcutContext();
+        const bool acts = context == Qt::WidgetWithChildrenShortcut
+                          || context == Qt::ApplicationShortcut;
+        button->setShortcut(acts ? QKeySequence() : deleteAll->shortcut());
+    };
+    connect(deleteAll, &QAction::changed, button, follow);
+    follow();
+    // A style's padding leaves no room for the icon in a button as small as this.
+    button->setStyleSheet(QStringLiteral("padding: 0;"));
+    connect(button, &QPushButton::clicked, deleteAll, &QAction::trigger);
+
+    m_maxPanels = new QLineEdit(this);
+    m_maxPanels->setMaximumWidth(30);
+    auto *validator = new QIntValidator(m_maxPanels);
+    validator->setBottom(1);
+    m_maxPanels->setValidator(validator);
+    m_maxPanels->setToolTip(tr("Max number of panels to display"));
+    m_maxPanels->setWhatsThis(tr("Max number of panels to display"));
+    m_maxPanels->setAccessibleName(tr("Max number of panels to display"));
+    m_maxPanels->setStyleSheet(QStringLiteral("padding: 3px 2px;"));
+    connect(m_maxPanels, &QLineEdit::editingFinished, this,
+            &OssSnNodePropertiesWidget::onMaxPanelsEditingFinished);
+    OssSettings settings;
+    settings.beginGroup(SettingsGroup);
+    m_maxPanels->setText(QString::number(settings.value(MaxPanelsKey, MaxPanelsDefault).toInt()));
+
+    auto *bar = new QHBoxLayout;
+    bar->setContentsMargins(1, 1, 1, 1);
+    bar->addWidget(m_maxPanels);
+    bar->addWidget(button);
+    bar->addStretch();
+    auto *outer = new QVBoxLayout(this);
+    outer->setContentsMargins(0, 0, 0, 0);
+    outer->setSpacing(1);
+    outer->addLayout(bar);
+    outer->addWidget(m_scrollArea);
+}
+
+// --- opening
+
+QWidget *OssSnNodePropertiesWidget::panel(const OssSnBaseNode *node) const
+{
+    return m_panels.value(const_cast<OssSnBaseNode *>(node));
+}
+
+void OssSnNodePropertiesWidget::openProperty(OssSnBaseNode *Node)
+{
+    createPropertyWidget(Node, 0);
+    Q_EMIT nodeDoubledClicked();
+}
+
+void OssSnNodePropertiesWidget::insertBefore(OssSnBaseNode *node, const OssSnBaseNode *target)
+{
+    insertBeside(node, target, 0);
+}
+
+void OssSnNodePropertiesWidget::insertAfter(OssSnBaseNode *node, const OssSnBaseNode *target)
+{
+    insertBeside(node, target, 1);
+}
+
+void OssSnNodePropertiesWidget::insertBeside(OssSnBaseNode *node, const OssSnBaseNode *target,
+                                             int offset)
+{
+    if (!m_panelLayout || node == target)
+        return;
+    int index = panel(target) ? m_panelLayout->indexOf(panel(target)) : -1;
+    const int own = panel(node) ? m_panelLayout->indexOf(panel(node)) : -1;
+    if (own >= 0 && own < index)
+        --index; // it is taken out first
+    createPropertyWidget(node, index < 0 ? 0 : index + offset);
+}
+
+QWidget *OssSnNodePropertiesWidget::makePanel(OssSnBaseNode *node)
+{
+    QWidget *made = new OssNodePropertyPanel(node, optionsFor(node), m_scrollArea->widget());
+    made->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
+    made->setAttribute(Qt::WA_DeleteOnClose);
+    made->setObjectName(panelName(node));
+    made->setStyleSheet(PropertyPanelFrame::styleSheet(node, made->objectName(), DefaultFrame));
+    addGroupButtons(made, node);
+    return made;
+}
+
+void OssSnNodePropertiesWidget::addGroupButtons(QWidget *panel, OssSnBaseNode *node)
+{
+    auto *group = qobject_cast<OssSnGroupNode *>(node);
+    const auto *list = qobject_cast<OssExpandableListWidget *>(panel);
+    if (!group || !list || !list->heading())
+        return;
+    const auto add = [&](int index, const QString &text, const QString &toolTip) {
+        auto *button = new OssMiniButton(text);
+        button->setToolTip(toolTip);
+        button->setAccessibleName(toolTip);
+        button->setAutoFillBackground(true);
+        button->setProperty(GroupNodeProperty, QVariant::fromValue<QObject *>(group));
+        list->heading()->insertWidget(index, button);
+        return button;
+    };
+    connect(add(0, QStringLiteral("p"),
+                tr("Choose which knobs and parameters should be included in the group")),
+            &QPushButton::clicked, this, &OssSnNodePropertiesWidget::showGroupNodeKnobWidget);
+    connect(
+        add(1, QStringLiteral("s"),
+            tr("Open Group Node subgraph (%1+Enter, %1+Doube-click)").arg(QStringLiteral("Ctrl"))),
+        &QPushButton::clicked, this, &OssSnNodePropertiesWidget::showGroupNodeSubgraph);
+}
+
+void OssSnNodePropertiesWidget::followNode(OssSnBaseNode *node)
+{
+    using Node = OssSnBaseNode;
+    using Widget = OssSnNodePropertiesWidget;
+    const auto once = Qt::UniqueConnection;
+    connect(node, &QObject::destroyed, this, &Widget::onNodeRemoved, once);
+    connect(node, &Node::nodeRemovedFromNetwork, this, &Widget::onNodeRemoved, once);
+    connect(node, &Node::selectedChanged, this, &Widget::refreshPanel, once);
+    connect(node, &Node::nodeStateRefreshed, this, &Widget::refreshPanel, once);
+    connect(node, &Node::cacheActiveChanged, this, &Widget::refreshPanel, once);
+    connect(node, &Node::nodeRefreshed, this, &Widget::onUserAttributePopulationChanged, once);
+    connect(node, &Node::visibleNodeAttributeRemoved, this,
+            &Widget::onUserAttributePopulationChanged, once);
+    connect(node, &Node::nodeAttributesSet, this, &Widget::onUserAttributePopulationChanged, once);
+    connect(node, &Node::nodeAttributeCreated, this, &Widget::onUserAttributeChanged, once);
+    connect(node, &Node::nodeAttributePrettyNameChanged, this, &Widget::onUserAttributeChanged,
+            once);
+    connect(node, &Node::nodeAttributeRenamed, this, &Widget::onUserAttributeRenamed, once);
+}
+
+QWidget *OssSnNodePropertiesWidget::createPropertyWidget(OssSnBaseNode *Node, int InsertionPoint)
+{
+    if (!Node) {
+        OssDebug(Source, __LINE__, "Node is NULL");
+        return nullptr;
+    }
+    if (!m_panelLayout || Node->hasTag(QStringLiteral("_dot"))
+        || Node->hasTag(QStringLiteral("_viewer")))
+        return nullptr;
+    QWidget *panel = m_panels.value(Node);
+    if (!panel) {
+        panel = makePanel(Node);
+        followNode(Node);
+        if (auto *paint = qobject_cast<OssSnChannelInputNode *>(Node))
+            paint->enablePropertiesBasedOnManagedByChannel();
+        OssFormLayout::alignLabels(panel);
+        m_panels.insert(Node, panel);
+    }
+    m_panelLayout->removeWidget(panel);
+    m_panelLayout->insertWidget(InsertionPoint, panel);
+    panel->show();
+    m_scrollArea->verticalScrollBar()->setValue(
+        panel->inputMethodQuery(Qt::ImCursorRectangle).toRect().top());
+    deletePanelsExceedingMax();
+    return panel;
+}
+
+// --- closing
+
+void OssSnNodePropertiesWidget::deletePanelsExceedingMax()
+{
+    if (!m_panelLayout)
+        return;
+    const int max = m_maxPanels->text().toInt();
+    const int n = m_panelLayout->count();
+    if (n - 1 <= max)
+        return;
+    for (int i = n - 2; i >= max; --i) {
+        QWidget *oldest = m_panelLayout->itemAt(i)->widget();
+        if (isPinned(oldest))
+            continue;
+        m_panelLayout->removeWidget(oldest);
+        oldest->hide();
+        oldest->deleteLater();
+    }
+}
+
+void OssSnNodePropertiesWidget::onMaxPanelsEditingFinished()
+{
+    OssSettings settings;
+    settings.beginGroup(SettingsGroup);
+    settings.setValue(MaxPanelsKey, m_maxPanels->text().toInt());
+}
+
+void OssSnNodePropertiesWidget::deleteAllProperties()
+{
+    for (const QPointer<QWidget> &panel : qAsConst(m_panels)) {
+        if (!panel)
+            continue;
+        m_panelLayout->removeWidget(panel);
+        panel->hide();
+        panel->deleteLater();
+    }
+    m_panels.clear();
+}
+
+void OssSnNodePropertiesWidget::onNodeRemoved()
+{
+    // Without a cast: the node may be half gone.
+    const auto found = m_panels.find(static_cast<OssSnBaseNode *>(sender()));
+    if (found == m_panels.end())
+        return;
+    if (QWidget *panel = *found) {
+        m_panelLayout->removeWidget(panel);
+        panel->hide();
+        panel->deleteLater();
+    }
+    m_panels.erase(found);
+}
+
+// --- keeping in step
+
+void OssSnNodePropertiesWidget::refreshPanel()
+{
+    auto *node = qobject_cast<OssSnBaseNode *>(sender());
+    if (!node)
+        return;
+    if (OssStatusManager::instance()->inProgress()) {
+        m_refreshPending = true;
+        return;
+    }
+    QWidget *panel = m_panels.value(node);
+    if (!panel)
+        return;
+    const QString style = PropertyPanelFrame::styleSheet(node, panel->objectName(), DefaultFrame);
+    // A style sheet is worked out for every widget inside, so an equal one is not set again.
+    if (panel->styleSheet() != style)
+        panel->setStyleSheet(style);
+}
+
+void OssSnNodePropertiesWidget::onEndProcessing()
+{
+    // Nobody sent this who has a panel: all that happens is that the request is forgotten.
+    if (m_refreshPending)
+        refreshPanel();
+    m_refreshPending = false;
+}
+
+void OssSnNodePropertiesWidget::onUserAttributePopulationChanged()
+{
+    if (auto *node = qobject_cast<OssSnBaseNode *>(sender()))
+        refreshPropertiesForNode(node);
+}
+
+bool OssSnNodePropertiesWidget::isVisibleAttribute(const OssSnBaseNode *node, const QString &name)
+{
+    return node && node->exists(name) && node->userAttribute(name).isVisible();
+}
+
+void OssSnNodePropertiesWidget::onUserAttributeChanged(QString AttributeName)
+{
+    auto *node = qobject_cast<OssSnBaseNode *>(sender());
+    if (isVisibleAttribute(node, AttributeName))
+        refreshPropertiesForNode(node);
+}
+
+void OssSnNodePropertiesWidget::onUserAttributeRenamed(QString, QString NewAttributeName)
+{
+    auto *node = qobject_cast<OssSnBaseNode *>(sender());
+    if (isVisibleAttribute(node, NewAttributeName))
+        refreshPropertiesForNode(node);
+}
+
+void OssSnNodePropertiesWidget::refreshPropertiesForNode(OssSnBaseNode *Node)
+{
+    QWidget *panel = Node ? m_panels.value(Node).data() : nullptr;
+    const int index = panel ? m_panelLayout->indexOf(panel) : -1;
+    if (index < 0)
+        return;
+    QHash<QString, bool> collapsed;
+    const QList<OssExpandableListWidget *> before = sectionsOf(panel);
+    for (const OssExpandableListWidget *section : before)
+        collapsed.insert(section->heading()->text(), section->isCollapsed());
+    m_panelLayout->removeWidget(panel);
+    panel->hide();
+    m_panels.remove(Node);
+    panel->deleteLater();
+    const auto *old = qobject_cast<const OssExpandableListWidget *>(panel);
+    QWidget *made = createPropertyWidget(Node, index);
+    auto *list = qobject_cast<OssExpandableListWidget *>(made);
+    if (list && old && old->isCollapsed())
+        list->collapse();
+    const QList<OssExpandableListWidget *> after = sectionsOf(made);
+    for (OssExpandableListWidget *section : after) {
+        const auto known = collapsed.constFind(section->heading()->text());
+        if (known == collapsed.cend())
+            continue;
+        if (*known)
+            section->collapse();
+        else
+            section->expand();
+    }
+}
+
+// --- groups
+
+void OssSnNodePropertiesWidget::showGroupNodeKnobWidget()
+{
+    const auto *button = qobject_cast<QPushButton *>(sender());
+    if (!button)
+        return;
+    auto *group = qobject_cast<OssSnGroupNode *>(
+        button->property(GroupNodeProperty).value<QObject *>());
+    if (!group) {
+        OssDebug(Source, __LINE__, "GroupNode is NULL");
+        return;
+    }
+    OssGroupNodeKnobDialog dialog(group);
+    dialog.resize(600, 400);
+    dialog.exec();
+}
+
+void OssSnNodePropertiesWidget::showGroupNodeSubgraph()
+{
+    const auto *button = qobject_cast<QPushButton *>(sender());
+    if (!button)
+        return;
+    const auto *groupNode = qobject_cast<OssSnGroupNode *>(
+        button->property(GroupNodeProperty).value<QObject *>());
+    if (!groupNode) {
+        OssDebug(Source, __LINE__, "GroupNode is NULL");
+        return;
+    }
+    auto *context = qobject_cast<OssSnGroupNodeGraphViewContext *>(
+        groupNode->context(QStringLiteral("NodeGraphView")));
+    if (!context) {
+        OssDebug(Source, __LINE__, "Context is NULL");
+        return;
+    }
+    context->showGroupNodeTab();
+}
+
+// --- pointer
+
+OssSnBaseNode *OssSnNodePropertiesWidget::nodeUnderMouse() const
+{
+    for (auto entry = m_panels.cbegin(); entry != m_panels.cend(); ++entry) {
+        if (*entry && (*entry)->testAttribute(Qt::WA_UnderMouse))
+            return entry.key();
+    }
+    return nullptr;
+}
+
+bool OssSnNodePropertiesWidget::event(QEvent *Event)
+{
+    const QEvent::Type type = Event->type();
+    if (type == QEvent::HoverEnter || type == QEvent::HoverMove || type == QEvent::HoverLeave) {
+        OssSnBaseNode *now = type == QEvent::HoverLeave ? nullptr : nodeUnderMouse();
+        if (now != m_nodeUnderMouse) {
+            OssSnBaseNode *before = m_nodeUnderMouse;
+            m_nodeUnderMouse = now;
+            Q_EMIT propertiesUnderMouseChanged(now, before);
+        }
+    }
+    return QWidget::event(Event);
+}

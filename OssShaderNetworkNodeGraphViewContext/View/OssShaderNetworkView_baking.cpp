@@ -1,0 +1,329 @@
+#include "OssShaderNetworkView.h"
+
+#include "OssCore/OssDebug.h"
+#include "OssCore/OssUndoManager.h"
+#include "OssInterface/Popups/OssApplication.h"
+#include "OssInterface/Popups/OssMessageBox.h"
+#include "OssModel/Graph/OssGeoEntity.h"
+#include "OssModel/Graph/OssGeoImageSet.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShaderNetworkUtils.h"
+#include "OssModel/Nodes/OssSnBakePointNode.h"
+#include "OssModel/Nodes/OssSnMaterialNode.h"
+#include "OssModel/Objects/OssCanvasManager.h"
+#include "OssModel/Objects/OssChannel.h"
+#include "OssModel/Objects/OssImageSet.h"
+#include "OssModel/Objects/OssShadingContext.h"
+#include "OssNodeGraph/Items/OssNgNode.h"
+#include "OssSnNodeGraphViewContextManager.h"
+
+#include <QDir>
+#include <QInputDialog>
+
+#include <algorithm>
+
+// Pixels into images: bake points, paint nodes, geo-channels.
+
+namespace {
+
+constexpr const char *Source = "OssShaderNetworkView";
+
+QList<OssSnBakePointNode *> bakePointsAmong(const QList<OssSnBaseNode *> &nodes)
+{
+    QList<OssSnBakePointNode *> bakePoints;
+    for (OssSnBaseNode *node : nodes) {
+        if (OssSnBakePointNode *bakePoint = OssShaderNetworkUtils::asTrueBakePointNode(node))
+            bakePoints.append(bakePoint);
+    }
+    return bakePoints;
+}
+
+/// A bake that did not come about is told to who asked for it.
+void tell(const QString &title, const OssResult &result)
+{
+    if (!result)
+        OssMessageBox::warning(nullptr, title, result.error());
+}
+
+} // namespace
+
+// --- bake points
+
+void OssShaderNetworkView::bake(const QList<OssSnBakePointNode *> &nodes, bool bakeEmpty,
+                                const char *messageForNone)
+{
+    if (nodes.isEmpty()) {
+        OssDebug(Source, __LINE__, "[ !! ] %s", messageForNone);
+        tellUser(tr(messageForNone));
+        return;
+    }
+    const bool nothingToDo = std::all_of(nodes.cbegin(), nodes.cend(), [&](auto *node) {
+        return node->hasBakedResult() ? node->isBakedResultUpToDate() : !bakeEmpty;
+    });
+    if (nothingToDo)
+        tellUser(tr("All baked results are up to date"));
+    tell(tr("Bake"), OssShaderNetworkUtils::bakeBakePoints(nodes, true, bakeEmpty));
+}
+
+void OssShaderNetworkView::bakeEmptyAndUpdateOutOfDateBakePoints()
+{
+    if (hasNetwork())
+        bake(bakePointsAmong(m_network->getAllNodes()), true,
+             QT_TR_NOOP("No Bake Point nodes found"));
+}
+
+void OssShaderNetworkView::bakeSelectedBakePoints()
+{
+    if (hasNetwork())
+        bake(bakePointsAmong(m_network->selectedNodes()), true,
+             QT_TR_NOOP("No Bake Point nodes are selected"));
+}
+
+void OssShaderNetworkView::updateSelectedBakePoints()
+{
+    if (hasNetwork())
+        bake(bakePointsAmong(m_network->selectedNodes()), false,
+             QT_TR_NOOP("No Bake Point nodes are selected"));
+}
+
+QList<OssSnBaseNode *> OssShaderNetworkView::selectionToBakeAround() const
+{
+    if (!hasNetwork())
+        return {};
+    const QList<OssSnBaseNode *> nodes = m_network->selectedNodes();
+    if (nodes.isEmpty()) {
+        OssDebug(Source, __LINE__, "[ !! ] No nodes are selected");
+        tellUser(tr("No nodes are selected"));
+    }
+    return nodes;
+}
+
+void OssShaderNetworkView::updateUpstreamBakePoints()
+{
+    const QList<OssSnBaseNode *> nodes = selectionToBakeAround();
+    if (!nodes.isEmpty())
+        bake(OssShaderNetworkUtils::getUpstreamBakePointNodes(nodes), true,
+             QT_TR_NOOP("No upstream Bake Point nodes found"));
+}
+
+void OssShaderNetworkView::updateDownstreamBakePoints()
+{
+    const QList<OssSnBaseNode *> nodes = selectionToBakeAround();
+    if (!nodes.isEmpty())
+        bake(OssShaderNetworkUtils::getDownstreamBakePointNodes(nodes), true,
+             QT_TR_NOOP("No downstream Bake Point nodes found"));
+}
+
+// --- paint nodes
+
+void OssShaderNetworkView::bakePaintBufferToNode(const OssSnBaseNode *Node)
+{
+    const auto *images = qobject_cast<const OssSnImageSetNodeBase *>(Node);
+    const OssImageSet *set = images ? images->imageSet() : nullptr;
+    const OssChannel *channel = set ? set->channel() : nullptr;
+    const OssShadingContext *context = channel ? channel->shadingContext() : nullptr;
+    OssCanvasWidget *canvas = OssCanvasManager::instance()->currentCanvas();
+    if (context && context->currentImageSet() && canvas)
+        canvas->handleBakeBehavior(context->currentImageSet());
+}
+
+bool OssShaderNetworkView::chooseOutputPoint(const OssSnBaseNode *node, const QString &title,
+                                             const QString &label, QString *outputPoint)
+{
+    *outputPoint = node->prefferedOutputPoint();
+    const QStringList names = node->outputPointNames();
+    if (!OssApplication::popupsAllowed() || names.size() < 2)
+        return true;
+    bool chosen = false;
+    const QString name = QInputDialog::getItem(this, title, label, names,
+                                               names.indexOf(*outputPoint), false, &chosen);
+    if (chosen)
+        *outputPoint = name;
+    return chosen;
+}
+
+void OssShaderNetworkView::bakeToPaintableNode()
+{
+    if (!hasNetwork())
+        return;
+    OssUndoManager::AutoMacro macro(tr("Bake to Paintable"));
+    const QList<OssSnBaseNode *> nodes = m_network->selectedNodes();
+    if (nodes.size() != 1) {
+        OssMessageBox::warning(this, tr("Bake to Paintable Node"),
+                               tr("Only one node must be selected for baking to a paintable node"));
+        return;
+    }
+    OssSnBaseNode *source = nodes.first();
+    auto *paint = qobject_cast<OssSnImageSetNodeBase *>(m_network->createPaintableNode({}));
+    QString outputPoint;
+    if (!paint || !paint->imageSet()
+        || !chooseOutputPoint(source, tr("Bake to Paintable"),
+                              tr("Select the output port to bake at:"), &outputPoint)) {
+        macro.cancel();
+        return;
+    }
+    bakePaintBufferToNode(source);
+    const OssResult baked = bakeIntoPaintNode(source, outputPoint, paint);
+    if (!baked) {
+        macro.cancel();
+        tell(tr("Bake to Paintable Node"), baked);
+        return;
+    }
+    // A copy: wires leave the list while they are moved.
+    const QVector<OssSnBaseNode::OutgoingConnection> edges = source->outgoingConnections();
+    for (const OssSnBaseNode::OutgoingConnection &edge : edges) {
+        if (edge.outputPoint == outputPoint)
+            edge.target->setInputNode(edge.input, paint, paint->prefferedOutputPoint());
+    }
+    paint->positionNodeOnTopIndented(source);
+    placeNode(paint);
+    if (scene())
+        scene()->clearSelection();
+    if (OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(paint))
+        item->setSelected(true);
+    OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
+}
+
+OssResult OssShaderNetworkView::bakeIntoPaintNode(const OssSnBaseNode *source,
+                                                  const QString &outputPoint,
+                                                  OssSnImageSetNodeBase *paint)
+{
+    OssImageSet *empty = paint->imageSet();
+    OssShadingContext *shading = m_network->shadingContext();
+    OssImageSet *set = empty->duplicate(
+        shading->freeImageSetName(QStringLiteral("Node_Bake_") + empty->name()));
+    shading->addImageSet(set); // takes it
+    const OssResult baked = source->bake(set, outputPoint);
+    if (!baked)
+        return baked;
+    paint->setImageSet(set, true);
+    shading->removeImageSet(empty);
+    return {};
+}
+
+void OssShaderNetworkView::setImageSetByNameAction()
+{
+    if (!hasNetwork())
+        return;
+    const QString name = QInputDialog::getText(this, tr("Image Set Name"), tr("Image Set Name :"));
+    const OssShadingContext *shading = m_network->shadingContext();
+    OssImageSet *set = shading && !name.isEmpty() ? shading->findImageSet(name) : nullptr;
+    if (!set) {
+        if (!name.isEmpty())
+            OssDebug(Source, __LINE__, "[ !! ] There are no images '%s'", qPrintable(name));
+        return;
+    }
+    const OssUndoManager::AutoMacro macro(tr("Set Images %1").arg(name));
+    const QList<OssSnBaseNode *> nodes = m_network->selectedNodes();
+    for (OssSnBaseNode *node : nodes) {
+        if (OssSnImageSetNodeBase *images = OssShaderNetworkUtils::asTrueImageSetNode(node))
+            images->setImageSet(set, true);
+    }
+}
+
+// --- materials
+
+void OssShaderNetworkView::generateMaterialPreview()
+{
+    const OssShaderNetwork *network = OssShaderNetworkManager::instance()->currentShaderNetwork();
+    const QList<OssSnBaseNode *> nodes = network ? network->selectedNodes()
+                                                 : QList<OssSnBaseNode *>();
+    const auto *material = nodes.size() == 1 ? qobject_cast<OssSnMaterialNode *>(nodes.first())
+                                             : nullptr;
+    if (!material) {
+        OssDebug(Source, __LINE__,
+                 "Only one nodes needs to be selected for material preview creation");
+        return;
+    }
+    tell(tr("Thumbnail Generation Error"),
+         material->generateMaterialThumbnail(
+             QDir::current().filePath(QStringLiteral("MaterialPreview.png"))));
+}
+
+// --- geo-channels
+
+void OssShaderNetworkView::exportToGeoChannel(OssGeoImageSet *pGeoImageSet, QString OutputPointName)
+{
+    if (!hasNetwork())
+        return;
+    const QString title = tr("Export to Geo-Channel");
+    const QList<OssSnBaseNode *> nodes = m_network->selectedNodes();
+    if (nodes.size() != 1) {
+        OssMessageBox::warning(
+            this, title, tr("Only one node must be selected for exporting to a geo-channel."));
+        return;
+    }
+    const OssGeoEntity *entity = m_network->geoEntity();
+    if (!entity) {
+        OssDebug(Source, __LINE__, "pGeoEntity is NULL");
+        return;
+    }
+    if (pGeoImageSet && pGeoImageSet->geoEntity() != entity) {
+        OssMessageBox::warning(this, title,
+                               tr("Node and geo-channel must belong to the same object."));
+        return;
+    }
+    OssGeoImageSet *channel = pGeoImageSet ? pGeoImageSet : chooseGeoChannel(entity);
+    if (channel)
+        exportNode(nodes.first(), channel, OutputPointName);
+}
+
+OssGeoImageSet *OssShaderNetworkView::chooseGeoChannel(const OssGeoEntity *entity)
+{
+    const QString title = tr("Export to Geo-Channel");
+    if (!OssApplication::popupsAllowed()) {
+        OssDebug(Source, __LINE__, "[ !! ] Unable to request geo-channel from user");
+        return nullptr;
+    }
+    QStringList names;
+    const QList<OssGeoImageSet *> channels = entity->geoImageSets();
+    for (const OssGeoImageSet *channel : channels)
+        names.append(channel->name());
+    if (names.isEmpty()) {
+        OssMessageBox::warning(this, title,
+                               tr("No geo-channels are available to export into. Please add one."));
+        return nullptr;
+    }
+    bool chosen = false;
+    const QString name = QInputDialog::getItem(
+        this, title, tr("Select the geo-channel to export to:"), names, 0, false, &chosen);
+    OssGeoImageSet *channel = chosen ? entity->geoImageSet(name) : nullptr;
+    if (!channel)
+        OssDebug(Source, __LINE__, "pGeoImageSet is NULL");
+    return channel;
+}
+
+void OssShaderNetworkView::exportNode(OssSnBaseNode *node, OssGeoImageSet *channel,
+                                      const QString &outputPointName)
+{
+    OssUndoManager::AutoMacro macro(tr("Export to Geo-Channel"));
+    OssShadingContext *shading = m_network->shadingContext();
+    if (!shading) {
+        OssDebug(Source, __LINE__, "There is no shading to make images for");
+        return;
+    }
+    const QString name = QStringLiteral("Node_To_GeoChannel_") + channel->name();
+    const OssSnBakePointNode *bakePoint = OssShaderNetworkUtils::asTrueBakePointNode(node);
+    const OssSnImageSetNodeBase *images = OssShaderNetworkUtils::asTrueImageSetNode(node);
+    if (bakePoint && bakePoint->hasBakedResult() && bakePoint->isBakedResultUpToDate() && images
+        && images->imageSet()) {
+        OssImageSet *copy = images->imageSet()->duplicate(shading->freeImageSetName(name));
+        shading->addImageSet(copy); // takes it
+        channel->setImageSet(copy);
+        return;
+    }
+    QString outputPoint = outputPointName;
+    if (outputPoint.isEmpty()
+        && !chooseOutputPoint(node, tr("Export to Geo-Channel"),
+                              tr("Select the output port to export:"), &outputPoint))
+        return;
+    bakePaintBufferToNode(node);
+    OssImageSet *set = m_network->createImageSet(name, channel->imageSet(),
+                                                 node->queryMaximumRequiredTextureResolutions());
+    channel->setImageSet(set);
+    const OssResult exported = node->exportToGeoChannel(channel, outputPoint);
+    if (!exported) {
+        macro.cancel();
+        tell(tr("Export to Geo-Channel"), exported);
+    }
+}

@@ -1,0 +1,178 @@
+#include "OssShaderNetworkView.h"
+
+#include "OssCore/OssDebug.h"
+#include "OssCore/OssUndoManager.h"
+#include "OssCore/OssUserEnum.h"
+#include "OssInterface/Popups/OssApplication.h"
+#include "OssInterface/Popups/OssMessageBox.h"
+#include "OssModel/Graph/OssLayerStreamUtils.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShaderNetworkUtils.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Nodes/OssSnImageSetNodeBase.h"
+#include "OssModel/Nodes/OssSnShaderInputNode.h"
+#include "OssModel/Objects/OssChannel.h"
+#include "OssModel/Objects/OssImageSet.h"
+#include "OssSnNodeGraphViewContextManager.h"
+
+// Merges over 8-bit paint blend in a colour space that keeps precision.
+
+namespace {
+
+constexpr const char *Source = "OssShaderNetworkView";
+constexpr int ScalarColorSpace = 1;
+const QString BlendAttribute = QStringLiteral("BlendColorSpaceEnabled");
+const QString MaskInput = QStringLiteral("Mask");
+
+/// Whether what is kept at the node is 8-bit colour.
+bool holdsByteColor(OssSnBaseNode *node)
+{
+    if (const auto *input = qobject_cast<OssSnShaderInputNode *>(node))
+        return input->colorSpace() != ScalarColorSpace
+               && input->imageSetDepth() == OssChannel::UnsignedByte;
+    const OssSnImageSetNodeBase *images = OssShaderNetworkUtils::asTrueImageSetNode(node);
+    return images && images->imageSet() && images->imageSet()->isByteColor();
+}
+
+bool isDisabledMerge(const OssSnBaseNode *node)
+{
+    return node->exists(BlendAttribute)
+           && node->attribute(BlendAttribute).value<OssUserEnum>().currentValue() == 0;
+}
+
+void enableBlending(OssSnBaseNode *merge, bool enable)
+{
+    auto value = merge->attribute(BlendAttribute).value<OssUserEnum>();
+    value.setCurrentValue(enable ? 1 : 0);
+    merge->setAttribute(BlendAttribute, QVariant::fromValue(value));
+}
+
+class UpstreamMergeNodesFinder final : public OssShaderNetworkUtils::OssNodeWalkerUpstream
+{
+public:
+    UpstreamMergeNodesFinder()
+        : OssNodeWalkerUpstream(true)
+    {
+    }
+
+    QList<OssSnBaseNode *> merges;
+
+protected:
+    void visit(OssSnBaseNode *node) override
+    {
+        if (OssLayerStreamUtils::isMergeNode(node))
+            merges.append(node);
+    }
+
+    bool enters(const OssSnBaseNode *node, const QString &input) const override
+    {
+        return !(OssLayerStreamUtils::isMergeNode(node) && input == MaskInput);
+    }
+};
+
+/// Looks for what keeps the result below a merge.
+class BakePointFinder final : public OssShaderNetworkUtils::OssNodeWalkerDownstream
+{
+public:
+    BakePointFinder()
+        : OssNodeWalkerDownstream(true)
+    {
+    }
+
+    bool found = false;
+
+protected:
+    void visit(OssSnBaseNode *node) override { found = found || holdsByteColor(node); }
+
+    bool enters(const OssSnBaseNode *node, const QString &input) const override
+    {
+        return !(OssLayerStreamUtils::isMergeNode(node) && input == MaskInput);
+    }
+
+    bool leaves(const OssSnBaseNode *node, const QString &output) const override
+    {
+        return output == node->prefferedOutputPoint();
+    }
+};
+
+void setBlendingColorspaceOnMergeNodeCreation(OssSnBaseNode *merge)
+{
+    BakePointFinder finder;
+    finder.walk(merge);
+    if (merge->exists(BlendAttribute) && isDisabledMerge(merge) == finder.found)
+        enableBlending(merge, finder.found);
+}
+
+/// "Yes" or "No" of the user; what he wants to be asked no more is kept in the preference.
+bool askWhetherToUpdate(const OssSnBaseNode *endPoint)
+{
+    const QString text =
+        OssShaderNetworkView::tr(
+            "There are Merge nodes upstream of %1 which is set to represent 8bit (byte) color "
+            "paint data.\nMerge nodes have an attribute named 'Use Blending Colorspace'. When this "
+            "is set to 'Disable' for an 8-bit (byte) color paint channel, precision issues could "
+            "occur and result in visual banding artefacts in your paint.\nWould you like to set "
+            "the attribute 'Use Blending Colorspace' to 'Enable' for those Merge nodes?")
+            .arg(endPoint->name());
+    bool never = false;
+    const auto answer = OssMessageBox::question(
+        nullptr, OssShaderNetworkView::tr("Update 'Blending Colorspace' of Merge Nodes"), text,
+        QMessageBox::Yes | QMessageBox::No, OssShaderNetworkView::tr("Don't show again"), &never);
+    const bool yes = answer == QMessageBox::Yes;
+    if (never)
+        OssSnNodeGraphViewContextManager::instance()
+            ->setAutoUpdateUpstreamMergeNodeColorspaceEnabled(yes ? QStringLiteral("Change")
+                                                                  : QStringLiteral("Leave"));
+    return yes;
+}
+
+} // namespace
+
+void OssShaderNetworkView::autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(
+    OssSnBaseNode *EndPointNode)
+{
+    const QString preference = OssSnNodeGraphViewContextManager::instance()
+                                   ->autoUpdateUpstreamMergeNodeColorspaceEnabled();
+    if (!EndPointNode || preference == QLatin1String("Leave") || !holdsByteColor(EndPointNode))
+        return;
+    UpstreamMergeNodesFinder finder;
+    finder.walk(EndPointNode);
+    QList<OssSnBaseNode *> disabled;
+    for (OssSnBaseNode *merge : qAsConst(finder.merges)) {
+        if (isDisabledMerge(merge))
+            disabled.append(merge);
+    }
+    if (disabled.isEmpty())
+        return;
+    if (preference == QLatin1String("Prompt")
+        && (!OssApplication::popupsAllowed() || !askWhetherToUpdate(EndPointNode)))
+        return;
+    const OssUndoManager::AutoMacro macro(tr("Use Blending Colorspace"));
+    for (OssSnBaseNode *merge : qAsConst(disabled))
+        enableBlending(merge, true);
+}
+
+void OssShaderNetworkView::setColorSpaceOfNewMerges(OssSnBaseNode *node)
+{
+    if (OssLayerStreamUtils::isMergeNode(node)) {
+        setBlendingColorspaceOnMergeNodeCreation(node);
+        return;
+    }
+    if (!node->hasTag(QStringLiteral("_group")))
+        return;
+    const auto *asGroup = qobject_cast<OssSnGroupNode *>(node);
+    if (!asGroup) {
+        OssDebug(Source, __LINE__, "AsGroup is NULL");
+        return;
+    }
+    const OssShaderNetwork *groupNetwork = asGroup->groupNetwork();
+    if (!groupNetwork) {
+        OssDebug(Source, __LINE__, "GroupNetwork is NULL");
+        return;
+    }
+    const QList<OssSnBaseNode *> inside = groupNetwork->getAllNodes();
+    for (OssSnBaseNode *inner : inside) {
+        if (OssLayerStreamUtils::isMergeNode(inner))
+            setBlendingColorspaceOnMergeNodeCreation(inner);
+    }
+}

@@ -1,0 +1,254 @@
+#include "OssShaderNetworkView.h"
+
+#include "Layout/ContainerPlacement.h"
+#include "Layout/NodePlacement.h"
+#include "OssCore/OssDebug.h"
+#include "OssCore/OssUndoManager.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssNodeGraph/Drawing/OssNgStyle.h"
+#include "OssNodeGraph/Index/OssNgSceneIndex.h"
+#include "OssNodeGraph/Items/OssNgBackdropNode.h"
+#include "OssNodeGraph/Undo/OssNgBackdropNodeRectChangeUndo.h"
+#include "OssSnNodeGraphViewContextManager.h"
+
+#include <algorithm>
+
+// Backdrops as containers of nodes.
+
+namespace {
+
+constexpr const char *Source = "OssShaderNetworkView";
+
+OssNgNode *itemOf(const OssSnBaseNode *node)
+{
+    return OssSnNodeGraphViewContextManager::guiNodeOf(node);
+}
+
+QRectF occupied(const OssNgNode *item)
+{
+    return item->boundingRect().translated(item->pos());
+}
+
+void resizeBackdrop(OssNgBackdropNode *backdrop, const QSizeF &size)
+{
+    if (size == backdrop->rect().size())
+        return;
+    backdrop->saveBoundingRect();
+    backdrop->setRect({QPointF(), size});
+    OssUndoManager::instance()->addUndo(
+        std::make_unique<OssNgBackdropNodeRectChangeUndo>(backdrop));
+}
+
+} // namespace
+
+void OssShaderNetworkView::positionNodeNextTo(OssSnBaseNode *node, OssSnBaseNode *reference)
+{
+    if (!scene()) {
+        OssDebug(Source, __LINE__, "scene() is NULL");
+        return;
+    }
+    OssNgNode *item = itemOf(node);
+    if (!item)
+        return;
+    auto *backdrop = qobject_cast<OssNgBackdropNode *>(item);
+    if (!backdrop) {
+        OssDebug(Source, __LINE__, "[ !! ] Invalid container gui node found for node '%s'",
+                 qPrintable(node->name()));
+        return;
+    }
+    const OssNgNode *other = itemOf(reference);
+    if (!other)
+        return;
+    const QRectF there = occupied(other);
+    if (qobject_cast<const OssNgBackdropNode *>(other)) {
+        moveNode(backdrop, {there.x() + there.width() + NodePlacement::Gap, there.y()});
+        return;
+    }
+    const qreal x = NodePlacement::besideForContainer(there,
+                                                      OssNgStyle::instance()->horizontalSpacing());
+    moveNode(backdrop, {x, backdrop->y()});
+}
+
+void OssShaderNetworkView::stretchContainer(OssNgBackdropNode *backdrop, const QRectF &sceneRect)
+{
+    const QRectF before = backdrop->rect().translated(backdrop->pos());
+    const qreal margin = backdrop->titleBarHeight();
+    const QRectF wanted = before.united(sceneRect.adjusted(-margin, -2.0 * margin, margin, margin));
+    if (wanted == before)
+        return;
+    OssDebug(Source, __LINE__, "* Stretch out container node '%s'",
+             qPrintable(backdrop->titleText()));
+    moveNode(backdrop, wanted.topLeft());
+    backdrop->saveBoundingRect();
+    backdrop->setRect({QPointF(), wanted.size()});
+    OssUndoManager::instance()->addUndo(
+        std::make_unique<OssNgBackdropNodeRectChangeUndo>(backdrop));
+}
+
+void OssShaderNetworkView::syncNodeUnderneath(OssSnBaseNode *node, OssSnBaseNode *container,
+                                              OssSnBaseNode *reference,
+                                              OssSnBaseNode *referenceContainer)
+{
+    const OssNgNode *item = itemOf(node);
+    if (!item || !itemOf(reference))
+        return;
+    positionNodeUnderneath(node, reference, 1);
+    auto *backdrop = qobject_cast<OssNgBackdropNode *>(itemOf(container));
+    if (!backdrop)
+        return;
+    QRectF content = occupied(item);
+    const OssNgNode *inner = itemOf(referenceContainer);
+    if (inner && inner != backdrop
+        && backdrop->nodesInside().contains(const_cast<OssNgNode *>(inner)))
+        content |= occupied(inner);
+    stretchContainer(backdrop, content);
+}
+
+void OssShaderNetworkView::uniformariseContainers(const QList<OssSnBaseNode *> &containers)
+{
+    struct Widest
+    {
+        QString name;
+        qreal width = 0.0;
+    };
+
+    Widest masks;
+    Widest adjustments;
+    qreal furthest = 0.0;
+    QList<OssNgBackdropNode *> backdrops;
+    for (const OssSnBaseNode *container : containers) {
+        auto *backdrop = qobject_cast<OssNgBackdropNode *>(itemOf(container));
+        if (!backdrop)
+            continue;
+        const QRectF there = occupied(backdrop);
+        furthest = backdrops.isEmpty() ? there.right() : std::max(furthest, there.right());
+        backdrops.append(backdrop);
+        Widest &kind = container->hasTag(QStringLiteral("_maskStack")) ? masks : adjustments;
+        if (there.width() > kind.width)
+            kind = {container->name(), there.width()};
+    }
+    OssDebug(Source, __LINE__,
+             "[ -- ] WidestMaskStackNode : '%s', WidestAdjustmentStackNode : '%s', FurthestX : %f",
+             qPrintable(masks.name), qPrintable(adjustments.name), furthest);
+    for (OssNgBackdropNode *backdrop : qAsConst(backdrops)) {
+        resizeBackdrop(backdrop, {furthest - backdrop->x(), backdrop->rect().height()});
+    }
+}
+
+OssNgBackdropNode *OssShaderNetworkView::backdropOf(const OssSnBaseNode *container)
+{
+    OssNgNode *item = itemOf(container);
+    auto *backdrop = qobject_cast<OssNgBackdropNode *>(item);
+    if (item && !backdrop)
+        OssDebug(Source, __LINE__, "[ !! ] Invalid container gui node found for node '%s'",
+                 qPrintable(container->name()));
+    return backdrop;
+}
+
+void OssShaderNetworkView::moveContainer(OssNgBackdropNode *backdrop, const QPointF &way)
+{
+    if (way.isNull())
+        return;
+    const QList<OssNgNode *> members = backdrop->nodesInside();
+    moveNode(backdrop, backdrop->pos() + way);
+    for (OssNgNode *member : members)
+        moveNode(member, member->pos() + way);
+}
+
+void OssShaderNetworkView::holdInContainer(OssSnBaseNode *container,
+                                           const QList<OssSnBaseNode *> &members, bool exactly)
+{
+    OssNgBackdropNode *backdrop = backdropOf(container);
+    if (!backdrop)
+        return;
+    QRectF content;
+    for (const OssSnBaseNode *member : members) {
+        if (const OssNgNode *item = itemOf(member))
+            content |= occupied(item);
+    }
+    if (content.isEmpty())
+        return;
+    const OssUndoManager::AutoMacro macro(tr("Refresh Container"));
+    if (exactly) {
+        const QRectF area = ContainerPlacement::around(content, backdrop->titleBarHeight());
+        moveNode(backdrop, area.topLeft());
+        resizeBackdrop(backdrop, area.size());
+    } else {
+        stretchContainer(backdrop, content);
+    }
+    backdrop->refreshChildrenList();
+}
+
+void OssShaderNetworkView::stretchContainerBy(OssSnBaseNode *container, OssSnBaseNode *reference)
+{
+    OssNgBackdropNode *backdrop = backdropOf(container);
+    const OssNgNode *item = itemOf(reference);
+    if (!backdrop || !item)
+        return;
+    const OssUndoManager::AutoMacro macro(tr("Stretch Container"));
+    stretchContainer(backdrop, occupied(item));
+}
+
+void OssShaderNetworkView::stretchPeers(const QList<OssSnBaseNode *> &containers)
+{
+    QList<OssNgBackdropNode *> backdrops;
+    qreal width = 0.0;
+    for (const OssSnBaseNode *container : containers) {
+        OssNgBackdropNode *backdrop = backdropOf(container);
+        if (!backdrop)
+            continue;
+        backdrops.append(backdrop);
+        width = std::max(width, backdrop->rect().width());
+    }
+    const OssUndoManager::AutoMacro macro(tr("Stretch Containers"));
+    for (OssNgBackdropNode *backdrop : qAsConst(backdrops))
+        resizeBackdrop(backdrop, {width, backdrop->rect().height()});
+}
+
+void OssShaderNetworkView::respaceContainer(OssSnBaseNode *container, OssSnBaseNode *reference)
+{
+    OssNgBackdropNode *backdrop = backdropOf(container);
+    const OssNgNode *item = itemOf(reference);
+    if (!backdrop || !item)
+        return;
+    const QList<OssNgNode *> members = backdrop->nodesInside();
+    QVector<QRectF> rects;
+    for (const OssNgNode *member : members)
+        rects.append(occupied(member));
+    const QVector<qreal> shifts = ContainerPlacement::respaced(rects, occupied(item));
+    const OssUndoManager::AutoMacro macro(tr("Respace Container"));
+    QRectF content = occupied(item);
+    for (int i = 0; i < members.size(); ++i) {
+        moveNode(members.at(i), members.at(i)->pos() + QPointF(0.0, shifts.at(i)));
+        content |= occupied(members.at(i));
+    }
+    stretchContainer(backdrop, content);
+}
+
+void OssShaderNetworkView::moveContainerDown(OssSnBaseNode *container, OssSnBaseNode *reference)
+{
+    OssNgBackdropNode *backdrop = backdropOf(container);
+    const OssNgNode *item = itemOf(reference);
+    if (!backdrop || !item)
+        return;
+    const OssUndoManager::AutoMacro macro(tr("Move Container"));
+    moveContainer(backdrop,
+                  {0.0, ContainerPlacement::belowShift(occupied(backdrop), occupied(item))});
+}
+
+void OssShaderNetworkView::moveContainerToFreshLocation(OssSnBaseNode *container, bool preserveY)
+{
+    OssNgBackdropNode *backdrop = backdropOf(container);
+    if (!backdrop || !backdrop->scene())
+        return;
+    const QList<OssNgNode *> members = backdrop->nodesInside();
+    QRectF everything;
+    for (const auto &entry : OssNgSceneIndex::of(backdrop->scene())->nodeEntries()) {
+        if (entry.node && entry.visible && entry.node != backdrop && !members.contains(entry.node))
+            everything |= occupied(entry.node);
+    }
+    const QPointF place = ContainerPlacement::freshLocation(occupied(backdrop), everything,
+                                                            preserveY);
+    const OssUndoManager::AutoMacro macro(tr("Move Container"));
+    moveContainer(backdrop, place - backdrop->pos());
+}

@@ -1,0 +1,296 @@
+#include "OssShaderNetworkView.h"
+
+#include "OssCore/OssDebug.h"
+#include "OssCore/OssUndoManager.h"
+#include "OssInterface/Popups/OssMessageBox.h"
+#include "OssInterface/Popups/OssPopupDialog.h"
+#include "OssModel/Graph/OssLayerStreamUtils.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Layers/OssLayerRefreshSuspensionManager.h"
+#include "OssModel/Nodes/OssLayerShaderModelManager.h"
+#include "OssModel/Nodes/OssSnMultiChannelMergeNode.h"
+#include "OssNodeGraph/Items/OssNgExtendedNode.h"
+#include "OssSnGroupNodeGraphViewContext.h"
+#include "OssSnNodeGraphViewContextManager.h"
+
+#include <QHBoxLayout>
+#include <QLineEdit>
+
+#include <algorithm>
+
+namespace {
+
+constexpr const char *Source = "OssShaderNetworkView";
+
+void tellOfChange()
+{
+    OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
+}
+
+} // namespace
+
+bool OssShaderNetworkView::hasNetwork() const
+{
+    if (!m_network)
+        OssDebug(Source, __LINE__, "m_network is NULL");
+    return m_network;
+}
+
+QList<OssSnBaseNode *> OssShaderNetworkView::selectedNodes() const
+{
+    return hasNetwork() ? m_network->selectedNodes() : QList<OssSnBaseNode *>();
+}
+
+void OssShaderNetworkView::deleteSelectedNodes()
+{
+    if (!hasNetwork())
+        return;
+    QSet<OssSnBaseNode *> nodes;
+    const QList<OssSnBaseNode *> selected = m_network->selectedNodes();
+    for (OssSnBaseNode *node : selected) {
+        if (node->hasTag(QStringLiteral("_GraphLayerInput"))) {
+            tellUser(tr("%1 is what a layer stands on and stays").arg(node->name()));
+            OssDebug(Source, __LINE__,
+                     "[ -- ] Node '%s' cannot be removed by the user, it's a protected graph layer "
+                     "node",
+                     qPrintable(node->name()));
+        } else {
+            nodes.insert(node);
+        }
+    }
+    const OssUndoManager::AutoMacro macro(tr("Remove Selected Nodes"));
+    const OssLayerRefreshSuspensionManager::RefreshStateSuspender suspender;
+    m_network->removeNodes(nodes);
+    tellOfChange();
+}
+
+void OssShaderNetworkView::deleteAllNodes()
+{
+    if (!hasNetwork())
+        return;
+    const OssUndoManager::AutoMacro macro(tr("Remove All Nodes"));
+    const QList<OssSnBaseNode *> nodes = m_network->nodes();
+    for (OssSnBaseNode *node : nodes)
+        node->network()->removeNode(node, true, true);
+}
+
+void OssShaderNetworkView::extractSelectedNode()
+{
+    const QList<OssSnBaseNode *> selected = selectedNodes();
+    if (!selected.isEmpty())
+        selected.first()->network()->extractNodes(selected, true);
+}
+
+void OssShaderNetworkView::disableSelectedNodes()
+{
+    if (!hasNetwork())
+        return;
+    QList<OssSnBaseNode *> nodes;
+    const QList<OssSnBaseNode *> selected = m_network->selectedNodes();
+    for (OssSnBaseNode *node : selected) {
+        if (!node->hasTag(QStringLiteral("_viewer")))
+            nodes.append(node);
+    }
+    QString title = tr("Toggle Selected Nodes");
+    if (nodes.size() == 1)
+        title = (nodes.first()->enabledAsBool() ? tr("Disable ") : tr("Enable "))
+                + nodes.first()->name();
+    const OssUndoManager::AutoMacro macro(title);
+    for (OssSnBaseNode *node : qAsConst(nodes))
+        node->toggleDisable();
+    tellOfChange();
+}
+
+void OssShaderNetworkView::bypassSelectedNode()
+{
+    const QList<OssSnBaseNode *> selected = selectedNodes();
+    for (OssSnBaseNode *node : selected) {
+        node->toggleBypass();
+        tellOfChange();
+    }
+}
+
+// --- renaming
+
+void OssShaderNetworkView::popupRenameWindow()
+{
+    const QList<OssSnBaseNode *> selected = selectedNodes();
+    if (selected.isEmpty())
+        return;
+    if (selected.size() > 1) {
+        OssDebug(Source, __LINE__, "More than one node selected for renaming");
+        OssMessageBox::warning(this, tr("Rename node"),
+                               tr("Only one node must be selected for renaming"));
+        return;
+    }
+    popupRenameWindow(OssSnNodeGraphViewContextManager::guiNodeOf(selected.first()));
+}
+
+void OssShaderNetworkView::popupRenameWindow(OssNgNode *NodeToRename)
+{
+    if (!NodeToRename) {
+        OssDebug(Source, __LINE__, "NodeToRename is NULL");
+        return;
+    }
+    const QPointer<OssSnBaseNode> node = qobject_cast<OssSnBaseNode *>(
+        NodeToRename->businessNode());
+    if (!node) {
+        OssDebug(Source, __LINE__, "BusinessNode is NULL");
+        return;
+    }
+    OssPopupDialog dialog;
+    dialog.setMaximumWidth(151);
+    auto *layout = new QHBoxLayout(&dialog);
+    layout->setContentsMargins(0, 0, 0, 0);
+    auto *edit = new QLineEdit(node->name()); // the layout gives it to the dialog
+    edit->setFixedWidth(150);
+    edit->setAccessibleName(tr("Name of the node"));
+    edit->selectAll();
+    layout->addWidget(edit);
+    connect(edit, &QLineEdit::returnPressed, &dialog, &QDialog::accept);
+    dialog.move(viewport()->mapToGlobal(mapFromScene(NodeToRename->scenePos())));
+    edit->setFocus();
+    if (dialog.exec() == QDialog::Accepted && node)
+        node->setName(edit->text());
+}
+
+// --- swapping inputs
+
+void OssShaderNetworkView::swapInputs()
+{
+    if (!hasNetwork())
+        return;
+    const QList<OssSnBaseNode *> selected = m_network->selectedNodes();
+    if (selected.size() != 1) {
+        OssDebug(Source, __LINE__, "More than one node selected for swap inputs.");
+        OssMessageBox::warning(this, tr("Swap Inputs"),
+                               tr("Only one node must be selected for swapping inputs."));
+        return;
+    }
+    OssSnBaseNode *node = selected.first();
+    const QStringList names = node->inputNames();
+    if (names.size() < 2) {
+        OssDebug(Source, __LINE__, "Need at least two inputs to swap inputs.");
+        OssMessageBox::warning(this, tr("Swap Inputs"),
+                               tr("The selected node has fewer than two inputs to swap."));
+        return;
+    }
+    if (auto *merge = qobject_cast<OssSnMultiChannelMergeNode *>(node)) {
+        batchSwapInputs(merge);
+        return;
+    }
+    OssSnBaseNode *first = node->inputNode(names.at(0));
+    OssSnBaseNode *second = node->inputNode(names.at(1));
+    const QString output = QStringLiteral("Output");
+    OssUndoManager::AutoMacro macro(tr("Swap Inputs"));
+    const bool swapped = node->connectInput(names.at(0), second, output, true, false, false, false)
+                         && node->connectInput(names.at(1), first, output, true, false, false,
+                                               false);
+    if (!swapped) {
+        macro.cancel(); // half a swap would lose a wire
+        tellUser(tr("The inputs of %1 cannot be swapped: not all that feeds them has an \"Output\"")
+                     .arg(node->name()));
+    }
+}
+
+OssSnMultiChannelGroupNode *OssShaderNetworkView::matchingSource(OssSnMultiChannelGroupNode *target,
+                                                                 const QString &input,
+                                                                 const char *side)
+{
+    OssSnBaseNode *source = target->inputNode(input);
+    if (!qobject_cast<OssSnMultiChannelGroupNode *>(source)) {
+        OssDebug(Source, __LINE__, "%s input node is not a Multi-Channel-Group node", side);
+        return nullptr;
+    }
+    auto *matching =
+        OssLayerShaderModelManager::instance()->matchingShaderModelNodePair(target, source).second;
+    if (!matching)
+        OssDebug(Source, __LINE__,
+                 "The Shader Models of target node and %s input node do not match.", side);
+    return matching;
+}
+
+void OssShaderNetworkView::batchSwapInputs(OssSnMultiChannelGroupNode *merge)
+{
+    const OssLayerShaderModel *model = merge->shaderModel();
+    if (!model) {
+        OssDebug(Source, __LINE__, "ShaderModel is NULL");
+        return;
+    }
+    const QStringList inputs = model->inputList();
+    if (inputs.isEmpty()) {
+        OssDebug(Source, __LINE__, "ShaderModel has empty input list");
+        return;
+    }
+    const QString first = model->input(inputs.first())->streamName();
+    OssSnMultiChannelGroupNode *base = matchingSource(
+        merge, OssLayerStreamUtils::baseInputName(first), "Base");
+    OssSnMultiChannelGroupNode *over = base ? matchingSource(
+                                           merge, OssLayerStreamUtils::overInputName(first), "Over")
+                                            : nullptr;
+    if (!base || !over)
+        return;
+    const bool allMatch = std::all_of(inputs.cbegin(), inputs.cend(), [&](const QString &input) {
+        const QString stream = model->input(input)->streamName();
+        return merge->inputNode(OssLayerStreamUtils::baseInputName(stream)) == base
+               && merge->inputNode(OssLayerStreamUtils::overInputName(stream)) == over;
+    });
+    if (!allMatch) {
+        OssDebug(Source, __LINE__,
+                 "Not batch swapping the inputs for Multi-Channel Merge Node because not all the "
+                 "input ports match up between two source Multi-Channel nodes.");
+        return;
+    }
+    const OssUndoManager::AutoMacro macro(tr("Batch Swap Inputs"));
+    merge->batchConnectInputNode(OssLayerStreamUtils::baseInputName({}), over);
+    merge->batchConnectInputNode(OssLayerStreamUtils::overInputName({}), base);
+}
+
+// --- groups and port lists
+
+void OssShaderNetworkView::openGroupNodeSubgraph()
+{
+    const QList<QGraphicsItem *> selected = sortedSelection();
+    for (QGraphicsItem *item : selected) {
+        const auto *guiNode = dynamic_cast<OssNgNode *>(item);
+        const auto *group = guiNode ? qobject_cast<OssSnGroupNode *>(guiNode->businessNode())
+                                    : nullptr;
+        auto *context = qobject_cast<OssSnGroupNodeGraphViewContext *>(
+            OssSnNodeGraphViewContextManager::contextOf(group));
+        if (context) {
+            context->showGroupNodeTab();
+            return;
+        }
+    }
+}
+
+template <class Change>
+void OssShaderNetworkView::changePortLists(const char *missingContext, Change change)
+{
+    const QList<OssSnBaseNode *> selected = selectedNodes();
+    for (const OssSnBaseNode *node : selected) {
+        const OssSnNodeGraphViewContext *context = OssSnNodeGraphViewContextManager::contextOf(
+            node);
+        if (!context) {
+            OssDebug(Source, __LINE__, "%s", missingContext);
+            continue;
+        }
+        if (auto *extended = qobject_cast<OssNgExtendedNode *>(context->guiNode()))
+            change(extended);
+    }
+}
+
+void OssShaderNetworkView::togglePortVisibility()
+{
+    changePortLists("OssShaderNetworkView::togglePortVisibility NULL NodeGraphView context while "
+                    "obtaining selected nodes",
+                    [](OssNgExtendedNode *item) { item->togglePortVisibility(); });
+}
+
+void OssShaderNetworkView::cyclePortListMode()
+{
+    changePortLists("OssShaderNetworkView::cyclePortListMode NULL NodeGraphView context while "
+                    "obtaining selected nodes",
+                    [](OssNgExtendedNode *item) { item->cyclePortListMode(); });
+}

@@ -1,0 +1,258 @@
+#include "OssShaderNetworkView.h"
+
+#include "OssCore/OssDebug.h"
+#include "OssCore/OssResourceInfo.h"
+#include "OssCore/OssSettings.h"
+#include "OssCore/OssUndoManager.h"
+#include "OssInterface/Dialogs/OssNodeInfoDialog.h"
+#include "OssInterface/Dialogs/OssNodeQuickFindDialog.h"
+#include "OssInterface/Dialogs/OssSearchNodeDialog.h"
+#include "OssInterface/Popups/OssApplication.h"
+#include "OssInterface/Popups/OssFileDialog.h"
+#include "OssInterface/Popups/OssMessageBox.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShaderNetworkIO.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Nodes/OssSnCustomProceduralNode.h"
+#include "OssModel/Nodes/OssSnMaterialNode.h"
+#include "OssNodeGraph/Drawing/OssNgStyle.h"
+#include "OssNodeGraph/Items/OssNgBackdropNode.h"
+#include "OssSnGroupNodeGraphViewContext.h"
+#include "OssSnNodeGraphViewContextManager.h"
+
+// Finding what to make or to look at, node files, and telling about nodes.
+
+namespace {
+
+constexpr const char *Source = "OssShaderNetworkView";
+const QString SettingsGroup = QStringLiteral("Node Graph");
+const QString LastUsedKey = QStringLiteral("LastUsedNodePaths");
+const QString FavouritesKey = QStringLiteral("FavouriteNodePaths");
+const QString NodeFilter = QStringLiteral("*.ong");
+
+QStringList storedList(const QString &key)
+{
+    OssSettings settings;
+    settings.beginGroup(SettingsGroup);
+    return settings.value(key).toStringList();
+}
+
+void store(const QString &key, const QStringList &list)
+{
+    OssSettings settings;
+    settings.beginGroup(SettingsGroup);
+    settings.setValue(key, list);
+}
+
+QColor colorOf(const QString &pathKey)
+{
+    return OssNgStyle::instance()->categoryColor(OssSnNodeGraphViewContext::categoryOf(pathKey));
+}
+
+QStringList withLatest(QStringList list, const QString &latest, int most)
+{
+    list.removeAll(latest);
+    list.prepend(latest);
+    return list.mid(0, most);
+}
+
+} // namespace
+
+void OssShaderNetworkView::quickCreate()
+{
+    if (!hasNetwork())
+        return;
+    const QPoint position = creationPoint();
+    const int most = OssSnNodeGraphViewContextManager::instance()
+                         ->numberOfLastUsedNodePathsToStore();
+    const QStringList lastUsed = storedList(LastUsedKey);
+    OssNodeQuickFindDialog dialog(lastUsed, storedList(FavouritesKey), most, position,
+                                  viewport()->size(), viewport());
+    dialog.setColors(colorOf);
+    const bool accepted = dialog.exec() == QDialog::Accepted;
+    store(FavouritesKey, dialog.favourites());
+    const QString chosen = dialog.chosenPathKey();
+    if (!accepted || chosen.isEmpty())
+        return;
+    store(LastUsedKey, withLatest(lastUsed, chosen, most));
+    createChosenNode(chosen, dialog.nodePosition());
+}
+
+void OssShaderNetworkView::searchNodesAction()
+{
+    if (!hasNetwork() || !hasScene())
+        return;
+    const QList<OssSnBaseNode *> nodes = m_network->getAllNodes();
+    OssDebug(Source, __LINE__, "[ !! ] Found %d nodes in the network", nodes.size());
+    OssSearchNodeDialog dialog(nodes, viewport());
+    dialog.setColors(colorOf);
+    dialog.placeAt(viewport(), creationPoint());
+    OssSnBaseNode *node = dialog.exec() == QDialog::Accepted ? dialog.chosenNode() : nullptr;
+    if (!node)
+        return;
+    const OssUndoManager::AutoMacro macro(tr("Focus on %1").arg(node->name()));
+    if (node->network() != m_network) {
+        // In a group: its own tab shows it, which may not be open.
+        auto *around = qobject_cast<OssSnGroupNodeGraphViewContext *>(
+            OssSnNodeGraphViewContextManager::contextOf(node->network()->parentGroupNode()));
+        if (around)
+            around->showGroupNodeTab();
+        OssShaderNetworkManager::instance()->requestFocus(node);
+        return;
+    }
+    scene()->clearSelection();
+    OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(node);
+    if (auto *backdrop = qobject_cast<OssNgBackdropNode *>(item))
+        backdrop->setSelected(true);
+    else
+        node->setSelected(true);
+    frameSelectedNodes();
+}
+
+// --- files
+
+void OssShaderNetworkView::exportNodes()
+{
+    if (!hasNetwork())
+        return;
+    const QList<OssSnBaseNode *> nodes = selectionWithoutViewer();
+    if (nodes.isEmpty()) {
+        tellUser(tr("Select the nodes to export first"));
+        return;
+    }
+    const QString path = OssFileDialog::getSaveFileName(
+        tr("Export Nodes to File"), NodeFilter,
+        OssResourceInfo::instance()->defaultExportNodeGraphPathKey(), this);
+    if (path.isEmpty())
+        return;
+    const OssResult result = OssShaderNetworkIO::saveNodesToXmlFile(nodes, path);
+    if (!result)
+        OssMessageBox::warning(this, tr("Export Nodes to File"), result.error());
+}
+
+void OssShaderNetworkView::importNodes()
+{
+    if (!hasNetwork() || !hasScene())
+        return;
+    const QPoint cursor = creationPoint();
+    const QString path = OssFileDialog::getOpenFileName(
+        tr("Import Nodes from File"), NodeFilter,
+        OssResourceInfo::instance()->defaultImportNodeGraphPathKey(), this);
+    if (path.isEmpty())
+        return;
+    const OssUndoManager::AutoMacro macro(tr("Import nodes"));
+    QList<OssSnBaseNode *> nodes;
+    const OssResult result = OssShaderNetworkIO::loadNodesFromXmlFile(m_network, path, &nodes);
+    if (!result) {
+        OssMessageBox::warning(this, tr("Import Nodes from File"), result.error());
+        return;
+    }
+    OssShaderNetworkManager::instance()->upgradeNetworks(nodes);
+    placeInsertedNodes(nodes, &cursor);
+}
+
+// --- archives
+
+void OssShaderNetworkView::importArchives(const QStringList &paths, const QPoint &viewPos,
+                                          const ArchiveKind &kind)
+{
+    if (!hasNetwork() || !hasScene() || paths.isEmpty())
+        return;
+    OssUndoManager::AutoMacro macro(kind.macroTitle);
+    QList<OssSnBaseNode *> nodes;
+    QStringList errors;
+    for (const QString &path : paths) {
+        QList<OssSnBaseNode *> inserted;
+        const OssResult result = kind.import(m_network, path, &inserted);
+        if (!result)
+            errors.append(result.error());
+        nodes.append(inserted);
+    }
+    if (!errors.isEmpty()) {
+        macro.cancel();
+        OssMessageBox::warning(OssApplication::mainWindow(), kind.errorTitle,
+                               errors.join(QLatin1Char('\n')));
+        return;
+    }
+    OssShaderNetworkManager::instance()->upgradeNetworks(nodes);
+    placeInsertedNodes(nodes, &viewPos);
+}
+
+void OssShaderNetworkView::importMaterial()
+{
+    if (!hasNetwork() || !hasScene())
+        return;
+    const QPoint cursor = creationPoint();
+    importMaterial(OssFileDialog::getOpenFileNames(
+                       tr("Import Material from Archive"), QStringLiteral("*.oma"),
+                       OssResourceInfo::instance()->defaultMaterialPathKey(), this),
+                   cursor);
+}
+
+void OssShaderNetworkView::importMaterial(QStringList PathList, QPoint NodeViewPos)
+{
+    importArchives(
+        PathList, NodeViewPos,
+        {tr("Import material"), tr("Material Import errors"), OssSnMaterialNode::importFromFile});
+}
+
+void OssShaderNetworkView::importCustomProcedural()
+{
+    if (!hasNetwork() || !hasScene())
+        return;
+    const QPoint cursor = creationPoint();
+    importCustomProcedural(OssFileDialog::getOpenFileNames(
+                               tr("Import Custom Procedural from Archive"), QStringLiteral("*.opc"),
+                               OssResourceInfo::instance()->defaultCustomProceduralPathKey(), this),
+                           cursor);
+}
+
+void OssShaderNetworkView::importCustomProcedural(QStringList PathList, QPoint NodeViewPos)
+{
+    importArchives(PathList, NodeViewPos,
+                   {tr("Import custom procedural"), tr("Custom Procedural Import errors"),
+                    OssSnCustomProceduralNode::importFromFile});
+}
+
+// --- telling
+
+void OssShaderNetworkView::printNodeInfo()
+{
+    if (!hasNetwork() || !hasScene())
+        return;
+    OssNodeInfoDialog dialog(m_network->selectedNodes(), this);
+    dialog.exec();
+}
+
+void OssShaderNetworkView::dumpSelectedNodeInfo()
+{
+    if (!hasNetwork())
+        return;
+    const QList<OssSnBaseNode *> nodes = m_network->selectedNodes();
+    OssDebug(Source, __LINE__, "Dump Selected Shader Node Info");
+    for (const OssSnBaseNode *node : nodes)
+        OssDebug(Source, __LINE__, "%s", qPrintable(node->dumpNodeInfo()));
+}
+
+void OssShaderNetworkView::dumpNodeUIAction()
+{
+    if (!scene())
+        return;
+    const QRectF all = scene()->itemsBoundingRect();
+    const QRectF whole = scene()->sceneRect();
+    const QList<QGraphicsItem *> items = scene()->selectedItems();
+    for (QGraphicsItem *item : items) {
+        const auto *node = dynamic_cast<OssNgNode *>(item);
+        const QRectF own = item->sceneBoundingRect();
+        const auto text = [](const QRectF &rect) {
+            return QString::asprintf("lt(%f, %f), rb(%f, %f), c(%f, %f), h(%f), w(%f)", rect.left(),
+                                     rect.top(), rect.right(), rect.bottom(), rect.center().x(),
+                                     rect.center().y(), rect.height(), rect.width());
+        };
+        OssDebug(Source, __LINE__, "[ !! ] --%s, p(%f, %f), sp(%f, %f), sbr[%s], ibr[%s], sr[%s]",
+                 node ? qPrintable(node->objectName()) : "", item->pos().x(), item->pos().y(),
+                 item->scenePos().x(), item->scenePos().y(), qPrintable(text(own)),
+                 qPrintable(text(all)), qPrintable(text(whole)));
+    }
+}

@@ -1,0 +1,187 @@
+#include "OssShaderNetworkView.h"
+
+#include "OssCore/OssDebug.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShaderNetworkUtils.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Layers/OssLayerShaderManager.h"
+#include "OssNodeGraph/Items/OssNgNode.h"
+
+#include <QGraphicsScene>
+
+// Selecting along the graph. Selection is no part of the document: nothing here is undone.
+
+namespace {
+
+constexpr const char *Source = "OssShaderNetworkView";
+
+using Nodes = QList<OssSnBaseNode *>;
+
+bool isSystemNode(const OssSnBaseNode *node)
+{
+    return OssLayerShaderManager::instance()->isSystemShaderNode(node, true);
+}
+
+void select(const Nodes &nodes, bool selected)
+{
+    for (OssSnBaseNode *node : nodes) {
+        if (node)
+            node->setSelected(selected);
+    }
+}
+
+template <class Gather>
+Nodes gatherFromAll(const Nodes &starts, Gather gather)
+{
+    Nodes found;
+    for (OssSnBaseNode *start : starts)
+        found.append(gather(start));
+    found.removeAll(nullptr);
+    return found;
+}
+
+template <class Gather>
+void addTo(const Nodes &starts, Gather gather)
+{
+    select(gatherFromAll(starts, gather), true);
+}
+
+/// At the end of the graph the selection stays rather than fall to nothing.
+template <class Gather>
+void replace(const Nodes &starts, Gather gather)
+{
+    const Nodes found = gatherFromAll(starts, gather);
+    if (found.isEmpty())
+        return;
+    select(starts, false);
+    select(found, true);
+}
+
+/// Walks may leave the network; what is selected does not. All starts stand in the same one.
+void addWithinNetwork(const Nodes &starts, const Nodes &found)
+{
+    for (OssSnBaseNode *node : found) {
+        if (node->network() == starts.first()->network())
+            node->setSelected(true);
+    }
+}
+
+Nodes sources(OssSnBaseNode *node)
+{
+    return node->inputNodes();
+}
+
+Nodes followers(OssSnBaseNode *node)
+{
+    return node->outputNodes();
+}
+
+Nodes nextOf(OssSnBaseNode *node)
+{
+    return {OssShaderNetworkUtils::nextSibling(node)};
+}
+
+Nodes previousOf(OssSnBaseNode *node)
+{
+    return {OssShaderNetworkUtils::prevSibling(node)};
+}
+
+} // namespace
+
+QList<OssSnBaseNode *> OssShaderNetworkView::selectedBusinessNodes() const
+{
+    Nodes nodes;
+    const QList<QGraphicsItem *> items = scene() ? scene()->selectedItems()
+                                                 : QList<QGraphicsItem *>();
+    for (QGraphicsItem *item : items) {
+        const auto *guiNode = dynamic_cast<OssNgNode *>(item);
+        auto *node = guiNode ? qobject_cast<OssSnBaseNode *>(guiNode->businessNode()) : nullptr;
+        if (node && !isSystemNode(node))
+            nodes.append(node);
+    }
+    return nodes;
+}
+
+void OssShaderNetworkView::selectAllUpstream()
+{
+    const Nodes starts = selectedBusinessNodes();
+    addWithinNetwork(starts, OssShaderNetworkUtils::getUpstreamNodes(starts, true, true));
+}
+
+void OssShaderNetworkView::selectAllDownstream()
+{
+    const Nodes starts = selectedBusinessNodes();
+    addWithinNetwork(starts, OssShaderNetworkUtils::getDownstreamNodes(starts, true, true));
+}
+
+void OssShaderNetworkView::selectStreamUpstream()
+{
+    const Nodes starts = selectedBusinessNodes();
+    addWithinNetwork(starts, OssShaderNetworkUtils::getUpstreamNodes(starts, true, false));
+}
+
+void OssShaderNetworkView::selectStreamDownstream()
+{
+    const Nodes starts = selectedBusinessNodes();
+    addWithinNetwork(starts, OssShaderNetworkUtils::getDownstreamNodes(starts, true, false));
+}
+
+void OssShaderNetworkView::selectUpstream()
+{
+    replace(selectedBusinessNodes(), sources);
+}
+
+void OssShaderNetworkView::selectDownstream()
+{
+    replace(selectedBusinessNodes(), followers);
+}
+
+void OssShaderNetworkView::addSelectUpstream()
+{
+    addTo(selectedBusinessNodes(), sources);
+}
+
+void OssShaderNetworkView::addSelectDownstream()
+{
+    addTo(selectedBusinessNodes(), followers);
+}
+
+void OssShaderNetworkView::selectNextSibling()
+{
+    replace(selectedBusinessNodes(), nextOf);
+}
+
+void OssShaderNetworkView::selectPrevSibling()
+{
+    replace(selectedBusinessNodes(), previousOf);
+}
+
+void OssShaderNetworkView::addSelectNextSibling()
+{
+    addTo(selectedBusinessNodes(), nextOf);
+}
+
+void OssShaderNetworkView::addSelectPrevSibling()
+{
+    addTo(selectedBusinessNodes(), previousOf);
+}
+
+void OssShaderNetworkView::selectBetween()
+{
+    const Nodes starts = selectedBusinessNodes();
+    if (starts.size() >= 2)
+        select(OssShaderNetworkUtils::nodesBetween(starts), true);
+}
+
+void OssShaderNetworkView::selectAll()
+{
+    if (!m_network) {
+        OssDebug(Source, __LINE__, "m_network is NULL");
+        return;
+    }
+    const Nodes nodes = m_network->nodes();
+    for (OssSnBaseNode *node : nodes) {
+        if (!isSystemNode(node))
+            node->setSelected(true);
+    }
+}

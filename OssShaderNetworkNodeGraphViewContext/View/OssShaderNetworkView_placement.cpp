@@ -1,0 +1,148 @@
+#include "OssShaderNetworkView.h"
+
+#include "Layout/NodePlacement.h"
+#include "OssCore/OssDebug.h"
+#include "OssCore/OssUndoManager.h"
+#include "OssNodeGraph/Drawing/OssNgStyle.h"
+#include "OssNodeGraph/Index/OssNgSceneIndex.h"
+#include "OssNodeGraph/Items/OssNgBackdropNode.h"
+#include "OssNodeGraph/Items/OssNgNode.h"
+#include "OssNodeGraph/Undo/OssNgNodePositionChangeUndo.h"
+#include "OssSnNodeGraphViewContext.h"
+#include "OssSnNodeGraphViewContextManager.h"
+
+namespace {
+
+constexpr const char *Source = "OssShaderNetworkView";
+constexpr int MaximumRelocations = 1000;
+
+OssNgNode *itemOf(const OssSnBaseNode *node)
+{
+    return OssSnNodeGraphViewContextManager::guiNodeOf(node);
+}
+
+QRectF occupied(const OssNgNode *item)
+{
+    return item->boundingRect().translated(item->pos());
+}
+
+/// The topmost node that collides with the item; backdrops do not count. Asks the scene's own
+/// index: that of Qt looks at every item of the scene until the event loop has run.
+OssNgNode *overlapped(const OssNgNode *guiNode, QGraphicsScene *scene)
+{
+    const QVector<OssNgNode *> near = OssNgSceneIndex::of(scene)->nodesIn(
+        guiNode->sceneBoundingRect());
+    for (auto other = near.crbegin(); other != near.crend(); ++other) {
+        if (*other != guiNode && !qobject_cast<OssNgBackdropNode *>(*other)
+            && guiNode->collidesWithItem(*other, Qt::IntersectsItemShape))
+            return *other;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+void OssShaderNetworkView::placeNode(OssSnBaseNode *node)
+{
+    if (!scene()) {
+        OssDebug(Source, __LINE__, "scene() is NULL");
+        return;
+    }
+    OssNgNode *guiNode = itemOf(node);
+    if (!guiNode)
+        return;
+    int relocations = 0;
+    while (relocations < MaximumRelocations) {
+        const OssNgNode *other = overlapped(guiNode, scene());
+        if (!other)
+            break;
+        OssDebug(Source, __LINE__,
+                 "[ -- ] Found overlapping node %p, '%s', will relocate THIS node (%p, '%s') ",
+                 static_cast<const void *>(other), qPrintable(other->text()),
+                 static_cast<void *>(guiNode), qPrintable(guiNode->text()));
+        relocateNodeBeside(guiNode, other);
+        ++relocations;
+    }
+    if (relocations > 0)
+        Q_EMIT guiNode->posChanged(guiNode->pos());
+}
+
+void OssShaderNetworkView::moveNode(OssNgNode *guiNode, const QPointF &position)
+{
+    if (guiNode->pos() == position)
+        return;
+    guiNode->savePosition();
+    guiNode->setPosition(position);
+    OssUndoManager::instance()->addUndo(std::make_unique<OssNgNodePositionChangeUndo>(guiNode));
+}
+
+void OssShaderNetworkView::relocateNodeBeside(OssNgNode *guiNode, const OssNgNode *other)
+{
+    if (guiNode && other)
+        moveNode(guiNode, NodePlacement::beside(occupied(other)));
+}
+
+void OssShaderNetworkView::positionNodeManual(OssSnBaseNode *node, OssSnBaseNode *reference,
+                                              const QPointF &offset)
+{
+    OssNgNode *item = itemOf(node);
+    const OssNgNode *other = itemOf(reference);
+    if (item && other)
+        moveNode(item, other->pos() + offset);
+}
+
+void OssShaderNetworkView::positionNodeUnderneath(OssSnBaseNode *node, OssSnBaseNode *reference,
+                                                  int factor)
+{
+    OssNgNode *item = itemOf(node);
+    const OssNgNode *other = itemOf(reference);
+    if (item && other)
+        moveNode(item,
+                 NodePlacement::underneath(occupied(other), item->boundingRect().center(), factor));
+}
+
+QPointF OssShaderNetworkView::freeSpot() const
+{
+    const OssNgStyle *style = OssNgStyle::instance();
+    return NodePlacement::freeSpot(scene() ? scene()->itemsBoundingRect() : QRectF(),
+                                   style->verticalSpacing(), style->extraVerticalSpacing());
+}
+
+void OssShaderNetworkView::positionNodeAtFreeSpot(OssSnBaseNode *node)
+{
+    if (OssNgNode *item = itemOf(node))
+        moveNode(item, freeSpot());
+}
+
+void OssShaderNetworkView::positionNodeOnGrid(OssSnBaseNode *node, OssSnBaseNode *reference,
+                                              int column, int row, bool freshCoordinates)
+{
+    OssNgNode *item = itemOf(node);
+    if (!item)
+        return;
+    const QSizeF own = item->boundingRect().size();
+    const OssNgNode *other = itemOf(reference);
+    const QRectF from = other ? occupied(other) : QRectF(freeSpot(), own);
+    const OssNgStyle *style = OssNgStyle::instance();
+    QPointF position = NodePlacement::onGrid(
+        from, own, {column, row},
+        {style->horizontalSpacing(), style->verticalSpacing() + style->extraVerticalSpacing()});
+    if (!freshCoordinates && column == 0 && row != 0)
+        position.setX(item->x());
+    if (!freshCoordinates && row == 0 && column != 0)
+        position.setY(item->y());
+    moveNode(item, position);
+}
+
+void OssShaderNetworkView::positionNodeBesideReference(OssSnBaseNode *node,
+                                                       OssSnBaseNode *reference)
+{
+    OssNgNode *item = itemOf(node);
+    const OssNgNode *other = itemOf(reference);
+    if (!item || !other)
+        return;
+    const bool flipped = OssSnNodeGraphViewContextManager::contextOf(node)->portListMode()
+                         == OssNgExtendedNode::NoPortList;
+    moveNode(item,
+             NodePlacement::nextInStream(occupied(other), item->boundingRect().size(), flipped));
+}

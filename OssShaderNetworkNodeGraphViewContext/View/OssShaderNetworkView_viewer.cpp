@@ -1,0 +1,164 @@
+#include "OssShaderNetworkView.h"
+
+#include "OssCore/OssDebug.h"
+#include "OssCore/OssUndoManager.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Layers/OssLayerManager.h"
+#include "OssModel/Layers/OssLayerShaderManager.h"
+#include "OssModel/Nodes/OssSnMultiChannelGroupNode.h"
+#include "OssModel/Types/OssLayerShaderModel.h"
+#include "OssNodeGraph/Items/OssNgExtendedNode.h"
+#include "OssSnNodeGraphViewContextManager.h"
+
+#include <QMenu>
+
+// Looking at nodes: the viewer and what its inputs show.
+
+namespace {
+
+constexpr const char *Source = "OssShaderNetworkView";
+
+OssSnBaseNode *nodeProperty(const QAction *action, const char *name)
+{
+    return qobject_cast<OssSnBaseNode *>(action->property(name).value<QObject *>());
+}
+
+void showAsCurrentMaterial(OssSnBaseNode *node)
+{
+    OssLayerManager::instance()->connectNodeToCurrentMaterialProxy(
+        node->network(), node, node->prefferedOutputPoint(), {});
+    OssLayerShaderManager *shaders = OssLayerShaderManager::instance();
+    shaders->setCurrentShader(shaders->getCurrentMaterialProxyShader(node->network()));
+}
+
+void look(OssSnBaseNode *viewer, int num)
+{
+    const OssShaderNetwork *network = viewer->network();
+    if (network && network->rootNetwork())
+        network->rootNetwork()->setViewerNodeCurrentEdge(num, true);
+}
+
+void connectToViewer(OssSnBaseNode *viewer, OssSnBaseNode *node, const QString &outputPoint,
+                     int num)
+{
+    const OssUndoManager::AutoMacro macro(
+        OssShaderNetworkView::tr("Connect node '%1' to Viewer").arg(node->name()));
+    viewer->connectInput(QString::number(num), node, outputPoint, true, false, true, false);
+    look(viewer, num);
+}
+
+} // namespace
+
+void OssShaderNetworkView::connectNodeToViewer(OssSnBaseNode *node, int input)
+{
+    if (!m_network || !node || node->prefferedOutputPoint().isEmpty())
+        return;
+    OssSnBaseNode *viewer = m_network->moveCurrentViewerNodeToNetwork();
+    if (!viewer)
+        return;
+    if (viewer->setInputNode(QString::number(input), node, node->prefferedOutputPoint()))
+        look(viewer, input);
+}
+
+void OssShaderNetworkView::connectSelectedNodeToViewer(OssSnBaseNode *Node, int Num)
+{
+    if (!hasNetwork())
+        return;
+    if (!Node) {
+        const QList<OssSnBaseNode *> selected = m_network->selectedNodes();
+        if (selected.size() > 1)
+            return;
+        Node = selected.value(0);
+    }
+    const auto *streams = qobject_cast<OssSnMultiChannelGroupNode *>(Node);
+    const bool layerShader = OssLayerShaderManager::instance()->isLayerShader(Node);
+    if (Node && !streams && !layerShader && Num == 0) {
+        OssDebug(Source, __LINE__,
+                 "[ !! ] Connecting a node to the viewer's input 0 is not allowed. Input 0 is "
+                 "reserved.");
+        tellUser(tr("Input 0 of the viewer is for materials"));
+        return;
+    }
+    if (Node && !m_network->nodes().contains(Node)) {
+        OssDebug(Source, __LINE__, "Node '%s' doesn't belong to the network",
+                 qPrintable(Node->objectName()));
+        return;
+    }
+    OssSnBaseNode *viewer = m_network->moveCurrentViewerNodeToNetwork();
+    if (!viewer)
+        return;
+    if (!Node || Node == viewer) {
+        look(viewer, Num);
+        return;
+    }
+    if (scene())
+        scene()->clearSelection();
+    viewer->setSelected(true);
+    if (Num == 0) {
+        if (streams)
+            showAsCurrentMaterial(Node);
+        else
+            OssLayerShaderManager::instance()->setCurrentShader(Node);
+        return;
+    }
+    if (Node->outputPointCount() == 1)
+        connectToViewer(viewer, Node, Node->prefferedOutputPoint(), Num);
+    else if (Node->outputPointCount() > 1)
+        chooseOutputPoint(Node, viewer, Num);
+}
+
+void OssShaderNetworkView::chooseOutputPoint(OssSnBaseNode *node, OssSnBaseNode *viewer, int num)
+{
+    const OssNgNode *guiNode = OssSnNodeGraphViewContextManager::guiNodeOf(node);
+    if (!guiNode)
+        return;
+    QMenu menu(this);
+    const auto add = [&](const QString &text, const char *property, const QString &value) {
+        QAction *action = menu.addAction(text);
+        action->setProperty(property, value);
+        action->setProperty("node", QVariant::fromValue<QObject *>(node));
+        action->setProperty("viewer", QVariant::fromValue<QObject *>(viewer));
+        action->setProperty("num", num);
+    };
+    const auto *streams = qobject_cast<OssSnMultiChannelGroupNode *>(node);
+    if (const OssLayerShaderModel *model = streams ? streams->shaderModel() : nullptr) {
+        add(model->id(), "shaderModelName", model->id());
+        menu.addSeparator();
+    }
+    const auto *extended = qobject_cast<const OssNgExtendedNode *>(guiNode);
+    const QStringList points = extended ? extended->outputPortList() : guiNode->outputPortNames();
+    for (const QString &point : points)
+        add(guiNode->outputPointDescriptiveName(point), "outputPointName", point);
+    connect(&menu, &QMenu::triggered, this, &OssShaderNetworkView::onOutputPointSelected);
+    menu.setActiveAction(menu.actions().first()); // Return takes it at once
+    menu.exec(QCursor::pos());
+}
+
+void OssShaderNetworkView::onOutputPointSelected(QAction *action)
+{
+    OssSnBaseNode *node = action ? nodeProperty(action, "node") : nullptr;
+    OssSnBaseNode *viewer = action ? nodeProperty(action, "viewer") : nullptr;
+    if (!node || !viewer)
+        return;
+    if (!action->property("shaderModelName").toString().isEmpty()) {
+        const OssUndoManager::AutoMacro macro(
+            tr("View '%1' as Current Material").arg(node->name()));
+        showAsCurrentMaterial(node);
+        return;
+    }
+    connectToViewer(viewer, node, action->property("outputPointName").toString(),
+                    action->property("num").toInt());
+}
+
+void OssShaderNetworkView::moveViewerToMouse()
+{
+    if (!hasNetwork())
+        return;
+    OssNgNode *guiNode = OssSnNodeGraphViewContextManager::guiNodeOf(
+        m_network->moveCurrentViewerNodeToNetwork());
+    if (!guiNode)
+        return;
+    const QPointF place = mapToScene(viewport()->mapFromGlobal(QCursor::pos()));
+    const QGraphicsItem *parent = guiNode->parentItem();
+    guiNode->setPosition(parent ? parent->mapFromScene(place) : place);
+}

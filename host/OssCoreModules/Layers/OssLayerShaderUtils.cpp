@@ -1,8 +1,0 @@
-#include "OssCoreModules/Layers/OssLayerShaderUtils.h"
-
-#include "OssCoreModules/Layers/OssLayerShaderManager.h"
-
-bool OssLayerShaderUtils::isLayerShaderNode(const OssSnBaseNode *node)
-{
-    return OssLayerShaderManager::instance()->isLayerShader(node);
-}

@@ -1,3 +1,0 @@
-#include "OssCoreModules/Network/OssShaderNetworkHolder.h"
-
-OssShaderNetworkHolder::~OssShaderNetworkHolder() = default;

@@ -1,9 +1,0 @@
-#include "OssCoreModules/Project/OssEntity.h"
-
-OssEntity::OssEntity(const QString &name, QObject *parent)
-    : OssSerializableObject(parent)
-    , m_name(name)
-{
-}
-
-OssEntity::~OssEntity() = default;

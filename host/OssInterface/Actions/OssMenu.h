@@ -1,0 +1,31 @@
+#pragma once
+
+#include "OssInterface/OssInterface_export.h"
+
+#include <QMenu>
+#include <QString>
+
+/// A menu of commands. Submenus are owned by the menu they stand in, commands never. Tool tips of
+/// the commands are shown.
+class OSSINTERFACE_EXPORT OssMenu : public QMenu
+{
+    Q_OBJECT
+
+public:
+    /// With a parent menu: entered there as a submenu.
+    explicit OssMenu(const QString &title = {}, QMenu *parentMenu = nullptr);
+
+    /// Heading under which the shortcut editor lists the commands of this menu, those that are
+    /// added later included. Submenus have their own.
+    void setShortcutGroup(const QString &group);
+
+    QString shortcutGroup() const { return m_shortcutGroup; }
+
+protected:
+    void actionEvent(QActionEvent *event) override;
+
+private:
+    void assignShortcutGroup(const QAction *action) const;
+
+    QString m_shortcutGroup;
+};

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "OssInterface/OssInterface_export.h"
+
+#include <QString>
+#include <QVector>
+
+/// What stands in a menu, from top to bottom: commands by path, separators, submenus, and whole
+/// folders of the action tree.
+struct OSSINTERFACE_EXPORT OssMenuDefinition
+{
+    struct Item
+    {
+        enum Kind {
+            Command,   ///< `text` is an action path; left out while there is no such action
+            Separator, ///< only drawn between two items that are there
+            Submenu,   ///< `text` is the title, the items up to the matching End are inside
+            End,
+            Folder ///< everything filed below the action path `text`, with submenus
+        };
+
+        Kind kind;
+        QString text;
+    };
+
+    QVector<Item> items;
+
+    /// Reads one item per line: an action path, "-" for a separator, "> Title" to open a submenu,
+    /// "<" to close it, "/path/*" for a folder. Blank lines mean nothing.
+    static OssMenuDefinition fromText(const QString &text);
+};

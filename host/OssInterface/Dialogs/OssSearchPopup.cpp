@@ -1,0 +1,80 @@
+#include "OssInterface/Dialogs/OssSearchPopup.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QListView>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+OssSearchPopup::OssSearchPopup(const QString &title, QWidget *parent)
+    : OssPopupDialog(parent)
+    , m_search(new QLineEdit(this))
+    , m_list(new QListView(this))
+{
+    setWindowTitle(title);
+    m_search->setPlaceholderText(title);
+    m_search->setAccessibleName(title);
+    m_search->installEventFilter(this);
+    connect(m_search, &QLineEdit::textChanged, this, &OssSearchPopup::searchAndChooseFirst);
+    connect(m_search, &QLineEdit::returnPressed, this, [this] { take(); });
+    m_list->setFocusPolicy(Qt::NoFocus);
+    m_list->setAccessibleName(tr("Found"));
+    m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_list->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    connect(m_list, &QListView::clicked, this, [this] { take(); });
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(8, 8, 8, 8);
+    layout->addWidget(m_search);
+    layout->addWidget(m_list);
+    resize(420, 440);
+    m_search->setFocus();
+}
+
+void OssSearchPopup::setModel(QAbstractItemModel *model)
+{
+    m_list->setModel(model);
+    m_list->setCurrentIndex(model->index(0, 0));
+}
+
+void OssSearchPopup::placeAt(const QWidget *viewport, const QPoint &viewPos)
+{
+    const QRect room = viewport->rect();
+    const QPoint corner(
+        std::clamp(viewPos.x(), room.left(), std::max(room.left(), room.right() - width())),
+        std::clamp(viewPos.y(), room.top(), std::max(room.top(), room.bottom() - height())));
+    move(viewport->mapToGlobal(corner));
+}
+
+void OssSearchPopup::searchAndChooseFirst(const QString &text)
+{
+    search(text);
+    m_list->setCurrentIndex(m_list->model()->index(0, 0));
+    m_list->scrollToTop();
+}
+
+void OssSearchPopup::take()
+{
+    if (m_list->currentIndex().isValid())
+        accept();
+}
+
+bool OssSearchPopup::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::KeyPress) {
+        switch (static_cast<QKeyEvent *>(event)->key()) {
+        case Qt::Key_Up:
+        case Qt::Key_Down:
+        case Qt::Key_PageUp:
+        case Qt::Key_PageDown:
+            QApplication::sendEvent(m_list, event);
+            return true;
+        case Qt::Key_Tab: // opened with it by many: pressing it again must not leave the field
+            return true;
+        default:
+            break;
+        }
+    }
+    return OssPopupDialog::eventFilter(watched, event);
+}

@@ -1,0 +1,45 @@
+#include "OssInterface/Palettes/OssPalette.h"
+
+#include <QScopedValueRollback>
+#include <QVBoxLayout>
+
+OssPalette::OssPalette(QWidget *parent)
+    : QWidget(parent)
+{
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+}
+
+void OssPalette::setBodyWidget(QWidget *body)
+{
+    if (m_body == body)
+        return;
+    if (m_body) {
+        layout()->removeWidget(m_body);
+        m_body->hide();
+        m_body->setParent(nullptr);
+    }
+    m_body = body;
+    if (!body)
+        return;
+    layout()->addWidget(body);
+    setFocusProxy(body);
+}
+
+void OssPalette::showBySidebar()
+{
+    setVisible(true);
+    if (isWindow())
+        QWidget::raise();
+}
+
+void OssPalette::setVisible(bool visible)
+{
+    // Whoever docks the palette may show it in turn.
+    const bool request = visible && !m_requesting;
+    const QScopedValueRollback<bool> guard(m_requesting, true);
+    // Inside a dock that is closed, showing the palette alone would show nothing.
+    if (request && parentWidget())
+        Q_EMIT showRequested();
+    QWidget::setVisible(visible);
+}

@@ -1,0 +1,178 @@
+#include "OssInterface/Popups/OssFileDialog.h"
+
+#include "OssCore/OssSettings.h"
+#include "OssInterface/Popups/OssApplication.h"
+#include "OssInterface/Popups/OssMessageBox.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QFileSystemModel>
+#include <QLineEdit>
+#include <QListView>
+#include <QRegularExpression>
+
+namespace {
+
+QString settingsKey(const QString &pathKey)
+{
+    return QStringLiteral("FileDialogs/") + pathKey;
+}
+
+QStringList suffixes(const QString &filter)
+{
+    static const QRegularExpression pattern(QStringLiteral("\\*(\\.[\\w.]+)"));
+    QStringList found;
+    auto matches = pattern.globalMatch(filter);
+    while (matches.hasNext())
+        found.append(matches.next().captured(1));
+    return found;
+}
+
+QStringList run(QFileDialog &dialog, const QString &pathKey)
+{
+    dialog.setDirectory(OssFileDialog::rememberedFolder(pathKey));
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return {};
+    OssFileDialog::rememberFolder(pathKey, QFileInfo(dialog.selectedFiles().first()).path());
+    return dialog.selectedFiles();
+}
+
+QStringList openFiles(QFileDialog::FileMode mode, const QString &title, const QString &filter,
+                      const QString &pathKey, QWidget *parent)
+{
+    if (!OssApplication::popupsAllowed())
+        return {};
+    QFileDialog dialog(parent ? parent : OssApplication::mainWindow(), title, QString(), filter);
+    dialog.setFileMode(mode);
+    dialog.setOption(QFileDialog::ShowDirsOnly, mode == QFileDialog::Directory);
+    return run(dialog, pathKey);
+}
+
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("OssFileDialog", text);
+}
+
+bool mayReplace(const QString &path, QWidget *parent = nullptr)
+{
+    return OssMessageBox::question(parent, tr("Replace File"),
+                                   tr("\"%1\" is there already. Do you want to replace it?")
+                                       .arg(QFileInfo(path).fileName()),
+                                   QMessageBox::Yes | QMessageBox::No, QMessageBox::No)
+           == QMessageBox::Yes;
+}
+
+/// Takes a folder whose name ends in the filter's suffix for a document of that kind: it can be
+/// chosen and replaced, and is not entered.
+class SaveDialog final : public QFileDialog
+{
+public:
+    SaveDialog(QWidget *parent, const QString &title, const QString &filter)
+        : QFileDialog(parent, title, QString(), filter)
+        , m_filter(filter)
+    {
+        setOption(DontUseNativeDialog); // it cannot be taught that
+        setAcceptMode(AcceptSave);
+        setFileMode(AnyFile);
+        setDefaultSuffix(suffixes(filter).value(0));
+        // Qt shows only files that are selected as the name. Being current is not enough: the list
+        // makes its first entry so when it gets the focus.
+        const auto *list = findChild<QListView *>(QStringLiteral("listView"));
+        connect(list->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this, list] {
+            const QModelIndexList rows = list->selectionModel()->selectedRows();
+            if (!rows.isEmpty())
+                showName(rows.first().data(QFileSystemModel::FilePathRole).toString());
+        });
+        connect(this, &QFileDialog::directoryEntered, this, [this](const QString &path) {
+            if (!isDocument(path))
+                return;
+            setDirectory(QFileInfo(path).path());
+            showName(path);
+        });
+    }
+
+    void accept() override
+    {
+        const QString path = OssFileDialog::withSuffix(selectedFiles().value(0), m_filter);
+        if (!isDocument(path))
+            QFileDialog::accept();
+        else if (mayReplace(path, this))
+            done(Accepted);
+    }
+
+private:
+    bool isDocument(const QString &path) const
+    {
+        return QFileInfo(path).isDir() && OssFileDialog::withSuffix(path, m_filter) == path;
+    }
+
+    void showName(const QString &path)
+    {
+        auto *edit = findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+        if (edit && isDocument(path))
+            edit->setText(QFileInfo(path).fileName());
+    }
+
+    QString m_filter;
+};
+
+} // namespace
+
+QString OssFileDialog::getSaveFileName(const QString &title, const QString &filter,
+                                       const QString &pathKey, QWidget *parent)
+{
+    if (!OssApplication::popupsAllowed())
+        return {};
+    SaveDialog dialog(parent ? parent : OssApplication::mainWindow(), title, filter);
+    const QString chosen = run(dialog, pathKey).value(0);
+    if (chosen.isEmpty())
+        return {};
+    // The dialog's own suffix is not added to a name such as "wall.v2". Where such a name is a
+    // folder, the dialog has asked already.
+    const QString path = withSuffix(chosen, filter);
+    const bool asked = path == chosen || QFileInfo(path).isDir();
+    return asked || !QFileInfo::exists(path) || mayReplace(path) ? path : QString();
+}
+
+QString OssFileDialog::getOpenFileName(const QString &title, const QString &filter,
+                                       const QString &pathKey, QWidget *parent)
+{
+    return openFiles(QFileDialog::ExistingFile, title, filter, pathKey, parent).value(0);
+}
+
+QStringList OssFileDialog::getOpenFileNames(const QString &title, const QString &filter,
+                                            const QString &pathKey, QWidget *parent)
+{
+    return openFiles(QFileDialog::ExistingFiles, title, filter, pathKey, parent);
+}
+
+QString OssFileDialog::getExistingDirectory(const QString &title, const QString &pathKey,
+                                            QWidget *parent)
+{
+    return openFiles(QFileDialog::Directory, title, QString(), pathKey, parent).value(0);
+}
+
+QString OssFileDialog::rememberedFolder(const QString &pathKey)
+{
+    const QString folder = OssSettings().value(settingsKey(pathKey)).toString();
+    return !folder.isEmpty() && QFileInfo(folder).isDir() ? folder : QDir::homePath();
+}
+
+void OssFileDialog::rememberFolder(const QString &pathKey, const QString &folder)
+{
+    OssSettings().setValue(settingsKey(pathKey), folder);
+}
+
+QString OssFileDialog::withSuffix(const QString &path, const QString &filter)
+{
+    const QStringList known = suffixes(filter);
+    if (path.isEmpty() || known.isEmpty())
+        return path;
+    for (const QString &suffix : known) {
+        if (path.endsWith(suffix, Qt::CaseInsensitive))
+            return path;
+    }
+    return path + known.first();
+}

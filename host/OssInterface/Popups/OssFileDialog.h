@@ -1,0 +1,34 @@
+#pragma once
+
+#include "OssInterface/OssInterface_export.h"
+
+#include <QString>
+#include <QStringList>
+
+class QWidget;
+
+/// File dialogs that start in the folder last used for the same purpose. The purpose is a path key
+/// such as OssResourceInfo gives; the folder is kept in OssSettings, group "FileDialogs". Without
+/// a user, and when the user cancels, the answer is empty.
+///
+/// `filter` is as for QFileDialog, "*.ong" or "Nodes (*.ong)". A null parent means the main window.
+class OSSINTERFACE_EXPORT OssFileDialog
+{
+public:
+    /// With the filter's suffix, appended when the user left it out; replacing what is there was
+    /// confirmed. A folder whose name ends in the suffix counts as a file of that kind.
+    static QString getSaveFileName(const QString &title, const QString &filter,
+                                   const QString &pathKey, QWidget *parent = nullptr);
+    static QString getOpenFileName(const QString &title, const QString &filter,
+                                   const QString &pathKey, QWidget *parent = nullptr);
+    static QStringList getOpenFileNames(const QString &title, const QString &filter,
+                                        const QString &pathKey, QWidget *parent = nullptr);
+    static QString getExistingDirectory(const QString &title, const QString &pathKey,
+                                        QWidget *parent = nullptr);
+
+    static QString rememberedFolder(const QString &pathKey);
+    static void rememberFolder(const QString &pathKey, const QString &folder);
+
+    /// `path` with the first suffix of the filter, unless it ends in one of the filter's suffixes.
+    static QString withSuffix(const QString &path, const QString &filter);
+};

@@ -1,0 +1,159 @@
+#include "OssInterface/Properties/OssChoiceEditors.h"
+
+#include "OssModel/Images/OssImage.h"
+#include "OssModel/Images/OssImageManager.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDropEvent>
+#include <QFileInfo>
+#include <QHBoxLayout>
+#include <QMimeData>
+#include <QWheelEvent>
+
+namespace {
+
+/// A list that leaves the wheel to the panel around it while it has not the focus.
+class CalmComboBox final : public QComboBox
+{
+public:
+    explicit CalmComboBox(QWidget *parent)
+        : QComboBox(parent)
+    {
+        setFocusPolicy(Qt::StrongFocus);
+        setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+        setSizeAdjustPolicy(AdjustToMinimumContentsLengthWithIcon);
+        setMinimumContentsLength(6);
+    }
+
+protected:
+    void wheelEvent(QWheelEvent *event) override
+    {
+        if (hasFocus())
+            QComboBox::wheelEvent(event);
+        else
+            event->ignore();
+    }
+};
+
+} // namespace
+
+// --- choice
+
+OssChoiceEditor::OssChoiceEditor(QWidget *parent)
+    : OssPropertyEditor(parent)
+    , m_list(new CalmComboBox(this))
+{
+    makeRow()->addWidget(m_list);
+    setFocusProxy(m_list);
+    connect(m_list, qOverload<int>(&QComboBox::activated), this, [this](int index) {
+        OssUserEnum value = m_value;
+        value.setCurrentValue(index);
+        Q_EMIT edited(QVariant::fromValue(value));
+    });
+}
+
+void OssChoiceEditor::showValue(const OssCustomAttribute &attribute, bool mixed)
+{
+    const auto value = attribute.value().value<OssUserEnum>();
+    if (value.names() != m_value.names()) {
+        m_list->clear();
+        m_list->addItems(value.names());
+    }
+    m_value = value;
+    // A choice that is none of the list stays unchosen.
+    m_list->setCurrentIndex(
+        mixed || value.currentValue() >= m_list->count() ? -1 : value.currentValue());
+    m_list->setAccessibleName(attribute.prettyName());
+}
+
+// --- flag
+
+OssFlagEditor::OssFlagEditor(QWidget *parent)
+    : OssPropertyEditor(parent)
+    , m_box(new QCheckBox(this))
+{
+    makeRow()->addWidget(m_box);
+    setFocusProxy(m_box);
+    connect(m_box, &QCheckBox::clicked, this, [this] {
+        m_box->setTristate(false);
+        Q_EMIT edited(m_box->isChecked());
+    });
+}
+
+void OssFlagEditor::showValue(const OssCustomAttribute &attribute, bool mixed)
+{
+    m_box->setTristate(mixed);
+    m_box->setCheckState(mixed                        ? Qt::PartiallyChecked
+                         : attribute.value().toBool() ? Qt::Checked
+                                                      : Qt::Unchecked);
+    m_box->setAccessibleName(attribute.prettyName());
+}
+
+// --- images
+
+OssImagesEditor::OssImagesEditor(QWidget *parent)
+    : OssPropertyEditor(parent)
+    , m_list(new CalmComboBox(this))
+{
+    makeRow()->addWidget(m_list);
+    setFocusProxy(m_list);
+    setAcceptDrops(true);
+    m_list->installEventFilter(this);
+    connect(m_list, qOverload<int>(&QComboBox::activated), this, [this](int index) {
+        const QString id = m_list->itemData(index).toString();
+        Q_EMIT edited(id.isEmpty() ? QStringList() : QStringList{id});
+    });
+}
+
+bool OssImagesEditor::eventFilter(QObject *watched, QEvent *event)
+{
+    // Images come and go while the panel is open; the list is made when it is wanted.
+    if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::FocusIn)
+        fillList();
+    return OssPropertyEditor::eventFilter(watched, event);
+}
+
+void OssImagesEditor::fillList()
+{
+    m_list->clear();
+    m_list->addItem(tr("None"));
+    const QList<OssImage *> images = OssImageManager::instance()->images();
+    for (const OssImage *image : images)
+        m_list->addItem(QFileInfo(image->path()).fileName(), image->uuidString());
+    const QString id = m_ids.value(0);
+    int index = id.isEmpty() ? 0 : m_list->findData(id);
+    if (index < 0) {
+        m_list->addItem(tr("Image that is not here"), id);
+        index = m_list->count() - 1;
+    }
+    if (m_ids.size() > 1)
+        m_list->setItemText(
+            index, tr("%1 and %n more", "", m_ids.size() - 1).arg(m_list->itemText(index)));
+    m_list->setCurrentIndex(index);
+}
+
+void OssImagesEditor::showValue(const OssCustomAttribute &attribute, bool mixed)
+{
+    m_ids = attribute.value().toStringList();
+    m_list->setAccessibleName(attribute.prettyName());
+    fillList();
+    if (mixed)
+        m_list->setCurrentIndex(-1);
+}
+
+void OssImagesEditor::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (event->mimeData()->hasFormat(OssImage::MimeType))
+        event->acceptProposedAction();
+}
+
+void OssImagesEditor::dropEvent(QDropEvent *event)
+{
+    const QString text = QString::fromUtf8(event->mimeData()->data(OssImage::MimeType));
+    const QStringList ids = text.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    if (ids.isEmpty())
+        return;
+    event->acceptProposedAction();
+    Q_EMIT edited(ids);
+}

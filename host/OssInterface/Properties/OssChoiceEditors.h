@@ -1,0 +1,55 @@
+#pragma once
+
+#include "OssCore/OssUserEnum.h"
+#include "OssInterface/Properties/OssPropertyEditor.h"
+
+class QCheckBox;
+class QComboBox;
+
+/// Edits a choice from a list.
+class OssChoiceEditor : public OssPropertyEditor
+{
+    Q_OBJECT
+
+public:
+    explicit OssChoiceEditor(QWidget *parent);
+    void showValue(const OssCustomAttribute &attribute, bool mixed) override;
+
+private:
+    QComboBox *m_list;
+    OssUserEnum m_value;
+};
+
+/// Edits a yes or no.
+class OssFlagEditor : public OssPropertyEditor
+{
+    Q_OBJECT
+
+public:
+    explicit OssFlagEditor(QWidget *parent);
+    void showValue(const OssCustomAttribute &attribute, bool mixed) override;
+
+private:
+    QCheckBox *m_box;
+};
+
+/// Chooses one of the project's images; images may also be dropped, several at once.
+class OssImagesEditor : public OssPropertyEditor
+{
+    Q_OBJECT
+
+public:
+    explicit OssImagesEditor(QWidget *parent);
+    void showValue(const OssCustomAttribute &attribute, bool mixed) override;
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+
+private:
+    void fillList();
+
+    QComboBox *m_list;
+    QStringList m_ids;
+};

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "OssInterface/OssInterface_export.h"
+
+#include <QWidget>
+
+/// A picture with handles that are added, removed, dragged and moved by keys: what the fields of
+/// curves and ramps have in common. A drag is told as one edit.
+class OSSINTERFACE_EXPORT OssHandleField : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit OssHandleField(QWidget *parent);
+
+Q_SIGNALS:
+    void edited();
+    /// One of many small changes that follow each other.
+    void stepped();
+    void dragBegun();
+    void dragged();
+    void dragEnded();
+
+protected:
+    /// Has Delete, Space and + for itself, also where they are keys of commands.
+    bool event(QEvent *event) override;
+
+    /// The pointer has a handle; a drag begins when it moves.
+    void takeHandle() { m_hasHandle = true; }
+
+    void letHandleGo() { m_hasHandle = false; }
+
+    /// For a move: whether a handle is held. Announces the drag at its first move.
+    bool isDragging();
+    /// For a release. True when a drag is over, which the caller announces.
+    bool endDrag();
+
+private:
+    bool m_hasHandle = false;
+    bool m_dragging = false;
+};

@@ -1,0 +1,220 @@
+#include "OssInterface/Properties/OssPropertyRow.h"
+
+#include "OssCore/OssUserEnum.h"
+#include "OssCore/OssValueText.h"
+#include "OssInterface/Properties/OssExpression.h"
+#include "OssInterface/Properties/OssPropertyEditor.h"
+#include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QMenu>
+#include <QMimeData>
+#include <QPainter>
+
+namespace {
+
+const QString ValueMimeType = QStringLiteral("application/x-ossa-value");
+constexpr int MarkColumn = 10;
+constexpr double MarkRadius = 2.5;
+const QColor BrokenColor(0xe5, 0x86, 0x8a);
+
+/// The name of an attribute; in front of it a mark when its value is not the default, a ring when
+/// the value is linked.
+class Label final : public QLabel
+{
+public:
+    Label(const QString &text, QWidget *parent)
+        : QLabel(text, parent)
+    {
+        setTextFormat(Qt::PlainText);
+        setContentsMargins(MarkColumn, 0, 0, 0);
+    }
+
+    void setMarks(bool changed, bool linked, bool broken)
+    {
+        m_changed = changed;
+        m_linked = linked;
+        m_broken = broken;
+        setAccessibleDescription(broken    ? tr("a link is broken")
+                                 : changed ? tr("changed")
+                                           : QString());
+        update();
+    }
+
+protected:
+    void paintEvent(QPaintEvent *event) override
+    {
+        QLabel::paintEvent(event);
+        if (!m_changed && !m_linked)
+            return;
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        const QColor color = m_broken ? BrokenColor : palette().color(QPalette::Link);
+        const int text = fontMetrics().horizontalAdvance(this->text());
+        const QPointF at(qMax(MarkRadius + 1.0, double(width() - text) - MarkColumn / 2.0 - 1.0),
+                         height() / 2.0);
+        painter.setPen(m_linked ? QPen(color, 1.2) : Qt::NoPen);
+        painter.setBrush(m_changed ? QBrush(color) : Qt::NoBrush);
+        painter.drawEllipse(at, MarkRadius, MarkRadius);
+    }
+
+private:
+    bool m_changed = false;
+    bool m_linked = false;
+    bool m_broken = false;
+};
+
+} // namespace
+
+OssPropertyRow::OssPropertyRow(OssSnBaseNode *node, const OssCustomAttribute &attribute,
+                               QWidget *parent)
+    : QObject(parent)
+    , m_node(node)
+    , m_name(attribute.name())
+    , m_edit(node, attribute.name())
+    , m_label(new Label(attribute.prettyName(), parent))
+    , m_editor(OssPropertyEditor::create(attribute, parent))
+{
+    m_label->setBuddy(m_editor);
+    m_label->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(m_label, &QWidget::customContextMenuRequested, this,
+            [this](const QPoint &at) { openMenu(m_label->mapToGlobal(at)); });
+    connect(m_editor, &OssPropertyEditor::edited, this,
+            [this](const QVariant &value) { m_edit.set(value); });
+    connect(m_editor, &OssPropertyEditor::stepped, this,
+            [this](const QVariant &value) { m_edit.step(value); });
+    connect(m_editor, &OssPropertyEditor::dragBegun, this, [this] { m_edit.begin(); });
+    connect(m_editor, &OssPropertyEditor::dragged, this,
+            [this](const QVariant &value) { m_edit.drag(value); });
+    connect(m_editor, &OssPropertyEditor::dragEnded, this, [this] {
+        m_edit.end();
+        refreshTargets();
+    });
+    refresh();
+}
+
+OssPropertyRow::~OssPropertyRow() = default;
+
+void OssPropertyRow::refresh()
+{
+    const OssCustomAttribute attribute = m_edit.attribute();
+    if (!attribute.isValid())
+        return;
+    if (m_label->text() != attribute.prettyName())
+        m_label->setText(attribute.prettyName());
+    m_editor->showValue(attribute, m_mixed);
+    showMarks(attribute);
+}
+
+void OssPropertyRow::refreshTargets()
+{
+    const bool mixed = !m_edit.isDragging() && m_edit.isMixed();
+    if (mixed == m_mixed)
+        return;
+    m_mixed = mixed;
+    refresh();
+}
+
+void OssPropertyRow::setLocked(bool locked)
+{
+    m_locked = locked;
+    m_editor->setEnabled(!locked);
+}
+
+// --- marks
+
+QString OssPropertyRow::toolTipFor(const OssCustomAttribute &attribute, bool *broken) const
+{
+    QStringList lines;
+    const OssLinkedCustomAttributeManager *linker = OssLinkedCustomAttributeManager::instance();
+    if (!attribute.definition().toolTip.isEmpty())
+        lines.append(attribute.definition().toolTip);
+    if (const auto *group = qobject_cast<const OssSnGroupNode *>(m_node)) {
+        const auto links = linker->links(group, m_name);
+        for (const auto &link : links) {
+            const bool gone = OssLinkedCustomAttributeManager::isBroken(group, m_name, link);
+            *broken = *broken || gone;
+            lines.append((gone ? tr("Broken link to %1.%2") : tr("Linked to %1.%2"))
+                             .arg(link.nodePath, link.attribute));
+        }
+    }
+    const auto knobs = linker->knobsOf(m_node, m_name);
+    for (const auto &knob : knobs)
+        lines.append(
+            tr("Knob \"%1\" of %2")
+                .arg(knob.group->userAttribute(knob.name).prettyName(), knob.group->name()));
+    return lines.join(QLatin1Char('\n'));
+}
+
+void OssPropertyRow::showMarks(const OssCustomAttribute &attribute)
+{
+    bool broken = false;
+    const QString toolTip = toolTipFor(attribute, &broken);
+    const bool linked =
+        !OssLinkedCustomAttributeManager::instance()->knobsOf(m_node, m_name).isEmpty()
+        || attribute.definition().isKnob;
+    static_cast<Label *>(m_label)->setMarks(!attribute.isDefault(), linked, broken);
+    m_label->setToolTip(toolTip);
+    m_editor->setToolTip(toolTip);
+}
+
+// --- values
+
+void OssPropertyRow::reset()
+{
+    if (!m_locked)
+        m_edit.reset();
+}
+
+void OssPropertyRow::copyValue() const
+{
+    const QVariant value = m_edit.attribute().value();
+    const bool isChoice = value.userType() == qMetaTypeId<OssUserEnum>();
+    auto *data = new QMimeData; // the clipboard takes it
+    data->setText(isChoice ? value.toString() : OssValueText::toText(value));
+    data->setData(ValueMimeType, data->text().toUtf8());
+    QApplication::clipboard()->setMimeData(data);
+}
+
+QVariant OssPropertyRow::clipboardValue() const
+{
+    const QMimeData *data = QApplication::clipboard()->mimeData();
+    const QString text = data ? data->text().trimmed() : QString();
+    const QVariant present = m_edit.attribute().value();
+    if (text.isEmpty())
+        return {};
+    if (present.userType() == QMetaType::Double || present.userType() == QMetaType::Int) {
+        double number = 0.0;
+        if (!OssExpression::evaluate(text, present.toDouble(), &number))
+            return {};
+        return present.userType() == QMetaType::Int ? QVariant(qRound(number)) : QVariant(number);
+    }
+    // A choice goes by its name.
+    if (present.userType() == qMetaTypeId<OssUserEnum>())
+        return present.value<OssUserEnum>().names().contains(text) ? QVariant(text) : QVariant();
+    return OssValueText::fromText(text, present.userType());
+}
+
+void OssPropertyRow::pasteValue()
+{
+    const QVariant value = clipboardValue();
+    if (value.isValid() && !m_locked)
+        m_edit.set(value);
+}
+
+void OssPropertyRow::openMenu(const QPoint &globalPosition)
+{
+    QMenu menu(m_label);
+    QAction *reset = menu.addAction(tr("Reset to Default"), this, &OssPropertyRow::reset);
+    reset->setShortcut(Qt::CTRL + Qt::Key_Backspace);
+    reset->setEnabled(!m_locked && !m_edit.attribute().isDefault());
+    menu.addSeparator();
+    menu.addAction(tr("Copy Value"), this, &OssPropertyRow::copyValue)
+        ->setShortcut(Qt::CTRL + Qt::SHIFT + Qt::Key_C);
+    QAction *paste = menu.addAction(tr("Paste Value"), this, &OssPropertyRow::pasteValue);
+    paste->setShortcut(Qt::CTRL + Qt::SHIFT + Qt::Key_V);
+    paste->setEnabled(!m_locked && clipboardValue().isValid());
+    menu.exec(globalPosition);
+}

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "OssInterface/Properties/OssPropertyEditor.h"
+
+class QLineEdit;
+class QPlainTextEdit;
+
+/// Edits a line of text.
+class OssLineEditor : public OssPropertyEditor
+{
+    Q_OBJECT
+
+public:
+    explicit OssLineEditor(QWidget *parent);
+    void showValue(const OssCustomAttribute &attribute, bool mixed) override;
+
+protected:
+    QLineEdit *line() const { return m_line; }
+
+private:
+    QLineEdit *m_line;
+};
+
+/// Edits text of several lines: a change counts when the field is left or with Ctrl+Enter.
+class OssParagraphEditor : public OssPropertyEditor
+{
+    Q_OBJECT
+
+public:
+    explicit OssParagraphEditor(QWidget *parent);
+    void showValue(const OssCustomAttribute &attribute, bool mixed) override;
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void finish();
+
+    QPlainTextEdit *m_text;
+};
+
+/// Edits the path of a file: typed, chosen or dropped. One that is not there is shown as such.
+class OssFileEditor : public OssLineEditor
+{
+    Q_OBJECT
+
+public:
+    explicit OssFileEditor(QWidget *parent);
+    void showValue(const OssCustomAttribute &attribute, bool mixed) override;
+    /// Whether there is such a file; a path with a place holder for patches (<UDIM>, %04d) stands
+    /// for any file of its pattern.
+    static bool fileExists(const QString &path);
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void choose();
+
+    QString m_title;
+};

@@ -1,0 +1,86 @@
+#include "OssModel/Evaluation/OssEvaluationService.h"
+
+#include "OssCore/OssAtomicFile.h"
+#include "OssCore/OssDebug.h"
+#include "OssEvaluation/Geometry/OssEvMesh.h"
+#include "OssEvaluation/Geometry/OssEvMeshFile.h"
+#include "OssEvaluation/Schedule/OssEvEngine.h"
+#include "OssModel/Evaluation/OssImageSetFiles.h"
+#include "OssModel/Graph/OssGeoEntity.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+
+OssEvaluationService *OssEvaluationService::instance()
+{
+    static OssEvaluationService service;
+    return &service;
+}
+
+OssEvaluationService::OssEvaluationService() = default;
+OssEvaluationService::~OssEvaluationService() = default;
+
+void OssEvaluationService::shutdown()
+{
+    m_engine.reset();
+    m_images.reset();
+    m_meshes.clear();
+}
+
+OssEvEngine *OssEvaluationService::engine()
+{
+    if (!m_engine)
+        m_engine = std::make_unique<OssEvEngine>();
+    return m_engine.get();
+}
+
+std::shared_ptr<OssEvImageProvider> OssEvaluationService::images()
+{
+    if (!m_images)
+        m_images = std::make_shared<OssImageSetFiles>();
+    return m_images;
+}
+
+std::shared_ptr<const OssEvMesh> OssEvaluationService::mesh(const OssGeoEntity *entity)
+{
+    const QString shape = entity ? entity->geometry() : QStringLiteral("plane");
+    if (shape == QLatin1String("sphere"))
+        return OssEvShapes::sphere();
+    if (shape == QLatin1String("cube"))
+        return OssEvShapes::cube();
+    if (shape == QLatin1String("plane"))
+        return OssEvShapes::plane();
+    std::shared_ptr<const OssEvMesh> &known = m_meshes[shape];
+    if (!known) {
+        const OssEvResult result = OssEvMeshFile::read(shape.toStdString(), &known);
+        if (!result) {
+            OssDebug("OssEvaluationService", __LINE__, "[ !! ] %s", result.error().c_str());
+            known = OssEvShapes::plane();
+        }
+    }
+    return known;
+}
+
+QList<int> OssEvaluationService::patches(const OssGeoEntity *entity)
+{
+    QList<int> list;
+    const auto shape = mesh(entity);
+    for (const int patch : shape->patches())
+        list.append(patch);
+    return list;
+}
+
+OssEvTarget OssEvaluationService::target(const OssSnEvaluationGraph &graph,
+                                         const OssGeoEntity *entity, int patch, int resolution)
+{
+    OssEvTarget target;
+    target.graph = graph.graph;
+    target.node = graph.node;
+    target.output = graph.output;
+    target.patch = patch;
+    target.width = resolution;
+    target.height = resolution;
+    target.mesh = mesh(entity);
+    target.images = images();
+    return target;
+}

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "OssCore/OssResult.h"
+#include "OssEvaluation/Files/OssEvBake.h"
+#include "OssModel/Evaluation/OssSnEvaluationGraph.h"
+
+#include <QList>
+#include <QMap>
+#include <QString>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+class OssEvEngine;
+class OssEvImageProvider;
+class OssEvMesh;
+class OssGeoEntity;
+class OssImageSet;
+
+/// The engine of the process and what evaluation needs of the document beside the graph: meshes and
+/// images. Everything that shows or writes pixels uses it. GUI thread, but for the engine itself.
+class OSSMODEL_EXPORT OssEvaluationService
+{
+public:
+    static OssEvaluationService *instance();
+    ~OssEvaluationService();
+
+    OssEvEngine *engine();
+    std::shared_ptr<OssEvImageProvider> images();
+    /// Read once for each shape. A shape that cannot be read is a debug line, and a plane.
+    std::shared_ptr<const OssEvMesh> mesh(const OssGeoEntity *entity);
+    /// In ascending order.
+    QList<int> patches(const OssGeoEntity *entity);
+
+    OssEvTarget target(const OssSnEvaluationGraph &graph, const OssGeoEntity *entity, int patch,
+                       int resolution);
+
+    /// What is computed, and what for.
+    struct BakeJob
+    {
+        const OssSnBaseNode *node = nullptr;
+        QString outputPoint;
+        const OssGeoEntity *entity = nullptr;
+        QList<int> patches;
+        int resolution = 2048;
+        /// Called on this thread several times a second; false stops the bake.
+        std::function<bool(int done, int total)> onProgress;
+    };
+
+    /// Writes a file for each patch. "<UDIM>" in the path stands for the patch; the suffix says the
+    /// format: exr, png or tif. Returns when it is done, while events go on being handled; callers
+    /// see to it that they change nothing below the bake. Files are there whole or not at all.
+    OssResult bake(const BakeJob &job, const QString &path);
+
+    /// Bakes into the set's images: each patch of the job gets new pixels, the others keep theirs.
+    /// One undo step; nothing changes when a patch fails.
+    OssResult bakeInto(OssImageSet *set, const BakeJob &job);
+
+    /// Before the process ends: stops all work.
+    void shutdown();
+
+private:
+    OssEvaluationService();
+
+    /// Fails, in words, where the job cannot be computed.
+    OssResult prepare(const BakeJob &job, OssEvTarget *made);
+    OssResult runBakes(std::vector<OssEvBake::Job> bakes,
+                       const std::function<bool(int, int)> &onProgress);
+
+    std::unique_ptr<OssEvEngine> m_engine;
+    std::shared_ptr<OssEvImageProvider> m_images;
+    QMap<QString, std::shared_ptr<const OssEvMesh>> m_meshes;
+};

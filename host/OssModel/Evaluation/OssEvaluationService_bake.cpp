@@ -1,0 +1,150 @@
+#include "OssModel/Evaluation/OssEvaluationService.h"
+
+#include "OssCore/OssAtomicFile.h"
+#include "OssEvaluation/Schedule/OssEvEngine.h"
+#include "OssModel/Graph/OssShaderNetworkUtils.h"
+#include "OssModel/Images/OssPixelStore.h"
+#include "OssModel/Objects/OssCanvasManager.h"
+#include "OssModel/Objects/OssImageSet.h"
+
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QFile>
+#include <QFileInfo>
+#include <QThread>
+#include <QTimer>
+
+#include <atomic>
+
+namespace {
+
+constexpr int TellEvery = 50; ///< milliseconds
+
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("OssEvaluationService", text);
+}
+
+/// One after the other, on a thread of their own: baking waits.
+OssEvResult runAll(OssEvEngine *engine, std::vector<OssEvBake::Job> *bakes, OssEvCancel *cancel,
+                   std::atomic<int> *thousandths)
+{
+    const int count = int(bakes->size());
+    for (int i = 0; i < count; ++i) {
+        OssEvBake::Job &bake = (*bakes)[std::size_t(i)];
+        bake.cancel = cancel;
+        bake.onProgress = [=](int done, int total) {
+            *thousandths = (1000 * i + (total > 0 ? int(1000LL * done / total) : 0)) / count;
+        };
+        OssEvResult result = OssEvBake::run(engine, bake);
+        if (!result)
+            return result;
+    }
+    return {};
+}
+
+} // namespace
+
+OssResult OssEvaluationService::prepare(const BakeJob &job, OssEvTarget *made)
+{
+    OssSnEvaluationGraph graph = OssSnEvaluationGraph::of(job.node, job.outputPoint);
+    if (OssCanvasWidget *canvas = OssCanvasManager::instance()->currentCanvas()) {
+        // Fresh paint is part of the picture.
+        for (const OssSnBaseNode *source : qAsConst(graph.sources))
+            canvas->handleBakeBehavior(OssShaderNetworkUtils::imageSetOf(source));
+        graph = OssSnEvaluationGraph::of(job.node, job.outputPoint);
+    }
+    if (!graph.error.isEmpty())
+        return OssResult::failure(graph.error);
+    *made = target(graph, job.entity, 0, job.resolution);
+    made->keepIntermediates = false;
+    return {};
+}
+
+OssResult OssEvaluationService::runBakes(std::vector<OssEvBake::Job> bakes,
+                                         const std::function<bool(int, int)> &onProgress)
+{
+    OssEvCancel cancel;
+    OssEvResult result;
+    std::atomic<int> thousandths{0};
+    const auto tell = [&] {
+        if (onProgress && !onProgress(thousandths, 1000))
+            cancel.cancel();
+    };
+    tell();
+    OssEvEngine *worker = engine();
+    const std::unique_ptr<QThread> thread(
+        QThread::create([&] { result = runAll(worker, &bakes, &cancel, &thousandths); }));
+    QEventLoop loop;
+    QObject::connect(thread.get(), &QThread::finished, &loop, &QEventLoop::quit);
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, &loop, tell);
+    timer.start(TellEvery);
+    thread->start();
+    loop.exec();
+    // The loop also ends when the application does.
+    if (!thread->isFinished())
+        cancel.cancel();
+    thread->wait();
+    return result ? OssResult() : OssResult::failure(QString::fromStdString(result.error()));
+}
+
+OssResult OssEvaluationService::bake(const BakeJob &job, const QString &path)
+{
+    OssEvImageWriter::Format format = OssEvImageWriter::Format::Exr;
+    if (!OssEvImageWriter::formatOf(path.toStdString(), &format))
+        return OssResult::failure(tr("%1: images are written as .exr, .png or .tif").arg(path));
+    OssEvTarget target;
+    const OssResult prepared = prepare(job, &target);
+    if (!prepared)
+        return prepared;
+    const OssResult folder = OssAtomicFile::makeFolder(QFileInfo(path).absolutePath());
+    if (!folder)
+        return folder;
+    std::vector<OssEvBake::Job> bakes;
+    for (const int patch : job.patches) {
+        OssEvBake::Job bake;
+        bake.target = target;
+        bake.target.patch = patch;
+        bake.path =
+            QString(path).replace(QLatin1String("<UDIM>"), QString::number(patch)).toStdString();
+        bake.format = format;
+        bakes.push_back(bake);
+    }
+    return runBakes(std::move(bakes), job.onProgress);
+}
+
+OssResult OssEvaluationService::bakeInto(OssImageSet *set, const BakeJob &job)
+{
+    OssEvTarget target;
+    const OssResult prepared = prepare(job, &target);
+    if (!prepared)
+        return prepared;
+    std::vector<OssEvBake::Job> bakes;
+    QMap<int, QString> made;
+    for (const int patch : job.patches) {
+        OssEvBake::Job bake;
+        bake.target = target;
+        bake.target.patch = patch;
+        made.insert(patch, OssPixelStore::newPath());
+        bake.path = made.value(patch).toStdString();
+        bake.isPrecise = set->depth() == OssImageSet::FloatDepth;
+        bake.isData = set->isScalar();
+        bakes.push_back(bake);
+    }
+    OssResult result = made.isEmpty()
+                           ? OssResult::failure(tr("There is no patch to bake"))
+                           : OssAtomicFile::makeFolder(QFileInfo(made.first()).absolutePath());
+    if (result)
+        result = runBakes(std::move(bakes), job.onProgress);
+    QMap<int, QString> pixels = set->pixels();
+    for (auto at = made.cbegin(); at != made.cend(); ++at) {
+        if (result)
+            result = OssPixelStore::adopt(at.value(), &pixels[at.key()]);
+        if (!result)
+            QFile::remove(at.value());
+    }
+    if (result)
+        set->setPixels(pixels);
+    return result;
+}

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "OssEvaluation/Files/OssEvImageFiles.h"
+#include "OssModel/OssModel_export.h"
+
+#include <QString>
+
+class OssSnBaseNode;
+
+/// Images as the document knows them: files by their paths, and image sets, whose patches are files
+/// of the pixel store. What it needs of a set is in the image's name, so workers ask no document.
+class OSSMODEL_EXPORT OssImageSetFiles : public OssEvImageFiles
+{
+public:
+    /// The name under which the node's images are evaluated; empty while they have no pixels. Other
+    /// pixels, other name. Patches that nothing was written to have the set's fill colour; those
+    /// beyond a bake point's limit have the colour that it says. GUI thread.
+    static QString nameOf(const OssSnBaseNode *node);
+
+    OssEvResult describe(const Image &image, OssEvImageInfo *info) override;
+    OssEvResult read(const Image &image, int reduction, int tileRow, const OssEvCancel &cancel,
+                     const Deliver &deliver) override;
+
+private:
+    /// False when there is nothing for the patch.
+    static bool toFile(const Image &image, Image *file);
+    /// The colour of such a patch, as the rest of its line; empty when it is transparent.
+    static std::string fillOf(const Image &image);
+};

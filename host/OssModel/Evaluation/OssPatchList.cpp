@@ -1,0 +1,34 @@
+#include "OssModel/Evaluation/OssPatchList.h"
+
+#include <QStringList>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int FirstPatch = 1001;
+constexpr int LastPatch = 9999;
+
+} // namespace
+
+QList<int> OssPatchList::fromText(const QString &text)
+{
+    QList<int> patches;
+    const QStringList parts = text.split(QLatin1Char(','), Qt::SkipEmptyParts);
+    for (const QString &part : parts) {
+        const QStringList ends = part.split(QLatin1Char('-'));
+        bool firstOk = false;
+        bool lastOk = false;
+        const int first = ends.first().trimmed().toInt(&firstOk);
+        const int last = ends.last().trimmed().toInt(&lastOk);
+        if (!firstOk || !lastOk || ends.size() > 2 || first < FirstPatch || last > LastPatch
+            || last < first)
+            return {};
+        for (int patch = first; patch <= last; ++patch) {
+            if (!patches.contains(patch))
+                patches.append(patch);
+        }
+    }
+    std::sort(patches.begin(), patches.end());
+    return patches;
+}

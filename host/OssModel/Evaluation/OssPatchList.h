@@ -1,0 +1,14 @@
+#pragma once
+
+#include "OssModel/OssModel_export.h"
+
+#include <QList>
+#include <QString>
+
+/// UDIM patches as a user writes them.
+namespace OssPatchList {
+
+/// Patches of a text like "1001-1004,1011", ascending; empty when it makes no sense.
+OSSMODEL_EXPORT QList<int> fromText(const QString &text);
+
+} // namespace OssPatchList

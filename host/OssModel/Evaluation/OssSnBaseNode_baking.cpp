@@ -1,0 +1,54 @@
+#include "OssModel/Graph/OssSnBaseNode.h"
+
+#include "OssModel/Evaluation/OssBakeProgress.h"
+#include "OssModel/Evaluation/OssEvaluationService.h"
+#include "OssModel/Graph/OssGeoImageSet.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShaderNetworkUtils.h"
+#include "OssModel/Objects/OssImageSet.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr int UsualResolution = 2048;
+
+} // namespace
+
+OssResult OssSnBaseNode::bake(OssImageSet *set, const QString &outputPoint) const
+{
+    if (!set || !network())
+        return OssResult::failure(tr("%1: there are no images to bake into").arg(name()));
+    OssEvaluationService *service = OssEvaluationService::instance();
+    OssBakeProgress progress(tr("Baking %1").arg(name()), 1);
+    OssEvaluationService::BakeJob job;
+    job.node = this;
+    job.outputPoint = outputPoint;
+    job.entity = network()->geoEntity();
+    job.patches = service->patches(job.entity);
+    job.resolution = set->resolution();
+    job.onProgress = progress.forPart(0, name());
+    return service->bakeInto(set, job);
+}
+
+OssResult OssSnBaseNode::exportToGeoChannel(OssGeoImageSet *channel,
+                                            const QString &outputPoint) const
+{
+    if (!channel || !channel->imageSet())
+        return OssResult::failure(tr("%1: there is no geo-channel to export into").arg(name()));
+    return bake(channel->imageSet(), outputPoint);
+}
+
+int OssSnBaseNode::queryMaximumRequiredTextureResolutions() const
+{
+    int largest = 0;
+    auto *self = const_cast<OssSnBaseNode *>(this);
+    const QList<OssSnBaseNode *> nodes = OssShaderNetworkUtils::getUpstreamNodes(self, true, true,
+                                                                                 true);
+    for (const OssSnBaseNode *node : nodes) {
+        const OssImageSet *set = OssShaderNetworkUtils::imageSetOf(node);
+        if (set)
+            largest = std::max(largest, set->resolution());
+    }
+    return largest > 0 ? largest : UsualResolution;
+}

@@ -1,0 +1,3 @@
+#include "OssModel/Graph/OssShaderNetworkHolder.h"
+
+OssShaderNetworkHolder::~OssShaderNetworkHolder() = default;

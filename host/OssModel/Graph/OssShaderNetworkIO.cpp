@@ -1,0 +1,209 @@
+#include "OssModel/Graph/OssShaderNetworkIO.h"
+
+#include "OssCore/OssAtomicFile.h"
+#include "OssCore/OssDebug.h"
+#include "OssCore/OssDeserializer.h"
+#include "OssCore/OssSerializer.h"
+#include "OssCore/OssUndoManager.h"
+#include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
+#include "OssModel/Graph/OssNodeTypeTable.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
+
+#include <QBuffer>
+#include <QClipboard>
+#include <QCoreApplication>
+#include <QGuiApplication>
+#include <QMimeData>
+
+namespace {
+
+constexpr const char *Source = "OssShaderNetworkIO";
+constexpr int FormatMajor = 1;
+constexpr qint64 LargestFile = qint64(256) << 20;
+const QString DocumentElement = QStringLiteral("ossaNodes");
+const QString NetworkObject = QStringLiteral("network");
+const QString NodesCollection = QStringLiteral("m_nodes");
+const QString MimeType = QStringLiteral("application/x-ossa-nodes");
+
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("OssShaderNetworkIO", text);
+}
+
+OssResult readDocument(OssDeserializer &reader, OssShaderNetwork *network)
+{
+    const OssUndoManager::Pause pause;
+    OssDeserializer::Attributes attributes;
+    const OssResult begun = reader.beginDocument(DocumentElement, &attributes);
+    if (!begun)
+        return begun;
+    const int major = attributes.value(QStringLiteral("major")).toInt();
+    if (major < 1 || major > FormatMajor)
+        reader.raiseError(tr("its nodes are in a format that is not known here"));
+    bool found = false;
+    while (reader.nextElement()) {
+        if (found || reader.elementName() != QLatin1String("object")) {
+            reader.skipElement();
+            continue;
+        }
+        found = true;
+        reader.loadObject(network);
+    }
+    if (!found && !reader.failed())
+        reader.raiseError(tr("there are no nodes in it"));
+    return reader.result();
+}
+
+/// The knobs of the group around that stand for attributes of the node: a copy in the same group
+/// can be linked to them.
+void writeKnobsOf(OssSerializer &serializer, const OssSnBaseNode *node)
+{
+    const OssSnGroupNode *group = node->network() ? node->network()->parentGroupNode() : nullptr;
+    if (!group)
+        return;
+    for (const OssCustomAttribute &attribute : node->userAttributes()) {
+        const auto knobs = OssLinkedCustomAttributeManager::instance()->knobsOf(node,
+                                                                                attribute.name());
+        for (const auto &knob : knobs) {
+            if (knob.group == group)
+                serializer.writeElement(QStringLiteral("knobLink"),
+                                        {{QStringLiteral("group"), group->path()},
+                                         {QStringLiteral("node"), node->name()},
+                                         {QStringLiteral("knob"), knob.name},
+                                         {QStringLiteral("attribute"), attribute.name()}});
+        }
+    }
+}
+
+void selectOnly(OssShaderNetwork *network, const QList<OssSnBaseNode *> &nodes)
+{
+    const QList<OssSnBaseNode *> before = network->selectedNodes();
+    for (OssSnBaseNode *node : before)
+        node->setSelected(false);
+    for (OssSnBaseNode *node : nodes)
+        node->setSelected(true);
+}
+
+QList<OssSnBaseNode *> insert(OssShaderNetwork *network, const QByteArray &text,
+                              const QString &source, bool select)
+{
+    QList<OssSnBaseNode *> inserted;
+    const OssResult result = OssShaderNetworkIO::nodesFromText(network, text, source, &inserted);
+    if (!result)
+        OssDebug(Source, __LINE__, "[ !! ] %s", qPrintable(result.error()));
+    else if (select)
+        selectOnly(network, inserted);
+    return inserted;
+}
+
+} // namespace
+
+QByteArray OssShaderNetworkIO::nodesToText(const QList<OssSnBaseNode *> &nodes, const QString &note,
+                                           const QString &asType)
+{
+    QList<OssSnBaseNode *> written;
+    for (OssSnBaseNode *node : nodes) {
+        if (node && !node->hasTag(QStringLiteral("_viewer")))
+            written.append(node);
+    }
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    OssSerializer serializer(&buffer);
+    serializer.setCanonical(true); // what is pasted are other nodes: they bring no ids
+    OssSerializer::Attributes attributes;
+    attributes.insert(QStringLiteral("major"), QString::number(FormatMajor));
+    if (!note.isEmpty())
+        attributes.insert(QStringLiteral("note"), note);
+    serializer.beginDocument(DocumentElement, attributes);
+    serializer.beginObject(NetworkObject, QStringLiteral("OssShaderNetwork"), {});
+    OssNodeTypeTable::write(serializer, written);
+    serializer.beginCollection(NodesCollection, written.size(), QStringLiteral("QList"),
+                               QStringLiteral("OssSnBaseNode"), {});
+    for (OssSnBaseNode *node : qAsConst(written)) {
+        OssSerializer::Attributes identity = node->identityAttributes();
+        if (!asType.isEmpty())
+            identity.insert(QStringLiteral("key"), asType);
+        node->save(serializer, node->name(), identity);
+    }
+    serializer.endCollection();
+    for (const OssSnBaseNode *node : qAsConst(written))
+        writeKnobsOf(serializer, node);
+    serializer.endObject();
+    serializer.endDocument();
+    return buffer.data();
+}
+
+OssResult OssShaderNetworkIO::nodesFromText(OssShaderNetwork *network, const QByteArray &text,
+                                            const QString &source, QList<OssSnBaseNode *> *inserted)
+{
+    inserted->clear();
+    if (!network)
+        return OssResult::failure(tr("There is no network to put nodes into"));
+    // Read whole before the network is touched.
+    OssShaderNetwork read;
+    QByteArray content = text;
+    QBuffer buffer(&content);
+    buffer.open(QIODevice::ReadOnly);
+    OssDeserializer reader(&buffer, source);
+    const OssResult result = readDocument(reader, &read);
+    if (result)
+        *inserted = network->takeOverNodes(&read);
+    return result;
+}
+
+QList<OssSnBaseNode *> OssShaderNetworkIO::duplicateNodes(OssShaderNetwork *network,
+                                                          const QList<OssSnBaseNode *> &nodes,
+                                                          bool select)
+{
+    if (!network || nodes.isEmpty())
+        return {};
+    return insert(network, nodesToText(nodes), tr("duplicated nodes"), select);
+}
+
+void OssShaderNetworkIO::copyNodesToClipboard(const QList<OssSnBaseNode *> &nodes,
+                                              const QString &note)
+{
+    const QByteArray text = nodesToText(nodes, note);
+    auto *data = new QMimeData; // the clipboard takes it
+    data->setText(QString::fromUtf8(text));
+    data->setData(MimeType, text);
+    QGuiApplication::clipboard()->setMimeData(data);
+}
+
+bool OssShaderNetworkIO::clipboardHoldsNodes()
+{
+    const QMimeData *data = QGuiApplication::clipboard()->mimeData();
+    return data
+           && (data->hasFormat(MimeType)
+               || data->text().left(512).contains(QLatin1Char('<') + DocumentElement));
+}
+
+QList<OssSnBaseNode *> OssShaderNetworkIO::pasteNodesFromClipboard(OssShaderNetwork *network,
+                                                                   bool select)
+{
+    const QMimeData *data = QGuiApplication::clipboard()->mimeData();
+    if (!network || !data || !clipboardHoldsNodes()) {
+        OssDebug(Source, __LINE__, "[ !! ] The clipboard holds no nodes");
+        return {};
+    }
+    // Text that went through a mail may have blanks before it.
+    const QByteArray text = data->hasFormat(MimeType) ? data->data(MimeType)
+                                                      : data->text().trimmed().toUtf8();
+    return insert(network, text, tr("the clipboard"), select);
+}
+
+OssResult OssShaderNetworkIO::saveNodesToXmlFile(const QList<OssSnBaseNode *> &nodes,
+                                                 const QString &path)
+{
+    return OssAtomicFile::write(path, nodesToText(nodes));
+}
+
+OssResult OssShaderNetworkIO::loadNodesFromXmlFile(OssShaderNetwork *network, const QString &path,
+                                                   QList<OssSnBaseNode *> *inserted)
+{
+    inserted->clear();
+    QByteArray content;
+    const OssResult result = OssAtomicFile::read(path, LargestFile, &content);
+    return result ? nodesFromText(network, content, path, inserted) : result;
+}

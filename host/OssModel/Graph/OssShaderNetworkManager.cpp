@@ -1,0 +1,199 @@
+#include "OssModel/Graph/OssShaderNetworkManager.h"
+
+#include "OssCore/OssDebug.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShaderNetworkContextLoader.h"
+#include "OssModel/Graph/OssShadingGroup.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
+
+OssShaderNetworkManager *OssShaderNetworkManager::instance()
+{
+    static OssShaderNetworkManager manager;
+    return &manager;
+}
+
+OssShaderNetworkManager::OssShaderNetworkManager()
+{
+    setObjectName(QStringLiteral("OssShaderNetworkManager"));
+    qRegisterMetaType<OssSnBaseNode *>();
+    qRegisterMetaType<OssShaderNetwork *>();
+    qRegisterMetaType<QList<OssSnBaseNode *>>("QList<OssSnBaseNode*>");
+    qRegisterMetaType<OssSnBaseNodeCacheActiveState>("OssSnBaseNodeCacheActiveState");
+    qRegisterMetaType<OssCustomAttribute>();
+}
+
+OssShaderNetworkManager::~OssShaderNetworkManager()
+{
+    for (const NamedLoader &entry : qAsConst(m_loaders)) {
+        if (entry.loader && !entry.loader->parent())
+            delete entry.loader.data();
+    }
+}
+
+// --- node types
+
+QStringList OssShaderNetworkManager::loadNodeTypes(const QString &folder)
+{
+    const QStringList faults = m_types.readFolder(folder);
+    for (const QString &fault : faults)
+        OssDebug("OssShaderNetworkManager", __LINE__, "[ !! ] %s", qPrintable(fault));
+    Q_EMIT registeredNodePopulationChanged();
+    return faults;
+}
+
+bool OssShaderNetworkManager::registerNodeType(const OssSnNodeTypeLibrary::TypePointer &type)
+{
+    if (!m_types.add(type))
+        return false;
+    Q_EMIT registeredNodePopulationChanged();
+    return true;
+}
+
+OssSnNodeTypeLibrary::TypePointer OssShaderNetworkManager::nodeType(const QString &pathKey) const
+{
+    return m_types.find(pathKey);
+}
+
+QStringList OssShaderNetworkManager::nodeGraphPathKeys() const
+{
+    QStringList keys;
+    const QStringList all = m_types.pathKeys();
+    for (const QString &key : all) {
+        if (!m_types.find(key)->tags.contains(QStringLiteral("_internal")))
+            keys.append(key);
+    }
+    return keys;
+}
+
+QStringList OssShaderNetworkManager::nodePathKeys() const
+{
+    return m_types.pathKeys();
+}
+
+QString OssShaderNetworkManager::nodeMenuPath(const QString &pathKey) const
+{
+    const auto type = m_types.find(pathKey);
+    return type ? type->menuPath : QString();
+}
+
+QString OssShaderNetworkManager::convertPathKeyToVersionUUID(const QString &pathKey) const
+{
+    const auto type = m_types.find(pathKey);
+    return type ? type->versionUUID : QString();
+}
+
+// --- contexts and menus
+
+void OssShaderNetworkManager::registerContextLoader(const QString &name,
+                                                    OssShaderNetworkContextLoader *loader)
+{
+    if (!loader)
+        return;
+    m_loaders.append({name, loader});
+    m_pristineHashes.clear();
+}
+
+void OssShaderNetworkManager::registerGlobalContextMenuAction(QObject *action)
+{
+    if (action)
+        m_globalActions.append(action);
+}
+
+// --- current
+
+OssShaderNetwork *OssShaderNetworkManager::currentShaderNetwork() const
+{
+    return m_current;
+}
+
+void OssShaderNetworkManager::setCurrentShaderNetwork(OssShaderNetwork *network)
+{
+    if (m_current == network)
+        return;
+    m_current = network;
+    Q_EMIT currentShaderNetworkChanged(network);
+}
+
+OssShaderNetwork *OssShaderNetworkManager::currentViewNetwork() const
+{
+    return m_currentView;
+}
+
+void OssShaderNetworkManager::setCurrentViewNetwork(OssShaderNetwork *network)
+{
+    if (m_currentView == network)
+        return;
+    m_currentView = network;
+    Q_EMIT currentViewNetworkChanged(network);
+}
+
+OssSnBaseNode *OssShaderNetworkManager::currentViewerNode() const
+{
+    return m_currentViewer;
+}
+
+void OssShaderNetworkManager::setCurrentViewerNode(OssSnBaseNode *node)
+{
+    if (m_currentViewer == node)
+        return;
+    m_currentViewer = node;
+    Q_EMIT currentViewerNodeChanged(node);
+}
+
+OssShaderNetwork *OssShaderNetworkManager::getShaderNetwork(OssShadingGroup *group) const
+{
+    return group ? group->network() : nullptr;
+}
+
+void OssShaderNetworkManager::refreshGraph(OssShaderNetwork *network)
+{
+    Q_EMIT graphRefreshRequested(network);
+}
+
+void OssShaderNetworkManager::emitNodeGraphIsManuallyChanged()
+{
+    Q_EMIT nodeGraphIsManuallyChanged();
+}
+
+// --- for networks
+
+void OssShaderNetworkManager::addShaderNetwork(OssShaderNetwork *network)
+{
+    if (network)
+        Q_EMIT shaderNetworkAdded(network);
+}
+
+void OssShaderNetworkManager::registerNode(OssShaderNetwork *network, OssSnBaseNode *node)
+{
+    Q_EMIT nodeRegistered(network, node);
+}
+
+void OssShaderNetworkManager::deregisterNode(OssShaderNetwork *network, OssSnBaseNode *node)
+{
+    Q_EMIT nodeDeregistered(network, node);
+}
+
+void OssShaderNetworkManager::endCollection(OssShaderNetwork *network)
+{
+    Q_EMIT afterShaderNetworkEndCollection(network);
+}
+
+// --- requests
+
+void OssShaderNetworkManager::requestLayout(OssShaderNetwork *network,
+                                            const QList<OssSnBaseNode *> &nodes)
+{
+    if (nodes.isEmpty())
+        Q_EMIT beautifyNodesLayout(network);
+    else if (nodes.size() == 1)
+        Q_EMIT beautifyNodesLayout(network, nodes.first());
+    else
+        Q_EMIT beautifyNodesLayout(network, nodes);
+}
+
+void OssShaderNetworkManager::setDebugNodes(const DebugNodes &nodes, const DebugInputs &inputs)
+{
+    const DebugNodes oldNodes = std::exchange(m_debugNodes, nodes);
+    const DebugInputs oldInputs = std::exchange(m_debugInputs, inputs);
+    Q_EMIT debugNodesChanged(nodes, inputs, oldNodes, oldInputs);
+}

@@ -1,0 +1,177 @@
+#pragma once
+
+#include "OssCore/OssObjectReferenceManager.h"
+#include "OssCore/OssSerializableObject.h"
+#include "OssModel/OssModel_export.h"
+#include "OssModel/Types/OssSnNodeTypeLibrary.h"
+
+#include <QColor>
+#include <QList>
+#include <QMap>
+#include <QPointer>
+#include <QVector>
+
+#include <map>
+
+class OssShaderNetwork;
+class OssShaderNetworkContextLoader;
+class OssShadingGroup;
+class OssSnBaseNode;
+class OssSnGroupNode;
+class QAction;
+
+/// What all shader networks of the process share: node types, context loaders, which network and
+/// viewer are current, and the notices and requests that panels and plug-ins answer.
+class OSSMODEL_EXPORT OssShaderNetworkManager : public OssSerializableObject
+{
+    Q_OBJECT
+
+public:
+    using DebugNodes = QMap<OssObjectReference, QColor>;
+    using DebugInputs = QMap<OssObjectReference, QMap<QString, QColor>>;
+
+    struct NamedLoader
+    {
+        QString name;
+        QPointer<OssShaderNetworkContextLoader> loader;
+    };
+
+    static OssShaderNetworkManager *instance();
+    ~OssShaderNetworkManager() override;
+
+    // --- node types
+    /// Reads the descriptions in a folder; faults are debug lines and returned.
+    QStringList loadNodeTypes(const QString &folder);
+    bool registerNodeType(const OssSnNodeTypeLibrary::TypePointer &type);
+    OssSnNodeTypeLibrary::TypePointer nodeType(const QString &pathKey) const;
+    /// Every type that can be made in a node graph.
+    QStringList nodeGraphPathKeys() const;
+    QStringList nodePathKeys() const;
+    /// Empty when the type is not offered.
+    QString nodeMenuPath(const QString &pathKey) const;
+    /// Empty for unknown keys.
+    QString convertPathKeyToVersionUUID(const QString &pathKey) const;
+
+    // --- versions
+    /// Hash of an untouched node of the installed type; empty when none is installed.
+    QString hashStringForVersionUUID(const QString &versionUUID);
+    /// Date of the installed type; empty when none is installed or it has none.
+    QString versionDatePresent(const QString &versionUUID) const;
+    /// Hash of an untouched node of a type. Made once.
+    QString pristineHash(const OssSnNodeTypeLibrary::TypePointer &type);
+    /// Makes the node one of its type as it is installed now: values and wires stay by name. One
+    /// undo step. What could not be kept is a debug line and is added to `lost`. False when it
+    /// cannot be done; then nothing changes.
+    bool upgradeNode(OssSnBaseNode *node, QStringList *lost = nullptr);
+    /// Replaces the node by one of another type, in the same way and place. Null when refused.
+    OssSnBaseNode *convertNodeToKeyPath(OssSnBaseNode *node, const QString &pathKey,
+                                        QStringList *lost = nullptr);
+    /// Upgrades those of the nodes, and of what is inside them, that are older than what is
+    /// installed and were not changed by hand. One undo step.
+    void upgradeNetworks(const QList<OssSnBaseNode *> &nodes, QStringList *lost = nullptr);
+
+    /// For nodes that were inserted and all stand there: with smart linking on, links their
+    /// attributes to the knobs of the group around that those of the originals were linked to,
+    /// where it is the same group.
+    void createDelayedKnobs(const QList<OssSnBaseNode *> &nodes);
+
+    // --- contexts and menus
+    /// Kept for the process; not owned when it has a parent.
+    void registerContextLoader(const QString &name, OssShaderNetworkContextLoader *loader);
+
+    const QVector<NamedLoader> &contextLoaders() const { return m_loaders; }
+
+    /// An action that the menu of every node graph offers. Not owned.
+    void registerGlobalContextMenuAction(QObject *action);
+
+    /// Those that still live, in the order of registration. The model knows no widgets, so what an
+    /// action is made of is the caller's to know.
+    template <class Action = QAction>
+    QList<Action *> globalContextMenuActions() const
+    {
+        QList<Action *> actions;
+        for (const QPointer<QObject> &entry : m_globalActions) {
+            if (auto *action = qobject_cast<Action *>(entry.data()))
+                actions.append(action);
+        }
+        return actions;
+    }
+
+    // --- current
+    OssShaderNetwork *currentShaderNetwork() const;
+    void setCurrentShaderNetwork(OssShaderNetwork *network);
+    /// The network that the node graph shows: the current one or a group inside it.
+    OssShaderNetwork *currentViewNetwork() const;
+    void setCurrentViewNetwork(OssShaderNetwork *network);
+    OssSnBaseNode *currentViewerNode() const;
+    void setCurrentViewerNode(OssSnBaseNode *node);
+    /// Null when the group has none.
+    OssShaderNetwork *getShaderNetwork(OssShadingGroup *group) const;
+
+    /// While on, attributes of nodes that are made are linked as those of the nodes they were copied
+    /// from. Off at first.
+    void setAttributeSmartLinkingEnabled(bool on) { m_smartLinking = on; }
+
+    bool isAttributeSmartLinkingEnabled() const { return m_smartLinking; }
+
+    /// Has everything that shows results of the network make them anew.
+    void refreshGraph(OssShaderNetwork *network);
+    /// After a command of the user changed a graph.
+    void emitNodeGraphIsManuallyChanged();
+
+    // --- for networks and their owners
+    void addShaderNetwork(OssShaderNetwork *network);
+    void registerNode(OssShaderNetwork *network, OssSnBaseNode *node);
+    void deregisterNode(OssShaderNetwork *network, OssSnBaseNode *node);
+    void endCollection(OssShaderNetwork *network);
+
+    // --- requests: whoever can, answers
+    void requestFocus(OssSnBaseNode *node) { Q_EMIT focusOnNodeRequest(node); }
+
+    void requestLayout(OssShaderNetwork *network, const QList<OssSnBaseNode *> &nodes);
+    /// Marks nodes and wires in colours until the next call.
+    void setDebugNodes(const DebugNodes &nodes, const DebugInputs &inputs);
+
+Q_SIGNALS:
+    void currentShaderNetworkChanged(OssShaderNetwork *network);
+    void currentViewNetworkChanged(OssShaderNetwork *network);
+    void currentViewerNodeChanged(OssSnBaseNode *node);
+    void shaderNetworkAdded(OssShaderNetwork *network);
+    void focusOnNodeRequest(OssSnBaseNode *node);
+    void matchNodePositionRequest(OssSnBaseNode *from, OssSnBaseNode *to);
+    void afterShaderNetworkEndCollection(OssShaderNetwork *network);
+    void showNodePropertiesAtPositionEndRequest(OssSnBaseNode *node, OssSnBaseNode *target,
+                                                bool undo);
+    void showNodePropertiesAtPositionBeginRequest(OssSnBaseNode *node, OssSnBaseNode *target,
+                                                  bool undo);
+    void showNodePropertiesRequest(OssSnBaseNode *node);
+    void beautifyNodesLayout(OssShaderNetwork *network);
+    void beautifyNodesLayout(OssShaderNetwork *network, OssSnBaseNode *node);
+    void beautifyNodesLayout(OssShaderNetwork *network, QList<OssSnBaseNode *> nodes);
+    void nodeRegistered(OssShaderNetwork *network, OssSnBaseNode *node);
+    void nodeDeregistered(OssShaderNetwork *network, OssSnBaseNode *node);
+    void reorderGroupInputsByPosRequested(OssSnGroupNode *group);
+    void reorderGroupOutputsByPosRequested(OssSnGroupNode *group);
+    void arrangeGroupInputNodesByOrderRequested(OssShaderNetwork *network, QStringList order);
+    void debugNodesChanged(OssShaderNetworkManager::DebugNodes newNodes,
+                           OssShaderNetworkManager::DebugInputs newInputs,
+                           OssShaderNetworkManager::DebugNodes oldNodes,
+                           OssShaderNetworkManager::DebugInputs oldInputs);
+    void registeredNodePopulationChanged();
+    void nodeGraphIsManuallyChanged();
+    void graphRefreshRequested(OssShaderNetwork *network);
+
+private:
+    OssShaderNetworkManager();
+
+    OssSnNodeTypeLibrary m_types;
+    std::map<OssSnNodeTypeLibrary::TypePointer, QString> m_pristineHashes;
+    QVector<NamedLoader> m_loaders;
+    QVector<QPointer<QObject>> m_globalActions;
+    QPointer<OssShaderNetwork> m_current;
+    QPointer<OssShaderNetwork> m_currentView;
+    QPointer<OssSnBaseNode> m_currentViewer;
+    bool m_smartLinking = false;
+    DebugNodes m_debugNodes;
+    DebugInputs m_debugInputs;
+};

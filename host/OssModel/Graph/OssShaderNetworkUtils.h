@@ -1,0 +1,142 @@
+#pragma once
+
+#include "OssCore/OssResult.h"
+#include "OssModel/OssModel_export.h"
+
+#include <QList>
+#include <QString>
+
+class OssImageSet;
+class OssSnBakePointNode;
+class OssSnBaseNode;
+class OssSnImageSetNodeBase;
+
+/// Questions and operations over several nodes of a network.
+namespace OssShaderNetworkUtils {
+
+/// What a wire dropped by hand does: connects, replacing what fed the input; a null source
+/// disconnects. One undo step. False, with the reason in the log, when it cannot be.
+OSSMODEL_EXPORT bool setInputNodeBatchConnectable(OssSnBaseNode *node, const QString &input,
+                                                  OssSnBaseNode *source, const QString &outputPoint,
+                                                  bool record, bool notify, bool acrossNetworks,
+                                                  bool batch);
+
+/// The node as one with images of its own; null when it has none.
+OSSMODEL_EXPORT OssSnImageSetNodeBase *asTrueImageSetNode(OssSnBaseNode *node);
+
+/// The node as a bake point; null for others, multi-channel ones included.
+OSSMODEL_EXPORT OssSnBakePointNode *asTrueBakePointNode(OssSnBaseNode *node);
+
+/// The images that the node reads, its own or those of its geo-channel; null when there are none.
+OSSMODEL_EXPORT OssImageSet *imageSetOf(const OssSnBaseNode *node);
+/// Whether they have pixels, so that nothing that feeds the node matters.
+OSSMODEL_EXPORT bool readsPixels(const OssSnBaseNode *node);
+
+/// Bakes what feeds each of the bake points into its images: of those that have a result, the ones
+/// that are out of date when `updateOutOfDate`, of the others all when `bakeEmpty`. Sources first,
+/// with progress; one undo step. Ends at the first that fails, or without a failure when the user
+/// stops it: what was baked until then stays. Waits without blocking the interface.
+OSSMODEL_EXPORT OssResult bakeBakePoints(const QList<OssSnBakePointNode *> &nodes,
+                                         bool updateOutOfDate, bool bakeEmpty);
+
+/// Bake points that the nodes take from, resp. feed, through groups too; each once.
+OSSMODEL_EXPORT QList<OssSnBakePointNode *> getUpstreamBakePointNodes(
+    const QList<OssSnBaseNode *> &nodes);
+OSSMODEL_EXPORT QList<OssSnBakePointNode *> getDownstreamBakePointNodes(
+    const QList<OssSnBaseNode *> &nodes);
+
+/// Wires every output of the source to the free input of the target that bears its name. One undo
+/// step; false when none does.
+OSSMODEL_EXPORT bool batchConnect(OssSnBaseNode *source, OssSnBaseNode *target);
+
+/// Visits a node and everything it takes from, each once, nearest first; loops end. Through groups,
+/// if asked to: what makes the output of a group is visited as well as the group, and a node that
+/// stands for a group's input leads to what feeds the group there.
+class OSSMODEL_EXPORT OssNodeWalkerUpstream
+{
+public:
+    explicit OssNodeWalkerUpstream(bool throughGroups = false)
+        : m_throughGroups(throughGroups)
+    {
+    }
+
+    OssNodeWalkerUpstream(const OssNodeWalkerUpstream &) = delete;
+    OssNodeWalkerUpstream &operator=(const OssNodeWalkerUpstream &) = delete;
+    virtual ~OssNodeWalkerUpstream() = default;
+
+    void walk(OssSnBaseNode *start);
+    /// Only what the nodes take from: one of them where another takes from it.
+    void walkBeyond(const QList<OssSnBaseNode *> &starts);
+
+protected:
+    virtual void visit(OssSnBaseNode *node) = 0;
+
+    /// Whether what feeds the input is visited.
+    virtual bool enters(const OssSnBaseNode *, const QString &) const { return true; }
+
+private:
+    QList<OssSnBaseNode *> next(OssSnBaseNode *node) const;
+    QList<OssSnBaseNode *> insideOf(const OssSnBaseNode *node) const;
+
+    bool m_throughGroups;
+};
+
+/// The same along what takes from a node.
+class OSSMODEL_EXPORT OssNodeWalkerDownstream
+{
+public:
+    explicit OssNodeWalkerDownstream(bool throughGroups = false)
+        : m_throughGroups(throughGroups)
+    {
+    }
+
+    OssNodeWalkerDownstream(const OssNodeWalkerDownstream &) = delete;
+    OssNodeWalkerDownstream &operator=(const OssNodeWalkerDownstream &) = delete;
+    virtual ~OssNodeWalkerDownstream() = default;
+
+    void walk(OssSnBaseNode *start);
+    void walkBeyond(const QList<OssSnBaseNode *> &starts);
+
+protected:
+    virtual void visit(OssSnBaseNode *node) = 0;
+
+    /// Whether `node`, which takes from an output at its input, is visited.
+    virtual bool enters(const OssSnBaseNode *, const QString &) const { return true; }
+
+    /// Whether the walk leaves `node` through the output.
+    virtual bool leaves(const OssSnBaseNode *, const QString &) const { return true; }
+
+private:
+    QList<OssSnBaseNode *> next(OssSnBaseNode *node) const;
+
+    bool m_throughGroups;
+};
+
+/// The input that carries on the stream of a node: the base of a merge, else the first connected
+/// preferred one, else the first connected one. Empty when there is none.
+OSSMODEL_EXPORT QString streamInput(const OssSnBaseNode *node);
+/// The same for one output of a node: each output of a multi-channel node has a stream of its own.
+OSSMODEL_EXPORT QString streamInput(const OssSnBaseNode *node, const QString &outputPoint);
+
+/// Everything the node takes from, resp. feeds; each once, nearest first. `wholeGraph` follows all
+/// wires, otherwise only the one stream that runs through the node. With `throughGroups` the walk
+/// goes on inside groups and in the network around.
+OSSMODEL_EXPORT QList<OssSnBaseNode *> getUpstreamNodes(OssSnBaseNode *node, bool throughGroups,
+                                                        bool wholeGraph, bool includeStart);
+OSSMODEL_EXPORT QList<OssSnBaseNode *> getDownstreamNodes(OssSnBaseNode *node, bool throughGroups,
+                                                          bool wholeGraph);
+/// Of all the nodes together, in one walk; one of them where another takes from it, resp. feeds it.
+OSSMODEL_EXPORT QList<OssSnBaseNode *> getUpstreamNodes(const QList<OssSnBaseNode *> &nodes,
+                                                        bool throughGroups, bool wholeGraph);
+OSSMODEL_EXPORT QList<OssSnBaseNode *> getDownstreamNodes(const QList<OssSnBaseNode *> &nodes,
+                                                          bool throughGroups, bool wholeGraph);
+
+/// Nodes that feed the same node are siblings, in the order of its inputs; where nothing follows,
+/// those fed by the same one, in the order in which they were wired. Null at either end.
+OSSMODEL_EXPORT OssSnBaseNode *nextSibling(const OssSnBaseNode *node);
+OSSMODEL_EXPORT OssSnBaseNode *prevSibling(const OssSnBaseNode *node);
+
+/// What lies on any way from one of the nodes to another one, without them.
+OSSMODEL_EXPORT QList<OssSnBaseNode *> nodesBetween(const QList<OssSnBaseNode *> &nodes);
+
+} // namespace OssShaderNetworkUtils

@@ -1,0 +1,286 @@
+#include "OssModel/Graph/OssShaderNetwork.h"
+
+#include "OssCore/OssDebug.h"
+#include "OssCore/OssUndoManager.h"
+#include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Graph/OssShaderNetworkUtils.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Graph/OssSnNodeFactory.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr const char *Source = "OssShaderNetwork";
+
+} // namespace
+
+/// Nodes that are out of the network for as long as a step is done or undone.
+struct OssShaderNetwork::Removed
+{
+    struct Entry
+    {
+        OssSnBaseNode *node;
+        NodePointer holder; ///< empty while the node stands in the network
+        int index;
+    };
+
+    std::vector<Entry> entries;
+
+    void takeFrom(OssShaderNetwork *network)
+    {
+        // Backwards, so that each index is right again when they are put back forwards.
+        for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
+            // A viewer is moved between networks without a step that tells of it.
+            OssShaderNetwork *home = entry->node->network();
+            entry->holder = (home ? home : network)->takeNode(entry->node, &entry->index);
+        }
+        Q_EMIT network->nodesChanged();
+    }
+
+    void putBack(OssShaderNetwork *network)
+    {
+        for (Entry &entry : entries)
+            network->insertNode(std::move(entry.holder), entry.index);
+        for (const Entry &entry : entries)
+            network->registerNode(entry.node);
+    }
+};
+
+OssShaderNetwork::NodePointer OssShaderNetwork::makeNode(const QString &pathKey)
+{
+    return OssSnNodeFactory::make(OssShaderNetworkManager::instance()->nodeType(pathKey));
+}
+
+OssSnBaseNode *OssShaderNetwork::createNode(const QString &pathKey, const QString &name,
+                                            const QString &shaderModelId)
+{
+    NodePointer made = makeNode(pathKey);
+    if (made->isPlaceholder()) {
+        OssDebug(Source, __LINE__, "[ !! ] There is no node type '%s'", qPrintable(pathKey));
+        return nullptr;
+    }
+    if (!name.isEmpty())
+        made->setName(name);
+    OssSnBaseNode *node = nullptr;
+    {
+        // What listeners do to a new node is part of its making.
+        const OssUndoManager::Pause pause;
+        if (!shaderModelId.isEmpty())
+            made->chooseStreams(shaderModelId);
+        node = addNode(std::move(made), true);
+    }
+    const OssUndoManager::AutoMacro macro(tr("Create Node : %1").arg(node->name()));
+    auto removed = std::make_shared<Removed>();
+    removed->entries.push_back({node, nullptr, nodeCount() - 1});
+    OssUndoManager::instance()->record(
+        {}, [this, removed] { removed->takeFrom(this); },
+        [this, removed] { removed->putBack(this); });
+    if (OssSnGroupNode *group = parentGroupNode())
+        group->onNodeAddedInside(node);
+    node->onMadeFresh();
+    return node;
+}
+
+QList<OssSnBaseNode *> OssShaderNetwork::createNodesFromNodePathKey(const QString &pathKey, bool)
+{
+    OssSnBaseNode *node = createNode(pathKey);
+    return node ? QList<OssSnBaseNode *>{node} : QList<OssSnBaseNode *>{};
+}
+
+QList<OssSnBaseNode *> OssShaderNetwork::createNodes(const QString &pathKey)
+{
+    return createNodesFromNodePathKey(pathKey, true);
+}
+
+OssSnBaseNode *OssShaderNetwork::addNode(NodePointer node, bool fresh)
+{
+    node->m_name = generateUniqueNodeName(node->name());
+    OssSnBaseNode *added = insertNode(std::move(node), -1);
+    added->createContexts();
+    added->initializeContexts();
+    registerNode(added);
+    if (fresh)
+        Q_EMIT added->newNodeAdded();
+    return added;
+}
+
+// --- nodes from elsewhere
+
+bool OssShaderNetwork::belongsHere(const OssSnBaseNode *node) const
+{
+    const bool port = node->hasTag(QStringLiteral("_input"))
+                      || node->hasTag(QStringLiteral("_output"));
+    return !node->hasTag(QStringLiteral("_viewer")) && (!port || parentGroupNode());
+}
+
+QList<OssSnBaseNode *> OssShaderNetwork::takeOverNodes(OssShaderNetwork *read)
+{
+    QStringList faults; // wires from nodes that were not taken along
+    read->wireLoadedNodes(&faults);
+    read->cutLoadedCycles(&faults);
+    OssUndoManager::AutoMacro macro(tr("Insert Nodes"));
+    auto removed = std::make_shared<Removed>();
+    QList<OssSnBaseNode *> inserted;
+    {
+        const OssUndoManager::Pause pause;
+        const ViewUpdateLock lock(this);
+        std::vector<NodePointer> nodes;
+        nodes.swap(read->m_nodes);
+        read->m_byName.clear();
+        for (const NodePointer &node : nodes) {
+            if (!belongsHere(node.get()))
+                node->cutLoadedWires();
+        }
+        for (NodePointer &node : nodes) {
+            if (belongsHere(node.get()))
+                inserted.append(insertNode(std::move(node), -1));
+        }
+        for (OssSnBaseNode *node : qAsConst(inserted)) {
+            if (auto *group = qobject_cast<OssSnGroupNode *>(node))
+                group->groupNetwork()->finishNodes();
+            node->initializeContexts();
+            registerNode(node);
+            removed->entries.push_back({node, nullptr, 0});
+        }
+        for (OssSnBaseNode *node : qAsConst(inserted)) {
+            for (const OssSnBaseNode::InputPort &port : node->inputPorts()) {
+                if (port.source)
+                    Q_EMIT node->inputNodeChanged(port.name, port.source, port.sourceOutput);
+            }
+        }
+    }
+    if (!inserted.isEmpty())
+        OssUndoManager::instance()->record(
+            {}, [this, removed] { removed->takeFrom(this); },
+            [this, removed] { removed->putBack(this); });
+    if (OssSnGroupNode *group = parentGroupNode()) {
+        for (OssSnBaseNode *node : qAsConst(inserted))
+            group->onNodeAddedInside(node);
+    }
+    return inserted;
+}
+
+// --- removal
+
+bool OssShaderNetwork::isRemovable(const OssSnBaseNode *node)
+{
+    return !node->hasTag(QStringLiteral("_GraphLayerInput"));
+}
+
+void OssShaderNetwork::removeUnchecked(const QList<OssSnBaseNode *> &nodes, const QString &title)
+{
+    OssUndoManager::AutoMacro macro(title);
+    const ViewUpdateLock lock(this);
+    for (OssSnBaseNode *node : nodes) {
+        node->setSelected(false);
+        if (OssSnGroupNode *group = parentGroupNode())
+            group->onNodeRemovedInside(node);
+        node->disconnectAll();
+    }
+    auto removed = std::make_shared<Removed>();
+    const QSet<OssSnBaseNode *> wanted(nodes.cbegin(), nodes.cend());
+    for (const NodePointer &node : m_nodes) {
+        if (wanted.contains(node.get()))
+            removed->entries.push_back({node.get(), nullptr, 0});
+    }
+    removed->takeFrom(this);
+    OssUndoManager::instance()->record(
+        {}, [this, removed] { removed->putBack(this); },
+        [this, removed] { removed->takeFrom(this); });
+}
+
+void OssShaderNetwork::removeNodes(const QSet<OssSnBaseNode *> &nodes)
+{
+    QList<OssSnBaseNode *> removable;
+    for (const NodePointer &own : m_nodes) {
+        OssSnBaseNode *node = own.get();
+        if (!nodes.contains(node))
+            continue;
+        if (isRemovable(node))
+            removable.append(node);
+        else
+            OssDebug(Source, __LINE__, "[ !! ] Node '%s' is protected and stays",
+                     qPrintable(node->path()));
+    }
+    if (!removable.isEmpty())
+        removeUnchecked(removable, tr("Remove Nodes"));
+}
+
+void OssShaderNetwork::removeNode(OssSnBaseNode *node, bool, bool)
+{
+    if (node && node->network() == this)
+        removeNodes({node});
+}
+
+void OssShaderNetwork::extractNodes(const QList<OssSnBaseNode *> &nodes, bool)
+{
+    OssUndoManager::AutoMacro macro(tr("Extract Nodes"));
+    for (OssSnBaseNode *node : nodes) {
+        if (node && node->network() == this)
+            extractNode(node);
+    }
+}
+
+void OssShaderNetwork::extractNode(OssSnBaseNode *node)
+{
+    struct Bridge
+    {
+        OssSnBaseNode::OutgoingConnection wire;
+        OssSnBaseNode *source;
+        QString outputPoint;
+    };
+
+    QVector<Bridge> bridges;
+    for (const OssSnBaseNode::OutgoingConnection &wire : node->outgoingConnections()) {
+        const QString input = OssShaderNetworkUtils::streamInput(node, wire.outputPoint);
+        bridges.append({wire, node->inputNode(input), node->inputOutputPoint(input)});
+    }
+    node->disconnectAll();
+    for (const Bridge &bridge : qAsConst(bridges)) {
+        if (bridge.source)
+            bridge.wire.target->setInputNode(bridge.wire.input, bridge.source, bridge.outputPoint);
+    }
+}
+
+// --- viewer
+
+OssSnBaseNode *OssShaderNetwork::moveCurrentViewerNodeToNetwork()
+{
+    OssSnBaseNode *viewer = viewerNode();
+    // The making is a step, or undoing the removal of the last viewer would bring back a second.
+    if (!viewer)
+        return createNode(QStringLiteral("_System/Viewer"));
+    const OssUndoManager::Pause pause;
+    if (viewer->network() != this)
+        moveNodeHere(viewer);
+    return viewer;
+}
+
+void OssShaderNetwork::moveNodeHere(OssSnBaseNode *node)
+{
+    int index = -1;
+    NodePointer taken = node->network()->takeNode(node, &index);
+    taken->m_name = generateUniqueNodeName(taken->name());
+    insertNode(std::move(taken), -1);
+    registerNode(node);
+}
+
+void OssShaderNetwork::moveNodeHereUndo(OssSnBaseNode *node)
+{
+    OssShaderNetwork *home = node->network();
+    const int place = home->nodes().indexOf(node);
+    const QString name = node->name();
+    moveNodeHere(node);
+    OssUndoManager::instance()->record(
+        tr("Move %1").arg(name),
+        [home, node, place, name] {
+            int index = -1;
+            NodePointer taken = node->network()->takeNode(node, &index);
+            taken->m_name = name;
+            home->insertNode(std::move(taken), place);
+            home->registerNode(node);
+        },
+        [this, node] { moveNodeHere(node); });
+}

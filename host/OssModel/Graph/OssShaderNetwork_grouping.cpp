@@ -1,0 +1,288 @@
+#include "OssModel/Graph/OssShaderNetwork.h"
+
+#include "OssCore/OssUndoManager.h"
+#include "OssModel/Graph/OssSnBaseContext.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
+
+#include <QRectF>
+#include <QSizeF>
+
+#include <algorithm>
+#include <cmath>
+
+// Grouping and ungrouping.
+
+namespace {
+
+/// One stream that crosses the border of a group.
+struct Stream
+{
+    OssSnBaseNode *source;
+    QString outputPoint;
+    OssSnDataKind kind;
+    QVector<QPair<OssSnBaseNode *, QString>> targets;
+};
+
+Stream &streamOf(QVector<Stream> *streams, OssSnBaseNode *source, const QString &outputPoint)
+{
+    for (Stream &stream : *streams) {
+        if (stream.source == source && stream.outputPoint == outputPoint)
+            return stream;
+    }
+    OssSnDataKind kind = OssSnDataKind::Color;
+    for (const OssSnBaseNode::OutputPoint &point : source->outputPoints()) {
+        if (point.name == outputPoint)
+            kind = point.kind;
+    }
+    streams->append({source, outputPoint, kind, {}});
+    return streams->last();
+}
+
+/// What comes in, in the order of the nodes and their inputs, and what goes out.
+void findStreams(const QList<OssSnBaseNode *> &nodes, QVector<Stream> *in, QVector<Stream> *out)
+{
+    const QSet<OssSnBaseNode *> inside(nodes.cbegin(), nodes.cend());
+    for (OssSnBaseNode *node : nodes) {
+        for (const OssSnBaseNode::InputPort &port : node->inputPorts()) {
+            if (port.source && !inside.contains(port.source))
+                streamOf(in, port.source, port.sourceOutput).targets.append({node, port.name});
+        }
+        for (const OssSnBaseNode::OutgoingConnection &wire : node->outgoingConnections()) {
+            if (!inside.contains(wire.target))
+                streamOf(out, node, wire.outputPoint).targets.append({wire.target, wire.input});
+        }
+    }
+}
+
+// Places are known by the context that shows the node, which need not exist.
+
+QRectF areaOf(const OssSnBaseNode *node)
+{
+    const OssSnBaseContext *context = node->viewContext();
+    return context ? QRectF(context->nodePosition(), context->nodeSize()) : QRectF();
+}
+
+QRectF areaOf(const QList<OssSnBaseNode *> &nodes)
+{
+    QRectF area;
+    for (const OssSnBaseNode *node : nodes)
+        area |= areaOf(node);
+    return area;
+}
+
+void moveTo(const OssSnBaseNode *node, const QPointF &position)
+{
+    if (OssSnBaseContext *context = node->viewContext())
+        context->setNodePositionUndo(position);
+}
+
+bool isPort(const OssSnBaseNode *node)
+{
+    return node->hasTag(QStringLiteral("_input")) || node->hasTag(QStringLiteral("_output"));
+}
+
+QString freePortName(const OssSnGroupNode *group, const QString &wanted)
+{
+    return group->groupNetwork()->generateUniqueNodeName(wanted);
+}
+
+} // namespace
+
+/// Nodes on their way between two networks, with the wires among them.
+struct OssShaderNetwork::Relocated
+{
+    struct Entry
+    {
+        OssSnBaseNode *node;
+        int index;
+        QString name;
+    };
+
+    QVector<Entry> entries; ///< in the order of the network they come from
+    OssShaderNetwork *from;
+    OssShaderNetwork *to;
+
+    void go()
+    {
+        std::vector<NodePointer> taken;
+        for (int i = entries.size() - 1; i >= 0; --i)
+            taken.push_back(from->takeNode(entries.at(i).node, &entries[i].index));
+        for (auto node = taken.rbegin(); node != taken.rend(); ++node)
+            to->insertNode(std::move(*node), -1);
+        arrive(to);
+        Q_EMIT from->nodesChanged();
+    }
+
+    void comeBack()
+    {
+        for (Entry &entry : entries) {
+            int index = 0;
+            NodePointer node = to->takeNode(entry.node, &index);
+            node->applyName(entry.name);
+            from->insertNode(std::move(node), entry.index);
+        }
+        arrive(from);
+        Q_EMIT to->nodesChanged();
+    }
+
+    void arrive(OssShaderNetwork *network) const
+    {
+        for (const Entry &entry : entries)
+            network->registerNode(entry.node);
+    }
+};
+
+void OssShaderNetwork::relocate(const QList<OssSnBaseNode *> &nodes, OssShaderNetwork *target)
+{
+    auto relocated = std::make_shared<Relocated>();
+    relocated->from = this;
+    relocated->to = target;
+    const QSet<OssSnBaseNode *> wanted(nodes.cbegin(), nodes.cend());
+    for (const NodePointer &node : m_nodes) {
+        if (!wanted.contains(node.get()))
+            continue;
+        node->setSelected(false);
+        relocated->entries.append({node.get(), -1, node->name()});
+    }
+    relocated->go();
+    OssUndoManager::instance()->record(
+        {}, [relocated] { relocated->comeBack(); }, [relocated] { relocated->go(); });
+}
+
+void OssShaderNetwork::applyOrder(const QList<OssSnBaseNode *> &nodes)
+{
+    QHash<const OssSnBaseNode *, int> places;
+    for (int i = 0; i < nodes.size(); ++i)
+        places.insert(nodes.at(i), i);
+    std::stable_sort(
+        m_nodes.begin(), m_nodes.end(), [&](const NodePointer &a, const NodePointer &b) {
+            return places.value(a.get(), nodes.size()) < places.value(b.get(), nodes.size());
+        });
+    Q_EMIT nodesChanged();
+}
+
+void OssShaderNetwork::moveToPlaces(const QList<OssSnBaseNode *> &moved, const QVector<int> &places)
+{
+    if (places.isEmpty())
+        return;
+    const QList<OssSnBaseNode *> before = nodes();
+    QList<OssSnBaseNode *> after = before;
+    QVector<QPair<int, OssSnBaseNode *>> sorted;
+    for (int i = 0; i < moved.size(); ++i) {
+        after.removeOne(moved.at(i));
+        sorted.append({places.at(i), moved.at(i)});
+    }
+    std::sort(sorted.begin(), sorted.end(),
+              [](const auto &a, const auto &b) { return a.first < b.first; });
+    for (const auto &place : qAsConst(sorted))
+        after.insert(std::min(place.first, after.size()), place.second);
+    applyOrder(after);
+    OssUndoManager::instance()->record(
+        {}, [this, before] { applyOrder(before); }, [this, after] { applyOrder(after); });
+}
+
+OssSnGroupNode *OssShaderNetwork::groupNodes(const QList<OssSnBaseNode *> &members)
+{
+    QList<OssSnBaseNode *> own;
+    for (const NodePointer &node : m_nodes) {
+        if (members.contains(node.get()) && isRemovable(node.get()) && !isPort(node.get())
+            && !node->hasTag(QStringLiteral("_viewer")))
+            own.append(node.get());
+    }
+    if (own.isEmpty())
+        return nullptr;
+    const OssUndoManager::AutoMacro macro(tr("Group Nodes"));
+    const ViewUpdateLock lock(this);
+    const QRectF area = areaOf(own);
+    QVector<Stream> in;
+    QVector<Stream> out;
+    findStreams(own, &in, &out);
+    auto *group = qobject_cast<OssSnGroupNode *>(createNode(QStringLiteral("Misc/Group")));
+    if (!group)
+        return nullptr;
+    moveTo(group,
+           area.center() - QPointF(areaOf(group).width() / 2.0, areaOf(group).height() / 2.0));
+    for (const Stream &stream : qAsConst(in)) {
+        for (const auto &target : stream.targets)
+            target.first->setInputNode(target.second, nullptr, {});
+    }
+    for (const Stream &stream : qAsConst(out)) {
+        for (const auto &target : stream.targets)
+            target.first->setInputNode(target.second, nullptr, {});
+    }
+    group->rememberPlaces(own, nodes());
+    relocate(own, group->groupNetwork());
+    for (const Stream &stream : qAsConst(in)) {
+        const QString name = freePortName(group, stream.targets.first().second);
+        OssSnBaseNode *port = group->createInput(name, stream.kind);
+        for (const auto &target : stream.targets)
+            target.first->setInputNode(target.second, port, port->prefferedOutputPoint());
+        group->setInputNode(port->name(), stream.source, stream.outputPoint);
+    }
+    for (const Stream &stream : qAsConst(out)) {
+        OssSnBaseNode *port = group->createOutput(freePortName(group, stream.outputPoint),
+                                                  stream.kind);
+        port->setInputNode(port->inputNames().first(), stream.source, stream.outputPoint);
+        for (const auto &target : stream.targets)
+            target.first->setInputNode(target.second, group, port->name());
+    }
+    Q_EMIT group->newGroupNodeInputOutputCreated(); // now that they are wired
+    return group;
+}
+
+QList<OssSnBaseNode *> OssShaderNetwork::ungroup(OssSnGroupNode *group)
+{
+    if (!group || group->network() != this)
+        return {};
+    const OssUndoManager::AutoMacro macro(tr("Ungroup %1").arg(group->name()));
+    const ViewUpdateLock lock(this);
+    // What feeds a port from outside feeds what the port fed inside, and the other way round.
+    const QList<OssSnBaseNode *> inputs = group->inputNodesInside();
+    QVector<Stream> rewired;
+    for (OssSnBaseNode *port : inputs) {
+        OssSnBaseNode *source = group->inputNode(port->name());
+        const QString point = group->inputOutputPoint(port->name());
+        const QVector<OssSnBaseNode::OutgoingConnection> wires = port->outgoingConnections();
+        for (const OssSnBaseNode::OutgoingConnection &wire : wires) {
+            if (source && !isPort(wire.target))
+                rewired.append({source, point, {}, {{wire.target, wire.input}}});
+        }
+    }
+    const QVector<OssSnBaseNode::OutgoingConnection> wires = group->outgoingConnections();
+    for (const OssSnBaseNode::OutgoingConnection &wire : wires) {
+        const OssSnBaseNode *port = group->outputNodeInside(wire.outputPoint);
+        const QString input = port ? port->inputNames().first() : QString();
+        OssSnBaseNode *source = port ? port->inputNode(input) : nullptr;
+        QString point = port ? port->inputOutputPoint(input) : QString();
+        if (source && source->hasTag(QStringLiteral("_input"))) {
+            point = group->inputOutputPoint(source->name());
+            source = group->inputNode(source->name());
+        }
+        if (source)
+            rewired.append({source, point, {}, {{wire.target, wire.input}}});
+    }
+    QList<OssSnBaseNode *> inside;
+    const QList<OssSnBaseNode *> all = group->groupNetwork()->nodes();
+    for (OssSnBaseNode *node : all) {
+        if (isPort(node))
+            node->disconnectAll();
+        else
+            inside.append(node);
+    }
+    const QPointF way = areaOf(group).center() - areaOf(inside).center();
+    const QVector<int> places = group->rememberedPlaces(inside);
+    group->groupNetwork()->relocate(inside, this);
+    group->handKnobsOver();
+    removeUnchecked({group}, {});
+    moveToPlaces(inside, places);
+    // A group that was not moved gives its nodes back where they were, to the last bit.
+    if (std::abs(way.x()) > 0.5 || std::abs(way.y()) > 0.5) {
+        for (const OssSnBaseNode *node : qAsConst(inside))
+            moveTo(node, areaOf(node).topLeft() + way);
+    }
+    for (const Stream &wire : qAsConst(rewired)) {
+        const auto &target = wire.targets.first();
+        target.first->setInputNode(target.second, wire.source, wire.outputPoint);
+    }
+    return inside;
+}

@@ -1,0 +1,330 @@
+#include "OssModel/Graph/OssSnBaseNode.h"
+
+#include "OssCore/OssDebug.h"
+#include "OssCore/OssSerializer.h"
+#include "OssCore/OssUndoManager.h"
+#include "OssCore/OssUserEnum.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShaderNetworkContextLoader.h"
+#include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Graph/OssSnBaseContext.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
+
+OssSnBaseNode::OssSnBaseNode(std::shared_ptr<const OssSnNodeType> type)
+    : m_type(std::move(type))
+{
+    if (!m_type)
+        return;
+    m_pathKey = m_type->pathKey;
+    m_versionUUID = m_type->versionUUID;
+    m_versionDate = m_type->date;
+    m_name = m_type->baseName();
+    for (const OssSnNodeType::Port &port : m_type->inputs) {
+        InputPort input;
+        input.name = port.name;
+        input.label = port.label;
+        input.kind = port.kind;
+        input.preferred = port.preferred;
+        input.setAtLoad = port.setAtLoad;
+        input.tags = port.tags;
+        m_inputs.append(input);
+    }
+    for (const OssSnNodeType::Port &port : m_type->outputs)
+        m_outputs.append({port.name, port.label, port.kind});
+    initUserAttributes(m_type->attributes);
+}
+
+OssSnBaseNode::~OssSnBaseNode()
+{
+    deleteContexts();
+}
+
+void OssSnBaseNode::deleteContexts()
+{
+    // They call back into the node, so they must not be left to ~QObject.
+    while (!m_contexts.isEmpty())
+        delete m_contexts.takeLast().context;
+}
+
+// --- identity
+
+void OssSnBaseNode::setName(const QString &name)
+{
+    QString after = OssSerializer::withoutUnwritable(name.simplified());
+    after.replace(QLatin1Char('/'), QLatin1Char('_'));
+    if (after.isEmpty() || after == m_name)
+        return;
+    if (m_network)
+        after = m_network->generateUniqueNodeName(after);
+    const QString before = m_name;
+    applyName(after);
+    if (m_network) {
+        OssUndoManager::instance()->record(
+            tr("Rename %1").arg(before), [this, before] { applyName(before); },
+            [this, after] { applyName(after); });
+    }
+}
+
+void OssSnBaseNode::applyName(const QString &name)
+{
+    const QString before = m_name;
+    m_name = name;
+    if (m_network)
+        m_network->nodeWasRenamed(this, before);
+    Q_EMIT nameChanged(m_name);
+}
+
+void OssSnBaseNode::setDescription(const QString &description)
+{
+    if (m_description == description)
+        return;
+    const QString before = m_description;
+    const auto apply = [this](const QString &text) {
+        m_description = text;
+        Q_EMIT descriptionChanged(m_description);
+    };
+    apply(description);
+    OssUndoManager::instance()->record(
+        tr("Describe %1").arg(m_name), [apply, before] { apply(before); },
+        [apply, description] { apply(description); });
+}
+
+QString OssSnBaseNode::path() const
+{
+    const OssSnBaseNode *group = m_network ? m_network->parentGroupNode() : nullptr;
+    return (group ? group->path() : QString()) + QLatin1Char('/') + m_name;
+}
+
+bool OssSnBaseNode::hasTag(const QString &tag) const
+{
+    return (m_type && m_type->tags.contains(tag)) || m_tags.contains(tag);
+}
+
+QStringList OssSnBaseNode::tags() const
+{
+    QSet<QString> all = m_tags;
+    if (m_type)
+        all.unite(m_type->tags);
+    QStringList list = all.values();
+    list.sort();
+    return list;
+}
+
+// --- contexts
+
+OssSnBaseContext *OssSnBaseNode::context(const QString &name) const
+{
+    for (const NamedContext &named : m_contexts) {
+        if (named.name == name)
+            return named.context;
+    }
+    return nullptr;
+}
+
+OssSnBaseContext *OssSnBaseNode::viewContext() const
+{
+    return context(QStringLiteral("NodeGraphView"));
+}
+
+void OssSnBaseNode::createContexts()
+{
+    const auto loaders = OssShaderNetworkManager::instance()->contextLoaders();
+    const QString description = m_type ? m_type->contextsDescription
+                                       : QStringLiteral("<NodeType/>");
+    for (const auto &entry : loaders) {
+        if (!entry.loader || context(entry.name))
+            continue;
+        const QList<OssSnBaseContext *> made = entry.loader->load(description, this);
+        for (OssSnBaseContext *context : made) {
+            if (context)
+                m_contexts.append({entry.name, context});
+        }
+    }
+}
+
+void OssSnBaseNode::initializeContexts()
+{
+    m_contextsReady = true;
+    for (const NamedContext &named : qAsConst(m_contexts)) {
+        named.context->initializeGui();
+        const QVector<OssCustomAttribute> attributes = userAttributes();
+        for (const OssCustomAttribute &attribute : attributes)
+            named.context->onUserAttributeChanged(attribute, this);
+    }
+}
+
+// --- state
+
+void OssSnBaseNode::setEnabled(int enabled)
+{
+    if (m_enabled == enabled)
+        return;
+    const int before = m_enabled;
+    const auto apply = [this](int value) {
+        m_enabled = value;
+        Q_EMIT enabledChanged(m_enabled);
+    };
+    apply(enabled);
+    OssUndoManager::instance()->record(
+        enabled ? tr("Enable %1").arg(m_name) : tr("Disable %1").arg(m_name),
+        [apply, before] { apply(before); }, [apply, enabled] { apply(enabled); });
+}
+
+void OssSnBaseNode::toggleDisable()
+{
+    setEnabled(enabledAsBool() ? 0 : 1);
+}
+
+void OssSnBaseNode::setBypassed(bool bypassed)
+{
+    if (m_bypassed == bypassed)
+        return;
+    const auto apply = [this](bool value) {
+        m_bypassed = value;
+        Q_EMIT bypassedChanged(m_bypassed);
+        Q_EMIT nodeStateRefreshed();
+    };
+    apply(bypassed);
+    OssUndoManager::instance()->record(
+        tr("Bypass %1").arg(m_name), [apply, bypassed] { apply(!bypassed); },
+        [apply, bypassed] { apply(bypassed); });
+}
+
+void OssSnBaseNode::toggleBypass()
+{
+    setBypassed(!m_bypassed);
+}
+
+void OssSnBaseNode::setCacheActive(int state)
+{
+    if (m_cacheActive == state || state < CacheOff || state > CacheActive)
+        return;
+    const int before = m_cacheActive;
+    const auto apply = [this](int value) {
+        m_cacheActive = value;
+        Q_EMIT cacheActiveChanged(OssSnBaseNodeCacheActiveState(m_cacheActive));
+    };
+    apply(state);
+    OssUndoManager::instance()->record(
+        tr("Cache %1").arg(m_name), [apply, before] { apply(before); },
+        [apply, state] { apply(state); });
+}
+
+void OssSnBaseNode::setGuiActive(bool active)
+{
+    if (m_guiActive == active)
+        return;
+    m_guiActive = active;
+    Q_EMIT guiActiveChanged(active);
+}
+
+void OssSnBaseNode::setErrorText(const QString &text)
+{
+    if (m_errorText == text)
+        return;
+    m_errorText = text;
+    Q_EMIT errorTextChanged(text);
+}
+
+void OssSnBaseNode::emitRemovedFromNetwork()
+{
+    Q_EMIT nodeRemovedFromNetwork();
+}
+
+// --- attributes
+
+namespace {
+
+/// The value as the type of the present one; a choice is taken by number or by name. Invalid when
+/// it cannot be.
+QVariant convertedLike(const QVariant &present, const QVariant &value)
+{
+    if (value.userType() == present.userType())
+        return value;
+    if (present.userType() == qMetaTypeId<OssUserEnum>()) {
+        auto choice = present.value<OssUserEnum>();
+        bool isNumber = false;
+        const int number = value.toInt(&isNumber);
+        const int index = isNumber ? number : choice.names().indexOf(value.toString());
+        if (index < 0)
+            return {};
+        choice.setCurrentValue(index);
+        return QVariant::fromValue(choice);
+    }
+    QVariant converted = value;
+    return converted.convert(present.userType()) ? converted : QVariant();
+}
+
+} // namespace
+
+QStringList OssSnBaseNode::nodeAttributes() const
+{
+    QStringList names;
+    names.reserve(userAttributes().size());
+    for (const OssCustomAttribute &attribute : userAttributes()) {
+        names.append(attribute.group().isEmpty()
+                         ? attribute.name()
+                         : attribute.group() + QLatin1Char('/') + attribute.name());
+    }
+    return names;
+}
+
+QString OssSnBaseNode::nodeAttributeNameAsUserAttributeName(const QString &nodeAttribute) const
+{
+    return nodeAttribute.mid(nodeAttribute.lastIndexOf(QLatin1Char('/')) + 1);
+}
+
+bool OssSnBaseNode::setAttribute(const QString &name, const QVariant &value, bool notify)
+{
+    OssCustomAttribute attribute = userAttribute(name);
+    if (!attribute.isValid()) {
+        OssDebug("OssSnBaseNode", __LINE__, "[ !! ] Node '%s' has no attribute '%s'",
+                 qPrintable(path()), qPrintable(name));
+        return false;
+    }
+    const QVariant converted = convertedLike(attribute.value(), value);
+    if (!converted.isValid()) {
+        OssDebug("OssSnBaseNode", __LINE__, "[ !! ] '%s' is no value for '%s' of node '%s'",
+                 qPrintable(value.toString()), qPrintable(name), qPrintable(path()));
+        return false;
+    }
+    attribute.setValue(converted);
+    setUserAttribute(attribute, notify);
+    return true;
+}
+
+void OssSnBaseNode::onUserAttributeSet(const OssCustomAttribute &attribute, bool added)
+{
+    if (!m_contextsReady)
+        return;
+    for (const NamedContext &named : qAsConst(m_contexts))
+        named.context->onUserAttributeChanged(attribute, this);
+    if (added)
+        Q_EMIT nodeAttributeCreated(attribute.name());
+}
+
+void OssSnBaseNode::onUserAttributeGone(const OssCustomAttribute &attribute)
+{
+    for (const NamedContext &named : qAsConst(m_contexts))
+        named.context->onUserAttributeRemoved(attribute, this);
+    if (attribute.isVisible())
+        Q_EMIT visibleNodeAttributeRemoved(attribute.name());
+}
+
+QString OssSnBaseNode::dumpNodeInfo() const
+{
+    QString text = tr("Node %1\n Type %2, version %3\n Tags %4\n")
+                       .arg(path(), m_pathKey, m_versionUUID, tags().join(QLatin1String(", ")));
+    for (const InputPort &port : m_inputs) {
+        text += QStringLiteral(" Input %1").arg(port.name);
+        if (port.source)
+            text += QStringLiteral(" <- %1.%2").arg(port.source->name(), port.sourceOutput);
+        text += QLatin1Char('\n');
+    }
+    for (const OutgoingConnection &out : m_outgoing)
+        text += QStringLiteral(" Output %1 -> %2.%3\n")
+                    .arg(out.outputPoint, out.target->name(), out.input);
+    for (const OssCustomAttribute &attribute : userAttributes())
+        text += QStringLiteral(" %1 = %2\n").arg(attribute.name(), attribute.value().toString());
+    return text;
+}

@@ -1,0 +1,204 @@
+#include "OssModel/Graph/OssSnGroupNode.h"
+
+#include "OssCore/OssUndoManager.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShaderNetworkIO.h"
+
+namespace {
+
+const QString InputKey = QStringLiteral("_System/Group Input");
+const QString OutputKey = QStringLiteral("_System/Group Output");
+const QString NetworkObject = QStringLiteral("m_groupNetwork");
+
+} // namespace
+
+OssSnGroupNode::OssSnGroupNode(std::shared_ptr<const OssSnNodeType> type)
+    : OssSnBaseNode(std::move(type))
+    , m_groupNetwork(std::make_unique<OssShaderNetwork>(this))
+{
+}
+
+OssSnGroupNode::~OssSnGroupNode()
+{
+    deleteContexts();
+    OssLinkedCustomAttributeManager::instance()->forget(this);
+    m_groupNetwork.reset();
+}
+
+// --- ports
+
+OssSnBaseNode *OssSnGroupNode::createInside(const QString &pathKey, const QString &name,
+                                            OssSnDataKind kind)
+{
+    m_newPortKind = kind;
+    OssSnBaseNode *inside = m_groupNetwork->createNode(pathKey, name);
+    m_newPortKind = OssSnDataKind::Color;
+    if (inside)
+        inside->setPortKinds(kind);
+    return inside;
+}
+
+OssSnBaseNode *OssSnGroupNode::createInput(const QString &name, OssSnDataKind kind)
+{
+    if (name.trimmed().isEmpty() || hasInput(name) || m_groupNetwork->node(name))
+        return nullptr;
+    OssUndoManager::AutoMacro macro(tr("Add Group Input %1").arg(name));
+    return createInside(InputKey, name, kind);
+}
+
+OssSnBaseNode *OssSnGroupNode::createOutput(const QString &name, OssSnDataKind kind)
+{
+    if (name.trimmed().isEmpty() || hasOutputPoint(name) || m_groupNetwork->node(name))
+        return nullptr;
+    OssUndoManager::AutoMacro macro(tr("Add Group Output %1").arg(name));
+    return createInside(OutputKey, name, kind);
+}
+
+void OssSnGroupNode::onNodeAddedInside(OssSnBaseNode *node)
+{
+    const QString name = node->name();
+    if (node->hasTag(QStringLiteral("_input")) && !hasInput(name)) {
+        InputPort port;
+        port.name = name;
+        port.kind = m_newPortKind;
+        port.preferred = inputPorts().isEmpty();
+        addInput(port);
+    } else if (node->hasTag(QStringLiteral("_output")) && !hasOutputPoint(name)) {
+        addOutputPoint({name, {}, m_newPortKind});
+    } else {
+        return;
+    }
+    Q_EMIT newGroupNodeInputOutputCreated();
+}
+
+void OssSnGroupNode::onNodeRemovedInside(const OssSnBaseNode *node)
+{
+    if (node->hasTag(QStringLiteral("_input")))
+        OssSnBaseNode::removeInput(node->name());
+    else if (node->hasTag(QStringLiteral("_output")))
+        OssSnBaseNode::removeOutputPoint(node->name());
+}
+
+void OssSnGroupNode::onNodeRenamedInside(const OssSnBaseNode *node, const QString &oldName)
+{
+    // The step of the node's renaming brings the port along in both directions.
+    const OssUndoManager::Pause pause;
+    if (node->hasTag(QStringLiteral("_input")))
+        OssSnBaseNode::renameInput(oldName, node->name());
+    else if (node->hasTag(QStringLiteral("_output")))
+        OssSnBaseNode::renameOutputPoint(oldName, node->name());
+}
+
+bool OssSnGroupNode::renameInside(OssSnBaseNode *inside, const QString &newName)
+{
+    if (newName.simplified().isEmpty() || m_groupNetwork->node(newName))
+        return false;
+    inside->setName(newName);
+    return true;
+}
+
+bool OssSnGroupNode::renameInput(const QString &oldName, const QString &newName)
+{
+    OssSnBaseNode *inside = inputNodeInside(oldName);
+    return inside ? renameInside(inside, newName) : OssSnBaseNode::renameInput(oldName, newName);
+}
+
+bool OssSnGroupNode::renameOutputPoint(const QString &oldName, const QString &newName)
+{
+    OssSnBaseNode *inside = outputNodeInside(oldName);
+    return inside ? renameInside(inside, newName)
+                  : OssSnBaseNode::renameOutputPoint(oldName, newName);
+}
+
+bool OssSnGroupNode::removeInput(const QString &name)
+{
+    OssSnBaseNode *inside = inputNodeInside(name);
+    if (!inside)
+        return OssSnBaseNode::removeInput(name);
+    m_groupNetwork->removeNodes({inside});
+    return true;
+}
+
+bool OssSnGroupNode::removeOutputPoint(const QString &name)
+{
+    OssSnBaseNode *inside = outputNodeInside(name);
+    if (!inside)
+        return OssSnBaseNode::removeOutputPoint(name);
+    m_groupNetwork->removeNodes({inside});
+    return true;
+}
+
+OssSnBaseNode *OssSnGroupNode::inputNodeInside(const QString &input) const
+{
+    OssSnBaseNode *node = m_groupNetwork->node(input);
+    return node && node->hasTag(QStringLiteral("_input")) ? node : nullptr;
+}
+
+OssSnBaseNode *OssSnGroupNode::outputNodeInside(const QString &outputPoint) const
+{
+    OssSnBaseNode *node = m_groupNetwork->node(outputPoint);
+    return node && node->hasTag(QStringLiteral("_output")) ? node : nullptr;
+}
+
+QList<OssSnBaseNode *> OssSnGroupNode::inputNodesInside() const
+{
+    QList<OssSnBaseNode *> nodes;
+    const QStringList names = inputNames();
+    for (const QString &name : names) {
+        if (OssSnBaseNode *node = inputNodeInside(name))
+            nodes.append(node);
+    }
+    return nodes;
+}
+
+QList<OssSnBaseNode *> OssSnGroupNode::outputNodesInside() const
+{
+    QList<OssSnBaseNode *> nodes;
+    const QStringList names = outputPointNames();
+    for (const QString &name : names) {
+        if (OssSnBaseNode *node = outputNodeInside(name))
+            nodes.append(node);
+    }
+    return nodes;
+}
+
+void OssSnGroupNode::rememberPlaces(const QList<OssSnBaseNode *> &members,
+                                    const QList<OssSnBaseNode *> &around)
+{
+    for (const OssSnBaseNode *node : members)
+        m_places.insert(node, around.indexOf(const_cast<OssSnBaseNode *>(node)));
+}
+
+QVector<int> OssSnGroupNode::rememberedPlaces(const QList<OssSnBaseNode *> &members) const
+{
+    QVector<int> places;
+    for (const OssSnBaseNode *node : members) {
+        const int place = m_places.value(node, -1);
+        if (place < 0)
+            return {};
+        places.append(place);
+    }
+    return places;
+}
+
+// --- files
+
+OssResult OssSnGroupNode::exportAsGizmo(const QString &path)
+{
+    return path.isEmpty() ? OssResult() : OssShaderNetworkIO::saveNodesToXmlFile({this}, path);
+}
+
+bool OssSnGroupNode::saveObjects(OssSerializer &serializer)
+{
+    const bool saved = OssSnBaseNode::saveObjects(serializer);
+    saveKnobLinks(serializer);
+    return m_groupNetwork->save(serializer, NetworkObject, {}) && saved;
+}
+
+OssSerializableObject *OssSnGroupNode::onLoadSubObject(OssDeserializer &deserializer,
+                                                       const QString &name, const QString &type)
+{
+    if (name == NetworkObject)
+        return m_groupNetwork.get();
+    return OssSnBaseNode::onLoadSubObject(deserializer, name, type);
+}

@@ -1,0 +1,343 @@
+#include "OssModel/Graph/OssSnGroupNode.h"
+
+#include "OssCore/OssDebug.h"
+#include "OssCore/OssUndoManager.h"
+#include "OssCore/OssUserEnum.h"
+#include "OssCore/OssValueText.h"
+#include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+
+// Knobs: attributes of a group that stand for attributes of nodes inside it.
+
+namespace {
+
+constexpr const char *Source = "OssSnGroupNode";
+
+using Links = QVector<OssLinkedCustomAttributeManager::Link>;
+
+OssLinkedCustomAttributeManager *linker()
+{
+    return OssLinkedCustomAttributeManager::instance();
+}
+
+} // namespace
+
+QString OssSnGroupNode::getAttributeGroupName(const QString &nodeAttribute)
+{
+    return nodeAttribute.left(qMax(0, nodeAttribute.lastIndexOf(QLatin1Char('/'))));
+}
+
+bool OssSnGroupNode::isKnob(const QString &name) const
+{
+    return userAttribute(name).definition().isKnob;
+}
+
+bool OssSnGroupNode::offersKnobs(const OssSnBaseNode *node)
+{
+    for (const char *tag :
+         {"_input", "_output", "_viewer", "_bottomTransparency", "_shaderInput"}) {
+        if (node->hasTag(QLatin1String(tag)))
+            return false;
+    }
+    const QString version = node->versionUUID();
+    return version != QLatin1String("OSS_Misc_Set_Unlit")
+           && version != QLatin1String("OSS_Misc_Set_Vector")
+           && (!version.isEmpty() || node->hasTag(QStringLiteral("_group")))
+           && node->userAttributesExist();
+}
+
+QString OssSnGroupNode::freeKnobName(const QString &wanted) const
+{
+    QString name = wanted;
+    for (int number = 2; exists(name); ++number)
+        name = wanted + QLatin1Char('_') + QString::number(number);
+    return name;
+}
+
+// --- links
+
+void OssSnGroupNode::setKnobLinks(const QString &knob, const Links &links)
+{
+    const Links before = linker()->links(this, knob);
+    linker()->setLinks(this, knob, links);
+    OssUndoManager::instance()->record(
+        {}, [this, knob, before] { linker()->setLinks(this, knob, before); },
+        [this, knob, links] { linker()->setLinks(this, knob, links); });
+}
+
+bool OssSnGroupNode::addKnobLink(const QString &knob, OssSnBaseNode *node, const QString &attribute)
+{
+    if (!node)
+        return false;
+    const QString path = OssLinkedCustomAttributeManager::pathInside(this, node);
+    if (path.isEmpty() || !isKnob(knob)
+        || node->attribute(attribute).userType() != this->attribute(knob).userType())
+        return false;
+    Links links = linker()->links(this, knob);
+    for (const auto &link : qAsConst(links)) {
+        if (link.node == node && link.attribute == attribute)
+            return true;
+    }
+    const OssUndoManager::AutoMacro macro(tr("Link to Knob %1").arg(knob));
+    node->setAttribute(attribute, this->attribute(knob));
+    links.append({node, attribute, path});
+    setKnobLinks(knob, links);
+    return true;
+}
+
+// --- knobs
+
+QString OssSnGroupNode::createKnob(OssSnBaseNode *node, const QString &attribute)
+{
+    if (!node) {
+        OssDebug(Source, __LINE__, "Node is NULL");
+        return {};
+    }
+    const OssCustomAttribute source = node->userAttribute(attribute);
+    const QString path = OssLinkedCustomAttributeManager::pathInside(this, node);
+    if (!source.isValid() || path.isEmpty()) {
+        OssDebug(Source, __LINE__, "[ !! ] '%s' is no attribute of a node inside group '%s'",
+                 qPrintable(attribute), qPrintable(name()));
+        return {};
+    }
+    const auto known = linker()->knobsOf(node, attribute);
+    for (const auto &knob : known) {
+        if (knob.group == this)
+            return knob.name;
+    }
+    const OssUndoManager::AutoMacro macro(tr("Create Knob %1").arg(source.prettyName()));
+    OssCustomAttribute knob = source;
+    OssCustomAttribute::Definition &definition = knob.editDefinition();
+    definition.prettyName = source.prettyName();
+    definition.name = freeKnobName(attribute);
+    definition.group = node->name();
+    definition.isKnob = true;
+    definition.visible = true;
+    const QString made = definition.name;
+    setUserAttribute(knob, true);
+    setKnobLinks(made, {{node, attribute, path}});
+    return made;
+}
+
+bool OssSnGroupNode::linkKnobs(const QString &name, const QStringList &knobs)
+{
+    QVector<OssCustomAttribute> linked;
+    for (const QString &knob : knobs) {
+        const OssCustomAttribute attribute = userAttribute(knob);
+        if (isKnob(knob)
+            && (linked.isEmpty()
+                || linked.first().value().userType() == attribute.value().userType()))
+            linked.append(attribute);
+    }
+    if (name.isEmpty() || exists(name) || linked.isEmpty() || linked.size() != knobs.size()) {
+        OssDebug(Source, __LINE__, "[ !! ] The knobs '%s' of '%s' cannot become the one '%s'",
+                 qPrintable(knobs.join(QLatin1String(", "))), qPrintable(this->name()),
+                 qPrintable(name));
+        return false;
+    }
+    const OssUndoManager::AutoMacro macro(tr("Link Knobs: %1").arg(name));
+    QStringList order = nodeAttributes();
+    Links all;
+    // What they stand for gets one value while the old links can still bring it back.
+    for (const OssCustomAttribute &knob : qAsConst(linked)) {
+        const Links links = linker()->links(this, knob.name());
+        for (const auto &link : links) {
+            if (!OssLinkedCustomAttributeManager::isBroken(this, knob.name(), link))
+                link.node->setAttribute(link.attribute, linked.first().value());
+        }
+        all += links;
+    }
+    OssCustomAttribute knob = linked.first();
+    knob.editDefinition().name = name;
+    knob.setPrettyName(name);
+    const QString prefix = knob.group().isEmpty() ? QString() : knob.group() + QLatin1Char('/');
+    order[order.indexOf(prefix + linked.first().name())] = prefix + name;
+    for (const OssCustomAttribute &old : qAsConst(linked)) {
+        order.removeOne(old.group().isEmpty() ? old.name()
+                                              : old.group() + QLatin1Char('/') + old.name());
+        deleteAttribute(old.name());
+    }
+    setUserAttribute(knob, true);
+    setKnobLinks(name, all);
+    setNodeAttributesUndo(order);
+    return true;
+}
+
+void OssSnGroupNode::renameKnobName(const QString &knob, const QString &oldName,
+                                    const QString &newName)
+{
+    if (!isKnob(knob) || newName.isEmpty() || oldName == newName)
+        return;
+    const auto apply = [this, knob](const QString &prettyName) {
+        const OssUndoManager::Pause pause;
+        OssCustomAttribute attribute = userAttribute(knob);
+        attribute.setPrettyName(prettyName);
+        setUserAttribute(attribute, true);
+        Q_EMIT nodeAttributePrettyNameChanged(knob);
+    };
+    apply(newName);
+    OssUndoManager::instance()->record(
+        tr("Rename Knob %1").arg(oldName), [apply, oldName] { apply(oldName); },
+        [apply, newName] { apply(newName); });
+}
+
+bool OssSnGroupNode::deleteAttribute(const QString &name)
+{
+    if (!isKnob(name)) {
+        OssDebug(Source, __LINE__, "[ !! ] '%s' of '%s' is no knob and stays", qPrintable(name),
+                 qPrintable(this->name()));
+        return false;
+    }
+    const OssUndoManager::AutoMacro macro(
+        tr("Delete Knob %1").arg(userAttribute(name).prettyName()));
+    setKnobLinks(name, {});
+    return removeUserAttribute(name);
+}
+
+int OssSnGroupNode::brokenLinkCount(const QString &knob) const
+{
+    int count = 0;
+    const Links links = linker()->links(this, knob);
+    for (const auto &link : links)
+        count += OssLinkedCustomAttributeManager::isBroken(this, knob, link) ? 1 : 0;
+    return count;
+}
+
+int OssSnGroupNode::removeBrokenLinks()
+{
+    const OssUndoManager::AutoMacro macro(tr("Remove Broken Links"));
+    int removed = 0;
+    const QStringList knobs = linker()->knobs(this);
+    for (const QString &knob : knobs) {
+        const Links links = linker()->links(this, knob);
+        Links whole;
+        for (const auto &link : links) {
+            if (!OssLinkedCustomAttributeManager::isBroken(this, knob, link))
+                whole.append(link);
+        }
+        if (whole.size() == links.size())
+            continue;
+        removed += links.size() - whole.size();
+        // A knob that stands for nothing any more is of no use.
+        if (whole.isEmpty())
+            deleteAttribute(knob);
+        else
+            setKnobLinks(knob, whole);
+    }
+    return removed;
+}
+
+void OssSnGroupNode::handKnobsOver()
+{
+    const QStringList own = linker()->knobs(this);
+    for (const QString &knob : own) {
+        const Links inner = linker()->links(this, knob);
+        const auto outer = linker()->knobsOf(this, knob);
+        for (const auto &around : outer) {
+            Links links;
+            const Links before = linker()->links(around.group, around.name);
+            for (const auto &link : before) {
+                if (link.node == this && link.attribute == knob)
+                    links += inner;
+                else
+                    links.append(link);
+            }
+            around.group->setKnobLinks(around.name, links);
+        }
+    }
+}
+
+void OssSnGroupNode::replaceInKnobs(const OssSnBaseNode *node, OssSnBaseNode *replacement)
+{
+    const QVector<OssCustomAttribute> attributes = node->userAttributes();
+    for (const OssCustomAttribute &attribute : attributes) {
+        const auto knobs = linker()->knobsOf(node, attribute.name());
+        for (const auto &knob : knobs) {
+            Links links = linker()->links(knob.group, knob.name);
+            for (auto &link : links) {
+                if (link.node == node)
+                    link.node = replacement;
+            }
+            knob.group->setKnobLinks(knob.name, links);
+        }
+    }
+}
+
+// --- files
+
+void OssSnGroupNode::saveKnobLinks(OssSerializer &serializer) const
+{
+    for (const OssCustomAttribute &attribute : userAttributes()) {
+        if (!attribute.definition().isKnob)
+            continue;
+        const Links links = linker()->links(this, attribute.name());
+        for (const auto &link : links) {
+            serializer.writeElement(QStringLiteral("knobLink"),
+                                    {{QStringLiteral("knob"), attribute.name()},
+                                     {QStringLiteral("node"), link.nodePath},
+                                     {QStringLiteral("attribute"), link.attribute}});
+        }
+    }
+}
+
+bool OssSnGroupNode::onLoadUserAttribute(const QString &name, const Attributes &attributes)
+{
+    if (exists(name) || attributes.value(QStringLiteral("knob")) != QLatin1String("true"))
+        return OssSnBaseNode::onLoadUserAttribute(name, attributes);
+    const int type = QMetaType::type(attributes.value(QStringLiteral("type")).toLatin1());
+    const QStringList choices = OssValueText::fromText(attributes.value(QStringLiteral("choices")),
+                                                       QMetaType::QStringList)
+                                    .toStringList();
+    const auto read = [&](const char *key) {
+        const QVariant value = OssValueText::fromText(attributes.value(QLatin1String(key)), type);
+        if (!value.isValid() || value.userType() != qMetaTypeId<OssUserEnum>())
+            return value;
+        return QVariant::fromValue(OssUserEnum(choices, value.value<OssUserEnum>().currentValue()));
+    };
+    const auto bound = [&](const char *key) {
+        return OssValueText::fromText(attributes.value(QLatin1String(key)), QMetaType::Double);
+    };
+    const QVariant value = read("value");
+    if (name.isEmpty() || name.contains(QLatin1Char('/')) || !value.isValid())
+        return false;
+    OssCustomAttribute knob(name, value);
+    OssCustomAttribute::Definition &definition = knob.editDefinition();
+    definition.isKnob = true;
+    definition.prettyName = attributes.value(QStringLiteral("prettyName"));
+    definition.group = attributes.value(QStringLiteral("group"));
+    definition.toolTip = attributes.value(QStringLiteral("toolTip"));
+    definition.editor = attributes.value(QStringLiteral("editor"));
+    definition.minimum = bound("minimum");
+    definition.maximum = bound("maximum");
+    definition.softMinimum = bound("softMinimum");
+    definition.softMaximum = bound("softMaximum");
+    if (read("default").isValid())
+        definition.defaultValue = read("default");
+    initUserAttributes(userAttributes() + QVector<OssCustomAttribute>{knob});
+    return true;
+}
+
+bool OssSnGroupNode::onLoadElement(OssDeserializer &deserializer, const QString &name,
+                                   const Attributes &attributes)
+{
+    if (name != QLatin1String("knobLink"))
+        return OssSnBaseNode::onLoadElement(deserializer, name, attributes);
+    // The nodes it leads to come further down.
+    m_loadedKnobLinks.append({attributes.value(QStringLiteral("knob")),
+                              attributes.value(QStringLiteral("node")),
+                              attributes.value(QStringLiteral("attribute"))});
+    return true;
+}
+
+void OssSnGroupNode::onEndLoad()
+{
+    OssSnBaseNode::onEndLoad();
+    for (const LoadedKnobLink &loaded : qAsConst(m_loadedKnobLinks)) {
+        if (!isKnob(loaded.knob))
+            continue;
+        Links links = linker()->links(this, loaded.knob);
+        links.append({groupNetwork()->nodeByPath(loaded.node), loaded.attribute, loaded.node});
+        linker()->setLinks(this, loaded.knob, links);
+    }
+    m_loadedKnobLinks.clear();
+}

@@ -1,0 +1,177 @@
+#include "OssModel/Images/OssImageManager.h"
+
+#include "OssCore/OssDebug.h"
+#include "OssModel/Images/OssImage.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QDropEvent>
+#include <QFileInfo>
+#include <QImageReader>
+#include <QMimeData>
+#include <QRegularExpression>
+
+namespace {
+
+constexpr int LargestSide = 65536;
+
+const QStringList &suffixes()
+{
+    static const QStringList list{
+        QStringLiteral("exr"),  QStringLiteral("png"), QStringLiteral("tif"),
+        QStringLiteral("tiff"), QStringLiteral("jpg"), QStringLiteral("jpeg"),
+        QStringLiteral("hdr"),  QStringLiteral("tga"), QStringLiteral("bmp"),
+        QStringLiteral("psd"),  QStringLiteral("tx"),  QStringLiteral("dpx")};
+    return list;
+}
+
+/// "wood.1001.exr" as "wood.<UDIM>.exr"; the path itself where there is no such number.
+QString withPlaceholder(const QString &path)
+{
+    static const QRegularExpression number(QStringLiteral("([._-])(1[0-9]{3})(?=\\.[^./]+$)"));
+    QString generic = path;
+    return generic.replace(number, QStringLiteral("\\1<UDIM>"));
+}
+
+} // namespace
+
+OssImageHolder::~OssImageHolder() = default;
+
+OssImageManager *OssImageManager::instance()
+{
+    static OssImageManager manager;
+    return &manager;
+}
+
+OssImageManager::~OssImageManager() = default;
+
+QList<OssImage *> OssImageManager::images() const
+{
+    return m_holder ? m_holder->images() : QList<OssImage *>();
+}
+
+OssImage *OssImageManager::getImage(const OssImageUniqueId &id) const
+{
+    const QList<OssImage *> all = images();
+    for (OssImage *image : all) {
+        if (image->uniqueId() == id)
+            return image;
+    }
+    return nullptr;
+}
+
+bool OssImageManager::isPictureFile(const QString &path)
+{
+    return suffixes().contains(QFileInfo(path).suffix().toLower());
+}
+
+OssResult OssImageManager::check(const QString &path)
+{
+    const QFileInfo info(path);
+    if (!info.isFile() || !info.isReadable())
+        return OssResult::failure(tr("%1: there is no such file, or it cannot be read").arg(path));
+    if (!isPictureFile(path))
+        return OssResult::failure(tr("%1: this is no kind of picture that is known").arg(path));
+    // Formats that Qt does not know are checked by whoever reads their pixels.
+    const QByteArray format = QImageReader::imageFormat(path);
+    if (format.isEmpty())
+        return info.size() > 0 ? OssResult()
+                               : OssResult::failure(tr("%1: the file is empty").arg(path));
+    const QSize size = QImageReader(path).size();
+    if (size.width() > LargestSide || size.height() > LargestSide)
+        return OssResult::failure(
+            tr("%1: %2 x %3 pixels are too many").arg(path).arg(size.width()).arg(size.height()));
+    return {};
+}
+
+QList<OssImageManager::ImageLayer> OssImageManager::open(const QString &path, int flags,
+                                                         const QString &category)
+{
+    const OssResult result = check(path);
+    if (!result || !m_holder) {
+        if (!result && (flags & TellFailures))
+            OssDebug("OssImageManager", __LINE__, "[ !! ] %s", qPrintable(result.error()));
+        return {};
+    }
+    const QString absolute = QFileInfo(path).absoluteFilePath();
+    const QString wanted = flags & GatherPatches ? withPlaceholder(absolute) : absolute;
+    const QList<OssImage *> known = images();
+    for (OssImage *image : known) {
+        if (image->path() == wanted)
+            return {{image->name(), image}};
+    }
+    OssImage *image = m_holder->addImage(wanted, category);
+    Q_EMIT imagesChanged();
+    return {{image->name(), image}};
+}
+
+// --- drags
+
+QStringList OssImageManager::picturesOf(const QList<QUrl> &urls)
+{
+    QStringList found;
+    QStringList known;
+    const auto add = [&](const QString &path) {
+        const QString generic = withPlaceholder(path);
+        if (!isPictureFile(path) || known.contains(generic))
+            return;
+        known.append(generic);
+        found.append(path);
+    };
+    for (const QUrl &url : urls) {
+        const QString path = url.toLocalFile();
+        if (!QFileInfo(path).isDir()) {
+            add(path);
+            continue;
+        }
+        const QDir folder(path);
+        const QStringList files = folder.entryList(QDir::Files, QDir::Name);
+        for (const QString &file : files)
+            add(folder.filePath(file));
+    }
+    return found;
+}
+
+bool OssImageManager::processDragEvent(QDropEvent *event, int target) const
+{
+    const QMimeData *data = event->mimeData();
+    const bool brings = data
+                        && (data->hasFormat(OssImage::MimeType)
+                            || data->hasFormat(OssImage::PathMimeType));
+    if (!brings || target != NodeGraphTarget)
+        return false;
+    event->acceptProposedAction();
+    return true;
+}
+
+QList<QUrl> OssImageManager::dropEvent_AcceptURLs(const QDropEvent *event) const
+{
+    const QMimeData *data = event->mimeData();
+    QList<QUrl> urls = data->urls();
+    if (!urls.isEmpty())
+        return urls;
+    const QStringList paths = QString::fromUtf8(data->data(OssImage::PathMimeType))
+                                  .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    for (const QString &path : paths)
+        urls.append(QUrl::fromUserInput(path.trimmed(), QString(), QUrl::AssumeLocalFile));
+    return urls;
+}
+
+// --- actions
+
+void OssImageManager::registerGlobalContextMenuAction(QObject *action, const QString &menuTitle,
+                                                      const QString &iconPath)
+{
+    if (action)
+        m_actions.append({action, menuTitle, iconPath});
+}
+
+QVector<OssImageManager::ContextMenuAction> OssImageManager::globalContextMenuActions() const
+{
+    QVector<ContextMenuAction> living;
+    for (const ContextMenuAction &entry : m_actions) {
+        if (entry.action)
+            living.append(entry);
+    }
+    return living;
+}

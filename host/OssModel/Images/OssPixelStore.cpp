@@ -1,0 +1,114 @@
+#include "OssModel/Images/OssPixelStore.h"
+
+#include "OssCore/OssAtomicFile.h"
+#include "OssCore/OssDebug.h"
+#include "OssCore/OssSettings.h"
+
+#include <QCoreApplication>
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+#include <QUuid>
+
+namespace {
+
+const QString Suffix = QStringLiteral(".exr");
+
+QString newPixels()
+{
+    return QDir(OssSettings::folderPath()).filePath(QStringLiteral("pixels"));
+}
+
+QString imagesOf(const QString &projectFolder)
+{
+    return QDir(projectFolder).filePath(QStringLiteral("images"));
+}
+
+OssResult hashOf(const QString &path, QString *hash)
+{
+    QFile file(path);
+    QCryptographicHash sum(QCryptographicHash::Sha256);
+    if (!file.open(QIODevice::ReadOnly) || !sum.addData(&file))
+        return OssResult::failure(
+            QCoreApplication::translate("OssPixelStore", "%1: %2").arg(path, file.errorString()));
+    *hash = QString::fromLatin1(sum.result().toHex());
+    return {};
+}
+
+QString &currentFolder()
+{
+    static QString folder;
+    return folder;
+}
+
+} // namespace
+
+QString OssPixelStore::projectFolder()
+{
+    return currentFolder();
+}
+
+void OssPixelStore::setProjectFolder(const QString &folder)
+{
+    currentFolder() = folder;
+}
+
+bool OssPixelStore::isName(const QString &name)
+{
+    static const QRegularExpression shape(QStringLiteral("\\A[0-9a-f]{64}\\.exr\\z"));
+    return shape.match(name).hasMatch();
+}
+
+QString OssPixelStore::newPath()
+{
+    return QDir(newPixels())
+        .filePath(QStringLiteral("new-") + QUuid::createUuid().toString(QUuid::Id128) + Suffix);
+}
+
+OssResult OssPixelStore::adopt(const QString &path, QString *name)
+{
+    QString hash;
+    const OssResult read = hashOf(path, &hash);
+    if (!read)
+        return read;
+    *name = hash + Suffix;
+    return OssAtomicFile::move(path, QDir(newPixels()).filePath(*name));
+}
+
+QString OssPixelStore::find(const QString &name, const QString &projectFolder)
+{
+    if (!isName(name))
+        return {};
+    QStringList folders{newPixels()};
+    if (!projectFolder.isEmpty())
+        folders.prepend(imagesOf(projectFolder));
+    for (const QString &folder : qAsConst(folders)) {
+        const QString path = QDir(folder).filePath(name);
+        if (QFile::exists(path))
+            return path;
+    }
+    return {};
+}
+
+OssResult OssPixelStore::keep(const QStringList &names, const QString &projectFolder,
+                              const QString &folder)
+{
+    for (const QString &name : names) {
+        const QString kept = QDir(imagesOf(folder)).filePath(name);
+        if (QFile::exists(kept))
+            continue;
+        const QString path = find(name, projectFolder);
+        if (path.isEmpty()) {
+            OssDebug("OssPixelStore", __LINE__, "[ !! ] The pixels %s are gone", qPrintable(name));
+            continue;
+        }
+        const OssResult made = OssAtomicFile::makeFolder(imagesOf(folder));
+        if (!made)
+            return made;
+        const OssResult copied = OssAtomicFile::copy(path, kept);
+        if (!copied)
+            return copied;
+    }
+    return {};
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "OssCore/OssResult.h"
+#include "OssModel/OssModel_export.h"
+
+#include <QString>
+#include <QStringList>
+
+/// Pixel files by their content: a file is named by the hash of its bytes, is never written again,
+/// and may be shared by any number of image sets, undo steps and generations of a project.
+///
+/// New pixels go to "pixels/" in the configuration folder, so that they outlive a crash with the
+/// copy of the project. Saving brings what the project needs into its "images/", before the
+/// document that names it.
+namespace OssPixelStore {
+
+/// Whether the text can be the name of a pixel file; what a document names may be hostile.
+OSSMODEL_EXPORT bool isName(const QString &name);
+
+/// A free path for a file that is about to be made.
+OSSMODEL_EXPORT QString newPath();
+
+/// Takes a finished file over from newPath(), under the name that it gets here.
+OSSMODEL_EXPORT OssResult adopt(const QString &path, QString *name);
+
+/// Folder of the open project, which may not have one; empty at first. GUI thread.
+OSSMODEL_EXPORT QString projectFolder();
+OSSMODEL_EXPORT void setProjectFolder(const QString &folder);
+
+/// Where the pixels are: in the project's folder, or among the new ones. Empty when they are gone.
+OSSMODEL_EXPORT QString find(const QString &name, const QString &projectFolder);
+
+/// Copies into `folder` what of `names` is not there yet, from `projectFolder` or the new ones.
+/// What is found nowhere is a line in the log: a project that lost pixels can still be saved.
+OSSMODEL_EXPORT OssResult keep(const QStringList &names, const QString &projectFolder,
+                               const QString &folder);
+
+} // namespace OssPixelStore

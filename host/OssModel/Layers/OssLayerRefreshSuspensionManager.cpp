@@ -1,0 +1,18 @@
+#include "OssModel/Layers/OssLayerRefreshSuspensionManager.h"
+
+OssLayerRefreshSuspensionManager *OssLayerRefreshSuspensionManager::instance()
+{
+    static OssLayerRefreshSuspensionManager manager;
+    return &manager;
+}
+
+OssLayerRefreshSuspensionManager::RefreshStateSuspender::RefreshStateSuspender()
+{
+    ++instance()->m_depth;
+}
+
+OssLayerRefreshSuspensionManager::RefreshStateSuspender::~RefreshStateSuspender()
+{
+    if (--instance()->m_depth == 0)
+        Q_EMIT instance()->resumed();
+}

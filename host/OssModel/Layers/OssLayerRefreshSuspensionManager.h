@@ -1,0 +1,35 @@
+#pragma once
+
+#include "OssModel/OssModel_export.h"
+
+#include <QObject>
+
+/// Holds back what follows a change of layers (pictures, panels) while many changes are made.
+class OSSMODEL_EXPORT OssLayerRefreshSuspensionManager : public QObject
+{
+    Q_OBJECT
+
+public:
+    static OssLayerRefreshSuspensionManager *instance();
+
+    /// Scope in which refreshes wait; scopes nest.
+    class OSSMODEL_EXPORT RefreshStateSuspender
+    {
+    public:
+        RefreshStateSuspender();
+        RefreshStateSuspender(const RefreshStateSuspender &) = delete;
+        RefreshStateSuspender &operator=(const RefreshStateSuspender &) = delete;
+        ~RefreshStateSuspender();
+    };
+
+    bool isSuspended() const { return m_depth > 0; }
+
+Q_SIGNALS:
+    /// The last scope ended: whoever put a refresh off does it now.
+    void resumed();
+
+private:
+    OssLayerRefreshSuspensionManager() = default;
+
+    int m_depth = 0;
+};

@@ -1,0 +1,65 @@
+#include "OssModel/Layers/OssLayerShaderManager.h"
+
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Layers/OssLayerManager.h"
+#include "OssModel/Layers/OssLayerShader.h"
+
+OssLayerShaderManager *OssLayerShaderManager::instance()
+{
+    static OssLayerShaderManager manager;
+    return &manager;
+}
+
+bool OssLayerShaderManager::isSystemShaderNode(const OssSnBaseNode *node, bool includeInside) const
+{
+    for (; node; node = node->network() ? node->network()->parentGroupNode() : nullptr) {
+        if (node->hasTag(QStringLiteral("_systemShader")))
+            return true;
+        if (!includeInside)
+            return false;
+    }
+    return false;
+}
+
+bool OssLayerShaderManager::isLayerShader(const OssSnBaseNode *node) const
+{
+    return node && node->hasTag(QStringLiteral("_shader"))
+           && !qobject_cast<const OssSnGroupNode *>(node);
+}
+
+OssLayerShader *OssLayerShaderManager::getLayerShader(OssSnBaseNode *node) const
+{
+    if (!isLayerShader(node))
+        return nullptr;
+    auto *shader = node->findChild<OssLayerShader *>(QString(), Qt::FindDirectChildrenOnly);
+    return shader ? shader : new OssLayerShader(node); // the node owns it
+}
+
+OssSnBaseNode *OssLayerShaderManager::currentShader() const
+{
+    return m_currentShader;
+}
+
+void OssLayerShaderManager::setCurrentShader(OssSnBaseNode *shader)
+{
+    if (!shader || !shader->network())
+        return;
+    OssShaderNetwork *network = shader->network();
+    if (isLayerShader(shader)) {
+        OssSnBaseNode *viewer = network->moveCurrentViewerNodeToNetwork();
+        if (viewer)
+            viewer->setInputNode(QStringLiteral("0"), shader, shader->prefferedOutputPoint());
+    }
+    network->rootNetwork()->setViewerNodeCurrentEdge(0, true);
+    if (m_currentShader == shader)
+        return;
+    m_currentShader = shader;
+    Q_EMIT currentShaderChanged(shader);
+}
+
+OssSnBaseNode *OssLayerShaderManager::getCurrentMaterialProxyShader(
+    const OssShaderNetwork *network) const
+{
+    return OssLayerManager::currentMaterialProxy(network);
+}

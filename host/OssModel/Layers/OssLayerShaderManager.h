@@ -1,0 +1,44 @@
+#pragma once
+
+#include "OssModel/OssModel_export.h"
+
+#include <QObject>
+#include <QPointer>
+
+class OssLayerShader;
+class OssShaderNetwork;
+class OssSnBaseNode;
+
+/// What is known of shaders among the nodes, and which one is current.
+class OSSMODEL_EXPORT OssLayerShaderManager : public QObject
+{
+    Q_OBJECT
+
+public:
+    static OssLayerShaderManager *instance();
+
+    /// Whether the application itself made the node as part of shading, so that users look at it
+    /// but do not build with it. With `includeInside` a node inside such a node counts too.
+    bool isSystemShaderNode(const OssSnBaseNode *node, bool includeInside) const;
+    /// A node that makes a material by itself, as a renderer's surface.
+    bool isLayerShader(const OssSnBaseNode *node) const;
+    /// Null for a node that is none.
+    OssLayerShader *getLayerShader(OssSnBaseNode *node) const;
+
+    /// What the viewer's input 0 shows: a layer shader, which is wired there in one undo step, or
+    /// the current-material proxy. Null is ignored.
+    void setCurrentShader(OssSnBaseNode *shader);
+
+    OssSnBaseNode *currentShader() const;
+
+    /// Null while nothing was made the current material.
+    OssSnBaseNode *getCurrentMaterialProxyShader(const OssShaderNetwork *network) const;
+
+Q_SIGNALS:
+    void currentShaderChanged(OssSnBaseNode *shader);
+
+private:
+    OssLayerShaderManager() = default;
+
+    QPointer<OssSnBaseNode> m_currentShader;
+};

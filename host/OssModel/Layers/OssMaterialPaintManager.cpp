@@ -1,0 +1,63 @@
+#include "OssModel/Layers/OssMaterialPaintManager.h"
+
+#include "OssModel/Graph/OssLayerStreamUtils.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
+
+#include <QMimeData>
+#include <QUrl>
+
+#include <algorithm>
+
+namespace {
+
+bool hasFiles(const QMimeData *data, const QString &suffix)
+{
+    const QStringList paths = OssMaterialPaintManager::instance()->pathListFromMimeData(data);
+    return std::any_of(paths.cbegin(), paths.cend(), [&](const QString &path) {
+        return path.endsWith(suffix, Qt::CaseInsensitive);
+    });
+}
+
+} // namespace
+
+OssMaterialPaintManager *OssMaterialPaintManager::instance()
+{
+    static OssMaterialPaintManager manager;
+    return &manager;
+}
+
+bool OssMaterialPaintManager::autoconnectMergeNode(OssSnBaseNode *source, OssSnBaseNode *merge)
+{
+    if (!source || !merge || source->prefferedOutputPoint().isEmpty())
+        return false;
+    const QStringList order{OssLayerStreamUtils::baseInputName({}),
+                            OssLayerStreamUtils::overInputName({}), QStringLiteral("Mask")};
+    for (const QString &input : order) {
+        if (merge->hasInput(input) && !merge->inputNode(input))
+            return merge->setInputNode(input, source, source->prefferedOutputPoint());
+    }
+    return false;
+}
+
+bool OssMaterialPaintManager::draggableMaterialType(const QMimeData *data) const
+{
+    return hasFiles(data, QStringLiteral(".oma"));
+}
+
+bool OssMaterialPaintManager::draggableCustomProceduralType(const QMimeData *data) const
+{
+    return hasFiles(data, QStringLiteral(".opc"));
+}
+
+QStringList OssMaterialPaintManager::pathListFromMimeData(const QMimeData *data) const
+{
+    QStringList paths;
+    const QList<QUrl> urls = data ? data->urls() : QList<QUrl>();
+    for (const QUrl &url : urls) {
+        const QString path = url.toLocalFile();
+        if (path.endsWith(QLatin1String(".oma"), Qt::CaseInsensitive)
+            || path.endsWith(QLatin1String(".opc"), Qt::CaseInsensitive))
+            paths.append(path);
+    }
+    return paths;
+}

@@ -1,0 +1,35 @@
+#include "OssModel/Nodes/OssBakePointWatch.h"
+
+#include "OssCore/OssUndoManager.h"
+#include "OssModel/Nodes/OssSnBakePointNode.h"
+
+namespace {
+
+constexpr int Soon = 100; ///< milliseconds
+
+} // namespace
+
+OssBakePointWatch *OssBakePointWatch::instance()
+{
+    static OssBakePointWatch watch;
+    return &watch;
+}
+
+OssBakePointWatch::OssBakePointWatch()
+{
+    m_timer.setSingleShot(true);
+    connect(&m_timer, &QTimer::timeout, this, &OssBakePointWatch::look);
+    connect(OssUndoManager::instance(), &OssUndoManager::changed, this, [this] {
+        if (!m_nodes.isEmpty() && !m_timer.isActive())
+            m_timer.start(Soon);
+    });
+}
+
+void OssBakePointWatch::look()
+{
+    const QSet<OssSnBakePointNode *> nodes = m_nodes;
+    for (OssSnBakePointNode *node : nodes) {
+        if (m_nodes.contains(node) && node->network())
+            node->checkBakedState();
+    }
+}

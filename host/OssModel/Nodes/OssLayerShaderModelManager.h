@@ -1,0 +1,34 @@
+#pragma once
+
+#include "OssModel/Types/OssLayerShaderModel.h"
+
+#include <QPair>
+
+#include <map>
+
+class OssSnBaseNode;
+class OssSnMultiChannelGroupNode;
+
+/// The shader models of the process: one for each shader among the node types.
+class OSSMODEL_EXPORT OssLayerShaderModelManager
+{
+public:
+    static OssLayerShaderModelManager *instance();
+
+    /// Stays valid for the process. Null for an id that is not known.
+    const OssLayerShaderModel *model(const QString &id);
+    /// By name.
+    QStringList modelIds();
+    /// Of a shader node or a multi-channel node; null for others.
+    const OssLayerShaderModel *modelOf(const OssSnBaseNode *node);
+
+    /// The two as multi-channel nodes when they carry the same streams; null pointers otherwise.
+    QPair<OssSnMultiChannelGroupNode *, OssSnMultiChannelGroupNode *> matchingShaderModelNodePair(
+        OssSnBaseNode *first, OssSnBaseNode *second);
+
+private:
+    OssLayerShaderModelManager() = default;
+    void readModels();
+
+    std::map<QString, OssLayerShaderModel> m_models;
+};

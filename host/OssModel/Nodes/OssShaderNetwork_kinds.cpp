@@ -1,0 +1,52 @@
+// What a network makes of particular kinds of nodes.
+#include "OssModel/Graph/OssShaderNetwork.h"
+
+#include "OssCore/OssUndoManager.h"
+#include "OssModel/Graph/OssSnBaseContext.h"
+#include "OssModel/Nodes/OssSnImageSetNodeBase.h"
+#include "OssModel/Nodes/OssSnMultiChannelMergeNode.h"
+#include "OssModel/Objects/OssImageSet.h"
+#include "OssModel/Objects/OssShadingContext.h"
+#include "OssModel/Types/OssLayerShaderModel.h"
+
+OssSnBaseNode *OssShaderNetwork::createPaintableNode(const QPointF &scenePos,
+                                                     const QString &pathKey)
+{
+    // The kind that users create is filed elsewhere than what stands in the graph.
+    const QString key = pathKey.isEmpty() ? QStringLiteral("Channel Input/Paint") : pathKey;
+    const OssUndoManager::AutoMacro macro(tr("Add Paint Node"));
+    auto *node = qobject_cast<OssSnImageSetNodeBase *>(createNode(key));
+    if (!node)
+        return nullptr;
+    if (OssSnBaseContext *context = node->viewContext())
+        context->setNodePosition(scenePos);
+    if (OssShadingContext *shading = shadingContext()) {
+        auto *images = new OssImageSet(shading->freeImageSetName(node->name()));
+        shading->addImageSet(images); // takes it
+        node->setImageSet(images, true);
+    }
+    return node;
+}
+
+OssImageSet *OssShaderNetwork::createImageSet(const QString &name, const OssImageSet *like,
+                                              int resolution)
+{
+    OssShadingContext *shading = shadingContext();
+    if (!shading)
+        return nullptr;
+    auto *set = new OssImageSet(shading->freeImageSetName(name));
+    if (like)
+        set->copySettings(*like);
+    set->setResolution(resolution);
+    shading->addImageSet(set); // takes it
+    return set;
+}
+
+OssSnMultiChannelMergeNode *OssShaderNetwork::createMultiChannelMergeNode(
+    const OssLayerShaderModel *model)
+{
+    if (!model)
+        return nullptr;
+    return qobject_cast<OssSnMultiChannelMergeNode *>(
+        createNode(QStringLiteral("_System/MultiChannelMerge"), {}, model->id()));
+}

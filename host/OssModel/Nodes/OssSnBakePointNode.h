@@ -1,0 +1,68 @@
+#pragma once
+
+#include "OssCore/OssColor.h"
+#include "OssModel/Nodes/OssSnImageSetNodeBase.h"
+
+class OssGeoEntity;
+
+/// Keeps the result of what feeds it as images, from which everything behind it goes on.
+class OSSMODEL_EXPORT OssSnBakePointNode : public OssSnImageSetNodeBase
+{
+    Q_OBJECT
+
+public:
+    explicit OssSnBakePointNode(std::shared_ptr<const OssSnNodeType> type);
+    ~OssSnBakePointNode() override;
+
+    QString preferredInputName() const;
+
+    /// Key of the result that the images hold; empty while there is none.
+    QString bakedKey() const { return m_bakedKey; }
+
+    /// Undoable. What the images were made from, as evaluation names it.
+    void setBakedKey(const QString &key);
+
+    bool hasBakedResult() const { return !m_bakedKey.isEmpty(); }
+
+    /// Whether a bake now would give what the images hold. `includeSettings` also asks whether the
+    /// patches and the size that are set now were baked.
+    bool isBakedResultUpToDate(bool includeSettings = true) const;
+
+    /// Announces when the result has become, or is no longer, out of date.
+    void checkBakedState();
+
+    /// Whether the result also goes into a geo-channel, and into which.
+    bool syncGeoChannel() const;
+    QString geoChannelName() const;
+    /// Whether only some patches are baked, and which: "1001-1004,1011".
+    bool limitBake() const;
+    QString limitBakeRange() const;
+    /// What the others show.
+    OssColor limitBakeBackground() const;
+    bool filterCollectionEnabled() const;
+    QString filterCollectionText() const;
+    /// Whether the filter, names of objects with wildcards, lets the object through. Without a filter
+    /// or a text it does, and so it does for what belongs to no object.
+    bool isBakedFor(const OssGeoEntity *object) const;
+
+    bool saveObjects(OssSerializer &serializer) override;
+    bool onLoadElement(OssDeserializer &deserializer, const QString &name,
+                       const Attributes &attributes) override;
+
+Q_SIGNALS:
+    void geoChannelNameChanged(QString name);
+    void syncGeoChannelChanged(bool on);
+    void bakedStateChanged();
+    /// Also when the range changed.
+    void limitBakeChanged(bool on);
+    void filterCollectionEnabledChanged(bool on);
+    void filterCollectionTextChanged(QString text);
+
+protected:
+    void onUserAttributeSet(const OssCustomAttribute &attribute, bool added) override;
+
+private:
+    QString m_bakedKey;
+    QString m_bakedSettings;
+    bool m_wasUpToDate = false; ///< when it was last announced
+};

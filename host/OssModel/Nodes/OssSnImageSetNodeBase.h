@@ -1,0 +1,38 @@
+#pragma once
+
+#include "OssModel/Graph/OssSnBaseNode.h"
+
+class OssImageSet;
+
+/// A node that reads or writes the pixels of an image set.
+class OSSMODEL_EXPORT OssSnImageSetNodeBase : public OssSnBaseNode
+{
+    Q_OBJECT
+
+public:
+    using OssSnBaseNode::OssSnBaseNode;
+
+    /// Null when it has none.
+    OssImageSet *imageSet() const;
+    /// Undoable. The flag tells whether listeners hear of it.
+    void setImageSet(OssImageSet *set, bool notify);
+    /// Takes properties of the node out of the user's hands that its channel decides.
+    void enablePropertiesBasedOnManagedByChannel();
+
+    /// Whether what a panel shows of the images is decided by a channel.
+    bool isManagedByChannel() const { return m_managedByChannel; }
+
+    bool saveObjects(OssSerializer &serializer) override;
+    bool onLoadElement(OssDeserializer &deserializer, const QString &name,
+                       const Attributes &attributes) override;
+
+Q_SIGNALS:
+    void imageSetChanged();
+
+private:
+    void setManagedByChannel(bool managed);
+
+    bool m_managedByChannel = false;
+    QPointer<QObject> m_imageSet;
+    QString m_savedImageSet; ///< name, until the node stands in its network
+};

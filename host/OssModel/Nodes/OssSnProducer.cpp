@@ -1,0 +1,84 @@
+#include "OssModel/Nodes/OssSnProducer.h"
+
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShaderNetworkUtils.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Nodes/OssSnBaseTeleportNode.h"
+#include "OssModel/Nodes/OssSnTeleportNodeManager.h"
+
+namespace {
+
+/// Ways through teleports may close a loop that wires cannot.
+constexpr int LongestWay = 10000;
+
+OssSnProducer feeding(const OssSnBaseNode *node, const QString &input)
+{
+    if (!node)
+        return {};
+    for (const OssSnBaseNode::InputPort &port : node->inputPorts()) {
+        if (port.name == input)
+            return port.enabled ? OssSnProducer{port.source, port.sourceOutput} : OssSnProducer();
+    }
+    return {};
+}
+
+QString firstInput(const OssSnBaseNode *node)
+{
+    return node && !node->inputPorts().isEmpty() ? node->inputPorts().first().name : QString();
+}
+
+bool passesOn(const OssSnBaseNode *node)
+{
+    return node->hasTag(QStringLiteral("_dot")) || node->hasTag(QStringLiteral("_output"))
+           || (node->nodeType() && node->nodeType()->kernel == QLatin1String("pass"));
+}
+
+/// One step towards what computes; false when the node itself does.
+bool step(OssSnProducer *at)
+{
+    const OssSnBaseNode *node = at->node;
+    if (!node->enabledAsBool() || node->isBypassed()) {
+        *at = feeding(node, OssShaderNetworkUtils::streamInput(node, at->outputPoint));
+        return true;
+    }
+    if (const auto *group = qobject_cast<const OssSnGroupNode *>(node)) {
+        *at = {group->outputNodeInside(at->outputPoint), {}};
+        return true;
+    }
+    const OssSnGroupNode *around = node->hasTag(QStringLiteral("_input")) && node->network()
+                                       ? node->network()->parentGroupNode()
+                                       : nullptr;
+    if (around) {
+        *at = feeding(around, node->name());
+        return true;
+    }
+    const auto *teleport = qobject_cast<const OssSnBaseTeleportNode *>(node);
+    if (teleport && !teleport->isBroadcast()) {
+        const OssSnBaseNode *heard = OssSnTeleportNodeManager::instance()->broadcastNode(
+            node->network(), teleport->channelName());
+        *at = feeding(heard, firstInput(heard));
+        return true;
+    }
+    if (!passesOn(node))
+        return false;
+    *at = feeding(node, firstInput(node));
+    return true;
+}
+
+} // namespace
+
+OssSnProducer OssSnProducer::of(const OssSnBaseNode *node, const QString &outputPoint)
+{
+    OssSnProducer at{node, outputPoint};
+    for (int way = 0; at.node && step(&at); ++way) {
+        if (way > LongestWay)
+            return {};
+    }
+    return at;
+}
+
+OssSnProducer OssSnProducer::ofInput(const OssSnBaseNode *node, const QString &input)
+{
+    const OssSnProducer source = feeding(node, input);
+    return of(source.node, source.outputPoint);
+}

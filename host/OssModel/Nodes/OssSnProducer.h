@@ -1,0 +1,20 @@
+#pragma once
+
+#include "OssModel/OssModel_export.h"
+
+#include <QString>
+
+class OssSnBaseNode;
+
+/// An output that computes something. Null where nothing does.
+struct OssSnProducer
+{
+    const OssSnBaseNode *node = nullptr;
+    QString outputPoint;
+
+    /// What an output really comes from: through groups and the nodes that stand for their ports,
+    /// dots, teleports, and nodes that are disabled or bypassed and so pass on their stream.
+    OSSMODEL_EXPORT static OssSnProducer of(const OssSnBaseNode *node, const QString &outputPoint);
+    /// The same for what feeds an input.
+    OSSMODEL_EXPORT static OssSnProducer ofInput(const OssSnBaseNode *node, const QString &input);
+};

@@ -1,0 +1,18 @@
+#include "OssModel/Objects/OssCanvasManager.h"
+
+OssCanvasWidget::~OssCanvasWidget()
+{
+    if (OssCanvasManager::instance()->currentCanvas() == this)
+        OssCanvasManager::instance()->setCurrentCanvas(nullptr);
+}
+
+OssCanvasManager *OssCanvasManager::instance()
+{
+    static OssCanvasManager manager;
+    return &manager;
+}
+
+OssResult OssCanvasManager::bakePaint()
+{
+    return m_current ? m_current->bakePaint() : OssResult();
+}

@@ -1,0 +1,103 @@
+#pragma once
+
+#include "OssCore/OssColor.h"
+#include "OssCore/OssSerializableObject.h"
+#include "OssModel/OssModel_export.h"
+
+#include <QMap>
+#include <QPointer>
+
+class OssChannel;
+
+/// The images of one texture, one per UDIM patch, and how they are to be understood. Saved with the
+/// shading context that owns it.
+class OSSMODEL_EXPORT OssImageSet : public OssSerializableObject
+{
+    Q_OBJECT
+    Q_PROPERTY(int depth READ depth WRITE setDepth)
+    Q_PROPERTY(int bleed READ bleed WRITE setBleed)
+    Q_PROPERTY(QString fileSpace READ fileSpace WRITE setFileSpace)
+    Q_PROPERTY(bool scalar READ isScalar WRITE setScalar STORED isScalar)
+    Q_PROPERTY(int resolution READ resolution WRITE setResolution)
+    Q_PROPERTY(OssColor fillColor READ fillColor WRITE setFillColor)
+
+public:
+    explicit OssImageSet(const QString &name, QObject *parent = nullptr);
+    ~OssImageSet() override;
+
+    /// Unique within its shading context.
+    QString name() const { return m_name; }
+
+    /// The channel that these images are the paint of; null when there is none.
+    OssChannel *channel() const;
+    void setChannel(OssChannel *channel);
+
+    static constexpr int FloatDepth = 5126;
+
+    /// GL type code of a component: 5121 is 8 bits, 5131 half, 5126 single precision.
+    int depth() const { return m_depth; }
+
+    void setDepth(int depth) { m_depth = depth; }
+
+    /// Pixels by which colour goes on beyond the patch's shapes.
+    int bleed() const { return m_bleed; }
+
+    void setBleed(int bleed) { m_bleed = bleed; }
+
+    /// Colour space of its files; empty for the usual one.
+    QString fileSpace() const { return m_fileSpace; }
+
+    void setFileSpace(const QString &space) { m_fileSpace = space; }
+
+    /// Values that are no colours: masks, heights.
+    bool isScalar() const { return m_scalar; }
+
+    void setScalar(bool scalar) { m_scalar = scalar; }
+
+    /// Width and height of a patch in pixels.
+    int resolution() const { return m_resolution; }
+
+    void setResolution(int resolution) { m_resolution = resolution; }
+
+    /// Names of pixel files by UDIM patch; a patch that nothing was written to has none.
+    QMap<int, QString> pixels() const { return m_pixels; }
+
+    /// Undoable.
+    void setPixels(const QMap<int, QString> &pixels);
+
+    /// Pixel files that also hold paint which is in no image yet, by patch; none when there is no
+    /// such paint. Documents that are written meanwhile, copies of unsaved work, name them instead of
+    /// pixels(). Not part of the state, and not undoable.
+    void setUnbakedPixels(const QMap<int, QString> &pixels) { m_unbakedPixels = pixels; }
+
+    /// Of pixels that nothing was written to.
+    OssColor fillColor() const { return m_fillColor; }
+
+    void setFillColor(const OssColor &color) { m_fillColor = color; }
+
+    /// 8-bit colour, in which precision is short.
+    bool isByteColor() const;
+    /// The same pixels and settings under another name; the caller owns it.
+    OssImageSet *duplicate(const QString &name) const;
+    /// All but channel, pixels and resolution. Of a set that is not in a document yet.
+    void copySettings(const OssImageSet &other);
+
+    bool saveObjects(OssSerializer &serializer) override;
+    bool onLoadElement(OssDeserializer &deserializer, const QString &name,
+                       const Attributes &attributes) override;
+
+Q_SIGNALS:
+    void pixelsChanged();
+
+private:
+    QString m_name;
+    QPointer<QObject> m_channel;
+    int m_depth;
+    int m_bleed = 16;
+    int m_resolution = 2048;
+    QString m_fileSpace;
+    QMap<int, QString> m_pixels;
+    QMap<int, QString> m_unbakedPixels;
+    bool m_scalar = false;
+    OssColor m_fillColor{0.0, 0.0, 0.0, 0.0};
+};

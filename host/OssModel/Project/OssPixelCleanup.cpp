@@ -1,0 +1,95 @@
+#include "OssModel/Project/OssPixelCleanup.h"
+
+#include "OssCore/OssDebug.h"
+#include "OssCore/OssSettings.h"
+#include "OssModel/Images/OssPixelStore.h"
+#include "OssModel/Project/OssRecovery.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QRegularExpression>
+#include <QSet>
+
+namespace {
+
+const QString Documents = QStringLiteral("*.xml");
+
+QStringList documentsBelow(const QString &folder)
+{
+    QStringList paths;
+    QDirIterator files(folder, {Documents}, QDir::Files | QDir::Hidden,
+                       QDirIterator::Subdirectories);
+    while (files.hasNext())
+        paths.append(files.next());
+    return paths;
+}
+
+bool addNames(const QString &document, QSet<QString> *names)
+{
+    static const QRegularExpression name(QStringLiteral("[0-9a-f]{64}\\.exr"));
+    QFile file(document);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray bytes = file.readAll();
+    if (file.error() != QFileDevice::NoError)
+        return false;
+    auto matches = name.globalMatch(QString::fromLatin1(bytes));
+    while (matches.hasNext())
+        names->insert(matches.next().captured());
+    return true;
+}
+
+QDateTime latest()
+{
+    return QDateTime::currentDateTimeUtc().addDays(-OssPixelCleanup::KeptDays);
+}
+
+/// Of what may be a pixel file of ours: finished, or left by a bake that was killed.
+bool isOurs(const QString &name)
+{
+    static const QRegularExpression unfinished(QStringLiteral("\\Anew-[0-9a-f]{32}\\.exr\\z"));
+    return OssPixelStore::isName(name) || unfinished.match(name).hasMatch();
+}
+
+} // namespace
+
+int OssPixelCleanup::removeForgotten(const QString &folder, const QStringList &documents,
+                                     const QDateTime &before)
+{
+    QSet<QString> named;
+    for (const QString &document : documents) {
+        if (!addNames(document, &named)) {
+            OssDebug("OssPixelCleanup", __LINE__, "[ -- ] %s cannot be read: no pixels are removed",
+                     qPrintable(document));
+            return 0;
+        }
+    }
+    int removed = 0;
+    const QFileInfoList files = QDir(folder).entryInfoList(QDir::Files | QDir::NoSymLinks);
+    for (const QFileInfo &file : files) {
+        if (isOurs(file.fileName()) && !named.contains(file.fileName())
+            && file.lastModified() < before && QFile::remove(file.filePath()))
+            ++removed;
+    }
+    if (removed > 0)
+        OssDebug("OssPixelCleanup", __LINE__, "[ -- ] Removed %d forgotten pixel files from %s",
+                 removed, qPrintable(folder));
+    return removed;
+}
+
+int OssPixelCleanup::cleanProject(const QString &projectFolder)
+{
+    const QString images = QDir(projectFolder).filePath(QStringLiteral("images"));
+    if (projectFolder.isEmpty() || !QFileInfo(images).isDir())
+        return 0;
+    return removeForgotten(
+        images, documentsBelow(projectFolder) + documentsBelow(OssRecovery::standardFolder()),
+        latest());
+}
+
+int OssPixelCleanup::cleanNewPixels()
+{
+    return removeForgotten(QDir(OssSettings::folderPath()).filePath(QStringLiteral("pixels")),
+                           documentsBelow(OssRecovery::standardFolder()), latest());
+}

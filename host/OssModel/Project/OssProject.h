@@ -1,0 +1,67 @@
+#pragma once
+
+#include "OssModel/Images/OssImageManager.h"
+#include "OssModel/Objects/OssEntity.h"
+
+#include <QByteArray>
+
+#include <memory>
+#include <vector>
+
+class OssGeoEntity;
+class OssImage;
+class OssShadingGroup;
+
+/// A project: the objects that are textured, with everything that hangs on them.
+class OSSMODEL_EXPORT OssProject
+    : public OssEntity
+    , public OssImageHolder
+{
+    Q_OBJECT
+
+public:
+    explicit OssProject(const QString &name = {});
+    ~OssProject() override;
+
+    /// The project's folder, "NAME.ossa"; empty before it was ever saved.
+    QString path() const { return m_path; }
+
+    void setPath(const QString &path) { m_path = path; }
+
+    /// A project that a newer version wrote is opened for looking only.
+    bool isReadOnly() const { return m_readOnly; }
+
+    void setReadOnly(bool readOnly) { m_readOnly = readOnly; }
+
+    QList<OssGeoEntity *> entities() const;
+    /// Owned by the project. Comes with one shading group and the network in it.
+    OssGeoEntity *addEntity(const QString &name);
+    /// Of all objects, in their order.
+    QList<OssShadingGroup *> shadingGroups() const;
+
+    // --- images
+    QList<OssImage *> images() const override;
+    OssImage *addImage(const QString &path, const QString &category) override;
+
+    /// Names of the pixel files that the document needs, each once, sorted.
+    QStringList pixelFiles() const;
+
+    /// Hash of the document: what saving would write, without ids. Equal for equal documents,
+    /// however they came about; not of selection, current tab or current viewer.
+    QByteArray stateHash();
+
+    bool saveObjects(OssSerializer &serializer) override;
+    bool onLoadCollection(const QString &name, const QString &type, const QString &elementType,
+                          int count, const Attributes &attributes) override;
+    OssSerializableObject *onLoadCollectionObject(OssDeserializer &deserializer,
+                                                  const QString &name, const QString &type,
+                                                  const Attributes &attributes) override;
+
+private:
+    QString m_path;
+    bool m_readOnly = false;
+    std::vector<std::unique_ptr<OssGeoEntity>> m_entities;
+    std::vector<std::shared_ptr<OssImage>> m_images;
+};
+
+Q_DECLARE_METATYPE(OssProject *)

@@ -1,0 +1,183 @@
+#include "OssModel/Project/OssProjectManager.h"
+
+#include "OssCore/OssUndoManager.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Graph/OssShadingGroup.h"
+#include "OssModel/Images/OssPixelStore.h"
+#include "OssModel/Objects/OssCanvasManager.h"
+#include "OssModel/Objects/OssChannel.h"
+#include "OssModel/Project/OssProject.h"
+#include "OssModel/Project/OssProjectFile.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+OssProjectManager *OssProjectManager::instance()
+{
+    static OssProjectManager manager;
+    return &manager;
+}
+
+OssProjectManager::OssProjectManager()
+{
+    qRegisterMetaType<OssProject *>();
+    connect(OssUndoManager::instance(), &OssUndoManager::cleanChanged, this,
+            [this](bool clean) { Q_EMIT modifiedChanged(!clean); });
+}
+
+OssProjectManager::~OssProjectManager() = default;
+
+OssProject *OssProjectManager::currentProject() const
+{
+    return m_project.get();
+}
+
+void OssProjectManager::setCurrentChannel(OssChannel *channel)
+{
+    if (m_currentChannel == channel)
+        return;
+    m_currentChannel = channel;
+    Q_EMIT currentChannelChanged(channel);
+}
+
+bool OssProjectManager::isModified() const
+{
+    return m_project && !OssUndoManager::instance()->isClean();
+}
+
+OssProject *OssProjectManager::newProject(const QString &name)
+{
+    auto project = std::make_unique<OssProject>(name);
+    project->addEntity(tr("Object"));
+    closeProject();
+    makeCurrent(std::move(project), false);
+    return m_project.get();
+}
+
+namespace {
+
+std::unique_ptr<OssProject> readProject(const QString &path, OssResult *result)
+{
+    const OssUndoManager::Pause pause;
+    return OssProjectFile::read(path, result);
+}
+
+} // namespace
+
+OssResult OssProjectManager::openProject(const QString &path)
+{
+    OssResult result;
+    std::unique_ptr<OssProject> project = readProject(path, &result);
+    if (!project)
+        return result;
+    closeProject();
+    makeCurrent(std::move(project), true);
+    return {};
+}
+
+OssResult OssProjectManager::restoreProject(const QString &copy, const QString &path, bool readOnly)
+{
+    OssResult result;
+    std::unique_ptr<OssProject> project = readProject(copy, &result);
+    if (!project)
+        return result;
+    project->setPath(path);
+    project->setReadOnly(readOnly);
+    closeProject();
+    makeCurrent(std::move(project), true);
+    OssUndoManager::instance()->resetClean();
+    return {};
+}
+
+void OssProjectManager::makeCurrent(std::unique_ptr<OssProject> project, bool fromDisk)
+{
+    OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
+    m_project = std::move(project);
+    OssImageManager::instance()->setHolder(m_project.get());
+    OssPixelStore::setProjectFolder(m_project->path());
+    OssShaderNetwork *first = nullptr;
+    {
+        const OssUndoManager::Pause pause;
+        const QList<OssShadingGroup *> groups = m_project->shadingGroups();
+        for (OssShadingGroup *group : groups) {
+            networks->addShaderNetwork(group->network());
+            group->network()->finishLoading();
+            if (!first)
+                first = group->network();
+        }
+        if (first && !fromDisk)
+            first->moveCurrentViewerNodeToNetwork();
+    }
+    Q_EMIT onMakeProjectCurrent(m_project.get());
+    networks->setCurrentShaderNetwork(first);
+    networks->setCurrentViewNetwork(first);
+    networks->setCurrentViewerNode(first ? first->viewerNode() : nullptr);
+    OssUndoManager::instance()->clear();
+    Q_EMIT projectOpenCompleted(m_project.get(), fromDisk);
+    Q_EMIT modifiedChanged(false);
+}
+
+void OssProjectManager::closeProject()
+{
+    if (!m_project)
+        return;
+    OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
+    // Steps hold nodes, and those items of scenes that are about to go.
+    OssUndoManager::instance()->clear();
+    setCurrentChannel(nullptr);
+    Q_EMIT projectClosing();
+    networks->setCurrentViewerNode(nullptr);
+    networks->setCurrentShaderNetwork(nullptr);
+    networks->setCurrentViewNetwork(nullptr);
+    {
+        const OssUndoManager::Pause pause;
+        OssImageManager::instance()->setHolder(nullptr);
+        OssPixelStore::setProjectFolder({});
+        m_project.reset();
+    }
+    Q_EMIT projectClosed();
+    Q_EMIT modifiedChanged(false);
+}
+
+OssResult OssProjectManager::saveProject()
+{
+    if (!m_project)
+        return OssResult::failure(tr("There is no project to save"));
+    if (m_project->path().isEmpty())
+        return OssResult::failure(tr("The project has no place yet: save it under a name"));
+    return saveProjectAs(m_project->path());
+}
+
+OssResult OssProjectManager::saveProjectAs(const QString &path)
+{
+    if (!m_project)
+        return OssResult::failure(tr("There is no project to save"));
+    if (path.isEmpty())
+        return OssResult::failure(tr("A project is saved under a name"));
+    const QString folder = QDir::cleanPath(OssProjectFile::folderOf(path));
+    if (m_project->isReadOnly() && folder == m_project->path())
+        return OssResult::failure(
+            tr("\"%1\" was written by a newer version and is open for looking only: save it under "
+               "another name")
+                .arg(folder));
+    const OssResult baked = OssCanvasManager::instance()->bakePaint();
+    if (!baked)
+        return baked;
+    const QString oldName = m_project->name();
+    const bool rename = folder != m_project->path();
+    if (rename)
+        m_project->setName(QFileInfo(folder).completeBaseName());
+    const OssResult written = OssProjectFile::write(m_project.get(), folder);
+    if (!written) {
+        m_project->setName(oldName);
+        return written;
+    }
+    m_project->setPath(folder);
+    m_project->setReadOnly(false);
+    OssPixelStore::setProjectFolder(folder);
+    OssUndoManager::instance()->setClean();
+    Q_EMIT projectSaved(folder);
+    Q_EMIT modifiedChanged(false);
+    return {};
+}

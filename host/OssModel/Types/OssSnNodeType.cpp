@@ -1,0 +1,355 @@
+#include "OssModel/Types/OssSnNodeType.h"
+
+#include "OssCore/OssColor.h"
+#include "OssCore/OssUserEnum.h"
+#include "OssCore/OssValueText.h"
+
+#include <QCoreApplication>
+#include <QCryptographicHash>
+#include <QPointF>
+#include <QXmlStreamReader>
+#include <QXmlStreamWriter>
+
+namespace {
+
+constexpr int IdLength = 12;
+
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("OssSnNodeType", text);
+}
+
+/// Reads one description; the first fault is kept and ends the reading.
+class Reader
+{
+public:
+    explicit Reader(const QByteArray &xml)
+        : m_xml(xml)
+    {
+    }
+
+    bool read(OssSnNodeType *type);
+    QString fault() const;
+
+    qint64 line() const { return m_xml.lineNumber(); }
+
+private:
+    void fail(const QString &reason)
+    {
+        if (m_fault.isEmpty())
+            m_fault = reason;
+    }
+
+    bool next() { return m_fault.isEmpty() && m_xml.readNextStartElement(); }
+
+    QString text(const char *attribute, const QString &fallback = {}) const
+    {
+        const QXmlStreamAttributes attributes = m_xml.attributes();
+        const QLatin1String name(attribute);
+        return attributes.hasAttribute(name) ? attributes.value(name).toString() : fallback;
+    }
+
+    bool flag(const char *attribute, bool fallback);
+    OssSnDataKind kind();
+    void readPorts(const QString &element, QVector<OssSnNodeType::Port> *ports);
+    void readAttributes(OssSnNodeType *type, const QString &group);
+    void readAttribute(OssSnNodeType *type, const QString &group);
+    QVariant readDefault(const QString &typeName, const QString &name);
+    void readContexts(OssSnNodeType *type, const QString &documentElement);
+
+    QXmlStreamReader m_xml;
+    QString m_fault;
+};
+
+bool Reader::flag(const char *attribute, bool fallback)
+{
+    const QString value = text(attribute,
+                               fallback ? QStringLiteral("true") : QStringLiteral("false"));
+    const QVariant read = OssValueText::fromText(value, QMetaType::Bool);
+    if (!read.isValid())
+        fail(tr("%1 is \"%2\", which is neither true nor false")
+                 .arg(QLatin1String(attribute), value));
+    return read.toBool();
+}
+
+OssSnDataKind Reader::kind()
+{
+    static const char *const names[] = {"Color", "Scalar", "Vector", "Material", "Data"};
+    const QString value = text("Kind", QStringLiteral("Color"));
+    for (int i = 0; i < 5; ++i) {
+        if (value == QLatin1String(names[i]))
+            return OssSnDataKind(i);
+    }
+    fail(tr("there is no port kind \"%1\"").arg(value));
+    return OssSnDataKind::Color;
+}
+
+void Reader::readPorts(const QString &element, QVector<OssSnNodeType::Port> *ports)
+{
+    while (next()) {
+        if (m_xml.name() != element) {
+            fail(tr("\"%1\" stands where only \"%2\" may").arg(m_xml.name().toString(), element));
+            return;
+        }
+        OssSnNodeType::Port port;
+        port.name = text("Name");
+        port.label = text("Label");
+        port.kind = kind();
+        port.preferred = flag("Preferred", false);
+        port.setAtLoad = flag("SetAtLoad", false);
+        if (!text("Tags").isEmpty())
+            port.tags = text("Tags").split(QLatin1Char(','));
+        if (port.name.isEmpty())
+            fail(tr("a port has no name"));
+        for (const OssSnNodeType::Port &other : qAsConst(*ports)) {
+            if (other.name == port.name)
+                fail(tr("the port \"%1\" stands there twice").arg(port.name));
+        }
+        ports->append(port);
+        m_xml.skipCurrentElement();
+    }
+}
+
+QVariant Reader::readDefault(const QString &typeName, const QString &name)
+{
+    struct Known
+    {
+        const char *name;
+        int type;
+        const char *fallback;
+    };
+
+    static const Known known[] = {{"real", QMetaType::Double, "0"},
+                                  {"integer", QMetaType::Int, "0"},
+                                  {"boolean", QMetaType::Bool, "false"},
+                                  {"text", QMetaType::QString, ""},
+                                  {"paragraph", QMetaType::QString, ""},
+                                  {"curve", QMetaType::QString, "0,0 1,1"},
+                                  {"ramp", QMetaType::QString, "0,0,0,0,1 1,1,1,1,1"},
+                                  {"file", QMetaType::QString, ""},
+                                  {"vector2", QMetaType::QPointF, "0,0"},
+                                  {"images", QMetaType::QStringList, ""}};
+    for (const Known &entry : known) {
+        if (typeName != QLatin1String(entry.name))
+            continue;
+        const QString value = text("Default", QLatin1String(entry.fallback));
+        const QVariant read = OssValueText::fromText(value, entry.type);
+        if (!read.isValid())
+            fail(tr("the default \"%1\" of \"%2\" is no %3").arg(value, name, typeName));
+        return read;
+    }
+    if (typeName == QLatin1String("color") || typeName == QLatin1String("displaycolor")) {
+        bool ok = false;
+        const OssColor color = OssColor::fromString(text("Default", QStringLiteral("0,0,0,1")),
+                                                    &ok);
+        if (!ok)
+            fail(tr("the default \"%1\" of \"%2\" is no color").arg(text("Default"), name));
+        return QVariant::fromValue(color);
+    }
+    if (typeName == QLatin1String("choice")) {
+        const QStringList names = text("Choices").split(QLatin1Char(','), Qt::SkipEmptyParts);
+        const int index = names.indexOf(text("Default", names.value(0)));
+        if (index < 0)
+            fail(tr("the default \"%1\" of \"%2\" is none of its choices")
+                     .arg(text("Default"), name));
+        return QVariant::fromValue(OssUserEnum(names, index));
+    }
+    fail(tr("\"%1\" has the unknown type \"%2\"").arg(name, typeName));
+    return {};
+}
+
+void Reader::readAttribute(OssSnNodeType *type, const QString &group)
+{
+    QSharedDataPointer<OssCustomAttribute::Definition> definition(
+        new OssCustomAttribute::Definition);
+    definition->name = text("Name");
+    definition->prettyName = text("Label");
+    definition->group = group;
+    definition->toolTip = text("ToolTip");
+    definition->visible = flag("Visible", true);
+    const QString typeName = text("Type");
+    static const QStringList editors{QStringLiteral("file"), QStringLiteral("curve"),
+                                     QStringLiteral("ramp"), QStringLiteral("paragraph"),
+                                     QStringLiteral("displaycolor")};
+    if (editors.contains(typeName))
+        definition->editor = typeName;
+    definition->defaultValue = readDefault(text("Type"), definition->name);
+    if (definition->name.isEmpty() || definition->name.contains(QLatin1Char('/')))
+        fail(tr("\"%1\" is no attribute name").arg(definition->name));
+    for (const OssCustomAttribute &other : qAsConst(type->attributes)) {
+        if (other.name() == definition->name)
+            fail(tr("the attribute \"%1\" stands there twice").arg(definition->name));
+    }
+    const auto bound = [&](const char *which) -> QVariant {
+        if (text(which).isEmpty())
+            return {};
+        const QVariant value = OssValueText::fromText(text(which), QMetaType::Double);
+        if (!value.isValid())
+            fail(tr("%1 of \"%2\" is no number").arg(QLatin1String(which), definition->name));
+        return value;
+    };
+    definition->minimum = bound("Minimum");
+    definition->maximum = bound("Maximum");
+    definition->softMinimum = bound("SoftMinimum");
+    definition->softMaximum = bound("SoftMaximum");
+    const QVariant value = definition->defaultValue;
+    type->attributes.append(OssCustomAttribute(definition, value));
+    m_xml.skipCurrentElement();
+}
+
+void Reader::readAttributes(OssSnNodeType *type, const QString &group)
+{
+    while (next()) {
+        if (m_xml.name() == QLatin1String("Attribute"))
+            readAttribute(type, group);
+        else if (m_xml.name() == QLatin1String("Group") && group.isEmpty())
+            readAttributes(type, text("Name"));
+        else
+            fail(tr("\"%1\" stands where only attributes may").arg(m_xml.name().toString()));
+    }
+}
+
+void Reader::readContexts(OssSnNodeType *type, const QString &documentElement)
+{
+    QXmlStreamWriter writer(&type->contextsDescription);
+    writer.writeStartElement(documentElement);
+    int depth = 0;
+    do {
+        if (m_xml.isStartElement())
+            ++depth;
+        else if (m_xml.isEndElement())
+            --depth;
+        if (m_xml.isStartElement() || m_xml.isEndElement()
+            || (m_xml.isCharacters() && !m_xml.isWhitespace()))
+            writer.writeCurrentToken(m_xml);
+        if (depth > 0)
+            m_xml.readNext();
+    } while (depth > 0 && !m_xml.atEnd());
+    writer.writeEndElement();
+}
+
+bool Reader::read(OssSnNodeType *type)
+{
+    if (!next())
+        return false;
+    const QString documentElement = m_xml.name().toString();
+    if (documentElement != QLatin1String("NodeType"))
+        fail(tr("it is not a NodeType document"));
+    type->pathKey = text("PathKey");
+    type->menuPath = text("MenuPath", type->pathKey);
+    type->className = text("Class", QStringLiteral("OssSnBaseNode"));
+    type->kernel = text("Kernel");
+    type->versionUUID = text("VersionUUID");
+    type->date = text("Date");
+    type->aliases = text("Aliases").split(QLatin1Char(','), Qt::SkipEmptyParts);
+    if (type->pathKey.isEmpty())
+        fail(tr("it has no PathKey"));
+    while (next()) {
+        if (m_xml.name() == QLatin1String("Description"))
+            type->description = m_xml.readElementText().simplified();
+        else if (m_xml.name() == QLatin1String("Inputs"))
+            readPorts(QStringLiteral("Input"), &type->inputs);
+        else if (m_xml.name() == QLatin1String("Outputs"))
+            readPorts(QStringLiteral("Output"), &type->outputs);
+        else if (m_xml.name() == QLatin1String("Attributes"))
+            readAttributes(type, {});
+        else if (m_xml.name() == QLatin1String("Contexts"))
+            readContexts(type, documentElement);
+        else if (m_xml.name() == QLatin1String("Tags")) {
+            while (next())
+                type->tags.insert(m_xml.readElementText());
+        } else
+            m_xml.skipCurrentElement();
+    }
+    return fault().isEmpty();
+}
+
+QString Reader::fault() const
+{
+    return m_fault.isEmpty() && m_xml.hasError() ? m_xml.errorString() : m_fault;
+}
+
+QByteArray definitionOf(const OssSnNodeType &type)
+{
+    QByteArray text;
+    const auto line = [&text](const QString &part) {
+        text += part.toUtf8() + '\n';
+    };
+    line(type.pathKey);
+    line(type.className);
+    line(type.kernel);
+    QStringList tags = type.tags.values();
+    tags.sort();
+    line(tags.join(QLatin1Char(' ')));
+    for (const auto *ports : {&type.inputs, &type.outputs}) {
+        for (const OssSnNodeType::Port &port : *ports)
+            line(QStringLiteral("port %1 %2 %3")
+                     .arg(port.name, QString::number(int(port.kind)),
+                          port.tags.join(QLatin1Char(','))));
+    }
+    for (const OssCustomAttribute &attribute : type.attributes)
+        line(QStringLiteral("attribute %1 %2 %3 %4")
+                 .arg(attribute.name(), QLatin1String(attribute.value().typeName()),
+                      OssValueText::toText(attribute.value()),
+                      attribute.value().value<OssUserEnum>().names().join(QLatin1Char(','))));
+    return text;
+}
+
+QString sourceOf(const QByteArray &xml)
+{
+    QString text;
+    QXmlStreamReader reader(xml);
+    QXmlStreamWriter writer(&text);
+    while (!reader.atEnd()) {
+        reader.readNext();
+        if (reader.isStartElement() || reader.isEndElement()
+            || (reader.isCharacters() && !reader.isWhitespace()))
+            writer.writeCurrentToken(reader);
+    }
+    return text;
+}
+
+} // namespace
+
+std::shared_ptr<const OssSnNodeType> OssSnNodeType::read(const QByteArray &xml,
+                                                         const QString &fileName, OssResult *result)
+{
+    OssColor::registerMetaType();
+    OssUserEnum::registerMetaType();
+    auto type = std::make_shared<OssSnNodeType>();
+    Reader reader(xml);
+    if (!reader.read(type.get())) {
+        const QString reason = reader.fault().isEmpty() ? tr("it is empty") : reader.fault();
+        *result = OssResult::failure(tr("Cannot read the node type \"%1\", line %2: %3")
+                                         .arg(fileName)
+                                         .arg(reader.line())
+                                         .arg(reason));
+        return nullptr;
+    }
+    if (type->contextsDescription.isEmpty())
+        type->contextsDescription = QStringLiteral("<NodeType/>");
+    if (type->versionUUID.isEmpty()) {
+        type->versionUUID = QStringLiteral("OSS_") + type->pathKey;
+        type->versionUUID.replace(QLatin1Char('/'), QLatin1Char('_'));
+        type->versionUUID.replace(QLatin1Char(' '), QLatin1Char('_'));
+    }
+    type->definition = definitionOf(*type);
+    type->source = sourceOf(xml);
+    type->id = QString::fromLatin1(
+        QCryptographicHash::hash(type->source.toUtf8(), QCryptographicHash::Sha1)
+            .toHex()
+            .left(IdLength));
+    *result = {};
+    return type;
+}
+
+bool OssSnNodeType::isSameAs(const OssSnNodeType &other) const
+{
+    return pathKey == other.pathKey && versionUUID == other.versionUUID
+           && definition == other.definition && contextsDescription == other.contextsDescription;
+}
+
+QString OssSnNodeType::baseName() const
+{
+    return pathKey.mid(pathKey.lastIndexOf(QLatin1Char('/')) + 1);
+}

@@ -1,0 +1,78 @@
+#include "OssNodeGraph/Gestures/OssNgBackdropResizeGesture.h"
+
+#include "OssCore/OssUndoManager.h"
+#include "OssNodeGraph/Drawing/OssNgStyle.h"
+#include "OssNodeGraph/Items/OssNgBackdropNode.h"
+#include "OssNodeGraph/Undo/OssNgBackdropNodeRectChangeUndo.h"
+#include "OssNodeGraph/Undo/OssNgNodePositionChangeUndo.h"
+#include "OssNodeGraph/View/OssNgView.h"
+
+#include <QMouseEvent>
+
+#include <algorithm>
+#include <cmath>
+
+OssNgBackdropResizeGesture::OssNgBackdropResizeGesture(OssNgView *view, Qt::MouseButton button,
+                                                       const QPointF &start,
+                                                       OssNgBackdropNode *backdrop, Qt::Edges edges)
+    : OssNgGesture(view, button)
+    , m_backdrop(backdrop)
+    , m_edges(edges)
+    , m_startScene(view->toScene(start))
+    , m_startArea(backdrop->rect().translated(backdrop->pos()))
+{
+}
+
+int OssNgBackdropResizeGesture::state() const
+{
+    return OssNgView::BackdropResize;
+}
+
+void OssNgBackdropResizeGesture::enter()
+{
+    m_backdrop->savePosition();
+    m_backdrop->saveBoundingRect();
+}
+
+void OssNgBackdropResizeGesture::move(QMouseEvent *event)
+{
+    if (!m_backdrop)
+        return;
+    QPointF way = view()->toScene(event->localPos()) - m_startScene;
+    if (view()->isSnapToGridOn())
+        way = {std::round(way.x() / OssNgStyle::GridStep) * OssNgStyle::GridStep,
+               std::round(way.y() / OssNgStyle::GridStep) * OssNgStyle::GridStep};
+    const QSizeF least = OssNgBackdropNode::minimumSize();
+    QRectF area = m_startArea;
+    if (m_edges & Qt::LeftEdge)
+        area.setLeft(std::min(area.left() + way.x(), area.right() - least.width()));
+    if (m_edges & Qt::RightEdge)
+        area.setRight(std::max(area.right() + way.x(), area.left() + least.width()));
+    if (m_edges & Qt::TopEdge)
+        area.setTop(std::min(area.top() + way.y(), area.bottom() - least.height()));
+    if (m_edges & Qt::BottomEdge)
+        area.setBottom(std::max(area.bottom() + way.y(), area.top() + least.height()));
+    m_backdrop->setPosition(area.topLeft());
+    m_backdrop->setRect({QPointF(), area.size()});
+}
+
+void OssNgBackdropResizeGesture::release(QMouseEvent *)
+{
+    if (!m_backdrop || m_backdrop->rect().translated(m_backdrop->pos()) == m_startArea)
+        return;
+    OssUndoManager::AutoMacro macro(QStringLiteral("Resize backdrop"));
+    macro.addUndo(new OssNgNodePositionChangeUndo(m_backdrop));
+    macro.addUndo(new OssNgBackdropNodeRectChangeUndo(m_backdrop));
+    m_backdrop->refreshChildrenList();
+    Q_EMIT m_backdrop->posChanged(m_backdrop->pos());
+    if (m_backdrop)
+        Q_EMIT m_backdrop->rectChanged(m_backdrop->rect());
+}
+
+void OssNgBackdropResizeGesture::cancel()
+{
+    if (!m_backdrop)
+        return;
+    m_backdrop->setPosition(m_startArea.topLeft());
+    m_backdrop->setRect({QPointF(), m_startArea.size()});
+}

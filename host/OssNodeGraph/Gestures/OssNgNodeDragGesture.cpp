@@ -1,0 +1,193 @@
+#include "OssNodeGraph/Gestures/OssNgNodeDragGesture.h"
+
+#include "OssNodeGraph/Drawing/OssNgStyle.h"
+#include "OssNodeGraph/Items/OssNgEdge.h"
+#include "OssNodeGraph/Items/OssNgMovedNodes.h"
+#include "OssNodeGraph/Items/OssNgNode.h"
+#include "OssNodeGraph/View/OssNgView.h"
+
+#include <QApplication>
+#include <QGraphicsScene>
+#include <QMouseEvent>
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr QPointF CounterOffset(18.0, -22.0); ///< of the shakes shown, from the pointer
+constexpr qreal CounterStep = 11.0;
+
+} // namespace
+
+OssNgNodeDragGesture::OssNgNodeDragGesture(OssNgView *view, Qt::MouseButton button,
+                                           const QPointF &start, OssNgNode *pressed,
+                                           bool wasSelected)
+    : OssNgGesture(view, button)
+    , m_startScene(view->toScene(start))
+    , m_pressed(pressed)
+    , m_deselectOthersOnClick(wasSelected)
+    , m_pointer(start)
+    , m_shakes(start)
+{
+}
+
+int OssNgNodeDragGesture::state() const
+{
+    return OssNgView::Idle;
+}
+
+void OssNgNodeDragGesture::enter()
+{
+    m_clock.start();
+    collect();
+}
+
+void OssNgNodeDragGesture::collect()
+{
+    const QVector<OssNgNode *> nodes = nodesMovedWithSelection(view()->scene());
+    for (OssNgNode *node : nodes)
+        m_moved.append({node, node->pos()});
+}
+
+QPointF OssNgNodeDragGesture::snapped(const QPointF &offset) const
+{
+    if (!view()->isSnapToGridOn() || !m_pressed)
+        return offset;
+    for (const Moved &moved : m_moved) {
+        if (moved.node != m_pressed)
+            continue;
+        const auto round = [](qreal value) {
+            return std::round(value / OssNgStyle::GridStep) * OssNgStyle::GridStep;
+        };
+        const QPointF wanted = moved.start + offset;
+        return QPointF(round(wanted.x()), round(wanted.y())) - moved.start;
+    }
+    return offset;
+}
+
+void OssNgNodeDragGesture::moveBy(const QPointF &offset)
+{
+    for (const Moved &moved : qAsConst(m_moved)) {
+        if (moved.node)
+            moved.node->setPosition(moved.start + offset);
+    }
+}
+
+void OssNgNodeDragGesture::move(QMouseEvent *event)
+{
+    const QPointF offset = view()->toScene(event->localPos()) - m_startScene;
+    if (!m_dragging) {
+        if ((offset * view()->zoom()).manhattanLength() < QApplication::startDragDistance())
+            return;
+        m_dragging = true;
+        if (view()->m_shakeToExtractEnabled
+            && view()->cursorTrackingMode() == OssNgView::NormalTracking)
+            view()->setCursorTrackingMode(OssNgView::ShakeTracking);
+    }
+    moveBy(snapped(offset));
+    previewInsertion();
+    watchShake(event->localPos());
+}
+
+void OssNgNodeDragGesture::previewInsertion()
+{
+    OssNgEdge *candidate = nullptr;
+    if (m_pressed && m_moved.size() == 1)
+        candidate = m_pressed->autoinsertCandidate();
+    OssNgEdge *shown = m_previewedDestination ? m_previewedDestination->input(m_previewedInput)
+                                              : nullptr;
+    if (shown == candidate)
+        return;
+    endPreview();
+    if (!candidate)
+        return;
+    candidate->setMark(OssNgEdge::Inviting, true);
+    m_previewedDestination = candidate->destination();
+    m_previewedInput = candidate->destinationInput();
+}
+
+void OssNgNodeDragGesture::endPreview()
+{
+    OssNgEdge *shown = m_previewedDestination ? m_previewedDestination->input(m_previewedInput)
+                                              : nullptr;
+    if (shown)
+        shown->setMark(OssNgEdge::Inviting, false);
+    m_previewedDestination = nullptr;
+}
+
+bool OssNgNodeDragGesture::isWatchingShakes() const
+{
+    return m_dragging && view()->m_shakeToExtractEnabled
+           && view()->cursorTrackingMode() == OssNgView::ShakeTracking;
+}
+
+QRectF OssNgNodeDragGesture::shakeCounterRect() const
+{
+    const QSizeF size(CounterStep * std::max(1, view()->m_shakeToExtractShakes), CounterStep);
+    return QRectF(m_pointer + CounterOffset, size).adjusted(-2.0, -2.0, 2.0, 2.0);
+}
+
+void OssNgNodeDragGesture::watchShake(const QPointF &position)
+{
+    const QRectF before = shakeCounterRect();
+    const int countBefore = m_shakes.count();
+    m_pointer = position;
+    if (!isWatchingShakes())
+        return;
+    const int count = m_shakes.move(position, m_clock.elapsed(), view()->m_shakeToExtractTime);
+    if (count > 0 || countBefore > 0)
+        view()->viewport()->update((before | shakeCounterRect()).toAlignedRect());
+    if (count < std::max(1, view()->m_shakeToExtractShakes))
+        return;
+    m_shakes.reset();
+    Q_EMIT view()->shakeToExtractTriggered();
+}
+
+void OssNgNodeDragGesture::paint(QPainter *painter) const
+{
+    if (!isWatchingShakes() || m_shakes.count() == 0)
+        return;
+    const QColor accent = OssNgStyle::instance()->color(OssNgStyle::Role::Accent);
+    const QRectF place = shakeCounterRect();
+    painter->setPen(QPen(accent, 1.2));
+    for (int i = 0; i < std::max(1, view()->m_shakeToExtractShakes); ++i) {
+        painter->setBrush(i < m_shakes.count() ? QBrush(accent) : QBrush(Qt::NoBrush));
+        const QPointF centre(place.left() + 2.0 + CounterStep * (i + 0.5), place.center().y());
+        painter->drawEllipse(centre, 3.5, 3.5);
+    }
+}
+
+void OssNgNodeDragGesture::endTracking()
+{
+    endPreview();
+    view()->viewport()->update(shakeCounterRect().toAlignedRect());
+    if (view()->cursorTrackingMode() == OssNgView::ShakeTracking)
+        view()->setCursorTrackingMode(OssNgView::NormalTracking);
+}
+
+void OssNgNodeDragGesture::release(QMouseEvent *event)
+{
+    endTracking();
+    if (!m_dragging) {
+        // A click on one of several selected nodes means that one.
+        const bool plain = !(event->modifiers() & (Qt::ShiftModifier | Qt::ControlModifier));
+        if (plain && m_deselectOthersOnClick && m_pressed
+            && view()->scene()->selectedItems().size() > 1) {
+            view()->scene()->clearSelection();
+            m_pressed->setSelected(true);
+        }
+        return;
+    }
+    for (const Moved &moved : qAsConst(m_moved)) {
+        if (moved.node && moved.node->pos() != moved.start)
+            Q_EMIT moved.node->posChanged(moved.node->pos());
+    }
+}
+
+void OssNgNodeDragGesture::cancel()
+{
+    endTracking();
+    moveBy({});
+}

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "OssNodeGraph/Gestures/OssNgGesture.h"
+#include "OssNodeGraph/Gestures/OssNgShakeDetector.h"
+
+#include <QElapsedTimer>
+#include <QPointer>
+#include <QVector>
+
+class OssNgEdge;
+class OssNgNode;
+
+/// Moves the selected nodes, and what lies in selected backdrops, with the pointer. Shows the wire
+/// into which the node would be spliced, and watches for shaking and
+/// shows what it counted. The subclass of the view records
+/// the undo; positions are announced at the end.
+class OssNgNodeDragGesture final : public OssNgGesture
+{
+public:
+    /// `pressed` is the node under the pointer; it keeps to the grid when snapping is on.
+    /// `wasSelected` tells whether it was selected before the press.
+    OssNgNodeDragGesture(OssNgView *view, Qt::MouseButton button, const QPointF &start,
+                         OssNgNode *pressed, bool wasSelected);
+
+    int state() const override;
+    void enter() override;
+    void move(QMouseEvent *event) override;
+    void release(QMouseEvent *event) override;
+    void cancel() override;
+    void paint(QPainter *painter) const override;
+
+    bool pansAtBorders() const override { return true; }
+
+private:
+    struct Moved
+    {
+        QPointer<OssNgNode> node;
+        QPointF start;
+    };
+
+    void collect();
+    void moveBy(const QPointF &offset);
+    QPointF snapped(const QPointF &offset) const;
+    void previewInsertion();
+    void endPreview();
+    void endTracking();
+    bool isWatchingShakes() const;
+    void watchShake(const QPointF &position);
+    QRectF shakeCounterRect() const;
+
+    QPointF m_startScene;
+    QPointer<OssNgNode> m_pressed;
+    QVector<Moved> m_moved;
+    bool m_dragging = false;
+    bool m_deselectOthersOnClick;
+    QPointer<OssNgNode> m_previewedDestination;
+    QString m_previewedInput;
+
+    QElapsedTimer m_clock;
+    QPointF m_pointer; ///< viewport pixels
+    OssNgShakeDetector m_shakes;
+};

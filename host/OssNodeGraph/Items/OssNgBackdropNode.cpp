@@ -1,0 +1,249 @@
+#include "OssNodeGraph/Items/OssNgBackdropNode.h"
+
+#include "OssNodeGraph/Drawing/OssNgStyle.h"
+#include "OssNodeGraph/Drawing/OssNgText.h"
+#include "OssNodeGraph/Index/OssNgSceneIndex.h"
+
+#include <QGraphicsScene>
+#include <QPainter>
+#include <QPainterPath>
+
+#include <algorithm>
+
+namespace {
+
+const QColor TitleColor(0xe9, 0xf3, 0xf3);
+constexpr qreal BackdropLevel = -1000.0; ///< below everything else
+constexpr qreal Corner = 10.0;
+constexpr qreal GripWidth = 6.0;
+constexpr qreal Padding = 14.0;
+constexpr int MostLines = 40;
+
+} // namespace
+
+OssNgBackdropNode::OssNgBackdropNode()
+    : m_rectSize(320.0, 220.0)
+{
+    // The view paints it below the wires; see isBackground().
+    setFlag(ItemHasNoContents);
+    setZValue(BackdropLevel);
+    refresh();
+}
+
+QSizeF OssNgBackdropNode::layoutBody()
+{
+    // The area is what others mean by its size: the ring is painted inside of it.
+    return {m_rectSize.width() - 2 * OssNgStyle::Margin,
+            m_rectSize.height() - 2 * OssNgStyle::Margin};
+}
+
+void OssNgBackdropNode::setRect(const QRectF &rect)
+{
+    const QSizeF size = rect.size().expandedTo(minimumSize());
+    if (!rect.topLeft().isNull())
+        setPosition(pos() + rect.topLeft());
+    if (size == m_rectSize)
+        return;
+    m_rectSize = size;
+    refresh();
+}
+
+qreal OssNgBackdropNode::titleBarHeight() const
+{
+    return OssNgStyle::BackdropTitleHeight;
+}
+
+QList<OssNgNode *> OssNgBackdropNode::nodesInside() const
+{
+    QList<OssNgNode *> inside;
+    const QRectF area = sceneBoundingRect();
+    const auto consider = [&](OssNgNode *node) {
+        if (node != this && area.contains(node->sceneBoundingRect()))
+            inside.append(node);
+    };
+    if (!sceneIndex())
+        return inside;
+    const QVector<OssNgNode *> nodes = sceneIndex()->nodesIn(area);
+    for (OssNgNode *node : nodes)
+        consider(node);
+    return inside;
+}
+
+void OssNgBackdropNode::refreshChildrenList()
+{
+    m_children.clear();
+    const QList<OssNgNode *> inside = nodesInside();
+    for (OssNgNode *node : inside)
+        m_children.append(node);
+}
+
+void OssNgBackdropNode::setZOrder(int order)
+{
+    if (m_zOrder == order)
+        return;
+    m_zOrder = order;
+    setZValue(BackdropLevel + std::clamp(order, -900, 900));
+    appearanceChanged();
+}
+
+void OssNgBackdropNode::changeZOrder(int order)
+{
+    if (m_zOrder == order)
+        return;
+    setZOrder(order);
+    Q_EMIT zOrderChanged(order);
+}
+
+void OssNgBackdropNode::wrapAroundSelection(const QRectF &sceneBounds)
+{
+    if (sceneBounds.isEmpty())
+        return;
+    const qreal margin = titleBarHeight();
+    const QRectF area = sceneBounds.adjusted(-margin, -2 * margin, margin, margin);
+    setPosition(area.topLeft());
+    setRect({QPointF(), area.size()});
+}
+
+void OssNgBackdropNode::setTitleText(const QString &title)
+{
+    if (m_title == title)
+        return;
+    m_title = title;
+    appearanceChanged();
+}
+
+void OssNgBackdropNode::setLabel(const QString &label)
+{
+    if (m_label == label)
+        return;
+    m_label = label;
+    appearanceChanged();
+}
+
+void OssNgBackdropNode::setNodeBackgroundColour(const QColor &color)
+{
+    m_background = color;
+    setNodeColor(color, color);
+}
+
+QColor OssNgBackdropNode::backgroundColor() const
+{
+    return m_background.isValid() ? m_background : QColor(0x4f, 0x8a, 0x8b);
+}
+
+Qt::Edges OssNgBackdropNode::resizeEdgesAt(const QPointF &local) const
+{
+    const QRectF area = rect();
+    Qt::Edges edges;
+    if (!area.contains(local))
+        return edges;
+    if (local.x() < GripWidth)
+        edges |= Qt::LeftEdge;
+    if (local.x() > area.right() - GripWidth)
+        edges |= Qt::RightEdge;
+    if (local.y() < GripWidth)
+        edges |= Qt::TopEdge;
+    if (local.y() > area.bottom() - GripWidth)
+        edges |= Qt::BottomEdge;
+    return edges;
+}
+
+QPainterPath OssNgBackdropNode::shape() const
+{
+    const QRectF area = rect();
+    QPainterPath path;
+    path.setFillRule(Qt::OddEvenFill);
+    path.addRect(area);
+    path.addRect(area.adjusted(GripWidth, titleBarHeight(), -GripWidth, -GripWidth));
+    return path;
+}
+
+bool OssNgBackdropNode::contains(const QPointF &point) const
+{
+    return hitTest(point);
+}
+
+bool OssNgBackdropNode::hitTest(const QPointF &local) const
+{
+    const QRectF area = rect();
+    return area.contains(local)
+           && !area.adjusted(GripWidth, titleBarHeight(), -GripWidth, -GripWidth).contains(local);
+}
+
+void OssNgBackdropNode::paintDetailed(QPainter *painter) const
+{
+    const OssNgStyle *style = OssNgStyle::instance();
+    const QRectF area = rect();
+    const QRectF body = area.adjusted(1.0, 1.0, -1.0, -1.0);
+    QColor fill = backgroundColor();
+    const qreal strength = fill.alphaF();
+    QColor outline = fill;
+    fill.setAlphaF(0.13 * strength);
+    outline.setAlphaF((hovered() ? 0.7 : 0.25) * strength);
+    painter->setPen(Qt::NoPen);
+    painter->setBrush(fill);
+    painter->drawRoundedRect(body, Corner, Corner);
+    QColor bar = backgroundColor();
+    bar.setAlphaF(0.35 * strength);
+    painter->setBrush(bar);
+    QPainterPath top;
+    top.addRoundedRect(body, Corner, Corner);
+    QPainterPath strip;
+    strip.addRect(QRectF(body.left(), body.top(), body.width(), titleBarHeight()));
+    painter->drawPath(top.intersected(strip));
+    painter->setBrush(Qt::NoBrush);
+    painter->setPen(isSelected() ? QPen(style->color(OssNgStyle::Role::Accent), 2.0)
+                                 : QPen(outline, 1.0));
+    painter->drawRoundedRect(body, Corner, Corner);
+    painter->setPen(TitleColor);
+    OssNgText::draw(painter, OssNgText::Role::Backdrop,
+                    {area.left() + Padding, area.top() + titleBarHeight() / 2.0},
+                    OssNgText::elided(OssNgText::Role::Backdrop,
+                                      m_title.isEmpty() ? text() : m_title,
+                                      area.width() - 2 * Padding));
+    if (m_label.isEmpty())
+        return;
+    painter->setPen(style->color(OssNgStyle::Role::Label));
+    qreal y = area.top() + titleBarHeight() + 16.0;
+    const int room = std::max(0, int((area.bottom() - y) / 16.0));
+    const QStringList lines = OssNgText::wrapped(
+        OssNgText::Role::Label, m_label, area.width() - 2 * Padding, std::min(MostLines, room));
+    for (const QString &line : lines) {
+        OssNgText::draw(painter, OssNgText::Role::Label, {area.left() + Padding, y}, line);
+        y += 16.0;
+    }
+}
+
+void OssNgBackdropNode::paintSimple(QPainter *painter) const
+{
+    const QRectF area = rect();
+    QColor fill = backgroundColor();
+    const qreal strength = fill.alphaF();
+    fill.setAlphaF(0.16 * strength);
+    painter->fillRect(area, fill);
+    fill.setAlphaF(0.35 * strength);
+    const QRectF bar(area.topLeft(), QSizeF(area.width(), titleBarHeight()));
+    painter->fillRect(bar, fill);
+    painter->setPen(TitleColor);
+    OssNgText::drawSmall(painter, OssNgText::Role::Backdrop, bar,
+                         m_title.isEmpty() ? text() : m_title);
+    if (!isSelected())
+        return;
+    QPen pen(OssNgStyle::instance()->color(OssNgStyle::Role::Accent), 2.0);
+    pen.setCosmetic(true);
+    painter->setPen(pen);
+    painter->setBrush(Qt::NoBrush);
+    painter->drawRect(area);
+}
+
+void OssNgBackdropNode::copyStateFrom(const OssNgNode *other)
+{
+    if (const auto *backdrop = qobject_cast<const OssNgBackdropNode *>(other)) {
+        m_title = backdrop->m_title;
+        m_label = backdrop->m_label;
+        m_background = backdrop->m_background;
+        m_rectSize = backdrop->m_rectSize;
+        setZOrder(backdrop->m_zOrder);
+    }
+    OssNgNode::copyStateFrom(other);
+}

@@ -1,0 +1,29 @@
+#include "OssNodeGraph/Undo/OssNgBackdropNodeRectChangeUndo.h"
+
+#include "OssNodeGraph/Items/OssNgBackdropNode.h"
+
+OssNgBackdropNodeRectChangeUndo::OssNgBackdropNodeRectChangeUndo(OssNgBackdropNode *node)
+    : OssUndoStep(QStringLiteral("Resize backdrop"))
+    , m_node(node)
+    , m_oldRect(node ? node->savedBoundingRect() : QRectF())
+    , m_newRect(node ? node->rect() : QRectF())
+{
+}
+
+void OssNgBackdropNodeRectChangeUndo::undo()
+{
+    apply(m_oldRect);
+}
+
+void OssNgBackdropNodeRectChangeUndo::redo()
+{
+    apply(m_newRect);
+}
+
+void OssNgBackdropNodeRectChangeUndo::apply(const QRectF &rect)
+{
+    if (!m_node)
+        return;
+    m_node->setRect(rect);
+    Q_EMIT m_node->rectChanged(rect);
+}

@@ -1,0 +1,172 @@
+#include "OssNodeGraph/View/OssNgView.h"
+
+#include "OssNodeGraph/Gestures/OssNgGesture.h"
+
+#include <QMouseEvent>
+
+#include <algorithm>
+
+// The gesture in hand, and moving the view under it.
+
+namespace {
+
+constexpr qreal BorderZone = 20.0;      ///< pixels inside the viewport
+constexpr qreal BorderFullSpeed = 80.0; ///< pixels from the zone's inner side
+constexpr qreal BorderStep = 26.0;      ///< pixels per step at full speed
+
+/// -1 to 1: how fast the view follows a pointer beyond the inner side of the border zone.
+qreal borderSpeed(qreal position, qreal size)
+{
+    if (position < BorderZone)
+        return -std::min(1.0, (BorderZone - position) / BorderFullSpeed);
+    if (position > size - BorderZone)
+        return std::min(1.0, (position - size + BorderZone) / BorderFullSpeed);
+    return 0.0;
+}
+
+} // namespace
+
+void OssNgView::startGesture(std::unique_ptr<OssNgGesture> gesture)
+{
+    m_glideTimer.stop();
+    m_borderPanArmed = false;
+    m_gesture = std::move(gesture);
+    m_interactionState = m_gesture->state();
+    m_gesture->enter();
+}
+
+void OssNgView::endGesture()
+{
+    m_borderPanTimer.stop();
+    m_navigation.reset();
+    m_interactionState = Idle;
+    m_gesture.reset();
+    viewport()->setCursor(m_cursorTrackingMode == SeverTracking ? Qt::CrossCursor
+                                                                : Qt::ArrowCursor);
+}
+
+void OssNgView::dropDeadGesture()
+{
+    if (m_gesture && !m_gesture->isAlive())
+        endGesture();
+}
+
+bool OssNgView::cancelGesture()
+{
+    if (!m_gesture)
+        return false;
+    if (m_gesture->isAlive())
+        m_gesture->cancel();
+    endGesture();
+    return true;
+}
+
+void OssNgView::mousePressEvent(QMouseEvent *event)
+{
+    event->accept();
+    if (!scene())
+        return;
+    m_fitted.reset();
+    dropDeadGesture();
+    m_pointer = event->localPos();
+    if (m_gesture) {
+        // Another button does not end the gesture; with that of navigation the view moves under it.
+        const bool busy = m_navigation || m_interactionState == Panning
+                          || m_interactionState == Zooming;
+        if (!busy && (m_navigation = navigationFor(event)))
+            m_navigation->enter();
+        return;
+    }
+    if (auto gesture = gestureFor(event))
+        startGesture(std::move(gesture));
+    else if (event->button() == Qt::RightButton)
+        event->ignore();
+}
+
+void OssNgView::mouseMoveEvent(QMouseEvent *event)
+{
+    event->accept();
+    if (!scene())
+        return;
+    dropDeadGesture();
+    if (!m_gesture) {
+        updateHover(event->localPos());
+        return;
+    }
+    m_pointer = event->localPos();
+    m_pointerButtons = event->buttons();
+    m_pointerModifiers = event->modifiers();
+    if (m_navigation)
+        m_navigation->move(event);
+    else
+        updateBorderPan();
+    m_gesture->move(event);
+}
+
+void OssNgView::mouseReleaseEvent(QMouseEvent *event)
+{
+    event->accept();
+    if (!scene())
+        return;
+    if (!m_gesture) {
+        // After a double-click an item may hold the mouse in Qt's own way.
+        QGraphicsView::mouseReleaseEvent(event);
+        return;
+    }
+    if (m_navigation && event->button() == m_navigation->button()) {
+        m_navigation->release(event);
+        m_navigation.reset();
+        return;
+    }
+    if (event->button() != m_gesture->button())
+        return;
+    // Listeners of what the release announces may reach this view: the gesture is no longer its.
+    const std::unique_ptr<OssNgGesture> gesture = std::move(m_gesture);
+    const bool alive = gesture->isAlive();
+    if (alive)
+        gesture->release(event);
+    endGesture();
+    updateHover(event->localPos());
+}
+
+void OssNgView::replayMove()
+{
+    dropDeadGesture();
+    if (!m_gesture)
+        return;
+    QMouseEvent event(QEvent::MouseMove, m_pointer, Qt::NoButton, m_pointerButtons,
+                      m_pointerModifiers);
+    m_gesture->move(&event);
+}
+
+// --- going on at the border
+
+void OssNgView::updateBorderPan()
+{
+    const QSizeF size = viewport()->size();
+    const bool inside = borderSpeed(m_pointer.x(), size.width()) == 0.0
+                        && borderSpeed(m_pointer.y(), size.height()) == 0.0;
+    if (inside || !m_gesture->pansAtBorders()) {
+        m_borderPanTimer.stop();
+        m_borderPanArmed = m_borderPanArmed || inside;
+        return;
+    }
+    if (!viewport()->rect().contains(m_pointer.toPoint()))
+        m_borderPanArmed = true;
+    if (m_borderPanArmed && !m_borderPanTimer.isActive())
+        m_borderPanTimer.start();
+}
+
+void OssNgView::borderPanStep()
+{
+    dropDeadGesture();
+    if (!m_gesture || m_navigation) {
+        m_borderPanTimer.stop();
+        return;
+    }
+    const QSizeF size = viewport()->size();
+    scrollBy(
+        QPointF(borderSpeed(m_pointer.x(), size.width()), borderSpeed(m_pointer.y(), size.height()))
+        * BorderStep);
+    replayMove();
+}

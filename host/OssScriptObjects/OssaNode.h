@@ -1,0 +1,139 @@
+#pragma once
+
+#include "OssScriptObjects/OssaAPI.h"
+#include "OssScriptObjects/OssScriptObjects_export.h"
+
+#include <QPointF>
+#include <QSizeF>
+#include <QStringList>
+#include <QVariant>
+
+class OssSnBaseContext;
+class OssSnBaseNode;
+
+namespace Ossa {
+
+class ImageSet;
+class NodeGraph;
+
+/// A node of a node graph for scripts. A node that was removed counts as gone until undo brings it
+/// back.
+class OSSSCRIPTOBJECTS_EXPORT Node : public API
+{
+    Q_OBJECT
+    Q_CLASSINFO("doc", "A node of a node graph.")
+    Q_PROPERTY(QString name READ name WRITE setName)
+    Q_CLASSINFO("name", "Unique in its graph; a taken name gets a number.")
+    Q_PROPERTY(QString path READ path)
+    Q_CLASSINFO("path", "Names from the root graph, as \"/Group/Node\".")
+    Q_PROPERTY(QString type READ type)
+    Q_CLASSINFO("type", "As in nodeTypes(), for example \"Filter/Blur\".")
+    Q_PROPERTY(QString description READ description WRITE setDescription)
+    Q_PROPERTY(bool enabled READ isEnabled WRITE setEnabled)
+    Q_PROPERTY(bool bypassed READ isBypassed WRITE setBypassed)
+    Q_PROPERTY(bool selected READ isSelected WRITE setSelected)
+    Q_PROPERTY(QPointF position READ position WRITE setPosition)
+    Q_CLASSINFO("position", "Upper left corner in the graph's scene.")
+    Q_PROPERTY(QSizeF size READ size WRITE setSize)
+    Q_CLASSINFO("size", "Width and height in the scene. Only backdrops can be given one.")
+    Q_PROPERTY(QString error READ error)
+    Q_CLASSINFO("error", "Why the node gives no picture; empty when it is well.")
+    Q_PROPERTY(QStringList inputs READ inputs)
+    Q_PROPERTY(QStringList outputs READ outputs)
+    Q_PROPERTY(QStringList attributes READ attributes)
+    Q_CLASSINFO("graph", "The graph that the node stands in.")
+    Q_CLASSINFO("inside", "The graph inside a group; None for other nodes.")
+    Q_CLASSINFO("showInside", "Shows the inside of a group in the Node Graph palette.")
+    Q_CLASSINFO("remove", "Removes the node from its graph.")
+    Q_CLASSINFO("inputNode", "What feeds an input; None when it is free.")
+    Q_CLASSINFO("inputOutput", "The output that feeds an input; empty when it is free.")
+    Q_CLASSINFO("connectInput", "Wires an input to another node's first output, or the named one.")
+    Q_CLASSINFO("disconnectInput", "Frees an input.")
+    Q_CLASSINFO("outputNodes", "The nodes that this one feeds.")
+    Q_CLASSINFO("upstreamNodes", "Everything that feeds the node, nearest first.")
+    Q_CLASSINFO("downstreamNodes", "Everything that the node feeds, nearest first.")
+    Q_CLASSINFO("attribute", "Value of an attribute; of a menu, the chosen text.")
+    Q_CLASSINFO("setAttribute", "Sets an attribute; a menu by its text or number.")
+    Q_CLASSINFO("resetAttribute", "Gives an attribute its default again.")
+    Q_CLASSINFO("attributeInfo", "What a panel knows of an attribute: type, default, range, menu.")
+    Q_CLASSINFO("createInput", "Gives a group an input of a kind (color, scalar, vector, material, "
+                               "data) and returns the node inside that stands for it.")
+    Q_CLASSINFO("createOutput", "Gives a group an output and returns the node inside for it.")
+    Q_CLASSINFO("createKnob", "Makes an attribute of a node inside a group a knob of the group.")
+    Q_CLASSINFO("imageSet", "The images that the node reads; None when it has none.")
+    Q_CLASSINFO("bake", "Writes a file for each patch and returns their paths. \"<UDIM>\" in the "
+                        "path stands for the patch; without patches all are written.")
+    Q_CLASSINFO("bakeImageSet", "Bakes what feeds a bake point into its images.")
+    Q_CLASSINFO("upgrade", "Makes the node one of its type as it is installed now. What could not "
+                           "be kept is returned.")
+
+public:
+    explicit Node(QObject *node);
+    ~Node() override;
+
+    QString name() const;
+    void setName(const QString &name);
+    QString path() const;
+    QString type() const;
+    QString description() const;
+    void setDescription(const QString &description);
+    bool isEnabled() const;
+    void setEnabled(bool enabled);
+    bool isBypassed() const;
+    void setBypassed(bool bypassed);
+    bool isSelected() const;
+    void setSelected(bool selected);
+    QPointF position() const;
+    void setPosition(const QPointF &position);
+    QSizeF size() const;
+    void setSize(const QSizeF &size);
+    QString error() const;
+    QStringList inputs() const;
+    QStringList outputs() const;
+    QStringList attributes() const;
+
+    /// The wrapped node; null, and reported, when it is gone or removed.
+    OssSnBaseNode *node() const;
+
+public Q_SLOTS:
+    NodeGraph *graph() const;
+    NodeGraph *inside() const;
+    void showInside() const;
+    void remove();
+
+    Node *inputNode(const QString &input) const;
+    QString inputOutput(const QString &input) const;
+    void connectInput(const QString &input, Node *source, const QString &output = QString());
+    void disconnectInput(const QString &input);
+    QList<Node *> outputNodes() const;
+    QList<Node *> upstreamNodes() const;
+    QList<Node *> downstreamNodes() const;
+
+    QVariant attribute(const QString &name) const;
+    void setAttribute(const QString &name, const QVariant &value);
+    void resetAttribute(const QString &name);
+    QVariantMap attributeInfo(const QString &name) const;
+
+    Node *createInput(const QString &name, const QString &kind = QStringLiteral("color"));
+    Node *createOutput(const QString &name, const QString &kind = QStringLiteral("color"));
+    QString createKnob(Node *inner, const QString &attribute);
+
+    ImageSet *imageSet() const;
+    QStringList bake(const QString &path, int resolution = 2048,
+                     const QList<int> &patches = QList<int>()) const;
+    void bakeImageSet();
+    QStringList upgrade();
+
+Q_SIGNALS:
+    void renamed(const QString &name);
+    void attributeChanged(const QString &name);
+    void inputChanged(const QString &input);
+
+private:
+    /// Null, and reported, when the node has no such input.
+    OssSnBaseNode *nodeWithInput(const QString &input) const;
+    OssSnBaseNode *nodeWithAttribute(const QString &name) const;
+    OssSnBaseContext *view() const;
+};
+
+} // namespace Ossa

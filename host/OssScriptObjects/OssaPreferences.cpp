@@ -1,0 +1,95 @@
+#include "OssScriptObjects/OssaPreferences.h"
+
+namespace Ossa {
+
+namespace {
+
+QString nameOf(const OssPreferenceManager::Preference &preference)
+{
+    return preference.page + QLatin1Char('/') + preference.group + QLatin1Char('/')
+           + OssPreferenceManager::label(preference);
+}
+
+/// Whether a preference of the type can be the value as it is.
+bool holds(int type, const QVariant &value)
+{
+    if (type == QMetaType::Bool)
+        return value.userType() == QMetaType::Bool;
+    if (type != QMetaType::Int)
+        return true;
+    return value.userType() == QMetaType::LongLong && value.toInt() == value.toLongLong();
+}
+
+} // namespace
+
+Preferences::Preferences(QObject *manager)
+{
+    initAs<OssPreferenceManager>(manager);
+}
+
+Preferences::~Preferences() = default;
+
+QStringList Preferences::names() const
+{
+    QStringList names;
+    if (const auto *manager = wrapped<OssPreferenceManager>()) {
+        const auto preferences = manager->preferences();
+        for (const OssPreferenceManager::Preference &preference : preferences)
+            names.append(nameOf(preference));
+    }
+    return names;
+}
+
+bool Preferences::find(const QString &name, OssPreferenceManager::Preference *preference) const
+{
+    const auto *manager = wrapped<OssPreferenceManager>();
+    if (!manager)
+        return false;
+    const auto preferences = manager->preferences();
+    for (const OssPreferenceManager::Preference &candidate : preferences) {
+        if (nameOf(candidate) == name) {
+            *preference = candidate;
+            return true;
+        }
+    }
+    fail(OssScriptException::UnknownName,
+         QStringLiteral("There is no preference \"%1\"").arg(name));
+    return false;
+}
+
+QVariant Preferences::value(const QString &name) const
+{
+    OssPreferenceManager::Preference preference;
+    return find(name, &preference) ? OssPreferenceManager::value(preference) : QVariant();
+}
+
+void Preferences::setValue(const QString &name, const QVariant &value)
+{
+    OssPreferenceManager::Preference preference;
+    if (!find(name, &preference))
+        return;
+    const QStringList allowed = OssPreferenceManager::allowedTexts(preference);
+    const bool isAllowed = allowed.isEmpty() || allowed.contains(value.toString());
+    const int type = OssPreferenceManager::value(preference).userType();
+    QVariant converted = value;
+    if (!isAllowed || (allowed.isEmpty() && !holds(type, value)) || !converted.convert(type)
+        || !OssPreferenceManager::setValue(preference, converted))
+        fail(OssScriptException::WrongType,
+             QStringLiteral("\"%1\" is no value for the preference \"%2\"")
+                 .arg(value.toString(), name));
+}
+
+void Preferences::reset(const QString &name)
+{
+    OssPreferenceManager::Preference preference;
+    if (find(name, &preference))
+        OssPreferenceManager::reset(preference);
+}
+
+QStringList Preferences::choices(const QString &name) const
+{
+    OssPreferenceManager::Preference preference;
+    return find(name, &preference) ? OssPreferenceManager::allowedTexts(preference) : QStringList();
+}
+
+} // namespace Ossa

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "OssScriptObjects/OssaAPI.h"
+#include "OssScriptObjects/OssScriptObjects_export.h"
+
+#include <QList>
+#include <QStringList>
+
+namespace Ossa {
+
+class GeoEntity;
+class Image;
+class NodeGraph;
+
+/// The open project for scripts. It is gone when the project is closed.
+class OSSSCRIPTOBJECTS_EXPORT Project : public API
+{
+    Q_OBJECT
+    Q_CLASSINFO("doc", "A project. It is gone when another one is opened.")
+    Q_PROPERTY(QString name READ name)
+    Q_PROPERTY(QString path READ path)
+    Q_CLASSINFO("path", "The folder NAME.ossa; empty before the project was ever saved.")
+    Q_PROPERTY(bool modified READ isModified)
+    Q_PROPERTY(bool readOnly READ isReadOnly)
+    Q_CLASSINFO("readOnly", "A newer version wrote the project; it can only be looked at.")
+    Q_CLASSINFO("objects", "The objects that are textured.")
+    Q_CLASSINFO("object", "By name; None when there is none.")
+    Q_CLASSINFO("createObject", "Adds an object with a root graph. Its geometry is \"plane\", "
+                                "\"sphere\", \"cube\" or a file. Cannot be undone.")
+    Q_CLASSINFO("graphs", "The root graphs of all objects.")
+    Q_CLASSINFO("images", "The images of the image list.")
+    Q_CLASSINFO("addImage", "Adds an image file; \"<UDIM>\" stands for the patch's number.")
+    Q_CLASSINFO("save", "Saves the project where it was opened.")
+    Q_CLASSINFO("saveAs", "Saves the project as a folder NAME.ossa.")
+    Q_CLASSINFO("close", "Closes the project without saving it.")
+    Q_CLASSINFO("stateHash", "Equal for equal documents, however they came about.")
+
+public:
+    explicit Project(QObject *project);
+    ~Project() override;
+
+    QString name() const;
+    QString path() const;
+    bool isModified() const;
+    bool isReadOnly() const;
+
+public Q_SLOTS:
+    QList<GeoEntity *> objects() const;
+    GeoEntity *object(const QString &name) const;
+    GeoEntity *createObject(const QString &name, const QString &geometry);
+    QList<NodeGraph *> graphs() const;
+    QList<Image *> images() const;
+    Image *addImage(const QString &path);
+    void save();
+    void saveAs(const QString &path);
+    void close();
+    QString stateHash() const;
+};
+
+} // namespace Ossa

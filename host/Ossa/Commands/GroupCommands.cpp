@@ -1,0 +1,154 @@
+#include "Ossa/Commands/GroupCommands.h"
+
+#include "Ossa/Commands/Commands.h"
+#include "OssCore/OssResourceInfo.h"
+#include "OssCore/OssUndoManager.h"
+#include "OssInterface/Popups/OssFileDialog.h"
+#include "OssInterface/Popups/OssMessageBox.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Graph/OssSnBaseContext.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Nodes/OssNodeArchive.h"
+#include "OssModel/Nodes/OssSnMaterialNode.h"
+
+namespace {
+
+const QString folder = QStringLiteral("/Ossa/NodeGraph/");
+
+void selectOnly(OssShaderNetwork *network, const QList<OssSnBaseNode *> &nodes)
+{
+    const QList<OssSnBaseNode *> before = network->selectedNodes();
+    for (OssSnBaseNode *node : before)
+        node->setSelected(false);
+    for (OssSnBaseNode *node : nodes)
+        node->setSelected(true);
+    OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
+}
+
+} // namespace
+
+GroupCommands::GroupCommands(QObject *parent)
+    : QObject(parent)
+{
+    Commands::file(
+        this, folder, tr("Group Selected Nodes"), [] { groupSelected(); },
+        tr("Put the selected nodes into a group with a port for each stream"));
+    Commands::file(
+        this, folder, tr("Ungroup"), [] { ungroupSelected(); },
+        tr("Put what is inside the selected groups in their place"));
+    Commands::file(
+        this, folder, tr("Add Group Input"), [] { addPort(true); },
+        tr("Give the group another input"));
+    Commands::file(
+        this, folder, tr("Add Group Output"), [] { addPort(false); },
+        tr("Give the group another output"));
+    Commands::file(
+        this, folder, tr("Export as Gizmo"), [] { exportAsGizmo(); },
+        tr("Save the group as a file that can be imported anywhere"));
+    Commands::file(
+        this, folder, tr("Export Material to Archive"), [] { exportArchive(true); },
+        tr("Save a material with its images as one file"));
+    Commands::file(
+        this, folder, tr("Export as Custom Procedural"), [] { exportArchive(false); },
+        tr("Save the group with its images as a node of its own kind"));
+}
+
+OssShaderNetwork *GroupCommands::network()
+{
+    return OssShaderNetworkManager::instance()->currentViewNetwork();
+}
+
+OssSnGroupNode *GroupCommands::group()
+{
+    OssShaderNetwork *shown = network();
+    const QList<OssSnBaseNode *> selected = shown ? shown->selectedNodes()
+                                                  : QList<OssSnBaseNode *>();
+    OssSnGroupNode *found = nullptr;
+    int count = 0;
+    for (OssSnBaseNode *node : selected) {
+        if (auto *one = qobject_cast<OssSnGroupNode *>(node)) {
+            found = one;
+            ++count;
+        }
+    }
+    if (count == 1)
+        return found;
+    return shown && count == 0 ? shown->parentGroupNode() : nullptr;
+}
+
+void GroupCommands::groupSelected()
+{
+    OssShaderNetwork *shown = network();
+    OssSnGroupNode *made = shown ? shown->groupNodes(shown->selectedNodes()) : nullptr;
+    if (made)
+        selectOnly(shown, {made});
+}
+
+void GroupCommands::ungroupSelected()
+{
+    OssShaderNetwork *shown = network();
+    if (!shown)
+        return;
+    const QList<OssSnBaseNode *> selected = shown->selectedNodes();
+    QList<OssSnBaseNode *> inside;
+    const OssUndoManager::AutoMacro macro(tr("Ungroup"));
+    for (OssSnBaseNode *node : selected) {
+        if (auto *one = qobject_cast<OssSnGroupNode *>(node))
+            inside.append(shown->ungroup(one));
+    }
+    if (!inside.isEmpty())
+        selectOnly(shown, inside);
+}
+
+void GroupCommands::addPort(bool input)
+{
+    OssSnGroupNode *target = group();
+    if (!target)
+        return;
+    const QString name = target->groupNetwork()->generateUniqueNodeName(input ? tr("Input")
+                                                                              : tr("Output"));
+    if (input)
+        target->createInput(name, OssSnDataKind::Color);
+    else
+        target->createOutput(name, OssSnDataKind::Color);
+    OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
+}
+
+void GroupCommands::exportAsGizmo()
+{
+    OssSnGroupNode *target = group();
+    if (!target) {
+        OssMessageBox::information(nullptr, tr("Export as Gizmo"),
+                                   tr("Select the group that is to be exported"));
+        return;
+    }
+    if (OssSnBaseContext *context = target->viewContext())
+        context->exportNode();
+}
+
+void GroupCommands::exportArchive(bool material)
+{
+    const QString title = material ? tr("Export Material to Archive")
+                                   : tr("Export as Custom Procedural");
+    OssSnGroupNode *target = group();
+    const bool fits = target && (!material || qobject_cast<OssSnMaterialNode *>(target));
+    if (!fits) {
+        OssMessageBox::information(nullptr, title,
+                                   material ? tr("Select the material that is to be exported")
+                                            : tr("Select the group that is to be exported"));
+        return;
+    }
+    const OssResourceInfo *resources = OssResourceInfo::instance();
+    const QString path = OssFileDialog::getSaveFileName(
+        title, material ? QStringLiteral("*.oma") : QStringLiteral("*.opc"),
+        material ? resources->defaultMaterialPathKey()
+                 : resources->defaultCustomProceduralPathKey());
+    if (path.isEmpty())
+        return;
+    const OssResult result = OssNodeArchive::write(
+        target, material ? OssNodeArchive::Kind::Material : OssNodeArchive::Kind::CustomProcedural,
+        path);
+    if (!result)
+        OssMessageBox::warning(nullptr, title, result.error());
+}

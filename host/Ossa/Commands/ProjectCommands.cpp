@@ -1,0 +1,193 @@
+#include "Ossa/Commands/ProjectCommands.h"
+
+#include "Ossa/Commands/Commands.h"
+#include "Ossa/Commands/RecentProjects.h"
+#include "OssCore/OssResourceInfo.h"
+#include "OssCore/OssStatusManager.h"
+#include "OssInterface/Popups/OssFileDialog.h"
+#include "OssInterface/Popups/OssMessageBox.h"
+#include "OssModel/Project/OssProject.h"
+#include "OssModel/Project/OssProjectManager.h"
+
+#include <QAction>
+#include <QDir>
+#include <QFileInfo>
+#include <QWidget>
+
+namespace {
+
+const QString fileFolder = QStringLiteral("/Ossa/File/");
+const QString recentFolder = QStringLiteral("/Ossa/File/Recent/");
+const QString exampleFolder = QStringLiteral("/Ossa/File/Example/");
+const QString projectPathKey = QStringLiteral("ProjectPath");
+
+// Examples belong to the program: changes to one are saved to a place of the user's own.
+bool isExample(const QString &path)
+{
+    return path.startsWith(OssResourceInfo::instance()->examplePath() + QLatin1Char('/'));
+}
+
+} // namespace
+
+ProjectCommands::ProjectCommands(QWidget *window)
+    : QObject(window)
+    , m_window(window)
+{
+    fileCommands();
+    fileExamples();
+    fileRecent();
+    const auto *projects = OssProjectManager::instance();
+    connect(projects, &OssProjectManager::projectOpenCompleted, this, &ProjectCommands::refresh);
+    connect(projects, &OssProjectManager::projectClosed, this, &ProjectCommands::refresh);
+    connect(projects, &OssProjectManager::projectSaved, this, &ProjectCommands::refresh);
+    connect(projects, &OssProjectManager::modifiedChanged, this, &ProjectCommands::refresh);
+    refresh();
+}
+
+void ProjectCommands::fileCommands()
+{
+    Commands::file(
+        this, fileFolder, tr("New"), [this] { newProject(); }, tr("Start an empty project"));
+    Commands::file(
+        this, fileFolder, tr("Open..."), [this] { askAndOpen(); }, tr("Open a project folder"));
+    m_save = Commands::file(
+        this, fileFolder, tr("Save"), [this] { save(); }, tr("Save the project"));
+    m_saveAs = Commands::file(
+        this, fileFolder, tr("Save As..."), [this] { saveAs(); },
+        tr("Save the project under another name"));
+    m_close = Commands::file(
+        this, fileFolder, tr("Close"), [this] { close(); }, tr("Close the project"));
+    Commands::file(
+        this, fileFolder, tr("Quit"), [this] { m_window->close(); }, tr("Leave the program"));
+    m_clearRecent = Commands::file(
+        this, fileFolder, tr("Clear Recent"),
+        [this] {
+            RecentProjects::clear();
+            fileRecent();
+        },
+        tr("Forget which projects were opened"));
+}
+
+bool ProjectCommands::mayClose()
+{
+    const auto *projects = OssProjectManager::instance();
+    if (!projects->currentProject() || !projects->isModified())
+        return true;
+    const auto answer = OssMessageBox::question(
+        m_window, tr("Unsaved Changes"),
+        tr("Do you want to save the changes to \"%1\"?").arg(projects->currentProject()->name()),
+        QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save);
+    if (answer == QMessageBox::Save)
+        return save();
+    return answer == QMessageBox::Discard;
+}
+
+bool ProjectCommands::open(const QString &path)
+{
+    if (!mayClose())
+        return false;
+    const OssResult result = OssProjectManager::instance()->openProject(path);
+    if (!result.ok()) {
+        OssMessageBox::warning(m_window, tr("Open Project"), result.error());
+        return false;
+    }
+    RecentProjects::add(OssProjectManager::instance()->currentProject()->path());
+    fileRecent();
+    return true;
+}
+
+void ProjectCommands::newProject()
+{
+    if (mayClose())
+        OssProjectManager::instance()->newProject(tr("Untitled"));
+}
+
+void ProjectCommands::close()
+{
+    if (mayClose())
+        OssProjectManager::instance()->closeProject();
+}
+
+bool ProjectCommands::save()
+{
+    const OssProject *project = OssProjectManager::instance()->currentProject();
+    if (!project)
+        return false;
+    if (project->path().isEmpty() || project->isReadOnly() || isExample(project->path()))
+        return saveAs();
+    return saveTo(project->path());
+}
+
+bool ProjectCommands::saveAs()
+{
+    if (!OssProjectManager::instance()->currentProject())
+        return false;
+    const QString path = OssFileDialog::getSaveFileName(
+        tr("Save Project As"), tr("Ossa projects (*.ossa)"), projectPathKey, m_window);
+    return !path.isEmpty() && saveTo(path);
+}
+
+bool ProjectCommands::saveTo(const QString &path)
+{
+    auto *projects = OssProjectManager::instance();
+    const bool sameFile = projects->currentProject()->path() == path;
+    const OssResult result = sameFile ? projects->saveProject() : projects->saveProjectAs(path);
+    if (!result.ok()) {
+        OssMessageBox::warning(m_window, tr("Save Project"), result.error());
+        return false;
+    }
+    OssStatusManager::instance()->showMessage(tr("Saved %1").arg(QDir::toNativeSeparators(path)));
+    RecentProjects::add(path);
+    fileRecent();
+    refresh();
+    return true;
+}
+
+void ProjectCommands::askAndOpen()
+{
+    const QString path = OssFileDialog::getExistingDirectory(tr("Open Project"), projectPathKey,
+                                                             m_window);
+    if (!path.isEmpty())
+        open(path);
+}
+
+void ProjectCommands::fileRecent()
+{
+    for (const QPointer<QAction> &action : qAsConst(m_recent))
+        delete action; // and it drops out of the tree
+    m_recent.clear();
+    const QStringList paths = RecentProjects::list();
+    for (const QString &path : paths) {
+        // Queued: opening files the list anew and deletes the command that is running.
+        m_recent.append(Commands::file(
+            this, recentFolder, QFileInfo(path).completeBaseName(),
+            [this, path] {
+                QMetaObject::invokeMethod(
+                    this, [this, path] { open(path); }, Qt::QueuedConnection);
+            },
+            QDir::toNativeSeparators(path)));
+        m_recent.last()->setToolTip(QDir::toNativeSeparators(path));
+    }
+    m_clearRecent->setEnabled(!paths.isEmpty());
+}
+
+void ProjectCommands::fileExamples()
+{
+    const QDir folder(OssResourceInfo::instance()->examplePath());
+    const QFileInfoList examples = folder.entryInfoList({QStringLiteral("*.ossa")}, QDir::Dirs,
+                                                        QDir::Name);
+    for (const QFileInfo &example : examples) {
+        const QString path = example.absoluteFilePath();
+        Commands::file(
+            this, exampleFolder, example.completeBaseName(), [this, path] { open(path); },
+            tr("Open this example project"));
+    }
+}
+
+void ProjectCommands::refresh()
+{
+    const bool hasProject = OssProjectManager::instance()->currentProject();
+    for (QAction *action : {m_save, m_saveAs, m_close})
+        action->setEnabled(hasProject);
+    Q_EMIT projectStateChanged();
+}

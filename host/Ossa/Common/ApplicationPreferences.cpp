@@ -1,0 +1,144 @@
+#include "Ossa/Common/ApplicationPreferences.h"
+
+#include "OssCore/OssPreferenceManager.h"
+#include "OssCore/OssSettings.h"
+
+#include <QStringList>
+
+namespace {
+
+const QString settingsGroup = QStringLiteral("Application");
+const QString reopenKey = QStringLiteral("reopenLastProject");
+const QString scaleKey = QStringLiteral("interfaceScale");
+const QString autosaveKey = QStringLiteral("autosaveInterval");
+
+struct Interval
+{
+    const char *text;
+    int seconds;
+};
+
+// The texts are what is stored.
+constexpr Interval intervals[] = {{"Off", 0},          {"30 seconds", 30}, {"1 minute", 60},
+                                  {"2 minutes", 120},  {"5 minutes", 300}, {"10 minutes", 600},
+                                  {"30 minutes", 1800}};
+constexpr int usualInterval = 3;
+
+int percentOf(const QString &scale)
+{
+    return scale.section(QLatin1Char(' '), 0, 0).toInt();
+}
+
+} // namespace
+
+ApplicationPreferences *ApplicationPreferences::instance()
+{
+    static ApplicationPreferences preferences;
+    return &preferences;
+}
+
+ApplicationPreferences::ApplicationPreferences()
+{
+    resetInterfaceScale();
+    resetAutosaveInterval();
+    OssSettings settings;
+    settings.beginGroup(settingsGroup);
+    m_reopenLastProject = settings.value(reopenKey, false).toBool();
+    setInterfaceScale(settings.value(scaleKey).toString());
+    setAutosaveInterval(settings.value(autosaveKey).toString());
+    auto *manager = OssPreferenceManager::instance();
+    const QString page = tr("Application");
+    manager->registerPreference(page, tr("Start"), this, reopenKey);
+    manager->registerPreference(page, tr("Display"), this, scaleKey);
+    manager->registerPreference(page, tr("Saving"), this, autosaveKey);
+}
+
+int ApplicationPreferences::storedInterfaceScale()
+{
+    const int percent = percentOf(
+        OssSettings().value(settingsGroup + QLatin1Char('/') + scaleKey).toString());
+    return percent >= 100 && percent <= 300 ? percent : 100;
+}
+
+QString ApplicationPreferences::prettyPropertyName(const QString &Name) const
+{
+    if (Name == reopenKey)
+        return tr("Open Last Project");
+    if (Name == scaleKey)
+        return tr("Size of Texts and Icons");
+    if (Name == autosaveKey)
+        return tr("Copy Unsaved Work Every");
+    return OssGroupParameterObject::prettyPropertyName(Name);
+}
+
+QString ApplicationPreferences::reopenLastProjectTooltip() const
+{
+    return tr("Open the project of the last session when the program starts without one.");
+}
+
+void ApplicationPreferences::setInterfaceScale(const QString &scale)
+{
+    if (interfaceScaleList().contains(scale))
+        m_interfaceScale = scale;
+}
+
+void ApplicationPreferences::resetInterfaceScale()
+{
+    m_interfaceScale = interfaceScaleList().first();
+}
+
+QString ApplicationPreferences::interfaceScaleTooltip() const
+{
+    return tr("Takes effect when the program is started again.");
+}
+
+QStringList ApplicationPreferences::interfaceScaleList() const
+{
+    return {QStringLiteral("100 %"), QStringLiteral("125 %"), QStringLiteral("150 %"),
+            QStringLiteral("200 %"), QStringLiteral("250 %"), QStringLiteral("300 %")};
+}
+
+int ApplicationPreferences::autosaveSeconds() const
+{
+    for (const Interval &interval : intervals) {
+        if (m_autosaveInterval == QLatin1String(interval.text))
+            return interval.seconds;
+    }
+    return 0;
+}
+
+void ApplicationPreferences::setAutosaveInterval(const QString &interval)
+{
+    if (interval == m_autosaveInterval || !autosaveIntervalList().contains(interval))
+        return;
+    m_autosaveInterval = interval;
+    Q_EMIT autosaveIntervalChanged();
+}
+
+void ApplicationPreferences::resetAutosaveInterval()
+{
+    setAutosaveInterval(QString::fromLatin1(intervals[usualInterval].text));
+}
+
+QString ApplicationPreferences::autosaveIntervalTooltip() const
+{
+    return tr("How often what is not saved is copied to a place of the program's own, from which "
+              "it can be restored after a crash. Your own files are never touched.");
+}
+
+QStringList ApplicationPreferences::autosaveIntervalList() const
+{
+    QStringList texts;
+    for (const Interval &interval : intervals)
+        texts.append(QString::fromLatin1(interval.text));
+    return texts;
+}
+
+void ApplicationPreferences::savePreferences()
+{
+    OssSettings settings;
+    settings.beginGroup(settingsGroup);
+    settings.setValue(reopenKey, m_reopenLastProject);
+    settings.setValue(scaleKey, m_interfaceScale);
+    settings.setValue(autosaveKey, m_autosaveInterval);
+}

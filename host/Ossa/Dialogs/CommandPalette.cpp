@@ -1,0 +1,101 @@
+#include "Ossa/Dialogs/CommandPalette.h"
+
+#include "Ossa/Common/Theme.h"
+#include "Ossa/Dialogs/CommandDelegate.h"
+#include "Ossa/Dialogs/CommandListModel.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QListView>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr int distanceFromTop = 60;
+
+} // namespace
+
+CommandPalette::CommandPalette(QWidget *parent)
+    : QDialog(parent, Qt::Dialog | Qt::FramelessWindowHint)
+    , m_model(new CommandListModel(this))
+    , m_search(new QLineEdit(this))
+    , m_list(new QListView(this))
+    , m_focusBefore(QApplication::focusWidget())
+{
+    setObjectName(QStringLiteral("CommandPalette"));
+    setWindowTitle(tr("Find Command"));
+    m_search->setPlaceholderText(tr("Type to find a command"));
+    m_search->setAccessibleName(tr("Find a command"));
+    m_search->installEventFilter(this);
+    connect(m_search, &QLineEdit::textChanged, this, &CommandPalette::search);
+    connect(m_search, &QLineEdit::returnPressed, this, &CommandPalette::accept);
+
+    m_list->setModel(m_model);
+    m_list->setItemDelegate(new CommandDelegate(m_list));
+    m_list->setUniformItemSizes(true);
+    m_list->setFocusPolicy(Qt::NoFocus);
+    m_list->setAccessibleName(tr("Commands found"));
+    connect(m_list, &QListView::clicked, this, &CommandPalette::accept);
+
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(8, 8, 8, 8);
+    layout->addWidget(m_search);
+    layout->addWidget(m_list);
+    resize(Theme::fitting({560, 420}));
+    search(QString());
+}
+
+void CommandPalette::accept()
+{
+    const QPointer<QAction> command = m_model->action(m_list->currentIndex());
+    if (!command || !command->isEnabled())
+        return;
+    QDialog::accept();
+    QMetaObject::invokeMethod(
+        command, [command] { command->trigger(); }, Qt::QueuedConnection);
+}
+
+bool CommandPalette::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::KeyPress) {
+        const auto *key = static_cast<QKeyEvent *>(event);
+        switch (key->key()) {
+        case Qt::Key_Up:
+        case Qt::Key_Down:
+        case Qt::Key_PageUp:
+        case Qt::Key_PageDown:
+            QApplication::sendEvent(m_list, event);
+            return true;
+        default:
+            break;
+        }
+    }
+    return QDialog::eventFilter(watched, event);
+}
+
+void CommandPalette::done(int result)
+{
+    QDialog::done(result);
+    if (!m_focusBefore)
+        return;
+    m_focusBefore->window()->activateWindow();
+    m_focusBefore->setFocus();
+}
+
+void CommandPalette::showEvent(QShowEvent *event)
+{
+    QDialog::showEvent(event);
+    if (const QWidget *owner = parentWidget()) {
+        move(owner->mapToGlobal({(owner->width() - width()) / 2, distanceFromTop}));
+    }
+    m_search->setFocus();
+}
+
+void CommandPalette::search(const QString &text)
+{
+    m_model->setSearchText(text.trimmed());
+    m_list->setCurrentIndex(m_model->index(0, 0));
+    m_list->scrollToTop();
+}

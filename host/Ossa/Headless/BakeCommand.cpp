@@ -1,0 +1,180 @@
+#include "Ossa/Headless/BakeCommand.h"
+
+#include "Ossa/Headless/CommandLine.h"
+#include "Ossa/Headless/Interrupt.h"
+#include "OssModel/Evaluation/OssEvaluationService.h"
+#include "OssModel/Evaluation/OssPatchList.h"
+#include "OssModel/Graph/OssGeoEntity.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShadingGroup.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Project/OssProject.h"
+#include "OssModel/Project/OssProjectManager.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QRegularExpression>
+
+#include <cstdio>
+
+#include <unistd.h>
+
+namespace {
+
+constexpr int BarWidth = 30;
+
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("BakeCommand", text);
+}
+
+int fail(const QString &reason)
+{
+    std::fprintf(stderr, "ossa: %s\n", qPrintable(reason));
+    return ExitCode::Failure;
+}
+
+/// One file for each patch.
+struct Texture
+{
+    const OssSnBaseNode *node;
+    QString outputPoint;
+    const OssGeoEntity *entity;
+    QString name;
+};
+
+QString fileName(const QString &text)
+{
+    QString name = text;
+    return name.replace(QRegularExpression(QStringLiteral("[^\\w.-]+")), QStringLiteral("_"));
+}
+
+/// What makes up the materials: whatever feeds a shader.
+void addMaterials(const OssShaderNetwork *network, QVector<Texture> *textures)
+{
+    const QList<OssSnBaseNode *> nodes = network->nodes();
+    for (const OssSnBaseNode *node : nodes) {
+        if (!node->hasTag(QStringLiteral("_shader")))
+            continue;
+        for (const OssSnBaseNode::InputPort &port : node->inputPorts()) {
+            if (port.source)
+                textures->append({port.source, port.sourceOutput, network->geoEntity(),
+                                  fileName(node->name() + QLatin1Char('_') + port.name)});
+        }
+    }
+}
+
+OssResult addNode(const OssProject *project, const QString &wanted, QVector<Texture> *textures)
+{
+    const QList<OssShadingGroup *> groups = project->shadingGroups();
+    for (const OssShadingGroup *group : groups) {
+        const OssSnBaseNode *node = group->network()->nodeByPath(wanted);
+        if (!node)
+            continue;
+        if (node->prefferedOutputPoint().isEmpty())
+            return OssResult::failure(tr("\"%1\" has no output to bake").arg(wanted));
+        textures->append(
+            {node, node->prefferedOutputPoint(), group->geoEntity(), fileName(node->name())});
+        return {};
+    }
+    return OssResult::failure(tr("There is no node \"%1\"").arg(wanted));
+}
+
+/// The patches of the texture's object, or those of them that were asked for.
+OssResult findPatches(const Texture &texture, const QString &wanted, QList<int> *patches)
+{
+    const QList<int> all = OssEvaluationService::instance()->patches(texture.entity);
+    *patches = wanted.isEmpty() ? all : OssPatchList::fromText(wanted);
+    for (const int patch : qAsConst(*patches)) {
+        if (!all.contains(patch))
+            return OssResult::failure(tr("%1: there is no patch %2").arg(texture.name).arg(patch));
+    }
+    return {};
+}
+
+class Bar
+{
+public:
+    Bar()
+        : m_shown(isatty(STDERR_FILENO) == 1)
+    {
+    }
+
+    Bar(const Bar &) = delete;
+    Bar &operator=(const Bar &) = delete;
+
+    ~Bar()
+    {
+        if (m_shown)
+            std::fprintf(stderr, "\r%*s\r", BarWidth + 60, "");
+    }
+
+    void show(const QString &name, int done, int total) const
+    {
+        if (!m_shown || total <= 0)
+            return;
+        const int filled = int(qint64(BarWidth) * done / total);
+        std::fprintf(stderr, "\r[%s%s] %3d%% %.40s", qPrintable(QString(filled, QLatin1Char('#'))),
+                     qPrintable(QString(BarWidth - filled, QLatin1Char('.'))),
+                     int(qint64(100) * done / total), qPrintable(name));
+        std::fflush(stderr);
+    }
+
+private:
+    bool m_shown;
+};
+
+} // namespace
+
+int runBakeCommand(const BakeOptions &options)
+{
+    OssProjectManager *projects = OssProjectManager::instance();
+    const OssResult opened = projects->openProject(options.project);
+    if (!opened)
+        return fail(opened.error());
+    const OssProject *project = projects->currentProject();
+    QVector<Texture> textures;
+    for (const QString &name : options.nodes) {
+        const OssResult added = addNode(project, name, &textures);
+        if (!added)
+            return fail(added.error());
+    }
+    if (options.nodes.isEmpty()) {
+        const QList<OssShadingGroup *> groups = project->shadingGroups();
+        for (const OssShadingGroup *group : groups)
+            addMaterials(group->network(), &textures);
+    }
+    if (textures.isEmpty())
+        return fail(
+            tr("%1: there is no shader that is fed, and no node was named").arg(options.project));
+    Interrupt::catchSignals();
+    const Bar bar;
+    OssEvaluationService *service = OssEvaluationService::instance();
+    for (const Texture &texture : qAsConst(textures)) {
+        OssEvaluationService::BakeJob job;
+        job.node = texture.node;
+        job.outputPoint = texture.outputPoint;
+        job.entity = texture.entity;
+        const OssResult found = findPatches(texture, options.patches, &job.patches);
+        if (!found)
+            return fail(found.error());
+        job.resolution = options.resolution;
+        const QString path = QDir(options.folder)
+                                 .filePath(texture.name + QStringLiteral(".<UDIM>.")
+                                           + options.format);
+        job.onProgress = [&](int done, int total) {
+            bar.show(texture.name, done, total);
+            return !Interrupt::isRequested();
+        };
+        const OssResult baked = service->bake(job, path);
+        if (Interrupt::isRequested())
+            return Interrupt::exitCode;
+        if (!baked)
+            return fail(texture.name + QStringLiteral(": ") + baked.error());
+        for (const int patch : qAsConst(job.patches))
+            std::printf("%s\n", qPrintable(QString(path).replace(QLatin1String("<UDIM>"),
+                                                                 QString::number(patch))));
+    }
+    return ExitCode::Success;
+}

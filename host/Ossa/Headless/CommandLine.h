@@ -1,0 +1,49 @@
+#pragma once
+
+#include "Ossa/Headless/BakeCommand.h"
+
+#include <QString>
+#include <QStringList>
+
+/// What "ossa run" was asked for.
+struct RunOptions
+{
+    QString script;
+    QString project; ///< opened before the script starts; empty for none
+    QStringList arguments;
+};
+
+/// What the user asked for on the command line.
+struct CommandLine
+{
+    enum Command {
+        Window,  ///< the application, with `project` or without
+        Graph,   ///< a picture of the project's node graph into the file `output`
+        Info,    ///< what is in the project
+        Bake,    ///< textures into files, as `bake` says
+        Run,     ///< a script, as `run` says
+        Stubs,   ///< types of the scripting module into the file `output`
+        Answered ///< nothing to run: print `message` and end with `exitCode`
+    };
+
+    Command command = Window;
+    QString project;
+    QString output;
+    BakeOptions bake;
+    RunOptions run;
+    QString message;
+    int exitCode = 0;
+
+    /// Commands that open no window.
+    bool isHeadless() const { return command != Window && command != Answered; }
+
+    /// Never ends the program itself. Faulty use is Answered with ExitCode::Usage.
+    static CommandLine parse(int argc, const char *const *argv);
+};
+
+/// What the program ends with.
+namespace ExitCode {
+constexpr int Success = 0;
+constexpr int Failure = 1; ///< the work could not be done; stderr says why
+constexpr int Usage = 2;   ///< the command line makes no sense
+} // namespace ExitCode

@@ -1,0 +1,51 @@
+#include "Ossa/Headless/BakeCommand.h"
+#include "Ossa/Headless/CommandLine.h"
+#include "Ossa/Headless/InfoCommand.h"
+#include "OssCore/OssResourceInfo.h"
+#include "OssModel/Evaluation/OssEvaluationService.h"
+#include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/OssModelServices.h"
+#include "OssModel/Project/OssProjectManager.h"
+
+#include <QCoreApplication>
+
+#include <cstdio>
+
+namespace {
+
+int run(const CommandLine &line)
+{
+    switch (line.command) {
+    case CommandLine::Info:
+        return runInfoCommand(line.project, false);
+    case CommandLine::Bake:
+        return runBakeCommand(line.bake);
+    default:
+        std::fprintf(stderr, "ossa-batch: only bake and info do without widgets: use ossa\n");
+        return ExitCode::Usage;
+    }
+}
+
+} // namespace
+
+/// The commands that need neither a screen nor widgets, as a program that links none: for machines
+/// that only compute.
+int main(int argc, char **argv)
+{
+    const CommandLine line = CommandLine::parse(argc, argv);
+    if (line.command == CommandLine::Answered) {
+        std::fprintf(line.exitCode == ExitCode::Success ? stdout : stderr, "%s\n",
+                     qPrintable(line.message.trimmed()));
+        return line.exitCode;
+    }
+    // Containers must not differ from run to run: keys are made from them.
+    qSetGlobalQHashSeed(0);
+    const QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("Ossa"));
+    const OssModelServices services;
+    OssShaderNetworkManager::instance()->loadNodeTypes(OssResourceInfo::instance()->nodeTypePath());
+    const int code = run(line);
+    OssProjectManager::instance()->closeProject();
+    OssEvaluationService::instance()->shutdown();
+    return code;
+}

@@ -1,0 +1,100 @@
+#include "Ossa/Palettes/LogPanel.h"
+
+#include "Ossa/Palettes/LogFilter.h"
+#include "Ossa/Palettes/LogModel.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QClipboard>
+#include <QFontDatabase>
+#include <QHBoxLayout>
+#include <QLineEdit>
+#include <QListView>
+#include <QPushButton>
+#include <QScrollBar>
+
+#include <algorithm>
+
+LogPanel::LogPanel(QWidget *parent)
+    : QWidget(parent)
+    , m_model(new LogModel(this))
+    , m_filter(new LogFilter(this))
+    , m_view(new QListView(this))
+{
+    m_filter->setSourceModel(m_model);
+    m_view->setModel(m_filter);
+    m_view->setUniformItemSizes(true);
+    m_view->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    m_view->setTextElideMode(Qt::ElideRight);
+    m_view->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    m_view->setAccessibleName(tr("Log lines"));
+
+    auto *search = new QLineEdit(this);
+    search->setPlaceholderText(tr("Filter"));
+    search->setClearButtonEnabled(true);
+    search->setAccessibleName(tr("Filter log lines"));
+    connect(search, &QLineEdit::textChanged, m_filter, &LogFilter::setText);
+
+    auto *copyButton = new QPushButton(tr("Copy"), this);
+    connect(copyButton, &QPushButton::clicked, this, &LogPanel::copy);
+    auto *clearButton = new QPushButton(tr("Clear"), this);
+    connect(clearButton, &QPushButton::clicked, m_model, &LogModel::clear);
+
+    auto *bar = new QHBoxLayout;
+    bar->addWidget(search, 1);
+    addCategory(bar, OssDebugLog::Warning, tr("Warnings"));
+    addCategory(bar, OssDebugLog::Information, tr("Notes"));
+    addCategory(bar, OssDebugLog::Plain, tr("Other"));
+    bar->addWidget(copyButton);
+    bar->addWidget(clearButton);
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(8, 8, 8, 8);
+    layout->addLayout(bar);
+    layout->addWidget(m_view);
+    setFocusProxy(m_view);
+
+    auto *copyAction = new QAction(tr("Copy"), m_view);
+    copyAction->setShortcut(QKeySequence::Copy);
+    copyAction->setShortcutContext(Qt::WidgetShortcut);
+    connect(copyAction, &QAction::triggered, this, &LogPanel::copy);
+    m_view->addAction(copyAction);
+    m_view->setContextMenuPolicy(Qt::ActionsContextMenu);
+
+    const QScrollBar *scroll = m_view->verticalScrollBar();
+    connect(m_filter, &QAbstractItemModel::rowsAboutToBeInserted, this,
+            [this, scroll] { m_following = scroll->value() == scroll->maximum(); });
+    connect(m_filter, &QAbstractItemModel::rowsInserted, this, [this] {
+        if (m_following)
+            QMetaObject::invokeMethod(m_view, &QListView::scrollToBottom, Qt::QueuedConnection);
+    });
+}
+
+QString LogPanel::textToCopy() const
+{
+    QModelIndexList rows = m_view->selectionModel()->selectedIndexes();
+    std::sort(rows.begin(), rows.end());
+    if (rows.isEmpty()) {
+        for (int row = 0; row < m_filter->rowCount(); ++row)
+            rows.append(m_filter->index(row, 0));
+    }
+    QStringList texts;
+    for (const QModelIndex &row : qAsConst(rows))
+        texts.append(row.data(LogModel::FullTextRole).toString());
+    return texts.join(QLatin1Char('\n'));
+}
+
+void LogPanel::addCategory(QHBoxLayout *bar, OssDebugLog::Category category, const QString &text)
+{
+    auto *button = new QPushButton(text, this);
+    button->setCheckable(true);
+    button->setChecked(true);
+    button->setToolTip(tr("Show lines of this kind"));
+    connect(button, &QPushButton::toggled, m_filter,
+            [this, category](bool shown) { m_filter->setCategoryShown(category, shown); });
+    bar->addWidget(button);
+}
+
+void LogPanel::copy() const
+{
+    QApplication::clipboard()->setText(textToCopy());
+}

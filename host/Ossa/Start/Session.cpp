@@ -1,0 +1,130 @@
+#include "Ossa/Start/Session.h"
+
+#include "Ossa/Common/ApplicationPreferences.h"
+#include "Ossa/Common/Theme.h"
+#include "Ossa/Headless/InfoCommand.h"
+#include "Ossa/Pictures/GraphCommand.h"
+#include "Ossa/Plugins/PluginActions.h"
+#include "Ossa/Scripting/RunCommand.h"
+#include "Ossa/Start/HostStart.h"
+#include "Ossa/Window/HostPalettes.h"
+#include "Ossa/Window/MainWindow.h"
+#include "Ossa/Window/WorkRecovery.h"
+#include "OssCore/OssIcon.h"
+#include "OssCore/OssPreferenceManager.h"
+#include "OssInterface/Popups/OssApplication.h"
+#include "OssModel/Project/OssPixelCleanup.h"
+#include "OssModel/Project/OssProject.h"
+#include "OssModel/Project/OssProjectManager.h"
+
+#include <QApplication>
+#include <QThreadPool>
+
+#include <cstdio>
+#include <functional>
+#include <utility>
+
+namespace {
+
+bool hasDisplay()
+{
+    return qEnvironmentVariableIsSet("QT_QPA_PLATFORM") || qEnvironmentVariableIsSet("DISPLAY")
+           || qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
+}
+
+void chooseScaling()
+{
+    QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    QGuiApplication::setHighDpiScaleFactorRoundingPolicy(
+        Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+    const int percent = ApplicationPreferences::storedInterfaceScale();
+    if (percent != 100 && !qEnvironmentVariableIsSet("QT_SCALE_FACTOR"))
+        qputenv("QT_SCALE_FACTOR", QByteArray::number(percent / 100.0));
+}
+
+/// Beside the user's work: it reads every document.
+void removeForgottenPixels()
+{
+    const auto inBackground = [](std::function<void()> work) {
+        QThreadPool::globalInstance()->start(std::move(work));
+    };
+    inBackground([] { OssPixelCleanup::cleanNewPixels(); });
+    QObject::connect(
+        OssProjectManager::instance(), &OssProjectManager::projectOpenCompleted, qApp,
+        [inBackground](const OssProject *project, bool fromDisk) {
+            if (fromDisk && !project->isReadOnly())
+                inBackground([folder = project->path()] { OssPixelCleanup::cleanProject(folder); });
+        });
+}
+
+} // namespace
+
+int Session::run(const CommandLine &line, int &argc, char **argv)
+{
+    // Containers must not differ from run to run: files and hashes are written from them.
+    qSetGlobalQHashSeed(0);
+    if (line.isHeadless() && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (!hasDisplay()) {
+        std::fprintf(stderr, "ossa: there is no display to open a window on (ossa graph, info, "
+                             "bake and run need none)\n");
+        return ExitCode::Failure;
+    }
+    QCoreApplication::setApplicationName(QStringLiteral("Ossa"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(OSSA_VERSION));
+    if (!line.isHeadless())
+        chooseScaling();
+
+    QApplication application(argc, argv);
+    Theme::apply();
+    QApplication::setWindowIcon(OssIcon::createIconFromFilename(QStringLiteral("Ossa.png")));
+    Session session(line);
+    if (line.isHeadless())
+        WorkRecovery::report();
+    switch (line.command) {
+    case CommandLine::Graph:
+        return runGraphCommand(line.project, line.output);
+    case CommandLine::Info:
+        return runInfoCommand(line.project, true);
+    case CommandLine::Bake:
+        return runBakeCommand(line.bake);
+    case CommandLine::Run:
+        return runRunCommand(line.run);
+    case CommandLine::Stubs:
+        return runStubsCommand(line.output);
+    case CommandLine::Window:
+    case CommandLine::Answered:
+        break;
+    }
+    return session.runWindow();
+}
+
+Session::Session(const CommandLine &line)
+    : m_line(line)
+{
+    OssApplication::setPopupsAllowed(!line.isHeadless());
+    ApplicationPreferences::instance();
+    HostStart::start(&m_plugins);
+    PluginActions::fileUnfiled(m_plugins);
+    HostPalettes::registerAll();
+}
+
+Session::~Session()
+{
+    if (!m_line.isHeadless())
+        OssPreferenceManager::instance()->savePreferences();
+    HostStart::shutdown();
+}
+
+int Session::runWindow()
+{
+    MainWindow window;
+    QObject::connect(&window, &MainWindow::closed, qApp, &QApplication::quit);
+    window.restoreLayout();
+    window.show();
+    window.tellAbout(m_plugins.failures());
+    window.openAtStart(m_line.project);
+    removeForgottenPixels();
+    return QApplication::exec();
+}

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "Ossa/Headless/CommandLine.h"
+#include "Ossa/Plugins/PluginLoader.h"
+
+/// One run of the program, from the application object to the teardown: starts the managers, loads
+/// the plug-ins, does what the command line wants, and takes everything down while QApplication
+/// still lives.
+class Session
+{
+public:
+    Session(const Session &) = delete;
+    Session &operator=(const Session &) = delete;
+
+    /// Returns the program's exit code. At most once per process.
+    static int run(const CommandLine &line, int &argc, char **argv);
+
+private:
+    explicit Session(const CommandLine &line);
+    ~Session();
+
+    int runWindow();
+
+    const CommandLine &m_line;
+    PluginLoader m_plugins;
+};

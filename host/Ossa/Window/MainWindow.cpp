@@ -1,0 +1,174 @@
+#include "Ossa/Window/MainWindow.h"
+
+#include "Ossa/Commands/Commands.h"
+#include "Ossa/Commands/EditCommands.h"
+#include "Ossa/Commands/GroupCommands.h"
+#include "Ossa/Commands/ProjectCommands.h"
+#include "Ossa/Commands/RecentProjects.h"
+#include "Ossa/Common/ApplicationPreferences.h"
+#include "Ossa/Common/Theme.h"
+#include "Ossa/Dialogs/CommandPalette.h"
+#include "Ossa/Scripting/ScriptCommands.h"
+#include "Ossa/Viewer/NodeThumbnails.h"
+#include "Ossa/Window/MainMenus.h"
+#include "Ossa/Window/NotificationBar.h"
+#include "Ossa/Window/PaletteDocks.h"
+#include "Ossa/Window/StatusArea.h"
+#include "Ossa/Window/WorkRecovery.h"
+#include "OssCore/OssSettings.h"
+#include "OssInterface/Actions/OssShortcutManager.h"
+#include "OssInterface/Popups/OssApplication.h"
+#include "OssInterface/Popups/OssMessageBox.h"
+#include "OssModel/Project/OssProject.h"
+#include "OssModel/Project/OssProjectManager.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QMenuBar>
+#include <QVBoxLayout>
+
+namespace {
+
+const QString geometryKey = QStringLiteral("MainWindow/geometry");
+const QString thumbnailsKey = QStringLiteral("MainWindow/NodeThumbnails");
+const QString viewFolder = QStringLiteral("/Ossa/View/");
+const QString helpFolder = QStringLiteral("/Ossa/Help/");
+const QSize firstSize(1400, 880);
+
+} // namespace
+
+MainWindow::MainWindow()
+    : m_notifications(new NotificationBar)
+    , m_docks(new PaletteDocks(this))
+{
+    // The strip stands above the docks, which made themselves the central widget.
+    auto *center = new QWidget;
+    auto *layout = new QVBoxLayout(center);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(m_notifications);
+    layout->addWidget(takeCentralWidget(), 1);
+    setCentralWidget(center);
+
+    OssApplication::setMainWindow(this);
+    OssShortcutManager::instance()->setScope(QStringLiteral("/Ossa"), this);
+    setStatusBar(new StatusArea(this));
+    m_project = new ProjectCommands(this);
+    m_recovery = new WorkRecovery(m_project, this); // owned by the window
+    connect(m_recovery, &WorkRecovery::trouble, m_notifications, &NotificationBar::tell);
+    new EditCommands(this);   // owned by the window
+    new ScriptCommands(this); // owned by the window
+    new GroupCommands(this);  // owned by the window
+    fileViewCommands();
+    fileHelpCommands();
+    new MainMenus(menuBar()); // owned by the menu bar
+    connect(m_project, &ProjectCommands::projectStateChanged, this, &MainWindow::refreshTitle);
+    refreshTitle();
+    resize(Theme::fitting(firstSize));
+}
+
+MainWindow::~MainWindow()
+{
+    OssApplication::setMainWindow(nullptr);
+    // Before the dock manager, which would delete the palettes.
+    delete m_docks;
+}
+
+void MainWindow::restoreLayout()
+{
+    restoreGeometry(OssSettings().value(geometryKey).toByteArray());
+    m_docks->restoreLayout();
+}
+
+void MainWindow::tellAbout(const QVector<PluginLoader::Failure> &failures)
+{
+    for (const PluginLoader::Failure &failure : failures)
+        m_notifications->tell(
+            tr("Plug-in %1 cannot be used: %2.").arg(failure.file, failure.reason));
+}
+
+void MainWindow::openAtStart(const QString &path)
+{
+    if (m_recovery->offer() || (!path.isEmpty() && m_project->open(path)))
+        return;
+    const QStringList recent = RecentProjects::list();
+    const bool reopen = path.isEmpty() && ApplicationPreferences::instance()->reopenLastProject();
+    if (reopen && !recent.isEmpty() && m_project->open(recent.first()))
+        return;
+    m_project->newProject();
+}
+
+QString MainWindow::notificationText() const
+{
+    return m_notifications->text();
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    if (!m_project->mayClose()) {
+        event->ignore();
+        return;
+    }
+    m_recovery->forgetCopy();
+    saveLayout();
+    event->accept();
+    Q_EMIT closed();
+}
+
+void MainWindow::fileViewCommands()
+{
+    QAction *fullScreen = Commands::file(
+        this, viewFolder, tr("Full Screen"),
+        [this] { setWindowState(windowState() ^ Qt::WindowFullScreen); },
+        tr("Use the whole screen"));
+    fullScreen->setCheckable(true);
+    auto *thumbnails = new NodeThumbnails(this); // owned by the window
+    QAction *pictures = Commands::file(
+        this, viewFolder, tr("Node Thumbnails"),
+        [thumbnails] {
+            thumbnails->setEnabled(!thumbnails->isEnabled());
+            OssSettings().setValue(thumbnailsKey, thumbnails->isEnabled());
+        },
+        tr("Show in the node graph what each node gives"));
+    pictures->setCheckable(true);
+    pictures->setChecked(OssSettings().value(thumbnailsKey).toBool());
+    thumbnails->setEnabled(pictures->isChecked());
+    Commands::file(
+        this, viewFolder, tr("Reset Layout"), [this] { m_docks->resetLayout(); },
+        tr("Put all palettes back to where they were at first"));
+}
+
+void MainWindow::fileHelpCommands()
+{
+    Commands::file(
+        this, helpFolder, tr("Find Command..."), [this] { showCommandPalette(); },
+        tr("Find a command by a few letters of its name"));
+    Commands::file(this, helpFolder, tr("About Ossa"), [this] { showAbout(); });
+}
+
+void MainWindow::showCommandPalette()
+{
+    CommandPalette(this).exec();
+}
+
+void MainWindow::showAbout()
+{
+    OssMessageBox::information(
+        this, tr("About Ossa"),
+        tr("<h3>Ossa %1</h3><p>Paints and generates textures with a node graph.</p>")
+            .arg(QApplication::applicationVersion()));
+}
+
+void MainWindow::refreshTitle()
+{
+    const OssProject *project = OssProjectManager::instance()->currentProject();
+    setWindowModified(project && OssProjectManager::instance()->isModified());
+    setWindowTitle(project ? tr("%1[*] \u2013 Ossa").arg(project->name()) : tr("Ossa"));
+}
+
+void MainWindow::saveLayout() const
+{
+    OssSettings().setValue(geometryKey, saveGeometry());
+    m_docks->saveLayout();
+}

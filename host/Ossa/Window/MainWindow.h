@@ -1,0 +1,49 @@
+#pragma once
+
+#include "Ossa/Plugins/PluginLoader.h"
+
+#include <QMainWindow>
+
+class NotificationBar;
+class PaletteDocks;
+class ProjectCommands;
+class WorkRecovery;
+
+/// The application's window: menus, docked palettes, status bar. Only one at a time.
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    MainWindow();
+    ~MainWindow() override;
+
+    /// Size, place and docks of the last session.
+    void restoreLayout();
+    void tellAbout(const QVector<PluginLoader::Failure> &failures);
+    /// Offers what crashed sessions left. When nothing of that is restored, opens the project of the
+    /// given path; with none, what the preferences say.
+    void openAtStart(const QString &path);
+
+    QString notificationText() const;
+
+Q_SIGNALS:
+    /// The user has left; other windows may still be open.
+    void closed();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    void fileViewCommands();
+    void fileHelpCommands();
+    void showCommandPalette();
+    void showAbout();
+    void refreshTitle();
+    void saveLayout() const;
+
+    NotificationBar *m_notifications;
+    PaletteDocks *m_docks;
+    ProjectCommands *m_project;
+    WorkRecovery *m_recovery;
+};

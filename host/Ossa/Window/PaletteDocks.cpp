@@ -1,0 +1,292 @@
+#include "Ossa/Window/PaletteDocks.h"
+
+#include "OssCore/OssIcon.h"
+#include "OssCore/OssSettings.h"
+#include "OssInterface/Actions/OssActionTreeManager.h"
+#include "OssInterface/Actions/OssShortcutManager.h"
+#include "OssInterface/Palettes/OssPalette.h"
+#include "OssInterface/Palettes/OssPaletteManager.h"
+
+#include <qtadvanceddocking/DockAreaWidget.h>
+#include <qtadvanceddocking/DockManager.h>
+#include <qtadvanceddocking/DockWidget.h>
+#include <qtadvanceddocking/IconProvider.h>
+
+#include <QAction>
+#include <QEvent>
+#include <QMainWindow>
+#include <QSplitter>
+
+#include <functional>
+#include <numeric>
+
+namespace {
+
+const QString stateKey = QStringLiteral("MainWindow/docks");
+const QString stateNamesKey = QStringLiteral("MainWindow/dockedPalettes");
+const QString paletteFolder = QStringLiteral("/Ossa/Palettes/");
+const QString graphFolder = QStringLiteral("/Ossa/NodeGraph/");
+constexpr int stateVersion = 1;
+constexpr int graphShare = 70; // percent of the window, in both directions
+constexpr int leastShare = 15; // a dock that opens smaller than this gets room
+
+struct Place
+{
+    const char *helpKey;
+    ads::DockWidgetArea area;
+    const char *besideHelpKey; ///< null: beside everything
+};
+
+// The default layout: graph at the left, what is looked at and tuned at the right.
+const Place places[] = {
+    {"node_graph_palette", ads::LeftDockWidgetArea, nullptr},
+    {"viewer_palette", ads::RightDockWidgetArea, nullptr},
+    {"node_properties_palette", ads::BottomDockWidgetArea, "viewer_palette"},
+    {"history_palette", ads::CenterDockWidgetArea, "node_properties_palette"},
+    {"log_palette", ads::BottomDockWidgetArea, "node_graph_palette"},
+    {"script_console_palette", ads::CenterDockWidgetArea, "log_palette"},
+};
+
+Place placeOf(const OssPalette *palette)
+{
+    for (const Place &place : places) {
+        if (palette->contextHelpKey() == QLatin1String(place.helpKey))
+            return place;
+    }
+    return {"", ads::CenterDockWidgetArea, "node_properties_palette"};
+}
+
+void configure()
+{
+    using Manager = ads::CDockManager;
+    Manager::setConfigFlags(
+        Manager::DockAreaHasCloseButton | Manager::DockAreaHasTabsMenuButton
+        | Manager::DockAreaCloseButtonClosesTab | Manager::DockAreaDynamicTabsMenuButtonVisibility
+        | Manager::DockAreaHideDisabledButtons | Manager::OpaqueSplitterResize
+        | Manager::XmlCompressionEnabled | Manager::FloatingContainerHasWidgetTitle
+        | Manager::FloatingContainerHasWidgetIcon | Manager::DragPreviewShowsContentPixmap
+        | Manager::FocusHighlighting);
+    auto &icons = Manager::iconProvider();
+    icons.registerCustomIcon(ads::DockAreaCloseIcon,
+                             OssIcon::createIconFromFilename(QStringLiteral("Close.png")));
+    icons.registerCustomIcon(ads::TabCloseIcon,
+                             OssIcon::createIconFromFilename(QStringLiteral("Close.png")));
+    icons.registerCustomIcon(ads::DockAreaMenuIcon,
+                             OssIcon::createIconFromFilename(QStringLiteral("Down.png")));
+}
+
+/// Gives the part at `index` so many percent of the room if there is one other part.
+void share(QSplitter *splitter, int index, int percent)
+{
+    if (splitter->count() != 2)
+        return;
+    const bool wide = splitter->orientation() == Qt::Horizontal;
+    const int room = wide ? splitter->width() : splitter->height();
+    const int part = room * percent / 100;
+    splitter->setSizes(index == 0 ? QList<int>{part, room - part} : QList<int>{room - part, part});
+}
+
+/// Calls `visit` with each splitter around the dock, inner ones first, and the part it is in.
+void forEachSplitter(const ads::CDockWidget *dock,
+                     const std::function<void(QSplitter *, int)> &visit)
+{
+    QWidget *part = dock->dockAreaWidget();
+    while (part && part->parentWidget()) {
+        if (auto *splitter = qobject_cast<QSplitter *>(part->parentWidget()))
+            visit(splitter, splitter->indexOf(part));
+        part = part->parentWidget();
+    }
+}
+
+ads::CDockManager *createManager(QMainWindow *window)
+{
+    configure();
+    auto *manager = new ads::CDockManager(window);
+    manager->setStyleSheet(QString()); // the application's own rules apply
+    return manager;
+}
+
+} // namespace
+
+PaletteDocks::PaletteDocks(QMainWindow *window)
+    : QObject(window)
+    , m_window(window)
+    , m_manager(createManager(window))
+{
+    const QVector<OssPalette *> palettes = OssPaletteManager::instance()->palettes();
+    for (OssPalette *palette : palettes)
+        dock(palette);
+    resetLayout();
+    m_window->installEventFilter(this);
+    connect(OssPaletteManager::instance(), &OssPaletteManager::paletteRegistered, this,
+            [this](OssPalette *palette) {
+                dock(palette);
+                place(palette, m_docks.value(palette));
+                if (m_stateNames.contains(palette->objectName()))
+                    applyState();
+            });
+}
+
+PaletteDocks::~PaletteDocks()
+{
+    // Palettes are the palette manager's: they leave the docks before the docks go.
+    for (auto entry = m_docks.cbegin(); entry != m_docks.cend(); ++entry) {
+        disconnect(entry.key(), nullptr, this, nullptr);
+        if (QWidget *palette = entry.value()->takeWidget())
+            palette->setParent(nullptr);
+    }
+}
+
+void PaletteDocks::restoreLayout()
+{
+    const OssSettings settings;
+    m_state = settings.value(stateKey).toByteArray();
+    m_stateNames = settings.value(stateNamesKey).toStringList();
+    if (!m_state.isEmpty())
+        applyState();
+}
+
+void PaletteDocks::applyState()
+{
+    m_manager->restoreState(m_state, stateVersion);
+    // Palettes that the state does not know were taken out of the layout.
+    const QVector<OssPalette *> palettes = OssPaletteManager::instance()->palettes();
+    for (OssPalette *palette : palettes) {
+        if (m_docks.contains(palette) && !m_stateNames.contains(palette->objectName()))
+            place(palette, m_docks.value(palette));
+    }
+}
+
+void PaletteDocks::saveLayout() const
+{
+    QStringList names;
+    for (const ads::CDockWidget *dock : m_docks)
+        names.append(dock->objectName());
+    names.sort();
+    OssSettings settings;
+    settings.setValue(stateKey, m_manager->saveState(stateVersion));
+    settings.setValue(stateNamesKey, names);
+}
+
+void PaletteDocks::resetLayout()
+{
+    m_state.clear();
+    m_stateNames.clear();
+    const QVector<OssPalette *> palettes = OssPaletteManager::instance()->palettes();
+    for (OssPalette *palette : palettes) {
+        if (ads::CDockWidget *dock = m_docks.value(palette); dock && dock->dockAreaWidget())
+            m_manager->removeDockWidget(dock);
+    }
+    // In the order of the table: later places refer to earlier ones.
+    for (const Place &entry : places) {
+        OssPalette *palette = OssPaletteManager::instance()->find(
+            QString::fromLatin1(entry.helpKey));
+        if (palette && m_docks.contains(palette))
+            place(palette, m_docks.value(palette));
+    }
+    for (OssPalette *palette : palettes) {
+        if (m_docks.contains(palette) && !m_docks.value(palette)->dockAreaWidget())
+            place(palette, m_docks.value(palette));
+    }
+    sizeAreas();
+}
+
+bool PaletteDocks::isOpen(const OssPalette *palette) const
+{
+    const ads::CDockWidget *dock = m_docks.value(palette);
+    return dock && !dock->isClosed();
+}
+
+bool PaletteDocks::eventFilter(QObject *watched, QEvent *event)
+{
+    // Shares hold once the window has its size.
+    if (watched == m_window && event->type() == QEvent::Show && m_state.isEmpty())
+        QMetaObject::invokeMethod(this, &PaletteDocks::sizeAreas, Qt::QueuedConnection);
+    if (watched == m_window && event->type() == QEvent::Show)
+        m_window->removeEventFilter(this);
+    return QObject::eventFilter(watched, event);
+}
+
+void PaletteDocks::dock(OssPalette *palette)
+{
+    auto *dock = new ads::CDockWidget(palette->windowTitle()); // owned by the manager
+    dock->setObjectName(palette->objectName());
+    dock->setIcon(QIcon(OssPaletteManager::instance()->iconPath(palette)));
+    dock->setMinimumSizeHintMode(ads::CDockWidget::MinimumSizeHintFromContent);
+    dock->setWidget(palette, ads::CDockWidget::ForceNoScrollArea);
+    m_docks.insert(palette, dock);
+    connect(palette, &OssPalette::showRequested, this, [this, palette] { showPalette(palette); });
+    connect(palette, &QWidget::windowTitleChanged, dock, &ads::CDockWidget::setWindowTitle);
+    connect(palette, &QObject::destroyed, this, &PaletteDocks::removeDock);
+
+    // Queued: the areas get their sizes after the signal.
+    connect(
+        dock, &ads::CDockWidget::viewToggled, this,
+        [this, dock](bool open) {
+            if (open && m_window->isVisible())
+                makeRoom(dock);
+        },
+        Qt::QueuedConnection);
+
+    QAction *toggle = dock->toggleViewAction();
+    toggle->setMenuRole(QAction::NoRole);
+    OssActionTreeManager::instance()->registerAction(paletteFolder, toggle);
+    if (palette->contextHelpKey() == QLatin1String(places[0].helpKey))
+        OssShortcutManager::instance()->setScope(graphFolder, palette);
+}
+
+void PaletteDocks::place(OssPalette *palette, ads::CDockWidget *dock)
+{
+    const Place place = placeOf(palette);
+    ads::CDockAreaWidget *beside = nullptr;
+    if (place.besideHelpKey) {
+        const OssPalette *other = OssPaletteManager::instance()->find(
+            QString::fromLatin1(place.besideHelpKey));
+        if (const ads::CDockWidget *otherDock = m_docks.value(other))
+            beside = otherDock->dockAreaWidget();
+    }
+    // Without the neighbour it names, a palette goes to the right rather than on top of the rest.
+    const bool alone = place.besideHelpKey && !beside;
+    m_manager->addDockWidget(alone ? ads::RightDockWidgetArea : place.area, dock, beside);
+    const bool open = OssPaletteManager::instance()->shownAtFirst(palette);
+    dock->toggleView(open);
+}
+
+void PaletteDocks::sizeAreas()
+{
+    const OssPalette *graph = OssPaletteManager::instance()->find(
+        QString::fromLatin1(places[0].helpKey));
+    if (const ads::CDockWidget *dock = m_docks.value(graph))
+        forEachSplitter(dock,
+                        [](QSplitter *splitter, int index) { share(splitter, index, graphShare); });
+}
+
+void PaletteDocks::makeRoom(const ads::CDockWidget *dock)
+{
+    forEachSplitter(dock, [](QSplitter *splitter, int index) {
+        const QList<int> sizes = splitter->sizes();
+        const int room = std::accumulate(sizes.cbegin(), sizes.cend(), 0);
+        if (sizes.at(index) < room * leastShare / 100)
+            share(splitter, index, 100 - graphShare);
+    });
+}
+
+void PaletteDocks::showPalette(const OssPalette *palette)
+{
+    ads::CDockWidget *dock = m_docks.value(palette);
+    if (!dock)
+        return;
+    if (dock->isClosed())
+        dock->toggleView(true);
+    dock->setAsCurrentTab();
+    if (dock->isFloating())
+        dock->raise();
+}
+
+void PaletteDocks::removeDock(QObject *palette)
+{
+    if (ads::CDockWidget *dock = m_docks.take(palette)) {
+        m_manager->removeDockWidget(dock);
+        dock->deleteLater();
+    }
+}

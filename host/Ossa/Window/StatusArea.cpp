@@ -1,0 +1,117 @@
+#include "Ossa/Window/StatusArea.h"
+
+#include "OssCore/OssStatusManager.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+
+namespace {
+
+constexpr int messageTime = 8000;   // ms
+constexpr int patience = 500;       // ms before a step of progress lets events through
+constexpr int eventsInterval = 100; // ms
+
+bool isInput(QEvent::Type type)
+{
+    switch (type) {
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+    case QEvent::ShortcutOverride:
+    case QEvent::Shortcut:
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::Wheel:
+    case QEvent::ContextMenu:
+    case QEvent::DragEnter:
+    case QEvent::Drop:
+    case QEvent::Close:
+        return true;
+    default:
+        return false;
+    }
+}
+
+} // namespace
+
+StatusArea::StatusArea(QWidget *parent)
+    : QStatusBar(parent)
+    , m_title(new QLabel(this))
+    , m_progress(new QProgressBar(this))
+    , m_stop(new QPushButton(tr("Stop"), this))
+{
+    setSizeGripEnabled(false);
+    m_progress->setTextVisible(false);
+    m_progress->setFixedWidth(180);
+    m_progress->setAccessibleName(tr("Progress"));
+    m_stop->setToolTip(tr("Stop the work that is running"));
+    for (QWidget *widget : {static_cast<QWidget *>(m_title), static_cast<QWidget *>(m_progress),
+                            static_cast<QWidget *>(m_stop)}) {
+        addPermanentWidget(widget);
+        widget->hide();
+    }
+    auto *status = OssStatusManager::instance();
+    connect(m_stop, &QPushButton::clicked, this, [this, status] {
+        status->cancel();
+        m_stop->setEnabled(false);
+    });
+    connect(status, &OssStatusManager::beginProcessing, this, &StatusArea::begin);
+    connect(status, &OssStatusManager::progressChanged, this, &StatusArea::showProgress);
+    connect(status, &OssStatusManager::endProcessing, this, &StatusArea::end);
+    connect(status, &OssStatusManager::messageShown, this,
+            [this](const QString &message) { showMessage(message, messageTime); });
+}
+
+bool StatusArea::eventFilter(QObject *watched, QEvent *event)
+{
+    if (!isInput(event->type()))
+        return false;
+    // Windows are let through: they hand the event on to a widget, which is looked at then. Keys of
+    // commands arrive at the commands themselves.
+    const bool forStop = watched == m_stop && event->type() != QEvent::Shortcut;
+    if (forStop || (!watched->isWidgetType() && event->type() != QEvent::Shortcut))
+        return false;
+    event->ignore(); // or a window would close all the same
+    return true;
+}
+
+void StatusArea::begin(const QString &title)
+{
+    m_running.start();
+    m_sinceEvents.start();
+    m_title->setText(title);
+    m_progress->setRange(0, 0);
+    m_stop->setEnabled(true);
+    m_title->show();
+    m_progress->show();
+    m_stop->show();
+}
+
+void StatusArea::showProgress(int done, int total)
+{
+    m_progress->setRange(0, total);
+    m_progress->setValue(done);
+    if (m_running.elapsed() > patience && m_sinceEvents.elapsed() > eventsInterval)
+        letStopThrough();
+}
+
+void StatusArea::end()
+{
+    m_title->hide();
+    m_progress->hide();
+    m_stop->hide();
+}
+
+void StatusArea::letStopThrough()
+{
+    if (m_inEvents)
+        return;
+    m_inEvents = true;
+    qApp->installEventFilter(this);
+    QApplication::processEvents(QEventLoop::ExcludeSocketNotifiers);
+    qApp->removeEventFilter(this);
+    m_inEvents = false;
+    m_sinceEvents.restart();
+}

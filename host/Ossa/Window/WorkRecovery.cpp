@@ -1,0 +1,114 @@
+#include "Ossa/Window/WorkRecovery.h"
+
+#include "Ossa/Commands/Commands.h"
+#include "Ossa/Commands/ProjectCommands.h"
+#include "Ossa/Common/ApplicationPreferences.h"
+#include "Ossa/Dialogs/RecoveryDialog.h"
+#include "OssInterface/Popups/OssApplication.h"
+#include "OssInterface/Popups/OssMessageBox.h"
+
+#include <QDir>
+
+namespace {
+
+const QString fileFolder = QStringLiteral("/Ossa/File/");
+
+} // namespace
+
+WorkRecovery::WorkRecovery(ProjectCommands *projects, QWidget *window)
+    : QObject(window)
+    , m_projects(projects)
+    , m_window(window)
+    , m_autosave(OssRecovery::standardFolder(), this)
+{
+    const auto *preferences = ApplicationPreferences::instance();
+    const auto follow = [this, preferences] {
+        m_autosave.setInterval(preferences->autosaveSeconds());
+    };
+    connect(preferences, &ApplicationPreferences::autosaveIntervalChanged, this, follow);
+    follow();
+    connect(&m_autosave, &OssAutosave::failed, this, [this](const QString &reason) {
+        Q_EMIT trouble(tr("Unsaved work cannot be copied, a crash would lose it. %1").arg(reason));
+    });
+    Commands::file(
+        this, fileFolder, tr("Recover Unsaved Work..."), [this] { recoverNow(); },
+        tr("Restore what a session left that ended without saving"));
+}
+
+WorkRecovery::~WorkRecovery() = default;
+
+void WorkRecovery::forgetCopy()
+{
+    m_autosave.forgetCopy();
+}
+
+void WorkRecovery::report()
+{
+    const QVector<OssRecovery::Entry> entries = OssRecovery::entries(OssRecovery::standardFolder());
+    for (const OssRecovery::Entry &entry : entries)
+        OssMessageBox::report(
+            tr("Unsaved Work"),
+            entry.readable
+                ? tr("\"%1\" was not saved before its session ended; its copy of %2 can be restored "
+                     "in the window")
+                      .arg(entry.name, RecoveryDialog::timeText(entry.copiedAt))
+                : tr("a copy cannot be restored. %1").arg(entry.readable.error()));
+}
+
+QVector<OssRecovery::Entry> WorkRecovery::readableEntries()
+{
+    QVector<OssRecovery::Entry> readable;
+    const QVector<OssRecovery::Entry> entries = OssRecovery::entries(OssRecovery::standardFolder());
+    for (const OssRecovery::Entry &entry : entries) {
+        if (entry.readable)
+            readable.append(entry);
+        else
+            setAside(entry, entry.readable.error());
+    }
+    return readable;
+}
+
+void WorkRecovery::setAside(const OssRecovery::Entry &entry, const QString &reason)
+{
+    const QString place = OssRecovery::setAside(entry);
+    QString text = tr("The copy of unsaved work cannot be opened.\n%1").arg(reason);
+    if (!place.isEmpty())
+        text += tr("\nIt was put aside as \"%1\".").arg(QDir::toNativeSeparators(place));
+    OssMessageBox::warning(m_window, tr("Recover Unsaved Work"), text);
+}
+
+bool WorkRecovery::offer()
+{
+    if (!OssApplication::popupsAllowed()) {
+        report();
+        return false;
+    }
+    const QVector<OssRecovery::Entry> entries = readableEntries();
+    if (entries.isEmpty())
+        return false;
+    RecoveryDialog dialog(entries, m_window);
+    return dialog.exec() == QDialog::Accepted && restore(dialog.chosen());
+}
+
+bool WorkRecovery::restore(const OssRecovery::Entry &entry)
+{
+    if (!m_projects->mayClose())
+        return false;
+    const OssResult opened = m_autosave.restore(entry);
+    if (!opened)
+        setAside(entry, opened.error());
+    return opened.ok();
+}
+
+void WorkRecovery::recoverNow()
+{
+    const QVector<OssRecovery::Entry> entries = readableEntries();
+    if (entries.isEmpty()) {
+        OssMessageBox::information(m_window, tr("Recover Unsaved Work"),
+                                   tr("No session left work that was not saved."));
+        return;
+    }
+    RecoveryDialog dialog(entries, m_window);
+    if (dialog.exec() == QDialog::Accepted)
+        restore(dialog.chosen());
+}

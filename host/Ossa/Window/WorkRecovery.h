@@ -1,0 +1,43 @@
+#pragma once
+
+#include "OssModel/Project/OssAutosave.h"
+
+#include <QObject>
+
+class ProjectCommands;
+class QWidget;
+
+/// Copies unsaved work while the window is open, and offers what sessions left that died.
+class WorkRecovery : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// `window` is the parent of dialogs; this object must not outlive it.
+    WorkRecovery(ProjectCommands *projects, QWidget *window);
+    ~WorkRecovery() override;
+
+    /// Asks what is to become of the copies of dead sessions, if there are any. True when one was
+    /// restored. Without a user it only reports them.
+    bool offer();
+
+    /// The changes of the open project were given up or saved.
+    void forgetCopy();
+
+    /// Writes a line to log and stderr for each copy of a dead session. Touches none.
+    static void report();
+
+Q_SIGNALS:
+    /// What the user must know and need not answer.
+    void trouble(const QString &text);
+
+private:
+    void recoverNow();
+    bool restore(const OssRecovery::Entry &entry);
+    QVector<OssRecovery::Entry> readableEntries();
+    void setAside(const OssRecovery::Entry &entry, const QString &reason);
+
+    ProjectCommands *m_projects;
+    QWidget *m_window;
+    OssAutosave m_autosave;
+};

@@ -1,0 +1,169 @@
+#include "OssCore/OssDebug.h"
+#include "OssCore/OssSettings.h"
+#include "OssInterface/Popups/OssApplication.h"
+#include "OssInterface/Popups/OssFileDialog.h"
+#include "OssInterface/Popups/OssMessageBox.h"
+#include "OssInterface/Popups/OssPopupDialog.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QDir>
+#include <QFileDialog>
+#include <QInputDialog>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTimer>
+
+namespace {
+
+class WithoutUser : public testing::Test
+{
+protected:
+    WithoutUser() { OssApplication::setPopupsAllowed(false); }
+
+    ~WithoutUser() override { OssApplication::setPopupsAllowed(true); }
+
+    static bool logHas(const char *text)
+    {
+        const auto lines = OssDebugLog::instance()->lines();
+        return std::any_of(lines.cbegin(), lines.cend(), [text](const OssDebugLog::Line &line) {
+            return line.text.contains(QLatin1String(text));
+        });
+    }
+};
+
+} // namespace
+
+TEST_F(WithoutUser, boxesAnswerSafelyAtOnceAndReachLogAndStderr)
+{
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(OssMessageBox::warning(nullptr, QStringLiteral("T"), QStringLiteral("warned %s")),
+              QMessageBox::Ok);
+    EXPECT_EQ(OssMessageBox::question(nullptr, QStringLiteral("T"), QStringLiteral("asked")),
+              QMessageBox::No);
+    EXPECT_EQ(
+        OssMessageBox::question(nullptr, QStringLiteral("T"), QStringLiteral("saved?"),
+                                QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel),
+        QMessageBox::Cancel);
+    const std::string errors = testing::internal::GetCapturedStderr();
+    EXPECT_NE(errors.find("T: warned %s\n"), std::string::npos) << errors;
+    EXPECT_NE(errors.find("T: asked\n"), std::string::npos);
+    EXPECT_TRUE(logHas("T: warned %s"));
+}
+
+TEST_F(WithoutUser, checkBoxKeepsItsState)
+{
+    bool checked = true;
+    OssMessageBox::question(nullptr, QStringLiteral("T"), QStringLiteral("asked"),
+                            QMessageBox::Yes | QMessageBox::No, QStringLiteral("Again?"), &checked);
+    EXPECT_TRUE(checked);
+}
+
+TEST_F(WithoutUser, plainQtBoxesDoNotBlockEither)
+{
+    EXPECT_EQ(QMessageBox::warning(nullptr, QStringLiteral("T"), QStringLiteral("plain box")),
+              QMessageBox::Ok);
+    EXPECT_TRUE(logHas("plain box"));
+    EXPECT_EQ(QMessageBox::question(nullptr, QStringLiteral("T"), QStringLiteral("sure?")),
+              QMessageBox::No);
+    bool accepted = true;
+    QInputDialog::getItem(nullptr, QStringLiteral("Choose"), QStringLiteral("Port:"),
+                          {QStringLiteral("A"), QStringLiteral("B")}, 0, false, &accepted);
+    EXPECT_FALSE(accepted);
+    QMenu menu;
+    menu.addAction(QStringLiteral("Entry"));
+    EXPECT_EQ(menu.exec(QPoint(0, 0)), nullptr);
+    OssPopupDialog popup;
+    EXPECT_EQ(popup.exec(), int(QDialog::Rejected));
+}
+
+TEST_F(WithoutUser, fileDialogsAnswerEmpty)
+{
+    const QString key = QStringLiteral("Key");
+    const QString filter = QStringLiteral("*.ong");
+    EXPECT_TRUE(OssFileDialog::getSaveFileName(QString(), filter, key).isEmpty());
+    EXPECT_TRUE(OssFileDialog::getOpenFileNames(QString(), filter, key).isEmpty());
+    EXPECT_TRUE(OssFileDialog::getExistingDirectory(QString(), key).isEmpty());
+}
+
+TEST(Dialogs, userAnswersAreHandedOn)
+{
+    QTimer::singleShot(0, [] {
+        auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+        box->checkBox()->setChecked(true);
+        box->button(QMessageBox::Yes)->click();
+    });
+    bool checked = false;
+    const auto answer = OssMessageBox::question(
+        nullptr, QStringLiteral("T"), QStringLiteral("asked"), QMessageBox::Yes | QMessageBox::No,
+        QStringLiteral("Don't show again"), &checked);
+    EXPECT_EQ(answer, QMessageBox::Yes);
+    EXPECT_TRUE(checked);
+}
+
+TEST(Dialogs, suffixIsAppendedOnlyWhenMissing)
+{
+    const auto with = [](const char *path, const char *filter) {
+        return OssFileDialog::withSuffix(QString::fromLatin1(path), QString::fromLatin1(filter));
+    };
+    EXPECT_EQ(with("/a/wall", "*.ong"), QStringLiteral("/a/wall.ong"));
+    EXPECT_EQ(with("/a/wall.ONG", "*.ong"), QStringLiteral("/a/wall.ONG"));
+    EXPECT_EQ(with("/a/wall.v2", "Nodes (*.ong)"), QStringLiteral("/a/wall.v2.ong"));
+    EXPECT_EQ(with("/a/wall.jpg", "Images (*.png *.jpg)"), QStringLiteral("/a/wall.jpg"));
+    EXPECT_EQ(with("", "*.ong"), QString());
+}
+
+TEST(Dialogs, rememberedFolderIsHomeWhenItHasGone)
+{
+    const QString key = QStringLiteral("SomePath");
+    {
+        const QTemporaryDir folder;
+        OssFileDialog::rememberFolder(key, folder.path());
+        EXPECT_EQ(OssFileDialog::rememberedFolder(key), folder.path());
+    }
+    EXPECT_EQ(OssFileDialog::rememberedFolder(key), QDir::homePath());
+}
+
+TEST(Dialogs, aFolderWithTheSuffixIsReplacedAfterAskingAndNotEntered)
+{
+    const QString key = QStringLiteral("FolderPath");
+    const QTemporaryDir folder;
+    const QString wall = folder.filePath(QStringLiteral("wall.ossa"));
+    ASSERT_TRUE(QDir().mkpath(wall));
+    OssFileDialog::rememberFolder(key, folder.path());
+    const auto save = [&](const QString &name, QMessageBox::StandardButton answer) {
+        int questions = 0;
+        QTimer::singleShot(0, [&] {
+            auto *dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
+            Q_EMIT dialog->directoryEntered(wall);
+            EXPECT_EQ(dialog->directory().path(), folder.path());
+            auto *edit = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+            EXPECT_EQ(edit->text(), QStringLiteral("wall.ossa"));
+            QApplication::setActiveWindow(dialog);
+            edit->setFocus(); // without it Qt takes what is selected for the name
+            edit->setText(name);
+            QTimer::singleShot(0, [&] {
+                if (auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
+                    ++questions;
+                    box->button(answer)->click();
+                }
+            });
+            QMetaObject::invokeMethod(dialog, "accept");
+            if (dialog->isVisible())
+                dialog->reject();
+        });
+        const QString path = OssFileDialog::getSaveFileName(
+            QString(), QStringLiteral("Projects (*.ossa)"), key);
+        return std::make_pair(path, questions);
+    };
+    const QString name = QStringLiteral("wall.ossa");
+    EXPECT_EQ(save(name, QMessageBox::Yes), std::make_pair(wall, 1));
+    EXPECT_EQ(save(QStringLiteral("wall"), QMessageBox::Yes), std::make_pair(wall, 1));
+    EXPECT_EQ(save(name, QMessageBox::No), std::make_pair(QString(), 1));
+    EXPECT_EQ(save(QStringLiteral("floor"), QMessageBox::No),
+              std::make_pair(folder.filePath(QStringLiteral("floor.ossa")), 0));
+}

@@ -1,0 +1,82 @@
+#include "OssInterface/Widgets/OssExpandableListHeading.h"
+#include "OssInterface/Widgets/OssExpandableListWidget.h"
+#include "OssInterface/Widgets/OssFormLayout.h"
+#include "OssInterface/Widgets/OssMiniButton.h"
+
+#include <gtest/gtest.h>
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QSignalSpy>
+#include <QTest>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+TEST(ExpandableList, headingFoldsTheBodyByMouseAndKey)
+{
+    OssExpandableListWidget panel(QStringLiteral("Warp"));
+    auto *body = new QLabel(QStringLiteral("body"));
+    panel.setBody(body);
+    panel.show();
+    QTest::mouseClick(panel.heading(), Qt::LeftButton);
+    EXPECT_TRUE(panel.isCollapsed());
+    EXPECT_FALSE(body->isVisible());
+    QTest::keyClick(panel.heading()->findChild<QToolButton *>(), Qt::Key_Space);
+    EXPECT_FALSE(panel.isCollapsed());
+    EXPECT_TRUE(body->isVisible());
+}
+
+TEST(ExpandableList, collapsedChangedOnlyOnChange)
+{
+    OssExpandableListWidget panel;
+    const QSignalSpy changed(&panel, &OssExpandableListWidget::collapsedChanged);
+    panel.expand();
+    panel.collapse();
+    panel.collapse();
+    EXPECT_EQ(changed.count(), 1);
+    EXPECT_EQ(panel.heading(), nullptr);
+}
+
+TEST(ExpandableList, styleSheetsSelectItByIdAndProperty)
+{
+    OssExpandableListWidget panel(QStringLiteral("Warp"));
+    panel.setObjectName(QStringLiteral("4f8a8b"));
+    panel.setStyleSheet(QStringLiteral(
+        "QFrame#4f8a8b[OssExpandableListWidget=true] { border-top: 6px solid #ff0000; }"));
+    panel.resize(80, 60);
+    EXPECT_EQ(panel.grab().toImage().pixelColor(40, 2), QColor(255, 0, 0));
+}
+
+TEST(ExpandableList, insertedWidgetsKeepTheirOrderAroundTheTitle)
+{
+    OssExpandableListHeading heading(QStringLiteral("Warp"));
+    auto *first = new OssMiniButton(QStringLiteral("p"));
+    auto *second = new OssMiniButton(QStringLiteral("s"));
+    heading.insertWidget(0, first);
+    heading.insertWidget(1, second);
+    auto *last = new OssMiniButton(QStringLiteral("x"));
+    heading.insertWidget(-1, last);
+    heading.resize(300, 30);
+    heading.show();
+    EXPECT_LT(first->x(), second->x());
+    const QRect title = heading.findChild<QLabel *>()->geometry();
+    EXPECT_LT(second->geometry().right(), title.left());
+    EXPECT_GT(last->x(), title.right());
+}
+
+TEST(FormLayout, labelsOfAllFormsGetOneWidth)
+{
+    QWidget panel;
+    auto *column = new QVBoxLayout(&panel);
+    QList<QLineEdit *> editors;
+    for (const char *text : {"A", "A considerably longer label"}) {
+        auto *part = new QWidget;
+        auto *form = new OssFormLayout(part);
+        editors.append(new QLineEdit);
+        form->addRow(QString::fromLatin1(text), editors.last());
+        column->addWidget(part);
+    }
+    OssFormLayout::alignLabels(&panel);
+    panel.show();
+    EXPECT_EQ(editors[0]->mapTo(&panel, QPoint()).x(), editors[1]->mapTo(&panel, QPoint()).x());
+}

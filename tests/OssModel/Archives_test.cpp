@@ -1,0 +1,198 @@
+#include "OssCore/OssArchive.h"
+#include "OssModel/Images/OssImage.h"
+#include "OssModel/Images/OssImageList.h"
+#include "OssModel/Images/OssImageManager.h"
+#include "OssModel/Nodes/OssNodeArchive.h"
+#include "OssModel/Nodes/OssSnCustomProceduralNode.h"
+#include "OssModel/Nodes/OssSnMaterialNode.h"
+#include "support/ModelFixture.h"
+
+#include <QFile>
+#include <QImage>
+#include <QTemporaryDir>
+
+namespace {
+
+class Archives : public ModelFixture
+{
+protected:
+    QString file(const char *name) const { return m_folder.filePath(QString::fromLatin1(name)); }
+
+    static void write(const QString &path, const QByteArray &content)
+    {
+        QFile target(path);
+        ASSERT_TRUE(target.open(QIODevice::WriteOnly));
+        target.write(content);
+    }
+
+    OssImage *openPicture(const char *name)
+    {
+        QImage picture(8, 8, QImage::Format_RGB32);
+        picture.fill(Qt::red);
+        EXPECT_TRUE(picture.save(file(name)));
+        const auto layers = OssImageManager::instance()->open(
+            file(name), OssImageManager::GatherPatches, OssImageManager::defaultCategory());
+        return layers.size() == 1 ? layers.first().image : nullptr;
+    }
+
+    QTemporaryDir m_folder;
+    QList<OssSnBaseNode *> m_inserted;
+};
+
+TEST_F(Archives, partsComeBackAndTheSamePartsGiveTheSameBytes)
+{
+    const OssArchive::Parts parts{{QStringLiteral("a.xml"), "<a/>"},
+                                  {QStringLiteral("images/ü.png"), QByteArray(100000, 'x')}};
+    ASSERT_TRUE(OssArchive::write(file("one.zip"), parts));
+    ASSERT_TRUE(OssArchive::write(file("two.zip"), parts));
+    QFile one(file("one.zip"));
+    QFile two(file("two.zip"));
+    ASSERT_TRUE(one.open(QIODevice::ReadOnly) && two.open(QIODevice::ReadOnly));
+    EXPECT_EQ(one.readAll(), two.readAll());
+    OssArchive::Parts read;
+    ASSERT_TRUE(OssArchive::read(file("one.zip"), &read));
+    EXPECT_EQ(read, parts);
+}
+
+TEST_F(Archives, whatLeadsOutsideIsDamagedOrIsNoArchiveIsRefusedByName)
+{
+    for (const char *name : {"../up", "/root", "a/../../b", "C:/x", "a\\b"}) {
+        ASSERT_TRUE(OssArchive::write(file("bad.zip"), {{QString::fromLatin1(name), "x"}}));
+        OssArchive::Parts read;
+        const OssResult result = OssArchive::read(file("bad.zip"), &read);
+        EXPECT_FALSE(result) << name;
+        EXPECT_TRUE(result.error().contains(QStringLiteral("bad.zip")));
+        EXPECT_TRUE(read.isEmpty());
+    }
+    ASSERT_TRUE(
+        OssArchive::write(file("good.zip"), {{QStringLiteral("a"), QByteArray(5000, 'q')}}));
+    QFile good(file("good.zip"));
+    ASSERT_TRUE(good.open(QIODevice::ReadOnly));
+    const QByteArray bytes = good.readAll();
+    OssArchive::Parts read;
+    for (int size = 0; size < bytes.size(); size += 7) {
+        write(file("cut.zip"), bytes.left(size));
+        EXPECT_FALSE(OssArchive::read(file("cut.zip"), &read)) << size;
+    }
+    for (int at = 30; at < 60; ++at) {
+        QByteArray damaged = bytes;
+        damaged[at] = char(damaged[at] ^ 0x55);
+        write(file("damaged.zip"), damaged);
+        OssResult result = OssArchive::read(file("damaged.zip"), &read); // must not crash
+        EXPECT_EQ(bool(result), !read.isEmpty());
+    }
+    write(file("text.zip"), "hello");
+    EXPECT_FALSE(OssArchive::read(file("text.zip"), &read));
+    EXPECT_FALSE(OssArchive::read(file("none.zip"), &read));
+}
+
+TEST_F(Archives, aMaterialComesBackWithItsImages)
+{
+    auto *material = qobject_cast<OssSnMaterialNode *>(add("_System/Material", "Rust"));
+    ASSERT_NE(material, nullptr);
+    EXPECT_TRUE(material->isValid());
+    EXPECT_TRUE(material->hasOutputPoint(QStringLiteral("Material")));
+    OssImage *image = openPicture("rust.1001.png");
+    ASSERT_NE(image, nullptr);
+    EXPECT_TRUE(image->isUdim());
+    OssSnBaseNode *tiled = material->groupNetwork()->createNode(
+        QStringLiteral("Procedural/Pattern/Tiled"));
+    tiled->setAttribute(QStringLiteral("TileImage"), OssImageList(image->uniqueId()).toVariant());
+    ASSERT_TRUE(OssNodeArchive::write(material, OssNodeArchive::Kind::Material, file("rust.oma")));
+
+    OssProjectManager::instance()->closeProject();
+    m_project = OssProjectManager::instance()->newProject(QStringLiteral("Other"));
+    m_network = m_project->shadingGroups().first()->network();
+    const QByteArray before = m_project->stateHash();
+    ASSERT_TRUE(OssSnMaterialNode::importFromFile(m_network, file("rust.oma"), &m_inserted));
+    ASSERT_EQ(m_inserted.size(), 1);
+    auto *copy = qobject_cast<OssSnMaterialNode *>(m_inserted.first());
+    ASSERT_NE(copy, nullptr);
+    EXPECT_TRUE(copy->isValid());
+    OssSnBaseNode *copied = copy->groupNetwork()->node(tiled ? QStringLiteral("Tiled") : QString());
+    ASSERT_NE(copied, nullptr);
+    const auto ids = OssImageList::fromVariant(copied->attribute(QStringLiteral("TileImage")))
+                         .ids();
+    ASSERT_EQ(ids.size(), 1);
+    OssImage *unpacked = OssImageManager::instance()->getImage(ids.first());
+    ASSERT_NE(unpacked, nullptr);
+    EXPECT_TRUE(QFile::exists(unpacked->pathOfPatch(1001)));
+    EXPECT_EQ(undoCount(), 1);
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(m_project->stateHash(), before);
+
+    EXPECT_FALSE(
+        OssSnCustomProceduralNode::importFromFile(m_network, file("rust.oma"), &m_inserted));
+    EXPECT_EQ(m_project->stateHash(), before);
+}
+
+TEST_F(Archives, aGroupBecomesACustomProcedural)
+{
+    auto *group = qobject_cast<OssSnGroupNode *>(add("Misc/Group", "Dirt"));
+    OssSnBaseNode *in = group->createInput(QStringLiteral("Below"), OssSnDataKind::Color);
+    OssSnBaseNode *out = group->createOutput(QStringLiteral("Result"), OssSnDataKind::Color);
+    wire(in, out);
+    ASSERT_TRUE(
+        OssNodeArchive::write(group, OssNodeArchive::Kind::CustomProcedural, file("dirt.opc")));
+    ASSERT_TRUE(
+        OssSnCustomProceduralNode::importFromFile(m_network, file("dirt.opc"), &m_inserted));
+    auto *closed = qobject_cast<OssSnCustomProceduralNode *>(m_inserted.value(0));
+    ASSERT_NE(closed, nullptr);
+    EXPECT_EQ(closed->inputNames(), group->inputNames());
+    EXPECT_EQ(closed->outputNodesInside().first()->inputNode(QStringLiteral("Input")),
+              closed->inputNodesInside().first());
+}
+
+TEST_F(Archives, archivesThatLieAboutTheirContentsChangeNothing)
+{
+    const QByteArray before = m_project->stateHash();
+    const QByteArray manifest = "<ossaArchive major=\"1\" kind=\"material\" name=\"x\"/>";
+
+    const struct
+    {
+        OssArchive::Parts parts;
+    } cases[] = {
+        {{}},
+        {{{QStringLiteral("manifest.xml"), "<other/>"}}},
+        {{{QStringLiteral("manifest.xml"), manifest}}},
+        {{{QStringLiteral("manifest.xml"), manifest}, {QStringLiteral("nodes.ong"), "<x"}}},
+        {{{QStringLiteral("manifest.xml"),
+           "<ossaArchive major=\"7\" kind=\"material\" name=\"x\"/>"}}},
+        {{{QStringLiteral("manifest.xml"),
+           "<!DOCTYPE a [<!ENTITY b \"c\">]><ossaArchive major=\"1\" kind=\"&b;\"/>"}}},
+    };
+
+    for (const auto &test : cases) {
+        ASSERT_TRUE(OssArchive::write(file("lie.oma"), test.parts));
+        const OssResult result = OssSnMaterialNode::importFromFile(m_network, file("lie.oma"),
+                                                                   &m_inserted);
+        EXPECT_FALSE(result);
+        EXPECT_TRUE(result.error().contains(QStringLiteral("lie.oma")))
+            << qPrintable(result.error());
+        EXPECT_EQ(m_project->stateHash(), before);
+    }
+}
+
+TEST_F(Archives, picturesAreGatheredByPatchAndSavedWithTheProject)
+{
+    openPicture("wood.1001.png");
+    openPicture("wood.1002.png");
+    openPicture("single.png");
+    write(file("broken.txt"), "x");
+    EXPECT_EQ(OssImageManager::instance()->images().size(), 2);
+    EXPECT_TRUE(OssImageManager::instance()
+                    ->open(file("broken.txt"), 0, OssImageManager::defaultCategory())
+                    .isEmpty());
+    EXPECT_EQ(OssImageManager::instance()->images().first()->patches(), (QList<int>{1001, 1002}));
+    EXPECT_EQ(OssImageManager::picturesOf({QUrl::fromLocalFile(m_folder.path())}).size(), 2);
+    const OssImageUniqueId id = OssImageManager::instance()->images().first()->uniqueId();
+    const QByteArray hash = m_project->stateHash();
+    OssProjectManager *projects = OssProjectManager::instance();
+    ASSERT_TRUE(projects->saveProjectAs(file("Test.ossa")));
+    ASSERT_TRUE(projects->openProject(file("Test.ossa")));
+    m_project = projects->currentProject();
+    EXPECT_NE(OssImageManager::instance()->getImage(id), nullptr);
+    EXPECT_EQ(m_project->stateHash(), hash);
+}
+
+} // namespace

@@ -1,0 +1,235 @@
+#include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
+#include "OssModel/Graph/OssShaderNetworkIO.h"
+#include "support/ModelFixture.h"
+
+#include <QTemporaryDir>
+
+namespace {
+
+const QString Radius = QStringLiteral("Radius");
+
+/// A group with two blurs and a noise inside.
+class Knobs : public ModelFixture
+{
+protected:
+    void SetUp() override
+    {
+        ModelFixture::SetUp();
+        OssSnBaseNode *first = add("Filter/Blur", "First");
+        OssSnBaseNode *second = add("Filter/Blur", "Second");
+        add("Procedural/Noise/Fractal Noise", "Noise");
+        add("Procedural/Color", "Color");
+        m_group = m_network->groupNodes({first, second, m_network->node(QStringLiteral("Noise"))});
+        m_first = first;
+        m_second = second;
+        m_second->setAttribute(Radius, 3.0);
+        m_linker = OssLinkedCustomAttributeManager::instance();
+        OssUndoManager::instance()->clear();
+        m_start = m_project->stateHash();
+    }
+
+    static void undoAll()
+    {
+        while (OssUndoManager::instance()->canUndo())
+            OssUndoManager::instance()->undo();
+    }
+
+    int linkCount(const QString &knob) const { return m_linker->links(m_group, knob).size(); }
+
+    static double valueOf(const OssSnBaseNode *node, const QString &name = Radius)
+    {
+        return node->attribute(name).toDouble();
+    }
+
+    OssSnGroupNode *m_group = nullptr;
+    OssSnBaseNode *m_first = nullptr;
+    OssSnBaseNode *m_second = nullptr;
+    OssLinkedCustomAttributeManager *m_linker = nullptr;
+    QByteArray m_start;
+};
+
+TEST_F(Knobs, changeOnEitherSideShowsOnBothAndIsOneStep)
+{
+    const QString knob = m_group->createKnob(m_first, Radius);
+    EXPECT_EQ(knob, Radius);
+    EXPECT_EQ(m_group->nodeAttributes(), QStringList({QStringLiteral("First/Radius")}));
+    EXPECT_EQ(undoCount(), 1);
+    EXPECT_EQ(m_group->createKnob(m_first, Radius), knob); // one knob for one attribute
+    EXPECT_EQ(undoCount(), 1);
+
+    m_group->setAttribute(knob, 20.0);
+    EXPECT_EQ(valueOf(m_first), 20.0);
+    m_first->setAttribute(Radius, 30.0);
+    EXPECT_EQ(valueOf(m_group, knob), 30.0);
+    EXPECT_EQ(undoCount(), 3);
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(valueOf(m_first), 20.0);
+    EXPECT_EQ(valueOf(m_group, knob), 20.0);
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(valueOf(m_first), 8.0);
+    OssUndoManager::instance()->redo();
+    EXPECT_EQ(valueOf(m_first), 20.0);
+    expectUndoIsExact(m_start);
+
+    EXPECT_EQ(
+        m_group->createKnob(m_network->node(QStringLiteral("Color")), QStringLiteral("Color")),
+        QString());
+    EXPECT_EQ(m_group->createKnob(m_first, QStringLiteral("None")), QString());
+}
+
+TEST_F(Knobs, linkedKnobsBecomeOneWithTheFirstsValueAndComeBack)
+{
+    const QString first = m_group->createKnob(m_first, Radius);
+    const QString second = m_group->createKnob(m_second, Radius);
+    const QString quality = m_group->createKnob(m_first, QStringLiteral("Quality"));
+    EXPECT_EQ(second, QStringLiteral("Radius_2"));
+    const int before = undoCount();
+    EXPECT_FALSE(m_group->linkKnobs(QStringLiteral("Both"), {first, quality}));
+    EXPECT_FALSE(m_group->linkKnobs(quality, {first, second}));
+    EXPECT_EQ(undoCount(), before);
+
+    ASSERT_TRUE(m_group->linkKnobs(QStringLiteral("Both"), {first, second}));
+    EXPECT_EQ(undoCount(), before + 1);
+    EXPECT_EQ(m_group->nodeAttributes(),
+              QStringList({QStringLiteral("First/Both"), QStringLiteral("First/Quality")}));
+    EXPECT_EQ(linkCount(QStringLiteral("Both")), 2);
+    EXPECT_EQ(valueOf(m_second), 8.0);
+    m_second->setAttribute(Radius, 5.0);
+    EXPECT_EQ(valueOf(m_first), 5.0);
+
+    OssUndoManager::instance()->undo();
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(valueOf(m_second), 3.0);
+    EXPECT_EQ(valueOf(m_group, second), 3.0);
+    EXPECT_EQ(valueOf(m_first), 8.0);
+    OssUndoManager::instance()->redo();
+    expectUndoIsExact(m_start);
+}
+
+TEST_F(Knobs, knobsOrderNamesAndLinksSurviveSaving)
+{
+    const QString radius = m_group->createKnob(m_first, Radius);
+    const QString quality = m_group->createKnob(m_second, QStringLiteral("Quality"));
+    m_group->addKnobLink(radius, m_second, Radius);
+    m_group->renameKnobName(radius, QStringLiteral("Radius"), QStringLiteral("Wie <weich>"));
+    m_group->setNodeAttributesUndo(
+        {QStringLiteral("Second/Quality"), QStringLiteral("First/Radius")});
+    EXPECT_EQ(m_group->nodeAttributes().first(), QStringLiteral("Second/Quality"));
+    m_group->setNodeAttributesUndo({QStringLiteral("Second/Quality")}); // not all: refused
+    EXPECT_EQ(m_group->nodeAttributes().size(), 2);
+    m_second->setNodeAttributesUndo({QStringLiteral("Quality"), Radius});
+    expectUndoIsExact(m_start);
+
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("Knobs.ossa"));
+    ASSERT_TRUE(OssProjectManager::instance()->saveProjectAs(path));
+    const QByteArray hash = m_project->stateHash(); // a saved project has its file's name
+    ASSERT_TRUE(OssProjectManager::instance()->openProject(path));
+    m_project = OssProjectManager::instance()->currentProject();
+    EXPECT_EQ(m_project->stateHash(), hash);
+    m_network = m_project->shadingGroups().first()->network();
+    m_group = qobject_cast<OssSnGroupNode *>(m_network->node(QStringLiteral("Group")));
+    ASSERT_NE(m_group, nullptr);
+    EXPECT_EQ(m_group->userAttribute(radius).prettyName(), QStringLiteral("Wie <weich>"));
+    EXPECT_EQ(m_group->userAttribute(radius).definition().maximum.toDouble(), 500.0);
+    m_group->setAttribute(radius, 77.0);
+    m_group->setAttribute(quality, QStringLiteral("Box"));
+    const OssShaderNetwork *inside = m_group->groupNetwork();
+    EXPECT_EQ(inside->node(QStringLiteral("Second"))->nodeAttributes(),
+              QStringList({QStringLiteral("Quality"), Radius}));
+    EXPECT_EQ(valueOf(inside->node(QStringLiteral("First"))), 77.0);
+    EXPECT_EQ(valueOf(inside->node(QStringLiteral("Second"))), 77.0);
+    EXPECT_EQ(inside->node(QStringLiteral("Second"))->attribute(quality).toString(),
+              QStringLiteral("Box"));
+}
+
+TEST_F(Knobs, copyOfAGroupDrivesItsOwnInside)
+{
+    const QString knob = m_group->createKnob(m_first, Radius);
+    const auto copies = OssShaderNetworkIO::duplicateNodes(m_network, {m_group}, true);
+    ASSERT_EQ(copies.size(), 1);
+    auto *copy = qobject_cast<OssSnGroupNode *>(copies.first());
+    copy->setAttribute(knob, 99.0);
+    EXPECT_EQ(valueOf(copy->groupNetwork()->node(QStringLiteral("First"))), 99.0);
+    EXPECT_EQ(valueOf(m_first), 8.0);
+    EXPECT_EQ(valueOf(m_group, knob), 8.0);
+}
+
+TEST_F(Knobs, pastingIntoTheSameGroupLinksTheCopy)
+{
+    OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
+    const QString knob = m_group->createKnob(m_first, Radius);
+    const QByteArray text = OssShaderNetworkIO::nodesToText({m_first});
+    m_group->setAttribute(knob, 12.0);
+    OssUndoManager::instance()->clear();
+    m_start = m_project->stateHash();
+
+    const auto pasteInto = [&](OssShaderNetwork *network, bool smart) {
+        const OssUndoManager::AutoMacro macro(QStringLiteral("Paste"));
+        QList<OssSnBaseNode *> inserted;
+        EXPECT_TRUE(OssShaderNetworkIO::nodesFromText(network, text, {}, &inserted));
+        networks->setAttributeSmartLinkingEnabled(smart);
+        networks->createDelayedKnobs(inserted);
+        networks->setAttributeSmartLinkingEnabled(false);
+        return inserted.value(0);
+    };
+
+    OssSnBaseNode *linked = pasteInto(m_group->groupNetwork(), true);
+    EXPECT_EQ(linkCount(knob), 2);
+    EXPECT_EQ(valueOf(linked), 12.0); // what the knob says now
+    m_group->setAttribute(knob, 13.0);
+    EXPECT_EQ(valueOf(linked), 13.0);
+    pasteInto(m_group->groupNetwork(), false);
+    pasteInto(m_network, true);
+    EXPECT_EQ(linkCount(knob), 2);
+    expectUndoIsExact(m_start);
+}
+
+TEST_F(Knobs, linkBreaksWithItsNodeHealsWithUndoAndCanBeRemoved)
+{
+    const QString knob = m_group->createKnob(m_first, Radius);
+    m_group->addKnobLink(knob, m_second, Radius);
+    m_group->groupNetwork()->removeNodes({m_first});
+    EXPECT_EQ(m_group->brokenLinkCount(knob), 1);
+    EXPECT_EQ(m_linker->links(m_group, knob).first().nodePath, QStringLiteral("First"));
+    m_group->setAttribute(knob, 40.0);
+    EXPECT_EQ(valueOf(m_second), 40.0);
+    undoAll();
+    EXPECT_EQ(valueOf(m_first), 8.0);
+    EXPECT_EQ(m_project->stateHash(), m_start);
+    while (OssUndoManager::instance()->canRedo())
+        OssUndoManager::instance()->redo();
+
+    EXPECT_EQ(m_group->removeBrokenLinks(), 1);
+    EXPECT_EQ(linkCount(knob), 1);
+    m_group->groupNetwork()->removeNodes({m_second});
+    EXPECT_EQ(m_group->removeBrokenLinks(), 1);
+    EXPECT_FALSE(m_group->exists(knob)); // it stood for nothing any more
+    expectUndoIsExact(m_start);
+}
+
+TEST_F(Knobs, groupingAndUngroupingInsideKeepsKnobsOutside)
+{
+    // A knob that leads through the knob of an inner group, and one that goes straight there.
+    OssSnGroupNode *inner = m_group->groupNetwork()->groupNodes({m_first});
+    const QString innerKnob = inner->createKnob(m_first, Radius);
+    const QString outer = m_group->createKnob(inner, innerKnob);
+    const QString direct = m_group->createKnob(m_first, QStringLiteral("Quality"));
+    ASSERT_FALSE(direct.isEmpty());
+    EXPECT_EQ(m_linker->links(m_group, direct).first().nodePath,
+              inner->name() + QStringLiteral("/First"));
+    m_group->setAttribute(outer, 21.0);
+    EXPECT_EQ(valueOf(m_first), 21.0);
+    m_first->setAttribute(Radius, 22.0);
+    EXPECT_EQ(valueOf(m_group, outer), 22.0);
+
+    m_group->groupNetwork()->ungroup(inner);
+    EXPECT_EQ(m_group->brokenLinkCount(outer), 0);
+    m_group->setAttribute(outer, 23.0);
+    EXPECT_EQ(valueOf(m_first), 23.0);
+    m_group->setAttribute(direct, QStringLiteral("Box"));
+    EXPECT_EQ(m_first->attribute(direct).toString(), QStringLiteral("Box"));
+    expectUndoIsExact(m_start);
+}
+
+} // namespace

@@ -82,6 +82,7 @@ void OssShaderNetworkNodeGraphViewContextPlugin::createActions()
     createNodeCreationActions();
     for (const Row &row : rows) {
         auto *action = new QAction(tr(row.text), this);
+        OssActionTreeManager::setName(action, QString::fromLatin1(row.text));
         OssActionTreeManager::instance()->registerAction(ActionFolder, action);
         connect(action, &QAction::triggered, this, row.slot);
     }

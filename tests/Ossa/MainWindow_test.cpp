@@ -268,7 +268,7 @@ TEST_F(Window, defaultKeysOfAllCommandsInMenusAreFreeOfConflicts)
 {
     auto *tree = OssActionTreeManager::instance();
     std::vector<std::unique_ptr<QAction>> standIns;
-    for (const char *menu : {"File", "Edit", "View", "Node Graph", "Object", "Help"}) {
+    for (const char *menu : {"File", "Edit", "View", "Graph", "Object", "Help"}) {
         const QStringList paths = OssMenuManager::instance()->commandPaths(
             QStringLiteral("Main"), QString::fromLatin1(menu));
         for (const QString &path : paths) {

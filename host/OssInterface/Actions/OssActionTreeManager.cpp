@@ -7,6 +7,12 @@
 
 #include <algorithm>
 
+namespace {
+
+constexpr const char *NameProperty = "ossCommandName";
+
+} // namespace
+
 OssActionTreeManager *OssActionTreeManager::instance()
 {
     static OssActionTreeManager manager;
@@ -53,7 +59,9 @@ void OssActionTreeManager::registerAction(const QString &folder, QAction *action
         OssDebug(__FILE__, __LINE__, "Action is NULL");
         return;
     }
-    const QString path = normalizedPath(folder + QLatin1Char('/') + action->text());
+    const QVariant name = action->property(NameProperty);
+    const QString path = normalizedPath(folder + QLatin1Char('/')
+                                        + (name.isValid() ? name.toString() : action->text()));
     if (m_byPath.contains(path, action))
         return;
     m_entries.append({folder, path, action});
@@ -62,6 +70,11 @@ void OssActionTreeManager::registerAction(const QString &folder, QAction *action
     connect(action, &QObject::destroyed, this, &OssActionTreeManager::dropAction,
             Qt::UniqueConnection);
     Q_EMIT actionRegistered(path, action);
+}
+
+void OssActionTreeManager::setName(QAction *action, const QString &name)
+{
+    action->setProperty(NameProperty, name);
 }
 
 QVector<OssActionTreeManager::Entry> OssActionTreeManager::entries(const QString &folder,

@@ -11,8 +11,8 @@
 class QAction;
 
 /// All commands of the application by path: menus, keys, the command palette and scripts find them
-/// here. An action's identity is the folder it is filed under followed by the text it had when it
-/// was filed; a later change of its text does not change it.
+/// here. An action's identity is the folder it is filed under followed by its name, which is the
+/// text it has when it is filed unless it was given another; texts may be translated and change.
 ///
 /// Paths are read part by part: leading, trailing and doubled slashes mean nothing. Letter case
 /// does. Actions are not owned; one that dies drops out. Several may share an identity, and the
@@ -36,6 +36,8 @@ public:
     /// Null when there is none.
     QAction *findAction(const QString &fullPath) const;
     void registerAction(const QString &folder, QAction *action);
+    /// What the action is known by whatever its text is. Before it is filed.
+    static void setName(QAction *action, const QString &name);
 
     /// Everything, in the order of filing.
     const QVector<Entry> &entries() const { return m_entries; }

@@ -1,7 +1,7 @@
 #include "OssInterface/Actions/OssMenuManager.h"
 
 #include "OssInterface/Actions/OssActionTreeManager.h"
-#include "OssInterface/Actions/OssHostMenus.h"
+#include "OssInterface/Actions/OssCommandTable.h"
 #include "OssInterface/Actions/OssMenu.h"
 
 #include <QStringList>
@@ -85,9 +85,12 @@ OssMenuManager *OssMenuManager::instance()
 
 OssMenuManager::OssMenuManager()
 {
-    for (const OssHostMenus::Row &row : OssHostMenus::table())
-        defineMenu(QString::fromLatin1(row.group), QString::fromLatin1(row.name),
-                   OssMenuDefinition::fromText(QString::fromLatin1(row.text)));
+    const QString context = QStringLiteral("Context");
+    defineMenu(context, QStringLiteral("NodeGraph"), OssCommandTable::menu(context));
+    for (const OssCommandTable::Menu &menu : OssCommandTable::barMenus()) {
+        const QString name = QString::fromLatin1(menu.name);
+        defineMenu(QStringLiteral("Main"), name, OssCommandTable::menu(name));
+    }
 }
 
 void OssMenuManager::defineMenu(const QString &group, const QString &name,

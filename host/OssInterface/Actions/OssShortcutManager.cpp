@@ -2,7 +2,7 @@
 
 #include "OssCore/OssSettings.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
-#include "OssInterface/Actions/OssDefaultShortcuts.h"
+#include "OssInterface/Actions/OssCommandTable.h"
 
 #include <QAction>
 #include <QApplication>
@@ -99,7 +99,7 @@ QList<QKeySequence> OssShortcutManager::keys(const QString &path) const
 QList<QKeySequence> OssShortcutManager::defaultKeys(const QString &path) const
 {
     const QString normalized = OssActionTreeManager::normalizedPath(path);
-    const QList<QKeySequence> keys = OssDefaultShortcuts::keys(normalized);
+    const QList<QKeySequence> keys = OssCommandTable::keys(normalized);
     return keys.isEmpty() ? m_own.value(normalized) : keys;
 }
 
@@ -208,7 +208,7 @@ bool OssShortcutManager::eventFilter(QObject *watched, QEvent *event)
 void OssShortcutManager::onActionRegistered(const QString &path, QAction *action)
 {
     if (!m_own.contains(path) && !action->shortcuts().isEmpty()
-        && OssDefaultShortcuts::keys(path).isEmpty() && !m_bound.contains(path))
+        && OssCommandTable::keys(path).isEmpty() && !m_bound.contains(path))
         m_own.insert(path, action->shortcuts());
     bind(path);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "OssInterface/Actions/OssCommandTable.h"
+
 #include <QString>
 
 #include <functional>
@@ -7,11 +9,18 @@
 class QAction;
 class QObject;
 
+/// Brings the application's commands to life.
 namespace Commands {
 
-/// Makes a command of the application and files it under `folder` of the action tree. The owner
-/// owns it; `run` is not called after the owner has died.
-QAction *file(QObject *owner, const QString &folder, const QString &text,
-              const std::function<void()> &run, const QString &statusTip = {});
+/// Makes the action of a row of the command table and files it. The owner owns it; `run` is not
+/// called after the owner has died. Null, with a debug line, for a path that has no row.
+QAction *file(QObject *owner, const QString &path, const std::function<void()> &run);
+
+/// The same for what comes and goes while the program runs, such as recent files.
+QAction *fileNamed(QObject *owner, const QString &folder, const QString &name,
+                   const std::function<void()> &run, const QString &tip);
+
+/// Whether what `when` says holds now: enables the commands that need it, and disables them.
+void setHolds(OssCommandTable::When when, bool holds);
 
 } // namespace Commands

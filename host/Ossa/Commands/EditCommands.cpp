@@ -10,12 +10,10 @@
 
 namespace {
 
-const QString folder = QStringLiteral("/Ossa/Edit/");
-
-void refreshStep(QAction *action, const QString &verb, bool possible, const QString &title)
+void showStep(QAction *action, const QString &verb, const QString &title)
 {
-    action->setEnabled(possible);
-    action->setText(possible && !title.isEmpty() ? verb + QLatin1Char(' ') + title : verb);
+    const bool known = action->isEnabled() && !title.isEmpty();
+    action->setText(known ? verb + QLatin1Char(' ') + title : verb);
 }
 
 } // namespace
@@ -25,14 +23,14 @@ EditCommands::EditCommands(QWidget *window)
     , m_window(window)
 {
     auto *history = OssUndoManager::instance();
-    m_undo = Commands::file(this, folder, tr("Undo"), [history] { history->undo(); });
-    m_redo = Commands::file(this, folder, tr("Redo"), [history] { history->redo(); });
-    Commands::file(
-        this, folder, tr("Preferences..."), [this] { showPreferences(); },
-        tr("Set how the program behaves"));
-    Commands::file(
-        this, folder, tr("Keyboard Shortcuts..."), [this] { showShortcuts(); },
-        tr("See and change the keys of all commands"));
+    m_undo = Commands::file(this, QStringLiteral("/Ossa/Edit/Undo"),
+                            [history] { history->undo(); });
+    m_redo = Commands::file(this, QStringLiteral("/Ossa/Edit/Redo"),
+                            [history] { history->redo(); });
+    Commands::file(this, QStringLiteral("/Ossa/Edit/Preferences..."),
+                   [this] { showPreferences(); });
+    Commands::file(this, QStringLiteral("/Ossa/Edit/Keyboard Shortcuts..."),
+                   [this] { showShortcuts(); });
     connect(history, &OssUndoManager::changed, this, &EditCommands::refresh);
     refresh();
 }
@@ -40,8 +38,10 @@ EditCommands::EditCommands(QWidget *window)
 void EditCommands::refresh()
 {
     const auto *history = OssUndoManager::instance();
-    refreshStep(m_undo, tr("Undo"), history->canUndo(), history->undoText());
-    refreshStep(m_redo, tr("Redo"), history->canRedo(), history->redoText());
+    Commands::setHolds(OssCommandTable::WithUndo, history->canUndo());
+    Commands::setHolds(OssCommandTable::WithRedo, history->canRedo());
+    showStep(m_undo, tr("Undo"), history->undoText());
+    showStep(m_redo, tr("Redo"), history->redoText());
 }
 
 void EditCommands::showPreferences()

@@ -14,8 +14,6 @@
 
 namespace {
 
-const QString folder = QStringLiteral("/Ossa/NodeGraph/");
-
 void selectOnly(OssShaderNetwork *network, const QList<OssSnBaseNode *> &nodes)
 {
     const QList<OssSnBaseNode *> before = network->selectedNodes();
@@ -31,27 +29,18 @@ void selectOnly(OssShaderNetwork *network, const QList<OssSnBaseNode *> &nodes)
 GroupCommands::GroupCommands(QObject *parent)
     : QObject(parent)
 {
-    Commands::file(
-        this, folder, tr("Group Selected Nodes"), [] { groupSelected(); },
-        tr("Put the selected nodes into a group with a port for each stream"));
-    Commands::file(
-        this, folder, tr("Ungroup"), [] { ungroupSelected(); },
-        tr("Put what is inside the selected groups in their place"));
-    Commands::file(
-        this, folder, tr("Add Group Input"), [] { addPort(true); },
-        tr("Give the group another input"));
-    Commands::file(
-        this, folder, tr("Add Group Output"), [] { addPort(false); },
-        tr("Give the group another output"));
-    Commands::file(
-        this, folder, tr("Export as Gizmo"), [] { exportAsGizmo(); },
-        tr("Save the group as a file that can be imported anywhere"));
-    Commands::file(
-        this, folder, tr("Export Material to Archive"), [] { exportArchive(true); },
-        tr("Save a material with its images as one file"));
-    Commands::file(
-        this, folder, tr("Export as Custom Procedural"), [] { exportArchive(false); },
-        tr("Save the group with its images as a node of its own kind"));
+    Commands::file(this, QStringLiteral("/Ossa/NodeGraph/Group Selected Nodes"),
+                   [] { groupSelected(); });
+    Commands::file(this, QStringLiteral("/Ossa/NodeGraph/Ungroup"), [] { ungroupSelected(); });
+    Commands::file(this, QStringLiteral("/Ossa/NodeGraph/Add Group Input"), [] { addPort(true); });
+    Commands::file(this, QStringLiteral("/Ossa/NodeGraph/Add Group Output"),
+                   [] { addPort(false); });
+    Commands::file(this, QStringLiteral("/Ossa/NodeGraph/Export as Gizmo"),
+                   [] { exportAsGizmo(); });
+    Commands::file(this, QStringLiteral("/Ossa/NodeGraph/Export Material to Archive"),
+                   [] { exportArchive(true); });
+    Commands::file(this, QStringLiteral("/Ossa/NodeGraph/Export as Custom Procedural"),
+                   [] { exportArchive(false); });
 }
 
 OssShaderNetwork *GroupCommands::network()

@@ -6,7 +6,7 @@ class OssShaderNetwork;
 class OssSnGroupNode;
 
 /// The application's own commands on groups, beside those that the node graph brings itself. They
-/// act on the network that the node graph shows and its selected nodes.
+/// act on the network that the node graph shows and its selected nodes, with a window or without.
 class GroupCommands : public QObject
 {
     Q_OBJECT

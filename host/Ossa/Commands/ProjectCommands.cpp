@@ -16,7 +16,6 @@
 
 namespace {
 
-const QString fileFolder = QStringLiteral("/Ossa/File/");
 const QString recentFolder = QStringLiteral("/Ossa/File/Recent/");
 const QString exampleFolder = QStringLiteral("/Ossa/File/Example/");
 const QString projectPathKey = QStringLiteral("ProjectPath");
@@ -46,26 +45,16 @@ ProjectCommands::ProjectCommands(QWidget *window)
 
 void ProjectCommands::fileCommands()
 {
-    Commands::file(
-        this, fileFolder, tr("New"), [this] { newProject(); }, tr("Start an empty project"));
-    Commands::file(
-        this, fileFolder, tr("Open..."), [this] { askAndOpen(); }, tr("Open a project folder"));
-    m_save = Commands::file(
-        this, fileFolder, tr("Save"), [this] { save(); }, tr("Save the project"));
-    m_saveAs = Commands::file(
-        this, fileFolder, tr("Save As..."), [this] { saveAs(); },
-        tr("Save the project under another name"));
-    m_close = Commands::file(
-        this, fileFolder, tr("Close"), [this] { close(); }, tr("Close the project"));
-    Commands::file(
-        this, fileFolder, tr("Quit"), [this] { m_window->close(); }, tr("Leave the program"));
-    m_clearRecent = Commands::file(
-        this, fileFolder, tr("Clear Recent"),
-        [this] {
-            RecentProjects::clear();
-            fileRecent();
-        },
-        tr("Forget which projects were opened"));
+    Commands::file(this, QStringLiteral("/Ossa/File/New"), [this] { newProject(); });
+    Commands::file(this, QStringLiteral("/Ossa/File/Open..."), [this] { askAndOpen(); });
+    Commands::file(this, QStringLiteral("/Ossa/File/Save"), [this] { save(); });
+    Commands::file(this, QStringLiteral("/Ossa/File/Save As..."), [this] { saveAs(); });
+    Commands::file(this, QStringLiteral("/Ossa/File/Close"), [this] { close(); });
+    Commands::file(this, QStringLiteral("/Ossa/File/Quit"), [this] { m_window->close(); });
+    Commands::file(this, QStringLiteral("/Ossa/File/Clear Recent"), [this] {
+        RecentProjects::clear();
+        fileRecent();
+    });
 }
 
 bool ProjectCommands::mayClose()
@@ -159,7 +148,7 @@ void ProjectCommands::fileRecent()
     const QStringList paths = RecentProjects::list();
     for (const QString &path : paths) {
         // Queued: opening files the list anew and deletes the command that is running.
-        m_recent.append(Commands::file(
+        m_recent.append(Commands::fileNamed(
             this, recentFolder, QFileInfo(path).completeBaseName(),
             [this, path] {
                 QMetaObject::invokeMethod(
@@ -168,7 +157,7 @@ void ProjectCommands::fileRecent()
             QDir::toNativeSeparators(path)));
         m_recent.last()->setToolTip(QDir::toNativeSeparators(path));
     }
-    m_clearRecent->setEnabled(!paths.isEmpty());
+    Commands::setHolds(OssCommandTable::WithRecent, !paths.isEmpty());
 }
 
 void ProjectCommands::fileExamples()
@@ -178,7 +167,7 @@ void ProjectCommands::fileExamples()
                                                         QDir::Name);
     for (const QFileInfo &example : examples) {
         const QString path = example.absoluteFilePath();
-        Commands::file(
+        Commands::fileNamed(
             this, exampleFolder, example.completeBaseName(), [this, path] { open(path); },
             tr("Open this example project"));
     }
@@ -186,8 +175,7 @@ void ProjectCommands::fileExamples()
 
 void ProjectCommands::refresh()
 {
-    const bool hasProject = OssProjectManager::instance()->currentProject();
-    for (QAction *action : {m_save, m_saveAs, m_close})
-        action->setEnabled(hasProject);
+    Commands::setHolds(OssCommandTable::WithProject,
+                       OssProjectManager::instance()->currentProject());
     Q_EMIT projectStateChanged();
 }

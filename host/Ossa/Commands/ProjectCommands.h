@@ -41,9 +41,5 @@ private:
     bool saveTo(const QString &path);
 
     QWidget *m_window;
-    QAction *m_save = nullptr;
-    QAction *m_saveAs = nullptr;
-    QAction *m_close = nullptr;
-    QAction *m_clearRecent = nullptr;
     QVector<QPointer<QAction>> m_recent;
 };

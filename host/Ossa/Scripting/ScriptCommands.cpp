@@ -14,16 +14,10 @@ ScriptCommands::ScriptCommands(QWidget *window)
     : QObject(window)
     , m_window(window)
 {
-    const QString folder = QStringLiteral("/Ossa/Script/");
-    Commands::file(
-        this, folder, tr("Console"), [this] { showConsole(); },
-        tr("Type script lines, and see what was done by hand as script lines"));
-    m_run = Commands::file(
-        this, folder, tr("Run File..."), [this] { runFile(); },
-        tr("Run a Python file as a script of its own"));
-    m_stop = Commands::file(
-        this, folder, tr("Stop"), [] { OssScriptEngine::instance()->stop(); },
-        tr("Stop the running script"));
+    Commands::file(this, QStringLiteral("/Ossa/Script/Console"), [this] { showConsole(); });
+    Commands::file(this, QStringLiteral("/Ossa/Script/Run File..."), [this] { runFile(); });
+    Commands::file(this, QStringLiteral("/Ossa/Script/Stop"),
+                   [] { OssScriptEngine::instance()->stop(); });
     const OssScriptEngine *engine = OssScriptEngine::instance();
     connect(engine, &OssScriptEngine::started, this, &ScriptCommands::refresh);
     connect(engine, &OssScriptEngine::finished, this, &ScriptCommands::refresh);
@@ -52,6 +46,6 @@ void ScriptCommands::runFile()
 void ScriptCommands::refresh()
 {
     const bool running = OssScriptEngine::instance()->isRunning();
-    m_run->setEnabled(!running);
-    m_stop->setEnabled(running);
+    Commands::setHolds(OssCommandTable::WithoutScript, !running);
+    Commands::setHolds(OssCommandTable::WithScript, running);
 }

@@ -2,8 +2,6 @@
 
 #include <QObject>
 
-class QAction;
-
 /// Commands of the Script menu.
 class ScriptCommands : public QObject
 {
@@ -18,6 +16,4 @@ private:
     void refresh();
 
     QWidget *m_window;
-    QAction *m_run;
-    QAction *m_stop;
 };

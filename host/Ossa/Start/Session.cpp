@@ -1,5 +1,6 @@
 #include "Ossa/Start/Session.h"
 
+#include "Ossa/Commands/GroupCommands.h"
 #include "Ossa/Common/ApplicationPreferences.h"
 #include "Ossa/Common/Theme.h"
 #include "Ossa/Headless/InfoCommand.h"
@@ -107,6 +108,7 @@ Session::Session(const CommandLine &line)
     ApplicationPreferences::instance();
     HostStart::start(&m_plugins);
     PluginActions::fileUnfiled(m_plugins);
+    m_groupCommands = std::make_unique<GroupCommands>(nullptr);
     HostPalettes::registerAll();
 }
 

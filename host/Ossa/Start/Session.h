@@ -3,6 +3,10 @@
 #include "Ossa/Headless/CommandLine.h"
 #include "Ossa/Plugins/PluginLoader.h"
 
+#include <memory>
+
+class GroupCommands;
+
 /// One run of the program, from the application object to the teardown: starts the managers, loads
 /// the plug-ins, does what the command line wants, and takes everything down while QApplication
 /// still lives.
@@ -23,4 +27,5 @@ private:
 
     const CommandLine &m_line;
     PluginLoader m_plugins;
+    std::unique_ptr<GroupCommands> m_groupCommands;
 };

@@ -143,30 +143,25 @@ void ViewerPanel::addModes(QHBoxLayout *bar)
 
 void ViewerPanel::fileCommands()
 {
-    const QString folder = QStringLiteral("/Ossa/Viewer/");
-    const auto file = [&](const QString &name, const QString &tip, const auto &run) {
-        Commands::file(this, folder, name, run, tip);
+    const auto file = [this](const char *name, const auto &run) {
+        Commands::file(this, QStringLiteral("/Ossa/Viewer/") + QLatin1String(name), run);
     };
-    file(tr("Show Patches"), tr("Show the patches of the texture"), [this] { setMode(Patches); });
-    file(tr("Show Object"), tr("Show the texture on the object"), [this] { setMode(Object); });
-    file(tr("Show Patches and Object"), tr("Show both side by side"), [this] { setMode(Both); });
-    file(tr("Toggle Light"), tr("Light the object, or show its plain colors"),
-         [this] { m_light->toggle(); });
-    file(tr("Toggle Painting"), tr("Paint on the patches, or only look at them"),
-         [this] { m_paint->toggle(); });
-    file(tr("New Paint"), tr("Put a new paint node over what the viewer shows"), [this] {
+    file("Show Patches", [this] { setMode(Patches); });
+    file("Show Object", [this] { setMode(Object); });
+    file("Show Patches and Object", [this] { setMode(Both); });
+    file("Toggle Light", [this] { m_light->toggle(); });
+    file("Toggle Painting", [this] { m_paint->toggle(); });
+    file("New Paint", [this] {
         m_paint->setChecked(true);
         m_paintBar->makeNode();
     });
-    file(tr("Toggle Eraser"), tr("Take paint away with the brush, or paint"), [this] {
+    file("Toggle Eraser", [this] {
         OssEvBrush brush = m_session->brush();
         brush.erases = !brush.erases;
         m_session->setBrush(brush);
     });
-    file(tr("Bake Paint"), tr("Write the paint into the images of its node"),
-         [this] { m_paintBar->bake(); });
-    file(tr("Clear Paint"), tr("Take away all paint that is not baked"),
-         [this] { m_session->clear(); });
+    file("Bake Paint", [this] { m_paintBar->bake(); });
+    file("Clear Paint", [this] { m_session->clear(); });
 }
 
 void ViewerPanel::setMode(Mode mode)

@@ -19,7 +19,7 @@ void registerPalette(const char *name, const char *helpKey, const char *icon, QW
 {
     const QString title = QCoreApplication::translate("HostPalettes", name);
     auto *palette = new OssPalette; // owned by the palette manager
-    palette->setObjectName(title);
+    palette->setObjectName(QString::fromLatin1(name));
     palette->setWindowTitle(title);
     palette->setContextHelpKey(QString::fromLatin1(helpKey));
     palette->setBodyWidget(body);

@@ -1,6 +1,7 @@
 #include "Ossa/Window/MainMenus.h"
 
 #include "OssInterface/Actions/OssActionTreeManager.h"
+#include "OssInterface/Actions/OssCommandTable.h"
 #include "OssInterface/Actions/OssMenu.h"
 #include "OssInterface/Actions/OssMenuManager.h"
 
@@ -11,33 +12,16 @@
 namespace {
 
 const QString menuGroup = QStringLiteral("Main");
-const QString graphMenu = QStringLiteral("Node Graph");
-
-struct Title
-{
-    const char *name;
-    const char *title;
-};
-
-const Title titles[] = {
-    {"File", QT_TRANSLATE_NOOP("MainMenus", "&File")},
-    {"Edit", QT_TRANSLATE_NOOP("MainMenus", "&Edit")},
-    {"View", QT_TRANSLATE_NOOP("MainMenus", "&View")},
-    {"Node Graph", QT_TRANSLATE_NOOP("MainMenus", "&Node Graph")},
-    {"Object", QT_TRANSLATE_NOOP("MainMenus", "&Object")},
-    {"Palettes", QT_TRANSLATE_NOOP("MainMenus", "&Palettes")},
-    {"Script", QT_TRANSLATE_NOOP("MainMenus", "&Script")},
-    {"Help", QT_TRANSLATE_NOOP("MainMenus", "&Help")},
-};
+const QString graphMenu = QStringLiteral("Graph");
 
 } // namespace
 
 MainMenus::MainMenus(QMenuBar *bar)
     : QObject(bar)
 {
-    for (const Title &title : titles) {
-        const QString name = QString::fromLatin1(title.name);
-        auto *menu = new OssMenu(tr(title.title));
+    for (const OssCommandTable::Menu &row : OssCommandTable::barMenus()) {
+        const QString name = QString::fromLatin1(row.name);
+        auto *menu = new OssMenu(OssCommandTable::title(row));
         menu->setParent(bar, menu->windowFlags()); // owned by the bar
         bar->addMenu(menu);
         m_menus.append({menu, name});
@@ -57,9 +41,9 @@ MainMenus::MainMenus(QMenuBar *bar)
 QStringList MainMenus::unplacedGraphCommands()
 {
     QSet<QString> placed;
-    for (const Title &title : titles) {
+    for (const OssCommandTable::Menu &menu : OssCommandTable::barMenus()) {
         const QStringList paths = OssMenuManager::instance()->commandPaths(
-            menuGroup, QString::fromLatin1(title.name));
+            menuGroup, QString::fromLatin1(menu.name));
         placed.unite(QSet<QString>(paths.cbegin(), paths.cend()));
     }
     QStringList unplaced;

@@ -2,7 +2,6 @@
 
 #include "Ossa/Commands/Commands.h"
 #include "Ossa/Commands/EditCommands.h"
-#include "Ossa/Commands/GroupCommands.h"
 #include "Ossa/Commands/ProjectCommands.h"
 #include "Ossa/Commands/RecentProjects.h"
 #include "Ossa/Common/ApplicationPreferences.h"
@@ -32,8 +31,6 @@ namespace {
 
 const QString geometryKey = QStringLiteral("MainWindow/geometry");
 const QString thumbnailsKey = QStringLiteral("MainWindow/NodeThumbnails");
-const QString viewFolder = QStringLiteral("/Ossa/View/");
-const QString helpFolder = QStringLiteral("/Ossa/Help/");
 const QSize firstSize(1400, 880);
 
 } // namespace
@@ -59,7 +56,6 @@ MainWindow::MainWindow()
     connect(m_recovery, &WorkRecovery::trouble, m_notifications, &NotificationBar::tell);
     new EditCommands(this);   // owned by the window
     new ScriptCommands(this); // owned by the window
-    new GroupCommands(this);  // owned by the window
     fileViewCommands();
     fileHelpCommands();
     new MainMenus(menuBar()); // owned by the menu bar
@@ -118,33 +114,28 @@ void MainWindow::closeEvent(QCloseEvent *event)
 
 void MainWindow::fileViewCommands()
 {
-    QAction *fullScreen = Commands::file(
-        this, viewFolder, tr("Full Screen"),
-        [this] { setWindowState(windowState() ^ Qt::WindowFullScreen); },
-        tr("Use the whole screen"));
+    QAction *fullScreen = Commands::file(this, QStringLiteral("/Ossa/View/Full Screen"), [this] {
+        setWindowState(windowState() ^ Qt::WindowFullScreen);
+    });
     fullScreen->setCheckable(true);
     auto *thumbnails = new NodeThumbnails(this); // owned by the window
     QAction *pictures = Commands::file(
-        this, viewFolder, tr("Node Thumbnails"),
-        [thumbnails] {
+        this, QStringLiteral("/Ossa/View/Node Thumbnails"), [thumbnails] {
             thumbnails->setEnabled(!thumbnails->isEnabled());
             OssSettings().setValue(thumbnailsKey, thumbnails->isEnabled());
-        },
-        tr("Show in the node graph what each node gives"));
+        });
     pictures->setCheckable(true);
     pictures->setChecked(OssSettings().value(thumbnailsKey).toBool());
     thumbnails->setEnabled(pictures->isChecked());
-    Commands::file(
-        this, viewFolder, tr("Reset Layout"), [this] { m_docks->resetLayout(); },
-        tr("Put all palettes back to where they were at first"));
+    Commands::file(this, QStringLiteral("/Ossa/View/Reset Layout"),
+                   [this] { m_docks->resetLayout(); });
 }
 
 void MainWindow::fileHelpCommands()
 {
-    Commands::file(
-        this, helpFolder, tr("Find Command..."), [this] { showCommandPalette(); },
-        tr("Find a command by a few letters of its name"));
-    Commands::file(this, helpFolder, tr("About Ossa"), [this] { showAbout(); });
+    Commands::file(this, QStringLiteral("/Ossa/Help/Find Command..."),
+                   [this] { showCommandPalette(); });
+    Commands::file(this, QStringLiteral("/Ossa/Help/About Ossa"), [this] { showAbout(); });
 }
 
 void MainWindow::showCommandPalette()

@@ -230,6 +230,7 @@ void PaletteDocks::dock(OssPalette *palette)
 
     QAction *toggle = dock->toggleViewAction();
     toggle->setMenuRole(QAction::NoRole);
+    OssActionTreeManager::setName(toggle, palette->objectName());
     OssActionTreeManager::instance()->registerAction(paletteFolder, toggle);
     if (palette->contextHelpKey() == QLatin1String(places[0].helpKey))
         OssShortcutManager::instance()->setScope(graphFolder, palette);

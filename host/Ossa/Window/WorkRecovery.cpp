@@ -11,8 +11,6 @@
 
 namespace {
 
-const QString fileFolder = QStringLiteral("/Ossa/File/");
-
 } // namespace
 
 WorkRecovery::WorkRecovery(ProjectCommands *projects, QWidget *window)
@@ -30,9 +28,8 @@ WorkRecovery::WorkRecovery(ProjectCommands *projects, QWidget *window)
     connect(&m_autosave, &OssAutosave::failed, this, [this](const QString &reason) {
         Q_EMIT trouble(tr("Unsaved work cannot be copied, a crash would lose it. %1").arg(reason));
     });
-    Commands::file(
-        this, fileFolder, tr("Recover Unsaved Work..."), [this] { recoverNow(); },
-        tr("Restore what a session left that ended without saving"));
+    Commands::file(this, QStringLiteral("/Ossa/File/Recover Unsaved Work..."),
+                   [this] { recoverNow(); });
 }
 
 WorkRecovery::~WorkRecovery() = default;

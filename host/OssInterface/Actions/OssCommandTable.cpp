@@ -1,0 +1,141 @@
+#include "OssInterface/Actions/OssCommandTable.h"
+
+#include <QCoreApplication>
+#include <QHash>
+#include <QStringList>
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+using namespace OssCommandTable;
+using Item = OssMenuDefinition::Item;
+
+/// One thing in a menu: a row or a submenu.
+struct Place
+{
+    int section;
+    int order;
+    const Row *row;
+    const Menu *submenu;
+};
+
+/// The place in the menu among "Edit 2.1, Context 2.1"; false when it has none there.
+bool placeIn(const QString &menu, const char *places, Place *place)
+{
+    const QStringList all = QString::fromLatin1(places).split(QStringLiteral(", "),
+                                                              Qt::SkipEmptyParts);
+    for (const QString &text : all) {
+        const int blank = text.lastIndexOf(QLatin1Char(' '));
+        if (text.left(blank) != menu)
+            continue;
+        const QStringList numbers = text.mid(blank + 1).split(QLatin1Char('.'));
+        place->section = numbers.value(0).toInt();
+        place->order = numbers.value(1).toInt();
+        return true;
+    }
+    return false;
+}
+
+std::vector<Place> placesIn(const QString &menu)
+{
+    std::vector<Place> found;
+    Place place{};
+    for (const Row &row : rows()) {
+        if (placeIn(menu, row.places, &place))
+            found.push_back({place.section, place.order, &row, nullptr});
+    }
+    for (const Menu &submenu : menus()) {
+        if (placeIn(menu, submenu.places, &place))
+            found.push_back({place.section, place.order, nullptr, &submenu});
+    }
+    std::stable_sort(found.begin(), found.end(), [](const Place &a, const Place &b) {
+        return std::make_pair(a.section, a.order) < std::make_pair(b.section, b.order);
+    });
+    return found;
+}
+
+void addMenu(const QString &menu, QVector<Item> *items)
+{
+    const std::vector<Place> places = placesIn(menu);
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        const Place &place = places[i];
+        if (i > 0 && place.section != places[i - 1].section)
+            items->append(Item{Item::Separator, {}});
+        if (place.submenu) {
+            items->append({Item::Submenu, title(*place.submenu)});
+            addMenu(QString::fromLatin1(place.submenu->name), items);
+            items->append(Item{Item::End, {}});
+            continue;
+        }
+        QString path = QString::fromLatin1(place.row->path);
+        const bool isFolder = path.endsWith(QLatin1String("/*"));
+        path.chop(isFolder ? 1 : 0);
+        items->append({isFolder ? Item::Folder : Item::Command, path});
+    }
+}
+
+QString translated(const char *text)
+{
+    return *text ? QCoreApplication::translate("OssCommandTable", text) : QString();
+}
+
+QHash<QString, const Row *> rowsByPath()
+{
+    QHash<QString, const Row *> found;
+    for (const Row &row : rows())
+        found.insert(QString::fromLatin1(row.path), &row);
+    return found;
+}
+
+} // namespace
+
+const Row *OssCommandTable::find(const QString &path)
+{
+    static const QHash<QString, const Row *> byPath = rowsByPath();
+    return byPath.value(path);
+}
+
+QString OssCommandTable::text(const Row &row)
+{
+    return translated(std::strrchr(row.path, '/') + 1);
+}
+
+QString OssCommandTable::tip(const Row &row)
+{
+    return translated(row.tip);
+}
+
+QString OssCommandTable::title(const Menu &menu)
+{
+    return translated(menu.title);
+}
+
+QList<QKeySequence> OssCommandTable::keys(const QString &path)
+{
+    QList<QKeySequence> keys;
+    const Row *row = find(path);
+    const QStringList texts = QString::fromLatin1(row ? row->keys : "")
+                                  .split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    for (const QString &text : texts)
+        keys.append(QKeySequence::fromString(text, QKeySequence::PortableText));
+    return keys;
+}
+
+OssMenuDefinition OssCommandTable::menu(const QString &name)
+{
+    OssMenuDefinition definition;
+    addMenu(name, &definition.items);
+    return definition;
+}
+
+std::vector<Menu> OssCommandTable::barMenus()
+{
+    std::vector<Menu> bar;
+    for (const Menu &menu : menus()) {
+        if (!*menu.places && std::strcmp(menu.name, "Context") != 0)
+            bar.push_back(menu);
+    }
+    return bar;
+}

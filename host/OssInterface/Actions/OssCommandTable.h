@@ -1,0 +1,64 @@
+#pragma once
+
+#include "OssInterface/Actions/OssMenuDefinition.h"
+#include "OssInterface/OssInterface_export.h"
+
+#include <QKeySequence>
+#include <QList>
+#include <QString>
+
+#include <vector>
+
+/// All commands of the application, one row each: what it is known by, its keys, where it stands in
+/// menus, when it can be used. The rows stand in OssCommandRows.cpp, the one place where they are
+/// written down; whoever carries a command out files an action under its path.
+namespace OssCommandTable {
+
+/// What must hold for a command to be enabled. Most commands are always: they say themselves what
+/// they miss.
+enum When { Always, WithProject, WithUndo, WithRedo, WithRecent, WithScript, WithoutScript };
+
+struct Row
+{
+    /// Identity in the action tree: folder and name. The name, translated, is what users read.
+    /// "/Folder/*" stands for whatever is filed there while the program runs.
+    const char *path;
+    /// Default keys as portable text; alternatives are separated by a blank.
+    const char *keys = "";
+    /// "Menu SECTION.PLACE", several separated by ", ". Sections are parted by a line.
+    const char *places = "";
+    When when = Always;
+    const char *tip = "";  ///< one line for the status bar
+    const char *icon = ""; ///< file in the icon folder
+};
+
+/// A menu that rows name. Without places it stands in the main window's bar, in the table's order,
+/// but for "Context", which the node graph shows.
+struct Menu
+{
+    const char *name;
+    const char *title;
+    const char *places;
+};
+
+OSSINTERFACE_EXPORT const std::vector<Row> &rows();
+OSSINTERFACE_EXPORT const std::vector<Menu> &menus();
+
+/// Null for a path that has no row of its own.
+OSSINTERFACE_EXPORT const Row *find(const QString &path);
+
+/// What users read.
+OSSINTERFACE_EXPORT QString text(const Row &row);
+OSSINTERFACE_EXPORT QString tip(const Row &row);
+OSSINTERFACE_EXPORT QString title(const Menu &menu);
+
+/// Keys until the user says otherwise; empty for commands without any.
+OSSINTERFACE_EXPORT QList<QKeySequence> keys(const QString &path);
+
+/// What stands in a menu, submenus included.
+OSSINTERFACE_EXPORT OssMenuDefinition menu(const QString &name);
+
+/// Menus of the main window's bar, in order.
+OSSINTERFACE_EXPORT std::vector<Menu> barMenus();
+
+} // namespace OssCommandTable

@@ -1,0 +1,106 @@
+#include "OssCore/OssResourceInfo.h"
+#include "OssInterface/Actions/OssActionTreeManager.h"
+#include "OssInterface/Actions/OssCommandTable.h"
+
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QSet>
+
+namespace {
+
+using namespace OssCommandTable;
+
+/// "Edit 2.1, Context 2.1" as menu and place.
+QVector<QPair<QString, QString>> placesOf(const char *text)
+{
+    QVector<QPair<QString, QString>> places;
+    const QStringList all = QString::fromLatin1(text).split(QStringLiteral(", "),
+                                                            Qt::SkipEmptyParts);
+    for (const QString &place : all) {
+        const int blank = place.lastIndexOf(QLatin1Char(' '));
+        places.append({place.left(blank), place.mid(blank + 1)});
+    }
+    return places;
+}
+
+/// Every place that a row or a submenu takes, with who takes it.
+QVector<QPair<QString, QPair<QString, QString>>> allPlaces()
+{
+    QVector<QPair<QString, QPair<QString, QString>>> all;
+    const auto add = [&all](const char *owner, const char *places) {
+        for (const auto &place : placesOf(places))
+            all.append({QString::fromLatin1(owner), place});
+    };
+    for (const Row &row : rows())
+        add(row.path, row.places);
+    for (const Menu &menu : menus())
+        add(menu.name, menu.places);
+    return all;
+}
+
+} // namespace
+
+TEST(CommandTable, placesNameMenusAndNoneIsTakenTwice)
+{
+    static const QRegularExpression number(QStringLiteral("\\A[1-9]\\.[0-9]{1,2}\\z"));
+    QSet<QString> names;
+    for (const Menu &menu : menus())
+        names.insert(QString::fromLatin1(menu.name));
+    EXPECT_EQ(std::size_t(names.size()), menus().size());
+    QSet<QString> taken;
+    QSet<QString> used;
+    for (const auto &entry : allPlaces()) {
+        const QString menu = entry.second.first;
+        const QString place = menu + QLatin1Char(' ') + entry.second.second;
+        EXPECT_TRUE(names.contains(menu)) << qPrintable(entry.first);
+        EXPECT_TRUE(number.match(entry.second.second).hasMatch()) << qPrintable(place);
+        EXPECT_FALSE(taken.contains(place)) << qPrintable(place);
+        taken.insert(place);
+        used.insert(menu);
+    }
+    EXPECT_EQ(used, names) << "a menu that nothing stands in";
+}
+
+TEST(CommandTable, pathsAreUniqueAndKeysCanBeReadAndDoNotBlockEachOther)
+{
+    QSet<QString> paths;
+    QHash<QString, QString> owners;
+    for (const Row &row : rows()) {
+        const QString path = QString::fromLatin1(row.path);
+        EXPECT_EQ(OssActionTreeManager::normalizedPath(path), path);
+        EXPECT_FALSE(paths.contains(path)) << row.path;
+        paths.insert(path);
+        EXPECT_EQ(keys(path).size(),
+                  QString::fromLatin1(row.keys).split(QLatin1Char(' '), Qt::SkipEmptyParts).size());
+        for (const QKeySequence &key : keys(path)) {
+            EXPECT_FALSE(key.isEmpty()) << row.path;
+            EXPECT_EQ(key.count(), 1) << row.path;
+            EXPECT_FALSE(owners.contains(key.toString()))
+                << row.path << " and " << qPrintable(owners.value(key.toString()));
+            owners.insert(key.toString(), path);
+        }
+    }
+}
+
+TEST(CommandTable, iconsAreThere)
+{
+    for (const Row &row : rows()) {
+        const QString file = OssResourceInfo::instance()->iconPath() + QLatin1Char('/')
+                             + QString::fromLatin1(row.icon);
+        EXPECT_TRUE(QFileInfo::exists(file)) << qPrintable(file);
+    }
+}
+
+// A translation or a step's title in the text must not move keys and scripts to another command.
+TEST(CommandTable, anActionIsKnownByItsNameWhateverItsTextIs)
+{
+    QAction action(QStringLiteral("Couper"));
+    OssActionTreeManager::setName(&action, QStringLiteral("Cut"));
+    OssActionTreeManager::instance()->registerAction(QStringLiteral("/T/Names"), &action);
+    EXPECT_EQ(OssActionTreeManager::instance()->findAction(QStringLiteral("/T/Names/Cut")),
+              &action);
+    EXPECT_FALSE(OssActionTreeManager::instance()->hasAction(QStringLiteral("/T/Names/Couper")));
+}

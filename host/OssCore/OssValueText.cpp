@@ -10,6 +10,10 @@
 #include <QStringList>
 #include <QVector>
 
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
 namespace {
 
 QString real(double value)
@@ -25,18 +29,33 @@ QString joined(std::initializer_list<double> values)
     return parts.join(QLatin1Char(','));
 }
 
+// Infinities are texts of numbers, too, but nothing that a document may hold.
+bool readReal(const QStringRef &text, double *out)
+{
+    bool ok = false;
+    *out = text.trimmed().toDouble(&ok);
+    return ok && std::isfinite(*out);
+}
+
 bool readReals(const QString &text, int count, double *out)
 {
     const QVector<QStringRef> parts = text.splitRef(QLatin1Char(','));
     if (parts.size() != count)
         return false;
     for (int i = 0; i < count; ++i) {
-        bool ok = false;
-        out[i] = parts.at(i).trimmed().toDouble(&ok);
-        if (!ok)
+        if (!readReal(parts.at(i), &out[i]))
             return false;
     }
     return true;
+}
+
+/// The same for coordinates that are whole numbers.
+bool readWhole(const QString &text, int count, double *out)
+{
+    const auto fits = [](double value) {
+        return std::abs(value) <= std::numeric_limits<int>::max();
+    };
+    return readReals(text, count, out) && std::all_of(out, out + count, fits);
 }
 
 QString escapedList(const QStringList &list)
@@ -141,16 +160,21 @@ QVariant OssValueText::fromText(const QString &text, int type)
         const int number = text.toInt(&ok);
         return ok ? QVariant(number) : QVariant();
     }
-    case QMetaType::Double: {
-        const double number = text.toDouble(&ok);
-        return ok ? QVariant(number) : QVariant();
-    }
+    case QMetaType::Double:
+        return readReal(QStringRef(&text), v) ? QVariant(v[0]) : QVariant();
+    case QMetaType::Float:
+        return readReal(QStringRef(&text), v) ? QVariant(float(v[0])) : QVariant();
     case QMetaType::QPoint:
-        return readReals(text, 2, v) ? QVariant(QPointF(v[0], v[1]).toPoint()) : QVariant();
+        return readWhole(text, 2, v) ? QVariant(QPointF(v[0], v[1]).toPoint()) : QVariant();
     case QMetaType::QPointF:
         return readReals(text, 2, v) ? QVariant(QPointF(v[0], v[1])) : QVariant();
+    case QMetaType::QSize:
+        return readWhole(text, 2, v) ? QVariant(QSizeF(v[0], v[1]).toSize()) : QVariant();
     case QMetaType::QSizeF:
         return readReals(text, 2, v) ? QVariant(QSizeF(v[0], v[1])) : QVariant();
+    case QMetaType::QRect:
+        return readWhole(text, 4, v) ? QVariant(QRectF(v[0], v[1], v[2], v[3]).toRect())
+                                     : QVariant();
     case QMetaType::QRectF:
         return readReals(text, 4, v) ? QVariant(QRectF(v[0], v[1], v[2], v[3])) : QVariant();
     case QMetaType::QStringList:

@@ -14,7 +14,7 @@ namespace OssValueText {
 OSSCORE_EXPORT QString toText(const QVariant &value);
 
 /// The value of `text` read as the meta-type `type`. Invalid when the text is none of that type;
-/// plain numbers that are not numbers are refused too.
+/// numbers that are infinite or none are refused too.
 OSSCORE_EXPORT QVariant fromText(const QString &text, int type);
 
 } // namespace OssValueText

@@ -58,9 +58,9 @@ void OssSerializer::beginCollection(const QString &name, int count, const QStrin
 {
     m_collections.append(true);
     m_xml.writeStartElement(QStringLiteral("collection"));
-    m_xml.writeAttribute(QStringLiteral("name"), name);
-    m_xml.writeAttribute(QStringLiteral("type"), type);
-    m_xml.writeAttribute(QStringLiteral("elementType"), elementType);
+    m_xml.writeAttribute(QStringLiteral("name"), withoutUnwritable(name));
+    m_xml.writeAttribute(QStringLiteral("type"), withoutUnwritable(type));
+    m_xml.writeAttribute(QStringLiteral("elementType"), withoutUnwritable(elementType));
     m_xml.writeAttribute(QStringLiteral("count"), QString::number(count));
     for (auto it = attributes.cbegin(); it != attributes.cend(); ++it) {
         m_xml.writeEmptyElement(QStringLiteral("entry"));
@@ -80,8 +80,8 @@ void OssSerializer::beginObject(const QString &name, const QString &type,
 {
     m_collections.append(false);
     m_xml.writeStartElement(QStringLiteral("object"));
-    m_xml.writeAttribute(QStringLiteral("name"), name);
-    m_xml.writeAttribute(QStringLiteral("type"), type);
+    m_xml.writeAttribute(QStringLiteral("name"), withoutUnwritable(name));
+    m_xml.writeAttribute(QStringLiteral("type"), withoutUnwritable(type));
     writeAttributes(attributes);
 }
 

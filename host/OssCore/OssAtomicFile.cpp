@@ -158,6 +158,17 @@ void sweep(const QFileInfo &target)
     }
 }
 
+// What a link leads to is written, so that the link stays one; it need not be there yet. Still a
+// link where the links do not end.
+QFileInfo behindLinks(const QString &path)
+{
+    constexpr int Most = 40; // what the system itself follows
+    QFileInfo file(QFileInfo(path).absoluteFilePath());
+    for (int i = 0; i < Most && file.isSymLink(); ++i)
+        file = QFileInfo(file.symLinkTarget());
+    return file;
+}
+
 bool syncFolder(const QString &folder)
 {
     const int descriptor = ::open(QFile::encodeName(folder).constData(),
@@ -176,8 +187,9 @@ bool syncFolder(const QString &folder)
 OssResult OssAtomicFile::write(const QString &path, const QByteArray &content,
                                const Validate &validate)
 {
-    const QFileInfo link(path);
-    const QFileInfo target(link.isSymLink() ? link.symLinkTarget() : link.absoluteFilePath());
+    const QFileInfo target = behindLinks(path);
+    if (target.isSymLink())
+        return failed(path, QString::fromLocal8Bit(std::strerror(ELOOP)));
     sweep(target);
     TemporaryFile file(target.filePath());
     if (!file.isOpen() || !file.writeAll(content))
@@ -235,7 +247,10 @@ OssResult OssAtomicFile::makeFolder(const QString &path)
             return above;
     }
     const QByteArray name = QFile::encodeName(folder.filePath());
-    if ((::mkdir(name.constData(), 0777) != 0 && errno != EEXIST) || !syncFolder(folder.path()))
+    // Somebody else may have made it meanwhile; a file in its place is another matter.
+    const bool made = ::mkdir(name.constData(), 0777) == 0
+                      || (errno == EEXIST && QFileInfo(folder.filePath()).isDir());
+    if (!made || !syncFolder(folder.path()))
         return OssResult::failure(
             tr("Cannot make the folder \"%1\": %2").arg(path, systemReason()));
     return {};

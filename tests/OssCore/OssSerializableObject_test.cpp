@@ -1,10 +1,7 @@
 #include "OssCore/OssSerializableObject.h"
 
-#include "OssCore/OssColor.h"
 #include "OssCore/OssObjectReferenceManager.h"
 #include "OssCore/OssUndoManager.h"
-#include "OssCore/OssUserEnum.h"
-#include "OssCore/OssValueText.h"
 
 #include <gtest/gtest.h>
 
@@ -139,7 +136,7 @@ TEST(Serialization, referencesFollowTheSavedId)
     EXPECT_EQ(OssObjectReferenceManager::instance()->getPointer(QStringLiteral("x")), nullptr);
 }
 
-TEST(UserAttributes, everyChangeCanBeUndone)
+TEST(AttributeHistory, everyChangeCanBeUndone)
 {
     OssUndoManager::instance()->clear();
     OssSerializableObject object;
@@ -164,31 +161,6 @@ TEST(UserAttributes, everyChangeCanBeUndone)
     OssUndoManager::instance()->undo();
     EXPECT_TRUE(object.exists(size.name()));
     OssUndoManager::instance()->clear();
-}
-
-TEST(ValueText, valuesReadBackEqual)
-{
-    OssColor::registerMetaType();
-    OssUserEnum::registerMetaType();
-    const QVariant values[] = {0.1 + 0.2,
-                               -1e-300,
-                               true,
-                               -7,
-                               QStringLiteral("a, \"b\" <c>"),
-                               QPointF(1.5, -2.25),
-                               QPoint(3, -4),
-                               QRectF(0.1, 0.2, 0.3, 0.4),
-                               QStringList{QStringLiteral("a,b"), QString(), QStringLiteral("\\")},
-                               QStringList{QString()},
-                               QStringList{},
-                               QVariant::fromValue(OssColor(0.1, 2.5, 0.3, 0.4))};
-    for (const QVariant &value : values) {
-        const QString text = OssValueText::toText(value);
-        EXPECT_EQ(OssValueText::fromText(text, value.userType()), value) << qPrintable(text);
-    }
-    EXPECT_FALSE(OssValueText::fromText(QStringLiteral("x"), QMetaType::Double).isValid());
-    EXPECT_FALSE(OssValueText::fromText(QStringLiteral("1,2,3"), QMetaType::QPointF).isValid());
-    EXPECT_FALSE(OssValueText::fromText(QStringLiteral("maybe"), QMetaType::Bool).isValid());
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstdarg>
 #include <cstdio>
+#include <string>
 
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -30,6 +31,8 @@ bool fails(const char *call)
     state.failed = call;
     if (state.error == SystemCallFaults::Kill)
         ::kill(::getpid(), SIGKILL);
+    if (state.error == SystemCallFaults::Spoil)
+        return false;
     errno = state.error;
     return true;
 }
@@ -113,10 +116,16 @@ ssize_t failOrPread(int file, void *data, size_t size, off_t at)
 ssize_t failOrWrite(int file, const void *data, size_t size)
 {
     static auto *const call = real(&write, "write");
-    if (!fails("write"))
-        return call(file, data, size);
+    const bool isSpoilt = state.left == 1 && state.error == SystemCallFaults::Spoil && size > 0;
+    if (!fails("write")) {
+        if (!isSpoilt)
+            return call(file, data, size);
+        std::string other(static_cast<const char *>(data), size);
+        other.front() = char(~other.front());
+        return call(file, other.data(), size);
+    }
     const int error = errno;
-    if (call(file, data, size / 2) >= 0)
+    if (error == EINTR || call(file, data, size / 2) >= 0)
         errno = error;
     return -1;
 }

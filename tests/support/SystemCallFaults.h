@@ -10,9 +10,12 @@ class SystemCallFaults
 public:
     /// Stands for an error number: the process is killed on the spot.
     static constexpr int Kill = -1;
+    /// Stands for an error number: a write writes other bytes and says that all went well. Other
+    /// calls do as ever.
+    static constexpr int Spoil = -2;
 
     /// The `number`th call from now on, counted from 1, fails with `error`. A write that fails
-    /// writes half; a close that fails closes.
+    /// writes half, one that is interrupted nothing; a close that fails closes.
     SystemCallFaults(int number, int error);
     SystemCallFaults(const SystemCallFaults &) = delete;
     SystemCallFaults &operator=(const SystemCallFaults &) = delete;

@@ -1,0 +1,423 @@
+#include "OssCore/OssClassFactoryManager.h"
+#include "OssCore/OssDebug.h"
+#include "OssCore/OssIcon.h"
+#include "OssCore/OssPreferenceManager.h"
+#include "OssCore/OssResourceInfo.h"
+#include "OssCore/OssSerializableObject.h"
+#include "OssCore/OssSettings.h"
+#include "OssCore/OssStatusManager.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QTemporaryDir>
+
+#include <memory>
+#include <thread>
+#include <vector>
+
+namespace {
+
+QString s(const char *text)
+{
+    return QString::fromUtf8(text);
+}
+
+/// Sets an environment variable for a while.
+class Variable
+{
+public:
+    Variable(const char *name, const QByteArray &value)
+        : m_name(name)
+        , m_wasSet(qEnvironmentVariableIsSet(name))
+        , m_before(qgetenv(name))
+    {
+        qputenv(name, value);
+    }
+
+    Variable(const Variable &) = delete;
+    Variable &operator=(const Variable &) = delete;
+
+    ~Variable()
+    {
+        if (m_wasSet)
+            qputenv(m_name, m_before);
+        else
+            qunsetenv(m_name);
+    }
+
+private:
+    const char *m_name;
+    bool m_wasSet;
+    QByteArray m_before;
+};
+
+// --- status
+
+/// Hears what the status manager says.
+class Status : public testing::Test
+{
+protected:
+    Status()
+    {
+        QObject::connect(m_status, &OssStatusManager::beginProcessing, &m_listener,
+                         [this](const QString &title) { m_told.append(s("begin ") + title); });
+        QObject::connect(m_status, &OssStatusManager::endProcessing, &m_listener,
+                         [this] { m_told.append(s("end")); });
+        QObject::connect(m_status, &OssStatusManager::progressChanged, &m_listener,
+                         [this](int done, int total) {
+                             m_told.append(QStringLiteral("%1/%2").arg(done).arg(total));
+                         });
+        QObject::connect(m_status, &OssStatusManager::messageShown, &m_listener,
+                         [this](const QString &message) { m_told.append(s("says ") + message); });
+    }
+
+    OssStatusManager *m_status = OssStatusManager::instance();
+    QObject m_listener;
+    QStringList m_told;
+};
+
+TEST_F(Status, theOutermostWorkIsWhatTheUserSees)
+{
+    EXPECT_FALSE(m_status->inProgress());
+    {
+        OssStatusManager::Work outer(s("Baking"));
+        outer.setProgress(1, 10);
+        {
+            OssStatusManager::Work inner(s("Reading"));
+            inner.setProgress(5, 6);
+            EXPECT_EQ(m_status->title(), s("Baking"));
+            EXPECT_EQ(m_status->done(), 1);
+            EXPECT_EQ(m_status->total(), 10);
+        }
+        EXPECT_TRUE(m_status->inProgress()) << "the outer one goes on";
+        outer.setProgress(2, 10);
+    }
+    EXPECT_FALSE(m_status->inProgress());
+    EXPECT_EQ(m_told, QStringList({s("begin Baking"), s("1/10"), s("2/10"), s("end")}));
+}
+
+TEST_F(Status, cancellingReachesEveryWorkUntilTheLastIsOver)
+{
+    {
+        const OssStatusManager::Work outer(s("Outer"));
+        {
+            const OssStatusManager::Work inner(s("Inner"));
+            EXPECT_FALSE(inner.isCancelled());
+            m_status->cancel();
+            EXPECT_TRUE(inner.isCancelled());
+            EXPECT_TRUE(outer.isCancelled());
+        }
+        const OssStatusManager::Work second(s("Second"));
+        EXPECT_TRUE(second.isCancelled()) << "part of what was cancelled";
+    }
+    const OssStatusManager::Work next(s("Next"));
+    EXPECT_FALSE(next.isCancelled()) << "what comes afterwards is another matter";
+}
+
+TEST_F(Status, cancellingNothingDoesNotCancelWhatComes)
+{
+    m_status->cancel();
+    const OssStatusManager::Work work(s("Later"));
+    EXPECT_FALSE(work.isCancelled());
+}
+
+TEST_F(Status, aNewWorkStartsAtNothing)
+{
+    {
+        OssStatusManager::Work work(s("First"));
+        work.setProgress(9, 10);
+    }
+    const OssStatusManager::Work work(s("Second"));
+    EXPECT_EQ(m_status->title(), s("Second"));
+    EXPECT_EQ(m_status->done(), 0);
+    EXPECT_EQ(m_status->total(), 0);
+}
+
+TEST_F(Status, messagesAreShownWhetherWorkIsDoneOrNot)
+{
+    m_status->showMessage(s("Saved"));
+    const OssStatusManager::Work work(s("Work"));
+    m_status->showMessage(s("Half"));
+    EXPECT_EQ(m_told, QStringList({s("says Saved"), s("begin Work"), s("says Half")}));
+}
+
+// --- preferences
+
+/// Has what the preferences ask for by name, for some of its properties.
+class Chooser
+    : public QObject
+    , public OssGroupParameterObject
+{
+    Q_OBJECT
+    Q_PROPERTY(int shakeTime MEMBER shakeTime)
+    Q_PROPERTY(QString mode MEMBER mode)
+
+public:
+    int shakeTime = 5;
+    QString mode = QStringLiteral("Ask");
+    int saves = 0;
+
+    QString prettyPropertyName(const QString &name) const override
+    {
+        return name == QLatin1String("mode") ? QStringLiteral("On bake")
+                                             : OssGroupParameterObject::prettyPropertyName(name);
+    }
+
+public Q_SLOTS:
+
+    void resetShakeTime() { shakeTime = 3; }
+
+    QString modeTooltip() const { return QStringLiteral("What to do"); }
+
+    QStringList modeList() const { return {QStringLiteral("Ask"), QStringLiteral("Never")}; }
+
+    void savePreferences() { ++saves; }
+};
+
+/// Offers nothing by name.
+class PlainChooser : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(int gridSize MEMBER gridSize)
+
+public:
+    int gridSize = 8;
+};
+
+class Preferences : public testing::Test
+{
+protected:
+    Preferences()
+        : m_before(m_manager->preferences().size())
+        , m_object(std::make_unique<Chooser>())
+    {
+        m_manager->registerPreference(s("Graph"), s("Nodes"), m_object.get(), s("shakeTime"));
+        m_manager->registerPreference(s("Graph"), s("Baking"), m_object.get(), s("mode"));
+        m_manager->registerPreference(s("Graph"), s("Grid"), &m_plain, s("gridSize"));
+    }
+
+    OssPreferenceManager::Preference preference(int index) const
+    {
+        return m_manager->preferences().at(m_before + index);
+    }
+
+    OssPreferenceManager *m_manager = OssPreferenceManager::instance();
+    int m_before;
+    std::unique_ptr<Chooser> m_object;
+    PlainChooser m_plain;
+};
+
+TEST_F(Preferences, comeInTheOrderOfRegistration)
+{
+    ASSERT_EQ(m_manager->preferences().size(), m_before + 3);
+    EXPECT_EQ(preference(0).key, s("shakeTime"));
+    EXPECT_EQ(preference(1).group, s("Baking"));
+    EXPECT_EQ(preference(2).object.data(), &m_plain);
+    m_manager->registerPreference(s("Page"), {}, nullptr, s("key"));
+    m_manager->registerPreference(s("Page"), {}, m_object.get(), {});
+    EXPECT_EQ(m_manager->preferences().size(), m_before + 3)
+        << "without object or key there is none";
+}
+
+TEST_F(Preferences, areFoundByNameOnTheObject)
+{
+    using Manager = OssPreferenceManager;
+    EXPECT_EQ(Manager::label(preference(0)), s("Shake Time"));
+    EXPECT_EQ(Manager::label(preference(1)), s("On bake"));
+    EXPECT_EQ(Manager::label(preference(2)), s("Grid Size"));
+    EXPECT_EQ(Manager::toolTip(preference(1)), s("What to do"));
+    EXPECT_EQ(Manager::toolTip(preference(0)), QString());
+    EXPECT_EQ(Manager::allowedTexts(preference(1)).size(), 2);
+    EXPECT_TRUE(Manager::allowedTexts(preference(2)).isEmpty());
+    EXPECT_TRUE(Manager::setValue(preference(0), 9));
+    EXPECT_EQ(Manager::value(preference(0)), QVariant(9));
+    Manager::reset(preference(0));
+    EXPECT_EQ(m_object->shakeTime, 3);
+    Manager::reset(preference(2));
+    EXPECT_EQ(m_plain.gridSize, 8) << "one that knows no default stays";
+}
+
+TEST_F(Preferences, thoseOfAnObjectThatIsGoneDropOut)
+{
+    const OssPreferenceManager::Preference old = preference(1);
+    m_object.reset();
+    EXPECT_EQ(m_manager->preferences().size(), m_before + 1);
+    EXPECT_EQ(preference(0).key, s("gridSize"));
+    EXPECT_FALSE(OssPreferenceManager::value(old).isValid());
+    EXPECT_FALSE(OssPreferenceManager::setValue(old, s("Ask")));
+    EXPECT_TRUE(OssPreferenceManager::allowedTexts(old).isEmpty());
+    EXPECT_EQ(OssPreferenceManager::toolTip(old), QString());
+    OssPreferenceManager::reset(old);
+    EXPECT_EQ(OssPreferenceManager::label(old), s("Mode"));
+    m_manager->savePreferences();
+}
+
+TEST_F(Preferences, everyObjectKeepsItsValuesOnce)
+{
+    m_manager->savePreferences();
+    EXPECT_EQ(m_object->saves, 1) << "however many preferences it has";
+    m_manager->savePreferences();
+    EXPECT_EQ(m_object->saves, 2);
+}
+
+// --- factories
+
+class NumberedFactory : public OssClassFactory
+{
+    Q_OBJECT
+
+public:
+    NumberedFactory(QString name, int number, int *alive)
+        : m_name(std::move(name))
+        , m_number(number)
+        , m_alive(alive)
+    {
+        ++*m_alive;
+    }
+
+    ~NumberedFactory() override { --*m_alive; }
+
+    QPointer<QObject> create(QObject *node) override
+    {
+        auto *made = new QObject(node);
+        made->setObjectName(QString::number(m_number));
+        return made;
+    }
+
+    QString className() override { return m_name; }
+
+    QString displayName() override { return m_name; }
+
+private:
+    QString m_name;
+    int m_number;
+    int *m_alive;
+};
+
+TEST(ClassFactories, theLastOfANameMakesTheObjectsAndAllAreKept)
+{
+    // Owned by the manager until the program ends.
+    static int alive = 0;
+    auto *manager = OssClassFactoryManager::instance();
+    QObject owner;
+    EXPECT_TRUE(manager->create(s("Test::Thing"), &owner).isNull()) << "nobody answers to it yet";
+    auto *first = new NumberedFactory(s("Test::Thing"), 1, &alive);
+    first->registerMe(first);
+    const QPointer<QObject> made = manager->create(s("Test::Thing"), &owner);
+    ASSERT_FALSE(made.isNull());
+    EXPECT_EQ(made->parent(), &owner);
+    EXPECT_EQ(made->objectName(), s("1"));
+    manager->registerFactory(new NumberedFactory(s("Test::Thing"), 2, &alive));
+    EXPECT_EQ(manager->create(s("Test::Thing"), &owner)->objectName(), s("2"));
+    EXPECT_EQ(alive, 2);
+    manager->registerFactory(nullptr);
+    EXPECT_TRUE(manager->create(s("Test::thing"), &owner).isNull());
+    EXPECT_TRUE(manager->create({}, &owner).isNull());
+}
+
+// --- places
+
+TEST(Settings, lieWhereTheEnvironmentSaysAndAllSeeTheSame)
+{
+    const QTemporaryDir folder;
+    const Variable variable("OSSA_CONFIG_DIR", folder.path().toLocal8Bit());
+    EXPECT_EQ(OssSettings::folderPath(), folder.path());
+    EXPECT_EQ(OssSettings::filePath(), folder.filePath(s("ossa.ini")));
+    {
+        OssSettings writer;
+        writer.setValue(s("Group/key"), 7);
+        const OssSettings reader;
+        EXPECT_EQ(reader.value(s("Group/key")).toInt(), 7) << "before it is on the disk";
+    }
+    EXPECT_TRUE(QFile::exists(OssSettings::filePath()));
+}
+
+TEST(Settings, areTheUsersWhereNobodySaysOtherwise)
+{
+    const Variable variable("OSSA_CONFIG_DIR", {});
+    EXPECT_TRUE(QDir::isAbsolutePath(OssSettings::folderPath()));
+    EXPECT_TRUE(OssSettings::folderPath().endsWith(s("/ossa")));
+    EXPECT_EQ(OssSettings::filePath(), OssSettings::folderPath() + s("/ossa.ini"));
+}
+
+TEST(Resources, areFoundInTheSourceTree)
+{
+    const OssResourceInfo *info = OssResourceInfo::instance();
+    const QString root = QDir(qEnvironmentVariable("OSSA_ROOT")).absolutePath();
+    EXPECT_EQ(info->iconPath(), root + s("/host/Icons"));
+    EXPECT_EQ(info->nodeTypePath(), root + s("/host/NodeTypes"));
+    EXPECT_EQ(info->examplePath(), root + s("/examples"));
+    {
+        const Variable variable("OSSA_PLUGIN_DIR", "/some/where/./else");
+        EXPECT_EQ(QDir::cleanPath(info->pluginPath()), s("/some/where/else"));
+    }
+    EXPECT_FALSE(info->pluginPath().contains(s("..")));
+    EXPECT_TRUE(info->pluginPath().endsWith(s("/plugins")));
+}
+
+TEST(Resources, iconsAreMadeFromFilesThatAreThere)
+{
+    EXPECT_FALSE(OssIcon::createIconFromFilename(s("Ossa.png")).isNull());
+    EXPECT_TRUE(OssIcon::createIconFromFilename(s("Nothing.png")).isNull());
+    EXPECT_TRUE(OssIcon::createIconFromFilename({}).isNull());
+    EXPECT_TRUE(OssIcon::getIconPath(s("a.png")).endsWith(s("/Icons/a.png")));
+}
+
+// --- log
+
+TEST(DebugLog, keepsTheLatestLinesAndForgetsTheOldest)
+{
+    OssDebugLog *log = OssDebugLog::instance();
+    log->clear();
+    const int written = OssDebugLog::Capacity + 500;
+    for (int i = 0; i < written; ++i)
+        log->append("Source.cpp", i, "", s("line"));
+    const auto lines = log->lines();
+    EXPECT_LE(lines.size(), OssDebugLog::Capacity);
+    EXPECT_GE(lines.size(), OssDebugLog::Capacity / 2) << "not more than needed";
+    EXPECT_EQ(lines.last().number, written - 1);
+    for (int i = 1; i < lines.size(); ++i)
+        ASSERT_EQ(lines.at(i).number, lines.at(i - 1).number + 1) << "without gaps";
+    log->clear();
+    EXPECT_TRUE(log->lines().isEmpty());
+}
+
+TEST(DebugLog, everyLineIsToldToWhoListens)
+{
+    QObject listener;
+    QStringList told;
+    QObject::connect(OssDebugLog::instance(), &OssDebugLog::lineAdded, &listener,
+                     [&told](const OssDebugLog::Line &line) {
+                         told.append(line.source + QLatin1Char(' ') + line.text);
+                     });
+    OssDebug("a/b/Source_part.test.cpp", 1, "%s", "one");
+    OssDebug(nullptr, 2, "%d%%", 2);
+    OssDebug("", 3, "%s", "");
+    EXPECT_EQ(told, QStringList({s("Source_part one"), s(" 2%"), s(" ")}));
+}
+
+TEST(DebugLog, threadsMayLogAtOnce)
+{
+    OssDebugLog::instance()->clear();
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t) {
+        threads.emplace_back([t] {
+            for (int i = 0; i < 200; ++i)
+                OssDebug("Thread", t, "[ -- ] %d", i);
+        });
+    }
+    for (std::thread &thread : threads)
+        thread.join();
+    int next[4] = {};
+    for (const OssDebugLog::Line &line : OssDebugLog::instance()->lines()) {
+        EXPECT_EQ(line.text, QStringLiteral("[ -- ] %1").arg(next[line.number]++));
+        EXPECT_EQ(line.category, OssDebugLog::Information);
+    }
+    for (const int count : next)
+        EXPECT_EQ(count, 200);
+}
+
+} // namespace
+
+#include "Managers_test.moc"

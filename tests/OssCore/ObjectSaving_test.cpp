@@ -1,0 +1,557 @@
+#include "OssCore/OssObjectReferenceManager.h"
+#include "OssCore/OssSerializableObject.h"
+#include "OssCore/OssUndoManager.h"
+#include "OssCore/OssUserEnum.h"
+
+#include <gtest/gtest.h>
+
+#include <QBuffer>
+#include <QPointF>
+
+#include <memory>
+
+namespace {
+
+QString s(const char *text)
+{
+    return QString::fromUtf8(text);
+}
+
+/// An object with properties and attributes of every kind, which knows some of what it reads.
+class Thing : public OssSerializableObject
+{
+    Q_OBJECT
+    Q_PROPERTY(int count READ count WRITE setCount)
+    Q_PROPERTY(QPointF place MEMBER place)
+    Q_PROPERTY(QString note MEMBER note STORED hasNote)
+    Q_PROPERTY(int passing MEMBER passing STORED false)
+    Q_PROPERTY(int derived READ derived)
+
+public:
+    Thing()
+    {
+        initUserAttributes(
+            {OssCustomAttribute(s("Size"), 1.0), OssCustomAttribute(s("On"), true),
+             OssCustomAttribute(s("Mode"), QVariant::fromValue(OssUserEnum(
+                                               {s("Normal"), s("Add"), s("Screen")})))});
+    }
+
+    int count() const { return m_count; }
+
+    void setCount(int count)
+    {
+        m_count = count;
+        ++settings;
+    }
+
+    bool hasNote() const { return !note.isEmpty(); }
+
+    int derived() const { return 2 * m_count; }
+
+    using OssSerializableObject::foreignContent;
+    using OssSerializableObject::initUserAttributes;
+    using OssSerializableObject::orderUserAttributes;
+
+    QPointF place;
+    QString note;
+    int passing = 0;
+    int settings = 0;
+    int ends = 0;
+    bool knowsCollections = true;
+    QStringList heard;
+    QMap<QString, QString> entries;
+    std::vector<std::unique_ptr<Thing>> children;
+
+    bool saveObjects(OssSerializer &serializer) override
+    {
+        bool good = true;
+        if (!entries.isEmpty() || !children.empty()) {
+            serializer.beginCollection(s("things"), int(children.size()), s("QList"), s("Thing"),
+                                       entries);
+            for (const auto &child : children)
+                good = child->save(serializer, s("child"), {{s("extra"), s("1")}}) && good;
+            serializer.endCollection();
+        }
+        return good;
+    }
+
+    OssSerializableObject *onLoadSubObject(OssDeserializer &, const QString &name,
+                                           const QString &type) override
+    {
+        heard.append(s("object ") + name + QLatin1Char(' ') + type);
+        return name == s("unwanted") ? nullptr : addChild();
+    }
+
+    bool onLoadCollection(const QString &name, const QString &type, const QString &elementType,
+                          int count, const Attributes &attributes) override
+    {
+        heard.append(
+            QStringLiteral("collection %1 %2 %3 %4").arg(name, type, elementType).arg(count));
+        if (!knowsCollections)
+            return false;
+        entries = attributes;
+        return true;
+    }
+
+    OssSerializableObject *onLoadCollectionObject(OssDeserializer &, const QString &name,
+                                                  const QString &type,
+                                                  const Attributes &attributes) override
+    {
+        heard.append(s("element ") + name + QLatin1Char(' ') + type + QLatin1Char(' ')
+                     + attributes.value(s("extra")));
+        return name == s("unwanted") ? nullptr : addChild();
+    }
+
+    void onEndCollection(OssDeserializer &, const QString &name) override
+    {
+        heard.append(s("end ") + name);
+    }
+
+    bool onLoadElement(OssDeserializer &deserializer, const QString &name,
+                       const Attributes &attributes) override
+    {
+        if (name == s("flat")) {
+            heard.append(s("flat ") + attributes.value(s("a")));
+            return true;
+        }
+        if (name == s("deep")) {
+            heard.append(deserializer.readRaw());
+            return true;
+        }
+        return false;
+    }
+
+    void onEndLoad() override { ++ends; }
+
+private:
+    Thing *addChild()
+    {
+        children.push_back(std::make_unique<Thing>());
+        return children.back().get();
+    }
+
+    int m_count = 3;
+};
+
+QByteArray saved(OssSerializableObject *object, bool canonical = false)
+{
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    OssSerializer serializer(&buffer);
+    serializer.setCanonical(canonical);
+    serializer.beginDocument(s("root"), {});
+    EXPECT_TRUE(object->save(serializer, s("o"), {}));
+    serializer.endDocument();
+    return buffer.data();
+}
+
+OssResult loaded(const QByteArray &document, OssSerializableObject *object)
+{
+    QBuffer buffer;
+    buffer.setData(document);
+    buffer.open(QIODevice::ReadOnly);
+    OssDeserializer reader(&buffer, s("test.xml"));
+    OssDeserializer::Attributes attributes;
+    const OssResult begun = reader.beginDocument(s("root"), &attributes);
+    if (!begun)
+        return begun;
+    while (reader.nextElement())
+        reader.loadObject(object);
+    return reader.result();
+}
+
+QByteArray document(const QByteArray &content)
+{
+    return "<root><object name=\"o\" type=\"Thing\">" + content + "</object></root>";
+}
+
+/// Runs between a history that is empty and one that is empty again.
+class ObjectSaving : public testing::Test
+{
+protected:
+    void SetUp() override { OssUndoManager::instance()->clear(); }
+
+    void TearDown() override { OssUndoManager::instance()->clear(); }
+
+    OssUndoManager *m_undo = OssUndoManager::instance();
+};
+
+TEST_F(ObjectSaving, everythingThatIsSavedComesBack)
+{
+    Thing thing;
+    thing.setCount(-4);
+    thing.place = {1.5, -2.5};
+    thing.note = s("a \"note\"\nwith <lines> & \xc3\xa4");
+    thing.passing = 7;
+    thing.setUserAttribute(OssCustomAttribute(s("Size"), 2.5), true);
+    thing.setUserAttribute(OssCustomAttribute(s("On"), false), true);
+    thing.entries = {{s("a key"), s("1,2")}, {s("empty"), QString()}};
+    for (int i = 0; i < 3; ++i) {
+        thing.children.push_back(std::make_unique<Thing>());
+        thing.children.back()->setCount(i);
+    }
+    const QString uuid = thing.children[1]->uuidString();
+    const QByteArray text = saved(&thing);
+    thing.children[1].reset(new Thing);
+
+    Thing back;
+    ASSERT_TRUE(loaded(text, &back));
+    EXPECT_EQ(back.count(), -4);
+    EXPECT_EQ(back.place, QPointF(1.5, -2.5));
+    EXPECT_EQ(back.note, thing.note);
+    EXPECT_EQ(back.passing, 0) << "not stored";
+    EXPECT_EQ(back.userAttribute(s("Size")).value(), QVariant(2.5));
+    EXPECT_EQ(back.userAttribute(s("On")).value(), QVariant(false));
+    EXPECT_EQ(back.entries, thing.entries);
+    ASSERT_EQ(back.children.size(), 3U);
+    EXPECT_EQ(back.children[2]->count(), 2);
+    EXPECT_EQ(back.children[1]->uuidString(), uuid);
+    EXPECT_EQ(back.ends, 1);
+    EXPECT_EQ(back.heard.first(), s("collection things QList Thing 3"));
+    EXPECT_EQ(back.heard.at(1), s("element child Thing 1"));
+    EXPECT_EQ(back.heard.last(), s("end things"));
+    EXPECT_EQ(saved(&back), text);
+    EXPECT_EQ(m_undo->count(), 2) << "loading records nothing";
+}
+
+TEST_F(ObjectSaving, propertiesThatAreNotStoredOrCannotBeSetAreNotWritten)
+{
+    Thing thing;
+    thing.passing = 7;
+    const QByteArray text = saved(&thing);
+    for (const char *absent : {"passing", "derived", "note", "objectName"})
+        EXPECT_FALSE(text.contains(absent)) << absent;
+    EXPECT_TRUE(text.contains("count=\"3\""));
+}
+
+TEST_F(ObjectSaving, aPropertyIsReadEvenThoughItsDefaultWouldNotBeStored)
+{
+    Thing thing;
+    ASSERT_TRUE(loaded(document("<properties note=\"kept\"/>"), &thing));
+    EXPECT_EQ(thing.note, s("kept"));
+}
+
+TEST_F(ObjectSaving, valuesThatAreNoneLeaveWhatIsThere)
+{
+    Thing thing;
+    const int settings = thing.settings;
+    ASSERT_TRUE(loaded(document("<properties count=\"many\" place=\"1,nan\"/>"
+                                "<attribute name=\"Size\" type=\"double\" value=\"large\"/>"
+                                "<attribute name=\"On\" type=\"bool\" value=\"perhaps\"/>"),
+                       &thing));
+    EXPECT_EQ(thing.count(), 3);
+    EXPECT_EQ(thing.settings, settings);
+    EXPECT_EQ(thing.place, QPointF());
+    EXPECT_EQ(thing.userAttribute(s("Size")).value(), QVariant(1.0));
+    EXPECT_EQ(thing.userAttribute(s("On")).value(), QVariant(true));
+    const QByteArray text = saved(&thing);
+    for (const char *kept : {"value=\"large\"", "value=\"perhaps\""})
+        EXPECT_TRUE(text.contains(kept)) << "what was not understood is kept: " << kept;
+}
+
+TEST_F(ObjectSaving, aChoiceKeepsItsListAndABeyondNumber)
+{
+    Thing thing;
+    for (const int number : {2, 9}) {
+        ASSERT_TRUE(loaded(document("<attribute name=\"Mode\" type=\"OssUserEnum\" value=\""
+                                    + QByteArray::number(number) + "\"/>"),
+                           &thing));
+        const auto mode = thing.userAttribute(s("Mode")).value().value<OssUserEnum>();
+        EXPECT_EQ(mode.currentValue(), number);
+        EXPECT_EQ(mode.names().size(), 3) << "the list is the type's";
+    }
+}
+
+TEST_F(ObjectSaving, unknownPropertiesAndTheirOrderSurvive)
+{
+    Thing thing;
+    ASSERT_TRUE(loaded(document("<properties zeta=\"9\" count=\"5\" passing=\"8\" derived=\"4\"/>"),
+                       &thing));
+    EXPECT_EQ(thing.count(), 5);
+    EXPECT_EQ(thing.passing, 0) << "what is not stored is not read either";
+    const QByteArray text = saved(&thing);
+    for (const char *kept : {"zeta=\"9\"", "passing=\"8\"", "derived=\"4\"", "count=\"5\""})
+        EXPECT_TRUE(text.contains(kept)) << kept;
+}
+
+TEST_F(ObjectSaving, elementsAreReadWhetherTheirContentIsLookedAtOrNot)
+{
+    Thing thing;
+    ASSERT_TRUE(loaded(document("<flat a=\"1\"><inner><x/></inner></flat>"
+                                "<deep><y>z</y></deep>"
+                                "<flat a=\"2\"/>"
+                                "<deep/>"
+                                "<object name=\"sub\" type=\"Thing\"/>"),
+                       &thing));
+    ASSERT_EQ(thing.heard.size(), 5) << qPrintable(thing.heard.join(QLatin1Char('|')));
+    EXPECT_EQ(thing.heard.at(0), s("flat 1"));
+    EXPECT_TRUE(thing.heard.at(1).contains(s("<y>z</y>")));
+    EXPECT_EQ(thing.heard.at(2), s("flat 2"));
+    EXPECT_EQ(thing.heard.at(4), s("object sub Thing"));
+    EXPECT_TRUE(thing.foreignContent().isEmpty());
+}
+
+TEST_F(ObjectSaving, objectsThatAreNotWantedAreKeptAsText)
+{
+    Thing thing;
+    ASSERT_TRUE(
+        loaded(document("<object name=\"unwanted\" type=\"Other\"><properties a=\"1\"/></object>"
+                        "<collection name=\"things\" type=\"T\" elementType=\"E\" count=\"0\"/>"),
+               &thing));
+    EXPECT_TRUE(thing.children.empty());
+    EXPECT_TRUE(thing.heard.contains(s("collection things T E 0")))
+        << "an empty collection is one, too";
+    EXPECT_TRUE(thing.heard.contains(s("end things")));
+    EXPECT_TRUE(saved(&thing).contains("name=\"unwanted\" type=\"Other\""));
+}
+
+TEST_F(ObjectSaving, aCollectionNobodyKnowsIsWrittenBackWhole)
+{
+    Thing thing;
+    thing.knowsCollections = false;
+    ASSERT_TRUE(
+        loaded(document("<collection name=\"later\" type=\"T\" elementType=\"E\" count=\"2\">"
+                        "<entry key=\"k &amp; k\" value=\"&lt;v&gt;\"/>"
+                        "<object name=\"a\" type=\"A\"><properties p=\"1\"/></object>"
+                        "<entry key=\"late\" value=\"2\"/>"
+                        "</collection>"
+                        "<collection name=\"none\" type=\"T\" elementType=\"E\" count=\"0\"/>"),
+               &thing));
+    EXPECT_FALSE(thing.heard.contains(s("end later")));
+    const QByteArray once = saved(&thing);
+    for (const char *kept :
+         {"name=\"later\" type=\"T\" elementType=\"E\" count=\"2\"", "key=\"k &amp; k\"",
+          "value=\"&lt;v&gt;\"", "<properties p=\"1\"/>", "key=\"late\"", "name=\"none\""})
+        EXPECT_TRUE(once.contains(kept)) << kept << "\n" << once.constData();
+    Thing again;
+    again.knowsCollections = false;
+    ASSERT_TRUE(loaded(once, &again));
+    EXPECT_EQ(saved(&again), once);
+}
+
+TEST_F(ObjectSaving, aDocumentThatBreaksOffEndsNothing)
+{
+    Thing thing;
+    EXPECT_FALSE(loaded("<root><object name=\"o\" type=\"Thing\"><collection name=\"things\">"
+                        "<entry key=\"a\" value=\"1\"/>",
+                        &thing));
+    EXPECT_EQ(thing.ends, 0);
+    EXPECT_FALSE(thing.heard.contains(s("end things")));
+    EXPECT_TRUE(thing.entries.isEmpty()) << "half a collection is not announced";
+}
+
+TEST_F(ObjectSaving, idsAreLeftOutOfCanonicalTextAndOfObjectsThatHaveNone)
+{
+    Thing thing;
+    EXPECT_FALSE(saved(&thing).contains("uuid"));
+    const QByteArray before = saved(&thing, true);
+    const QByteArray uuid = thing.uuidString().toUtf8();
+    EXPECT_TRUE(saved(&thing).contains(uuid));
+    EXPECT_EQ(saved(&thing, true), before);
+}
+
+TEST_F(ObjectSaving, badIdsAreRefused)
+{
+    for (const char *bad : {"x", "{}", "{00000000-0000-0000-0000-000000000000}",
+                            "{12345678-1234-1234-1234-12345678901g}"}) {
+        Thing thing;
+        const OssResult result = loaded(
+            QByteArray("<root><object name=\"o\" uuid=\"") + bad + "\"/></root>", &thing);
+        ASSERT_FALSE(result) << bad;
+        EXPECT_TRUE(result.error().contains(s(bad))) << qPrintable(result.error());
+        EXPECT_EQ(thing.ends, 0);
+    }
+}
+
+TEST_F(ObjectSaving, anObjectIsFoundUnderItsPresentIdOnly)
+{
+    const auto found = [](const QString &reference) {
+        return OssObjectReferenceManager::instance()->getPointer(reference);
+    };
+    auto thing = std::make_unique<Thing>();
+    const QString first = thing->uuidString();
+    EXPECT_EQ(thing->uuidString(), first) << "it stays";
+    EXPECT_TRUE(first.startsWith(QLatin1Char('{')));
+    EXPECT_FALSE(thing->setUuidString(s("no id")));
+    EXPECT_FALSE(thing->setUuidString(QUuid().toString()));
+    EXPECT_EQ(thing->uuidString(), first);
+    EXPECT_TRUE(thing->setUuidString(first));
+    const QString second = QUuid::createUuid().toString();
+    ASSERT_TRUE(thing->setUuidString(second));
+    EXPECT_EQ(found(first), nullptr);
+    EXPECT_EQ(found(second), thing.get());
+    EXPECT_EQ(found(second.mid(1, second.size() - 2)), thing.get()) << "without braces, too";
+    thing.reset();
+    EXPECT_EQ(found(second), nullptr);
+    EXPECT_EQ(found(QString()), nullptr);
+    EXPECT_EQ(found(QUuid().toString()), nullptr);
+}
+
+TEST_F(ObjectSaving, selectionIsToldOnlyWhenItChanges)
+{
+    Thing thing;
+    QList<bool> told;
+    QObject::connect(&thing, &OssSerializableObject::selectedChanged,
+                     [&told](bool on) { told.append(on); });
+    for (const bool on : {false, true, true, false})
+        thing.setSelected(on);
+    EXPECT_EQ(told, (QList<bool>{true, false}));
+    EXPECT_EQ(m_undo->count(), 0) << "no part of the document";
+}
+
+TEST_F(ObjectSaving, whatAUserMadeIsDescribedInTheFile)
+{
+    Thing thing;
+    OssCustomAttribute knob(s("Depth"), QVariant::fromValue(OssUserEnum({s("A,B"), s("C")}, 1)));
+    OssCustomAttribute::Definition &definition = knob.editDefinition();
+    definition.isKnob = true;
+    definition.prettyName = s("How deep");
+    definition.group = s("Pattern");
+    definition.minimum = 0.5;
+    definition.softMaximum = 8;
+    definition.toolTip = s("a \"tip\"");
+    thing.setUserAttribute(knob, true);
+    const QByteArray text = saved(&thing);
+    for (const char *kept :
+         {"knob=\"true\"", "prettyName=\"How deep\"", "group=\"Pattern\"", "minimum=\"0.5\"",
+          "softMaximum=\"8\"", "toolTip=\"a &quot;tip&quot;\"", "choices=\"A\\,B,C\"",
+          "value=\"1\"", "default=\"1\""})
+        EXPECT_TRUE(text.contains(kept)) << kept << "\n" << text.constData();
+    for (const char *absent : {"maximum=\"\"", "editor"})
+        EXPECT_FALSE(text.contains(absent)) << absent;
+    EXPECT_EQ(text.count("knob="), 1) << "the type's own are known from the type";
+}
+
+// --- user attributes
+
+class UserAttributes : public ObjectSaving
+{
+protected:
+    void listen()
+    {
+        QObject::connect(&m_thing, &OssSerializableObject::userAttributeChanged,
+                         [this](const QString &name) { m_told.append(s("set ") + name); });
+        QObject::connect(&m_thing, &OssSerializableObject::userAttributeRemoved,
+                         [this](const QString &name) { m_told.append(s("gone ") + name); });
+    }
+
+    Thing m_thing;
+    QStringList m_told;
+};
+
+TEST_F(UserAttributes, removingAndUndoingKeepsTheirPlaces)
+{
+    listen();
+    const QStringList names = m_thing.userAttributeNames();
+    for (const QString &name : names) {
+        m_told.clear();
+        ASSERT_TRUE(m_thing.removeUserAttribute(name));
+        EXPECT_FALSE(m_thing.exists(name));
+        EXPECT_FALSE(m_thing.removeUserAttribute(name)) << "it is gone";
+        m_undo->undo();
+        EXPECT_EQ(m_thing.userAttributeNames(), names);
+        m_undo->redo();
+        EXPECT_FALSE(m_thing.exists(name));
+        m_undo->undo();
+        EXPECT_EQ(m_told, QStringList({s("gone ") + name, s("set ") + name, s("gone ") + name,
+                                       s("set ") + name}));
+    }
+    EXPECT_EQ(m_thing.userAttributes().size(), names.size());
+}
+
+TEST_F(UserAttributes, undoingComesBackEvenWhenOthersWentMeanwhile)
+{
+    ASSERT_TRUE(m_thing.removeUserAttribute(s("Mode")));
+    {
+        const OssUndoManager::Pause unrecorded;
+        m_thing.removeUserAttribute(s("Size"));
+        m_thing.removeUserAttribute(s("On"));
+    }
+    m_undo->undo();
+    EXPECT_EQ(m_thing.userAttributeNames(), QStringList{s("Mode")});
+}
+
+TEST_F(UserAttributes, nobodyIsToldOfASilentChangeButUndoTells)
+{
+    listen();
+    m_thing.setUserAttribute(OssCustomAttribute(s("Size"), 4.0), false);
+    EXPECT_TRUE(m_told.isEmpty());
+    EXPECT_EQ(m_thing.userAttribute(s("Size")).value(), QVariant(4.0));
+    m_undo->undo();
+    EXPECT_EQ(m_told, QStringList{s("set Size")});
+    EXPECT_EQ(m_thing.userAttribute(s("Size")).value(), QVariant(1.0));
+}
+
+TEST_F(UserAttributes, oneWithoutANameIsNotTaken)
+{
+    listen();
+    m_thing.setUserAttribute(OssCustomAttribute(), true);
+    m_thing.setUserAttribute(OssCustomAttribute(QString(), 1.0), true);
+    EXPECT_EQ(m_thing.userAttributes().size(), 3);
+    EXPECT_TRUE(m_told.isEmpty());
+    EXPECT_EQ(m_undo->count(), 0);
+    EXPECT_FALSE(m_thing.userAttribute(s("Nobody")).isValid());
+}
+
+TEST_F(UserAttributes, anAddedOneGoesWhenItIsUndone)
+{
+    listen();
+    m_thing.setUserAttribute(OssCustomAttribute(s("New"), 1), true);
+    EXPECT_EQ(m_thing.userAttributeNames().last(), s("New"));
+    m_undo->undo();
+    EXPECT_FALSE(m_thing.exists(s("New")));
+    m_undo->redo();
+    EXPECT_TRUE(m_thing.exists(s("New")));
+    EXPECT_EQ(m_told, QStringList({s("set New"), s("gone New"), s("set New")}));
+}
+
+TEST_F(UserAttributes, historyOutlivesTheObject)
+{
+    auto thing = std::make_unique<Thing>();
+    thing->setUserAttribute(OssCustomAttribute(s("Size"), 2.0), true);
+    thing->removeUserAttribute(s("On"));
+    thing.reset();
+    for (int round = 0; round < 2; ++round) {
+        m_undo->undo();
+        m_undo->undo();
+        m_undo->redo();
+        m_undo->redo();
+    }
+    EXPECT_EQ(m_undo->count(), 2);
+}
+
+TEST_F(UserAttributes, anOrderIsTakenOnlyWhole)
+{
+    const QStringList before = m_thing.userAttributeNames();
+    const QStringList wrong[] = {
+        {},
+        {s("Size"), s("On")},
+        {s("Size"), s("On"), s("On")},
+        {s("Size"), s("On"), s("Other")},
+        {s("Size"), s("On"), s("Mode"), s("Other")},
+        {s("Size"), s("On"), s("Mode"), s("Mode")},
+    };
+    for (const QStringList &names : wrong) {
+        EXPECT_FALSE(m_thing.orderUserAttributes(names))
+            << qPrintable(names.join(QLatin1Char(' ')));
+        EXPECT_EQ(m_thing.userAttributeNames(), before);
+    }
+    const QStringList order{s("Mode"), s("Size"), s("On")};
+    EXPECT_TRUE(m_thing.orderUserAttributes(order));
+    EXPECT_EQ(m_thing.userAttributeNames(), order);
+    EXPECT_EQ(m_thing.userAttribute(s("Size")).value(), QVariant(1.0));
+}
+
+TEST_F(UserAttributes, aChangeOfLooksIsAChange)
+{
+    OssCustomAttribute size = m_thing.userAttribute(s("Size"));
+    size.setVisible(false);
+    m_thing.setUserAttribute(size, true);
+    EXPECT_FALSE(m_thing.userAttribute(s("Size")).isVisible());
+    m_undo->undo();
+    EXPECT_TRUE(m_thing.userAttribute(s("Size")).isVisible());
+}
+
+} // namespace
+
+#include "ObjectSaving_test.moc"

@@ -7,7 +7,7 @@
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Nodes/OssSnMultiChannelGroupNode.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
-#include "OssNodeGraph/Undo/OssNgNodePositionChangeUndo.h"
+#include "OssNodeGraph/Items/OssNgNodePositionChangeUndo.h"
 
 #include <algorithm>
 

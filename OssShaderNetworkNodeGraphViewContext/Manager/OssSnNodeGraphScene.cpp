@@ -1,6 +1,6 @@
 #include "Manager/OssSnNodeGraphScene.h"
 
-#include "OssNodeGraph/Index/OssNgSceneIndex.h"
+#include "OssNodeGraph/Items/OssNgSceneIndex.h"
 
 OssSnNodeGraphScene::OssSnNodeGraphScene() = default;
 

@@ -7,8 +7,8 @@
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
-#include "OssNodeGraph/Undo/OssNgBackdropNodeRectChangeUndo.h"
-#include "OssNodeGraph/Undo/OssNgNodePositionChangeUndo.h"
+#include "OssNodeGraph/Items/OssNgBackdropNodeRectChangeUndo.h"
+#include "OssNodeGraph/Items/OssNgNodePositionChangeUndo.h"
 #include "OssShaderNetworkView.h"
 #include "OssShaderNetworkWidget.h"
 

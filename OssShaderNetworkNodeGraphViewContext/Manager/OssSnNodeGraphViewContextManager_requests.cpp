@@ -19,7 +19,7 @@
 #include "OssModel/Project/OssProjectManager.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
 #include "OssNodeGraph/Items/OssNgNode.h"
-#include "OssNodeGraph/Undo/OssNgNodePositionChangeUndo.h"
+#include "OssNodeGraph/Items/OssNgNodePositionChangeUndo.h"
 #include "OssShaderNetworkView.h"
 #include "OssShaderNetworkWidget.h"
 #include "OssSnNodeGraphViewContext.h"

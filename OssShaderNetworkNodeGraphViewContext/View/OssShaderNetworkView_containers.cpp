@@ -6,9 +6,9 @@
 #include "OssCore/OssUndoManager.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
-#include "OssNodeGraph/Index/OssNgSceneIndex.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
-#include "OssNodeGraph/Undo/OssNgBackdropNodeRectChangeUndo.h"
+#include "OssNodeGraph/Items/OssNgBackdropNodeRectChangeUndo.h"
+#include "OssNodeGraph/Items/OssNgSceneIndex.h"
 #include "OssSnNodeGraphViewContextManager.h"
 
 #include <algorithm>

@@ -4,10 +4,10 @@
 #include "OssCore/OssDebug.h"
 #include "OssCore/OssUndoManager.h"
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
-#include "OssNodeGraph/Index/OssNgSceneIndex.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
 #include "OssNodeGraph/Items/OssNgNode.h"
-#include "OssNodeGraph/Undo/OssNgNodePositionChangeUndo.h"
+#include "OssNodeGraph/Items/OssNgNodePositionChangeUndo.h"
+#include "OssNodeGraph/Items/OssNgSceneIndex.h"
 #include "OssSnNodeGraphViewContext.h"
 #include "OssSnNodeGraphViewContextManager.h"
 

@@ -6,7 +6,7 @@
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
-#include "OssNodeGraph/Undo/OssNgNodePositionChangeUndo.h"
+#include "OssNodeGraph/Items/OssNgNodePositionChangeUndo.h"
 #include "OssSnGroupNodeGraphViewContext.h"
 #include "OssSnNodeGraphViewContextManager.h"
 

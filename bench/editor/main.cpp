@@ -11,7 +11,7 @@
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectManager.h"
-#include "OssNodeGraph/Index/OssNgSceneIndex.h"
+#include "OssNodeGraph/Items/OssNgSceneIndex.h"
 
 #include <QApplication>
 #include <QGraphicsView>
@@ -129,7 +129,8 @@ void judge(const char *what, int count)
     }
     for (std::size_t i = 0; i < nodes.size(); ++i) {
         for (std::size_t j = i + 1; j < nodes.size(); ++j)
-            overlaps += nodes[i].node && nodes[j].node && nodes[i].rect.intersects(nodes[j].rect)
+            overlaps += nodes[i].node && nodes[j].node
+                                && nodes[i].bounds.intersects(nodes[j].bounds)
                             ? 1
                             : 0;
     }

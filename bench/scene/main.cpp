@@ -3,8 +3,8 @@
 // for the least that QGraphicsView needs for that picture.
 
 #include "LimitScene.h"
-#include "OssNodeGraph/Index/OssNgSceneIndex.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
+#include "OssNodeGraph/Items/OssNgSceneIndex.h"
 #include "OssNodeGraph/View/OssNgView.h"
 #include "support/ExampleGraph.h"
 

@@ -1,6 +1,6 @@
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
 
-#include "OssNodeGraph/Undo/OssNgBackdropNodeRectChangeUndo.h"
+#include "OssNodeGraph/Items/OssNgBackdropNodeRectChangeUndo.h"
 #include "support/ExampleGraph.h"
 
 #include <gtest/gtest.h>

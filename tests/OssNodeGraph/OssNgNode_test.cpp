@@ -1,11 +1,11 @@
 #include "OssCore/OssDeserializer.h"
 #include "OssCore/OssSerializer.h"
 #include "OssCore/OssUndoManager.h"
-#include "OssNodeGraph/Index/OssNgSceneIndex.h"
 #include "OssNodeGraph/Items/OssNgDotNode.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
+#include "OssNodeGraph/Items/OssNgNodePositionChangeUndo.h"
+#include "OssNodeGraph/Items/OssNgSceneIndex.h"
 #include "OssNodeGraph/Items/OssNgUINode.h"
-#include "OssNodeGraph/Undo/OssNgNodePositionChangeUndo.h"
 #include "support/ExampleGraph.h"
 
 #include <gtest/gtest.h>

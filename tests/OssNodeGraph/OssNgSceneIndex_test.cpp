@@ -1,4 +1,4 @@
-#include "OssNodeGraph/Index/OssNgSceneIndex.h"
+#include "OssNodeGraph/Items/OssNgSceneIndex.h"
 
 #include "OssNodeGraph/Items/OssNgEdge.h"
 #include "support/ExampleGraph.h"

@@ -1,9 +1,9 @@
 #include "support/ExampleGraph.h"
 
-#include "OssNodeGraph/Index/OssNgSceneIndex.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
 #include "OssNodeGraph/Items/OssNgDotNode.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
+#include "OssNodeGraph/Items/OssNgSceneIndex.h"
 #include "OssNodeGraph/Items/OssNgUINode.h"
 
 #include <QMetaEnum>

@@ -2,30 +2,30 @@
 
 #include "OssCore/OssUndoManager.h"
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
+#include "OssNodeGraph/Gestures/OssNgGestureHost.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
-#include "OssNodeGraph/Undo/OssNgBackdropNodeRectChangeUndo.h"
-#include "OssNodeGraph/Undo/OssNgNodePositionChangeUndo.h"
-#include "OssNodeGraph/View/OssNgView.h"
+#include "OssNodeGraph/Items/OssNgBackdropNodeRectChangeUndo.h"
+#include "OssNodeGraph/Items/OssNgNodePositionChangeUndo.h"
 
 #include <QMouseEvent>
 
 #include <algorithm>
 #include <cmath>
 
-OssNgBackdropResizeGesture::OssNgBackdropResizeGesture(OssNgView *view, Qt::MouseButton button,
-                                                       const QPointF &start,
+OssNgBackdropResizeGesture::OssNgBackdropResizeGesture(OssNgGestureHost *host,
+                                                       Qt::MouseButton button, const QPointF &start,
                                                        OssNgBackdropNode *backdrop, Qt::Edges edges)
-    : OssNgGesture(view, button)
+    : OssNgGesture(host, button)
     , m_backdrop(backdrop)
     , m_edges(edges)
-    , m_startScene(view->toScene(start))
+    , m_startScene(host->toScene(start))
     , m_startArea(backdrop->rect().translated(backdrop->pos()))
 {
 }
 
 int OssNgBackdropResizeGesture::state() const
 {
-    return OssNgView::BackdropResize;
+    return OssNgGestureHost::BackdropResize;
 }
 
 void OssNgBackdropResizeGesture::enter()
@@ -38,8 +38,8 @@ void OssNgBackdropResizeGesture::move(QMouseEvent *event)
 {
     if (!m_backdrop)
         return;
-    QPointF way = view()->toScene(event->localPos()) - m_startScene;
-    if (view()->isSnapToGridOn())
+    QPointF way = host()->toScene(event->localPos()) - m_startScene;
+    if (host()->isSnapToGridOn())
         way = {std::round(way.x() / OssNgStyle::GridStep) * OssNgStyle::GridStep,
                std::round(way.y() / OssNgStyle::GridStep) * OssNgStyle::GridStep};
     const QSizeF least = OssNgBackdropNode::minimumSize();

@@ -11,7 +11,7 @@ class OssNgBackdropNode;
 class OssNgBackdropResizeGesture final : public OssNgGesture
 {
 public:
-    OssNgBackdropResizeGesture(OssNgView *view, Qt::MouseButton button, const QPointF &start,
+    OssNgBackdropResizeGesture(OssNgGestureHost *host, Qt::MouseButton button, const QPointF &start,
                                OssNgBackdropNode *backdrop, Qt::Edges edges);
 
     int state() const override;

@@ -1,16 +1,16 @@
 #include "OssNodeGraph/Gestures/OssNgEdgeDragGesture.h"
 
+#include "OssNodeGraph/Gestures/OssNgGestureHost.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
 #include "OssNodeGraph/Items/OssNgNode.h"
-#include "OssNodeGraph/View/OssNgView.h"
 
 #include <QApplication>
 #include <QGraphicsScene>
 #include <QMouseEvent>
 
-OssNgEdgeDragGesture::OssNgEdgeDragGesture(OssNgView *view, Qt::MouseButton button, OssNgEdge *edge,
-                                           int held, const QPointF &start)
-    : OssNgGesture(view, button)
+OssNgEdgeDragGesture::OssNgEdgeDragGesture(OssNgGestureHost *host, Qt::MouseButton button,
+                                           OssNgEdge *edge, int held, const QPointF &start)
+    : OssNgGesture(host, button)
     , m_edge(edge)
     , m_owner(edge->isFullConnected() ? nullptr
               : edge->source()        ? edge->source()
@@ -27,7 +27,7 @@ OssNgEdgeDragGesture::~OssNgEdgeDragGesture()
 
 int OssNgEdgeDragGesture::state() const
 {
-    return OssNgView::EdgeDrag;
+    return OssNgGestureHost::EdgeDrag;
 }
 
 void OssNgEdgeDragGesture::enter()
@@ -38,7 +38,7 @@ void OssNgEdgeDragGesture::enter()
 
 bool OssNgEdgeDragGesture::isAlive() const
 {
-    return view()->scene() && view()->scene()->mouseGrabberItem() == m_edge;
+    return host()->graphScene() && host()->graphScene()->mouseGrabberItem() == m_edge;
 }
 
 void OssNgEdgeDragGesture::move(QMouseEvent *event)
@@ -47,14 +47,14 @@ void OssNgEdgeDragGesture::move(QMouseEvent *event)
     if (!m_moved && way.manhattanLength() < QApplication::startDragDistance())
         return;
     m_moved = true;
-    m_edge->dragTo(view()->toScene(event->localPos()));
+    m_edge->dragTo(host()->toScene(event->localPos()));
 }
 
 void OssNgEdgeDragGesture::release(QMouseEvent *event)
 {
     m_edge->ungrabMouse();
     // A click on a port or wire that did not move changes nothing.
-    const QPointF drop = m_moved ? view()->toScene(event->localPos()) : QPointF();
+    const QPointF drop = m_moved ? host()->toScene(event->localPos()) : QPointF();
     m_edge->releaseMouse(drop, false);
 }
 

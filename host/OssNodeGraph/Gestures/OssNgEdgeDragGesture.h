@@ -13,7 +13,7 @@ class OssNgEdgeDragGesture final : public OssNgGesture
 {
 public:
     /// `held` says which end of the wire follows the pointer: an OssNgEdge::DragEnd.
-    OssNgEdgeDragGesture(OssNgView *view, Qt::MouseButton button, OssNgEdge *edge, int held,
+    OssNgEdgeDragGesture(OssNgGestureHost *host, Qt::MouseButton button, OssNgEdge *edge, int held,
                          const QPointF &start);
     ~OssNgEdgeDragGesture() override;
 

@@ -3,16 +3,17 @@
 #include <QPointF>
 #include <Qt>
 
-class OssNgView;
+class OssNgGestureHost;
 class QMouseEvent;
 class QPainter;
 
-/// What the pointer does from a press to its release. Made by OssNgView, which holds at most one.
+/// What the pointer does from a press to its release. Made and owned by the view, its host, which
+/// has at most one in hand, and one more that moves the view under it.
 class OssNgGesture
 {
 public:
-    OssNgGesture(OssNgView *view, Qt::MouseButton button)
-        : m_view(view)
+    OssNgGesture(OssNgGestureHost *host, Qt::MouseButton button)
+        : m_host(host)
         , m_button(button)
     {
     }
@@ -23,7 +24,7 @@ public:
 
     Qt::MouseButton button() const { return m_button; }
 
-    /// OssNgView's interaction state while this is in hand.
+    /// The view's OssNgGestureHost::InteractionState while this is in hand.
     virtual int state() const = 0;
 
     /// Once, after the view took it over.
@@ -46,9 +47,9 @@ public:
     virtual void paint(QPainter *) const {}
 
 protected:
-    OssNgView *view() const { return m_view; }
+    OssNgGestureHost *host() const { return m_host; }
 
 private:
-    OssNgView *m_view;
+    OssNgGestureHost *m_host;
     Qt::MouseButton m_button;
 };

@@ -1,8 +1,9 @@
 #include "OssNodeGraph/Gestures/OssNgNavigationGestures.h"
 
-#include "OssNodeGraph/View/OssNgView.h"
+#include "OssNodeGraph/Gestures/OssNgGestureHost.h"
 
 #include <QMouseEvent>
+#include <QWidget>
 
 #include <cmath>
 
@@ -12,25 +13,26 @@ constexpr qreal PixelsPerDoubling = 160.0;
 
 } // namespace
 
-OssNgPanGesture::OssNgPanGesture(OssNgView *view, Qt::MouseButton button, const QPointF &start)
-    : OssNgGesture(view, button)
+OssNgPanGesture::OssNgPanGesture(OssNgGestureHost *host, Qt::MouseButton button,
+                                 const QPointF &start)
+    : OssNgGesture(host, button)
     , m_last(start)
 {
 }
 
 int OssNgPanGesture::state() const
 {
-    return OssNgView::Panning;
+    return OssNgGestureHost::Panning;
 }
 
 void OssNgPanGesture::enter()
 {
-    view()->viewport()->setCursor(Qt::ClosedHandCursor);
+    host()->canvas()->setCursor(Qt::ClosedHandCursor);
 }
 
 void OssNgPanGesture::move(QMouseEvent *event)
 {
-    view()->scrollBy(m_last - event->localPos());
+    host()->scrollBy(m_last - event->localPos());
     m_last = event->localPos();
 }
 
@@ -39,42 +41,43 @@ void OssNgPanGesture::release(QMouseEvent *event)
     move(event);
 }
 
-OssNgZoomGesture::OssNgZoomGesture(OssNgView *view, Qt::MouseButton button, const QPointF &start)
-    : OssNgGesture(view, button)
+OssNgZoomGesture::OssNgZoomGesture(OssNgGestureHost *host, Qt::MouseButton button,
+                                   const QPointF &start)
+    : OssNgGesture(host, button)
     , m_start(start)
-    , m_startZoom(view->zoom())
+    , m_startZoom(host->zoom())
 {
 }
 
 int OssNgZoomGesture::state() const
 {
-    return OssNgView::Zooming;
+    return OssNgGestureHost::Zooming;
 }
 
 void OssNgZoomGesture::move(QMouseEvent *event)
 {
     const QPointF way = event->localPos() - m_start;
-    view()->zoomAbout(m_startZoom * std::exp2((way.x() - way.y()) / PixelsPerDoubling), m_start);
+    host()->zoomAbout(m_startZoom * std::exp2((way.x() - way.y()) / PixelsPerDoubling), m_start);
 }
 
-OssNgMinimapGesture::OssNgMinimapGesture(OssNgView *view, Qt::MouseButton button,
+OssNgMinimapGesture::OssNgMinimapGesture(OssNgGestureHost *host, Qt::MouseButton button,
                                          const QPointF &start)
-    : OssNgGesture(view, button)
+    : OssNgGesture(host, button)
     , m_start(start)
 {
 }
 
 int OssNgMinimapGesture::state() const
 {
-    return OssNgView::MinimapDrag;
+    return OssNgGestureHost::MinimapDrag;
 }
 
 void OssNgMinimapGesture::enter()
 {
-    view()->centerViewOn(view()->minimapToScene(m_start), false);
+    host()->centerViewOn(host()->minimapToScene(m_start), false);
 }
 
 void OssNgMinimapGesture::move(QMouseEvent *event)
 {
-    view()->centerViewOn(view()->minimapToScene(event->localPos()), false);
+    host()->centerViewOn(host()->minimapToScene(event->localPos()), false);
 }

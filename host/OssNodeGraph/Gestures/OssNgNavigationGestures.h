@@ -6,7 +6,7 @@
 class OssNgPanGesture final : public OssNgGesture
 {
 public:
-    OssNgPanGesture(OssNgView *view, Qt::MouseButton button, const QPointF &start);
+    OssNgPanGesture(OssNgGestureHost *host, Qt::MouseButton button, const QPointF &start);
 
     int state() const override;
     void enter() override;
@@ -21,7 +21,7 @@ private:
 class OssNgZoomGesture final : public OssNgGesture
 {
 public:
-    OssNgZoomGesture(OssNgView *view, Qt::MouseButton button, const QPointF &start);
+    OssNgZoomGesture(OssNgGestureHost *host, Qt::MouseButton button, const QPointF &start);
 
     int state() const override;
     void move(QMouseEvent *event) override;
@@ -37,7 +37,7 @@ private:
 class OssNgMinimapGesture final : public OssNgGesture
 {
 public:
-    OssNgMinimapGesture(OssNgView *view, Qt::MouseButton button, const QPointF &start);
+    OssNgMinimapGesture(OssNgGestureHost *host, Qt::MouseButton button, const QPointF &start);
 
     int state() const override;
     void enter() override;

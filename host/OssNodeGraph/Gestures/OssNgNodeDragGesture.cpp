@@ -1,15 +1,16 @@
 #include "OssNodeGraph/Gestures/OssNgNodeDragGesture.h"
 
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
+#include "OssNodeGraph/Gestures/OssNgGestureHost.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
 #include "OssNodeGraph/Items/OssNgMovedNodes.h"
 #include "OssNodeGraph/Items/OssNgNode.h"
-#include "OssNodeGraph/View/OssNgView.h"
 
 #include <QApplication>
 #include <QGraphicsScene>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QWidget>
 
 #include <algorithm>
 #include <cmath>
@@ -21,11 +22,11 @@ constexpr qreal CounterStep = 11.0;
 
 } // namespace
 
-OssNgNodeDragGesture::OssNgNodeDragGesture(OssNgView *view, Qt::MouseButton button,
+OssNgNodeDragGesture::OssNgNodeDragGesture(OssNgGestureHost *host, Qt::MouseButton button,
                                            const QPointF &start, OssNgNode *pressed,
                                            bool wasSelected)
-    : OssNgGesture(view, button)
-    , m_startScene(view->toScene(start))
+    : OssNgGesture(host, button)
+    , m_startScene(host->toScene(start))
     , m_pressed(pressed)
     , m_deselectOthersOnClick(wasSelected)
     , m_pointer(start)
@@ -35,7 +36,7 @@ OssNgNodeDragGesture::OssNgNodeDragGesture(OssNgView *view, Qt::MouseButton butt
 
 int OssNgNodeDragGesture::state() const
 {
-    return OssNgView::Idle;
+    return OssNgGestureHost::Idle;
 }
 
 void OssNgNodeDragGesture::enter()
@@ -46,14 +47,14 @@ void OssNgNodeDragGesture::enter()
 
 void OssNgNodeDragGesture::collect()
 {
-    const QVector<OssNgNode *> nodes = nodesMovedWithSelection(view()->scene());
+    const QVector<OssNgNode *> nodes = nodesMovedWithSelection(host()->graphScene());
     for (OssNgNode *node : nodes)
         m_moved.append({node, node->pos()});
 }
 
 QPointF OssNgNodeDragGesture::snapped(const QPointF &offset) const
 {
-    if (!view()->isSnapToGridOn() || !m_pressed)
+    if (!host()->isSnapToGridOn() || !m_pressed)
         return offset;
     for (const Moved &moved : m_moved) {
         if (moved.node != m_pressed)
@@ -77,14 +78,14 @@ void OssNgNodeDragGesture::moveBy(const QPointF &offset)
 
 void OssNgNodeDragGesture::move(QMouseEvent *event)
 {
-    const QPointF offset = view()->toScene(event->localPos()) - m_startScene;
+    const QPointF offset = host()->toScene(event->localPos()) - m_startScene;
     if (!m_dragging) {
-        if ((offset * view()->zoom()).manhattanLength() < QApplication::startDragDistance())
+        if ((offset * host()->zoom()).manhattanLength() < QApplication::startDragDistance())
             return;
         m_dragging = true;
-        if (view()->m_shakeToExtractEnabled
-            && view()->cursorTrackingMode() == OssNgView::NormalTracking)
-            view()->setCursorTrackingMode(OssNgView::ShakeTracking);
+        if (host()->shakeRule().enabled
+            && host()->cursorTrackingMode() == OssNgGestureHost::NormalTracking)
+            host()->setCursorTrackingMode(OssNgGestureHost::ShakeTracking);
     }
     moveBy(snapped(offset));
     previewInsertion();
@@ -119,13 +120,13 @@ void OssNgNodeDragGesture::endPreview()
 
 bool OssNgNodeDragGesture::isWatchingShakes() const
 {
-    return m_dragging && view()->m_shakeToExtractEnabled
-           && view()->cursorTrackingMode() == OssNgView::ShakeTracking;
+    return m_dragging && host()->shakeRule().enabled
+           && host()->cursorTrackingMode() == OssNgGestureHost::ShakeTracking;
 }
 
 QRectF OssNgNodeDragGesture::shakeCounterRect() const
 {
-    const QSizeF size(CounterStep * std::max(1, view()->m_shakeToExtractShakes), CounterStep);
+    const QSizeF size(CounterStep * std::max(1, host()->shakeRule().reversals), CounterStep);
     return QRectF(m_pointer + CounterOffset, size).adjusted(-2.0, -2.0, 2.0, 2.0);
 }
 
@@ -136,13 +137,13 @@ void OssNgNodeDragGesture::watchShake(const QPointF &position)
     m_pointer = position;
     if (!isWatchingShakes())
         return;
-    const int count = m_shakes.move(position, m_clock.elapsed(), view()->m_shakeToExtractTime);
+    const int count = m_shakes.move(position, m_clock.elapsed(), host()->shakeRule().time);
     if (count > 0 || countBefore > 0)
-        view()->viewport()->update((before | shakeCounterRect()).toAlignedRect());
-    if (count < std::max(1, view()->m_shakeToExtractShakes))
+        host()->canvas()->update((before | shakeCounterRect()).toAlignedRect());
+    if (count < std::max(1, host()->shakeRule().reversals))
         return;
     m_shakes.reset();
-    Q_EMIT view()->shakeToExtractTriggered();
+    host()->announceShake();
 }
 
 void OssNgNodeDragGesture::paint(QPainter *painter) const
@@ -152,7 +153,7 @@ void OssNgNodeDragGesture::paint(QPainter *painter) const
     const QColor accent = OssNgStyle::instance()->color(OssNgStyle::Role::Accent);
     const QRectF place = shakeCounterRect();
     painter->setPen(QPen(accent, 1.2));
-    for (int i = 0; i < std::max(1, view()->m_shakeToExtractShakes); ++i) {
+    for (int i = 0; i < std::max(1, host()->shakeRule().reversals); ++i) {
         painter->setBrush(i < m_shakes.count() ? QBrush(accent) : QBrush(Qt::NoBrush));
         const QPointF centre(place.left() + 2.0 + CounterStep * (i + 0.5), place.center().y());
         painter->drawEllipse(centre, 3.5, 3.5);
@@ -162,9 +163,9 @@ void OssNgNodeDragGesture::paint(QPainter *painter) const
 void OssNgNodeDragGesture::endTracking()
 {
     endPreview();
-    view()->viewport()->update(shakeCounterRect().toAlignedRect());
-    if (view()->cursorTrackingMode() == OssNgView::ShakeTracking)
-        view()->setCursorTrackingMode(OssNgView::NormalTracking);
+    host()->canvas()->update(shakeCounterRect().toAlignedRect());
+    if (host()->cursorTrackingMode() == OssNgGestureHost::ShakeTracking)
+        host()->setCursorTrackingMode(OssNgGestureHost::NormalTracking);
 }
 
 void OssNgNodeDragGesture::release(QMouseEvent *event)
@@ -174,8 +175,8 @@ void OssNgNodeDragGesture::release(QMouseEvent *event)
         // A click on one of several selected nodes means that one.
         const bool plain = !(event->modifiers() & (Qt::ShiftModifier | Qt::ControlModifier));
         if (plain && m_deselectOthersOnClick && m_pressed
-            && view()->scene()->selectedItems().size() > 1) {
-            view()->scene()->clearSelection();
+            && host()->graphScene()->selectedItems().size() > 1) {
+            host()->graphScene()->clearSelection();
             m_pressed->setSelected(true);
         }
         return;

@@ -11,15 +11,14 @@ class OssNgEdge;
 class OssNgNode;
 
 /// Moves the selected nodes, and what lies in selected backdrops, with the pointer. Shows the wire
-/// into which the node would be spliced, and watches for shaking and
-/// shows what it counted. The subclass of the view records
-/// the undo; positions are announced at the end.
+/// into which the node would be spliced, watches for shaking and shows what it counted. Positions are
+/// announced at the end; whoever listens records the undo.
 class OssNgNodeDragGesture final : public OssNgGesture
 {
 public:
     /// `pressed` is the node under the pointer; it keeps to the grid when snapping is on.
     /// `wasSelected` tells whether it was selected before the press.
-    OssNgNodeDragGesture(OssNgView *view, Qt::MouseButton button, const QPointF &start,
+    OssNgNodeDragGesture(OssNgGestureHost *host, Qt::MouseButton button, const QPointF &start,
                          OssNgNode *pressed, bool wasSelected);
 
     int state() const override;

@@ -1,16 +1,17 @@
 #include "OssNodeGraph/Gestures/OssNgRubberBandGesture.h"
 
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
-#include "OssNodeGraph/Index/OssNgSceneIndex.h"
+#include "OssNodeGraph/Gestures/OssNgGestureHost.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
 #include "OssNodeGraph/Items/OssNgNode.h"
-#include "OssNodeGraph/View/OssNgView.h"
+#include "OssNodeGraph/Items/OssNgSceneIndex.h"
 
 #include <QApplication>
 #include <QGraphicsScene>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QSet>
+#include <QWidget>
 
 namespace {
 
@@ -30,10 +31,10 @@ void applySelection(QGraphicsScene *scene, const QSet<QGraphicsItem *> &wanted)
 
 } // namespace
 
-OssNgRubberBandGesture::OssNgRubberBandGesture(OssNgView *view, Qt::MouseButton button,
+OssNgRubberBandGesture::OssNgRubberBandGesture(OssNgGestureHost *host, Qt::MouseButton button,
                                                const QPointF &start, bool extend)
-    : OssNgGesture(view, button)
-    , m_startScene(view->toScene(start))
+    : OssNgGesture(host, button)
+    , m_startScene(host->toScene(start))
     , m_current(start)
     , m_extend(extend)
 {
@@ -41,36 +42,36 @@ OssNgRubberBandGesture::OssNgRubberBandGesture(OssNgView *view, Qt::MouseButton 
 
 int OssNgRubberBandGesture::state() const
 {
-    return OssNgView::RubberBand;
+    return OssNgGestureHost::RubberBand;
 }
 
 void OssNgRubberBandGesture::enter()
 {
-    m_before = view()->scene()->selectedItems();
+    m_before = host()->graphScene()->selectedItems();
     if (!m_extend)
-        view()->scene()->clearSelection();
+        host()->graphScene()->clearSelection();
 }
 
 QRectF OssNgRubberBandGesture::band() const
 {
-    return QRectF(view()->fromScene(m_startScene), m_current).normalized();
+    return QRectF(host()->fromScene(m_startScene), m_current).normalized();
 }
 
 void OssNgRubberBandGesture::repaintBand(const QRectF &old) const
 {
-    view()->viewport()->update((old | band()).toAlignedRect().adjusted(-2, -2, 2, 2));
+    host()->canvas()->update((old | band()).toAlignedRect().adjusted(-2, -2, 2, 2));
 }
 
 void OssNgRubberBandGesture::move(QMouseEvent *event)
 {
     const QRectF old = band();
     m_current = event->localPos();
-    const QPointF way = m_current - view()->fromScene(m_startScene);
+    const QPointF way = m_current - host()->fromScene(m_startScene);
     if (!m_moved && way.manhattanLength() < QApplication::startDragDistance())
         return;
     m_moved = true;
     repaintBand(old);
-    select(QRectF(m_startScene, view()->toScene(m_current)).normalized());
+    select(QRectF(m_startScene, host()->toScene(m_current)).normalized());
 }
 
 void OssNgRubberBandGesture::release(QMouseEvent *)
@@ -80,9 +81,9 @@ void OssNgRubberBandGesture::release(QMouseEvent *)
 
 void OssNgRubberBandGesture::cancel()
 {
-    const QList<QGraphicsItem *> alive = view()->scene()->items();
+    const QList<QGraphicsItem *> alive = host()->graphScene()->items();
     const QSet<QGraphicsItem *> known(alive.cbegin(), alive.cend());
-    view()->scene()->clearSelection();
+    host()->graphScene()->clearSelection();
     for (QGraphicsItem *item : qAsConst(m_before)) {
         if (known.contains(item))
             item->setSelected(true);
@@ -92,7 +93,7 @@ void OssNgRubberBandGesture::cancel()
 
 void OssNgRubberBandGesture::select(const QRectF &sceneBand)
 {
-    const OssNgSceneIndex *index = view()->sceneIndex();
+    const OssNgSceneIndex *index = OssNgSceneIndex::of(host()->graphScene());
     QSet<QGraphicsItem *> wanted;
     const QVector<OssNgNode *> nodes = index->nodesIn(sceneBand);
     for (OssNgNode *node : nodes) {
@@ -112,7 +113,7 @@ void OssNgRubberBandGesture::select(const QRectF &sceneBand)
         for (QGraphicsItem *item : qAsConst(m_before))
             wanted.insert(item);
     }
-    applySelection(view()->scene(), wanted);
+    applySelection(host()->graphScene(), wanted);
 }
 
 void OssNgRubberBandGesture::paint(QPainter *painter) const

@@ -11,7 +11,7 @@ class QGraphicsItem;
 class OssNgRubberBandGesture final : public OssNgGesture
 {
 public:
-    OssNgRubberBandGesture(OssNgView *view, Qt::MouseButton button, const QPointF &start,
+    OssNgRubberBandGesture(OssNgGestureHost *host, Qt::MouseButton button, const QPointF &start,
                            bool extend);
 
     int state() const override;

@@ -2,13 +2,14 @@
 
 #include "OssCore/OssUndoManager.h"
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
-#include "OssNodeGraph/Index/OssNgSceneIndex.h"
+#include "OssNodeGraph/Gestures/OssNgGestureHost.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
 #include "OssNodeGraph/Items/OssNgNode.h"
-#include "OssNodeGraph/View/OssNgView.h"
+#include "OssNodeGraph/Items/OssNgSceneIndex.h"
 
 #include <QMouseEvent>
 #include <QPainter>
+#include <QWidget>
 
 namespace {
 
@@ -26,30 +27,31 @@ bool crosses(const OssNgEdge *edge, const QLineF &stroke)
 
 } // namespace
 
-OssNgSeverGesture::OssNgSeverGesture(OssNgView *view, Qt::MouseButton button, const QPointF &start)
-    : OssNgGesture(view, button)
+OssNgSeverGesture::OssNgSeverGesture(OssNgGestureHost *host, Qt::MouseButton button,
+                                     const QPointF &start)
+    : OssNgGesture(host, button)
 {
-    m_stroke.append(view->toScene(start));
+    m_stroke.append(host->toScene(start));
 }
 
 int OssNgSeverGesture::state() const
 {
-    return OssNgView::EdgeSever;
+    return OssNgGestureHost::EdgeSever;
 }
 
 void OssNgSeverGesture::move(QMouseEvent *event)
 {
-    const QPointF position = view()->toScene(event->localPos());
+    const QPointF position = host()->toScene(event->localPos());
     const QLineF stroke(m_stroke.last(), position);
     m_stroke.append(position);
     markCrossed(stroke);
-    view()->viewport()->update();
+    host()->canvas()->update();
 }
 
 void OssNgSeverGesture::markCrossed(const QLineF &stroke) const
 {
-    const QVector<OssNgEdge *> edges = view()->sceneIndex()->edgesIn(
-        QRectF(stroke.p1(), stroke.p2()).normalized());
+    const QVector<OssNgEdge *> edges = OssNgSceneIndex::of(host()->graphScene())
+                                           ->edgesIn(QRectF(stroke.p1(), stroke.p2()).normalized());
     for (OssNgEdge *edge : edges) {
         if (edge->isFullConnected() && !edge->isVirtual() && crosses(edge, stroke))
             edge->setMark(OssNgEdge::Doomed, true);
@@ -65,12 +67,13 @@ void OssNgSeverGesture::release(QMouseEvent *)
     };
 
     QVector<Cut> cuts;
-    for (const OssNgSceneIndex::WireEntry &entry : view()->sceneIndex()->wireEntries()) {
+    for (const OssNgSceneIndex::WireEntry &entry :
+         OssNgSceneIndex::of(host()->graphScene())->wireEntries()) {
         if (entry.edge && entry.edge->hasMark(OssNgEdge::Doomed))
             cuts.append({entry.edge->destination(), entry.edge->destinationInput()});
     }
     endMarks();
-    view()->viewport()->update();
+    host()->canvas()->update();
     if (cuts.isEmpty())
         return;
     OssUndoManager::AutoMacro macro(QStringLiteral("Cut connections"));
@@ -83,13 +86,14 @@ void OssNgSeverGesture::release(QMouseEvent *)
 void OssNgSeverGesture::cancel()
 {
     endMarks();
-    view()->viewport()->update();
+    host()->canvas()->update();
 }
 
 void OssNgSeverGesture::endMarks() const
 {
     QVector<OssNgEdge *> marked;
-    for (const OssNgSceneIndex::WireEntry &entry : view()->sceneIndex()->wireEntries()) {
+    for (const OssNgSceneIndex::WireEntry &entry :
+         OssNgSceneIndex::of(host()->graphScene())->wireEntries()) {
         if (entry.edge && entry.edge->hasMark(OssNgEdge::Doomed))
             marked.append(entry.edge);
     }
@@ -101,7 +105,7 @@ void OssNgSeverGesture::paint(QPainter *painter) const
 {
     QPolygonF shown;
     for (const QPointF &point : m_stroke)
-        shown.append(view()->fromScene(point));
+        shown.append(host()->fromScene(point));
     QPen pen(OssNgStyle::instance()->color(OssNgStyle::Role::Error), 1.5);
     pen.setDashPattern({4.0, 3.0});
     painter->setPen(pen);

@@ -8,7 +8,7 @@
 class OssNgSeverGesture final : public OssNgGesture
 {
 public:
-    OssNgSeverGesture(OssNgView *view, Qt::MouseButton button, const QPointF &start);
+    OssNgSeverGesture(OssNgGestureHost *host, Qt::MouseButton button, const QPointF &start);
 
     int state() const override;
     void move(QMouseEvent *event) override;

@@ -2,7 +2,7 @@
 
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
 #include "OssNodeGraph/Drawing/OssNgText.h"
-#include "OssNodeGraph/Index/OssNgSceneIndex.h"
+#include "OssNodeGraph/Items/OssNgSceneIndex.h"
 
 #include <QGraphicsScene>
 #include <QPainter>

@@ -1,8 +1,8 @@
 #include "OssNodeGraph/Items/OssNgEdge.h"
 
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
-#include "OssNodeGraph/Index/OssNgSceneIndex.h"
 #include "OssNodeGraph/Items/OssNgNode.h"
+#include "OssNodeGraph/Items/OssNgSceneIndex.h"
 
 #include <QGraphicsScene>
 #include <QGraphicsSceneMouseEvent>

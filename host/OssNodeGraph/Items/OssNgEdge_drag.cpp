@@ -1,8 +1,8 @@
 #include "OssNodeGraph/Items/OssNgEdge.h"
 
 #include "OssCore/OssUndoManager.h"
-#include "OssNodeGraph/Index/OssNgSceneIndex.h"
 #include "OssNodeGraph/Items/OssNgNode.h"
+#include "OssNodeGraph/Items/OssNgSceneIndex.h"
 
 namespace {
 

@@ -2,9 +2,9 @@
 
 #include "OssNodeGraph/Drawing/OssNgPaintCache.h"
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
-#include "OssNodeGraph/Index/OssNgSceneIndex.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
 #include "OssNodeGraph/Items/OssNgNodeExtras.h"
+#include "OssNodeGraph/Items/OssNgSceneIndex.h"
 
 #include <QGraphicsScene>
 #include <QGraphicsSceneMouseEvent>

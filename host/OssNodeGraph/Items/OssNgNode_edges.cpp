@@ -2,13 +2,16 @@
 
 #include "OssCore/OssUndoManager.h"
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
-#include "OssNodeGraph/Index/OssNgSceneIndex.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
+#include "OssNodeGraph/Items/OssNgItemHost.h"
 #include "OssNodeGraph/Items/OssNgNodeExtras.h"
-#include "OssNodeGraph/Undo/OssNgNodePositionChangeUndo.h"
-#include "OssNodeGraph/View/OssNgView.h"
+#include "OssNodeGraph/Items/OssNgNodePositionChangeUndo.h"
+#include "OssNodeGraph/Items/OssNgSceneIndex.h"
 
 #include <QGraphicsScene>
+#include <QGraphicsView>
+
+#include <algorithm>
 
 OssNgEdge *OssNgNode::input(const QString &name) const
 {
@@ -137,12 +140,10 @@ namespace {
 bool someViewInserts(const QGraphicsScene *scene)
 {
     const QList<QGraphicsView *> views = scene->views();
-    for (const QGraphicsView *view : views) {
-        const auto *graph = qobject_cast<const OssNgView *>(view);
-        if (graph && graph->isAutoInsertOn())
-            return true;
-    }
-    return false;
+    return std::any_of(views.begin(), views.end(), [](QGraphicsView *view) {
+        const auto *host = qobject_cast<OssNgItemHost *>(view);
+        return host && host->isAutoInsertOn();
+    });
 }
 
 /// The input that takes the wire: a preferred one, else the first. Empty without inputs.

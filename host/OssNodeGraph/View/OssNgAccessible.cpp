@@ -1,8 +1,8 @@
 #include "OssNodeGraph/View/OssNgAccessible.h"
 
-#include "OssNodeGraph/Index/OssNgSceneIndex.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
 #include "OssNodeGraph/Items/OssNgNode.h"
+#include "OssNodeGraph/Items/OssNgSceneIndex.h"
 #include "OssNodeGraph/View/OssNgView.h"
 
 #include <QAccessibleWidget>

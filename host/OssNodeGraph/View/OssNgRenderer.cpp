@@ -2,10 +2,10 @@
 
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
 #include "OssNodeGraph/Drawing/OssNgText.h"
-#include "OssNodeGraph/Index/OssNgSceneIndex.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
 #include "OssNodeGraph/Items/OssNgNode.h"
+#include "OssNodeGraph/Items/OssNgSceneIndex.h"
 
 #include <QGraphicsScene>
 #include <QPainter>
@@ -205,7 +205,7 @@ void OssNgRenderer::paintOverview(QPainter *painter, const OssNgSceneIndex &inde
     std::vector<int> found;
     index.findNodes(exposedScene, &found);
     const auto box = [&](const OssNgSceneIndex::NodeEntry &entry) {
-        const QRectF rect = toDevice.mapRect(entry.rect);
+        const QRectF rect = toDevice.mapRect(entry.bounds);
         return QRectF(rect.topLeft(), rect.size().expandedTo({SmallestBox, SmallestBox}));
     };
     for (const int slot : found) {
@@ -250,7 +250,7 @@ void OssNgRenderer::paintNames(QPainter *painter, const OssNgSceneIndex &index,
     index.findNodes(exposedScene, &found);
     for (const int slot : found) {
         const OssNgSceneIndex::NodeEntry &entry = index.nodeEntry(slot);
-        const QRectF place = entry.background ? toDevice.mapRect(entry.rect) : QRectF();
+        const QRectF place = entry.background ? toDevice.mapRect(entry.bounds) : QRectF();
         if (place.width() >= NamedWidth && place.height() >= NamedHeight)
             paintName(painter, *entry.node, place);
     }

@@ -3,9 +3,9 @@
 #include "OssCore/OssStatusManager.h"
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
 #include "OssNodeGraph/Gestures/OssNgGesture.h"
-#include "OssNodeGraph/Index/OssNgSceneIndex.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
 #include "OssNodeGraph/Items/OssNgNode.h"
+#include "OssNodeGraph/Items/OssNgSceneIndex.h"
 #include "OssNodeGraph/View/OssNgAccessible.h"
 
 #include <QGraphicsScene>

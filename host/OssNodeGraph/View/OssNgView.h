@@ -1,5 +1,7 @@
 #pragma once
 
+#include "OssNodeGraph/Gestures/OssNgGestureHost.h"
+#include "OssNodeGraph/Items/OssNgItemHost.h"
 #include "OssNodeGraph/OssNodeGraph_export.h"
 
 #include <QGraphicsView>
@@ -23,32 +25,15 @@ class OssNgSceneIndex;
 ///
 /// Every pointer gesture is an object that lives from its press to its release. Positions passed as
 /// points are scene coordinates unless said otherwise. GUI thread.
-class OSSNODEGRAPH_EXPORT OssNgView : public QGraphicsView
+class OSSNODEGRAPH_EXPORT OssNgView
+    : public QGraphicsView
+    , public OssNgItemHost
+    , public OssNgGestureHost
 {
     Q_OBJECT
+    Q_INTERFACES(OssNgItemHost)
 
 public:
-    enum InteractionState {
-        Idle = 0, ///< also while nodes are dragged
-        Panning = 1,
-        Zooming = 2,
-        RubberBand = 3,
-        EdgeDrag = 4,
-        EdgeSever = 5,
-        BackdropResize = 6,
-        MinimapDrag = 7,
-    };
-
-protected:
-    int m_interactionState = Idle;
-
-public:
-    enum CursorTrackingMode {
-        NormalTracking = 0,
-        SeverTracking = 1, ///< a left drag cuts the wires it crosses
-        ShakeTracking = 2, ///< while dragged nodes are watched for shaking
-    };
-
     explicit OssNgView(QWidget *parent = nullptr);
     ~OssNgView() override;
 
@@ -65,28 +50,26 @@ public:
     void scaleView(qreal factor);
     /// Bounds of all visible nodes; empty without any.
     QRectF visibleNodeBounds() const;
-    void centerViewOn(const QPointF &position, bool animated);
+    void centerViewOn(const QPointF &position, bool animated) override;
     /// The selected items from top to bottom and left to right; wires after nodes.
     QList<QGraphicsItem *> sortedSelection() const;
 
-    qreal zoom() const { return transform().m11(); }
+    qreal zoom() const override { return transform().m11(); }
 
     /// Scale by the factor, or its inverse, about the given anchor. One undoes the other exactly.
     void zoomIn(double factor, ViewportAnchor anchor);
     void zoomOut(double factor, ViewportAnchor anchor);
-    /// Exact for sub-pixel positions, unlike QGraphicsView's.
-    QPointF toScene(const QPointF &viewportPos) const;
-    QPointF fromScene(const QPointF &scenePos) const;
+    QPointF toScene(const QPointF &viewportPos) const override;
+    QPointF fromScene(const QPointF &scenePos) const override;
 
     int interactionState() const { return m_interactionState; }
 
-    int cursorTrackingMode() const { return m_cursorTrackingMode; }
+    int cursorTrackingMode() const override { return m_cursorTrackingMode; }
 
-    void setCursorTrackingMode(int mode);
-    /// Whether a node dropped on a wire is spliced into it. Asked each time.
-    virtual bool isAutoInsertOn() const;
+    void setCursorTrackingMode(int mode) override;
+    bool isAutoInsertOn() const override;
 
-    bool isSnapToGridOn() const { return m_snapToGrid; }
+    bool isSnapToGridOn() const override { return m_snapToGrid; }
 
     /// Also false while the view is too small for a map.
     bool isMinimapVisible() const;
@@ -102,14 +85,11 @@ public:
     void showDropGhost(const QPoint &viewPos, int count);
     void hideDropGhost();
 
-    // For gestures
-
-    void scrollBy(const QPointF &pixels);
-    void zoomAbout(qreal newZoom, const QPointF &viewportPos);
-    void setHoveredNode(OssNgNode *node);
+    void scrollBy(const QPointF &pixels) override;
+    void zoomAbout(qreal newZoom, const QPointF &viewportPos) override;
+    /// Viewport pixels.
     QRectF minimapRect() const;
-    /// Scene point that a point of the minimap (viewport pixels) stands for.
-    QPointF minimapToScene(const QPointF &viewportPos) const;
+    QPointF minimapToScene(const QPointF &viewportPos) const override;
 
 public Q_SLOTS:
     void zoomIn();
@@ -131,6 +111,8 @@ Q_SIGNALS:
     void cursorTrackingModeChanged(int mode);
 
 protected:
+    int m_interactionState = Idle;
+
     // Read at use, nobody is told of a change.
     bool m_shakeToExtractEnabled = true;
     int m_shakeToExtractShakes = 4; ///< reversals
@@ -150,7 +132,13 @@ protected:
     bool viewportEvent(QEvent *event) override;
 
 private:
-    friend class OssNgNodeDragGesture;
+    // The rest of what gestures see of the view
+    QGraphicsScene *graphScene() const override { return scene(); }
+
+    QWidget *canvas() const override { return viewport(); }
+
+    ShakeRule shakeRule() const override;
+    void announceShake() override;
 
     std::unique_ptr<OssNgGesture> gestureFor(QMouseEvent *event);
     std::unique_ptr<OssNgGesture> navigationFor(const QMouseEvent *event) const;
@@ -169,6 +157,7 @@ private:
     void selectForPress(OssNgNode *node, Qt::KeyboardModifiers modifiers);
     OssNgNode *portOwnerAt(const QPointF &scenePos) const;
     void updateHover(const QPointF &viewportPos);
+    void setHoveredNode(OssNgNode *node);
     void setHoveredEdge(OssNgEdge *edge);
     qreal wireReach() const;
 

@@ -26,6 +26,16 @@ qreal borderSpeed(qreal position, qreal size)
 
 } // namespace
 
+OssNgGestureHost::ShakeRule OssNgView::shakeRule() const
+{
+    return {m_shakeToExtractEnabled, m_shakeToExtractShakes, m_shakeToExtractTime};
+}
+
+void OssNgView::announceShake()
+{
+    Q_EMIT shakeToExtractTriggered();
+}
+
 void OssNgView::startGesture(std::unique_ptr<OssNgGesture> gesture)
 {
     m_glideTimer.stop();

@@ -4,7 +4,7 @@
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
 #include "OssNodeGraph/Items/OssNgMovedNodes.h"
 #include "OssNodeGraph/Items/OssNgNode.h"
-#include "OssNodeGraph/Undo/OssNgNodePositionChangeUndo.h"
+#include "OssNodeGraph/Items/OssNgNodePositionChangeUndo.h"
 
 #include <QKeyEvent>
 

@@ -1,6 +1,6 @@
 #include "OssNodeGraph/View/OssNgView.h"
 
-#include "OssNodeGraph/Index/OssNgSceneIndex.h"
+#include "OssNodeGraph/Items/OssNgSceneIndex.h"
 
 #include <QGestureEvent>
 #include <QNativeGestureEvent>

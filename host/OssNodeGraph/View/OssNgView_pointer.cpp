@@ -7,9 +7,9 @@
 #include "OssNodeGraph/Gestures/OssNgNodeDragGesture.h"
 #include "OssNodeGraph/Gestures/OssNgRubberBandGesture.h"
 #include "OssNodeGraph/Gestures/OssNgSeverGesture.h"
-#include "OssNodeGraph/Index/OssNgSceneIndex.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
+#include "OssNodeGraph/Items/OssNgSceneIndex.h"
 
 #include <QGraphicsScene>
 #include <QMouseEvent>

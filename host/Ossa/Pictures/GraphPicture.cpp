@@ -1,7 +1,7 @@
 #include "Ossa/Pictures/GraphPicture.h"
 
 #include "OssCore/OssAtomicFile.h"
-#include "OssNodeGraph/Index/OssNgSceneIndex.h"
+#include "OssNodeGraph/Items/OssNgSceneIndex.h"
 #include "OssNodeGraph/View/OssNgRenderer.h"
 
 #include <QBuffer>

@@ -11,8 +11,8 @@
 #include "OssModel/Nodes/OssSnResultKey.h"
 #include "OssModel/Project/OssProjectManager.h"
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
-#include "OssNodeGraph/Index/OssNgSceneIndex.h"
 #include "OssNodeGraph/Items/OssNgNode.h"
+#include "OssNodeGraph/Items/OssNgSceneIndex.h"
 #include "OssNodeGraph/View/OssNgView.h"
 
 #include <QApplication>

@@ -1,4 +1,4 @@
-#include "OssNodeGraph/Undo/OssNgNodePositionChangeUndo.h"
+#include "OssNodeGraph/Items/OssNgNodePositionChangeUndo.h"
 
 #include "OssNodeGraph/Items/OssNgNode.h"
 

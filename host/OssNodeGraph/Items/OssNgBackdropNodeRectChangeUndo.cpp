@@ -1,4 +1,4 @@
-#include "OssNodeGraph/Undo/OssNgBackdropNodeRectChangeUndo.h"
+#include "OssNodeGraph/Items/OssNgBackdropNodeRectChangeUndo.h"
 
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
 

@@ -1,6 +1,5 @@
 #include "OssShaderNetworkView.h"
 
-#include "Layout/AutoConnect.h"
 #include "OssCore/OssColor.h"
 #include "OssCore/OssDebug.h"
 #include "OssCore/OssUndoManager.h"
@@ -39,6 +38,22 @@ void tellOfChange()
 OssNgNode *itemOf(const OssSnBaseNode *node)
 {
     return OssSnNodeGraphViewContextManager::guiNodeOf(node);
+}
+
+/// The input to which the next selected node is wired: a preferred one first, then in order; hidden
+/// ones never. Empty when none is left.
+QString nextFreeInput(const OssSnBaseNode *node)
+{
+    QString first;
+    for (const OssSnBaseNode::InputPort &port : node->inputPorts()) {
+        if (port.source || node->hasInputTag(port.name, QStringLiteral("_hidden")))
+            continue;
+        if (port.preferred)
+            return port.name;
+        if (first.isEmpty())
+            first = port.name;
+    }
+    return first;
 }
 
 } // namespace
@@ -190,8 +205,7 @@ bool OssShaderNetworkView::connectNext(OssSnBaseNode *source, OssSnBaseNode *nod
     if (node->hasTag(QStringLiteral("_shader"))
         && OssShaderNetworkUtils::batchConnect(source, node))
         return true;
-    return node->setInputNode(AutoConnect::nextFreeInput(node), source,
-                              source->prefferedOutputPoint());
+    return node->setInputNode(nextFreeInput(node), source, source->prefferedOutputPoint());
 }
 
 void OssShaderNetworkView::autoConnect(OssSnBaseNode *node, const QList<OssSnBaseNode *> &sources)
@@ -205,7 +219,7 @@ void OssShaderNetworkView::autoConnect(OssSnBaseNode *node, const QList<OssSnBas
                      qPrintable(source->name()));
             continue;
         }
-        if (AutoConnect::nextFreeInput(node).isEmpty()) {
+        if (nextFreeInput(node).isEmpty()) {
             OssDebug(Source, __LINE__, "* No more inputs to connect to, stop autoconnect.");
             return;
         }

@@ -5,6 +5,8 @@
 #include <QRegularExpression>
 #include <QVector>
 
+#include <algorithm>
+
 namespace {
 
 struct Layer
@@ -12,6 +14,8 @@ struct Layer
     QString folder;
     QStringList uses;    ///< layers that its sources may include, besides their own
     QStringList rooms{}; ///< its sub-folders from the ground up: none includes one that follows it
+
+    QString name() const { return folder.section(QLatin1Char('/'), -1); }
 };
 
 const QVector<Layer> &layers()
@@ -33,7 +37,8 @@ const QVector<Layer> &layers()
         {QStringLiteral("host/OssScripting"),
          list("OssCore OssModel OssInterface OssScriptObjects")},
         {QStringLiteral("OssShaderNetworkNodeGraphViewContext"),
-         list("OssCore OssModel OssInterface OssScriptObjects OssNodeGraph ZelGL")},
+         list("OssCore OssModel OssInterface OssScriptObjects OssNodeGraph ZelGL"),
+         list("Layout Panels Contexts Manager View OssAPI")},
         {QStringLiteral("host/Ossa"),
          list("OssCore OssEvaluation OssModel OssInterface OssScriptObjects OssScripting "
               "OssNodeGraph ZelGL"),
@@ -43,17 +48,18 @@ const QVector<Layer> &layers()
     return table;
 }
 
-/// Of "A/B/c.h" in includes of ours: the layer and, where there is one, the room.
+/// Of "A/B/c.h" in includes of ours: the layer and, where there is one, the room. Rooms of the
+/// plug-in are included by their own names: "B/c.h".
 struct Include
 {
     QString layer;
     QString room;
 };
 
-QVector<Include> includesOf(const QString &path)
+QVector<Include> includesOf(const QString &path, const Layer &from)
 {
     static const QRegularExpression line(
-        QStringLiteral("^\\s*#include \"((?:Oss|Zel)\\w*)/(?:(\\w+)/)?\\w+\\.h\""),
+        QStringLiteral("^\\s*#include \"(\\w+)/(?:(\\w+)/)?\\w+\\.h\""),
         QRegularExpression::MultilineOption);
     QFile file(path);
     EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(path);
@@ -61,8 +67,9 @@ QVector<Include> includesOf(const QString &path)
     auto matches = line.globalMatch(QString::fromUtf8(file.readAll()));
     while (matches.hasNext()) {
         const QRegularExpressionMatch match = matches.next();
-        // A folder inside the plug-in is included by its own name.
-        if (match.captured(1) != QLatin1String("OssAPI"))
+        if (from.rooms.contains(match.captured(1)))
+            found.append({from.name(), match.captured(1)});
+        else
             found.append({match.captured(1), match.captured(2)});
     }
     return found;
@@ -78,7 +85,7 @@ TEST(Layers, everyIncludeStaysWithinWhatTheLayerAndTheRoomMayUse)
     ASSERT_FALSE(qEnvironmentVariableIsEmpty("OSSA_ROOT")) << "OSSA_ROOT names the source tree";
     int files = 0;
     for (const Layer &layer : layers()) {
-        const QString own = layer.folder.section(QLatin1Char('/'), -1);
+        const QString own = layer.name();
         const QString folder = rootFolder() + layer.folder + QLatin1Char('/');
         QDirIterator sources(folder, {QStringLiteral("*.h"), QStringLiteral("*.cpp")}, QDir::Files,
                              QDirIterator::Subdirectories);
@@ -92,7 +99,7 @@ TEST(Layers, everyIncludeStaysWithinWhatTheLayerAndTheRoomMayUse)
             const int floor = layer.rooms.indexOf(room);
             EXPECT_TRUE(layer.rooms.isEmpty() || room.isEmpty() || floor >= 0)
                 << qPrintable(path) << " stands in a room that is not in the table";
-            for (const Include &used : includesOf(path)) {
+            for (const Include &used : includesOf(path, layer)) {
                 EXPECT_TRUE(used.layer == own || layer.uses.contains(used.layer))
                     << qPrintable(path) << " includes " << qPrintable(used.layer);
                 if (used.layer != own || floor < 0)
@@ -103,6 +110,24 @@ TEST(Layers, everyIncludeStaysWithinWhatTheLayerAndTheRoomMayUse)
         }
     }
     EXPECT_GT(files, 100);
+}
+
+// Where nodes come to stand is worked out from rectangles, whatever they stand for.
+TEST(Layers, placementInTheGraphKnowsOnlyPlainValues)
+{
+    const auto plugin = std::find_if(layers().begin(), layers().end(), [](const Layer &layer) {
+        return layer.rooms.contains(QStringLiteral("Layout"));
+    });
+    ASSERT_TRUE(plugin != layers().end());
+    QDirIterator sources(rootFolder() + plugin->folder + QStringLiteral("/Layout"),
+                         {QStringLiteral("*.h"), QStringLiteral("*.cpp")}, QDir::Files);
+    EXPECT_TRUE(sources.hasNext());
+    while (sources.hasNext()) {
+        const QString path = sources.next();
+        for (const Include &used : includesOf(path, *plugin))
+            EXPECT_TRUE(used.room == QLatin1String("Layout"))
+                << qPrintable(path) << " includes " << qPrintable(used.layer);
+    }
 }
 
 // Commands without a window, and their tests, link no widgets.

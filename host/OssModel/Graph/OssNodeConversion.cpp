@@ -132,7 +132,10 @@ void moveWires(OssSnBaseNode *from, OssSnBaseNode *to, QStringList *lost)
     // Namesakes first: the main input may be one of them.
     QVector<OssSnBaseNode::InputPort> others;
     for (const OssSnBaseNode::InputPort &port : inputs) {
-        if (port.source && !to->setInputNode(port.name, port.source, port.sourceOutput))
+        if (!port.source)
+            continue;
+        if (!to->hasInput(port.name)
+            || !to->setInputNode(port.name, port.source, port.sourceOutput))
             others.append(port);
     }
     for (const OssSnBaseNode::InputPort &port : qAsConst(others)) {

@@ -155,6 +155,7 @@ void OssUndoManager::store(std::unique_ptr<OssUndoStep> step)
         m_steps.push_back(std::move(step));
         ++m_index;
     }
+    m_mayJoin = true;
     moved(wasClean);
     Q_EMIT recorded(title);
 }
@@ -162,7 +163,7 @@ void OssUndoManager::store(std::unique_ptr<OssUndoStep> step)
 bool OssUndoManager::joinLast(OssUndoStep &step)
 {
     // What is saved must stay a place between steps.
-    if (m_steps.empty() || m_index == m_cleanIndex)
+    if (m_steps.empty() || !m_mayJoin || m_index == m_cleanIndex)
         return false;
     auto *last = dynamic_cast<Macro *>(m_steps.back().get());
     auto *later = dynamic_cast<Macro *>(&step);
@@ -312,6 +313,7 @@ void OssUndoManager::undo()
         const Pause pause;
         m_steps[std::size_t(m_index - 1)]->undo();
         --m_index;
+        m_mayJoin = false;
     }
     moved(wasClean);
     Q_EMIT undone();
@@ -326,6 +328,7 @@ void OssUndoManager::redo()
         const Pause pause;
         m_steps[std::size_t(m_index)]->redo();
         ++m_index;
+        m_mayJoin = false;
     }
     moved(wasClean);
     Q_EMIT redone();

@@ -133,7 +133,8 @@ private:
 
     std::vector<std::unique_ptr<OssUndoStep>> m_steps;
     int m_index = 0;
-    int m_cleanIndex = 0; ///< -1: no undoing or redoing leads to what is saved
+    bool m_mayJoin = false; ///< nothing was undone since the last step was recorded
+    int m_cleanIndex = 0;   ///< -1: no undoing or redoing leads to what is saved
     std::vector<std::unique_ptr<Macro>> m_open;
     int m_pauses = 0;
 };

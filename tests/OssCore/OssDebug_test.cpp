@@ -2,6 +2,7 @@
 
 #include "OssCore/OssGroupParameterObject.h"
 #include "OssCore/OssIsAlphanumericUnderscore.h"
+#include "support/ExpectedLog.h"
 
 #include <gtest/gtest.h>
 
@@ -9,6 +10,7 @@ namespace {
 
 TEST(DebugLog, linesAreWholeAndSorted)
 {
+    const ExpectedLog expected("[ !! ] xxx");
     OssDebugLog::instance()->clear();
     const QByteArray longText(100000, 'x');
     OssDebug("folder/Source.cpp", 7, "[ !! ] %s %d", longText.constData(), 5);

@@ -4,6 +4,7 @@
 #include "OssInterface/Popups/OssFileDialog.h"
 #include "OssInterface/Popups/OssMessageBox.h"
 #include "OssInterface/Popups/OssPopupDialog.h"
+#include "support/ExpectedLog.h"
 
 #include <gtest/gtest.h>
 
@@ -29,6 +30,7 @@ protected:
 
     static bool logHas(const char *text)
     {
+        ExpectedLog::takePast(QString::fromUtf8(text));
         const auto lines = OssDebugLog::instance()->lines();
         return std::any_of(lines.cbegin(), lines.cend(), [text](const OssDebugLog::Line &line) {
             return line.text.contains(QLatin1String(text));
@@ -40,6 +42,7 @@ protected:
 
 TEST_F(WithoutUser, boxesAnswerSafelyAtOnceAndReachLogAndStderr)
 {
+    const ExpectedLog expected[] = {ExpectedLog("T: asked"), ExpectedLog("T: saved?")};
     testing::internal::CaptureStderr();
     EXPECT_EQ(OssMessageBox::warning(nullptr, QStringLiteral("T"), QStringLiteral("warned %s")),
               QMessageBox::Ok);
@@ -57,6 +60,7 @@ TEST_F(WithoutUser, boxesAnswerSafelyAtOnceAndReachLogAndStderr)
 
 TEST_F(WithoutUser, checkBoxKeepsItsState)
 {
+    const ExpectedLog expected("T: asked");
     bool checked = true;
     OssMessageBox::question(nullptr, QStringLiteral("T"), QStringLiteral("asked"),
                             QMessageBox::Yes | QMessageBox::No, QStringLiteral("Again?"), &checked);
@@ -65,6 +69,7 @@ TEST_F(WithoutUser, checkBoxKeepsItsState)
 
 TEST_F(WithoutUser, plainQtBoxesDoNotBlockEither)
 {
+    const ExpectedLog expected[] = {ExpectedLog("T: sure?"), ExpectedLog("Choose: Port:")};
     EXPECT_EQ(QMessageBox::warning(nullptr, QStringLiteral("T"), QStringLiteral("plain box")),
               QMessageBox::Ok);
     EXPECT_TRUE(logHas("plain box"));
@@ -146,7 +151,8 @@ TEST(Dialogs, aFolderWithTheSuffixIsReplacedAfterAskingAndNotEntered)
             QApplication::setActiveWindow(dialog);
             edit->setFocus(); // without it Qt takes what is selected for the name
             edit->setText(name);
-            QTimer::singleShot(0, [&] {
+            // Where nothing is asked it goes with the dialog.
+            QTimer::singleShot(0, dialog, [&] {
                 if (auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
                     ++questions;
                     box->button(answer)->click();

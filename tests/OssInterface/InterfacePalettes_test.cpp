@@ -1,5 +1,6 @@
 #include "OssInterface/Palettes/OssPalette.h"
 #include "OssInterface/Palettes/OssPaletteManager.h"
+#include "support/ExpectedLog.h"
 
 #include <gtest/gtest.h>
 
@@ -42,6 +43,7 @@ TEST_F(Palettes, foundByObjectNameAndByHelpKeyUnderATranslation)
 
 TEST_F(Palettes, secondOfANameIsRefusedAndStaysTheCallers)
 {
+    const ExpectedLog expected("There is a palette \"Log\" already");
     palettes()->registerPalette(make("Log", ""), false, QString());
     const std::unique_ptr<OssPalette> second(make("Log", ""));
     EXPECT_FALSE(palettes()->registerPalette(second.get(), false, QString()));

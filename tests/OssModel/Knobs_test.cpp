@@ -50,6 +50,8 @@ protected:
 
 TEST_F(Knobs, changeOnEitherSideShowsOnBothAndIsOneStep)
 {
+    const ExpectedLog expected[] = {ExpectedLog("'Color' is no attribute of a node inside group"),
+                                    ExpectedLog("'None' is no attribute of a node inside group")};
     const QString knob = m_group->createKnob(m_first, Radius);
     EXPECT_EQ(knob, Radius);
     EXPECT_EQ(m_group->nodeAttributes(), QStringList({QStringLiteral("First/Radius")}));
@@ -79,6 +81,8 @@ TEST_F(Knobs, changeOnEitherSideShowsOnBothAndIsOneStep)
 
 TEST_F(Knobs, linkedKnobsBecomeOneWithTheFirstsValueAndComeBack)
 {
+    const ExpectedLog expected[] = {ExpectedLog("cannot become the one 'Both'"),
+                                    ExpectedLog("cannot become the one 'Quality'")};
     const QString first = m_group->createKnob(m_first, Radius);
     const QString second = m_group->createKnob(m_second, Radius);
     const QString quality = m_group->createKnob(m_first, QStringLiteral("Quality"));

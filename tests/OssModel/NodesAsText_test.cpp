@@ -118,6 +118,7 @@ TEST_F(NodesAsText, aGroupComesBackWholeFromItsFileAndPortsFollowTheirNodes)
 
 TEST_F(NodesAsText, whatIsDamagedOrHostileIsRefusedAndNothingChanges)
 {
+    const ExpectedLog expected("description of 'Filter/Blur' cannot be used");
     const QByteArray before = m_project->stateHash();
     const QByteArray good = OssShaderNetworkIO::nodesToText({m_color, m_blur});
     const QByteArray viewer = QByteArray(good).replace("Procedural/Color", "_System/Viewer");

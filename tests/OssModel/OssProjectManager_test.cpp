@@ -99,6 +99,7 @@ TEST_F(ProjectTest, modifiedFollowsUndo)
 
 TEST_F(ProjectTest, damagedProjectsAreRefusedWithTheReason)
 {
+    const ExpectedLog expected("description of 'Misc/Group' cannot be used");
     saveGraph();
     const QByteArray good = document();
     overwrite(good.left(good.size() / 2));
@@ -153,6 +154,8 @@ TEST_F(ProjectTest, loopsAndWiresToNowhereAreLeftOutAndTold)
 
 TEST_F(ProjectTest, unknownTypesSurviveOpeningAndSaving)
 {
+    const ExpectedLog expected[] = {ExpectedLog("description of 'Layer/Merge' cannot be used"),
+                                    ExpectedLog("has the unknown type 'Future/Color'")};
     saveGraph();
     QByteArray text = document();
     text.replace("key=\"Procedural/Color\"", "key=\"Future/Color\"");
@@ -177,6 +180,7 @@ TEST_F(ProjectTest, unknownTypesSurviveOpeningAndSaving)
 
 TEST_F(ProjectTest, whatAPluginSavedSurvivesWithoutIt)
 {
+    const ExpectedLog expected("description of 'Layer/Merge' cannot be used");
     saveGraph();
     QByteArray text = document();
     text.replace("key=\"Layer/Merge\">",

@@ -53,6 +53,9 @@ TEST_F(NetworkTest, removalIsOneStepAndKeepsOrderAndIds)
 
 TEST_F(NetworkTest, connectionsThatCannotBeAreRefusedWithTheReason)
 {
+    const ExpectedLog expected[] = {ExpectedLog("\"A\" already takes its input from \"A\""),
+                                    ExpectedLog("\"B\" has no input \"Nothing\""),
+                                    ExpectedLog("\"A\" has no output \"Nothing\"")};
     OssSnBaseNode *a = add("Filter/Blur", "A");
     OssSnBaseNode *b = add("Filter/Blur", "B");
     OssSnGroupNode *group = qobject_cast<OssSnGroupNode *>(add("Misc/Group"));
@@ -111,6 +114,7 @@ TEST_F(NetworkTest, extractionHealsTheStream)
 
 TEST_F(NetworkTest, namesAreUniqueAndUsable)
 {
+    const ExpectedLog expected("There is no node type 'No/Such Type'");
     EXPECT_EQ(add("Filter/Blur")->name(), QStringLiteral("Blur"));
     EXPECT_EQ(add("Filter/Blur")->name(), QStringLiteral("Blur 2"));
     OssSnBaseNode *third = add("Filter/Blur", "Blur 2");
@@ -130,6 +134,7 @@ TEST_F(NetworkTest, namesAreUniqueAndUsable)
 
 TEST_F(NetworkTest, protectedNodesStay)
 {
+    const ExpectedLog expected("is protected and stays");
     OssSnBaseNode *input = add("_System/Graph Layer Input");
     ASSERT_NE(input, nullptr);
     const int steps = undoCount();
@@ -165,6 +170,8 @@ TEST_F(NetworkTest, portChangesKeepWiresAndCanBeUndone)
 
 TEST_F(NetworkTest, attributesTakeOnlyWhatTheirTypeIs)
 {
+    const ExpectedLog expected[] = {ExpectedLog("has no attribute 'Nothing'"),
+                                    ExpectedLog("'Nonsense' is no value for 'BlendMode'")};
     OssSnBaseNode *merge = add("Layer/Merge");
     EXPECT_FALSE(merge->setAttribute(QStringLiteral("Nothing"), 1));
     EXPECT_FALSE(merge->setAttribute(QStringLiteral("BlendMode"), QStringLiteral("Nonsense")));

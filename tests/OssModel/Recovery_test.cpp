@@ -251,6 +251,7 @@ TEST_F(RecoveryTest, whatIsForLookingOnlyStaysSo)
 
 TEST_F(RecoveryTest, aDamagedCopyIsRefusedAndKeptAside)
 {
+    const ExpectedLog expected("description of 'Misc/Group' cannot be used");
     edit();
     copy();
     crash();
@@ -273,6 +274,7 @@ TEST_F(RecoveryTest, aDamagedCopyIsRefusedAndKeptAside)
 
 TEST_F(RecoveryTest, aCopyThatCannotBeWrittenIsToldOnceAndTheLastOneStays)
 {
+    const ExpectedLog expected("Cannot make the folder");
     edit();
     copy();
     QSignalSpy failures(m_autosave.get(), &OssAutosave::failed);

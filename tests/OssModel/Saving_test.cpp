@@ -115,6 +115,7 @@ protected:
 
 TEST_F(SavingTest, everyCallThatFailsLeavesTheOldOrTheNewDocument)
 {
+    const ExpectedLog expected("history/");
     for (const int error : {ENOSPC, EIO}) {
         add("Filter/Blur");
         int number = 1;
@@ -259,6 +260,7 @@ TEST_F(SavingTest, aGenerationThatAnInterruptedMoveLeftOutCostsNoOther)
 
 TEST_F(SavingTest, savingOverAnotherProjectKeepsItsDocument)
 {
+    const ExpectedLog expected("Other.ossa/history");
     const QString other = m_folder.filePath(QStringLiteral("Other.ossa"));
     add("Filter/Blur");
     saveAs(other);

@@ -125,6 +125,8 @@ TEST_F(Versions, nodesStayWhatTheyWereMadeFromThroughFilesAndCopies)
 
 TEST_F(Versions, upgradeKeepsValuesAndWiresByNameAndTellsWhatItCannotKeep)
 {
+    const ExpectedLog expected[] = {ExpectedLog("the input \"Mask\", which is gone"),
+                                    ExpectedLog("the output \"Edge\", which is gone")};
     const QString uuid = m_blur->uuidString();
     QStringList lost;
     ASSERT_TRUE(m_networks->upgradeNode(m_blur, &lost));
@@ -151,6 +153,8 @@ TEST_F(Versions, upgradeKeepsValuesAndWiresByNameAndTellsWhatItCannotKeep)
 
 TEST_F(Versions, choiceThatIsGoneIsLostAndTold)
 {
+    const ExpectedLog expected[] = {ExpectedLog("which is gone"),
+                                    ExpectedLog("has no place any more")};
     m_blur->setAttribute(QStringLiteral("Quality"), QStringLiteral("Tent"));
     QStringList lost;
     ASSERT_TRUE(m_networks->upgradeNode(m_blur, &lost));
@@ -160,6 +164,8 @@ TEST_F(Versions, choiceThatIsGoneIsLostAndTold)
 
 TEST_F(Versions, importsUpgradeWhatIsOlderAndNothingElse)
 {
+    const ExpectedLog expected[] = {ExpectedLog("which is gone"),
+                                    ExpectedLog("has no place any more")};
     OssSnBaseNode *newer = addOld(
         QByteArray(OldBlur).replace("2025-03-01", "2031-01-01").constData());
     auto *group = qobject_cast<OssSnGroupNode *>(add("Misc/Group"));
@@ -180,6 +186,9 @@ TEST_F(Versions, importsUpgradeWhatIsOlderAndNothingElse)
 
 TEST_F(Versions, conversionKeepsNamePlaceValuesWiresAndKnobs)
 {
+    const ExpectedLog expected[] = {ExpectedLog("has no place any more"),
+                                    ExpectedLog("/Viewer cannot be converted"),
+                                    ExpectedLog("/Group/Blur cannot be converted")};
     OssSnGroupNode *group = m_network->groupNodes({m_blur});
     const QString knob = group->createKnob(m_blur, Radius);
     OssShaderNetwork *inside = group->groupNetwork();
@@ -211,6 +220,8 @@ TEST_F(Versions, conversionKeepsNamePlaceValuesWiresAndKnobs)
 
 TEST_F(Versions, descriptionOfATypeThatIsNotInstalledIsKept)
 {
+    const ExpectedLog expected[] = {ExpectedLog("has the unknown type 'Elsewhere/Blur'"),
+                                    ExpectedLog("its type is not installed here")};
     QByteArray text = OssShaderNetworkIO::nodesToText({m_blur});
     text.replace("Filter/Blur", "Elsewhere/Blur");
     QList<OssSnBaseNode *> inserted;

@@ -8,6 +8,7 @@
 #include "OssScriptObjects/OssScriptManager.h"
 #include "OssScriptObjects/OssScriptObjects.h"
 #include "ScriptTestObjects.h"
+#include "support/ExpectedLog.h"
 
 #include <gtest/gtest.h>
 
@@ -100,6 +101,7 @@ TEST_F(ScriptManager, emptyScriptObjectsAreNotHandedOut)
 
 TEST_F(ScriptManager, firstErrorOfACallIsKept)
 {
+    const ExpectedLog expected[] = {ExpectedLog("3 of %n"), ExpectedLog("later")};
     OssScriptError(OssScriptException::OutOfRange, "/some/folder/File.cpp", 7, "%d of %s", 3, "%n");
     OssScriptError(OssScriptException::ObjectUnavailable, __FILE__, __LINE__, "later");
     ASSERT_TRUE(scripts()->hasError());
@@ -113,6 +115,7 @@ TEST_F(ScriptManager, firstErrorOfACallIsKept)
 
 TEST_F(ScriptManager, errorsOfARunningScriptAreNotLoggedToo)
 {
+    const ExpectedLog expected("nobody else tells");
     const auto logged = [] {
         return OssDebugLog::instance()->lines().size();
     };
@@ -136,6 +139,8 @@ TEST_F(ScriptManager, errorTypesKeepTheirNumbers)
 
 TEST_F(ScriptManager, paletteIsFoundWrappedAndReportsWhenGone)
 {
+    const ExpectedLog expected[] = {ExpectedLog("Internal OssPalette object not valid"),
+                                    ExpectedLog("There is no palette \"Tests\"")};
     auto *palette = new OssPalette;
     palette->setObjectName(QStringLiteral("Tests"));
     OssPaletteManager::instance()->registerPalette(palette, true, QString());
@@ -152,6 +157,7 @@ TEST_F(ScriptManager, paletteIsFoundWrappedAndReportsWhenGone)
 
 TEST_F(ScriptManager, wrongObjectIsReportedOnce)
 {
+    const ExpectedLog expected("Not an object of class OssPalette");
     QObject stranger;
     const Ossa::Palette api(&stranger);
     EXPECT_TRUE(api.isNull());
@@ -160,6 +166,7 @@ TEST_F(ScriptManager, wrongObjectIsReportedOnce)
 
 TEST_F(ScriptManager, commandsAreTriggeredByPath)
 {
+    const ExpectedLog expected("is not available now");
     QAction command(QStringLiteral("Run Me"));
     int runs = 0;
     QObject::connect(&command, &QAction::triggered, [&runs] { ++runs; });

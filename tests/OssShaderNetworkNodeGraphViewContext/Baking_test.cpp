@@ -109,6 +109,7 @@ TEST_F(BakingTest, commandsSayWhenThereIsNothingToBake)
 
 TEST_F(BakingTest, aPaintNodeTakesThePlaceOfWhatWasBaked)
 {
+    const ExpectedLog expected("Only one node must be selected for baking to a paintable node");
     select({m_color, m_dot});
     m_view->bakeToPaintableNode();
     EXPECT_EQ(undoCount(), 0) << "a refusal leaves no step";
@@ -132,6 +133,7 @@ TEST_F(BakingTest, aPaintNodeTakesThePlaceOfWhatWasBaked)
 
 TEST_F(BakingTest, exportGoesToAGeoChannelOfTheSameObject)
 {
+    const ExpectedLog expected("Node and geo-channel must belong to the same object.");
     OssGeoImageSet *channel = m_network->geoEntity()->addGeoImageSet(QStringLiteral("Rust"));
     OssGeoImageSet *foreign = m_project->addEntity(QStringLiteral("Other"))
                                   ->addGeoImageSet(QStringLiteral("Rust"));

@@ -66,6 +66,7 @@ TEST_F(ContextTest, portsFollowTheGroup)
 
 TEST_F(ContextTest, aWireDrawnByHandConnectsInTheNetwork)
 {
+    const ExpectedLog expected("the connection would close a loop");
     OssSnBaseNode *a = addAt("Filter/Blur", {0, 0}, "A");
     OssSnBaseNode *b = addAt("Filter/Blur", {300, 0}, "B");
     Q_EMIT itemOf(b)->inputSourceChanged(itemOf(a), QStringLiteral("Input"),

@@ -305,6 +305,7 @@ TEST_F(CreationTest, quickCreateRemembersWhatWasUsedLast)
 
 TEST_F(CreationTest, aFoundNodeIsShownWhereverItStands)
 {
+    const ExpectedLog expected("Found 3 nodes in the network");
     OssSnBaseNode *blur = addAt("Filter/Blur", {0, 0}, "Softener");
     ASSERT_NE(m_network->groupNodes({blur}), nullptr);
     OssApplication::setPopupsAllowed(true);

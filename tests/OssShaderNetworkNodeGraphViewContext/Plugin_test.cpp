@@ -95,6 +95,7 @@ TEST_F(PluginTest, creationActionsMakeASelectedNodeInOneStep)
 
 TEST_F(PluginTest, droppedNodeTypesAreMadeAsFromTheMenu)
 {
+    const ExpectedLog expected("fallback onto current nodegraph view 0x");
     plugin();
     OssNodeTypeListModel types;
     types.setSearchText(QStringLiteral("blur"));
@@ -112,6 +113,7 @@ TEST_F(PluginTest, droppedNodeTypesAreMadeAsFromTheMenu)
 
 TEST_F(PluginTest, actionsReachTheView)
 {
+    const ExpectedLog expected("fallback onto current nodegraph view 0x");
     plugin();
     addAt("Filter/Blur", {0, 0});
     OssSnBaseNode *far = addAt("Filter/Blur", {5000, 5000});
@@ -136,6 +138,7 @@ TEST_F(PluginTest, actionsReachTheView)
 
 TEST_F(PluginTest, withoutAViewACommandIsALineAndNoEffect)
 {
+    const ExpectedLog expected("fallback onto current nodegraph view (nil)");
     plugin();
     QTabWidget *widget = m_manager->nodeGraphWidget();
     QWidget other;

@@ -39,6 +39,7 @@ protected:
     /// The type and text of what the call reported, which is forgotten.
     static void expectReported(int type, const char *message)
     {
+        ExpectedLog::takePast(QString::fromUtf8(message));
         EXPECT_TRUE(scripts()->hasError()) << message;
         EXPECT_EQ(int(scripts()->lastError().type), type);
         EXPECT_EQ(scripts()->lastError().message, QString::fromUtf8(message));

@@ -147,6 +147,7 @@ TEST_F(VersionControl, statesAreDecidedByHashAndDate)
 
 TEST_F(VersionControl, menuUpgradesTheStateUnderThePointer)
 {
+    const ExpectedLog expected("the input \"Gone\", which is gone");
     m_older->setInputNode(QStringLiteral("Gone"), m_same, QStringLiteral("Output"));
     OssUndoManager::instance()->clear();
     m_start = m_project->stateHash();

@@ -56,6 +56,7 @@ TEST_F(ViewTest, framingNeverMagnifies)
 
 TEST_F(ViewTest, framingCommandsTellWhatTheyDo)
 {
+    const ExpectedLog expected("--Rectangle has been downscaled to");
     addAt("Filter/Blur", {0, 0});
     m_view->fitToViewAction();
     EXPECT_TRUE(logHas(QStringLiteral("[ !! ] --FIT TO VIEW[lt(")));
@@ -246,6 +247,7 @@ TEST_F(ViewTest, viewsDoNotPaintWhileTheirNetworkForbidsIt)
 
 TEST_F(ViewTest, editingCommandsAreOneStepWithTheirTitle)
 {
+    const ExpectedLog expected("Node '/Layer' is protected and stays");
     OssSnBaseNode *a = addAt("Filter/Blur", {0, 0}, "A");
     OssSnBaseNode *b = addAt("Filter/Blur", {300, 0}, "B");
     OssSnBaseNode *layer = addAt("_System/Graph Layer Input", {0, 300}, "Layer");

@@ -6,6 +6,7 @@
 #include "OssModel/Images/OssImageManager.h"
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectManager.h"
+#include "support/ModelFixture.h"
 
 #include <gtest/gtest.h>
 
@@ -24,6 +25,7 @@ class Images : public testing::Test
 protected:
     void SetUp() override
     {
+        ASSERT_NO_FATAL_FAILURE(needNodeTypes());
         OssProjectManager::instance()->newProject(QStringLiteral("Test"));
         for (const char *name : {"rust.1001.png", "rust.1002.png", "wood.png"}) {
             QImage picture(8, 4, QImage::Format_RGB32);

@@ -2,6 +2,7 @@
 
 #include "Ossa/Palettes/LogModel.h"
 #include "OssCore/OssDebug.h"
+#include "support/ExpectedLog.h"
 
 #include <gtest/gtest.h>
 
@@ -68,6 +69,7 @@ TEST_F(Log, theOldestGoWhenThereAreTooMany)
 
 TEST_F(Log, filtersByCategoryAndText)
 {
+    const ExpectedLog expected("brick is missing");
     OssDebug(__FILE__, __LINE__, "[ !! ] brick is missing");
     OssDebug(__FILE__, __LINE__, "[ -- ] brick is there");
     OssDebug(__FILE__, __LINE__, "stone");

@@ -11,6 +11,7 @@
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectManager.h"
+#include "support/ModelFixture.h"
 
 #include <gtest/gtest.h>
 
@@ -42,6 +43,7 @@ protected:
         : graph(makePalette("Node Graph", "node_graph_palette"))
         , window(std::make_unique<MainWindow>())
     {
+        needNodeTypes();
         window->show();
         window->openAtStart(QString());
     }

@@ -3,6 +3,7 @@
 #include "Ossa/Plugins/PluginActions.h"
 #include "OssCore/OssDebug.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
+#include "support/ExpectedLog.h"
 
 #include <gtest/gtest.h>
 
@@ -48,6 +49,7 @@ TEST_F(PluginLoading, startsEachOnceInTheOrderOfPriority)
 
 TEST_F(PluginLoading, foreignPluginsAreLeftAloneUnrun)
 {
+    const ExpectedLog expected("Plug-in foreign.so cannot be used");
     add("ForeignPlugin", "foreign.so");
     load();
     EXPECT_TRUE(loader.plugins().isEmpty());
@@ -59,6 +61,7 @@ TEST_F(PluginLoading, foreignPluginsAreLeftAloneUnrun)
 
 TEST_F(PluginLoading, aBrokenFileIsToldAndTheOthersStillStart)
 {
+    const ExpectedLog expected("Plug-in broken.so cannot be used");
     QFile broken(folder.filePath(QStringLiteral("broken.so")));
     ASSERT_TRUE(broken.open(QFile::WriteOnly));
     broken.write("\x7f"
@@ -73,6 +76,7 @@ TEST_F(PluginLoading, aBrokenFileIsToldAndTheOthersStillStart)
 
 TEST_F(PluginLoading, oneThatRefusesIsTold)
 {
+    const ExpectedLog expected("Plug-in refusing.so cannot be used");
     add("RefusingPlugin", "refusing.so");
     load();
     EXPECT_TRUE(loader.plugins().isEmpty());
@@ -81,6 +85,7 @@ TEST_F(PluginLoading, oneThatRefusesIsTold)
 
 TEST_F(PluginLoading, aMissingFolderIsToldInTheLogToo)
 {
+    const ExpectedLog expected("Plug-in /nowhere/plugins cannot be used");
     loader.load(QStringLiteral("/nowhere/plugins"));
     ASSERT_EQ(loader.failures().size(), 1);
     EXPECT_EQ(loader.failures().first().file, QStringLiteral("/nowhere/plugins"));

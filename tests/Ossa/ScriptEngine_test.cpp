@@ -60,6 +60,7 @@ TEST_F(ScriptEngine, makesOneStepOfEachScriptUnlessItOpensItsOwn)
 
 TEST_F(ScriptEngine, leavesWhatUndoTakesBackWhenAScriptFails)
 {
+    const ExpectedLog expected("has no attribute \"Nonsense\"");
     const QByteArray start = m_project->stateHash();
     EXPECT_EQ(run("import ossa\ng = ossa.graph()\n"
                   "a = g.createNode('Filter/Blur')\n"

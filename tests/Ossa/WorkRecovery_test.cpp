@@ -11,6 +11,7 @@
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectFile.h"
 #include "OssModel/Project/OssProjectManager.h"
+#include "support/ModelFixture.h"
 #include "support/SystemCallFaults.h"
 
 #include <gtest/gtest.h>
@@ -72,6 +73,7 @@ class WorkRecoveryTest : public testing::Test
 protected:
     WorkRecoveryTest()
     {
+        needNodeTypes();
         QDir(OssRecovery::standardFolder()).removeRecursively();
         OssProject *project = projects()->newProject(QStringLiteral("wall"));
         EXPECT_TRUE(projects()->saveProjectAs(m_path));
@@ -173,6 +175,7 @@ TEST_F(WorkRecoveryTest, discardingAsksFirst)
 
 TEST_F(WorkRecoveryTest, withoutAUserItIsReportedAndLeftAlone)
 {
+    const ExpectedLog expected("\"wall\" was not saved");
     OssApplication::setPopupsAllowed(false);
     testing::internal::CaptureStderr();
     window->openAtStart(m_path);
@@ -225,6 +228,8 @@ TEST_F(WorkRecoveryTest, onlyTheUsersWordEndsACopy)
 
 TEST_F(WorkRecoveryTest, aSaveThatFailsIsToldOnceAndKeepsTheChanges)
 {
+    const ExpectedLog expected[] = {ExpectedLog("\"wall\" was not saved"),
+                                    ExpectedLog("wall.ossa/")};
     OssApplication::setPopupsAllowed(false);
     window->openAtStart(m_path);
     QAction *save = OssActionTreeManager::instance()->findAction(QStringLiteral("/Ossa/File/Save"));

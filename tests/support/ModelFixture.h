@@ -12,10 +12,22 @@
 #include "OssModel/OssModelServices.h"
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectManager.h"
+#include "support/ExpectedLog.h"
 
 #include <gtest/gtest.h>
 
 #include <QBuffer>
+
+/// The application's node types, read once in a program: without them no project is whole.
+inline void needNodeTypes()
+{
+    static const OssModelServices services;
+    OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
+    if (networks->nodePathKeys().isEmpty())
+        networks->loadNodeTypes(OssResourceInfo::instance()->nodeTypePath());
+    ASSERT_FALSE(networks->nodePathKeys().isEmpty())
+        << qPrintable(OssResourceInfo::instance()->nodeTypePath());
+}
 
 /// A new project with an empty network but for its viewer, and the application's node types.
 class ModelFixture : public testing::Test
@@ -23,12 +35,7 @@ class ModelFixture : public testing::Test
 protected:
     void SetUp() override
     {
-        static const OssModelServices services;
-        OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
-        if (networks->nodePathKeys().isEmpty())
-            networks->loadNodeTypes(OssResourceInfo::instance()->nodeTypePath());
-        ASSERT_FALSE(networks->nodePathKeys().isEmpty())
-            << qPrintable(OssResourceInfo::instance()->nodeTypePath());
+        ASSERT_NO_FATAL_FAILURE(needNodeTypes());
         m_project = OssProjectManager::instance()->newProject(QStringLiteral("Test"));
         m_network = m_project->shadingGroups().first()->network();
         OssDebugLog::instance()->clear();
@@ -49,8 +56,10 @@ protected:
 
     static int undoCount() { return OssUndoManager::instance()->count(); }
 
+    /// Whether a line of the log has this in it; what a test looks for is expected.
     static bool logHas(const QString &part)
     {
+        ExpectedLog::takePast(part);
         const auto lines = OssDebugLog::instance()->lines();
         for (const OssDebugLog::Line &line : lines) {
             if (line.text.contains(part))

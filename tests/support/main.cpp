@@ -1,3 +1,5 @@
+#include "support/ExpectedLog.h"
+
 #include <gtest/gtest.h>
 
 #ifdef OSSA_NO_WIDGETS
@@ -17,7 +19,8 @@ int main(int argc, char **argv)
     const QTemporaryDir settings;
     qputenv("OSSA_CONFIG_DIR", settings.path().toLocal8Bit());
     qSetGlobalQHashSeed(0);
-    const Application application(argc, argv);
     testing::InitGoogleTest(&argc, argv);
+    failTestsOnUnexpectedLog();
+    const Application application(argc, argv);
     return RUN_ALL_TESTS();
 }

@@ -6,11 +6,28 @@
 #include <QIODevice>
 #include <QXmlStreamWriter>
 
+#include <algorithm>
+
 namespace {
 
 QString tr(const char *text)
 {
     return QCoreApplication::translate("OssDeserializer", text);
+}
+
+/// Qt's reader lets control characters pass in names, and cannot read them again.
+bool isWritable(const QStringRef &name)
+{
+    return std::none_of(name.cbegin(), name.cend(), [](QChar c) { return c < QLatin1Char(' '); });
+}
+
+bool namesAreWritable(const QXmlStreamReader &xml)
+{
+    const QXmlStreamAttributes attributes = xml.attributes();
+    return isWritable(xml.qualifiedName())
+           && std::all_of(attributes.cbegin(), attributes.cend(), [](const QXmlStreamAttribute &a) {
+                  return isWritable(a.qualifiedName());
+              });
 }
 
 } // namespace
@@ -41,6 +58,15 @@ bool OssDeserializer::guard()
         }
         if (m_xml.attributes().size() > MaximumAttributes) {
             raiseError(tr("an element has more than %1 attributes").arg(MaximumAttributes));
+            return false;
+        }
+        if (!namesAreWritable(m_xml)) {
+            raiseError(tr("a name has control characters in it"));
+            return false;
+        }
+        // Nothing here writes any, and they would not survive being kept as text.
+        if (!m_xml.namespaceDeclarations().isEmpty()) {
+            raiseError(tr("it has XML namespaces, which are not allowed"));
             return false;
         }
     } else if (m_xml.isEndElement()) {

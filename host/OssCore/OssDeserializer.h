@@ -11,8 +11,8 @@
 class QIODevice;
 class OssSerializableObject;
 
-/// Reads what OssSerializer wrote, from a file that may come from anywhere: no DOCTYPE, nesting
-/// and attribute counts bounded. The form is
+/// Reads what OssSerializer wrote, from a file that may come from anywhere: no DOCTYPE, no
+/// namespaces, nesting and attribute counts bounded. The form is
 ///
 ///     <object name type uuid? ...>
 ///       <properties name=value .../>

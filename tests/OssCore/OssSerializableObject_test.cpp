@@ -84,6 +84,8 @@ TEST(Serialization, hostileDocumentsAreRefusedWithTheReason)
     wide += "/></object></root>";
     const Case cases[] = {
         {"<!DOCTYPE root [<!ENTITY a \"b\">]><root/>", "DOCTYPE"},
+        {document("<x:a xmlns:x=\"u\"/>"), "namespaces"},
+        {document("<a b\x01=\"c\"/>"), "control characters"},
         {deep, "nested deeper than 256"},
         {wide, "more than 512 attributes"},
         {"<other/>", "not an root document"},

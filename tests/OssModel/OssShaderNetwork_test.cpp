@@ -58,7 +58,7 @@ TEST_F(NetworkTest, connectionsThatCannotBeAreRefusedWithTheReason)
                                     ExpectedLog("\"A\" has no output \"Nothing\"")};
     OssSnBaseNode *a = add("Filter/Blur", "A");
     OssSnBaseNode *b = add("Filter/Blur", "B");
-    OssSnGroupNode *group = qobject_cast<OssSnGroupNode *>(add("Misc/Group"));
+    auto *group = qobject_cast<OssSnGroupNode *>(add("Misc/Group"));
     OssSnBaseNode *inside = group->groupNetwork()->createNode(QStringLiteral("Filter/Blur"));
     ASSERT_TRUE(wire(a, b));
     const QByteArray before = m_project->stateHash();

@@ -67,7 +67,7 @@ QList<int> patchesOf(const OssSnBakePointNode *node, const OssGeoEntity *entity)
 bool isBakedForItsObject(const OssSnBakePointNode *node)
 {
     const OssGeoEntity *object = node->network() ? node->network()->geoEntity() : nullptr;
-    if (node->isBakedFor(object))
+    if (!object || node->isBakedFor(object))
         return true;
     OssDebug("OssShaderNetworkUtils", __LINE__, "[ -- ] %s is not baked for %s",
              qPrintable(node->name()), qPrintable(object->name()));

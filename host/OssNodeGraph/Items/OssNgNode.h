@@ -352,7 +352,7 @@ private:
     qreal thumbnailHeight(qreal width) const;
 
     void paintHeader(QPainter *painter, const QRectF &body) const;
-    void paintHeaderMarks(QPainter *painter, const QRectF &header) const;
+    void paintHeaderMarks(QPainter *painter, const QRectF &status) const;
     void paintPorts(QPainter *painter, Side side) const;
     void paintLabels(QPainter *painter, Side side) const;
     void paintStrike(QPainter *painter, const QRectF &body) const;

@@ -130,9 +130,12 @@ void OssNgRenderer::paintCanvas(QPainter *painter, const QVector<QRectF> &expose
     for (const QRectF &rect : exposed) {
         const qreal left = std::floor(rect.left() / step) * step;
         const qreal top = std::floor(rect.top() / step) * step;
-        for (qreal y = top; y <= rect.bottom() + size; y += step) {
-            for (qreal x = left; x <= rect.right() + size; x += step)
-                dots.append({x - size / 2.0, y - size / 2.0, size, size});
+        const int columns = int((rect.right() + size - left) / step);
+        const int rows = int((rect.bottom() + size - top) / step);
+        for (int row = 0; row <= rows; ++row) {
+            for (int column = 0; column <= columns; ++column)
+                dots.append(
+                    {left + column * step - size / 2.0, top + row * step - size / 2.0, size, size});
         }
     }
     painter->setPen(Qt::NoPen);

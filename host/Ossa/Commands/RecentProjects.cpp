@@ -34,7 +34,7 @@ void RecentProjects::add(const QString &path)
     QStringList paths = list();
     paths.removeAll(tidy(path));
     paths.prepend(tidy(path));
-    OssSettings().setValue(settingsKey, QStringList(paths.mid(0, Maximum)));
+    OssSettings().setValue(settingsKey, QStringList(paths.mid(0, maximum)));
 }
 
 void RecentProjects::clear()

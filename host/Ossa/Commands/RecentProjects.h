@@ -6,7 +6,7 @@
 /// The projects that were opened or saved last, most recent first. Kept in OssSettings.
 namespace RecentProjects {
 
-constexpr int Maximum = 10;
+constexpr int maximum = 10;
 
 /// Those that still exist.
 QStringList list();

@@ -22,7 +22,7 @@
 
 namespace {
 
-constexpr int BarWidth = 30;
+constexpr int barWidth = 30;
 
 QString tr(const char *text)
 {
@@ -107,16 +107,16 @@ public:
     ~Bar()
     {
         if (m_shown)
-            std::fprintf(stderr, "\r%*s\r", BarWidth + 60, "");
+            std::fprintf(stderr, "\r%*s\r", barWidth + 60, "");
     }
 
     void show(const QString &name, int done, int total) const
     {
         if (!m_shown || total <= 0)
             return;
-        const int filled = int(qint64(BarWidth) * done / total);
+        const int filled = int(qint64(barWidth) * done / total);
         std::fprintf(stderr, "\r[%s%s] %3d%% %.40s", qPrintable(QString(filled, QLatin1Char('#'))),
-                     qPrintable(QString(BarWidth - filled, QLatin1Char('.'))),
+                     qPrintable(QString(barWidth - filled, QLatin1Char('.'))),
                      int(qint64(100) * done / total), qPrintable(name));
         std::fflush(stderr);
     }

@@ -5,11 +5,11 @@
 
 namespace {
 
-std::atomic<bool> g_requested{false};
+std::atomic<bool> wasRequested{false};
 
 extern "C" void requestInterrupt(int)
 {
-    g_requested = true;
+    wasRequested = true;
 }
 
 } // namespace
@@ -22,5 +22,5 @@ void Interrupt::catchSignals()
 
 bool Interrupt::isRequested()
 {
-    return g_requested;
+    return wasRequested;
 }

@@ -16,9 +16,9 @@
 
 namespace {
 
-constexpr qreal Margin = 60.0;         // scene units
-constexpr qreal LargestSide = 12000.0; // pixels
-constexpr qreal SmallGraph = 1400.0;   // units: below it the picture is drawn twice as large
+constexpr qreal margin = 60.0;         // scene units
+constexpr qreal largestSide = 12000.0; // pixels
+constexpr qreal smallGraph = 1400.0;   // units: below it the picture is drawn twice as large
 
 QString tr(const char *text)
 {
@@ -28,8 +28,8 @@ QString tr(const char *text)
 qreal scaleFor(const QSizeF &size)
 {
     const qreal side = std::max(size.width(), size.height());
-    const qreal wanted = side < SmallGraph ? 2.0 : 1.0;
-    return std::min(wanted, LargestSide / side);
+    const qreal wanted = side < smallGraph ? 2.0 : 1.0;
+    return std::min(wanted, largestSide / side);
 }
 
 QByteArray asPng(QGraphicsScene *scene, const QRectF &source)
@@ -76,7 +76,7 @@ OssResult GraphPicture::write(QGraphicsScene *scene, const QString &title, const
     const QRectF bounds = OssNgSceneIndex::of(scene)->visibleNodeBounds();
     if (bounds.isEmpty())
         return failed(tr("there is nothing in the graph"));
-    const QRectF source = bounds.adjusted(-Margin, -Margin, Margin, Margin);
+    const QRectF source = bounds.adjusted(-margin, -margin, margin, margin);
     const QByteArray content = png ? asPng(scene, source) : asSvg(scene, source, title);
     if (content.isEmpty())
         return failed(tr("there is not enough memory for the picture"));

@@ -9,7 +9,9 @@ PACKAGES="build-essential cmake ninja-build ccache mold pkg-config
     libtbb-dev libhwy-dev libxxhash-dev
     python3-dev pybind11-dev
     fonts-inter fonts-dejavu-core"
-TEST_PACKAGES="libgtest-dev libbenchmark-dev clang-format xvfb xauth"
+# xvfb-run needs xauth, but does not depend on it.
+TEST_PACKAGES="libgtest-dev xvfb xauth"
+CHECK_PACKAGES="clang-format clang-tidy"
 
 # Installs those of the named packages that are not there yet.
 install_packages() {

@@ -1,5 +1,6 @@
 option(OSSA_WARNINGS_AS_ERRORS "Treat compiler warnings as errors" OFF)
 option(OSSA_PRECOMPILED_HEADERS "Precompile the Qt headers" ON)
+option(OSSA_FUZZERS "Build tests/fuzz; needs clang and the sanitizers fuzzer-no-link,address" OFF)
 set(OSSA_SANITIZERS "" CACHE STRING "Comma-separated sanitizers, e.g. address,undefined")
 
 find_program(OSSA_CCACHE ccache)
@@ -29,7 +30,8 @@ endif()
 if(OSSA_SANITIZERS)
     # Instrumented code misleads this warning, also in the standard library's headers.
     target_compile_options(ossa_build_flags INTERFACE
-        -fsanitize=${OSSA_SANITIZERS} -Wno-error=maybe-uninitialized)
+        -fsanitize=${OSSA_SANITIZERS}
+        $<$<CXX_COMPILER_ID:GNU>:-Wno-error=maybe-uninitialized>)
     target_link_options(ossa_build_flags INTERFACE -fsanitize=${OSSA_SANITIZERS})
 else()
     target_link_options(ossa_build_flags INTERFACE LINKER:--no-undefined)

@@ -13,6 +13,14 @@ PACKAGES="build-essential cmake ninja-build ccache mold pkg-config
 TEST_PACKAGES="libgtest-dev xvfb xauth"
 CHECK_PACKAGES="clang-format clang-tidy"
 
+# What a preset needs beyond that.
+packages_of() {
+    case "$1" in
+    clang) echo clang ;;
+    fuzz) echo clang libclang-rt-14-dev ;;
+    esac
+}
+
 # Installs those of the named packages that are not there yet.
 install_packages() {
     missing=""

@@ -6,6 +6,7 @@
 #include "OssNodeGraph/Items/OssNgNodePositionChangeUndo.h"
 #include "OssNodeGraph/Items/OssNgSceneIndex.h"
 #include "OssNodeGraph/Items/OssNgUINode.h"
+#include "OssNodeGraph/View/OssNgAccessible.h"
 #include "support/ExampleGraph.h"
 
 #include <gtest/gtest.h>
@@ -132,6 +133,26 @@ TEST(OssNgNode, addingKnownPortsReordersThem)
     node.addInputPorts({QStringLiteral("c"), QStringLiteral("a")});
     EXPECT_EQ(node.inputPortNames(),
               QStringList({QStringLiteral("c"), QStringLiteral("b"), QStringLiteral("a")}));
+}
+
+TEST(OssNgNode, portIsCalledTheSameBesideItAndInWords)
+{
+    Pair pair;
+    OssNgNode &node = *pair.b;
+    node.attachInput(In, pair.a, Out);
+    EXPECT_EQ(node.inputPortText(In), In);
+    node.setConnectionPrettyNames({QStringLiteral("Front")}, {});
+    EXPECT_EQ(node.inputPortText(In), QStringLiteral("Front"));
+    EXPECT_EQ(node.inputDescriptiveName(In), QStringLiteral("Front"));
+    EXPECT_TRUE(
+        OssNgAccessible::portDescriptions(&node).first().startsWith(QStringLiteral("Front, from")));
+    node.setConnectionDescriptiveNames({QStringLiteral("Front of it")}, {});
+    EXPECT_EQ(node.inputPortText(In), QStringLiteral("Front of it"));
+    EXPECT_EQ(node.inputDescriptiveName(In), QStringLiteral("Front of it"));
+    // A text says what is there just now; the port is called as before.
+    node.setInputPortText(In, QStringLiteral("0:Noise"));
+    EXPECT_EQ(node.inputPortText(In), QStringLiteral("0:Noise"));
+    EXPECT_EQ(node.inputDescriptiveName(In), QStringLiteral("Front of it"));
 }
 
 TEST(OssNgNode, namesAndKindsGivenBeforePortsApplyToThem)

@@ -14,6 +14,17 @@ bool isPermutation(QStringList a, QStringList b)
     return a == b;
 }
 
+/// Of a type's ports: labels, and names where there are none.
+template <typename Port>
+QStringList prettyNames(const QVector<Port> &ports)
+{
+    QStringList names;
+    names.reserve(ports.size());
+    for (const Port &port : ports)
+        names.append(port.label.isEmpty() ? port.name : port.label);
+    return names;
+}
+
 } // namespace
 
 int OssSnBaseNode::inputIndex(const QString &name) const
@@ -54,20 +65,12 @@ QStringList OssSnBaseNode::outputPointNames() const
 
 QStringList OssSnBaseNode::prettyInputNameList() const
 {
-    QStringList names;
-    names.reserve(m_inputs.size());
-    for (const InputPort &port : m_inputs)
-        names.append(port.label.isEmpty() ? port.name : port.label);
-    return names;
+    return prettyNames(m_inputs);
 }
 
 QStringList OssSnBaseNode::prettyOutputNameList() const
 {
-    QStringList names;
-    names.reserve(m_outputs.size());
-    for (const OutputPoint &point : m_outputs)
-        names.append(point.label.isEmpty() ? point.name : point.label);
-    return names;
+    return prettyNames(m_outputs);
 }
 
 bool OssSnBaseNode::hasInputTag(const QString &input, const QString &tag) const

@@ -181,7 +181,7 @@ QColor OssNgEdge::color() const
         return style->color(OssNgStyle::Role::Accent);
     const OssNgPort *port = nullptr;
     if (m_source) {
-        m_outputHint = m_source->portIndex(OssNgNode::Side::Output, m_output, m_outputHint);
+        m_outputHint = m_source->list(OssNgNode::Side::Output).indexOf(m_output, m_outputHint);
         port = m_outputHint < 0 ? nullptr : &m_source->outputPorts()[m_outputHint];
     } else if (m_destination) {
         port = m_destination->inputPort(m_input);

@@ -150,8 +150,8 @@ void OssNgNode::copyStateFrom(const OssNgNode *other)
     m_category = other->m_category;
     m_shapeType = other->m_shapeType;
     m_shownShape = other->m_shownShape;
-    m_marks = other->m_marks;
-    m_labelsVisible = other->m_labelsVisible;
+    copyMarks(*other);
+    setLabelsVisible(other->labelsVisible());
     if (other->m_extras) {
         extras().topColor = other->m_extras->topColor;
         extras().bottomColor = other->m_extras->bottomColor;
@@ -162,15 +162,6 @@ void OssNgNode::copyStateFrom(const OssNgNode *other)
         extras().errorText = other->m_extras->errorText;
     }
     setPosition(other->pos());
-    refresh();
-}
-
-void OssNgNode::setMark(Mark mark, bool on)
-{
-    const quint32 marks = on ? m_marks | mark : m_marks & ~quint32(mark);
-    if (marks == m_marks)
-        return;
-    m_marks = marks;
     refresh();
 }
 

@@ -1,7 +1,8 @@
 #pragma once
 
 #include "OssCore/OssSerializableObject.h"
-#include "OssNodeGraph/Items/OssNgPort.h"
+#include "OssNodeGraph/Items/OssNgNodeMarks.h"
+#include "OssNodeGraph/Items/OssNgNodePorts.h"
 #include "OssNodeGraph/OssNodeGraph_export.h"
 
 #include <QBrush>
@@ -27,6 +28,8 @@ class OssNgSceneIndex;
 class OSSNODEGRAPH_EXPORT OssNgNode
     : public OssSerializableObject
     , public QGraphicsItem
+    , public OssNgNodePorts
+    , public OssNgNodeMarks
 {
     Q_OBJECT
     Q_INTERFACES(QGraphicsItem)
@@ -34,8 +37,6 @@ class OSSNODEGRAPH_EXPORT OssNgNode
 
 public:
     enum { Type = UserType + 10 };
-
-    using StubPositions = QHash<QString, QPair<QPoint, QPoint>>;
 
     /// Without a parent item and in no scene.
     OssNgNode();
@@ -95,45 +96,7 @@ public:
     /// Takes over look, shape, marks and place of another node, not its ports or business object.
     virtual void copyStateFrom(const OssNgNode *other);
 
-    // Marks
-
-    enum Mark : quint32 {
-        SystemShader = 1U << 0,
-        Bypassed = 1U << 1,
-        Cached = 1U << 2,
-        Disabled = 1U << 3,
-        GuiActive = 1U << 4,
-        Highlighted = 1U << 5,
-        Debug = 1U << 6,
-        Baked = 1U << 7,
-        Stale = 1U << 8,
-        Placeholder = 1U << 9,
-    };
-
-    bool hasMark(Mark mark) const { return (m_marks & mark) != 0; }
-
-    void setMark(Mark mark, bool on);
-
-    void setSystemShader(bool on) { setMark(SystemShader, on); }
-
-    void setBypassed(bool on) { setMark(Bypassed, on); }
-
-    void setCached(bool on) { setMark(Cached, on); }
-
-    void setDisabled(bool on) { setMark(Disabled, on); }
-
-    void setGuiActive(bool on) { setMark(GuiActive, on); }
-
-    void setHighlighted(bool on) { setMark(Highlighted, on); }
-
-    void setDebug(bool on) { setMark(Debug, on); }
-
-    void setBaked(bool on) { setMark(Baked, on); }
-
-    void setStale(bool on) { setMark(Stale, on); }
-
-    /// Drawn with a dashed outline: a node whose type is not known here.
-    void setPlaceholder(bool on) { setMark(Placeholder, on); }
+    // What is told of the node besides its marks
 
     void setDebugColor(const QColor &color);
     /// Why the node cannot do its work, in words; shown on the node. Empty: it can.
@@ -142,69 +105,21 @@ public:
 
     bool hovered() const { return m_hovered; }
 
+    /// Announced, as no other setter's work is.
     void setHovered(bool hovered);
 
     void setSelected(bool selected) { QGraphicsItem::setSelected(selected); }
 
-    // Ports. Names, kinds and positions are kept by name and may be given before the ports.
+    // Ports and their wires
 
-    /// A known name keeps its place, and takes the new flags.
-    void addInputPort(const QString &name, bool preferred = false, const QSet<QString> &tags = {});
-    /// Adds what is missing and brings the listed ports into the order of the list.
-    void addInputPorts(const QStringList &names);
-    void addOutputPort(const QString &name, bool flag = false);
-    void addOutputPorts(const QStringList &names);
     /// The wire of the port goes with it.
     void removeInputPort(const QString &name);
     void removeOutputPort(const QString &name);
     void renameInputPort(const QString &oldName, const QString &newName);
     void renameOutputPort(const QString &oldName, const QString &newName);
-    /// Wires stay and find their port again when one of its name is added.
-    void clearInputPorts();
-    void clearOutputPorts();
-    QStringList inputPortNames() const;
-    QStringList outputPortNames() const;
-
-    const QVector<OssNgPort> &inputPorts() const { return m_inputPorts; }
-
-    const QVector<OssNgPort> &outputPorts() const { return m_outputPorts; }
-
-    const OssNgPort *inputPort(const QString &name) const;
-    const OssNgPort *outputPort(const QString &name) const;
-
-    void setInputPortText(const QString &name, const QString &text);
-    QString inputPortText(const QString &name) const;
-    QString outputPortText(const QString &name) const;
-    void setOutputUsed(const QString &name, bool used);
-    void setLabelsVisible(bool visible);
-
-    bool labelsVisible() const { return m_labelsVisible; }
-
-    /// Lists in the order of the ports.
-    void setConnectionDescriptiveNames(const QStringList &inputs, const QStringList &outputs);
-    void setConnectionPrettyNames(const QStringList &inputs, const QStringList &outputs);
-    /// The name itself when the port has no descriptive one.
-    QString outputPointDescriptiveName(const QString &name) const;
-    QString inputDescriptiveName(const QString &name) const;
-    /// Extra distance of a label from its port.
-    void setConnectionTextPositions(const QHash<QString, float> &inputs,
-                                    const QHash<QString, float> &outputs);
-    /// Where ports have no rows: the x of the first point places a port beside the node's centre
-    /// line, from the first point to the second runs the stub that a wire follows at first.
-    void setConnectionPositions(const StubPositions &inputs, const StubPositions &outputs);
-    /// Values are OssNgPortKind.
-    void setPortKinds(const QHash<QString, int> &inputs, const QHash<QString, int> &outputs);
     /// The header's side for a port that is not listed or not there.
     QPointF inputPortScenePos(const QString &name) const;
     QPointF outputPortScenePos(const QString &name) const;
-    /// Direction in which a wire leaves the port; its length is the stub's when one was given.
-    QPointF inputPortDirection(const QString &name) const;
-    QPointF outputPortDirection(const QString &name) const;
-    /// The listed port nearest to the point, within `reach` units. Null: none.
-    const OssNgPort *inputPortAt(const QPointF &local, qreal reach) const;
-    const OssNgPort *outputPortAt(const QPointF &local, qreal reach) const;
-    /// The port that lights up as the target of a wire; empty for none.
-    void setLitPort(const QString &name, bool input);
 
     // Wires. Those at inputs are owned here, those at outputs by their destination.
 
@@ -218,7 +133,7 @@ public:
     /// ends are in. Null when there is no source or output name.
     OssNgEdge *attachInput(const QString &name, OssNgNode *source, const QString &outputName);
     void detachInput(const QString &name);
-    /// Wires that nobody draws themselves: brings all of this node to where the ports are.
+    /// Brings all wires of this node to where their ports are.
     void updateEdges();
     /// The wire being pulled from a port of this node; the node owns it.
     OssNgEdge *beginTemporaryEdge(const QString &portName, bool fromOutput);
@@ -288,22 +203,12 @@ Q_SIGNALS:
     void hoveredChanged(bool hovered);
 
 protected:
-    enum class Side : quint8 { Input, Output };
-
     QVariant itemChange(GraphicsItemChange change, const QVariant &value) override;
     void mousePressEvent(QGraphicsSceneMouseEvent *event) override;
     void mouseDoubleClickEvent(QGraphicsSceneMouseEvent *event) override;
 
     /// Size of the body, ports placed. The base lists ports in rows below the header.
     virtual QSizeF layoutBody();
-    /// Whether the port has a place of its own.
-    virtual bool isPortListed(const OssNgPort &port, Side side) const;
-    /// Ports that share a row have the same non-empty key, which is the row's label.
-    virtual QString portRow(const OssNgPort &port, Side side) const;
-
-    /// Inputs along the upper edge, outputs along the lower one, no rows.
-    virtual bool portsAlongEdges() const { return false; }
-
     /// Width of the marks at the right of the header.
     qreal statusWidth() const;
 
@@ -316,11 +221,6 @@ protected:
     /// What is painted changed, geometry did not.
     void appearanceChanged();
     void setBodySize(const QSizeF &size);
-    QString portLabel(int index, Side side) const;
-    QVector<OssNgPort> &ports(Side side);
-    const QVector<OssNgPort> &ports(Side side) const;
-    void placePortsInRows();
-    void placePortsAlongEdges();
     void paintFrame(QPainter *painter) const;
     void paintRing(QPainter *painter, const QRectF &body, qreal radius) const;
 
@@ -332,14 +232,16 @@ private:
     struct Extras;
 
     Extras &extras();
-    int portIndex(Side side, const QString &name, int hint = -1) const;
-    void removePort(Side side, const QString &name);
-    void renamePort(Side side, const QString &oldName, const QString &newName);
-    void orderPorts(Side side, const QStringList &names);
-    void applyKind(OssNgPort &port, Side side) const;
-    const OssNgPort *portAt(Side side, const QPointF &local, qreal reach) const;
+
+    void portsChanged() override { refresh(); }
+
+    void portsRepainted() override { appearanceChanged(); }
+
+    void marksChanged() override { refresh(); }
+
+    bool hasConsumer(const QString &output) const override;
+    void renameEdges(Side side, const QString &oldName, const QString &newName);
     QPointF portPosition(Side side, const QString &name, int *hint = nullptr) const;
-    QPointF portDirection(Side side, const QString &name) const;
 
     void addOutputEdge(OssNgEdge *edge) { m_outputEdges.append(edge); }
 
@@ -347,7 +249,6 @@ private:
     void syncEdgeScene(OssNgEdge *edge);
     void enterScene();
     void leaveScene();
-    qreal rowsWidth() const;
     qreal errorHeight(qreal width) const;
     qreal thumbnailHeight(qreal width) const;
 
@@ -364,20 +265,16 @@ private:
     int m_indexSlot = -1;
     QString m_text;
     QString m_category;
-    QVector<OssNgPort> m_inputPorts;
-    QVector<OssNgPort> m_outputPorts;
     QList<OssNgEdge *> m_inputEdges;
     QList<OssNgEdge *> m_outputEdges;
     std::unique_ptr<OssNgEdge> m_temporaryEdge;
     std::unique_ptr<Extras> m_extras;
     QPointF m_savedPosition;
     QSizeF m_size;
-    quint32 m_marks = 0;
     quint32 m_revision = 0; ///< of what is painted
     qint16 m_shapeType = 0;
     qint16 m_shownShape = 0;
     bool m_hovered = false;
-    bool m_labelsVisible = true;
     bool m_inPaintCache = false;
     bool m_layoutPaused = false;
 };

@@ -2,22 +2,10 @@
 
 #include "OssNodeGraph/Items/OssNgNode.h"
 
-#include <QHash>
 #include <QSet>
-#include <QStringList>
 
 struct OssNgNode::Extras
 {
-    QStringList inputDescriptiveNames;
-    QStringList outputDescriptiveNames;
-    QStringList inputPrettyNames;
-    QStringList outputPrettyNames;
-    QHash<QString, float> inputTextPositions;
-    QHash<QString, float> outputTextPositions;
-    StubPositions inputStubs;
-    StubPositions outputStubs;
-    QHash<QString, int> inputKinds;
-    QHash<QString, int> outputKinds;
     QSet<QString> virtualInputs;
     QColor topColor;
     QColor bottomColor;
@@ -26,6 +14,4 @@ struct OssNgNode::Extras
     QPoint pixmapOffset;
     QPixmap thumbnail;
     QString errorText;
-    QString litPort;
-    Side litSide = Side::Input;
 };

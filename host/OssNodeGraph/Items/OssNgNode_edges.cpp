@@ -46,6 +46,56 @@ void OssNgNode::detachInput(const QString &name)
     delete input(name);
 }
 
+bool OssNgNode::hasConsumer(const QString &output) const
+{
+    return std::any_of(m_outputEdges.begin(), m_outputEdges.end(),
+                       [&output](const OssNgEdge *edge) { return edge->sourceOutput() == output; });
+}
+
+void OssNgNode::removeInputPort(const QString &name)
+{
+    delete input(name);
+    if (list(Side::Input).remove(name))
+        refresh();
+}
+
+void OssNgNode::removeOutputPort(const QString &name)
+{
+    const QList<OssNgEdge *> edges = m_outputEdges;
+    for (OssNgEdge *edge : edges) {
+        if (edge->sourceOutput() == name)
+            delete edge;
+    }
+    if (list(Side::Output).remove(name))
+        refresh();
+}
+
+void OssNgNode::renameEdges(Side side, const QString &oldName, const QString &newName)
+{
+    const bool input = side == Side::Input;
+    for (OssNgEdge *edge : qAsConst(input ? m_inputEdges : m_outputEdges)) {
+        QString &name = input ? edge->m_input : edge->m_output;
+        if (name == oldName)
+            name = newName;
+    }
+}
+
+void OssNgNode::renameInputPort(const QString &oldName, const QString &newName)
+{
+    if (!list(Side::Input).rename(oldName, newName))
+        return;
+    renameEdges(Side::Input, oldName, newName);
+    refresh();
+}
+
+void OssNgNode::renameOutputPort(const QString &oldName, const QString &newName)
+{
+    if (!list(Side::Output).rename(oldName, newName))
+        return;
+    renameEdges(Side::Output, oldName, newName);
+    refresh();
+}
+
 void OssNgNode::forgetEdge(OssNgEdge *edge)
 {
     if (m_temporaryEdge.get() == edge) {
@@ -53,12 +103,8 @@ void OssNgNode::forgetEdge(OssNgEdge *edge)
         return;
     }
     const bool wasInput = m_inputEdges.removeOne(edge);
-    if (m_outputEdges.removeOne(edge)) {
-        bool used = false;
-        for (const OssNgEdge *other : qAsConst(m_outputEdges))
-            used = used || other->sourceOutput() == edge->sourceOutput();
-        setOutputUsed(edge->sourceOutput(), used);
-    }
+    if (m_outputEdges.removeOne(edge))
+        setOutputUsed(edge->sourceOutput(), hasConsumer(edge->sourceOutput()));
     if (wasInput)
         refresh();
 }
@@ -176,7 +222,7 @@ void splice(OssNgNode *node, const OssNgEdge *edge)
 
 OssNgEdge *OssNgNode::autoinsertCandidate() const
 {
-    if (!m_index || m_inputPorts.isEmpty() || m_outputPorts.isEmpty() || !m_inputEdges.isEmpty()
+    if (!m_index || inputPorts().isEmpty() || outputPorts().isEmpty() || !m_inputEdges.isEmpty()
         || !m_outputEdges.isEmpty() || !someViewInserts(scene()))
         return nullptr;
     const QRectF body = bodyRect().translated(pos());
@@ -205,7 +251,7 @@ void OssNgNode::processAutoinsert()
 
 void OssNgNode::setupNodeForInsertionIntoEdge(OssNgEdge *edge)
 {
-    if (!edge || !edge->isFullConnected() || m_inputPorts.isEmpty() || m_outputPorts.isEmpty()
+    if (!edge || !edge->isFullConnected() || inputPorts().isEmpty() || outputPorts().isEmpty()
         || edge->source() == this || edge->destination() == this)
         return;
     const OssUndoManager::AutoMacro macro(QStringLiteral("Insert node into connection"));

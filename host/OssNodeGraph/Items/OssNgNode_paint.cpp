@@ -137,10 +137,10 @@ void OssNgNode::paintDetailed(QPainter *painter) const
     const QRectF body = bodyRect();
     paintFrame(painter);
     paintHeader(painter, body);
-    if (!portsAlongEdges() && m_labelsVisible) {
+    if (!portsAlongEdges() && labelsVisible()) {
         painter->setPen(OssNgStyle::instance()->color(Role::Label));
         paintLabels(painter, Side::Input);
-        if (m_outputPorts.size() > 1)
+        if (outputPorts().size() > 1)
             paintLabels(painter, Side::Output);
     }
     paintFoot(painter, body);
@@ -260,19 +260,19 @@ void OssNgNode::paintLabels(QPainter *painter, Side side) const
         if (side == Side::Output)
             x = port.position.x() - OssNgStyle::LabelInset
                 - OssNgText::width(OssNgText::Role::Label, shown);
-        else if (m_extras)
-            x += std::max(0.0, qreal(m_extras->inputTextPositions.value(port.name)));
+        else
+            x += std::max(0.0, list(side).textPosition(port.name));
         OssNgText::draw(painter, OssNgText::Role::Label, {x, port.position.y()}, shown);
     }
 }
 
 void OssNgNode::paintPorts(QPainter *painter, Side side) const
 {
-    const bool litSide = m_extras && !m_extras->litPort.isEmpty() && m_extras->litSide == side;
+    const QString lit = list(side).lit();
     for (const OssNgPort &port : ports(side)) {
         if (port.listed && (port.labelled || portsAlongEdges()))
             OssNgPaintPort(painter, port.position, port.kind, port.flag && !port.used,
-                           litSide && port.name == m_extras->litPort);
+                           !lit.isEmpty() && port.name == lit);
     }
 }
 
@@ -355,12 +355,12 @@ void OssNgNode::paintSimple(QPainter *painter) const
 QString OssNgNode::toolTipAt(const QPointF &local) const
 {
     const auto describe = [this](const OssNgPort *port, Side side) {
-        const QString described = side == Side::Input ? inputDescriptiveName(port->name)
-                                                      : outputPointDescriptiveName(port->name);
-        const QString label = portLabel(portIndex(side, port->name), side);
-        return described == label || described == port->name
+        const int index = list(side).indexOf(port->name);
+        const QString called = list(side).calledName(index);
+        const QString label = portLabel(index, side);
+        return called == label || called == port->name
                    ? label
-                   : QStringLiteral("%1\n%2").arg(label, described);
+                   : QStringLiteral("%1\n%2").arg(label, called);
     };
     const qreal reach = OssNgStyle::PortRadius + 2.0;
     if (const OssNgPort *port = inputPortAt(local, reach))

@@ -18,7 +18,7 @@ constexpr int BindingDelay = 500; // ms: the manager that makes the view may not
 } // namespace
 
 OssShaderNetworkView::OssShaderNetworkView(QWidget *parent)
-    : OssNgView(parent)
+    : PlacingView(parent)
 {
     setAcceptDrops(true);
     connect(this, &OssNgView::shakeToExtractTriggered, this,

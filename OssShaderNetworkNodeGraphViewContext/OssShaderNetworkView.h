@@ -2,13 +2,12 @@
 
 #include "OssCore/OssResult.h"
 #include "OssModel/Graph/OssShaderNetworkHolder.h"
-#include "OssNodeGraph/View/OssNgView.h"
+#include "View/PlacingView.h"
 
 #include <QMap>
 #include <QPointer>
 #include <QPointF>
 
-class OssNgBackdropNode;
 class OssShaderNetwork;
 class OssGeoEntity;
 class OssGeoImageSet;
@@ -23,7 +22,7 @@ class QAction;
 /// the commands that act on them. Made by the tab widget (root) and by group contexts. A slot looks
 /// whether it can act, asks the host, and is done; what it changes is one undo step.
 class OssShaderNetworkView
-    : public OssNgView
+    : public PlacingView
     , public OssShaderNetworkHolder
 {
     Q_OBJECT
@@ -39,41 +38,6 @@ public:
 
     bool isAutoInsertOn() const override;
 
-    // Placement. What moves is recorded and joins the open macro. A node without an item, or whose
-    // reference has none where one is needed, stays.
-
-    /// The overlap rule: moves the node until it lies on no other; backdrops do not count.
-    void placeNode(OssSnBaseNode *node);
-    /// Diagonally below and to the right of the other item, 30 units clear of its corner.
-    void relocateNodeBeside(OssNgNode *guiNode, const OssNgNode *other);
-    void positionNodeManual(OssSnBaseNode *node, OssSnBaseNode *reference, const QPointF &offset);
-    void positionNodeUnderneath(OssSnBaseNode *node, OssSnBaseNode *reference, int factor);
-    /// For backdrops: beside another backdrop, or beside a node at its own height.
-    void positionNodeNextTo(OssSnBaseNode *node, OssSnBaseNode *reference);
-    void positionNodeAtFreeSpot(OssSnBaseNode *node);
-    /// With `freshCoordinates` both coordinates come from the reference; without, an axis in which
-    /// there is no step keeps the node's own. Without a reference the free spot stands in.
-    void positionNodeOnGrid(OssSnBaseNode *node, OssSnBaseNode *reference, int column, int row,
-                            bool freshCoordinates);
-    void positionNodeBesideReference(OssSnBaseNode *node, OssSnBaseNode *reference);
-    /// Puts the node underneath the reference and stretches its container around it, and around the
-    /// reference's container where that is another one inside.
-    void syncNodeUnderneath(OssSnBaseNode *node, OssSnBaseNode *container, OssSnBaseNode *reference,
-                            OssSnBaseNode *referenceContainer);
-    /// Gives the containers of a layer stack one right edge: that of the widest.
-    void uniformariseContainers(const QList<OssSnBaseNode *> &containers);
-    /// Makes the container hold the members: fitted around them, or only stretched where it is too
-    /// small.
-    void holdInContainer(OssSnBaseNode *container, const QList<OssSnBaseNode *> &members,
-                         bool exactly);
-    void stretchContainerBy(OssSnBaseNode *container, OssSnBaseNode *reference);
-    /// Gives all of them the width of the widest.
-    void stretchPeers(const QList<OssSnBaseNode *> &containers);
-    /// Moves the members below the reference down until they are clear of it.
-    void respaceContainer(OssSnBaseNode *container, OssSnBaseNode *reference);
-    // With what they hold.
-    void moveContainerDown(OssSnBaseNode *container, OssSnBaseNode *reference);
-    void moveContainerToFreshLocation(OssSnBaseNode *container, bool preserveY);
     /// Connects the node's preferred output to an input of the viewer and looks at it.
     void connectNodeToViewer(OssSnBaseNode *node, int input);
     /// Makes a node with its corner at a point of the viewport. Null when the type is unknown.
@@ -312,12 +276,6 @@ private:
     QRectF selectionBounds() const;
     QRectF selectionOrAllBounds() const;
     void capZoom();
-    void moveNode(OssNgNode *guiNode, const QPointF &position);
-    void stretchContainer(OssNgBackdropNode *backdrop, const QRectF &sceneRect);
-    /// Null for what is no container, with a line when it is something else.
-    static OssNgBackdropNode *backdropOf(const OssSnBaseNode *container);
-    void moveContainer(OssNgBackdropNode *backdrop, const QPointF &way);
-    QPointF freeSpot() const;
     OssNgNode *nodeForDoubleClick(const QMouseEvent *event) const;
 
     struct StartPosition

@@ -35,11 +35,6 @@ void tellOfChange()
     OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
 }
 
-OssNgNode *itemOf(const OssSnBaseNode *node)
-{
-    return OssSnNodeGraphViewContextManager::guiNodeOf(node);
-}
-
 /// The input to which the next selected node is wired: a preferred one first, then in order; hidden
 /// ones never. Empty when none is left.
 QString nextFreeInput(const OssSnBaseNode *node)

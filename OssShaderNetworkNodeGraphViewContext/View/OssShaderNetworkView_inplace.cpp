@@ -141,7 +141,7 @@ QString OssShaderNetworkView::placeText() const
 
 void OssShaderNetworkView::paintEvent(QPaintEvent *event)
 {
-    OssNgView::paintEvent(event);
+    PlacingView::paintEvent(event);
     const QString text = placeText();
     if (text.isEmpty())
         return;
@@ -163,7 +163,7 @@ void OssShaderNetworkView::paintEvent(QPaintEvent *event)
 
 void OssShaderNetworkView::scrollContentsBy(int dx, int dy)
 {
-    OssNgView::scrollContentsBy(dx, dy);
+    PlacingView::scrollContentsBy(dx, dy);
     // Scrolling moved the line's pixels along.
     if (m_network && m_network->parentGroupNode()) {
         const QRect line(0, 0, viewport()->width(), 36);

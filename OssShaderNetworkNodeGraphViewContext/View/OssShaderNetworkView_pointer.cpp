@@ -58,7 +58,7 @@ void OssShaderNetworkView::mousePressEvent(QMouseEvent *event)
         OssDebug(Source, __LINE__, "scene() is NULL");
         return;
     }
-    OssNgView::mousePressEvent(event); // may change the selection
+    PlacingView::mousePressEvent(event); // may change the selection
     // A second button does not end the drag that the left one began.
     if (event->button() != Qt::LeftButton && (event->buttons() & Qt::LeftButton))
         return;
@@ -97,13 +97,13 @@ void OssShaderNetworkView::mouseReleaseEvent(QMouseEvent *event)
         return;
     }
     if (interactionState() != Idle || event->button() != Qt::LeftButton) {
-        OssNgView::mouseReleaseEvent(event);
+        PlacingView::mouseReleaseEvent(event);
         return;
     }
     const QList<OssNgNode *> nodes = recordedNodes();
     // What answers the release, as the order of a group's ports, belongs to the same step.
     OssUndoManager::AutoMacro macro(moveTitle(nodes));
-    OssNgView::mouseReleaseEvent(event);
+    PlacingView::mouseReleaseEvent(event);
     if (scene()->selectedItems().isEmpty())
         return;
     const bool moved = std::any_of(nodes.cbegin(), nodes.cend(), [this](OssNgNode *node) {
@@ -171,7 +171,7 @@ void OssShaderNetworkView::keyPressEvent(QKeyEvent *event)
             context->showGroupNodeTab();
     }
     event->ignore();
-    OssNgView::keyPressEvent(event);
+    PlacingView::keyPressEvent(event);
 }
 
 void OssShaderNetworkView::keyReleaseEvent(QKeyEvent *event)

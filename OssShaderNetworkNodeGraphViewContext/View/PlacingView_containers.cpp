@@ -1,4 +1,4 @@
-#include "OssShaderNetworkView.h"
+#include "View/PlacingView.h"
 
 #include "Layout/ContainerPlacement.h"
 #include "Layout/NodePlacement.h"
@@ -19,17 +19,9 @@ namespace {
 
 constexpr const char *Source = "OssShaderNetworkView";
 
-OssNgNode *itemOf(const OssSnBaseNode *node)
-{
-    return OssSnNodeGraphViewContextManager::guiNodeOf(node);
-}
+} // namespace
 
-QRectF occupied(const OssNgNode *item)
-{
-    return item->boundingRect().translated(item->pos());
-}
-
-void resizeBackdrop(OssNgBackdropNode *backdrop, const QSizeF &size)
+void PlacingView::resizeBackdrop(OssNgBackdropNode *backdrop, const QSizeF &size)
 {
     if (size == backdrop->rect().size())
         return;
@@ -39,9 +31,7 @@ void resizeBackdrop(OssNgBackdropNode *backdrop, const QSizeF &size)
         std::make_unique<OssNgBackdropNodeRectChangeUndo>(backdrop));
 }
 
-} // namespace
-
-void OssShaderNetworkView::positionNodeNextTo(OssSnBaseNode *node, OssSnBaseNode *reference)
+void PlacingView::positionNodeNextTo(OssSnBaseNode *node, OssSnBaseNode *reference)
 {
     if (!scene()) {
         OssDebug(Source, __LINE__, "scene() is NULL");
@@ -69,7 +59,7 @@ void OssShaderNetworkView::positionNodeNextTo(OssSnBaseNode *node, OssSnBaseNode
     moveNode(backdrop, {x, backdrop->y()});
 }
 
-void OssShaderNetworkView::stretchContainer(OssNgBackdropNode *backdrop, const QRectF &sceneRect)
+void PlacingView::stretchContainer(OssNgBackdropNode *backdrop, const QRectF &sceneRect)
 {
     const QRectF before = backdrop->rect().translated(backdrop->pos());
     const qreal margin = backdrop->titleBarHeight();
@@ -85,9 +75,8 @@ void OssShaderNetworkView::stretchContainer(OssNgBackdropNode *backdrop, const Q
         std::make_unique<OssNgBackdropNodeRectChangeUndo>(backdrop));
 }
 
-void OssShaderNetworkView::syncNodeUnderneath(OssSnBaseNode *node, OssSnBaseNode *container,
-                                              OssSnBaseNode *reference,
-                                              OssSnBaseNode *referenceContainer)
+void PlacingView::syncNodeUnderneath(OssSnBaseNode *node, OssSnBaseNode *container,
+                                     OssSnBaseNode *reference, OssSnBaseNode *referenceContainer)
 {
     const OssNgNode *item = itemOf(node);
     if (!item || !itemOf(reference))
@@ -104,7 +93,7 @@ void OssShaderNetworkView::syncNodeUnderneath(OssSnBaseNode *node, OssSnBaseNode
     stretchContainer(backdrop, content);
 }
 
-void OssShaderNetworkView::uniformariseContainers(const QList<OssSnBaseNode *> &containers)
+void PlacingView::uniformariseContainers(const QList<OssSnBaseNode *> &containers)
 {
     struct Widest
     {
@@ -135,7 +124,7 @@ void OssShaderNetworkView::uniformariseContainers(const QList<OssSnBaseNode *> &
     }
 }
 
-OssNgBackdropNode *OssShaderNetworkView::backdropOf(const OssSnBaseNode *container)
+OssNgBackdropNode *PlacingView::backdropOf(const OssSnBaseNode *container)
 {
     OssNgNode *item = itemOf(container);
     auto *backdrop = qobject_cast<OssNgBackdropNode *>(item);
@@ -145,7 +134,7 @@ OssNgBackdropNode *OssShaderNetworkView::backdropOf(const OssSnBaseNode *contain
     return backdrop;
 }
 
-void OssShaderNetworkView::moveContainer(OssNgBackdropNode *backdrop, const QPointF &way)
+void PlacingView::moveContainer(OssNgBackdropNode *backdrop, const QPointF &way)
 {
     if (way.isNull())
         return;
@@ -155,8 +144,8 @@ void OssShaderNetworkView::moveContainer(OssNgBackdropNode *backdrop, const QPoi
         moveNode(member, member->pos() + way);
 }
 
-void OssShaderNetworkView::holdInContainer(OssSnBaseNode *container,
-                                           const QList<OssSnBaseNode *> &members, bool exactly)
+void PlacingView::holdInContainer(OssSnBaseNode *container, const QList<OssSnBaseNode *> &members,
+                                  bool exactly)
 {
     OssNgBackdropNode *backdrop = backdropOf(container);
     if (!backdrop)
@@ -179,7 +168,7 @@ void OssShaderNetworkView::holdInContainer(OssSnBaseNode *container,
     backdrop->refreshChildrenList();
 }
 
-void OssShaderNetworkView::stretchContainerBy(OssSnBaseNode *container, OssSnBaseNode *reference)
+void PlacingView::stretchContainerBy(OssSnBaseNode *container, OssSnBaseNode *reference)
 {
     OssNgBackdropNode *backdrop = backdropOf(container);
     const OssNgNode *item = itemOf(reference);
@@ -189,7 +178,7 @@ void OssShaderNetworkView::stretchContainerBy(OssSnBaseNode *container, OssSnBas
     stretchContainer(backdrop, occupied(item));
 }
 
-void OssShaderNetworkView::stretchPeers(const QList<OssSnBaseNode *> &containers)
+void PlacingView::stretchPeers(const QList<OssSnBaseNode *> &containers)
 {
     QList<OssNgBackdropNode *> backdrops;
     qreal width = 0.0;
@@ -205,7 +194,7 @@ void OssShaderNetworkView::stretchPeers(const QList<OssSnBaseNode *> &containers
         resizeBackdrop(backdrop, {width, backdrop->rect().height()});
 }
 
-void OssShaderNetworkView::respaceContainer(OssSnBaseNode *container, OssSnBaseNode *reference)
+void PlacingView::respaceContainer(OssSnBaseNode *container, OssSnBaseNode *reference)
 {
     OssNgBackdropNode *backdrop = backdropOf(container);
     const OssNgNode *item = itemOf(reference);
@@ -225,7 +214,7 @@ void OssShaderNetworkView::respaceContainer(OssSnBaseNode *container, OssSnBaseN
     stretchContainer(backdrop, content);
 }
 
-void OssShaderNetworkView::moveContainerDown(OssSnBaseNode *container, OssSnBaseNode *reference)
+void PlacingView::moveContainerDown(OssSnBaseNode *container, OssSnBaseNode *reference)
 {
     OssNgBackdropNode *backdrop = backdropOf(container);
     const OssNgNode *item = itemOf(reference);
@@ -236,7 +225,7 @@ void OssShaderNetworkView::moveContainerDown(OssSnBaseNode *container, OssSnBase
                   {0.0, ContainerPlacement::belowShift(occupied(backdrop), occupied(item))});
 }
 
-void OssShaderNetworkView::moveContainerToFreshLocation(OssSnBaseNode *container, bool preserveY)
+void PlacingView::moveContainerToFreshLocation(OssSnBaseNode *container, bool preserveY)
 {
     OssNgBackdropNode *backdrop = backdropOf(container);
     if (!backdrop || !backdrop->scene())

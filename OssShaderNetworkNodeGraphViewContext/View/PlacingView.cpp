@@ -1,4 +1,4 @@
-#include "OssShaderNetworkView.h"
+#include "View/PlacingView.h"
 
 #include "Layout/NodePlacement.h"
 #include "OssCore/OssDebug.h"
@@ -16,16 +16,6 @@ namespace {
 constexpr const char *Source = "OssShaderNetworkView";
 constexpr int MaximumRelocations = 1000;
 
-OssNgNode *itemOf(const OssSnBaseNode *node)
-{
-    return OssSnNodeGraphViewContextManager::guiNodeOf(node);
-}
-
-QRectF occupied(const OssNgNode *item)
-{
-    return item->boundingRect().translated(item->pos());
-}
-
 /// The topmost node that collides with the item; backdrops do not count. Asks the scene's own
 /// index: that of Qt looks at every item of the scene until the event loop has run.
 OssNgNode *overlapped(const OssNgNode *guiNode, QGraphicsScene *scene)
@@ -42,7 +32,7 @@ OssNgNode *overlapped(const OssNgNode *guiNode, QGraphicsScene *scene)
 
 } // namespace
 
-void OssShaderNetworkView::placeNode(OssSnBaseNode *node)
+void PlacingView::placeNode(OssSnBaseNode *node)
 {
     if (!scene()) {
         OssDebug(Source, __LINE__, "scene() is NULL");
@@ -67,7 +57,17 @@ void OssShaderNetworkView::placeNode(OssSnBaseNode *node)
         Q_EMIT guiNode->posChanged(guiNode->pos());
 }
 
-void OssShaderNetworkView::moveNode(OssNgNode *guiNode, const QPointF &position)
+OssNgNode *PlacingView::itemOf(const OssSnBaseNode *node)
+{
+    return OssSnNodeGraphViewContextManager::guiNodeOf(node);
+}
+
+QRectF PlacingView::occupied(const OssNgNode *item)
+{
+    return item->boundingRect().translated(item->pos());
+}
+
+void PlacingView::moveNode(OssNgNode *guiNode, const QPointF &position)
 {
     if (guiNode->pos() == position)
         return;
@@ -76,14 +76,14 @@ void OssShaderNetworkView::moveNode(OssNgNode *guiNode, const QPointF &position)
     OssUndoManager::instance()->addUndo(std::make_unique<OssNgNodePositionChangeUndo>(guiNode));
 }
 
-void OssShaderNetworkView::relocateNodeBeside(OssNgNode *guiNode, const OssNgNode *other)
+void PlacingView::relocateNodeBeside(OssNgNode *guiNode, const OssNgNode *other)
 {
     if (guiNode && other)
         moveNode(guiNode, NodePlacement::beside(occupied(other)));
 }
 
-void OssShaderNetworkView::positionNodeManual(OssSnBaseNode *node, OssSnBaseNode *reference,
-                                              const QPointF &offset)
+void PlacingView::positionNodeManual(OssSnBaseNode *node, OssSnBaseNode *reference,
+                                     const QPointF &offset)
 {
     OssNgNode *item = itemOf(node);
     const OssNgNode *other = itemOf(reference);
@@ -91,8 +91,7 @@ void OssShaderNetworkView::positionNodeManual(OssSnBaseNode *node, OssSnBaseNode
         moveNode(item, other->pos() + offset);
 }
 
-void OssShaderNetworkView::positionNodeUnderneath(OssSnBaseNode *node, OssSnBaseNode *reference,
-                                                  int factor)
+void PlacingView::positionNodeUnderneath(OssSnBaseNode *node, OssSnBaseNode *reference, int factor)
 {
     OssNgNode *item = itemOf(node);
     const OssNgNode *other = itemOf(reference);
@@ -101,21 +100,21 @@ void OssShaderNetworkView::positionNodeUnderneath(OssSnBaseNode *node, OssSnBase
                  NodePlacement::underneath(occupied(other), item->boundingRect().center(), factor));
 }
 
-QPointF OssShaderNetworkView::freeSpot() const
+QPointF PlacingView::freeSpot() const
 {
     const OssNgStyle *style = OssNgStyle::instance();
     return NodePlacement::freeSpot(scene() ? scene()->itemsBoundingRect() : QRectF(),
                                    style->verticalSpacing(), style->extraVerticalSpacing());
 }
 
-void OssShaderNetworkView::positionNodeAtFreeSpot(OssSnBaseNode *node)
+void PlacingView::positionNodeAtFreeSpot(OssSnBaseNode *node)
 {
     if (OssNgNode *item = itemOf(node))
         moveNode(item, freeSpot());
 }
 
-void OssShaderNetworkView::positionNodeOnGrid(OssSnBaseNode *node, OssSnBaseNode *reference,
-                                              int column, int row, bool freshCoordinates)
+void PlacingView::positionNodeOnGrid(OssSnBaseNode *node, OssSnBaseNode *reference, int column,
+                                     int row, bool freshCoordinates)
 {
     OssNgNode *item = itemOf(node);
     if (!item)
@@ -134,8 +133,7 @@ void OssShaderNetworkView::positionNodeOnGrid(OssSnBaseNode *node, OssSnBaseNode
     moveNode(item, position);
 }
 
-void OssShaderNetworkView::positionNodeBesideReference(OssSnBaseNode *node,
-                                                       OssSnBaseNode *reference)
+void PlacingView::positionNodeBesideReference(OssSnBaseNode *node, OssSnBaseNode *reference)
 {
     OssNgNode *item = itemOf(node);
     const OssNgNode *other = itemOf(reference);

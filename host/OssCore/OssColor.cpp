@@ -1,6 +1,7 @@
 #include "OssCore/OssColor.h"
 
-#include <QLocale>
+#include "OssCore/OssNumberText.h"
+
 #include <QStringList>
 
 #include <algorithm>
@@ -47,11 +48,7 @@ OssColor OssColor::fromString(const QString &text, bool *ok)
 
 QString OssColor::toString() const
 {
-    const auto number = [](double value) {
-        return QString::number(value, 'g', QLocale::FloatingPointShortest);
-    };
-    return number(m_red) + QLatin1Char(',') + number(m_green) + QLatin1Char(',') + number(m_blue)
-           + QLatin1Char(',') + number(m_alpha);
+    return OssNumberText::of({m_red, m_green, m_blue, m_alpha});
 }
 
 QColor OssColor::toQColor() const

@@ -1,9 +1,8 @@
 #include "OssCore/OssSerializableObject.h"
 
-#include "OssCore/OssColor.h"
+#include "OssCore/OssAttributeKind.h"
 #include "OssCore/OssObjectReferenceManager.h"
 #include "OssCore/OssUndoManager.h"
-#include "OssCore/OssUserEnum.h"
 #include "OssCore/OssValueText.h"
 
 #include <QBuffer>
@@ -14,8 +13,7 @@
 OssSerializableObject::OssSerializableObject(QObject *parent)
     : QObject(parent)
 {
-    OssColor::registerMetaType();
-    OssUserEnum::registerMetaType();
+    OssAttributeKind::registerTypes();
     // Made before this object, so that it outlives even objects with static storage.
     OssObjectReferenceManager::instance();
 }
@@ -255,8 +253,7 @@ void describeKnob(const OssCustomAttribute &knob, OssSerializableObject::Attribu
     put("softMaximum", definition.softMaximum);
     put("toolTip", definition.toolTip);
     put("editor", definition.editor);
-    if (knob.value().userType() == qMetaTypeId<OssUserEnum>())
-        put("choices", knob.value().value<OssUserEnum>().names());
+    put("choices", OssAttributeKind::choices(knob.value()));
 }
 
 } // namespace
@@ -445,17 +442,12 @@ bool OssSerializableObject::onLoadUserAttribute(const QString &name, const Attri
     if (index < 0)
         return false;
     OssCustomAttribute &attribute = m_userAttributes[index];
-    QVariant value = OssValueText::fromText(attributes.value(QStringLiteral("value")),
-                                            attribute.value().userType());
-    if (!value.isValid())
-        return false;
-    if (value.userType() == qMetaTypeId<OssUserEnum>()) {
-        auto choice = attribute.value().value<OssUserEnum>();
-        choice.setCurrentValue(value.value<OssUserEnum>().currentValue());
-        value = QVariant::fromValue(choice);
-    }
-    attribute.setValue(value);
-    return true;
+    const QVariant read = OssValueText::fromText(attributes.value(QStringLiteral("value")),
+                                                 attribute.value().userType());
+    const QVariant value = OssAttributeKind::like(attribute.value(), read);
+    if (value.isValid())
+        attribute.setValue(value);
+    return value.isValid();
 }
 
 void OssSerializableObject::onEndLoad() {}

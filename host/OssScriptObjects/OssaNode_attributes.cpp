@@ -1,7 +1,6 @@
 #include "OssScriptObjects/OssaNode.h"
 
-#include "OssCore/OssColor.h"
-#include "OssCore/OssUserEnum.h"
+#include "OssCore/OssAttributeKind.h"
 #include "OssModel/Evaluation/OssBakeProgress.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
@@ -19,84 +18,27 @@ namespace Ossa {
 
 namespace {
 
-bool isNumber(int type)
-{
-    return type == QMetaType::Double || type == QMetaType::LongLong || type == QMetaType::Int;
-}
-
-/// Numbers in a list for a colour or a point, the number that a text says; other values as they are.
-QVariant coerced(const QVariant &value, int type)
-{
-    QVariant number = value;
-    if (value.userType() == QMetaType::QString && isNumber(type) && number.convert(type))
-        return number;
-    if (value.userType() != QMetaType::QVariantList)
-        return value;
-    QVector<double> numbers;
-    const QVariantList entries = value.toList();
-    for (const QVariant &entry : entries) {
-        bool good = false;
-        numbers.append(entry.toDouble(&good));
-        if (!good)
-            return value;
-    }
-    if (type == qMetaTypeId<OssColor>() && (numbers.size() == 3 || numbers.size() == 4))
-        return QVariant::fromValue(
-            OssColor(numbers[0], numbers[1], numbers[2], numbers.size() == 4 ? numbers[3] : 1.0));
-    if (type == QMetaType::QPointF && numbers.size() == 2)
-        return QPointF(numbers[0], numbers[1]);
-    if (type == QMetaType::QPoint && numbers.size() == 2)
-        return QPointF(numbers[0], numbers[1]).toPoint();
-    return value;
-}
-
-QVariant plainValue(const QVariant &value)
-{
-    if (value.userType() == qMetaTypeId<OssUserEnum>())
-        return value.value<OssUserEnum>().currentName();
-    return value;
-}
-
 /// Numbers that are none, and those beyond a hard bound, would be refused by a panel, too.
-bool isWithin(const QVariant &value, const OssCustomAttribute::Definition &definition)
+bool isWithin(const QVariant &value, const OssCustomAttribute &attribute)
 {
-    if (!isNumber(value.userType()))
+    const OssCustomAttribute::Definition &definition = attribute.definition();
+    const OssAttributeKind *kind = OssAttributeKind::of(attribute);
+    bool isNumber = false;
+    const double number = value.toDouble(&isNumber);
+    if (!isNumber || !kind || !kind->form.isNumber)
         return true;
-    const double number = value.toDouble();
     return std::isfinite(number)
            && (!definition.minimum.isValid() || number >= definition.minimum.toDouble())
            && (!definition.maximum.isValid() || number <= definition.maximum.toDouble());
 }
 
-/// What converts to a colour or a point without being a good one.
-bool isSound(const QVariant &value, int type)
-{
-    bool good = true;
-    if (type == qMetaTypeId<OssColor>() && value.userType() == QMetaType::QString)
-        OssColor::fromString(value.toString(), &good);
-    if (value.userType() == qMetaTypeId<OssColor>()) {
-        const auto color = value.value<OssColor>();
-        good = std::isfinite(color.red() + color.green() + color.blue() + color.alpha());
-    }
-    if (value.userType() == QMetaType::QPointF)
-        good = std::isfinite(value.toPointF().x() + value.toPointF().y());
-    return good;
-}
-
 /// What an attribute takes, in words.
-QString kindInWords(const QVariant &present)
+QString kindInWords(const OssCustomAttribute &attribute)
 {
-    const auto choice = present.value<OssUserEnum>();
-    if (!choice.names().isEmpty())
-        return choice.names().join(QStringLiteral(", "));
-    const int type = present.userType();
-    if (type == qMetaTypeId<OssColor>())
-        return QStringLiteral("a colour");
-    if (type == QMetaType::QPointF || type == QMetaType::QPoint)
-        return QStringLiteral("a point");
-    if (type == QMetaType::Bool)
-        return QStringLiteral("True or False");
-    return isNumber(type) ? QStringLiteral("a number") : QStringLiteral("a text");
+    const QStringList choices = OssAttributeKind::choices(attribute.value());
+    const OssAttributeKind *kind = OssAttributeKind::of(attribute);
+    return choices.isEmpty() && kind ? QString(kind->form.words)
+                                     : choices.join(QStringLiteral(", "));
 }
 
 bool kindFromText(const QString &text, OssSnDataKind *kind)
@@ -131,7 +73,7 @@ OssSnBaseNode *Node::nodeWithAttribute(const QString &name) const
 QVariant Node::attribute(const QString &name) const
 {
     const OssSnBaseNode *own = nodeWithAttribute(name);
-    return own ? plainValue(own->attribute(name)) : QVariant();
+    return own ? own->attribute(name) : QVariant();
 }
 
 void Node::setAttribute(const QString &name, const QVariant &value)
@@ -139,15 +81,14 @@ void Node::setAttribute(const QString &name, const QVariant &value)
     OssSnBaseNode *own = nodeWithAttribute(name);
     if (!own)
         return;
-    const QVariant present = own->attribute(name);
-    const QVariant wanted = coerced(value, present.userType());
-    if (!isWithin(wanted, own->userAttribute(name).definition())) {
+    const OssCustomAttribute present = own->userAttribute(name);
+    if (!isWithin(value, present)) {
         fail(OssScriptException::OutOfRange,
              QStringLiteral("%1 is out of the range of the attribute \"%2\" of \"%3\"")
                  .arg(value.toString(), name, own->name()));
         return;
     }
-    if (isSound(wanted, present.userType()) && own->setAttribute(name, wanted))
+    if (own->setAttribute(name, value))
         return;
     const QString given = value.toString();
     fail(OssScriptException::WrongType,
@@ -173,13 +114,14 @@ QVariantMap Node::attributeInfo(const QString &name) const
     info[QStringLiteral("label")] = attribute.prettyName();
     info[QStringLiteral("section")] = attribute.group();
     info[QStringLiteral("toolTip")] = definition.toolTip;
-    info[QStringLiteral("default")] = plainValue(definition.defaultValue);
+    info[QStringLiteral("default")] = definition.defaultValue;
     info[QStringLiteral("minimum")] = definition.minimum;
     info[QStringLiteral("maximum")] = definition.maximum;
     info[QStringLiteral("isKnob")] = definition.isKnob;
     info[QStringLiteral("isDefault")] = attribute.isDefault();
-    if (attribute.value().userType() == qMetaTypeId<OssUserEnum>())
-        info[QStringLiteral("choices")] = attribute.value().value<OssUserEnum>().names();
+    const OssAttributeKind *kind = OssAttributeKind::of(attribute);
+    if (kind && kind->hasChoices())
+        info[QStringLiteral("choices")] = OssAttributeKind::choices(attribute.value());
     return info;
 }
 

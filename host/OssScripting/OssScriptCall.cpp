@@ -1,7 +1,7 @@
 #include "OssScripting/OssScriptCall.h"
 
+#include "OssCore/OssAttributeKind.h"
 #include "OssCore/OssColor.h"
-#include "OssCore/OssUserEnum.h"
 #include "OssScripting/OssScriptHandle.h"
 #include "OssScriptObjects/OssScriptManager.h"
 
@@ -183,8 +183,9 @@ QVariant OssScriptCall::plain(const QVariant &value)
     }
     if (type == qMetaTypeId<OssColor>())
         return value;
-    if (type == qMetaTypeId<OssUserEnum>())
-        return value.value<OssUserEnum>().currentName();
+    const QVariant written = OssAttributeKind::plain(value);
+    if (written.userType() != type)
+        return plain(written);
     if (QMetaType::typeFlags(type).testFlag(QMetaType::PointerToQObject)) {
         auto *object = value.value<QObject *>();
         auto *api = qobject_cast<Ossa::API *>(object);

@@ -1,3 +1,4 @@
+#include "OssCore/OssAttributeKind.h"
 #include "OssCore/OssColor.h"
 #include "OssCore/OssUserEnum.h"
 #include "OssInterface/Properties/OssColorEditor.h"
@@ -176,6 +177,23 @@ protected:
     std::unique_ptr<OssNodePropertyPanel> m_panel;
     QByteArray m_start;
 };
+
+TEST_F(Properties, everyKindOfAttributeHasAnEditor)
+{
+    for (const OssAttributeKind &kind : OssAttributeKind::all()) {
+        OssCustomAttribute attribute(
+            QStringLiteral("Value"),
+            OssAttributeKind::empty(kind.form.type, {QStringLiteral("A"), QStringLiteral("B")}));
+        attribute.editDefinition().editor = kind.name;
+        const std::unique_ptr<OssPropertyEditor> made(
+            OssPropertyEditor::create(attribute, nullptr));
+        EXPECT_TRUE(made->isEditable()) << kind.name.data();
+        made->showValue(attribute, false);
+    }
+    const OssCustomAttribute unknown(QStringLiteral("Value"), QVariantList());
+    const std::unique_ptr<OssPropertyEditor> shown(OssPropertyEditor::create(unknown, nullptr));
+    EXPECT_FALSE(shown->isEditable());
+}
 
 TEST_F(Properties, visibleAttributesStandInSectionsInTheirOrder)
 {

@@ -2,6 +2,7 @@
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssModel/Graph/OssShaderNetworkIO.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
+#include "support/OtherValue.h"
 
 #include <QRandomGenerator>
 #include <QTemporaryDir>
@@ -123,19 +124,7 @@ protected:
         const QString name = node ? anyOf(node->userAttributeNames()) : QString();
         if (name.isEmpty())
             return false;
-        const QVariant present = node->attribute(name);
-        switch (present.userType()) {
-        case QMetaType::Double:
-            return node->setAttribute(name, below(1000) / 37.0);
-        case QMetaType::Int:
-            return node->setAttribute(name, below(50));
-        case QMetaType::Bool:
-            return node->setAttribute(name, !present.toBool());
-        case QMetaType::QString:
-            return node->setAttribute(name, QStringLiteral("text <%1>").arg(below(9)));
-        default:
-            return false;
-        }
+        return node->setAttribute(name, otherValue(node->attribute(name), below(1000)));
     }
 
     bool moveAny()

@@ -1,7 +1,6 @@
 #include "OssInterface/Dialogs/OssNodeInfoDialog.h"
 
-#include "OssCore/OssUserEnum.h"
-#include "OssCore/OssValueText.h"
+#include "OssCore/OssAttributeKind.h"
 #include "OssEvaluation/Schedule/OssEvEngine.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
@@ -47,13 +46,6 @@ QString state(const OssSnBaseNode *node)
 QString countOf(int nodes)
 {
     return nodes == 1 ? tr("1 node") : tr("%1 nodes").arg(nodes);
-}
-
-QString valueOf(const OssCustomAttribute &attribute)
-{
-    const QVariant value = attribute.value();
-    return value.userType() == qMetaTypeId<OssUserEnum>() ? value.value<OssUserEnum>().currentName()
-                                                          : OssValueText::toText(value);
 }
 
 /// Name, size and extent of what a node keeps or reads.
@@ -118,7 +110,7 @@ QString blockOf(OssSnBaseNode *node, const OssEvStatistics &statistics)
     }
     const QVector<OssCustomAttribute> attributes = node->userAttributes();
     for (const OssCustomAttribute &attribute : attributes)
-        addLine(&lines, attribute.name(), valueOf(attribute));
+        addLine(&lines, attribute.name(), OssAttributeKind::toWords(attribute.value()));
     return lines.join(QLatin1Char('\n'));
 }
 

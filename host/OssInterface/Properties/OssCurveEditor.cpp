@@ -1,9 +1,9 @@
 #include "OssInterface/Properties/OssCurveEditor.h"
 
+#include "OssCore/OssNumberText.h"
 #include "OssEvaluation/Values/OssEvParameter.h"
 
 #include <QHBoxLayout>
-#include <QLocale>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
@@ -76,9 +76,7 @@ QString OssCurveEditor::textFromPoints(const QVector<QPointF> &points)
 {
     QStringList parts;
     for (const QPointF &point : points)
-        parts.append(QString::number(point.x(), 'g', QLocale::FloatingPointShortest)
-                     + QLatin1Char(',')
-                     + QString::number(point.y(), 'g', QLocale::FloatingPointShortest));
+        parts.append(OssNumberText::of({point.x(), point.y()}));
     return parts.join(QLatin1Char(' '));
 }
 

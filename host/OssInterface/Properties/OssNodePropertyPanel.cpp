@@ -1,9 +1,8 @@
 #include "OssInterface/Properties/OssNodePropertyPanel.h"
 
+#include "OssCore/OssAttributeKind.h"
 #include "OssCore/OssIcon.h"
 #include "OssCore/OssUndoManager.h"
-#include "OssCore/OssUserEnum.h"
-#include "OssCore/OssValueText.h"
 #include "OssInterface/Properties/OssPropertyEditor.h"
 #include "OssInterface/Properties/OssPropertyRow.h"
 #include "OssInterface/Widgets/OssExpandableListHeading.h"
@@ -305,11 +304,8 @@ void OssNodePropertyPanel::copyValues() const
     if (!m_node)
         return;
     QJsonObject values;
-    for (const OssCustomAttribute &attribute : m_node->userAttributes()) {
-        const QVariant value = attribute.value();
-        const bool isChoice = value.userType() == qMetaTypeId<OssUserEnum>();
-        values.insert(attribute.name(), isChoice ? value.toString() : OssValueText::toText(value));
-    }
+    for (const OssCustomAttribute &attribute : m_node->userAttributes())
+        values.insert(attribute.name(), OssAttributeKind::toWords(attribute.value()));
     const QByteArray text = QJsonDocument(values).toJson();
     auto *mime = new QMimeData; // the clipboard takes it
     mime->setText(QString::fromUtf8(text));
@@ -328,16 +324,11 @@ void OssNodePropertyPanel::pasteValues()
     for (OssSnBaseNode *node : nodes) {
         const QVector<OssCustomAttribute> attributes = node->userAttributes();
         for (const OssCustomAttribute &attribute : attributes) {
-            const QString text = values.value(attribute.name()).toString();
             if (!values.contains(attribute.name()))
                 continue;
-            const bool isChoice = attribute.value().userType() == qMetaTypeId<OssUserEnum>();
-            const QVariant value = isChoice
-                                       ? QVariant(text)
-                                       : OssValueText::fromText(text, attribute.value().userType());
-            const bool fits = !isChoice
-                              || attribute.value().value<OssUserEnum>().names().contains(text);
-            if (value.isValid() && fits)
+            const QString text = values.value(attribute.name()).toString();
+            const QVariant value = OssAttributeKind::fromWords(attribute.value(), text);
+            if (value.isValid())
                 node->setAttribute(attribute.name(), value);
         }
     }

@@ -1,10 +1,10 @@
 #include "OssInterface/Properties/OssNumberField.h"
 
+#include "OssCore/OssNumberText.h"
 #include "OssInterface/Properties/OssExpression.h"
 
 #include <QApplication>
 #include <QLineEdit>
-#include <QLocale>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
@@ -369,7 +369,7 @@ void OssNumberField::startTyping(const QString &first)
     m_typing->setAlignment(Qt::AlignRight);
     m_typing->setAccessibleName(accessibleName());
     m_typing->installEventFilter(this);
-    const QString whole = QString::number(m_value, 'g', QLocale::FloatingPointShortest);
+    const QString whole = OssNumberText::of(m_value);
     m_typing->setText(first.isEmpty() ? whole : first);
     m_typing->setModified(!first.isEmpty());
     m_typing->show();

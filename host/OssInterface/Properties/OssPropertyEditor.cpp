@@ -1,7 +1,6 @@
 #include "OssInterface/Properties/OssPropertyEditor.h"
 
-#include "OssCore/OssColor.h"
-#include "OssCore/OssUserEnum.h"
+#include "OssCore/OssAttributeKind.h"
 #include "OssCore/OssValueText.h"
 #include "OssInterface/Properties/OssChoiceEditors.h"
 #include "OssInterface/Properties/OssColorEditor.h"
@@ -28,6 +27,8 @@ public:
         makeRow()->addWidget(m_label);
     }
 
+    bool isEditable() const override { return false; }
+
     void showValue(const OssCustomAttribute &attribute, bool) override
     {
         m_label->setText(OssValueText::toText(attribute.value()));
@@ -37,18 +38,24 @@ private:
     QLabel *m_label;
 };
 
-OssPropertyEditor *textEditor(const QString &kind, QWidget *parent)
+template <class Editor>
+OssPropertyEditor *make(QWidget *parent)
 {
-    if (kind == QLatin1String("file"))
-        return new OssFileEditor(parent);
-    if (kind == QLatin1String("paragraph"))
-        return new OssParagraphEditor(parent);
-    if (kind == QLatin1String("curve"))
-        return new OssCurveEditor(parent);
-    if (kind == QLatin1String("ramp"))
-        return new OssRampEditor(parent);
-    return new OssLineEditor(parent);
+    return new Editor(parent);
 }
+
+/// Which widget edits which kind of OssAttributeKind.
+const struct
+{
+    const char *kind;
+    OssPropertyEditor *(*make)(QWidget *parent);
+} Editors[] = {{"real", make<OssNumberEditor>},        {"integer", make<OssNumberEditor>},
+               {"boolean", make<OssFlagEditor>},       {"choice", make<OssChoiceEditor>},
+               {"text", make<OssLineEditor>},          {"paragraph", make<OssParagraphEditor>},
+               {"file", make<OssFileEditor>},          {"curve", make<OssCurveEditor>},
+               {"ramp", make<OssRampEditor>},          {"color", make<OssColorEditor>},
+               {"displaycolor", make<OssColorEditor>}, {"vector2", make<OssVectorEditor>},
+               {"images", make<OssImagesEditor>}};
 
 } // namespace
 
@@ -69,27 +76,10 @@ QHBoxLayout *OssPropertyEditor::makeRow()
 
 OssPropertyEditor *OssPropertyEditor::create(const OssCustomAttribute &attribute, QWidget *parent)
 {
-    const int type = attribute.value().userType();
-    switch (type) {
-    case QMetaType::Double:
-    case QMetaType::Float:
-    case QMetaType::Int:
-        return new OssNumberEditor(parent);
-    case QMetaType::QPoint:
-    case QMetaType::QPointF:
-        return new OssVectorEditor(parent);
-    case QMetaType::Bool:
-        return new OssFlagEditor(parent);
-    case QMetaType::QString:
-        return textEditor(attribute.definition().editor, parent);
-    case QMetaType::QStringList:
-        return new OssImagesEditor(parent);
-    default:
-        break;
+    const OssAttributeKind *kind = OssAttributeKind::of(attribute);
+    for (const auto &editor : Editors) {
+        if (kind && kind->name == QLatin1String(editor.kind))
+            return editor.make(parent);
     }
-    if (type == qMetaTypeId<OssColor>())
-        return new OssColorEditor(parent);
-    if (type == qMetaTypeId<OssUserEnum>())
-        return new OssChoiceEditor(parent);
     return new ReadOnlyEditor(parent);
 }

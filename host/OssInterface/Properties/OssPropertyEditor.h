@@ -19,6 +19,9 @@ public:
     /// that nothing fits is shown as text and cannot be edited.
     static OssPropertyEditor *create(const OssCustomAttribute &attribute, QWidget *parent);
 
+    /// Whether the editor can change the value that it shows.
+    virtual bool isEditable() const { return true; }
+
     /// `mixed`: the nodes that are edited together have different values, this is one of them.
     virtual void showValue(const OssCustomAttribute &attribute, bool mixed) = 0;
 

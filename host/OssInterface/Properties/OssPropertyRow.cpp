@@ -1,7 +1,6 @@
 #include "OssInterface/Properties/OssPropertyRow.h"
 
-#include "OssCore/OssUserEnum.h"
-#include "OssCore/OssValueText.h"
+#include "OssCore/OssAttributeKind.h"
 #include "OssInterface/Properties/OssExpression.h"
 #include "OssInterface/Properties/OssPropertyEditor.h"
 #include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
@@ -170,10 +169,8 @@ void OssPropertyRow::reset()
 
 void OssPropertyRow::copyValue() const
 {
-    const QVariant value = m_edit.attribute().value();
-    const bool isChoice = value.userType() == qMetaTypeId<OssUserEnum>();
     auto *data = new QMimeData; // the clipboard takes it
-    data->setText(isChoice ? value.toString() : OssValueText::toText(value));
+    data->setText(OssAttributeKind::toWords(m_edit.attribute().value()));
     data->setData(ValueMimeType, data->text().toUtf8());
     QApplication::clipboard()->setMimeData(data);
 }
@@ -185,16 +182,13 @@ QVariant OssPropertyRow::clipboardValue() const
     const QVariant present = m_edit.attribute().value();
     if (text.isEmpty())
         return {};
-    if (present.userType() == QMetaType::Double || present.userType() == QMetaType::Int) {
-        double number = 0.0;
-        if (!OssExpression::evaluate(text, present.toDouble(), &number))
-            return {};
-        return present.userType() == QMetaType::Int ? QVariant(qRound(number)) : QVariant(number);
-    }
-    // A choice goes by its name.
-    if (present.userType() == qMetaTypeId<OssUserEnum>())
-        return present.value<OssUserEnum>().names().contains(text) ? QVariant(text) : QVariant();
-    return OssValueText::fromText(text, present.userType());
+    const OssAttributeKind *kind = OssAttributeKind::ofType(present.userType());
+    if (!kind || !kind->form.isNumber)
+        return OssAttributeKind::fromWords(present, text);
+    double number = 0.0;
+    return OssExpression::evaluate(text, present.toDouble(), &number)
+               ? OssAttributeKind::like(present, number)
+               : QVariant();
 }
 
 void OssPropertyRow::pasteValue()

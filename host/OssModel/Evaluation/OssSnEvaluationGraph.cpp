@@ -1,66 +1,20 @@
 #include "OssModel/Evaluation/OssSnEvaluationGraph.h"
 
-#include "OssCore/OssColor.h"
-#include "OssCore/OssUserEnum.h"
 #include "OssEvaluation/Graph/OssEvGraph.h"
 #include "OssModel/Evaluation/OssImageSetFiles.h"
+#include "OssModel/Evaluation/OssSnParameter.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
-#include "OssModel/Images/OssImage.h"
-#include "OssModel/Images/OssImageList.h"
-#include "OssModel/Images/OssImageManager.h"
 #include "OssModel/Nodes/OssSnProducer.h"
 
 #include <QCoreApplication>
 #include <QHash>
-#include <QPointF>
 
 namespace {
 
 QString tr(const char *text)
 {
     return QCoreApplication::translate("OssSnEvaluationGraph", text);
-}
-
-/// False for values that say nothing to a kernel.
-bool toParameter(const QVariant &value, OssEvParameter *parameter)
-{
-    if (value.userType() == qMetaTypeId<OssColor>()) {
-        const auto color = value.value<OssColor>();
-        *parameter = OssEvColor{float(color.red()), float(color.green()), float(color.blue()),
-                                float(color.alpha())};
-        return true;
-    }
-    if (value.userType() == qMetaTypeId<OssUserEnum>()) {
-        *parameter = value.value<OssUserEnum>().currentName().toStdString();
-        return true;
-    }
-    switch (value.userType()) {
-    case QMetaType::Double:
-        *parameter = value.toDouble();
-        return true;
-    case QMetaType::Int:
-        *parameter = std::int64_t(value.toInt());
-        return true;
-    case QMetaType::Bool:
-        *parameter = value.toBool();
-        return true;
-    case QMetaType::QString:
-        *parameter = value.toString().toStdString();
-        return true;
-    case QMetaType::QPointF:
-        *parameter = OssEvVector2{value.toPointF().x(), value.toPointF().y()};
-        return true;
-    case QMetaType::QStringList: {
-        const auto ids = OssImageList::fromVariant(value).ids();
-        const OssImage *image = ids.isEmpty() ? nullptr
-                                              : OssImageManager::instance()->getImage(ids.first());
-        *parameter = image ? image->path().toStdString() : std::string();
-        return true;
-    }
-    default:
-        return false;
-    }
 }
 
 class Copier
@@ -130,7 +84,7 @@ private:
         const QVector<OssCustomAttribute> attributes = node->userAttributes();
         for (const OssCustomAttribute &attribute : attributes) {
             OssEvParameter parameter;
-            if (toParameter(attribute.value(), &parameter))
+            if (OssSnParameter::fromValue(attribute.value(), &parameter))
                 parameters.emplace(attribute.name().toStdString(), parameter);
         }
         const QString images = OssImageSetFiles::nameOf(node);

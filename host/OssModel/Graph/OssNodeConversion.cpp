@@ -1,7 +1,7 @@
 #include "OssModel/Graph/OssNodeConversion.h"
 
+#include "OssCore/OssAttributeKind.h"
 #include "OssCore/OssUndoManager.h"
-#include "OssCore/OssUserEnum.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssSnBaseContext.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
@@ -17,23 +17,6 @@ QString tr(const char *text)
     return QCoreApplication::translate("OssNodeConversion", text);
 }
 
-/// The value in the form of another; invalid when it has none. A choice goes by its name.
-QVariant valueLike(const QVariant &form, const QVariant &value)
-{
-    if (form.userType() != value.userType()) {
-        QVariant converted = value;
-        return converted.convert(form.userType()) ? converted : QVariant();
-    }
-    if (form.userType() != qMetaTypeId<OssUserEnum>())
-        return value;
-    auto choice = form.value<OssUserEnum>();
-    const int index = choice.names().indexOf(value.value<OssUserEnum>().currentName());
-    if (index < 0)
-        return {};
-    choice.setCurrentValue(index);
-    return QVariant::fromValue(choice);
-}
-
 /// The attributes of a new definition with the node's values, and after them those that were never
 /// the old type's.
 QVector<OssCustomAttribute> keptAttributes(const OssSnBaseNode *node,
@@ -47,8 +30,9 @@ QVector<OssCustomAttribute> keptAttributes(const OssSnBaseNode *node,
             return other.name() == own.name();
         };
         const auto found = std::find_if(kept.begin(), kept.end(), same);
-        const QVariant value = found == kept.end() ? QVariant()
-                                                   : valueLike(found->value(), own.value());
+        const QVariant value = found == kept.end()
+                                   ? QVariant()
+                                   : OssAttributeKind::like(found->value(), own.value());
         if (value.isValid())
             found->setValue(value);
         else if (found == kept.end()

@@ -1,9 +1,9 @@
 #include "OssModel/Graph/OssSnBaseNode.h"
 
+#include "OssCore/OssAttributeKind.h"
 #include "OssCore/OssDebug.h"
 #include "OssCore/OssSerializer.h"
 #include "OssCore/OssUndoManager.h"
-#include "OssCore/OssUserEnum.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkContextLoader.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
@@ -233,30 +233,6 @@ void OssSnBaseNode::emitRemovedFromNetwork()
 
 // --- attributes
 
-namespace {
-
-/// The value as the type of the present one; a choice is taken by number or by name. Invalid when
-/// it cannot be.
-QVariant convertedLike(const QVariant &present, const QVariant &value)
-{
-    if (value.userType() == present.userType())
-        return value;
-    if (present.userType() == qMetaTypeId<OssUserEnum>()) {
-        auto choice = present.value<OssUserEnum>();
-        bool isNumber = false;
-        const int number = value.toInt(&isNumber);
-        const int index = isNumber ? number : choice.names().indexOf(value.toString());
-        if (index < 0)
-            return {};
-        choice.setCurrentValue(index);
-        return QVariant::fromValue(choice);
-    }
-    QVariant converted = value;
-    return converted.convert(present.userType()) ? converted : QVariant();
-}
-
-} // namespace
-
 QStringList OssSnBaseNode::nodeAttributes() const
 {
     QStringList names;
@@ -282,7 +258,7 @@ bool OssSnBaseNode::setAttribute(const QString &name, const QVariant &value, boo
                  qPrintable(path()), qPrintable(name));
         return false;
     }
-    const QVariant converted = convertedLike(attribute.value(), value);
+    const QVariant converted = OssAttributeKind::like(attribute.value(), value);
     if (!converted.isValid()) {
         OssDebug("OssSnBaseNode", __LINE__, "[ !! ] '%s' is no value for '%s' of node '%s'",
                  qPrintable(value.toString()), qPrintable(name), qPrintable(path()));

@@ -1,8 +1,8 @@
 #include "OssModel/Graph/OssSnGroupNode.h"
 
+#include "OssCore/OssAttributeKind.h"
 #include "OssCore/OssDebug.h"
 #include "OssCore/OssUndoManager.h"
-#include "OssCore/OssUserEnum.h"
 #include "OssCore/OssValueText.h"
 #include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
@@ -288,11 +288,10 @@ bool OssSnGroupNode::onLoadUserAttribute(const QString &name, const Attributes &
     const QStringList choices = OssValueText::fromText(attributes.value(QStringLiteral("choices")),
                                                        QMetaType::QStringList)
                                     .toStringList();
+    const QVariant empty = OssAttributeKind::empty(type, choices);
     const auto read = [&](const char *key) {
-        const QVariant value = OssValueText::fromText(attributes.value(QLatin1String(key)), type);
-        if (!value.isValid() || value.userType() != qMetaTypeId<OssUserEnum>())
-            return value;
-        return QVariant::fromValue(OssUserEnum(choices, value.value<OssUserEnum>().currentValue()));
+        return OssAttributeKind::like(
+            empty, OssValueText::fromText(attributes.value(QLatin1String(key)), type));
     };
     const auto bound = [&](const char *key) {
         return OssValueText::fromText(attributes.value(QLatin1String(key)), QMetaType::Double);

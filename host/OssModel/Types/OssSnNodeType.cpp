@@ -1,12 +1,10 @@
 #include "OssModel/Types/OssSnNodeType.h"
 
-#include "OssCore/OssColor.h"
-#include "OssCore/OssUserEnum.h"
+#include "OssCore/OssAttributeKind.h"
 #include "OssCore/OssValueText.h"
 
 #include <QCoreApplication>
 #include <QCryptographicHash>
-#include <QPointF>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
@@ -54,7 +52,7 @@ private:
     void readPorts(const QString &element, QVector<OssSnNodeType::Port> *ports);
     void readAttributes(OssSnNodeType *type, const QString &group);
     void readAttribute(OssSnNodeType *type, const QString &group);
-    QVariant readDefault(const QString &typeName, const QString &name);
+    QVariant readDefault(const OssAttributeKind *kind, const QString &name);
     void readContexts(OssSnNodeType *type, const QString &documentElement);
 
     QXmlStreamReader m_xml;
@@ -110,52 +108,22 @@ void Reader::readPorts(const QString &element, QVector<OssSnNodeType::Port> *por
     }
 }
 
-QVariant Reader::readDefault(const QString &typeName, const QString &name)
+QVariant Reader::readDefault(const OssAttributeKind *kind, const QString &name)
 {
-    struct Known
-    {
-        const char *name;
-        int type;
-        const char *fallback;
-    };
-
-    static const Known known[] = {{"real", QMetaType::Double, "0"},
-                                  {"integer", QMetaType::Int, "0"},
-                                  {"boolean", QMetaType::Bool, "false"},
-                                  {"text", QMetaType::QString, ""},
-                                  {"paragraph", QMetaType::QString, ""},
-                                  {"curve", QMetaType::QString, "0,0 1,1"},
-                                  {"ramp", QMetaType::QString, "0,0,0,0,1 1,1,1,1,1"},
-                                  {"file", QMetaType::QString, ""},
-                                  {"vector2", QMetaType::QPointF, "0,0"},
-                                  {"images", QMetaType::QStringList, ""}};
-    for (const Known &entry : known) {
-        if (typeName != QLatin1String(entry.name))
-            continue;
-        const QString value = text("Default", QLatin1String(entry.fallback));
-        const QVariant read = OssValueText::fromText(value, entry.type);
-        if (!read.isValid())
-            fail(tr("the default \"%1\" of \"%2\" is no %3").arg(value, name, typeName));
-        return read;
+    if (!kind) {
+        fail(tr("\"%1\" has the unknown type \"%2\"").arg(name, text("Type")));
+        return {};
     }
-    if (typeName == QLatin1String("color") || typeName == QLatin1String("displaycolor")) {
-        bool ok = false;
-        const OssColor color = OssColor::fromString(text("Default", QStringLiteral("0,0,0,1")),
-                                                    &ok);
-        if (!ok)
-            fail(tr("the default \"%1\" of \"%2\" is no color").arg(text("Default"), name));
-        return QVariant::fromValue(color);
-    }
-    if (typeName == QLatin1String("choice")) {
-        const QStringList names = text("Choices").split(QLatin1Char(','), Qt::SkipEmptyParts);
-        const int index = names.indexOf(text("Default", names.value(0)));
-        if (index < 0)
-            fail(tr("the default \"%1\" of \"%2\" is none of its choices")
-                     .arg(text("Default"), name));
-        return QVariant::fromValue(OssUserEnum(names, index));
-    }
-    fail(tr("\"%1\" has the unknown type \"%2\"").arg(name, typeName));
-    return {};
+    const QStringList choices = text("Choices").split(QLatin1Char(','), Qt::SkipEmptyParts);
+    const QString value = text("Default",
+                               kind->hasChoices() ? choices.value(0) : kind->defaultText);
+    const QVariant read = OssAttributeKind::fromWords(
+        OssAttributeKind::empty(kind->form.type, choices), value);
+    if (!read.isValid() && kind->hasChoices())
+        fail(tr("the default \"%1\" of \"%2\" is none of its choices").arg(value, name));
+    else if (!read.isValid())
+        fail(tr("the default \"%1\" of \"%2\" is no %3").arg(value, name, kind->name));
+    return read;
 }
 
 void Reader::readAttribute(OssSnNodeType *type, const QString &group)
@@ -167,13 +135,10 @@ void Reader::readAttribute(OssSnNodeType *type, const QString &group)
     definition->group = group;
     definition->toolTip = text("ToolTip");
     definition->visible = flag("Visible", true);
-    const QString typeName = text("Type");
-    static const QStringList editors{QStringLiteral("file"), QStringLiteral("curve"),
-                                     QStringLiteral("ramp"), QStringLiteral("paragraph"),
-                                     QStringLiteral("displaycolor")};
-    if (editors.contains(typeName))
-        definition->editor = typeName;
-    definition->defaultValue = readDefault(text("Type"), definition->name);
+    const OssAttributeKind *kind = OssAttributeKind::named(text("Type"));
+    if (kind && !kind->isPlain())
+        definition->editor = kind->name;
+    definition->defaultValue = readDefault(kind, definition->name);
     if (definition->name.isEmpty() || definition->name.contains(QLatin1Char('/')))
         fail(tr("\"%1\" is no attribute name").arg(definition->name));
     for (const OssCustomAttribute &other : qAsConst(type->attributes)) {
@@ -291,7 +256,7 @@ QByteArray definitionOf(const OssSnNodeType &type)
         line(QStringLiteral("attribute %1 %2 %3 %4")
                  .arg(attribute.name(), QLatin1String(attribute.value().typeName()),
                       OssValueText::toText(attribute.value()),
-                      attribute.value().value<OssUserEnum>().names().join(QLatin1Char(','))));
+                      OssAttributeKind::choices(attribute.value()).join(QLatin1Char(','))));
     return text;
 }
 
@@ -314,8 +279,6 @@ QString sourceOf(const QByteArray &xml)
 std::shared_ptr<const OssSnNodeType> OssSnNodeType::read(const QByteArray &xml,
                                                          const QString &fileName, OssResult *result)
 {
-    OssColor::registerMetaType();
-    OssUserEnum::registerMetaType();
     auto type = std::make_shared<OssSnNodeType>();
     Reader reader(xml);
     if (!reader.read(type.get())) {

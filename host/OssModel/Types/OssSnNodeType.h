@@ -29,9 +29,8 @@
 ///       <Contexts>...</Contexts>
 ///     </NodeType>
 ///
-/// Attribute types: real, integer, boolean, text, paragraph, file, curve, ramp, color, displaycolor,
-/// vector2, choice, images. A color is scene-linear, a displaycolor is what is seen. Soft bounds are
-/// what a slider spans; a typed value may lie beyond them.
+/// Attribute types are the names of OssAttributeKind. A color is scene-linear, a displaycolor is
+/// what is seen. Soft bounds are what a slider spans; a typed value may lie beyond them.
 /// An absent MenuPath is the path key; an empty one keeps the type out of menus.
 class OSSMODEL_EXPORT OssSnNodeType
 {

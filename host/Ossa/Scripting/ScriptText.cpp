@@ -1,26 +1,17 @@
 #include "Ossa/Scripting/ScriptText.h"
 
-#include "OssCore/OssColor.h"
-#include "OssCore/OssUserEnum.h"
+#include "OssCore/OssAttributeKind.h"
+#include "OssCore/OssNumberText.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
 
-#include <QLocale>
-#include <QPointF>
-#include <QSizeF>
-
 namespace {
 
-QString number(double value)
-{
-    return QString::number(value, 'g', QLocale::FloatingPointShortest);
-}
-
-QString tuple(const QVector<double> &numbers)
+QString tuple(const QVariantList &numbers)
 {
     QStringList texts;
-    for (const double one : numbers)
-        texts.append(number(one));
+    for (const QVariant &one : numbers)
+        texts.append(OssNumberText::of(one.toDouble()));
     return QLatin1Char('(') + texts.join(QStringLiteral(", ")) + QLatin1Char(')');
 }
 
@@ -49,32 +40,21 @@ QString ScriptText::list(const QStringList &expressions)
 
 QString ScriptText::value(const QVariant &value)
 {
-    const int type = value.userType();
-    if (type == qMetaTypeId<OssUserEnum>())
-        return text(value.value<OssUserEnum>().currentName());
-    if (type == qMetaTypeId<OssColor>()) {
-        const auto color = value.value<OssColor>();
-        return tuple({color.red(), color.green(), color.blue(), color.alpha()});
-    }
-    switch (type) {
+    const QVariant plain = OssAttributeKind::plain(value);
+    switch (plain.userType()) {
     case QMetaType::Bool:
-        return value.toBool() ? QStringLiteral("True") : QStringLiteral("False");
+        return plain.toBool() ? QStringLiteral("True") : QStringLiteral("False");
     case QMetaType::Int:
-    case QMetaType::LongLong:
-        return value.toString();
-    case QMetaType::Float:
+        return plain.toString();
     case QMetaType::Double:
-        return number(value.toDouble());
+        return OssNumberText::of(plain.toDouble());
     case QMetaType::QString:
-        return text(value.toString());
-    case QMetaType::QPoint:
-    case QMetaType::QPointF:
-        return tuple({value.toPointF().x(), value.toPointF().y()});
-    case QMetaType::QSizeF:
-        return tuple({value.toSizeF().width(), value.toSizeF().height()});
+        return text(plain.toString());
+    case QMetaType::QVariantList:
+        return tuple(plain.toList());
     case QMetaType::QStringList: {
         QStringList texts;
-        const QStringList entries = value.toStringList();
+        const QStringList entries = plain.toStringList();
         for (const QString &entry : entries)
             texts.append(text(entry));
         return list(texts);

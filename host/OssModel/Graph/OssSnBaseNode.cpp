@@ -1,6 +1,5 @@
 #include "OssModel/Graph/OssSnBaseNode.h"
 
-#include "OssCore/OssAttributeKind.h"
 #include "OssCore/OssDebug.h"
 #include "OssCore/OssSerializer.h"
 #include "OssCore/OssUndoManager.h"
@@ -74,21 +73,6 @@ void OssSnBaseNode::applyName(const QString &name)
     Q_EMIT nameChanged(m_name);
 }
 
-void OssSnBaseNode::setDescription(const QString &description)
-{
-    if (m_description == description)
-        return;
-    const QString before = m_description;
-    const auto apply = [this](const QString &text) {
-        m_description = text;
-        Q_EMIT descriptionChanged(m_description);
-    };
-    apply(description);
-    OssUndoManager::instance()->record(
-        tr("Describe %1").arg(m_name), [apply, before] { apply(before); },
-        [apply, description] { apply(description); });
-}
-
 QString OssSnBaseNode::path() const
 {
     const OssSnBaseNode *group = m_network ? m_network->parentGroupNode() : nullptr;
@@ -153,121 +137,7 @@ void OssSnBaseNode::initializeContexts()
     }
 }
 
-// --- state
-
-void OssSnBaseNode::setEnabled(int enabled)
-{
-    if (m_enabled == enabled)
-        return;
-    const int before = m_enabled;
-    const auto apply = [this](int value) {
-        m_enabled = value;
-        Q_EMIT enabledChanged(m_enabled);
-    };
-    apply(enabled);
-    OssUndoManager::instance()->record(
-        enabled ? tr("Enable %1").arg(m_name) : tr("Disable %1").arg(m_name),
-        [apply, before] { apply(before); }, [apply, enabled] { apply(enabled); });
-}
-
-void OssSnBaseNode::toggleDisable()
-{
-    setEnabled(enabledAsBool() ? 0 : 1);
-}
-
-void OssSnBaseNode::setBypassed(bool bypassed)
-{
-    if (m_bypassed == bypassed)
-        return;
-    const auto apply = [this](bool value) {
-        m_bypassed = value;
-        Q_EMIT bypassedChanged(m_bypassed);
-        Q_EMIT nodeStateRefreshed();
-    };
-    apply(bypassed);
-    OssUndoManager::instance()->record(
-        tr("Bypass %1").arg(m_name), [apply, bypassed] { apply(!bypassed); },
-        [apply, bypassed] { apply(bypassed); });
-}
-
-void OssSnBaseNode::toggleBypass()
-{
-    setBypassed(!m_bypassed);
-}
-
-void OssSnBaseNode::setCacheActive(int state)
-{
-    if (m_cacheActive == state || state < CacheOff || state > CacheActive)
-        return;
-    const int before = m_cacheActive;
-    const auto apply = [this](int value) {
-        m_cacheActive = value;
-        Q_EMIT cacheActiveChanged(OssSnBaseNodeCacheActiveState(m_cacheActive));
-    };
-    apply(state);
-    OssUndoManager::instance()->record(
-        tr("Cache %1").arg(m_name), [apply, before] { apply(before); },
-        [apply, state] { apply(state); });
-}
-
-void OssSnBaseNode::setGuiActive(bool active)
-{
-    if (m_guiActive == active)
-        return;
-    m_guiActive = active;
-    Q_EMIT guiActiveChanged(active);
-}
-
-void OssSnBaseNode::setErrorText(const QString &text)
-{
-    if (m_errorText == text)
-        return;
-    m_errorText = text;
-    Q_EMIT errorTextChanged(text);
-}
-
-void OssSnBaseNode::emitRemovedFromNetwork()
-{
-    Q_EMIT nodeRemovedFromNetwork();
-}
-
 // --- attributes
-
-QStringList OssSnBaseNode::nodeAttributes() const
-{
-    QStringList names;
-    names.reserve(userAttributes().size());
-    for (const OssCustomAttribute &attribute : userAttributes()) {
-        names.append(attribute.group().isEmpty()
-                         ? attribute.name()
-                         : attribute.group() + QLatin1Char('/') + attribute.name());
-    }
-    return names;
-}
-
-QString OssSnBaseNode::nodeAttributeNameAsUserAttributeName(const QString &nodeAttribute) const
-{
-    return nodeAttribute.mid(nodeAttribute.lastIndexOf(QLatin1Char('/')) + 1);
-}
-
-bool OssSnBaseNode::setAttribute(const QString &name, const QVariant &value, bool notify)
-{
-    OssCustomAttribute attribute = userAttribute(name);
-    if (!attribute.isValid()) {
-        OssDebug("OssSnBaseNode", __LINE__, "[ !! ] Node '%s' has no attribute '%s'",
-                 qPrintable(path()), qPrintable(name));
-        return false;
-    }
-    const QVariant converted = OssAttributeKind::like(attribute.value(), value);
-    if (!converted.isValid()) {
-        OssDebug("OssSnBaseNode", __LINE__, "[ !! ] '%s' is no value for '%s' of node '%s'",
-                 qPrintable(value.toString()), qPrintable(name), qPrintable(path()));
-        return false;
-    }
-    attribute.setValue(converted);
-    setUserAttribute(attribute, notify);
-    return true;
-}
 
 void OssSnBaseNode::onUserAttributeSet(const OssCustomAttribute &attribute, bool added)
 {

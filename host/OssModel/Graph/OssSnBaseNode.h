@@ -1,8 +1,7 @@
 #pragma once
 
-#include "OssCore/OssSerializableObject.h"
-#include "OssModel/OssModel_export.h"
-#include "OssModel/Types/OssSnNodeType.h"
+#include "OssModel/Graph/OssSnNodeDefinition.h"
+#include "OssModel/Graph/OssSnNodeState.h"
 
 #include <QList>
 #include <QPointer>
@@ -17,68 +16,22 @@ class OssImageSet;
 class OssShaderNetwork;
 class OssSnBaseContext;
 
-/// How far the "keep the result" state of a node is.
-enum OssSnBaseNodeCacheActiveState { CacheOff = 0, CachePending = 1, CacheActive = 2 };
-
 /// A node of a shader network: name, ports, connections, tags, attributes, contexts.
 ///
 /// Owned by its network; a deleted node is kept by the undo step of its deletion, with its contexts
 /// and under the same UUID. Every operation that changes the document records its own undo step and
 /// emits its signals on undo and redo too. GUI thread.
-class OSSMODEL_EXPORT OssSnBaseNode : public OssSerializableObject
+class OSSMODEL_EXPORT OssSnBaseNode : public OssSnNodeState
 {
     Q_OBJECT
-    Q_PROPERTY(QString description READ description WRITE setDescription STORED hasDescription)
-    Q_PROPERTY(int enabled READ enabled WRITE setEnabled STORED isNotEnabled)
-    Q_PROPERTY(bool bypassed READ isBypassed WRITE setBypassed STORED isBypassed)
-    Q_PROPERTY(int cacheActive READ cacheActive WRITE setCacheActive STORED isCacheSet)
 
 public:
-    /// Where a node goes relative to another, in grid steps.
-    enum NodeLayoutType {
-        LayoutFreeSpot = 0,
-        LayoutBelow = 1,
-        LayoutTwoRight = 2,
-        LayoutLeftBelow = 3,
-        LayoutRightAbove = 4,
-        LayoutTwoBelow = 5,
-        LayoutThreeRight = 6,
-        LayoutTwoRightLoose = 7,
-        LayoutLeft = 8,
-        LayoutBeside = 9,
-        LayoutSame = 10,
-        LayoutRightAboveUneven = 11
-    };
-    Q_ENUM(NodeLayoutType)
-
-    struct InputPort
-    {
-        QString name;
-        QString label; ///< empty: the name
-        OssSnDataKind kind = OssSnDataKind::Color;
-        bool preferred = false;
-        bool setAtLoad = false;
-        bool enabled = true;
-        bool shared = false;
-        QStringList tags;
-        OssSnBaseNode *source = nullptr; ///< null: nothing connected
-        QString sourceOutput;
-    };
-
-    struct OutputPoint
-    {
-        QString name;
-        QString label;
-        OssSnDataKind kind = OssSnDataKind::Color;
-    };
-
-    /// A wire as its source sees it.
-    struct OutgoingConnection
-    {
-        QString outputPoint;
-        OssSnBaseNode *target;
-        QString input;
-    };
+    using InputPort = OssSnInputPort;
+    using OutputPoint = OssSnOutputPoint;
+    using OutgoingConnection = OssSnOutgoingConnection;
+    using PendingConnection = OssSnPendingConnection;
+    using DelayedKnob = OssSnDelayedKnob;
+    using Definition = OssSnNodeDefinition;
 
     /// For a type that is not known `type` is null; the node is then a placeholder that keeps what
     /// it does not understand.
@@ -86,18 +39,10 @@ public:
     ~OssSnBaseNode() override;
 
     // --- identity
-    QString name() const { return m_name; }
-
     /// A blank name or one with "/" is made usable, a taken one unique. Records "Rename ...".
     void setName(const QString &name);
 
-    QString description() const { return m_description; }
-
-    bool hasDescription() const { return !m_description.isEmpty(); }
-
-    void setDescription(const QString &description);
-    /// "/Group/Node" within the root network.
-    QString path() const;
+    QString path() const override;
 
     QString pathKey() const { return m_pathKey; }
 
@@ -139,20 +84,6 @@ public:
     QString versionHashSourcePresentDump() const;
     /// Whether the one is earlier; a text that is no date (ISO 8601) is earlier than any.
     static bool versionDateLT(const QString &a, const QString &b);
-
-    /// What a node has from its type, with the wires that its ports had.
-    struct Definition
-    {
-        std::shared_ptr<const OssSnNodeType> type;
-        QString pathKey;
-        QString versionUUID;
-        QString versionHashCreated;
-        QString versionDate;
-        QVector<InputPort> inputs;
-        QVector<OutputPoint> outputs;
-        QVector<OssCustomAttribute> attributes;
-        std::shared_ptr<OssSnBaseNode> look; ///< its contexts hold what the contexts' look was
-    };
 
     Definition definition() const;
     /// Of an untouched node of the type.
@@ -254,50 +185,6 @@ public:
     /// Undoably, every wire at the node.
     void disconnectAll();
 
-    // --- state
-    /// 0 is off; other numbers are on.
-    int enabled() const { return m_enabled; }
-
-    bool enabledAsBool() const { return m_enabled != 0; }
-
-    bool isNotEnabled() const { return m_enabled != 1; }
-
-    void setEnabled(int enabled);
-    void toggleDisable();
-
-    bool isBypassed() const { return m_bypassed; }
-
-    void setBypassed(bool bypassed);
-    void toggleBypass();
-
-    int cacheActive() const { return m_cacheActive; }
-
-    bool isCacheSet() const { return m_cacheActive != CacheOff; }
-
-    void setCacheActive(int state);
-
-    bool isGuiActive() const { return m_guiActive; }
-
-    /// View state, not part of the document.
-    void setGuiActive(bool active);
-
-    /// Why the node gives no result, in words; empty when it is well.
-    QString errorText() const { return m_errorText; }
-
-    void setErrorText(const QString &text);
-
-    // --- attributes
-    /// "Group/Name", or "Name" where there is no group, in order.
-    QStringList nodeAttributes() const;
-    /// The same in another order; anything else is refused. One undo step.
-    void setNodeAttributesUndo(const QStringList &nodeAttributes);
-    QString nodeAttributeNameAsUserAttributeName(const QString &nodeAttribute) const;
-    /// Sets the value of an attribute; one that is not the attribute's type is converted where that
-    /// is possible, refused otherwise.
-    bool setAttribute(const QString &name, const QVariant &value, bool notify = true);
-
-    QVariant attribute(const QString &name) const { return userAttribute(name).value(); }
-
     // --- pixels
     /// Computes an output for every patch of the object into the set, at the set's resolution.
     /// Waits, with progress, without blocking the interface. One undo step; nothing changes when it
@@ -308,12 +195,6 @@ public:
     /// Width and height of a patch in pixels: the largest of what the node takes from, so that
     /// nothing is lost.
     int queryMaximumRequiredTextureResolutions() const;
-
-    /// Asks the contexts to place the node above the reference, moved aside.
-    void positionNodeOnTopIndented(OssSnBaseNode *reference)
-    {
-        Q_EMIT nodePositionedOnTopIdented(reference);
-    }
 
     QString dumpNodeInfo() const;
 
@@ -326,11 +207,6 @@ public:
 
     /// Before the node enters a network: which streams it is to have, by the id of a shader model.
     virtual void chooseStreams(const QString & /*shaderModelId*/) {}
-
-    /// Tells whoever shows the node that it left its network.
-    void emitRemovedFromNetwork();
-
-    void emitNodeStateRefreshed() { Q_EMIT nodeStateRefreshed(); }
 
     // --- files
     bool saveObjects(OssSerializer &serializer) override;
@@ -349,22 +225,6 @@ public:
         m_outputs.append({name, {}, OssSnDataKind::Color});
     }
 
-    /// A connection as it stood in a file, until all nodes are there.
-    struct PendingConnection
-    {
-        QString input;
-        QString source; ///< a name of the same network, or a path from the root
-        QString outputPoint;
-    };
-
-    /// A knob that an attribute of the node's original was linked to.
-    struct DelayedKnob
-    {
-        QString groupPath;
-        QString knob;
-        QString attribute;
-    };
-
     void addDelayedKnob(const DelayedKnob &knob) { m_delayedKnobs.append(knob); }
 
     QVector<DelayedKnob> takeDelayedKnobs() { return std::exchange(m_delayedKnobs, {}); }
@@ -374,62 +234,6 @@ public:
     void connectSilently(const QString &input, OssSnBaseNode *source, const QString &outputPoint);
     /// The same for all its wires: for a node of a file that is not kept.
     void cutLoadedWires();
-
-Q_SIGNALS:
-    void nameChanged(QString name);
-    void descriptionChanged(QString description);
-    void enabledChanged(int enabled);
-    void bypassedChanged(bool bypassed);
-    void cacheActiveChanged(OssSnBaseNodeCacheActiveState state);
-    void errorTextChanged(QString text);
-    void inputNodeChanged(QString input, OssSnBaseNode *source, QString outputPoint);
-    void outputNodeDetached(QString outputPoint);
-    void inputAdded(QString name);
-    void inputListAdded(QStringList names);
-    void inputRemoved(QString name);
-    void inputsRefreshed();
-    void outputsRefreshed();
-    void inputOrderChanged(QStringList names);
-    void nodeInputRenamed(QString oldName, QString newName);
-    void inputEnabledChanged(QString name, bool enabled);
-    void outputPointAdded(QString name);
-    void outputPointRemoved(QString name);
-    /// At the first connection, resp. when the last one is gone.
-    void outputPointUsed(QString name);
-    void outputPointFreed(QString name);
-    void outputPointRenamed(QString oldName, QString newName);
-    void guiActiveChanged(bool active);
-    void shaderModelChanged();
-    void emitSetLayout(NodeLayoutType type, OssSnBaseNode *reference, bool freshCoordinates,
-                       bool preventOverlap);
-    void nodePositionedManual(OssSnBaseNode *reference, QPointF offset);
-    void nodePositionedUnderneath(OssSnBaseNode *reference, int factor);
-    void nodePositionedNextTo(OssSnBaseNode *reference);
-    void nodeSyncedUnderneathNode(OssSnBaseNode *reference, bool ignoreContainerOfPreviousNode);
-    void nodePositionedOnTopIdented(OssSnBaseNode *reference);
-    void uniformariseContainers(QList<OssSnBaseNode *> nodes);
-    void newNodeAdded();
-    void inputConnectionIsShared(QString input);
-    void systemShaderStatusSync();
-    void attachViewerToNode(int input);
-    void viewerNodeCurrentEdgeChanged(int edge);
-    void viewerNodeRequestUpdateVirtualEdge();
-    void gotoNode();
-    void containerChildrenRefreshed(QList<OssSnBaseNode *> members, bool refreshed);
-    void containerStretchedBy(OssSnBaseNode *reference);
-    void containerPeersStretched(QList<OssSnBaseNode *> containers);
-    void containerRespacedWrt(OssSnBaseNode *reference);
-    void containerMovedDown(OssSnBaseNode *reference);
-    void containerMovedToFreshLocation(bool preserveY);
-    void zOrderChanged(int zOrder);
-    void nodeRemovedFromNetwork();
-    void nodeRefreshed();
-    void visibleNodeAttributeRemoved(QString name);
-    void nodeAttributesSet();
-    void nodeStateRefreshed();
-    void nodeAttributeCreated(QString name);
-    void nodeAttributePrettyNameChanged(QString name);
-    void nodeAttributeRenamed(QString oldName, QString newName);
 
 protected:
     int inputIndex(const QString &name) const;
@@ -475,13 +279,10 @@ private:
     void savePorts(OssSerializer &serializer) const;
     void loadPort(bool input, const Attributes &attributes);
 
-    QString m_name;
-    QString m_description;
     QString m_pathKey;
     QString m_versionUUID;
     QString m_versionHashCreated;
     QString m_versionDate;
-    QString m_errorText;
     std::shared_ptr<const OssSnNodeType> m_type;
     OssShaderNetwork *m_network = nullptr;
     QPointer<OssSnBaseNode> m_container;
@@ -496,10 +297,6 @@ private:
     QString m_foreignType;
     QString m_foreignId;
     QStringList m_loadedOrder; ///< of attributes, until all are there
-    int m_enabled = 1;
-    int m_cacheActive = CacheOff;
-    bool m_bypassed = false;
-    bool m_guiActive = false;
     bool m_portsFromFile = false;
     bool m_contextsReady = false;
 };

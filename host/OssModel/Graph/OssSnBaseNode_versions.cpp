@@ -149,24 +149,6 @@ void OssSnBaseNode::applyDefinition(const Definition &definition)
 
 // --- order of attributes
 
-void OssSnBaseNode::setNodeAttributesUndo(const QStringList &nodeAttributes)
-{
-    QStringList after;
-    for (const QString &attribute : nodeAttributes)
-        after.append(nodeAttributeNameAsUserAttributeName(attribute));
-    const QStringList before = userAttributeNames();
-    if (after == before || !orderUserAttributes(after))
-        return;
-    const auto apply = [this](const QStringList &order) {
-        orderUserAttributes(order);
-        Q_EMIT nodeAttributesSet();
-    };
-    Q_EMIT nodeAttributesSet();
-    OssUndoManager::instance()->record(
-        tr("Order Attributes of %1").arg(m_name), [apply, before] { apply(before); },
-        [apply, after] { apply(after); });
-}
-
 QStringList OssSnBaseNode::typicalAttributeOrder() const
 {
     QStringList order;

@@ -93,7 +93,8 @@ bool OssEvImageRows::copyHalves(int tileRow, const OssEvImageProvider::Deliver &
     const int channels = m_meaning.channels;
     const bool suits = spec.format == OIIO::TypeDesc::HALF && m_meaning.space.empty()
                        && !m_meaning.premultiply && m_meaning.format == OssEvTile::Format::Half
-                       && spec.nchannels == channels && spec.channelformats.empty();
+                       && spec.nchannels == channels && spec.channelformats.empty()
+                       && (channels == 1 || spec.alpha_channel == channels - 1);
     if (!suits)
         return false;
     const int height = std::min(Size, spec.height - tileRow * Size);

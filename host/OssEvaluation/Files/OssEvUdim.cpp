@@ -39,7 +39,8 @@ bool isFile(const std::string &path)
 std::string OssEvUdim::pattern(const std::string &path)
 {
     const std::size_t dot = path.rfind('.');
-    if (isPattern(path) || dot == std::string::npos || dot < Digits + 1)
+    if (isPattern(path) || dot == std::string::npos || dot < Digits + 1
+        || path.find('/', dot) != std::string::npos) // a folder's
         return path;
     const std::size_t place = dot - Digits;
     const char separator = path[place - 1];

@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 
 #include <exception>
+#include <fstream>
 
 namespace {
 
@@ -69,6 +70,16 @@ OssEvResult readScene(const std::string &path, OssEvMesh *mesh)
     return {};
 }
 
+// The library looks for the end of a PLY file's header for ever when there is none.
+bool isHeaderCutOff(const std::string &path)
+{
+    std::ifstream file(path, std::ios::binary);
+    std::string text(std::size_t(1) << 16, '\0');
+    file.read(text.data(), std::streamsize(text.size()));
+    text.resize(std::size_t(file.gcount()));
+    return text.rfind("ply", 0) == 0 && text.find("end_header") == std::string::npos;
+}
+
 } // namespace
 
 OssEvResult OssEvMeshFile::read(const std::string &path, std::shared_ptr<const OssEvMesh> *mesh)
@@ -78,6 +89,8 @@ OssEvResult OssEvMeshFile::read(const std::string &path, std::shared_ptr<const O
         return refused(path, "there is no such file");
     if (status.st_size > MaximumFileSize)
         return refused(path, "it is larger than 2 GB");
+    if (isHeaderCutOff(path))
+        return refused(path, "its header has no end");
     try {
         auto made = std::make_shared<OssEvMesh>();
         OssEvResult result = readScene(path, made.get());

@@ -102,7 +102,7 @@ bool OssEvPaintBuffer::readRow(int patch, int resolution, int x, int y, int coun
     };
     const int top = place(y);
     bool painted = false;
-    for (int row = top / Size; row <= std::min(top + size, m_resolution) / Size && !painted;
+    for (int row = top / Size; row <= (std::min(top + size, m_resolution) - 1) / Size && !painted;
          ++row) {
         const auto first = m_tiles.lower_bound({patch, place(x) / Size, row});
         painted = first != m_tiles.end() && first->first.patch == patch && first->first.y == row

@@ -1,0 +1,600 @@
+#include "OssEvaluation/Files/OssEvColorSpaces.h"
+#include "OssEvaluation/Files/OssEvImageFiles.h"
+#include "OssEvaluation/Files/OssEvImageWriter.h"
+#include "OssEvaluation/PlainExr.h"
+#include "OssEvaluation/TestFolder.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <limits>
+#include <map>
+
+#include <fcntl.h>
+
+namespace {
+
+constexpr int Size = OssEvTile::Size;
+using ColorSpace = OssEvImageProvider::ColorSpace;
+
+/// The tiles of a whole image.
+struct Image
+{
+    OssEvImageInfo info;
+    OssEvResult result;
+    std::map<std::pair<int, int>, OssEvTilePointer> tiles;
+
+    float texel(int channel, int x, int y) const
+    {
+        const auto found = tiles.find({x / Size, y / Size});
+        if (found == tiles.end() || channel >= found->second->channels()) {
+            ADD_FAILURE() << "nothing at " << x << ", " << y << " in channel " << channel;
+            return 0.0F;
+        }
+        return found->second->texel(channel, x % Size, y % Size);
+    }
+};
+
+class ImageFiles : public testing::Test
+{
+protected:
+    Image read(const std::string &path, int reduction = 0,
+               ColorSpace colorSpace = ColorSpace::Automatic)
+    {
+        Image image;
+        const OssEvImageProvider::Image what{path, colorSpace, 1001};
+        image.result = m_files.describe(what, &image.info);
+        int height = image.info.height;
+        for (int i = 0; i < reduction; ++i)
+            height = (height + 1) / 2;
+        const int rows = image.info.isSequential ? 1 : OssEvTilesAcross(height);
+        for (int row = 0; row < rows && image.result; ++row) {
+            image.result = m_files.read(
+                what, reduction, row, {}, [&image](int x, int y, OssEvTilePointer tile) {
+                    EXPECT_TRUE(image.tiles.emplace(std::pair(x, y), tile).second)
+                        << "one tile for each place";
+                });
+        }
+        return image;
+    }
+
+    std::string error(const std::string &path)
+    {
+        OssEvImageHeader header;
+        const std::string told = OssEvImageFiles::readHeader(path, &header).error();
+        OssEvImageInfo info;
+        EXPECT_EQ(m_files.describe({path, ColorSpace::Automatic, 1001}, &info).error(), told)
+            << "both say the same";
+        return told;
+    }
+
+    std::string write(const std::string &name, const PlainExr &image) const
+    {
+        return folder.write(name, image.bytes());
+    }
+
+    TestFolder folder;
+    OssEvImageFiles m_files;
+};
+
+/// Another value for every texel and channel.
+float pattern(const std::string &channel, int x, int y)
+{
+    const float base = channel == "A" ? 1.0F : 0.0F;
+    return base + float(x % 64) / 64.0F + float(y % 32) / 2048.0F
+           + (channel == "G"   ? 0.25F
+              : channel == "B" ? 0.5F
+                               : 0.0F);
+}
+
+TEST_F(ImageFiles, headersThatPromiseTooMuchAreRefusedBeforeAnyPixel)
+{
+    struct Case
+    {
+        const char *header;
+        const char *reason;
+    };
+
+    const Case cases[] = {
+        {"P5\n65537 1\n255\n", "it is too large (65537 x 1)"},
+        {"P5\n1 65537\n255\n", "it is too large (1 x 65537)"},
+        {"P5\n65536 65536\n255\n", "it is too large (65536 x 65536)"},
+        {"P5\n32768 16385\n255\n", "it is too large (32768 x 16385)"},
+    };
+    for (const Case &large : cases) {
+        const std::string path = folder.write("large.pgm", large.header);
+        EXPECT_EQ(error(path), "Cannot read \"" + path + "\": " + large.reason);
+    }
+    const std::string most = folder.write("most.pgm", "P5\n32768 16384\n255\n");
+    OssEvImageHeader header;
+    EXPECT_TRUE(OssEvImageFiles::readHeader(most, &header)) << "the largest that is allowed";
+    EXPECT_EQ(header.width, 32768);
+    for (const char *none : {"P5\n0 5\n255\n", "P5\n5 -5\n255\n", "P5\n"})
+        EXPECT_NE(error(folder.write("none.pgm", none)), "") << none;
+}
+
+TEST_F(ImageFiles, whatIsNoPlainPictureIsRefused)
+{
+    PlainExr many;
+    many.channels.clear();
+    for (int i = 0; i < 65; ++i)
+        many.channels.push_back("c" + std::to_string(100 + i));
+    many.value = [](const std::string &, int, int) {
+        return 0.5F;
+    };
+    EXPECT_NE(error(write("many.exr", many)).find("it has 65 channels"), std::string::npos);
+    many.channels.pop_back();
+    EXPECT_EQ(error(write("fewer.exr", many)), "");
+
+    PlainExr deep;
+    deep.isDeep = true;
+    const std::string path = write("deep.exr", deep);
+    EXPECT_EQ(error(path), "Cannot read \"" + path + "\": deep images hold no plain colours");
+}
+
+TEST_F(ImageFiles, headersSayWhatTheFileHolds)
+{
+    PlainExr image;
+    image.width = 7;
+    image.height = 5;
+    image.value = pattern;
+    OssEvImageHeader header;
+    ASSERT_TRUE(OssEvImageFiles::readHeader(write("half.exr", image), &header));
+    EXPECT_EQ(header.width, 7);
+    EXPECT_EQ(header.height, 5);
+    EXPECT_EQ(header.channels, 4);
+    EXPECT_FALSE(header.isInteger);
+    EXPECT_FALSE(header.isPrecise);
+    EXPECT_EQ(header.format, "openexr");
+    image.isHalf = false;
+    ASSERT_TRUE(OssEvImageFiles::readHeader(write("float.exr", image), &header));
+    EXPECT_TRUE(header.isPrecise);
+    ASSERT_TRUE(OssEvImageFiles::readHeader(
+        folder.write("grey.pgm", "P5\n2 2\n255\n" + std::string(4, 'x')), &header));
+    EXPECT_EQ(header.channels, 1);
+    EXPECT_TRUE(header.isInteger);
+    EXPECT_FALSE(OssEvImageFiles::readHeader(folder.path("gone.exr"), &header));
+}
+
+TEST_F(ImageFiles, everyTexelArrivesHoweverTheFileIsLaidOut)
+{
+    struct Case
+    {
+        const char *what;
+        int left;
+        int top;
+        int width;
+        int height;
+        int tileWidth;
+        int tileHeight;
+        bool isHalf;
+    };
+
+    const Case cases[] = {
+        {"rows of halves", 0, 0, 300, 200, 0, 0, true},
+        {"rows of floats", 0, 0, 300, 200, 0, 0, false},
+        {"a picture away from the origin", 17, -40, 140, 260, 0, 0, true},
+        {"floats away from the origin", -300, 25, 140, 260, 0, 0, false},
+        {"tiles that do not match ours", 0, 0, 300, 290, 48, 40, true},
+        {"float tiles that do not match ours", 0, 0, 300, 290, 200, 56, false},
+        {"tiles larger than the picture", 0, 0, 20, 30, 64, 64, true},
+        {"one texel", 0, 0, 1, 1, 0, 0, true},
+        {"exactly a tile", 0, 0, 128, 128, 0, 0, true},
+    };
+    for (const Case &layout : cases) {
+        SCOPED_TRACE(layout.what);
+        PlainExr file;
+        file.left = layout.left;
+        file.top = layout.top;
+        file.width = layout.width;
+        file.height = layout.height;
+        file.tileWidth = layout.tileWidth;
+        file.tileHeight = layout.tileHeight;
+        file.isHalf = layout.isHalf;
+        file.value = pattern;
+        const Image image = read(write("layout.exr", file));
+        ASSERT_EQ(image.result.error(), "");
+        ASSERT_EQ(image.info.width, layout.width);
+        ASSERT_EQ(image.info.height, layout.height);
+        EXPECT_EQ(image.tiles.size(), std::size_t(OssEvTilesAcross(layout.width))
+                                          * std::size_t(OssEvTilesAcross(layout.height)));
+        EXPECT_EQ(image.info.format,
+                  layout.isHalf ? OssEvTile::Format::Half : OssEvTile::Format::Float);
+        const char *const names[] = {"R", "G", "B", "A"};
+        for (int y = 0; y < layout.height; ++y) {
+            for (int x = 0; x < layout.width; x += 3) {
+                for (int k = 0; k < 4; ++k)
+                    ASSERT_NEAR(image.texel(k, x, y), pattern(names[k], x, y), 1e-3)
+                        << names[k] << " at " << x << ", " << y;
+            }
+        }
+    }
+}
+
+TEST_F(ImageFiles, beyondItsEdgesATileGoesOnAsTheImageEnds)
+{
+    PlainExr file;
+    file.width = 130;
+    file.height = 5;
+    file.value = pattern;
+    for (const bool isHalf : {true, false}) {
+        file.isHalf = isHalf;
+        const Image image = read(write("edge.exr", file));
+        ASSERT_EQ(image.result.error(), "");
+        const OssEvTile &last = *image.tiles.at({1, 0});
+        for (const int y : {0, 4, 5, 127}) {
+            for (const int x : {1, 2, 127})
+                EXPECT_EQ(last.texel(0, x, y), last.texel(0, 1, std::min(y, 4)));
+        }
+    }
+}
+
+TEST_F(ImageFiles, numbersThatAreNoneNeverReachTheTiles)
+{
+    constexpr float Endless = std::numeric_limits<float>::infinity();
+    constexpr float None = std::numeric_limits<float>::quiet_NaN();
+    for (const bool isHalf : {true, false}) {
+        for (const int tile : {0, 32}) {
+            PlainExr file;
+            file.width = file.height = 70;
+            file.isHalf = isHalf;
+            file.tileWidth = file.tileHeight = tile;
+            file.value = [](const std::string &channel, int x, int y) {
+                const float bad[] = {Endless, -Endless, None};
+                return (x + y) % 7 == 0 ? bad[x % 3] : channel == "A" ? 1.0F : 0.5F;
+            };
+            const std::string path = write("bad.exr", file);
+            for (const int reduction : {0, 1}) {
+                const Image image = read(path, reduction);
+                ASSERT_EQ(image.result.error(), "");
+                for (int y = 0; y < Size; ++y) {
+                    for (int x = 0; x < Size; ++x) {
+                        for (int k = 0; k < 4; ++k)
+                            ASSERT_TRUE(std::isfinite(image.texel(k, x, y)))
+                                << isHalf << tile << ": " << x << ", " << y;
+                    }
+                }
+            }
+            const Image image = read(path);
+            EXPECT_EQ(image.texel(0, 1, 0), 0.5F) << "the others are as they were";
+        }
+    }
+}
+
+TEST_F(ImageFiles, whatIsTooBrightForAHalfIsAsBrightAsOneCanBe)
+{
+    PlainExr file;
+    file.value = [](const std::string &channel, int x, int) {
+        const float endless = std::numeric_limits<float>::infinity();
+        return channel == "A" ? 1.0F : x == 1 ? endless : x == 2 ? -endless : 2.0F;
+    };
+    const Image image = read(write("bright.exr", file));
+    EXPECT_EQ(image.texel(0, 0, 0), 2.0F);
+    EXPECT_EQ(image.texel(0, 1, 0), 65504.0F);
+    EXPECT_EQ(image.texel(0, 2, 0), -65504.0F);
+}
+
+TEST_F(ImageFiles, halvingIsTheMeanOfTwoByTwoAlsoAtOddEdges)
+{
+    PlainExr file;
+    file.width = 261;
+    file.height = 135;
+    file.isHalf = false;
+    file.value = [](const std::string &channel, int x, int y) {
+        return channel == "A" ? 1.0F : float((x * 7 + y * 13) % 29) / 8.0F;
+    };
+    const auto at = [&file](int x, int y) {
+        return file.value("R", std::min(x, 260), std::min(y, 134));
+    };
+    const Image image = read(write("odd.exr", file), 1);
+    ASSERT_EQ(image.result.error(), "");
+    EXPECT_EQ(image.tiles.size(), 2U) << "131 x 68 texels";
+    for (int y = 0; y < 68; ++y) {
+        for (int x = 0; x < 131; ++x) {
+            const float mean = (at(2 * x, 2 * y) + at(2 * x + 1, 2 * y) + at(2 * x, 2 * y + 1)
+                                + at(2 * x + 1, 2 * y + 1))
+                               / 4.0F;
+            ASSERT_NEAR(image.texel(0, x, y), mean, 1e-5) << x << ", " << y;
+        }
+    }
+    // Halved so often that one texel is left.
+    const Image least = read(folder.path("odd.exr"), 9);
+    ASSERT_EQ(least.result.error(), "");
+    EXPECT_EQ(least.tiles.size(), 1U);
+    EXPECT_NEAR(least.texel(0, 0, 0), 14.0F / 8.0F, 0.2F);
+    EXPECT_EQ(least.texel(3, 0, 0), 1.0F);
+}
+
+TEST_F(ImageFiles, channelsAreFoundByTheirNames)
+{
+    struct Case
+    {
+        std::vector<std::string> channels;
+        int count;
+        std::array<float, 4> texel;
+    };
+
+    const std::map<std::string, float> values{{"R", 0.25F}, {"G", 0.5F},   {"B", 0.75F},
+                                              {"A", 0.5F},  {"Y", 0.125F}, {"Z", 9.0F}};
+    const Case cases[] = {
+        {{"Y"}, 1, {0.125F, 0, 0, 0}},
+        {{"A", "Y"}, 4, {0.125F, 0.125F, 0.125F, 0.5F}},
+        {{"B", "G", "R"}, 4, {0.25F, 0.5F, 0.75F, 1.0F}},
+        {{"A", "B", "G", "R"}, 4, {0.25F, 0.5F, 0.75F, 0.5F}},
+        {{"B", "G", "R", "Z"}, 4, {0.25F, 0.5F, 0.75F, 1.0F}},
+    };
+    for (const Case &set : cases) {
+        std::string names;
+        for (const std::string &channel : set.channels)
+            names += channel;
+        for (const bool isHalf : {true, false}) {
+            PlainExr file;
+            file.channels = set.channels;
+            file.isHalf = isHalf;
+            file.value = [&values](const std::string &channel, int, int) {
+                return values.at(channel);
+            };
+            const Image image = read(write("channels.exr", file));
+            ASSERT_EQ(image.result.error(), "") << names;
+            ASSERT_EQ(image.info.channels, set.count) << names;
+            for (int k = 0; k < set.count; ++k)
+                EXPECT_EQ(image.texel(k, 2, 2), set.texel[std::size_t(k)]) << names << " " << k;
+        }
+    }
+}
+
+/// Writes a picture of one colour as a file of whole numbers.
+void writeIntegers(const std::string &path, const std::array<float, 4> &value, bool isData)
+{
+    OssEvImageWriter::Description description;
+    description.width = description.height = 4;
+    description.isData = isData;
+    ASSERT_TRUE(OssEvImageWriter::formatOf(path, &description.format));
+    std::unique_ptr<OssEvImageWriter> writer;
+    ASSERT_TRUE(OssEvImageWriter::open(path, description, &writer));
+    ASSERT_TRUE(
+        writer->writeTiles({std::make_shared<OssEvTile>(4, OssEvTile::Format::Float, value)}));
+    ASSERT_TRUE(writer->finish());
+}
+
+double display(double linear)
+{
+    return linear <= 0.0031308 ? linear * 12.92 : 1.055 * std::pow(linear, 1.0 / 2.4) - 0.055;
+}
+
+TEST_F(ImageFiles, alphaIsApartInFilesOfWholeNumbersAndInData)
+{
+    for (const char *name : {"a.png", "a.tif"}) {
+        writeIntegers(folder.path(name), {0.1F, 0.2F, 0.3F, 0.5F}, false);
+        const Image color = read(folder.path(name));
+        const Image data = read(folder.path(name), 0, ColorSpace::Data);
+        const float premultiplied[] = {0.1F, 0.2F, 0.3F};
+        for (int k = 0; k < 3; ++k) {
+            EXPECT_NEAR(color.texel(k, 1, 1), premultiplied[k], 1e-3) << name;
+            EXPECT_NEAR(data.texel(k, 1, 1), display(double(premultiplied[k]) / 0.5), 1e-3)
+                << name << ": as it stands in the file";
+        }
+        EXPECT_NEAR(color.texel(3, 1, 1), 0.5F, 1e-3);
+        EXPECT_NEAR(data.texel(3, 1, 1), 0.5F, 1e-3);
+        EXPECT_EQ(data.info.format, OssEvTile::Format::Float) << "16 bits are more than a half has";
+        EXPECT_EQ(color.info.format, OssEvTile::Format::Half);
+        EXPECT_NE(color.info.content, data.info.content);
+    }
+}
+
+TEST_F(ImageFiles, whatDoesNotFitIntoWholeNumbersIsCut)
+{
+    for (const char *name : {"a.png", "a.tif"}) {
+        writeIntegers(folder.path(name), {5.0F, -2.0F, 0.25F, 1.0F}, true);
+        const Image image = read(folder.path(name), 0, ColorSpace::Data);
+        EXPECT_EQ(image.texel(0, 0, 0), 1.0F) << name;
+        EXPECT_EQ(image.texel(1, 0, 0), 0.0F) << name;
+        EXPECT_NEAR(image.texel(2, 0, 0), 0.25F, 1e-5F) << name;
+        writeIntegers(folder.path(name), {0.0F, 0.5F, 0.25F, 0.0F}, true);
+        const Image clear = read(folder.path(name), 0, ColorSpace::Data);
+        EXPECT_EQ(clear.texel(0, 0, 0), 0.0F) << "nothing is divided by nothing";
+        EXPECT_NEAR(clear.texel(1, 0, 0), 0.5F, 1e-4F) << "light without cover stays";
+        EXPECT_EQ(clear.texel(3, 0, 0), 0.0F);
+    }
+}
+
+TEST_F(ImageFiles, meaningsOfFilesFollowFromWhatTheyHold)
+{
+    struct Case
+    {
+        const char *name;
+        std::string content;
+        ColorSpace colorSpace;
+        int channels;
+        OssEvTile::Format format;
+        double value;
+    };
+
+    using Format = OssEvTile::Format;
+    const std::string grey = "P5\n2 2\n255\n" + std::string(4, char(128));
+    const std::string deepGrey = "P5\n2 2\n65535\n"
+                                 + std::string("\x80\x01\x80\x01\x80\x01\x80\x01");
+    const std::string color = "P6\n2 2\n255\n" + std::string(12, char(128));
+    const double plain = 128.0 / 255.0;
+    const double linear = std::pow((plain + 0.055) / 1.055, 2.4);
+    PlainExr file;
+    file.value = [](const std::string &, int, int) {
+        return 0.5F;
+    };
+    PlainExr single = file;
+    single.channels = {"Y"};
+    const Case cases[] = {
+        {"grey.pgm", grey, ColorSpace::Automatic, 1, Format::Half, plain},
+        {"grey.pgm", grey, ColorSpace::Data, 1, Format::Half, plain},
+        {"grey.pgm", grey, ColorSpace::Color, 4, Format::Half, linear},
+        {"deep.pgm", deepGrey, ColorSpace::Data, 1, Format::Float, 0x8001 / 65535.0},
+        {"color.ppm", color, ColorSpace::Automatic, 4, Format::Half, linear},
+        {"color.ppm", color, ColorSpace::Data, 4, Format::Half, plain},
+        {"half.exr", file.bytes(), ColorSpace::Automatic, 4, Format::Half, 0.5},
+        {"half.exr", file.bytes(), ColorSpace::Color, 4, Format::Half, 0.5},
+        {"half.exr", file.bytes(), ColorSpace::Data, 4, Format::Half, 0.5},
+        {"single.exr", single.bytes(), ColorSpace::Color, 1, Format::Half, 0.5},
+    };
+    for (const Case &meaning : cases) {
+        const Image image = read(folder.write(meaning.name, meaning.content), 0,
+                                 meaning.colorSpace);
+        ASSERT_EQ(image.result.error(), "") << meaning.name;
+        EXPECT_EQ(image.info.channels, meaning.channels) << meaning.name;
+        EXPECT_EQ(image.info.format, meaning.format) << meaning.name;
+        EXPECT_NEAR(image.texel(0, 1, 1), meaning.value, 1e-3) << meaning.name;
+    }
+}
+
+TEST_F(ImageFiles, theKeyIsAnotherAsSoonAsTheFileMayBe)
+{
+    const std::string path = folder.write("a.pgm", "P5\n2 2\n255\naaaa");
+    const auto keyAt = [&](long seconds, long nanoseconds) {
+        const timespec times[2] = {{seconds, nanoseconds}, {seconds, nanoseconds}};
+        EXPECT_EQ(::utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+        OssEvImageInfo info;
+        EXPECT_TRUE(m_files.describe({path, ColorSpace::Automatic, 1001}, &info));
+        return info.content;
+    };
+    const OssEvKey key = keyAt(1000000000, 5);
+    EXPECT_EQ(keyAt(1000000000, 5), key);
+    EXPECT_NE(keyAt(1000000000, 6), key) << "two saves within a second";
+    EXPECT_NE(keyAt(1000000001, 5), key);
+    folder.write("a.pgm", "P5\n2 2\n255\naaaa and more");
+    EXPECT_NE(keyAt(1000000000, 5), key) << "a tool that sets times back";
+}
+
+TEST_F(ImageFiles, onlyAFewFilesStayOpen)
+{
+    const auto openFiles = [] {
+        return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+    };
+    const auto before = openFiles();
+    for (int i = 0; i < 40; ++i) {
+        const std::string name = "image" + std::to_string(i) + ".pgm";
+        const Image image = read(folder.write(name, "P5\n2 2\n255\naaaa"));
+        ASSERT_EQ(image.result.error(), "");
+    }
+    EXPECT_LE(openFiles() - before, 10);
+}
+
+TEST_F(ImageFiles, nothingIsReadForWhomNobodyWaits)
+{
+    const std::string path = folder.write("a.pgm", "P5\n300 300\n255\n" + std::string(90000, 'x'));
+    OssEvImageInfo info;
+    const OssEvImageProvider::Image image{path, ColorSpace::Automatic, 1001};
+    ASSERT_TRUE(m_files.describe(image, &info));
+    ASSERT_TRUE(info.isSequential);
+    OssEvCancel cancel;
+    int delivered = 0;
+    EXPECT_TRUE(m_files.read(image, 0, 0, cancel, [&](int, int, const OssEvTilePointer &) {
+        if (++delivered == 3)
+            cancel.cancel();
+    }));
+    EXPECT_EQ(delivered, 3) << "a row of tiles, and no further one";
+    EXPECT_TRUE(m_files.read(image, 0, 0, cancel,
+                             [&](int, int, const OssEvTilePointer &) { ++delivered; }));
+    EXPECT_EQ(delivered, 3);
+}
+
+TEST_F(ImageFiles, aFileThatGoesAfterItWasDescribedIsAFaultInWords)
+{
+    PlainExr file;
+    file.value = pattern;
+    const std::string path = write("a.exr", file);
+    OssEvImageInfo info;
+    ASSERT_TRUE(m_files.describe({path, ColorSpace::Automatic, 1001}, &info));
+    std::filesystem::remove(path);
+    const OssEvResult result = m_files.read({path, ColorSpace::Automatic, 1001}, 0, 0, {},
+                                            [](int, int, const OssEvTilePointer &) {});
+    EXPECT_EQ(result.error(), "Cannot read \"" + path + "\": there is no such file");
+}
+
+TEST_F(ImageFiles, pixelsThatAreMissingAreAFaultInWords)
+{
+    PlainExr file;
+    file.width = file.height = 200;
+    file.value = pattern;
+    const std::string whole = file.bytes();
+    for (const std::size_t part : {std::size_t(3), std::size_t(2)}) {
+        const std::string path = folder.write("cut.exr", whole.substr(0, whole.size() / part));
+        const Image image = read(path);
+        EXPECT_EQ(image.result.error().rfind("Cannot read \"" + path + "\": ", 0), 0U)
+            << image.result.error();
+    }
+}
+
+TEST(ColorSpaces, configurationsThatCannotBeUsedAreRefusedWithTheirName)
+{
+    const TestFolder folder;
+    const std::string good = R"(ocio_profile_version: 2
+roles:
+  ROLE: Plain
+file_rules:
+  - !<Rule> {name: Default, colorspace: Plain}
+displays:
+  Screen:
+    - !<View> {name: Direct, colorspace: Plain}
+    - !<View> {name: Doubled, colorspace: Doubled}
+colorspaces:
+  - !<ColorSpace>
+    name: Plain
+  - !<ColorSpace>
+    name: Doubled
+    from_scene_reference: !<MatrixTransform> {matrix: [2, 0, 0, 0, 0, 2, 0, 0, 0, 0, 2, 0, 0, 0, 0, 1]}
+)";
+    const auto with = [&good](const std::string &role) {
+        std::string text = good;
+        return text.replace(text.find("ROLE"), 4, role);
+    };
+    std::shared_ptr<const OssEvColorSpaces> spaces;
+    const std::string useful = folder.write("good.ocio", with("scene_linear"));
+    const OssEvResult read = OssEvColorSpaces::read(useful, &spaces);
+    ASSERT_TRUE(read) << read.error();
+    EXPECT_EQ(spaces->displays(), std::vector<std::string>{"Screen"});
+    EXPECT_EQ(spaces->views("Screen"), (std::vector<std::string>{"Direct", "Doubled"}));
+    EXPECT_TRUE(spaces->views("Nobody").empty());
+    std::array<float, 8> texels{0.25F, 0.5F, 1.0F, 0.5F, 1.0F, 2.0F, 3.0F, 1.0F};
+    ASSERT_TRUE(spaces->fromScene("Doubled", texels.data(), 2));
+    EXPECT_EQ(texels, (std::array<float, 8>{0.5F, 1.0F, 2.0F, 0.5F, 2.0F, 4.0F, 6.0F, 1.0F}));
+    EXPECT_FALSE(spaces->toDisplay("Screen", "Nothing", 0.0, 1.0, texels.data(), 2));
+
+    for (const auto &bad :
+         {folder.path("missing.ocio"), folder.write("text.ocio", "hello"),
+          folder.write("empty.ocio", ""), folder.write("role.ocio", with("data"))}) {
+        const auto before = spaces;
+        const OssEvResult refused = OssEvColorSpaces::read(bad, &spaces);
+        EXPECT_EQ(refused.error().rfind("Cannot read \"" + bad + "\": ", 0), 0U) << refused.error();
+        EXPECT_EQ(spaces, before);
+    }
+}
+
+TEST(ColorSpaces, eachSettingOfTheScreenHasItsOwnTransform)
+{
+    const auto spaces = OssEvColorSpaces::builtIn();
+    const auto shown = [&spaces](const char *view, double exposure, double gamma) {
+        std::array<float, 4> texel{0.25F, 0.25F, 0.25F, 0.5F};
+        EXPECT_TRUE(spaces->toDisplay("sRGB", view, exposure, gamma, texel.data(), 1));
+        EXPECT_EQ(texel[3], 0.5F) << "alpha is no light";
+        return texel[0];
+    };
+    for (int round = 0; round < 2; ++round) { // the second time they are known already
+        EXPECT_NEAR(shown("Raw", 0.0, 1.0), 0.25, 1e-4);
+        EXPECT_NEAR(shown("Raw", 1.0, 1.0), 0.5, 1e-4);
+        EXPECT_NEAR(shown("Raw", -1.0, 1.0), 0.125, 1e-4);
+        EXPECT_NEAR(shown("Raw", 0.0, 2.0), 0.5, 1e-3);
+        EXPECT_NEAR(shown("Standard", 0.0, 1.0), display(0.25), 1e-3);
+        EXPECT_NEAR(shown("Raw", 0.0, 0.0), 0.25, 1e-4) << "no gamma bends nothing";
+        EXPECT_NEAR(shown("Raw", 0.0, -1.0), 0.25, 1e-4);
+    }
+    std::array<float, 4> texel{0.25F, 0.25F, 0.25F, 1.0F};
+    EXPECT_FALSE(spaces->toDisplay("Wall", "Standard", 0.0, 1.0, texel.data(), 1));
+    ASSERT_TRUE(spaces->toScene("Gamma 2.2", texel.data(), 1));
+    EXPECT_NEAR(texel[0], std::pow(0.25, 2.2), 1e-4);
+    ASSERT_TRUE(spaces->fromScene("Raw", texel.data(), 1));
+    EXPECT_NEAR(texel[0], std::pow(0.25, 2.2), 1e-4) << "numbers stay as they are";
+}
+
+} // namespace

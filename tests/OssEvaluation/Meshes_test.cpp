@@ -1,0 +1,618 @@
+#include "OssEvaluation/Geometry/OssEvMesh.h"
+#include "OssEvaluation/Geometry/OssEvMeshFile.h"
+#include "OssEvaluation/Geometry/OssEvRayTree.h"
+#include "OssEvaluation/Geometry/OssEvSurfaceMap.h"
+#include "OssEvaluation/TestFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <filesystem>
+#include <functional>
+#include <limits>
+#include <random>
+#include <set>
+#include <thread>
+
+namespace {
+
+using Vector2 = OssEvMesh::Vector2;
+using Vector3 = OssEvMesh::Vector3;
+
+constexpr float None = std::numeric_limits<float>::quiet_NaN();
+constexpr float Endless = std::numeric_limits<float>::infinity();
+
+/// Flat; places are texture coordinates.
+std::shared_ptr<OssEvMesh> flat(const std::vector<Vector2> &corners,
+                                const std::vector<std::array<std::uint32_t, 3>> &triangles)
+{
+    auto mesh = std::make_shared<OssEvMesh>();
+    for (const Vector2 &corner : corners)
+        mesh->positions.push_back({corner[0], corner[1], 0.0F});
+    mesh->uvs = corners;
+    mesh->triangles = triangles;
+    return mesh;
+}
+
+std::shared_ptr<OssEvMesh> square(float left, float bottom, float right, float top)
+{
+    return flat({{left, bottom}, {right, bottom}, {right, top}, {left, top}},
+                {{0, 1, 2}, {0, 2, 3}});
+}
+
+std::shared_ptr<const OssEvSurfaceMap> mapOf(const std::shared_ptr<OssEvMesh> &mesh, int width,
+                                             int height, int patch = 1001)
+{
+    EXPECT_TRUE(mesh->finish("mesh"));
+    return OssEvSurfaceMap::make(mesh, {width, height, patch, 1.0}, nullptr);
+}
+
+// --- meshes
+
+TEST(Meshes, whatTheRestReliesOnIsChecked)
+{
+    struct Case
+    {
+        const char *reason;
+        std::function<void(OssEvMesh *)> spoil;
+    };
+
+    const Case cases[] = {
+        {"it has no faces",
+         [](OssEvMesh *mesh) {
+             mesh->triangles.clear();
+         }},
+        {"it has no faces",
+         [](OssEvMesh *mesh) {
+             mesh->positions.clear();
+         }},
+        {"it has no texture coordinates",
+         [](OssEvMesh *mesh) {
+             mesh->uvs.clear();
+         }},
+        {"its vertices are not complete",
+         [](OssEvMesh *mesh) {
+             mesh->uvs.pop_back();
+         }},
+        {"its vertices are not complete",
+         [](OssEvMesh *mesh) {
+             mesh->positions.pop_back();
+         }},
+        {"its vertices are not complete",
+         [](OssEvMesh *mesh) {
+             mesh->normals.resize(3);
+         }},
+        {"it has coordinates that are no numbers",
+         [](OssEvMesh *mesh) {
+             mesh->positions[3][2] = None;
+         }},
+        {"it has coordinates that are no numbers",
+         [](OssEvMesh *mesh) {
+             mesh->uvs[1][0] = None;
+         }},
+        {"it has coordinates that are no numbers",
+         [](OssEvMesh *mesh) {
+             mesh->uvs[1][1] = -Endless;
+         }},
+        {"it has coordinates that are no numbers",
+         [](OssEvMesh *mesh) {
+             mesh->normals.resize(4);
+             mesh->normals[2][1] = None;
+         }},
+        {"a face names a vertex that does not exist",
+         [](OssEvMesh *mesh) {
+             mesh->triangles[0][0] = 4;
+         }},
+        {"a face names a vertex that does not exist",
+         [](OssEvMesh *mesh) {
+             mesh->triangles[1][2] = 0xFFFFFFFFU;
+         }},
+        {"its texture coordinates lie outside the UDIM patches",
+         [](OssEvMesh *mesh) {
+             mesh->uvs[0][0] = -0.001F;
+         }},
+        {"its texture coordinates lie outside the UDIM patches",
+         [](OssEvMesh *mesh) {
+             mesh->uvs[0][0] = 10.001F;
+         }},
+        {"its texture coordinates lie outside the UDIM patches",
+         [](OssEvMesh *mesh) {
+             mesh->uvs[0][1] = -0.001F;
+         }},
+        {"its texture coordinates lie outside the UDIM patches",
+         [](OssEvMesh *mesh) {
+             mesh->uvs[0][1] = 900.01F;
+         }},
+    };
+    for (const Case &bad : cases) {
+        auto mesh = square(0, 0, 1, 1);
+        bad.spoil(mesh.get());
+        EXPECT_EQ(mesh->finish("a.obj").error(), std::string("Cannot use \"a.obj\": ") + bad.reason)
+            << "case " << &bad - cases;
+    }
+    auto edge = square(-5e-5F, -5e-5F, 10.00005F, 1.0F);
+    EXPECT_TRUE(edge->finish("edge")) << "rounding of a tool that wrote it is no fault";
+    EXPECT_EQ(edge->patches().size(), 10U);
+}
+
+TEST(Meshes, theKeyFollowsEverythingThatPixelsFollow)
+{
+    const auto keyOf = [](const std::function<void(OssEvMesh *)> &change) {
+        auto mesh = square(0, 0, 1, 1);
+        mesh->normals.assign(4, {0, 0, 1});
+        change(mesh.get());
+        EXPECT_TRUE(mesh->finish("mesh"));
+        return mesh->key();
+    };
+    const std::function<void(OssEvMesh *)> changes[] = {
+        [](OssEvMesh *) {},
+        [](OssEvMesh *mesh) { mesh->positions[2][2] = 0.5F; },
+        [](OssEvMesh *mesh) {
+            mesh->normals[0] = {0, 1, 0};
+        },
+        [](OssEvMesh *mesh) {
+            mesh->uvs[2] = {0.5F, 0.5F};
+        },
+        [](OssEvMesh *mesh) { mesh->triangles.pop_back(); },
+        [](OssEvMesh *mesh) { std::swap(mesh->triangles[0][1], mesh->triangles[0][2]); },
+        [](OssEvMesh *mesh) { mesh->world[3] = 2.0F; },
+        [](OssEvMesh *mesh) { mesh->world[11] = 2.0F; },
+    };
+    std::set<OssEvKey> keys;
+    for (const auto &change : changes) {
+        EXPECT_EQ(keyOf(change), keyOf(change));
+        EXPECT_TRUE(keys.insert(keyOf(change)).second) << "change " << &change - changes;
+    }
+}
+
+TEST(Meshes, facesBelongToThePatchesWhoseInsideTheyTouch)
+{
+    auto mesh = flat({{0.5F, 0.5F},
+                      {1.5F, 0.5F},
+                      {0.5F, 1.5F}, // over three borders
+                      {2, 0},
+                      {3, 0},
+                      {3, 1}, // fills half of a patch
+                      {9.5F, 899.5F},
+                      {9.9F, 899.5F},
+                      {9.9F, 899.9F}}, // beyond the last number
+                     {{0, 1, 2}, {3, 4, 5}, {6, 7, 8}});
+    ASSERT_TRUE(mesh->finish("mesh"));
+    EXPECT_EQ(mesh->patches(), (std::vector<int>{1001, 1002, 1003, 1011, 1012}));
+    EXPECT_EQ(mesh->trianglesOf(1001), std::vector<std::int32_t>{0});
+    EXPECT_EQ(mesh->trianglesOf(1003), std::vector<std::int32_t>{1});
+    for (const int nobody : {1004, 0, 9999, 1000})
+        EXPECT_TRUE(mesh->trianglesOf(nobody).empty()) << nobody;
+    EXPECT_EQ(mesh->faces, (std::vector<std::int32_t>{0, 1, 2})) << "numbered where nobody did";
+}
+
+TEST(Meshes, normalsThatAreMadeFollowTheLargerFace)
+{
+    // A large floor and a small wall share two corners.
+    auto mesh = std::make_shared<OssEvMesh>();
+    mesh->positions = {{0, 0, 0}, {0, 0, 10}, {10, 0, 0}, {0, 0.1F, 0}, {5, 5, 5}};
+    mesh->uvs.assign(5, {0.5F, 0.5F});
+    mesh->triangles = {{0, 1, 2}, {0, 3, 1}};
+    ASSERT_TRUE(mesh->finish("mesh"));
+    ASSERT_EQ(mesh->normals.size(), 5U);
+    EXPECT_GT(mesh->normals[0][1], 0.99F);
+    EXPECT_NEAR(std::hypot(mesh->normals[0][0], mesh->normals[0][1], mesh->normals[0][2]), 1.0F,
+                1e-5F);
+    EXPECT_EQ(mesh->normals[4], (Vector3{0, 0, 0})) << "of no face at all";
+    auto given = square(0, 0, 1, 1);
+    given->normals.assign(4, {1, 0, 0});
+    ASSERT_TRUE(given->finish("given"));
+    EXPECT_EQ(given->normals[0], (Vector3{1, 0, 0})) << "those of the file stay";
+}
+
+// --- rays
+
+struct Ray
+{
+    Vector3 origin;
+    Vector3 direction;
+};
+
+/// Distance at which a ray meets a triangle, in doubles; below 0 where it does not.
+double meets(const Ray &ray, const OssEvMesh &mesh, const std::array<std::uint32_t, 3> &triangle)
+{
+    const auto corner = [&](std::size_t i) {
+        return mesh.positions[triangle[i]];
+    };
+    // Cramer's rule for origin + t * direction = a + u * (b - a) + v * (c - a).
+    std::array<double, 3> e1{};
+    std::array<double, 3> e2{};
+    std::array<double, 3> d{};
+    std::array<double, 3> o{};
+    for (std::size_t k = 0; k < 3; ++k) {
+        e1[k] = double(corner(1)[k]) - corner(0)[k];
+        e2[k] = double(corner(2)[k]) - corner(0)[k];
+        d[k] = -double(ray.direction[k]);
+        o[k] = double(ray.origin[k]) - corner(0)[k];
+    }
+    const auto determinant = [](const auto &a, const auto &b, const auto &c) {
+        return a[0] * (b[1] * c[2] - b[2] * c[1]) - b[0] * (a[1] * c[2] - a[2] * c[1])
+               + c[0] * (a[1] * b[2] - a[2] * b[1]);
+    };
+    const double whole = determinant(e1, e2, d);
+    if (std::abs(whole) < 1e-9)
+        return -1.0;
+    const double u = determinant(o, e2, d) / whole;
+    const double v = determinant(e1, o, d) / whole;
+    const double t = determinant(e1, e2, o) / whole;
+    // What is as near as this to an edge may go either way.
+    constexpr double Edge = 1e-4;
+    if (std::min({u, v, 1.0 - u - v}) > -Edge && std::min({u, v, 1.0 - u - v}) < Edge)
+        return -2.0;
+    return u > 0.0 && v > 0.0 && u + v < 1.0 ? t : -1.0;
+}
+
+TEST(Rays, meetWhatEveryTriangleByItselfWouldMeet)
+{
+    std::mt19937 random(17);
+    std::uniform_real_distribution<float> place(-1.0F, 1.0F);
+    const auto point = [&] {
+        return Vector3{place(random), place(random), place(random)};
+    };
+    int hits = 0;
+    int misses = 0;
+    for (const int count : {1, 4, 5, 9, 200}) {
+        auto mesh = std::make_shared<OssEvMesh>();
+        for (int i = 0; i < count; ++i) {
+            const Vector3 middle = point();
+            for (int k = 0; k < 3; ++k) {
+                const Vector3 offset = point();
+                mesh->positions.push_back({middle[0] + 0.4F * offset[0],
+                                           middle[1] + 0.4F * offset[1],
+                                           middle[2] + 0.4F * offset[2]});
+                mesh->uvs.push_back({0.5F, 0.5F});
+            }
+            const auto first = std::uint32_t(3 * i);
+            mesh->triangles.push_back({first, first + 1, first + 2});
+        }
+        ASSERT_TRUE(mesh->finish("mesh"));
+        for (int i = 0; i < 3000; ++i) {
+            Ray ray{point(), point()};
+            if (i % 4 == 0) { // along an axis
+                ray.direction = {0, 0, 0};
+                ray.direction[std::size_t(i / 4 % 3)] = i % 8 == 0 ? 1.0F : -1.0F;
+            }
+            const float length = std::hypot(ray.direction[0], ray.direction[1], ray.direction[2]);
+            for (float &k : ray.direction)
+                k /= length;
+            const float distance = 0.2F + std::abs(2.0F * place(random));
+            bool expected = false;
+            bool unsure = false;
+            for (const auto &triangle : mesh->triangles) {
+                const double t = meets(ray, *mesh, triangle);
+                unsure = unsure || t < -1.5 || std::abs(t) < 1e-4 || std::abs(t - distance) < 1e-4;
+                expected = expected || (t > 0.0 && t < double(distance));
+            }
+            if (unsure)
+                continue;
+            ASSERT_EQ(mesh->rayTree().isHit(ray.origin, ray.direction, distance), expected)
+                << count << " triangles, ray " << i;
+            (expected ? hits : misses) += 1;
+        }
+    }
+    EXPECT_GT(hits, 1000);
+    EXPECT_GT(misses, 1000);
+}
+
+// --- surface maps
+
+TEST(SurfaceMaps, facesThatMeetLeaveNoGapsAndNoHoles)
+{
+    // Fans around a point off the grid, filling the patch.
+    std::mt19937 random(23);
+    std::uniform_real_distribution<float> inside(0.2F, 0.8F);
+    for (int round = 0; round < 20; ++round) {
+        std::vector<Vector2> corners{{inside(random), inside(random)}};
+        const int sides = 3 + round;
+        for (int i = 0; i < 4 * sides; ++i) {
+            const float along = float(i % sides) / float(sides);
+            const Vector2 edges[] = {{along, 0}, {1, along}, {1 - along, 1}, {0, 1 - along}};
+            corners.push_back(edges[i / sides]);
+        }
+        std::vector<std::array<std::uint32_t, 3>> triangles;
+        for (std::uint32_t i = 0; i < std::uint32_t(4 * sides); ++i)
+            triangles.push_back({0, 1 + i, 1 + (i + 1) % std::uint32_t(4 * sides)});
+        const auto map = mapOf(flat(corners, triangles), 200, 130);
+        for (int y = 0; y < 130; ++y) {
+            for (int x = 0; x < 200; ++x) {
+                ASSERT_TRUE(map->isCovered(x, y)) << x << ", " << y;
+                // Places are texture coordinates here.
+                Vector3 position{};
+                map->positions(x, y, 1, {&position[0], &position[1], &position[2]});
+                ASSERT_NEAR(position[0], (x + 0.5) / 200.0, 1e-4);
+                ASSERT_NEAR(position[1], 1.0 - (y + 0.5) / 130.0, 1e-4);
+            }
+        }
+    }
+}
+
+TEST(SurfaceMaps, whereFacesOverlapTheFirstAnswers)
+{
+    auto mesh = square(0, 0, 1, 1);
+    mesh->positions.insert(mesh->positions.end(), {{0, 0, 9}, {1, 0, 9}, {1, 1, 9}});
+    mesh->uvs.insert(mesh->uvs.end(), {{0, 0}, {1, 0}, {1, 1}});
+    mesh->triangles.push_back({4, 5, 6});
+    const auto map = mapOf(mesh, 64, 64);
+    for (int i = 0; i < 64; ++i)
+        EXPECT_LT(map->face(63 - i / 2, 40), 2);
+}
+
+TEST(SurfaceMaps, everyTexelInReachTakesTheNearestCoveredOne)
+{
+    // A slanted sliver and a speck, at a size whose margin is 2, and at one whose margin is 4.
+    auto mesh = flat(
+        {{0.2F, 0.15F}, {0.9F, 0.6F}, {0.3F, 0.3F}, {0.7F, 0.2F}, {0.73F, 0.2F}, {0.7F, 0.24F}},
+        {{0, 1, 2}, {3, 4, 5}});
+    for (const auto &size : {std::pair(150, 150), {1000, 60}, {130, 300}}) {
+        const auto map = mapOf(mesh, size.first, size.second);
+        const int reach = OssEvSurfaceMap::margin(size.first);
+        int near = 0;
+        for (int y = 0; y < size.second; ++y) {
+            for (int x = 0; x < size.first; ++x) {
+                int best = reach * reach + 1;
+                for (int dy = -reach; dy <= reach; ++dy) {
+                    for (int dx = -reach; dx <= reach; ++dx) {
+                        const bool inFrame = map->frame().region().contains(x + dx, y + dy);
+                        if (inFrame && map->isCovered(x + dx, y + dy))
+                            best = std::min(best, dx * dx + dy * dy);
+                    }
+                }
+                int nearX = -1;
+                int nearY = -1;
+                map->nearestCovered(x, y, &nearX, &nearY);
+                const int found = (nearX - x) * (nearX - x) + (nearY - y) * (nearY - y);
+                if (best > reach * reach) {
+                    ASSERT_EQ(found, 0) << "itself where none is near";
+                    ASSERT_EQ(map->face(x, y), -1);
+                } else {
+                    ASSERT_EQ(found, best) << x << ", " << y;
+                    ASSERT_TRUE(map->isCovered(nearX, nearY));
+                    ASSERT_GE(map->face(x, y), 0);
+                    near += found > 0 ? 1 : 0;
+                }
+            }
+        }
+        EXPECT_GT(near, 50);
+    }
+}
+
+TEST(SurfaceMaps, marginsGrowWithTheSizeWithinLimits)
+{
+    for (const auto &margin : {std::pair(1, 2),
+                               {512, 2},
+                               {1024, 4},
+                               {2048, 8},
+                               {4096, 16},
+                               {8192, 32},
+                               {16384, 64},
+                               {32768, 64}})
+        EXPECT_EQ(OssEvSurfaceMap::margin(margin.first), margin.second) << margin.first;
+}
+
+TEST(SurfaceMaps, whatNoFaceAnswersForIsPlain)
+{
+    const auto map = mapOf(square(0.25F, 0.25F, 0.5F, 0.5F), 128, 128);
+    std::array<float, 8> x{};
+    std::array<float, 8> y{};
+    std::array<float, 8> z{};
+    map->positions(2, 2, 8, {x.data(), y.data(), z.data()});
+    EXPECT_EQ(x, (std::array<float, 8>{}));
+    EXPECT_EQ(z, (std::array<float, 8>{}));
+    map->normals(2, 2, 8, {x.data(), y.data(), z.data()});
+    EXPECT_EQ(x, (std::array<float, 8>{}));
+    EXPECT_EQ(z, (std::array<float, 8>{1, 1, 1, 1, 1, 1, 1, 1}));
+    std::array<double, 3> alongU{1, 1, 1};
+    std::array<double, 3> alongV{1, 1, 1};
+    map->derivatives(2, 2, &alongU, &alongV);
+    EXPECT_EQ(alongU, (std::array<double, 3>{}));
+    EXPECT_EQ(alongV, (std::array<double, 3>{}));
+    map->derivatives(40, 80, &alongU, &alongV);
+    EXPECT_NEAR(alongU[0], 1.0, 1e-6);
+    EXPECT_NEAR(alongU[1], 0.0, 1e-6);
+    EXPECT_NEAR(alongV[1], 1.0, 1e-6);
+}
+
+TEST(SurfaceMaps, normalsThatCancelOutAreStillUnitVectors)
+{
+    auto mesh = square(0, 0, 1, 1);
+    mesh->normals = {{0, 0, 0}, {0, 0, 0}, {0, 0, 0}, {0, 0, 0}};
+    const auto none = mapOf(mesh, 64, 64);
+    mesh = square(0, 0, 1, 1);
+    mesh->normals = {{1, 0, 0}, {-1, 0, 0}, {1, 0, 0}, {-1, 0, 0}};
+    const auto opposite = mapOf(mesh, 63, 63);
+    for (const auto &map : {none, opposite}) {
+        for (int y = 0; y < map->frame().height; ++y) {
+            for (int x = 0; x < map->frame().width; ++x) {
+                Vector3 normal{};
+                map->normals(x, y, 1, {&normal[0], &normal[1], &normal[2]});
+                ASSERT_NEAR(std::hypot(normal[0], normal[1], normal[2]), 1.0F, 1e-4F)
+                    << x << ", " << y;
+            }
+        }
+    }
+}
+
+TEST(SurfaceMaps, rowsMayReachBeyondTheFrame)
+{
+    const auto map = mapOf(square(0, 0, 1, 1), 64, 64);
+    std::array<float, 70> covered{};
+    map->coverage(-3, 10, 70, covered.data());
+    for (int i = 0; i < 70; ++i)
+        EXPECT_EQ(covered[std::size_t(i)], i >= 3 && i < 67 ? 1.0F : 0.0F) << i;
+    for (const int row : {-1, 64}) {
+        map->coverage(0, row, 64, covered.data());
+        EXPECT_EQ(covered[0], 0.0F);
+        EXPECT_EQ(covered[63], 0.0F);
+    }
+    std::array<float, 70> x{};
+    std::array<float, 70> y{};
+    std::array<float, 70> z{};
+    map->positions(-3, -5, 70, {x.data(), y.data(), z.data()});
+    for (int i = 0; i < 70; ++i) {
+        EXPECT_NEAR(x[std::size_t(i)], (std::clamp(i - 3, 0, 63) + 0.5) / 64.0, 1e-5);
+        EXPECT_NEAR(y[std::size_t(i)], 1.0 - 0.5 / 64.0, 1e-5);
+    }
+}
+
+TEST(SurfaceMaps, sliversAndFacesWithoutAreaDoNoHarm)
+{
+    auto mesh = flat({{0.1F, 0.1F},
+                      {0.9F, 0.1F},
+                      {0.5F, 0.1F}, // a line
+                      {0.3F, 0.3F},
+                      {0.3F, 0.3F},
+                      {0.3F, 0.3F}, // a point
+                      {0.1F, 0.5F},
+                      {0.9F, 0.5F},
+                      {0.9F, 0.502F}},
+                     {{0, 1, 2}, {3, 4, 5}, {6, 7, 8}});
+    const auto map = mapOf(mesh, 256, 256);
+    for (int y = 0; y < 256; ++y) {
+        std::array<float, 256> rows[3];
+        map->positions(0, y, 256, {rows[0].data(), rows[1].data(), rows[2].data()});
+        for (const auto &row : rows) {
+            for (const float value : row)
+                ASSERT_TRUE(std::isfinite(value));
+        }
+    }
+}
+
+TEST(SurfaceMaps, aCancelledOneIsNone)
+{
+    auto mesh = square(0, 0, 1, 1);
+    ASSERT_TRUE(mesh->finish("mesh"));
+    OssEvCancel cancel;
+    EXPECT_NE(OssEvSurfaceMap::make(mesh, {64, 64, 1001, 1.0}, &cancel), nullptr);
+    cancel.cancel();
+    EXPECT_EQ(OssEvSurfaceMap::make(mesh, {64, 64, 1001, 1.0}, &cancel), nullptr);
+    // At any moment: either whole or none.
+    for (int round = 0; round < 12; ++round) {
+        OssEvCancel later;
+        std::thread other([&later, round] {
+            for (int i = 0; i < round * 20000; ++i)
+                std::atomic_signal_fence(std::memory_order_seq_cst);
+            later.cancel();
+        });
+        const auto map = OssEvSurfaceMap::make(mesh, {700, 700, 1001, 1.0}, &later);
+        other.join();
+        for (int i = 0; map != nullptr && i < 700; ++i)
+            ASSERT_TRUE(map->isCovered(i, 699 - i));
+    }
+}
+
+// --- files
+
+class MeshReading : public testing::Test
+{
+protected:
+    std::string error(const std::string &name, const std::string &content)
+    {
+        mesh = nullptr;
+        return OssEvMeshFile::read(folder.write(name, content), &mesh).error();
+    }
+
+    TestFolder folder;
+    std::shared_ptr<const OssEvMesh> mesh;
+};
+
+const char *const Corners = "v 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\n"
+                            "vt 0 0\nvt 1 0\nvt 1 1\nvt 0 1\n";
+
+TEST_F(MeshReading, allPartsOfAFileAreOneMesh)
+{
+    EXPECT_EQ(error("parts.obj", std::string(Corners)
+                                     + "o Front\nf 1/1 2/2 3/3\no Back\nf 1/1 3/3 4/4\n"
+                                       "o Line\nl 1 2\no Point\np 1\n"),
+              "");
+    ASSERT_NE(mesh, nullptr);
+    EXPECT_EQ(mesh->triangles.size(), 2U) << "lines and points are no faces";
+    EXPECT_EQ(mesh->positions.size(), mesh->uvs.size());
+    EXPECT_EQ(mesh->positions.size(), mesh->normals.size());
+    std::set<std::uint32_t> used;
+    for (const auto &triangle : mesh->triangles)
+        used.insert(triangle.begin(), triangle.end());
+    EXPECT_GE(used.size(), 4U) << "each part names vertices of its own";
+}
+
+TEST_F(MeshReading, polygonsOfAnySizeBecomeTriangles)
+{
+    std::string text;
+    std::string face = "f";
+    constexpr int Corner = 12;
+    for (int i = 0; i < Corner; ++i) {
+        const double angle = 6.2831853 * i / Corner;
+        text += "v " + std::to_string(std::cos(angle)) + " " + std::to_string(std::sin(angle))
+                + " 0\nvt " + std::to_string(0.5 + 0.4 * std::cos(angle)) + " "
+                + std::to_string(0.5 + 0.4 * std::sin(angle)) + "\n";
+        face += " " + std::to_string(i + 1) + "/" + std::to_string(i + 1);
+    }
+    ASSERT_EQ(error("disc.obj", text + face + "\n"), "");
+    EXPECT_EQ(mesh->triangles.size(), std::size_t(Corner - 2));
+}
+
+TEST_F(MeshReading, filesThatAreOfNoUseAreRefusedWithNameAndReason)
+{
+    struct Case
+    {
+        const char *name;
+        std::string content;
+        const char *reason;
+    };
+
+    const Case cases[] = {
+        {"bare.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\no Rock\nf 1 2 3\n", "no texture coordinates"},
+        {"partly.obj", std::string(Corners) + "o A\nf 1/1 2/2 3/3\no B\nf 1 2 3\n",
+         "no texture coordinates"},
+        {"outside.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nvt -3 0\nvt 1 0\nvt 0 1\nf 1/1 2/2 3/3\n",
+         "outside the UDIM patches"},
+        {"line.obj", std::string(Corners) + "l 1 2 3\n", "line.obj"},
+        {"empty.obj", "", "empty.obj"},
+        {"text.obj", "hello", "text.obj"},
+        {"text.xyz", "hello", "text.xyz"},
+        {"cut.glb", "glTF\2\0\0\0", "cut.glb"},
+        {"cut.ply", "ply\nformat ascii 1.0\nelement vertex 99\n", "its header has no end"},
+        {"short.ply",
+         "ply\nformat ascii 1.0\nelement vertex 99\nproperty float x\nend_header\n1\n2\n",
+         "short.ply"},
+    };
+    for (const Case &bad : cases) {
+        const std::string told = error(bad.name, bad.content);
+        EXPECT_NE(told.find(folder.path(bad.name)), std::string::npos) << bad.name << ": " << told;
+        EXPECT_NE(told.find(bad.reason), std::string::npos) << told;
+        EXPECT_EQ(mesh, nullptr);
+    }
+    std::filesystem::create_directory(folder.path("folder.obj"));
+    EXPECT_EQ(OssEvMeshFile::read(folder.path("folder.obj"), &mesh).error(),
+              "Cannot read \"" + folder.path("folder.obj") + "\": there is no such file");
+}
+
+TEST_F(MeshReading, damagedFilesAreRefusedOrReadButNeverMore)
+{
+    const std::string whole = std::string(Corners) + "f 1/1 2/2 3/3 4/4\n";
+    std::mt19937 random(3);
+    int read = 0;
+    for (int round = 0; round < 150; ++round) {
+        std::string spoilt = whole;
+        for (int i = 0; i < 3; ++i)
+            spoilt[random() % spoilt.size()] = "0123456789 -./\nvtfe"[random() % 19];
+        if (error("spoilt.obj", spoilt).empty()) {
+            ++read;
+            ASSERT_NE(mesh, nullptr);
+            for (const auto &triangle : mesh->triangles) {
+                for (const std::uint32_t index : triangle)
+                    ASSERT_LT(index, mesh->positions.size());
+            }
+        }
+    }
+    EXPECT_GT(read, 0);
+    EXPECT_LT(read, 150);
+}
+
+} // namespace

@@ -1,0 +1,674 @@
+#include "OssEvaluation/EngineFixture.h"
+#include "OssEvaluation/Geometry/OssEvMesh.h"
+#include "OssEvaluation/Graph/OssEvKernelLibrary.h"
+#include "OssEvaluation/Schedule/OssEvPlan.h"
+
+#include <algorithm>
+#include <limits>
+#include <random>
+
+namespace {
+
+using Plan = std::shared_ptr<const OssEvPlan>;
+using Source = OssEvPlanSource::Kind;
+
+class Plans : public EngineFixture
+{
+protected:
+    static Plan planOf(const OssEvTarget &target)
+    {
+        Plan plan;
+        const OssEvResult result = OssEvPlan::make(target, &plan);
+        EXPECT_TRUE(result) << result.error();
+        return plan;
+    }
+
+    Plan planOf(const std::shared_ptr<const OssEvGraph> &graph, const std::string &node,
+                int size = 256, bool keep = true) const
+    {
+        OssEvTarget wanted = target(graph, node, size);
+        wanted.keepIntermediates = keep;
+        return planOf(wanted);
+    }
+};
+
+/// What each stage does, in the order of the stages.
+std::vector<std::string> cuts(const Plan &plan)
+{
+    std::vector<std::string> result;
+    for (const OssEvPlanStage &stage : plan->stages()) {
+        std::string text = stage.headKernel;
+        for (const OssEvPlanStep &step : stage.steps)
+            text += (text.empty() ? "" : " ") + std::string(step.kernel);
+        result.push_back(text);
+    }
+    return result;
+}
+
+/// A chain of kernels with an input named "Input", the first one without.
+std::shared_ptr<const OssEvGraph> chainOf(const std::vector<const char *> &kernels)
+{
+    OssEvGraphBuilder builder;
+    int last = -1;
+    for (const char *kernel : kernels) {
+        const int node = builder.addNode(std::to_string(last + 1), kernel);
+        if (last >= 0)
+            builder.connect(last, "", node, "Input");
+        last = node;
+    }
+    return builder.finish();
+}
+
+TEST_F(Plans, whatCannotBeComputedIsSaidInWords)
+{
+    const auto graph = chainOf({"checker", "invert"});
+
+    struct Case
+    {
+        const char *reason;
+        std::function<void(OssEvTarget *)> spoil;
+    };
+
+    const Case cases[] = {
+        {"There is no patch 1000",
+         [](OssEvTarget *wanted) {
+             wanted->patch = 1000;
+         }},
+        {"There is no patch 10000",
+         [](OssEvTarget *wanted) {
+             wanted->patch = 10000;
+         }},
+        {"A patch of 0 x 256 texels cannot be computed",
+         [](OssEvTarget *wanted) {
+             wanted->width = 0;
+         }},
+        {"A patch of 256 x -1 texels cannot be computed",
+         [](OssEvTarget *wanted) {
+             wanted->height = -1;
+         }},
+        {"A patch of 256 x 32769 texels cannot be computed",
+         [](OssEvTarget *wanted) {
+             wanted->height = OssEvPlan::MaximumSize + 1;
+         }},
+        {"There is nothing to compute",
+         [](OssEvTarget *wanted) {
+             wanted->graph = nullptr;
+         }},
+        {"There is no such node",
+         [](OssEvTarget *wanted) {
+             wanted->node = 2;
+         }},
+        {"There is no such node",
+         [](OssEvTarget *wanted) {
+             wanted->node = -1;
+         }},
+        {"There is no such output",
+         [](OssEvTarget *wanted) {
+             wanted->output = 1;
+         }},
+        {"There is no such output",
+         [](OssEvTarget *wanted) {
+             wanted->output = -1;
+         }},
+    };
+    for (const Case &bad : cases) {
+        OssEvTarget wanted = target(graph, "1", 256);
+        bad.spoil(&wanted);
+        Plan plan;
+        EXPECT_EQ(OssEvPlan::make(wanted, &plan).error(), bad.reason);
+        EXPECT_EQ(plan, nullptr);
+    }
+    OssEvTarget largest = target(graph, "1", OssEvPlan::MaximumSize);
+    largest.patch = 9999;
+    EXPECT_NE(planOf(largest), nullptr);
+}
+
+TEST_F(Plans, levelsBeyondTheLastTexelAreTheLast)
+{
+    OssEvTarget wanted = target(chainOf({"checker"}), "0", 300);
+    const auto keyAt = [&wanted](int level, int mip) {
+        wanted.level = level;
+        wanted.mip = mip;
+        return planOf(wanted)->stages().back().key;
+    };
+    EXPECT_EQ(keyAt(15, 0), keyAt(99, 0));
+    EXPECT_EQ(keyAt(0, 0), keyAt(-5, 0));
+    EXPECT_EQ(keyAt(0, 15), keyAt(0, 99));
+    EXPECT_EQ(keyAt(0, 0), keyAt(0, -5));
+    EXPECT_NE(keyAt(1, 0), keyAt(0, 1)) << "a smaller patch is no smaller picture";
+    wanted.level = 99;
+    wanted.mip = 0;
+    EXPECT_EQ(planOf(wanted)->frame().width, 1);
+    wanted.level = 1;
+    EXPECT_EQ(planOf(wanted)->frame(), (OssEvFrame{150, 150, 1001, 2.0}));
+    wanted.level = 3;
+    EXPECT_EQ(planOf(wanted)->frame().width, 38) << "rounded up each time";
+}
+
+TEST_F(Plans, pointOperationsRunTogetherAndFiltersBeginAStage)
+{
+    using Cuts = std::vector<std::string>;
+
+    struct Case
+    {
+        std::vector<const char *> chain;
+        Cuts kept;
+        Cuts fused;
+    };
+
+    const Case cases[] = {
+        {{"checker", "invert", "gamma"}, {"checker invert gamma"}, {"checker invert gamma"}},
+        {{"checker", "blur", "gamma"}, {"checker", "blur", "gamma"}, {"checker", "blur gamma"}},
+        {{"checker", "blur", "sharpen", "gamma"},
+         {"checker", "blur", "sharpen", "gamma"},
+         {"checker", "blur", "sharpen gamma"}},
+        {{"cellular", "invert", "gamma"}, {"cellular", "invert gamma"}, {"cellular invert gamma"}},
+        {{"checker", "pass", "invert", "pass"}, {"checker invert"}, {"checker invert"}},
+    };
+    for (const Case &cut : cases) {
+        const auto graph = chainOf(cut.chain);
+        const std::string last = std::to_string(cut.chain.size() - 1);
+        EXPECT_EQ(cuts(planOf(graph, last)), cut.kept) << cut.chain[1];
+        EXPECT_EQ(cuts(planOf(graph, last, 256, false)), cut.fused) << cut.chain[1];
+    }
+}
+
+TEST_F(Plans, whatSeveralReadIsComputedOnceAndKept)
+{
+    OssEvGraphBuilder builder;
+    const int checker = builder.addNode("Checker", "checker");
+    const int invert = builder.addNode("Invert", "invert");
+    const int left = builder.addNode("Left", "gamma", {{"Gamma", 2.0}});
+    const int right = builder.addNode("Right", "gamma", {{"Gamma", 3.0}});
+    const int merge = builder.addNode("Merge", "merge");
+    builder.connect(checker, "", invert, "Input");
+    builder.connect(invert, "", left, "Input");
+    builder.connect(invert, "", right, "Input");
+    builder.connect(left, "", merge, "Base");
+    builder.connect(right, "", merge, "Over");
+    const auto graph = builder.finish();
+    const Plan plan = planOf(graph, "Merge", 256, false);
+    EXPECT_EQ(cuts(plan), (std::vector<std::string>{"checker invert", "gamma gamma merge"}));
+    EXPECT_EQ(plan->stages().back().inputs, std::vector<int>{0}) << "each once";
+    // Nobody else looks when only one side is wanted.
+    EXPECT_EQ(cuts(planOf(graph, "Left", 256, false)),
+              std::vector<std::string>{"checker invert gamma"});
+}
+
+TEST_F(Plans, twoFiltersIntoOneNodeHaveTilesOfTheirOwn)
+{
+    OssEvGraphBuilder builder;
+    const int checker = builder.addNode("Checker", "checker");
+    const int cells = builder.addNode("Grid", "grid");
+    const int a = builder.addNode("A", "blur");
+    const int b = builder.addNode("B", "blur", {{"Radius", 9.0}});
+    const int merge = builder.addNode("Merge", "merge");
+    builder.connect(checker, "", a, "Input");
+    builder.connect(cells, "", b, "Input");
+    builder.connect(a, "", merge, "Base");
+    builder.connect(b, "", merge, "Over");
+    const Plan plan = planOf(builder.finish(), "Merge", 256, false);
+    ASSERT_EQ(plan->stages().size(), 4U);
+    int heads = 0;
+    for (const OssEvPlanStage &stage : plan->stages())
+        heads += stage.head != nullptr ? 1 : 0;
+    EXPECT_EQ(heads, 2);
+}
+
+/// Random graphs of adjustments, merges, filters and sources.
+std::shared_ptr<const OssEvGraph> randomGraph(std::mt19937 *random, int count)
+{
+    OssEvGraphBuilder builder;
+    const auto any = [random](int below) {
+        return int((*random)() % unsigned(below));
+    };
+    for (int i = 0; i < count; ++i) {
+        const int kind = i < 2 ? 0 : any(12);
+        const std::string name = std::to_string(i);
+        if (kind == 0) {
+            builder.addNode(name, any(2) == 0 ? "checker" : "grid",
+                            {{"Scale", 1.0 + double(any(50))}, {"Rows", double(1 + any(50))}});
+        } else if (kind == 1) {
+            builder.addNode(name, "constant",
+                            {{"Color", OssEvColor{float(any(9)) / 9.0F, 0, 0, 1}}});
+        } else if (kind < 5) {
+            const int node = builder.addNode(name, "gamma", {{"Gamma", 0.5 + any(20) / 10.0}});
+            builder.connect(any(i), "", node, "Input");
+        } else if (kind < 6) {
+            const int node = builder.addNode(name, "blur", {{"Radius", 1.0 + any(9)}});
+            builder.connect(any(i), "", node, "Input");
+        } else {
+            const int node = builder.addNode(name, "merge", {{"Amount", any(10) / 10.0}});
+            builder.connect(any(i), "", node, "Base");
+            builder.connect(any(i), "", node, "Over");
+            if (any(3) == 0)
+                builder.connect(any(i), "", node, "Mask");
+        }
+    }
+    return builder.finish();
+}
+
+/// Nothing is written to a buffer before the last who reads it has done so.
+void expectBuffersToHold(const OssEvPlanStage &stage)
+{
+    const auto reads = [](const OssEvPlanStep &step, int index) {
+        return std::any_of(step.inputs.begin(), step.inputs.end(),
+                           [index](const OssEvPlanSource &source) {
+                               return source.kind == Source::Step && source.index == index;
+                           });
+    };
+    const int count = int(stage.steps.size());
+    for (int made = 0; made < count; ++made) {
+        int last = stage.result.kind == Source::Step && stage.result.index == made ? count : made;
+        for (int reader = made + 1; reader < count; ++reader) {
+            if (reads(stage.steps[std::size_t(reader)], made))
+                last = std::max(last, reader);
+        }
+        const int buffer = stage.steps[std::size_t(made)].buffer;
+        EXPECT_GE(buffer, 0);
+        EXPECT_LT(buffer, stage.buffers);
+        for (int writer = made + 1; writer <= std::min(last, count - 1); ++writer)
+            ASSERT_NE(stage.steps[std::size_t(writer)].buffer, buffer)
+                << "step " << writer << " spoils " << made << ", which " << last << " reads";
+    }
+}
+
+TEST_F(Plans, stagesComeAfterWhatTheyReadAndBuffersHoldWhatIsStillNeeded)
+{
+    std::mt19937 random(5);
+    int steps = 0;
+    for (int round = 0; round < 300; ++round) {
+        const auto graph = randomGraph(&random, 25);
+        const Plan plan = planOf(graph, "24", 256, round % 2 == 0);
+        const auto &stages = plan->stages();
+        for (std::size_t i = 0; i < stages.size(); ++i) {
+            for (const int input : stages[i].inputs) {
+                EXPECT_GE(input, 0);
+                EXPECT_LT(input, int(i));
+            }
+            for (const OssEvPlanStep &step : stages[i].steps) {
+                ++steps;
+                for (const OssEvPlanSource &source : step.inputs) {
+                    const bool isInput = source.kind == Source::Input;
+                    EXPECT_TRUE(!isInput || source.index < int(stages[i].inputs.size()));
+                    EXPECT_TRUE(source.kind != Source::Head || stages[i].head != nullptr);
+                }
+            }
+            expectBuffersToHold(stages[i]);
+        }
+        if (HasFatalFailure())
+            return;
+    }
+    EXPECT_GT(steps, 1000) << "there was something to see";
+}
+
+TEST_F(Plans, howeverAGraphIsCutThePixelsAreTheSame)
+{
+    std::mt19937 random(11);
+    for (int round = 0; round < 12; ++round) {
+        const auto graph = randomGraph(&random, 20);
+        OssEvTarget wanted = target(graph, "19", 140);
+        engine->cache().clear();
+        const Collected kept = evaluate(wanted);
+        wanted.keepIntermediates = false;
+        engine->cache().clear();
+        const Collected fused = evaluate(wanted);
+        ASSERT_TRUE(kept.outcome.ok() && fused.outcome.ok());
+        for (int y = 0; y < 140; y += 3) {
+            for (int x = 0; x < 140; x += 5) {
+                for (int k = 0; k < 4; ++k)
+                    ASSERT_NEAR(kept.texel(k, x, y), fused.texel(k, x, y), 0.01)
+                        << "round " << round << " at " << x << ", " << y;
+            }
+        }
+    }
+}
+
+TEST_F(Plans, aLongChainNeedsNoMoreMemoryThanAShortOne)
+{
+    std::vector<const char *> kernels{"checker"};
+    for (int i = 0; i < 60; ++i)
+        kernels.push_back(i % 2 == 0 ? "invert" : "gamma");
+    const Plan plan = planOf(chainOf(kernels), "60");
+    ASSERT_EQ(plan->stages().size(), 1U);
+    EXPECT_EQ(plan->stages().back().steps.size(), 61U);
+    EXPECT_LE(plan->stages().back().buffers, 2);
+}
+
+TEST_F(Plans, whatIsTheSameEverywhereIsComputedAtOnce)
+{
+    OssEvGraphBuilder builder;
+    const int color = builder.addNode("Color", "constant", {{"Color", OssEvColor{0.25F, 1, 0, 1}}});
+    const int half = builder.addNode("Half", "constant", {{"Color", OssEvColor{0.75F, 0, 1, 1}}});
+    const int invert = builder.addNode("Invert", "invert");
+    const int red = builder.addNode("Red", "split");
+    const int sum = builder.addNode("Sum", "math", {{"Operation", std::string("Add")}});
+    const int checker = builder.addNode("Checker", "checker");
+    const int mixed = builder.addNode("Mixed", "merge");
+    builder.connect(color, "", invert, "Input");
+    builder.connect(half, "", red, "Input");
+    builder.connect(red, "Red", sum, "A");
+    builder.connect(invert, "", sum, "B");
+    builder.connect(invert, "", mixed, "Base");
+    builder.connect(checker, "", mixed, "Over");
+    const auto graph = builder.finish();
+    const Plan inverted = planOf(graph, "Invert");
+    ASSERT_EQ(inverted->stages().back().result.kind, Source::Constant);
+    EXPECT_EQ(inverted->stages().back().result.constant, (std::array<float, 4>{0.75F, 0, 1, 1}));
+    EXPECT_EQ(inverted->stages().back().key, planOf(graph, "Half")->stages().back().key)
+        << "the same color, wherever it comes from";
+    const OssEvPlanStage sums = planOf(graph, "Sum")->stages().back();
+    ASSERT_EQ(sums.result.kind, Source::Constant);
+    EXPECT_EQ(sums.channels, 1);
+    EXPECT_NEAR(sums.result.constant[0], 0.75F + 0.2126F * 0.75F + 0.0722F, 1e-5F);
+    EXPECT_EQ(cuts(planOf(graph, "Mixed")), std::vector<std::string>{"checker merge"})
+        << "what is the same everywhere has no step";
+}
+
+TEST_F(Plans, imagesAreHalvedAsTheyAreReadAndFittedAfterwards)
+{
+    images->add("wide", 1000, 300, [](int, int) { return TestImages::Texel{}; });
+
+    struct Case
+    {
+        const char *image;
+        int size;
+        int reduction;
+        OssEvFrame read;
+        bool fitted;
+    };
+
+    const Case cases[] = {
+        {"wave", 512, 0, {512, 512, 1001, 1.0}, false},
+        {"wave", 256, 1, {256, 256, 1001, 1.0}, false},
+        {"wave", 257, 0, {512, 512, 1001, 1.0}, true},
+        {"wave", 100, 2, {128, 128, 1001, 1.0}, true},
+        {"wave", 1000, 0, {512, 512, 1001, 1.0}, true},
+        {"wide", 200, 0, {1000, 300, 1001, 1.0}, true},
+        {"wide", 75, 2, {250, 75, 1001, 1.0}, true},
+    };
+    for (const Case &image : cases) {
+        OssEvGraphBuilder builder;
+        builder.addNode("Image", "image", {{"File", std::string(image.image)}});
+        const Plan plan = planOf(builder.finish(), "Image", image.size);
+        const OssEvPlanStage &first = plan->stages().front();
+        EXPECT_TRUE(first.isImage);
+        EXPECT_EQ(first.imageReduction, image.reduction) << image.image << image.size;
+        EXPECT_EQ(first.frame, image.read) << image.image << image.size;
+        EXPECT_EQ(plan->stages().size(), image.fitted ? 2U : 1U) << image.image << image.size;
+        EXPECT_EQ(plan->frame().width, image.size);
+        EXPECT_EQ(plan->frame().height, image.size);
+    }
+}
+
+TEST_F(Plans, anImageThatIsNotThereIsTransparent)
+{
+    OssEvGraphBuilder builder;
+    builder.addNode("Nameless", "image");
+    builder.addNode("Named", "image", {{"File", std::string("wave")}});
+    const auto graph = builder.finish();
+    const OssEvPlanStage nameless = planOf(graph, "Nameless")->stages().back();
+    EXPECT_EQ(nameless.result.kind, Source::Constant);
+    EXPECT_EQ(nameless.result.constant, (std::array<float, 4>{}));
+    EXPECT_EQ(nameless.channels, 4);
+    OssEvTarget wanted = target(graph, "Named");
+    wanted.images = nullptr;
+    EXPECT_EQ(planOf(wanted)->stages().back().result.kind, Source::Constant);
+}
+
+TEST_F(Plans, keysFollowTheMeshWhereTheSurfaceIsLookedAt)
+{
+    OssEvGraphBuilder builder;
+    const int position = builder.addNode("Position", "position");
+    builder.addNode("Checker", "checker");
+    const int behind = builder.addNode("Behind", "vectorMath");
+    builder.connect(position, "", behind, "A");
+    const auto graph = builder.finish();
+    const auto keyOn = [&](const std::string &node, std::shared_ptr<const OssEvMesh> mesh,
+                           int size = 256) {
+        OssEvTarget wanted = target(graph, node, size);
+        wanted.mesh = std::move(mesh);
+        return planOf(wanted)->stages().back().key;
+    };
+    for (const char *node : {"Position", "Behind"}) {
+        EXPECT_NE(keyOn(node, OssEvShapes::plane()), keyOn(node, OssEvShapes::sphere())) << node;
+        EXPECT_NE(keyOn(node, OssEvShapes::plane()), keyOn(node, nullptr)) << node;
+        EXPECT_EQ(keyOn(node, OssEvShapes::plane()), keyOn(node, OssEvShapes::plane())) << node;
+        EXPECT_NE(keyOn(node, OssEvShapes::plane()), keyOn(node, OssEvShapes::plane(), 128))
+            << node;
+    }
+    EXPECT_EQ(keyOn("Checker", OssEvShapes::plane()), keyOn("Checker", nullptr));
+}
+
+TEST_F(Plans, numbersStayPreciseAsLongAsTheyAreNumbers)
+{
+    OssEvGraphBuilder builder;
+    const int position = builder.addNode("Position", "position");
+    const int moved = builder.addNode("Moved", "vectorMath");
+    const int blurred = builder.addNode("Blurred", "blur");
+    const int color = builder.addNode("Color", "merge");
+    builder.connect(position, "", moved, "A");
+    builder.connect(moved, "", blurred, "Input");
+    builder.connect(moved, "", color, "Base");
+    const auto graph = builder.finish();
+    const auto formatOf = [&](const char *node) {
+        OssEvTarget wanted = target(graph, node);
+        wanted.mesh = OssEvShapes::plane();
+        return planOf(wanted)->stages().back().format;
+    };
+    for (const char *node : {"Position", "Moved", "Blurred"})
+        EXPECT_EQ(formatOf(node), OssEvTile::Format::Float) << node;
+    EXPECT_EQ(formatOf("Color"), OssEvTile::Format::Half) << "a picture";
+}
+
+TEST_F(Plans, aDotThatIsACachePointKeepsItsTiles)
+{
+    for (const bool hold : {false, true}) {
+        OssEvGraphBuilder builder;
+        const int checker = builder.addNode("Checker", "checker");
+        const int dot = builder.addNode("Dot", "pass");
+        const int last = builder.addNode("Last", "invert");
+        builder.connect(checker, "", dot, "Input");
+        builder.connect(dot, "", last, "Input");
+        if (hold)
+            builder.setCachePoint(dot);
+        EXPECT_EQ(planOf(builder.finish(), "Last")->stages().size(), hold ? 2U : 1U);
+    }
+}
+
+// --- graphs
+
+TEST(Graph, sourcesComeBeforeWhatDependsOnThemAndOnlyThose)
+{
+    OssEvGraphBuilder builder;
+    const int a = builder.addNode("A", "checker");
+    const int b = builder.addNode("B", "invert");
+    const int c = builder.addNode("C", "gamma");
+    const int d = builder.addNode("D", "merge");
+    const int stranger = builder.addNode("Stranger", "checker");
+    builder.connect(a, "", b, "Input");
+    builder.connect(a, "", c, "Input");
+    builder.connect(b, "", d, "Base");
+    builder.connect(c, "", d, "Over");
+    const auto graph = builder.finish();
+    const std::vector<int> order = graph->upstream(d);
+    ASSERT_EQ(order.size(), 4U);
+    EXPECT_EQ(order.front(), a);
+    EXPECT_EQ(order.back(), d);
+    EXPECT_EQ(graph->upstream(stranger), std::vector<int>{stranger});
+    for (const int nobody : {-1, 5})
+        EXPECT_TRUE(graph->upstream(nobody).empty());
+    EXPECT_EQ(graph->find("C"), c);
+    EXPECT_EQ(graph->find("c"), -1);
+}
+
+TEST(Graph, lengthIsNoProblem)
+{
+    OssEvGraphBuilder builder;
+    int last = builder.addNode("First", "checker");
+    for (int i = 0; i < 100000; ++i) {
+        const int node = builder.addNode("Node", "pass");
+        builder.connect(last, "", node, "Input");
+        last = node;
+    }
+    const auto graph = builder.finish();
+    EXPECT_TRUE(graph->check(last));
+    EXPECT_EQ(graph->upstream(last).size(), 100001U);
+    OssEvTarget target;
+    target.graph = graph;
+    target.node = last;
+    Plan plan;
+    EXPECT_TRUE(OssEvPlan::make(target, &plan));
+}
+
+TEST(Graph, wiresToNowhereAreIgnoredAndWiresFromNowhereAreFaults)
+{
+    OssEvGraphBuilder builder;
+    const int checker = builder.addNode("Checker", "checker");
+    const int brick = builder.addNode("Brick", "brick");
+    const int invert = builder.addNode("Invert", "invert");
+    const int bad = builder.addNode("Bad", "invert");
+    const int worse = builder.addNode("Worse", "");
+    builder.connect(checker, "", 17, "Input");
+    builder.connect(checker, "", -1, "Input");
+    builder.setCachePoint(99);
+    builder.setCachePoint(-1);
+    builder.connect(checker, "", invert, "Input");
+    builder.connect(brick, "Height", invert, "Input"); // takes the place of the first
+    builder.connect(brick, "Depth", bad, "Input");
+    const auto graph = builder.finish();
+    EXPECT_TRUE(graph->check(invert));
+    const OssEvGraph::Link link = graph->nodes()[std::size_t(invert)].inputs[0];
+    EXPECT_EQ(link.node, brick);
+    EXPECT_EQ(link.output, 2);
+    EXPECT_EQ(graph->check(bad).error(), "\"Bad\": \"Brick\" has no output \"Depth\"");
+    EXPECT_EQ(graph->check(worse).error(), "\"Worse\": it computes no pixels");
+    EXPECT_TRUE(builder.finish()->nodes().empty()) << "the builder begins anew";
+}
+
+TEST(Graph, goingOnFromAGraphLeavesItAsItWas)
+{
+    OssEvGraphBuilder first;
+    const int checker = first.addNode("Checker", "checker");
+    const auto graph = first.finish();
+    OssEvGraphBuilder second(*graph);
+    const int invert = second.addNode("Invert", "invert");
+    second.connect(checker, "", invert, "Input");
+    const auto more = second.finish();
+    EXPECT_EQ(graph->nodes().size(), 1U);
+    ASSERT_EQ(more->nodes().size(), 2U);
+    EXPECT_EQ(more->find("Checker"), checker);
+    EXPECT_TRUE(more->check(invert));
+}
+
+TEST(Graph, aNamedImageServesWhereNothingIsConnected)
+{
+    const auto sourceOf = [](bool connected, const std::string &name) {
+        OssEvGraphBuilder builder;
+        const int checker = builder.addNode("Checker", "checker");
+        const int tiled = builder.addNode("Tiled", "tiled", {{"TileImage", name}});
+        if (connected)
+            builder.connect(checker, "", tiled, "TileImage");
+        const auto graph = builder.finish();
+        const OssEvResult good = graph->check(tiled);
+        if (!good)
+            return good.error();
+        const int source = graph->nodes()[std::size_t(tiled)].inputs[0].node;
+        return graph->nodes()[std::size_t(source)].kernel->name;
+    };
+    EXPECT_EQ(sourceOf(false, "a.png"), "image");
+    EXPECT_EQ(sourceOf(true, "a.png"), "checker");
+    EXPECT_EQ(sourceOf(true, ""), "checker");
+    EXPECT_EQ(sourceOf(false, ""), "\"Tiled\": nothing is connected to \"TileImage\"");
+}
+
+TEST(Graph, everyValueIsBroughtToItsTypeOrRefused)
+{
+    OssEvKernel kernel;
+    constexpr double Any = std::numeric_limits<double>::infinity();
+    kernel.parameters = {{"Real", 0.5, -1.0, 2.0, {}},
+                         {"Free", 0.0, -Any, Any, {}},
+                         {"Integer", std::int64_t(3), 1.0, 9.0, {}},
+                         {"Flag", true, 0.0, 1.0, {}},
+                         {"Color", OssEvColor{1, 0, 0, 1}, 0.0, 0.0, {}},
+                         {"Vector", OssEvVector2{1, 2}, 0.0, 0.0, {}},
+                         {"Text", std::string(), 0.0, 0.0, {}},
+                         {"Curve", OssEvCurve(), 0.0, 0.0, {}},
+                         {"Ramp", OssEvRamp(), 0.0, 0.0, {}},
+                         {"Choice", std::int64_t(1), 0.0, 2.0, {"First", "Second", "Third"}}};
+
+    struct Case
+    {
+        const char *name;
+        OssEvParameter given;
+        OssEvParameter expected;
+    };
+
+    const std::int64_t one = 1;
+    const Case good[] = {
+        {"Real", 9.0, 2.0},
+        {"Real", -9.0, -1.0},
+        {"Real", one, 1.0},
+        {"Real", true, 1.0},
+        {"Free", -1e300, -1e300},
+        {"Integer", 4.5, std::int64_t(5)},
+        {"Integer", -4.0, one},
+        {"Integer", 1e300, std::int64_t(9)},
+        {"Flag", 0.0, false},
+        {"Flag", std::int64_t(7), true},
+        {"Color", OssEvColor{-1, 99, 0, 2}, OssEvColor{-1, 99, 0, 2}},
+        {"Vector", OssEvVector2{-5, 1e9}, OssEvVector2{-5, 1e9}},
+        {"Text", std::string("a"), std::string("a")},
+        {"Curve", std::string("0,0 1,2"), OssEvCurve({{0, 0}, {1, 2}})},
+        {"Curve", OssEvCurve({{0, 3}}), OssEvCurve({{0, 3}})},
+        {"Ramp", std::string("0,1,1,1,1"),
+         OssEvRamp(std::vector<OssEvRamp::Stop>{{0.0, {1, 1, 1, 1}}})},
+        {"Choice", std::string("Third"), std::int64_t(2)},
+        {"Choice", 9.0, std::int64_t(2)},
+        {"Choice", -3.0, std::int64_t(0)},
+    };
+    for (const Case &value : good) {
+        OssEvParameters complete;
+        const OssEvResult result = kernel.normalise({{value.name, value.given}}, &complete);
+        ASSERT_TRUE(result) << value.name << ": " << result.error();
+        EXPECT_TRUE(complete.at(value.name) == value.expected)
+            << value.name << ", case " << &value - good;
+        EXPECT_EQ(complete.size(), kernel.parameters.size());
+    }
+
+    struct Bad
+    {
+        const char *name;
+        OssEvParameter given;
+        const char *reason;
+    };
+
+    const float none = std::numeric_limits<float>::quiet_NaN();
+    const Bad bad[] = {
+        {"Real", std::string("1"), "\"Real\" is no number"},
+        {"Real", Any, "\"Real\" is no number"},
+        {"Real", double(none), "\"Real\" is no number"},
+        {"Integer", OssEvColor{}, "\"Integer\" is no number"},
+        {"Flag", std::string("true"), "\"Flag\" is no number"},
+        {"Color", 1.0, "\"Color\" is no color"},
+        {"Color", OssEvColor{0, none, 0, 1}, "\"Color\" is no color"},
+        {"Vector", 1.0, "\"Vector\" is no vector"},
+        {"Text", 1.0, "\"Text\" is no text"},
+        {"Curve", std::string("0,0 1"), "\"Curve\" is no curve"},
+        {"Curve", 1.0, "\"Curve\" is no curve"},
+        {"Ramp", std::string("red"), "\"Ramp\" is no ramp"},
+        {"Choice", std::string("Fourth"), "\"Choice\" knows no \"Fourth\""},
+        {"Choice", Any, "\"Choice\" is no number"},
+    };
+    for (const Bad &value : bad) {
+        OssEvParameters complete;
+        EXPECT_EQ(kernel.normalise({{value.name, value.given}}, &complete).error(), value.reason)
+            << "case " << &value - bad;
+    }
+    OssEvParameters complete;
+    ASSERT_TRUE(kernel.normalise({{"Stranger", 1.0}}, &complete));
+    EXPECT_EQ(complete.count("Stranger"), 0U);
+    EXPECT_TRUE(complete.at("Choice") == OssEvParameter(one)) << "defaults fill in";
+}
+
+} // namespace

@@ -1,8 +1,11 @@
 #include "OssEvaluation/EngineFixture.h"
+#include "OssEvaluation/Files/OssEvBake.h"
+#include "OssEvaluation/Files/OssEvImageFiles.h"
 #include "OssEvaluation/Geometry/OssEvMesh.h"
 #include "OssEvaluation/Geometry/OssEvMeshFile.h"
 #include "OssEvaluation/Geometry/OssEvRayTree.h"
 #include "OssEvaluation/Geometry/OssEvSurfaceMap.h"
+#include "OssEvaluation/TestFolder.h"
 
 #include <algorithm>
 #include <cmath>
@@ -317,6 +320,38 @@ TEST_F(Surfaces, dilationCarriesColorsAndNeverDarkensThem)
         EXPECT_EQ(result.texel(1, 128 - margin, i), 0.5F) << "whole color, whatever the alpha";
         EXPECT_EQ(result.texel(1, i, 383 + margin), 0.5F);
         EXPECT_EQ(result.texel(1, 127 - margin, i), 0.0F);
+    }
+}
+
+TEST_F(Surfaces, aBakeFillsTheMarginUnlessItIsToldNotTo)
+{
+    auto mesh = quad(0.25F, 0.25F, 0.75F, 0.75F);
+    ASSERT_TRUE(mesh->finish("quad"));
+    images->add("paint", 512, 512, [](int x, int y) {
+        const bool inside = x >= 128 && x < 384 && y >= 128 && y < 384;
+        return inside ? TestImages::Texel{0.25F, 0.5F, 0.125F, 1.0F} : TestImages::Texel{};
+    });
+    OssEvGraphBuilder builder;
+    builder.addNode("Paint", "image", {{"File", std::string("paint")}});
+    OssEvBake::Job job;
+    job.target = target(builder.finish(), "Paint");
+    job.target.mesh = mesh;
+    const TestFolder folder;
+    for (const bool dilate : {true, false}) {
+        job.path = folder.path(dilate ? "dilated.exr" : "plain.exr");
+        job.dilate = dilate;
+        ASSERT_EQ(OssEvBake::run(engine.get(), job).error(), "");
+        OssEvImageFiles files;
+        float beside = -1.0F;
+        float inside = -1.0F;
+        ASSERT_TRUE(files.read({job.path}, 0, 2, {}, [&](int x, int, const OssEvTilePointer &tile) {
+            if (x == 0)
+                beside = tile->texel(1, 127, 0);
+            if (x == 1)
+                inside = tile->texel(1, 0, 0);
+        }));
+        EXPECT_EQ(inside, 0.5F);
+        EXPECT_EQ(beside, dilate ? 0.5F : 0.0F);
     }
 }
 

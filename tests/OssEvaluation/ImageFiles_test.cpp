@@ -195,7 +195,7 @@ TEST_F(ImageFiles, everyTexelArrivesHoweverTheFileIsLaidOut)
         file.tileHeight = layout.tileHeight;
         file.isHalf = layout.isHalf;
         file.value = pattern;
-        const Image image = read(write("layout.exr", file));
+        const Image image = read(write("layout" + std::to_string(&layout - cases) + ".exr", file));
         ASSERT_EQ(image.result.error(), "");
         ASSERT_EQ(image.info.width, layout.width);
         ASSERT_EQ(image.info.height, layout.height);
@@ -222,7 +222,7 @@ TEST_F(ImageFiles, beyondItsEdgesATileGoesOnAsTheImageEnds)
     file.value = pattern;
     for (const bool isHalf : {true, false}) {
         file.isHalf = isHalf;
-        const Image image = read(write("edge.exr", file));
+        const Image image = read(write(isHalf ? "half.exr" : "float.exr", file));
         ASSERT_EQ(image.result.error(), "");
         const OssEvTile &last = *image.tiles.at({1, 0});
         for (const int y : {0, 4, 5, 127}) {
@@ -246,7 +246,8 @@ TEST_F(ImageFiles, numbersThatAreNoneNeverReachTheTiles)
                 const float bad[] = {Endless, -Endless, None};
                 return (x + y) % 7 == 0 ? bad[x % 3] : channel == "A" ? 1.0F : 0.5F;
             };
-            const std::string path = write("bad.exr", file);
+            const std::string path = write(
+                (isHalf ? "half" : "float") + std::to_string(tile) + ".exr", file);
             for (const int reduction : {0, 1}) {
                 const Image image = read(path, reduction);
                 ASSERT_EQ(image.result.error(), "");
@@ -337,7 +338,7 @@ TEST_F(ImageFiles, channelsAreFoundByTheirNames)
             file.value = [&values](const std::string &channel, int, int) {
                 return values.at(channel);
             };
-            const Image image = read(write("channels.exr", file));
+            const Image image = read(write(names + (isHalf ? "h.exr" : "f.exr"), file));
             ASSERT_EQ(image.result.error(), "") << names;
             ASSERT_EQ(image.info.channels, set.count) << names;
             for (int k = 0; k < set.count; ++k)
@@ -393,8 +394,9 @@ TEST_F(ImageFiles, whatDoesNotFitIntoWholeNumbersIsCut)
         EXPECT_EQ(image.texel(0, 0, 0), 1.0F) << name;
         EXPECT_EQ(image.texel(1, 0, 0), 0.0F) << name;
         EXPECT_NEAR(image.texel(2, 0, 0), 0.25F, 1e-5F) << name;
-        writeIntegers(folder.path(name), {0.0F, 0.5F, 0.25F, 0.0F}, true);
-        const Image clear = read(folder.path(name), 0, ColorSpace::Data);
+        const std::string other = folder.path(std::string("clear ") + name);
+        writeIntegers(other, {0.0F, 0.5F, 0.25F, 0.0F}, true);
+        const Image clear = read(other, 0, ColorSpace::Data);
         EXPECT_EQ(clear.texel(0, 0, 0), 0.0F) << "nothing is divided by nothing";
         EXPECT_NEAR(clear.texel(1, 0, 0), 0.5F, 1e-4F) << "light without cover stays";
         EXPECT_EQ(clear.texel(3, 0, 0), 0.0F);

@@ -57,6 +57,10 @@ TEST(ImageNames, behindAnUnderlineANumberCountsWhereTheFirstPatchLiesBesideIt)
     std::filesystem::create_directory(folder.path("wood_1001.png"));
     EXPECT_EQ(OssEvUdim::pattern(folder.path("wood_1002.png")), folder.path("wood_1002.png"))
         << "a folder is no patch";
+    for (const char *name : {"rock-1001.png", "rock1001.png", "rock 1001.png"}) {
+        folder.write(name, "");
+        EXPECT_EQ(OssEvUdim::pattern(folder.path(name)), folder.path(name)) << name;
+    }
 }
 
 TEST(ImageNames, theNumberStandsInThePlaceOfTheToken)

@@ -40,6 +40,7 @@ OssEvResult OssEvRamp::fromText(std::string_view text, OssEvRamp *ramp)
     if (!OssEvReadNumbers(text, &groups))
         return OssEvResult::failure("\"" + std::string(text) + "\" is no ramp of colors");
     std::vector<Stop> stops;
+    stops.reserve(groups.size());
     for (const std::array<double, 5> &group : groups)
         stops.push_back(
             {group[0], {float(group[1]), float(group[2]), float(group[3]), float(group[4])}});

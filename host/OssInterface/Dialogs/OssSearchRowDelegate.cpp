@@ -57,7 +57,7 @@ void OssSearchRowDelegate::paint(QPainter *painter, const QStyleOptionViewItem &
                               favourite ? QStringLiteral("\u2605") : QStringLiteral("\u2606"));
         room.setRight(room.right() - StarWidth);
     }
-    const QColor color = index.data(m_roles.color).value<QColor>();
+    const auto color = index.data(m_roles.color).value<QColor>();
     if (color.isValid()) {
         painter->setRenderHint(QPainter::Antialiasing);
         painter->setPen(Qt::NoPen);

@@ -6,6 +6,7 @@
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssInterface/Popups/OssMessageBox.h"
 #include "OssModel/Graph/OssLayerStreamUtils.h"
+#include "OssModel/Graph/OssNodeWalker.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Graph/OssSnGroupNode.h"

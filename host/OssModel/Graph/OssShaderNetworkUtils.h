@@ -49,69 +49,6 @@ OSSMODEL_EXPORT QList<OssSnBakePointNode *> getDownstreamBakePointNodes(
 /// step; false when none does.
 OSSMODEL_EXPORT bool batchConnect(OssSnBaseNode *source, OssSnBaseNode *target);
 
-/// Visits a node and everything it takes from, each once, nearest first; loops end. Through groups,
-/// if asked to: what makes the output of a group is visited as well as the group, and a node that
-/// stands for a group's input leads to what feeds the group there.
-class OSSMODEL_EXPORT OssNodeWalkerUpstream
-{
-public:
-    explicit OssNodeWalkerUpstream(bool throughGroups = false)
-        : m_throughGroups(throughGroups)
-    {
-    }
-
-    OssNodeWalkerUpstream(const OssNodeWalkerUpstream &) = delete;
-    OssNodeWalkerUpstream &operator=(const OssNodeWalkerUpstream &) = delete;
-    virtual ~OssNodeWalkerUpstream() = default;
-
-    void walk(OssSnBaseNode *start);
-    /// Only what the nodes take from: one of them where another takes from it.
-    void walkBeyond(const QList<OssSnBaseNode *> &starts);
-
-protected:
-    virtual void visit(OssSnBaseNode *node) = 0;
-
-    /// Whether what feeds the input is visited.
-    virtual bool enters(const OssSnBaseNode *, const QString &) const { return true; }
-
-private:
-    QList<OssSnBaseNode *> next(OssSnBaseNode *node) const;
-    QList<OssSnBaseNode *> insideOf(const OssSnBaseNode *node) const;
-
-    bool m_throughGroups;
-};
-
-/// The same along what takes from a node.
-class OSSMODEL_EXPORT OssNodeWalkerDownstream
-{
-public:
-    explicit OssNodeWalkerDownstream(bool throughGroups = false)
-        : m_throughGroups(throughGroups)
-    {
-    }
-
-    OssNodeWalkerDownstream(const OssNodeWalkerDownstream &) = delete;
-    OssNodeWalkerDownstream &operator=(const OssNodeWalkerDownstream &) = delete;
-    virtual ~OssNodeWalkerDownstream() = default;
-
-    void walk(OssSnBaseNode *start);
-    void walkBeyond(const QList<OssSnBaseNode *> &starts);
-
-protected:
-    virtual void visit(OssSnBaseNode *node) = 0;
-
-    /// Whether `node`, which takes from an output at its input, is visited.
-    virtual bool enters(const OssSnBaseNode *, const QString &) const { return true; }
-
-    /// Whether the walk leaves `node` through the output.
-    virtual bool leaves(const OssSnBaseNode *, const QString &) const { return true; }
-
-private:
-    QList<OssSnBaseNode *> next(OssSnBaseNode *node) const;
-
-    bool m_throughGroups;
-};
-
 /// The input that carries on the stream of a node: the base of a merge, else the first connected
 /// preferred one, else the first connected one. Empty when there is none.
 OSSMODEL_EXPORT QString streamInput(const OssSnBaseNode *node);

@@ -104,7 +104,10 @@ private:
     void makeBar(class QAction *deleteAll);
     QWidget *makePanel(OssSnBaseNode *node);
     void addGroupButtons(QWidget *panel, OssSnBaseNode *node);
+    static QString frameStyle(const OssSnBaseNode *node, const QWidget *panel);
     void followNode(OssSnBaseNode *node);
+    /// Takes the panel out of the list and deletes it when control is back in the event loop.
+    void dismiss(QWidget *panel);
     void insertBeside(OssSnBaseNode *node, const OssSnBaseNode *target, int offset);
     /// Whether a change of the attribute is one that the node's panel shows.
     static bool isVisibleAttribute(const OssSnBaseNode *node, const QString &name);

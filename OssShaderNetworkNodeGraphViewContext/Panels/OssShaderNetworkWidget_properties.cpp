@@ -4,30 +4,24 @@
 #include "OssCore/OssResourceInfo.h"
 #include "OssCore/OssSettings.h"
 #include "OssCore/OssStatusManager.h"
-#include "OssGroupNodeKnobWidget.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
-#include "OssInterface/Properties/OssNodePropertyPanel.h"
 #include "OssInterface/Widgets/OssExpandableListHeading.h"
 #include "OssInterface/Widgets/OssExpandableListWidget.h"
 #include "OssInterface/Widgets/OssFormLayout.h"
-#include "OssInterface/Widgets/OssMiniButton.h"
-#include "OssModel/Graph/OssSnGroupNode.h"
-#include "OssModel/Layers/OssLayerShader.h"
-#include "OssModel/Layers/OssLayerShaderManager.h"
-#include "OssModel/Layers/OssLayerShaderUtils.h"
 #include "OssModel/Nodes/OssSnChannelInputNode.h"
 #include "OssShaderNetworkView.h"
-#include "OssSnGroupNodeGraphViewContext.h"
-#include "Panels/PropertyPanelFrame.h"
 
 #include <QAction>
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QIntValidator>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QVBoxLayout>
+
+// The list of panels. What a panel is made of: OssShaderNetworkWidget_panel.cpp.
 
 namespace {
 
@@ -35,38 +29,6 @@ constexpr const char *Source = "OssShaderNetworkWidget";
 const QString SettingsGroup = QStringLiteral("OssSnNodePropertiesWidget");
 const QString MaxPanelsKey = QStringLiteral("MaxPanels");
 constexpr int MaxPanelsDefault = 10;
-constexpr const char *GroupNodeProperty = "GroupNode";
-
-QString panelName(const OssSnBaseNode *node)
-{
-    QString name = node->uuidString();
-    name.remove(QLatin1Char('{')).remove(QLatin1Char('}'));
-    return name;
-}
-
-const QColor DefaultFrame(0, 0, 255, 255);
-
-OssPropertyPanelOptions optionsFor(OssSnBaseNode *node)
-{
-    OssPropertyPanelOptions options;
-    if (!OssLayerShaderUtils::isLayerShaderNode(node))
-        return options;
-    if (!node->hasTag(QStringLiteral("_respectShaderGroupNodeAttributeOrder"))) {
-        for (const char *pattern :
-             {"Diffuse.*", "Specular.*", "Environment.*", "Ambient.*", "Emissive.*", "Bump.*",
-              "Normal.*", "Vector.*", "Displacement.*"})
-            options.sectionOrder.append(QRegularExpression(QLatin1String(pattern)));
-    }
-    const OssLayerShader *shader = OssLayerShaderManager::instance()->getLayerShader(node);
-    if (shader && shader->isStackShader())
-        options.hiddenSections.append(QStringLiteral("Displacement"));
-    options.nodeProperties.append(QStringLiteral("name"));
-    options.nodePropertyPaths.append(QStringLiteral("/Node"));
-    options.showNodeProperties = true;
-    options.orderSections = true;
-    options.foldUntouchedSections = true;
-    return options;
-}
 
 QList<OssExpandableListWidget *> sectionsOf(QWidget *panel)
 {
@@ -219,41 +181,6 @@ void OssSnNodePropertiesWidget::insertBeside(OssSnBaseNode *node, const OssSnBas
     createPropertyWidget(node, index < 0 ? 0 : index + offset);
 }
 
-QWidget *OssSnNodePropertiesWidget::makePanel(OssSnBaseNode *node)
-{
-    QWidget *made = new OssNodePropertyPanel(node, optionsFor(node), m_scrollArea->widget());
-    made->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
-    made->setAttribute(Qt::WA_DeleteOnClose);
-    made->setObjectName(panelName(node));
-    made->setStyleSheet(PropertyPanelFrame::styleSheet(node, made->objectName(), DefaultFrame));
-    addGroupButtons(made, node);
-    return made;
-}
-
-void OssSnNodePropertiesWidget::addGroupButtons(QWidget *panel, OssSnBaseNode *node)
-{
-    auto *group = qobject_cast<OssSnGroupNode *>(node);
-    const auto *list = qobject_cast<OssExpandableListWidget *>(panel);
-    if (!group || !list || !list->heading())
-        return;
-    const auto add = [&](int index, const QString &text, const QString &toolTip) {
-        auto *button = new OssMiniButton(text);
-        button->setToolTip(toolTip);
-        button->setAccessibleName(toolTip);
-        button->setAutoFillBackground(true);
-        button->setProperty(GroupNodeProperty, QVariant::fromValue<QObject *>(group));
-        list->heading()->insertWidget(index, button);
-        return button;
-    };
-    connect(add(0, QStringLiteral("p"),
-                tr("Choose which knobs and parameters should be included in the group")),
-            &QPushButton::clicked, this, &OssSnNodePropertiesWidget::showGroupNodeKnobWidget);
-    connect(
-        add(1, QStringLiteral("s"),
-            tr("Open Group Node subgraph (%1+Enter, %1+Doube-click)").arg(QStringLiteral("Ctrl"))),
-        &QPushButton::clicked, this, &OssSnNodePropertiesWidget::showGroupNodeSubgraph);
-}
-
 void OssSnNodePropertiesWidget::followNode(OssSnBaseNode *node)
 {
     using Node = OssSnBaseNode;
@@ -303,6 +230,13 @@ QWidget *OssSnNodePropertiesWidget::createPropertyWidget(OssSnBaseNode *Node, in
 
 // --- closing
 
+void OssSnNodePropertiesWidget::dismiss(QWidget *panel)
+{
+    m_panelLayout->removeWidget(panel);
+    panel->hide();
+    panel->deleteLater();
+}
+
 void OssSnNodePropertiesWidget::deletePanelsExceedingMax()
 {
     if (!m_panelLayout)
@@ -313,11 +247,8 @@ void OssSnNodePropertiesWidget::deletePanelsExceedingMax()
         return;
     for (int i = n - 2; i >= max; --i) {
         QWidget *oldest = m_panelLayout->itemAt(i)->widget();
-        if (isPinned(oldest))
-            continue;
-        m_panelLayout->removeWidget(oldest);
-        oldest->hide();
-        oldest->deleteLater();
+        if (!isPinned(oldest))
+            dismiss(oldest);
     }
 }
 
@@ -331,11 +262,8 @@ void OssSnNodePropertiesWidget::onMaxPanelsEditingFinished()
 void OssSnNodePropertiesWidget::deleteAllProperties()
 {
     for (const QPointer<QWidget> &panel : qAsConst(m_panels)) {
-        if (!panel)
-            continue;
-        m_panelLayout->removeWidget(panel);
-        panel->hide();
-        panel->deleteLater();
+        if (panel)
+            dismiss(panel);
     }
     m_panels.clear();
 }
@@ -346,11 +274,8 @@ void OssSnNodePropertiesWidget::onNodeRemoved()
     const auto found = m_panels.find(static_cast<OssSnBaseNode *>(sender()));
     if (found == m_panels.end())
         return;
-    if (QWidget *panel = *found) {
-        m_panelLayout->removeWidget(panel);
-        panel->hide();
-        panel->deleteLater();
-    }
+    if (QWidget *panel = *found)
+        dismiss(panel);
     m_panels.erase(found);
 }
 
@@ -368,7 +293,7 @@ void OssSnNodePropertiesWidget::refreshPanel()
     QWidget *panel = m_panels.value(node);
     if (!panel)
         return;
-    const QString style = PropertyPanelFrame::styleSheet(node, panel->objectName(), DefaultFrame);
+    const QString style = frameStyle(node, panel);
     // A style sheet is worked out for every widget inside, so an equal one is not set again.
     if (panel->styleSheet() != style)
         panel->setStyleSheet(style);
@@ -417,10 +342,8 @@ void OssSnNodePropertiesWidget::refreshPropertiesForNode(OssSnBaseNode *Node)
     const QList<OssExpandableListWidget *> before = sectionsOf(panel);
     for (const OssExpandableListWidget *section : before)
         collapsed.insert(section->heading()->text(), section->isCollapsed());
-    m_panelLayout->removeWidget(panel);
-    panel->hide();
     m_panels.remove(Node);
-    panel->deleteLater();
+    dismiss(panel);
     const auto *old = qobject_cast<const OssExpandableListWidget *>(panel);
     QWidget *made = createPropertyWidget(Node, index);
     auto *list = qobject_cast<OssExpandableListWidget *>(made);
@@ -436,44 +359,6 @@ void OssSnNodePropertiesWidget::refreshPropertiesForNode(OssSnBaseNode *Node)
         else
             section->expand();
     }
-}
-
-// --- groups
-
-void OssSnNodePropertiesWidget::showGroupNodeKnobWidget()
-{
-    const auto *button = qobject_cast<QPushButton *>(sender());
-    if (!button)
-        return;
-    auto *group = qobject_cast<OssSnGroupNode *>(
-        button->property(GroupNodeProperty).value<QObject *>());
-    if (!group) {
-        OssDebug(Source, __LINE__, "GroupNode is NULL");
-        return;
-    }
-    OssGroupNodeKnobDialog dialog(group);
-    dialog.resize(600, 400);
-    dialog.exec();
-}
-
-void OssSnNodePropertiesWidget::showGroupNodeSubgraph()
-{
-    const auto *button = qobject_cast<QPushButton *>(sender());
-    if (!button)
-        return;
-    const auto *groupNode = qobject_cast<OssSnGroupNode *>(
-        button->property(GroupNodeProperty).value<QObject *>());
-    if (!groupNode) {
-        OssDebug(Source, __LINE__, "GroupNode is NULL");
-        return;
-    }
-    auto *context = qobject_cast<OssSnGroupNodeGraphViewContext *>(
-        groupNode->context(QStringLiteral("NodeGraphView")));
-    if (!context) {
-        OssDebug(Source, __LINE__, "Context is NULL");
-        return;
-    }
-    context->showGroupNodeTab();
 }
 
 // --- pointer

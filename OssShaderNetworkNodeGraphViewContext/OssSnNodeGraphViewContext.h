@@ -19,6 +19,10 @@ class OssShaderNetworkView;
 /// Binds a node of a network to its item in the network's scene and keeps the two in step for the
 /// node's whole life: the item is made and filled from the node, every later change of the node is
 /// shown, and what the user does to the item is done to the node.
+///
+/// The node owns the context, and the context the item. Places are scene coordinates of the item's
+/// upper left corner, sizes scene units. A context without an item, or whose node is gone, does
+/// nothing and answers with nothing. GUI thread.
 class OssSnNodeGraphViewContext : public OssSnBaseContext
 {
     Q_OBJECT
@@ -36,7 +40,8 @@ public:
     using StubMap = QHash<QString, Stub>;
     using TextPositionMap = QHash<QString, float>;
 
-    /// `node` is the business node, which owns the context. Without `withGui` there is no item.
+    /// `node` is the business node. Without `withGui` there is no item, nor while the node is in
+    /// no network.
     OssSnNodeGraphViewContext(QObject *node, bool withGui);
     ~OssSnNodeGraphViewContext() override;
 
@@ -76,7 +81,7 @@ public:
 
     /// Shows the wires that the model has: after loading, and whenever the two may differ.
     void updateGuiEdges();
-    /// Shows the port list as portListMode() says.
+    /// Gives the item the mode that this context keeps, and its labels but for NoPortList.
     void updatePortVisibility();
 
     // Virtual operations of the host's contexts.
@@ -101,17 +106,20 @@ public:
     /// Null for a context without an item.
     virtual OssNgNode *guiNode() const { return m_GuiNode.get(); }
 
-    /// The user connected an input on the item.
+    /// The user connected an input on the item: the node is, in one undo step, and merges upstream
+    /// get the colour space that this needs. A debug line when a name is empty.
     virtual void connectInputFromGui(OssSnBaseNode *source, const QString &inputName,
                                      const QString &outputPointName);
     /// Selects item and node, each only where it differs.
     virtual void applySelection(bool selected);
 
 public Q_SLOTS:
+    /// Of the item; the one it will be given where there is none that lists ports.
     OssNgExtendedNode::PortListMode portListMode() const;
 
     int portListModeAsInt() const { return int(portListMode()); }
 
+    /// Announced where anything changes. No undo step: it is how the user looks at the node.
     void setPortListMode(OssNgExtendedNode::PortListMode mode);
 
     void setPortListMode(int mode) { setPortListMode(PortListMode(mode)); }
@@ -122,31 +130,48 @@ public Q_SLOTS:
 
     QPointF nodePosition() const override;
     QSizeF nodeSize() const override;
+    /// Opens the tab of the node's network and brings the item into the middle of the view. Nothing
+    /// when the node graph shows another root network.
     void gotoNode();
     void setNodePosition(QPointF position) override;
+    /// Records a step, which joins the open macro.
     void setNodePositionUndo(QPointF position) override;
+    /// Only backdrops have a size of their own; what is not one stays.
     void setNodeSize(QSizeF size);
     void setNodeSizeUndo(QSizeF size) override;
+    /// The item's title; its ports are read from the node anew.
     virtual void setText(QString text);
 
 Q_SIGNALS:
     void portListModeChanged(OssNgExtendedNode::PortListMode mode);
+    /// Of the item.
     void hoveredChanged(bool Hovered);
 
 protected Q_SLOTS:
+    /// Whether node and inputs are off, and which wires carry on nothing because of it.
     void updateGuiEdgesBypassStates();
     void cachedChanged();
     void setToolTip(QString text);
+
+    // What the user did on the item, done to the node
+
+    /// Null disconnects. Nothing for an item that stands for no node.
     virtual void onGuiNodeInputChange(OssNgNode *newInput, QString inputName,
                                       QString outputPointName);
+    /// A node that stands for a port of the group around: the group's ports take the new order.
     void onGuiNodePosChanged(QPointF position);
+    /// Puts a dot node into the wire, in one undo step. Needs a current view.
     void onDotableMarkerClicked(OssNgEdge *edge);
+
+    // Changes of the node, shown on the item. Names that it does not have are passed over.
 
     void onParentNodeInputChange(QString inputName, OssSnBaseNode *source, QString outputPointName);
     void onParentNodeDetachOutput(QString outputPointName);
     void onParentNodeInputAdded(QString name);
+    /// Also for a new order of ports that are there.
     void onParentNodeInputListAdded(QStringList names);
 
+    /// Makes the ports anew; the stubs too with `Adjust`. Wires stay.
     void onParentNodeInputsRefreshed() { onParentNodeInputsRefreshed(true); }
 
     void onParentNodeInputsRefreshed(bool Adjust);
@@ -165,6 +190,7 @@ protected Q_SLOTS:
     void onParentNodeGuiActiveChanged(bool active);
     void onParentInputIsShared(QString name);
     void onInputEnabledChanged(QString name, bool enabled);
+    /// The node was selected or not.
     virtual void selectGuiNode(bool selected);
 
     /// Appends the symmetrical multipliers of Count stubs, [-1, 0, 1] for 3 and [-2, -1, 1, 2] for
@@ -176,14 +202,24 @@ protected Q_SLOTS:
                           const TextPositionMap &InitialTextPositionMap, StubMap &PositionMap,
                           int Factor = 1);
     void onUpdateSystemShaderStatus();
+    /// Has the viewer look at the node, in one undo step. Needs a current view.
     void onViewerAttachedToNode(int InputNumber = 1);
+    /// Only for a viewer: lights the wire that is looked at.
     void onViewerNodeCurrentEdgeChanged(int edge);
+    /// Only for a viewer: the wire at its input 0 is the application's.
     void updateViewerNodeVirtualEdge();
+    /// Fresh multi-channel nodes list their ports as the preference says.
     void onNewNodeAdded();
+    /// Pretty names of all nodes, descriptive ones of multi-channel nodes; of both sides, whichever
+    /// is called.
     void updateDescriptiveNames();
     void updateDescriptiveInputNames();
     void updateDescriptiveOutputNames();
     void onHoveredChanged(bool hovered);
+
+    // The node asks for a place: the current view moves the item, see PlacingView. Without a
+    // current view a debug line and nothing else.
+
     void onSetLayout(OssSnBaseNode::NodeLayoutType Type, OssSnBaseNode *ReferenceNode,
                      bool FreshCoordinates, bool PreventOverlap);
     void onNodePositionedManual(OssSnBaseNode *ReferenceNode, QPointF Offset);
@@ -193,6 +229,7 @@ protected Q_SLOTS:
     void onNodeSyncedUnderneathNode(OssSnBaseNode *ReferenceNode,
                                     bool IgnoreContainerOfPreviousNode);
     void onUniformariseContainers(QList<OssSnBaseNode *> LayerListNode);
+    /// Moves the item until it lies on no other node.
     void placeNode() override;
 
 protected:

@@ -4,6 +4,7 @@
 #include "Manager/OssSnNodeGraphScene.h"
 #include "Manager/OssSnNodeGraphViewContextLoader.h"
 #include "OssCore/OssDebug.h"
+#include "OssCore/OssUndoManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
@@ -31,6 +32,16 @@ auto findByAddress(QHash<OssShaderNetwork *, Value> &table, const QObject *netwo
     while (entry != table.end() && static_cast<QObject *>(entry.key()) != network)
         ++entry;
     return entry;
+}
+
+/// With a debug line for the first that is not.
+bool areThere(const OssShaderNetwork *network, const OssSnBaseNode *node)
+{
+    if (!network)
+        OssDebug(Source, __LINE__, "Network is NULL");
+    else if (!node)
+        OssDebug(Source, __LINE__, "Node is NULL");
+    return network && node;
 }
 
 } // namespace
@@ -114,6 +125,23 @@ void OssSnNodeGraphViewContextManager::connectToHost()
 OssShaderNetworkView *OssSnNodeGraphViewContextManager::currentView() const
 {
     return m_nodeGraphWidget ? m_nodeGraphWidget->currentView() : nullptr;
+}
+
+OssShaderNetworkView *OssSnNodeGraphViewContextManager::viewOrComplain() const
+{
+    if (!m_nodeGraphWidget) {
+        OssDebug(Source, __LINE__, "GraphWidget is NULL");
+        return nullptr;
+    }
+    QWidget *page = m_nodeGraphWidget->currentWidget();
+    if (!page) {
+        OssDebug(Source, __LINE__, "PageWidget is NULL");
+        return nullptr;
+    }
+    auto *view = qobject_cast<OssShaderNetworkView *>(page);
+    if (!view)
+        OssDebug(Source, __LINE__, "GraphView is NULL");
+    return view;
 }
 
 OssSnNodeGraphWidget *OssSnNodeGraphViewContextManager::nodeGraphWidget() const
@@ -234,14 +262,8 @@ void OssSnNodeGraphViewContextManager::onProjectClosing()
 void OssSnNodeGraphViewContextManager::onNodeRegistered(OssShaderNetwork *Network,
                                                         OssSnBaseNode *Node)
 {
-    if (!Network) {
-        OssDebug(Source, __LINE__, "Network is NULL");
+    if (!areThere(Network, Node))
         return;
-    }
-    if (!Node) {
-        OssDebug(Source, __LINE__, "Node is NULL");
-        return;
-    }
     QGraphicsScene *scene = sceneForNetwork(Network);
     if (!scene) {
         OssDebug(Source, __LINE__, "Scene is NULL");
@@ -272,14 +294,8 @@ void OssSnNodeGraphViewContextManager::onNodeRegistered(OssShaderNetwork *Networ
 void OssSnNodeGraphViewContextManager::onNodeDeregistered(OssShaderNetwork *Network,
                                                           OssSnBaseNode *Node)
 {
-    if (!Network) {
-        OssDebug(Source, __LINE__, "Network is NULL");
+    if (!areThere(Network, Node))
         return;
-    }
-    if (!Node) {
-        OssDebug(Source, __LINE__, "Node is NULL");
-        return;
-    }
     QGraphicsScene *scene = m_scenes.value(Network);
     if (!scene)
         return;
@@ -315,4 +331,16 @@ void OssSnNodeGraphViewContextManager::onAfterShaderNetworkEndCollection(OssShad
 void OssSnNodeGraphViewContextManager::onContextInitialised(OssSnNodeGraphViewContext *context)
 {
     Q_EMIT contextInitialised(context);
+}
+
+void OssSnNodeGraphViewContextManager::onGroupPortNodeMoved(OssShaderNetwork *network, bool input)
+{
+    OssSnGroupNode *group = groupOfNetwork(network);
+    // What undo and redo move, they put into order themselves.
+    if (!group || !OssUndoManager::instance()->isRecording())
+        return;
+    if (input)
+        reorderGroupInputsByPos(group);
+    else
+        reorderGroupOutputsByPos(group);
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCore/OssSerializableObject.h"
+#include "Manager/NodeGraphArranger.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 
 #include <QGraphicsScene>
@@ -10,16 +10,15 @@
 class OssChannel;
 class OssPalette;
 class OssProject;
-class OssShaderNetworkView;
-class OssSnGroupNode;
 class OssSnNodeGraphViewContext;
 class OssSnNodeGraphWidget;
 class OssSnNodePropertiesWidget;
 
 /// Ties the node graph to the host's networks: one scene for each network, the palette with its
 /// tabs, the items of registered nodes in the right scene, answers to the host's requests, and the
-/// node-graph preferences. One for the process, made on first use. GUI thread.
-class OssSnNodeGraphViewContextManager : public OssSerializableObject
+/// node-graph preferences. One for the process, made on first use. A slot that lacks an object it
+/// needs does nothing, most with a debug line. GUI thread.
+class OssSnNodeGraphViewContextManager : public NodeGraphArranger
 {
     Q_OBJECT
     Q_PROPERTY(QString controlType READ controlType WRITE setControlType RESET resetControlType
@@ -77,9 +76,11 @@ public:
     OssSnNodePropertiesWidget *nodePropertiesWidget() const;
     /// The network's scene, made on first need and owned here. Null for a null network.
     QGraphicsScene *sceneForNetwork(OssShaderNetwork *network);
+    /// Known until the project closes.
     void registerGroupNetwork(OssShaderNetwork *network, OssSnGroupNode *groupNode);
     /// The group whose inside the network is; null when its context registered none.
     OssSnGroupNode *groupOfNetwork(OssShaderNetwork *network) const;
+    /// As the network was looked at before; framed the first time. Null leaves the view empty.
     void showNetworkInView(OssShaderNetwork *network, OssShaderNetworkView *view);
 
     /// A context has its item and its wiring.
@@ -94,46 +95,48 @@ public:
     QString prettyPropertyName(const QString &Name) const override;
 
 public Q_SLOTS:
+    // Networks and projects
+    /// The root view shows it.
     void onCurrentShaderNetworkChanged(OssShaderNetwork *Network);
     void onShaderNetworkAdded(OssShaderNetwork *Network);
+    /// Brings the node's item and wires into the network's scene. A wire stands where its target
+    /// does.
     void onNodeRegistered(OssShaderNetwork *Network, OssSnBaseNode *Node);
+    /// Takes them out again; the node's context keeps them.
     void onNodeDeregistered(OssShaderNetwork *Network, OssSnBaseNode *Node);
+    /// Deletes the scene of a network that is dying.
     void onShaderNetworkDestroyed(QObject *Obj);
+    /// Forgets where in it the user was.
     void onNetworkDestroyed(QObject *Obj);
     void onProjectClosing();
     void onProjectOpenCompleted();
+    /// Shows the wires of a network that was read.
     void onAfterShaderNetworkEndCollection(OssShaderNetwork *Network);
     void updatePortVisibility();
     void onProjectMadeCurrentUpgradeOldBadBackdrops(OssProject *Project);
+
+    // Requests
+    /// Shows the node graph, and in it the node, selected. Without a node only the graph.
     void focusOnNode(OssSnBaseNode *Node);
+    /// Moves To's item to where From's is, as one step; nothing when one has no item.
     void matchNodePosition(OssSnBaseNode *From, OssSnBaseNode *To);
+    /// After, resp. before, the panel of the target. `Undo` makes no difference.
     void showNodePropertiesAtPositionEnd(OssSnBaseNode *Node, OssSnBaseNode *Target, bool Undo);
     void showNodePropertiesAtPositionBegin(OssSnBaseNode *Node, OssSnBaseNode *Target, bool Undo);
     void showNodeProperties(OssSnBaseNode *Node);
     void showPropertiesPalette();
     void showNodeGraphPalette();
+    /// Marks the nodes of the current root network that read the channel, and no others.
     void highlightCurrentImageSetNode(OssChannel *pImageSet);
     void onDebugNodesChanged(OssShaderNetworkManager::DebugNodes rNewNodes,
                              OssShaderNetworkManager::DebugInputs rNewInputs,
                              OssShaderNetworkManager::DebugNodes rOldNodes,
                              OssShaderNetworkManager::DebugInputs rOldInputs);
     void onNodePropertiesHoverChanged(OssSnBaseNode *MouseOver, OssSnBaseNode *OldMouseOver);
+    /// The selected nodes list their ports as the sending action says ("Mode").
     void onNodeCollapsedModeChanged();
     /// Makes a node of the sender's type of every selected image of the project.
     void addImageAs();
-
-    /// Lays out the selected nodes and what feeds them; without a selection, everything from the
-    /// last nodes of all streams. One undo step.
-    void beautifyNodesLayout();
-    void beautifyNodesLayout(OssShaderNetwork *Network);
-    void beautifyNodesLayout(OssShaderNetwork *Network, OssSnBaseNode *Node);
-    void beautifyNodesLayout(OssShaderNetwork *Network, QList<OssSnBaseNode *> Nodes);
-    void beautifyNodesLayout(OssShaderNetwork *Network, QList<OssSnBaseNode *> Nodes,
-                             bool ArrangeFromLeavesIfEmpty);
-    void reorderGroupInputsByPos(OssSnGroupNode *GroupNode);
-    void reorderGroupOutputsByPos(OssSnGroupNode *GroupNode);
-    /// Gives the input nodes inside a group each other's places, from top to bottom in the order.
-    void arrangeGroupInputNodesByOrder(OssShaderNetwork *GroupNetwork, QStringList InputOrder);
 
     // Preferences: see the table in the source.
     QString controlType() const { return m_controlType; }
@@ -258,12 +261,9 @@ Q_SIGNALS:
     void numberOfLastUsedNodePathsToStoreChanged(int Count);
     void contextInitialised(OssSnNodeGraphViewContext *context);
 
-protected Q_SLOTS:
-    void autoLayoutNodes(OssShaderNetwork *StartNetwork, QList<OssSnBaseNode *> StartNodes,
-                         bool ArrangeFromLeavesIfEmpty);
-
 private:
     OssSnNodeGraphViewContextManager();
+    OssShaderNetworkView *viewOrComplain() const override;
     void registerPreferences();
     void registerClassFactories();
     void connectToHost();

@@ -282,13 +282,10 @@ void OssSnNodeGraphViewContextManager::onNodeCollapsedModeChanged()
     if (missing(sender(), "sender() is NULL"))
         return;
     const auto *action = qobject_cast<QAction *>(sender());
-    if (missing(action, "Action is NULL") || missing(m_nodeGraphWidget, "GraphWidget is NULL"))
+    if (missing(action, "Action is NULL"))
         return;
-    QWidget *page = m_nodeGraphWidget->currentWidget();
-    if (missing(page, "PageWidget is NULL"))
-        return;
-    const auto *view = qobject_cast<OssShaderNetworkView *>(page);
-    if (missing(view, "GraphView is NULL") || missing(view->network(), "Network is NULL"))
+    const OssShaderNetworkView *view = viewOrComplain();
+    if (!view || missing(view->network(), "Network is NULL"))
         return;
     const int mode = action->property("Mode").toInt();
     const QList<OssSnBaseNode *> nodes = view->network()->selectedNodes();

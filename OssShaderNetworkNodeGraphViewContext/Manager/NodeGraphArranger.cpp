@@ -1,4 +1,4 @@
-#include "OssSnNodeGraphViewContextManager.h"
+#include "Manager/NodeGraphArranger.h"
 
 #include "Layout/ColumnLayout.h"
 #include "OssCore/OssDebug.h"
@@ -10,7 +10,7 @@
 #include "OssNodeGraph/Items/OssNgBackdropNodeRectChangeUndo.h"
 #include "OssNodeGraph/Items/OssNgNodePositionChangeUndo.h"
 #include "OssShaderNetworkView.h"
-#include "OssShaderNetworkWidget.h"
+#include "OssSnNodeGraphViewContextManager.h"
 
 #include <algorithm>
 
@@ -190,26 +190,13 @@ QVector<int> startIndexes(const QList<OssSnBaseNode *> &startNodes, const Pictur
 
 } // namespace
 
-void OssSnNodeGraphViewContextManager::beautifyNodesLayout()
+void NodeGraphArranger::beautifyNodesLayout()
 {
-    if (!m_nodeGraphWidget) {
-        OssDebug(Source, __LINE__, "GraphWidget is NULL");
-        return;
-    }
-    QWidget *page = m_nodeGraphWidget->currentWidget();
-    if (!page) {
-        OssDebug(Source, __LINE__, "PageWidget is NULL");
-        return;
-    }
-    const auto *view = qobject_cast<OssShaderNetworkView *>(page);
-    if (!view) {
-        OssDebug(Source, __LINE__, "GraphView is NULL");
-        return;
-    }
-    beautifyNodesLayout(view->network());
+    if (const OssShaderNetworkView *view = viewOrComplain())
+        beautifyNodesLayout(view->network());
 }
 
-void OssSnNodeGraphViewContextManager::beautifyNodesLayout(OssShaderNetwork *Network)
+void NodeGraphArranger::beautifyNodesLayout(OssShaderNetwork *Network)
 {
     if (!Network) {
         OssDebug(Source, __LINE__, "Network is NULL");
@@ -218,8 +205,7 @@ void OssSnNodeGraphViewContextManager::beautifyNodesLayout(OssShaderNetwork *Net
     beautifyNodesLayout(Network, Network->selectedNodes(), true);
 }
 
-void OssSnNodeGraphViewContextManager::beautifyNodesLayout(OssShaderNetwork *Network,
-                                                           OssSnBaseNode *Node)
+void NodeGraphArranger::beautifyNodesLayout(OssShaderNetwork *Network, OssSnBaseNode *Node)
 {
     if (!Network) {
         OssDebug(Source, __LINE__, "Network is NULL");
@@ -232,15 +218,13 @@ void OssSnNodeGraphViewContextManager::beautifyNodesLayout(OssShaderNetwork *Net
     beautifyNodesLayout(Network, QList<OssSnBaseNode *>{Node}, false);
 }
 
-void OssSnNodeGraphViewContextManager::beautifyNodesLayout(OssShaderNetwork *Network,
-                                                           QList<OssSnBaseNode *> Nodes)
+void NodeGraphArranger::beautifyNodesLayout(OssShaderNetwork *Network, QList<OssSnBaseNode *> Nodes)
 {
     beautifyNodesLayout(Network, Nodes, false);
 }
 
-void OssSnNodeGraphViewContextManager::beautifyNodesLayout(OssShaderNetwork *Network,
-                                                           QList<OssSnBaseNode *> Nodes,
-                                                           bool ArrangeFromLeavesIfEmpty)
+void NodeGraphArranger::beautifyNodesLayout(OssShaderNetwork *Network, QList<OssSnBaseNode *> Nodes,
+                                            bool ArrangeFromLeavesIfEmpty)
 {
     if (!Network) {
         OssDebug(Source, __LINE__, "Network is NULL");
@@ -250,9 +234,9 @@ void OssSnNodeGraphViewContextManager::beautifyNodesLayout(OssShaderNetwork *Net
     autoLayoutNodes(Network, Nodes, ArrangeFromLeavesIfEmpty);
 }
 
-void OssSnNodeGraphViewContextManager::autoLayoutNodes(OssShaderNetwork *StartNetwork,
-                                                       QList<OssSnBaseNode *> StartNodes,
-                                                       bool ArrangeFromLeavesIfEmpty)
+void NodeGraphArranger::autoLayoutNodes(OssShaderNetwork *StartNetwork,
+                                        QList<OssSnBaseNode *> StartNodes,
+                                        bool ArrangeFromLeavesIfEmpty)
 {
     if (!StartNetwork || (StartNodes.isEmpty() && !ArrangeFromLeavesIfEmpty))
         return;
@@ -312,7 +296,7 @@ QStringList merged(const QStringList &present, const QStringList &sorted)
 
 } // namespace
 
-void OssSnNodeGraphViewContextManager::reorderGroupInputsByPos(OssSnGroupNode *GroupNode)
+void NodeGraphArranger::reorderGroupInputsByPos(OssSnGroupNode *GroupNode)
 {
     if (!GroupNode) {
         OssDebug(Source, __LINE__, "GroupNode is NULL");
@@ -323,7 +307,7 @@ void OssSnNodeGraphViewContextManager::reorderGroupInputsByPos(OssSnGroupNode *G
         GroupNode->reorderInputs(merged(GroupNode->inputNames(), namesFromTopToBottom(nodes)));
 }
 
-void OssSnNodeGraphViewContextManager::reorderGroupOutputsByPos(OssSnGroupNode *GroupNode)
+void NodeGraphArranger::reorderGroupOutputsByPos(OssSnGroupNode *GroupNode)
 {
     if (!GroupNode) {
         OssDebug(Source, __LINE__, "GroupNode is NULL");
@@ -335,8 +319,8 @@ void OssSnNodeGraphViewContextManager::reorderGroupOutputsByPos(OssSnGroupNode *
             merged(GroupNode->outputPointNames(), namesFromTopToBottom(nodes)));
 }
 
-void OssSnNodeGraphViewContextManager::arrangeGroupInputNodesByOrder(OssShaderNetwork *GroupNetwork,
-                                                                     QStringList InputOrder)
+void NodeGraphArranger::arrangeGroupInputNodesByOrder(OssShaderNetwork *GroupNetwork,
+                                                      QStringList InputOrder)
 {
     if (!GroupNetwork) {
         OssDebug(Source, __LINE__, "Network is NULL");
@@ -347,8 +331,9 @@ void OssSnNodeGraphViewContextManager::arrangeGroupInputNodesByOrder(OssShaderNe
     QVector<QPointF> places;
     for (const QString &name : qAsConst(InputOrder)) {
         const OssSnBaseNode *node = GroupNetwork->node(name);
-        OssNgNode *item = node && node->hasTag(QStringLiteral("_input")) ? guiNodeOf(node)
-                                                                         : nullptr;
+        OssNgNode *item = node && node->hasTag(QStringLiteral("_input"))
+                              ? OssSnNodeGraphViewContextManager::guiNodeOf(node)
+                              : nullptr;
         if (!item || items.contains(item))
             continue;
         items.append(item);
@@ -364,16 +349,4 @@ void OssSnNodeGraphViewContextManager::arrangeGroupInputNodesByOrder(OssShaderNe
         items.at(i)->setPosition(places.at(i));
         macro.addUndo(new OssNgNodePositionChangeUndo(items.at(i)));
     }
-}
-
-void OssSnNodeGraphViewContextManager::onGroupPortNodeMoved(OssShaderNetwork *network, bool input)
-{
-    OssSnGroupNode *group = groupOfNetwork(network);
-    // What undo and redo move, they put into order themselves.
-    if (!group || !OssUndoManager::instance()->isRecording())
-        return;
-    if (input)
-        reorderGroupInputsByPos(group);
-    else
-        reorderGroupOutputsByPos(group);
 }

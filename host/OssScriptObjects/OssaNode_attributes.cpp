@@ -7,6 +7,7 @@
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Images/OssUdimPath.h"
 #include "OssModel/Nodes/OssSnBakePointNode.h"
 #include "OssModel/Objects/OssImageSet.h"
 #include "OssScriptObjects/OssaImageSet.h"
@@ -203,7 +204,7 @@ QStringList Node::bake(const QString &path, int resolution, const QList<int> &pa
     job.entity = own->network()->geoEntity();
     job.patches = patches.isEmpty() ? service->patches(job.entity) : patches;
     job.resolution = resolution;
-    if (job.patches.size() > 1 && !path.contains(QLatin1String("<UDIM>"))) {
+    if (job.patches.size() > 1 && !OssUdimPath::isPattern(path)) {
         fail(OssScriptException::NotAllowed,
              QStringLiteral("%1: several patches need \"<UDIM>\" in the path").arg(path));
         return {};
@@ -218,7 +219,7 @@ QStringList Node::bake(const QString &path, int resolution, const QList<int> &pa
     }
     QStringList files;
     for (const int patch : qAsConst(job.patches))
-        files.append(QString(path).replace(QLatin1String("<UDIM>"), QString::number(patch)));
+        files.append(OssUdimPath::file(path, patch));
     return files;
 }
 

@@ -99,8 +99,7 @@ Image *Project::addImage(const QString &path)
 {
     if (!wrapped<OssProject>())
         return nullptr;
-    const OssResult checked = path.contains(QLatin1String("<UDIM>")) ? OssResult()
-                                                                     : OssImageManager::check(path);
+    const OssResult checked = OssImageManager::check(path);
     const QList<OssImageManager::ImageLayer> layers = checked
                                                           ? OssImageManager::instance()->open(
                                                               path, OssImageManager::GatherPatches,

@@ -3,9 +3,10 @@
 #include "OssEvaluation/Files/OssEvColorSpaces.h"
 #include "OssEvaluation/Files/OssEvFile.h"
 #include "OssEvaluation/Files/OssEvImageFiles.h"
-#include "OssEvaluation/Files/OssEvImageWriter.h"
+#include "OssEvaluation/Files/OssEvImageFormat.h"
 #include "OssEvaluation/Files/OssEvUdim.h"
 
+#include <OpenImageIO/imageio.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
@@ -57,7 +58,6 @@ protected:
         OssEvBake::Job result;
         result.target = target(graph, node, size);
         result.path = path(name);
-        OssEvImageWriter::formatOf(name, &result.format);
         return result;
     }
 
@@ -301,6 +301,28 @@ TEST_F(Files, displayValuesBecomeLinearAndDataStaysAsItIs)
         << "a single channel is no color";
 }
 
+TEST_F(Files, everyFormatIsReadAndThoseThatSaySoAreWritten)
+{
+    OssEvGraphBuilder builder;
+    builder.addNode("Color", "constant", {{"Color", OssEvColor{0.25F, 0.5F, 0.75F, 1}}});
+    const auto graph = builder.finish();
+    for (const OssEvImageFormat &format : OssEvImageFormat::all()) {
+        for (const std::string_view suffix : format.suffixes) {
+            const std::string name = "made." + std::string(suffix);
+            EXPECT_EQ(OssEvImageFormat::ofFile(path(name)), &format) << name;
+            EXPECT_NE(OIIO::ImageInput::create(std::string(suffix)), nullptr) << name;
+            const OssEvResult baked = OssEvBake::run(engine.get(), job(graph, "Color", name, 64));
+            EXPECT_EQ(baked.ok(), format.writer != nullptr) << name;
+            OssEvImageHeader header;
+            EXPECT_EQ(OssEvImageFiles::readHeader(path(name), &header).ok(), baked.ok()) << name;
+        }
+    }
+    const OssEvResult refused = OssEvBake::run(engine.get(), job(graph, "Color", "made", 64));
+    EXPECT_EQ(refused.error(),
+              "Cannot write \"" + path("made") + "\": images are written as .exr, .png or .tif");
+    EXPECT_EQ(OssEvImageFormat::ofFile("made.EXR"), &OssEvImageFormat::usual());
+}
+
 TEST_F(Files, patchesHaveFilesOfTheirOwn)
 {
     for (const int patch : {1001, 1003}) {
@@ -321,6 +343,8 @@ TEST_F(Files, patchesHaveFilesOfTheirOwn)
     EXPECT_FALSE(readBack("none.<UDIM>.exr").outcome.ok());
     EXPECT_EQ(OssEvUdim::pattern("a/IMG_1234.jpg"), "a/IMG_1234.jpg") << "a photo's number";
     EXPECT_EQ(OssEvUdim::pattern("a/rock.1011.exr"), "a/rock.<UDIM>.exr");
+    EXPECT_EQ(OssEvUdim::pattern("a/rock-1011.exr"), "a/rock-1011.exr");
+    EXPECT_EQ(OssEvUdim::file("<UDIM>/rock.<UDIM>.exr", 1011), "1011/rock.1011.exr");
     EXPECT_EQ(OssEvUdim::pattern("a/rock.0011.exr"), "a/rock.0011.exr");
     EXPECT_EQ(OssEvUdim::pattern("1001"), "1001");
 }

@@ -155,7 +155,6 @@ OssEvResult OssEvBake::run(OssEvEngine *engine, const Job &job)
     description.width = frame.width;
     description.height = frame.height;
     description.channels = plan->stages().back().channels;
-    description.format = job.format;
     description.isData = job.isData;
     description.isPrecise = job.isPrecise;
     std::unique_ptr<OssEvImageWriter> writer;

@@ -15,8 +15,8 @@ namespace OssEvBake {
 struct Job
 {
     OssEvTarget target;
+    /// Its suffix says the format.
     std::string path;
-    OssEvImageWriter::Format format = OssEvImageWriter::Format::Exr;
     /// Numbers instead of colours.
     bool isData = false;
     /// 32 bits in formats that have floats.

@@ -2,9 +2,9 @@
 
 #include "OssEvaluation/Files/ImageWriters.h"
 #include "OssEvaluation/Files/OssEvColorSpaces.h"
+#include "OssEvaluation/Files/OssEvImageFormat.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <exception>
 
@@ -45,36 +45,18 @@ OssEvResult OssEvImageWriter::open(const std::string &path, const Description &d
 {
     if (description.width <= 0 || description.height <= 0)
         return OssEvResult::failure("Cannot write \"" + path + "\": it has no texels");
+    const OssEvImageFormat *format = OssEvImageFormat::ofFile(path);
+    if (format == nullptr || format->writer == nullptr)
+        return OssEvResult::failure("Cannot write \"" + path + "\": images are written as "
+                                    + OssEvImageFormat::writtenInWords("."));
     try {
-        if (description.format == Format::Exr)
-            *writer = OssEvWriters::exr(path, description);
-        else if (description.format == Format::Png)
-            *writer = OssEvWriters::png(path, description);
-        else
-            *writer = OssEvWriters::tiff(path, description);
+        *writer = format->writer(path, description);
         return {};
     } catch (const std::exception &fault) {
         const std::string reason = fault.what();
         const bool complete = reason.rfind("Cannot write", 0) == 0;
         return OssEvResult::failure(complete ? reason : "Cannot write \"" + path + "\": " + reason);
     }
-}
-
-bool OssEvImageWriter::formatOf(const std::string &path, Format *format)
-{
-    const std::size_t dot = path.rfind('.');
-    std::string suffix = dot == std::string::npos ? "" : path.substr(dot + 1);
-    std::transform(suffix.begin(), suffix.end(), suffix.begin(),
-                   [](unsigned char c) { return char(std::tolower(c)); });
-    if (suffix == "exr")
-        *format = Format::Exr;
-    else if (suffix == "png")
-        *format = Format::Png;
-    else if (suffix == "tif" || suffix == "tiff")
-        *format = Format::Tiff;
-    else
-        return false;
-    return true;
 }
 
 int OssEvWriters::rowsLeft(const Description &description, int written)

@@ -13,33 +13,21 @@
 class OSSEVALUATION_EXPORT OssEvImageWriter
 {
 public:
-    enum class Format {
-        /// Half floats, or floats for data; PIZ.
-        Exr,
-        /// 16 bits, not premultiplied.
-        Png,
-        /// 16 bits, not premultiplied.
-        Tiff
-    };
-
     struct Description
     {
         int width = 0;
         int height = 0;
         /// 1, 3 or 4.
         int channels = 4;
-        Format format = Format::Exr;
         /// Numbers instead of colours: no display values in files of whole numbers.
         bool isData = false;
         /// 32 bits in formats that have floats.
         bool isPrecise = false;
     };
 
+    /// The path's suffix says which OssEvImageFormat.
     static OssEvResult open(const std::string &path, const Description &description,
                             std::unique_ptr<OssEvImageWriter> *writer);
-
-    /// By suffix; false for one that cannot be written.
-    static bool formatOf(const std::string &path, Format *format);
 
     OssEvImageWriter() = default;
     OssEvImageWriter(const OssEvImageWriter &) = delete;

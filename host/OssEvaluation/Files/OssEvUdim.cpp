@@ -12,8 +12,8 @@
 namespace {
 
 constexpr std::size_t Digits = 4;
-constexpr std::string_view Token = "<UDIM>";
-constexpr std::array<std::string_view, 2> Tokens{Token, "%(UDIM)d"};
+constexpr std::string_view Separators = "._-";
+constexpr std::array<std::string_view, 2> Tokens{OssEvUdim::Placeholder, "%(UDIM)d"};
 // Numbers up to here are patches in any pipeline; later ones are more likely frames or years.
 constexpr int LastUsual = 1999;
 
@@ -45,9 +45,10 @@ std::string OssEvUdim::pattern(const std::string &path)
     const std::size_t place = dot - Digits;
     const char separator = path[place - 1];
     const int number = numberAt(path, place);
-    if (number < OssEvPatch::First || number > LastUsual || (separator != '.' && separator != '_'))
+    if (number < OssEvPatch::First || number > LastUsual
+        || Separators.find(separator) == std::string_view::npos)
         return path;
-    const std::string result = path.substr(0, place) + std::string(Token) + path.substr(dot);
+    const std::string result = path.substr(0, place) + Placeholder + path.substr(dot);
     const bool sure = separator == '.' || isFile(file(result, OssEvPatch::First));
     return sure ? result : path;
 }
@@ -63,9 +64,10 @@ std::string OssEvUdim::file(const std::string &pattern, int patch)
 {
     std::string result = pattern;
     for (const std::string_view token : Tokens) {
-        const std::size_t place = result.find(token);
-        if (place != std::string::npos)
-            result.replace(place, token.size(), std::to_string(patch));
+        const std::string number = std::to_string(patch);
+        for (std::size_t place = result.find(token); place != std::string::npos;
+             place = result.find(token, place + number.size()))
+            result.replace(place, token.size(), number);
     }
     return result;
 }

@@ -2,8 +2,9 @@
 
 #include "OssInterface/Popups/OssFileDialog.h"
 #include "OssInterface/Widgets/OssMiniButton.h"
+#include "OssModel/Images/OssImageManager.h"
+#include "OssModel/Images/OssUdimPath.h"
 
-#include <QDir>
 #include <QDropEvent>
 #include <QFileInfo>
 #include <QHBoxLayout>
@@ -11,7 +12,6 @@
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPlainTextEdit>
-#include <QRegularExpression>
 #include <QStyle>
 #include <QUrl>
 
@@ -133,23 +133,13 @@ void OssFileEditor::showValue(const OssCustomAttribute &attribute, bool mixed)
 
 bool OssFileEditor::fileExists(const QString &path)
 {
-    const QFileInfo file(path);
-    if (file.exists())
-        return true;
-    QString pattern = file.fileName();
-    static const QRegularExpression placeHolder(
-        QStringLiteral("<UDIM>|\\$UDIM|%\\(UDIM\\)d|%04d|<UVTILE>|_u\\$U_v\\$V"),
-        QRegularExpression::CaseInsensitiveOption);
-    if (!pattern.contains(placeHolder))
-        return false;
-    pattern.replace(placeHolder, QStringLiteral("*"));
-    return !file.dir().entryList({pattern}, QDir::Files).isEmpty();
+    return QFileInfo::exists(path) || !OssUdimPath::patches(path).isEmpty();
 }
 
 void OssFileEditor::choose()
 {
     const QString path = OssFileDialog::getOpenFileName(
-        m_title, tr("Images (*.exr *.png *.tif *.tiff *.jpg *.jpeg *.tga *.hdr);;All files (*)"),
+        m_title, OssImageManager::fileFilter() + QStringLiteral(";;") + tr("All files (*)"),
         QStringLiteral("AttributeFilePath"), this);
     if (!path.isEmpty())
         Q_EMIT edited(path);

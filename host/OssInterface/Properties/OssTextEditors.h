@@ -47,8 +47,7 @@ class OssFileEditor : public OssLineEditor
 public:
     explicit OssFileEditor(QWidget *parent);
     void showValue(const OssCustomAttribute &attribute, bool mixed) override;
-    /// Whether there is such a file; a path with a place holder for patches (<UDIM>, %04d) stands
-    /// for any file of its pattern.
+    /// Whether there is such a file; a pattern (OssUdimPath) stands for any file of a patch.
     static bool fileExists(const QString &path);
 
 protected:

@@ -49,7 +49,7 @@ public:
     };
 
     /// Writes a file for each patch. "<UDIM>" in the path stands for the patch; the suffix says the
-    /// format: exr, png or tif. Returns when it is done, while events go on being handled; callers
+    /// format (OssEvImageFormat). Returns when it is done, while events go on being handled; callers
     /// see to it that they change nothing below the bake. Files are there whole or not at all.
     OssResult bake(const BakeJob &job, const QString &path);
 

@@ -1,6 +1,8 @@
 #include "OssModel/Evaluation/OssEvaluationService.h"
 
 #include "OssCore/OssAtomicFile.h"
+#include "OssEvaluation/Files/OssEvImageFormat.h"
+#include "OssEvaluation/Files/OssEvUdim.h"
 #include "OssEvaluation/Schedule/OssEvEngine.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Images/OssPixelStore.h"
@@ -91,9 +93,11 @@ OssResult OssEvaluationService::runBakes(std::vector<OssEvBake::Job> bakes,
 
 OssResult OssEvaluationService::bake(const BakeJob &job, const QString &path)
 {
-    OssEvImageWriter::Format format = OssEvImageWriter::Format::Exr;
-    if (!OssEvImageWriter::formatOf(path.toStdString(), &format))
-        return OssResult::failure(tr("%1: images are written as .exr, .png or .tif").arg(path));
+    const OssEvImageFormat *format = OssEvImageFormat::ofFile(path.toStdString());
+    if (!format || !format->writer)
+        return OssResult::failure(
+            tr("%1: images are written as %2")
+                .arg(path, QString::fromStdString(OssEvImageFormat::writtenInWords("."))));
     OssEvTarget target;
     const OssResult prepared = prepare(job, &target);
     if (!prepared)
@@ -106,9 +110,7 @@ OssResult OssEvaluationService::bake(const BakeJob &job, const QString &path)
         OssEvBake::Job bake;
         bake.target = target;
         bake.target.patch = patch;
-        bake.path =
-            QString(path).replace(QLatin1String("<UDIM>"), QString::number(patch)).toStdString();
-        bake.format = format;
+        bake.path = OssEvUdim::file(path.toStdString(), patch);
         bakes.push_back(bake);
     }
     return runBakes(std::move(bakes), job.onProgress);

@@ -28,7 +28,7 @@ public:
 
     void setPath(const QString &path) { m_path = path; }
 
-    bool isUdim() const { return m_path.contains(QLatin1String("<UDIM>")); }
+    bool isUdim() const;
 
     /// The file of a patch; the file itself when there is but one.
     QString pathOfPatch(int udim) const;

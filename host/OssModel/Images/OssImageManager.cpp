@@ -1,7 +1,9 @@
 #include "OssModel/Images/OssImageManager.h"
 
 #include "OssCore/OssDebug.h"
+#include "OssEvaluation/Files/OssEvImageFormat.h"
 #include "OssModel/Images/OssImage.h"
+#include "OssModel/Images/OssUdimPath.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -9,29 +11,10 @@
 #include <QFileInfo>
 #include <QImageReader>
 #include <QMimeData>
-#include <QRegularExpression>
 
 namespace {
 
 constexpr int LargestSide = 65536;
-
-const QStringList &suffixes()
-{
-    static const QStringList list{
-        QStringLiteral("exr"),  QStringLiteral("png"), QStringLiteral("tif"),
-        QStringLiteral("tiff"), QStringLiteral("jpg"), QStringLiteral("jpeg"),
-        QStringLiteral("hdr"),  QStringLiteral("tga"), QStringLiteral("bmp"),
-        QStringLiteral("psd"),  QStringLiteral("tx"),  QStringLiteral("dpx")};
-    return list;
-}
-
-/// "wood.1001.exr" as "wood.<UDIM>.exr"; the path itself where there is no such number.
-QString withPlaceholder(const QString &path)
-{
-    static const QRegularExpression number(QStringLiteral("([._-])(1[0-9]{3})(?=\\.[^./]+$)"));
-    QString generic = path;
-    return generic.replace(number, QStringLiteral("\\1<UDIM>"));
-}
 
 } // namespace
 
@@ -62,11 +45,25 @@ OssImage *OssImageManager::getImage(const OssImageUniqueId &id) const
 
 bool OssImageManager::isPictureFile(const QString &path)
 {
-    return suffixes().contains(QFileInfo(path).suffix().toLower());
+    return OssEvImageFormat::ofFile(path.toStdString()) != nullptr;
+}
+
+QString OssImageManager::fileFilter()
+{
+    QStringList patterns;
+    for (const OssEvImageFormat &format : OssEvImageFormat::all()) {
+        for (const std::string_view suffix : format.suffixes)
+            patterns.append(QStringLiteral("*.")
+                            + QLatin1String(suffix.data(), int(suffix.size())));
+    }
+    return tr("Images (%1)").arg(patterns.join(QLatin1Char(' ')));
 }
 
 OssResult OssImageManager::check(const QString &path)
 {
+    const QList<int> patches = OssUdimPath::patches(path);
+    if (!patches.isEmpty())
+        return check(OssUdimPath::file(path, patches.first()));
     const QFileInfo info(path);
     if (!info.isFile() || !info.isReadable())
         return OssResult::failure(tr("%1: there is no such file, or it cannot be read").arg(path));
@@ -94,7 +91,7 @@ QList<OssImageManager::ImageLayer> OssImageManager::open(const QString &path, in
         return {};
     }
     const QString absolute = QFileInfo(path).absoluteFilePath();
-    const QString wanted = flags & GatherPatches ? withPlaceholder(absolute) : absolute;
+    const QString wanted = flags & GatherPatches ? OssUdimPath::pattern(absolute) : absolute;
     const QList<OssImage *> known = images();
     for (OssImage *image : known) {
         if (image->path() == wanted)
@@ -112,7 +109,7 @@ QStringList OssImageManager::picturesOf(const QList<QUrl> &urls)
     QStringList found;
     QStringList known;
     const auto add = [&](const QString &path) {
-        const QString generic = withPlaceholder(path);
+        const QString generic = OssUdimPath::pattern(path);
         if (!isPictureFile(path) || known.contains(generic))
             return;
         known.append(generic);

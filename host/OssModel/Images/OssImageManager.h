@@ -72,9 +72,12 @@ public:
     /// Adds the file to the project; one that is there already is not added again. Undoable. Empty
     /// when it is no picture or there is no project.
     QList<ImageLayer> open(const QString &path, int flags, const QString &category);
-    /// Why the file cannot be an image; ok when it can.
+    /// Why the file, or the first of a pattern's, cannot be an image; ok when it can.
     static OssResult check(const QString &path);
+    /// By its suffix.
     static bool isPictureFile(const QString &path);
+    /// For OssFileDialog: "Images (*.exr *.png ...)".
+    static QString fileFilter();
     /// The pictures among what is dragged from outside, folders opened; each UDIM row once.
     static QStringList picturesOf(const QList<QUrl> &urls);
 

@@ -2,12 +2,14 @@
 
 #include "Ossa/Headless/CommandLine.h"
 #include "Ossa/Headless/Interrupt.h"
+#include "OssEvaluation/Files/OssEvUdim.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Evaluation/OssPatchList.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShadingGroup.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Images/OssUdimPath.h"
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectManager.h"
 
@@ -160,9 +162,10 @@ int runBakeCommand(const BakeOptions &options)
         if (!found)
             return fail(found.error());
         job.resolution = options.resolution;
-        const QString path = QDir(options.folder)
-                                 .filePath(texture.name + QStringLiteral(".<UDIM>.")
-                                           + options.format);
+        const QString name = QStringLiteral("%1.%2.%3")
+                                 .arg(texture.name, QLatin1String(OssEvUdim::Placeholder),
+                                      options.format);
+        const QString path = QDir(options.folder).filePath(name);
         job.onProgress = [&](int done, int total) {
             bar.show(texture.name, done, total);
             return !Interrupt::isRequested();
@@ -173,8 +176,7 @@ int runBakeCommand(const BakeOptions &options)
         if (!baked)
             return fail(texture.name + QStringLiteral(": ") + baked.error());
         for (const int patch : qAsConst(job.patches))
-            std::printf("%s\n", qPrintable(QString(path).replace(QLatin1String("<UDIM>"),
-                                                                 QString::number(patch))));
+            std::printf("%s\n", qPrintable(OssUdimPath::file(path, patch)));
     }
     return ExitCode::Success;
 }

@@ -12,7 +12,7 @@ struct BakeOptions
     /// "1001-1004,1011"; empty: every patch of the object.
     QString patches;
     int resolution = 2048;
-    QString format = QStringLiteral("exr");
+    QString format; ///< suffix of a format that is written
     QString folder;
 };
 

@@ -1,5 +1,6 @@
 #include "Ossa/Headless/CommandLine.h"
 
+#include "OssEvaluation/Files/OssEvImageFormat.h"
 #include "OssModel/Evaluation/OssPatchList.h"
 
 #include <CLI/CLI.hpp>
@@ -56,7 +57,7 @@ CommandLine CommandLine::parse(int argc, const char *const *argv)
 
     std::string bakeProject;
     std::string patches;
-    std::string format = "exr";
+    std::string format(OssEvImageFormat::usual().suffixes.front());
     std::string folder;
     std::vector<std::string> nodes;
     int resolution = 2048;
@@ -72,8 +73,8 @@ CommandLine CommandLine::parse(int argc, const char *const *argv)
         });
     bake->add_option("--resolution", resolution, "Width and height of a patch in pixels")
         ->check(CLI::Range(1, 32768));
-    bake->add_option("--format", format, "exr, png or tif")
-        ->check(CLI::IsMember({"exr", "png", "tif"}));
+    bake->add_option("--format", format, OssEvImageFormat::writtenInDetail())
+        ->check(CLI::IsMember(OssEvImageFormat::writtenSuffixes()));
     bake->add_option("-o,--output", folder, "Folder for the images")->required();
 
     std::string script;

@@ -47,8 +47,7 @@ ImagesPanel::ImagesPanel(QWidget *parent)
 void ImagesPanel::openImages()
 {
     const QStringList reasons = ImageListModel::add(OssFileDialog::getOpenFileNames(
-        tr("Open Images"), tr("Images (*.png *.jpg *.jpeg *.tif *.tiff *.exr)"),
-        QStringLiteral("Images"), this));
+        tr("Open Images"), OssImageManager::fileFilter(), QStringLiteral("Images"), this));
     if (!reasons.isEmpty())
         tellRefused(reasons);
 }

@@ -21,6 +21,7 @@ class OssSnNodePropertiesWidget;
 class OssSnNodeGraphViewContextManager : public NodeGraphArranger
 {
     Q_OBJECT
+    // In the order in which they are read from the settings.
     Q_PROPERTY(QString controlType READ controlType WRITE setControlType RESET resetControlType
                    NOTIFY controlTypeChanged STORED false)
     Q_PROPERTY(QString defaultNodePortDisplayMode READ defaultNodePortDisplayMode WRITE
@@ -30,14 +31,14 @@ class OssSnNodeGraphViewContextManager : public NodeGraphArranger
                    resetIsAutoInsertOn NOTIFY isAutoInsertOnChanged STORED false)
     Q_PROPERTY(ZoomTo zoomTo READ zoomTo WRITE setZoomTo RESET resetZoomTo NOTIFY zoomToChanged
                    STORED false)
+    Q_PROPERTY(DefaultMCMCollapsedState defaultMCMCollapsedState READ defaultMCMCollapsedState WRITE
+                   setDefaultMCMCollapsedState RESET resetDefaultMCMCollapsedState NOTIFY
+                       defaultMCMCollapsedStateChanged STORED false)
     Q_PROPERTY(QString autoUpdateUpstreamMergeNodeColorspaceEnabled READ
                    autoUpdateUpstreamMergeNodeColorspaceEnabled WRITE
                        setAutoUpdateUpstreamMergeNodeColorspaceEnabled RESET
                            resetAutoUpdateUpstreamMergeNodeColorspaceEnabled NOTIFY
                                autoUpdateUpstreamMergeNodeColorspaceEnabledChanged STORED false)
-    Q_PROPERTY(DefaultMCMCollapsedState defaultMCMCollapsedState READ defaultMCMCollapsedState WRITE
-                   setDefaultMCMCollapsedState RESET resetDefaultMCMCollapsedState NOTIFY
-                       defaultMCMCollapsedStateChanged STORED false)
     Q_PROPERTY(
         bool shakeToExtractEnabled READ shakeToExtractEnabled WRITE setShakeToExtractEnabled RESET
             resetShakeToExtractEnabled NOTIFY shakeToExtractEnabledChanged STORED false)

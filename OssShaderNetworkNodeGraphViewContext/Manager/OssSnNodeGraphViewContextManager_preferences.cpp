@@ -1,7 +1,7 @@
 #include "OssSnNodeGraphViewContextManager.h"
 
 #include "OssCore/OssPreferenceManager.h"
-#include "OssCore/OssSettings.h"
+#include "OssCore/OssStoredPreferences.h"
 #include "OssShaderNetworkWidget.h"
 
 namespace {
@@ -284,45 +284,11 @@ QString OssSnNodeGraphViewContextManager::numberOfLastUsedNodePathsToStoreToolti
 
 void OssSnNodeGraphViewContextManager::loadPreferences()
 {
-    OssSettings settings;
-    settings.beginGroup(QString::fromLatin1(SettingsGroup));
-    const auto value = [&settings](const char *key, const QVariant &fallback) {
-        return settings.value(QString::fromLatin1(key), fallback);
-    };
-    setControlType(value("controlType", controlTypeDefault()).toString());
-    setDefaultNodePortDisplayMode(
-        value("defaultNodePortDisplayMode", defaultNodePortDisplayMode()).toString());
-    setIsAutoInsertOn(value("isAutoInsertOn", m_isAutoInsertOn).toBool());
-    setZoomTo(value("zoomTo", m_zoomTo).toInt());
-    setDefaultMCMCollapsedState(value("defaultMCMCollapsedState", m_collapsedState).toInt());
-    setAutoUpdateUpstreamMergeNodeColorspaceEnabled(
-        value("autoUpdateUpstreamMergeNodeColorspaceEnabled",
-              autoUpdateUpstreamMergeNodeColorspaceEnabledDefault())
-            .toString());
-    setShakeToExtractEnabled(
-        value("shakeToExtractEnabled", shakeToExtractEnabledDefault()).toBool());
-    setShakeToExtractShakes(value("shakeToExtractShakes", shakeToExtractShakesDefault()).toInt());
-    setShakeToExtractTime(value("shakeToExtractTime", shakeToExtractTimeDefault()).toInt());
-    setNumberOfLastUsedNodePathsToStore(
-        value("numberOfLastUsedNodePathsToStore", numberOfLastUsedNodePathsToStoreDefault())
-            .toInt());
+    OssStoredPreferences::load(this, QString::fromLatin1(SettingsGroup),
+                               OssStoredPreferences::Unfit::Converted);
 }
 
 void OssSnNodeGraphViewContextManager::savePreferences()
 {
-    OssSettings settings;
-    settings.beginGroup(QString::fromLatin1(SettingsGroup));
-    const auto write = [&settings](const char *key, const QVariant &value) {
-        settings.setValue(QString::fromLatin1(key), value);
-    };
-    write("controlType", m_controlType);
-    write("defaultNodePortDisplayMode", defaultNodePortDisplayMode());
-    write("isAutoInsertOn", m_isAutoInsertOn);
-    write("zoomTo", m_zoomTo);
-    write("defaultMCMCollapsedState", m_collapsedState);
-    write("autoUpdateUpstreamMergeNodeColorspaceEnabled", m_colorspaceUpdate);
-    write("shakeToExtractEnabled", m_shakeEnabled);
-    write("shakeToExtractShakes", m_shakes);
-    write("shakeToExtractTime", m_shakeTime);
-    write("numberOfLastUsedNodePathsToStore", m_recentCount);
+    OssStoredPreferences::save(this, QString::fromLatin1(SettingsGroup));
 }

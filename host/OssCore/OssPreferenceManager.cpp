@@ -1,6 +1,7 @@
 #include "OssCore/OssPreferenceManager.h"
 
 #include "OssCore/OssGroupParameterObject.h"
+#include "OssCore/OssValueText.h"
 
 #include <QMetaObject>
 #include <QMetaProperty>
@@ -83,6 +84,37 @@ bool OssPreferenceManager::setValue(const Preference &preference, const QVariant
 {
     return preference.object
            && preference.object->setProperty(preference.key.toLatin1().constData(), value);
+}
+
+QVariant OssPreferenceManager::fitting(const Preference &preference, const QVariant &value)
+{
+    if (!preference.object)
+        return {};
+    const QStringList allowed = allowedTexts(preference);
+    const QString text = value.toString();
+    if (!allowed.isEmpty())
+        return allowed.contains(text) ? QVariant(text) : QVariant();
+    const QMetaObject *meta = preference.object->metaObject();
+    const QMetaProperty property = meta->property(
+        meta->indexOfProperty(preference.key.toLatin1().constData()));
+    const int type = property.isEnumType() ? int(QMetaType::Int) : property.userType();
+    const bool isText = value.userType() == QMetaType::QString;
+    if (isText && property.isEnumType()) {
+        bool isName = false;
+        const int number = property.enumerator().keyToValue(text.toLatin1().constData(), &isName);
+        if (isName)
+            return number;
+    }
+    if (isText || value.userType() == type)
+        return OssValueText::fromText(text, type);
+    // A whole number is no truth value, and 1.5 or 2^40 none of an int.
+    if (type == QMetaType::Bool)
+        return {};
+    if (type == QMetaType::Int)
+        return value.userType() == QMetaType::LongLong ? OssValueText::fromText(text, type)
+                                                       : QVariant();
+    QVariant converted = value;
+    return converted.convert(type) ? converted : QVariant();
 }
 
 void OssPreferenceManager::reset(const Preference &preference)

@@ -13,6 +13,7 @@
 ///
 ///   property `key`            value, its type decides the editor
 ///   slot reset<Key>()         back to the default
+///   slot <key>Default()       the default, optional
 ///   slot <key>Tooltip()       tool tip, plain or HTML
 ///   slot <key>List()          allowed texts of a string preference, optional
 ///   prettyPropertyName(key)   label
@@ -44,6 +45,9 @@ public:
     static QStringList allowedTexts(const Preference &preference);
     static QVariant value(const Preference &preference);
     static bool setValue(const Preference &preference, const QVariant &value);
+    /// The value as the property takes it: of its type, and an allowed text where only some are.
+    /// Texts are read as in the settings file. Invalid when it is no value of the property.
+    static QVariant fitting(const Preference &preference, const QVariant &value);
     static void reset(const Preference &preference);
 
     /// Has every registered object keep its values: calls its savePreferences(), once each.

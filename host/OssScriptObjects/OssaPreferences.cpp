@@ -10,16 +10,6 @@ QString nameOf(const OssPreferenceManager::Preference &preference)
            + OssPreferenceManager::label(preference);
 }
 
-/// Whether a preference of the type can be the value as it is.
-bool holds(int type, const QVariant &value)
-{
-    if (type == QMetaType::Bool)
-        return value.userType() == QMetaType::Bool;
-    if (type != QMetaType::Int)
-        return true;
-    return value.userType() == QMetaType::LongLong && value.toInt() == value.toLongLong();
-}
-
 } // namespace
 
 Preferences::Preferences(QObject *manager)
@@ -68,12 +58,8 @@ void Preferences::setValue(const QString &name, const QVariant &value)
     OssPreferenceManager::Preference preference;
     if (!find(name, &preference))
         return;
-    const QStringList allowed = OssPreferenceManager::allowedTexts(preference);
-    const bool isAllowed = allowed.isEmpty() || allowed.contains(value.toString());
-    const int type = OssPreferenceManager::value(preference).userType();
-    QVariant converted = value;
-    if (!isAllowed || (allowed.isEmpty() && !holds(type, value)) || !converted.convert(type)
-        || !OssPreferenceManager::setValue(preference, converted))
+    const QVariant fitting = OssPreferenceManager::fitting(preference, value);
+    if (!fitting.isValid() || !OssPreferenceManager::setValue(preference, fitting))
         fail(OssScriptException::WrongType,
              QStringLiteral("\"%1\" is no value for the preference \"%2\"")
                  .arg(value.toString(), name));

@@ -36,6 +36,8 @@ public Q_SLOTS:
 
     QString flagTooltip() const { return QStringLiteral("What the flag does"); }
 
+    double ratioDefault() const { return 0.5; }
+
     void resetFlag() { flag = true; }
 
     void resetCount() { count = 4; }

@@ -2,6 +2,7 @@
 
 #include "OssCore/OssPreferenceManager.h"
 #include "OssCore/OssSettings.h"
+#include "OssCore/OssStoredPreferences.h"
 
 #include <QStringList>
 
@@ -41,11 +42,7 @@ ApplicationPreferences::ApplicationPreferences()
 {
     resetInterfaceScale();
     resetAutosaveInterval();
-    OssSettings settings;
-    settings.beginGroup(settingsGroup);
-    m_reopenLastProject = settings.value(reopenKey, false).toBool();
-    setInterfaceScale(settings.value(scaleKey).toString());
-    setAutosaveInterval(settings.value(autosaveKey).toString());
+    OssStoredPreferences::load(this, settingsGroup);
     auto *manager = OssPreferenceManager::instance();
     const QString page = tr("Application");
     manager->registerPreference(page, tr("Start"), this, reopenKey);
@@ -136,9 +133,5 @@ QStringList ApplicationPreferences::autosaveIntervalList() const
 
 void ApplicationPreferences::savePreferences()
 {
-    OssSettings settings;
-    settings.beginGroup(settingsGroup);
-    settings.setValue(reopenKey, m_reopenLastProject);
-    settings.setValue(scaleKey, m_interfaceScale);
-    settings.setValue(autosaveKey, m_autosaveInterval);
+    OssStoredPreferences::save(this, settingsGroup);
 }

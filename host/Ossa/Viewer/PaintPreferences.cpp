@@ -1,14 +1,14 @@
 #include "Ossa/Viewer/PaintPreferences.h"
 
 #include "OssCore/OssPreferenceManager.h"
-#include "OssCore/OssSettings.h"
+#include "OssCore/OssStoredPreferences.h"
 
 #include <QStringList>
 
 namespace {
 
 const QString behaviorKey = QStringLiteral("bakeBehavior");
-const QString storedKey = QStringLiteral("Painting/bakeBehavior");
+const QString settingsGroup = QStringLiteral("Painting");
 
 // The texts are what is stored.
 const QString bake = QStringLiteral("Bake");
@@ -25,7 +25,7 @@ PaintPreferences *PaintPreferences::instance()
 PaintPreferences::PaintPreferences()
     : m_bakeBehavior(bake)
 {
-    setBakeBehavior(OssSettings().value(storedKey).toString());
+    OssStoredPreferences::load(this, settingsGroup);
     OssPreferenceManager::instance()->registerPreference(tr("Painting"), tr("Paint Buffer"), this,
                                                          behaviorKey);
 }
@@ -67,5 +67,5 @@ QStringList PaintPreferences::bakeBehaviorList() const
 
 void PaintPreferences::savePreferences()
 {
-    OssSettings().setValue(storedKey, m_bakeBehavior);
+    OssStoredPreferences::save(this, settingsGroup);
 }

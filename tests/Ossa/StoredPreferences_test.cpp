@@ -1,0 +1,95 @@
+#include "OssCore/OssDebug.h"
+#include "OssCore/OssSettings.h"
+#include "OssCore/OssStoredPreferences.h"
+#include "PreferencesTestObject.h"
+
+#include <gtest/gtest.h>
+
+#include <QMetaProperty>
+
+namespace {
+
+const QString Group = QStringLiteral("Stored");
+
+class StoredPreferences : public testing::Test
+{
+protected:
+    void SetUp() override { OssDebugLog::instance()->clear(); }
+
+    void TearDown() override { OssSettings().remove(Group); }
+
+    static void store(const char *key, const QVariant &value)
+    {
+        OssSettings().setValue(Group + QLatin1Char('/') + QLatin1String(key), value);
+    }
+
+    void load() { OssStoredPreferences::load(&object, Group); }
+
+    static int logged() { return OssDebugLog::instance()->lines().size(); }
+
+    PreferencesTestObject object;
+};
+
+TEST_F(StoredPreferences, whatIsSavedIsLoadedUnderThePropertysNames)
+{
+    object.flag = false;
+    object.count = -7;
+    object.ratio = 0.1;
+    object.note = QStringLiteral("a, \"b\"");
+    object.mode = QStringLiteral("Leave");
+    object.anchor = PreferencesTestObject::Anchor(7);
+    OssStoredPreferences::save(&object, Group);
+    EXPECT_EQ(OssSettings().value(Group + QStringLiteral("/anchor")).toInt(), 7);
+    PreferencesTestObject other;
+    OssStoredPreferences::load(&other, Group);
+    for (int i = 1; i < object.metaObject()->propertyCount(); ++i) {
+        const QMetaProperty property = object.metaObject()->property(i);
+        EXPECT_EQ(property.read(&other), property.read(&object)) << property.name();
+    }
+    EXPECT_EQ(logged(), 0);
+}
+
+TEST_F(StoredPreferences, whatIsNotStoredIsTheDefaultWhereThatIsToldAndStaysElse)
+{
+    object.count = 12;
+    object.ratio = 0.75;
+    load();
+    EXPECT_EQ(object.count, 12);
+    EXPECT_EQ(object.ratio, PreferencesTestObject().ratio);
+    EXPECT_EQ(logged(), 0);
+}
+
+TEST_F(StoredPreferences, whatIsNoValueIsRefusedWithALine)
+{
+    object.flag = false;
+    object.count = 12;
+    object.mode = QStringLiteral("Leave");
+    object.anchor = PreferencesTestObject::Center;
+    for (const char *key : {"flag", "count", "ratio", "mode", "anchor"})
+        store(key, QStringLiteral("Rubbish"));
+    load();
+    EXPECT_TRUE(object.flag);
+    EXPECT_EQ(object.count, 4);
+    EXPECT_EQ(object.ratio, 0.5);
+    EXPECT_EQ(object.mode, QStringLiteral("Leave")) << "it has no default to go back to";
+    EXPECT_EQ(object.anchor, PreferencesTestObject::Center);
+    EXPECT_EQ(logged(), 5);
+    store("anchor", QStringLiteral("Cursor"));
+    store("flag", QStringLiteral("false"));
+    load();
+    EXPECT_EQ(object.anchor, PreferencesTestObject::Cursor);
+    EXPECT_FALSE(object.flag);
+}
+
+TEST_F(StoredPreferences, aReaderThatAsksForItConverts)
+{
+    for (const char *key : {"flag", "count", "anchor"})
+        store(key, QStringLiteral("Rubbish"));
+    OssStoredPreferences::load(&object, Group, OssStoredPreferences::Unfit::Converted);
+    EXPECT_TRUE(object.flag);
+    EXPECT_EQ(object.count, 0);
+    EXPECT_EQ(object.anchor, PreferencesTestObject::Center);
+    EXPECT_EQ(logged(), 0);
+}
+
+} // namespace

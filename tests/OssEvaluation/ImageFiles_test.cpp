@@ -353,7 +353,6 @@ void writeIntegers(const std::string &path, const std::array<float, 4> &value, b
     OssEvImageWriter::Description description;
     description.width = description.height = 4;
     description.isData = isData;
-    ASSERT_TRUE(OssEvImageWriter::formatOf(path, &description.format));
     std::unique_ptr<OssEvImageWriter> writer;
     ASSERT_TRUE(OssEvImageWriter::open(path, description, &writer));
     ASSERT_TRUE(

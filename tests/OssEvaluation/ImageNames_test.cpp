@@ -45,7 +45,7 @@ TEST(ImageNames, onlyAPatchNumberRightBeforeTheSuffixMakesAPattern)
         EXPECT_EQ(OssEvUdim::pattern(name.path), name.pattern) << name.path;
 }
 
-TEST(ImageNames, behindAnUnderlineANumberCountsWhereTheFirstPatchLiesBesideIt)
+TEST(ImageNames, behindALineANumberCountsWhereTheFirstPatchLiesBesideIt)
 {
     const TestFolder folder;
     folder.write("brick_1002.png", "");
@@ -57,7 +57,9 @@ TEST(ImageNames, behindAnUnderlineANumberCountsWhereTheFirstPatchLiesBesideIt)
     std::filesystem::create_directory(folder.path("wood_1001.png"));
     EXPECT_EQ(OssEvUdim::pattern(folder.path("wood_1002.png")), folder.path("wood_1002.png"))
         << "a folder is no patch";
-    for (const char *name : {"rock-1001.png", "rock1001.png", "rock 1001.png"}) {
+    folder.write("rock-1001.png", "");
+    EXPECT_EQ(OssEvUdim::pattern(folder.path("rock-1002.png")), folder.path("rock-<UDIM>.png"));
+    for (const char *name : {"rock1001.png", "rock 1001.png"}) {
         folder.write(name, "");
         EXPECT_EQ(OssEvUdim::pattern(folder.path(name)), folder.path(name)) << name;
     }

@@ -1,4 +1,5 @@
 #include "OssEvaluation/Files/OssEvFile.h"
+#include "OssEvaluation/Files/OssEvImageFormat.h"
 #include "OssEvaluation/Files/OssEvImageWriter.h"
 #include "OssEvaluation/TestFolder.h"
 #include "support/SystemCallFaults.h"
@@ -180,7 +181,6 @@ TEST_F(ImageWriters, anImageThatLacksRowsIsNoImage)
         OssEvImageWriter::Description description;
         description.width = 200;
         description.height = 2 * Size + 1;
-        ASSERT_TRUE(OssEvImageWriter::formatOf(name, &description.format));
         std::unique_ptr<OssEvImageWriter> writer;
         ASSERT_TRUE(OssEvImageWriter::open(folder.path(name), description, &writer));
         for (int i = 0; i < 2; ++i)
@@ -196,17 +196,15 @@ TEST_F(ImageWriters, anImageThatLacksRowsIsNoImage)
 TEST_F(ImageWriters, imagesWithoutTexelsAreRefused)
 {
     for (const auto &size : {std::pair(0, 5), {5, 0}, {-1, 5}}) {
-        for (const auto format : {OssEvImageWriter::Format::Exr, OssEvImageWriter::Format::Png,
-                                  OssEvImageWriter::Format::Tiff}) {
+        for (const char *name : {"a.exr", "a.png", "a.tif"}) {
             OssEvImageWriter::Description description;
             description.width = size.first;
             description.height = size.second;
-            description.format = format;
             std::unique_ptr<OssEvImageWriter> writer;
-            const OssEvResult result = OssEvImageWriter::open(folder.path("a"), description,
+            const OssEvResult result = OssEvImageWriter::open(folder.path(name), description,
                                                               &writer);
             EXPECT_EQ(result.error(),
-                      "Cannot write \"" + folder.path("a") + "\": it has no texels");
+                      "Cannot write \"" + folder.path(name) + "\": it has no texels");
             EXPECT_EQ(writer, nullptr);
         }
     }
@@ -215,24 +213,20 @@ TEST_F(ImageWriters, imagesWithoutTexelsAreRefused)
 
 TEST_F(ImageWriters, formatsAreKnownByTheirSuffix)
 {
-    using Format = OssEvImageWriter::Format;
-
     struct Case
     {
         const char *path;
-        Format format;
+        std::string_view usualSuffix;
     };
 
-    for (const Case &known : {Case{"a.exr", Format::Exr}, Case{"a/b.c.PNG", Format::Png},
-                              Case{"x.tif", Format::Tiff}, Case{"x.Tiff", Format::Tiff}}) {
-        Format format = Format::Exr;
-        EXPECT_TRUE(OssEvImageWriter::formatOf(known.path, &format)) << known.path;
-        EXPECT_EQ(format, known.format) << known.path;
+    for (const Case &known : {Case{"a.exr", "exr"}, Case{"a/b.c.PNG", "png"}, Case{"x.tif", "tif"},
+                              Case{"x.Tiff", "tif"}}) {
+        const OssEvImageFormat *format = OssEvImageFormat::ofFile(known.path);
+        ASSERT_NE(format, nullptr) << known.path;
+        EXPECT_EQ(format->suffixes.front(), known.usualSuffix) << known.path;
     }
-    for (const char *other : {"", "a", "exr", "a.jpg", "a.exr ", "a.", "a.png.bak"}) {
-        Format format = Format::Png;
-        EXPECT_FALSE(OssEvImageWriter::formatOf(other, &format)) << other;
-    }
+    for (const char *other : {"", "a", "exr", "a.doc", "a.exr ", "a.", "a.png.bak"})
+        EXPECT_EQ(OssEvImageFormat::ofFile(other), nullptr) << other;
 }
 
 // Not TIFF: its library reads what it wrote and falls over when a single read fails.
@@ -245,7 +239,6 @@ TEST_F(ImageWriters, aDiskThatFailsIsNoticed)
             OssEvImageWriter::Description description;
             description.width = Size;
             description.height = Size;
-            ASSERT_TRUE(OssEvImageWriter::formatOf(name, &description.format));
             std::unique_ptr<OssEvImageWriter> writer;
             const SystemCallFaults fault(number, ENOSPC);
             OssEvResult result = OssEvImageWriter::open(folder.path(name), description, &writer);

@@ -2,6 +2,7 @@
 #include "OssCore/OssSettings.h"
 #include "OssCore/OssStoredPreferences.h"
 #include "PreferencesTestObject.h"
+#include "support/ExpectedLog.h"
 
 #include <gtest/gtest.h>
 
@@ -61,6 +62,7 @@ TEST_F(StoredPreferences, whatIsNotStoredIsTheDefaultWhereThatIsToldAndStaysElse
 
 TEST_F(StoredPreferences, whatIsNoValueIsRefusedWithALine)
 {
+    const ExpectedLog expected("in the settings is no value for");
     object.flag = false;
     object.count = 12;
     object.mode = QStringLiteral("Leave");

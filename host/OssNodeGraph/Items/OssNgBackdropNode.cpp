@@ -112,23 +112,9 @@ void OssNgBackdropNode::setTitleText(const QString &title)
     appearanceChanged();
 }
 
-void OssNgBackdropNode::setLabel(const QString &label)
+QColor OssNgBackdropNode::usualBackground() const
 {
-    if (m_label == label)
-        return;
-    m_label = label;
-    appearanceChanged();
-}
-
-void OssNgBackdropNode::setNodeBackgroundColour(const QColor &color)
-{
-    m_background = color;
-    setNodeColor(color, color);
-}
-
-QColor OssNgBackdropNode::backgroundColor() const
-{
-    return m_background.isValid() ? m_background : QColor(0x4f, 0x8a, 0x8b);
+    return {0x4f, 0x8a, 0x8b};
 }
 
 Qt::Edges OssNgBackdropNode::resizeEdgesAt(const QPointF &local) const
@@ -201,13 +187,13 @@ void OssNgBackdropNode::paintDetailed(QPainter *painter) const
                     OssNgText::elided(OssNgText::Role::Backdrop,
                                       m_title.isEmpty() ? text() : m_title,
                                       area.width() - 2 * Padding));
-    if (m_label.isEmpty())
+    if (label().isEmpty())
         return;
     painter->setPen(style->color(OssNgStyle::Role::Label));
     qreal y = area.top() + titleBarHeight() + 16.0;
     const int room = std::max(0, int((area.bottom() - y) / 16.0));
     const QStringList lines = OssNgText::wrapped(
-        OssNgText::Role::Label, m_label, area.width() - 2 * Padding, std::min(MostLines, room));
+        OssNgText::Role::Label, label(), area.width() - 2 * Padding, std::min(MostLines, room));
     for (const QString &line : lines) {
         OssNgText::draw(painter, OssNgText::Role::Label, {area.left() + Padding, y}, line);
         y += 16.0;
@@ -227,23 +213,15 @@ void OssNgBackdropNode::paintSimple(QPainter *painter) const
     painter->setPen(TitleColor);
     OssNgText::drawSmall(painter, OssNgText::Role::Backdrop, bar,
                          m_title.isEmpty() ? text() : m_title);
-    if (!isSelected())
-        return;
-    QPen pen(OssNgStyle::instance()->color(OssNgStyle::Role::Accent), 2.0);
-    pen.setCosmetic(true);
-    painter->setPen(pen);
-    painter->setBrush(Qt::NoBrush);
-    painter->drawRect(area);
+    paintSimpleSelection(painter, area);
 }
 
 void OssNgBackdropNode::copyStateFrom(const OssNgNode *other)
 {
     if (const auto *backdrop = qobject_cast<const OssNgBackdropNode *>(other)) {
         m_title = backdrop->m_title;
-        m_label = backdrop->m_label;
-        m_background = backdrop->m_background;
         m_rectSize = backdrop->m_rectSize;
         setZOrder(backdrop->m_zOrder);
     }
-    OssNgNode::copyStateFrom(other);
+    OssNgAnnotation::copyStateFrom(other);
 }

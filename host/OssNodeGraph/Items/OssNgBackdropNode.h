@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssNodeGraph/Items/OssNgNode.h"
+#include "OssNodeGraph/Items/OssNgAnnotation.h"
 
 #include <QPointer>
 #include <QVector>
@@ -8,7 +8,7 @@
 /// A titled area behind the nodes that it holds. Dragging it takes along the nodes that lie inside
 /// when the drag begins; its edges can be dragged to resize it. Only the title bar and the edges
 /// take clicks, so that nodes inside can be reached and rubber bands started.
-class OSSNODEGRAPH_EXPORT OssNgBackdropNode : public OssNgNode
+class OSSNODEGRAPH_EXPORT OssNgBackdropNode : public OssNgAnnotation
 {
     Q_OBJECT
     Q_PROPERTY(QRectF rect READ rect WRITE setRect)
@@ -55,17 +55,8 @@ public:
 
     const QString &titleText() const { return m_title; }
 
-    Q_INVOKABLE void setNodeBackgroundColour(const QColor &color);
-    QColor backgroundColor() const;
-    /// A remark in the area, below the title.
-    Q_INVOKABLE void setLabel(const QString &label);
-
-    const QString &label() const { return m_label; }
-
     /// The edges that a press at the point (node coordinates) would drag.
     Qt::Edges resizeEdgesAt(const QPointF &local) const;
-
-    QColor mainColor() const override { return backgroundColor(); }
 
     int type() const override { return Type; }
 
@@ -87,11 +78,10 @@ Q_SIGNALS:
 
 protected:
     QSizeF layoutBody() override;
+    QColor usualBackground() const override;
 
 private:
     QString m_title;
-    QString m_label;
-    QColor m_background;
     QSizeF m_rectSize;
     QRectF m_savedRect;
     QVector<QPointer<OssNgNode>> m_children;

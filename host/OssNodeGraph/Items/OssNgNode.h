@@ -223,6 +223,8 @@ protected:
     void setBodySize(const QSizeF &size);
     void paintFrame(QPainter *painter) const;
     void paintRing(QPainter *painter, const QRectF &body, qreal radius) const;
+    /// Where detail is low: as wide in pixels whatever the zoom.
+    static void drawThinRing(QPainter *painter, const QRectF &area, const QColor &color);
 
 private:
     friend class OssNgEdge;

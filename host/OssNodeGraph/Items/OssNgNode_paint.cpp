@@ -343,13 +343,17 @@ void OssNgNode::paintSimple(QPainter *painter) const
         ring = m_extras->debugColor;
     else if (hasMark(Highlighted))
         ring = style->color(Role::Highlight);
-    if (!ring.isValid())
-        return;
-    QPen pen(ring, 2.0);
+    if (ring.isValid())
+        drawThinRing(painter, body, ring);
+}
+
+void OssNgNode::drawThinRing(QPainter *painter, const QRectF &area, const QColor &color)
+{
+    QPen pen(color, 2.0);
     pen.setCosmetic(true);
     painter->setPen(pen);
     painter->setBrush(Qt::NoBrush);
-    painter->drawRect(body);
+    painter->drawRect(area);
 }
 
 QString OssNgNode::toolTipAt(const QPointF &local) const

@@ -6,7 +6,6 @@
 #include <QPainter>
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
@@ -24,29 +23,14 @@ OssNgUINode::OssNgUINode()
     refresh();
 }
 
-void OssNgUINode::setLabel(const QString &label)
+QColor OssNgUINode::usualBackground() const
 {
-    if (m_label == label)
-        return;
-    m_label = label;
-    refresh();
-}
-
-void OssNgUINode::setNodeBackgroundColour(const QColor &color)
-{
-    m_background = color;
-    setNodeColor(color, color);
-}
-
-QColor OssNgUINode::backgroundColor() const
-{
-    return m_background.isValid() ? m_background
-                                  : OssNgStyle::instance()->color(OssNgStyle::Role::Note);
+    return OssNgStyle::instance()->color(OssNgStyle::Role::Note);
 }
 
 QString OssNgUINode::shownText() const
 {
-    return m_label.isEmpty() ? text() : m_label;
+    return label().isEmpty() ? text() : label();
 }
 
 QSizeF OssNgUINode::layoutBody()
@@ -81,20 +65,5 @@ void OssNgUINode::paintDetailed(QPainter *painter) const
 void OssNgUINode::paintSimple(QPainter *painter) const
 {
     painter->fillRect(bodyRect(), backgroundColor());
-    if (!isSelected())
-        return;
-    QPen pen(OssNgStyle::instance()->color(OssNgStyle::Role::Accent), 2.0);
-    pen.setCosmetic(true);
-    painter->setPen(pen);
-    painter->setBrush(Qt::NoBrush);
-    painter->drawRect(bodyRect());
-}
-
-void OssNgUINode::copyStateFrom(const OssNgNode *other)
-{
-    if (const auto *note = qobject_cast<const OssNgUINode *>(other)) {
-        m_label = note->m_label;
-        m_background = note->m_background;
-    }
-    OssNgNode::copyStateFrom(other);
+    paintSimpleSelection(painter, bodyRect());
 }

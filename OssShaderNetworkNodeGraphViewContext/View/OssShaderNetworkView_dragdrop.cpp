@@ -20,39 +20,8 @@ namespace {
 
 constexpr const char *Source = "OssShaderNetworkView";
 constexpr int NodeGraphTarget = OssImageManager::NodeGraphTarget;
-constexpr int OpenFlags = OssImageManager::TellFailures | OssImageManager::GatherPatches;
 const QString TiledKey = QStringLiteral("Procedural/Pattern/Tiled");
 const QString TriPlanarKey = QStringLiteral("Environment/Tri Planar Projection");
-
-bool bringsImages(const QMimeData *mime)
-{
-    return mime->hasFormat(OssImage::MimeType) || mime->hasFormat(OssImage::PathMimeType);
-}
-
-QList<OssImage *> imagesOf(const QDropEvent *event)
-{
-    OssImageManager *manager = OssImageManager::instance();
-    const QMimeData *mime = event->mimeData();
-    QList<OssImage *> images;
-    if (mime->hasFormat(OssImage::MimeType)) {
-        const auto ids = OssImageUniqueId::imageIdListFromString(
-            QString::fromUtf8(mime->data(OssImage::MimeType)));
-        for (const OssImageUniqueId &id : ids) {
-            if (OssImage *image = manager->getImage(id))
-                images.append(image);
-        }
-    }
-    if (mime->hasFormat(OssImage::PathMimeType)) {
-        const QList<QUrl> urls = manager->dropEvent_AcceptURLs(event);
-        for (const QUrl &url : urls) {
-            const auto layers = manager->open(url.toLocalFile(), OpenFlags,
-                                              OssImageManager::defaultCategory());
-            if (layers.size() == 1)
-                images.append(layers.first().image);
-        }
-    }
-    return images;
-}
 
 QStringList imageAttributes(const QString &nodeType)
 {
@@ -128,7 +97,7 @@ void OssShaderNetworkView::dropEvent(QDropEvent *event)
             return;
         }
     }
-    if (!bringsImages(mime)) {
+    if (!OssImageManager::bringsImages(mime)) {
         dropArchives(event);
         return;
     }
@@ -160,7 +129,9 @@ void OssShaderNetworkView::dropArchives(QDropEvent *event)
 
 void OssShaderNetworkView::dropImages(QDropEvent *event)
 {
-    const QList<OssImage *> images = imagesOf(event);
+    // Files that the project does not have yet are opened in the same step.
+    const OssUndoManager::Gathering gathering(tr("Drop Images"));
+    const QList<OssImage *> images = OssImageManager::instance()->dropped(event);
     if (images.isEmpty())
         return;
     QString nodeType = TiledKey;

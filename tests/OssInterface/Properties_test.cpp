@@ -10,6 +10,8 @@
 #include "OssInterface/Properties/OssPropertyRow.h"
 #include "OssInterface/Properties/OssRampEditor.h"
 #include "OssInterface/Widgets/OssExpandableListHeading.h"
+#include "OssModel/Images/OssDisplayColor.h"
+#include "OssModel/Images/OssImage.h"
 #include "support/ModelFixture.h"
 
 #include <QAccessible>
@@ -19,6 +21,7 @@
 #include <QColorDialog>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPointF>
 #include <QPushButton>
@@ -436,13 +439,39 @@ TEST_F(Properties, curveIsEditedByPointerAndKeys)
               QStringLiteral("0,0 0.25,0.5 1,1"));
 }
 
+TEST_F(Properties, imagesAreChosenFromTheProjectsAndDroppedAsItsPaletteDragsThem)
+{
+    QStringList ids;
+    for (const char *name : {"rust.png", "wood.png"})
+        ids.append(m_project->addImage(QLatin1String(name), {})->uniqueId().toString());
+    const auto pictures = [this] {
+        return m_node->attribute(QStringLiteral("Pictures")).toStringList();
+    };
+    auto *list = editor<QComboBox>("Pictures");
+    ASSERT_NE(list, nullptr);
+    QFocusEvent focus(QEvent::FocusIn);
+    QCoreApplication::sendEvent(list, &focus);
+    QTest::keyClick(list, Qt::Key_End);
+    EXPECT_EQ(pictures(), QStringList{ids.last()});
+    EXPECT_EQ(list->currentText(), QStringLiteral("wood.png"));
+    QMimeData mime;
+    mime.setData(OssImage::MimeType, ids.join(QLatin1Char(',')).toUtf8());
+    QWidget *target = m_panel->row(QStringLiteral("Pictures"))->editor();
+    QDragEnterEvent enter({2, 2}, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(target, &enter);
+    QDropEvent drop({2, 2}, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(target, &drop);
+    EXPECT_EQ(pictures(), ids);
+    EXPECT_EQ(list->currentText(), QStringLiteral("rust.png and 1 more"));
+}
+
 TEST_F(Properties, pickerWorksInDisplayColorsAndKeepsBrightness)
 {
     const OssColor linear(0.2, 0.5, 0.9, 0.5);
-    const OssColor back = OssColorEditor::fromDisplay(OssColorEditor::toDisplay(linear));
+    const OssColor back = OssDisplayColor::toLinear(OssDisplayColor::ofLinear(linear));
     EXPECT_NEAR(back.red(), 0.2, 1e-4);
     EXPECT_NEAR(back.blue(), 0.9, 1e-4);
-    EXPECT_NEAR(OssColorEditor::toDisplay(OssColor(0.5, 0, 0)).redF(), 0.7354, 1e-3);
+    EXPECT_NEAR(OssDisplayColor::ofLinear(OssColor(0.5, 0, 0)).redF(), 0.7354, 1e-3);
 
     QTest::keyClick(editor<QPushButton>("Tint"), Qt::Key_Space);
     auto *picker = m_panel->findChild<QColorDialog *>();

@@ -380,7 +380,10 @@ TEST_F(CreationTest, droppedPicturesBecomeNodesInOneStep)
     EXPECT_FALSE(itemOf(second)->sceneBoundingRect().intersects(
         itemOf(m_network->node(QStringLiteral("Tiled")))->sceneBoundingRect()));
 
-    // The same from a file manager, a folder at once.
+    // The same from a file manager, a folder at once; what is new is opened in the same step.
+    ASSERT_TRUE(QFile::copy(folder.filePath(QStringLiteral("a.png")),
+                            folder.filePath(QStringLiteral("c.png"))));
+    const QByteArray before = m_project->stateHash();
     QMimeData files;
     files.setUrls({QUrl::fromLocalFile(folder.path())});
     QDragEnterEvent enterFiles({50, 50}, Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
@@ -388,8 +391,15 @@ TEST_F(CreationTest, droppedPicturesBecomeNodesInOneStep)
     ASSERT_TRUE(enterFiles.isAccepted());
     QDropEvent dropFiles({50, 50}, Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(m_view->viewport(), &dropFiles);
-    EXPECT_NE(m_network->node(QStringLiteral("Tiled 4")), nullptr);
+    const OssSnBaseNode *fourth = m_network->node(QStringLiteral("Tiled 4"));
+    ASSERT_NE(fourth, nullptr);
+    EXPECT_EQ(fourth->attribute(QStringLiteral("TileImage")),
+              second->attribute(QStringLiteral("TileImage")));
+    EXPECT_EQ(m_network->selectedNodes().size(), 3);
+    EXPECT_EQ(OssImageManager::instance()->images().size(), 3);
     EXPECT_EQ(undoCount(), 2);
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(m_project->stateHash(), before);
 }
 
 TEST_F(CreationTest, titlesAndNotesAreEditedWhereTheyStand)

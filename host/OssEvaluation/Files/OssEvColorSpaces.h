@@ -16,6 +16,9 @@
 class OSSEVALUATION_EXPORT OssEvColorSpaces
 {
 public:
+    /// What screens and most image files of whole numbers hold, in the built-in spaces.
+    static constexpr const char *Screen = "sRGB";
+
     static std::shared_ptr<const OssEvColorSpaces> builtIn();
 
     /// A configuration of the user's. Refused when it has no scene-linear role.

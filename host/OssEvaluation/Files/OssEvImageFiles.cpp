@@ -89,7 +89,7 @@ OssEvImageRows::Meaning meaningOf(const OIIO::ImageSpec &spec,
     const bool automatic = colorSpace == ColorSpace::Automatic && spec.nchannels > 1;
     const bool isColor = colorSpace == ColorSpace::Color || automatic;
     if (isColor && isInteger(spec)) {
-        meaning.space = "sRGB";
+        meaning.space = OssEvColorSpaces::Screen;
         // A grey image that is meant as a colour is one.
         meaning.channels = 4;
     }

@@ -79,7 +79,8 @@ OssEvResult OssEvWriters::toIntegers(const std::vector<OssEvTilePointer> &tiles,
         if (channels == 4)
             divideByAlpha(&row);
         if (isColor) {
-            OssEvResult result = OssEvColorSpaces::builtIn()->fromScene("sRGB", row.data(), width);
+            OssEvResult result = OssEvColorSpaces::builtIn()->fromScene(OssEvColorSpaces::Screen,
+                                                                        row.data(), width);
             if (!result)
                 return result;
         }

@@ -1,70 +1,14 @@
 #include "OssInterface/DragAndDrop/OssDragAndDropManager.h"
 
-#include "OssCore/OssUndoManager.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/Dialogs/OssNodeTypeListModel.h"
-#include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
-#include "OssModel/Graph/OssSnBaseContext.h"
-#include "OssModel/Graph/OssSnBaseNode.h"
-#include "OssModel/Images/OssImage.h"
-#include "OssModel/Images/OssImageList.h"
 #include "OssModel/Images/OssImageManager.h"
 
 #include <QAction>
-#include <QCoreApplication>
-#include <QGuiApplication>
 #include <QMimeData>
 
 namespace {
-
-constexpr int OpenFlags = OssImageManager::TellFailures | OssImageManager::GatherPatches;
-
-bool bringsPictureFiles(const QMimeData *data)
-{
-    return data && !data->hasFormat(OssImage::MimeType) && !data->hasFormat(OssImage::PathMimeType)
-           && !OssImageManager::picturesOf(data->urls()).isEmpty();
-}
-
-void giveImage(OssSnBaseNode *node, const OssImage *image)
-{
-    const QVariant images = OssImageList(image->uniqueId()).toVariant();
-    for (const char *attribute : {"TileImage", "frontImage", "topImage", "rightImage"}) {
-        const QString name = QString::fromLatin1(attribute);
-        if (node->exists(name))
-            node->setAttribute(name, images);
-    }
-}
-
-/// Pictures from outside become a node each, as those of the image list do.
-bool dropPictureFiles(const QMimeData *data, const QVariantMap &parameters)
-{
-    auto *network = qobject_cast<OssShaderNetwork *>(
-        parameters.value(QStringLiteral("NodeGraph")).value<QObject *>());
-    const QStringList paths = OssImageManager::picturesOf(data->urls());
-    if (!network || paths.isEmpty())
-        return false;
-    const bool triPlanar = QGuiApplication::keyboardModifiers() & Qt::ShiftModifier;
-    const QString key = triPlanar ? QStringLiteral("Environment/Tri Planar Projection")
-                                  : QStringLiteral("Procedural/Pattern/Tiled");
-    const OssUndoManager::AutoMacro macro(
-        QCoreApplication::translate("OssDragAndDropManager", "Drop %1 images").arg(paths.size()));
-    bool made = false;
-    for (const QString &path : paths) {
-        const auto layers = OssImageManager::instance()->open(path, OpenFlags,
-                                                              OssImageManager::defaultCategory());
-        OssSnBaseNode *node = layers.size() == 1 ? network->createNode(key) : nullptr;
-        if (!node)
-            continue;
-        made = true;
-        giveImage(node, layers.first().image);
-        if (OssSnBaseContext *context = node->viewContext()) {
-            context->setNodePosition(parameters.value(QStringLiteral("Position")).toPointF());
-            context->placeNode();
-        }
-    }
-    return made;
-}
 
 bool bringsNodeTypes(const QMimeData *data)
 {
@@ -91,7 +35,6 @@ OssDragAndDropManager *OssDragAndDropManager::instance()
 
 OssDragAndDropManager::OssDragAndDropManager()
 {
-    registerHandler({OssImageManager::NodeGraphTarget, bringsPictureFiles, dropPictureFiles});
     registerHandler({OssImageManager::NodeGraphTarget, bringsNodeTypes, dropNodeTypes});
 }
 

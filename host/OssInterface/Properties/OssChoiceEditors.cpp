@@ -1,6 +1,7 @@
 #include "OssInterface/Properties/OssChoiceEditors.h"
 
 #include "OssModel/Images/OssImage.h"
+#include "OssModel/Images/OssImageList.h"
 #include "OssModel/Images/OssImageManager.h"
 
 #include <QCheckBox>
@@ -120,7 +121,7 @@ void OssImagesEditor::fillList()
     m_list->addItem(tr("None"));
     const QList<OssImage *> images = OssImageManager::instance()->images();
     for (const OssImage *image : images)
-        m_list->addItem(QFileInfo(image->path()).fileName(), image->uuidString());
+        m_list->addItem(QFileInfo(image->path()).fileName(), image->uniqueId().toString());
     const QString id = m_ids.value(0);
     int index = id.isEmpty() ? 0 : m_list->findData(id);
     if (index < 0) {
@@ -135,7 +136,7 @@ void OssImagesEditor::fillList()
 
 void OssImagesEditor::showValue(const OssCustomAttribute &attribute, bool mixed)
 {
-    m_ids = attribute.value().toStringList();
+    m_ids = OssImageList::fromVariant(attribute.value()).toVariant().toStringList();
     m_list->setAccessibleName(attribute.prettyName());
     fillList();
     if (mixed)
@@ -150,10 +151,13 @@ void OssImagesEditor::dragEnterEvent(QDragEnterEvent *event)
 
 void OssImagesEditor::dropEvent(QDropEvent *event)
 {
-    const QString text = QString::fromUtf8(event->mimeData()->data(OssImage::MimeType));
-    const QStringList ids = text.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    OssImageList list;
+    const auto ids = OssImageUniqueId::imageIdListFromString(
+        QString::fromUtf8(event->mimeData()->data(OssImage::MimeType)));
+    for (const OssImageUniqueId &id : ids)
+        list.append(id);
     if (ids.isEmpty())
         return;
     event->acceptProposedAction();
-    Q_EMIT edited(ids);
+    Q_EMIT edited(list.toVariant());
 }

@@ -2,6 +2,7 @@
 
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssInterface/Properties/OssNumberField.h"
+#include "OssModel/Images/OssDisplayColor.h"
 
 #include <QColorDialog>
 #include <QHBoxLayout>
@@ -9,23 +10,11 @@
 #include <QPushButton>
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
 constexpr QSize SwatchSize(26, 20);
 constexpr int Square = 5;
-
-double encoded(double linear)
-{
-    linear = std::clamp(linear, 0.0, 1.0);
-    return linear <= 0.0031308 ? 12.92 * linear : 1.055 * std::pow(linear, 1.0 / 2.4) - 0.055;
-}
-
-double decoded(double display)
-{
-    return display <= 0.04045 ? display / 12.92 : std::pow((display + 0.055) / 1.055, 2.4);
-}
 
 double brightest(const OssColor &color)
 {
@@ -101,22 +90,9 @@ void OssColorEditor::showValue(const OssCustomAttribute &attribute, bool mixed)
     paintSwatch();
 }
 
-// --- display
-
-QColor OssColorEditor::toDisplay(const OssColor &color)
-{
-    return QColor::fromRgbF(encoded(color.red()), encoded(color.green()), encoded(color.blue()),
-                            color.alpha());
-}
-
-OssColor OssColorEditor::fromDisplay(const QColor &color)
-{
-    return {decoded(color.redF()), decoded(color.greenF()), decoded(color.blueF()), color.alphaF()};
-}
-
 QColor OssColorEditor::shown(const OssColor &color) const
 {
-    return m_display ? color.toQColor() : toDisplay(color);
+    return m_display ? color.toQColor() : OssDisplayColor::ofLinear(color);
 }
 
 void OssColorEditor::paintSwatch()
@@ -164,7 +140,7 @@ void OssColorEditor::openPicker()
                                      start.blue() / m_brightness, start.alpha()}));
     Q_EMIT dragBegun();
     connect(m_picker, &QColorDialog::currentColorChanged, this, [this](const QColor &picked) {
-        const OssColor linear = m_display ? OssColor(picked) : fromDisplay(picked);
+        const OssColor linear = m_display ? OssColor(picked) : OssDisplayColor::toLinear(picked);
         Q_EMIT dragged(
             QVariant::fromValue(OssColor(linear.red() * m_brightness, linear.green() * m_brightness,
                                          linear.blue() * m_brightness, linear.alpha())));

@@ -9,9 +9,9 @@ class QColorDialog;
 class QPushButton;
 
 /// Edits a colour: a swatch that opens a picker, and the channels as numbers. Values are scene-linear
-/// (ITU-R BT.709 primaries), swatch and picker show what a display makes of them (sRGB, IEC
-/// 61966-2-1); a colour brighter than the display keeps its brightness in the picker. With the
-/// definition's editor "displaycolor" values are the display's own.
+/// and swatch and picker show what a display makes of them (OssDisplayColor); a colour brighter than
+/// the display keeps its brightness in the picker. With the definition's editor "displaycolor" values
+/// are the display's own.
 class OSSINTERFACE_EXPORT OssColorEditor : public OssPropertyEditor
 {
     Q_OBJECT
@@ -23,10 +23,6 @@ public:
 
     /// A dialog whose colours are seen at once, and are one edit together.
     void openPicker();
-
-    /// The display's colour for a scene-linear one, and back.
-    static QColor toDisplay(const OssColor &color);
-    static OssColor fromDisplay(const QColor &color);
 
 private:
     static constexpr int Channels = 4;

@@ -1,5 +1,5 @@
-#include "OssInterface/Properties/OssColorEditor.h"
 #include "OssInterface/Properties/OssRampEditor.h"
+#include "OssModel/Images/OssDisplayColor.h"
 
 #include <QMouseEvent>
 #include <QPainter>
@@ -21,7 +21,7 @@ constexpr int Square = 6;
 QColor shownColor(const std::array<double, 4> &premultiplied)
 {
     const double alpha = premultiplied[3] > 0.0 ? premultiplied[3] : 1.0;
-    QColor color = OssColorEditor::toDisplay(
+    QColor color = OssDisplayColor::ofLinear(
         {premultiplied[0] / alpha, premultiplied[1] / alpha, premultiplied[2] / alpha, 1.0});
     color.setAlphaF(std::clamp(premultiplied[3], 0.0, 1.0));
     return color;
@@ -184,7 +184,7 @@ void OssRampField::paintGrip(QPainter *painter, int stop) const
     const QColor line = palette().color(current ? QPalette::Link : QPalette::Text);
     painter->setPen(QPen(line, current ? 2.0 : 1.0));
     painter->setBrush(
-        OssColorEditor::toDisplay({double(color[0]), double(color[1]), double(color[2]), 1.0}));
+        OssDisplayColor::ofLinear({double(color[0]), double(color[1]), double(color[2]), 1.0}));
     painter->drawPolygon(QPolygonF(corners));
 }
 

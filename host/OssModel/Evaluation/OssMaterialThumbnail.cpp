@@ -2,6 +2,7 @@
 
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Images/OssDisplayColor.h"
 #include "OssModel/Nodes/OssSnMaterialNode.h"
 
 #include <QCoreApplication>
@@ -21,16 +22,6 @@ const QVector3D Eye(0.0F, 0.0F, 1.0F);
 QString tr(const char *text)
 {
     return QCoreApplication::translate("OssMaterialThumbnail", text);
-}
-
-float toLinear(int byte)
-{
-    return std::pow(float(byte) / 255.0F, 2.2F);
-}
-
-int toByte(float linear)
-{
-    return int(std::lround(255.0F * std::pow(std::clamp(linear, 0.0F, 1.0F), 1.0F / 2.2F)));
 }
 
 /// The streams that a ball needs; a null picture where the material has none.
@@ -73,8 +64,8 @@ QVector3D shade(const Streams &streams, const QVector3D &normal)
 {
     const float u = 0.5F + std::atan2(normal.x(), normal.z()) / float(M_PI);
     const float v = 0.5F - std::asin(normal.y()) / float(M_PI);
-    const QColor seen = texel(streams.color, u, v, Qt::gray);
-    const QVector3D base(toLinear(seen.red()), toLinear(seen.green()), toLinear(seen.blue()));
+    const OssColor seen = OssDisplayColor::toLinear(texel(streams.color, u, v, Qt::gray));
+    const QVector3D base(float(seen.red()), float(seen.green()), float(seen.blue()));
     const float roughness = std::max(
         0.05F, float(texel(streams.roughness, u, v, QColor(128, 128, 128)).redF()));
     const float metallic = float(texel(streams.metallic, u, v, Qt::black).redF());
@@ -105,8 +96,9 @@ QRgb pixelOf(const Streams &streams, int x, int y, int size)
     if (hits == 0)
         return qRgba(0, 0, 0, 0);
     sum /= float(hits);
-    return qRgba(toByte(sum.x()), toByte(sum.y()), toByte(sum.z()),
-                 255 * hits / (Samples * Samples));
+    QColor shown = OssDisplayColor::ofLinear({double(sum.x()), double(sum.y()), double(sum.z())});
+    shown.setAlpha(255 * hits / (Samples * Samples));
+    return shown.rgba();
 }
 
 } // namespace

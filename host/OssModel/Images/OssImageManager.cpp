@@ -129,13 +129,16 @@ QStringList OssImageManager::picturesOf(const QList<QUrl> &urls)
     return found;
 }
 
+bool OssImageManager::bringsImages(const QMimeData *data)
+{
+    return data
+           && (data->hasFormat(OssImage::MimeType) || data->hasFormat(OssImage::PathMimeType)
+               || !picturesOf(data->urls()).isEmpty());
+}
+
 bool OssImageManager::processDragEvent(QDropEvent *event, int target) const
 {
-    const QMimeData *data = event->mimeData();
-    const bool brings = data
-                        && (data->hasFormat(OssImage::MimeType)
-                            || data->hasFormat(OssImage::PathMimeType));
-    if (!brings || target != NodeGraphTarget)
+    if (!bringsImages(event->mimeData()) || target != NodeGraphTarget)
         return false;
     event->acceptProposedAction();
     return true;
@@ -145,6 +148,13 @@ QList<QUrl> OssImageManager::dropEvent_AcceptURLs(const QDropEvent *event) const
 {
     const QMimeData *data = event->mimeData();
     QList<QUrl> urls = data->urls();
+    if (!data->hasFormat(OssImage::PathMimeType)) {
+        const QStringList pictures = picturesOf(urls);
+        urls.clear();
+        for (const QString &picture : pictures)
+            urls.append(QUrl::fromLocalFile(picture));
+        return urls;
+    }
     if (!urls.isEmpty())
         return urls;
     const QStringList paths = QString::fromUtf8(data->data(OssImage::PathMimeType))
@@ -152,6 +162,28 @@ QList<QUrl> OssImageManager::dropEvent_AcceptURLs(const QDropEvent *event) const
     for (const QString &path : paths)
         urls.append(QUrl::fromUserInput(path.trimmed(), QString(), QUrl::AssumeLocalFile));
     return urls;
+}
+
+QList<OssImage *> OssImageManager::dropped(const QDropEvent *event)
+{
+    const QMimeData *data = event->mimeData();
+    const auto ids = OssImageUniqueId::imageIdListFromString(
+        QString::fromUtf8(data->data(OssImage::MimeType)));
+    QList<OssImage *> found;
+    for (const OssImageUniqueId &id : ids) {
+        if (OssImage *image = getImage(id))
+            found.append(image);
+    }
+    if (data->hasFormat(OssImage::MimeType) && !data->hasFormat(OssImage::PathMimeType))
+        return found;
+    const QList<QUrl> urls = dropEvent_AcceptURLs(event);
+    for (const QUrl &url : urls) {
+        const auto layers = open(url.toLocalFile(), TellFailures | GatherPatches,
+                                 defaultCategory());
+        if (layers.size() == 1)
+            found.append(layers.first().image);
+    }
+    return found;
 }
 
 // --- actions

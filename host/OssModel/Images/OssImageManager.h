@@ -81,10 +81,14 @@ public:
     /// The pictures among what is dragged from outside, folders opened; each UDIM row once.
     static QStringList picturesOf(const QList<QUrl> &urls);
 
+    /// Images of the list, paths of image files, or pictures and folders of them from outside.
+    static bool bringsImages(const QMimeData *data);
     /// True, and the event accepted, when it brings images for the target.
     bool processDragEvent(QDropEvent *event, int target) const;
-    /// The files that a drop of image paths brings.
+    /// The files that a drop of image paths, or of pictures from outside, brings.
     QList<QUrl> dropEvent_AcceptURLs(const QDropEvent *event) const;
+    /// The images that a drop brings; files are opened. Undoable.
+    QList<OssImage *> dropped(const QDropEvent *event);
 
     /// Actions of one title share a submenu. They are not owned.
     void registerGlobalContextMenuAction(QObject *action, const QString &menuTitle,

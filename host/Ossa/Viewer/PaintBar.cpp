@@ -5,9 +5,9 @@
 #include "OssCore/OssColor.h"
 #include "OssCore/OssUndoManager.h"
 #include "OssInterface/Popups/OssMessageBox.h"
-#include "OssInterface/Properties/OssColorEditor.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Images/OssDisplayColor.h"
 #include "OssModel/Nodes/OssSnChannelInputNode.h"
 
 #include <QColorDialog>
@@ -254,7 +254,7 @@ void PaintBar::showBrush()
     m_hardness->setValue(int(std::lround(hundred * brush.hardness)));
     m_opacity->setValue(int(std::lround(hundred * brush.opacity)));
     m_eraser->setChecked(brush.erases);
-    m_color->setIcon(swatch(OssColorEditor::toDisplay(colorOf(brush))));
+    m_color->setIcon(swatch(OssDisplayColor::ofLinear(colorOf(brush))));
 }
 
 void PaintBar::applyBrush()
@@ -272,11 +272,11 @@ void PaintBar::applyBrush()
 void PaintBar::pickColor()
 {
     OssEvBrush brush = m_session->brush();
-    const QColor picked = QColorDialog::getColor(OssColorEditor::toDisplay(colorOf(brush)), this,
+    const QColor picked = QColorDialog::getColor(OssDisplayColor::ofLinear(colorOf(brush)), this,
                                                  tr("Color of the Brush"));
     if (!picked.isValid())
         return;
-    const OssColor color = OssColorEditor::fromDisplay(picked);
+    const OssColor color = OssDisplayColor::toLinear(picked);
     brush.color = {float(color.red()), float(color.green()), float(color.blue())};
     brush.erases = false;
     m_session->setBrush(brush);

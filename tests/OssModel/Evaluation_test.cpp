@@ -1,6 +1,8 @@
 #include "../support/ModelFixture.h"
 #include "OssCore/OssColor.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
+#include "OssModel/Nodes/OssSnResultKey.h"
+#include "OssModel/Nodes/OssSnUpstream.h"
 
 #include <QDir>
 #include <QImage>
@@ -84,6 +86,43 @@ TEST_F(Evaluation, aSharedSourceReachesEveryNodeThatAsksForIt)
     EXPECT_EQ(pixel(merge), QColor(0, 255, 255));
     merge->setAttribute(QStringLiteral("Amount"), 0.0);
     EXPECT_EQ(pixel(merge), QColor(255, 0, 0));
+}
+
+TEST_F(Evaluation, everythingUpstreamIsVisitedOnceSourcesFirst)
+{
+    OssSnBaseNode *red = color(1.0, 0.0, 0.0);
+    OssSnBaseNode *invert = add("Adjust/Invert");
+    OssSnBaseNode *dot = add("Misc/Dot");
+    OssSnBaseNode *merge = add("Layer/Merge");
+    ASSERT_TRUE(wire(red, invert));
+    ASSERT_TRUE(wire(red, dot));
+    ASSERT_TRUE(wire(dot, merge, "Base"));
+    ASSERT_TRUE(wire(invert, merge, "Over"));
+    QVector<const OssSnBaseNode *> visited;
+    OssSnUpstream::walk(merge, [&](const OssSnBaseNode *node, const auto &inputs) {
+        for (const OssSnUpstream::Input &input : inputs) {
+            EXPECT_TRUE(!input.source.node || visited.contains(input.source.node));
+            EXPECT_TRUE(input.source.node == red || input.name != QLatin1String("Base"))
+                << "through the dot";
+        }
+        visited.append(node);
+    });
+    EXPECT_EQ(visited.size(), 3);
+    EXPECT_EQ(visited.last(), merge);
+}
+
+TEST_F(Evaluation, aLoopThroughTeleportsEndsWithAReason)
+{
+    OssSnBaseNode *invert = add("Adjust/Invert");
+    OssSnBaseNode *broadcast = add("Teleport Broadcast/Broadcast");
+    OssSnBaseNode *receiver = add("Teleport Receiver/Receiver");
+    for (OssSnBaseNode *end : {broadcast, receiver})
+        ASSERT_TRUE(end->setAttribute(QStringLiteral("channel"), QStringLiteral("Round")));
+    ASSERT_TRUE(wire(invert, broadcast));
+    ASSERT_TRUE(wire(receiver, invert));
+    const OssResult baked = bake(invert);
+    EXPECT_TRUE(baked.error().contains(invert->name())) << qPrintable(baked.error());
+    EXPECT_FALSE(OssSnResultKey::of(invert, QStringLiteral("Output")).isEmpty());
 }
 
 TEST_F(Evaluation, whatCannotBeComputedIsSaidInWordsAndLeavesNoFile)

@@ -3,9 +3,8 @@
 #include "OssEvaluation/Graph/OssEvGraph.h"
 #include "OssModel/Evaluation/OssImageSetFiles.h"
 #include "OssModel/Evaluation/OssSnParameter.h"
-#include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
-#include "OssModel/Nodes/OssSnProducer.h"
+#include "OssModel/Nodes/OssSnUpstream.h"
 
 #include <QCoreApplication>
 #include <QHash>
@@ -20,64 +19,31 @@ QString tr(const char *text)
 class Copier
 {
 public:
-    int copy(const OssSnProducer &wanted)
-    {
-        // Sources first, without recursion: graphs may be deep.
-        QVector<const OssSnBaseNode *> open{wanted.node};
-        while (!open.isEmpty()) {
-            const OssSnBaseNode *node = open.last();
-            if (m_indexes.value(node, -1) >= 0) {
-                open.removeLast();
-                continue;
-            }
-            const bool seen = m_indexes.contains(node);
-            m_indexes.insert(node, -1);
-            const int before = open.size();
-            const QVector<OssSnBaseNode::InputPort> ports = portsOf(node);
-            for (const OssSnBaseNode::InputPort &port : ports) {
-                const OssSnBaseNode *source = OssSnProducer::ofInput(node, port.name).node;
-                if (source && !m_indexes.contains(source) && !seen)
-                    open.append(source);
-            }
-            if (open.size() > before)
-                continue;
-            add(node);
-            open.removeLast();
-        }
-        return m_indexes.value(wanted.node);
-    }
-
-    QVector<const OssSnBaseNode *> nodes() const { return m_indexes.keys().toVector(); }
-
-    std::shared_ptr<const OssEvGraph> finish() { return m_builder.finish(); }
-
-private:
-    /// None where the node has pixels of its own.
-    static QVector<OssSnBaseNode::InputPort> portsOf(const OssSnBaseNode *node)
-    {
-        return OssShaderNetworkUtils::readsPixels(node) ? QVector<OssSnBaseNode::InputPort>()
-                                                        : node->inputPorts();
-    }
-
-    void add(const OssSnBaseNode *node)
+    /// A visitor of OssSnUpstream.
+    void visit(const OssSnBaseNode *node, const QVector<OssSnUpstream::Input> &inputs)
     {
         const OssSnNodeType *type = node->nodeType();
         const int index = m_builder.addNode(node->path().toStdString(),
                                             type ? type->kernel.toStdString() : std::string(),
                                             parametersOf(node));
         m_indexes.insert(node, index);
-        const QVector<OssSnBaseNode::InputPort> ports = portsOf(node);
-        for (const OssSnBaseNode::InputPort &port : ports) {
-            const OssSnProducer source = OssSnProducer::ofInput(node, port.name);
-            const int from = source.node ? m_indexes.value(source.node, -1) : -1;
+        for (const OssSnUpstream::Input &input : inputs) {
+            const int from = m_indexes.value(input.source.node, -1);
             if (from >= 0)
-                m_builder.connect(from, source.outputPoint.toStdString(), index,
-                                  port.name.toStdString());
+                m_builder.connect(from, input.source.outputPoint.toStdString(), index,
+                                  input.name.toStdString());
         }
         if (node->isCacheSet())
             m_builder.setCachePoint(index);
     }
 
+    int indexOf(const OssSnBaseNode *node) const { return m_indexes.value(node, -1); }
+
+    QVector<const OssSnBaseNode *> nodes() const { return m_indexes.keys().toVector(); }
+
+    std::shared_ptr<const OssEvGraph> finish() { return m_builder.finish(); }
+
+private:
     static OssEvParameters parametersOf(const OssSnBaseNode *node)
     {
         OssEvParameters parameters;
@@ -94,7 +60,7 @@ private:
     }
 
     OssEvGraphBuilder m_builder;
-    QHash<const OssSnBaseNode *, int> m_indexes; ///< -1 while the node waits for its sources
+    QHash<const OssSnBaseNode *, int> m_indexes;
 };
 
 } // namespace
@@ -108,7 +74,10 @@ OssSnEvaluationGraph OssSnEvaluationGraph::of(const OssSnBaseNode *node, const Q
         return result;
     }
     Copier copier;
-    result.node = copier.copy(producer);
+    OssSnUpstream::walk(producer.node, [&copier](const auto *visited, const auto &inputs) {
+        copier.visit(visited, inputs);
+    });
+    result.node = copier.indexOf(producer.node);
     result.sources = copier.nodes();
     result.graph = copier.finish();
     const OssEvGraph::Node &made = result.graph->nodes()[std::size_t(result.node)];

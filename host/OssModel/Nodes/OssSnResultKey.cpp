@@ -3,58 +3,38 @@
 #include "OssCore/OssValueText.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
-#include "OssModel/Nodes/OssSnProducer.h"
+#include "OssModel/Nodes/OssSnUpstream.h"
 #include "OssModel/Objects/OssImageSet.h"
 
 #include <QCryptographicHash>
 
 namespace {
 
-/// Each node once, however many ways lead to it; deep graphs do not use the stack of the process.
 class KeyMaker
 {
 public:
-    QByteArray keyOf(const OssSnProducer &wanted)
+    /// A visitor of OssSnUpstream.
+    void visit(const OssSnBaseNode *node, const QVector<OssSnUpstream::Input> &inputs)
     {
-        const Place place{wanted.node, wanted.outputPoint};
-        QVector<Place> open{place};
-        while (!open.isEmpty()) {
-            const Place next = open.last();
-            if (m_keys.contains(next)) {
-                open.removeLast();
-                continue;
-            }
-            const QVector<Place> sources = sourcesOf(next.first);
-            const bool loops = m_open.contains(next);
-            m_open.insert(next);
-            const int before = open.size();
-            for (const Place &source : sources) {
-                if (source.first && !m_keys.contains(source) && !loops)
-                    open.append(source);
-            }
-            if (open.size() > before)
-                continue;
-            m_keys.insert(next, hash(next, sources));
-            open.removeLast();
-        }
+        QVector<Place> sources;
+        for (const OssSnUpstream::Input &input : inputs)
+            sources.append({input.source.node, input.source.outputPoint});
+        m_sources.insert(node, sources);
+        // The sources' own sources have keys already.
+        for (const Place &source : qAsConst(sources))
+            keyOf(source.first, source.second);
+    }
+
+    QByteArray keyOf(const OssSnBaseNode *node, const QString &outputPoint)
+    {
+        const Place place{node, outputPoint};
+        if (node && !m_keys.contains(place))
+            m_keys.insert(place, hash(place, m_sources.value(node)));
         return m_keys.value(place);
     }
 
 private:
     using Place = QPair<const OssSnBaseNode *, QString>;
-
-    static QVector<Place> sourcesOf(const OssSnBaseNode *node)
-    {
-        QVector<Place> sources;
-        // What has pixels of its own does not look at what feeds it.
-        if (OssShaderNetworkUtils::readsPixels(node))
-            return sources;
-        for (const OssSnBaseNode::InputPort &port : node->inputPorts()) {
-            const OssSnProducer source = OssSnProducer::ofInput(node, port.name);
-            sources.append({source.node, source.outputPoint});
-        }
-        return sources;
-    }
 
     QByteArray hash(const Place &place, const QVector<Place> &sources) const
     {
@@ -80,8 +60,8 @@ private:
         return hash.result();
     }
 
+    QHash<const OssSnBaseNode *, QVector<Place>> m_sources;
     QHash<Place, QByteArray> m_keys;
-    QSet<Place> m_open;
 };
 
 } // namespace
@@ -91,5 +71,9 @@ QString OssSnResultKey::of(const OssSnBaseNode *node, const QString &outputPoint
     const OssSnProducer producer = OssSnProducer::of(node, outputPoint);
     if (!producer.node)
         return {};
-    return QString::fromLatin1(KeyMaker().keyOf(producer).toHex());
+    KeyMaker maker;
+    OssSnUpstream::walk(producer.node, [&maker](const auto *visited, const auto &inputs) {
+        maker.visit(visited, inputs);
+    });
+    return QString::fromLatin1(maker.keyOf(producer.node, producer.outputPoint).toHex());
 }

@@ -121,10 +121,8 @@ public:
 
     int outputPointCount() const { return m_outputs.size(); }
 
-    bool hasInput(const QString &name) const { return inputIndex(name) >= 0; }
-
-    bool hasOutputPoint(const QString &name) const { return outputIndex(name) >= 0; }
-
+    bool hasInput(const QString &name) const;
+    bool hasOutputPoint(const QString &name) const;
     QStringList prettyInputNameList() const;
     QStringList prettyOutputNameList() const;
     /// Also for tags that a context added.
@@ -220,10 +218,7 @@ public:
     void loadIdentity(const Attributes &attributes);
 
     /// Of a placeholder: a wire of the file told of it.
-    void addPlaceholderOutput(const QString &name)
-    {
-        m_outputs.append({name, {}, OssSnDataKind::Color});
-    }
+    void addPlaceholderOutput(const QString &name);
 
     void addDelayedKnob(const DelayedKnob &knob) { m_delayedKnobs.append(knob); }
 

@@ -45,6 +45,21 @@ int OssSnBaseNode::outputIndex(const QString &name) const
     return -1;
 }
 
+bool OssSnBaseNode::hasInput(const QString &name) const
+{
+    return inputIndex(name) >= 0;
+}
+
+bool OssSnBaseNode::hasOutputPoint(const QString &name) const
+{
+    return outputIndex(name) >= 0;
+}
+
+void OssSnBaseNode::addPlaceholderOutput(const QString &name)
+{
+    m_outputs.append({name, {}, OssSnDataKind::Color});
+}
+
 QStringList OssSnBaseNode::inputNames() const
 {
     QStringList names;

@@ -283,6 +283,8 @@ TEST_F(UndoTest, stepsOfRepeatedMacrosMergeWhereTheyPairOff)
     repeat(2, 3); // another kind
     EXPECT_EQ(m_undo->count(), 1);
     EXPECT_EQ(alive, 6);
+    m_undo->clear(); // before what the steps count in goes
+    EXPECT_EQ(alive, 0);
 }
 
 TEST_F(UndoTest, undoingAndRedoingTellOnceEachAndOnlyWhenSomethingHappened)
@@ -372,11 +374,7 @@ TEST_F(UndoTest, aMacroInsideAnotherDoesNotJoinTheStepBefore)
     m_undo->undo();
     EXPECT_EQ(m_text, QStringLiteral("a"));
     m_undo->redo();
-    m_undo->undo();
-    nudge('d');
-    EXPECT_EQ(m_undo->count(), 2) << "something was undone in between";
-    m_undo->undo();
-    EXPECT_EQ(m_text, QStringLiteral("a"));
+    EXPECT_EQ(m_text, QStringLiteral("abc"));
 }
 
 TEST_F(UndoTest, aCancelledMacroThatRecordsOnGoesBackWhole)

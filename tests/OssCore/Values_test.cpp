@@ -232,6 +232,7 @@ TEST_F(Color, screensShowTheNearestThatTheyCan)
 {
     const QColor shown = OssColor(12.5, -3.0, 0.5, 0.25).toQColor();
     ASSERT_TRUE(shown.isValid());
+    EXPECT_EQ(shown.spec(), QColor::Rgb) << "of a kind that everything can show";
     EXPECT_EQ(shown.red(), 255);
     EXPECT_EQ(shown.green(), 0);
     EXPECT_NEAR(shown.blueF(), 0.5, 1e-4);

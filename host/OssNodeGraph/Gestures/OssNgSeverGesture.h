@@ -2,6 +2,7 @@
 
 #include "OssNodeGraph/Gestures/OssNgGesture.h"
 
+#include <QLineF>
 #include <QPolygonF>
 
 /// Cuts the wires that the drawn stroke crosses, when it ends; they are shown before.

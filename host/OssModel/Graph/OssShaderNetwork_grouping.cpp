@@ -86,6 +86,37 @@ QString freePortName(const OssSnGroupNode *group, const QString &wanted)
     return group->groupNetwork()->generateUniqueNodeName(wanted);
 }
 
+/// The wires that take the place of a group's: what feeds a port from outside feeds what the port fed
+/// inside, and the other way round.
+QVector<Stream> wiresWithout(const OssSnGroupNode *group)
+{
+    const QList<OssSnBaseNode *> inputs = group->inputNodesInside();
+    QVector<Stream> rewired;
+    for (OssSnBaseNode *port : inputs) {
+        OssSnBaseNode *source = group->inputNode(port->name());
+        const QString point = group->inputOutputPoint(port->name());
+        const QVector<OssSnBaseNode::OutgoingConnection> wires = port->outgoingConnections();
+        for (const OssSnBaseNode::OutgoingConnection &wire : wires) {
+            if (source && !isPort(wire.target))
+                rewired.append({source, point, {}, {{wire.target, wire.input}}});
+        }
+    }
+    const QVector<OssSnBaseNode::OutgoingConnection> wires = group->outgoingConnections();
+    for (const OssSnBaseNode::OutgoingConnection &wire : wires) {
+        const OssSnBaseNode *port = group->outputNodeInside(wire.outputPoint);
+        const QString input = port ? port->inputNames().first() : QString();
+        OssSnBaseNode *source = port ? port->inputNode(input) : nullptr;
+        QString point = port ? port->inputOutputPoint(input) : QString();
+        if (source && source->hasTag(QStringLiteral("_input"))) {
+            point = group->inputOutputPoint(source->name());
+            source = group->inputNode(source->name());
+        }
+        if (source)
+            rewired.append({source, point, {}, {{wire.target, wire.input}}});
+    }
+    return rewired;
+}
+
 } // namespace
 
 /// Nodes on their way between two networks, with the wires among them.
@@ -99,8 +130,8 @@ struct OssShaderNetwork::Relocated
     };
 
     QVector<Entry> entries; ///< in the order of the network they come from
-    OssShaderNetwork *from;
-    OssShaderNetwork *to;
+    OssShaderNetwork *from = nullptr;
+    OssShaderNetwork *to = nullptr;
 
     void go()
     {
@@ -236,31 +267,7 @@ QList<OssSnBaseNode *> OssShaderNetwork::ungroup(OssSnGroupNode *group)
         return {};
     const OssUndoManager::AutoMacro macro(tr("Ungroup %1").arg(group->name()));
     const ViewUpdateLock lock(this);
-    // What feeds a port from outside feeds what the port fed inside, and the other way round.
-    const QList<OssSnBaseNode *> inputs = group->inputNodesInside();
-    QVector<Stream> rewired;
-    for (OssSnBaseNode *port : inputs) {
-        OssSnBaseNode *source = group->inputNode(port->name());
-        const QString point = group->inputOutputPoint(port->name());
-        const QVector<OssSnBaseNode::OutgoingConnection> wires = port->outgoingConnections();
-        for (const OssSnBaseNode::OutgoingConnection &wire : wires) {
-            if (source && !isPort(wire.target))
-                rewired.append({source, point, {}, {{wire.target, wire.input}}});
-        }
-    }
-    const QVector<OssSnBaseNode::OutgoingConnection> wires = group->outgoingConnections();
-    for (const OssSnBaseNode::OutgoingConnection &wire : wires) {
-        const OssSnBaseNode *port = group->outputNodeInside(wire.outputPoint);
-        const QString input = port ? port->inputNames().first() : QString();
-        OssSnBaseNode *source = port ? port->inputNode(input) : nullptr;
-        QString point = port ? port->inputOutputPoint(input) : QString();
-        if (source && source->hasTag(QStringLiteral("_input"))) {
-            point = group->inputOutputPoint(source->name());
-            source = group->inputNode(source->name());
-        }
-        if (source)
-            rewired.append({source, point, {}, {{wire.target, wire.input}}});
-    }
+    const QVector<Stream> rewired = wiresWithout(group);
     QList<OssSnBaseNode *> inside;
     const QList<OssSnBaseNode *> all = group->groupNetwork()->nodes();
     for (OssSnBaseNode *node : all) {
@@ -280,7 +287,7 @@ QList<OssSnBaseNode *> OssShaderNetwork::ungroup(OssSnGroupNode *group)
         for (const OssSnBaseNode *node : qAsConst(inside))
             moveTo(node, areaOf(node).topLeft() + way);
     }
-    for (const Stream &wire : qAsConst(rewired)) {
+    for (const Stream &wire : rewired) {
         const auto &target = wire.targets.first();
         target.first->setInputNode(target.second, wire.source, wire.outputPoint);
     }

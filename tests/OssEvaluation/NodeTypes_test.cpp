@@ -161,6 +161,8 @@ TEST(NodeTypes, everyKernelTheyNameTakesTheirPortsAndAttributes)
         compareAttributes(*kernel, xml, file);
     }
     EXPECT_GT(used.size(), 30U);
+    for (const OssEvKernel &kernel : OssEvKernelLibrary::kernels())
+        EXPECT_LE(kernel.inputs.size(), OssEvStrip::MaximumInputs) << kernel.name;
 }
 
 } // namespace

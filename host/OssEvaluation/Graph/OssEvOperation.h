@@ -46,6 +46,9 @@ struct OssEvStripInput
 /// multiple of 64 texels and its planes are 64-byte aligned, so vector code needs no remainder.
 struct OssEvStrip
 {
+    /// Of one operation.
+    static constexpr std::size_t MaximumInputs = 8;
+
     OssEvFrame frame;
     /// First texel in the frame. May lie beyond its edge: tiles are computed whole.
     int x = 0;

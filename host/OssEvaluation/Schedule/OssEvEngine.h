@@ -48,8 +48,9 @@ struct OssEvRequest
     /// Higher ones come first, whenever they were started.
     int priority = 0;
 
-    /// All are called on the engine's threads, never with a lock held and never after `onFinished`,
-    /// which is called exactly once. They may call the engine, but not wait for it.
+    /// All are called on the engine's threads, or on the one that destroys the engine; never with
+    /// a lock held and never after `onFinished`, which is called exactly once. Tiles of a request
+    /// may come from several threads at a time. They may call the engine, but not wait for it.
     std::function<void(const OssEvArrival &arrival)> onTile;
     std::function<void(int done, int total)> onProgress;
     std::function<void(const OssEvOutcome &outcome)> onFinished;
@@ -107,10 +108,11 @@ public:
     explicit OssEvEngine(const Options &options);
     OssEvEngine(const OssEvEngine &) = delete;
     OssEvEngine &operator=(const OssEvEngine &) = delete;
-    /// Cancels everything and waits for the work in hand.
+    /// Cancels everything and waits for the work in hand. Not from a callback.
     ~OssEvEngine();
 
-    /// Returns at once; every fault of the request is told by its outcome.
+    /// Returns at once and calls nothing back itself; every fault of the request is told by its
+    /// outcome.
     Id start(OssEvRequest request);
 
     /// The outcome may still be that all was done. Work that nobody else wants stops within a few
@@ -123,8 +125,10 @@ public:
     /// Until the outcome has been told. Not from a callback.
     void wait(Id id);
 
+    /// Safe to use beside the engine's work.
     OssEvTileCache &cache();
 
+    /// Of this moment.
     OssEvStatistics statistics() const;
     void resetStatistics();
 

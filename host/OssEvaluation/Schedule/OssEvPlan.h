@@ -117,6 +117,9 @@ public:
     /// Larger patches are refused.
     static constexpr int MaximumSize = 32768;
 
+    /// On any thread, with no lock held: asks the image provider, which may look at files. What is
+    /// made is immutable and may be read from several threads. Throws nothing; too little memory is
+    /// a failure.
     static OssEvResult make(const OssEvTarget &target, std::shared_ptr<const OssEvPlan> *plan);
 
     const OssEvTarget &target() const { return m_target; }

@@ -5,12 +5,16 @@
 #include <map>
 #include <vector>
 
-/// Turns a graph into values and values into stages; lives for one plan.
+/// Turns a graph into values and values into stages; lives for one plan, on the one thread that
+/// makes it, which is a worker of the pool. Takes no lock and is called with none held: it reads
+/// the target, which is immutable, and asks the image provider, which may look at files.
 class OssEvPlanner
 {
 public:
+    /// The target must outlive the planner.
     explicit OssEvPlanner(const OssEvTarget &target);
 
+    /// Once. Throws std::bad_alloc, and whatever kernels throw when they make operations.
     OssEvResult run(OssEvPlan *plan);
 
 private:
@@ -50,20 +54,24 @@ private:
 
     using Output = std::pair<int, int>;
 
-    // Values: OssEvPlanner_values.cpp
+    // Values: OssEvPlanner_values.cpp. Called within run() alone, as what follows.
+
     void findOperations(const std::vector<int> &order);
     OssEvResult makeValues(const std::vector<int> &order);
     OssEvResult makeValue(const Output &output, int *result);
+    /// Asks the provider: the only part that may wait, for a file's header.
     OssEvResult makeImage(const Output &output, const OssEvImageOperation &operation, int *result);
     void connectInputs(const Output &output, Value *value);
     void describeOutput(const Output &output, Value *value) const;
     OssEvKey keyOf(const Output &output, const Value &value) const;
+    /// Runs a point operation on constants, on this thread.
     void fold(Value *value) const;
     int reduced(int value, int times);
     int resampled(int value, const OssEvFrame &frame);
     int add(Value value);
 
-    // Stages: OssEvPlanner.cpp
+    // Stages: OssEvPlanner.cpp. Nothing but lists of its own.
+
     void chooseKept(int target);
     void makeStages(int target, OssEvPlan *plan);
     void makeStage(int index, OssEvPlanStage *stage, std::vector<int> *needed);

@@ -165,7 +165,7 @@ private:
 
     void runStep(const OssEvPlanStep &step)
     {
-        std::array<OssEvStripInput, 8> inputs;
+        std::array<OssEvStripInput, OssEvStrip::MaximumInputs> inputs;
         for (std::size_t i = 0; i < step.inputs.size(); ++i) {
             const OssEvPlanSource &source = step.inputs[i];
             inputs[i].plane = planesOf(source, &i);

@@ -39,10 +39,10 @@ struct OssEvUnitPlace
 
     const OssEvPlanStage &description() const { return plan->stages()[std::size_t(stage)]; }
 
-    /// In tiles, cut to the stage's frame.
+    /// In tiles, cut to the stage's frame. Any thread: reads the plan alone, as windows() does.
     OssEvRegion tiles() const;
 
-    /// Tiles that are needed of each input of the stage.
+    /// Tiles that are needed of each input of the stage; the pointers are still null.
     std::vector<OssEvWindow> windows() const;
 };
 
@@ -60,8 +60,9 @@ struct OssEvRunTimes
     std::vector<double> steps;
 };
 
-/// Computes a unit from its inputs. Takes no lock and starts no thread. Returns an incomplete
-/// result when cancelled; may throw std::bad_alloc.
+/// Computes a unit from its inputs, on the calling thread, which is a worker. Takes no lock, is
+/// called with none held, and starts no thread. Returns an incomplete result when cancelled; may
+/// throw std::bad_alloc.
 std::vector<OssEvUnitTile> OssEvRunUnit(const OssEvUnitPlace &place,
                                         const std::vector<OssEvWindow> &windows,
                                         const OssEvSurfaceMap *surface, const OssEvCancel &cancel,

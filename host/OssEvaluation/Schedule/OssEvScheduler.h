@@ -28,16 +28,25 @@
 class OssEvScheduler
 {
 public:
+    // What is public takes the lock itself and may be called on any thread, also from a callback,
+    // unless it says otherwise.
+
     OssEvScheduler(std::size_t cacheBytes, int threads);
     OssEvScheduler(const OssEvScheduler &) = delete;
     OssEvScheduler &operator=(const OssEvScheduler &) = delete;
+    /// Not on a thread of the engine's: waits for them. Requests that are still open are told their
+    /// end on the calling thread.
     ~OssEvScheduler();
 
+    /// Only leaves the request behind: a worker plans it.
     OssEvEngine::Id start(OssEvRequest request);
+    /// The end is told by a worker.
     void cancel(OssEvEngine::Id id);
     void setFocus(OssEvEngine::Id id, double x, double y);
+    /// Not on a thread of the engine's: sleeps, without the lock, until a worker has told the end.
     void wait(OssEvEngine::Id id);
 
+    /// Has a lock of its own.
     OssEvTileCache &cache() { return m_cache; }
 
     OssEvStatistics statistics() const;
@@ -47,6 +56,7 @@ private:
     using Unit = std::shared_ptr<OssEvUnit>;
     using Request = std::shared_ptr<OssEvRequestState>;
     using Lock = std::unique_lock<std::mutex>;
+    /// What is to be called once the lock is let go: callbacks of requests.
     using Jobs = std::vector<std::function<void()>>;
 
     struct EarlierUnit
@@ -61,8 +71,13 @@ private:
 
     using Queue = std::set<Unit, EarlierUnit>;
 
-    // Requests: OssEvScheduler_requests.cpp. Those that take a lock are called with it held.
+    // Requests: OssEvScheduler_requests.cpp.
+
+    /// Worker, without the lock; takes it when the plan is made.
     void plan(const Request &request);
+
+    // Any thread, with the lock held. They add to `calls`, which whoever took the lock works off.
+
     void sortLeft(OssEvRequestState *request) const;
     void pump(const Request &request, Jobs *calls);
     bool deliverFromCache(const Request &request, int x, int y, Jobs *calls);
@@ -70,7 +85,9 @@ private:
     void end(const Request &request, const OssEvOutcome &outcome, Jobs *calls);
     void tellIfEnded(const Request &request, Jobs *calls);
 
-    // Units: OssEvScheduler_units.cpp, with the lock held.
+    // Units: OssEvScheduler_units.cpp. With the lock held: what opens units on workers and the
+    // reader, what drops them on any thread that cancels.
+
     Unit open(const std::shared_ptr<const OssEvPlan> &plan, int stage, int x, int y,
               const OssEvUnit::Order &order);
     void connectInputs(const Unit &unit);
@@ -80,6 +97,7 @@ private:
     void makeReady(const Unit &unit);
     void hurry(const Unit &unit, const OssEvUnit::Order &order);
     void dropIfUnwanted(const Unit &unit);
+    /// Worker or reader that ran the unit; the same for fail().
     void complete(const Unit &unit, const std::vector<OssEvUnitTile> &tiles, double seconds,
                   Jobs *calls);
     void passOn(const Unit &unit, const std::vector<OssEvUnitTile> &tiles);
@@ -89,21 +107,38 @@ private:
 
     struct Task;
 
-    // Threads: OssEvScheduler.cpp
+    // Threads: OssEvScheduler.cpp.
+
+    // Any thread, with the lock held.
+
     void addJob(std::function<void()> job);
     void wakeWorker();
-    void work();
-    void readFiles();
     Unit takeNext(Queue *queue);
-    void run(const Unit &unit);
-    void runTiles(const Unit &unit, std::vector<OssEvUnitTile> *tiles);
-    void runSurface(const Unit &unit);
-    OssEvResult runImage(const Unit &unit, std::vector<OssEvUnitTile> *tiles);
     void count(const OssEvUnit &unit, std::size_t tiles);
 
-    OssEvTileCache m_cache;
-    int m_threads;
+    // Without the lock, which they take where they need it.
 
+    /// A task of the pool: one job or one unit.
+    void work();
+    /// The reader's whole life.
+    void readFiles();
+    /// Worker or reader: runs the unit and takes the lock to tell what came of it.
+    void run(const Unit &unit);
+
+    // Without the lock, and they never take it. Of the unit they read what was set before it was
+    // ready, and write its surface and times, which nobody else looks at while it runs.
+
+    /// Worker.
+    void runTiles(const Unit &unit, std::vector<OssEvUnitTile> *tiles);
+    /// Worker.
+    void runSurface(const Unit &unit);
+    /// Reader.
+    OssEvResult runImage(const Unit &unit, std::vector<OssEvUnitTile> *tiles);
+
+    OssEvTileCache m_cache; ///< has a lock of its own
+    const int m_threads;
+
+    /// Guards everything from here to the pool.
     mutable std::mutex m_mutex;
     std::condition_variable m_changed;
     std::map<OssEvEngine::Id, Request> m_requests;
@@ -119,6 +154,7 @@ private:
     bool m_stopping = false;
 
     tbb::global_control m_parallelism;
+    /// Given work with the lock held; runs it without.
     tbb::task_arena m_arena;
     std::thread m_reader;
 };

@@ -13,7 +13,8 @@
 
 /// Tiles by key, within a number of bytes. What goes first is cheap to compute again, large, or
 /// long not asked for: GreedyDual-Size (P. Cao, S. Irani, "Cost-Aware WWW Proxy Caching
-/// Algorithms", 1997). Safe to use from any thread.
+/// Algorithms", 1997). Safe to use from any thread: each function takes the cache's own lock, and
+/// calls nothing of others within it.
 class OSSEVALUATION_EXPORT OssEvTileCache
 {
 public:
@@ -59,6 +60,8 @@ private:
             return rank != other.rank ? rank < other.rank : use < other.use;
         }
     };
+
+    // With the lock held.
 
     void shrinkTo(std::size_t bytes);
     /// The entry was just used.

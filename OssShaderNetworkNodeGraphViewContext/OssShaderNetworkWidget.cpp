@@ -108,13 +108,13 @@ void OssSnNodeGraphWidget::showGroupNodeSubgraph(const OssSnGroupNode *GroupNode
         OssDebug(Source, __LINE__, "GroupNode is NULL");
         return;
     }
-    auto *Context = qobject_cast<OssSnGroupNodeGraphViewContext *>(
+    auto *context = qobject_cast<OssSnGroupNodeGraphViewContext *>(
         GroupNode->context(QStringLiteral("NodeGraphView")));
-    if (!Context) {
+    if (!context) {
         OssDebug(Source, __LINE__, "Context is NULL");
         return;
     }
-    Context->showGroupNodeTab();
+    context->showGroupNodeTab();
 }
 
 void OssSnNodeGraphWidget::onCurrentTabChanged(int Index)

@@ -13,6 +13,8 @@
 #include "OssSnGroupNodeGraphViewContext.h"
 #include "Panels/PropertyPanelFrame.h"
 
+#include <QScrollArea>
+
 // One panel of node properties: what it lists, its frame, and the buttons of a group.
 
 namespace {

@@ -19,18 +19,18 @@ public:
     /// What all values of one meta-type have in common.
     struct Form
     {
-        int type;
-        bool isNumber;
+        int type = 0;
+        bool isNumber = false;
         /// What such an attribute takes: "a number".
         QLatin1String words;
         /// For files: exact, the same on every machine and in every locale.
-        QString (*toText)(const QVariant &value);
+        QString (*toText)(const QVariant &value) = nullptr;
         /// Invalid when the text is no value of the type.
-        QVariant (*fromText)(const QString &text);
+        QVariant (*fromText)(const QString &text) = nullptr;
         /// See plain().
-        QVariant (*toPlain)(const QVariant &value);
+        QVariant (*toPlain)(const QVariant &value) = nullptr;
         /// See like().
-        QVariant (*convert)(const QVariant &example, const QVariant &value);
+        QVariant (*convert)(const QVariant &example, const QVariant &value) = nullptr;
     };
 
     /// In descriptions of node types: "real". Of the kinds that share a type the first is the plain

@@ -84,8 +84,10 @@ QRgb pixelOf(const Streams &streams, int x, int y, int size)
     QVector3D sum;
     int hits = 0;
     for (int sample = 0; sample < Samples * Samples; ++sample) {
-        const float sx = float(x) + (float(sample % Samples) + 0.5F) / Samples;
-        const float sy = float(y) + (float(sample / Samples) + 0.5F) / Samples;
+        const int column = sample % Samples;
+        const int row = sample / Samples;
+        const float sx = float(x) + (float(column) + 0.5F) / Samples;
+        const float sy = float(y) + (float(row) + 0.5F) / Samples;
         const QVector3D at(2.0F * sx / float(size) - 1.0F, 1.0F - 2.0F * sy / float(size), 0.0F);
         const float left = 1.0F - at.lengthSquared();
         if (left <= 0.0F)

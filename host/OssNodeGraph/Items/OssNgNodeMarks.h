@@ -8,6 +8,9 @@
 class OSSNODEGRAPH_EXPORT OssNgNodeMarks
 {
 public:
+    OssNgNodeMarks(const OssNgNodeMarks &) = delete;
+    OssNgNodeMarks &operator=(const OssNgNodeMarks &) = delete;
+
     enum Mark : quint32 {
         SystemShader = 1U << 0,
         Bypassed = 1U << 1,
@@ -48,8 +51,6 @@ public:
 
 protected:
     OssNgNodeMarks() = default;
-    OssNgNodeMarks(const OssNgNodeMarks &) = delete;
-    OssNgNodeMarks &operator=(const OssNgNodeMarks &) = delete;
     ~OssNgNodeMarks() = default;
 
     virtual void marksChanged() = 0;

@@ -13,6 +13,9 @@
 class OSSNODEGRAPH_EXPORT OssNgNodePorts
 {
 public:
+    OssNgNodePorts(const OssNgNodePorts &) = delete;
+    OssNgNodePorts &operator=(const OssNgNodePorts &) = delete;
+
     using StubPositions = OssNgPortList::Stubs;
 
     /// A known name keeps its place, and takes the new flags.
@@ -80,8 +83,6 @@ protected:
     enum class Side : quint8 { Input, Output };
 
     OssNgNodePorts();
-    OssNgNodePorts(const OssNgNodePorts &) = delete;
-    OssNgNodePorts &operator=(const OssNgNodePorts &) = delete;
     ~OssNgNodePorts();
 
     /// What is to be laid out changed.

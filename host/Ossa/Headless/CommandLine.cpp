@@ -32,67 +32,140 @@ std::string pictureFile(const std::string &path)
     return known ? std::string() : path + ": the picture must be a .png or .svg file";
 }
 
+/// The command line as the parser fills it in: one function for each command says what it takes.
+class Grammar
+{
+public:
+    Grammar()
+        : m_app(description, "ossa")
+    {
+        m_app.set_version_flag("--version", std::string("ossa ") + OSSA_VERSION);
+        m_app.require_subcommand(0, 1);
+        m_app.add_option("PROJECT", m_project, "Project folder (NAME.ossa) to open");
+        addGraph();
+        addInfo();
+        addBake();
+        addRun();
+        addStubs();
+    }
+
+    CLI::App &app() { return m_app; }
+
+    /// After parsing.
+    CommandLine line() const
+    {
+        CommandLine line;
+        const auto chosen = m_app.get_subcommands();
+        const std::string name = chosen.empty() ? std::string() : chosen.front()->get_name();
+        if (name == "graph")
+            line.command = CommandLine::Graph;
+        else if (name == "info")
+            line.command = CommandLine::Info;
+        else if (name == "bake")
+            line.command = CommandLine::Bake;
+        else if (name == "run")
+            line.command = CommandLine::Run;
+        else if (name == "stubs")
+            line.command = CommandLine::Stubs;
+        line.project = text(m_project);
+        line.output = text(m_output);
+        line.bake = bakeOptions();
+        line.run.script = text(m_script);
+        line.run.project = text(m_scriptProject);
+        return line;
+    }
+
+private:
+    static QString text(const std::string &bytes) { return QString::fromLocal8Bit(bytes.c_str()); }
+
+    void addGraph()
+    {
+        CLI::App *graph = m_app.add_subcommand("graph",
+                                               "Draw a project's node graph, without a window");
+        graph->add_option("PROJECT", m_project, "Project folder")->required();
+        graph->add_option("-o,--output", m_output, "Picture to write, .png or .svg")
+            ->required()
+            ->check(pictureFile);
+    }
+
+    void addInfo()
+    {
+        CLI::App *info = m_app.add_subcommand("info",
+                                              "Tell what is in a project, without a window");
+        info->add_option("PROJECT", m_project, "Project folder")->required();
+    }
+
+    void addBake()
+    {
+        CLI::App *bake = m_app.add_subcommand("bake",
+                                              "Write textures per UDIM patch, without a window");
+        bake->add_option("PROJECT", m_project, "Project folder")->required();
+        bake->add_option("--node", m_nodes,
+                         "Node to bake, by name or path; may be given several times")
+            ->take_all();
+        bake->add_option("--patches", m_patches, "Such as 1001-1004,1011; all when not given")
+            ->check([](const std::string &wanted) {
+                return OssPatchList::fromText(QString::fromStdString(wanted)).isEmpty()
+                           ? wanted + ": patches are written like 1001-1004,1011"
+                           : std::string();
+            });
+        bake->add_option("--resolution", m_resolution, "Width and height of a patch in pixels")
+            ->check(CLI::Range(1, 32768));
+        bake->add_option("--format", m_format, OssEvImageFormat::writtenInDetail())
+            ->check(CLI::IsMember(OssEvImageFormat::writtenSuffixes()));
+        bake->add_option("-o,--output", m_folder, "Folder for the images")->required();
+    }
+
+    void addRun()
+    {
+        CLI::App *run = m_app.add_subcommand("run", "Run a Python script, without a window");
+        run->add_option("SCRIPT", m_script, "Script (*.py)")->required();
+        run->add_option("PROJECT", m_scriptProject,
+                        "Project folder to open before the script starts");
+        run->footer("What follows -- is passed to the script.");
+    }
+
+    void addStubs()
+    {
+        CLI::App *stubs = m_app.add_subcommand("stubs", "Write type stubs for scripts (ossa.pyi)");
+        stubs->add_option("-o,--output", m_output, "File to write; standard output when not given");
+    }
+
+    BakeOptions bakeOptions() const
+    {
+        BakeOptions bake;
+        bake.project = text(m_project);
+        for (const std::string &node : m_nodes)
+            bake.nodes.append(text(node));
+        bake.patches = QString::fromStdString(m_patches);
+        bake.resolution = m_resolution;
+        bake.format = QString::fromStdString(m_format);
+        bake.folder = text(m_folder);
+        return bake;
+    }
+
+    CLI::App m_app;
+    std::string m_project;
+    std::string m_output;
+    std::string m_patches;
+    std::string m_format{OssEvImageFormat::usual().suffixes.front()};
+    std::string m_folder;
+    std::vector<std::string> m_nodes;
+    int m_resolution = 2048;
+    std::string m_script;
+    std::string m_scriptProject;
+};
+
 } // namespace
 
 CommandLine CommandLine::parse(int argc, const char *const *argv)
 {
-    std::string project;
-    std::string graphProject;
-    std::string infoProject;
-    std::string output;
-
-    CLI::App app(description, "ossa");
-    app.set_version_flag("--version", std::string("ossa ") + OSSA_VERSION);
-    app.require_subcommand(0, 1);
-    app.add_option("PROJECT", project, "Project folder (NAME.ossa) to open");
-
-    CLI::App *graph = app.add_subcommand("graph", "Draw a project's node graph, without a window");
-    graph->add_option("PROJECT", graphProject, "Project folder")->required();
-    graph->add_option("-o,--output", output, "Picture to write, .png or .svg")
-        ->required()
-        ->check(pictureFile);
-
-    CLI::App *info = app.add_subcommand("info", "Tell what is in a project, without a window");
-    info->add_option("PROJECT", infoProject, "Project folder")->required();
-
-    std::string bakeProject;
-    std::string patches;
-    std::string format(OssEvImageFormat::usual().suffixes.front());
-    std::string folder;
-    std::vector<std::string> nodes;
-    int resolution = 2048;
-    CLI::App *bake = app.add_subcommand("bake", "Write textures per UDIM patch, without a window");
-    bake->add_option("PROJECT", bakeProject, "Project folder")->required();
-    bake->add_option("--node", nodes, "Node to bake, by name or path; may be given several times")
-        ->take_all();
-    bake->add_option("--patches", patches, "Such as 1001-1004,1011; all when not given")
-        ->check([](const std::string &text) {
-            return OssPatchList::fromText(QString::fromStdString(text)).isEmpty()
-                       ? text + ": patches are written like 1001-1004,1011"
-                       : std::string();
-        });
-    bake->add_option("--resolution", resolution, "Width and height of a patch in pixels")
-        ->check(CLI::Range(1, 32768));
-    bake->add_option("--format", format, OssEvImageFormat::writtenInDetail())
-        ->check(CLI::IsMember(OssEvImageFormat::writtenSuffixes()));
-    bake->add_option("-o,--output", folder, "Folder for the images")->required();
-
-    std::string script;
-    std::string scriptProject;
-    CLI::App *run = app.add_subcommand("run", "Run a Python script, without a window");
-    run->add_option("SCRIPT", script, "Script (*.py)")->required();
-    run->add_option("PROJECT", scriptProject, "Project folder to open before the script starts");
-    run->footer("What follows -- is passed to the script.");
-
-    std::string stubs;
-    CLI::App *stub = app.add_subcommand("stubs", "Write type stubs for scripts (ossa.pyi)");
-    stub->add_option("-o,--output", stubs, "File to write; standard output when not given");
-
     // The parser would take what follows -- for values of its own.
     const int ownCount = int(std::find(argv, argv + argc, std::string_view("--")) - argv);
     if (ownCount < argc && (argc < 2 || std::string_view(argv[1]) != "run"))
         return answered(ExitCode::Usage, "ossa: only run takes -- (see ossa --help)");
-
+    Grammar grammar;
+    CLI::App &app = grammar.app();
     try {
         app.parse(ownCount, const_cast<char **>(argv));
     } catch (const CLI::CallForHelp &) {
@@ -104,36 +177,8 @@ CommandLine CommandLine::parse(int argc, const char *const *argv)
         return answered(ExitCode::Usage,
                         std::string("ossa: ") + error.what() + " (see ossa --help)");
     }
-
-    CommandLine line;
-    if (graph->parsed()) {
-        line.command = Graph;
-        project = graphProject;
-    } else if (info->parsed()) {
-        line.command = Info;
-        project = infoProject;
-    } else if (bake->parsed()) {
-        line.command = Bake;
-        project = bakeProject;
-        for (const std::string &node : nodes)
-            line.bake.nodes.append(QString::fromLocal8Bit(node.c_str()));
-        line.bake.patches = QString::fromStdString(patches);
-        line.bake.resolution = resolution;
-        line.bake.format = QString::fromStdString(format);
-        line.bake.folder = QString::fromLocal8Bit(folder.c_str());
-        line.bake.project = QString::fromLocal8Bit(project.c_str());
-    }
-    if (run->parsed()) {
-        line.command = Run;
-        line.run.script = QString::fromLocal8Bit(script.c_str());
-        line.run.project = QString::fromLocal8Bit(scriptProject.c_str());
-        for (int i = ownCount + 1; i < argc; ++i)
-            line.run.arguments.append(QString::fromLocal8Bit(argv[i]));
-    } else if (stub->parsed()) {
-        line.command = Stubs;
-        output = stubs;
-    }
-    line.project = QString::fromLocal8Bit(project.c_str());
-    line.output = QString::fromLocal8Bit(output.c_str());
+    CommandLine line = grammar.line();
+    for (int i = ownCount + 1; i < argc; ++i)
+        line.run.arguments.append(QString::fromLocal8Bit(argv[i]));
     return line;
 }

@@ -148,7 +148,7 @@ private:
     std::string m_project;
     std::string m_output;
     std::string m_patches;
-    std::string m_format{OssEvImageFormat::usual().suffixes.front()};
+    std::string m_format = std::string(OssEvImageFormat::usual().suffixes.front());
     std::string m_folder;
     std::vector<std::string> m_nodes;
     int m_resolution = 2048;

@@ -74,12 +74,18 @@ function(ossa_add_plugin name)
         PREFIX "" AUTOMOC OFF LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/plugins)
 endfunction()
 
-# Tests of what links no widgets say so: their main() makes no QApplication.
+# Tests of what links no widgets say so: their main() makes no QApplication. SERVICES is the header,
+# without ".h", of the object that main() makes after it: the services which the tests ask for.
 function(ossa_add_test name)
-    cmake_parse_arguments(arg "NO_WIDGETS" "" "SOURCES;LINK" ${ARGN})
+    cmake_parse_arguments(arg "NO_WIDGETS" "SERVICES" "SOURCES;LINK" ${ARGN})
     add_executable(${name} ${arg_SOURCES})
     target_link_libraries(${name} PRIVATE ossa_build_flags ossa_test_support Qt5::Test ${arg_LINK})
     target_sources(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests/support/main.cpp)
+    if(arg_SERVICES)
+        get_filename_component(services ${arg_SERVICES} NAME)
+        target_compile_definitions(${name} PRIVATE OSSA_TEST_SERVICES=${services}
+            OSSA_TEST_SERVICES_HEADER="${arg_SERVICES}.h")
+    endif()
     if(arg_NO_WIDGETS)
         target_compile_definitions(${name} PRIVATE OSSA_NO_WIDGETS)
         ossa_precompile(${name} ossa_pch_model.h)

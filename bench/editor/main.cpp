@@ -1,5 +1,5 @@
 #include "Ossa/Plugins/PluginLoader.h"
-#include "Ossa/Start/HostStart.h"
+#include "Ossa/Start/HostServices.h"
 #include "OssCore/OssUndoManager.h"
 #include "OssInterface/Palettes/OssPalette.h"
 #include "OssInterface/Palettes/OssPaletteManager.h"
@@ -190,11 +190,11 @@ int main(int argc, char **argv)
     const QApplication application(argc, argv);
     OssApplication::setPopupsAllowed(false);
     PluginLoader plugins;
-    HostStart::start(&plugins);
+    HostServices services;
+    services.start(&plugins);
     g_cal = calibrate();
     std::printf("cal %.1f ms\n", g_cal);
     for (const int count : {50, 1000, 5000, 10000})
         bench(count, folder.filePath(QStringLiteral("B%1.ossa").arg(count)));
-    HostStart::shutdown();
     return 0;
 }

@@ -3,6 +3,7 @@
 // for the least that QGraphicsView needs for that picture.
 
 #include "LimitScene.h"
+#include "OssCore/OssCoreServices.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
 #include "OssNodeGraph/Items/OssNgSceneIndex.h"
 #include "OssNodeGraph/View/OssNgView.h"
@@ -208,6 +209,7 @@ int main(int argc, char **argv)
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
+    const OssCoreServices services;
     const double cal = calibrate();
     std::printf("cal = %.2f ms of thread CPU time\n", cal);
     for (const int count : {1000, 5000, 10000}) {

@@ -1,6 +1,6 @@
 #include "builder/Examples.h"
 #include "Ossa/Plugins/PluginLoader.h"
-#include "Ossa/Start/HostStart.h"
+#include "Ossa/Start/HostServices.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Project/OssProject.h"
@@ -51,7 +51,8 @@ int main(int argc, char **argv)
     }
     OssApplication::setPopupsAllowed(false);
     PluginLoader plugins;
-    HostStart::start(&plugins);
+    HostServices services;
+    services.start(&plugins);
 
     const Example examples[] = {
         {"Weathered Brick", "Wall", "plane", writeWeatheredBrick},
@@ -60,6 +61,5 @@ int main(int argc, char **argv)
     bool good = true;
     for (const Example &example : examples)
         good = build(example, QDir(QString::fromLocal8Bit(argv[1]))) && good;
-    HostStart::shutdown();
     return good ? 0 : 1;
 }

@@ -12,12 +12,6 @@ void OssClassFactory::registerMe(OssClassFactory *factory)
     OssClassFactoryManager::instance()->registerFactory(factory);
 }
 
-OssClassFactoryManager *OssClassFactoryManager::instance()
-{
-    static OssClassFactoryManager manager;
-    return &manager;
-}
-
 void OssClassFactoryManager::registerFactory(OssClassFactory *factory)
 {
     if (!factory)

@@ -2,6 +2,7 @@
 
 #include "OssCore/OssClassFactory.h"
 #include "OssCore/OssCore_export.h"
+#include "OssCore/OssService.h"
 
 #include <QHash>
 
@@ -9,10 +10,10 @@
 #include <vector>
 
 /// Makes objects by class name through the registered factories.
-class OSSCORE_EXPORT OssClassFactoryManager
+class OSSCORE_EXPORT OssClassFactoryManager : public OssService<OssClassFactoryManager>
 {
 public:
-    static OssClassFactoryManager *instance();
+    OssClassFactoryManager() = default;
 
     /// Takes ownership. A second factory of one name replaces the first in look-ups.
     void registerFactory(OssClassFactory *factory);
@@ -20,8 +21,6 @@ public:
     QPointer<QObject> create(const QString &className, QObject *node) const;
 
 private:
-    OssClassFactoryManager() = default;
-
     std::vector<std::unique_ptr<OssClassFactory>> m_factories;
     QHash<QString, OssClassFactory *> m_byName;
 };

@@ -1,11 +1,5 @@
 #include "OssCore/OssObjectReferenceManager.h"
 
-OssObjectReferenceManager *OssObjectReferenceManager::instance()
-{
-    static OssObjectReferenceManager manager;
-    return &manager;
-}
-
 OssSerializableObject *OssObjectReferenceManager::getPointer(
     const OssObjectReference &reference) const
 {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OssCore/OssCore_export.h"
+#include "OssCore/OssService.h"
 
 #include <QMultiHash>
 #include <QString>
@@ -14,11 +15,9 @@ using OssObjectReference = QString;
 /// Finds living objects by reference. An object is known from the moment its UUID is first asked
 /// for or set until it dies. Two documents may hold objects of the same UUID at one time (the open
 /// project and the same one being read); then the one that came last is found. GUI thread.
-class OSSCORE_EXPORT OssObjectReferenceManager
+class OSSCORE_EXPORT OssObjectReferenceManager : public OssService<OssObjectReferenceManager>
 {
 public:
-    static OssObjectReferenceManager *instance();
-
     /// Null for unknown references, texts that are no UUID, and objects that are gone.
     OssSerializableObject *getPointer(const OssObjectReference &reference) const;
 

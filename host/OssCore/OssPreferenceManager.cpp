@@ -24,12 +24,6 @@ bool hasMethod(const QObject *object, const QByteArray &name)
 
 } // namespace
 
-OssPreferenceManager *OssPreferenceManager::instance()
-{
-    static OssPreferenceManager manager;
-    return &manager;
-}
-
 void OssPreferenceManager::registerPreference(const QString &page, const QString &group,
                                               QObject *object, const QString &key)
 {

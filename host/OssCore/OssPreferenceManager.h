@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OssCore/OssCore_export.h"
+#include "OssCore/OssService.h"
 
 #include <QObject>
 #include <QPointer>
@@ -18,7 +19,9 @@
 ///   slot <key>List()          allowed texts of a string preference, optional
 ///   prettyPropertyName(key)   label
 ///   slot savePreferences()    called when the user's choices are to be kept
-class OSSCORE_EXPORT OssPreferenceManager : public QObject
+class OSSCORE_EXPORT OssPreferenceManager
+    : public QObject
+    , public OssService<OssPreferenceManager>
 {
     Q_OBJECT
 
@@ -31,7 +34,7 @@ public:
         QString key;
     };
 
-    static OssPreferenceManager *instance();
+    OssPreferenceManager() = default;
 
     /// The object is not owned; when it dies its preferences drop out.
     void registerPreference(const QString &page, const QString &group, QObject *object,
@@ -54,7 +57,5 @@ public:
     void savePreferences();
 
 private:
-    OssPreferenceManager() = default;
-
     QVector<Preference> m_preferences;
 };

@@ -1,11 +1,5 @@
 #include "OssCore/OssStatusManager.h"
 
-OssStatusManager *OssStatusManager::instance()
-{
-    static OssStatusManager manager;
-    return &manager;
-}
-
 OssStatusManager::Work::Work(const QString &title, Kind kind)
 {
     OssStatusManager *status = instance();

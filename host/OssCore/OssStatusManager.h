@@ -1,17 +1,20 @@
 #pragma once
 
 #include "OssCore/OssCore_export.h"
+#include "OssCore/OssService.h"
 
 #include <QObject>
 #include <QString>
 
 /// Tells about long work: what runs, how far it is, and whether the user wants it stopped.
-class OSSCORE_EXPORT OssStatusManager : public QObject
+class OSSCORE_EXPORT OssStatusManager
+    : public QObject
+    , public OssService<OssStatusManager>
 {
     Q_OBJECT
 
 public:
-    static OssStatusManager *instance();
+    OssStatusManager() = default;
 
     /// Blocking: the user must not edit until the work ends; whoever shows it sees to that.
     enum Kind { Beside, Blocking };
@@ -56,8 +59,6 @@ Q_SIGNALS:
     void messageShown(const QString &message);
 
 private:
-    OssStatusManager() = default;
-
     QString m_title;
     Kind m_kind = Beside;
     int m_depth = 0;

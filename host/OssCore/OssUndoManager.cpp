@@ -56,12 +56,6 @@ struct OssUndoManager::Macro final : OssUndoStep
     QElapsedTimer made;
 };
 
-OssUndoManager *OssUndoManager::instance()
-{
-    static OssUndoManager manager;
-    return &manager;
-}
-
 OssUndoManager::OssUndoManager() = default;
 
 OssUndoManager::~OssUndoManager() = default;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OssCore/OssCore_export.h"
+#include "OssCore/OssService.h"
 #include "OssCore/OssUndoStep.h"
 
 #include <QObject>
@@ -15,12 +16,14 @@
 /// are added while a macro is open join the innermost one; a macro in which nothing was recorded
 /// leaves no step. While a step is being undone or redone nothing is recorded: what the change's
 /// listeners add then is dropped.
-class OSSCORE_EXPORT OssUndoManager : public QObject
+class OSSCORE_EXPORT OssUndoManager
+    : public QObject
+    , public OssService<OssUndoManager>
 {
     Q_OBJECT
 
 public:
-    static OssUndoManager *instance();
+    OssUndoManager();
     ~OssUndoManager() override;
 
     /// Makes all changes of its scope one titled step. Macros nest: an inner one is a titled part
@@ -122,7 +125,6 @@ Q_SIGNALS:
 private:
     struct Macro;
 
-    OssUndoManager();
     Macro &openMacro(const QString &title, const QString &mergeKey);
     void closeMacro();
     void cancelMacros(std::size_t level);

@@ -1,8 +1,47 @@
 #include "OssModel/OssModelServices.h"
 
+#include "OssCore/OssCoreServices.h"
+#include "OssModel/Evaluation/OssEvaluationService.h"
+#include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
+#include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Images/OssImageManager.h"
+#include "OssModel/Layers/OssLayerManager.h"
+#include "OssModel/Layers/OssLayerRefreshSuspensionManager.h"
+#include "OssModel/Layers/OssLayerShaderManager.h"
+#include "OssModel/Layers/OssMaterialPaintManager.h"
+#include "OssModel/Nodes/OssBakePointWatch.h"
+#include "OssModel/Nodes/OssLayerShaderModelManager.h"
 #include "OssModel/Nodes/OssSnNodeClasses.h"
+#include "OssModel/Nodes/OssSnTeleportNodeManager.h"
+#include "OssModel/Objects/OssCanvasManager.h"
+#include "OssModel/Project/OssProjectManager.h"
+
+struct OssModelServices::Services
+{
+    OssCoreServices core;
+    OssShaderNetworkManager networks;
+    OssLinkedCustomAttributeManager links;
+    OssSnTeleportNodeManager teleports;
+    OssLayerShaderModelManager shaderModels;
+    OssBakePointWatch bakePoints;
+    OssLayerManager layers;
+    OssLayerRefreshSuspensionManager layerRefreshes;
+    OssLayerShaderManager layerShaders;
+    OssMaterialPaintManager materialPaint;
+    OssImageManager images;
+    OssCanvasManager canvases;
+    OssEvaluationService evaluation;
+    OssProjectManager projects;
+};
 
 OssModelServices::OssModelServices()
+    : m_services(std::make_unique<Services>())
 {
     OssSnNodeClasses::registerAll();
+}
+
+OssModelServices::~OssModelServices()
+{
+    m_services->projects.closeProject();
+    OssUndoManager::instance()->clear(); // steps hold nodes
 }

@@ -10,17 +10,8 @@
 
 #include <utility>
 
-OssScriptManager *OssScriptManager::instance()
-{
-    static OssScriptManager manager;
-    return &manager;
-}
-
 OssScriptManager::OssScriptManager()
 {
-    // Plug-ins register their commands and palettes there; both must outlive this object.
-    OssActionTreeManager::instance();
-    OssPaletteManager::instance();
     OssScriptClasses::registerAll(this);
 }
 

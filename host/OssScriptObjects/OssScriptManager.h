@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OssCore/OssService.h"
 #include "OssScriptObjects/OssAPIFactory.h"
 #include "OssScriptObjects/OssScriptException.h"
 #include "OssScriptObjects/OssScriptObjects_export.h"
@@ -24,12 +25,14 @@ class API;
 /// There is one script object per internal object and script class. Its entry goes when either of
 /// the two dies; a script object that outlives its internal object stays valid, empty, until
 /// deleteAPI() or the end.
-class OSSSCRIPTOBJECTS_EXPORT OssScriptManager : public QObject
+class OSSSCRIPTOBJECTS_EXPORT OssScriptManager
+    : public QObject
+    , public OssService<OssScriptManager>
 {
     Q_OBJECT
 
 public:
-    static OssScriptManager *instance();
+    OssScriptManager();
     ~OssScriptManager() override;
 
     /// Takes ownership. Of two factories for the same pair of classes the first is used.
@@ -83,7 +86,6 @@ Q_SIGNALS:
 private:
     using Key = QPair<const QObject *, QString>;
 
-    OssScriptManager();
     void dropInternal(QObject *internal);
     void dropAPI(QObject *api);
 

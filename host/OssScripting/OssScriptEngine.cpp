@@ -51,15 +51,8 @@ bool isUsable(const QObject *object)
 
 } // namespace
 
-OssScriptEngine *OssScriptEngine::instance()
-{
-    static OssScriptEngine engine;
-    return &engine;
-}
-
 OssScriptEngine::OssScriptEngine()
 {
-    OssScriptManager::instance(); // must outlive this object
     m_callbacks.setSingleShot(true);
     connect(&m_callbacks, &QTimer::timeout, this, &OssScriptEngine::runCallback);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OssCore/OssService.h"
 #include "OssScripting/OssScripting_export.h"
 
 #include <QElapsedTimer>
@@ -22,7 +23,9 @@ class OssScriptThread;
 ///
 /// Nothing but the functions here starts a script, and a script imports from Python's own folders
 /// only. GUI thread.
-class OSSSCRIPTING_EXPORT OssScriptEngine : public QObject
+class OSSSCRIPTING_EXPORT OssScriptEngine
+    : public QObject
+    , public OssService<OssScriptEngine>
 {
     Q_OBJECT
 
@@ -33,7 +36,7 @@ public:
         Streams  ///< the process's own, with its standard input
     };
 
-    static OssScriptEngine *instance();
+    OssScriptEngine();
     ~OssScriptEngine() override;
 
     /// Before the first script; Signals at first.
@@ -84,7 +87,6 @@ protected:
 private:
     friend class OssScriptThread;
 
-    OssScriptEngine();
     OssScriptThread *thread();
     void begin(const QString &title);
     void end(int exitCode);

@@ -17,7 +17,7 @@ OssPaletteManager *palettes()
 class Palettes : public testing::Test
 {
 protected:
-    ~Palettes() override { palettes()->shutdown(); }
+    ~Palettes() override { palettes()->deletePalettes(); }
 
     static OssPalette *make(const char *name, const char *helpKey)
     {
@@ -56,7 +56,7 @@ TEST_F(Palettes, shutdownDeletesPalettesWithTheirBodies)
     const QPointer<QWidget> body = new QWidget(palette);
     palette->setBodyWidget(body);
     palettes()->registerPalette(palette, true, QString());
-    palettes()->shutdown();
+    palettes()->deletePalettes();
     EXPECT_TRUE(palette.isNull());
     EXPECT_TRUE(body.isNull());
 }

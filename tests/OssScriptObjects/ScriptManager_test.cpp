@@ -147,7 +147,7 @@ TEST_F(ScriptManager, paletteIsFoundWrappedAndReportsWhenGone)
     auto *api = application()->palette(QStringLiteral("Tests"));
     ASSERT_NE(api, nullptr);
     EXPECT_EQ(api->name(), QStringLiteral("Tests"));
-    OssPaletteManager::instance()->shutdown();
+    OssPaletteManager::instance()->deletePalettes();
     EXPECT_EQ(api->name(), QString());
     EXPECT_EQ(scripts()->lastError().type, OssScriptException::InternalObjectGone);
     scripts()->clearError();

@@ -52,7 +52,7 @@ protected:
     {
         projects()->closeProject();
         window.reset();
-        OssPaletteManager::instance()->shutdown();
+        OssPaletteManager::instance()->deletePalettes();
     }
 
     static OssPalette *makePalette(const char *name, const char *helpKey)

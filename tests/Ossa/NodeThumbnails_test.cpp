@@ -45,7 +45,7 @@ protected:
         OssNgSceneIndex::releaseItems(&m_scene);
         m_near.reset();
         m_away.reset();
-        OssPaletteManager::instance()->shutdown();
+        OssPaletteManager::instance()->deletePalettes();
         ModelFixture::TearDown();
     }
 

@@ -93,7 +93,7 @@ protected:
     {
         projects()->closeProject();
         window.reset();
-        OssPaletteManager::instance()->shutdown();
+        OssPaletteManager::instance()->deletePalettes();
         QDir(OssRecovery::standardFolder()).removeRecursively();
     }
 

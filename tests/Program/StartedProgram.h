@@ -2,7 +2,7 @@
 
 #include "Ossa/Commands/GroupCommands.h"
 #include "Ossa/Plugins/PluginActions.h"
-#include "Ossa/Start/HostStart.h"
+#include "Ossa/Start/HostServices.h"
 #include "Ossa/Window/HostPalettes.h"
 #include "Ossa/Window/MainWindow.h"
 #include "OssInterface/Popups/OssApplication.h"
@@ -21,18 +21,20 @@ protected:
             return;
         OssApplication::setPopupsAllowed(false);
         static PluginLoader plugins;
-        HostStart::start(&plugins);
+        s_services = new HostServices; // deleted by the listener, as the window
+        s_services->start(&plugins);
         ASSERT_EQ(plugins.plugins().size(), 1) << "build/plugins holds the node graph";
         PluginActions::fileUnfiled(plugins);
         static GroupCommands groupCommands(nullptr);
         HostPalettes::registerAll();
-        s_window = new MainWindow; // deleted by the listener
+        s_window = new MainWindow;
         s_window->show();
         testing::UnitTest::GetInstance()->listeners().Append(new TakeDown); // takes it
     }
 
     void SetUp() override { OssProjectManager::instance()->newProject(QStringLiteral("Test")); }
 
+    inline static HostServices *s_services = nullptr;
     inline static MainWindow *s_window = nullptr;
 
 private:
@@ -42,7 +44,7 @@ private:
         void OnTestProgramEnd(const testing::UnitTest &) override
         {
             delete s_window;
-            HostStart::shutdown();
+            delete s_services;
         }
     };
 };

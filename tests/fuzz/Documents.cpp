@@ -2,6 +2,7 @@
 // written as a document that gives the same text when it is read and written again.
 
 #include "OssCore/OssColor.h"
+#include "OssCore/OssCoreServices.h"
 #include "OssCore/OssSerializableObject.h"
 
 #include <QBuffer>
@@ -140,6 +141,7 @@ void need(bool good, const char *what, const QByteArray &once, const QByteArray 
 extern "C" int LLVMFuzzerInitialize(int *, char ***)
 {
     qputenv("QT_FATAL_WARNINGS", "1");
+    static const OssCoreServices services;
     return 0;
 }
 

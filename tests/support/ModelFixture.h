@@ -9,7 +9,6 @@
 #include "OssModel/Graph/OssShadingGroup.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
-#include "OssModel/OssModelServices.h"
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectManager.h"
 #include "support/ExpectedLog.h"
@@ -21,7 +20,6 @@
 /// The application's node types, read once in a program: without them no project is whole.
 inline void needNodeTypes()
 {
-    static const OssModelServices services;
     OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
     if (networks->nodePathKeys().isEmpty())
         networks->loadNodeTypes(OssResourceInfo::instance()->nodeTypePath());

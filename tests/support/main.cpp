@@ -11,6 +11,10 @@ using Application = QApplication;
 #endif
 #include <QTemporaryDir>
 
+#ifdef OSSA_TEST_SERVICES
+#include OSSA_TEST_SERVICES_HEADER
+#endif
+
 /// Runs the tests of one program inside an application without a screen, with settings of its own.
 int main(int argc, char **argv)
 {
@@ -22,5 +26,8 @@ int main(int argc, char **argv)
     testing::InitGoogleTest(&argc, argv);
     failTestsOnUnexpectedLog();
     const Application application(argc, argv);
+#ifdef OSSA_TEST_SERVICES
+    const OSSA_TEST_SERVICES services;
+#endif
     return RUN_ALL_TESTS();
 }

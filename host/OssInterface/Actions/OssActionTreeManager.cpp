@@ -13,12 +13,6 @@ constexpr const char *NameProperty = "ossCommandName";
 
 } // namespace
 
-OssActionTreeManager *OssActionTreeManager::instance()
-{
-    static OssActionTreeManager manager;
-    return &manager;
-}
-
 QString OssActionTreeManager::normalizedPath(const QString &path)
 {
     const QStringList parts = path.split(QLatin1Char('/'), Qt::SkipEmptyParts);
@@ -110,15 +104,6 @@ QString OssActionTreeManager::pathOf(const QAction *action) const
         m_entries.cbegin(), m_entries.cend(),
         [action](const Entry &entry) { return entry.action == action; });
     return found == m_entries.cend() ? QString() : found->path;
-}
-
-void OssActionTreeManager::shutdown()
-{
-    for (const Entry &entry : qAsConst(m_entries))
-        disconnect(entry.action, &QObject::destroyed, this, &OssActionTreeManager::dropAction);
-    m_entries.clear();
-    m_byPath.clear();
-    m_countByFoldedPath.clear();
 }
 
 void OssActionTreeManager::dropAction(QObject *action)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OssCore/OssService.h"
 #include "OssInterface/OssInterface_export.h"
 
 #include <QHash>
@@ -17,7 +18,9 @@ class QAction;
 /// Paths are read part by part: leading, trailing and doubled slashes mean nothing. Letter case
 /// does. Actions are not owned; one that dies drops out. Several may share an identity, and the
 /// first of them answers for it. GUI thread.
-class OSSINTERFACE_EXPORT OssActionTreeManager : public QObject
+class OSSINTERFACE_EXPORT OssActionTreeManager
+    : public QObject
+    , public OssService<OssActionTreeManager>
 {
     Q_OBJECT
 
@@ -29,7 +32,7 @@ public:
         QAction *action;
     };
 
-    static OssActionTreeManager *instance();
+    OssActionTreeManager() = default;
 
     /// For guards against filing a command twice; letter case is therefore ignored here.
     bool hasAction(const QString &fullPath) const;
@@ -54,16 +57,12 @@ public:
     static QString folderOf(const QString &path);
     static QString nameOf(const QString &path);
 
-    /// Forgets all actions, without a signal: before they and the application go.
-    void shutdown();
-
 Q_SIGNALS:
     void actionRegistered(const QString &path, QAction *action);
     /// The action is half destroyed or gone: use the path only.
     void actionRemoved(const QString &path);
 
 private:
-    OssActionTreeManager() = default;
     void dropAction(QObject *action);
 
     QVector<Entry> m_entries;

@@ -77,12 +77,6 @@ int fillLevel(QMenu *menu, const QVector<Item> &items, int index)
 
 } // namespace
 
-OssMenuManager *OssMenuManager::instance()
-{
-    static OssMenuManager manager;
-    return &manager;
-}
-
 OssMenuManager::OssMenuManager()
 {
     const QString context = QStringLiteral("Context");

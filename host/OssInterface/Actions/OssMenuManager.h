@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OssCore/OssService.h"
 #include "OssInterface/Actions/OssMenuDefinition.h"
 #include "OssInterface/OssInterface_export.h"
 
@@ -14,10 +15,10 @@ class OssMenu;
 /// Makes menus from definitions, which name commands by their path in the action tree. The host's
 /// own definitions are there from the start: ("Context", "NodeGraph") and the pull-down menus of
 /// the main window, group "Main". GUI thread.
-class OSSINTERFACE_EXPORT OssMenuManager
+class OSSINTERFACE_EXPORT OssMenuManager : public OssService<OssMenuManager>
 {
 public:
-    static OssMenuManager *instance();
+    OssMenuManager();
 
     /// Adds a definition or replaces it.
     void defineMenu(const QString &group, const QString &name, const OssMenuDefinition &definition);
@@ -34,7 +35,5 @@ public:
     QStringList commandPaths(const QString &group, const QString &name) const;
 
 private:
-    OssMenuManager();
-
     QHash<QPair<QString, QString>, OssMenuDefinition> m_definitions;
 };

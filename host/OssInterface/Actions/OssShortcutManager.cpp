@@ -57,12 +57,6 @@ bool takesText(const QWidget *widget)
 
 } // namespace
 
-OssShortcutManager *OssShortcutManager::instance()
-{
-    static OssShortcutManager manager;
-    return &manager;
-}
-
 OssShortcutManager::OssShortcutManager()
 {
     loadCustomKeys();
@@ -74,6 +68,14 @@ OssShortcutManager::OssShortcutManager()
         onActionRegistered(entry.path, entry.action);
     if (qApp)
         qApp->installEventFilter(this);
+}
+
+OssShortcutManager::~OssShortcutManager()
+{
+    for (const auto &action : qAsConst(m_bound)) {
+        if (action)
+            action->setShortcuts(QList<QKeySequence>());
+    }
 }
 
 void OssShortcutManager::setScope(const QString &folder, QWidget *widget)
@@ -176,19 +178,6 @@ QString OssShortcutManager::groupOf(const QString &path) const
 void OssShortcutManager::assignGroup(const QString &path, const QString &group)
 {
     m_groups.insert(OssActionTreeManager::normalizedPath(path), group);
-}
-
-void OssShortcutManager::shutdown()
-{
-    m_scopes.clear();
-    for (const auto &action : qAsConst(m_bound)) {
-        if (action)
-            action->setShortcuts(QList<QKeySequence>());
-    }
-    m_bound.clear();
-    m_own.clear();
-    if (qApp)
-        qApp->removeEventFilter(this);
 }
 
 bool OssShortcutManager::eventFilter(QObject *watched, QEvent *event)

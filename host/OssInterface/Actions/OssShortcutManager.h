@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OssCore/OssService.h"
 #include "OssInterface/OssInterface_export.h"
 
 #include <QHash>
@@ -22,12 +23,16 @@ class QWidget;
 /// folder's widget, so that "D" is a letter elsewhere. A text field inside the widget comes before
 /// all of them. An action that was filed with a key of its own shows it in menus, but whoever set
 /// the key makes it act, until the user assigns others. GUI thread.
-class OSSINTERFACE_EXPORT OssShortcutManager : public QObject
+class OSSINTERFACE_EXPORT OssShortcutManager
+    : public QObject
+    , public OssService<OssShortcutManager>
 {
     Q_OBJECT
 
 public:
-    static OssShortcutManager *instance();
+    OssShortcutManager();
+    /// Takes the keys off all actions, which may live on.
+    ~OssShortcutManager() override;
 
     /// Keys of commands below `folder` act inside `widget`; if it is a window, in every window of
     /// the application. The folder that is nearest to a command counts. Without a scope keys are
@@ -51,9 +56,6 @@ public:
     QString groupOf(const QString &path) const;
     void assignGroup(const QString &path, const QString &group);
 
-    /// Takes the keys off all actions: before they and the application go.
-    void shutdown();
-
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 Q_SIGNALS:
@@ -66,7 +68,6 @@ private:
         QPointer<QWidget> widget;
     };
 
-    OssShortcutManager();
     void onActionRegistered(const QString &path, QAction *action);
     void onActionRemoved(const QString &path);
     void bind(const QString &path);

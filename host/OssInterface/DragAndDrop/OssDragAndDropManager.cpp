@@ -27,12 +27,6 @@ bool dropNodeTypes(const QMimeData *data, const QVariantMap &)
 
 } // namespace
 
-OssDragAndDropManager *OssDragAndDropManager::instance()
-{
-    static OssDragAndDropManager manager;
-    return &manager;
-}
-
 OssDragAndDropManager::OssDragAndDropManager()
 {
     registerHandler({OssImageManager::NodeGraphTarget, bringsNodeTypes, dropNodeTypes});

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OssCore/OssService.h"
 #include "OssInterface/OssInterface_export.h"
 
 #include <QVariantMap>
@@ -11,7 +12,7 @@ class QMimeData;
 
 /// Objects that can be dragged about in the application and from outside it, and what each target
 /// does with them. Images and archives of the application's own drags are not among them.
-class OSSINTERFACE_EXPORT OssDragAndDropManager
+class OSSINTERFACE_EXPORT OssDragAndDropManager : public OssService<OssDragAndDropManager>
 {
 public:
     /// For one kind of thing and one target.
@@ -23,7 +24,7 @@ public:
         std::function<bool(const QMimeData *, const QVariantMap &parameters)> drop;
     };
 
-    static OssDragAndDropManager *instance();
+    OssDragAndDropManager();
 
     /// Asked in the order of registration.
     void registerHandler(const Handler &handler) { m_handlers.push_back(handler); }
@@ -38,7 +39,5 @@ public:
     static bool createNode(const QString &pathKey);
 
 private:
-    OssDragAndDropManager();
-
     std::vector<Handler> m_handlers;
 };

@@ -17,14 +17,10 @@ QString asHelpKey(const QString &name)
 
 } // namespace
 
-OssPaletteManager *OssPaletteManager::instance()
+OssPaletteManager::~OssPaletteManager()
 {
-    static OssPaletteManager manager;
-    return &manager;
+    deletePalettes();
 }
-
-// Palettes that are still there outlived QApplication: their widgets must not be touched any more.
-OssPaletteManager::~OssPaletteManager() = default;
 
 OssPalette *OssPaletteManager::find(const QString &name, bool reportMissing) const
 {
@@ -83,7 +79,7 @@ bool OssPaletteManager::shownAtFirst(const OssPalette *palette) const
     return entry && entry->shownAtFirst;
 }
 
-void OssPaletteManager::shutdown()
+void OssPaletteManager::deletePalettes()
 {
     // Later palettes may lean on earlier ones.
     while (!m_entries.isEmpty())

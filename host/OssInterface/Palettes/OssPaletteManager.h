@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OssCore/OssService.h"
 #include "OssInterface/OssInterface_export.h"
 
 #include <QObject>
@@ -11,12 +12,14 @@ class OssPalette;
 
 /// Owner of all palettes. They may be registered before the main window exists or at any time
 /// later; the window docks what is there and listens for the rest. GUI thread.
-class OSSINTERFACE_EXPORT OssPaletteManager : public QObject
+class OSSINTERFACE_EXPORT OssPaletteManager
+    : public QObject
+    , public OssService<OssPaletteManager>
 {
     Q_OBJECT
 
 public:
-    static OssPaletteManager *instance();
+    OssPaletteManager() = default;
     ~OssPaletteManager() override;
 
     /// By object name. Since that may be translated, the context help key is accepted as well, in
@@ -33,8 +36,8 @@ public:
     QString iconPath(const OssPalette *palette) const;
     bool shownAtFirst(const OssPalette *palette) const;
 
-    /// Deletes all palettes: before QApplication goes.
-    void shutdown();
+    /// Deletes all palettes.
+    void deletePalettes();
 
 Q_SIGNALS:
     void paletteRegistered(OssPalette *palette);
@@ -47,7 +50,6 @@ private:
         bool shownAtFirst;
     };
 
-    OssPaletteManager() = default;
     const Entry *entryOf(const OssPalette *palette) const;
 
     QVector<Entry> m_entries;

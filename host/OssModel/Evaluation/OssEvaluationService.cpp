@@ -11,20 +11,11 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 
-OssEvaluationService *OssEvaluationService::instance()
-{
-    static OssEvaluationService service;
-    return &service;
-}
-
 OssEvaluationService::OssEvaluationService() = default;
-OssEvaluationService::~OssEvaluationService() = default;
 
-void OssEvaluationService::shutdown()
+OssEvaluationService::~OssEvaluationService()
 {
-    m_engine.reset();
-    m_images.reset();
-    m_meshes.clear();
+    m_engine.reset(); // before what it reads from
 }
 
 OssEvEngine *OssEvaluationService::engine()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OssCore/OssResult.h"
+#include "OssCore/OssService.h"
 #include "OssEvaluation/Files/OssEvBake.h"
 #include "OssModel/Evaluation/OssSnEvaluationGraph.h"
 
@@ -20,10 +21,11 @@ class OssImageSet;
 
 /// The engine of the process and what evaluation needs of the document beside the graph: meshes and
 /// images. Everything that shows or writes pixels uses it. GUI thread, but for the engine itself.
-class OSSMODEL_EXPORT OssEvaluationService
+class OSSMODEL_EXPORT OssEvaluationService : public OssService<OssEvaluationService>
 {
 public:
-    static OssEvaluationService *instance();
+    OssEvaluationService();
+    /// Stops all work.
     ~OssEvaluationService();
 
     OssEvEngine *engine();
@@ -57,12 +59,7 @@ public:
     /// One undo step; nothing changes when a patch fails.
     OssResult bakeInto(OssImageSet *set, const BakeJob &job);
 
-    /// Before the process ends: stops all work.
-    void shutdown();
-
 private:
-    OssEvaluationService();
-
     /// Fails, in words, where the job cannot be computed.
     OssResult prepare(const BakeJob &job, OssEvTarget *made);
     OssResult runBakes(std::vector<OssEvBake::Job> bakes,

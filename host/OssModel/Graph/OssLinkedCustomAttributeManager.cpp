@@ -7,12 +7,6 @@
 
 #include <algorithm>
 
-OssLinkedCustomAttributeManager *OssLinkedCustomAttributeManager::instance()
-{
-    static OssLinkedCustomAttributeManager manager;
-    return &manager;
-}
-
 OssLinkedCustomAttributeManager::OssLinkedCustomAttributeManager()
 {
     connect(OssShaderNetworkManager::instance(), &OssShaderNetworkManager::nodeRegistered, this,

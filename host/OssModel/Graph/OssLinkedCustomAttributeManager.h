@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OssCore/OssService.h"
 #include "OssModel/OssModel_export.h"
 
 #include <QHash>
@@ -17,7 +18,9 @@ class OssSnGroupNode;
 ///
 /// A link outlives the node it leads to: it is broken while the node is not inside the group, or
 /// has no attribute of that name and type, and whole again when the node comes back. GUI thread.
-class OSSMODEL_EXPORT OssLinkedCustomAttributeManager : public QObject
+class OSSMODEL_EXPORT OssLinkedCustomAttributeManager
+    : public QObject
+    , public OssService<OssLinkedCustomAttributeManager>
 {
     Q_OBJECT
 
@@ -35,7 +38,7 @@ public:
         QString name;
     };
 
-    static OssLinkedCustomAttributeManager *instance();
+    OssLinkedCustomAttributeManager();
 
     /// What a knob stands for, in the order in which it was linked.
     QVector<Link> links(const OssSnGroupNode *group, const QString &knob) const;
@@ -62,7 +65,6 @@ private Q_SLOTS:
     void onNodeRemoved();
 
 private:
-    OssLinkedCustomAttributeManager();
     void follow(OssSnBaseNode *node);
     void addTarget(OssSnBaseNode *node, const Knob &knob);
     void removeTarget(OssSnBaseNode *node, const Knob &knob);

@@ -6,12 +6,6 @@
 #include "OssModel/Graph/OssShadingGroup.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 
-OssShaderNetworkManager *OssShaderNetworkManager::instance()
-{
-    static OssShaderNetworkManager manager;
-    return &manager;
-}
-
 OssShaderNetworkManager::OssShaderNetworkManager()
 {
     setObjectName(QStringLiteral("OssShaderNetworkManager"));

@@ -2,6 +2,7 @@
 
 #include "OssCore/OssObjectReferenceManager.h"
 #include "OssCore/OssSerializableObject.h"
+#include "OssCore/OssService.h"
 #include "OssModel/OssModel_export.h"
 #include "OssModel/Types/OssSnNodeTypeLibrary.h"
 
@@ -22,7 +23,9 @@ class QAction;
 
 /// What all shader networks of the process share: node types, context loaders, which network and
 /// viewer are current, and the notices and requests that panels and plug-ins answer.
-class OSSMODEL_EXPORT OssShaderNetworkManager : public OssSerializableObject
+class OSSMODEL_EXPORT OssShaderNetworkManager
+    : public OssSerializableObject
+    , public OssService<OssShaderNetworkManager>
 {
     Q_OBJECT
 
@@ -36,7 +39,7 @@ public:
         QPointer<OssShaderNetworkContextLoader> loader;
     };
 
-    static OssShaderNetworkManager *instance();
+    OssShaderNetworkManager();
     ~OssShaderNetworkManager() override;
 
     // --- node types
@@ -162,8 +165,6 @@ Q_SIGNALS:
     void graphRefreshRequested(OssShaderNetwork *network);
 
 private:
-    OssShaderNetworkManager();
-
     OssSnNodeTypeLibrary m_types;
     std::map<OssSnNodeTypeLibrary::TypePointer, QString> m_pristineHashes;
     QVector<NamedLoader> m_loaders;

@@ -20,12 +20,6 @@ constexpr int LargestSide = 65536;
 
 OssImageHolder::~OssImageHolder() = default;
 
-OssImageManager *OssImageManager::instance()
-{
-    static OssImageManager manager;
-    return &manager;
-}
-
 OssImageManager::~OssImageManager() = default;
 
 QList<OssImage *> OssImageManager::images() const

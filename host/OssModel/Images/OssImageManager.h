@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OssCore/OssResult.h"
+#include "OssCore/OssService.h"
 #include "OssModel/Images/OssImageUniqueId.h"
 
 #include <QList>
@@ -30,7 +31,9 @@ public:
 };
 
 /// The images of the open project, and the actions that every image's menu offers.
-class OSSMODEL_EXPORT OssImageManager : public QObject
+class OSSMODEL_EXPORT OssImageManager
+    : public QObject
+    , public OssService<OssImageManager>
 {
     Q_OBJECT
 
@@ -57,7 +60,7 @@ public:
     /// Where a drag goes.
     enum DropTarget { NodeGraphTarget = 4 };
 
-    static OssImageManager *instance();
+    OssImageManager() = default;
     ~OssImageManager() override;
 
     /// Not owned; null while no project is open.
@@ -99,8 +102,6 @@ Q_SIGNALS:
     void imagesChanged();
 
 private:
-    OssImageManager() = default;
-
     OssImageHolder *m_holder = nullptr;
     QVector<ContextMenuAction> m_actions;
 };

@@ -13,12 +13,6 @@ const QString ProxyKey = QStringLiteral("_System/Current Material");
 
 } // namespace
 
-OssLayerManager *OssLayerManager::instance()
-{
-    static OssLayerManager manager;
-    return &manager;
-}
-
 OssSnBaseNode *OssLayerManager::currentMaterialProxy(const OssShaderNetwork *network)
 {
     if (!network)

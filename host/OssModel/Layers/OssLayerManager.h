@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OssCore/OssService.h"
 #include "OssModel/OssModel_export.h"
 
 #include <QString>
@@ -9,10 +10,10 @@ class OssSnBaseNode;
 
 /// What is looked at as a whole material. An object has at most one proxy for it, a node of its own
 /// that goes to the network of what it stands for and feeds the viewer's input 0.
-class OSSMODEL_EXPORT OssLayerManager
+class OSSMODEL_EXPORT OssLayerManager : public OssService<OssLayerManager>
 {
 public:
-    static OssLayerManager *instance();
+    OssLayerManager() = default;
 
     /// Makes an output of the node the current material of its object. `stream` names one stream of
     /// a multi-channel node; empty means the output as it is. One undo step. False when there is
@@ -24,5 +25,4 @@ public:
     static OssSnBaseNode *currentMaterialProxy(const OssShaderNetwork *network);
 
 private:
-    OssLayerManager() = default;
 };

@@ -1,11 +1,5 @@
 #include "OssModel/Layers/OssLayerRefreshSuspensionManager.h"
 
-OssLayerRefreshSuspensionManager *OssLayerRefreshSuspensionManager::instance()
-{
-    static OssLayerRefreshSuspensionManager manager;
-    return &manager;
-}
-
 OssLayerRefreshSuspensionManager::RefreshStateSuspender::RefreshStateSuspender()
 {
     ++instance()->m_depth;

@@ -1,16 +1,19 @@
 #pragma once
 
+#include "OssCore/OssService.h"
 #include "OssModel/OssModel_export.h"
 
 #include <QObject>
 
 /// Holds back what follows a change of layers (pictures, panels) while many changes are made.
-class OSSMODEL_EXPORT OssLayerRefreshSuspensionManager : public QObject
+class OSSMODEL_EXPORT OssLayerRefreshSuspensionManager
+    : public QObject
+    , public OssService<OssLayerRefreshSuspensionManager>
 {
     Q_OBJECT
 
 public:
-    static OssLayerRefreshSuspensionManager *instance();
+    OssLayerRefreshSuspensionManager() = default;
 
     /// Scope in which refreshes wait; scopes nest.
     class OSSMODEL_EXPORT RefreshStateSuspender
@@ -29,7 +32,5 @@ Q_SIGNALS:
     void resumed();
 
 private:
-    OssLayerRefreshSuspensionManager() = default;
-
     int m_depth = 0;
 };

@@ -5,12 +5,6 @@
 #include "OssModel/Layers/OssLayerManager.h"
 #include "OssModel/Layers/OssLayerShader.h"
 
-OssLayerShaderManager *OssLayerShaderManager::instance()
-{
-    static OssLayerShaderManager manager;
-    return &manager;
-}
-
 bool OssLayerShaderManager::isSystemShaderNode(const OssSnBaseNode *node, bool includeInside) const
 {
     for (; node; node = node->network() ? node->network()->parentGroupNode() : nullptr) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OssCore/OssService.h"
 #include "OssModel/OssModel_export.h"
 
 #include <QObject>
@@ -10,12 +11,14 @@ class OssShaderNetwork;
 class OssSnBaseNode;
 
 /// What is known of shaders among the nodes, and which one is current.
-class OSSMODEL_EXPORT OssLayerShaderManager : public QObject
+class OSSMODEL_EXPORT OssLayerShaderManager
+    : public QObject
+    , public OssService<OssLayerShaderManager>
 {
     Q_OBJECT
 
 public:
-    static OssLayerShaderManager *instance();
+    OssLayerShaderManager() = default;
 
     /// Whether the application itself made the node as part of shading, so that users look at it
     /// but do not build with it. With `includeInside` a node inside such a node counts too.
@@ -38,7 +41,5 @@ Q_SIGNALS:
     void currentShaderChanged(OssSnBaseNode *shader);
 
 private:
-    OssLayerShaderManager() = default;
-
     QPointer<OssSnBaseNode> m_currentShader;
 };

@@ -20,12 +20,6 @@ bool hasFiles(const QMimeData *data, const QString &suffix)
 
 } // namespace
 
-OssMaterialPaintManager *OssMaterialPaintManager::instance()
-{
-    static OssMaterialPaintManager manager;
-    return &manager;
-}
-
 bool OssMaterialPaintManager::autoconnectMergeNode(OssSnBaseNode *source, OssSnBaseNode *merge)
 {
     if (!source || !merge || source->prefferedOutputPoint().isEmpty())

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OssCore/OssService.h"
 #include "OssModel/OssModel_export.h"
 
 #include <QStringList>
@@ -8,10 +9,10 @@ class OssSnBaseNode;
 class QMimeData;
 
 /// What materials and paint need beyond single nodes.
-class OSSMODEL_EXPORT OssMaterialPaintManager
+class OSSMODEL_EXPORT OssMaterialPaintManager : public OssService<OssMaterialPaintManager>
 {
 public:
-    static OssMaterialPaintManager *instance();
+    OssMaterialPaintManager() = default;
 
     /// Wires the source to the next free input of a merge: the base, what lies over it, the mask.
     /// Undoable. False when none is free or they cannot be wired.
@@ -25,5 +26,4 @@ public:
     QStringList pathListFromMimeData(const QMimeData *data) const;
 
 private:
-    OssMaterialPaintManager() = default;
 };

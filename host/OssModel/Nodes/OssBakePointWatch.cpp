@@ -9,12 +9,6 @@ constexpr int Soon = 100; ///< milliseconds
 
 } // namespace
 
-OssBakePointWatch *OssBakePointWatch::instance()
-{
-    static OssBakePointWatch watch;
-    return &watch;
-}
-
 OssBakePointWatch::OssBakePointWatch()
 {
     m_timer.setSingleShot(true);

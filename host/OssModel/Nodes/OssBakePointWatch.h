@@ -1,5 +1,7 @@
 #pragma once
 
+#include "OssCore/OssService.h"
+
 #include <QObject>
 #include <QSet>
 #include <QTimer>
@@ -8,12 +10,14 @@ class OssSnBakePointNode;
 
 /// Has bake points look whether they are out of date, soon after the document has changed: any node
 /// upstream may be the reason, in other networks too. GUI thread.
-class OssBakePointWatch : public QObject
+class OssBakePointWatch
+    : public QObject
+    , public OssService<OssBakePointWatch>
 {
     Q_OBJECT
 
 public:
-    static OssBakePointWatch *instance();
+    OssBakePointWatch();
 
     /// Not owned; from its constructor to its destructor.
     void add(OssSnBakePointNode *node) { m_nodes.insert(node); }
@@ -21,8 +25,6 @@ public:
     void remove(OssSnBakePointNode *node) { m_nodes.remove(node); }
 
 private:
-    OssBakePointWatch();
-
     void look();
 
     QSet<OssSnBakePointNode *> m_nodes;

@@ -3,12 +3,6 @@
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Nodes/OssSnMultiChannelGroupNode.h"
 
-OssLayerShaderModelManager *OssLayerShaderModelManager::instance()
-{
-    static OssLayerShaderModelManager manager;
-    return &manager;
-}
-
 void OssLayerShaderModelManager::readModels()
 {
     const OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OssCore/OssService.h"
 #include "OssModel/Types/OssLayerShaderModel.h"
 
 #include <QPair>
@@ -10,10 +11,10 @@ class OssSnBaseNode;
 class OssSnMultiChannelGroupNode;
 
 /// The shader models of the process: one for each shader among the node types.
-class OSSMODEL_EXPORT OssLayerShaderModelManager
+class OSSMODEL_EXPORT OssLayerShaderModelManager : public OssService<OssLayerShaderModelManager>
 {
 public:
-    static OssLayerShaderModelManager *instance();
+    OssLayerShaderModelManager() = default;
 
     /// Stays valid for the process. Null for an id that is not known.
     const OssLayerShaderModel *model(const QString &id);
@@ -27,7 +28,6 @@ public:
         OssSnBaseNode *first, OssSnBaseNode *second);
 
 private:
-    OssLayerShaderModelManager() = default;
     void readModels();
 
     std::map<QString, OssLayerShaderModel> m_models;

@@ -4,12 +4,6 @@
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Nodes/OssSnBaseTeleportNode.h"
 
-OssSnTeleportNodeManager *OssSnTeleportNodeManager::instance()
-{
-    static OssSnTeleportNodeManager manager;
-    return &manager;
-}
-
 OssSnTeleportNodeManager::OssSnTeleportNodeManager()
 {
     const OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OssCore/OssService.h"
 #include "OssModel/OssModel_export.h"
 
 #include <QList>
@@ -12,12 +13,14 @@ class OssSnBroadcastTeleportNode;
 
 /// Knows which teleports stand in networks and who hears whom. Channels are an object's own: a
 /// `network` may be any of the object's.
-class OSSMODEL_EXPORT OssSnTeleportNodeManager : public QObject
+class OSSMODEL_EXPORT OssSnTeleportNodeManager
+    : public QObject
+    , public OssService<OssSnTeleportNodeManager>
 {
     Q_OBJECT
 
 public:
-    static OssSnTeleportNodeManager *instance();
+    OssSnTeleportNodeManager();
 
     /// The one that is heard; null when there is none, or for an empty channel.
     OssSnBroadcastTeleportNode *broadcastNode(const OssShaderNetwork *network,
@@ -28,7 +31,6 @@ public:
     void announce(const OssSnBaseTeleportNode *node);
 
 private:
-    OssSnTeleportNodeManager();
     void add(OssSnBaseNode *node);
     void remove(OssSnBaseNode *node);
     QList<OssSnBaseTeleportNode *> ofObject(const OssShaderNetwork *network) const;

@@ -6,12 +6,6 @@ OssCanvasWidget::~OssCanvasWidget()
         OssCanvasManager::instance()->setCurrentCanvas(nullptr);
 }
 
-OssCanvasManager *OssCanvasManager::instance()
-{
-    static OssCanvasManager manager;
-    return &manager;
-}
-
 OssResult OssCanvasManager::bakePaint()
 {
     return m_current ? m_current->bakePaint() : OssResult();

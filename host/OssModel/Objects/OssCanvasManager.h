@@ -1,12 +1,13 @@
 #pragma once
 
+#include "OssCore/OssService.h"
 #include "OssModel/Objects/OssCanvasWidget.h"
 
 /// Which canvas the user paints on. GUI thread.
-class OSSMODEL_EXPORT OssCanvasManager
+class OSSMODEL_EXPORT OssCanvasManager : public OssService<OssCanvasManager>
 {
 public:
-    static OssCanvasManager *instance();
+    OssCanvasManager() = default;
 
     /// Null while there is none.
     OssCanvasWidget *currentCanvas() const { return m_current; }
@@ -18,7 +19,5 @@ public:
     OssResult bakePaint();
 
 private:
-    OssCanvasManager() = default;
-
     OssCanvasWidget *m_current = nullptr;
 };

@@ -13,12 +13,6 @@
 #include <QDir>
 #include <QFileInfo>
 
-OssProjectManager *OssProjectManager::instance()
-{
-    static OssProjectManager manager;
-    return &manager;
-}
-
 OssProjectManager::OssProjectManager()
 {
     qRegisterMetaType<OssProject *>();

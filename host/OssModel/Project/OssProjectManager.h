@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OssCore/OssResult.h"
+#include "OssCore/OssService.h"
 #include "OssModel/OssModel_export.h"
 
 #include <QObject>
@@ -17,12 +18,14 @@ class OssProject;
 /// current network set, projectOpenCompleted(). Order on closing: projectClosing() while
 /// everything lives, nodes deregistered and networks destroyed, projectClosed(). A project that
 /// cannot be opened leaves the open one as it is.
-class OSSMODEL_EXPORT OssProjectManager : public QObject
+class OSSMODEL_EXPORT OssProjectManager
+    : public QObject
+    , public OssService<OssProjectManager>
 {
     Q_OBJECT
 
 public:
-    static OssProjectManager *instance();
+    OssProjectManager();
     ~OssProjectManager() override;
 
     /// Null when none is open.
@@ -61,7 +64,6 @@ Q_SIGNALS:
     void modifiedChanged(bool modified);
 
 private:
-    OssProjectManager();
     void makeCurrent(std::unique_ptr<OssProject> project, bool fromDisk);
 
     std::unique_ptr<OssProject> m_project;

@@ -32,12 +32,6 @@ int percentOf(const QString &scale)
 
 } // namespace
 
-ApplicationPreferences *ApplicationPreferences::instance()
-{
-    static ApplicationPreferences preferences;
-    return &preferences;
-}
-
 ApplicationPreferences::ApplicationPreferences()
 {
     resetInterfaceScale();

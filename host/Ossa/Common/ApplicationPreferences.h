@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OssCore/OssGroupParameterObject.h"
+#include "OssCore/OssService.h"
 
 #include <QObject>
 
@@ -8,6 +9,7 @@
 class ApplicationPreferences
     : public QObject
     , public OssGroupParameterObject
+    , public OssService<ApplicationPreferences>
 {
     Q_OBJECT
     Q_PROPERTY(bool reopenLastProject READ reopenLastProject WRITE setReopenLastProject)
@@ -16,7 +18,7 @@ class ApplicationPreferences
                    autosaveIntervalChanged)
 
 public:
-    static ApplicationPreferences *instance();
+    ApplicationPreferences();
 
     /// In percent, as it was when the program started. Needs no application object.
     static int storedInterfaceScale();
@@ -55,8 +57,6 @@ Q_SIGNALS:
     void autosaveIntervalChanged();
 
 private:
-    ApplicationPreferences();
-
     bool m_reopenLastProject = false;
     QString m_interfaceScale;
     QString m_autosaveInterval;

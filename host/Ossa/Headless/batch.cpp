@@ -2,10 +2,8 @@
 #include "Ossa/Headless/CommandLine.h"
 #include "Ossa/Headless/InfoCommand.h"
 #include "OssCore/OssResourceInfo.h"
-#include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/OssModelServices.h"
-#include "OssModel/Project/OssProjectManager.h"
 
 #include <QCoreApplication>
 
@@ -44,8 +42,5 @@ int main(int argc, char **argv)
     QCoreApplication::setApplicationName(QStringLiteral("Ossa"));
     const OssModelServices services;
     OssShaderNetworkManager::instance()->loadNodeTypes(OssResourceInfo::instance()->nodeTypePath());
-    const int code = run(line);
-    OssProjectManager::instance()->closeProject();
-    OssEvaluationService::instance()->shutdown();
-    return code;
+    return run(line);
 }

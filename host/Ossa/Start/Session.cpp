@@ -7,7 +7,6 @@
 #include "Ossa/Pictures/GraphCommand.h"
 #include "Ossa/Plugins/PluginActions.h"
 #include "Ossa/Scripting/RunCommand.h"
-#include "Ossa/Start/HostStart.h"
 #include "Ossa/Window/HostPalettes.h"
 #include "Ossa/Window/MainWindow.h"
 #include "Ossa/Window/WorkRecovery.h"
@@ -105,8 +104,7 @@ Session::Session(const CommandLine &line)
     : m_line(line)
 {
     OssApplication::setPopupsAllowed(!line.isHeadless());
-    ApplicationPreferences::instance();
-    HostStart::start(&m_plugins);
+    m_services.start(&m_plugins);
     PluginActions::fileUnfiled(m_plugins);
     m_groupCommands = std::make_unique<GroupCommands>(nullptr);
     HostPalettes::registerAll();
@@ -116,7 +114,6 @@ Session::~Session()
 {
     if (!m_line.isHeadless())
         OssPreferenceManager::instance()->savePreferences();
-    HostStart::shutdown();
 }
 
 int Session::runWindow()

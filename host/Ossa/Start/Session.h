@@ -2,12 +2,13 @@
 
 #include "Ossa/Headless/CommandLine.h"
 #include "Ossa/Plugins/PluginLoader.h"
+#include "Ossa/Start/HostServices.h"
 
 #include <memory>
 
 class GroupCommands;
 
-/// One run of the program, from the application object to the teardown: starts the managers, loads
+/// One run of the program, from the application object to the teardown: makes the services, loads
 /// the plug-ins, does what the command line wants, and takes everything down while QApplication
 /// still lives.
 class Session
@@ -26,6 +27,7 @@ private:
     int runWindow();
 
     const CommandLine &m_line;
+    HostServices m_services;
     PluginLoader m_plugins;
     std::unique_ptr<GroupCommands> m_groupCommands;
 };

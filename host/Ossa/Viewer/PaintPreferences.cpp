@@ -16,12 +16,6 @@ const QString ask = QStringLiteral("Ask");
 
 } // namespace
 
-PaintPreferences *PaintPreferences::instance()
-{
-    static PaintPreferences preferences;
-    return &preferences;
-}
-
 PaintPreferences::PaintPreferences()
     : m_bakeBehavior(bake)
 {

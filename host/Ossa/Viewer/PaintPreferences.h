@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OssCore/OssGroupParameterObject.h"
+#include "OssCore/OssService.h"
 
 #include <QObject>
 
@@ -8,12 +9,13 @@
 class PaintPreferences
     : public QObject
     , public OssGroupParameterObject
+    , public OssService<PaintPreferences>
 {
     Q_OBJECT
     Q_PROPERTY(QString bakeBehavior READ bakeBehavior WRITE setBakeBehavior)
 
 public:
-    static PaintPreferences *instance();
+    PaintPreferences();
 
     QString bakeBehavior() const { return m_bakeBehavior; }
 
@@ -31,7 +33,5 @@ public Q_SLOTS:
     void savePreferences();
 
 private:
-    PaintPreferences();
-
     QString m_bakeBehavior;
 };

@@ -31,7 +31,6 @@ PaintSession::PaintSession(QObject *parent)
     : QObject(parent)
     , m_tiles(std::make_shared<PaintTileStore>())
 {
-    PaintPreferences::instance();
     m_rest.setSingleShot(true);
     m_rest.setInterval(restTime);
     connect(&m_rest, &QTimer::timeout, this, &PaintSession::rescue);

@@ -1,0 +1,4 @@
+#include "OssCore/OssCoreServices.h"
+
+OssCoreServices::OssCoreServices() = default;
+OssCoreServices::~OssCoreServices() = default;

@@ -1,0 +1,10 @@
+#include "OssScriptObjects/OssScriptServices.h"
+
+#include "OssModel/Project/OssProjectManager.h"
+
+OssScriptServices::OssScriptServices() = default;
+
+OssScriptServices::~OssScriptServices()
+{
+    OssProjectManager::instance()->closeProject(); // while there is what follows its objects
+}

@@ -1,0 +1,18 @@
+#include "Ossa/Start/HostServices.h"
+
+#include "Ossa/Plugins/PluginLoader.h"
+#include "OssCore/OssResourceInfo.h"
+#include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Project/OssProjectManager.h"
+
+HostServices::~HostServices()
+{
+    m_scriptEngine.shutdown();
+    OssProjectManager::instance()->closeProject();
+}
+
+void HostServices::start(PluginLoader *plugins)
+{
+    OssShaderNetworkManager::instance()->loadNodeTypes(OssResourceInfo::instance()->nodeTypePath());
+    plugins->load(OssResourceInfo::instance()->pluginPath());
+}

@@ -61,14 +61,14 @@ QString nodeNameOf(const OssLinkedCustomAttributeManager::Link &link)
 // --- dialog
 
 OssGroupNodeKnobDialog::OssGroupNodeKnobDialog(OssSnGroupNode *groupNode)
-    : m_widget(new OssGroupNodeKnobWidget(groupNode, this))
 {
     setWindowTitle(tr("Group Node Knobs"));
     setWindowFlags(windowFlags() | Qt::WindowStaysOnTopHint);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(m_widget);
-    connect(m_widget->buttonBox(), &QDialogButtonBox::accepted, this, &QDialog::accept);
+    auto *knobs = new OssGroupNodeKnobWidget(groupNode, this);
+    layout->addWidget(knobs);
+    connect(knobs->buttonBox(), &QDialogButtonBox::accepted, this, &QDialog::accept);
     if (groupNode)
         connect(groupNode, &QObject::destroyed, this, &QDialog::reject);
 }

@@ -21,11 +21,6 @@ public:
     /// Closes when the group is deleted.
     explicit OssGroupNodeKnobDialog(OssSnGroupNode *groupNode);
     ~OssGroupNodeKnobDialog() override;
-
-    OssGroupNodeKnobWidget *knobWidget() const { return m_widget; }
-
-private:
-    OssGroupNodeKnobWidget *m_widget;
 };
 
 /// The knobs of a group by section, and what can be done with them.

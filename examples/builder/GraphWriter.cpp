@@ -2,7 +2,6 @@
 
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssSnBaseContext.h"
-#include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Graph/OssSnNodeFactory.h"
 
 #include <cstdio>
@@ -55,11 +54,6 @@ OssSnBaseNode *GraphWriter::addOf(const char *description, const QString &name,
     return node;
 }
 
-OssSnGroupNode *GraphWriter::addGroup(const QString &name, const QPointF &position)
-{
-    return qobject_cast<OssSnGroupNode *>(add(QStringLiteral("Misc/Group"), name, position));
-}
-
 OssSnBaseNode *GraphWriter::addBackdrop(const QString &title, const QPointF &position,
                                         const QSizeF &size, const QString &color)
 {
@@ -96,11 +90,4 @@ void GraphWriter::set(OssSnBaseNode *node, const QString &attribute, const QVari
 void GraphWriter::place(OssSnBaseNode *node, const QPointF &position)
 {
     QMetaObject::invokeMethod(contextOf(node), "setNodePosition", Q_ARG(QPointF, position));
-}
-
-QSizeF GraphWriter::sizeOf(OssSnBaseNode *node)
-{
-    QSizeF size;
-    QMetaObject::invokeMethod(contextOf(node), "nodeSize", Q_RETURN_ARG(QSizeF, size));
-    return size;
 }

@@ -7,7 +7,6 @@
 
 class OssShaderNetwork;
 class OssSnBaseNode;
-class OssSnGroupNode;
 
 /// Writes a graph into a network, node by node, with the operations that commands use. What cannot
 /// be done ends the program with the reason: examples are whole or not there.
@@ -19,7 +18,6 @@ public:
     OssSnBaseNode *add(const QString &pathKey, const QString &name, const QPointF &position);
     /// A node of a type that is described here and need not be the installed one.
     OssSnBaseNode *addOf(const char *description, const QString &name, const QPointF &position);
-    OssSnGroupNode *addGroup(const QString &name, const QPointF &position);
     OssSnBaseNode *addBackdrop(const QString &title, const QPointF &position, const QSizeF &size,
                                const QString &color);
     OssSnBaseNode *addNote(const QString &text, const QPointF &position);
@@ -31,7 +29,6 @@ public:
     OssShaderNetwork *network() const { return m_network; }
 
     static void place(OssSnBaseNode *node, const QPointF &position);
-    static QSizeF sizeOf(OssSnBaseNode *node);
 
 private:
     OssShaderNetwork *m_network;

@@ -70,11 +70,6 @@ void OssCustomAttribute::setPrettyName(const QString &prettyName)
     editDefinition().prettyName = prettyName;
 }
 
-void OssCustomAttribute::setGroup(const QString &group)
-{
-    editDefinition().group = group;
-}
-
 void OssCustomAttribute::setVisible(bool visible)
 {
     editDefinition().visible = visible;

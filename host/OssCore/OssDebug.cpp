@@ -81,12 +81,6 @@ void OssDebugLog::clear()
     m_lines.clear();
 }
 
-void OssDebugLog::setEcho(bool on)
-{
-    const QMutexLocker lock(&logMutex());
-    m_echo = on;
-}
-
 void OssDebugLog::append(const char *file, int line, const char *title, const QString &text)
 {
     const Line entry{categoryOf(text), sourceName(file), line, QString::fromUtf8(title), text};
@@ -95,8 +89,6 @@ void OssDebugLog::append(const char *file, int line, const char *title, const QS
         if (m_lines.size() >= Capacity)
             m_lines.remove(0, Capacity / 10);
         m_lines.append(entry);
-        if (m_echo)
-            std::fprintf(stderr, "%s\n", qPrintable(text));
     }
     Q_EMIT lineAdded(entry);
 }

@@ -42,9 +42,6 @@ public:
     QVector<Line> lines() const;
     void clear();
 
-    /// Whether lines are also written to stderr. Off at first; the command line turns it on.
-    void setEcho(bool on);
-
     void append(const char *file, int line, const char *title, const QString &text);
 
 Q_SIGNALS:
@@ -55,7 +52,6 @@ private:
     OssDebugLog() = default;
 
     QVector<Line> m_lines;
-    bool m_echo = false;
 };
 
 Q_DECLARE_METATYPE(OssDebugLog::Line)

@@ -181,7 +181,6 @@ void OssSerializableObject::dropUserAttribute(int index)
         return;
     const OssCustomAttribute gone = m_userAttributes.takeAt(index);
     onUserAttributeGone(gone);
-    Q_EMIT userAttributeRemoved(gone.name());
 }
 
 void OssSerializableObject::onUserAttributeSet(const OssCustomAttribute &, bool) {}

@@ -91,14 +91,13 @@ Q_SIGNALS:
     void selectedChanged(bool selected);
     /// After a notifying setUserAttribute(), also on undo and redo.
     void userAttributeChanged(const QString &name);
-    void userAttributeRemoved(const QString &name);
 
 protected:
     /// Name of the class in files.
     virtual QString serializedType() const;
     /// User attributes that need no saving: a type's attribute at its default.
     virtual bool attributeNeedsSaving(const OssCustomAttribute &attribute) const;
-    /// Called for each change, before the signals.
+    /// Called for each change, before the signal.
     virtual void onUserAttributeSet(const OssCustomAttribute &attribute, bool added);
     virtual void onUserAttributeGone(const OssCustomAttribute &attribute);
     /// Gives the object its type's attributes: no undo, no notice.

@@ -110,7 +110,6 @@ void OssScriptManager::reportError(const OssScriptException &error)
     if (!m_failed)
         m_error = error;
     m_failed = true;
-    Q_EMIT errorReported(error);
 }
 
 void OssScriptManager::clearError()

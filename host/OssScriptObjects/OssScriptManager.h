@@ -81,7 +81,6 @@ public:
 
 Q_SIGNALS:
     void scriptEnded();
-    void errorReported(const OssScriptException &error);
 
 private:
     using Key = QPair<const QObject *, QString>;

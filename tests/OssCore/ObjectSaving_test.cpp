@@ -59,6 +59,7 @@ public:
     int ends = 0;
     bool knowsCollections = true;
     QStringList heard;
+    QStringList told; ///< of its attributes
     QMap<QString, QString> entries;
     std::vector<std::unique_ptr<Thing>> children;
 
@@ -122,6 +123,12 @@ public:
     }
 
     void onEndLoad() override { ++ends; }
+
+protected:
+    void onUserAttributeGone(const OssCustomAttribute &attribute) override
+    {
+        told.append(s("gone ") + attribute.name());
+    }
 
 private:
     Thing *addChild()
@@ -430,13 +437,10 @@ protected:
     void listen()
     {
         QObject::connect(&m_thing, &OssSerializableObject::userAttributeChanged,
-                         [this](const QString &name) { m_told.append(s("set ") + name); });
-        QObject::connect(&m_thing, &OssSerializableObject::userAttributeRemoved,
-                         [this](const QString &name) { m_told.append(s("gone ") + name); });
+                         [this](const QString &name) { m_thing.told.append(s("set ") + name); });
     }
 
     Thing m_thing;
-    QStringList m_told;
 };
 
 TEST_F(UserAttributes, removingAndUndoingKeepsTheirPlaces)
@@ -444,7 +448,7 @@ TEST_F(UserAttributes, removingAndUndoingKeepsTheirPlaces)
     listen();
     const QStringList names = m_thing.userAttributeNames();
     for (const QString &name : names) {
-        m_told.clear();
+        m_thing.told.clear();
         ASSERT_TRUE(m_thing.removeUserAttribute(name));
         EXPECT_FALSE(m_thing.exists(name));
         EXPECT_FALSE(m_thing.removeUserAttribute(name)) << "it is gone";
@@ -453,8 +457,8 @@ TEST_F(UserAttributes, removingAndUndoingKeepsTheirPlaces)
         m_undo->redo();
         EXPECT_FALSE(m_thing.exists(name));
         m_undo->undo();
-        EXPECT_EQ(m_told, QStringList({s("gone ") + name, s("set ") + name, s("gone ") + name,
-                                       s("set ") + name}));
+        EXPECT_EQ(m_thing.told, QStringList({s("gone ") + name, s("set ") + name, s("gone ") + name,
+                                             s("set ") + name}));
     }
     EXPECT_EQ(m_thing.userAttributes().size(), names.size());
 }
@@ -475,10 +479,10 @@ TEST_F(UserAttributes, nobodyIsToldOfASilentChangeButUndoTells)
 {
     listen();
     m_thing.setUserAttribute(OssCustomAttribute(s("Size"), 4.0), false);
-    EXPECT_TRUE(m_told.isEmpty());
+    EXPECT_TRUE(m_thing.told.isEmpty());
     EXPECT_EQ(m_thing.userAttribute(s("Size")).value(), QVariant(4.0));
     m_undo->undo();
-    EXPECT_EQ(m_told, QStringList{s("set Size")});
+    EXPECT_EQ(m_thing.told, QStringList{s("set Size")});
     EXPECT_EQ(m_thing.userAttribute(s("Size")).value(), QVariant(1.0));
 }
 
@@ -488,7 +492,7 @@ TEST_F(UserAttributes, oneWithoutANameIsNotTaken)
     m_thing.setUserAttribute(OssCustomAttribute(), true);
     m_thing.setUserAttribute(OssCustomAttribute(QString(), 1.0), true);
     EXPECT_EQ(m_thing.userAttributes().size(), 3);
-    EXPECT_TRUE(m_told.isEmpty());
+    EXPECT_TRUE(m_thing.told.isEmpty());
     EXPECT_EQ(m_undo->count(), 0);
     EXPECT_FALSE(m_thing.userAttribute(s("Nobody")).isValid());
 }
@@ -502,7 +506,7 @@ TEST_F(UserAttributes, anAddedOneGoesWhenItIsUndone)
     EXPECT_FALSE(m_thing.exists(s("New")));
     m_undo->redo();
     EXPECT_TRUE(m_thing.exists(s("New")));
-    EXPECT_EQ(m_told, QStringList({s("set New"), s("gone New"), s("set New")}));
+    EXPECT_EQ(m_thing.told, QStringList({s("set New"), s("gone New"), s("set New")}));
 }
 
 TEST_F(UserAttributes, historyOutlivesTheObject)

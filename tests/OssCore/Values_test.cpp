@@ -289,7 +289,7 @@ TEST(CustomAttribute, copiesAreIndependent)
     OssCustomAttribute copy = size;
     copy.setValue(2.0);
     copy.setPrettyName(QStringLiteral("Bricks"));
-    copy.setGroup(QStringLiteral("Pattern"));
+    copy.editDefinition().group = QStringLiteral("Pattern");
     copy.setVisible(false);
     copy.editDefinition().maximum = 5.0;
     EXPECT_EQ(size.value(), QVariant(1.0));
@@ -313,7 +313,7 @@ TEST(CustomAttribute, anyDifferenceThatAUserSeesMakesThemUnequal)
     const Change changes[] = {
         [](OssCustomAttribute *a) { a->setValue(2.0); },
         [](OssCustomAttribute *a) { a->setPrettyName(QStringLiteral("Other")); },
-        [](OssCustomAttribute *a) { a->setGroup(QStringLiteral("Other")); },
+        [](OssCustomAttribute *a) { a->editDefinition().group = QStringLiteral("Other"); },
         [](OssCustomAttribute *a) { a->setVisible(false); },
         [](OssCustomAttribute *a) { a->editDefinition().name = QStringLiteral("Other"); },
     };
@@ -336,7 +336,7 @@ TEST(CustomAttribute, oneThatDoesNotExistIsInvalidAndHarmless)
     EXPECT_FALSE(none.value().isValid());
     EXPECT_TRUE(none == OssCustomAttribute());
     EXPECT_FALSE(OssCustomAttribute(QString(), 1.0).isValid()) << "without a name";
-    none.setGroup(QStringLiteral("G"));
+    none.editDefinition().group = QStringLiteral("G");
     EXPECT_EQ(none.group(), QStringLiteral("G"));
     EXPECT_EQ(OssCustomAttribute().group(), QString()) << "what all of them share stays empty";
 }

@@ -2,7 +2,6 @@
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Layers/OssLayerManager.h"
-#include "OssModel/Layers/OssLayerShaderManager.h"
 
 #include <QAction>
 #include <QApplication>
@@ -99,7 +98,6 @@ TEST_F(CommandsTest, viewerInputZeroIsForMaterials)
     select({shader});
     m_view->connectSelectedNodeToViewer(nullptr, 0);
     EXPECT_EQ(viewed(0), shader);
-    EXPECT_EQ(OssLayerShaderManager::instance()->currentShader(), shader);
     EXPECT_EQ(m_network->viewerNodeCurrentEdge(), 0);
 }
 

@@ -19,8 +19,6 @@ public:
     /// added later included. Submenus have their own.
     void setShortcutGroup(const QString &group);
 
-    QString shortcutGroup() const { return m_shortcutGroup; }
-
 protected:
     void actionEvent(QActionEvent *event) override;
 

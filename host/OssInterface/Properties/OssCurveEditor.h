@@ -40,8 +40,6 @@ public:
 
     const QVector<QPointF> &points() const { return m_points; }
 
-    int currentPoint() const { return m_current; }
-
     /// What nodes make of the curve.
     double valueAt(double x) const;
 

@@ -19,8 +19,6 @@ public:
     OssPropertyRow(OssSnBaseNode *node, const OssCustomAttribute &attribute, QWidget *parent);
     ~OssPropertyRow() override;
 
-    QString attributeName() const { return m_name; }
-
     QLabel *label() const { return m_label; }
 
     OssPropertyEditor *editor() const { return m_editor; }

@@ -144,12 +144,9 @@ public:
     // --- for the node classes
     void nodeWasRenamed(OssSnBaseNode *node, const QString &oldName);
 
-    void emitConnectionsChanged() { Q_EMIT connectionsChanged(); }
-
 Q_SIGNALS:
     void allowViewUpdateChanged(bool allow);
     void nodeSelectionChanged();
-    void connectionsChanged();
     void nodesChanged();
 
 private:

@@ -128,10 +128,7 @@ OssSnBaseNode *OssShaderNetworkManager::currentViewerNode() const
 
 void OssShaderNetworkManager::setCurrentViewerNode(OssSnBaseNode *node)
 {
-    if (m_currentViewer == node)
-        return;
     m_currentViewer = node;
-    Q_EMIT currentViewerNodeChanged(node);
 }
 
 OssShaderNetwork *OssShaderNetworkManager::getShaderNetwork(OssShadingGroup *group) const

@@ -138,7 +138,6 @@ public:
 Q_SIGNALS:
     void currentShaderNetworkChanged(OssShaderNetwork *network);
     void currentViewNetworkChanged(OssShaderNetwork *network);
-    void currentViewerNodeChanged(OssSnBaseNode *node);
     void shaderNetworkAdded(OssShaderNetwork *network);
     void focusOnNodeRequest(OssSnBaseNode *node);
     void matchNodePositionRequest(OssSnBaseNode *from, OssSnBaseNode *to);

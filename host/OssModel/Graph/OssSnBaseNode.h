@@ -140,7 +140,6 @@ public:
     virtual bool hasDetachedOutputs() const { return false; }
 
     void addInput(const InputPort &port, int index = -1);
-    void addInputs(const QVector<InputPort> &ports);
     virtual bool removeInput(const QString &name);
     virtual bool renameInput(const QString &oldName, const QString &newName);
     /// All names, in the new order; anything else is refused.

@@ -144,8 +144,6 @@ void OssSnBaseNode::applyConnection(int index, OssSnBaseNode *source, const QStr
     if (first)
         Q_EMIT source->outputPointUsed(outputPoint);
     Q_EMIT inputNodeChanged(name, source, outputPoint);
-    if (m_network)
-        m_network->emitConnectionsChanged();
 }
 
 void OssSnBaseNode::connectSilently(const QString &input, OssSnBaseNode *source,

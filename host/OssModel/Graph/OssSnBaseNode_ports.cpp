@@ -152,13 +152,6 @@ void OssSnBaseNode::addInput(const InputPort &port, int index)
         [this, free, at] { applyInsertInput(free, at); });
 }
 
-void OssSnBaseNode::addInputs(const QVector<InputPort> &ports)
-{
-    OssUndoManager::AutoMacro macro(tr("Add Inputs"));
-    for (const InputPort &port : ports)
-        addInput(port);
-}
-
 bool OssSnBaseNode::removeInput(const QString &name)
 {
     const int index = inputIndex(name);

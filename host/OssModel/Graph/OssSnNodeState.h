@@ -49,8 +49,6 @@ public:
 
     void setCacheActive(int state);
 
-    bool isGuiActive() const { return m_guiActive; }
-
     /// View state, not part of the document.
     void setGuiActive(bool active);
 

@@ -30,11 +30,6 @@ OssLayerShader *OssLayerShaderManager::getLayerShader(OssSnBaseNode *node) const
     return shader ? shader : new OssLayerShader(node); // the node owns it
 }
 
-OssSnBaseNode *OssLayerShaderManager::currentShader() const
-{
-    return m_currentShader;
-}
-
 void OssLayerShaderManager::setCurrentShader(OssSnBaseNode *shader)
 {
     if (!shader || !shader->network())
@@ -46,10 +41,6 @@ void OssLayerShaderManager::setCurrentShader(OssSnBaseNode *shader)
             viewer->setInputNode(QStringLiteral("0"), shader, shader->prefferedOutputPoint());
     }
     network->rootNetwork()->setViewerNodeCurrentEdge(0, true);
-    if (m_currentShader == shader)
-        return;
-    m_currentShader = shader;
-    Q_EMIT currentShaderChanged(shader);
 }
 
 OssSnBaseNode *OssLayerShaderManager::getCurrentMaterialProxyShader(

@@ -4,13 +4,12 @@
 #include "OssModel/OssModel_export.h"
 
 #include <QObject>
-#include <QPointer>
 
 class OssLayerShader;
 class OssShaderNetwork;
 class OssSnBaseNode;
 
-/// What is known of shaders among the nodes, and which one is current.
+/// What is known of shaders among the nodes, and which one is looked at.
 class OSSMODEL_EXPORT OssLayerShaderManager
     : public QObject
     , public OssService<OssLayerShaderManager>
@@ -32,14 +31,6 @@ public:
     /// the current-material proxy. Null is ignored.
     void setCurrentShader(OssSnBaseNode *shader);
 
-    OssSnBaseNode *currentShader() const;
-
     /// Null while nothing was made the current material.
     OssSnBaseNode *getCurrentMaterialProxyShader(const OssShaderNetwork *network) const;
-
-Q_SIGNALS:
-    void currentShaderChanged(OssSnBaseNode *shader);
-
-private:
-    QPointer<OssSnBaseNode> m_currentShader;
 };

@@ -40,13 +40,6 @@ QStringList OssLayerShaderModelManager::modelIds()
     return ids;
 }
 
-const OssLayerShaderModel *OssLayerShaderModelManager::modelOf(const OssSnBaseNode *node)
-{
-    if (const auto *group = qobject_cast<const OssSnMultiChannelGroupNode *>(node))
-        return group->shaderModel();
-    return node && node->nodeType() ? model(node->nodeType()->baseName()) : nullptr;
-}
-
 QPair<OssSnMultiChannelGroupNode *, OssSnMultiChannelGroupNode *>
 OssLayerShaderModelManager::matchingShaderModelNodePair(OssSnBaseNode *first, OssSnBaseNode *second)
 {

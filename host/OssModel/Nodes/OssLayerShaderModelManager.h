@@ -20,8 +20,6 @@ public:
     const OssLayerShaderModel *model(const QString &id);
     /// By name.
     QStringList modelIds();
-    /// Of a shader node or a multi-channel node; null for others.
-    const OssLayerShaderModel *modelOf(const OssSnBaseNode *node);
 
     /// The two as multi-channel nodes when they carry the same streams; null pointers otherwise.
     QPair<OssSnMultiChannelGroupNode *, OssSnMultiChannelGroupNode *> matchingShaderModelNodePair(

@@ -16,9 +16,6 @@ public:
 
     QString preferredInputName() const;
 
-    /// Key of the result that the images hold; empty while there is none.
-    QString bakedKey() const { return m_bakedKey; }
-
     /// Undoable. What the images were made from, as evaluation names it.
     void setBakedKey(const QString &key);
 
@@ -62,7 +59,7 @@ protected:
     void onUserAttributeSet(const OssCustomAttribute &attribute, bool added) override;
 
 private:
-    QString m_bakedKey;
+    QString m_bakedKey; ///< of the result that the images hold; empty while there is none
     QString m_bakedSettings;
     bool m_wasUpToDate = false; ///< when it was last announced
 };

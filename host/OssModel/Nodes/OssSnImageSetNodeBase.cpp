@@ -21,7 +21,6 @@ void OssSnImageSetNodeBase::setImageSet(OssImageSet *set, bool notify)
     const auto apply = [this](QObject *value) {
         m_imageSet = value;
         m_savedImageSet.clear();
-        Q_EMIT imageSetChanged();
         Q_EMIT nodeStateRefreshed();
     };
     if (notify)

@@ -26,9 +26,6 @@ public:
     bool onLoadElement(OssDeserializer &deserializer, const QString &name,
                        const Attributes &attributes) override;
 
-Q_SIGNALS:
-    void imageSetChanged();
-
 private:
     void setManagedByChannel(bool managed);
 

@@ -118,19 +118,3 @@ QColor OssNgStyle::categoryColor(const QString &category) const
 {
     return m_categoryColors.value(category, QColor::fromRgba(Neutral));
 }
-
-void OssNgStyle::setCategoryColor(const QString &category, const QColor &color)
-{
-    if (m_categoryColors.value(category) == color)
-        return;
-    m_categoryColors.insert(category, color);
-    Q_EMIT colorsUpdated();
-}
-
-void OssNgStyle::setPortColor(OssNgPortKind kind, const QColor &color)
-{
-    if (m_portColors[std::size_t(kind)] == color)
-        return;
-    m_portColors[std::size_t(kind)] = color;
-    Q_EMIT colorsUpdated();
-}

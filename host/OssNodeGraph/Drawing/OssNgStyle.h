@@ -52,11 +52,8 @@ public:
     void setColor(Role role, const QColor &color);
     /// Header colour of a node's category; one neutral colour for categories never heard of.
     QColor categoryColor(const QString &category) const;
-    void setCategoryColor(const QString &category, const QColor &color);
 
     const QColor &portColor(OssNgPortKind kind) const { return m_portColors[std::size_t(kind)]; }
-
-    void setPortColor(OssNgPortKind kind, const QColor &color);
 
     const QFont &titleFont() const { return m_titleFont; }
 

@@ -65,8 +65,6 @@ void OssNgBackdropResizeGesture::release(QMouseEvent *)
     macro.addUndo(new OssNgBackdropNodeRectChangeUndo(m_backdrop));
     m_backdrop->refreshChildrenList();
     Q_EMIT m_backdrop->posChanged(m_backdrop->pos());
-    if (m_backdrop)
-        Q_EMIT m_backdrop->rectChanged(m_backdrop->rect());
 }
 
 void OssNgBackdropResizeGesture::cancel()

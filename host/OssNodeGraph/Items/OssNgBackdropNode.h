@@ -73,8 +73,6 @@ public:
 Q_SIGNALS:
     /// The user changed the order.
     void zOrderChanged(int order);
-    /// The user, or undo and redo, changed the size.
-    void rectChanged(const QRectF &rect);
 
 protected:
     QSizeF layoutBody() override;

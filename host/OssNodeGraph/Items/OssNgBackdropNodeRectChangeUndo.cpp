@@ -22,8 +22,6 @@ void OssNgBackdropNodeRectChangeUndo::redo()
 
 void OssNgBackdropNodeRectChangeUndo::apply(const QRectF &rect)
 {
-    if (!m_node)
-        return;
-    m_node->setRect(rect);
-    Q_EMIT m_node->rectChanged(rect);
+    if (m_node)
+        m_node->setRect(rect);
 }

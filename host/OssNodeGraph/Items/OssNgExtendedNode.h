@@ -50,9 +50,6 @@ public:
 
     bool isInputInCluster(const QString &input) const { return m_inputClusters.contains(input); }
 
-    /// Empty when in none.
-    QString inputCluster(const QString &input) const { return m_inputClusters.value(input); }
-
     /// Brings the row of the input's cluster up to date after its connections changed.
     void refreshCluster(const QString &input);
 

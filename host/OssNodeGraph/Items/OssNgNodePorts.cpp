@@ -92,12 +92,6 @@ QString OssNgNodePorts::portLabel(int index, Side side) const
     return list(side).label(index, portRow(ports(side)[index], side));
 }
 
-QString OssNgNodePorts::shownText(Side side, const QString &name) const
-{
-    const int index = list(side).indexOf(name);
-    return index < 0 ? QString() : portLabel(index, side);
-}
-
 void OssNgNodePorts::setInputPortText(const QString &name, const QString &text)
 {
     const int index = m_inputs.indexOf(name);
@@ -109,12 +103,8 @@ void OssNgNodePorts::setInputPortText(const QString &name, const QString &text)
 
 QString OssNgNodePorts::inputPortText(const QString &name) const
 {
-    return shownText(Side::Input, name);
-}
-
-QString OssNgNodePorts::outputPortText(const QString &name) const
-{
-    return shownText(Side::Output, name);
+    const int index = m_inputs.indexOf(name);
+    return index < 0 ? QString() : portLabel(index, Side::Input);
 }
 
 void OssNgNodePorts::setLabelsVisible(bool visible)

@@ -55,7 +55,6 @@ public:
     void setInputPortText(const QString &name, const QString &text);
     /// What stands beside the port. Empty when there is no such port.
     QString inputPortText(const QString &name) const;
-    QString outputPortText(const QString &name) const;
     void setLabelsVisible(bool visible);
 
     bool labelsVisible() const { return m_labelsVisible; }
@@ -124,7 +123,6 @@ protected:
 
 private:
     QString calledName(Side side, const QString &name) const;
-    QString shownText(Side side, const QString &name) const;
     QPointF portDirection(Side side, const QString &name) const;
 
     OssNgPortList m_inputs;

@@ -119,7 +119,6 @@ void OssNgView::setCursorTrackingMode(int mode)
         return;
     m_cursorTrackingMode = mode;
     viewport()->setCursor(mode == SeverTracking ? Qt::CrossCursor : Qt::ArrowCursor);
-    Q_EMIT cursorTrackingModeChanged(mode);
 }
 
 void OssNgView::toggleSnapToGrid()

@@ -108,7 +108,6 @@ public Q_SLOTS:
 Q_SIGNALS:
     /// Nodes in the hand were shaken. The drag goes on.
     void shakeToExtractTriggered();
-    void cursorTrackingModeChanged(int mode);
 
 protected:
     int m_interactionState = Idle;

@@ -2,7 +2,6 @@
 
 #include "OssCore/OssUndoManager.h"
 #include "OssModel/Graph/OssGeoEntity.h"
-#include "OssModel/Objects/OssImageSet.h"
 
 OssGeoImageSet::OssGeoImageSet(const QString &name, OssGeoEntity *entity)
     : m_name(name)
@@ -19,22 +18,19 @@ OssGeoEntity *OssGeoImageSet::geoEntity() const
 
 OssImageSet *OssGeoImageSet::imageSet() const
 {
-    if (!m_imageSet && !m_savedImageSet.isEmpty() && geoEntity())
-        const_cast<OssGeoImageSet *>(this)->m_imageSet = geoEntity()->findImageSet(m_savedImageSet);
-    return qobject_cast<OssImageSet *>(m_imageSet.data());
+    return m_images.find(geoEntity());
 }
 
 void OssGeoImageSet::setImageSet(OssImageSet *set)
 {
-    const QPointer<QObject> before = imageSet();
+    const QPointer<OssImageSet> before = imageSet();
     if (before == set)
         return;
-    const auto apply = [this](QObject *value) {
-        m_imageSet = value;
-        m_savedImageSet.clear();
+    const auto apply = [this](OssImageSet *value) {
+        m_images.set(value);
         Q_EMIT imageSetChanged();
     };
-    const QPointer<QObject> after(set);
+    const QPointer<OssImageSet> after(set);
     apply(set);
     OssUndoManager::instance()->record(
         tr("Set Images of Geo-Channel %1").arg(m_name), [apply, before] { apply(before); },
@@ -43,18 +39,13 @@ void OssGeoImageSet::setImageSet(OssImageSet *set)
 
 bool OssGeoImageSet::saveObjects(OssSerializer &serializer)
 {
-    const OssImageSet *set = imageSet();
-    const QString name = set ? set->name() : m_savedImageSet;
-    if (!name.isEmpty())
-        serializer.writeElement(QStringLiteral("images"), {{QStringLiteral("set"), name}});
+    m_images.save(serializer);
     return OssSerializableObject::saveObjects(serializer);
 }
 
 bool OssGeoImageSet::onLoadElement(OssDeserializer &deserializer, const QString &name,
                                    const Attributes &attributes)
 {
-    if (name != QLatin1String("images"))
-        return OssSerializableObject::onLoadElement(deserializer, name, attributes);
-    m_savedImageSet = attributes.value(QStringLiteral("set"));
-    return true;
+    return m_images.load(name, attributes)
+           || OssSerializableObject::onLoadElement(deserializer, name, attributes);
 }

@@ -1,12 +1,8 @@
 #pragma once
 
-#include "OssCore/OssSerializableObject.h"
-#include "OssModel/OssModel_export.h"
-
-#include <QPointer>
+#include "OssModel/Objects/OssImageSetReference.h"
 
 class OssGeoEntity;
-class OssImageSet;
 
 /// A geo-channel: images that belong to an object as a whole, by which its shading groups and bake
 /// points hand results to each other. Owned by the object.
@@ -40,6 +36,5 @@ Q_SIGNALS:
 private:
     QString m_name;
     QPointer<QObject> m_entity;
-    QPointer<QObject> m_imageSet;
-    QString m_savedImageSet; ///< name, until the object's image sets are there
+    OssImageSetReference m_images;
 };

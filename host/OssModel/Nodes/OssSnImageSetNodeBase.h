@@ -1,8 +1,7 @@
 #pragma once
 
 #include "OssModel/Graph/OssSnBaseNode.h"
-
-class OssImageSet;
+#include "OssModel/Objects/OssImageSetReference.h"
 
 /// A node that reads or writes the pixels of an image set.
 class OSSMODEL_EXPORT OssSnImageSetNodeBase : public OssSnBaseNode
@@ -30,6 +29,5 @@ private:
     void setManagedByChannel(bool managed);
 
     bool m_managedByChannel = false;
-    QPointer<QObject> m_imageSet;
-    QString m_savedImageSet; ///< name, until the node stands in its network
+    OssImageSetReference m_images;
 };

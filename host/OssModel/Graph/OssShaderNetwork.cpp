@@ -108,6 +108,15 @@ QList<OssSnBaseNode *> OssShaderNetwork::selectedNodes() const
     return list;
 }
 
+void OssShaderNetwork::selectOnly(const QList<OssSnBaseNode *> &nodes)
+{
+    const QList<OssSnBaseNode *> before = selectedNodes();
+    for (OssSnBaseNode *node : before)
+        node->setSelected(false);
+    for (OssSnBaseNode *node : nodes)
+        node->setSelected(true);
+}
+
 OssSnBaseNode *OssShaderNetwork::nodeByPath(const QString &path) const
 {
     const OssShaderNetwork *network = this;

@@ -51,6 +51,7 @@ public:
     /// Own nodes, each followed by what is inside it.
     QList<OssSnBaseNode *> getAllNodes() const;
     QList<OssSnBaseNode *> selectedNodes() const;
+    void selectOnly(const QList<OssSnBaseNode *> &nodes);
 
     int nodeCount() const { return int(m_nodes.size()); }
 

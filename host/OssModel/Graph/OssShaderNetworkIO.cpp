@@ -76,15 +76,6 @@ void writeKnobsOf(OssSerializer &serializer, const OssSnBaseNode *node)
     }
 }
 
-void selectOnly(OssShaderNetwork *network, const QList<OssSnBaseNode *> &nodes)
-{
-    const QList<OssSnBaseNode *> before = network->selectedNodes();
-    for (OssSnBaseNode *node : before)
-        node->setSelected(false);
-    for (OssSnBaseNode *node : nodes)
-        node->setSelected(true);
-}
-
 QList<OssSnBaseNode *> insert(OssShaderNetwork *network, const QByteArray &text,
                               const QString &source, bool select)
 {
@@ -93,7 +84,7 @@ QList<OssSnBaseNode *> insert(OssShaderNetwork *network, const QByteArray &text,
     if (!result)
         OssDebug(Source, __LINE__, "[ !! ] %s", qPrintable(result.error()));
     else if (select)
-        selectOnly(network, inserted);
+        network->selectOnly(inserted);
     return inserted;
 }
 

@@ -14,13 +14,10 @@
 
 namespace {
 
-void selectOnly(OssShaderNetwork *network, const QList<OssSnBaseNode *> &nodes)
+/// After a command that made them.
+void selectMade(OssShaderNetwork *network, const QList<OssSnBaseNode *> &nodes)
 {
-    const QList<OssSnBaseNode *> before = network->selectedNodes();
-    for (OssSnBaseNode *node : before)
-        node->setSelected(false);
-    for (OssSnBaseNode *node : nodes)
-        node->setSelected(true);
+    network->selectOnly(nodes);
     OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
 }
 
@@ -71,7 +68,7 @@ void GroupCommands::groupSelected()
     OssShaderNetwork *shown = network();
     OssSnGroupNode *made = shown ? shown->groupNodes(shown->selectedNodes()) : nullptr;
     if (made)
-        selectOnly(shown, {made});
+        selectMade(shown, {made});
 }
 
 void GroupCommands::ungroupSelected()
@@ -87,7 +84,7 @@ void GroupCommands::ungroupSelected()
             inside.append(shown->ungroup(one));
     }
     if (!inside.isEmpty())
-        selectOnly(shown, inside);
+        selectMade(shown, inside);
 }
 
 void GroupCommands::addPort(bool input)

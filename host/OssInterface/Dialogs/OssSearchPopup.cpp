@@ -1,6 +1,7 @@
 #include "OssInterface/Dialogs/OssSearchPopup.h"
 
-#include <QApplication>
+#include "OssInterface/Widgets/OssSearchKeys.h"
+
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QListView>
@@ -62,19 +63,10 @@ void OssSearchPopup::take()
 
 bool OssSearchPopup::eventFilter(QObject *watched, QEvent *event)
 {
-    if (event->type() == QEvent::KeyPress) {
-        switch (static_cast<QKeyEvent *>(event)->key()) {
-        case Qt::Key_Up:
-        case Qt::Key_Down:
-        case Qt::Key_PageUp:
-        case Qt::Key_PageDown:
-            QApplication::sendEvent(m_list, event);
-            return true;
-        case Qt::Key_Tab: // opened with it by many: pressing it again must not leave the field
-            return true;
-        default:
-            break;
-        }
-    }
+    if (OssSearchKeys::passOn(event, m_list))
+        return true;
+    // Opened with Tab by many: pressing it again must not leave the field.
+    if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Tab)
+        return true;
     return OssPopupDialog::eventFilter(watched, event);
 }

@@ -3,10 +3,10 @@
 #include "Ossa/Common/Theme.h"
 #include "Ossa/Dialogs/CommandDelegate.h"
 #include "Ossa/Dialogs/CommandListModel.h"
+#include "OssInterface/Widgets/OssSearchKeys.h"
 
 #include <QAction>
 #include <QApplication>
-#include <QKeyEvent>
 #include <QLineEdit>
 #include <QListView>
 #include <QVBoxLayout>
@@ -59,20 +59,7 @@ void CommandPalette::accept()
 
 bool CommandPalette::eventFilter(QObject *watched, QEvent *event)
 {
-    if (event->type() == QEvent::KeyPress) {
-        const auto *key = static_cast<QKeyEvent *>(event);
-        switch (key->key()) {
-        case Qt::Key_Up:
-        case Qt::Key_Down:
-        case Qt::Key_PageUp:
-        case Qt::Key_PageDown:
-            QApplication::sendEvent(m_list, event);
-            return true;
-        default:
-            break;
-        }
-    }
-    return QDialog::eventFilter(watched, event);
+    return OssSearchKeys::passOn(event, m_list) || QDialog::eventFilter(watched, event);
 }
 
 void CommandPalette::done(int result)

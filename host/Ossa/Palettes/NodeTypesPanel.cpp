@@ -4,9 +4,9 @@
 #include "OssInterface/Dialogs/OssNodeTypeListModel.h"
 #include "OssInterface/Dialogs/OssSearchRowDelegate.h"
 #include "OssInterface/DragAndDrop/OssDragAndDropManager.h"
+#include "OssInterface/Widgets/OssSearchKeys.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 
-#include <QApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QListView>
@@ -62,21 +62,14 @@ void NodeTypesPanel::create(const QModelIndex &index)
 
 bool NodeTypesPanel::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched == m_search && event->type() == QEvent::KeyPress) {
-        switch (static_cast<QKeyEvent *>(event)->key()) {
-        case Qt::Key_Up:
-        case Qt::Key_Down:
-        case Qt::Key_PageUp:
-        case Qt::Key_PageDown:
-            QApplication::sendEvent(m_list, event);
-            return true;
-        case Qt::Key_Return:
-        case Qt::Key_Enter:
+    if (OssSearchKeys::passOn(event, m_list))
+        return true;
+    if (event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent *>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
             if (m_list->currentIndex().isValid())
                 create(m_list->currentIndex());
             return true;
-        default:
-            break;
         }
     }
     return QWidget::eventFilter(watched, event);

@@ -2,6 +2,7 @@
 // form for it, so that a soft edge keeps the colour that the inside has.
 
 #include "OssEvaluation/Kernels/Families.h"
+#include "OssEvaluation/Kernels/MaskedKernel.h"
 #include "OssEvaluation/Kernels/PointKernel.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -339,12 +340,6 @@ using namespace OssEvSimd;
 namespace Describe = OssEvDescribe;
 using Operation = std::shared_ptr<const OssEvOperation>;
 
-const std::vector<std::array<float, 4>> &noMask()
-{
-    static const std::vector<std::array<float, 4>> defaults{{}, OssEvScalar(1.0)};
-    return defaults;
-}
-
 Operation makeLevels(const OssEvKernelSetup &setup)
 {
     const double range = setup.real("InHigh") - setup.real("InLow");
@@ -353,7 +348,7 @@ Operation makeLevels(const OssEvKernelSetup &setup)
     const LevelsValues values{float(setup.real("InLow")), float(scale),
                               float(1.0 / setup.real("Gamma")), float(setup.real("OutLow")),
                               float(setup.real("OutHigh") - setup.real("OutLow"))};
-    return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(levels), values, noMask());
+    return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(levels), values, OssEvMasked::defaults());
 }
 
 Operation makeContrast(const OssEvKernelSetup &setup)
@@ -365,33 +360,34 @@ Operation makeContrast(const OssEvKernelSetup &setup)
                                      Steepest);
     const double offset = 0.5 - 0.5 * contrast + setup.real("Brightness");
     const ContrastValues values{float(contrast), float(offset), float(setup.real("Saturation"))};
-    return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(brightnessContrast), values, noMask());
+    return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(brightnessContrast), values,
+                          OssEvMasked::defaults());
 }
 
 Operation makeGamma(const OssEvKernelSetup &setup)
 {
     const PairValues values{float(1.0 / setup.real("Gamma")), 0.0F};
-    return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(gamma), values, noMask());
+    return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(gamma), values, OssEvMasked::defaults());
 }
 
 Operation makeClamp(const OssEvKernelSetup &setup)
 {
     const PairValues values{float(setup.real("Low")),
                             float(std::max(setup.real("Low"), setup.real("High")))};
-    return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(clampColors), values, noMask());
+    return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(clampColors), values, OssEvMasked::defaults());
 }
 
 Operation makeInvert(const OssEvKernelSetup &setup)
 {
     const PairValues values{setup.flag("Alpha") ? 1.0F : 0.0F, 0.0F};
-    return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(invert), values, noMask());
+    return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(invert), values, OssEvMasked::defaults());
 }
 
 Operation makeHueShift(const OssEvKernelSetup &setup)
 {
     const HueValues values{float(setup.real("Hue") / 360.0), float(setup.real("Saturation")),
                            float(setup.real("Value"))};
-    return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(hueShift), values, noMask());
+    return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(hueShift), values, OssEvMasked::defaults());
 }
 
 Operation makeCurve(const OssEvKernelSetup &setup)
@@ -406,21 +402,7 @@ Operation makeCurve(const OssEvKernelSetup &setup)
     values.samples.reserve(Samples);
     for (int i = 0; i < Samples; ++i)
         values.samples.push_back(float(shape.at(first + range * i / (Samples - 1))));
-    return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(curve), values, noMask());
-}
-
-OssEvKernel adjustment(std::string name, std::vector<OssEvParameterDescription> parameters,
-                       Operation (*make)(const OssEvKernelSetup &))
-{
-    OssEvKernel kernel;
-    kernel.name = std::move(name);
-    kernel.inputs = {{"Input", 0, true}, {"Mask", 1}};
-    kernel.outputs = {{"Output", 0}};
-    kernel.parameters = std::move(parameters);
-    kernel.uniform = true;
-    kernel.keepsPrecision = true;
-    kernel.make = make;
-    return kernel;
+    return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(curve), values, OssEvMasked::defaults());
 }
 
 } // namespace
@@ -428,22 +410,23 @@ OssEvKernel adjustment(std::string name, std::vector<OssEvParameterDescription> 
 void OssEvFamilies::addAdjustments(std::vector<OssEvKernel> *kernels)
 {
     using namespace Describe;
-    kernels->push_back(
-        adjustment("levels",
-                   {real("InLow", 0, 0, 1), real("InHigh", 1, 0, 1), real("Gamma", 1, 0.01, 10),
-                    real("OutLow", 0, 0, 1), real("OutHigh", 1, 0, 1)},
-                   makeLevels));
-    kernels->push_back(adjustment(
-        "brightnessContrast",
+    kernels->push_back(OssEvMasked::kernel("levels", 0,
+                                           {real("InLow", 0, 0, 1), real("InHigh", 1, 0, 1),
+                                            real("Gamma", 1, 0.01, 10), real("OutLow", 0, 0, 1),
+                                            real("OutHigh", 1, 0, 1)},
+                                           makeLevels));
+    kernels->push_back(OssEvMasked::kernel(
+        "brightnessContrast", 0,
         {real("Brightness", 0, -1, 1), real("Contrast", 0, -1, 1), real("Saturation", 1, 0, 4)},
         makeContrast));
-    kernels->push_back(adjustment("gamma", {real("Gamma", 1, 0.01, 10)}, makeGamma));
-    kernels->push_back(adjustment("clamp", {real("Low", 0), real("High", 1)}, makeClamp));
-    kernels->push_back(adjustment("invert", {flag("Alpha", false)}, makeInvert));
+    kernels->push_back(OssEvMasked::kernel("gamma", 0, {real("Gamma", 1, 0.01, 10)}, makeGamma));
     kernels->push_back(
-        adjustment("hueShift",
-                   {real("Hue", 0, -180, 180), real("Saturation", 1, 0, 4), real("Value", 1, 0, 4)},
-                   makeHueShift));
-    kernels->push_back(adjustment("curve", {Describe::curve("Curve")}, makeCurve));
+        OssEvMasked::kernel("clamp", 0, {real("Low", 0), real("High", 1)}, makeClamp));
+    kernels->push_back(OssEvMasked::kernel("invert", 0, {flag("Alpha", false)}, makeInvert));
+    kernels->push_back(OssEvMasked::kernel(
+        "hueShift", 0,
+        {real("Hue", 0, -180, 180), real("Saturation", 1, 0, 4), real("Value", 1, 0, 4)},
+        makeHueShift));
+    kernels->push_back(OssEvMasked::kernel("curve", 0, {Describe::curve("Curve")}, makeCurve));
 }
 #endif

@@ -1,6 +1,7 @@
 // Kernels that look colours up by the luminance of what comes in.
 
 #include "OssEvaluation/Kernels/Families.h"
+#include "OssEvaluation/Kernels/MaskedKernel.h"
 #include "OssEvaluation/Kernels/PointKernel.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -113,17 +114,11 @@ using namespace OssEvSimd;
 namespace Describe = OssEvDescribe;
 using Operation = std::shared_ptr<const OssEvOperation>;
 
-const std::vector<std::array<float, 4>> &noMask()
-{
-    static const std::vector<std::array<float, 4>> defaults{{}, OssEvScalar(1.0)};
-    return defaults;
-}
-
 Operation makeRamp(const OssEvKernelSetup &setup)
 {
     const RampValues values{setup.premultiplied("LowColor"), setup.premultiplied("HighColor"),
                             float(setup.real("Midpoint"))};
-    return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(ramp), values, noMask());
+    return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(ramp), values, OssEvMasked::defaults());
 }
 
 Operation makeColorRamp(const OssEvKernelSetup &setup)
@@ -137,21 +132,7 @@ Operation makeColorRamp(const OssEvKernelSetup &setup)
         for (std::size_t k = 0; k < 4; ++k)
             values.samples[k].push_back(float(color[k]));
     }
-    return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(colorRamp), values, noMask());
-}
-
-OssEvKernel lookUpKernel(std::string name, std::vector<OssEvParameterDescription> parameters,
-                         Operation (*make)(const OssEvKernelSetup &))
-{
-    OssEvKernel kernel;
-    kernel.name = std::move(name);
-    kernel.inputs = {{"Input", 4, true}, {"Mask", 1}};
-    kernel.outputs = {{"Output", 4}};
-    kernel.parameters = std::move(parameters);
-    kernel.uniform = true;
-    kernel.keepsPrecision = true;
-    kernel.make = make;
-    return kernel;
+    return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(colorRamp), values, OssEvMasked::defaults());
 }
 
 } // namespace
@@ -159,12 +140,13 @@ OssEvKernel lookUpKernel(std::string name, std::vector<OssEvParameterDescription
 void OssEvFamilies::addRamps(std::vector<OssEvKernel> *kernels)
 {
     using namespace Describe;
-    kernels->push_back(lookUpKernel("ramp",
-                                    {color("LowColor", {0, 0, 0, 1}),
-                                     color("HighColor", {1, 1, 1, 1}), real("Midpoint", 0.5, 0, 1)},
-                                    makeRamp));
-    kernels->push_back(lookUpKernel(
-        "colorRamp",
+    kernels->push_back(
+        OssEvMasked::kernel("ramp", 4,
+                            {color("LowColor", {0, 0, 0, 1}), color("HighColor", {1, 1, 1, 1}),
+                             real("Midpoint", 0.5, 0, 1)},
+                            makeRamp));
+    kernels->push_back(OssEvMasked::kernel(
+        "colorRamp", 4,
         {Describe::ramp("Ramp"), choice("Interpolation", {"Linear", "Smooth", "Step"})},
         makeColorRamp));
 }

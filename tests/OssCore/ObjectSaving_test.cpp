@@ -1,21 +1,13 @@
 #include "OssCore/OssObjectReferenceManager.h"
-#include "OssCore/OssSerializableObject.h"
 #include "OssCore/OssUndoManager.h"
 #include "OssCore/OssUserEnum.h"
+#include "OssCore/Saving.h"
 
-#include <gtest/gtest.h>
-
-#include <QBuffer>
 #include <QPointF>
 
 #include <memory>
 
 namespace {
-
-QString s(const char *text)
-{
-    return QString::fromUtf8(text);
-}
 
 /// An object with properties and attributes of every kind, which knows some of what it reads.
 class Thing : public OssSerializableObject
@@ -28,13 +20,7 @@ class Thing : public OssSerializableObject
     Q_PROPERTY(int derived READ derived)
 
 public:
-    Thing()
-    {
-        initUserAttributes(
-            {OssCustomAttribute(s("Size"), 1.0), OssCustomAttribute(s("On"), true),
-             OssCustomAttribute(s("Mode"), QVariant::fromValue(OssUserEnum(
-                                               {s("Normal"), s("Add"), s("Screen")})))});
-    }
+    Thing() { initUserAttributes(someAttributes()); }
 
     int count() const { return m_count; }
 
@@ -50,7 +36,6 @@ public:
 
     using OssSerializableObject::foreignContent;
     using OssSerializableObject::initUserAttributes;
-    using OssSerializableObject::orderUserAttributes;
 
     QPointF place;
     QString note;
@@ -59,7 +44,6 @@ public:
     int ends = 0;
     bool knowsCollections = true;
     QStringList heard;
-    QStringList told; ///< of its attributes
     QMap<QString, QString> entries;
     std::vector<std::unique_ptr<Thing>> children;
 
@@ -124,12 +108,6 @@ public:
 
     void onEndLoad() override { ++ends; }
 
-protected:
-    void onUserAttributeGone(const OssCustomAttribute &attribute) override
-    {
-        told.append(s("gone ") + attribute.name());
-    }
-
 private:
     Thing *addChild()
     {
@@ -139,38 +117,6 @@ private:
 
     int m_count = 3;
 };
-
-QByteArray saved(OssSerializableObject *object, bool canonical = false)
-{
-    QBuffer buffer;
-    buffer.open(QIODevice::WriteOnly);
-    OssSerializer serializer(&buffer);
-    serializer.setCanonical(canonical);
-    serializer.beginDocument(s("root"), {});
-    EXPECT_TRUE(object->save(serializer, s("o"), {}));
-    serializer.endDocument();
-    return buffer.data();
-}
-
-OssResult loaded(const QByteArray &document, OssSerializableObject *object)
-{
-    QBuffer buffer;
-    buffer.setData(document);
-    buffer.open(QIODevice::ReadOnly);
-    OssDeserializer reader(&buffer, s("test.xml"));
-    OssDeserializer::Attributes attributes;
-    const OssResult begun = reader.beginDocument(s("root"), &attributes);
-    if (!begun)
-        return begun;
-    while (reader.nextElement())
-        reader.loadObject(object);
-    return reader.result();
-}
-
-QByteArray document(const QByteArray &content)
-{
-    return "<root><object name=\"o\" type=\"Thing\">" + content + "</object></root>";
-}
 
 /// Runs between a history that is empty and one that is empty again.
 class ObjectSaving : public testing::Test
@@ -234,7 +180,7 @@ TEST_F(ObjectSaving, propertiesThatAreNotStoredOrCannotBeSetAreNotWritten)
 TEST_F(ObjectSaving, aPropertyIsReadEvenThoughItsDefaultWouldNotBeStored)
 {
     Thing thing;
-    ASSERT_TRUE(loaded(document("<properties note=\"kept\"/>"), &thing));
+    ASSERT_TRUE(loaded(documentOf("<properties note=\"kept\"/>"), &thing));
     EXPECT_EQ(thing.note, s("kept"));
 }
 
@@ -242,9 +188,9 @@ TEST_F(ObjectSaving, valuesThatAreNoneLeaveWhatIsThere)
 {
     Thing thing;
     const int settings = thing.settings;
-    ASSERT_TRUE(loaded(document("<properties count=\"many\" place=\"1,nan\"/>"
-                                "<attribute name=\"Size\" type=\"double\" value=\"large\"/>"
-                                "<attribute name=\"On\" type=\"bool\" value=\"perhaps\"/>"),
+    ASSERT_TRUE(loaded(documentOf("<properties count=\"many\" place=\"1,nan\"/>"
+                                  "<attribute name=\"Size\" type=\"double\" value=\"large\"/>"
+                                  "<attribute name=\"On\" type=\"bool\" value=\"perhaps\"/>"),
                        &thing));
     EXPECT_EQ(thing.count(), 3);
     EXPECT_EQ(thing.settings, settings);
@@ -260,8 +206,8 @@ TEST_F(ObjectSaving, aChoiceKeepsItsListAndABeyondNumber)
 {
     Thing thing;
     for (const int number : {2, 9}) {
-        ASSERT_TRUE(loaded(document("<attribute name=\"Mode\" type=\"OssUserEnum\" value=\""
-                                    + QByteArray::number(number) + "\"/>"),
+        ASSERT_TRUE(loaded(documentOf("<attribute name=\"Mode\" type=\"OssUserEnum\" value=\""
+                                      + QByteArray::number(number) + "\"/>"),
                            &thing));
         const auto mode = thing.userAttribute(s("Mode")).value().value<OssUserEnum>();
         EXPECT_EQ(mode.currentValue(), number);
@@ -272,8 +218,8 @@ TEST_F(ObjectSaving, aChoiceKeepsItsListAndABeyondNumber)
 TEST_F(ObjectSaving, unknownPropertiesAndTheirOrderSurvive)
 {
     Thing thing;
-    ASSERT_TRUE(loaded(document("<properties zeta=\"9\" count=\"5\" passing=\"8\" derived=\"4\"/>"),
-                       &thing));
+    ASSERT_TRUE(loaded(
+        documentOf("<properties zeta=\"9\" count=\"5\" passing=\"8\" derived=\"4\"/>"), &thing));
     EXPECT_EQ(thing.count(), 5);
     EXPECT_EQ(thing.passing, 0) << "what is not stored is not read either";
     const QByteArray text = saved(&thing);
@@ -284,11 +230,11 @@ TEST_F(ObjectSaving, unknownPropertiesAndTheirOrderSurvive)
 TEST_F(ObjectSaving, elementsAreReadWhetherTheirContentIsLookedAtOrNot)
 {
     Thing thing;
-    ASSERT_TRUE(loaded(document("<flat a=\"1\"><inner><x/></inner></flat>"
-                                "<deep><y>z</y></deep>"
-                                "<flat a=\"2\"/>"
-                                "<deep/>"
-                                "<object name=\"sub\" type=\"Thing\"/>"),
+    ASSERT_TRUE(loaded(documentOf("<flat a=\"1\"><inner><x/></inner></flat>"
+                                  "<deep><y>z</y></deep>"
+                                  "<flat a=\"2\"/>"
+                                  "<deep/>"
+                                  "<object name=\"sub\" type=\"Thing\"/>"),
                        &thing));
     ASSERT_EQ(thing.heard.size(), 5) << qPrintable(thing.heard.join(QLatin1Char('|')));
     EXPECT_EQ(thing.heard.at(0), s("flat 1"));
@@ -302,8 +248,8 @@ TEST_F(ObjectSaving, objectsThatAreNotWantedAreKeptAsText)
 {
     Thing thing;
     ASSERT_TRUE(
-        loaded(document("<object name=\"unwanted\" type=\"Other\"><properties a=\"1\"/></object>"
-                        "<collection name=\"things\" type=\"T\" elementType=\"E\" count=\"0\"/>"),
+        loaded(documentOf("<object name=\"unwanted\" type=\"Other\"><properties a=\"1\"/></object>"
+                          "<collection name=\"things\" type=\"T\" elementType=\"E\" count=\"0\"/>"),
                &thing));
     EXPECT_TRUE(thing.children.empty());
     EXPECT_TRUE(thing.heard.contains(s("collection things T E 0")))
@@ -317,12 +263,12 @@ TEST_F(ObjectSaving, aCollectionNobodyKnowsIsWrittenBackWhole)
     Thing thing;
     thing.knowsCollections = false;
     ASSERT_TRUE(
-        loaded(document("<collection name=\"later\" type=\"T\" elementType=\"E\" count=\"2\">"
-                        "<entry key=\"k &amp; k\" value=\"&lt;v&gt;\"/>"
-                        "<object name=\"a\" type=\"A\"><properties p=\"1\"/></object>"
-                        "<entry key=\"late\" value=\"2\"/>"
-                        "</collection>"
-                        "<collection name=\"none\" type=\"T\" elementType=\"E\" count=\"0\"/>"),
+        loaded(documentOf("<collection name=\"later\" type=\"T\" elementType=\"E\" count=\"2\">"
+                          "<entry key=\"k &amp; k\" value=\"&lt;v&gt;\"/>"
+                          "<object name=\"a\" type=\"A\"><properties p=\"1\"/></object>"
+                          "<entry key=\"late\" value=\"2\"/>"
+                          "</collection>"
+                          "<collection name=\"none\" type=\"T\" elementType=\"E\" count=\"0\"/>"),
                &thing));
     EXPECT_FALSE(thing.heard.contains(s("end later")));
     const QByteArray once = saved(&thing);
@@ -427,133 +373,6 @@ TEST_F(ObjectSaving, whatAUserMadeIsDescribedInTheFile)
     for (const char *absent : {"maximum=\"\"", "editor"})
         EXPECT_FALSE(text.contains(absent)) << absent;
     EXPECT_EQ(text.count("knob="), 1) << "the type's own are known from the type";
-}
-
-// --- user attributes
-
-class UserAttributes : public ObjectSaving
-{
-protected:
-    void listen()
-    {
-        QObject::connect(&m_thing, &OssSerializableObject::userAttributeChanged,
-                         [this](const QString &name) { m_thing.told.append(s("set ") + name); });
-    }
-
-    Thing m_thing;
-};
-
-TEST_F(UserAttributes, removingAndUndoingKeepsTheirPlaces)
-{
-    listen();
-    const QStringList names = m_thing.userAttributeNames();
-    for (const QString &name : names) {
-        m_thing.told.clear();
-        ASSERT_TRUE(m_thing.removeUserAttribute(name));
-        EXPECT_FALSE(m_thing.exists(name));
-        EXPECT_FALSE(m_thing.removeUserAttribute(name)) << "it is gone";
-        m_undo->undo();
-        EXPECT_EQ(m_thing.userAttributeNames(), names);
-        m_undo->redo();
-        EXPECT_FALSE(m_thing.exists(name));
-        m_undo->undo();
-        EXPECT_EQ(m_thing.told, QStringList({s("gone ") + name, s("set ") + name, s("gone ") + name,
-                                             s("set ") + name}));
-    }
-    EXPECT_EQ(m_thing.userAttributes().size(), names.size());
-}
-
-TEST_F(UserAttributes, undoingComesBackEvenWhenOthersWentMeanwhile)
-{
-    ASSERT_TRUE(m_thing.removeUserAttribute(s("Mode")));
-    {
-        const OssUndoManager::Pause unrecorded;
-        m_thing.removeUserAttribute(s("Size"));
-        m_thing.removeUserAttribute(s("On"));
-    }
-    m_undo->undo();
-    EXPECT_EQ(m_thing.userAttributeNames(), QStringList{s("Mode")});
-}
-
-TEST_F(UserAttributes, nobodyIsToldOfASilentChangeButUndoTells)
-{
-    listen();
-    m_thing.setUserAttribute(OssCustomAttribute(s("Size"), 4.0), false);
-    EXPECT_TRUE(m_thing.told.isEmpty());
-    EXPECT_EQ(m_thing.userAttribute(s("Size")).value(), QVariant(4.0));
-    m_undo->undo();
-    EXPECT_EQ(m_thing.told, QStringList{s("set Size")});
-    EXPECT_EQ(m_thing.userAttribute(s("Size")).value(), QVariant(1.0));
-}
-
-TEST_F(UserAttributes, oneWithoutANameIsNotTaken)
-{
-    listen();
-    m_thing.setUserAttribute(OssCustomAttribute(), true);
-    m_thing.setUserAttribute(OssCustomAttribute(QString(), 1.0), true);
-    EXPECT_EQ(m_thing.userAttributes().size(), 3);
-    EXPECT_TRUE(m_thing.told.isEmpty());
-    EXPECT_EQ(m_undo->count(), 0);
-    EXPECT_FALSE(m_thing.userAttribute(s("Nobody")).isValid());
-}
-
-TEST_F(UserAttributes, anAddedOneGoesWhenItIsUndone)
-{
-    listen();
-    m_thing.setUserAttribute(OssCustomAttribute(s("New"), 1), true);
-    EXPECT_EQ(m_thing.userAttributeNames().last(), s("New"));
-    m_undo->undo();
-    EXPECT_FALSE(m_thing.exists(s("New")));
-    m_undo->redo();
-    EXPECT_TRUE(m_thing.exists(s("New")));
-    EXPECT_EQ(m_thing.told, QStringList({s("set New"), s("gone New"), s("set New")}));
-}
-
-TEST_F(UserAttributes, historyOutlivesTheObject)
-{
-    auto thing = std::make_unique<Thing>();
-    thing->setUserAttribute(OssCustomAttribute(s("Size"), 2.0), true);
-    thing->removeUserAttribute(s("On"));
-    thing.reset();
-    for (int round = 0; round < 2; ++round) {
-        m_undo->undo();
-        m_undo->undo();
-        m_undo->redo();
-        m_undo->redo();
-    }
-    EXPECT_EQ(m_undo->count(), 2);
-}
-
-TEST_F(UserAttributes, anOrderIsTakenOnlyWhole)
-{
-    const QStringList before = m_thing.userAttributeNames();
-    const QStringList wrong[] = {
-        {},
-        {s("Size"), s("On")},
-        {s("Size"), s("On"), s("On")},
-        {s("Size"), s("On"), s("Other")},
-        {s("Size"), s("On"), s("Mode"), s("Other")},
-        {s("Size"), s("On"), s("Mode"), s("Mode")},
-    };
-    for (const QStringList &names : wrong) {
-        EXPECT_FALSE(m_thing.orderUserAttributes(names))
-            << qPrintable(names.join(QLatin1Char(' ')));
-        EXPECT_EQ(m_thing.userAttributeNames(), before);
-    }
-    const QStringList order{s("Mode"), s("Size"), s("On")};
-    EXPECT_TRUE(m_thing.orderUserAttributes(order));
-    EXPECT_EQ(m_thing.userAttributeNames(), order);
-    EXPECT_EQ(m_thing.userAttribute(s("Size")).value(), QVariant(1.0));
-}
-
-TEST_F(UserAttributes, aChangeOfLooksIsAChange)
-{
-    OssCustomAttribute size = m_thing.userAttribute(s("Size"));
-    size.setVisible(false);
-    m_thing.setUserAttribute(size, true);
-    EXPECT_FALSE(m_thing.userAttribute(s("Size")).isVisible());
-    m_undo->undo();
-    EXPECT_TRUE(m_thing.userAttribute(s("Size")).isVisible());
 }
 
 } // namespace

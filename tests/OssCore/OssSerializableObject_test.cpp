@@ -1,61 +1,19 @@
-#include "OssCore/OssSerializableObject.h"
-
 #include "OssCore/OssObjectReferenceManager.h"
-#include "OssCore/OssUndoManager.h"
-
-#include <gtest/gtest.h>
-
-#include <QBuffer>
-#include <QPointF>
-#include <QRectF>
+#include "OssCore/Saving.h"
 
 namespace {
-
-const QString Root = QStringLiteral("root");
-
-/// Writes an object as a document of its own.
-QByteArray saved(OssSerializableObject *object)
-{
-    QBuffer buffer;
-    buffer.open(QIODevice::WriteOnly);
-    OssSerializer serializer(&buffer);
-    serializer.beginDocument(Root, {});
-    object->save(serializer, QStringLiteral("o"), {});
-    serializer.endDocument();
-    return buffer.data();
-}
-
-OssResult loaded(const QByteArray &document, OssSerializableObject *object)
-{
-    QBuffer buffer;
-    buffer.setData(document);
-    buffer.open(QIODevice::ReadOnly);
-    OssDeserializer reader(&buffer, QStringLiteral("test.xml"));
-    OssDeserializer::Attributes attributes;
-    const OssResult begun = reader.beginDocument(Root, &attributes);
-    if (!begun)
-        return begun;
-    while (reader.nextElement())
-        reader.loadObject(object);
-    return reader.result();
-}
-
-QByteArray document(const char *content)
-{
-    return QByteArray("<root><object name=\"o\" type=\"T\">") + content + "</object></root>";
-}
 
 TEST(Serialization, whatIsNotUnderstoodIsWrittenBack)
 {
     OssSerializableObject object;
-    ASSERT_TRUE(loaded(document("<properties future=\"7\"/>"
-                                "<collection name=\"later\" type=\"QList\" elementType=\"X\" "
-                                "count=\"1\"><entry key=\"k\" value=\"a&lt;b\"/>"
-                                "<object name=\"i\" type=\"Y\"><deep>text</deep></object>"
-                                "</collection>"
-                                "<object name=\"sub\" type=\"Z\"/>"
-                                "<attribute name=\"Unknown\" type=\"int\" value=\"3\"/>"
-                                "<strange a=\"1\">body</strange>"),
+    ASSERT_TRUE(loaded(documentOf("<properties future=\"7\"/>"
+                                  "<collection name=\"later\" type=\"QList\" elementType=\"X\" "
+                                  "count=\"1\"><entry key=\"k\" value=\"a&lt;b\"/>"
+                                  "<object name=\"i\" type=\"Y\"><deep>text</deep></object>"
+                                  "</collection>"
+                                  "<object name=\"sub\" type=\"Z\"/>"
+                                  "<attribute name=\"Unknown\" type=\"int\" value=\"3\"/>"
+                                  "<strange a=\"1\">body</strange>"),
                        &object));
     const QByteArray once = saved(&object);
     for (const char *kept : {"future=\"7\"", "a&lt;b", "<deep>text</deep>", "name=\"sub\"",
@@ -84,8 +42,8 @@ TEST(Serialization, hostileDocumentsAreRefusedWithTheReason)
     wide += "/></object></root>";
     const Case cases[] = {
         {"<!DOCTYPE root [<!ENTITY a \"b\">]><root/>", "DOCTYPE"},
-        {document("<x:a xmlns:x=\"u\"/>"), "namespaces"},
-        {document("<a b\x01=\"c\"/>"), "control characters"},
+        {documentOf("<x:a xmlns:x=\"u\"/>"), "namespaces"},
+        {documentOf("<a b\x01=\"c\"/>"), "control characters"},
         {deep, "nested deeper than 256"},
         {wide, "more than 512 attributes"},
         {"<other/>", "not an root document"},
@@ -136,33 +94,6 @@ TEST(Serialization, referencesFollowTheSavedId)
     }
     EXPECT_EQ(OssObjectReferenceManager::instance()->getPointer(reference), &object);
     EXPECT_EQ(OssObjectReferenceManager::instance()->getPointer(QStringLiteral("x")), nullptr);
-}
-
-TEST(AttributeHistory, everyChangeCanBeUndone)
-{
-    OssUndoManager::instance()->clear();
-    OssSerializableObject object;
-    int changes = 0;
-    QObject::connect(&object, &OssSerializableObject::userAttributeChanged,
-                     [&changes] { ++changes; });
-    OssCustomAttribute size(QStringLiteral("Size"), 1.0);
-    object.setUserAttribute(size, true);
-    size.setValue(2.0);
-    object.setUserAttribute(size, true);
-    object.setUserAttribute(size, true); // no change, no step
-    EXPECT_EQ(OssUndoManager::instance()->count(), 2);
-    EXPECT_EQ(changes, 2);
-    OssUndoManager::instance()->undo();
-    EXPECT_EQ(object.userAttribute(size.name()).value(), QVariant(1.0));
-    OssUndoManager::instance()->undo();
-    EXPECT_FALSE(object.exists(size.name()));
-    OssUndoManager::instance()->redo();
-    OssUndoManager::instance()->redo();
-    EXPECT_EQ(object.userAttribute(size.name()).value(), QVariant(2.0));
-    ASSERT_TRUE(object.removeUserAttribute(size.name()));
-    OssUndoManager::instance()->undo();
-    EXPECT_TRUE(object.exists(size.name()));
-    OssUndoManager::instance()->clear();
 }
 
 } // namespace

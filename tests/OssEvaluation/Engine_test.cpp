@@ -384,46 +384,6 @@ TEST_F(Engine, levelsHalveTheFrameAndLengthsWithIt)
     EXPECT_LT(difference / 108.0, 0.05) << "a preview of the same picture";
 }
 
-TEST_F(Engine, mipsAreMeansOfTheFullPatch)
-{
-    OssEvGraphBuilder builder;
-    builder.addNode("Checker", "checker", {{"Scale", 200.0}});
-    OssEvTarget wanted = target(builder.finish(), "Checker", 400);
-    wanted.mip = 3;
-    const Collected small = evaluate(wanted);
-    ASSERT_TRUE(small.outcome.ok()) << small.outcome.error;
-    EXPECT_EQ(small.frame.width, 50);
-    for (int i = 2; i < 48; ++i)
-        EXPECT_NEAR(small.texel(0, i, 49 - i), 0.5F, 2e-3F);
-}
-
-TEST_F(Engine, anImageItselfIsDeliveredTileByTile)
-{
-    OssEvGraphBuilder builder;
-    builder.addNode("Wave", "image", {{"File", std::string("wave")}});
-    const auto graph = builder.finish();
-    for (int round = 0; round < 2; ++round) {
-        const Collected result = evaluate(target(graph, "Wave"));
-        EXPECT_EQ(result.tiles.size(), 16U);
-        EXPECT_EQ(result.texel(0, 300, 40), float(300 % 97) / 97.0F);
-    }
-    EXPECT_EQ(images->reads(), 4);
-}
-
-TEST_F(Engine, imagesOfAnySizeFillThePatch)
-{
-    OssEvGraphBuilder builder;
-    builder.addNode("Odd", "image", {{"File", std::string("odd")}});
-    const auto graph = builder.finish();
-    const Collected larger = evaluate(target(graph, "Odd", 600));
-    ASSERT_TRUE(larger.outcome.ok()) << larger.outcome.error;
-    // 300 x 200 on 600 x 600: texel (2 x, 3 y + 1) lies near the middle of texel (x, y).
-    EXPECT_NEAR(larger.texel(0, 101, 301), float(50 % 97) / 97.0F, 0.01);
-    EXPECT_NEAR(larger.texel(1, 101, 301), float(100 % 61) / 61.0F, 0.01);
-    const Collected smaller = evaluate(target(graph, "Odd", 50));
-    EXPECT_TRUE(smaller.outcome.ok()) << smaller.outcome.error;
-}
-
 TEST_F(Engine, faultsAreToldInWordsAndStayWhereTheyAre)
 {
     OssEvGraphBuilder builder;
@@ -518,28 +478,6 @@ TEST_F(Engine, destructionCancelsWhatIsUnderWay)
     engine.reset();
     EXPECT_EQ(result.finished, 1);
     EXPECT_TRUE(result.outcome.cancelled);
-}
-
-TEST(TileCache, keepsWhatIsDearAndWhatIsAskedFor)
-{
-    const auto tile = std::make_shared<OssEvTile>(1, OssEvTile::Format::Half);
-    OssEvTileCache cache(10 * tile->bytes());
-    const OssEvKey key{1, 2};
-    for (int i = 0; i < 5; ++i)
-        cache.insert({key, 1000 + i, 0}, tile, 1e9);
-    for (int i = 0; i < 100; ++i) {
-        cache.insert({key, i, 0}, tile, 1e3);
-        EXPECT_NE(cache.find({key, 0, 0}), nullptr) << "asked for all the time, at " << i;
-        EXPECT_LE(cache.bytes(), cache.budget());
-    }
-    for (int i = 0; i < 5; ++i)
-        EXPECT_NE(cache.find({key, 1000 + i, 0}), nullptr) << "dear";
-    EXPECT_EQ(cache.find({key, 50, 0}), nullptr);
-    EXPECT_EQ(cache.count(), 10U);
-    cache.setBudget(3 * tile->bytes());
-    EXPECT_EQ(cache.count(), 3U);
-    cache.insert({key, 5000, 0}, std::make_shared<OssEvTile>(4, OssEvTile::Format::Float), 1.0);
-    EXPECT_EQ(cache.find({key, 5000, 0}), nullptr) << "larger than the whole cache";
 }
 
 } // namespace

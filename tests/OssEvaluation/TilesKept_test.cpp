@@ -104,6 +104,28 @@ TEST_F(CacheOfTiles, clearingForgetsTheTilesAndNotTheBudget)
     EXPECT_GT(OssEvTileCache::defaultBudget(), std::size_t(64) << 20);
 }
 
+TEST_F(CacheOfTiles, keepsWhatIsDearAndWhatIsAskedFor)
+{
+    const auto tile = std::make_shared<OssEvTile>(1, OssEvTile::Format::Half);
+    OssEvTileCache cache(10 * tile->bytes());
+    const OssEvKey key{1, 2};
+    for (int i = 0; i < 5; ++i)
+        cache.insert({key, 1000 + i, 0}, tile, 1e9);
+    for (int i = 0; i < 100; ++i) {
+        cache.insert({key, i, 0}, tile, 1e3);
+        EXPECT_NE(cache.find({key, 0, 0}), nullptr) << "asked for all the time, at " << i;
+        EXPECT_LE(cache.bytes(), cache.budget());
+    }
+    for (int i = 0; i < 5; ++i)
+        EXPECT_NE(cache.find({key, 1000 + i, 0}), nullptr) << "dear";
+    EXPECT_EQ(cache.find({key, 50, 0}), nullptr);
+    EXPECT_EQ(cache.count(), 10U);
+    cache.setBudget(3 * tile->bytes());
+    EXPECT_EQ(cache.count(), 3U);
+    cache.insert({key, 5000, 0}, std::make_shared<OssEvTile>(4, OssEvTile::Format::Float), 1.0);
+    EXPECT_EQ(cache.find({key, 5000, 0}), nullptr) << "larger than the whole cache";
+}
+
 TEST_F(CacheOfTiles, whatIsDearGivesWayInTheEnd)
 {
     m_cache.insert(at(0), m_tile, 100.0);

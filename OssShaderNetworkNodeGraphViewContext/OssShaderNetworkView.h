@@ -92,8 +92,9 @@ public Q_SLOTS:
     void pasteNodesAction();
 
     // Looking at nodes
-    /// Shows the node, or the only selected one, at the viewer's input. Without any, the viewer
-    /// turns to that input.
+    /// Shows the node, or the only selected one, at the viewer's input; at 0 materials and
+    /// multi-channel nodes alone. Without any, the viewer turns to that input. With several selected
+    /// nothing happens.
     void connectSelectedNodeToViewer(OssSnBaseNode *Node, int Num);
 
     void connectSelectedNodeToViewer(OssSnBaseNode *Node) { connectSelectedNodeToViewer(Node, 1); }

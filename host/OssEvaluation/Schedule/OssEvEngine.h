@@ -50,7 +50,8 @@ struct OssEvRequest
 
     /// All are called on the engine's threads, or on the one that destroys the engine; never with
     /// a lock held and never after `onFinished`, which is called exactly once. Tiles of a request
-    /// may come from several threads at a time. They may call the engine, but not wait for it.
+    /// may come from several threads at a time, and `done` then in another order than it grew. They
+    /// may call the engine, but not wait for it.
     std::function<void(const OssEvArrival &arrival)> onTile;
     std::function<void(int done, int total)> onProgress;
     std::function<void(const OssEvOutcome &outcome)> onFinished;
@@ -67,7 +68,8 @@ struct OssEvNodeCost
 /// What the engine has done since it was made or the figures were reset.
 struct OssEvStatistics
 {
-    /// Calls by kernel. One call computes one tile; of a filter, a block of four.
+    /// Calls by kernel. One call computes one tile; of a filter, a block of four; of an image it
+    /// reads a row of tiles, or all.
     std::map<std::string, std::uint64_t> calls;
     /// By the name of the node. Nodes whose result is one value everywhere cost nothing.
     std::map<std::string, OssEvNodeCost> costs;
@@ -75,6 +77,7 @@ struct OssEvStatistics
     std::uint64_t tilesFromCache = 0;
     /// Times that something was wanted which was already being computed.
     std::uint64_t joins = 0;
+    /// What was given up while it was being computed or read.
     std::uint64_t cancelledUnits = 0;
     /// Tiles of images, among them such as nobody asked for.
     std::uint64_t tilesRead = 0;

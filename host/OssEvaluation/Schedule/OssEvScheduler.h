@@ -35,7 +35,8 @@ public:
     OssEvScheduler(const OssEvScheduler &) = delete;
     OssEvScheduler &operator=(const OssEvScheduler &) = delete;
     /// Not on a thread of the engine's: waits for them. Requests that are still open are told their
-    /// end on the calling thread.
+    /// end on the calling thread, but for those of which a callback is under way: there by whoever
+    /// carries it out.
     ~OssEvScheduler();
 
     /// Only leaves the request behind: a worker plans it.

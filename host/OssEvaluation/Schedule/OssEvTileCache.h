@@ -20,7 +20,7 @@ class OSSEVALUATION_EXPORT OssEvTileCache
 public:
     explicit OssEvTileCache(std::size_t budget);
 
-    /// Two fifths of the machine's memory.
+    /// Two fifths of the machine's memory; 1 GiB where it does not say how much it has.
     static std::size_t defaultBudget();
 
     /// Null when the tile is not there.

@@ -27,7 +27,8 @@ public:
     /// that name is defined.
     OssMenu *makeMenu(const QString &group, const QString &name) const;
 
-    /// The same into a menu that is there, which is emptied first.
+    /// The same into a menu that is there, which is emptied first; the submenus in it are deleted.
+    /// False, and nothing happens, when nothing of that name is defined.
     bool fillMenu(QMenu *menu, const QString &group, const QString &name) const;
 
     /// Paths of the commands that a definition names, whether they exist or not; for a folder,

@@ -36,7 +36,7 @@ public:
 
     /// Keys of commands below `folder` act inside `widget`; if it is a window, in every window of
     /// the application. The folder that is nearest to a command counts. Without a scope keys are
-    /// only shown.
+    /// only shown. Null takes the scope away.
     void setScope(const QString &folder, QWidget *widget);
 
     QList<QKeySequence> keys(const QString &path) const;
@@ -52,7 +52,8 @@ public:
     /// scope of `path`.
     QStringList conflicts(const QString &path, const QKeySequence &keys) const;
 
-    /// Heading under which the command is listed: what was assigned, or else its folder's name.
+    /// Heading under which the command is listed: what was assigned, or else the name of the
+    /// application's folder that it lies in or below, as words.
     QString groupOf(const QString &path) const;
     void assignGroup(const QString &path, const QString &group);
 

@@ -14,7 +14,8 @@ public:
     OssBakeProgress(const OssBakeProgress &) = delete;
     OssBakeProgress &operator=(const OssBakeProgress &) = delete;
 
-    /// For OssEvaluationService::BakeJob::onProgress, while this object lives. `part` counts from 0.
+    /// The part begins now, and is shown by its name. What comes back is for
+    /// OssEvaluationService::BakeJob::onProgress while this object lives. `part` counts from 0.
     std::function<bool(int, int)> forPart(int part, const QString &name);
 
     bool isStopped() const { return m_work.isCancelled(); }

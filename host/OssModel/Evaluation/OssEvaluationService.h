@@ -30,7 +30,8 @@ public:
 
     OssEvEngine *engine();
     std::shared_ptr<OssEvImageProvider> images();
-    /// Read once for each shape. A shape that cannot be read is a debug line, and a plane.
+    /// Read once for each shape. A shape that cannot be read is a debug line, and a plane from then
+    /// on.
     std::shared_ptr<const OssEvMesh> mesh(const OssGeoEntity *entity);
     /// In ascending order.
     QList<int> patches(const OssGeoEntity *entity);
@@ -46,7 +47,8 @@ public:
         const OssGeoEntity *entity = nullptr;
         QList<int> patches;
         int resolution = 2048;
-        /// Called on this thread several times a second; false stops the bake.
+        /// Of the job as a whole. Called on this thread several times a second; false stops the
+        /// bake, which then fails.
         std::function<bool(int done, int total)> onProgress;
     };
 

@@ -13,8 +13,9 @@ class OSSMODEL_EXPORT OssImageSetFiles : public OssEvImageFiles
 {
 public:
     /// The name under which the node's images are evaluated; empty while they have no pixels. Other
-    /// pixels, other name. Patches that nothing was written to have the set's fill colour; those
-    /// beyond a bake point's limit have the colour that it says. GUI thread.
+    /// pixels, other name. Patches that nothing was written to have the set's fill colour. A bake
+    /// point with a limit leaves out those beyond it, and the colour that it says stands for them
+    /// and for all that have no pixels. GUI thread.
     static QString nameOf(const OssSnBaseNode *node);
 
     OssEvResult describe(const Image &image, OssEvImageInfo *info) override;

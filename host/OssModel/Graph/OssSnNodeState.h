@@ -4,8 +4,8 @@
 
 class OssShaderNetwork;
 
-/// What a node is called, how it is switched, and the values of its attributes. Every change of the document records its own undo
-/// step. GUI thread.
+/// What a node is called, how it is switched, and the values of its attributes. Every change of the
+/// document records its own undo step. GUI thread.
 class OSSMODEL_EXPORT OssSnNodeState : public OssSnNodeNotices
 {
     Q_OBJECT

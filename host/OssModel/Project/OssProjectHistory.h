@@ -16,7 +16,7 @@ public:
 
     explicit OssProjectHistory(const QString &projectFolder);
 
-    /// Keeps the project's document, if there is one. A failure is logged.
+    /// Keeps the project's document, if there is one. A failure is logged as well as returned.
     OssResult keepDocument();
     /// Makes what is kept the newest generation if the project's document is another by now, and
     /// forgets it if not. Failures are logged: the next call tries again.

@@ -43,9 +43,11 @@ public:
     /// Opens the copy of a project that was not saved as that project: modified, and saving goes to
     /// `path`, which is empty for one that never had a place.
     OssResult restoreProject(const QString &copy, const QString &path, bool readOnly);
-    /// Fails for a project that never had a path, for one opened read-only, and where paint that is
-    /// in no image yet cannot be baked.
+    /// Fails for a project that never had a path, for one opened read-only, where paint that is in
+    /// no image yet cannot be baked, and where the disk refuses it; nothing counts as saved then.
     OssResult saveProject();
+    /// In another place the project is called as its folder is, and can be edited if it was
+    /// read-only.
     OssResult saveProjectAs(const QString &path);
     /// Without a question: whoever calls has asked.
     void closeProject();

@@ -1,8 +1,8 @@
 #include "OssGroupNodeKnobWidget.h"
 
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssIsAlphanumericUnderscore.h"
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Undo/OssUndoManager.h"
+#include "OssCore/Values/OssIsAlphanumericUnderscore.h"
 #include "OssInterface/Popups/OssMessageBox.h"
 #include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"

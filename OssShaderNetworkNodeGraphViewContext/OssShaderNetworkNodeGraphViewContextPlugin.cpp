@@ -1,8 +1,8 @@
 #include "OssShaderNetworkNodeGraphViewContextPlugin.h"
 
 #include "OssAPI/NodeGraphAPI.h"
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssShaderNetworkView.h"

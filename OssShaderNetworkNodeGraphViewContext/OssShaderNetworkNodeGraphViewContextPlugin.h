@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCore/OssPluginInterface.h"
+#include "OssCore/Program/OssPluginInterface.h"
 #include "OssNodeGraphActions.h"
 
 #include <QObject>

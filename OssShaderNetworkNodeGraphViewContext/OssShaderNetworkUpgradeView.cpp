@@ -1,7 +1,7 @@
 #include "OssShaderNetworkUpgradeView.h"
 
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssSnGroupNode.h"

@@ -1,6 +1,6 @@
 #include "OssShaderNetworkView.h"
 
-#include "OssCore/OssStatusManager.h"
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Project/OssProjectManager.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCore/OssResult.h"
+#include "OssCore/Values/OssResult.h"
 #include "OssModel/Graph/OssShaderNetworkHolder.h"
 #include "View/PlacingView.h"
 

@@ -1,6 +1,6 @@
 #include "OssShaderNetworkWidget.h"
 
-#include "OssCore/OssDebug.h"
+#include "OssCore/Program/OssDebug.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"

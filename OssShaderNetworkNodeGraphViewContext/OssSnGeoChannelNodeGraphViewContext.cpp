@@ -1,6 +1,6 @@
 #include "OssSnGeoChannelNodeGraphViewContext.h"
 
-#include "OssCore/OssDebug.h"
+#include "OssCore/Program/OssDebug.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Nodes/OssSnBakePointNode.h"
 #include "OssModel/Nodes/OssSnBaseTeleportNode.h"

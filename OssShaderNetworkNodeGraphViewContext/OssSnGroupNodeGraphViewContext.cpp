@@ -1,7 +1,7 @@
 #include "OssSnGroupNodeGraphViewContext.h"
 
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssResourceInfo.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Program/OssResourceInfo.h"
 #include "OssInterface/Popups/OssFileDialog.h"
 #include "OssInterface/Popups/OssMessageBox.h"
 #include "OssModel/Graph/OssShaderNetwork.h"

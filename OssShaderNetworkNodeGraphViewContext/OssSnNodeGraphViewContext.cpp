@@ -1,9 +1,9 @@
 #include "OssSnNodeGraphViewContext.h"
 
-#include "OssCore/OssColor.h"
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssResourceInfo.h"
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Program/OssResourceInfo.h"
+#include "OssCore/Undo/OssUndoManager.h"
+#include "OssCore/Values/OssColor.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Graph/OssSnGroupNode.h"

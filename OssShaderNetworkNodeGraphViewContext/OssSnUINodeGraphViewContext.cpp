@@ -1,7 +1,7 @@
 #include "OssSnUINodeGraphViewContext.h"
 
-#include "OssCore/OssColor.h"
-#include "OssCore/OssDebug.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Values/OssColor.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
 #include "OssNodeGraph/Items/OssNgDotNode.h"

@@ -1,8 +1,8 @@
 #include "OssSnGroupNodeGraphViewContext.h"
 
 #include "Layout/GroupPortPlacement.h"
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssLayerStreamUtils.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Nodes/OssSnMultiChannelGroupNode.h"

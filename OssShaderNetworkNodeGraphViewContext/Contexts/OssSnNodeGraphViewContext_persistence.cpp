@@ -1,6 +1,6 @@
 #include "OssSnNodeGraphViewContext.h"
 
-#include "OssCore/OssDebug.h"
+#include "OssCore/Program/OssDebug.h"
 #include "OssModel/Nodes/OssSnCustomProceduralNode.h"
 
 namespace {

@@ -1,7 +1,7 @@
 #include "OssSnNodeGraphViewContext.h"
 
 #include "Layout/NodePlacement.h"
-#include "OssCore/OssDebug.h"
+#include "OssCore/Program/OssDebug.h"
 #include "OssShaderNetworkView.h"
 
 // Each slot asks the current view, which does the geometry.

@@ -1,7 +1,7 @@
 #include "OssSnNodeGraphViewContext.h"
 
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Layers/OssLayerShaderManager.h"

@@ -1,8 +1,8 @@
 #include "Manager/NodeGraphArranger.h"
 
 #include "Layout/ColumnLayout.h"
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssLayerStreamUtils.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssSnGroupNode.h"

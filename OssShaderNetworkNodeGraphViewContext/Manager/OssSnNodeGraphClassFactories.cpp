@@ -1,6 +1,6 @@
 #include "Manager/OssSnNodeGraphClassFactories.h"
 
-#include "OssCore/OssClassFactory.h"
+#include "OssCore/Program/OssClassFactory.h"
 #include "OssSnGeoChannelNodeGraphViewContext.h"
 #include "OssSnGroupNodeGraphViewContext.h"
 #include "OssSnNodeGraphViewContext.h"

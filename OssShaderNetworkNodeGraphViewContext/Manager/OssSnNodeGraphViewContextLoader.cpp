@@ -1,6 +1,6 @@
 #include "Manager/OssSnNodeGraphViewContextLoader.h"
 
-#include "OssCore/OssClassFactoryManager.h"
+#include "OssCore/Program/OssClassFactoryManager.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssSnNodeGraphViewContext.h"
 #include "OssSnUINodeGraphViewContext.h"

@@ -1,7 +1,7 @@
 #include "OssSnNodeGraphViewContextManager.h"
 
-#include "OssCore/OssPreferenceManager.h"
-#include "OssCore/OssStoredPreferences.h"
+#include "OssCore/Program/OssPreferenceManager.h"
+#include "OssCore/Program/OssStoredPreferences.h"
 #include "OssShaderNetworkWidget.h"
 
 namespace {

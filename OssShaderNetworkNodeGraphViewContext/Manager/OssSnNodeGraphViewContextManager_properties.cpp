@@ -1,6 +1,6 @@
 #include "OssSnNodeGraphViewContextManager.h"
 
-#include "OssCore/OssResourceInfo.h"
+#include "OssCore/Program/OssResourceInfo.h"
 #include "OssInterface/Palettes/OssPalette.h"
 #include "OssInterface/Palettes/OssPaletteManager.h"
 #include "OssModel/Graph/OssSnBaseNode.h"

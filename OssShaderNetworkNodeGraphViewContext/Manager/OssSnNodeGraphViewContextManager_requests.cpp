@@ -1,9 +1,9 @@
 #include "OssSnNodeGraphViewContextManager.h"
 
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssIcon.h"
-#include "OssCore/OssResourceInfo.h"
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Program/OssIcon.h"
+#include "OssCore/Program/OssResourceInfo.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/Palettes/OssPalette.h"
 #include "OssInterface/Palettes/OssPaletteManager.h"

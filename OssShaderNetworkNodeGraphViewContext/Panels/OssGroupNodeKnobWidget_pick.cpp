@@ -1,8 +1,8 @@
 #include "OssGroupNodeKnobWidget.h"
 
-#include "OssCore/OssIcon.h"
-#include "OssCore/OssObjectReferenceManager.h"
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Documents/OssObjectReferenceManager.h"
+#include "OssCore/Program/OssIcon.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssSnGroupNode.h"

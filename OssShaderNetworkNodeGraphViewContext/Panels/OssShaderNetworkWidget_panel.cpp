@@ -1,6 +1,6 @@
 #include "OssShaderNetworkWidget.h"
 
-#include "OssCore/OssDebug.h"
+#include "OssCore/Program/OssDebug.h"
 #include "OssGroupNodeKnobWidget.h"
 #include "OssInterface/Properties/OssNodePropertyPanel.h"
 #include "OssInterface/Widgets/OssExpandableListHeading.h"

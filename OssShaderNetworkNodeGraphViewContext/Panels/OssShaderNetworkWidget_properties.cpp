@@ -1,9 +1,9 @@
 #include "OssShaderNetworkWidget.h"
 
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssResourceInfo.h"
-#include "OssCore/OssSettings.h"
-#include "OssCore/OssStatusManager.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Program/OssResourceInfo.h"
+#include "OssCore/Program/OssSettings.h"
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/Widgets/OssExpandableListHeading.h"
 #include "OssInterface/Widgets/OssExpandableListWidget.h"

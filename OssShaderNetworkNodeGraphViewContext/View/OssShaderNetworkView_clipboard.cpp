@@ -1,7 +1,7 @@
 #include "OssShaderNetworkView.h"
 
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkIO.h"
 #include "OssModel/Graph/OssSnBaseNode.h"

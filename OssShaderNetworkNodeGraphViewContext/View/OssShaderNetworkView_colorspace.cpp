@@ -1,8 +1,8 @@
 #include "OssShaderNetworkView.h"
 
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssUndoManager.h"
-#include "OssCore/OssUserEnum.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Undo/OssUndoManager.h"
+#include "OssCore/Values/OssUserEnum.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssInterface/Popups/OssMessageBox.h"
 #include "OssModel/Graph/OssLayerStreamUtils.h"

@@ -1,6 +1,6 @@
 #include "OssShaderNetworkView.h"
 
-#include "OssCore/OssDebug.h"
+#include "OssCore/Program/OssDebug.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/Actions/OssMenu.h"
 #include "OssInterface/Actions/OssMenuManager.h"

@@ -1,8 +1,8 @@
 #include "OssShaderNetworkView.h"
 
-#include "OssCore/OssColor.h"
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Undo/OssUndoManager.h"
+#include "OssCore/Values/OssColor.h"
 #include "OssModel/Graph/OssLayerStreamUtils.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"

@@ -1,7 +1,7 @@
 #include "OssShaderNetworkView.h"
 
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Popups/OssMessageBox.h"
 #include "OssInterface/Popups/OssPopupDialog.h"
 #include "OssModel/Graph/OssLayerStreamUtils.h"

@@ -1,6 +1,6 @@
 #include "OssShaderNetworkView.h"
 
-#include "OssCore/OssDebug.h"
+#include "OssCore/Program/OssDebug.h"
 #include "OssNodeGraph/Items/OssNgNode.h"
 
 namespace {

@@ -1,9 +1,9 @@
 #include "OssShaderNetworkView.h"
 
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssResourceInfo.h"
-#include "OssCore/OssSettings.h"
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Program/OssResourceInfo.h"
+#include "OssCore/Program/OssSettings.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Dialogs/OssNodeInfoDialog.h"
 #include "OssInterface/Dialogs/OssNodeQuickFindDialog.h"
 #include "OssInterface/Dialogs/OssSearchNodeDialog.h"

@@ -1,6 +1,6 @@
 #include "OssShaderNetworkView.h"
 
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssSnGroupNode.h"

@@ -1,6 +1,6 @@
 #include "Ossa/Plugins/PluginLoader.h"
 #include "Ossa/Start/HostServices.h"
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Palettes/OssPalette.h"
 #include "OssInterface/Palettes/OssPaletteManager.h"
 #include "OssInterface/Popups/OssApplication.h"

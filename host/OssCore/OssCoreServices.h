@@ -1,10 +1,10 @@
 #pragma once
 
-#include "OssCore/OssClassFactoryManager.h"
-#include "OssCore/OssObjectReferenceManager.h"
-#include "OssCore/OssPreferenceManager.h"
-#include "OssCore/OssStatusManager.h"
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Documents/OssObjectReferenceManager.h"
+#include "OssCore/Program/OssClassFactoryManager.h"
+#include "OssCore/Program/OssPreferenceManager.h"
+#include "OssCore/Program/OssStatusManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 
 /// The services of this library, in the order in which they need each other.
 class OSSCORE_EXPORT OssCoreServices

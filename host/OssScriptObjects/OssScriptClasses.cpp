@@ -1,8 +1,8 @@
 #include "OssScriptObjects/OssScriptClasses.h"
 
-#include "OssCore/OssPreferenceManager.h"
-#include "OssCore/OssStatusManager.h"
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Program/OssPreferenceManager.h"
+#include "OssCore/Program/OssStatusManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/Palettes/OssPalette.h"
 #include "OssModel/Graph/OssGeoEntity.h"

@@ -1,6 +1,6 @@
 #include "OssScriptObjects/OssScriptManager.h"
 
-#include "OssCore/OssDebug.h"
+#include "OssCore/Program/OssDebug.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/Palettes/OssPaletteManager.h"
 #include "OssScriptObjects/OssaAPI.h"

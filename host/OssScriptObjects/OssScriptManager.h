@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCore/OssService.h"
+#include "OssCore/Program/OssService.h"
 #include "OssScriptObjects/OssAPIFactory.h"
 #include "OssScriptObjects/OssScriptException.h"
 #include "OssScriptObjects/OssScriptObjects_export.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssScriptObjects/OssScriptObjects_export.h"
 
 #include <QString>

@@ -1,6 +1,6 @@
 #include "OssScriptObjects/OssaGeoEntity.h"
 
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssGeoImageSet.h"

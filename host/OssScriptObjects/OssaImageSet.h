@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCore/OssColor.h"
+#include "OssCore/Values/OssColor.h"
 #include "OssScriptObjects/OssaAPI.h"
 #include "OssScriptObjects/OssScriptObjects_export.h"
 

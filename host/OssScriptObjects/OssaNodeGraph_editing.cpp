@@ -1,6 +1,6 @@
 #include "OssScriptObjects/OssaNodeGraph.h"
 
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkIO.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"

@@ -1,6 +1,6 @@
 #include "OssScriptObjects/OssaNode.h"
 
-#include "OssCore/OssAttributeKind.h"
+#include "OssCore/Values/OssAttributeKind.h"
 #include "OssModel/Evaluation/OssBakeProgress.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Graph/OssShaderNetwork.h"

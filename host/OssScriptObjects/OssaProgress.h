@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCore/OssStatusManager.h"
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssScriptObjects/OssaAPI.h"
 #include "OssScriptObjects/OssScriptObjects_export.h"
 

@@ -1,6 +1,6 @@
 #include "OssScriptObjects/OssaUndo.h"
 
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssScriptObjects/OssScriptManager.h"
 
 namespace Ossa {

@@ -1,6 +1,6 @@
 #include "OssScripting/OssPyValue.h"
 
-#include "OssCore/OssColor.h"
+#include "OssCore/Values/OssColor.h"
 #include "OssScripting/OssScriptHandle.h"
 #include "OssScriptObjects/OssScriptTypes.h"
 

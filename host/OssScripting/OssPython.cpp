@@ -1,6 +1,6 @@
 #include "OssScripting/OssPython.h"
 
-#include "OssCore/OssDebug.h"
+#include "OssCore/Program/OssDebug.h"
 #include "OssScripting/OssPyModule.h"
 #include "OssScripting/OssPyValue.h"
 #include "OssScripting/OssScriptThread.h"

@@ -1,7 +1,7 @@
 #include "OssScripting/OssScriptCall.h"
 
-#include "OssCore/OssAttributeKind.h"
-#include "OssCore/OssColor.h"
+#include "OssCore/Values/OssAttributeKind.h"
+#include "OssCore/Values/OssColor.h"
 #include "OssScripting/OssScriptHandle.h"
 #include "OssScriptObjects/OssScriptManager.h"
 

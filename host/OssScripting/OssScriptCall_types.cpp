@@ -1,6 +1,6 @@
 #include "OssScripting/OssScriptCall.h"
 
-#include "OssCore/OssColor.h"
+#include "OssCore/Values/OssColor.h"
 #include "OssScripting/OssScriptHandle.h"
 #include "OssScriptObjects/OssaAPI.h"
 #include "OssScriptObjects/OssScriptTypes.h"

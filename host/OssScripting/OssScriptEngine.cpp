@@ -1,8 +1,8 @@
 #include "OssScripting/OssScriptEngine.h"
 
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssStatusManager.h"
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Program/OssStatusManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssScripting/OssScriptThread.h"
 #include "OssScriptObjects/OssScriptManager.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCore/OssService.h"
+#include "OssCore/Program/OssService.h"
 #include "OssScripting/OssScripting_export.h"
 
 #include <QElapsedTimer>

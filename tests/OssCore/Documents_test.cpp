@@ -1,6 +1,6 @@
-#include "OssCore/OssDeserializer.h"
-#include "OssCore/OssSerializableObject.h"
-#include "OssCore/OssSerializer.h"
+#include "OssCore/Documents/OssDeserializer.h"
+#include "OssCore/Documents/OssSerializableObject.h"
+#include "OssCore/Documents/OssSerializer.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "support/ExpectedLog.h"
 
-#include "OssCore/OssDebug.h"
+#include "OssCore/Program/OssDebug.h"
 
 #include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>

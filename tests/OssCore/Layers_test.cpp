@@ -25,8 +25,10 @@ const QVector<Layer> &layers()
     };
     static const QVector<Layer> table{
         {QStringLiteral("host/ZelGL"), {}},
-        {QStringLiteral("host/OssCore"), {}},
-        {QStringLiteral("host/OssEvaluation"), {}},
+        {QStringLiteral("host/OssCore"), {}, list("Values Program Undo Documents")},
+        {QStringLiteral("host/OssEvaluation"),
+         {},
+         list("Values Geometry Graph Kernels Schedule Files Paint")},
         {QStringLiteral("host/OssNodeGraph"), list("OssCore"),
          list("Drawing Index Items Gestures View")},
         {QStringLiteral("host/OssModel"), list("OssCore OssEvaluation"),

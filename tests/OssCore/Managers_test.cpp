@@ -1,11 +1,11 @@
-#include "OssCore/OssClassFactoryManager.h"
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssIcon.h"
-#include "OssCore/OssPreferenceManager.h"
-#include "OssCore/OssResourceInfo.h"
-#include "OssCore/OssSerializableObject.h"
-#include "OssCore/OssSettings.h"
-#include "OssCore/OssStatusManager.h"
+#include "OssCore/Documents/OssSerializableObject.h"
+#include "OssCore/Program/OssClassFactoryManager.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Program/OssIcon.h"
+#include "OssCore/Program/OssPreferenceManager.h"
+#include "OssCore/Program/OssResourceInfo.h"
+#include "OssCore/Program/OssSettings.h"
+#include "OssCore/Program/OssStatusManager.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
-#include "OssCore/OssObjectReferenceManager.h"
-#include "OssCore/OssUndoManager.h"
-#include "OssCore/OssUserEnum.h"
+#include "OssCore/Documents/OssObjectReferenceManager.h"
 #include "OssCore/Saving.h"
+#include "OssCore/Undo/OssUndoManager.h"
+#include "OssCore/Values/OssUserEnum.h"
 
 #include <QPointF>
 

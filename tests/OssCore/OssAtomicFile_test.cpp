@@ -1,4 +1,4 @@
-#include "OssCore/OssAtomicFile.h"
+#include "OssCore/Documents/OssAtomicFile.h"
 
 #include "support/SystemCallFaults.h"
 

@@ -1,9 +1,9 @@
-#include "OssCore/OssAttributeKind.h"
+#include "OssCore/Values/OssAttributeKind.h"
 
-#include "OssCore/OssColor.h"
-#include "OssCore/OssCustomAttribute.h"
-#include "OssCore/OssUserEnum.h"
-#include "OssCore/OssValueText.h"
+#include "OssCore/Values/OssColor.h"
+#include "OssCore/Values/OssCustomAttribute.h"
+#include "OssCore/Values/OssUserEnum.h"
+#include "OssCore/Values/OssValueText.h"
 #include "support/OtherValue.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
-#include "OssCore/OssDebug.h"
+#include "OssCore/Program/OssDebug.h"
 
-#include "OssCore/OssGroupParameterObject.h"
-#include "OssCore/OssIsAlphanumericUnderscore.h"
+#include "OssCore/Values/OssGroupParameterObject.h"
+#include "OssCore/Values/OssIsAlphanumericUnderscore.h"
 #include "support/ExpectedLog.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "OssCore/OssObjectReferenceManager.h"
+#include "OssCore/Documents/OssObjectReferenceManager.h"
 #include "OssCore/Saving.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 
 #include <gtest/gtest.h>
 

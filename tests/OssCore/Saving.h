@@ -1,7 +1,7 @@
 #pragma once
 
-#include "OssCore/OssSerializableObject.h"
-#include "OssCore/OssUserEnum.h"
+#include "OssCore/Documents/OssSerializableObject.h"
+#include "OssCore/Values/OssUserEnum.h"
 
 #include <gtest/gtest.h>
 
@@ -16,8 +16,8 @@ inline QString s(const char *text)
 inline QVector<OssCustomAttribute> someAttributes()
 {
     return {OssCustomAttribute(s("Size"), 1.0), OssCustomAttribute(s("On"), true),
-            OssCustomAttribute(s("Mode"), QVariant::fromValue(OssUserEnum(
-                                              {s("Normal"), s("Add"), s("Screen")})))};
+            OssCustomAttribute(
+                s("Mode"), QVariant::fromValue(OssUserEnum({s("Normal"), s("Add"), s("Screen")})))};
 }
 
 /// An object as a document of its own.

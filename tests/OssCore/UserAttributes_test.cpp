@@ -1,5 +1,5 @@
-#include "OssCore/OssUndoManager.h"
 #include "OssCore/Saving.h"
+#include "OssCore/Undo/OssUndoManager.h"
 
 #include <memory>
 

@@ -1,8 +1,8 @@
-#include "OssCore/OssColor.h"
-#include "OssCore/OssCustomAttribute.h"
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssUserEnum.h"
-#include "OssCore/OssValueText.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Values/OssColor.h"
+#include "OssCore/Values/OssCustomAttribute.h"
+#include "OssCore/Values/OssUserEnum.h"
+#include "OssCore/Values/OssValueText.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 #include "OssEvaluation/EngineFixture.h"
 #include "OssEvaluation/Graph/OssEvKernelLibrary.h"
-#include "OssEvaluation/Kernels/Texels.h"
 #include "OssEvaluation/Schedule/OssEvPlan.h"
 #include "OssEvaluation/Values/OssEvHalf.h"
+#include "OssEvaluation/Values/Texels.h"
 
 #include <cmath>
 #include <limits>

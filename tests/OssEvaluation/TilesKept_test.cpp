@@ -1,7 +1,7 @@
-#include "OssEvaluation/Kernels/Texels.h"
 #include "OssEvaluation/Schedule/OssEvTileCache.h"
 #include "OssEvaluation/Values/OssEvHalf.h"
 #include "OssEvaluation/Values/OssEvTileGrid.h"
+#include "OssEvaluation/Values/Texels.h"
 
 #include <gtest/gtest.h>
 

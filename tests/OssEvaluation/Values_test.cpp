@@ -1,10 +1,10 @@
-#include "OssEvaluation/Kernels/Texels.h"
 #include "OssEvaluation/Values/OssEvBuffer.h"
 #include "OssEvaluation/Values/OssEvHalf.h"
 #include "OssEvaluation/Values/OssEvParameter.h"
 #include "OssEvaluation/Values/OssEvRamp.h"
 #include "OssEvaluation/Values/OssEvRegion.h"
 #include "OssEvaluation/Values/OssEvTile.h"
+#include "OssEvaluation/Values/Texels.h"
 
 #include <gtest/gtest.h>
 

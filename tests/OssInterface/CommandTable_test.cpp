@@ -1,4 +1,4 @@
-#include "OssCore/OssResourceInfo.h"
+#include "OssCore/Program/OssResourceInfo.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/Actions/OssCommandTable.h"
 

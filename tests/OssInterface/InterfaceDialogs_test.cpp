@@ -1,5 +1,5 @@
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssSettings.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Program/OssSettings.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssInterface/Popups/OssFileDialog.h"
 #include "OssInterface/Popups/OssMessageBox.h"

@@ -1,4 +1,4 @@
-#include "OssCore/OssSettings.h"
+#include "OssCore/Program/OssSettings.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/Actions/OssShortcutManager.h"
 

@@ -1,5 +1,6 @@
-#include "OssCore/OssAttributeKind.h"
-#include "OssCore/OssColor.h"
+#include "OssCore/Values/OssAttributeKind.h"
+#include "OssCore/Values/OssColor.h"
+#include "OssInterface/Properties/OssColorEditor.h"
 #include "OssInterface/Properties/OssCurveEditor.h"
 #include "OssInterface/Properties/OssRampEditor.h"
 #include "OssModel/Images/OssDisplayColor.h"

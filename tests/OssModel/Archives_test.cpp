@@ -1,4 +1,4 @@
-#include "OssCore/OssArchive.h"
+#include "OssCore/Documents/OssArchive.h"
 #include "OssModel/Images/OssImage.h"
 #include "OssModel/Images/OssImageList.h"
 #include "OssModel/Images/OssImageManager.h"

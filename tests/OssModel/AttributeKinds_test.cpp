@@ -1,4 +1,4 @@
-#include "OssCore/OssValueText.h"
+#include "OssCore/Values/OssValueText.h"
 #include "OssModel/Evaluation/OssSnParameter.h"
 #include "support/ModelFixture.h"
 #include "support/OtherValue.h"

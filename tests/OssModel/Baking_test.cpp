@@ -1,5 +1,5 @@
 #include "../support/ModelFixture.h"
-#include "OssCore/OssColor.h"
+#include "OssCore/Values/OssColor.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Graph/OssGeoImageSet.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"

@@ -1,5 +1,5 @@
 #include "../support/ModelFixture.h"
-#include "OssCore/OssColor.h"
+#include "OssCore/Values/OssColor.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Nodes/OssSnResultKey.h"
 #include "OssModel/Nodes/OssSnUpstream.h"

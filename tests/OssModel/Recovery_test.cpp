@@ -1,4 +1,4 @@
-#include "OssCore/OssAtomicFile.h"
+#include "OssCore/Documents/OssAtomicFile.h"
 #include "OssModel/Project/OssAutosave.h"
 #include "OssModel/Project/OssProjectFile.h"
 #include "OssModel/Project/OssRecovery.h"

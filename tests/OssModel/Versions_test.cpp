@@ -1,4 +1,4 @@
-#include "OssCore/OssUserEnum.h"
+#include "OssCore/Values/OssUserEnum.h"
 #include "OssModel/Graph/OssShaderNetworkIO.h"
 #include "OssModel/Graph/OssSnNodeFactory.h"
 #include "support/ModelFixture.h"

@@ -1,4 +1,4 @@
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
 #include "OssNodeGraph/Gestures/OssNgShakeDetector.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"

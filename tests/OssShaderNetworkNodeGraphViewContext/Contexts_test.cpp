@@ -1,6 +1,6 @@
 #include "GraphFixture.h"
 #include "Manager/OssSnNodeGraphViewContextLoader.h"
-#include "OssCore/OssClassFactoryManager.h"
+#include "OssCore/Program/OssClassFactoryManager.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
 #include "OssNodeGraph/Items/OssNgDotNode.h"
 #include "OssSnGroupNodeGraphViewContext.h"

@@ -1,6 +1,6 @@
 #include "GraphFixture.h"
-#include "OssCore/OssPreferenceManager.h"
-#include "OssCore/OssSettings.h"
+#include "OssCore/Program/OssPreferenceManager.h"
+#include "OssCore/Program/OssSettings.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssModel/Nodes/OssSnChannelInputNode.h"
 #include "OssModel/Objects/OssChannel.h"

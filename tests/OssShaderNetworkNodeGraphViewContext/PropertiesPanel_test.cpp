@@ -1,6 +1,6 @@
 #include "GraphFixture.h"
-#include "OssCore/OssSettings.h"
-#include "OssCore/OssStatusManager.h"
+#include "OssCore/Program/OssSettings.h"
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssInterface/Palettes/OssPaletteManager.h"
 #include "OssInterface/Properties/OssNodePropertyPanel.h"
 #include "OssInterface/Widgets/OssExpandableListHeading.h"

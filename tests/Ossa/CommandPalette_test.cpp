@@ -1,7 +1,7 @@
 #include "Ossa/Dialogs/CommandPalette.h"
 
 #include "Ossa/Dialogs/CommandListModel.h"
-#include "OssCore/OssFuzzyMatch.h"
+#include "OssCore/Values/OssFuzzyMatch.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "Ossa/Palettes/LogPanel.h"
 
 #include "Ossa/Palettes/LogModel.h"
-#include "OssCore/OssDebug.h"
+#include "OssCore/Program/OssDebug.h"
 #include "support/ExpectedLog.h"
 
 #include <gtest/gtest.h>

@@ -2,7 +2,7 @@
 
 #include "Ossa/Commands/RecentProjects.h"
 #include "Ossa/Window/MainMenus.h"
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/Actions/OssMenuManager.h"
 #include "OssInterface/Actions/OssShortcutManager.h"

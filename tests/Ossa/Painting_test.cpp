@@ -3,7 +3,7 @@
 #include "Ossa/Viewer/PaintSession.h"
 #include "Ossa/Viewer/UvView.h"
 #include "Ossa/Viewer/ViewerPictures.h"
-#include "OssCore/OssSettings.h"
+#include "OssCore/Program/OssSettings.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Nodes/OssSnImageSetNodeBase.h"

@@ -1,7 +1,7 @@
 #include "Ossa/Plugins/PluginLoader.h"
 
 #include "Ossa/Plugins/PluginActions.h"
-#include "OssCore/OssDebug.h"
+#include "OssCore/Program/OssDebug.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "support/ExpectedLog.h"
 

@@ -1,6 +1,6 @@
 #include "Ossa/Dialogs/PreferencesDialog.h"
 
-#include "OssCore/OssPreferenceManager.h"
+#include "OssCore/Program/OssPreferenceManager.h"
 #include "PreferencesTestObject.h"
 
 #include <gtest/gtest.h>

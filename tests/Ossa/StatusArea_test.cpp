@@ -1,6 +1,6 @@
 #include "Ossa/Window/StatusArea.h"
 
-#include "OssCore/OssStatusManager.h"
+#include "OssCore/Program/OssStatusManager.h"
 
 #include <gtest/gtest.h>
 

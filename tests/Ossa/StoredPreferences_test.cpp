@@ -1,6 +1,6 @@
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssSettings.h"
-#include "OssCore/OssStoredPreferences.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Program/OssSettings.h"
+#include "OssCore/Program/OssStoredPreferences.h"
 #include "PreferencesTestObject.h"
 #include "support/ExpectedLog.h"
 

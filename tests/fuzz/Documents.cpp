@@ -1,9 +1,9 @@
 // Whatever stands in a document, reading it ends with an object or a reason; and what was read is
 // written as a document that gives the same text when it is read and written again.
 
-#include "OssCore/OssColor.h"
+#include "OssCore/Documents/OssSerializableObject.h"
 #include "OssCore/OssCoreServices.h"
-#include "OssCore/OssSerializableObject.h"
+#include "OssCore/Values/OssColor.h"
 
 #include <QBuffer>
 #include <QPointF>

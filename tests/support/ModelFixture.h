@@ -1,8 +1,8 @@
 #pragma once
 
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssResourceInfo.h"
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Program/OssResourceInfo.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCore/OssAttributeKind.h"
+#include "OssCore/Values/OssAttributeKind.h"
 
 /// A value of the same attribute that differs from the present one; `number`, which is not negative,
 /// chooses which. Made through the plain form, so that it knows no kind by name.

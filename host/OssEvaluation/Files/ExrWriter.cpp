@@ -1,6 +1,6 @@
 #include "OssEvaluation/Files/ImageWriters.h"
 #include "OssEvaluation/Files/OssEvFile.h"
-#include "OssEvaluation/Kernels/Texels.h"
+#include "OssEvaluation/Values/Texels.h"
 
 #include <algorithm>
 #include <exception>

@@ -1,6 +1,6 @@
 #include "OssEvaluation/Files/OssEvImageRows.h"
 
-#include "OssEvaluation/Kernels/Texels.h"
+#include "OssEvaluation/Values/Texels.h"
 
 #include <algorithm>
 #include <cmath>

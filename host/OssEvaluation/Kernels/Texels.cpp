@@ -1,4 +1,4 @@
-#include "OssEvaluation/Kernels/Texels.h"
+#include "OssEvaluation/Values/Texels.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "OssEvaluation/Kernels/Texels.cpp"

@@ -2,7 +2,7 @@
 
 #include "OssEvaluation/Kernels/Halving.h"
 #include "OssEvaluation/Kernels/Sampler.h"
-#include "OssEvaluation/Kernels/Texels.h"
+#include "OssEvaluation/Values/Texels.h"
 
 #include <algorithm>
 #include <set>

@@ -1,7 +1,7 @@
 #include "OssEvaluation/Schedule/OssEvRun.h"
 
 #include "OssEvaluation/Kernels/Scratch.h"
-#include "OssEvaluation/Kernels/Texels.h"
+#include "OssEvaluation/Values/Texels.h"
 
 #include <algorithm>
 #include <chrono>

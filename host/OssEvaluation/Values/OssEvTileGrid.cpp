@@ -1,6 +1,6 @@
 #include "OssEvaluation/Values/OssEvTileGrid.h"
 
-#include "OssEvaluation/Kernels/Texels.h"
+#include "OssEvaluation/Values/Texels.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #include "OssInterface/Actions/OssActionTreeManager.h"
 
-#include "OssCore/OssDebug.h"
+#include "OssCore/Program/OssDebug.h"
 
 #include <QAction>
 #include <QSet>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCore/OssService.h"
+#include "OssCore/Program/OssService.h"
 #include "OssInterface/OssInterface_export.h"
 
 #include <QHash>

@@ -1,6 +1,6 @@
 #include "OssInterface/Actions/OssShortcutManager.h"
 
-#include "OssCore/OssSettings.h"
+#include "OssCore/Program/OssSettings.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/Actions/OssCommandTable.h"
 

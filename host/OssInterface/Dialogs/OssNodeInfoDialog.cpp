@@ -1,6 +1,6 @@
 #include "OssInterface/Dialogs/OssNodeInfoDialog.h"
 
-#include "OssCore/OssAttributeKind.h"
+#include "OssCore/Values/OssAttributeKind.h"
 #include "OssEvaluation/Schedule/OssEvEngine.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Graph/OssShaderNetwork.h"

@@ -1,7 +1,7 @@
 #include "OssInterface/Dialogs/OssNodeSearch.h"
 
-#include "OssCore/OssFuzzyMatch.h"
-#include "OssCore/OssValueText.h"
+#include "OssCore/Values/OssFuzzyMatch.h"
+#include "OssCore/Values/OssValueText.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 
 #include <QCoreApplication>

@@ -1,6 +1,6 @@
 #include "OssInterface/Dialogs/OssNodeTypeListModel.h"
 
-#include "OssCore/OssFuzzyMatch.h"
+#include "OssCore/Values/OssFuzzyMatch.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Types/OssSnNodeType.h"
 

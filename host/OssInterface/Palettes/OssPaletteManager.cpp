@@ -1,6 +1,6 @@
 #include "OssInterface/Palettes/OssPaletteManager.h"
 
-#include "OssCore/OssDebug.h"
+#include "OssCore/Program/OssDebug.h"
 #include "OssInterface/Palettes/OssPalette.h"
 
 #include <algorithm>

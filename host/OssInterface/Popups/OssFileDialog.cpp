@@ -1,6 +1,6 @@
 #include "OssInterface/Popups/OssFileDialog.h"
 
-#include "OssCore/OssSettings.h"
+#include "OssCore/Program/OssSettings.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssInterface/Popups/OssMessageBox.h"
 

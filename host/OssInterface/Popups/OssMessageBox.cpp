@@ -1,6 +1,6 @@
 #include "OssInterface/Popups/OssMessageBox.h"
 
-#include "OssCore/OssDebug.h"
+#include "OssCore/Program/OssDebug.h"
 #include "OssInterface/Popups/OssApplication.h"
 
 #include <QCheckBox>

@@ -1,6 +1,6 @@
 #include "OssInterface/Popups/OssWorkDialog.h"
 
-#include "OssCore/OssStatusManager.h"
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssInterface/Popups/OssApplication.h"
 
 #include <QProgressBar>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/OssInterface_export.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 

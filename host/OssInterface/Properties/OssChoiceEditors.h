@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCore/OssUserEnum.h"
+#include "OssCore/Values/OssUserEnum.h"
 #include "OssInterface/Properties/OssPropertyEditor.h"
 
 class QCheckBox;

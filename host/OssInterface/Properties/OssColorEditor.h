@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCore/OssColor.h"
+#include "OssCore/Values/OssColor.h"
 #include "OssInterface/OssInterface_export.h"
 #include "OssInterface/Properties/OssPropertyEditor.h"
 

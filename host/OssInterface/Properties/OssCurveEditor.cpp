@@ -1,6 +1,6 @@
 #include "OssInterface/Properties/OssCurveEditor.h"
 
-#include "OssCore/OssNumberText.h"
+#include "OssCore/Values/OssNumberText.h"
 #include "OssEvaluation/Values/OssEvParameter.h"
 
 #include <QHBoxLayout>

@@ -1,8 +1,8 @@
 #include "OssInterface/Properties/OssNodePropertyPanel.h"
 
-#include "OssCore/OssAttributeKind.h"
-#include "OssCore/OssIcon.h"
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Program/OssIcon.h"
+#include "OssCore/Undo/OssUndoManager.h"
+#include "OssCore/Values/OssAttributeKind.h"
 #include "OssInterface/Properties/OssPropertyEditor.h"
 #include "OssInterface/Properties/OssPropertyRow.h"
 #include "OssInterface/Widgets/OssExpandableListHeading.h"

@@ -1,6 +1,6 @@
 #include "OssInterface/Properties/OssNumberField.h"
 
-#include "OssCore/OssNumberText.h"
+#include "OssCore/Values/OssNumberText.h"
 #include "OssInterface/Properties/OssExpression.h"
 
 #include <QApplication>

@@ -1,7 +1,7 @@
 #include "OssInterface/Properties/OssPropertyEditor.h"
 
-#include "OssCore/OssAttributeKind.h"
-#include "OssCore/OssValueText.h"
+#include "OssCore/Values/OssAttributeKind.h"
+#include "OssCore/Values/OssValueText.h"
 #include "OssInterface/Properties/OssChoiceEditors.h"
 #include "OssInterface/Properties/OssColorEditor.h"
 #include "OssInterface/Properties/OssCurveEditor.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCore/OssCustomAttribute.h"
+#include "OssCore/Values/OssCustomAttribute.h"
 #include "OssInterface/OssInterface_export.h"
 
 #include <QWidget>

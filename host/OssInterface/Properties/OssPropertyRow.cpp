@@ -1,6 +1,6 @@
 #include "OssInterface/Properties/OssPropertyRow.h"
 
-#include "OssCore/OssAttributeKind.h"
+#include "OssCore/Values/OssAttributeKind.h"
 #include "OssInterface/Properties/OssExpression.h"
 #include "OssInterface/Properties/OssPropertyEditor.h"
 #include "OssModel/Graph/OssLinkedCustomAttributeManager.h"

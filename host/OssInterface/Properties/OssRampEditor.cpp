@@ -1,6 +1,6 @@
 #include "OssInterface/Properties/OssRampEditor.h"
 
-#include "OssCore/OssColor.h"
+#include "OssCore/Values/OssColor.h"
 #include "OssInterface/Properties/OssColorEditor.h"
 #include "OssInterface/Properties/OssNumberField.h"
 

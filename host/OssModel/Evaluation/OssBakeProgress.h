@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCore/OssStatusManager.h"
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssModel/OssModel_export.h"
 
 #include <functional>

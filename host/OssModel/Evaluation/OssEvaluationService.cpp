@@ -1,7 +1,7 @@
 #include "OssModel/Evaluation/OssEvaluationService.h"
 
-#include "OssCore/OssAtomicFile.h"
-#include "OssCore/OssDebug.h"
+#include "OssCore/Documents/OssAtomicFile.h"
+#include "OssCore/Program/OssDebug.h"
 #include "OssEvaluation/Geometry/OssEvMesh.h"
 #include "OssEvaluation/Geometry/OssEvMeshFile.h"
 #include "OssEvaluation/Schedule/OssEvEngine.h"

@@ -1,6 +1,6 @@
 #include "OssModel/Evaluation/OssEvaluationService.h"
 
-#include "OssCore/OssAtomicFile.h"
+#include "OssCore/Documents/OssAtomicFile.h"
 #include "OssEvaluation/Files/OssEvImageFormat.h"
 #include "OssEvaluation/Files/OssEvUdim.h"
 #include "OssEvaluation/Schedule/OssEvEngine.h"

@@ -1,6 +1,6 @@
 #include "OssModel/Evaluation/OssImageSetFiles.h"
 
-#include "OssCore/OssColor.h"
+#include "OssCore/Values/OssColor.h"
 #include "OssModel/Evaluation/OssPatchList.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Images/OssPixelStore.h"

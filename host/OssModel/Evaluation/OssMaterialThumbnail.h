@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCore/OssResult.h"
+#include "OssCore/Values/OssResult.h"
 
 #include <QImage>
 

@@ -1,7 +1,7 @@
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Evaluation/OssBakeProgress.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Evaluation/OssPatchList.h"

@@ -1,6 +1,6 @@
 #include "OssModel/Nodes/OssSnMaterialNode.h"
 
-#include "OssCore/OssAtomicFile.h"
+#include "OssCore/Documents/OssAtomicFile.h"
 #include "OssModel/Evaluation/OssMaterialThumbnail.h"
 
 #include <QBuffer>

@@ -1,7 +1,7 @@
 #include "OssModel/Evaluation/OssSnParameter.h"
 
-#include "OssCore/OssColor.h"
-#include "OssCore/OssUserEnum.h"
+#include "OssCore/Values/OssColor.h"
+#include "OssCore/Values/OssUserEnum.h"
 #include "OssModel/Images/OssImage.h"
 #include "OssModel/Images/OssImageList.h"
 #include "OssModel/Images/OssImageManager.h"

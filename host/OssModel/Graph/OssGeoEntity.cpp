@@ -1,6 +1,6 @@
 #include "OssModel/Graph/OssGeoEntity.h"
 
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssGeoImageSet.h"
 #include "OssModel/Graph/OssShadingGroup.h"
 

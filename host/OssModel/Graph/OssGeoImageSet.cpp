@@ -1,6 +1,6 @@
 #include "OssModel/Graph/OssGeoImageSet.h"
 
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 
 OssGeoImageSet::OssGeoImageSet(const QString &name, OssGeoEntity *entity)

@@ -1,7 +1,7 @@
 #include "OssModel/Graph/OssNodeConversion.h"
 
-#include "OssCore/OssAttributeKind.h"
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
+#include "OssCore/Values/OssAttributeKind.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssSnBaseContext.h"
 #include "OssModel/Graph/OssSnGroupNode.h"

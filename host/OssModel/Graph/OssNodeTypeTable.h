@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCore/OssSerializableObject.h"
+#include "OssCore/Documents/OssSerializableObject.h"
 #include "OssModel/Types/OssSnNodeType.h"
 
 #include <QHash>

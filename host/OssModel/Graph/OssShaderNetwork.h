@@ -1,7 +1,7 @@
 #pragma once
 
-#include "OssCore/OssResult.h"
-#include "OssCore/OssSerializableObject.h"
+#include "OssCore/Documents/OssSerializableObject.h"
+#include "OssCore/Values/OssResult.h"
 #include "OssModel/OssModel_export.h"
 
 #include <QHash>

@@ -1,6 +1,6 @@
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 
-#include "OssCore/OssDebug.h"
+#include "OssCore/Program/OssDebug.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkContextLoader.h"
 #include "OssModel/Graph/OssShadingGroup.h"

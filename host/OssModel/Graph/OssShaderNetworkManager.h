@@ -1,8 +1,8 @@
 #pragma once
 
-#include "OssCore/OssObjectReferenceManager.h"
-#include "OssCore/OssSerializableObject.h"
-#include "OssCore/OssService.h"
+#include "OssCore/Documents/OssObjectReferenceManager.h"
+#include "OssCore/Documents/OssSerializableObject.h"
+#include "OssCore/Program/OssService.h"
 #include "OssModel/OssModel_export.h"
 #include "OssModel/Types/OssSnNodeTypeLibrary.h"
 

@@ -1,6 +1,6 @@
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssLayerStreamUtils.h"
 #include "OssModel/Graph/OssNodeWalker.h"
 #include "OssModel/Graph/OssSnBaseNode.h"

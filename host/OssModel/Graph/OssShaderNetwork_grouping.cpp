@@ -1,6 +1,6 @@
 #include "OssModel/Graph/OssShaderNetwork.h"
 
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssSnBaseContext.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
 

@@ -1,6 +1,6 @@
 #include "OssModel/Graph/OssShaderNetwork.h"
 
-#include "OssCore/OssDebug.h"
+#include "OssCore/Program/OssDebug.h"
 #include "OssModel/Graph/OssNodeTypeTable.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssSnBaseNode.h"

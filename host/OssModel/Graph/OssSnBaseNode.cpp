@@ -1,8 +1,8 @@
 #include "OssModel/Graph/OssSnBaseNode.h"
 
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssSerializer.h"
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Documents/OssSerializer.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkContextLoader.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"

@@ -1,7 +1,7 @@
 #include "OssModel/Graph/OssSnBaseNode.h"
 
-#include "OssCore/OssUndoManager.h"
-#include "OssCore/OssValueText.h"
+#include "OssCore/Undo/OssUndoManager.h"
+#include "OssCore/Values/OssValueText.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssSnBaseContext.h"
 

@@ -1,6 +1,6 @@
 #include "OssModel/Graph/OssSnGroupNode.h"
 
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkIO.h"
 

@@ -1,9 +1,9 @@
 #include "OssModel/Graph/OssSnGroupNode.h"
 
-#include "OssCore/OssAttributeKind.h"
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssUndoManager.h"
-#include "OssCore/OssValueText.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Undo/OssUndoManager.h"
+#include "OssCore/Values/OssAttributeKind.h"
+#include "OssCore/Values/OssValueText.h"
 #include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCore/OssCustomAttribute.h"
+#include "OssCore/Values/OssCustomAttribute.h"
 #include "OssModel/Graph/OssSnPorts.h"
 #include "OssModel/Types/OssSnNodeType.h"
 

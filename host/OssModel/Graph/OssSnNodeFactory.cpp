@@ -1,6 +1,6 @@
 #include "OssModel/Graph/OssSnNodeFactory.h"
 
-#include "OssCore/OssDebug.h"
+#include "OssCore/Program/OssDebug.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 
 #include <QHash>

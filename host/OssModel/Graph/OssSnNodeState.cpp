@@ -1,8 +1,8 @@
 #include "OssModel/Graph/OssSnNodeState.h"
 
-#include "OssCore/OssAttributeKind.h"
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Undo/OssUndoManager.h"
+#include "OssCore/Values/OssAttributeKind.h"
 
 void OssSnNodeState::setDescription(const QString &description)
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCore/OssSerializableObject.h"
+#include "OssCore/Documents/OssSerializableObject.h"
 #include "OssModel/Images/OssImageUniqueId.h"
 
 #include <QSize>

@@ -1,6 +1,6 @@
 #include "OssModel/Images/OssImageManager.h"
 
-#include "OssCore/OssDebug.h"
+#include "OssCore/Program/OssDebug.h"
 #include "OssEvaluation/Files/OssEvImageFormat.h"
 #include "OssModel/Images/OssImage.h"
 #include "OssModel/Images/OssUdimPath.h"

@@ -1,8 +1,8 @@
 #include "OssModel/Images/OssPixelStore.h"
 
-#include "OssCore/OssAtomicFile.h"
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssSettings.h"
+#include "OssCore/Documents/OssAtomicFile.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Program/OssSettings.h"
 
 #include <QCoreApplication>
 #include <QCryptographicHash>

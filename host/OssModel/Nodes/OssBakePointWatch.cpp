@@ -1,6 +1,6 @@
 #include "OssModel/Nodes/OssBakePointWatch.h"
 
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Nodes/OssSnBakePointNode.h"
 
 namespace {

@@ -1,9 +1,9 @@
 #include "OssModel/Nodes/OssNodeArchive.h"
 
-#include "OssCore/OssArchive.h"
-#include "OssCore/OssAtomicFile.h"
-#include "OssCore/OssSettings.h"
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Documents/OssArchive.h"
+#include "OssCore/Documents/OssAtomicFile.h"
+#include "OssCore/Program/OssSettings.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkIO.h"
 #include "OssModel/Images/OssImage.h"

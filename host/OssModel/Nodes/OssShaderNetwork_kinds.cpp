@@ -1,7 +1,7 @@
 // What a network makes of particular kinds of nodes.
 #include "OssModel/Graph/OssShaderNetwork.h"
 
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssSnBaseContext.h"
 #include "OssModel/Nodes/OssSnImageSetNodeBase.h"
 #include "OssModel/Nodes/OssSnMultiChannelMergeNode.h"

@@ -1,6 +1,6 @@
 #include "OssModel/Nodes/OssSnBakePointNode.h"
 
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Nodes/OssBakePointWatch.h"
 #include "OssModel/Nodes/OssSnResultKey.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCore/OssColor.h"
+#include "OssCore/Values/OssColor.h"
 #include "OssModel/Nodes/OssSnImageSetNodeBase.h"
 
 class OssGeoEntity;

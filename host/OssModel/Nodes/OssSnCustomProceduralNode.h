@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCore/OssResult.h"
+#include "OssCore/Values/OssResult.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
 
 /// A group that is used like a node of a type of its own: its inside is not shown.

@@ -1,6 +1,6 @@
 #include "OssModel/Nodes/OssSnImageSetNodeBase.h"
 
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Objects/OssShadingContext.h"
 

@@ -1,6 +1,6 @@
 #include "OssModel/Nodes/OssSnMaterialNode.h"
 
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssLayerStreamUtils.h"
 #include "OssModel/Nodes/OssNodeArchive.h"
 #include "OssModel/Types/OssLayerShaderModel.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCore/OssResult.h"
+#include "OssCore/Values/OssResult.h"
 #include "OssModel/Nodes/OssSnMultiChannelGroupNode.h"
 
 /// A material: all streams of a shader model, made inside. One tagged "_shader" also makes a surface of them, to look at it as a whole.

@@ -1,6 +1,6 @@
 #include "OssModel/Nodes/OssSnMultiChannelBottomTransparencyNode.h"
 
-#include "OssCore/OssColor.h"
+#include "OssCore/Values/OssColor.h"
 #include "OssModel/Graph/OssLayerStreamUtils.h"
 #include "OssModel/Types/OssLayerShaderModel.h"
 

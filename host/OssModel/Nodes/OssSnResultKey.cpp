@@ -1,6 +1,6 @@
 #include "OssModel/Nodes/OssSnResultKey.h"
 
-#include "OssCore/OssValueText.h"
+#include "OssCore/Values/OssValueText.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Nodes/OssSnUpstream.h"

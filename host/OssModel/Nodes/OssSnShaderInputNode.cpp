@@ -1,6 +1,6 @@
 #include "OssModel/Nodes/OssSnShaderInputNode.h"
 
-#include "OssCore/OssUserEnum.h"
+#include "OssCore/Values/OssUserEnum.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCore/OssService.h"
+#include "OssCore/Program/OssService.h"
 #include "OssModel/OssModel_export.h"
 
 #include <QList>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCore/OssService.h"
+#include "OssCore/Program/OssService.h"
 #include "OssModel/Objects/OssCanvasWidget.h"
 
 /// Which canvas the user paints on. GUI thread.

@@ -1,6 +1,6 @@
 #include "OssModel/Objects/OssImageSet.h"
 
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Images/OssPixelStore.h"
 #include "OssModel/Objects/OssChannel.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "OssCore/OssColor.h"
-#include "OssCore/OssSerializableObject.h"
+#include "OssCore/Documents/OssSerializableObject.h"
+#include "OssCore/Values/OssColor.h"
 #include "OssModel/OssModel_export.h"
 
 #include <QMap>

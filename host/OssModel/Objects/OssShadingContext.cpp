@@ -1,6 +1,6 @@
 #include "OssModel/Objects/OssShadingContext.h"
 
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Objects/OssChannel.h"
 #include "OssModel/Objects/OssImageSet.h"
 

@@ -1,7 +1,7 @@
 #include "OssModel/Project/OssPixelCleanup.h"
 
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssSettings.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Program/OssSettings.h"
 #include "OssModel/Images/OssPixelStore.h"
 #include "OssModel/Project/OssRecovery.h"
 

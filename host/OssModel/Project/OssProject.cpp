@@ -1,6 +1,6 @@
 #include "OssModel/Project/OssProject.h"
 
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssShadingGroup.h"
 #include "OssModel/Images/OssImage.h"

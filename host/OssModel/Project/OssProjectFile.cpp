@@ -1,8 +1,8 @@
 #include "OssModel/Project/OssProjectFile.h"
 
-#include "OssCore/OssAtomicFile.h"
-#include "OssCore/OssDeserializer.h"
-#include "OssCore/OssSerializer.h"
+#include "OssCore/Documents/OssAtomicFile.h"
+#include "OssCore/Documents/OssDeserializer.h"
+#include "OssCore/Documents/OssSerializer.h"
 #include "OssModel/Images/OssPixelStore.h"
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectHistory.h"

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "OssCore/OssResult.h"
-#include "OssCore/OssSerializer.h"
+#include "OssCore/Documents/OssSerializer.h"
+#include "OssCore/Values/OssResult.h"
 #include "OssModel/OssModel_export.h"
 
 #include <QString>

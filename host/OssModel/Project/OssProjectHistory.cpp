@@ -1,8 +1,8 @@
 #include "OssModel/Project/OssProjectHistory.h"
 
-#include "OssCore/OssAtomicFile.h"
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssDeserializer.h"
+#include "OssCore/Documents/OssAtomicFile.h"
+#include "OssCore/Documents/OssDeserializer.h"
+#include "OssCore/Program/OssDebug.h"
 
 #include <QFile>
 #include <QFileInfo>

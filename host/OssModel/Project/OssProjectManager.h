@@ -1,7 +1,7 @@
 #pragma once
 
-#include "OssCore/OssResult.h"
-#include "OssCore/OssService.h"
+#include "OssCore/Program/OssService.h"
+#include "OssCore/Values/OssResult.h"
 #include "OssModel/OssModel_export.h"
 
 #include <QObject>

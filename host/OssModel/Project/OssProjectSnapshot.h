@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCore/OssSerializer.h"
+#include "OssCore/Documents/OssSerializer.h"
 #include "OssModel/OssModel_export.h"
 
 #include <QByteArray>

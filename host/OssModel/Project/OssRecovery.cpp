@@ -1,9 +1,9 @@
 #include "OssModel/Project/OssRecovery.h"
 
-#include "OssCore/OssAtomicFile.h"
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssDeserializer.h"
-#include "OssCore/OssSettings.h"
+#include "OssCore/Documents/OssAtomicFile.h"
+#include "OssCore/Documents/OssDeserializer.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Program/OssSettings.h"
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectFile.h"
 

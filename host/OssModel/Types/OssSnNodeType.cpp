@@ -1,7 +1,7 @@
 #include "OssModel/Types/OssSnNodeType.h"
 
-#include "OssCore/OssAttributeKind.h"
-#include "OssCore/OssValueText.h"
+#include "OssCore/Values/OssAttributeKind.h"
+#include "OssCore/Values/OssValueText.h"
 
 #include <QCoreApplication>
 #include <QCryptographicHash>

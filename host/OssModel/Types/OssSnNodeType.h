@@ -1,7 +1,7 @@
 #pragma once
 
-#include "OssCore/OssCustomAttribute.h"
-#include "OssCore/OssResult.h"
+#include "OssCore/Values/OssCustomAttribute.h"
+#include "OssCore/Values/OssResult.h"
 #include "OssModel/OssModel_export.h"
 #include "OssModel/Types/OssSnDataKind.h"
 

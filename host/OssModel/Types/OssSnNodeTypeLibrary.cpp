@@ -1,6 +1,6 @@
 #include "OssModel/Types/OssSnNodeTypeLibrary.h"
 
-#include "OssCore/OssAtomicFile.h"
+#include "OssCore/Documents/OssAtomicFile.h"
 
 #include <QCoreApplication>
 #include <QDirIterator>

@@ -1,6 +1,6 @@
 #include "OssNodeGraph/Gestures/OssNgBackdropResizeGesture.h"
 
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
 #include "OssNodeGraph/Gestures/OssNgGestureHost.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"

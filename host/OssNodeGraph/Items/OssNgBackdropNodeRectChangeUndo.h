@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCore/OssUndoStep.h"
+#include "OssCore/Undo/OssUndoStep.h"
 #include "OssNodeGraph/OssNodeGraph_export.h"
 
 #include <QPointer>

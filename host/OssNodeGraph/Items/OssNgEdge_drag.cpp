@@ -1,6 +1,6 @@
 #include "OssNodeGraph/Items/OssNgEdge.h"
 
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssNodeGraph/Items/OssNgNode.h"
 #include "OssNodeGraph/Items/OssNgSceneIndex.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCore/OssSerializableObject.h"
+#include "OssCore/Documents/OssSerializableObject.h"
 #include "OssNodeGraph/Items/OssNgNodeMarks.h"
 #include "OssNodeGraph/Items/OssNgNodePorts.h"
 #include "OssNodeGraph/OssNodeGraph_export.h"

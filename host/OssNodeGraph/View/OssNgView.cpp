@@ -1,6 +1,6 @@
 #include "OssNodeGraph/View/OssNgView.h"
 
-#include "OssCore/OssStatusManager.h"
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
 #include "OssNodeGraph/Gestures/OssNgGesture.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"

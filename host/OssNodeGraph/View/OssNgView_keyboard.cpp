@@ -1,6 +1,6 @@
 #include "OssNodeGraph/View/OssNgView.h"
 
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
 #include "OssNodeGraph/Items/OssNgMovedNodes.h"
 #include "OssNodeGraph/Items/OssNgNode.h"

@@ -1,7 +1,7 @@
 #include "Ossa/Commands/Commands.h"
 
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssIcon.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Program/OssIcon.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 
 #include <QAction>

@@ -3,7 +3,7 @@
 #include "Ossa/Commands/Commands.h"
 #include "Ossa/Dialogs/PreferencesDialog.h"
 #include "Ossa/Dialogs/ShortcutEditor.h"
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 
 #include <QAction>
 #include <QWidget>

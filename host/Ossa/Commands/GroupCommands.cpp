@@ -1,8 +1,8 @@
 #include "Ossa/Commands/GroupCommands.h"
 
 #include "Ossa/Commands/Commands.h"
-#include "OssCore/OssResourceInfo.h"
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Program/OssResourceInfo.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Popups/OssFileDialog.h"
 #include "OssInterface/Popups/OssMessageBox.h"
 #include "OssModel/Graph/OssShaderNetwork.h"

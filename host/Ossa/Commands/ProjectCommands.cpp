@@ -2,8 +2,8 @@
 
 #include "Ossa/Commands/Commands.h"
 #include "Ossa/Commands/RecentProjects.h"
-#include "OssCore/OssResourceInfo.h"
-#include "OssCore/OssStatusManager.h"
+#include "OssCore/Program/OssResourceInfo.h"
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssInterface/Popups/OssFileDialog.h"
 #include "OssInterface/Popups/OssMessageBox.h"
 #include "OssModel/Project/OssProject.h"

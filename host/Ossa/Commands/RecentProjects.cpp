@@ -1,6 +1,6 @@
 #include "Ossa/Commands/RecentProjects.h"
 
-#include "OssCore/OssSettings.h"
+#include "OssCore/Program/OssSettings.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,8 +1,8 @@
 #include "Ossa/Common/ApplicationPreferences.h"
 
-#include "OssCore/OssPreferenceManager.h"
-#include "OssCore/OssSettings.h"
-#include "OssCore/OssStoredPreferences.h"
+#include "OssCore/Program/OssPreferenceManager.h"
+#include "OssCore/Program/OssSettings.h"
+#include "OssCore/Program/OssStoredPreferences.h"
 
 #include <QStringList>
 

@@ -1,6 +1,6 @@
 #include "Ossa/Common/Theme.h"
 
-#include "OssCore/OssResourceInfo.h"
+#include "OssCore/Program/OssResourceInfo.h"
 
 #include <QApplication>
 #include <QFont>

@@ -1,6 +1,6 @@
 #include "Ossa/Dialogs/CommandListModel.h"
 
-#include "OssCore/OssFuzzyMatch.h"
+#include "OssCore/Values/OssFuzzyMatch.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/Actions/OssShortcutManager.h"
 

@@ -1,6 +1,6 @@
 #include "Ossa/Dialogs/PreferenceEditor.h"
 
-#include "OssCore/OssGroupParameterObject.h"
+#include "OssCore/Values/OssGroupParameterObject.h"
 
 #include <QCheckBox>
 #include <QComboBox>

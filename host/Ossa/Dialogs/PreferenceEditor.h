@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCore/OssPreferenceManager.h"
+#include "OssCore/Program/OssPreferenceManager.h"
 
 #include <QObject>
 

@@ -1,7 +1,7 @@
 #include "Ossa/Headless/BakeCommand.h"
 #include "Ossa/Headless/CommandLine.h"
 #include "Ossa/Headless/InfoCommand.h"
-#include "OssCore/OssResourceInfo.h"
+#include "OssCore/Program/OssResourceInfo.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/OssModelServices.h"
 

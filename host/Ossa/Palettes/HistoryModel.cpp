@@ -1,6 +1,6 @@
 #include "Ossa/Palettes/HistoryModel.h"
 
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 
 #include <QGuiApplication>
 #include <QPalette>

@@ -1,7 +1,7 @@
 #include "Ossa/Palettes/HistoryPanel.h"
 
 #include "Ossa/Palettes/HistoryModel.h"
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 
 #include <QHBoxLayout>
 #include <QLabel>

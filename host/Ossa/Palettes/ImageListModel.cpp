@@ -1,6 +1,6 @@
 #include "Ossa/Palettes/ImageListModel.h"
 
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Images/OssImage.h"
 #include "OssModel/Images/OssImageManager.h"
 #include "OssModel/Project/OssProject.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssCore/OssDebug.h"
+#include "OssCore/Program/OssDebug.h"
 
 #include <QWidget>
 

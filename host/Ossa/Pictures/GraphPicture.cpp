@@ -1,6 +1,6 @@
 #include "Ossa/Pictures/GraphPicture.h"
 
-#include "OssCore/OssAtomicFile.h"
+#include "OssCore/Documents/OssAtomicFile.h"
 #include "OssNodeGraph/Items/OssNgSceneIndex.h"
 #include "OssNodeGraph/View/OssNgRenderer.h"
 

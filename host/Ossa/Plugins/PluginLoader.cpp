@@ -1,7 +1,7 @@
 #include "Ossa/Plugins/PluginLoader.h"
 
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssPluginInterface.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Program/OssPluginInterface.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -3,8 +3,8 @@
 #include "Ossa/Common/Theme.h"
 #include "Ossa/Scripting/ConsoleInput.h"
 #include "Ossa/Scripting/ScriptEcho.h"
-#include "OssCore/OssSettings.h"
-#include "OssCore/OssStatusManager.h"
+#include "OssCore/Program/OssSettings.h"
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssScripting/OssScriptEngine.h"
 

@@ -2,7 +2,7 @@
 
 #include "Ossa/Headless/CommandLine.h"
 #include "Ossa/Headless/Interrupt.h"
-#include "OssCore/OssAtomicFile.h"
+#include "OssCore/Documents/OssAtomicFile.h"
 #include "OssModel/Project/OssProjectManager.h"
 #include "OssScripting/OssScriptEngine.h"
 

@@ -1,7 +1,7 @@
 #include "Ossa/Scripting/ScriptEcho.h"
 
 #include "Ossa/Scripting/ScriptText.h"
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"

@@ -1,7 +1,7 @@
 #include "Ossa/Scripting/ScriptText.h"
 
-#include "OssCore/OssAttributeKind.h"
-#include "OssCore/OssNumberText.h"
+#include "OssCore/Values/OssAttributeKind.h"
+#include "OssCore/Values/OssNumberText.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
 

@@ -1,7 +1,7 @@
 #include "Ossa/Start/HostServices.h"
 
 #include "Ossa/Plugins/PluginLoader.h"
-#include "OssCore/OssResourceInfo.h"
+#include "OssCore/Program/OssResourceInfo.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Project/OssProjectManager.h"
 

@@ -1,7 +1,7 @@
 #include "Ossa/Viewer/NodeThumbnails.h"
 
 #include "Ossa/Viewer/ViewerPixels.h"
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Palettes/OssPalette.h"
 #include "OssInterface/Palettes/OssPaletteManager.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"

@@ -2,8 +2,8 @@
 
 #include "Ossa/Viewer/PaintSession.h"
 #include "Ossa/Viewer/ViewerSource.h"
-#include "OssCore/OssColor.h"
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
+#include "OssCore/Values/OssColor.h"
 #include "OssInterface/Popups/OssMessageBox.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"

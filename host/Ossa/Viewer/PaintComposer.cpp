@@ -1,7 +1,7 @@
 #include "Ossa/Viewer/PaintComposer.h"
 
-#include "OssCore/OssAtomicFile.h"
-#include "OssCore/OssStatusManager.h"
+#include "OssCore/Documents/OssAtomicFile.h"
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssModel/Images/OssPixelStore.h"
 #include "OssModel/Objects/OssImageSet.h"
 #include "OssModel/Project/OssProject.h"

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "OssCore/OssGroupParameterObject.h"
-#include "OssCore/OssService.h"
+#include "OssCore/Program/OssService.h"
+#include "OssCore/Values/OssGroupParameterObject.h"
 
 #include <QObject>
 

@@ -2,8 +2,8 @@
 
 #include "Ossa/Viewer/PaintPreferences.h"
 #include "Ossa/Viewer/PaintStep.h"
-#include "OssCore/OssDebug.h"
-#include "OssCore/OssStatusManager.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssEvaluation/Files/OssEvImageFiles.h"
 #include "OssInterface/Popups/OssMessageBox.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"

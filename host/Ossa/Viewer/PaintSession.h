@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Ossa/Viewer/PaintComposer.h"
-#include "OssCore/OssResult.h"
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
+#include "OssCore/Values/OssResult.h"
 #include "OssEvaluation/Paint/OssEvStroke.h"
 
 #include <QHash>

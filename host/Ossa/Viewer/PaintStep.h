@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Ossa/Viewer/PaintTileStore.h"
-#include "OssCore/OssUndoStep.h"
+#include "OssCore/Undo/OssUndoStep.h"
 #include "OssEvaluation/Paint/OssEvStroke.h"
 
 #include <QPointer>

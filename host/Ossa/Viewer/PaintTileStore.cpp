@@ -1,6 +1,6 @@
 #include "Ossa/Viewer/PaintTileStore.h"
 
-#include "OssCore/OssDebug.h"
+#include "OssCore/Program/OssDebug.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include "Ossa/Viewer/UvView.h"
 #include "Ossa/Viewer/ViewerPictures.h"
 #include "Ossa/Viewer/ViewerSource.h"
-#include "OssCore/OssSettings.h"
+#include "OssCore/Program/OssSettings.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Nodes/OssSnImageSetNodeBase.h"
 

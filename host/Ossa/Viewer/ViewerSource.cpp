@@ -1,6 +1,6 @@
 #include "Ossa/Viewer/ViewerSource.h"
 
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssEvaluation/Schedule/OssEvPlan.h"
 #include "OssEvaluation/Values/OssEvPatch.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"

@@ -6,7 +6,7 @@
 #include "Ossa/Palettes/NodeTypesPanel.h"
 #include "Ossa/Scripting/ConsolePanel.h"
 #include "Ossa/Viewer/ViewerPanel.h"
-#include "OssCore/OssIcon.h"
+#include "OssCore/Program/OssIcon.h"
 #include "OssInterface/Palettes/OssPalette.h"
 #include "OssInterface/Palettes/OssPaletteManager.h"
 

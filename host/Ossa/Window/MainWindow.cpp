@@ -14,7 +14,7 @@
 #include "Ossa/Window/PaletteDocks.h"
 #include "Ossa/Window/StatusArea.h"
 #include "Ossa/Window/WorkRecovery.h"
-#include "OssCore/OssSettings.h"
+#include "OssCore/Program/OssSettings.h"
 #include "OssInterface/Actions/OssShortcutManager.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssInterface/Popups/OssMessageBox.h"

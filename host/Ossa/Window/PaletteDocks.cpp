@@ -1,7 +1,7 @@
 #include "Ossa/Window/PaletteDocks.h"
 
-#include "OssCore/OssIcon.h"
-#include "OssCore/OssSettings.h"
+#include "OssCore/Program/OssIcon.h"
+#include "OssCore/Program/OssSettings.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/Actions/OssShortcutManager.h"
 #include "OssInterface/Palettes/OssPalette.h"

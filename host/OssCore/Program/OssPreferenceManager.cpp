@@ -1,0 +1,131 @@
+#include "OssCore/Program/OssPreferenceManager.h"
+
+#include "OssCore/Values/OssGroupParameterObject.h"
+#include "OssCore/Values/OssValueText.h"
+
+#include <QMetaObject>
+#include <QMetaProperty>
+#include <QSet>
+
+namespace {
+
+QByteArray capitalised(const QString &key)
+{
+    QByteArray name = key.toLatin1();
+    if (!name.isEmpty())
+        name[0] = char(QChar::toUpper(uint(name.at(0))));
+    return name;
+}
+
+bool hasMethod(const QObject *object, const QByteArray &name)
+{
+    return object && object->metaObject()->indexOfMethod(QByteArray(name + "()").constData()) >= 0;
+}
+
+} // namespace
+
+void OssPreferenceManager::registerPreference(const QString &page, const QString &group,
+                                              QObject *object, const QString &key)
+{
+    if (object && !key.isEmpty())
+        m_preferences.append({page, group, object, key});
+}
+
+QVector<OssPreferenceManager::Preference> OssPreferenceManager::preferences() const
+{
+    QVector<Preference> living;
+    for (const Preference &preference : m_preferences) {
+        if (preference.object)
+            living.append(preference);
+    }
+    return living;
+}
+
+QString OssPreferenceManager::label(const Preference &preference)
+{
+    const auto *named = dynamic_cast<const OssGroupParameterObject *>(preference.object.data());
+    return named ? named->prettyPropertyName(preference.key)
+                 : OssGroupParameterObject().prettyPropertyName(preference.key);
+}
+
+QString OssPreferenceManager::toolTip(const Preference &preference)
+{
+    QString text;
+    const QByteArray method = preference.key.toLatin1() + "Tooltip";
+    if (hasMethod(preference.object, method))
+        QMetaObject::invokeMethod(preference.object, method.constData(), Qt::DirectConnection,
+                                  Q_RETURN_ARG(QString, text));
+    return text;
+}
+
+QStringList OssPreferenceManager::allowedTexts(const Preference &preference)
+{
+    QStringList texts;
+    const QByteArray method = preference.key.toLatin1() + "List";
+    if (hasMethod(preference.object, method))
+        QMetaObject::invokeMethod(preference.object, method.constData(), Qt::DirectConnection,
+                                  Q_RETURN_ARG(QStringList, texts));
+    return texts;
+}
+
+QVariant OssPreferenceManager::value(const Preference &preference)
+{
+    return preference.object ? preference.object->property(preference.key.toLatin1().constData())
+                             : QVariant();
+}
+
+bool OssPreferenceManager::setValue(const Preference &preference, const QVariant &value)
+{
+    return preference.object
+           && preference.object->setProperty(preference.key.toLatin1().constData(), value);
+}
+
+QVariant OssPreferenceManager::fitting(const Preference &preference, const QVariant &value)
+{
+    if (!preference.object)
+        return {};
+    const QStringList allowed = allowedTexts(preference);
+    const QString text = value.toString();
+    if (!allowed.isEmpty())
+        return allowed.contains(text) ? QVariant(text) : QVariant();
+    const QMetaObject *meta = preference.object->metaObject();
+    const QMetaProperty property = meta->property(
+        meta->indexOfProperty(preference.key.toLatin1().constData()));
+    const int type = property.isEnumType() ? int(QMetaType::Int) : property.userType();
+    const bool isText = value.userType() == QMetaType::QString;
+    if (isText && property.isEnumType()) {
+        bool isName = false;
+        const int number = property.enumerator().keyToValue(text.toLatin1().constData(), &isName);
+        if (isName)
+            return number;
+    }
+    if (isText || value.userType() == type)
+        return OssValueText::fromText(text, type);
+    // A whole number is no truth value, and 1.5 or 2^40 none of an int.
+    if (type == QMetaType::Bool)
+        return {};
+    if (type == QMetaType::Int)
+        return value.userType() == QMetaType::LongLong ? OssValueText::fromText(text, type)
+                                                       : QVariant();
+    QVariant converted = value;
+    return converted.convert(type) ? converted : QVariant();
+}
+
+void OssPreferenceManager::reset(const Preference &preference)
+{
+    const QByteArray method = "reset" + capitalised(preference.key);
+    if (hasMethod(preference.object, method))
+        QMetaObject::invokeMethod(preference.object, method.constData(), Qt::DirectConnection);
+}
+
+void OssPreferenceManager::savePreferences()
+{
+    QSet<QObject *> saved;
+    const QVector<Preference> living = preferences();
+    for (const Preference &preference : living) {
+        if (saved.contains(preference.object) || !hasMethod(preference.object, "savePreferences"))
+            continue;
+        saved.insert(preference.object);
+        QMetaObject::invokeMethod(preference.object, "savePreferences", Qt::DirectConnection);
+    }
+}

@@ -1,0 +1,61 @@
+#include "OssCore/Program/OssResourceInfo.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+
+namespace {
+
+QString findRoot()
+{
+    const QString named = qEnvironmentVariable("OSSA_ROOT");
+    if (!named.isEmpty())
+        return QDir(named).absolutePath();
+    QDir folder(QCoreApplication::applicationDirPath());
+    if (folder.exists(QStringLiteral("../share/ossa/NodeTypes")))
+        return QDir::cleanPath(folder.filePath(QStringLiteral("../share/ossa")));
+    // In a build folder: the source tree is one of the folders above.
+    do {
+        if (folder.exists(QStringLiteral("host/NodeTypes")))
+            return folder.absolutePath();
+    } while (folder.cdUp());
+    return QDir::currentPath();
+}
+
+} // namespace
+
+OssResourceInfo *OssResourceInfo::instance()
+{
+    static OssResourceInfo info;
+    return &info;
+}
+
+OssResourceInfo::OssResourceInfo()
+    : m_root(findRoot())
+{
+}
+
+QString OssResourceInfo::iconPath() const
+{
+    const QString source = m_root + QStringLiteral("/host/Icons");
+    return QFileInfo::exists(source) ? source : m_root + QStringLiteral("/Icons");
+}
+
+QString OssResourceInfo::nodeTypePath() const
+{
+    const QString source = m_root + QStringLiteral("/host/NodeTypes");
+    return QFileInfo::exists(source) ? source : m_root + QStringLiteral("/NodeTypes");
+}
+
+QString OssResourceInfo::examplePath() const
+{
+    return m_root + QStringLiteral("/examples");
+}
+
+QString OssResourceInfo::pluginPath() const
+{
+    const QString named = qEnvironmentVariable("OSSA_PLUGIN_DIR");
+    if (!named.isEmpty())
+        return QDir(named).absolutePath();
+    return QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../plugins"));
+}

@@ -1,0 +1,338 @@
+#include "OssCore/Undo/OssUndoManager.h"
+
+#include <QElapsedTimer>
+
+#include <algorithm>
+#include <iterator>
+
+namespace {
+
+constexpr int MergeTime = 1000; // milliseconds
+
+} // namespace
+
+// A macro is a step made of steps.
+struct OssUndoManager::Macro final : OssUndoStep
+{
+    Macro(const QString &title, QString key)
+        : OssUndoStep(title)
+        , mergeKey(std::move(key))
+    {
+    }
+
+    void undo() override
+    {
+        for (auto step = steps.rbegin(); step != steps.rend(); ++step)
+            (*step)->undo();
+    }
+
+    void redo() override
+    {
+        for (const auto &step : steps)
+            step->redo();
+    }
+
+    /// Steps that pair off are merged one by one; otherwise those of the later macro follow.
+    void join(Macro &later)
+    {
+        bool merged = steps.size() == later.steps.size();
+        for (std::size_t i = 0; merged && i < steps.size(); ++i)
+            merged = steps[i]->mergeWith(*later.steps[i]);
+        // Merging twice is harmless: a step that took another in already is where that one led.
+        if (!merged)
+            std::move(later.steps.begin(), later.steps.end(), std::back_inserter(steps));
+        made.start();
+    }
+
+    bool isJoinedBy(const Macro &later) const
+    {
+        return !mergeKey.isEmpty() && mergeKey == later.mergeKey && !made.hasExpired(MergeTime);
+    }
+
+    std::vector<std::unique_ptr<OssUndoStep>> steps;
+    bool cancelled = false;
+    bool gathers = false;
+    QString mergeKey;
+    QElapsedTimer made;
+};
+
+OssUndoManager::OssUndoManager() = default;
+
+OssUndoManager::~OssUndoManager() = default;
+
+OssUndoManager::AutoMacro::AutoMacro(const QString &title)
+    : AutoMacro(title, QString())
+{
+}
+
+OssUndoManager::AutoMacro::AutoMacro(const QString &title, const QString &mergeKey)
+{
+    OssUndoManager *manager = instance();
+    if (!manager->isRecording())
+        return;
+    manager->openMacro(title, mergeKey);
+    m_level = manager->m_open.size();
+}
+
+OssUndoManager::AutoMacro::~AutoMacro()
+{
+    if (m_level > 0 && instance()->m_open.size() == m_level)
+        instance()->closeMacro();
+}
+
+void OssUndoManager::AutoMacro::addUndo(OssUndoStep *step)
+{
+    instance()->addUndo(step);
+}
+
+void OssUndoManager::AutoMacro::cancel()
+{
+    if (m_level > 0)
+        instance()->cancelMacros(m_level);
+}
+
+OssUndoManager::Gathering::Gathering(const QString &title)
+{
+    OssUndoManager *manager = instance();
+    if (!manager->isRecording())
+        return;
+    manager->openMacro(title, {}).gathers = true;
+    m_level = manager->m_open.size();
+}
+
+OssUndoManager::Gathering::~Gathering()
+{
+    if (m_level > 0 && instance()->m_open.size() == m_level)
+        instance()->closeMacro();
+}
+
+OssUndoManager::Pause::Pause()
+{
+    ++instance()->m_pauses;
+}
+
+OssUndoManager::Pause::~Pause()
+{
+    --instance()->m_pauses;
+}
+
+void OssUndoManager::addUndo(OssUndoStep *step)
+{
+    addUndo(std::unique_ptr<OssUndoStep>(step));
+}
+
+void OssUndoManager::addUndo(std::unique_ptr<OssUndoStep> step)
+{
+    if (step && isRecording())
+        store(std::move(step));
+}
+
+void OssUndoManager::record(const QString &title, std::function<void()> undo,
+                            std::function<void()> redo)
+{
+    if (isRecording())
+        store(std::make_unique<OssFunctionUndo>(title, std::move(undo), std::move(redo)));
+}
+
+void OssUndoManager::store(std::unique_ptr<OssUndoStep> step)
+{
+    if (!m_open.empty()) {
+        m_open.back()->steps.push_back(std::move(step));
+        return;
+    }
+    const QString title = step->text();
+    const bool wasClean = isClean();
+    m_steps.erase(m_steps.begin() + m_index, m_steps.end());
+    if (m_cleanIndex > m_index)
+        m_cleanIndex = -1;
+    if (!joinLast(*step)) {
+        m_steps.push_back(std::move(step));
+        ++m_index;
+    }
+    m_mayJoin = true;
+    moved(wasClean);
+    Q_EMIT recorded(title);
+}
+
+bool OssUndoManager::joinLast(OssUndoStep &step)
+{
+    // What is saved must stay a place between steps.
+    if (m_steps.empty() || !m_mayJoin || m_index == m_cleanIndex)
+        return false;
+    auto *last = dynamic_cast<Macro *>(m_steps.back().get());
+    auto *later = dynamic_cast<Macro *>(&step);
+    if (!last || !later || !last->isJoinedBy(*later))
+        return false;
+    last->join(*later);
+    return true;
+}
+
+void OssUndoManager::moved(bool wasClean)
+{
+    Q_EMIT changed();
+    if (isClean() != wasClean)
+        Q_EMIT cleanChanged(isClean());
+}
+
+OssUndoManager::Macro &OssUndoManager::openMacro(const QString &title, const QString &mergeKey)
+{
+    m_open.push_back(std::make_unique<Macro>(title, mergeKey));
+    return *m_open.back();
+}
+
+void OssUndoManager::closeMacro()
+{
+    std::unique_ptr<Macro> macro = std::move(m_open.back());
+    m_open.pop_back();
+    if (macro->cancelled && !macro->steps.empty()) {
+        const Pause pause;
+        macro->undo();
+    } else if (macro->gathers && macro->steps.size() == 1) {
+        store(std::move(macro->steps.front()));
+    } else if (!macro->steps.empty()) {
+        macro->made.start();
+        store(std::move(macro));
+    }
+}
+
+void OssUndoManager::cancelMacros(std::size_t level)
+{
+    const Pause pause;
+    for (std::size_t i = m_open.size(); i >= level; --i) {
+        Macro &macro = *m_open[i - 1];
+        macro.undo();
+        macro.steps.clear();
+        macro.cancelled = true;
+    }
+}
+
+bool OssUndoManager::isRecording() const
+{
+    return m_pauses == 0;
+}
+
+bool OssUndoManager::isMacroOpen() const
+{
+    return std::any_of(m_open.cbegin(), m_open.cend(),
+                       [](const auto &macro) { return !macro->gathers || !macro->steps.empty(); });
+}
+
+bool OssUndoManager::canUndo() const
+{
+    return m_open.empty() && m_index > 0;
+}
+
+bool OssUndoManager::canRedo() const
+{
+    return m_open.empty() && m_index < count();
+}
+
+QString OssUndoManager::undoText() const
+{
+    return text(m_index - 1);
+}
+
+QString OssUndoManager::redoText() const
+{
+    return text(m_index);
+}
+
+int OssUndoManager::count() const
+{
+    return int(m_steps.size());
+}
+
+QString OssUndoManager::text(int index) const
+{
+    return index >= 0 && index < count() ? m_steps[std::size_t(index)]->text() : QString();
+}
+
+QStringList OssUndoManager::partTexts(int index) const
+{
+    QStringList texts;
+    if (index < 0 || index >= count())
+        return texts;
+    if (const auto *macro = dynamic_cast<const Macro *>(m_steps[std::size_t(index)].get())) {
+        for (const auto &step : macro->steps) {
+            if (!step->text().isEmpty())
+                texts.append(step->text());
+        }
+    }
+    return texts;
+}
+
+void OssUndoManager::clear()
+{
+    const bool wasClean = isClean();
+    {
+        const Pause pause;
+        for (const auto &macro : m_open)
+            macro->steps.clear();
+        m_index = 0;
+        m_cleanIndex = 0;
+        // The latest first: a step may hold what an earlier one made.
+        while (!m_steps.empty())
+            m_steps.pop_back();
+    }
+    moved(wasClean);
+}
+
+bool OssUndoManager::isClean() const
+{
+    return m_index == m_cleanIndex;
+}
+
+void OssUndoManager::setClean()
+{
+    const bool wasClean = isClean();
+    m_cleanIndex = m_index;
+    if (!wasClean)
+        Q_EMIT cleanChanged(true);
+}
+
+void OssUndoManager::resetClean()
+{
+    const bool wasClean = isClean();
+    m_cleanIndex = -1;
+    if (wasClean)
+        Q_EMIT cleanChanged(false);
+}
+
+void OssUndoManager::undo()
+{
+    if (!canUndo())
+        return;
+    const bool wasClean = isClean();
+    {
+        const Pause pause;
+        m_steps[std::size_t(m_index - 1)]->undo();
+        --m_index;
+        m_mayJoin = false;
+    }
+    moved(wasClean);
+    Q_EMIT undone();
+}
+
+void OssUndoManager::redo()
+{
+    if (!canRedo())
+        return;
+    const bool wasClean = isClean();
+    {
+        const Pause pause;
+        m_steps[std::size_t(m_index)]->redo();
+        ++m_index;
+        m_mayJoin = false;
+    }
+    moved(wasClean);
+    Q_EMIT redone();
+}
+
+void OssUndoManager::setIndex(int index)
+{
+    const int wanted = std::clamp(index, 0, count());
+    while (m_index > wanted && canUndo())
+        undo();
+    while (m_index < wanted && canRedo())
+        redo();
+}

@@ -97,47 +97,52 @@ QVector<int> ColumnLayout::followedInputs(const Node &node)
     return order;
 }
 
+void ColumnLayout::enter(const Entry &entry, int column, Columns *columns)
+{
+    const auto node = std::size_t(entry.node);
+    if (m_columnOf[node] >= column)
+        return;
+    if (m_columnOf[node] >= 0)
+        (*columns)[std::size_t(m_columnOf[node])][std::size_t(m_indexIn[node])].node = -1;
+    if (int(columns->size()) <= column)
+        columns->resize(std::size_t(column) + 1);
+    m_columnOf[node] = column;
+    m_indexIn[node] = int((*columns)[std::size_t(column)].size());
+    (*columns)[std::size_t(column)].push_back(entry);
+}
+
+void ColumnLayout::enterSources(int node, int root, int column, Columns *columns)
+{
+    const QVector<int> inputs = followedInputs(m_nodes[std::size_t(node)]);
+    for (const int input : inputs) {
+        const int source = m_nodes[std::size_t(node)].inputs[input].source;
+        if (source != node && source != root && !m_laidOut[std::size_t(source)])
+            enter({source, node, input}, column, columns);
+    }
+}
+
 ColumnLayout::Columns ColumnLayout::columnsOf(int root)
 {
     Columns columns(1);
-    const auto add = [&](const Entry &entry, int column) {
-        const auto node = std::size_t(entry.node);
-        if (m_columnOf[node] >= column)
-            return;
-        if (m_columnOf[node] >= 0)
-            columns[std::size_t(m_columnOf[node])][std::size_t(m_indexIn[node])].node = -1;
-        if (int(columns.size()) <= column)
-            columns.resize(std::size_t(column) + 1);
-        m_columnOf[node] = column;
-        m_indexIn[node] = int(columns[std::size_t(column)].size());
-        columns[std::size_t(column)].push_back(entry);
-    };
-    add({root, -1, -1}, 0);
+    enter({root, -1, -1}, 0, &columns);
     // No path without a loop is longer than there are nodes: what would stand deeper closes one.
     const std::size_t deepest = m_nodes.size();
     for (std::size_t column = 0; column < columns.size() && column + 1 < deepest; ++column) {
         for (std::size_t i = 0; i < columns[column].size(); ++i) {
             const int node = columns[column][i].node;
-            if (node < 0)
-                continue;
-            const QVector<int> inputs = followedInputs(m_nodes[std::size_t(node)]);
-            for (const int input : inputs) {
-                const int source = m_nodes[std::size_t(node)].inputs[input].source;
-                if (source != node && source != root && !m_laidOut[std::size_t(source)])
-                    add({source, node, input}, int(column) + 1);
-            }
+            if (node >= 0)
+                enterSources(node, root, int(column) + 1, &columns);
         }
     }
-    for (const std::vector<Entry> &column : columns) {
-        for (const Entry &entry : column) {
-            if (entry.node >= 0)
-                m_columnOf[std::size_t(entry.node)] = -1;
-        }
+    for (std::vector<Entry> &column : columns) {
+        // Those that stand deeper by now.
+        column.erase(std::remove_if(column.begin(), column.end(),
+                                    [](const Entry &entry) { return entry.node < 0; }),
+                     column.end());
+        for (const Entry &entry : column)
+            m_columnOf[std::size_t(entry.node)] = -1;
     }
-    const auto isDead = [](const Entry &entry) {
-        return entry.node < 0;
-    };
-    while (std::all_of(columns.back().begin(), columns.back().end(), isDead))
+    while (columns.back().empty())
         columns.pop_back(); // the first one always holds the root
     return columns;
 }
@@ -167,8 +172,6 @@ void ColumnLayout::placeColumn(const std::vector<Entry> &column, qreal width, qr
     bool first = true;
     m_columnRect = QRectF();
     for (const Entry &entry : column) {
-        if (entry.node < 0)
-            continue;
         m_laidOut[std::size_t(entry.node)] = true;
         const Node &node = m_nodes[std::size_t(entry.node)];
         if (!node.hasItem)
@@ -205,38 +208,40 @@ qreal ColumnLayout::shiftClear(const QRectF &column) const
     return test.left() - column.left();
 }
 
+qreal ColumnLayout::widthOf(const std::vector<Entry> &column) const
+{
+    qreal width = 0.0;
+    for (const Entry &entry : column) {
+        const Node &node = m_nodes[std::size_t(entry.node)];
+        width = std::max(width, node.hasItem ? node.size.width() : 0.0);
+    }
+    return width;
+}
+
+void ColumnLayout::shiftColumn(const std::vector<Entry> &column, qreal shift)
+{
+    for (const Entry &entry : column) {
+        if (m_nodes[std::size_t(entry.node)].hasItem)
+            move(entry.node, rect(entry.node).topLeft() + QPointF(shift, 0.0), true);
+    }
+}
+
 void ColumnLayout::layoutTree(int root)
 {
-    const Columns layoutColumns = columnsOf(root);
-    QVector<qreal> widths;
-    for (const std::vector<Entry> &column : layoutColumns) {
-        qreal width = 0.0;
-        for (const Entry &entry : column) {
-            if (entry.node >= 0 && m_nodes[std::size_t(entry.node)].hasItem)
-                width = std::max(width, m_nodes[std::size_t(entry.node)].size.width());
-        }
-        widths.append(width);
-    }
+    const Columns columns = columnsOf(root);
     const Node &rootNode = m_nodes[std::size_t(root)];
     const QPointF anchor = rootNode.hasItem ? rootNode.position : QPointF();
     qreal x = 0.0;
-    for (int i = 0; i < int(layoutColumns.size()); ++i) {
-        const std::vector<Entry> &column = layoutColumns[std::size_t(i)];
-        placeColumn(column, widths[i], x, anchor);
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        placeColumn(columns[i], widthOf(columns[i]), x, anchor);
         const qreal shift = shiftClear(m_columnRect);
-        if (shift != 0.0) {
-            for (const Entry &entry : column) {
-                if (entry.node >= 0 && m_nodes[std::size_t(entry.node)].hasItem)
-                    move(entry.node, rect(entry.node).topLeft() + QPointF(shift, 0.0), true);
-            }
-        }
-        x += shift - ColumnGap - (i + 1 < widths.size() ? widths[i + 1] : 0.0);
+        if (shift != 0.0)
+            shiftColumn(columns[i], shift);
+        x += shift - ColumnGap - (i + 1 < columns.size() ? widthOf(columns[i + 1]) : 0.0);
     }
     // The next trees keep clear of this one.
-    for (const std::vector<Entry> &column : layoutColumns) {
-        for (const Entry &entry : column) {
-            if (entry.node >= 0)
-                keepClearOf(entry.node);
-        }
+    for (const std::vector<Entry> &column : columns) {
+        for (const Entry &entry : column)
+            keepClearOf(entry.node);
     }
 }

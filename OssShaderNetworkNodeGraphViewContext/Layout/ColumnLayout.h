@@ -74,11 +74,16 @@ private:
     std::vector<bool> upstreamOf(const QVector<int> &starts, bool includeStarts) const;
     static QVector<int> followedInputs(const Node &node);
     Columns columnsOf(int root);
+    /// Also takes the node out of a column nearer to the root: its entry there is -1 then.
+    void enter(const Entry &entry, int column, Columns *columns);
+    void enterSources(int node, int root, int column, Columns *columns);
     void keepClearOf(int node);
     void layoutTree(int root);
     void placeColumn(const std::vector<Entry> &column, qreal width, qreal x, const QPointF &root);
     qreal entryY(const Entry &entry, qreal cursor, qreal rootY) const;
     qreal shiftClear(const QRectF &column) const;
+    qreal widthOf(const std::vector<Entry> &column) const;
+    void shiftColumn(const std::vector<Entry> &column, qreal shift);
     void move(int node, const QPointF &position, bool shift);
 
     std::vector<Node> m_nodes;

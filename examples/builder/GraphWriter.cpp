@@ -2,6 +2,7 @@
 
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssSnBaseContext.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Graph/OssSnNodeFactory.h"
 
 #include <cstdio>

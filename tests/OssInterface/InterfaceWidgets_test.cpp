@@ -2,11 +2,13 @@
 #include "OssInterface/Widgets/OssExpandableListWidget.h"
 #include "OssInterface/Widgets/OssFormLayout.h"
 #include "OssInterface/Widgets/OssMiniButton.h"
+#include "OssInterface/Widgets/OssSearchKeys.h"
 
 #include <gtest/gtest.h>
 
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QSignalSpy>
 #include <QTest>
 #include <QToolButton>
@@ -79,4 +81,39 @@ TEST(FormLayout, labelsOfAllFormsGetOneWidth)
     OssFormLayout::alignLabels(&panel);
     panel.show();
     EXPECT_EQ(editors[0]->mapTo(&panel, QPoint()).x(), editors[1]->mapTo(&panel, QPoint()).x());
+}
+
+TEST(SearchKeys, theListIsWalkedThroughAndTheRestIsTyped)
+{
+    class Passing : public QObject
+    {
+    public:
+        QListWidget list;
+
+        bool eventFilter(QObject *, QEvent *event) override
+        {
+            return OssSearchKeys::passOn(event, &list);
+        }
+    } passing;
+
+    for (int i = 0; i < 100; ++i)
+        passing.list.addItem(QString::number(i));
+    passing.list.setCurrentRow(50);
+    QLineEdit field(QStringLiteral("ab"));
+    field.installEventFilter(&passing);
+    QTest::keyClick(&field, Qt::Key_Down);
+    EXPECT_EQ(passing.list.currentRow(), 51);
+    QTest::keyClick(&field, Qt::Key_Up);
+    QTest::keyClick(&field, Qt::Key_Up);
+    EXPECT_EQ(passing.list.currentRow(), 49);
+    QTest::keyClick(&field, Qt::Key_PageDown);
+    const int below = passing.list.currentRow();
+    EXPECT_GT(below, 50);
+    QTest::keyClick(&field, Qt::Key_PageUp);
+    const int row = passing.list.currentRow();
+    EXPECT_LT(row, below);
+    QTest::keyClick(&field, Qt::Key_Left);
+    QTest::keyClick(&field, Qt::Key_C);
+    EXPECT_EQ(field.text(), QStringLiteral("acb"));
+    EXPECT_EQ(passing.list.currentRow(), row);
 }

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QKeyEvent>
+#include <QWidget>
 
 bool OssSearchKeys::passOn(QEvent *event, QWidget *list)
 {

@@ -1,4 +1,6 @@
 #include "OssCore/Documents/OssArchive.h"
+#include "OssCore/Program/OssSettings.h"
+#include "OssModel/Graph/OssShaderNetworkIO.h"
 #include "OssModel/Images/OssImage.h"
 #include "OssModel/Images/OssImageList.h"
 #include "OssModel/Images/OssImageManager.h"
@@ -7,6 +9,8 @@
 #include "OssModel/Nodes/OssSnMaterialNode.h"
 #include "support/ModelFixture.h"
 
+#include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QImage>
 #include <QTemporaryDir>
@@ -148,28 +152,107 @@ TEST_F(Archives, archivesThatLieAboutTheirContentsChangeNothing)
     const QByteArray before = m_project->stateHash();
     const QByteArray manifest = "<ossaArchive major=\"1\" kind=\"material\" name=\"x\"/>";
 
+    OssSnBaseNode *color = add("Procedural/Color");
+    const QByteArray nodes = OssShaderNetworkIO::nodesToText({color});
+    m_network->removeNodes({color});
+    OssUndoManager::instance()->clear();
+
     const struct
     {
         OssArchive::Parts parts;
+        const char *reason;
     } cases[] = {
-        {{}},
-        {{{QStringLiteral("manifest.xml"), "<other/>"}}},
-        {{{QStringLiteral("manifest.xml"), manifest}}},
-        {{{QStringLiteral("manifest.xml"), manifest}, {QStringLiteral("nodes.ong"), "<x"}}},
+        {{}, "lie.oma"},
+        {{{QStringLiteral("manifest.xml"), "<other/>"}}, "no manifest"},
+        {{{QStringLiteral("manifest.xml"), manifest}}, "lie.oma"},
+        {{{QStringLiteral("manifest.xml"), manifest}, {QStringLiteral("nodes.ong"), "<x"}},
+         "lie.oma"},
+        {{{QStringLiteral("manifest.xml"), manifest}, {QStringLiteral("nodes.ong"), nodes}},
+         "not what it says"},
         {{{QStringLiteral("manifest.xml"),
-           "<ossaArchive major=\"7\" kind=\"material\" name=\"x\"/>"}}},
+           QByteArray(manifest).replace("material", "customProcedural")},
+          {QStringLiteral("nodes.ong"), nodes}},
+         "holds no material"},
+        {{{QStringLiteral("manifest.xml"), QByteArray(manifest).replace("\"1\"", "\"7\"")},
+          {QStringLiteral("nodes.ong"), nodes}},
+         "format that is not known"},
         {{{QStringLiteral("manifest.xml"),
-           "<!DOCTYPE a [<!ENTITY b \"c\">]><ossaArchive major=\"1\" kind=\"&b;\"/>"}}},
+           "<!DOCTYPE a [<!ENTITY b \"c\">]><ossaArchive major=\"1\" kind=\"&b;\"/>"}},
+         "lie.oma"},
     };
 
     for (const auto &test : cases) {
         ASSERT_TRUE(OssArchive::write(file("lie.oma"), test.parts));
         const OssResult result = OssSnMaterialNode::importFromFile(m_network, file("lie.oma"),
                                                                    &m_inserted);
-        EXPECT_FALSE(result);
+        EXPECT_FALSE(result) << test.reason;
         EXPECT_TRUE(result.error().contains(QStringLiteral("lie.oma")))
             << qPrintable(result.error());
+        EXPECT_TRUE(result.error().contains(QLatin1String(test.reason)))
+            << qPrintable(result.error());
+        EXPECT_TRUE(m_inserted.isEmpty());
         EXPECT_EQ(m_project->stateHash(), before);
+        EXPECT_EQ(undoCount(), 0);
+    }
+    EXPECT_FALSE(OssSnMaterialNode::importFromFile(m_network, file("none.oma"), &m_inserted));
+}
+
+TEST_F(Archives, onlyPicturesComeOutAndAnArchiveMayComeTwice)
+{
+    auto *material = qobject_cast<OssSnMaterialNode *>(add("_System/Material", "Rust"));
+    OssImage *image = openPicture("rust.png");
+    OssSnBaseNode *tiled = material->groupNetwork()->createNode(
+        QStringLiteral("Procedural/Pattern/Tiled"));
+    tiled->setAttribute(QStringLiteral("TileImage"), OssImageList(image->uniqueId()).toVariant());
+    ASSERT_TRUE(OssNodeArchive::write(material, OssNodeArchive::Kind::Material, file("rust.oma")));
+    OssArchive::Parts parts;
+    ASSERT_TRUE(OssArchive::read(file("rust.oma"), &parts));
+    const QString id = image->uniqueId().toString();
+    parts.insert(QStringLiteral("images/") + id + QStringLiteral("/run.sh"), "rm");
+    parts.insert(QStringLiteral("elsewhere/x.png"), "x");
+    parts[QStringLiteral("manifest.xml")].replace("<image ",
+                                                  "<image id=\"absent\" name=\"a.png\"/><image ");
+    ASSERT_TRUE(OssArchive::write(file("more.oma"), parts));
+    const QString imported = OssSettings::folderPath() + QStringLiteral("/imported");
+    QDir(imported).removeRecursively();
+    for (int i = 0; i < 2; ++i) {
+        const OssResult result = OssSnMaterialNode::importFromFile(m_network, file("more.oma"),
+                                                                   &m_inserted);
+        EXPECT_TRUE(result) << qPrintable(result.error());
+    }
+    QStringList found;
+    QDirIterator files(imported, QDir::Files, QDirIterator::Subdirectories);
+    while (files.hasNext())
+        found.append(QFileInfo(files.next()).fileName());
+    EXPECT_EQ(found, QStringList{QStringLiteral("rust.png")});
+
+    // What it needs and what it brings is there, or nothing is.
+    QDir(imported).removeRecursively();
+    write(imported, "in the way");
+    const QByteArray before = m_project->stateHash();
+    EXPECT_FALSE(OssSnMaterialNode::importFromFile(m_network, file("more.oma"), &m_inserted));
+    EXPECT_EQ(m_project->stateHash(), before);
+    QFile::remove(imported);
+    QFile::remove(file("rust.png"));
+    const OssResult exported = OssNodeArchive::write(material, OssNodeArchive::Kind::Material,
+                                                     file("gone.oma"));
+    EXPECT_TRUE(exported.error().contains(file("rust.png"))) << qPrintable(exported.error());
+    EXPECT_FALSE(QFile::exists(file("gone.oma")));
+    EXPECT_FALSE(OssNodeArchive::write(nullptr, OssNodeArchive::Kind::Material, file("gone.oma")));
+}
+
+TEST_F(Archives, whatUnpacksToTooMuchIsRefused)
+{
+    const OssArchive::Parts parts{{QStringLiteral("a"), QByteArray(600, '\0')},
+                                  {QStringLiteral("b"), QByteArray(400, '\0')}};
+    ASSERT_TRUE(OssArchive::write(file("two.zip"), parts));
+    OssArchive::Parts read;
+    EXPECT_TRUE(OssArchive::read(file("two.zip"), &read, 1000));
+    for (const int largest : {999, 500}) { // both together, and one by itself
+        const OssResult result = OssArchive::read(file("two.zip"), &read, largest);
+        EXPECT_TRUE(result.error().contains(QStringLiteral("too large")))
+            << qPrintable(result.error());
+        EXPECT_TRUE(read.isEmpty());
     }
 }
 

@@ -1,4 +1,4 @@
-#include "OssCore/OssColor.h"
+#include "OssCore/Values/OssColor.h"
 #include "OssModel/Graph/OssGeoImageSet.h"
 #include "OssModel/Nodes/OssSnImageSetNodeBase.h"
 #include "OssModel/Objects/OssChannel.h"

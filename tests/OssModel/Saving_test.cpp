@@ -6,6 +6,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 
@@ -176,6 +177,10 @@ TEST_F(SavingTest, everyCallThatFailsOnTheFirstSaveLeavesNothingHalf)
         EXPECT_TRUE(OssProjectManager::instance()->isModified()) << number;
         EXPECT_TRUE(result.error().contains(path)) << qPrintable(result.error());
         EXPECT_TRUE(document.isEmpty() || document.endsWith("</ossaProject>\n")) << number;
+        // A folder with nothing in it would look like a project.
+        EXPECT_TRUE(!document.isEmpty() || !QFileInfo::exists(path)
+                    || SystemCallFaults::failedCall() != std::string("write"))
+            << number << SystemCallFaults::failedCall();
     }
 }
 

@@ -70,7 +70,7 @@ QString inflate(QuaZip *zip, qint64 room, QByteArray *content)
 
 } // namespace
 
-OssResult OssArchive::read(const QString &path, Parts *parts)
+OssResult OssArchive::read(const QString &path, Parts *parts, qint64 largest)
 {
     parts->clear();
     QByteArray packed;
@@ -83,7 +83,7 @@ OssResult OssArchive::read(const QString &path, Parts *parts)
     if (!zip.open(QuaZip::mdUnzip))
         return fault(path, tr("it is no archive, or it is damaged"));
     Parts found;
-    qint64 room = LargestArchive;
+    qint64 room = largest;
     for (bool more = zip.goToFirstFile(); more; more = zip.goToNextFile()) {
         QuaZipFileInfo64 info;
         if (!zip.getCurrentFileInfo(&info))

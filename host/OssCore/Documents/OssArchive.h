@@ -19,8 +19,9 @@ constexpr int MostParts = 4096;
 constexpr qint64 LargestPart = qint64(512) << 20;
 constexpr qint64 LargestArchive = qint64(1) << 30; ///< inflated, all parts together
 
-/// On failure `parts` is empty and the reason names the file.
-OSSCORE_EXPORT OssResult read(const QString &path, Parts *parts);
+/// On failure `parts` is empty and the reason names the file. `largest`: bytes, inflated, all parts
+/// together.
+OSSCORE_EXPORT OssResult read(const QString &path, Parts *parts, qint64 largest = LargestArchive);
 /// Atomic; deterministic for the same parts.
 OSSCORE_EXPORT OssResult write(const QString &path, const Parts &parts);
 

@@ -1,0 +1,269 @@
+#include "OssCore/Values/OssColor.h"
+#include "OssCore/Program/OssStatusManager.h"
+#include "OssModel/Evaluation/OssEvaluationService.h"
+#include "OssModel/Graph/OssGeoImageSet.h"
+#include "OssModel/Graph/OssShaderNetworkUtils.h"
+#include "OssModel/Nodes/OssSnBakePointNode.h"
+#include "OssModel/Nodes/OssSnGeoChannelNode.h"
+#include "OssModel/Nodes/OssSnMultiChannelBakePointNode.h"
+#include "OssModel/Objects/OssImageSet.h"
+#include "support/ModelFixture.h"
+
+#include <QSignalSpy>
+#include <QTemporaryDir>
+
+namespace {
+
+QString text(const char *latin)
+{
+    return QString::fromLatin1(latin);
+}
+
+/// What a bake point knows of its result: whether there is one, and whether it is what a bake now
+/// would give.
+class BakePoints : public ModelFixture
+{
+protected:
+    void SetUp() override
+    {
+        ModelFixture::SetUp();
+        m_color = add("Procedural/Color", "Color");
+        m_node = bakePoint("Bake");
+        ASSERT_TRUE(wire(m_color, m_node));
+    }
+
+    OssSnBakePointNode *bakePoint(const char *name)
+    {
+        auto *node = qobject_cast<OssSnBakePointNode *>(
+            m_network->createPaintableNode({}, text("Misc/Bake Point")));
+        EXPECT_NE(node, nullptr);
+        node->setName(text(name));
+        node->imageSet()->setResolution(8);
+        return node;
+    }
+
+    static OssResult bake(OssSnBakePointNode *node)
+    {
+        return OssShaderNetworkUtils::bakeBakePoints({node}, true, true);
+    }
+
+    void paint(const QColor &color)
+    {
+        m_color->setAttribute(text("Color"), QVariant::fromValue(OssColor(color)));
+    }
+
+    OssSnBaseNode *m_color = nullptr;
+    OssSnBakePointNode *m_node = nullptr;
+};
+
+TEST_F(BakePoints, theirStateFollowsTheNetworkAndIsToldWhenItIsAnother)
+{
+    QSignalSpy told(m_node, &OssSnBakePointNode::bakedStateChanged);
+    EXPECT_FALSE(m_node->isBakedResultUpToDate());
+    m_node->checkBakedState();
+    EXPECT_EQ(told.count(), 0);
+    ASSERT_TRUE(bake(m_node));
+    EXPECT_EQ(told.count(), 1);
+    m_node->checkBakedState();
+    EXPECT_EQ(told.count(), 1) << "nothing has changed";
+    paint(Qt::blue);
+    m_node->checkBakedState();
+    m_node->checkBakedState();
+    EXPECT_EQ(told.count(), 2);
+    OssUndoManager::instance()->undo();
+    m_node->checkBakedState();
+    EXPECT_EQ(told.count(), 3);
+    EXPECT_TRUE(m_node->isBakedResultUpToDate());
+
+    // Wires are as good as values, and nothing at all is something else too.
+    m_node->setInputNode(text("Input"), nullptr, {});
+    EXPECT_FALSE(m_node->isBakedResultUpToDate());
+    OssSnBaseNode *invert = add("Adjust/Invert");
+    ASSERT_TRUE(wire(m_color, invert));
+    ASSERT_TRUE(wire(invert, m_node));
+    EXPECT_FALSE(m_node->isBakedResultUpToDate());
+    invert->setBypassed(true);
+    EXPECT_TRUE(m_node->isBakedResultUpToDate());
+}
+
+TEST_F(BakePoints, otherPatchesAreAnotherResultWhereSettingsCount)
+{
+    ASSERT_TRUE(bake(m_node));
+    m_node->setAttribute(text("limitBakeRange"), text("1001-1002"));
+    EXPECT_TRUE(m_node->isBakedResultUpToDate()) << "the range counts only while it is on";
+    m_node->setAttribute(text("limitBake"), true);
+    EXPECT_FALSE(m_node->isBakedResultUpToDate());
+    EXPECT_TRUE(m_node->isBakedResultUpToDate(false));
+    ASSERT_TRUE(bake(m_node));
+    EXPECT_TRUE(m_node->isBakedResultUpToDate());
+    m_node->setAttribute(text("limitBakeRange"), text("1001-1003"));
+    EXPECT_FALSE(m_node->isBakedResultUpToDate());
+    const OssResult none = [this] {
+        m_node->setAttribute(text("limitBakeRange"), text("1999"));
+        return bake(m_node);
+    }();
+    EXPECT_TRUE(none.error().contains(text("no patch"))) << qPrintable(none.error());
+}
+
+TEST_F(BakePoints, theStateIsSavedAndGoesWithUndo)
+{
+    const QByteArray start = m_project->stateHash();
+    OssUndoManager::instance()->clear();
+    const QString empty = m_node->bakedKey();
+    ASSERT_TRUE(bake(m_node));
+    const QString key = m_node->bakedKey();
+    EXPECT_NE(key, empty);
+    const int steps = undoCount();
+    m_node->setBakedKey(key);
+    EXPECT_EQ(undoCount(), steps) << "it was so";
+    m_node->setBakedKey({});
+    EXPECT_FALSE(m_node->hasBakedResult());
+    EXPECT_FALSE(m_node->isBakedResultUpToDate());
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(m_node->bakedKey(), key);
+    expectUndoIsExact(start);
+
+    OssUndoManager::instance()->setIndex(1);
+    add("Misc/Bake Point", "Never");
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(text("Bake.ossa"));
+    ASSERT_TRUE(OssProjectManager::instance()->saveProjectAs(path));
+    ASSERT_TRUE(OssProjectManager::instance()->openProject(path));
+    m_network = OssProjectManager::instance()->currentProject()->shadingGroups().first()->network();
+    const auto *read = qobject_cast<OssSnBakePointNode *>(m_network->node(text("Bake")));
+    ASSERT_NE(read, nullptr);
+    EXPECT_EQ(read->bakedKey(), key);
+    EXPECT_TRUE(read->isBakedResultUpToDate());
+    const auto *never = qobject_cast<OssSnBakePointNode *>(m_network->node(text("Never")));
+    ASSERT_NE(never, nullptr);
+    EXPECT_FALSE(never->hasBakedResult());
+}
+
+TEST_F(BakePoints, oneWithoutImagesGetsThemAndFillsItsGeoChannel)
+{
+    auto *node = qobject_cast<OssSnBakePointNode *>(add("Misc/Bake Point", "Fresh"));
+    ASSERT_TRUE(wire(m_color, node));
+    EXPECT_EQ(node->imageSet(), nullptr);
+    OssGeoImageSet *channel = m_network->geoEntity()->addGeoImageSet(text("Mask"));
+    auto *reader = qobject_cast<OssSnGeoChannelNode *>(add("Misc/Geo-Channel"));
+    reader->setAttribute(text("geoChannel"), text("Mask"));
+    QSignalSpy valid(reader, &OssSnGeoChannelNode::geoChannelImageSetValidChanged);
+    node->setAttribute(text("geoChannel"), text("Mask"));
+    OssGeoImageSet *other = m_network->geoEntity()->addGeoImageSet(text("Other"));
+    const ExpectedLog wide("is not baked for", ExpectedLog::Possible);
+    OssImageSet *images = m_network->createImageSet(text("Small"), nullptr, 8);
+    node->setImageSet(images, true);
+    ASSERT_TRUE(bake(node));
+    EXPECT_EQ(channel->imageSet(), nullptr) << "it was not asked to";
+    paint(Qt::blue);
+    node->setAttribute(text("syncGeoChannel"), true);
+    ASSERT_TRUE(bake(node));
+    EXPECT_EQ(channel->imageSet(), images);
+    EXPECT_EQ(other->imageSet(), nullptr);
+    EXPECT_EQ(valid.count(), 1);
+    EXPECT_EQ(OssShaderNetworkUtils::imageSetOf(reader), images);
+    EXPECT_TRUE(OssShaderNetworkUtils::readsPixels(reader));
+    node->setAttribute(text("geoChannel"), text("None"));
+    paint(Qt::green);
+    EXPECT_TRUE(bake(node)) << "a channel that is not there keeps nobody from baking";
+    m_project->entities().first()->addGeoImageSet(text("Third"));
+    EXPECT_EQ(valid.count(), 1) << "it is as valid as it was";
+    OssSnBakePointNode *bare = bakePoint("Bare");
+    bare->setImageSet(nullptr, true);
+    ASSERT_TRUE(wire(m_color, bare));
+    bare->setAttribute(text("limitBake"), true);
+    bare->setAttribute(text("limitBakeRange"), text("1999"));
+    EXPECT_FALSE(bake(bare));
+    ASSERT_NE(bare->imageSet(), nullptr);
+}
+
+TEST_F(BakePoints, aStoppedBakeKeepsWhatWasDoneAndIsNoFailure)
+{
+    OssSnBaseNode *second = add("Procedural/Color", "Second");
+    OssSnBakePointNode *last = bakePoint("Last");
+    ASSERT_TRUE(wire(second, last));
+    auto *status = OssStatusManager::instance();
+    const QObject listener;
+    QObject::connect(status, &OssStatusManager::partChanged, &listener,
+                     [status](const QString &part) {
+                         if (part == text("Last"))
+                             status->cancel();
+                     });
+    const OssResult stopped = OssShaderNetworkUtils::bakeBakePoints({m_node, last}, true, true);
+    EXPECT_TRUE(stopped) << qPrintable(stopped.error());
+    EXPECT_TRUE(m_node->hasBakedResult());
+    EXPECT_FALSE(last->hasBakedResult());
+    EXPECT_TRUE(last->imageSet()->pixels().isEmpty());
+}
+
+TEST_F(BakePoints, whatCannotBeBakedSaysWhatIsMissing)
+{
+    OssSnBakePointNode *loose = bakePoint("Loose");
+    const OssResult nothing = bake(loose);
+    EXPECT_TRUE(nothing.error().contains(text("Loose: nothing is connected")))
+        << qPrintable(nothing.error());
+    EXPECT_FALSE(m_color->exportToGeoChannel(nullptr, text("Output")));
+    EXPECT_FALSE(m_color->bake(nullptr, text("Output")));
+    EXPECT_EQ(m_color->queryMaximumRequiredTextureResolutions(), 2048) << "where nothing says more";
+    EXPECT_EQ(m_node->queryMaximumRequiredTextureResolutions(), 8);
+    OssSnBakePointNode *large = bakePoint("Large");
+    large->imageSet()->setResolution(64);
+    OssSnBaseNode *merge = add("Layer/Merge");
+    ASSERT_TRUE(wire(large, merge, "Base"));
+    ASSERT_TRUE(wire(m_node, merge, "Over"));
+    EXPECT_EQ(merge->queryMaximumRequiredTextureResolutions(), 64);
+}
+
+TEST_F(BakePoints, allOfTheirSettingsAreTold)
+{
+    QSignalSpy sync(m_node, &OssSnBakePointNode::syncGeoChannelChanged);
+    QSignalSpy channel(m_node, &OssSnBakePointNode::geoChannelNameChanged);
+    QSignalSpy limit(m_node, &OssSnBakePointNode::limitBakeChanged);
+    QSignalSpy filter(m_node, &OssSnBakePointNode::filterCollectionEnabledChanged);
+    QSignalSpy names(m_node, &OssSnBakePointNode::filterCollectionTextChanged);
+
+    const struct
+    {
+        const char *attribute;
+        QVariant value;
+        QSignalSpy *told;
+    } cases[] = {
+        {"syncGeoChannel", true, &sync},     {"geoChannel", text("Mask"), &channel},
+        {"limitBake", true, &limit},         {"limitBakeRange", text("1001"), &limit},
+        {"filterCollection", true, &filter}, {"filterCollectionText", text("Wall*"), &names},
+    };
+
+    for (const auto &test : cases) {
+        for (QSignalSpy *spy : {&sync, &channel, &limit, &filter, &names})
+            spy->clear();
+        EXPECT_TRUE(m_node->setAttribute(text(test.attribute), test.value));
+        for (const QSignalSpy *spy : {&sync, &channel, &limit, &filter, &names})
+            EXPECT_EQ(spy->count(), spy == test.told ? 1 : 0) << test.attribute;
+    }
+    EXPECT_FALSE(m_node->isBakedFor(m_network->geoEntity()));
+    EXPECT_TRUE(m_node->isBakedFor(nullptr));
+    m_node->setAttribute(text("filterCollectionText"), text(" , "));
+    EXPECT_FALSE(m_node->isBakedFor(m_network->geoEntity()));
+    m_node->setAttribute(text("filterCollectionText"), QString());
+    EXPECT_TRUE(m_node->isBakedFor(m_network->geoEntity())) << "no name lets all through";
+}
+
+TEST_F(BakePoints, aMultiChannelOneHasOneForEachStreamThatIsFed)
+{
+    auto *multi = qobject_cast<OssSnMultiChannelBakePointNode *>(
+        add("_System/MultiChannelBakePoint"));
+    ASSERT_NE(multi, nullptr);
+    EXPECT_TRUE(multi->activeBakePointNodes().isEmpty());
+    const QByteArray before = m_project->stateHash();
+    multi->configureBakepoints();
+    EXPECT_EQ(m_project->stateHash(), before) << "it has its streams";
+    ASSERT_TRUE(wire(m_color, multi, "Roughness Input"));
+    const QList<OssSnBakePointNode *> active = multi->activeBakePointNodes();
+    ASSERT_EQ(active.size(), 1);
+    EXPECT_EQ(active.first()->outputNodes().first()->name(), text("Roughness"));
+    QSignalSpy told(multi, &OssSnMultiChannelBakePointNode::bakedStateChanged);
+    active.first()->setBakedKey(text("key"));
+    EXPECT_EQ(told.count(), 1);
+}
+
+} // namespace

@@ -1,10 +1,15 @@
 #include "../support/ModelFixture.h"
 #include "OssCore/Values/OssColor.h"
+#include "OssEvaluation/Geometry/OssEvMesh.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
+#include "OssModel/Evaluation/OssPatchList.h"
+#include "OssModel/Graph/OssShaderNetworkIO.h"
+#include "OssModel/Nodes/OssSnMaterialNode.h"
 #include "OssModel/Nodes/OssSnResultKey.h"
 #include "OssModel/Nodes/OssSnUpstream.h"
 
 #include <QDir>
+#include <QFile>
 #include <QImage>
 #include <QTemporaryDir>
 
@@ -148,4 +153,132 @@ TEST_F(Evaluation, aBakeThatIsStoppedLeavesNoFile)
     EXPECT_FALSE(OssEvaluationService::instance()->bake(
         job, m_folder.filePath(QStringLiteral("made.<UDIM>.exr"))));
     EXPECT_TRUE(QDir(m_folder.path()).isEmpty());
+}
+
+TEST_F(Evaluation, filesThatCannotBeWrittenAreRefusedBeforeAnythingIsComputed)
+{
+    OssEvaluationService::BakeJob job;
+    job.node = color(1.0, 0.0, 0.0);
+    job.outputPoint = job.node->prefferedOutputPoint();
+    job.patches = {1001};
+    job.resolution = 16;
+    const auto reasonOf = [&](const QString &path) {
+        return OssEvaluationService::instance()->bake(job, path).error();
+    };
+    for (const char *name : {"made.txt", "made", "made.psd"}) {
+        const QString path = m_folder.filePath(QString::fromLatin1(name));
+        EXPECT_TRUE(reasonOf(path).contains(path)) << name;
+    }
+    EXPECT_TRUE(QDir(m_folder.path()).isEmpty());
+    QFile file(m_folder.filePath(QStringLiteral("file")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    const QString below = m_folder.filePath(QStringLiteral("file/made.png"));
+    EXPECT_TRUE(reasonOf(below).contains(m_folder.filePath(QStringLiteral("file"))))
+        << qPrintable(reasonOf(below));
+    EXPECT_EQ(reasonOf(m_folder.filePath(QStringLiteral("deep/er/made.png"))), QString());
+    EXPECT_TRUE(QFile::exists(m_folder.filePath(QStringLiteral("deep/er/made.png"))));
+}
+
+TEST_F(Evaluation, whatNobodyCanComputeIsNamed)
+{
+    const ExpectedLog expected("has the unknown type 'Elsewhere/Color'");
+    OssSnBaseNode *invert = add("Adjust/Invert");
+    ASSERT_TRUE(wire(color(1.0, 0.0, 0.0), invert));
+    QByteArray nodes = OssShaderNetworkIO::nodesToText(invert->inputNodes() + QList{invert});
+    nodes.replace("Procedural/Color", "Elsewhere/Color");
+    QList<OssSnBaseNode *> inserted;
+    ASSERT_TRUE(OssShaderNetworkIO::nodesFromText(m_network, nodes, {}, &inserted));
+    const OssResult baked = bake(inserted.last());
+    EXPECT_FALSE(baked);
+    EXPECT_FALSE(baked.error().isEmpty());
+    EXPECT_TRUE(QDir(m_folder.path()).isEmpty());
+}
+
+TEST_F(Evaluation, objectsHaveTheirShapesAndAPlaneWhereOneCannotBeRead)
+{
+    auto *service = OssEvaluationService::instance();
+    OssGeoEntity *object = m_network->geoEntity();
+    EXPECT_TRUE(service->mesh(object)->key() == OssEvShapes::plane()->key());
+    object->setGeometry(QStringLiteral("cube"));
+    EXPECT_TRUE(service->mesh(object)->key() == OssEvShapes::cube()->key());
+    object->setGeometry(QStringLiteral("sphere"));
+    EXPECT_TRUE(service->mesh(object)->key() == OssEvShapes::sphere()->key());
+    EXPECT_TRUE(service->mesh(nullptr)->key() == OssEvShapes::plane()->key());
+    object->setGeometry(m_folder.filePath(QStringLiteral("none.obj")));
+    EXPECT_TRUE(service->mesh(object)->key() == OssEvShapes::plane()->key());
+    EXPECT_TRUE(logHas(QStringLiteral("none.obj")));
+    OssDebugLog::instance()->clear();
+    EXPECT_TRUE(service->mesh(object)->key() == OssEvShapes::plane()->key());
+    EXPECT_FALSE(logHas(QStringLiteral("none.obj"))) << "it is told once";
+    EXPECT_EQ(service->patches(object), QList<int>{1001});
+}
+
+TEST(PatchLists, areNumbersAndRangesOrNothingAtAll)
+{
+    EXPECT_EQ(OssPatchList::fromText(QStringLiteral("1003, 1001-1002,1002")),
+              (QList<int>{1001, 1002, 1003}));
+    EXPECT_EQ(OssPatchList::fromText(QStringLiteral("9999")), QList<int>{9999});
+    for (const char *bad : {"", "1000", "10000", "1002-1001", "1001-", "-1001", "1001-1002-1003",
+                            "1001,x", "x-1001", "1001-99999999"})
+        EXPECT_TRUE(OssPatchList::fromText(QString::fromLatin1(bad)).isEmpty()) << bad;
+}
+
+// --- pictures of materials
+
+TEST_F(Evaluation, aMaterialsPictureIsALitBallOnNothing)
+{
+    auto *material = qobject_cast<OssSnMaterialNode *>(add("_System/Material"));
+    const auto valueOf = [material](const char *stream) {
+        return material->groupNetwork()->node(QString::fromLatin1(stream)
+                                              + QStringLiteral(" Value"));
+    };
+    const auto picture = [&] {
+        const QString path = m_folder.filePath(QStringLiteral("ball.png"));
+        const OssResult made = material->generateMaterialThumbnail(path, 32);
+        EXPECT_TRUE(made) << qPrintable(made.error());
+        return QImage(path);
+    };
+    valueOf("Base Color")
+        ->setAttribute(QStringLiteral("Color"), QVariant::fromValue(OssColor(0.6, 0.1, 0.1)));
+    const QImage ball = picture();
+    ASSERT_EQ(ball.size(), QSize(32, 32));
+    for (const QPoint &corner : {QPoint(0, 0), QPoint(31, 0), QPoint(0, 31), QPoint(31, 31)})
+        EXPECT_EQ(ball.pixelColor(corner).alpha(), 0);
+    EXPECT_EQ(ball.pixelColor(16, 16).alpha(), 255);
+    int soft = 0;
+    for (int x = 0; x < ball.width(); ++x) {
+        for (int y = 0; y < ball.height(); ++y) {
+            const int alpha = ball.pixelColor(x, y).alpha();
+            soft += alpha > 0 && alpha < 255 ? 1 : 0;
+        }
+    }
+    EXPECT_GT(soft, 8) << "the rim is soft";
+    EXPECT_GT(ball.pixelColor(16, 16).red(), 2 * ball.pixelColor(16, 16).green());
+    const QColor lit = ball.pixelColor(10, 9);
+    const QColor dark = ball.pixelColor(27, 23);
+    EXPECT_GT(lit.red(), dark.red() + 40);
+    EXPECT_GT(dark.red(), 0) << "some light comes from everywhere";
+
+    // A rough surface has no highlight, a metal's is of its colour and all else is darker.
+    valueOf("Roughness")->setAttribute(QStringLiteral("Value"), 1.0);
+    EXPECT_LT(picture().pixelColor(12, 12).green(), ball.pixelColor(12, 12).green() + 1);
+    valueOf("Metallic")->setAttribute(QStringLiteral("Value"), 1.0);
+    EXPECT_LT(picture().pixelColor(20, 20).red(), ball.pixelColor(20, 20).red());
+
+    // Streams that are not there are as usual; ones that cannot be computed give no picture.
+    const QString path = m_folder.filePath(QStringLiteral("none.png"));
+    for (const char *stream : {"Base Color", "Roughness", "Metallic"}) {
+        const int steps = OssUndoManager::instance()->index();
+        material->groupNetwork()->removeNodes({valueOf(stream)});
+        EXPECT_FALSE(material->generateMaterialThumbnail(path, 32)) << stream;
+        EXPECT_FALSE(QFile::exists(path)) << stream;
+        material->removeOutputPoint(QString::fromLatin1(stream));
+        EXPECT_TRUE(material->generateMaterialThumbnail(path, 32)) << stream;
+        QFile::remove(path);
+        OssUndoManager::instance()->setIndex(steps);
+    }
+    EXPECT_FALSE(
+        material->generateMaterialThumbnail(m_folder.filePath(QStringLiteral("ball.png/x")), 32));
+    material->setShaderModelId({});
+    EXPECT_FALSE(material->generateMaterialThumbnail(path, 32));
 }

@@ -47,6 +47,25 @@ TEST(NodeType, faultyDescriptionsAreRefusedWithFileAndReason)
          "</NodeType>",
          "unknown type \"sound\""},
         {"<NodeType PathKey=\"A/B\"><Inputs><Input Name=\"a\"", "T.xml"},
+        {"<NodeType PathKey=\"A/B\"><Inputs><Output Name=\"a\"/></Inputs></NodeType>",
+         "where only \"Input\" may"},
+        {"<NodeType PathKey=\"A/B\"><Inputs><Input Name=\"a\" Preferred=\"perhaps\"/></Inputs>"
+         "</NodeType>",
+         "neither true nor false"},
+        {"<NodeType PathKey=\"A/B\"><Attributes><Attribute Type=\"real\"/></Attributes></NodeType>",
+         "no attribute name"},
+        {"<NodeType PathKey=\"A/B\"><Attributes><Attribute Name=\"a/b\" Type=\"real\"/>"
+         "</Attributes></NodeType>",
+         "no attribute name"},
+        {"<NodeType PathKey=\"A/B\"><Attributes><Attribute Name=\"a\" Type=\"real\"/>"
+         "<Group Name=\"g\"><Attribute Name=\"a\" Type=\"real\"/></Group></Attributes></NodeType>",
+         "\"a\" stands there twice"},
+        {"<NodeType PathKey=\"A/B\"><Attributes><Attribute Name=\"a\" Type=\"real\" "
+         "Maximum=\"much\"/></Attributes></NodeType>",
+         "is no number"},
+        {"<NodeType PathKey=\"A/B\"><Attributes><Group Name=\"g\"><Group Name=\"h\"/></Group>"
+         "</Attributes></NodeType>",
+         "where only attributes may"},
     };
     for (const Case &bad : cases) {
         const OssResult result = resultOf(bad.xml);
@@ -90,6 +109,42 @@ TEST(NodeType, theApplicationsOwnTypesAreAllGood)
             << qPrintable(key);
         EXPECT_FALSE(type->description.isEmpty()) << qPrintable(key);
     }
+}
+
+TEST(NodeType, whatIsNotSaidIsAsUsual)
+{
+    OssResult result;
+    const auto type = OssSnNodeType::read(
+        "<NodeType PathKey=\"A/B c\" VersionUUID=\"mine\"><Inputs><Input Name=\"a\"/>"
+        "<Input Name=\"b\" Tags=\"_hidden,_x\"/></Inputs><Tags><Tag>_internal</Tag></Tags>"
+        "</NodeType>",
+        QStringLiteral("T.xml"), &result);
+    ASSERT_TRUE(result) << qPrintable(result.error());
+    EXPECT_EQ(type->versionUUID, QStringLiteral("mine"));
+    EXPECT_EQ(type->contextsDescription, QStringLiteral("<NodeType/>"));
+    EXPECT_TRUE(type->inputs.at(0).tags.isEmpty());
+    EXPECT_EQ(type->inputs.at(1).tags,
+              (QStringList{QStringLiteral("_hidden"), QStringLiteral("_x")}));
+    EXPECT_EQ(type->menuPath, QStringLiteral("A/B c"));
+    EXPECT_EQ(type->baseName(), QStringLiteral("B c"));
+    EXPECT_TRUE(type->tags.contains(QStringLiteral("_internal")));
+}
+
+TEST(NodeTypeLibrary, oneThatCannotBeReadIsToldAndTheOthersAreThere)
+{
+    const QTemporaryDir folder;
+    for (const char *name : {"a.xml", "b.xml", "c.txt"}) {
+        QFile file(folder.filePath(QString::fromLatin1(name)));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        if (name != std::string("a.xml"))
+            file.write(QByteArray("<NodeType PathKey=\"A/") + name + "\"/>");
+    }
+    OssSnNodeTypeLibrary library;
+    const QStringList faults = library.readFolder(folder.path());
+    ASSERT_EQ(faults.size(), 1);
+    EXPECT_TRUE(faults.first().contains(QStringLiteral("a.xml")));
+    EXPECT_EQ(library.pathKeys(), QStringList{QStringLiteral("A/b.xml")});
+    EXPECT_FALSE(library.add(nullptr));
 }
 
 TEST(NodeTypeLibrary, aTakenKeyIsToldAndTheFirstStays)

@@ -353,3 +353,95 @@ TEST_F(RecoveryTest, aKilledSessionGivesItsLockBackAndALivingOneDoesNot)
     ::close(ready[0]);
     ::close(ready[1]);
 }
+
+TEST_F(RecoveryTest, nobodyElseReadsWhatIsCopied)
+{
+    edit();
+    copy();
+    const auto othersMay = [](const QString &path) {
+        return bool(QFile::permissions(path)
+                    & (QFileDevice::ReadGroup | QFileDevice::ReadOther | QFileDevice::ExeOther));
+    };
+    EXPECT_FALSE(othersMay(m_recovery));
+    const QStringList locks = QDir(m_recovery).entryList({QStringLiteral("*.lock")});
+    ASSERT_EQ(locks.size(), 1);
+    EXPECT_FALSE(othersMay(m_recovery + QLatin1Char('/') + locks.first()));
+}
+
+TEST_F(RecoveryTest, nothingIsCopiedWhereNothingChangedAndNothingOfferedWithoutADocument)
+{
+    copy();
+    EXPECT_TRUE(copies().isEmpty());
+    QDir().mkpath(m_recovery + QStringLiteral("/dead.ossa"));
+    overwrite(m_recovery + QStringLiteral("/dead.lock"), {});
+    overwrite(m_recovery + QStringLiteral("/alone.lock"), {});
+    EXPECT_TRUE(entries().isEmpty());
+    EXPECT_TRUE(QDir(m_recovery).isEmpty()) << "what is of no use goes, locks too";
+}
+
+TEST_F(RecoveryTest, whatIsThrownAwaySetAsideOrTakenOverLeavesNoLockBehind)
+{
+    const auto locks = [this] {
+        return QDir(m_recovery).entryList({QStringLiteral("*.lock")}, QDir::Files).size();
+    };
+    const std::vector<std::function<void(const OssRecovery::Entry &)>> ways = {
+        [](const auto &entry) { OssRecovery::discard(entry); },
+        [](const auto &entry) { EXPECT_FALSE(OssRecovery::setAside(entry).isEmpty()); },
+        [this](const auto &entry) {
+            ASSERT_TRUE(m_autosave->restore(entry));
+            m_autosave->waitForDisk();
+        },
+    };
+    for (std::size_t way = 0; way < ways.size(); ++way) {
+        m_network = current()->shadingGroups().first()->network();
+        edit();
+        copy();
+        crash();
+        {
+            const QVector<OssRecovery::Entry> found = entries();
+            ASSERT_EQ(found.size(), 1);
+            ways[way](found.first());
+        }
+        EXPECT_EQ(locks(), copies().size()) << way;
+        EXPECT_EQ(copies().size(), way == 2 ? 1 : 0) << way;
+    }
+    // The session that took it over holds a lock of its own.
+    EXPECT_TRUE(entries().isEmpty());
+}
+
+TEST_F(RecoveryTest, theNewestIsOfferedFirstAndEachCopyToOneOnly)
+{
+    for (const char *name : {"a", "b", "c"}) {
+        const QString place = m_recovery + QLatin1Char('/') + QString::fromLatin1(name)
+                              + QStringLiteral(".ossa");
+        QDir().mkpath(place);
+        const QByteArray day = name == std::string("b") ? "2026-03-01" : "2026-01-0";
+        overwrite(OssProjectFile::documentPath(place),
+                  "<ossaProject major=\"1\" copiedAt=\"" + day
+                      + (day.size() < 10 ? QByteArray(1, char(name[0] - 'a' + '1')) : QByteArray())
+                      + "T00:00:00Z\"><object name=\"" + name
+                      + "\" type=\"OssProject\"/>"
+                        "</ossaProject>");
+    }
+    QStringList names;
+    for (const OssRecovery::Entry &entry : entries())
+        names.append(entry.name);
+    EXPECT_EQ(names, (QStringList{QStringLiteral("b"), QStringLiteral("c"), QStringLiteral("a")}));
+}
+
+TEST_F(RecoveryTest, aFolderThatCannotBeMadeIsToldAndNothingIsTakenOver)
+{
+    edit();
+    copy();
+    crash();
+    const QVector<OssRecovery::Entry> found = entries();
+    ASSERT_EQ(found.size(), 1);
+    overwrite(m_folder.filePath(QStringLiteral("file")), "in the way");
+    OssRecovery::Session session(m_folder.filePath(QStringLiteral("file/recovery")));
+    for (const OssResult &result :
+         {session.write("<ossaProject major=\"1\"/>"), session.adopt(found.first())})
+        EXPECT_TRUE(result.error().contains(QStringLiteral("file"))) << qPrintable(result.error());
+    EXPECT_TRUE(QFile::exists(OssProjectFile::documentPath(found.first().copy)));
+    OssRecovery::Session whole(m_recovery);
+    EXPECT_FALSE(whole.write("<ossaProject major")) << "what is no document is no copy";
+}

@@ -199,6 +199,7 @@ TEST_F(BakePoints, aStoppedBakeKeepsWhatWasDoneAndIsNoFailure)
 TEST_F(BakePoints, whatCannotBeBakedSaysWhatIsMissing)
 {
     OssSnBakePointNode *loose = bakePoint("Loose");
+    EXPECT_FALSE(loose->isBakedResultUpToDate(false)) << "nothing was baked from nothing";
     const OssResult nothing = bake(loose);
     EXPECT_TRUE(nothing.error().contains(text("Loose: nothing is connected")))
         << qPrintable(nothing.error());

@@ -168,6 +168,7 @@ TEST_F(Evaluation, filesThatCannotBeWrittenAreRefusedBeforeAnythingIsComputed)
     for (const char *name : {"made.txt", "made", "made.psd"}) {
         const QString path = m_folder.filePath(QString::fromLatin1(name));
         EXPECT_TRUE(reasonOf(path).contains(path)) << name;
+        EXPECT_TRUE(reasonOf(path).contains(QStringLiteral("written as"))) << name;
     }
     EXPECT_TRUE(QDir(m_folder.path()).isEmpty());
     QFile file(m_folder.filePath(QStringLiteral("file")));
@@ -211,6 +212,17 @@ TEST_F(Evaluation, objectsHaveTheirShapesAndAPlaneWhereOneCannotBeRead)
     EXPECT_TRUE(service->mesh(object)->key() == OssEvShapes::plane()->key());
     EXPECT_FALSE(logHas(QStringLiteral("none.obj"))) << "it is told once";
     EXPECT_EQ(service->patches(object), QList<int>{1001});
+}
+
+TEST_F(Evaluation, imageFilesAreRead)
+{
+    QImage picture(16, 16, QImage::Format_RGB32);
+    picture.fill(Qt::green);
+    const QString path = m_folder.filePath(QStringLiteral("green leaf 1001.png"));
+    ASSERT_TRUE(picture.save(path));
+    OssSnBaseNode *image = add("Misc/Image");
+    ASSERT_TRUE(image->setAttribute(QStringLiteral("File"), path));
+    EXPECT_EQ(pixel(image), QColor(Qt::green));
 }
 
 TEST(PatchLists, areNumbersAndRangesOrNothingAtAll)

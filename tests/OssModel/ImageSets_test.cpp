@@ -231,6 +231,18 @@ TEST_F(ImageSets, documentsKeepThemAndThoseThatLieAreRefused)
     ASSERT_NE(node, nullptr);
     EXPECT_EQ(node->imageSet(), set);
 
+    // What a newer one said of them is still there.
+    overwrite(QByteArray(good)
+                  .replace("<pixels ", "<future keep=\"me\"/><pixels ")
+                  .replace("<images ", "<future keep=\"me too\"/><images "));
+    ASSERT_TRUE(reopen());
+    ASSERT_TRUE(OssProjectManager::instance()->saveProject());
+    EXPECT_EQ(document().count("<future keep=\"me\"/>"), 2);
+    EXPECT_EQ(document().count("<future keep=\"me too\"/>"), 2);
+    EXPECT_EQ(document().count("<images "), 2);
+    overwrite(good);
+    ASSERT_TRUE(reopen());
+
     const struct
     {
         QByteArray from;

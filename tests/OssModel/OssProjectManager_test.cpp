@@ -195,6 +195,30 @@ TEST_F(ProjectTest, whatAPluginSavedSurvivesWithoutIt)
     EXPECT_TRUE(document().contains("<properties position=\"1.5,2\"/>"));
 }
 
+TEST_F(ProjectTest, onlyTheFirstObjectOfADocumentIsTheProject)
+{
+    saveGraph();
+    const QByteArray hash = m_project->stateHash();
+    QByteArray text = document();
+    text.replace("<object name=\"P\"", "<future><object name=\"F\"/></future><object name=\"P\"");
+    text.replace("</ossaProject>", "<object name=\"Q\" type=\"OssProject\"/></ossaProject>");
+    overwrite(text);
+    ASSERT_TRUE(OssProjectManager::instance()->openProject(projectPath()));
+    EXPECT_EQ(OssProjectManager::instance()->currentProject()->stateHash(), hash);
+}
+
+TEST_F(ProjectTest, anImageWithoutAnIdIsRefused)
+{
+    saveGraph();
+    QByteArray text = document();
+    text.replace("<collection name=\"m_entities\"",
+                 "<collection name=\"m_images\" type=\"QList\" elementType=\"OssImage\" "
+                 "count=\"1\"><object name=\"mine\" type=\"OssImage\"/></collection>"
+                 "<collection name=\"m_entities\"");
+    overwrite(text);
+    expectRefused("no id of an image");
+}
+
 TEST_F(ProjectTest, newerProjectsAreForLookingOnly)
 {
     saveGraph();

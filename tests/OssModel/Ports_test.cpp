@@ -25,6 +25,7 @@ protected:
         m_node = add("Filter/Blur", "Node");
         m_source = add("Procedural/Color", "Source");
         m_target = add("Layer/Merge", "Target");
+        add("Layer/Merge", "Other");
         for (const char *name : {"A", "B", "C"}) {
             m_node->addInput(input(name));
             m_node->addOutputPoint({text(name), {}, OssSnDataKind::Color});
@@ -104,13 +105,16 @@ TEST_F(Ports, theyGoAndComeBackInTheirPlacesWithTheirWires)
     EXPECT_TRUE(m_source->outgoingConnections().isEmpty());
     EXPECT_EQ(m_target->inputNode(text("Base")), nullptr);
     EXPECT_EQ(m_target->inputNode(text("Over")), m_node) << "that wire comes from elsewhere";
+    OssSnBaseNode *other = m_network->node(text("Other"));
+    ASSERT_TRUE(other->setInputNode(text("Base"), m_node, text("A")));
     EXPECT_TRUE(m_node->renameOutputPoint(text("C"), text("See")));
+    EXPECT_EQ(other->inputOutputPoint(text("Base")), text("A"));
     EXPECT_EQ(m_target->inputOutputPoint(text("Over")), text("See"));
     QStringList back = outputs();
     std::reverse(back.begin(), back.end());
     EXPECT_TRUE(m_node->reorderOutputs(back));
     EXPECT_EQ(outputs(), back);
-    EXPECT_EQ(undoCount(), 8);
+    EXPECT_EQ(undoCount(), 9);
     expectUndoIsExact(m_start);
     OssUndoManager::instance()->setIndex(0);
     EXPECT_EQ(m_node->inputNode(text("B")), m_source);

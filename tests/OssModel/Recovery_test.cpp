@@ -12,6 +12,7 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 
+#include <cerrno>
 #include <csignal>
 
 #include <unistd.h>
@@ -324,6 +325,32 @@ TEST_F(RecoveryTest, everyCallThatFailsLeavesTheOldOrTheNewCopy)
         ASSERT_TRUE(session.write(before));
     }
     EXPECT_GT(number, 5);
+}
+
+TEST_F(RecoveryTest, noCopyIsWrittenWithoutALock)
+{
+    edit();
+    OssProjectSnapshot snapshot(current(), OssRecovery::describe(*current(), QDateTime()));
+    ASSERT_TRUE(snapshot.advance(-1));
+    const QByteArray text = OssProjectSnapshot::joined(snapshot.takeParts());
+    int failed = 0;
+    bool happened = true;
+    for (int number = 1; happened; ++number) {
+        QDir(m_recovery).removeRecursively();
+        OssRecovery::Session session(m_recovery);
+        OssResult result;
+        {
+            const SystemCallFaults fault(number, ENOSPC);
+            result = session.write(text);
+            happened = SystemCallFaults::happened();
+        }
+        const int locks = QDir(m_recovery).entryList({QStringLiteral("*.lock")}).size();
+        EXPECT_TRUE(copies().isEmpty() || locks == 1) << number << SystemCallFaults::failedCall();
+        EXPECT_TRUE(!result || copies().size() == 1) << number;
+        EXPECT_TRUE(entries().isEmpty()) << "the session lives, call " << number;
+        failed += result ? 0 : 1;
+    }
+    EXPECT_GT(failed, 5);
 }
 
 TEST_F(RecoveryTest, aKilledSessionGivesItsLockBackAndALivingOneDoesNot)

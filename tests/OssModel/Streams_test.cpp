@@ -201,6 +201,10 @@ TEST_F(Teleports, theFirstByPathIsHeardWhereverItIsInTheObject)
     EXPECT_EQ(m_teleports->broadcastNode(m_network, QString()), nullptr);
     EXPECT_FALSE(m_teleports->hasReceivers(m_network, QString()));
     EXPECT_EQ(OssSnProducer::of(deaf, text("Output")).node, nullptr);
+    // Round and round with nothing on the way that computes.
+    OssSnBaseTeleportNode *end = receiver("End", "Round");
+    ASSERT_TRUE(wire(end, broadcast("Begin", "Round")));
+    EXPECT_EQ(OssSnProducer::of(end, text("Output")).node, nullptr);
 }
 
 TEST_F(Teleports, channelsAreAnObjectsOwn)

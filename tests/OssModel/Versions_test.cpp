@@ -239,6 +239,68 @@ TEST_F(Versions, descriptionOfATypeThatIsNotInstalledIsKept)
     EXPECT_TRUE(logHas(QStringLiteral("cannot be used")));
 }
 
+TEST_F(Versions, groupsKeepTheirPortsAndOtherKindsOfNodesAreNotUpgradedTo)
+{
+    const char *const oldGroup = R"(<NodeType PathKey="Misc/Group" Class="OssSnGroupNode"
+        Date="2024-01-01"><Tags><Tag>_group</Tag><Tag>_old</Tag></Tags></NodeType>)";
+    auto *group = qobject_cast<OssSnGroupNode *>(addOld(oldGroup));
+    ASSERT_NE(group, nullptr);
+    ASSERT_TRUE(wire(
+        m_color, group->createInput(QStringLiteral("In"), OssSnDataKind::Color) ? group : nullptr,
+        "In"));
+    group->createOutput(QStringLiteral("Out"), OssSnDataKind::Color);
+    QStringList lost;
+    ASSERT_TRUE(m_networks->upgradeNode(group, &lost));
+    EXPECT_TRUE(isSame(group));
+    EXPECT_EQ(group->inputNode(QStringLiteral("In")), m_color);
+    EXPECT_TRUE(group->hasOutputPoint(QStringLiteral("Out")));
+    EXPECT_TRUE(lost.isEmpty());
+
+    const ExpectedLog expected[] = {ExpectedLog("another kind of node now"),
+                                    ExpectedLog("do not come along"),
+                                    ExpectedLog("Node is NULL", ExpectedLog::Possible)};
+    OssSnBaseNode *plain = addOld(
+        R"(<NodeType PathKey="Misc/Group" Class="OssSnBaseNode" Date="2023-01-01"/>)");
+    EXPECT_FALSE(m_networks->upgradeNode(plain, &lost));
+    EXPECT_EQ(lost.size(), 1);
+    EXPECT_NE(m_networks->convertNodeToKeyPath(group, QStringLiteral("Filter/Blur"), &lost),
+              nullptr);
+    EXPECT_TRUE(lost.filter(QStringLiteral("do not come along")).size() == 1);
+    EXPECT_FALSE(m_networks->upgradeNode(nullptr, &lost));
+    EXPECT_EQ(m_networks->convertNodeToKeyPath(nullptr, QStringLiteral("Filter/Blur")), nullptr);
+    m_networks->upgradeNetworks({nullptr});
+    m_networks->createDelayedKnobs({nullptr});
+}
+
+TEST_F(Versions, aConversionTellsOfWiresThatFindNoInput)
+{
+    const ExpectedLog expected("has no place");
+    OssSnBaseNode *merge = add("Layer/Merge");
+    ASSERT_TRUE(wire(m_color, merge, "Over"));
+    ASSERT_TRUE(wire(m_mask, merge, "Base"));
+    OssUndoManager::instance()->clear();
+    const QByteArray start = m_project->stateHash();
+    QStringList lost;
+    OssSnBaseNode *dot = m_networks->convertNodeToKeyPath(merge, QStringLiteral("Misc/Dot"), &lost);
+    ASSERT_NE(dot, nullptr);
+    EXPECT_EQ(dot->inputNode(QStringLiteral("Input")), m_mask) << "the main one comes first";
+    EXPECT_EQ(lost.size(), 1) << qPrintable(dot->dumpNodeInfo());
+    expectUndoIsExact(start);
+}
+
+TEST_F(Versions, whatWasSetByHandIsSaved)
+{
+    OssSnBaseNode *node = add("Filter/Sharpen");
+    node->setVersionUUID(QStringLiteral("OSS_Mine"), QStringLiteral("0123"));
+    const QString name = node->name();
+    reopen();
+    EXPECT_EQ(m_network->node(name)->versionUUID(), QStringLiteral("OSS_Mine"));
+    EXPECT_EQ(m_network->node(name)->versionHashCreated(), QStringLiteral("0123"));
+    const ExpectedLog expected("names the unknown class 'Nonsense'");
+    const OssSnBaseNode *odd = addOld(R"(<NodeType PathKey="Odd/One" Class="Nonsense"/>)");
+    EXPECT_EQ(odd->metaObject(), &OssSnBaseNode::staticMetaObject);
+}
+
 TEST_F(Versions, filesDoNotRedefineTheApplicationsOwnTypes)
 {
     auto *group = qobject_cast<OssSnGroupNode *>(add("Misc/Group"));

@@ -328,6 +328,33 @@ TEST_F(Groups, linksOfWhatIsNoKnobAreNotRead)
     EXPECT_TRUE(OssLinkedCustomAttributeManager::instance()->knobs(made).isEmpty());
 }
 
+TEST_F(Groups, aKnobOfAFileThatIsNoneIsKeptAndNotUsed)
+{
+    OssSnGroupNode *made = group({add("Filter/Blur", "First")});
+    made->createKnob(made->groupNetwork()->node(text("First")), Radius);
+    ASSERT_NO_FATAL_FAILURE(reopenWith("name=\"Radius\" prettyName", "name=\"a/b\" prettyName"));
+    const OssSnBaseNode *read = m_network->node(text("Group"));
+    ASSERT_NE(read, nullptr);
+    EXPECT_TRUE(read->userAttributeNames().isEmpty());
+}
+
+TEST_F(Groups, knobsAreOfferedForWhatHasAttributesOfItsOwn)
+{
+    auto *made = qobject_cast<OssSnGroupNode *>(add("Misc/Group"));
+    const OssSnBaseNode *in = made->createInput(text("In"), OssSnDataKind::Color);
+    const OssSnBaseNode *out = made->createOutput(text("Out"), OssSnDataKind::Color);
+    OssSnBaseNode *blur = add("Filter/Blur");
+    OssSnBaseNode *tagged = add("Filter/Blur");
+    tagged->addTag(text("_shaderInput"));
+    for (const OssSnBaseNode *node : {in, out, static_cast<const OssSnBaseNode *>(tagged),
+                                      static_cast<const OssSnBaseNode *>(add("Misc/Dot")),
+                                      static_cast<const OssSnBaseNode *>(m_network->viewerNode())})
+        EXPECT_FALSE(OssSnGroupNode::offersKnobs(node)) << qPrintable(node->name());
+    EXPECT_TRUE(OssSnGroupNode::offersKnobs(blur));
+    blur->setVersionUUID(text("OSS_Misc_Set_Unlit"));
+    EXPECT_FALSE(OssSnGroupNode::offersKnobs(blur));
+}
+
 TEST_F(Groups, aNetworkThatBelongsToNoObjectHasNoImages)
 {
     OssShaderNetwork alone;

@@ -1,3 +1,5 @@
+#include "OssCore/Values/OssColor.h"
+#include "OssModel/Images/OssDisplayColor.h"
 #include "OssModel/Images/OssImage.h"
 #include "OssModel/Images/OssImageManager.h"
 #include "support/ModelFixture.h"
@@ -140,6 +142,8 @@ TEST_F(ImageFiles, dragsBringImagesByIdByPathOrAsFilesAndFolders)
     ids.setData(OssImage::MimeType, one->uniqueId().toString().toUtf8() + ", " + QByteArray(38, 'x')
                                         + ",\n " + OssImageUniqueId::create().toString().toUtf8());
     EXPECT_EQ(dropped(ids), "one.png") << "what is not known is left out";
+    ids.setUrls({QUrl::fromLocalFile(path("two.png"))});
+    EXPECT_EQ(dropped(ids), "one.png") << "ids say all there is to say";
     QMimeData paths;
     paths.setData(OssImage::PathMimeType,
                   path("two.png").toUtf8() + "\n\n" + path("none.png").toUtf8() + "\n");
@@ -157,6 +161,14 @@ TEST_F(ImageFiles, dragsBringImagesByIdByPathOrAsFilesAndFolders)
     EXPECT_FALSE(OssImageManager::bringsImages(&nothing));
     EXPECT_FALSE(OssImageManager::bringsImages(nullptr));
     EXPECT_EQ(dropped(nothing), "");
+}
+
+TEST(DisplayColor, whatIsBrighterThanAScreenIsShownAsBrightAsItGoes)
+{
+    EXPECT_EQ(OssDisplayColor::ofLinear(OssColor(9.0, -3.0, 0.0, 0.5)).rgba(),
+              qRgba(255, 0, 0, 128));
+    EXPECT_EQ(OssDisplayColor::ofLinear(OssColor(9.0, 9.0, 9.0)).spec(), QColor::Rgb);
+    EXPECT_EQ(OssDisplayColor::toLinear(QColor(255, 0, 255)), OssColor(1.0, 0.0, 1.0));
 }
 
 TEST_F(ImageFiles, actionsOfTheirMenuAreThoseThatLive)

@@ -178,6 +178,26 @@ TEST_F(ProjectTest, unknownTypesSurviveOpeningAndSaving)
     EXPECT_EQ(document(), once);
 }
 
+TEST_F(ProjectTest, wiresOfUnknownTypesSurviveToo)
+{
+    const ExpectedLog expected("has the unknown type 'Future/Merge'");
+    saveGraph();
+    QByteArray text = document();
+    text.replace("\"Layer/Merge\"", "\"Future/Merge\"");
+    overwrite(text);
+    OssProjectManager *projects = OssProjectManager::instance();
+    for (int round = 0; round < 2; ++round) {
+        ASSERT_TRUE(projects->openProject(projectPath()));
+        m_network = projects->currentProject()->shadingGroups().first()->network();
+        const OssSnBaseNode *merge = m_network->node(QStringLiteral("Merge"));
+        ASSERT_NE(merge, nullptr);
+        ASSERT_TRUE(merge->isPlaceholder());
+        for (const char *input : {"Base", "Over"})
+            EXPECT_NE(merge->inputNode(QString::fromLatin1(input)), nullptr) << input << round;
+        ASSERT_TRUE(projects->saveProject());
+    }
+}
+
 TEST_F(ProjectTest, whatAPluginSavedSurvivesWithoutIt)
 {
     const ExpectedLog expected("description of 'Layer/Merge' cannot be used");

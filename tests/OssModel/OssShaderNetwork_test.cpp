@@ -81,9 +81,12 @@ TEST_F(NetworkTest, outputsAreUsedFromTheFirstWireToTheLast)
     OssSnBaseNode *c = add("Filter/Blur");
     QSignalSpy used(a, &OssSnBaseNode::outputPointUsed);
     QSignalSpy freed(a, &OssSnBaseNode::outputPointFreed);
+    QSignalSpy detached(a, &OssSnBaseNode::outputNodeDetached);
     wire(a, b);
     wire(a, c);
+    EXPECT_EQ(detached.count(), 0);
     wire(c, b); // replaces
+    EXPECT_EQ(detached.count(), 1);
     EXPECT_EQ(used.count(), 1);
     EXPECT_EQ(freed.count(), 0);
     m_network->removeNodes({c});

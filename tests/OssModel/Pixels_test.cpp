@@ -1,4 +1,5 @@
 #include "OssCore/Program/OssSettings.h"
+#include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Images/OssPixelStore.h"
 #include "OssModel/Objects/OssCanvasManager.h"
 #include "OssModel/Objects/OssChannel.h"
@@ -127,6 +128,33 @@ TEST_F(Pixels, aProjectIsSavedWithItsPixelsOrNotAtAll)
     EXPECT_FALSE(refused);
     EXPECT_TRUE(refused.error().contains(QStringLiteral("/images"))) << qPrintable(refused.error());
     EXPECT_TRUE(projects->isModified());
+}
+
+TEST_F(Pixels, aBakeThatFailsLeavesNothingHalfMade)
+{
+    OssEvaluationService::BakeJob job;
+    job.node = add("Procedural/Color");
+    job.outputPoint = job.node->prefferedOutputPoint();
+    job.patches = {1001, 1002};
+    job.resolution = 16;
+    const QByteArray before = m_project->stateHash();
+    int failed = 0;
+    bool happened = true;
+    for (int number = 1; happened; ++number) {
+        OssResult result;
+        {
+            const SystemCallFaults fault(number, EIO);
+            result = OssEvaluationService::instance()->bakeInto(m_set, job);
+            happened = SystemCallFaults::happened();
+        }
+        EXPECT_TRUE(QDir(newPixels()).entryList({QStringLiteral("new-*")}).isEmpty())
+            << number << SystemCallFaults::failedCall();
+        EXPECT_EQ(m_set->pixels().size(), result ? 2 : 0) << number;
+        EXPECT_EQ(m_project->stateHash() != before, result.ok()) << number;
+        failed += result ? 0 : 1;
+        m_set->setPixels({});
+    }
+    EXPECT_GT(failed, 2);
 }
 
 TEST_F(Pixels, areFoundInTheProjectFirstAndUnderTheirNamesOnly)

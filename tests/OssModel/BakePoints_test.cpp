@@ -258,6 +258,13 @@ TEST_F(BakePoints, aMultiChannelOneHasOneForEachStreamThatIsFed)
     const QByteArray before = m_project->stateHash();
     multi->configureBakepoints();
     EXPECT_EQ(m_project->stateHash(), before) << "it has its streams";
+    auto *bare = qobject_cast<OssSnMultiChannelBakePointNode *>(
+        add("_System/MultiChannelBakePoint"));
+    const QStringList inputs = bare->inputNames();
+    for (const QString &input : inputs)
+        bare->removeInput(input);
+    bare->configureBakepoints();
+    EXPECT_EQ(bare->inputNames(), inputs) << "it had lost them all";
     ASSERT_TRUE(wire(m_color, multi, "Roughness Input"));
     const QList<OssSnBakePointNode *> active = multi->activeBakePointNodes();
     ASSERT_EQ(active.size(), 1);

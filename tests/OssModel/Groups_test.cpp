@@ -317,6 +317,26 @@ TEST_F(Groups, knobsAreLinkedOnceAndToWhatIsInsideAndOfTheirType)
     EXPECT_EQ(second->attribute(Radius).toDouble(), 45.0);
 }
 
+TEST_F(Groups, linksFollowTheNamesOfTheirNodes)
+{
+    OssSnGroupNode *made = group({add("Filter/Blur", "First"), add("Filter/Blur", "Second")});
+    OssSnBaseNode *first = made->groupNetwork()->node(text("First"));
+    const QString knob = made->createKnob(first, Radius);
+    made->addKnobLink(knob, made->groupNetwork()->node(text("Second")), Radius);
+    first->setName(text("Renamed"));
+    ASSERT_NO_FATAL_FAILURE(reopenWith("knobLink", "knobLink")); // nothing is changed
+    made = qobject_cast<OssSnGroupNode *>(m_network->node(text("Group")));
+    ASSERT_NE(made, nullptr);
+    first = made->groupNetwork()->node(text("Renamed"));
+    made->setAttribute(knob, 33.0);
+    EXPECT_EQ(first->attribute(Radius).toDouble(), 33.0);
+    // One that has gone is remembered by the name that it had last.
+    first->setName(text("Again"));
+    made->groupNetwork()->removeNodes({first});
+    EXPECT_EQ(OssLinkedCustomAttributeManager::instance()->links(made, knob).first().nodePath,
+              text("Again"));
+}
+
 TEST_F(Groups, linksOfWhatIsNoKnobAreNotRead)
 {
     OssSnGroupNode *made = group({add("Filter/Blur", "First")});

@@ -12,6 +12,8 @@
 #include "OssModel/Nodes/OssSnResultKey.h"
 #include "OssModel/Project/OssProjectManager.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr int lookInterval = 60;  // milliseconds
@@ -244,7 +246,7 @@ void ViewerSource::progress(int patch, int resolution, int done, int total)
         if (request.resolution != resolution)
             continue;
         if (request.patch == patch) {
-            request.done = done;
+            request.done = std::max(request.done, done); // they come in any order
             request.total = total;
         }
         allDone += request.done;

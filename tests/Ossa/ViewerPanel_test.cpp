@@ -1,0 +1,218 @@
+#include "Ossa/Viewer/ViewerPanel.h"
+
+#include "../support/ModelFixture.h"
+#include "Ossa/Viewer/ViewerPictures.h"
+#include "Ossa/Viewer/ViewerSource.h"
+#include "OssModel/Evaluation/OssEvaluationService.h"
+
+#include <QComboBox>
+#include <QDoubleSpinBox>
+#include <QLabel>
+#include <QSignalSpy>
+#include <QTest>
+
+namespace {
+
+/// The Viewer of a network in which a red, a green and a half grey node stand.
+class Viewing : public ModelFixture
+{
+protected:
+    void SetUp() override
+    {
+        ModelFixture::SetUp();
+        m_network->geoEntity()->setGeometry(QStringLiteral("plane"));
+        m_viewer = m_network->viewerNode();
+        m_red = color("1,0,0,1");
+        m_green = color("0,1,0,1");
+        m_grey = color("0.25,0.25,0.25,1");
+        OssUndoManager::instance()->clear();
+        m_panel = std::make_unique<ViewerPanel>();
+        m_source = m_panel->findChild<ViewerSource *>();
+        m_pictures = m_panel->findChild<ViewerPictures *>();
+        choose("Resolution of a patch", 0);
+        m_panel->resize(500, 500);
+        m_panel->show();
+    }
+
+    void TearDown() override
+    {
+        m_panel.reset();
+        ModelFixture::TearDown();
+    }
+
+    OssSnBaseNode *color(const char *value)
+    {
+        OssSnBaseNode *node = add("Procedural/Color");
+        node->setAttribute(QStringLiteral("Color"), QString::fromLatin1(value));
+        return node;
+    }
+
+    void look(int input, OssSnBaseNode *node)
+    {
+        m_viewer->setInputNode(QString::number(input), node,
+                               node ? node->prefferedOutputPoint() : QString());
+    }
+
+    void choose(const char *name, int row)
+    {
+        const auto lists = m_panel->findChildren<QComboBox *>();
+        for (QComboBox *list : lists) {
+            if (list->accessibleName() == QLatin1String(name))
+                return list->setCurrentIndex(row);
+        }
+        FAIL() << name;
+    }
+
+    void setNumber(const char *name, double value)
+    {
+        const auto fields = m_panel->findChildren<QDoubleSpinBox *>();
+        for (QDoubleSpinBox *field : fields) {
+            if (field->accessibleName() == QLatin1String(name))
+                return field->setValue(value);
+        }
+        FAIL() << name;
+    }
+
+    QColor shown() const
+    {
+        const QImage picture = m_pictures->picture(1001);
+        return picture.isNull() ? QColor()
+                                : picture.pixelColor(picture.width() - 3, picture.height() - 3);
+    }
+
+    ::testing::AssertionResult comesToShow(const QColor &wanted)
+    {
+        if (QTest::qWaitFor([&] { return shown() == wanted; }, 20000))
+            return ::testing::AssertionSuccess();
+        return ::testing::AssertionFailure()
+               << "shows " << qPrintable(shown().name(QColor::HexArgb)) << " "
+               << qPrintable(m_pictures->problem());
+    }
+
+    OssSnBaseNode *m_viewer = nullptr;
+    OssSnBaseNode *m_red = nullptr;
+    OssSnBaseNode *m_green = nullptr;
+    OssSnBaseNode *m_grey = nullptr;
+    std::unique_ptr<ViewerPanel> m_panel;
+    ViewerSource *m_source = nullptr;
+    ViewerPictures *m_pictures = nullptr;
+};
+
+TEST_F(Viewing, showsWhatTheViewerLooksAtAndEveryChangeOfIt)
+{
+    look(1, m_red);
+    look(2, m_green);
+    m_network->setViewerNodeCurrentEdge(1, true);
+    EXPECT_TRUE(comesToShow(Qt::red));
+    EXPECT_TRUE(m_source->shows(m_red));
+    EXPECT_TRUE(m_source->showsOnly(m_red));
+    EXPECT_FALSE(m_source->shows(m_green));
+    m_network->setViewerNodeCurrentEdge(2, true);
+    EXPECT_TRUE(comesToShow(Qt::green));
+    m_green->setAttribute(QStringLiteral("Color"), QStringLiteral("0,0,1,1"));
+    EXPECT_TRUE(comesToShow(Qt::blue));
+    OssUndoManager::instance()->undo();
+    EXPECT_TRUE(comesToShow(Qt::green));
+    {
+        // A value under the user's hand is no step yet.
+        const OssUndoManager::Pause pause;
+        m_green->setAttribute(QStringLiteral("Color"), QStringLiteral("1,1,1,1"));
+        EXPECT_TRUE(comesToShow(Qt::white));
+    }
+    look(2, m_red);
+    EXPECT_TRUE(comesToShow(Qt::red));
+    look(2, nullptr);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !m_pictures->problem().isEmpty(); }, 20000));
+    EXPECT_TRUE(m_pictures->patches().isEmpty());
+    look(2, m_red);
+    EXPECT_TRUE(comesToShow(Qt::red));
+    EXPECT_TRUE(m_pictures->problem().isEmpty());
+}
+
+TEST_F(Viewing, beginsAnewOnlyForAnotherPicture)
+{
+    look(1, m_red);
+    m_network->setViewerNodeCurrentEdge(1, true);
+    EXPECT_TRUE(comesToShow(Qt::red));
+    QTest::qWait(200);
+    QSignalSpy began(m_source, &ViewerSource::began);
+    m_green->setAttribute(QStringLiteral("Color"), QStringLiteral("0,0,1,1"));
+    m_red->setName(QStringLiteral("Renamed"));
+    choose("Channels", 0);
+    m_source->setLook({});
+    m_source->setResolution(256);
+    QTest::qWait(300);
+    EXPECT_TRUE(began.isEmpty());
+    m_source->refresh();
+    EXPECT_TRUE(began.wait(20000)) << "but when it is asked for";
+}
+
+TEST_F(Viewing, controlsSayHowItIsShown)
+{
+    look(1, m_grey);
+    m_network->setViewerNodeCurrentEdge(1, true);
+    EXPECT_TRUE(comesToShow(QColor(137, 137, 137))) << "as a screen shows it";
+    choose("Display", 1);
+    EXPECT_TRUE(comesToShow(QColor(64, 64, 64)));
+    setNumber("Exposure in stops", 1.0);
+    EXPECT_TRUE(comesToShow(QColor(128, 128, 128)));
+    choose("Channels", 4);
+    EXPECT_TRUE(comesToShow(QColor(Qt::white)));
+    setNumber("Exposure in stops", -1.0);
+    EXPECT_TRUE(comesToShow(QColor(128, 128, 128))) << "alpha";
+    choose("Channels", 0);
+    choose("Display", 0);
+    setNumber("Exposure in stops", 0.0);
+    EXPECT_TRUE(comesToShow(QColor(137, 137, 137)));
+    setNumber("Gamma", 2.0);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shown().red() > 160; }, 20000));
+    choose("Resolution of a patch", 1);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return m_pictures->picture(1001).width() == 512; }, 20000));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shown().red() > 160; }, 20000));
+}
+
+TEST_F(Viewing, aCoarsePictureComesBeforeTheFineOne)
+{
+    choose("Resolution of a patch", 2);
+    QList<int> tiles; // what resolution each is of
+    QObject::connect(m_source, &ViewerSource::tileArrived,
+                     [&tiles](int, int resolution) { tiles.append(resolution); });
+    QSignalSpy progress(m_source, &ViewerSource::progressed);
+    look(1, m_red);
+    m_network->setViewerNodeCurrentEdge(1, true);
+    const auto across = [](int resolution) {
+        return resolution / OssEvTile::Size;
+    };
+    const int all = across(256) * across(256) + across(1024) * across(1024);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return tiles.size() >= all; }, 30000)) << tiles.size();
+    for (int i = 0; i < tiles.size(); ++i)
+        EXPECT_EQ(tiles.at(i), i < across(256) * across(256) ? 256 : 1024) << i;
+    QVector<float> values;
+    EXPECT_TRUE(m_pictures->values(1001, {5, 5}, &values));
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return progress.last().at(0) == progress.last().at(1); }, 20000));
+}
+
+TEST_F(Viewing, computesNothingWhileNobodySeesIt)
+{
+    m_panel->hide();
+    QSignalSpy began(m_source, &ViewerSource::began);
+    look(1, m_red);
+    m_network->setViewerNodeCurrentEdge(1, true);
+    QTest::qWait(200);
+    EXPECT_TRUE(began.isEmpty());
+    m_panel->show();
+    EXPECT_TRUE(comesToShow(Qt::red));
+}
+
+TEST_F(Viewing, anotherProjectIsNotTakenForTheOneBefore)
+{
+    look(1, m_red);
+    m_network->setViewerNodeCurrentEdge(1, true);
+    EXPECT_TRUE(comesToShow(Qt::red));
+    m_project = OssProjectManager::instance()->newProject(QStringLiteral("Other"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !m_pictures->problem().isEmpty(); }, 20000));
+    EXPECT_FALSE(m_source->shows(m_red));
+}
+
+} // namespace

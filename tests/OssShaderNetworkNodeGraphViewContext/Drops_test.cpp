@@ -1,0 +1,122 @@
+#include "GraphFixture.h"
+#include "OssInterface/Popups/OssApplication.h"
+#include "OssModel/Nodes/OssNodeArchive.h"
+
+#include <QMimeData>
+#include <QTemporaryDir>
+#include <QtTest>
+
+namespace {
+
+/// Files that are dragged from a file manager onto the graph.
+class Drops : public GraphFixture
+{
+protected:
+    void SetUp() override
+    {
+        GraphFixture::SetUp();
+        m_popups = OssApplication::popupsAllowed();
+        OssApplication::setPopupsAllowed(false);
+        m_group = qobject_cast<OssSnGroupNode *>(add("Misc/Group", "Dirt"));
+        for (const char *name : {"dirt.opc", "more.OPC"})
+            ASSERT_TRUE(
+                OssNodeArchive::write(m_group, OssNodeArchive::Kind::CustomProcedural, file(name)));
+        auto *material = qobject_cast<OssSnGroupNode *>(add("_System/Material", "Rust"));
+        ASSERT_TRUE(
+            OssNodeArchive::write(material, OssNodeArchive::Kind::Material, file("rust.oma")));
+        for (const char *name : {"broken.opc", "notes.txt"}) {
+            QFile broken(file(name));
+            ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
+            broken.write("no archive");
+        }
+        OssUndoManager::instance()->clear();
+    }
+
+    void TearDown() override
+    {
+        OssApplication::setPopupsAllowed(m_popups);
+        GraphFixture::TearDown();
+    }
+
+    QString file(const char *name) const { return m_folder.filePath(QString::fromLatin1(name)); }
+
+    static constexpr QPoint Place{200, 150};
+
+    void drop(const std::vector<const char *> &names)
+    {
+        QMimeData mime;
+        QList<QUrl> urls;
+        for (const char *name : names)
+            urls.append(QUrl::fromLocalFile(file(name)));
+        mime.setUrls(urls);
+        QDragEnterEvent enter(Place, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_view->viewport(), &enter);
+        EXPECT_TRUE(enter.isAccepted());
+        QDragMoveEvent move(Place, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_view->viewport(), &move);
+        m_ghost = m_view->viewport()->grab().toImage();
+        QDropEvent event(Place, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_view->viewport(), &event);
+    }
+
+    QTemporaryDir m_folder;
+    OssSnGroupNode *m_group = nullptr;
+    QImage m_ghost; ///< the graph while the files are over it
+    bool m_popups = true;
+};
+
+TEST_F(Drops, archivesBecomeNodesWhereTheyFallInOneStep)
+{
+    const struct
+    {
+        std::vector<const char *> names;
+        int nodes;
+        const char *title;
+    } cases[] = {
+        {{"dirt.opc"}, 1, "Import custom procedural"},
+        {{"more.OPC"}, 1, "Import custom procedural"},
+        {{"dirt.opc", "more.OPC"}, 2, "Import custom procedural"},
+        {{"rust.oma"}, 1, "Import material"},
+    };
+
+    for (const auto &c : cases) {
+        const QByteArray before = m_project->stateHash();
+        const int count = m_network->nodes().size();
+        const QImage empty = m_view->viewport()->grab().toImage();
+        drop(c.names);
+        EXPECT_NE(m_ghost, empty) << "where they would come to stand";
+        EXPECT_EQ(m_network->nodes().size(), count + c.nodes) << c.names.front();
+        EXPECT_EQ(undoCount(), 1);
+        EXPECT_EQ(OssUndoManager::instance()->undoText().toStdString(), c.title);
+        const QList<OssSnBaseNode *> made = m_network->selectedNodes();
+        ASSERT_EQ(made.size(), c.nodes);
+        const QPointF place = m_view->mapToScene(Place);
+        EXPECT_LT(QLineF(itemOf(made.first())->sceneBoundingRect().center(), place).length(),
+                  300.0);
+        OssUndoManager::instance()->undo();
+        EXPECT_EQ(m_project->stateHash(), before);
+    }
+}
+
+TEST_F(Drops, ofWhichOneCannotBeReadChangeNothingAndSayWhich)
+{
+    const QByteArray before = m_project->stateHash();
+    drop({"dirt.opc", "broken.opc"});
+    EXPECT_TRUE(logHas(QStringLiteral("broken.opc")));
+    EXPECT_EQ(m_project->stateHash(), before);
+    EXPECT_EQ(undoCount(), 0);
+}
+
+TEST_F(Drops, whatNobodyCanReadChangesNothing)
+{
+    const QByteArray before = m_project->stateHash();
+    drop({});
+    const QImage empty = m_view->viewport()->grab().toImage();
+    drop({"notes.txt"});
+    EXPECT_NE(m_ghost, empty);
+    EXPECT_EQ(m_view->viewport()->grab().toImage(), empty) << "the ghost is gone";
+    EXPECT_EQ(m_project->stateHash(), before);
+    EXPECT_EQ(undoCount(), 0);
+}
+
+} // namespace

@@ -1,0 +1,171 @@
+#include "OssCore/OssUndoManager.h"
+#include "OssInterface/Actions/OssActionTreeManager.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Graph/OssShadingGroup.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Project/OssProject.h"
+#include "Program/StartedProgram.h"
+#include "support/ExpectedLog.h"
+
+#include <QAction>
+#include <QFileDialog>
+#include <QTemporaryDir>
+#include <QTimer>
+
+namespace {
+
+/// Two blurs in a row, and a group beside them.
+class Groups : public StartedProgram
+{
+protected:
+    void SetUp() override
+    {
+        StartedProgram::SetUp();
+        m_project = OssProjectManager::instance()->currentProject();
+        m_network = m_project->shadingGroups().first()->network();
+        m_first = m_network->createNode(QStringLiteral("Filter/Blur"), QStringLiteral("First"));
+        m_second = m_network->createNode(QStringLiteral("Filter/Blur"), QStringLiteral("Second"));
+        m_second->setInputNode(QStringLiteral("Input"), m_first, m_first->prefferedOutputPoint());
+        m_group = m_network->createNode(QStringLiteral("Misc/Group"), QStringLiteral("Around"));
+        select({});
+        OssUndoManager::instance()->clear();
+    }
+
+    void select(const QList<OssSnBaseNode *> &nodes)
+    {
+        const QList<OssSnBaseNode *> all = m_network->getAllNodes();
+        for (OssSnBaseNode *node : all)
+            node->setSelected(nodes.contains(node));
+    }
+
+    static void trigger(const char *name)
+    {
+        QAction *action = OssActionTreeManager::instance()->findAction(
+            QStringLiteral("/Ossa/NodeGraph/") + QLatin1String(name));
+        ASSERT_NE(action, nullptr) << name;
+        action->trigger();
+    }
+
+    OssSnGroupNode *group() const { return qobject_cast<OssSnGroupNode *>(m_group); }
+
+    OssProject *m_project = nullptr;
+    OssShaderNetwork *m_network = nullptr;
+    OssSnBaseNode *m_first = nullptr;
+    OssSnBaseNode *m_second = nullptr;
+    OssSnBaseNode *m_group = nullptr;
+};
+
+TEST_F(Groups, groupingSelectsTheGroupAndUngroupingWhatWasInIt)
+{
+    OssUndoManager *history = OssUndoManager::instance();
+    select({m_first, m_second});
+    const QByteArray before = m_project->stateHash();
+    trigger("Group Selected Nodes");
+    const QList<OssSnBaseNode *> made = m_network->selectedNodes();
+    ASSERT_EQ(made.size(), 1);
+    EXPECT_NE(qobject_cast<OssSnGroupNode *>(made.first()), nullptr);
+    trigger("Ungroup");
+    EXPECT_EQ(m_network->selectedNodes().size(), 2);
+    EXPECT_EQ(m_network->node(QStringLiteral("Second"))->inputNode(QStringLiteral("Input")),
+              m_network->node(QStringLiteral("First")));
+    ASSERT_EQ(history->count(), 2);
+    EXPECT_EQ(history->undoText(), QStringLiteral("Ungroup"));
+    history->undo();
+    history->undo();
+    EXPECT_EQ(m_project->stateHash(), before);
+}
+
+TEST_F(Groups, withNothingToGroupOrToTakeApartNothingHappens)
+{
+    const struct
+    {
+        const char *command;
+        QList<OssSnBaseNode *> selected;
+    } cases[] = {
+        {"Group Selected Nodes", {}},
+        {"Ungroup", {}},
+        {"Ungroup", {m_first}},
+        {"Add Group Input", {}},
+        {"Add Group Output", {m_first}},
+        {"Export as Custom Procedural", {}},
+        {"Export Material to Archive", {}},
+        {"Export Material to Archive", {m_group}},
+        {"Export as Gizmo", {m_first}},
+    };
+
+    for (const auto &c : cases) {
+        const ExpectedLog told("Select the ", ExpectedLog::Possible);
+        select(c.selected);
+        const QByteArray before = m_project->stateHash();
+        trigger(c.command);
+        EXPECT_EQ(m_project->stateHash(), before) << c.command;
+        EXPECT_EQ(m_network->selectedNodes(), c.selected) << c.command;
+        EXPECT_EQ(OssUndoManager::instance()->count(), 0) << c.command;
+    }
+}
+
+TEST_F(Groups, portsGoToTheSelectedGroupOrToTheOneThatIsShown)
+{
+    select({m_group, m_first});
+    trigger("Add Group Input");
+    trigger("Add Group Input");
+    trigger("Add Group Output");
+    EXPECT_EQ(m_group->inputNames(),
+              (QStringList{QStringLiteral("Input"), QStringLiteral("Input 2")}));
+    EXPECT_EQ(m_group->outputPointNames(), QStringList{QStringLiteral("Output")});
+    EXPECT_EQ(OssUndoManager::instance()->count(), 3);
+    OssSnBaseNode *other = m_network->createNode(QStringLiteral("Misc/Group"), QString());
+    select({m_group, other});
+    trigger("Add Group Input");
+    EXPECT_EQ(m_group->inputNames().size(), 2) << "two groups: which?";
+    EXPECT_TRUE(other->inputNames().isEmpty());
+}
+
+TEST_F(Groups, exportsToTheFileThatIsChosenAndSaysWhatCannotBeWritten)
+{
+    const QTemporaryDir folder;
+    OssSnBaseNode *material = m_network->createNode(QStringLiteral("_System/Material"),
+                                                    QStringLiteral("Rust"));
+
+    const struct
+    {
+        OssSnBaseNode *node;
+        const char *command;
+        const char *file;
+        bool fits;
+    } cases[] = {
+        {m_group, "Export as Custom Procedural", "a.opc", true},
+        {material, "Export Material to Archive", "b.oma", true},
+        {m_group, "Export as Custom Procedural", "nowhere/a.opc", false},
+    };
+
+    for (const auto &c : cases) {
+        const ExpectedLog told("nowhere", ExpectedLog::Possible);
+        select({c.node});
+        OssApplication::setPopupsAllowed(true);
+        const QString path = folder.filePath(QString::fromLatin1(c.file));
+        bool warned = false;
+        std::function<void()> answer = [&] {
+            QWidget *modal = QApplication::activeModalWidget();
+            auto *dialog = qobject_cast<QFileDialog *>(modal);
+            if (!dialog) {
+                warned = modal != nullptr;
+                if (modal)
+                    modal->close();
+                return;
+            }
+            dialog->selectFile(path);
+            QTimer::singleShot(0, answer);
+            static_cast<QDialog *>(dialog)->accept();
+        };
+        QTimer::singleShot(0, answer);
+        trigger(c.command);
+        QCoreApplication::processEvents();
+        OssApplication::setPopupsAllowed(false);
+        EXPECT_EQ(QFile::exists(path), c.fits) << c.file;
+        EXPECT_EQ(warned, !c.fits) << c.file;
+    }
+}
+
+} // namespace

@@ -1,0 +1,204 @@
+#include "OssInterface/Properties/OssNumberField.h"
+#include "OssInterface/Properties/OssPropertyEditor.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QDropEvent>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QPlainTextEdit>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QUrl>
+#include <QWheelEvent>
+
+// What editors make of the pointer, the wheel, drops and the focus.
+
+namespace {
+
+OssCustomAttribute attribute(const char *editor, const QVariant &value)
+{
+    OssCustomAttribute made(QStringLiteral("Value"), value);
+    made.editDefinition().editor = QString::fromLatin1(editor);
+    return made;
+}
+
+std::unique_ptr<OssPropertyEditor> editorFor(const char *kind)
+{
+    return std::unique_ptr<OssPropertyEditor>(
+        OssPropertyEditor::create(attribute(kind, QString()), nullptr));
+}
+
+TEST(PropertyInput, aFileIsDroppedOnItsFieldAndAnythingElseIsNot)
+{
+    const auto editor = editorFor("file");
+    auto *line = editor->findChild<QLineEdit *>();
+    ASSERT_NE(line, nullptr);
+    QSignalSpy edited(editor.get(), &OssPropertyEditor::edited);
+    const QString path = QStringLiteral("/pictures/wood.exr");
+
+    const struct
+    {
+        QList<QUrl> urls;
+        QStringList edits;
+    } cases[] = {
+        {{QUrl::fromLocalFile(path)}, {path}},
+        {{QUrl(QStringLiteral("https://example.com/wood.exr"))}, {}},
+        {{}, {}},
+    };
+
+    for (const auto &c : cases) {
+        QMimeData mime;
+        mime.setUrls(c.urls);
+        QDragEnterEvent enter({3, 3}, Qt::CopyAction, &mime, Qt::LeftButton, {});
+        enter.ignore();
+        QApplication::sendEvent(line, &enter);
+        EXPECT_TRUE(edited.isEmpty()) << "it is still in the user's hand";
+        QDropEvent drop({3, 3}, Qt::CopyAction, &mime, Qt::LeftButton, {});
+        QApplication::sendEvent(line, &drop);
+        ASSERT_EQ(edited.size(), c.edits.size()) << &c - cases;
+        for (const QString &edit : c.edits)
+            EXPECT_EQ(edited.takeFirst().first().toString(), edit);
+    }
+}
+
+TEST(PropertyInput, aMissingFileIsMarkedUntilItIsThere)
+{
+    const QTemporaryDir folder;
+    QFile there(folder.filePath(QStringLiteral("wall.1001.exr")));
+    ASSERT_TRUE(there.open(QIODevice::WriteOnly));
+    const auto editor = editorFor("file");
+    const auto *line = editor->findChild<QLineEdit *>();
+
+    const struct
+    {
+        QString path;
+        bool mixed;
+        bool wrong;
+    } cases[] = {
+        {folder.filePath(QStringLiteral("none.exr")), false, true},
+        {folder.filePath(QStringLiteral("none.exr")), true, false},
+        {there.fileName(), false, false},
+        {folder.filePath(QStringLiteral("wall.<UDIM>.exr")), false, false},
+        {folder.filePath(QStringLiteral("roof.<UDIM>.exr")), false, true},
+        {QString(), false, false},
+    };
+
+    for (const auto &c : cases) {
+        editor->showValue(attribute("file", c.path), c.mixed);
+        EXPECT_EQ(line->toolTip().startsWith(QStringLiteral("There is no file")), c.wrong)
+            << qPrintable(c.path);
+        EXPECT_EQ(line->objectName() == QLatin1String("Warning"), c.wrong) << qPrintable(c.path);
+    }
+}
+
+TEST(PropertyInput, aNoteIsKeptWhenItLosesTheFocusAndOnce)
+{
+    const auto editor = editorFor("paragraph");
+    auto *text = editor->findChild<QPlainTextEdit *>();
+    ASSERT_NE(text, nullptr);
+    editor->showValue(attribute("paragraph", QStringLiteral("old")), false);
+    QSignalSpy edited(editor.get(), &OssPropertyEditor::edited);
+    QFocusEvent out(QEvent::FocusOut);
+    QApplication::sendEvent(text, &out);
+    EXPECT_TRUE(edited.isEmpty()) << "nothing was written";
+    QTest::keyClicks(text, QStringLiteral("new "));
+    EXPECT_TRUE(edited.isEmpty());
+    QApplication::sendEvent(text, &out);
+    ASSERT_EQ(edited.size(), 1);
+    EXPECT_EQ(edited.first().first().toString(), QStringLiteral("new old"));
+    QApplication::sendEvent(text, &out);
+    EXPECT_EQ(edited.size(), 1);
+    editor->showValue(attribute("paragraph", QStringLiteral("old")), true);
+    EXPECT_TRUE(text->toPlainText().isEmpty()) << "of several nodes that differ";
+    EXPECT_FALSE(text->placeholderText().isEmpty());
+}
+
+/// A number from 0 upwards, without a slider.
+class NumberInput : public testing::Test
+{
+protected:
+    NumberInput()
+    {
+        OssNumberField::Range range;
+        range.minimum = 0.0;
+        field.setRange(range);
+        field.setValue(5.0);
+        field.resize(200, 24);
+        field.show();
+    }
+
+    bool turn(int angle)
+    {
+        QWheelEvent event({5, 5}, field.mapToGlobal(QPoint(5, 5)), {}, {0, angle}, Qt::NoButton, {},
+                          Qt::NoScrollPhase, false);
+        QApplication::sendEvent(&field, &event);
+        return event.isAccepted();
+    }
+
+    void drag(const QList<int> &ways, Qt::KeyboardModifiers modifiers = {})
+    {
+        const QPoint start(100, 12);
+        QTest::mousePress(&field, Qt::LeftButton, modifiers, start);
+        for (const int way : ways) {
+            QMouseEvent move(QEvent::MouseMove, start + QPoint(way, 0), Qt::NoButton,
+                             Qt::LeftButton, modifiers);
+            QApplication::sendEvent(&field, &move);
+        }
+    }
+
+    OssNumberField field;
+};
+
+TEST_F(NumberInput, theWheelStepsOnlyWithTheFocusAndInWholeClicks)
+{
+    QSignalSpy stepped(&field, &OssNumberField::stepped);
+    field.clearFocus();
+    EXPECT_FALSE(turn(120)) << "the panel scrolls";
+    field.activateWindow();
+    field.setFocus();
+    QApplication::processEvents();
+    ASSERT_TRUE(field.hasFocus());
+    EXPECT_TRUE(turn(60));
+    EXPECT_TRUE(stepped.isEmpty());
+    EXPECT_TRUE(turn(60));
+    ASSERT_EQ(stepped.size(), 1);
+    const double up = field.value();
+    EXPECT_GT(up, 5.0);
+    turn(-120);
+    EXPECT_DOUBLE_EQ(field.value(), 5.0);
+    field.setValue(0.0);
+    stepped.clear();
+    turn(-120);
+    EXPECT_EQ(field.value(), 0.0);
+    EXPECT_TRUE(stepped.isEmpty()) << "at the end nothing changes";
+}
+
+TEST_F(NumberInput, dragsWithoutASliderGoByTheValueAndEscapeGivesItBack)
+{
+    QSignalSpy ended(&field, &OssNumberField::dragEnded);
+    drag({2});
+    EXPECT_EQ(field.value(), 5.0) << "a hand that is not steady";
+    QTest::mouseRelease(&field, Qt::LeftButton, {}, {500, 12});
+    EXPECT_TRUE(ended.isEmpty());
+    drag({4, 24});
+    EXPECT_DOUBLE_EQ(field.value(), 6.0) << "a hundredth for each pixel";
+    QTest::mouseRelease(&field, Qt::LeftButton, {}, {124, 12});
+    EXPECT_EQ(ended.size(), 1);
+    drag({4, 24}, Qt::ShiftModifier);
+    EXPECT_GT(field.value(), 6.0);
+    EXPECT_LT(field.value(), 6.3) << "finer";
+    QTest::keyClick(&field, Qt::Key_Escape);
+    EXPECT_DOUBLE_EQ(field.value(), 6.0);
+    EXPECT_EQ(ended.size(), 2);
+    drag({4, -5000});
+    EXPECT_EQ(field.value(), 0.0);
+    QTest::mouseRelease(&field, Qt::LeftButton, {}, {124, 12});
+    drag({4, 54});
+    EXPECT_DOUBLE_EQ(field.value(), 0.5) << "it leaves nought";
+    QTest::mouseRelease(&field, Qt::LeftButton, {}, {124, 12});
+}
+
+} // namespace

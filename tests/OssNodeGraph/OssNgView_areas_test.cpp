@@ -1,0 +1,112 @@
+#include "OssCore/OssUndoManager.h"
+#include "OssNodeGraph/Items/OssNgBackdropNode.h"
+#include "ViewFixture.h"
+
+// Gestures that draw a rectangle, and how far the view goes.
+
+TEST_F(OssNgViewTest, resizedBackdropsKeepTheirLeastSizeAndTheOtherEdges)
+{
+    const QSizeF least = OssNgBackdropNode::minimumSize();
+    const QRectF area(-100, 150, 400, 300);
+    auto *backdrop = scene.add<OssNgBackdropNode>(QString(), area.topLeft());
+
+    const struct
+    {
+        QPointF from;
+        QPointF way;
+        QRectF wanted;
+    } cases[] = {
+        {{-98, 300}, {900, 0}, {QPointF(300 - least.width(), 150), QSizeF(least.width(), 300)}},
+        {{298, 300}, {-900, 0}, {area.topLeft(), QSizeF(least.width(), 300)}},
+        {{100, 152}, {0, 900}, {QPointF(-100, 450 - least.height()), QSizeF(400, least.height())}},
+        {{100, 448}, {0, -900}, {area.topLeft(), QSizeF(400, least.height())}},
+        {{298, 448}, {40, 20}, {area.topLeft(), QSizeF(440, 320)}},
+        {{-98, 152}, {-40, -20}, {QPointF(-140, 130), QSizeF(440, 320)}},
+    };
+
+    for (const auto &c : cases) {
+        backdrop->setPosition(area.topLeft());
+        backdrop->setRect({QPointF(), area.size()});
+        OssUndoManager::instance()->clear();
+        drag(c.from, c.from + c.way);
+        EXPECT_EQ(backdrop->rect().translated(backdrop->pos()), c.wanted) << &c - cases;
+        EXPECT_EQ(OssUndoManager::instance()->count(), 1);
+        OssUndoManager::instance()->undo();
+        press(c.from);
+        move(c.from + c.way);
+        key(Qt::Key_Escape);
+        release(c.from + c.way);
+        EXPECT_EQ(backdrop->rect().translated(backdrop->pos()), area) << "taken back";
+    }
+    OssUndoManager::instance()->clear();
+    drag(cases[0].from, cases[0].from);
+    EXPECT_EQ(OssUndoManager::instance()->count(), 0) << "a click is no step";
+}
+
+TEST_F(OssNgViewTest, rubberBandsTakeWiresOnlyWhereNoNodeIsMeant)
+{
+    scene.connectNodes(a, Out, b, In);
+    const OssNgEdge *wire = b->input(In);
+    const QRectF gap(QPointF(a->sceneBoundingRect().right() + 10, -40), QSizeF(60, 200));
+    drag(gap.topLeft(), gap.bottomRight());
+    EXPECT_TRUE(wire->isSelected());
+    drag(gap.topLeft(), {290, 300});
+    EXPECT_TRUE(wire->isSelected());
+    drag(gap.topLeft(), {360, 100});
+    EXPECT_TRUE(b->isSelected());
+    EXPECT_FALSE(wire->isSelected()) << "a node is meant";
+    drag({250, 300}, {260, 310});
+    EXPECT_TRUE(scene.selectedItems().isEmpty());
+}
+
+TEST_F(OssNgViewTest, rubberBandsMeanABackdropOnlyWhenItLiesInsideWhole)
+{
+    auto *backdrop = scene.add<OssNgBackdropNode>(QString(), {0, 150});
+    backdrop->setRect({0, 0, 200, 120});
+    drag({-40, 130}, {100, 220});
+    EXPECT_FALSE(backdrop->isSelected());
+    drag({-40, 130}, {220, 290});
+    EXPECT_TRUE(backdrop->isSelected());
+}
+
+TEST_F(OssNgViewTest, shiftAddsToTheSelectionAndEscapeGivesItBack)
+{
+    a->setSelected(true);
+    const QPointF from(290, 200);
+    const auto band = [&](Qt::KeyboardModifiers modifiers) {
+        press(from, Qt::LeftButton, modifiers);
+        move({330, 120});
+        move({400, 60});
+    };
+    band(Qt::ShiftModifier);
+    release({400, 60});
+    EXPECT_TRUE(a->isSelected() && b->isSelected());
+    b->setSelected(false);
+    band({});
+    EXPECT_TRUE(!a->isSelected() && b->isSelected());
+    key(Qt::Key_Escape);
+    EXPECT_TRUE(a->isSelected() && !b->isSelected());
+    release({400, 60});
+    EXPECT_TRUE(a->isSelected());
+}
+
+TEST_F(OssNgViewTest, zoomEndsWhereNothingCouldBeSeen)
+{
+    const struct
+    {
+        Qt::Key key;
+        double least;
+        double most;
+    } cases[] = {{Qt::Key_Plus, 1.5, 64.0}, {Qt::Key_Minus, 0.001, 0.5}};
+
+    for (const auto &c : cases) {
+        double before = 0.0;
+        for (int i = 0; i < 80; ++i)
+            key(c.key);
+        before = view.transform().m11();
+        EXPECT_GT(before, c.least);
+        EXPECT_LT(before, c.most);
+        key(c.key);
+        EXPECT_EQ(view.transform().m11(), before);
+    }
+}

@@ -187,6 +187,7 @@ TEST_F(PaintGestures, keysKeepTheBrushWithinItsLimits)
             key(c.key);
         EXPECT_DOUBLE_EQ(m_session->brush().*c.value, c.limit) << c.key;
     }
+    EXPECT_EQ(m_canvas->cursor().shape(), Qt::CrossCursor);
     m_canvas->setPainting(false);
     const OssEvBrush brush = m_session->brush();
     key(Qt::Key_BracketLeft);
@@ -257,6 +258,18 @@ TEST_F(PaintGestures, theWheelZoomsAtThePointerWithinLimits)
     }
     EXPECT_TRUE(placeAt(pointer + QPoint(40, 0)).isEmpty()) << "small, and nothing beside it";
     EXPECT_FALSE(placeAt(pointer + QPoint(6, 0)).isEmpty()) << "but to be seen";
+    key(Qt::Key_F);
+    EXPECT_EQ(placeAt(pointer), before) << "no values yet";
+    const auto tile = std::make_shared<OssEvTile>(1, OssEvTile::Format::Half,
+                                                  std::array<float, 4>{0.25F});
+    m_pictures.setTile(1001, Resolution, {0, 0}, ViewerPixels::picture(*tile, {}), tile);
+    EXPECT_EQ(placeAt(pointer), before + QStringLiteral("  0.2500"));
+    const auto otherPatches = [this] {
+        QSignalSpy focus(m_canvas.get(), &UvView::focusMoved);
+        m_pictures.begin({1001, 1002, 1003}, Resolution, {});
+        return focus.size();
+    };
+    EXPECT_EQ(otherPatches(), 1) << "all are shown";
 }
 
 TEST_F(PaintGestures, anUndoneStrokeIsDrawnAnewWhereItWas)

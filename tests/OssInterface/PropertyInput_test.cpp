@@ -176,6 +176,27 @@ TEST_F(NumberInput, theWheelStepsOnlyWithTheFocusAndInWholeClicks)
     EXPECT_TRUE(stepped.isEmpty()) << "at the end nothing changes";
 }
 
+TEST_F(NumberInput, keysThatStepAreUsedUpAndOthersAreNot)
+{
+    const struct
+    {
+        Qt::Key key;
+        Qt::KeyboardModifiers modifiers;
+        bool used;
+    } cases[] = {{Qt::Key_Up, {}, true},
+                 {Qt::Key_Down, {}, true},
+                 {Qt::Key_Up, Qt::ControlModifier, false},
+                 {Qt::Key_F5, {}, false}};
+
+    for (const auto &c : cases) {
+        const double before = field.value();
+        QKeyEvent press(QEvent::KeyPress, c.key, c.modifiers);
+        QApplication::sendEvent(&field, &press);
+        EXPECT_EQ(press.isAccepted(), c.used) << c.key;
+        EXPECT_EQ(field.value() != before, c.used) << c.key;
+    }
+}
+
 TEST_F(NumberInput, dragsWithoutASliderGoByTheValueAndEscapeGivesItBack)
 {
     QSignalSpy ended(&field, &OssNumberField::dragEnded);

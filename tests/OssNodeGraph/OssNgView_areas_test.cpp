@@ -110,3 +110,17 @@ TEST_F(OssNgViewTest, zoomEndsWhereNothingCouldBeSeen)
         EXPECT_EQ(view.transform().m11(), before);
     }
 }
+
+TEST_F(OssNgViewTest, aNodeOnAWireTakesItAtItsPreferredInput)
+{
+    b->setPosition({600, 0});
+    b->attachInput(In, a, Out);
+    auto *c = scene.add(QStringLiteral("C"), {300, 0}, {}, {QStringLiteral("Mask")}, {Out});
+    c->addInputPort(In, true);
+    c->setPosition(b->input(In)->markerPosition() - c->boundingRect().center());
+    view.insert = true;
+    c->processAutoinsert();
+    EXPECT_EQ(c->input(QStringLiteral("Mask")), nullptr);
+    ASSERT_NE(c->input(In), nullptr);
+    EXPECT_EQ(c->input(In)->source(), a);
+}

@@ -3,6 +3,7 @@
 #include "Ossa/Headless/CommandLine.h"
 #include "OssModel/Evaluation/OssPatchList.h"
 #include "ProgramRun.h"
+#include "support/ModelFixture.h"
 
 #include <gtest/gtest.h>
 
@@ -64,4 +65,18 @@ TEST(BakeCommand, refusesInWordsAndWritesNothing)
                                      {QStringLiteral("--patches"), QStringLiteral("all of them")});
     EXPECT_EQ(nonsense.exitCode, ExitCode::Usage);
     EXPECT_TRUE(QDir(folder.path()).isEmpty());
+}
+
+TEST(BakeCommand, saysSoWhenAProjectHasNothingToBake)
+{
+    const QTemporaryDir folder;
+    needNodeTypes();
+    const QString path = folder.filePath(QStringLiteral("empty.ossa"));
+    OssProjectManager::instance()->newProject(QStringLiteral("empty"));
+    ASSERT_TRUE(OssProjectManager::instance()->saveProjectAs(path));
+    OssProjectManager::instance()->closeProject();
+    const ProgramRun outcome = ProgramRun::of({QStringLiteral("bake"), path, QStringLiteral("-o"),
+                                               folder.filePath(QStringLiteral("out"))});
+    EXPECT_EQ(outcome.exitCode, ExitCode::Failure);
+    EXPECT_TRUE(outcome.err.contains("no shader that is fed")) << outcome.err.constData();
 }

@@ -246,12 +246,17 @@ TEST_F(Painting, paintThatCannotBeBakedStaysAndNothingIsSaved)
     ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
     const OssResult saved = OssProjectManager::instance()->saveProjectAs(
         m_folder.filePath(QStringLiteral("Painted.ossa")));
+    ExpectedLog told("Bake Paint: ");
+    EXPECT_FALSE(m_session->setNode(paintNode()));
+    EXPECT_EQ(m_session->node(), m_paint);
+    m_session->handleBakeBehavior(m_paint->imageSet());
+    history()->undo(); // the other node
     inTheWay.remove();
     EXPECT_FALSE(saved);
     EXPECT_TRUE(saved.error().contains(QStringLiteral("pixels"))) << qPrintable(saved.error());
     EXPECT_TRUE(hasPaint());
     EXPECT_TRUE(OssProjectManager::instance()->isModified());
-    EXPECT_EQ(undoCount(), 1);
+    EXPECT_EQ(history()->index(), 1);
 }
 
 TEST_F(Painting, paintIsBakedBeforeOtherImagesArePaintedOn)

@@ -1,5 +1,6 @@
 #include "OssCore/OssUndoManager.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
+#include "OssInterface/DragAndDrop/OssDragAndDropManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssShadingGroup.h"
@@ -105,6 +106,16 @@ TEST_F(Groups, withNothingToGroupOrToTakeApartNothingHappens)
         EXPECT_EQ(m_network->selectedNodes(), c.selected) << c.command;
         EXPECT_EQ(OssUndoManager::instance()->count(), 0) << c.command;
     }
+}
+
+TEST_F(Groups, nodeTypesThatAreGoneAreNotMade)
+{
+    const ExpectedLog unfocused("current active widget", ExpectedLog::Possible);
+    const int count = m_network->nodes().size();
+    EXPECT_FALSE(OssDragAndDropManager::createNode(QStringLiteral("No/Such")));
+    EXPECT_EQ(m_network->nodes().size(), count);
+    EXPECT_TRUE(OssDragAndDropManager::createNode(QStringLiteral("Filter/Blur")));
+    EXPECT_EQ(m_network->nodes().size(), count + 1);
 }
 
 TEST_F(Groups, portsGoToTheSelectedGroupOrToTheOneThatIsShown)

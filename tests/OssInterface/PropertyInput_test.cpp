@@ -197,6 +197,18 @@ TEST_F(NumberInput, keysThatStepAreUsedUpAndOthersAreNot)
     }
 }
 
+TEST_F(NumberInput, whatIsNoNumberDoesNotStayWhenTheFocusGoes)
+{
+    field.startTyping();
+    auto *line = field.findChild<QLineEdit *>();
+    ASSERT_TRUE(line && line->isVisible());
+    line->setText(QStringLiteral("five"));
+    QFocusEvent out(QEvent::FocusOut);
+    QApplication::sendEvent(line, &out);
+    EXPECT_FALSE(line->isVisible());
+    EXPECT_EQ(field.value(), 5.0);
+}
+
 TEST_F(NumberInput, dragsWithoutASliderGoByTheValueAndEscapeGivesItBack)
 {
     QSignalSpy ended(&field, &OssNumberField::dragEnded);

@@ -1,5 +1,6 @@
 #include "OssCore/OssUndoManager.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
+#include "OssNodeGraph/View/OssNgRenderer.h"
 #include "ViewFixture.h"
 
 // Gestures that draw a rectangle, and how far the view goes.
@@ -123,4 +124,75 @@ TEST_F(OssNgViewTest, aNodeOnAWireTakesItAtItsPreferredInput)
     EXPECT_EQ(c->input(QStringLiteral("Mask")), nullptr);
     ASSERT_NE(c->input(In), nullptr);
     EXPECT_EQ(c->input(In)->source(), a);
+}
+
+TEST_F(OssNgViewTest, aNodeBetweenTwoWiresTakesTheNearerOne)
+{
+    b->setPosition({600, 0});
+    b->attachInput(In, a, Out);
+    auto *far = scene.add(QStringLiteral("Far"), {600, 10}, {}, {In}, {Out});
+    far->attachInput(In, a, Out);
+    auto *c = scene.add(QStringLiteral("C"), {300, 0}, {}, {In}, {Out});
+    view.insert = true;
+    for (OssNgNode *wanted : QList<OssNgNode *>{b, far}) {
+        const QPointF core = c->bodyRect().center();
+        c->setPosition(wanted->input(In)->markerPosition() - core);
+        EXPECT_EQ(c->autoinsertCandidate(), wanted->input(In));
+    }
+}
+
+TEST_F(OssNgViewTest, markersOfWiresAreInPicturesOfTheGraphToo)
+{
+    scene.connectNodes(a, Out, b, In);
+    const auto picture = [this] {
+        QImage image(600, 300, QImage::Format_RGB32);
+        image.fill(Qt::black);
+        QPainter painter(&image);
+        OssNgRenderer::paintSceneTo(&painter, &scene, {-50, -50, 600, 300}, {0, 0, 600, 300});
+        painter.end();
+        return image;
+    };
+    const QImage plain = picture();
+    b->input(In)->switchToDotableMode(true);
+    EXPECT_NE(picture(), plain);
+}
+
+TEST_F(OssNgViewTest, buttonsNavigateAsTheControlTypeSays)
+{
+    const QString usual = view.m_navigationControlType;
+
+    const struct
+    {
+        QString type;
+        Qt::MouseButton button;
+        Qt::KeyboardModifiers modifiers;
+        int state;
+    } cases[] = {
+        {usual, Qt::MiddleButton, {}, OssNgView::Panning},
+        {usual, Qt::MiddleButton, Qt::AltModifier, OssNgView::Zooming},
+        {usual, Qt::RightButton, Qt::AltModifier, OssNgView::Idle},
+        {QStringLiteral("Ossa"), Qt::LeftButton, Qt::AltModifier, OssNgView::Panning},
+        {QStringLiteral("Ossa"), Qt::RightButton, Qt::AltModifier, OssNgView::Zooming},
+        {QStringLiteral("Ossa"), Qt::MiddleButton, Qt::AltModifier, OssNgView::Idle},
+    };
+
+    const QPointF place(250, 250);
+    for (const auto &c : cases) {
+        view.m_navigationControlType = c.type;
+        press(place, c.button, c.modifiers);
+        EXPECT_EQ(view.interactionState(), c.state) << &c - cases;
+        release(place, c.button);
+        EXPECT_EQ(view.interactionState(), OssNgView::Idle);
+    }
+}
+
+TEST_F(OssNgViewTest, theModeOfThePointerIsAnnouncedWhenItChanges)
+{
+    const QSignalSpy changed(&view, &OssNgView::cursorTrackingModeChanged);
+    const int before = view.cursorTrackingMode();
+    view.setCursorTrackingMode(before);
+    EXPECT_EQ(changed.count(), 0);
+    view.setCursorTrackingMode(OssNgView::SeverTracking);
+    EXPECT_EQ(changed.count(), 1);
+    view.setCursorTrackingMode(before);
 }

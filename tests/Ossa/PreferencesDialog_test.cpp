@@ -141,3 +141,10 @@ TEST_F(Preferences, resetShowsAndAppliesTheDefaultsOfThePage)
     EXPECT_EQ(editor<QSpinBox>("count")->value(), 4);
     press(QDialogButtonBox::Cancel);
 }
+
+TEST_F(Preferences, ofOneGroupStandTogether)
+{
+    QWidget *const group = editor<QCheckBox>("flag")->parentWidget();
+    for (const char *key : {"count", "ratio", "note", "mode", "anchor"})
+        EXPECT_EQ(editor<QWidget>(key)->parentWidget(), group) << key;
+}

@@ -246,10 +246,15 @@ TEST_F(Painting, paintThatCannotBeBakedStaysAndNothingIsSaved)
     ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
     const OssResult saved = OssProjectManager::instance()->saveProjectAs(
         m_folder.filePath(QStringLiteral("Painted.ossa")));
-    ExpectedLog told("Bake Paint: ");
-    EXPECT_FALSE(m_session->setNode(paintNode()));
-    EXPECT_EQ(m_session->node(), m_paint);
-    m_session->handleBakeBehavior(m_paint->imageSet());
+    {
+        const ExpectedLog told("Bake Paint: ");
+        EXPECT_FALSE(m_session->setNode(paintNode()));
+        EXPECT_EQ(m_session->node(), m_paint);
+    }
+    {
+        const ExpectedLog told("Bake Paint: ");
+        m_session->handleBakeBehavior(m_paint->imageSet());
+    }
     history()->undo(); // the other node
     inTheWay.remove();
     EXPECT_FALSE(saved);

@@ -149,12 +149,11 @@ TEST_F(ImageSets, whatIsSetAsItIsMakesNoStepAndWhatIsSetAnewGoesBothWays)
     QSignalSpy pixels(set, &OssImageSet::pixelsChanged);
     QSignalSpy ofGeo(geo, &OssGeoImageSet::imageSetChanged);
     QSignalSpy ofObject(m_entity, &OssGeoEntity::geoImageSetsChanged);
-    QSignalSpy ofNode(node, &OssSnImageSetNodeBase::imageSetChanged);
 
     const struct
     {
         const char *what;
-        QSignalSpy *told;
+        QSignalSpy *told; ///< null: nothing is told
         std::function<void()> set;
     } cases[] = {
         {"pixels", &pixels,
@@ -165,7 +164,7 @@ TEST_F(ImageSets, whatIsSetAsItIsMakesNoStepAndWhatIsSetAnewGoesBothWays)
          [&] {
              geo->setImageSet(set);
          }},
-        {"images of a node", &ofNode,
+        {"images of a node", nullptr,
          [&] {
              node->setImageSet(set, true);
          }},
@@ -178,13 +177,13 @@ TEST_F(ImageSets, whatIsSetAsItIsMakesNoStepAndWhatIsSetAnewGoesBothWays)
         EXPECT_NE(m_project->stateHash(), before) << test.what;
         test.set();
         EXPECT_EQ(undoCount(), steps + 1) << test.what;
-        EXPECT_EQ(test.told->count(), 1) << test.what;
+        EXPECT_TRUE(!test.told || test.told->count() == 1) << test.what;
         const QByteArray after = m_project->stateHash();
         OssUndoManager::instance()->undo();
         EXPECT_EQ(m_project->stateHash(), before) << test.what;
         OssUndoManager::instance()->redo();
         EXPECT_EQ(m_project->stateHash(), after) << test.what;
-        EXPECT_EQ(test.told->count(), 3) << test.what;
+        EXPECT_TRUE(!test.told || test.told->count() == 3) << test.what;
     }
     EXPECT_EQ(ofObject.count(), 3) << "the object tells of its geo-channels";
 }

@@ -47,11 +47,6 @@ TEST_F(Streams, modelsAreShadersByThemselvesWithTheirInputs)
     EXPECT_EQ(model->input(text("Normal"))->kind(), OssSnDataKind::Vector);
     EXPECT_EQ(model->input(text("None")), nullptr);
     OssSnBaseNode *shader = add("Shaders/Standard Surface");
-    OssSnBaseNode *blur = add("Filter/Blur");
-    EXPECT_EQ(models->modelOf(shader), model);
-    EXPECT_EQ(models->modelOf(m_merge), model);
-    EXPECT_EQ(models->modelOf(blur), nullptr);
-    EXPECT_EQ(models->modelOf(nullptr), nullptr);
     EXPECT_EQ(models->matchingShaderModelNodePair(m_material, m_merge).second, m_merge);
     EXPECT_EQ(models->matchingShaderModelNodePair(m_material, shader).first, nullptr);
     EXPECT_EQ(models->matchingShaderModelNodePair(nullptr, m_merge).second, nullptr);

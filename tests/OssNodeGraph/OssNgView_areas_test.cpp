@@ -1,4 +1,4 @@
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
 #include "OssNodeGraph/View/OssNgRenderer.h"
 #include "ViewFixture.h"
@@ -184,15 +184,4 @@ TEST_F(OssNgViewTest, buttonsNavigateAsTheControlTypeSays)
         release(place, c.button);
         EXPECT_EQ(view.interactionState(), OssNgView::Idle);
     }
-}
-
-TEST_F(OssNgViewTest, theModeOfThePointerIsAnnouncedWhenItChanges)
-{
-    const QSignalSpy changed(&view, &OssNgView::cursorTrackingModeChanged);
-    const int before = view.cursorTrackingMode();
-    view.setCursorTrackingMode(before);
-    EXPECT_EQ(changed.count(), 0);
-    view.setCursorTrackingMode(OssNgView::SeverTracking);
-    EXPECT_EQ(changed.count(), 1);
-    view.setCursorTrackingMode(before);
 }

@@ -1,4 +1,4 @@
-#include "OssCore/OssUndoManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/DragAndDrop/OssDragAndDropManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"

@@ -126,8 +126,6 @@ public Q_SLOTS:
 
     void setPortListMode(OssSnNodeGraphViewContextManager::DefaultMCMCollapsedState state);
 
-    void resetPortListMode() { setPortListMode(OssNgExtendedNode::Expanded); }
-
     QPointF nodePosition() const override;
     QSizeF nodeSize() const override;
     /// Opens the tab of the node's network and brings the item into the middle of the view. Nothing

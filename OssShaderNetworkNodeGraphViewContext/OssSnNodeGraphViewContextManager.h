@@ -266,7 +266,6 @@ private:
     OssSnNodeGraphViewContextManager();
     OssShaderNetworkView *viewOrComplain() const override;
     void registerPreferences();
-    void registerClassFactories();
     void connectToHost();
     void createActions();
     void initialiseNodeGraphPalette();

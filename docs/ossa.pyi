@@ -290,7 +290,7 @@ class Node(Object):
     def resetAttribute(self, name: str) -> None:
         """Gives an attribute its default again."""
     def attributeInfo(self, name: str) -> dict[str, Any]:
-        """What a panel knows of an attribute: type, default, range, menu."""
+        """What a panel knows of an attribute: its kind, label, default, range and, of a menu, the choices."""
     @overload
     def createInput(self, name: str, kind: str) -> Node:
         """Gives a group an input of a kind (color, scalar, vector, material, data) and returns the node inside that stands for it."""

@@ -62,7 +62,7 @@ OssSnBaseNode *GraphWriter::addBackdrop(const QString &title, const QPointF &pos
                               position);
     set(node, QStringLiteral("TitleText"), title);
     set(node, QStringLiteral("BackgroundColor"), color);
-    QMetaObject::invokeMethod(contextOf(node), "setNodeSize", Q_ARG(QSizeF, size));
+    contextOf(node)->setNodeSizeUndo(size);
     place(node, position);
     return node;
 }
@@ -90,5 +90,5 @@ void GraphWriter::set(OssSnBaseNode *node, const QString &attribute, const QVari
 
 void GraphWriter::place(OssSnBaseNode *node, const QPointF &position)
 {
-    QMetaObject::invokeMethod(contextOf(node), "setNodePosition", Q_ARG(QPointF, position));
+    contextOf(node)->setNodePosition(position);
 }

@@ -55,7 +55,9 @@ class OSSSCRIPTOBJECTS_EXPORT Node : public API
     Q_CLASSINFO("attribute", "Value of an attribute; of a menu, the chosen text.")
     Q_CLASSINFO("setAttribute", "Sets an attribute; a menu by its text or number.")
     Q_CLASSINFO("resetAttribute", "Gives an attribute its default again.")
-    Q_CLASSINFO("attributeInfo", "What a panel knows of an attribute: type, default, range, menu.")
+    Q_CLASSINFO("attributeInfo",
+                "What a panel knows of an attribute: its kind, label, default, range "
+                "and, of a menu, the choices.")
     Q_CLASSINFO("createInput", "Gives a group an input of a kind (color, scalar, vector, material, "
                                "data) and returns the node inside that stands for it.")
     Q_CLASSINFO("createOutput", "Gives a group an output and returns the node inside for it.")

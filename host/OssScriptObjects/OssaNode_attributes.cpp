@@ -121,6 +121,7 @@ QVariantMap Node::attributeInfo(const QString &name) const
     info[QStringLiteral("isKnob")] = definition.isKnob;
     info[QStringLiteral("isDefault")] = attribute.isDefault();
     const OssAttributeKind *kind = OssAttributeKind::of(attribute);
+    info[QStringLiteral("kind")] = kind ? QString(kind->name) : QString();
     if (kind && kind->hasChoices())
         info[QStringLiteral("choices")] = OssAttributeKind::choices(attribute.value());
     return info;

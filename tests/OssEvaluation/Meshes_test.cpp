@@ -141,7 +141,7 @@ TEST(Meshes, theKeyFollowsEverythingThatPixelsFollow)
 TEST(Meshes, facesBelongToThePatchesWhoseInsideTheyTouch)
 {
     auto mesh = flat({{0.5F, 0.5F},
-                      {1.5F, 0.5F},
+                      {1.7F, 0.5F},
                       {0.5F, 1.5F}, // over three borders
                       {2, 0},
                       {3, 0},
@@ -157,6 +157,14 @@ TEST(Meshes, facesBelongToThePatchesWhoseInsideTheyTouch)
     for (const int nobody : {1004, 0, 9999, 1000})
         EXPECT_TRUE(mesh->trianglesOf(nobody).empty()) << nobody;
     EXPECT_EQ(mesh->faces, (std::vector<std::int32_t>{0, 1, 2})) << "numbered where nobody did";
+    // What lies beside the long edge is not touched, either way round.
+    for (const bool turned : {false, true}) {
+        auto corner = flat({{0.1F, 0.1F}, {1.7F, 0.1F}, {0.1F, 1.7F}},
+                           {turned ? std::array<std::uint32_t, 3>{0, 2, 1}
+                                   : std::array<std::uint32_t, 3>{0, 1, 2}});
+        ASSERT_TRUE(corner->finish("corner"));
+        EXPECT_EQ(corner->patches(), (std::vector<int>{1001, 1002, 1011}));
+    }
 }
 
 TEST(Meshes, normalsThatAreMadeFollowTheLargerFace)

@@ -16,8 +16,8 @@ public:
     OssColor(double red, double green, double blue, double alpha = 1.0);
     explicit OssColor(const QColor &color);
 
-    /// Reads "r,g,b" or "r,g,b,a" (reals) or "#rrggbb" / "#aarrggbb". Anything else gives
-    /// opaque black and `*ok` false.
+    /// Reads "r,g,b" or "r,g,b,a" (reals), or "#" and digits as QColor does: "#rrggbb",
+    /// "#aarrggbb" and the shorter and longer forms. Anything else gives opaque black and `*ok` false.
     static OssColor fromString(const QString &text, bool *ok = nullptr);
     /// "r,g,b,a", shortest digits that read back the same.
     QString toString() const;

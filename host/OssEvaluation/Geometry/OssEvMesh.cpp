@@ -33,6 +33,32 @@ void addVectors(OssEvKeyBuilder *key, const std::vector<Vector> &vectors)
     key->addBytes(vectors.data(), vectors.size() * sizeof(Vector));
 }
 
+/// Whether the triangle, whose bounding box does, touches the inside of the patch. It does not when
+/// the whole patch lies outside of one of its edges.
+bool touches(const std::array<OssEvMesh::Vector2, 3> &corners, int column, int row)
+{
+    constexpr float Border = 1e-5F;
+    const auto side = [](const OssEvMesh::Vector2 &from, const OssEvMesh::Vector2 &to, float x,
+                         float y) {
+        return (to[0] - from[0]) * (y - from[1]) - (to[1] - from[1]) * (x - from[0]);
+    };
+    const float area = side(corners[0], corners[1], corners[2][0], corners[2][1]);
+    if (std::abs(area) < Border * Border)
+        return true; // no inside to tell by
+    const float turn = area < 0.0F ? -1.0F : 1.0F;
+    for (std::size_t i = 0; i < 3; ++i) {
+        const OssEvMesh::Vector2 &from = corners[i];
+        const OssEvMesh::Vector2 &to = corners[(i + 1) % 3];
+        float most = -1.0F;
+        for (const int corner : {0, 1, 2, 3})
+            most = std::max(
+                most, turn * side(from, to, float(column + corner % 2), float(row + corner / 2)));
+        if (most <= Border * std::hypot(to[0] - from[0], to[1] - from[1]))
+            return false;
+    }
+    return true;
+}
+
 } // namespace
 
 OssEvResult OssEvMesh::finish(const std::string &name)
@@ -54,6 +80,8 @@ OssEvResult OssEvMesh::finish(const std::string &name)
     addVectors(&key, normals);
     addVectors(&key, uvs);
     addVectors(&key, triangles);
+    for (const std::int32_t face : faces)
+        key.add(double(face));
     for (const float number : world)
         key.add(double(number));
     m_key = key.key();
@@ -71,7 +99,9 @@ OssEvResult OssEvMesh::check(const std::string &name) const
         return refused("it has no texture coordinates");
     if (uvs.size() != positions.size() || (!normals.empty() && normals.size() != positions.size()))
         return refused("its vertices are not complete");
-    if (!allFinite(positions) || !allFinite(uvs) || !allFinite(normals))
+    if (!allFinite(positions) || !allFinite(uvs) || !allFinite(normals)
+        || !std::all_of(world.begin(), world.end(),
+                        [](float value) { return std::isfinite(value); }))
         return refused("it has coordinates that are no numbers");
     const auto count = std::uint32_t(positions.size());
     for (const auto &triangle : triangles) {
@@ -130,7 +160,9 @@ void OssEvMesh::findPatches()
         for (int row = int(std::floor(low[1] + Border)); row <= lastRow; ++row) {
             for (int column = int(std::floor(low[0] + Border)); column <= lastColumn; ++column) {
                 const int patch = OssEvPatch::number(column, row);
-                if (patch != 0)
+                if (patch != 0
+                    && touches({uvs[triangles[i][0]], uvs[triangles[i][1]], uvs[triangles[i][2]]},
+                               column, row))
                     byPatch[patch].push_back(std::int32_t(i));
             }
         }

@@ -36,7 +36,7 @@ public:
     /// key. Must succeed before the mesh is used; `name` is for messages.
     OssEvResult finish(const std::string &name);
 
-    /// Hash of the content.
+    /// Hash of all of the above.
     const OssEvKey &key() const { return m_key; }
 
     /// UDIM numbers of patches that a face lies in, ascending.

@@ -6,7 +6,7 @@
 #include <vector>
 
 /// Turns a graph into values and values into stages; lives for one plan, on the one thread that
-/// makes it, which is a worker of the pool. Takes no lock and is called with none held: it reads
+/// makes it: a worker of the pool, or whoever bakes. Takes no lock and is called with none held: it reads
 /// the target, which is immutable, and asks the image provider, which may look at files.
 class OssEvPlanner
 {

@@ -41,10 +41,10 @@ public:
 
     /// Only leaves the request behind: a worker plans it.
     OssEvEngine::Id start(OssEvRequest request);
-    /// The end is told by a worker.
+    /// The end is told by a worker or the reader.
     void cancel(OssEvEngine::Id id);
     void setFocus(OssEvEngine::Id id, double x, double y);
-    /// Not on a thread of the engine's: sleeps, without the lock, until a worker has told the end.
+    /// Not on a thread of the engine's: sleeps, without the lock, until the end has been told.
     void wait(OssEvEngine::Id id);
 
     /// Has a lock of its own.

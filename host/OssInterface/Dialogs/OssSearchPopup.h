@@ -25,8 +25,6 @@ protected:
 
     QListView *list() const { return m_list; }
 
-    QLineEdit *searchField() const { return m_search; }
-
     virtual void search(const QString &text) = 0;
     /// Enter or a click on a row. The base accepts when a row is current.
     virtual void take();

@@ -14,7 +14,8 @@ class OssSnBaseNode;
 /// not be kept, and the reason when nothing was done.
 namespace OssNodeConversion {
 
-/// In place: the node stays the same object. False when the type is null or of another class.
+/// In place: the node stays the same object. False when the type is null or of another class, and
+/// for placeholders.
 bool upgrade(OssSnBaseNode *node, const std::shared_ptr<const OssSnNodeType> &type,
              QStringList *lost);
 /// By a new node with the name and the place of the old one. Where a wire's port has no namesake,

@@ -36,7 +36,8 @@ public:
     /// Null: no channel.
     void setCurrentChannel(OssChannel *channel);
 
-    /// Closes the open project without a question and starts an empty, unnamed one with one object.
+    /// Closes the open project without a question and starts an empty one, which has no
+    /// place yet, with one object.
     OssProject *newProject(const QString &name);
     /// `path` is the project's folder or the project.xml in it.
     OssResult openProject(const QString &path);

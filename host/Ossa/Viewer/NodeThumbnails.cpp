@@ -103,7 +103,7 @@ void NodeThumbnails::forgetAll()
 void NodeThumbnails::look()
 {
     const OssNgView *view = shownView();
-    if (!view || view->transform().m11() < OssNgStyle::FullDetail
+    if (!view || !view->scene() || view->transform().m11() < OssNgStyle::FullDetail
         || OssUndoManager::instance()->isMacroOpen())
         return;
     const QRectF place = view->mapToScene(view->viewport()->rect()).boundingRect();

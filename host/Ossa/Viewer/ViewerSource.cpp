@@ -12,6 +12,8 @@
 #include "OssModel/Nodes/OssSnResultKey.h"
 #include "OssModel/Project/OssProjectManager.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 
 namespace {
@@ -53,11 +55,7 @@ ViewerSource::ViewerSource(QObject *parent)
 
 ViewerSource::~ViewerSource()
 {
-    const QVector<Running> running = m_running;
     stop();
-    // Their callbacks know this object.
-    for (const Running &request : running)
-        OssEvaluationService::instance()->engine()->wait(request.id);
 }
 
 const OssGeoEntity *ViewerSource::entity() const
@@ -191,13 +189,13 @@ void ViewerSource::follow(const OssSnEvaluationGraph &graph)
 }
 
 template <class Work>
-void ViewerSource::later(int generation, Work work)
+void ViewerSource::later(const QPointer<ViewerSource> &self, int generation, Work work)
 {
     QMetaObject::invokeMethod(
-        this,
-        [this, generation, work] {
-            if (generation == m_generation)
-                work();
+        qApp,
+        [self, generation, work] {
+            if (self && generation == self->m_generation)
+                work(self.data());
         },
         Qt::QueuedConnection);
 }
@@ -209,20 +207,22 @@ void ViewerSource::startPatch(const OssSnEvaluationGraph &graph, const OssGeoEnt
     request.target = OssEvaluationService::instance()->target(graph, entity, patch, resolution);
     const int generation = m_generation;
     const ViewerLook look = m_look;
-    request.onTile = [this, generation, patch, resolution, look](const OssEvArrival &arrival) {
+    const QPointer<ViewerSource> self(this);
+    request.onTile = [self, generation, patch, resolution, look](const OssEvArrival &arrival) {
         const QImage picture = ViewerPixels::picture(*arrival.tile, look);
         const QPoint place(arrival.x * OssEvTile::Size, arrival.y * OssEvTile::Size);
-        later(generation, [this, patch, resolution, place, picture, tile = arrival.tile] {
-            Q_EMIT tileArrived(patch, resolution, place, picture, tile);
+        later(self, generation, [=, tile = arrival.tile](ViewerSource *source) {
+            Q_EMIT source->tileArrived(patch, resolution, place, picture, tile);
         });
     };
-    request.onProgress = [this, generation, patch, resolution](int done, int total) {
-        later(generation, [=] { progress(patch, resolution, done, total); });
-    };
-    request.onFinished = [this, generation, resolution](const OssEvOutcome &outcome) {
-        later(generation, [this, resolution, problem = QString::fromStdString(outcome.error)] {
-            finish(resolution, problem);
+    request.onProgress = [self, generation, patch, resolution](int done, int total) {
+        later(self, generation, [=](ViewerSource *source) {
+            source->progress(patch, resolution, done, total);
         });
+    };
+    request.onFinished = [self, generation, resolution](const OssEvOutcome &outcome) {
+        const QString problem = QString::fromStdString(outcome.error);
+        later(self, generation, [=](ViewerSource *source) { source->finish(resolution, problem); });
     };
     m_running.append({OssEvaluationService::instance()->engine()->start(std::move(request)), patch,
                       resolution, 0, 0});

@@ -85,9 +85,10 @@ private:
     void stop();
     void progress(int patch, int resolution, int done, int total);
     void finish(int resolution, const QString &problem);
-    /// Has it done on this object's thread, unless another picture has begun by then.
+    /// From any thread: has it done on the GUI thread, unless another picture has begun by then, or
+    /// the source is gone. Requests that were given up may still call.
     template <class Work>
-    void later(int generation, Work work);
+    static void later(const QPointer<ViewerSource> &self, int generation, Work work);
 
     QTimer m_timer;
     bool m_dirty = true;

@@ -245,8 +245,12 @@ QSizeF OssSnNodeGraphViewContext::nodeSize() const
 
 void OssSnNodeGraphViewContext::setNodePosition(QPointF position)
 {
-    if (m_GuiNode)
-        m_GuiNode->setPosition(position);
+    if (!m_GuiNode || m_GuiNode->pos() == position)
+        return;
+    m_GuiNode->setPosition(position);
+    // By itself it is no step; in a macro it is part of what made the node.
+    if (!OssUndoManager::instance()->isMacroOpen())
+        OssUndoManager::instance()->resetClean();
 }
 
 void OssSnNodeGraphViewContext::setNodePositionUndo(QPointF position)

@@ -144,6 +144,7 @@ void OssSnNodeGraphViewContext::setPortListMode(OssNgExtendedNode::PortListMode 
         updateStubs();
     if (itemDiffers)
         extended->setPortListMode(mode);
+    OssUndoManager::instance()->resetClean(); // it is saved, and no step
     Q_EMIT portListModeChanged(mode);
 }
 

@@ -2,6 +2,7 @@
 
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Undo/OssUndoManager.h"
+#include "OssInterface/Popups/OssApplication.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Layers/OssLayerManager.h"
 #include "OssModel/Layers/OssLayerShaderManager.h"
@@ -110,7 +111,7 @@ void OssShaderNetworkView::connectSelectedNodeToViewer(OssSnBaseNode *Node, int 
 void OssShaderNetworkView::chooseOutputPoint(OssSnBaseNode *node, OssSnBaseNode *viewer, int num)
 {
     const OssNgNode *guiNode = OssSnNodeGraphViewContextManager::guiNodeOf(node);
-    if (!guiNode)
+    if (!guiNode || !OssApplication::popupsAllowed())
         return;
     QMenu menu(this);
     const auto add = [&](const QString &text, const char *property, const QString &value) {
@@ -161,4 +162,5 @@ void OssShaderNetworkView::moveViewerToMouse()
     const QPointF place = mapToScene(viewport()->mapFromGlobal(QCursor::pos()));
     const QGraphicsItem *parent = guiNode->parentItem();
     guiNode->setPosition(parent ? parent->mapFromScene(place) : place);
+    OssUndoManager::instance()->resetClean(); // it is saved, and no step
 }

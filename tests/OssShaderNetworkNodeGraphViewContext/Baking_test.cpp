@@ -127,7 +127,7 @@ TEST_F(BakingTest, aPaintNodeTakesThePlaceOfWhatWasBaked)
     const QList<OssImageSet *> kept{m_bake->imageSet(), paint->imageSet()};
     EXPECT_EQ(m_network->shadingContext()->imageSets(), kept) << "no empty ones are left";
     EXPECT_EQ(undoCount(), 1);
-    expectItemsMatchModel();
+    expectWhole();
     expectUndoIsExact(before);
 }
 

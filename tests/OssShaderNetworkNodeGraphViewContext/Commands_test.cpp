@@ -123,12 +123,12 @@ TEST_F(CommandsTest, theCurrentMaterialIsOneProxyThatFollows)
     ASSERT_TRUE(layers->connectNodeToCurrentMaterialProxy(group->groupNetwork(), other,
                                                           other->prefferedOutputPoint(), {}));
     EXPECT_EQ(proxy->network(), group->groupNetwork());
-    expectItemsMatchModel();
+    expectWhole();
     OssUndoManager::instance()->undo();
     EXPECT_EQ(proxy->network(), m_network);
-    expectItemsMatchModel();
+    expectWhole();
     m_network->moveCurrentViewerNodeToNetwork();
-    expectItemsMatchModel();
+    expectWhole();
     while (OssUndoManager::instance()->canUndo())
         OssUndoManager::instance()->undo();
     EXPECT_EQ(OssLayerManager::currentMaterialProxy(m_network), nullptr);

@@ -292,6 +292,8 @@ void OssUndoManager::setClean()
 
 void OssUndoManager::resetClean()
 {
+    if (!isRecording())
+        return;
     const bool wasClean = isClean();
     m_cleanIndex = -1;
     if (wasClean)

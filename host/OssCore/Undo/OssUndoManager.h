@@ -104,7 +104,8 @@ public:
     void clear();
     bool isClean() const;
     void setClean();
-    /// The document differs from what is saved, and no undoing or redoing leads there.
+    /// The document differs from what is saved, and no undoing or redoing leads there: something was
+    /// restored, or changed that is saved but no step. Nothing while recording pauses.
     void resetClean();
 
 public Q_SLOTS:

@@ -1,5 +1,6 @@
 #include "OssModel/Graph/OssShaderNetwork.h"
 
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssNodeTypeTable.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
@@ -231,10 +232,23 @@ void OssShaderNetwork::setViewerNodeCurrentEdge(int edge, bool notify)
 {
     if (edge < 0 || edge > 9)
         return;
+    const auto apply = [this](int wanted) {
+        m_viewerEdge = wanted;
+        if (OssSnBaseNode *viewer = viewerNode())
+            Q_EMIT viewer->viewerNodeCurrentEdgeChanged(wanted);
+    };
+    const int before = m_viewerEdge;
     m_viewerEdge = edge;
-    OssSnBaseNode *viewer = notify ? viewerNode() : nullptr;
-    if (viewer)
-        Q_EMIT viewer->viewerNodeCurrentEdgeChanged(edge);
+    if (notify)
+        apply(edge);
+    if (edge == before)
+        return;
+    OssUndoManager *undo = OssUndoManager::instance();
+    if (undo->isMacroOpen())
+        undo->record(
+            {}, [apply, before] { apply(before); }, [apply, edge] { apply(edge); });
+    else
+        undo->resetClean();
 }
 
 OssSnBaseNode *OssShaderNetwork::viewerNode() const

@@ -116,7 +116,8 @@ public:
         QPointer<OssShaderNetwork> m_network;
     };
 
-    /// Of a root network: which input of its viewer is looked at.
+    /// Of a root network: which input of its viewer is looked at. Part of the step that is being
+    /// made; by itself no step, but the project counts as modified.
     int viewerNodeCurrentEdge() const { return m_viewerEdge; }
 
     void setViewerNodeCurrentEdge(int edge, bool notify);
@@ -160,10 +161,15 @@ private:
     NodePointer takeNode(OssSnBaseNode *node, int *index);
     void registerNode(OssSnBaseNode *node);
     void moveNodeHere(OssSnBaseNode *node);
+    /// Brings the viewer here when it is inside a group that is about to leave.
+    void keepViewer(const OssSnBaseNode *leaving);
+    static void cutWiresOut(const OssSnBaseNode *leaving);
     void releaseName(const QString &name);
     void relocate(const QList<OssSnBaseNode *> &nodes, OssShaderNetwork *target);
     void moveToPlaces(const QList<OssSnBaseNode *> &moved, const QVector<int> &places);
     void applyOrder(const QList<OssSnBaseNode *> &nodes);
+    /// Of a network that was read and is to stand inside of another one's group.
+    void dropLoadedViewers();
     bool belongsHere(const OssSnBaseNode *node) const;
     void removeUnchecked(const QList<OssSnBaseNode *> &nodes, const QString &title);
     void extractNode(OssSnBaseNode *node);

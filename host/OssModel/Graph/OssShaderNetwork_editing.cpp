@@ -30,6 +30,8 @@ struct OssShaderNetwork::Removed
 
     void takeFrom(OssShaderNetwork *network)
     {
+        for (const Entry &entry : entries)
+            network->keepViewer(entry.node);
         // Backwards, so that each index is right again when they are put back forwards.
         for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
             // A viewer is moved between networks without a step that tells of it.
@@ -48,6 +50,21 @@ struct OssShaderNetwork::Removed
     }
 };
 
+void OssShaderNetwork::keepViewer(const OssSnBaseNode *leaving)
+{
+    const auto *group = qobject_cast<const OssSnGroupNode *>(leaving);
+    if (!group)
+        return;
+    const QList<OssSnBaseNode *> inside = group->groupNetwork()->getAllNodes();
+    const auto viewer = std::find_if(inside.cbegin(), inside.cend(), [](const OssSnBaseNode *node) {
+        return node->hasTag(QStringLiteral("_viewer"));
+    });
+    if (viewer == inside.cend())
+        return;
+    const OssUndoManager::Pause pause;
+    moveNodeHere(*viewer);
+}
+
 OssShaderNetwork::NodePointer OssShaderNetwork::makeNode(const QString &pathKey)
 {
     return OssSnNodeFactory::make(OssShaderNetworkManager::instance()->nodeType(pathKey));
@@ -59,6 +76,10 @@ OssSnBaseNode *OssShaderNetwork::createNode(const QString &pathKey, const QStrin
     NodePointer made = makeNode(pathKey);
     if (made->isPlaceholder()) {
         OssDebug(Source, __LINE__, "[ !! ] There is no node type '%s'", qPrintable(pathKey));
+        return nullptr;
+    }
+    if (made->hasTag(QStringLiteral("_viewer")) && viewerNode()) {
+        OssDebug(Source, __LINE__, "[ !! ] An object has one viewer, and this one has it");
         return nullptr;
     }
     if (!name.isEmpty())
@@ -115,6 +136,21 @@ bool OssShaderNetwork::belongsHere(const OssSnBaseNode *node) const
     return !node->hasTag(QStringLiteral("_viewer")) && (!port || parentGroupNode());
 }
 
+void OssShaderNetwork::dropLoadedViewers()
+{
+    for (auto node = m_nodes.begin(); node != m_nodes.end();) {
+        if (const auto *group = qobject_cast<const OssSnGroupNode *>(node->get()))
+            group->groupNetwork()->dropLoadedViewers();
+        if (!(*node)->hasTag(QStringLiteral("_viewer"))) {
+            ++node;
+            continue;
+        }
+        (*node)->cutLoadedWires();
+        releaseName((*node)->name());
+        node = m_nodes.erase(node);
+    }
+}
+
 QList<OssSnBaseNode *> OssShaderNetwork::takeOverNodes(OssShaderNetwork *read)
 {
     QStringList faults; // wires from nodes that were not taken along
@@ -134,6 +170,8 @@ QList<OssSnBaseNode *> OssShaderNetwork::takeOverNodes(OssShaderNetwork *read)
                 node->cutLoadedWires();
         }
         for (NodePointer &node : nodes) {
+            if (const auto *group = qobject_cast<const OssSnGroupNode *>(node.get()))
+                group->groupNetwork()->dropLoadedViewers();
             if (belongsHere(node.get()))
                 inserted.append(insertNode(std::move(node), -1));
         }
@@ -169,6 +207,21 @@ bool OssShaderNetwork::isRemovable(const OssSnBaseNode *node)
     return !node->hasTag(QStringLiteral("_GraphLayerInput"));
 }
 
+/// A viewer may look into a group from outside of it.
+void OssShaderNetwork::cutWiresOut(const OssSnBaseNode *leaving)
+{
+    const auto *group = qobject_cast<const OssSnGroupNode *>(leaving);
+    const QList<OssSnBaseNode *> inside = group ? group->groupNetwork()->getAllNodes()
+                                                : QList<OssSnBaseNode *>();
+    for (const OssSnBaseNode *node : inside) {
+        const QVector<OssSnBaseNode::OutgoingConnection> wires = node->outgoingConnections();
+        for (const OssSnBaseNode::OutgoingConnection &wire : wires) {
+            if (!inside.contains(wire.target))
+                wire.target->setInputNode(wire.input, nullptr, {});
+        }
+    }
+}
+
 void OssShaderNetwork::removeUnchecked(const QList<OssSnBaseNode *> &nodes, const QString &title)
 {
     OssUndoManager::AutoMacro macro(title);
@@ -178,6 +231,8 @@ void OssShaderNetwork::removeUnchecked(const QList<OssSnBaseNode *> &nodes, cons
         if (OssSnGroupNode *group = parentGroupNode())
             group->onNodeRemovedInside(node);
         node->disconnectAll();
+        keepViewer(node);
+        cutWiresOut(node);
     }
     auto removed = std::make_shared<Removed>();
     const QSet<OssSnBaseNode *> wanted(nodes.cbegin(), nodes.cend());
@@ -252,9 +307,13 @@ OssSnBaseNode *OssShaderNetwork::moveCurrentViewerNodeToNetwork()
     // The making is a step, or undoing the removal of the last viewer would bring back a second.
     if (!viewer)
         return createNode(QStringLiteral("_System/Viewer"));
-    const OssUndoManager::Pause pause;
-    if (viewer->network() != this)
+    if (viewer->network() == this)
+        return viewer;
+    {
+        const OssUndoManager::Pause pause;
         moveNodeHere(viewer);
+    }
+    OssUndoManager::instance()->resetClean(); // it is saved, and no step
     return viewer;
 }
 

@@ -76,6 +76,11 @@ void moveTo(const OssSnBaseNode *node, const QPointF &position)
         context->setNodePositionUndo(position);
 }
 
+bool isViewer(const OssSnBaseNode *node)
+{
+    return node->hasTag(QStringLiteral("_viewer"));
+}
+
 bool isPort(const OssSnBaseNode *node)
 {
     return node->hasTag(QStringLiteral("_input")) || node->hasTag(QStringLiteral("_output"));
@@ -217,7 +222,7 @@ OssSnGroupNode *OssShaderNetwork::groupNodes(const QList<OssSnBaseNode *> &membe
     QList<OssSnBaseNode *> own;
     for (const NodePointer &node : m_nodes) {
         if (members.contains(node.get()) && isRemovable(node.get()) && !isPort(node.get())
-            && !node->hasTag(QStringLiteral("_viewer")))
+            && !isViewer(node.get()))
             own.append(node.get());
     }
     if (own.isEmpty())
@@ -273,10 +278,17 @@ QList<OssSnBaseNode *> OssShaderNetwork::ungroup(OssSnGroupNode *group)
     for (OssSnBaseNode *node : all) {
         if (isPort(node))
             node->disconnectAll();
-        else
+        else if (!isViewer(node))
             inside.append(node);
     }
     const QPointF way = areaOf(group).center() - areaOf(inside).center();
+    // Where the viewer stands is no part of a step.
+    const OssSnBaseNode *viewer = viewerNode();
+    if (viewer && viewer->network() == group->groupNetwork()) {
+        moveCurrentViewerNodeToNetwork();
+        if (OssSnBaseContext *context = viewer->viewContext())
+            context->setNodePosition(context->nodePosition() + way);
+    }
     const QVector<int> places = group->rememberedPlaces(inside);
     group->groupNetwork()->relocate(inside, this);
     group->handKnobsOver();

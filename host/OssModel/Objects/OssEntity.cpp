@@ -1,5 +1,7 @@
 #include "OssModel/Objects/OssEntity.h"
 
+#include "OssCore/Undo/OssUndoManager.h"
+
 OssEntity::OssEntity(const QString &name, QObject *parent)
     : OssSerializableObject(parent)
     , m_name(name)
@@ -7,3 +9,11 @@ OssEntity::OssEntity(const QString &name, QObject *parent)
 }
 
 OssEntity::~OssEntity() = default;
+
+void OssEntity::setName(const QString &name)
+{
+    if (name == m_name)
+        return;
+    m_name = name;
+    OssUndoManager::instance()->resetClean();
+}

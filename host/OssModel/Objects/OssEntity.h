@@ -14,7 +14,8 @@ public:
 
     QString name() const { return m_name; }
 
-    void setName(const QString &name) { m_name = name; }
+    /// No step, but the project counts as modified.
+    void setName(const QString &name);
 
 private:
     QString m_name;

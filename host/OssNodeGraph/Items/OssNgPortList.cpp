@@ -95,6 +95,12 @@ bool OssNgPortList::remove(const QString &name)
     if (index < 0)
         return false;
     m_ports.removeAt(index);
+    if (m_given) { // names are in the order of the ports
+        for (QStringList *names : {&m_given->descriptiveNames, &m_given->prettyNames}) {
+            if (index < names->size())
+                names->removeAt(index);
+        }
+    }
     return true;
 }
 

@@ -13,8 +13,7 @@ protected:
     void SetUp() override
     {
         GraphFixture::SetUp();
-        m_manager->nodeGraphWidget()->resize(900, 600);
-        m_manager->nodeGraphWidget()->show();
+        m_view->window()->show(); // or the view has no size of its own
         m_view->fitInView({-100, -100, 800, 500}, Qt::KeepAspectRatio);
     }
 

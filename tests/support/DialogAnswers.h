@@ -1,0 +1,70 @@
+#pragma once
+
+#include "OssInterface/Popups/OssApplication.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QFileDialog>
+#include <QInputDialog>
+#include <QMessageBox>
+#include <QPointer>
+#include <QStringList>
+#include <QTimer>
+
+/// A user for the dialogs that open while it lives: file dialogs get `file` and are cancelled without
+/// one, questions for a text or an entry get `text` the same way, boxes get the button.
+class DialogAnswers
+{
+public:
+    explicit DialogAnswers(const QString &file = QString(),
+                           QMessageBox::StandardButton button = QMessageBox::Cancel,
+                           const QString &text = QString())
+        : m_popups(OssApplication::popupsAllowed())
+    {
+        OssApplication::setPopupsAllowed(true);
+        QObject::connect(&m_look, &QTimer::timeout, [=] { answer(file, button, text); });
+        m_look.start(5);
+    }
+
+    ~DialogAnswers() { OssApplication::setPopupsAllowed(m_popups); }
+
+    DialogAnswers(const DialogAnswers &) = delete;
+    DialogAnswers &operator=(const DialogAnswers &) = delete;
+
+    int questions = 0;   ///< file dialogs and questions for a text
+    QStringList boxes;   ///< what message boxes said
+    QStringList offered; ///< the entries of the last question for one
+
+private:
+    void answer(const QString &file, QMessageBox::StandardButton button, const QString &text)
+    {
+        QWidget *modal = QApplication::activeModalWidget();
+        if (!modal || modal == m_last)
+            return;
+        m_last = modal;
+        if (auto *box = qobject_cast<QMessageBox *>(modal)) {
+            boxes.append(box->text());
+            QAbstractButton *wanted = box->button(button);
+            if (wanted)
+                wanted->click();
+            else
+                box->close();
+            return;
+        }
+        ++questions;
+        if (auto *files = qobject_cast<QFileDialog *>(modal); files && !file.isEmpty()) {
+            files->selectFile(file);
+            static_cast<QDialog *>(files)->accept();
+        } else if (auto *input = qobject_cast<QInputDialog *>(modal); input && !text.isEmpty()) {
+            offered = input->comboBoxItems();
+            input->setTextValue(text);
+            input->accept();
+        } else {
+            modal->close();
+        }
+    }
+
+    bool m_popups;
+    QTimer m_look;
+    QPointer<QWidget> m_last;
+};

@@ -1,6 +1,11 @@
 #include "Ossa/Viewer/PaintTileStore.h"
 
+#include "support/ExpectedLog.h"
+#include "support/SystemCallFaults.h"
+
 #include <gtest/gtest.h>
+
+#include <cerrno>
 
 namespace {
 
@@ -48,6 +53,32 @@ TEST(PaintTileStore, stepsShareTilesAndThoseInUseStay)
     EXPECT_EQ(store->bytesInMemory(), OssEvPaintTile::Bytes);
     EXPECT_EQ(after->tile(), used);
     EXPECT_EQ(unused->tile()->texel(7)[0], 2.0F);
+}
+
+TEST(PaintTileStore, whatCannotBeWrittenStaysInMemory)
+{
+    const ExpectedLog told("PaintTileStore", ExpectedLog::Possible);
+    const ExpectedLog full("No space left", ExpectedLog::Needed);
+    bool reached = true;
+    int number = 1;
+    for (; reached; ++number) {
+        const auto store = std::make_shared<PaintTileStore>(0);
+        const auto first = store->keep(tileOf(1.0F));
+        const auto second = store->keep(tileOf(2.0F));
+        {
+            const SystemCallFaults fault(number, ENOSPC);
+            store->trim();
+            reached = SystemCallFaults::happened();
+        }
+        EXPECT_EQ(store->bytesInMemory() > 0, reached) << number;
+        EXPECT_EQ(first->tile()->texel(7)[0], 1.0F) << number;
+        EXPECT_EQ(second->tile()->texel(7)[0], 2.0F) << number;
+        store->trim();
+        EXPECT_EQ(store->bytesInMemory(), 0U) << number;
+        EXPECT_EQ(first->tile()->texel(7)[0], 1.0F) << number;
+        EXPECT_EQ(second->tile()->texel(7)[0], 2.0F) << number;
+    }
+    EXPECT_GT(number, 3);
 }
 
 } // namespace

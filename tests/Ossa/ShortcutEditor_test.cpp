@@ -95,6 +95,23 @@ TEST_F(ShortcutEditing, conflictIsNamedAndTakenOverOnlyWhenAsked)
     EXPECT_TRUE(warning().isEmpty());
 }
 
+TEST_F(ShortcutEditing, takingOverAlsoFreesWhatOnlyBeginsWithTheKey)
+{
+    shortcuts()->setKeys(cutPath, {QKeySequence(Qt::Key_F6, Qt::Key_F7)});
+    choose("Glue It");
+    QTest::keyClick(recorder, Qt::Key_F6);
+    press("Take Over");
+    EXPECT_TRUE(shortcuts()->keys(cutPath).isEmpty());
+    EXPECT_EQ(shortcuts()->keys(gluePath), QList<QKeySequence>{QKeySequence(Qt::Key_F6)});
+}
+
+TEST_F(ShortcutEditing, commandsOfOneFolderStandTogether)
+{
+    const QModelIndex group = row("Cut It").parent();
+    EXPECT_TRUE(group.isValid());
+    EXPECT_EQ(row("Glue It").parent(), group);
+}
+
 TEST_F(ShortcutEditing, removeAndReset)
 {
     choose("Cut It");

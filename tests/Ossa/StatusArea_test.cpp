@@ -81,3 +81,22 @@ TEST_F(Status, messagesAreShown)
     OssStatusManager::instance()->showMessage(QStringLiteral("Saved wall.ossa"));
     EXPECT_EQ(area->currentMessage(), QStringLiteral("Saved wall.ossa"));
 }
+
+TEST_F(Status, whatIsNoInputArrivesMeanwhile)
+{
+    bool arrived = false;
+    QMetaObject::invokeMethod(
+        field, [&arrived] { arrived = true; }, Qt::QueuedConnection);
+    stepsUntilCancelled(12);
+    EXPECT_TRUE(arrived);
+}
+
+TEST_F(Status, workWithinWorkLetsNothingElseThroughEither)
+{
+    QTimer::singleShot(0, field, [this] {
+        Q_EMIT OssStatusManager::instance()->progressChanged(1, 2);
+        QTest::keyClicks(field, QStringLiteral("typed"));
+    });
+    stepsUntilCancelled(12);
+    EXPECT_TRUE(field->text().isEmpty());
+}

@@ -24,6 +24,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <QTreeWidget>
 
 #include <cerrno>
 
@@ -204,6 +205,78 @@ TEST_F(WorkRecoveryTest, aDamagedCopyIsToldAndPutAside)
                   .entryList(QDir::Dirs | QDir::NoDotAndDotDot)
                   .size(),
               1);
+}
+
+TEST_F(WorkRecoveryTest, restoringLeavesOpenWorkAloneUnlessTheUserLetsItGo)
+{
+    QAction *recover = OssActionTreeManager::instance()->findAction(
+        QStringLiteral("/Ossa/File/Recover Unsaved Work..."));
+    const QPointer<OssProject> open = projects()->newProject(QStringLiteral("Open"));
+    change();
+    whenOpen<RecoveryDialog>([](RecoveryDialog *dialog) {
+        whenOpen<QMessageBox>([](QMessageBox *box) { box->button(QMessageBox::Cancel)->click(); });
+        press(dialog, "Restore");
+    });
+    recover->trigger();
+    EXPECT_EQ(projects()->currentProject(), open);
+    EXPECT_TRUE(projects()->isModified());
+    EXPECT_EQ(copies().size(), 1);
+    whenOpen<RecoveryDialog>([](RecoveryDialog *dialog) {
+        whenOpen<QMessageBox>([](QMessageBox *box) { box->button(QMessageBox::Discard)->click(); });
+        press(dialog, "Restore");
+    });
+    recover->trigger();
+    ASSERT_NE(projects()->currentProject(), nullptr);
+    EXPECT_EQ(projects()->currentProject()->stateHash(), m_hash);
+    QString text;
+    whenOpen<QMessageBox>([&text](QMessageBox *box) {
+        text = box->text();
+        box->close();
+    });
+    recover->trigger();
+    EXPECT_TRUE(text.contains(QStringLiteral("No session"))) << "there is no other copy";
+}
+
+TEST_F(WorkRecoveryTest, aCopyThatVanishesWhileItIsOfferedIsTold)
+{
+    QString text;
+    whenOpen<RecoveryDialog>([&text](RecoveryDialog *dialog) {
+        const QString place = OssRecovery::standardFolder() + QLatin1Char('/') + copies().first();
+        QFile::remove(OssProjectFile::documentPath(place));
+        whenOpen<QMessageBox>([&text](QMessageBox *box) {
+            text = box->text();
+            box->close();
+        });
+        press(dialog, "Restore");
+    });
+    window->openAtStart(m_path);
+    EXPECT_TRUE(text.contains(QStringLiteral("cannot be opened"))) << qPrintable(text);
+    EXPECT_EQ(projects()->currentProject()->path(), m_path);
+    EXPECT_FALSE(window->isWindowModified());
+}
+
+TEST_F(WorkRecoveryTest, theListTellsWhenWorkWasCopiedAndSaved)
+{
+    const QDateTime noon(QDate::currentDate(), QTime(12, 0));
+    OssRecovery::Entry unsaved;
+    unsaved.name = QStringLiteral("unsaved");
+    unsaved.copiedAt = noon.toUTC();
+    OssRecovery::Entry gone = unsaved;
+    gone.path = m_folder.filePath(QStringLiteral("gone.ossa"));
+    gone.copiedAt = noon.addDays(-3).toUTC();
+    OssRecovery::Entry saved = gone;
+    saved.path = m_path;
+    const RecoveryDialog dialog({unsaved, gone, saved});
+    const auto *list = dialog.findChild<QTreeWidget *>();
+    const auto text = [list](int row, int column) {
+        return list->topLevelItem(row)->text(column);
+    };
+    EXPECT_TRUE(text(0, 1).startsWith(QStringLiteral("Today, ")));
+    EXPECT_FALSE(text(1, 1).startsWith(QStringLiteral("Today, ")));
+    EXPECT_EQ(text(0, 2), QStringLiteral("Never saved"));
+    EXPECT_EQ(text(1, 2), QStringLiteral("Not there any more"));
+    const QFileInfo document(OssProjectFile::documentPath(m_path));
+    EXPECT_EQ(text(2, 2), RecoveryDialog::timeText(document.lastModified()));
 }
 
 TEST_F(WorkRecoveryTest, onlyTheUsersWordEndsACopy)

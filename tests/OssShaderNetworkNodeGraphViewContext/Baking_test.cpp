@@ -6,6 +6,7 @@
 #include "OssModel/Nodes/OssSnBakePointNode.h"
 #include "OssModel/Objects/OssImageSet.h"
 #include "OssModel/Objects/OssShadingContext.h"
+#include "support/DialogAnswers.h"
 
 #include <QDir>
 #include <QImage>
@@ -174,4 +175,73 @@ TEST_F(BakingTest, aMaterialsPreviewIsALitBallOfItsColor)
     EXPECT_EQ(qAlpha(picture.pixel(1, 1)), 0);
     EXPECT_EQ(qAlpha(picture.pixel(128, 128)), 255);
     EXPECT_GT(qGray(picture.pixel(80, 60)), qGray(picture.pixel(200, 220)));
+}
+
+TEST_F(BakingTest, aPortOrAChannelIsChosenOrNothingHappens)
+{
+    OssSnBaseNode *several = addAt("Procedural/Noise/Cellular", {900, 0});
+    ASSERT_GT(several->outputPointNames().size(), 1);
+    OssGeoImageSet *rust = m_network->geoEntity()->addGeoImageSet(QStringLiteral("Rust"));
+    OssGeoImageSet *wood = m_network->geoEntity()->addGeoImageSet(QStringLiteral("Wood"));
+    OssUndoManager::instance()->clear();
+    select({several});
+    {
+        const int nodes = m_network->nodes().size();
+        const DialogAnswers cancelled;
+        m_view->bakeToPaintableNode();
+        EXPECT_EQ(cancelled.questions, 1);
+        EXPECT_EQ(undoCount(), 0);
+        EXPECT_EQ(m_network->nodes().size(), nodes);
+    }
+    select({m_color});
+    {
+        const DialogAnswers cancelled;
+        m_view->exportToGeoChannel();
+        EXPECT_EQ(cancelled.questions, 1);
+    }
+    {
+        const DialogAnswers chosen(QString(), QMessageBox::Ok, QStringLiteral("Wood"));
+        m_view->exportToGeoChannel();
+        EXPECT_EQ(chosen.boxes.join(QLatin1Char('|')).toStdString(), "");
+        EXPECT_EQ(chosen.questions, 1);
+        EXPECT_EQ(chosen.offered, (QStringList{QStringLiteral("Rust"), QStringLiteral("Wood")}));
+    }
+    EXPECT_FALSE(rust->isValid());
+    EXPECT_TRUE(wood->isValid());
+}
+
+TEST_F(BakingTest, withoutChannelsTheExportSaysSo)
+{
+    select({m_color});
+    const DialogAnswers answers(QString(), QMessageBox::Ok);
+    m_view->exportToGeoChannel();
+    EXPECT_EQ(answers.questions, 0);
+    ASSERT_EQ(answers.boxes.size(), 1);
+    EXPECT_TRUE(answers.boxes.first().startsWith(QStringLiteral("No geo-channels")));
+    EXPECT_EQ(undoCount(), 0);
+}
+
+TEST_F(BakingTest, imagesAreSetByTheirName)
+{
+    const OssImageSet *set = m_bake->imageSet();
+    auto *other = qobject_cast<OssSnImageSetNodeBase *>(m_network->createPaintableNode({}));
+    ASSERT_NE(other->imageSet(), set);
+    const OssImageSet *own = other->imageSet();
+    select({m_color, other});
+    OssUndoManager::instance()->clear();
+    {
+        const DialogAnswers cancelled;
+        m_view->setImageSetByNameAction();
+    }
+    {
+        const DialogAnswers unknown(QString(), QMessageBox::Ok, QStringLiteral("No Such"));
+        m_view->setImageSetByNameAction();
+        EXPECT_TRUE(logHas(QStringLiteral("There are no images 'No Such'")));
+    }
+    EXPECT_EQ(undoCount(), 0);
+    EXPECT_EQ(other->imageSet(), own);
+    const DialogAnswers known(QString(), QMessageBox::Ok, set->name());
+    m_view->setImageSetByNameAction();
+    EXPECT_EQ(other->imageSet(), set);
+    EXPECT_EQ(undoCount(), 1);
 }

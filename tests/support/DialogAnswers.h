@@ -51,11 +51,15 @@ private:
                 box->close();
             return;
         }
+        auto *files = qobject_cast<QFileDialog *>(modal);
+        auto *input = qobject_cast<QInputDialog *>(modal);
+        if (!files && !input) // the progress of some work
+            return;
         ++questions;
-        if (auto *files = qobject_cast<QFileDialog *>(modal); files && !file.isEmpty()) {
+        if (files && !file.isEmpty()) {
             files->selectFile(file);
             static_cast<QDialog *>(files)->accept();
-        } else if (auto *input = qobject_cast<QInputDialog *>(modal); input && !text.isEmpty()) {
+        } else if (input && !text.isEmpty()) {
             offered = input->comboBoxItems();
             input->setTextValue(text);
             input->accept();

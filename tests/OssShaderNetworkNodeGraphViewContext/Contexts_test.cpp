@@ -376,13 +376,14 @@ TEST_F(LoaderTest, looksAreReadFromTheDescription)
     OssSnNodeGraphViewContext *context = load(
         "<D><Skip><Contexts/></Skip><Contexts><Context Type=\"Other\" ShapeType=\"9\"/>"
         "<Context Type=\"NodeGraphView\" ShapeType=\"7\" NodeColorTop=\"1,0,0,1\" "
-        "Pixmap=\"a.png\" PixmapOffset=\"4,-2\">"
+        "NodeColorBottom=\"0,1,0,1\" Pixmap=\"a.png\" PixmapOffset=\"4,-2\">"
         "<Inputs><Input Name=\"In\" Tags=\"a,,b\"><Pos OriginOffset=\"3\">1,2</Pos>"
         "<Pos>5,x</Pos></Input><Input Tags=\"c\"/></Inputs>"
         "<Outputs><Output Name=\"Out\"><Pos>1,2,3</Pos></Output></Outputs>"
         "</Context></Contexts></D>");
     EXPECT_EQ(context->shapeType(), 7);
     EXPECT_EQ(context->nodeColorTop(), QStringLiteral("1,0,0,1"));
+    EXPECT_EQ(context->nodeColorBottom(), QStringLiteral("0,1,0,1"));
     EXPECT_EQ(context->pixmapPath(), QStringLiteral("a.png"));
     EXPECT_EQ(context->pixmapOffset(), QPoint(4, -2));
     EXPECT_TRUE(context->hasInputTag(QStringLiteral("In"), QStringLiteral("a")));

@@ -1,7 +1,11 @@
 #include "GraphFixture.h"
 #include "OssInterface/Popups/OssApplication.h"
+#include "OssModel/Images/OssImage.h"
+#include "OssModel/Images/OssImageList.h"
+#include "OssModel/Images/OssImageManager.h"
 #include "OssModel/Nodes/OssNodeArchive.h"
 
+#include <QImage>
 #include <QMimeData>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -118,6 +122,28 @@ TEST_F(Drops, whatNobodyCanReadChangesNothing)
     EXPECT_EQ(m_view->viewport()->grab(around).toImage(), empty) << "the ghost is gone";
     EXPECT_EQ(m_project->stateHash(), before);
     EXPECT_EQ(undoCount(), 0);
+}
+
+TEST_F(Drops, aPictureGoesToEveryPlaceOfItsNodeAndNowhereWithoutOne)
+{
+    const ExpectedLog unknown("No/Such", ExpectedLog::Possible);
+    QImage picture(4, 4, QImage::Format_RGB32);
+    picture.fill(Qt::blue);
+    ASSERT_TRUE(picture.save(file("a.png")));
+    OssImage *image = OssImageManager::instance()->open(file("a.png"), 0, {}).first().image;
+    const int count = m_network->nodes().size();
+    const QSignalSpy told(m_view, &OssShaderNetworkView::nodeAdded);
+    m_view->createNodeFromDropImage(image, QStringLiteral("No/Such"), {300, 300});
+    EXPECT_EQ(told.count(), 0);
+    EXPECT_EQ(m_network->nodes().size(), count);
+    m_view->createNodeFromDropImage(image, QStringLiteral("Environment/Tri Planar Projection"),
+                                    {300, 300});
+    ASSERT_EQ(m_network->nodes().size(), count + 1);
+    const OssSnBaseNode *node = m_network->nodes().last();
+    for (const char *name : {"frontImage", "topImage", "rightImage"})
+        EXPECT_EQ(
+            OssImageList::fromVariant(node->attribute(QString::fromLatin1(name))).ids().size(), 1)
+            << name;
 }
 
 } // namespace

@@ -177,6 +177,7 @@ TEST_F(ManagerTest, preferencesTakeGoodValuesAndTellOnce)
 
     m_manager->setDefaultNodePortDisplayMode(QStringLiteral("No Port List (Vertical)"));
     EXPECT_EQ(m_manager->defaultNodePortDisplayModeAsEnum(), 1);
+    EXPECT_EQ(contextOf(add("Filter/Blur"))->portListMode(), OssNgExtendedNode::NoPortList);
     EXPECT_EQ(contextOf(add("Filter/Blur"))->portListModeAsInt(), 1);
     m_manager->setDefaultNodePortDisplayMode(QStringLiteral("nonsense"));
     EXPECT_EQ(m_manager->defaultNodePortDisplayModeAsEnum(), 0);

@@ -139,4 +139,13 @@ TEST_F(PlacementTest, withoutAViewNothingMoves)
     widget->removeTab(1);
 }
 
+TEST_F(PlacementTest, besideNothingANodeStaysWhereItIs)
+{
+    OssSnBaseNode *node = addAt("Filter/Blur", {40, 60});
+    m_view->positionNodeBesideReference(node, nullptr);
+    EXPECT_EQ(itemOf(node)->pos(), QPointF(40, 60));
+    m_view->positionNodeBesideReference(node, addAt("Filter/Blur", {500, 60}));
+    EXPECT_NE(itemOf(node)->pos(), QPointF(40, 60));
+}
+
 } // namespace

@@ -6,6 +6,7 @@
 #include "OssModel/Images/OssImageManager.h"
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectManager.h"
+#include "support/DialogAnswers.h"
 #include "support/ModelFixture.h"
 
 #include <gtest/gtest.h>
@@ -13,6 +14,7 @@
 #include <QIcon>
 #include <QListView>
 #include <QMimeData>
+#include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -83,4 +85,42 @@ TEST_F(Images, areDroppedAsFilesAndKnowThatTheyAreSelected)
     list->setCurrentIndex(list->model()->index(1, 0));
     EXPECT_FALSE(images.first()->selected());
     EXPECT_TRUE(images.last()->selected());
+}
+
+TEST_F(Images, areOpenedFromADialogAndWhatIsNoneIsNamed)
+{
+    QFile notes(path("notes.txt"));
+    ASSERT_TRUE(notes.open(QIODevice::WriteOnly));
+    notes.write("no picture");
+    notes.close();
+
+    const struct
+    {
+        const char *file;
+        int images;
+        int boxes;
+    } cases[] = {{"", 0, 0}, {"notes.txt", 0, 1}, {"wood.png", 1, 0}};
+
+    ImagesPanel panel;
+    const ExpectedLog unread("notes.txt", ExpectedLog::Possible);
+    for (const auto &c : cases) {
+        const DialogAnswers answers(*c.file ? path(c.file) : QString(), QMessageBox::Ok);
+        panel.findChild<QPushButton *>()->click();
+        EXPECT_EQ(answers.questions, 1) << c.file;
+        EXPECT_EQ(answers.boxes.size(), c.boxes) << c.file;
+        EXPECT_EQ(panel.findChild<QListView *>()->model()->rowCount(), c.images) << c.file;
+    }
+}
+
+TEST_F(Images, onlyPicturesCanBeDropped)
+{
+    QFile notes(path("notes.txt"));
+    ASSERT_TRUE(notes.open(QIODevice::WriteOnly));
+    const ImageListModel model;
+    for (const char *name : {"notes.txt", "wood.png"}) {
+        QMimeData files;
+        files.setUrls({QUrl::fromLocalFile(path(name))});
+        EXPECT_EQ(model.canDropMimeData(&files, Qt::CopyAction, -1, -1, {}),
+                  QLatin1String(name) == QLatin1String("wood.png"));
+    }
 }

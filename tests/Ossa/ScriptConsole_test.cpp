@@ -68,6 +68,9 @@ TEST_F(ScriptConsole, runsWhatIsTypedAndShowsBothInputAndOutput)
     EXPECT_EQ(input->toPlainText(), QStringLiteral("2 * 21"));
     QTest::keyClick(input, Qt::Key_Up);
     EXPECT_TRUE(input->toPlainText().startsWith(QStringLiteral("for i")));
+    for (int i = 0; i < 100; ++i) // beyond what was ever typed
+        QTest::keyClick(input, Qt::Key_Up);
+    EXPECT_TRUE(input->toPlainText().startsWith(QStringLiteral("for i")));
     QTest::keyClick(input, Qt::Key_Down);
     QTest::keyClick(input, Qt::Key_Down);
     QTest::keyClick(input, Qt::Key_Down);

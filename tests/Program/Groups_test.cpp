@@ -1,3 +1,4 @@
+#include "Ossa/Palettes/NodeTypesPanel.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/DragAndDrop/OssDragAndDropManager.h"
@@ -11,7 +12,9 @@
 
 #include <QAction>
 #include <QFileDialog>
+#include <QLineEdit>
 #include <QTemporaryDir>
+#include <QTest>
 #include <QTimer>
 
 namespace {
@@ -116,6 +119,23 @@ TEST_F(Groups, nodeTypesThatAreGoneAreNotMade)
     EXPECT_EQ(m_network->nodes().size(), count);
     EXPECT_TRUE(OssDragAndDropManager::createNode(QStringLiteral("Filter/Blur")));
     EXPECT_EQ(m_network->nodes().size(), count + 1);
+}
+
+TEST_F(Groups, enterInTheListOfNodeTypesMakesTheOneThatIsFound)
+{
+    const ExpectedLog unfocused("current active widget", ExpectedLog::Possible);
+    NodeTypesPanel panel;
+    auto *search = panel.findChild<QLineEdit *>();
+    const int count = m_network->nodes().size();
+    QTest::keyClicks(search, QStringLiteral("no such type"));
+    QTest::keyClick(search, Qt::Key_Return);
+    EXPECT_EQ(m_network->nodes().size(), count);
+    search->clear();
+    QTest::keyClicks(search, QStringLiteral("Sharpen"));
+    QTest::keyClick(search, Qt::Key_Down);
+    QTest::keyClick(search, Qt::Key_Return);
+    ASSERT_EQ(m_network->nodes().size(), count + 1);
+    EXPECT_EQ(m_network->nodes().last()->pathKey(), QStringLiteral("Filter/Sharpen"));
 }
 
 TEST_F(Groups, portsGoToTheSelectedGroupOrToTheOneThatIsShown)

@@ -191,12 +191,6 @@ void PaletteDocks::resetLayout()
     sizeAreas();
 }
 
-bool PaletteDocks::isOpen(const OssPalette *palette) const
-{
-    const ads::CDockWidget *dock = m_docks.value(palette);
-    return dock && !dock->isClosed();
-}
-
 bool PaletteDocks::eventFilter(QObject *watched, QEvent *event)
 {
     // Shares hold once the window has its size.

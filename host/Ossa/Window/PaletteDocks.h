@@ -28,8 +28,6 @@ public:
     /// The layout that a new user gets.
     void resetLayout();
 
-    bool isOpen(const OssPalette *palette) const;
-
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:

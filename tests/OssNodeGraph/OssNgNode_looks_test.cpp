@@ -12,12 +12,13 @@
 
 namespace {
 
-QImage picture(GraphScene *scene, const OssNgNode *node)
+QImage picture(GraphScene *scene, const OssNgNode *node, const QSize &size = {400, 200})
 {
-    QImage image(400, 200, QImage::Format_RGB32);
+    QImage image(size, QImage::Format_RGB32);
     image.fill(Qt::black);
     QPainter painter(&image);
-    OssNgRenderer::paintSceneTo(&painter, scene, node->sceneBoundingRect(), {0, 0, 400, 200});
+    OssNgRenderer::paintSceneTo(&painter, scene, node->sceneBoundingRect(),
+                                QRectF(QPointF(), size));
     painter.end();
     return image;
 }
@@ -163,4 +164,144 @@ TEST(OssNgNodeLooks, aBackdropShowsItsTextAsFarAsThereIsRoom)
         for (int x = 0; x < 300; ++x)
             ASSERT_LT(image.pixelColor(x, y).lightness(), 80) << x << " " << y;
     }
+}
+
+TEST(OssNgNodeLooks, fromAfarWhatIsChosenMarkedOrOffIsStillToBeSeen)
+{
+    GraphScene scene;
+    OssNgExtendedNode *node = scene.add(QStringLiteral("Brick"), {0, 0}, {}, {In}, {Out});
+    auto *area = scene.add<OssNgBackdropNode>(QString(), {2000, 0});
+    auto *note = scene.add<OssNgUINode>(QString(), {4000, 0});
+    area->setRect({0, 0, 300, 200});
+    note->setLabel(QStringLiteral("Note"));
+    for (const QSize &size : {QSize(60, 40), QSize(30, 20)}) {
+        for (OssNgNode *one : QList<OssNgNode *>{node, area, note}) {
+            const QImage plain = picture(&scene, one, size);
+            one->setSelected(true);
+            EXPECT_NE(picture(&scene, one, size), plain) << size.width() << one->type();
+            one->setSelected(false);
+            EXPECT_EQ(picture(&scene, one, size), plain) << size.width() << one->type();
+        }
+        const QImage plain = picture(&scene, node, size);
+        node->setErrorText(QStringLiteral("no file"));
+        EXPECT_NE(picture(&scene, node, size), plain);
+        node->setErrorText(QString());
+        node->setDisabled(true);
+        EXPECT_NE(picture(&scene, node, size), plain);
+        node->setDisabled(false);
+        EXPECT_EQ(picture(&scene, node, size), plain);
+    }
+}
+
+TEST(OssNgNodeLooks, iconsOfTheHeaderDiffer)
+{
+    GraphScene scene;
+    QVector<QImage> seen;
+    for (const char *name : {"other", "GeoChannel", "ActivePatchRange", "BroadcastNodeSignal",
+                             "BroadcastNodeSilent", "ReceiverNodeSignal", "ReceiverNodeSilent"}) {
+        OssNgExtendedNode *node = scene.add(QStringLiteral("Brick"), {seen.size() * 500.0, 0}, {},
+                                            {In}, {Out});
+        node->setIconVisible(node->addIcon(QLatin1String(name)), true);
+        seen.append(picture(&scene, node));
+        EXPECT_EQ(seen.indexOf(seen.last()), seen.size() - 1) << name;
+    }
+}
+
+TEST(OssNgNodeLooks, portsShowTheirKindAndThatTheyAreMeant)
+{
+    GraphScene scene;
+    OssNgExtendedNode *node = scene.add(QStringLiteral("Brick"), {0, 0}, {}, {In}, {Out});
+    for (const auto mode : {OssNgExtendedNode::Expanded, OssNgExtendedNode::NoPortList}) {
+        node->setPortListMode(mode);
+        const QImage plain = picture(&scene, node);
+        node->setPortKinds({{In, 1}}, {});
+        EXPECT_NE(picture(&scene, node), plain) << mode;
+        node->setPortKinds({}, {});
+        node->setLitPort(In, true);
+        EXPECT_NE(picture(&scene, node), plain) << mode;
+        node->setLitPort({}, true);
+        EXPECT_EQ(picture(&scene, node), plain) << mode;
+    }
+    for (const int unknown : {-1, 99}) {
+        node->setPortKinds({{In, unknown}}, {});
+        EXPECT_GE(int(node->inputPort(In)->kind), 0);
+        EXPECT_LE(int(node->inputPort(In)->kind), int(OssNgPortKind::Data));
+    }
+}
+
+TEST(OssNgNodeLooks, portsThatAreNotListedLeaveNoTrace)
+{
+    GraphScene scene;
+    const QString wide(60, QLatin1Char('W'));
+    OssNgExtendedNode *node = scene.add(QStringLiteral("Brick"), {0, 0}, {}, {In}, {Out});
+    node->setPortListMode(OssNgExtendedNode::ConnectedOnly);
+    const QRectF body = node->bodyRect();
+    const QImage plain = picture(&scene, node);
+    node->addInputPort(wide);
+    node->addOutputPort(wide + Out);
+    node->addOutputPort(wide + In);
+    EXPECT_EQ(node->bodyRect(), body);
+    EXPECT_EQ(picture(&scene, node), plain);
+    node->setPortListMode(OssNgExtendedNode::Expanded);
+    EXPECT_GT(node->bodyRect().width(), body.width());
+}
+
+TEST(OssNgNodeLooks, rowsAndSidesArePortsOwn)
+{
+    GraphScene scene;
+    const QStringList three{QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C")};
+    OssNgExtendedNode *one = scene.add(QStringLiteral("One"), {0, 0}, {}, {In}, {Out});
+    OssNgExtendedNode *ins = scene.add(QStringLiteral("Ins"), {500, 0}, {}, three, {Out});
+    OssNgExtendedNode *outs = scene.add(QStringLiteral("Outs"), {1000, 0}, {}, {In}, three);
+    EXPECT_GT(ins->bodyRect().height(), one->bodyRect().height());
+    EXPECT_EQ(outs->bodyRect().height(), ins->bodyRect().height());
+    const QRectF body = one->mapRectToScene(one->bodyRect());
+    EXPECT_NEAR(one->outputPortScenePos(Out).x(), body.right(), 1.0);
+    EXPECT_NEAR(one->inputPortScenePos(In).x(), body.left(), 1.0);
+    EXPECT_EQ(one->inputPortDirection(In), QPointF(-1, 0));
+
+    one->setPortListMode(OssNgExtendedNode::NoPortList);
+    const QRectF bare = one->mapRectToScene(one->bodyRect());
+    EXPECT_NEAR(one->outputPortScenePos(Out).y(), bare.bottom(), 1.0);
+    EXPECT_NEAR(one->inputPortScenePos(In).y(), bare.top(), 1.0);
+    EXPECT_EQ(one->inputPortDirection(In), QPointF(0, -1));
+    one->setConnectionPositions({{In, {{5, 5}, {9, 2}}}}, {{Out, {{5, 5}, {5, 5}}}});
+    EXPECT_EQ(one->inputPortDirection(In), QPointF(4, -3));
+    EXPECT_EQ(one->outputPortDirection(Out), QPointF(0, 1)) << "no way leads nowhere";
+
+    one->setInputPortText(QStringLiteral("None"), QStringLiteral("text"));
+    ins->renameInputPort(three[0], three[1]);
+    EXPECT_EQ(ins->inputPortNames(), three) << "a name is one port's";
+    ins->renameInputPort(QStringLiteral("None"), QStringLiteral("D"));
+    EXPECT_EQ(ins->inputPortNames(), three);
+}
+
+TEST(OssNgNodeLooks, areasAndNotesKeepTheirMeasure)
+{
+    GraphScene scene;
+    auto *area = scene.add<OssNgBackdropNode>(QString(), {0, 0});
+    area->setRect({0, 0, 300, 200});
+    for (const QPointF outside : {QPointF(-1, 100), QPointF(301, 100), QPointF(100, -1),
+                                  QPointF(100, 201), QPointF(-50, -50)})
+        EXPECT_EQ(area->resizeEdgesAt(outside), Qt::Edges()) << outside.x() << " " << outside.y();
+    EXPECT_EQ(area->resizeEdgesAt({1, 100}), Qt::Edges(Qt::LeftEdge));
+    EXPECT_EQ(area->resizeEdgesAt({299, 199}), Qt::RightEdge | Qt::BottomEdge);
+    area->wrapAroundSelection({});
+    EXPECT_EQ(area->rect(), QRectF(0, 0, 300, 200)) << "nothing to go around";
+    EXPECT_EQ(area->pos(), QPointF(0, 0));
+
+    // Text has no place in the smallest one.
+    area->setRect({QPointF(), OssNgBackdropNode::minimumSize()});
+    const QImage small = picture(&scene, area);
+    area->setLabel(QStringLiteral("one\ntwo"));
+    EXPECT_EQ(picture(&scene, area), small);
+
+    auto *note = scene.add<OssNgUINode>(QString(), {0, 500});
+    const QSizeF empty = note->bodyRect().size();
+    note->setLabel(QStringLiteral("one"));
+    EXPECT_EQ(note->bodyRect().size(), empty) << "there is always a line";
+    note->setNodeColor(Qt::red, Qt::blue);
+    OssNgExtendedNode *node = scene.add(QStringLiteral("Brick"), {500, 0}, {}, {In}, {Out});
+    node->setNodeColor(Qt::red, Qt::blue);
+    EXPECT_EQ(node->mainColor(), QColor(Qt::red));
 }

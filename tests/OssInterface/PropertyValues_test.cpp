@@ -1,0 +1,159 @@
+#include "OssInterface/Properties/OssColorEditor.h"
+#include "OssInterface/Properties/OssCurveEditor.h"
+#include "OssInterface/Properties/OssRampEditor.h"
+#include "PropertiesFixture.h"
+
+#include <QComboBox>
+#include <QSignalSpy>
+#include <QWheelEvent>
+
+// What editors refuse, and what they show of values that differ.
+
+namespace {
+
+class PropertyValues : public PropertiesFixture
+{
+protected:
+    static bool takesShortcut(QWidget *widget, Qt::Key key, const QString &text = {},
+                              Qt::KeyboardModifiers modifiers = {})
+    {
+        QKeyEvent event(QEvent::ShortcutOverride, key, modifiers, text);
+        event.ignore();
+        QApplication::sendEvent(widget, &event);
+        return event.isAccepted();
+    }
+
+    static void wheel(QWidget *widget)
+    {
+        QWheelEvent event({5, 5}, widget->mapToGlobal(QPoint(5, 5)), {}, {0, -120}, Qt::NoButton,
+                          {}, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(widget, &event);
+    }
+};
+
+} // namespace
+
+TEST_F(PropertyValues, theWheelOverAListIsThePanelsWithoutTheFocus)
+{
+    auto *mode = editor<QComboBox>("Mode");
+    QApplication::setActiveWindow(m_panel.get());
+    field("Amount")->setFocus();
+    wheel(mode);
+    EXPECT_EQ(mode->currentIndex(), 0);
+    mode->setFocus();
+    ASSERT_TRUE(mode->hasFocus());
+    wheel(mode);
+    EXPECT_EQ(mode->currentIndex(), 1);
+}
+
+TEST_F(PropertyValues, keysThatMeanSomethingDoNotRunCommands)
+{
+    OssNumberField *number = field("Amount");
+    EXPECT_TRUE(takesShortcut(number, Qt::Key_5, QStringLiteral("5")));
+    EXPECT_FALSE(takesShortcut(number, Qt::Key_5, QStringLiteral("5"), Qt::ControlModifier));
+    auto *curve = editor<OssCurveField>("Shape");
+    ASSERT_NE(curve, nullptr);
+    EXPECT_TRUE(takesShortcut(curve, Qt::Key_Delete));
+    EXPECT_FALSE(takesShortcut(curve, Qt::Key_Delete, {}, Qt::ControlModifier));
+    EXPECT_FALSE(takesShortcut(curve, Qt::Key_F));
+}
+
+TEST_F(PropertyValues, onlyTheLeftButtonDragsNumbers)
+{
+    OssNumberField *number = field("Amount");
+    const double before = amount();
+    const auto moveTo = [number](int x, Qt::MouseButtons buttons) {
+        QMouseEvent move(QEvent::MouseMove, QPointF(x, 5), Qt::NoButton, buttons, {});
+        QApplication::sendEvent(number, &move);
+    };
+    moveTo(200, Qt::NoButton);
+    EXPECT_EQ(amount(), before) << "nothing is held";
+    QTest::mousePress(number, Qt::LeftButton, {}, {10, 5});
+    moveTo(30, Qt::LeftButton);
+    moveTo(60, Qt::LeftButton);
+    const double dragged = amount();
+    EXPECT_NE(dragged, before);
+    QTest::mouseRelease(number, Qt::RightButton, {}, {60, 5});
+    moveTo(90, Qt::LeftButton);
+    EXPECT_NE(amount(), dragged) << "the drag goes on";
+    EXPECT_EQ(undoCount(), 0);
+    QTest::mouseRelease(number, Qt::LeftButton, {}, {90, 5});
+    EXPECT_EQ(undoCount(), 1);
+    const double after = amount();
+    QTest::mouseRelease(number, Qt::LeftButton, {}, {90, 5});
+    EXPECT_FALSE(number->isTyping());
+    EXPECT_EQ(amount(), after);
+}
+
+TEST_F(PropertyValues, typingReplacesTheWholeNumberAndTabGoesOn)
+{
+    OssNumberField *number = field("Amount");
+    QApplication::setActiveWindow(m_panel.get());
+    QTest::keyClick(number, Qt::Key_Return);
+    ASSERT_NE(typingIn(number), nullptr);
+    EXPECT_EQ(typingIn(number)->selectedText(), typingIn(number)->text());
+    QTest::keyClicks(typingIn(number), QStringLiteral("7"));
+    QTest::keyClick(typingIn(number), Qt::Key_Tab);
+    EXPECT_DOUBLE_EQ(amount(), 7.0);
+    EXPECT_FALSE(number->isTyping());
+    EXPECT_NE(m_panel->focusWidget(), number);
+    QTest::keyClick(number, Qt::Key_3, Qt::NoModifier);
+    ASSERT_NE(typingIn(number), nullptr);
+    EXPECT_EQ(typingIn(number)->selectedText(), QString()) << "the first digit stays";
+    QTest::keyClick(typingIn(number), Qt::Key_Asterisk);
+    QTest::keyClick(typingIn(number), Qt::Key_Tab);
+    EXPECT_TRUE(number->isTyping()) << "a fault keeps the field";
+    EXPECT_TRUE(typingIn(number)->hasFocus());
+    QTest::keyClick(typingIn(number), Qt::Key_Escape);
+}
+
+TEST_F(PropertyValues, pointsOfCurvesStayInTheSquare)
+{
+    auto *curve = editor<OssCurveField>("Shape");
+    ASSERT_NE(curve, nullptr);
+    const QPointF beyond[] = {{0.5, 1.2}, {0.3, -0.2}};
+    for (const QPointF &place : beyond) {
+        const int before = curve->points().size();
+        const QPoint at = curve->toWidget(place).toPoint();
+        QTest::mouseDClick(curve, Qt::LeftButton, {}, at);
+        ASSERT_EQ(curve->points().size(), before + 1);
+        for (const QPointF &point : curve->points()) {
+            EXPECT_GE(point.y(), 0.0);
+            EXPECT_LE(point.y(), 1.0);
+        }
+    }
+    const int all = curve->points().size();
+    QTest::mouseDClick(curve, Qt::LeftButton, {}, curve->toWidget(curve->points().at(1)).toPoint());
+    EXPECT_EQ(curve->points().size(), all - 1) << "the same place again";
+}
+
+TEST_F(PropertyValues, valuesThatDifferLookLikeNone)
+{
+    for (const char *name : {"Tint", "Pictures", "Mode", "Amount", "On"}) {
+        const QString attribute = QLatin1String(name);
+        OssPropertyEditor *one = m_panel->row(attribute)->editor();
+        const auto picture = [one] {
+            return one->grab().toImage();
+        };
+        one->showValue(m_node->userAttribute(attribute), false);
+        const QImage plain = picture();
+        one->showValue(m_node->userAttribute(attribute), true);
+        EXPECT_NE(picture(), plain) << name;
+        one->showValue(m_node->userAttribute(attribute), false);
+        EXPECT_EQ(picture(), plain) << name;
+    }
+}
+
+TEST_F(PropertyValues, aRampHasRoomForSoManyStops)
+{
+    auto *ramp = editor<OssRampField>("Colors");
+    ASSERT_NE(ramp, nullptr);
+    for (int i = 1; i < 90; ++i) {
+        const double x = ramp->gripOf(0).x()
+                         + i * (ramp->gripOf(ramp->stops().size() - 1).x() - ramp->gripOf(0).x())
+                               / 90.0;
+        QTest::mouseDClick(ramp, Qt::LeftButton, {}, {int(x), 8});
+        QTest::keyClick(ramp, Qt::Key_Plus);
+    }
+    EXPECT_EQ(ramp->stops().size(), 64);
+}

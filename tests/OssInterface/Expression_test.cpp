@@ -34,13 +34,27 @@ TEST(Expression, arithmeticFollowsTheUsualRules)
 TEST(Expression, whatIsNoFiniteNumberIsRefusedWithAReason)
 {
     const QString deep = QString(50000, QLatin1Char('('));
-    for (const QString &text :
-         {QStringLiteral(""), QStringLiteral("1+"), QStringLiteral("(1"), QStringLiteral("1)"),
-          QStringLiteral("1 2"), QStringLiteral("1,5"), QStringLiteral("foo"),
-          QStringLiteral("sqrt"), QStringLiteral("min(1)"), QStringLiteral("1/0"),
-          QStringLiteral("log(0)"), QStringLiteral("sqrt(-1)"), QStringLiteral("1e999"),
-          QStringLiteral("0x10"), QStringLiteral("nan"), QStringLiteral("system(1)"), deep,
-          QString(900, QLatin1Char('-')) + QLatin1Char('1')}) {
+    for (const QString &text : {QStringLiteral(""),
+                                QStringLiteral("1+"),
+                                QStringLiteral("(1"),
+                                QStringLiteral("1)"),
+                                QStringLiteral("1 2"),
+                                QStringLiteral("1,5"),
+                                QStringLiteral("foo"),
+                                QStringLiteral("sqrt"),
+                                QStringLiteral("min(1)"),
+                                QStringLiteral("1/0"),
+                                QStringLiteral("log(0)"),
+                                QStringLiteral("sqrt(-1)"),
+                                QStringLiteral("1e999"),
+                                QStringLiteral("0x10"),
+                                QStringLiteral("nan"),
+                                QStringLiteral("system(1)"),
+                                deep,
+                                QStringLiteral("."),
+                                QStringLiteral("1e"),
+                                QString(50000, QLatin1Char('1')).insert(1, QLatin1Char('.')),
+                                QString(900, QLatin1Char('-')) + QLatin1Char('1')}) {
         double value = 42.0;
         EXPECT_FALSE(OssExpression::evaluate(text, 0.0, &value)) << qPrintable(text.left(40));
         EXPECT_EQ(value, 42.0);

@@ -216,3 +216,23 @@ TEST_F(OssNgViewTest, wiresLightUpUnderThePointerOnly)
     move({250, 280}, Qt::NoButton); // the wire is dead
     EXPECT_FALSE(other->hovered());
 }
+
+TEST_F(OssNgViewTest, aChosenWireLiesAboveThoseThatItCrosses)
+{
+    b->setPosition({300, 200});
+    auto *c = scene.add(QStringLiteral("C"), {0, 200}, {}, {In}, {Out});
+    auto *d = scene.add(QStringLiteral("D"), {300, 0}, {}, {In}, {Out});
+    OssNgEdge *down = b->attachInput(In, a, Out);
+    OssNgEdge *up = d->attachInput(In, c, Out);
+    const QPointF crossing = down->path().pointAtPercent(0.5);
+    ASSERT_LT((up->path().pointAtPercent(0.5) - crossing).manhattanLength(), 1.0);
+    const QColor accent = OssNgStyle::instance()->color(OssNgStyle::Role::Accent);
+    for (OssNgEdge *wire : {down, up}) {
+        scene.clearSelection();
+        wire->setSelected(true);
+        const QColor seen = view.grab().toImage().pixelColor(at(crossing));
+        EXPECT_LT(std::abs(seen.red() - accent.red()) + std::abs(seen.green() - accent.green())
+                      + std::abs(seen.blue() - accent.blue()),
+                  60);
+    }
+}

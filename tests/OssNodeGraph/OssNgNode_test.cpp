@@ -119,6 +119,11 @@ TEST(OssNgNode, wireSurvivesRebuildingAndRenamingOfPorts)
     pair.b->addInputPort(In);
     EXPECT_EQ(pair.b->input(In), edge);
     EXPECT_EQ(edge->path().pointAtPercent(1.0), pair.b->inputPortScenePos(In));
+    pair.a->clearOutputPorts();
+    pair.a->addOutputPort(Out);
+    pair.a->addOutputPort(In);
+    EXPECT_TRUE(pair.a->outputPort(Out)->used);
+    EXPECT_FALSE(pair.a->outputPort(In)->used);
     pair.b->renameInputPort(In, QStringLiteral("Base"));
     EXPECT_EQ(pair.b->input(QStringLiteral("Base")), edge);
     pair.b->removeInputPort(QStringLiteral("Base"));

@@ -205,6 +205,19 @@ TEST_F(OssNgViewTest, shakingIsNoticedAndTheDragGoesOn)
     release(start);
 }
 
+TEST_F(OssNgViewTest, shakingMeansNothingWhenItIsSwitchedOff)
+{
+    view.m_shakeToExtractShakes = 3;
+    view.m_shakeToExtractEnabled = false;
+    const QSignalSpy shaken(&view, &OssNgView::shakeToExtractTriggered);
+    const QPointF start = body(a);
+    press(start);
+    for (int i = 0; i < 8; ++i)
+        move(start + QPointF(i % 2 ? -30 : 30, 0));
+    release(start);
+    EXPECT_EQ(shaken.count(), 0);
+}
+
 TEST_F(OssNgViewTest, shakeTrackingLastsAsLongAsTheDrag)
 {
     press(body(a));

@@ -15,6 +15,7 @@ class TestView : public OssNgView
 {
 public:
     using OssNgView::m_navigationControlType;
+    using OssNgView::m_shakeToExtractEnabled;
     using OssNgView::m_shakeToExtractShakes;
     using OssNgView::m_shakeToExtractTime;
     bool insert = false;

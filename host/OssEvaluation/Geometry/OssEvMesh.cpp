@@ -50,9 +50,10 @@ bool touches(const std::array<OssEvMesh::Vector2, 3> &corners, int column, int r
         const OssEvMesh::Vector2 &from = corners[i];
         const OssEvMesh::Vector2 &to = corners[(i + 1) % 3];
         float most = -1.0F;
-        for (const int corner : {0, 1, 2, 3})
-            most = std::max(
-                most, turn * side(from, to, float(column + corner % 2), float(row + corner / 2)));
+        for (const int x : {column, column + 1}) {
+            for (const int y : {row, row + 1})
+                most = std::max(most, turn * side(from, to, float(x), float(y)));
+        }
         if (most <= Border * std::hypot(to[0] - from[0], to[1] - from[1]))
             return false;
     }

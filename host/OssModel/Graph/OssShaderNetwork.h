@@ -168,7 +168,7 @@ private:
     void relocate(const QList<OssSnBaseNode *> &nodes, OssShaderNetwork *target);
     void moveToPlaces(const QList<OssSnBaseNode *> &moved, const QVector<int> &places);
     void applyOrder(const QList<OssSnBaseNode *> &nodes);
-    /// Of a network that was read and is to stand inside of another one's group.
+    /// Of a network that was read for another one, which has a viewer of its own.
     void dropLoadedViewers();
     bool belongsHere(const OssSnBaseNode *node) const;
     void removeUnchecked(const QList<OssSnBaseNode *> &nodes, const QString &title);

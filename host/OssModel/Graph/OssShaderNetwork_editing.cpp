@@ -162,6 +162,7 @@ QList<OssSnBaseNode *> OssShaderNetwork::takeOverNodes(OssShaderNetwork *read)
     {
         const OssUndoManager::Pause pause;
         const ViewUpdateLock lock(this);
+        read->dropLoadedViewers();
         std::vector<NodePointer> nodes;
         nodes.swap(read->m_nodes);
         read->m_byName.clear();
@@ -170,8 +171,6 @@ QList<OssSnBaseNode *> OssShaderNetwork::takeOverNodes(OssShaderNetwork *read)
                 node->cutLoadedWires();
         }
         for (NodePointer &node : nodes) {
-            if (const auto *group = qobject_cast<const OssSnGroupNode *>(node.get()))
-                group->groupNetwork()->dropLoadedViewers();
             if (belongsHere(node.get()))
                 inserted.append(insertNode(std::move(node), -1));
         }

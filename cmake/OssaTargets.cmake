@@ -95,7 +95,6 @@ function(ossa_add_test name)
     if(OSSA_PRECOMPILED_HEADERS)
         target_precompile_headers(${name} PRIVATE <gtest/gtest.h>)
     endif()
-    target_compile_options(${name} PRIVATE -O0) # expectations take long to optimise and no time to run
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES ENVIRONMENT
         "QT_QPA_PLATFORM=offscreen;OSSA_ROOT=${PROJECT_SOURCE_DIR};OSSA_BUILD=${PROJECT_BINARY_DIR}")

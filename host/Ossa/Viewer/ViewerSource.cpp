@@ -216,9 +216,8 @@ void ViewerSource::startPatch(const OssSnEvaluationGraph &graph, const OssGeoEnt
         });
     };
     request.onProgress = [self, generation, patch, resolution](int done, int total) {
-        later(self, generation, [=](ViewerSource *source) {
-            source->progress(patch, resolution, done, total);
-        });
+        later(self, generation,
+              [=](ViewerSource *source) { source->progress(patch, resolution, done, total); });
     };
     request.onFinished = [self, generation, resolution](const OssEvOutcome &outcome) {
         const QString problem = QString::fromStdString(outcome.error);

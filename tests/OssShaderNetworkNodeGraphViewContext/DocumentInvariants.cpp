@@ -22,9 +22,11 @@
 #include <QTemporaryDir>
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace {
 
+constexpr int LargestCompared = 64;
 const QString Viewer = QStringLiteral("_viewer");
 
 OssNgNode *itemOf(const OssSnBaseNode *node)
@@ -52,9 +54,9 @@ bool hasWire(const OssSnBaseNode *source, const QString &output, const OssSnBase
     });
 }
 
-/// What an output gives now, in small.
+/// What an output gives now.
 QMap<int, QImage> pictures(const OssSnBaseNode *node, const QString &output,
-                           const QList<int> &patches)
+                           const QList<int> &patches, int resolution)
 {
     const QTemporaryDir folder;
     OssEvaluationService::BakeJob job;
@@ -62,7 +64,7 @@ QMap<int, QImage> pictures(const OssSnBaseNode *node, const QString &output,
     job.outputPoint = output;
     job.entity = node->network()->geoEntity();
     job.patches = patches;
-    job.resolution = 16;
+    job.resolution = resolution;
     QMap<int, QImage> made;
     if (OssEvaluationService::instance()->bake(job,
                                                folder.filePath(QStringLiteral("<UDIM>.png")))) {
@@ -72,14 +74,41 @@ QMap<int, QImage> pictures(const OssSnBaseNode *node, const QString &output,
     return made;
 }
 
+/// But for the last bit, which rounding decides.
+bool areAlike(const QImage &a, const QImage &b)
+{
+    const auto near = [](int x, int y) {
+        return std::abs(x - y) <= 1;
+    };
+    for (int y = 0; a.size() == b.size() && y < a.height(); ++y) {
+        for (int x = 0; x < a.width(); ++x) {
+            const QRgb p = a.pixel(x, y);
+            const QRgb q = b.pixel(x, y);
+            if (!near(qRed(p), qRed(q)) || !near(qGreen(p), qGreen(q)) || !near(qBlue(p), qBlue(q))
+                || !near(qAlpha(p), qAlpha(q)))
+                return false;
+        }
+    }
+    return a.size() == b.size();
+}
+
 bool holdsWhatItShows(const OssSnBakePointNode *point)
 {
     const QString input = point->preferredInputName();
-    const QList<int> patches = point->imageSet() ? point->imageSet()->pixels().keys()
-                                                 : QList<int>();
-    return !patches.isEmpty()
-           && pictures(point, point->prefferedOutputPoint(), patches)
-                  == pictures(point->inputNode(input), point->inputOutputPoint(input), patches);
+    const OssImageSet *set = point->imageSet();
+    if (!set || set->pixels().isEmpty())
+        return false;
+    const QList<int> patches = set->pixels().keys();
+    const int size = set->resolution();
+    if (size > LargestCompared)
+        return true; // nobody waits for it
+    const QMap<int, QImage> held = pictures(point, point->prefferedOutputPoint(), patches, size);
+    const QMap<int, QImage> fresh = pictures(point->inputNode(input),
+                                             point->inputOutputPoint(input), patches, size);
+    return held.keys() == fresh.keys()
+           && std::all_of(patches.cbegin(), patches.cend(), [&](int patch) {
+                  return areAlike(held.value(patch), fresh.value(patch));
+              });
 }
 
 } // namespace

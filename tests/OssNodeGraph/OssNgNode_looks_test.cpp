@@ -1,7 +1,7 @@
+#include "NodePicture.h"
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
 #include "OssNodeGraph/Items/OssNgUINode.h"
-#include "OssNodeGraph/View/OssNgRenderer.h"
 #include "support/ExampleGraph.h"
 
 #include <gtest/gtest.h>
@@ -11,17 +11,6 @@
 #include <functional>
 
 namespace {
-
-QImage picture(GraphScene *scene, const OssNgNode *node, const QSize &size = {400, 200})
-{
-    QImage image(size, QImage::Format_RGB32);
-    image.fill(Qt::black);
-    QPainter painter(&image);
-    OssNgRenderer::paintSceneTo(&painter, scene, node->sceneBoundingRect(),
-                                QRectF(QPointF(), size));
-    painter.end();
-    return image;
-}
 
 const QString In = QStringLiteral("Input");
 const QString Out = QStringLiteral("Output");

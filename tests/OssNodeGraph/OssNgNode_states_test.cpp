@@ -1,4 +1,4 @@
-#include "OssNodeGraph/View/OssNgRenderer.h"
+#include "NodePicture.h"
 #include "ViewFixture.h"
 
 #include <QAccessible>
@@ -9,17 +9,6 @@
 // States of nodes for the eye and the ear.
 
 namespace {
-
-QImage picture(GraphScene *scene, const OssNgNode *node, const QSize &size = {400, 200})
-{
-    QImage image(size, QImage::Format_RGB32);
-    image.fill(Qt::black);
-    QPainter painter(&image);
-    OssNgRenderer::paintSceneTo(&painter, scene, node->sceneBoundingRect(),
-                                QRectF(QPointF(), size));
-    painter.end();
-    return image;
-}
 
 using State = std::pair<const char *, std::function<void(bool)>>;
 

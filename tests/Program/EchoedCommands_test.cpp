@@ -20,8 +20,6 @@ protected:
     void SetUp() override
     {
         StartedProgram::SetUp();
-        m_network =
-            OssProjectManager::instance()->currentProject()->shadingGroups().first()->network();
         m_first = m_network->createNode(QStringLiteral("Filter/Blur"), QStringLiteral("First"));
         m_second = m_network->createNode(QStringLiteral("Filter/Blur"), QStringLiteral("Second"));
         select({});
@@ -29,21 +27,6 @@ protected:
         QObject::connect(&m_echo, &ScriptEcho::line, &m_echo,
                          [this](const QString &line) { m_lines.append(line); });
         m_echo.setEnabled(true);
-    }
-
-    void select(const QList<OssSnBaseNode *> &nodes)
-    {
-        const QList<OssSnBaseNode *> all = m_network->getAllNodes();
-        for (OssSnBaseNode *node : all)
-            node->setSelected(nodes.contains(node));
-    }
-
-    static void trigger(const char *name)
-    {
-        QAction *action = OssActionTreeManager::instance()->findAction(
-            QStringLiteral("/Ossa/NodeGraph/") + QLatin1String(name));
-        ASSERT_NE(action, nullptr) << name;
-        action->trigger();
     }
 
     /// The lines of what was done since the last call.
@@ -55,7 +38,6 @@ protected:
         return text;
     }
 
-    OssShaderNetwork *m_network = nullptr;
     OssSnBaseNode *m_first = nullptr;
     OssSnBaseNode *m_second = nullptr;
     ScriptEcho m_echo;

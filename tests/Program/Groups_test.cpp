@@ -27,7 +27,6 @@ protected:
     {
         StartedProgram::SetUp();
         m_project = OssProjectManager::instance()->currentProject();
-        m_network = m_project->shadingGroups().first()->network();
         m_first = m_network->createNode(QStringLiteral("Filter/Blur"), QStringLiteral("First"));
         m_second = m_network->createNode(QStringLiteral("Filter/Blur"), QStringLiteral("Second"));
         m_second->setInputNode(QStringLiteral("Input"), m_first, m_first->prefferedOutputPoint());
@@ -36,25 +35,9 @@ protected:
         OssUndoManager::instance()->clear();
     }
 
-    void select(const QList<OssSnBaseNode *> &nodes)
-    {
-        const QList<OssSnBaseNode *> all = m_network->getAllNodes();
-        for (OssSnBaseNode *node : all)
-            node->setSelected(nodes.contains(node));
-    }
-
-    static void trigger(const char *name)
-    {
-        QAction *action = OssActionTreeManager::instance()->findAction(
-            QStringLiteral("/Ossa/NodeGraph/") + QLatin1String(name));
-        ASSERT_NE(action, nullptr) << name;
-        action->trigger();
-    }
-
     OssSnGroupNode *group() const { return qobject_cast<OssSnGroupNode *>(m_group); }
 
     OssProject *m_project = nullptr;
-    OssShaderNetwork *m_network = nullptr;
     OssSnBaseNode *m_first = nullptr;
     OssSnBaseNode *m_second = nullptr;
     OssSnBaseNode *m_group = nullptr;

@@ -5,10 +5,17 @@
 #include "Ossa/Start/HostServices.h"
 #include "Ossa/Window/HostPalettes.h"
 #include "Ossa/Window/MainWindow.h"
+#include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/Popups/OssApplication.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShadingGroup.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectManager.h"
 
 #include <gtest/gtest.h>
+
+#include <QAction>
 
 /// Everything that a start of the program makes, once for all tests of this process: services,
 /// plug-in, palettes, and a window with a new project.
@@ -32,8 +39,30 @@ protected:
         testing::UnitTest::GetInstance()->listeners().Append(new TakeDown); // takes it
     }
 
-    void SetUp() override { OssProjectManager::instance()->newProject(QStringLiteral("Test")); }
+    void SetUp() override
+    {
+        OssProject *project = OssProjectManager::instance()->newProject(QStringLiteral("Test"));
+        m_network = project->shadingGroups().first()->network();
+    }
 
+    /// These and no others, groups included.
+    void select(const QList<OssSnBaseNode *> &nodes)
+    {
+        const QList<OssSnBaseNode *> all = m_network->getAllNodes();
+        for (OssSnBaseNode *node : all)
+            node->setSelected(nodes.contains(node));
+    }
+
+    /// A command of the node graph, by its name there.
+    static void trigger(const char *name)
+    {
+        QAction *action = OssActionTreeManager::instance()->findAction(
+            QStringLiteral("/Ossa/NodeGraph/") + QLatin1String(name));
+        ASSERT_NE(action, nullptr) << name;
+        action->trigger();
+    }
+
+    OssShaderNetwork *m_network = nullptr; ///< of the new project's object
     inline static HostServices *s_services = nullptr;
     inline static MainWindow *s_window = nullptr;
 

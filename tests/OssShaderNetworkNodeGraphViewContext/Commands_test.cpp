@@ -300,4 +300,19 @@ TEST_F(CommandsTest, walksLeaveAGroupButSelectNothingOutside)
     m_manager->showNetworkInView(m_network, m_view);
 }
 
+TEST_F(CommandsTest, halfASwapIsNone)
+{
+    // What feeds the base has no output of the usual name: only one of the two wires can be made.
+    OssSnBaseNode *split = addAt("Channel/Split", {0, 400});
+    ASSERT_TRUE(m_merge->setInputNode(QStringLiteral("Base"), split, QStringLiteral("Red")));
+    select({m_merge});
+    OssUndoManager::instance()->clear();
+    const QByteArray before = m_project->stateHash();
+    const ExpectedLog refused("Cannot connect: ", ExpectedLog::Possible);
+    m_view->swapInputs();
+    EXPECT_EQ(m_merge->inputNode(QStringLiteral("Base")), split);
+    EXPECT_EQ(m_project->stateHash(), before);
+    EXPECT_EQ(undoCount(), 0);
+}
+
 } // namespace

@@ -81,8 +81,7 @@ class TileRun
 public:
     TileRun(const OssEvUnitPlace &place, const std::vector<OssEvWindow> &windows, const Head &head,
             const OssEvSurfaceMap *surface, const OssEvCancel &cancel, OssEvRunTimes *times)
-        : m_place(place)
-        , m_stage(place.description())
+        : m_stage(place.description())
         , m_windows(windows)
         , m_head(head)
         , m_surface(surface)
@@ -293,7 +292,6 @@ private:
         return m_conversions[input];
     }
 
-    const OssEvUnitPlace &m_place;
     const OssEvPlanStage &m_stage;
     const std::vector<OssEvWindow> &m_windows;
     const Head &m_head;

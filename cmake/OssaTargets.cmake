@@ -21,7 +21,7 @@ target_compile_options(ossa_build_flags INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align
     -Wformat=2 -Wundef -Wextra-semi -Wzero-as-null-pointer-constant -Wmissing-declarations
     $<$<CXX_COMPILER_ID:GNU>:-Wsuggest-override;-Wduplicated-cond;-Wlogical-op;-fpch-preprocess>
-    $<$<CXX_COMPILER_ID:Clang>:-Winconsistent-missing-destructor-override>
+    $<$<CXX_COMPILER_ID:Clang>:-Winconsistent-missing-destructor-override;-Xclang;-fno-pch-timestamp>
     $<$<BOOL:${OSSA_WARNINGS_AS_ERRORS}>:-Werror;-Wno-error=deprecated-declarations>)
 target_link_options(ossa_build_flags INTERFACE LINKER:--as-needed)
 if(OSSA_MOLD)
@@ -88,12 +88,9 @@ function(ossa_add_test name)
     endif()
     if(arg_NO_WIDGETS)
         target_compile_definitions(${name} PRIVATE OSSA_NO_WIDGETS)
-        ossa_precompile(${name} ossa_pch_model.h)
+        ossa_precompile(${name} ossa_pch_tests_model.h)
     else()
-        ossa_precompile(${name} ossa_pch.h)
-    endif()
-    if(OSSA_PRECOMPILED_HEADERS)
-        target_precompile_headers(${name} PRIVATE <gtest/gtest.h>)
+        ossa_precompile(${name} ossa_pch_tests.h)
     endif()
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES ENVIRONMENT

@@ -16,8 +16,8 @@ CHECK_PACKAGES="clang-format clang-tidy"
 # What a preset needs beyond that.
 packages_of() {
     case "$1" in
-    clang) echo clang ;;
-    fuzz) echo clang libclang-rt-14-dev ;;
+    dev) echo clang ;;
+    asan | tsan | fuzz) echo clang libclang-rt-14-dev ;;
     esac
 }
 

@@ -314,7 +314,9 @@ TEST_F(WorkRecoveryTest, aSaveThatFailsIsToldOnceAndKeepsTheChanges)
         reached = SystemCallFaults::happened();
         fault.reset();
     });
-    for (int number = 1; reached; ++number) {
+    int number = 0;
+    while (reached) {
+        ++number;
         change();
         projects()->currentProject()->setUserAttribute(
             OssCustomAttribute(QStringLiteral("Round"), number), false);

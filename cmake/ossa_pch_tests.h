@@ -1,0 +1,8 @@
+#pragma once
+
+// Before QtTest, which brings in more for what is included before it.
+#include <QtWidgets>
+
+#include <QtTest>
+
+#include <gtest/gtest.h>

@@ -1,0 +1,5 @@
+#pragma once
+
+#include <QtTest>
+
+#include <gtest/gtest.h>

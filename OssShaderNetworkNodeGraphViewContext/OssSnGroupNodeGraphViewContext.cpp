@@ -96,6 +96,8 @@ void OssSnGroupNodeGraphViewContext::showInnerItems()
         OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(node);
         if (item && item->scene() != scene)
             OssSnNodeGraphViewContextManager::instance()->onNodeRegistered(network, node);
+        if (node->hasTag(QStringLiteral("_input")) || node->hasTag(QStringLiteral("_output")))
+            rememberPlace(node, {}); // one that stands anywhere else was put there
     }
 }
 

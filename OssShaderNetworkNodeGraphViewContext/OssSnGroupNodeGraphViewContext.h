@@ -35,7 +35,8 @@ public Q_SLOTS:
     void makeGroupNodeTabCurrent(OssSnBaseNode *node);
 
 protected Q_SLOTS:
-    /// Brings the nodes that stand for the ports beside what they are wired to.
+    /// Brings the nodes that stand for the ports beside what they are wired to; those that stand
+    /// where the user put them stay there.
     void adjustInputOutputPos();
     void clearPortClusters();
     void updatePortClusters();
@@ -52,7 +53,17 @@ private:
     void connectGroup(OssSnGroupNode *group);
     void showInnerItems();
     void frameView();
+    bool isPlacedByHand(const OssSnBaseNode *port) const;
+    void rememberPlace(OssSnBaseNode *port, const QPointF &position);
 
     /// The tab widget may take it over as a child; whoever dies first deletes it.
     QPointer<OssShaderNetworkView> m_view;
+
+    struct PortPlace
+    {
+        QPointer<OssSnBaseNode> port;
+        QPointF position; ///< where this context last put it
+    };
+
+    QVector<PortPlace> m_portPlaces;
 };

@@ -36,13 +36,8 @@ QRectF occupied(const OssNgNode *item)
     return item->boundingRect().translated(item->pos());
 }
 
-void placeOutput(OssSnBaseNode *node, QVector<QRectF> *taken)
+void placeOutput(OssNgNode *item, QVector<QRectF> *taken)
 {
-    OssNgNode *item = itemOf(node);
-    if (!item)
-        return;
-    item->setSelected(false);
-    node->setSelected(false);
     const QList<OssNgEdge *> wires = item->inputs();
     if (wires.size() != 1)
         OssDebug(Source, __LINE__, "Output node should have only one input into the node");
@@ -102,19 +97,51 @@ void OssSnGroupNodeGraphViewContext::adjustInputOutputPos()
         return;
     }
     const OssUndoManager::AutoMacro macro(tr("Arrange Ports"));
-    const QList<OssSnBaseNode *> nodes = group->groupNetwork()->nodes();
-    QVector<QRectF> outputs;
-    for (OssSnBaseNode *node : nodes) {
-        if (node->hasTag(QStringLiteral("_output")))
-            placeOutput(node, &outputs);
+    QList<OssSnBaseNode *> outputs = group->outputNodesInside();
+    QList<OssSnBaseNode *> inputs = group->inputNodesInside();
+    QVector<QRectF> taken;
+    for (OssSnBaseNode *node : qAsConst(outputs)) {
+        if (OssNgNode *item = itemOf(node))
+            item->setSelected(false);
+        node->setSelected(false);
+        if (isPlacedByHand(node))
+            taken.append(occupied(itemOf(node)));
     }
+    const auto stays = [this](const OssSnBaseNode *node) {
+        return !itemOf(node) || isPlacedByHand(node);
+    };
+    outputs.erase(std::remove_if(outputs.begin(), outputs.end(), stays), outputs.end());
+    inputs.erase(std::remove_if(inputs.begin(), inputs.end(), stays), inputs.end());
+    for (const OssSnBaseNode *node : qAsConst(outputs))
+        placeOutput(itemOf(node), &taken);
     QVector<QRectF> others;
-    for (const OssSnBaseNode *node : nodes) {
+    const QList<OssSnBaseNode *> nodes = group->groupNetwork()->nodes();
+    for (OssSnBaseNode *node : nodes) {
         const OssNgNode *item = itemOf(node);
-        if (item && !node->hasTag(QStringLiteral("_input")) && !item->isBackground())
+        if (item && !item->isBackground() && !inputs.contains(node))
             others.append(occupied(item));
     }
-    placeInputs(group->inputNodesInside(), others);
+    placeInputs(inputs, others);
+    for (OssSnBaseNode *node : outputs + inputs)
+        rememberPlace(node, itemOf(node)->pos());
+}
+
+bool OssSnGroupNodeGraphViewContext::isPlacedByHand(const OssSnBaseNode *port) const
+{
+    const OssNgNode *item = itemOf(port);
+    const auto known = std::find_if(m_portPlaces.cbegin(), m_portPlaces.cend(),
+                                    [port](const PortPlace &place) { return place.port == port; });
+    return item && known != m_portPlaces.cend() && item->pos() != known->position;
+}
+
+void OssSnGroupNodeGraphViewContext::rememberPlace(OssSnBaseNode *port, const QPointF &position)
+{
+    m_portPlaces.erase(std::remove_if(m_portPlaces.begin(), m_portPlaces.end(),
+                                      [port](const PortPlace &place) {
+                                          return !place.port || place.port == port;
+                                      }),
+                       m_portPlaces.end());
+    m_portPlaces.append({port, position});
 }
 
 // --- clusters

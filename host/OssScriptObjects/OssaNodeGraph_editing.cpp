@@ -78,8 +78,14 @@ Node *NodeGraph::group(const QList<Node *> &nodes, const QString &name)
     if (!ownNodes(nodes, &own))
         return nullptr;
     const OssUndoManager::AutoMacro macro(QStringLiteral("Group"));
-    OssSnGroupNode *group = network()->groupNodes(own);
-    if (!group)
+    const QList<OssSnBaseNode *> between = network()->nodesBetween(own);
+    OssSnGroupNode *group = between.isEmpty() ? network()->groupNodes(own) : nullptr;
+    if (!between.isEmpty())
+        fail(OssScriptException::NotAllowed,
+             QStringLiteral("The nodes are wired through \"%1\", which would stay outside; a group "
+                            "cannot feed itself")
+                 .arg(between.first()->name()));
+    else if (!group)
         fail(OssScriptException::NotAllowed,
              QStringLiteral("There is nothing to group among these nodes"));
     else if (!name.isEmpty())

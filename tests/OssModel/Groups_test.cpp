@@ -93,7 +93,7 @@ protected:
     }
 };
 
-TEST_F(Groups, whatComesOutOfAGroupTakesItsOldPlaceOrTheLast)
+TEST_F(Groups, whatComesOutOfAGroupStandsWhereItsAgePutsIt)
 {
     OssSnBaseNode *first = add("Filter/Blur", "First");
     add("Filter/Blur", "Second");
@@ -103,16 +103,48 @@ TEST_F(Groups, whatComesOutOfAGroupTakesItsOldPlaceOrTheLast)
     OssUndoManager::instance()->clear();
     OssSnGroupNode *made = group({fourth, first});
     m_network->removeNodes({m_network->node(text("Second")), third});
-    m_network->ungroup(made); // the fourth place is beyond the end now
+    m_network->ungroup(made);
     EXPECT_EQ(order(), (QStringList{text("Viewer"), text("First"), text("Fourth")}));
     expectUndoIsExact(start);
     OssUndoManager::instance()->setIndex(0);
 
     made = group({first, third});
-    made->groupNetwork()->createNode(text("Filter/Blur"), text("Fresh")); // it was never outside
+    made->groupNetwork()->createNode(text("Filter/Blur"), text("Fresh"));
     m_network->ungroup(made);
-    EXPECT_EQ(order(), (QStringList{text("Viewer"), text("Second"), text("Fourth"), text("First"),
-                                    text("Third"), text("Fresh")}));
+    EXPECT_EQ(order(), (QStringList{text("Viewer"), text("First"), text("Second"), text("Third"),
+                                    text("Fourth"), text("Fresh")}));
+    expectUndoIsExact(start);
+}
+
+TEST_F(Groups, aGroupNeverFeedsItself)
+{
+    OssSnBaseNode *first = add("Filter/Blur", "First");
+    OssSnBaseNode *outside = add("Filter/Blur", "Outside");
+    OssSnBaseNode *inner = add("Filter/Blur", "Inner");
+    OssSnBaseNode *last = add("Filter/Blur", "Last");
+    OssSnBaseNode *beside = add("Filter/Blur", "Beside");
+    ASSERT_TRUE(wire(first, outside));
+    ASSERT_TRUE(wire(outside, inner));
+    ASSERT_TRUE(wire(inner, last));
+    ASSERT_TRUE(wire(first, beside));
+    const QByteArray start = m_project->stateHash();
+    OssUndoManager::instance()->clear();
+    const QList<OssSnBaseNode *> between{outside, inner};
+    EXPECT_EQ(m_network->nodesBetween({last, first}), between);
+    EXPECT_EQ(m_network->nodesBetween({first, inner}), QList<OssSnBaseNode *>{outside});
+    EXPECT_TRUE(m_network->nodesBetween({outside, inner, beside}).isEmpty());
+    EXPECT_EQ(group({first, last, beside}), nullptr);
+    EXPECT_EQ(m_project->stateHash(), start);
+    EXPECT_EQ(OssUndoManager::instance()->count(), 0);
+
+    OssSnGroupNode *inside = group(between);
+    ASSERT_TRUE(inside);
+    EXPECT_EQ(m_network->nodesBetween({first, last}), QList<OssSnBaseNode *>{inside});
+    OssSnGroupNode *all = group({first, inside, last});
+    ASSERT_TRUE(all);
+    m_network->ungroup(all);
+    m_network->ungroup(inside);
+    EXPECT_EQ(m_project->stateHash(), start);
     expectUndoIsExact(start);
 }
 

@@ -13,6 +13,8 @@
 #include <QAction>
 #include <QFileDialog>
 #include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -60,6 +62,40 @@ TEST_F(Groups, groupingSelectsTheGroupAndUngroupingWhatWasInIt)
     EXPECT_EQ(history->undoText(), QStringLiteral("Ungroup"));
     history->undo();
     history->undo();
+    EXPECT_EQ(m_project->stateHash(), before);
+}
+
+TEST_F(Groups, whatStandsBetweenIsTakenInOrNothingIsGrouped)
+{
+    OssSnBaseNode *third = m_network->createNode(QStringLiteral("Filter/Blur"),
+                                                 QStringLiteral("Third"));
+    third->setInputNode(QStringLiteral("Input"), m_second, m_second->prefferedOutputPoint());
+    OssUndoManager::instance()->clear();
+    const QByteArray before = m_project->stateHash();
+    QString question;
+    const auto answer = [&](QMessageBox::StandardButton button) {
+        select({m_first, third});
+        OssApplication::setPopupsAllowed(true);
+        QTimer::singleShot(0, [&question, button] {
+            auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            ASSERT_NE(box, nullptr);
+            question = box->text();
+            box->button(button)->click();
+        });
+        trigger("Group Selected Nodes");
+        OssApplication::setPopupsAllowed(false);
+    };
+    answer(QMessageBox::Cancel);
+    EXPECT_TRUE(question.contains(QStringLiteral("\"Second\""))) << qPrintable(question);
+    EXPECT_EQ(m_project->stateHash(), before);
+    EXPECT_EQ(OssUndoManager::instance()->count(), 0);
+
+    answer(QMessageBox::Yes);
+    const auto *made = qobject_cast<OssSnGroupNode *>(m_network->selectedNodes().value(0));
+    ASSERT_NE(made, nullptr);
+    const auto nodes = made->groupNetwork()->nodes();
+    EXPECT_TRUE(nodes.contains(m_first) && nodes.contains(m_second) && nodes.contains(third));
+    OssUndoManager::instance()->undo();
     EXPECT_EQ(m_project->stateHash(), before);
 }
 

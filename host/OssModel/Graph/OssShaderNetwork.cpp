@@ -170,9 +170,13 @@ OssSnBaseNode *OssShaderNetwork::insertNode(NodePointer node, int index)
     if (m_byName.contains(inserted->name()))
         inserted->applyName(generateUniqueNodeName(inserted->name()));
     inserted->setNetwork(this);
-    const auto size = std::ptrdiff_t(m_nodes.size());
-    const auto at = index < 0 ? size : std::min(std::ptrdiff_t(index), size);
-    m_nodes.insert(m_nodes.begin() + at, std::move(node));
+    auto at = m_nodes.begin() + std::min(std::ptrdiff_t(index), std::ptrdiff_t(m_nodes.size()));
+    if (index < 0) {
+        at = m_nodes.end();
+        while (at != m_nodes.begin() && (*std::prev(at))->m_serial > inserted->m_serial)
+            --at;
+    }
+    m_nodes.insert(at, std::move(node));
     m_byName.insert(inserted->name(), inserted);
     return inserted;
 }

@@ -92,9 +92,13 @@ public:
     /// Graph layer inputs are what a layer stands on.
     static bool isRemovable(const OssSnBaseNode *node);
     /// Puts nodes into a new group of this network, with a port for each stream that goes in or
-    /// out. What belongs to the network itself (viewer, ports) stays. Null when nothing is left.
-    /// One undo step, as is ungroup(), which gives back what groupNodes() took.
+    /// out. What belongs to the network itself (viewer, ports) stays. Null when nothing is left, or
+    /// when nodes stand between. One undo step, as is ungroup(), which gives back what groupNodes()
+    /// took.
     OssSnGroupNode *groupNodes(const QList<OssSnBaseNode *> &members);
+    /// The nodes that a way from one member to another leads through and that are no members, in
+    /// the order of the network: a group without them would have to feed itself.
+    QList<OssSnBaseNode *> nodesBetween(const QList<OssSnBaseNode *> &members) const;
     /// The nodes that were inside.
     QList<OssSnBaseNode *> ungroup(OssSnGroupNode *group);
     /// Takes nodes out of their streams; what fed each one feeds what it fed. One undo step.
@@ -157,6 +161,7 @@ private:
     struct Relocated;
 
     static NodePointer makeNode(const QString &pathKey);
+    /// At -1 where it belongs by age, so that what comes back from elsewhere finds its old place.
     OssSnBaseNode *insertNode(NodePointer node, int index);
     NodePointer takeNode(OssSnBaseNode *node, int *index);
     void registerNode(OssSnBaseNode *node);
@@ -166,8 +171,6 @@ private:
     static void cutWiresOut(const OssSnBaseNode *leaving);
     void releaseName(const QString &name);
     void relocate(const QList<OssSnBaseNode *> &nodes, OssShaderNetwork *target);
-    void moveToPlaces(const QList<OssSnBaseNode *> &moved, const QVector<int> &places);
-    void applyOrder(const QList<OssSnBaseNode *> &nodes);
     /// Of a network that was read for another one, which has a viewer of its own.
     void dropLoadedViewers();
     bool belongsHere(const OssSnBaseNode *node) const;

@@ -1,6 +1,7 @@
 #include "OssModel/Graph/OssShaderNetwork.h"
 
 #include "OssCore/Undo/OssUndoManager.h"
+#include "OssModel/Graph/OssNodeWalker.h"
 #include "OssModel/Graph/OssSnBaseContext.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
 
@@ -86,9 +87,36 @@ bool isPort(const OssSnBaseNode *node)
     return node->hasTag(QStringLiteral("_input")) || node->hasTag(QStringLiteral("_output"));
 }
 
+bool canBeGrouped(const OssSnBaseNode *node)
+{
+    return OssShaderNetwork::isRemovable(node) && !isPort(node) && !isViewer(node);
+}
+
+/// The nodes beyond others along the walker's way.
+template <typename Walker>
+class Beyond : public Walker
+{
+public:
+    explicit Beyond(const QList<OssSnBaseNode *> &starts) { this->walkBeyond(starts); }
+
+    QSet<const OssSnBaseNode *> found;
+
+private:
+    void visit(OssSnBaseNode *node) override { found.insert(node); }
+};
+
 QString freePortName(const OssSnGroupNode *group, const QString &wanted)
 {
     return group->groupNetwork()->generateUniqueNodeName(wanted);
+}
+
+/// By how much the nodes inside move when they come out of a group.
+QPointF wayOut(const OssSnGroupNode *group, const QList<OssSnBaseNode *> &inside)
+{
+    const QRectF area = areaOf(group);
+    if (const std::optional<QPointF> first = group->rememberedPosition())
+        return area.topLeft() - *first;
+    return area.center() - areaOf(inside).center();
 }
 
 /// The wires that take the place of a group's: what feeds a port from outside feeds what the port fed
@@ -185,47 +213,32 @@ void OssShaderNetwork::relocate(const QList<OssSnBaseNode *> &nodes, OssShaderNe
         {}, [relocated] { relocated->comeBack(); }, [relocated] { relocated->go(); });
 }
 
-void OssShaderNetwork::applyOrder(const QList<OssSnBaseNode *> &nodes)
+QList<OssSnBaseNode *> OssShaderNetwork::nodesBetween(const QList<OssSnBaseNode *> &members) const
 {
-    QHash<const OssSnBaseNode *, int> places;
-    for (int i = 0; i < nodes.size(); ++i)
-        places.insert(nodes.at(i), i);
-    std::stable_sort(
-        m_nodes.begin(), m_nodes.end(), [&](const NodePointer &a, const NodePointer &b) {
-            return places.value(a.get(), nodes.size()) < places.value(b.get(), nodes.size());
-        });
-    Q_EMIT nodesChanged();
-}
-
-void OssShaderNetwork::moveToPlaces(const QList<OssSnBaseNode *> &moved, const QVector<int> &places)
-{
-    if (places.isEmpty())
-        return;
-    const QList<OssSnBaseNode *> before = nodes();
-    QList<OssSnBaseNode *> after = before;
-    QVector<QPair<int, OssSnBaseNode *>> sorted;
-    for (int i = 0; i < moved.size(); ++i) {
-        after.removeOne(moved.at(i));
-        sorted.append({places.at(i), moved.at(i)});
+    QList<OssSnBaseNode *> own;
+    std::copy_if(members.cbegin(), members.cend(), std::back_inserter(own),
+                 [&](const auto *node) { return node->network() == this && canBeGrouped(node); });
+    const QSet<OssSnBaseNode *> inside(own.cbegin(), own.cend());
+    const Beyond<OssShaderNetworkUtils::OssNodeWalkerDownstream> fed(own);
+    const Beyond<OssShaderNetworkUtils::OssNodeWalkerUpstream> feeding(own);
+    QList<OssSnBaseNode *> between;
+    for (const NodePointer &node : m_nodes) {
+        if (!inside.contains(node.get()) && fed.found.contains(node.get())
+            && feeding.found.contains(node.get()))
+            between.append(node.get());
     }
-    std::sort(sorted.begin(), sorted.end(),
-              [](const auto &a, const auto &b) { return a.first < b.first; });
-    for (const auto &place : qAsConst(sorted))
-        after.insert(std::min(place.first, after.size()), place.second);
-    applyOrder(after);
-    OssUndoManager::instance()->record(
-        {}, [this, before] { applyOrder(before); }, [this, after] { applyOrder(after); });
+    return between;
 }
 
 OssSnGroupNode *OssShaderNetwork::groupNodes(const QList<OssSnBaseNode *> &members)
 {
+    const QSet<OssSnBaseNode *> wanted(members.cbegin(), members.cend());
     QList<OssSnBaseNode *> own;
     for (const NodePointer &node : m_nodes) {
-        if (members.contains(node.get()) && isRemovable(node.get()) && !isPort(node.get())
-            && !isViewer(node.get()))
+        if (wanted.contains(node.get()) && canBeGrouped(node.get()))
             own.append(node.get());
     }
-    if (own.isEmpty())
+    if (own.isEmpty() || !nodesBetween(own).isEmpty())
         return nullptr;
     const OssUndoManager::AutoMacro macro(tr("Group Nodes"));
     const ViewUpdateLock lock(this);
@@ -236,8 +249,6 @@ OssSnGroupNode *OssShaderNetwork::groupNodes(const QList<OssSnBaseNode *> &membe
     auto *group = qobject_cast<OssSnGroupNode *>(createNode(QStringLiteral("Misc/Group")));
     if (!group)
         return nullptr;
-    moveTo(group,
-           area.center() - QPointF(areaOf(group).width() / 2.0, areaOf(group).height() / 2.0));
     for (const Stream &stream : qAsConst(in)) {
         for (const auto &target : stream.targets)
             target.first->setInputNode(target.second, nullptr, {});
@@ -246,7 +257,6 @@ OssSnGroupNode *OssShaderNetwork::groupNodes(const QList<OssSnBaseNode *> &membe
         for (const auto &target : stream.targets)
             target.first->setInputNode(target.second, nullptr, {});
     }
-    group->rememberPlaces(own, nodes());
     relocate(own, group->groupNetwork());
     for (const Stream &stream : qAsConst(in)) {
         const QString name = freePortName(group, stream.targets.first().second);
@@ -263,6 +273,10 @@ OssSnGroupNode *OssShaderNetwork::groupNodes(const QList<OssSnBaseNode *> &membe
             target.first->setInputNode(target.second, group, port->name());
     }
     Q_EMIT group->newGroupNodeInputOutputCreated(); // now that they are wired
+    // Its ports have given it the size that it keeps.
+    const QRectF made = areaOf(group);
+    moveTo(group, area.center() - QPointF(made.width() / 2.0, made.height() / 2.0));
+    group->rememberPosition(areaOf(group).topLeft());
     return group;
 }
 
@@ -281,7 +295,7 @@ QList<OssSnBaseNode *> OssShaderNetwork::ungroup(OssSnGroupNode *group)
         else if (!isViewer(node))
             inside.append(node);
     }
-    const QPointF way = areaOf(group).center() - areaOf(inside).center();
+    const QPointF way = wayOut(group, inside);
     // Where the viewer stands is no part of a step.
     const OssSnBaseNode *viewer = viewerNode();
     if (viewer && viewer->network() == group->groupNetwork()) {
@@ -289,11 +303,9 @@ QList<OssSnBaseNode *> OssShaderNetwork::ungroup(OssSnGroupNode *group)
         if (OssSnBaseContext *context = viewer->viewContext())
             context->setNodePosition(context->nodePosition() + way);
     }
-    const QVector<int> places = group->rememberedPlaces(inside);
     group->groupNetwork()->relocate(inside, this);
     group->handKnobsOver();
     removeUnchecked({group}, {});
-    moveToPlaces(inside, places);
     // A group that was not moved gives its nodes back where they were, to the last bit.
     if (std::abs(way.x()) > 0.5 || std::abs(way.y()) > 0.5) {
         for (const OssSnBaseNode *node : qAsConst(inside))

@@ -9,8 +9,21 @@
 #include "OssModel/Graph/OssSnBaseContext.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
 
+#include <atomic>
+
+namespace {
+
+quint64 nextSerial()
+{
+    static std::atomic<quint64> last{0};
+    return ++last;
+}
+
+} // namespace
+
 OssSnBaseNode::OssSnBaseNode(std::shared_ptr<const OssSnNodeType> type)
-    : m_type(std::move(type))
+    : m_serial(nextSerial())
+    , m_type(std::move(type))
 {
     if (!m_type)
         return;

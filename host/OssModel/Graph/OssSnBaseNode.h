@@ -251,6 +251,9 @@ private:
 
     void setNetwork(OssShaderNetwork *network) { m_network = network; }
 
+    /// Higher for what was made later: the order in which a network holds its nodes.
+    const quint64 m_serial;
+
     void applyName(const QString &name);
     /// The change itself with its signals; no checks, no undo.
     void applyConnection(int index, OssSnBaseNode *source, const QString &outputPoint);

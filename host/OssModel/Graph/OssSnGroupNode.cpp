@@ -162,25 +162,6 @@ QList<OssSnBaseNode *> OssSnGroupNode::outputNodesInside() const
     return nodes;
 }
 
-void OssSnGroupNode::rememberPlaces(const QList<OssSnBaseNode *> &members,
-                                    const QList<OssSnBaseNode *> &around)
-{
-    for (const OssSnBaseNode *node : members)
-        m_places.insert(node, around.indexOf(const_cast<OssSnBaseNode *>(node)));
-}
-
-QVector<int> OssSnGroupNode::rememberedPlaces(const QList<OssSnBaseNode *> &members) const
-{
-    QVector<int> places;
-    for (const OssSnBaseNode *node : members) {
-        const int place = m_places.value(node, -1);
-        if (place < 0)
-            return {};
-        places.append(place);
-    }
-    return places;
-}
-
 // --- files
 
 OssResult OssSnGroupNode::exportAsGizmo(const QString &path)

@@ -3,6 +3,10 @@
 #include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 
+#include <QPointF>
+
+#include <optional>
+
 class OssShaderNetwork;
 
 /// A node with a network of its own inside. Its input nodes (tag "_input") and output nodes (tag
@@ -69,12 +73,11 @@ public:
     /// fails, for an empty path: the user thought better of it.
     OssResult exportAsGizmo(const QString &path);
 
-    // For the network around: the places that nodes had among its others before they were grouped,
-    // so that ungrouping gives the same document. Not saved.
-    void rememberPlaces(const QList<OssSnBaseNode *> &members,
-                        const QList<OssSnBaseNode *> &around);
-    /// Empty when any of them is not known.
-    QVector<int> rememberedPlaces(const QList<OssSnBaseNode *> &members) const;
+    // For the network around: where the group was put when it was made of nodes, in scene
+    // coordinates. As far as it was moved since, they go when they come out. Not saved.
+    void rememberPosition(const QPointF &position) { m_firstPosition = position; }
+
+    std::optional<QPointF> rememberedPosition() const { return m_firstPosition; }
 
     // For the network inside: what happens to a node that stands for a port happens to the port.
     void onNodeAddedInside(OssSnBaseNode *node);
@@ -115,7 +118,7 @@ private:
     bool renameInside(OssSnBaseNode *inside, const QString &newName);
 
     std::unique_ptr<OssShaderNetwork> m_groupNetwork;
-    QHash<const OssSnBaseNode *, int> m_places; ///< keys may be dead; never followed
+    std::optional<QPointF> m_firstPosition;
     QVector<LoadedKnobLink> m_loadedKnobLinks;
     OssSnDataKind m_newPortKind = OssSnDataKind::Color;
 };

@@ -12,6 +12,8 @@
 #include "OssModel/Nodes/OssNodeArchive.h"
 #include "OssModel/Nodes/OssSnMaterialNode.h"
 
+#include <QPointer>
+
 namespace {
 
 /// After a command that made them.
@@ -19,6 +21,33 @@ void selectMade(OssShaderNetwork *network, const QList<OssSnBaseNode *> &nodes)
 {
     network->selectOnly(nodes);
     OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
+}
+
+/// "A", "B" and so on; after five how many more there are.
+QString listOf(const QList<OssSnBaseNode *> &nodes)
+{
+    QStringList names;
+    for (const OssSnBaseNode *node : nodes.mid(0, 5))
+        names.append(QStringLiteral("\"%1\"").arg(node->name()));
+    const QString list = names.join(QStringLiteral(", "));
+    const int more = nodes.size() - names.size();
+    return more > 0 ? GroupCommands::tr("%1 and %n more", nullptr, more).arg(list) : list;
+}
+
+/// Whether the nodes can be grouped, if need be with those between them, as the user was asked.
+bool mayBeGrouped(const OssShaderNetwork *network, const QList<OssSnBaseNode *> &nodes)
+{
+    const QList<OssSnBaseNode *> between = network->nodesBetween(nodes);
+    if (between.isEmpty())
+        return true;
+    const QString question =
+        GroupCommands::tr("The selected nodes are wired through nodes that are not selected: %1. "
+                          "No wire can lead out of a group and back into it.\n\n"
+                          "Take them into the group as well?")
+            .arg(listOf(between));
+    return OssMessageBox::question(nullptr, GroupCommands::tr("Group Selected Nodes"), question,
+                                   QMessageBox::Yes | QMessageBox::Cancel)
+           == QMessageBox::Yes;
 }
 
 } // namespace
@@ -65,8 +94,13 @@ OssSnGroupNode *GroupCommands::group()
 
 void GroupCommands::groupSelected()
 {
-    OssShaderNetwork *shown = network();
-    OssSnGroupNode *made = shown ? shown->groupNodes(shown->selectedNodes()) : nullptr;
+    const QPointer<OssShaderNetwork> shown = network();
+    if (!shown)
+        return;
+    if (!mayBeGrouped(shown, shown->selectedNodes()) || !shown)
+        return;
+    const QList<OssSnBaseNode *> selected = shown->selectedNodes(); // as it is after the question
+    OssSnGroupNode *made = shown->groupNodes(selected + shown->nodesBetween(selected));
     if (made)
         selectMade(shown, {made});
 }

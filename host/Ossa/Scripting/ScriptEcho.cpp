@@ -241,15 +241,23 @@ bool ScriptEcho::canBeSaid() const
     return true;
 }
 
+QStringList ScriptEcho::removedNodes() const
+{
+    QStringList nodes;
+    for (const QString &path : qAsConst(m_removed)) {
+        const QString parent = path.section(QLatin1Char('/'), 0, -2);
+        if (parent.isEmpty() || !m_removed.contains(parent))
+            nodes.append(ScriptText::node(path));
+    }
+    return nodes;
+}
+
 QStringList ScriptEcho::describe()
 {
     QStringList lines;
-    for (const QString &path : qAsConst(m_removed)) {
-        // What goes with its group needs no line.
-        const QString parent = path.section(QLatin1Char('/'), 0, -2);
-        if (parent.isEmpty() || !m_removed.contains(parent))
-            lines.append(ScriptText::node(path) + QStringLiteral(".remove()"));
-    }
+    const QStringList removed = removedNodes();
+    for (const QString &node : removed)
+        lines.append(node + QStringLiteral(".remove()"));
     for (OssSnBaseNode *node : qAsConst(m_added)) {
         if (m_known.contains(node))
             lines.append(describeNew(node));
@@ -363,8 +371,8 @@ QString ScriptEcho::describeAction() const
         return trigger;
     // What has a line of its own runs without a window, too.
     const QString graph = ScriptText::graph(shown);
-    if (m_action == groupCommand)
-        return QStringLiteral("%1.group(%2)").arg(graph, ScriptText::list(nodes));
+    if (m_action == groupCommand) // more than the selection, when the user took others in
+        return QStringLiteral("%1.group(%2)").arg(graph, ScriptText::list(removedNodes()));
     if (m_action == ungroupCommand && !takenApart.isEmpty()) {
         const QString next = QStringLiteral(")\n%1.ungroup(").arg(graph);
         return QStringLiteral("%1.ungroup(%2)").arg(graph, takenApart.join(next));

@@ -61,6 +61,8 @@ private:
     void tellNow();
     void forgetChanges();
     bool canBeSaid() const;
+    /// What left its network, without what went with its group.
+    QStringList removedNodes() const;
     QStringList describe();
     QStringList describeNode(OssSnBaseNode *node, const Change &change) const;
     QStringList describeNew(OssSnBaseNode *node) const;

@@ -1,8 +1,9 @@
 #pragma once
 
-/// The fixed actions of the node graph in the order in which they are filed: text, slot of the
-/// plug-in object, and what the slot calls on the view. ACTION_AGAIN files a further action for a
-/// slot that an earlier row has.
+/// Who carries out the fixed commands of the node graph, in the order in which they are filed: name
+/// in the command table, which has their texts, tips and keys, slot of the plug-in object, and what
+/// the slot calls on the view. ACTION_AGAIN files a further action for a slot that an earlier row
+/// has.
 // clang-format off
 #define OSS_NODE_GRAPH_ACTIONS(ACTION, ACTION_AGAIN)                                               \
     ACTION("Connect Selected Node to Viewer", connectSelectedNodeToViewer, connectSelectedNodeToViewer(nullptr, 1)) \

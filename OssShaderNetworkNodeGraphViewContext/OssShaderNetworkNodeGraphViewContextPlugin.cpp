@@ -4,6 +4,7 @@
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
+#include "OssInterface/Actions/OssCommandTable.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssShaderNetworkView.h"
 #include "OssSnNodeGraphViewContextManager.h"
@@ -18,6 +19,14 @@ constexpr const char *Source = "OssShaderNetworkNodeGraphViewContextPlugin";
 const ZelTextureToken TextureToken;
 const QString ActionFolder = QStringLiteral("/Ossa/NodeGraph/");
 const QString CreationFolder = QStringLiteral("/Ossa/NodeGraph/Create/");
+
+/// What users read for a command of the node graph.
+QString textOf(const char *name)
+{
+    const OssCommandTable::Row *row = OssCommandTable::find(ActionFolder
+                                                            + QString::fromLatin1(name));
+    return row ? OssCommandTable::text(*row) : QString();
+}
 
 } // namespace
 
@@ -71,18 +80,18 @@ void OssShaderNetworkNodeGraphViewContextPlugin::createActions()
 
     struct Row
     {
-        const char *text;
+        const char *name;
         void (Plugin::*slot)();
     };
 
-#define OSS_ACTION_ROW(text, slot, call) Row{text, &Plugin::slot},
+#define OSS_ACTION_ROW(name, slot, call) Row{name, &Plugin::slot},
     const Row rows[] = {OSS_NODE_GRAPH_ACTIONS(OSS_ACTION_ROW, OSS_ACTION_ROW)};
 #undef OSS_ACTION_ROW
 
     createNodeCreationActions();
     for (const Row &row : rows) {
-        auto *action = new QAction(tr(row.text), this);
-        OssActionTreeManager::setName(action, QString::fromLatin1(row.text));
+        const QString path = ActionFolder + QString::fromLatin1(row.name);
+        QAction *action = OssCommandTable::makeAction(path, this);
         OssActionTreeManager::instance()->registerAction(ActionFolder, action);
         connect(action, &QAction::triggered, this, row.slot);
     }
@@ -154,9 +163,9 @@ void OssShaderNetworkNodeGraphViewContextPlugin::forward(const QString &title, C
     { \
         forward(title, [](OssShaderNetworkView *view) { view->call; }); \
     }
-#define OSS_DEFINE_ACTION_SLOT(text, slot, call) OSS_DEFINE_SLOT(tr(text), slot, call)
+#define OSS_DEFINE_ACTION_SLOT(name, slot, call) OSS_DEFINE_SLOT(textOf(name), slot, call)
 #define OSS_DEFINE_NAMED_SLOT(slot, call) OSS_DEFINE_SLOT({}, slot, call)
-#define OSS_DEFINE_NO_SLOT(text, slot, call)
+#define OSS_DEFINE_NO_SLOT(name, slot, call)
 
 OSS_NODE_GRAPH_ACTIONS(OSS_DEFINE_ACTION_SLOT, OSS_DEFINE_NO_SLOT)
 OSS_NODE_GRAPH_NAMED_SLOTS(OSS_DEFINE_NAMED_SLOT)

@@ -8,8 +8,8 @@
 
 class OssShaderNetworkView;
 
-#define OSS_DECLARE_ACTION_SLOT(text, slot, call) void slot();
-#define OSS_DECLARE_NO_SLOT(text, slot, call)
+#define OSS_DECLARE_ACTION_SLOT(name, slot, call) void slot();
+#define OSS_DECLARE_NO_SLOT(name, slot, call)
 #define OSS_DECLARE_NAMED_SLOT(slot, call) void slot();
 
 /// The door of the plug-in: starts everything up, and receives every node-graph action, which it

@@ -268,6 +268,11 @@ private:
     void registerPreferences();
     void connectToHost();
     void createActions();
+    void createLayoutAction();
+    void createPortListActions();
+    /// What the images' menu offers; not in the action tree.
+    void createImageActions();
+    void createShakeAction();
     void initialiseNodeGraphPalette();
     void initialiseNodePropertiesPalette();
     template <class Visit>

@@ -5,6 +5,7 @@
 #include "OssCore/Program/OssResourceInfo.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
+#include "OssInterface/Actions/OssCommandTable.h"
 #include "OssInterface/Palettes/OssPalette.h"
 #include "OssInterface/Palettes/OssPaletteManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
@@ -65,54 +66,81 @@ void setInputDebug(const OssObjectReference &reference, const QString &input, bo
 
 void OssSnNodeGraphViewContextManager::createActions()
 {
-    OssActionTreeManager *tree = OssActionTreeManager::instance();
-    auto *autoplace = new QAction(QStringLiteral("Autoplace"), this);
-    connect(autoplace, &QAction::triggered, this,
-            qOverload<>(&OssSnNodeGraphViewContextManager::beautifyNodesLayout));
-    if (!tree->hasAction(QStringLiteral("/Ossa/NodeGraph/Autoplace")))
-        tree->registerAction(QStringLiteral("/Ossa/NodeGraph/"), autoplace);
-    OssShaderNetworkManager::instance()->registerGlobalContextMenuAction(autoplace);
-    const QStringList modes{QStringLiteral("Expanded"), QStringLiteral("Stream Collapsed"),
-                            QStringLiteral("Connected Only"), QStringLiteral("Collapsed")};
-    for (int mode = 0; mode < modes.size(); ++mode) {
-        const QString text = QStringLiteral("Switch to %1 mode").arg(modes.at(mode));
-        auto *action = new QAction(text, this);
-        action->setProperty("Mode", mode);
-        action->setToolTip(text);
-        action->setWhatsThis(text);
-        connect(action, &QAction::triggered, this,
-                &OssSnNodeGraphViewContextManager::onNodeCollapsedModeChanged);
-        tree->registerAction(QStringLiteral("/Ossa/NodeGraph"), action);
-    }
+    createLayoutAction();
+    createPortListActions();
+    createImageActions();
+    createShakeAction();
+}
 
-    struct ImageRow
+void OssSnNodeGraphViewContextManager::createLayoutAction()
+{
+    const QString path = QStringLiteral("/Ossa/NodeGraph/Autoplace");
+    QAction *action = OssCommandTable::makeAction(path, this);
+    connect(action, &QAction::triggered, this,
+            qOverload<>(&OssSnNodeGraphViewContextManager::beautifyNodesLayout));
+    OssActionTreeManager *tree = OssActionTreeManager::instance();
+    if (!tree->hasAction(path))
+        tree->registerAction(QStringLiteral("/Ossa/NodeGraph/"), action);
+    OssShaderNetworkManager::instance()->registerGlobalContextMenuAction(action);
+}
+
+void OssSnNodeGraphViewContextManager::createPortListActions()
+{
+    struct ModeRow
     {
-        const char *text;
-        const char *pathKey;
-        const char *toolTip;
+        DefaultMCMCollapsedState mode;
+        const char *path;
     };
 
-    for (const ImageRow &row :
-         {ImageRow{"As Tiled", "Procedural/Pattern/Tiled", "Add to Nodegraph as Tiled"},
-          ImageRow{"As TriPlanar", "Environment/Tri Planar Projection",
-                   "Add to Nodegraph as TriPlanar"}}) {
-        auto *add = new QAction(QString::fromLatin1(row.text), this);
-        add->setData(QString::fromLatin1(row.pathKey));
-        add->setToolTip(QString::fromLatin1(row.toolTip));
-        connect(add, &QAction::triggered, this, &OssSnNodeGraphViewContextManager::addImageAs);
-        OssImageManager::instance()->registerGlobalContextMenuAction(
-            add, QStringLiteral("Add to Nodegraph"),
-            OssIcon::getIconPath(QStringLiteral("NodeGraph.png")));
+    for (const ModeRow &row :
+         {ModeRow{Expanded, "/Ossa/NodeGraph/Switch to Expanded mode"},
+          ModeRow{StreamCollapsed, "/Ossa/NodeGraph/Switch to Stream Collapsed mode"},
+          ModeRow{ConnectedOnly, "/Ossa/NodeGraph/Switch to Connected Only mode"},
+          ModeRow{Collapsed, "/Ossa/NodeGraph/Switch to Collapsed mode"}}) {
+        QAction *action = OssCommandTable::makeAction(QString::fromLatin1(row.path), this);
+        action->setProperty("Mode", int(row.mode));
+        action->setToolTip(action->text());
+        action->setWhatsThis(action->text());
+        connect(action, &QAction::triggered, this,
+                &OssSnNodeGraphViewContextManager::onNodeCollapsedModeChanged);
+        OssActionTreeManager::instance()->registerAction(QStringLiteral("/Ossa/NodeGraph"), action);
     }
-    const QString shake = QStringLiteral("Shake To Extract");
-    auto *action = new QAction(shake, this);
-    action->setObjectName(shake);
-    action->setStatusTip(shake);
-    action->setToolTip(shake);
-    action->setWhatsThis(shake);
+}
+
+void OssSnNodeGraphViewContextManager::createImageActions()
+{
+    struct ImageRow
+    {
+        QString text;
+        QString pathKey;
+        QString toolTip;
+    };
+
+    const ImageRow rows[] = {{tr("As Tiled"), QStringLiteral("Procedural/Pattern/Tiled"),
+                              tr("Add to Nodegraph as Tiled")},
+                             {tr("As TriPlanar"),
+                              QStringLiteral("Environment/Tri Planar Projection"),
+                              tr("Add to Nodegraph as TriPlanar")}};
+    for (const ImageRow &row : rows) {
+        auto *action = new QAction(row.text, this);
+        action->setData(row.pathKey);
+        action->setToolTip(row.toolTip);
+        connect(action, &QAction::triggered, this, &OssSnNodeGraphViewContextManager::addImageAs);
+        OssImageManager::instance()->registerGlobalContextMenuAction(
+            action, tr("Add to Nodegraph"), OssIcon::getIconPath(QStringLiteral("NodeGraph.png")));
+    }
+}
+
+void OssSnNodeGraphViewContextManager::createShakeAction()
+{
+    const QString path = QStringLiteral("/Ossa/NodeGraph/Shake To Extract");
+    QAction *action = OssCommandTable::makeAction(path, this);
+    action->setObjectName(OssActionTreeManager::nameOf(path));
+    action->setToolTip(action->statusTip());
+    action->setWhatsThis(action->statusTip());
     connect(action, &QAction::triggered, this,
             &OssSnNodeGraphViewContextManager::toggleShakeToExtractEnabled);
-    tree->registerAction(QStringLiteral("Ossa/NodeGraph/"), action);
+    OssActionTreeManager::instance()->registerAction(QStringLiteral("Ossa/NodeGraph/"), action);
 }
 
 void OssSnNodeGraphViewContextManager::addImageAs()

@@ -1,10 +1,10 @@
 #include "OssShaderNetworkWidget.h"
 
 #include "OssCore/Program/OssDebug.h"
-#include "OssCore/Program/OssResourceInfo.h"
 #include "OssCore/Program/OssSettings.h"
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
+#include "OssInterface/Actions/OssCommandTable.h"
 #include "OssInterface/Widgets/OssExpandableListHeading.h"
 #include "OssInterface/Widgets/OssExpandableListWidget.h"
 #include "OssInterface/Widgets/OssFormLayout.h"
@@ -87,8 +87,9 @@ void OssSnNodePropertiesWidget::makeScrollArea()
 
 QAction *OssSnNodePropertiesWidget::makeDeleteAction()
 {
-    auto *action = new QAction(QStringLiteral("Delete All Properties"), this);
-    action->setShortcut(Qt::CTRL + Qt::SHIFT + Qt::Key_A);
+    const QString path = QStringLiteral("/Ossa/NodeGraph/Delete All Properties");
+    QAction *action = OssCommandTable::makeAction(path, this);
+    action->setShortcuts(OssCommandTable::keys(path)); // the button makes them act
     OssActionTreeManager *tree = OssActionTreeManager::instance();
     if (!tree->hasAction(QStringLiteral("/Ossa/NodeGraph/Delete all Properties")))
         tree->registerAction(QStringLiteral("/Ossa/NodeGraph/"), action);
@@ -99,13 +100,12 @@ QAction *OssSnNodePropertiesWidget::makeDeleteAction()
 void OssSnNodePropertiesWidget::makeBar(QAction *deleteAll)
 {
     auto *button = new QPushButton(this);
-    button->setIcon(QIcon(OssResourceInfo::instance()->iconPath()
-                          + QStringLiteral("/NodePropertiesDeleteAll.png")));
+    button->setIcon(deleteAll->icon());
     button->setMaximumSize(24, 24);
     button->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-    button->setToolTip(tr("Remove all panels."));
-    button->setWhatsThis(tr("Remove all panels."));
-    button->setAccessibleName(tr("Remove all panels."));
+    button->setToolTip(deleteAll->statusTip());
+    button->setWhatsThis(deleteAll->statusTip());
+    button->setAccessibleName(deleteAll->statusTip());
     // Where the action acts on its keys itself, the button's would make them ambiguous.
     const auto follow = [button, deleteAll] {
         const Qt::ShortcutContext context = deleteAll->shortcutContext();

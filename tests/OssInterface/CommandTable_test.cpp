@@ -30,14 +30,14 @@ QVector<QPair<QString, QString>> placesOf(const char *text)
 QVector<QPair<QString, QPair<QString, QString>>> allPlaces()
 {
     QVector<QPair<QString, QPair<QString, QString>>> all;
-    const auto add = [&all](const char *owner, const char *places) {
+    const auto add = [&all](const QString &owner, const char *places) {
         for (const auto &place : placesOf(places))
-            all.append({QString::fromLatin1(owner), place});
+            all.append({owner, place});
     };
     for (const Row &row : rows())
-        add(row.path, row.places);
+        add(path(row), row.places);
     for (const Menu &menu : menus())
-        add(menu.name, menu.places);
+        add(QString::fromLatin1(menu.name), menu.places);
     return all;
 }
 
@@ -69,17 +69,17 @@ TEST(CommandTable, pathsAreUniqueAndKeysCanBeReadAndDoNotBlockEachOther)
     QSet<QString> paths;
     QHash<QString, QString> owners;
     for (const Row &row : rows()) {
-        const QString path = QString::fromLatin1(row.path);
+        const QString path = OssCommandTable::path(row);
         EXPECT_EQ(OssActionTreeManager::normalizedPath(path), path);
-        EXPECT_FALSE(paths.contains(path)) << row.path;
+        EXPECT_FALSE(paths.contains(path)) << qPrintable(path);
         paths.insert(path);
         EXPECT_EQ(keys(path).size(),
                   QString::fromLatin1(row.keys).split(QLatin1Char(' '), Qt::SkipEmptyParts).size());
         for (const QKeySequence &key : keys(path)) {
-            EXPECT_FALSE(key.isEmpty()) << row.path;
-            EXPECT_EQ(key.count(), 1) << row.path;
+            EXPECT_FALSE(key.isEmpty()) << qPrintable(path);
+            EXPECT_EQ(key.count(), 1) << qPrintable(path);
             EXPECT_FALSE(owners.contains(key.toString()))
-                << row.path << " and " << qPrintable(owners.value(key.toString()));
+                << qPrintable(path) << " and " << qPrintable(owners.value(key.toString()));
             owners.insert(key.toString(), path);
         }
     }

@@ -23,7 +23,7 @@ QString text(const QString &path)
 bool isInOpenFolder(const QString &path)
 {
     for (const OssCommandTable::Row &row : OssCommandTable::rows()) {
-        const QString folder = QString::fromLatin1(row.path);
+        const QString folder = OssCommandTable::path(row);
         if (folder.endsWith(QLatin1Char('*')) && path.startsWith(folder.chopped(1)))
             return true;
     }
@@ -36,9 +36,9 @@ TEST_F(Commands, everyRowIsCarriedOutBySomeone)
 {
     const auto *tree = OssActionTreeManager::instance();
     for (const OssCommandTable::Row &row : OssCommandTable::rows()) {
-        const QString path = QString::fromLatin1(row.path);
+        const QString path = OssCommandTable::path(row);
         const bool isFolder = path.endsWith(QLatin1Char('*'));
-        EXPECT_TRUE(isFolder || tree->findAction(path)) << row.path;
+        EXPECT_TRUE(isFolder || tree->findAction(path)) << qPrintable(path);
     }
 }
 
@@ -48,6 +48,20 @@ TEST_F(Commands, everyCommandHasARow)
     for (const QString &path : paths)
         EXPECT_TRUE(OssCommandTable::find(path) || isInOpenFolder(path)) << qPrintable(path);
     EXPECT_GT(paths.size(), 120);
+}
+
+TEST_F(Commands, everyCommandReadsAsItsRowSays)
+{
+    for (const OssCommandTable::Row &row : OssCommandTable::rows()) {
+        const QString path = OssCommandTable::path(row);
+        const QAction *action = OssActionTreeManager::instance()->findAction(path);
+        if (!action)
+            continue; // a folder
+        // "Undo" goes on with the title of the step.
+        EXPECT_TRUE(action->text().startsWith(OssCommandTable::text(row))) << qPrintable(path);
+        EXPECT_EQ(action->statusTip(), OssCommandTable::tip(row)) << qPrintable(path);
+        EXPECT_EQ(action->icon().isNull(), !*row.icon) << qPrintable(path);
+    }
 }
 
 TEST_F(Commands, everyCommandThatDocumentsNameIsThere)

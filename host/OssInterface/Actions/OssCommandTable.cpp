@@ -1,5 +1,10 @@
 #include "OssInterface/Actions/OssCommandTable.h"
 
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Program/OssIcon.h"
+#include "OssInterface/Actions/OssActionTreeManager.h"
+
+#include <QAction>
 #include <QCoreApplication>
 #include <QHash>
 #include <QStringList>
@@ -69,10 +74,10 @@ void addMenu(const QString &menu, QVector<Item> *items)
             items->append(Item{Item::End, {}});
             continue;
         }
-        QString path = QString::fromLatin1(place.row->path);
-        const bool isFolder = path.endsWith(QLatin1String("/*"));
-        path.chop(isFolder ? 1 : 0);
-        items->append({isFolder ? Item::Folder : Item::Command, path});
+        if (std::strcmp(place.row->name, "*") == 0)
+            items->append({Item::Folder, QString::fromLatin1(place.row->folder)});
+        else
+            items->append({Item::Command, path(*place.row)});
     }
 }
 
@@ -85,11 +90,16 @@ QHash<QString, const Row *> rowsByPath()
 {
     QHash<QString, const Row *> found;
     for (const Row &row : rows())
-        found.insert(QString::fromLatin1(row.path), &row);
+        found.insert(path(row), &row);
     return found;
 }
 
 } // namespace
+
+QString OssCommandTable::path(const Row &row)
+{
+    return QString::fromLatin1(row.folder) + QLatin1Char('/') + QString::fromLatin1(row.name);
+}
 
 const Row *OssCommandTable::find(const QString &path)
 {
@@ -99,7 +109,7 @@ const Row *OssCommandTable::find(const QString &path)
 
 QString OssCommandTable::text(const Row &row)
 {
-    return translated(std::strrchr(row.path, '/') + 1);
+    return translated(row.name);
 }
 
 QString OssCommandTable::tip(const Row &row)
@@ -121,6 +131,24 @@ QList<QKeySequence> OssCommandTable::keys(const QString &path)
     for (const QString &text : texts)
         keys.append(QKeySequence::fromString(text, QKeySequence::PortableText));
     return keys;
+}
+
+QAction *OssCommandTable::makeAction(const QString &path, QObject *owner)
+{
+    const QString name = OssActionTreeManager::nameOf(path);
+    const Row *row = find(path);
+    if (!row)
+        OssDebug("OssCommandTable", __LINE__, "[ !! ] The command %s is in no table",
+                 qPrintable(path));
+    auto *action = new QAction(row ? text(*row) : name, owner);
+    OssActionTreeManager::setName(action, name);
+    // Qt would guess roles from texts and move commands between menus on some desktops.
+    action->setMenuRole(QAction::NoRole);
+    if (row)
+        action->setStatusTip(tip(*row));
+    if (row && *row->icon)
+        action->setIcon(OssIcon::createIconFromFilename(QString::fromLatin1(row->icon)));
+    return action;
 }
 
 OssMenuDefinition OssCommandTable::menu(const QString &name)

@@ -9,9 +9,12 @@
 
 #include <vector>
 
+class QAction;
+class QObject;
+
 /// All commands of the application, one row each: what it is known by, its keys, where it stands in
 /// menus, when it can be used. The rows stand in OssCommandRows.cpp, the one place where they are
-/// written down; whoever carries a command out files an action under its path.
+/// written down; whoever carries a command out has its action made here and files it under its path.
 namespace OssCommandTable {
 
 /// What must hold for a command to be enabled. Most commands are always: they say themselves what
@@ -21,8 +24,9 @@ enum When { Always, WithProject, WithUndo, WithRedo, WithRecent, WithScript, Wit
 struct Row
 {
     /// Identity in the action tree: folder and name. The name, translated, is what users read.
-    /// "/Folder/*" stands for whatever is filed there while the program runs.
-    const char *path;
+    /// "*" stands for whatever is filed there while the program runs.
+    const char *folder = "";
+    const char *name = "";
     /// Default keys as portable text; alternatives are separated by a blank.
     const char *keys = "";
     /// "Menu SECTION.PLACE", several separated by ", ". Sections are parted by a line.
@@ -44,6 +48,8 @@ struct Menu
 OSSINTERFACE_EXPORT const std::vector<Row> &rows();
 OSSINTERFACE_EXPORT const std::vector<Menu> &menus();
 
+OSSINTERFACE_EXPORT QString path(const Row &row);
+
 /// Null for a path that has no row of its own.
 OSSINTERFACE_EXPORT const Row *find(const QString &path);
 
@@ -54,6 +60,10 @@ OSSINTERFACE_EXPORT QString title(const Menu &menu);
 
 /// Keys until the user says otherwise; empty for commands without any.
 OSSINTERFACE_EXPORT QList<QKeySequence> keys(const QString &path);
+
+/// The action of a row, with its name, text, tip and icon but without keys, not yet filed. The
+/// owner owns it. A path without a row leaves a line in the log and an action with that name.
+OSSINTERFACE_EXPORT QAction *makeAction(const QString &path, QObject *owner);
 
 /// What stands in a menu, submenus included.
 OSSINTERFACE_EXPORT OssMenuDefinition menu(const QString &name);

@@ -196,8 +196,7 @@ bool OssShortcutManager::eventFilter(QObject *watched, QEvent *event)
 
 void OssShortcutManager::onActionRegistered(const QString &path, QAction *action)
 {
-    if (!m_own.contains(path) && !action->shortcuts().isEmpty()
-        && OssCommandTable::keys(path).isEmpty() && !m_bound.contains(path))
+    if (!m_own.contains(path) && !action->shortcuts().isEmpty() && !m_bound.contains(path))
         m_own.insert(path, action->shortcuts());
     bind(path);
 }

@@ -13,7 +13,7 @@ class QObject;
 namespace Commands {
 
 /// Makes the action of a row of the command table and files it. The owner owns it; `run` is not
-/// called after the owner has died. Null, with a debug line, for a path that has no row.
+/// called after the owner has died.
 QAction *file(QObject *owner, const QString &path, const std::function<void()> &run);
 
 /// The same for what comes and goes while the program runs, such as recent files.

@@ -10,8 +10,12 @@
 
 namespace {
 
-void showStep(QAction *action, const QString &verb, const QString &title)
+const QString undoPath = QStringLiteral("/Ossa/Edit/Undo");
+const QString redoPath = QStringLiteral("/Ossa/Edit/Redo");
+
+void showStep(QAction *action, const QString &path, const QString &title)
 {
+    const QString verb = OssCommandTable::text(*OssCommandTable::find(path));
     const bool known = action->isEnabled() && !title.isEmpty();
     action->setText(known ? verb + QLatin1Char(' ') + title : verb);
 }
@@ -23,10 +27,8 @@ EditCommands::EditCommands(QWidget *window)
     , m_window(window)
 {
     auto *history = OssUndoManager::instance();
-    m_undo = Commands::file(this, QStringLiteral("/Ossa/Edit/Undo"),
-                            [history] { history->undo(); });
-    m_redo = Commands::file(this, QStringLiteral("/Ossa/Edit/Redo"),
-                            [history] { history->redo(); });
+    m_undo = Commands::file(this, undoPath, [history] { history->undo(); });
+    m_redo = Commands::file(this, redoPath, [history] { history->redo(); });
     Commands::file(this, QStringLiteral("/Ossa/Edit/Preferences..."),
                    [this] { showPreferences(); });
     Commands::file(this, QStringLiteral("/Ossa/Edit/Keyboard Shortcuts..."),
@@ -40,8 +42,8 @@ void EditCommands::refresh()
     const auto *history = OssUndoManager::instance();
     Commands::setHolds(OssCommandTable::WithUndo, history->canUndo());
     Commands::setHolds(OssCommandTable::WithRedo, history->canRedo());
-    showStep(m_undo, tr("Undo"), history->undoText());
-    showStep(m_redo, tr("Redo"), history->redoText());
+    showStep(m_undo, undoPath, history->undoText());
+    showStep(m_redo, redoPath, history->redoText());
 }
 
 void EditCommands::showPreferences()

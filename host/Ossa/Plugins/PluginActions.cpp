@@ -2,6 +2,7 @@
 
 #include "Ossa/Plugins/PluginLoader.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
+#include "OssInterface/Actions/OssCommandTable.h"
 
 #include <QAction>
 #include <QMetaMethod>
@@ -10,7 +11,7 @@ namespace {
 
 struct Row
 {
-    const char *text;
+    const char *name;
     const char *slot;
 };
 
@@ -27,11 +28,11 @@ void fileFor(QObject *plugin)
     auto *tree = OssActionTreeManager::instance();
     const QMetaMethod triggered = QMetaMethod::fromSignal(&QAction::triggered);
     for (const Row &row : table) {
-        const QString text = QString::fromLatin1(row.text);
+        const QString path = folder + QString::fromLatin1(row.name);
         const int slot = plugin->metaObject()->indexOfSlot(row.slot);
-        if (slot < 0 || tree->hasAction(folder + text))
+        if (slot < 0 || tree->hasAction(path))
             continue;
-        auto *action = new QAction(text, plugin); // owned by the plug-in's object
+        QAction *action = OssCommandTable::makeAction(path, plugin);
         QObject::connect(action, triggered, plugin, plugin->metaObject()->method(slot));
         tree->registerAction(folder, action);
     }

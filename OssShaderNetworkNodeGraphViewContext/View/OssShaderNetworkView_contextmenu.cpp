@@ -33,26 +33,6 @@ bool isListed(const QString &menuPath)
     });
 }
 
-/// The submenus of one menu, made as they are needed.
-class Submenus
-{
-public:
-    explicit Submenus(OssMenu *top) { m_menus.insert(QString(), top); }
-
-    OssMenu *menu(const QStringList &parts)
-    {
-        const QString path = parts.join(QLatin1Char('/'));
-        if (!m_menus.contains(path)) {
-            OssMenu *parent = menu(parts.mid(0, parts.size() - 1));
-            m_menus.insert(path, new OssMenu(parts.last(), parent)); // owned by its parent
-        }
-        return m_menus.value(path);
-    }
-
-private:
-    QHash<QString, OssMenu *> m_menus;
-};
-
 void fillNodesMenu(OssMenu *menu)
 {
     const OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
@@ -60,7 +40,6 @@ void fillNodesMenu(OssMenu *menu)
     std::sort(keys.begin(), keys.end(), [networks](const QString &a, const QString &b) {
         return networks->nodeMenuPath(a) < networks->nodeMenuPath(b);
     });
-    Submenus submenus(menu);
     for (const QString &key : qAsConst(keys)) {
         const QString menuPath = networks->nodeMenuPath(key);
         if (!isListed(menuPath))
@@ -70,7 +49,7 @@ void fillNodesMenu(OssMenu *menu)
         QAction *action = OssActionTreeManager::instance()->findAction(
             QStringLiteral("/Ossa/NodeGraph/Create/") + key);
         if (action)
-            submenus.menu(parts)->addAction(action);
+            OssMenu::submenu(menu, parts)->addAction(action);
     }
 }
 

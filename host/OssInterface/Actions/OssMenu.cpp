@@ -5,12 +5,27 @@
 
 #include <QActionEvent>
 
+#include <algorithm>
+
 OssMenu::OssMenu(const QString &title, QMenu *parentMenu)
     : QMenu(title, parentMenu)
 {
     setToolTipsVisible(true);
     if (parentMenu)
         parentMenu->addMenu(this);
+}
+
+QMenu *OssMenu::submenu(QMenu *menu, const QStringList &titles)
+{
+    for (const QString &title : titles) {
+        const QList<QAction *> entries = menu->actions();
+        const auto found = std::find_if(entries.cbegin(), entries.cend(),
+                                        [&title](const QAction *entry) {
+                                            return entry->menu() && entry->menu()->title() == title;
+                                        });
+        menu = found == entries.cend() ? new OssMenu(title, menu) : (*found)->menu();
+    }
+    return menu;
 }
 
 void OssMenu::setShortcutGroup(const QString &group)

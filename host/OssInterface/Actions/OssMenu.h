@@ -4,6 +4,7 @@
 
 #include <QMenu>
 #include <QString>
+#include <QStringList>
 
 /// A menu of commands. Submenus are owned by the menu they stand in, commands never. Tool tips of
 /// the commands are shown.
@@ -14,6 +15,10 @@ class OSSINTERFACE_EXPORT OssMenu : public QMenu
 public:
     /// With a parent menu: entered there as a submenu.
     explicit OssMenu(const QString &title = {}, QMenu *parentMenu = nullptr);
+
+    /// The submenu of a menu at a path of titles, made as far as it is not there; the menu itself
+    /// for an empty path.
+    static QMenu *submenu(QMenu *menu, const QStringList &titles);
 
     /// Heading under which the shortcut editor lists the commands of this menu, those that are
     /// added later included. Submenus have their own.

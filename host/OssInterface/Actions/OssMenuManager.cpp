@@ -13,28 +13,14 @@ namespace {
 
 using Item = OssMenuDefinition::Item;
 
-OssMenu *submenuTitled(QMenu *menu, const QString &title)
-{
-    const QList<QAction *> actions = menu->actions();
-    for (QAction *action : actions) {
-        auto *submenu = qobject_cast<OssMenu *>(action->menu());
-        if (submenu && submenu->title() == title)
-            return submenu;
-    }
-    return new OssMenu(title, menu); // owned by the menu
-}
-
 void addFolder(QMenu *menu, const QString &folder)
 {
     const QString root = OssActionTreeManager::normalizedPath(folder);
     const auto entries = OssActionTreeManager::instance()->entries(folder, true);
     for (const OssActionTreeManager::Entry &entry : entries) {
         const QString inside = OssActionTreeManager::folderOf(entry.path).mid(root.size());
-        QMenu *target = menu;
         const QStringList titles = inside.split(QLatin1Char('/'), Qt::SkipEmptyParts);
-        for (const QString &title : titles)
-            target = submenuTitled(target, title);
-        target->addAction(entry.action);
+        OssMenu::submenu(menu, titles)->addAction(entry.action);
     }
 }
 

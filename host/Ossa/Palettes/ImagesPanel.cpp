@@ -2,6 +2,7 @@
 
 #include "Ossa/Palettes/DragList.h"
 #include "Ossa/Palettes/ImageListModel.h"
+#include "OssInterface/Actions/OssMenu.h"
 #include "OssInterface/Popups/OssFileDialog.h"
 #include "OssInterface/Popups/OssMessageBox.h"
 #include "OssModel/Images/OssImage.h"
@@ -71,12 +72,10 @@ void ImagesPanel::showMenu(const QPoint &place)
     if (!m_list->indexAt(place).isValid())
         return;
     QMenu menu(this);
-    QHash<QString, QMenu *> submenus;
     const auto actions = OssImageManager::instance()->globalContextMenuActions();
     for (const OssImageManager::ContextMenuAction &entry : actions) {
-        QMenu *&submenu = submenus[entry.menuTitle];
-        if (!submenu)
-            submenu = menu.addMenu(QIcon(entry.iconPath), entry.menuTitle);
+        QMenu *submenu = OssMenu::submenu(&menu, {entry.menuTitle});
+        submenu->setIcon(QIcon(entry.iconPath));
         if (auto *action = qobject_cast<QAction *>(entry.action.data()))
             submenu->addAction(action);
     }

@@ -10,10 +10,13 @@
 #include <QCheckBox>
 #include <QColorDialog>
 #include <QComboBox>
+#include <QImage>
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPointF>
 #include <QPushButton>
+#include <QTemporaryDir>
+#include <QUrl>
 
 namespace {
 
@@ -264,6 +267,33 @@ TEST_F(PropertyEditors, imagesAreChosenFromTheProjectsAndDroppedAsItsPaletteDrag
     QCoreApplication::sendEvent(target, &drop);
     EXPECT_EQ(pictures(), ids);
     EXPECT_EQ(list->currentText(), QStringLiteral("rust.png and 1 more"));
+}
+
+TEST_F(PropertyEditors, pictureFilesFromOutsideBecomeImagesOfTheProjectInOneStep)
+{
+    const QTemporaryDir folder;
+    const QString moss = folder.filePath(QStringLiteral("moss.png"));
+    ASSERT_TRUE(QImage(4, 4, QImage::Format_RGB32).save(moss));
+    QMimeData mime;
+    const auto drop = [this, &mime] {
+        QWidget *target = m_panel->row(QStringLiteral("Pictures"))->editor();
+        QDragEnterEvent enter({2, 2}, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(target, &enter);
+        QDropEvent event({2, 2}, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(target, &event);
+        return enter.isAccepted();
+    };
+    mime.setUrls({QUrl::fromLocalFile(folder.filePath(QStringLiteral("notes.txt")))});
+    EXPECT_FALSE(drop());
+    EXPECT_EQ(undoCount(), 0);
+    mime.setUrls({QUrl::fromLocalFile(moss)});
+    EXPECT_TRUE(drop());
+    ASSERT_EQ(m_project->images().size(), 1);
+    EXPECT_EQ(m_node->attribute(QStringLiteral("Pictures")).toStringList(),
+              QStringList{m_project->images().first()->uniqueId().toString()});
+    EXPECT_EQ(editor<QComboBox>("Pictures")->currentText(), QStringLiteral("moss.png"));
+    EXPECT_EQ(undoCount(), 1);
+    expectUndoIsExact(m_start);
 }
 
 TEST_F(PropertyEditors, pickerWorksInDisplayColorsAndKeepsBrightness)

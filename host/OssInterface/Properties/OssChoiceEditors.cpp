@@ -1,5 +1,6 @@
 #include "OssInterface/Properties/OssChoiceEditors.h"
 
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Images/OssImage.h"
 #include "OssModel/Images/OssImageList.h"
 #include "OssModel/Images/OssImageManager.h"
@@ -9,7 +10,6 @@
 #include <QDropEvent>
 #include <QFileInfo>
 #include <QHBoxLayout>
-#include <QMimeData>
 #include <QWheelEvent>
 
 namespace {
@@ -145,18 +145,19 @@ void OssImagesEditor::showValue(const OssCustomAttribute &attribute, bool mixed)
 
 void OssImagesEditor::dragEnterEvent(QDragEnterEvent *event)
 {
-    if (event->mimeData()->hasFormat(OssImage::MimeType))
+    if (OssImageManager::bringsImages(event->mimeData()))
         event->acceptProposedAction();
 }
 
 void OssImagesEditor::dropEvent(QDropEvent *event)
 {
+    // Files that the project does not have yet are opened in the same step.
+    const OssUndoManager::Gathering gathering(tr("Drop Images"));
     OssImageList list;
-    const auto ids = OssImageUniqueId::imageIdListFromString(
-        QString::fromUtf8(event->mimeData()->data(OssImage::MimeType)));
-    for (const OssImageUniqueId &id : ids)
-        list.append(id);
-    if (ids.isEmpty())
+    const QList<OssImage *> images = OssImageManager::instance()->dropped(event);
+    for (const OssImage *image : images)
+        list.append(image->uniqueId());
+    if (images.isEmpty())
         return;
     event->acceptProposedAction();
     Q_EMIT edited(list.toVariant());

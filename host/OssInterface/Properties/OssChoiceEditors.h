@@ -33,7 +33,8 @@ private:
     QCheckBox *m_box;
 };
 
-/// Chooses one of the project's images; images may also be dropped, several at once.
+/// Chooses one of the project's images; images and picture files may also be dropped, several at
+/// once. Files become images of the project in the same step.
 class OssImagesEditor : public OssPropertyEditor
 {
     Q_OBJECT

@@ -1,6 +1,7 @@
 #include "OssSnUINodeGraphViewContext.h"
 
 #include "OssCore/Program/OssDebug.h"
+#include "OssCore/Values/OssAttributeKind.h"
 #include "OssCore/Values/OssColor.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
@@ -123,8 +124,9 @@ void OssSnUINodeGraphViewContext::showBackground(const OssCustomAttribute &attri
                  node ? qPrintable(node->path()) : "");
         return;
     }
-    QVariant held = attribute.value();
-    if (!held.convert(qMetaTypeId<OssColor>()))
+    const QVariant held = OssAttributeKind::like(QVariant::fromValue(OssColor()),
+                                                 attribute.value());
+    if (!held.isValid())
         return;
     const auto value = held.value<OssColor>();
     QColor color;

@@ -1,5 +1,6 @@
 #include "OssCore/Program/OssPreferenceManager.h"
 
+#include "OssCore/Values/OssAttributeKind.h"
 #include "OssCore/Values/OssGroupParameterObject.h"
 #include "OssCore/Values/OssValueText.h"
 
@@ -107,8 +108,7 @@ QVariant OssPreferenceManager::fitting(const Preference &preference, const QVari
     if (type == QMetaType::Int)
         return value.userType() == QMetaType::LongLong ? OssValueText::fromText(text, type)
                                                        : QVariant();
-    QVariant converted = value;
-    return converted.convert(type) ? converted : QVariant();
+    return OssAttributeKind::like(QVariant(type, nullptr), value);
 }
 
 void OssPreferenceManager::reset(const Preference &preference)

@@ -167,18 +167,28 @@ void OssEvPlanner::makeStage(int index, OssEvPlanStage *stage, std::vector<int> 
         stage->headKernel = value.kernel;
         return;
     }
+    OssEvPlanSource &result = stage->result;
+    result.channels = result.wanted = value.channels;
+    result.connected = true;
     if (value.kind == Kind::Constant) {
-        stage->result = {OssEvPlanSource::Kind::Constant,
-                         0,
-                         value.constant,
-                         value.channels,
-                         value.channels,
-                         true};
+        result.kind = OssEvPlanSource::Kind::Constant;
+        result.constant = value.constant;
         return;
     }
     int head = -1;
-    std::vector<int> run = runOf(index, &head);
-    // A second area operation in reach needs tiles of its own.
+    const std::vector<int> run = runOf(index, &head);
+    keepOtherAreas(run, head);
+    if (head >= 0)
+        addHead(head, stage, needed);
+    addSteps(run, head, stage, needed);
+    result.kind = run.empty() ? OssEvPlanSource::Kind::Head : OssEvPlanSource::Kind::Step;
+    result.index = run.empty() ? 0 : int(run.size()) - 1;
+    assignBuffers(stage);
+}
+
+// A second area operation in reach needs tiles of its own.
+void OssEvPlanner::keepOtherAreas(const std::vector<int> &run, int head)
+{
     for (const int node : run) {
         for (const ValueInput &input : m_values[std::size_t(node)].inputs) {
             const bool area = input.value >= 0
@@ -187,17 +197,24 @@ void OssEvPlanner::makeStage(int index, OssEvPlanStage *stage, std::vector<int> 
                 m_values[std::size_t(input.value)].kept = true;
         }
     }
-    if (head >= 0) {
-        const Value &area = m_values[std::size_t(head)];
-        stage->head = std::static_pointer_cast<const OssEvAreaOperation>(area.operation);
-        stage->headChannels = area.channels;
-        stage->headUsesSurface = area.usesSurface;
-        stage->headKernel = area.kernel;
-        stage->headNode = area.node;
-        stage->usesSurface = area.usesSurface;
-        for (const ValueInput &input : area.inputs)
-            stage->headInputs.push_back(sourceOf(input, {}, -1, needed));
-    }
+}
+
+void OssEvPlanner::addHead(int head, OssEvPlanStage *stage, std::vector<int> *needed) const
+{
+    const Value &area = m_values[std::size_t(head)];
+    stage->head = std::static_pointer_cast<const OssEvAreaOperation>(area.operation);
+    stage->headChannels = area.channels;
+    stage->headUsesSurface = area.usesSurface;
+    stage->headKernel = area.kernel;
+    stage->headNode = area.node;
+    stage->usesSurface = area.usesSurface;
+    for (const ValueInput &input : area.inputs)
+        stage->headInputs.push_back(sourceOf(input, {}, -1, needed));
+}
+
+void OssEvPlanner::addSteps(const std::vector<int> &run, int head, OssEvPlanStage *stage,
+                            std::vector<int> *needed) const
+{
     std::map<int, int> steps;
     for (const int node : run) {
         const Value &point = m_values[std::size_t(node)];
@@ -213,19 +230,6 @@ void OssEvPlanner::makeStage(int index, OssEvPlanStage *stage, std::vector<int> 
         steps[node] = int(stage->steps.size());
         stage->steps.push_back(std::move(step));
     }
-    stage->result = run.empty() ? OssEvPlanSource{OssEvPlanSource::Kind::Head,
-                                                  0,
-                                                  {},
-                                                  value.channels,
-                                                  value.channels,
-                                                  true}
-                                : OssEvPlanSource{OssEvPlanSource::Kind::Step,
-                                                  int(stage->steps.size()) - 1,
-                                                  {},
-                                                  value.channels,
-                                                  value.channels,
-                                                  true};
-    assignBuffers(stage);
 }
 
 OssEvPlanSource OssEvPlanner::sourceOf(const ValueInput &input, const std::map<int, int> &steps,

@@ -76,6 +76,10 @@ private:
     void makeStages(int target, OssEvPlan *plan);
     void makeStage(int index, OssEvPlanStage *stage, std::vector<int> *needed);
     std::vector<int> runOf(int value, int *head) const;
+    void keepOtherAreas(const std::vector<int> &run, int head);
+    void addHead(int head, OssEvPlanStage *stage, std::vector<int> *needed) const;
+    void addSteps(const std::vector<int> &run, int head, OssEvPlanStage *stage,
+                  std::vector<int> *needed) const;
     OssEvPlanSource sourceOf(const ValueInput &input, const std::map<int, int> &steps, int head,
                              std::vector<int> *needed) const;
     static void assignBuffers(OssEvPlanStage *stage);

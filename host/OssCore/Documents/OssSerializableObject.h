@@ -106,8 +106,6 @@ protected:
     bool orderUserAttributes(const QStringList &names);
     int userAttributeIndex(const QString &name) const;
 
-    const QStringList &foreignContent() const { return m_foreign; }
-
 private:
     void saveProperties(OssSerializer &serializer) const;
     void saveUserAttributes(OssSerializer &serializer) const;

@@ -47,15 +47,10 @@ OssColorEditor::OssColorEditor(QWidget *parent)
         range.maximum = i == 3 ? std::optional<double>(1.0) : std::nullopt;
         field->setRange(range);
         row->addWidget(field);
-        const auto value = [this] {
+        passOn(field, [this](double) {
             paintSwatch();
             return QVariant::fromValue(color());
-        };
-        connect(field, &OssNumberField::edited, this, [this, value] { Q_EMIT edited(value()); });
-        connect(field, &OssNumberField::stepped, this, [this, value] { Q_EMIT stepped(value()); });
-        connect(field, &OssNumberField::dragged, this, [this, value] { Q_EMIT dragged(value()); });
-        connect(field, &OssNumberField::dragBegun, this, &OssPropertyEditor::dragBegun);
-        connect(field, &OssNumberField::dragEnded, this, &OssPropertyEditor::dragEnded);
+        });
     }
     setFocusProxy(m_swatch);
 }

@@ -38,14 +38,7 @@ OssCurveEditor::OssCurveEditor(QWidget *parent)
 {
     makeRow()->addWidget(m_field);
     setFocusProxy(m_field);
-    const auto value = [this] {
-        return QVariant(textFromPoints(m_field->points()));
-    };
-    connect(m_field, &OssCurveField::edited, this, [this, value] { Q_EMIT edited(value()); });
-    connect(m_field, &OssCurveField::stepped, this, [this, value] { Q_EMIT stepped(value()); });
-    connect(m_field, &OssCurveField::dragged, this, [this, value] { Q_EMIT dragged(value()); });
-    connect(m_field, &OssCurveField::dragBegun, this, &OssPropertyEditor::dragBegun);
-    connect(m_field, &OssCurveField::dragEnded, this, &OssPropertyEditor::dragEnded);
+    passOn(m_field, [this] { return textFromPoints(m_field->points()); });
 }
 
 void OssCurveEditor::showValue(const OssCustomAttribute &attribute, bool)

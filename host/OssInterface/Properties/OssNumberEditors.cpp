@@ -25,14 +25,7 @@ OssNumberEditor::OssNumberEditor(QWidget *parent)
 {
     makeRow()->addWidget(m_field);
     setFocusProxy(m_field);
-    connect(m_field, &OssNumberField::edited, this,
-            [this](double number) { Q_EMIT edited(asValue(number)); });
-    connect(m_field, &OssNumberField::stepped, this,
-            [this](double number) { Q_EMIT stepped(asValue(number)); });
-    connect(m_field, &OssNumberField::dragged, this,
-            [this](double number) { Q_EMIT dragged(asValue(number)); });
-    connect(m_field, &OssNumberField::dragBegun, this, &OssPropertyEditor::dragBegun);
-    connect(m_field, &OssNumberField::dragEnded, this, &OssPropertyEditor::dragEnded);
+    passOn(m_field, [this](double number) { return asValue(number); });
 }
 
 QVariant OssNumberEditor::asValue(double number) const
@@ -58,11 +51,7 @@ OssVectorEditor::OssVectorEditor(QWidget *parent)
         OssNumberField *field = m_fields[i] = new OssNumberField(this);
         field->setPrefix(names[i]);
         row->addWidget(field);
-        connect(field, &OssNumberField::edited, this, [this] { Q_EMIT edited(value()); });
-        connect(field, &OssNumberField::stepped, this, [this] { Q_EMIT stepped(value()); });
-        connect(field, &OssNumberField::dragged, this, [this] { Q_EMIT dragged(value()); });
-        connect(field, &OssNumberField::dragBegun, this, &OssPropertyEditor::dragBegun);
-        connect(field, &OssNumberField::dragEnded, this, &OssPropertyEditor::dragEnded);
+        passOn(field, [this](double) { return value(); });
     }
     setFocusProxy(m_fields[0]);
 }

@@ -37,4 +37,19 @@ Q_SIGNALS:
 protected:
     /// A horizontal row for the editor's parts.
     class QHBoxLayout *makeRow();
+
+    /// What a part with the signals of an editor says is the editor's word. `value` gives the value
+    /// to tell with it, from what the part's signal carries.
+    template <class Part, class Value>
+    void passOn(Part *part, Value value)
+    {
+        connect(part, &Part::edited, this,
+                [this, value](const auto &...told) { Q_EMIT edited(value(told...)); });
+        connect(part, &Part::stepped, this,
+                [this, value](const auto &...told) { Q_EMIT stepped(value(told...)); });
+        connect(part, &Part::dragged, this,
+                [this, value](const auto &...told) { Q_EMIT dragged(value(told...)); });
+        connect(part, &Part::dragBegun, this, &OssPropertyEditor::dragBegun);
+        connect(part, &Part::dragEnded, this, &OssPropertyEditor::dragEnded);
+    }
 };

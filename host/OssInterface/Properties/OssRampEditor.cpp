@@ -29,44 +29,15 @@ OssRampEditor::OssRampEditor(QWidget *parent)
 
     connect(m_field, &OssRampField::currentChanged, this, &OssRampEditor::showCurrent);
     connect(m_field, &OssRampField::colorWanted, m_color, &OssColorEditor::openPicker);
-    connect(m_field, &OssRampField::edited, this, [this] { Q_EMIT edited(value()); });
-    connect(m_field, &OssRampField::stepped, this, [this] { Q_EMIT stepped(value()); });
-    connect(m_field, &OssRampField::dragged, this, [this] { Q_EMIT dragged(value()); });
-    connect(m_field, &OssRampField::dragBegun, this, &OssPropertyEditor::dragBegun);
-    connect(m_field, &OssRampField::dragEnded, this, &OssPropertyEditor::dragEnded);
-
-    connect(m_color, &OssPropertyEditor::edited, this, [this](const QVariant &color) {
+    passOn(m_field, [this] { return value(); });
+    passOn(m_color, [this](const QVariant &color) {
         takeColor(color);
-        Q_EMIT edited(value());
+        return value();
     });
-    connect(m_color, &OssPropertyEditor::stepped, this, [this](const QVariant &color) {
-        takeColor(color);
-        Q_EMIT stepped(value());
+    passOn(m_place, [this](double place) {
+        m_field->setCurrentPlace(place);
+        return value();
     });
-    connect(m_color, &OssPropertyEditor::dragged, this, [this](const QVariant &color) {
-        takeColor(color);
-        Q_EMIT dragged(value());
-    });
-    connect(m_color, &OssPropertyEditor::dragBegun, this, &OssPropertyEditor::dragBegun);
-    connect(m_color, &OssPropertyEditor::dragEnded, this, &OssPropertyEditor::dragEnded);
-
-    const auto takePlace = [this] {
-        m_field->setCurrentPlace(m_place->value());
-    };
-    connect(m_place, &OssNumberField::edited, this, [this, takePlace] {
-        takePlace();
-        Q_EMIT edited(value());
-    });
-    connect(m_place, &OssNumberField::stepped, this, [this, takePlace] {
-        takePlace();
-        Q_EMIT stepped(value());
-    });
-    connect(m_place, &OssNumberField::dragged, this, [this, takePlace] {
-        takePlace();
-        Q_EMIT dragged(value());
-    });
-    connect(m_place, &OssNumberField::dragBegun, this, &OssPropertyEditor::dragBegun);
-    connect(m_place, &OssNumberField::dragEnded, this, &OssPropertyEditor::dragEnded);
 }
 
 void OssRampEditor::showValue(const OssCustomAttribute &attribute, bool)

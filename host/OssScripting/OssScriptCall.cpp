@@ -9,6 +9,7 @@
 #include <QMetaProperty>
 #include <QPointF>
 #include <QSequentialIterable>
+#include <QSet>
 #include <QSizeF>
 
 #include <algorithm>
@@ -149,20 +150,49 @@ OssScriptCall::Outcome invoke(QObject *object, int method, const QVariantList &a
     return finished(result);
 }
 
+// --- towards scripts
+
+/// Whether a script takes such a value as it is.
+bool isPlain(int type)
+{
+    static const QSet<int> types{QMetaType::UnknownType, QMetaType::Void,        QMetaType::Bool,
+                                 QMetaType::Double,      QMetaType::LongLong,    QMetaType::QString,
+                                 QMetaType::QPointF,     qMetaTypeId<OssColor>()};
+    return types.contains(type);
+}
+
+/// Null for an object that scripts do not know.
+QVariant handleOf(QObject *object)
+{
+    auto *api = qobject_cast<Ossa::API *>(object);
+    if (object && !api) // an object of the program has the script object of its class
+        api = OssScriptManager::instance()->obtainAPI(object, QString());
+    return api ? QVariant::fromValue(OssScriptHandle::of(api)) : QVariant();
+}
+
+QVariant plainMap(QVariantMap map)
+{
+    for (QVariant &entry : map)
+        entry = OssScriptCall::plain(entry);
+    return map;
+}
+
+QVariant plainList(const QSequentialIterable &entries)
+{
+    QVariantList list;
+    for (const QVariant &entry : entries)
+        list.append(OssScriptCall::plain(entry));
+    return list;
+}
+
 } // namespace
 
 QVariant OssScriptCall::plain(const QVariant &value)
 {
     const int type = value.userType();
-    switch (type) {
-    case QMetaType::UnknownType:
-    case QMetaType::Void:
-    case QMetaType::Bool:
-    case QMetaType::Double:
-    case QMetaType::LongLong:
-    case QMetaType::QString:
-    case QMetaType::QPointF:
+    if (isPlain(type))
         return value;
+    switch (type) {
     case QMetaType::Float:
         return value.toDouble();
     case QMetaType::QPoint:
@@ -172,36 +202,18 @@ QVariant OssScriptCall::plain(const QVariant &value)
         return QPointF(value.toSizeF().width(), value.toSizeF().height());
     case QMetaType::QColor:
         return QVariant::fromValue(OssColor(value.value<QColor>()));
-    case QMetaType::QVariantMap: {
-        QVariantMap map = value.toMap();
-        for (QVariant &entry : map)
-            entry = plain(entry);
-        return map;
-    }
+    case QMetaType::QVariantMap:
+        return plainMap(value.toMap());
     default:
         break;
     }
-    if (type == qMetaTypeId<OssColor>())
-        return value;
     const QVariant written = OssAttributeKind::plain(value);
     if (written.userType() != type)
         return plain(written);
-    if (QMetaType::typeFlags(type).testFlag(QMetaType::PointerToQObject)) {
-        auto *object = value.value<QObject *>();
-        auto *api = qobject_cast<Ossa::API *>(object);
-        if (object && !api) // an object of the program has the script object of its class
-            api = OssScriptManager::instance()->obtainAPI(object, QString());
-        if (!api)
-            return {};
-        return QVariant::fromValue(OssScriptHandle::of(api));
-    }
-    if (value.canConvert<QVariantList>() && type != QMetaType::QByteArray) {
-        QVariantList list;
-        const auto entries = value.value<QSequentialIterable>();
-        for (const QVariant &entry : entries)
-            list.append(plain(entry));
-        return list;
-    }
+    if (QMetaType::typeFlags(type).testFlag(QMetaType::PointerToQObject))
+        return handleOf(value.value<QObject *>());
+    if (value.canConvert<QVariantList>() && type != QMetaType::QByteArray)
+        return plainList(value.value<QSequentialIterable>());
     if (value.canConvert<qlonglong>())
         return value.toLongLong();
     return value.toString();

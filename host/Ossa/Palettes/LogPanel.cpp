@@ -29,6 +29,17 @@ LogPanel::LogPanel(QWidget *parent)
     m_view->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     m_view->setAccessibleName(tr("Log lines"));
 
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(8, 8, 8, 8);
+    layout->addLayout(makeBar());
+    layout->addWidget(m_view);
+    setFocusProxy(m_view);
+    addCopyAction();
+    followEnd();
+}
+
+QHBoxLayout *LogPanel::makeBar()
+{
     auto *search = new QLineEdit(this);
     search->setPlaceholderText(tr("Filter"));
     search->setClearButtonEnabled(true);
@@ -40,26 +51,28 @@ LogPanel::LogPanel(QWidget *parent)
     auto *clearButton = new QPushButton(tr("Clear"), this);
     connect(clearButton, &QPushButton::clicked, m_model, &LogModel::clear);
 
-    auto *bar = new QHBoxLayout;
+    auto *bar = new QHBoxLayout; // the caller's
     bar->addWidget(search, 1);
     addCategory(bar, OssDebugLog::Warning, tr("Warnings"));
     addCategory(bar, OssDebugLog::Information, tr("Notes"));
     addCategory(bar, OssDebugLog::Plain, tr("Other"));
     bar->addWidget(copyButton);
     bar->addWidget(clearButton);
-    auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(8, 8, 8, 8);
-    layout->addLayout(bar);
-    layout->addWidget(m_view);
-    setFocusProxy(m_view);
+    return bar;
+}
 
-    auto *copyAction = new QAction(tr("Copy"), m_view);
-    copyAction->setShortcut(QKeySequence::Copy);
-    copyAction->setShortcutContext(Qt::WidgetShortcut);
-    connect(copyAction, &QAction::triggered, this, &LogPanel::copy);
-    m_view->addAction(copyAction);
+void LogPanel::addCopyAction()
+{
+    auto *action = new QAction(tr("Copy"), m_view);
+    action->setShortcut(QKeySequence::Copy);
+    action->setShortcutContext(Qt::WidgetShortcut);
+    connect(action, &QAction::triggered, this, &LogPanel::copy);
+    m_view->addAction(action);
     m_view->setContextMenuPolicy(Qt::ActionsContextMenu);
+}
 
+void LogPanel::followEnd()
+{
     const QScrollBar *scroll = m_view->verticalScrollBar();
     connect(m_filter, &QAbstractItemModel::rowsAboutToBeInserted, this,
             [this, scroll] { m_following = scroll->value() == scroll->maximum(); });

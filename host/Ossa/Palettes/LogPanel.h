@@ -22,7 +22,10 @@ public:
     QString textToCopy() const;
 
 private:
+    QHBoxLayout *makeBar();
     void addCategory(QHBoxLayout *bar, OssDebugLog::Category category, const QString &text);
+    void addCopyAction();
+    void followEnd();
     void copy() const;
 
     LogModel *m_model;

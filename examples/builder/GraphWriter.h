@@ -8,6 +8,18 @@
 class OssShaderNetwork;
 class OssSnBaseNode;
 
+/// Names and texts.
+inline QString key(const char *text)
+{
+    return QString::fromLatin1(text);
+}
+
+/// Where a node stands in a graph of columns.
+inline QPointF at(qreal column, qreal y)
+{
+    return {column * 240.0, y};
+}
+
 /// Writes a graph into a network, node by node, with the operations that commands use. What cannot
 /// be done ends the program with the reason: examples are whole or not there.
 class GraphWriter

@@ -8,11 +8,6 @@
 
 namespace {
 
-QString key(const char *text)
-{
-    return QString::fromLatin1(text);
-}
-
 // The node types as they were when this project was last saved.
 
 const char *const OldNoise = R"(
@@ -78,57 +73,85 @@ const char *const NewLevels = R"(
     </Attributes>
 </NodeType>)";
 
+/// The nodes, from left to right.
+struct Plaster
+{
+    explicit Plaster(GraphWriter *w)
+        : position(w->add(key("Geometry/Position"), key("Position"), at(0, 220)))
+        , lumps(w->addOf(OldNoise, key("Lumps"), at(1, 200)))
+        , plaster(w->add(key("Procedural/Color"), key("Plaster"), at(2, 0)))
+        , dirt(w->add(key("Procedural/Color"), key("Dirt"), at(2, 110)))
+        , soften(w->addOf(OldBlur, key("Soften"), at(2, 220)))
+        , levels(w->addOf(NewLevels, key("Dirt Levels"), at(3, 220)))
+        , merge(w->addOf(OldMerge, key("Dirt over Plaster"), at(4, 40)))
+        , gamma(w->addOf(OldGamma, key("Shop Gamma"), at(5, 40)))
+        , surface(w->add(key("Shaders/Standard Surface"), key("Plaster Wall"), at(6, 40)))
+    {
+    }
+
+    OssSnBaseNode *position;
+    OssSnBaseNode *lumps;
+    OssSnBaseNode *plaster;
+    OssSnBaseNode *dirt;
+    OssSnBaseNode *soften;
+    OssSnBaseNode *levels;
+    OssSnBaseNode *merge;
+    OssSnBaseNode *gamma;
+    OssSnBaseNode *surface;
+};
+
+void wire(const Plaster &nodes, GraphWriter *w)
+{
+    w->wire(nodes.position, nodes.lumps, key("Coordinates"));
+    w->wire(nodes.lumps, nodes.soften, key("Input"));
+    w->wire(nodes.soften, nodes.levels, key("Input"));
+    w->wire(nodes.plaster, nodes.merge, key("Base"));
+    w->wire(nodes.dirt, nodes.merge, key("Over"));
+    w->wire(nodes.levels, nodes.merge, key("Mask"));
+    w->wire(nodes.merge, nodes.gamma, key("Input"));
+    w->wire(nodes.gamma, nodes.surface, key("Base Color"));
+    w->wire(nodes.levels, nodes.surface, key("Roughness"));
+}
+
+void customize(const Plaster &nodes, GraphWriter *w)
+{
+    w->set(nodes.plaster, key("Color"), key("0.62,0.58,0.5,1"));
+    w->set(nodes.dirt, key("Color"), key("0.16,0.13,0.09,1"));
+    w->set(nodes.lumps, key("Contrast"), 1.6);
+    w->set(nodes.lumps, key("Kind"), key("Turbulence"));
+    w->set(nodes.merge, key("BlendMode"), key("Multiply"));
+    w->set(nodes.merge, key("Opacity"), 0.8);
+    w->set(nodes.levels, key("InLow"), 0.3);
+    // Somebody gave this one an input of its own.
+    OssSnBaseNode::InputPort own;
+    own.name = key("Strength");
+    own.kind = OssSnDataKind::Scalar;
+    nodes.gamma->addInput(own);
+}
+
+void groupDirt(const Plaster &nodes, GraphWriter *w)
+{
+    OssSnGroupNode *group = w->network()->groupNodes({nodes.lumps, nodes.soften, nodes.levels});
+    group->setName(key("Dirt Mask"));
+    const QString size = group->createKnob(nodes.lumps, key("Frequency"));
+    group->renameKnobName(size, group->userAttribute(size).prettyName(), key("Size of Spots"));
+    group->createKnob(nodes.soften, key("Radius"));
+    group->createKnob(nodes.levels, key("InLow"));
+}
+
 } // namespace
 
 void writeOldPlaster(OssProject *project)
 {
     GraphWriter w(project->shadingGroups().first()->network());
-    constexpr qreal Column = 240.0;
-    const auto at = [](qreal column, qreal y) {
-        return QPointF(column * Column, y);
-    };
     w.addNote(key("Saved with older node types.\nUpgrade All Node Info compares them with "
                   "what is installed."),
               at(0, -160));
-    OssSnBaseNode *position = w.add(key("Geometry/Position"), key("Position"), at(0, 220));
-    OssSnBaseNode *lumps = w.addOf(OldNoise, key("Lumps"), at(1, 200));
-    OssSnBaseNode *plaster = w.add(key("Procedural/Color"), key("Plaster"), at(2, 0));
-    OssSnBaseNode *dirt = w.add(key("Procedural/Color"), key("Dirt"), at(2, 110));
-    OssSnBaseNode *soften = w.addOf(OldBlur, key("Soften"), at(2, 220));
-    OssSnBaseNode *levels = w.addOf(NewLevels, key("Dirt Levels"), at(3, 220));
-    OssSnBaseNode *merge = w.addOf(OldMerge, key("Dirt over Plaster"), at(4, 40));
-    OssSnBaseNode *gamma = w.addOf(OldGamma, key("Shop Gamma"), at(5, 40));
-    OssSnBaseNode *surface = w.add(key("Shaders/Standard Surface"), key("Plaster Wall"), at(6, 40));
-    w.wire(position, lumps, key("Coordinates"));
-    w.wire(lumps, soften, key("Input"));
-    w.wire(soften, levels, key("Input"));
-    w.wire(plaster, merge, key("Base"));
-    w.wire(dirt, merge, key("Over"));
-    w.wire(levels, merge, key("Mask"));
-    w.wire(merge, gamma, key("Input"));
-    w.wire(gamma, surface, key("Base Color"));
-    w.wire(levels, surface, key("Roughness"));
-    w.set(plaster, key("Color"), key("0.62,0.58,0.5,1"));
-    w.set(dirt, key("Color"), key("0.16,0.13,0.09,1"));
-    w.set(lumps, key("Contrast"), 1.6);
-    w.set(lumps, key("Kind"), key("Turbulence"));
-    w.set(merge, key("BlendMode"), key("Multiply"));
-    w.set(merge, key("Opacity"), 0.8);
-    w.set(levels, key("InLow"), 0.3);
-    // Somebody gave this one an input of its own.
-    OssSnBaseNode::InputPort own;
-    own.name = key("Strength");
-    own.kind = OssSnDataKind::Scalar;
-    gamma->addInput(own);
-
+    const Plaster nodes(&w);
+    wire(nodes, &w);
+    customize(nodes, &w);
     OssSnBaseNode *viewer = w.network()->viewerNode();
     GraphWriter::place(viewer, at(7.2, 40));
-    w.wire(surface, viewer, key("1"));
-
-    OssSnGroupNode *group = w.network()->groupNodes({lumps, soften, levels});
-    group->setName(key("Dirt Mask"));
-    const QString size = group->createKnob(lumps, key("Frequency"));
-    group->renameKnobName(size, group->userAttribute(size).prettyName(), key("Size of Spots"));
-    group->createKnob(soften, key("Radius"));
-    group->createKnob(levels, key("InLow"));
+    w.wire(nodes.surface, viewer, key("1"));
+    groupDirt(nodes, &w);
 }

@@ -383,7 +383,7 @@ class Actions(Object):
         """Does what choosing the command in a menu does. No dialog opens: a question gets its usual answer."""
 
 class Preferences(Object):
-    """The preferences, by 'Page/Group/Label' as the dialog shows them."""
+    """The preferences, by 'Page/Group/Label' as the dialog shows them in English."""
     def names(self) -> list[str]:
         """Of all preferences."""
     def value(self, name: str) -> Any:

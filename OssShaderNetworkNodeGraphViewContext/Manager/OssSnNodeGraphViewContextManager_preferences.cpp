@@ -6,7 +6,8 @@
 
 namespace {
 
-const char *const SettingsGroup = "Node Graph";
+const char *const SettingsGroup = QT_TRANSLATE_NOOP("OssSnNodeGraphViewContextManager",
+                                                    "Node Graph");
 
 const QStringList PortDisplays{QStringLiteral("Show Port List (Horizontal)"),
                                QStringLiteral("No Port List (Vertical)")};
@@ -21,22 +22,27 @@ struct Preference
 // In the order of the preferences dialog.
 constexpr Preference Preferences[] = {
     {"controlType", QT_TRANSLATE_NOOP("OssSnNodeGraphViewContextManager", "General"),
-     "Control Type"},
-    {"defaultNodePortDisplayMode", "General", "Default Port Display"},
-    {"isAutoInsertOn", "General", "Auto Insert Node"},
-    {"zoomTo", "General", "Zoom To"},
-    {"autoUpdateUpstreamMergeNodeColorspaceEnabled", "General", "Update Blending Colorspace"},
+     QT_TRANSLATE_NOOP("OssSnNodeGraphViewContextManager", "Control Type")},
+    {"defaultNodePortDisplayMode", "General",
+     QT_TRANSLATE_NOOP("OssSnNodeGraphViewContextManager", "Default Port Display")},
+    {"isAutoInsertOn", "General",
+     QT_TRANSLATE_NOOP("OssSnNodeGraphViewContextManager", "Auto Insert Node")},
+    {"zoomTo", "General", QT_TRANSLATE_NOOP("OssSnNodeGraphViewContextManager", "Zoom To")},
+    {"autoUpdateUpstreamMergeNodeColorspaceEnabled", "General",
+     QT_TRANSLATE_NOOP("OssSnNodeGraphViewContextManager", "Update Blending Colorspace")},
     {"defaultMCMCollapsedState",
      QT_TRANSLATE_NOOP("OssSnNodeGraphViewContextManager", "Multi-Channel"),
-     "Default Collapsed State"},
+     QT_TRANSLATE_NOOP("OssSnNodeGraphViewContextManager", "Default Collapsed State")},
     {"shakeToExtractEnabled",
      QT_TRANSLATE_NOOP("OssSnNodeGraphViewContextManager", "Shake to Extract"),
-     "Shake to Extract Selected Nodes"},
-    {"shakeToExtractShakes", "Shake to Extract", "Shakes to Trigger"},
-    {"shakeToExtractTime", "Shake to Extract", "Shakes in Time (ms)"},
+     QT_TRANSLATE_NOOP("OssSnNodeGraphViewContextManager", "Shake to Extract Selected Nodes")},
+    {"shakeToExtractShakes", "Shake to Extract",
+     QT_TRANSLATE_NOOP("OssSnNodeGraphViewContextManager", "Shakes to Trigger")},
+    {"shakeToExtractTime", "Shake to Extract",
+     QT_TRANSLATE_NOOP("OssSnNodeGraphViewContextManager", "Shakes in Time (ms)")},
     {"numberOfLastUsedNodePathsToStore",
      QT_TRANSLATE_NOOP("OssSnNodeGraphViewContextManager", "Quick Node Create Menu"),
-     "Number of Most Recent Nodes"},
+     QT_TRANSLATE_NOOP("OssSnNodeGraphViewContextManager", "Number of Most Recent Nodes")},
 };
 
 } // namespace
@@ -45,7 +51,8 @@ void OssSnNodeGraphViewContextManager::registerPreferences()
 {
     for (const Preference &preference : Preferences)
         OssPreferenceManager::instance()->registerPreference(
-            tr(SettingsGroup), tr(preference.group), this, QString::fromLatin1(preference.key));
+            QString::fromLatin1(SettingsGroup), QString::fromLatin1(preference.group), this,
+            QString::fromLatin1(preference.key));
 }
 
 QString OssSnNodeGraphViewContextManager::prettyPropertyName(const QString &Name) const

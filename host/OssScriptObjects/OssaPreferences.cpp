@@ -2,16 +2,6 @@
 
 namespace Ossa {
 
-namespace {
-
-QString nameOf(const OssPreferenceManager::Preference &preference)
-{
-    return preference.page + QLatin1Char('/') + preference.group + QLatin1Char('/')
-           + OssPreferenceManager::label(preference);
-}
-
-} // namespace
-
 Preferences::Preferences(QObject *manager)
 {
     initAs<OssPreferenceManager>(manager);
@@ -25,7 +15,7 @@ QStringList Preferences::names() const
     if (const auto *manager = wrapped<OssPreferenceManager>()) {
         const auto preferences = manager->preferences();
         for (const OssPreferenceManager::Preference &preference : preferences)
-            names.append(nameOf(preference));
+            names.append(OssPreferenceManager::path(preference));
     }
     return names;
 }
@@ -37,7 +27,7 @@ bool Preferences::find(const QString &name, OssPreferenceManager::Preference *pr
         return false;
     const auto preferences = manager->preferences();
     for (const OssPreferenceManager::Preference &candidate : preferences) {
-        if (nameOf(candidate) == name) {
+        if (OssPreferenceManager::path(candidate) == name) {
             *preference = candidate;
             return true;
         }

@@ -9,12 +9,13 @@
 
 namespace Ossa {
 
-/// The preferences for scripts, by "Page/Group/Label" as the dialog shows them. What a script sets is
-/// kept like what a user sets.
+/// The preferences for scripts, by "Page/Group/Label" as the dialog shows them in English, whatever
+/// language it has. What a script sets is kept like what a user sets.
 class OSSSCRIPTOBJECTS_EXPORT Preferences : public API
 {
     Q_OBJECT
-    Q_CLASSINFO("doc", "The preferences, by \"Page/Group/Label\" as the dialog shows them.")
+    Q_CLASSINFO("doc",
+                "The preferences, by \"Page/Group/Label\" as the dialog shows them in English.")
     Q_CLASSINFO("names", "Of all preferences.")
     Q_CLASSINFO("value", "What a preference is set to.")
     Q_CLASSINFO("setValue", "Sets a preference.")

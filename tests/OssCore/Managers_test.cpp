@@ -9,9 +9,12 @@
 
 #include <gtest/gtest.h>
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QTemporaryDir>
+#include <QTranslator>
 
+#include <algorithm>
 #include <memory>
 #include <thread>
 #include <vector>
@@ -236,6 +239,33 @@ TEST_F(Preferences, areFoundByNameOnTheObject)
     EXPECT_EQ(m_object->shakeTime, 3);
     Manager::reset(preference(2));
     EXPECT_EQ(m_plain.gridSize, 8) << "one that knows no default stays";
+}
+
+/// A language in which every text is written backwards.
+class Backwards : public QTranslator
+{
+public:
+    QString translate(const char *context, const char *text, const char *, int) const override
+    {
+        QString found = QLatin1String(context) + QLatin1Char(':') + QLatin1String(text);
+        std::reverse(found.begin(), found.end());
+        return found;
+    }
+
+    bool isEmpty() const override { return false; }
+};
+
+TEST_F(Preferences, areReadInTheUsersLanguageAndKnownByTheSameNameInAll)
+{
+    using Manager = OssPreferenceManager;
+    Backwards language;
+    QCoreApplication::installTranslator(&language);
+    EXPECT_EQ(Manager::path(preference(1)), s("Graph/Baking/On bake"));
+    EXPECT_EQ(Manager::pageTitle(preference(1)), Chooser::tr("Graph"));
+    EXPECT_EQ(Manager::groupTitle(preference(1)), Chooser::tr("Baking"));
+    EXPECT_EQ(Manager::label(preference(1)), Chooser::tr("On bake"));
+    EXPECT_NE(Manager::label(preference(1)), s("On bake"));
+    QCoreApplication::removeTranslator(&language);
 }
 
 TEST_F(Preferences, thoseOfAnObjectThatIsGoneDropOut)

@@ -4,6 +4,7 @@
 #include "OssCore/Values/OssGroupParameterObject.h"
 #include "OssCore/Values/OssValueText.h"
 
+#include <QCoreApplication>
 #include <QMetaObject>
 #include <QMetaProperty>
 #include <QSet>
@@ -16,6 +17,21 @@ QByteArray capitalised(const QString &key)
     if (!name.isEmpty())
         name[0] = char(QChar::toUpper(uint(name.at(0))));
     return name;
+}
+
+QString sourceLabel(const OssPreferenceManager::Preference &preference)
+{
+    const auto *named = dynamic_cast<const OssGroupParameterObject *>(preference.object.data());
+    return named ? named->prettyPropertyName(preference.key)
+                 : OssGroupParameterObject().prettyPropertyName(preference.key);
+}
+
+QString translated(const OssPreferenceManager::Preference &preference, const QString &text)
+{
+    const QObject *object = preference.object;
+    return object && !text.isEmpty() ? QCoreApplication::translate(
+               object->metaObject()->className(), text.toUtf8().constData())
+                                     : text;
 }
 
 bool hasMethod(const QObject *object, const QByteArray &name)
@@ -42,11 +58,25 @@ QVector<OssPreferenceManager::Preference> OssPreferenceManager::preferences() co
     return living;
 }
 
+QString OssPreferenceManager::path(const Preference &preference)
+{
+    return preference.page + QLatin1Char('/') + preference.group + QLatin1Char('/')
+           + sourceLabel(preference);
+}
+
+QString OssPreferenceManager::pageTitle(const Preference &preference)
+{
+    return translated(preference, preference.page);
+}
+
+QString OssPreferenceManager::groupTitle(const Preference &preference)
+{
+    return translated(preference, preference.group);
+}
+
 QString OssPreferenceManager::label(const Preference &preference)
 {
-    const auto *named = dynamic_cast<const OssGroupParameterObject *>(preference.object.data());
-    return named ? named->prettyPropertyName(preference.key)
-                 : OssGroupParameterObject().prettyPropertyName(preference.key);
+    return translated(preference, sourceLabel(preference));
 }
 
 QString OssPreferenceManager::toolTip(const Preference &preference)

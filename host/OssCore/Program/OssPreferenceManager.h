@@ -17,8 +17,11 @@
 ///   slot <key>Default()       the default, optional
 ///   slot <key>Tooltip()       tool tip, plain or HTML
 ///   slot <key>List()          allowed texts of a string preference, optional
-///   prettyPropertyName(key)   label
+///   prettyPropertyName(key)   label, as it is in the source
 ///   slot savePreferences()    called when the user's choices are to be kept
+///
+/// Page, group and label are the preference's identity and stay as they are in the source; they are
+/// translated in the context of the object's class where people read them.
 class OSSCORE_EXPORT OssPreferenceManager
     : public QObject
     , public OssService<OssPreferenceManager>
@@ -42,6 +45,11 @@ public:
 
     QVector<Preference> preferences() const;
 
+    /// "Page/Group/Label", untranslated: what scripts know it by.
+    static QString path(const Preference &preference);
+    /// What people read.
+    static QString pageTitle(const Preference &preference);
+    static QString groupTitle(const Preference &preference);
     static QString label(const Preference &preference);
     static QString toolTip(const Preference &preference);
     /// Empty when any value is allowed.

@@ -38,10 +38,10 @@ ApplicationPreferences::ApplicationPreferences()
     resetAutosaveInterval();
     OssStoredPreferences::load(this, settingsGroup);
     auto *manager = OssPreferenceManager::instance();
-    const QString page = tr("Application");
-    manager->registerPreference(page, tr("Start"), this, reopenKey);
-    manager->registerPreference(page, tr("Display"), this, scaleKey);
-    manager->registerPreference(page, tr("Saving"), this, autosaveKey);
+    const QString page = QStringLiteral(QT_TR_NOOP("Application"));
+    manager->registerPreference(page, QStringLiteral(QT_TR_NOOP("Start")), this, reopenKey);
+    manager->registerPreference(page, QStringLiteral(QT_TR_NOOP("Display")), this, scaleKey);
+    manager->registerPreference(page, QStringLiteral(QT_TR_NOOP("Saving")), this, autosaveKey);
 }
 
 int ApplicationPreferences::storedInterfaceScale()
@@ -54,11 +54,11 @@ int ApplicationPreferences::storedInterfaceScale()
 QString ApplicationPreferences::prettyPropertyName(const QString &Name) const
 {
     if (Name == reopenKey)
-        return tr("Open Last Project");
+        return QStringLiteral(QT_TR_NOOP("Open Last Project"));
     if (Name == scaleKey)
-        return tr("Size of Texts and Icons");
+        return QStringLiteral(QT_TR_NOOP("Size of Texts and Icons"));
     if (Name == autosaveKey)
-        return tr("Copy Unsaved Work Every");
+        return QStringLiteral(QT_TR_NOOP("Copy Unsaved Work Every"));
     return OssGroupParameterObject::prettyPropertyName(Name);
 }
 

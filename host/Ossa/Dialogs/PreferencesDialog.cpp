@@ -13,6 +13,13 @@
 #include <QScrollArea>
 #include <QStackedWidget>
 
+namespace {
+
+/// The page as preferences name it.
+constexpr int pageRole = Qt::UserRole;
+
+} // namespace
+
 PreferencesDialog::PreferencesDialog(QWidget *parent)
     : QDialog(parent)
     , m_pages(new QListWidget(this))
@@ -68,15 +75,15 @@ void PreferencesDialog::addPreferences()
         auto *label = new QLabel(OssPreferenceManager::label(preference));
         label->setToolTip(widget->toolTip());
         label->setBuddy(widget);
-        groupLayout(preference.page, preference.group)->addRow(label, widget);
+        groupLayout(preference)->addRow(label, widget);
     }
     for (QVBoxLayout *page : qAsConst(m_pageLayouts))
         page->addStretch(1);
 }
 
-QVBoxLayout *PreferencesDialog::pageLayout(const QString &page)
+QVBoxLayout *PreferencesDialog::pageLayout(const OssPreferenceManager::Preference &preference)
 {
-    if (QVBoxLayout *known = m_pageLayouts.value(page))
+    if (QVBoxLayout *known = m_pageLayouts.value(preference.page))
         return known;
     auto *content = new QWidget;
     auto *layout = new QVBoxLayout(content);
@@ -85,26 +92,28 @@ QVBoxLayout *PreferencesDialog::pageLayout(const QString &page)
     scroll->setFrameShape(QFrame::NoFrame);
     scroll->setWidget(content);
     m_stack->addWidget(scroll);
-    m_pages->addItem(page);
-    m_pageLayouts.insert(page, layout);
+    auto *item = new QListWidgetItem(OssPreferenceManager::pageTitle(preference), m_pages);
+    item->setData(pageRole, preference.page);
+    m_pageLayouts.insert(preference.page, layout);
     return layout;
 }
 
-QFormLayout *PreferencesDialog::groupLayout(const QString &page, const QString &group)
+QFormLayout *PreferencesDialog::groupLayout(const OssPreferenceManager::Preference &preference)
 {
-    const QString key = page + QLatin1Char('/') + group;
+    const QString key = preference.page + QLatin1Char('/') + preference.group;
     if (QFormLayout *known = m_groupLayouts.value(key))
         return known;
-    auto *box = new QGroupBox(group);
+    auto *box = new QGroupBox(OssPreferenceManager::groupTitle(preference));
     auto *form = new OssFormLayout(box);
-    pageLayout(page)->addWidget(box);
+    pageLayout(preference)->addWidget(box);
     m_groupLayouts.insert(key, form);
     return form;
 }
 
 void PreferencesDialog::resetCurrentPage()
 {
-    const QString page = m_pages->currentItem() ? m_pages->currentItem()->text() : QString();
+    const QListWidgetItem *item = m_pages->currentItem();
+    const QString page = item ? item->data(pageRole).toString() : QString();
     for (PreferenceEditor *editor : qAsConst(m_editors)) {
         if (editor->preference().page == page)
             editor->reset();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "OssCore/Program/OssPreferenceManager.h"
+
 #include <QDialog>
 #include <QHash>
 #include <QVector>
@@ -24,8 +26,8 @@ public:
 
 private:
     void addPreferences();
-    QVBoxLayout *pageLayout(const QString &page);
-    QFormLayout *groupLayout(const QString &page, const QString &group);
+    QVBoxLayout *pageLayout(const OssPreferenceManager::Preference &preference);
+    QFormLayout *groupLayout(const OssPreferenceManager::Preference &preference);
     void resetCurrentPage();
 
     QListWidget *m_pages;

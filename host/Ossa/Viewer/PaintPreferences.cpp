@@ -20,8 +20,9 @@ PaintPreferences::PaintPreferences()
     : m_bakeBehavior(bake)
 {
     OssStoredPreferences::load(this, settingsGroup);
-    OssPreferenceManager::instance()->registerPreference(tr("Painting"), tr("Paint Buffer"), this,
-                                                         behaviorKey);
+    OssPreferenceManager::instance()->registerPreference(QStringLiteral(QT_TR_NOOP("Painting")),
+                                                         QStringLiteral(QT_TR_NOOP("Paint Buffer")),
+                                                         this, behaviorKey);
 }
 
 bool PaintPreferences::asksBeforeBaking() const
@@ -31,7 +32,7 @@ bool PaintPreferences::asksBeforeBaking() const
 
 QString PaintPreferences::prettyPropertyName(const QString &Name) const
 {
-    return Name == behaviorKey ? tr("Paint That Is Not Baked Yet")
+    return Name == behaviorKey ? QStringLiteral(QT_TR_NOOP("Paint That Is Not Baked Yet"))
                                : OssGroupParameterObject::prettyPropertyName(Name);
 }
 

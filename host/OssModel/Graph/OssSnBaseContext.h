@@ -44,6 +44,8 @@ public:
     bool onLoadCollection(const QString &name, const QString &type, const QString &elementType,
                           int count, const Attributes &attributes) override;
 
+    /// Once, from the node, when it stands in its network with its ports and saved state: shows it and
+    /// follows it from then on. Nodes at its other ends may have no context yet.
     virtual void initializeGui() = 0;
     /// A context of the same class for another node, without its state; null when it cannot be.
     virtual OssSnBaseContext *clone(OssSnBaseNode *node) const;
@@ -64,8 +66,11 @@ public:
 
     virtual QSizeF nodeSize() const { return {}; }
 
+    /// For places that belong to another change, as that of a node just made: no step of its own,
+    /// and undoing leaves the node where it is. Outside of a macro the document counts as changed.
     virtual void setNodePosition(QPointF) {}
 
+    /// Records a step, as what users and scripts ask for.
     virtual void setNodePositionUndo(QPointF) {}
 
     virtual void setNodeSizeUndo(QSizeF) {}
@@ -77,7 +82,11 @@ public:
     virtual void exportNode() {}
 
 public Q_SLOTS:
+    /// From the node: for each of its attributes after initializeGui(), then whenever one was added
+    /// or set, undoing and dragging included. The node has the new value already.
     virtual void onUserAttributeChanged(OssCustomAttribute Attribute, OssSnBaseNode *Node);
+    /// From the node, which has the attribute no longer; undoing included. Also before
+    /// initializeGui().
     virtual void onUserAttributeRemoved(OssCustomAttribute Attribute, OssSnBaseNode *Node);
 
 private:

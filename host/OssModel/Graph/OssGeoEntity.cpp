@@ -1,5 +1,6 @@
 #include "OssModel/Graph/OssGeoEntity.h"
 
+#include "OssCore/Documents/OssObjectCollection.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssGeoImageSet.h"
 #include "OssModel/Graph/OssShadingGroup.h"
@@ -37,20 +38,13 @@ OssShadingGroup *OssGeoEntity::addShadingGroup(const QString &name)
 
 bool OssGeoEntity::saveObjects(OssSerializer &serializer)
 {
-    serializer.beginCollection(GroupsCollection, int(m_groups.size()), QStringLiteral("QList"),
-                               QStringLiteral("OssShadingGroup"), {});
-    bool saved = true;
-    for (const auto &group : m_groups)
-        saved = group->save(serializer, group->name(), {}) && saved;
-    serializer.endCollection();
+    const bool saved = OssObjectCollection::save(serializer, GroupsCollection,
+                                                 QStringLiteral("OssShadingGroup"), m_groups);
     if (m_geoImageSets.empty())
         return saved;
-    serializer.beginCollection(GeoChannelsCollection, int(m_geoImageSets.size()),
-                               QStringLiteral("QList"), QStringLiteral("OssGeoImageSet"), {});
-    for (const auto &channel : m_geoImageSets)
-        saved = channel->save(serializer, channel->name(), {}) && saved;
-    serializer.endCollection();
-    return saved;
+    return OssObjectCollection::save(serializer, GeoChannelsCollection,
+                                     QStringLiteral("OssGeoImageSet"), m_geoImageSets)
+           && saved;
 }
 
 bool OssGeoEntity::onLoadCollection(const QString &name, const QString &type,

@@ -1,5 +1,6 @@
 #include "OssModel/Objects/OssShadingContext.h"
 
+#include "OssCore/Documents/OssObjectCollection.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Objects/OssChannel.h"
 #include "OssModel/Objects/OssImageSet.h"
@@ -82,15 +83,9 @@ QString OssShadingContext::freeImageSetName(const QString &base) const
 
 bool OssShadingContext::saveObjects(OssSerializer &serializer)
 {
-    if (m_imageSets.isEmpty())
-        return true;
-    serializer.beginCollection(ImageSetsCollection, m_imageSets.size(), QStringLiteral("QList"),
-                               QStringLiteral("OssImageSet"), {});
-    bool saved = true;
-    for (OssImageSet *set : qAsConst(m_imageSets))
-        saved = set->save(serializer, set->name(), {}) && saved;
-    serializer.endCollection();
-    return saved;
+    return m_imageSets.isEmpty()
+           || OssObjectCollection::save(serializer, ImageSetsCollection,
+                                        QStringLiteral("OssImageSet"), m_imageSets);
 }
 
 bool OssShadingContext::onLoadCollection(const QString &name, const QString &type,

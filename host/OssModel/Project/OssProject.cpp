@@ -1,5 +1,6 @@
 #include "OssModel/Project/OssProject.h"
 
+#include "OssCore/Documents/OssObjectCollection.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssShadingGroup.h"
@@ -75,20 +76,14 @@ QByteArray OssProject::stateHash()
 
 bool OssProject::saveObjects(OssSerializer &serializer)
 {
-    serializer.beginCollection(EntitiesCollection, int(m_entities.size()), QStringLiteral("QList"),
-                               QStringLiteral("OssGeoEntity"), {});
-    bool saved = true;
-    for (const auto &entity : m_entities)
-        saved = entity->save(serializer, entity->name(), {}) && saved;
-    serializer.endCollection();
+    const bool saved = OssObjectCollection::save(serializer, EntitiesCollection,
+                                                 QStringLiteral("OssGeoEntity"), m_entities);
     if (m_images.empty())
         return saved;
-    serializer.beginCollection(ImagesCollection, int(m_images.size()), QStringLiteral("QList"),
-                               QStringLiteral("OssImage"), {});
-    for (const auto &image : m_images)
-        saved = image->save(serializer, image->uniqueId().toString(), {}) && saved;
-    serializer.endCollection();
-    return saved;
+    return OssObjectCollection::save(
+               serializer, ImagesCollection, QStringLiteral("OssImage"), m_images,
+               [](const OssImage &image) { return image.uniqueId().toString(); })
+           && saved;
 }
 
 bool OssProject::onLoadCollection(const QString &name, const QString &type,

@@ -108,8 +108,7 @@ void OssSnNodeGraphWidget::showGroupNodeSubgraph(const OssSnGroupNode *GroupNode
         OssDebug(Source, __LINE__, "GroupNode is NULL");
         return;
     }
-    auto *context = qobject_cast<OssSnGroupNodeGraphViewContext *>(
-        GroupNode->context(QStringLiteral("NodeGraphView")));
+    auto *context = qobject_cast<OssSnGroupNodeGraphViewContext *>(GroupNode->viewContext());
     if (!context) {
         OssDebug(Source, __LINE__, "Context is NULL");
         return;

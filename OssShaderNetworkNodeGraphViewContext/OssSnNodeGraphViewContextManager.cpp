@@ -151,9 +151,7 @@ OssSnNodeGraphWidget *OssSnNodeGraphViewContextManager::nodeGraphWidget() const
 
 OssSnNodeGraphViewContext *OssSnNodeGraphViewContextManager::contextOf(const OssSnBaseNode *node)
 {
-    return node ? qobject_cast<OssSnNodeGraphViewContext *>(
-               node->context(QStringLiteral("NodeGraphView")))
-                : nullptr;
+    return node ? qobject_cast<OssSnNodeGraphViewContext *>(node->viewContext()) : nullptr;
 }
 
 OssNgNode *OssSnNodeGraphViewContextManager::guiNodeOf(const OssSnBaseNode *node)

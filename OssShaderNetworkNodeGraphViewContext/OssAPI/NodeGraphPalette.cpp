@@ -44,8 +44,7 @@ void openTab(OssSnNodeGraphWidget *tabs, OssShaderNetwork *network)
         return;
     }
     OssSnGroupNode *group = network->parentGroupNode();
-    auto *context = group ? qobject_cast<OssSnGroupNodeGraphViewContext *>(
-                        group->context(QStringLiteral("NodeGraphView")))
+    auto *context = group ? qobject_cast<OssSnGroupNodeGraphViewContext *>(group->viewContext())
                           : nullptr;
     if (context)
         context->addTabToWidget(group);

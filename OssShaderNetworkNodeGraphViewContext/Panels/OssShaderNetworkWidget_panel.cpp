@@ -122,8 +122,7 @@ void OssSnNodePropertiesWidget::showGroupNodeSubgraph()
     const OssSnGroupNode *group = groupOf(sender());
     if (!group)
         return;
-    auto *context = qobject_cast<OssSnGroupNodeGraphViewContext *>(
-        group->context(QStringLiteral("NodeGraphView")));
+    auto *context = qobject_cast<OssSnGroupNodeGraphViewContext *>(group->viewContext());
     if (!context) {
         OssDebug(Source, __LINE__, "Context is NULL");
         return;

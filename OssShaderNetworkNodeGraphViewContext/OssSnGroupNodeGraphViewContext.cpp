@@ -96,7 +96,7 @@ void OssSnGroupNodeGraphViewContext::showInnerItems()
         OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(node);
         if (item && item->scene() != scene)
             OssSnNodeGraphViewContextManager::instance()->onNodeRegistered(network, node);
-        if (node->hasTag(QStringLiteral("_input")) || node->hasTag(QStringLiteral("_output")))
+        if (node->hasTag(OssSnTags::input()) || node->hasTag(OssSnTags::output()))
             rememberPlace(node, {}); // one that stands anywhere else was put there
     }
 }

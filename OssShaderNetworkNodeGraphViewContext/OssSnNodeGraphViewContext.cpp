@@ -9,6 +9,7 @@
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Layers/OssLayerShaderManager.h"
 #include "OssModel/Nodes/OssSnMultiChannelGroupNode.h"
+#include "OssModel/Types/OssSnTags.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
 #include "OssNodeGraph/Items/OssNgBackdropNodeRectChangeUndo.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
@@ -116,7 +117,7 @@ OssNgExtendedNode *OssSnNodeGraphViewContext::extendedNode() const
 bool OssSnNodeGraphViewContext::isViewer() const
 {
     const OssSnBaseNode *node = parentNode();
-    return node && node->hasTag(QStringLiteral("_viewer"));
+    return node && node->hasTag(OssSnTags::viewer());
 }
 
 OssShaderNetworkView *OssSnNodeGraphViewContext::viewOrComplain() const
@@ -288,8 +289,8 @@ void OssSnNodeGraphViewContext::onGuiNodePosChanged(QPointF)
     OssShaderNetwork *network = node ? node->network() : nullptr;
     if (!network || !network->parentGroupNode())
         return;
-    const bool input = node->hasTag(QStringLiteral("_input"));
-    if (input || node->hasTag(QStringLiteral("_output")))
+    const bool input = node->hasTag(OssSnTags::input());
+    if (input || node->hasTag(OssSnTags::output()))
         OssSnNodeGraphViewContextManager::instance()->onGroupPortNodeMoved(network, input);
 }
 

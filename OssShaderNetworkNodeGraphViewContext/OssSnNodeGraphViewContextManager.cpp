@@ -11,6 +11,7 @@
 #include "OssModel/Objects/OssChannel.h"
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectManager.h"
+#include "OssModel/Types/OssSnTags.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
 #include "OssNodeGraph/Items/OssNgNode.h"
 #include "OssShaderNetworkView.h"
@@ -276,7 +277,7 @@ void OssSnNodeGraphViewContextManager::onNodeRegistered(OssShaderNetwork *Networ
     };
     add(guiNode, scene);
     // A viewer that comes from another network has left its virtual wire there.
-    if (Node->hasTag(QStringLiteral("_viewer")))
+    if (Node->hasTag(OssSnTags::viewer()))
         contextOf(Node)->updateGuiEdges();
     const QList<OssNgEdge *> sources = guiNode->inputs();
     for (OssNgEdge *edge : sources)

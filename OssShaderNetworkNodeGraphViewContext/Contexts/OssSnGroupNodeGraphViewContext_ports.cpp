@@ -6,6 +6,7 @@
 #include "OssModel/Graph/OssLayerStreamUtils.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Nodes/OssSnMultiChannelGroupNode.h"
+#include "OssModel/Types/OssSnTags.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
 #include "OssNodeGraph/Items/OssNgNodePositionChangeUndo.h"
 
@@ -168,7 +169,7 @@ void OssSnGroupNodeGraphViewContext::setupPortClusters()
     if (!item || !group)
         return;
     if (!qobject_cast<const OssSnMultiChannelGroupNode *>(group)
-        && !group->hasTag(QStringLiteral("_shader")))
+        && !group->hasTag(OssSnTags::shader()))
         return;
     const QString baseName = OssLayerStreamUtils::baseInputName({});
     const QString overName = OssLayerStreamUtils::overInputName({});

@@ -3,6 +3,7 @@
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Nodes/OssSnMultiChannelGroupNode.h"
+#include "OssModel/Types/OssSnTags.h"
 #include "OssNodeGraph/Drawing/OssNgPortKind.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
 
@@ -11,7 +12,6 @@
 
 namespace {
 
-const QString CurrentMaterialProxyTag = QStringLiteral("_currentMaterialProxy");
 constexpr int StubSpacing = 22; // scene units between the stubs of neighbouring ports
 constexpr int StubLength = 24;
 
@@ -335,7 +335,7 @@ void OssSnNodeGraphViewContext::updateViewerInputText(const QString &inputName,
         return;
     updateViewerNodeVirtualEdge();
     QString text = inputName;
-    if (source && source->hasTag(CurrentMaterialProxyTag))
+    if (source && source->hasTag(OssSnTags::currentMaterialProxy()))
         text = QStringLiteral("0:Current Material");
     else if (source)
         text = QStringLiteral("0:%1").arg(source->name());

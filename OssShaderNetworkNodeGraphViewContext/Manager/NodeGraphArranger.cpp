@@ -6,6 +6,7 @@
 #include "OssModel/Graph/OssLayerStreamUtils.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Types/OssSnTags.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
 #include "OssNodeGraph/Items/OssNgBackdropNodeRectChangeUndo.h"
 #include "OssNodeGraph/Items/OssNgNodePositionChangeUndo.h"
@@ -28,13 +29,13 @@ OssNgNode *visibleItem(const OssSnBaseNode *node)
 
 bool isViewer(const OssSnBaseNode *node)
 {
-    return node->hasTag(QStringLiteral("_viewer"));
+    return node->hasTag(OssSnTags::viewer());
 }
 
 bool isFollowed(const OssSnBaseNode *node, const QString &input)
 {
     return !(isViewer(node) && input == QLatin1String("ToView"))
-           && !node->hasInputTag(input, QStringLiteral("_hidden"));
+           && !node->hasInputTag(input, OssSnTags::hidden());
 }
 
 /// Nothing follows it but viewers.
@@ -331,7 +332,7 @@ void NodeGraphArranger::arrangeGroupInputNodesByOrder(OssShaderNetwork *GroupNet
     QVector<QPointF> places;
     for (const QString &name : qAsConst(InputOrder)) {
         const OssSnBaseNode *node = GroupNetwork->node(name);
-        OssNgNode *item = node && node->hasTag(QStringLiteral("_input"))
+        OssNgNode *item = node && node->hasTag(OssSnTags::input())
                               ? OssSnNodeGraphViewContextManager::guiNodeOf(node)
                               : nullptr;
         if (!item || items.contains(item))

@@ -18,6 +18,7 @@
 #include "OssModel/Objects/OssImageSet.h"
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectManager.h"
+#include "OssModel/Types/OssSnTags.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
 #include "OssNodeGraph/Items/OssNgNode.h"
 #include "OssNodeGraph/Items/OssNgNodePositionChangeUndo.h"
@@ -319,7 +320,7 @@ void OssSnNodeGraphViewContextManager::onNodeCollapsedModeChanged()
     const QList<OssSnBaseNode *> nodes = view->network()->selectedNodes();
     for (OssSnBaseNode *node : nodes) {
         const bool hasStreams = qobject_cast<OssSnMultiChannelGroupNode *>(node)
-                                || node->hasTag(QStringLiteral("_shader"));
+                                || node->hasTag(OssSnTags::shader());
         if (mode == StreamCollapsed && !hasStreams)
             continue;
         if (OssSnNodeGraphViewContext *context = contextOf(node))

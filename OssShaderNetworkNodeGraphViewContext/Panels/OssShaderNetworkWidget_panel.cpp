@@ -10,6 +10,7 @@
 #include "OssModel/Layers/OssLayerShader.h"
 #include "OssModel/Layers/OssLayerShaderManager.h"
 #include "OssModel/Layers/OssLayerShaderUtils.h"
+#include "OssModel/Types/OssSnTags.h"
 #include "OssSnGroupNodeGraphViewContext.h"
 #include "Panels/PropertyPanelFrame.h"
 
@@ -35,7 +36,7 @@ OssPropertyPanelOptions optionsFor(OssSnBaseNode *node)
     OssPropertyPanelOptions options;
     if (!OssLayerShaderUtils::isLayerShaderNode(node))
         return options;
-    if (!node->hasTag(QStringLiteral("_respectShaderGroupNodeAttributeOrder"))) {
+    if (!node->hasTag(OssSnTags::attributesInOrder())) {
         for (const char *pattern :
              {"Diffuse.*", "Specular.*", "Environment.*", "Ambient.*", "Emissive.*", "Bump.*",
               "Normal.*", "Vector.*", "Displacement.*"})

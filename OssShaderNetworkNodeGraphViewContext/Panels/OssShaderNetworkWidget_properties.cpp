@@ -9,6 +9,7 @@
 #include "OssInterface/Widgets/OssExpandableListWidget.h"
 #include "OssInterface/Widgets/OssFormLayout.h"
 #include "OssModel/Nodes/OssSnChannelInputNode.h"
+#include "OssModel/Types/OssSnTags.h"
 #include "OssShaderNetworkView.h"
 
 #include <QAction>
@@ -207,8 +208,7 @@ QWidget *OssSnNodePropertiesWidget::createPropertyWidget(OssSnBaseNode *Node, in
         OssDebug(Source, __LINE__, "Node is NULL");
         return nullptr;
     }
-    if (!m_panelLayout || Node->hasTag(QStringLiteral("_dot"))
-        || Node->hasTag(QStringLiteral("_viewer")))
+    if (!m_panelLayout || Node->hasTag(OssSnTags::dot()) || Node->hasTag(OssSnTags::viewer()))
         return nullptr;
     QWidget *panel = m_panels.value(Node);
     if (!panel) {

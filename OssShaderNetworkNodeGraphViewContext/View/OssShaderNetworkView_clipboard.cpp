@@ -5,6 +5,7 @@
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkIO.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Types/OssSnTags.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
 #include "OssSnNodeGraphViewContextManager.h"
 
@@ -45,7 +46,7 @@ QList<OssSnBaseNode *> OssShaderNetworkView::selectionWithoutViewer() const
 {
     QList<OssSnBaseNode *> nodes = selectedNodes();
     for (OssSnBaseNode *node : qAsConst(nodes)) {
-        if (node->hasTag(QStringLiteral("_viewer"))) {
+        if (node->hasTag(OssSnTags::viewer())) {
             nodes.removeOne(node);
             break;
         }

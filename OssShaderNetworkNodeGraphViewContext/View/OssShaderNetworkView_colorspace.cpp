@@ -14,6 +14,7 @@
 #include "OssModel/Nodes/OssSnShaderInputNode.h"
 #include "OssModel/Objects/OssChannel.h"
 #include "OssModel/Objects/OssImageSet.h"
+#include "OssModel/Types/OssSnTags.h"
 #include "OssSnNodeGraphViewContextManager.h"
 
 // Merges over 8-bit paint blend in a colour space that keeps precision.
@@ -159,7 +160,7 @@ void OssShaderNetworkView::setColorSpaceOfNewMerges(OssSnBaseNode *node)
         setBlendingColorspaceOnMergeNodeCreation(node);
         return;
     }
-    if (!node->hasTag(QStringLiteral("_group")))
+    if (!node->hasTag(OssSnTags::group()))
         return;
     const auto *asGroup = qobject_cast<OssSnGroupNode *>(node);
     if (!asGroup) {

@@ -11,6 +11,7 @@
 #include "OssModel/Nodes/OssSnMaterialNode.h"
 #include "OssModel/Nodes/OssSnMultiChannelBakePointNode.h"
 #include "OssModel/Nodes/OssSnMultiChannelMergeNode.h"
+#include "OssModel/Types/OssSnTags.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
 #include "OssSnNodeGraphViewContextManager.h"
 
@@ -41,7 +42,7 @@ QString nextFreeInput(const OssSnBaseNode *node)
 {
     QString first;
     for (const OssSnBaseNode::InputPort &port : node->inputPorts()) {
-        if (port.source || node->hasInputTag(port.name, QStringLiteral("_hidden")))
+        if (port.source || node->hasInputTag(port.name, OssSnTags::hidden()))
             continue;
         if (port.preferred)
             return port.name;
@@ -121,7 +122,7 @@ void OssShaderNetworkView::placeNewNode(OssSnBaseNode *node, const QPoint &viewP
 void OssShaderNetworkView::completeNewNode(OssSnBaseNode *node, const QRectF &selection)
 {
     const QString key = node->pathKey();
-    if (key == MaterialKey && node->hasTag(QStringLiteral("_shader"))) {
+    if (key == MaterialKey && node->hasTag(OssSnTags::shader())) {
         if (auto *material = qobject_cast<OssSnMaterialNode *>(node))
             material->connectPreviewShaderNetwork();
     } else if (key == BackdropKey) {
@@ -158,7 +159,7 @@ QList<OssSnBaseNode *> OssShaderNetworkView::selectedBusinessNodesInOrder() cons
     for (QGraphicsItem *item : items) {
         const auto *guiNode = dynamic_cast<OssNgNode *>(item);
         auto *node = guiNode ? qobject_cast<OssSnBaseNode *>(guiNode->businessNode()) : nullptr;
-        if (node && !node->hasTag(QStringLiteral("_viewer")))
+        if (node && !node->hasTag(OssSnTags::viewer()))
             nodes.append(node);
     }
     return nodes;
@@ -197,8 +198,7 @@ bool OssShaderNetworkView::connectNext(OssSnBaseNode *source, OssSnBaseNode *nod
         return true;
     if (OssLayerStreamUtils::isMergeNode(node))
         return OssMaterialPaintManager::instance()->autoconnectMergeNode(source, node);
-    if (node->hasTag(QStringLiteral("_shader"))
-        && OssShaderNetworkUtils::batchConnect(source, node))
+    if (node->hasTag(OssSnTags::shader()) && OssShaderNetworkUtils::batchConnect(source, node))
         return true;
     return node->setInputNode(nextFreeInput(node), source, source->prefferedOutputPoint());
 }

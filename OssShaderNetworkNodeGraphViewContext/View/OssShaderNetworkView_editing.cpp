@@ -10,6 +10,7 @@
 #include "OssModel/Layers/OssLayerRefreshSuspensionManager.h"
 #include "OssModel/Nodes/OssLayerShaderModelManager.h"
 #include "OssModel/Nodes/OssSnMultiChannelMergeNode.h"
+#include "OssModel/Types/OssSnTags.h"
 #include "OssNodeGraph/Items/OssNgExtendedNode.h"
 #include "OssSnGroupNodeGraphViewContext.h"
 #include "OssSnNodeGraphViewContextManager.h"
@@ -49,7 +50,7 @@ void OssShaderNetworkView::deleteSelectedNodes()
     QSet<OssSnBaseNode *> nodes;
     const QList<OssSnBaseNode *> selected = m_network->selectedNodes();
     for (OssSnBaseNode *node : selected) {
-        if (node->hasTag(QStringLiteral("_GraphLayerInput"))) {
+        if (node->hasTag(OssSnTags::graphLayerInput())) {
             tellUser(tr("%1 is what a layer stands on and stays").arg(node->name()));
             OssDebug(Source, __LINE__,
                      "[ -- ] Node '%s' cannot be removed by the user, it's a protected graph layer "
@@ -89,7 +90,7 @@ void OssShaderNetworkView::disableSelectedNodes()
     QList<OssSnBaseNode *> nodes;
     const QList<OssSnBaseNode *> selected = m_network->selectedNodes();
     for (OssSnBaseNode *node : selected) {
-        if (!node->hasTag(QStringLiteral("_viewer")))
+        if (!node->hasTag(OssSnTags::viewer()))
             nodes.append(node);
     }
     QString title = tr("Toggle Selected Nodes");

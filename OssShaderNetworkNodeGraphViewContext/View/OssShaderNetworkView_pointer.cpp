@@ -4,6 +4,7 @@
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Types/OssSnTags.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
 #include "OssNodeGraph/Items/OssNgNodePositionChangeUndo.h"
@@ -149,7 +150,7 @@ void OssShaderNetworkView::mouseDoubleClickEvent(QMouseEvent *event)
         if (OssSnGroupNodeGraphViewContext *context = groupContextOf(node))
             context->showGroupNodeTab();
     }
-    if (node->hasTag(QStringLiteral("_viewer")))
+    if (node->hasTag(OssSnTags::viewer()))
         OssShaderNetworkManager::instance()->setCurrentViewerNode(node);
     QGraphicsView::mouseDoubleClickEvent(event);
     editTextInPlace(item, mapToScene(event->pos()));

@@ -5,6 +5,7 @@
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Types/OssSnTags.h"
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
 #include "OssNodeGraph/Items/OssNgBackdropNodeRectChangeUndo.h"
@@ -112,7 +113,7 @@ void PlacingView::uniformariseContainers(const QList<OssSnBaseNode *> &container
         const QRectF there = occupied(backdrop);
         furthest = backdrops.isEmpty() ? there.right() : std::max(furthest, there.right());
         backdrops.append(backdrop);
-        Widest &kind = container->hasTag(QStringLiteral("_maskStack")) ? masks : adjustments;
+        Widest &kind = container->hasTag(OssSnTags::maskStack()) ? masks : adjustments;
         if (there.width() > kind.width)
             kind = {container->name(), there.width()};
     }

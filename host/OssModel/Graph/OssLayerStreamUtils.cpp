@@ -1,6 +1,7 @@
 #include "OssModel/Graph/OssLayerStreamUtils.h"
 
 #include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Types/OssSnTags.h"
 
 namespace {
 
@@ -13,7 +14,7 @@ QString portName(const QString &stream, const QString &role)
 
 bool OssLayerStreamUtils::isMergeNode(const OssSnBaseNode *node)
 {
-    return node && node->hasTag(QStringLiteral("_blend"));
+    return node && node->hasTag(OssSnTags::blend());
 }
 
 bool OssLayerStreamUtils::isBaseInput(const OssSnBaseNode *node, const QString &input)

@@ -5,6 +5,7 @@
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssSnBaseContext.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Types/OssSnTags.h"
 
 #include <QCoreApplication>
 
@@ -78,8 +79,9 @@ void cutWires(OssSnBaseNode *node, const OssSnBaseNode::Definition &after, QStri
 
 bool belongsToNetwork(const QSet<QString> &tags)
 {
-    for (const char *tag : {"_viewer", "_input", "_output", "_GraphLayerInput"}) {
-        if (tags.contains(QLatin1String(tag)))
+    for (const QString &tag : {OssSnTags::viewer(), OssSnTags::input(), OssSnTags::output(),
+                               OssSnTags::graphLayerInput()}) {
+        if (tags.contains(tag))
             return true;
     }
     return false;

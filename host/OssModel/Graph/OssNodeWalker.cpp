@@ -3,6 +3,7 @@
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Types/OssSnTags.h"
 
 #include <QSet>
 
@@ -77,7 +78,7 @@ QList<OssSnBaseNode *> OssNodeWalkerUpstream::next(const OssSnBaseNode *node) co
     for (const OssSnBaseNode::InputPort &port : node->inputPorts())
         follow(node, port);
     if (throughGroups()) {
-        if (const OssSnGroupNode *around = groupAround(node, QStringLiteral("_input"))) {
+        if (const OssSnGroupNode *around = groupAround(node, OssSnTags::input())) {
             for (const OssSnBaseNode::InputPort &port : around->inputPorts()) {
                 if (port.name == node->name())
                     follow(around, port);
@@ -110,7 +111,7 @@ QList<OssSnBaseNode *> OssNodeWalkerDownstream::next(const OssSnBaseNode *node) 
     };
     follow(node, {});
     if (throughGroups()) {
-        if (const OssSnGroupNode *around = groupAround(node, QStringLiteral("_output")))
+        if (const OssSnGroupNode *around = groupAround(node, OssSnTags::output()))
             follow(around, node->name());
     }
     return targets;

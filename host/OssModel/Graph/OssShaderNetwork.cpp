@@ -6,6 +6,7 @@
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Objects/OssShadingContext.h"
+#include "OssModel/Types/OssSnTags.h"
 
 #include <algorithm>
 
@@ -259,7 +260,7 @@ OssSnBaseNode *OssShaderNetwork::viewerNode() const
 {
     const QList<OssSnBaseNode *> all = rootNetwork()->getAllNodes();
     const auto found = std::find_if(all.cbegin(), all.cend(), [](const OssSnBaseNode *node) {
-        return node->hasTag(QStringLiteral("_viewer"));
+        return node->hasTag(OssSnTags::viewer());
     });
     return found == all.cend() ? nullptr : *found;
 }

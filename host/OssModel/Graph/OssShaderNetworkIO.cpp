@@ -9,6 +9,7 @@
 #include "OssModel/Graph/OssNodeTypeTable.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Types/OssSnTags.h"
 
 #include <QBuffer>
 #include <QClipboard>
@@ -95,7 +96,7 @@ QByteArray OssShaderNetworkIO::nodesToText(const QList<OssSnBaseNode *> &nodes, 
 {
     QList<OssSnBaseNode *> written;
     for (OssSnBaseNode *node : nodes) {
-        if (node && !node->hasTag(QStringLiteral("_viewer")))
+        if (node && !node->hasTag(OssSnTags::viewer()))
             written.append(node);
     }
     QBuffer buffer;

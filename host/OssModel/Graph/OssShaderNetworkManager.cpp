@@ -5,6 +5,7 @@
 #include "OssModel/Graph/OssShaderNetworkContextLoader.h"
 #include "OssModel/Graph/OssShadingGroup.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Types/OssSnTags.h"
 
 OssShaderNetworkManager::OssShaderNetworkManager()
 {
@@ -53,7 +54,7 @@ QStringList OssShaderNetworkManager::nodeGraphPathKeys() const
     QStringList keys;
     const QStringList all = m_types.pathKeys();
     for (const QString &key : all) {
-        if (!m_types.find(key)->tags.contains(QStringLiteral("_internal")))
+        if (!m_types.find(key)->tags.contains(OssSnTags::internal()))
             keys.append(key);
     }
     return keys;

@@ -4,6 +4,7 @@
 #include "OssModel/Graph/OssLayerStreamUtils.h"
 #include "OssModel/Graph/OssNodeWalker.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Types/OssSnTags.h"
 
 #include <QSet>
 
@@ -45,7 +46,7 @@ QList<OssSnBaseNode *> siblings(const OssSnBaseNode *node)
             found.append(sibling);
     };
     for (OssSnBaseNode *follower : node->outputNodes()) {
-        if (follower->hasTag(QStringLiteral("_viewer")))
+        if (follower->hasTag(OssSnTags::viewer()))
             continue;
         for (OssSnBaseNode *sibling : follower->inputNodes())
             add(sibling);
@@ -54,7 +55,7 @@ QList<OssSnBaseNode *> siblings(const OssSnBaseNode *node)
     const QString input = OssShaderNetworkUtils::streamInput(node);
     if (const OssSnBaseNode *source = node->inputNode(input)) {
         for (OssSnBaseNode *sibling : source->outputNodes()) {
-            if (!sibling->hasTag(QStringLiteral("_viewer")))
+            if (!sibling->hasTag(OssSnTags::viewer()))
                 add(sibling);
         }
     }

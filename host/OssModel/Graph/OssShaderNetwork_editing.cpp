@@ -7,6 +7,7 @@
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Graph/OssSnNodeFactory.h"
+#include "OssModel/Types/OssSnTags.h"
 
 #include <algorithm>
 
@@ -57,7 +58,7 @@ void OssShaderNetwork::keepViewer(const OssSnBaseNode *leaving)
         return;
     const QList<OssSnBaseNode *> inside = group->groupNetwork()->getAllNodes();
     const auto viewer = std::find_if(inside.cbegin(), inside.cend(), [](const OssSnBaseNode *node) {
-        return node->hasTag(QStringLiteral("_viewer"));
+        return node->hasTag(OssSnTags::viewer());
     });
     if (viewer == inside.cend())
         return;
@@ -78,7 +79,7 @@ OssSnBaseNode *OssShaderNetwork::createNode(const QString &pathKey, const QStrin
         OssDebug(Source, __LINE__, "[ !! ] There is no node type '%s'", qPrintable(pathKey));
         return nullptr;
     }
-    if (made->hasTag(QStringLiteral("_viewer")) && viewerNode()) {
+    if (made->hasTag(OssSnTags::viewer()) && viewerNode()) {
         OssDebug(Source, __LINE__, "[ !! ] An object has one viewer, and this one has it");
         return nullptr;
     }
@@ -131,9 +132,8 @@ OssSnBaseNode *OssShaderNetwork::addNode(NodePointer node, bool fresh)
 
 bool OssShaderNetwork::belongsHere(const OssSnBaseNode *node) const
 {
-    const bool port = node->hasTag(QStringLiteral("_input"))
-                      || node->hasTag(QStringLiteral("_output"));
-    return !node->hasTag(QStringLiteral("_viewer")) && (!port || parentGroupNode());
+    const bool port = node->hasTag(OssSnTags::input()) || node->hasTag(OssSnTags::output());
+    return !node->hasTag(OssSnTags::viewer()) && (!port || parentGroupNode());
 }
 
 void OssShaderNetwork::dropLoadedViewers()
@@ -141,7 +141,7 @@ void OssShaderNetwork::dropLoadedViewers()
     for (auto node = m_nodes.begin(); node != m_nodes.end();) {
         if (const auto *group = qobject_cast<const OssSnGroupNode *>(node->get()))
             group->groupNetwork()->dropLoadedViewers();
-        if (!(*node)->hasTag(QStringLiteral("_viewer"))) {
+        if (!(*node)->hasTag(OssSnTags::viewer())) {
             ++node;
             continue;
         }
@@ -203,7 +203,7 @@ QList<OssSnBaseNode *> OssShaderNetwork::takeOverNodes(OssShaderNetwork *read)
 
 bool OssShaderNetwork::isRemovable(const OssSnBaseNode *node)
 {
-    return !node->hasTag(QStringLiteral("_GraphLayerInput"));
+    return !node->hasTag(OssSnTags::graphLayerInput());
 }
 
 /// A viewer may look into a group from outside of it.

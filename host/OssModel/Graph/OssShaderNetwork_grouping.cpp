@@ -4,6 +4,7 @@
 #include "OssModel/Graph/OssNodeWalker.h"
 #include "OssModel/Graph/OssSnBaseContext.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Types/OssSnTags.h"
 
 #include <QRectF>
 #include <QSizeF>
@@ -79,12 +80,12 @@ void moveTo(const OssSnBaseNode *node, const QPointF &position)
 
 bool isViewer(const OssSnBaseNode *node)
 {
-    return node->hasTag(QStringLiteral("_viewer"));
+    return node->hasTag(OssSnTags::viewer());
 }
 
 bool isPort(const OssSnBaseNode *node)
 {
-    return node->hasTag(QStringLiteral("_input")) || node->hasTag(QStringLiteral("_output"));
+    return node->hasTag(OssSnTags::input()) || node->hasTag(OssSnTags::output());
 }
 
 bool canBeGrouped(const OssSnBaseNode *node)
@@ -140,7 +141,7 @@ QVector<Stream> wiresWithout(const OssSnGroupNode *group)
         const QString input = port ? port->inputNames().first() : QString();
         OssSnBaseNode *source = port ? port->inputNode(input) : nullptr;
         QString point = port ? port->inputOutputPoint(input) : QString();
-        if (source && source->hasTag(QStringLiteral("_input"))) {
+        if (source && source->hasTag(OssSnTags::input())) {
             point = group->inputOutputPoint(source->name());
             source = group->inputNode(source->name());
         }

@@ -6,6 +6,7 @@
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Graph/OssSnNodeFactory.h"
+#include "OssModel/Types/OssSnTags.h"
 
 namespace {
 
@@ -116,7 +117,7 @@ void OssShaderNetwork::wireLoadedNodes(QStringList *faults)
             if (source && source->isPlaceholder() && !source->hasOutputPoint(wire.outputPoint))
                 source->addPlaceholderOutput(wire.outputPoint);
             const bool foreign = source && source->network() != this
-                                 && !node->hasTag(QStringLiteral("_viewer"));
+                                 && !node->hasTag(OssSnTags::viewer());
             if (!source || foreign || !node->hasInput(wire.input)
                 || !source->hasOutputPoint(wire.outputPoint)) {
                 faults->append(

@@ -3,6 +3,7 @@
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Types/OssSnTags.h"
 
 #include <algorithm>
 
@@ -75,7 +76,7 @@ OssResult OssSnBaseNode::canConnect(const QString &input, const OssSnBaseNode *s
         return OssResult::failure(
             tr("\"%1\" has no output \"%2\"").arg(source->name(), outputPoint));
     // The viewer looks into every network of its object.
-    const bool viewer = hasTag(QStringLiteral("_viewer"));
+    const bool viewer = hasTag(OssSnTags::viewer());
     if (source->network() != m_network && !viewer)
         return OssResult::failure(
             tr("\"%1\" and \"%2\" are in different networks").arg(source->name(), m_name));

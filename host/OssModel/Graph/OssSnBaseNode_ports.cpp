@@ -2,6 +2,7 @@
 
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssSnBaseContext.h"
+#include "OssModel/Types/OssSnTags.h"
 
 #include <algorithm>
 
@@ -125,7 +126,7 @@ QString OssSnBaseNode::preferredInput() const
 {
     QString firstFree;
     for (const InputPort &port : m_inputs) {
-        if (port.source || hasInputTag(port.name, QStringLiteral("_hidden")))
+        if (port.source || hasInputTag(port.name, OssSnTags::hidden()))
             continue;
         if (port.preferred)
             return port.name;

@@ -3,6 +3,7 @@
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkIO.h"
+#include "OssModel/Types/OssSnTags.h"
 
 namespace {
 
@@ -57,25 +58,27 @@ OssSnBaseNode *OssSnGroupNode::createOutput(const QString &name, OssSnDataKind k
 void OssSnGroupNode::onNodeAddedInside(OssSnBaseNode *node)
 {
     const QString name = node->name();
-    if (node->hasTag(QStringLiteral("_input")) && !hasInput(name)) {
+    const bool makesInput = node->hasTag(OssSnTags::input()) && !hasInput(name);
+    const bool makesOutput = node->hasTag(OssSnTags::output()) && !hasOutputPoint(name);
+    if (!makesInput && !makesOutput)
+        return;
+    if (makesInput) {
         InputPort port;
         port.name = name;
         port.kind = m_newPortKind;
         port.preferred = inputPorts().isEmpty();
         addInput(port);
-    } else if (node->hasTag(QStringLiteral("_output")) && !hasOutputPoint(name)) {
-        addOutputPoint({name, {}, m_newPortKind});
     } else {
-        return;
+        addOutputPoint({name, {}, m_newPortKind});
     }
     Q_EMIT newGroupNodeInputOutputCreated();
 }
 
 void OssSnGroupNode::onNodeRemovedInside(const OssSnBaseNode *node)
 {
-    if (node->hasTag(QStringLiteral("_input")))
+    if (node->hasTag(OssSnTags::input()))
         OssSnBaseNode::removeInput(node->name());
-    else if (node->hasTag(QStringLiteral("_output")))
+    else if (node->hasTag(OssSnTags::output()))
         OssSnBaseNode::removeOutputPoint(node->name());
 }
 
@@ -83,9 +86,9 @@ void OssSnGroupNode::onNodeRenamedInside(const OssSnBaseNode *node, const QStrin
 {
     // The step of the node's renaming brings the port along in both directions.
     const OssUndoManager::Pause pause;
-    if (node->hasTag(QStringLiteral("_input")))
+    if (node->hasTag(OssSnTags::input()))
         OssSnBaseNode::renameInput(oldName, node->name());
-    else if (node->hasTag(QStringLiteral("_output")))
+    else if (node->hasTag(OssSnTags::output()))
         OssSnBaseNode::renameOutputPoint(oldName, node->name());
 }
 
@@ -131,13 +134,13 @@ bool OssSnGroupNode::removeOutputPoint(const QString &name)
 OssSnBaseNode *OssSnGroupNode::inputNodeInside(const QString &input) const
 {
     OssSnBaseNode *node = m_groupNetwork->node(input);
-    return node && node->hasTag(QStringLiteral("_input")) ? node : nullptr;
+    return node && node->hasTag(OssSnTags::input()) ? node : nullptr;
 }
 
 OssSnBaseNode *OssSnGroupNode::outputNodeInside(const QString &outputPoint) const
 {
     OssSnBaseNode *node = m_groupNetwork->node(outputPoint);
-    return node && node->hasTag(QStringLiteral("_output")) ? node : nullptr;
+    return node && node->hasTag(OssSnTags::output()) ? node : nullptr;
 }
 
 QList<OssSnBaseNode *> OssSnGroupNode::inputNodesInside() const

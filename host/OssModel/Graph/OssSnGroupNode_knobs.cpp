@@ -6,6 +6,7 @@
 #include "OssCore/Values/OssValueText.h"
 #include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Types/OssSnTags.h"
 
 // Knobs: attributes of a group that stand for attributes of nodes inside it.
 
@@ -34,15 +35,15 @@ bool OssSnGroupNode::isKnob(const QString &name) const
 
 bool OssSnGroupNode::offersKnobs(const OssSnBaseNode *node)
 {
-    for (const char *tag :
-         {"_input", "_output", "_viewer", "_bottomTransparency", "_shaderInput"}) {
-        if (node->hasTag(QLatin1String(tag)))
+    for (const QString &tag : {OssSnTags::input(), OssSnTags::output(), OssSnTags::viewer(),
+                               OssSnTags::bottomTransparency(), OssSnTags::shaderInput()}) {
+        if (node->hasTag(tag))
             return false;
     }
     const QString version = node->versionUUID();
     return version != QLatin1String("OSS_Misc_Set_Unlit")
            && version != QLatin1String("OSS_Misc_Set_Vector")
-           && (!version.isEmpty() || node->hasTag(QStringLiteral("_group")))
+           && (!version.isEmpty() || node->hasTag(OssSnTags::group()))
            && node->userAttributesExist();
 }
 

@@ -3,12 +3,12 @@
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Types/OssSnTags.h"
 
 #include <algorithm>
 
 namespace {
 
-const QString ProxyTag = QStringLiteral("_currentMaterialProxy");
 const QString ProxyKey = QStringLiteral("_System/Current Material");
 
 } // namespace
@@ -18,8 +18,9 @@ OssSnBaseNode *OssLayerManager::currentMaterialProxy(const OssShaderNetwork *net
     if (!network)
         return nullptr;
     const QList<OssSnBaseNode *> all = network->rootNetwork()->getAllNodes();
-    const auto found = std::find_if(
-        all.cbegin(), all.cend(), [](const OssSnBaseNode *node) { return node->hasTag(ProxyTag); });
+    const auto found = std::find_if(all.cbegin(), all.cend(), [](const OssSnBaseNode *node) {
+        return node->hasTag(OssSnTags::currentMaterialProxy());
+    });
     return found == all.cend() ? nullptr : *found;
 }
 

@@ -1,6 +1,7 @@
 #include "OssModel/Layers/OssLayerShader.h"
 
 #include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Types/OssSnTags.h"
 
 OssLayerShader::OssLayerShader(OssSnBaseNode *node)
     : QObject(node)
@@ -14,5 +15,5 @@ OssSnBaseNode *OssLayerShader::node() const
 
 bool OssLayerShader::isStackShader() const
 {
-    return node()->hasTag(QStringLiteral("_stackShader"));
+    return node()->hasTag(OssSnTags::stackShader());
 }

@@ -4,11 +4,12 @@
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Layers/OssLayerManager.h"
 #include "OssModel/Layers/OssLayerShader.h"
+#include "OssModel/Types/OssSnTags.h"
 
 bool OssLayerShaderManager::isSystemShaderNode(const OssSnBaseNode *node, bool includeInside) const
 {
     for (; node; node = node->network() ? node->network()->parentGroupNode() : nullptr) {
-        if (node->hasTag(QStringLiteral("_systemShader")))
+        if (node->hasTag(OssSnTags::systemShader()))
             return true;
         if (!includeInside)
             return false;
@@ -18,8 +19,7 @@ bool OssLayerShaderManager::isSystemShaderNode(const OssSnBaseNode *node, bool i
 
 bool OssLayerShaderManager::isLayerShader(const OssSnBaseNode *node) const
 {
-    return node && node->hasTag(QStringLiteral("_shader"))
-           && !qobject_cast<const OssSnGroupNode *>(node);
+    return node && node->hasTag(OssSnTags::shader()) && !qobject_cast<const OssSnGroupNode *>(node);
 }
 
 OssLayerShader *OssLayerShaderManager::getLayerShader(OssSnBaseNode *node) const

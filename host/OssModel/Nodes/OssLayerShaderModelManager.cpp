@@ -2,6 +2,7 @@
 
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Nodes/OssSnMultiChannelGroupNode.h"
+#include "OssModel/Types/OssSnTags.h"
 
 void OssLayerShaderModelManager::readModels()
 {
@@ -10,7 +11,7 @@ void OssLayerShaderModelManager::readModels()
     for (const QString &key : keys) {
         const auto type = networks->nodeType(key);
         // A shader by itself; groups that make one are no models.
-        if (!type || !type->tags.contains(QStringLiteral("_shader"))
+        if (!type || !type->tags.contains(OssSnTags::shader())
             || type->className != QLatin1String("OssSnBaseNode")
             || m_models.count(type->baseName()) > 0)
             continue;

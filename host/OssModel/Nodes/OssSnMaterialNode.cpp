@@ -4,6 +4,7 @@
 #include "OssModel/Graph/OssLayerStreamUtils.h"
 #include "OssModel/Nodes/OssNodeArchive.h"
 #include "OssModel/Types/OssLayerShaderModel.h"
+#include "OssModel/Types/OssSnTags.h"
 
 namespace {
 
@@ -19,7 +20,7 @@ QStringList OssSnMaterialNode::inputsOf(const QString &) const
 void OssSnMaterialNode::onMadeFresh()
 {
     OssSnMultiChannelGroupNode::onMadeFresh();
-    if (hasTag(QStringLiteral("_shader")))
+    if (hasTag(OssSnTags::shader()))
         connectPreviewShaderNetwork();
 }
 

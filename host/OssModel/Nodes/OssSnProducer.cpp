@@ -5,6 +5,7 @@
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Nodes/OssSnBaseTeleportNode.h"
 #include "OssModel/Nodes/OssSnTeleportNodeManager.h"
+#include "OssModel/Types/OssSnTags.h"
 
 namespace {
 
@@ -29,7 +30,7 @@ QString firstInput(const OssSnBaseNode *node)
 
 bool passesOn(const OssSnBaseNode *node)
 {
-    return node->hasTag(QStringLiteral("_dot")) || node->hasTag(QStringLiteral("_output"))
+    return node->hasTag(OssSnTags::dot()) || node->hasTag(OssSnTags::output())
            || (node->nodeType() && node->nodeType()->kernel == QLatin1String("pass"));
 }
 
@@ -45,7 +46,7 @@ bool step(OssSnProducer *at)
         *at = {group->outputNodeInside(at->outputPoint), {}};
         return true;
     }
-    const OssSnGroupNode *around = node->hasTag(QStringLiteral("_input")) && node->network()
+    const OssSnGroupNode *around = node->hasTag(OssSnTags::input()) && node->network()
                                        ? node->network()->parentGroupNode()
                                        : nullptr;
     if (around) {

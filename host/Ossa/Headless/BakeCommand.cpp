@@ -12,6 +12,7 @@
 #include "OssModel/Images/OssUdimPath.h"
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectManager.h"
+#include "OssModel/Types/OssSnTags.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -57,7 +58,7 @@ void addMaterials(const OssShaderNetwork *network, QVector<Texture> *textures)
 {
     const QList<OssSnBaseNode *> nodes = network->nodes();
     for (const OssSnBaseNode *node : nodes) {
-        if (!node->hasTag(QStringLiteral("_shader")))
+        if (!node->hasTag(OssSnTags::shader()))
             continue;
         for (const OssSnBaseNode::InputPort &port : node->inputPorts()) {
             if (port.source)

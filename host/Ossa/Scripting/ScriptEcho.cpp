@@ -7,6 +7,7 @@
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssSnBaseContext.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Types/OssSnTags.h"
 
 #include <QAction>
 
@@ -235,7 +236,7 @@ bool ScriptEcho::canBeSaid() const
         if (!m_known.contains(node))
             continue;
         if (m_removedNodes.contains(node) || qobject_cast<const OssSnGroupNode *>(node)
-            || node->hasTag(QStringLiteral("_input")) || node->hasTag(QStringLiteral("_output")))
+            || node->hasTag(OssSnTags::input()) || node->hasTag(OssSnTags::output()))
             return false;
     }
     return true;

@@ -26,17 +26,30 @@ QString sourceLabel(const OssPreferenceManager::Preference &preference)
                  : OssGroupParameterObject().prettyPropertyName(preference.key);
 }
 
-QString translated(const OssPreferenceManager::Preference &preference, const QString &text)
-{
-    const QObject *object = preference.object;
-    return object && !text.isEmpty() ? QCoreApplication::translate(
-               object->metaObject()->className(), text.toUtf8().constData())
-                                     : text;
-}
-
 bool hasMethod(const QObject *object, const QByteArray &name)
 {
     return object && object->metaObject()->indexOfMethod(QByteArray(name + "()").constData()) >= 0;
+}
+
+/// What the object's slot of that name says.
+template <class Answer>
+Answer answer(const OssPreferenceManager::Preference &preference, const char *suffix)
+{
+    Answer found{};
+    const QByteArray method = preference.key.toLatin1() + suffix;
+    if (hasMethod(preference.object, method))
+        QMetaObject::invokeMethod(
+            preference.object, method.constData(), Qt::DirectConnection,
+            QReturnArgument<Answer>(QMetaType::typeName(qMetaTypeId<Answer>()), found));
+    return found;
+}
+
+QString translated(const OssPreferenceManager::Preference &preference, const QString &text)
+{
+    if (!preference.object || text.isEmpty())
+        return text;
+    return QCoreApplication::translate(preference.object->metaObject()->className(),
+                                       text.toUtf8().constData());
 }
 
 } // namespace
@@ -81,22 +94,12 @@ QString OssPreferenceManager::label(const Preference &preference)
 
 QString OssPreferenceManager::toolTip(const Preference &preference)
 {
-    QString text;
-    const QByteArray method = preference.key.toLatin1() + "Tooltip";
-    if (hasMethod(preference.object, method))
-        QMetaObject::invokeMethod(preference.object, method.constData(), Qt::DirectConnection,
-                                  Q_RETURN_ARG(QString, text));
-    return text;
+    return answer<QString>(preference, "Tooltip");
 }
 
 QStringList OssPreferenceManager::allowedTexts(const Preference &preference)
 {
-    QStringList texts;
-    const QByteArray method = preference.key.toLatin1() + "List";
-    if (hasMethod(preference.object, method))
-        QMetaObject::invokeMethod(preference.object, method.constData(), Qt::DirectConnection,
-                                  Q_RETURN_ARG(QStringList, texts));
-    return texts;
+    return answer<QStringList>(preference, "List");
 }
 
 QVariant OssPreferenceManager::value(const Preference &preference)

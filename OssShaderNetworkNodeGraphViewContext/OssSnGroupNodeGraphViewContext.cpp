@@ -11,6 +11,7 @@
 #include "OssModel/Nodes/OssSnMultiChannelBakePointNode.h"
 #include "OssModel/Nodes/OssSnMultiChannelBottomTransparencyNode.h"
 #include "OssModel/Nodes/OssSnMultiChannelMergeNode.h"
+#include "OssModel/Types/OssSnTags.h"
 #include "OssShaderNetworkView.h"
 #include "OssShaderNetworkWidget.h"
 #include "ZelGL/ZelTextureToken.h"

@@ -258,10 +258,12 @@ void OssSnNodeGraphViewContext::setNodePositionUndo(QPointF position)
 {
     if (!m_GuiNode)
         return;
+    const OssUndoManager::Gathering step(tr("Move node")); // with the order of a group's ports
     m_GuiNode->savePosition();
     m_GuiNode->setPosition(position);
     OssUndoManager::instance()->addUndo(
         std::make_unique<OssNgNodePositionChangeUndo>(m_GuiNode.get()));
+    onGuiNodePosChanged(position);
 }
 
 void OssSnNodeGraphViewContext::setNodeSize(QSizeF size)

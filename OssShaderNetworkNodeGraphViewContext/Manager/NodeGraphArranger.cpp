@@ -262,6 +262,10 @@ void NodeGraphArranger::autoLayoutNodes(OssShaderNetwork *StartNetwork,
     applyMoves(layout, picture, &macro);
     for (const Container &container : containers)
         refit(container, &macro);
+    if (OssSnGroupNode *group = StartNetwork->parentGroupNode()) {
+        reorderGroupInputsByPos(group);
+        reorderGroupOutputsByPos(group);
+    }
 }
 
 // --- ports of groups

@@ -108,6 +108,8 @@ TEST_F(Grouping, portsThatWerePlacedByHandStayWhereTheyAre)
     const QPointF right(1234.0, -55.0);
     contextOf(inputs[0])->setNodePositionUndo(left);
     contextOf(outputs[0])->setNodePositionUndo(right);
+    const QString input = inputs[0]->name();
+    const QString output = outputs[0]->name();
     const QPointF untouched = contextOf(inputs[1])->nodePosition();
     OssSnBaseNode *port = made->createInput(text("Fresh"), OssSnDataKind::Color);
     made->createOutput(text("Late"), OssSnDataKind::Color);
@@ -126,8 +128,39 @@ TEST_F(Grouping, portsThatWerePlacedByHandStayWhereTheyAre)
     made = qobject_cast<OssSnGroupNode *>(m_network->node(text("Group")));
     ASSERT_NE(made, nullptr);
     made->createInput(text("Later"), OssSnDataKind::Color);
-    EXPECT_EQ(contextOf(made->inputNodesInside().first())->nodePosition(), left);
-    EXPECT_EQ(contextOf(made->outputNodesInside().first())->nodePosition(), right);
+    EXPECT_EQ(contextOf(made->groupNetwork()->node(input))->nodePosition(), left);
+    EXPECT_EQ(contextOf(made->groupNetwork()->node(output))->nodePosition(), right);
+}
+
+TEST_F(Grouping, portsAreInTheOrderOfTheirNodesWhoeverMovesThem)
+{
+    OssSnGroupNode *made = group({m_nodes[2]});
+    OssShaderNetwork *inside = made->groupNetwork();
+    const QStringList before = made->inputNames();
+    const QStringList turned{before[1], before[0]};
+    const QByteArray start = m_project->stateHash();
+    OssUndoManager::instance()->clear();
+
+    // By a script, which moves one node after the other.
+    contextOf(inside->node(before[0]))->setNodePositionUndo(QPointF(-400.0, 900.0));
+    EXPECT_EQ(made->inputNames(), turned);
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(made->inputNames(), before);
+    EXPECT_EQ(m_project->stateHash(), start);
+
+    // By the layout, which puts what feeds the first input of a node on top.
+    OssSnBaseNode *merge = m_nodes[2];
+    contextOf(inside->node(before[0]))->setNodePositionUndo(QPointF(-400.0, 900.0));
+    OssUndoManager::instance()->clear();
+    m_manager->beautifyNodesLayout(inside, QList<OssSnBaseNode *>{merge});
+    QStringList byHeight = made->inputNames();
+    const auto isAbove = [&](const QString &a, const QString &b) {
+        return contextOf(inside->node(a))->nodePosition().y()
+               < contextOf(inside->node(b))->nodePosition().y();
+    };
+    std::stable_sort(byHeight.begin(), byHeight.end(), isAbove);
+    EXPECT_EQ(made->inputNames(), byHeight);
+    EXPECT_EQ(made->inputNames(), before) << "the base is walked first";
 }
 
 } // namespace

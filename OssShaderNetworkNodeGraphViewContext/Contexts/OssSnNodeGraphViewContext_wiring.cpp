@@ -216,7 +216,7 @@ void OssSnNodeGraphViewContext::connectInputFromGui(OssSnBaseNode *source, const
 void OssSnNodeGraphViewContext::onDotableMarkerClicked(OssNgEdge *edge)
 {
     OssShaderNetworkView *view = viewOrComplain();
-    if (!view)
+    if (!view || !edge)
         return;
     OssUndoManager::AutoMacro macro(tr("Add dot node in edge"));
     view->createUnconnectedDotNode(edge);

@@ -52,7 +52,7 @@ void connectToViewer(OssSnBaseNode *viewer, OssSnBaseNode *node, const QString &
 
 void OssShaderNetworkView::connectNodeToViewer(OssSnBaseNode *node, int input)
 {
-    if (!m_network || !node || node->prefferedOutputPoint().isEmpty())
+    if (!m_network || !node || !node->network() || node->prefferedOutputPoint().isEmpty())
         return;
     OssSnBaseNode *viewer = m_network->moveCurrentViewerNodeToNetwork();
     if (!viewer)

@@ -1,0 +1,232 @@
+#include "GraphFixture.h"
+#include "OssCore/Program/OssClassFactoryManager.h"
+#include "OssInterface/Popups/OssApplication.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QMetaMethod>
+#include <QTimer>
+
+#include <array>
+#include <functional>
+#include <vector>
+
+namespace {
+
+/// Slots whose object lacks what they act on: a node, an item, a network, a scene, a view.
+class NothingThere : public GraphFixture
+{
+protected:
+    void SetUp() override
+    {
+        GraphFixture::SetUp();
+        m_popups = OssApplication::popupsAllowed();
+        OssApplication::setPopupsAllowed(false);
+        QObject::connect(&m_closer, &QTimer::timeout, [] {
+            if (auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget()))
+                dialog->reject();
+        });
+        m_closer.start(5);
+        m_node = addAt("Filter/Blur", {0, 0});
+    }
+
+    void TearDown() override
+    {
+        OssApplication::setPopupsAllowed(m_popups);
+        GraphFixture::TearDown();
+    }
+
+    using Choice = std::function<bool(const QMetaMethod &)>;
+
+    static bool all(const QMetaMethod &) { return true; }
+
+    /// Calls the chosen slots of the object's class and of those above it up to `last`, with
+    /// `node` wherever a node is wanted and null, zero or empty for the rest. Says how many.
+    static int callSlots(QObject *object, const QMetaObject &last, OssSnBaseNode *node,
+                         const Choice &chosen = all)
+    {
+        int called = 0;
+        const QMetaObject *type = object->metaObject();
+        for (int i = last.methodOffset(); i < type->methodCount(); ++i) {
+            const QMetaMethod method = type->method(i);
+            std::vector<QVariant> values;
+            if (method.methodType() != QMetaMethod::Slot || !chosen(method)
+                || !makeArguments(method, node, &values))
+                continue;
+            SCOPED_TRACE(method.methodSignature().constData());
+            std::array<QGenericArgument, 10> arguments;
+            const QList<QByteArray> names = method.parameterTypes();
+            for (std::size_t k = 0; k < values.size(); ++k)
+                arguments.at(k) = {names.at(int(k)).constData(), values[k].constData()};
+            EXPECT_TRUE(method.invoke(object, Qt::DirectConnection, arguments[0], arguments[1],
+                                      arguments[2], arguments[3], arguments[4], arguments[5]));
+            ++called;
+        }
+        return called;
+    }
+
+    OssSnBaseNode *m_node = nullptr;
+
+private:
+    /// False where a slot takes what cannot be made here.
+    static bool makeArguments(const QMetaMethod &method, OssSnBaseNode *node,
+                              std::vector<QVariant> *values)
+    {
+        const QList<QByteArray> names = method.parameterTypes();
+        for (int i = 0; i < names.size(); ++i) {
+            const int type = method.parameterType(i);
+            if (names.at(i) == "OssSnBaseNode*")
+                values->push_back(QVariant::fromValue(node));
+            else if (type != QMetaType::UnknownType)
+                values->push_back(QVariant(type, nullptr));
+            else if (names.at(i).endsWith('*'))
+                values->push_back(QVariant::fromValue<void *>(nullptr));
+            else
+                return false;
+        }
+        return true;
+    }
+
+    bool m_popups = true;
+    QTimer m_closer;
+};
+
+TEST_F(NothingThere, everyCommandOfAViewWithoutNetworkIsHarmless)
+{
+    const ExpectedLog possible("", ExpectedLog::Possible);
+    m_node->setSelected(true);
+    OssUndoManager::instance()->clear();
+    const QByteArray before = m_project->stateHash();
+    for (OssSnBaseNode *node : {static_cast<OssSnBaseNode *>(nullptr), m_node}) {
+        OssShaderNetworkView view(nullptr);
+        EXPECT_GT(callSlots(&view, OssShaderNetworkView::staticMetaObject, node), 80);
+        EXPECT_EQ(undoCount(), 0);
+        EXPECT_EQ(m_project->stateHash(), before);
+    }
+}
+
+TEST_F(NothingThere, noCommandNeedsAScene)
+{
+    const ExpectedLog possible("", ExpectedLog::Possible);
+    OssShaderNetworkView view(nullptr);
+    view.setNetwork(m_network);
+    for (OssSnBaseNode *node : {static_cast<OssSnBaseNode *>(nullptr), m_node}) {
+        m_node->setSelected(true);
+        callSlots(&view, OssShaderNetworkView::staticMetaObject, node);
+    }
+}
+
+TEST_F(NothingThere, theManagerPassesOverWhatIsMissing)
+{
+    const ExpectedLog possible("", ExpectedLog::Possible);
+    OssUndoManager::instance()->clear();
+    const QByteArray before = m_project->stateHash();
+    const Choice takesObjects = [](const QMetaMethod &method) {
+        return method.methodSignature().contains('*');
+    };
+    callSlots(m_manager, NodeGraphArranger::staticMetaObject, nullptr, takesObjects);
+    callSlots(m_manager->nodeGraphWidget(), OssSnNodeGraphWidget::staticMetaObject, nullptr,
+              takesObjects);
+    callSlots(m_manager->nodePropertiesWidget(), OssSnNodePropertiesWidget::staticMetaObject,
+              nullptr);
+    OssShaderNetworkManager::instance()->setCurrentShaderNetwork(m_network);
+    m_manager->onCurrentShaderNetworkChanged(m_network);
+    EXPECT_EQ(undoCount(), 0);
+    EXPECT_EQ(m_project->stateHash(), before);
+}
+
+// --- contexts
+
+constexpr std::array<const char *, 6> Contexts{
+    "OssSnNodeGraphViewContext",           "OssSnBakePointNodeGraphViewContext",
+    "OssSnGeoChannelNodeGraphViewContext", "OssSnBaseTeleportNodeGraphViewContext",
+    "OssSnGroupNodeGraphViewContext",      "OssSnUINodeGraphViewContext"};
+
+std::unique_ptr<OssSnNodeGraphViewContext> makeContext(const char *type, QObject *node)
+{
+    QObject *made = OssClassFactoryManager::instance()->create(QLatin1String(type), node);
+    return std::unique_ptr<OssSnNodeGraphViewContext>(
+        qobject_cast<OssSnNodeGraphViewContext *>(made));
+}
+
+TEST_F(NothingThere, aContextWithoutNodeDoesNothingAndAnswersWithNothing)
+{
+    const ExpectedLog possible("", ExpectedLog::Possible);
+    OssUndoManager::instance()->clear();
+    const QByteArray before = m_project->stateHash();
+    for (const char *type : Contexts) {
+        SCOPED_TRACE(type);
+        for (OssSnBaseNode *node : {static_cast<OssSnBaseNode *>(nullptr), m_node}) {
+            const auto context = makeContext(type, nullptr);
+            context->initializeGui();
+            EXPECT_EQ(context->guiNode(), nullptr);
+            EXPECT_GT(callSlots(context.get(), OssSnNodeGraphViewContext::staticMetaObject, node),
+                      50);
+            context->applySelection(true);
+            context->updateGuiEdges();
+            context->updatePortVisibility();
+            context->connectInputFromGui(node, QStringLiteral("Input"), QStringLiteral("Output"));
+            context->copyGuiStateFrom(nullptr);
+            context->copyGuiNodeStateFrom(contextOf(m_node));
+            contextOf(m_node)->copyGuiNodeStateFrom(context.get());
+            context->copyGuiNodeStateFrom(nullptr);
+            EXPECT_EQ(context->versionHashSource(), QString());
+            EXPECT_EQ(context->nodePosition(), QPointF());
+            EXPECT_EQ(context->nodeSize(), QSizeF());
+        }
+        EXPECT_EQ(undoCount(), 0);
+        EXPECT_EQ(m_project->stateHash(), before);
+    }
+}
+
+TEST_F(NothingThere, aContextOfARemovedNodeAndOneOfAnotherKindAreHarmless)
+{
+    const ExpectedLog possible("", ExpectedLog::Possible);
+    for (const char *key : {"Filter/Blur", "Misc/Group", "Misc/Bake Point", "Misc/Geo-Channel",
+                            "Misc/Backdrop", "Teleport Receiver/Receiver"}) {
+        SCOPED_TRACE(key);
+        OssSnBaseNode *removed = add(key);
+        ASSERT_NE(removed, nullptr);
+        m_network->removeNodes({removed});
+        for (const char *type : Contexts) {
+            SCOPED_TRACE(type);
+            const auto context = makeContext(type, removed);
+            context->initializeGui();
+            EXPECT_EQ(context->guiNode(), nullptr);
+            callSlots(context.get(), OssSnNodeGraphViewContext::staticMetaObject, nullptr);
+            callSlots(context.get(), OssSnNodeGraphViewContext::staticMetaObject, m_node);
+        }
+    }
+}
+
+TEST_F(NothingThere, noRequestForAPlaceMovesAnythingWithoutAView)
+{
+    QTabWidget *widget = m_manager->nodeGraphWidget();
+    QWidget other;
+    widget->addTab(&other, QStringLiteral("other"));
+    widget->setCurrentWidget(&other);
+    OssSnBaseNode *backdrop = addAt("Misc/Backdrop", {500, 300});
+    OssSnBaseNode *node = addAt("Filter/Blur", {550, 350});
+    OssUndoManager::instance()->clear();
+    const QByteArray before = m_project->stateHash();
+    const Choice asksView = [](const QMetaMethod &method) {
+        static const QList<QByteArray> names{"onSetLayout",      "onNodePositioned", "onNodeSynced",
+                                             "onUniformarise",   "placeNode",        "onContainer",
+                                             "onViewerAttached", "onDotableMarker"};
+        return std::any_of(names.cbegin(), names.cend(),
+                           [&](const QByteArray &name) { return method.name().startsWith(name); });
+    };
+    for (OssSnBaseNode *asking : {backdrop, node}) {
+        OssDebugLog::instance()->clear();
+        const int called = callSlots(contextOf(asking), OssSnNodeGraphViewContext::staticMetaObject,
+                                     m_node, asksView);
+        EXPECT_EQ(called, asking == backdrop ? 16 : 10);
+        EXPECT_TRUE(logHas(QStringLiteral("[ !! ] Fatal error -> no view!")));
+        EXPECT_EQ(OssDebugLog::instance()->lines().size(), called);
+    }
+    EXPECT_EQ(undoCount(), 0);
+    EXPECT_EQ(m_project->stateHash(), before);
+    widget->removeTab(1);
+}
+
+} // namespace

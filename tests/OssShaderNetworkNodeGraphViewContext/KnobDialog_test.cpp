@@ -6,6 +6,7 @@
 #include <QDialogButtonBox>
 #include <QInputDialog>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
@@ -284,6 +285,98 @@ TEST_F(KnobDialog, exposingMakesKnobsOfAllAttributesInOneStep)
     inside->node(QStringLiteral("Sharpen"))->setSelected(false);
     OssUndoManager::instance()->undo();
     EXPECT_EQ(m_group->nodeAttributes().join(QLatin1Char(',')), qualityBefore);
+}
+
+TEST_F(KnobDialog, theMenuPrintsKnobsAndRemovesBrokenLinks)
+{
+    // Opens the menu, says which entries can be chosen, and chooses one.
+    const auto menu = [this](const char *wanted) {
+        QStringList enabled;
+        QTimer::singleShot(0, m_tree, [&enabled, wanted] {
+            auto *popup = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+            ASSERT_NE(popup, nullptr);
+            QAction *chosen = nullptr;
+            const QList<QAction *> actions = popup->actions();
+            for (QAction *action : actions) {
+                if (action->isEnabled())
+                    enabled.append(action->text());
+                if (action->text() == QLatin1String(wanted))
+                    chosen = action;
+            }
+            popup->setActiveAction(chosen);
+            QTest::keyClick(popup, chosen ? Qt::Key_Return : Qt::Key_Escape);
+        });
+        Q_EMIT m_tree->customContextMenuRequested({5, 5});
+        return enabled;
+    };
+    const QString print = QStringLiteral("Print Info");
+    const QString removal = QStringLiteral("Remove Broken Links");
+    OssShaderNetwork *inside = m_group->groupNetwork();
+    EXPECT_EQ(menu(""), QStringList());
+    select({item("Blur")});
+    EXPECT_EQ(menu(""), QStringList());
+    select({item("Quality")});
+    EXPECT_EQ(menu("Print Info"), QStringList{print});
+    EXPECT_TRUE(
+        logHas(QStringLiteral("[ -- ] Selected: this.'Quality' ('Quality') --> 'Blur'.'Quality'")));
+    inside->removeNodes({inside->node(QStringLiteral("Blur"))});
+    OssUndoManager::instance()->clear();
+    const QByteArray before = m_project->stateHash();
+    EXPECT_EQ(menu(""), QStringList({removal, print}));
+    EXPECT_EQ(lines().size(), 5);
+    EXPECT_EQ(m_project->stateHash(), before);
+    menu("Remove Broken Links");
+    EXPECT_EQ(lines(), QStringList({QStringLiteral("Sharpen:"),
+                                    QStringLiteral("Radius { Sharpen.Radius }")}));
+    EXPECT_EQ(undoCount(), 1);
+    expectUndoIsExact(before);
+}
+
+TEST_F(KnobDialog, whatIsCancelledOrLeftAsItWasChangesNothing)
+{
+    const auto cancel = [](QDialog *dialog) {
+        dialog->reject();
+    };
+    select({item("Quality")});
+    for (const auto &given : {std::function<void(QDialog *)>(cancel), text("Quality"), text("")}) {
+        answer(given);
+        press("Edit");
+    }
+    select({item("Radius"), item("Sharpen")->child(0)});
+    answer(cancel);
+    press("Link");
+    answer(cancel);
+    press("Pick");
+    answer([](QDialog *dialog) {
+        dialog->findChild<QTreeWidget *>()->clearSelection();
+        QTest::keyClick(dialog, Qt::Key_Enter);
+        EXPECT_TRUE(dialog->isVisible());
+        dialog->accept();
+    });
+    press("Pick"); // nothing
+    select({item("Blur")});
+    Q_EMIT m_tree->itemDoubleClicked(item("Blur"), 0); // a section has no name to edit
+    select({item("Sharpen")});
+    press("Down");
+    select({item("Blur")});
+    press("Up");
+    EXPECT_EQ(undoCount(), 0);
+    EXPECT_EQ(m_project->stateHash(), m_start);
+    EXPECT_EQ(lines().size(), 5);
+}
+
+TEST_F(KnobDialog, nothingIsDoneToAGroupThatIsGone)
+{
+    select({item("Quality")});
+    m_dialog->setParent(nullptr);
+    OssProjectManager::instance()->closeProject();
+    for (const char *name : {"Pick", "Edit", "Link", "Delete", "Up", "Down"})
+        press(name);
+    Q_EMIT m_tree->customContextMenuRequested({5, 5});
+    OssGroupNodeKnobDialog without(nullptr);
+    EXPECT_EQ(without.findChild<QTreeWidget *>()->topLevelItemCount(), 0);
+    m_project = OssProjectManager::instance()->newProject(QStringLiteral("Next"));
+    m_network = m_project->shadingGroups().first()->network();
 }
 
 TEST_F(KnobDialog, dialogClosesWithItsGroup)

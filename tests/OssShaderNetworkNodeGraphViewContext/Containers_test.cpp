@@ -18,6 +18,18 @@ TEST(ContainerPlacement, respacingClearsTheReferenceAndKeepsOrderAndDistances)
     EXPECT_EQ(ContainerPlacement::respaced({{0, 110, 50, 50}}, reference), QVector<qreal>{0.0});
 }
 
+TEST(ContainerPlacement, aContainerMovesOnlyAsFarAsItMust)
+{
+    const QRectF container(10, 200, 300, 100);
+    EXPECT_EQ(ContainerPlacement::belowShift(container, {0, 0, 50, 80}), 0.0);
+    EXPECT_EQ(ContainerPlacement::belowShift(container, {0, 180, 50, 80}), 90.0);
+    EXPECT_EQ(ContainerPlacement::freshLocation(container, {}, false), QPointF(10, 200));
+    EXPECT_EQ(ContainerPlacement::freshLocation(container, {0, 40, 900, 80}, false),
+              QPointF(930, 40));
+    EXPECT_EQ(ContainerPlacement::freshLocation(container, {0, 40, 900, 80}, true),
+              QPointF(930, 200));
+}
+
 TEST(GroupPortPlacement, inputsStandLeftOfWhatTheyFeedAndNeverOnEachOther)
 {
     using Input = GroupPortPlacement::Input;
@@ -118,6 +130,109 @@ TEST_F(ContainerTest, respacingMakesRoomBelowTheReferenceInsideTheContainer)
     EXPECT_EQ(area().width(), 700.0);
     Q_EMIT m_area->containerPeersStretched({m_node});
     EXPECT_TRUE(logHas(QStringLiteral("[ !! ] Invalid container gui node found for node 'Blur'")));
+}
+
+TEST_F(ContainerTest, whatFitsAlreadyStaysAndMakesNoStep)
+{
+    OssSnBaseNode *other = addAt("Filter/Blur", {20, -400});
+    OssSnBaseNode *peer = addAt("Misc/Backdrop", {0, 800});
+    qobject_cast<OssNgBackdropNode *>(itemOf(peer))->setRect({0, 0, 300, 100});
+    OssSnBaseNode *narrow = addAt("Misc/Backdrop", {50, 1200});
+    qobject_cast<OssNgBackdropNode *>(itemOf(narrow))->setRect({0, 0, 250, 100});
+    m_backdrop->setRect({0, 0, 300, 300});
+    contextOf(m_node)->setNodePosition({40, 90}); // clear of the title bar, too
+    OssUndoManager::instance()->clear();
+    const QRectF before = area();
+    Q_EMIT m_area->containerStretchedBy(m_node);
+    Q_EMIT m_area->containerChildrenRefreshed({m_node}, false);
+    Q_EMIT m_area->containerChildrenRefreshed({}, true);
+    Q_EMIT m_area->containerChildrenRefreshed({nullptr}, true);
+    Q_EMIT m_area->containerPeersStretched({peer});
+    Q_EMIT m_area->containerMovedDown(other);
+    Q_EMIT m_area->uniformariseContainers({m_area, peer, narrow});
+    EXPECT_EQ(area(), before);
+    EXPECT_EQ(undoCount(), 0) << qPrintable(OssUndoManager::instance()->undoText());
+    EXPECT_EQ(m_node->container(), nullptr);
+}
+
+TEST_F(ContainerTest, oneRightEdgeIsThatOfTheFurthestAndTheWidestOfEachKindAreNamed)
+{
+    OssSnBaseNode *mask = addAt("Misc/Backdrop", {700, 500}, "Mask");
+    mask->addTag(QStringLiteral("_maskStack"));
+    OssSnBaseNode *wide = addAt("Misc/Backdrop", {0, 800}, "Wide");
+    const auto resize = [](const OssSnBaseNode *node, const QSizeF &size) {
+        qobject_cast<OssNgBackdropNode *>(itemOf(node))->setRect({QPointF(), size});
+    };
+    resize(mask, {100, 100});
+    resize(wide, {500, 100});
+    Q_EMIT m_area->uniformariseContainers({mask, wide, m_area});
+    EXPECT_TRUE(logHas(QStringLiteral(
+        "WidestMaskStackNode : 'Mask', WidestAdjustmentStackNode : 'Wide', FurthestX : 800")));
+    for (const OssSnBaseNode *node : {mask, wide, static_cast<OssSnBaseNode *>(m_area)})
+        EXPECT_EQ(rectOf(node).right(), 800.0) << qPrintable(node->name());
+}
+
+TEST_F(ContainerTest, noPlaceIsTakenFromWhatHasNone)
+{
+    OssSnBaseNode *removed = add("Misc/Backdrop");
+    m_network->removeNodes({removed});
+    const int steps = undoCount();
+    const QByteArray before = m_project->stateHash();
+    OssSnBaseNode *const none = nullptr;
+    m_view->positionNodeUnderneath(m_node, none, 1);
+    m_view->positionNodeNextTo(m_area, none);
+    m_view->positionNodeBesideReference(m_node, none);
+    m_view->syncNodeUnderneath(m_node, m_area, none, nullptr);
+    m_view->stretchContainerBy(m_area, none);
+    m_view->respaceContainer(m_area, none);
+    m_view->moveContainerDown(m_area, none);
+    m_view->relocateNodeBeside(itemOf(m_node), nullptr);
+    m_view->placeNode(none);
+    m_view->positionNodeManual(none, m_node, {1, 1});
+    m_view->positionNodeUnderneath(none, m_node, 1);
+    m_view->positionNodeNextTo(none, m_node);
+    m_view->positionNodeAtFreeSpot(none);
+    m_view->positionNodeOnGrid(none, m_node, 1, 1, true);
+    m_view->positionNodeBesideReference(none, m_node);
+    m_view->syncNodeUnderneath(none, m_area, m_node, nullptr);
+    m_view->uniformariseContainers({none});
+    m_view->holdInContainer(none, {m_node}, true);
+    m_view->stretchContainerBy(none, m_node);
+    m_view->stretchPeers({none});
+    m_view->respaceContainer(none, m_node);
+    m_view->moveContainerDown(none, m_node);
+    m_view->moveContainerToFreshLocation(none, false);
+    m_view->relocateNodeBeside(nullptr, itemOf(m_node));
+    m_view->moveContainerToFreshLocation(removed, false); // in no scene
+    OssShaderNetworkView without(nullptr);
+    without.placeNode(m_node);
+    without.positionNodeNextTo(m_area, m_node);
+    EXPECT_TRUE(logHas(QStringLiteral("scene() is NULL")));
+    EXPECT_EQ(undoCount(), steps);
+    EXPECT_EQ(m_project->stateHash(), before);
+}
+
+TEST_F(ContainerTest, theContainerStretchesAroundTheReferencesOwnOneWhereThatLiesInside)
+{
+    const QRectF before = area();
+    OssSnBaseNode *inner = addAt("Misc/Backdrop", {120, 40}, "Inner");
+    qobject_cast<OssNgBackdropNode *>(itemOf(inner))->setRect({0, 0, 100, 90});
+    OssSnBaseNode *reference = addAt("Filter/Blur", {130, 70});
+    const auto sync = [&](OssSnBaseNode *container, OssSnBaseNode *other) {
+        m_view->syncNodeUnderneath(m_node, container, reference, other);
+        EXPECT_EQ(rectOf(m_node).center(), rectOf(reference).center() + QPointF(0, 100));
+        const QRectF stretched = area();
+        while (OssUndoManager::instance()->canUndo() && area().translated(0, 0) != before)
+            OssUndoManager::instance()->undo();
+        return stretched;
+    };
+    OssUndoManager::instance()->clear();
+    EXPECT_EQ(sync(nullptr, nullptr), before);
+    OssUndoManager::instance()->clear();
+    const QRectF aroundNode = sync(m_area, nullptr);
+    EXPECT_NE(aroundNode, before);
+    const QRectF aroundBoth = sync(m_area, inner);
+    EXPECT_TRUE(aroundBoth.contains(rectOf(inner)));
 }
 
 } // namespace

@@ -107,6 +107,31 @@ TEST(ColumnLayout, loopsEndAndNodesWithoutItemsTakeNoRoom)
         EXPECT_NE(move.node, 1);
 }
 
+TEST(ColumnLayout, startsThatFeedOtherStartsOrComeTwiceStartNothing)
+{
+    const std::vector<Node> nodes{box({100, 50}, {1}, {500, 300}), box({80, 40}, {2}, {900, 0}),
+                                  box({60, 70}, {}, {700, 100})};
+    ColumnLayout alone(nodes);
+    alone.layOut({0}, {});
+    ColumnLayout all(nodes);
+    all.layOut({2, 1, 0, 0}, {});
+    ASSERT_EQ(all.moves().size(), alone.moves().size());
+    for (int i = 0; i < 3; ++i)
+        EXPECT_EQ(all.rect(i), alone.rect(i)) << i;
+}
+
+TEST(ColumnLayout, whatHasNoItemIsNeitherInTheWayNorHoldsARow)
+{
+    std::vector<Node> nodes{box({100, 50}, {1}), box({100, 50}, {2}, {0, 900}), box({100, 50}),
+                            box({60, 60}, {}, {-220, 20})};
+    nodes[1].hasItem = false;
+    nodes[3].hasItem = false;
+    ColumnLayout layout(nodes);
+    layout.layOut({0}, {});
+    EXPECT_EQ(layout.rect(2).top(), 0.0) << "not at the height of what has none";
+    EXPECT_EQ(layout.rect(2).right(), -300.0) << "an empty column between two gaps";
+}
+
 TEST(ColumnLayout, randomGraphsComeOutReadableAndAlwaysTheSame)
 {
     std::mt19937 random(20);

@@ -5,7 +5,8 @@
 #include <QApplication>
 #include <QDialog>
 #include <QMetaMethod>
-#include <QTimer>
+#include <QMimeData>
+#include <QtTest>
 
 #include <array>
 #include <functional>
@@ -114,6 +115,48 @@ TEST_F(NothingThere, noCommandNeedsAScene)
         m_node->setSelected(true);
         callSlots(&view, OssShaderNetworkView::staticMetaObject, node);
     }
+}
+
+TEST_F(NothingThere, noInputNeedsASceneOrANetwork)
+{
+    const ExpectedLog possible("", ExpectedLog::Possible);
+    OssUndoManager::instance()->clear();
+    const QByteArray before = m_project->stateHash();
+    QGraphicsScene empty;
+    OssNgNode stranger; // stands for no node of the model
+    for (QGraphicsScene *scene : {static_cast<QGraphicsScene *>(nullptr), &empty}) {
+        OssShaderNetworkView view(nullptr);
+        view.setScene(scene);
+        if (scene) {
+            scene->addItem(&stranger);
+            stranger.setSelected(true);
+        }
+        const QPoint place = view.mapFromScene(QPointF(20, 8));
+        QMimeData mime;
+        mime.setUrls({QUrl::fromLocalFile(QStringLiteral("notes.txt"))});
+        const Qt::DropActions actions = Qt::CopyAction;
+        QDragEnterEvent enter(place, actions, &mime, Qt::LeftButton, {});
+        QDragMoveEvent move(place, actions, &mime, Qt::LeftButton, {});
+        QDragLeaveEvent leave;
+        QDropEvent drop(place, actions, &mime, Qt::LeftButton, {});
+        QContextMenuEvent menu(QContextMenuEvent::Mouse, place, place);
+        QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, place);
+        QTest::mouseClick(view.viewport(), Qt::RightButton, {}, place);
+        QTest::mouseDClick(view.viewport(), Qt::LeftButton, {}, place);
+        QTest::mouseDClick(view.viewport(), Qt::LeftButton, Qt::ControlModifier, place);
+        for (const int key : {Qt::Key_Control, Qt::Key_Escape, Qt::Key_Return, Qt::Key_A}) {
+            QTest::keyClick(&view, Qt::Key(key));
+            QTest::keyClick(&view, Qt::Key(key), Qt::ControlModifier);
+        }
+        for (QEvent *event : {static_cast<QEvent *>(&enter), static_cast<QEvent *>(&move),
+                              static_cast<QEvent *>(&drop), static_cast<QEvent *>(&leave)})
+            QApplication::sendEvent(view.viewport(), event);
+        if (!scene)
+            QApplication::sendEvent(view.viewport(), &menu);
+        view.viewport()->grab();
+    }
+    EXPECT_EQ(undoCount(), 0);
+    EXPECT_EQ(m_project->stateHash(), before);
 }
 
 TEST_F(NothingThere, theManagerPassesOverWhatIsMissing)

@@ -1,0 +1,394 @@
+#include "OssCore/Undo/OssUndoManager.h"
+#include "OssNodeGraph/Items/OssNgBackdropNode.h"
+#include "OssNodeGraph/Items/OssNgDotNode.h"
+#include "ViewFixture.h"
+
+#include <QGestureEvent>
+#include <QHelpEvent>
+#include <QPinchGesture>
+#include <QSignalSpy>
+#include <QToolTip>
+
+// What lies under the pointer, and what is done by it without a button.
+
+namespace {
+
+class OssNgHoverTest : public OssNgViewTest
+{
+protected:
+    void hover(const QPointF &scenePos) { move(scenePos, Qt::NoButton); }
+
+    Qt::CursorShape cursorAt(const QPointF &scenePos)
+    {
+        hover(scenePos);
+        return view.viewport()->cursor().shape();
+    }
+
+    QString tipAt(const QPointF &scenePos)
+    {
+        QHelpEvent help(QEvent::ToolTip, at(scenePos), view.viewport()->mapToGlobal(at(scenePos)));
+        QCoreApplication::sendEvent(view.viewport(), &help);
+        return QToolTip::text();
+    }
+
+    void leave()
+    {
+        QEvent event(QEvent::Leave);
+        QCoreApplication::sendEvent(&view, &event);
+    }
+};
+
+TEST_F(OssNgHoverTest, onlyWhatIsUnderThePointerLightsUpAndNothingWhenItIsGone)
+{
+    OssNgEdge *wire = b->attachInput(In, a, Out);
+    auto *backdrop = scene.add<OssNgBackdropNode>(QString(), {-100, -100});
+    backdrop->setRect({0, 0, 700, 400});
+    const auto lit = [&] {
+        return QVector<bool>{a->hovered(), b->hovered(), backdrop->hovered(), wire->hovered()};
+    };
+    const QSignalSpy told(a, &OssNgNode::hoveredChanged);
+    hover(body(a));
+    EXPECT_EQ(lit(), QVector<bool>({true, false, false, false}));
+    hover(body(a) + QPointF(1, 1));
+    EXPECT_EQ(told.count(), 1);
+    hover(wire->markerPosition());
+    EXPECT_EQ(lit(), QVector<bool>({false, false, false, true})) << "also on a backdrop";
+    hover(b->outputPortScenePos(Out) + QPointF(4, 0));
+    EXPECT_EQ(lit(), QVector<bool>({false, true, false, false})) << "a port beside its node";
+    hover({0, -95});
+    EXPECT_EQ(lit(), QVector<bool>({false, false, true, false}));
+    press(body(b));
+    move(body(b) + QPointF(40, 0));
+    leave();
+    release(body(b) + QPointF(40, 0));
+    EXPECT_TRUE(b->hovered());
+    leave();
+    EXPECT_EQ(lit(), QVector<bool>(4, false));
+    hover(wire->markerPosition());
+    leave();
+    EXPECT_FALSE(wire->hovered());
+    hover(wire->markerPosition());
+    b->detachInput(In); // the wire dies under the pointer
+    hover(body(a));
+    EXPECT_TRUE(a->hovered());
+}
+
+TEST_F(OssNgHoverTest, theCursorSaysWhatAPressWouldDo)
+{
+    auto *backdrop = scene.add<OssNgBackdropNode>(QString(), {-100, 200});
+    backdrop->setRect({0, 0, 400, 300});
+    const QRectF area(-100, 200, 400, 300);
+
+    const struct
+    {
+        QPointF at;
+        Qt::CursorShape shape;
+    } cases[] = {
+        {area.topLeft() + QPointF(2, 2), Qt::SizeFDiagCursor},
+        {area.bottomRight() - QPointF(2, 2), Qt::SizeFDiagCursor},
+        {area.topRight() + QPointF(-2, 2), Qt::SizeBDiagCursor},
+        {area.bottomLeft() + QPointF(2, -2), Qt::SizeBDiagCursor},
+        {{area.left() + 2, area.center().y()}, Qt::SizeHorCursor},
+        {{area.right() - 2, area.center().y()}, Qt::SizeHorCursor},
+        {{area.center().x(), area.top() + 2}, Qt::SizeVerCursor},
+        {{area.center().x(), area.bottom() - 2}, Qt::SizeVerCursor},
+        {area.center(), Qt::ArrowCursor},
+        {body(a), Qt::ArrowCursor},
+        {a->outputPortScenePos(Out), Qt::PointingHandCursor},
+    };
+
+    for (const auto &c : cases)
+        EXPECT_EQ(cursorAt(c.at), c.shape) << &c - cases;
+    view.setCursorTrackingMode(OssNgView::SeverTracking);
+    for (const auto &c : cases)
+        EXPECT_EQ(cursorAt(c.at), Qt::CrossCursor) << &c - cases;
+    view.setCursorTrackingMode(OssNgView::NormalTracking);
+    EXPECT_EQ(view.viewport()->cursor().shape(), Qt::ArrowCursor);
+}
+
+TEST_F(OssNgHoverTest, tipsComeOverNodesAndGoBesideThem)
+{
+    a->setToolTip(QStringLiteral("softens"));
+    EXPECT_TRUE(tipAt(body(a)).contains(QStringLiteral("softens")));
+    tipAt(QPointF(250, 400));
+    QTRY_VERIFY(!QToolTip::isVisible());
+    OssNgView empty;
+    QHelpEvent help(QEvent::ToolTip, {5, 5}, {5, 5});
+    QCoreApplication::sendEvent(empty.viewport(), &help);
+    EXPECT_FALSE(QToolTip::isVisible());
+}
+
+TEST_F(OssNgHoverTest, twoFingersZoomAndMoveTheView)
+{
+    QPinchGesture pinch;
+    const auto send = [&](QPinchGesture::ChangeFlags flags) {
+        pinch.setChangeFlags(flags);
+        QGestureEvent event({&pinch});
+        QCoreApplication::sendEvent(view.viewport(), &event);
+    };
+    const auto global = [&](const QPoint &pos) {
+        return QPointF(view.viewport()->mapToGlobal(pos));
+    };
+    pinch.setScaleFactor(1.5);
+    pinch.setLastCenterPoint(global({300, 200}));
+    pinch.setCenterPoint(global({330, 210}));
+    const QPointF corner = view.viewportInSceneCoords().topLeft();
+    send({});
+    EXPECT_EQ(view.zoom(), 1.0);
+    EXPECT_EQ(view.viewportInSceneCoords().topLeft(), corner);
+    send(QPinchGesture::CenterPointChanged);
+    EXPECT_EQ(view.zoom(), 1.0);
+    EXPECT_EQ(view.viewportInSceneCoords().topLeft(), corner - QPointF(30, 10));
+    const QPointF under = view.toScene({330, 210});
+    send(QPinchGesture::ScaleFactorChanged);
+    EXPECT_NEAR(view.zoom(), 1.5, 1e-6);
+    EXPECT_LT(QLineF(view.toScene({330, 210}), under).length(), 1.0);
+    QGestureEvent none(QList<QGesture *>{});
+    QCoreApplication::sendEvent(view.viewport(), &none);
+    QNativeGestureEvent turn(Qt::RotateNativeGesture, nullptr, QPointF(300, 200), QPointF(300, 200),
+                             QPointF(300, 200), -0.5, 0, 0);
+    QCoreApplication::sendEvent(view.viewport(), &turn);
+    EXPECT_NEAR(view.zoom(), 1.5, 1e-6);
+}
+
+TEST_F(OssNgHoverTest, theViewGlidesToANearPlaceAndJumpsToAFarOne)
+{
+    const auto middle = [this] {
+        return view.viewportInSceneCoords().center();
+    };
+    const QPointF start = middle();
+    view.centerViewOn(start + QPointF(300, 200), true);
+    EXPECT_EQ(middle(), start) << "not yet";
+    QTRY_VERIFY(QLineF(middle(), start + QPointF(300, 200)).length() < 1.5);
+    const QPointF there = middle();
+    view.centerViewOn({9000, 7000}, true);
+    EXPECT_LT(QLineF(middle(), {9000, 7000}).length(), 1.5);
+    view.centerViewOn(there, false);
+    EXPECT_LT(QLineF(middle(), there).length(), 1.5);
+    view.centerViewOn(there + QPointF(300, 0), true);
+    view.panLeft(); // who moves the view has it
+    const QPointF panned = middle();
+    QTest::qWait(60);
+    EXPECT_EQ(middle(), panned);
+    view.hide();
+    view.centerViewOn(there, true);
+    EXPECT_LT(QLineF(middle(), there).length(), 1.5);
+}
+
+TEST_F(OssNgHoverTest, theWireUnderThePointerIsPickedUpAndDroppedByAClick)
+{
+    OssNgEdge *wire = b->attachInput(In, a, Out);
+    const auto point = [this](const QPointF &scenePos) {
+        QCursor::setPos(view.viewport()->mapToGlobal(at(scenePos)));
+    };
+    point({250, 400});
+    view.pickUpEdge();
+    EXPECT_EQ(view.interactionState(), OssNgView::Idle);
+    const QPointF near = b->inputPortScenePos(In) + QPointF(-20, 0);
+    point(near);
+    b->setVirtualInput(In, true);
+    wire->setMark(OssNgEdge::Virtual, true);
+    view.pickUpEdge();
+    EXPECT_EQ(view.interactionState(), OssNgView::Idle) << "no user's to take";
+    wire->setMark(OssNgEdge::Virtual, false);
+    b->setVirtualInput(In, false);
+    view.pickUpEdge();
+    EXPECT_EQ(view.interactionState(), OssNgView::EdgeDrag);
+    EXPECT_EQ(scene.mouseGrabberItem(), wire);
+    view.pickUpEdge(); // it is in hand
+    hover({250, 300});
+    hover({250, 350});
+    release({250, 350});
+    EXPECT_EQ(b->input(In), nullptr);
+    EXPECT_EQ(view.interactionState(), OssNgView::Idle);
+    OssNgView empty;
+    empty.pickUpEdge();
+    EXPECT_EQ(empty.interactionState(), OssNgView::Idle);
+}
+
+// --- wires in hand
+
+TEST_F(OssNgHoverTest, aNodeHeldOverAWireShowsThatItWouldBeSplicedIn)
+{
+    view.insert = true;
+    b->setPosition({700, 0});
+    OssNgEdge *wire = b->attachInput(In, a, Out);
+    auto *c = scene.add(QStringLiteral("C"), {300, 300}, {}, {In}, {Out});
+    auto *d = scene.add(QStringLiteral("D"), {300, 500}, {}, {In}, {Out});
+    const QPointF way = wire->markerPosition() - c->sceneBoundingRect().center();
+    const auto inviting = [&] {
+        return wire->hasMark(OssNgEdge::Inviting);
+    };
+    press(body(c));
+    move(body(c) + QPointF(0, -20));
+    EXPECT_FALSE(inviting());
+    const QPointF start = body(c) - c->pos() + QPointF(300, 300);
+    move(start + way);
+    EXPECT_TRUE(inviting());
+    move(start + way + QPointF(1, 0));
+    EXPECT_TRUE(inviting());
+    move(start);
+    EXPECT_FALSE(inviting());
+    move(start + way);
+    key(Qt::Key_Escape);
+    EXPECT_FALSE(inviting());
+    release(start + way);
+    d->setSelected(true);
+    press(body(c), Qt::LeftButton, Qt::ShiftModifier);
+    move(body(c) + QPointF(0, -20));
+    move(start + way);
+    EXPECT_FALSE(inviting()) << "of several none is spliced in";
+    release(start + way);
+}
+
+TEST_F(OssNgHoverTest, aClickOnAPortOrWireIsNoPull)
+{
+    OssNgEdge *wire = b->attachInput(In, a, Out);
+    const QSignalSpy changed(b, &OssNgNode::inputSourceChanged);
+    for (const QPointF &place : {b->inputPortScenePos(In), a->outputPortScenePos(Out),
+                                 wire->markerPosition() + QPointF(12, 0)}) {
+        const QPainterPath before = wire->path();
+        press(place);
+        move(place + QPointF(2, 1)); // an unsteady hand
+        EXPECT_EQ(wire->path(), before);
+        release(place + QPointF(2, 1));
+        EXPECT_EQ(a->temporaryOutputEdge(), nullptr);
+    }
+    EXPECT_EQ(changed.count(), 0);
+    EXPECT_EQ(b->input(In), wire);
+}
+
+TEST_F(OssNgHoverTest, aWireIsNeverDroppedOnTheNodeItComesFromAndItsSourceCanBeChanged)
+{
+    a->addOutputPort(QStringLiteral("Second"));
+    OssNgEdge *wire = b->attachInput(In, a, Out);
+    const QSignalSpy toA(a, &OssNgNode::inputSourceChanged);
+    press(a->outputPortScenePos(Out));
+    move({200, 200});
+    for (const QPointF &own : {a->inputPortScenePos(In), body(a)}) {
+        move(own);
+        EXPECT_EQ(a->temporaryOutputEdge()->path().pointAtPercent(1.0), own);
+    }
+    release(a->inputPortScenePos(In));
+    EXPECT_EQ(toA.count(), 0);
+
+    // Pressed near its source it is that end which moves.
+    const QSignalSpy changed(b, &OssNgNode::inputSourceChanged);
+    const QPointF near = a->outputPortScenePos(Out) + QPointF(14, 0);
+    const auto pull = [&](const QPointF &to) {
+        press(near);
+        move({200, 250});
+        move(to);
+        release(to);
+    };
+    pull(a->outputPortScenePos(Out));
+    EXPECT_EQ(changed.count(), 0) << "where it was";
+    pull(a->outputPortScenePos(QStringLiteral("Second")));
+    ASSERT_EQ(changed.count(), 1);
+    EXPECT_EQ(b->input(In)->sourceOutput(), QStringLiteral("Second"));
+    wire = b->input(In);
+    wire->beginDrag(OssNgEdge::DragEnd::Destination);
+    wire->releaseMouse({250, 400}, true);
+    EXPECT_EQ(b->input(In), wire) << "kept";
+    wire->dragTo({0, 0}); // it is in nobody's hand
+    EXPECT_EQ(wire->path().pointAtPercent(1.0), b->inputPortScenePos(In));
+}
+
+TEST_F(OssNgHoverTest, nothingIsHeldOfWhatDiesWhileItIsDragged)
+{
+    auto backdrop = std::make_unique<OssNgBackdropNode>();
+    scene.addItem(backdrop.get());
+    backdrop->setPosition({-100, 200});
+    backdrop->setRect({0, 0, 300, 200});
+    OssUndoManager::instance()->clear();
+    for (const bool cancelled : {false, true}) {
+        if (!backdrop) {
+            backdrop = std::make_unique<OssNgBackdropNode>();
+            scene.addItem(backdrop.get());
+            backdrop->setPosition({-100, 200});
+            backdrop->setRect({0, 0, 300, 200});
+        }
+        press({-98, 300});
+        move({-140, 300});
+        backdrop.reset();
+        move({-150, 300});
+        if (cancelled)
+            key(Qt::Key_Escape);
+        release({-150, 300});
+        auto node = std::make_unique<OssNgNode>();
+        scene.addItem(node.get());
+        node->setPosition({0, 300});
+        press(body(node.get()));
+        move(body(node.get()) + QPointF(30, 30));
+        const QPointF place = body(node.get());
+        node.reset();
+        move(place + QPointF(30, 30));
+        if (cancelled)
+            key(Qt::Key_Escape);
+        release(place);
+    }
+    EXPECT_EQ(OssUndoManager::instance()->count(), 0);
+    EXPECT_EQ(view.interactionState(), OssNgView::Idle);
+}
+
+TEST_F(OssNgHoverTest, areasSnapToTheGridByTheWayTheyAreDragged)
+{
+    auto *backdrop = scene.add<OssNgBackdropNode>(QString(), {-100, 200});
+    backdrop->setRect({0, 0, 301, 203});
+    view.toggleSnapToGrid();
+    press({199, 401});
+    move({230, 420});
+    move({238, 431});
+    release({238, 431});
+    EXPECT_EQ(backdrop->rect().size(), QSizeF(301 + 48, 203 + 24));
+    b->setSelected(true);
+    b->setPosition({303, 45});
+    a->setPosition({5, 7});
+    press(body(a), Qt::LeftButton, Qt::ShiftModifier);
+    move(body(a) + QPointF(20, 20));
+    move(QPointF(body(a) - a->pos()) + QPointF(5, 7) + QPointF(50, 31));
+    release(body(a));
+    EXPECT_EQ(a->pos(), QPointF(48, 48));
+    EXPECT_EQ(b->pos(), QPointF(303 + 43, 45 + 41)) << "by the way of the pressed one";
+}
+
+// --- keys and parents
+
+TEST_F(OssNgHoverTest, nudgingNothingIsNoStep)
+{
+    OssUndoManager::instance()->clear();
+    key(Qt::Key_Right, Qt::AltModifier);
+    a->setSelected(true);
+    press(body(a));
+    key(Qt::Key_Right, Qt::AltModifier); // while it is in hand
+    release(body(a));
+    key(Qt::Key_A, Qt::AltModifier);
+    EXPECT_EQ(OssUndoManager::instance()->count(), 0);
+    EXPECT_EQ(a->pos(), QPointF(0, 0));
+    OssNgView empty;
+    QKeyEvent event(QEvent::KeyPress, Qt::Key_Right, Qt::AltModifier);
+    QCoreApplication::sendEvent(&empty, &event);
+    EXPECT_EQ(OssUndoManager::instance()->count(), 0);
+}
+
+TEST(OssNgScene, parentsThatLostAllTheirNodesAreNotKeptForEver)
+{
+    QGraphicsScene many;
+    int most = 0;
+    std::vector<std::unique_ptr<OssNgDotNode>> kept;
+    for (int round = 0; round < 5; ++round) {
+        std::vector<std::unique_ptr<OssNgDotNode>> nodes;
+        for (int i = 0; i < 640; ++i) {
+            nodes.push_back(std::make_unique<OssNgDotNode>());
+            many.addItem(nodes.back().get());
+        }
+        kept.push_back(std::move(nodes.back()));
+        nodes.clear();
+        most = std::max(most, many.items().size());
+    }
+    EXPECT_LT(most, 80);
+    for (const auto &node : kept)
+        EXPECT_EQ(node->scene(), &many);
+}
+
+} // namespace

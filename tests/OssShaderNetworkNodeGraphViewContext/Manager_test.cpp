@@ -2,14 +2,18 @@
 #include "OssCore/Program/OssPreferenceManager.h"
 #include "OssCore/Program/OssSettings.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
+#include "OssModel/Images/OssImage.h"
+#include "OssModel/Images/OssImageManager.h"
 #include "OssModel/Nodes/OssSnChannelInputNode.h"
 #include "OssModel/Objects/OssChannel.h"
 #include "OssModel/Objects/OssImageSet.h"
 
 #include <QAction>
+#include <QImage>
 #include <QPointer>
 #include <QSignalSpy>
 #include <QTabBar>
+#include <QTemporaryDir>
 #include <QtTest>
 
 namespace {
@@ -161,6 +165,94 @@ TEST_F(ManagerTest, paintNodesOfTheCurrentChannelAreHighlighted)
     OssProjectManager::instance()->setCurrentChannel(channel);
     EXPECT_TRUE(itemOf(mine)->hasMark(OssNgNode::Highlighted));
     EXPECT_FALSE(itemOf(other)->hasMark(OssNgNode::Highlighted));
+}
+
+TEST_F(ManagerTest, selectedImagesBecomeNodesInOneStep)
+{
+    const QTemporaryDir folder;
+    QList<OssImage *> images;
+    for (const char *name : {"a.png", "b.png", "c.png"}) {
+        QImage picture(2, 2, QImage::Format_RGB32);
+        picture.fill(Qt::red);
+        const QString path = folder.filePath(QString::fromLatin1(name));
+        ASSERT_TRUE(picture.save(path));
+        images.append(OssImageManager::instance()->open(path, 0, {}).first().image);
+    }
+    const auto trigger = [this](const char *text) {
+        const auto actions = m_manager->findChildren<QAction *>();
+        for (QAction *action : actions) {
+            if (action->text() == QLatin1String(text))
+                action->trigger();
+        }
+    };
+    OssUndoManager::instance()->clear();
+    const QByteArray before = m_project->stateHash();
+    trigger("As Tiled"); // none is selected
+    EXPECT_EQ(undoCount(), 0);
+    images.at(0)->setSelected(true);
+    images.at(2)->setSelected(true);
+    trigger("As Tiled");
+    EXPECT_EQ(undoCount(), 1);
+    EXPECT_EQ(OssUndoManager::instance()->undoText(), QStringLiteral("Add to Nodegraph as Tiled"));
+    int tiled = 0;
+    for (const OssSnBaseNode *node : m_network->nodes())
+        tiled += node->pathKey() == QLatin1String("Procedural/Pattern/Tiled");
+    EXPECT_EQ(tiled, 2);
+    expectUndoIsExact(before);
+    images.at(0)->setSelected(false);
+    trigger("As TriPlanar");
+    EXPECT_EQ(m_network->nodes().last()->pathKey(),
+              QStringLiteral("Environment/Tri Planar Projection"));
+}
+
+TEST_F(ManagerTest, aNodeOfAnotherRootIsNotFocused)
+{
+    OssSnBaseNode *near = addAt("Filter/Blur", {0, 0});
+    near->setSelected(true);
+    OssShaderNetwork other;
+    OssSnBaseNode *far = other.createNode(QStringLiteral("Filter/Blur"));
+    m_manager->focusOnNode(far);
+    EXPECT_TRUE(near->selected());
+    EXPECT_FALSE(far->selected());
+    OssUndoManager::instance()->clear();
+}
+
+TEST_F(ManagerTest, aNetworkBehindAGroupsTabBecomesNobodysView)
+{
+    auto *group = qobject_cast<OssSnGroupNode *>(addAt("Misc/Group", {0, 0}));
+    m_manager->nodeGraphWidget()->showGroupNodeSubgraph(group);
+    OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
+    OssShaderNetwork other;
+    networks->setCurrentShaderNetwork(&other);
+    EXPECT_EQ(m_view->network(), &other);
+    EXPECT_EQ(networks->currentViewNetwork(), group->groupNetwork()) << "which is looked at";
+    networks->setCurrentShaderNetwork(m_network);
+    m_manager->nodeGraphWidget()->setCurrentIndex(0);
+    EXPECT_EQ(networks->currentViewNetwork(), m_network);
+    m_manager->nodeGraphWidget()->hideTab(1);
+}
+
+TEST_F(ManagerTest, onlyTheUsersNodesTakeAnotherModeAndOnlyInAView)
+{
+    OssSnBaseNode *node = addAt("Filter/Blur", {0, 0});
+    node->setSelected(true);
+    QAction *action = OssActionTreeManager::instance()->findAction(
+        QStringLiteral("/Ossa/NodeGraph/Switch to Collapsed mode"));
+    m_manager->showNetworkInView(nullptr, m_view);
+    action->trigger();
+    EXPECT_TRUE(logHas(QStringLiteral("Network is NULL")));
+    m_manager->showNetworkInView(m_network, m_view);
+    QTabWidget *widget = m_manager->nodeGraphWidget();
+    QWidget page;
+    widget->addTab(&page, QStringLiteral("other"));
+    widget->setCurrentWidget(&page);
+    action->trigger();
+    m_manager->beautifyNodesLayout();
+    EXPECT_TRUE(logHas(QStringLiteral("GraphView is NULL")));
+    widget->removeTab(1);
+    EXPECT_EQ(contextOf(node)->portListModeAsInt(), 0);
+    action->trigger();
+    EXPECT_EQ(contextOf(node)->portListModeAsInt(), 4);
 }
 
 // --- preferences

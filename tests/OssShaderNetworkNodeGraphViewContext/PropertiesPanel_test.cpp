@@ -6,6 +6,9 @@
 #include "OssInterface/Widgets/OssExpandableListHeading.h"
 #include "OssInterface/Widgets/OssExpandableListWidget.h"
 #include "OssInterface/Widgets/OssMiniButton.h"
+#include "OssModel/Nodes/OssSnChannelInputNode.h"
+#include "OssModel/Objects/OssChannel.h"
+#include "OssModel/Objects/OssImageSet.h"
 
 #include <QAction>
 #include <QApplication>
@@ -13,6 +16,7 @@
 #include <QScrollArea>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
 #include <QVBoxLayout>
 
 namespace {
@@ -263,6 +267,146 @@ TEST_F(PropertiesPanel, commandOpensThePanelsOfTheSelection)
     color->setSelected(true);
     m_view->openNodeProperties();
     EXPECT_EQ(panels().size(), 2);
+}
+
+TEST_F(PropertiesPanel, shadersListTheirSectionsInTheOrderOfLight)
+{
+    const auto headings = [this](OssSnBaseNode *node) {
+        for (const char *section :
+             {"Other", "Displacement map", "Specular", "Diffuse light", "Displacement"}) {
+            OssCustomAttribute attribute(QStringLiteral("In ") + QLatin1String(section), 1.0);
+            attribute.editDefinition().group = QLatin1String(section);
+            node->setUserAttribute(attribute, true);
+        }
+        open(node);
+        QStringList texts;
+        const auto lists = m_widget->panel(node)->findChildren<OssExpandableListWidget *>();
+        for (const OssExpandableListWidget *list : lists)
+            texts.append(list->heading()->text());
+        return texts.join(QLatin1Char('|'));
+    };
+    const QString inOrder = QStringLiteral("Diffuse light|Specular|Displacement map|Displacement|"
+                                           "Other");
+    const QString asTheyCame = QStringLiteral("Other|Displacement map|Specular|Diffuse light|"
+                                              "Displacement");
+    const auto panelOf = [this](const OssSnBaseNode *node) {
+        return qobject_cast<OssNodePropertyPanel *>(m_widget->panel(node));
+    };
+    OssSnBaseNode *plain = add("Filter/Blur");
+    EXPECT_EQ(headings(plain), asTheyCame);
+    OssSnBaseNode *shader = add("Shaders/Standard Surface");
+    EXPECT_TRUE(headings(shader).endsWith(inOrder)) << qPrintable(headings(shader));
+    EXPECT_FALSE(panelOf(shader)->findChildren<QLineEdit *>().isEmpty());
+    OssSnBaseNode *own = add("Shaders/Standard Surface");
+    own->addTag(QStringLiteral("_respectShaderGroupNodeAttributeOrder"));
+    EXPECT_TRUE(headings(own).endsWith(asTheyCame)) << qPrintable(headings(own));
+    OssSnBaseNode *stack = add("Shaders/Standard Surface");
+    stack->addTag(QStringLiteral("_stackShader"));
+    EXPECT_TRUE(headings(stack).endsWith(QStringLiteral("Displacement map|Other")))
+        << qPrintable(headings(stack));
+}
+
+TEST_F(PropertiesPanel, whatWasFoldedOrUnfoldedStaysSoWhenAttributesCome)
+{
+    OssSnBaseNode *shader = add("Shaders/Standard Surface");
+    const auto give = [shader](const char *name, const char *section) {
+        OssCustomAttribute attribute(QString::fromLatin1(name), 1.0);
+        attribute.editDefinition().group = QString::fromLatin1(section);
+        shader->setUserAttribute(attribute, true);
+    };
+    give("One", "Diffuse");
+    open(shader);
+    const auto panel = [&] {
+        return qobject_cast<OssExpandableListWidget *>(m_widget->panel(shader));
+    };
+    const auto section = [&](const char *title) -> OssExpandableListWidget * {
+        const auto lists = panel()->findChildren<OssExpandableListWidget *>();
+        for (OssExpandableListWidget *list : lists) {
+            if (list->heading()->text() == QLatin1String(title))
+                return list;
+        }
+        return nullptr;
+    };
+    ASSERT_NE(section("Diffuse"), nullptr);
+    EXPECT_TRUE(section("Diffuse")->isCollapsed()) << "nothing in it was touched";
+    section("Diffuse")->expand();
+    give("Two", "Specular");
+    deleteLater();
+    ASSERT_NE(section("Specular"), nullptr);
+    EXPECT_FALSE(section("Diffuse")->isCollapsed());
+    EXPECT_TRUE(section("Specular")->isCollapsed()) << "a new one is as it is made";
+    EXPECT_FALSE(panel()->isCollapsed());
+    panel()->collapse();
+    give("Three", "Specular");
+    deleteLater();
+    EXPECT_TRUE(panel()->isCollapsed());
+    Q_EMIT shader->nodeAttributeRenamed(QStringLiteral("Old"), QStringLiteral("None"));
+    const QWidget *before = panel();
+    EXPECT_EQ(panel(), before);
+    Q_EMIT shader->nodeAttributeRenamed(QStringLiteral("Old"), QStringLiteral("Three"));
+    EXPECT_NE(panel(), before);
+}
+
+TEST_F(PropertiesPanel, placesBesideOthersAreThoseThatWereAskedFor)
+{
+    QList<OssSnBaseNode *> nodes;
+    for (int i = 0; i < 4; ++i) {
+        nodes.append(add("Filter/Blur"));
+        open(nodes.last());
+    }
+    const auto order = [&] {
+        QString text;
+        for (const QWidget *panel : panels()) {
+            for (int i = 0; i < nodes.size(); ++i) {
+                if (m_widget->panel(nodes.at(i)) == panel)
+                    text += QString::number(i);
+            }
+        }
+        return text.toStdString();
+    };
+    EXPECT_EQ(order(), "3210");
+    m_widget->insertAfter(nodes.at(3), nodes.at(1));
+    EXPECT_EQ(order(), "2130");
+    m_widget->insertBefore(nodes.at(0), nodes.at(1));
+    EXPECT_EQ(order(), "2013");
+    m_widget->insertBefore(nodes.at(2), nodes.at(3));
+    EXPECT_EQ(order(), "0123");
+    m_widget->insertAfter(nodes.at(2), nodes.at(2)); // beside itself it is
+    EXPECT_EQ(order(), "0123");
+    m_widget->insertAfter(nodes.at(3), add("Filter/Blur")); // which has no panel
+    EXPECT_EQ(order(), "3012");
+}
+
+TEST_F(PropertiesPanel, theGroupsKnobsAreManagedFromItsPanel)
+{
+    auto *group = qobject_cast<OssSnGroupNode *>(add("Misc/Group"));
+    open(group);
+    bool seen = false;
+    QTimer::singleShot(0, [&seen] {
+        QWidget *dialog = QApplication::activeModalWidget();
+        ASSERT_NE(dialog, nullptr);
+        seen = dialog->windowTitle() == QLatin1String("Group Node Knobs");
+        dialog->close();
+    });
+    const auto *panel = qobject_cast<OssExpandableListWidget *>(m_widget->panel(group));
+    const auto buttons = panel->heading()->findChildren<OssMiniButton *>();
+    for (OssMiniButton *button : buttons) {
+        if (button->text() == QLatin1String("p"))
+            QTest::mouseClick(button, Qt::LeftButton);
+    }
+    EXPECT_TRUE(seen);
+}
+
+TEST_F(PropertiesPanel, paintsPanelKnowsWhetherAChannelDecides)
+{
+    auto *paint = qobject_cast<OssSnChannelInputNode *>(add("Misc/Channel Input"));
+    OssShadingGroup *group = m_project->shadingGroups().first();
+    auto *set = new OssImageSet(QStringLiteral("Color"), group); // the group owns both
+    paint->setImageSet(set, true);
+    EXPECT_FALSE(paint->isManagedByChannel());
+    set->setChannel(new OssChannel(QStringLiteral("Color"), group));
+    open(paint);
+    EXPECT_TRUE(paint->isManagedByChannel());
 }
 
 } // namespace

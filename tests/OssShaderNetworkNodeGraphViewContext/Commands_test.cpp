@@ -155,6 +155,56 @@ TEST_F(CommandsTest, severalOutputsAreOfferedInAMenu)
     EXPECT_EQ(m_viewer->inputOutputPoint(QStringLiteral("2")), noise->outputPointNames().last());
 }
 
+TEST_F(CommandsTest, materialsAreLookedAtAsTheCurrentOneOrStreamByStream)
+{
+    OssSnBaseNode *material = addAt("_System/Material", {1200, 0}, "Rust");
+    ASSERT_GT(material->outputPointCount(), 1);
+    m_view->connectSelectedNodeToViewer(material, 0);
+    const OssSnBaseNode *proxy = OssLayerManager::currentMaterialProxy(m_network);
+    ASSERT_NE(proxy, nullptr);
+    EXPECT_EQ(viewed(0), proxy);
+    EXPECT_EQ(proxy->inputNodes(), QList<OssSnBaseNode *>{material});
+    OssSnBaseNode *other = addAt("_System/Material", {1200, 400}, "Wood");
+    m_view->connectSelectedNodeToViewer(other, 2); // nobody to ask for a stream
+    EXPECT_EQ(viewed(2), nullptr);
+    OssApplication::setPopupsAllowed(true);
+    for (const int index : {0, 2}) { // the model, a separator, a stream
+        QStringList offered;
+        QTimer::singleShot(0, [&] {
+            auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+            ASSERT_NE(menu, nullptr);
+            const QList<QAction *> actions = menu->actions();
+            for (const QAction *action : actions)
+                offered.append(action->text());
+            menu->setActiveAction(actions.at(index));
+            QTest::keyClick(menu, Qt::Key_Return);
+        });
+        m_view->connectSelectedNodeToViewer(other, 2);
+        EXPECT_EQ(offered.size(), other->outputPointCount() + 2);
+        EXPECT_EQ(viewed(2), index == 0 ? nullptr : other);
+        EXPECT_EQ(proxy->inputNodes(), QList<OssSnBaseNode *>{other});
+    }
+    OssApplication::setPopupsAllowed(false);
+    expectWhole();
+}
+
+TEST_F(CommandsTest, theViewerComesToThePointerAndStaysOutOfTheHistory)
+{
+    OssUndoManager::instance()->clear();
+    m_view->window()->show();
+    const QPoint place(200, 150);
+    QCursor::setPos(m_view->viewport()->mapToGlobal(place));
+    m_view->moveViewerToMouse();
+    EXPECT_EQ(itemOf(m_viewer)->pos(), m_view->mapToScene(place));
+    EXPECT_EQ(undoCount(), 0);
+    OssSnGroupNode *group = m_network->groupNodes({m_levels});
+    OssShaderNetworkView inside(nullptr);
+    inside.setNetwork(group->groupNetwork());
+    inside.connectSelectedNodeToViewer(m_blur, 1); // which is outside
+    EXPECT_TRUE(logHas(QStringLiteral("doesn't belong to the network")));
+    EXPECT_EQ(viewed(1), nullptr);
+}
+
 // --- copies
 
 TEST_F(CommandsTest, copiesComeUnderThePointerSelectedAndInOneStep)

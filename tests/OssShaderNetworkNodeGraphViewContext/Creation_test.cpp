@@ -1,7 +1,6 @@
 #include "GraphFixture.h"
 #include "OssCore/Program/OssSettings.h"
 #include "OssCore/Values/OssColor.h"
-#include "OssCore/Values/OssUserEnum.h"
 #include "OssInterface/Dialogs/OssNodeInfoDialog.h"
 #include "OssInterface/Dialogs/OssNodeQuickFindDialog.h"
 #include "OssInterface/Dialogs/OssNodeSearch.h"
@@ -61,13 +60,6 @@ protected:
     {
         m_view->scene()->clearSelection();
         node->setSelected(true);
-    }
-
-    static int blending(const OssSnBaseNode *merge)
-    {
-        return merge->attribute(QStringLiteral("BlendColorSpaceEnabled"))
-            .value<OssUserEnum>()
-            .currentValue();
     }
 
     /// A command of the graph on keys that texts and lists use too.
@@ -245,29 +237,38 @@ TEST_F(CreationTest, teleportsShowWhetherTheyAreHeard)
     dirt->setImageSet(nullptr);
 }
 
-TEST_F(CreationTest, mergesAboveBytePaintAreAskedAboutOnceAndAsThePreferenceSays)
+TEST_F(CreationTest, paintAndBakeCommandsAreThoseOfTheMenuEntries)
 {
-    OssSnBaseNode *first = addAt("Layer/Merge", {0, 0});
-    OssSnBaseNode *second = addAt("Layer/Merge", {300, 0});
-    OssSnBaseNode *mask = addAt("Layer/Merge", {0, 400});
-    OssSnBaseNode *input = addAt("_System/Shader Input", {600, 0});
-    wire(first, second, "Base");
-    wire(mask, second, "Mask");
-    wire(second, input);
-    ASSERT_NE(m_network->groupNodes({first}), nullptr); // which hides it from nothing
-    OssShaderNetworkView::autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(input);
-    EXPECT_EQ(blending(first), 0); // nobody to ask
-    m_manager->setAutoUpdateUpstreamMergeNodeColorspaceEnabled(QStringLiteral("Leave"));
-    OssShaderNetworkView::autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(input);
-    EXPECT_EQ(blending(first), 0);
-    m_manager->setAutoUpdateUpstreamMergeNodeColorspaceEnabled(QStringLiteral("Change"));
-    OssShaderNetworkView::autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(input);
-    EXPECT_EQ(blending(first), 1);
-    EXPECT_EQ(blending(second), 1);
-    EXPECT_EQ(blending(mask), 0);
-    m_manager->resetAutoUpdateUpstreamMergeNodeColorspaceEnabled();
+    const QSignalSpy added(m_view, &OssShaderNetworkView::nodeAdded);
+    OssUndoManager::instance()->clear();
+
+    const struct
+    {
+        const char *key;
+        const char *made;
+        const char *title;
+    } cases[] = {{"Misc/Channel Input", "Channel Input/Paint", "Add Paint Node"},
+                 {"Misc/Bake Point", "Misc/Bake Point", "Add Bake Point Node"},
+                 {"Filter/Blur", "Filter/Blur", "Create Node : Blur"}};
+
+    for (const auto &c : cases) {
+        const OssSnBaseNode *made = create(c.key);
+        ASSERT_NE(made, nullptr);
+        EXPECT_EQ(made->pathKey(), QString::fromLatin1(c.made));
+        EXPECT_EQ(OssUndoManager::instance()->undoText(), QString::fromLatin1(c.title));
+    }
+    EXPECT_EQ(undoCount(), 3);
+    const ExpectedLog possible("No/Such", ExpectedLog::Possible);
+    const int nodes = m_network->nodes().size();
+    EXPECT_EQ(m_view->createNodeAt(QStringLiteral("No/Such"), {5, 5}), nullptr);
+    EXPECT_EQ(m_network->nodes().size(), nodes);
+    EXPECT_EQ(undoCount(), 3);
+    m_view->scene()->clearSelection();
+    OssSnBaseNode *area = create("Misc/Backdrop"); // around nothing
+    EXPECT_EQ(qobject_cast<OssNgBackdropNode *>(itemOf(area))->childrenList().size(), 0);
 }
 
+// --- finding
 // --- finding
 
 TEST_F(CreationTest, quickCreateRemembersWhatWasUsedLast)

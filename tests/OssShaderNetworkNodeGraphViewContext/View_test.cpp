@@ -300,4 +300,108 @@ TEST_F(ViewTest, editingCommandsAreOneStepWithTheirTitle)
     EXPECT_TRUE(logHas(QStringLiteral("m_network is NULL")));
 }
 
+TEST_F(ViewTest, groupsOpenByControlAndADoubleClickOrReturn)
+{
+    auto *group = qobject_cast<OssSnGroupNode *>(addAt("Misc/Group", {0, 0}, "G"));
+    OssSnBaseNode *blur = addAt("Filter/Blur", {300, 0});
+    QTabWidget *widget = m_manager->nodeGraphWidget();
+    QWindow *window = m_view->window()->windowHandle();
+    const auto doubleClick = [&](const OssSnBaseNode *node, Qt::KeyboardModifiers modifiers) {
+        const QPoint place = m_view->viewport()->mapTo(m_view->window(), at(node));
+        QTest::mouseDClick(window, Qt::LeftButton, modifiers, place);
+        QCoreApplication::processEvents();
+    };
+    doubleClick(group, {});
+    doubleClick(blur, Qt::ControlModifier);
+    EXPECT_EQ(widget->count(), 1);
+    doubleClick(group, Qt::ControlModifier);
+    ASSERT_EQ(widget->count(), 2);
+    EXPECT_EQ(widget->currentIndex(), 1);
+    widget->setCurrentIndex(0);
+    widget->removeTab(1);
+    const auto enter = [&](OssSnBaseNode *node, Qt::Key key, Qt::KeyboardModifiers modifiers) {
+        select({node});
+        QTest::keyClick(m_view, key, modifiers);
+    };
+    enter(group, Qt::Key_Return, {});
+    enter(group, Qt::Key_A, Qt::ControlModifier);
+    enter(blur, Qt::Key_Return, Qt::ControlModifier);
+    select({});
+    QTest::keyClick(m_view, Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_EQ(widget->count(), 1);
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
+        enter(group, key, Qt::ControlModifier);
+        ASSERT_EQ(widget->count(), 2);
+        widget->setCurrentIndex(0);
+        widget->removeTab(1);
+    }
+}
+
+TEST_F(ViewTest, escapeLetsGoOfAWireAndOtherKeysDoNot)
+{
+    OssSnBaseNode *a = addAt("Filter/Blur", {0, 0});
+    OssSnBaseNode *b = addAt("Filter/Blur", {300, 0});
+    wire(a, b);
+    OssNgEdge *edge = itemOf(b)->input(QStringLiteral("Input"));
+    edge->beginDrag(OssNgEdge::DragEnd::Destination);
+    edge->grabMouse();
+    QTest::keyPress(m_view, Qt::Key_Control);
+    EXPECT_FALSE(edge->isDotable()) << "while a wire is in hand";
+    QTest::keyRelease(m_view, Qt::Key_Control);
+    QTest::keyRelease(m_view, Qt::Key_A);
+    EXPECT_EQ(m_view->scene()->mouseGrabberItem(), edge);
+    QTest::keyRelease(m_view, Qt::Key_Escape);
+    EXPECT_EQ(m_view->scene()->mouseGrabberItem(), nullptr);
+    EXPECT_EQ(b->inputNode(QStringLiteral("Input")), a);
+    QTest::keyRelease(m_view, Qt::Key_Escape); // there is none
+}
+
+TEST_F(ViewTest, theNameOfAPlaceInsideGroupsIsOnTheCanvas)
+{
+    auto *group = qobject_cast<OssSnGroupNode *>(addAt("Misc/Group", {0, 0}, "Wall"));
+    const QRect line(0, 0, 400, 36);
+    const auto shown = [&] {
+        return m_view->viewport()->grab(line).toImage();
+    };
+    m_view->centerOn(9000, 9000); // far from all nodes
+    const QImage root = shown();
+    m_network->geoEntity()->setName(QStringLiteral("Another"));
+    EXPECT_EQ(shown(), root) << "at the top the tab says it";
+    m_manager->showNetworkInView(group->groupNetwork(), m_view);
+    m_view->centerOn(9000, 9000);
+    const QImage inside = shown();
+    EXPECT_NE(inside, root);
+    group->setName(QStringLiteral("Dirt"));
+    EXPECT_NE(shown(), inside);
+    m_manager->showNetworkInView(m_network, m_view);
+}
+
+TEST_F(ViewTest, aDotMovesNothingAndABackdropOnlyItsOwn)
+{
+    OssSnBaseNode *a = addAt("Filter/Blur", {0, 0}, "A");
+    OssUndoManager::instance()->clear();
+    const QPoint from = at(a);
+    QWidget *viewport = m_view->viewport();
+    QTest::mousePress(viewport, Qt::RightButton, {}, from);
+    QTest::mouseRelease(viewport, Qt::RightButton, {}, from + QPoint(80, 80));
+    EXPECT_EQ(undoCount(), 0);
+    // What is dragged and let go unselected is no step of the selection.
+    drag(QPoint(5, 5), QPoint(20, 20));
+    EXPECT_EQ(undoCount(), 0);
+    EXPECT_EQ(itemOf(a)->pos(), QPointF(0, 0));
+}
+
+TEST_F(ViewTest, shakingTakesTheSelectionOutOfItsWires)
+{
+    OssSnBaseNode *a = addAt("Procedural/Color", {0, 0});
+    OssSnBaseNode *b = addAt("Filter/Blur", {300, 0});
+    OssSnBaseNode *c = addAt("Filter/Blur", {600, 0});
+    wire(a, b);
+    wire(b, c);
+    select({b});
+    Q_EMIT m_view->shakeToExtractTriggered();
+    EXPECT_EQ(c->inputNode(QStringLiteral("Input")), a);
+    EXPECT_TRUE(b->outgoingConnections().isEmpty());
+}
+
 } // namespace

@@ -1,0 +1,126 @@
+#include "GraphFixture.h"
+#include "OssCore/Values/OssUserEnum.h"
+#include "OssInterface/Popups/OssApplication.h"
+#include "OssModel/Nodes/OssSnBakePointNode.h"
+#include "OssModel/Objects/OssImageSet.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QMessageBox>
+#include <QTimer>
+
+namespace {
+
+/// Merges above 8-bit paint, which are to blend in a colour space that keeps precision.
+class MergeColorSpace : public GraphFixture
+{
+protected:
+    void SetUp() override
+    {
+        GraphFixture::SetUp();
+        m_popups = OssApplication::popupsAllowed();
+        OssApplication::setPopupsAllowed(false);
+    }
+
+    void TearDown() override
+    {
+        m_manager->resetAutoUpdateUpstreamMergeNodeColorspaceEnabled();
+        OssApplication::setPopupsAllowed(m_popups);
+        GraphFixture::TearDown();
+    }
+
+    static int blending(const OssSnBaseNode *merge)
+    {
+        return merge->attribute(QStringLiteral("BlendColorSpaceEnabled"))
+            .value<OssUserEnum>()
+            .currentValue();
+    }
+
+    bool m_popups = true;
+};
+
+TEST_F(MergeColorSpace, mergesAboveBytePaintAreAskedAboutOnceAndAsThePreferenceSays)
+{
+    OssSnBaseNode *first = addAt("Layer/Merge", {0, 0});
+    OssSnBaseNode *second = addAt("Layer/Merge", {300, 0});
+    OssSnBaseNode *mask = addAt("Layer/Merge", {0, 400});
+    OssSnBaseNode *input = addAt("_System/Shader Input", {600, 0});
+    wire(first, second, "Base");
+    wire(mask, second, "Mask");
+    wire(second, input);
+    ASSERT_NE(m_network->groupNodes({first}), nullptr); // which hides it from nothing
+    OssShaderNetworkView::autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(input);
+    EXPECT_EQ(blending(first), 0); // nobody to ask
+    m_manager->setAutoUpdateUpstreamMergeNodeColorspaceEnabled(QStringLiteral("Leave"));
+    OssShaderNetworkView::autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(input);
+    EXPECT_EQ(blending(first), 0);
+    m_manager->setAutoUpdateUpstreamMergeNodeColorspaceEnabled(QStringLiteral("Change"));
+    OssShaderNetworkView::autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(input);
+    EXPECT_EQ(blending(first), 1);
+    EXPECT_EQ(blending(second), 1);
+    EXPECT_EQ(blending(mask), 0);
+}
+
+TEST_F(MergeColorSpace, whoeverIsAskedAboutMergesCanSayNeverAgain)
+{
+    OssSnBaseNode *merge = addAt("Layer/Merge", {0, 0});
+    OssSnBaseNode *input = addAt("_System/Shader Input", {600, 0});
+    wire(merge, input);
+    OssApplication::setPopupsAllowed(true);
+    const auto ask = [&](QMessageBox::StandardButton button, bool never) {
+        int asked = 0;
+        QTimer::singleShot(0, [&] {
+            auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            ASSERT_NE(box, nullptr);
+            ++asked;
+            box->checkBox()->setChecked(never);
+            box->button(button)->click();
+        });
+        OssShaderNetworkView::autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(input);
+        EXPECT_EQ(asked, 1);
+        return m_manager->autoUpdateUpstreamMergeNodeColorspaceEnabled();
+    };
+    EXPECT_EQ(ask(QMessageBox::No, false), QStringLiteral("Prompt"));
+    EXPECT_EQ(blending(merge), 0);
+    EXPECT_EQ(ask(QMessageBox::No, true), QStringLiteral("Leave"));
+    EXPECT_EQ(blending(merge), 0);
+    m_manager->resetAutoUpdateUpstreamMergeNodeColorspaceEnabled();
+    EXPECT_EQ(ask(QMessageBox::Yes, false), QStringLiteral("Prompt"));
+    EXPECT_EQ(blending(merge), 1);
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(blending(merge), 0);
+    EXPECT_EQ(ask(QMessageBox::Yes, true), QStringLiteral("Change"));
+    EXPECT_EQ(blending(merge), 1);
+    m_manager->resetAutoUpdateUpstreamMergeNodeColorspaceEnabled();
+    QCoreApplication::processEvents();
+    OssShaderNetworkView::autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(input);
+}
+
+TEST_F(MergeColorSpace, onlyBytePaintBelowAMergeMatters)
+{
+    OssSnBaseNode *merge = addAt("Layer/Merge", {0, 0});
+    auto *bake = qobject_cast<OssSnBakePointNode *>(
+        m_network->createPaintableNode({600, 0}, QStringLiteral("Misc/Bake Point")));
+    wire(merge, bake);
+    OssSnBaseNode *blur = addAt("Filter/Blur", {600, 300});
+    wire(merge, blur);
+    m_manager->setAutoUpdateUpstreamMergeNodeColorspaceEnabled(QStringLiteral("Change"));
+    const auto update = [&](OssSnBaseNode *end) {
+        OssUndoManager::instance()->clear();
+        OssShaderNetworkView::autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(end);
+        const int changed = blending(merge);
+        OssUndoManager::instance()->undo();
+        return changed;
+    };
+    bake->imageSet()->setDepth(5121);
+    EXPECT_EQ(update(bake), 1);
+    EXPECT_EQ(update(blur), 0) << "keeps nothing";
+    bake->imageSet()->setScalar(true);
+    EXPECT_EQ(update(bake), 0);
+    bake->imageSet()->setScalar(false);
+    bake->imageSet()->setDepth(OssImageSet::FloatDepth);
+    EXPECT_EQ(update(bake), 0);
+    OssShaderNetworkView::autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(nullptr);
+}
+
+} // namespace

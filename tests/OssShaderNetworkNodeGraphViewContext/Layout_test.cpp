@@ -278,4 +278,105 @@ TEST_F(AutoplaceTest, portsOfAGroupFollowTheNodesThatStandForThem)
     EXPECT_TRUE(logHas(QStringLiteral("GroupNode is NULL")));
 }
 
+TEST_F(AutoplaceTest, hiddenNodesAndTheViewerOnABackdropStayAndEmptyBackdropsToo)
+{
+    OssSnBaseNode *merge = addAt("Layer/Merge", {0, 0});
+    OssSnBaseNode *color = addAt("Procedural/Color", {30, 120});
+    OssSnBaseNode *hidden = addAt("Filter/Blur", {200, 300});
+    OssSnBaseNode *viewer = m_network->viewerNode();
+    contextOf(viewer)->setNodePosition({250, 200});
+    wire(color, merge, "Base");
+    wire(hidden, merge, "Over");
+    viewer->setInputNode(QStringLiteral("1"), color, color->prefferedOutputPoint());
+    itemOf(hidden)->setVisible(false);
+    const auto areaAt = [&](const QPointF &position) {
+        OssSnBaseNode *area = addAt("Misc/Backdrop", position);
+        contextOf(area)->setNodeSize({900, 900});
+        return area;
+    };
+    OssSnBaseNode *area = areaAt({-60, -80});
+    OssSnBaseNode *empty = areaAt({5000, 5000});
+    area->setSelected(true);
+    OssUndoManager::instance()->clear();
+    m_manager->beautifyNodesLayout(m_network);
+    EXPECT_EQ(itemOf(viewer)->pos(), QPointF(250, 200)) << "it only looks";
+    EXPECT_EQ(itemOf(hidden)->pos(), QPointF(200, 300));
+    EXPECT_LT(itemOf(color)->sceneBoundingRect().right(), itemOf(merge)->x());
+    EXPECT_EQ(contextOf(empty)->nodeSize(), QSizeF(900, 900));
+    EXPECT_EQ(itemOf(empty)->pos(), QPointF(5000, 5000));
+    const QRectF shown = itemOf(merge)->sceneBoundingRect() | itemOf(color)->sceneBoundingRect()
+                         | itemOf(viewer)->sceneBoundingRect();
+    const qreal margin = qobject_cast<OssNgBackdropNode *>(itemOf(area))->titleBarHeight();
+    EXPECT_EQ(itemOf(area)->sceneBoundingRect(),
+              shown.adjusted(-margin, -2 * margin, margin, margin))
+        << "around what is to be seen";
+    itemOf(hidden)->setVisible(true);
+}
+
+TEST_F(AutoplaceTest, theHostAsksForAWholeNetworkForOneNodeOrForSeveral)
+{
+    QList<OssSnBaseNode *> ends;
+    QList<OssSnBaseNode *> sources;
+    for (int i = 0; i < 3; ++i) {
+        ends.append(addAt("Filter/Blur", {0, 1000.0 * i}));
+        sources.append(addAt("Procedural/Color", {10, 1000.0 * i + 20}));
+        wire(sources.last(), ends.last());
+    }
+    const auto laidOut = [&] {
+        QString which;
+        for (int i = 0; i < 3; ++i)
+            which += QLatin1Char(itemOf(sources.at(i))->x() < 0.0 ? 'x' : '-');
+        OssUndoManager::instance()->undo();
+        return which.toStdString();
+    };
+    OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
+    select({});
+    Q_EMIT networks->beautifyNodesLayout(m_network, ends.at(1));
+    EXPECT_EQ(laidOut(), "-x-");
+    Q_EMIT networks->beautifyNodesLayout(m_network,
+                                         QList<OssSnBaseNode *>{ends.at(0), nullptr, ends.at(2)});
+    EXPECT_EQ(laidOut(), "x-x");
+    Q_EMIT networks->beautifyNodesLayout(m_network);
+    EXPECT_EQ(laidOut(), "xxx");
+    const int steps = undoCount();
+    const QByteArray before = m_project->stateHash();
+    Q_EMIT networks->beautifyNodesLayout(m_network, static_cast<OssSnBaseNode *>(nullptr));
+    Q_EMIT networks->beautifyNodesLayout(m_network, QList<OssSnBaseNode *>());
+    EXPECT_EQ(m_project->stateHash(), before);
+    EXPECT_EQ(undoCount(), steps);
+}
+
+TEST_F(AutoplaceTest, portsWithoutNodesKeepTheirPlacesAndOneAloneHasNoOrder)
+{
+    auto *group = qobject_cast<OssSnGroupNode *>(add("Misc/Group"));
+    OssSnBaseNode *single = group->createInput(QStringLiteral("A"), OssSnDataKind::Color);
+    OssSnBaseNode *end = group->createOutput(QStringLiteral("Z"), OssSnDataKind::Color);
+    OssUndoManager::instance()->clear();
+    m_manager->reorderGroupInputsByPos(group);
+    m_manager->reorderGroupOutputsByPos(group);
+    EXPECT_EQ(undoCount(), 0);
+    EXPECT_NE(single, end);
+    OssSnBaseNode *second = group->createInput(QStringLiteral("B"), OssSnDataKind::Color);
+    OssSnBaseNode::InputPort loose;
+    loose.name = QStringLiteral("Loose");
+    group->addInput(loose);
+    group->reorderInputs({QStringLiteral("A"), QStringLiteral("Loose"), QStringLiteral("B")});
+    contextOf(single)->setNodePosition({0, 500});
+    contextOf(second)->setNodePosition({0, 0});
+    OssUndoManager::instance()->clear();
+    m_manager->reorderGroupInputsByPos(group);
+    EXPECT_EQ(group->inputNames(),
+              QStringList({QStringLiteral("B"), QStringLiteral("Loose"), QStringLiteral("A")}));
+    // An order that is there already moves nothing, a name that is none or comes twice neither.
+    OssUndoManager::instance()->clear();
+    m_manager->arrangeGroupInputNodesByOrder(
+        group->groupNetwork(), {QStringLiteral("B"), QStringLiteral("None"), QStringLiteral("Z"),
+                                QStringLiteral("B"), QStringLiteral("A")});
+    EXPECT_EQ(undoCount(), 0);
+    EXPECT_EQ(itemOf(second)->pos(), QPointF(0, 0));
+    EXPECT_EQ(itemOf(single)->pos(), QPointF(0, 500));
+    m_manager->arrangeGroupInputNodesByOrder(nullptr, {});
+    EXPECT_TRUE(logHas(QStringLiteral("Network is NULL")));
+}
+
 } // namespace

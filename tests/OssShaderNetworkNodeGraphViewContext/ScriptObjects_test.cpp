@@ -184,3 +184,56 @@ TEST_F(ScriptObjects, positionsAndSizesAreUndoable)
     OssUndoManager::instance()->undo();
     EXPECT_EQ(m_project->stateHash(), start);
 }
+
+TEST_F(ScriptObjects, aRootTabThatWasClosedIsOpenedAgain)
+{
+    auto *root = OssScriptObject<Ossa::NodeGraph>(m_network);
+    auto *group = qobject_cast<OssSnGroupNode *>(add("Misc/Group"));
+    EXPECT_EQ(m_palette->indexForNodeGraph(OssScriptObject<Ossa::NodeGraph>(group->groupNetwork())),
+              1);
+    m_palette->closeTab(0);
+    EXPECT_EQ(m_tabs->count(), 1);
+    m_tabs->updateRootLevelText(m_network); // the first tab is another's
+    EXPECT_EQ(m_tabs->tabText(0), group->name());
+    EXPECT_EQ(m_palette->indexForNodeGraph(root), 0);
+    EXPECT_EQ(m_tabs->count(), 2);
+    EXPECT_EQ(m_tabs->widget(0), m_view);
+    m_palette->closeTab(1);
+    m_tabs->updateRootLevelText(m_network);
+    // A graph that nothing shows and no group holds has no tab.
+    OssShaderNetwork alone;
+    EXPECT_EQ(m_palette->indexForNodeGraph(OssScriptObject<Ossa::NodeGraph>(&alone)), -1);
+    expectReported(11, "Cannot create a NodeGraphView");
+    while (m_tabs->count() > 1)
+        m_tabs->removeTab(1);
+    QWidget page;
+    m_tabs->addTab(&page, QStringLiteral("other"));
+    EXPECT_EQ(m_palette->nodeGraphViewList().size(), 1) << "what is no view";
+    scripts()->clearError();
+    ExpectedLog::takePast(QString());
+    m_tabs->removeTab(1);
+}
+
+TEST_F(ScriptObjects, placesAndSizesHaveTheirBounds)
+{
+    auto *node = OssScriptObject<Ossa::Node>(add("Misc/Backdrop"));
+    const QByteArray before = m_project->stateHash();
+    const double none = std::numeric_limits<double>::quiet_NaN();
+    for (const QPointF &place : {QPointF(1e9, 0.0), QPointF(0.0, -1e9), QPointF(none, 0.0)}) {
+        node->setPosition(place);
+        expectReported(13, "Places of a graph are at most a million from its middle");
+    }
+    for (const QSizeF &size : {QSizeF(1e9, 10.0), QSizeF(10.0, 1e9)}) {
+        node->setSize(size);
+        EXPECT_TRUE(scripts()->hasError());
+        ExpectedLog::takePast(QStringLiteral("A node is at most"));
+        scripts()->clearError();
+    }
+    EXPECT_EQ(m_project->stateHash(), before);
+    auto *graph = OssScriptObject<Ossa::NodeGraph>(m_network);
+    const Ossa::Node *made = graph->createNode(QStringLiteral("Misc/Dot"), {}, {70.0, 80.0});
+    EXPECT_EQ(made->position(), QPointF(70.0, 80.0));
+    EXPECT_EQ(graph->createNode(QStringLiteral("No/Such"), {}, {70.0, 80.0}), nullptr);
+    ExpectedLog::takePast(QStringLiteral("There is no node type"));
+    scripts()->clearError();
+}

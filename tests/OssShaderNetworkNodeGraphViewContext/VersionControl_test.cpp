@@ -195,4 +195,67 @@ TEST_F(VersionControl, menuConvertsSelectedRowsAndDumpsDefinitions)
     expectUndoIsExact(m_start);
 }
 
+TEST_F(VersionControl, aVersionAndItsRowsAreConvertedOnceAndGroupsWithWhatIsInside)
+{
+    const ExpectedLog expected("the nodes inside do not come along");
+    auto *group = qobject_cast<OssSnGroupNode *>(add("Misc/Group", "Z Group"));
+    OssSnBaseNode *inner = group->groupNetwork()->createNode(QStringLiteral("Filter/Blur"),
+                                                             QStringLiteral("Inner"));
+    OssUndoManager::instance()->clear();
+    fill({m_same, m_older, inner, group});
+    m_tree->clearSelection();
+    for (int i = 0; i < m_tree->topLevelItemCount(); ++i) {
+        version(i)->setSelected(true);
+        version(i)->child(0)->setSelected(true);
+    }
+    const int nodes = m_network->nodes().size();
+    menu(version()->child(0), Different, "Filter/Sharpen");
+    EXPECT_EQ(m_network->nodes().size(), nodes);
+    int sharpened = 0;
+    for (const OssSnBaseNode *node : m_network->nodes())
+        sharpened += node->pathKey() == QLatin1String("Filter/Sharpen");
+    EXPECT_EQ(sharpened, 3) << "two nodes and the group, which took the inner one along";
+    ASSERT_EQ(m_tree->topLevelItemCount(), 1);
+    EXPECT_EQ(version()->childCount(), 3);
+    EXPECT_EQ(undoCount(), 1);
+}
+
+TEST_F(VersionControl, ofManyLossesTheLastAreShownAndTheRestCounted)
+{
+    QByteArray inputs;
+    for (int i = 0; i < 7; ++i)
+        inputs += "<Input Name=\"Gone" + QByteArray::number(i) + "\"/>";
+    OssResult result;
+    auto made = OssSnNodeFactory::make(OssSnNodeType::read(
+        "<NodeType PathKey=\"Filter/Blur\" Date=\"2020-01-01\"><Inputs>" + inputs
+            + "</Inputs><Outputs><Output Name=\"Output\"/></Outputs></NodeType>",
+        QStringLiteral("t"), &result));
+    OssSnBaseNode *node = m_network->addNode(std::move(made), true);
+    for (int i = 0; i < 7; ++i)
+        node->setInputNode(QStringLiteral("Gone%1").arg(i), m_same, QStringLiteral("Output"));
+    const ExpectedLog expected("which is gone");
+    fill({node});
+    menu(version(), Older, "Old");
+    const QString shown = m_dialog->findChildren<QLabel *>().first()->text();
+    EXPECT_EQ(shown.count(QLatin1Char('\n')), 4) << qPrintable(shown);
+    EXPECT_TRUE(shown.contains(QStringLiteral("and 3 more"))) << qPrintable(shown);
+    EXPECT_TRUE(shown.contains(QStringLiteral("Gone6")));
+    EXPECT_FALSE(shown.contains(QStringLiteral("Gone0")));
+}
+
+TEST_F(VersionControl, besideTheRowsThereIsNoMenuAndItsEndIsNoChoice)
+{
+    fill({m_same, nullptr, m_older});
+    EXPECT_TRUE(logHas(QStringLiteral("Node is NULL")));
+    EXPECT_EQ(version()->childCount(), 2);
+    Q_EMIT m_tree->customContextMenuRequested({5, m_tree->viewport()->height() - 3});
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+    EXPECT_EQ(menu(version(), Hash, ""), QString());
+    EXPECT_EQ(undoCount(), 0);
+    menu(version()->child(0), Older, "Old"); // that row has none
+    EXPECT_EQ(undoCount(), 0);
+    EXPECT_EQ(m_project->stateHash(), m_start);
+    EXPECT_FALSE(m_dialog->findChildren<QLabel *>().first()->isVisible());
+}
+
 } // namespace

@@ -108,7 +108,12 @@ TEST_F(ContainerTest, aMovedContainerTakesItsMembersAlong)
     EXPECT_EQ(area().top(), rectOf(other).bottom() + 30.0);
     EXPECT_TRUE(area().contains(rectOf(m_node)));
     expectUndone(before);
+    OssSnBaseNode *hidden = addAt("Filter/Blur", {90000, 0});
+    itemOf(hidden)->setVisible(false);
+    OssUndoManager::instance()->clear();
     Q_EMIT m_area->containerMovedToFreshLocation(true);
+    EXPECT_LT(area().left(), 9000.0);
+    itemOf(hidden)->setVisible(true);
     EXPECT_EQ(area().top(), before.top());
     EXPECT_TRUE(area().contains(rectOf(m_node)));
     EXPECT_FALSE(area().intersects(rectOf(other) | rectOf(m_network->viewerNode())));

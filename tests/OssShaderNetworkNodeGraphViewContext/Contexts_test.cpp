@@ -394,6 +394,24 @@ TEST_F(LoaderTest, looksAreReadFromTheDescription)
     EXPECT_TRUE(context->outputNodeInitialPos().isEmpty());
 }
 
+TEST_F(LoaderTest, whatIsIncompleteOrUnknownIsPassedOver)
+{
+    OssSnNodeGraphViewContext *context = load(
+        "<D><Contexts><Context Type=\"NodeGraphView\" PixmapOffset=\"4\"><Other><Pos>9,9</Pos>"
+        "</Other><Inputs><Output Name=\"No\"><Pos>9,9</Pos></Output><Input Name=\"In\"><Mark>8,8"
+        "</Mark><Pos OriginOffset=\"2\">3,4</Pos><Mark>8,8</Mark></Input></Inputs><Outputs>"
+        "<Output Name=\"Out\" Tags=\"t\"><Pos>5,6</Pos></Output></Outputs></Context></Contexts>"
+        "</D>");
+    EXPECT_EQ(context->pixmapOffset(), QPoint());
+    ASSERT_EQ(context->inputNodeInitialPos().size(), 1);
+    EXPECT_EQ(context->inputNodeInitialPos().value(QStringLiteral("In")),
+              qMakePair(QPoint(2, 0), QPoint(3, 4)));
+    ASSERT_EQ(context->outputNodeInitialPos().size(), 1);
+    EXPECT_EQ(context->outputNodeInitialPos().value(QStringLiteral("Out")),
+              qMakePair(QPoint(0, 0), QPoint(5, 6)));
+    EXPECT_FALSE(context->hasInputTag(QStringLiteral("Out"), QStringLiteral("t")));
+}
+
 TEST_F(LoaderTest, classesAreChosenAndLaterOnesReplaceEarlierOnes)
 {
     EXPECT_EQ(load("<D/>")->metaObject()->className(), QByteArray("OssSnNodeGraphViewContext"));

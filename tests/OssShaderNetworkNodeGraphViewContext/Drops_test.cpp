@@ -60,12 +60,15 @@ protected:
         QCoreApplication::sendEvent(m_view->viewport(), &move);
         m_ghost = m_view->viewport()->grab().toImage();
         QDropEvent event(Place, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+        event.ignore();
         QCoreApplication::sendEvent(m_view->viewport(), &event);
+        m_taken = event.isAccepted();
     }
 
     QTemporaryDir m_folder;
     OssSnGroupNode *m_group = nullptr;
-    QImage m_ghost; ///< the graph while the files are over it
+    bool m_taken = false; ///< whether the graph took the drop
+    QImage m_ghost;       ///< the graph while the files are over it
     bool m_popups = true;
 };
 
@@ -89,6 +92,7 @@ TEST_F(Drops, archivesBecomeNodesWhereTheyFallInOneStep)
         const QImage empty = m_view->viewport()->grab().toImage();
         drop(c.names);
         EXPECT_NE(m_ghost, empty) << "where they would come to stand";
+        EXPECT_TRUE(m_taken);
         EXPECT_EQ(m_network->nodes().size(), count + c.nodes) << c.names.front();
         EXPECT_EQ(undoCount(), 1);
         EXPECT_EQ(OssUndoManager::instance()->undoText().toStdString(), c.title);

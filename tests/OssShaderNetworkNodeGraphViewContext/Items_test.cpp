@@ -247,6 +247,114 @@ TEST_F(ItemsTest, aBakePointShowsWhatLimitsIt)
     EXPECT_FALSE(context->attributeIsStub(QStringLiteral("limitBake"), false));
 }
 
+// --- ports
+
+TEST_F(ItemsTest, onlyAViewersFirstInputBearsTheNameOfItsSource)
+{
+    OssSnBaseNode *color = addAt("Procedural/Color", {0, 0}, "Red");
+    OssSnBaseNode *blur = addAt("Filter/Blur", {300, 0});
+    for (const char *name : {"0", "2"}) {
+        OssSnBaseNode::InputPort port;
+        port.name = QString::fromLatin1(name);
+        blur->addInput(port);
+    }
+    for (OssSnBaseNode *node : {blur, m_network->viewerNode()}) {
+        wire(color, node, "0");
+        wire(color, node, "2");
+        contextOf(node)->updateGuiEdges();
+    }
+    const OssNgNode *viewer = itemOf(m_network->viewerNode());
+    EXPECT_EQ(viewer->inputPortText(QStringLiteral("0")), QStringLiteral("0:Red"));
+    EXPECT_EQ(viewer->inputPortText(QStringLiteral("2")), QStringLiteral("2"));
+    EXPECT_EQ(itemOf(blur)->inputPortText(QStringLiteral("0")), QStringLiteral("0"));
+    m_network->setViewerNodeCurrentEdge(2, true);
+    contextOf(blur)->updateGuiEdges();
+    EXPECT_FALSE(itemOf(blur)->input(QStringLiteral("2"))->hasMark(OssNgEdge::Activated));
+    Q_EMIT blur->viewerNodeRequestUpdateVirtualEdge();
+    Q_EMIT blur->viewerNodeCurrentEdgeChanged(2);
+    EXPECT_FALSE(itemOf(blur)->isVirtualInput(QStringLiteral("0")));
+    EXPECT_TRUE(viewer->isVirtualInput(QStringLiteral("0")));
+    EXPECT_FALSE(itemOf(blur)->input(QStringLiteral("2"))->hasMark(OssNgEdge::Activated));
+}
+
+TEST_F(ItemsTest, streamsAreGatheredAndWhatBelongsToAllOfThemIsNot)
+{
+    const auto isGathered = [](const OssSnBaseNode *node, const char *input) {
+        return qobject_cast<OssNgExtendedNode *>(itemOf(node))
+            ->isInputInCluster(QString::fromLatin1(input));
+    };
+    OssSnBaseNode *merge = addAt("_System/MultiChannelMerge", {0, 0});
+    ASSERT_TRUE(merge->hasInput(QStringLiteral("Roughness Base")));
+    for (const char *input : {"Roughness Base", "Roughness Over", "Normal Base"})
+        EXPECT_TRUE(isGathered(merge, input)) << input;
+    EXPECT_FALSE(isGathered(merge, "Mask"));
+    const auto *item = qobject_cast<OssNgExtendedNode *>(itemOf(merge));
+    contextOf(merge)->setPortListMode(int(OssNgExtendedNode::StreamCollapsed));
+    const QStringList outputs = merge->outputPointNames();
+    ASSERT_GT(outputs.size(), 1);
+    EXPECT_EQ(item->outputPortScenePos(outputs.first()), item->outputPortScenePos(outputs.last()));
+    EXPECT_EQ(item->inputPortScenePos(QStringLiteral("Roughness Base")),
+              item->inputPortScenePos(QStringLiteral("Normal Base")));
+    EXPECT_NE(item->inputPortScenePos(QStringLiteral("Roughness Base")),
+              item->inputPortScenePos(QStringLiteral("Roughness Over")));
+    OssSnGroupNode *group = addGroup("Plain");
+    for (const char *name : {"A Base", "B Base", "C"})
+        group->createInput(QString::fromLatin1(name), OssSnDataKind::Color);
+    Q_EMIT group->updatePortClusters();
+    EXPECT_FALSE(isGathered(group, "A Base"));
+    EXPECT_FALSE(isGathered(group, "C"));
+    Q_EMIT qobject_cast<OssSnGroupNode *>(merge)->clearPortClusters();
+    EXPECT_FALSE(isGathered(merge, "Roughness Base"));
+    Q_EMIT qobject_cast<OssSnGroupNode *>(merge)->updatePortClusters();
+    EXPECT_TRUE(isGathered(merge, "Roughness Base"));
+
+    // What such a group is, its model decides; a plain one is what it looks like.
+    EXPECT_TRUE(contextOf(merge)->versionHashSource().isEmpty());
+    EXPECT_FALSE(contextOf(group)->versionHashSource().isEmpty());
+}
+
+TEST_F(ItemsTest, coloursOfATypeReachItsItems)
+{
+    OssSnBaseNode *node = addAt("Filter/Blur", {0, 0});
+    OssSnNodeGraphViewContext *context = contextOf(node);
+    const QColor usual = itemOf(node)->mainColor();
+    context->setNodeColorTop(QStringLiteral("1,0,0,1"));
+    context->setNodeColorBottom(QStringLiteral("0,0,1,1"));
+    context->copyGuiStateFrom(context);
+    EXPECT_EQ(itemOf(node)->fillBrush().gradient()->stops().first().second, QColor(Qt::red));
+    EXPECT_EQ(itemOf(node)->fillBrush().gradient()->stops().last().second, QColor(Qt::blue));
+    context->setNodeColorTop({});
+    context->setNodeColorBottom({});
+    context->copyGuiStateFrom(context);
+    EXPECT_EQ(itemOf(node)->mainColor(), usual);
+}
+
+TEST_F(ItemsTest, nodesForNewPortsStandBesideWhatTheyFeedWhateverLiesBehind)
+{
+    QList<QPointF> places;
+    for (const bool backdrop : {false, true}) {
+        OssSnGroupNode *group = addGroup(backdrop ? "With" : "Without");
+        OssShaderNetwork *inside = group->groupNetwork();
+        if (backdrop) {
+            OssSnBaseNode *area = inside->createNode(QStringLiteral("Misc/Backdrop"));
+            contextOf(area)->setNodePosition({-900, -900});
+            contextOf(area)->setNodeSize({3000, 3000});
+        }
+        OssSnBaseNode *blur = inside->createNode(QStringLiteral("Filter/Blur"));
+        contextOf(blur)->setNodePosition({500, 100});
+        OssSnBaseNode *input = group->createInput(QStringLiteral("In"), OssSnDataKind::Color);
+        blur->setInputNode(QStringLiteral("Input"), input, input->prefferedOutputPoint());
+        OssSnBaseNode *output = group->createOutput(QStringLiteral("Out"), OssSnDataKind::Color);
+        output->setInputNode(output->inputNames().first(), blur, blur->prefferedOutputPoint());
+        Q_EMIT group->newGroupNodeInputOutputCreated();
+        EXPECT_LT(itemOf(input)->sceneBoundingRect().right(), 500.0);
+        EXPECT_GT(itemOf(output)->x(), itemOf(blur)->sceneBoundingRect().right());
+        places += {itemOf(input)->pos(), itemOf(output)->pos()};
+    }
+    EXPECT_EQ(places.at(0), places.at(2));
+    EXPECT_EQ(places.at(1), places.at(3));
+}
+
 // --- going to nodes, looking at them
 
 TEST_F(ItemsTest, goingToANodeShowsTheTabOfItsNetworkAroundIt)

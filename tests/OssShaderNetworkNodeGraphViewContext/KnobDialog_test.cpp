@@ -140,6 +140,11 @@ TEST_F(KnobDialog, treeAndButtonsFollowTheSelection)
     OssGroupNodeKnobDialog again(m_group);
     EXPECT_EQ(again.findChild<QTreeWidget *>()->topLevelItem(0)->child(0)->text(0),
               QStringLiteral("Radius { Blur.Radius (broken) }"));
+    const auto tip = [&](int section) {
+        return again.findChild<QTreeWidget *>()->topLevelItem(section)->child(0)->toolTip(0);
+    };
+    EXPECT_FALSE(tip(0).isEmpty());
+    EXPECT_TRUE(tip(1).isEmpty());
 }
 
 TEST_F(KnobDialog, linkingAsksForAGoodNameAndMakesOneKnob)
@@ -243,6 +248,10 @@ TEST_F(KnobDialog, pickedAttributesBecomeKnobsInOneStepAndSearchWraps)
             found.append(tree->currentItem() ? tree->currentItem()->text(0) : QString());
         };
         look("amo*T"); // anywhere, any case
+        look("sharpen");
+        EXPECT_TRUE(tree->currentItem()->isExpanded());
+        found.removeLast();
+        tree->setCurrentItem(tree->topLevelItem(0)->child(0));
         look("RADIUS");
         look("radius");
         look("nothing");

@@ -123,13 +123,32 @@ TEST(ColumnLayout, startsThatFeedOtherStartsOrComeTwiceStartNothing)
 TEST(ColumnLayout, whatHasNoItemIsNeitherInTheWayNorHoldsARow)
 {
     std::vector<Node> nodes{box({100, 50}, {1}), box({100, 50}, {2}, {0, 900}), box({100, 50}),
-                            box({60, 60}, {}, {-220, 20})};
+                            box({60, 60}, {}, {-380, 20})};
     nodes[1].hasItem = false;
     nodes[3].hasItem = false;
     ColumnLayout layout(nodes);
     layout.layOut({0}, {});
     EXPECT_EQ(layout.rect(2).top(), 0.0) << "not at the height of what has none";
     EXPECT_EQ(layout.rect(2).right(), -300.0) << "an empty column between two gaps";
+    for (const ColumnLayout::Move &move : layout.moves())
+        EXPECT_NE(move.node, 1);
+}
+
+TEST(ColumnLayout, aSourceThatFeedsANodeTwiceStandsInTheRowOfItsFirstInput)
+{
+    ColumnLayout layout({box({100, 50}, {1, 2, 1}), box({100, 50}), box({100, 50})});
+    layout.layOut({0}, {});
+    EXPECT_EQ(layout.rect(1).top(), 0.0);
+    EXPECT_GT(layout.rect(2).top(), layout.rect(1).bottom());
+    EXPECT_EQ(layout.moves().size(), 3);
+}
+
+TEST(ColumnLayout, ofSeveralThingsInTheWayTheFurthestCounts)
+{
+    ColumnLayout layout({box({100, 50}, {1}), box({100, 50}), box({60, 60}, {}, {-240, 0}),
+                         box({20, 20}, {}, {-170, 20})});
+    layout.layOut({0}, {});
+    EXPECT_EQ(layout.rect(1).right(), -240.0 - 75.0);
 }
 
 TEST(ColumnLayout, randomGraphsComeOutReadableAndAlwaysTheSame)
@@ -311,6 +330,18 @@ TEST_F(AutoplaceTest, hiddenNodesAndTheViewerOnABackdropStayAndEmptyBackdropsToo
               shown.adjusted(-margin, -2 * margin, margin, margin))
         << "around what is to be seen";
     itemOf(hidden)->setVisible(true);
+}
+
+TEST_F(AutoplaceTest, backdropsAreInNobodysWay)
+{
+    OssSnBaseNode *blur = addAt("Filter/Blur", {0, 0});
+    OssSnBaseNode *color = addAt("Procedural/Color", {30, 500});
+    wire(color, blur);
+    contextOf(m_network->viewerNode())->setNodePosition({3000, 0});
+    OssSnBaseNode *area = addAt("Misc/Backdrop", {-350, -40});
+    contextOf(area)->setNodeSize({250, 150});
+    m_manager->beautifyNodesLayout(m_network, blur);
+    EXPECT_EQ(itemOf(color)->sceneBoundingRect().right(), -150.0);
 }
 
 TEST_F(AutoplaceTest, theHostAsksForAWholeNetworkForOneNodeOrForSeveral)

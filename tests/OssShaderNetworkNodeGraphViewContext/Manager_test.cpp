@@ -2,6 +2,8 @@
 #include "OssCore/Program/OssPreferenceManager.h"
 #include "OssCore/Program/OssSettings.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
+#include "OssInterface/Palettes/OssPalette.h"
+#include "OssInterface/Palettes/OssPaletteManager.h"
 #include "OssModel/Images/OssImage.h"
 #include "OssModel/Images/OssImageManager.h"
 #include "OssModel/Nodes/OssSnChannelInputNode.h"
@@ -10,6 +12,7 @@
 
 #include <QAction>
 #include <QImage>
+#include <QMetaProperty>
 #include <QPointer>
 #include <QSignalSpy>
 #include <QTabBar>
@@ -328,6 +331,95 @@ TEST_F(ManagerTest, preferencesAreSavedAndFoundByTheDialog)
         EXPECT_EQ(OssPreferenceManager::value(preference), before) << qPrintable(preference.key);
     }
     EXPECT_EQ(found, 10);
+}
+
+TEST_F(ManagerTest, everyPreferenceTellsOfAnotherValueOnceAndOfItsOwnNever)
+{
+    const QMetaObject &type = OssSnNodeGraphViewContextManager::staticMetaObject;
+    int told = 0;
+    for (int i = type.propertyOffset(); i < type.propertyCount(); ++i) {
+        const QMetaProperty property = type.property(i);
+        const QVariant own = property.read(m_manager);
+        QVariant other = own;
+        if (own.userType() == QMetaType::Bool) {
+            other = !own.toBool();
+        } else if (own.userType() == QMetaType::QString) {
+            QStringList texts;
+            QMetaObject::invokeMethod(m_manager, (QByteArray(property.name()) + "List").constData(),
+                                      Q_RETURN_ARG(QStringList, texts));
+            texts.removeAll(own.toString());
+            other = texts.value(0);
+        } else {
+            other = own.toInt() == 0 ? 1 : 0;
+        }
+        const QSignalSpy spy(m_manager, property.notifySignal());
+        EXPECT_TRUE(property.write(m_manager, own)) << property.name();
+        EXPECT_EQ(spy.count(), 0) << property.name();
+        EXPECT_TRUE(property.write(m_manager, other)) << property.name();
+        EXPECT_EQ(spy.count(), 1) << property.name();
+        const QVariant now = property.read(m_manager);
+        EXPECT_TRUE(own.userType() == QMetaType::QString ? now == other
+                                                         : now.toInt() == other.toInt())
+            << property.name();
+        EXPECT_TRUE(property.write(m_manager, own));
+        told += spy.count();
+    }
+    EXPECT_EQ(told, 20);
+    m_manager->toggleShakeToExtractEnabled();
+    EXPECT_FALSE(m_manager->shakeToExtractEnabled());
+    m_manager->toggleShakeToExtractEnabled();
+    EXPECT_TRUE(m_manager->shakeToExtractEnabled());
+}
+
+TEST_F(ManagerTest, anOpenedProjectsNodesListTheirPortsAsTheyDidAndOldBackdropsGetTheirType)
+{
+    OssSnBaseNode *bare = addAt("Filter/Blur", {0, 0}, "Bare");
+    addAt("Filter/Blur", {300, 0}, "Full");
+    contextOf(bare)->setPortListMode(OssNgExtendedNode::NoPortList);
+    OssSnBaseNode *old = addAt("Misc/Backdrop", {600, 0});
+    OssSnBaseNode *note = addAt("Misc/Sticky Note", {900, 0});
+    for (OssSnBaseNode *node : {old, note}) {
+        node->setPathKey({});
+        node->setVersionUUID({});
+    }
+    m_manager->onProjectMadeCurrentUpgradeOldBadBackdrops(m_project);
+    EXPECT_EQ(old->pathKey(), QStringLiteral("Misc/Backdrop"));
+    EXPECT_FALSE(old->versionUUID().isEmpty());
+    EXPECT_EQ(note->pathKey(), QString());
+    note->setPathKey(QStringLiteral("Misc/Sticky Note"));
+    m_manager->onProjectMadeCurrentUpgradeOldBadBackdrops(m_project); // that have one keep it
+    EXPECT_EQ(old->pathKey(), QStringLiteral("Misc/Backdrop"));
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("P.ossa"));
+    OssProjectManager *projects = OssProjectManager::instance();
+    ASSERT_TRUE(projects->saveProjectAs(path));
+    ASSERT_TRUE(projects->openProject(path));
+    m_project = projects->currentProject();
+    m_network = m_project->shadingGroups().first()->network();
+    EXPECT_FALSE(itemOf(m_network->node(QStringLiteral("Bare")))->labelsVisible());
+    EXPECT_TRUE(itemOf(m_network->node(QStringLiteral("Full")))->labelsVisible());
+}
+
+TEST_F(ManagerTest, palettesComeToTheFrontAndCommandsAreFiled)
+{
+    OssPalette *palette = OssPaletteManager::instance()->find(QStringLiteral("Node Properties"),
+                                                              false);
+    ASSERT_NE(palette, nullptr);
+    palette->setVisible(false);
+    m_manager->showPropertiesPalette();
+    EXPECT_TRUE(palette->isVisible());
+    m_manager->showPropertiesPalette();
+    EXPECT_TRUE(palette->isVisible());
+    palette->setVisible(false);
+    const OssActionTreeManager *tree = OssActionTreeManager::instance();
+    for (const char *path :
+         {"Autoplace", "Delete All Properties", "Shake To Extract", "Switch to Expanded mode"})
+        EXPECT_NE(tree->findAction(QStringLiteral("/Ossa/NodeGraph/") + QLatin1String(path)),
+                  nullptr)
+            << path;
+    m_manager->onGroupPortNodeMoved(m_network, true); // of no group
+    m_manager->onGroupPortNodeMoved(m_network, false);
+    EXPECT_FALSE(logHas(QStringLiteral("GroupNode is NULL")));
 }
 
 // --- tab widget

@@ -99,10 +99,13 @@ TEST_F(NothingThere, everyCommandOfAViewWithoutNetworkIsHarmless)
     OssUndoManager::instance()->clear();
     const QByteArray before = m_project->stateHash();
     for (OssSnBaseNode *node : {static_cast<OssSnBaseNode *>(nullptr), m_node}) {
-        OssShaderNetworkView view(nullptr);
-        EXPECT_GT(callSlots(&view, OssShaderNetworkView::staticMetaObject, node), 80);
-        EXPECT_EQ(undoCount(), 0);
-        EXPECT_EQ(m_project->stateHash(), before);
+        for (QGraphicsScene *scene : {static_cast<QGraphicsScene *>(nullptr), m_view->scene()}) {
+            OssShaderNetworkView view(nullptr);
+            view.setScene(scene);
+            EXPECT_GT(callSlots(&view, OssShaderNetworkView::staticMetaObject, node), 80);
+            EXPECT_EQ(undoCount(), 0);
+            EXPECT_EQ(m_project->stateHash(), before);
+        }
     }
 }
 

@@ -96,6 +96,16 @@ TEST_F(PlacementTest, oldCoordinatesStayInAnAxisWithoutAStep)
     Q_EMIT m_node->emitSetLayout(Type::LayoutFreeSpot, nullptr, false, false);
     const QRectF others = rectOf(m_reference) | rectOf(m_network->viewerNode());
     EXPECT_GT(itemOf(m_node)->x(), others.right());
+    Q_EMIT m_node->emitSetLayout(Type::LayoutFreeSpot, m_reference, false, false);
+    EXPECT_GT(itemOf(m_node)->x(), others.right()) << "whatever it refers to";
+    const qreal y = itemOf(m_node)->y();
+    Q_EMIT m_node->emitSetLayout(Type::LayoutTwoRightLoose, m_reference, false, false);
+    EXPECT_EQ(itemOf(m_node)->y(), y);
+    EXPECT_GT(itemOf(m_node)->x(), rectOf(m_reference).right());
+    contextOf(m_node)->setPortListMode(OssNgExtendedNode::NoPortList); // streams run down
+    Q_EMIT m_node->emitSetLayout(Type::LayoutBeside, m_reference, false, false);
+    EXPECT_EQ(itemOf(m_node)->y(), rectOf(m_reference).bottom() + 30);
+    contextOf(m_node)->setPortListMode(OssNgExtendedNode::Expanded);
     Q_EMIT m_node->emitSetLayout(Type::LayoutBeside, m_reference, false, false);
     EXPECT_EQ(itemOf(m_node)->x(), rectOf(m_reference).right() + 30);
     EXPECT_EQ(rectOf(m_node).center().y(), rectOf(m_reference).center().y());

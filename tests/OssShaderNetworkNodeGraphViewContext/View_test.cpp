@@ -166,6 +166,8 @@ TEST_F(ViewTest, wiresShowTheirMarkerWhileControlIsHeld)
     const OssNgEdge *edge = itemOf(b)->input(QStringLiteral("Input"));
     QTest::keyPress(m_view, Qt::Key_Control);
     EXPECT_TRUE(edge->isDotable());
+    QTest::keyRelease(m_view, Qt::Key_A);
+    EXPECT_TRUE(edge->isDotable());
     QTest::keyRelease(m_view, Qt::Key_Control);
     EXPECT_FALSE(edge->isDotable());
     QTest::keyPress(m_view, Qt::Key_Control);

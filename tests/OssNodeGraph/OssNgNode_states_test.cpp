@@ -1,4 +1,7 @@
 #include "NodePicture.h"
+#include "OssNodeGraph/Drawing/OssNgStyle.h"
+#include "OssNodeGraph/Items/OssNgBackdropNode.h"
+#include "OssNodeGraph/Items/OssNgUINode.h"
 #include "ViewFixture.h"
 
 #include <QAccessible>
@@ -82,6 +85,157 @@ TEST(OssNgNodeStates, everyOneDiffersFromTheOthersNearAndFar)
         EXPECT_NE(picture(&scene, node, far), small) << states[state].first;
         states[state].second(false);
         EXPECT_EQ(picture(&scene, node, far), small) << states[state].first;
+    }
+}
+
+namespace {
+
+/// What the node paints by itself, twice as large.
+QImage painted(const OssNgNode *node)
+{
+    QImage image((node->boundingRect().size() * 2).toSize(), QImage::Format_RGB32);
+    image.fill(Qt::black);
+    QPainter painter(&image);
+    painter.scale(2.0, 2.0);
+    node->paintDetailed(&painter);
+    return image;
+}
+
+int differingPixels(const QImage &a, const QImage &b)
+{
+    int count = 0;
+    for (int y = 0; y < a.height(); ++y) {
+        for (int x = 0; x < a.width(); ++x)
+            count += a.pixel(x, y) != b.pixel(x, y);
+    }
+    return count;
+}
+
+} // namespace
+
+TEST(OssNgNodeStates, whatIsUnknownHasGapsInItsOutlineAndWhatIsPassedByInItsStrike)
+{
+    GraphScene scene;
+    OssNgExtendedNode *node = scene.add(QStringLiteral("Brick"), {0, 0}, {}, {In}, {Out});
+    const QRectF body = node->bodyRect();
+    const auto outlineColors = [&] {
+        const QImage image = painted(node);
+        QSet<QRgb> colors;
+        for (int y = int(2 * body.top()) + 24; y < int(2 * body.bottom()) - 24; ++y)
+            colors.insert(image.pixel(int(2 * body.right()), y));
+        return colors.size();
+    };
+    const int unbroken = outlineColors();
+    node->setPlaceholder(true);
+    EXPECT_GT(outlineColors(), unbroken);
+    node->setPlaceholder(false);
+    const QImage plain = painted(node);
+    node->setDisabled(true);
+    const QImage off = painted(node);
+    node->setBypassed(true);
+    EXPECT_EQ(painted(node), off) << "both: off";
+    node->setDisabled(false);
+    EXPECT_LT(differingPixels(painted(node), plain), differingPixels(off, plain));
+}
+
+TEST(OssNgNodeStates, labelsStandBesideInputsAndBesideSeveralOutputs)
+{
+    GraphScene scene;
+    OssNgExtendedNode *node = scene.add(QStringLiteral("Brick"), {0, 0}, {}, {In}, {Out});
+    const auto call = [node](const char *input, const char *output) {
+        node->setConnectionPrettyNames({QString::fromLatin1(input)}, {QString::fromLatin1(output)});
+        return painted(node);
+    };
+    const QImage named = call("Input", "Output");
+    EXPECT_EQ(call("Input", "Outcome"), named) << "the only output needs no name";
+    EXPECT_NE(call("Inlet", "Output"), named);
+    node->setLabelsVisible(false);
+    const QImage bare = call("Input", "Output");
+    EXPECT_EQ(call("Inlet", "Outcome"), bare);
+    node->setLabelsVisible(true);
+    node->addOutputPort(QStringLiteral("Second"));
+    EXPECT_NE(call("Input", "Outcome"), call("Input", "Output"));
+    EXPECT_EQ(call("Input", "Output"), call("Input", "Output"));
+
+    // A single output's name makes no node wider.
+    OssNgExtendedNode *wide = scene.add(QStringLiteral("A"), {0, 300}, {}, {In}, {Out});
+    const qreal width = wide->boundingRect().width();
+    const QString longName(60, QLatin1Char('W'));
+    wide->setConnectionPrettyNames({In}, {longName});
+    wide->refresh();
+    EXPECT_EQ(wide->boundingRect().width(), width);
+    wide->addOutputPort(QStringLiteral("Second"));
+    EXPECT_GT(wide->boundingRect().width(), width);
+}
+
+TEST(OssNgNodeStates, portsAlongEdgesStayOnTheNodeHoweverMany)
+{
+    GraphScene scene;
+    for (const int count : {1, 2, 14}) {
+        QStringList names;
+        for (int i = 0; i < count; ++i)
+            names.append(QStringLiteral("I%1").arg(i));
+        OssNgExtendedNode *node = scene.add(QStringLiteral("Brick"), {0, 0}, {}, names, {Out});
+        node->setPortListMode(OssNgExtendedNode::NoPortList);
+        const QRectF body = node->sceneBoundingRect();
+        qreal last = body.left();
+        for (const QString &name : names) {
+            const QPointF place = node->inputPortScenePos(name);
+            EXPECT_GT(place.x(), last) << count;
+            EXPECT_LT(place.x(), body.right()) << count;
+            last = place.x();
+        }
+        const qreal middle = (node->inputPortScenePos(names.first()).x()
+                              + node->inputPortScenePos(names.last()).x())
+                             / 2.0;
+        EXPECT_NEAR(middle, node->outputPortScenePos(Out).x(), 1e-6);
+    }
+}
+
+TEST(OssNgNodeStates, fromAfarChosenNodesAreTheOnlyOnesWithARing)
+{
+    GraphScene scene;
+    OssNgExtendedNode *node = scene.add(QStringLiteral("Brick"), {0, 0}, {}, {In}, {Out});
+    auto *note = scene.add<OssNgUINode>(QString(), {500, 0});
+    auto *area = scene.add<OssNgBackdropNode>(QString(), {1000, 0});
+    const QRgb accent = OssNgStyle::instance()->color(OssNgStyle::Role::Accent).rgb();
+    for (OssNgNode *one : {static_cast<OssNgNode *>(node), static_cast<OssNgNode *>(note),
+                           static_cast<OssNgNode *>(area)}) {
+        const auto accented = [&] {
+            QImage image(one->boundingRect().size().toSize() * 2, QImage::Format_RGB32);
+            image.fill(Qt::black);
+            QPainter painter(&image);
+            painter.scale(2.0, 2.0);
+            one->paintSimple(&painter);
+            painter.end();
+            int count = 0;
+            for (int y = 0; y < image.height(); ++y) {
+                for (int x = 0; x < image.width(); ++x)
+                    count += image.pixel(x, y) == accent;
+            }
+            return count;
+        };
+        EXPECT_EQ(accented(), 0);
+        one->setSelected(true);
+        EXPECT_GT(accented(), 20);
+        one->setSelected(false);
+    }
+}
+
+TEST(OssNgNodeStates, silentTeleportsAreStruckThrough)
+{
+    GraphScene scene;
+    for (const char *kind : {"BroadcastNode", "ReceiverNode"}) {
+        OssNgExtendedNode *node = scene.add(QStringLiteral("T"), {0, 0}, {}, {In}, {Out});
+        const QImage plain = painted(node);
+        const int silent = node->addIcon(QLatin1String(kind) + QStringLiteral("Silent"));
+        const int signal = node->addIcon(QLatin1String(kind) + QStringLiteral("Signal"));
+        node->setIconVisible(silent, true);
+        const int struck = differingPixels(painted(node), plain);
+        node->setIconVisible(silent, false);
+        node->setIconVisible(signal, true);
+        EXPECT_GT(struck, differingPixels(painted(node), plain)) << kind;
+        EXPECT_EQ(node->addIcon({}), -1) << "an icon has a name";
     }
 }
 

@@ -299,6 +299,45 @@ TEST(OssNgNodePositionChangeUndo, goesBackAndForthAndAnnounces)
     EXPECT_EQ(moved.count(), 2);
 }
 
+TEST(OssNgNode, portsThatGoTakeTheirRowsAndRenamedOnesKeepTheirWires)
+{
+    QGraphicsScene scene;
+    OssNgExtendedNode source;
+    OssNgExtendedNode target;
+    for (OssNgNode *node : {static_cast<OssNgNode *>(&source), static_cast<OssNgNode *>(&target)}) {
+        scene.addItem(node);
+        for (const char *name : {"A", "B", "C"}) {
+            node->addInputPort(QString::fromLatin1(name));
+            node->addOutputPort(QString::fromLatin1(name));
+        }
+    }
+    const QString a = QStringLiteral("A");
+    const QString b = QStringLiteral("B");
+    OssNgEdge *first = target.attachInput(a, &source, a);
+    OssNgEdge *second = target.attachInput(b, &source, b);
+    source.renameOutputPort(a, QStringLiteral("New"));
+    EXPECT_EQ(first->sourceOutput(), QStringLiteral("New"));
+    EXPECT_EQ(second->sourceOutput(), b);
+    target.renameInputPort(b, QStringLiteral("Other"));
+    EXPECT_EQ(second->destinationInput(), QStringLiteral("Other"));
+    EXPECT_EQ(first->destinationInput(), a);
+    source.renameOutputPort(QStringLiteral("None"), b);
+    target.renameInputPort(QStringLiteral("None"), a);
+    EXPECT_EQ(source.outputPortNames(),
+              QStringList({QStringLiteral("New"), b, QStringLiteral("C")}));
+    const qreal height = target.boundingRect().height();
+    target.removeInputPort(QStringLiteral("Other"));
+    EXPECT_EQ(target.inputs(), QList<OssNgEdge *>{first});
+    source.removeOutputPort(QStringLiteral("New"));
+    EXPECT_TRUE(target.inputs().isEmpty());
+    for (const char *name : {"A", "B"})
+        target.removeOutputPort(QString::fromLatin1(name));
+    EXPECT_LT(target.boundingRect().height(), height);
+    const qreal left = target.boundingRect().height();
+    target.removeInputPort(QStringLiteral("None"));
+    EXPECT_EQ(target.boundingRect().height(), left);
+}
+
 TEST(OssNgNodePositionChangeUndo, outlivesItsNode)
 {
     auto node = std::make_unique<OssNgNode>();

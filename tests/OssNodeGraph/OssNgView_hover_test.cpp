@@ -3,6 +3,7 @@
 #include "OssNodeGraph/Items/OssNgDotNode.h"
 #include "ViewFixture.h"
 
+#include <QAccessible>
 #include <QGestureEvent>
 #include <QHelpEvent>
 #include <QPinchGesture>
@@ -204,6 +205,68 @@ TEST_F(OssNgHoverTest, theWireUnderThePointerIsPickedUpAndDroppedByAClick)
     OssNgView empty;
     empty.pickUpEdge();
     EXPECT_EQ(empty.interactionState(), OssNgView::Idle);
+}
+
+TEST_F(OssNgHoverTest, aNodeInFrontOfAWireTakesTheLight)
+{
+    b->setPosition({700, 0});
+    OssNgEdge *wire = b->attachInput(In, a, Out);
+    auto *c = scene.add(QStringLiteral("C"), {0, 0}, {}, {In}, {Out});
+    c->setPosition(wire->markerPosition() - QPointF(60, 12));
+    hover(wire->markerPosition());
+    EXPECT_TRUE(c->hovered());
+    EXPECT_FALSE(wire->hovered());
+    const QSignalSpy marker(b, &OssNgNode::clickedOnDotableMarkerOnEdge);
+    wire->clickMarker(); // which is not there
+    EXPECT_EQ(marker.count(), 0);
+    wire->switchToDotableMode(true);
+    wire->clickMarker();
+    EXPECT_EQ(marker.count(), 1);
+}
+
+TEST_F(OssNgHoverTest, aBandIsDrawnByAWayAndNotByAnUnsteadyHand)
+{
+    const QPointF beside = a->pos() + a->bodyRect().bottomLeft() + QPointF(30, 3);
+    press(beside);
+    move(beside - QPointF(3, 5));
+    EXPECT_FALSE(a->isSelected());
+    move(beside + QPointF(40, 40));
+    move(beside - QPointF(3, 5));
+    EXPECT_TRUE(a->isSelected()) << "once it is drawn it may be small";
+    release(beside, Qt::RightButton); // that is another button's
+    EXPECT_EQ(view.interactionState(), OssNgView::RubberBand);
+    release(beside);
+    EXPECT_EQ(view.interactionState(), OssNgView::Idle);
+}
+
+TEST_F(OssNgHoverTest, screenReadersBringOnlyWhatIsOffTheScreenIntoView)
+{
+    auto *far = scene.add(QStringLiteral("Far"), {2000, 1500}, {}, {In}, {Out});
+    QAccessibleInterface *root = QAccessible::queryAccessibleInterface(&view);
+    ASSERT_NE(root, nullptr);
+    const auto press = [&](const OssNgNode *node) {
+        for (int i = 0; i < root->childCount(); ++i) {
+            QAccessibleInterface *child = root->child(i);
+            if (child->text(QAccessible::Name).startsWith(node->text() + QLatin1Char(','))
+                || child->text(QAccessible::Name) == node->text()) {
+                child->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+                return child;
+            }
+        }
+        return static_cast<QAccessibleInterface *>(nullptr);
+    };
+    const QPointF before = view.viewportInSceneCoords().center();
+    QAccessibleInterface *near = press(a);
+    ASSERT_NE(near, nullptr);
+    QTest::qWait(40);
+    EXPECT_EQ(view.viewportInSceneCoords().center(), before);
+    EXPECT_EQ(scene.selectedItems(), QList<QGraphicsItem *>{a});
+    QAccessibleInterface *there = press(far);
+    ASSERT_NE(there, nullptr);
+    QTRY_VERIFY(view.viewportInSceneCoords().contains(far->sceneBoundingRect()));
+    EXPECT_EQ(scene.selectedItems(), QList<QGraphicsItem *>{far});
+    EXPECT_FALSE(far->errorText().contains(QStringLiteral("error")));
+    EXPECT_FALSE(there->text(QAccessible::Name).contains(QStringLiteral("error")));
 }
 
 // --- wires in hand

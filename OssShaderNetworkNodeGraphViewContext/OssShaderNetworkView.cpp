@@ -118,14 +118,12 @@ void OssShaderNetworkView::onShakeToExtractEnabledChanged(bool Enabled)
 
 void OssShaderNetworkView::onShakeToExtractShakesChanged(int Shakes)
 {
-    if (m_shakeToExtractShakes != Shakes)
-        m_shakeToExtractShakes = Shakes;
+    m_shakeToExtractShakes = Shakes;
 }
 
 void OssShaderNetworkView::onShakeToExtractTimeChanged(int Time)
 {
-    if (m_shakeToExtractTime != Time)
-        m_shakeToExtractTime = Time;
+    m_shakeToExtractTime = Time;
 }
 
 void OssShaderNetworkView::onShakeToExtractTriggered()

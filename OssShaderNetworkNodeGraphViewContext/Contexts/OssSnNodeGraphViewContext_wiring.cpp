@@ -172,8 +172,7 @@ void OssSnNodeGraphViewContext::updatePortVisibility()
     OssNgExtendedNode *extended = extendedNode();
     if (!extended)
         return;
-    if (extended->portListMode() != m_portListMode)
-        extended->setPortListMode(m_portListMode);
+    extended->setPortListMode(m_portListMode);
     extended->setLabelsVisible(m_portListMode != OssNgExtendedNode::NoPortList);
 }
 

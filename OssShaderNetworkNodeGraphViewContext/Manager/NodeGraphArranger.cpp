@@ -66,8 +66,7 @@ QVector<Container> containersOf(const QList<OssSnBaseNode *> &nodes)
             if (member && item->isVisible())
                 container.members.append(member);
         }
-        if (!container.members.isEmpty())
-            containers.append(container);
+        containers.append(container);
     }
     const auto area = [](const Container &container) {
         return container.backdrop->rect().width() * container.backdrop->rect().height();

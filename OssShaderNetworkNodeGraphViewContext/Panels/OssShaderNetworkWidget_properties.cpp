@@ -242,10 +242,7 @@ void OssSnNodePropertiesWidget::deletePanelsExceedingMax()
     if (!m_panelLayout)
         return;
     const int max = m_maxPanels->text().toInt();
-    const int n = m_panelLayout->count();
-    if (n - 1 <= max)
-        return;
-    for (int i = n - 2; i >= max; --i) {
+    for (int i = m_panelLayout->count() - 2; i >= max; --i) {
         QWidget *oldest = m_panelLayout->itemAt(i)->widget();
         if (!isPinned(oldest))
             dismiss(oldest);

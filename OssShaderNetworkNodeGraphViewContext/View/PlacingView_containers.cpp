@@ -137,8 +137,6 @@ OssNgBackdropNode *PlacingView::backdropOf(const OssSnBaseNode *container)
 
 void PlacingView::moveContainer(OssNgBackdropNode *backdrop, const QPointF &way)
 {
-    if (way.isNull())
-        return;
     const QList<OssNgNode *> members = backdrop->nodesInside();
     moveNode(backdrop, backdrop->pos() + way);
     for (OssNgNode *member : members)

@@ -151,6 +151,18 @@ TEST(ColumnLayout, ofSeveralThingsInTheWayTheFurthestCounts)
     EXPECT_EQ(layout.rect(1).right(), -240.0 - 75.0);
 }
 
+TEST(ColumnLayout, aColumnThatGoesLeftTakesNoNodesWithoutItemsAlong)
+{
+    std::vector<Node> nodes{box({100, 50}, {1, 2}), box({100, 50}), box({100, 50}),
+                            box({60, 60}, {}, {-220, 0})};
+    nodes[1].hasItem = false;
+    ColumnLayout layout(nodes);
+    layout.layOut({0}, {});
+    EXPECT_EQ(layout.rect(2).right(), -220.0 - 75.0);
+    for (const ColumnLayout::Move &move : layout.moves())
+        EXPECT_NE(move.node, 1);
+}
+
 TEST(ColumnLayout, randomGraphsComeOutReadableAndAlwaysTheSame)
 {
     std::mt19937 random(20);

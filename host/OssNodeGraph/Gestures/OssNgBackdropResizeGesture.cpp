@@ -42,16 +42,17 @@ void OssNgBackdropResizeGesture::move(QMouseEvent *event)
     if (host()->isSnapToGridOn())
         way = {std::round(way.x() / OssNgStyle::GridStep) * OssNgStyle::GridStep,
                std::round(way.y() / OssNgStyle::GridStep) * OssNgStyle::GridStep};
+    // The backdrop keeps its least size by itself; only its corner must not be pushed on.
     const QSizeF least = OssNgBackdropNode::minimumSize();
     QRectF area = m_startArea;
     if (m_edges & Qt::LeftEdge)
         area.setLeft(std::min(area.left() + way.x(), area.right() - least.width()));
     if (m_edges & Qt::RightEdge)
-        area.setRight(std::max(area.right() + way.x(), area.left() + least.width()));
+        area.setRight(area.right() + way.x());
     if (m_edges & Qt::TopEdge)
         area.setTop(std::min(area.top() + way.y(), area.bottom() - least.height()));
     if (m_edges & Qt::BottomEdge)
-        area.setBottom(std::max(area.bottom() + way.y(), area.top() + least.height()));
+        area.setBottom(area.bottom() + way.y());
     m_backdrop->setPosition(area.topLeft());
     m_backdrop->setRect({QPointF(), area.size()});
 }

@@ -415,6 +415,29 @@ TEST_F(OssNgHoverTest, areasSnapToTheGridByTheWayTheyAreDragged)
     EXPECT_EQ(b->pos(), QPointF(303 + 43, 45 + 41)) << "by the way of the pressed one";
 }
 
+TEST_F(OssNgHoverTest, shakesAreCountedOnTheScreen)
+{
+    view.m_shakeToExtractShakes = 5;
+    view.m_shakeToExtractTime = 100000;
+    const auto shownAfter = [&](bool watched, int reversals) {
+        view.m_shakeToExtractEnabled = watched;
+        const QPointF start = body(a);
+        press(start);
+        for (int i = 0; i <= reversals; ++i)
+            move(start + QPointF(i % 2 ? -40 : 40, 0));
+        move(start + QPointF(reversals % 2 ? -40 : 40, 60));
+        const QImage image = view.grab().toImage();
+        key(Qt::Key_Escape);
+        release(start);
+        return image;
+    };
+    shownAfter(false, 0); // the first press selects
+    EXPECT_EQ(shownAfter(true, 0), shownAfter(false, 0));
+    const QImage twice = shownAfter(true, 2);
+    EXPECT_NE(twice, shownAfter(false, 2));
+    EXPECT_EQ(twice, shownAfter(true, 2));
+}
+
 // --- keys and parents
 
 TEST_F(OssNgHoverTest, nudgingNothingIsNoStep)

@@ -245,3 +245,20 @@ TEST_F(BakingTest, imagesAreSetByTheirName)
     EXPECT_EQ(other->imageSet(), set);
     EXPECT_EQ(undoCount(), 1);
 }
+
+TEST_F(BakingTest, thePaintNodeTakesOverTheChosenOutputAlone)
+{
+    OssSnBaseNode *several = addAt("Procedural/Noise/Cellular", {900, 0});
+    const QString first = several->outputPointNames().first();
+    const QString last = several->outputPointNames().last();
+    OssSnBaseNode *other = addAt("Misc/Dot", {1200, 300});
+    ASSERT_TRUE(m_dot->setInputNode(QStringLiteral("Input"), several, last));
+    ASSERT_TRUE(other->setInputNode(QStringLiteral("Input"), several, first));
+    select({several});
+    const DialogAnswers chosen(QString(), QMessageBox::Ok, last);
+    m_view->bakeToPaintableNode();
+    EXPECT_EQ(chosen.offered, several->outputPointNames());
+    EXPECT_NE(qobject_cast<OssSnImageSetNodeBase *>(m_dot->inputNode(QStringLiteral("Input"))),
+              nullptr);
+    EXPECT_EQ(other->inputNode(QStringLiteral("Input")), several);
+}

@@ -1,13 +1,17 @@
 #include "GraphFixture.h"
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Layers/OssLayerManager.h"
+#include "OssModel/Nodes/OssSnBakePointNode.h"
+#include "OssModel/Objects/OssImageSet.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
 #include <QLineEdit>
 #include <QMenu>
+#include <QSignalSpy>
 #include <QTimer>
 #include <QtTest>
 
@@ -363,6 +367,61 @@ TEST_F(CommandsTest, halfASwapIsNone)
     EXPECT_EQ(m_merge->inputNode(QStringLiteral("Base")), split);
     EXPECT_EQ(m_project->stateHash(), before);
     EXPECT_EQ(undoCount(), 0);
+}
+
+TEST_F(CommandsTest, whereNothingInTheGraphShowsItTheUserIsTold)
+{
+    const ExpectedLog possible("", ExpectedLog::Possible);
+    OssSnBaseNode *layer = addAt("_System/Graph Layer Input", {0, 300}, "Layer");
+    OssSnBaseNode *split = addAt("Channel/Split", {0, 400});
+    wire(split, m_merge, "Over");
+    auto *bake = qobject_cast<OssSnBakePointNode *>(
+        m_network->createPaintableNode({}, QStringLiteral("Misc/Bake Point")));
+    bake->imageSet()->setResolution(8);
+    wire(m_color, bake);
+    using View = OssShaderNetworkView;
+
+    const struct
+    {
+        void (View::*command)();
+        QList<OssSnBaseNode *> selected;
+        const char *said;
+    } cases[] = {
+        {&View::copyNodesAction, {m_blur}, "Copied Blur"},
+        {&View::copyNodesAction, {m_blur, m_levels, m_viewer}, "Copied 2 nodes"},
+        {&View::copyNodesAction, {m_viewer}, nullptr},
+        {&View::exportNodes, {m_viewer}, "Select the nodes to export first"},
+        {&View::deleteSelectedNodes, {layer}, "Layer is what a layer stands on and stays"},
+        {&View::swapInputs, {m_merge}, "The inputs of Merge cannot be swapped"},
+        {&View::bakeSelectedBakePoints, {m_blur}, "No Bake Point nodes are selected"},
+        {&View::updateUpstreamBakePoints, {}, "No nodes are selected"},
+        {&View::updateSelectedBakePoints, {bake}, "All baked results are up to date"},
+        {&View::bakeSelectedBakePoints, {bake}, nullptr},
+        {&View::bakeSelectedBakePoints, {bake}, "All baked results are up to date"},
+    };
+
+    for (const auto &c : cases) {
+        select(c.selected);
+        QSignalSpy spy(OssStatusManager::instance(), &OssStatusManager::messageShown);
+        (m_view->*c.command)();
+        QStringList said;
+        for (const QList<QVariant> &message : spy)
+            said.append(message.first().toString());
+        said.removeAll(QString());
+        const QString all = said.join(QLatin1Char('|'));
+        if (c.said)
+            EXPECT_TRUE(all.startsWith(QString::fromUtf8(c.said))) << c.said << qPrintable(all);
+        else
+            EXPECT_FALSE(all.contains(QStringLiteral("up to date"))
+                         || all.contains(QStringLiteral("Copied")))
+                << &c - cases << qPrintable(all);
+    }
+    QApplication::clipboard()->clear();
+    QSignalSpy spy(OssStatusManager::instance(), &OssStatusManager::messageShown);
+    m_view->pasteNodesAction();
+    ASSERT_GE(spy.count(), 1);
+    EXPECT_EQ(spy.first().first().toString(),
+              QStringLiteral("There are no nodes in the clipboard"));
 }
 
 } // namespace

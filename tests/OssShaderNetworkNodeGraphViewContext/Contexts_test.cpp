@@ -1,10 +1,6 @@
 #include "GraphFixture.h"
-#include "Manager/OssSnNodeGraphViewContextLoader.h"
-#include "OssCore/Program/OssClassFactoryManager.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
-#include "OssNodeGraph/Items/OssNgDotNode.h"
 #include "OssSnGroupNodeGraphViewContext.h"
-#include "OssSnUINodeGraphViewContext.h"
 
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -104,6 +100,10 @@ TEST_F(ContextTest, categoryComesFromThePathKey)
     EXPECT_EQ(itemOf(add("Channel Input/Paint"))->category(), QStringLiteral("Paint"));
     EXPECT_EQ(itemOf(add("Layer/Merge"))->category(), QStringLiteral("Layer"));
     EXPECT_EQ(itemOf(add("Misc/Channel Input"))->category(), QStringLiteral("Misc"));
+    EXPECT_EQ(itemOf(add("Teleport Broadcast/Broadcast"))->category(),
+              QStringLiteral("TeleportBroadcast"));
+    EXPECT_EQ(itemOf(add("Teleport Receiver/Receiver"))->category(),
+              QStringLiteral("TeleportReceiver"));
 }
 
 TEST_F(ContextTest, portListModeIsStoredAndAnnouncedOnce)
@@ -341,112 +341,54 @@ TEST_F(ContextTest, edgeMultipliersAreSymmetrical)
     }
 }
 
-// --- loader and factories
-
-class LoaderTest : public ContextTest
+TEST_F(ContextTest, stubsSpreadAboutTheMiddleUnlessTheirPlaceIsGiven)
 {
-protected:
-    OssSnNodeGraphViewContext *load(const char *xml)
+    class Probe : public OssSnNodeGraphViewContext
     {
-        OssSnNodeGraphViewContextLoader loader;
-        const QList<OssSnBaseContext *> list = loader.load(QString::fromUtf8(xml), m_node);
-        EXPECT_EQ(list.size(), 1);
-        m_context.reset(qobject_cast<OssSnNodeGraphViewContext *>(list.first()));
-        return m_context.get();
+    public:
+        using OssSnNodeGraphViewContext::calculateEdgesUI;
+        using OssSnNodeGraphViewContext::OssSnNodeGraphViewContext;
+    } probe(nullptr, false);
+
+    const QString a = QStringLiteral("A");
+    const QString b = QStringLiteral("B");
+    const QString c = QStringLiteral("C");
+    const OssSnNodeGraphViewContext::Stub given{{7, 0}, {9, -5}};
+    for (const bool output : {false, true}) {
+        OssSnNodeGraphViewContext::StubMap stubs{{QStringLiteral("Old"), given}};
+        probe.calculateEdgesUI({a, b, c}, output, {{b, given}}, {{c, 90.0F}}, stubs, 2);
+        ASSERT_EQ(stubs.size(), 3);
+        EXPECT_EQ(stubs.value(b), given);
+        EXPECT_EQ(stubs.value(a).first, QPoint(-44, 0));
+        EXPECT_EQ(stubs.value(c).first, QPoint(44, 0));
+        EXPECT_EQ(stubs.value(a).second, QPoint(-44, output ? 24 : -24));
+        EXPECT_EQ(stubs.value(c).second, QPoint(44, output ? 90 : -90)) << "past its text";
     }
+}
 
-    void SetUp() override
-    {
-        ContextTest::SetUp();
-        m_node = add("Filter/Blur");
-    }
-
-    void TearDown() override
-    {
-        m_context.reset();
-        ContextTest::TearDown();
-    }
-
-    OssSnBaseNode *m_node = nullptr;
-    std::unique_ptr<OssSnNodeGraphViewContext> m_context;
-};
-
-TEST_F(LoaderTest, looksAreReadFromTheDescription)
+TEST_F(ContextTest, placesOfPortsThatCannotBeReadAreLeftOut)
 {
-    OssSnNodeGraphViewContext *context = load(
-        "<D><Skip><Contexts/></Skip><Contexts><Context Type=\"Other\" ShapeType=\"9\"/>"
-        "<Context Type=\"NodeGraphView\" ShapeType=\"7\" NodeColorTop=\"1,0,0,1\" "
-        "NodeColorBottom=\"0,1,0,1\" Pixmap=\"a.png\" PixmapOffset=\"4,-2\">"
-        "<Inputs><Input Name=\"In\" Tags=\"a,,b\"><Pos OriginOffset=\"3\">1,2</Pos>"
-        "<Pos>5,x</Pos></Input><Input Tags=\"c\"/></Inputs>"
-        "<Outputs><Output Name=\"Out\"><Pos>1,2,3</Pos></Output></Outputs>"
-        "</Context></Contexts></D>");
-    EXPECT_EQ(context->shapeType(), 7);
-    EXPECT_EQ(context->nodeColorTop(), QStringLiteral("1,0,0,1"));
-    EXPECT_EQ(context->nodeColorBottom(), QStringLiteral("0,1,0,1"));
-    EXPECT_EQ(context->pixmapPath(), QStringLiteral("a.png"));
-    EXPECT_EQ(context->pixmapOffset(), QPoint(4, -2));
-    EXPECT_TRUE(context->hasInputTag(QStringLiteral("In"), QStringLiteral("a")));
-    EXPECT_TRUE(context->hasInputTag(QStringLiteral("In"), QString()));
-    EXPECT_TRUE(context->hasInputTag(QStringLiteral("In"), QStringLiteral("b")));
-    EXPECT_EQ(context->inputNodeInitialPos().value(QStringLiteral("In")),
-              qMakePair(QPoint(0, 0), QPoint(5, 0)));
+    OssSnNodeGraphViewContext *context = contextOf(add("Filter/Blur"));
+    const OssSerializableObject::Attributes attributes{
+        {QStringLiteral("map0"), QStringLiteral("Good:1,2,3,4")},
+        {QStringLiteral("map1"), QStringLiteral("Short:1,2,3")},
+        {QStringLiteral("map2"), QStringLiteral("Long:1,2,3,4,5")},
+        {QStringLiteral("map3"), QStringLiteral("A:B:1,2,3,4")},
+        {QStringLiteral("map4"), QStringLiteral("None")}};
+    const auto read = [&](const char *name) {
+        context->onLoadCollection(QString::fromLatin1(name), QStringLiteral("QHash"),
+                                  QStringLiteral("QString"), 5, attributes);
+    };
+    read("other");
+    EXPECT_TRUE(context->inputNodeInitialPos().isEmpty());
     EXPECT_TRUE(context->outputNodeInitialPos().isEmpty());
-}
-
-TEST_F(LoaderTest, whatIsIncompleteOrUnknownIsPassedOver)
-{
-    OssSnNodeGraphViewContext *context = load(
-        "<D><Contexts><Context Type=\"NodeGraphView\" PixmapOffset=\"4\"><Other><Pos>9,9</Pos>"
-        "</Other><Inputs><Output Name=\"No\"><Pos>9,9</Pos></Output><Input Name=\"In\"><Mark>8,8"
-        "</Mark><Pos OriginOffset=\"2\">3,4</Pos><Mark>8,8</Mark></Input></Inputs><Outputs>"
-        "<Output Name=\"Out\" Tags=\"t\"><Pos>5,6</Pos></Output></Outputs></Context></Contexts>"
-        "</D>");
-    EXPECT_EQ(context->pixmapOffset(), QPoint());
-    ASSERT_EQ(context->inputNodeInitialPos().size(), 1);
-    EXPECT_EQ(context->inputNodeInitialPos().value(QStringLiteral("In")),
-              qMakePair(QPoint(2, 0), QPoint(3, 4)));
-    ASSERT_EQ(context->outputNodeInitialPos().size(), 1);
-    EXPECT_EQ(context->outputNodeInitialPos().value(QStringLiteral("Out")),
-              qMakePair(QPoint(0, 0), QPoint(5, 6)));
-    EXPECT_FALSE(context->hasInputTag(QStringLiteral("Out"), QStringLiteral("t")));
-}
-
-TEST_F(LoaderTest, classesAreChosenAndLaterOnesReplaceEarlierOnes)
-{
-    EXPECT_EQ(load("<D/>")->metaObject()->className(), QByteArray("OssSnNodeGraphViewContext"));
-    OssSnNodeGraphViewContext *context = load(
-        "<D><Contexts><Context Type=\"UINodeGraphView\" ShapeType=\"3\"/></Contexts></D>");
-    EXPECT_EQ(context->metaObject()->className(), QByteArray("OssSnNodeGraphViewContext"));
-    EXPECT_EQ(context->shapeType(), 3);
-    context = load("<D><Contexts><Context Type=\"NodeGraphView\" ShapeType=\"3\" "
-                   "Class=\"OssSnGroupNodeGraphViewContext\"/>"
-                   "<Context Type=\"UINodeGraphView\" GuiNodeClass=\"Dot\"/></Contexts></D>");
-    auto *ui = qobject_cast<OssSnUINodeGraphViewContext *>(context);
-    ASSERT_NE(ui, nullptr);
-    EXPECT_EQ(ui->shapeType(), 0);
-    EXPECT_NE(qobject_cast<OssNgDotNode *>(ui->guiNode()), nullptr);
-    EXPECT_EQ(load("<D><Contexts><Context Type=\"NodeGraphView\" Class=\"Nonsense\" "
-                   "ShapeType=\"3\"><Inputs><Input Name=\"a\" Tags=\"b\"><Pos>1,2</Pos></Input>"
-                   "</Inputs></Context></Contexts></D>"),
-              nullptr);
-    EXPECT_NE(load("<D><Contexts><Context Type=\"NodeGraphView\" ShapeType=\"5\"><In"), nullptr);
-}
-
-TEST_F(LoaderTest, factoriesAnswerToTheirNames)
-{
-    OssClassFactoryManager *factories = OssClassFactoryManager::instance();
-    for (const char *name :
-         {"OssSnNodeGraphViewContext", "OssSnBakePointNodeGraphViewContext",
-          "OssSnGeoChannelNodeGraphViewContext", "OssSnBaseTeleportNodeGraphViewContext",
-          "OssSnGroupNodeGraphViewContext", "OssSnUINodeGraphViewContext"}) {
-        const QPointer<QObject> made = factories->create(QString::fromLatin1(name), m_node);
-        ASSERT_TRUE(made) << name;
-        EXPECT_EQ(made->metaObject()->className(), QByteArray(name));
-        EXPECT_EQ(made->parent(), m_node);
-        delete made;
+    read("m_outputNodeInitialPos");
+    EXPECT_TRUE(context->inputNodeInitialPos().isEmpty());
+    read("m_inputNodeInitialPos");
+    for (const auto &stubs : {context->inputNodeInitialPos(), context->outputNodeInitialPos()}) {
+        ASSERT_EQ(stubs.size(), 1);
+        EXPECT_EQ(stubs.value(QStringLiteral("Good")), qMakePair(QPoint(1, 2), QPoint(3, 4)));
     }
-    EXPECT_TRUE(factories->create(QStringLiteral("Nonsense"), m_node).isNull());
 }
 
 } // namespace

@@ -1,15 +1,11 @@
 #include "GraphFixture.h"
-#include "OssInterface/Popups/OssApplication.h"
-#include "OssModel/Nodes/OssSnBakePointNode.h"
+#include "OssCore/Values/OssColor.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
 #include "OssNodeGraph/Items/OssNgUINode.h"
-#include "OssSnGroupNodeGraphViewContext.h"
 #include "OssSnUINodeGraphViewContext.h"
-#include "support/DialogAnswers.h"
 
 #include <QImage>
 #include <QPainter>
-#include <QTemporaryDir>
 #include <QtTest>
 
 #include <functional>
@@ -275,42 +271,15 @@ TEST_F(ItemsTest, onlyAViewersFirstInputBearsTheNameOfItsSource)
     EXPECT_FALSE(itemOf(blur)->isVirtualInput(QStringLiteral("0")));
     EXPECT_TRUE(viewer->isVirtualInput(QStringLiteral("0")));
     EXPECT_FALSE(itemOf(blur)->input(QStringLiteral("2"))->hasMark(OssNgEdge::Activated));
-}
 
-TEST_F(ItemsTest, streamsAreGatheredAndWhatBelongsToAllOfThemIsNot)
-{
-    const auto isGathered = [](const OssSnBaseNode *node, const char *input) {
-        return qobject_cast<OssNgExtendedNode *>(itemOf(node))
-            ->isInputInCluster(QString::fromLatin1(input));
-    };
-    OssSnBaseNode *merge = addAt("_System/MultiChannelMerge", {0, 0});
-    ASSERT_TRUE(merge->hasInput(QStringLiteral("Roughness Base")));
-    for (const char *input : {"Roughness Base", "Roughness Over", "Normal Base"})
-        EXPECT_TRUE(isGathered(merge, input)) << input;
-    EXPECT_FALSE(isGathered(merge, "Mask"));
-    const auto *item = qobject_cast<OssNgExtendedNode *>(itemOf(merge));
-    contextOf(merge)->setPortListMode(int(OssNgExtendedNode::StreamCollapsed));
-    const QStringList outputs = merge->outputPointNames();
-    ASSERT_GT(outputs.size(), 1);
-    EXPECT_EQ(item->outputPortScenePos(outputs.first()), item->outputPortScenePos(outputs.last()));
-    EXPECT_EQ(item->inputPortScenePos(QStringLiteral("Roughness Base")),
-              item->inputPortScenePos(QStringLiteral("Normal Base")));
-    EXPECT_NE(item->inputPortScenePos(QStringLiteral("Roughness Base")),
-              item->inputPortScenePos(QStringLiteral("Roughness Over")));
-    OssSnGroupNode *group = addGroup("Plain");
-    for (const char *name : {"A Base", "B Base", "C"})
-        group->createInput(QString::fromLatin1(name), OssSnDataKind::Color);
-    Q_EMIT group->updatePortClusters();
-    EXPECT_FALSE(isGathered(group, "A Base"));
-    EXPECT_FALSE(isGathered(group, "C"));
-    Q_EMIT qobject_cast<OssSnGroupNode *>(merge)->clearPortClusters();
-    EXPECT_FALSE(isGathered(merge, "Roughness Base"));
-    Q_EMIT qobject_cast<OssSnGroupNode *>(merge)->updatePortClusters();
-    EXPECT_TRUE(isGathered(merge, "Roughness Base"));
-
-    // What such a group is, its model decides; a plain one is what it looks like.
-    EXPECT_TRUE(contextOf(merge)->versionHashSource().isEmpty());
-    EXPECT_FALSE(contextOf(group)->versionHashSource().isEmpty());
+    // So does selecting one.
+    OssNgEdge *looked = viewer->input(QStringLiteral("2"));
+    looked->setActivated(false);
+    blur->setSelected(true);
+    EXPECT_FALSE(itemOf(blur)->input(QStringLiteral("2"))->hasMark(OssNgEdge::Activated));
+    EXPECT_FALSE(looked->hasMark(OssNgEdge::Activated));
+    m_network->viewerNode()->setSelected(true);
+    EXPECT_TRUE(looked->hasMark(OssNgEdge::Activated));
 }
 
 TEST_F(ItemsTest, coloursOfATypeReachItsItems)
@@ -327,32 +296,6 @@ TEST_F(ItemsTest, coloursOfATypeReachItsItems)
     context->setNodeColorBottom({});
     context->copyGuiStateFrom(context);
     EXPECT_EQ(itemOf(node)->mainColor(), usual);
-}
-
-TEST_F(ItemsTest, nodesForNewPortsStandBesideWhatTheyFeedWhateverLiesBehind)
-{
-    QList<QPointF> places;
-    for (const bool backdrop : {false, true}) {
-        OssSnGroupNode *group = addGroup(backdrop ? "With" : "Without");
-        OssShaderNetwork *inside = group->groupNetwork();
-        if (backdrop) {
-            OssSnBaseNode *area = inside->createNode(QStringLiteral("Misc/Backdrop"));
-            contextOf(area)->setNodePosition({-900, -900});
-            contextOf(area)->setNodeSize({3000, 3000});
-        }
-        OssSnBaseNode *blur = inside->createNode(QStringLiteral("Filter/Blur"));
-        contextOf(blur)->setNodePosition({500, 100});
-        OssSnBaseNode *input = group->createInput(QStringLiteral("In"), OssSnDataKind::Color);
-        blur->setInputNode(QStringLiteral("Input"), input, input->prefferedOutputPoint());
-        OssSnBaseNode *output = group->createOutput(QStringLiteral("Out"), OssSnDataKind::Color);
-        output->setInputNode(output->inputNames().first(), blur, blur->prefferedOutputPoint());
-        Q_EMIT group->newGroupNodeInputOutputCreated();
-        EXPECT_LT(itemOf(input)->sceneBoundingRect().right(), 500.0);
-        EXPECT_GT(itemOf(output)->x(), itemOf(blur)->sceneBoundingRect().right());
-        places += {itemOf(input)->pos(), itemOf(output)->pos()};
-    }
-    EXPECT_EQ(places.at(0), places.at(2));
-    EXPECT_EQ(places.at(1), places.at(3));
 }
 
 // --- going to nodes, looking at them
@@ -412,89 +355,6 @@ TEST_F(ItemsTest, aViewerThatANodeAsksForLooksAtIt)
     Q_EMIT m_network->viewerNode()->attachViewerToNode(3); // looks at no viewer, itself least
     EXPECT_EQ(viewer->inputNode(QStringLiteral("3")), nullptr);
     EXPECT_EQ(m_network->viewerNodeCurrentEdge(), 1);
-}
-
-// --- groups
-
-TEST_F(ItemsTest, aTabBehindLeavesTheCurrentOneAndFramesItsOwn)
-{
-    OssSnGroupNode *group = addGroup("Behind");
-    OssSnBaseNode *inside = group->groupNetwork()->createNode(QStringLiteral("Filter/Blur"));
-    contextOf(inside)->setNodePosition({8000, 6000});
-    QTabWidget *widget = m_manager->nodeGraphWidget();
-    auto *context = qobject_cast<OssSnGroupNodeGraphViewContext *>(contextOf(group));
-    context->makeGroupNodeTabCurrent(group); // there is none yet
-    EXPECT_EQ(widget->count(), 1);
-    context->addTabToWidget(inside); // all contexts hear of every group
-    EXPECT_EQ(widget->count(), 1);
-    context->showGroupNodeTabBehind();
-    ASSERT_EQ(widget->count(), 2);
-    EXPECT_EQ(widget->currentIndex(), 0);
-    const OssShaderNetworkView *view = context->groupView();
-    EXPECT_TRUE(view->viewportInSceneCoords().contains(itemOf(inside)->sceneBoundingRect()));
-    context->showGroupNodeTab();
-    EXPECT_EQ(widget->currentIndex(), 1);
-    context->showGroupNodeTabBehind();
-    EXPECT_EQ(widget->currentIndex(), 1);
-    EXPECT_EQ(widget->count(), 2);
-    context->makeGroupNodeTabCurrent(inside);
-    widget->setCurrentIndex(0);
-    context->makeGroupNodeTabCurrent(inside);
-    EXPECT_EQ(widget->currentIndex(), 0);
-    context->makeGroupNodeTabCurrent(group);
-    EXPECT_EQ(widget->currentIndex(), 1);
-}
-
-TEST_F(ItemsTest, aGroupIsExportedToTheChosenFileOrTheReasonIsTold)
-{
-    const QTemporaryDir folder;
-    OssSnGroupNode *group = addGroup("Dirt");
-    const QString path = folder.filePath(QStringLiteral("dirt.ong"));
-    {
-        const DialogAnswers cancelled;
-        contextOf(group)->exportNode();
-        EXPECT_EQ(cancelled.questions, 1);
-        EXPECT_TRUE(cancelled.boxes.isEmpty());
-    }
-    EXPECT_FALSE(QFile::exists(path));
-    {
-        const DialogAnswers answers(path, QMessageBox::Ok);
-        contextOf(group)->exportNode();
-        EXPECT_TRUE(answers.boxes.isEmpty());
-        EXPECT_TRUE(QFile::exists(path));
-    }
-    const ExpectedLog possible("", ExpectedLog::Possible);
-    const QString nowhere = folder.filePath(QStringLiteral("plain.ong/x.ong"));
-    QFile plain(folder.filePath(QStringLiteral("plain.ong")));
-    ASSERT_TRUE(plain.open(QIODevice::WriteOnly));
-    const DialogAnswers answers(nowhere, QMessageBox::Ok);
-    contextOf(group)->exportNode();
-    EXPECT_EQ(answers.boxes.size(), 1);
-    EXPECT_TRUE(answers.boxes.value(0).contains(QStringLiteral("plain.ong")));
-}
-
-TEST_F(ItemsTest, outputsOfAGroupFollowTheHeightOfTheirNodesToo)
-{
-    OssSnGroupNode *group = addGroup("Outputs");
-    QList<OssSnBaseNode *> inside;
-    for (const char *name : {"A", "B", "C"})
-        inside.append(group->createOutput(QString::fromLatin1(name), OssSnDataKind::Color));
-    for (int i = 0; i < 3; ++i)
-        contextOf(inside.at(i))->setNodePosition({0.0, 100.0 * i});
-    OssSnBaseNode *apart = group->groupNetwork()->createNode(QStringLiteral("Filter/Blur"));
-    OssUndoManager::instance()->clear();
-    Q_EMIT itemOf(apart)->posChanged({0, 900}); // stands for no port
-    EXPECT_EQ(undoCount(), 0);
-    itemOf(inside.first())->setPosition({0, 500});
-    Q_EMIT itemOf(inside.first())->posChanged({0, 500});
-    const QStringList order{QStringLiteral("B"), QStringLiteral("C"), QStringLiteral("A")};
-    EXPECT_EQ(group->outputPointNames(), order);
-    EXPECT_EQ(itemOf(group)->outputPortNames(), order);
-    OssUndoManager::instance()->undo();
-    Q_EMIT OssShaderNetworkManager::instance()->reorderGroupOutputsByPosRequested(group);
-    EXPECT_EQ(group->outputPointNames(), order);
-    m_manager->reorderGroupOutputsByPos(nullptr);
-    EXPECT_TRUE(logHas(QStringLiteral("GroupNode is NULL")));
 }
 
 } // namespace

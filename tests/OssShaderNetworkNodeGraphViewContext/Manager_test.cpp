@@ -449,6 +449,23 @@ TEST_F(ManagerTest, rootTabIsNamedAfterItsObject)
     }
 }
 
+TEST_F(ManagerTest, onlyTheLeftButtonChoosesATab)
+{
+    OssSnNodeGraphWidget *widget = m_manager->nodeGraphWidget();
+    widget->showGroupNodeSubgraph(qobject_cast<OssSnGroupNode *>(addAt("Misc/Group", {0, 0})));
+    ASSERT_EQ(widget->currentIndex(), 1);
+    const auto press = [widget](Qt::MouseButton button, const QPoint &place) {
+        QMouseEvent event(QEvent::MouseButtonPress, place, button, button, {});
+        QApplication::sendEvent(widget, &event);
+        return widget->currentIndex();
+    };
+    const QPoint root = widget->tabBar()->tabRect(0).center();
+    EXPECT_EQ(press(Qt::RightButton, root), 1);
+    EXPECT_EQ(press(Qt::LeftButton, root), 0);
+    widget->setCurrentIndex(0);
+    widget->hideTab(1);
+}
+
 TEST_F(ManagerTest, aPressBesideTheTabsLeavesNoneCurrent)
 {
     OssSnNodeGraphWidget *widget = m_manager->nodeGraphWidget();

@@ -123,4 +123,21 @@ TEST_F(MergeColorSpace, onlyBytePaintBelowAMergeMatters)
     OssShaderNetworkView::autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(nullptr);
 }
 
+TEST_F(MergeColorSpace, aWireDrawnByHandAsksAndARefusedOneDoesNot)
+{
+    OssSnBaseNode *merge = addAt("Layer/Merge", {0, 0});
+    auto *bake = qobject_cast<OssSnBakePointNode *>(
+        m_network->createPaintableNode({600, 0}, QStringLiteral("Misc/Bake Point")));
+    bake->imageSet()->setDepth(5121);
+    wire(merge, bake);
+    m_manager->setAutoUpdateUpstreamMergeNodeColorspaceEnabled(QStringLiteral("Change"));
+    const ExpectedLog refused("Cannot connect", ExpectedLog::Possible);
+    contextOf(bake)->connectInputFromGui(merge, QStringLiteral("None"), QStringLiteral("Output"));
+    EXPECT_EQ(blending(merge), 0);
+    bake->setInputNode(QStringLiteral("Input"), nullptr, {});
+    contextOf(bake)->connectInputFromGui(merge, QStringLiteral("Input"),
+                                         merge->prefferedOutputPoint());
+    EXPECT_EQ(blending(merge), 1);
+}
+
 } // namespace

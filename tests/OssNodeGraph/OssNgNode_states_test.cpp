@@ -6,6 +6,7 @@
 
 #include <QAccessible>
 #include <QPainter>
+#include <QSignalSpy>
 
 #include <functional>
 
@@ -237,6 +238,93 @@ TEST(OssNgNodeStates, silentTeleportsAreStruckThrough)
         EXPECT_GT(struck, differingPixels(painted(node), plain)) << kind;
         EXPECT_EQ(node->addIcon({}), -1) << "an icon has a name";
     }
+}
+
+TEST(OssNgNodeStates, settingWhatIsSetRepaintsNothing)
+{
+    GraphScene scene;
+    OssNgExtendedNode *node = scene.add(QStringLiteral("Brick"), {0, 0}, {}, {In}, {Out});
+    OssNgExtendedNode *other = scene.add(QStringLiteral("Wall"), {300, 0}, {}, {In}, {Out});
+    auto *area = scene.add<OssNgBackdropNode>(QString(), {1000, 0});
+    scene.connectNodes(node, Out, other, In);
+    OssNgEdge *wire = other->input(In);
+    QObject::connect(&scene, &QGraphicsScene::changed, &scene, [] {}); // or it is not worked out
+    const State setters[] = {
+        {"text",
+         [=](bool on) {
+             node->setText(on ? QStringLiteral("B") : QStringLiteral("A"));
+         }},
+        {"error",
+         [=](bool on) {
+             node->setErrorText(on ? QStringLiteral("no file") : QString());
+         }},
+        {"mark",
+         [=](bool on) {
+             node->setStale(on);
+         }},
+        {"shape",
+         [=](bool on) {
+             node->setShapeType(on ? 4 : 0);
+             node->updateShape();
+         }},
+        {"labels",
+         [=](bool on) {
+             node->setLabelsVisible(!on);
+         }},
+        {"hover",
+         [=](bool on) {
+             node->setHovered(on);
+         }},
+        {"mode",
+         [=](bool on) {
+             node->setPortListMode(on ? OssNgExtendedNode::Collapsed : OssNgExtendedNode::Expanded);
+         }},
+        {"mark of a wire",
+         [=](bool on) {
+             wire->setBypassed(on);
+         }},
+        {"hover of a wire",
+         [=](bool on) {
+             wire->setHovered(on);
+         }},
+        {"title",
+         [=](bool on) {
+             area->setTitleText(on ? QStringLiteral("T") : QString());
+         }},
+        {"label",
+         [=](bool on) {
+             area->setLabel(on ? QStringLiteral("L") : QString());
+         }},
+        {"order",
+         [=](bool on) {
+             area->setZOrder(on ? 3 : 0);
+         }},
+        {"area",
+         [=](bool on) {
+             area->setRect({0, 0, on ? 500.0 : 300.0, 200.0});
+         }},
+    };
+    for (const auto &[name, set] : setters) {
+        set(false);
+        QCoreApplication::processEvents(); // what is new announces its change in two rounds
+        for (const bool on : {true, false}) {
+            QCoreApplication::processEvents();
+            const QSignalSpy repainted(&scene, &QGraphicsScene::changed);
+            set(!on);
+            QCoreApplication::processEvents();
+            EXPECT_EQ(repainted.count(), 0) << name << on;
+            set(on);
+            QCoreApplication::processEvents();
+            EXPECT_GT(repainted.count(), 0) << name << on;
+        }
+    }
+    node->setErrorText(QStringLiteral("no file"));
+    EXPECT_EQ(node->mainColor(), OssNgStyle::instance()->color(OssNgStyle::Role::Error));
+    auto *note = scene.add<OssNgUINode>(QString(), {2000, 0});
+    note->setLabel(QStringLiteral("one\ntwo"));
+    const qreal height = note->boundingRect().height();
+    note->setLabel(QStringLiteral("one\n\ntwo"));
+    EXPECT_GT(note->boundingRect().height(), height) << "an empty line is one";
 }
 
 TEST_F(OssNgViewTest, screenReadersHearStates)

@@ -415,6 +415,15 @@ TEST_F(OssNgHoverTest, areasSnapToTheGridByTheWayTheyAreDragged)
     EXPECT_EQ(b->pos(), QPointF(303 + 43, 45 + 41)) << "by the way of the pressed one";
 }
 
+TEST_F(OssNgHoverTest, aModeThatIsChosenDuringADragOutlastsIt)
+{
+    press(body(a));
+    move(body(a) + QPointF(40, 0));
+    view.setCursorTrackingMode(OssNgView::SeverTracking);
+    release(body(a));
+    EXPECT_EQ(view.cursorTrackingMode(), OssNgView::SeverTracking);
+}
+
 TEST_F(OssNgHoverTest, shakesAreCountedOnTheScreen)
 {
     view.m_shakeToExtractShakes = 5;

@@ -16,6 +16,7 @@ TEST(ContainerPlacement, respacingClearsTheReferenceAndKeepsOrderAndDistances)
     const QVector<qreal> shifts = ContainerPlacement::respaced(members, reference);
     EXPECT_EQ(shifts, (QVector<qreal>{0.0, 50.0, 50.0, 50.0, 50.0}));
     EXPECT_EQ(ContainerPlacement::respaced({{0, 110, 50, 50}}, reference), QVector<qreal>{0.0});
+    EXPECT_EQ(ContainerPlacement::respaced({{400, 20, 50, 40}}, reference), QVector<qreal>{0.0});
 }
 
 TEST(ContainerPlacement, aContainerMovesOnlyAsFarAsItMust)
@@ -131,8 +132,11 @@ TEST_F(ContainerTest, respacingMakesRoomBelowTheReferenceInsideTheContainer)
     expectUndone(before);
     OssSnBaseNode *peer = addAt("Misc/Backdrop", {0, 800});
     qobject_cast<OssNgBackdropNode *>(itemOf(peer))->setRect({0, 0, 700, 100});
-    Q_EMIT m_area->containerPeersStretched({peer});
+    OssSnBaseNode *narrow = addAt("Misc/Backdrop", {0, 1200});
+    qobject_cast<OssNgBackdropNode *>(itemOf(narrow))->setRect({0, 0, 200, 100});
+    Q_EMIT m_area->containerPeersStretched({peer, narrow});
     EXPECT_EQ(area().width(), 700.0);
+    EXPECT_EQ(rectOf(narrow).width(), 700.0);
     Q_EMIT m_area->containerPeersStretched({m_node});
     EXPECT_TRUE(logHas(QStringLiteral("[ !! ] Invalid container gui node found for node 'Blur'")));
 }

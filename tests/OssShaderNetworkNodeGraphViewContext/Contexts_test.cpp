@@ -366,6 +366,29 @@ TEST_F(ContextTest, stubsSpreadAboutTheMiddleUnlessTheirPlaceIsGiven)
     }
 }
 
+TEST_F(ContextTest, portsThatAreMadeAnewTakeTheirStubsWithThemOnlyWhenAsked)
+{
+    OssSnBaseNode *node = addAt("Filter/Blur", {0, 0});
+    OssSnNodeGraphViewContext *context = contextOf(node);
+    context->setPortListMode(int(OssNgExtendedNode::NoPortList));
+    const OssNgNode *item = itemOf(node);
+    const auto places = [item] {
+        return qMakePair(item->inputPortScenePos(QStringLiteral("Input")),
+                         item->outputPortScenePos(QStringLiteral("Output")));
+    };
+    const auto before = places();
+    context->setInputNodeInitialPos(QStringLiteral("Input"), {{-40, 0}, {-40, -30}});
+    context->setOutputNodeInitialPos(QStringLiteral("Output"), {{40, 0}, {40, 30}});
+    for (const char *slot : {"onParentNodeInputsRefreshed", "onParentNodeOutputsRefreshed"}) {
+        ASSERT_TRUE(QMetaObject::invokeMethod(context, slot, Q_ARG(bool, false)));
+        EXPECT_EQ(places(), before) << slot;
+    }
+    for (const char *slot : {"onParentNodeInputsRefreshed", "onParentNodeOutputsRefreshed"}) {
+        ASSERT_TRUE(QMetaObject::invokeMethod(context, slot, Q_ARG(bool, true)));
+        EXPECT_NE(places(), before) << slot;
+    }
+}
+
 TEST_F(ContextTest, placesOfPortsThatCannotBeReadAreLeftOut)
 {
     OssSnNodeGraphViewContext *context = contextOf(add("Filter/Blur"));

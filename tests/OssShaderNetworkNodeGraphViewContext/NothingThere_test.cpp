@@ -103,6 +103,8 @@ TEST_F(NothingThere, everyCommandOfAViewWithoutNetworkIsHarmless)
             OssShaderNetworkView view(nullptr);
             view.setScene(scene);
             EXPECT_GT(callSlots(&view, OssShaderNetworkView::staticMetaObject, node), 80);
+            view.importMaterial({QStringLiteral("a.oma")}, {5, 5});
+            view.importCustomProcedural({QStringLiteral("a.opc")}, {5, 5});
             EXPECT_EQ(undoCount(), 0);
             EXPECT_EQ(m_project->stateHash(), before);
         }

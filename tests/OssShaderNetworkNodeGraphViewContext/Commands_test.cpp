@@ -4,6 +4,7 @@
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Layers/OssLayerManager.h"
 #include "OssModel/Nodes/OssSnBakePointNode.h"
+#include "OssModel/Nodes/OssSnMultiChannelGroupNode.h"
 #include "OssModel/Objects/OssImageSet.h"
 
 #include <QAction>
@@ -295,6 +296,37 @@ TEST_F(CommandsTest, renamingTakesTheTypedName)
     EXPECT_TRUE(logHas(QStringLiteral("Only one node must be selected for renaming")));
     m_view->popupRenameWindow(nullptr);
     EXPECT_TRUE(logHas(QStringLiteral("NodeToRename is NULL")));
+}
+
+TEST_F(CommandsTest, mergesOfManyChannelsAreSwappedWholeOrNotAtAll)
+{
+    auto *merge = qobject_cast<OssSnMultiChannelGroupNode *>(
+        addAt("_System/MultiChannelMerge", {1500, 0}));
+    auto *base = addAt("_System/Material", {1200, 0});
+    auto *over = addAt("_System/Material", {1200, 300});
+    select({merge});
+    const auto swap = [&](const char *said) {
+        OssUndoManager::instance()->clear();
+        const QByteArray before = m_project->stateHash();
+        m_view->swapInputs();
+        EXPECT_TRUE(logHas(QString::fromLatin1(said))) << said;
+        EXPECT_EQ(undoCount(), 0) << said;
+        EXPECT_EQ(m_project->stateHash(), before) << said;
+    };
+    swap("Base input node is not a Multi-Channel-Group node");
+    ASSERT_TRUE(merge->batchConnectInputNode(QStringLiteral("Base"),
+                                             qobject_cast<OssSnMultiChannelGroupNode *>(base)));
+    swap("Over input node is not a Multi-Channel-Group node");
+    ASSERT_TRUE(merge->batchConnectInputNode(QStringLiteral("Over"),
+                                             qobject_cast<OssSnMultiChannelGroupNode *>(over)));
+    ASSERT_TRUE(wire(m_color, merge, "Roughness Over"));
+    swap("not all the input ports match up");
+    OssUndoManager::instance()->clear();
+    ASSERT_TRUE(
+        merge->setInputNode(QStringLiteral("Roughness Over"), over, QStringLiteral("Roughness")));
+    m_view->swapInputs();
+    EXPECT_EQ(merge->inputNode(QStringLiteral("Roughness Over")), base);
+    EXPECT_EQ(merge->inputNode(QStringLiteral("Normal Base")), over);
 }
 
 // --- selecting along the graph

@@ -431,4 +431,45 @@ TEST_F(CreationTest, titlesAndNotesAreEditedWhereTheyStand)
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
+TEST_F(CreationTest, aTitleIsEditedInItsBarAndAnEqualTextIsNoStep)
+{
+    OssSnBaseNode *area = addAt("Misc/Backdrop", {0, 0}, "Area");
+    contextOf(area)->setNodeSize({300, 200});
+    m_view->window()->show();
+    m_view->centerOn(itemOf(area));
+    m_view->scaleView(0.2); // texts are still legible
+    OssUndoManager::instance()->clear();
+    const auto edit = [&](const QPointF &place, const char *text) {
+        QTest::mouseDClick(m_view->viewport(), Qt::LeftButton, {},
+                           m_view->mapFromScene(itemOf(area)->pos() + place));
+        auto *editor = m_view->viewport()->findChild<QPlainTextEdit *>();
+        if (!editor)
+            return false;
+        EXPECT_GE(editor->font().pixelSize(), 9);
+        EXPECT_LT(editor->height(), 60) << "as high as the bar";
+        editor->setPlainText(QString::fromLatin1(text));
+        QTest::keyClick(editor, Qt::Key_Return);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        return true;
+    };
+    EXPECT_TRUE(edit({100, 12}, "Wall"));
+    EXPECT_EQ(area->attribute(QStringLiteral("TitleText")).toString(), QStringLiteral("Wall"));
+    EXPECT_EQ(undoCount(), 1);
+    EXPECT_TRUE(edit({100, 12}, "Wall"));
+    EXPECT_EQ(undoCount(), 1);
+    EXPECT_FALSE(edit({100, 120}, "Floor"));
+    EXPECT_EQ(area->attribute(QStringLiteral("TitleText")).toString(), QStringLiteral("Wall"));
+}
+
+TEST_F(CreationTest, shadersTakeTheStreamsOfWhatWasSelected)
+{
+    OssSnBaseNode *material = addAt("_System/Material", {0, 0});
+    selectOnly(material);
+    OssSnBaseNode *shader = create("Shaders/Standard Surface");
+    ASSERT_NE(shader, nullptr);
+    EXPECT_EQ(shader->inputNode(QStringLiteral("Roughness")), material);
+    EXPECT_EQ(shader->inputOutputPoint(QStringLiteral("Roughness")), QStringLiteral("Roughness"));
+    EXPECT_EQ(shader->inputNode(QStringLiteral("Normal")), material);
+}
+
 } // namespace

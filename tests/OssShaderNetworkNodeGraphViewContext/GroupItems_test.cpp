@@ -2,7 +2,10 @@
 #include "OssSnGroupNodeGraphViewContext.h"
 #include "support/DialogAnswers.h"
 
+#include <QApplication>
 #include <QTemporaryDir>
+#include <QTimer>
+#include <QTreeWidget>
 
 namespace {
 
@@ -157,6 +160,47 @@ TEST_F(GroupItems, nodesForNewPortsStandBesideWhatTheyFeedWhateverLiesBehind)
     }
     EXPECT_EQ(places.at(0), places.at(2));
     EXPECT_EQ(places.at(1), places.at(3));
+}
+
+TEST_F(GroupItems, theCommandOpensTheFirstSelectedGroupAndManagesKnobsFromInside)
+{
+    OssSnGroupNode *lower = addGroup("Lower");
+    OssSnGroupNode *upper = addGroup("Upper");
+    contextOf(lower)->setNodePosition({0, 300});
+    OssSnBaseNode *blur = addAt("Filter/Blur", {0, -300});
+    select({});
+    m_view->openGroupNodeSubgraph();
+    select({blur});
+    m_view->openGroupNodeSubgraph();
+    QTabWidget *widget = m_manager->nodeGraphWidget();
+    EXPECT_EQ(widget->count(), 1);
+    select({blur, lower, upper});
+    m_view->openGroupNodeSubgraph();
+    ASSERT_EQ(widget->count(), 2);
+    EXPECT_EQ(widget->tabText(1), QStringLiteral("Upper"));
+
+    // Of the selected group, or of the one around.
+    const auto managed = [](OssShaderNetworkView *view) {
+        int knobs = -1;
+        QTimer::singleShot(0, [&knobs] {
+            QWidget *dialog = QApplication::activeModalWidget();
+            if (!dialog)
+                return;
+            knobs = dialog->findChild<QTreeWidget *>()->topLevelItemCount();
+            dialog->close();
+        });
+        view->manageUserKnobs();
+        QCoreApplication::processEvents();
+        return knobs;
+    };
+    OssSnBaseNode *inner = upper->groupNetwork()->createNode(QStringLiteral("Filter/Blur"));
+    upper->createKnob(inner, QStringLiteral("Radius"));
+    EXPECT_EQ(managed(m_manager->currentView()), 1);
+    widget->setCurrentIndex(0);
+    select({blur, lower});
+    EXPECT_EQ(managed(m_view), 0);
+    select({blur});
+    EXPECT_EQ(managed(m_view), -1);
 }
 
 } // namespace

@@ -262,3 +262,25 @@ TEST_F(BakingTest, thePaintNodeTakesOverTheChosenOutputAlone)
               nullptr);
     EXPECT_EQ(other->inputNode(QStringLiteral("Input")), several);
 }
+
+TEST_F(BakingTest, withoutAnObjectNothingIsExportedAndWhatFailsIsTakenBack)
+{
+    OssShaderNetwork alone;
+    OssSnBaseNode *color = alone.createNode(QStringLiteral("Procedural/Color"));
+    color->setSelected(true);
+    OssGeoImageSet *channel = m_network->geoEntity()->addGeoImageSet(QStringLiteral("Rust"));
+    OssUndoManager::instance()->clear();
+    OssShaderNetworkView view(nullptr);
+    view.setNetwork(&alone);
+    view.exportToGeoChannel(channel);
+    EXPECT_TRUE(logHas(QStringLiteral("pGeoEntity is NULL")));
+    EXPECT_FALSE(channel->isValid());
+
+    const ExpectedLog refused("it computes no pixels");
+    const QByteArray before = m_project->stateHash();
+    select({m_network->viewerNode()});
+    m_view->exportToGeoChannel(channel);
+    EXPECT_FALSE(channel->isValid());
+    EXPECT_EQ(m_project->stateHash(), before);
+    EXPECT_EQ(undoCount(), 0);
+}

@@ -150,4 +150,43 @@ TEST_F(Drops, aPictureGoesToEveryPlaceOfItsNodeAndNowhereWithoutOne)
             << name;
 }
 
+TEST_F(Drops, imagesOfTheListBecomeTiledOnesOrWithShiftProjections)
+{
+    QList<OssImage *> images;
+    for (const char *name : {"a.png", "b.png"}) {
+        QImage picture(4, 4, QImage::Format_RGB32);
+        picture.fill(Qt::blue);
+        ASSERT_TRUE(picture.save(file(name)));
+        images.append(OssImageManager::instance()->open(file(name), 0, {}).first().image);
+    }
+    QStringList ids;
+    for (const OssImage *image : images)
+        ids.append(image->uniqueId().toString());
+    QMimeData mime;
+    mime.setData(OssImage::MimeType, ids.join(QLatin1Char(',')).toUtf8());
+    m_view->window()->show();
+    QWindow *window = m_view->window()->windowHandle();
+    for (const bool shift : {false, true}) {
+        const QString key = shift ? QStringLiteral("Environment/Tri Planar Projection")
+                                  : QStringLiteral("Procedural/Pattern/Tiled");
+        const Qt::KeyboardModifiers modifiers = shift ? Qt::ShiftModifier : Qt::NoModifier;
+        OssUndoManager::instance()->clear();
+        if (shift)
+            QTest::keyPress(window, Qt::Key_Shift, modifiers);
+        QDragEnterEvent enter(Place, Qt::CopyAction, &mime, Qt::LeftButton, modifiers);
+        QCoreApplication::sendEvent(m_view->viewport(), &enter);
+        QDragMoveEvent move(Place, Qt::CopyAction, &mime, Qt::LeftButton, modifiers);
+        QCoreApplication::sendEvent(m_view->viewport(), &move);
+        QDropEvent event(Place, Qt::CopyAction, &mime, Qt::LeftButton, modifiers);
+        QCoreApplication::sendEvent(m_view->viewport(), &event);
+        if (shift)
+            QTest::keyRelease(window, Qt::Key_Shift);
+        const QList<OssSnBaseNode *> made = m_network->selectedNodes();
+        ASSERT_EQ(made.size(), 2) << shift;
+        for (const OssSnBaseNode *node : made)
+            EXPECT_EQ(node->pathKey(), key);
+        EXPECT_EQ(undoCount(), 1);
+    }
+}
+
 } // namespace

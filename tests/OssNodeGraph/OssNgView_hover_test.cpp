@@ -415,6 +415,20 @@ TEST_F(OssNgHoverTest, areasSnapToTheGridByTheWayTheyAreDragged)
     EXPECT_EQ(b->pos(), QPointF(303 + 43, 45 + 41)) << "by the way of the pressed one";
 }
 
+TEST_F(OssNgHoverTest, aCutThatIsTakenBackLeavesWiresAsTheyWere)
+{
+    OssNgEdge *wire = b->attachInput(In, a, Out);
+    view.setCursorTrackingMode(OssNgView::SeverTracking);
+    const QPointF end = b->inputPortScenePos(In) + QPointF(-25, 0);
+    press(end + QPointF(0, -30));
+    move(end + QPointF(0, 20));
+    EXPECT_TRUE(wire->hasMark(OssNgEdge::Doomed));
+    key(Qt::Key_Escape);
+    EXPECT_FALSE(wire->hasMark(OssNgEdge::Doomed));
+    release(end + QPointF(0, 20));
+    EXPECT_EQ(b->input(In), wire);
+}
+
 TEST_F(OssNgHoverTest, aModeThatIsChosenDuringADragOutlastsIt)
 {
     press(body(a));

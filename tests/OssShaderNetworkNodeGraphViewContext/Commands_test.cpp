@@ -287,6 +287,14 @@ TEST_F(CommandsTest, renamingTakesTheTypedName)
         QTest::keyClick(dialog->findChild<QLineEdit *>(), Qt::Key_Return);
     });
     m_view->popupRenameWindow();
+    EXPECT_EQ(m_blur->name(), QStringLiteral("Soft"));
+    QTimer::singleShot(0, [] {
+        QWidget *dialog = QApplication::activeModalWidget();
+        ASSERT_NE(dialog, nullptr);
+        QTest::keyClicks(dialog->findChild<QLineEdit *>(), QStringLiteral("Hard"));
+        QTest::keyClick(dialog, Qt::Key_Escape);
+    });
+    m_view->popupRenameWindow();
     OssApplication::setPopupsAllowed(false);
     EXPECT_EQ(m_blur->name(), QStringLiteral("Soft"));
     m_view->popupRenameWindow(); // without a user nothing is typed
@@ -367,6 +375,11 @@ TEST_F(CommandsTest, selectionWalksUpAndDownAndStaysAtTheEnds)
     m_view->selectBetween();
     EXPECT_EQ(selection(), (Set{m_color}));
     EXPECT_EQ(undoCount(), 0);
+    m_merge->addTag(QStringLiteral("_systemShader")); // the application's own
+    m_merge->setDescription(QStringLiteral("stays"));
+    m_view->selectAll();
+    EXPECT_FALSE(m_merge->selected());
+    EXPECT_TRUE(m_blur->selected() && m_levels->selected());
 }
 
 TEST_F(CommandsTest, walksLeaveAGroupButSelectNothingOutside)

@@ -141,9 +141,10 @@ TEST_F(Drops, aPictureGoesToEveryPlaceOfItsNodeAndNowhereWithoutOne)
     EXPECT_EQ(told.count(), 0);
     EXPECT_EQ(m_network->nodes().size(), count);
     m_view->createNodeFromDropImage(image, QStringLiteral("Environment/Tri Planar Projection"),
-                                    {300, 300});
+                                    {3000, 3000});
     ASSERT_EQ(m_network->nodes().size(), count + 1);
     const OssSnBaseNode *node = m_network->nodes().last();
+    EXPECT_EQ(itemOf(node)->pos(), QPointF(3000, 3000));
     for (const char *name : {"frontImage", "topImage", "rightImage"})
         EXPECT_EQ(
             OssImageList::fromVariant(node->attribute(QString::fromLatin1(name))).ids().size(), 1)

@@ -152,6 +152,11 @@ TEST_F(ViewTest, doubleClickNamesTheNodeAndPicksTheViewer)
     QTest::mouseDClick(m_view->viewport(), Qt::LeftButton, {}, at(viewer));
     ASSERT_EQ(clicked.count(), 1);
     EXPECT_EQ(OssShaderNetworkManager::instance()->currentViewerNode(), viewer);
+    OssSnBaseNode *blur = addAt("Filter/Blur", {0, 300});
+    QTest::mouseDClick(m_view->viewport(), Qt::LeftButton, {}, at(blur));
+    EXPECT_EQ(OssShaderNetworkManager::instance()->currentViewerNode(), viewer);
+    clicked.removeLast();
+    select({});
     // On the empty canvas the selection stands in.
     viewer->setSelected(true);
     QTest::mouseDClick(m_view->viewport(), Qt::LeftButton, {}, QPoint(5, 5));

@@ -214,3 +214,66 @@ TEST_F(SearchLists, theQuickListFitsIntoTheView)
         EXPECT_EQ(dialog.nodePosition(), QPoint(10, 10));
     }
 }
+
+TEST_F(SearchLists, theQuickListStandsAtThePointerAndWhollyOverTheView)
+{
+    QWidget view;
+    view.resize(600, 500);
+
+    const struct
+    {
+        QPoint pointer;
+        QPoint corner;
+    } cases[] = {
+        {{10, 20}, {10, 20}},
+        {{590, 490}, {599 - 420, 499 - 460}},
+        {{-30, -40}, {0, 0}},
+    };
+
+    for (const auto &c : cases) {
+        const OssNodeQuickFindDialog dialog({}, {}, 5, c.pointer, view.size(), &view);
+        EXPECT_EQ(view.mapFromGlobal(dialog.pos()), c.corner) << c.pointer.x();
+    }
+    view.resize(100, 100);
+    const OssNodeQuickFindDialog larger({}, {}, 5, {50, 60}, view.size(), &view);
+    EXPECT_EQ(view.mapFromGlobal(larger.pos()), QPoint(0, 0));
+}
+
+TEST_F(SearchLists, favouritesAreMarkedByAKeyOrTheStarAndChosenBesideIt)
+{
+    OssNodeQuickFindDialog dialog({}, {}, 5, {10, 10}, {600, 600});
+    dialog.show();
+    auto *field = dialog.findChild<QLineEdit *>();
+    auto *list = dialog.findChild<QListView *>();
+    const auto click = [list](int row, bool star) {
+        const QRect place = list->visualRect(list->model()->index(row, 0));
+        const QPoint at = star ? OssSearchRowDelegate::starRect(place).center() : place.center();
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, at);
+    };
+    QTest::keyClick(field, Qt::Key_Space);
+    QTest::keyClick(field, Qt::Key_B, Qt::ControlModifier);
+    EXPECT_TRUE(dialog.favourites().isEmpty());
+    field->clear();
+    const QString first = key(*list->model(), 0);
+    QTest::keyClick(field, Qt::Key_Space, Qt::ControlModifier);
+    EXPECT_EQ(dialog.favourites(), QStringList{first});
+    EXPECT_TRUE(field->text().isEmpty());
+    const QString third = key(*list->model(), 2);
+    click(2, true);
+    EXPECT_EQ(dialog.favourites(), QStringList({first, third}));
+    EXPECT_TRUE(dialog.isVisible()) << "marked, not taken";
+    EXPECT_TRUE(dialog.chosenPathKey().isEmpty());
+
+    field->setText(QStringLiteral("blur"));
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
+                      list->viewport()->rect().bottomLeft() + QPoint(5, -5));
+    field->setText(QStringLiteral("zzqx"));
+    QTest::keyClick(field, Qt::Key_Return);
+    EXPECT_TRUE(dialog.isVisible()) << "there is nothing to take";
+    field->clear();
+    const QString taken = key(*list->model(), 1);
+    click(1, false);
+    EXPECT_FALSE(dialog.isVisible());
+    EXPECT_EQ(dialog.chosenPathKey(), taken);
+    EXPECT_EQ(dialog.favourites().size(), 2);
+}

@@ -17,7 +17,10 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QTemporaryDir>
+#include <QTest>
 #include <QTimer>
+
+#include <functional>
 
 namespace {
 
@@ -172,4 +175,54 @@ TEST(Dialogs, aFolderWithTheSuffixIsReplacedAfterAskingAndNotEntered)
     EXPECT_EQ(save(name, QMessageBox::No), std::make_pair(QString(), 1));
     EXPECT_EQ(save(QStringLiteral("floor"), QMessageBox::No),
               std::make_pair(folder.filePath(QStringLiteral("floor.ossa")), 0));
+}
+
+TEST(Dialogs, boxesLookLikeWhatTheySayAndReturnTakesWhatIsMeant)
+{
+    struct Seen
+    {
+        QImage icon;
+        QMessageBox::StandardButton answer = QMessageBox::NoButton;
+    };
+
+    const auto ask = [](const std::function<QMessageBox::StandardButton()> &box, Qt::Key key) {
+        Seen seen;
+
+        QTimer::singleShot(0, [&] {
+            auto *open = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            seen.icon = open->iconPixmap().toImage();
+
+            QTest::keyClick(
+                open->defaultButton() ? static_cast<QWidget *>(open->defaultButton()) : open, key);
+            if (open->isVisible())
+                open->close();
+        });
+        seen.answer = box();
+        return seen;
+    };
+    const QString text = QStringLiteral("T");
+    const auto warning = [&] {
+        return OssMessageBox::warning(nullptr, text, text);
+    };
+    const auto information = [&] {
+        return OssMessageBox::information(nullptr, text, text);
+    };
+    const auto question = [&] {
+        return OssMessageBox::question(
+            nullptr, text, text, QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel,
+            QMessageBox::Discard);
+    };
+    EXPECT_EQ(ask(question, Qt::Key_Return).answer, QMessageBox::Discard);
+    EXPECT_EQ(ask(question, Qt::Key_Escape).answer, QMessageBox::Cancel);
+    const QImage icons[] = {ask(warning, Qt::Key_Escape).icon,
+                            ask(information, Qt::Key_Escape).icon,
+                            ask(question, Qt::Key_Escape).icon};
+    EXPECT_NE(icons[0], icons[1]);
+    EXPECT_NE(icons[1], icons[2]);
+    const auto isYellow = [](const QImage &icon) {
+        const QColor edge = icon.pixelColor(icon.width() / 2, icon.height() * 34 / 40);
+        return edge.alpha() > 200 && edge.red() > edge.blue() + 60;
+    };
+    EXPECT_TRUE(isYellow(icons[0])) << "the sill of the triangle";
+    EXPECT_FALSE(isYellow(icons[1]) || isYellow(icons[2]));
 }

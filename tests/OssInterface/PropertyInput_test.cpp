@@ -1,5 +1,6 @@
 #include "OssInterface/Properties/OssNumberField.h"
 #include "OssInterface/Properties/OssPropertyEditor.h"
+#include "support/DialogAnswers.h"
 
 #include <gtest/gtest.h>
 
@@ -8,6 +9,7 @@
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -232,6 +234,103 @@ TEST_F(NumberInput, dragsWithoutASliderGoByTheValueAndEscapeGivesItBack)
     drag({4, 54});
     EXPECT_DOUBLE_EQ(field.value(), 0.5) << "it leaves nought";
     QTest::mouseRelease(&field, Qt::LeftButton, {}, {124, 12});
+}
+
+TEST_F(NumberInput, stepsFitTheValueTheRangeAndTheKind)
+{
+    using Range = OssNumberField::Range;
+    const auto slider = [](double low, double high) {
+        Range range;
+        range.softMinimum = low;
+        range.softMaximum = high;
+        return range;
+    };
+    Range whole;
+    whole.isInteger = true;
+    Range bounded;
+    bounded.minimum = -1.0;
+    bounded.maximum = 0.123456789012345;
+
+    const struct
+    {
+        Range range;
+        double value;
+        Qt::Key key;
+        double wanted;
+    } cases[] = {
+        {{}, 0.7, Qt::Key_Up, 0.8},
+        {{}, 0.0, Qt::Key_Down, -0.1},
+        {{}, 73.0, Qt::Key_Right, 78.0},
+        {{}, -20.0, Qt::Key_Left, -22.0},
+        {{}, 0.3, Qt::Key_PageUp, 1.3},
+        {{}, 0.3, Qt::Key_PageDown, -0.7},
+        {{}, 0.3, Qt::Key_Home, 0.3},
+        {{}, 0.3, Qt::Key_End, 0.3},
+        {whole, 7.0, Qt::Key_Up, 8.0},
+        {whole, 7.0, Qt::Key_PageDown, -3.0},
+        {slider(0.0, 1.0), 0.5, Qt::Key_Up, 0.52},
+        {slider(0.0, 1.0), 7.0, Qt::Key_Down, 6.98},
+        {slider(0.0, 500.0), 100.0, Qt::Key_Up, 110.0},
+        {slider(1.0, 1.0), 1.0, Qt::Key_Up, 1.1},
+        {slider(-2.0, 3.0), 0.5, Qt::Key_Home, -2.0},
+        {bounded, 0.1, Qt::Key_End, 0.123456789012345},
+        {bounded, 0.1, Qt::Key_PageUp, 0.123456789012345},
+        {bounded, -0.95, Qt::Key_PageDown, -1.0},
+    };
+
+    for (const auto &c : cases) {
+        field.setRange(c.range);
+        field.setValue(c.value);
+        QSignalSpy stepped(&field, &OssNumberField::stepped);
+        QTest::keyClick(&field, c.key);
+        EXPECT_DOUBLE_EQ(field.value(), c.wanted) << &c - cases;
+        EXPECT_EQ(stepped.isEmpty(), c.value == c.wanted) << &c - cases;
+    }
+    field.setMixed(true);
+    QSignalSpy stepped(&field, &OssNumberField::stepped);
+    QTest::keyClick(&field, Qt::Key_Home);
+    EXPECT_EQ(stepped.size(), 1) << "now they have all the same value";
+}
+
+TEST_F(NumberInput, theFocusStaysInTheFieldOrWhereTheUserPutIt)
+{
+    QWidget window;
+    auto *first = new OssNumberField(&window);
+    auto *second = new OssNumberField(&window);
+    second->move(0, 50);
+    window.show();
+    window.activateWindow();
+    first->setFocus();
+    QApplication::processEvents();
+    ASSERT_TRUE(first->hasFocus());
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape}) {
+        first->startTyping();
+        ASSERT_NE(window.focusWidget(), first);
+        QTest::keyClick(window.focusWidget(), key);
+        EXPECT_FALSE(first->isTyping());
+        EXPECT_EQ(window.focusWidget(), first) << key;
+    }
+    first->startTyping();
+    second->setFocus();
+    EXPECT_FALSE(first->isTyping());
+    EXPECT_EQ(window.focusWidget(), second);
+}
+
+TEST(PropertyInput, aFileIsChosenInADialog)
+{
+    const QTemporaryDir folder;
+    QFile picture(folder.filePath(QStringLiteral("wood.png")));
+    ASSERT_TRUE(picture.open(QIODevice::WriteOnly));
+    const auto editor = editorFor("file");
+    editor->show();
+    QSignalSpy edited(editor.get(), &OssPropertyEditor::edited);
+    for (const QString &file : {QString(), picture.fileName()}) {
+        const DialogAnswers answers(file);
+        editor->findChild<QPushButton *>()->click();
+        EXPECT_EQ(answers.questions, 1);
+        EXPECT_EQ(edited.size(), file.isEmpty() ? 0 : 1) << "leaving it changes nothing";
+    }
+    EXPECT_EQ(edited.first().first().toString(), picture.fileName());
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "OssInterface/Properties/OssRampEditor.h"
 #include "PropertiesFixture.h"
 
+#include <QClipboard>
 #include <QComboBox>
 #include <QSignalSpy>
 #include <QWheelEvent>
@@ -156,4 +157,98 @@ TEST_F(PropertyValues, aRampHasRoomForSoManyStops)
         QTest::keyClick(ramp, Qt::Key_Plus);
     }
     EXPECT_EQ(ramp->stops().size(), 64);
+}
+
+TEST_F(PropertyValues, stopsOfARampMoveBetweenTheirNeighboursAndSayWhereTheyAre)
+{
+    auto *ramp = editor<OssRampField>("Colors");
+    ASSERT_NE(ramp, nullptr);
+    ramp->setStops({{0.25, {0, 0, 0, 1}}, {0.5, {1, 1, 1, 1}}, {0.75, {0, 0, 0, 1}}});
+    const auto choose = [ramp](int stop) {
+        for (int i = 0; i < 3 && ramp->current() != stop; ++i)
+            QTest::keyClick(ramp, Qt::Key_Space);
+        ASSERT_EQ(ramp->current(), stop);
+    };
+    choose(1);
+
+    const struct
+    {
+        double to;
+        double place;
+    } moves[] = {{0.6, 0.6}, {0.9, 0.75}, {0.1, 0.25}, {-1.0, 0.25}, {0.5, 0.5}};
+
+    for (const auto &move : moves) {
+        ramp->setCurrentPlace(move.to);
+        EXPECT_DOUBLE_EQ(ramp->stops().at(1).place, move.place) << move.to;
+        EXPECT_EQ(ramp->accessibleDescription(),
+                  QStringLiteral("stop 2 of 3 at %1").arg(move.place));
+    }
+    choose(0);
+    ramp->setCurrentPlace(-1.0);
+    EXPECT_DOUBLE_EQ(ramp->stops().at(0).place, 0.0) << "the first has the end";
+    choose(2);
+    ramp->setCurrentPlace(2.0);
+    EXPECT_DOUBLE_EQ(ramp->stops().at(2).place, 1.0);
+
+    const struct
+    {
+        Qt::Key key;
+        Qt::KeyboardModifiers modifiers;
+        double place;
+    } keys[] = {{Qt::Key_Left, {}, 0.99},
+                {Qt::Key_Left, Qt::ShiftModifier, 0.989},
+                {Qt::Key_Right, {}, 0.999},
+                {Qt::Key_Right, Qt::ShiftModifier, 1.0},
+                {Qt::Key_Right, {}, 1.0}};
+
+    for (const auto &press : keys) {
+        QTest::keyClick(ramp, press.key, press.modifiers);
+        EXPECT_NEAR(ramp->stops().at(2).place, press.place, 1e-9);
+    }
+    for (const int next : {0, 1, 2, 0}) {
+        QTest::keyClick(ramp, Qt::Key_Space);
+        EXPECT_EQ(ramp->current(), next);
+    }
+    ramp->setStops({{0.5, {1, 0, 0, 1.5F}}});
+    EXPECT_EQ(ramp->current(), 0);
+    EXPECT_FALSE(ramp->grab().isNull()) << "more than opaque is opaque";
+    ramp->setStops({});
+    EXPECT_EQ(ramp->currentStop(), nullptr);
+    ramp->setCurrentPlace(0.5);
+    ramp->setCurrentColor({});
+    EXPECT_TRUE(ramp->stops().isEmpty());
+    EXPECT_FALSE(ramp->grab().isNull());
+}
+
+TEST_F(PropertyValues, whatIsPastedIsReadAsTheValueIsWritten)
+{
+    const struct
+    {
+        const char *attribute;
+        const char *text;
+        QVariant wanted; ///< null: refused
+    } cases[] = {
+        {"Amount", "2*3", 6.0},
+        {"Amount", " 0.25 ", 0.25},
+        {"Amount", "", {}},
+        {"Amount", "two", {}},
+        {"Count", "1+3", 4},
+        {"Count", "(", {}},
+        {"Line", "2*3", QStringLiteral("2*3")},
+        {"Mode", "Mix", QStringLiteral("Mix")},
+        {"Place", "nowhere", {}},
+    };
+
+    for (const auto &c : cases) {
+        const QString name = QLatin1String(c.attribute);
+        const QVariant before = m_node->attribute(name);
+        QApplication::clipboard()->setText(QString::fromUtf8(c.text));
+        m_panel->row(name)->pasteValue();
+        EXPECT_EQ(m_node->attribute(name), c.wanted.isValid() ? c.wanted : before) << c.text;
+    }
+    const QVariant kept = m_node->attribute(QStringLiteral("Amount"));
+    m_panel->setLocked(true);
+    QApplication::clipboard()->setText(QStringLiteral("0.5"));
+    m_panel->row(QStringLiteral("Amount"))->pasteValue();
+    EXPECT_EQ(m_node->attribute(QStringLiteral("Amount")), kept);
 }

@@ -376,7 +376,6 @@ void OssNumberField::startTyping(const QString &first)
     m_typing->setFocus();
     if (first.isEmpty())
         m_typing->selectAll();
-    connect(m_typing, &QLineEdit::returnPressed, this, [this] { finishTyping(true); });
 }
 
 bool OssNumberField::eventFilter(QObject *watched, QEvent *event)
@@ -390,8 +389,9 @@ bool OssNumberField::eventFilter(QObject *watched, QEvent *event)
     }
     if (event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent *>(event)->key();
-        if (key == Qt::Key_Escape) {
-            finishTyping(false);
+        // Used up here: the field around would begin anew at Return.
+        if (key == Qt::Key_Escape || key == Qt::Key_Return || key == Qt::Key_Enter) {
+            finishTyping(key != Qt::Key_Escape);
             return true;
         }
         if (key == Qt::Key_Tab || key == Qt::Key_Backtab) {

@@ -1,0 +1,82 @@
+#include "OssInterface/Properties/OssNodePropertyPanel.h"
+#include "OssInterface/Properties/OssPropertyRow.h"
+#include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
+#include "support/ModelFixture.h"
+
+#include <QCoreApplication>
+#include <QLabel>
+
+// What panels tell of knobs and of what they are linked to.
+
+namespace {
+
+class PropertyKnobs : public ModelFixture
+{
+protected:
+    void SetUp() override
+    {
+        ModelFixture::SetUp();
+        m_first = add("Filter/Blur", "First");
+        m_second = add("Filter/Blur", "Second");
+        m_group = m_network->groupNodes({m_first, m_second});
+        ASSERT_NE(m_group, nullptr);
+        m_group->setName(QStringLiteral("Moss"));
+        m_group->createKnob(m_first, QStringLiteral("Radius"));
+    }
+
+    static const QLabel *label(const OssNodePropertyPanel &panel)
+    {
+        return panel.row(QStringLiteral("Radius"))->label();
+    }
+
+    static bool tells(const OssNodePropertyPanel &panel, const char *what)
+    {
+        return label(panel)->toolTip().contains(QLatin1String(what));
+    }
+
+    OssSnBaseNode *m_first = nullptr;
+    OssSnBaseNode *m_second = nullptr;
+    OssSnGroupNode *m_group = nullptr;
+};
+
+TEST_F(PropertyKnobs, bothSidesTellOfEachOtherAsLinksComeAndBreak)
+{
+    const OssNodePropertyPanel group(m_group, {}, nullptr);
+    const OssNodePropertyPanel first(m_first, {}, nullptr);
+    const OssNodePropertyPanel second(m_second, {}, nullptr);
+    EXPECT_TRUE(tells(first, "Knob \"Radius\" of Moss"));
+    EXPECT_TRUE(tells(group, "First.Radius"));
+    EXPECT_FALSE(tells(second, "Knob"));
+    EXPECT_FALSE(tells(group, "Second"));
+    m_group->addKnobLink(QStringLiteral("Radius"), m_second, QStringLiteral("Radius"));
+    EXPECT_TRUE(tells(second, "Knob \"Radius\" of Moss"));
+    EXPECT_TRUE(tells(group, "Linked to") && tells(group, "Second.Radius"));
+    EXPECT_FALSE(tells(group, "Broken"));
+    EXPECT_NE(label(group)->accessibleDescription(), QStringLiteral("a link is broken"));
+
+    m_group->groupNetwork()->removeNodes({m_second});
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(tells(group, "Broken link to")) << qPrintable(label(group)->toolTip());
+    EXPECT_TRUE(tells(group, "Linked to")) << "the other is whole";
+    EXPECT_EQ(label(group)->accessibleDescription(), QStringLiteral("a link is broken"));
+    OssUndoManager::instance()->undo();
+    EXPECT_FALSE(tells(group, "Broken")) << "it came back";
+}
+
+TEST_F(PropertyKnobs, panelsOfNodesThatAreGoneStandStill)
+{
+    OssNodePropertyPanel panel(m_first, {}, nullptr);
+    OssProjectManager::instance()->closeProject();
+    ASSERT_EQ(panel.node(), nullptr);
+    Q_EMIT OssLinkedCustomAttributeManager::instance()->linksChanged(nullptr,
+                                                                     QStringLiteral("Radius"));
+    panel.setPinned(true);
+    panel.setLocked(true);
+    EXPECT_FALSE(panel.isPinned() || panel.isLocked());
+    panel.copyValues();
+    panel.pasteValues();
+    panel.resetValues();
+    EXPECT_EQ(undoCount(), 0);
+}
+
+} // namespace

@@ -1,5 +1,6 @@
 #include "Ossa/Palettes/ImagesPanel.h"
 
+#include "Ossa/Palettes/DragList.h"
 #include "Ossa/Palettes/ImageListModel.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Images/OssImage.h"
@@ -11,12 +12,17 @@
 
 #include <gtest/gtest.h>
 
+#include <QAction>
+#include <QDrag>
 #include <QIcon>
 #include <QListView>
+#include <QMenu>
 #include <QMimeData>
 #include <QPushButton>
+#include <QStandardItemModel>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 
 #include <memory>
 
@@ -122,5 +128,85 @@ TEST_F(Images, onlyPicturesCanBeDropped)
         files.setUrls({QUrl::fromLocalFile(path(name))});
         EXPECT_EQ(model.canDropMimeData(&files, Qt::CopyAction, -1, -1, {}),
                   QLatin1String(name) == QLatin1String("wood.png"));
+    }
+}
+
+TEST_F(Images, offerTheirActionsUnderOneMenuEach)
+{
+    ImageListModel::add({path("wood.png")});
+    ImagesPanel panel;
+    panel.resize(300, 300);
+    panel.show();
+    auto *list = panel.findChild<QListView *>();
+    QAction first(QStringLiteral("First"));
+    QAction second(QStringLiteral("Second"));
+    QAction third(QStringLiteral("Third"));
+    auto gone = std::make_unique<QAction>(QStringLiteral("Gone"));
+    auto *images = OssImageManager::instance();
+    images->registerGlobalContextMenuAction(&first, QStringLiteral("Use"), {});
+    images->registerGlobalContextMenuAction(gone.get(), QStringLiteral("Use"), {});
+    images->registerGlobalContextMenuAction(&second, QStringLiteral("Other"), {});
+    images->registerGlobalContextMenuAction(&third, QStringLiteral("Use"), {});
+    gone.reset();
+    QStringList offered;
+    const auto open = [&](const QPoint &place) {
+        offered.clear();
+        QTimer::singleShot(0, [&offered] {
+            auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+            if (!menu)
+                return;
+            const QList<QAction *> entries = menu->actions();
+            for (const QAction *entry : entries) {
+                QStringList names;
+                const QList<QAction *> actions = entry->menu()->actions();
+                for (const QAction *action : actions)
+                    names.append(action->text());
+                offered.append(entry->text() + QLatin1Char(':') + names.join(QLatin1Char(',')));
+            }
+            menu->close();
+        });
+        Q_EMIT list->customContextMenuRequested(place);
+        QCoreApplication::processEvents();
+    };
+    open(list->visualRect(list->model()->index(0, 0)).center());
+    const QStringList wanted{QStringLiteral("Use:First,Third"), QStringLiteral("Other:Second")};
+    for (const QString &menu : wanted)
+        EXPECT_TRUE(offered.contains(menu)) << qPrintable(offered.join(QLatin1Char('\n')));
+    open(list->viewport()->rect().bottomRight() - QPoint(3, 3));
+    EXPECT_TRUE(offered.isEmpty()) << "there is no image";
+}
+
+TEST_F(Images, areDraggedAsIdsWithTheirPictures)
+{
+    struct List final : DragList
+    {
+        using DragList::startDrag;
+    };
+
+    ImageListModel::add({path("wood.png")});
+    QStandardItemModel plain;
+    plain.appendRow(new QStandardItem(QStringLiteral("Blur")));
+    ImageListModel images;
+
+    const struct
+    {
+        QAbstractItemModel *model;
+        bool selected;
+        bool picture;
+    } cases[] = {{&images, false, false}, {&images, true, true}, {&plain, true, false}};
+
+    for (const auto &c : cases) {
+        List list;
+        list.setModel(c.model);
+        list.show();
+        if (c.selected)
+            list.selectionModel()->select(c.model->index(0, 0), QItemSelectionModel::Select);
+        list.startDrag(Qt::CopyAction);
+        const auto *drag = list.findChild<QDrag *>(); // there until events are handled
+        ASSERT_EQ(drag != nullptr, c.selected) << &c - cases;
+        if (!drag)
+            continue;
+        EXPECT_EQ(!drag->pixmap().isNull(), c.picture);
+        EXPECT_FALSE(drag->mimeData()->formats().isEmpty());
     }
 }

@@ -1,5 +1,6 @@
 #include "Ossa/Viewer/ObjectView.h"
 
+#include "Ossa/Viewer/ObjectCamera.h"
 #include "Ossa/Viewer/ViewerPictures.h"
 #include "OssEvaluation/Geometry/OssEvMesh.h"
 
@@ -246,6 +247,56 @@ TEST(ObjectCameras, frameWhatTheyLookAtAndKeepItThere)
     EXPECT_NEAR(onScreen(centre).x(), 0.5F, 1e-3F);
     camera.zoom(2.0F);
     EXPECT_LT(-camera.view().map(centre).z(), depth);
+}
+
+TEST(ObjectCameras, comeAsNearAndGoAsFarAsIsOfUse)
+{
+    ObjectCamera camera;
+    camera.frame({0, 0, 0}, 2.0F);
+    const auto distance = [&camera] {
+        return double(camera.view().map(QVector3D()).length());
+    };
+    const double framed = distance();
+    camera.zoom(2.0F);
+    EXPECT_NEAR(distance(), framed / 2.0, 1e-4);
+    camera.zoom(1e9F);
+    EXPECT_NEAR(distance(), 0.05 * 2.0, 1e-4);
+    camera.zoom(1e-9F);
+    EXPECT_NEAR(distance(), 200.0 * 2.0, 1e-2);
+    camera.frame({0, 0, 0}, 0.0F);
+    EXPECT_GT(distance(), 0.0) << "a point is looked at from somewhere";
+}
+
+TEST(ObjectCameras, turnOverTheTopOnlyToTheTop)
+{
+    ObjectCamera camera;
+    camera.frame({0, 0, 0}, 1.0F);
+    for (const double way : {50.0, -50.0}) {
+        camera.orbit({0.0, way});
+        const QVector3D up = camera.view().mapVector({0.0F, 1.0F, 0.0F});
+        EXPECT_GT(up.y(), 0.0F) << "upright";
+        EXPECT_LT(up.y(), 0.1F) << "from above or below";
+    }
+    const QMatrix4x4 before = camera.view();
+    camera.orbit({360.0 / 240.0, 0.0});
+    EXPECT_TRUE(qFuzzyCompare(before, camera.view())
+                || (before * QVector3D(1, 2, 3) - camera.view() * QVector3D(1, 2, 3)).length()
+                       < 1e-3F)
+        << "once around";
+}
+
+TEST(ObjectCameras, showTheWholeBallInNarrowViewsToo)
+{
+    ObjectCamera camera;
+    camera.frame({0, 0, 0}, 1.0F);
+    for (const float aspect : {0.25F, 1.0F, 4.0F}) {
+        const QMatrix4x4 seen = camera.projection(aspect) * camera.view();
+        const QMatrix4x4 back = camera.view().inverted();
+        for (const QVector3D &side : {QVector3D(1, 0, 0), QVector3D(0, 1, 0)}) {
+            const QVector3D at = seen.map(back.mapVector(side));
+            EXPECT_LT(std::max(std::abs(at.x()), std::abs(at.y())), 1.0F) << double(aspect);
+        }
+    }
 }
 
 } // namespace

@@ -3,10 +3,18 @@
 #include "../support/ModelFixture.h"
 #include "Ossa/Viewer/PaintSession.h"
 #include "Ossa/Viewer/ViewerSource.h"
+#include "OssCore/Program/OssSettings.h"
 #include "OssModel/Nodes/OssSnImageSetNodeBase.h"
+#include "OssModel/Objects/OssImageSet.h"
+#include "support/DialogAnswers.h"
 
+#include <QColorDialog>
 #include <QComboBox>
+#include <QDir>
+#include <QLabel>
 #include <QSpinBox>
+#include <QTest>
+#include <QTimer>
 #include <QToolButton>
 
 namespace {
@@ -151,6 +159,85 @@ TEST_F(PaintBars, fieldsAreTheBrush)
     EXPECT_DOUBLE_EQ(m_session->brush().opacity, 0.25);
     button("Eraser")->setChecked(false);
     EXPECT_FALSE(m_session->brush().erases);
+}
+
+TEST_F(PaintBars, aColourIsTakenFromThePickerAndLeavingItChangesNothing)
+{
+    OssEvBrush brush = m_session->brush();
+    brush.erases = true;
+    brush.color = {0.25F, 0.5F, 0.75F};
+    m_session->setBrush(brush);
+    QToolButton *color = nullptr;
+    const auto buttons = m_bar->findChildren<QToolButton *>();
+    for (QToolButton *one : buttons)
+        color = one->accessibleName() == QLatin1String("Color of the brush") ? one : color;
+    ASSERT_NE(color, nullptr);
+    for (const bool takes : {false, true}) {
+        QTimer::singleShot(0, [takes] {
+            auto *picker = qobject_cast<QColorDialog *>(QApplication::activeModalWidget());
+            ASSERT_NE(picker, nullptr);
+            picker->setCurrentColor(Qt::red);
+            takes ? picker->accept() : picker->reject();
+        });
+        color->click();
+        const std::array<float, 3> red{1.0F, 0.0F, 0.0F};
+        EXPECT_EQ(m_session->brush().color, takes ? red : brush.color);
+        EXPECT_EQ(m_session->brush().erases, !takes) << "who takes a colour wants to paint";
+    }
+}
+
+TEST_F(PaintBars, bakesAndSaysWhyItCannot)
+{
+    m_network->geoEntity()->setGeometry(QStringLiteral("plane"));
+    OssSnBaseNode *node = paintNode("First");
+    m_bar->refresh();
+    EXPECT_FALSE(button("Bake")->isEnabled() || button("Clear")->isEnabled());
+    const auto stroke = [this] {
+        EXPECT_TRUE(m_session->begin({0.5, 0.5}));
+        m_session->end();
+    };
+    stroke();
+    EXPECT_TRUE(button("Bake")->isEnabled() && button("Clear")->isEnabled());
+    {
+        const DialogAnswers answers(QString(), QMessageBox::Ok);
+        button("Bake")->click();
+        EXPECT_TRUE(answers.boxes.isEmpty());
+    }
+    EXPECT_TRUE(m_session->buffer().isEmpty());
+    EXPECT_FALSE(qobject_cast<OssSnImageSetNodeBase *>(node)->imageSet()->pixels().isEmpty());
+    stroke();
+    const QDir folder(OssSettings::folderPath());
+    QDir(folder.filePath(QStringLiteral("pixels"))).removeRecursively();
+    QFile inTheWay(folder.filePath(QStringLiteral("pixels")));
+    ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
+    {
+        const DialogAnswers answers(QString(), QMessageBox::Ok);
+        button("Bake")->click();
+        EXPECT_EQ(answers.boxes.size(), 1);
+    }
+    inTheWay.remove();
+    EXPECT_FALSE(m_session->buffer().isEmpty());
+    button("Clear")->click();
+    EXPECT_TRUE(m_session->buffer().isEmpty());
+}
+
+TEST_F(PaintBars, hintsWhenPaintIsNotToBeSeen)
+{
+    const auto hint = [this] {
+        QString text;
+        const auto labels = m_bar->findChildren<QLabel *>();
+        for (const QLabel *label : labels)
+            text += label->isHidden() ? QString() : label->text();
+        return text;
+    };
+    m_bar->refresh();
+    EXPECT_TRUE(hint().contains(QStringLiteral("nothing to paint on"))) << qPrintable(hint());
+    OssSnBaseNode *node = paintNode("First");
+    m_bar->refresh();
+    EXPECT_TRUE(hint().contains(QStringLiteral("\"First\" is no part"))) << qPrintable(hint());
+    m_source->setActive(true);
+    m_network->viewerNode()->setInputNode(QStringLiteral("1"), node, node->prefferedOutputPoint());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return hint().isEmpty(); }, 5000)) << qPrintable(hint());
 }
 
 } // namespace

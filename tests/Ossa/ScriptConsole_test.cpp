@@ -1,9 +1,14 @@
 #include "Ossa/Scripting/ConsoleInput.h"
 #include "Ossa/Scripting/ConsolePanel.h"
 #include "Ossa/Scripting/ScriptEcho.h"
+#include "OssCore/Program/OssStatusManager.h"
+#include "OssInterface/Actions/OssActionTreeManager.h"
 #include "ScriptSession.h"
 
+#include <QAction>
 #include <QPlainTextEdit>
+#include <QPushButton>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -182,4 +187,80 @@ TEST_F(ScriptEchoTest, tellsOnlyWhatIsDoneByHand)
     step();
     EXPECT_TRUE(m_lines.first().startsWith(QLatin1Char('#')))
         << "what has no line and came from no command: " << qPrintable(m_lines.first());
+}
+
+TEST_F(ScriptConsole, followsTheOutputUnlessTheUserHasScrolledAway)
+{
+    ConsolePanel panel;
+    panel.resize(400, 250);
+    panel.show();
+    QScrollBar *bar = panel.output()->verticalScrollBar();
+    const auto print = [&](int lines) {
+        run(QStringLiteral("for i in range(%1): print(i)").arg(lines));
+        QCoreApplication::processEvents();
+    };
+    print(100);
+    ASSERT_GT(bar->maximum(), 20);
+    EXPECT_EQ(bar->value(), bar->maximum());
+    bar->setValue(10);
+    print(5);
+    EXPECT_EQ(bar->value(), 10);
+    panel.resize(400, 200);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(bar->value(), 10) << "another size is no reason";
+    bar->setValue(bar->maximum());
+    panel.resize(400, 260);
+    panel.resize(400, 180);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(bar->value(), bar->maximum());
+    bar->setValue(10);
+    type(panel.input(), "1");
+    enter(panel.input());
+    EXPECT_EQ(bar->value(), bar->maximum()) << "who types wants to see the answer";
+}
+
+TEST_F(ScriptConsole, aFailureIsToldWhereTheUserLooks)
+{
+    ConsolePanel panel;
+    QSignalSpy messages(OssStatusManager::instance(), &OssStatusManager::messageShown);
+    run("1/0");
+    EXPECT_EQ(messages.size(), 1) << "nobody sees the console";
+    run("1");
+    EXPECT_EQ(messages.size(), 1);
+    panel.show();
+    run("1/0");
+    EXPECT_EQ(messages.size(), 1);
+}
+
+TEST_F(ScriptConsole, itsButtonRunsTheCommandAndItsEchoIsRemembered)
+{
+    const auto button = [](const ConsolePanel &panel, const char *text) {
+        QPushButton *found = nullptr;
+        const auto buttons = panel.findChildren<QPushButton *>();
+        for (QPushButton *one : buttons)
+            found = one->text() == QLatin1String(text) ? one : found;
+        return found;
+    };
+    {
+        const ConsolePanel panel;
+        button(panel, "Run File...")->click(); // there is no such command yet
+        QAction command(QStringLiteral("Run File..."));
+        OssActionTreeManager::instance()->registerAction(QStringLiteral("/Ossa/Script/"), &command);
+        QSignalSpy triggered(&command, &QAction::triggered);
+        button(panel, "Run File...")->click();
+        EXPECT_EQ(triggered.size(), 1);
+        EXPECT_TRUE(button(panel, "Echo Edits")->isChecked()) << "at first";
+        button(panel, "Echo Edits")->click();
+    }
+    const ConsolePanel next;
+    EXPECT_FALSE(button(next, "Echo Edits")->isChecked());
+    add("Filter/Blur", "Unseen");
+    QTest::qWait(20);
+    EXPECT_TRUE(next.output()->toPlainText().isEmpty());
+    button(next, "Echo Edits")->click();
+    add("Filter/Blur", "Seen");
+    QTest::qWait(20);
+    EXPECT_TRUE(next.output()->toPlainText().contains(QStringLiteral("\"Seen\"")));
+    button(next, "Clear")->click();
+    EXPECT_TRUE(next.output()->toPlainText().isEmpty());
 }

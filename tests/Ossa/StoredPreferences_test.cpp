@@ -1,3 +1,4 @@
+#include "Ossa/Common/ApplicationPreferences.h"
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Program/OssSettings.h"
 #include "OssCore/Program/OssStoredPreferences.h"
@@ -7,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <QMetaProperty>
+#include <QSignalSpy>
 
 namespace {
 
@@ -92,6 +94,65 @@ TEST_F(StoredPreferences, aReaderThatAsksForItConverts)
     EXPECT_EQ(object.count, 0);
     EXPECT_EQ(object.anchor, PreferencesTestObject::Center);
     EXPECT_EQ(logged(), 0);
+}
+
+TEST(ApplicationPreferencesTest, aStoredScaleThatNobodyCanUseIsNone)
+{
+    const QString key = QStringLiteral("Application/interfaceScale");
+
+    const struct
+    {
+        const char *stored;
+        int percent;
+    } cases[] = {{"150 %", 150}, {"100 %", 100}, {"300 %", 300}, {"99 %", 100},
+                 {"301 %", 100}, {"large", 100}, {"", 100}};
+
+    for (const auto &c : cases) {
+        OssSettings().setValue(key, QString::fromUtf8(c.stored));
+        EXPECT_EQ(ApplicationPreferences::storedInterfaceScale(), c.percent) << c.stored;
+    }
+    OssSettings().remove(key);
+    EXPECT_EQ(ApplicationPreferences::storedInterfaceScale(), 100);
+}
+
+TEST(ApplicationPreferencesTest, onlyWhatIsOfferedIsTakenAndEachHasItsName)
+{
+    auto *preferences = ApplicationPreferences::instance();
+    QSignalSpy changed(preferences, &ApplicationPreferences::autosaveIntervalChanged);
+    preferences->setAutosaveInterval(QStringLiteral("never"));
+    preferences->setInterfaceScale(QStringLiteral("7 %"));
+    EXPECT_TRUE(changed.isEmpty());
+    EXPECT_NE(preferences->interfaceScale(), QStringLiteral("7 %"));
+
+    const struct
+    {
+        const char *interval;
+        int seconds;
+        int changes;
+    } cases[] = {{"Off", 0, 1}, {"Off", 0, 0}, {"30 minutes", 1800, 1}, {"1 minute", 60, 1}};
+
+    for (const auto &c : cases) {
+        changed.clear();
+        preferences->setAutosaveInterval(QString::fromLatin1(c.interval));
+        EXPECT_EQ(preferences->autosaveSeconds(), c.seconds) << c.interval;
+        EXPECT_EQ(changed.size(), c.changes) << c.interval;
+    }
+    preferences->resetAutosaveInterval();
+    preferences->setInterfaceScale(QStringLiteral("150 %"));
+    EXPECT_EQ(preferences->interfaceScale(), QStringLiteral("150 %"));
+    preferences->resetInterfaceScale();
+
+    const struct
+    {
+        const char *key;
+        const char *name;
+    } names[] = {{"reopenLastProject", "Open Last Project"},
+                 {"interfaceScale", "Size of Texts and Icons"},
+                 {"autosaveInterval", "Copy Unsaved Work Every"},
+                 {"someOtherThing", "Some Other Thing"}};
+
+    for (const auto &c : names)
+        EXPECT_EQ(preferences->prettyPropertyName(QLatin1String(c.key)), QLatin1String(c.name));
 }
 
 } // namespace

@@ -192,8 +192,8 @@ void OssCurveField::addPoint(const QPointF &point)
     const auto after = std::find_if(m_points.begin(), m_points.end(),
                                     [&point](const QPointF &p) { return p.x() > point.x(); });
     m_current = int(after - m_points.begin());
-    m_points.insert(m_current, {std::clamp(point.x(), 0.0, 1.0), std::clamp(point.y(), 0.0, 1.0)});
-    movePoint(m_current, m_points.at(m_current));
+    m_points.insert(m_current, point);
+    movePoint(m_current, point); // into its bounds
     describe();
     update();
     Q_EMIT edited();

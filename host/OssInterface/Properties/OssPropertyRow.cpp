@@ -101,8 +101,7 @@ void OssPropertyRow::refresh()
     const OssCustomAttribute attribute = m_edit.attribute();
     if (!attribute.isValid())
         return;
-    if (m_label->text() != attribute.prettyName())
-        m_label->setText(attribute.prettyName());
+    m_label->setText(attribute.prettyName());
     m_editor->showValue(attribute, m_mixed);
     showMarks(attribute);
 }

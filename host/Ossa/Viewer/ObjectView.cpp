@@ -141,7 +141,7 @@ void ObjectView::paintEvent(QPaintEvent *)
         ObjectRenderer::View view;
         view.size = (QSizeF(size()) * ratio).toSize();
         view.camera = m_camera.view();
-        view.projection = m_camera.projection(float(width()) / float(std::max(1, height())));
+        view.projection = m_camera.projection(float(width()) / float(height()));
         view.ground = groundColor;
         view.isLit = m_isLit;
         m_image = m_renderer->render(view);
@@ -171,7 +171,7 @@ void ObjectView::mousePressEvent(QMouseEvent *event)
 
 void ObjectView::mouseMoveEvent(QMouseEvent *event)
 {
-    const QPointF way = QPointF(event->pos() - m_last) / std::max(1, std::min(width(), height()));
+    const QPointF way = QPointF(event->pos() - m_last) / std::min(width(), height());
     m_last = event->pos();
     if (event->buttons() & Qt::MiddleButton)
         m_camera.pan(way);

@@ -279,12 +279,8 @@ OssResult PaintSession::bake()
 
 bool PaintSession::settle()
 {
-    if (!PaintPreferences::instance()->asksBeforeBaking()) {
-        const OssResult baked = bake();
-        if (!baked)
-            OssMessageBox::warning(nullptr, tr("Bake Paint"), baked.error());
-        return baked.ok();
-    }
+    if (!PaintPreferences::instance()->asksBeforeBaking())
+        return bakeOrTell();
     const auto answer = OssMessageBox::question(
         nullptr, tr("Bake Paint"),
         tr("There is paint on \"%1\" that is not in its images yet. Do you want to bake it? "
@@ -297,6 +293,11 @@ bool PaintSession::settle()
         clear();
         return true;
     }
+    return bakeOrTell();
+}
+
+bool PaintSession::bakeOrTell()
+{
     const OssResult baked = bake();
     if (!baked)
         OssMessageBox::warning(nullptr, tr("Bake Paint"), baked.error());
@@ -319,9 +320,7 @@ void PaintSession::handleBakeBehavior(const OssImageSet *images)
         if (m_wasRefused)
             return;
     }
-    const OssResult baked = bake();
-    if (!baked)
-        OssMessageBox::warning(nullptr, tr("Bake Paint"), baked.error());
+    bakeOrTell();
 }
 
 // --- in case of a crash

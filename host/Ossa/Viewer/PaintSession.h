@@ -96,6 +96,8 @@ private:
     };
 
     bool settle();
+    /// False, and the user knows why, when it failed.
+    bool bakeOrTell();
     void tellAreas(const OssEvStroke::Areas &areas);
     using Tiles = std::vector<std::pair<OssEvPaintBuffer::Place, OssEvPaintTilePointer>>;
 

@@ -87,7 +87,7 @@ void UvView::frameAll()
         all |= rectOf(patch);
     if (all.isEmpty())
         return;
-    const QSizeF room(std::max(1.0, width() - 2 * inset), std::max(1.0, height() - 2 * inset));
+    const QSizeF room(width() - 2 * inset, height() - 2 * inset);
     const double factor = std::min(room.width() / all.width(), room.height() / all.height());
     const QPointF centre = QRectF(rect()).center();
     m_origin = centre + (m_origin - all.center()) * factor;

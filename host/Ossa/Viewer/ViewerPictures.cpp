@@ -84,7 +84,7 @@ void ViewerPictures::showPaint(int patch, const QRectF &area)
 void ViewerPictures::compose(int number, Patch *patch, const QRect &area, Rows rows)
 {
     const int count = area.width();
-    std::vector<OssEvPaintTile::Texel> paint(std::size_t(std::max(0, count)));
+    std::vector<OssEvPaintTile::Texel> paint(static_cast<std::size_t>(count));
     std::vector<float> rgba(paint.size() * 4);
     std::vector<QRgb> line(paint.size());
     for (int y = area.top(); y <= area.bottom(); ++y) {

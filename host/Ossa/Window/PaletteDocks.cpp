@@ -132,8 +132,7 @@ PaletteDocks::~PaletteDocks()
     // Palettes are the palette manager's: they leave the docks before the docks go.
     for (auto entry = m_docks.cbegin(); entry != m_docks.cend(); ++entry) {
         disconnect(entry.key(), nullptr, this, nullptr);
-        if (QWidget *palette = entry.value()->takeWidget())
-            palette->setParent(nullptr);
+        entry.value()->takeWidget();
     }
 }
 

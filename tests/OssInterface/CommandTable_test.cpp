@@ -104,3 +104,37 @@ TEST(CommandTable, anActionIsKnownByItsNameWhateverItsTextIs)
               &action);
     EXPECT_FALSE(OssActionTreeManager::instance()->hasAction(QStringLiteral("/T/Names/Couper")));
 }
+
+TEST(CommandTable, separatorsStandBetweenSectionsAndNowhereElse)
+{
+    using Item = OssMenuDefinition::Item;
+    for (const Menu &menu : menus()) {
+        // Places in their order, as "section.order" with two digits each.
+        QStringList places;
+        for (const auto &entry : allPlaces()) {
+            if (entry.second.first == QLatin1String(menu.name))
+                places.append(entry.second.second.section(QLatin1Char('.'), 0, 0).rightJustified(2)
+                              + entry.second.second.section(QLatin1Char('.'), 1).rightJustified(2));
+        }
+        places.sort();
+        QVector<bool> wanted; // a separator before each item
+        for (int i = 0; i < places.size(); ++i)
+            wanted.append(i > 0 && places.at(i).left(2) != places.at(i - 1).left(2));
+        QVector<bool> found;
+        int depth = 0;
+        bool isSeparated = false;
+        const QVector<Item> items = OssCommandTable::menu(QString::fromLatin1(menu.name)).items;
+        for (const Item &item : items) {
+            depth -= item.kind == Item::End ? 1 : 0;
+            if (depth == 0 && item.kind == Item::Separator)
+                isSeparated = true;
+            else if (depth == 0 && item.kind != Item::End) {
+                found.append(isSeparated);
+                isSeparated = false;
+            }
+            depth += item.kind == Item::Submenu ? 1 : 0;
+        }
+        EXPECT_EQ(found, wanted) << menu.name;
+        EXPECT_FALSE(isSeparated) << menu.name << " ends with a separator";
+    }
+}

@@ -12,10 +12,12 @@
 #include <QCheckBox>
 #include <QDir>
 #include <QFileDialog>
+#include <QGuiApplication>
 #include <QInputDialog>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
+#include <QScreen>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -225,4 +227,36 @@ TEST(Dialogs, boxesLookLikeWhatTheySayAndReturnTakesWhatIsMeant)
     };
     EXPECT_TRUE(isYellow(icons[0])) << "the sill of the triangle";
     EXPECT_FALSE(isYellow(icons[1]) || isYellow(icons[2]));
+}
+
+TEST(Dialogs, popupsStayOnTheScreen)
+{
+    const QRect room = QGuiApplication::primaryScreen()->availableGeometry();
+
+    const struct
+    {
+        QPoint at;
+        QPoint place;
+    } cases[] = {
+        {room.topLeft() + QPoint(50, 60), room.topLeft() + QPoint(50, 60)},
+        {room.bottomRight() - QPoint(10, 10), room.bottomRight() - QPoint(199, 99)},
+        {room.topLeft(), room.topLeft()},
+    };
+
+    for (const auto &c : cases) {
+        OssPopupDialog popup;
+        popup.resize(200, 100);
+        popup.move(c.at);
+        popup.show();
+        EXPECT_EQ(popup.pos(), c.place) << &c - cases;
+    }
+    OssPopupDialog large;
+    large.resize(room.size() + QSize(100, 100));
+    large.move(room.center());
+    large.show();
+    EXPECT_EQ(large.pos(), room.topLeft());
+    OssPopupDialog beyond;
+    beyond.move(room.bottomRight() + QPoint(5000, 5000));
+    beyond.show();
+    EXPECT_TRUE(beyond.isVisible()) << "on no screen";
 }

@@ -117,3 +117,25 @@ TEST(SearchKeys, theListIsWalkedThroughAndTheRestIsTyped)
     EXPECT_EQ(field.text(), QStringLiteral("acb"));
     EXPECT_EQ(passing.list.currentRow(), row);
 }
+
+TEST(FormLayout, labelsOfAllFormsLineUp)
+{
+    QWidget panel;
+    auto *column = new QVBoxLayout(&panel);
+    QList<QLabel *> labels;
+    for (const char *text : {"A", "A much longer name"}) {
+        auto *box = new QWidget;
+        auto *form = new OssFormLayout(box);
+        auto *label = new QLabel(QString::fromLatin1(text));
+        form->addRow(label, new QLineEdit);
+        form->addRow(new QLineEdit); // over the whole width
+        column->addWidget(box);
+        labels.append(label);
+    }
+    OssFormLayout::alignLabels(nullptr);
+    OssFormLayout::alignLabels(&panel);
+    EXPECT_EQ(labels.first()->minimumWidth(), labels.last()->minimumWidth());
+    EXPECT_GE(labels.first()->minimumWidth(), labels.last()->sizeHint().width());
+    for (const QLabel *label : labels)
+        EXPECT_EQ(label->alignment(), Qt::AlignRight | Qt::AlignVCenter);
+}

@@ -333,4 +333,81 @@ TEST(PropertyInput, aFileIsChosenInADialog)
     EXPECT_EQ(edited.first().first().toString(), picture.fileName());
 }
 
+TEST_F(NumberInput, aSliderIsNotLeftAndWhatIsBeyondComesBackOnly)
+{
+    OssNumberField::Range range;
+    range.softMinimum = 2.0;
+    range.softMaximum = 4.0;
+    field.setRange(range);
+
+    const struct
+    {
+        double from;
+        int way;
+        double to;
+    } cases[] = {{3.0, -5000, 2.0}, {3.0, 5000, 4.0},   {9.0, 5000, 9.0},
+                 {9.0, -5000, 2.0}, {-3.0, -900, -3.0}, {-3.0, 5000, 4.0}};
+
+    for (const auto &c : cases) {
+        field.setValue(c.from);
+        drag({4, c.way});
+        EXPECT_DOUBLE_EQ(field.value(), c.to) << &c - cases;
+        QTest::mouseRelease(&field, Qt::LeftButton, {}, {100, 12});
+    }
+}
+
+TEST_F(NumberInput, aSliderIsFilledUpToItsValue)
+{
+    const auto isFilled = [this](int x) {
+        const QColor color = field.grab().toImage().pixelColor(x, 4);
+        const QColor base = field.palette().color(QPalette::Base);
+        return std::abs(color.red() - base.red()) + std::abs(color.green() - base.green())
+                   + std::abs(color.blue() - base.blue())
+               > 24;
+    };
+    field.setValue(3.0);
+    EXPECT_FALSE(isFilled(20)) << "no slider";
+    OssNumberField::Range range;
+    range.softMinimum = 2.0;
+    range.softMaximum = 4.0;
+    field.setRange(range);
+    EXPECT_TRUE(isFilled(20) && isFilled(80));
+    EXPECT_FALSE(isFilled(120));
+    field.setValue(1.0);
+    EXPECT_FALSE(isFilled(20));
+    field.setValue(9.0);
+    EXPECT_TRUE(isFilled(20) && isFilled(180));
+    field.setMixed(true);
+    EXPECT_FALSE(isFilled(20)) << "which value?";
+}
+
+TEST(PropertyInput, whatIsShownAgainLeavesTheCursorWhereItIs)
+{
+    const OssCustomAttribute shown = attribute("text", QStringLiteral("moss"));
+    const std::unique_ptr<OssPropertyEditor> editor(OssPropertyEditor::create(shown, nullptr));
+    auto *line = editor->findChild<QLineEdit *>();
+    ASSERT_NE(line, nullptr);
+    editor->showValue(shown, false);
+    line->setCursorPosition(1);
+    editor->showValue(shown, false);
+    EXPECT_EQ(line->cursorPosition(), 1);
+    editor->showValue(attribute("text", QStringLiteral("rust")), false);
+    EXPECT_EQ(line->text(), QStringLiteral("rust"));
+}
+
+TEST(PropertyInput, controlAndReturnKeepANoteWithoutANewLine)
+{
+    const auto editor = editorFor("paragraph");
+    auto *text = editor->findChild<QPlainTextEdit *>();
+    QSignalSpy edited(editor.get(), &OssPropertyEditor::edited);
+    QTest::keyClicks(text, QStringLiteral("a"));
+    QTest::keyPress(text, Qt::Key_Return);
+    QTest::keyRelease(text, Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_TRUE(edited.isEmpty());
+    QTest::keyPress(text, Qt::Key_Return, Qt::ControlModifier);
+    ASSERT_EQ(edited.size(), 1);
+    EXPECT_EQ(edited.first().first().toString(), QStringLiteral("a\n"));
+    EXPECT_EQ(text->toPlainText(), QStringLiteral("a\n"));
+}
+
 } // namespace

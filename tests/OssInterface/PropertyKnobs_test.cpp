@@ -1,10 +1,12 @@
 #include "OssInterface/Properties/OssNodePropertyPanel.h"
+#include "OssInterface/Properties/OssPropertyEditor.h"
 #include "OssInterface/Properties/OssPropertyRow.h"
 #include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
 #include "support/ModelFixture.h"
 
 #include <QCoreApplication>
 #include <QLabel>
+#include <QLineEdit>
 
 // What panels tell of knobs and of what they are linked to.
 
@@ -45,6 +47,7 @@ TEST_F(PropertyKnobs, bothSidesTellOfEachOtherAsLinksComeAndBreak)
     const OssNodePropertyPanel first(m_first, {}, nullptr);
     const OssNodePropertyPanel second(m_second, {}, nullptr);
     EXPECT_TRUE(tells(first, "Knob \"Radius\" of Moss"));
+    EXPECT_TRUE(tells(first, "In pixels")) << "what the type says of it";
     EXPECT_TRUE(tells(group, "First.Radius"));
     EXPECT_FALSE(tells(second, "Knob"));
     EXPECT_FALSE(tells(group, "Second"));
@@ -77,6 +80,36 @@ TEST_F(PropertyKnobs, panelsOfNodesThatAreGoneStandStill)
     panel.pasteValues();
     panel.resetValues();
     EXPECT_EQ(undoCount(), 0);
+}
+
+TEST_F(PropertyKnobs, theCountOfOthersFollowsWhenTheFocusComesIn)
+{
+    OssSnBaseNode *third = add("Filter/Blur", "Third");
+    OssSnBaseNode *fourth = add("Filter/Blur", "Fourth");
+    QWidget window;
+    auto *elsewhere = new QLineEdit(&window);
+    auto *panel = new OssNodePropertyPanel(third, {}, &window);
+    window.show();
+    window.activateWindow();
+    elsewhere->setFocus();
+    QCoreApplication::processEvents();
+    const auto told = [panel] {
+        QString text;
+        const auto labels = panel->findChildren<QLabel *>();
+        for (const QLabel *one : labels)
+            text += one->isHidden() ? QString() : one->text() + QLatin1Char('|');
+        return text.contains(QStringLiteral("and 1 more"));
+    };
+    third->setSelected(true);
+    EXPECT_FALSE(told());
+    fourth->setSelected(true);
+    EXPECT_FALSE(told()) << "nobody looks";
+    panel->row(QStringLiteral("Radius"))->editor()->setFocus();
+    EXPECT_TRUE(told());
+    fourth->setSelected(false);
+    elsewhere->setFocus();
+    panel->row(QStringLiteral("Radius"))->editor()->setFocus();
+    EXPECT_FALSE(told());
 }
 
 } // namespace

@@ -252,3 +252,60 @@ TEST_F(PropertyValues, whatIsPastedIsReadAsTheValueIsWritten)
     m_panel->row(QStringLiteral("Amount"))->pasteValue();
     EXPECT_EQ(m_node->attribute(QStringLiteral("Amount")), kept);
 }
+
+TEST_F(PropertyValues, rampsAndCurvesShowAllTheyHave)
+{
+    const auto isNear = [](const QColor &one, const QColor &other) {
+        return std::abs(one.red() - other.red()) + std::abs(one.green() - other.green())
+                   + std::abs(one.blue() - other.blue())
+               < 60;
+    };
+    auto *ramp = editor<OssRampField>("Colors");
+    ramp->setStops({{0.1, {1, 0, 0, 1}}, {0.5, {0, 1, 0, 1}}, {0.9, {0, 0, 1, 1}}});
+    const QColor colors[] = {Qt::red, Qt::green, Qt::blue};
+    for (int current = 0; current < 3; ++current) {
+        const QImage picture = ramp->grab().toImage();
+        for (int i = 0; i < 3; ++i) {
+            const QPoint grip = ramp->gripOf(i).toPoint() + QPoint(0, 2);
+            EXPECT_TRUE(isNear(picture.pixelColor(grip), colors[i])) << current << " " << i;
+            const QPoint bar(grip.x(), 12);
+            EXPECT_TRUE(isNear(picture.pixelColor(bar), colors[i])) << current << " " << i;
+        }
+        QTest::keyClick(ramp, Qt::Key_Space);
+    }
+
+    auto *curve = editor<OssCurveField>("Shape");
+    curve->setPoints({{0.0, 0.3}, {0.5, 0.3}, {1.0, 0.3}});
+    const QImage picture = curve->grab().toImage();
+    const QColor line = curve->palette().color(QPalette::Text);
+    for (const double x : {0.1, 0.3, 0.7, 0.9}) {
+        const QPoint at = curve->toWidget({x, 0.3}).toPoint();
+        bool found = false;
+        for (int y = -1; y <= 1; ++y)
+            found = found || isNear(picture.pixelColor(at + QPoint(0, y)), line);
+        EXPECT_TRUE(found) << x;
+    }
+}
+
+TEST_F(PropertyValues, theChosenPointIsOneThatIsThere)
+{
+    auto *curve = editor<OssCurveField>("Shape");
+    curve->setPoints({{0.0, 0.0}, {0.3, 0.3}, {0.6, 0.6}, {1.0, 1.0}});
+    for (int i = 0; i < 3; ++i)
+        QTest::keyClick(curve, Qt::Key_Space);
+    EXPECT_TRUE(curve->accessibleDescription().startsWith(QStringLiteral("point 4 of 4")));
+    curve->setPoints({{0.0, 0.0}, {1.0, 0.5}});
+    EXPECT_TRUE(curve->accessibleDescription().startsWith(QStringLiteral("point 2 of 2")))
+        << qPrintable(curve->accessibleDescription());
+    QTest::keyClick(curve, Qt::Key_Down);
+    EXPECT_LT(curve->points().last().y(), 0.5);
+    QTest::keyClick(curve, Qt::Key_Space);
+    EXPECT_TRUE(curve->accessibleDescription().startsWith(QStringLiteral("point 1 of 2")));
+
+    auto *ramp = editor<OssRampField>("Colors");
+    ramp->setStops({{0.1, {}}, {0.5, {}}, {0.9, {}}});
+    for (int i = 0; i < 3 && ramp->current() != 2; ++i)
+        QTest::keyClick(ramp, Qt::Key_Space);
+    ramp->setStops({{0.1, {}}, {0.5, {}}});
+    EXPECT_EQ(ramp->current(), 1);
+}

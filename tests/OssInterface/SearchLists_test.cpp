@@ -76,6 +76,13 @@ TEST(SearchRows, everyPartOfARowIsToBeSeenAndHasItsHeight)
         model.setData(index, QVariant(), part.role);
         EXPECT_EQ(picture(), plain) << part.role;
     }
+    model.setData(index, QColor(Qt::magenta), Color);
+    const QImage colored = picture();
+    model.setData(index, QVariant(), Color);
+    int magenta = 0;
+    for (int x = 0; x < colored.width(); ++x)
+        magenta += colored.pixelColor(x, height / 2) == QColor(Qt::magenta) ? 1 : 0;
+    EXPECT_GT(magenta, 0);
     // The chosen row offers the star: with the colours alone there would be nothing at its place.
     const auto star = [&](QStyle::State state) {
         return picture(state).copy(OssSearchRowDelegate::starRect(option.rect));

@@ -258,7 +258,8 @@ TEST_F(Painting, paintThatCannotBeBakedStaysAndNothingIsSaved)
     history()->undo(); // the other node
     inTheWay.remove();
     EXPECT_FALSE(saved);
-    EXPECT_TRUE(saved.error().contains(QStringLiteral("pixels"))) << qPrintable(saved.error());
+    EXPECT_TRUE(saved.error().contains(QStringLiteral("Cannot make the folder")))
+        << qPrintable(saved.error());
     EXPECT_TRUE(hasPaint());
     EXPECT_TRUE(OssProjectManager::instance()->isModified());
     EXPECT_EQ(history()->index(), 1);

@@ -1,5 +1,6 @@
 #include "Ossa/Dialogs/CommandPalette.h"
 
+#include "Ossa/Dialogs/CommandDelegate.h"
 #include "Ossa/Dialogs/CommandListModel.h"
 #include "OssCore/Values/OssFuzzyMatch.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
@@ -8,8 +9,11 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QImage>
 #include <QLineEdit>
 #include <QListView>
+#include <QPainter>
+#include <QStandardItemModel>
 #include <QTest>
 
 namespace {
@@ -127,4 +131,39 @@ TEST_F(CommandFinding, disabledCommandsAreListedButNotRun)
     QCoreApplication::processEvents();
     EXPECT_TRUE(palette.isVisible());
     EXPECT_TRUE(triggered.isEmpty());
+}
+
+TEST_F(CommandFinding, rowsShowNameKeyAndFolderWithoutRunningOverEachOther)
+{
+    const CommandDelegate delegate(nullptr);
+    QStandardItemModel model;
+    model.appendRow(new QStandardItem(QStringLiteral("Frame")));
+    const QModelIndex index = model.index(0, 0);
+    QStyleOptionViewItem option;
+    option.rect = QRect(0, 0, 300, 24);
+    option.state = QStyle::State_Enabled;
+    const auto picture = [&] {
+        QImage image(option.rect.size(), QImage::Format_RGB32);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        delegate.paint(&painter, option, index);
+        return image;
+    };
+    const QImage plain = picture();
+    model.setData(index, QStringLiteral("Node Graph"), CommandListModel::FolderRole);
+    const QImage withFolder = picture();
+    EXPECT_NE(withFolder, plain);
+    model.setData(index, QStringLiteral("Ctrl+F"), CommandListModel::KeyRole);
+    const QImage whole = picture();
+    EXPECT_NE(whole, withFolder);
+    EXPECT_EQ(whole.copy(0, 0, 60, 24), withFolder.copy(0, 0, 60, 24));
+    option.state = QStyle::State_None;
+    EXPECT_NE(picture(), whole) << "what cannot be done now looks so";
+    option.state = QStyle::State_Enabled;
+    model.setData(index, QString(100, QLatin1Char('W')), Qt::DisplayRole);
+    const QImage longName = picture();
+    EXPECT_EQ(longName.copy(260, 0, 40, 24), whole.copy(260, 0, 40, 24)) << "the key is to be seen";
+    model.setData(index, QString(), CommandListModel::FolderRole);
+    EXPECT_EQ(picture(), longName) << "the name comes first";
+    EXPECT_GT(delegate.sizeHint(option, index).height(), option.fontMetrics.height());
 }

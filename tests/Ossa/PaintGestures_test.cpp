@@ -329,4 +329,109 @@ TEST_F(PaintGestures, aPenPressesAtLeastALittleAndAMouseFully)
     EXPECT_LT(covered(0.0, 0.5), covered(0.5, 1.0) / 2);
 }
 
+TEST_F(PaintGestures, theOutlineIsUnderThePointerWhilePainting)
+{
+    OssEvBrush brush = m_session->brush();
+    brush.radius = 12.0;
+    brush.hardness = 1.0;
+    m_session->setBrush(brush);
+    const auto look = [this] {
+        return m_canvas->grab().toImage();
+    };
+    QEvent leave(QEvent::Leave);
+    QApplication::sendEvent(m_canvas.get(), &leave);
+    const QImage without = look();
+    move(at(0.25, 0.5), Qt::NoButton);
+    const QImage left = look();
+    move(at(0.75, 0.5), Qt::NoButton);
+    const QImage right = look();
+    EXPECT_NE(left, without);
+    EXPECT_NE(left, right) << "it follows";
+    brush.hardness = 0.5;
+    m_session->setBrush(brush);
+    EXPECT_NE(look(), right) << "and shows where the edge begins";
+    brush.hardness = 0.02; // of no use so small
+    m_session->setBrush(brush);
+    EXPECT_EQ(look(), right);
+    QApplication::sendEvent(m_canvas.get(), &leave);
+    EXPECT_EQ(look(), without);
+    m_canvas->setPainting(false);
+    move(at(0.5, 0.5), Qt::NoButton);
+    EXPECT_EQ(look(), without);
+}
+
+TEST_F(PaintGestures, everyPressureOfAPenCountsUpToAMouses)
+{
+    OssEvBrush brush = m_session->brush();
+    brush.radius = 8.0;
+    m_session->setBrush(brush);
+    const auto pressed = [this](double pressure) {
+        QTabletEvent press(QEvent::TabletPress, at(0.5, 0.5), at(0.5, 0.5), QTabletEvent::Stylus,
+                           QTabletEvent::Pen, pressure, 0, 0, 0, 0, 0, {}, 1, Qt::LeftButton,
+                           Qt::LeftButton);
+        QApplication::sendEvent(m_canvas.get(), &press);
+        dab(at(0.5, 0.5));
+        int covered = 0;
+        for (int y = 0; y < Resolution; ++y) {
+            for (int x = 0; x < Resolution; ++x)
+                covered += qAlpha(m_pictures.picture(1001).pixel(x, y));
+        }
+        OssUndoManager::instance()->undo();
+        return covered;
+    };
+    int before = 0;
+    for (const double pressure : {0.1, 0.5, 1.0}) {
+        const int covered = pressed(pressure);
+        EXPECT_GT(covered, before) << pressure;
+        before = covered;
+    }
+}
+
+TEST_F(PaintGestures, allPatchesFitWhateverTheShapeOfTheView)
+{
+    const auto pointedAt = [this](const QPoint &place) {
+        QSignalSpy told(m_canvas.get(), &UvView::pointed);
+        move(place, Qt::NoButton);
+        return told.last().first().toString().left(4);
+    };
+    for (const QSize &size : {QSize(448, 248), QSize(1200, 248), QSize(300, 900)}) {
+        m_canvas->resize(size);
+        key(Qt::Key_F);
+        const QPoint centre(size.width() / 2, size.height() / 2);
+        EXPECT_EQ(pointedAt(centre - QPoint(10, 0)), QStringLiteral("1001"));
+        EXPECT_EQ(pointedAt(centre + QPoint(10, 0)), QStringLiteral("1002"));
+        for (const QPoint &border :
+             {QPoint(centre.x() + 9, 12), QPoint(12, centre.y()),
+              QPoint(centre.x() + 9, size.height() - 12), QPoint(size.width() - 12, centre.y())})
+            EXPECT_TRUE(pointedAt(border).isEmpty()) << size.width() << " " << border.x();
+    }
+}
+
+TEST_F(PaintGestures, problemsAreWrittenAndNumbersWhereThereIsRoom)
+{
+    m_canvas->setPainting(false);
+    const auto look = [this] {
+        return m_canvas->grab().toImage();
+    };
+    const QImage plain = look();
+    m_pictures.begin({1001, 1002}, Resolution, QStringLiteral("There is no light at all"));
+    EXPECT_NE(look(), plain);
+    m_pictures.begin({1001, 1002}, Resolution, {});
+    EXPECT_EQ(look(), plain);
+    const auto lightPixels = [](const QImage &image) {
+        int count = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x)
+                count += qBlue(image.pixel(x, y)) > 0x90 ? 1 : 0;
+        }
+        return count;
+    };
+    EXPECT_GT(lightPixels(plain), 0);
+    const QPoint centre(224, 124);
+    QWheelEvent away(centre, m_canvas->mapToGlobal(centre), {}, {0, -120 * 12}, Qt::NoButton, {},
+                     Qt::NoScrollPhase, false);
+    QApplication::sendEvent(m_canvas.get(), &away);
+    EXPECT_EQ(lightPixels(look()), 0) << "a number larger than its patch";
+}
+
 } // namespace

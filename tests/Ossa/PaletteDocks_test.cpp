@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <QAction>
+#include <QSplitter>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -201,6 +202,84 @@ TEST_F(Docks, theLastProjectIsOpenedAgainOnlyWhenTheUserWantsIt)
     preferences->resetReopenLastProject();
     RecentProjects::clear();
     projects->closeProject();
+}
+
+TEST_F(Docks, whatTheUserSizedStaysWhenTheWindowComesBack)
+{
+    const auto share = [this] {
+        return 100 * place(graph).width() / window->width();
+    };
+    const int first = share();
+    QSplitter *wide = nullptr;
+    const auto splitters = window->findChildren<QSplitter *>();
+    for (QSplitter *one : splitters) {
+        if (one->orientation() == Qt::Horizontal && one->isAncestorOf(graph))
+            wide = one;
+    }
+    ASSERT_NE(wide, nullptr);
+    wide->setSizes({400, 800});
+    const int sized = share();
+    ASSERT_LT(sized, first - 10);
+    window->hide();
+    window->show();
+    QTest::qWait(20);
+    EXPECT_NEAR(share(), sized, 2) << "only the first time is the window's own";
+    openAnew();
+    EXPECT_NEAR(share(), sized, 5);
+}
+
+TEST_F(Docks, aPaletteThatOpensTooSmallGetsRoomAndOthersKeepTheirs)
+{
+    QSplitter *tall = nullptr;
+    const auto splitters = window->findChildren<QSplitter *>();
+    for (QSplitter *one : splitters) {
+        if (one->orientation() == Qt::Vertical && one->isAncestorOf(graph)
+            && one->isAncestorOf(log))
+            tall = one;
+    }
+    ASSERT_NE(tall, nullptr);
+
+    const struct
+    {
+        int part; ///< of the room, in percent
+        bool grows;
+    } cases[] = {{4, true}, {50, false}};
+
+    for (const auto &c : cases) {
+        const int room = tall->height();
+        tall->setSizes({room * (100 - c.part) / 100, room * c.part / 100});
+        const int before = log->height();
+        toggle("Log")->trigger();
+        toggle("Log")->trigger();
+        QTest::qWait(20);
+        EXPECT_EQ(log->height() > before + 10, c.grows) << c.part;
+        EXPECT_GE(log->height(), room * 15 / 100 - 40);
+    }
+}
+
+TEST_F(Docks, keysOfTheGraphActInTheGraphAlone)
+{
+    const QString path = QStringLiteral("/Ossa/NodeGraph/Disable");
+    QAction disable(QStringLiteral("Disable"));
+    OssActionTreeManager::instance()->registerAction(QStringLiteral("/Ossa/NodeGraph/"), &disable);
+    ASSERT_FALSE(disable.shortcuts().isEmpty());
+    EXPECT_TRUE(graph->actions().contains(&disable));
+    EXPECT_FALSE(viewer->actions().contains(&disable));
+    EXPECT_FALSE(log->actions().contains(&disable));
+}
+
+TEST_F(Docks, aPaletteWithoutItsNeighbourGoesToTheRight)
+{
+    window.reset();
+    OssPaletteManager::instance()->deletePalettes();
+    graph = make("Node Graph", "node_graph_palette");
+    OssPalette *other = make("Other", "other_palette"); // would go to the properties
+    open();
+    EXPECT_GT(place(other).left(), place(graph).right());
+    EXPECT_TRUE(graph->isVisible());
+    OssPalette *late = make("Node Properties", "node_properties_palette");
+    QTest::qWait(20);
+    EXPECT_GT(place(late).left(), place(graph).right());
 }
 
 } // namespace

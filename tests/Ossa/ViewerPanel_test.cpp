@@ -1,15 +1,24 @@
 #include "Ossa/Viewer/ViewerPanel.h"
 
 #include "../support/ModelFixture.h"
+#include "Ossa/Viewer/ObjectView.h"
+#include "Ossa/Viewer/PaintBar.h"
+#include "Ossa/Viewer/UvView.h"
 #include "Ossa/Viewer/ViewerPictures.h"
 #include "Ossa/Viewer/ViewerSource.h"
+#include "OssCore/Program/OssSettings.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 
 #include <QComboBox>
 #include <QDoubleSpinBox>
 #include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
 #include <QSignalSpy>
+#include <QSplitter>
 #include <QTest>
+#include <QToolButton>
+#include <QVBoxLayout>
 
 namespace {
 
@@ -213,6 +222,129 @@ TEST_F(Viewing, anotherProjectIsNotTakenForTheOneBefore)
     m_project = OssProjectManager::instance()->newProject(QStringLiteral("Other"));
     EXPECT_TRUE(QTest::qWaitFor([&] { return !m_pictures->problem().isEmpty(); }, 20000));
     EXPECT_FALSE(m_source->shows(m_red));
+}
+
+/// The panel's parts, without a picture.
+class ViewerParts : public Viewing
+{
+protected:
+    QToolButton *button(const char *text) const
+    {
+        const auto buttons = m_panel->findChildren<QToolButton *>();
+        for (QToolButton *one : buttons) {
+            if (one->text() == QLatin1String(text))
+                return one;
+        }
+        return nullptr;
+    }
+
+    std::string shownViews() const
+    {
+        const bool patches = m_panel->findChild<UvView *>()->isVisible();
+        const bool object = m_panel->findChild<ObjectView *>()->isVisible();
+        return std::string(patches ? "2D " : "") + (object ? "3D " : "")
+               + (button("Light")->isVisible() ? "Light " : "")
+               + (button("Paint")->isChecked() ? "Paint" : "");
+    }
+};
+
+TEST_F(ViewerParts, modesAndPaintingGoTogether)
+{
+    const struct
+    {
+        const char *click;
+        const char *shown;
+    } steps[] = {
+        {"2D", "2D "},
+        {"Paint", "2D Paint"},
+        {"Both", "2D 3D Light Paint"},
+        {"3D", "3D Light "},
+        {"Paint", "2D 3D Light Paint"},
+        {"2D", "2D Paint"},
+        {"Paint", "2D "},
+        {"3D", "3D Light "},
+    };
+
+    for (const auto &step : steps) {
+        button(step.click)->click();
+        EXPECT_EQ(shownViews(), step.shown) << step.click;
+        EXPECT_EQ(m_panel->findChild<PaintBar *>()->isVisible(), button("Paint")->isChecked());
+    }
+    m_panel = std::make_unique<ViewerPanel>();
+    m_panel->show();
+    EXPECT_EQ(shownViews(), "3D Light ") << "as in the last session";
+    OssSettings().setValue(QStringLiteral("Viewer/mode"), 77);
+    m_panel = std::make_unique<ViewerPanel>();
+    m_panel->show();
+    EXPECT_EQ(shownViews(), "2D ") << "no such mode";
+    OssSettings().remove(QStringLiteral("Viewer"));
+}
+
+TEST_F(ViewerParts, thePointerGivesTheBrushItsKeysUnlessTheUserWritesElsewhere)
+{
+    QWidget window;
+    auto *column = new QVBoxLayout(&window);
+    auto *text = new QLineEdit;
+    auto *other = new QPushButton;
+    column->addWidget(text);
+    column->addWidget(other);
+    column->addWidget(m_panel.get());
+    window.show();
+    window.activateWindow();
+    auto *view = m_panel->findChild<UvView *>();
+    auto *own = m_panel->findChild<QDoubleSpinBox *>();
+    button("2D")->click();
+
+    const struct
+    {
+        bool paints;
+        QWidget *focus;
+        bool takes;
+    } cases[] = {
+        {true, other, true}, {true, text, false}, {true, own, true}, {false, other, false}};
+
+    for (const auto &c : cases) {
+        button("Paint")->setChecked(c.paints);
+        c.focus->setFocus();
+        QCoreApplication::processEvents();
+        ASSERT_TRUE(c.focus->hasFocus() || window.focusWidget() != view);
+        Q_EMIT view->entered();
+        EXPECT_EQ(window.focusWidget() == view, c.takes) << &c - cases;
+    }
+    m_panel->setParent(nullptr);
+}
+
+TEST_F(ViewerParts, theViewsStandSideBySideWhereThereIsRoom)
+{
+    auto *views = m_panel->findChild<QSplitter *>();
+    m_panel->resize(900, 500);
+    EXPECT_EQ(views->orientation(), Qt::Horizontal);
+    m_panel->resize(400, 900);
+    EXPECT_EQ(views->orientation(), Qt::Vertical);
+}
+
+TEST_F(Viewing, progressIsCountedOverAllPatchesOfThePictureItself)
+{
+    m_network->geoEntity()->setGeometry(QStringLiteral("cube"));
+    const int patches = OssEvaluationService::instance()->patches(m_network->geoEntity()).size();
+    ASSERT_GT(patches, 1);
+    for (const int row : {0, 2}) {
+        QSignalSpy progress(m_source, &ViewerSource::progressed);
+        choose("Resolution of a patch", row);
+        look(1, row == 0 ? m_red : m_green);
+        m_network->setViewerNodeCurrentEdge(1, true);
+        const auto isDone = [&] {
+            return !progress.isEmpty() && progress.last().at(1).toInt() >= patches
+                   && progress.last().at(0) == progress.last().at(1);
+        };
+        EXPECT_TRUE(QTest::qWaitFor(isDone, 30000)) << row;
+        int before = 0;
+        for (const auto &step : progress) {
+            EXPECT_GE(step.at(0).toInt(), before);
+            EXPECT_LE(step.at(0).toInt(), step.at(1).toInt());
+            before = step.at(0).toInt();
+        }
+    }
 }
 
 } // namespace

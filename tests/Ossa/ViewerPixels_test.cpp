@@ -193,4 +193,25 @@ TEST_F(Pictures, paintLiesOnCoarseTilesToo)
     EXPECT_EQ(redAt(1001, 3, 0), 128) << "and where paint is gone, all that is";
 }
 
+TEST_F(Pictures, paintOverTheBorderOfTilesLeavesEachItsOwnColour)
+{
+    constexpr int Tile = OssEvTile::Size;
+    OssEvPaintBuffer paint(Resolution);
+    m_pictures.begin({1001}, Resolution, {});
+    setTile(1001, Resolution, {0, 0}, 0.25F);
+    setTile(1001, Resolution, {Tile, 0}, 0.75F);
+    setTile(1001, Resolution, {0, Tile}, 0.5F);
+    const int left = redAt(1001, Tile - 1, 3);
+    const int right = redAt(1001, Tile, 3);
+    m_pictures.setPaint(&paint);
+    m_pictures.showPaint(1001, {0.25, 0.0, 0.5, 0.75});
+    EXPECT_EQ(redAt(1001, Tile - 1, 3), left);
+    EXPECT_EQ(redAt(1001, Tile, 3), right);
+    EXPECT_EQ(redAt(1001, Tile + 20, 3), right);
+    EXPECT_EQ(redAt(1001, Tile - 1, Tile + 3), 128);
+    EXPECT_EQ(qAlpha(m_pictures.picture(1001).pixel(Tile + 3, Tile + 3)), 0) << "has not come yet";
+    m_pictures.showPaint(1001, {2.0, 2.0, 0.5, 0.5});
+    EXPECT_EQ(redAt(1001, Tile, 3), right) << "nothing of it is there";
+}
+
 } // namespace

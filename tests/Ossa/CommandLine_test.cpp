@@ -112,3 +112,35 @@ TEST(Program, windowWithoutDisplayIsRefusedInWords)
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_TRUE(outcome.err.contains("no display"));
 }
+
+TEST(BatchProgram, answersLikeTheOtherAndDoesWhatNeedsNoWidgets)
+{
+    const QString example = QStringLiteral(OSSA_EXAMPLES "/Old Plaster.ossa");
+
+    const struct
+    {
+        QStringList arguments;
+        int exitCode;
+        const char *out; ///< in what it says, null: nothing
+        const char *err;
+    } cases[] = {
+        {{QStringLiteral("--version")}, ExitCode::Success, "ossa ", nullptr},
+        {{QStringLiteral("info")}, ExitCode::Usage, nullptr, "PROJECT"},
+        {{QStringLiteral("info"), example}, ExitCode::Success, "Standard Surface", nullptr},
+        {{QStringLiteral("info"), QStringLiteral("/nowhere/a.ossa")},
+         ExitCode::Failure,
+         nullptr,
+         "/nowhere/a.ossa"},
+        {{QStringLiteral("graph"), example, QStringLiteral("-o"), QStringLiteral("a.png")},
+         ExitCode::Usage,
+         nullptr,
+         "only bake and info"},
+    };
+
+    for (const auto &c : cases) {
+        const ProgramRun run = ProgramRun::ofBatch(c.arguments);
+        EXPECT_EQ(run.exitCode, c.exitCode) << run.err.constData();
+        EXPECT_TRUE(c.out ? run.out.contains(c.out) : run.out.isEmpty()) << run.out.constData();
+        EXPECT_TRUE(c.err ? run.err.contains(c.err) : run.err.isEmpty()) << run.err.constData();
+    }
+}

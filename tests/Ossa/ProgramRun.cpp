@@ -5,6 +5,17 @@
 
 ProgramRun ProgramRun::of(const QStringList &arguments, const QString &folder)
 {
+    return start(QStringLiteral(OSSA_PROGRAM), arguments, folder);
+}
+
+ProgramRun ProgramRun::ofBatch(const QStringList &arguments)
+{
+    return start(QStringLiteral(OSSA_BATCH_PROGRAM), arguments, {});
+}
+
+ProgramRun ProgramRun::start(const QString &path, const QStringList &arguments,
+                             const QString &folder)
+{
     const QTemporaryDir settings;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     for (const char *name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
@@ -14,7 +25,7 @@ ProgramRun ProgramRun::of(const QStringList &arguments, const QString &folder)
     QProcess program;
     program.setProcessEnvironment(environment);
     program.setWorkingDirectory(folder);
-    program.start(QStringLiteral(OSSA_PROGRAM), arguments);
+    program.start(path, arguments);
     const bool ended = program.waitForFinished(60000)
                        && program.exitStatus() == QProcess::NormalExit;
     return {ended ? program.exitCode() : -1, program.readAllStandardOutput(),

@@ -12,4 +12,10 @@ struct ProgramRun
 
     /// In the folder, or in the current one.
     static ProgramRun of(const QStringList &arguments, const QString &folder = {});
+    /// Of the program without widgets.
+    static ProgramRun ofBatch(const QStringList &arguments);
+
+private:
+    static ProgramRun start(const QString &path, const QStringList &arguments,
+                            const QString &folder);
 };

@@ -1,4 +1,6 @@
 #include "Ossa/Commands/RecentProjects.h"
+#include "Ossa/Headless/CommandLine.h"
+#include "Ossa/Pictures/GraphCommand.h"
 #include "Ossa/Window/MainMenus.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
@@ -207,6 +209,51 @@ TEST_F(ChosenFiles, menusHoldTheirCommandsAndTheGraphsTheRestToo)
             EXPECT_EQ(entry->isVisible(), !actions.isEmpty()) << qPrintable(entry->text());
         }
         EXPECT_EQ(inMore, left);
+    }
+}
+
+TEST_F(ChosenFiles, closingWaitsUntilANewProjectHasItsPlace)
+{
+    change();
+    {
+        const DialogAnswers nowhere(QString(), QMessageBox::Save);
+        command("File/Close")->trigger();
+        EXPECT_EQ(nowhere.boxes.size(), 1);
+        EXPECT_EQ(nowhere.questions, 1);
+    }
+    ASSERT_NE(project(), nullptr) << "nothing was saved";
+    {
+        const DialogAnswers somewhere(path("closed.ossa"), QMessageBox::Save);
+        command("File/Close")->trigger();
+    }
+    EXPECT_EQ(project(), nullptr);
+    EXPECT_TRUE(QFile::exists(path("closed.ossa")));
+}
+
+TEST_F(ChosenFiles, thePictureOfAGraphIsWrittenOrItIsSaidWhyNot)
+{
+    change();
+    const QString wall = path("graph.ossa");
+    ASSERT_TRUE(OssProjectManager::instance()->saveProjectAs(wall));
+
+    const struct
+    {
+        const char *file;
+        int exitCode;
+    } cases[] = {{"graph.svg", ExitCode::Success}, {"nowhere/graph.png", ExitCode::Failure}};
+
+    for (const auto &c : cases) {
+        const QString file = path(c.file);
+        testing::internal::CaptureStdout();
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(runGraphCommand(wall, file), c.exitCode) << c.file;
+        std::fflush(stdout);
+        const std::string told = testing::internal::GetCapturedStdout();
+        const std::string errors = testing::internal::GetCapturedStderr();
+        const bool written = c.exitCode == ExitCode::Success;
+        EXPECT_EQ(told, written ? file.toStdString() + "\n" : std::string());
+        EXPECT_EQ(errors.empty(), written) << errors;
+        EXPECT_EQ(QFile::exists(file), written);
     }
 }
 

@@ -1,5 +1,8 @@
+#include "Ossa/Scripting/ConsoleInput.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/Actions/OssCommandTable.h"
+#include "OssInterface/Palettes/OssPalette.h"
+#include "OssInterface/Palettes/OssPaletteManager.h"
 #include "Program/StartedProgram.h"
 
 #include <QAction>
@@ -89,4 +92,18 @@ TEST_F(Commands, everyCommandThatDocumentsNameIsThere)
         }
     }
     EXPECT_GT(found, 4);
+}
+
+TEST_F(Commands, theConsoleComesToTheFrontReadyToTypeIn)
+{
+    OssPalette *palette = OssPaletteManager::instance()->find(
+        QStringLiteral("script_console_palette"));
+    ASSERT_NE(palette, nullptr);
+    const auto *input = palette->findChild<ConsoleInput *>();
+    ASSERT_NE(input, nullptr);
+    s_window->activateWindow();
+    s_window->setFocus();
+    OssActionTreeManager::instance()->findAction(QStringLiteral("/Ossa/Script/Console"))->trigger();
+    EXPECT_TRUE(palette->isVisible());
+    EXPECT_EQ(s_window->focusWidget(), input);
 }

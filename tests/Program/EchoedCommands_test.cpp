@@ -1,7 +1,9 @@
 #include "Ossa/Scripting/ScriptEcho.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
+#include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssShadingGroup.h"
 #include "OssModel/Graph/OssSnBaseContext.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
@@ -124,6 +126,71 @@ TEST_F(EchoedCommands, eachIsToldOnceAndOnlyWhileTheUserWantsIt)
     }
     QTest::qWait(120);
     EXPECT_NE(told().find("node(\"Second\").bypassed = True"), std::string::npos);
+}
+
+TEST_F(EchoedCommands, whatWasSelectedBeforeTheEchoBeganCounts)
+{
+    OssSnBaseNode *group = m_network->createNode(QStringLiteral("Misc/Group"),
+                                                 QStringLiteral("Around"));
+    m_echo.setEnabled(false);
+    select({group});
+    told();
+    m_echo.setEnabled(true);
+    trigger("Add Group Input");
+    EXPECT_EQ(told(), "ossa.graph().select([ossa.graph().node(\"Around\")])\n"
+                      "ossa.trigger(\"/Ossa/NodeGraph/Add Group Input\")");
+}
+
+TEST_F(EchoedCommands, graphsOfOtherObjectsAreNotToldAsTheCurrentOne)
+{
+    OssProject *project = OssProjectManager::instance()->currentProject();
+    OssGeoEntity *other = project->addEntity(QStringLiteral("Other"));
+    OssShaderNetworkManager::instance()->setCurrentShaderNetwork(
+        other->shadingGroups().first()->network());
+    told();
+    m_first->setBypassed(true);
+    EXPECT_EQ(told().find("ossa."), std::string::npos) << "there is no such node here";
+    OssShaderNetworkManager::instance()->setCurrentShaderNetwork(m_network);
+    told();
+    m_first->setBypassed(false);
+    EXPECT_EQ(told(), "ossa.graph().node(\"First\").bypassed = False");
+}
+
+TEST_F(EchoedCommands, everyKindOfEditHasItsLine)
+{
+    const std::string first = R"(ossa.graph().node("First"))";
+
+    const struct
+    {
+        std::function<void()> edit;
+        std::string line;
+    } cases[] = {
+        {[&] { m_first->setAttribute(QStringLiteral("Radius"), 2.5); },
+         first + R"(.setAttribute("Radius", 2.5))"},
+        {[&] { m_first->setEnabled(0); }, first + ".enabled = False"},
+        {[&] { m_first->setEnabled(1); }, first + ".enabled = True"},
+        {[&] { m_first->setDescription(QStringLiteral("a \"b\"\n\tc")); },
+         first + R"(.description = "a \"b\"\n\x09c")"},
+        {[&] {
+             m_second->setInputNode(QStringLiteral("Input"), m_first,
+                                    m_first->prefferedOutputPoint());
+         },
+         R"(ossa.graph().node("Second").connectInput("Input", )" + first + ", \""
+             + m_first->prefferedOutputPoint().toStdString() + "\")"},
+        {[&] { m_second->setInputNode(QStringLiteral("Input"), nullptr, QString()); },
+         R"(ossa.graph().node("Second").disconnectInput("Input"))"},
+        {[&] { m_first->setName(QStringLiteral("Moss")); }, first + R"(.name = "Moss")"},
+        {[&] { m_network->removeNodes({m_first}); }, R"(ossa.graph().node("Moss").remove())"},
+        {[&] { OssUndoManager::instance()->undo(); }, "ossa.undo().undo()"},
+        {[&] { OssUndoManager::instance()->redo(); }, "ossa.undo().redo()"},
+        {[&] { m_network->removeNodes({m_network->createNode(QStringLiteral("Misc/Dot"), {})}); },
+         "# Create Node : Dot, Remove Nodes"},
+    };
+
+    for (const auto &c : cases) {
+        c.edit();
+        EXPECT_EQ(told(), c.line);
+    }
 }
 
 } // namespace

@@ -8,9 +8,11 @@
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Project/OssProject.h"
 #include "Program/StartedProgram.h"
+#include "support/DialogAnswers.h"
 #include "support/ExpectedLog.h"
 
 #include <QAction>
+#include <QDir>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -218,6 +220,31 @@ TEST_F(Groups, exportsToTheFileThatIsChosenAndSaysWhatCannotBeWritten)
         EXPECT_EQ(QFile::exists(path), c.fits) << c.file;
         EXPECT_EQ(warned, !c.fits) << c.file;
     }
+}
+
+TEST_F(Groups, insideAGroupItsOwnPortsAreMeant)
+{
+    OssShaderNetworkManager::instance()->setCurrentViewNetwork(group()->groupNetwork());
+    const QList<OssSnBaseNode *> inside = group()->groupNetwork()->getAllNodes();
+    for (OssSnBaseNode *node : inside)
+        node->setSelected(false);
+    trigger("Add Group Input");
+    EXPECT_EQ(m_group->inputNames().size(), 1);
+    OssShaderNetworkManager::instance()->setCurrentViewNetwork(m_network);
+    trigger("Add Group Input");
+    EXPECT_EQ(m_group->inputNames().size(), 1) << "none is selected, and none is around";
+}
+
+TEST_F(Groups, aGizmoIsTheSelectedGroup)
+{
+    const QTemporaryDir folder;
+    select({m_group});
+    {
+        const DialogAnswers answers(folder.filePath(QStringLiteral("around")));
+        trigger("Export as Gizmo");
+        EXPECT_EQ(answers.questions, 1);
+    }
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files).size(), 1);
 }
 
 } // namespace

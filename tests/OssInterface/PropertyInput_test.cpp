@@ -283,7 +283,7 @@ TEST_F(NumberInput, stepsFitTheValueTheRangeAndTheKind)
         field.setValue(c.value);
         QSignalSpy stepped(&field, &OssNumberField::stepped);
         QTest::keyClick(&field, c.key);
-        EXPECT_DOUBLE_EQ(field.value(), c.wanted) << &c - cases;
+        EXPECT_EQ(field.value(), c.wanted) << &c - cases; // not nearly
         EXPECT_EQ(stepped.isEmpty(), c.value == c.wanted) << &c - cases;
     }
     field.setMixed(true);

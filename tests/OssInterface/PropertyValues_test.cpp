@@ -1,3 +1,4 @@
+#include "OssCore/Values/OssColor.h"
 #include "OssInterface/Properties/OssColorEditor.h"
 #include "OssInterface/Properties/OssCurveEditor.h"
 #include "OssInterface/Properties/OssRampEditor.h"
@@ -5,6 +6,7 @@
 
 #include <QClipboard>
 #include <QComboBox>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QWheelEvent>
 
@@ -308,4 +310,53 @@ TEST_F(PropertyValues, theChosenPointIsOneThatIsThere)
         QTest::keyClick(ramp, Qt::Key_Space);
     ramp->setStops({{0.1, {}}, {0.5, {}}});
     EXPECT_EQ(ramp->current(), 1);
+}
+
+TEST_F(PropertyValues, stopsThatAreAddedBesideTheBarStandAtItsEnds)
+{
+    auto *ramp = editor<OssRampField>("Colors");
+    ramp->setStops({{0.5, {1, 1, 1, 1}}});
+    for (const int x : {0, ramp->width() - 1})
+        QTest::mouseDClick(ramp, Qt::LeftButton, {}, {x, 8});
+    ASSERT_EQ(ramp->stops().size(), 3);
+    EXPECT_EQ(ramp->stops().first().place, 0.0);
+    EXPECT_EQ(ramp->stops().last().place, 1.0);
+}
+
+TEST_F(PropertyValues, aCurveTellsOfADragOnlyWhatMoved)
+{
+    auto *curve = editor<OssCurveField>("Shape");
+    curve->setPoints({{0.0, 0.0}, {0.5, 0.5}, {1.0, 1.0}});
+    QSignalSpy dragged(curve, &OssCurveField::dragged);
+    const QPoint at = curve->toWidget({0.5, 0.5}).toPoint();
+    const auto moveTo = [curve](const QPoint &place) {
+        QMouseEvent move(QEvent::MouseMove, place, Qt::NoButton, Qt::LeftButton, {});
+        QApplication::sendEvent(curve, &move);
+        return curve->points().at(1);
+    };
+    moveTo(at + QPoint(20, 0));
+    EXPECT_TRUE(dragged.isEmpty()) << "nothing is held";
+    QTest::mousePress(curve, Qt::LeftButton, {}, at);
+    const QPointF there = moveTo(at + QPoint(20, -10));
+    const int once = dragged.size();
+    EXPECT_GE(once, 1);
+    EXPECT_GT(there.x(), 0.5);
+    EXPECT_EQ(moveTo(at + QPoint(20, -10)), there);
+    EXPECT_EQ(dragged.size(), once);
+    QTest::mouseRelease(curve, Qt::LeftButton, {}, at);
+}
+
+TEST_F(PropertyValues, theSwatchIsTheColour)
+{
+    auto *tint = m_panel->row(QStringLiteral("Tint"))->editor();
+    auto *swatch = tint->findChild<QPushButton *>();
+    OssCustomAttribute attribute = m_node->userAttribute(QStringLiteral("Tint"));
+    attribute.setValue(QVariant::fromValue(OssColor(1.0, 0.0, 0.0)));
+    const auto left = [&](bool mixed) {
+        tint->showValue(attribute, mixed);
+        const QImage icon = swatch->icon().pixmap(swatch->iconSize()).toImage();
+        return icon.pixelColor(3, icon.height() / 2);
+    };
+    EXPECT_EQ(left(false), QColor(Qt::red));
+    EXPECT_NE(left(true), QColor(Qt::red));
 }

@@ -252,10 +252,13 @@ TEST_F(SearchLists, favouritesAreMarkedByAKeyOrTheStarAndChosenBesideIt)
     dialog.show();
     auto *field = dialog.findChild<QLineEdit *>();
     auto *list = dialog.findChild<QListView *>();
-    const auto click = [list](int row, bool star) {
+    const auto click = [&](int row, bool star) {
         const QRect place = list->visualRect(list->model()->index(row, 0));
         const QPoint at = star ? OssSearchRowDelegate::starRect(place).center() : place.center();
-        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, at);
+        const int marked = dialog.favourites().size();
+        QTest::mousePress(list->viewport(), Qt::LeftButton, {}, at);
+        EXPECT_EQ(dialog.favourites().size(), marked + (star ? 1 : 0));
+        QTest::mouseRelease(list->viewport(), Qt::LeftButton, {}, at);
     };
     QTest::keyClick(field, Qt::Key_Space);
     QTest::keyClick(field, Qt::Key_B, Qt::ControlModifier);
@@ -283,4 +286,30 @@ TEST_F(SearchLists, favouritesAreMarkedByAKeyOrTheStarAndChosenBesideIt)
     EXPECT_FALSE(dialog.isVisible());
     EXPECT_EQ(dialog.chosenPathKey(), taken);
     EXPECT_EQ(dialog.favourites().size(), 2);
+}
+
+TEST_F(SearchLists, typesAreFoundByWhatElseTheyAreCalledAfterThoseOfThatName)
+{
+    OssNodeTypeListModel model;
+    const auto found = [&](const char *text) {
+        model.setSearchText(QString::fromLatin1(text));
+        QStringList keys;
+        for (int i = 0; i < model.rowCount(); ++i)
+            keys.append(key(model, i));
+        return keys;
+    };
+    EXPECT_EQ(found("gauss").value(0), QStringLiteral("Filter/Blur"));
+    EXPECT_EQ(found("soften").value(0), QStringLiteral("Filter/Blur"));
+    EXPECT_EQ(found("Ramp").indexOf(QStringLiteral("Adjust/Curve")) > 0, true)
+        << "what is called so comes first";
+    EXPECT_TRUE(found("filter blur").contains(QStringLiteral("Filter/Blur"))) << "by its folder";
+}
+
+TEST_F(SearchLists, keysTypedInAPopupAreNotTheWindows)
+{
+    OssNodeQuickFindDialog dialog({}, {}, 5, {10, 10}, {600, 600});
+    QKeyEvent key(QEvent::ShortcutOverride, Qt::Key_D, {}, QStringLiteral("d"));
+    key.ignore();
+    EXPECT_TRUE(QApplication::sendEvent(&dialog, &key));
+    EXPECT_TRUE(key.isAccepted());
 }

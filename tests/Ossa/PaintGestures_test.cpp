@@ -247,6 +247,8 @@ TEST_F(PaintGestures, theWheelZoomsAtThePointerWithinLimits)
     const QPoint pointer = at(0.25, 0.75) + QPoint(1, 1);
     const QString before = placeAt(pointer);
     EXPECT_EQ(before, QStringLiteral("1001  16, 16"));
+    EXPECT_EQ(placeAt(at(0.5, 0.0)), QStringLiteral("1001  32, 63")) << "its last row";
+    EXPECT_EQ(placeAt(at(0.0, 0.5)), QStringLiteral("1001  0, 32"));
     turn(pointer, 4);
     EXPECT_EQ(placeAt(pointer), before);
     EXPECT_NE(placeAt(at(0.1, 0.9)), QStringLiteral("1001  6, 6"));
@@ -432,6 +434,24 @@ TEST_F(PaintGestures, problemsAreWrittenAndNumbersWhereThereIsRoom)
                      Qt::NoScrollPhase, false);
     QApplication::sendEvent(m_canvas.get(), &away);
     EXPECT_EQ(lightPixels(look()), 0) << "a number larger than its patch";
+}
+
+TEST_F(PaintGestures, valuesUnderThePointerFollowThePicture)
+{
+    move(at(0.5, 0.5), Qt::NoButton);
+    QSignalSpy told(m_canvas.get(), &UvView::pointed);
+    const auto arrive = [this](float value) {
+        const auto tile = std::make_shared<OssEvTile>(1, OssEvTile::Format::Half,
+                                                      std::array<float, 4>{value});
+        m_pictures.setTile(1001, Resolution, {0, 0}, ViewerPixels::picture(*tile, {}), tile);
+    };
+    m_canvas->setAttribute(Qt::WA_UnderMouse, false);
+    arrive(0.25F);
+    EXPECT_TRUE(told.isEmpty()) << "the pointer is elsewhere";
+    m_canvas->setAttribute(Qt::WA_UnderMouse, true);
+    arrive(0.75F);
+    ASSERT_EQ(told.size(), 1);
+    EXPECT_TRUE(told.first().first().toString().endsWith(QStringLiteral("0.7500")));
 }
 
 } // namespace

@@ -2,12 +2,14 @@
 
 #include "Ossa/Viewer/PaintComposer.h"
 #include "Ossa/Viewer/PaintPreferences.h"
+#include "OssCore/Program/OssSettings.h"
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssModel/Nodes/OssSnImageSetNodeBase.h"
 #include "OssModel/Objects/OssImageSet.h"
 #include "support/ModelFixture.h"
 
+#include <QDir>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -160,8 +162,32 @@ TEST_F(PaintSessions, erasingThatCannotBeBakedIsToldInTheStatusBar)
     stroke();
     EXPECT_FALSE(hasPaint()) << "it is in the images at once";
     EXPECT_TRUE(messages.isEmpty());
+    const QDir folder(OssSettings::folderPath());
+    QDir(folder.filePath(QStringLiteral("pixels"))).removeRecursively();
+    QFile inTheWay(folder.filePath(QStringLiteral("pixels")));
+    ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
+    stroke();
+    inTheWay.remove();
+    ASSERT_EQ(messages.size(), 1);
+    EXPECT_TRUE(messages.first().first().toString().contains(QStringLiteral("pixels")));
+    EXPECT_TRUE(hasPaint());
     m_session->setBakesErasing(false);
     stroke();
+    EXPECT_EQ(messages.size(), 1) << "nothing was to be baked";
+}
+
+TEST_F(PaintSessions, undoneBakingBringsPaintBackAsFineAsItWas)
+{
+    OssUndoManager *history = OssUndoManager::instance();
+    stroke();
+    const OssEvPaintBuffer::Tiles tiles = m_session->buffer().tiles();
+    ASSERT_TRUE(m_session->bake());
+    m_node->imageSet()->setResolution(256);
+    stroke();
+    EXPECT_EQ(m_session->buffer().resolution(), 256);
+    while (m_session->buffer().tiles() != tiles && history->canUndo())
+        history->undo();
+    EXPECT_EQ(m_session->buffer().resolution(), 64);
     EXPECT_TRUE(hasPaint());
 }
 

@@ -225,6 +225,8 @@ TEST_F(Painting, aCrashLosesNoPaintThatACopyWasTakenOf)
     autosave->waitForDisk();
     autosave.reset();
     const QString name = m_paint->name();
+    m_session->clear();
+    EXPECT_EQ(text(), before) << "no copy of what is cleared is named any more";
     OssProjectManager::instance()->newProject(QStringLiteral("Next"));
 
     const QVector<OssRecovery::Entry> entries = OssRecovery::entries(recovery);

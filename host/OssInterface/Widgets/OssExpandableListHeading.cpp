@@ -5,8 +5,6 @@
 #include <QMouseEvent>
 #include <QToolButton>
 
-#include <algorithm>
-
 OssExpandableListHeading::OssExpandableListHeading(const QString &text, QWidget *parent)
     : QWidget(parent)
     , m_arrow(new QToolButton(this))
@@ -58,7 +56,7 @@ void OssExpandableListHeading::insertWidget(int index, QWidget *widget)
     if (index < 0)
         m_widgets->addWidget(widget);
     else
-        m_leading->insertWidget(std::min(index, m_leading->count()), widget);
+        m_leading->insertWidget(index, widget); // beyond the last: at the end
 }
 
 void OssExpandableListHeading::setCollapsed(bool collapsed)

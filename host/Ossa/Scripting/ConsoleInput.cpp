@@ -52,7 +52,7 @@ ConsoleInput::~ConsoleInput() = default;
 
 QSize ConsoleInput::sizeHint() const
 {
-    const int lines = std::min(std::max(blockCount(), 1), mostLines);
+    const int lines = std::min(blockCount(), mostLines);
     constexpr int padding = 3; // the style's
     const int text = lines * fontMetrics().lineSpacing() + int(2 * document()->documentMargin());
     return {200, text + 2 * (frameWidth() + padding)};

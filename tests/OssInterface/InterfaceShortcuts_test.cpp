@@ -189,3 +189,25 @@ TEST_F(Shortcuts, groupComesFromTheFolderUnlessAssigned)
     EXPECT_EQ(shortcuts()->groupOf(QStringLiteral("/Ossa/Tests/Thing")),
               QStringLiteral("My Group"));
 }
+
+TEST(StoredShortcuts, keysOfTheLastSessionCountAndWhatIsNoKeyDoesNot)
+{
+    const auto store = [](const QString &path, const QStringList &keys) {
+        OssSettings().setValue(QStringLiteral("Shortcuts") + path, keys);
+    };
+    store(disablePath, {QStringLiteral("K")});
+    store(bypassPath, {QString()}); // taken away
+    store(savePath, {QString(), QStringLiteral("Ctrl+K")});
+    // The next session, in the same place.
+    OssShortcutManager *manager = shortcuts();
+    manager->~OssShortcutManager();
+    new (manager) OssShortcutManager;
+    EXPECT_EQ(shortcuts()->keys(disablePath), QList<QKeySequence>{QKeySequence(Qt::Key_K)});
+    EXPECT_TRUE(shortcuts()->isCustomized(bypassPath));
+    EXPECT_TRUE(shortcuts()->keys(bypassPath).isEmpty());
+    EXPECT_EQ(shortcuts()->keys(savePath), QList<QKeySequence>{QKeySequence(Qt::CTRL + Qt::Key_K)});
+    shortcuts()->resetAll();
+    EXPECT_FALSE(shortcuts()->isCustomized(bypassPath));
+    EXPECT_FALSE(shortcuts()->keys(bypassPath).isEmpty());
+    EXPECT_TRUE(OssSettings().value(QStringLiteral("Shortcuts") + disablePath).isNull());
+}

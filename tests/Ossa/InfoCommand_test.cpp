@@ -2,10 +2,13 @@
 
 #include "Ossa/Headless/CommandLine.h"
 #include "Ossa/Pictures/GraphCommand.h"
+#include "OssModel/Project/OssAutosave.h"
 #include "OssModel/Project/OssProjectFile.h"
+#include "ProgramRun.h"
 #include "support/ModelFixture.h"
 
 #include <QFile>
+#include <QSettings>
 #include <QTemporaryDir>
 
 // What the commands without a window say; they run here without the program around them.
@@ -91,6 +94,27 @@ TEST_F(InfoCommand, whatCannotBeDoneIsAFailureInOneLine)
     EXPECT_EQ(std::count(errors.begin(), errors.end(), '\n'), 3) << errors;
     EXPECT_TRUE(has(errors, "/nowhere/wall.ossa")) << errors;
     EXPECT_TRUE(has(errors, "plug-in is not loaded")) << errors;
+}
+
+TEST_F(InfoCommand, theProgramTellsOfUnsavedWorkAndLeavesPreferencesAlone)
+{
+    const QTemporaryDir settings;
+    const auto run = [&] {
+        return ProgramRun::of({QStringLiteral("info"), path()}, {}, settings.path());
+    };
+    EXPECT_TRUE(run().err.isEmpty());
+    {
+        OssAutosave autosave(settings.filePath(QStringLiteral("recovery")));
+        add("Filter/Blur", "Unsaved");
+        autosave.takeCopy();
+        autosave.waitForDisk();
+    }
+    const ProgramRun told = run();
+    EXPECT_EQ(told.exitCode, ExitCode::Success);
+    EXPECT_TRUE(told.err.contains("wall")) << told.err.constData();
+    const QSettings stored(settings.filePath(QStringLiteral("ossa.ini")), QSettings::IniFormat);
+    EXPECT_FALSE(stored.childGroups().contains(QStringLiteral("Application")))
+        << "preferences are the window's to save";
 }
 
 } // namespace

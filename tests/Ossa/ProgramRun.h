@@ -10,12 +10,13 @@ struct ProgramRun
     QByteArray out;
     QByteArray err;
 
-    /// In the folder, or in the current one.
-    static ProgramRun of(const QStringList &arguments, const QString &folder = {});
+    /// In the folder, or in the current one; with settings in a folder, or with none.
+    static ProgramRun of(const QStringList &arguments, const QString &folder = {},
+                         const QString &settings = {});
     /// Of the program without widgets.
     static ProgramRun ofBatch(const QStringList &arguments);
 
 private:
     static ProgramRun start(const QString &path, const QStringList &arguments,
-                            const QString &folder);
+                            const QString &folder, const QString &settings);
 };

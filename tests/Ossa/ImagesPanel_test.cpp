@@ -19,6 +19,7 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QStandardItemModel>
 #include <QTemporaryDir>
 #include <QTest>
@@ -54,6 +55,7 @@ protected:
 TEST_F(Images, comeAsOneStepWithTheirPicturesAndGoAsIds)
 {
     ImageListModel model;
+    QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
     const QStringList reasons = ImageListModel::add(
         {path("wood.png"), path("rust.1002.png"), path("none.png")});
     ASSERT_EQ(reasons.size(), 1);
@@ -66,6 +68,7 @@ TEST_F(Images, comeAsOneStepWithTheirPicturesAndGoAsIds)
         return icon.pixmap(16).toImage().pixelColor(8, 4) == QColor(Qt::red);
     };
     EXPECT_TRUE(QTest::qWaitFor(isRed));
+    EXPECT_FALSE(changed.isEmpty()) << "views are told of pictures that were read";
     const std::unique_ptr<QMimeData> data(model.mimeData({model.index(0), model.index(1)}));
     const auto ids = OssImageUniqueId::imageIdListFromString(
         QString::fromUtf8(data->data(OssImage::MimeType)));

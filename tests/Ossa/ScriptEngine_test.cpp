@@ -138,7 +138,9 @@ TEST_F(ScriptEngine, closesTheWindowOnceTheScriptHasStopped)
     QWidget *before = OssApplication::mainWindow();
     OssApplication::setMainWindow(&window);
     bool closed = true;
-    QTimer::singleShot(200, &window, [&] { closed = window.close(); });
+    // However long Python takes to come up.
+    QObject::connect(engine(), &OssScriptEngine::started, &window,
+                     [&] { QTimer::singleShot(200, &window, [&] { closed = window.close(); }); });
     EXPECT_EQ(run("while True: pass"), 130);
     EXPECT_FALSE(closed);
     QTest::qWait(20);

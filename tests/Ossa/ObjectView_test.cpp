@@ -207,6 +207,58 @@ TEST_F(ObjectDrawing, theViewShowsPicturesAsTheyArriveAndTurnsUnderTheMouse)
     EXPECT_EQ(middle(), QColor(Qt::green));
 }
 
+TEST_F(ObjectDrawing, anObjectOfAnySizeIsFramedWhenItComes)
+{
+    ViewerPictures pictures;
+    pictures.begin({1001}, 256, {});
+    ObjectView view(&pictures);
+    view.resize(Size, Size);
+    view.setLit(false);
+    view.show();
+    const QColor ground = view.grab().toImage().pixelColor(5, 5);
+    for (const float scale : {100.0F, 1.0F, 0.01F}) {
+        auto mesh = std::make_shared<OssEvMesh>(*OssEvShapes::plane());
+        mesh->world = {scale, 0, 0, 0, 0, scale, 0, 0, 0, 0, scale, 0};
+        view.setMesh(mesh);
+        const QImage image = view.grab().toImage();
+        EXPECT_NE(image.pixelColor(Size / 2, Size / 2), ground) << double(scale);
+        for (const QPoint &corner : {QPoint(3, 3), QPoint(Size - 4, 3), QPoint(3, Size - 4)})
+            EXPECT_EQ(image.pixelColor(corner), ground) << double(scale);
+    }
+    // The user's own view of it stays while nothing else comes.
+    QTest::keyClick(&view, Qt::Key_F);
+    const QImage framed = view.grab().toImage();
+    QWheelEvent nearer({120, 120}, view.mapToGlobal(QPoint(120, 120)), {}, {0, 240}, Qt::NoButton,
+                       {}, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&view, &nearer);
+    const QImage near = view.grab().toImage();
+    EXPECT_NE(near, framed);
+    view.resize(Size + 1, Size);
+    view.resize(Size, Size);
+    EXPECT_EQ(view.grab().toImage(), near);
+}
+
+TEST(ObjectMeasures, areThoseOfTheObjectOrOfNothing)
+{
+    ObjectRenderer renderer; // measures without a screen, too
+    renderer.setMesh(OssEvShapes::plane());
+    EXPECT_GT(renderer.radius(), 0.1F);
+    auto moved = std::make_shared<OssEvMesh>(*OssEvShapes::plane());
+    const QVector3D centre = renderer.centre();
+    const float radius = renderer.radius();
+    moved->world = {2, 0, 0, 10, 0, 2, 0, 0, 0, 0, 2, 0};
+    renderer.setMesh(moved);
+    EXPECT_NEAR(renderer.radius(), 2.0F * radius, 1e-4F);
+    EXPECT_NEAR(renderer.centre().x(), 2.0F * centre.x() + 10.0F, 1e-4F);
+    for (const std::shared_ptr<const OssEvMesh> &nothing :
+         {std::shared_ptr<const OssEvMesh>(),
+          std::shared_ptr<const OssEvMesh>(std::make_shared<OssEvMesh>())}) {
+        renderer.setMesh(nothing);
+        EXPECT_EQ(renderer.centre(), QVector3D());
+        EXPECT_EQ(renderer.radius(), 1.0F);
+    }
+}
+
 TEST(ObjectTextures, takeNoMoreMemoryThanTheyMay)
 {
     EXPECT_EQ(ObjectRenderer::textureSize(1, 4096), 2048);

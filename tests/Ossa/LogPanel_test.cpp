@@ -130,6 +130,8 @@ TEST_F(Log, kindsOfLinesDifferInColour)
     OssDebug(__FILE__, __LINE__, "stone");
     ASSERT_TRUE(waitForRows(3));
     const QColor wanted[] = {Theme::warningText(), Theme::mutedText(), QColor()};
+    EXPECT_GT(wanted[0].red(), wanted[0].blue() + 40) << "a warning is red";
+    EXPECT_LT(std::abs(wanted[1].red() - wanted[1].blue()), 40) << "what is less is grey";
     for (int row = 0; row < 3; ++row)
         EXPECT_EQ(view->model()->index(row, 0).data(Qt::ForegroundRole).value<QColor>(),
                   wanted[row]);

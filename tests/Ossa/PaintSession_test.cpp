@@ -191,4 +191,15 @@ TEST_F(PaintSessions, undoneBakingBringsPaintBackAsFineAsItWas)
     EXPECT_TRUE(hasPaint());
 }
 
+TEST_F(PaintSessions, strokesOutliveTheirSession)
+{
+    stroke();
+    const int count = undoCount();
+    m_session.reset();
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(OssUndoManager::instance()->index(), count - 1);
+    OssUndoManager::instance()->redo();
+    EXPECT_EQ(OssUndoManager::instance()->index(), count);
+}
+
 } // namespace

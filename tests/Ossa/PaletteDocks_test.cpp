@@ -280,6 +280,12 @@ TEST_F(Docks, aPaletteWithoutItsNeighbourGoesToTheRight)
     OssPalette *late = make("Node Properties", "node_properties_palette");
     QTest::qWait(20);
     EXPECT_GT(place(late).left(), place(graph).right());
+    OssActionTreeManager::instance()
+        ->findAction(QStringLiteral("/Ossa/View/Reset Layout"))
+        ->trigger();
+    QTest::qWait(20);
+    for (const OssPalette *palette : {graph, other, late})
+        EXPECT_GT(palette->height() * palette->width(), 100 * 100) << "none is squeezed away";
 }
 
 } // namespace

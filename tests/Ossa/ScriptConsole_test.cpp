@@ -1,6 +1,7 @@
 #include "Ossa/Scripting/ConsoleInput.h"
 #include "Ossa/Scripting/ConsolePanel.h"
 #include "Ossa/Scripting/ScriptEcho.h"
+#include "Ossa/Scripting/ScriptText.h"
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "ScriptSession.h"
@@ -263,4 +264,29 @@ TEST_F(ScriptConsole, itsButtonRunsTheCommandAndItsEchoIsRemembered)
     EXPECT_TRUE(next.output()->toPlainText().contains(QStringLiteral("\"Seen\"")));
     button(next, "Clear")->click();
     EXPECT_TRUE(next.output()->toPlainText().isEmpty());
+}
+
+TEST(ScriptTexts, valuesAreWrittenAsPythonOrNotAtAll)
+{
+    const struct
+    {
+        QVariant value;
+        const char *text;
+    } cases[] = {
+        {true, "True"},
+        {7, "7"},
+        {0.25, "0.25"},
+        {QStringLiteral("a\"\\b"), R"("a\"\\b")"},
+        {QStringList{QStringLiteral("a"), QStringLiteral("b")}, R"(["a", "b"])"},
+        {QPointF(1, 2.5), "(1, 2.5)"},
+        {QVariantMap(), ""},
+    };
+
+    for (const auto &c : cases) {
+        EXPECT_EQ(ScriptText::value(c.value).toStdString(), c.text);
+        EXPECT_EQ(
+            ScriptText::setAttribute(QStringLiteral("/N"), QStringLiteral("A"), c.value).isEmpty(),
+            !*c.text)
+            << c.text;
+    }
 }

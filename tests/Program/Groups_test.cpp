@@ -247,4 +247,21 @@ TEST_F(Groups, aGizmoIsTheSelectedGroup)
     EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files).size(), 1);
 }
 
+TEST_F(Groups, whatIsLeftHalfwayOrHasNoProjectDoesNothing)
+{
+    select({m_group});
+    {
+        const DialogAnswers nowhere;
+        trigger("Export as Custom Procedural");
+        EXPECT_EQ(nowhere.questions, 1);
+        EXPECT_TRUE(nowhere.boxes.isEmpty());
+    }
+    OssProjectManager::instance()->closeProject();
+    const ExpectedLog told("Select the ", ExpectedLog::Possible);
+    for (const char *command : {"Group Selected Nodes", "Ungroup", "Add Group Input",
+                                "Add Group Output", "Export as Custom Procedural"})
+        trigger(command);
+    EXPECT_EQ(OssUndoManager::instance()->count(), 0);
+}
+
 } // namespace

@@ -6,7 +6,7 @@ set(OSSA_SANITIZERS "" CACHE STRING "Comma-separated sanitizers, e.g. address,un
 find_program(OSSA_CCACHE ccache)
 if(OSSA_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
     set(CMAKE_CXX_COMPILER_LAUNCHER
-        ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
+        /usr/bin/env CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
         ${OSSA_CCACHE})
 endif()
 find_program(OSSA_MOLD mold)

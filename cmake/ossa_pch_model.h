@@ -2,20 +2,33 @@
 
 #include <QColor>
 #include <QDebug>
+#include <QFileInfo>
 #include <QHash>
 #include <QList>
 #include <QMap>
 #include <QMetaProperty>
 #include <QObject>
+#include <QPointF>
 #include <QPointer>
+#include <QRectF>
+#include <QSet>
 #include <QString>
 #include <QStringList>
+#include <QTimer>
+#include <QUuid>
 #include <QVariant>
 #include <QVector>
 #include <QXmlStreamReader>
 
 #include <algorithm>
+#include <array>
+#include <atomic>
+#include <cmath>
 #include <functional>
+#include <limits>
+#include <map>
 #include <memory>
+#include <optional>
+#include <string>
 #include <utility>
 #include <vector>

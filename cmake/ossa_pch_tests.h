@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ossa_pch.h"
+
 // Before QtTest, which brings in more for what is included before it.
 #include <QtWidgets>
 

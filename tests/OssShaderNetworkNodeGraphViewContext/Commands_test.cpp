@@ -71,6 +71,46 @@ protected:
 
 // --- the viewer
 
+TEST_F(CommandsTest, whatIsDoneToEverythingIsNotDoneToTheViewer)
+{
+    m_viewer->setInputNode(QStringLiteral("1"), m_blur, m_blur->prefferedOutputPoint());
+    OssUndoManager::instance()->clear();
+    const QByteArray start = m_project->stateHash();
+    using Command = void (OssShaderNetworkView::*)();
+
+    const struct
+    {
+        Command command;
+        int left;
+    } cases[] = {
+        {&OssShaderNetworkView::deleteSelectedNodes, 1},
+        {&OssShaderNetworkView::cutNodesAction, 1},
+        {&OssShaderNetworkView::deleteAllNodes, 1},
+        {&OssShaderNetworkView::bypassSelectedNode, 6},
+        {&OssShaderNetworkView::disableSelectedNodes, 6},
+        {&OssShaderNetworkView::duplicateSelectedNodes, 11},
+    };
+
+    int number = 0;
+    for (const auto &c : cases) {
+        ++number;
+        select(m_network->nodes());
+        (m_view->*c.command)();
+        EXPECT_EQ(m_network->viewerNode(), m_viewer) << number;
+        EXPECT_EQ(m_network->nodes().size(), c.left) << number;
+        EXPECT_TRUE(m_viewer->enabledAsBool() && !m_viewer->isBypassed()) << number;
+        expectWhole();
+        EXPECT_EQ(undoCount(),
+                  c.command == Command(&OssShaderNetworkView::bypassSelectedNode) ? 5 : 1)
+            << number;
+        OssUndoManager::instance()->setIndex(0);
+        EXPECT_EQ(m_project->stateHash(), start) << number;
+    }
+    select({m_viewer});
+    m_view->deleteSelectedNodes();
+    EXPECT_EQ(m_network->viewerNode(), nullptr) << "by itself it is meant";
+}
+
 TEST_F(CommandsTest, aViewerNumberShowsTheSelectedNodeAndTurnsToIt)
 {
     select({m_blur});

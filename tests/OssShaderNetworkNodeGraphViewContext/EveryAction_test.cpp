@@ -147,7 +147,7 @@ const Row Rows[] = {
     {"Frame Nodes"},
     {"Focus Selection"},
     {"Disable", {nullptr, "Disable Blur", "Toggle Selected Nodes", "Disable Layers", nullptr}},
-    {"Bypass", {nullptr, "Bypass Blur", "Bypass", "Bypass Layers", "Bypass Viewer"}},
+    {"Bypass", {nullptr, "Bypass Blur", "Bypass", "Bypass Layers", nullptr}},
     {"Quick Create"},
     {"Duplicate", {nullptr, "Duplicate Nodes", "Duplicate Nodes", "Duplicate Nodes", nullptr}},
     {"Select All"},

@@ -293,7 +293,7 @@ TEST_F(ViewTest, editingCommandsAreOneStepWithTheirTitle)
     expectStep("Remove Selected Nodes");
 
     m_view->deleteAllNodes();
-    EXPECT_EQ(m_network->nodes(), QList<OssSnBaseNode *>{layer});
+    EXPECT_EQ(m_network->nodes(), (QList<OssSnBaseNode *>{viewer, layer}));
     expectStep("Remove All Nodes");
 
     m_view->scene()->clearSelection();

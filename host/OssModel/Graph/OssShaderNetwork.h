@@ -86,8 +86,10 @@ public:
     /// this one: with free names and their wires. One undo step.
     QList<OssSnBaseNode *> takeOverNodes(OssShaderNetwork *read);
 
-    /// What may not be removed is a debug line and stays. One undo step.
+    /// What may not be removed is a debug line and stays; a viewer goes only by itself. One undo
+    /// step.
     void removeNodes(const QSet<OssSnBaseNode *> &nodes);
+    /// One of many that are removed: a viewer stays.
     void removeNode(OssSnBaseNode *node, bool record, bool notify);
     /// Graph layer inputs are what a layer stands on.
     static bool isRemovable(const OssSnBaseNode *node);

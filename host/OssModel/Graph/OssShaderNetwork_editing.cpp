@@ -258,13 +258,19 @@ void OssShaderNetwork::removeNodes(const QSet<OssSnBaseNode *> &nodes)
             OssDebug(Source, __LINE__, "[ !! ] Node '%s' is protected and stays",
                      qPrintable(node->path()));
     }
+    // Whoever selects everything does not mean what everything is looked at with.
+    const auto viewers = std::stable_partition(
+        removable.begin(), removable.end(),
+        [](const auto *node) { return !node->hasTag(OssSnTags::viewer()); });
+    if (viewers != removable.begin())
+        removable.erase(viewers, removable.end());
     if (!removable.isEmpty())
         removeUnchecked(removable, tr("Remove Nodes"));
 }
 
 void OssShaderNetwork::removeNode(OssSnBaseNode *node, bool, bool)
 {
-    if (node && node->network() == this)
+    if (node && node->network() == this && !node->hasTag(OssSnTags::viewer()))
         removeNodes({node});
 }
 

@@ -8,6 +8,7 @@
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssSnBaseContext.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Types/OssSnTags.h"
 
 #include <atomic>
 
@@ -22,8 +23,8 @@ quint64 nextSerial()
 } // namespace
 
 OssSnBaseNode::OssSnBaseNode(std::shared_ptr<const OssSnNodeType> type)
-    : m_serial(nextSerial())
-    , m_type(std::move(type))
+    : m_type(std::move(type))
+    , m_serial(nextSerial())
 {
     if (!m_type)
         return;
@@ -90,6 +91,11 @@ QString OssSnBaseNode::path() const
 {
     const OssSnBaseNode *group = m_network ? m_network->parentGroupNode() : nullptr;
     return (group ? group->path() : QString()) + QLatin1Char('/') + m_name;
+}
+
+bool OssSnBaseNode::canBeBypassed() const
+{
+    return !hasTag(OssSnTags::viewer());
 }
 
 bool OssSnBaseNode::hasTag(const QString &tag) const

@@ -232,6 +232,7 @@ public:
 protected:
     int inputIndex(const QString &name) const;
     int outputIndex(const QString &name) const;
+    bool canBeBypassed() const override;
     bool attributeNeedsSaving(const OssCustomAttribute &attribute) const override;
     void onUserAttributeSet(const OssCustomAttribute &attribute, bool added) override;
     void onUserAttributeGone(const OssCustomAttribute &attribute) override;
@@ -250,9 +251,6 @@ private:
     };
 
     void setNetwork(OssShaderNetwork *network) { m_network = network; }
-
-    /// Higher for what was made later: the order in which a network holds its nodes.
-    const quint64 m_serial;
 
     void applyName(const QString &name);
     /// The change itself with its signals; no checks, no undo.
@@ -281,6 +279,7 @@ private:
     QString m_versionHashCreated;
     QString m_versionDate;
     std::shared_ptr<const OssSnNodeType> m_type;
+    const quint64 m_serial; ///< rises with each that is made: the order of a network's nodes
     OssShaderNetwork *m_network = nullptr;
     QPointer<OssSnBaseNode> m_container;
     QSet<QString> m_tags; ///< beyond those of the type

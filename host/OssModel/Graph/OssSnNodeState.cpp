@@ -41,7 +41,7 @@ void OssSnNodeState::toggleDisable()
 
 void OssSnNodeState::setBypassed(bool bypassed)
 {
-    if (m_bypassed == bypassed)
+    if (m_bypassed == bypassed || !canBeBypassed())
         return;
     const auto apply = [this](bool value) {
         m_bypassed = value;

@@ -40,6 +40,7 @@ public:
 
     bool isBypassed() const { return m_bypassed; }
 
+    /// Nothing happens to a viewer.
     void setBypassed(bool bypassed);
     void toggleBypass();
 
@@ -68,6 +69,10 @@ public:
     bool setAttribute(const QString &name, const QVariant &value, bool notify = true);
 
     QVariant attribute(const QString &name) const { return userAttribute(name).value(); }
+
+protected:
+    /// Whether the node passes something on that a stream could go by.
+    virtual bool canBeBypassed() const = 0;
 
 private:
     friend class OssShaderNetwork;

@@ -99,31 +99,23 @@ public Q_SLOTS:
     // Networks and projects
     /// The root view shows it.
     void onCurrentShaderNetworkChanged(OssShaderNetwork *Network);
-    /// While a project is opened, before the network's nodes are registered: whoever shows pixels
-    /// is told to look anew. The scene comes later, on first need.
+    /// Before its nodes are registered: whoever shows pixels is told to look anew.
     void onShaderNetworkAdded(OssShaderNetwork *Network);
-    /// Brings the node's item and wires into the network's scene. A wire stands where its target
-    /// does.
+    // The node's item and wires go into the network's scene, and out again; the context keeps them.
     void onNodeRegistered(OssShaderNetwork *Network, OssSnBaseNode *Node);
-    /// Takes them out again; the node's context keeps them.
     void onNodeDeregistered(OssShaderNetwork *Network, OssSnBaseNode *Node);
-    /// Deletes the scene of a network that is dying.
     void onShaderNetworkDestroyed(QObject *Obj);
     /// Forgets where in it the user was.
     void onNetworkDestroyed(QObject *Obj);
-    /// While networks and contexts still live: deletes all scenes, which let go of the contexts'
-    /// items first, and forgets the groups.
+    /// While networks and contexts still live: deletes all scenes and forgets the groups.
     void onProjectClosing();
-    /// When all nodes are registered and the first network is current: items take their port lists,
-    /// and the root view shows the whole of the network.
+    /// With the first network current: items take their port lists, and all of it is framed.
     void onProjectOpenCompleted();
     /// Shows the wires of a network that was read.
     void onAfterShaderNetworkEndCollection(OssShaderNetwork *Network);
-    /// Every item of the open project takes the port list that its context holds: after opening, and
-    /// when the preference for new nodes changes.
+    /// Every item of the open project takes the port list that its context holds.
     void updatePortVisibility();
-    /// When all nodes are registered and none is shown yet: backdrops of old files, which have no path
-    /// key, get that of today's and its version.
+    /// With all nodes registered: old backdrops without a path key get today's and its version.
     void onProjectMadeCurrentUpgradeOldBadBackdrops(OssProject *Project);
 
     // Requests
@@ -139,14 +131,12 @@ public Q_SLOTS:
     void showNodeGraphPalette();
     /// Marks the nodes of the current root network that read the channel, and no others.
     void highlightCurrentImageSetNode(OssChannel *pImageSet);
-    /// From setDebugNodes() of the networks' manager: the old marks go before the new ones come, so
-    /// what is in both stays marked. What is gone meanwhile is passed over.
+    /// The old marks go before the new ones come: what is in both stays marked.
     void onDebugNodesChanged(OssShaderNetworkManager::DebugNodes rNewNodes,
                              OssShaderNetworkManager::DebugInputs rNewInputs,
                              OssShaderNetworkManager::DebugNodes rOldNodes,
                              OssShaderNetworkManager::DebugInputs rOldInputs);
-    /// From the property panels, as the pointer goes from one to another: the items of their nodes
-    /// light up and go out. Null for beside all panels.
+    /// The items of the panels' nodes light up and go out. Null for beside all panels.
     void onNodePropertiesHoverChanged(OssSnBaseNode *MouseOver, OssSnBaseNode *OldMouseOver);
     /// The selected nodes list their ports as the sending action says ("Mode").
     void onNodeCollapsedModeChanged();

@@ -8,8 +8,8 @@
 #include <QMap>
 #include <QMetaProperty>
 #include <QObject>
-#include <QPointF>
 #include <QPointer>
+#include <QPointF>
 #include <QRectF>
 #include <QSet>
 #include <QString>

@@ -3,8 +3,7 @@
 #include "ossa_pch.h"
 
 // Before QtTest, which brings in more for what is included before it.
-#include <QtWidgets>
+#include <gtest/gtest.h>
 
 #include <QtTest>
-
-#include <gtest/gtest.h>
+#include <QtWidgets>

@@ -2,6 +2,6 @@
 
 #include "ossa_pch_model.h"
 
-#include <QtTest>
-
 #include <gtest/gtest.h>
+
+#include <QtTest>

@@ -204,6 +204,22 @@ TEST_F(MeshFiles, readsPolygonsWithTextureCoordinates)
     EXPECT_NEAR(normal[2], 1.0F, 1e-5F) << "normals are made where the file has none";
 }
 
+TEST_F(MeshFiles, keepsTheNormalsThatAFileHasAndMakesTheOthers)
+{
+    const std::string text = "v 0 0 0\nv 2 0 0\nv 2 2 0\nv 0 0 5\nv 2 0 5\nv 2 2 5\n"
+                             "vt 0 0\nvt 1 0\nvt 1 1\nvn 0 0.6 0.8\n"
+                             "o given\nf 1/1/1 2/2/1 3/3/1\no none\nf 4/1 5/2 6/3\n";
+    std::shared_ptr<const OssEvMesh> mesh;
+    const OssEvResult result = OssEvMeshFile::read(write("both.obj", text), &mesh);
+    ASSERT_TRUE(result) << result.error();
+    ASSERT_EQ(mesh->positions.size(), 6U);
+    for (std::size_t i = 0; i < mesh->positions.size(); ++i) {
+        const bool given = mesh->positions[i][2] < 1.0F;
+        EXPECT_NEAR(mesh->normals[i][1], given ? 0.6F : 0.0F, 1e-5F) << i;
+        EXPECT_NEAR(mesh->normals[i][2], given ? 0.8F : 1.0F, 1e-5F) << i;
+    }
+}
+
 TEST_F(MeshFiles, namesFileAndReasonOfWhatItRefuses)
 {
     std::shared_ptr<const OssEvMesh> mesh;

@@ -64,9 +64,6 @@ OssEvResult readScene(const std::string &path, OssEvMesh *mesh)
         if (!result)
             return result;
     }
-    // Normals of some of the meshes only are made anew for all.
-    if (mesh->normals.size() != mesh->positions.size())
-        mesh->normals.clear();
     return {};
 }
 

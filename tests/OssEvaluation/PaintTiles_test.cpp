@@ -373,6 +373,21 @@ TEST_F(PaintBaking, edgesOfAnImageThatIsFittedAreItsOwn)
     EXPECT_NEAR(baked(74, 0)[0] + baked(75, 0)[0], 1.0F, 1e-4F) << "evenly between them";
 }
 
+TEST_F(PaintBaking, anImageThatIsFittedFillsThePictureWhereItsTilesEnd)
+{
+    PlainExr whole;
+    whole.width = whole.height = Size;
+    whole.value = [](const std::string &, int, int) {
+        return 0.5F;
+    };
+    auto what = job(300, folder.write("whole.exr", whole.bytes()));
+    ASSERT_EQ(OssEvPaintBake::run(what).error(), "");
+    for (const int x : {0, 150, 299}) {
+        EXPECT_EQ(baked(x, 299)[0], 0.5F) << x;
+        EXPECT_EQ(baked(299, x)[0], 0.5F) << x;
+    }
+}
+
 TEST_F(PaintBaking, aDamagedImageBeneathIsAFaultAndLeavesNoFile)
 {
     PlainExr image;

@@ -193,6 +193,26 @@ TEST_F(OssNgViewTest, everyLevelOfDetailShowsTheNode)
     }
 }
 
+TEST_F(OssNgViewTest, portsAreDrawnOnlyWhereThereIsRoomForThem)
+{
+    const auto drawn = [this] {
+        view.grab();
+        view.grab();
+        return view.grab().toImage(); // from the cache
+    };
+    for (const qreal zoom : {1.0, 0.55, 0.45}) {
+        view.scaleView(zoom / view.zoom());
+        const QImage plain = drawn();
+        a->setLitPort(Out, false);
+        EXPECT_EQ(drawn() != plain, zoom >= OssNgStyle::FullDetail) << zoom;
+        a->setLitPort({}, false);
+        EXPECT_EQ(drawn(), plain) << zoom;
+        a->setSelected(true);
+        EXPECT_NE(drawn(), plain) << zoom;
+        a->setSelected(false);
+    }
+}
+
 TEST_F(OssNgViewTest, wireIsDrawnBetweenTheNodes)
 {
     const OssNgEdge *edge = b->attachInput(In, a, Out);

@@ -163,6 +163,8 @@ TEST_F(CreationTest, aBakedResultIsOutOfDateWhenWhatItShowsHasChanged)
     EXPECT_EQ(itemOf(bake)->text(), bake->name());
     bake->setAttribute(QStringLiteral("syncGeoChannel"), true);
     EXPECT_EQ(itemOf(bake)->text(), bake->name() + QStringLiteral(" (Dirt)"));
+    bake->setName(QStringLiteral("Kept"));
+    EXPECT_EQ(itemOf(bake)->text(), QStringLiteral("Kept (Dirt)"));
 }
 
 TEST_F(CreationTest, multiChannelMergesCarryAllStreams)

@@ -117,6 +117,18 @@ TEST_F(Docks, palettesHaveTheirPlacesAtFirstAndAfterAReset)
     expectFirstLayout();
 }
 
+TEST_F(Docks, severalAreasInARowShareTheRoomAmongThem)
+{
+    EXPECT_TRUE(window->close());
+    window.reset();
+    delete properties; // the neighbour of those that have no place of their own
+    const OssPalette *first = make("First", "first_palette");
+    const OssPalette *second = make("Second", "second_palette");
+    open();
+    for (const OssPalette *palette : QList<const OssPalette *>{graph, viewer, first, second})
+        EXPECT_GE(place(palette).width(), 1200 / 20) << qPrintable(palette->windowTitle());
+}
+
 TEST_F(Docks, aTabComesToTheFrontWhenItIsAskedFor)
 {
     for (OssPalette *palette : {history, properties, history}) {

@@ -8,9 +8,15 @@
 #include "Ossa/Viewer/ViewerSource.h"
 #include "OssCore/Program/OssSettings.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
+#include "OssModel/Images/OssPixelStore.h"
+#include "OssModel/Nodes/OssSnImageSetNodeBase.h"
+#include "OssModel/Objects/OssImageSet.h"
 
 #include <QComboBox>
+#include <QDir>
 #include <QDoubleSpinBox>
+#include <QFile>
+#include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -212,6 +218,27 @@ TEST_F(Viewing, computesNothingWhileNobodySeesIt)
     EXPECT_TRUE(began.isEmpty());
     m_panel->show();
     EXPECT_TRUE(comesToShow(Qt::red));
+}
+
+TEST_F(Viewing, whatFailsWhileItIsComputedIsSaidInWordsUntilThereIsAPicture)
+{
+    auto *paint = qobject_cast<OssSnImageSetNodeBase *>(m_network->createPaintableNode({}));
+    ASSERT_TRUE(paint && paint->imageSet());
+    QFile damaged(OssPixelStore::newPath());
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(damaged).path()));
+    ASSERT_TRUE(damaged.open(QIODevice::WriteOnly) && damaged.write("no picture") > 0);
+    damaged.close();
+    QString name;
+    ASSERT_TRUE(OssPixelStore::adopt(damaged.fileName(), &name));
+    paint->imageSet()->setPixels({{1001, name}});
+    look(1, paint);
+    m_network->setViewerNodeCurrentEdge(1, true);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return m_pictures->problem().contains(name); }, 20000))
+        << qPrintable(m_pictures->problem());
+    EXPECT_TRUE(m_pictures->patches().isEmpty());
+    look(1, m_red);
+    EXPECT_TRUE(comesToShow(Qt::red));
+    EXPECT_TRUE(m_pictures->problem().isEmpty());
 }
 
 TEST_F(Viewing, anotherProjectIsNotTakenForTheOneBefore)

@@ -9,6 +9,7 @@
 #include "OssSnGroupNodeGraphViewContext.h"
 #include "ZelGL/ZelTextureToken.h"
 
+#include <QApplication>
 #include <QMouseEvent>
 #include <QTabBar>
 
@@ -77,7 +78,11 @@ void OssSnNodeGraphWidget::selectTabForNetwork(OssShaderNetwork *network)
 
 void OssSnNodeGraphWidget::hideTab(int Index)
 {
+    const bool hadFocus = isAncestorOf(QApplication::focusWidget());
     removeTab(Index);
+    // Qt hands it to whatever comes next, another palette for instance, and the graph's keys are dead.
+    if (hadFocus && currentView())
+        currentView()->setFocus();
 }
 
 void OssSnNodeGraphWidget::updateRootLevelText(OssShaderNetwork *Network)

@@ -48,6 +48,23 @@ TEST_F(GroupItems, aTabBehindLeavesTheCurrentOneAndFramesItsOwn)
     EXPECT_EQ(widget->currentIndex(), 1);
 }
 
+TEST_F(GroupItems, keysGoToTheViewThatComesForwardWhenATabGoes)
+{
+    QTabWidget *widget = m_manager->nodeGraphWidget();
+    widget->window()->show();
+    QApplication::setActiveWindow(widget->window());
+    OssSnGroupNode *group = addGroup("Gone");
+    auto *context = qobject_cast<OssSnGroupNodeGraphViewContext *>(contextOf(group));
+    context->showGroupNodeTab();
+    ASSERT_TRUE(context->groupView()->hasFocus());
+    Q_EMIT widget->tabCloseRequested(1);
+    EXPECT_TRUE(m_view->hasFocus());
+    context->showGroupNodeTab();
+    OssUndoManager::instance()->undo();
+    ASSERT_EQ(widget->count(), 1);
+    EXPECT_TRUE(m_view->hasFocus());
+}
+
 TEST_F(GroupItems, aGroupIsExportedToTheChosenFileOrTheReasonIsTold)
 {
     const QTemporaryDir folder;

@@ -37,16 +37,29 @@ QRectF occupied(const OssNgNode *item)
     return item->boundingRect().translated(item->pos());
 }
 
-void placeOutput(OssNgNode *item, QVector<QRectF> *taken)
+const OssNgNode *feederOf(const OssNgNode *output)
 {
-    const QList<OssNgEdge *> wires = item->inputs();
-    if (wires.size() != 1)
+    const QList<OssNgEdge *> wires = output->inputs();
+    return wires.isEmpty() ? nullptr : wires.first()->source();
+}
+
+/// Beside what feeds the output; without that, below the others or right of everything.
+void placeOutput(OssNgNode *item, const QVector<const OssNgNode *> &others, QVector<QRectF> *taken)
+{
+    if (item->inputs().size() != 1)
         OssDebug(Source, __LINE__, "Output node should have only one input into the node");
-    const OssNgNode *feeder = wires.isEmpty() ? nullptr : wires.first()->source();
-    if (!feeder)
-        return;
-    QRectF rect(GroupPortPlacement::outputPosition(feeder->pos(), feeder->boundingRect().width()),
-                item->boundingRect().size());
+    const OssNgNode *feeder = feederOf(item);
+    const auto reachesLess = [](const OssNgNode *a, const OssNgNode *b) {
+        return occupied(a).right() < occupied(b).right();
+    };
+    if (!feeder && taken->isEmpty() && !others.isEmpty())
+        feeder = *std::max_element(others.cbegin(), others.cend(), reachesLess);
+    QRectF rect(item->pos(), item->boundingRect().size());
+    if (feeder)
+        rect.moveTopLeft(
+            GroupPortPlacement::outputPosition(feeder->pos(), feeder->boundingRect().width()));
+    else if (!taken->isEmpty())
+        rect.moveTopLeft(taken->first().topLeft());
     // One node may feed several outputs.
     GroupPortPlacement::moveBelow(&rect, *taken);
     taken->append(rect);
@@ -113,15 +126,22 @@ void OssSnGroupNodeGraphViewContext::adjustInputOutputPos()
     };
     outputs.erase(std::remove_if(outputs.begin(), outputs.end(), stays), outputs.end());
     inputs.erase(std::remove_if(inputs.begin(), inputs.end(), stays), inputs.end());
-    for (const OssSnBaseNode *node : qAsConst(outputs))
-        placeOutput(itemOf(node), &taken);
-    QVector<QRectF> others;
+    std::stable_partition(outputs.begin(), outputs.end(),
+                          [](const OssSnBaseNode *node) { return feederOf(itemOf(node)); });
+    QVector<const OssNgNode *> between;
     const QList<OssSnBaseNode *> nodes = group->groupNetwork()->nodes();
     for (OssSnBaseNode *node : nodes) {
         const OssNgNode *item = itemOf(node);
-        if (item && !item->isBackground() && !inputs.contains(node))
-            others.append(occupied(item));
+        if (item && !item->isBackground() && !inputs.contains(node) && !outputs.contains(node))
+            between.append(item);
     }
+    for (const OssSnBaseNode *node : qAsConst(outputs))
+        placeOutput(itemOf(node), between, &taken);
+    QVector<QRectF> others;
+    for (const OssNgNode *item : qAsConst(between))
+        others.append(occupied(item));
+    for (const OssSnBaseNode *node : qAsConst(outputs))
+        others.append(occupied(itemOf(node)));
     placeInputs(inputs, others);
     for (OssSnBaseNode *node : outputs + inputs)
         rememberPlace(node, itemOf(node)->pos());

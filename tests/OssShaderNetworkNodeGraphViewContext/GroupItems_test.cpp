@@ -179,6 +179,25 @@ TEST_F(GroupItems, nodesForNewPortsStandBesideWhatTheyFeedWhateverLiesBehind)
     EXPECT_EQ(places.at(1), places.at(3));
 }
 
+TEST_F(GroupItems, anOutputThatNothingFeedsStandsBelowTheOthersOrRightOfEverything)
+{
+    OssSnGroupNode *group = addGroup("Far");
+    OssSnBaseNode *blur = group->groupNetwork()->createNode(QStringLiteral("Filter/Blur"));
+    contextOf(blur)->setNodePosition({5000, 3000});
+    OssSnBaseNode *lone = group->createOutput(QStringLiteral("Lone"), OssSnDataKind::Color);
+    OssSnBaseNode *fed = group->createOutput(QStringLiteral("Fed"), OssSnDataKind::Color);
+    Q_EMIT group->newGroupNodeInputOutputCreated();
+    const QPointF beside = itemOf(lone)->pos();
+    EXPECT_GT(beside.x(), itemOf(blur)->sceneBoundingRect().right());
+    EXPECT_EQ(beside.y(), 3000.0);
+    EXPECT_EQ(itemOf(fed)->x(), beside.x());
+    EXPECT_GT(itemOf(fed)->y(), itemOf(lone)->sceneBoundingRect().bottom());
+    fed->setInputNode(fed->inputNames().first(), blur, blur->prefferedOutputPoint());
+    Q_EMIT group->newGroupNodeInputOutputCreated();
+    EXPECT_EQ(itemOf(fed)->pos(), beside);
+    EXPECT_GT(itemOf(lone)->y(), itemOf(fed)->sceneBoundingRect().bottom());
+}
+
 TEST_F(GroupItems, theCommandOpensTheFirstSelectedGroupAndManagesKnobsFromInside)
 {
     OssSnGroupNode *lower = addGroup("Lower");

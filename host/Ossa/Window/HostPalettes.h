@@ -1,6 +1,6 @@
 #pragma once
 
-/// The palettes that are the application's own: the undo history and the log.
+/// The palettes that are the application's own, whatever plug-ins add.
 namespace HostPalettes {
 
 /// Gives them to OssPaletteManager. Once per process.

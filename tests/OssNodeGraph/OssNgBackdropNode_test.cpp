@@ -28,6 +28,25 @@ TEST(OssNgBackdropNode, boundsAreTheRectangle)
     EXPECT_EQ(room.backdrop->rect(), QRectF(0, 0, 400, 300));
 }
 
+TEST(OssNgBackdropNode, oneThatComesBackIsPaintedWhole)
+{
+    Room room;
+    room.scene.removeItem(room.backdrop);
+    QRectF painted;
+    QObject::connect(&room.scene, &QGraphicsScene::changed, &room.scene,
+                     [&painted](const QList<QRectF> &region) {
+                         for (const QRectF &rect : region)
+                             painted |= rect;
+                     });
+    QCoreApplication::processEvents();
+    QCoreApplication::processEvents();
+    painted = {};
+    room.scene.addItem(room.backdrop);
+    QCoreApplication::processEvents();
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(painted.contains(QRectF(0, 0, 400, 300)));
+}
+
 TEST(OssNgBackdropNode, nodesInsideIsLiveAndChildrenAreNot)
 {
     Room room;

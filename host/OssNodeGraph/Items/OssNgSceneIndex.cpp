@@ -136,6 +136,9 @@ void OssNgSceneIndex::addNode(OssNgNode *node)
     node->m_index = this;
     node->m_indexSlot = m_nodes.add(entry);
     coverByScene(entry.bounds);
+    // Qt shows by itself what is added, but not items without contents.
+    if (entry.background)
+        repaint(entry.bounds);
     ++m_revision;
     // Among siblings only is an order of its own kept: what has one stays at the top.
     if (!node->parentItem() && node->zValue() == 0.0)

@@ -171,9 +171,10 @@ OssSnBaseNode *OssShaderNetwork::insertNode(NodePointer node, int index)
     if (m_byName.contains(inserted->name()))
         inserted->applyName(generateUniqueNodeName(inserted->name()));
     inserted->setNetwork(this);
-    auto at = m_nodes.begin() + std::min(std::ptrdiff_t(index), std::ptrdiff_t(m_nodes.size()));
-    if (index < 0) {
-        at = m_nodes.end();
+    auto at = m_nodes.end();
+    if (index >= 0) {
+        at = m_nodes.begin() + std::min(std::ptrdiff_t(index), std::ptrdiff_t(m_nodes.size()));
+    } else {
         while (at != m_nodes.begin() && (*std::prev(at))->m_serial > inserted->m_serial)
             --at;
     }

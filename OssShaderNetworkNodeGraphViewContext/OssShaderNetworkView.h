@@ -247,7 +247,9 @@ private:
     /// To the next free input; to several where both have streams of the same names.
     static bool connectNext(OssSnBaseNode *source, OssSnBaseNode *node);
     static bool connectStreams(OssSnBaseNode *source, OssSnBaseNode *node);
-    void setColorSpaceOfNewMerges(OssSnBaseNode *node);
+    /// After a new node was wired: its own merges, and those above it when it keeps 8-bit paint.
+    static void keepColorSpaceOfMerges(OssSnBaseNode *node);
+    static void setColorSpaceOfNewMerges(OssSnBaseNode *node);
 
     struct ArchiveKind
     {

@@ -3,6 +3,7 @@
 #include "Manager/OssSnNodeGraphClassFactories.h"
 #include "Manager/OssSnNodeGraphScene.h"
 #include "Manager/OssSnNodeGraphViewContextLoader.h"
+#include "Manager/SelectionCommands.h"
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
@@ -54,7 +55,8 @@ OssSnNodeGraphViewContextManager *OssSnNodeGraphViewContextManager::instance()
 }
 
 OssSnNodeGraphViewContextManager::OssSnNodeGraphViewContextManager()
-    : m_controlType(QStringLiteral("Kova"))
+    : m_selectionCommands(new SelectionCommands(this))
+    , m_controlType(QStringLiteral("Kova"))
 {
     setObjectName(QStringLiteral("OssSnNodeGraphViewContextManager"));
     // The names that the signals carry.
@@ -181,6 +183,8 @@ QGraphicsScene *OssSnNodeGraphViewContextManager::sceneForNetwork(OssShaderNetwo
     QGraphicsScene *&scene = m_scenes[network];
     if (!scene) {
         scene = new OssSnNodeGraphScene;
+        connect(scene, &QGraphicsScene::selectionChanged, m_selectionCommands,
+                &SelectionCommands::onChanged);
         // A network may get a second scene: those of a project go before its networks do.
         connect(network, &QObject::destroyed, this,
                 &OssSnNodeGraphViewContextManager::onShaderNetworkDestroyed, Qt::UniqueConnection);
@@ -196,6 +200,7 @@ void OssSnNodeGraphViewContextManager::showNetworkInView(OssShaderNetwork *netwo
     view->setNetwork(network);
     view->setScene(sceneForNetwork(network));
     view->init();
+    m_selectionCommands->onChanged();
     if (!network)
         return;
     const auto seen = m_viewRects.constFind(network);

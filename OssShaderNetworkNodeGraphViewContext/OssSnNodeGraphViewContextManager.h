@@ -8,11 +8,11 @@
 #include <QPointer>
 
 class OssChannel;
-class OssPalette;
 class OssProject;
 class OssSnNodeGraphViewContext;
 class OssSnNodeGraphWidget;
 class OssSnNodePropertiesWidget;
+class SelectionCommands;
 
 /// Ties the node graph to the host's networks: one scene for each network, the palette with its
 /// tabs, the items of registered nodes in the right scene, answers to the host's requests, and the
@@ -287,6 +287,7 @@ private:
     QHash<OssShaderNetwork *, QRectF> m_viewRects;
     QPointer<OssSnNodeGraphWidget> m_nodeGraphWidget;
     QPointer<OssSnNodePropertiesWidget> m_nodePropertiesWidget;
+    SelectionCommands *m_selectionCommands;
     int m_portDisplayIndex = ShowPortList;
     bool m_isAutoInsertOn = true;
     int m_zoomTo = Cursor;

@@ -1,5 +1,6 @@
 #include "OssSnNodeGraphViewContextManager.h"
 
+#include "Manager/SelectionCommands.h"
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Program/OssIcon.h"
 #include "OssCore/Program/OssResourceInfo.h"
@@ -163,6 +164,8 @@ void OssSnNodeGraphViewContextManager::initialiseNodeGraphPalette()
 {
     auto *palette = new OssPalette; // the palette manager takes it
     m_nodeGraphWidget = new OssSnNodeGraphWidget(m_controlType, palette);
+    connect(m_nodeGraphWidget, &QTabWidget::currentChanged, m_selectionCommands,
+            &SelectionCommands::onChanged);
     palette->setBodyWidget(m_nodeGraphWidget);
     palette->setObjectName(tr("Node Graph"));
     palette->setWindowTitle(tr("Node Graph"));

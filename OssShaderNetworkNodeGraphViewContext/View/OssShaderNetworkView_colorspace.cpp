@@ -154,6 +154,12 @@ void OssShaderNetworkView::autoUpdateUpstreamMergeNodeColorSpaceEnabledAttribute
         enableBlending(merge, true);
 }
 
+void OssShaderNetworkView::keepColorSpaceOfMerges(OssSnBaseNode *node)
+{
+    setColorSpaceOfNewMerges(node);
+    autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(node);
+}
+
 void OssShaderNetworkView::setColorSpaceOfNewMerges(OssSnBaseNode *node)
 {
     if (OssLayerStreamUtils::isMergeNode(node)) {

@@ -27,7 +27,6 @@ const QString BakePointKey = QStringLiteral("Misc/Bake Point");
 const QString MergeKey = QStringLiteral("Layer/Merge");
 const QString BackdropKey = QStringLiteral("Misc/Backdrop");
 const QString MaterialKey = QStringLiteral("_System/Material");
-const QString ShaderInputKey = QStringLiteral("_System/Shader Input");
 const QString MultiChannelBakePointKey = QStringLiteral("_System/MultiChannelBakePoint");
 const QString ReconfigureAttribute = QStringLiteral("_reconfigureBakepoints");
 
@@ -102,6 +101,7 @@ OssSnBaseNode *OssShaderNetworkView::createNodeAt(const QString &pathKey, const 
     Q_EMIT nodeAdded(node);
     completeNewNode(node, bounds);
     autoConnect(node, sources);
+    keepColorSpaceOfMerges(node);
     tellOfChange();
     return node;
 }
@@ -127,14 +127,11 @@ void OssShaderNetworkView::completeNewNode(OssSnBaseNode *node, const QRectF &se
             material->connectPreviewShaderNetwork();
     } else if (key == BackdropKey) {
         completeNewBackdrop(node, selection);
-    } else if (key == ShaderInputKey) {
-        autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(node);
     } else if (key == MultiChannelBakePointKey && node->exists(ReconfigureAttribute)) {
         if (auto *bakes = qobject_cast<OssSnMultiChannelBakePointNode *>(node))
             bakes->configureBakepoints();
         node->removeUserAttribute(ReconfigureAttribute);
     }
-    setColorSpaceOfNewMerges(node);
 }
 
 void OssShaderNetworkView::completeNewBackdrop(OssSnBaseNode *node, const QRectF &selection)
@@ -275,6 +272,7 @@ void OssShaderNetworkView::createBakePointNode(QPoint NodeViewPos)
     placeNewNode(node, NodeViewPos);
     Q_EMIT nodeAdded(node);
     autoConnect(node, sources);
+    keepColorSpaceOfMerges(node);
     tellOfChange();
 }
 
@@ -302,7 +300,7 @@ void OssShaderNetworkView::createMergeNode(QPoint NodeViewPos)
     }
     placeNewNode(node, NodeViewPos);
     Q_EMIT nodeAdded(node);
-    setColorSpaceOfNewMerges(node);
     autoConnect(node, sources);
+    keepColorSpaceOfMerges(node);
     tellOfChange();
 }

@@ -37,7 +37,9 @@ bool Actions::exists(const QString &path) const
 
 QAction *Actions::action(const QString &path) const
 {
-    const auto *tree = wrapped<OssActionTreeManager>();
+    auto *tree = wrapped<OssActionTreeManager>();
+    if (tree)
+        tree->settleStates();
     QAction *found = tree ? tree->findAction(path) : nullptr;
     if (tree && !found)
         fail(OssScriptException::UnknownName,

@@ -126,6 +126,32 @@ TEST_F(ContextMenu, enablesWhatFitsTheSelectionAndOnlyWhileItIsOpen)
     m_manager->showNetworkInView(m_network, m_view);
 }
 
+TEST_F(ContextMenu, commandsThatNeedASelectionAreOffEverywhereWithoutOne)
+{
+    auto *group = qobject_cast<OssSnGroupNode *>(m_group);
+    OssSnBaseNode *inner = group->groupNetwork()->createNode(QStringLiteral("Filter/Blur"),
+                                                             QStringLiteral("In"));
+    const auto expectEnabled = [](bool knobs, bool exposure) {
+        OssActionTreeManager::instance()->settleStates();
+        EXPECT_EQ(command("Manage User Knobs")->isEnabled(), knobs);
+        EXPECT_EQ(command("Expose Node Properties")->isEnabled(), exposure);
+    };
+    m_manager->showNetworkInView(m_network, m_view);
+    select({});
+    expectEnabled(false, false);
+    select({m_blur, m_group});
+    expectEnabled(true, false);
+    select({m_blur});
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(command("Manage User Knobs")->isEnabled()) << "nobody has to ask";
+    m_manager->showNetworkInView(group->groupNetwork(), m_view);
+    expectEnabled(true, false);
+    select({inner});
+    expectEnabled(true, true);
+    m_manager->showNetworkInView(m_network, m_view);
+    expectEnabled(false, false);
+}
+
 TEST_F(ContextMenu, bearsWhatOthersAddToIt)
 {
     {

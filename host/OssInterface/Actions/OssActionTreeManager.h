@@ -52,6 +52,10 @@ public:
     /// Identity of a filed action; empty for others.
     QString pathOf(const QAction *action) const;
 
+    /// Before somebody asks without a pause whether an action is enabled, as scripts do: has those
+    /// who keep that up to date at the next pause look at once.
+    void settleStates() { Q_EMIT statesAsked(); }
+
     /// "/A/B/C", whatever slashes the text has; "/" for an empty one.
     static QString normalizedPath(const QString &path);
     static QString folderOf(const QString &path);
@@ -61,6 +65,7 @@ Q_SIGNALS:
     void actionRegistered(const QString &path, QAction *action);
     /// The action is half destroyed or gone: use the path only.
     void actionRemoved(const QString &path);
+    void statesAsked();
 
 private:
     void dropAction(QObject *action);

@@ -151,6 +151,16 @@ QAction *OssCommandTable::makeAction(const QString &path, QObject *owner)
     return action;
 }
 
+void OssCommandTable::setHolds(When when, bool holds)
+{
+    for (const Row &row : rows()) {
+        if (row.when != when)
+            continue;
+        if (QAction *action = OssActionTreeManager::instance()->findAction(path(row)))
+            action->setEnabled(holds);
+    }
+}
+
 OssMenuDefinition OssCommandTable::menu(const QString &name)
 {
     OssMenuDefinition definition;

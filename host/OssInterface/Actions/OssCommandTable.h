@@ -19,7 +19,17 @@ namespace OssCommandTable {
 
 /// What must hold for a command to be enabled. Most commands are always: they say themselves what
 /// they miss.
-enum When { Always, WithProject, WithUndo, WithRedo, WithRecent, WithScript, WithoutScript };
+enum When {
+    Always,
+    WithProject,
+    WithUndo,
+    WithRedo,
+    WithRecent,
+    WithScript,
+    WithoutScript,
+    WithKnobs,  ///< a group is selected, or shown: its knobs are meant
+    WithExposed ///< in the group that is shown a node is selected whose values can become knobs
+};
 
 struct Row
 {
@@ -64,6 +74,9 @@ OSSINTERFACE_EXPORT QList<QKeySequence> keys(const QString &path);
 /// The action of a row, with its name, text, tip and icon but without keys, not yet filed. The
 /// owner owns it. A path without a row leaves a line in the log and an action with that name.
 OSSINTERFACE_EXPORT QAction *makeAction(const QString &path, QObject *owner);
+
+/// Whether what `when` says holds now: enables the commands that need it, and disables them.
+OSSINTERFACE_EXPORT void setHolds(When when, bool holds);
 
 /// What stands in a menu, submenus included.
 OSSINTERFACE_EXPORT OssMenuDefinition menu(const QString &name);

@@ -22,14 +22,3 @@ QAction *Commands::fileNamed(QObject *owner, const QString &folder, const QStrin
     OssActionTreeManager::instance()->registerAction(folder, action);
     return action;
 }
-
-void Commands::setHolds(OssCommandTable::When when, bool holds)
-{
-    for (const OssCommandTable::Row &row : OssCommandTable::rows()) {
-        if (row.when != when)
-            continue;
-        const QString path = OssCommandTable::path(row);
-        if (QAction *action = OssActionTreeManager::instance()->findAction(path))
-            action->setEnabled(holds);
-    }
-}

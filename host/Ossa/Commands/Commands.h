@@ -20,7 +20,4 @@ QAction *file(QObject *owner, const QString &path, const std::function<void()> &
 QAction *fileNamed(QObject *owner, const QString &folder, const QString &name,
                    const std::function<void()> &run, const QString &tip);
 
-/// Whether what `when` says holds now: enables the commands that need it, and disables them.
-void setHolds(OssCommandTable::When when, bool holds);
-
 } // namespace Commands

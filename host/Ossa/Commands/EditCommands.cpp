@@ -40,8 +40,8 @@ EditCommands::EditCommands(QWidget *window)
 void EditCommands::refresh()
 {
     const auto *history = OssUndoManager::instance();
-    Commands::setHolds(OssCommandTable::WithUndo, history->canUndo());
-    Commands::setHolds(OssCommandTable::WithRedo, history->canRedo());
+    OssCommandTable::setHolds(OssCommandTable::WithUndo, history->canUndo());
+    OssCommandTable::setHolds(OssCommandTable::WithRedo, history->canRedo());
     showStep(m_undo, undoPath, history->undoText());
     showStep(m_redo, redoPath, history->redoText());
 }

@@ -157,7 +157,7 @@ void ProjectCommands::fileRecent()
             QDir::toNativeSeparators(path)));
         m_recent.last()->setToolTip(QDir::toNativeSeparators(path));
     }
-    Commands::setHolds(OssCommandTable::WithRecent, !paths.isEmpty());
+    OssCommandTable::setHolds(OssCommandTable::WithRecent, !paths.isEmpty());
 }
 
 void ProjectCommands::fileExamples()
@@ -175,7 +175,7 @@ void ProjectCommands::fileExamples()
 
 void ProjectCommands::refresh()
 {
-    Commands::setHolds(OssCommandTable::WithProject,
-                       OssProjectManager::instance()->currentProject());
+    OssCommandTable::setHolds(OssCommandTable::WithProject,
+                              OssProjectManager::instance()->currentProject());
     Q_EMIT projectStateChanged();
 }

@@ -46,6 +46,6 @@ void ScriptCommands::runFile()
 void ScriptCommands::refresh()
 {
     const bool running = OssScriptEngine::instance()->isRunning();
-    Commands::setHolds(OssCommandTable::WithoutScript, !running);
-    Commands::setHolds(OssCommandTable::WithScript, running);
+    OssCommandTable::setHolds(OssCommandTable::WithoutScript, !running);
+    OssCommandTable::setHolds(OssCommandTable::WithScript, running);
 }

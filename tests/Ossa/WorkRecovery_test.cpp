@@ -136,6 +136,20 @@ TEST_F(WorkRecoveryTest, restoringOpensTheProjectModifiedAndSavingGoesToItsPlace
     EXPECT_EQ(projects()->currentProject()->stateHash(), m_hash);
 }
 
+TEST_F(WorkRecoveryTest, theQuestionOpensNothingUntilTheWindowDoes)
+{
+    const auto before = projects()->currentProject();
+    whenOpen<RecoveryDialog>([&](RecoveryDialog *dialog) {
+        EXPECT_EQ(projects()->currentProject(), before);
+        press(dialog, "Restore");
+    });
+    window->askForUnsavedWork();
+    EXPECT_EQ(projects()->currentProject(), before);
+    window->openAtStart(QString());
+    EXPECT_EQ(projects()->currentProject()->path(), m_path);
+    EXPECT_TRUE(window->isWindowModified());
+}
+
 TEST_F(WorkRecoveryTest, keepingForLaterOpensWhatWasAskedForAndOffersAgain)
 {
     const std::vector<std::function<void(RecoveryDialog *)>> ways = {

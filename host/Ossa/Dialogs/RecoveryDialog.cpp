@@ -82,7 +82,9 @@ void RecoveryDialog::fill()
     for (const OssRecovery::Entry &entry : qAsConst(m_entries)) {
         auto *item = new QTreeWidgetItem(m_list); // owned by the list
         const QString place = QDir::toNativeSeparators(entry.path);
-        item->setSizeHint(ProjectColumn, QSize(0, fontMetrics().height() * 3 / 2));
+        item->setSizeHint(ProjectColumn, QSize(fontMetrics().horizontalAdvance(entry.name)
+                                                   + 2 * fontMetrics().height(),
+                                               fontMetrics().height() * 3 / 2));
         item->setText(ProjectColumn, entry.name);
         item->setText(CopiedColumn, timeText(entry.copiedAt));
         item->setText(SavedColumn, savedText(entry));

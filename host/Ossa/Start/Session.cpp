@@ -120,6 +120,7 @@ int Session::runWindow()
 {
     MainWindow window;
     QObject::connect(&window, &MainWindow::closed, qApp, &QApplication::quit);
+    window.askForUnsavedWork();
     window.restoreLayout();
     window.show();
     window.tellAbout(m_plugins.failures());

@@ -71,6 +71,11 @@ MainWindow::~MainWindow()
     delete m_docks;
 }
 
+void MainWindow::askForUnsavedWork()
+{
+    m_recovery->ask();
+}
+
 void MainWindow::restoreLayout()
 {
     restoreGeometry(OssSettings().value(geometryKey).toByteArray());
@@ -86,7 +91,7 @@ void MainWindow::tellAbout(const QVector<PluginLoader::Failure> &failures)
 
 void MainWindow::openAtStart(const QString &path)
 {
-    if (m_recovery->offer() || (!path.isEmpty() && m_project->open(path)))
+    if (m_recovery->restoreChosen() || (!path.isEmpty() && m_project->open(path)))
         return;
     const QStringList recent = RecentProjects::list();
     const bool reopen = path.isEmpty() && ApplicationPreferences::instance()->reopenLastProject();

@@ -18,10 +18,12 @@ public:
     MainWindow();
     ~MainWindow() override;
 
+    /// Offers what crashed sessions left. Before anything else is restored or shown.
+    void askForUnsavedWork();
     /// Size, place and docks of the last session.
     void restoreLayout();
     void tellAbout(const QVector<PluginLoader::Failure> &failures);
-    /// Offers what crashed sessions left. When nothing of that is restored, opens the project of the
+    /// Opens the unsaved work that the user chose, asked now if not before; else the project of the
     /// given path; with none, what the preferences say.
     void openAtStart(const QString &path);
 

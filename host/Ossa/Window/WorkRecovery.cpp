@@ -9,9 +9,7 @@
 
 #include <QDir>
 
-namespace {
-
-} // namespace
+#include <utility>
 
 WorkRecovery::WorkRecovery(ProjectCommands *projects, QWidget *window)
     : QObject(window)
@@ -74,17 +72,33 @@ void WorkRecovery::setAside(const OssRecovery::Entry &entry, const QString &reas
     OssMessageBox::warning(m_window, tr("Recover Unsaved Work"), text);
 }
 
-bool WorkRecovery::offer()
+void WorkRecovery::ask()
 {
+    m_asked = true; // also where there is nothing to ask
     if (!OssApplication::popupsAllowed()) {
         report();
-        return false;
+        return;
     }
     const QVector<OssRecovery::Entry> entries = readableEntries();
-    if (entries.isEmpty())
-        return false;
+    if (!entries.isEmpty())
+        choose(entries);
+}
+
+void WorkRecovery::choose(const QVector<OssRecovery::Entry> &entries)
+{
+    m_asked = true;
     RecoveryDialog dialog(entries, m_window);
-    return dialog.exec() == QDialog::Accepted && restore(dialog.chosen());
+    if (dialog.exec() == QDialog::Accepted)
+        m_chosen = dialog.chosen();
+}
+
+bool WorkRecovery::restoreChosen()
+{
+    if (!m_asked)
+        ask();
+    m_asked = false;
+    const std::optional<OssRecovery::Entry> chosen = std::exchange(m_chosen, std::nullopt);
+    return chosen && restore(*chosen);
 }
 
 bool WorkRecovery::restore(const OssRecovery::Entry &entry)
@@ -105,7 +119,6 @@ void WorkRecovery::recoverNow()
                                    tr("No session left work that was not saved."));
         return;
     }
-    RecoveryDialog dialog(entries, m_window);
-    if (dialog.exec() == QDialog::Accepted)
-        restore(dialog.chosen());
+    choose(entries);
+    restoreChosen();
 }

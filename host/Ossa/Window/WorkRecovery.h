@@ -4,6 +4,8 @@
 
 #include <QObject>
 
+#include <optional>
+
 class ProjectCommands;
 class QWidget;
 
@@ -17,9 +19,12 @@ public:
     WorkRecovery(ProjectCommands *projects, QWidget *window);
     ~WorkRecovery() override;
 
-    /// Asks what is to become of the copies of dead sessions, if there are any. True when one was
-    /// restored. Without a user it only reports them.
-    bool offer();
+    /// Asks what is to become of the copies of dead sessions, if there are any. Without a user it
+    /// only reports them. Before anything of the last session comes into view: what made that one
+    /// crash could make this one crash as well, and the work would be out of reach.
+    void ask();
+    /// Restores what the user chose; asks first if that was not done. True when there is a project.
+    bool restoreChosen();
 
     /// The changes of the open project were given up or saved.
     void forgetCopy();
@@ -33,6 +38,7 @@ Q_SIGNALS:
 
 private:
     void recoverNow();
+    void choose(const QVector<OssRecovery::Entry> &entries);
     bool restore(const OssRecovery::Entry &entry);
     QVector<OssRecovery::Entry> readableEntries();
     void setAside(const OssRecovery::Entry &entry, const QString &reason);
@@ -40,4 +46,6 @@ private:
     ProjectCommands *m_projects;
     QWidget *m_window;
     OssAutosave m_autosave;
+    bool m_asked = false;
+    std::optional<OssRecovery::Entry> m_chosen;
 };

@@ -110,7 +110,9 @@ void OssShaderNetworkView::placeNewNode(OssSnBaseNode *node, const QPoint &viewP
 {
     if (OssNgNode *item = itemOf(node)) {
         item->setPosition(mapToScene(viewPos));
-        placeNode(node);
+        // A backdrop lies behind others: where it was wanted, or around what was selected.
+        if (node->pathKey() != BackdropKey)
+            placeNode(node);
     }
     if (m_network->node(node->name()) != node)
         node->setName(m_network->generateUniqueNodeName(node->name()));

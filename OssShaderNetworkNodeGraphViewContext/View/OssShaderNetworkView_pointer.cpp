@@ -102,15 +102,19 @@ void OssShaderNetworkView::mouseReleaseEvent(QMouseEvent *event)
         return;
     }
     const QList<OssNgNode *> nodes = recordedNodes();
+    const bool moved = !scene()->selectedItems().isEmpty()
+                       && std::any_of(nodes.cbegin(), nodes.cend(), [this](OssNgNode *node) {
+                              const QPointF start = m_nodeStartPositions.value(node).position;
+                              return QLineF(start, node->scenePos()).length() >= LeastMove;
+                          });
+    // Close up even a little is seen, and it would be saved without a step that tells of it.
+    if (!moved) {
+        for (OssNgNode *node : nodes)
+            node->setPosition(m_nodeStartPositions.value(node).position);
+    }
     // What answers the release, as the order of a group's ports, belongs to the same step.
     OssUndoManager::AutoMacro macro(moveTitle(nodes));
     PlacingView::mouseReleaseEvent(event);
-    if (scene()->selectedItems().isEmpty())
-        return;
-    const bool moved = std::any_of(nodes.cbegin(), nodes.cend(), [this](OssNgNode *node) {
-        const QPointF start = m_nodeStartPositions.value(node).position;
-        return QLineF(start, node->scenePos()).length() >= LeastMove;
-    });
     if (!moved)
         return;
     for (OssNgNode *node : nodes) {

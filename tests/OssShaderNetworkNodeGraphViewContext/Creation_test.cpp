@@ -265,9 +265,6 @@ TEST_F(CreationTest, paintAndBakeCommandsAreThoseOfTheMenuEntries)
     EXPECT_EQ(m_view->createNodeAt(QStringLiteral("No/Such"), {5, 5}), nullptr);
     EXPECT_EQ(m_network->nodes().size(), nodes);
     EXPECT_EQ(undoCount(), 3);
-    m_view->scene()->clearSelection();
-    OssSnBaseNode *area = create("Misc/Backdrop"); // around nothing
-    EXPECT_EQ(qobject_cast<OssNgBackdropNode *>(itemOf(area))->childrenList().size(), 0);
 }
 
 // --- finding

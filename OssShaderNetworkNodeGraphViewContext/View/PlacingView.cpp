@@ -18,10 +18,10 @@ constexpr int MaximumRelocations = 1000;
 
 /// The topmost node that collides with the item; backdrops do not count. Asks the scene's own
 /// index: that of Qt looks at every item of the scene until the event loop has run.
-OssNgNode *overlapped(const OssNgNode *guiNode, QGraphicsScene *scene)
+OssNgNode *overlapped(const OssNgNode *guiNode)
 {
-    const QVector<OssNgNode *> near = OssNgSceneIndex::of(scene)->nodesIn(
-        guiNode->sceneBoundingRect());
+    const QVector<OssNgNode *> near = OssNgSceneIndex::of(guiNode->scene())
+                                          ->nodesIn(guiNode->sceneBoundingRect());
     for (auto other = near.crbegin(); other != near.crend(); ++other) {
         if (*other != guiNode && !qobject_cast<OssNgBackdropNode *>(*other)
             && guiNode->collidesWithItem(*other, Qt::IntersectsItemShape))
@@ -39,11 +39,11 @@ void PlacingView::placeNode(OssSnBaseNode *node)
         return;
     }
     OssNgNode *guiNode = itemOf(node);
-    if (!guiNode)
+    if (!guiNode || !guiNode->scene())
         return;
     int relocations = 0;
     while (relocations < MaximumRelocations) {
-        const OssNgNode *other = overlapped(guiNode, scene());
+        const OssNgNode *other = overlapped(guiNode);
         if (!other)
             break;
         OssDebug(Source, __LINE__,
@@ -100,17 +100,17 @@ void PlacingView::positionNodeUnderneath(OssSnBaseNode *node, OssSnBaseNode *ref
                  NodePlacement::underneath(occupied(other), item->boundingRect().center(), factor));
 }
 
-QPointF PlacingView::freeSpot() const
+QPointF PlacingView::freeSpotFor(const OssNgNode *item)
 {
     const OssNgStyle *style = OssNgStyle::instance();
-    return NodePlacement::freeSpot(scene() ? scene()->itemsBoundingRect() : QRectF(),
+    return NodePlacement::freeSpot(item->scene() ? item->scene()->itemsBoundingRect() : QRectF(),
                                    style->verticalSpacing(), style->extraVerticalSpacing());
 }
 
 void PlacingView::positionNodeAtFreeSpot(OssSnBaseNode *node)
 {
     if (OssNgNode *item = itemOf(node))
-        moveNode(item, freeSpot());
+        moveNode(item, freeSpotFor(item));
 }
 
 void PlacingView::positionNodeOnGrid(OssSnBaseNode *node, OssSnBaseNode *reference, int column,
@@ -121,7 +121,7 @@ void PlacingView::positionNodeOnGrid(OssSnBaseNode *node, OssSnBaseNode *referen
         return;
     const QSizeF own = item->boundingRect().size();
     const OssNgNode *other = itemOf(reference);
-    const QRectF from = other ? occupied(other) : QRectF(freeSpot(), own);
+    const QRectF from = other ? occupied(other) : QRectF(freeSpotFor(item), own);
     const OssNgStyle *style = OssNgStyle::instance();
     QPointF position = NodePlacement::onGrid(
         from, own, {column, row},

@@ -10,7 +10,8 @@ class OssSnBaseNode;
 /// A view that puts nodes where they ask to stand: clear of others, beside, under or around them.
 /// Scene coordinates.
 ///
-/// What moves is recorded and joins the open macro. A node without an item, or whose reference has
+/// The nodes may stand in another network than the one that is shown: they are clear of what stands
+/// in their own. What moves is recorded and joins the open macro. A node without an item, or whose reference has
 /// none where one is needed, stays.
 class PlacingView : public OssNgView
 {
@@ -64,7 +65,7 @@ protected:
 
 private:
     static QRectF occupied(const OssNgNode *item);
-    QPointF freeSpot() const;
+    static QPointF freeSpotFor(const OssNgNode *item);
     /// Null for what is no container, with a line when it is something else.
     static OssNgBackdropNode *backdropOf(const OssSnBaseNode *container);
     static void resizeBackdrop(OssNgBackdropNode *backdrop, const QSizeF &size);

@@ -52,6 +52,25 @@ protected:
     OssSnBaseNode *m_node = nullptr;
 };
 
+TEST_F(PlacementTest, nodesAreClearOfWhatStandsInTheirOwnNetwork)
+{
+    auto *group = qobject_cast<OssSnGroupNode *>(add("Misc/Group", "Around"));
+    QVector<QRectF> places;
+    for (int i = 0; i < 4; ++i) { // while the network around them is shown
+        const OssSnBaseNode *node = group->groupNetwork()->createNode(
+            QStringLiteral("Filter/Blur"), {});
+        for (const QRectF &place : qAsConst(places))
+            EXPECT_FALSE(rectOf(node).intersects(place)) << i;
+        places.append(rectOf(node));
+    }
+    OssSnBaseNode *last = group->groupNetwork()->nodes().last();
+    QRectF all;
+    for (const QRectF &place : qAsConst(places))
+        all |= place;
+    Q_EMIT last->emitSetLayout(OssSnBaseNode::LayoutFreeSpot, nullptr, false, false);
+    EXPECT_NEAR(itemOf(last)->x(), all.right() + NodePlacement::Gap, 2.0);
+}
+
 TEST_F(PlacementTest, requestsOfTheNodeMoveItsItemUndoably)
 {
     const QPointF start = itemOf(m_node)->pos();

@@ -70,6 +70,8 @@ public:
     /// top when that one has none.
     void insertBefore(OssSnBaseNode *node, const OssSnBaseNode *target);
     void insertAfter(OssSnBaseNode *node, const OssSnBaseNode *target);
+    /// A panel of the replacement in the place of the old node's, if that has one.
+    void replacePanel(OssSnBaseNode *old, OssSnBaseNode *replacement);
 
 Q_SIGNALS:
     void nodeDoubledClicked();

@@ -285,6 +285,18 @@ void OssSnNodeGraphViewContext::setNodeSizeUndo(QSizeF size)
         std::make_unique<OssNgBackdropNodeRectChangeUndo>(backdrop));
 }
 
+void OssSnNodeGraphViewContext::takePlaceOf(const OssSnBaseContext *other)
+{
+    const auto *view = qobject_cast<const OssSnNodeGraphViewContext *>(other);
+    if (!view || !m_GuiNode || !view->m_GuiNode)
+        return;
+    setPortListMode(view->portListMode());
+    m_GuiNode->setLabelsVisible(view->m_GuiNode->labelsVisible());
+    if (qobject_cast<const OssNgBackdropNode *>(view->m_GuiNode.get()))
+        setNodeSize(view->nodeSize());
+    setNodePosition(view->nodePosition());
+}
+
 void OssSnNodeGraphViewContext::onGuiNodePosChanged(QPointF)
 {
     const OssSnBaseNode *node = parentNode();

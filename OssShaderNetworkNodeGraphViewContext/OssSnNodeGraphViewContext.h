@@ -137,6 +137,7 @@ public Q_SLOTS:
     /// Only backdrops have a size of their own; what is not one stays.
     void setNodeSize(QSizeF size);
     void setNodeSizeUndo(QSizeF size) override;
+    void takePlaceOf(const OssSnBaseContext *other) override;
     /// The item's title; its ports are read from the node anew.
     virtual void setText(QString text);
 

@@ -94,6 +94,7 @@ void OssSnNodeGraphViewContextManager::connectToHost()
     connect(networks, &Networks::showNodePropertiesAtPositionBeginRequest, this,
             &Manager::showNodePropertiesAtPositionBegin);
     connect(networks, &Networks::showNodePropertiesRequest, this, &Manager::showNodeProperties);
+    connect(networks, &Networks::nodeReplaced, this, &Manager::replaceNodeProperties);
     connect(networks, qOverload<OssShaderNetwork *>(&Networks::beautifyNodesLayout), this,
             qOverload<OssShaderNetwork *>(&Manager::beautifyNodesLayout));
     connect(networks,

@@ -127,6 +127,8 @@ public Q_SLOTS:
     void showNodePropertiesAtPositionEnd(OssSnBaseNode *Node, OssSnBaseNode *Target, bool Undo);
     void showNodePropertiesAtPositionBegin(OssSnBaseNode *Node, OssSnBaseNode *Target, bool Undo);
     void showNodeProperties(OssSnBaseNode *Node);
+    /// What was open of the one is open of the other.
+    void replaceNodeProperties(OssSnBaseNode *old, OssSnBaseNode *replacement);
     void showPropertiesPalette();
     void showNodeGraphPalette();
     /// Marks the nodes of the current root network that read the channel, and no others.

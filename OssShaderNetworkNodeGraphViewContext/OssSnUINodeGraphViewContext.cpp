@@ -48,8 +48,10 @@ void OssSnUINodeGraphViewContext::upgradeOldBackdrop()
     if (!node || !node->pathKey().isEmpty() || m_guiNodeClass != QLatin1String("Backdrop"))
         return;
     const QString key = QStringLiteral("Misc/Backdrop");
+    OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
     node->setPathKey(key);
-    node->setVersionUUID(OssShaderNetworkManager::instance()->convertPathKeyToVersionUUID(key));
+    node->setVersionUUID(networks->convertPathKeyToVersionUUID(key));
+    networks->upgradeNode(node);
 }
 
 void OssSnUINodeGraphViewContext::initializeGui()

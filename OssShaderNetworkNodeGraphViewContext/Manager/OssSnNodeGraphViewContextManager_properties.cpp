@@ -59,6 +59,13 @@ void OssSnNodeGraphViewContextManager::showNodePropertiesAtPositionBegin(OssSnBa
         m_nodePropertiesWidget->insertBefore(Node, Target);
 }
 
+void OssSnNodeGraphViewContextManager::replaceNodeProperties(OssSnBaseNode *old,
+                                                             OssSnBaseNode *replacement)
+{
+    if (m_nodePropertiesWidget)
+        m_nodePropertiesWidget->replacePanel(old, replacement);
+}
+
 void OssSnNodeGraphViewContextManager::showNodeProperties(OssSnBaseNode *Node)
 {
     if (m_nodePropertiesWidget)

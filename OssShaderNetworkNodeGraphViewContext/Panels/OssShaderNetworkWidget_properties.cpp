@@ -182,6 +182,17 @@ void OssSnNodePropertiesWidget::insertBeside(OssSnBaseNode *node, const OssSnBas
     createPropertyWidget(node, index < 0 ? 0 : index + offset);
 }
 
+void OssSnNodePropertiesWidget::replacePanel(OssSnBaseNode *old, OssSnBaseNode *replacement)
+{
+    QWidget *panel = m_panels.value(old);
+    if (!panel)
+        return;
+    const int index = m_panelLayout->indexOf(panel);
+    dismiss(panel);
+    m_panels.remove(old);
+    createPropertyWidget(replacement, index);
+}
+
 void OssSnNodePropertiesWidget::followNode(OssSnBaseNode *node)
 {
     using Node = OssSnBaseNode;

@@ -243,6 +243,40 @@ TEST_F(ContextTest, viewersThatNoStepTellsOfDoNotHarmTheHistory)
     m_network = m_project->shadingGroups().first()->network();
 }
 
+TEST_F(ContextTest, backdropsFromBeforeTheyHadATypeAreReadAsBackdrops)
+{
+    const ExpectedLog unknown("has the unknown type ''");
+    OssSnBaseNode *area = addAt("Misc/Backdrop", {10, 20}, "Area");
+    area->setAttribute(QStringLiteral("TitleText"), QStringLiteral("Walls"));
+    contextOf(area)->setNodeSize({640, 480});
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("P.ossa"));
+    OssProjectManager *projects = OssProjectManager::instance();
+    ASSERT_TRUE(projects->saveProjectAs(path));
+    QFile file(path + QStringLiteral("/project.xml"));
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    QByteArray text = file.readAll();
+    const QByteArray typed = "<object name=\"Area\" type=\"OssSnBaseNode\" key=\"Misc/Backdrop\"";
+    ASSERT_TRUE(text.contains(typed));
+    text.replace(typed, typed.left(typed.indexOf(" key")));
+    file.resize(0);
+    file.write(text);
+    file.close();
+    ASSERT_TRUE(projects->openProject(path));
+    m_project = projects->currentProject();
+    m_network = m_project->shadingGroups().first()->network();
+    area = m_network->node(QStringLiteral("Area"));
+    ASSERT_NE(area, nullptr);
+    EXPECT_EQ(area->pathKey(), QStringLiteral("Misc/Backdrop"));
+    EXPECT_FALSE(area->isPlaceholder());
+    EXPECT_TRUE(area->errorText().isEmpty());
+    const auto *item = qobject_cast<OssNgBackdropNode *>(itemOf(area));
+    ASSERT_NE(item, nullptr);
+    EXPECT_EQ(item->titleText(), QStringLiteral("Walls"));
+    EXPECT_EQ(item->rect().size(), QSizeF(640, 480));
+    EXPECT_EQ(item->pos(), QPointF(10, 20));
+}
+
 TEST_F(ContextTest, portsAlongTheEdgesKeepTheirPlaceWhenRenamed)
 {
     auto *group = qobject_cast<OssSnGroupNode *>(addAt("Misc/Group", {0, 0}));

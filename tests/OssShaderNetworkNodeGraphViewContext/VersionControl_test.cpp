@@ -195,6 +195,33 @@ TEST_F(VersionControl, menuConvertsSelectedRowsAndDumpsDefinitions)
     expectUndoIsExact(m_start);
 }
 
+TEST_F(VersionControl, whatIsConvertedKeepsItsItemsStateAndItsPanel)
+{
+    OssSnNodePropertiesWidget *panels = m_manager->nodePropertiesWidget();
+    contextOf(m_older)->setPortListMode(OssNgExtendedNode::NoPortList);
+    panels->openProperty(m_same);
+    panels->openProperty(m_older);
+    const auto placeOf = [panels](const OssSnBaseNode *node) {
+        const QWidget *panel = panels->panel(node);
+        return panel ? panel->parentWidget()->layout()->indexOf(const_cast<QWidget *>(panel)) : -1;
+    };
+    panels->insertAfter(m_older, m_same);
+    ASSERT_EQ(placeOf(m_older), 1);
+    OssUndoManager::instance()->clear();
+    m_start = m_project->stateHash();
+    const QString name = m_older->name();
+    OssSnBaseNode *converted = OssShaderNetworkManager::instance()->convertNodeToKeyPath(
+        m_older, QStringLiteral("Filter/Sharpen"));
+    ASSERT_NE(converted, nullptr);
+    EXPECT_EQ(contextOf(converted)->portListMode(), OssNgExtendedNode::NoPortList);
+    EXPECT_EQ(placeOf(converted), 1);
+    EXPECT_EQ(placeOf(m_older), -1);
+    expectUndoIsExact(m_start);
+    EXPECT_EQ(placeOf(m_network->node(name)), 1);
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(placeOf(m_older), 1) << "also when it comes back";
+}
+
 TEST_F(VersionControl, aVersionAndItsRowsAreConvertedOnceAndGroupsWithWhatIsInside)
 {
     const ExpectedLog expected("the nodes inside do not come along");

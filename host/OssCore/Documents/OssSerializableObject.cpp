@@ -317,6 +317,21 @@ bool OssSerializableObject::load(OssDeserializer &deserializer)
     return !deserializer.failed();
 }
 
+void OssSerializableObject::loadForeign()
+{
+    const QString root = QStringLiteral("foreign");
+    QByteArray text = QStringLiteral("<%1>%2</%1>").arg(root, m_foreign.join(QString())).toUtf8();
+    m_foreign.clear();
+    QBuffer buffer(&text);
+    buffer.open(QIODevice::ReadOnly);
+    OssDeserializer deserializer(&buffer, root);
+    Attributes none;
+    if (!deserializer.beginDocument(root, &none))
+        return;
+    while (deserializer.nextElement())
+        loadChild(deserializer);
+}
+
 bool OssSerializableObject::loadChild(OssDeserializer &deserializer)
 {
     const QString element = deserializer.elementName();

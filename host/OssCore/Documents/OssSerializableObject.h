@@ -105,6 +105,8 @@ protected:
     /// All names in their new order; anything else is refused. No undo, no notice.
     bool orderUserAttributes(const QStringList &names);
     int userAttributeIndex(const QString &name) const;
+    /// Reads once more what was unknown when it was read, for an object that has learned more since.
+    void loadForeign();
 
 private:
     void saveProperties(OssSerializer &serializer) const;

@@ -3,6 +3,7 @@
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssCore/Values/OssAttributeKind.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssSnBaseContext.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Types/OssSnTags.h"
@@ -93,10 +94,16 @@ QSet<QString> tagsOf(const OssSnBaseNode *node)
     return {tags.cbegin(), tags.cend()};
 }
 
-void movePlace(const OssSnBaseNode *from, const OssSnBaseNode *to)
+void movePlace(OssSnBaseNode *from, OssSnBaseNode *to)
 {
     if (from->viewContext() && to->viewContext())
-        to->viewContext()->setNodePosition(from->viewContext()->nodePosition());
+        to->viewContext()->takePlaceOf(from->viewContext());
+    const auto tell = [](OssSnBaseNode *old, OssSnBaseNode *replacement) {
+        Q_EMIT OssShaderNetworkManager::instance()->nodeReplaced(old, replacement);
+    };
+    tell(from, to);
+    OssUndoManager::instance()->record(
+        {}, [=] { tell(to, from); }, [=] { tell(from, to); });
 }
 
 void moveValues(const OssSnBaseNode *from, OssSnBaseNode *to, QStringList *lost)
@@ -145,7 +152,8 @@ void moveWires(OssSnBaseNode *from, OssSnBaseNode *to, QStringList *lost)
 bool OssNodeConversion::upgrade(OssSnBaseNode *node,
                                 const std::shared_ptr<const OssSnNodeType> &type, QStringList *lost)
 {
-    if (!type || node->isPlaceholder()) {
+    // One without a type may have learned which it is.
+    if (!type || (node->isPlaceholder() && node->pathKey() != type->pathKey)) {
         lost->append(tr("%1: its type is not installed here").arg(node->path()));
         return false;
     }
@@ -167,6 +175,8 @@ bool OssNodeConversion::upgrade(OssSnBaseNode *node,
         cutWires(node, after, lost);
     }
     after.attributes = keptAttributes(node, after.attributes, lost);
+    if (node->isPlaceholder())
+        node->setErrorText({}); // which said that the type is not known
     const OssSnBaseNode::Definition before = node->definition();
     const auto apply = [node](const OssSnBaseNode::Definition &definition) {
         const OssUndoManager::Pause pause;

@@ -159,6 +159,9 @@ Q_SIGNALS:
                            OssShaderNetworkManager::DebugInputs newInputs,
                            OssShaderNetworkManager::DebugNodes oldNodes,
                            OssShaderNetworkManager::DebugInputs oldInputs);
+    /// While both exist: whoever shows the old one may show the new one instead. Undo and redo tell it
+    /// as well, undo the other way round.
+    void nodeReplaced(OssSnBaseNode *old, OssSnBaseNode *replacement);
     void registeredNodePopulationChanged();
     void nodeGraphIsManuallyChanged();
     void graphRefreshRequested(OssShaderNetwork *network);

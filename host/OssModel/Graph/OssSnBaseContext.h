@@ -78,6 +78,10 @@ public:
     /// Moves the item to the nearest free place.
     virtual void placeNode() {}
 
+    /// For a node that comes in the place of another: where it stands, its size and how its ports are
+    /// shown become those of the other, as part of what made it.
+    virtual void takePlaceOf(const OssSnBaseContext *) {}
+
     /// Asks for a file, writes the node there and tells the user when that fails.
     virtual void exportNode() {}
 

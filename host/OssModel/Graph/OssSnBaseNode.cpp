@@ -129,15 +129,15 @@ OssSnBaseContext *OssSnBaseNode::viewContext() const
     return context(QStringLiteral("NodeGraphView"));
 }
 
-void OssSnBaseNode::createContexts()
+void OssSnBaseNode::createContexts(const QString &description)
 {
+    const QString own = m_type ? m_type->contextsDescription : QStringLiteral("<NodeType/>");
     const auto loaders = OssShaderNetworkManager::instance()->contextLoaders();
-    const QString description = m_type ? m_type->contextsDescription
-                                       : QStringLiteral("<NodeType/>");
     for (const auto &entry : loaders) {
         if (!entry.loader || context(entry.name))
             continue;
-        const QList<OssSnBaseContext *> made = entry.loader->load(description, this);
+        const QList<OssSnBaseContext *> made = entry.loader->load(
+            description.isEmpty() ? own : description, this);
         for (OssSnBaseContext *context : made) {
             if (context)
                 m_contexts.append({entry.name, context});

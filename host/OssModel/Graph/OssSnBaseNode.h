@@ -105,9 +105,9 @@ public:
     OssSnBaseContext *context(const QString &name) const;
     /// The one that shows the node in the node graph; null when nothing does.
     OssSnBaseContext *viewContext() const;
-    /// Makes the contexts of all registered loaders. Called once, by the network, when the node
-    /// stands in it with its ports.
-    void createContexts();
+    /// Makes the contexts of all registered loaders, from the type's description unless another is
+    /// given. Called by the network when the node stands in it with its ports.
+    void createContexts(const QString &description = {});
     /// Initialises them and reports the user attributes. Called once, after saved state was loaded.
     void initializeContexts();
 

@@ -159,7 +159,17 @@ bool OssSnBaseNode::saveObjects(OssSerializer &serializer)
 OssSerializableObject *OssSnBaseNode::onLoadSubObject(OssDeserializer &deserializer,
                                                       const QString &name, const QString &type)
 {
-    if (OssSnBaseContext *saved = context(name))
+    OssSnBaseContext *saved = context(name);
+    if (saved && !m_type && m_pathKey.isEmpty()
+        && type != QLatin1String(saved->metaObject()->className())) {
+        // A backdrop from before it had a type; its context gives it one as soon as it is made.
+        deleteContexts();
+        createContexts(QStringLiteral("<NodeType><Contexts><Context Type=\"UINodeGraphView\" "
+                                      "GuiNodeClass=\"Backdrop\"/></Contexts></NodeType>"));
+        saved = context(name);
+        loadForeign();
+    }
+    if (saved)
         return saved;
     return OssSerializableObject::onLoadSubObject(deserializer, name, type);
 }

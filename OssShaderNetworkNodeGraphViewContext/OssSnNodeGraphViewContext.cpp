@@ -29,8 +29,12 @@ QColor colorOf(const QString &text)
 {
     QColor color;
     if (!text.isEmpty()) {
-        const OssColor parsed = OssColor::fromString(text);
-        color.setRgbF(parsed.red(), parsed.green(), parsed.blue(), parsed.alpha());
+        bool good = false;
+        const OssColor parsed = OssColor::fromString(text, &good);
+        if (good)
+            color = parsed.toQColor();
+        else
+            OssDebug(Source, __LINE__, "[ !! ] '%s' is no color", qPrintable(text));
     }
     return color;
 }

@@ -122,7 +122,8 @@ public Q_SLOTS:
     /// Announced where anything changes. No undo step: it is how the user looks at the node.
     void setPortListMode(OssNgExtendedNode::PortListMode mode);
 
-    void setPortListMode(int mode) { setPortListMode(PortListMode(mode)); }
+    /// What is no mode leaves a line, and ports listed as they are.
+    void setPortListMode(int mode);
 
     void setPortListMode(OssSnNodeGraphViewContextManager::DefaultMCMCollapsedState state);
 

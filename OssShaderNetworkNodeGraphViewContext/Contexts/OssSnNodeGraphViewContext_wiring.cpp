@@ -10,6 +10,8 @@
 #include "OssNodeGraph/Items/OssNgEdge.h"
 #include "OssShaderNetworkView.h"
 
+#include <QMetaEnum>
+
 namespace {
 
 constexpr const char *Source = "OssSnNodeGraphViewContext";
@@ -146,6 +148,14 @@ void OssSnNodeGraphViewContext::setPortListMode(OssNgExtendedNode::PortListMode 
         extended->setPortListMode(mode);
     OssUndoManager::instance()->resetClean(); // it is saved, and no step
     Q_EMIT portListModeChanged(mode);
+}
+
+void OssSnNodeGraphViewContext::setPortListMode(int mode)
+{
+    if (QMetaEnum::fromType<OssNgExtendedNode::PortListMode>().valueToKey(mode))
+        setPortListMode(PortListMode(mode));
+    else
+        OssDebug(Source, __LINE__, "[ !! ] %d is no way to list ports", mode);
 }
 
 void OssSnNodeGraphViewContext::setPortListMode(

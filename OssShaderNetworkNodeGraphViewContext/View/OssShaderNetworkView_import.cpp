@@ -54,7 +54,7 @@ QStringList withLatest(QStringList list, const QString &latest, int most)
 {
     list.removeAll(latest);
     list.prepend(latest);
-    return list.mid(0, most);
+    return list.mid(0, std::max(0, most));
 }
 
 } // namespace

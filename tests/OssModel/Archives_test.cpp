@@ -176,6 +176,10 @@ TEST_F(Archives, archivesThatLieAboutTheirContentsChangeNothing)
         {{{QStringLiteral("manifest.xml"), QByteArray(manifest).replace("\"1\"", "\"7\"")},
           {QStringLiteral("nodes.ong"), nodes}},
          "format that is not known"},
+        {{{QStringLiteral("manifest.xml"), "<ossaArchive major=\"1\" kind=\"material\">"
+                                           "<image id=\"../..\" name=\"a.png\"/></ossaArchive>"},
+          {QStringLiteral("nodes.ong"), nodes}},
+         "\"../..\" is no id of an image"},
         {{{QStringLiteral("manifest.xml"),
            "<!DOCTYPE a [<!ENTITY b \"c\">]><ossaArchive major=\"1\" kind=\"&b;\"/>"}},
          "lie.oma"},
@@ -210,8 +214,9 @@ TEST_F(Archives, onlyPicturesComeOutAndAnArchiveMayComeTwice)
     const QString id = image->uniqueId().toString();
     parts.insert(QStringLiteral("images/") + id + QStringLiteral("/run.sh"), "rm");
     parts.insert(QStringLiteral("elsewhere/x.png"), "x");
-    parts[QStringLiteral("manifest.xml")].replace("<image ",
-                                                  "<image id=\"absent\" name=\"a.png\"/><image ");
+    parts[QStringLiteral("manifest.xml")].replace(
+        "<image ",
+        "<image id=\"0b5f7a52-6a0f-4f3c-9f55-0d1b8a3c2e11\" name=\"absent.png\"/><image ");
     ASSERT_TRUE(OssArchive::write(file("more.oma"), parts));
     const QString imported = OssSettings::folderPath() + QStringLiteral("/imported");
     QDir(imported).removeRecursively();

@@ -7,7 +7,31 @@
 
 namespace {
 
-using ContextTest = GraphFixture;
+class ContextTest : public GraphFixture
+{
+protected:
+    /// Saves the project, changes what stands in the file, and opens it.
+    void reopenWith(const QVector<QPair<QByteArray, QByteArray>> &changes)
+    {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("P.ossa"));
+        OssProjectManager *projects = OssProjectManager::instance();
+        ASSERT_TRUE(projects->saveProjectAs(path));
+        QFile file(path + QStringLiteral("/project.xml"));
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        QByteArray text = file.readAll();
+        for (const auto &[saved, changed] : changes) {
+            ASSERT_TRUE(text.contains(saved)) << saved.constData();
+            text.replace(saved, changed);
+        }
+        file.resize(0);
+        file.write(text);
+        file.close();
+        ASSERT_TRUE(projects->openProject(path));
+        m_project = projects->currentProject();
+        m_network = m_project->shadingGroups().first()->network();
+    }
+};
 
 TEST_F(ContextTest, itemsFollowEveryEditAndItsUndo)
 {
@@ -249,22 +273,8 @@ TEST_F(ContextTest, backdropsFromBeforeTheyHadATypeAreReadAsBackdrops)
     OssSnBaseNode *area = addAt("Misc/Backdrop", {10, 20}, "Area");
     area->setAttribute(QStringLiteral("TitleText"), QStringLiteral("Walls"));
     contextOf(area)->setNodeSize({640, 480});
-    const QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("P.ossa"));
-    OssProjectManager *projects = OssProjectManager::instance();
-    ASSERT_TRUE(projects->saveProjectAs(path));
-    QFile file(path + QStringLiteral("/project.xml"));
-    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
-    QByteArray text = file.readAll();
-    const QByteArray typed = "<object name=\"Area\" type=\"OssSnBaseNode\" key=\"Misc/Backdrop\"";
-    ASSERT_TRUE(text.contains(typed));
-    text.replace(typed, typed.left(typed.indexOf(" key")));
-    file.resize(0);
-    file.write(text);
-    file.close();
-    ASSERT_TRUE(projects->openProject(path));
-    m_project = projects->currentProject();
-    m_network = m_project->shadingGroups().first()->network();
+    reopenWith({{"name=\"Area\" type=\"OssSnBaseNode\" key=\"Misc/Backdrop\"",
+                 "name=\"Area\" type=\"OssSnBaseNode\""}});
     area = m_network->node(QStringLiteral("Area"));
     ASSERT_NE(area, nullptr);
     EXPECT_EQ(area->pathKey(), QStringLiteral("Misc/Backdrop"));
@@ -275,6 +285,35 @@ TEST_F(ContextTest, backdropsFromBeforeTheyHadATypeAreReadAsBackdrops)
     EXPECT_EQ(item->titleText(), QStringLiteral("Walls"));
     EXPECT_EQ(item->rect().size(), QSizeF(640, 480));
     EXPECT_EQ(item->pos(), QPointF(10, 20));
+}
+
+TEST_F(ContextTest, badValuesInAFileAreMendedAndTold)
+{
+    addAt("Filter/Blur", {111, 222}, "Far");
+    OssSnBaseNode *look = addAt("Filter/Blur", {333, 444}, "Look");
+    contextOf(look)->setPortListMode(OssNgExtendedNode::Collapsed);
+    OssSnBaseNode *area = addAt("Misc/Backdrop", {555, 666}, "Area");
+    contextOf(area)->setNodeSize({640, 480});
+    const QColor usual = itemOf(look)->mainColor();
+    const ExpectedLog expected[] = {
+        ExpectedLog("of 'Far' is out of reach"), ExpectedLog("of 'Area' is too large"),
+        ExpectedLog("17 is no way to list ports"), ExpectedLog("'rubbish' is no color"),
+        ExpectedLog("of 'Area' is out of reach")};
+    reopenWith({{"position=\"111,222\"", "position=\"1e308,-1e308\""},
+                {"position=\"333,444\"", "position=\"nan,inf\""},
+                {"rect=\"0,0,640,480\"", "rect=\"0,0,3e12,480\""},
+                {"portListMode=\"4\"", "portListMode=\"17\""},
+                {"nodeColorTop=\"\"", "nodeColorTop=\"rubbish\""}});
+    const auto node = [this](const char *name) {
+        return m_network->node(QLatin1String(name));
+    };
+    EXPECT_EQ(itemOf(node("Far"))->pos(), QPointF(1e6, -1e6));
+    EXPECT_EQ(itemOf(node("Look"))->pos(), QPointF()) << "no number at all";
+    EXPECT_EQ(contextOf(node("Look"))->portListModeAsInt(), 0);
+    EXPECT_EQ(itemOf(node("Look"))->mainColor(), usual);
+    EXPECT_EQ(itemOf(node("Area"))->boundingRect().size(), QSizeF(2e6, 480));
+    contextOf(node("Area"))->setNodePosition({qQNaN(), 5.0});
+    EXPECT_EQ(itemOf(node("Area"))->pos(), QPointF(555, 5));
 }
 
 TEST_F(ContextTest, portsAlongTheEdgesKeepTheirPlaceWhenRenamed)

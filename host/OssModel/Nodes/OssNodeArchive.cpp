@@ -109,8 +109,13 @@ OssResult readManifest(const QString &path, const QByteArray &xml, OssNodeArchiv
     while (reader.readNextStartElement()) {
         const QXmlStreamAttributes attributes = reader.attributes();
         const QString name = attributes.value(QLatin1String("name")).toString();
-        if (reader.name() == QLatin1String("image") && QFileInfo(name).fileName() == name)
-            contents->imageNames.insert(attributes.value(QLatin1String("id")).toString(), name);
+        if (reader.name() == QLatin1String("image") && QFileInfo(name).fileName() == name) {
+            // It names a folder, and what is replaced in the text of the nodes.
+            const QString id = attributes.value(QLatin1String("id")).toString();
+            if (OssImageUniqueId::fromString(id).toString() != id)
+                return fault(tr("\"%1\" is no id of an image").arg(id));
+            contents->imageNames.insert(id, name);
+        }
         reader.skipCurrentElement();
     }
     return reader.hasError() ? fault(reader.errorString()) : OssResult();

@@ -137,7 +137,7 @@ private:
     {
         Entry &entry = (*this)[slot];
         entry.cells = cells;
-        entry.large = cells.width() * cells.height() > m_mostCells;
+        entry.large = qint64(cells.width()) * cells.height() > m_mostCells;
         if (entry.large) {
             m_large.push_back(slot);
             return;

@@ -1,5 +1,6 @@
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
 
+#include "OssCore/Program/OssDebug.h"
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
 #include "OssNodeGraph/Drawing/OssNgText.h"
 #include "OssNodeGraph/Items/OssNgSceneIndex.h"
@@ -18,6 +19,7 @@ constexpr qreal Corner = 10.0;
 constexpr qreal GripWidth = 6.0;
 constexpr qreal Padding = 14.0;
 constexpr int MostLines = 40;
+constexpr qreal Largest = 2.0 * OssNgSceneIndex::MostReach;
 
 } // namespace
 
@@ -39,7 +41,15 @@ QSizeF OssNgBackdropNode::layoutBody()
 
 void OssNgBackdropNode::setRect(const QRectF &rect)
 {
-    const QSizeF size = rect.size().expandedTo(minimumSize());
+    // Neither is true of what is no number: that becomes the least.
+    const auto within = [](qreal wanted, qreal least) {
+        return wanted > least ? std::min(wanted, Largest) : least;
+    };
+    const QSizeF size(within(rect.width(), minimumSize().width()),
+                      within(rect.height(), minimumSize().height()));
+    if (rect.width() > Largest || rect.height() > Largest)
+        OssDebug("OssNgBackdropNode", __LINE__, "[ !! ] The size %g x %g of '%s' is too large",
+                 rect.width(), rect.height(), qPrintable(text()));
     if (!rect.topLeft().isNull())
         setPosition(pos() + rect.topLeft());
     if (size == m_rectSize)

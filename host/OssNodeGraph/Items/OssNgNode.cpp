@@ -1,5 +1,6 @@
 #include "OssNodeGraph/Items/OssNgNode.h"
 
+#include "OssCore/Program/OssDebug.h"
 #include "OssNodeGraph/Drawing/OssNgPaintCache.h"
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
@@ -9,6 +10,9 @@
 #include <QGraphicsScene>
 #include <QGraphicsSceneMouseEvent>
 #include <QLinearGradient>
+
+#include <algorithm>
+#include <cmath>
 
 OssNgNode::OssNgNode()
     : m_size(OssNgStyle::MinimumWidth + 2 * OssNgStyle::Margin,
@@ -196,7 +200,18 @@ void OssNgNode::setHovered(bool hovered)
 
 void OssNgNode::setPosition(const QPointF &position)
 {
-    setPos(position);
+    constexpr qreal Farthest = OssNgSceneIndex::MostReach;
+    // Written so that what is no number is told, too.
+    if (std::abs(position.x()) <= Farthest && std::abs(position.y()) <= Farthest) {
+        setPos(position);
+        return;
+    }
+    OssDebug("OssNgNode", __LINE__, "[ !! ] The place %g, %g of '%s' is out of reach", position.x(),
+             position.y(), qPrintable(text()));
+    const auto reached = [Farthest](qreal wanted, qreal own) {
+        return std::isnan(wanted) ? own : std::clamp(wanted, -Farthest, Farthest);
+    };
+    setPos(reached(position.x(), x()), reached(position.y(), y()));
 }
 
 QRectF OssNgNode::bodyRect() const

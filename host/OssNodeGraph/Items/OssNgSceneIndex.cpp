@@ -8,14 +8,12 @@
 #include <QHash>
 
 #include <algorithm>
-#include <limits>
 #include <tuple>
 
 namespace {
 
-constexpr int MostCellsOfNode = std::numeric_limits<int>::max();
+constexpr int MostCellsOfNode = 4096; // backdrops of 32,000 by 32,000
 constexpr int MostCellsOfWire = 64;
-constexpr qreal MostReach = 1e6;
 
 QHash<const QGraphicsScene *, OssNgSceneIndex *> &registry()
 {

@@ -23,6 +23,9 @@ class OSSNODEGRAPH_EXPORT OssNgSceneIndex : public QObject
     Q_OBJECT
 
 public:
+    /// Scene units from the middle: nothing stands beyond.
+    static constexpr qreal MostReach = 1e6;
+
     /// The bounds are those of the body.
     struct NodeEntry : OssNgGridEntry
     {

@@ -118,11 +118,10 @@ QWidget *ConsolePanel::makeBar()
         m_output->clear();
         m_lineEnded = false;
     });
-    connect(echo, &QPushButton::toggled, this, [this](bool on) {
-        m_echo->setEnabled(on);
-        OssSettings().setValue(echoKey, on);
-    });
+    connect(echo, &QPushButton::toggled, this, [this](bool on) { m_echo->setEnabled(on); });
     echo->setChecked(OssSettings().value(echoKey, true).toBool());
+    connect(echo, &QPushButton::toggled, this,
+            [](bool on) { OssSettings().setValue(echoKey, on); });
     auto *layout = new QHBoxLayout(bar);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_run);

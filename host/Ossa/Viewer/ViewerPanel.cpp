@@ -174,7 +174,9 @@ void ViewerPanel::setMode(Mode mode)
     m_light->setVisible(mode != Patches);
     if (mode == Object)
         m_paint->setChecked(false);
-    OssSettings().setValue(modeKey, int(mode));
+    OssSettings settings;
+    if (settings.value(modeKey, Patches).toInt() != mode) // the first time it comes from there
+        settings.setValue(modeKey, int(mode));
 }
 
 QWidget *ViewerPanel::makeControls()

@@ -264,8 +264,13 @@ TEST_F(Versions, groupsKeepTheirPortsAndOtherKindsOfNodesAreNotUpgradedTo)
         R"(<NodeType PathKey="Misc/Group" Class="OssSnBaseNode" Date="2023-01-01"/>)");
     EXPECT_FALSE(m_networks->upgradeNode(plain, &lost));
     EXPECT_EQ(lost.size(), 1);
-    EXPECT_NE(m_networks->convertNodeToKeyPath(group, QStringLiteral("Filter/Blur"), &lost),
-              nullptr);
+    OssSnBaseNode *inner = group->groupNetwork()->createNode(QStringLiteral("Filter/Blur"));
+    group->createKnob(inner, inner->userAttributeNames().first());
+    const QString knob = group->userAttributeNames().last();
+    const OssSnBaseNode *converted = m_networks->convertNodeToKeyPath(
+        group, QStringLiteral("Misc/Dot"), &lost);
+    ASSERT_NE(converted, nullptr);
+    EXPECT_FALSE(converted->exists(knob)) << "no file could give it back";
     EXPECT_TRUE(lost.filter(QStringLiteral("do not come along")).size() == 1);
     EXPECT_FALSE(m_networks->upgradeNode(nullptr, &lost));
     EXPECT_EQ(m_networks->convertNodeToKeyPath(nullptr, QStringLiteral("Filter/Blur")), nullptr);

@@ -337,12 +337,14 @@ void RandomEdits::reopen()
     const QTemporaryDir folder;
     const QString path = folder.filePath(m_project->name() + QStringLiteral(".ossa"));
     const QByteArray hash = m_project->stateHash();
+    const QList<QByteArray> lines = stateLines();
     OssProjectManager *projects = OssProjectManager::instance();
     ASSERT_TRUE(projects->saveProjectAs(path));
     const OssResult opened = projects->openProject(path);
     ASSERT_TRUE(opened) << qPrintable(opened.error());
     m_project = projects->currentProject();
     m_network = m_project->shadingGroups().first()->network();
+    expectSame(stateLines(), lines);
     ASSERT_EQ(m_project->stateHash(), hash);
     expectWhole();
 }

@@ -3,8 +3,13 @@
 #include "OssModel/Nodes/OssSnBakePointNode.h"
 #include "OssModel/Nodes/OssSnBaseTeleportNode.h"
 #include "OssModel/Objects/OssImageSet.h"
+#include "OssScriptObjects/OssaNode.h"
+#include "OssScriptObjects/OssScriptManager.h"
+#include "OssShaderNetworkWidget.h"
 #include "OssSnGroupNodeGraphViewContext.h"
 #include "RandomEdits.h"
+
+#include <QTest>
 
 #include <deque>
 
@@ -133,6 +138,144 @@ protected:
         return create("Filter/Blur");
     }
 
+    /// Something a key or a menu does, whatever is in the hand.
+    void meanwhile()
+    {
+        OssShaderNetworkView *view = m_manager->currentView();
+        switch (below(10)) {
+        case 0:
+            OssUndoManager::instance()->undo();
+            break;
+        case 1:
+            view->deleteSelectedNodes();
+            break;
+        case 2:
+            view->duplicateSelectedNodes();
+            break;
+        case 3:
+            view->extractSelectedNode();
+            break;
+        case 4:
+            m_manager->beautifyNodesLayout();
+            break;
+        case 5:
+            view->selectAll();
+            break;
+        case 6:
+            view->scene()->clearSelection();
+            break;
+        case 7:
+            OssUndoManager::instance()->redo();
+            break;
+        case 8:
+            groupAny();
+            break;
+        default:
+            view->toggleEdgeSeverAction();
+            break;
+        }
+    }
+
+    void pointer(QEvent::Type type, const QPoint &place, Qt::MouseButton button,
+                 Qt::KeyboardModifiers keys)
+    {
+        QWidget *viewport = m_manager->currentView()->viewport();
+        const bool held = type != QEvent::MouseButtonRelease;
+        QMouseEvent event(type, QPointF(place), viewport->mapToGlobal(place),
+                          type == QEvent::MouseMove ? Qt::NoButton : button,
+                          held ? button : Qt::NoButton, keys);
+        QCoreApplication::sendEvent(viewport, &event);
+    }
+
+    /// From somewhere to somewhere, over nodes, ports, wires and nothing.
+    bool drag(bool interrupted)
+    {
+        OssShaderNetworkView *view = m_manager->currentView();
+        if (!view || !view->network() || !small())
+            return false;
+        if (below(3) == 0)
+            view->frameNodes(true);
+        view->window()->show(); // or it has no size of its own
+        const int steps = OssUndoManager::instance()->index();
+        const QList<OssSnBaseNode *> nodes = view->network()->nodes();
+        const auto place = [&] {
+            const OssNgNode *item = nodes.isEmpty() ? nullptr
+                                                    : itemOf(nodes.at(below(nodes.size())));
+            if (!item || below(4) == 0)
+                return QPoint(below(view->viewport()->width()), below(view->viewport()->height()));
+            const QRectF box = item->sceneBoundingRect();
+            return view->mapFromScene(
+                box.topLeft()
+                + QPointF(box.width() * below(101) / 100.0, box.height() * below(101) / 100.0));
+        };
+        const Qt::KeyboardModifiers keys = below(3)   ? Qt::NoModifier
+                                           : below(2) ? Qt::ShiftModifier
+                                                      : Qt::ControlModifier;
+        const Qt::MouseButton button = below(6) ? Qt::LeftButton : Qt::MiddleButton;
+        const QPoint from = place();
+        const QPoint to = place();
+        pointer(QEvent::MouseButtonPress, from, button, keys);
+        const int moves = below(6);
+        for (int i = 1; i <= moves; ++i) {
+            pointer(QEvent::MouseMove, from + (to - from) * i / moves, button, keys);
+            if (interrupted && below(moves) == 0)
+                meanwhile();
+        }
+        if (interrupted && below(3) == 0)
+            QTest::keyClick(m_manager->currentView(), Qt::Key_Escape);
+        pointer(QEvent::MouseButtonRelease, moves ? to : from, button, keys);
+        m_network->setViewerNodeCurrentEdge(1, true); // no part of the history
+        return OssUndoManager::instance()->index() != steps;
+    }
+
+    bool convertAny()
+    {
+        OssSnBaseNode *node = anyNode();
+        const char *const keys[] = {"Filter/Blur", "Layer/Merge", "Procedural/Color", "Misc/Dot"};
+        return node
+               && OssShaderNetworkManager::instance()->convertNodeToKeyPath(
+                   node, QLatin1String(keys[below(4)]));
+    }
+
+    bool exposeAny()
+    {
+        auto *group = any<OssSnGroupNode>();
+        const QList<OssSnBaseNode *> inside = group ? group->groupNetwork()->nodes()
+                                                    : QList<OssSnBaseNode *>();
+        OssSnBaseNode *node = inside.isEmpty() ? nullptr : inside.at(below(inside.size()));
+        if (!node || !OssSnGroupNode::offersKnobs(node))
+            return false;
+        group->createKnob(node, anyOf(node->userAttributeNames()));
+        return true;
+    }
+
+    bool switchTab(bool close)
+    {
+        auto *tabs = m_manager->nodeGraphWidget();
+        const int tab = below(tabs->count());
+        if (close && tab > 0)
+            tabs->hideTab(tab);
+        else
+            tabs->setCurrentIndex(tab);
+        return tabs->count() > 1;
+    }
+
+    /// Through the object that stands for a node in scripts.
+    bool script()
+    {
+        OssSnBaseNode *node = anyNode();
+        auto *object = node ? qobject_cast<Ossa::Node *>(OssScriptManager::instance()->obtainAPI(
+                           node, QStringLiteral("Ossa::Node")))
+                            : nullptr;
+        if (!object)
+            return false;
+        const OssUndoManager::AutoMacro macro(QStringLiteral("Script"));
+        object->setName(QStringLiteral("Script %1").arg(below(9)));
+        object->setPosition({below(900) - 400.0, below(900) - 400.0});
+        object->setEnabled(below(2) == 0);
+        return true;
+    }
+
     QVector<Operation> wild()
     {
         const auto make = [this](const char *key) {
@@ -200,6 +343,34 @@ protected:
              [this] {
                  return throwAwayUndone();
              }},
+            {"drag",
+             [this] {
+                 return drag(false);
+             }},
+            {"interrupted drag",
+             [this] {
+                 return drag(true);
+             }},
+            {"convert",
+             [this] {
+                 return convertAny();
+             }},
+            {"expose",
+             [this] {
+                 return exposeAny();
+             }},
+            {"switch tab",
+             [this] {
+                 return switchTab(false);
+             }},
+            {"close tab",
+             [this] {
+                 return switchTab(true);
+             }},
+            {"script",
+             [this] {
+                 return script();
+             }},
         };
     }
 };
@@ -215,7 +386,8 @@ TEST_F(WildEdits, theDocumentHoldsTogetherAfterEachOfThem)
     std::deque<ExpectedLog> refusals;
     for (const char *text : {"Cannot connect: ", "Swap Inputs: ", "Nothing to autoplace.",
                              "The clipboard holds no nodes", "is protected and stays",
-                             "An object has one viewer", "Grouping leaves out", "Bake"})
+                             "An object has one viewer", "Grouping leaves out", "Bake",
+                             "cannot be converted", "has no place any more", "do not come along"})
         refusals.emplace_back(text, ExpectedLog::Possible);
     const quint32 seed = qEnvironmentVariableIsSet("OSSA_SEED")
                              ? quint32(qEnvironmentVariableIntValue("OSSA_SEED"))

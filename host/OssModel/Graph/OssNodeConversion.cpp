@@ -109,8 +109,10 @@ void movePlace(OssSnBaseNode *from, OssSnBaseNode *to)
 void moveValues(const OssSnBaseNode *from, OssSnBaseNode *to, QStringList *lost)
 {
     const QVector<OssCustomAttribute> attributes = keptAttributes(from, to->userAttributes(), lost);
-    for (const OssCustomAttribute &attribute : attributes)
-        to->setUserAttribute(attribute, true);
+    for (const OssCustomAttribute &attribute : attributes) {
+        if (!attribute.definition().isKnob) // those belong to the nodes inside, which do not come along
+            to->setUserAttribute(attribute, true);
+    }
     to->setDescription(from->description());
     to->setEnabled(from->enabled());
     to->setBypassed(from->isBypassed());

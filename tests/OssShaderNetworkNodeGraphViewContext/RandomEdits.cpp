@@ -197,54 +197,21 @@ QVector<RandomEdits::Operation> RandomEdits::operations()
         return QStringLiteral("P%1").arg(below(1000));
     };
     return {
-        {"create merge",
-         [this] {
-             return create("Layer/Merge");
-         }},
-        {"create blur",
-         [this] {
-             return create("Filter/Blur");
-         }},
-        {"create brick",
-         [this] {
-             return create("Procedural/Pattern/Brick");
-         }},
-        {"create backdrop",
-         [this] {
-             return create("Misc/Backdrop");
-         }},
-        {"create another backdrop",
-         [this] {
-             return create("Misc/Backdrop");
-         }},
-        {"create note",
-         [this] {
-             return create("Misc/Sticky Note");
-         }},
-        {"create dot",
-         [this] {
-             return create("Misc/Dot");
-         }},
-        {"create group",
-         [this] {
-             return create("Misc/Group");
-         }},
-        {"connect",
-         [this] {
-             return connectAny();
-         }},
-        {"connect more",
-         [this] {
-             return connectAny();
-         }},
+        {"create merge", make("Layer/Merge")},
+        {"create blur", make("Filter/Blur")},
+        {"create brick", make("Procedural/Pattern/Brick")},
+        {"create backdrop", make("Misc/Backdrop")},
+        {"create another backdrop", make("Misc/Backdrop")},
+        {"create note", make("Misc/Sticky Note")},
+        {"create dot", make("Misc/Dot")},
+        {"create group", make("Misc/Group")},
+        {"connect", by(&RandomEdits::connectAny)},
+        {"connect more", by(&RandomEdits::connectAny)},
         {"disconnect", forNode([this](OssSnBaseNode *node) {
              node->setInputNode(anyOf(node->inputNames()), nullptr, {});
          })},
         {"disconnect all", forNode([](OssSnBaseNode *node) { node->disconnectAll(); })},
-        {"remove",
-         [this] {
-             return removeSome();
-         }},
+        {"remove", by(&RandomEdits::removeSome)},
         {"extract",
          forNode([](OssSnBaseNode *node) { node->network()->extractNodes({node}, true); })},
         {"rename", forNode([this](OssSnBaseNode *node) {
@@ -261,22 +228,10 @@ QVector<RandomEdits::Operation> RandomEdits::operations()
         {"enable input", forNode([this](OssSnBaseNode *node) {
              node->setInputEnabled(anyOf(node->inputNames()), below(2) == 0);
          })},
-        {"attribute",
-         [this] {
-             return setAnyAttribute();
-         }},
-        {"move",
-         [this] {
-             return moveAny();
-         }},
-        {"resize",
-         [this] {
-             return resizeAny();
-         }},
-        {"insert dot",
-         [this] {
-             return insertDot();
-         }},
+        {"attribute", by(&RandomEdits::setAnyAttribute)},
+        {"move", by(&RandomEdits::moveAny)},
+        {"resize", by(&RandomEdits::resizeAny)},
+        {"insert dot", by(&RandomEdits::insertDot)},
         {"group input", forGroup([label](OssSnGroupNode *group) {
              return group->createInput(label(), OssSnDataKind::Scalar) != nullptr;
          })},
@@ -289,10 +244,7 @@ QVector<RandomEdits::Operation> RandomEdits::operations()
         {"remove port", forGroup([this](OssSnGroupNode *group) {
              return group->removeInput(anyOf(group->inputNames()));
          })},
-        {"reorder ports",
-         [this] {
-             return reorderPorts();
-         }},
+        {"reorder ports", by(&RandomEdits::reorderPorts)},
         {"duplicate", forNode([this](OssSnBaseNode *node) {
              if (m_project->shadingGroups().first()->network()->getAllNodes().size() < 400)
                  OssShaderNetworkIO::duplicateNodes(node->network(), {node}, below(2) == 0);
@@ -313,10 +265,7 @@ QVector<RandomEdits::Operation> RandomEdits::operations()
         {"autoplace", forNode([this](OssSnBaseNode *node) {
              m_manager->beautifyNodesLayout(node->network(), node);
          })},
-        {"cancelled macro",
-         [this] {
-             return cancelled();
-         }},
+        {"cancelled macro", by(&RandomEdits::cancelled)},
         {"select", forNode([](OssSnBaseNode *node) { node->setSelected(!node->selected()); })},
         {"undo",
          [this] {

@@ -54,6 +54,21 @@ protected:
         return node != nullptr;
     }
 
+    std::function<bool()> make(const char *key)
+    {
+        return [this, key] {
+            return create(key);
+        };
+    }
+
+    template <class Test>
+    std::function<bool()> by(bool (Test::*edit)())
+    {
+        return [this, edit] {
+            return (static_cast<Test *>(this)->*edit)();
+        };
+    }
+
     bool connectAny();
 
     bool removeSome();

@@ -164,7 +164,7 @@ void OssShaderNetwork::nodeWasRenamed(OssSnBaseNode *node, const QString &oldNam
         group->onNodeRenamedInside(node, oldName);
 }
 
-OssSnBaseNode *OssShaderNetwork::insertNode(NodePointer node, int index)
+OssSnBaseNode *OssShaderNetwork::insertNode(NodePointer node)
 {
     OssSnBaseNode *inserted = node.get();
     // One that comes back may find its name taken: the moving of a viewer is no step.
@@ -172,24 +172,19 @@ OssSnBaseNode *OssShaderNetwork::insertNode(NodePointer node, int index)
         inserted->applyName(generateUniqueNodeName(inserted->name()));
     inserted->setNetwork(this);
     auto at = m_nodes.end();
-    if (index >= 0) {
-        at = m_nodes.begin() + std::min(std::ptrdiff_t(index), std::ptrdiff_t(m_nodes.size()));
-    } else {
-        while (at != m_nodes.begin() && (*std::prev(at))->m_serial > inserted->m_serial)
-            --at;
-    }
+    while (at != m_nodes.begin() && (*std::prev(at))->m_serial > inserted->m_serial)
+        --at;
     m_nodes.insert(at, std::move(node));
     m_byName.insert(inserted->name(), inserted);
     return inserted;
 }
 
-OssShaderNetwork::NodePointer OssShaderNetwork::takeNode(OssSnBaseNode *node, int *index)
+OssShaderNetwork::NodePointer OssShaderNetwork::takeNode(OssSnBaseNode *node)
 {
     const auto found = std::find_if(m_nodes.begin(), m_nodes.end(),
                                     [node](const NodePointer &own) { return own.get() == node; });
     if (found == m_nodes.end())
         return nullptr;
-    *index = int(found - m_nodes.begin());
     OssShaderNetworkManager::instance()->deregisterNode(this, node);
     node->emitRemovedFromNetwork();
     // What is inside leaves the document with its group.

@@ -163,9 +163,9 @@ private:
     struct Relocated;
 
     static NodePointer makeNode(const QString &pathKey);
-    /// At -1 where it belongs by age, so that what comes back from elsewhere finds its old place.
-    OssSnBaseNode *insertNode(NodePointer node, int index);
-    NodePointer takeNode(OssSnBaseNode *node, int *index);
+    /// Where it belongs by age: what comes back finds its old place, whoever came and went meanwhile.
+    OssSnBaseNode *insertNode(NodePointer node);
+    NodePointer takeNode(OssSnBaseNode *node);
     void registerNode(OssSnBaseNode *node);
     void moveNodeHere(OssSnBaseNode *node);
     /// Brings the viewer here when it is inside a group that is about to leave.

@@ -24,7 +24,6 @@ struct OssShaderNetwork::Removed
     {
         OssSnBaseNode *node;
         NodePointer holder; ///< empty while the node stands in the network
-        int index;
     };
 
     std::vector<Entry> entries;
@@ -33,11 +32,10 @@ struct OssShaderNetwork::Removed
     {
         for (const Entry &entry : entries)
             network->keepViewer(entry.node);
-        // Backwards, so that each index is right again when they are put back forwards.
-        for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
+        for (Entry &entry : entries) {
             // A viewer is moved between networks without a step that tells of it.
-            OssShaderNetwork *home = entry->node->network();
-            entry->holder = (home ? home : network)->takeNode(entry->node, &entry->index);
+            OssShaderNetwork *home = entry.node->network();
+            entry.holder = (home ? home : network)->takeNode(entry.node);
         }
         Q_EMIT network->nodesChanged();
     }
@@ -45,7 +43,7 @@ struct OssShaderNetwork::Removed
     void putBack(OssShaderNetwork *network)
     {
         for (Entry &entry : entries)
-            network->insertNode(std::move(entry.holder), entry.index);
+            network->insertNode(std::move(entry.holder));
         for (const Entry &entry : entries)
             network->registerNode(entry.node);
     }
@@ -95,7 +93,7 @@ OssSnBaseNode *OssShaderNetwork::createNode(const QString &pathKey, const QStrin
     }
     const OssUndoManager::AutoMacro macro(tr("Create Node : %1").arg(node->name()));
     auto removed = std::make_shared<Removed>();
-    removed->entries.push_back({node, nullptr, nodeCount() - 1});
+    removed->entries.push_back({node, nullptr});
     OssUndoManager::instance()->record(
         {}, [this, removed] { removed->takeFrom(this); },
         [this, removed] { removed->putBack(this); });
@@ -119,7 +117,7 @@ QList<OssSnBaseNode *> OssShaderNetwork::createNodes(const QString &pathKey)
 OssSnBaseNode *OssShaderNetwork::addNode(NodePointer node, bool fresh)
 {
     node->m_name = generateUniqueNodeName(node->name());
-    OssSnBaseNode *added = insertNode(std::move(node), -1);
+    OssSnBaseNode *added = insertNode(std::move(node));
     added->createContexts();
     added->initializeContexts();
     registerNode(added);
@@ -172,14 +170,14 @@ QList<OssSnBaseNode *> OssShaderNetwork::takeOverNodes(OssShaderNetwork *read)
         }
         for (NodePointer &node : nodes) {
             if (belongsHere(node.get()))
-                inserted.append(insertNode(std::move(node), -1));
+                inserted.append(insertNode(std::move(node)));
         }
         for (OssSnBaseNode *node : qAsConst(inserted)) {
             if (auto *group = qobject_cast<OssSnGroupNode *>(node))
                 group->groupNetwork()->finishNodes();
             node->initializeContexts();
             registerNode(node);
-            removed->entries.push_back({node, nullptr, 0});
+            removed->entries.push_back({node, nullptr});
         }
         for (OssSnBaseNode *node : qAsConst(inserted)) {
             for (const OssSnBaseNode::InputPort &port : node->inputPorts()) {
@@ -237,7 +235,7 @@ void OssShaderNetwork::removeUnchecked(const QList<OssSnBaseNode *> &nodes, cons
     const QSet<OssSnBaseNode *> wanted(nodes.cbegin(), nodes.cend());
     for (const NodePointer &node : m_nodes) {
         if (wanted.contains(node.get()))
-            removed->entries.push_back({node.get(), nullptr, 0});
+            removed->entries.push_back({node.get(), nullptr});
     }
     removed->takeFrom(this);
     OssUndoManager::instance()->record(
@@ -324,26 +322,23 @@ OssSnBaseNode *OssShaderNetwork::moveCurrentViewerNodeToNetwork()
 
 void OssShaderNetwork::moveNodeHere(OssSnBaseNode *node)
 {
-    int index = -1;
-    NodePointer taken = node->network()->takeNode(node, &index);
+    NodePointer taken = node->network()->takeNode(node);
     taken->m_name = generateUniqueNodeName(taken->name());
-    insertNode(std::move(taken), -1);
+    insertNode(std::move(taken));
     registerNode(node);
 }
 
 void OssShaderNetwork::moveNodeHereUndo(OssSnBaseNode *node)
 {
     OssShaderNetwork *home = node->network();
-    const int place = home->nodes().indexOf(node);
     const QString name = node->name();
     moveNodeHere(node);
     OssUndoManager::instance()->record(
         tr("Move %1").arg(name),
-        [home, node, place, name] {
-            int index = -1;
-            NodePointer taken = node->network()->takeNode(node, &index);
+        [home, node, name] {
+            NodePointer taken = node->network()->takeNode(node);
             taken->m_name = name;
-            home->insertNode(std::move(taken), place);
+            home->insertNode(std::move(taken));
             home->registerNode(node);
         },
         [this, node] { moveNodeHere(node); });

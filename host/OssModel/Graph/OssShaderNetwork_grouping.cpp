@@ -159,7 +159,6 @@ struct OssShaderNetwork::Relocated
     struct Entry
     {
         OssSnBaseNode *node;
-        int index;
         QString name;
     };
 
@@ -170,21 +169,20 @@ struct OssShaderNetwork::Relocated
     void go()
     {
         std::vector<NodePointer> taken;
-        for (int i = entries.size() - 1; i >= 0; --i)
-            taken.push_back(from->takeNode(entries.at(i).node, &entries[i].index));
-        for (auto node = taken.rbegin(); node != taken.rend(); ++node)
-            to->insertNode(std::move(*node), -1);
+        for (const Entry &entry : qAsConst(entries))
+            taken.push_back(from->takeNode(entry.node));
+        for (NodePointer &node : taken)
+            to->insertNode(std::move(node));
         arrive(to);
         Q_EMIT from->nodesChanged();
     }
 
     void comeBack()
     {
-        for (Entry &entry : entries) {
-            int index = 0;
-            NodePointer node = to->takeNode(entry.node, &index);
+        for (const Entry &entry : qAsConst(entries)) {
+            NodePointer node = to->takeNode(entry.node);
             node->applyName(entry.name);
-            from->insertNode(std::move(node), entry.index);
+            from->insertNode(std::move(node));
         }
         arrive(from);
         Q_EMIT to->nodesChanged();
@@ -207,7 +205,7 @@ void OssShaderNetwork::relocate(const QList<OssSnBaseNode *> &nodes, OssShaderNe
         if (!wanted.contains(node.get()))
             continue;
         node->setSelected(false);
-        relocated->entries.append({node.get(), -1, node->name()});
+        relocated->entries.append({node.get(), node->name()});
     }
     relocated->go();
     OssUndoManager::instance()->record(

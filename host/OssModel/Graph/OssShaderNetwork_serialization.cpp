@@ -62,7 +62,7 @@ OssSerializableObject *OssShaderNetwork::onLoadCollectionObject(OssDeserializer 
         made->setErrorText(tr("The node type \"%1\" is not known here").arg(key));
     }
     made->loadIdentity(attributes);
-    OssSnBaseNode *node = insertNode(std::move(made), -1);
+    OssSnBaseNode *node = insertNode(std::move(made));
     node->createContexts();
     return node;
 }

@@ -273,6 +273,20 @@ TEST_F(RecoveryTest, aDamagedCopyIsRefusedAndKeptAside)
     EXPECT_TRUE(entries().isEmpty());
 }
 
+TEST_F(RecoveryTest, whatIsSavedButNoStepIsCopiedToo)
+{
+    edit();
+    copy();
+    m_autosave->setInterval(1);
+    QSignalSpy copied(m_autosave.get(), &OssAutosave::copied);
+    m_network->setViewerNodeCurrentEdge(7, true);
+    ASSERT_TRUE(copied.wait(30000));
+    crash();
+    ASSERT_TRUE(m_autosave->restore(entries().first()));
+    const OssProject *restored = OssProjectManager::instance()->currentProject();
+    EXPECT_EQ(restored->shadingGroups().first()->network()->viewerNodeCurrentEdge(), 7);
+}
+
 TEST_F(RecoveryTest, aCopyThatCannotBeWrittenIsToldOnceAndTheLastOneStays)
 {
     const ExpectedLog expected("Cannot make the folder");

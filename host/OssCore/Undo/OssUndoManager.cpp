@@ -298,6 +298,7 @@ void OssUndoManager::resetClean()
     m_cleanIndex = -1;
     if (wasClean)
         Q_EMIT cleanChanged(false);
+    Q_EMIT changedWithoutStep();
 }
 
 void OssUndoManager::undo()

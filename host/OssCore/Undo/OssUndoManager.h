@@ -122,6 +122,8 @@ Q_SIGNALS:
     void recorded(const QString &title);
     void undone();
     void redone();
+    /// Something changed that is saved and is no step: see resetClean().
+    void changedWithoutStep();
 
 private:
     struct Macro;

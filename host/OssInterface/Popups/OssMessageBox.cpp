@@ -3,6 +3,7 @@
 #include "OssCore/Program/OssDebug.h"
 #include "OssInterface/Popups/OssApplication.h"
 
+#include <QAbstractButton>
 #include <QCheckBox>
 #include <QPainter>
 
@@ -58,6 +59,11 @@ OssMessageBox::Button ask(const Box &look, QWidget *parent, const QString &title
     QMessageBox box(look.icon, title, text, buttons,
                     parent ? parent : OssApplication::mainWindow());
     box.setIconPixmap(drawnIcon(look.icon, box));
+    const QList<QAbstractButton *> all = box.buttons();
+    for (QAbstractButton *button : all) {
+        if (!button->text().contains(QLatin1Char('&'))) // not all platforms' texts name a key
+            button->setText(QLatin1Char('&') + button->text());
+    }
     if (look.defaultButton != QMessageBox::NoButton)
         box.setDefaultButton(look.defaultButton);
     box.setEscapeButton(safe);

@@ -43,7 +43,9 @@ OssAutosave::OssAutosave(const QString &recoveryFolder, QObject *parent)
     connect(&m_stepping, &QTimer::timeout, this, &OssAutosave::step);
     m_lastInput.start();
     const auto *projects = OssProjectManager::instance();
-    connect(OssUndoManager::instance(), &OssUndoManager::changed, this, &OssAutosave::noteEdit);
+    const auto *undo = OssUndoManager::instance();
+    connect(undo, &OssUndoManager::changed, this, &OssAutosave::noteEdit);
+    connect(undo, &OssUndoManager::changedWithoutStep, this, &OssAutosave::noteEdit);
     connect(projects, &OssProjectManager::projectClosing, this, &OssAutosave::abandon);
     connect(projects, &OssProjectManager::modifiedChanged, this, [this](bool modified) {
         if (!modified)

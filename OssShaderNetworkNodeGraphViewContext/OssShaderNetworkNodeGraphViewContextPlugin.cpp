@@ -154,6 +154,7 @@ void OssShaderNetworkNodeGraphViewContextPlugin::forward(const QString &title, C
         OssDebug(Source, __LINE__, "ShaderNetworkView is NULL");
         return;
     }
+    view->interruptGesture();
     const OssUndoManager::Gathering gathering(title);
     call(view);
 }

@@ -196,6 +196,7 @@ QGraphicsScene *OssSnNodeGraphViewContextManager::sceneForNetwork(OssShaderNetwo
 void OssSnNodeGraphViewContextManager::showNetworkInView(OssShaderNetwork *network,
                                                          OssShaderNetworkView *view)
 {
+    view->interruptGesture();
     if (OssShaderNetwork *shown = view->network())
         m_viewRects.insert(shown, view->viewportInSceneCoords());
     view->setNetwork(network);

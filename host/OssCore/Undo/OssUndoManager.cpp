@@ -70,6 +70,8 @@ OssUndoManager::AutoMacro::AutoMacro(const QString &title, const QString &mergeK
     OssUndoManager *manager = instance();
     if (!manager->isRecording())
         return;
+    if (!manager->isMacroOpen())
+        Q_EMIT manager->aboutToEdit();
     manager->openMacro(title, mergeKey);
     m_level = manager->m_open.size();
 }
@@ -123,15 +125,17 @@ void OssUndoManager::addUndo(OssUndoStep *step)
 
 void OssUndoManager::addUndo(std::unique_ptr<OssUndoStep> step)
 {
-    if (step && isRecording())
-        store(std::move(step));
+    if (!step || !isRecording())
+        return;
+    if (!isMacroOpen())
+        Q_EMIT aboutToEdit();
+    store(std::move(step));
 }
 
 void OssUndoManager::record(const QString &title, std::function<void()> undo,
                             std::function<void()> redo)
 {
-    if (isRecording())
-        store(std::make_unique<OssFunctionUndo>(title, std::move(undo), std::move(redo)));
+    addUndo(std::make_unique<OssFunctionUndo>(title, std::move(undo), std::move(redo)));
 }
 
 void OssUndoManager::store(std::unique_ptr<OssUndoStep> step)
@@ -303,6 +307,7 @@ void OssUndoManager::resetClean()
 
 void OssUndoManager::undo()
 {
+    Q_EMIT aboutToEdit();
     if (!canUndo())
         return;
     const bool wasClean = isClean();
@@ -318,6 +323,7 @@ void OssUndoManager::undo()
 
 void OssUndoManager::redo()
 {
+    Q_EMIT aboutToEdit();
     if (!canRedo())
         return;
     const bool wasClean = isClean();

@@ -122,6 +122,9 @@ Q_SIGNALS:
     void recorded(const QString &title);
     void undone();
     void redone();
+    /// Before an outermost macro, an undo or a redo begins, and before a step by itself is taken in:
+    /// whoever has something half done in hand makes a step of it now, or puts it back.
+    void aboutToEdit();
     /// Something changed that is saved and is no step: see resetClean().
     void changedWithoutStep();
 

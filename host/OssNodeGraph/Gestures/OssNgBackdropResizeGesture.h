@@ -18,6 +18,9 @@ public:
     void enter() override;
     void move(QMouseEvent *event) override;
     void release(QMouseEvent *event) override;
+
+    bool finishesWhenInterrupted() const override { return true; }
+
     void cancel() override;
 
     bool pansAtBorders() const override { return true; }

@@ -37,6 +37,10 @@ public:
     /// Puts everything back; release() is not called then.
     virtual void cancel() {}
 
+    /// Whether something else that begins meanwhile finds this done as if it were let go, and not put
+    /// back.
+    virtual bool finishesWhenInterrupted() const { return false; }
+
     /// False when someone else ended it, as a wire whose mouse grab was taken away.
     virtual bool isAlive() const { return true; }
 

@@ -25,6 +25,9 @@ public:
     void enter() override;
     void move(QMouseEvent *event) override;
     void release(QMouseEvent *event) override;
+
+    bool finishesWhenInterrupted() const override { return true; }
+
     void cancel() override;
     void paint(QPainter *painter) const override;
 

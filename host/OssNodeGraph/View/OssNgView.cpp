@@ -1,6 +1,7 @@
 #include "OssNodeGraph/View/OssNgView.h"
 
 #include "OssCore/Program/OssStatusManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
 #include "OssNodeGraph/Gestures/OssNgGesture.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
@@ -11,6 +12,7 @@
 #include <QGraphicsScene>
 #include <QHelpEvent>
 #include <QPainter>
+#include <QScopedValueRollback>
 #include <QToolTip>
 
 #include <algorithm>
@@ -53,6 +55,8 @@ OssNgView::OssNgView(QWidget *parent)
         viewport()->update(minimapRect().toAlignedRect().adjusted(-2, -2, 2, 2));
     });
     m_borderPanTimer.setInterval(BorderPanInterval);
+    connect(OssUndoManager::instance(), &OssUndoManager::aboutToEdit, this,
+            &OssNgView::interruptGesture);
     connect(&m_borderPanTimer, &QTimer::timeout, this, &OssNgView::borderPanStep);
     m_glideTimer.setInterval(GlideInterval);
     connect(&m_glideTimer, &QTimer::timeout, this, [this] {
@@ -175,10 +179,40 @@ void OssNgView::leaveEvent(QEvent *event)
     QGraphicsView::leaveEvent(event);
 }
 
+bool OssNgView::event(QEvent *event)
+{
+    switch (event->type()) {
+    case QEvent::FocusOut:
+    case QEvent::WindowDeactivate:
+    case QEvent::Hide:
+        interruptGesture();
+        break;
+    default:
+        break;
+    }
+    return QGraphicsView::event(event);
+}
+
 bool OssNgView::viewportEvent(QEvent *event)
 {
     if (handlePinch(event))
         return true;
+    switch (event->type()) {
+    case QEvent::ContextMenu:
+        interruptGesture();
+        break;
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseMove: {
+        if (handlePointer(static_cast<QMouseEvent *>(event)))
+            return true;
+        const QScopedValueRollback<int> handling(m_handling, m_handling + 1);
+        return QGraphicsView::viewportEvent(event);
+    }
+    default:
+        break;
+    }
     if (event->type() != QEvent::ToolTip || !scene())
         return QGraphicsView::viewportEvent(event);
     const auto *help = static_cast<QHelpEvent *>(event);

@@ -77,8 +77,14 @@ public:
     void setMinimapVisible(bool visible);
     OssNgSceneIndex *sceneIndex() const;
 
+    /// Also for a drag of nodes, during which the interaction state is that of rest.
+    bool hasGesture() const { return m_gesture != nullptr; }
+
     /// Takes the gesture in hand back, if there is one.
     bool cancelGesture();
+    /// Something else begins: what the gesture in hand moved stays moved, what it pulls goes back, and
+    /// the button that still holds it holds nothing.
+    void interruptGesture();
 
     /// Shows where things that are dragged in from elsewhere would come to stand, until
     /// hideDropGhost(). Viewport pixels.
@@ -129,6 +135,7 @@ protected:
     void leaveEvent(QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     bool viewportEvent(QEvent *event) override;
+    bool event(QEvent *event) override;
 
 private:
     // The rest of what gestures see of the view
@@ -146,6 +153,7 @@ private:
     std::unique_ptr<OssNgGesture> edgeFromWire(const QPointF &scenePos, OssNgEdge *edge);
     void startGesture(std::unique_ptr<OssNgGesture> gesture);
     void endGesture();
+    bool handlePointer(const QMouseEvent *event);
     void dropDeadGesture();
     void replayMove();
     void updateBorderPan();
@@ -181,7 +189,10 @@ private:
     bool m_minimapVisible = true;
     std::unique_ptr<OssNgGesture> m_gesture;
     std::unique_ptr<OssNgGesture> m_navigation; ///< panning or zooming with a gesture in hand
-    QPointF m_pointer;                          ///< viewport pixels, of the gesture's last event
+    int m_handling =
+        0; ///< pointer events that are on their way: what is done then is the gesture's
+    Qt::MouseButton m_interrupted = Qt::NoButton; ///< still held
+    QPointF m_pointer;                            ///< viewport pixels, of the gesture's last event
     Qt::MouseButtons m_pointerButtons;
     Qt::KeyboardModifiers m_pointerModifiers;
     QTimer m_borderPanTimer;

@@ -3,6 +3,7 @@
 #include "OssNodeGraph/Gestures/OssNgGesture.h"
 
 #include <QMouseEvent>
+#include <QScopedValueRollback>
 
 #include <algorithm>
 
@@ -69,6 +70,36 @@ bool OssNgView::cancelGesture()
         m_gesture->cancel();
     endGesture();
     return true;
+}
+
+void OssNgView::interruptGesture()
+{
+    dropDeadGesture();
+    if (!m_gesture || m_handling > 0)
+        return;
+    m_interrupted = m_gesture->button();
+    if (!m_gesture->finishesWhenInterrupted()) {
+        cancelGesture();
+        return;
+    }
+    const QScopedValueRollback<int> handling(m_handling, m_handling + 1);
+    QMouseEvent event(QEvent::MouseButtonRelease, m_pointer,
+                      viewport()->mapToGlobal(m_pointer.toPoint()), m_interrupted, Qt::NoButton,
+                      m_pointerModifiers);
+    mouseReleaseEvent(&event);
+}
+
+/// True for what belongs to a gesture that is over.
+bool OssNgView::handlePointer(const QMouseEvent *event)
+{
+    const bool press = event->type() == QEvent::MouseButtonPress
+                       || event->type() == QEvent::MouseButtonDblClick;
+    if (press && event->button() == Qt::RightButton && !navigationFor(event))
+        interruptGesture();
+    if (event->button() == Qt::NoButton || event->button() != m_interrupted)
+        return false;
+    m_interrupted = Qt::NoButton;
+    return !press;
 }
 
 void OssNgView::mousePressEvent(QMouseEvent *event)
@@ -144,6 +175,7 @@ void OssNgView::replayMove()
     dropDeadGesture();
     if (!m_gesture)
         return;
+    const QScopedValueRollback<int> handling(m_handling, m_handling + 1);
     QMouseEvent event(QEvent::MouseMove, m_pointer, Qt::NoButton, m_pointerButtons,
                       m_pointerModifiers);
     m_gesture->move(&event);

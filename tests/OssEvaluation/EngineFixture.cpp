@@ -1,6 +1,8 @@
 #include "OssEvaluation/EngineFixture.h"
 
 #include <algorithm>
+#include <cmath>
+#include <thread>
 
 namespace {
 
@@ -82,6 +84,31 @@ float Collected::texel(int channel, int x, int y) const
     return found->second->texel(channel, x % Size, y % Size);
 }
 
+void expectNear(const Collected &picture, const Collected &wanted, int size, double tolerance)
+{
+    ASSERT_TRUE(picture.outcome.ok() && wanted.outcome.ok())
+        << picture.outcome.error << wanted.outcome.error;
+    ASSERT_EQ(picture.channels(), wanted.channels());
+    for (int y = 0; y < size; y += 3) {
+        for (int x = 0; x < size; x += 3) {
+            for (int k = 0; k < wanted.channels(); ++k)
+                ASSERT_NEAR(picture.texel(k, x, y), wanted.texel(k, x, y), tolerance)
+                    << "channel " << k << " at " << x << ", " << y;
+        }
+    }
+}
+
+void expectFinite(const Collected &picture, int size)
+{
+    ASSERT_TRUE(picture.outcome.ok()) << picture.outcome.error;
+    for (int y = 0; y < size; ++y) {
+        for (int x = 0; x < size; ++x) {
+            for (int k = 0; k < picture.channels(); ++k)
+                ASSERT_TRUE(std::isfinite(picture.texel(k, x, y))) << x << ", " << y;
+        }
+    }
+}
+
 EngineFixture::EngineFixture()
     : images(std::make_shared<TestImages>())
     , engine(std::make_unique<OssEvEngine>(OssEvEngine::Options{std::size_t(256) << 20, 2}))
@@ -136,14 +163,37 @@ OssEvEngine::Id EngineFixture::start(OssEvRequest request, Collected *collected)
     return engine->start(std::move(request));
 }
 
+OssEvEngine::Id EngineFixture::start(const OssEvTarget &target, Collected *collected)
+{
+    OssEvRequest request;
+    request.target = target;
+    return start(std::move(request), collected);
+}
+
 Collected EngineFixture::evaluate(const OssEvTarget &target)
 {
     Collected collected;
-    OssEvRequest request;
-    request.target = target;
-    engine->wait(start(std::move(request), &collected));
+    engine->wait(start(target, &collected));
     EXPECT_EQ(collected.finished, 1);
     EXPECT_EQ(collected.twice, 0);
     EXPECT_EQ(collected.afterFinish, 0);
     return collected;
+}
+
+Collected EngineFixture::evaluate(const std::shared_ptr<const OssEvGraph> &graph,
+                                  const std::string &node, int size)
+{
+    return evaluate(target(graph, node, size));
+}
+
+void EngineFixture::waitFor(const std::vector<OssEvEngine::Id> &ids)
+{
+    for (const OssEvEngine::Id id : ids)
+        engine->wait(id);
+}
+
+void EngineFixture::waitUntil(const std::function<bool()> &condition)
+{
+    while (!condition())
+        std::this_thread::yield();
 }

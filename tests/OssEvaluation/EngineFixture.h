@@ -1,7 +1,7 @@
 #pragma once
 
-#include "OssEvaluation/Graph/OssEvGraph.h"
 #include "OssEvaluation/Schedule/OssEvEngine.h"
+#include "OssEvaluation/TestGraph.h"
 
 #include <gtest/gtest.h>
 
@@ -61,7 +61,13 @@ struct Collected
     int lastProgress = 0;
 
     float texel(int channel, int x, int y) const;
+
+    int channels() const { return tiles.empty() ? 0 : tiles.begin()->second->channels(); }
 };
+
+/// Of pictures of `size` x `size` texels, all channels of every third texel each way.
+void expectNear(const Collected &picture, const Collected &wanted, int size, double tolerance);
+void expectFinite(const Collected &picture, int size);
 
 /// Starts requests on an engine of its own and collects what comes.
 class EngineFixture : public testing::Test
@@ -75,7 +81,13 @@ protected:
 
     /// The collection is complete after the engine has finished the request.
     OssEvEngine::Id start(OssEvRequest request, Collected *collected);
+    OssEvEngine::Id start(const OssEvTarget &target, Collected *collected);
     Collected evaluate(const OssEvTarget &target);
+    Collected evaluate(const std::shared_ptr<const OssEvGraph> &graph, const std::string &node,
+                       int size = 512);
+    void waitFor(const std::vector<OssEvEngine::Id> &ids);
+    /// While the engine works.
+    static void waitUntil(const std::function<bool()> &condition);
 
     std::shared_ptr<TestImages> images;
     std::unique_ptr<OssEvEngine> engine;

@@ -1,14 +1,21 @@
-#include "OssEvaluation/EngineFixture.h"
 #include "OssEvaluation/Graph/OssEvKernelLibrary.h"
 #include "OssEvaluation/Schedule/OssEvPlan.h"
-#include "OssEvaluation/Values/OssEvHalf.h"
-#include "OssEvaluation/Values/Texels.h"
+#include "OssEvaluation/TestGraph.h"
 
-#include <cmath>
+#include <gtest/gtest.h>
+
 #include <limits>
 #include <set>
 
 namespace {
+
+std::shared_ptr<const OssEvPlan> planOf(const OssEvTarget &target)
+{
+    std::shared_ptr<const OssEvPlan> plan;
+    const OssEvResult result = OssEvPlan::make(target, &plan);
+    EXPECT_TRUE(result) << result.error();
+    return plan;
+}
 
 OssEvKey keyOf(const std::shared_ptr<const OssEvGraph> &graph, const std::string &node,
                int patch = 1001, int size = 256, int level = 0)
@@ -20,22 +27,16 @@ OssEvKey keyOf(const std::shared_ptr<const OssEvGraph> &graph, const std::string
     target.width = size;
     target.height = size;
     target.level = level;
-    std::shared_ptr<const OssEvPlan> plan;
-    const OssEvResult result = OssEvPlan::make(target, &plan);
-    EXPECT_TRUE(result) << result.error();
-    return result ? plan->stages().back().key : OssEvKey();
+    return planOf(target)->stages().back().key;
 }
 
 std::shared_ptr<const OssEvGraph> pair(double scale, double gamma, const OssEvParameters &more = {},
                                        const std::string &name = "Gamma")
 {
-    OssEvGraphBuilder builder;
     OssEvParameters parameters{{"Scale", scale}};
     parameters.insert(more.begin(), more.end());
-    const int checker = builder.addNode("Checker", "checker", parameters);
-    const int last = builder.addNode(name, "gamma", {{"Gamma", gamma}});
-    builder.connect(checker, "", last, "Input");
-    return builder.finish();
+    return graphOf({{"Checker", "checker", parameters},
+                    {name, "gamma", {{"Gamma", gamma}}, {{"Input", "Checker"}}}});
 }
 
 TEST(Keys, changeWithEverythingThatChangesPixelsAndNothingElse)
@@ -69,16 +70,102 @@ TEST(Keys, partsCannotBeMistakenForEachOther)
 
 TEST(Keys, aDotIsNotThere)
 {
+    const auto graph = graphOf({{"Checker", "checker"},
+                                {"Dot", "pass", {}, {{"Input", "Checker"}}},
+                                {"Direct", "invert", {}, {{"Input", "Checker"}}},
+                                {"Behind", "invert", {}, {{"Input", "Dot"}}}});
+    EXPECT_EQ(keyOf(graph, "Direct"), keyOf(graph, "Behind"));
+}
+
+TEST(Graph, sourcesComeBeforeWhatDependsOnThemAndOnlyThose)
+{
+    const auto graph = graphOf({{"A", "checker"},
+                                {"B", "invert", {}, {{"Input", "A"}}},
+                                {"C", "gamma", {}, {{"Input", "A"}}},
+                                {"D", "merge", {}, {{"Base", "B"}, {"Over", "C"}}},
+                                {"Stranger", "checker"}});
+    const int d = graph->find("D");
+    const int stranger = graph->find("Stranger");
+    const std::vector<int> order = graph->upstream(d);
+    ASSERT_EQ(order.size(), 4U);
+    EXPECT_EQ(order.front(), graph->find("A"));
+    EXPECT_EQ(order.back(), d);
+    EXPECT_EQ(graph->upstream(stranger), std::vector<int>{stranger});
+    for (const int nobody : {-1, 5})
+        EXPECT_TRUE(graph->upstream(nobody).empty());
+    EXPECT_EQ(graph->find("C"), 2);
+    EXPECT_EQ(graph->find("c"), -1);
+}
+
+TEST(Graph, lengthIsNoProblem)
+{
+    std::vector<const char *> kernels(100001, "pass");
+    kernels.front() = "checker";
+    OssEvTarget target;
+    target.graph = chainOf(kernels);
+    target.node = 100000;
+    EXPECT_TRUE(target.graph->check(target.node));
+    EXPECT_EQ(target.graph->upstream(target.node).size(), kernels.size());
+    EXPECT_NE(planOf(target), nullptr);
+}
+
+TEST(Graph, wiresToNowhereAreIgnoredAndWiresFromNowhereAreFaults)
+{
     OssEvGraphBuilder builder;
     const int checker = builder.addNode("Checker", "checker");
-    const int dot = builder.addNode("Dot", "pass");
-    const int direct = builder.addNode("Direct", "invert");
-    const int behind = builder.addNode("Behind", "invert");
-    builder.connect(checker, "", dot, "Input");
-    builder.connect(checker, "", direct, "Input");
-    builder.connect(dot, "", behind, "Input");
+    const int brick = builder.addNode("Brick", "brick");
+    const int invert = builder.addNode("Invert", "invert");
+    const int bad = builder.addNode("Bad", "invert");
+    const int worse = builder.addNode("Worse", "");
+    builder.connect(checker, "", 17, "Input");
+    builder.connect(checker, "", -1, "Input");
+    builder.setCachePoint(99);
+    builder.setCachePoint(-1);
+    builder.connect(checker, "", invert, "Input");
+    builder.connect(brick, "Height", invert, "Input"); // takes the place of the first
+    builder.connect(brick, "Depth", bad, "Input");
     const auto graph = builder.finish();
-    EXPECT_EQ(keyOf(graph, "Direct"), keyOf(graph, "Behind"));
+    EXPECT_TRUE(graph->check(invert));
+    const OssEvGraph::Link link = graph->nodes()[std::size_t(invert)].inputs[0];
+    EXPECT_EQ(link.node, brick);
+    EXPECT_EQ(link.output, 2);
+    EXPECT_EQ(graph->check(bad).error(), "\"Bad\": \"Brick\" has no output \"Depth\"");
+    EXPECT_EQ(graph->check(worse).error(), "\"Worse\": it computes no pixels");
+    EXPECT_TRUE(builder.finish()->nodes().empty()) << "the builder begins anew";
+}
+
+TEST(Graph, goingOnFromAGraphLeavesItAsItWas)
+{
+    OssEvGraphBuilder first;
+    const int checker = first.addNode("Checker", "checker");
+    const auto graph = first.finish();
+    OssEvGraphBuilder second(*graph);
+    const int invert = second.addNode("Invert", "invert");
+    second.connect(checker, "", invert, "Input");
+    const auto more = second.finish();
+    EXPECT_EQ(graph->nodes().size(), 1U);
+    ASSERT_EQ(more->nodes().size(), 2U);
+    EXPECT_EQ(more->find("Checker"), checker);
+    EXPECT_TRUE(more->check(invert));
+}
+
+TEST(Graph, aNamedImageServesWhereNothingIsConnected)
+{
+    const auto sourceOf = [](bool connected, const std::string &name) {
+        TestNode tiled{"Tiled", "tiled", {{"TileImage", name}}};
+        if (connected)
+            tiled.inputs = {{"TileImage", "Checker"}};
+        const auto graph = graphOf({{"Checker", "checker"}, tiled});
+        const OssEvResult good = graph->check(1);
+        if (!good)
+            return good.error();
+        const int source = graph->nodes()[1].inputs[0].node;
+        return graph->nodes()[std::size_t(source)].kernel->name;
+    };
+    EXPECT_EQ(sourceOf(false, "a.png"), "image");
+    EXPECT_EQ(sourceOf(true, "a.png"), "checker");
+    EXPECT_EQ(sourceOf(true, ""), "checker");
+    EXPECT_EQ(sourceOf(false, ""), "\"Tiled\": nothing is connected to \"TileImage\"");
 }
 
 TEST(Graph, faultsBecomeErrorsOfTheNodesThatHaveThem)
@@ -112,88 +199,130 @@ TEST(Graph, faultsBecomeErrorsOfTheNodesThatHaveThem)
     EXPECT_EQ(error(-1), "There is no such node");
 }
 
-TEST(Graph, valuesAreBroughtToTheirTypesAndRanges)
-{
-    const OssEvKernel *noise = OssEvKernelLibrary::find("fractalNoise");
-    ASSERT_NE(noise, nullptr);
-    OssEvParameters complete;
-    ASSERT_TRUE(noise->normalise(
-        {{"Octaves", 99.0}, {"Frequency", std::int64_t(3)}, {"Kind", std::int64_t(2)}}, &complete));
-    EXPECT_EQ(std::get<std::int64_t>(complete.at("Octaves")), 12);
-    EXPECT_EQ(std::get<double>(complete.at("Frequency")), 3.0);
-    EXPECT_EQ(std::get<std::int64_t>(complete.at("Kind")), 2);
-    EXPECT_FALSE(
-        noise->normalise({{"Frequency", std::numeric_limits<double>::infinity()}}, &complete));
-    EXPECT_FALSE(noise->normalise({{"Octaves", std::string("six")}}, &complete));
-}
-
 TEST(Graph, aMaterialComputesOnlyTheChannelThatIsAskedFor)
 {
-    OssEvGraphBuilder builder;
-    const int checker = builder.addNode("Checker", "checker");
-    const int cells = builder.addNode("Cells", "cellular");
-    const int material = builder.addNode("Material", "material", {{"Metallic", 0.25}});
-    builder.connect(checker, "", material, "Base Color");
-    builder.connect(cells, "", material, "Roughness");
     OssEvTarget target;
-    target.graph = builder.finish();
-    target.node = material;
-    target.output = OssEvKernelLibrary::find("material")->outputIndex("Base Color");
-    std::shared_ptr<const OssEvPlan> plan;
-    ASSERT_TRUE(OssEvPlan::make(target, &plan));
-    for (const OssEvPlanStage &stage : plan->stages()) {
+    target.graph = graphOf({{"Checker", "checker"},
+                            {"Cells", "cellular"},
+                            {"Material",
+                             "material",
+                             {{"Metallic", 0.25}},
+                             {{"Base Color", "Checker"}, {"Roughness", "Cells"}}}});
+    target.node = target.graph->find("Material");
+    const OssEvKernel *material = OssEvKernelLibrary::find("material");
+    target.output = material->outputIndex("Base Color");
+    const auto colored = planOf(target);
+    for (const OssEvPlanStage &stage : colored->stages()) {
         for (const OssEvPlanStep &step : stage.steps)
             EXPECT_STRNE(step.kernel, "cellular");
     }
-    EXPECT_EQ(plan->stages().back().channels, 4);
-    target.output = OssEvKernelLibrary::find("material")->outputIndex("Metallic");
-    ASSERT_TRUE(OssEvPlan::make(target, &plan));
-    EXPECT_EQ(plan->stages().back().result.kind, OssEvPlanSource::Kind::Constant);
-    EXPECT_EQ(plan->stages().back().result.constant[0], 0.25F);
+    EXPECT_EQ(colored->stages().back().channels, 4);
+    target.output = material->outputIndex("Metallic");
+    const auto metallic = planOf(target);
+    EXPECT_EQ(metallic->stages().back().result.kind, OssEvPlanSource::Kind::Constant);
+    EXPECT_EQ(metallic->stages().back().result.constant[0], 0.25F);
 }
 
-TEST(Curves, areMonotoneBetweenTheirPointsAndHeldBeyond)
+/// A kernel with an attribute of every kind.
+OssEvKernel kernelOfEveryKind()
 {
-    OssEvCurve curve;
-    ASSERT_TRUE(OssEvCurve::fromText(" 0.5,1 0,0  1,1 0.25,0.9", &curve));
-    EXPECT_EQ(curve.points().size(), 4U);
-    EXPECT_EQ(curve.at(-1.0), 0.0);
-    EXPECT_EQ(curve.at(2.0), 1.0);
-    double last = -1.0;
-    for (int i = 0; i <= 1000; ++i) {
-        const double value = curve.at(i / 1000.0);
-        EXPECT_GE(value, last - 1e-12);
-        EXPECT_LE(value, 1.0 + 1e-12) << "no overshoot";
-        last = value;
-    }
-    EXPECT_NEAR(curve.at(0.25), 0.9, 1e-12);
-    for (const char *text : {"0", "0,", "0,0 x", "0,0;1,1", "nan,1"})
-        EXPECT_FALSE(OssEvCurve::fromText(text, &curve)) << text;
-    EXPECT_EQ(OssEvCurve().at(0.3), 0.3);
+    constexpr double Any = std::numeric_limits<double>::infinity();
+    OssEvKernel kernel;
+    kernel.parameters = {{"Real", 0.5, -1.0, 2.0, {}},
+                         {"Free", 0.0, -Any, Any, {}},
+                         {"Integer", std::int64_t(3), 1.0, 9.0, {}},
+                         {"Flag", true, 0.0, 1.0, {}},
+                         {"Color", OssEvColor{1, 0, 0, 1}, 0.0, 0.0, {}},
+                         {"Vector", OssEvVector2{1, 2}, 0.0, 0.0, {}},
+                         {"Text", std::string(), 0.0, 0.0, {}},
+                         {"Curve", OssEvCurve(), 0.0, 0.0, {}},
+                         {"Ramp", OssEvRamp(), 0.0, 0.0, {}},
+                         {"Choice", std::int64_t(1), 0.0, 2.0, {"First", "Second", "Third"}}};
+    return kernel;
 }
 
-TEST(TexelKernels, halvesAreNearAndAlwaysFinite)
+TEST(Graph, everyValueIsBroughtToItsType)
 {
-    alignas(64) std::array<float, 64> floats{};
-    alignas(64) std::array<std::uint16_t, 64> halves{};
-    alignas(64) std::array<float, 64> back{};
-    const std::array<float, 10> cases{0.0F,  -0.0F,   1.0F,    0.1F,  65504.0F,
-                                      1e-7F, 6.1e-5F, -2.718F, 3e-5F, 1.0009766F};
-    std::copy(cases.begin(), cases.end(), floats.begin());
-    floats[10] = 1e9F;
-    floats[11] = -std::numeric_limits<float>::infinity();
-    floats[12] = std::numeric_limits<float>::quiet_NaN();
-    OssEvTexels::floatToHalf(floats.data(), halves.data(), floats.size());
-    OssEvTexels::halfToFloat(halves.data(), back.data(), back.size());
-    for (std::size_t i = 0; i < cases.size(); ++i) {
-        // Some processors round, others cut off.
-        EXPECT_NEAR(back[i], cases[i], std::abs(cases[i]) * 1e-3F + 7e-8F);
-        EXPECT_NEAR(OssEvHalf::toFloat(OssEvHalf::fromFloat(cases[i])), cases[i],
-                    std::abs(cases[i]) * 5e-4F + 4e-8F);
+    const OssEvKernel kernel = kernelOfEveryKind();
+
+    struct Case
+    {
+        const char *name;
+        OssEvParameter given;
+        OssEvParameter expected;
+    };
+
+    const std::int64_t one = 1;
+    const Case good[] = {
+        {"Real", 9.0, 2.0},
+        {"Real", -9.0, -1.0},
+        {"Real", one, 1.0},
+        {"Real", true, 1.0},
+        {"Free", -1e300, -1e300},
+        {"Integer", 4.5, std::int64_t(5)},
+        {"Integer", -4.0, one},
+        {"Integer", 1e300, std::int64_t(9)},
+        {"Flag", 0.0, false},
+        {"Flag", std::int64_t(7), true},
+        {"Color", OssEvColor{-1, 99, 0, 2}, OssEvColor{-1, 99, 0, 2}},
+        {"Vector", OssEvVector2{-5, 1e9}, OssEvVector2{-5, 1e9}},
+        {"Text", std::string("a"), std::string("a")},
+        {"Curve", std::string("0,0 1,2"), OssEvCurve({{0, 0}, {1, 2}})},
+        {"Curve", OssEvCurve({{0, 3}}), OssEvCurve({{0, 3}})},
+        {"Ramp", std::string("0,1,1,1,1"),
+         OssEvRamp(std::vector<OssEvRamp::Stop>{{0.0, {1, 1, 1, 1}}})},
+        {"Choice", std::string("Third"), std::int64_t(2)},
+        {"Choice", 9.0, std::int64_t(2)},
+        {"Choice", -3.0, std::int64_t(0)},
+    };
+    for (const Case &value : good) {
+        OssEvParameters complete;
+        const OssEvResult result = kernel.normalise({{value.name, value.given}}, &complete);
+        ASSERT_TRUE(result) << value.name << ": " << result.error();
+        EXPECT_TRUE(complete.at(value.name) == value.expected)
+            << value.name << ", case " << &value - good;
+        EXPECT_EQ(complete.size(), kernel.parameters.size());
     }
-    EXPECT_EQ(back[10], 65504.0F);
-    EXPECT_EQ(back[11], -65504.0F);
-    EXPECT_EQ(back[12], 0.0F);
+    OssEvParameters complete;
+    ASSERT_TRUE(kernel.normalise({{"Stranger", 1.0}}, &complete));
+    EXPECT_EQ(complete.count("Stranger"), 0U);
+    EXPECT_TRUE(complete.at("Choice") == OssEvParameter(one)) << "defaults fill in";
+}
+
+TEST(Graph, valuesOfOtherKindsAreRefusedInWords)
+{
+    const OssEvKernel kernel = kernelOfEveryKind();
+    constexpr double Any = std::numeric_limits<double>::infinity();
+
+    struct Bad
+    {
+        const char *name;
+        OssEvParameter given;
+        const char *reason;
+    };
+
+    const float none = std::numeric_limits<float>::quiet_NaN();
+    const Bad bad[] = {
+        {"Real", std::string("1"), "\"Real\" is no number"},
+        {"Real", Any, "\"Real\" is no number"},
+        {"Real", double(none), "\"Real\" is no number"},
+        {"Integer", OssEvColor{}, "\"Integer\" is no number"},
+        {"Flag", std::string("true"), "\"Flag\" is no number"},
+        {"Color", 1.0, "\"Color\" is no color"},
+        {"Color", OssEvColor{0, none, 0, 1}, "\"Color\" is no color"},
+        {"Vector", 1.0, "\"Vector\" is no vector"},
+        {"Text", 1.0, "\"Text\" is no text"},
+        {"Curve", std::string("0,0 1"), "\"Curve\" is no curve"},
+        {"Curve", 1.0, "\"Curve\" is no curve"},
+        {"Ramp", std::string("red"), "\"Ramp\" is no ramp"},
+        {"Choice", std::string("Fourth"), "\"Choice\" knows no \"Fourth\""},
+        {"Choice", Any, "\"Choice\" is no number"},
+    };
+    for (const Bad &value : bad) {
+        OssEvParameters complete;
+        EXPECT_EQ(kernel.normalise({{value.name, value.given}}, &complete).error(), value.reason)
+            << "case " << &value - bad;
+    }
 }
 
 } // namespace

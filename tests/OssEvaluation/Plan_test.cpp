@@ -3,7 +3,6 @@
 #include "OssEvaluation/Schedule/OssEvPlan.h"
 
 #include <algorithm>
-#include <functional>
 #include <random>
 
 namespace {
@@ -44,79 +43,31 @@ std::vector<std::string> cuts(const Plan &plan)
     return result;
 }
 
-/// A chain of kernels with an input named "Input", the first one without.
-std::shared_ptr<const OssEvGraph> chainOf(const std::vector<const char *> &kernels)
-{
-    OssEvGraphBuilder builder;
-    int last = -1;
-    for (const char *kernel : kernels) {
-        const int node = builder.addNode(std::to_string(last + 1), kernel);
-        if (last >= 0)
-            builder.connect(last, "", node, "Input");
-        last = node;
-    }
-    return builder.finish();
-}
-
 TEST_F(Plans, whatCannotBeComputedIsSaidInWords)
 {
     const auto graph = chainOf({"checker", "invert"});
 
-    struct Case
-    {
-        const char *reason;
-        std::function<void(OssEvTarget *)> spoil;
-    };
-
-    const Case cases[] = {
-        {"There is no patch 1000",
-         [](OssEvTarget *wanted) {
-             wanted->patch = 1000;
-         }},
-        {"There is no patch 10000",
-         [](OssEvTarget *wanted) {
-             wanted->patch = 10000;
-         }},
-        {"A patch of 0 x 256 texels cannot be computed",
-         [](OssEvTarget *wanted) {
-             wanted->width = 0;
-         }},
-        {"A patch of 256 x -1 texels cannot be computed",
-         [](OssEvTarget *wanted) {
-             wanted->height = -1;
-         }},
-        {"A patch of 256 x 32769 texels cannot be computed",
-         [](OssEvTarget *wanted) {
-             wanted->height = OssEvPlan::MaximumSize + 1;
-         }},
-        {"There is nothing to compute",
-         [](OssEvTarget *wanted) {
-             wanted->graph = nullptr;
-         }},
-        {"There is no such node",
-         [](OssEvTarget *wanted) {
-             wanted->node = 2;
-         }},
-        {"There is no such node",
-         [](OssEvTarget *wanted) {
-             wanted->node = -1;
-         }},
-        {"There is no such output",
-         [](OssEvTarget *wanted) {
-             wanted->output = 1;
-         }},
-        {"There is no such output",
-         [](OssEvTarget *wanted) {
-             wanted->output = -1;
-         }},
-    };
-    for (const Case &bad : cases) {
+    const auto expectRefused = [&](const char *reason, const auto &spoil) {
         OssEvTarget wanted = target(graph, "1", 256);
-        bad.spoil(&wanted);
+        spoil(&wanted);
         Plan plan;
-        EXPECT_EQ(OssEvPlan::make(wanted, &plan).error(), bad.reason);
+        EXPECT_EQ(OssEvPlan::make(wanted, &plan).error(), reason);
         EXPECT_EQ(plan, nullptr);
-    }
+    };
+    using Target = OssEvTarget;
+    expectRefused("There is no patch 1000", [](Target *wanted) { wanted->patch = 1000; });
+    expectRefused("There is no patch 10000", [](Target *wanted) { wanted->patch = 10000; });
+    expectRefused("A patch of 0 x 256 texels cannot be computed",
+                  [](Target *wanted) { wanted->width = 0; });
+    expectRefused("A patch of 256 x -1 texels cannot be computed",
+                  [](Target *wanted) { wanted->height = -1; });
+    expectRefused("A patch of 256 x 32769 texels cannot be computed",
+                  [](Target *wanted) { wanted->height = OssEvPlan::MaximumSize + 1; });
+    expectRefused("There is nothing to compute", [](Target *wanted) { wanted->graph = nullptr; });
+    for (const int none : {2, -1})
+        expectRefused("There is no such node", [none](Target *wanted) { wanted->node = none; });
+    for (const int none : {1, -1})
+        expectRefused("There is no such output", [none](Target *wanted) { wanted->output = none; });
     OssEvTarget largest = target(graph, "1", OssEvPlan::MaximumSize);
     largest.patch = 9999;
     EXPECT_NE(planOf(largest), nullptr);
@@ -174,18 +125,11 @@ TEST_F(Plans, pointOperationsRunTogetherAndFiltersBeginAStage)
 
 TEST_F(Plans, whatSeveralReadIsComputedOnceAndKept)
 {
-    OssEvGraphBuilder builder;
-    const int checker = builder.addNode("Checker", "checker");
-    const int invert = builder.addNode("Invert", "invert");
-    const int left = builder.addNode("Left", "gamma", {{"Gamma", 2.0}});
-    const int right = builder.addNode("Right", "gamma", {{"Gamma", 3.0}});
-    const int merge = builder.addNode("Merge", "merge");
-    builder.connect(checker, "", invert, "Input");
-    builder.connect(invert, "", left, "Input");
-    builder.connect(invert, "", right, "Input");
-    builder.connect(left, "", merge, "Base");
-    builder.connect(right, "", merge, "Over");
-    const auto graph = builder.finish();
+    const auto graph = graphOf({{"Checker", "checker"},
+                                {"Invert", "invert", {}, {{"Input", "Checker"}}},
+                                {"Left", "gamma", {{"Gamma", 2.0}}, {{"Input", "Invert"}}},
+                                {"Right", "gamma", {{"Gamma", 3.0}}, {{"Input", "Invert"}}},
+                                {"Merge", "merge", {}, {{"Base", "Left"}, {"Over", "Right"}}}});
     const Plan plan = planOf(graph, "Merge", 256, false);
     EXPECT_EQ(cuts(plan), (std::vector<std::string>{"checker invert", "gamma gamma merge"}));
     EXPECT_EQ(plan->stages().back().inputs, std::vector<int>{0}) << "each once";
@@ -196,17 +140,12 @@ TEST_F(Plans, whatSeveralReadIsComputedOnceAndKept)
 
 TEST_F(Plans, twoFiltersIntoOneNodeHaveTilesOfTheirOwn)
 {
-    OssEvGraphBuilder builder;
-    const int checker = builder.addNode("Checker", "checker");
-    const int cells = builder.addNode("Grid", "grid");
-    const int a = builder.addNode("A", "blur");
-    const int b = builder.addNode("B", "blur", {{"Radius", 9.0}});
-    const int merge = builder.addNode("Merge", "merge");
-    builder.connect(checker, "", a, "Input");
-    builder.connect(cells, "", b, "Input");
-    builder.connect(a, "", merge, "Base");
-    builder.connect(b, "", merge, "Over");
-    const Plan plan = planOf(builder.finish(), "Merge", 256, false);
+    const auto graph = graphOf({{"Checker", "checker"},
+                                {"Grid", "grid"},
+                                {"A", "blur", {}, {{"Input", "Checker"}}},
+                                {"B", "blur", {{"Radius", 9.0}}, {{"Input", "Grid"}}},
+                                {"Merge", "merge", {}, {{"Base", "A"}, {"Over", "B"}}}});
+    const Plan plan = planOf(graph, "Merge", 256, false);
     ASSERT_EQ(plan->stages().size(), 4U);
     int heads = 0;
     for (const OssEvPlanStage &stage : plan->stages())
@@ -312,14 +251,8 @@ TEST_F(Plans, howeverAGraphIsCutThePixelsAreTheSame)
         wanted.keepIntermediates = false;
         engine->cache().clear();
         const Collected fused = evaluate(wanted);
-        ASSERT_TRUE(kept.outcome.ok() && fused.outcome.ok());
-        for (int y = 0; y < 140; y += 3) {
-            for (int x = 0; x < 140; x += 5) {
-                for (int k = 0; k < 4; ++k)
-                    ASSERT_NEAR(kept.texel(k, x, y), fused.texel(k, x, y), 0.01)
-                        << "round " << round << " at " << x << ", " << y;
-            }
-        }
+        SCOPED_TRACE("round " + std::to_string(round));
+        expectNear(fused, kept, 140, 0.01);
     }
 }
 
@@ -336,21 +269,14 @@ TEST_F(Plans, aLongChainNeedsNoMoreMemoryThanAShortOne)
 
 TEST_F(Plans, whatIsTheSameEverywhereIsComputedAtOnce)
 {
-    OssEvGraphBuilder builder;
-    const int color = builder.addNode("Color", "constant", {{"Color", OssEvColor{0.25F, 1, 0, 1}}});
-    const int half = builder.addNode("Half", "constant", {{"Color", OssEvColor{0.75F, 0, 1, 1}}});
-    const int invert = builder.addNode("Invert", "invert");
-    const int red = builder.addNode("Red", "split");
-    const int sum = builder.addNode("Sum", "math", {{"Operation", std::string("Add")}});
-    const int checker = builder.addNode("Checker", "checker");
-    const int mixed = builder.addNode("Mixed", "merge");
-    builder.connect(color, "", invert, "Input");
-    builder.connect(half, "", red, "Input");
-    builder.connect(red, "Red", sum, "A");
-    builder.connect(invert, "", sum, "B");
-    builder.connect(invert, "", mixed, "Base");
-    builder.connect(checker, "", mixed, "Over");
-    const auto graph = builder.finish();
+    const OssEvParameters add{{"Operation", std::string("Add")}};
+    const auto graph = graphOf({{"Color", "constant", {{"Color", OssEvColor{0.25F, 1, 0, 1}}}},
+                                {"Half", "constant", {{"Color", OssEvColor{0.75F, 0, 1, 1}}}},
+                                {"Invert", "invert", {}, {{"Input", "Color"}}},
+                                {"Red", "split", {}, {{"Input", "Half"}}},
+                                {"Sum", "math", add, {{"A", "Red.Red"}, {"B", "Invert"}}},
+                                {"Checker", "checker"},
+                                {"Mixed", "merge", {}, {{"Base", "Invert"}, {"Over", "Checker"}}}});
     const Plan inverted = planOf(graph, "Invert");
     ASSERT_EQ(inverted->stages().back().result.kind, Source::Constant);
     EXPECT_EQ(inverted->stages().back().result.constant, (std::array<float, 4>{0.75F, 0, 1, 1}));
@@ -387,14 +313,13 @@ TEST_F(Plans, imagesAreHalvedAsTheyAreReadAndFittedAfterwards)
         {"wide", 75, 2, {250, 75, 1001, 1.0}, true},
     };
     for (const Case &image : cases) {
-        OssEvGraphBuilder builder;
-        builder.addNode("Image", "image", {{"File", std::string(image.image)}});
-        const Plan plan = planOf(builder.finish(), "Image", image.size);
+        SCOPED_TRACE(image.image + std::to_string(image.size));
+        const Plan plan = planOf(nodeOf("image", file(image.image)), "Node", image.size);
         const OssEvPlanStage &first = plan->stages().front();
         EXPECT_TRUE(first.isImage);
-        EXPECT_EQ(first.imageReduction, image.reduction) << image.image << image.size;
-        EXPECT_EQ(first.frame, image.read) << image.image << image.size;
-        EXPECT_EQ(plan->stages().size(), image.fitted ? 2U : 1U) << image.image << image.size;
+        EXPECT_EQ(first.imageReduction, image.reduction);
+        EXPECT_EQ(first.frame, image.read);
+        EXPECT_EQ(plan->stages().size(), image.fitted ? 2U : 1U);
         EXPECT_EQ(plan->frame().width, image.size);
         EXPECT_EQ(plan->frame().height, image.size);
     }
@@ -402,10 +327,7 @@ TEST_F(Plans, imagesAreHalvedAsTheyAreReadAndFittedAfterwards)
 
 TEST_F(Plans, anImageThatIsNotThereIsTransparent)
 {
-    OssEvGraphBuilder builder;
-    builder.addNode("Nameless", "image");
-    builder.addNode("Named", "image", {{"File", std::string("wave")}});
-    const auto graph = builder.finish();
+    const auto graph = graphOf({{"Nameless", "image"}, {"Named", "image", file("wave")}});
     const OssEvPlanStage nameless = planOf(graph, "Nameless")->stages().back();
     EXPECT_EQ(nameless.result.kind, Source::Constant);
     EXPECT_EQ(nameless.result.constant, (std::array<float, 4>{}));
@@ -417,12 +339,9 @@ TEST_F(Plans, anImageThatIsNotThereIsTransparent)
 
 TEST_F(Plans, keysFollowTheMeshWhereTheSurfaceIsLookedAt)
 {
-    OssEvGraphBuilder builder;
-    const int position = builder.addNode("Position", "position");
-    builder.addNode("Checker", "checker");
-    const int behind = builder.addNode("Behind", "vectorMath");
-    builder.connect(position, "", behind, "A");
-    const auto graph = builder.finish();
+    const auto graph = graphOf({{"Position", "position"},
+                                {"Checker", "checker"},
+                                {"Behind", "vectorMath", {}, {{"A", "Position"}}}});
     const auto keyOn = [&](const std::string &node, std::shared_ptr<const OssEvMesh> mesh,
                            int size = 256) {
         OssEvTarget wanted = target(graph, node, size);
@@ -441,15 +360,10 @@ TEST_F(Plans, keysFollowTheMeshWhereTheSurfaceIsLookedAt)
 
 TEST_F(Plans, numbersStayPreciseAsLongAsTheyAreNumbers)
 {
-    OssEvGraphBuilder builder;
-    const int position = builder.addNode("Position", "position");
-    const int moved = builder.addNode("Moved", "vectorMath");
-    const int blurred = builder.addNode("Blurred", "blur");
-    const int color = builder.addNode("Color", "merge");
-    builder.connect(position, "", moved, "A");
-    builder.connect(moved, "", blurred, "Input");
-    builder.connect(moved, "", color, "Base");
-    const auto graph = builder.finish();
+    const auto graph = graphOf({{"Position", "position"},
+                                {"Moved", "vectorMath", {}, {{"A", "Position"}}},
+                                {"Blurred", "blur", {}, {{"Input", "Moved"}}},
+                                {"Color", "merge", {}, {{"Base", "Moved"}}}});
     const auto formatOf = [&](const char *node) {
         OssEvTarget wanted = target(graph, node);
         wanted.mesh = OssEvShapes::plane();
@@ -463,15 +377,10 @@ TEST_F(Plans, numbersStayPreciseAsLongAsTheyAreNumbers)
 TEST_F(Plans, aDotThatIsACachePointKeepsItsTiles)
 {
     for (const bool hold : {false, true}) {
-        OssEvGraphBuilder builder;
-        const int checker = builder.addNode("Checker", "checker");
-        const int dot = builder.addNode("Dot", "pass");
-        const int last = builder.addNode("Last", "invert");
-        builder.connect(checker, "", dot, "Input");
-        builder.connect(dot, "", last, "Input");
-        if (hold)
-            builder.setCachePoint(dot);
-        EXPECT_EQ(planOf(builder.finish(), "Last")->stages().size(), hold ? 2U : 1U);
+        const auto graph = graphOf({{"Checker", "checker"},
+                                    {"Dot", "pass", {}, {{"Input", "Checker"}}, hold},
+                                    {"Last", "invert", {}, {{"Input", "Dot"}}}});
+        EXPECT_EQ(planOf(graph, "Last")->stages().size(), hold ? 2U : 1U);
     }
 }
 

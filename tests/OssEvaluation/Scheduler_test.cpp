@@ -55,9 +55,7 @@ protected:
 
     static std::shared_ptr<const OssEvGraph> checker(double scale)
     {
-        OssEvGraphBuilder builder;
-        builder.addNode("Node", "checker", {{"Scale", scale}});
-        return builder.finish();
+        return nodeOf("checker", {{"Scale", scale}});
     }
 
     /// Keeps the engine's thread busy until `gate` is opened.
@@ -115,8 +113,7 @@ TEST_F(Scheduling, whatIsUrgentComesFirstWheneverItWasStarted)
     const OssEvEngine::Id usual = follow(request(4.0, 0), "usual");
     const OssEvEngine::Id urgent = follow(request(5.0, 2), "urgent");
     gate.open();
-    for (const OssEvEngine::Id id : {held, idle, usual, urgent})
-        engine->wait(id);
+    waitFor({held, idle, usual, urgent});
     EXPECT_EQ(before("urgent", "usual"), 16);
     EXPECT_EQ(before("usual", "idle"), 16);
 }
@@ -128,8 +125,7 @@ TEST_F(Scheduling, amongEqualsTheEarlierRequestComesFirst)
     const OssEvEngine::Id first = follow(request(3.0, 1), "first");
     const OssEvEngine::Id second = follow(request(4.0, 1), "second");
     gate.open();
-    engine->wait(first);
-    engine->wait(second);
+    waitFor({first, second});
     EXPECT_EQ(before("first", "second"), 16);
 }
 
@@ -143,8 +139,7 @@ TEST_F(Scheduling, whatIsJoinedHurriesWithWhoIsUrgent)
     same.region = {2 * Size, 0, 10, 10}; // the idle request has it in work, too
     const OssEvEngine::Id urgent = follow(same, "urgent");
     gate.open();
-    for (const OssEvEngine::Id id : {idle, usual, urgent})
-        engine->wait(id);
+    waitFor({idle, usual, urgent});
     EXPECT_EQ(before("usual", "urgent"), 0);
     EXPECT_EQ(std::count(m_names.begin(), m_names.end(), "urgent"), 1);
     EXPECT_EQ(engine->statistics().callsOf("checker"), 1U + 16U + 16U) << "computed once";
@@ -152,17 +147,10 @@ TEST_F(Scheduling, whatIsJoinedHurriesWithWhoIsUrgent)
 
 TEST_F(Scheduling, hurryReachesWhatLiesUpstream)
 {
-    const auto blurred = [](double scale) {
-        OssEvGraphBuilder builder;
-        const int node = builder.addNode("Checker", "checker", {{"Scale", scale}});
-        const int blur = builder.addNode("Node", "blur", {{"Radius", 3.0}});
-        builder.connect(node, "", blur, "Input");
-        return builder.finish();
-    };
     Gate gate;
     hold(&gate);
     OssEvRequest idle = request(1.0, -5, 2 * Size);
-    idle.target.graph = blurred(7.0);
+    idle.target.graph = chainOf({"checker", "blur"});
     idle.target.node = 1;
     OssEvRequest urgent = idle;
     urgent.priority = 5;
@@ -170,8 +158,7 @@ TEST_F(Scheduling, hurryReachesWhatLiesUpstream)
     const OssEvEngine::Id usual = follow(request(4.0, 0), "usual");
     const OssEvEngine::Id last = follow(urgent, "urgent");
     gate.open();
-    for (const OssEvEngine::Id id : {first, usual, last})
-        engine->wait(id);
+    waitFor({first, usual, last});
     EXPECT_EQ(before("usual", "urgent"), 0);
 }
 
@@ -214,11 +201,8 @@ TEST_F(Scheduling, rowsComeFromTheTop)
 
 TEST_F(Scheduling, whoAlsoWaitsKeepsAUnitThatOneGivesUp)
 {
-    OssEvGraphBuilder builder;
-    const int image = builder.addNode("Image", "image", {{"File", std::string("wave")}});
-    const int invert = builder.addNode("Node", "invert");
-    builder.connect(image, "", invert, "Input");
-    const auto graph = builder.finish();
+    const auto graph = graphOf(
+        {{"Image", "image", file("wave")}, {"Node", "invert", {}, {{"Input", "Image"}}}});
     images->hold();
     std::array<Collected, 3> results;
     std::vector<OssEvEngine::Id> ids;
@@ -228,8 +212,7 @@ TEST_F(Scheduling, whoAlsoWaitsKeepsAUnitThatOneGivesUp)
         wanted.target = target(graph, "Node");
         wanted.region = {0, 0, 1, 1};
         ids.push_back(start(wanted, &results[i]));
-        while (engine->statistics().joins < i)
-            std::this_thread::yield();
+        waitUntil([this, i] { return engine->statistics().joins >= i; });
     }
     engine->cancel(ids[0]);
     engine->wait(ids[0]);
@@ -252,57 +235,44 @@ TEST_F(Scheduling, whatNobodyWantsAnyMoreIsNotBegun)
     const OssEvEngine::Id stays = follow(request(4.0, 0), "stays");
     engine->cancel(gone);
     gate.open();
-    for (const OssEvEngine::Id id : {held, gone, stays})
-        engine->wait(id);
+    waitFor({held, gone, stays});
     EXPECT_EQ(std::count(m_names.begin(), m_names.end(), "gone"), 0);
     EXPECT_EQ(engine->statistics().callsOf("checker"), 1U + 16U);
 }
 
 TEST_F(Scheduling, aFaultEndsEveryoneWhoWaitsForItAndNobodyElse)
 {
-    OssEvGraphBuilder builder;
-    const int broken = builder.addNode("Photo", "image", {{"File", std::string("broken")}});
-    const int first = builder.addNode("First", "blur");
-    const int second = builder.addNode("Second", "invert");
-    builder.addNode("Good", "image", {{"File", std::string("wave")}});
-    builder.connect(broken, "", first, "Input");
-    builder.connect(broken, "", second, "Input");
-    const auto graph = builder.finish();
+    const auto graph = graphOf({{"Photo", "image", file("broken")},
+                                {"First", "blur", {}, {{"Input", "Photo"}}},
+                                {"Second", "invert", {}, {{"Input", "Photo"}}},
+                                {"Good", "image", file("wave")}});
     images->hold();
-    std::array<Collected, 3> results;
+    std::map<std::string, Collected> results;
     std::vector<OssEvEngine::Id> ids;
-    const char *const nodes[] = {"First", "Second", "Good"};
-    for (std::size_t i = 0; i < results.size(); ++i) {
-        OssEvRequest wanted;
-        wanted.target = target(graph, nodes[i]);
-        ids.push_back(start(wanted, &results[i]));
-    }
-    while (engine->statistics().joins == 0)
-        std::this_thread::yield();
+    for (const char *node : {"First", "Second", "Good"})
+        ids.push_back(start(target(graph, node), &results[node]));
+    waitUntil([this] { return engine->statistics().joins > 0; });
     images->letGo();
-    for (const OssEvEngine::Id id : ids)
-        engine->wait(id);
-    for (int i = 0; i < 2; ++i) {
-        EXPECT_EQ(results[std::size_t(i)].outcome.error,
+    waitFor(ids);
+    for (const char *node : {"First", "Second"}) {
+        EXPECT_EQ(results[node].outcome.error,
                   "\"Photo\": Cannot read \"broken\": its pixels cannot be decoded");
-        EXPECT_EQ(results[std::size_t(i)].finished, 1);
+        EXPECT_EQ(results[node].finished, 1);
     }
-    EXPECT_TRUE(results[2].outcome.ok());
-    EXPECT_EQ(results[2].tiles.size(), 16U);
+    EXPECT_TRUE(results["Good"].outcome.ok());
+    EXPECT_EQ(results["Good"].tiles.size(), 16U);
 }
 
 TEST_F(Scheduling, aTileThatTheCacheBroughtIsNotBroughtAgainWithItsRow)
 {
-    OssEvGraphBuilder builder;
-    builder.addNode("Wave", "image", {{"File", std::string("wave")}});
-    const auto graph = builder.finish();
-    EXPECT_EQ(evaluate(target(graph, "Wave")).tiles.size(), 16U);
+    const auto graph = nodeOf("image", file("wave"));
+    EXPECT_EQ(evaluate(graph, "Node").tiles.size(), 16U);
     // Only a few of the tiles stay.
     const std::size_t tile = engine->cache().bytes() / 16;
     engine->cache().setBudget(3 * tile + tile / 2);
     ASSERT_EQ(engine->cache().count(), 3U);
     engine->cache().setBudget(std::size_t(64) << 20);
-    const Collected again = evaluate(target(graph, "Wave"));
+    const Collected again = evaluate(graph, "Node");
     EXPECT_EQ(again.tiles.size(), 16U);
     EXPECT_EQ(again.lastProgress, 16);
     EXPECT_EQ(again.texel(0, 300, 300), float(300 % 97) / 97.0F);
@@ -381,14 +351,12 @@ TEST_F(Scheduling, aCancelledRequestIsToldSoOnceEvenBeforeItWasPlanned)
 
 TEST_F(Scheduling, dearTilesOutliveCheapOnesThatCameLater)
 {
-    OssEvGraphBuilder builder;
-    builder.addNode("Dear", "ambientOcclusion", {{"Rays", 16.0}});
-    OssEvTarget dear = target(builder.finish(), "Dear", Size);
+    OssEvTarget dear = target(nodeOf("ambientOcclusion", {{"Rays", 16.0}}), "Node", Size);
     dear.mesh = OssEvShapes::sphere();
     engine->cache().setBudget(std::size_t(2) << 20);
     ASSERT_TRUE(evaluate(dear).outcome.ok());
     for (int i = 0; i < 4; ++i)
-        ASSERT_TRUE(evaluate(target(checker(3.0 + i), "Node", 4 * Size)).outcome.ok());
+        ASSERT_TRUE(evaluate(checker(3.0 + i), "Node", 4 * Size).outcome.ok());
     ASSERT_GT(engine->cache().evictions(), 20U);
     engine->resetStatistics();
     ASSERT_TRUE(evaluate(dear).outcome.ok());
@@ -404,18 +372,15 @@ TEST_F(Scheduling, aTileIsUniformOnlyWhenAllOfItIs)
     images->add("flat", 256, 256, [](int, int) {
         return TestImages::Texel{0.1F, 0.5F, 0.7F, 1.0F};
     });
-    OssEvGraphBuilder builder;
-    for (const char *name : {"steps", "flat"}) {
-        const int image = builder.addNode(std::string("Image ") + name, "image",
-                                          {{"File", std::string(name)}});
-        const int invert = builder.addNode(name, "invert");
-        builder.connect(image, "", invert, "Input");
-    }
-    const auto graph = builder.finish();
-    const Collected steps = evaluate(target(graph, "steps", 256));
+    const auto inverted = [this](const char *image) {
+        return evaluate(graphOf({{"Image", "image", file(image)},
+                                 {"Node", "invert", {}, {{"Input", "Image"}}}}),
+                        "Node", 256);
+    };
+    const Collected steps = inverted("steps");
     for (int y = 0; y < 256; ++y)
         ASSERT_NEAR(steps.texel(0, 17, y), 1.0F - float(y / 8) / 64.0F, 1e-3) << y;
-    const Collected flat = evaluate(target(graph, "flat", 256));
+    const Collected flat = inverted("flat");
     EXPECT_TRUE(flat.tiles.at({1, 1})->isConstant());
     EXPECT_NEAR(flat.texel(0, 200, 200), 0.9F, 1e-3);
 }
@@ -427,29 +392,22 @@ TEST_F(Scheduling, numbersThatAreNoneStayOutOfPreciseTilesToo)
         const float number = (x + y) % 5 == 0 ? std::numeric_limits<float>::infinity() : 1.0F;
         return TestImages::Texel{number, -number, number, 1.0F};
     });
-    OssEvGraphBuilder builder;
-    const int image = builder.addNode("Image", "image", {{"File", std::string("zeros")}});
-    const int vectors = builder.addNode("Node", "vectorMath",
-                                        {{"Operation", std::string("Multiply")}});
-    builder.connect(image, "", vectors, "A");
-    builder.connect(image, "", vectors, "B");
-    const Collected result = evaluate(target(builder.finish(), "Node", 128));
-    ASSERT_TRUE(result.outcome.ok()) << result.outcome.error;
-    ASSERT_EQ(result.tiles.begin()->second->format(), OssEvTile::Format::Float);
-    for (int y = 0; y < 128; ++y) {
-        for (int x = 0; x < 128; ++x) {
-            for (int k = 0; k < 3; ++k)
-                ASSERT_TRUE(std::isfinite(result.texel(k, x, y))) << x << ", " << y;
-        }
-    }
+    const Collected result = evaluate(graphOf({{"Image", "image", file("zeros")},
+                                               {"Node",
+                                                "vectorMath",
+                                                {{"Operation", std::string("Multiply")}},
+                                                {{"A", "Image"}, {"B", "Image"}}}}),
+                                      "Node", 128);
+    expectFinite(result, 128);
+    EXPECT_EQ(result.tiles.begin()->second->format(), OssEvTile::Format::Float);
 }
 
 TEST_F(Scheduling, statisticsCountWhatIsDoneAndBeginAnew)
 {
-    evaluate(target(checker(3.0), "Node", 4 * Size));
+    evaluate(checker(3.0), "Node", 4 * Size);
     EXPECT_EQ(engine->statistics().tilesComputed, 16U);
     EXPECT_EQ(engine->statistics().tilesFromCache, 0U);
-    evaluate(target(checker(3.0), "Node", 4 * Size));
+    evaluate(checker(3.0), "Node", 4 * Size);
     EXPECT_EQ(engine->statistics().tilesComputed, 16U);
     EXPECT_EQ(engine->statistics().tilesFromCache, 16U);
     engine->resetStatistics();

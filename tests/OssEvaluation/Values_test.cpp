@@ -81,6 +81,30 @@ TEST(TexelKernels, rowsOfTexelsAreConvertedLikeSingleOnes)
     }
 }
 
+TEST(TexelKernels, halvesAreNearAndAlwaysFinite)
+{
+    alignas(64) std::array<float, 64> floats{};
+    alignas(64) std::array<std::uint16_t, 64> halves{};
+    alignas(64) std::array<float, 64> back{};
+    const std::array<float, 10> cases{0.0F,  -0.0F,   1.0F,    0.1F,  65504.0F,
+                                      1e-7F, 6.1e-5F, -2.718F, 3e-5F, 1.0009766F};
+    std::copy(cases.begin(), cases.end(), floats.begin());
+    floats[10] = 1e9F;
+    floats[11] = -std::numeric_limits<float>::infinity();
+    floats[12] = std::numeric_limits<float>::quiet_NaN();
+    OssEvTexels::floatToHalf(floats.data(), halves.data(), floats.size());
+    OssEvTexels::halfToFloat(halves.data(), back.data(), back.size());
+    for (std::size_t i = 0; i < cases.size(); ++i) {
+        // Some processors round, others cut off.
+        EXPECT_NEAR(back[i], cases[i], std::abs(cases[i]) * 1e-3F + 7e-8F);
+        EXPECT_NEAR(OssEvHalf::toFloat(OssEvHalf::fromFloat(cases[i])), cases[i],
+                    std::abs(cases[i]) * 5e-4F + 4e-8F);
+    }
+    EXPECT_EQ(back[10], 65504.0F);
+    EXPECT_EQ(back[11], -65504.0F);
+    EXPECT_EQ(back[12], 0.0F);
+}
+
 TEST(TexelKernels, finiteMeansFiniteAndLeavesTheOthers)
 {
     alignas(64) std::array<float, 32> values{};
@@ -206,7 +230,9 @@ TEST(Curves, listsOfNumbersEndSomewhere)
     EXPECT_EQ(curve.points().size(), 1024U);
     EXPECT_FALSE(OssEvCurve::fromText(text + "2000,1", &curve));
     EXPECT_TRUE(OssEvCurve::fromText("\t0,0\n 1,1 \n", &curve));
-    for (const char *bad : {"1,2,3", ",1", "1,,2", "+1,2", "0x1,2", "1 ,2", "inf,0", "0,-inf"})
+    EXPECT_EQ(curve.points().size(), 2U);
+    for (const char *bad : {"0", "0,", "0,0 x", "0,0;1,1", "nan,1", "1,2,3", ",1", "1,,2", "+1,2",
+                            "0x1,2", "1 ,2", "inf,0", "0,-inf"})
         EXPECT_FALSE(OssEvCurve::fromText(bad, &curve)) << bad;
 }
 
@@ -228,6 +254,7 @@ TEST(Curves, pointsAreSortedAndTheLastOfOnePlaceCounts)
     const OssEvCurve one({{0.5, 7.0}});
     for (const double x : {-1.0, 0.5, 2.0})
         EXPECT_EQ(one.at(x), 7.0);
+    EXPECT_EQ(OssEvCurve().at(0.3), 0.3) << "without points what goes in comes out";
 }
 
 TEST(Curves, turnAtTheirHighestPointAndStayBetweenTheirNeighbours)
@@ -241,10 +268,14 @@ TEST(Curves, turnAtTheirHighestPointAndStayBetweenTheirNeighbours)
         const OssEvCurve curve(points);
         for (std::size_t i = 0; i + 1 < points.size(); ++i) {
             const auto [low, high] = std::minmax(points[i][1], points[i + 1][1]);
+            const double way = points[i + 1][1] - points[i][1];
+            double last = points[i][1];
             for (int step = 0; step <= 20; ++step) {
                 const double x = points[i][0] + (points[i + 1][0] - points[i][0]) * step / 20.0;
                 ASSERT_GE(curve.at(x), low - 1e-12);
                 ASSERT_LE(curve.at(x), high + 1e-12);
+                ASSERT_GE((curve.at(x) - last) * way, -1e-12) << "never back";
+                last = curve.at(x);
             }
         }
     }

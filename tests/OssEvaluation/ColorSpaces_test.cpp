@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -51,6 +52,25 @@ colorspaces:
         EXPECT_EQ(refused.error().rfind("Cannot read \"" + bad + "\": ", 0), 0U) << refused.error();
         EXPECT_EQ(spaces, before);
     }
+}
+
+TEST(ColorSpaces, theBuiltInOnesNeedNoFile)
+{
+    const auto spaces = OssEvColorSpaces::builtIn();
+    ASSERT_NE(spaces, nullptr);
+    const auto names = spaces->names();
+    for (const char *name : {"Linear", "sRGB", "Raw"})
+        EXPECT_NE(std::find(names.begin(), names.end(), name), names.end()) << name;
+    EXPECT_EQ(spaces->displays(), std::vector<std::string>{"sRGB"});
+    std::array<float, 4> texel{0.5F, 0.001F, 2.0F, 0.3F};
+    ASSERT_TRUE(spaces->fromScene("sRGB", texel.data(), 1));
+    EXPECT_NEAR(texel[0], 1.055 * std::pow(0.5, 1.0 / 2.4) - 0.055, 1e-4);
+    EXPECT_NEAR(texel[1], 0.01292, 1e-4);
+    EXPECT_FLOAT_EQ(texel[3], 0.3F);
+    ASSERT_TRUE(spaces->toScene("sRGB", texel.data(), 1));
+    EXPECT_NEAR(texel[0], 0.5F, 1e-4);
+    EXPECT_NEAR(texel[2], 2.0F, 1e-3);
+    EXPECT_FALSE(spaces->toScene("Unheard of", texel.data(), 1));
 }
 
 TEST(ColorSpaces, eachSettingOfTheScreenHasItsOwnTransform)

@@ -65,7 +65,7 @@ struct Collected
     int channels() const { return tiles.empty() ? 0 : tiles.begin()->second->channels(); }
 };
 
-/// Of pictures of `size` x `size` texels, all channels of every third texel each way.
+/// Of pictures of `size` x `size` texels: every third one each way, in the channels of `wanted`.
 void expectNear(const Collected &picture, const Collected &wanted, int size, double tolerance);
 void expectFinite(const Collected &picture, int size);
 

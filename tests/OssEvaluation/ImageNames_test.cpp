@@ -24,6 +24,7 @@ TEST(ImageNames, onlyAPatchNumberRightBeforeTheSuffixMakesAPattern)
         {"a/rock.1000.exr", "a/rock.1000.exr"},
         {"a/rock.2000.exr", "a/rock.2000.exr"}, // a year, or a frame
         {"a/rock.0999.exr", "a/rock.0999.exr"},
+        {"a/IMG_1234.jpg", "a/IMG_1234.jpg"}, // a photo's number
         {"a/rock.11001.exr", "a/rock.11001.exr"},
         {"a/rock.101.exr", "a/rock.101.exr"},
         {"a/rock.10o1.exr", "a/rock.10o1.exr"},
@@ -70,6 +71,7 @@ TEST(ImageNames, theNumberStandsInThePlaceOfTheToken)
     EXPECT_EQ(OssEvUdim::file("a.<UDIM>.exr", 1015), "a.1015.exr");
     EXPECT_EQ(OssEvUdim::file("%(UDIM)d.exr", 1001), "1001.exr");
     EXPECT_EQ(OssEvUdim::file("plain.exr", 1001), "plain.exr");
+    EXPECT_EQ(OssEvUdim::file("<UDIM>/rock.<UDIM>.exr", 1011), "1011/rock.1011.exr");
     EXPECT_FALSE(OssEvUdim::isPattern("a.<udim>.exr"));
     EXPECT_FALSE(OssEvUdim::isPattern("a.1001.exr"));
     EXPECT_TRUE(OssEvUdim::isPattern("<UDIM>"));

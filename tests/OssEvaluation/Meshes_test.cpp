@@ -24,85 +24,34 @@ constexpr float Endless = std::numeric_limits<float>::infinity();
 
 TEST(Meshes, whatTheRestReliesOnIsChecked)
 {
-    struct Case
-    {
-        const char *reason;
-        std::function<void(OssEvMesh *)> spoil;
-    };
-
-    const Case cases[] = {
-        {"it has no faces",
-         [](OssEvMesh *mesh) {
-             mesh->triangles.clear();
-         }},
-        {"it has no faces",
-         [](OssEvMesh *mesh) {
-             mesh->positions.clear();
-         }},
-        {"it has no texture coordinates",
-         [](OssEvMesh *mesh) {
-             mesh->uvs.clear();
-         }},
-        {"its vertices are not complete",
-         [](OssEvMesh *mesh) {
-             mesh->uvs.pop_back();
-         }},
-        {"its vertices are not complete",
-         [](OssEvMesh *mesh) {
-             mesh->positions.pop_back();
-         }},
-        {"its vertices are not complete",
-         [](OssEvMesh *mesh) {
-             mesh->normals.resize(3);
-         }},
-        {"it has coordinates that are no numbers",
-         [](OssEvMesh *mesh) {
-             mesh->positions[3][2] = None;
-         }},
-        {"it has coordinates that are no numbers",
-         [](OssEvMesh *mesh) {
-             mesh->uvs[1][0] = None;
-         }},
-        {"it has coordinates that are no numbers",
-         [](OssEvMesh *mesh) {
-             mesh->uvs[1][1] = -Endless;
-         }},
-        {"it has coordinates that are no numbers",
-         [](OssEvMesh *mesh) {
-             mesh->normals.resize(4);
-             mesh->normals[2][1] = None;
-         }},
-        {"a face names a vertex that does not exist",
-         [](OssEvMesh *mesh) {
-             mesh->triangles[0][0] = 4;
-         }},
-        {"a face names a vertex that does not exist",
-         [](OssEvMesh *mesh) {
-             mesh->triangles[1][2] = 0xFFFFFFFFU;
-         }},
-        {"its texture coordinates lie outside the UDIM patches",
-         [](OssEvMesh *mesh) {
-             mesh->uvs[0][0] = -0.001F;
-         }},
-        {"its texture coordinates lie outside the UDIM patches",
-         [](OssEvMesh *mesh) {
-             mesh->uvs[0][0] = 10.001F;
-         }},
-        {"its texture coordinates lie outside the UDIM patches",
-         [](OssEvMesh *mesh) {
-             mesh->uvs[0][1] = -0.001F;
-         }},
-        {"its texture coordinates lie outside the UDIM patches",
-         [](OssEvMesh *mesh) {
-             mesh->uvs[0][1] = 900.01F;
-         }},
-    };
-    for (const Case &bad : cases) {
+    const auto expectRefused = [](const char *reason, const auto &spoil) {
         auto mesh = square(0, 0, 1, 1);
-        bad.spoil(mesh.get());
-        EXPECT_EQ(mesh->finish("a.obj").error(), std::string("Cannot use \"a.obj\": ") + bad.reason)
-            << "case " << &bad - cases;
-    }
+        spoil(mesh.get());
+        EXPECT_EQ(mesh->finish("a.obj").error(), std::string("Cannot use \"a.obj\": ") + reason);
+    };
+    using Mesh = OssEvMesh;
+    expectRefused("it has no faces", [](Mesh *mesh) { mesh->triangles.clear(); });
+    expectRefused("it has no faces", [](Mesh *mesh) { mesh->positions.clear(); });
+    expectRefused("it has no texture coordinates", [](Mesh *mesh) { mesh->uvs.clear(); });
+    const char *incomplete = "its vertices are not complete";
+    expectRefused(incomplete, [](Mesh *mesh) { mesh->uvs.pop_back(); });
+    expectRefused(incomplete, [](Mesh *mesh) { mesh->positions.pop_back(); });
+    expectRefused(incomplete, [](Mesh *mesh) { mesh->normals.resize(3); });
+    const char *none = "it has coordinates that are no numbers";
+    expectRefused(none, [](Mesh *mesh) { mesh->positions[3][2] = None; });
+    expectRefused(none, [](Mesh *mesh) { mesh->uvs[1][0] = None; });
+    expectRefused(none, [](Mesh *mesh) { mesh->uvs[1][1] = -Endless; });
+    expectRefused(none, [](Mesh *mesh) {
+        mesh->normals.resize(4);
+        mesh->normals[2][1] = None;
+    });
+    const char *nobody = "a face names a vertex that does not exist";
+    expectRefused(nobody, [](Mesh *mesh) { mesh->triangles[0][0] = 4; });
+    expectRefused(nobody, [](Mesh *mesh) { mesh->triangles[1][2] = 0xFFFFFFFFU; });
+    for (const OssEvMesh::Vector2 &outside :
+         {OssEvMesh::Vector2{-0.001F, 0}, {10.001F, 0}, {0, -0.001F}, {0, 900.01F}, {0, 1e30F}})
+        expectRefused("its texture coordinates lie outside the UDIM patches",
+                      [&outside](Mesh *mesh) { mesh->uvs[0] = outside; });
     auto edge = square(-5e-5F, -5e-5F, 10.00005F, 1.0F);
     EXPECT_TRUE(edge->finish("edge")) << "rounding of a tool that wrote it is no fault";
     EXPECT_EQ(edge->patches().size(), 10U);
@@ -120,12 +69,8 @@ TEST(Meshes, theKeyFollowsEverythingThatPixelsFollow)
     const std::function<void(OssEvMesh *)> changes[] = {
         [](OssEvMesh *) {},
         [](OssEvMesh *mesh) { mesh->positions[2][2] = 0.5F; },
-        [](OssEvMesh *mesh) {
-            mesh->normals[0] = {0, 1, 0};
-        },
-        [](OssEvMesh *mesh) {
-            mesh->uvs[2] = {0.5F, 0.5F};
-        },
+        [](OssEvMesh *mesh) { mesh->normals[0][1] = 1.0F; },
+        [](OssEvMesh *mesh) { mesh->uvs[2][0] = 0.5F; },
         [](OssEvMesh *mesh) { mesh->triangles.pop_back(); },
         [](OssEvMesh *mesh) { std::swap(mesh->triangles[0][1], mesh->triangles[0][2]); },
         [](OssEvMesh *mesh) { mesh->world[3] = 2.0F; },
@@ -298,6 +243,32 @@ protected:
 const char *const Corners = "v 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\n"
                             "vt 0 0\nvt 1 0\nvt 1 1\nvt 0 1\n";
 
+TEST_F(MeshReading, facesHaveTextureCoordinatesAndGetNormals)
+{
+    ASSERT_EQ(error("quad.obj", std::string(Corners) + "f 1/1 2/2 3/3 4/4\n"), "");
+    EXPECT_EQ(mesh->triangles.size(), 2U);
+    ASSERT_EQ(mesh->positions.size(), 4U);
+    for (std::size_t i = 0; i < 4; ++i) {
+        EXPECT_EQ(mesh->positions[i][0], mesh->uvs[i][0]) << i;
+        EXPECT_EQ(mesh->positions[i][1], mesh->uvs[i][1]) << "v grows upwards";
+        EXPECT_NEAR(mesh->normals[i][2], 1.0F, 1e-5F) << "made where the file has none";
+    }
+}
+
+TEST_F(MeshReading, keepsTheNormalsThatAFileHasAndMakesTheOthers)
+{
+    const std::string text = "v 0 0 0\nv 2 0 0\nv 2 2 0\nv 0 0 5\nv 2 0 5\nv 2 2 5\n"
+                             "vt 0 0\nvt 1 0\nvt 1 1\nvn 0 0.6 0.8\n"
+                             "o given\nf 1/1/1 2/2/1 3/3/1\no none\nf 4/1 5/2 6/3\n";
+    ASSERT_EQ(error("both.obj", text), "");
+    ASSERT_EQ(mesh->positions.size(), 6U);
+    for (std::size_t i = 0; i < mesh->positions.size(); ++i) {
+        const bool given = mesh->positions[i][2] < 1.0F;
+        EXPECT_NEAR(mesh->normals[i][1], given ? 0.6F : 0.0F, 1e-5F) << i;
+        EXPECT_NEAR(mesh->normals[i][2], given ? 0.8F : 1.0F, 1e-5F) << i;
+    }
+}
+
 TEST_F(MeshReading, allPartsOfAFileAreOneMesh)
 {
     EXPECT_EQ(error("parts.obj", std::string(Corners)
@@ -349,6 +320,9 @@ TEST_F(MeshReading, filesThatAreOfNoUseAreRefusedWithNameAndReason)
         {"empty.obj", "", "empty.obj"},
         {"text.obj", "hello", "text.obj"},
         {"text.xyz", "hello", "text.xyz"},
+        {"half.obj", "v 0 0\nf 1 2 3\n", "half.obj"},
+        {"nobody.obj", "f 9/9 8/8 7/7\n", "nobody.obj"},
+        {"noise.fbx", std::string(5000, '\x7f'), "noise.fbx"},
         {"cut.glb", "glTF\2\0\0\0", "cut.glb"},
         {"cut.ply", "ply\nformat ascii 1.0\nelement vertex 99\n", "its header has no end"},
         {"short.ply",
@@ -362,8 +336,9 @@ TEST_F(MeshReading, filesThatAreOfNoUseAreRefusedWithNameAndReason)
         EXPECT_EQ(mesh, nullptr);
     }
     std::filesystem::create_directory(folder.path("folder.obj"));
-    EXPECT_EQ(OssEvMeshFile::read(folder.path("folder.obj"), &mesh).error(),
-              "Cannot read \"" + folder.path("folder.obj") + "\": there is no such file");
+    for (const char *name : {"folder.obj", "missing.obj"})
+        EXPECT_EQ(OssEvMeshFile::read(folder.path(name), &mesh).error(),
+                  "Cannot read \"" + folder.path(name) + "\": there is no such file");
 }
 
 TEST_F(MeshReading, damagedFilesAreRefusedOrReadButNeverMore)

@@ -1,8 +1,7 @@
 #include "OssEvaluation/Files/OssEvImageFiles.h"
-#include "OssEvaluation/Files/OssEvImageWriter.h"
 #include "OssEvaluation/Paint/OssEvPaintBake.h"
-#include "OssEvaluation/Paint/OssEvPaintBuffer.h"
 #include "OssEvaluation/Paint/OssEvStroke.h"
+#include "OssEvaluation/PaintTexels.h"
 #include "OssEvaluation/PlainExr.h"
 #include "OssEvaluation/TestFolder.h"
 
@@ -16,7 +15,6 @@ namespace {
 constexpr int Size = OssEvPaintTile::Size;
 using Texel = OssEvPaintTile::Texel;
 using Place = OssEvPaintBuffer::Place;
-const Texel Bare{0.0F, 0.0F, 0.0F, 0.0F, 1.0F};
 
 /// A tile with one value in its red, all of it.
 OssEvPaintTilePointer redTile(float red)
@@ -26,14 +24,6 @@ OssEvPaintTilePointer redTile(float red)
         tile->setTexel(i, {red, 0.0F, 0.0F, 1.0F, 0.0F});
     return tile;
 }
-
-Texel texelOf(const OssEvPaintBuffer &buffer, int patch, int x, int y)
-{
-    const OssEvPaintTilePointer tile = buffer.tile({patch, x / Size, y / Size});
-    return tile ? tile->texel(y % Size * Size + x % Size) : Bare;
-}
-
-// --- buffer
 
 TEST(PaintTiles, changeNothingUntilTheyArePainted)
 {
@@ -127,171 +117,15 @@ TEST(PaintTiles, rowsHoldTheMeanOfWhatTheyStandFor)
     ASSERT_TRUE(buffer.readRow(1001, 3, 0, 1, 1, texels.data()));
     EXPECT_NEAR(texels[0][0], 28.0F / 100.0F, 1e-4F);
     EXPECT_NEAR(texels[0][OssEvPaintTile::Keep], 72.0F / 100.0F, 1e-4F);
+    // A texel of the paint stands for several where the picture is finer.
+    ASSERT_TRUE(buffer.readRow(1001, 1200, 510, 20, 4, texels.data()));
+    for (int x = 0; x < 4; ++x)
+        EXPECT_EQ(texels[std::size_t(x)][0], x < 2 ? 1.0F : 2.0F) << x;
     // What lies beyond the picture is as its edge.
     ASSERT_TRUE(buffer.readRow(1001, 3, 2, 0, 3, texels.data()));
     EXPECT_EQ(texels[1][0], 3.0F);
     EXPECT_EQ(texels[1][OssEvPaintTile::Keep], 0.0F);
 }
-
-// --- strokes
-
-constexpr int Resolution = 300;
-const std::vector<int> OnePatch{1001};
-
-OssEvStroke::Areas moved(OssEvStroke *stroke, double x, double y, double pressure = 1.0)
-{
-    return stroke->moveTo(x / Resolution, 1.0 - y / Resolution, pressure);
-}
-
-OssEvBrush hardBrush(double radius)
-{
-    OssEvBrush brush;
-    brush.radius = radius;
-    brush.hardness = 1.0;
-    return brush;
-}
-
-int paintedTexels(const OssEvPaintBuffer &buffer, int patch = 1001)
-{
-    int count = 0;
-    for (int y = 0; y < buffer.resolution(); ++y) {
-        for (int x = 0; x < buffer.resolution(); ++x)
-            count += texelOf(buffer, patch, x, y)[3] > 0.5F ? 1 : 0;
-    }
-    return count;
-}
-
-TEST(Strokes, theAreaThatIsToldHoldsEverythingThatChanged)
-{
-    OssEvPaintBuffer buffer(Resolution);
-    OssEvStroke stroke(&buffer, hardBrush(18), OnePatch);
-    const double path[][2] = {{120, 120}, {136, 136}, {40, 250}, {290, 260}, {299, 2}, {150, 150}};
-    std::vector<Texel> before(std::size_t(Resolution) * Resolution, Bare);
-    for (const auto &place : path) {
-        const OssEvStroke::Areas areas = moved(&stroke, place[0], place[1]);
-        ASSERT_EQ(areas.size(), 1U);
-        const OssEvRegion area = areas.at(1001);
-        EXPECT_EQ(area.intersected({0, 0, Resolution, Resolution}), area) << "within the patch";
-        int changed = 0;
-        for (int y = 0; y < Resolution; ++y) {
-            for (int x = 0; x < Resolution; ++x) {
-                Texel &old = before[std::size_t(y * Resolution + x)];
-                const Texel now = texelOf(buffer, 1001, x, y);
-                if (now != old) {
-                    ASSERT_TRUE(area.contains(x, y)) << x << ", " << y;
-                    ++changed;
-                }
-                old = now;
-            }
-        }
-        EXPECT_GT(changed, 0);
-    }
-    EXPECT_TRUE(moved(&stroke, 150, 150).empty()) << "nothing new";
-}
-
-TEST(Strokes, pressureMakesTheBrushSmallerDownToADot)
-{
-    const auto discOf = [](double pressure) {
-        OssEvPaintBuffer buffer(Resolution);
-        OssEvStroke stroke(&buffer, hardBrush(40), OnePatch);
-        moved(&stroke, 150.5, 150.5, pressure);
-        return paintedTexels(buffer);
-    };
-    constexpr double Pi = 3.14159265;
-    EXPECT_NEAR(discOf(1.0), Pi * 40 * 40, 130);
-    EXPECT_NEAR(discOf(0.5), Pi * 20 * 20, 70);
-    EXPECT_NEAR(discOf(0.25), Pi * 10 * 10, 40);
-    EXPECT_GE(discOf(0.0), 1) << "what is touched is painted";
-    EXPECT_LE(discOf(0.0), 5);
-    OssEvPaintBuffer buffer(Resolution);
-    OssEvStroke stroke(&buffer, hardBrush(40), OnePatch);
-    moved(&stroke, 50, 150, 0.1);
-    moved(&stroke, 250, 150, 1.0); // grows on the way
-    const auto heightAt = [&buffer](int x) {
-        int count = 0;
-        for (int y = 0; y < Resolution; ++y)
-            count += texelOf(buffer, 1001, x, y)[3] > 0.5F ? 1 : 0;
-        return count;
-    };
-    EXPECT_LT(heightAt(60), heightAt(130));
-    EXPECT_LT(heightAt(130), heightAt(230));
-}
-
-TEST(Strokes, paintGoesOnlyWhereThereIsSomethingToPaintOn)
-{
-    OssEvPaintBuffer buffer(Resolution);
-    OssEvStroke stroke(&buffer, hardBrush(30), {1002});
-    EXPECT_TRUE(moved(&stroke, 100, 100).empty());
-    const auto areas = moved(&stroke, 310, 100);
-    EXPECT_EQ(areas.count(1001), 0U);
-    EXPECT_EQ(areas.count(1002), 1U);
-    EXPECT_EQ(buffer.patches(), std::vector<int>{1002});
-    OssEvStroke outside(&buffer, hardBrush(30), OnePatch);
-    EXPECT_TRUE(moved(&outside, -500, -500).empty());
-    EXPECT_TRUE(outside.changes().empty());
-}
-
-TEST(Strokes, aDabAtTheCornerIsCutThere)
-{
-    OssEvPaintBuffer buffer(Resolution);
-    OssEvStroke stroke(&buffer, hardBrush(20), OnePatch);
-    moved(&stroke, 0, 0);
-    EXPECT_NEAR(paintedTexels(buffer), 3.14159 * 400 / 4, 40);
-    EXPECT_EQ(texelOf(buffer, 1001, 0, 0)[3], 1.0F);
-    OssEvStroke last(&buffer, hardBrush(20), OnePatch);
-    const auto areas = moved(&last, Resolution, Resolution);
-    EXPECT_EQ(areas.at(1001).right(), Resolution);
-    EXPECT_EQ(areas.at(1001).bottom(), Resolution);
-    EXPECT_EQ(texelOf(buffer, 1001, 299, 299)[3], 1.0F);
-}
-
-TEST(Strokes, hardBrushesAreFullWithinAndSoftOnesFallOffEvenly)
-{
-    for (const double radius : {0.5, 1.0, 10.0, 100.0}) {
-        for (const double hardness : {0.0, 0.5, 1.0}) {
-            OssEvBrush brush;
-            brush.radius = radius;
-            brush.hardness = hardness;
-            EXPECT_EQ(brush.coverage(brush.reach()), 0.0F);
-            EXPECT_EQ(brush.coverage(brush.reach() + 50.0), 0.0F);
-            EXPECT_EQ(brush.coverage(std::min(0.0, brush.core())), 1.0F);
-            EXPECT_GE(brush.reach() - brush.core(), 1.0) << "over a texel at least";
-            float last = 1.0F;
-            for (double at = 0.0; at <= brush.reach(); at += 0.05) {
-                const float covered = brush.coverage(at);
-                EXPECT_LE(covered, last);
-                EXPECT_TRUE(at > brush.core() || covered == 1.0F);
-                last = covered;
-            }
-        }
-    }
-}
-
-TEST(Strokes, oneWithoutOpacityChangesNothingThatIsSeen)
-{
-    OssEvPaintBuffer buffer(Resolution);
-    OssEvBrush brush = hardBrush(20);
-    brush.opacity = 0.0;
-    OssEvStroke stroke(&buffer, brush, OnePatch);
-    moved(&stroke, 100, 100);
-    EXPECT_EQ(texelOf(buffer, 1001, 100, 100), Bare);
-}
-
-TEST(Strokes, whatIsPaintedOverAndOverIsPaintedOnce)
-{
-    OssEvBrush brush = hardBrush(12);
-    brush.opacity = 0.5;
-    OssEvPaintBuffer buffer(Resolution);
-    OssEvStroke stroke(&buffer, brush, OnePatch);
-    for (int i = 0; i < 20; ++i)
-        moved(&stroke, 100 + i % 2 * 50, 100);
-    EXPECT_NEAR(texelOf(buffer, 1001, 125, 100)[3], 0.5F, 1e-3F);
-    OssEvStroke second(&buffer, brush, OnePatch);
-    moved(&second, 125, 100);
-    EXPECT_NEAR(texelOf(buffer, 1001, 125, 100)[3], 0.75F, 1e-3F) << "the next stroke adds up";
-}
-
-// --- baking
 
 class PaintBaking : public testing::Test
 {
@@ -304,6 +138,17 @@ protected:
         result.path = folder.path("baked.exr");
         result.isPrecise = true;
         return result;
+    }
+
+    /// A square image of floats; its path.
+    std::string image(const std::string &name, int size,
+                      decltype(PlainExr::value) value = PlainExr().value)
+    {
+        PlainExr whole;
+        whole.width = whole.height = size;
+        whole.isHalf = false;
+        whole.value = std::move(value);
+        return folder.write(name, whole.bytes());
     }
 
     std::array<float, 4> baked(int x, int y)
@@ -322,6 +167,66 @@ protected:
 
     TestFolder folder;
 };
+
+TEST_F(PaintBaking, composesThePaintOverTheImage)
+{
+    constexpr int Resolution = 256;
+    const auto beneath = [](const std::string &channel, int x, int y) {
+        const float alpha = float(x + 1) / 256.0F;
+        return channel == "R"   ? alpha * 0.5F
+               : channel == "G" ? alpha * float(y) / 256.0F
+               : channel == "B" ? alpha * 3.0F
+                                : alpha;
+    };
+    auto what = job(Resolution, image("beneath.exr", Resolution, beneath));
+    OssEvBrush brush;
+    brush.color = {0.9F, 0.1F, 2.0F};
+    brush.opacity = 0.6;
+    OssEvStroke painted(&what.paint, brush, {1001});
+    painted.moveTo(0.25, 0.75);
+    painted.moveTo(0.75, 0.65);
+    brush.erases = true;
+    OssEvStroke erased(&what.paint, brush, {1001});
+    erased.moveTo(0.4, 0.9);
+    erased.moveTo(0.45, 0.15);
+    ASSERT_EQ(OssEvPaintBake::run(what).error(), "");
+    for (const auto &[x, y] :
+         {std::pair(64, 64), {105, 70}, {110, 200}, {127, 76}, {128, 76}, {250, 250}}) {
+        const Texel paint = texelOf(what.paint, 1001, x, y);
+        const auto now = baked(x, y);
+        const char *const names[] = {"R", "G", "B", "A"};
+        for (std::size_t c = 0; c < 4; ++c)
+            EXPECT_NEAR(now[c], paint[c] + paint[OssEvPaintTile::Keep] * beneath(names[c], x, y),
+                        1e-5F)
+                << x << ", " << y << " channel " << c;
+    }
+    EXPECT_GT(texelOf(what.paint, 1001, 64, 64)[3], 0.5F);
+    EXPECT_LT(texelOf(what.paint, 1001, 110, 200)[OssEvPaintTile::Keep], 0.5F);
+
+    what.beneath = folder.path("gone.exr");
+    const OssEvResult result = OssEvPaintBake::run(what);
+    EXPECT_NE(result.error().find("gone.exr"), std::string::npos) << result.error();
+    what.beneath.clear();
+    ASSERT_TRUE(OssEvPaintBake::run(what).ok());
+    EXPECT_EQ(baked(250, 250), (std::array<float, 4>{}));
+    EXPECT_NEAR(baked(64, 64)[3], 0.6F, 1e-3F);
+}
+
+TEST_F(PaintBaking, imagesOfAnotherResolutionAreFittedBeneath)
+{
+    // A ramp is the same however finely it is sampled.
+    for (const int size : {96, 300}) {
+        const auto ramp = [size](const std::string &channel, int x, int y) {
+            return (float(channel == "R" ? x : y) + 0.5F) / float(size);
+        };
+        ASSERT_EQ(OssEvPaintBake::run(job(256, image("ramp.exr", size, ramp))).error(), "");
+        for (const int at : {10, 127, 128, 200, 240}) {
+            const auto now = baked(at, 256 - at);
+            EXPECT_NEAR(now[0], (at + 0.5) / 256, 1e-4) << size;
+            EXPECT_NEAR(now[1], (256 - at + 0.5) / 256, 1e-4) << size;
+        }
+    }
+}
 
 TEST_F(PaintBaking, aGreyImageBeneathIsGreyAndOpaque)
 {
@@ -358,13 +263,9 @@ TEST_F(PaintBaking, onlyThePatchThatIsMeantIsBaked)
 
 TEST_F(PaintBaking, edgesOfAnImageThatIsFittedAreItsOwn)
 {
-    PlainExr two;
-    two.width = two.height = 2;
-    two.isHalf = false;
-    two.value = [](const std::string &channel, int x, int y) {
-        return channel == "A" ? 1.0F : float(x + 2 * y);
-    };
-    auto what = job(150, folder.write("two.exr", two.bytes()));
+    const auto what = job(150, image("two.exr", 2, [](const std::string &channel, int x, int y) {
+                              return channel == "A" ? 1.0F : float(x + 2 * y);
+                          }));
     ASSERT_EQ(OssEvPaintBake::run(what).error(), "");
     EXPECT_EQ(baked(0, 0)[0], 0.0F);
     EXPECT_EQ(baked(149, 0)[0], 1.0F);
@@ -375,12 +276,7 @@ TEST_F(PaintBaking, edgesOfAnImageThatIsFittedAreItsOwn)
 
 TEST_F(PaintBaking, anImageThatIsFittedFillsThePictureWhereItsTilesEnd)
 {
-    PlainExr whole;
-    whole.width = whole.height = Size;
-    whole.value = [](const std::string &, int, int) {
-        return 0.5F;
-    };
-    auto what = job(300, folder.write("whole.exr", whole.bytes()));
+    const auto what = job(300, image("whole.exr", Size));
     ASSERT_EQ(OssEvPaintBake::run(what).error(), "");
     for (const int x : {0, 150, 299}) {
         EXPECT_EQ(baked(x, 299)[0], 0.5F) << x;
@@ -390,13 +286,9 @@ TEST_F(PaintBaking, anImageThatIsFittedFillsThePictureWhereItsTilesEnd)
 
 TEST_F(PaintBaking, aDamagedImageBeneathIsAFaultAndLeavesNoFile)
 {
-    PlainExr image;
-    image.width = image.height = 300;
-    image.value = [](const std::string &, int, int) {
-        return 0.5F;
-    };
-    const std::string whole = image.bytes();
-    auto what = job(300, folder.write("beneath.exr", whole.substr(0, whole.size() / 2)));
+    auto what = job(300, image("beneath.exr", 300));
+    const std::string whole = folder.content("beneath.exr");
+    folder.write("beneath.exr", whole.substr(0, whole.size() / 2));
     const OssEvResult result = OssEvPaintBake::run(what);
     EXPECT_NE(result.error().find("beneath.exr"), std::string::npos) << result.error();
     EXPECT_EQ(folder.names(), std::vector<std::string>{"beneath.exr"});

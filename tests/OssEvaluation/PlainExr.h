@@ -21,7 +21,10 @@ struct PlainExr
     int tileHeight = 0;
     bool isDeep = false;
     /// x and y from the first texel.
-    std::function<float(const std::string &channel, int x, int y)> value;
+    std::function<float(const std::string &channel, int x, int y)> value = [](const std::string &,
+                                                                              int, int) {
+        return 0.5F;
+    };
 
     std::string bytes() const;
 

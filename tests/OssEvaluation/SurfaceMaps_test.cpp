@@ -21,6 +21,74 @@ std::shared_ptr<const OssEvSurfaceMap> mapOf(const std::shared_ptr<OssEvMesh> &m
     return OssEvSurfaceMap::make(mesh, {width, height, patch, 1.0}, nullptr);
 }
 
+int coveredTexels(const OssEvSurfaceMap &map)
+{
+    int count = 0;
+    for (int y = 0; y < map.frame().height; ++y) {
+        for (int x = 0; x < map.frame().width; ++x)
+            count += map.isCovered(x, y) ? 1 : 0;
+    }
+    return count;
+}
+
+Vector3 positionAt(const OssEvSurfaceMap &map, int x, int y)
+{
+    Vector3 result{};
+    map.positions(x, y, 1, {&result[0], &result[1], &result[2]});
+    return result;
+}
+
+Vector3 normalAt(const OssEvSurfaceMap &map, int x, int y)
+{
+    Vector3 result{};
+    map.normals(x, y, 1, {&result[0], &result[1], &result[2]});
+    return result;
+}
+
+TEST(SurfaceMaps, builtInShapesCoverTheirPatchesAndFaceOutwards)
+{
+    EXPECT_EQ(OssEvShapes::plane()->patches(), std::vector<int>{1001});
+    EXPECT_EQ(OssEvShapes::sphere()->patches(), std::vector<int>{1001});
+    const auto cube = OssEvShapes::cube();
+    EXPECT_EQ(cube->patches(), (std::vector<int>{1001, 1002, 1003, 1004, 1005, 1006}));
+    for (const auto &mesh : {OssEvShapes::sphere(), cube}) {
+        for (const int patch : mesh->patches()) {
+            const auto map = OssEvSurfaceMap::make(mesh, {64, 64, patch, 1.0}, nullptr);
+            EXPECT_EQ(coveredTexels(*map), 64 * 64);
+            for (int i = 1; i < 64; i += 7) {
+                const Vector3 position = positionAt(*map, i, i);
+                const Vector3 normal = normalAt(*map, i, i);
+                const float out = position[0] * normal[0] + position[1] * normal[1]
+                                  + position[2] * normal[2];
+                EXPECT_GT(out, 0.4F);
+                // The triangles turn the same way as the normals.
+                const auto &corners = mesh->triangles[std::size_t(map->face(i, i))];
+                const Vector3 &a = mesh->positions[corners[0]];
+                const Vector3 &b = mesh->positions[corners[1]];
+                const Vector3 &c = mesh->positions[corners[2]];
+                const float volume = a[0] * (b[1] * c[2] - b[2] * c[1])
+                                     - a[1] * (b[0] * c[2] - b[2] * c[0])
+                                     + a[2] * (b[0] * c[1] - b[1] * c[0]);
+                EXPECT_GT(volume, 0.0F);
+            }
+        }
+    }
+}
+
+TEST(SurfaceMaps, facesThatStraddlePatchesAreClippedIntoEach)
+{
+    const auto mesh = square(0.5F, 0.5F, 1.5F, 1.75F);
+    for (const auto &rows : {std::pair(1001, 64), {1002, 64}, {1011, 96}, {1012, 96}})
+        EXPECT_EQ(coveredTexels(*mapOf(mesh, 128, 128, rows.first)), 64 * rows.second);
+    EXPECT_EQ(mesh->patches(), (std::vector<int>{1001, 1002, 1011, 1012}));
+    const auto map = mapOf(mesh, 128, 128, 1012);
+    // Positions are texture coordinates here: texel (10, 100) of patch 1012.
+    const Vector3 position = positionAt(*map, 10, 100);
+    EXPECT_NEAR(position[0], 1.0 + 10.5 / 128.0, 1e-5);
+    EXPECT_NEAR(position[1], 2.0 - 100.5 / 128.0, 1e-5);
+    EXPECT_FALSE(map->isCovered(100, 100));
+}
+
 TEST(SurfaceMaps, facesThatMeetLeaveNoGapsAndNoHoles)
 {
     // Fans around a point off the grid, filling the patch.
@@ -42,8 +110,7 @@ TEST(SurfaceMaps, facesThatMeetLeaveNoGapsAndNoHoles)
             for (int x = 0; x < 200; ++x) {
                 ASSERT_TRUE(map->isCovered(x, y)) << x << ", " << y;
                 // Places are texture coordinates here.
-                Vector3 position{};
-                map->positions(x, y, 1, {&position[0], &position[1], &position[2]});
+                const Vector3 position = positionAt(*map, x, y);
                 ASSERT_NEAR(position[0], (x + 0.5) / 200.0, 1e-4);
                 ASSERT_NEAR(position[1], 1.0 - (y + 0.5) / 130.0, 1e-4);
             }
@@ -93,6 +160,7 @@ TEST(SurfaceMaps, everyTexelInReachTakesTheNearestCoveredOne)
                     ASSERT_EQ(found, best) << x << ", " << y;
                     ASSERT_TRUE(map->isCovered(nearX, nearY));
                     ASSERT_GE(map->face(x, y), 0);
+                    ASSERT_EQ(positionAt(*map, x, y), positionAt(*map, nearX, nearY));
                     near += found > 0 ? 1 : 0;
                 }
             }
@@ -148,8 +216,7 @@ TEST(SurfaceMaps, normalsThatCancelOutAreStillUnitVectors)
     for (const auto &map : {none, opposite}) {
         for (int y = 0; y < map->frame().height; ++y) {
             for (int x = 0; x < map->frame().width; ++x) {
-                Vector3 normal{};
-                map->normals(x, y, 1, {&normal[0], &normal[1], &normal[2]});
+                const Vector3 normal = normalAt(*map, x, y);
                 ASSERT_NEAR(std::hypot(normal[0], normal[1], normal[2]), 1.0F, 1e-4F)
                     << x << ", " << y;
             }

@@ -15,23 +15,16 @@ constexpr int Size = OssEvTile::Size;
 // The next smaller picture, by the weights that kernels are promised for reduced inputs.
 Picture halved(const Picture &from)
 {
-    Picture to((from.width + 1) / 2, (from.height + 1) / 2, from.channels);
     constexpr std::array<double, 4> Weights{0.125, 0.375, 0.375, 0.125};
-    for (int channel = 0; channel < to.channels; ++channel) {
-        for (int y = 0; y < to.height; ++y) {
-            for (int x = 0; x < to.width; ++x) {
-                double sum = 0.0;
-                for (int j = 0; j < 4; ++j) {
-                    for (int i = 0; i < 4; ++i) {
-                        sum += Weights[std::size_t(i)] * Weights[std::size_t(j)]
-                               * from.clamped(channel, 2 * x - 1 + i, 2 * y - 1 + j);
-                    }
-                }
-                to.at(channel, x, y) = float(sum);
+    return pictureOf(
+        (from.width + 1) / 2, (from.height + 1) / 2, from.channels, [&](int channel, int x, int y) {
+            double sum = 0.0;
+            for (std::size_t i = 0; i < 16; ++i) {
+                sum += Weights[i % 4] * Weights[i / 4]
+                       * from.clamped(channel, 2 * x - 1 + int(i % 4), 2 * y - 1 + int(i / 4));
             }
-        }
-    }
-    return to;
+            return sum;
+        });
 }
 
 OssEvTilePointer tileOf(const Picture &picture, int tileX, int tileY)
@@ -90,6 +83,19 @@ Picture randomPicture(int width, int height, int channels, std::uint32_t seed, d
                 picture.at(channel, x,
                            y) = float(channel == 3 ? alpha : (low + (high - low) * value) * alpha);
             }
+        }
+    }
+    return picture;
+}
+
+Picture pictureOf(int width, int height, int channels,
+                  const std::function<double(int channel, int x, int y)> &value)
+{
+    Picture picture(width, height, channels);
+    for (int channel = 0; channel < channels; ++channel) {
+        for (int y = 0; y < height; ++y) {
+            for (int x = 0; x < width; ++x)
+                picture.at(channel, x, y) = float(value(channel, x, y));
         }
     }
     return picture;

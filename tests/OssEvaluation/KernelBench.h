@@ -45,6 +45,10 @@ struct Picture
 Picture randomPicture(int width, int height, int channels, std::uint32_t seed, double low = 0.0,
                       double high = 1.0);
 
+/// What stands in each channel and texel.
+Picture pictureOf(int width, int height, int channels,
+                  const std::function<double(int channel, int x, int y)> &value);
+
 /// Runs kernels of the library on pictures, past the engine, so that nothing is rounded on the way.
 class KernelBench
 {
@@ -74,10 +78,17 @@ private:
     std::shared_ptr<const OssEvSurfaceMap> m_surface;
 };
 
-using Reference = std::function<std::array<double, 4>(int x, int y)>;
+using Texel = std::array<double, 4>;
+using Reference = std::function<Texel(int x, int y)>;
 
 /// Mean of the differences from the reference over all texels and channels.
 double meanError(const Picture &picture, const Reference &reference);
 
 /// The bound for every kernel.
 constexpr double MeanErrorBound = 1e-4;
+
+inline void expectPicture(const Picture &picture, const Reference &reference,
+                          double bound = MeanErrorBound)
+{
+    EXPECT_LE(meanError(picture, reference), bound);
+}

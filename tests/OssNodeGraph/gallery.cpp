@@ -1,3 +1,4 @@
+#include "OssCore/OssCoreServices.h"
 #include "OssNodeGraph/View/OssNgRenderer.h"
 #include "OssNodeGraph/View/OssNgView.h"
 #include "support/ExampleGraph.h"
@@ -39,6 +40,7 @@ int main(int argc, char **argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
+    const OssCoreServices services;
     const QString folder = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QDir::tempPath();
     QDir().mkpath(folder);
 

@@ -5,10 +5,12 @@
 #include "OssNodeGraph/Items/OssNgEdge.h"
 #include "OssNodeGraph/Items/OssNgSceneIndex.h"
 #include "OssNodeGraph/Items/OssNgUINode.h"
+#include "support/Text.h"
 
 #include <QMetaEnum>
 #include <QPainter>
 
+#include <array>
 #include <cmath>
 
 namespace {
@@ -19,11 +21,6 @@ QStringList list(std::initializer_list<const char *> names)
     for (const char *name : names)
         result.append(QString::fromLatin1(name));
     return result;
-}
-
-QString text(const char *latin)
-{
-    return QString::fromLatin1(latin);
 }
 
 QPixmap bricks()
@@ -39,11 +36,25 @@ QPixmap bricks()
     return picture;
 }
 
-QHash<QString, int> kinds(std::initializer_list<std::pair<const char *, OssNgPortKind>> entries)
+using Kind = OssNgPortKind;
+using Ports = std::initializer_list<std::pair<const char *, Kind>>;
+constexpr Kind Color = Kind::Color;
+constexpr Kind Scalar = Kind::Scalar;
+constexpr Kind Vector = Kind::Vector;
+
+QHash<QString, int> kinds(Ports ports)
 {
     QHash<QString, int> result;
-    for (const auto &entry : entries)
-        result.insert(QString::fromLatin1(entry.first), int(entry.second));
+    for (const auto &[name, kind] : ports)
+        result.insert(text(name), int(kind));
+    return result;
+}
+
+QStringList names(Ports ports)
+{
+    QStringList result;
+    for (const auto &port : ports)
+        result.append(text(port.first));
     return result;
 }
 
@@ -85,115 +96,115 @@ void GraphScene::connectNodes(OssNgNode *source, const QString &output, OssNgNod
     destination->attachInput(input, source, output);
 }
 
-void buildBrickWall(GraphScene *scene)
+namespace {
+
+/// The nodes of the wall by their titles.
+struct Wall
 {
-    using Kind = OssNgPortKind;
-    const QString out = text("Output");
-    const auto add = [&](const char *title, qreal x, qreal y, const char *category,
-                         std::initializer_list<const char *> inputs) {
-        // Positions are those of the bodies.
-        return scene->add(text(title), {x - 6.0, y - 6.0}, text(category), list(inputs), {out});
-    };
-    auto *brick = add("Brick", 84, 410, "Procedural", {"Size", "Mortar"});
-    brick->setPortKinds(kinds({{"Size", Kind::Scalar}, {"Mortar", Kind::Scalar}}), {});
-    auto *noise = add("Fractal Noise", 84, 540, "Procedural", {"Frequency"});
-    noise->setPortKinds(kinds({{"Frequency", Kind::Scalar}}), kinds({{"Output", Kind::Vector}}));
-    auto *warp = add("Warp", 262, 452, "Filter", {"Input", "Vector"});
-    warp->setPortKinds(kinds({{"Vector", Kind::Vector}}), {});
-    warp->setThumbnail(bricks());
-    auto *tiled = add("Tiled", 84, 200, "Procedural", {"TileImage"});
-    auto *levels = add("Levels", 262, 214, "Filter", {"Input"});
-    levels->setDisabled(true);
-    auto *merge = add("Merge", 596, 286, "Layer", {"Base", "Over", "Mask"});
-    merge->setPortKinds(kinds({{"Mask", Kind::Scalar}}), {});
-    auto *blur = add("Blur", 440, 430, "Filter", {"Input"});
-    blur->setPortKinds({}, kinds({{"Output", Kind::Scalar}}));
-    blur->setStale(true);
-    auto *roughness = add("Roughness", 596, 560, "Math", {"Base"});
-    roughness->setPortKinds(kinds({{"Base", Kind::Scalar}}), kinds({{"Output", Kind::Scalar}}));
-    auto *mortar = add("Mortar", 596, 140, "Group", {"Height", "Depth"});
-    mortar->setPortKinds(kinds({{"Height", Kind::Scalar}, {"Depth", Kind::Scalar}}),
-                         kinds({{"Output", Kind::Vector}}));
-    mortar->setShapeType(4);
-    mortar->updateShape();
-    auto *weathered = add("Weathered Brick", 772, 330, "Material",
-                          {"Base Color", "Roughness", "Normal", "Displace"});
-    weathered->setPortKinds(
-        kinds({{"Roughness", Kind::Scalar}, {"Normal", Kind::Vector}, {"Displace", Kind::Scalar}}),
-        kinds({{"Output", Kind::Material}}));
-    weathered->setShapeType(3);
-    weathered->updateShape();
-    auto *bake = add("Bake Point", 932, 210, "Bake", {"Input"});
-    bake->setPortKinds(kinds({{"Input", Kind::Material}}), {});
-    bake->setBaked(true);
-    auto *viewer = scene->add(text("Viewer"), {926, 464}, text("Viewer"),
-                              list({"0", "1", "2", "3"}), {});
-    viewer->setPortKinds(kinds({{"0", Kind::Material}, {"1", Kind::Material}}), {});
+    GraphScene *scene;
+    QHash<QString, OssNgExtendedNode *> nodes{};
+
+    /// `place` is that of the node's body.
+    OssNgExtendedNode *add(const char *title, const QPointF &place, const char *category,
+                           Ports inputs, Ports outputs = {{"Output", Color}})
+    {
+        auto *node = scene->add(text(title), place - QPointF(6, 6), text(category), names(inputs),
+                                names(outputs));
+        node->setPortKinds(kinds(inputs), kinds(outputs));
+        nodes.insert(text(title), node);
+        return node;
+    }
+};
+
+void addNodes(Wall *wall)
+{
+    wall->add("Brick", {84, 410}, "Procedural", {{"Size", Scalar}, {"Mortar", Scalar}});
+    wall->add("Fractal Noise", {84, 540}, "Procedural", {{"Frequency", Scalar}},
+              {{"Output", Vector}});
+    wall->add("Warp", {262, 452}, "Filter", {{"Input", Color}, {"Vector", Vector}})
+        ->setThumbnail(bricks());
+    wall->add("Tiled", {84, 200}, "Procedural", {{"TileImage", Color}});
+    wall->add("Levels", {262, 214}, "Filter", {{"Input", Color}})->setDisabled(true);
+    wall->add("Merge", {596, 286}, "Layer", {{"Base", Color}, {"Over", Color}, {"Mask", Scalar}});
+    wall->add("Blur", {440, 430}, "Filter", {{"Input", Color}}, {{"Output", Scalar}})
+        ->setStale(true);
+    wall->add("Roughness", {596, 560}, "Math", {{"Base", Scalar}}, {{"Output", Scalar}});
+    wall->add("Mortar", {596, 140}, "Group", {{"Height", Scalar}, {"Depth", Scalar}},
+              {{"Output", Vector}})
+        ->setShapeType(4);
+    wall->add("Weathered Brick", {772, 330}, "Material",
+              {{"Base Color", Color},
+               {"Roughness", Scalar},
+               {"Normal", Vector},
+               {"Displace", Scalar}},
+              {{"Output", Kind::Material}})
+        ->setShapeType(3);
+    for (const char *shaped : {"Mortar", "Weathered Brick"})
+        wall->nodes[text(shaped)]->updateShape();
+    wall->add("Bake Point", {932, 210}, "Bake", {{"Input", Kind::Material}})->setBaked(true);
+    auto *viewer = wall->add(
+        "Viewer", {932, 470}, "Viewer",
+        {{"0", Kind::Material}, {"1", Kind::Material}, {"2", Color}, {"3", Color}}, {});
     viewer->setInputPortText(text("0"), text("0:Current Material"));
     viewer->setVirtualInput(text("2"), true);
-    auto *cellular = add("Cellular", 262, 700, "Procedural", {"Scale"});
-    cellular->setPortKinds(kinds({{"Scale", Kind::Scalar}}), kinds({{"Output", Kind::Scalar}}));
-    cellular->setErrorText(text("Cannot read scratches.1003.exr: the image is truncated"));
-    auto *broadcast = scene->add(text("Broadcast (height)"), {78, 784}, text("TeleportBroadcast"),
-                                 list({"Input"}), {});
-    broadcast->setPortKinds(kinds({{"Input", Kind::Scalar}}), {});
+    wall->add("Cellular", {262, 700}, "Procedural", {{"Scale", Scalar}}, {{"Output", Scalar}})
+        ->setErrorText(text("Cannot read scratches.1003.exr: the image is truncated"));
+    auto *broadcast = wall->add("Broadcast (height)", {84, 790}, "TeleportBroadcast",
+                                {{"Input", Scalar}}, {});
     broadcast->setIconVisible(broadcast->addIcon(text("BroadcastNodeSignal")), true);
-
-    auto *backdrop = scene->add<OssNgBackdropNode>(QString(), {60, 360});
-    backdrop->setTitleText(text("Brick pattern"));
-    backdrop->setRect({0, 0, 372, 306});
-    auto *note = scene->add<OssNgUINode>(QString(), {730, 634});
-    note->setLabel(text("Mortar comes from the group; keep the warp below 0.2 or the grout "
-                        "breaks up."));
-
-    const auto wire = [&](OssNgNode *from, OssNgNode *to, const char *input) {
-        scene->connectNodes(from, out, to, text(input));
-    };
-    wire(brick, warp, "Input");
-    wire(noise, warp, "Vector");
-    wire(tiled, levels, "Input");
-    wire(levels, merge, "Base");
-    wire(warp, merge, "Over");
-    wire(blur, merge, "Mask");
-    wire(warp, blur, "Input");
-    wire(cellular, roughness, "Base");
-    wire(merge, weathered, "Base Color");
-    wire(roughness, weathered, "Roughness");
-    wire(mortar, weathered, "Normal");
-    wire(weathered, bake, "Input");
-    wire(weathered, viewer, "1");
-    wire(merge, viewer, "2");
-    weathered->input(text("Base Color"))->switchToDotableMode(true);
-    merge->input(text("Over"))->setActivated(true);
-    warp->setSelected(true);
 }
 
-void buildMarks(GraphScene *scene)
+void addWires(Wall *wall)
 {
-    const QStringList inputs = list({"Base", "Over", "Mask"});
-    const QStringList outputs = list({"Colour", "Height", "Normal map"});
-    const auto kind = kinds({{"Mask", OssNgPortKind::Scalar},
-                             {"Over", OssNgPortKind::Data},
-                             {"Height", OssNgPortKind::Scalar},
-                             {"Normal map", OssNgPortKind::Vector}});
-    int count = 0;
-    const auto add = [&](const QString &title) {
-        auto *node = scene->add(title, {210.0 * (count % 5), 140.0 * (count / 5)}, text("Filter"),
-                                inputs, list({"Output"}));
-        node->setPortKinds(kind, kind);
-        ++count;
-        return node;
-    };
+    const std::array<const char *, 3> wires[] = {{"Brick", "Warp", "Input"},
+                                                 {"Fractal Noise", "Warp", "Vector"},
+                                                 {"Tiled", "Levels", "Input"},
+                                                 {"Levels", "Merge", "Base"},
+                                                 {"Warp", "Merge", "Over"},
+                                                 {"Blur", "Merge", "Mask"},
+                                                 {"Warp", "Blur", "Input"},
+                                                 {"Cellular", "Roughness", "Base"},
+                                                 {"Merge", "Weathered Brick", "Base Color"},
+                                                 {"Roughness", "Weathered Brick", "Roughness"},
+                                                 {"Mortar", "Weathered Brick", "Normal"},
+                                                 {"Weathered Brick", "Bake Point", "Input"},
+                                                 {"Weathered Brick", "Viewer", "1"},
+                                                 {"Merge", "Viewer", "2"}};
+    for (const auto &[source, destination, input] : wires)
+        wall->scene->connectNodes(wall->nodes.value(text(source)), text("Output"),
+                                  wall->nodes.value(text(destination)), text(input));
+    wall->nodes[text("Weathered Brick")]->input(text("Base Color"))->switchToDotableMode(true);
+    wall->nodes[text("Merge")]->input(text("Over"))->setActivated(true);
+}
+
+/// The next of the nodes that show marks, five side by side; counts them.
+OssNgExtendedNode *addMarked(GraphScene *scene, int *count, const QString &title)
+{
+    const auto kind = kinds(
+        {{"Mask", Scalar}, {"Over", Kind::Data}, {"Height", Scalar}, {"Normal map", Vector}});
+    auto *node = scene->add(title, {210.0 * (*count % 5), 140.0 * (*count / 5)}, text("Filter"),
+                            list({"Base", "Over", "Mask"}), list({"Output"}));
+    node->setPortKinds(kind, kind);
+    ++*count;
+    return node;
+}
+
+void addPortListModes(GraphScene *scene, int *count)
+{
     const QMetaEnum modes = QMetaEnum::fromType<OssNgExtendedNode::PortListMode>();
-    OssNgExtendedNode *first = nullptr;
+    OssNgExtendedNode *last = nullptr;
     for (int i = 0; i < modes.keyCount(); ++i) {
-        auto *node = add(QString::fromLatin1(modes.key(i)));
-        node->setPortCluster(text("Stream"), {inputs[0], inputs[1]});
+        auto *node = addMarked(scene, count, text(modes.key(i)));
+        node->setPortCluster(text("Stream"), list({"Base", "Over"}));
         node->setPortListMode(OssNgExtendedNode::PortListMode(modes.value(i)));
-        if (first)
-            scene->connectNodes(first, text("Output"), node, inputs[2]);
-        first = node;
+        if (last)
+            scene->connectNodes(last, text("Output"), node, text("Mask"));
+        last = node;
     }
+}
+
+void addMarks(GraphScene *scene, int *count)
+{
     const std::pair<const char *, OssNgNode::Mark> marks[] = {
         {"System shader", OssNgNode::SystemShader},
         {"Bypassed", OssNgNode::Bypassed},
@@ -209,26 +220,51 @@ void buildMarks(GraphScene *scene)
     const OssNgEdge::Mark wires[] = {OssNgEdge::Bypassed, OssNgEdge::Shared,  OssNgEdge::Activated,
                                      OssNgEdge::Debug,    OssNgEdge::Virtual, OssNgEdge::Doomed,
                                      OssNgEdge::Inviting, OssNgEdge::Dotable};
+    const QColor debugColor(0xc0, 0x60, 0xff);
     OssNgNode *last = nullptr;
     int wire = 0;
-    for (const auto &entry : marks) {
-        auto *node = add(text(entry.first));
-        node->setDebugColor(QColor(0xc0, 0x60, 0xff));
-        node->setMark(entry.second, true);
-        if (last && count % 5 != 1 && wire < 8) {
-            OssNgEdge *edge = node->attachInput(inputs[0], last, text("Output"));
-            edge->setDebugColor(QColor(0xc0, 0x60, 0xff));
+    for (const auto &[title, mark] : marks) {
+        auto *node = addMarked(scene, count, text(title));
+        node->setDebugColor(debugColor);
+        node->setMark(mark, true);
+        if (last && *count % 5 != 1 && wire < 8) {
+            OssNgEdge *edge = node->attachInput(text("Base"), last, text("Output"));
+            edge->setDebugColor(debugColor);
             edge->setMark(wires[wire++], true);
         }
         last = node;
     }
+}
+
+} // namespace
+
+void buildBrickWall(GraphScene *scene)
+{
+    Wall wall{scene};
+    addNodes(&wall);
+    auto *backdrop = scene->add<OssNgBackdropNode>(QString(), {60, 360});
+    backdrop->setTitleText(text("Brick pattern"));
+    backdrop->setRect({0, 0, 372, 306});
+    auto *note = scene->add<OssNgUINode>(QString(), {730, 634});
+    note->setLabel(text("Mortar comes from the group; keep the warp below 0.2 or the grout "
+                        "breaks up."));
+    addWires(&wall);
+    wall.nodes[text("Warp")]->setSelected(true);
+}
+
+void buildMarks(GraphScene *scene)
+{
+    int count = 0;
+    addPortListModes(scene, &count);
+    addMarks(scene, &count);
     for (const int shape : {0, 3, 4, 7}) {
-        auto *node = add(QStringLiteral("Shape %1").arg(shape));
-        node->addOutputPorts(outputs);
+        auto *node = addMarked(scene, &count, QStringLiteral("Shape %1").arg(shape));
+        node->addOutputPorts(list({"Colour", "Height", "Normal map"}));
         node->setShapeType(shape);
         node->updateShape();
     }
-    auto *lengthy = add(text("A node whose name is far longer than any node should ever be wide"));
+    auto *lengthy = addMarked(
+        scene, &count, text("A node whose name is far longer than any node should ever be wide"));
     for (const char *icon : {"GeoChannel", "ActivePatchRange", "BakePointFiltered",
                              "BroadcastNodeSilent", "ReceiverNodeSignal"})
         lengthy->setIconVisible(lengthy->addIcon(text(icon)), true);
@@ -236,8 +272,7 @@ void buildMarks(GraphScene *scene)
     auto *dot = scene->add<OssNgDotNode>(QString(), {-80, 60});
     dot->addInputPort(text("Input"));
     dot->addOutputPort(text("Output"));
-    auto *chosen = scene->add<OssNgDotNode>(QString(), {-80, 160});
-    chosen->setSelected(true);
+    scene->add<OssNgDotNode>(QString(), {-80, 160})->setSelected(true);
 }
 
 void buildGrid(GraphScene *scene, int count)
@@ -245,7 +280,7 @@ void buildGrid(GraphScene *scene, int count)
     static const char *const categories[] = {"Procedural", "Filter", "Layer", "Math", "Material"};
     const QStringList inputs = list({"Base", "Over", "Mask", "Amount"});
     const QStringList outputs = list({"Output"});
-    const auto kind = kinds({{"Mask", OssNgPortKind::Scalar}, {"Amount", OssNgPortKind::Vector}});
+    const auto kind = kinds({{"Mask", Scalar}, {"Amount", Vector}});
     const int columns = std::max(1, int(std::sqrt(double(count))));
     std::vector<OssNgExtendedNode *> nodes;
     nodes.reserve(std::size_t(count));

@@ -1,127 +1,107 @@
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
 
-#include "OssNodeGraph/Items/OssNgBackdropNodeRectChangeUndo.h"
-#include "support/ExampleGraph.h"
-
-#include <gtest/gtest.h>
+#include "NodeFixture.h"
 
 #include <QSignalSpy>
 
 namespace {
 
-struct Room
+const QRectF Area(0, 0, 400, 300);
+
+/// A backdrop with one node on it and one beside it.
+class OssNgBackdropNodeTest : public testing::Test
 {
+protected:
+    OssNgBackdropNodeTest() { backdrop->setRect(Area); }
+
     GraphScene scene;
     OssNgBackdropNode *backdrop = scene.add<OssNgBackdropNode>(QString(), {0, 0});
-    OssNgExtendedNode *inside = scene.add(QStringLiteral("in"), {60, 60}, {}, {}, {});
-    OssNgExtendedNode *outside = scene.add(QStringLiteral("out"), {900, 60}, {}, {}, {});
-
-    Room() { backdrop->setRect({0, 0, 400, 300}); }
+    OssNgExtendedNode *inside = scene.add("in", {60, 60});
+    OssNgExtendedNode *outside = scene.add("out", {900, 60});
 };
 
-} // namespace
-
-TEST(OssNgBackdropNode, boundsAreTheRectangle)
+TEST_F(OssNgBackdropNodeTest, oneThatComesBackIsPaintedWhole)
 {
-    Room room;
-    EXPECT_EQ(room.backdrop->boundingRect(), QRectF(0, 0, 400, 300));
-    EXPECT_EQ(room.backdrop->rect(), QRectF(0, 0, 400, 300));
-}
-
-TEST(OssNgBackdropNode, oneThatComesBackIsPaintedWhole)
-{
-    Room room;
-    room.scene.removeItem(room.backdrop);
+    scene.removeItem(backdrop);
     QRectF painted;
-    QObject::connect(&room.scene, &QGraphicsScene::changed, &room.scene,
+    QObject::connect(&scene, &QGraphicsScene::changed, &scene,
                      [&painted](const QList<QRectF> &region) {
                          for (const QRectF &rect : region)
                              painted |= rect;
                      });
-    QCoreApplication::processEvents();
-    QCoreApplication::processEvents();
+    const auto waitForPainting = [] { // which comes in two rounds
+        QCoreApplication::processEvents();
+        QCoreApplication::processEvents();
+    };
+    waitForPainting();
     painted = {};
-    room.scene.addItem(room.backdrop);
-    QCoreApplication::processEvents();
-    QCoreApplication::processEvents();
-    EXPECT_TRUE(painted.contains(QRectF(0, 0, 400, 300)));
+    scene.addItem(backdrop);
+    waitForPainting();
+    EXPECT_TRUE(painted.contains(Area));
 }
 
-TEST(OssNgBackdropNode, nodesInsideIsLiveAndChildrenAreNot)
+TEST_F(OssNgBackdropNodeTest, nodesInsideIsLiveAndChildrenAreNot)
 {
-    Room room;
-    EXPECT_EQ(room.backdrop->nodesInside(), QList<OssNgNode *>{room.inside});
-    EXPECT_TRUE(room.backdrop->childrenList().isEmpty());
-    room.backdrop->refreshChildrenList();
-    room.inside->setPosition({900, 300});
-    EXPECT_TRUE(room.backdrop->nodesInside().isEmpty());
-    EXPECT_EQ(room.backdrop->childrenList().size(), 1);
+    EXPECT_EQ(backdrop->nodesInside(), QList<OssNgNode *>{inside});
+    EXPECT_TRUE(backdrop->childrenList().isEmpty());
+    backdrop->refreshChildrenList();
+    inside->setPosition({900, 300});
+    EXPECT_TRUE(backdrop->nodesInside().isEmpty());
+    EXPECT_EQ(backdrop->childrenList().size(), 1);
 }
 
-TEST(OssNgBackdropNode, deadChildIsNullInTheList)
+TEST_F(OssNgBackdropNodeTest, deadChildIsNullInTheList)
 {
-    Room room;
     auto child = std::make_unique<OssNgNode>();
     child->setPosition({40, 160});
-    room.scene.addItem(child.get());
-    room.backdrop->refreshChildrenList();
-    ASSERT_EQ(room.backdrop->childrenList().size(), 2);
+    scene.addItem(child.get());
+    backdrop->refreshChildrenList();
+    ASSERT_EQ(backdrop->childrenList().size(), 2);
     child.reset();
-    int dead = 0;
-    for (const auto &entry : room.backdrop->childrenList())
-        dead += entry.isNull() ? 1 : 0;
-    EXPECT_EQ(dead, 1);
+    const auto &children = backdrop->childrenList();
+    EXPECT_EQ(std::count_if(children.begin(), children.end(),
+                            [](const auto &entry) { return entry.isNull(); }),
+              1);
 }
 
-TEST(OssNgBackdropNode, movingByCodeLeavesChildrenWhereTheyAre)
+TEST_F(OssNgBackdropNodeTest, movingByCodeLeavesChildrenWhereTheyAre)
 {
-    Room room;
-    room.backdrop->refreshChildrenList();
-    room.backdrop->setPosition({50, 50});
-    EXPECT_EQ(room.inside->pos(), QPointF(60, 60));
+    backdrop->refreshChildrenList();
+    backdrop->setPosition({50, 50});
+    EXPECT_EQ(inside->pos(), QPointF(60, 60));
 }
 
-TEST(OssNgBackdropNode, onlyTitleBarAndEdgesTakeClicks)
+TEST_F(OssNgBackdropNodeTest, onlyTitleBarAndEdgesTakeClicks)
 {
-    Room room;
-    EXPECT_TRUE(room.backdrop->hitTest({200, 10}));
-    EXPECT_TRUE(room.backdrop->hitTest({398, 200}));
-    EXPECT_FALSE(room.backdrop->hitTest({200, 200}));
-    EXPECT_EQ(room.backdrop->resizeEdgesAt({399, 299}), Qt::RightEdge | Qt::BottomEdge);
-    EXPECT_EQ(room.backdrop->resizeEdgesAt({200, 14}), Qt::Edges());
+    EXPECT_TRUE(backdrop->hitTest({200, 10}));
+    EXPECT_TRUE(backdrop->hitTest({398, 200}));
+    EXPECT_FALSE(backdrop->hitTest({200, 200}));
+    EXPECT_EQ(backdrop->resizeEdgesAt({399, 299}), Qt::RightEdge | Qt::BottomEdge);
+    EXPECT_EQ(backdrop->resizeEdgesAt({1, 100}), Qt::Edges(Qt::LeftEdge));
+    for (const QPointF &none : {QPointF(200, 14), {-1, 100}, {401, 100}, {100, -1}, {100, 301}})
+        EXPECT_EQ(backdrop->resizeEdgesAt(none), Qt::Edges()) << none.x() << " " << none.y();
 }
 
-TEST(OssNgBackdropNode, rectUndoRestoresTheSize)
+TEST_F(OssNgBackdropNodeTest, zOrderIsAnnouncedForTheUserOnlyAndStaysBelowWires)
 {
-    Room room;
-    room.backdrop->saveBoundingRect();
-    room.backdrop->setRect({0, 0, 250, 200});
-    OssNgBackdropNodeRectChangeUndo step(room.backdrop);
-    step.undo();
-    EXPECT_EQ(room.backdrop->rect(), QRectF(0, 0, 400, 300));
-    step.redo();
-    EXPECT_EQ(room.backdrop->rect(), QRectF(0, 0, 250, 200));
-}
-
-TEST(OssNgBackdropNode, zOrderIsAnnouncedForTheUserOnlyAndStaysBelowWires)
-{
-    Room room;
-    QSignalSpy changed(room.backdrop, &OssNgBackdropNode::zOrderChanged);
-    room.backdrop->setZOrder(3);
+    const QSignalSpy changed(backdrop, &OssNgBackdropNode::zOrderChanged);
+    backdrop->setZOrder(3);
     EXPECT_EQ(changed.count(), 0);
-    room.backdrop->changeZOrder(5000);
-    EXPECT_EQ(changed.count(), 1);
-    room.backdrop->changeZOrder(5000);
-    EXPECT_EQ(changed.count(), 1) << "it lies there already";
-    EXPECT_LT(room.backdrop->zValue(), -1.0);
+    for (int i = 0; i < 2; ++i) {
+        backdrop->changeZOrder(5000);
+        EXPECT_EQ(changed.count(), 1) << "the second time it lies there already";
+    }
+    EXPECT_LT(backdrop->zValue(), -1.0);
 }
 
-TEST(OssNgBackdropNode, wrapLeavesRoomForTheTitle)
+TEST_F(OssNgBackdropNodeTest, wrapLeavesRoomForTheTitle)
 {
-    Room room;
+    backdrop->wrapAroundSelection({});
+    EXPECT_EQ(backdrop->sceneBoundingRect(), Area) << "nothing to go around";
     const QRectF bounds(1000, 1000, 300, 100);
-    room.backdrop->wrapAroundSelection(bounds);
-    const qreal title = room.backdrop->titleBarHeight();
-    EXPECT_EQ(room.backdrop->sceneBoundingRect(),
-              bounds.adjusted(-title, -2 * title, title, title));
+    backdrop->wrapAroundSelection(bounds);
+    const qreal title = backdrop->titleBarHeight();
+    EXPECT_EQ(backdrop->sceneBoundingRect(), bounds.adjusted(-title, -2 * title, title, title));
 }
+
+} // namespace

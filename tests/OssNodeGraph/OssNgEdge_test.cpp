@@ -1,27 +1,8 @@
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
 #include "OssNodeGraph/Items/OssNgSceneIndex.h"
-#include "OssNodeGraph/View/OssNgRenderer.h"
 #include "ViewFixture.h"
 
-#include <QPainter>
-
-#include <functional>
-
 // What a wire is like, and which port it takes when it is let go.
-
-namespace {
-
-QImage picture(GraphScene *scene)
-{
-    QImage image(700, 300, QImage::Format_RGB32);
-    image.fill(Qt::black);
-    QPainter painter(&image);
-    OssNgRenderer::paintSceneTo(&painter, scene, {-50, -50, 700, 300}, {0, 0, 700, 300});
-    painter.end();
-    return image;
-}
-
-} // namespace
 
 TEST_F(OssNgViewTest, wiresRunStraightOutOfPortsAsFarAsThereIsRoom)
 {
@@ -64,43 +45,14 @@ TEST_F(OssNgViewTest, wiresRunStraightOutOfPortsAsFarAsThereIsRoom)
 TEST_F(OssNgViewTest, everyStateOfAWireIsToBeSeenAndGoesAgain)
 {
     OssNgEdge *wire = b->attachInput(In, a, Out);
-    const QImage plain = picture(&scene);
-    QVector<QImage> seen{plain};
     wire->setDebugColor(Qt::magenta);
-    const std::pair<const char *, std::function<void(bool)>> states[] = {
-        {"passed by",
-         [wire](bool on) {
-             wire->setBypassed(on);
-         }},
-        {"shared",
-         [wire](bool on) {
-             wire->setShared(on);
-         }},
-        {"virtual",
-         [wire](bool on) {
-             wire->setVirtual(on);
-         }},
-        {"debugged",
-         [wire](bool on) {
-             wire->setDebug(on);
-         }},
-        {"chosen",
-         [wire](bool on) {
-             wire->setSelected(on);
-         }},
-        {"with a marker",
-         [wire](bool on) {
-             wire->switchToDotableMode(on);
-         }},
-    };
-    for (const auto &[name, set] : states) {
-        set(true);
-        const QImage marked = picture(&scene);
-        EXPECT_FALSE(seen.contains(marked)) << name;
-        seen.append(marked);
-        set(false);
-        EXPECT_EQ(picture(&scene), plain) << name;
-    }
+    States<QImage> states([this] { return picture(&scene, {-50, -50, 700, 300}, {700, 300}); });
+    states.expectOfItsOwn("passed by", [wire](bool on) { wire->setBypassed(on); });
+    states.expectOfItsOwn("shared", [wire](bool on) { wire->setShared(on); });
+    states.expectOfItsOwn("virtual", [wire](bool on) { wire->setVirtual(on); });
+    states.expectOfItsOwn("debugged", [wire](bool on) { wire->setDebug(on); });
+    states.expectOfItsOwn("chosen", [wire](bool on) { wire->setSelected(on); });
+    states.expectOfItsOwn("with a marker", [wire](bool on) { wire->switchToDotableMode(on); });
 }
 
 TEST_F(OssNgViewTest, wiresFollowTheColoursOfTheStyle)
@@ -127,12 +79,12 @@ TEST_F(OssNgViewTest, wiresFollowTheColoursOfTheStyle)
 
 TEST_F(OssNgViewTest, attachingWhatIsAttachedKeepsTheWire)
 {
-    a->addOutputPort(QStringLiteral("Second"));
-    auto *c = scene.add(QStringLiteral("C"), {300, 200}, {}, {In}, {Out});
-    c->attachInput(In, a, QStringLiteral("Second"));
+    a->addOutputPort(text("Second"));
+    auto *c = scene.add("C", {300, 200});
+    c->attachInput(In, a, text("Second"));
     b->attachInput(In, a, Out)->setShared(true);
     EXPECT_TRUE(b->attachInput(In, a, Out)->hasMark(OssNgEdge::Shared));
-    EXPECT_FALSE(b->attachInput(In, a, QStringLiteral("Second"))->hasMark(OssNgEdge::Shared));
+    EXPECT_FALSE(b->attachInput(In, a, text("Second"))->hasMark(OssNgEdge::Shared));
     b->attachInput(In, a, Out);
     a->removeOutputPort(Out);
     EXPECT_EQ(b->input(In), nullptr);
@@ -141,8 +93,8 @@ TEST_F(OssNgViewTest, attachingWhatIsAttachedKeepsTheWire)
 
 TEST_F(OssNgViewTest, aWireOnANodesBodyTakesTheFreeInputThatIsPreferred)
 {
-    const QString mask = QStringLiteral("Mask");
-    const QString third = QStringLiteral("Third");
+    const QString mask = text("Mask");
+    const QString third = text("Third");
 
     const struct
     {
@@ -155,7 +107,7 @@ TEST_F(OssNgViewTest, aWireOnANodesBodyTakesTheFreeInputThatIsPreferred)
     };
 
     for (const auto &c : cases) {
-        auto *node = scene.add(QStringLiteral("C"), {300, 150}, {}, {}, {Out});
+        auto *node = scene.add("C", {300, 150}, {}, {Out});
         for (const QString &name : {mask, In, third})
             node->addInputPort(name, c.preferred.contains(name));
         for (const QString &name : c.taken)
@@ -169,8 +121,8 @@ TEST_F(OssNgViewTest, aWireOnANodesBodyTakesTheFreeInputThatIsPreferred)
 
 TEST_F(OssNgViewTest, ofTwoPortsInReachTheNearerOneTakesTheWire)
 {
-    const QStringList names{QStringLiteral("One"), QStringLiteral("Two"), QStringLiteral("Three")};
-    auto *node = scene.add(QStringLiteral("C"), {300, 150}, {}, names, {Out});
+    const QStringList names{text("One"), text("Two"), text("Three")};
+    auto *node = scene.add("C", {300, 150}, names, {Out});
     for (const QString &name : names) {
         node->detachInput(name);
         drag(a->outputPortScenePos(Out), node->inputPortScenePos(name) - QPointF(3, 0));
@@ -184,44 +136,36 @@ TEST_F(OssNgViewTest, aClickOnAWireSelectsItAndShiftAddsOrTakesAway)
     OssNgEdge *wire = b->attachInput(In, a, Out);
     const QPointF place = wire->path().pointAtPercent(0.5);
     a->setSelected(true);
-    const auto click = [&](Qt::KeyboardModifiers modifiers) {
-        press(place, Qt::LeftButton, modifiers);
-        release(place);
-    };
-    click(Qt::ShiftModifier);
+    click(place, Qt::ShiftModifier);
     EXPECT_TRUE(wire->isSelected() && a->isSelected());
-    click(Qt::ShiftModifier);
+    click(place, Qt::ShiftModifier);
     EXPECT_TRUE(!wire->isSelected() && a->isSelected());
-    click({});
+    click(place);
     EXPECT_TRUE(wire->isSelected() && !a->isSelected());
     EXPECT_EQ(b->input(In), wire);
 }
 
-TEST_F(OssNgViewTest, wiresLightUpUnderThePointerOnly)
+TEST_F(OssNgViewTest, aVirtualWireIsNoUsersToTake)
 {
+    b->setVirtualInput(In, true);
     OssNgEdge *wire = b->attachInput(In, a, Out);
-    auto *c = scene.add(QStringLiteral("C"), {300, 200}, {}, {In}, {Out});
-    OssNgEdge *other = c->attachInput(In, a, Out);
-    move(wire->path().pointAtPercent(0.6), Qt::NoButton);
-    EXPECT_TRUE(wire->hovered() && !other->hovered());
-    move(other->path().pointAtPercent(0.6), Qt::NoButton);
-    EXPECT_TRUE(!wire->hovered() && other->hovered());
-    move(body(b), Qt::NoButton);
-    EXPECT_TRUE(!other->hovered() && b->hovered());
-    QEvent leave(QEvent::Leave);
-    QCoreApplication::sendEvent(&view, &leave);
-    EXPECT_FALSE(b->hovered());
-    move(wire->path().pointAtPercent(0.6), Qt::NoButton);
-    b->detachInput(In);
-    move({250, 280}, Qt::NoButton); // the wire is dead
-    EXPECT_FALSE(other->hovered());
+    ASSERT_TRUE(wire->isVirtual());
+    const QPointF place = wire->path().pointAtPercent(0.5);
+    drag(place, place + QPointF(0, 150));
+    EXPECT_EQ(b->input(In), wire) << "it stays";
+    EXPECT_TRUE(b->isVirtualInput(In));
+    b->setVirtualInput(In, false);
+    EXPECT_FALSE(b->isVirtualInput(In));
+    b->attachInput(In, nullptr, Out);
+    EXPECT_EQ(b->input(In), nullptr);
+    EXPECT_FALSE(b->attachInput(In, a, Out)->isVirtual());
 }
 
 TEST_F(OssNgViewTest, aChosenWireLiesAboveThoseThatItCrosses)
 {
     b->setPosition({300, 200});
-    auto *c = scene.add(QStringLiteral("C"), {0, 200}, {}, {In}, {Out});
-    auto *d = scene.add(QStringLiteral("D"), {300, 0}, {}, {In}, {Out});
+    auto *c = scene.add("C", {0, 200});
+    auto *d = scene.add("D", {300, 0});
     OssNgEdge *down = b->attachInput(In, a, Out);
     OssNgEdge *up = d->attachInput(In, c, Out);
     const QPointF crossing = down->path().pointAtPercent(0.5);
@@ -230,7 +174,7 @@ TEST_F(OssNgViewTest, aChosenWireLiesAboveThoseThatItCrosses)
     for (OssNgEdge *wire : {down, up}) {
         scene.clearSelection();
         wire->setSelected(true);
-        const QColor seen = view.grab().toImage().pixelColor(at(crossing));
+        const QColor seen = shown().pixelColor(at(crossing));
         EXPECT_LT(std::abs(seen.red() - accent.red()) + std::abs(seen.green() - accent.green())
                       + std::abs(seen.blue() - accent.blue()),
                   60);

@@ -1,7 +1,9 @@
 #include "OssNodeGraph/Items/OssNgSceneIndex.h"
 
+#include "OssNodeGraph/Items/OssNgDotNode.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
 #include "support/ExampleGraph.h"
+#include "support/Text.h"
 
 #include <gtest/gtest.h>
 
@@ -10,8 +12,8 @@
 
 namespace {
 
-const QString In = QStringLiteral("Base");
-const QString Out = QStringLiteral("Output");
+const QString In = text("Base");
+const QString Out = text("Output");
 
 } // namespace
 
@@ -56,8 +58,8 @@ TEST(OssNgSceneIndex, agreesWithAWalkOverAllItemsAfterRandomMoves)
 TEST(OssNgSceneIndex, topmostNodeTakesTheClick)
 {
     GraphScene scene;
-    auto *lower = scene.add(QStringLiteral("lower"), {0, 0});
-    auto *upper = scene.add(QStringLiteral("upper"), {40, 5});
+    auto *lower = scene.add(text("lower"), {0, 0});
+    auto *upper = scene.add(text("upper"), {40, 5});
     const OssNgSceneIndex &index = *OssNgSceneIndex::of(&scene);
     EXPECT_EQ(index.nodeAt({100, 20}), upper);
     EXPECT_EQ(index.nodeAt({20, 20}), lower);
@@ -70,8 +72,8 @@ TEST(OssNgSceneIndex, topmostNodeTakesTheClick)
 TEST(OssNgSceneIndex, longWireIsFoundAllAlong)
 {
     GraphScene scene;
-    auto *a = scene.add(QStringLiteral("a"), {0, 0}, {}, {}, {Out});
-    auto *b = scene.add(QStringLiteral("b"), {30000, 20000}, {}, {In}, {});
+    auto *a = scene.add("a", {0, 0}, {}, {Out});
+    auto *b = scene.add("b", {30000, 20000}, {In}, {});
     const OssNgEdge *edge = b->attachInput(In, a, Out);
     const OssNgSceneIndex &index = *OssNgSceneIndex::of(&scene);
     for (const qreal t : {0.05, 0.3, 0.5, 0.8, 0.95})
@@ -96,4 +98,24 @@ TEST(OssNgSceneIndex, everyItemLeavesNoTrace)
         EXPECT_TRUE(other.items().isEmpty());
     }
     EXPECT_TRUE(index.visibleNodeBounds().isEmpty());
+}
+
+TEST(OssNgSceneIndex, parentsThatLostAllTheirNodesAreNotKeptForEver)
+{
+    QGraphicsScene many;
+    int most = 0;
+    std::vector<std::unique_ptr<OssNgDotNode>> kept;
+    for (int round = 0; round < 5; ++round) {
+        std::vector<std::unique_ptr<OssNgDotNode>> nodes;
+        for (int i = 0; i < 640; ++i) {
+            nodes.push_back(std::make_unique<OssNgDotNode>());
+            many.addItem(nodes.back().get());
+        }
+        kept.push_back(std::move(nodes.back()));
+        nodes.clear();
+        most = std::max(most, many.items().size());
+    }
+    EXPECT_LT(most, 80);
+    for (const auto &node : kept)
+        EXPECT_EQ(node->scene(), &many);
 }

@@ -1,15 +1,11 @@
 #pragma once
 
+#include "NodeFixture.h"
+#include "OssNodeGraph/Items/OssNgBackdropNode.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
 #include "OssNodeGraph/View/OssNgView.h"
-#include "support/ExampleGraph.h"
-
-#include <gtest/gtest.h>
 
 #include <QtTest>
-
-inline const QString In = QStringLiteral("Input");
-inline const QString Out = QStringLiteral("Output");
 
 class TestView : public OssNgView
 {
@@ -67,6 +63,12 @@ protected:
         QTest::mouseRelease(view.viewport(), button, {}, at(scenePos));
     }
 
+    void click(const QPointF &scenePos, Qt::KeyboardModifiers modifiers = {})
+    {
+        press(scenePos, Qt::LeftButton, modifiers);
+        release(scenePos);
+    }
+
     void drag(const QPointF &from, const QPointF &to)
     {
         press(from);
@@ -75,13 +77,26 @@ protected:
         release(to);
     }
 
+    /// What stands on the screen.
+    QImage shown() { return view.grab().toImage(); }
+
+    /// The middle of what is seen.
+    QPointF middle() const { return view.viewportInSceneCoords().center(); }
+
+    OssNgBackdropNode *addBackdrop(const QRectF &area)
+    {
+        auto *backdrop = scene.add<OssNgBackdropNode>(QString(), area.topLeft());
+        backdrop->setRect({QPointF(), area.size()});
+        return backdrop;
+    }
+
     QPointF body(const OssNgNode *node) const
     {
         return node->pos() + node->bodyRect().topLeft() + QPointF(40, 13);
     }
 
     GraphScene scene;
-    OssNgExtendedNode *a = scene.add(QStringLiteral("A"), {0, 0}, {}, {In}, {Out});
-    OssNgExtendedNode *b = scene.add(QStringLiteral("B"), {300, 40}, {}, {In}, {Out});
+    OssNgExtendedNode *a = scene.add("A", {0, 0});
+    OssNgExtendedNode *b = scene.add("B", {300, 40});
     TestView view;
 };

@@ -90,6 +90,12 @@ OssNgExtendedNode *GraphScene::add(const QString &title, const QPointF &position
     return node;
 }
 
+OssNgExtendedNode *GraphScene::add(const char *title, const QPointF &position,
+                                   const QStringList &inputs, const QStringList &outputs)
+{
+    return add(text(title), position, {}, inputs, outputs);
+}
+
 void GraphScene::connectNodes(OssNgNode *source, const QString &output, OssNgNode *destination,
                               const QString &input)
 {

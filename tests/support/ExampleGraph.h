@@ -28,6 +28,9 @@ public:
     /// An extended node with one row for each port.
     OssNgExtendedNode *add(const QString &text, const QPointF &position, const QString &category,
                            const QStringList &inputs, const QStringList &outputs);
+    OssNgExtendedNode *add(const char *title, const QPointF &position,
+                           const QStringList &inputs = {QStringLiteral("Input")},
+                           const QStringList &outputs = {QStringLiteral("Output")});
     void connectNodes(OssNgNode *source, const QString &output, OssNgNode *destination,
                       const QString &input);
 

@@ -1,3 +1,5 @@
+#include "support/Text.h"
+
 #include <gtest/gtest.h>
 
 #include <QDirIterator>
@@ -22,32 +24,55 @@ struct Layer
 const QVector<Layer> &layers()
 {
     const auto list = [](const char *names) {
-        return QString::fromLatin1(names).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+        return text(names).split(QLatin1Char(' '), Qt::SkipEmptyParts);
     };
     static const QVector<Layer> table{
-        {QStringLiteral("host/ZelGL"), {}},
-        {QStringLiteral("host/OssCore"), {}, list("Values Program Undo Documents")},
-        {QStringLiteral("host/OssEvaluation"),
+        {text("host/ZelGL"), {}},
+        {text("host/OssCore"), {}, list("Values Program Undo Documents")},
+        {text("host/OssEvaluation"),
          {},
          list("Values Geometry Graph Kernels Schedule Files Paint")},
-        {QStringLiteral("host/OssNodeGraph"), list("OssCore"),
-         list("Drawing Index Items Gestures View")},
-        {QStringLiteral("host/OssModel"), list("OssCore OssEvaluation"),
+        {text("host/OssNodeGraph"), list("OssCore"), list("Drawing Index Items Gestures View")},
+        {text("host/OssModel"), list("OssCore OssEvaluation"),
          list("Types Images Objects Graph Nodes Layers Evaluation Project")},
-        {QStringLiteral("host/OssInterface"), list("OssCore OssEvaluation OssModel"),
+        {text("host/OssInterface"), list("OssCore OssEvaluation OssModel"),
          list("Actions Palettes Popups Widgets Properties Dialogs DragAndDrop")},
-        {QStringLiteral("host/OssScriptObjects"), list("OssCore OssModel OssInterface")},
-        {QStringLiteral("host/OssScripting"), list("OssCore OssInterface OssScriptObjects")},
-        {QStringLiteral("OssShaderNetworkNodeGraphViewContext"),
+        {text("host/OssScriptObjects"), list("OssCore OssModel OssInterface")},
+        {text("host/OssScripting"), list("OssCore OssInterface OssScriptObjects")},
+        {text("OssShaderNetworkNodeGraphViewContext"),
          list("OssCore OssModel OssInterface OssScriptObjects OssNodeGraph ZelGL"),
          list("Layout Panels Contexts Manager View OssAPI")},
-        {QStringLiteral("host/Ossa"),
+        {text("host/Ossa"),
          list("OssCore OssEvaluation OssModel OssInterface OssScriptObjects OssScripting "
               "OssNodeGraph ZelGL"),
          list("Common Plugins Headless Pictures Dialogs Commands Viewer Scripting Palettes Window "
               "Start")},
     };
     return table;
+}
+
+QStringList sourcesBelow(const QString &folder)
+{
+    const QString root = qEnvironmentVariable("OSSA_ROOT") + QLatin1Char('/');
+    QDirIterator files(root + folder, {text("*.h"), text("*.cpp")}, QDir::Files,
+                       QDirIterator::Subdirectories);
+    QStringList found;
+    while (files.hasNext())
+        found.append(files.next());
+    EXPECT_FALSE(found.isEmpty()) << qPrintable(root + folder);
+    return found;
+}
+
+/// What an expression captures in a file, line by line.
+QStringList captured(const QString &path, const QRegularExpression &expression)
+{
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(path);
+    QStringList found;
+    auto matches = expression.globalMatch(QString::fromUtf8(file.readAll()));
+    while (matches.hasNext())
+        found.append(matches.next().captured(1));
+    return found;
 }
 
 /// Of "A/B/c.h" in includes of ours: the layer and, where there is one, the room. Rooms of the
@@ -62,16 +87,12 @@ struct Include
 QVector<Include> includesOf(const QString &path, const Layer &from)
 {
     static const QRegularExpression line(
-        QStringLiteral("^\\s*#include [<\"](Oss[^\">]+\\.h|[^\">]+\\.h(?=\"))"),
+        text("^\\s*#include [<\"](Oss[^\">]+\\.h|[^\">]+\\.h(?=\"))"),
         QRegularExpression::MultilineOption);
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(path);
     QVector<Include> found;
-    auto matches = line.globalMatch(QString::fromUtf8(file.readAll()));
-    while (matches.hasNext()) {
-        const QString named = matches.next().captured(1);
+    for (const QString &named : captured(path, line)) {
         const QStringList parts = named.split(QLatin1Char('/'));
-        EXPECT_FALSE(parts.contains(QStringLiteral("..")))
+        EXPECT_FALSE(parts.contains(text("..")))
             << qPrintable(path) << " includes " << qPrintable(named);
         if (parts.size() == 1 || from.rooms.contains(parts.first()))
             found.append({from.name(), parts.size() == 1 ? QString() : parts.first(), named});
@@ -81,24 +102,16 @@ QVector<Include> includesOf(const QString &path, const Layer &from)
     return found;
 }
 
-QString rootFolder()
-{
-    return qEnvironmentVariable("OSSA_ROOT") + QLatin1Char('/');
-}
-
 TEST(Layers, everyIncludeStaysWithinWhatTheLayerAndTheRoomMayUse)
 {
     ASSERT_FALSE(qEnvironmentVariableIsEmpty("OSSA_ROOT")) << "OSSA_ROOT names the source tree";
     int files = 0;
     for (const Layer &layer : layers()) {
         const QString own = layer.name();
-        const QString folder = rootFolder() + layer.folder + QLatin1Char('/');
-        QDirIterator sources(folder, {QStringLiteral("*.h"), QStringLiteral("*.cpp")}, QDir::Files,
-                             QDirIterator::Subdirectories);
-        while (sources.hasNext()) {
-            const QString path = sources.next();
+        for (const QString &path : sourcesBelow(layer.folder)) {
             ++files;
-            const QString inside = path.mid(folder.size());
+            const QString folder = QLatin1Char('/') + layer.folder + QLatin1Char('/');
+            const QString inside = path.mid(path.indexOf(folder) + folder.size());
             const QString room = inside.contains(QLatin1Char('/'))
                                      ? inside.section(QLatin1Char('/'), 0, 0)
                                      : QString();
@@ -114,7 +127,7 @@ TEST(Layers, everyIncludeStaysWithinWhatTheLayerAndTheRoomMayUse)
                     << qPrintable(path) << " includes " << qPrintable(used.file);
                 // What a library's root has stands on all its rooms; the plug-in's is its classes.
                 EXPECT_TRUE(!used.room.isEmpty() || used.file.endsWith(QLatin1String("_export.h"))
-                            || layer.rooms.contains(QStringLiteral("Layout")))
+                            || layer.rooms.contains(text("Layout")))
                     << qPrintable(path) << " includes " << qPrintable(used.file);
             }
         }
@@ -126,14 +139,10 @@ TEST(Layers, everyIncludeStaysWithinWhatTheLayerAndTheRoomMayUse)
 TEST(Layers, placementInTheGraphKnowsOnlyPlainValues)
 {
     const auto plugin = std::find_if(layers().begin(), layers().end(), [](const Layer &layer) {
-        return layer.rooms.contains(QStringLiteral("Layout"));
+        return layer.rooms.contains(text("Layout"));
     });
     ASSERT_TRUE(plugin != layers().end());
-    QDirIterator sources(rootFolder() + plugin->folder + QStringLiteral("/Layout"),
-                         {QStringLiteral("*.h"), QStringLiteral("*.cpp")}, QDir::Files);
-    EXPECT_TRUE(sources.hasNext());
-    while (sources.hasNext()) {
-        const QString path = sources.next();
+    for (const QString &path : sourcesBelow(plugin->folder + text("/Layout"))) {
         for (const Include &used : includesOf(path, *plugin))
             EXPECT_TRUE(used.room == QLatin1String("Layout"))
                 << qPrintable(path) << " includes " << qPrintable(used.file);
@@ -144,25 +153,16 @@ TEST(Layers, placementInTheGraphKnowsOnlyPlainValues)
 TEST(Layers, theModelKnowsNoWidgets)
 {
     const QStringList widgets = QDir(QLibraryInfo::location(QLibraryInfo::HeadersPath)
-                                     + QStringLiteral("/QtWidgets"))
+                                     + text("/QtWidgets"))
                                     .entryList(QDir::Files);
-    ASSERT_TRUE(widgets.contains(QStringLiteral("QPushButton")));
-    static const QRegularExpression include(QStringLiteral("^\\s*#include <(?:Qt\\w+/)?([\\w.]+)>"),
+    ASSERT_TRUE(widgets.contains(text("QPushButton")));
+    static const QRegularExpression include(text("^\\s*#include <(?:Qt\\w+/)?([\\w.]+)>"),
                                             QRegularExpression::MultilineOption);
     for (const char *layer : {"host/OssCore", "host/OssModel", "host/OssEvaluation"}) {
-        QDirIterator sources(rootFolder() + QString::fromLatin1(layer),
-                             {QStringLiteral("*.h"), QStringLiteral("*.cpp")}, QDir::Files,
-                             QDirIterator::Subdirectories);
-        EXPECT_TRUE(sources.hasNext()) << layer;
-        while (sources.hasNext()) {
-            QFile file(sources.next());
-            ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-            auto matches = include.globalMatch(QString::fromUtf8(file.readAll()));
-            while (matches.hasNext()) {
-                const QString name = matches.next().captured(1);
+        for (const QString &path : sourcesBelow(text(layer))) {
+            for (const QString &name : captured(path, include))
                 EXPECT_FALSE(widgets.contains(name))
-                    << qPrintable(file.fileName()) << " includes " << qPrintable(name);
-            }
+                    << qPrintable(path) << " includes " << qPrintable(name);
         }
     }
 }
@@ -170,18 +170,10 @@ TEST(Layers, theModelKnowsNoWidgets)
 // The thread sanitizer can see standard locks, not Qt's.
 TEST(Layers, pixelsAreComputedWithoutQt)
 {
-    const QString folder = rootFolder() + QStringLiteral("host/OssEvaluation");
-    const QRegularExpression include(QStringLiteral("^\\s*#include [<\"]Q"),
-                                     QRegularExpression::MultilineOption);
-    QDirIterator sources(folder, {QStringLiteral("*.h"), QStringLiteral("*.cpp")}, QDir::Files,
-                         QDirIterator::Subdirectories);
-    EXPECT_TRUE(sources.hasNext()) << qPrintable(folder);
-    while (sources.hasNext()) {
-        QFile file(sources.next());
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        EXPECT_FALSE(include.match(QString::fromUtf8(file.readAll())).hasMatch())
-            << qPrintable(file.fileName());
-    }
+    static const QRegularExpression include(text("^\\s*#include [<\"](Q.*)$"),
+                                            QRegularExpression::MultilineOption);
+    for (const QString &path : sourcesBelow(text("host/OssEvaluation")))
+        EXPECT_EQ(captured(path, include), QStringList()) << qPrintable(path);
 }
 
 } // namespace

@@ -1,10 +1,11 @@
 #include "OssCore/Documents/OssAtomicFile.h"
 
+#include "support/FileSizeLimit.h"
 #include "support/SystemCallFaults.h"
+#include "support/Text.h"
 
 #include <gtest/gtest.h>
 #include <sys/file.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <QDir>
@@ -12,7 +13,6 @@
 #include <QTemporaryDir>
 
 #include <cerrno>
-#include <csignal>
 #include <functional>
 #include <map>
 #include <string>
@@ -21,32 +21,6 @@
 #include <unistd.h>
 
 namespace {
-
-/// No file can grow beyond the limit: what a full disk does to a writer.
-class FileSizeLimit
-{
-public:
-    explicit FileSizeLimit(rlim_t bytes)
-        : m_handler(std::signal(SIGXFSZ, SIG_IGN))
-    {
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limit{bytes, m_before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-
-    FileSizeLimit(const FileSizeLimit &) = delete;
-    FileSizeLimit &operator=(const FileSizeLimit &) = delete;
-
-    ~FileSizeLimit()
-    {
-        setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_handler);
-    }
-
-private:
-    void (*m_handler)(int);
-    rlimit m_before = {};
-};
 
 /// What new files of this process may not be allowed.
 class FileModeMask
@@ -90,9 +64,9 @@ class AtomicFileTest : public testing::Test
 {
 protected:
     QTemporaryDir m_folder;
-    QString m_path = m_folder.filePath(QStringLiteral("file"));
+    QString m_path = m_folder.filePath(text("file"));
 
-    QString at(const char *name) const { return m_folder.filePath(QString::fromUtf8(name)); }
+    QString at(const char *name) const { return m_folder.filePath(text(name)); }
 
     int filesLeft() const
     {
@@ -140,10 +114,10 @@ TEST_F(AtomicFileTest, aWriteThatFailsKeepsTheOldFileAndLeavesNoOther)
     }
     const OssResult refused = OssAtomicFile::write(m_path, "new", [](const QByteArray &written) {
         EXPECT_EQ(written, "new");
-        return OssResult::failure(QStringLiteral("not good"));
+        return OssResult::failure(text("not good"));
     });
     EXPECT_FALSE(refused);
-    EXPECT_TRUE(refused.error().contains(QLatin1String("not good")));
+    EXPECT_TRUE(refused.error().contains(text("not good")));
     EXPECT_EQ(contentOf(m_path), "old");
     EXPECT_EQ(filesLeft(), 1);
 }
@@ -182,7 +156,7 @@ TEST_F(AtomicFileTest, aDiskThatKeepsOtherBytesIsNoticed)
         asked = false;
     }
     ASSERT_FALSE(result);
-    EXPECT_TRUE(result.error().contains(QLatin1String("reads back differently")))
+    EXPECT_TRUE(result.error().contains(text("reads back differently")))
         << qPrintable(result.error());
     EXPECT_FALSE(asked) << "what is spoilt need not be looked at";
     EXPECT_EQ(filesLeft(), 1);
@@ -258,7 +232,7 @@ TEST_F(AtomicFileTest, aNewFileGetsWhatTheUserGivesNewFiles)
 TEST_F(AtomicFileTest, linksToLinksAndToNothingYetStayLinks)
 {
     ASSERT_TRUE(OssAtomicFile::write(m_path, "old"));
-    ASSERT_TRUE(QFile::link(QStringLiteral("file"), at("first")));
+    ASSERT_TRUE(QFile::link(text("file"), at("first")));
     ASSERT_TRUE(QFile::link(at("first"), at("second")));
     ASSERT_TRUE(OssAtomicFile::write(at("second"), "new"));
     EXPECT_EQ(contentOf(m_path), "new");
@@ -285,7 +259,7 @@ TEST_F(AtomicFileTest, whereNothingCanBeWrittenIsSaid)
         ASSERT_FALSE(result) << name;
         EXPECT_TRUE(result.error().contains(at(name))) << qPrintable(result.error());
     }
-    QDir(m_folder.path()).mkdir(QStringLiteral("folder"));
+    QDir(m_folder.path()).mkdir(text("folder"));
     EXPECT_FALSE(OssAtomicFile::write(at("folder"), "new")) << "a folder is not replaced";
     EXPECT_TRUE(QFileInfo(at("folder")).isDir());
     EXPECT_EQ(filesLeft(), 1);
@@ -389,10 +363,10 @@ TEST_F(AtomicFileTest, foldersAreMadeWithThoseAboveThem)
         ASSERT_TRUE(made) << name << ": " << qPrintable(made.error());
         EXPECT_TRUE(QFileInfo(at(name)).isDir() || QFileInfo(at("a/f")).isDir()) << name;
     }
-    EXPECT_TRUE(OssAtomicFile::makeFolder(QStringLiteral("/")));
+    EXPECT_TRUE(OssAtomicFile::makeFolder(text("/")));
     const OssResult nameless = OssAtomicFile::makeFolder(QString());
     ASSERT_FALSE(nameless);
-    EXPECT_TRUE(nameless.error().contains(QLatin1String("without a name")));
+    EXPECT_TRUE(nameless.error().contains(text("without a name")));
 }
 
 TEST_F(AtomicFileTest, aFileInAFoldersPlaceIsNoFolder)
@@ -420,8 +394,8 @@ TEST_F(AtomicFileTest, readingRefusesWhatIsNoFileOrTooLarge)
     const auto refusal = [&content](const QString &path, qint64 maximum) {
         return OssAtomicFile::read(path, maximum, &content).error();
     };
-    EXPECT_TRUE(refusal(m_path, 10).contains(QLatin1String("there is no such file")));
-    EXPECT_TRUE(refusal(m_folder.path(), 10).contains(QLatin1String("it is not a file")));
+    EXPECT_TRUE(refusal(m_path, 10).contains(text("there is no such file")));
+    EXPECT_TRUE(refusal(m_folder.path(), 10).contains(text("it is not a file")));
     ASSERT_TRUE(OssAtomicFile::write(m_path, "12345678901"));
     EXPECT_TRUE(refusal(m_path, 10).contains(m_path));
     EXPECT_TRUE(content.isEmpty());

@@ -5,6 +5,7 @@
 #include "OssCore/Values/OssUserEnum.h"
 #include "OssCore/Values/OssValueText.h"
 #include "support/OtherValue.h"
+#include "support/Text.h"
 
 #include <gtest/gtest.h>
 
@@ -15,13 +16,13 @@
 
 namespace {
 
-const QStringList Modes{QStringLiteral("Add"), QStringLiteral("2"), QStringLiteral("Mix")};
+const QStringList Modes{text("Add"), text("2"), text("Mix")};
 
 OssCustomAttribute attributeOf(const OssAttributeKind &kind)
 {
     const QVariant read = OssValueText::fromText(kind.defaultText, kind.form.type);
     OssCustomAttribute attribute(
-        QStringLiteral("Value"),
+        text("Value"),
         OssAttributeKind::like(OssAttributeKind::empty(kind.form.type, Modes), read));
     if (!kind.isPlain())
         attribute.editDefinition().editor = kind.name;
@@ -79,22 +80,22 @@ TEST(AttributeKinds, whatIsNoValueOfAKindIsRefused)
     {
         QVariant example;
         QVariant value;
-    } cases[] = {{1.5, QStringLiteral("seven")},
+    } cases[] = {{1.5, text("seven")},
                  {1, 1e10},
                  {1, nothing},
                  {1, qlonglong(1) << 40},
-                 {true, QStringLiteral("maybe")},
-                 {color, QStringLiteral("red")},
+                 {true, text("maybe")},
+                 {color, text("red")},
                  {color, QVariantList{1.0, 2.0}},
-                 {color, QVariantList{1.0, QStringLiteral("x"), 2.0}},
+                 {color, QVariantList{1.0, text("x"), 2.0}},
                  {color, QVariantList{nothing, 0.0, 0.0}},
                  {color, QVariant::fromValue(OssColor(nothing, 0, 0))},
                  {QPointF(), QVariantList{1.0, 2.0, 3.0}},
                  {QPointF(), QPointF(0.0, nothing)},
-                 {mode(Modes, 0), QStringLiteral("Screen")},
+                 {mode(Modes, 0), text("Screen")},
                  {mode(Modes, 0), -1},
                  {mode(Modes, 0), nothing},
-                 {mode(Modes, 0), mode({QStringLiteral("Screen")}, 0)},
+                 {mode(Modes, 0), mode({text("Screen")}, 0)},
                  {QString(), QVariant()}};
 
     for (const auto &one : cases)
@@ -108,10 +109,10 @@ TEST(AttributeKinds, aChoiceGoesByNameWhereListsDifferAndByNumberWhereItHasNone)
     const auto number = [&example](const QVariant &value) {
         return OssAttributeKind::like(example, value).value<OssUserEnum>().currentValue();
     };
-    EXPECT_EQ(number(QStringLiteral("Mix")), 2);
-    EXPECT_EQ(number(QStringLiteral("2")), 1) << "a name that looks like a number is a name";
-    EXPECT_EQ(number(QStringLiteral("0")), 0);
-    EXPECT_EQ(number(mode({QStringLiteral("Mix"), QStringLiteral("Add")}, 0)), 2);
+    EXPECT_EQ(number(text("Mix")), 2);
+    EXPECT_EQ(number(text("2")), 1) << "a name that looks like a number is a name";
+    EXPECT_EQ(number(text("0")), 0);
+    EXPECT_EQ(number(mode({text("Mix"), text("Add")}, 0)), 2);
     EXPECT_EQ(number(mode({}, 7)), 7) << "of a newer type";
     EXPECT_EQ(number(mode(Modes, 7)), 7);
     EXPECT_EQ(number(7), 7);

@@ -1,5 +1,7 @@
 #include "OssCore/Undo/OssUndoManager.h"
 
+#include "support/Text.h"
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -12,12 +14,20 @@ protected:
 
     void TearDown() override { OssUndoManager::instance()->clear(); }
 
-    void edit(char letter)
+    /// A step for each letter.
+    void edit(const char *letters)
     {
-        m_text += QLatin1Char(letter);
-        m_undo->record(
-            QString(QLatin1Char(letter)), [this] { m_text.chop(1); },
-            [this, letter] { m_text += QLatin1Char(letter); });
+        for (const QChar letter : text(letters)) {
+            m_text += letter;
+            m_undo->record(
+                QString(letter), [this] { m_text.chop(1); }, [this, letter] { m_text += letter; });
+        }
+    }
+
+    void macro(const char *title, const char *letters, const char *key = "")
+    {
+        const OssUndoManager::AutoMacro macro(text(title), text(key));
+        edit(letters);
     }
 
     QString m_text;
@@ -26,41 +36,37 @@ protected:
 
 TEST_F(UndoTest, stepIsNotAppliedWhenItIsRecorded)
 {
-    edit('a');
-    EXPECT_EQ(m_text, QStringLiteral("a"));
+    edit("a");
+    EXPECT_EQ(m_text, text("a"));
     m_undo->undo();
     EXPECT_EQ(m_text, QString());
     m_undo->redo();
-    EXPECT_EQ(m_text, QStringLiteral("a"));
+    EXPECT_EQ(m_text, text("a"));
 }
 
 TEST_F(UndoTest, macroIsOneStepWithItsInnerTitles)
 {
     {
-        OssUndoManager::AutoMacro outer(QStringLiteral("Cut"));
-        edit('a');
-        {
-            OssUndoManager::AutoMacro inner(QStringLiteral("Remove"));
-            edit('b');
-            edit('c');
-        }
+        OssUndoManager::AutoMacro outer(text("Cut"));
+        edit("a");
+        macro("Remove", "bc");
     }
     ASSERT_EQ(m_undo->count(), 1);
-    EXPECT_EQ(m_undo->undoText(), QStringLiteral("Cut"));
-    EXPECT_EQ(m_undo->partTexts(0), QStringList({QStringLiteral("a"), QStringLiteral("Remove")}));
+    EXPECT_EQ(m_undo->undoText(), text("Cut"));
+    EXPECT_EQ(m_undo->partTexts(0), QStringList({text("a"), text("Remove")}));
     m_undo->undo();
     EXPECT_EQ(m_text, QString());
     m_undo->redo();
-    EXPECT_EQ(m_text, QStringLiteral("abc"));
+    EXPECT_EQ(m_text, text("abc"));
 }
 
 TEST_F(UndoTest, emptyMacroLeavesNoStepAndKeepsTheCleanState)
 {
-    edit('a');
+    edit("a");
     m_undo->setClean();
     {
-        OssUndoManager::AutoMacro outer(QStringLiteral("Nothing"));
-        OssUndoManager::AutoMacro inner(QStringLiteral("Nothing inside"));
+        OssUndoManager::AutoMacro outer(text("Nothing"));
+        OssUndoManager::AutoMacro inner(text("Nothing inside"));
     }
     EXPECT_EQ(m_undo->count(), 1);
     EXPECT_TRUE(m_undo->isClean());
@@ -69,23 +75,20 @@ TEST_F(UndoTest, emptyMacroLeavesNoStepAndKeepsTheCleanState)
 TEST_F(UndoTest, cancelTakesBackInnerMacrosAndLeavesTheOuterOneOpen)
 {
     {
-        OssUndoManager::AutoMacro outer(QStringLiteral("Outer"));
-        edit('a');
+        OssUndoManager::AutoMacro outer(text("Outer"));
+        edit("a");
         {
-            OssUndoManager::AutoMacro inner(QStringLiteral("Inner"));
-            edit('b');
-            {
-                OssUndoManager::AutoMacro innermost(QStringLiteral("Innermost"));
-                edit('c');
-            }
+            OssUndoManager::AutoMacro inner(text("Inner"));
+            edit("b");
+            macro("Innermost", "c");
             inner.cancel();
-            EXPECT_EQ(m_text, QStringLiteral("a"));
-            edit('d'); // what comes after in a cancelled scope goes too
+            EXPECT_EQ(m_text, text("a"));
+            edit("d"); // what comes after in a cancelled scope goes too
         }
-        EXPECT_EQ(m_text, QStringLiteral("a"));
-        edit('e');
+        EXPECT_EQ(m_text, text("a"));
+        edit("e");
     }
-    EXPECT_EQ(m_text, QStringLiteral("ae"));
+    EXPECT_EQ(m_text, text("ae"));
     EXPECT_EQ(m_undo->count(), 1);
     m_undo->undo();
     EXPECT_EQ(m_text, QString());
@@ -93,14 +96,9 @@ TEST_F(UndoTest, cancelTakesBackInnerMacrosAndLeavesTheOuterOneOpen)
 
 TEST_F(UndoTest, nothingIsRecordedWhileAStepIsUndone)
 {
-    m_text = QStringLiteral("x");
+    m_text = text("x");
     m_undo->record(
-        QStringLiteral("echo"),
-        [this] {
-            OssUndoManager::AutoMacro macro(QStringLiteral("listener"));
-            edit('y');
-        },
-        [] {});
+        text("echo"), [this] { macro("listener", "y"); }, [] {});
     m_undo->undo();
     EXPECT_EQ(m_undo->count(), 1);
     EXPECT_TRUE(m_undo->canRedo());
@@ -108,67 +106,57 @@ TEST_F(UndoTest, nothingIsRecordedWhileAStepIsUndone)
 
 TEST_F(UndoTest, undoIsRefusedInsideAMacro)
 {
-    edit('a');
-    OssUndoManager::AutoMacro macro(QStringLiteral("open"));
+    edit("a");
+    EXPECT_FALSE(m_undo->isMacroOpen());
+    const OssUndoManager::AutoMacro macro(text("open"));
+    EXPECT_TRUE(m_undo->isMacroOpen()) << "also while it is empty";
     m_undo->undo();
-    EXPECT_EQ(m_text, QStringLiteral("a"));
+    EXPECT_EQ(m_text, text("a"));
 }
 
 TEST_F(UndoTest, quickRepetitionOfOneKindIsOneStepUntilSomethingComesBetween)
 {
-    const auto nudge = [this](char letter, const char *key) {
-        const OssUndoManager::AutoMacro macro(QStringLiteral("Nudge"), QLatin1String(key));
-        edit(letter);
-    };
-    nudge('a', "one");
-    nudge('b', "one");
-    nudge('c', "two");
+    macro("Nudge", "a", "one");
+    macro("Nudge", "b", "one");
+    macro("Nudge", "c", "two");
     EXPECT_EQ(m_undo->count(), 2);
     m_undo->undo();
     m_undo->undo();
     EXPECT_EQ(m_text, QString());
     m_undo->redo();
-    EXPECT_EQ(m_text, QStringLiteral("ab"));
+    EXPECT_EQ(m_text, text("ab"));
     m_undo->setClean();
-    nudge('d', "one"); // joining would change what was saved
+    macro("Nudge", "d", "one"); // joining would change what was saved
     EXPECT_EQ(m_undo->count(), 2);
     EXPECT_FALSE(m_undo->isClean());
-    edit('e');
-    nudge('f', "one");
+    edit("e");
+    macro("Nudge", "f", "one");
     EXPECT_EQ(m_undo->count(), 4);
 }
 
 TEST_F(UndoTest, gatheredStepsAreOneAndASingleOneKeepsItsTitle)
 {
     {
-        const OssUndoManager::Gathering command(QStringLiteral("Delete"));
+        const OssUndoManager::Gathering command(text("Delete"));
         EXPECT_FALSE(m_undo->isMacroOpen()) << "nothing waits for the rest of its step";
-        edit('a');
+        edit("a");
         EXPECT_TRUE(m_undo->isMacroOpen());
     }
-    EXPECT_EQ(m_undo->undoText(), QStringLiteral("a"));
+    EXPECT_EQ(m_undo->undoText(), text("a"));
     EXPECT_TRUE(m_undo->partTexts(0).isEmpty());
     {
-        const OssUndoManager::Gathering command(QStringLiteral("Delete"));
-        edit('b');
-        edit('c');
+        const OssUndoManager::Gathering command(text("Delete"));
+        edit("bc");
     }
-    EXPECT_EQ(m_undo->undoText(), QStringLiteral("Delete"));
+    EXPECT_EQ(m_undo->undoText(), text("Delete"));
     EXPECT_EQ(m_undo->count(), 2);
     m_undo->undo();
-    EXPECT_EQ(m_text, QStringLiteral("a"));
+    EXPECT_EQ(m_text, text("a"));
     {
-        const OssUndoManager::Gathering nothing(QStringLiteral("Nothing"));
+        const OssUndoManager::Gathering nothing(text("Nothing"));
     }
     EXPECT_TRUE(m_undo->canRedo()) << "a command that did nothing leaves what was undone";
     EXPECT_FALSE(m_undo->isMacroOpen());
-}
-
-TEST_F(UndoTest, anOpenMacroWaitsEvenWhileItIsEmpty)
-{
-    EXPECT_FALSE(m_undo->isMacroOpen());
-    const OssUndoManager::AutoMacro macro(QStringLiteral("open"));
-    EXPECT_TRUE(m_undo->isMacroOpen());
 }
 
 TEST_F(UndoTest, whatHappensInAPauseIsNotRecorded)
@@ -180,15 +168,15 @@ TEST_F(UndoTest, whatHappensInAPauseIsNotRecorded)
             EXPECT_FALSE(m_undo->isRecording());
         }
         EXPECT_FALSE(m_undo->isRecording()) << "pauses nest";
-        edit('a');
+        edit("a");
         m_undo->addUndo(new OssFunctionUndo(
-            QStringLiteral("x"), [] {}, [] {}));
-        const OssUndoManager::AutoMacro macro(QStringLiteral("paused"));
+            text("x"), [] {}, [] {}));
+        const OssUndoManager::AutoMacro macro(text("paused"));
         EXPECT_FALSE(m_undo->isMacroOpen());
     }
     EXPECT_TRUE(m_undo->isRecording());
     EXPECT_EQ(m_undo->count(), 0);
-    edit('b');
+    edit("b");
     EXPECT_EQ(m_undo->count(), 1);
 }
 
@@ -247,13 +235,13 @@ TEST_F(UndoTest, stepsAreFreedWhenTheyCanNoLongerBeReached)
     add();
     EXPECT_EQ(alive, 1) << "what was undone is out of reach";
     {
-        OssUndoManager::AutoMacro macro(QStringLiteral("cancelled"));
+        OssUndoManager::AutoMacro macro(text("cancelled"));
         add();
         macro.cancel();
         EXPECT_EQ(alive, 1);
     }
     {
-        const OssUndoManager::AutoMacro macro(QStringLiteral("open"));
+        const OssUndoManager::AutoMacro macro(text("open"));
         add();
         m_undo->clear();
         EXPECT_EQ(alive, 0) << "also what waits in an open macro";
@@ -268,7 +256,7 @@ TEST_F(UndoTest, stepsOfRepeatedMacrosMergeWhereTheyPairOff)
     int alive = 0;
     int merges = 0;
     const auto repeat = [&](int kind, int steps) {
-        const OssUndoManager::AutoMacro macro(QStringLiteral("Drag"), QStringLiteral("drag"));
+        const OssUndoManager::AutoMacro macro(text("Drag"), text("drag"));
         for (int i = 0; i < steps; ++i)
             m_undo->addUndo(new CountedStep(&alive, &merges, kind));
     };
@@ -294,37 +282,32 @@ TEST_F(UndoTest, undoingAndRedoingTellOnceEachAndOnlyWhenSomethingHappened)
     QObject::connect(m_undo, &OssUndoManager::recorded, &listener,
                      [&told](const QString &title) { told.append(title); });
     QObject::connect(m_undo, &OssUndoManager::undone, &listener,
-                     [&told] { told.append(QStringLiteral("undone")); });
+                     [&told] { told.append(text("undone")); });
     QObject::connect(m_undo, &OssUndoManager::redone, &listener,
-                     [&told] { told.append(QStringLiteral("redone")); });
+                     [&told] { told.append(text("redone")); });
     m_undo->undo();
     m_undo->redo();
     EXPECT_TRUE(told.isEmpty());
-    {
-        const OssUndoManager::AutoMacro macro(QStringLiteral("Cut"));
-        edit('a');
-        edit('b');
-    }
+    macro("Cut", "ab");
     m_undo->undo();
     m_undo->undo();
     m_undo->redo();
     m_undo->redo();
-    EXPECT_EQ(told, QStringList({QStringLiteral("Cut"), QStringLiteral("undone"),
-                                 QStringLiteral("redone")}));
+    EXPECT_EQ(told, QStringList({text("Cut"), text("undone"), text("redone")}));
 }
 
 TEST_F(UndoTest, theDocumentIsCleanWhereItWasSaved)
 {
     EXPECT_TRUE(m_undo->isClean());
-    edit('a');
+    edit("a");
     EXPECT_FALSE(m_undo->isClean());
     m_undo->setClean();
-    edit('b');
+    edit("b");
     m_undo->undo();
     EXPECT_TRUE(m_undo->isClean());
     m_undo->undo();
     EXPECT_FALSE(m_undo->isClean());
-    edit('c'); // what was saved can no longer be reached
+    edit("c"); // what was saved can no longer be reached
     m_undo->undo();
     EXPECT_FALSE(m_undo->isClean());
     m_undo->setClean();
@@ -339,61 +322,53 @@ TEST_F(UndoTest, theDocumentIsCleanWhereItWasSaved)
 
 TEST_F(UndoTest, textsNameTheStepsAndWhatIsInThem)
 {
-    edit('a');
+    edit("a");
     {
-        const OssUndoManager::AutoMacro macro(QStringLiteral("Paste"));
+        const OssUndoManager::AutoMacro macro(text("Paste"));
         m_undo->record(
             QString(), [] {}, [] {});
-        edit('b');
+        edit("b");
     }
-    EXPECT_EQ(m_undo->text(0), QStringLiteral("a"));
-    EXPECT_EQ(m_undo->text(1), QStringLiteral("Paste"));
-    EXPECT_EQ(m_undo->partTexts(1), QStringList{QStringLiteral("b")})
-        << "parts without a title do not count";
+    EXPECT_EQ(m_undo->text(0), text("a"));
+    EXPECT_EQ(m_undo->text(1), text("Paste"));
+    EXPECT_EQ(m_undo->partTexts(1), QStringList{text("b")}) << "parts without a title do not count";
     EXPECT_TRUE(m_undo->partTexts(0).isEmpty());
     EXPECT_TRUE(m_undo->partTexts(7).isEmpty());
     EXPECT_TRUE(m_undo->text(7).isEmpty());
     m_undo->undo();
-    EXPECT_EQ(m_undo->redoText(), QStringLiteral("Paste"));
-    EXPECT_EQ(m_undo->undoText(), QStringLiteral("a"));
+    EXPECT_EQ(m_undo->redoText(), text("Paste"));
+    EXPECT_EQ(m_undo->undoText(), text("a"));
 }
 
 TEST_F(UndoTest, aMacroInsideAnotherDoesNotJoinTheStepBefore)
 {
-    const auto nudge = [this](char letter) {
-        const OssUndoManager::AutoMacro macro(QStringLiteral("Nudge"), QStringLiteral("nudge"));
-        edit(letter);
-    };
-    nudge('a');
+    macro("Nudge", "a", "nudge");
     {
-        const OssUndoManager::AutoMacro outer(QStringLiteral("Script"));
-        nudge('b');
-        nudge('c');
+        const OssUndoManager::AutoMacro outer(text("Script"));
+        macro("Nudge", "b", "nudge");
+        macro("Nudge", "c", "nudge");
     }
     EXPECT_EQ(m_undo->count(), 2);
     m_undo->undo();
-    EXPECT_EQ(m_text, QStringLiteral("a"));
+    EXPECT_EQ(m_text, text("a"));
     m_undo->redo();
-    EXPECT_EQ(m_text, QStringLiteral("abc"));
+    EXPECT_EQ(m_text, text("abc"));
 }
 
 TEST_F(UndoTest, aCancelledMacroThatRecordsOnGoesBackWhole)
 {
-    edit('x');
+    edit("x");
     {
-        OssUndoManager::AutoMacro macro(QStringLiteral("Give up"));
-        edit('a');
-        macro.cancel();
-        EXPECT_EQ(m_text, QStringLiteral("x"));
-        {
-            const OssUndoManager::AutoMacro inner(QStringLiteral("Late"));
-            edit('b');
-        }
-        edit('c');
-        macro.cancel();
-        EXPECT_EQ(m_text, QStringLiteral("x"));
+        OssUndoManager::AutoMacro givenUp(text("Give up"));
+        edit("a");
+        givenUp.cancel();
+        EXPECT_EQ(m_text, text("x"));
+        macro("Late", "b");
+        edit("c");
+        givenUp.cancel();
+        EXPECT_EQ(m_text, text("x"));
     }
-    EXPECT_EQ(m_text, QStringLiteral("x"));
+    EXPECT_EQ(m_text, text("x"));
     EXPECT_EQ(m_undo->count(), 1);
     EXPECT_FALSE(m_undo->isMacroOpen());
 }

@@ -18,7 +18,7 @@ public:
 protected:
     void onUserAttributeGone(const OssCustomAttribute &attribute) override
     {
-        told.append(s("gone ") + attribute.name());
+        told.append(text("gone ") + attribute.name());
     }
 };
 
@@ -32,8 +32,9 @@ protected:
 
     void listen()
     {
-        QObject::connect(&m_object, &OssSerializableObject::userAttributeChanged,
-                         [this](const QString &name) { m_object.told.append(s("set ") + name); });
+        QObject::connect(
+            &m_object, &OssSerializableObject::userAttributeChanged,
+            [this](const QString &name) { m_object.told.append(text("set ") + name); });
     }
 
     Described m_object;
@@ -46,7 +47,7 @@ TEST_F(UserAttributes, everyChangeCanBeUndone)
     int changes = 0;
     QObject::connect(&object, &OssSerializableObject::userAttributeChanged,
                      [&changes] { ++changes; });
-    OssCustomAttribute size(QStringLiteral("Size"), 1.0);
+    OssCustomAttribute size(text("Size"), 1.0);
     object.setUserAttribute(size, true);
     size.setValue(2.0);
     object.setUserAttribute(size, true);
@@ -79,33 +80,33 @@ TEST_F(UserAttributes, removingAndUndoingKeepsTheirPlaces)
         m_undo->redo();
         EXPECT_FALSE(m_object.exists(name));
         m_undo->undo();
-        EXPECT_EQ(m_object.told, QStringList({s("gone ") + name, s("set ") + name,
-                                              s("gone ") + name, s("set ") + name}));
+        EXPECT_EQ(m_object.told, QStringList({text("gone ") + name, text("set ") + name,
+                                              text("gone ") + name, text("set ") + name}));
     }
     EXPECT_EQ(m_object.userAttributes().size(), names.size());
 }
 
 TEST_F(UserAttributes, undoingComesBackEvenWhenOthersWentMeanwhile)
 {
-    ASSERT_TRUE(m_object.removeUserAttribute(s("Mode")));
+    ASSERT_TRUE(m_object.removeUserAttribute(text("Mode")));
     {
         const OssUndoManager::Pause unrecorded;
-        m_object.removeUserAttribute(s("Size"));
-        m_object.removeUserAttribute(s("On"));
+        m_object.removeUserAttribute(text("Size"));
+        m_object.removeUserAttribute(text("On"));
     }
     m_undo->undo();
-    EXPECT_EQ(m_object.userAttributeNames(), QStringList{s("Mode")});
+    EXPECT_EQ(m_object.userAttributeNames(), QStringList{text("Mode")});
 }
 
 TEST_F(UserAttributes, nobodyIsToldOfASilentChangeButUndoTells)
 {
     listen();
-    m_object.setUserAttribute(OssCustomAttribute(s("Size"), 4.0), false);
+    m_object.setUserAttribute(OssCustomAttribute(text("Size"), 4.0), false);
     EXPECT_TRUE(m_object.told.isEmpty());
-    EXPECT_EQ(m_object.userAttribute(s("Size")).value(), QVariant(4.0));
+    EXPECT_EQ(m_object.userAttribute(text("Size")).value(), QVariant(4.0));
     m_undo->undo();
-    EXPECT_EQ(m_object.told, QStringList{s("set Size")});
-    EXPECT_EQ(m_object.userAttribute(s("Size")).value(), QVariant(1.0));
+    EXPECT_EQ(m_object.told, QStringList{text("set Size")});
+    EXPECT_EQ(m_object.userAttribute(text("Size")).value(), QVariant(1.0));
 }
 
 TEST_F(UserAttributes, oneWithoutANameIsNotTaken)
@@ -116,26 +117,26 @@ TEST_F(UserAttributes, oneWithoutANameIsNotTaken)
     EXPECT_EQ(m_object.userAttributes().size(), 3);
     EXPECT_TRUE(m_object.told.isEmpty());
     EXPECT_EQ(m_undo->count(), 0);
-    EXPECT_FALSE(m_object.userAttribute(s("Nobody")).isValid());
+    EXPECT_FALSE(m_object.userAttribute(text("Nobody")).isValid());
 }
 
 TEST_F(UserAttributes, anAddedOneGoesWhenItIsUndone)
 {
     listen();
-    m_object.setUserAttribute(OssCustomAttribute(s("New"), 1), true);
-    EXPECT_EQ(m_object.userAttributeNames().last(), s("New"));
+    m_object.setUserAttribute(OssCustomAttribute(text("New"), 1), true);
+    EXPECT_EQ(m_object.userAttributeNames().last(), text("New"));
     m_undo->undo();
-    EXPECT_FALSE(m_object.exists(s("New")));
+    EXPECT_FALSE(m_object.exists(text("New")));
     m_undo->redo();
-    EXPECT_TRUE(m_object.exists(s("New")));
-    EXPECT_EQ(m_object.told, QStringList({s("set New"), s("gone New"), s("set New")}));
+    EXPECT_TRUE(m_object.exists(text("New")));
+    EXPECT_EQ(m_object.told, QStringList({text("set New"), text("gone New"), text("set New")}));
 }
 
 TEST_F(UserAttributes, historyOutlivesTheObject)
 {
     auto object = std::make_unique<Described>();
-    object->setUserAttribute(OssCustomAttribute(s("Size"), 2.0), true);
-    object->removeUserAttribute(s("On"));
+    object->setUserAttribute(OssCustomAttribute(text("Size"), 2.0), true);
+    object->removeUserAttribute(text("On"));
     object.reset();
     for (int round = 0; round < 2; ++round) {
         m_undo->undo();
@@ -151,31 +152,31 @@ TEST_F(UserAttributes, anOrderIsTakenOnlyWhole)
     const QStringList before = m_object.userAttributeNames();
     const QStringList wrong[] = {
         {},
-        {s("Size"), s("On")},
-        {s("Size"), s("On"), s("On")},
-        {s("Size"), s("On"), s("Other")},
-        {s("Size"), s("On"), s("Mode"), s("Other")},
-        {s("Size"), s("On"), s("Mode"), s("Mode")},
+        {text("Size"), text("On")},
+        {text("Size"), text("On"), text("On")},
+        {text("Size"), text("On"), text("Other")},
+        {text("Size"), text("On"), text("Mode"), text("Other")},
+        {text("Size"), text("On"), text("Mode"), text("Mode")},
     };
     for (const QStringList &names : wrong) {
         EXPECT_FALSE(m_object.orderUserAttributes(names))
             << qPrintable(names.join(QLatin1Char(' ')));
         EXPECT_EQ(m_object.userAttributeNames(), before);
     }
-    const QStringList order{s("Mode"), s("Size"), s("On")};
+    const QStringList order{text("Mode"), text("Size"), text("On")};
     EXPECT_TRUE(m_object.orderUserAttributes(order));
     EXPECT_EQ(m_object.userAttributeNames(), order);
-    EXPECT_EQ(m_object.userAttribute(s("Size")).value(), QVariant(1.0));
+    EXPECT_EQ(m_object.userAttribute(text("Size")).value(), QVariant(1.0));
 }
 
 TEST_F(UserAttributes, aChangeOfLooksIsAChange)
 {
-    OssCustomAttribute size = m_object.userAttribute(s("Size"));
+    OssCustomAttribute size = m_object.userAttribute(text("Size"));
     size.setVisible(false);
     m_object.setUserAttribute(size, true);
-    EXPECT_FALSE(m_object.userAttribute(s("Size")).isVisible());
+    EXPECT_FALSE(m_object.userAttribute(text("Size")).isVisible());
     m_undo->undo();
-    EXPECT_TRUE(m_object.userAttribute(s("Size")).isVisible());
+    EXPECT_TRUE(m_object.userAttribute(text("Size")).isVisible());
 }
 
 } // namespace

@@ -1,8 +1,11 @@
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Values/OssColor.h"
 #include "OssCore/Values/OssCustomAttribute.h"
+#include "OssCore/Values/OssGroupParameterObject.h"
+#include "OssCore/Values/OssIsAlphanumericUnderscore.h"
 #include "OssCore/Values/OssUserEnum.h"
 #include "OssCore/Values/OssValueText.h"
+#include "support/Text.h"
 
 #include <gtest/gtest.h>
 
@@ -16,6 +19,8 @@
 
 #include <functional>
 #include <limits>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -44,7 +49,7 @@ TEST_F(ValueText, valuesReadBackEqual)
                                std::numeric_limits<uint>::max(),
                                std::numeric_limits<qlonglong>::min(),
                                QString(),
-                               QStringLiteral("a, \"b\" <c>"),
+                               text("a, \"b\" <c>"),
                                QString::fromUtf8("\xf0\x9f\x8e\xa8 \xc3\xa4"),
                                QPointF(1.5, -2.25),
                                QPoint(3, -4),
@@ -52,11 +57,11 @@ TEST_F(ValueText, valuesReadBackEqual)
                                QSize(640, 480),
                                QRectF(0.1, 0.2, 0.3, 0.4),
                                QRect(-5, 6, 70, 80),
-                               QStringList{QStringLiteral("a,b"), QString(), QStringLiteral("\\")},
+                               QStringList{text("a,b"), QString(), text("\\")},
                                QStringList{QString()},
                                QStringList{QString(), QString()},
-                               QStringList{QStringLiteral("\\")},
-                               QStringList{QStringLiteral("a\\,b\\\\"), QStringLiteral(",")},
+                               QStringList{text("\\")},
+                               QStringList{text("a\\,b\\\\"), text(",")},
                                QStringList{},
                                QColor(10, 20, 30),
                                QColor(10, 20, 30, 40),
@@ -79,12 +84,12 @@ TEST_F(ValueText, textsAreTheSameInEveryLocale)
 {
     const QLocale before;
     QLocale::setDefault(QLocale(QLocale::German));
-    EXPECT_EQ(OssValueText::toText(1234567.25), QStringLiteral("1234567.25"));
-    EXPECT_EQ(OssValueText::toText(QPointF(0.5, -1234.5)), QStringLiteral("0.5,-1234.5"));
-    EXPECT_EQ(OssValueText::fromText(QStringLiteral("0.5,-1234.5"), QMetaType::QPointF),
+    EXPECT_EQ(OssValueText::toText(1234567.25), text("1234567.25"));
+    EXPECT_EQ(OssValueText::toText(QPointF(0.5, -1234.5)), text("0.5,-1234.5"));
+    EXPECT_EQ(OssValueText::fromText(text("0.5,-1234.5"), QMetaType::QPointF),
               QVariant(QPointF(0.5, -1234.5)));
-    EXPECT_EQ(OssValueText::fromText(QStringLiteral("1.5"), QMetaType::Double), QVariant(1.5));
-    EXPECT_EQ(OssColor(0.5, 0.25, 1.0).toString(), QStringLiteral("0.5,0.25,1,1"));
+    EXPECT_EQ(OssValueText::fromText(text("1.5"), QMetaType::Double), QVariant(1.5));
+    EXPECT_EQ(OssColor(0.5, 0.25, 1.0).toString(), text("0.5,0.25,1,1"));
     QLocale::setDefault(before);
 }
 
@@ -106,68 +111,40 @@ TEST_F(ValueText, whatPeopleWriteIsReadToo)
         {"1.6,2.4", QMetaType::QPoint, QPoint(2, 2)},
         {"1e3", QMetaType::Double, 1000.0},
         {"-0", QMetaType::Int, 0},
-        {"a\\", QMetaType::QStringList, QStringList{QStringLiteral("a\\")}},
-        {"a,", QMetaType::QStringList, QStringList({QStringLiteral("a"), QString()})},
-        {"a\\bc", QMetaType::QStringList, QStringList{QStringLiteral("abc")}},
+        {"a\\", QMetaType::QStringList, QStringList{text("a\\")}},
+        {"a,", QMetaType::QStringList, QStringList({text("a"), QString()})},
+        {"a\\bc", QMetaType::QStringList, QStringList{text("abc")}},
     };
     for (const Case &read : cases) {
-        EXPECT_EQ(OssValueText::fromText(QString::fromLatin1(read.text), read.type), read.value)
-            << read.text;
+        EXPECT_EQ(OssValueText::fromText(text(read.text), read.type), read.value) << read.text;
     }
 }
 
 TEST_F(ValueText, whatIsNoneOfTheTypeIsRefused)
 {
-    struct Case
-    {
-        const char *text;
-        int type;
+    const std::pair<int, std::vector<const char *>> none[] = {
+        {QMetaType::Double, {"x", "", "1,5", "nan", "inf", "-inf", "1e999"}},
+        {QMetaType::Float, {"nan", "inf", "x"}},
+        {QMetaType::Int, {"x", "", "1.5", "99999999999", "0x10"}},
+        {QMetaType::Bool, {"maybe", "", "TRUE"}},
+        {QMetaType::QPointF, {"1", "1,2,3", "1,x", "1,", "nan,0"}},
+        {QMetaType::QPoint, {"0,inf", "1e300,0"}},
+        {QMetaType::QRectF, {"1,2,3,nan", "1,2,3"}},
+        {QMetaType::QRect, {"1,2,3,4,5"}},
+        {QMetaType::QSize, {"1", "-3000000000,1"}},
+        {QMetaType::QSizeF, {"inf,1"}},
+        {QMetaType::QColor, {"#12"}},
+        {QMetaType::QObjectStar, {"1"}},
+        {qMetaTypeId<OssColor>(), {"", "x", "1.5.5"}},
+        {qMetaTypeId<OssUserEnum>(), {"", "x", "1.5.5"}},
+        {qMetaTypeId<OssDebugLog::Category>(), {"", "x", "1.5.5"}},
+        {0, {"", "x", "1.5.5"}},
+        {-1, {"", "x", "1.5.5"}},
     };
-
-    const Case cases[] = {
-        {"x", QMetaType::Double},
-        {"", QMetaType::Double},
-        {"1,5", QMetaType::Double},
-        {"nan", QMetaType::Double},
-        {"inf", QMetaType::Double},
-        {"-inf", QMetaType::Double},
-        {"1e999", QMetaType::Double},
-        {"nan", QMetaType::Float},
-        {"inf", QMetaType::Float},
-        {"x", QMetaType::Float},
-        {"x", QMetaType::Int},
-        {"", QMetaType::Int},
-        {"1.5", QMetaType::Int},
-        {"99999999999", QMetaType::Int},
-        {"0x10", QMetaType::Int},
-        {"maybe", QMetaType::Bool},
-        {"", QMetaType::Bool},
-        {"TRUE", QMetaType::Bool},
-        {"1", QMetaType::QPointF},
-        {"1,2,3", QMetaType::QPointF},
-        {"1,x", QMetaType::QPointF},
-        {"1,", QMetaType::QPointF},
-        {"nan,0", QMetaType::QPointF},
-        {"0,inf", QMetaType::QPoint},
-        {"1e300,0", QMetaType::QPoint},
-        {"1,2,3,nan", QMetaType::QRectF},
-        {"1,2,3", QMetaType::QRectF},
-        {"1,2,3,4,5", QMetaType::QRect},
-        {"1", QMetaType::QSize},
-        {"inf,1", QMetaType::QSizeF},
-        {"-3000000000,1", QMetaType::QSize},
-        {"#12", QMetaType::QColor},
-        {"1", QMetaType::QObjectStar},
-    };
-    for (const Case &bad : cases) {
-        EXPECT_FALSE(OssValueText::fromText(QString::fromLatin1(bad.text), bad.type).isValid())
-            << QMetaType::typeName(bad.type) << " " << bad.text;
-    }
-    for (const int type : {qMetaTypeId<OssColor>(), qMetaTypeId<OssUserEnum>(),
-                           qMetaTypeId<OssDebugLog::Category>(), 0, -1}) {
-        for (const char *text : {"", "x", "1.5.5"})
-            EXPECT_FALSE(OssValueText::fromText(QString::fromLatin1(text), type).isValid())
-                << QMetaType::typeName(type) << " " << text;
+    for (const auto &[type, texts] : none) {
+        for (const char *one : texts)
+            EXPECT_FALSE(OssValueText::fromText(text(one), type).isValid())
+                << QMetaType::typeName(type) << " " << one;
     }
 }
 
@@ -200,21 +177,19 @@ TEST_F(Color, textsOfBothKindsAreRead)
     };
     for (const Case &read : cases) {
         bool ok = false;
-        EXPECT_EQ(OssColor::fromString(QString::fromLatin1(read.text), &ok), read.color)
-            << read.text;
+        EXPECT_EQ(OssColor::fromString(text(read.text), &ok), read.color) << read.text;
         EXPECT_TRUE(ok) << read.text;
     }
 }
 
 TEST_F(Color, whatIsNoColorIsOpaqueBlackAndSaysSo)
 {
-    for (const char *text : {"", "1", "1,2", "1,2,3,4,5", "1,2,x", "1,2,", ",,", "nan,0,0",
-                             "0,inf,0", "0,0,0,nan", "red", "#", "#12", "#gggggg", "1;2;3"}) {
+    for (const char *bad : {"", "1", "1,2", "1,2,3,4,5", "1,2,x", "1,2,", ",,", "nan,0,0",
+                            "0,inf,0", "0,0,0,nan", "red", "#", "#12", "#gggggg", "1;2;3"}) {
         bool ok = true;
-        EXPECT_EQ(OssColor::fromString(QString::fromLatin1(text), &ok), OssColor(0, 0, 0, 1))
-            << text;
-        EXPECT_FALSE(ok) << text;
-        EXPECT_EQ(OssColor::fromString(QString::fromLatin1(text)), OssColor()) << "nobody asks";
+        EXPECT_EQ(OssColor::fromString(text(bad), &ok), OssColor(0, 0, 0, 1)) << bad;
+        EXPECT_FALSE(ok) << bad;
+        EXPECT_EQ(OssColor::fromString(text(bad)), OssColor()) << "nobody asks";
     }
 }
 
@@ -246,9 +221,9 @@ TEST_F(Color, screensShowTheNearestThatTheyCan)
 TEST_F(Color, convertsInVariantsToAndFromTextAndScreenColors)
 {
     const QVariant color = QVariant::fromValue(OssColor(1, 0.5, 0));
-    EXPECT_EQ(color.toString(), QStringLiteral("1,0.5,0,1"));
+    EXPECT_EQ(color.toString(), text("1,0.5,0,1"));
     EXPECT_EQ(color.value<QColor>().red(), 255);
-    EXPECT_EQ(QVariant(QStringLiteral("0.5,0,0")).value<OssColor>(), OssColor(0.5, 0, 0));
+    EXPECT_EQ(QVariant(text("0.5,0,0")).value<OssColor>(), OssColor(0.5, 0, 0));
     EXPECT_EQ(QVariant(QColor(255, 0, 0)).value<OssColor>(), OssColor(1, 0, 0));
     EXPECT_EQ(color, QVariant::fromValue(OssColor(1, 0.5, 0)));
     EXPECT_NE(color, QVariant::fromValue(OssColor(1, 0.5, 0, 0.5)));
@@ -261,8 +236,8 @@ class UserEnum : public ValueText
 
 TEST_F(UserEnum, aChoiceBeyondTheListIsKeptWithoutAName)
 {
-    OssUserEnum mode({QStringLiteral("Normal"), QStringLiteral("Add")}, 1);
-    EXPECT_EQ(mode.currentName(), QStringLiteral("Add"));
+    OssUserEnum mode({text("Normal"), text("Add")}, 1);
+    EXPECT_EQ(mode.currentName(), text("Add"));
     for (const int beyond : {7, -1}) {
         mode.setCurrentValue(beyond);
         EXPECT_EQ(mode.currentValue(), beyond);
@@ -273,53 +248,50 @@ TEST_F(UserEnum, aChoiceBeyondTheListIsKeptWithoutAName)
 
 TEST_F(UserEnum, onlyTheChosenValueCounts)
 {
-    const OssUserEnum a({QStringLiteral("A"), QStringLiteral("B")}, 1);
-    EXPECT_TRUE(a == OssUserEnum({QStringLiteral("C")}, 1));
+    const OssUserEnum a({text("A"), text("B")}, 1);
+    EXPECT_TRUE(a == OssUserEnum({text("C")}, 1));
     EXPECT_FALSE(a == OssUserEnum(a.names(), 0));
     EXPECT_TRUE(OssUserEnum({}, 0) < a);
     EXPECT_EQ(QVariant::fromValue(a), QVariant::fromValue(OssUserEnum({}, 1)));
     EXPECT_NE(QVariant::fromValue(a), QVariant::fromValue(OssUserEnum(a.names(), 0)));
     EXPECT_EQ(QVariant::fromValue(a).toInt(), 1);
-    EXPECT_EQ(QVariant::fromValue(a).toString(), QStringLiteral("B"));
+    EXPECT_EQ(QVariant::fromValue(a).toString(), text("B"));
 }
 
 TEST(CustomAttribute, copiesAreIndependent)
 {
-    OssCustomAttribute size(QStringLiteral("brickSize"), 1.0);
+    OssCustomAttribute size(text("brickSize"), 1.0);
     OssCustomAttribute copy = size;
     copy.setValue(2.0);
-    copy.setPrettyName(QStringLiteral("Bricks"));
-    copy.editDefinition().group = QStringLiteral("Pattern");
+    copy.setPrettyName(text("Bricks"));
     copy.setVisible(false);
+    copy.editDefinition().group = text("Pattern");
     copy.editDefinition().maximum = 5.0;
-    EXPECT_EQ(size.value(), QVariant(1.0));
-    EXPECT_EQ(size.prettyName(), QStringLiteral("Brick Size")) << "made from the name";
-    EXPECT_EQ(size.group(), QString());
-    EXPECT_TRUE(size.isVisible());
     EXPECT_FALSE(size.definition().maximum.isValid());
-    EXPECT_EQ(copy.prettyName(), QStringLiteral("Bricks"));
-    EXPECT_FALSE(copy.isVisible());
+    EXPECT_TRUE(size == OssCustomAttribute(text("brickSize"), 1.0));
+    EXPECT_EQ(size.prettyName(), text("Brick Size")) << "made from the name";
     EXPECT_TRUE(size.isDefault());
     EXPECT_FALSE(copy.isDefault());
-    OssCustomAttribute moved = std::move(copy);
-    EXPECT_EQ(moved.group(), QStringLiteral("Pattern"));
+    const OssCustomAttribute moved = std::move(copy);
+    EXPECT_EQ(moved.prettyName(), text("Bricks"));
+    EXPECT_EQ(moved.group(), text("Pattern"));
+    EXPECT_FALSE(moved.isVisible());
     size = moved;
     EXPECT_TRUE(size == moved);
 }
 
 TEST(CustomAttribute, anyDifferenceThatAUserSeesMakesThemUnequal)
 {
-    using Change = std::function<void(OssCustomAttribute *)>;
-    const Change changes[] = {
-        [](OssCustomAttribute *a) { a->setValue(2.0); },
-        [](OssCustomAttribute *a) { a->setPrettyName(QStringLiteral("Other")); },
-        [](OssCustomAttribute *a) { a->editDefinition().group = QStringLiteral("Other"); },
-        [](OssCustomAttribute *a) { a->setVisible(false); },
-        [](OssCustomAttribute *a) { a->editDefinition().name = QStringLiteral("Other"); },
+    const std::function<void(OssCustomAttribute *)> changes[] = {
+        [](auto *a) { a->setValue(2.0); },
+        [](auto *a) { a->setPrettyName(text("Other")); },
+        [](auto *a) { a->editDefinition().group = text("Other"); },
+        [](auto *a) { a->setVisible(false); },
+        [](auto *a) { a->editDefinition().name = text("Other"); },
     };
-    const OssCustomAttribute size(QStringLiteral("Size"), 1.0);
-    EXPECT_TRUE(size == OssCustomAttribute(QStringLiteral("Size"), 1.0));
-    for (const Change &change : changes) {
+    const OssCustomAttribute size(text("Size"), 1.0);
+    EXPECT_TRUE(size == OssCustomAttribute(text("Size"), 1.0));
+    for (const auto &change : changes) {
         OssCustomAttribute other = size;
         change(&other);
         EXPECT_FALSE(size == other) << "change " << &change - changes;
@@ -336,9 +308,26 @@ TEST(CustomAttribute, oneThatDoesNotExistIsInvalidAndHarmless)
     EXPECT_FALSE(none.value().isValid());
     EXPECT_TRUE(none == OssCustomAttribute());
     EXPECT_FALSE(OssCustomAttribute(QString(), 1.0).isValid()) << "without a name";
-    none.editDefinition().group = QStringLiteral("G");
-    EXPECT_EQ(none.group(), QStringLiteral("G"));
+    none.editDefinition().group = text("G");
+    EXPECT_EQ(none.group(), text("G"));
     EXPECT_EQ(OssCustomAttribute().group(), QString()) << "what all of them share stays empty";
+}
+
+// --- names
+
+TEST(Names, labelsAreMadeFromIdentifiers)
+{
+    const OssGroupParameterObject object;
+    EXPECT_EQ(object.prettyPropertyName(text("shakeTime")), text("Shake Time"));
+    EXPECT_EQ(object.prettyPropertyName(text("in_low")), text("In Low"));
+    EXPECT_EQ(object.prettyPropertyName(text("UVScale")), text("UVScale"));
+}
+
+TEST(Names, knobNamesAreAsciiAndNotEmpty)
+{
+    EXPECT_TRUE(OssIsAlphanumericUnderscore(text("Knob_2")));
+    for (const char *bad : {"", "a b", "a-b", "\xc3\xa4"})
+        EXPECT_FALSE(OssIsAlphanumericUnderscore(QString::fromUtf8(bad))) << bad;
 }
 
 } // namespace

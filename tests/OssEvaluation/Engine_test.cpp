@@ -4,7 +4,6 @@
 #include <atomic>
 #include <cmath>
 #include <limits>
-#include <set>
 #include <thread>
 
 namespace {
@@ -39,15 +38,6 @@ std::shared_ptr<const OssEvGraph> slow()
 
 class Engine : public EngineFixture
 {};
-
-TEST_F(Engine, deliversEveryTileOnceAndEndsOnce)
-{
-    const Collected result = evaluate(chain({}), "Over");
-    EXPECT_TRUE(result.outcome.ok()) << result.outcome.error;
-    EXPECT_EQ(result.tiles.size(), 16U);
-    EXPECT_EQ(result.lastProgress, 16);
-    EXPECT_EQ(result.frame.width, 512);
-}
 
 TEST_F(Engine, anEditRecomputesOnlyWhatIsDownstream)
 {
@@ -244,19 +234,6 @@ TEST_F(Engine, theFocusComesFirst)
     EXPECT_GT(late, 8.0);
 }
 
-TEST_F(Engine, onlyTheRegionThatIsWantedIsComputed)
-{
-    Collected result;
-    OssEvRequest request;
-    request.target = target(chain({}), "Checker", 1024);
-    request.region = {130, 140, 10, 300};
-    engine->wait(start(std::move(request), &result));
-    std::set<std::pair<int, int>> wanted{{1, 1}, {1, 2}, {1, 3}};
-    for (const auto &[place, tile] : result.tiles)
-        EXPECT_EQ(wanted.erase(place), 1U);
-    EXPECT_TRUE(wanted.empty());
-}
-
 TEST_F(Engine, levelsHalveTheFrameAndLengthsWithIt)
 {
     OssEvTarget wanted = target(chain({}), "Blur", 512);
@@ -363,16 +340,6 @@ TEST_F(Engine, mipsAreMeansOfTheFullPatch)
     EXPECT_EQ(small.frame.width, 50);
     for (int i = 2; i < 48; ++i)
         EXPECT_NEAR(small.texel(0, i, 49 - i), 0.5F, 2e-3F);
-}
-
-TEST_F(Engine, anImageItselfIsDeliveredTileByTile)
-{
-    for (int round = 0; round < 2; ++round) {
-        const Collected result = evaluate(nodeOf("image", file("wave")), "Node");
-        EXPECT_EQ(result.tiles.size(), 16U);
-        EXPECT_EQ(result.texel(0, 300, 40), float(300 % 97) / 97.0F);
-    }
-    EXPECT_EQ(images->reads(), 4);
 }
 
 TEST_F(Engine, imagesOfAnySizeFillThePatch)

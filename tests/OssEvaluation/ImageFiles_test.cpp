@@ -28,21 +28,15 @@ float pattern(const std::string &channel, int x, int y)
 
 TEST_F(ImageFiles, headersThatPromiseTooMuchAreRefusedBeforeAnyPixel)
 {
-    struct Case
-    {
-        const char *header;
-        const char *reason;
-    };
-
-    const Case cases[] = {
+    const std::pair<const char *, const char *> cases[] = {
         {"P5\n65537 1\n255\n", "it is too large (65537 x 1)"},
         {"P5\n1 65537\n255\n", "it is too large (1 x 65537)"},
         {"P5\n65536 65536\n255\n", "it is too large (65536 x 65536)"},
         {"P5\n32768 16385\n255\n", "it is too large (32768 x 16385)"},
     };
-    for (const Case &large : cases) {
-        const std::string path = folder.write("large.pgm", large.header);
-        EXPECT_EQ(error(path), "Cannot read \"" + path + "\": " + large.reason);
+    for (const auto &[header, reason] : cases) {
+        const std::string path = folder.write("large.pgm", header);
+        EXPECT_EQ(error(path), "Cannot read \"" + path + "\": " + reason);
     }
     const std::string most = folder.write("most.pgm", "P5\n32768 16384\n255\n");
     OssEvImageHeader header;
@@ -94,41 +88,23 @@ TEST_F(ImageFiles, headersSayWhatTheFileHolds)
 
 TEST_F(ImageFiles, everyTexelArrivesHoweverTheFileIsLaidOut)
 {
-    struct Case
-    {
-        const char *what;
-        int left;
-        int top;
-        int width;
-        int height;
-        int tileWidth;
-        int tileHeight;
-        bool isHalf;
+    const std::vector<std::string> rgba{"A", "B", "G", "R"};
+    const std::pair<const char *, PlainExr> cases[] = {
+        {"rows of halves", {rgba, 0, 0, 300, 200, true}},
+        {"rows of floats", {rgba, 0, 0, 300, 200, false}},
+        {"a picture away from the origin", {rgba, 17, -40, 140, 260, true}},
+        {"floats away from the origin", {rgba, -300, 25, 140, 260, false}},
+        {"tiles that do not match ours", {rgba, 0, 0, 300, 290, true, 48, 40}},
+        {"float tiles that do not match ours", {rgba, 0, 0, 300, 290, false, 200, 56}},
+        {"tiles larger than the picture", {rgba, 0, 0, 20, 30, true, 64, 64}},
+        {"one texel", {rgba, 0, 0, 1, 1, true}},
+        {"exactly a tile", {rgba, 0, 0, 128, 128, true}},
     };
-
-    const Case cases[] = {
-        {"rows of halves", 0, 0, 300, 200, 0, 0, true},
-        {"rows of floats", 0, 0, 300, 200, 0, 0, false},
-        {"a picture away from the origin", 17, -40, 140, 260, 0, 0, true},
-        {"floats away from the origin", -300, 25, 140, 260, 0, 0, false},
-        {"tiles that do not match ours", 0, 0, 300, 290, 48, 40, true},
-        {"float tiles that do not match ours", 0, 0, 300, 290, 200, 56, false},
-        {"tiles larger than the picture", 0, 0, 20, 30, 64, 64, true},
-        {"one texel", 0, 0, 1, 1, 0, 0, true},
-        {"exactly a tile", 0, 0, 128, 128, 0, 0, true},
-    };
-    for (const Case &layout : cases) {
-        SCOPED_TRACE(layout.what);
-        PlainExr file;
-        file.left = layout.left;
-        file.top = layout.top;
-        file.width = layout.width;
-        file.height = layout.height;
-        file.tileWidth = layout.tileWidth;
-        file.tileHeight = layout.tileHeight;
-        file.isHalf = layout.isHalf;
+    for (const auto &[what, layout] : cases) {
+        SCOPED_TRACE(what);
+        PlainExr file = layout;
         file.value = pattern;
-        const Image image = read(write("layout" + std::to_string(&layout - cases) + ".exr", file));
+        const Image image = read(write(std::string(what) + ".exr", file));
         ASSERT_EQ(image.result.error(), "");
         ASSERT_EQ(image.info.width, layout.width);
         ASSERT_EQ(image.info.height, layout.height);

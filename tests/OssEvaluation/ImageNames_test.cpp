@@ -4,19 +4,15 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <filesystem>
+#include <utility>
 
 namespace {
 
 TEST(ImageNames, onlyAPatchNumberRightBeforeTheSuffixMakesAPattern)
 {
-    struct Case
-    {
-        const char *path;
-        const char *pattern;
-    };
-
-    const Case cases[] = {
+    const std::pair<const char *, const char *> cases[] = {
         {"a/rock.1001.exr", "a/rock.<UDIM>.exr"},
         {"a/rock.1999.exr", "a/rock.<UDIM>.exr"},
         {"rock.v2.1010.tif", "rock.v2.<UDIM>.tif"},
@@ -42,8 +38,8 @@ TEST(ImageNames, onlyAPatchNumberRightBeforeTheSuffixMakesAPattern)
         {".", "."},
         {"1001", "1001"},
     };
-    for (const Case &name : cases)
-        EXPECT_EQ(OssEvUdim::pattern(name.path), name.pattern) << name.path;
+    for (const auto &[path, pattern] : cases)
+        EXPECT_EQ(OssEvUdim::pattern(path), pattern) << path;
 }
 
 TEST(ImageNames, behindALineANumberCountsWhereTheFirstPatchLiesBesideIt)
@@ -104,19 +100,13 @@ TEST(ImageNames, aNumberElsewhereInTheNameIsNotMistakenForThePatch)
 
 TEST(Patches, numbersNameRowsOfTen)
 {
-    struct Case
-    {
-        int patch;
-        int column;
-        int row;
-    };
-
-    for (const Case &place : {Case{1001, 0, 0}, Case{1010, 9, 0}, Case{1011, 0, 1},
-                              Case{1100, 9, 9}, Case{9999, 8, 899}}) {
-        EXPECT_EQ(OssEvPatch::column(place.patch), place.column) << place.patch;
-        EXPECT_EQ(OssEvPatch::row(place.patch), place.row) << place.patch;
-        EXPECT_EQ(OssEvPatch::number(place.column, place.row), place.patch);
-        EXPECT_TRUE(OssEvPatch::isValid(place.patch));
+    const std::array<int, 3> places[] = {
+        {1001, 0, 0}, {1010, 9, 0}, {1011, 0, 1}, {1100, 9, 9}, {9999, 8, 899}};
+    for (const auto &[patch, column, row] : places) {
+        EXPECT_EQ(OssEvPatch::column(patch), column) << patch;
+        EXPECT_EQ(OssEvPatch::row(patch), row) << patch;
+        EXPECT_EQ(OssEvPatch::number(column, row), patch);
+        EXPECT_TRUE(OssEvPatch::isValid(patch));
     }
     for (const auto &outside : {std::pair(-1, 0), {10, 0}, {0, -1}, {9, 899}, {0, 900}})
         EXPECT_EQ(OssEvPatch::number(outside.first, outside.second), 0);

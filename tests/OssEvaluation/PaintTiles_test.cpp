@@ -25,22 +25,6 @@ OssEvPaintTilePointer redTile(float red)
     return tile;
 }
 
-TEST(PaintTiles, changeNothingUntilTheyArePainted)
-{
-    const OssEvPaintTile tile;
-    for (const int i : {0, 1, 8191, OssEvPaintTile::Texels - 1})
-        EXPECT_EQ(tile.texel(i), Bare);
-    OssEvPaintTile painted;
-    const Texel texel{0.5F, 0.25F, 2.0F, 0.75F, 0.125F};
-    painted.setTexel(77, texel);
-    EXPECT_EQ(painted.texel(77), texel);
-    EXPECT_EQ(painted.texel(76), Bare);
-    EXPECT_EQ(painted.texel(78), Bare);
-    OssEvPaintTile copy(painted);
-    copy.setTexel(77, Bare);
-    EXPECT_EQ(painted.texel(77), texel) << "a copy is another tile";
-}
-
 TEST(PaintTiles, aBufferHoldsWhatWasPutAndForgetsWhatWasTaken)
 {
     OssEvPaintBuffer buffer(512);

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <condition_variable>
 #include <limits>
+#include <set>
 #include <thread>
 
 namespace {
@@ -267,6 +268,8 @@ TEST_F(Scheduling, aTileThatTheCacheBroughtIsNotBroughtAgainWithItsRow)
 {
     const auto graph = nodeOf("image", file("wave"));
     EXPECT_EQ(evaluate(graph, "Node").tiles.size(), 16U);
+    EXPECT_EQ(evaluate(graph, "Node").tiles.size(), 16U);
+    EXPECT_EQ(images->reads(), 4) << "all came from the cache the second time";
     // Only a few of the tiles stay.
     const std::size_t tile = engine->cache().bytes() / 16;
     engine->cache().setBudget(3 * tile + tile / 2);
@@ -280,7 +283,8 @@ TEST_F(Scheduling, aTileThatTheCacheBroughtIsNotBroughtAgainWithItsRow)
 
 TEST_F(Scheduling, regionsReachNoFartherThanTheImage)
 {
-    const auto tilesFor = [this](const OssEvRegion &region) {
+    using Places = std::set<std::pair<int, int>>;
+    const auto placesIn = [this](const OssEvRegion &region) {
         Collected result;
         OssEvRequest wanted;
         wanted.target = target(checker(3.0), "Node", 300);
@@ -288,15 +292,16 @@ TEST_F(Scheduling, regionsReachNoFartherThanTheImage)
         engine->wait(start(wanted, &result));
         EXPECT_TRUE(result.outcome.ok()) << result.outcome.error;
         EXPECT_EQ(result.finished, 1);
-        return result.tiles.size();
+        return Places(result.order.begin(), result.order.end());
     };
-    EXPECT_EQ(tilesFor({}), 9U) << "all";
-    EXPECT_EQ(tilesFor({-50, -50, 51, 51}), 1U);
-    EXPECT_EQ(tilesFor({299, 299, 5000, 5000}), 1U);
-    EXPECT_EQ(tilesFor({127, 127, 2, 2}), 4U);
-    EXPECT_EQ(tilesFor({128, 0, 128, 128}), 1U);
-    EXPECT_EQ(tilesFor({300, 0, 10, 10}), 0U) << "beyond the edge there is nothing";
-    EXPECT_EQ(tilesFor({-10, 0, 10, 10}), 0U);
+    EXPECT_EQ(placesIn({}).size(), 9U) << "all";
+    EXPECT_EQ(placesIn({-50, -50, 51, 51}), (Places{{0, 0}}));
+    EXPECT_EQ(placesIn({299, 299, 5000, 5000}), (Places{{2, 2}}));
+    EXPECT_EQ(placesIn({127, 127, 2, 2}), (Places{{0, 0}, {0, 1}, {1, 0}, {1, 1}}));
+    EXPECT_EQ(placesIn({128, 0, 128, 128}), (Places{{1, 0}}));
+    EXPECT_EQ(placesIn({130, 140, 10, 300}), (Places{{1, 1}, {1, 2}}));
+    EXPECT_EQ(placesIn({300, 0, 10, 10}), Places()) << "beyond the edge there is nothing";
+    EXPECT_EQ(placesIn({-10, 0, 10, 10}), Places());
 }
 
 TEST_F(Scheduling, requestsThatAreOverOrNeverWereAreNoMatter)

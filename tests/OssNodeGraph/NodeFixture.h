@@ -1,35 +1,16 @@
 #pragma once
 
-#include "OssNodeGraph/View/OssNgRenderer.h"
-#include "support/ExampleGraph.h"
+#include "NodePicture.h"
 #include "support/Text.h"
 
 #include <gtest/gtest.h>
 
-#include <QImage>
-#include <QPainter>
 #include <QVector>
 
 #include <functional>
 
 inline const QString In = QStringLiteral("Input");
 inline const QString Out = QStringLiteral("Output");
-
-/// A part of the scene as files of the graph show it.
-inline QImage picture(QGraphicsScene *scene, const QRectF &area, const QSize &size)
-{
-    QImage image(size, QImage::Format_RGB32);
-    image.fill(Qt::black);
-    QPainter painter(&image);
-    OssNgRenderer::paintSceneTo(&painter, scene, area, QRectF(QPointF(), size));
-    return image;
-}
-
-/// A node that fills the picture.
-inline QImage picture(const OssNgNode *node, const QSize &size = {400, 200})
-{
-    return picture(node->scene(), node->sceneBoundingRect(), size);
-}
 
 /// Sees whether states are shown, and whether what they were shown by goes again with them.
 template <class Shown>

@@ -1,15 +1,19 @@
+#include "NodePicture.h"
 #include "OssCore/OssCoreServices.h"
-#include "OssNodeGraph/View/OssNgRenderer.h"
 #include "OssNodeGraph/View/OssNgView.h"
-#include "support/ExampleGraph.h"
+#include "support/Text.h"
 
 #include <QApplication>
 #include <QDir>
-#include <QElapsedTimer>
-#include <QPainter>
 #include <QSvgGenerator>
 
 namespace {
+
+/// Where the pictures go.
+QString fileIn(const QString &folder, const char *name)
+{
+    return folder + QLatin1Char('/') + text(name);
+}
 
 void save(const QImage &image, const QString &path)
 {
@@ -17,22 +21,40 @@ void save(const QImage &image, const QString &path)
         qWarning("cannot write %s", qPrintable(path));
 }
 
-void drawFile(QGraphicsScene *scene, const QString &folder)
+QRectF around(const QGraphicsScene &scene, qreal margin)
 {
-    const QRectF source = scene->itemsBoundingRect().adjusted(-40, -40, 40, 40);
-    QImage image((source.size() * 2).toSize(), QImage::Format_RGB32);
-    QPainter painter(&image);
-    paintSceneTo(&painter, scene, source, QRectF(QPointF(), QSizeF(image.size())));
-    painter.end();
-    save(image, folder + QStringLiteral("/file_2x.png"));
+    return scene.itemsBoundingRect().adjusted(-margin, -margin, margin, margin);
+}
 
+void drawSvg(QGraphicsScene *scene, const QString &path)
+{
+    const QRectF source = around(*scene, 40);
     QSvgGenerator generator;
-    generator.setFileName(folder + QStringLiteral("/file.svg"));
+    generator.setFileName(path);
     generator.setSize(source.size().toSize());
     generator.setViewBox(QRectF(QPointF(), source.size()));
     QPainter vectors(&generator);
     paintSceneTo(&vectors, scene, source, QRectF(QPointF(), source.size()));
 }
+
+class Screen : public OssNgView
+{
+public:
+    explicit Screen(QGraphicsScene *scene)
+    {
+        setScene(scene);
+        init();
+        resize(1068, 840);
+        show();
+    }
+
+    void shoot(const QString &path)
+    {
+        QCoreApplication::processEvents();
+        grab(); // the second picture comes from the cache
+        save(grab().toImage(), path);
+    }
+};
 
 } // namespace
 
@@ -46,47 +68,30 @@ int main(int argc, char **argv)
 
     GraphScene wall;
     buildBrickWall(&wall);
-    OssNgView view;
-    view.setScene(&wall);
-    view.init();
-    view.resize(1068, 840);
-    view.show();
-
-    struct Shot
-    {
-        const char *name;
-        qreal zoom;
-    };
-
-    for (const Shot &shot : {Shot{"wall_100", 1.0}, Shot{"wall_200", 2.0}, Shot{"wall_075", 0.75},
-                             Shot{"wall_040", 0.4}, Shot{"wall_020", 0.2}}) {
-        view.scaleView(shot.zoom / view.zoom());
+    Screen view(&wall);
+    const std::pair<const char *, qreal> shots[] = {{"wall_100.png", 1.0},
+                                                    {"wall_200.png", 2.0},
+                                                    {"wall_075.png", 0.75},
+                                                    {"wall_040.png", 0.4},
+                                                    {"wall_020.png", 0.2}};
+    for (const auto &[name, zoom] : shots) {
+        view.scaleView(zoom / view.zoom());
         view.centerViewOn({560, 520}, false);
-        QCoreApplication::processEvents();
-        view.grab(); // the second picture comes from the cache
-        save(view.grab().toImage(),
-             folder + QLatin1Char('/') + QLatin1String(shot.name) + QStringLiteral(".png"));
+        view.shoot(fileIn(folder, name));
     }
-    drawFile(&wall, folder);
+    const QRectF all = around(wall, 40);
+    save(picture(&wall, all, (all.size() * 2).toSize()), fileIn(folder, "file_2x.png"));
+    drawSvg(&wall, fileIn(folder, "file.svg"));
 
     GraphScene marks;
     buildMarks(&marks);
-    const QRectF all = marks.itemsBoundingRect().adjusted(-20, -20, 20, 20);
-    QImage image(all.size().toSize(), QImage::Format_RGB32);
-    QPainter painter(&image);
-    paintSceneTo(&painter, &marks, all, QRectF(QPointF(), QSizeF(image.size())));
-    painter.end();
-    save(image, folder + QStringLiteral("/marks.png"));
+    const QRectF marked = around(marks, 20);
+    save(picture(&marks, marked, marked.size().toSize()), fileIn(folder, "marks.png"));
 
     GraphScene grid;
     buildGrid(&grid, 2000);
-    OssNgView large;
-    large.setScene(&grid);
-    large.init();
-    large.resize(1068, 840);
-    large.show();
+    Screen large(&grid);
     large.fitInView(large.visibleNodeBounds(), Qt::KeepAspectRatio);
-    QCoreApplication::processEvents();
-    save(large.grab().toImage(), folder + QStringLiteral("/grid_all.png"));
+    large.shoot(fileIn(folder, "grid_all.png"));
     return 0;
 }

@@ -1,4 +1,4 @@
-#include "OssCore/Saving.h"
+#include "support/Saving.h"
 
 #include <QXmlStreamReader>
 

@@ -1,7 +1,7 @@
 #include "OssCore/Documents/OssObjectReferenceManager.h"
-#include "OssCore/Saving.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssCore/Values/OssUserEnum.h"
+#include "support/Saving.h"
 
 #include <QPointF>
 

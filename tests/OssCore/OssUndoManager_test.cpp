@@ -34,16 +34,6 @@ protected:
     OssUndoManager *m_undo = OssUndoManager::instance();
 };
 
-TEST_F(UndoTest, stepIsNotAppliedWhenItIsRecorded)
-{
-    edit("a");
-    EXPECT_EQ(m_text, text("a"));
-    m_undo->undo();
-    EXPECT_EQ(m_text, QString());
-    m_undo->redo();
-    EXPECT_EQ(m_text, text("a"));
-}
-
 TEST_F(UndoTest, macroIsOneStepWithItsInnerTitles)
 {
     {

@@ -1,5 +1,5 @@
-#include "OssCore/Saving.h"
 #include "OssCore/Undo/OssUndoManager.h"
+#include "support/Saving.h"
 
 #include <memory>
 

@@ -49,6 +49,8 @@ TEST_F(Engine, anEditRecomputesOnlyWhatIsDownstream)
     };
     const OssEvStatistics same = callsAfter({});
     EXPECT_EQ(same.tilesComputed, 0U) << "nothing has changed";
+    EXPECT_EQ(same.tilesFromCache, 16U);
+    EXPECT_TRUE(same.calls.empty()) << "statistics begin anew";
 
     Knobs knobs;
     knobs.amount = 0.3;

@@ -58,16 +58,6 @@ TEST(Keys, changeWithEverythingThatChangesPixelsAndNothingElse)
     EXPECT_TRUE(keys.insert(keyOf(pair(4, 2), "Checker")).second);
 }
 
-TEST(Keys, partsCannotBeMistakenForEachOther)
-{
-    const auto key = [](const char *a, const char *b) {
-        return OssEvKeyBuilder().add(std::string_view(a)).add(std::string_view(b)).key();
-    };
-    EXPECT_NE(key("ab", "c"), key("a", "bc"));
-    EXPECT_NE(OssEvKeyBuilder().add(1.0).key(), OssEvKeyBuilder().add(1).key());
-    EXPECT_EQ(OssEvKeyBuilder().add(0.0).key(), OssEvKeyBuilder().add(-0.0).key());
-}
-
 TEST(Keys, aDotIsNotThere)
 {
     const auto graph = graphOf({{"Checker", "checker"},

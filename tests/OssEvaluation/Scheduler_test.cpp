@@ -106,28 +106,19 @@ private:
     std::mutex m_mutex;
 };
 
-TEST_F(Scheduling, whatIsUrgentComesFirstWheneverItWasStarted)
+TEST_F(Scheduling, whatIsUrgentComesFirstAndOfEqualsTheEarlierOne)
 {
     Gate gate;
     const OssEvEngine::Id held = hold(&gate);
     const OssEvEngine::Id idle = follow(request(3.0, -1), "idle");
     const OssEvEngine::Id usual = follow(request(4.0, 0), "usual");
+    const OssEvEngine::Id later = follow(request(6.0, 0), "later");
     const OssEvEngine::Id urgent = follow(request(5.0, 2), "urgent");
     gate.open();
-    waitFor({held, idle, usual, urgent});
+    waitFor({held, idle, usual, later, urgent});
     EXPECT_EQ(before("urgent", "usual"), 16);
-    EXPECT_EQ(before("usual", "idle"), 16);
-}
-
-TEST_F(Scheduling, amongEqualsTheEarlierRequestComesFirst)
-{
-    Gate gate;
-    hold(&gate);
-    const OssEvEngine::Id first = follow(request(3.0, 1), "first");
-    const OssEvEngine::Id second = follow(request(4.0, 1), "second");
-    gate.open();
-    waitFor({first, second});
-    EXPECT_EQ(before("first", "second"), 16);
+    EXPECT_EQ(before("usual", "later"), 16);
+    EXPECT_EQ(before("later", "idle"), 16);
 }
 
 TEST_F(Scheduling, whatIsJoinedHurriesWithWhoIsUrgent)
@@ -405,20 +396,6 @@ TEST_F(Scheduling, numbersThatAreNoneStayOutOfPreciseTilesToo)
                                       "Node", 128);
     expectFinite(result, 128);
     EXPECT_EQ(result.tiles.begin()->second->format(), OssEvTile::Format::Float);
-}
-
-TEST_F(Scheduling, statisticsCountWhatIsDoneAndBeginAnew)
-{
-    evaluate(checker(3.0), "Node", 4 * Size);
-    EXPECT_EQ(engine->statistics().tilesComputed, 16U);
-    EXPECT_EQ(engine->statistics().tilesFromCache, 0U);
-    evaluate(checker(3.0), "Node", 4 * Size);
-    EXPECT_EQ(engine->statistics().tilesComputed, 16U);
-    EXPECT_EQ(engine->statistics().tilesFromCache, 16U);
-    engine->resetStatistics();
-    EXPECT_EQ(engine->statistics().tilesFromCache, 0U);
-    EXPECT_TRUE(engine->statistics().calls.empty());
-    EXPECT_EQ(engine->statistics().callsOf("checker"), 0U);
 }
 
 } // namespace

@@ -320,16 +320,6 @@ TEST(Strokes, hardBrushesAreFullWithinAndSoftOnesFallOffEvenly)
     }
 }
 
-TEST(Strokes, oneWithoutOpacityChangesNothingThatIsSeen)
-{
-    OssEvPaintBuffer buffer(Resolution);
-    OssEvBrush brush = hardBrush(20);
-    brush.opacity = 0.0;
-    OssEvStroke stroke(&buffer, brush, OnePatch);
-    moved(&stroke, 100, 100);
-    EXPECT_EQ(texelOf(buffer, 1001, 100, 100), Bare);
-}
-
 TEST(Strokes, whatIsPaintedOverAndOverIsPaintedOnce)
 {
     OssEvBrush brush = hardBrush(12);
@@ -342,6 +332,10 @@ TEST(Strokes, whatIsPaintedOverAndOverIsPaintedOnce)
     OssEvStroke second(&buffer, brush, OnePatch);
     moved(&second, 125, 100);
     EXPECT_NEAR(texelOf(buffer, 1001, 125, 100)[3], 0.75F, 1e-3F) << "the next stroke adds up";
+    brush.opacity = 0.0;
+    OssEvStroke unseen(&buffer, brush, OnePatch);
+    moved(&unseen, 200, 200);
+    EXPECT_EQ(texelOf(buffer, 1001, 200, 200), Bare);
 }
 
 } // namespace

@@ -34,15 +34,24 @@ protected:
     }
 };
 
-TEST_F(Surfaces, positionAndNormalOfASphereAgree)
+TEST_F(Surfaces, positionAndNormalOfASphereAgreeAlsoWithinOneGraph)
 {
     const auto sphere = OssEvShapes::sphere();
     const Collected positions = evaluate(onMesh("position", {}, sphere));
     const Collected normals = evaluate(onMesh("normal", {}, sphere));
+    OssEvTarget both = target(
+        graphOf({{"Position", "position"},
+                 {"Normal", "normal"},
+                 {"Sum", "vectorMath", {}, {{"A", "Position"}, {"B", "Normal"}}}}),
+        "Sum", 256);
+    both.mesh = sphere;
+    const Collected sums = evaluate(both);
     ASSERT_TRUE(positions.outcome.ok()) << positions.outcome.error;
     for (int i = 8; i < 248; i += 16) {
-        for (int k = 0; k < 3; ++k)
+        for (int k = 0; k < 3; ++k) {
             EXPECT_NEAR(positions.texel(k, i, i), normals.texel(k, i, i), 2e-3);
+            EXPECT_NEAR(positions.texel(k, i, i) * 2, sums.texel(k, i, i), 4e-3);
+        }
     }
     EXPECT_EQ(positions.tiles.begin()->second->format(), OssEvTile::Format::Float)
         << "positions are no colors";
@@ -118,22 +127,6 @@ TEST_F(Surfaces, aBakeFillsTheMarginUnlessItIsToldNotTo)
         EXPECT_EQ(inside, 0.5F);
         EXPECT_EQ(beside, dilate ? 0.5F : 0.0F);
     }
-}
-
-TEST_F(Surfaces, oneMapServesEveryNodeOfAPatch)
-{
-    OssEvTarget wanted = target(
-        graphOf({{"Position", "position"},
-                 {"Normal", "normal"},
-                 {"Sum", "vectorMath", {}, {{"A", "Position"}, {"B", "Normal"}}}}),
-        "Sum");
-    wanted.mesh = OssEvShapes::sphere();
-    const Collected result = evaluate(wanted);
-    ASSERT_TRUE(result.outcome.ok()) << result.outcome.error;
-    EXPECT_EQ(result.tiles.size(), 16U);
-    const float x = result.texel(0, 200, 256);
-    const float z = result.texel(2, 200, 256);
-    EXPECT_NEAR(std::hypot(x, z), 2.0F, 5e-3F) << "on the equator";
 }
 
 } // namespace

@@ -321,6 +321,11 @@ TEST(Keys, everyPartOfAParameterCounts)
     };
     EXPECT_NE(bytes("abcd", 4), bytes("abcd", 3));
     EXPECT_NE(bytes("abcd", 4), bytes("abce", 4));
+    const auto both = [](const char *a, const char *b) {
+        return OssEvKeyBuilder().add(std::string_view(a)).add(std::string_view(b)).key();
+    };
+    EXPECT_NE(both("ab", "c"), both("a", "bc")) << "parts cannot be mistaken for each other";
+    EXPECT_EQ(OssEvKeyBuilder().add(0.0).key(), OssEvKeyBuilder().add(-0.0).key());
 }
 
 // --- memory

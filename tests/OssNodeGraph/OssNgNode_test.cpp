@@ -1,6 +1,4 @@
 #include "NodeFixture.h"
-#include "OssCore/Documents/OssDeserializer.h"
-#include "OssCore/Documents/OssSerializer.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssNodeGraph/Items/OssNgDotNode.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
@@ -8,8 +6,8 @@
 #include "OssNodeGraph/Items/OssNgSceneIndex.h"
 #include "OssNodeGraph/Items/OssNgUINode.h"
 #include "OssNodeGraph/View/OssNgAccessible.h"
+#include "support/Saving.h"
 
-#include <QBuffer>
 #include <QSignalSpy>
 
 namespace {
@@ -251,28 +249,16 @@ TEST(OssNgNode, positionIsSavedAndLoadedWithoutAnnouncement)
 {
     OssNgNode node;
     node.setPosition({12.25, -7.5});
-    QBuffer buffer;
-    buffer.open(QIODevice::ReadWrite);
-    OssSerializer serializer(&buffer);
-    serializer.beginDocument(text("test"), {});
-    node.save(serializer, text("m_GuiNode"), {});
-    serializer.endDocument();
-    buffer.seek(0);
-
-    OssNgNode loaded;
-    const QSignalSpy moved(&loaded, &OssNgNode::posChanged);
+    OssNgNode copy;
+    const QSignalSpy moved(&copy, &OssNgNode::posChanged);
     OssUndoManager::instance()->clear();
-    OssDeserializer deserializer(&buffer, text("test"));
-    OssDeserializer::Attributes attributes;
-    ASSERT_TRUE(deserializer.beginDocument(text("test"), &attributes));
-    ASSERT_TRUE(deserializer.nextElement());
-    loaded.load(deserializer);
-    EXPECT_EQ(loaded.pos(), QPointF(12.25, -7.5));
+    ASSERT_TRUE(loaded(saved(&node), &copy));
+    EXPECT_EQ(copy.pos(), QPointF(12.25, -7.5));
     EXPECT_EQ(moved.count(), 0);
     EXPECT_EQ(OssUndoManager::instance()->count(), 0);
 }
 
-TEST_F(OssNgNodePair, goesBackAndForthAndAnnounces)
+TEST_F(OssNgNodePair, positionUndoGoesBackAndForthAndOutlivesItsNode)
 {
     a->savePosition();
     a->setPosition({90, 30});
@@ -283,15 +269,11 @@ TEST_F(OssNgNodePair, goesBackAndForthAndAnnounces)
     step.redo();
     EXPECT_EQ(a->pos(), QPointF(90, 30));
     EXPECT_EQ(moved.count(), 2);
-}
-
-TEST(OssNgNodePositionChangeUndo, outlivesItsNode)
-{
-    auto node = std::make_unique<OssNgNode>();
-    OssNgNodePositionChangeUndo step(node.get(), {0, 0}, {5, 5});
-    node.reset();
-    step.undo();
-    step.redo();
+    auto gone = std::make_unique<OssNgNode>();
+    OssNgNodePositionChangeUndo ofGone(gone.get(), {0, 0}, {5, 5});
+    gone.reset();
+    ofGone.undo();
+    ofGone.redo();
 }
 
 TEST_F(OssNgNodePair, modeSetByCodeIsSilentAndByUserAnnouncedOnce)

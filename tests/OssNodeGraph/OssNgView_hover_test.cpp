@@ -389,15 +389,6 @@ TEST_F(OssNgHoverTest, aCutThatIsTakenBackLeavesWiresAsTheyWere)
     EXPECT_EQ(b->input(In), wire);
 }
 
-TEST_F(OssNgHoverTest, aModeThatIsChosenDuringADragOutlastsIt)
-{
-    press(body(a));
-    move(body(a) + QPointF(40, 0));
-    view.setCursorTrackingMode(OssNgView::SeverTracking);
-    release(body(a));
-    EXPECT_EQ(view.cursorTrackingMode(), OssNgView::SeverTracking);
-}
-
 TEST_F(OssNgHoverTest, shakesAreCountedOnTheScreen)
 {
     view.m_shakeToExtractShakes = 5;

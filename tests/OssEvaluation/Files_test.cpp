@@ -1,6 +1,5 @@
 #include "OssEvaluation/EngineFixture.h"
 #include "OssEvaluation/Files/OssEvBake.h"
-#include "OssEvaluation/Files/OssEvFile.h"
 #include "OssEvaluation/Files/OssEvImageFiles.h"
 #include "OssEvaluation/Files/OssEvImageFormat.h"
 #include "OssEvaluation/Files/OssEvUdim.h"
@@ -8,7 +7,6 @@
 #include "support/FileSizeLimit.h"
 
 #include <OpenImageIO/imageio.h>
-#include <sys/stat.h>
 
 #include <filesystem>
 
@@ -128,43 +126,6 @@ TEST_F(Files, aCancelledBakeLeavesNoHalfFile)
     }
     EXPECT_EQ(folder.names(), std::vector<std::string>{"old.png"});
     EXPECT_EQ(folder.content("old.png"), "old");
-}
-
-TEST_F(Files, aFileIsWholeOrNotThere)
-{
-    {
-        OssEvFile abandoned(path("a"));
-        EXPECT_TRUE(abandoned.write("half", 4));
-    }
-    EXPECT_TRUE(folder.names().empty());
-    {
-        OssEvFile file(path("a"));
-        EXPECT_TRUE(file.write("xxxx world", 10));
-        EXPECT_TRUE(file.seek(0));
-        EXPECT_TRUE(file.write("good", 4));
-        EXPECT_TRUE(folder.names() != std::vector<std::string>{"a"}) << "not before it is finished";
-        EXPECT_TRUE(file.finish());
-    }
-    EXPECT_EQ(folder.content("a"), "good world");
-    EXPECT_EQ(folder.names(), std::vector<std::string>{"a"});
-    ASSERT_EQ(::chmod(path("a").c_str(), 0640), 0);
-    fs::create_symlink("a", path("link"));
-    {
-        OssEvFile file(path("link"));
-        file.write("new", 3);
-        EXPECT_TRUE(file.finish());
-    }
-    EXPECT_EQ(folder.content("a"), "new") << "a link keeps pointing to what is written";
-    EXPECT_TRUE(fs::is_symlink(path("link")));
-    EXPECT_EQ(int(fs::status(path("a")).permissions()) & 0777, 0640);
-    {
-        OssEvFile failed(path("a"));
-        failed.write("bad", 3);
-        failed.fail("the sky fell");
-        EXPECT_EQ(failed.finish().error(), "Cannot write \"" + path("a") + "\": the sky fell");
-    }
-    EXPECT_EQ(folder.content("a"), "new");
-    EXPECT_EQ(folder.names(), (std::vector<std::string>{"a", "link"}));
 }
 
 TEST_F(Files, aFullDiskIsNoticedAndLeavesTheOldFile)

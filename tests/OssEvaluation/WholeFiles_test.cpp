@@ -32,6 +32,29 @@ OssEvResult put(const std::string &path, const std::string &content)
     return file.finish();
 }
 
+TEST_F(WholeFiles, aFileIsWholeOrNotThere)
+{
+    {
+        OssEvFile abandoned(folder.path("a"));
+        EXPECT_TRUE(abandoned.write("half", 4));
+    }
+    EXPECT_TRUE(folder.names().empty());
+    {
+        OssEvFile file(folder.path("a"));
+        EXPECT_TRUE(file.write("xxxx world", 10));
+        EXPECT_TRUE(file.seek(0));
+        EXPECT_TRUE(file.write("good", 4));
+        EXPECT_TRUE(folder.names() != std::vector<std::string>{"a"}) << "not before it is finished";
+        EXPECT_TRUE(file.finish());
+    }
+    EXPECT_EQ(folder.content("a"), "good world");
+    fs::create_symlink("a", folder.path("link"));
+    EXPECT_TRUE(put(folder.path("link"), "new"));
+    EXPECT_EQ(folder.content("a"), "new") << "a link keeps pointing to what is written";
+    EXPECT_TRUE(fs::is_symlink(folder.path("link")));
+    EXPECT_EQ(folder.names(), (std::vector<std::string>{"a", "link"}));
+}
+
 TEST_F(WholeFiles, everyStepThatCanFailIsLookedAt)
 {
     std::map<std::string, int> told;
@@ -120,13 +143,18 @@ TEST_F(WholeFiles, placesAreCountedAndLargeContentArrivesWhole)
 
 TEST_F(WholeFiles, theFirstFaultIsTheOneThatIsTold)
 {
-    OssEvFile file(folder.path("a"));
-    file.fail("the cause");
-    file.fail("the consequence");
-    EXPECT_FALSE(file.write("x", 1));
-    EXPECT_FALSE(file.seek(0));
-    EXPECT_EQ(file.finish().error(), "Cannot write \"" + folder.path("a") + "\": the cause");
-    EXPECT_FALSE(fs::exists(folder.path("a")));
+    folder.write("a", "old");
+    {
+        OssEvFile file(folder.path("a"));
+        EXPECT_TRUE(file.write("bad", 3));
+        file.fail("the cause");
+        file.fail("the consequence");
+        EXPECT_FALSE(file.write("x", 1));
+        EXPECT_FALSE(file.seek(0));
+        EXPECT_EQ(file.finish().error(), "Cannot write \"" + folder.path("a") + "\": the cause");
+    }
+    EXPECT_EQ(folder.content("a"), "old");
+    EXPECT_EQ(folder.names(), std::vector<std::string>{"a"});
 }
 
 TEST_F(WholeFiles, whereNothingCanBeWrittenIsSaidAtOnce)

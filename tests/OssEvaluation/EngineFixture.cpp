@@ -1,6 +1,7 @@
 #include "OssEvaluation/EngineFixture.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <thread>
 
@@ -194,6 +195,12 @@ void EngineFixture::waitFor(const std::vector<OssEvEngine::Id> &ids)
 
 void EngineFixture::waitUntil(const std::function<bool()> &condition)
 {
-    while (!condition())
+    const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > end) {
+            ADD_FAILURE() << "what is waited for does not come";
+            return;
+        }
         std::this_thread::yield();
+    }
 }

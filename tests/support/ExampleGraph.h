@@ -40,9 +40,5 @@ private:
     std::vector<std::unique_ptr<OssNgNode>> m_nodes;
 };
 
-/// The wall of bricks: nodes of every look, a backdrop, a note, marks and an error.
-void buildBrickWall(GraphScene *scene);
-/// One node for every mark, shape and port-list mode, one wire for every mark.
-void buildMarks(GraphScene *scene);
 /// `count` nodes in a square with about as many wires.
 void buildGrid(GraphScene *scene, int count);

@@ -1,5 +1,6 @@
-#include "NodePicture.h"
+#include "Graphs.h"
 #include "OssCore/OssCoreServices.h"
+#include "OssNodeGraph/NodePicture.h"
 #include "OssNodeGraph/View/OssNgView.h"
 #include "support/Text.h"
 

@@ -195,7 +195,7 @@ void EngineFixture::waitFor(const std::vector<OssEvEngine::Id> &ids)
 
 void EngineFixture::waitUntil(const std::function<bool()> &condition)
 {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
     while (!condition()) {
         if (std::chrono::steady_clock::now() > end) {
             ADD_FAILURE() << "what is waited for does not come";

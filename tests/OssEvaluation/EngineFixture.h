@@ -86,7 +86,7 @@ protected:
     Collected evaluate(const std::shared_ptr<const OssEvGraph> &graph, const std::string &node,
                        int size = 512);
     void waitFor(const std::vector<OssEvEngine::Id> &ids);
-    /// While the engine works; a minute at most.
+    /// While the engine works; ten seconds at most.
     static void waitUntil(const std::function<bool()> &condition);
 
     std::shared_ptr<TestImages> images;

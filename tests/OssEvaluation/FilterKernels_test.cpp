@@ -38,11 +38,15 @@ Picture filtered(const Picture &from, const std::vector<double> &weights)
         sum += 2.0 * weight;
     const int radius = int(weights.size()) - 1;
     const auto pass = [&](const Picture &source, int dx, int dy) {
+        const std::vector<float> &values = source.planes[0];
         return pictureOf(source.width, source.height, 1, [&](int, int x, int y) {
             double value = 0.0;
-            for (int i = -radius; i <= radius; ++i)
+            for (int i = -radius; i <= radius; ++i) {
+                const int fromX = std::clamp(x + i * dx, 0, source.width - 1);
+                const int fromY = std::clamp(y + i * dy, 0, source.height - 1);
                 value += weights[std::size_t(std::abs(i))]
-                         * source.clamped(0, x + i * dx, y + i * dy);
+                         * values[std::size_t(fromY * source.width + fromX)];
+            }
             return value / sum;
         });
     };

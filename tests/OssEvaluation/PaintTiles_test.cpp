@@ -1,9 +1,7 @@
-#include "OssEvaluation/Files/OssEvImageFiles.h"
+#include "OssEvaluation/ImageFilesFixture.h"
 #include "OssEvaluation/Paint/OssEvPaintBake.h"
 #include "OssEvaluation/Paint/OssEvStroke.h"
 #include "OssEvaluation/PaintTexels.h"
-#include "OssEvaluation/PlainExr.h"
-#include "OssEvaluation/TestFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -111,7 +109,7 @@ TEST(PaintTiles, rowsHoldTheMeanOfWhatTheyStandFor)
     EXPECT_EQ(texels[1][OssEvPaintTile::Keep], 0.0F);
 }
 
-class PaintBaking : public testing::Test
+class PaintBaking : public ImageFilesFixture
 {
 protected:
     OssEvPaintBake::Job job(int resolution, const std::string &beneath)
@@ -137,19 +135,13 @@ protected:
 
     std::array<float, 4> baked(int x, int y)
     {
-        OssEvImageFiles files;
-        const OssEvImageProvider::Image image{folder.path("baked.exr")};
-        std::array<float, 4> color{-1, -1, -1, -1};
-        const OssEvResult result = files.read(
-            image, 0, y / Size, {}, [&](int tileX, int, const OssEvTilePointer &tile) {
-                for (int c = 0; tileX == x / Size && c < tile->channels(); ++c)
-                    color[std::size_t(c)] = tile->texel(c, x % Size, y % Size);
-            });
-        EXPECT_EQ(result.error(), "");
+        const Image image = read(folder.path("baked.exr"));
+        EXPECT_EQ(image.result.error(), "");
+        std::array<float, 4> color{};
+        for (int c = 0; c < 4; ++c)
+            color[std::size_t(c)] = image.texel(c, x, y);
         return color;
     }
-
-    TestFolder folder;
 };
 
 TEST_F(PaintBaking, composesThePaintOverTheImage)

@@ -13,14 +13,6 @@
 
 namespace {
 
-QStringList list(std::initializer_list<const char *> names)
-{
-    QStringList result;
-    for (const char *name : names)
-        result.append(QString::fromLatin1(name));
-    return result;
-}
-
 QPixmap bricks()
 {
     QPixmap picture(236, 172);
@@ -141,7 +133,7 @@ OssNgExtendedNode *addMarked(GraphScene *scene, int *count, const QString &title
     const auto kind = kinds(
         {{"Mask", Scalar}, {"Over", Kind::Data}, {"Height", Scalar}, {"Normal map", Vector}});
     auto *node = scene->add(title, {210.0 * (*count % 5), 140.0 * (*count / 5)}, text("Filter"),
-                            list({"Base", "Over", "Mask"}), list({"Output"}));
+                            texts({"Base", "Over", "Mask"}), texts({"Output"}));
     node->setPortKinds(kind, kind);
     ++*count;
     return node;
@@ -153,7 +145,7 @@ void addPortListModes(GraphScene *scene, int *count)
     OssNgExtendedNode *last = nullptr;
     for (int i = 0; i < modes.keyCount(); ++i) {
         auto *node = addMarked(scene, count, text(modes.key(i)));
-        node->setPortCluster(text("Stream"), list({"Base", "Over"}));
+        node->setPortCluster(text("Stream"), texts({"Base", "Over"}));
         node->setPortListMode(OssNgExtendedNode::PortListMode(modes.value(i)));
         if (last)
             scene->connectNodes(last, text("Output"), node, text("Mask"));
@@ -217,7 +209,7 @@ void buildMarks(GraphScene *scene)
     addMarks(scene, &count);
     for (const int shape : {0, 3, 4, 7}) {
         auto *node = addMarked(scene, &count, QStringLiteral("Shape %1").arg(shape));
-        node->addOutputPorts(list({"Colour", "Height", "Normal map"}));
+        node->addOutputPorts(texts({"Colour", "Height", "Normal map"}));
         node->setShapeType(shape);
         node->updateShape();
     }

@@ -202,7 +202,7 @@ TEST(Deserializer, rawTextStandsForTheWholeElementAndNoMore)
                 reader->skipElement();
             }
         }));
-    EXPECT_EQ(after, QStringList{text("next")});
+    EXPECT_EQ(after, texts({"next"}));
     const QByteArray again = written(
         [&raw](OssSerializer *serializer) { serializer->writeRaw(raw); }, false);
     EXPECT_TRUE(again.contains(inner)) << again.constData();

@@ -57,7 +57,7 @@ TEST(DebugLog, everyLineIsToldToWhoListens)
     OssDebug("a/b/Source_part.test.cpp", 1, "%s", "one");
     OssDebug(nullptr, 2, "%d%%", 2);
     OssDebug("", 3, "%s", "");
-    EXPECT_EQ(told, QStringList({text("Source_part one"), text(" 2%"), text(" ")}));
+    EXPECT_EQ(told, texts({"Source_part one", " 2%", " "}));
 }
 
 TEST(DebugLog, threadsMayLogAtOnce)

@@ -91,7 +91,7 @@ TEST_F(Status, theOutermostWorkIsWhatTheUserSees)
         outer.setProgress(2, 10);
     }
     EXPECT_FALSE(m_status->inProgress());
-    EXPECT_EQ(m_told, QStringList({text("begin Baking"), text("1/10"), text("2/10"), text("end")}));
+    EXPECT_EQ(m_told, texts({"begin Baking", "1/10", "2/10", "end"}));
     const OssStatusManager::Work next(text("Filling"));
     EXPECT_EQ(m_status->title(), text("Filling"));
     EXPECT_EQ(m_status->done() + m_status->total(), 0) << "a new one starts at nothing";
@@ -127,7 +127,7 @@ TEST_F(Status, messagesAreShownWhetherWorkIsDoneOrNot)
     m_status->showMessage(text("Saved"));
     const OssStatusManager::Work work(text("Work"));
     m_status->showMessage(text("Half"));
-    EXPECT_EQ(m_told, QStringList({text("says Saved"), text("begin Work"), text("says Half")}));
+    EXPECT_EQ(m_told, texts({"says Saved", "begin Work", "says Half"}));
 }
 
 // --- preferences

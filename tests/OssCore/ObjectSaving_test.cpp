@@ -133,7 +133,7 @@ TEST_F(ObjectSaving, everythingThatIsSavedComesBack)
     Thing thing;
     thing.setCount(-4);
     thing.place = {1.5, -2.5};
-    thing.note = QString::fromUtf8("a \"note\"\nwith <lines> & \xc3\xa4");
+    thing.note = text("a \"note\"\nwith <lines> & \xc3\xa4");
     thing.passing = 7;
     thing.setUserAttribute(OssCustomAttribute(text("Size"), 2.5), true);
     thing.setUserAttribute(OssCustomAttribute(text("On"), false), true);
@@ -249,7 +249,7 @@ TEST_F(ObjectSaving, anEmptyCollectionIsOneToo)
     ASSERT_TRUE(
         loaded(documentOf("<collection name=\"things\" type=\"T\" elementType=\"E\" count=\"0\"/>"),
                &thing));
-    EXPECT_EQ(thing.heard, QStringList({text("collection things T E 0"), text("end things")}));
+    EXPECT_EQ(thing.heard, texts({"collection things T E 0", "end things"}));
 }
 
 TEST_F(ObjectSaving, whatIsNotUnderstoodIsWrittenBackWhole)

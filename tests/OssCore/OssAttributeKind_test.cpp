@@ -16,7 +16,7 @@
 
 namespace {
 
-const QStringList Modes{text("Add"), text("2"), text("Mix")};
+const QStringList Modes = texts({"Add", "2", "Mix"});
 
 OssCustomAttribute attributeOf(const OssAttributeKind &kind)
 {

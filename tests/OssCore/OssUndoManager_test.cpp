@@ -43,7 +43,7 @@ TEST_F(UndoTest, macroIsOneStepWithItsInnerTitles)
     }
     ASSERT_EQ(m_undo->count(), 1);
     EXPECT_EQ(m_undo->undoText(), text("Cut"));
-    EXPECT_EQ(m_undo->partTexts(0), QStringList({text("a"), text("Remove")}));
+    EXPECT_EQ(m_undo->partTexts(0), texts({"a", "Remove"}));
     m_undo->undo();
     EXPECT_EQ(m_text, QString());
     m_undo->redo();
@@ -283,7 +283,7 @@ TEST_F(UndoTest, undoingAndRedoingTellOnceEachAndOnlyWhenSomethingHappened)
     m_undo->undo();
     m_undo->redo();
     m_undo->redo();
-    EXPECT_EQ(told, QStringList({text("Cut"), text("undone"), text("redone")}));
+    EXPECT_EQ(told, texts({"Cut", "undone", "redone"}));
 }
 
 TEST_F(UndoTest, theDocumentIsCleanWhereItWasSaved)
@@ -321,7 +321,7 @@ TEST_F(UndoTest, textsNameTheStepsAndWhatIsInThem)
     }
     EXPECT_EQ(m_undo->text(0), text("a"));
     EXPECT_EQ(m_undo->text(1), text("Paste"));
-    EXPECT_EQ(m_undo->partTexts(1), QStringList{text("b")}) << "parts without a title do not count";
+    EXPECT_EQ(m_undo->partTexts(1), texts({"b"})) << "parts without a title do not count";
     EXPECT_TRUE(m_undo->partTexts(0).isEmpty());
     EXPECT_TRUE(m_undo->partTexts(7).isEmpty());
     EXPECT_TRUE(m_undo->text(7).isEmpty());

@@ -95,7 +95,7 @@ TEST_F(UserAttributes, undoingComesBackEvenWhenOthersWentMeanwhile)
         m_object.removeUserAttribute(text("On"));
     }
     m_undo->undo();
-    EXPECT_EQ(m_object.userAttributeNames(), QStringList{text("Mode")});
+    EXPECT_EQ(m_object.userAttributeNames(), texts({"Mode"}));
 }
 
 TEST_F(UserAttributes, nobodyIsToldOfASilentChangeButUndoTells)
@@ -105,7 +105,7 @@ TEST_F(UserAttributes, nobodyIsToldOfASilentChangeButUndoTells)
     EXPECT_TRUE(m_object.told.isEmpty());
     EXPECT_EQ(m_object.userAttribute(text("Size")).value(), QVariant(4.0));
     m_undo->undo();
-    EXPECT_EQ(m_object.told, QStringList{text("set Size")});
+    EXPECT_EQ(m_object.told, texts({"set Size"}));
     EXPECT_EQ(m_object.userAttribute(text("Size")).value(), QVariant(1.0));
 }
 
@@ -129,7 +129,7 @@ TEST_F(UserAttributes, anAddedOneGoesWhenItIsUndone)
     EXPECT_FALSE(m_object.exists(text("New")));
     m_undo->redo();
     EXPECT_TRUE(m_object.exists(text("New")));
-    EXPECT_EQ(m_object.told, QStringList({text("set New"), text("gone New"), text("set New")}));
+    EXPECT_EQ(m_object.told, texts({"set New", "gone New", "set New"}));
 }
 
 TEST_F(UserAttributes, historyOutlivesTheObject)
@@ -163,7 +163,7 @@ TEST_F(UserAttributes, anOrderIsTakenOnlyWhole)
             << qPrintable(names.join(QLatin1Char(' ')));
         EXPECT_EQ(m_object.userAttributeNames(), before);
     }
-    const QStringList order{text("Mode"), text("Size"), text("On")};
+    const QStringList order = texts({"Mode", "Size", "On"});
     EXPECT_TRUE(m_object.orderUserAttributes(order));
     EXPECT_EQ(m_object.userAttributeNames(), order);
     EXPECT_EQ(m_object.userAttribute(text("Size")).value(), QVariant(1.0));

@@ -50,7 +50,7 @@ TEST_F(ValueText, valuesReadBackEqual)
                                std::numeric_limits<qlonglong>::min(),
                                QString(),
                                text("a, \"b\" <c>"),
-                               QString::fromUtf8("\xf0\x9f\x8e\xa8 \xc3\xa4"),
+                               text("\xf0\x9f\x8e\xa8 \xc3\xa4"),
                                QPointF(1.5, -2.25),
                                QPoint(3, -4),
                                QSizeF(0.1, 1e9),
@@ -60,8 +60,8 @@ TEST_F(ValueText, valuesReadBackEqual)
                                QStringList{text("a,b"), QString(), text("\\")},
                                QStringList{QString()},
                                QStringList{QString(), QString()},
-                               QStringList{text("\\")},
-                               QStringList{text("a\\,b\\\\"), text(",")},
+                               texts({"\\"}),
+                               texts({"a\\,b\\\\", ","}),
                                QStringList{},
                                QColor(10, 20, 30),
                                QColor(10, 20, 30, 40),
@@ -111,9 +111,9 @@ TEST_F(ValueText, whatPeopleWriteIsReadToo)
         {"1.6,2.4", QMetaType::QPoint, QPoint(2, 2)},
         {"1e3", QMetaType::Double, 1000.0},
         {"-0", QMetaType::Int, 0},
-        {"a\\", QMetaType::QStringList, QStringList{text("a\\")}},
+        {"a\\", QMetaType::QStringList, texts({"a\\"})},
         {"a,", QMetaType::QStringList, QStringList({text("a"), QString()})},
-        {"a\\bc", QMetaType::QStringList, QStringList{text("abc")}},
+        {"a\\bc", QMetaType::QStringList, texts({"abc"})},
     };
     for (const Case &read : cases) {
         EXPECT_EQ(OssValueText::fromText(text(read.text), read.type), read.value) << read.text;
@@ -141,8 +141,8 @@ TEST_F(ValueText, whatIsNoneOfTheTypeIsRefused)
         {0, {"", "x", "1.5.5"}},
         {-1, {"", "x", "1.5.5"}},
     };
-    for (const auto &[type, texts] : none) {
-        for (const char *one : texts)
+    for (const auto &[type, words] : none) {
+        for (const char *one : words)
             EXPECT_FALSE(OssValueText::fromText(text(one), type).isValid())
                 << QMetaType::typeName(type) << " " << one;
     }
@@ -327,7 +327,7 @@ TEST(Names, knobNamesAreAsciiAndNotEmpty)
 {
     EXPECT_TRUE(OssIsAlphanumericUnderscore(text("Knob_2")));
     for (const char *bad : {"", "a b", "a-b", "\xc3\xa4"})
-        EXPECT_FALSE(OssIsAlphanumericUnderscore(QString::fromUtf8(bad))) << bad;
+        EXPECT_FALSE(OssIsAlphanumericUnderscore(text(bad))) << bad;
 }
 
 } // namespace

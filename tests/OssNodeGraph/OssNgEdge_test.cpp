@@ -121,7 +121,7 @@ TEST_F(OssNgViewTest, aWireOnANodesBodyTakesTheFreeInputThatIsPreferred)
 
 TEST_F(OssNgViewTest, ofTwoPortsInReachTheNearerOneTakesTheWire)
 {
-    const QStringList names{text("One"), text("Two"), text("Three")};
+    const QStringList names = texts({"One", "Two", "Three"});
     auto *node = scene.add("C", {300, 150}, names, {Out});
     for (const QString &name : names) {
         node->detachInput(name);

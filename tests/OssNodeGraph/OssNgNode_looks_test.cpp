@@ -266,7 +266,7 @@ TEST_F(OssNgNodeLooks, portsThatAreNotListedLeaveNoTrace)
 
 TEST_F(OssNgNodeLooks, rowsAndSidesArePortsOwn)
 {
-    const QStringList three{text("A"), text("B"), text("C")};
+    const QStringList three = texts({"A", "B", "C"});
     OssNgExtendedNode *ins = scene.add("Ins", {500, 0}, three);
     OssNgExtendedNode *outs = scene.add("Outs", {1000, 0}, {In}, three);
     EXPECT_GT(ins->bodyRect().height(), node->bodyRect().height());

@@ -107,7 +107,7 @@ TEST_F(OssNgNodePair, portsThatAreBuiltAnewTakeTheirWiresBack)
 
 TEST(OssNgNode, portsThatGoTakeTheirRowsAndWiresAndRenamedOnesKeepThem)
 {
-    const QStringList names{text("A"), text("B"), text("C")};
+    const QStringList names = texts({"A", "B", "C"});
     GraphScene scene;
     auto *source = scene.add("Source", {0, 0}, names, names);
     auto *target = scene.add("Target", {300, 0}, names, names);
@@ -145,7 +145,7 @@ TEST(OssNgNode, addingKnownPortsReordersThem)
     OssNgNode node;
     node.addInputPorts({text("a"), text("b"), text("c")});
     node.addInputPorts({text("c"), text("a")});
-    EXPECT_EQ(node.inputPortNames(), QStringList({text("c"), text("b"), text("a")}));
+    EXPECT_EQ(node.inputPortNames(), texts({"c", "b", "a"}));
 }
 
 TEST_F(OssNgNodePair, portIsCalledTheSameBesideItAndInWords)

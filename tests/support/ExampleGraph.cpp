@@ -50,8 +50,8 @@ void GraphScene::connectNodes(OssNgNode *source, const QString &output, OssNgNod
 void buildGrid(GraphScene *scene, int count)
 {
     static const char *const categories[] = {"Procedural", "Filter", "Layer", "Math", "Material"};
-    const QStringList inputs{text("Base"), text("Over"), text("Mask"), text("Amount")};
-    const QStringList outputs{text("Output")};
+    const QStringList inputs = texts({"Base", "Over", "Mask", "Amount"});
+    const QStringList outputs = texts({"Output"});
     const QHash<QString, int> kinds{{text("Mask"), int(OssNgPortKind::Scalar)},
                                     {text("Amount"), int(OssNgPortKind::Vector)}};
     const int columns = std::max(1, int(std::sqrt(double(count))));

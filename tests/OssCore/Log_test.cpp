@@ -64,6 +64,7 @@ TEST(DebugLog, threadsMayLogAtOnce)
 {
     OssDebugLog::instance()->clear();
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int t = 0; t < 4; ++t) {
         threads.emplace_back([t] {
             for (int i = 0; i < 200; ++i)

@@ -144,7 +144,7 @@ TEST_F(ObjectSaving, everythingThatIsSavedComesBack)
     }
     const QString uuid = thing.children[1]->uuidString();
     const QByteArray document = saved(&thing);
-    thing.children[1].reset(new Thing);
+    thing.children[1] = std::make_unique<Thing>();
 
     Thing back;
     ASSERT_TRUE(loaded(document, &back));

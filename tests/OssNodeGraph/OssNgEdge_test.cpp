@@ -11,8 +11,8 @@ TEST_F(OssNgViewTest, wiresRunStraightOutOfPortsAsFarAsThereIsRoom)
     const struct
     {
         QPointF span;
-        double least;
-        double most;
+        double least = 0.0;
+        double most = 0.0;
     } cases[] = {
         {{600, 0}, 299, 301},  // half the way
         {{20, 300}, 49, 51},   // a bend, however narrow

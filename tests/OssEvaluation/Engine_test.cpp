@@ -167,6 +167,7 @@ TEST_F(Engine, whatIsUnderWayIsJoined)
     images->hold();
     std::array<Collected, 3> results;
     std::vector<OssEvEngine::Id> ids;
+    ids.reserve(results.size());
     for (Collected &result : results)
         ids.push_back(start(target(chain({}), "Over"), &result));
     waitUntil([this] { return engine->statistics().joins > 0; });

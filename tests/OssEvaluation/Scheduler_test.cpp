@@ -241,6 +241,7 @@ TEST_F(Scheduling, aFaultEndsEveryoneWhoWaitsForItAndNobodyElse)
     images->hold();
     std::map<std::string, Collected> results;
     std::vector<OssEvEngine::Id> ids;
+    ids.reserve(3);
     for (const char *node : {"First", "Second", "Good"})
         ids.push_back(start(target(graph, node), &results[node]));
     waitUntil([this] { return engine->statistics().joins > 0; });

@@ -87,12 +87,15 @@ TEST(PaintTiles, rowsHoldTheMeanOfWhatTheyStandFor)
     // Every texel of the row, across the borders of tiles.
     std::vector<Texel> texels(300);
     ASSERT_TRUE(buffer.readRow(1001, 300, 0, 5, 300, texels.data()));
-    for (int x = 0; x < 300; ++x)
-        EXPECT_EQ(texels[std::size_t(x)][0], float(x / Size + 1)) << x;
+    for (int x = 0; x < 300; ++x) {
+        const int tile = x / Size;
+        EXPECT_EQ(texels[std::size_t(x)][0], float(tile + 1)) << x;
+    }
     // Four texels each way; 128 is a multiple of it.
     ASSERT_TRUE(buffer.readRow(1001, 75, 0, 0, 75, texels.data()));
     for (int x = 0; x < 75; ++x) {
-        EXPECT_NEAR(texels[std::size_t(x)][0], float(x * 4 / Size + 1), 1e-5F) << x;
+        const int tile = x * 4 / Size;
+        EXPECT_NEAR(texels[std::size_t(x)][0], float(tile + 1), 1e-5F) << x;
         EXPECT_EQ(texels[std::size_t(x)][OssEvPaintTile::Keep], 0.0F);
     }
     // Rows 100 to 199 are half painted.

@@ -198,7 +198,7 @@ void OssNgView::updateHover(const QPointF &viewportPos)
 
 void OssNgView::pickUpEdge()
 {
-    if (!scene() || m_gesture)
+    if (!scene() || hasGesture())
         return;
     const QPointF mouse = viewport()->mapFromGlobal(QCursor::pos());
     const QPointF position = toScene(mouse);

@@ -1,30 +1,30 @@
-#include "OssCore/Program/OssDebug.h"
 #include "OssCore/Program/OssSettings.h"
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssInterface/Popups/OssFileDialog.h"
 #include "OssInterface/Popups/OssMessageBox.h"
 #include "OssInterface/Popups/OssPopupDialog.h"
+#include "OssInterface/Popups/OssWorkDialog.h"
+#include "support/DialogAnswers.h"
 #include "support/ExpectedLog.h"
+#include "support/Text.h"
 
 #include <gtest/gtest.h>
 
 #include <QApplication>
 #include <QCheckBox>
 #include <QDir>
-#include <QFileDialog>
-#include <QGuiApplication>
-#include <QInputDialog>
 #include <QLineEdit>
 #include <QMenu>
+#include <QProgressDialog>
 #include <QPushButton>
 #include <QScreen>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QTimer>
-
-#include <functional>
 
 namespace {
+
+const QString T = text("T");
 
 class WithoutUser : public testing::Test
 {
@@ -32,60 +32,46 @@ protected:
     WithoutUser() { OssApplication::setPopupsAllowed(false); }
 
     ~WithoutUser() override { OssApplication::setPopupsAllowed(true); }
-
-    static bool logHas(const char *text)
-    {
-        ExpectedLog::takePast(QString::fromUtf8(text));
-        const auto lines = OssDebugLog::instance()->lines();
-        return std::any_of(lines.cbegin(), lines.cend(), [text](const OssDebugLog::Line &line) {
-            return line.text.contains(QLatin1String(text));
-        });
-    }
 };
+
+QMessageBox::StandardButton askToSave()
+{
+    return OssMessageBox::question(nullptr, T, text("saved?"),
+                                   QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel,
+                                   QMessageBox::Discard);
+}
 
 } // namespace
 
 TEST_F(WithoutUser, boxesAnswerSafelyAtOnceAndReachLogAndStderr)
 {
-    const ExpectedLog expected[] = {ExpectedLog("T: asked"), ExpectedLog("T: saved?")};
+    const ExpectedLog expected[] = {ExpectedLog("T: warned %s"), ExpectedLog("T: asked"),
+                                    ExpectedLog("T: saved?")};
+    bool checked = true;
     testing::internal::CaptureStderr();
-    EXPECT_EQ(OssMessageBox::warning(nullptr, QStringLiteral("T"), QStringLiteral("warned %s")),
-              QMessageBox::Ok);
-    EXPECT_EQ(OssMessageBox::question(nullptr, QStringLiteral("T"), QStringLiteral("asked")),
+    EXPECT_EQ(OssMessageBox::warning(nullptr, T, text("warned %s")), QMessageBox::Ok);
+    EXPECT_EQ(OssMessageBox::question(nullptr, T, text("asked"), QMessageBox::Yes | QMessageBox::No,
+                                      text("Again?"), &checked),
               QMessageBox::No);
-    EXPECT_EQ(
-        OssMessageBox::question(nullptr, QStringLiteral("T"), QStringLiteral("saved?"),
-                                QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel),
-        QMessageBox::Cancel);
+    EXPECT_EQ(askToSave(), QMessageBox::Cancel);
     const std::string errors = testing::internal::GetCapturedStderr();
     EXPECT_NE(errors.find("T: warned %s\n"), std::string::npos) << errors;
     EXPECT_NE(errors.find("T: asked\n"), std::string::npos);
-    EXPECT_TRUE(logHas("T: warned %s"));
-}
-
-TEST_F(WithoutUser, checkBoxKeepsItsState)
-{
-    const ExpectedLog expected("T: asked");
-    bool checked = true;
-    OssMessageBox::question(nullptr, QStringLiteral("T"), QStringLiteral("asked"),
-                            QMessageBox::Yes | QMessageBox::No, QStringLiteral("Again?"), &checked);
-    EXPECT_TRUE(checked);
+    EXPECT_TRUE(checked) << "nobody unchecked it";
 }
 
 TEST_F(WithoutUser, plainQtBoxesDoNotBlockEither)
 {
-    const ExpectedLog expected[] = {ExpectedLog("T: sure?"), ExpectedLog("Choose: Port:")};
-    EXPECT_EQ(QMessageBox::warning(nullptr, QStringLiteral("T"), QStringLiteral("plain box")),
-              QMessageBox::Ok);
-    EXPECT_TRUE(logHas("plain box"));
-    EXPECT_EQ(QMessageBox::question(nullptr, QStringLiteral("T"), QStringLiteral("sure?")),
-              QMessageBox::No);
+    const ExpectedLog expected[] = {ExpectedLog("plain box"), ExpectedLog("T: sure?"),
+                                    ExpectedLog("Choose: Port:")};
+    EXPECT_EQ(QMessageBox::warning(nullptr, T, text("plain box")), QMessageBox::Ok);
+    EXPECT_EQ(QMessageBox::question(nullptr, T, text("sure?")), QMessageBox::No);
     bool accepted = true;
-    QInputDialog::getItem(nullptr, QStringLiteral("Choose"), QStringLiteral("Port:"),
-                          {QStringLiteral("A"), QStringLiteral("B")}, 0, false, &accepted);
+    QInputDialog::getItem(nullptr, text("Choose"), text("Port:"), texts({"A", "B"}), 0, false,
+                          &accepted);
     EXPECT_FALSE(accepted);
     QMenu menu;
-    menu.addAction(QStringLiteral("Entry"));
+    menu.addAction(text("Entry"));
     EXPECT_EQ(menu.exec(QPoint(0, 0)), nullptr);
     OssPopupDialog popup;
     EXPECT_EQ(popup.exec(), int(QDialog::Rejected));
@@ -93,43 +79,41 @@ TEST_F(WithoutUser, plainQtBoxesDoNotBlockEither)
 
 TEST_F(WithoutUser, fileDialogsAnswerEmpty)
 {
-    const QString key = QStringLiteral("Key");
-    const QString filter = QStringLiteral("*.ong");
-    EXPECT_TRUE(OssFileDialog::getSaveFileName(QString(), filter, key).isEmpty());
-    EXPECT_TRUE(OssFileDialog::getOpenFileNames(QString(), filter, key).isEmpty());
+    const QString key = text("Key");
+    EXPECT_TRUE(OssFileDialog::getSaveFileName(QString(), text("*.ong"), key).isEmpty());
+    EXPECT_TRUE(OssFileDialog::getOpenFileNames(QString(), text("*.ong"), key).isEmpty());
     EXPECT_TRUE(OssFileDialog::getExistingDirectory(QString(), key).isEmpty());
 }
 
 TEST(Dialogs, userAnswersAreHandedOn)
 {
-    QTimer::singleShot(0, [] {
-        auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+    whenOpen<QMessageBox>([](QMessageBox *box) {
         box->checkBox()->setChecked(true);
         box->button(QMessageBox::Yes)->click();
     });
     bool checked = false;
-    const auto answer = OssMessageBox::question(
-        nullptr, QStringLiteral("T"), QStringLiteral("asked"), QMessageBox::Yes | QMessageBox::No,
-        QStringLiteral("Don't show again"), &checked);
-    EXPECT_EQ(answer, QMessageBox::Yes);
+    EXPECT_EQ(OssMessageBox::question(nullptr, T, text("asked"), QMessageBox::Yes | QMessageBox::No,
+                                      text("Don't show again"), &checked),
+              QMessageBox::Yes);
     EXPECT_TRUE(checked);
 }
 
 TEST(Dialogs, suffixIsAppendedOnlyWhenMissing)
 {
-    const auto with = [](const char *path, const char *filter) {
-        return OssFileDialog::withSuffix(QString::fromLatin1(path), QString::fromLatin1(filter));
+    const std::tuple<const char *, const char *, const char *> cases[] = {
+        {"/a/wall", "*.ong", "/a/wall.ong"},
+        {"/a/wall.ONG", "*.ong", "/a/wall.ONG"},
+        {"/a/wall.v2", "Nodes (*.ong)", "/a/wall.v2.ong"},
+        {"/a/wall.jpg", "Images (*.png *.jpg)", "/a/wall.jpg"},
+        {"", "*.ong", ""},
     };
-    EXPECT_EQ(with("/a/wall", "*.ong"), QStringLiteral("/a/wall.ong"));
-    EXPECT_EQ(with("/a/wall.ONG", "*.ong"), QStringLiteral("/a/wall.ONG"));
-    EXPECT_EQ(with("/a/wall.v2", "Nodes (*.ong)"), QStringLiteral("/a/wall.v2.ong"));
-    EXPECT_EQ(with("/a/wall.jpg", "Images (*.png *.jpg)"), QStringLiteral("/a/wall.jpg"));
-    EXPECT_EQ(with("", "*.ong"), QString());
+    for (const auto &[path, filter, wanted] : cases)
+        EXPECT_EQ(OssFileDialog::withSuffix(text(path), text(filter)), text(wanted));
 }
 
 TEST(Dialogs, rememberedFolderIsHomeWhenItHasGone)
 {
-    const QString key = QStringLiteral("SomePath");
+    const QString key = text("SomePath");
     {
         const QTemporaryDir folder;
         OssFileDialog::rememberFolder(key, folder.path());
@@ -140,123 +124,137 @@ TEST(Dialogs, rememberedFolderIsHomeWhenItHasGone)
 
 TEST(Dialogs, aFolderWithTheSuffixIsReplacedAfterAskingAndNotEntered)
 {
-    const QString key = QStringLiteral("FolderPath");
+    const QString key = text("FolderPath");
     const QTemporaryDir folder;
-    const QString wall = folder.filePath(QStringLiteral("wall.ossa"));
+    const QString wall = folder.filePath(text("wall.ossa"));
     ASSERT_TRUE(QDir().mkpath(wall));
     OssFileDialog::rememberFolder(key, folder.path());
-    const auto save = [&](const QString &name, QMessageBox::StandardButton answer) {
+    const std::tuple<const char *, QMessageBox::StandardButton, QString, int> cases[] = {
+        {"wall.ossa", QMessageBox::Yes, wall, 1},
+        {"wall", QMessageBox::Yes, wall, 1},
+        {"wall.ossa", QMessageBox::No, {}, 1},
+        {"floor", QMessageBox::No, folder.filePath(text("floor.ossa")), 0},
+    };
+    for (const auto &one : cases) {
         int questions = 0;
-        QTimer::singleShot(0, [&] {
-            auto *dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
+        whenOpen<QFileDialog>([&](QFileDialog *dialog) {
             Q_EMIT dialog->directoryEntered(wall);
             EXPECT_EQ(dialog->directory().path(), folder.path());
-            auto *edit = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
-            EXPECT_EQ(edit->text(), QStringLiteral("wall.ossa"));
+            auto *edit = dialog->findChild<QLineEdit *>(text("fileNameEdit"));
+            EXPECT_EQ(edit->text(), text("wall.ossa"));
             QApplication::setActiveWindow(dialog);
             edit->setFocus(); // without it Qt takes what is selected for the name
-            edit->setText(name);
+            edit->setText(text(std::get<0>(one)));
             // Where nothing is asked it goes with the dialog.
             QTimer::singleShot(0, dialog, [&] {
                 if (auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
                     ++questions;
-                    box->button(answer)->click();
+                    box->button(std::get<1>(one))->click();
                 }
             });
             QMetaObject::invokeMethod(dialog, "accept");
             if (dialog->isVisible())
                 dialog->reject();
         });
-        const QString path = OssFileDialog::getSaveFileName(
-            QString(), QStringLiteral("Projects (*.ossa)"), key);
-        return std::make_pair(path, questions);
-    };
-    const QString name = QStringLiteral("wall.ossa");
-    EXPECT_EQ(save(name, QMessageBox::Yes), std::make_pair(wall, 1));
-    EXPECT_EQ(save(QStringLiteral("wall"), QMessageBox::Yes), std::make_pair(wall, 1));
-    EXPECT_EQ(save(name, QMessageBox::No), std::make_pair(QString(), 1));
-    EXPECT_EQ(save(QStringLiteral("floor"), QMessageBox::No),
-              std::make_pair(folder.filePath(QStringLiteral("floor.ossa")), 0));
+        EXPECT_EQ(OssFileDialog::getSaveFileName(QString(), text("Projects (*.ossa)"), key),
+                  std::get<2>(one));
+        EXPECT_EQ(questions, std::get<3>(one)) << std::get<0>(one);
+    }
 }
 
 TEST(Dialogs, boxesLookLikeWhatTheySayAndReturnTakesWhatIsMeant)
 {
-    struct Seen
-    {
-        QImage icon;
-        QMessageBox::StandardButton answer = QMessageBox::NoButton;
-    };
-
-    const auto ask = [](const std::function<QMessageBox::StandardButton()> &box, Qt::Key key) {
-        Seen seen;
-
-        QTimer::singleShot(0, [&] {
-            auto *open = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-            seen.icon = open->iconPixmap().toImage();
-
-            QTest::keyClick(
-                open->defaultButton() ? static_cast<QWidget *>(open->defaultButton()) : open, key);
-            if (open->isVisible())
-                open->close();
+    QImage icon;
+    const auto pressNext = [&icon](Qt::Key key) {
+        whenOpen<QMessageBox>([&icon, key](QMessageBox *box) {
+            icon = box->iconPixmap().toImage();
+            QPushButton *meant = box->defaultButton();
+            QTest::keyClick(meant ? static_cast<QWidget *>(meant) : box, key);
+            if (box->isVisible())
+                box->close();
         });
-        seen.answer = box();
-        return seen;
     };
-    const QString text = QStringLiteral("T");
-    const auto warning = [&] {
-        return OssMessageBox::warning(nullptr, text, text);
-    };
-    const auto information = [&] {
-        return OssMessageBox::information(nullptr, text, text);
-    };
-    const auto question = [&] {
-        return OssMessageBox::question(
-            nullptr, text, text, QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel,
-            QMessageBox::Discard);
-    };
-    EXPECT_EQ(ask(question, Qt::Key_Return).answer, QMessageBox::Discard);
-    EXPECT_EQ(ask(question, Qt::Key_Escape).answer, QMessageBox::Cancel);
-    const QImage icons[] = {ask(warning, Qt::Key_Escape).icon,
-                            ask(information, Qt::Key_Escape).icon,
-                            ask(question, Qt::Key_Escape).icon};
-    EXPECT_NE(icons[0], icons[1]);
-    EXPECT_NE(icons[1], icons[2]);
-    const auto isYellow = [](const QImage &icon) {
-        const QColor edge = icon.pixelColor(icon.width() / 2, icon.height() * 34 / 40);
+    pressNext(Qt::Key_Return);
+    EXPECT_EQ(askToSave(), QMessageBox::Discard);
+    pressNext(Qt::Key_Escape);
+    EXPECT_EQ(askToSave(), QMessageBox::Cancel);
+    const QImage question = icon;
+    pressNext(Qt::Key_Escape);
+    OssMessageBox::warning(nullptr, T, T);
+    const QImage warning = icon;
+    pressNext(Qt::Key_Escape);
+    OssMessageBox::information(nullptr, T, T);
+    const QImage information = icon;
+    EXPECT_NE(warning, information);
+    EXPECT_NE(information, question);
+    const auto isYellow = [](const QImage &image) {
+        const QColor edge = image.pixelColor(image.width() / 2, image.height() * 34 / 40);
         return edge.alpha() > 200 && edge.red() > edge.blue() + 60;
     };
-    EXPECT_TRUE(isYellow(icons[0])) << "the sill of the triangle";
-    EXPECT_FALSE(isYellow(icons[1]) || isYellow(icons[2]));
+    EXPECT_TRUE(isYellow(warning)) << "the sill of the triangle";
+    EXPECT_FALSE(isYellow(information) || isYellow(question));
 }
 
 TEST(Dialogs, popupsStayOnTheScreen)
 {
-    const QRect room = QGuiApplication::primaryScreen()->availableGeometry();
-
-    const struct
-    {
-        QPoint at;
-        QPoint place;
-    } cases[] = {
-        {room.topLeft() + QPoint(50, 60), room.topLeft() + QPoint(50, 60)},
-        {room.bottomRight() - QPoint(10, 10), room.bottomRight() - QPoint(199, 99)},
-        {room.topLeft(), room.topLeft()},
+    const QRect room = QApplication::primaryScreen()->availableGeometry();
+    const std::tuple<QPoint, QSize, QPoint> cases[] = {
+        {room.topLeft() + QPoint(50, 60), {200, 100}, room.topLeft() + QPoint(50, 60)},
+        {room.bottomRight() - QPoint(10, 10), {200, 100}, room.bottomRight() - QPoint(199, 99)},
+        {room.topLeft(), {200, 100}, room.topLeft()},
+        {room.center(), room.size() + QSize(100, 100), room.topLeft()},
     };
-
-    for (const auto &c : cases) {
+    for (const auto &[at, size, wanted] : cases) {
         OssPopupDialog popup;
-        popup.resize(200, 100);
-        popup.move(c.at);
+        popup.resize(size);
+        popup.move(at);
         popup.show();
-        EXPECT_EQ(popup.pos(), c.place) << &c - cases;
+        EXPECT_EQ(popup.pos(), wanted) << at.x() << " " << at.y();
     }
-    OssPopupDialog large;
-    large.resize(room.size() + QSize(100, 100));
-    large.move(room.center());
-    large.show();
-    EXPECT_EQ(large.pos(), room.topLeft());
     OssPopupDialog beyond;
     beyond.move(room.bottomRight() + QPoint(5000, 5000));
     beyond.show();
     EXPECT_TRUE(beyond.isVisible()) << "on no screen";
+}
+
+TEST(WorkDialog, isThereForWorkThatBlocksAndItsButtonStopsIt)
+{
+    const auto shown = [] {
+        QProgressDialog *found = nullptr;
+        const QWidgetList all = QApplication::topLevelWidgets();
+        for (QWidget *widget : all)
+            found = qobject_cast<QProgressDialog *>(widget)
+                        ? qobject_cast<QProgressDialog *>(widget)
+                        : found;
+        return found;
+    };
+    const bool popups = OssApplication::popupsAllowed();
+    const OssWorkDialog dialog;
+    const std::tuple<OssStatusManager::Kind, bool, bool> cases[] = {
+        {OssStatusManager::Blocking, true, true},
+        {OssStatusManager::Beside, true, false},
+        {OssStatusManager::Blocking, false, false},
+    };
+    for (const auto &[kind, allowed, wanted] : cases) {
+        OssApplication::setPopupsAllowed(allowed);
+        OssStatusManager::Work work(text("Bake"), kind);
+        work.setPart(text("1001"));
+        work.setProgress(1, 4);
+        QProgressDialog *bar = shown();
+        ASSERT_EQ(bar != nullptr, wanted) << kind << allowed;
+        if (!bar)
+            continue;
+        EXPECT_EQ(bar->windowTitle(), text("Bake"));
+        EXPECT_EQ(bar->labelText(), text("1001"));
+        EXPECT_EQ(bar->value(), bar->maximum() / 4);
+        work.setProgress(0, 0);
+        EXPECT_EQ(bar->value(), bar->maximum() / 4) << "of nothing";
+        EXPECT_FALSE(work.isCancelled());
+        bar->findChild<QPushButton *>()->click();
+        EXPECT_TRUE(work.isCancelled());
+        work.setProgress(2, 4);
+        EXPECT_TRUE(bar->wasCanceled()) << "and stays so";
+    }
+    EXPECT_EQ(shown(), nullptr);
+    OssApplication::setPopupsAllowed(popups);
 }

@@ -1,6 +1,7 @@
 #include "OssInterface/Palettes/OssPalette.h"
 #include "OssInterface/Palettes/OssPaletteManager.h"
 #include "support/ExpectedLog.h"
+#include "support/Text.h"
 
 #include <gtest/gtest.h>
 
@@ -19,11 +20,11 @@ class Palettes : public testing::Test
 protected:
     ~Palettes() override { palettes()->deletePalettes(); }
 
-    static OssPalette *make(const char *name, const char *helpKey)
+    static OssPalette *make(const char *name, const char *helpKey = "")
     {
         auto *palette = new OssPalette;
-        palette->setObjectName(QString::fromLatin1(name));
-        palette->setContextHelpKey(QString::fromLatin1(helpKey));
+        palette->setObjectName(text(name));
+        palette->setContextHelpKey(text(helpKey));
         return palette;
     }
 };
@@ -33,53 +34,48 @@ protected:
 TEST_F(Palettes, foundByObjectNameAndByHelpKeyUnderATranslation)
 {
     OssPalette *graph = make("Knotengraph", "node_graph_palette");
-    ASSERT_TRUE(palettes()->registerPalette(graph, true, QStringLiteral("/icon.png")));
-    EXPECT_EQ(palettes()->find(QStringLiteral("Knotengraph")), graph);
-    EXPECT_EQ(palettes()->find(QStringLiteral("Node Graph")), graph);
-    EXPECT_EQ(palettes()->find(QStringLiteral("node_graph_palette")), graph);
-    EXPECT_EQ(palettes()->find(QStringLiteral("Node Properties")), nullptr);
-    EXPECT_EQ(palettes()->iconPath(graph), QStringLiteral("/icon.png"));
+    ASSERT_TRUE(palettes()->registerPalette(graph, true, text("/icon.png")));
+    for (const char *name : {"Knotengraph", "Node Graph", "node_graph_palette"})
+        EXPECT_EQ(palettes()->find(text(name)), graph) << name;
+    EXPECT_EQ(palettes()->find(text("Node Properties")), nullptr);
+    EXPECT_EQ(palettes()->iconPath(graph), text("/icon.png"));
 }
 
 TEST_F(Palettes, secondOfANameIsRefusedAndStaysTheCallers)
 {
     const ExpectedLog expected("There is a palette \"Log\" already");
-    palettes()->registerPalette(make("Log", ""), false, QString());
-    const std::unique_ptr<OssPalette> second(make("Log", ""));
+    palettes()->registerPalette(make("Log"), false, QString());
+    const std::unique_ptr<OssPalette> second(make("Log"));
     EXPECT_FALSE(palettes()->registerPalette(second.get(), false, QString()));
     EXPECT_EQ(palettes()->palettes().size(), 1);
 }
 
-TEST_F(Palettes, shutdownDeletesPalettesWithTheirBodies)
+TEST_F(Palettes, goWithTheirBodiesAtShutdownOrEarlierByThemselves)
 {
-    QPointer<OssPalette> palette = make("Graph", "");
-    const QPointer<QWidget> body = new QWidget(palette);
-    palette->setBodyWidget(body);
-    palettes()->registerPalette(palette, true, QString());
-    palettes()->deletePalettes();
-    EXPECT_TRUE(palette.isNull());
-    EXPECT_TRUE(body.isNull());
-}
-
-TEST_F(Palettes, oneThatDiesEarlyDropsOut)
-{
-    OssPalette *palette = make("Graph", "");
-    palettes()->registerPalette(palette, true, QString());
-    delete palette;
-    EXPECT_TRUE(palettes()->palettes().isEmpty());
-    EXPECT_EQ(palettes()->find(QStringLiteral("Graph")), nullptr);
+    for (const bool early : {false, true}) {
+        const QPointer<OssPalette> palette = make("Graph");
+        const QPointer<QWidget> body = new QWidget(palette);
+        palette->setBodyWidget(body);
+        palettes()->registerPalette(palette, true, QString());
+        if (early)
+            delete palette;
+        else
+            palettes()->deletePalettes();
+        EXPECT_TRUE(palette.isNull() && body.isNull());
+        EXPECT_TRUE(palettes()->palettes().isEmpty());
+        EXPECT_EQ(palettes()->find(text("Graph")), nullptr);
+    }
 }
 
 TEST_F(Palettes, bodyIsReplacedWithoutBeingDeleted)
 {
     OssPalette palette;
-    auto *first = new QWidget(&palette);
-    palette.setBodyWidget(first);
+    const auto first = std::make_unique<QWidget>(&palette);
+    palette.setBodyWidget(first.get());
     auto *second = new QWidget(&palette);
     palette.setBodyWidget(second);
     EXPECT_EQ(palette.originalWidget(), second);
     EXPECT_EQ(first->parent(), nullptr);
-    delete first;
 }
 
 TEST_F(Palettes, showingADockedPaletteAsksForItsDock)

@@ -3,6 +3,7 @@
 #include "OssInterface/Widgets/OssFormLayout.h"
 #include "OssInterface/Widgets/OssMiniButton.h"
 #include "OssInterface/Widgets/OssSearchKeys.h"
+#include "support/Text.h"
 
 #include <gtest/gtest.h>
 
@@ -14,73 +15,75 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
-TEST(ExpandableList, headingFoldsTheBodyByMouseAndKey)
+TEST(ExpandableList, foldsItsBodyByMouseAndKeyAndTellsOnlyOfChanges)
 {
-    OssExpandableListWidget panel(QStringLiteral("Warp"));
-    auto *body = new QLabel(QStringLiteral("body"));
+    OssExpandableListWidget panel(text("Warp"));
+    const QSignalSpy changed(&panel, &OssExpandableListWidget::collapsedChanged);
+    auto *body = new QLabel(text("body"));
     panel.setBody(body);
     panel.show();
+    panel.expand();
+    EXPECT_EQ(changed.count(), 0);
     QTest::mouseClick(panel.heading(), Qt::LeftButton);
+    panel.collapse();
+    EXPECT_EQ(changed.count(), 1);
     EXPECT_TRUE(panel.isCollapsed());
     EXPECT_FALSE(body->isVisible());
     QTest::keyClick(panel.heading()->findChild<QToolButton *>(), Qt::Key_Space);
     EXPECT_FALSE(panel.isCollapsed());
     EXPECT_TRUE(body->isVisible());
-}
-
-TEST(ExpandableList, collapsedChangedOnlyOnChange)
-{
-    OssExpandableListWidget panel;
-    const QSignalSpy changed(&panel, &OssExpandableListWidget::collapsedChanged);
-    panel.expand();
-    panel.collapse();
-    panel.collapse();
-    EXPECT_EQ(changed.count(), 1);
-    EXPECT_EQ(panel.heading(), nullptr);
+    EXPECT_EQ(OssExpandableListWidget().heading(), nullptr);
 }
 
 TEST(ExpandableList, styleSheetsSelectItByIdAndProperty)
 {
-    OssExpandableListWidget panel(QStringLiteral("Warp"));
-    panel.setObjectName(QStringLiteral("4f8a8b"));
-    panel.setStyleSheet(QStringLiteral(
-        "QFrame#4f8a8b[OssExpandableListWidget=true] { border-top: 6px solid #ff0000; }"));
+    OssExpandableListWidget panel(text("Warp"));
+    panel.setObjectName(text("4f8a8b"));
+    panel.setStyleSheet(
+        text("QFrame#4f8a8b[OssExpandableListWidget=true] { border-top: 6px solid #ff0000; }"));
     panel.resize(80, 60);
     EXPECT_EQ(panel.grab().toImage().pixelColor(40, 2), QColor(255, 0, 0));
 }
 
 TEST(ExpandableList, insertedWidgetsKeepTheirOrderAroundTheTitle)
 {
-    OssExpandableListHeading heading(QStringLiteral("Warp"));
-    auto *first = new OssMiniButton(QStringLiteral("p"));
-    auto *second = new OssMiniButton(QStringLiteral("s"));
-    heading.insertWidget(0, first);
-    heading.insertWidget(1, second);
-    auto *last = new OssMiniButton(QStringLiteral("x"));
-    heading.insertWidget(-1, last);
+    OssExpandableListHeading heading(text("Warp"));
+    QWidget *buttons[] = {new OssMiniButton(text("p")), new OssMiniButton(text("s")),
+                          new OssMiniButton(text("x"))};
+    heading.insertWidget(0, buttons[0]);
+    heading.insertWidget(1, buttons[1]);
+    heading.insertWidget(-1, buttons[2]);
     heading.resize(300, 30);
     heading.show();
-    EXPECT_LT(first->x(), second->x());
+    EXPECT_LT(buttons[0]->x(), buttons[1]->x());
     const QRect title = heading.findChild<QLabel *>()->geometry();
-    EXPECT_LT(second->geometry().right(), title.left());
-    EXPECT_GT(last->x(), title.right());
+    EXPECT_LT(buttons[1]->geometry().right(), title.left());
+    EXPECT_GT(buttons[2]->x(), title.right());
 }
 
-TEST(FormLayout, labelsOfAllFormsGetOneWidth)
+TEST(FormLayout, labelsOfAllFormsLineUp)
 {
     QWidget panel;
     auto *column = new QVBoxLayout(&panel);
+    QList<QLabel *> labels;
     QList<QLineEdit *> editors;
-    for (const char *text : {"A", "A considerably longer label"}) {
-        auto *part = new QWidget;
-        auto *form = new OssFormLayout(part);
+    for (const char *name : {"A", "A much longer name"}) {
+        auto *box = new QWidget;
+        auto *form = new OssFormLayout(box);
+        labels.append(new QLabel(text(name)));
         editors.append(new QLineEdit);
-        form->addRow(QString::fromLatin1(text), editors.last());
-        column->addWidget(part);
+        form->addRow(labels.last(), editors.last());
+        form->addRow(new QLineEdit); // over the whole width
+        column->addWidget(box);
     }
+    OssFormLayout::alignLabels(nullptr);
     OssFormLayout::alignLabels(&panel);
     panel.show();
     EXPECT_EQ(editors[0]->mapTo(&panel, QPoint()).x(), editors[1]->mapTo(&panel, QPoint()).x());
+    EXPECT_EQ(labels.first()->minimumWidth(), labels.last()->minimumWidth());
+    EXPECT_GE(labels.first()->minimumWidth(), labels.last()->sizeHint().width());
+    for (const QLabel *label : qAsConst(labels))
+        EXPECT_EQ(label->alignment(), Qt::AlignRight | Qt::AlignVCenter);
 }
 
 TEST(SearchKeys, theListIsWalkedThroughAndTheRestIsTyped)
@@ -99,43 +102,19 @@ TEST(SearchKeys, theListIsWalkedThroughAndTheRestIsTyped)
     for (int i = 0; i < 100; ++i)
         passing.list.addItem(QString::number(i));
     passing.list.setCurrentRow(50);
-    QLineEdit field(QStringLiteral("ab"));
+    QLineEdit field(text("ab"));
     field.installEventFilter(&passing);
-    QTest::keyClick(&field, Qt::Key_Down);
-    EXPECT_EQ(passing.list.currentRow(), 51);
-    QTest::keyClick(&field, Qt::Key_Up);
-    QTest::keyClick(&field, Qt::Key_Up);
-    EXPECT_EQ(passing.list.currentRow(), 49);
-    QTest::keyClick(&field, Qt::Key_PageDown);
-    const int below = passing.list.currentRow();
-    EXPECT_GT(below, 50);
-    QTest::keyClick(&field, Qt::Key_PageUp);
-    const int row = passing.list.currentRow();
+    const auto rowAfter = [&](Qt::Key key) {
+        QTest::keyClick(&field, key);
+        return passing.list.currentRow();
+    };
+    EXPECT_EQ(rowAfter(Qt::Key_Down), 51);
+    EXPECT_EQ(rowAfter(Qt::Key_Up), 50);
+    const int below = rowAfter(Qt::Key_PageDown);
+    EXPECT_GT(below, 51);
+    const int row = rowAfter(Qt::Key_PageUp);
     EXPECT_LT(row, below);
-    QTest::keyClick(&field, Qt::Key_Left);
-    QTest::keyClick(&field, Qt::Key_C);
-    EXPECT_EQ(field.text(), QStringLiteral("acb"));
-    EXPECT_EQ(passing.list.currentRow(), row);
-}
-
-TEST(FormLayout, labelsOfAllFormsLineUp)
-{
-    QWidget panel;
-    auto *column = new QVBoxLayout(&panel);
-    QList<QLabel *> labels;
-    for (const char *text : {"A", "A much longer name"}) {
-        auto *box = new QWidget;
-        auto *form = new OssFormLayout(box);
-        auto *label = new QLabel(QString::fromLatin1(text));
-        form->addRow(label, new QLineEdit);
-        form->addRow(new QLineEdit); // over the whole width
-        column->addWidget(box);
-        labels.append(label);
-    }
-    OssFormLayout::alignLabels(nullptr);
-    OssFormLayout::alignLabels(&panel);
-    EXPECT_EQ(labels.first()->minimumWidth(), labels.last()->minimumWidth());
-    EXPECT_GE(labels.first()->minimumWidth(), labels.last()->sizeHint().width());
-    for (const QLabel *label : labels)
-        EXPECT_EQ(label->alignment(), Qt::AlignRight | Qt::AlignVCenter);
+    EXPECT_EQ(rowAfter(Qt::Key_Left), row);
+    EXPECT_EQ(rowAfter(Qt::Key_C), row);
+    EXPECT_EQ(field.text(), text("acb"));
 }

@@ -4,9 +4,10 @@
 #include "OssInterface/Properties/OssNumberField.h"
 #include "OssInterface/Properties/OssPropertyEditor.h"
 #include "OssInterface/Properties/OssPropertyRow.h"
+#include "support/InterfaceUser.h"
 #include "support/ModelFixture.h"
+#include "support/Text.h"
 
-#include <QApplication>
 #include <QLineEdit>
 #include <QTest>
 
@@ -42,7 +43,7 @@ protected:
         ModelFixture::SetUp();
         OssResult result;
         OssShaderNetworkManager::instance()->registerNodeType(
-            OssSnNodeType::read(Everything, QStringLiteral("t"), &result));
+            OssSnNodeType::read(Everything, text("t"), &result));
         m_node = add("Test/Everything");
         ASSERT_NE(m_node, nullptr) << qPrintable(result.error());
         open({});
@@ -63,11 +64,13 @@ protected:
         m_panel->show();
     }
 
+    OssPropertyRow *row(const char *attribute) const { return m_panel->row(text(attribute)); }
+
     template <class Editor>
     Editor *editor(const char *attribute, int index = 0) const
     {
-        const OssPropertyRow *row = m_panel->row(QLatin1String(attribute));
-        return row ? row->editor()->findChildren<Editor *>().value(index) : nullptr;
+        const OssPropertyRow *found = row(attribute);
+        return found ? found->editor()->findChildren<Editor *>().value(index) : nullptr;
     }
 
     OssNumberField *field(const char *attribute, int index = 0) const
@@ -75,7 +78,9 @@ protected:
         return editor<OssNumberField>(attribute, index);
     }
 
-    double amount() const { return m_node->attribute(QStringLiteral("Amount")).toDouble(); }
+    QVariant value(const char *attribute) const { return m_node->attribute(text(attribute)); }
+
+    double amount() const { return value("Amount").toDouble(); }
 
     /// The field in which the number is typed at the moment.
     static QLineEdit *typingIn(const OssNumberField *field)
@@ -87,25 +92,22 @@ protected:
         return open;
     }
 
-    static void type(OssNumberField *field, const char *text)
+    static void type(OssNumberField *field, const char *typed)
     {
         QTest::keyClick(field, Qt::Key_Return);
         QLineEdit *line = typingIn(field);
         ASSERT_NE(line, nullptr);
         line->selectAll();
-        QTest::keyClicks(line, QLatin1String(text));
+        QTest::keyClicks(line, text(typed));
         QTest::keyClick(line, Qt::Key_Return);
     }
 
     static void drag(OssNumberField *field, int way, Qt::KeyboardModifiers modifiers = {})
     {
-        const QPoint start(field->width() / 2, field->height() / 2);
+        const QPoint start = field->rect().center();
         QTest::mousePress(field, Qt::LeftButton, modifiers, start);
-        for (int i = 0; i <= 10; ++i) {
-            QMouseEvent move(QEvent::MouseMove, start + QPoint(4 + (way - 4) * i / 10, 0),
-                             Qt::NoButton, Qt::LeftButton, modifiers);
-            QApplication::sendEvent(field, &move);
-        }
+        for (int i = 0; i <= 10; ++i)
+            moveMouse(field, start + QPoint(4 + (way - 4) * i / 10, 0), Qt::LeftButton, modifiers);
     }
 
     static void release(OssNumberField *field)

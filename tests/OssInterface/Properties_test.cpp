@@ -1,76 +1,115 @@
 #include "OssInterface/Widgets/OssExpandableListHeading.h"
+#include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
 #include "PropertiesFixture.h"
 
 #include <QAccessible>
 #include <QClipboard>
+#include <QLabel>
 
 namespace {
 
 /// What a panel does as a whole.
 class Properties : public PropertiesFixture
-{};
+{
+protected:
+    /// The titles in their order, "-" behind those that are folded.
+    QStringList sections() const
+    {
+        QStringList titles;
+        const auto lists = m_panel->findChildren<OssExpandableListWidget *>();
+        for (const OssExpandableListWidget *list : lists)
+            titles.append(list->heading()->text() + text(list->isCollapsed() ? "-" : ""));
+        return titles;
+    }
+};
+
+/// Two nodes in a group that has a knob for the first one's radius.
+class PropertyKnobs : public ModelFixture
+{
+protected:
+    void SetUp() override
+    {
+        ModelFixture::SetUp();
+        m_first = add("Filter/Blur", "First");
+        m_second = add("Filter/Sharpen", "Second");
+        m_group = m_network->groupNodes({m_first, m_second});
+        ASSERT_NE(m_group, nullptr);
+        m_group->setName(text("Moss"));
+        m_group->createKnob(m_first, text("Radius"));
+    }
+
+    static const QLabel *label(const OssNodePropertyPanel &panel, const char *row = "Radius")
+    {
+        return panel.row(text(row))->label();
+    }
+
+    static bool tells(const OssNodePropertyPanel &panel, const char *what,
+                      const char *row = "Radius")
+    {
+        return label(panel, row)->toolTip().contains(text(what));
+    }
+
+    OssSnBaseNode *m_first = nullptr;
+    OssSnBaseNode *m_second = nullptr;
+    OssSnGroupNode *m_group = nullptr;
+};
+
+} // namespace
 
 TEST_F(Properties, visibleAttributesStandInSectionsInTheirOrder)
 {
-    QStringList sections;
-    const auto lists = m_panel->findChildren<OssExpandableListWidget *>();
-    for (const OssExpandableListWidget *list : lists)
-        sections.append(list->heading()->text());
-    EXPECT_EQ(sections, QStringList({QStringLiteral("More"), QStringLiteral("Texts")}));
-    EXPECT_EQ(m_panel->row(QStringLiteral("Hidden")), nullptr);
+    EXPECT_EQ(sections(), texts({"More", "Texts"}));
+    EXPECT_EQ(row("Hidden"), nullptr);
     EXPECT_EQ(m_panel->heading()->text(), m_node->name());
 
     OssPropertyPanelOptions options;
-    options.sectionOrder = {QRegularExpression(QStringLiteral("Te.*")),
-                            QRegularExpression(QStringLiteral("or"))}; // whole titles only
+    options.sectionOrder = {QRegularExpression(text("Te.*")),
+                            QRegularExpression(text("or"))}; // whole titles only
     options.orderSections = true;
     options.foldUntouchedSections = true;
     options.showNodeProperties = true;
-    options.nodeProperties = QStringList{QStringLiteral("name")};
-    options.nodePropertyPaths = QStringList{QStringLiteral("/Node")};
-    m_node->setAttribute(QStringLiteral("On"), true);
+    options.nodeProperties = texts({"name"});
+    options.nodePropertyPaths = texts({"/Node"});
+    m_node->setAttribute(text("On"), true);
     open(options);
-    sections.clear();
-    const auto ordered = m_panel->findChildren<OssExpandableListWidget *>();
-    for (const OssExpandableListWidget *list : ordered)
-        sections.append(list->heading()->text() + QLatin1Char(list->isCollapsed() ? '-' : '+'));
-    EXPECT_EQ(sections, QStringList({QStringLiteral("Node+"), QStringLiteral("Texts-"),
-                                     QStringLiteral("More+")}));
-    auto *name = ordered.first()->findChild<QLineEdit *>();
-    name->setText(QStringLiteral("Renamed"));
+    EXPECT_EQ(sections(), texts({"Node", "Texts-", "More"}));
+    auto *name = m_panel->findChild<OssExpandableListWidget *>()->findChild<QLineEdit *>();
+    name->setText(text("Renamed"));
     QTest::keyClick(name, Qt::Key_Return);
-    EXPECT_EQ(m_node->name(), QStringLiteral("Renamed"));
-    EXPECT_EQ(m_panel->heading()->text(), QStringLiteral("Renamed"));
+    EXPECT_EQ(m_node->name(), text("Renamed"));
+    EXPECT_EQ(m_panel->heading()->text(), text("Renamed"));
     OssUndoManager::instance()->undo();
     EXPECT_EQ(name->text(), m_node->name());
 
-    options.hiddenSections = QStringList{QStringLiteral("Texts")};
+    options.hiddenSections = texts({"Texts"});
     open(options);
-    EXPECT_EQ(m_panel->row(QStringLiteral("Line")), nullptr);
+    EXPECT_EQ(row("Line"), nullptr);
 }
 
 TEST_F(Properties, selectedNodesOfTheTypeAreEditedTogether)
 {
     OssSnBaseNode *other = add("Test/Everything");
-    OssSnBaseNode *blur = add("Filter/Blur");
-    other->setAttribute(QStringLiteral("Amount"), 0.9);
+    const auto others = [other] {
+        return other->attribute(text("Amount")).toDouble();
+    };
+    other->setAttribute(text("Amount"), 0.9);
+    add("Filter/Blur")->setSelected(true);
+    other->setSelected(true);
     OssUndoManager::instance()->clear();
     m_start = m_project->stateHash();
-    other->setSelected(true);
-    blur->setSelected(true);
     type(field("Amount"), "0.1"); // this one is not among them
-    EXPECT_DOUBLE_EQ(other->attribute(QStringLiteral("Amount")).toDouble(), 0.9);
+    EXPECT_DOUBLE_EQ(others(), 0.9);
     m_node->setSelected(true);
-    EXPECT_EQ(field("Amount")->text(), QStringLiteral("mixed"));
-    EXPECT_EQ(field("Count")->text(), QStringLiteral("3"));
+    EXPECT_EQ(field("Amount")->text(), text("mixed"));
+    EXPECT_EQ(field("Count")->text(), text("3"));
     drag(field("Amount"), 20);
     release(field("Amount"));
     EXPECT_GT(amount(), 0.1);
-    EXPECT_DOUBLE_EQ(other->attribute(QStringLiteral("Amount")).toDouble(), amount());
-    EXPECT_NE(field("Amount")->text(), QStringLiteral("mixed"));
+    EXPECT_DOUBLE_EQ(others(), amount());
+    EXPECT_NE(field("Amount")->text(), text("mixed"));
     EXPECT_EQ(undoCount(), 2);
-    m_panel->row(QStringLiteral("Amount"))->reset();
-    EXPECT_DOUBLE_EQ(other->attribute(QStringLiteral("Amount")).toDouble(), 0.5);
+    row("Amount")->reset();
+    EXPECT_DOUBLE_EQ(others(), 0.5);
     EXPECT_EQ(undoCount(), 3);
     expectUndoIsExact(m_start);
 }
@@ -81,44 +120,44 @@ TEST_F(Properties, valuesAreCopiedPastedAndResetByKeys)
     const Qt::KeyboardModifiers both = Qt::ControlModifier | Qt::ShiftModifier;
     QApplication::setActiveWindow(m_panel.get());
     field("Amount")->setFocus();
-    ASSERT_EQ(m_panel->focusedRow(), m_panel->row(QStringLiteral("Amount")));
+    ASSERT_EQ(m_panel->focusedRow(), row("Amount"));
     QTest::keyClick(field("Amount"), Qt::Key_C, both);
-    EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("0.75"));
+    EXPECT_EQ(QApplication::clipboard()->text(), text("0.75"));
     QTest::keyClick(field("Amount"), Qt::Key_Backspace, Qt::ControlModifier);
     EXPECT_DOUBLE_EQ(amount(), 0.5);
     QTest::keyClick(field("Amount"), Qt::Key_V, both);
     EXPECT_DOUBLE_EQ(amount(), 0.75);
-    QApplication::clipboard()->setText(QStringLiteral("rubbish"));
+    QApplication::clipboard()->setText(text("rubbish"));
     for (const char *name : {"Amount", "Count", "Tint", "Mode", "On", "Place"})
-        m_panel->row(QLatin1String(name))->pasteValue();
+        row(name)->pasteValue();
     EXPECT_DOUBLE_EQ(amount(), 0.75);
     EXPECT_EQ(undoCount(), 3);
 
-    m_node->setAttribute(QStringLiteral("Mode"), QStringLiteral("Mix"));
+    m_node->setAttribute(text("Mode"), text("Mix"));
     m_panel->copyValues();
-    OssSnBaseNode *other = add("Test/Everything");
-    OssNodePropertyPanel second(other, {}, nullptr);
+    m_node = add("Test/Everything");
+    OssNodePropertyPanel second(m_node, {}, nullptr);
     const int before = undoCount();
     second.pasteValues();
     EXPECT_EQ(undoCount(), before + 1);
-    EXPECT_DOUBLE_EQ(other->attribute(QStringLiteral("Amount")).toDouble(), 0.75);
-    EXPECT_EQ(other->attribute(QStringLiteral("Mode")).toString(), QStringLiteral("Mix"));
+    EXPECT_DOUBLE_EQ(amount(), 0.75);
+    EXPECT_EQ(value("Mode"), text("Mix"));
     second.resetValues();
     EXPECT_EQ(undoCount(), before + 2);
-    EXPECT_TRUE(other->userAttribute(QStringLiteral("Mode")).isDefault());
+    EXPECT_TRUE(m_node->userAttribute(text("Mode")).isDefault());
 }
 
-TEST_F(Properties, lockedPanelShowsAndDoesNotEdit)
+TEST_F(Properties, aLockedPanelShowsAndDoesNotEdit)
 {
     m_panel->setLocked(true);
     QTest::keyClick(field("Count"), Qt::Key_5);
     EXPECT_FALSE(field("Count")->isTyping());
     drag(field("Amount"), 50);
     release(field("Amount"));
-    m_panel->row(QStringLiteral("Amount"))->reset();
+    row("Amount")->reset();
     m_panel->resetValues();
     EXPECT_EQ(undoCount(), 0);
-    m_node->setAttribute(QStringLiteral("Amount"), 0.25);
+    m_node->setAttribute(text("Amount"), 0.25);
     EXPECT_DOUBLE_EQ(field("Amount")->value(), 0.25);
     open({});
     EXPECT_TRUE(m_panel->isLocked()); // the node's, not the panel's
@@ -129,16 +168,17 @@ TEST_F(Properties, lockedPanelShowsAndDoesNotEdit)
 
 TEST_F(Properties, panelFollowsTheNodeAndOutlivesIt)
 {
-    m_node->setAttribute(QStringLiteral("Count"), 7);
+    const QLabel *label = row("Count")->label();
+    m_node->setAttribute(text("Count"), 7);
     EXPECT_DOUBLE_EQ(field("Count")->value(), 7.0);
-    EXPECT_FALSE(m_panel->row(QStringLiteral("Count"))->label()->accessibleDescription().isEmpty());
+    EXPECT_FALSE(label->accessibleDescription().isEmpty());
     OssUndoManager::instance()->undo();
     EXPECT_DOUBLE_EQ(field("Count")->value(), 3.0);
-    EXPECT_TRUE(m_panel->row(QStringLiteral("Count"))->label()->accessibleDescription().isEmpty());
+    EXPECT_TRUE(label->accessibleDescription().isEmpty());
     QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(field("Count"));
     ASSERT_NE(accessible, nullptr);
-    EXPECT_EQ(accessible->text(QAccessible::Name), QStringLiteral("Count"));
-    EXPECT_EQ(accessible->text(QAccessible::Value), QStringLiteral("3"));
+    EXPECT_EQ(accessible->text(QAccessible::Name), text("Count"));
+    EXPECT_EQ(accessible->text(QAccessible::Value), text("3"));
     ASSERT_NE(accessible->valueInterface(), nullptr);
     EXPECT_EQ(accessible->valueInterface()->maximumValue().toDouble(), 9.0);
 
@@ -147,10 +187,69 @@ TEST_F(Properties, panelFollowsTheNodeAndOutlivesIt)
     EXPECT_EQ(m_panel->node(), nullptr);
     release(field("Amount"));
     type(field("Count"), "4");
-    m_panel->row(QStringLiteral("Amount"))->reset();
-    m_panel->copyValues();
+    row("Amount")->reset();
+    Q_EMIT OssLinkedCustomAttributeManager::instance()->linksChanged(nullptr, text("Amount"));
+    m_panel->setPinned(true);
     m_panel->setLocked(true);
+    EXPECT_FALSE(m_panel->isPinned() || m_panel->isLocked());
+    m_panel->copyValues();
+    m_panel->pasteValues();
+    m_panel->resetValues();
     EXPECT_EQ(undoCount(), 0);
 }
 
-} // namespace
+TEST_F(PropertyKnobs, bothSidesTellOfEachOtherAsLinksComeAndBreak)
+{
+    const OssNodePropertyPanel group(m_group, {}, nullptr);
+    const OssNodePropertyPanel first(m_first, {}, nullptr);
+    const OssNodePropertyPanel second(m_second, {}, nullptr);
+    EXPECT_TRUE(tells(first, "Knob \"Radius\" of Moss"));
+    EXPECT_TRUE(tells(first, "In pixels")) << "what the type says of it";
+    EXPECT_TRUE(tells(group, "First.Radius"));
+    EXPECT_FALSE(tells(second, "Knob", "Amount"));
+    EXPECT_FALSE(tells(group, "Second"));
+    m_group->setAttribute(text("Radius"), 0.5); // as the other side, which then stays
+    m_group->addKnobLink(text("Radius"), m_second, text("Amount"));
+    EXPECT_TRUE(tells(second, "Knob \"Radius\" of Moss", "Amount"));
+    EXPECT_FALSE(tells(second, "Knob"));
+    EXPECT_TRUE(tells(group, "Linked to") && tells(group, "Second.Amount"));
+    EXPECT_FALSE(tells(group, "Broken"));
+    EXPECT_NE(label(group)->accessibleDescription(), text("a link is broken"));
+
+    m_group->groupNetwork()->removeNodes({m_second});
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(tells(group, "Broken link to")) << qPrintable(label(group)->toolTip());
+    EXPECT_TRUE(tells(group, "Linked to")) << "the other is whole";
+    EXPECT_EQ(label(group)->accessibleDescription(), text("a link is broken"));
+    OssUndoManager::instance()->undo();
+    EXPECT_FALSE(tells(group, "Broken")) << "it came back";
+}
+
+TEST_F(PropertyKnobs, theCountOfOthersFollowsWhenTheFocusComesIn)
+{
+    OssSnBaseNode *third = add("Filter/Blur", "Third");
+    OssSnBaseNode *fourth = add("Filter/Blur", "Fourth");
+    QWidget window;
+    auto *elsewhere = new QLineEdit(&window);
+    auto *panel = new OssNodePropertyPanel(third, {}, &window);
+    window.show();
+    window.activateWindow();
+    elsewhere->setFocus();
+    QCoreApplication::processEvents();
+    const auto isTold = [panel] {
+        const auto labels = panel->findChildren<QLabel *>();
+        return std::any_of(labels.begin(), labels.end(), [](const QLabel *one) {
+            return !one->isHidden() && one->text().contains(text("and 1 more"));
+        });
+    };
+    third->setSelected(true);
+    EXPECT_FALSE(isTold());
+    fourth->setSelected(true);
+    EXPECT_FALSE(isTold()) << "nobody looks";
+    panel->row(text("Radius"))->editor()->setFocus();
+    EXPECT_TRUE(isTold());
+    fourth->setSelected(false);
+    elsewhere->setFocus();
+    panel->row(text("Radius"))->editor()->setFocus();
+    EXPECT_FALSE(isTold());
+}

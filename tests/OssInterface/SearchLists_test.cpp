@@ -1,15 +1,17 @@
 #include "OssInterface/Dialogs/OssNodeQuickFindDialog.h"
+#include "OssInterface/Dialogs/OssNodeSearch.h"
 #include "OssInterface/Dialogs/OssNodeTypeListModel.h"
 #include "OssInterface/Dialogs/OssSearchNodeDialog.h"
 #include "OssInterface/Dialogs/OssSearchRowDelegate.h"
+#include "support/InterfaceUser.h"
 #include "support/ModelFixture.h"
+#include "support/Text.h"
 
 #include <QLineEdit>
 #include <QListView>
 #include <QPainter>
 #include <QSignalSpy>
 #include <QStandardItemModel>
-#include <QTest>
 
 // The lists in which nodes and their types are looked up.
 
@@ -17,14 +19,27 @@ namespace {
 
 enum Role { Place = Qt::UserRole, Explanation, Section, Favourite, Color };
 
-class SearchLists : public ModelFixture
+QStringList column(const QAbstractItemModel &model, int role = Qt::DisplayRole)
 {
-protected:
-    static QString key(const QAbstractItemModel &model, int row)
-    {
-        return model.index(row, 0).data(OssNodeTypeListModel::PathKeyRole).toString();
-    }
-};
+    QStringList all;
+    for (int row = 0; row < model.rowCount(); ++row)
+        all.append(model.index(row, 0).data(role).toString());
+    return all;
+}
+
+QStringList keys(const QAbstractItemModel &model)
+{
+    return column(model, OssNodeTypeListModel::PathKeyRole);
+}
+
+const QString blur = text("Filter/Blur");
+
+QColor magenta(const QString &)
+{
+    return Qt::magenta;
+}
+
+using SearchLists = ModelFixture;
 
 } // namespace
 
@@ -38,7 +53,7 @@ TEST(SearchRows, everyPartOfARowIsToBeSeenAndHasItsHeight)
     roles.color = Color;
     const OssSearchRowDelegate delegate(roles, nullptr);
     QStandardItemModel model;
-    model.appendRow(new QStandardItem(QStringLiteral("Blur")));
+    model.appendRow(new QStandardItem(text("Blur")));
     const QModelIndex index = model.index(0, 0);
     QStyleOptionViewItem option;
     option.rect = QRect(0, 0, 300, 60);
@@ -48,82 +63,56 @@ TEST(SearchRows, everyPartOfARowIsToBeSeenAndHasItsHeight)
         QPainter painter(&image);
         option.state = state;
         delegate.paint(&painter, option, index);
-        painter.end();
         return image;
+    };
+    const auto differsFromWhite = [](const QImage &image, const QRect &part) {
+        QImage white(part.size(), image.format());
+        white.fill(image.pixel(part.topLeft()));
+        return image.copy(part) != white;
     };
     const QImage plain = picture();
     const int height = delegate.sizeHint(option, index).height();
     QVector<QImage> seen{plain};
-
-    const struct
-    {
-        int role;
-        QVariant value;
-        bool taller;
-    } parts[] = {
-        {Place, QStringLiteral("Filter"), false},
-        {Explanation, QStringLiteral("Makes it soft"), true},
-        {Section, QStringLiteral("Used last"), true},
-        {Favourite, true, false},
+    const std::tuple<int, QVariant, bool> parts[] = {
+        {Place, text("Filter"), false},      {Explanation, text("Makes it soft"), true},
+        {Section, text("Used last"), true},  {Favourite, true, false},
         {Color, QColor(Qt::magenta), false},
     };
-
-    for (const auto &part : parts) {
-        model.setData(index, part.value, part.role);
+    for (const auto &[role, value, isTaller] : parts) {
+        model.setData(index, value, role);
         seen.append(picture());
-        EXPECT_EQ(seen.indexOf(seen.last()), seen.size() - 1) << part.role;
-        EXPECT_EQ(delegate.sizeHint(option, index).height() > height, part.taller) << part.role;
-        model.setData(index, QVariant(), part.role);
-        EXPECT_EQ(picture(), plain) << part.role;
+        EXPECT_EQ(seen.indexOf(seen.last()), seen.size() - 1) << role;
+        EXPECT_EQ(delegate.sizeHint(option, index).height() > height, isTaller) << role;
+        model.setData(index, QVariant(), role);
+        EXPECT_EQ(picture(), plain) << role;
     }
-    model.setData(index, QColor(Qt::magenta), Color);
-    const QImage colored = picture();
-    model.setData(index, QVariant(), Color);
-    int magenta = 0;
-    for (int x = 0; x < colored.width(); ++x)
-        magenta += colored.pixelColor(x, height / 2) == QColor(Qt::magenta) ? 1 : 0;
-    EXPECT_GT(magenta, 0);
+    bool isColored = false;
+    for (int x = 0; x < plain.width(); ++x)
+        isColored = isColored || seen.last().pixelColor(x, height / 2) == QColor(Qt::magenta);
+    EXPECT_TRUE(isColored);
     // The chosen row offers the star: with the colours alone there would be nothing at its place.
-    const auto star = [&](QStyle::State state) {
-        return picture(state).copy(OssSearchRowDelegate::starRect(option.rect));
-    };
-    const QImage withStar = star(QStyle::State_Enabled | QStyle::State_Selected);
-    bool drawn = false;
-    for (int y = 0; y < withStar.height(); ++y) {
-        for (int x = 0; x < withStar.width(); ++x)
-            drawn = drawn || withStar.pixel(x, y) != withStar.pixel(0, y);
-    }
-    EXPECT_TRUE(drawn);
+    const QRect star = OssSearchRowDelegate::starRect(option.rect);
+    EXPECT_TRUE(differsFromWhite(picture(QStyle::State_Enabled | QStyle::State_Selected), star));
 
     // Names come before places, and neither runs over the star.
     model.setData(index, QString(200, QLatin1Char('W')), Qt::DisplayRole);
     const QImage longName = picture();
-    model.setData(index, QStringLiteral("Filter"), Place);
+    model.setData(index, text("Filter"), Place);
     EXPECT_EQ(picture(), longName);
-    EXPECT_EQ(star(QStyle::State_Enabled), plain.copy(OssSearchRowDelegate::starRect(option.rect)));
+    EXPECT_EQ(longName.copy(star), plain.copy(star));
 }
 
 TEST_F(SearchLists, typesAreListedOnceUnderTheirFirstHeading)
 {
     OssNodeTypeListModel model;
-    const QString blur = QStringLiteral("Filter/Blur");
-    const int all = model.rowCount();
-    QStringList keys;
-    for (int i = 0; i < all; ++i)
-        keys.append(key(model, i));
-    ASSERT_TRUE(keys.contains(blur));
-    model.setLastUsed({blur, QStringLiteral("None/Such")});
-    model.setFavourites({blur, keys.last()});
-    EXPECT_EQ(model.rowCount(), all) << "nothing stands twice";
-    EXPECT_EQ(key(model, 0), blur);
-    EXPECT_EQ(key(model, 1), keys.last());
-    const auto section = [&](int row) {
-        return model.index(row, 0).data(OssNodeTypeListModel::SectionRole).toString();
-    };
-    EXPECT_EQ(section(0), QStringLiteral("Used last"));
-    EXPECT_EQ(section(1), QStringLiteral("Favourites"));
-    EXPECT_EQ(section(2), QStringLiteral("All nodes"));
-    EXPECT_EQ(section(3), QString());
+    const QStringList all = keys(model);
+    ASSERT_TRUE(all.contains(blur));
+    model.setLastUsed({blur, text("None/Such")});
+    model.setFavourites({blur, all.last()});
+    EXPECT_EQ(keys(model).size(), all.size()) << "nothing stands twice";
+    EXPECT_EQ(keys(model).mid(0, 2), QStringList({blur, all.last()}));
+    EXPECT_EQ(column(model, OssNodeTypeListModel::SectionRole).mid(0, 4),
+              texts({"Used last", "Favourites", "All nodes", ""}));
 
     model.toggleFavourite({});
     EXPECT_EQ(model.favourites().size(), 2);
@@ -133,18 +122,30 @@ TEST_F(SearchLists, typesAreListedOnceUnderTheirFirstHeading)
     EXPECT_EQ(model.favourites().size(), 2);
 
     QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
-    model.setColors([](const QString &) { return QColor(Qt::magenta); });
+    model.setColors(magenta);
     ASSERT_EQ(changed.count(), 1);
-    EXPECT_EQ(model.index(0, 0).data(OssNodeTypeListModel::ColorRole).value<QColor>(),
-              QColor(Qt::magenta));
-    model.setSearchText(QStringLiteral("no such thing at all"));
+    EXPECT_EQ(column(model, OssNodeTypeListModel::ColorRole).first(), QColor(Qt::magenta).name());
+    model.setSearchText(text("no such thing at all"));
     EXPECT_EQ(model.rowCount(), 0);
     model.setColors({});
     EXPECT_EQ(changed.count(), 1) << "there are no rows";
-    model.setSearchText(QStringLiteral("blur"));
-    EXPECT_EQ(key(model, 0), blur);
-    EXPECT_LT(model.rowCount(), all);
+    model.setSearchText(text("blur"));
+    EXPECT_EQ(keys(model).first(), blur);
+    EXPECT_LT(model.rowCount(), all.size());
     EXPECT_FALSE(model.index(0, 0).data(OssNodeTypeListModel::ColorRole).value<QColor>().isValid());
+}
+
+TEST_F(SearchLists, typesAreFoundByWhatElseTheyAreCalledAfterThoseOfThatName)
+{
+    OssNodeTypeListModel model;
+    const auto found = [&](const char *words) {
+        model.setSearchText(text(words));
+        return keys(model);
+    };
+    EXPECT_EQ(found("gauss").value(0), blur);
+    EXPECT_EQ(found("soften").value(0), blur);
+    EXPECT_GT(found("Ramp").indexOf(text("Adjust/Curve")), 0) << "what is called so comes first";
+    EXPECT_TRUE(found("filter blur").contains(blur)) << "by its folder";
 }
 
 TEST_F(SearchLists, nodesAreFoundByAllWordsAndShownWithTheirColours)
@@ -156,23 +157,18 @@ TEST_F(SearchLists, nodesAreFoundByAllWordsAndShownWithTheirColours)
     dialog.show();
     auto *field = dialog.findChild<QLineEdit *>();
     auto *list = dialog.findChild<QListView *>();
-    const int all = list->model()->rowCount();
-    EXPECT_EQ(all, m_network->nodes().size());
-    const auto names = [&](const char *text) {
-        field->setText(QString::fromUtf8(text));
-        QStringList found;
-        for (int i = 0; i < list->model()->rowCount(); ++i)
-            found.append(list->model()->index(i, 0).data().toString());
-        found.sort();
-        return found;
+    EXPECT_EQ(list->model()->rowCount(), m_network->nodes().size());
+    const auto names = [&](const char *words) {
+        field->setText(text(words));
+        return column(*list->model());
     };
-    EXPECT_EQ(names("soft wall"), QStringList{QStringLiteral("Softer wall")});
+    EXPECT_EQ(names("soft wall"), texts({"Softer wall"}));
     EXPECT_EQ(names("zzqx"), QStringList());
-    EXPECT_EQ(names("  ").size(), all);
+    EXPECT_EQ(names("  ").size(), m_network->nodes().size());
     EXPECT_EQ(names("wall").size(), 2);
 
     const QImage plain = list->grab().toImage();
-    dialog.setColors([](const QString &) { return QColor(Qt::magenta); });
+    dialog.setColors(magenta);
     names("");
     names("wall");
     EXPECT_NE(list->grab().toImage(), plain);
@@ -203,53 +199,29 @@ TEST_F(SearchLists, longListsAreCut)
     EXPECT_LT(shown, 600);
 }
 
-TEST_F(SearchLists, theQuickListFitsIntoTheView)
+TEST_F(SearchLists, theQuickListFitsIntoTheViewAndStandsAtThePointer)
 {
-    const struct
-    {
-        QSize view;
-        QSize wanted;
-    } cases[] = {
-        {{2000, 2000}, {420, 460}},
-        {{400, 300}, {360, 260}},
-        {{100, 100}, {260, 200}},
+    const std::tuple<QSize, QPoint, QSize, QPoint> cases[] = {
+        {{2000, 2000}, {10, 20}, {420, 460}, {10, 20}},
+        {{600, 500}, {590, 490}, {420, 460}, {599 - 420, 499 - 460}},
+        {{400, 300}, {-30, -40}, {360, 260}, {0, 0}},
+        {{100, 100}, {50, 60}, {260, 200}, {0, 0}},
     };
-
-    for (const auto &c : cases) {
-        const OssNodeQuickFindDialog dialog({}, {}, 5, {10, 10}, c.view);
-        EXPECT_EQ(dialog.size(), c.wanted) << c.view.width();
-        EXPECT_EQ(dialog.nodePosition(), QPoint(10, 10));
+    for (const auto &[room, pointer, size, corner] : cases) {
+        QWidget view;
+        view.resize(room);
+        const OssNodeQuickFindDialog dialog({}, {}, 5, pointer, room, &view);
+        EXPECT_EQ(dialog.size(), size) << room.width();
+        EXPECT_EQ(view.mapFromGlobal(dialog.pos()), corner) << room.width();
+        EXPECT_EQ(dialog.nodePosition(), pointer);
     }
-}
-
-TEST_F(SearchLists, theQuickListStandsAtThePointerAndWhollyOverTheView)
-{
-    QWidget view;
-    view.resize(600, 500);
-
-    const struct
-    {
-        QPoint pointer;
-        QPoint corner;
-    } cases[] = {
-        {{10, 20}, {10, 20}},
-        {{590, 490}, {599 - 420, 499 - 460}},
-        {{-30, -40}, {0, 0}},
-    };
-
-    for (const auto &c : cases) {
-        const OssNodeQuickFindDialog dialog({}, {}, 5, c.pointer, view.size(), &view);
-        EXPECT_EQ(view.mapFromGlobal(dialog.pos()), c.corner) << c.pointer.x();
-    }
-    view.resize(100, 100);
-    const OssNodeQuickFindDialog larger({}, {}, 5, {50, 60}, view.size(), &view);
-    EXPECT_EQ(view.mapFromGlobal(larger.pos()), QPoint(0, 0));
 }
 
 TEST_F(SearchLists, favouritesAreMarkedByAKeyOrTheStarAndChosenBesideIt)
 {
     OssNodeQuickFindDialog dialog({}, {}, 5, {10, 10}, {600, 600});
     dialog.show();
+    EXPECT_TRUE(takesShortcut(&dialog, Qt::Key_D)) << "keys typed in a popup are not the window's";
     auto *field = dialog.findChild<QLineEdit *>();
     auto *list = dialog.findChild<QListView *>();
     const auto click = [&](int row, bool star) {
@@ -264,52 +236,69 @@ TEST_F(SearchLists, favouritesAreMarkedByAKeyOrTheStarAndChosenBesideIt)
     QTest::keyClick(field, Qt::Key_B, Qt::ControlModifier);
     EXPECT_TRUE(dialog.favourites().isEmpty());
     field->clear();
-    const QString first = key(*list->model(), 0);
+    const QString first = keys(*list->model()).first();
     QTest::keyClick(field, Qt::Key_Space, Qt::ControlModifier);
     EXPECT_EQ(dialog.favourites(), QStringList{first});
     EXPECT_TRUE(field->text().isEmpty());
-    const QString third = key(*list->model(), 2);
+    const QString third = keys(*list->model()).at(2);
     click(2, true);
     EXPECT_EQ(dialog.favourites(), QStringList({first, third}));
     EXPECT_TRUE(dialog.isVisible()) << "marked, not taken";
     EXPECT_TRUE(dialog.chosenPathKey().isEmpty());
 
-    field->setText(QStringLiteral("blur"));
+    field->setText(text("blur"));
     QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
                       list->viewport()->rect().bottomLeft() + QPoint(5, -5));
-    field->setText(QStringLiteral("zzqx"));
+    field->setText(text("zzqx"));
     QTest::keyClick(field, Qt::Key_Return);
     EXPECT_TRUE(dialog.isVisible()) << "there is nothing to take";
     field->clear();
-    const QString taken = key(*list->model(), 1);
+    const QString taken = keys(*list->model()).at(1);
     click(1, false);
     EXPECT_FALSE(dialog.isVisible());
     EXPECT_EQ(dialog.chosenPathKey(), taken);
     EXPECT_EQ(dialog.favourites().size(), 2);
 }
 
-TEST_F(SearchLists, typesAreFoundByWhatElseTheyAreCalledAfterThoseOfThatName)
+TEST_F(SearchLists, everyWordHasAReasonAndNamesComeFirst)
 {
-    OssNodeTypeListModel model;
-    const auto found = [&](const char *text) {
-        model.setSearchText(QString::fromLatin1(text));
-        QStringList keys;
-        for (int i = 0; i < model.rowCount(); ++i)
-            keys.append(key(model, i));
-        return keys;
+    OssSnBaseNode *node = add("Filter/Blur", "Soft wall");
+    node->setDescription(text("for the northern side"));
+    ASSERT_TRUE(node->setAttribute(text("Radius"), 6.25));
+    const QString path = node->path();
+    const QString value = text("Radius = 6.25");
+    const std::tuple<const char *, QString, int, int> cases[] = {
+        {"", path, 0, 0},
+        {"  ", path, 0, 0},
+        {"WALL", path, 2000, 9999},
+        {"soft wall", path, 4000, 9999},
+        {"unconn", text("unconnected"), 400, 400},
+        {"filter/bl", blur, 300, 300},
+        {"northern", node->description(), 200, 200},
+        {"6.25", value, 100, 100},
+        {"radius=6.2", value, 500, 500},
+        {"radi=6", value, 500, 500},
+        {"wall northern", node->description(), 2200, 9999},
+        {"northern wall", node->description(), 2200, 9999},
+        {"sfwl", path, 0, 1999},
+        {"radius=7", {}, 0, 0},
+        {"size=6.25", {}, 0, 0},
+        {"=6.25", {}, 0, 0},
+        {"radius=", {}, 0, 0},
+        {"wall zzqx", {}, 0, 9999},
+        {"disabled", {}, 0, 0},
+        {"bypassed", {}, 0, 0},
     };
-    EXPECT_EQ(found("gauss").value(0), QStringLiteral("Filter/Blur"));
-    EXPECT_EQ(found("soften").value(0), QStringLiteral("Filter/Blur"));
-    EXPECT_EQ(found("Ramp").indexOf(QStringLiteral("Adjust/Curve")) > 0, true)
-        << "what is called so comes first";
-    EXPECT_TRUE(found("filter blur").contains(QStringLiteral("Filter/Blur"))) << "by its folder";
-}
-
-TEST_F(SearchLists, keysTypedInAPopupAreNotTheWindows)
-{
-    OssNodeQuickFindDialog dialog({}, {}, 5, {10, 10}, {600, 600});
-    QKeyEvent key(QEvent::ShortcutOverride, Qt::Key_D, {}, QStringLiteral("d"));
-    key.ignore();
-    EXPECT_TRUE(QApplication::sendEvent(&dialog, &key));
-    EXPECT_TRUE(key.isAccepted());
+    for (const auto &[words, why, least, most] : cases) {
+        int score = -1;
+        EXPECT_EQ(OssNodeSearch::whyFound(node, text(words), &score), why) << words;
+        EXPECT_GE(score, least) << words;
+        EXPECT_LE(score, most) << words;
+    }
+    node->setEnabled(0);
+    node->setBypassed(true);
+    for (const char *state : {"disabled", "bypassed"})
+        EXPECT_EQ(OssNodeSearch::whyFound(node, text(state), nullptr), text(state));
+    wire(add("Misc/Dot"), node);
+    EXPECT_EQ(OssNodeSearch::whyFound(node, text("unconn"), nullptr), QString());
 }

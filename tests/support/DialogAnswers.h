@@ -2,6 +2,8 @@
 
 #include "OssInterface/Popups/OssApplication.h"
 
+#include <gtest/gtest.h>
+
 #include <QAbstractButton>
 #include <QApplication>
 #include <QFileDialog>
@@ -10,6 +12,30 @@
 #include <QPointer>
 #include <QStringList>
 #include <QTimer>
+
+#include <functional>
+
+/// Acts on the dialog that the next call opens.
+template <class Dialog>
+void whenOpen(const std::function<void(Dialog *)> &act)
+{
+    QTimer::singleShot(0, [act] {
+        auto *dialog = qobject_cast<Dialog *>(QApplication::activeModalWidget());
+        ASSERT_NE(dialog, nullptr);
+        act(dialog);
+    });
+}
+
+/// Presses a button of the box that the next call opens, and keeps what the box says.
+inline void answerWith(QMessageBox::StandardButton button, QString *said = nullptr)
+{
+    whenOpen<QMessageBox>([button, said](QMessageBox *box) {
+        if (said)
+            *said = box->text();
+        ASSERT_NE(box->button(button), nullptr);
+        box->button(button)->click();
+    });
+}
 
 /// A user for the dialogs that open while it lives: file dialogs get `file` and are cancelled without
 /// one, questions for a text or an entry get `text` the same way, boxes get the button.

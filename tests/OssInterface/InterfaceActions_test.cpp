@@ -1,0 +1,341 @@
+#include "OssCore/Program/OssSettings.h"
+#include "OssInterface/Actions/OssActionTreeManager.h"
+#include "OssInterface/Actions/OssMenu.h"
+#include "OssInterface/Actions/OssMenuManager.h"
+#include "OssInterface/Actions/OssShortcutManager.h"
+#include "support/Text.h"
+
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QApplication>
+#include <QLineEdit>
+#include <QPointer>
+#include <QSignalSpy>
+#include <QTest>
+#include <QVBoxLayout>
+
+// Actions in their folders, the menus made of them, and their keys.
+
+namespace {
+
+OssActionTreeManager *tree()
+{
+    return OssActionTreeManager::instance();
+}
+
+OssShortcutManager *shortcuts()
+{
+    return OssShortcutManager::instance();
+}
+
+std::unique_ptr<QAction> filed(const char *folder, const char *name)
+{
+    auto action = std::make_unique<QAction>(text(name));
+    tree()->registerAction(text(folder), action.get());
+    return action;
+}
+
+QAction *find(const char *path)
+{
+    return tree()->findAction(text(path));
+}
+
+/// Menus of the commands One and Two.
+class Menus : public testing::Test
+{
+protected:
+    static std::unique_ptr<OssMenu> make(const char *definition)
+    {
+        OssMenuManager::instance()->defineMenu(text("Tests"), text("Menu"),
+                                               OssMenuDefinition::fromText(text(definition)));
+        return std::unique_ptr<OssMenu>(
+            OssMenuManager::instance()->makeMenu(text("Tests"), text("Menu")));
+    }
+
+    static std::string entries(const QMenu &menu)
+    {
+        QStringList all;
+        const QList<QAction *> actions = menu.actions();
+        for (const QAction *entry : actions)
+            all.append(entry->isSeparator() ? text("-") : entry->text());
+        return all.join(QLatin1Char(' ')).toStdString();
+    }
+
+    std::unique_ptr<QAction> one = filed("/T/", "One");
+    std::unique_ptr<QAction> two = filed("/T/", "Two");
+};
+
+const QString disablePath = text("/Ossa/NodeGraph/Disable");
+const QString bypassPath = text("/Ossa/NodeGraph/Bypass");
+const QString savePath = text("/Ossa/File/Save");
+
+/// A window with a graph palette (a plain widget and a text field in it) and a panel beside it.
+class Shortcuts : public testing::Test
+{
+protected:
+    Shortcuts()
+        : graph(new QWidget(&window))
+        , canvas(new QWidget(graph))
+        , graphField(new QLineEdit(graph))
+        , panel(new QWidget(&window))
+    {
+        auto *layout = new QVBoxLayout(&window);
+        layout->addWidget(graph);
+        layout->addWidget(panel);
+        canvas->setFocusPolicy(Qt::StrongFocus);
+        panel->setFocusPolicy(Qt::StrongFocus);
+        shortcuts()->setScope(text("/Ossa"), &window);
+        shortcuts()->setScope(text("/Ossa/NodeGraph/"), graph);
+        window.show();
+        QApplication::setActiveWindow(&window);
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+    }
+
+    ~Shortcuts() override
+    {
+        shortcuts()->resetAll();
+        shortcuts()->setScope(text("/Ossa/NodeGraph"), nullptr);
+        shortcuts()->setScope(text("/Ossa"), nullptr);
+    }
+
+    /// How often the action was triggered by it.
+    static int pressed(QWidget *focus, Qt::Key key, const std::unique_ptr<QAction> &action,
+                       Qt::KeyboardModifiers modifiers = {})
+    {
+        const QSignalSpy triggered(action.get(), &QAction::triggered);
+        focus->setFocus();
+        QTest::keyClick(focus, key, modifiers);
+        return triggered.count();
+    }
+
+    QWidget window;
+    QWidget *graph;
+    QWidget *canvas;
+    QLineEdit *graphField;
+    QWidget *panel;
+    std::unique_ptr<QAction> disable = filed("/Ossa/NodeGraph/", "Disable");
+    std::unique_ptr<QAction> disableToo = filed("/Ossa/NodeGraph/", "Disable");
+    std::unique_ptr<QAction> bypass = filed("/Ossa/NodeGraph/", "Bypass");
+    std::unique_ptr<QAction> save = filed("/Ossa/File/", "Save");
+};
+
+} // namespace
+
+TEST(ActionTree, pathsAreLookedUpWithoutRegardToSlashesButWithTheirLetters)
+{
+    const auto action = filed("Tests/Look/", "Frame All");
+    for (const char *path : {"/Tests/Look/Frame All", "Tests/Look/Frame All",
+                             "//Tests//Look///Frame All", "/Tests/Look/Frame All/"})
+        EXPECT_EQ(find(path), action.get()) << path;
+    for (const char *path : {"/Tests/LookFrame All", "/Tests/Look", "/Tests/Look/Frame all"})
+        EXPECT_EQ(find(path), nullptr) << path;
+    EXPECT_TRUE(tree()->hasAction(text("/Tests/Look/Frame all"))) << "it would be taken for it";
+    EXPECT_FALSE(tree()->hasAction(text("/Tests/Look/Frame")));
+}
+
+TEST(ActionTree, firstOfEqualIdentitiesAnswersAndTheNextTakesOver)
+{
+    auto first = filed("/Tests/Equal/", "Pick Up");
+    const auto second = filed("/Tests/Equal", "Pick Up");
+    tree()->registerAction(text("Tests//Equal"), second.get()); // twice the same is once
+    EXPECT_EQ(find("/Tests/Equal/Pick Up"), first.get());
+    EXPECT_EQ(tree()->entries(text("/Tests/Equal"), false).size(), 2);
+    EXPECT_EQ(tree()->paths().count(text("/Tests/Equal/Pick Up")), 1);
+    const QSignalSpy removed(tree(), &OssActionTreeManager::actionRemoved);
+    first.reset();
+    EXPECT_EQ(removed.count(), 1);
+    EXPECT_EQ(find("/Tests/Equal/Pick Up"), second.get());
+    EXPECT_EQ(tree()->entries(text("/Tests/Equal"), true).size(), 1);
+}
+
+// A translation or a step's title in the text must not move keys and scripts to another command.
+TEST(ActionTree, anActionIsKnownByItsNameWhateverItsTextIs)
+{
+    QAction cut(text("Couper"));
+    OssActionTreeManager::setName(&cut, text("Cut"));
+    tree()->registerAction(text("/Tests/Names"), &cut);
+    EXPECT_EQ(find("/Tests/Names/Cut"), &cut);
+    EXPECT_FALSE(tree()->hasAction(text("/Tests/Names/Couper")));
+    const auto undo = filed("/Tests/Names/", "Undo");
+    undo->setText(text("Undo Move node Brick"));
+    EXPECT_EQ(find("/Tests/Names/Undo"), undo.get());
+    EXPECT_EQ(tree()->pathOf(undo.get()), text("/Tests/Names/Undo"));
+}
+
+TEST(ActionTree, listingKeepsTheFolderAsPassedAndTheOrderOfFiling)
+{
+    const auto one = filed("/Tests/List/", "Zebra");
+    const auto two = filed("Tests/List", "Ant");
+    const auto below = filed("/Tests/List/Sub", "Deep");
+    const auto other = filed("/Tests/Listing", "Other");
+    const auto here = tree()->entries(text("/Tests/List"), false);
+    ASSERT_EQ(here.size(), 2);
+    EXPECT_EQ(here[0].action, one.get());
+    EXPECT_EQ(here[0].folder, text("/Tests/List/"));
+    EXPECT_EQ(here[1].folder, text("Tests/List"));
+    EXPECT_EQ(tree()->entries(text("/Tests/List"), true).size(), 3);
+}
+
+TEST_F(Menus, holdWhatThereIsWithoutGaps)
+{
+    const std::pair<const char *, const char *> cases[] = {
+        {"-\n /T/One\n -\n /T/Missing\n -\n /T/Two\n -", "One - Two"},
+        {"/T/One\n > Full\n /T/Two\n <\n > Empty\n /T/Missing\n <\n /T/Two", "One Full Two"},
+    };
+    for (const auto &[definition, wanted] : cases)
+        EXPECT_EQ(entries(*make(definition)), wanted);
+    EXPECT_EQ(OssMenuManager::instance()->makeMenu(text("Tests"), text("No")), nullptr);
+}
+
+TEST_F(Menus, foldersBecomeSharedSubmenus)
+{
+    const auto blur = filed("/T/Create/Filter", "Blur");
+    const auto plain = filed("/T/Create/", "Plain");
+    const auto levels = filed("/T/Create/Filter/", "Levels");
+    const auto menu = make("/T/Create/*");
+    ASSERT_EQ(entries(*menu), "Filter Plain");
+    EXPECT_EQ(entries(*menu->actions().first()->menu()), "Blur Levels");
+}
+
+TEST_F(Menus, ownTheirSubmenusAndNoCommands)
+{
+    auto menu = make("> Sub\n /T/One\n <");
+    OssMenuManager::instance()->fillMenu(menu.get(), text("Tests"), text("Menu"));
+    EXPECT_EQ(entries(*menu), "Sub") << "filled anew";
+    EXPECT_EQ(menu->findChildren<QMenu *>(QString(), Qt::FindDirectChildrenOnly).size(), 1);
+    const QPointer<QMenu> submenu = menu->actions().first()->menu();
+    menu.reset();
+    EXPECT_TRUE(submenu.isNull());
+    EXPECT_EQ(find("/T/One"), one.get());
+}
+
+TEST_F(Menus, graphContextMenuPlacesWhatTheViewDependsOn)
+{
+    const QStringList paths = OssMenuManager::instance()->commandPaths(text("Context"),
+                                                                       text("NodeGraph"));
+    const std::pair<const char *, bool> cases[] = {
+        {"Manage User Knobs", true},           {"Expose Node Properties", true},
+        {"Dump Selected Node Info", false}, // the view adds these itself
+        {"Upgrade Selected Node Info", false}, {"Upgrade All Node Info", false},
+    };
+    for (const auto &[name, placed] : cases)
+        EXPECT_EQ(paths.contains(text("/Ossa/NodeGraph/") + text(name)), placed) << name;
+}
+
+TEST_F(Menus, shortcutGroupReachesCommandsOldAndNew)
+{
+    const auto before = filed("/Ossa/T/", "Before");
+    const auto after = filed("/Ossa/T/", "After");
+    OssMenu menu;
+    menu.addAction(before.get());
+    menu.setShortcutGroup(text("Node Graph"));
+    menu.addAction(after.get());
+    for (const char *path : {"/Ossa/T/Before", "/Ossa/T/After"})
+        EXPECT_EQ(shortcuts()->groupOf(text(path)), text("Node Graph"));
+}
+
+TEST_F(Shortcuts, actInTheirScopeAndNotWhereTheUserWrites)
+{
+    EXPECT_EQ(pressed(canvas, Qt::Key_D, disable), 1);
+    EXPECT_EQ(pressed(panel, Qt::Key_D, disable), 0);
+    for (QWidget *anywhere : {panel, canvas, static_cast<QWidget *>(graphField)})
+        EXPECT_EQ(pressed(anywhere, Qt::Key_S, save, Qt::ControlModifier), 1);
+    EXPECT_EQ(pressed(graphField, Qt::Key_D, disable), 0);
+    EXPECT_EQ(graphField->text(), text("d"));
+    // Keys that a field does not use itself are not the graph's either.
+    shortcuts()->setKeys(disablePath, {QKeySequence(Qt::CTRL + Qt::Key_D)});
+    EXPECT_EQ(pressed(graphField, Qt::Key_D, disable, Qt::ControlModifier), 0);
+    EXPECT_EQ(pressed(canvas, Qt::Key_D, disable, Qt::ControlModifier), 1);
+}
+
+TEST_F(Shortcuts, equalIdentitiesDoNotBlockEachOther)
+{
+    EXPECT_TRUE(disableToo->shortcuts().isEmpty());
+    const QSignalSpy second(disableToo.get(), &QAction::triggered);
+    EXPECT_EQ(pressed(canvas, Qt::Key_D, disable), 1);
+    EXPECT_EQ(second.count(), 0);
+    disable.reset();
+    EXPECT_EQ(pressed(canvas, Qt::Key_D, disableToo), 1);
+}
+
+TEST_F(Shortcuts, userKeysReplaceTheDefaultAreStoredAndResetBringsItBack)
+{
+    const QString stored = text("Shortcuts/Ossa/NodeGraph/Disable");
+    shortcuts()->setKeys(disablePath, {QKeySequence(Qt::Key_K)});
+    EXPECT_EQ(pressed(canvas, Qt::Key_D, disable), 0);
+    EXPECT_EQ(pressed(canvas, Qt::Key_K, disable), 1);
+    EXPECT_EQ(OssSettings().value(stored).toStringList(), texts({"K"}));
+    shortcuts()->setKeys(disablePath, {});
+    EXPECT_TRUE(shortcuts()->isCustomized(disablePath)) << "taken away, and stays so";
+    EXPECT_EQ(pressed(canvas, Qt::Key_D, disable), 0);
+    shortcuts()->resetKeys(disablePath);
+    EXPECT_FALSE(shortcuts()->isCustomized(disablePath));
+    EXPECT_FALSE(OssSettings().contains(stored));
+    EXPECT_EQ(pressed(canvas, Qt::Key_D, disable), 1);
+}
+
+TEST_F(Shortcuts, conflictsAreFoundWithinAScopeAndWithTheWindow)
+{
+    const auto dab = filed("/Ossa/Canvas", "Dab");
+    shortcuts()->setScope(text("/Ossa/Canvas"), panel);
+    const std::tuple<QString, QKeySequence, QStringList> cases[] = {
+        {bypassPath, Qt::Key_D, {disablePath}},
+        {bypassPath, Qt::CTRL + Qt::Key_S, {savePath}},
+        {disablePath, Qt::Key_D, {}},
+        {bypassPath, Qt::Key_F12, {}},
+        {text("/Ossa/Canvas/Dab"), Qt::Key_D, {}}, // beside the graph
+    };
+    for (const auto &[path, key, wanted] : cases)
+        EXPECT_EQ(shortcuts()->conflicts(path, key), wanted) << qPrintable(key.toString());
+    shortcuts()->setScope(text("/Ossa/Canvas"), nullptr);
+}
+
+TEST_F(Shortcuts, aKeyThatAnActionCameWithIsShownButNotDoubled)
+{
+    const QString path = text("/Ossa/NodeGraph/Delete All Properties");
+    const Qt::KeyboardModifiers both = Qt::ControlModifier | Qt::ShiftModifier;
+    const auto deleteAll = std::make_unique<QAction>(text("Delete All Properties"));
+    deleteAll->setShortcut(QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_A));
+    const auto button = std::make_unique<QAction>(text("the button's own"));
+    button->setShortcut(deleteAll->shortcut());
+    window.addAction(button.get());
+    tree()->registerAction(text("/Ossa/NodeGraph/"), deleteAll.get());
+    EXPECT_EQ(deleteAll->shortcut(), button->shortcut());
+    EXPECT_EQ(pressed(canvas, Qt::Key_A, button, both), 1);
+    shortcuts()->setKeys(path, {QKeySequence(Qt::Key_F7)});
+    EXPECT_EQ(pressed(canvas, Qt::Key_F7, deleteAll), 1);
+    shortcuts()->resetKeys(path);
+    EXPECT_FALSE(graph->actions().contains(deleteAll.get()));
+    EXPECT_EQ(pressed(canvas, Qt::Key_A, button, both), 1);
+}
+
+TEST_F(Shortcuts, groupComesFromTheFolderUnlessAssigned)
+{
+    EXPECT_EQ(shortcuts()->groupOf(disablePath), text("Node Graph"));
+    EXPECT_EQ(shortcuts()->groupOf(savePath), text("File"));
+    shortcuts()->assignGroup(text("Ossa/Tests/Thing"), text("My Group"));
+    EXPECT_EQ(shortcuts()->groupOf(text("/Ossa/Tests/Thing")), text("My Group"));
+}
+
+TEST(StoredShortcuts, keysOfTheLastSessionCountAndWhatIsNoKeyDoesNot)
+{
+    const auto store = [](const QString &path, const QStringList &keys) {
+        OssSettings().setValue(text("Shortcuts") + path, keys);
+    };
+    store(disablePath, texts({"K"}));
+    store(bypassPath, {QString()}); // taken away
+    store(savePath, texts({"", "Ctrl+K"}));
+    // The next session, in the same place.
+    OssShortcutManager *manager = shortcuts();
+    manager->~OssShortcutManager();
+    new (manager) OssShortcutManager;
+    EXPECT_EQ(shortcuts()->keys(disablePath), QList<QKeySequence>{QKeySequence(Qt::Key_K)});
+    EXPECT_TRUE(shortcuts()->isCustomized(bypassPath));
+    EXPECT_TRUE(shortcuts()->keys(bypassPath).isEmpty());
+    EXPECT_EQ(shortcuts()->keys(savePath), QList<QKeySequence>{QKeySequence(Qt::CTRL + Qt::Key_K)});
+    shortcuts()->resetAll();
+    EXPECT_FALSE(shortcuts()->isCustomized(bypassPath));
+    EXPECT_FALSE(shortcuts()->keys(bypassPath).isEmpty());
+    EXPECT_TRUE(OssSettings().value(text("Shortcuts") + disablePath).isNull());
+}

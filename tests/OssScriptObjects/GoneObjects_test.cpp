@@ -100,35 +100,25 @@ void expectAllReportThatItIsGone(Ossa::API *api, const QByteArrayList &except = 
     }
 }
 
-template <class Api>
-std::unique_ptr<Ossa::API> withNothing()
+template <class... Api>
+std::vector<std::unique_ptr<Ossa::API>> allWithNothing()
 {
+    const OssScriptManager::Run quiet;
     QObject stranger;
-    return std::make_unique<Api>(&stranger);
+    std::vector<std::unique_ptr<Ossa::API>> all;
+    (all.push_back(std::make_unique<Api>(&stranger)), ...);
+    return all;
 }
 
-class GoneObjects : public ModelFixture
-{};
+using GoneObjects = ModelFixture;
 
 } // namespace
 
 TEST_F(GoneObjects, everySlotAndPropertyOfEveryClassSaysSoAndAnswersNothing)
 {
-    std::vector<std::unique_ptr<Ossa::API>> gone;
-    {
-        const OssScriptManager::Run quiet;
-        gone.push_back(withNothing<Ossa::Actions>());
-        gone.push_back(withNothing<Ossa::GeoEntity>());
-        gone.push_back(withNothing<Ossa::Image>());
-        gone.push_back(withNothing<Ossa::ImageSet>());
-        gone.push_back(withNothing<Ossa::Node>());
-        gone.push_back(withNothing<Ossa::NodeGraph>());
-        gone.push_back(withNothing<Ossa::Palette>());
-        gone.push_back(withNothing<Ossa::Preferences>());
-        gone.push_back(withNothing<Ossa::Progress>());
-        gone.push_back(withNothing<Ossa::Project>());
-        gone.push_back(withNothing<Ossa::Undo>());
-    }
+    const std::vector<std::unique_ptr<Ossa::API>> gone = allWithNothing<
+        Ossa::Actions, Ossa::GeoEntity, Ossa::Image, Ossa::ImageSet, Ossa::Node, Ossa::NodeGraph,
+        Ossa::Palette, Ossa::Preferences, Ossa::Progress, Ossa::Project, Ossa::Undo>();
     for (const auto &api : gone) {
         SCOPED_TRACE(api->metaObject()->className());
         OssScriptManager::instance()->clearError();

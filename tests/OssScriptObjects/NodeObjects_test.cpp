@@ -1,126 +1,105 @@
-#include "OssInterface/Palettes/OssPalette.h"
-#include "OssScriptObjects/OssaActions.h"
-#include "OssScriptObjects/OssaApplication.h"
-#include "OssScriptObjects/OssaNode.h"
-#include "OssScriptObjects/OssaNodeGraph.h"
-#include "OssScriptObjects/OssaPalette.h"
-#include "OssScriptObjects/OssaPreferences.h"
+#include "OssModel/Nodes/OssSnBakePointNode.h"
+#include "OssModel/Objects/OssImageSet.h"
+#include "OssScriptObjects/OssaGeoEntity.h"
+#include "OssScriptObjects/OssaImageSet.h"
+#include "OssScriptObjects/OssaProject.h"
 #include "OssScriptObjects/OssaUndo.h"
-#include "OssScriptObjects/OssScriptManager.h"
-#include "OssScriptObjects/OssScriptObjects.h"
-#include "support/ModelFixture.h"
+#include "ScriptFixture.h"
+#include "support/OssaFiles.h"
 
-#include <QCoreApplication>
-#include <QTemporaryDir>
+#include <QImage>
+#include <QSignalSpy>
 
-#include <functional>
 #include <limits>
 
 namespace {
 
-using Type = OssScriptException::Type;
-
-OssScriptManager *scripts()
-{
-    return OssScriptManager::instance();
-}
-
-class NodeObjects : public ModelFixture
+/// A blur and a group.
+class NodeObjects : public ScriptFixture
 {
 protected:
+    using Nodes = QList<Ossa::Node *>;
+
     void SetUp() override
     {
-        ModelFixture::SetUp();
-        m_graph = OssScriptObject<Ossa::NodeGraph>(m_network);
-        m_blur = m_graph->createNode(QStringLiteral("Filter/Blur"), QStringLiteral("Soft"));
-        m_group = m_graph->createNode(QStringLiteral("Misc/Group"), QStringLiteral("Group"));
+        ScriptFixture::SetUp();
+        m_blur = m_graph->createNode(text("Filter/Blur"), text("Soft"));
+        m_group = m_graph->createNode(text("Misc/Group"), text("Group"));
         ASSERT_TRUE(m_blur && m_group);
-        scripts()->clearError();
     }
 
-    struct Refusal
-    {
-        std::function<void()> call;
-        Type type;
-        const char *message;
-    };
-
-    /// Each is told in these words and leaves the document as it was.
-    void expectRefused(std::initializer_list<Refusal> refusals) const
-    {
-        for (const Refusal &refusal : refusals) {
-            const QByteArray before = m_project->stateHash();
-            const OssScriptManager::Run quiet;
-            refusal.call();
-            EXPECT_TRUE(scripts()->hasError()) << refusal.message;
-            EXPECT_EQ(scripts()->lastError().type, refusal.type) << refusal.message;
-            EXPECT_TRUE(scripts()->lastError().message.contains(QString::fromUtf8(refusal.message)))
-                << refusal.message << ": " << qPrintable(scripts()->lastError().message);
-            EXPECT_EQ(m_project->stateHash(), before) << refusal.message;
-            scripts()->clearError();
-        }
-    }
-
-    /// An attribute of a type of value.
-    QString attributeOf(const Ossa::Node *node, QMetaType::Type type) const
-    {
-        for (const QString &name : node->attributes()) {
-            if (node->attribute(name).userType() == type)
-                return name;
-        }
-        return {};
-    }
-
-    Ossa::NodeGraph *m_graph = nullptr;
     Ossa::Node *m_blur = nullptr;
     Ossa::Node *m_group = nullptr;
 };
 
-QString text(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
+const QString radius = text("Radius");
 
 } // namespace
 
+TEST_F(NodeObjects, stateIsWrittenAndReadBackEachByItself)
+{
+    OssSnBaseNode *node = m_network->node(text("Soft"));
+    const auto state = [this] {
+        return m_blur->name() + text(m_blur->isEnabled() ? " on" : "")
+               + text(m_blur->isBypassed() ? " past" : "")
+               + text(m_blur->isSelected() ? " selected" : "");
+    };
+    m_blur->setSelected(false);
+    EXPECT_EQ(state(), text("Soft on"));
+    m_blur->setName(text("Hard"));
+    m_blur->setDescription(text("sharpens"));
+    m_blur->setEnabled(false);
+    m_blur->setBypassed(true);
+    m_blur->setSelected(true);
+    EXPECT_EQ(state(), text("Hard past selected"));
+    EXPECT_EQ(m_blur->description(), text("sharpens"));
+    EXPECT_EQ(node->name(), text("Hard"));
+    EXPECT_FALSE(node->enabledAsBool());
+    EXPECT_TRUE(node->isBypassed() && node->selected());
+    m_blur->setEnabled(true);
+    m_blur->setBypassed(false);
+    m_blur->setSelected(false);
+    EXPECT_EQ(state(), text("Hard on"));
+    node->setErrorText(text("no picture"));
+    EXPECT_EQ(m_blur->error(), text("no picture"));
+}
+
 TEST_F(NodeObjects, groupsGetPortsAndKnobsAndNothingElseDoes)
 {
-    const ExpectedLog expected("is no attribute of a node inside group");
     EXPECT_NE(m_group->createInput(text("In"), text("Color")), nullptr);
     EXPECT_NE(m_group->createOutput(text("Out"), text("scalar")), nullptr);
-    EXPECT_FALSE(scripts()->hasError());
     EXPECT_TRUE(m_group->inputs().contains(text("In")));
     EXPECT_TRUE(m_group->outputs().contains(text("Out")));
     Ossa::Node *inner = m_group->inside()->createNode(text("Filter/Blur"), {});
-    const QString attribute = attributeOf(inner, QMetaType::Double);
-    const QString knob = m_group->createKnob(inner, attribute);
+    const QString knob = m_group->createKnob(inner, radius);
     EXPECT_TRUE(m_group->attributes().contains(knob));
     EXPECT_FALSE(scripts()->hasError());
+    const ExpectedLog expected("is no attribute of a node inside group");
     expectRefused({
         {[&] { m_group->createInput(text("X"), text("sound")); }, Type::NotAllowed, "of kind"},
         {[&] { m_group->createOutput(text("X"), text("sound")); }, Type::NotAllowed, "of kind"},
         {[&] { m_blur->createInput(text("X"), text("color")); }, Type::NotAllowed, "input"},
         {[&] { m_blur->createOutput(text("X"), text("color")); }, Type::NotAllowed, "output"},
-        {[&] { m_group->createKnob(nullptr, attribute); }, Type::WrongType, "None is no node"},
+        {[&] { m_group->createKnob(nullptr, radius); }, Type::WrongType, "None is no node"},
         {[&] { m_group->createKnob(inner, text("No")); }, Type::UnknownName, "no attribute"},
-        {[&] { m_group->createKnob(m_blur, attribute); }, Type::NotAllowed, "become a knob"},
-        {[&] { m_blur->createKnob(inner, attribute); }, Type::NotAllowed, "become a knob"},
+        {[&] { m_group->createKnob(m_blur, radius); }, Type::NotAllowed, "become a knob"},
+        {[&] { m_blur->createKnob(inner, radius); }, Type::NotAllowed, "become a knob"},
     });
 }
 
 TEST_F(NodeObjects, attributesTakeWhatAPanelWouldTake)
 {
-    const QString number = attributeOf(m_blur, QMetaType::Double);
-    ASSERT_FALSE(number.isEmpty());
-    const QVariantMap info = m_blur->attributeInfo(number);
-    EXPECT_FALSE(info.contains(text("choices")));
-    EXPECT_TRUE(info.value(text("isDefault")).toBool());
-    const double most = info.value(text("maximum")).toDouble();
-    const double least = info.value(text("minimum")).toDouble();
+    const auto info = [this](const char *what) {
+        return m_blur->attributeInfo(radius).value(text(what));
+    };
+    EXPECT_FALSE(info("choices").isValid());
+    EXPECT_TRUE(info("isDefault").toBool());
+    const double most = info("maximum").toDouble();
+    const double least = info("minimum").toDouble();
     ASSERT_LT(least, most);
-    const auto set = [&](const QVariant &value) {
+    const auto set = [&](double value) {
         return [=] {
-            m_blur->setAttribute(number, value);
+            m_blur->setAttribute(radius, value);
         };
     };
     const double none = std::numeric_limits<double>::quiet_NaN();
@@ -132,30 +111,16 @@ TEST_F(NodeObjects, attributesTakeWhatAPanelWouldTake)
         {[&] { m_blur->resetAttribute(text("No")); }, Type::UnknownName, "no attribute"},
         {[&] { m_blur->attributeInfo(text("No")); }, Type::UnknownName, "no attribute"},
         {[&] { m_blur->position(); }, Type::ObjectUnavailable, "shown in no node graph"},
-        {[&] {
-             m_blur->setPosition({1, 1});
-         },
-         Type::ObjectUnavailable, "in no node graph"},
-        {[&] {
-             m_blur->setSize({100, 100});
-         },
-         Type::ObjectUnavailable, "in no node graph"},
+        {[&] { m_blur->setPosition(QPointF()); }, Type::ObjectUnavailable, "in no node graph"},
+        {[&] { m_blur->setSize(QSizeF()); }, Type::ObjectUnavailable, "in no node graph"},
     });
-    m_blur->setAttribute(number, most);
-    EXPECT_EQ(m_blur->attribute(number).toDouble(), most);
-    EXPECT_FALSE(m_blur->attributeInfo(number).value(text("isDefault")).toBool());
-    m_blur->resetAttribute(number);
-    EXPECT_TRUE(m_blur->attributeInfo(number).value(text("isDefault")).toBool());
-    EXPECT_FALSE(scripts()->hasError());
-
-    int withChoices = 0;
-    for (const QString &type : OssScriptObject<Ossa::Application>(qApp)->nodeTypes()) {
-        const Ossa::Node *node = m_graph->createNode(type, {});
-        for (const QString &name : node ? node->attributes() : QStringList())
-            withChoices += node->attributeInfo(name).contains(text("choices"));
-    }
-    EXPECT_GT(withChoices, 0);
-    scripts()->clearError();
+    m_blur->setAttribute(radius, most);
+    EXPECT_EQ(m_blur->attribute(radius).toDouble(), most);
+    EXPECT_FALSE(info("isDefault").toBool());
+    m_blur->resetAttribute(radius);
+    EXPECT_TRUE(info("isDefault").toBool());
+    const Ossa::Node *merge = m_graph->createNode(text("Layer/Merge"), {});
+    EXPECT_TRUE(merge->attributeInfo(text("BlendMode")).contains(text("choices")));
 }
 
 TEST_F(NodeObjects, wiresAreDrawnTakenAwayAndRefused)
@@ -164,8 +129,8 @@ TEST_F(NodeObjects, wiresAreDrawnTakenAwayAndRefused)
     const QString input = m_blur->inputs().first();
     m_blur->connectInput(input, source, {});
     EXPECT_EQ(m_blur->inputNode(input), source);
-    EXPECT_EQ(m_blur->upstreamNodes(), QList<Ossa::Node *>{source});
-    EXPECT_EQ(source->downstreamNodes(), QList<Ossa::Node *>{m_blur});
+    EXPECT_EQ(m_blur->upstreamNodes(), Nodes{source});
+    EXPECT_EQ(source->downstreamNodes(), Nodes{m_blur});
     Ossa::Node *removed = m_graph->createNode(text("Filter/Blur"), {});
     removed->remove();
     auto *inside = m_group->inside();
@@ -183,16 +148,14 @@ TEST_F(NodeObjects, wiresAreDrawnTakenAwayAndRefused)
     m_blur->connectInput(input, nullptr, {});
     EXPECT_EQ(m_blur->inputNode(input), nullptr);
     m_graph->connect(source, m_blur, {}, {});
-    EXPECT_EQ(m_blur->upstreamNodes(), QList<Ossa::Node *>{source});
-    EXPECT_FALSE(scripts()->hasError());
+    EXPECT_EQ(m_blur->upstreamNodes(), Nodes{source});
 }
 
-TEST_F(NodeObjects, nodesAreMadeGroupedAndExchangedAsText)
+TEST_F(NodeObjects, areMadeGroupedAndExchangedAsText)
 {
-    EXPECT_EQ(m_graph->nodesOfType(text("Filter/Blur")), QList<Ossa::Node *>{m_blur});
+    EXPECT_EQ(m_graph->nodesOfType(text("Filter/Blur")), Nodes{m_blur});
     EXPECT_EQ(m_graph->node(text("No")), nullptr);
-    const QTemporaryDir folder;
-    const QString file = folder.filePath(text("nodes.xml"));
+    const QString xml = file("nodes.xml");
     auto *inside = m_group->inside();
     Ossa::NodeGraph *graph = m_graph;
     expectRefused({
@@ -206,18 +169,13 @@ TEST_F(NodeObjects, nodesAreMadeGroupedAndExchangedAsText)
         {[=] { inside->extract({m_blur}); }, Type::NotAllowed, "not in this graph"},
         {[=] { inside->duplicate({m_blur}); }, Type::NotAllowed, "not in this graph"},
         {[=] { inside->select({m_blur}); }, Type::NotAllowed, "not in this graph"},
-        {[=] { inside->exportNodes({m_blur}, file); }, Type::NotAllowed, "not in this graph"},
-        {[=] { graph->importNodes(file); }, Type::FileInvalid, "nodes.xml"},
-        {[=] { m_blur->bake(file, 0, {}); }, Type::OutOfRange, "1 to 32768"},
-        {[=] { m_blur->bake(file, 32769, {}); }, Type::OutOfRange, "1 to 32768"},
-        {[=] {
-             m_blur->bake(file, 16, {1001, 1002});
-         },
-         Type::NotAllowed, "<UDIM>"},
+        {[=] { inside->exportNodes({m_blur}, xml); }, Type::NotAllowed, "not in this graph"},
+        {[=] { graph->importNodes(xml); }, Type::FileInvalid, "nodes.xml"},
+        {[=] { m_blur->upgrade(), m_blur->bakeImageSet(); }, Type::NotSupported, "no bake point"},
     });
-    EXPECT_FALSE(QFile::exists(file));
-    m_graph->exportNodes({m_blur, m_blur}, file);
-    EXPECT_EQ(m_graph->importNodes(file).size(), 1);
+    EXPECT_FALSE(QFile::exists(xml));
+    m_graph->exportNodes({m_blur, m_blur}, xml);
+    EXPECT_EQ(m_graph->importNodes(xml).size(), 1);
     EXPECT_EQ(m_graph->fromText(m_graph->toText({m_blur, m_group})).size(), 2);
     EXPECT_TRUE(m_graph->duplicate({}).isEmpty());
     EXPECT_EQ(m_graph->duplicate({m_blur}).size(), 1);
@@ -225,16 +183,109 @@ TEST_F(NodeObjects, nodesAreMadeGroupedAndExchangedAsText)
     ASSERT_NE(made, nullptr);
     EXPECT_EQ(made->name(), text("Both"));
     EXPECT_EQ(m_blur->graph(), made->inside());
-    EXPECT_EQ(m_graph->ungroup(made), QList<Ossa::Node *>{m_blur});
-    EXPECT_FALSE(scripts()->hasError()) << qPrintable(scripts()->lastError().message);
+    EXPECT_EQ(m_graph->ungroup(made), Nodes{m_blur});
+    m_graph->viewer()->remove();
+    EXPECT_EQ(m_graph->viewer(), nullptr);
+}
+
+TEST_F(NodeObjects, severalAreRemovedOrTakenOutAtOnce)
+{
+    OssSnBaseNode *chain[] = {add("Procedural/Color"), add("Filter/Blur"), add("Adjust/Levels"),
+                              add("Misc/Dot")};
+    for (int i = 0; i < 3; ++i)
+        wire(chain[i], chain[i + 1]);
+    const int count = m_network->nodes().size();
+    const Nodes middle{script(chain[1]), script(chain[2])};
+    m_graph->extract(middle);
+    EXPECT_EQ(chain[3]->inputNode(text("Input")), chain[0]);
+    EXPECT_EQ(chain[1]->inputNode(text("Input")), nullptr);
+    m_graph->remove(middle);
+    EXPECT_EQ(chain[1]->network(), nullptr);
+    EXPECT_EQ(chain[2]->network(), nullptr);
+    m_graph->remove({});
+    EXPECT_EQ(m_network->nodes().size(), count - 2);
+}
+
+TEST_F(NodeObjects, aBakeGivesTheFilesItWroteAndSaysWhatItCouldNot)
+{
+    OssSnBaseNode *node = add("Procedural/Color");
+    Ossa::Node *color = script(node);
+    EXPECT_EQ(color->bake(file("one.png"), 4, {1001}), QStringList{file("one.png")});
+    EXPECT_EQ(QImage(file("one.png")).size(), QSize(4, 4));
+    const QStringList two{file("two.1001.png"), file("two.1002.png")};
+    EXPECT_EQ(color->bake(file("two.<UDIM>.png"), 4, {1001, 1002}), two);
+    for (const QString &path : two)
+        EXPECT_TRUE(QFile::exists(path)) << qPrintable(path);
+    EXPECT_EQ(color->bake(file("object.png"), 1, {}).size(), 1) << "the patches of the object";
+    const ExpectedLog possible("", ExpectedLog::Possible);
+    const QList<int> both{1001, 1002};
+    writeFile(file("plain"));
+    expectRefused({
+        {[&] { color->bake(file("no.png"), 0, {}); }, Type::OutOfRange, "1 to 32768"},
+        {[&] { color->bake(file("no.png"), 32769, {}); }, Type::OutOfRange, "1 to 32768"},
+        {[&] { color->bake(file("no.png"), 16, both); }, Type::NotAllowed, "<UDIM>"},
+        {[&] { color->bake(file("plain/no.png"), 4, {}); }, Type::FileNotAccessible, "plain"},
+    });
+    EXPECT_FALSE(QFile::exists(file("no.png")));
+
+    auto *bakePoint = qobject_cast<OssSnBakePointNode *>(
+        m_network->createPaintableNode({}, text("Misc/Bake Point")));
+    bakePoint->imageSet()->setResolution(8);
+    script(bakePoint)->bakeImageSet();
+    expectReported(Type::ObjectUnavailable, "nothing is connected");
+    ASSERT_TRUE(wire(node, bakePoint));
+    script(bakePoint)->bakeImageSet();
+    EXPECT_TRUE(bakePoint->hasBakedResult());
+    auto *object = OssScriptObject<Ossa::GeoEntity>(m_network->geoEntity());
+    const Ossa::ImageSet *images = object->imageSet(bakePoint->imageSet()->name());
+    ASSERT_NE(images, nullptr);
+    EXPECT_EQ(images->patches(), QList<int>{1001});
+    EXPECT_EQ(object->imageSets().size(), 1);
+}
+
+TEST_F(NodeObjects, graphsAreShownAndLaidOutAsAskedFor)
+{
+    auto *group = qobject_cast<OssSnGroupNode *>(m_network->node(text("Group")));
+    Ossa::NodeGraph *inside = m_group->inside();
+    EXPECT_TRUE(m_graph->isRoot());
+    EXPECT_FALSE(inside->isRoot());
+    EXPECT_EQ(inside->parentNode(), m_group);
+    EXPECT_EQ(OssScriptObject<Ossa::NodeGraph>(group->groupNetwork()), inside);
+
+    const QSignalSpy opened(group, &OssSnGroupNode::openNodeGraph);
+    m_group->showInside();
+    EXPECT_EQ(opened.count(), 1);
+    m_blur->showInside();
+    expectReported(Type::NotSupported, "is no group");
+    inside->show();
+    EXPECT_EQ(opened.count(), 2);
+    m_api->createObject(text("Second"), text("plane"));
+    Ossa::NodeGraph *other = m_api->graphs().last();
+    other->show();
+    EXPECT_EQ(m_application->graph(), other);
+    EXPECT_EQ(opened.count(), 2);
+
+    auto *networks = OssShaderNetworkManager::instance();
+    using All = void (OssShaderNetworkManager::*)(OssShaderNetwork *);
+    using Some = void (OssShaderNetworkManager::*)(OssShaderNetwork *, QList<OssSnBaseNode *>);
+    const QSignalSpy all(networks, All(&OssShaderNetworkManager::beautifyNodesLayout));
+    const QSignalSpy some(networks, Some(&OssShaderNetworkManager::beautifyNodesLayout));
+    m_graph->layout(Nodes());
+    m_graph->layout(Nodes{m_blur, m_group});
+    EXPECT_EQ(all.count(), 0) << "no nodes are not all nodes";
+    m_graph->layout();
+    EXPECT_EQ(all.count(), 1);
+    other->layout(Nodes{m_blur});
+    expectReported(Type::NotAllowed, "is not in this graph");
+    EXPECT_EQ(some.count(), 1);
 }
 
 TEST_F(NodeObjects, aScriptIsOneStepAroundItsOwnMacros)
 {
     OssUndoManager::instance()->clear();
-    auto *undo = OssScriptObject<Ossa::Application>(qApp)->undo();
+    auto *undo = m_application->undo();
     const auto make = [this] {
-        m_graph->createNode(QStringLiteral("Misc/Dot"), {});
+        m_graph->createNode(text("Misc/Dot"), {});
     };
     scripts()->beginScript(text("Mine"));
     make();
@@ -249,7 +300,7 @@ TEST_F(NodeObjects, aScriptIsOneStepAroundItsOwnMacros)
     make();
     make();
     scripts()->endScript();
-    EXPECT_EQ(undo->texts(), (QStringList{text("Mine"), text("Inner"), text("Mine")}));
+    EXPECT_EQ(undo->texts(), texts({"Mine", "Inner", "Mine"}));
     make();
     make();
     EXPECT_EQ(undo->count(), 5) << "no script runs";
@@ -260,37 +311,4 @@ TEST_F(NodeObjects, aScriptIsOneStepAroundItsOwnMacros)
     scripts()->endScript();
     EXPECT_EQ(undo->count(), 5);
     EXPECT_EQ(undo->texts().last(), text("Back"));
-    EXPECT_FALSE(scripts()->hasError());
-}
-
-TEST_F(NodeObjects, theRegisterTakesNothingThatIsNone)
-{
-    const ExpectedLog expected[] = {ExpectedLog("Factory is NULL", ExpectedLog::Possible),
-                                    ExpectedLog("API is NULL", ExpectedLog::Possible)};
-    scripts()->registerAPIFactory(nullptr);
-    scripts()->registerAPI(nullptr, text("None"));
-    scripts()->deleteAPI(nullptr);
-    Ossa::API *known = scripts()->obtainAPI(m_network, {});
-    EXPECT_EQ(known, m_graph) << "the class that the factory makes";
-    EXPECT_EQ(scripts()->obtainAPI(m_network, text("Ossa::None")), nullptr);
-}
-
-TEST_F(NodeObjects, palettesAndPreferencesAreReachedByName)
-{
-    OssPalette palette;
-    auto *api = OssScriptObject<Ossa::Palette>(&palette);
-    api->show();
-    EXPECT_TRUE(palette.isVisible());
-    api->hide();
-    EXPECT_FALSE(palette.isVisible());
-
-    auto *application = OssScriptObject<Ossa::Application>(qApp);
-    auto *preferences = application->preferences();
-    expectRefused({
-        {[=] { preferences->value(text("No")); }, Type::UnknownName, "no preference"},
-        {[=] { preferences->setValue(text("No"), 1); }, Type::UnknownName, "no preference"},
-        {[=] { preferences->reset(text("No")); }, Type::UnknownName, "no preference"},
-        {[=] { preferences->choices(text("No")); }, Type::UnknownName, "no preference"},
-    });
-    EXPECT_TRUE(application->actions()->paths(text("/None")).isEmpty());
 }

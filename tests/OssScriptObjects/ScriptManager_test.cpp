@@ -1,79 +1,67 @@
 #include "OssCore/Program/OssDebug.h"
-#include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/Palettes/OssPalette.h"
 #include "OssInterface/Palettes/OssPaletteManager.h"
-#include "OssScriptObjects/OssaApplication.h"
 #include "OssScriptObjects/OssaPalette.h"
 #include "OssScriptObjects/OssScriptError.h"
-#include "OssScriptObjects/OssScriptManager.h"
-#include "OssScriptObjects/OssScriptObjects.h"
+#include "ScriptFixture.h"
 #include "ScriptTestObjects.h"
-#include "support/ExpectedLog.h"
 
-#include <gtest/gtest.h>
-
-#include <QAction>
-#include <QCoreApplication>
 #include <QPointer>
 
 namespace {
 
-const QString thingClass = QStringLiteral("Tests::ThingAPI");
-const QString otherClass = QStringLiteral("Tests::OtherAPI");
-
-OssScriptManager *scripts()
-{
-    return OssScriptManager::instance();
-}
-
-Ossa::Application *application()
-{
-    return OssScriptObject<Ossa::Application>(qApp);
-}
+const QString thingClass = text("Tests::ThingAPI");
+const QString otherClass = text("Tests::OtherAPI");
 
 class ScriptManager : public testing::Test
 {
 protected:
-    ScriptManager()
+    static void SetUpTestSuite()
     {
-        static bool once = false;
-        if (!once) {
-            scripts()->registerAPIFactory(new ThingFactory(thingClass));
-            scripts()->registerAPIFactory(new ThingFactory(otherClass));
-        }
-        once = true;
+        scripts()->registerAPIFactory(new ThingFactory(thingClass));
+        scripts()->registerAPIFactory(new ThingFactory(otherClass));
+    }
+
+    ScriptManager() { scripts()->clearError(); }
+
+    static Ossa::API *obtain(QObject *thing) { return scripts()->obtainAPI(thing, thingClass); }
+
+    static Ossa::API *find(const QObject *thing) { return scripts()->findAPI(thing, thingClass); }
+
+    /// The error of the call before.
+    static OssScriptException::Type errorType()
+    {
+        EXPECT_TRUE(scripts()->hasError());
+        const OssScriptException::Type type = scripts()->lastError().type;
         scripts()->clearError();
+        return type;
     }
 };
 
 } // namespace
 
-TEST_F(ScriptManager, oneScriptObjectPerInternalObjectAndClass)
+TEST_F(ScriptManager, oneScriptObjectPerInternalObjectAndClassAlsoOfSubclasses)
 {
     Thing thing;
-    Ossa::API *api = scripts()->obtainAPI(&thing, thingClass);
+    SubThing subThing;
+    QObject stranger;
+    Ossa::API *api = obtain(&thing);
     ASSERT_NE(api, nullptr);
-    EXPECT_EQ(scripts()->obtainAPI(&thing, thingClass), api);
+    EXPECT_EQ(obtain(&thing), api);
     EXPECT_NE(scripts()->obtainAPI(&thing, otherClass), api);
     EXPECT_EQ(api->internalObject(), &thing);
-}
-
-TEST_F(ScriptManager, factoriesServeSubclasses)
-{
-    SubThing thing;
-    EXPECT_NE(scripts()->obtainAPI(&thing, thingClass), nullptr);
-    QObject stranger;
-    EXPECT_EQ(scripts()->obtainAPI(&stranger, thingClass), nullptr);
-    EXPECT_EQ(scripts()->obtainAPI(nullptr, thingClass), nullptr);
+    EXPECT_NE(obtain(&subThing), nullptr);
+    EXPECT_EQ(obtain(&stranger), nullptr);
+    EXPECT_EQ(obtain(nullptr), nullptr);
 }
 
 TEST_F(ScriptManager, entryGoesWithTheInternalObjectAndTheScriptObjectStaysEmpty)
 {
     auto thing = std::make_unique<Thing>();
     const QObject *address = thing.get();
-    const QPointer<Ossa::API> api = scripts()->obtainAPI(thing.get(), thingClass);
+    const QPointer<Ossa::API> api = obtain(thing.get());
     thing.reset();
-    EXPECT_EQ(scripts()->findAPI(address, thingClass), nullptr);
+    EXPECT_EQ(find(address), nullptr);
     ASSERT_FALSE(api.isNull());
     EXPECT_TRUE(api->isNull());
     scripts()->deleteAPI(api);
@@ -83,20 +71,32 @@ TEST_F(ScriptManager, entryGoesWithTheInternalObjectAndTheScriptObjectStaysEmpty
 TEST_F(ScriptManager, entryGoesWithTheScriptObject)
 {
     Thing thing;
-    scripts()->deleteAPI(scripts()->obtainAPI(&thing, thingClass));
-    EXPECT_EQ(scripts()->findAPI(&thing, thingClass), nullptr);
-    delete scripts()->obtainAPI(&thing, thingClass); // behind the registry's back
-    EXPECT_EQ(scripts()->findAPI(&thing, thingClass), nullptr);
-    EXPECT_NE(scripts()->obtainAPI(&thing, thingClass), nullptr);
+    scripts()->deleteAPI(obtain(&thing));
+    EXPECT_EQ(find(&thing), nullptr);
+    delete obtain(&thing); // behind the registry's back
+    EXPECT_EQ(find(&thing), nullptr);
+    EXPECT_NE(obtain(&thing), nullptr);
 }
 
 TEST_F(ScriptManager, emptyScriptObjectsAreNotHandedOut)
 {
     Thing refused;
-    refused.setObjectName(QStringLiteral("refused"));
+    refused.setObjectName(text("refused"));
     const int before = ThingAPI::living;
-    EXPECT_EQ(scripts()->obtainAPI(&refused, thingClass), nullptr);
+    EXPECT_EQ(obtain(&refused), nullptr);
     EXPECT_EQ(ThingAPI::living, before);
+}
+
+TEST_F(ScriptManager, theRegisterTakesNothingThatIsNone)
+{
+    const ExpectedLog expected[] = {ExpectedLog("Factory is NULL", ExpectedLog::Possible),
+                                    ExpectedLog("API is NULL", ExpectedLog::Possible)};
+    scripts()->registerAPIFactory(nullptr);
+    scripts()->registerAPI(nullptr, text("None"));
+    scripts()->deleteAPI(nullptr);
+    auto *application = OssScriptObject<Ossa::Application>(qApp);
+    EXPECT_EQ(scripts()->obtainAPI(qApp, {}), application) << "the class that the factory makes";
+    EXPECT_EQ(scripts()->obtainAPI(qApp, text("Ossa::None")), nullptr);
 }
 
 TEST_F(ScriptManager, firstErrorOfACallIsKept)
@@ -105,12 +105,14 @@ TEST_F(ScriptManager, firstErrorOfACallIsKept)
     OssScriptError(OssScriptException::OutOfRange, "/some/folder/File.cpp", 7, "%d of %s", 3, "%n");
     OssScriptError(OssScriptException::ObjectUnavailable, __FILE__, __LINE__, "later");
     ASSERT_TRUE(scripts()->hasError());
-    EXPECT_EQ(int(scripts()->lastError().type), 13);
-    EXPECT_EQ(scripts()->lastError().source, QStringLiteral("File.cpp"));
+    EXPECT_EQ(int(scripts()->lastError().type), 13) << "types keep their numbers";
+    EXPECT_EQ(scripts()->lastError().source, text("File.cpp"));
     EXPECT_EQ(scripts()->lastError().line, 7);
-    EXPECT_EQ(scripts()->lastError().message, QStringLiteral("3 of %n"));
+    EXPECT_EQ(scripts()->lastError().message, text("3 of %n"));
     scripts()->clearError();
     EXPECT_FALSE(scripts()->hasError());
+    EXPECT_EQ(int(OssScriptException::InternalObjectGone), 0);
+    EXPECT_EQ(int(OssScriptException::ObjectUnavailable), 11);
 }
 
 TEST_F(ScriptManager, errorsOfARunningScriptAreNotLoggedToo)
@@ -130,51 +132,28 @@ TEST_F(ScriptManager, errorsOfARunningScriptAreNotLoggedToo)
     EXPECT_EQ(logged(), before + 1);
 }
 
-TEST_F(ScriptManager, errorTypesKeepTheirNumbers)
-{
-    EXPECT_EQ(int(OssScriptException::InternalObjectGone), 0);
-    EXPECT_EQ(int(OssScriptException::ObjectUnavailable), 11);
-    EXPECT_EQ(int(OssScriptException::OutOfRange), 13);
-}
-
 TEST_F(ScriptManager, paletteIsFoundWrappedAndReportsWhenGone)
 {
     const ExpectedLog expected[] = {ExpectedLog("Internal OssPalette object not valid"),
-                                    ExpectedLog("There is no palette \"Tests\"")};
+                                    ExpectedLog("There is no palette \"Tests\""),
+                                    ExpectedLog("Not an object of class OssPalette")};
+    auto *application = OssScriptObject<Ossa::Application>(qApp);
     auto *palette = new OssPalette;
-    palette->setObjectName(QStringLiteral("Tests"));
+    palette->setObjectName(text("Tests"));
     OssPaletteManager::instance()->registerPalette(palette, true, QString());
-    auto *api = application()->palette(QStringLiteral("Tests"));
+    auto *api = application->palette(text("Tests"));
     ASSERT_NE(api, nullptr);
-    EXPECT_EQ(api->name(), QStringLiteral("Tests"));
+    EXPECT_EQ(api->name(), text("Tests"));
+    api->show();
+    EXPECT_TRUE(palette->isVisible());
+    api->hide();
+    EXPECT_FALSE(palette->isVisible());
     OssPaletteManager::instance()->deletePalettes();
     EXPECT_EQ(api->name(), QString());
-    EXPECT_EQ(scripts()->lastError().type, OssScriptException::InternalObjectGone);
-    scripts()->clearError();
-    EXPECT_EQ(application()->palette(QStringLiteral("Tests")), nullptr);
-    EXPECT_EQ(scripts()->lastError().type, OssScriptException::UnknownName);
-}
-
-TEST_F(ScriptManager, wrongObjectIsReportedOnce)
-{
-    const ExpectedLog expected("Not an object of class OssPalette");
+    EXPECT_EQ(errorType(), OssScriptException::InternalObjectGone);
+    EXPECT_EQ(application->palette(text("Tests")), nullptr);
+    EXPECT_EQ(errorType(), OssScriptException::UnknownName);
     QObject stranger;
-    const Ossa::Palette api(&stranger);
-    EXPECT_TRUE(api.isNull());
-    EXPECT_EQ(scripts()->lastError().type, OssScriptException::ObjectUnavailable);
-}
-
-TEST_F(ScriptManager, commandsAreTriggeredByPath)
-{
-    const ExpectedLog expected("is not available now");
-    QAction command(QStringLiteral("Run Me"));
-    int runs = 0;
-    QObject::connect(&command, &QAction::triggered, [&runs] { ++runs; });
-    OssActionTreeManager::instance()->registerAction(QStringLiteral("/Tests/Script"), &command);
-    application()->trigger(QStringLiteral("Tests/Script/Run Me"));
-    EXPECT_FALSE(scripts()->hasError());
-    command.setEnabled(false);
-    application()->trigger(QStringLiteral("/Tests/Script/Run Me"));
-    EXPECT_EQ(scripts()->lastError().type, OssScriptException::NotAllowed);
-    EXPECT_EQ(runs, 1);
+    EXPECT_TRUE(Ossa::Palette(&stranger).isNull());
+    EXPECT_EQ(errorType(), OssScriptException::ObjectUnavailable);
 }

@@ -1,20 +1,13 @@
 #include "Ossa/Viewer/PaintBar.h"
 
-#include "../support/ModelFixture.h"
-#include "Ossa/Viewer/PaintSession.h"
 #include "Ossa/Viewer/ViewerSource.h"
-#include "OssCore/Program/OssSettings.h"
-#include "OssModel/Nodes/OssSnImageSetNodeBase.h"
-#include "OssModel/Objects/OssImageSet.h"
+#include "PaintFixture.h"
 #include "support/DialogAnswers.h"
 
 #include <QColorDialog>
 #include <QComboBox>
-#include <QDir>
 #include <QLabel>
 #include <QSpinBox>
-#include <QTest>
-#include <QTimer>
 #include <QToolButton>
 
 namespace {
@@ -43,15 +36,12 @@ protected:
         m_session.reset();
     }
 
-    OssSnBaseNode *viewed() const
-    {
-        return m_network->viewerNode()->inputNode(QStringLiteral("1"));
-    }
+    OssSnBaseNode *viewed() const { return m_network->viewerNode()->inputNode(text("1")); }
 
     OssSnBaseNode *paintNode(const char *name)
     {
         OssSnBaseNode *node = m_network->createPaintableNode({});
-        node->setName(QString::fromLatin1(name));
+        node->setName(text(name));
         node->setSelected(false);
         return node;
     }
@@ -66,14 +56,12 @@ protected:
         return nullptr;
     }
 
-    QToolButton *button(const char *text) const
+    QAbstractButton *button(const char *name) const { return ::button(m_bar.get(), name); }
+
+    void stroke() const
     {
-        const auto buttons = m_bar->findChildren<QToolButton *>();
-        for (QToolButton *button : buttons) {
-            if (button->text() == QLatin1String(text))
-                return button;
-        }
-        return nullptr;
+        ASSERT_TRUE(m_session->begin({0.5, 0.5}));
+        m_session->end();
     }
 
     OssSnBaseNode *m_blur = nullptr;
@@ -92,15 +80,14 @@ TEST_F(PaintBars, newPaintLiesOverWhatIsShownInOneStep)
     OssUndoManager::instance()->undo();
     EXPECT_EQ(m_project->stateHash(), before);
 
-    m_network->viewerNode()->setInputNode(QStringLiteral("1"), m_blur,
-                                          m_blur->prefferedOutputPoint());
+    m_network->viewerNode()->setInputNode(text("1"), m_blur, m_blur->prefferedOutputPoint());
     OssUndoManager::instance()->clear();
     const QByteArray shown = m_project->stateHash();
     button("New")->click();
     OssSnBaseNode *merge = viewed();
     ASSERT_TRUE(merge && merge != m_session->node());
-    EXPECT_EQ(merge->inputNode(QStringLiteral("Base")), m_blur);
-    EXPECT_EQ(merge->inputNode(QStringLiteral("Over")), m_session->node());
+    EXPECT_EQ(merge->inputNode(text("Base")), m_blur);
+    EXPECT_EQ(merge->inputNode(text("Over")), m_session->node());
     EXPECT_EQ(undoCount(), 1);
     OssUndoManager::instance()->undo();
     EXPECT_EQ(m_project->stateHash(), shown);
@@ -117,13 +104,13 @@ TEST_F(PaintBars, paintsOnTheNodeThatIsSelectedOrChosen)
     second->setSelected(true);
     m_bar->refresh();
     EXPECT_EQ(m_session->node(), second);
-    EXPECT_EQ(nodes->currentText(), QStringLiteral("Second"));
-    Q_EMIT nodes->activated(nodes->findText(QStringLiteral("First")));
+    EXPECT_EQ(nodes->currentText(), text("Second"));
+    Q_EMIT nodes->activated(nodes->findText(text("First")));
     EXPECT_EQ(m_session->node(), first);
     m_bar->refresh();
     EXPECT_EQ(m_session->node(), first) << "until another one is selected";
     {
-        const OssUndoManager::AutoMacro macro(QStringLiteral("Work"));
+        const OssUndoManager::AutoMacro macro(text("Work"));
         second->setSelected(false);
         m_bar->refresh();
         second->setSelected(true);
@@ -167,15 +154,10 @@ TEST_F(PaintBars, aColourIsTakenFromThePickerAndLeavingItChangesNothing)
     brush.erases = true;
     brush.color = {0.25F, 0.5F, 0.75F};
     m_session->setBrush(brush);
-    QToolButton *color = nullptr;
-    const auto buttons = m_bar->findChildren<QToolButton *>();
-    for (QToolButton *one : buttons)
-        color = one->accessibleName() == QLatin1String("Color of the brush") ? one : color;
+    auto *color = named<QToolButton>(m_bar.get(), "Color of the brush");
     ASSERT_NE(color, nullptr);
     for (const bool takes : {false, true}) {
-        QTimer::singleShot(0, [takes] {
-            auto *picker = qobject_cast<QColorDialog *>(QApplication::activeModalWidget());
-            ASSERT_NE(picker, nullptr);
+        whenOpen<QColorDialog>([takes](QColorDialog *picker) {
             picker->setCurrentColor(Qt::red);
             takes ? picker->accept() : picker->reject();
         });
@@ -188,34 +170,23 @@ TEST_F(PaintBars, aColourIsTakenFromThePickerAndLeavingItChangesNothing)
 
 TEST_F(PaintBars, bakesAndSaysWhyItCannot)
 {
-    m_network->geoEntity()->setGeometry(QStringLiteral("plane"));
+    m_network->geoEntity()->setGeometry(text("plane"));
     OssSnBaseNode *node = paintNode("First");
     m_bar->refresh();
     EXPECT_FALSE(button("Bake")->isEnabled() || button("Clear")->isEnabled());
-    const auto stroke = [this] {
-        EXPECT_TRUE(m_session->begin({0.5, 0.5}));
-        m_session->end();
-    };
     stroke();
     EXPECT_TRUE(button("Bake")->isEnabled() && button("Clear")->isEnabled());
-    {
-        const DialogAnswers answers(QString(), QMessageBox::Ok);
-        button("Bake")->click();
-        EXPECT_TRUE(answers.boxes.isEmpty());
-    }
+    const DialogAnswers answers(QString(), QMessageBox::Ok);
+    button("Bake")->click();
+    EXPECT_TRUE(answers.boxes.isEmpty());
     EXPECT_TRUE(m_session->buffer().isEmpty());
     EXPECT_FALSE(qobject_cast<OssSnImageSetNodeBase *>(node)->imageSet()->pixels().isEmpty());
     stroke();
-    const QDir folder(OssSettings::folderPath());
-    QDir(folder.filePath(QStringLiteral("pixels"))).removeRecursively();
-    QFile inTheWay(folder.filePath(QStringLiteral("pixels")));
-    ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
     {
-        const DialogAnswers answers(QString(), QMessageBox::Ok);
+        const NoRoomForPixels none;
         button("Bake")->click();
-        EXPECT_EQ(answers.boxes.size(), 1);
     }
-    inTheWay.remove();
+    EXPECT_EQ(answers.boxes.size(), 1);
     EXPECT_FALSE(m_session->buffer().isEmpty());
     button("Clear")->click();
     EXPECT_TRUE(m_session->buffer().isEmpty());
@@ -224,19 +195,19 @@ TEST_F(PaintBars, bakesAndSaysWhyItCannot)
 TEST_F(PaintBars, hintsWhenPaintIsNotToBeSeen)
 {
     const auto hint = [this] {
-        QString text;
+        QString shown;
         const auto labels = m_bar->findChildren<QLabel *>();
         for (const QLabel *label : labels)
-            text += label->isHidden() ? QString() : label->text();
-        return text;
+            shown += label->isHidden() ? QString() : label->text();
+        return shown;
     };
     m_bar->refresh();
-    EXPECT_TRUE(hint().contains(QStringLiteral("nothing to paint on"))) << qPrintable(hint());
+    EXPECT_TRUE(hint().contains(text("nothing to paint on"))) << qPrintable(hint());
     OssSnBaseNode *node = paintNode("First");
     m_bar->refresh();
-    EXPECT_TRUE(hint().contains(QStringLiteral("\"First\" is no part"))) << qPrintable(hint());
+    EXPECT_TRUE(hint().contains(text("\"First\" is no part"))) << qPrintable(hint());
     m_source->setActive(true);
-    m_network->viewerNode()->setInputNode(QStringLiteral("1"), node, node->prefferedOutputPoint());
+    m_network->viewerNode()->setInputNode(text("1"), node, node->prefferedOutputPoint());
     EXPECT_TRUE(QTest::qWaitFor([&] { return hint().isEmpty(); }, 5000)) << qPrintable(hint());
 }
 

@@ -1,85 +1,46 @@
-#include "Ossa/Commands/RecentProjects.h"
-#include "Ossa/Common/ApplicationPreferences.h"
-#include "Ossa/Window/MainWindow.h"
-#include "OssCore/Program/OssSettings.h"
-#include "OssInterface/Actions/OssActionTreeManager.h"
-#include "OssInterface/Palettes/OssPalette.h"
-#include "OssInterface/Palettes/OssPaletteManager.h"
-#include "OssModel/Project/OssProject.h"
-#include "OssModel/Project/OssProjectManager.h"
-#include "support/ModelFixture.h"
+#include "WindowFixture.h"
 
-#include <gtest/gtest.h>
-
-#include <QAction>
 #include <QSplitter>
-#include <QTemporaryDir>
-#include <QTest>
-
-#include <memory>
 
 namespace {
 
 /// The window with stand-ins for the palettes that have a place of their own.
-class Docks : public testing::Test
+class Docks : public WindowFixture
 {
 protected:
-    Docks()
-    {
-        graph = make("Node Graph", "node_graph_palette");
-        viewer = make("Viewer", "viewer_palette");
-        properties = make("Node Properties", "node_properties_palette");
-        history = make("History", "history_palette");
-        log = make("Log", "log_palette");
-        open();
-    }
+    Docks() { open(); }
 
-    ~Docks() override
-    {
-        OssProjectManager::instance()->closeProject();
-        window.reset();
-        OssPaletteManager::instance()->deletePalettes();
-        OssSettings().remove(QStringLiteral("MainWindow"));
-    }
-
-    static OssPalette *make(const char *name, const char *helpKey)
-    {
-        auto *palette = new OssPalette;
-        palette->setObjectName(QString::fromLatin1(name));
-        palette->setWindowTitle(palette->objectName());
-        palette->setContextHelpKey(QString::fromLatin1(helpKey));
-        palette->setBodyWidget(new QWidget(palette));
-        OssPaletteManager::instance()->registerPalette(palette, true, QString());
-        return palette;
-    }
-
-    /// A session: the window as it starts.
     void open(bool restored = false)
     {
-        window = std::make_unique<MainWindow>();
-        if (restored)
-            window->restoreLayout();
-        window->resize(1200, 800);
-        window->show();
-        QTest::qWait(20); // shares are given once the window has its size
+        WindowFixture::open(restored);
+        settle();
     }
 
     void openAnew()
     {
-        EXPECT_TRUE(window->close());
-        window.reset();
+        close();
         open(true);
     }
+
+    /// Shares are given once the window has its size.
+    static void settle() { QTest::qWait(20); }
 
     QRect place(const OssPalette *palette) const
     {
         return {palette->mapTo(window.get(), QPoint()), palette->size()};
     }
 
-    static QAction *toggle(const char *name)
+    /// The innermost splitter around both the graph and another one.
+    QSplitter *splitter(Qt::Orientation orientation, const QWidget *other) const
     {
-        return OssActionTreeManager::instance()->findAction(QStringLiteral("/Ossa/Palettes/")
-                                                            + QLatin1String(name));
+        QSplitter *found = nullptr;
+        const auto all = window->findChildren<QSplitter *>();
+        for (QSplitter *one : all) {
+            if (one->orientation() == orientation && one->isAncestorOf(graph)
+                && one->isAncestorOf(other))
+                found = one;
+        }
+        return found;
     }
 
     /// The graph has most of the room; beside it the viewer above the properties, below it the log.
@@ -95,12 +56,11 @@ protected:
         EXPECT_NE(history->isVisible(), properties->isVisible()) << "tabs of one place";
     }
 
-    OssPalette *graph = nullptr;
-    OssPalette *viewer = nullptr;
-    OssPalette *properties = nullptr;
-    OssPalette *history = nullptr;
-    OssPalette *log = nullptr;
-    std::unique_ptr<MainWindow> window;
+    OssPalette *graph = make("Node Graph", "node_graph_palette");
+    OssPalette *viewer = make("Viewer", "viewer_palette");
+    OssPalette *properties = make("Node Properties", "node_properties_palette");
+    OssPalette *history = make("History", "history_palette");
+    OssPalette *log = make("Log", "log_palette");
 };
 
 TEST_F(Docks, palettesHaveTheirPlacesAtFirstAndAfterAReset)
@@ -109,18 +69,31 @@ TEST_F(Docks, palettesHaveTheirPlacesAtFirstAndAfterAReset)
     expectFirstLayout();
     toggle("Viewer")->trigger();
     toggle("Log")->trigger();
-    OssActionTreeManager::instance()
-        ->findAction(QStringLiteral("/Ossa/View/Reset Layout"))
-        ->trigger();
-    QTest::qWait(20);
+    command("View/Reset Layout")->trigger();
+    settle();
     properties->showBySidebar();
     expectFirstLayout();
 }
 
+TEST_F(Docks, showingAPaletteOpensItsDockAndItsTabComesToTheFront)
+{
+    for (OssPalette *palette : {history, properties, history}) {
+        palette->showBySidebar();
+        EXPECT_TRUE(palette->isVisible());
+        EXPECT_NE(history->isVisible(), properties->isVisible());
+    }
+    for (const bool byVisibility : {false, true}) {
+        toggle("Node Graph")->trigger();
+        EXPECT_FALSE(graph->isVisible());
+        byVisibility ? graph->setVisible(true) : graph->showBySidebar();
+        EXPECT_TRUE(graph->isVisible());
+        EXPECT_TRUE(toggle("Node Graph")->isChecked());
+    }
+}
+
 TEST_F(Docks, severalAreasInARowShareTheRoomAmongThem)
 {
-    EXPECT_TRUE(window->close());
-    window.reset();
+    close();
     delete properties; // the neighbour of those that have no place of their own
     const OssPalette *first = make("First", "first_palette");
     const OssPalette *second = make("Second", "second_palette");
@@ -129,21 +102,11 @@ TEST_F(Docks, severalAreasInARowShareTheRoomAmongThem)
         EXPECT_GE(place(palette).width(), 1200 / 20) << qPrintable(palette->windowTitle());
 }
 
-TEST_F(Docks, aTabComesToTheFrontWhenItIsAskedFor)
-{
-    for (OssPalette *palette : {history, properties, history}) {
-        palette->showBySidebar();
-        EXPECT_TRUE(palette->isVisible());
-        EXPECT_NE(history->isVisible(), properties->isVisible());
-    }
-}
-
 TEST_F(Docks, aLayoutThatIsDamagedIsNone)
 {
-    EXPECT_TRUE(window->close());
-    window.reset();
+    close();
     const ExpectedLog damaged("qUncompress");
-    OssSettings().setValue(QStringLiteral("MainWindow/docks"), QByteArray("no layout"));
+    OssSettings().setValue(text("MainWindow/docks"), QByteArray("no layout"));
     open(true);
     for (const char *name : {"Node Graph", "Viewer", "Node Properties", "History", "Log"})
         EXPECT_TRUE(toggle(name)->isChecked()) << name;
@@ -156,19 +119,24 @@ TEST_F(Docks, aPaletteThatComesLateStandsWhereItWasInTheLastSession)
     make("Later", "later_palette");
     toggle("Late")->trigger();
     toggle("Log")->trigger();
-    EXPECT_TRUE(window->close());
-    window.reset();
+    close();
     for (const char *helpKey : {"late_palette", "later_palette"})
-        delete OssPaletteManager::instance()->find(QString::fromLatin1(helpKey));
+        delete OssPaletteManager::instance()->find(text(helpKey));
+    const OssPalette *added = make("Added", "added_palette");
     open(true);
     EXPECT_FALSE(toggle("Log")->isChecked());
+    EXPECT_TRUE(added->isVisible()) << "no session knew it";
+    EXPECT_TRUE(graph->isVisible());
     make("Late", "late_palette");
     EXPECT_FALSE(toggle("Late")->isChecked());
     EXPECT_FALSE(toggle("Log")->isChecked());
     make("Later", "later_palette");
     EXPECT_TRUE(toggle("Later")->isChecked());
-    make("New", "new_palette");
+    const OssPalette *fresh = make("New", "new_palette");
     EXPECT_TRUE(toggle("New")->isChecked()) << "no session knew it";
+    EXPECT_EQ(fresh->window(), window.get());
+    command("View/Reset Layout")->trigger();
+    EXPECT_TRUE(toggle("Late")->isChecked() && toggle("Log")->isChecked());
 }
 
 TEST_F(Docks, theUsersSizesComeBackAndAPaletteThatIsShownHasRoom)
@@ -179,7 +147,7 @@ TEST_F(Docks, theUsersSizesComeBackAndAPaletteThatIsShownHasRoom)
     EXPECT_FALSE(toggle("Viewer")->isChecked());
     toggle("Viewer")->trigger();
     toggle("Log")->trigger();
-    QTest::qWait(20);
+    settle();
     EXPECT_GE(place(viewer).height(), 800 / 10);
     EXPECT_GE(place(log).height(), 800 / 10);
     EXPECT_GE(place(viewer).width(), 1200 / 10);
@@ -195,46 +163,20 @@ TEST_F(Docks, aPaletteThatIsDeletedLeavesTheWindow)
     EXPECT_TRUE(toggle("Node Properties")->isChecked());
 }
 
-TEST_F(Docks, theLastProjectIsOpenedAgainOnlyWhenTheUserWantsIt)
-{
-    const QTemporaryDir folder;
-    needNodeTypes();
-    auto *projects = OssProjectManager::instance();
-    projects->newProject(QStringLiteral("wall"));
-    const QString path = folder.filePath(QStringLiteral("wall.ossa"));
-    ASSERT_TRUE(projects->saveProjectAs(path));
-    RecentProjects::add(path);
-    auto *preferences = ApplicationPreferences::instance();
-    for (const bool reopen : {true, false}) {
-        preferences->setReopenLastProject(reopen);
-        projects->closeProject();
-        window->openAtStart(QString());
-        EXPECT_EQ(projects->currentProject()->path() == path, reopen);
-    }
-    preferences->resetReopenLastProject();
-    RecentProjects::clear();
-    projects->closeProject();
-}
-
 TEST_F(Docks, whatTheUserSizedStaysWhenTheWindowComesBack)
 {
     const auto share = [this] {
         return 100 * place(graph).width() / window->width();
     };
     const int first = share();
-    QSplitter *wide = nullptr;
-    const auto splitters = window->findChildren<QSplitter *>();
-    for (QSplitter *one : splitters) {
-        if (one->orientation() == Qt::Horizontal && one->isAncestorOf(graph))
-            wide = one;
-    }
+    QSplitter *wide = splitter(Qt::Horizontal, graph);
     ASSERT_NE(wide, nullptr);
     wide->setSizes({400, 800});
     const int sized = share();
     ASSERT_LT(sized, first - 10);
     window->hide();
     window->show();
-    QTest::qWait(20);
+    settle();
     EXPECT_NEAR(share(), sized, 2) << "only the first time is the window's own";
     openAnew();
     EXPECT_NEAR(share(), sized, 5);
@@ -242,38 +184,24 @@ TEST_F(Docks, whatTheUserSizedStaysWhenTheWindowComesBack)
 
 TEST_F(Docks, aPaletteThatOpensTooSmallGetsRoomAndOthersKeepTheirs)
 {
-    QSplitter *tall = nullptr;
-    const auto splitters = window->findChildren<QSplitter *>();
-    for (QSplitter *one : splitters) {
-        if (one->orientation() == Qt::Vertical && one->isAncestorOf(graph)
-            && one->isAncestorOf(log))
-            tall = one;
-    }
+    QSplitter *tall = splitter(Qt::Vertical, log);
     ASSERT_NE(tall, nullptr);
-
-    const struct
-    {
-        int part; ///< of the room, in percent
-        bool grows;
-    } cases[] = {{4, true}, {50, false}};
-
-    for (const auto &c : cases) {
+    for (const auto &[percent, grows] : {std::pair(4, true), std::pair(50, false)}) {
         const int room = tall->height();
-        tall->setSizes({room * (100 - c.part) / 100, room * c.part / 100});
+        tall->setSizes({room * (100 - percent) / 100, room * percent / 100});
         const int before = log->height();
         toggle("Log")->trigger();
         toggle("Log")->trigger();
-        QTest::qWait(20);
-        EXPECT_EQ(log->height() > before + 10, c.grows) << c.part;
+        settle();
+        EXPECT_EQ(log->height() > before + 10, grows) << percent;
         EXPECT_GE(log->height(), room * 15 / 100 - 40);
     }
 }
 
 TEST_F(Docks, keysOfTheGraphActInTheGraphAlone)
 {
-    const QString path = QStringLiteral("/Ossa/NodeGraph/Disable");
-    QAction disable(QStringLiteral("Disable"));
-    OssActionTreeManager::instance()->registerAction(QStringLiteral("/Ossa/NodeGraph/"), &disable);
+    QAction disable(text("Disable"));
+    OssActionTreeManager::instance()->registerAction(text("/Ossa/NodeGraph/"), &disable);
     ASSERT_FALSE(disable.shortcuts().isEmpty());
     EXPECT_TRUE(graph->actions().contains(&disable));
     EXPECT_FALSE(viewer->actions().contains(&disable));
@@ -290,12 +218,10 @@ TEST_F(Docks, aPaletteWithoutItsNeighbourGoesToTheRight)
     EXPECT_GT(place(other).left(), place(graph).right());
     EXPECT_TRUE(graph->isVisible());
     OssPalette *late = make("Node Properties", "node_properties_palette");
-    QTest::qWait(20);
+    settle();
     EXPECT_GT(place(late).left(), place(graph).right());
-    OssActionTreeManager::instance()
-        ->findAction(QStringLiteral("/Ossa/View/Reset Layout"))
-        ->trigger();
-    QTest::qWait(20);
+    command("View/Reset Layout")->trigger();
+    settle();
     for (const OssPalette *palette : {graph, other, late})
         EXPECT_GT(palette->height() * palette->width(), 100 * 100) << "none is squeezed away";
 }

@@ -1,84 +1,49 @@
-#include "Ossa/Common/ApplicationPreferences.h"
 #include "Ossa/Dialogs/RecoveryDialog.h"
-#include "Ossa/Window/MainWindow.h"
-#include "OssCore/Documents/OssAtomicFile.h"
 #include "OssCore/Program/OssDebug.h"
-#include "OssCore/Undo/OssUndoManager.h"
-#include "OssInterface/Actions/OssActionTreeManager.h"
-#include "OssInterface/Palettes/OssPaletteManager.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssModel/Project/OssAutosave.h"
-#include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectFile.h"
-#include "OssModel/Project/OssProjectManager.h"
-#include "support/ModelFixture.h"
+#include "support/DialogAnswers.h"
+#include "support/InterfaceUser.h"
 #include "support/SystemCallFaults.h"
+#include "WindowFixture.h"
 
-#include <gtest/gtest.h>
-
-#include <QAction>
-#include <QApplication>
 #include <QDir>
-#include <QMessageBox>
-#include <QPushButton>
-#include <QTemporaryDir>
-#include <QTest>
-#include <QTimer>
+#include <QPointer>
 #include <QTreeWidget>
 
 #include <cerrno>
 
 namespace {
 
-OssProjectManager *projects()
-{
-    return OssProjectManager::instance();
-}
-
 QStringList copies()
 {
-    return QDir(OssRecovery::standardFolder()).entryList({QStringLiteral("*.ossa")}, QDir::Dirs);
+    return QDir(OssRecovery::standardFolder()).entryList({text("*.ossa")}, QDir::Dirs);
 }
 
-void change()
+/// Presses that button of the next dialog that offers copies.
+void choose(const char *button)
 {
-    OssUndoManager::instance()->record(
-        QStringLiteral("Edit"), [] {}, [] {});
+    whenOpen<RecoveryDialog>([button](RecoveryDialog *dialog) { press(dialog, button); });
 }
 
-template <class Dialog>
-void whenOpen(const std::function<void(Dialog *)> &act)
+/// The document of the first copy.
+QString copiedDocument()
 {
-    QTimer::singleShot(0, [act] {
-        auto *dialog = qobject_cast<Dialog *>(QApplication::activeModalWidget());
-        ASSERT_NE(dialog, nullptr);
-        act(dialog);
-    });
-}
-
-void press(QWidget *dialog, const char *text)
-{
-    const auto buttons = dialog->findChildren<QPushButton *>();
-    for (QPushButton *button : buttons) {
-        if (button->text().remove(QLatin1Char('&')) == QLatin1String(text)) {
-            button->click();
-            return;
-        }
-    }
-    FAIL() << "no button " << text;
+    return OssProjectFile::documentPath(OssRecovery::standardFolder() + QLatin1Char('/')
+                                        + copies().value(0));
 }
 
 /// A project "wall" on disk, and a copy of it with one more object that a dead session left.
-class WorkRecoveryTest : public testing::Test
+class WorkRecoveryTest : public WindowFixture
 {
 protected:
     WorkRecoveryTest()
     {
-        needNodeTypes();
         QDir(OssRecovery::standardFolder()).removeRecursively();
-        OssProject *project = projects()->newProject(QStringLiteral("wall"));
+        OssProject *project = projects()->newProject(text("wall"));
         EXPECT_TRUE(projects()->saveProjectAs(m_path));
-        project->addEntity(QStringLiteral("Second"));
+        project->addEntity(text("Second"));
         m_hash = project->stateHash();
         OssRecovery::Session dead(OssRecovery::standardFolder());
         OssProjectSnapshot snapshot(
@@ -86,15 +51,13 @@ protected:
         EXPECT_TRUE(snapshot.advance(-1));
         EXPECT_TRUE(dead.write(OssProjectSnapshot::joined(snapshot.takeParts())));
         projects()->closeProject();
-        window = std::make_unique<MainWindow>();
-        window->show();
+        open();
     }
 
     ~WorkRecoveryTest() override
     {
         projects()->closeProject();
         window.reset();
-        OssPaletteManager::instance()->deletePalettes();
         QDir(OssRecovery::standardFolder()).removeRecursively();
     }
 
@@ -106,29 +69,27 @@ protected:
         autosave()->waitForDisk();
     }
 
-    static int linesWith(const char *text)
+    static int linesWith(const char *part)
     {
         const auto lines = OssDebugLog::instance()->lines();
         return int(std::count_if(lines.cbegin(), lines.cend(), [&](const OssDebugLog::Line &line) {
-            return line.text.contains(QLatin1String(text));
+            return line.text.contains(text(part));
         }));
     }
 
-    QTemporaryDir m_folder;
-    QString m_path = m_folder.filePath(QStringLiteral("wall.ossa"));
+    QString m_path = path("wall.ossa");
     QByteArray m_hash;
-    std::unique_ptr<MainWindow> window;
 };
 
 } // namespace
 
 TEST_F(WorkRecoveryTest, restoringOpensTheProjectModifiedAndSavingGoesToItsPlace)
 {
-    whenOpen<RecoveryDialog>([](RecoveryDialog *dialog) { press(dialog, "Restore"); });
+    choose("Restore");
     window->openAtStart(QString());
     EXPECT_TRUE(window->isWindowModified());
     EXPECT_EQ(projects()->currentProject()->path(), m_path);
-    OssActionTreeManager::instance()->findAction(QStringLiteral("/Ossa/File/Save"))->trigger();
+    command("File/Save")->trigger();
     autosave()->waitForDisk();
     EXPECT_FALSE(window->isWindowModified());
     EXPECT_TRUE(copies().isEmpty());
@@ -152,21 +113,18 @@ TEST_F(WorkRecoveryTest, theQuestionOpensNothingUntilTheWindowDoes)
 
 TEST_F(WorkRecoveryTest, keepingForLaterOpensWhatWasAskedForAndOffersAgain)
 {
-    const std::vector<std::function<void(RecoveryDialog *)>> ways = {
-        [](RecoveryDialog *dialog) { press(dialog, "Keep for Later"); },
-        [](RecoveryDialog *dialog) { dialog->close(); },
-    };
-    for (const auto &way : ways) {
-        whenOpen<RecoveryDialog>(way);
+    for (const bool byButton : {true, false}) {
+        if (byButton)
+            choose("Keep for Later");
+        else
+            whenOpen<RecoveryDialog>([](RecoveryDialog *dialog) { dialog->close(); });
         window->openAtStart(m_path);
         EXPECT_EQ(projects()->currentProject()->path(), m_path);
         EXPECT_FALSE(window->isWindowModified());
         EXPECT_EQ(copies().size(), 1);
     }
-    whenOpen<RecoveryDialog>([](RecoveryDialog *dialog) { press(dialog, "Restore"); });
-    OssActionTreeManager::instance()
-        ->findAction(QStringLiteral("/Ossa/File/Recover Unsaved Work..."))
-        ->trigger();
+    choose("Restore");
+    command("File/Recover Unsaved Work...")->trigger();
     EXPECT_EQ(projects()->currentProject()->stateHash(), m_hash);
     EXPECT_TRUE(window->isWindowModified());
 }
@@ -174,7 +132,7 @@ TEST_F(WorkRecoveryTest, keepingForLaterOpensWhatWasAskedForAndOffersAgain)
 TEST_F(WorkRecoveryTest, discardingAsksFirst)
 {
     const auto answer = [](RecoveryDialog *dialog, QMessageBox::StandardButton button) {
-        whenOpen<QMessageBox>([button](QMessageBox *box) { box->button(button)->click(); });
+        answerWith(button);
         press(dialog, "Discard...");
     };
     whenOpen<RecoveryDialog>([&](RecoveryDialog *dialog) {
@@ -203,19 +161,15 @@ TEST_F(WorkRecoveryTest, withoutAUserItIsReportedAndLeftAlone)
 
 TEST_F(WorkRecoveryTest, aDamagedCopyIsToldAndPutAside)
 {
-    const QString place = OssRecovery::standardFolder() + QLatin1Char('/') + copies().first();
-    QFile document(OssProjectFile::documentPath(place));
+    QFile document(copiedDocument());
     ASSERT_TRUE(document.resize(document.size() - 20));
-    QString text;
-    whenOpen<QMessageBox>([&text](QMessageBox *box) {
-        text = box->text();
-        box->close();
-    });
+    QString told;
+    answerWith(QMessageBox::Ok, &told);
     window->openAtStart(m_path);
-    EXPECT_TRUE(text.contains(document.fileName()) && text.contains(QStringLiteral("damaged")))
-        << qPrintable(text);
+    EXPECT_TRUE(told.contains(document.fileName()) && told.contains(text("damaged")))
+        << qPrintable(told);
     EXPECT_TRUE(copies().isEmpty());
-    EXPECT_EQ(QDir(OssRecovery::standardFolder() + QStringLiteral("/damaged"))
+    EXPECT_EQ(QDir(OssRecovery::standardFolder() + text("/damaged"))
                   .entryList(QDir::Dirs | QDir::NoDotAndDotDot)
                   .size(),
               1);
@@ -223,12 +177,11 @@ TEST_F(WorkRecoveryTest, aDamagedCopyIsToldAndPutAside)
 
 TEST_F(WorkRecoveryTest, restoringLeavesOpenWorkAloneUnlessTheUserLetsItGo)
 {
-    QAction *recover = OssActionTreeManager::instance()->findAction(
-        QStringLiteral("/Ossa/File/Recover Unsaved Work..."));
-    const QPointer<OssProject> open = projects()->newProject(QStringLiteral("Open"));
+    QAction *recover = command("File/Recover Unsaved Work...");
+    const QPointer<OssProject> open = projects()->newProject(text("Open"));
     change();
     whenOpen<RecoveryDialog>([](RecoveryDialog *dialog) {
-        whenOpen<QMessageBox>([](QMessageBox *box) { box->button(QMessageBox::Cancel)->click(); });
+        answerWith(QMessageBox::Cancel);
         press(dialog, "Restore");
     });
     recover->trigger();
@@ -236,35 +189,28 @@ TEST_F(WorkRecoveryTest, restoringLeavesOpenWorkAloneUnlessTheUserLetsItGo)
     EXPECT_TRUE(projects()->isModified());
     EXPECT_EQ(copies().size(), 1);
     whenOpen<RecoveryDialog>([](RecoveryDialog *dialog) {
-        whenOpen<QMessageBox>([](QMessageBox *box) { box->button(QMessageBox::Discard)->click(); });
+        answerWith(QMessageBox::Discard);
         press(dialog, "Restore");
     });
     recover->trigger();
     ASSERT_NE(projects()->currentProject(), nullptr);
     EXPECT_EQ(projects()->currentProject()->stateHash(), m_hash);
-    QString text;
-    whenOpen<QMessageBox>([&text](QMessageBox *box) {
-        text = box->text();
-        box->close();
-    });
+    QString told;
+    answerWith(QMessageBox::Ok, &told);
     recover->trigger();
-    EXPECT_TRUE(text.contains(QStringLiteral("No session"))) << "there is no other copy";
+    EXPECT_TRUE(told.contains(text("No session"))) << "there is no other copy";
 }
 
 TEST_F(WorkRecoveryTest, aCopyThatVanishesWhileItIsOfferedIsTold)
 {
-    QString text;
-    whenOpen<RecoveryDialog>([&text](RecoveryDialog *dialog) {
-        const QString place = OssRecovery::standardFolder() + QLatin1Char('/') + copies().first();
-        QFile::remove(OssProjectFile::documentPath(place));
-        whenOpen<QMessageBox>([&text](QMessageBox *box) {
-            text = box->text();
-            box->close();
-        });
+    QString told;
+    whenOpen<RecoveryDialog>([&told](RecoveryDialog *dialog) {
+        QFile::remove(copiedDocument());
+        answerWith(QMessageBox::Ok, &told);
         press(dialog, "Restore");
     });
     window->openAtStart(m_path);
-    EXPECT_TRUE(text.contains(QStringLiteral("cannot be opened"))) << qPrintable(text);
+    EXPECT_TRUE(told.contains(text("cannot be opened"))) << qPrintable(told);
     EXPECT_EQ(projects()->currentProject()->path(), m_path);
     EXPECT_FALSE(window->isWindowModified());
 }
@@ -273,24 +219,24 @@ TEST_F(WorkRecoveryTest, theListTellsWhenWorkWasCopiedAndSaved)
 {
     const QDateTime noon(QDate::currentDate(), QTime(12, 0));
     OssRecovery::Entry unsaved;
-    unsaved.name = QStringLiteral("unsaved");
+    unsaved.name = text("unsaved");
     unsaved.copiedAt = noon.toUTC();
     OssRecovery::Entry gone = unsaved;
-    gone.path = m_folder.filePath(QStringLiteral("gone.ossa"));
+    gone.path = path("gone.ossa");
     gone.copiedAt = noon.addDays(-3).toUTC();
     OssRecovery::Entry saved = gone;
     saved.path = m_path;
     const RecoveryDialog dialog({unsaved, gone, saved});
     const auto *list = dialog.findChild<QTreeWidget *>();
-    const auto text = [list](int row, int column) {
+    const auto shown = [list](int row, int column) {
         return list->topLevelItem(row)->text(column);
     };
-    EXPECT_TRUE(text(0, 1).startsWith(QStringLiteral("Today, ")));
-    EXPECT_FALSE(text(1, 1).startsWith(QStringLiteral("Today, ")));
-    EXPECT_EQ(text(0, 2), QStringLiteral("Never saved"));
-    EXPECT_EQ(text(1, 2), QStringLiteral("Not there any more"));
+    EXPECT_TRUE(shown(0, 1).startsWith(text("Today, ")));
+    EXPECT_FALSE(shown(1, 1).startsWith(text("Today, ")));
+    EXPECT_EQ(shown(0, 2), text("Never saved"));
+    EXPECT_EQ(shown(1, 2), text("Not there any more"));
     const QFileInfo document(OssProjectFile::documentPath(m_path));
-    EXPECT_EQ(text(2, 2), RecoveryDialog::timeText(document.lastModified()));
+    EXPECT_EQ(shown(2, 2), RecoveryDialog::timeText(document.lastModified()));
 }
 
 TEST_F(WorkRecoveryTest, onlyTheUsersWordEndsACopy)
@@ -302,12 +248,11 @@ TEST_F(WorkRecoveryTest, onlyTheUsersWordEndsACopy)
     EXPECT_EQ(copies().size(), 1);
     window.reset();
     EXPECT_EQ(copies().size(), 1) << "nobody was asked";
-    window = std::make_unique<MainWindow>();
-    window->show();
+    open();
     change();
     copyNow();
     EXPECT_EQ(copies().size(), 2);
-    whenOpen<QMessageBox>([](QMessageBox *box) { box->button(QMessageBox::Discard)->click(); });
+    answerWith(QMessageBox::Discard);
     EXPECT_TRUE(window->close());
     autosave()->waitForDisk();
     EXPECT_EQ(copies().size(), 1);
@@ -319,7 +264,7 @@ TEST_F(WorkRecoveryTest, aSaveThatFailsIsToldOnceAndKeepsTheChanges)
                                     ExpectedLog("wall.ossa/")};
     OssApplication::setPopupsAllowed(false);
     window->openAtStart(m_path);
-    QAction *save = OssActionTreeManager::instance()->findAction(QStringLiteral("/Ossa/File/Save"));
+    QAction *save = command("File/Save");
     int failures = 0;
     bool reached = true;
     std::unique_ptr<SystemCallFaults> fault;
@@ -332,8 +277,8 @@ TEST_F(WorkRecoveryTest, aSaveThatFailsIsToldOnceAndKeepsTheChanges)
     while (reached) {
         ++number;
         change();
-        projects()->currentProject()->setUserAttribute(
-            OssCustomAttribute(QStringLiteral("Round"), number), false);
+        projects()->currentProject()->setUserAttribute(OssCustomAttribute(text("Round"), number),
+                                                       false);
         OssDebugLog::instance()->clear();
         fault = std::make_unique<SystemCallFaults>(number, ENOSPC);
         save->trigger();
@@ -344,18 +289,4 @@ TEST_F(WorkRecoveryTest, aSaveThatFailsIsToldOnceAndKeepsTheChanges)
     QObject::disconnect(connection);
     OssApplication::setPopupsAllowed(true);
     EXPECT_GT(failures, 3);
-}
-
-TEST_F(WorkRecoveryTest, theIntervalIsTheUsers)
-{
-    auto *preferences = ApplicationPreferences::instance();
-    EXPECT_EQ(preferences->autosaveSeconds(), 120);
-    preferences->setAutosaveInterval(QStringLiteral("5 minutes"));
-    EXPECT_EQ(preferences->autosaveSeconds(), 300);
-    preferences->setAutosaveInterval(QStringLiteral("never"));
-    EXPECT_EQ(preferences->autosaveSeconds(), 300);
-    preferences->setAutosaveInterval(QStringLiteral("Off"));
-    EXPECT_EQ(preferences->autosaveSeconds(), 0);
-    preferences->resetAutosaveInterval();
-    EXPECT_EQ(preferences->autosaveSeconds(), 120);
 }

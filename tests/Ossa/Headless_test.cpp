@@ -1,0 +1,283 @@
+#include "Ossa/Headless/BakeCommand.h"
+#include "Ossa/Headless/CommandLine.h"
+#include "Ossa/Headless/InfoCommand.h"
+#include "Ossa/Pictures/GraphCommand.h"
+#include "OssModel/Evaluation/OssPatchList.h"
+#include "OssModel/Project/OssAutosave.h"
+#include "OssModel/Project/OssProjectFile.h"
+#include "ProgramRun.h"
+#include "support/ModelFixture.h"
+#include "support/OssaFiles.h"
+#include "support/Text.h"
+
+#include <QDir>
+#include <QImage>
+#include <QSettings>
+#include <QTemporaryDir>
+
+// Commands without a window: how they are called, what they say, what they write.
+
+namespace {
+
+CommandLine parse(std::vector<const char *> arguments)
+{
+    arguments.insert(arguments.begin(), "ossa");
+    return CommandLine::parse(int(arguments.size()), arguments.data());
+}
+
+const QString nowhere = text("/nowhere/wall.ossa");
+
+/// A project that can be described and baked, saved; the commands run here without the program.
+class Headless : public ModelFixture
+{
+protected:
+    void SetUp() override
+    {
+        ModelFixture::SetUp();
+        m_network->geoEntity()->setGeometry(text("cube"));
+        OssSnBaseNode *rust = add("Procedural/Color", "Rust Red");
+        OssSnBaseNode *soft = add("Filter/Blur", "Soft");
+        OssSnBaseNode *shader = add("Shaders/Standard Surface", "Old Wall");
+        ASSERT_TRUE(wire(rust, soft) && wire(soft, shader, "Base Color")
+                    && wire(rust, shader, "Roughness"));
+        ASSERT_NE(m_network->groupNodes({add("Filter/Sharpen", "Crisp")}), nullptr);
+        add("Misc/Backdrop", "Note");
+        ASSERT_TRUE(OssProjectManager::instance()->saveProjectAs(path()));
+    }
+
+    QString path() const { return m_folder.filePath(text("wall.ossa")); }
+
+    void replace(const char *before, const char *after) const
+    {
+        QFile file(OssProjectFile::documentPath(path()));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        QByteArray content = file.readAll();
+        ASSERT_TRUE(content.contains(before));
+        writeFile(file.fileName(), content.replace(before, after));
+    }
+
+    std::string info(bool withState = false) const
+    {
+        testing::internal::CaptureStdout();
+        EXPECT_EQ(runInfoCommand(path(), withState), ExitCode::Success);
+        std::fflush(stdout);
+        return testing::internal::GetCapturedStdout();
+    }
+
+    static bool has(const std::string &told, const char *part)
+    {
+        return told.find(part) != std::string::npos;
+    }
+
+    QTemporaryDir m_folder;
+};
+
+} // namespace
+
+TEST(CommandLineParsing, understandsEveryCommand)
+{
+    const std::tuple<std::vector<const char *>, CommandLine::Command, const char *, bool> cases[] =
+        {
+            {{}, CommandLine::Window, "", false},
+            {{"wall.ossa"}, CommandLine::Window, "wall.ossa", false},
+            {{"info", "wall.ossa"}, CommandLine::Info, "wall.ossa", true},
+            {{"graph", "wall.ossa", "-o", "out/wall.SVG"}, CommandLine::Graph, "wall.ossa", true},
+        };
+    for (const auto &[arguments, command, project, isHeadless] : cases) {
+        const CommandLine line = parse(arguments);
+        EXPECT_EQ(line.command, command) << line.message.toStdString();
+        EXPECT_EQ(line.project, text(project));
+        EXPECT_EQ(line.isHeadless(), isHeadless);
+        EXPECT_EQ(line.output, text(command == CommandLine::Graph ? "out/wall.SVG" : ""));
+    }
+}
+
+TEST(CommandLineParsing, runTakesAScriptPerhapsAProjectAndWhatIsTheScripts)
+{
+    const CommandLine line = parse({"run", "a.py", "wall.ossa", "--", "-x", "--help", "--", "b"});
+    EXPECT_EQ(line.command, CommandLine::Run);
+    EXPECT_EQ(line.run.script, text("a.py"));
+    EXPECT_EQ(line.run.project, text("wall.ossa"));
+    EXPECT_EQ(line.run.arguments, texts({"-x", "--help", "--", "b"}));
+    EXPECT_TRUE(line.isHeadless());
+    const CommandLine bare = parse({"run", "a.py", "--", "wall.ossa"});
+    EXPECT_TRUE(bare.run.project.isEmpty());
+    EXPECT_EQ(bare.run.arguments, texts({"wall.ossa"}));
+}
+
+TEST(CommandLineParsing, faultyUseIsAnsweredInOneLine)
+{
+    const std::vector<std::vector<const char *>> faulty = {
+        {"graph"}, {"graph", "wall.ossa"}, {"graph", "wall.ossa", "-o", "wall.bmp"},
+        {"info"},  {"--no-such-option"},   {"one.ossa", "two.ossa"},
+        {"run"},   {"run", "--", "a"},     {"info", "wall.ossa", "--", "a"},
+    };
+    for (const auto &arguments : faulty) {
+        const CommandLine line = parse(arguments);
+        EXPECT_EQ(line.command, CommandLine::Answered) << arguments.front();
+        EXPECT_EQ(line.exitCode, ExitCode::Usage);
+        EXPECT_FALSE(line.message.trimmed().contains(QLatin1Char('\n')));
+        EXPECT_TRUE(line.message.startsWith(text("ossa: ")));
+    }
+    EXPECT_EQ(parse({"--help"}).exitCode, ExitCode::Success);
+    EXPECT_TRUE(parse({"graph", "--help"}).message.contains(text("--output")));
+}
+
+TEST(CommandLineParsing, understandsListsOfPatches)
+{
+    EXPECT_EQ(OssPatchList::fromText(text("1001")), QList<int>({1001}));
+    EXPECT_EQ(OssPatchList::fromText(text("1011, 1001-1003,1002")),
+              QList<int>({1001, 1002, 1003, 1011}));
+    for (const char *nonsense : {"", "1", "1004-1001", "1001-1002-1003", "1001,x", "99999"})
+        EXPECT_TRUE(OssPatchList::fromText(text(nonsense)).isEmpty()) << nonsense;
+}
+
+TEST(Programs, answerOnTheirStreamsAndEndWithTheirCodes)
+{
+    const QString example = text(OSSA_EXAMPLES "/Old Plaster.ossa");
+    const QStringList bake{text("bake"), example, text("-o"), nowhere, text("--patches")};
+    const std::tuple<bool, QStringList, int, const char *, const char *> cases[] = {
+        // of those without widgets, how it is called, code, what it says: null for nothing
+        {false, texts({"--version"}), ExitCode::Success, "ossa ", nullptr},
+        {false, texts({"graph"}), ExitCode::Usage, nullptr, "ossa: "},
+        {false, {}, ExitCode::Failure, nullptr, "no display"},
+        {false, {text("info"), nowhere}, ExitCode::Failure, nullptr, "/nowhere/wall.ossa"},
+        {false,
+         {text("graph"), nowhere, text("-o"), text("a.png")},
+         ExitCode::Failure,
+         nullptr,
+         "/nowhere/wall.ossa"},
+        {false, bake + texts({"all of them"}), ExitCode::Usage, nullptr, "ossa: "},
+        {true, texts({"--version"}), ExitCode::Success, "ossa ", nullptr},
+        {true, texts({"info"}), ExitCode::Usage, nullptr, "PROJECT"},
+        {true, {text("info"), example}, ExitCode::Success, "Standard Surface", nullptr},
+        {true, {text("info"), nowhere}, ExitCode::Failure, nullptr, "/nowhere/wall.ossa"},
+        {true,
+         {text("graph"), example, text("-o"), text("a.png")},
+         ExitCode::Usage,
+         nullptr,
+         "only bake and info"},
+    };
+    for (const auto &[isBatch, arguments, exitCode, out, err] : cases) {
+        const ProgramRun run = isBatch ? ProgramRun::ofBatch(arguments) : ProgramRun::of(arguments);
+        EXPECT_EQ(run.exitCode, exitCode) << run.err.constData();
+        EXPECT_TRUE(out ? run.out.contains(out) : run.out.isEmpty()) << run.out.constData();
+        EXPECT_TRUE(err ? run.err.contains(err) : run.err.isEmpty()) << run.err.constData();
+        EXPECT_LE(run.err.count('\n'), 1) << run.err.constData();
+    }
+}
+
+TEST(Programs, bakeAnExampleAndSayWhatWasWritten)
+{
+    const QTemporaryDir folder;
+    const ProgramRun outcome = ProgramRun::of(
+        {text("bake"), text(OSSA_EXAMPLES "/Weathered Brick.ossa"), text("--resolution"),
+         text("32"), text("--format"), text("png"), text("-o"),
+         folder.filePath(text("new/textures"))});
+    ASSERT_EQ(outcome.exitCode, 0) << outcome.err.constData();
+    const QList<QByteArray> written = outcome.out.trimmed().split('\n');
+    EXPECT_GE(written.size(), 3);
+    for (const QByteArray &path : written) {
+        EXPECT_EQ(QImage(QString::fromUtf8(path)).size(), QSize(32, 32)) << path.constData();
+        EXPECT_TRUE(path.endsWith(".1001.png"));
+    }
+    const QImage color(QString::fromUtf8(written.first()));
+    EXPECT_NE(color.pixel(2, 2), color.pixel(16, 20)) << "bricks are not all of one colour";
+}
+
+TEST_F(Headless, bakesNameFilesAfterShaderAndInputOrAfterTheNode)
+{
+    OssProjectManager::instance()->newProject(text("empty"));
+    const QString empty = m_folder.filePath(text("empty.ossa"));
+    ASSERT_TRUE(OssProjectManager::instance()->saveProjectAs(empty));
+    const std::tuple<QString, QStringList, const char *, QStringList, const char *> cases[] = {
+        {path(),
+         {},
+         "1001",
+         texts({"Old_Wall_Base_Color.1001.png", "Old_Wall_Roughness.1001.png"}),
+         nullptr},
+        {path(), texts({"Rust Red", "Soft"}), "1001-1002",
+         texts({"Rust_Red.1001.png", "Rust_Red.1002.png", "Soft.1001.png", "Soft.1002.png"}),
+         nullptr},
+        {path(), texts({"Note"}), "1001", {}, "\"Note\" has no output to bake"},
+        {path(), texts({"Soft", "Rust"}), "1001", {}, "no node \"Rust\""},
+        {path(), texts({"Soft"}), "1001,1099", {}, "Soft: there is no patch 1099"},
+        {empty, {}, "1001", {}, "no shader that is fed"},
+    };
+    for (const auto &[project, nodes, patches, written, error] : cases) {
+        const QTemporaryDir into;
+        BakeOptions options;
+        options.project = project;
+        options.nodes = nodes;
+        options.patches = text(patches);
+        options.resolution = 16;
+        options.format = text("png");
+        options.folder = into.path();
+        testing::internal::CaptureStdout();
+        testing::internal::CaptureStderr();
+        const int exitCode = runBakeCommand(options);
+        std::fflush(stdout);
+        const std::string told = testing::internal::GetCapturedStdout();
+        const std::string errors = testing::internal::GetCapturedStderr();
+        EXPECT_EQ(exitCode, error ? ExitCode::Failure : ExitCode::Success) << errors;
+        EXPECT_EQ(QDir(into.path()).entryList(QDir::Files, QDir::Name), written) << nodes.size();
+        QString paths;
+        for (const QString &name : written)
+            paths += into.filePath(name) + QLatin1Char('\n');
+        EXPECT_EQ(told, paths.toStdString());
+        EXPECT_TRUE(error ? has(errors, error) : errors.empty()) << errors;
+    }
+}
+
+TEST_F(Headless, infoCountsWhatIsInTheProject)
+{
+    const std::string told = info();
+    EXPECT_EQ(told.find("wall\n" + path().toStdString() + "\n"), 0U) << told;
+    EXPECT_TRUE(has(told, " 1 groups\n")) << told;
+    EXPECT_TRUE(has(told, "     1  Filter/Blur\n")) << told;
+    for (const char *absent : {"state ", "not known", "newer version"})
+        EXPECT_FALSE(has(told, absent)) << told;
+    EXPECT_TRUE(has(info(true), "\nstate "));
+}
+
+TEST_F(Headless, infoSaysWhatIsUnusual)
+{
+    const ExpectedLog told[] = {ExpectedLog("has the unknown type 'Future/Blur'"),
+                                ExpectedLog("newer", ExpectedLog::Possible)};
+    replace("\"Filter/Blur\"", "\"Future/Blur\"");
+    EXPECT_TRUE(has(info(), "  1 nodes of types that are not known here\n"));
+    replace("<ossaProject major=\"1\"", "<ossaProject major=\"9\"");
+    EXPECT_TRUE(has(info(), "written by a newer version\n"));
+}
+
+TEST_F(Headless, whatCannotBeDoneIsAFailureInOneLine)
+{
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(runInfoCommand(nowhere, false), ExitCode::Failure);
+    EXPECT_EQ(runGraphCommand(nowhere, path()), ExitCode::Failure);
+    EXPECT_EQ(runGraphCommand(path(), m_folder.filePath(text("wall.png"))), ExitCode::Failure);
+    const std::string errors = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(std::count(errors.begin(), errors.end(), '\n'), 3) << errors;
+    EXPECT_TRUE(has(errors, "/nowhere/wall.ossa")) << errors;
+    EXPECT_TRUE(has(errors, "plug-in is not loaded")) << errors;
+}
+
+TEST_F(Headless, theProgramTellsOfUnsavedWorkAndLeavesPreferencesAlone)
+{
+    const QTemporaryDir settings;
+    const auto run = [&] {
+        return ProgramRun::of({text("info"), path()}, {}, settings.path());
+    };
+    EXPECT_TRUE(run().err.isEmpty());
+    {
+        OssAutosave autosave(settings.filePath(text("recovery")));
+        add("Filter/Blur", "Unsaved");
+        autosave.takeCopy();
+        autosave.waitForDisk();
+    }
+    const ProgramRun told = run();
+    EXPECT_EQ(told.exitCode, ExitCode::Success);
+    EXPECT_TRUE(told.err.contains("wall")) << told.err.constData();
+    const QSettings stored(settings.filePath(text("ossa.ini")), QSettings::IniFormat);
+    EXPECT_EQ(stored.allKeys(), QStringList()) << "preferences are the window's to save";
+}

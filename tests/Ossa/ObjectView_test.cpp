@@ -3,15 +3,11 @@
 #include "Ossa/Viewer/ObjectCamera.h"
 #include "Ossa/Viewer/ViewerPictures.h"
 #include "OssEvaluation/Geometry/OssEvMesh.h"
+#include "support/InterfaceUser.h"
 
 #include <gtest/gtest.h>
 
-#include <QApplication>
 #include <QImage>
-#include <QMouseEvent>
-#include <QOffscreenSurface>
-#include <QOpenGLContext>
-#include <QTest>
 
 #include <set>
 
@@ -29,6 +25,13 @@ QImage quarters(int size)
                                 y < size / 2 ? (x < size / 2 ? Qt::red : Qt::green)
                                              : (x < size / 2 ? Qt::blue : Qt::white));
     }
+    return image;
+}
+
+QImage plain(int size, const QColor &color)
+{
+    QImage image(size, size, QImage::Format_ARGB32_Premultiplied);
+    image.fill(color);
     return image;
 }
 
@@ -50,16 +53,31 @@ protected:
                          << qPrintable(renderer.problem());
     }
 
-    /// Straight at the plane, which then reaches from a quarter to three quarters of the view.
-    static ObjectRenderer::View straight(bool lit)
+    /// Straight at the object; a plane reaches from a quarter to three quarters of the view.
+    ObjectRenderer::View straight() const
     {
         ObjectRenderer::View view;
         view.size = {Size, Size};
         view.projection.ortho(-1.0F, 1.0F, -1.0F, 1.0F, 0.1F, 10.0F);
-        view.camera.translate(0.0F, 0.0F, -3.0F);
+        view.camera.translate(QVector3D(0.0F, 0.0F, -3.0F) - renderer.centre());
         view.ground = Qt::black;
-        view.isLit = lit;
+        view.isLit = false;
         return view;
+    }
+
+    void setPatches(const QList<int> &patches, int resolution = 64)
+    {
+        renderer.setPatches(patches, resolution);
+    }
+
+    void setPicture(int patch, const QImage &picture)
+    {
+        renderer.update(patch, picture, picture.rect());
+    }
+
+    QColor middle(const ObjectRenderer::View &view)
+    {
+        return renderer.render(view).pixelColor(Size / 2, Size / 2);
     }
 
     ObjectRenderer renderer;
@@ -68,11 +86,9 @@ protected:
 TEST_F(ObjectDrawing, aPatchLiesOnTheObjectTheRightWayUp)
 {
     renderer.setMesh(OssEvShapes::plane());
-    renderer.setPatches({1001}, 256);
-    renderer.update(1001, quarters(256), {0, 0, 256, 256});
-    const QVector3D centre = renderer.centre();
-    ObjectRenderer::View view = straight(false);
-    view.camera.translate(-centre);
+    setPatches({1001}, 256);
+    setPicture(1001, quarters(256));
+    ObjectRenderer::View view = straight();
     const QImage image = renderer.render(view);
     ASSERT_EQ(image.size(), QSize(Size, Size));
     expectColor(image.pixelColor(90, 90), Qt::red, "upper left");
@@ -82,9 +98,7 @@ TEST_F(ObjectDrawing, aPatchLiesOnTheObjectTheRightWayUp)
     expectColor(image.pixelColor(20, 20), Qt::black, "beside it");
 
     // Part of a picture replaces that part.
-    QImage changed = quarters(256);
-    changed.fill(Qt::yellow);
-    renderer.update(1001, changed, {0, 0, 128, 128});
+    renderer.update(1001, plain(256, Qt::yellow), {0, 0, 128, 128});
     const QImage after = renderer.render(view);
     expectColor(after.pixelColor(90, 90), Qt::yellow, "upper left");
     expectColor(after.pixelColor(150, 90), Qt::green, "upper right");
@@ -101,49 +115,39 @@ TEST_F(ObjectDrawing, aPatchLiesOnTheObjectTheRightWayUp)
 TEST_F(ObjectDrawing, largerPicturesAreFittedToTheTexture)
 {
     renderer.setMesh(OssEvShapes::plane());
-    renderer.setPatches({1001}, 4096);
+    setPatches({1001}, 4096);
     ASSERT_EQ(ObjectRenderer::textureSize(1, 4096), 2048);
-    renderer.update(1001, quarters(4096), {0, 0, 4096, 4096});
-    QImage changed(4096, 4096, QImage::Format_ARGB32_Premultiplied);
-    changed.fill(Qt::yellow);
-    renderer.update(1001, changed, {2048, 0, 2048, 2048});
-    const ObjectRenderer::View view = straight(false);
-    ObjectRenderer::View centred = view;
-    centred.camera.translate(-renderer.centre());
-    const QImage image = renderer.render(centred);
+    setPicture(1001, quarters(4096));
+    renderer.update(1001, plain(4096, Qt::yellow), {2048, 0, 2048, 2048});
+    const QImage image = renderer.render(straight());
     expectColor(image.pixelColor(90, 90), Qt::red, "upper left");
     expectColor(image.pixelColor(150, 90), Qt::yellow, "upper right");
 }
 
 TEST_F(ObjectDrawing, everyPatchHasItsOwnPicture)
 {
-    const auto cube = OssEvShapes::cube();
-    renderer.setMesh(cube);
-    renderer.setPatches({1001, 1002, 1003, 1004, 1005, 1006}, 64);
+    const QList<int> patches{1001, 1002, 1003, 1004, 1005, 1006};
     const QColor colors[] = {Qt::red, Qt::green, Qt::blue, Qt::cyan, Qt::magenta, Qt::yellow};
-    for (int i = 0; i < 6; ++i) {
-        QImage image(64, 64, QImage::Format_ARGB32_Premultiplied);
-        image.fill(colors[i]);
-        renderer.update(1001 + i, image, image.rect());
-    }
+    renderer.setMesh(OssEvShapes::cube());
+    setPatches(patches);
     std::set<QRgb> seen;
+    std::set<QRgb> wanted;
+    for (int i = 0; i < 6; ++i) {
+        setPicture(patches.at(i), plain(64, colors[i]));
+        wanted.insert(colors[i].rgb());
+    }
     for (const QVector3D &turn :
          {QVector3D(0, 0, 0), {0, 90, 0}, {0, 180, 0}, {0, 270, 0}, {90, 0, 0}, {270, 0, 0}}) {
-        ObjectRenderer::View view = straight(false);
+        ObjectRenderer::View view = straight();
         view.camera.rotate(turn.x(), 1, 0, 0);
         view.camera.rotate(turn.y(), 0, 1, 0);
-        const QColor color = renderer.render(view).pixelColor(Size / 2, Size / 2);
-        seen.insert(color.rgb());
+        seen.insert(middle(view).rgb());
     }
-    std::set<QRgb> wanted;
-    for (const QColor &color : colors)
-        wanted.insert(color.rgb());
     EXPECT_EQ(seen, wanted);
     // A patch that is no longer there is bare.
-    renderer.setPatches({1001}, 64);
-    renderer.setPatches({1001, 1002, 1003, 1004, 1005, 1006}, 64);
-    const ObjectRenderer::View view = straight(false);
-    const QColor front = renderer.render(view).pixelColor(Size / 2, Size / 2);
+    setPatches({1001});
+    setPatches(patches);
+    const QColor front = middle(straight());
     EXPECT_TRUE(wanted.count(front.rgb()) == 0 || front == colors[0]);
 }
 
@@ -157,13 +161,10 @@ TEST_F(ObjectDrawing, facesThatStraddlePatchesShowBoth)
     mesh->faces = {0, 0};
     ASSERT_TRUE(mesh->finish("quad").ok());
     renderer.setMesh(mesh);
-    renderer.setPatches({1001, 1002}, 64);
-    QImage image(64, 64, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::red);
-    renderer.update(1001, image, image.rect());
-    image.fill(Qt::green);
-    renderer.update(1002, image, image.rect());
-    const QImage drawn = renderer.render(straight(false));
+    setPatches({1001, 1002});
+    setPicture(1001, plain(64, Qt::red));
+    setPicture(1002, plain(64, Qt::green));
+    const QImage drawn = renderer.render(straight());
     expectColor(drawn.pixelColor(Size / 2 - 30, Size / 2), Qt::red, "left");
     expectColor(drawn.pixelColor(Size / 2 + 30, Size / 2), Qt::green, "right");
 }
@@ -181,8 +182,7 @@ TEST_F(ObjectDrawing, theViewShowsPicturesAsTheyArriveAndTurnsUnderTheMouse)
         return view.grab().toImage().pixelColor(Size / 2, Size / 2);
     };
     EXPECT_NE(middle(), QColor(Qt::green));
-    QImage green(128, 128, QImage::Format_ARGB32);
-    green.fill(Qt::green);
+    const QImage green = plain(128, Qt::green);
     const auto tile = std::make_shared<OssEvTile>(4, OssEvTile::Format::Half,
                                                   std::array<float, 4>{0.0F, 1.0F, 0.0F, 1.0F});
     for (int i = 0; i < 4; ++i)
@@ -191,17 +191,10 @@ TEST_F(ObjectDrawing, theViewShowsPicturesAsTheyArriveAndTurnsUnderTheMouse)
     EXPECT_EQ(middle(), QColor(Qt::green));
 
     const QImage before = view.grab().toImage();
-    const auto drag = [&](Qt::MouseButton button, const QPoint &way) {
-        const QPoint from(Size / 2, Size / 2);
-        QTest::mousePress(&view, button, {}, from);
-        QMouseEvent move(QEvent::MouseMove, from + way, button, button, {});
-        QApplication::sendEvent(&view, &move);
-        QTest::mouseRelease(&view, button, {}, from + way);
-    };
-    drag(Qt::LeftButton, {60, 0});
-    const QImage turned = view.grab().toImage();
-    EXPECT_NE(turned, before);
-    drag(Qt::MiddleButton, {-500, 0});
+    const QPoint centre(Size / 2, Size / 2);
+    dragMouse(&view, Qt::LeftButton, centre, centre + QPoint(60, 0));
+    EXPECT_NE(view.grab().toImage(), before);
+    dragMouse(&view, Qt::MiddleButton, centre, centre - QPoint(500, 0));
     EXPECT_NE(middle(), QColor(Qt::green)) << "moved out of the view";
     QTest::keyClick(&view, Qt::Key_F);
     EXPECT_EQ(middle(), QColor(Qt::green));
@@ -228,9 +221,7 @@ TEST_F(ObjectDrawing, anObjectOfAnySizeIsFramedWhenItComes)
     // The user's own view of it stays while nothing else comes.
     QTest::keyClick(&view, Qt::Key_F);
     const QImage framed = view.grab().toImage();
-    QWheelEvent nearer({120, 120}, view.mapToGlobal(QPoint(120, 120)), {}, {0, 240}, Qt::NoButton,
-                       {}, Qt::NoScrollPhase, false);
-    QApplication::sendEvent(&view, &nearer);
+    turnWheel(&view, {120, 120}, 240);
     const QImage near = view.grab().toImage();
     EXPECT_NE(near, framed);
     view.resize(Size + 1, Size);

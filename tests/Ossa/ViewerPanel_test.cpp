@@ -1,6 +1,5 @@
 #include "Ossa/Viewer/ViewerPanel.h"
 
-#include "../support/ModelFixture.h"
 #include "Ossa/Viewer/ObjectView.h"
 #include "Ossa/Viewer/PaintBar.h"
 #include "Ossa/Viewer/UvView.h"
@@ -11,19 +10,19 @@
 #include "OssModel/Images/OssPixelStore.h"
 #include "OssModel/Nodes/OssSnImageSetNodeBase.h"
 #include "OssModel/Objects/OssImageSet.h"
+#include "support/InterfaceUser.h"
+#include "support/ModelFixture.h"
+#include "support/OssaFiles.h"
+#include "support/Text.h"
 
 #include <QComboBox>
 #include <QDir>
 #include <QDoubleSpinBox>
-#include <QFile>
 #include <QFileInfo>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QSplitter>
-#include <QTest>
-#include <QToolButton>
 #include <QVBoxLayout>
 
 namespace {
@@ -35,7 +34,7 @@ protected:
     void SetUp() override
     {
         ModelFixture::SetUp();
-        m_network->geoEntity()->setGeometry(QStringLiteral("plane"));
+        m_network->geoEntity()->setGeometry(text("plane"));
         m_viewer = m_network->viewerNode();
         m_red = color("1,0,0,1");
         m_green = color("0,1,0,1");
@@ -58,35 +57,36 @@ protected:
     OssSnBaseNode *color(const char *value)
     {
         OssSnBaseNode *node = add("Procedural/Color");
-        node->setAttribute(QStringLiteral("Color"), QString::fromLatin1(value));
+        node->setAttribute(text("Color"), text(value));
         return node;
     }
 
-    void look(int input, OssSnBaseNode *node)
+    void connect(int input, OssSnBaseNode *node)
     {
         m_viewer->setInputNode(QString::number(input), node,
                                node ? node->prefferedOutputPoint() : QString());
     }
 
+    /// Connects it and looks at it.
+    void show(OssSnBaseNode *node, int input = 1)
+    {
+        connect(input, node);
+        m_network->setViewerNodeCurrentEdge(input, true);
+    }
+
     void choose(const char *name, int row)
     {
-        const auto lists = m_panel->findChildren<QComboBox *>();
-        for (QComboBox *list : lists) {
-            if (list->accessibleName() == QLatin1String(name))
-                return list->setCurrentIndex(row);
-        }
-        FAIL() << name;
+        named<QComboBox>(m_panel.get(), name)->setCurrentIndex(row);
     }
 
     void setNumber(const char *name, double value)
     {
-        const auto fields = m_panel->findChildren<QDoubleSpinBox *>();
-        for (QDoubleSpinBox *field : fields) {
-            if (field->accessibleName() == QLatin1String(name))
-                return field->setValue(value);
-        }
-        FAIL() << name;
+        named<QDoubleSpinBox>(m_panel.get(), name)->setValue(value);
     }
+
+    QAbstractButton *button(const char *name) const { return ::button(m_panel.get(), name); }
+
+    static bool comes(const std::function<bool()> &state) { return QTest::qWaitFor(state, 20000); }
 
     QColor shown() const
     {
@@ -97,7 +97,7 @@ protected:
 
     ::testing::AssertionResult comesToShow(const QColor &wanted)
     {
-        if (QTest::qWaitFor([&] { return shown() == wanted; }, 20000))
+        if (comes([&] { return shown() == wanted; }))
             return ::testing::AssertionSuccess();
         return ::testing::AssertionFailure()
                << "shows " << qPrintable(shown().name(QColor::HexArgb)) << " "
@@ -115,44 +115,45 @@ protected:
 
 TEST_F(Viewing, showsWhatTheViewerLooksAtAndEveryChangeOfIt)
 {
-    look(1, m_red);
-    look(2, m_green);
-    m_network->setViewerNodeCurrentEdge(1, true);
+    const auto paintGreen = [this](const char *value) {
+        m_green->setAttribute(text("Color"), text(value));
+    };
+    connect(2, m_green);
+    show(m_red);
     EXPECT_TRUE(comesToShow(Qt::red));
     EXPECT_TRUE(m_source->shows(m_red));
     EXPECT_TRUE(m_source->showsOnly(m_red));
     EXPECT_FALSE(m_source->shows(m_green));
     m_network->setViewerNodeCurrentEdge(2, true);
     EXPECT_TRUE(comesToShow(Qt::green));
-    m_green->setAttribute(QStringLiteral("Color"), QStringLiteral("0,0,1,1"));
+    paintGreen("0,0,1,1");
     EXPECT_TRUE(comesToShow(Qt::blue));
     OssUndoManager::instance()->undo();
     EXPECT_TRUE(comesToShow(Qt::green));
     {
         // A value under the user's hand is no step yet.
         const OssUndoManager::Pause pause;
-        m_green->setAttribute(QStringLiteral("Color"), QStringLiteral("1,1,1,1"));
+        paintGreen("1,1,1,1");
         EXPECT_TRUE(comesToShow(Qt::white));
     }
-    look(2, m_red);
+    connect(2, m_red);
     EXPECT_TRUE(comesToShow(Qt::red));
-    look(2, nullptr);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !m_pictures->problem().isEmpty(); }, 20000));
+    connect(2, nullptr);
+    EXPECT_TRUE(comes([&] { return !m_pictures->problem().isEmpty(); }));
     EXPECT_TRUE(m_pictures->patches().isEmpty());
-    look(2, m_red);
+    connect(2, m_red);
     EXPECT_TRUE(comesToShow(Qt::red));
     EXPECT_TRUE(m_pictures->problem().isEmpty());
 }
 
 TEST_F(Viewing, beginsAnewOnlyForAnotherPicture)
 {
-    look(1, m_red);
-    m_network->setViewerNodeCurrentEdge(1, true);
+    show(m_red);
     EXPECT_TRUE(comesToShow(Qt::red));
     QTest::qWait(200);
     QSignalSpy began(m_source, &ViewerSource::began);
-    m_green->setAttribute(QStringLiteral("Color"), QStringLiteral("0,0,1,1"));
-    m_red->setName(QStringLiteral("Renamed"));
+    m_green->setAttribute(text("Color"), text("0,0,1,1"));
+    m_red->setName(text("Renamed"));
     choose("Channels", 0);
     m_source->setLook({});
     m_source->setResolution(256);
@@ -164,8 +165,7 @@ TEST_F(Viewing, beginsAnewOnlyForAnotherPicture)
 
 TEST_F(Viewing, controlsSayHowItIsShown)
 {
-    look(1, m_grey);
-    m_network->setViewerNodeCurrentEdge(1, true);
+    show(m_grey);
     EXPECT_TRUE(comesToShow(QColor(137, 137, 137))) << "as a screen shows it";
     choose("Display", 1);
     EXPECT_TRUE(comesToShow(QColor(64, 64, 64)));
@@ -180,10 +180,10 @@ TEST_F(Viewing, controlsSayHowItIsShown)
     setNumber("Exposure in stops", 0.0);
     EXPECT_TRUE(comesToShow(QColor(137, 137, 137)));
     setNumber("Gamma", 2.0);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return shown().red() > 160; }, 20000));
+    EXPECT_TRUE(comes([&] { return shown().red() > 160; }));
     choose("Resolution of a patch", 1);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return m_pictures->picture(1001).width() == 512; }, 20000));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return shown().red() > 160; }, 20000));
+    EXPECT_TRUE(comes([&] { return m_pictures->picture(1001).width() == 512; }));
+    EXPECT_TRUE(comes([&] { return shown().red() > 160; }));
 }
 
 TEST_F(Viewing, aCoarsePictureComesBeforeTheFineOne)
@@ -193,27 +193,22 @@ TEST_F(Viewing, aCoarsePictureComesBeforeTheFineOne)
     QObject::connect(m_source, &ViewerSource::tileArrived,
                      [&tiles](int, int resolution) { tiles.append(resolution); });
     QSignalSpy progress(m_source, &ViewerSource::progressed);
-    look(1, m_red);
-    m_network->setViewerNodeCurrentEdge(1, true);
-    const auto across = [](int resolution) {
-        return resolution / OssEvTile::Size;
-    };
-    const int all = across(256) * across(256) + across(1024) * across(1024);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return tiles.size() >= all; }, 30000)) << tiles.size();
+    show(m_red);
+    const int coarse = 256 * 256 / (OssEvTile::Size * OssEvTile::Size);
+    const int all = coarse + 16 * coarse;
+    EXPECT_TRUE(comes([&] { return tiles.size() >= all; })) << tiles.size();
     for (int i = 0; i < tiles.size(); ++i)
-        EXPECT_EQ(tiles.at(i), i < across(256) * across(256) ? 256 : 1024) << i;
+        EXPECT_EQ(tiles.at(i), i < coarse ? 256 : 1024) << i;
     QVector<float> values;
     EXPECT_TRUE(m_pictures->values(1001, {5, 5}, &values));
-    EXPECT_TRUE(
-        QTest::qWaitFor([&] { return progress.last().at(0) == progress.last().at(1); }, 20000));
+    EXPECT_TRUE(comes([&] { return progress.last().at(0) == progress.last().at(1); }));
 }
 
 TEST_F(Viewing, computesNothingWhileNobodySeesIt)
 {
     m_panel->hide();
     QSignalSpy began(m_source, &ViewerSource::began);
-    look(1, m_red);
-    m_network->setViewerNodeCurrentEdge(1, true);
+    show(m_red);
     QTest::qWait(200);
     EXPECT_TRUE(began.isEmpty());
     m_panel->show();
@@ -224,30 +219,27 @@ TEST_F(Viewing, whatFailsWhileItIsComputedIsSaidInWordsUntilThereIsAPicture)
 {
     auto *paint = qobject_cast<OssSnImageSetNodeBase *>(m_network->createPaintableNode({}));
     ASSERT_TRUE(paint && paint->imageSet());
-    QFile damaged(OssPixelStore::newPath());
+    const QString damaged = OssPixelStore::newPath();
     ASSERT_TRUE(QDir().mkpath(QFileInfo(damaged).path()));
-    ASSERT_TRUE(damaged.open(QIODevice::WriteOnly) && damaged.write("no picture") > 0);
-    damaged.close();
+    writeFile(damaged, "no picture");
     QString name;
-    ASSERT_TRUE(OssPixelStore::adopt(damaged.fileName(), &name));
+    ASSERT_TRUE(OssPixelStore::adopt(damaged, &name));
     paint->imageSet()->setPixels({{1001, name}});
-    look(1, paint);
-    m_network->setViewerNodeCurrentEdge(1, true);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return m_pictures->problem().contains(name); }, 20000))
+    show(paint);
+    EXPECT_TRUE(comes([&] { return m_pictures->problem().contains(name); }))
         << qPrintable(m_pictures->problem());
     EXPECT_TRUE(m_pictures->patches().isEmpty());
-    look(1, m_red);
+    connect(1, m_red);
     EXPECT_TRUE(comesToShow(Qt::red));
     EXPECT_TRUE(m_pictures->problem().isEmpty());
 }
 
 TEST_F(Viewing, anotherProjectIsNotTakenForTheOneBefore)
 {
-    look(1, m_red);
-    m_network->setViewerNodeCurrentEdge(1, true);
+    show(m_red);
     EXPECT_TRUE(comesToShow(Qt::red));
-    m_project = OssProjectManager::instance()->newProject(QStringLiteral("Other"));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !m_pictures->problem().isEmpty(); }, 20000));
+    m_project = OssProjectManager::instance()->newProject(text("Other"));
+    EXPECT_TRUE(comes([&] { return !m_pictures->problem().isEmpty(); }));
     EXPECT_FALSE(m_source->shows(m_red));
 }
 
@@ -255,16 +247,6 @@ TEST_F(Viewing, anotherProjectIsNotTakenForTheOneBefore)
 class ViewerParts : public Viewing
 {
 protected:
-    QToolButton *button(const char *text) const
-    {
-        const auto buttons = m_panel->findChildren<QToolButton *>();
-        for (QToolButton *one : buttons) {
-            if (one->text() == QLatin1String(text))
-                return one;
-        }
-        return nullptr;
-    }
-
     std::string shownViews() const
     {
         const bool patches = m_panel->findChild<UvView *>()->isVisible();
@@ -277,11 +259,7 @@ protected:
 
 TEST_F(ViewerParts, modesAndPaintingGoTogether)
 {
-    const struct
-    {
-        const char *click;
-        const char *shown;
-    } steps[] = {
+    const std::pair<const char *, const char *> steps[] = {
         {"2D", "2D "},
         {"Paint", "2D Paint"},
         {"Both", "2D 3D Light Paint"},
@@ -291,29 +269,29 @@ TEST_F(ViewerParts, modesAndPaintingGoTogether)
         {"Paint", "2D "},
         {"3D", "3D Light "},
     };
-
-    for (const auto &step : steps) {
-        button(step.click)->click();
-        EXPECT_EQ(shownViews(), step.shown) << step.click;
+    for (const auto &[name, wanted] : steps) {
+        button(name)->click();
+        EXPECT_EQ(shownViews(), wanted) << name;
         EXPECT_EQ(m_panel->findChild<PaintBar *>()->isVisible(), button("Paint")->isChecked());
     }
-    m_panel = std::make_unique<ViewerPanel>();
-    m_panel->show();
-    EXPECT_EQ(shownViews(), "3D Light ") << "as in the last session";
-    OssSettings().setValue(QStringLiteral("Viewer/mode"), 77);
-    m_panel = std::make_unique<ViewerPanel>();
-    m_panel->show();
-    EXPECT_EQ(shownViews(), "2D ") << "no such mode";
-    OssSettings().remove(QStringLiteral("Viewer"));
+    const auto openAnew = [this] {
+        m_panel = std::make_unique<ViewerPanel>();
+        m_panel->show();
+        return shownViews();
+    };
+    EXPECT_EQ(openAnew(), "3D Light ") << "as in the last session";
+    OssSettings().setValue(text("Viewer/mode"), 77);
+    EXPECT_EQ(openAnew(), "2D ") << "no such mode";
+    OssSettings().remove(text("Viewer"));
 }
 
 TEST_F(ViewerParts, thePointerGivesTheBrushItsKeysUnlessTheUserWritesElsewhere)
 {
     QWidget window;
     auto *column = new QVBoxLayout(&window);
-    auto *text = new QLineEdit;
+    auto *line = new QLineEdit;
     auto *other = new QPushButton;
-    column->addWidget(text);
+    column->addWidget(line);
     column->addWidget(other);
     column->addWidget(m_panel.get());
     window.show();
@@ -321,22 +299,16 @@ TEST_F(ViewerParts, thePointerGivesTheBrushItsKeysUnlessTheUserWritesElsewhere)
     auto *view = m_panel->findChild<UvView *>();
     auto *own = m_panel->findChild<QDoubleSpinBox *>();
     button("2D")->click();
-
-    const struct
-    {
-        bool paints;
-        QWidget *focus;
-        bool takes;
-    } cases[] = {
-        {true, other, true}, {true, text, false}, {true, own, true}, {false, other, false}};
-
-    for (const auto &c : cases) {
-        button("Paint")->setChecked(c.paints);
-        c.focus->setFocus();
+    const std::tuple<bool, QWidget *, bool> cases[] = {
+        {true, other, true}, {true, line, false}, {true, own, true}, {false, other, false}};
+    for (const auto &[paints, focus, takes] : cases) {
+        button("Paint")->setChecked(paints);
+        focus->setFocus();
         QCoreApplication::processEvents();
-        ASSERT_TRUE(c.focus->hasFocus() || window.focusWidget() != view);
+        ASSERT_TRUE(focus->hasFocus() || window.focusWidget() != view);
         Q_EMIT view->entered();
-        EXPECT_EQ(window.focusWidget() == view, c.takes) << &c - cases;
+        EXPECT_EQ(window.focusWidget() == view, takes)
+            << paints << focus->metaObject()->className();
     }
     m_panel->setParent(nullptr);
 }
@@ -352,19 +324,18 @@ TEST_F(ViewerParts, theViewsStandSideBySideWhereThereIsRoom)
 
 TEST_F(Viewing, progressIsCountedOverAllPatchesOfThePictureItself)
 {
-    m_network->geoEntity()->setGeometry(QStringLiteral("cube"));
+    m_network->geoEntity()->setGeometry(text("cube"));
     const int patches = OssEvaluationService::instance()->patches(m_network->geoEntity()).size();
     ASSERT_GT(patches, 1);
     for (const int row : {0, 2}) {
         QSignalSpy progress(m_source, &ViewerSource::progressed);
         choose("Resolution of a patch", row);
-        look(1, row == 0 ? m_red : m_green);
-        m_network->setViewerNodeCurrentEdge(1, true);
+        show(row == 0 ? m_red : m_green);
         const auto isDone = [&] {
             return !progress.isEmpty() && progress.last().at(1).toInt() >= patches
                    && progress.last().at(0) == progress.last().at(1);
         };
-        EXPECT_TRUE(QTest::qWaitFor(isDone, 30000)) << row;
+        EXPECT_TRUE(comes(isDone)) << row;
         int before = 0;
         for (const auto &step : progress) {
             EXPECT_GE(step.at(0).toInt(), before);

@@ -2,6 +2,7 @@
 
 #include "Ossa/Viewer/ViewerPictures.h"
 #include "OssEvaluation/Paint/OssEvPaintBuffer.h"
+#include "support/Text.h"
 
 #include <gtest/gtest.h>
 
@@ -38,14 +39,8 @@ TEST(ViewerPixels, areWhatTheChosenChannelsAndTheExposureSay)
 {
     // Half covered: straight 0.5, 0.25, 0.
     const std::array<float, 4> colour{0.25F, 0.125F, 0.0F, 0.5F};
-
-    const struct
-    {
-        int channels;
-        std::array<float, 4> values;
-        Look look;
-        QRgb wanted;
-    } cases[] = {
+    const std::array<float, 4> outside{9.0F, -1.0F, std::numeric_limits<float>::infinity(), 1.0F};
+    const std::tuple<int, std::array<float, 4>, Look, QRgb> cases[] = {
         {4, colour, look(Look::Color), qRgba(128, 64, 0, 128)},
         {4, colour, look(Look::Red), qRgba(128, 128, 128, 255)},
         {4, colour, look(Look::Green), qRgba(64, 64, 64, 255)},
@@ -54,23 +49,17 @@ TEST(ViewerPixels, areWhatTheChosenChannelsAndTheExposureSay)
         {4, colour, look(Look::Alpha, 0.0, false), qRgba(128, 128, 128, 255)},
         {4, {0.5F, 0.25F, 0.0F, 0.0F}, look(Look::Color), qRgba(128, 64, 0, 0)},
         {4, colour, look(Look::Color, -1.0), qRgba(64, 32, 0, 128)},
-        {4,
-         {9.0F, -1.0F, std::numeric_limits<float>::infinity(), 1.0F},
-         look(Look::Color),
-         qRgba(255, 0, 255, 255)},
+        {4, outside, look(Look::Color), qRgba(255, 0, 255, 255)},
         // A mask is numbers, whatever the screen is.
         {1, {0.25F}, look(Look::Color), qRgba(64, 64, 64, 255)},
         {1, {0.25F}, look(Look::Color, 0.0, false), qRgba(64, 64, 64, 255)},
         {1, {0.25F}, look(Look::Color, 1.0, false), qRgba(128, 128, 128, 255)},
         {3, {0.25F, 0.5F, 1.0F}, look(Look::Color), qRgba(64, 128, 255, 255)},
     };
-
-    for (const auto &c : cases) {
-        const QRgb is = shown(c.channels, c.values, c.look);
-        EXPECT_EQ(QColor::fromRgba(is).name(QColor::HexArgb).toStdString(),
-                  QColor::fromRgba(c.wanted).name(QColor::HexArgb).toStdString())
-            << "case " << &c - cases;
-    }
+    for (const auto &[channels, values, how, wanted] : cases)
+        EXPECT_EQ(QByteArray::number(shown(channels, values, how), 16),
+                  QByteArray::number(wanted, 16))
+            << channels << " " << how.channels << " " << how.exposure;
 }
 
 TEST(ViewerPixels, ofColoursAreSentThroughTheScreensTransformOnce)
@@ -145,8 +134,8 @@ TEST_F(Pictures, anotherBeginningKeepsWhatIsShownButNoValues)
     for (const int patch : {1001, 1002})
         setTile(patch, Resolution, {0, 0}, 1.0F);
     QVector<float> values;
-    m_pictures.begin({1001}, Resolution, QStringLiteral("no light"));
-    EXPECT_EQ(m_pictures.problem(), QStringLiteral("no light"));
+    m_pictures.begin({1001}, Resolution, text("no light"));
+    EXPECT_EQ(m_pictures.problem(), text("no light"));
     EXPECT_EQ(m_pictures.patches(), QList<int>{1001});
     EXPECT_EQ(redAt(1001, 10, 10), 255) << "no flicker";
     EXPECT_FALSE(m_pictures.values(1001, {10, 10}, &values));

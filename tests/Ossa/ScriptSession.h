@@ -2,8 +2,11 @@
 
 #include "OssScripting/OssScriptEngine.h"
 #include "support/ModelFixture.h"
+#include "support/Text.h"
 
 #include <QEventLoop>
+#include <QSignalSpy>
+#include <QTest>
 #include <QTimer>
 
 /// A project, and the engine of this process as the console uses it.
@@ -13,9 +16,10 @@ protected:
     void SetUp() override
     {
         ModelFixture::SetUp();
-        QObject::connect(
-            engine(), &OssScriptEngine::outputWritten, &m_listener,
-            [this](const QString &text, bool error) { (error ? m_errors : m_output) += text; });
+        QObject::connect(engine(), &OssScriptEngine::outputWritten, &m_listener,
+                         [this](const QString &written, bool error) {
+                             (error ? m_errors : m_output) += written;
+                         });
         QObject::connect(engine(), &OssScriptEngine::inputIncomplete, &m_listener, [this] {
             m_incomplete = true;
             m_loop.quit();
@@ -29,22 +33,46 @@ protected:
 
     static OssScriptEngine *engine() { return OssScriptEngine::instance(); }
 
+    /// Until no script runs any more, not even one that a signal began.
+    static void waitForEngine()
+    {
+        while (engine()->isRunning())
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 10);
+    }
+
     /// Runs the lines and waits. The exit code; -1 for what was not complete.
-    int run(const QString &text, bool everything = true)
+    int run(const QString &lines, bool everything = true)
     {
         m_output.clear();
         m_errors.clear();
         m_incomplete = false;
         m_exitCode = -1;
-        while (engine()->isRunning())
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 10);
-        EXPECT_TRUE(engine()->runInput(text, everything));
+        waitForEngine();
+        EXPECT_TRUE(engine()->runInput(lines, everything));
         QTimer::singleShot(60000, &m_loop, &QEventLoop::quit);
         m_loop.exec();
         return m_exitCode;
     }
 
-    int run(const char *text) { return run(QString::fromUtf8(text)); }
+    int run(const char *lines) { return run(text(lines)); }
+
+    /// What the lines print, without the last line's end; their errors when they fail.
+    std::string printed(const QString &lines)
+    {
+        return run(lines) == 0 ? m_output.trimmed().toStdString() : m_errors.toStdString();
+    }
+
+    std::string printed(const char *lines) { return printed(text(lines)); }
+
+    /// That the lines fail and say so in these words.
+    void expectRaised(const QString &lines, const char *words)
+    {
+        EXPECT_EQ(run(lines), 1) << qPrintable(lines);
+        EXPECT_TRUE(m_errors.contains(text(words))) << qPrintable(lines + m_errors);
+        EXPECT_FALSE(m_errors.contains(text("SystemError"))) << qPrintable(lines + m_errors);
+    }
+
+    void expectRaised(const char *lines, const char *words) { expectRaised(text(lines), words); }
 
     QObject m_listener;
     QEventLoop m_loop;

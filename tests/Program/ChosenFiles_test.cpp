@@ -1,22 +1,13 @@
 #include "Ossa/Commands/RecentProjects.h"
 #include "Ossa/Headless/CommandLine.h"
 #include "Ossa/Pictures/GraphCommand.h"
-#include "Ossa/Window/MainMenus.h"
-#include "OssCore/Undo/OssUndoManager.h"
-#include "OssInterface/Actions/OssActionTreeManager.h"
-#include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkIO.h"
-#include "OssModel/Graph/OssShadingGroup.h"
-#include "OssModel/Images/OssImageManager.h"
-#include "OssModel/Project/OssProject.h"
 #include "OssScripting/OssScriptEngine.h"
 #include "Program/StartedProgram.h"
-#include "support/DialogAnswers.h"
-#include "support/ExpectedLog.h"
+#include "support/OssaFiles.h"
 
-#include <QAction>
-#include <QMenuBar>
-#include <QPushButton>
+#include <QDir>
+#include <QPointer>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -26,29 +17,38 @@ namespace {
 class ChosenFiles : public StartedProgram
 {
 protected:
-    void SetUp() override
+    struct Asked
     {
-        StartedProgram::SetUp();
-        OssUndoManager::instance()->clear();
+        int questions; ///< for a file
+        int boxes;
+    };
+
+    /// Triggers the command for a user who chooses a file or none, and presses that button of boxes.
+    Asked choose(const std::string &command, const char *file,
+                 QMessageBox::StandardButton button = QMessageBox::Cancel) const
+    {
+        const DialogAnswers answers(*file ? path(file) : QString(), button);
+        triggerCommand(command);
+        return {answers.questions, answers.boxes.size()};
     }
 
-    static OssProject *project() { return OssProjectManager::instance()->currentProject(); }
-
-    static OssShaderNetwork *network() { return project()->shadingGroups().first()->network(); }
-
-    static QAction *command(const char *path)
+    void expectAsked(const Asked &asked, int questions, int boxes) const
     {
-        return OssActionTreeManager::instance()->findAction(QStringLiteral("/Ossa/")
-                                                            + QLatin1String(path));
+        EXPECT_EQ(asked.questions, questions);
+        EXPECT_EQ(asked.boxes, boxes);
     }
 
     static void change()
     {
-        network()->createNode(QStringLiteral("Filter/Blur"), QString());
-        ASSERT_TRUE(OssProjectManager::instance()->isModified());
+        project()->shadingGroups().first()->network()->createNode(text("Filter/Blur"), QString());
+        ASSERT_TRUE(isModified());
     }
 
-    QString path(const char *name) const { return m_folder.filePath(QString::fromLatin1(name)); }
+    static bool isModified() { return OssProjectManager::instance()->isModified(); }
+
+    int nodeCount() const { return m_network->nodes().size(); }
+
+    QString path(const char *name) const { return QDir(m_folder.path()).filePath(text(name)); }
 
     QTemporaryDir m_folder;
 };
@@ -57,108 +57,75 @@ TEST_F(ChosenFiles, aProjectIsSavedWhereTheUserSaysAndNowhereWithoutAWord)
 {
     change();
     for (const char *name : {"File/Save", "File/Save As..."}) {
-        DialogAnswers nothing;
-        command(name)->trigger();
-        EXPECT_EQ(nothing.questions, 1) << name;
-        EXPECT_TRUE(nothing.boxes.isEmpty()) << name;
+        expectAsked(choose(name, ""), 1, 0);
         EXPECT_TRUE(project()->path().isEmpty()) << name;
-        EXPECT_TRUE(OssProjectManager::instance()->isModified()) << name;
+        EXPECT_TRUE(isModified()) << name;
     }
     {
         const ExpectedLog possible("/proc", ExpectedLog::Possible);
-        const DialogAnswers refused(QStringLiteral("/proc/wall.ossa"), QMessageBox::Ok);
-        command("File/Save As...")->trigger();
-        EXPECT_EQ(refused.boxes.size(), 1);
+        expectAsked(choose("File/Save As...", "/proc/wall.ossa", QMessageBox::Ok), 1, 1);
         EXPECT_TRUE(project()->path().isEmpty());
     }
-    {
-        const DialogAnswers place(path("wall.ossa"));
-        command("File/Save")->trigger();
-    }
+    choose("File/Save", "wall.ossa");
     EXPECT_EQ(project()->path(), path("wall.ossa"));
     EXPECT_EQ(RecentProjects::list().value(0), path("wall.ossa"));
-    EXPECT_FALSE(OssProjectManager::instance()->isModified());
+    EXPECT_FALSE(isModified());
     change();
-    const DialogAnswers unasked;
-    command("File/Save")->trigger();
-    EXPECT_EQ(unasked.questions, 0);
-    EXPECT_FALSE(OssProjectManager::instance()->isModified());
+    expectAsked(choose("File/Save", ""), 0, 0);
+    EXPECT_FALSE(isModified());
 }
 
 TEST_F(ChosenFiles, theOpenProjectGoesOnlyWhenTheUserLetsIt)
 {
     ASSERT_TRUE(OssProjectManager::instance()->saveProjectAs(path("wall.ossa")));
-    OssProjectManager::instance()->newProject(QStringLiteral("Other"));
+    OssProjectManager::instance()->newProject(text("Other"));
     const QPointer<OssProject> other = project();
-    {
-        const DialogAnswers nothing;
-        command("File/Open...")->trigger();
-        EXPECT_EQ(nothing.questions, 1);
-        EXPECT_TRUE(nothing.boxes.isEmpty());
-        EXPECT_EQ(project(), other);
-    }
+    expectAsked(choose("File/Open...", ""), 1, 0);
+    EXPECT_EQ(project(), other);
     change();
     for (const char *name : {"File/New", "File/Open...", "File/Close"}) {
-        const DialogAnswers stay(path("wall.ossa"));
-        command(name)->trigger();
-        EXPECT_EQ(stay.boxes.size(), 1) << name;
+        EXPECT_EQ(choose(name, "wall.ossa").boxes, 1) << name;
         EXPECT_EQ(project(), other) << name;
     }
-    {
-        const DialogAnswers go(path("wall.ossa"), QMessageBox::Discard);
-        command("File/Open...")->trigger();
-    }
+    choose("File/Open...", "wall.ossa", QMessageBox::Discard);
     EXPECT_EQ(project()->path(), path("wall.ossa"));
     EXPECT_EQ(RecentProjects::list().value(0), path("wall.ossa"));
     change();
-    {
-        const DialogAnswers go(QString(), QMessageBox::Discard);
-        command("File/New")->trigger();
-        EXPECT_TRUE(project()->path().isEmpty());
-        EXPECT_FALSE(OssProjectManager::instance()->isModified());
-        command("File/Close")->trigger();
-        EXPECT_EQ(project(), nullptr);
-    }
+    choose("File/New", "", QMessageBox::Discard);
+    EXPECT_TRUE(project()->path().isEmpty());
+    EXPECT_FALSE(isModified());
+    choose("File/Close", "", QMessageBox::Discard);
+    EXPECT_EQ(project(), nullptr);
+}
+
+TEST_F(ChosenFiles, closingWaitsUntilANewProjectHasItsPlace)
+{
+    change();
+    expectAsked(choose("File/Close", "", QMessageBox::Save), 1, 1);
+    ASSERT_NE(project(), nullptr) << "nothing was saved";
+    choose("File/Close", "closed.ossa", QMessageBox::Save);
+    EXPECT_EQ(project(), nullptr);
+    EXPECT_TRUE(QFile::exists(path("closed.ossa")));
 }
 
 TEST_F(ChosenFiles, aScriptRunsOnlyWhenOneIsChosen)
 {
-    QFile script(path("name.py"));
-    ASSERT_TRUE(script.open(QIODevice::WriteOnly));
-    script.write("import ossa\nossa.graph().createNode('Filter/Blur', 'Scripted')\n");
-    script.close();
+    writeFile(path("name.py"), "import ossa\nossa.graph().createNode('Filter/Blur', 'Scripted')\n");
     const OssScriptEngine *engine = OssScriptEngine::instance();
-    {
-        const DialogAnswers nothing;
-        command("Script/Run File...")->trigger();
-        EXPECT_EQ(nothing.questions, 1);
-        EXPECT_FALSE(engine->isRunning());
-    }
-    const DialogAnswers chosen(path("name.py"));
-    command("Script/Run File...")->trigger();
+    expectAsked(choose("Script/Run File...", ""), 1, 0);
+    EXPECT_FALSE(engine->isRunning());
+    choose("Script/Run File...", "name.py");
     EXPECT_TRUE(QTest::qWaitFor([engine] { return !engine->isRunning(); }, 30000));
-    EXPECT_NE(network()->node(QStringLiteral("Scripted")), nullptr);
+    EXPECT_NE(m_network->node(text("Scripted")), nullptr);
 }
 
 TEST_F(ChosenFiles, importsPutInWhatIsChosenAndSayWhatIsDamaged)
 {
-    OssSnBaseNode *blur = network()->createNode(QStringLiteral("Filter/Blur"), QString());
-    ASSERT_TRUE(OssShaderNetworkIO::saveNodesToXmlFile({blur}, path("blur.ong")));
-    QFile broken(path("broken.ong"));
-    ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
-    broken.write("no nodes");
-    broken.close();
-    OssUndoManager::instance()->clear();
-    const QByteArray before = project()->stateHash();
     const ExpectedLog unfocused("current active widget", ExpectedLog::Possible);
-
-    const struct
-    {
-        const char *command;
-        const char *file;
-        int boxes;
-        int more;
-    } cases[] = {
+    ASSERT_TRUE(OssShaderNetworkIO::saveNodesToXmlFile({add("Filter/Blur")}, path("blur.ong")));
+    writeFile(path("broken.ong"), "no nodes");
+    const QByteArray before = project()->stateHash();
+    const std::tuple<const char *, const char *, int, int> cases[] = {
         {"Import Nodes", "", 0, 0},
         {"Import Nodes", "broken.ong", 1, 0},
         {"Import Nodes", "blur.ong", 0, 1},
@@ -167,93 +134,36 @@ TEST_F(ChosenFiles, importsPutInWhatIsChosenAndSayWhatIsDamaged)
         {"Import Custom Procedural", "broken.ong", 1, 0},
         {"Import Custom Procedural", "", 0, 0},
     };
-
-    for (const auto &c : cases) {
-        QAction *import = command((std::string("NodeGraph/") + c.command).c_str());
-        ASSERT_NE(import, nullptr) << c.command;
-        const DialogAnswers answers(*c.file ? path(c.file) : QString(), QMessageBox::Ok);
-        const int count = network()->nodes().size();
-        import->trigger();
-        EXPECT_EQ(answers.questions, 1) << c.command << c.file;
-        EXPECT_EQ(answers.boxes.size(), c.boxes) << c.command << c.file;
-        EXPECT_EQ(network()->nodes().size(), count + c.more) << c.command << c.file;
-        EXPECT_EQ(OssUndoManager::instance()->count(), c.more) << c.command << c.file;
-        while (OssUndoManager::instance()->canUndo())
-            OssUndoManager::instance()->undo();
-        EXPECT_EQ(project()->stateHash(), before) << c.command << c.file;
-        OssUndoManager::instance()->clear();
+    for (const auto &[command, file, boxes, more] : cases) {
+        SCOPED_TRACE(std::string(command) + " " + file);
+        history()->clear();
+        const int count = nodeCount();
+        expectAsked(choose(std::string("NodeGraph/") + command, file, QMessageBox::Ok), 1, boxes);
+        EXPECT_EQ(nodeCount(), count + more);
+        EXPECT_EQ(history()->count(), more);
+        while (history()->canUndo())
+            history()->undo();
+        EXPECT_EQ(project()->stateHash(), before);
     }
-}
-
-TEST_F(ChosenFiles, menusHoldTheirCommandsAndTheGraphsTheRestToo)
-{
-    QAction odd(QStringLiteral("Something Odd"));
-    for (const int left : {0, 1}) {
-        if (left)
-            OssActionTreeManager::instance()->registerAction(QStringLiteral("/Ossa/NodeGraph/"),
-                                                             &odd);
-        int inMore = 0;
-        const QList<QAction *> bar = s_window->menuBar()->actions();
-        for (const QAction *entry : bar) {
-            QMenu *menu = entry->menu();
-            ASSERT_NE(menu, nullptr);
-            Q_EMIT menu->aboutToShow();
-            const QList<QAction *> actions = menu->actions();
-            for (const QAction *action : actions) {
-                if (!action->menu() || action->text() != QLatin1String("More"))
-                    continue;
-                EXPECT_EQ(entry->text().remove(QLatin1Char('&')), QStringLiteral("Node Graph"));
-                EXPECT_EQ(action->menu()->actions(), QList<QAction *>{&odd});
-                ++inMore;
-            }
-            EXPECT_EQ(entry->isVisible(), !actions.isEmpty()) << qPrintable(entry->text());
-        }
-        EXPECT_EQ(inMore, left);
-    }
-}
-
-TEST_F(ChosenFiles, closingWaitsUntilANewProjectHasItsPlace)
-{
-    change();
-    {
-        const DialogAnswers nowhere(QString(), QMessageBox::Save);
-        command("File/Close")->trigger();
-        EXPECT_EQ(nowhere.boxes.size(), 1);
-        EXPECT_EQ(nowhere.questions, 1);
-    }
-    ASSERT_NE(project(), nullptr) << "nothing was saved";
-    {
-        const DialogAnswers somewhere(path("closed.ossa"), QMessageBox::Save);
-        command("File/Close")->trigger();
-    }
-    EXPECT_EQ(project(), nullptr);
-    EXPECT_TRUE(QFile::exists(path("closed.ossa")));
 }
 
 TEST_F(ChosenFiles, thePictureOfAGraphIsWrittenOrItIsSaidWhyNot)
 {
     change();
-    const QString wall = path("graph.ossa");
-    ASSERT_TRUE(OssProjectManager::instance()->saveProjectAs(wall));
-
-    const struct
-    {
-        const char *file;
-        int exitCode;
-    } cases[] = {{"graph.svg", ExitCode::Success}, {"nowhere/graph.png", ExitCode::Failure}};
-
-    for (const auto &c : cases) {
-        const QString file = path(c.file);
+    ASSERT_TRUE(OssProjectManager::instance()->saveProjectAs(path("graph.ossa")));
+    for (const char *name : {"graph.svg", "nowhere/graph.png"}) {
+        const QString file = path(name);
         testing::internal::CaptureStdout();
         testing::internal::CaptureStderr();
-        EXPECT_EQ(runGraphCommand(wall, file), c.exitCode) << c.file;
+        const int exitCode = runGraphCommand(path("graph.ossa"), file);
         std::fflush(stdout);
         const std::string told = testing::internal::GetCapturedStdout();
         const std::string errors = testing::internal::GetCapturedStderr();
-        const bool written = c.exitCode == ExitCode::Success;
-        EXPECT_EQ(told, written ? file.toStdString() + "\n" : std::string());
-        EXPECT_EQ(errors.empty(), written) << errors;
-        EXPECT_EQ(QFile::exists(file), written);
+        const bool isWritten = text(name) == text("graph.svg");
+        EXPECT_EQ(exitCode, isWritten ? ExitCode::Success : ExitCode::Failure) << name;
+        EXPECT_EQ(told, isWritten ? file.toStdString() + "\n" : std::string());
+        EXPECT_EQ(errors.empty(), isWritten) << errors;
+        EXPECT_EQ(QFile::exists(file), isWritten);
     }
 }
 

@@ -6,8 +6,8 @@
 #include "Program/StartedProgram.h"
 
 #include <QAction>
-#include <QDir>
 #include <QFile>
+#include <QMenuBar>
 #include <QRegularExpression>
 #include <QSet>
 
@@ -15,10 +15,11 @@ namespace {
 
 using Commands = StartedProgram;
 
-QString text(const QString &path)
+/// Of a file of the project.
+QString contentOf(const char *path)
 {
-    QFile file(qEnvironmentVariable("OSSA_ROOT") + QLatin1Char('/') + path);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(path);
+    QFile file(qEnvironmentVariable("OSSA_ROOT") + QLatin1Char('/') + text(path));
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path;
     return QString::fromUtf8(file.readAll());
 }
 
@@ -35,13 +36,18 @@ bool isInOpenFolder(const QString &path)
 
 } // namespace
 
-TEST_F(Commands, everyRowIsCarriedOutBySomeone)
+TEST_F(Commands, everyRowIsCarriedOutBySomeoneAndReadsAsItSays)
 {
-    const auto *tree = OssActionTreeManager::instance();
     for (const OssCommandTable::Row &row : OssCommandTable::rows()) {
         const QString path = OssCommandTable::path(row);
-        const bool isFolder = path.endsWith(QLatin1Char('*'));
-        EXPECT_TRUE(isFolder || tree->findAction(path)) << qPrintable(path);
+        if (path.endsWith(QLatin1Char('*')))
+            continue; // a folder
+        const QAction *action = OssActionTreeManager::instance()->findAction(path);
+        ASSERT_NE(action, nullptr) << qPrintable(path);
+        // "Undo" goes on with the title of the step.
+        EXPECT_TRUE(action->text().startsWith(OssCommandTable::text(row))) << qPrintable(path);
+        EXPECT_EQ(action->statusTip(), OssCommandTable::tip(row)) << qPrintable(path);
+        EXPECT_EQ(action->icon().isNull(), !*row.icon) << qPrintable(path);
     }
 }
 
@@ -53,34 +59,46 @@ TEST_F(Commands, everyCommandHasARow)
     EXPECT_GT(paths.size(), 120);
 }
 
-TEST_F(Commands, everyCommandReadsAsItsRowSays)
+TEST_F(Commands, menusHoldTheirCommandsAndTheGraphsTheRestToo)
 {
-    for (const OssCommandTable::Row &row : OssCommandTable::rows()) {
-        const QString path = OssCommandTable::path(row);
-        const QAction *action = OssActionTreeManager::instance()->findAction(path);
-        if (!action)
-            continue; // a folder
-        // "Undo" goes on with the title of the step.
-        EXPECT_TRUE(action->text().startsWith(OssCommandTable::text(row))) << qPrintable(path);
-        EXPECT_EQ(action->statusTip(), OssCommandTable::tip(row)) << qPrintable(path);
-        EXPECT_EQ(action->icon().isNull(), !*row.icon) << qPrintable(path);
+    QAction odd(text("Something Odd"));
+    for (const int left : {0, 1}) {
+        if (left)
+            OssActionTreeManager::instance()->registerAction(text("/Ossa/NodeGraph/"), &odd);
+        int inMore = 0;
+        const QList<QAction *> bar = s_window->menuBar()->actions();
+        for (const QAction *entry : bar) {
+            QMenu *menu = entry->menu();
+            ASSERT_NE(menu, nullptr);
+            Q_EMIT menu->aboutToShow();
+            const QList<QAction *> actions = menu->actions();
+            for (const QAction *action : actions) {
+                if (!action->menu() || action->text() != text("More"))
+                    continue;
+                EXPECT_EQ(entry->text().remove(QLatin1Char('&')), text("Node Graph"));
+                EXPECT_EQ(action->menu()->actions(), QList<QAction *>{&odd});
+                ++inMore;
+            }
+            EXPECT_EQ(entry->isVisible(), !actions.isEmpty()) << qPrintable(entry->text());
+        }
+        EXPECT_EQ(inMore, left);
     }
 }
 
 TEST_F(Commands, everyCommandThatDocumentsNameIsThere)
 {
-    static const QRegularExpression named(QStringLiteral("/Ossa/\\w+/[\\w. -]*[\\w.]"));
+    static const QRegularExpression named(text("/Ossa/\\w+/[\\w. -]*[\\w.]"));
     static const QRegularExpression inMenu(
-        QStringLiteral("\\b(File|Edit|View|Node Graph|Script|Help) > ([A-Z][\\w ]*\\w)"));
+        text("\\b(File|Edit|View|Node Graph|Script|Help) > ([A-Z][\\w ]*\\w)"));
     const auto *tree = OssActionTreeManager::instance();
     QSet<QString> texts;
     for (const OssActionTreeManager::Entry &entry : tree->entries())
-        texts.insert(entry.action->text().remove(QLatin1Char('&')).remove(QStringLiteral("...")));
+        texts.insert(entry.action->text().remove(QLatin1Char('&')).remove(text("...")));
     for (const OssCommandTable::Menu &menu : OssCommandTable::menus())
         texts.insert(OssCommandTable::title(menu));
     int found = 0;
     for (const char *document : {"README.md", "docs/scripting.md", "docs/architecture.md"}) {
-        const QString all = text(QString::fromLatin1(document));
+        const QString all = contentOf(document);
         for (auto at = named.globalMatch(all); at.hasNext(); ++found) {
             const QString path = at.next().captured();
             EXPECT_TRUE(tree->findAction(path) || !tree->entries(path, true).isEmpty())
@@ -96,14 +114,13 @@ TEST_F(Commands, everyCommandThatDocumentsNameIsThere)
 
 TEST_F(Commands, theConsoleComesToTheFrontReadyToTypeIn)
 {
-    OssPalette *palette = OssPaletteManager::instance()->find(
-        QStringLiteral("script_console_palette"));
+    OssPalette *palette = OssPaletteManager::instance()->find(text("script_console_palette"));
     ASSERT_NE(palette, nullptr);
     const auto *input = palette->findChild<ConsoleInput *>();
     ASSERT_NE(input, nullptr);
     s_window->activateWindow();
     s_window->setFocus();
-    OssActionTreeManager::instance()->findAction(QStringLiteral("/Ossa/Script/Console"))->trigger();
+    triggerCommand("Script/Console");
     EXPECT_TRUE(palette->isVisible());
     EXPECT_EQ(s_window->focusWidget(), input);
 }

@@ -1,16 +1,9 @@
 #include "Ossa/Scripting/ScriptEcho.h"
-#include "OssCore/Undo/OssUndoManager.h"
-#include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssModel/Graph/OssGeoEntity.h"
-#include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
-#include "OssModel/Graph/OssShadingGroup.h"
 #include "OssModel/Graph/OssSnBaseContext.h"
-#include "OssModel/Graph/OssSnBaseNode.h"
-#include "OssModel/Project/OssProject.h"
 #include "Program/StartedProgram.h"
 
-#include <QAction>
 #include <QTest>
 
 namespace {
@@ -22,10 +15,10 @@ protected:
     void SetUp() override
     {
         StartedProgram::SetUp();
-        m_first = m_network->createNode(QStringLiteral("Filter/Blur"), QStringLiteral("First"));
-        m_second = m_network->createNode(QStringLiteral("Filter/Blur"), QStringLiteral("Second"));
+        m_first = add("Filter/Blur", "First");
+        m_second = add("Filter/Blur", "Second");
         select({});
-        OssUndoManager::instance()->clear();
+        history()->clear();
         QObject::connect(&m_echo, &ScriptEcho::line, &m_echo,
                          [this](const QString &line) { m_lines.append(line); });
         m_echo.setEnabled(true);
@@ -35,9 +28,9 @@ protected:
     std::string told()
     {
         QTest::qWait(5);
-        const std::string text = m_lines.join(QLatin1Char('\n')).toStdString();
+        const std::string lines = m_lines.join(QLatin1Char('\n')).toStdString();
         m_lines.clear();
-        return text;
+        return lines;
     }
 
     OssSnBaseNode *m_first = nullptr;
@@ -73,30 +66,34 @@ TEST_F(EchoedCommands, groupsAreMadeAndTakenApartWithoutTheWindow)
 
 TEST_F(EchoedCommands, whatHasNoLineOfItsOwnIsTheCommandOnTheSameSelection)
 {
-    OssSnBaseNode *group = m_network->createNode(QStringLiteral("Misc/Group"),
-                                                 QStringLiteral("Around"));
-    select({group});
-    told();
-    trigger("Add Group Input");
-    EXPECT_EQ(told(), "ossa.graph().select([ossa.graph().node(\"Around\")])\n"
-                      "ossa.trigger(\"/Ossa/NodeGraph/Add Group Input\")");
+    OssSnBaseNode *group = add("Misc/Group", "Around");
+    for (const bool echoesSelecting : {true, false}) {
+        select({});
+        m_echo.setEnabled(echoesSelecting);
+        select({group});
+        told();
+        m_echo.setEnabled(true);
+        trigger("Add Group Input");
+        EXPECT_EQ(told(), "ossa.graph().select([ossa.graph().node(\"Around\")])\n"
+                          "ossa.trigger(\"/Ossa/NodeGraph/Add Group Input\")")
+            << "also what was selected before the echo began";
+    }
 }
 
 TEST_F(EchoedCommands, movesAndNewNodesTellTheirPlaces)
 {
     const auto move = [](OssSnBaseNode *node, const QPointF &to) {
         node->viewContext()->setNodePosition(to);
-        OssUndoManager::instance()->record(
-            QStringLiteral("Move"), [] {}, [] {});
+        history()->record(
+            text("Move"), [] {}, [] {});
     };
     move(m_first, {10, 20});
     EXPECT_EQ(told(), "ossa.graph().node(\"First\").position = (10, 20)");
     move(m_second, {30, 40});
     EXPECT_EQ(told(), "ossa.graph().node(\"Second\").position = (30, 40)") << "the other stays";
-    OssSnBaseNode *added = m_network->createNode(QStringLiteral("Filter/Blur"),
-                                                 QStringLiteral("Added"));
+    OssSnBaseNode *added = add("Filter/Blur", "Added");
     move(added, {50, 60});
-    added->setInputNode(QStringLiteral("Input"), m_first, m_first->prefferedOutputPoint());
+    wire(m_first, added);
     const std::string lines = told();
     EXPECT_NE(lines.find("createNode(\"Filter/Blur\", \"Added\", (50, 60))"), std::string::npos)
         << lines;
@@ -116,10 +113,10 @@ TEST_F(EchoedCommands, eachIsToldOnceAndOnlyWhileTheUserWantsIt)
     EXPECT_EQ(told(), "");
     m_echo.setEnabled(true);
     EXPECT_EQ(told(), "") << "what was done meanwhile";
-    OssUndoManager::instance()->undo();
+    history()->undo();
     EXPECT_EQ(told(), "ossa.undo().undo()");
     {
-        const OssUndoManager::AutoMacro gesture(QStringLiteral("Both"));
+        const OssUndoManager::AutoMacro gesture(text("Both"));
         m_first->setBypassed(false);
         EXPECT_EQ(told(), "") << "it is not over";
         m_second->setBypassed(true);
@@ -128,23 +125,9 @@ TEST_F(EchoedCommands, eachIsToldOnceAndOnlyWhileTheUserWantsIt)
     EXPECT_NE(told().find("node(\"Second\").bypassed = True"), std::string::npos);
 }
 
-TEST_F(EchoedCommands, whatWasSelectedBeforeTheEchoBeganCounts)
-{
-    OssSnBaseNode *group = m_network->createNode(QStringLiteral("Misc/Group"),
-                                                 QStringLiteral("Around"));
-    m_echo.setEnabled(false);
-    select({group});
-    told();
-    m_echo.setEnabled(true);
-    trigger("Add Group Input");
-    EXPECT_EQ(told(), "ossa.graph().select([ossa.graph().node(\"Around\")])\n"
-                      "ossa.trigger(\"/Ossa/NodeGraph/Add Group Input\")");
-}
-
 TEST_F(EchoedCommands, graphsOfOtherObjectsAreNotToldAsTheCurrentOne)
 {
-    OssProject *project = OssProjectManager::instance()->currentProject();
-    OssGeoEntity *other = project->addEntity(QStringLiteral("Other"));
+    OssGeoEntity *other = project()->addEntity(text("Other"));
     OssShaderNetworkManager::instance()->setCurrentShaderNetwork(
         other->shadingGroups().first()->network());
     told();
@@ -159,37 +142,27 @@ TEST_F(EchoedCommands, graphsOfOtherObjectsAreNotToldAsTheCurrentOne)
 TEST_F(EchoedCommands, everyKindOfEditHasItsLine)
 {
     const std::string first = R"(ossa.graph().node("First"))";
-
-    const struct
-    {
-        std::function<void()> edit;
-        std::string line;
-    } cases[] = {
-        {[&] { m_first->setAttribute(QStringLiteral("Radius"), 2.5); },
+    const std::pair<std::function<void()>, std::string> cases[] = {
+        {[&] { m_first->setAttribute(text("Radius"), 2.5); },
          first + R"(.setAttribute("Radius", 2.5))"},
         {[&] { m_first->setEnabled(0); }, first + ".enabled = False"},
         {[&] { m_first->setEnabled(1); }, first + ".enabled = True"},
-        {[&] { m_first->setDescription(QStringLiteral("a \"b\"\n\tc")); },
+        {[&] { m_first->setDescription(text("a \"b\"\n\tc")); },
          first + R"(.description = "a \"b\"\n\x09c")"},
-        {[&] {
-             m_second->setInputNode(QStringLiteral("Input"), m_first,
-                                    m_first->prefferedOutputPoint());
-         },
+        {[&] { wire(m_first, m_second); },
          R"(ossa.graph().node("Second").connectInput("Input", )" + first + ", \""
              + m_first->prefferedOutputPoint().toStdString() + "\")"},
-        {[&] { m_second->setInputNode(QStringLiteral("Input"), nullptr, QString()); },
+        {[&] { m_second->setInputNode(text("Input"), nullptr, QString()); },
          R"(ossa.graph().node("Second").disconnectInput("Input"))"},
-        {[&] { m_first->setName(QStringLiteral("Moss")); }, first + R"(.name = "Moss")"},
+        {[&] { m_first->setName(text("Moss")); }, first + R"(.name = "Moss")"},
         {[&] { m_network->removeNodes({m_first}); }, R"(ossa.graph().node("Moss").remove())"},
-        {[&] { OssUndoManager::instance()->undo(); }, "ossa.undo().undo()"},
-        {[&] { OssUndoManager::instance()->redo(); }, "ossa.undo().redo()"},
-        {[&] { m_network->removeNodes({m_network->createNode(QStringLiteral("Misc/Dot"), {})}); },
-         "# Create Node : Dot, Remove Nodes"},
+        {[&] { history()->undo(); }, "ossa.undo().undo()"},
+        {[&] { history()->redo(); }, "ossa.undo().redo()"},
+        {[&] { m_network->removeNodes({add("Misc/Dot")}); }, "# Create Node : Dot, Remove Nodes"},
     };
-
-    for (const auto &c : cases) {
-        c.edit();
-        EXPECT_EQ(told(), c.line);
+    for (const auto &[edit, line] : cases) {
+        edit();
+        EXPECT_EQ(told(), line);
     }
 }
 

@@ -5,6 +5,7 @@
 #include "Ossa/Start/HostServices.h"
 #include "Ossa/Window/HostPalettes.h"
 #include "Ossa/Window/MainWindow.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
@@ -12,6 +13,9 @@
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectManager.h"
+#include "support/DialogAnswers.h"
+#include "support/ExpectedLog.h"
+#include "support/Text.h"
 
 #include <gtest/gtest.h>
 
@@ -41,8 +45,23 @@ protected:
 
     void SetUp() override
     {
-        OssProject *project = OssProjectManager::instance()->newProject(QStringLiteral("Test"));
-        m_network = project->shadingGroups().first()->network();
+        const OssProject *made = OssProjectManager::instance()->newProject(text("Test"));
+        m_network = made->shadingGroups().first()->network();
+        history()->clear();
+    }
+
+    static OssUndoManager *history() { return OssUndoManager::instance(); }
+
+    static OssProject *project() { return OssProjectManager::instance()->currentProject(); }
+
+    OssSnBaseNode *add(const char *key, const char *name = "")
+    {
+        return m_network->createNode(text(key), text(name));
+    }
+
+    static void wire(OssSnBaseNode *source, OssSnBaseNode *target)
+    {
+        target->setInputNode(text("Input"), source, source->prefferedOutputPoint());
     }
 
     /// These and no others, groups included.
@@ -53,14 +72,17 @@ protected:
             node->setSelected(nodes.contains(node));
     }
 
-    /// A command of the node graph, by its name there.
-    static void trigger(const char *name)
+    /// A command by its path below "/Ossa/".
+    static void triggerCommand(const std::string &path)
     {
         QAction *action = OssActionTreeManager::instance()->findAction(
-            QStringLiteral("/Ossa/NodeGraph/") + QLatin1String(name));
-        ASSERT_NE(action, nullptr) << name;
+            text(("/Ossa/" + path).c_str()));
+        ASSERT_NE(action, nullptr) << path;
         action->trigger();
     }
+
+    /// A command of the node graph, by its name there.
+    static void trigger(const char *name) { triggerCommand(std::string("NodeGraph/") + name); }
 
     OssShaderNetwork *m_network = nullptr; ///< of the new project's object
     inline static HostServices *s_services = nullptr;

@@ -2,6 +2,7 @@
 
 #include "OssNodeGraph/Items/OssNgExtendedNode.h"
 #include "OssNodeGraph/Items/OssNgSceneIndex.h"
+#include "support/Text.h"
 
 #include <gtest/gtest.h>
 
@@ -20,17 +21,17 @@ protected:
 
     OssNgExtendedNode *add(OssNgExtendedNode *node, const QPointF &position)
     {
-        node->setText(QStringLiteral("Brick"));
+        node->setText(text("Brick"));
         node->setPosition(position);
         scene.addItem(node);
         return node;
     }
 
-    QString file(const char *name) const { return folder.filePath(QString::fromLatin1(name)); }
+    QString file(const char *name) const { return folder.filePath(text(name)); }
 
     OssResult write(const char *name)
     {
-        return GraphPicture::write(&scene, QStringLiteral("Wall"), file(name));
+        return GraphPicture::write(&scene, text("Wall"), file(name));
     }
 
     QTemporaryDir folder;
@@ -63,11 +64,11 @@ TEST_F(GraphPictures, areAsLargeAsTheGraphWithinLimits)
 TEST_F(GraphPictures, thatCannotBeWrittenSayWhyAndLeaveNoFile)
 {
     OssResult empty = write("none.png");
-    EXPECT_TRUE(empty.error().contains(QStringLiteral("nothing"))) << qPrintable(empty.error());
-    EXPECT_TRUE(empty.error().contains(QStringLiteral("none.png")));
+    EXPECT_TRUE(empty.error().contains(text("nothing"))) << qPrintable(empty.error());
+    EXPECT_TRUE(empty.error().contains(text("none.png")));
     add(&first, {0, 0});
     OssResult format = write("graph.jpg");
-    EXPECT_TRUE(format.error().contains(QStringLiteral(".svg"))) << qPrintable(format.error());
+    EXPECT_TRUE(format.error().contains(text(".svg"))) << qPrintable(format.error());
     EXPECT_FALSE(write("nowhere/graph.png"));
     EXPECT_FALSE(QFile::exists(file("none.png")) || QFile::exists(file("graph.jpg")));
     first.setVisible(false);

@@ -3,6 +3,8 @@
 #include "Ossa/Commands/RecentProjects.h"
 #include "Ossa/Common/ApplicationPreferences.h"
 #include "Ossa/Window/MainMenus.h"
+#include "Ossa/Window/StatusArea.h"
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssInterface/Actions/OssMenuManager.h"
 #include "OssInterface/Actions/OssShortcutManager.h"
 #include "OssInterface/Popups/OssApplication.h"
@@ -10,8 +12,12 @@
 #include "support/InterfaceUser.h"
 #include "WindowFixture.h"
 
+#include <QLineEdit>
+#include <QMainWindow>
 #include <QMenuBar>
 #include <QPointer>
+#include <QPushButton>
+#include <QTimer>
 
 namespace {
 
@@ -25,6 +31,34 @@ protected:
     }
 
     OssPalette *graph = make("Node Graph", "node_graph_palette");
+};
+
+class Status : public testing::Test
+{
+protected:
+    Status()
+    {
+        window.setCentralWidget(field);
+        window.setStatusBar(area);
+        window.show();
+    }
+
+    /// Steps of work on this thread that take longer than the bar is patient, until cancelled.
+    static int stepsUntilCancelled(int atMost)
+    {
+        OssStatusManager::Work work(text("Baking"));
+        int step = 0;
+        for (; step < atMost && !work.isCancelled(); ++step) {
+            QTest::qSleep(60);
+            work.setProgress(step, atMost);
+        }
+        return step;
+    }
+
+    QMainWindow window;
+    QLineEdit *field = new QLineEdit;
+    StatusArea *area = new StatusArea;
+    QPushButton *stop = area->findChild<QPushButton *>();
 };
 
 } // namespace
@@ -166,4 +200,43 @@ TEST_F(Window, defaultKeysOfAllCommandsInMenusAreFreeOfConflicts)
                 << qPrintable(path) << " " << qPrintable(key.toString());
     }
     EXPECT_GT(keyed, 60);
+}
+
+TEST_F(Status, stopIsThereOnlyWhileWorkRunsAndMessagesAreShown)
+{
+    EXPECT_FALSE(stop->isVisible());
+    {
+        const OssStatusManager::Work work(text("Baking"));
+        EXPECT_TRUE(stop->isVisible());
+    }
+    EXPECT_FALSE(stop->isVisible());
+    OssStatusManager::instance()->showMessage(text("Saved wall.ossa"));
+    EXPECT_EQ(area->currentMessage(), text("Saved wall.ossa"));
+}
+
+TEST_F(Status, stopReachesWorkThatBlocksTheEventLoop)
+{
+    QTimer::singleShot(0, stop, [this] { QTest::mouseClick(stop, Qt::LeftButton); });
+    EXPECT_LT(stepsUntilCancelled(40), 40);
+}
+
+TEST_F(Status, noOtherInputArrivesMeanwhileNotEvenFromWorkWithinWork)
+{
+    bool isClosed = false;
+    bool hasArrived = false;
+    QTimer::singleShot(0, field, [&] {
+        QTest::keyClicks(field, text("typed"));
+        isClosed = window.close();
+        Q_EMIT OssStatusManager::instance()->progressChanged(1, 2);
+        QTest::keyClicks(field, text("typed"));
+    });
+    QMetaObject::invokeMethod(
+        field, [&] { hasArrived = true; }, Qt::QueuedConnection);
+    stepsUntilCancelled(12);
+    EXPECT_TRUE(field->text().isEmpty());
+    EXPECT_FALSE(isClosed);
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_TRUE(hasArrived) << "it is no input";
+    QTest::keyClicks(field, text("typed"));
+    EXPECT_EQ(field->text(), text("typed"));
 }

@@ -7,6 +7,7 @@
 #include "OssNodeGraph/Items/OssNgSceneIndex.h"
 #include "OssNodeGraph/View/OssNgView.h"
 #include "support/ModelFixture.h"
+#include "support/Text.h"
 
 #include <QGraphicsScene>
 #include <QPainter>
@@ -23,12 +24,12 @@ protected:
     {
         ModelFixture::SetUp();
         auto *palette = new OssPalette;
-        palette->setObjectName(QStringLiteral("Node Graph"));
-        palette->setContextHelpKey(QStringLiteral("node_graph_palette"));
+        palette->setObjectName(text("Node Graph"));
+        palette->setContextHelpKey(text("node_graph_palette"));
         auto *tabs = new QTabWidget;
         m_view = new OssNgView;
         m_view->setScene(&m_scene);
-        tabs->addTab(m_view, QStringLiteral("Root"));
+        tabs->addTab(m_view, text("Root"));
         palette->setBodyWidget(tabs);
         OssPaletteManager::instance()->registerPalette(palette, true, QString());
         palette->resize(600, 400);
@@ -97,11 +98,11 @@ TEST_F(Thumbnails, areOfNodesInViewFollowEditsAndGoWhenSwitchedOff)
         return count;
     };
     EXPECT_EQ(greenTexels(), 0);
-    m_node->setAttribute(QStringLiteral("Color"), QStringLiteral("0,1,0,1"));
+    m_node->setAttribute(text("Color"), text("0,1,0,1"));
     EXPECT_TRUE(QTest::qWaitFor([&] { return greenTexels() > 1000; }, 20000)) << greenTexels();
     const std::uint64_t computed = tilesComputed();
     m_near->setPosition({5.0, 0.0});
-    m_node->setName(QStringLiteral("Moved"));
+    m_node->setName(text("Moved"));
     QTest::qWait(400);
     EXPECT_EQ(tilesComputed(), computed) << "where a node stands and its name change no picture";
 

@@ -4,6 +4,8 @@
 #include "OssCore/Program/OssDebug.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "support/ExpectedLog.h"
+#include "support/OssaFiles.h"
+#include "support/Text.h"
 
 #include <gtest/gtest.h>
 
@@ -21,12 +23,20 @@ protected:
 
     void add(const char *plugin, const char *asName)
     {
-        const QString source = QStringLiteral(OSSA_TEST_PLUGINS "/%1.so")
-                                   .arg(QLatin1String(plugin));
-        ASSERT_TRUE(QFile::copy(source, folder.filePath(QString::fromLatin1(asName))));
+        const QString source = text(OSSA_TEST_PLUGINS "/%1.so").arg(text(plugin));
+        ASSERT_TRUE(QFile::copy(source, folder.filePath(text(asName))));
     }
 
     void load() { loader.load(folder.path()); }
+
+    /// That this file alone failed; its reason.
+    QString expectFailure(const char *file) const
+    {
+        EXPECT_EQ(loader.failures().size(), 1);
+        const PluginLoader::Failure failure = loader.failures().value(0);
+        EXPECT_EQ(failure.file, text(file));
+        return failure.reason;
+    }
 
     static QStringList started() { return qApp->property("started").toStringList(); }
 
@@ -40,10 +50,10 @@ TEST_F(PluginLoading, startsEachOnceInTheOrderOfPriority)
 {
     add("GoodPlugin", "a.so");
     add("EarlyPlugin", "z.so");
+    writeFile(folder.filePath(text("README.txt")));
     load();
-    EXPECT_TRUE(loader.failures().isEmpty());
-    EXPECT_EQ(started(),
-              (QStringList{QStringLiteral("EarlyPlugin"), QStringLiteral("GoodPlugin")}));
+    EXPECT_TRUE(loader.failures().isEmpty()) << "what is no library is no failure";
+    EXPECT_EQ(started(), texts({"EarlyPlugin", "GoodPlugin"}));
     EXPECT_EQ(loader.plugins().size(), 2);
 }
 
@@ -53,25 +63,19 @@ TEST_F(PluginLoading, foreignPluginsAreLeftAloneUnrun)
     add("ForeignPlugin", "foreign.so");
     load();
     EXPECT_TRUE(loader.plugins().isEmpty());
-    ASSERT_EQ(loader.failures().size(), 1);
-    EXPECT_EQ(loader.failures().first().file, QStringLiteral("foreign.so"));
-    EXPECT_TRUE(loader.failures().first().reason.contains(QStringLiteral("com.example.other/2.0")));
+    EXPECT_TRUE(expectFailure("foreign.so").contains(text("com.example.other/2.0")));
     EXPECT_FALSE(qApp->property("foreignCodeRan").toBool());
 }
 
 TEST_F(PluginLoading, aBrokenFileIsToldAndTheOthersStillStart)
 {
     const ExpectedLog expected("Plug-in broken.so cannot be used");
-    QFile broken(folder.filePath(QStringLiteral("broken.so")));
-    ASSERT_TRUE(broken.open(QFile::WriteOnly));
-    broken.write("\x7f"
-                 "ELF and then nothing that makes sense");
-    broken.close();
+    writeFile(folder.filePath(text("broken.so")), "\x7f"
+                                                  "ELF and then nothing that makes sense");
     add("GoodPlugin", "good.so");
     load();
-    EXPECT_EQ(started(), QStringList(QStringLiteral("GoodPlugin")));
-    ASSERT_EQ(loader.failures().size(), 1);
-    EXPECT_EQ(loader.failures().first().file, QStringLiteral("broken.so"));
+    EXPECT_EQ(started(), texts({"GoodPlugin"}));
+    expectFailure("broken.so");
 }
 
 TEST_F(PluginLoading, oneThatRefusesIsTold)
@@ -80,28 +84,17 @@ TEST_F(PluginLoading, oneThatRefusesIsTold)
     add("RefusingPlugin", "refusing.so");
     load();
     EXPECT_TRUE(loader.plugins().isEmpty());
-    EXPECT_EQ(loader.failures().size(), 1);
+    expectFailure("refusing.so");
 }
 
 TEST_F(PluginLoading, aMissingFolderIsToldInTheLogToo)
 {
     const ExpectedLog expected("Plug-in /nowhere/plugins cannot be used");
-    loader.load(QStringLiteral("/nowhere/plugins"));
-    ASSERT_EQ(loader.failures().size(), 1);
-    EXPECT_EQ(loader.failures().first().file, QStringLiteral("/nowhere/plugins"));
+    loader.load(text("/nowhere/plugins"));
+    expectFailure("/nowhere/plugins");
     const auto lines = OssDebugLog::instance()->lines();
-    EXPECT_TRUE(lines.last().text.contains(QStringLiteral("/nowhere/plugins")));
+    EXPECT_TRUE(lines.last().text.contains(text("/nowhere/plugins")));
     EXPECT_EQ(lines.last().category, OssDebugLog::Warning);
-}
-
-TEST_F(PluginLoading, filesThatAreNoLibrariesAreNoFailure)
-{
-    QFile note(folder.filePath(QStringLiteral("README.txt")));
-    ASSERT_TRUE(note.open(QFile::WriteOnly));
-    note.close();
-    add("GoodPlugin", "good.so");
-    load();
-    EXPECT_TRUE(loader.failures().isEmpty());
 }
 
 TEST_F(PluginLoading, slotsWithoutACommandGetOne)
@@ -110,11 +103,11 @@ TEST_F(PluginLoading, slotsWithoutACommandGetOne)
     load();
     PluginActions::fileUnfiled(loader);
     auto *tree = OssActionTreeManager::instance();
-    QAction *dump = tree->findAction(QStringLiteral("/Ossa/NodeGraph/Dump Selected Node Info"));
+    QAction *dump = tree->findAction(text("/Ossa/NodeGraph/Dump Selected Node Info"));
     ASSERT_NE(dump, nullptr);
     dump->trigger();
     EXPECT_EQ(loader.plugins().first().object->property("dumps").toInt(), 1);
     // Slots that the plug-in lacks get none.
-    EXPECT_FALSE(tree->hasAction(QStringLiteral("/Ossa/NodeGraph/Upgrade All Node Info")));
+    EXPECT_FALSE(tree->hasAction(text("/Ossa/NodeGraph/Upgrade All Node Info")));
     delete dump;
 }

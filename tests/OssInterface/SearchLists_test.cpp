@@ -39,37 +39,50 @@ QColor magenta(const QString &)
     return Qt::magenta;
 }
 
-using SearchLists = ModelFixture;
-
-} // namespace
-
-TEST(SearchRows, everyPartOfARowIsToBeSeenAndHasItsHeight)
+/// A row of which every part has its role.
+class SearchRows : public testing::Test
 {
-    OssSearchRowDelegate::Roles roles;
-    roles.place = Place;
-    roles.explanation = Explanation;
-    roles.section = Section;
-    roles.favourite = Favourite;
-    roles.color = Color;
-    const OssSearchRowDelegate delegate(roles, nullptr);
-    QStandardItemModel model;
-    model.appendRow(new QStandardItem(text("Blur")));
-    const QModelIndex index = model.index(0, 0);
-    QStyleOptionViewItem option;
-    option.rect = QRect(0, 0, 300, 60);
-    const auto picture = [&](QStyle::State state = QStyle::State_Enabled) {
+protected:
+    SearchRows()
+    {
+        model.appendRow(new QStandardItem(text("Blur")));
+        index = model.index(0, 0);
+        option.rect = QRect(0, 0, 300, 60);
+    }
+
+    static OssSearchRowDelegate::Roles roles()
+    {
+        OssSearchRowDelegate::Roles roles;
+        roles.place = Place;
+        roles.explanation = Explanation;
+        roles.section = Section;
+        roles.favourite = Favourite;
+        roles.color = Color;
+        return roles;
+    }
+
+    QImage picture(QStyle::State state = QStyle::State_Enabled)
+    {
         QImage image(option.rect.size(), QImage::Format_RGB32);
         image.fill(Qt::white);
         QPainter painter(&image);
         option.state = state;
         delegate.paint(&painter, option, index);
         return image;
-    };
-    const auto differsFromWhite = [](const QImage &image, const QRect &part) {
-        QImage white(part.size(), image.format());
-        white.fill(image.pixel(part.topLeft()));
-        return image.copy(part) != white;
-    };
+    }
+
+    const OssSearchRowDelegate delegate{roles(), nullptr};
+    QStandardItemModel model;
+    QModelIndex index;
+    QStyleOptionViewItem option;
+};
+
+using SearchLists = ModelFixture;
+
+} // namespace
+
+TEST_F(SearchRows, everyPartIsToBeSeenAndHasItsHeight)
+{
     const QImage plain = picture();
     const int height = delegate.sizeHint(option, index).height();
     QVector<QImage> seen{plain};
@@ -90,11 +103,16 @@ TEST(SearchRows, everyPartOfARowIsToBeSeenAndHasItsHeight)
     for (int x = 0; x < plain.width(); ++x)
         isColored = isColored || seen.last().pixelColor(x, height / 2) == QColor(Qt::magenta);
     EXPECT_TRUE(isColored);
-    // The chosen row offers the star: with the colours alone there would be nothing at its place.
-    const QRect star = OssSearchRowDelegate::starRect(option.rect);
-    EXPECT_TRUE(differsFromWhite(picture(QStyle::State_Enabled | QStyle::State_Selected), star));
+}
 
-    // Names come before places, and neither runs over the star.
+TEST_F(SearchRows, namesComeBeforePlacesAndLeaveRoomForTheStarThatAChosenRowOffers)
+{
+    const QRect star = OssSearchRowDelegate::starRect(option.rect);
+    const QImage plain = picture();
+    const QImage chosen = picture(QStyle::State_Enabled | QStyle::State_Selected).copy(star);
+    QImage ground = chosen; // with the colours alone there would be nothing at its place
+    ground.fill(chosen.pixel(0, 0));
+    EXPECT_NE(chosen, ground);
     model.setData(index, QString(200, QLatin1Char('W')), Qt::DisplayRole);
     const QImage longName = picture();
     model.setData(index, text("Filter"), Place);

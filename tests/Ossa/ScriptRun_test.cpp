@@ -105,12 +105,15 @@ TEST_F(ScriptRun, buildsTheLargeExampleFromNothing)
     EXPECT_TRUE(built.out.contains(wanted.mid(6)));
 }
 
-TEST_F(ScriptRun, survivesWhatHostileScriptsDo)
+// What careless scripts do, and what values and edits come to: each says how far it came.
+TEST_F(ScriptRun, scriptsThatLookForThemselvesSurvive)
 {
-    const ProgramRun outcome = ProgramRun::of(
-        {text("run"), root + text("/tests/Ossa/scripts/hostile.py")});
-    EXPECT_EQ(outcome.exitCode, 0) << outcome.err.data();
-    EXPECT_EQ(outcome.out, "survived\n");
+    for (const char *name : {"hostile.py", "values.py"}) {
+        const ProgramRun outcome = ProgramRun::of(
+            {text("run"), root + text("/tests/Ossa/scripts/") + text(name)});
+        EXPECT_EQ(outcome.exitCode, 0) << name << ": " << outcome.err.data();
+        EXPECT_EQ(outcome.out, "survived\n") << name;
+    }
 }
 
 TEST_F(ScriptRun, givesTheScriptItsArgumentsAndTakesItsExitCode)

@@ -2,7 +2,6 @@
 #include "Ossa/Headless/CommandLine.h"
 #include "Ossa/Headless/InfoCommand.h"
 #include "Ossa/Pictures/GraphCommand.h"
-#include "OssModel/Evaluation/OssPatchList.h"
 #include "OssModel/Project/OssAutosave.h"
 #include "OssModel/Project/OssProjectFile.h"
 #include "ProgramRun.h"
@@ -121,15 +120,6 @@ TEST(CommandLineParsing, faultyUseIsAnsweredInOneLine)
     }
     EXPECT_EQ(parse({"--help"}).exitCode, ExitCode::Success);
     EXPECT_TRUE(parse({"graph", "--help"}).message.contains(text("--output")));
-}
-
-TEST(CommandLineParsing, understandsListsOfPatches)
-{
-    EXPECT_EQ(OssPatchList::fromText(text("1001")), QList<int>({1001}));
-    EXPECT_EQ(OssPatchList::fromText(text("1011, 1001-1003,1002")),
-              QList<int>({1001, 1002, 1003, 1011}));
-    for (const char *nonsense : {"", "1", "1004-1001", "1001-1002-1003", "1001,x", "99999"})
-        EXPECT_TRUE(OssPatchList::fromText(text(nonsense)).isEmpty()) << nonsense;
 }
 
 TEST(Programs, answerOnTheirStreamsAndEndWithTheirCodes)

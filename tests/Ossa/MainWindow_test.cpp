@@ -2,11 +2,8 @@
 
 #include "Ossa/Commands/RecentProjects.h"
 #include "Ossa/Common/ApplicationPreferences.h"
-#include "Ossa/Window/MainMenus.h"
 #include "Ossa/Window/StatusArea.h"
 #include "OssCore/Program/OssStatusManager.h"
-#include "OssInterface/Actions/OssMenuManager.h"
-#include "OssInterface/Actions/OssShortcutManager.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "support/DialogAnswers.h"
 #include "support/InterfaceUser.h"
@@ -164,42 +161,6 @@ TEST_F(Window, menusWithoutCommandsAreNotThere)
     QAction paint(text("Paint the Town"));
     OssActionTreeManager::instance()->registerAction(text("/Ossa/Object/"), &paint);
     EXPECT_TRUE(QTest::qWaitFor([&] { return isShown("Object"); }));
-}
-
-TEST_F(Window, graphCommandsThatNoMenuNamesAreStillInOne)
-{
-    QAction odd(text("Something Odd"));
-    QAction pan(text("Pan Left"));
-    for (QAction *action : {&odd, &pan})
-        OssActionTreeManager::instance()->registerAction(text("/Ossa/NodeGraph/"), action);
-    EXPECT_EQ(MainMenus::unplacedGraphCommands(), texts({"/Ossa/NodeGraph/Something Odd"}));
-}
-
-TEST_F(Window, defaultKeysOfAllCommandsInMenusAreFreeOfConflicts)
-{
-    auto *tree = OssActionTreeManager::instance();
-    std::vector<std::unique_ptr<QAction>> standIns;
-    for (const char *menu : {"File", "Edit", "View", "Graph", "Object", "Help"}) {
-        const QStringList paths = OssMenuManager::instance()->commandPaths(text("Main"),
-                                                                           text(menu));
-        for (const QString &path : paths) {
-            if (tree->findAction(path))
-                continue;
-            standIns.push_back(std::make_unique<QAction>(OssActionTreeManager::nameOf(path)));
-            tree->registerAction(OssActionTreeManager::folderOf(path), standIns.back().get());
-        }
-    }
-    const auto *shortcuts = OssShortcutManager::instance();
-    int keyed = 0;
-    const QStringList paths = tree->paths();
-    for (const QString &path : paths) {
-        const QList<QKeySequence> keys = shortcuts->defaultKeys(path);
-        keyed += keys.isEmpty() ? 0 : 1;
-        for (const QKeySequence &key : keys)
-            EXPECT_TRUE(shortcuts->conflicts(path, key).isEmpty())
-                << qPrintable(path) << " " << qPrintable(key.toString());
-    }
-    EXPECT_GT(keyed, 60);
 }
 
 TEST_F(Status, stopIsThereOnlyWhileWorkRunsAndMessagesAreShown)

@@ -1,6 +1,7 @@
 #include "Ossa/Scripting/ConsoleInput.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/Actions/OssCommandTable.h"
+#include "OssInterface/Actions/OssShortcutManager.h"
 #include "OssInterface/Palettes/OssPalette.h"
 #include "OssInterface/Palettes/OssPaletteManager.h"
 #include "Program/StartedProgram.h"
@@ -57,6 +58,20 @@ TEST_F(Commands, everyCommandHasARow)
     for (const QString &path : paths)
         EXPECT_TRUE(OssCommandTable::find(path) || isInOpenFolder(path)) << qPrintable(path);
     EXPECT_GT(paths.size(), 120);
+}
+
+TEST_F(Commands, noDefaultKeyOfACommandIsAnothersToo)
+{
+    const auto *shortcuts = OssShortcutManager::instance();
+    int keyed = 0;
+    const QStringList paths = OssActionTreeManager::instance()->paths();
+    for (const QString &path : paths) {
+        const QList<QKeySequence> keys = shortcuts->defaultKeys(path);
+        keyed += keys.isEmpty() ? 0 : 1;
+        for (const QKeySequence &key : keys)
+            EXPECT_TRUE(shortcuts->conflicts(path, key).isEmpty()) << qPrintable(path);
+    }
+    EXPECT_GT(keyed, 60);
 }
 
 TEST_F(Commands, menusHoldTheirCommandsAndTheGraphsTheRestToo)

@@ -36,34 +36,6 @@ const QString radius = text("Radius");
 
 } // namespace
 
-TEST_F(NodeObjects, stateIsWrittenAndReadBackEachByItself)
-{
-    OssSnBaseNode *node = m_network->node(text("Soft"));
-    const auto state = [this] {
-        return m_blur->name() + text(m_blur->isEnabled() ? " on" : "")
-               + text(m_blur->isBypassed() ? " past" : "")
-               + text(m_blur->isSelected() ? " selected" : "");
-    };
-    m_blur->setSelected(false);
-    EXPECT_EQ(state(), text("Soft on"));
-    m_blur->setName(text("Hard"));
-    m_blur->setDescription(text("sharpens"));
-    m_blur->setEnabled(false);
-    m_blur->setBypassed(true);
-    m_blur->setSelected(true);
-    EXPECT_EQ(state(), text("Hard past selected"));
-    EXPECT_EQ(m_blur->description(), text("sharpens"));
-    EXPECT_EQ(node->name(), text("Hard"));
-    EXPECT_FALSE(node->enabledAsBool());
-    EXPECT_TRUE(node->isBypassed() && node->selected());
-    m_blur->setEnabled(true);
-    m_blur->setBypassed(false);
-    m_blur->setSelected(false);
-    EXPECT_EQ(state(), text("Hard on"));
-    node->setErrorText(text("no picture"));
-    EXPECT_EQ(m_blur->error(), text("no picture"));
-}
-
 TEST_F(NodeObjects, groupsGetPortsAndKnobsAndNothingElseDoes)
 {
     EXPECT_NE(m_group->createInput(text("In"), text("Color")), nullptr);
@@ -153,6 +125,8 @@ TEST_F(NodeObjects, wiresAreDrawnTakenAwayAndRefused)
 
 TEST_F(NodeObjects, areMadeGroupedAndExchangedAsText)
 {
+    m_network->node(text("Soft"))->setErrorText(text("no picture"));
+    EXPECT_EQ(m_blur->error(), text("no picture"));
     EXPECT_EQ(m_graph->nodesOfType(text("Filter/Blur")), Nodes{m_blur});
     EXPECT_EQ(m_graph->node(text("No")), nullptr);
     const QString xml = file("nodes.xml");
@@ -186,24 +160,6 @@ TEST_F(NodeObjects, areMadeGroupedAndExchangedAsText)
     EXPECT_EQ(m_graph->ungroup(made), Nodes{m_blur});
     m_graph->viewer()->remove();
     EXPECT_EQ(m_graph->viewer(), nullptr);
-}
-
-TEST_F(NodeObjects, severalAreRemovedOrTakenOutAtOnce)
-{
-    OssSnBaseNode *chain[] = {add("Procedural/Color"), add("Filter/Blur"), add("Adjust/Levels"),
-                              add("Misc/Dot")};
-    for (int i = 0; i < 3; ++i)
-        wire(chain[i], chain[i + 1]);
-    const int count = m_network->nodes().size();
-    const Nodes middle{script(chain[1]), script(chain[2])};
-    m_graph->extract(middle);
-    EXPECT_EQ(chain[3]->inputNode(text("Input")), chain[0]);
-    EXPECT_EQ(chain[1]->inputNode(text("Input")), nullptr);
-    m_graph->remove(middle);
-    EXPECT_EQ(chain[1]->network(), nullptr);
-    EXPECT_EQ(chain[2]->network(), nullptr);
-    m_graph->remove({});
-    EXPECT_EQ(m_network->nodes().size(), count - 2);
 }
 
 TEST_F(NodeObjects, aBakeGivesTheFilesItWroteAndSaysWhatItCouldNot)

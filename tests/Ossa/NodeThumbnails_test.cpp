@@ -27,36 +27,31 @@ protected:
         palette->setObjectName(text("Node Graph"));
         palette->setContextHelpKey(text("node_graph_palette"));
         auto *tabs = new QTabWidget;
-        m_view = new OssNgView;
-        m_view->setScene(&m_scene);
-        tabs->addTab(m_view, text("Root"));
+        auto *view = new OssNgView;
+        view->setScene(&m_scene);
+        tabs->addTab(view, text("Root"));
         palette->setBodyWidget(tabs);
         OssPaletteManager::instance()->registerPalette(palette, true, QString());
         palette->resize(600, 400);
         palette->show();
         m_node = add("Procedural/Color");
-        m_far = add("Procedural/Color");
-        m_near = itemFor(m_node, {0.0, 0.0});
-        m_away = itemFor(m_far, {20000.0, 0.0});
-        m_view->centerOn(m_near.get());
+        place(&m_near, m_node, {0.0, 0.0});
+        place(&m_away, add("Procedural/Color"), {20000.0, 0.0});
+        view->centerOn(&m_near);
     }
 
     void TearDown() override
     {
         OssNgSceneIndex::releaseItems(&m_scene);
-        m_near.reset();
-        m_away.reset();
         OssPaletteManager::instance()->deletePalettes();
         ModelFixture::TearDown();
     }
 
-    std::unique_ptr<OssNgNode> itemFor(OssSnBaseNode *node, const QPointF &position)
+    void place(OssNgNode *item, OssSnBaseNode *node, const QPointF &position)
     {
-        auto item = std::make_unique<OssNgNode>();
         item->setBusinessNode(node);
         item->setPosition(position);
-        m_scene.addItem(item.get());
-        return item;
+        m_scene.addItem(item);
     }
 
     static std::uint64_t tilesComputed()
@@ -64,31 +59,29 @@ protected:
         return OssEvaluationService::instance()->engine()->statistics().tilesComputed;
     }
 
-    QGraphicsScene m_scene;
-    OssNgView *m_view = nullptr;
     OssSnBaseNode *m_node = nullptr;
-    OssSnBaseNode *m_far = nullptr;
-    std::unique_ptr<OssNgNode> m_near;
-    std::unique_ptr<OssNgNode> m_away;
+    OssNgNode m_near;
+    OssNgNode m_away;
+    QGraphicsScene m_scene;
 };
 
 } // namespace
 
 TEST_F(Thumbnails, areOfNodesInViewFollowEditsAndGoWhenSwitchedOff)
 {
-    const qreal plain = m_near->boundingRect().height();
+    const qreal plain = m_near.boundingRect().height();
     NodeThumbnails thumbnails;
     QTest::qWait(300);
-    EXPECT_EQ(m_near->boundingRect().height(), plain) << "off at first";
+    EXPECT_EQ(m_near.boundingRect().height(), plain) << "off at first";
     thumbnails.setEnabled(true);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return m_near->boundingRect().height() > plain; }, 20000));
-    EXPECT_EQ(m_away->boundingRect().height(), plain) << "nothing for what is not seen";
+    ASSERT_TRUE(QTest::qWaitFor([&] { return m_near.boundingRect().height() > plain; }, 20000));
+    EXPECT_EQ(m_away.boundingRect().height(), plain) << "nothing for what is not seen";
 
     const auto greenTexels = [this] {
         QImage picture(200, 200, QImage::Format_RGB32);
         picture.fill(Qt::black);
         QPainter painter(&picture);
-        m_scene.render(&painter, {0, 0, 200, 200}, m_near->boundingRect());
+        m_scene.render(&painter, {0, 0, 200, 200}, m_near.boundingRect());
         painter.end();
         int count = 0;
         for (int i = 0; i < 200 * 200; ++i) {
@@ -101,11 +94,11 @@ TEST_F(Thumbnails, areOfNodesInViewFollowEditsAndGoWhenSwitchedOff)
     m_node->setAttribute(text("Color"), text("0,1,0,1"));
     EXPECT_TRUE(QTest::qWaitFor([&] { return greenTexels() > 1000; }, 20000)) << greenTexels();
     const std::uint64_t computed = tilesComputed();
-    m_near->setPosition({5.0, 0.0});
+    m_near.setPosition({5.0, 0.0});
     m_node->setName(text("Moved"));
     QTest::qWait(400);
     EXPECT_EQ(tilesComputed(), computed) << "where a node stands and its name change no picture";
 
     thumbnails.setEnabled(false);
-    EXPECT_EQ(m_near->boundingRect().height(), plain);
+    EXPECT_EQ(m_near.boundingRect().height(), plain);
 }

@@ -25,22 +25,17 @@ protected:
         PaintFixture::TearDown();
     }
 
-    OssEvaluationService::BakeJob bakeJob(OssSnBaseNode *node, int resolution, int patch = 1001)
-    {
-        OssEvaluationService::BakeJob job;
-        job.node = node;
-        job.outputPoint = node->prefferedOutputPoint();
-        job.entity = m_network->geoEntity();
-        job.patches = {patch};
-        job.resolution = resolution;
-        return job;
-    }
-
     /// What the node computes at a place; u and v within the patch.
     QColor seen(double u, double v, int patch = 1001, OssSnBaseNode *node = nullptr)
     {
-        const OssResult baked = OssEvaluationService::instance()->bake(
-            bakeJob(node ? node : m_paint, Resolution, patch), file("seen.<UDIM>.png"));
+        OssEvaluationService::BakeJob job;
+        job.node = node ? node : m_paint;
+        job.outputPoint = job.node->prefferedOutputPoint();
+        job.entity = m_network->geoEntity();
+        job.patches = {patch};
+        job.resolution = Resolution;
+        const OssResult baked = OssEvaluationService::instance()->bake(job,
+                                                                       file("seen.<UDIM>.png"));
         EXPECT_TRUE(baked) << qPrintable(baked.error());
         return QImage(file("seen.%1.png").arg(patch))
             .pixelColor(int(u * Resolution), int((1.0 - v) * Resolution));
@@ -313,14 +308,6 @@ TEST_F(Painting, anEraserOverImagesIsBakedInItsOwnStep)
     EXPECT_TRUE(hasPaint()) << "there are no images to erase from";
 }
 
-TEST_F(Painting, paintIsAsFineAsTheImagesThatItLiesOn)
-{
-    const auto job = bakeJob(add("Procedural/Color"), 4 * Resolution);
-    ASSERT_TRUE(OssEvaluationService::instance()->bakeInto(images(), job));
-    dab();
-    EXPECT_EQ(m_session->buffer().resolution(), 4 * Resolution);
-}
-
 TEST_F(Painting, choosingANodeMakesItsImagesTheCurrentOnes)
 {
     EXPECT_EQ(m_network->shadingContext()->currentImageSet(), images());
@@ -377,6 +364,9 @@ TEST_F(Painting, paintIsAsFineAsItsImagesUntilThereIsSome)
     EXPECT_EQ(m_session->texelsAcross(), 256);
     images()->setResolution(32);
     EXPECT_EQ(m_session->texelsAcross(), 64) << "as the pixels that were baked";
+    dab();
+    EXPECT_EQ(m_session->buffer().resolution(), 64);
+    m_session->clear();
     ASSERT_TRUE(m_session->setNode(nullptr));
     EXPECT_EQ(m_session->texelsAcross(), m_session->buffer().resolution());
 }

@@ -342,24 +342,6 @@ TEST_F(ScriptEchoTest, linesDoWhatWasDoneByHand)
         << qPrintable(m_lines.join(QLatin1Char('\n')));
 }
 
-TEST_F(ScriptEchoTest, tellsOnlyWhatIsDoneByHand)
-{
-    m_echo.setScriptRunning(true);
-    add("Filter/Blur", "By Script");
-    m_echo.setScriptRunning(false);
-    step();
-    EXPECT_TRUE(m_lines.isEmpty()) << qPrintable(m_lines.join(QLatin1Char('\n')));
-    add("Filter/Blur", "By Hand");
-    step();
-    ASSERT_EQ(m_lines.size(), 1);
-    EXPECT_TRUE(m_lines.first().contains(text("By Hand")));
-    m_lines.clear();
-    m_network->groupNodes({m_network->node(text("By Hand"))});
-    step();
-    EXPECT_TRUE(m_lines.first().startsWith(QLatin1Char('#')))
-        << "what has no line and came from no command: " << qPrintable(m_lines.first());
-}
-
 TEST(ScriptTexts, valuesAreWrittenAsPythonOrNotAtAll)
 {
     const std::pair<QVariant, const char *> cases[] = {

@@ -113,6 +113,12 @@ TEST_F(EchoedCommands, eachIsToldOnceAndOnlyWhileTheUserWantsIt)
     EXPECT_EQ(told(), "");
     m_echo.setEnabled(true);
     EXPECT_EQ(told(), "") << "what was done meanwhile";
+    m_echo.setScriptRunning(true);
+    add("Filter/Blur", "By Script");
+    m_echo.setScriptRunning(false);
+    EXPECT_EQ(told(), "") << "the script's own lines tell it";
+    history()->undo();
+    told();
     history()->undo();
     EXPECT_EQ(told(), "ossa.undo().undo()");
     {

@@ -99,34 +99,6 @@ TEST_F(ProjectObjects, projectsAreSavedOpenedAndClosedOutsideMacrosOnly)
     EXPECT_EQ(fresh->objects().first()->geometry(), text("sphere"));
 }
 
-TEST_F(ProjectObjects, undoingSaysWhenItCannot)
-{
-    Ossa::Undo *undo = m_application->undo();
-    const auto isThere = [this] {
-        return m_graph->node(text("Here")) != nullptr;
-    };
-    OssUndoManager::instance()->clear();
-    undo->undo();
-    expectReported(Type::WrongState, "nothing to undo");
-    add("Misc/Dot", "Here");
-    EXPECT_EQ(undo->texts().size(), undo->count());
-    undo->redo();
-    expectReported(Type::WrongState, "nothing to redo");
-    undo->begin(text("Mine"));
-    undo->undo();
-    expectReported(Type::WrongState, "inside an undo macro");
-    EXPECT_TRUE(isThere());
-    undo->end();
-    undo->undo();
-    EXPECT_FALSE(isThere());
-    undo->begin(text("Mine"));
-    undo->redo();
-    expectReported(Type::WrongState, "inside an undo macro");
-    undo->end();
-    undo->redo();
-    EXPECT_TRUE(isThere());
-}
-
 TEST_F(ProjectObjects, commandsAreListedFoundTriggeredAndSayHowTheyAre)
 {
     const Ossa::Actions *actions = m_application->actions();

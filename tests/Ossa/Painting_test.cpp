@@ -291,10 +291,11 @@ TEST_F(Painting, aStrokeInHandCanBeTakenBackAndIsNoStep)
     EXPECT_EQ(m_session->buffer().tiles(), tiles);
 }
 
-TEST_F(Painting, anEraserOverImagesIsBakedInItsOwnStep)
+TEST_F(Painting, anEraserOverImagesIsBakedInItsOwnStepOrTheUserIsTold)
 {
     stroke({0.2, 0.5}, {0.8, 0.5});
     ASSERT_TRUE(m_session->bake());
+    QSignalSpy messages(OssStatusManager::instance(), &OssStatusManager::messageShown);
     setBrush(Qt::black, true);
     m_session->setBakesErasing(true);
     const int steps = undoCount();
@@ -306,6 +307,18 @@ TEST_F(Painting, anEraserOverImagesIsBakedInItsOwnStep)
     EXPECT_EQ(seen(0.5, 0.5), QColor(Qt::red));
     dab({1.5, 0.5});
     EXPECT_TRUE(hasPaint()) << "there are no images to erase from";
+    EXPECT_TRUE(messages.isEmpty());
+    history()->undo();
+    {
+        const NoRoomForPixels none;
+        dab();
+    }
+    ASSERT_EQ(messages.size(), 1);
+    EXPECT_TRUE(messages.first().first().toString().contains(text("pixels")));
+    EXPECT_TRUE(hasPaint());
+    m_session->setBakesErasing(false);
+    dab();
+    EXPECT_EQ(messages.size(), 1) << "nothing was to be baked";
 }
 
 TEST_F(Painting, choosingANodeMakesItsImagesTheCurrentOnes)
@@ -383,11 +396,7 @@ TEST_F(Painting, viewsAreToldWhatToDrawAndWhatIsOnlyBaked)
         {"undo clearing", [] { history()->undo(); }, "painted"},
         {"bake", [this] { EXPECT_TRUE(m_session->bake()); }, "baked"}, // it looks as before
         {"clear nothing", [this] { m_session->clear(); }, ""},
-        {"begin",
-         [this] {
-             m_session->begin({0.25, 0.25});
-         },
-         "painted"},
+        {"begin", [this] { m_session->begin(QPointF(0.25, 0.25)); }, "painted"},
         {"cancel", [this] { m_session->cancel(); }, "painted"},
     };
     for (const auto &[name, act, wanted] : steps) {
@@ -435,28 +444,6 @@ TEST_F(Painting, onlyPatchesWithOtherPaintAreComposedAnew)
     EXPECT_NE(composed(), first);
     history()->undo();
     EXPECT_EQ(composed(), first);
-}
-
-TEST_F(Painting, erasingThatCannotBeBakedIsToldInTheStatusBar)
-{
-    dab();
-    ASSERT_TRUE(m_session->bake());
-    QSignalSpy messages(OssStatusManager::instance(), &OssStatusManager::messageShown);
-    setBrush(Qt::black, true);
-    m_session->setBakesErasing(true);
-    dab();
-    EXPECT_FALSE(hasPaint()) << "it is in the images at once";
-    EXPECT_TRUE(messages.isEmpty());
-    {
-        const NoRoomForPixels none;
-        dab();
-    }
-    ASSERT_EQ(messages.size(), 1);
-    EXPECT_TRUE(messages.first().first().toString().contains(text("pixels")));
-    EXPECT_TRUE(hasPaint());
-    m_session->setBakesErasing(false);
-    dab();
-    EXPECT_EQ(messages.size(), 1) << "nothing was to be baked";
 }
 
 TEST_F(Painting, undoneBakingBringsPaintBackAsFineAsItWas)

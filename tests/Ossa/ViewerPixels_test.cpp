@@ -91,40 +91,51 @@ TEST(ViewerPixels, anyDifferenceIsAnotherLook)
 class Pictures : public testing::Test
 {
 protected:
-    static constexpr int Resolution = 2 * OssEvTile::Size;
+    static constexpr int Tile = OssEvTile::Size;
+    static constexpr int Resolution = 2 * Tile;
 
-    Pictures() { m_pictures.setLook(look(Look::Color)); }
+    Pictures()
+    {
+        m_pictures.setLook(look(Look::Color));
+        m_pictures.begin({1001}, Resolution, {});
+    }
 
-    void setTile(int patch, int resolution, const QPoint &place, float red)
+    void setTile(float red, const QPoint &place = {0, 0}, int resolution = Resolution,
+                 int patch = 1001)
     {
         const OssEvTilePointer tile = tileOf(4, {red, 0.0F, 0.0F, 1.0F});
         m_pictures.setTile(patch, resolution, place,
                            ViewerPixels::picture(*tile, look(Look::Color)), tile);
     }
 
-    int redAt(int patch, int x, int y) const { return qRed(m_pictures.picture(patch).pixel(x, y)); }
+    void setCoarse(float red) { setTile(red, {0, 0}, Tile); }
+
+    int redAt(int x, int y) const { return qRed(m_pictures.picture(1001).pixel(x, y)); }
+
+    /// Empty where there are none.
+    QVector<float> valuesAt(int x, int y, int patch = 1001) const
+    {
+        QVector<float> values;
+        return m_pictures.values(patch, {x, y}, &values) ? values : QVector<float>();
+    }
 
     ViewerPictures m_pictures;
 };
 
 TEST_F(Pictures, aCoarseTileIsShownEnlargedUntilItsPixelsCome)
 {
-    constexpr int Tile = OssEvTile::Size;
-    m_pictures.begin({1001}, Resolution, {});
     QSignalSpy changed(&m_pictures, &ViewerPictures::changed);
-    QVector<float> values;
-    setTile(1001, Tile, {0, 0}, 0.5F);
-    EXPECT_EQ(redAt(1001, Resolution - 5, Resolution - 5), 128);
+    setCoarse(0.5F);
+    EXPECT_EQ(redAt(Resolution - 5, Resolution - 5), 128);
     EXPECT_EQ(changed.takeFirst().at(1).toRect(), QRect(0, 0, Resolution, Resolution));
-    EXPECT_FALSE(m_pictures.values(1001, {10, 10}, &values)) << "it has none";
-    setTile(1001, Resolution, {Tile, 0}, 1.0F);
+    EXPECT_TRUE(valuesAt(10, 10).isEmpty()) << "it has none";
+    setTile(1.0F, {Tile, 0});
     EXPECT_EQ(changed.takeFirst().at(1).toRect(), QRect(Tile, 0, Tile, Tile));
-    EXPECT_EQ(redAt(1001, Tile + 10, 10), 255);
-    EXPECT_EQ(redAt(1001, 10, 10), 128);
-    ASSERT_TRUE(m_pictures.values(1001, {Tile + 10, 10}, &values));
-    EXPECT_EQ(values, (QVector<float>{1.0F, 0.0F, 0.0F, 1.0F}));
-    EXPECT_FALSE(m_pictures.values(1001, {10, 10}, &values));
-    EXPECT_FALSE(m_pictures.values(1002, {10, 10}, &values));
+    EXPECT_EQ(redAt(Tile + 10, 10), 255);
+    EXPECT_EQ(redAt(10, 10), 128);
+    EXPECT_EQ(valuesAt(Tile + 10, 10), (QVector<float>{1.0F, 0.0F, 0.0F, 1.0F}));
+    EXPECT_TRUE(valuesAt(10, 10).isEmpty());
+    EXPECT_TRUE(valuesAt(10, 10, 1002).isEmpty());
 }
 
 TEST_F(Pictures, anotherBeginningKeepsWhatIsShownButNoValues)
@@ -132,14 +143,13 @@ TEST_F(Pictures, anotherBeginningKeepsWhatIsShownButNoValues)
     m_pictures.begin({1002, 1001}, Resolution, {});
     EXPECT_EQ(m_pictures.patches(), (QList<int>{1001, 1002}));
     for (const int patch : {1001, 1002})
-        setTile(patch, Resolution, {0, 0}, 1.0F);
-    QVector<float> values;
+        setTile(1.0F, {0, 0}, Resolution, patch);
     m_pictures.begin({1001}, Resolution, text("no light"));
     EXPECT_EQ(m_pictures.problem(), text("no light"));
     EXPECT_EQ(m_pictures.patches(), QList<int>{1001});
-    EXPECT_EQ(redAt(1001, 10, 10), 255) << "no flicker";
-    EXPECT_FALSE(m_pictures.values(1001, {10, 10}, &values));
-    setTile(1002, Resolution, {0, 0}, 1.0F);
+    EXPECT_EQ(redAt(10, 10), 255) << "no flicker";
+    EXPECT_TRUE(valuesAt(10, 10).isEmpty());
+    setTile(1.0F, {0, 0}, Resolution, 1002);
     EXPECT_FALSE(m_pictures.has(1002)) << "a late tile of a patch that is gone";
     m_pictures.begin({1001}, 2 * Resolution, {});
     EXPECT_EQ(m_pictures.picture(1001).width(), 2 * Resolution);
@@ -148,17 +158,16 @@ TEST_F(Pictures, anotherBeginningKeepsWhatIsShownButNoValues)
 
 TEST_F(Pictures, noCoarsePictureComesBetweenTwoThatAreTheSame)
 {
-    m_pictures.begin({1001}, Resolution, {});
-    setTile(1001, Resolution, {0, 0}, 1.0F);
+    setTile(1.0F);
     m_pictures.expectSamePicture();
     m_pictures.begin({1001}, Resolution, {});
-    setTile(1001, OssEvTile::Size, {0, 0}, 0.5F);
-    EXPECT_EQ(redAt(1001, 10, 10), 255);
-    setTile(1001, Resolution, {0, 0}, 0.25F);
-    EXPECT_EQ(redAt(1001, 10, 10), 64) << "but its own pixels";
+    setCoarse(0.5F);
+    EXPECT_EQ(redAt(10, 10), 255);
+    setTile(0.25F);
+    EXPECT_EQ(redAt(10, 10), 64) << "but its own pixels";
     m_pictures.begin({1001}, Resolution, {});
-    setTile(1001, OssEvTile::Size, {0, 0}, 0.5F);
-    EXPECT_EQ(redAt(1001, 10, 10), 128) << "it holds for one beginning";
+    setCoarse(0.5F);
+    EXPECT_EQ(redAt(10, 10), 128) << "it holds for one beginning";
 }
 
 TEST_F(Pictures, paintLiesOnCoarseTilesToo)
@@ -168,39 +177,36 @@ TEST_F(Pictures, paintLiesOnCoarseTilesToo)
     dab->setTexel(3, {0.0F, 0.5F, 0.0F, 0.5F, 0.5F});
     paint.setTile({1001, 0, 0}, dab);
     m_pictures.setPaint(&paint);
-    m_pictures.begin({1001}, Resolution, {});
-    setTile(1001, OssEvTile::Size, {0, 0}, 1.0F);
+    setCoarse(1.0F);
     const QRgb painted = m_pictures.picture(1001).pixel(3, 0);
     EXPECT_NEAR(qRed(painted), 128, 1);
     EXPECT_NEAR(qGreen(painted), 128, 1);
-    EXPECT_EQ(redAt(1001, 4, 0), 255);
-    setTile(1001, Resolution, {0, 0}, 0.5F);
-    EXPECT_NEAR(redAt(1001, 3, 0), 64, 1) << "the fine tile is what lies beneath now";
+    EXPECT_EQ(redAt(4, 0), 255);
+    setTile(0.5F);
+    EXPECT_NEAR(redAt(3, 0), 64, 1) << "the fine tile is what lies beneath now";
     m_pictures.setPaint(nullptr);
     m_pictures.showPaint(1002, {0.0, 0.0, 1.0, 1.0});
     m_pictures.showPaint(1001, {0.0, 0.0, 1.0, 1.0});
-    EXPECT_EQ(redAt(1001, 3, 0), 128) << "and where paint is gone, all that is";
+    EXPECT_EQ(redAt(3, 0), 128) << "and where paint is gone, all that is";
 }
 
 TEST_F(Pictures, paintOverTheBorderOfTilesLeavesEachItsOwnColour)
 {
-    constexpr int Tile = OssEvTile::Size;
     OssEvPaintBuffer paint(Resolution);
-    m_pictures.begin({1001}, Resolution, {});
-    setTile(1001, Resolution, {0, 0}, 0.25F);
-    setTile(1001, Resolution, {Tile, 0}, 0.75F);
-    setTile(1001, Resolution, {0, Tile}, 0.5F);
-    const int left = redAt(1001, Tile - 1, 3);
-    const int right = redAt(1001, Tile, 3);
+    setTile(0.25F);
+    setTile(0.75F, {Tile, 0});
+    setTile(0.5F, {0, Tile});
+    const int left = redAt(Tile - 1, 3);
+    const int right = redAt(Tile, 3);
     m_pictures.setPaint(&paint);
     m_pictures.showPaint(1001, {0.25, 0.0, 0.5, 0.75});
-    EXPECT_EQ(redAt(1001, Tile - 1, 3), left);
-    EXPECT_EQ(redAt(1001, Tile, 3), right);
-    EXPECT_EQ(redAt(1001, Tile + 20, 3), right);
-    EXPECT_EQ(redAt(1001, Tile - 1, Tile + 3), 128);
+    EXPECT_EQ(redAt(Tile - 1, 3), left);
+    EXPECT_EQ(redAt(Tile, 3), right);
+    EXPECT_EQ(redAt(Tile + 20, 3), right);
+    EXPECT_EQ(redAt(Tile - 1, Tile + 3), 128);
     EXPECT_EQ(qAlpha(m_pictures.picture(1001).pixel(Tile + 3, Tile + 3)), 0) << "has not come yet";
     m_pictures.showPaint(1001, {2.0, 2.0, 0.5, 0.5});
-    EXPECT_EQ(redAt(1001, Tile, 3), right) << "nothing of it is there";
+    EXPECT_EQ(redAt(Tile, 3), right) << "nothing of it is there";
 }
 
 } // namespace

@@ -179,14 +179,32 @@ assert names(graph.selectedNodes()) == ["Second"]
 start = graph.toText(nodes)
 with tempfile.TemporaryDirectory() as folder:
     for words, call, *arguments in (
-        ("99", graph.view, paint, 99),
-        ("No", paint.connectInput, "No", first),
+        ("no input 99", graph.view, paint, 99),
+        ("no input", paint.connectInput, "No", first),
+        ("no group", graph.ungroup, first),
+        ("", graph.fromText, "words"),
+        ("none.ong", graph.importNodes, folder + "/none.ong"),
         ("No", first.disconnectInput, "No"),
         ("", first.connectInput, "Input", second),
         ("none", graph.exportNodes, [paint], folder + "/none/x.ong"),
         ("/proc", ossa.project().saveAs, "/proc/x.ossa"),
-        ("No/Such", graph.createNode, "No/Such"),
+        ("no node type", graph.createNode, "No/Such"),
     ):
         refused(ossa.Error, words, call, *arguments)
         assert graph.toText(nodes) == start, call
+
+# The history says when it cannot.
+ossa.newProject("History")
+undo = ossa.undo()
+refused(ossa.Error, "nothing to undo", undo.undo)
+refused(ossa.Error, "nothing to redo", undo.redo)
+with ossa.undoMacro("Mine"):
+    ossa.graph().createNode("Misc/Dot", "Here")
+    refused(ossa.Error, "inside an undo macro", undo.undo)
+    refused(ossa.Error, "inside an undo macro", undo.redo)
+assert undo.texts() == ["Mine"] and undo.count == 1
+undo.undo()
+assert not ossa.graph().node("Here")
+undo.redo()
+assert ossa.graph().node("Here")
 print("survived")

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <QImage>
+#include <QVector2D>
 
 #include <set>
 
@@ -241,9 +242,8 @@ TEST(ObjectMeasures, areThoseOfTheObjectOrOfNothing)
     renderer.setMesh(moved);
     EXPECT_NEAR(renderer.radius(), 2.0F * radius, 1e-4F);
     EXPECT_NEAR(renderer.centre().x(), 2.0F * centre.x() + 10.0F, 1e-4F);
-    for (const std::shared_ptr<const OssEvMesh> &nothing :
-         {std::shared_ptr<const OssEvMesh>(),
-          std::shared_ptr<const OssEvMesh>(std::make_shared<OssEvMesh>())}) {
+    using Mesh = std::shared_ptr<const OssEvMesh>;
+    for (const Mesh &nothing : {Mesh(), Mesh(std::make_shared<OssEvMesh>())}) {
         renderer.setMesh(nothing);
         EXPECT_EQ(renderer.centre(), QVector3D());
         EXPECT_EQ(renderer.radius(), 1.0F);
@@ -262,84 +262,76 @@ TEST(ObjectTextures, takeNoMoreMemoryThanTheyMay)
     }
 }
 
-TEST(ObjectCameras, frameWhatTheyLookAtAndKeepItThere)
+/// A camera that looks at a ball.
+class ObjectCameras : public testing::Test
 {
-    ObjectCamera camera;
-    camera.resetDirection();
-    const QVector3D centre(3.0F, -2.0F, 7.0F);
-    camera.frame(centre, 5.0F);
-    const auto onScreen = [&](const QVector3D &place) {
-        return (camera.projection(1.0F) * camera.view()).map(place);
-    };
-    EXPECT_NEAR(onScreen(centre).x(), 0.0F, 1e-4F);
-    EXPECT_NEAR(onScreen(centre).y(), 0.0F, 1e-4F);
-    for (int axis = 0; axis < 3; ++axis) {
-        QVector3D out;
-        out[axis] = 5.0F;
-        const QVector3D place = onScreen(centre + out);
-        EXPECT_LT(std::abs(place.x()), 1.0F);
-        EXPECT_LT(std::abs(place.y()), 1.0F);
-        EXPECT_LT(std::abs(place.z()), 1.0F);
+protected:
+    ObjectCameras() { camera.frame(centre, radius); }
+
+    /// From -1 to 1 within the view.
+    QVector3D onScreen(const QVector3D &place, float aspect = 1.0F) const
+    {
+        return (camera.projection(aspect) * camera.view()).map(place);
     }
-    const float depth = -camera.view().map(centre).z();
+
+    float distance() const { return camera.view().map(centre).length(); }
+
+    /// How the object's own upward direction is seen.
+    QVector3D up() const { return camera.view().mapVector({0.0F, 1.0F, 0.0F}); }
+
+    const QVector3D centre{3.0F, -2.0F, 7.0F};
+    const float radius = 5.0F;
+    ObjectCamera camera;
+};
+
+TEST_F(ObjectCameras, frameWhatTheyLookAtAndKeepItThere)
+{
+    camera.resetDirection();
+    EXPECT_LT(onScreen(centre).toVector2D().length(), 1e-4F);
+    const float framed = distance();
     camera.orbit({0.3, 5.0});
-    EXPECT_NEAR(-camera.view().map(centre).z(), depth, 1e-3F);
-    EXPECT_GT(camera.view().mapVector(QVector3D(0, 1, 0)).z(), 0.9F) << "seen from above";
+    EXPECT_NEAR(distance(), framed, 1e-3F);
+    EXPECT_GT(up().z(), 0.9F) << "seen from above";
     // What is dragged stays under the pointer: a quarter of the view to the right.
     camera.pan({0.25, 0.0});
     EXPECT_NEAR(onScreen(centre).x(), 0.5F, 1e-3F);
-    camera.zoom(2.0F);
-    EXPECT_LT(-camera.view().map(centre).z(), depth);
 }
 
-TEST(ObjectCameras, comeAsNearAndGoAsFarAsIsOfUse)
+TEST_F(ObjectCameras, showTheWholeBallInNarrowViewsToo)
 {
-    ObjectCamera camera;
-    camera.frame({0, 0, 0}, 2.0F);
-    const auto distance = [&camera] {
-        return double(camera.view().map(QVector3D()).length());
-    };
-    const double framed = distance();
-    camera.zoom(2.0F);
-    EXPECT_NEAR(distance(), framed / 2.0, 1e-4);
-    camera.zoom(1e9F);
-    EXPECT_NEAR(distance(), 0.05 * 2.0, 1e-4);
-    camera.zoom(1e-9F);
-    EXPECT_NEAR(distance(), 200.0 * 2.0, 1e-2);
-    camera.frame({0, 0, 0}, 0.0F);
-    EXPECT_GT(distance(), 0.0) << "a point is looked at from somewhere";
-}
-
-TEST(ObjectCameras, turnOverTheTopOnlyToTheTop)
-{
-    ObjectCamera camera;
-    camera.frame({0, 0, 0}, 1.0F);
-    for (const double way : {50.0, -50.0}) {
-        camera.orbit({0.0, way});
-        const QVector3D up = camera.view().mapVector({0.0F, 1.0F, 0.0F});
-        EXPECT_GT(up.y(), 0.0F) << "upright";
-        EXPECT_LT(up.y(), 0.1F) << "from above or below";
-    }
-    const QMatrix4x4 before = camera.view();
-    camera.orbit({360.0 / 240.0, 0.0});
-    EXPECT_TRUE(qFuzzyCompare(before, camera.view())
-                || (before * QVector3D(1, 2, 3) - camera.view() * QVector3D(1, 2, 3)).length()
-                       < 1e-3F)
-        << "once around";
-}
-
-TEST(ObjectCameras, showTheWholeBallInNarrowViewsToo)
-{
-    ObjectCamera camera;
-    camera.frame({0, 0, 0}, 1.0F);
+    const QMatrix4x4 back = camera.view().inverted();
     for (const float aspect : {0.25F, 1.0F, 4.0F}) {
-        const QMatrix4x4 seen = camera.projection(aspect) * camera.view();
-        const QMatrix4x4 back = camera.view().inverted();
-        for (const QVector3D &side : {QVector3D(1, 0, 0), QVector3D(0, 1, 0)}) {
-            const QVector3D at = seen.map(back.mapVector(side));
-            EXPECT_LT(std::max(std::abs(at.x()), std::abs(at.y())), 1.0F) << double(aspect);
+        for (const QVector3D &side : {QVector3D(1, 0, 0), {0, 1, 0}, {0, 0, 1}}) {
+            const QVector3D at = onScreen(centre + radius * back.mapVector(side), aspect);
+            for (int axis = 0; axis < 3; ++axis)
+                EXPECT_LT(std::abs(at[axis]), 1.0F) << double(aspect);
         }
     }
+}
+
+TEST_F(ObjectCameras, comeAsNearAndGoAsFarAsIsOfUse)
+{
+    const float framed = distance();
+    camera.zoom(2.0F);
+    EXPECT_NEAR(distance(), framed / 2.0F, 1e-4F);
+    camera.zoom(1e9F);
+    EXPECT_NEAR(distance(), 0.05F * radius, 1e-4F);
+    camera.zoom(1e-9F);
+    EXPECT_NEAR(distance(), 200.0F * radius, 1e-2F);
+    camera.frame(centre, 0.0F);
+    EXPECT_GT(distance(), 0.0F) << "a point is looked at from somewhere";
+}
+
+TEST_F(ObjectCameras, turnOverTheTopOnlyToTheTop)
+{
+    for (const double way : {50.0, -50.0}) {
+        camera.orbit({0.0, way});
+        EXPECT_GT(up().y(), 0.0F) << "upright";
+        EXPECT_LT(up().y(), 0.1F) << "from above or below";
+    }
+    const QVector3D before = onScreen({1, 2, 3});
+    camera.orbit({360.0 / 240.0, 0.0});
+    EXPECT_LT((onScreen({1, 2, 3}) - before).length(), 1e-3F) << "once around";
 }
 
 } // namespace

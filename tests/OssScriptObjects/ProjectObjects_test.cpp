@@ -11,7 +11,7 @@
 #include "OssScriptObjects/OssaProject.h"
 #include "OssScriptObjects/OssaUndo.h"
 #include "ScriptFixture.h"
-#include "ScriptTestObjects.h"
+#include "support/InterfacePreferences.h"
 #include "support/OssaFiles.h"
 
 #include <QAction>
@@ -182,36 +182,36 @@ TEST_F(ProjectObjects, imagesSayHowTheyAreAndOtherFilesAreRefused)
 
 TEST_F(ProjectObjects, preferencesAreReadWrittenAndReset)
 {
-    Preferred preferred;
-    for (const char *key : {"amount", "manner"})
-        OssPreferenceManager::instance()->registerPreference(text("Page"), text("Group"),
-                                                             &preferred, text(key));
+    PreferencesTestObject object;
+    for (const char *key : {"count", "mode"})
+        OssPreferenceManager::instance()->registerPreference(text("Page"), text("Group"), &object,
+                                                             text(key));
     Ossa::Preferences *preferences = m_application->preferences();
     const QStringList names = preferences->names().filter(text("Page/Group/"));
     ASSERT_EQ(names.size(), 2);
-    const QString amount = names.first();
-    const QString manner = names.last();
-    EXPECT_EQ(preferences->value(amount).toInt(), 5);
-    preferences->setValue(amount, 7);
-    EXPECT_EQ(preferred.amount(), 7);
-    preferences->setValue(amount, text("8"));
-    EXPECT_EQ(preferred.amount(), 8);
-    preferences->reset(amount);
-    EXPECT_EQ(preferred.amount(), 5);
-    EXPECT_TRUE(preferences->choices(amount).isEmpty());
-    EXPECT_EQ(preferences->choices(manner), texts({"Fast", "Fine"}));
-    preferences->setValue(manner, text("Fine"));
-    EXPECT_EQ(preferences->value(manner).toString(), text("Fine"));
+    const QString count = names.first();
+    const QString mode = names.last();
+    EXPECT_EQ(preferences->value(count).toInt(), 4);
+    preferences->setValue(count, 7);
+    EXPECT_EQ(object.count, 7);
+    preferences->setValue(count, text("8"));
+    EXPECT_EQ(object.count, 8);
+    preferences->reset(count);
+    EXPECT_EQ(object.count, 4);
+    EXPECT_TRUE(preferences->choices(count).isEmpty());
+    EXPECT_EQ(preferences->choices(mode), texts({"Prompt", "Change", "Leave"}));
+    preferences->setValue(mode, text("Leave"));
+    EXPECT_EQ(preferences->value(mode).toString(), text("Leave"));
     expectRefused({
-        {[=] { preferences->setValue(manner, text("Odd")); }, Type::WrongType,
+        {[=] { preferences->setValue(mode, text("Odd")); }, Type::WrongType,
          "\"Odd\" is no value for the preference"},
-        {[=] { preferences->setValue(amount, text("many")); }, Type::WrongType,
+        {[=] { preferences->setValue(count, text("many")); }, Type::WrongType,
          "\"many\" is no value for the preference"},
         {[=] { preferences->value(text("No")); }, Type::UnknownName, "no preference"},
         {[=] { preferences->setValue(text("No"), 1); }, Type::UnknownName, "no preference"},
         {[=] { preferences->reset(text("No")); }, Type::UnknownName, "no preference"},
         {[=] { preferences->choices(text("No")); }, Type::UnknownName, "no preference"},
     });
-    EXPECT_EQ(preferred.amount(), 5);
-    EXPECT_EQ(preferred.manner(), text("Fine"));
+    EXPECT_EQ(object.count, 4);
+    EXPECT_EQ(object.mode, text("Leave"));
 }

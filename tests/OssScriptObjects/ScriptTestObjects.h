@@ -51,30 +51,3 @@ public:
 private:
     QString m_scriptClass;
 };
-
-/// An object with two preferences, a number and one of two texts.
-class Preferred : public QObject
-{
-    Q_OBJECT
-    Q_PROPERTY(int amount READ amount WRITE setAmount)
-    Q_PROPERTY(QString manner READ manner WRITE setManner)
-
-public:
-    int amount() const { return m_amount; }
-
-    void setAmount(int amount) { m_amount = amount; }
-
-    QString manner() const { return m_manner; }
-
-    void setManner(const QString &manner) { m_manner = manner; }
-
-public Q_SLOTS:
-
-    void resetAmount() { m_amount = 5; }
-
-    QStringList mannerList() const { return {QStringLiteral("Fast"), QStringLiteral("Fine")}; }
-
-private:
-    int m_amount = 5;
-    QString m_manner = QStringLiteral("Fast");
-};

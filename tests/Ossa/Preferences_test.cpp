@@ -4,8 +4,8 @@
 #include "OssCore/Program/OssPreferenceManager.h"
 #include "OssCore/Program/OssSettings.h"
 #include "OssCore/Program/OssStoredPreferences.h"
-#include "PreferencesTestObject.h"
 #include "support/ExpectedLog.h"
+#include "support/InterfacePreferences.h"
 #include "support/Text.h"
 
 #include <gtest/gtest.h>

@@ -1,9 +1,10 @@
 #pragma once
 
-#include <QObject>
-#include <QStringList>
+#include "support/Text.h"
 
-/// Preferences of every kind that the dialog has an editor for.
+#include <QObject>
+
+/// An object with preferences of every kind that the dialog has an editor for.
 class PreferencesTestObject : public QObject
 {
     Q_OBJECT
@@ -22,19 +23,16 @@ public:
     bool flag = true;
     int count = 4;
     double ratio = 0.5;
-    QString note = QStringLiteral("text");
-    QString mode = QStringLiteral("Prompt");
+    QString note = text("text");
+    QString mode = text("Prompt");
     Anchor anchor = Cursor;
     int saves = 0;
 
 public Q_SLOTS:
 
-    QStringList modeList() const
-    {
-        return {QStringLiteral("Prompt"), QStringLiteral("Change"), QStringLiteral("Leave")};
-    }
+    QStringList modeList() const { return texts({"Prompt", "Change", "Leave"}); }
 
-    QString flagTooltip() const { return QStringLiteral("What the flag does"); }
+    QString flagTooltip() const { return text("What the flag does"); }
 
     double ratioDefault() const { return 0.5; }
 

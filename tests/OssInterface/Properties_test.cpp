@@ -61,6 +61,14 @@ TEST_F(Properties, visibleAttributesStandInSectionsInTheirOrder)
     EXPECT_EQ(sections(), texts({"More", "Texts"}));
     EXPECT_EQ(row("Hidden"), nullptr);
     EXPECT_EQ(m_panel->heading()->text(), m_node->name());
+    const auto saysThatThereIsNone = [](const OssNodePropertyPanel &panel) {
+        const auto labels = panel.findChildren<QLabel *>();
+        return std::any_of(labels.begin(), labels.end(), [](const QLabel *label) {
+            return label->text() == text("This node has no properties");
+        });
+    };
+    EXPECT_FALSE(saysThatThereIsNone(*m_panel));
+    EXPECT_TRUE(saysThatThereIsNone(OssNodePropertyPanel(add("Misc/Dot"), {}, nullptr)));
 
     OssPropertyPanelOptions options;
     options.sectionOrder = {QRegularExpression(text("Te.*")),

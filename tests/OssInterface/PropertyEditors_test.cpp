@@ -34,7 +34,7 @@ protected:
         return takes;
     }
 
-    /// What was picked in the dialog for a colour when it closed.
+    /// Picks a colour in the dialog for the tint, and takes it or leaves it.
     void pickTint(const QColor &color, bool accept)
     {
         QTest::keyClick(editor<QPushButton>("Tint"), Qt::Key_Space);
@@ -62,9 +62,9 @@ class Alone
 {
 public:
     explicit Alone(const char *kind)
-        : m_kind(kind)
-        , editor(OssPropertyEditor::create(attribute(kind, QString()), nullptr))
+        : editor(OssPropertyEditor::create(attribute(kind, QString()), nullptr))
         , widget(editor->findChild<Widget *>())
+        , m_kind(kind)
         , m_edited(editor.get(), &OssPropertyEditor::edited)
     {
         editor->show();
@@ -84,14 +84,11 @@ public:
         return all;
     }
 
-private:
-    const char *m_kind;
-
-public:
     const std::unique_ptr<OssPropertyEditor> editor;
     Widget *const widget;
 
 private:
+    const char *m_kind;
     QSignalSpy m_edited;
 };
 

@@ -59,7 +59,7 @@ protected:
 
     void open(const OssPropertyPanelOptions &options)
     {
-        m_panel.reset(new OssNodePropertyPanel(m_node, options, nullptr));
+        m_panel = std::make_unique<OssNodePropertyPanel>(m_node, options, nullptr);
         m_panel->resize(300, 900);
         m_panel->show();
     }

@@ -25,9 +25,9 @@ TEST(ExpandableList, foldsItsBodyByMouseAndKeyAndTellsOnlyOfChanges)
     panel.expand();
     EXPECT_EQ(changed.count(), 0);
     QTest::mouseClick(panel.heading(), Qt::LeftButton);
+    EXPECT_TRUE(panel.isCollapsed());
     panel.collapse();
     EXPECT_EQ(changed.count(), 1);
-    EXPECT_TRUE(panel.isCollapsed());
     EXPECT_FALSE(body->isVisible());
     QTest::keyClick(panel.heading()->findChild<QToolButton *>(), Qt::Key_Space);
     EXPECT_FALSE(panel.isCollapsed());

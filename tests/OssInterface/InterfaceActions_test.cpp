@@ -66,9 +66,9 @@ protected:
     std::unique_ptr<QAction> two = filed("/T/", "Two");
 };
 
-const QString disablePath = text("/Ossa/NodeGraph/Disable");
-const QString bypassPath = text("/Ossa/NodeGraph/Bypass");
-const QString savePath = text("/Ossa/File/Save");
+const QString DisablePath = text("/Ossa/NodeGraph/Disable");
+const QString BypassPath = text("/Ossa/NodeGraph/Bypass");
+const QString SavePath = text("/Ossa/File/Save");
 
 /// A window with a graph palette (a plain widget and a text field in it) and a panel beside it.
 class Shortcuts : public testing::Test
@@ -244,7 +244,7 @@ TEST_F(Shortcuts, actInTheirScopeAndNotWhereTheUserWrites)
     EXPECT_EQ(pressed(graphField, Qt::Key_D, disable), 0);
     EXPECT_EQ(graphField->text(), text("d"));
     // Keys that a field does not use itself are not the graph's either.
-    shortcuts()->setKeys(disablePath, {QKeySequence(Qt::CTRL + Qt::Key_D)});
+    shortcuts()->setKeys(DisablePath, {QKeySequence(Qt::CTRL + Qt::Key_D)});
     EXPECT_EQ(pressed(graphField, Qt::Key_D, disable, Qt::ControlModifier), 0);
     EXPECT_EQ(pressed(canvas, Qt::Key_D, disable, Qt::ControlModifier), 1);
 }
@@ -262,15 +262,15 @@ TEST_F(Shortcuts, equalIdentitiesDoNotBlockEachOther)
 TEST_F(Shortcuts, userKeysReplaceTheDefaultAreStoredAndResetBringsItBack)
 {
     const QString stored = text("Shortcuts/Ossa/NodeGraph/Disable");
-    shortcuts()->setKeys(disablePath, {QKeySequence(Qt::Key_K)});
+    shortcuts()->setKeys(DisablePath, {QKeySequence(Qt::Key_K)});
     EXPECT_EQ(pressed(canvas, Qt::Key_D, disable), 0);
     EXPECT_EQ(pressed(canvas, Qt::Key_K, disable), 1);
     EXPECT_EQ(OssSettings().value(stored).toStringList(), texts({"K"}));
-    shortcuts()->setKeys(disablePath, {});
-    EXPECT_TRUE(shortcuts()->isCustomized(disablePath)) << "taken away, and stays so";
+    shortcuts()->setKeys(DisablePath, {});
+    EXPECT_TRUE(shortcuts()->isCustomized(DisablePath)) << "taken away, and stays so";
     EXPECT_EQ(pressed(canvas, Qt::Key_D, disable), 0);
-    shortcuts()->resetKeys(disablePath);
-    EXPECT_FALSE(shortcuts()->isCustomized(disablePath));
+    shortcuts()->resetKeys(DisablePath);
+    EXPECT_FALSE(shortcuts()->isCustomized(DisablePath));
     EXPECT_FALSE(OssSettings().contains(stored));
     EXPECT_EQ(pressed(canvas, Qt::Key_D, disable), 1);
 }
@@ -280,10 +280,10 @@ TEST_F(Shortcuts, conflictsAreFoundWithinAScopeAndWithTheWindow)
     const auto dab = filed("/Ossa/Canvas", "Dab");
     shortcuts()->setScope(text("/Ossa/Canvas"), panel);
     const std::tuple<QString, QKeySequence, QStringList> cases[] = {
-        {bypassPath, Qt::Key_D, {disablePath}},
-        {bypassPath, Qt::CTRL + Qt::Key_S, {savePath}},
-        {disablePath, Qt::Key_D, {}},
-        {bypassPath, Qt::Key_F12, {}},
+        {BypassPath, Qt::Key_D, {DisablePath}},
+        {BypassPath, Qt::CTRL + Qt::Key_S, {SavePath}},
+        {DisablePath, Qt::Key_D, {}},
+        {BypassPath, Qt::Key_F12, {}},
         {text("/Ossa/Canvas/Dab"), Qt::Key_D, {}}, // beside the graph
     };
     for (const auto &[path, key, wanted] : cases)
@@ -312,8 +312,8 @@ TEST_F(Shortcuts, aKeyThatAnActionCameWithIsShownButNotDoubled)
 
 TEST_F(Shortcuts, groupComesFromTheFolderUnlessAssigned)
 {
-    EXPECT_EQ(shortcuts()->groupOf(disablePath), text("Node Graph"));
-    EXPECT_EQ(shortcuts()->groupOf(savePath), text("File"));
+    EXPECT_EQ(shortcuts()->groupOf(DisablePath), text("Node Graph"));
+    EXPECT_EQ(shortcuts()->groupOf(SavePath), text("File"));
     shortcuts()->assignGroup(text("Ossa/Tests/Thing"), text("My Group"));
     EXPECT_EQ(shortcuts()->groupOf(text("/Ossa/Tests/Thing")), text("My Group"));
 }
@@ -323,19 +323,19 @@ TEST(StoredShortcuts, keysOfTheLastSessionCountAndWhatIsNoKeyDoesNot)
     const auto store = [](const QString &path, const QStringList &keys) {
         OssSettings().setValue(text("Shortcuts") + path, keys);
     };
-    store(disablePath, texts({"K"}));
-    store(bypassPath, {QString()}); // taken away
-    store(savePath, texts({"", "Ctrl+K"}));
+    store(DisablePath, texts({"K"}));
+    store(BypassPath, {QString()}); // taken away
+    store(SavePath, texts({"", "Ctrl+K"}));
     // The next session, in the same place.
     OssShortcutManager *manager = shortcuts();
     manager->~OssShortcutManager();
     new (manager) OssShortcutManager;
-    EXPECT_EQ(shortcuts()->keys(disablePath), QList<QKeySequence>{QKeySequence(Qt::Key_K)});
-    EXPECT_TRUE(shortcuts()->isCustomized(bypassPath));
-    EXPECT_TRUE(shortcuts()->keys(bypassPath).isEmpty());
-    EXPECT_EQ(shortcuts()->keys(savePath), QList<QKeySequence>{QKeySequence(Qt::CTRL + Qt::Key_K)});
+    EXPECT_EQ(shortcuts()->keys(DisablePath), QList<QKeySequence>{QKeySequence(Qt::Key_K)});
+    EXPECT_TRUE(shortcuts()->isCustomized(BypassPath));
+    EXPECT_TRUE(shortcuts()->keys(BypassPath).isEmpty());
+    EXPECT_EQ(shortcuts()->keys(SavePath), QList<QKeySequence>{QKeySequence(Qt::CTRL + Qt::Key_K)});
     shortcuts()->resetAll();
-    EXPECT_FALSE(shortcuts()->isCustomized(bypassPath));
-    EXPECT_FALSE(shortcuts()->keys(bypassPath).isEmpty());
-    EXPECT_TRUE(OssSettings().value(text("Shortcuts") + disablePath).isNull());
+    EXPECT_FALSE(shortcuts()->isCustomized(BypassPath));
+    EXPECT_FALSE(shortcuts()->keys(BypassPath).isEmpty());
+    EXPECT_TRUE(OssSettings().value(text("Shortcuts") + DisablePath).isNull());
 }

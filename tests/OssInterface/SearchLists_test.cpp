@@ -32,7 +32,7 @@ QStringList keys(const QAbstractItemModel &model)
     return column(model, OssNodeTypeListModel::PathKeyRole);
 }
 
-const QString blur = text("Filter/Blur");
+const QString Blur = text("Filter/Blur");
 
 QColor magenta(const QString &)
 {
@@ -124,18 +124,18 @@ TEST_F(SearchLists, typesAreListedOnceUnderTheirFirstHeading)
 {
     OssNodeTypeListModel model;
     const QStringList all = keys(model);
-    ASSERT_TRUE(all.contains(blur));
-    model.setLastUsed({blur, text("None/Such")});
-    model.setFavourites({blur, all.last()});
+    ASSERT_TRUE(all.contains(Blur));
+    model.setLastUsed({Blur, text("None/Such")});
+    model.setFavourites({Blur, all.last()});
     EXPECT_EQ(keys(model).size(), all.size()) << "nothing stands twice";
-    EXPECT_EQ(keys(model).mid(0, 2), QStringList({blur, all.last()}));
+    EXPECT_EQ(keys(model).mid(0, 2), QStringList({Blur, all.last()}));
     EXPECT_EQ(column(model, OssNodeTypeListModel::SectionRole).mid(0, 4),
               texts({"Used last", "Favourites", "All nodes", ""}));
 
     model.toggleFavourite({});
     EXPECT_EQ(model.favourites().size(), 2);
     model.toggleFavourite(model.index(1, 0));
-    EXPECT_EQ(model.favourites(), QStringList{blur});
+    EXPECT_EQ(model.favourites(), QStringList{Blur});
     model.toggleFavourite(model.index(1, 0));
     EXPECT_EQ(model.favourites().size(), 2);
 
@@ -148,7 +148,7 @@ TEST_F(SearchLists, typesAreListedOnceUnderTheirFirstHeading)
     model.setColors({});
     EXPECT_EQ(changed.count(), 1) << "there are no rows";
     model.setSearchText(text("blur"));
-    EXPECT_EQ(keys(model).first(), blur);
+    EXPECT_EQ(keys(model).first(), Blur);
     EXPECT_LT(model.rowCount(), all.size());
     EXPECT_FALSE(model.index(0, 0).data(OssNodeTypeListModel::ColorRole).value<QColor>().isValid());
 }
@@ -160,10 +160,10 @@ TEST_F(SearchLists, typesAreFoundByWhatElseTheyAreCalledAfterThoseOfThatName)
         model.setSearchText(text(words));
         return keys(model);
     };
-    EXPECT_EQ(found("gauss").value(0), blur);
-    EXPECT_EQ(found("soften").value(0), blur);
+    EXPECT_EQ(found("gauss").value(0), Blur);
+    EXPECT_EQ(found("soften").value(0), Blur);
     EXPECT_GT(found("Ramp").indexOf(text("Adjust/Curve")), 0) << "what is called so comes first";
-    EXPECT_TRUE(found("filter blur").contains(blur)) << "by its folder";
+    EXPECT_TRUE(found("filter blur").contains(Blur)) << "by its folder";
 }
 
 TEST_F(SearchLists, nodesAreFoundByAllWordsAndShownWithTheirColours)
@@ -291,7 +291,7 @@ TEST_F(SearchLists, everyWordHasAReasonAndNamesComeFirst)
         {"WALL", path, 2000, 9999},
         {"soft wall", path, 4000, 9999},
         {"unconn", text("unconnected"), 400, 400},
-        {"filter/bl", blur, 300, 300},
+        {"filter/bl", Blur, 300, 300},
         {"northern", node->description(), 200, 200},
         {"6.25", value, 100, 100},
         {"radius=6.2", value, 500, 500},

@@ -32,7 +32,7 @@ protected:
     Ossa::Node *m_group = nullptr;
 };
 
-const QString radius = text("Radius");
+const QString Radius = text("Radius");
 
 } // namespace
 
@@ -43,7 +43,7 @@ TEST_F(NodeObjects, groupsGetPortsAndKnobsAndNothingElseDoes)
     EXPECT_TRUE(m_group->inputs().contains(text("In")));
     EXPECT_TRUE(m_group->outputs().contains(text("Out")));
     Ossa::Node *inner = m_group->inside()->createNode(text("Filter/Blur"), {});
-    const QString knob = m_group->createKnob(inner, radius);
+    const QString knob = m_group->createKnob(inner, Radius);
     EXPECT_TRUE(m_group->attributes().contains(knob));
     EXPECT_FALSE(scripts()->hasError());
     const ExpectedLog expected("is no attribute of a node inside group");
@@ -52,17 +52,17 @@ TEST_F(NodeObjects, groupsGetPortsAndKnobsAndNothingElseDoes)
         {[&] { m_group->createOutput(text("X"), text("sound")); }, Type::NotAllowed, "of kind"},
         {[&] { m_blur->createInput(text("X"), text("color")); }, Type::NotAllowed, "input"},
         {[&] { m_blur->createOutput(text("X"), text("color")); }, Type::NotAllowed, "output"},
-        {[&] { m_group->createKnob(nullptr, radius); }, Type::WrongType, "None is no node"},
+        {[&] { m_group->createKnob(nullptr, Radius); }, Type::WrongType, "None is no node"},
         {[&] { m_group->createKnob(inner, text("No")); }, Type::UnknownName, "no attribute"},
-        {[&] { m_group->createKnob(m_blur, radius); }, Type::NotAllowed, "become a knob"},
-        {[&] { m_blur->createKnob(inner, radius); }, Type::NotAllowed, "become a knob"},
+        {[&] { m_group->createKnob(m_blur, Radius); }, Type::NotAllowed, "become a knob"},
+        {[&] { m_blur->createKnob(inner, Radius); }, Type::NotAllowed, "become a knob"},
     });
 }
 
 TEST_F(NodeObjects, attributesTakeWhatAPanelWouldTake)
 {
     const auto info = [this](const char *what) {
-        return m_blur->attributeInfo(radius).value(text(what));
+        return m_blur->attributeInfo(Radius).value(text(what));
     };
     EXPECT_FALSE(info("choices").isValid());
     EXPECT_TRUE(info("isDefault").toBool());
@@ -71,7 +71,7 @@ TEST_F(NodeObjects, attributesTakeWhatAPanelWouldTake)
     ASSERT_LT(least, most);
     const auto set = [&](double value) {
         return [=] {
-            m_blur->setAttribute(radius, value);
+            m_blur->setAttribute(Radius, value);
         };
     };
     const double none = std::numeric_limits<double>::quiet_NaN();
@@ -86,10 +86,10 @@ TEST_F(NodeObjects, attributesTakeWhatAPanelWouldTake)
         {[&] { m_blur->setPosition(QPointF()); }, Type::ObjectUnavailable, "in no node graph"},
         {[&] { m_blur->setSize(QSizeF()); }, Type::ObjectUnavailable, "in no node graph"},
     });
-    m_blur->setAttribute(radius, most);
-    EXPECT_EQ(m_blur->attribute(radius).toDouble(), most);
+    m_blur->setAttribute(Radius, most);
+    EXPECT_EQ(m_blur->attribute(Radius).toDouble(), most);
     EXPECT_FALSE(info("isDefault").toBool());
-    m_blur->resetAttribute(radius);
+    m_blur->resetAttribute(Radius);
     EXPECT_TRUE(info("isDefault").toBool());
     const Ossa::Node *merge = m_graph->createNode(text("Layer/Merge"), {});
     EXPECT_TRUE(merge->attributeInfo(text("BlendMode")).contains(text("choices")));

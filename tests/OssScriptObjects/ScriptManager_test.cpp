@@ -10,23 +10,23 @@
 
 namespace {
 
-const QString thingClass = text("Tests::ThingAPI");
-const QString otherClass = text("Tests::OtherAPI");
+const QString ThingClass = text("Tests::ThingAPI");
+const QString OtherClass = text("Tests::OtherAPI");
 
 class ScriptManager : public testing::Test
 {
 protected:
     static void SetUpTestSuite()
     {
-        scripts()->registerAPIFactory(new ThingFactory(thingClass));
-        scripts()->registerAPIFactory(new ThingFactory(otherClass));
+        scripts()->registerAPIFactory(new ThingFactory(ThingClass));
+        scripts()->registerAPIFactory(new ThingFactory(OtherClass));
     }
 
     ScriptManager() { scripts()->clearError(); }
 
-    static Ossa::API *obtain(QObject *thing) { return scripts()->obtainAPI(thing, thingClass); }
+    static Ossa::API *obtain(QObject *thing) { return scripts()->obtainAPI(thing, ThingClass); }
 
-    static Ossa::API *find(const QObject *thing) { return scripts()->findAPI(thing, thingClass); }
+    static Ossa::API *find(const QObject *thing) { return scripts()->findAPI(thing, ThingClass); }
 
     /// The error of the call before.
     static OssScriptException::Type errorType()
@@ -48,7 +48,7 @@ TEST_F(ScriptManager, oneScriptObjectPerInternalObjectAndClassAlsoOfSubclasses)
     Ossa::API *api = obtain(&thing);
     ASSERT_NE(api, nullptr);
     EXPECT_EQ(obtain(&thing), api);
-    EXPECT_NE(scripts()->obtainAPI(&thing, otherClass), api);
+    EXPECT_NE(scripts()->obtainAPI(&thing, OtherClass), api);
     EXPECT_EQ(api->internalObject(), &thing);
     EXPECT_NE(obtain(&subThing), nullptr);
     EXPECT_EQ(obtain(&stranger), nullptr);

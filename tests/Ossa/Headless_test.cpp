@@ -24,7 +24,7 @@ CommandLine parse(std::vector<const char *> arguments)
     return CommandLine::parse(int(arguments.size()), arguments.data());
 }
 
-const QString nowhere = text("/nowhere/wall.ossa");
+const QString Nowhere = text("/nowhere/wall.ossa");
 
 /// A project that can be described and baked, saved; the commands run here without the program.
 class Headless : public ModelFixture
@@ -125,15 +125,15 @@ TEST(CommandLineParsing, faultyUseIsAnsweredInOneLine)
 TEST(Programs, answerOnTheirStreamsAndEndWithTheirCodes)
 {
     const QString example = text(OSSA_EXAMPLES "/Old Plaster.ossa");
-    const QStringList bake{text("bake"), example, text("-o"), nowhere, text("--patches")};
+    const QStringList bake{text("bake"), example, text("-o"), Nowhere, text("--patches")};
     const std::tuple<bool, QStringList, int, const char *, const char *> cases[] = {
         // of those without widgets, how it is called, code, what it says: null for nothing
         {false, texts({"--version"}), ExitCode::Success, "ossa ", nullptr},
         {false, texts({"graph"}), ExitCode::Usage, nullptr, "ossa: "},
         {false, {}, ExitCode::Failure, nullptr, "no display"},
-        {false, {text("info"), nowhere}, ExitCode::Failure, nullptr, "/nowhere/wall.ossa"},
+        {false, {text("info"), Nowhere}, ExitCode::Failure, nullptr, "/nowhere/wall.ossa"},
         {false,
-         {text("graph"), nowhere, text("-o"), text("a.png")},
+         {text("graph"), Nowhere, text("-o"), text("a.png")},
          ExitCode::Failure,
          nullptr,
          "/nowhere/wall.ossa"},
@@ -141,7 +141,7 @@ TEST(Programs, answerOnTheirStreamsAndEndWithTheirCodes)
         {true, texts({"--version"}), ExitCode::Success, "ossa ", nullptr},
         {true, texts({"info"}), ExitCode::Usage, nullptr, "PROJECT"},
         {true, {text("info"), example}, ExitCode::Success, "Standard Surface", nullptr},
-        {true, {text("info"), nowhere}, ExitCode::Failure, nullptr, "/nowhere/wall.ossa"},
+        {true, {text("info"), Nowhere}, ExitCode::Failure, nullptr, "/nowhere/wall.ossa"},
         {true,
          {text("graph"), example, text("-o"), text("a.png")},
          ExitCode::Usage,
@@ -243,8 +243,8 @@ TEST_F(Headless, infoSaysWhatIsUnusual)
 TEST_F(Headless, whatCannotBeDoneIsAFailureInOneLine)
 {
     testing::internal::CaptureStderr();
-    EXPECT_EQ(runInfoCommand(nowhere, false), ExitCode::Failure);
-    EXPECT_EQ(runGraphCommand(nowhere, path()), ExitCode::Failure);
+    EXPECT_EQ(runInfoCommand(Nowhere, false), ExitCode::Failure);
+    EXPECT_EQ(runGraphCommand(Nowhere, path()), ExitCode::Failure);
     EXPECT_EQ(runGraphCommand(path(), m_folder.filePath(text("wall.png"))), ExitCode::Failure);
     const std::string errors = testing::internal::GetCapturedStderr();
     EXPECT_EQ(std::count(errors.begin(), errors.end(), '\n'), 3) << errors;

@@ -16,7 +16,7 @@
 
 namespace {
 
-const QString root = text(OSSA_EXAMPLES "/..");
+const QString Root = text(OSSA_EXAMPLES "/..");
 
 QString contentOf(const QString &path)
 {
@@ -58,7 +58,7 @@ TEST_F(ScriptRun, examplesOfTheDocumentPrintWhatItSays)
 {
     const QRegularExpression block(text("```python\n(.*?)```(?:\n\n```text\n(.*?)```)"),
                                    QRegularExpression::DotMatchesEverythingOption);
-    const QString document = contentOf(root + text("/docs/scripting.md"));
+    const QString document = contentOf(Root + text("/docs/scripting.md"));
     int count = 0;
     auto examples = block.globalMatch(document);
     while (examples.hasNext()) {
@@ -75,8 +75,8 @@ TEST_F(ScriptRun, examplesOfTheDocumentPrintWhatItSays)
 
 TEST_F(ScriptRun, everyScriptClassHasAnExampleAndTheStubsAreUpToDate)
 {
-    const QString document = contentOf(root + text("/docs/scripting.md"));
-    const QString stubs = contentOf(root + text("/docs/ossa.pyi"));
+    const QString document = contentOf(Root + text("/docs/scripting.md"));
+    const QString stubs = contentOf(Root + text("/docs/ossa.pyi"));
     auto classes = QRegularExpression(text("^class (\\w+)\\(Object\\)"),
                                       QRegularExpression::MultilineOption)
                        .globalMatch(stubs);
@@ -110,7 +110,7 @@ TEST_F(ScriptRun, scriptsThatLookForThemselvesSurvive)
 {
     for (const char *name : {"hostile.py", "values.py"}) {
         const ProgramRun outcome = ProgramRun::of(
-            {text("run"), root + text("/tests/Ossa/scripts/") + text(name)});
+            {text("run"), Root + text("/tests/Ossa/scripts/") + text(name)});
         EXPECT_EQ(outcome.exitCode, 0) << name << ": " << outcome.err.data();
         EXPECT_EQ(outcome.out, "survived\n") << name;
     }

@@ -137,7 +137,7 @@ TEST(ActionTree, pathsAreLookedUpWithoutRegardToSlashesButWithTheirLetters)
 TEST(ActionTree, firstOfEqualIdentitiesAnswersAndTheNextTakesOver)
 {
     auto first = filed("/Tests/Equal/", "Pick Up");
-    const auto second = filed("/Tests/Equal", "Pick Up");
+    auto second = filed("/Tests/Equal", "Pick Up");
     tree()->registerAction(text("Tests//Equal"), second.get()); // twice the same is once
     EXPECT_EQ(find("/Tests/Equal/Pick Up"), first.get());
     EXPECT_EQ(tree()->entries(text("/Tests/Equal"), false).size(), 2);
@@ -146,7 +146,11 @@ TEST(ActionTree, firstOfEqualIdentitiesAnswersAndTheNextTakesOver)
     first.reset();
     EXPECT_EQ(removed.count(), 1);
     EXPECT_EQ(find("/Tests/Equal/Pick Up"), second.get());
-    EXPECT_EQ(tree()->entries(text("/Tests/Equal"), true).size(), 1);
+    second.reset();
+    EXPECT_EQ(removed.count(), 2);
+    EXPECT_EQ(find("/Tests/Equal/Pick Up"), nullptr);
+    EXPECT_FALSE(tree()->hasAction(text("/Tests/Equal/Pick Up")));
+    EXPECT_TRUE(tree()->entries(text("/Tests/Equal"), true).isEmpty());
 }
 
 // A translation or a step's title in the text must not move keys and scripts to another command.

@@ -146,6 +146,7 @@ TEST(ActionTree, firstOfEqualIdentitiesAnswersAndTheNextTakesOver)
     first.reset();
     EXPECT_EQ(removed.count(), 1);
     EXPECT_EQ(find("/Tests/Equal/Pick Up"), second.get());
+    EXPECT_TRUE(tree()->hasAction(text("/Tests/Equal/Pick Up")));
     second.reset();
     EXPECT_EQ(removed.count(), 2);
     EXPECT_EQ(find("/Tests/Equal/Pick Up"), nullptr);

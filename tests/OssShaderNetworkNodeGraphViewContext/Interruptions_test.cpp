@@ -175,6 +175,10 @@ QVector<Interruptions::Interruption> Interruptions::interruptions()
          [] {
              OssUndoManager::instance()->undo();
          }},
+        {"undo of nothing",
+         [this] {
+             QTest::keyClick(m_view, Qt::Key_Z, Qt::ControlModifier);
+         }},
         {"group",
          [this] {
              m_network->groupNodes({m_color});

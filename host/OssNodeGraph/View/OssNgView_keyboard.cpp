@@ -27,6 +27,11 @@ QPointF arrowDirection(int key)
     }
 }
 
+bool isModifier(int key)
+{
+    return (key >= Qt::Key_Shift && key <= Qt::Key_ScrollLock) || key == Qt::Key_AltGr;
+}
+
 } // namespace
 
 void OssNgView::keyPressEvent(QKeyEvent *event)
@@ -36,6 +41,8 @@ void OssNgView::keyPressEvent(QKeyEvent *event)
                           : handleNavigationKey(event) || handleNudgeKey(event);
     if (used)
         event->accept();
+    else if (!isModifier(event->key()))
+        interruptGesture(); // also keys of commands that can do nothing now
 }
 
 bool OssNgView::handleNavigationKey(const QKeyEvent *event)

@@ -74,7 +74,8 @@
     ACTION("Pan Down", panDown, panDown())                                                          \
     ACTION("Open Node Properties", openNodeProperties, openNodeProperties())                       \
     ACTION("Toggle Snap to Grid", toggleSnapToGrid, toggleSnapToGrid())                             \
-    ACTION("Toggle Edge Sever Mode", toggleEdgeSeverAction, toggleEdgeSeverAction())
+    ACTION("Toggle Edge Sever Mode", toggleEdgeSeverAction, toggleEdgeSeverAction())                \
+    ACTION("Bake Again", bakeSelectedBakePointsAgain, bakeSelectedBakePointsAgain())
 
 /// Slots that forward in the same way but have no action: reached by name.
 #define OSS_NODE_GRAPH_NAMED_SLOTS(SLOT)                                                           \

@@ -142,6 +142,8 @@ public Q_SLOTS:
     void bakeEmptyAndUpdateOutOfDateBakePoints();
     void bakeSelectedBakePoints();
     void updateSelectedBakePoints();
+    /// Whether they are out of date or not.
+    void bakeSelectedBakePointsAgain();
     void updateUpstreamBakePoints();
     void updateDownstreamBakePoints();
     /// What follows the selected node follows a new paint node with its pixels instead.

@@ -86,6 +86,17 @@ void OssShaderNetworkView::updateSelectedBakePoints()
              QT_TR_NOOP("No Bake Point nodes are selected"));
 }
 
+void OssShaderNetworkView::bakeSelectedBakePointsAgain()
+{
+    if (!hasNetwork())
+        return;
+    const QList<OssSnBakePointNode *> nodes = bakePointsAmong(m_network->selectedNodes());
+    if (nodes.isEmpty())
+        bake(nodes, true, QT_TR_NOOP("No Bake Point nodes are selected"));
+    else
+        tell(tr("Bake Again"), OssShaderNetworkUtils::bakeAgain(nodes));
+}
+
 QList<OssSnBaseNode *> OssShaderNetworkView::selectionToBakeAround() const
 {
     if (!hasNetwork())

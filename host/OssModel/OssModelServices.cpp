@@ -4,6 +4,7 @@
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Images/OssFileWatch.h"
 #include "OssModel/Images/OssImageManager.h"
 #include "OssModel/Layers/OssLayerManager.h"
 #include "OssModel/Layers/OssLayerRefreshSuspensionManager.h"
@@ -19,6 +20,7 @@
 struct OssModelServices::Services
 {
     OssCoreServices core;
+    OssFileWatch files;
     OssShaderNetworkManager networks;
     OssLinkedCustomAttributeManager links;
     OssSnTeleportNodeManager teleports;

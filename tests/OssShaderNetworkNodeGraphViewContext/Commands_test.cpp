@@ -483,6 +483,8 @@ TEST_F(CommandsTest, whereNothingInTheGraphShowsItTheUserIsTold)
         {&View::updateSelectedBakePoints, {bake}, "All baked results are up to date"},
         {&View::bakeSelectedBakePoints, {bake}, nullptr},
         {&View::bakeSelectedBakePoints, {bake}, "All baked results are up to date"},
+        {&View::bakeSelectedBakePointsAgain, {m_blur}, "No Bake Point nodes are selected"},
+        {&View::bakeSelectedBakePointsAgain, {bake}, nullptr},
     };
 
     for (const auto &c : cases) {

@@ -208,6 +208,7 @@ const Row Rows[] = {
     {"Open Node Properties"},
     {"Toggle Snap to Grid"},
     {"Toggle Edge Sever Mode"},
+    {"Bake Again", {}, {{Nothing, NoBakePoints}, {Many, NoBakePoints}}},
 };
 // clang-format on
 

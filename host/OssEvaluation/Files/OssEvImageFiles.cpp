@@ -113,6 +113,7 @@ struct OssEvImageFiles::Private
     };
 
     std::shared_ptr<const OssEvColorSpaces> spaces;
+    std::shared_ptr<OssEvFileContents> contents; ///< may be null
     std::mutex mutex;
     /// Latest used last.
     std::list<Open> idle;
@@ -140,16 +141,40 @@ struct OssEvImageFiles::Private
         }
     }
 
-    static std::string keyOf(const std::string &path, const struct stat &status)
+    /// What keeps the pixels of one file apart from all others.
+    OssEvKey contentOf(const std::string &path, Identity identity,
+                       const OssEvImageRows::Meaning &meaning) const
     {
+        OssEvKeyBuilder key;
+        const OssEvKey content = contents != nullptr && identity == Identity::Content
+                                     ? contents->of(path)
+                                     : OssEvKey();
+        if (content.isNull())
+            key.add(looksOf(path));
+        else
+            key.add(content);
+        return key.add(meaning.space)
+            .add(int(meaning.premultiply))
+            .add(meaning.channels)
+            .add(int(meaning.format))
+            .key();
+    }
+
+private:
+    static std::string looksOf(const std::string &path)
+    {
+        struct stat status = {};
+        ::stat(path.c_str(), &status);
         return path + '\n' + std::to_string(status.st_mtim.tv_sec) + '.'
                + std::to_string(status.st_mtim.tv_nsec) + '\n' + std::to_string(status.st_size);
     }
 };
 
-OssEvImageFiles::OssEvImageFiles(std::shared_ptr<const OssEvColorSpaces> spaces)
+OssEvImageFiles::OssEvImageFiles(std::shared_ptr<const OssEvColorSpaces> spaces,
+                                 std::shared_ptr<OssEvFileContents> contents)
     : d(std::make_unique<Private>())
 {
+    d->contents = std::move(contents);
     d->spaces = spaces != nullptr ? std::move(spaces) : OssEvColorSpaces::builtIn();
 }
 
@@ -177,17 +202,21 @@ OssEvResult OssEvImageFiles::readHeader(const std::string &path, OssEvImageHeade
 
 OssEvResult OssEvImageFiles::describe(const Image &image, OssEvImageInfo *info)
 {
+    return describeFile(image, Identity::Content, info);
+}
+
+OssEvResult OssEvImageFiles::describeFile(const Image &image, Identity identity,
+                                          OssEvImageInfo *info)
+{
     const std::string pattern = OssEvUdim::pattern(image.name);
     const std::string path = OssEvUdim::file(pattern, image.patch);
-    struct stat status = {};
-    const bool exists = ::stat(path.c_str(), &status) == 0;
-    if (!exists && OssEvUdim::isPattern(pattern) && !OssEvUdim::patches(pattern).empty()) {
+    const std::string looks = OssEvFileContents::quickLook(path);
+    if (looks.empty() && OssEvUdim::isPattern(pattern) && !OssEvUdim::patches(pattern).empty()) {
         *info = {};
         return {};
     }
     try {
-        const std::string key = Private::keyOf(path, status);
-        Input input = exists ? d->take(key) : nullptr;
+        Input input = looks.empty() ? nullptr : d->take(looks);
         if (input == nullptr) {
             OssEvResult result = openFile(path, &input);
             if (!result)
@@ -200,9 +229,8 @@ OssEvResult OssEvImageFiles::describe(const Image &image, OssEvImageInfo *info)
         info->channels = meaning.channels;
         info->format = meaning.format;
         info->isSequential = isReadWhole(*input);
-        info->content =
-            OssEvKeyBuilder().add(key).add(int(image.colorSpace)).add(int(meaning.format)).key();
-        d->keep(key, std::move(input));
+        info->content = d->contentOf(path, identity, meaning);
+        d->keep(looks, std::move(input));
         return {};
     } catch (const std::exception &fault) {
         return refused(path, fault.what());
@@ -212,19 +240,28 @@ OssEvResult OssEvImageFiles::describe(const Image &image, OssEvImageInfo *info)
 OssEvResult OssEvImageFiles::read(const Image &image, int reduction, int tileRow,
                                   const OssEvCancel &cancel, const Deliver &deliver)
 {
+    return readFile(image, Identity::Content, reduction, tileRow, cancel, deliver);
+}
+
+OssEvResult OssEvImageFiles::readFile(const Image &image, Identity identity, int reduction,
+                                      int tileRow, const OssEvCancel &cancel,
+                                      const Deliver &deliver)
+{
     const std::string path = OssEvUdim::file(OssEvUdim::pattern(image.name), image.patch);
-    struct stat status = {};
-    if (::stat(path.c_str(), &status) != 0)
+    const std::string looks = OssEvFileContents::quickLook(path);
+    if (looks.empty())
         return refused(path, "there is no such file");
     try {
-        const std::string key = Private::keyOf(path, status);
-        Input input = d->take(key);
+        Input input = d->take(looks);
         if (input == nullptr) {
             OssEvResult result = openFile(path, &input);
             if (!result)
                 return result;
         }
-        OssEvImageRows rows(input.get(), meaningOf(input->spec(), image.colorSpace, d->spaces));
+        const auto meaning = meaningOf(input->spec(), image.colorSpace, d->spaces);
+        if (!image.content.isNull() && d->contentOf(path, identity, meaning) != image.content)
+            return refused(path, "it is another one by now");
+        OssEvImageRows rows(input.get(), meaning);
         const bool sequential = isReadWhole(*input);
         int height = input->spec().height;
         for (int i = 0; i < reduction; ++i)
@@ -236,7 +273,10 @@ OssEvResult OssEvImageFiles::read(const Image &image, int reduction, int tileRow
             if (!result)
                 return refused(path, result.error());
         }
-        d->keep(key, std::move(input));
+        const bool isTouched = OssEvFileContents::quickLook(path) != looks;
+        if (isTouched && d->contentOf(path, identity, meaning) != image.content)
+            return refused(path, "it was written to while it was read");
+        d->keep(looks, std::move(input));
         return {};
     } catch (const std::bad_alloc &) {
         return refused(path, "there is not enough memory");

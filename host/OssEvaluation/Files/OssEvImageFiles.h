@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OssEvaluation/Files/OssEvColorSpaces.h"
+#include "OssEvaluation/Files/OssEvFileContents.h"
 #include "OssEvaluation/OssEvaluation_export.h"
 #include "OssEvaluation/Schedule/OssEvImageProvider.h"
 
@@ -32,8 +33,10 @@ public:
     static constexpr int MaximumSize = 65536;
     static constexpr long long MaximumTexels = 1LL << 29;
 
-    /// The built-in colour spaces when null.
-    explicit OssEvImageFiles(std::shared_ptr<const OssEvColorSpaces> spaces = {});
+    /// The built-in colour spaces when null. With `contents` pictures are known by what is in their
+    /// files, without by the files' names, times and sizes.
+    explicit OssEvImageFiles(std::shared_ptr<const OssEvColorSpaces> spaces = {},
+                             std::shared_ptr<OssEvFileContents> contents = {});
     ~OssEvImageFiles() override;
 
     static OssEvResult readHeader(const std::string &path, OssEvImageHeader *header);
@@ -41,6 +44,15 @@ public:
     OssEvResult describe(const Image &image, OssEvImageInfo *info) override;
     OssEvResult read(const Image &image, int reduction, int tileRow, const OssEvCancel &cancel,
                      const Deliver &deliver) override;
+
+protected:
+    /// Whether a file is known by what is in it, which costs reading it, or by its name, times and
+    /// size, as is enough for those that nobody writes again.
+    enum class Identity { Content, Looks };
+
+    OssEvResult describeFile(const Image &image, Identity identity, OssEvImageInfo *info);
+    OssEvResult readFile(const Image &image, Identity identity, int reduction, int tileRow,
+                         const OssEvCancel &cancel, const Deliver &deliver);
 
 private:
     struct Private;

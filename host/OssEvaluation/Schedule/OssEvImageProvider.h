@@ -36,6 +36,9 @@ public:
         std::string name;
         ColorSpace colorSpace = ColorSpace::Automatic;
         int patch = 1001;
+        /// What describe() told. read() then gives these pixels or none: it fails when the image has
+        /// become another. Null: whatever is there.
+        OssEvKey content = {};
     };
 
     OssEvImageProvider() = default;

@@ -245,6 +245,7 @@ OssEvResult OssEvPlanner::makeImage(const Output &output, const OssEvImageOperat
         return {};
     }
     value.kind = Kind::Image;
+    value.image.content = info.content;
     value.precise = info.format == OssEvTile::Format::Float;
     value.isSequential = info.isSequential;
     // The reader halves as long as nothing is lost by it.

@@ -133,8 +133,9 @@ const std::vector<Row> RowTable{
     {"/Ossa/NodeGraph", QT_TR_NOOP("Smart Bake And Update"), "Ctrl+B", "Bake 2.1, Object 3.1", Always},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Bake Selected"), "", "Bake 2.2, Object 3.2", Always},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Update Selected"), "", "Bake 2.3, Object 3.3", Always},
-    {"/Ossa/NodeGraph", QT_TR_NOOP("Update Upstream"), "", "Bake 2.4, Object 3.4", Always},
-    {"/Ossa/NodeGraph", QT_TR_NOOP("Update Downstream"), "", "Bake 2.5, Object 3.5", Always},
+    {"/Ossa/NodeGraph", QT_TR_NOOP("Bake Again"), "", "Bake 2.4, Object 3.4", Always, QT_TR_NOOP("Bake the selected bake points, whether they are out of date or not")},
+    {"/Ossa/NodeGraph", QT_TR_NOOP("Update Upstream"), "", "Bake 2.5, Object 3.5", Always},
+    {"/Ossa/NodeGraph", QT_TR_NOOP("Update Downstream"), "", "Bake 2.6, Object 3.6", Always},
 
     {"/Ossa/NodeGraph", QT_TR_NOOP("Group Selected Nodes"), "Ctrl+G", "Group 1.1", Always, QT_TR_NOOP("Put the selected nodes into a group with a port for each stream")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Ungroup"), "Ctrl+Shift+G", "Group 1.2", Always, QT_TR_NOOP("Put what is inside the selected groups in their place")},

@@ -7,6 +7,7 @@
 #include "OssEvaluation/Schedule/OssEvEngine.h"
 #include "OssModel/Evaluation/OssImageSetFiles.h"
 #include "OssModel/Graph/OssGeoEntity.h"
+#include "OssModel/Images/OssFileWatch.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -28,28 +29,31 @@ OssEvEngine *OssEvaluationService::engine()
 std::shared_ptr<OssEvImageProvider> OssEvaluationService::images()
 {
     if (!m_images)
-        m_images = std::make_shared<OssImageSetFiles>();
+        m_images = std::make_shared<OssImageSetFiles>(OssFileWatch::instance()->contents());
     return m_images;
 }
 
 std::shared_ptr<const OssEvMesh> OssEvaluationService::mesh(const OssGeoEntity *entity)
 {
-    const QString shape = entity ? entity->geometry() : QStringLiteral("plane");
+    const QString shape = entity ? entity->geometry() : OssGeoEntity::usualGeometry();
     if (shape == QLatin1String("sphere"))
         return OssEvShapes::sphere();
     if (shape == QLatin1String("cube"))
         return OssEvShapes::cube();
-    if (shape == QLatin1String("plane"))
+    if (!OssGeoEntity::isFile(shape))
         return OssEvShapes::plane();
-    std::shared_ptr<const OssEvMesh> &known = m_meshes[shape];
-    if (!known) {
-        const OssEvResult result = OssEvMeshFile::read(shape.toStdString(), &known);
+    Mesh &known = m_meshes[shape];
+    // Null where the watch has not looked yet: then what was read is as good as anything.
+    const QString content = OssFileWatch::instance()->contentOf(shape);
+    if (!known.mesh || (!content.isNull() && known.content != content)) {
+        known.content = OssFileWatch::instance()->readContent(shape);
+        const OssEvResult result = OssEvMeshFile::read(shape.toStdString(), &known.mesh);
         if (!result) {
             OssDebug("OssEvaluationService", __LINE__, "[ !! ] %s", result.error().c_str());
-            known = OssEvShapes::plane();
+            known.mesh = OssEvShapes::plane();
         }
     }
-    return known;
+    return known.mesh;
 }
 
 QList<int> OssEvaluationService::patches(const OssGeoEntity *entity)

@@ -30,8 +30,8 @@ public:
 
     OssEvEngine *engine();
     std::shared_ptr<OssEvImageProvider> images();
-    /// Read once for each shape. A shape that cannot be read is a debug line, and a plane from then
-    /// on.
+    /// Read once for each shape, and again when its file holds something else. A shape that cannot be
+    /// read is a debug line, and a plane until then.
     std::shared_ptr<const OssEvMesh> mesh(const OssGeoEntity *entity);
     /// In ascending order.
     QList<int> patches(const OssGeoEntity *entity);
@@ -67,7 +67,13 @@ private:
     OssResult runBakes(std::vector<OssEvBake::Job> bakes,
                        const std::function<bool(int, int)> &onProgress);
 
+    struct Mesh
+    {
+        std::shared_ptr<const OssEvMesh> mesh; ///< null: not read yet
+        QString content;                       ///< as OssFileWatch names it
+    };
+
     std::unique_ptr<OssEvEngine> m_engine;
     std::shared_ptr<OssEvImageProvider> m_images;
-    QMap<QString, std::shared_ptr<const OssEvMesh>> m_meshes;
+    QMap<QString, Mesh> m_meshes; ///< by file
 };

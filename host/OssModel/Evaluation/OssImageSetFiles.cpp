@@ -53,11 +53,13 @@ std::string OssImageSetFiles::fillOf(const Image &image)
     return image.name.substr(value, image.name.find('\n', value) - value);
 }
 
-bool OssImageSetFiles::toFile(const Image &image, Image *file)
+bool OssImageSetFiles::toFile(const Image &image, Image *file, Identity *identity)
 {
     *file = image;
+    *identity = Identity::Content;
     if (image.name.compare(0, SetMark.size(), SetMark) != 0)
         return true;
+    *identity = Identity::Looks;
     for (std::size_t begin = SetMark.size(); begin < image.name.size();) {
         const std::size_t end = std::min(image.name.find('\n', begin), image.name.size());
         const std::string line = image.name.substr(begin, end - begin);
@@ -74,8 +76,9 @@ bool OssImageSetFiles::toFile(const Image &image, Image *file)
 OssEvResult OssImageSetFiles::describe(const Image &image, OssEvImageInfo *info)
 {
     Image file;
-    if (toFile(image, &file))
-        return OssEvImageFiles::describe(file, info);
+    Identity identity = Identity::Content;
+    if (toFile(image, &file, &identity))
+        return describeFile(file, identity, info);
     *info = {};
     const std::string fill = fillOf(image);
     if (!fill.empty()) {
@@ -91,8 +94,9 @@ OssEvResult OssImageSetFiles::read(const Image &image, int reduction, int tileRo
                                    const OssEvCancel &cancel, const Deliver &deliver)
 {
     Image file;
-    if (toFile(image, &file))
-        return OssEvImageFiles::read(file, reduction, tileRow, cancel, deliver);
+    Identity identity = Identity::Content;
+    if (toFile(image, &file, &identity))
+        return readFile(file, identity, reduction, tileRow, cancel, deliver);
     const std::string fill = fillOf(image);
     if (!fill.empty()) {
         const OssColor color = OssColor::fromString(QString::fromStdString(fill));

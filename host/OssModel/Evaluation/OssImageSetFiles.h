@@ -12,6 +12,11 @@ class OssSnBaseNode;
 class OSSMODEL_EXPORT OssImageSetFiles : public OssEvImageFiles
 {
 public:
+    explicit OssImageSetFiles(std::shared_ptr<OssEvFileContents> contents)
+        : OssEvImageFiles({}, std::move(contents))
+    {
+    }
+
     /// The name under which the node's images are evaluated; empty while they have no pixels. Other
     /// pixels, other name. Patches that nothing was written to have the set's fill colour. A bake
     /// point with a limit leaves out those beyond it, and the colour that it says stands for them
@@ -23,8 +28,8 @@ public:
                      const Deliver &deliver) override;
 
 private:
-    /// False when there is nothing for the patch.
-    static bool toFile(const Image &image, Image *file);
+    /// False when there is nothing for the patch. Files of the pixel store are never written again.
+    static bool toFile(const Image &image, Image *file, Identity *identity);
     /// The colour of such a patch, as the rest of its line; empty when it is transparent.
     static std::string fillOf(const Image &image);
 };

@@ -8,6 +8,7 @@
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssGeoImageSet.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Images/OssFileWatch.h"
 #include "OssModel/Nodes/OssSnBakePointNode.h"
 #include "OssModel/Nodes/OssSnResultKey.h"
 #include "OssModel/Objects/OssImageSet.h"
@@ -102,21 +103,27 @@ OssResult bakeOne(OssSnBakePointNode *node, const std::function<bool(int, int)> 
     return {};
 }
 
-} // namespace
+/// Has the files that feed the bake points looked at, so that their state is known.
+void knowFiles(const QList<OssSnBakePointNode *> &nodes, const OssBakeProgress &progress)
+{
+    for (const OssSnBakePointNode *node : nodes) {
+        if (const OssSnBaseNode *source = node->inputNode(node->preferredInputName()))
+            OssSnResultKey::of(source, node->inputOutputPoint(node->preferredInputName()));
+    }
+    OssFileWatch::instance()->settle([&progress] { return !progress.isStopped(); });
+}
 
-OssResult OssShaderNetworkUtils::bakeBakePoints(const QList<OssSnBakePointNode *> &nodes,
-                                                bool updateOutOfDate, bool bakeEmpty)
+OssResult bakeWanted(const QList<OssSnBakePointNode *> &nodes,
+                     const std::function<bool(const OssSnBakePointNode *)> &isWanted)
 {
     const OssUndoManager::AutoMacro macro(tr("Bake"));
     const QList<OssSnBakePointNode *> sorted = sourcesFirst(nodes);
     OssBakeProgress progress(tr("Baking"), sorted.size());
+    knowFiles(sorted, progress);
     for (int i = 0; i < sorted.size(); ++i) {
         OssSnBakePointNode *node = sorted.at(i);
         // Asked only now: what was baked before it may have changed what feeds it.
-        const bool wanted = node->hasBakedResult()
-                                ? updateOutOfDate && !node->isBakedResultUpToDate()
-                                : bakeEmpty;
-        if (!wanted || !isBakedForItsObject(node))
+        if (!isWanted(node) || !isBakedForItsObject(node))
             continue;
         const OssResult baked = bakeOne(node, progress.forPart(i, node->name()));
         if (progress.isStopped())
@@ -125,4 +132,20 @@ OssResult OssShaderNetworkUtils::bakeBakePoints(const QList<OssSnBakePointNode *
             return baked;
     }
     return {};
+}
+
+} // namespace
+
+OssResult OssShaderNetworkUtils::bakeBakePoints(const QList<OssSnBakePointNode *> &nodes,
+                                                bool updateOutOfDate, bool bakeEmpty)
+{
+    return bakeWanted(nodes, [=](const OssSnBakePointNode *node) {
+        return node->hasBakedResult() ? updateOutOfDate && !node->isBakedResultUpToDate()
+                                      : bakeEmpty;
+    });
+}
+
+OssResult OssShaderNetworkUtils::bakeAgain(const QList<OssSnBakePointNode *> &nodes)
+{
+    return bakeWanted(nodes, [](const OssSnBakePointNode *) { return true; });
 }

@@ -16,11 +16,18 @@ const QString GroupsCollection = QStringLiteral("m_shadingGroups");
 
 OssGeoEntity::OssGeoEntity(const QString &name, QObject *parent)
     : OssEntity(name, parent)
-    , m_geometry(QStringLiteral("plane"))
+    , m_geometry(usualGeometry())
 {
 }
 
 OssGeoEntity::~OssGeoEntity() = default;
+
+bool OssGeoEntity::isFile(const QString &geometry)
+{
+    static const QStringList shapes{usualGeometry(), QStringLiteral("sphere"),
+                                    QStringLiteral("cube")};
+    return !geometry.isEmpty() && !shapes.contains(geometry);
+}
 
 QList<OssShadingGroup *> OssGeoEntity::shadingGroups() const
 {

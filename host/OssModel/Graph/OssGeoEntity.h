@@ -24,6 +24,12 @@ public:
 
     void setGeometry(const QString &geometry) { m_geometry = geometry; }
 
+    /// What objects have as long as nobody gives them another.
+    static QString usualGeometry() { return QStringLiteral("plane"); }
+
+    /// Whether the geometry is that of a file.
+    static bool isFile(const QString &geometry);
+
     QList<OssShadingGroup *> shadingGroups() const;
     /// Owned by the entity.
     OssShadingGroup *addShadingGroup(const QString &name);

@@ -39,6 +39,9 @@ OSSMODEL_EXPORT bool readsPixels(const OssSnBaseNode *node);
 OSSMODEL_EXPORT OssResult bakeBakePoints(const QList<OssSnBakePointNode *> &nodes,
                                          bool updateOutOfDate, bool bakeEmpty);
 
+/// The same for all of them, whether they are out of date or not.
+OSSMODEL_EXPORT OssResult bakeAgain(const QList<OssSnBakePointNode *> &nodes);
+
 /// Bake points that the nodes take from, resp. feed, through groups too; each once.
 OSSMODEL_EXPORT QList<OssSnBakePointNode *> getUpstreamBakePointNodes(
     const QList<OssSnBaseNode *> &nodes);

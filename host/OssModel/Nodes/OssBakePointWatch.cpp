@@ -1,6 +1,7 @@
 #include "OssModel/Nodes/OssBakePointWatch.h"
 
 #include "OssCore/Undo/OssUndoManager.h"
+#include "OssModel/Images/OssFileWatch.h"
 #include "OssModel/Nodes/OssSnBakePointNode.h"
 
 namespace {
@@ -13,10 +14,12 @@ OssBakePointWatch::OssBakePointWatch()
 {
     m_timer.setSingleShot(true);
     connect(&m_timer, &QTimer::timeout, this, &OssBakePointWatch::look);
-    connect(OssUndoManager::instance(), &OssUndoManager::changed, this, [this] {
+    const auto lookSoon = [this] {
         if (!m_nodes.isEmpty() && !m_timer.isActive())
             m_timer.start(Soon);
-    });
+    };
+    connect(OssUndoManager::instance(), &OssUndoManager::changed, this, lookSoon);
+    connect(OssFileWatch::instance(), &OssFileWatch::changed, this, lookSoon);
 }
 
 void OssBakePointWatch::look()

@@ -8,8 +8,8 @@
 
 class OssSnBakePointNode;
 
-/// Has bake points look whether they are out of date, soon after the document has changed: any node
-/// upstream may be the reason, in other networks too. GUI thread.
+/// Has bake points look whether they are out of date, soon after the document or a file has changed:
+/// any node upstream may be the reason, in other networks too. GUI thread.
 class OssBakePointWatch
     : public QObject
     , public OssService<OssBakePointWatch>

@@ -73,10 +73,12 @@ bool OssSnBakePointNode::isBakedResultUpToDate(bool includeSettings) const
     if (!hasBakedResult())
         return false;
     const OssSnBaseNode *source = inputNode(preferredInputName());
-    const QString now = source ? OssSnResultKey::of(source, inputOutputPoint(preferredInputName()))
+    bool isKnown = true;
+    const QString now = source ? OssSnResultKey::of(source, inputOutputPoint(preferredInputName()),
+                                                    &isKnown)
                                : QString();
     const QString settings = limitBake() ? limitBakeRange() : QStringLiteral("*");
-    return m_bakedKey == now && (!includeSettings || m_bakedSettings == settings);
+    return (m_bakedKey == now || !isKnown) && (!includeSettings || m_bakedSettings == settings);
 }
 
 bool OssSnBakePointNode::syncGeoChannel() const

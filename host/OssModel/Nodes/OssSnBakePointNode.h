@@ -22,7 +22,8 @@ public:
     bool hasBakedResult() const { return !m_bakedKey.isEmpty(); }
 
     /// Whether a bake now would give what the images hold. `includeSettings` also asks whether the
-    /// patches and the size that are set now were baked.
+    /// patches and the size that are set now were baked. Files that nobody has looked at yet count as
+    /// what they were.
     bool isBakedResultUpToDate(bool includeSettings = true) const;
 
     /// Announces when the result has become, or is no longer, out of date.

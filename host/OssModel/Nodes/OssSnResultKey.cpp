@@ -1,14 +1,52 @@
 #include "OssModel/Nodes/OssSnResultKey.h"
 
+#include "OssCore/Values/OssAttributeKind.h"
 #include "OssCore/Values/OssValueText.h"
+#include "OssModel/Graph/OssGeoEntity.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Images/OssFileWatch.h"
+#include "OssModel/Images/OssImage.h"
+#include "OssModel/Images/OssImageList.h"
+#include "OssModel/Images/OssImageManager.h"
 #include "OssModel/Nodes/OssSnUpstream.h"
 #include "OssModel/Objects/OssImageSet.h"
 
 #include <QCryptographicHash>
 
 namespace {
+
+/// The files that an attribute names.
+QStringList filesOf(const OssCustomAttribute &attribute)
+{
+    const QVariant value = attribute.value();
+    if (value.userType() == QMetaType::QString)
+        return attribute.definition().editor == QLatin1String("file")
+                   ? QStringList{value.toString()}
+                   : QStringList();
+    QStringList files;
+    if (value.userType() == QMetaType::QStringList) {
+        const OssImageList images = OssImageList::fromVariant(value);
+        for (const OssImageUniqueId &id : images.ids()) {
+            const OssImage *image = OssImageManager::instance()->getImage(id);
+            files.append(image ? image->path() : QString());
+        }
+    }
+    return files;
+}
+
+/// What the object's shape adds; nothing for the usual one.
+QString shapeOf(const OssSnBaseNode *node, QStringList *files)
+{
+    const OssGeoEntity *entity = node->network() ? node->network()->geoEntity() : nullptr;
+    const QString shape = entity ? entity->geometry() : QString();
+    if (OssGeoEntity::isFile(shape)) {
+        files->append(shape);
+        return {};
+    }
+    return shape == OssGeoEntity::usualGeometry() ? QString() : shape;
+}
 
 class KeyMaker
 {
@@ -33,10 +71,33 @@ public:
         return m_keys.value(place);
     }
 
+    QByteArray withShape(const QByteArray &key, const OssSnBaseNode *node)
+    {
+        QCryptographicHash hash(QCryptographicHash::Sha1);
+        QStringList files;
+        const QString shape = shapeOf(node, &files);
+        if (shape.isEmpty() && files.isEmpty())
+            return key;
+        hash.addData(key + shape.toUtf8());
+        addFiles(&hash, files);
+        return hash.result();
+    }
+
+    bool isKnown() const { return m_isKnown; }
+
 private:
     using Place = QPair<const OssSnBaseNode *, QString>;
 
-    QByteArray hash(const Place &place, const QVector<Place> &sources) const
+    void addFiles(QCryptographicHash *hash, const QStringList &files)
+    {
+        for (const QString &file : files) {
+            const QString content = OssFileWatch::instance()->contentOf(file);
+            m_isKnown = m_isKnown && !content.isNull();
+            hash->addData(content.toUtf8() + '\n');
+        }
+    }
+
+    QByteArray hash(const Place &place, const QVector<Place> &sources)
     {
         const OssSnBaseNode *node = place.first;
         QCryptographicHash hash(QCryptographicHash::Sha1);
@@ -47,8 +108,10 @@ private:
         add(node->pathKey());
         add(place.second);
         const QVector<OssCustomAttribute> attributes = node->userAttributes();
-        for (const OssCustomAttribute &attribute : attributes)
+        for (const OssCustomAttribute &attribute : attributes) {
             add(attribute.name() + QLatin1Char('=') + OssValueText::toText(attribute.value()));
+            addFiles(&hash, filesOf(attribute));
+        }
         const OssImageSet *images = OssShaderNetworkUtils::imageSetOf(node);
         if (images) {
             const QMap<int, QString> pixels = images->pixels();
@@ -62,11 +125,12 @@ private:
 
     QHash<const OssSnBaseNode *, QVector<Place>> m_sources;
     QHash<Place, QByteArray> m_keys;
+    bool m_isKnown = true;
 };
 
 } // namespace
 
-QString OssSnResultKey::of(const OssSnBaseNode *node, const QString &outputPoint)
+QString OssSnResultKey::of(const OssSnBaseNode *node, const QString &outputPoint, bool *isKnown)
 {
     const OssSnProducer producer = OssSnProducer::of(node, outputPoint);
     if (!producer.node)
@@ -75,5 +139,9 @@ QString OssSnResultKey::of(const OssSnBaseNode *node, const QString &outputPoint
     OssSnUpstream::walk(producer.node, [&maker](const auto *visited, const auto &inputs) {
         maker.visit(visited, inputs);
     });
-    return QString::fromLatin1(maker.keyOf(producer.node, producer.outputPoint).toHex());
+    const QByteArray key = maker.keyOf(producer.node, producer.outputPoint);
+    const QByteArray whole = maker.withShape(key, node);
+    if (isKnown)
+        *isKnown = maker.isKnown();
+    return QString::fromLatin1(whole.toHex());
 }

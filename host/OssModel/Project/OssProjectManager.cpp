@@ -4,6 +4,7 @@
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssShadingGroup.h"
+#include "OssModel/Images/OssFileWatch.h"
 #include "OssModel/Images/OssPixelStore.h"
 #include "OssModel/Objects/OssCanvasManager.h"
 #include "OssModel/Objects/OssChannel.h"
@@ -130,6 +131,7 @@ void OssProjectManager::closeProject()
         OssPixelStore::setProjectFolder({});
         m_project.reset();
     }
+    OssFileWatch::instance()->forget();
     Q_EMIT projectClosed();
     Q_EMIT modifiedChanged(false);
 }

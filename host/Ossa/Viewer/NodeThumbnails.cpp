@@ -8,6 +8,7 @@
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Images/OssFileWatch.h"
 #include "OssModel/Nodes/OssSnResultKey.h"
 #include "OssModel/Project/OssProjectManager.h"
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
@@ -60,6 +61,7 @@ NodeThumbnails::NodeThumbnails(QObject *parent)
         m_dirty = true;
     };
     connect(OssUndoManager::instance(), &OssUndoManager::changed, this, touch);
+    connect(OssFileWatch::instance(), &OssFileWatch::changed, this, touch);
     connect(OssShaderNetworkManager::instance(),
             &OssShaderNetworkManager::currentViewNetworkChanged, this, touch);
     connect(OssProjectManager::instance(), &OssProjectManager::projectClosing, this,

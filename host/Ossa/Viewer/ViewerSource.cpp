@@ -8,6 +8,7 @@
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Images/OssFileWatch.h"
 #include "OssModel/Nodes/OssSnProducer.h"
 #include "OssModel/Nodes/OssSnResultKey.h"
 #include "OssModel/Project/OssProjectManager.h"
@@ -41,6 +42,7 @@ ViewerSource::ViewerSource(QObject *parent)
         m_dirty = true;
     };
     connect(OssUndoManager::instance(), &OssUndoManager::changed, this, touch);
+    connect(OssFileWatch::instance(), &OssFileWatch::changed, this, touch);
     const OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
     connect(networks, &OssShaderNetworkManager::currentShaderNetworkChanged, this, touch);
     connect(networks, &OssShaderNetworkManager::graphRefreshRequested, this, [this] { refresh(); });

@@ -2,6 +2,7 @@
 #include "OssCore/Values/OssColor.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Graph/OssGeoImageSet.h"
+#include "OssModel/Graph/OssShaderNetworkIO.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Images/OssPixelStore.h"
 #include "OssModel/Nodes/OssSnBakePointNode.h"
@@ -181,6 +182,85 @@ TEST_F(Baking, aGeoChannelTakesANodesPixelsAlong)
     OssSnBaseNode *reader = add("Misc/Geo-Channel");
     reader->setAttribute(QStringLiteral("geoChannel"), QStringLiteral("Mask"));
     EXPECT_EQ(pixel(reader), QColor(Qt::red));
+}
+
+TEST_F(Baking, copiesHavePixelsOfTheirOwn)
+{
+    OssSnBaseNode *source = color(Qt::red);
+    OssSnBakePointNode *node = bakePoint(source);
+    auto *paintNode = qobject_cast<OssSnImageSetNodeBase *>(m_network->createPaintableNode({}));
+    paintNode->setImageSet(node->imageSet(), true);
+    ASSERT_TRUE(OssShaderNetworkUtils::bakeBakePoints({node}, true, true));
+    const QByteArray before = m_project->stateHash();
+    OssUndoManager::instance()->clear();
+    const auto copies = OssShaderNetworkIO::duplicateNodes(m_network, {source, node, paintNode},
+                                                           true);
+    ASSERT_EQ(copies.size(), 3);
+    auto *copy = qobject_cast<OssSnBakePointNode *>(copies.at(1));
+    EXPECT_NE(copy->imageSet(), node->imageSet());
+    EXPECT_EQ(copy->imageSet()->resolution(), 16);
+    EXPECT_EQ(OssShaderNetworkUtils::imageSetOf(copies.at(2)), copy->imageSet())
+        << "what was shared is shared among the copies";
+    EXPECT_TRUE(copy->isBakedResultUpToDate());
+    EXPECT_EQ(undoCount(), 1);
+    expectUndoIsExact(before);
+    paint(copies.first(), Qt::green);
+    ASSERT_TRUE(OssShaderNetworkUtils::bakeBakePoints({copy}, true, true));
+    EXPECT_EQ(pixel(copy), QColor(Qt::green));
+    EXPECT_EQ(pixel(node), QColor(Qt::red));
+
+    // Inside a group it is the same.
+    const OssSnBaseNode *group = m_network->groupNodes({node});
+    ASSERT_NE(group, nullptr);
+    const auto groups = OssShaderNetworkIO::duplicateNodes(
+        m_network, {const_cast<OssSnBaseNode *>(group)}, true);
+    const auto *inside =
+        qobject_cast<const OssSnGroupNode *>(groups.first())->groupNetwork()->node(node->name());
+    EXPECT_NE(OssShaderNetworkUtils::imageSetOf(inside), node->imageSet());
+    EXPECT_EQ(pixel(inside), QColor(Qt::red));
+}
+
+TEST_F(Baking, whatIsPastedIntoAnotherProjectHasItsPixelsOrSaysThatItHasNone)
+{
+    OssSnBakePointNode *node = bakePoint(color(Qt::red));
+    ASSERT_TRUE(OssShaderNetworkUtils::bakeBakePoints({node}, true, true));
+    const QString file = node->imageSet()->pixels().value(1001);
+    auto *projects = OssProjectManager::instance();
+    ASSERT_TRUE(projects->saveProjectAs(m_folder.filePath(QStringLiteral("First.ossa"))));
+    const QString saved = OssPixelStore::find(file, OssPixelStore::projectFolder());
+    const QByteArray text = OssShaderNetworkIO::nodesToText({node});
+    const QByteArray without = QByteArray(text).replace("name=\"images\"", "name=\"none\"");
+    ASSERT_NE(text, without);
+
+    enum { Kept, Damaged, Gone, NotWritten };
+
+    for (const int state : {Kept, Damaged, Gone, NotWritten}) {
+        m_network =
+            projects->newProject(QStringLiteral("Other"))->shadingGroups().first()->network();
+        const ExpectedLog lost("has no pixels", ExpectedLog::Possible);
+        OssDebugLog::instance()->clear();
+        const QString here = OssPixelStore::find(file, {}); // as if in another user's program
+        if (!here.isEmpty())
+            QFile::remove(here);
+        if (state == Damaged) {
+            QFile damaged(saved);
+            ASSERT_TRUE(damaged.open(QIODevice::WriteOnly));
+        } else if (state == Gone) {
+            QFile::remove(saved);
+        }
+        QList<OssSnBaseNode *> pasted;
+        ASSERT_TRUE(OssShaderNetworkIO::nodesFromText(
+            m_network, state == NotWritten ? without : text, QStringLiteral("test"), &pasted));
+        const auto *copy = qobject_cast<OssSnBakePointNode *>(pasted.value(0));
+        ASSERT_NE(copy, nullptr);
+        EXPECT_EQ(copy->hasBakedResult(), state == Kept) << state;
+        EXPECT_EQ(logHas(QStringLiteral("has no pixels")), state != Kept) << state;
+        EXPECT_EQ(copy->imageSet() != nullptr, state != NotWritten);
+        if (state == Kept)
+            EXPECT_EQ(pixel(copy), QColor(Qt::red));
+        else if (copy->imageSet())
+            EXPECT_TRUE(copy->imageSet()->pixels().isEmpty()) << state;
+    }
 }
 
 TEST(PixelStore, namesThatADocumentMayGive)

@@ -6,6 +6,7 @@
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
+#include "OssModel/Graph/OssNodeImages.h"
 #include "OssModel/Graph/OssNodeTypeTable.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
@@ -32,7 +33,7 @@ QString tr(const char *text)
     return QCoreApplication::translate("OssShaderNetworkIO", text);
 }
 
-OssResult readDocument(OssDeserializer &reader, OssShaderNetwork *network)
+OssResult readDocument(OssDeserializer &reader, OssShaderNetwork *network, OssNodeImages *images)
 {
     const OssUndoManager::Pause pause;
     OssDeserializer::Attributes attributes;
@@ -44,12 +45,15 @@ OssResult readDocument(OssDeserializer &reader, OssShaderNetwork *network)
         reader.raiseError(tr("its nodes are in a format that is not known here"));
     bool found = false;
     while (reader.nextElement()) {
-        if (found || reader.elementName() != QLatin1String("object")) {
+        const bool isObject = reader.elementName() == QLatin1String("object");
+        if (isObject && reader.attribute(QStringLiteral("name")) == OssNodeImages::elementName()) {
+            images->read(reader);
+        } else if (isObject && !found) {
+            found = true;
+            reader.loadObject(network);
+        } else {
             reader.skipElement();
-            continue;
         }
-        found = true;
-        reader.loadObject(network);
     }
     if (!found && !reader.failed())
         reader.raiseError(tr("there are no nodes in it"));
@@ -122,6 +126,7 @@ QByteArray OssShaderNetworkIO::nodesToText(const QList<OssSnBaseNode *> &nodes, 
     for (const OssSnBaseNode *node : qAsConst(written))
         writeKnobsOf(serializer, node);
     serializer.endObject();
+    OssNodeImages::write(serializer, written);
     serializer.endDocument();
     return buffer.data();
 }
@@ -138,10 +143,14 @@ OssResult OssShaderNetworkIO::nodesFromText(OssShaderNetwork *network, const QBy
     QBuffer buffer(&content);
     buffer.open(QIODevice::ReadOnly);
     OssDeserializer reader(&buffer, source);
-    const OssResult result = readDocument(reader, &read);
-    if (result)
-        *inserted = network->takeOverNodes(&read);
-    return result;
+    OssNodeImages images;
+    const OssResult result = readDocument(reader, &read, &images);
+    if (!result)
+        return result;
+    const OssUndoManager::AutoMacro macro(tr("Insert Nodes"));
+    images.give(&read, network);
+    *inserted = network->takeOverNodes(&read);
+    return {};
 }
 
 QList<OssSnBaseNode *> OssShaderNetworkIO::duplicateNodes(OssShaderNetwork *network,
@@ -150,12 +159,14 @@ QList<OssSnBaseNode *> OssShaderNetworkIO::duplicateNodes(OssShaderNetwork *netw
 {
     if (!network || nodes.isEmpty())
         return {};
+    OssNodeImages::bakePaint(nodes);
     return insert(network, nodesToText(nodes), tr("duplicated nodes"), select);
 }
 
 void OssShaderNetworkIO::copyNodesToClipboard(const QList<OssSnBaseNode *> &nodes,
                                               const QString &note)
 {
+    OssNodeImages::bakePaint(nodes);
     const QByteArray text = nodesToText(nodes, note);
     auto *data = new QMimeData; // the clipboard takes it
     data->setText(QString::fromUtf8(text));

@@ -13,7 +13,8 @@ class OssSnBaseNode;
 /// Nodes outside a network: as text, in node files (*.ong) and on the clipboard.
 ///
 /// The text is an XML document without ids: the nodes with attributes, contexts and what is inside
-/// groups, and the wires among them. Wires from and to other nodes stay behind. Reading gives new
+/// groups, the wires among them, and the image sets that they work with, of which copies get ones of
+/// their own. Wires from and to other nodes stay behind. Reading gives new
 /// nodes with free names, all or none, in one undo step; where they stand is what the text says.
 /// Viewers are neither written nor read, ports of groups only inside a group.
 namespace OssShaderNetworkIO {

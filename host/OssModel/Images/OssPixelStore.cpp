@@ -91,6 +91,22 @@ QString OssPixelStore::find(const QString &name, const QString &projectFolder)
     return {};
 }
 
+OssResult OssPixelStore::bring(const QString &name, const QString &projectFolder)
+{
+    const QString path = find(name, projectFolder);
+    QString hash;
+    OssResult result =
+        path.isEmpty() ? OssResult::failure(
+            QCoreApplication::translate("OssPixelStore", "%1: it is not there").arg(name))
+                       : hashOf(path, &hash);
+    if (result && hash + Suffix != name)
+        result = OssResult::failure(
+            QCoreApplication::translate("OssPixelStore", "%1: it holds something else").arg(path));
+    if (result)
+        result = OssAtomicFile::makeFolder(newPixels());
+    return result ? OssAtomicFile::copy(path, QDir(newPixels()).filePath(name)) : result;
+}
+
 OssResult OssPixelStore::keep(const QStringList &names, const QString &projectFolder,
                               const QString &folder)
 {

@@ -30,6 +30,10 @@ OSSMODEL_EXPORT void setProjectFolder(const QString &folder);
 /// Where the pixels are: in the project's folder, or among the new ones. Empty when they are gone.
 OSSMODEL_EXPORT QString find(const QString &name, const QString &projectFolder);
 
+/// Copies the pixels of another project to the new ones. Fails when they are not there, or are not
+/// those that the name stands for. Any thread.
+OSSMODEL_EXPORT OssResult bring(const QString &name, const QString &projectFolder);
+
 /// Copies into `folder` what of `names` is not there yet, from `projectFolder` or the new ones.
 /// What is found nowhere is a line in the log: a project that lost pixels can still be saved.
 OSSMODEL_EXPORT OssResult keep(const QStringList &names, const QString &projectFolder,

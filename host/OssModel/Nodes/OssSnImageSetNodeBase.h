@@ -15,6 +15,13 @@ public:
     OssImageSet *imageSet() const;
     /// Undoable. The flag tells whether listeners hear of it.
     void setImageSet(OssImageSet *set, bool notify);
+
+    /// What files name them by, there or not; empty when the node never had any.
+    QString imageSetName() const { return m_images.name(); }
+
+    /// The same as setImageSet() for a node that is in no document yet: no step, and nobody is told.
+    void takeImageSet(OssImageSet *set) { m_images.set(set); }
+
     /// Takes properties of the node out of the user's hands that its channel decides.
     void enablePropertiesBasedOnManagedByChannel();
 

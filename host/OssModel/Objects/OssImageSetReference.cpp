@@ -15,9 +15,8 @@ void OssImageSetReference::set(OssImageSet *set)
 
 void OssImageSetReference::save(OssSerializer &serializer) const
 {
-    const QString name = m_set ? m_set->name() : m_savedName;
-    if (!name.isEmpty())
-        serializer.writeElement(Element, {{NameAttribute, name}});
+    if (!name().isEmpty())
+        serializer.writeElement(Element, {{NameAttribute, name()}});
 }
 
 bool OssImageSetReference::load(const QString &element,

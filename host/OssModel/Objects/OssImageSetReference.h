@@ -20,6 +20,9 @@ public:
     /// Null: none.
     void set(OssImageSet *set);
 
+    /// What files write; empty when there is none.
+    QString name() const { return m_set ? m_set->name() : m_savedName; }
+
     /// Writes nothing when there is none. A name for which no set was found is kept.
     void save(OssSerializer &serializer) const;
     /// False for an element that save() does not write.

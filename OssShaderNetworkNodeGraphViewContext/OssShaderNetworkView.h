@@ -217,7 +217,9 @@ private:
     /// One line for the status bar, where nothing in the graph shows what a command did or why it
     /// did nothing.
     static void tellUser(const QString &text);
-    static void bake(const QList<OssSnBakePointNode *> &nodes, bool bakeEmpty,
+    enum class Bake { OutOfDate, EmptyAndOutOfDate, Again };
+
+    static void bake(const QList<OssSnBakePointNode *> &nodes, Bake how,
                      const char *messageForNone);
     /// False when the user was asked and chose none.
     bool chooseOutputPoint(const OssSnBaseNode *node, const QString &title, const QString &label,

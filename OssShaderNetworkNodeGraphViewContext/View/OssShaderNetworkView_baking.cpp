@@ -1,9 +1,11 @@
 #include "OssShaderNetworkView.h"
 
 #include "OssCore/Program/OssDebug.h"
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssInterface/Popups/OssMessageBox.h"
+#include "OssModel/Graph/OssBakeReport.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssGeoImageSet.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
@@ -28,20 +30,12 @@ namespace {
 
 constexpr const char *Source = "OssShaderNetworkView";
 
-QList<OssSnBakePointNode *> bakePointsAmong(const QList<OssSnBaseNode *> &nodes)
-{
-    QList<OssSnBakePointNode *> bakePoints;
-    for (OssSnBaseNode *node : nodes) {
-        if (OssSnBakePointNode *bakePoint = OssShaderNetworkUtils::asTrueBakePointNode(node))
-            bakePoints.append(bakePoint);
-    }
-    return bakePoints;
-}
-
-/// A bake that did not come about is told to who asked for it.
+/// A bake that did not come about is told to who asked for it; who stopped it needs no box.
 void tell(const QString &title, const OssResult &result)
 {
-    if (!result)
+    if (result.isCancelled())
+        OssStatusManager::instance()->showMessage(result.error());
+    else if (!result)
         OssMessageBox::warning(nullptr, title, result.error());
 }
 
@@ -49,7 +43,7 @@ void tell(const QString &title, const OssResult &result)
 
 // --- bake points
 
-void OssShaderNetworkView::bake(const QList<OssSnBakePointNode *> &nodes, bool bakeEmpty,
+void OssShaderNetworkView::bake(const QList<OssSnBakePointNode *> &nodes, Bake how,
                                 const char *messageForNone)
 {
     if (nodes.isEmpty()) {
@@ -57,44 +51,41 @@ void OssShaderNetworkView::bake(const QList<OssSnBakePointNode *> &nodes, bool b
         tellUser(tr(messageForNone));
         return;
     }
-    const bool nothingToDo = std::all_of(nodes.cbegin(), nodes.cend(), [&](auto *node) {
-        return node->hasBakedResult() ? node->isBakedResultUpToDate() : !bakeEmpty;
-    });
-    if (nothingToDo)
-        tellUser(tr("All baked results are up to date"));
-    tell(tr("Bake"), OssShaderNetworkUtils::bakeBakePoints(nodes, true, bakeEmpty));
+    OssBakeReport report;
+    const OssResult baked = how == Bake::Again
+                                ? OssShaderNetworkUtils::bakeAgain(nodes, &report)
+                                : OssShaderNetworkUtils::bakeBakePoints(
+                                    nodes, true, how == Bake::EmptyAndOutOfDate, &report);
+    tell(tr("Bake"), baked);
+    tellUser(report.inWords());
 }
 
 void OssShaderNetworkView::bakeEmptyAndUpdateOutOfDateBakePoints()
 {
     if (hasNetwork())
-        bake(bakePointsAmong(m_network->getAllNodes()), true,
-             QT_TR_NOOP("No Bake Point nodes found"));
+        bake(OssShaderNetworkUtils::bakePointsAmong(m_network->getAllNodes()),
+             Bake::EmptyAndOutOfDate, QT_TR_NOOP("No Bake Point nodes found"));
 }
 
 void OssShaderNetworkView::bakeSelectedBakePoints()
 {
     if (hasNetwork())
-        bake(bakePointsAmong(m_network->selectedNodes()), true,
-             QT_TR_NOOP("No Bake Point nodes are selected"));
+        bake(OssShaderNetworkUtils::bakePointsAmong(m_network->selectedNodes()),
+             Bake::EmptyAndOutOfDate, QT_TR_NOOP("No Bake Point nodes are selected"));
 }
 
 void OssShaderNetworkView::updateSelectedBakePoints()
 {
     if (hasNetwork())
-        bake(bakePointsAmong(m_network->selectedNodes()), false,
+        bake(OssShaderNetworkUtils::bakePointsAmong(m_network->selectedNodes()), Bake::OutOfDate,
              QT_TR_NOOP("No Bake Point nodes are selected"));
 }
 
 void OssShaderNetworkView::bakeSelectedBakePointsAgain()
 {
-    if (!hasNetwork())
-        return;
-    const QList<OssSnBakePointNode *> nodes = bakePointsAmong(m_network->selectedNodes());
-    if (nodes.isEmpty())
-        bake(nodes, true, QT_TR_NOOP("No Bake Point nodes are selected"));
-    else
-        tell(tr("Bake Again"), OssShaderNetworkUtils::bakeAgain(nodes));
+    if (hasNetwork())
+        bake(OssShaderNetworkUtils::bakePointsAmong(m_network->selectedNodes()), Bake::Again,
+             QT_TR_NOOP("No Bake Point nodes are selected"));
 }
 
 QList<OssSnBaseNode *> OssShaderNetworkView::selectionToBakeAround() const
@@ -113,7 +104,7 @@ void OssShaderNetworkView::updateUpstreamBakePoints()
 {
     const QList<OssSnBaseNode *> nodes = selectionToBakeAround();
     if (!nodes.isEmpty())
-        bake(OssShaderNetworkUtils::getUpstreamBakePointNodes(nodes), true,
+        bake(OssShaderNetworkUtils::getUpstreamBakePointNodes(nodes), Bake::EmptyAndOutOfDate,
              QT_TR_NOOP("No upstream Bake Point nodes found"));
 }
 
@@ -121,7 +112,7 @@ void OssShaderNetworkView::updateDownstreamBakePoints()
 {
     const QList<OssSnBaseNode *> nodes = selectionToBakeAround();
     if (!nodes.isEmpty())
-        bake(OssShaderNetworkUtils::getDownstreamBakePointNodes(nodes), true,
+        bake(OssShaderNetworkUtils::getDownstreamBakePointNodes(nodes), Bake::EmptyAndOutOfDate,
              QT_TR_NOOP("No downstream Bake Point nodes found"));
 }
 

@@ -213,9 +213,10 @@ QStringList Node::bake(const QString &path, int resolution, const QList<int> &pa
     OssBakeProgress progress(QStringLiteral("Baking %1").arg(own->name()), 1);
     job.onProgress = progress.forPart(0, own->name());
     const OssResult baked = service->bake(job, path);
-    if (!baked || progress.isStopped()) {
-        fail(baked ? OssScriptException::Cancelled : OssScriptException::FileNotAccessible,
-             baked ? QStringLiteral("The bake was stopped") : baked.error());
+    if (!baked) {
+        fail(baked.isCancelled() ? OssScriptException::Cancelled
+                                 : OssScriptException::FileNotAccessible,
+             baked.error());
         return {};
     }
     QStringList files;
@@ -237,7 +238,9 @@ void Node::bakeImageSet()
     }
     const OssResult baked = OssShaderNetworkUtils::bakeBakePoints({bakePoint}, true, true);
     if (!baked)
-        fail(OssScriptException::ObjectUnavailable, baked.error());
+        fail(baked.isCancelled() ? OssScriptException::Cancelled
+                                 : OssScriptException::ObjectUnavailable,
+             baked.error());
 }
 
 QStringList Node::upgrade()

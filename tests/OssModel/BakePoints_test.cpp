@@ -1,6 +1,7 @@
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssCore/Values/OssColor.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
+#include "OssModel/Graph/OssBakeReport.h"
 #include "OssModel/Graph/OssGeoImageSet.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Nodes/OssSnBakePointNode.h"
@@ -175,7 +176,7 @@ TEST_F(BakePoints, oneWithoutImagesGetsThemAndFillsItsGeoChannel)
     bare->setAttribute(text("limitBake"), true);
     bare->setAttribute(text("limitBakeRange"), text("1999"));
     EXPECT_FALSE(bake(bare));
-    ASSERT_NE(bare->imageSet(), nullptr);
+    EXPECT_EQ(bare->imageSet(), nullptr) << "what fails leaves nothing behind";
 }
 
 TEST_F(BakePoints, aStoppedBakeKeepsWhatWasDoneAndIsNoFailure)
@@ -191,7 +192,7 @@ TEST_F(BakePoints, aStoppedBakeKeepsWhatWasDoneAndIsNoFailure)
                              status->cancel();
                      });
     const OssResult stopped = OssShaderNetworkUtils::bakeBakePoints({m_node, last}, true, true);
-    EXPECT_TRUE(stopped) << qPrintable(stopped.error());
+    EXPECT_TRUE(stopped.isCancelled()) << qPrintable(stopped.error());
     EXPECT_TRUE(m_node->hasBakedResult());
     EXPECT_FALSE(last->hasBakedResult());
     EXPECT_TRUE(last->imageSet()->pixels().isEmpty());
@@ -214,6 +215,42 @@ TEST_F(BakePoints, whatCannotBeBakedSaysWhatIsMissing)
     ASSERT_TRUE(wire(large, merge, "Base"));
     ASSERT_TRUE(wire(m_node, merge, "Over"));
     EXPECT_EQ(merge->queryMaximumRequiredTextureResolutions(), 64);
+}
+
+TEST_F(BakePoints, oneThatCannotBeBakedIsToldAtTheEndAndKeepsNoOtherFromIt)
+{
+    OssSnBakePointNode *loose = bakePoint("Loose");
+    auto *blind = qobject_cast<OssSnBakePointNode *>(add("Misc/Bake Point", "Blind"));
+    ASSERT_TRUE(wire(add("Misc/Dot"), blind)); // a dot that nothing feeds
+    OssSnBakePointNode *filtered = bakePoint("Filtered");
+    ASSERT_TRUE(wire(m_color, filtered));
+    filtered->setAttribute(text("filterCollection"), true);
+    filtered->setAttribute(text("filterCollectionText"), text("Elsewhere"));
+    OssSnBakePointNode *last = bakePoint("Last");
+    ASSERT_TRUE(wire(m_color, last));
+    ASSERT_TRUE(bake(last));
+    const int sets = m_network->shadingContext()->imageSets().size();
+    OssBakeReport report;
+    const OssResult result = OssShaderNetworkUtils::bakeBakePoints(
+        {loose, blind, filtered, m_node, last}, true, true, &report);
+    ASSERT_EQ(report.failures.size(), 2);
+    EXPECT_EQ(result.error(), report.failures.join(QLatin1Char('\n')));
+    EXPECT_TRUE(result.error().contains(text("Loose: nothing"))) << qPrintable(result.error());
+    EXPECT_TRUE(result.error().contains(text("Blind: Nothing"))) << qPrintable(result.error());
+    EXPECT_EQ(report.baked, QStringList{text("Bake")});
+    EXPECT_EQ(report.filtered, QStringList{text("Filtered")});
+    EXPECT_EQ(report.upToDate, QStringList{text("Last")});
+    EXPECT_TRUE(m_node->isBakedResultUpToDate());
+    EXPECT_EQ(m_network->shadingContext()->imageSets().size(), sets) << "Blind gets none";
+    EXPECT_TRUE(report.inWords().startsWith(text("Baked Bake. Not baked")))
+        << qPrintable(report.inWords());
+
+    report = {};
+    ASSERT_TRUE(OssShaderNetworkUtils::bakeBakePoints({loose}, true, false, &report));
+    EXPECT_TRUE(report.inWords().startsWith(text("Never baked"))) << qPrintable(report.inWords());
+    report = {};
+    ASSERT_TRUE(OssShaderNetworkUtils::bakeBakePoints({last, m_node}, true, true, &report));
+    EXPECT_EQ(report.inWords(), text("All baked results are up to date"));
 }
 
 TEST_F(BakePoints, allOfTheirSettingsAreTold)
@@ -270,6 +307,13 @@ TEST_F(BakePoints, aMultiChannelOneHasOneForEachStreamThatIsFed)
     const QList<OssSnBakePointNode *> active = multi->activeBakePointNodes();
     ASSERT_EQ(active.size(), 1);
     EXPECT_EQ(active.first()->outputNodes().first()->name(), text("Roughness"));
+    for (const QList<OssSnBaseNode *> &chosen :
+         {QList<OssSnBaseNode *>{multi, active.first()}, multi->groupNetwork()->nodes()})
+        EXPECT_EQ(OssShaderNetworkUtils::bakePointsAmong(chosen), active);
+    const OssResult baked = OssShaderNetworkUtils::bakeBakePoints(
+        OssShaderNetworkUtils::bakePointsAmong(multi->groupNetwork()->nodes()), true, true);
+    EXPECT_TRUE(baked) << qPrintable(baked.error());
+    EXPECT_TRUE(active.first()->isBakedResultUpToDate());
     QSignalSpy told(multi, &OssSnMultiChannelBakePointNode::bakedStateChanged);
     active.first()->setBakedKey(text("key"));
     EXPECT_EQ(told.count(), 1);

@@ -480,11 +480,11 @@ TEST_F(CommandsTest, whereNothingInTheGraphShowsItTheUserIsTold)
         {&View::swapInputs, {m_merge}, "The inputs of Merge cannot be swapped"},
         {&View::bakeSelectedBakePoints, {m_blur}, "No Bake Point nodes are selected"},
         {&View::updateUpstreamBakePoints, {}, "No nodes are selected"},
-        {&View::updateSelectedBakePoints, {bake}, "All baked results are up to date"},
-        {&View::bakeSelectedBakePoints, {bake}, nullptr},
+        {&View::updateSelectedBakePoints, {bake}, "Never baked so far, and so not updated: Bake"},
+        {&View::bakeSelectedBakePoints, {bake}, "Baked Bake Point"},
         {&View::bakeSelectedBakePoints, {bake}, "All baked results are up to date"},
         {&View::bakeSelectedBakePointsAgain, {m_blur}, "No Bake Point nodes are selected"},
-        {&View::bakeSelectedBakePointsAgain, {bake}, nullptr},
+        {&View::bakeSelectedBakePointsAgain, {bake}, "Baked Bake Point"},
     };
 
     for (const auto &c : cases) {

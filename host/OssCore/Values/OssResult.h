@@ -18,12 +18,23 @@ public:
         return result;
     }
 
+    /// The user stopped it: a failure that needs no box to tell.
+    static OssResult cancelled(QString reason)
+    {
+        OssResult result = failure(std::move(reason));
+        result.m_isCancelled = true;
+        return result;
+    }
+
     bool ok() const { return m_error.isEmpty(); }
 
     explicit operator bool() const { return ok(); }
+
+    bool isCancelled() const { return m_isCancelled; }
 
     QString error() const { return m_error; }
 
 private:
     QString m_error;
+    bool m_isCancelled = false;
 };

@@ -54,7 +54,8 @@ public:
 
     /// Writes a file for each patch. "<UDIM>" in the path stands for the patch; the suffix says the
     /// format (OssEvImageFormat). Returns when it is done, while events go on being handled; callers
-    /// see to it that they change nothing below the bake. Files are there whole or not at all.
+    /// see to it that they change nothing below the bake. Files are there whole or not at all; a bake
+    /// that fails or is stopped leaves none that were not there before.
     OssResult bake(const BakeJob &job, const QString &path);
 
     /// Bakes into the set's images: each patch of the job gets new pixels, the others keep theirs.

@@ -88,6 +88,8 @@ OssResult OssEvaluationService::runBakes(std::vector<OssEvBake::Job> bakes,
     if (!thread->isFinished())
         cancel.cancel();
     thread->wait();
+    if (!result && cancel.isCancelled())
+        return OssResult::cancelled(tr("The bake was stopped"));
     return result ? OssResult() : OssResult::failure(QString::fromStdString(result.error()));
 }
 
@@ -106,14 +108,22 @@ OssResult OssEvaluationService::bake(const BakeJob &job, const QString &path)
     if (!folder)
         return folder;
     std::vector<OssEvBake::Job> bakes;
+    QStringList fresh;
     for (const int patch : job.patches) {
         OssEvBake::Job bake;
         bake.target = target;
         bake.target.patch = patch;
         bake.path = OssEvUdim::file(path.toStdString(), patch);
+        if (!QFile::exists(QString::fromStdString(bake.path)))
+            fresh.append(QString::fromStdString(bake.path));
         bakes.push_back(bake);
     }
-    return runBakes(std::move(bakes), job.onProgress);
+    const OssResult result = runBakes(std::move(bakes), job.onProgress);
+    for (const QString &file : qAsConst(fresh)) {
+        if (!result)
+            QFile::remove(file);
+    }
+    return result;
 }
 
 OssResult OssEvaluationService::bakeInto(OssImageSet *set, const BakeJob &job)

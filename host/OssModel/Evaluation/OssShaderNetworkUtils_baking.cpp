@@ -5,6 +5,7 @@
 #include "OssModel/Evaluation/OssBakeProgress.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Evaluation/OssPatchList.h"
+#include "OssModel/Graph/OssBakeReport.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssGeoImageSet.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
@@ -75,13 +76,17 @@ bool isBakedForItsObject(const OssSnBakePointNode *node)
     return false;
 }
 
+/// Leaves nothing behind when it fails.
 OssResult bakeOne(OssSnBakePointNode *node, const std::function<bool(int, int)> &onProgress)
 {
     const QString input = node->preferredInputName();
-    OssImageSet *set = node->network() ? imagesFor(node) : nullptr;
     OssSnBaseNode *source = node->inputNode(input);
-    if (!set || !source)
+    if (!source)
         return OssResult::failure(tr("%1: nothing is connected").arg(node->name()));
+    OssUndoManager::AutoMacro macro(tr("Bake %1").arg(node->name()));
+    OssImageSet *set = node->network() ? imagesFor(node) : nullptr;
+    if (!set)
+        return OssResult::failure(tr("%1: there is no shading to keep images").arg(node->name()));
     OssEvaluationService::BakeJob job;
     job.node = source;
     job.outputPoint = node->inputOutputPoint(input);
@@ -91,8 +96,12 @@ OssResult bakeOne(OssSnBakePointNode *node, const std::function<bool(int, int)> 
     job.onProgress = onProgress;
     const QString key = OssSnResultKey::of(source, job.outputPoint);
     const OssResult baked = OssEvaluationService::instance()->bakeInto(set, job);
-    if (!baked)
-        return OssResult::failure(node->name() + QStringLiteral(": ") + baked.error());
+    if (!baked) {
+        macro.cancel();
+        return baked.isCancelled()
+                   ? baked
+                   : OssResult::failure(node->name() + QStringLiteral(": ") + baked.error());
+    }
     node->setBakedKey(key);
     OssGeoImageSet *channel = node->syncGeoChannel() && job.entity
                                   ? node->network()->geoEntity()->geoImageSet(
@@ -113,39 +122,56 @@ void knowFiles(const QList<OssSnBakePointNode *> &nodes, const OssBakeProgress &
     OssFileWatch::instance()->settle([&progress] { return !progress.isStopped(); });
 }
 
-OssResult bakeWanted(const QList<OssSnBakePointNode *> &nodes,
-                     const std::function<bool(const OssSnBakePointNode *)> &isWanted)
+/// What is to be done with a bake point, as the list of the report that it then comes into.
+using Choice = std::function<QStringList OssBakeReport::*(const OssSnBakePointNode *node)>;
+
+OssResult bakeChosen(const QList<OssSnBakePointNode *> &nodes, const Choice &choice,
+                     OssBakeReport *wanted)
 {
     const OssUndoManager::AutoMacro macro(tr("Bake"));
     const QList<OssSnBakePointNode *> sorted = sourcesFirst(nodes);
     OssBakeProgress progress(tr("Baking"), sorted.size());
+    OssBakeReport own;
+    OssBakeReport &report = wanted ? *wanted : own;
     knowFiles(sorted, progress);
-    for (int i = 0; i < sorted.size(); ++i) {
+    for (int i = 0; i < sorted.size() && !report.isStopped; ++i) {
         OssSnBakePointNode *node = sorted.at(i);
         // Asked only now: what was baked before it may have changed what feeds it.
-        if (!isWanted(node) || !isBakedForItsObject(node))
-            continue;
-        const OssResult baked = bakeOne(node, progress.forPart(i, node->name()));
-        if (progress.isStopped())
-            return {};
-        if (!baked)
-            return baked;
+        QStringList OssBakeReport::*list = choice(node);
+        if (list == &OssBakeReport::baked && !isBakedForItsObject(node))
+            list = &OssBakeReport::filtered;
+        const OssResult baked = list == &OssBakeReport::baked
+                                    ? bakeOne(node, progress.forPart(i, node->name()))
+                                    : OssResult();
+        report.isStopped = baked.isCancelled() || progress.isStopped();
+        if (baked)
+            (report.*list).append(node->name());
+        else if (!baked.isCancelled())
+            report.failures.append(baked.error());
     }
-    return {};
+    if (!report.failures.isEmpty())
+        return OssResult::failure(report.failures.join(QLatin1Char('\n')));
+    return report.isStopped ? OssResult::cancelled(tr("The bake was stopped")) : OssResult();
 }
 
 } // namespace
 
 OssResult OssShaderNetworkUtils::bakeBakePoints(const QList<OssSnBakePointNode *> &nodes,
-                                                bool updateOutOfDate, bool bakeEmpty)
+                                                bool updateOutOfDate, bool bakeEmpty,
+                                                OssBakeReport *report)
 {
-    return bakeWanted(nodes, [=](const OssSnBakePointNode *node) {
-        return node->hasBakedResult() ? updateOutOfDate && !node->isBakedResultUpToDate()
-                                      : bakeEmpty;
-    });
+    const Choice choice = [=](const OssSnBakePointNode *node) {
+        if (!node->hasBakedResult())
+            return bakeEmpty ? &OssBakeReport::baked : &OssBakeReport::neverBaked;
+        return updateOutOfDate && !node->isBakedResultUpToDate() ? &OssBakeReport::baked
+                                                                 : &OssBakeReport::upToDate;
+    };
+    return bakeChosen(nodes, choice, report);
 }
 
-OssResult OssShaderNetworkUtils::bakeAgain(const QList<OssSnBakePointNode *> &nodes)
+OssResult OssShaderNetworkUtils::bakeAgain(const QList<OssSnBakePointNode *> &nodes,
+                                           OssBakeReport *report)
 {
-    return bakeWanted(nodes, [](const OssSnBakePointNode *) { return true; });
+    return bakeChosen(
+        nodes, [](const OssSnBakePointNode *) { return &OssBakeReport::baked; }, report);
 }

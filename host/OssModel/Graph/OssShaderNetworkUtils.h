@@ -7,6 +7,7 @@
 #include <QString>
 
 class OssImageSet;
+struct OssBakeReport;
 class OssSnBakePointNode;
 class OssSnBaseNode;
 class OssSnImageSetNodeBase;
@@ -34,13 +35,19 @@ OSSMODEL_EXPORT bool readsPixels(const OssSnBaseNode *node);
 
 /// Bakes what feeds each of the bake points into its images: of those that have a result, the ones
 /// that are out of date when `updateOutOfDate`, of the others all when `bakeEmpty`. Sources first,
-/// with progress; one undo step. Ends at the first that fails, or without a failure when the user
-/// stops it: what was baked until then stays. Waits without blocking the interface.
+/// with progress; one undo step. One that cannot be baked keeps no other from it: the reasons are told
+/// together at the end. Stopped by the user it is cancelled, and what was baked until then stays.
+/// `report` may be null. Waits without blocking the interface.
 OSSMODEL_EXPORT OssResult bakeBakePoints(const QList<OssSnBakePointNode *> &nodes,
-                                         bool updateOutOfDate, bool bakeEmpty);
+                                         bool updateOutOfDate, bool bakeEmpty,
+                                         OssBakeReport *report = nullptr);
 
 /// The same for all of them, whether they are out of date or not.
-OSSMODEL_EXPORT OssResult bakeAgain(const QList<OssSnBakePointNode *> &nodes);
+OSSMODEL_EXPORT OssResult bakeAgain(const QList<OssSnBakePointNode *> &nodes,
+                                    OssBakeReport *report = nullptr);
+
+/// The bake points among the nodes, and of multi-channel ones those whose stream is fed; each once.
+OSSMODEL_EXPORT QList<OssSnBakePointNode *> bakePointsAmong(const QList<OssSnBaseNode *> &nodes);
 
 /// Bake points that the nodes take from, resp. feed, through groups too; each once.
 OSSMODEL_EXPORT QList<OssSnBakePointNode *> getUpstreamBakePointNodes(

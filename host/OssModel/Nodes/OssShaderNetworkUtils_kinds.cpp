@@ -2,23 +2,39 @@
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 
 #include "OssModel/Graph/OssGeoImageSet.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Nodes/OssSnBakePointNode.h"
 #include "OssModel/Nodes/OssSnGeoChannelNode.h"
+#include "OssModel/Nodes/OssSnMultiChannelBakePointNode.h"
 #include "OssModel/Objects/OssImageSet.h"
 
-namespace {
+#include <algorithm>
 
-QList<OssSnBakePointNode *> bakePointsAmong(const QList<OssSnBaseNode *> &nodes)
+QList<OssSnBakePointNode *> OssShaderNetworkUtils::bakePointsAmong(
+    const QList<OssSnBaseNode *> &nodes)
 {
+    using Streams = OssSnMultiChannelBakePointNode;
     QList<OssSnBakePointNode *> found;
+    const auto add = [&found](OssSnBakePointNode *node) {
+        if (!found.contains(node))
+            found.append(node);
+    };
     for (OssSnBaseNode *node : nodes) {
-        if (OssSnBakePointNode *bakePoint = OssShaderNetworkUtils::asTrueBakePointNode(node))
-            found.append(bakePoint);
+        if (const auto *streams = qobject_cast<const Streams *>(node)) {
+            const QList<OssSnBakePointNode *> fed = streams->activeBakePointNodes();
+            std::for_each(fed.cbegin(), fed.cend(), add);
+        }
+        OssSnBakePointNode *bakePoint = asTrueBakePointNode(node);
+        if (!bakePoint)
+            continue;
+        const auto *around = node->network()
+                                 ? qobject_cast<Streams *>(node->network()->parentGroupNode())
+                                 : nullptr;
+        if (!around || around->activeBakePointNodes().contains(bakePoint))
+            add(bakePoint);
     }
     return found;
 }
-
-} // namespace
 
 OssSnImageSetNodeBase *OssShaderNetworkUtils::asTrueImageSetNode(OssSnBaseNode *node)
 {

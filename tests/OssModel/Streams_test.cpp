@@ -221,19 +221,56 @@ TEST_F(Teleports, othersLookAgainWhenOneComesGoesOrChangesItsChannel)
     QSignalSpy told(heard, &OssSnBaseTeleportNode::updateState);
     QSignalSpy named(heard, &OssSnBaseTeleportNode::channelNameChanged);
     OssSnBaseTeleportNode *sent = broadcast("B", "One");
-    EXPECT_EQ(told.count(), 2) << "it came, and got its channel";
+    EXPECT_EQ(told.count(), 1) << "before it got its channel it did not matter";
     sent->setDescription(text("no matter"));
-    EXPECT_EQ(told.count(), 2);
+    EXPECT_EQ(told.count(), 1);
     QSignalSpy own(sent, &OssSnBaseTeleportNode::updateState);
     m_network->removeNodes({sent});
-    EXPECT_EQ(told.count(), 3);
+    EXPECT_EQ(told.count(), 2);
     EXPECT_EQ(own.count(), 0) << "what goes needs no state";
     OssUndoManager::instance()->undo();
-    EXPECT_EQ(told.count(), 4);
+    EXPECT_EQ(told.count(), 3);
+    const OssSnBaseTeleportNode *second = broadcast("C", "One");
+    EXPECT_EQ(told.count(), 3) << "it is not heard";
+    sent->setName(text("D"));
+    EXPECT_EQ(m_teleports->broadcastNode(m_network, text("One")), second);
+    EXPECT_EQ(told.count(), 4) << "now it is";
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(told.count(), 5);
+    OssSnBaseNode *group = m_network->groupNodes({sent});
+    ASSERT_NE(group, nullptr);
+    told.clear();
+    group->setName(text("A"));
+    EXPECT_EQ(told.count(), 1) << "it is the first again";
+    told.clear();
+    m_network->removeNodes({group});
+    EXPECT_EQ(m_teleports->broadcastNode(m_network, text("One")), second);
+    EXPECT_EQ(told.count(), 1) << "it went with its group";
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(m_teleports->broadcastNode(m_network, text("One")), sent);
+    EXPECT_EQ(told.count(), 2);
     EXPECT_EQ(named.count(), 0);
     heard->setAttribute(text("channel"), text("Two"));
     EXPECT_EQ(named.count(), 1);
-    EXPECT_EQ(told.count(), 5);
+    EXPECT_EQ(told.count(), 3);
+}
+
+TEST_F(Teleports, oneMoreReceiverIsNoMatterToTheOthers)
+{
+    constexpr int Count = 100;
+    QList<OssSnBaseTeleportNode *> nodes{broadcast("B", "One")};
+    std::vector<std::unique_ptr<QSignalSpy>> told;
+    const auto watch = [&](OssSnBaseTeleportNode *node) {
+        nodes.append(node);
+        told.push_back(std::make_unique<QSignalSpy>(node, &OssSnBaseTeleportNode::updateState));
+    };
+    watch(nodes.takeFirst());
+    for (int i = 0; i < Count; ++i)
+        watch(receiver("R", "One"));
+    for (int i = 1; i < Count; ++i)
+        m_network->removeNodes({nodes.at(i)});
+    for (const auto &spy : told)
+        EXPECT_LE(spy->count(), 2);
 }
 
 } // namespace

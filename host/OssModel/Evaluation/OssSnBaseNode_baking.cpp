@@ -31,12 +31,16 @@ OssResult OssSnBaseNode::bake(OssImageSet *set, const QString &outputPoint) cons
     return service->bakeInto(set, job);
 }
 
-OssResult OssSnBaseNode::exportToGeoChannel(OssGeoImageSet *channel,
-                                            const QString &outputPoint) const
+OssResult OssSnBaseNode::exportToGeoChannel(OssGeoImageSet *channel, const QString &outputPoint,
+                                            OssImageSet *set) const
 {
-    if (!channel || !channel->imageSet())
+    OssImageSet *images = set || !channel ? set : channel->imageSet();
+    if (!channel || !images)
         return OssResult::failure(tr("%1: there is no geo-channel to export into").arg(name()));
-    return bake(channel->imageSet(), outputPoint);
+    const OssResult baked = bake(images, outputPoint);
+    if (baked)
+        channel->setImageSet(images);
+    return baked;
 }
 
 int OssSnBaseNode::queryMaximumRequiredTextureResolutions() const

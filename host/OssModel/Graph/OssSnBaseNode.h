@@ -182,13 +182,20 @@ public:
     /// Undoably, every wire at the node.
     void disconnectAll();
 
+    /// Nodes that it takes from, resp. that take from it, by other ways than a wire.
+    virtual QList<OssSnBaseNode *> unwiredSources() const { return {}; }
+
+    virtual QList<OssSnBaseNode *> unwiredTargets() const { return {}; }
+
     // --- pixels
     /// Computes an output for every patch of the object into the set, at the set's resolution.
     /// Waits, with progress, without blocking the interface. One undo step; nothing changes when it
     /// fails or is stopped.
     OssResult bake(OssImageSet *set, const QString &outputPoint) const;
-    /// The same into the images that the geo-channel has.
-    OssResult exportToGeoChannel(OssGeoImageSet *channel, const QString &outputPoint) const;
+    /// The same for a geo-channel, which gets `set` when it is baked: until then a node that reads the
+    /// channel reads what it had. Null: into the images that it has.
+    OssResult exportToGeoChannel(OssGeoImageSet *channel, const QString &outputPoint,
+                                 OssImageSet *set = nullptr) const;
     /// Width and height of a patch in pixels: the largest of what the node takes from, so that
     /// nothing is lost.
     int queryMaximumRequiredTextureResolutions() const;

@@ -30,5 +30,20 @@ void OssSnBaseTeleportNode::onUserAttributeSet(const OssCustomAttribute &attribu
     if (attribute.name() != ChannelAttribute)
         return;
     Q_EMIT channelNameChanged(channelName());
-    OssSnTeleportNodeManager::instance()->announce(this);
+    OssSnTeleportNodeManager::instance()->follow(this);
+}
+
+QList<OssSnBaseNode *> OssSnBroadcastTeleportNode::unwiredTargets() const
+{
+    const OssSnTeleportNodeManager *teleports = OssSnTeleportNodeManager::instance();
+    return teleports->broadcastNode(network(), channelName()) == this
+               ? teleports->receiverNodes(network(), channelName())
+               : QList<OssSnBaseNode *>();
+}
+
+QList<OssSnBaseNode *> OssSnReceiverTeleportNode::unwiredSources() const
+{
+    OssSnBaseNode *heard = OssSnTeleportNodeManager::instance()->broadcastNode(network(),
+                                                                               channelName());
+    return heard ? QList<OssSnBaseNode *>{heard} : QList<OssSnBaseNode *>();
 }

@@ -18,7 +18,7 @@ public:
 
 Q_SIGNALS:
     void channelNameChanged(QString name);
-    /// A node of the channel came, went or was put on another channel.
+    /// The node came or has another channel, or who is heard there, or whether anybody hears, changed.
     void updateState();
 
 protected:
@@ -34,6 +34,8 @@ public:
     using OssSnBaseTeleportNode::OssSnBaseTeleportNode;
 
     bool isBroadcast() const override { return true; }
+
+    QList<OssSnBaseNode *> unwiredTargets() const override;
 };
 
 class OSSMODEL_EXPORT OssSnReceiverTeleportNode : public OssSnBaseTeleportNode
@@ -44,4 +46,6 @@ public:
     using OssSnBaseTeleportNode::OssSnBaseTeleportNode;
 
     bool isBroadcast() const override { return false; }
+
+    QList<OssSnBaseNode *> unwiredSources() const override;
 };

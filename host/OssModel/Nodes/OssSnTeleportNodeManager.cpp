@@ -2,61 +2,142 @@
 
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Nodes/OssSnBaseTeleportNode.h"
 
 OssSnTeleportNodeManager::OssSnTeleportNodeManager()
 {
     const OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
     connect(networks, &OssShaderNetworkManager::nodeRegistered, this,
-            [this](OssShaderNetwork *, OssSnBaseNode *node) { add(node); });
+            [this](OssShaderNetwork *, OssSnBaseNode *node) {
+                const QList<OssSnBaseTeleportNode *> teleports = teleportsIn(node);
+                for (OssSnBaseTeleportNode *teleport : teleports)
+                    add(teleport);
+                if (!teleports.isEmpty() || qobject_cast<OssSnGroupNode *>(node))
+                    connect(node, &OssSnBaseNode::nameChanged, this,
+                            &OssSnTeleportNodeManager::onNameChanged, Qt::UniqueConnection);
+            });
     connect(networks, &OssShaderNetworkManager::nodeDeregistered, this,
-            [this](OssShaderNetwork *, OssSnBaseNode *node) { remove(node); });
+            [this](OssShaderNetwork *, OssSnBaseNode *node) {
+                const QList<OssSnBaseTeleportNode *> teleports = teleportsIn(node);
+                for (OssSnBaseTeleportNode *teleport : teleports)
+                    remove(teleport);
+            });
 }
 
-void OssSnTeleportNodeManager::add(OssSnBaseNode *node)
+QList<OssSnBaseTeleportNode *> OssSnTeleportNodeManager::teleportsIn(OssSnBaseNode *node)
 {
-    auto *teleport = qobject_cast<OssSnBaseTeleportNode *>(node);
-    if (!teleport || m_nodes.contains(teleport))
-        return;
-    m_nodes.append(teleport);
-    announce(teleport);
-}
-
-void OssSnTeleportNodeManager::remove(OssSnBaseNode *node)
-{
-    auto *teleport = qobject_cast<OssSnBaseTeleportNode *>(node);
-    if (!teleport)
-        return;
-    const QList<OssSnBaseTeleportNode *> others = ofObject(teleport->network());
-    m_nodes.removeAll(teleport);
-    for (OssSnBaseTeleportNode *other : others) {
-        if (other != teleport)
-            Q_EMIT other->updateState();
+    QList<OssSnBaseTeleportNode *> teleports;
+    if (auto *teleport = qobject_cast<OssSnBaseTeleportNode *>(node))
+        teleports.append(teleport);
+    // What is inside comes and goes with its group.
+    if (const auto *group = qobject_cast<const OssSnGroupNode *>(node)) {
+        const QList<OssSnBaseNode *> inside = group->groupNetwork()->getAllNodes();
+        for (OssSnBaseNode *inner : inside) {
+            if (auto *teleport = qobject_cast<OssSnBaseTeleportNode *>(inner))
+                teleports.append(teleport);
+        }
     }
+    return teleports;
 }
 
-QList<OssSnBaseTeleportNode *> OssSnTeleportNodeManager::ofObject(
-    const OssShaderNetwork *network) const
+OssSnTeleportNodeManager::Place OssSnTeleportNodeManager::placeAt(const OssShaderNetwork *network,
+                                                                  const QString &channel)
 {
-    QList<OssSnBaseTeleportNode *> nodes;
-    for (OssSnBaseTeleportNode *node : m_nodes) {
-        if (network && node->network() && node->network()->rootNetwork() == network->rootNetwork())
-            nodes.append(node);
-    }
-    return nodes;
+    return {network ? network->rootNetwork() : nullptr, channel};
 }
+
+// --- who is where
+
+void OssSnTeleportNodeManager::add(OssSnBaseTeleportNode *node)
+{
+    if (!m_places.contains(node))
+        m_places.insert(node, {});
+    follow(node);
+}
+
+void OssSnTeleportNodeManager::remove(OssSnBaseTeleportNode *node)
+{
+    if (!m_places.contains(node))
+        return;
+    const Place place = m_places.value(node);
+    leave(node);
+    m_places.remove(node);
+    tell(place);
+}
+
+void OssSnTeleportNodeManager::follow(OssSnBaseTeleportNode *node)
+{
+    if (!m_places.contains(node))
+        return;
+    const Place before = m_places.value(node);
+    const Place now = placeAt(node->network(), node->channelName());
+    leave(node);
+    m_places.insert(node, now);
+    Channel &channel = m_channels[now];
+    if (auto *broadcast = qobject_cast<OssSnBroadcastTeleportNode *>(node))
+        channel.broadcasts.append(broadcast);
+    else
+        channel.receivers.append(node);
+    if (before != now)
+        tell(before);
+    tell(now);
+    Q_EMIT node->updateState();
+}
+
+// Of several that send the first by its path is heard.
+void OssSnTeleportNodeManager::onNameChanged()
+{
+    const QList<OssSnBaseTeleportNode *> teleports = teleportsIn(
+        qobject_cast<OssSnBaseNode *>(sender()));
+    for (OssSnBaseTeleportNode *teleport : teleports)
+        tell(m_places.value(teleport));
+}
+
+void OssSnTeleportNodeManager::leave(OssSnBaseTeleportNode *node)
+{
+    const auto channel = m_channels.find(m_places.value(node));
+    if (channel == m_channels.end())
+        return;
+    channel->broadcasts.removeOne(qobject_cast<OssSnBroadcastTeleportNode *>(node));
+    channel->receivers.removeOne(node);
+}
+
+void OssSnTeleportNodeManager::tell(const Place &place)
+{
+    const auto channel = m_channels.find(place);
+    if (channel == m_channels.end())
+        return;
+    const OssSnBaseTeleportNode *heard = broadcastNode(place.first, place.second);
+    const bool hasReceivers = !channel->receivers.isEmpty();
+    const QList<OssSnBroadcastTeleportNode *> broadcasts = channel->broadcasts;
+    const QList<OssSnBaseTeleportNode *> receivers = heard != channel->heard
+                                                         ? channel->receivers
+                                                         : QList<OssSnBaseTeleportNode *>();
+    const bool isOther = heard != channel->heard || hasReceivers != channel->hadReceivers;
+    channel->heard = heard;
+    channel->hadReceivers = hasReceivers;
+    if (broadcasts.isEmpty() && !hasReceivers)
+        m_channels.erase(channel);
+    if (!isOther)
+        return;
+    for (OssSnBroadcastTeleportNode *broadcast : broadcasts)
+        Q_EMIT broadcast->updateState();
+    for (OssSnBaseTeleportNode *receiver : receivers)
+        Q_EMIT receiver->updateState();
+}
+
+// --- who hears whom
 
 OssSnBroadcastTeleportNode *OssSnTeleportNodeManager::broadcastNode(const OssShaderNetwork *network,
                                                                     const QString &channel) const
 {
     OssSnBroadcastTeleportNode *first = nullptr;
-    if (channel.isEmpty())
+    const auto found = m_channels.constFind(placeAt(network, channel));
+    if (channel.isEmpty() || found == m_channels.cend())
         return first;
-    const QList<OssSnBaseTeleportNode *> nodes = ofObject(network);
-    for (OssSnBaseTeleportNode *node : nodes) {
-        auto *broadcast = qobject_cast<OssSnBroadcastTeleportNode *>(node);
-        if (broadcast && broadcast->channelName() == channel
-            && (!first || broadcast->path() < first->path()))
+    for (OssSnBroadcastTeleportNode *broadcast : found->broadcasts) {
+        if (!first || broadcast->path() < first->path())
             first = broadcast;
     }
     return first;
@@ -65,17 +146,18 @@ OssSnBroadcastTeleportNode *OssSnTeleportNodeManager::broadcastNode(const OssSha
 bool OssSnTeleportNodeManager::hasReceivers(const OssShaderNetwork *network,
                                             const QString &channel) const
 {
-    const QList<OssSnBaseTeleportNode *> nodes = ofObject(network);
-    for (const OssSnBaseTeleportNode *node : nodes) {
-        if (!node->isBroadcast() && !channel.isEmpty() && node->channelName() == channel)
-            return true;
-    }
-    return false;
+    const auto found = m_channels.constFind(placeAt(network, channel));
+    return !channel.isEmpty() && found != m_channels.cend() && !found->receivers.isEmpty();
 }
 
-void OssSnTeleportNodeManager::announce(const OssSnBaseTeleportNode *node)
+QList<OssSnBaseNode *> OssSnTeleportNodeManager::receiverNodes(const OssShaderNetwork *network,
+                                                               const QString &channel) const
 {
-    const QList<OssSnBaseTeleportNode *> nodes = ofObject(node->network());
-    for (OssSnBaseTeleportNode *other : nodes)
-        Q_EMIT other->updateState();
+    QList<OssSnBaseNode *> nodes;
+    const auto found = m_channels.constFind(placeAt(network, channel));
+    if (channel.isEmpty() || found == m_channels.cend())
+        return nodes;
+    for (OssSnBaseTeleportNode *receiver : found->receivers)
+        nodes.append(receiver);
+    return nodes;
 }

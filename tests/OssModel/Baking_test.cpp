@@ -184,6 +184,28 @@ TEST_F(Baking, aGeoChannelTakesANodesPixelsAlong)
     EXPECT_EQ(pixel(reader), QColor(Qt::red));
 }
 
+TEST_F(Baking, aBakePointBehindATeleportIsBakedBeforeTheOneThatReadsIt)
+{
+    OssSnBaseNode *source = color(Qt::red);
+    OssSnBakePointNode *first = bakePoint(source);
+    OssSnBaseNode *sent = add("Teleport Broadcast/Broadcast");
+    OssSnBaseNode *heard = add("Teleport Receiver/Receiver");
+    for (OssSnBaseNode *end : {sent, heard})
+        ASSERT_TRUE(end->setAttribute(QStringLiteral("channel"), QStringLiteral("Far")));
+    ASSERT_TRUE(wire(first, sent));
+    OssSnBakePointNode *second = bakePoint(heard);
+    first->imageSet()->setResolution(32);
+    using Nodes = QList<OssSnBakePointNode *>;
+    EXPECT_EQ(OssShaderNetworkUtils::getUpstreamBakePointNodes({second}), Nodes{first});
+    EXPECT_EQ(OssShaderNetworkUtils::getDownstreamBakePointNodes({source}), (Nodes{first, second}));
+    EXPECT_EQ(heard->queryMaximumRequiredTextureResolutions(), 32);
+    ASSERT_TRUE(OssShaderNetworkUtils::bakeBakePoints({second, first}, true, true));
+    paint(source, Qt::green);
+    ASSERT_TRUE(OssShaderNetworkUtils::bakeBakePoints({second, first}, true, true));
+    EXPECT_TRUE(second->isBakedResultUpToDate());
+    EXPECT_EQ(pixel(second), QColor(Qt::green));
+}
+
 TEST_F(Baking, copiesHavePixelsOfTheirOwn)
 {
     OssSnBaseNode *source = color(Qt::red);

@@ -78,6 +78,7 @@ QList<OssSnBaseNode *> OssNodeWalkerUpstream::next(const OssSnBaseNode *node) co
     for (const OssSnBaseNode::InputPort &port : node->inputPorts())
         follow(node, port);
     if (throughGroups()) {
+        sources.append(node->unwiredSources());
         if (const OssSnGroupNode *around = groupAround(node, OssSnTags::input())) {
             for (const OssSnBaseNode::InputPort &port : around->inputPorts()) {
                 if (port.name == node->name())
@@ -111,6 +112,7 @@ QList<OssSnBaseNode *> OssNodeWalkerDownstream::next(const OssSnBaseNode *node) 
     };
     follow(node, {});
     if (throughGroups()) {
+        targets.append(node->unwiredTargets());
         if (const OssSnGroupNode *around = groupAround(node, OssSnTags::output()))
             follow(around, node->name());
     }

@@ -10,7 +10,8 @@ class OssSnBaseNode;
 namespace OssShaderNetworkUtils {
 
 /// Visits nodes along wires, each once, nearest first; loops end. Through groups, if asked to: the
-/// nodes inside that stand for a group's ports are ways into the group and out of it.
+/// nodes inside that stand for a group's ports are ways into the group and out of it. Such a walk also
+/// goes where nodes are connected without a wire.
 class OSSMODEL_EXPORT OssNodeWalker
 {
 public:

@@ -67,7 +67,7 @@ OSSMODEL_EXPORT QString streamInput(const OssSnBaseNode *node, const QString &ou
 
 /// Everything the node takes from, resp. feeds; each once, nearest first. `wholeGraph` follows all
 /// wires, otherwise only the one stream that runs through the node. With `throughGroups` the walk
-/// goes on inside groups and in the network around.
+/// goes on inside groups and in the network around, and from one end of a teleport to the other.
 OSSMODEL_EXPORT QList<OssSnBaseNode *> getUpstreamNodes(OssSnBaseNode *node, bool throughGroups,
                                                         bool wholeGraph, bool includeStart);
 OSSMODEL_EXPORT QList<OssSnBaseNode *> getDownstreamNodes(OssSnBaseNode *node, bool throughGroups,

@@ -230,6 +230,8 @@ TEST(PatchLists, areNumbersAndRangesOrNothingAtAll)
     EXPECT_EQ(OssPatchList::fromText(QStringLiteral("1003, 1001-1002,1002")),
               (QList<int>{1001, 1002, 1003}));
     EXPECT_EQ(OssPatchList::fromText(QStringLiteral("9999")), QList<int>{9999});
+    EXPECT_EQ(OssPatchList::toText({1001, 1002, 1003, 1011, 1013, 1014}),
+              QStringLiteral("1001-1003,1011,1013-1014"));
     for (const char *bad : {"", "1000", "10000", "1002-1001", "1001-", "-1001", "1001-1002-1003",
                             "1001,x", "x-1001", "1001-99999999"})
         EXPECT_TRUE(OssPatchList::fromText(QString::fromLatin1(bad)).isEmpty()) << bad;

@@ -32,3 +32,17 @@ QList<int> OssPatchList::fromText(const QString &text)
     std::sort(patches.begin(), patches.end());
     return patches;
 }
+
+QString OssPatchList::toText(const QList<int> &patches)
+{
+    QStringList parts;
+    for (int i = 0; i < patches.size(); ++i) {
+        const int first = i;
+        while (i + 1 < patches.size() && patches.at(i + 1) == patches.at(i) + 1)
+            ++i;
+        parts.append(i == first
+                         ? QString::number(patches.at(i))
+                         : QStringLiteral("%1-%2").arg(patches.at(first)).arg(patches.at(i)));
+    }
+    return parts.join(QLatin1Char(','));
+}

@@ -4,7 +4,6 @@
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Evaluation/OssBakeProgress.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
-#include "OssModel/Evaluation/OssPatchList.h"
 #include "OssModel/Graph/OssBakeReport.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssGeoImageSet.h"
@@ -53,19 +52,6 @@ OssImageSet *imagesFor(OssSnBakePointNode *node)
     return node->imageSet();
 }
 
-/// The patches that the node's settings leave, of those that the object has.
-QList<int> patchesOf(const OssSnBakePointNode *node, const OssGeoEntity *entity)
-{
-    QList<int> patches = OssEvaluationService::instance()->patches(entity);
-    if (!node->limitBake())
-        return patches;
-    const QList<int> wanted = OssPatchList::fromText(node->limitBakeRange());
-    patches.erase(std::remove_if(patches.begin(), patches.end(),
-                                 [&](int patch) { return !wanted.contains(patch); }),
-                  patches.end());
-    return patches;
-}
-
 bool isBakedForItsObject(const OssSnBakePointNode *node)
 {
     const OssGeoEntity *object = node->network() ? node->network()->geoEntity() : nullptr;
@@ -91,7 +77,7 @@ OssResult bakeOne(OssSnBakePointNode *node, const std::function<bool(int, int)> 
     job.node = source;
     job.outputPoint = node->inputOutputPoint(input);
     job.entity = node->network()->geoEntity();
-    job.patches = patchesOf(node, job.entity);
+    job.patches = node->patchesToBake();
     job.resolution = set->resolution();
     job.onProgress = onProgress;
     const QString key = OssSnResultKey::of(source, job.outputPoint);
@@ -102,7 +88,7 @@ OssResult bakeOne(OssSnBakePointNode *node, const std::function<bool(int, int)> 
                    ? baked
                    : OssResult::failure(node->name() + QStringLiteral(": ") + baked.error());
     }
-    node->setBakedKey(key);
+    node->setBakedKey(key, job.patches, job.resolution);
     OssGeoImageSet *channel = node->syncGeoChannel() && job.entity
                                   ? node->network()->geoEntity()->geoImageSet(
                                       node->geoChannelName())

@@ -3,7 +3,6 @@
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Nodes/OssBakePointWatch.h"
-#include "OssModel/Nodes/OssSnResultKey.h"
 
 #include <QRegularExpression>
 
@@ -18,7 +17,6 @@ const QString RangeAttribute = QStringLiteral("limitBakeRange");
 const QString BackgroundAttribute = QStringLiteral("limitBakeBackground");
 const QString FilterAttribute = QStringLiteral("filterCollection");
 const QString FilterTextAttribute = QStringLiteral("filterCollectionText");
-const QString BakedElement = QStringLiteral("baked");
 
 } // namespace
 
@@ -47,38 +45,29 @@ QString OssSnBakePointNode::preferredInputName() const
     return inputPorts().isEmpty() ? QString() : inputPorts().first().name;
 }
 
-void OssSnBakePointNode::setBakedKey(const QString &key)
+void OssSnBakePointNode::setBakedKey(const QString &key, const QList<int> &patches, int size)
 {
-    const QString settings = key.isEmpty() ? QString()
-                             : limitBake() ? limitBakeRange()
-                                           : QStringLiteral("*");
-    if (m_bakedKey == key && m_bakedSettings == settings)
+    QMap<int, Baked> baked;
+    if (!patches.isEmpty())
+        baked = m_baked;
+    const QList<int> named = patches.isEmpty() ? QList<int>{OtherPatches} : patches;
+    for (const int patch : named) {
+        if (key.isEmpty())
+            baked.remove(patch);
+        else
+            baked.insert(patch, {key, size});
+    }
+    if (m_baked == baked)
         return;
-    const auto apply = [this](const QString &newKey, const QString &newSettings) {
-        m_bakedKey = newKey;
-        m_bakedSettings = newSettings;
+    const auto apply = [this](const QMap<int, Baked> &value) {
+        m_baked = value;
         m_wasUpToDate = isBakedResultUpToDate(false);
         Q_EMIT bakedStateChanged();
     };
-    const QString keyBefore = m_bakedKey;
-    const QString settingsBefore = m_bakedSettings;
-    apply(key, settings);
+    const QMap<int, Baked> before = m_baked;
+    apply(baked);
     OssUndoManager::instance()->record(
-        tr("Bake %1").arg(name()), [=] { apply(keyBefore, settingsBefore); },
-        [=] { apply(key, settings); });
-}
-
-bool OssSnBakePointNode::isBakedResultUpToDate(bool includeSettings) const
-{
-    if (!hasBakedResult())
-        return false;
-    const OssSnBaseNode *source = inputNode(preferredInputName());
-    bool isKnown = true;
-    const QString now = source ? OssSnResultKey::of(source, inputOutputPoint(preferredInputName()),
-                                                    &isKnown)
-                               : QString();
-    const QString settings = limitBake() ? limitBakeRange() : QStringLiteral("*");
-    return (m_bakedKey == now || !isKnown) && (!includeSettings || m_bakedSettings == settings);
+        tr("Bake %1").arg(name()), [=] { apply(before); }, [=] { apply(baked); });
 }
 
 bool OssSnBakePointNode::syncGeoChannel() const
@@ -142,22 +131,4 @@ void OssSnBakePointNode::onUserAttributeSet(const OssCustomAttribute &attribute,
         Q_EMIT filterCollectionEnabledChanged(filterCollectionEnabled());
     else if (name == FilterTextAttribute)
         Q_EMIT filterCollectionTextChanged(filterCollectionText());
-}
-
-bool OssSnBakePointNode::saveObjects(OssSerializer &serializer)
-{
-    if (hasBakedResult())
-        serializer.writeElement(BakedElement, {{QStringLiteral("key"), m_bakedKey},
-                                               {QStringLiteral("patches"), m_bakedSettings}});
-    return OssSnImageSetNodeBase::saveObjects(serializer);
-}
-
-bool OssSnBakePointNode::onLoadElement(OssDeserializer &deserializer, const QString &name,
-                                       const Attributes &attributes)
-{
-    if (name != BakedElement)
-        return OssSnImageSetNodeBase::onLoadElement(deserializer, name, attributes);
-    m_bakedKey = attributes.value(QStringLiteral("key"));
-    m_bakedSettings = attributes.value(QStringLiteral("patches"));
-    return true;
 }

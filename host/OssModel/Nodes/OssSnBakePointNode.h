@@ -3,6 +3,8 @@
 #include "OssCore/Values/OssColor.h"
 #include "OssModel/Nodes/OssSnImageSetNodeBase.h"
 
+#include <QMap>
+
 class OssGeoEntity;
 
 /// Keeps the result of what feeds it as images, from which everything behind it goes on.
@@ -16,15 +18,19 @@ public:
 
     QString preferredInputName() const;
 
-    /// Undoable. What the images were made from, as evaluation names it.
-    void setBakedKey(const QString &key);
+    /// Undoable. What the images of the patches were made from, as evaluation names it, and at what
+    /// size; the others keep what they have. Without patches it is said of all, and an empty key means
+    /// that there is no result any more.
+    void setBakedKey(const QString &key, const QList<int> &patches = {}, int size = 0);
 
-    bool hasBakedResult() const { return !m_bakedKey.isEmpty(); }
+    bool hasBakedResult() const { return !m_baked.isEmpty(); }
 
-    /// Whether a bake now would give what the images hold. `includeSettings` also asks whether the
-    /// patches and the size that are set now were baked. Files that nobody has looked at yet count as
-    /// what they were.
+    /// Whether a bake now would give what the images hold, in each patch that it would bake.
+    /// `includeSettings` also asks whether their size is the one that is set now. Files that nobody
+    /// has looked at yet count as what they were.
     bool isBakedResultUpToDate(bool includeSettings = true) const;
+    /// The patches that a bake now would bake: those that the object has and the limit lets through.
+    QList<int> patchesToBake() const;
 
     /// Announces when the result has become, or is no longer, out of date.
     void checkBakedState();
@@ -60,7 +66,20 @@ protected:
     void onUserAttributeSet(const OssCustomAttribute &attribute, bool added) override;
 
 private:
-    QString m_bakedKey; ///< of the result that the images hold; empty while there is none
-    QString m_bakedSettings;
+    /// What a patch holds.
+    struct Baked
+    {
+        QString key;
+        int size = 0; ///< 0: any
+
+        friend bool operator==(const Baked &a, const Baked &b)
+        {
+            return a.key == b.key && a.size == b.size;
+        }
+    };
+
+    static constexpr int OtherPatches = 0;
+
+    QMap<int, Baked> m_baked; ///< by patch; what all have that are not named is under OtherPatches
     bool m_wasUpToDate = false; ///< when it was last announced
 };

@@ -307,8 +307,9 @@ void OssShaderNetworkView::exportNode(OssSnBaseNode *node, OssGeoImageSet *chann
     const QString name = QStringLiteral("Node_To_GeoChannel_") + channel->name();
     const OssSnBakePointNode *bakePoint = OssShaderNetworkUtils::asTrueBakePointNode(node);
     const OssSnImageSetNodeBase *images = OssShaderNetworkUtils::asTrueImageSetNode(node);
-    if (bakePoint && bakePoint->hasBakedResult() && bakePoint->isBakedResultUpToDate() && images
-        && images->imageSet()) {
+    // With a limit, other patches hold what the node does not show.
+    if (bakePoint && bakePoint->hasBakedResult() && !bakePoint->limitBake()
+        && bakePoint->arePixelsUpToDate() && images && images->imageSet()) {
         OssImageSet *copy = images->imageSet()->duplicate(shading->freeImageSetName(name));
         shading->addImageSet(copy); // takes it
         channel->setImageSet(copy);
@@ -322,8 +323,7 @@ void OssShaderNetworkView::exportNode(OssSnBaseNode *node, OssGeoImageSet *chann
     bakePaintBufferToNode(node);
     OssImageSet *set = m_network->createImageSet(name, channel->imageSet(),
                                                  node->queryMaximumRequiredTextureResolutions());
-    channel->setImageSet(set);
-    const OssResult exported = node->exportToGeoChannel(channel, outputPoint);
+    const OssResult exported = node->exportToGeoChannel(channel, outputPoint, set);
     if (!exported) {
         macro.cancel();
         tell(tr("Export to Geo-Channel"), exported);

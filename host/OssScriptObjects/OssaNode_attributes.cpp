@@ -3,6 +3,7 @@
 #include "OssCore/Values/OssAttributeKind.h"
 #include "OssModel/Evaluation/OssBakeProgress.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
+#include "OssModel/Graph/OssBakeReport.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
@@ -236,7 +237,10 @@ void Node::bakeImageSet()
              QStringLiteral("The node \"%1\" is no bake point").arg(own->name()));
         return;
     }
-    const OssResult baked = OssShaderNetworkUtils::bakeBakePoints({bakePoint}, true, true);
+    OssBakeReport report;
+    const OssResult baked = OssShaderNetworkUtils::bakeBakePoints({bakePoint}, true, true, &report);
+    if (!report.filtered.isEmpty())
+        fail(OssScriptException::NotAllowed, report.inWords());
     if (!baked)
         fail(baked.isCancelled() ? OssScriptException::Cancelled
                                  : OssScriptException::ObjectUnavailable,

@@ -1,3 +1,4 @@
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssModel/Nodes/OssSnBakePointNode.h"
 #include "OssModel/Objects/OssImageSet.h"
 #include "OssScriptObjects/OssaGeoEntity.h"
@@ -183,6 +184,22 @@ TEST_F(NodeObjects, aBakeGivesTheFilesItWroteAndSaysWhatItCouldNot)
     script(bakePoint)->bakeImageSet();
     expectReported(Type::ObjectUnavailable, "nothing is connected");
     ASSERT_TRUE(wire(node, bakePoint));
+    bakePoint->setAttribute(text("filterCollection"), true);
+    bakePoint->setAttribute(text("filterCollectionText"), text("Elsewhere"));
+    script(bakePoint)->bakeImageSet();
+    expectReported(Type::NotAllowed, "names other objects");
+    bakePoint->setAttribute(text("filterCollection"), false);
+    {
+        auto *status = OssStatusManager::instance();
+        const QObject listener;
+        QObject::connect(status, &OssStatusManager::partChanged, &listener,
+                         [status] { status->cancel(); });
+        script(bakePoint)->bakeImageSet();
+        expectReported(Type::Cancelled, "stopped");
+        EXPECT_TRUE(color->bake(file("stopped.<UDIM>.png"), 512, {1001, 1002}).isEmpty());
+        expectReported(Type::Cancelled, "stopped");
+        EXPECT_FALSE(QFile::exists(file("stopped.1001.png")));
+    }
     script(bakePoint)->bakeImageSet();
     EXPECT_TRUE(bakePoint->hasBakedResult());
     auto *object = OssScriptObject<Ossa::GeoEntity>(m_network->geoEntity());

@@ -1,4 +1,5 @@
 #include "GraphFixture.h"
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssModel/Graph/OssGeoImageSet.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
@@ -12,6 +13,8 @@
 #include <QImage>
 #include <QTemporaryDir>
 #include <QtTest>
+
+#include <functional>
 
 namespace {
 
@@ -154,6 +157,58 @@ TEST_F(BakingTest, exportGoesToAGeoChannelOfTheSameObject)
     m_view->exportToGeoChannel(channel);
     EXPECT_EQ(channel->imageSet()->pixels(), m_bake->imageSet()->pixels());
     EXPECT_NE(channel->imageSet(), m_bake->imageSet());
+}
+
+TEST_F(BakingTest, aNodeThatReadsTheChannelItGoesIntoIsExportedAsItWas)
+{
+    OssGeoImageSet *channel = m_network->geoEntity()->addGeoImageSet(QStringLiteral("Rust"));
+    m_color->setAttribute(QStringLiteral("Color"), QVariant::fromValue(OssColor(1.0, 0.0, 0.0)));
+    select({m_color});
+    m_view->exportToGeoChannel(channel);
+    const QMap<int, QString> red = channel->imageSet()->pixels();
+    OssSnBaseNode *reader = addAt("Misc/Geo-Channel", {0, 300});
+    reader->setAttribute(QStringLiteral("geoChannel"), QStringLiteral("Rust"));
+    OssSnBaseNode *invert = addAt("Adjust/Invert", {300, 300});
+    wire(reader, invert);
+    select({invert});
+    m_view->exportToGeoChannel(channel);
+    const QMap<int, QString> once = channel->imageSet()->pixels();
+    EXPECT_NE(once, red);
+    m_view->exportToGeoChannel(channel);
+    EXPECT_NE(channel->imageSet()->pixels(), once);
+    EXPECT_EQ(channel->imageSet()->pixels(), red) << "inverted twice";
+}
+
+TEST_F(BakingTest, whatTheUserStopsOpensNoBoxAndLeavesNothing)
+{
+    OssGeoImageSet *channel = m_network->geoEntity()->addGeoImageSet(QStringLiteral("Rust"));
+    m_bake->setImageSet(nullptr, true);
+    OssUndoManager::instance()->clear();
+    const QByteArray before = m_project->stateHash();
+    auto *status = OssStatusManager::instance();
+    const QObject listener;
+    QObject::connect(status, &OssStatusManager::partChanged, &listener,
+                     [status] { status->cancel(); });
+    const std::function<void()> commands[] = {
+        [&] { m_view->bakeToPaintableNode(); },
+        [&] { m_view->exportToGeoChannel(channel); },
+        [&] {
+            select({m_bake});
+            m_view->bakeSelectedBakePoints();
+        },
+    };
+    select({m_color});
+    for (const auto &command : commands) {
+        const DialogAnswers answers(QString(), QMessageBox::Ok);
+        QSignalSpy said(status, &OssStatusManager::messageShown);
+        command();
+        EXPECT_EQ(answers.boxes.join(QLatin1Char('|')).toStdString(), "") << &command - commands;
+        ASSERT_GE(said.count(), 1) << &command - commands;
+        EXPECT_TRUE(said.last().first().toString().contains(QStringLiteral("topped")))
+            << qPrintable(said.last().first().toString());
+        EXPECT_EQ(m_project->stateHash(), before) << &command - commands;
+        EXPECT_EQ(undoCount(), 0) << &command - commands;
+    }
 }
 
 TEST_F(BakingTest, aMaterialsPreviewIsALitBallOfItsColor)

@@ -62,6 +62,12 @@ bool isBakedForItsObject(const OssSnBakePointNode *node)
     return false;
 }
 
+void fillGeoChannel(const OssSnBakePointNode *node)
+{
+    if (OssGeoImageSet *channel = node->syncedGeoChannel())
+        channel->setImageSet(node->imageSet());
+}
+
 /// Leaves nothing behind when it fails.
 OssResult bakeOne(OssSnBakePointNode *node, const std::function<bool(int, int)> &onProgress)
 {
@@ -89,12 +95,7 @@ OssResult bakeOne(OssSnBakePointNode *node, const std::function<bool(int, int)> 
                    : OssResult::failure(node->name() + QStringLiteral(": ") + baked.error());
     }
     node->setBakedKey(key, job.patches, job.resolution);
-    OssGeoImageSet *channel = node->syncGeoChannel() && job.entity
-                                  ? node->network()->geoEntity()->geoImageSet(
-                                      node->geoChannelName())
-                                  : nullptr;
-    if (channel)
-        channel->setImageSet(set);
+    fillGeoChannel(node);
     return {};
 }
 
@@ -111,7 +112,8 @@ void knowFiles(const QList<OssSnBakePointNode *> &nodes, const OssBakeProgress &
 /// What is to be done with a bake point, as the list of the report that it then comes into.
 using Choice = std::function<QStringList OssBakeReport::*(const OssSnBakePointNode *node)>;
 
-OssResult bakeChosen(const QList<OssSnBakePointNode *> &nodes, const Choice &choice,
+/// Pixels that are up to date are computed again only for who wants them `again`.
+OssResult bakeChosen(const QList<OssSnBakePointNode *> &nodes, bool again, const Choice &choice,
                      OssBakeReport *wanted)
 {
     const OssUndoManager::AutoMacro macro(tr("Bake"));
@@ -126,9 +128,11 @@ OssResult bakeChosen(const QList<OssSnBakePointNode *> &nodes, const Choice &cho
         QStringList OssBakeReport::*list = choice(node);
         if (list == &OssBakeReport::baked && !isBakedForItsObject(node))
             list = &OssBakeReport::filtered;
-        const OssResult baked = list == &OssBakeReport::baked
-                                    ? bakeOne(node, progress.forPart(i, node->name()))
-                                    : OssResult();
+        OssResult baked;
+        if (list == &OssBakeReport::baked && !again && node->arePixelsUpToDate())
+            fillGeoChannel(node);
+        else if (list == &OssBakeReport::baked)
+            baked = bakeOne(node, progress.forPart(i, node->name()));
         report.isStopped = baked.isCancelled() || progress.isStopped();
         if (baked)
             (report.*list).append(node->name());
@@ -152,12 +156,12 @@ OssResult OssShaderNetworkUtils::bakeBakePoints(const QList<OssSnBakePointNode *
         return updateOutOfDate && !node->isBakedResultUpToDate() ? &OssBakeReport::baked
                                                                  : &OssBakeReport::upToDate;
     };
-    return bakeChosen(nodes, choice, report);
+    return bakeChosen(nodes, false, choice, report);
 }
 
 OssResult OssShaderNetworkUtils::bakeAgain(const QList<OssSnBakePointNode *> &nodes,
                                            OssBakeReport *report)
 {
     return bakeChosen(
-        nodes, [](const OssSnBakePointNode *) { return &OssBakeReport::baked; }, report);
+        nodes, true, [](const OssSnBakePointNode *) { return &OssBakeReport::baked; }, report);
 }

@@ -3,6 +3,7 @@
 
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Evaluation/OssPatchList.h"
+#include "OssModel/Graph/OssGeoImageSet.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Nodes/OssSnResultKey.h"
 
@@ -33,6 +34,12 @@ QList<int> OssSnBakePointNode::patchesToBake() const
 }
 
 bool OssSnBakePointNode::isBakedResultUpToDate(bool includeSettings) const
+{
+    const OssGeoImageSet *channel = syncedGeoChannel();
+    return (!channel || channel->imageSet() == imageSet()) && arePixelsUpToDate(includeSettings);
+}
+
+bool OssSnBakePointNode::arePixelsUpToDate(bool includeSettings) const
 {
     const QString input = preferredInputName();
     const OssSnBaseNode *source = hasBakedResult() ? inputNode(input) : nullptr;

@@ -2,6 +2,7 @@
 
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssGeoEntity.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Nodes/OssBakePointWatch.h"
 
 #include <QRegularExpression>
@@ -78,6 +79,12 @@ bool OssSnBakePointNode::syncGeoChannel() const
 QString OssSnBakePointNode::geoChannelName() const
 {
     return attribute(GeoChannelAttribute).toString();
+}
+
+OssGeoImageSet *OssSnBakePointNode::syncedGeoChannel() const
+{
+    const OssGeoEntity *entity = network() ? network()->geoEntity() : nullptr;
+    return entity && syncGeoChannel() ? entity->geoImageSet(geoChannelName()) : nullptr;
 }
 
 bool OssSnBakePointNode::limitBake() const

@@ -6,6 +6,7 @@
 #include <QMap>
 
 class OssGeoEntity;
+class OssGeoImageSet;
 
 /// Keeps the result of what feeds it as images, from which everything behind it goes on.
 class OSSMODEL_EXPORT OssSnBakePointNode : public OssSnImageSetNodeBase
@@ -25,10 +26,12 @@ public:
 
     bool hasBakedResult() const { return !m_baked.isEmpty(); }
 
-    /// Whether a bake now would give what the images hold, in each patch that it would bake.
-    /// `includeSettings` also asks whether their size is the one that is set now. Files that nobody
-    /// has looked at yet count as what they were.
+    /// Whether a bake now would give what the images hold, in each patch that it would bake, and the
+    /// geo-channel has them if it is to. `includeSettings` also asks whether their size is the one that
+    /// is set now. Files that nobody has looked at yet count as what they were.
     bool isBakedResultUpToDate(bool includeSettings = true) const;
+    /// The same without the geo-channel.
+    bool arePixelsUpToDate(bool includeSettings = true) const;
     /// The patches that a bake now would bake: those that the object has and the limit lets through.
     QList<int> patchesToBake() const;
 
@@ -38,6 +41,8 @@ public:
     /// Whether the result also goes into a geo-channel, and into which.
     bool syncGeoChannel() const;
     QString geoChannelName() const;
+    /// The object's geo-channel that is to have the result; null when none is, or there is none.
+    OssGeoImageSet *syncedGeoChannel() const;
     /// Whether only some patches are baked, and which: "1001-1004,1011".
     bool limitBake() const;
     QString limitBakeRange() const;

@@ -93,6 +93,11 @@ class Project(Object):
     @property
     def readOnly(self) -> bool:
         """A newer version wrote the project; it can only be looked at."""
+    @property
+    def newResolution(self) -> int:
+        """Width and height of new images in pixels, from 256 to 16384."""
+    @newResolution.setter
+    def newResolution(self, value: int) -> None: ...
     def objects(self) -> list[GeoEntity]:
         """The objects that are textured."""
     def object(self, name: str) -> GeoEntity:

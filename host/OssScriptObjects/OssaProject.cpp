@@ -44,6 +44,22 @@ bool Project::isReadOnly() const
     return own && own->isReadOnly();
 }
 
+int Project::newResolution() const
+{
+    const auto *own = wrapped<OssProject>();
+    return own ? own->newResolution() : 0;
+}
+
+void Project::setNewResolution(int resolution)
+{
+    auto *own = wrapped<OssProject>();
+    if (own && !OssProject::newResolutions().contains(resolution))
+        fail(OssScriptException::OutOfRange,
+             QStringLiteral("New images cannot be %1 pixels wide").arg(resolution));
+    else if (own)
+        own->setNewResolution(resolution);
+}
+
 QList<GeoEntity *> Project::objects() const
 {
     const auto *own = wrapped<OssProject>();

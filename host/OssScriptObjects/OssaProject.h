@@ -23,6 +23,8 @@ class OSSSCRIPTOBJECTS_EXPORT Project : public API
     Q_PROPERTY(bool modified READ isModified)
     Q_PROPERTY(bool readOnly READ isReadOnly)
     Q_CLASSINFO("readOnly", "A newer version wrote the project; it can only be looked at.")
+    Q_PROPERTY(int newResolution READ newResolution WRITE setNewResolution)
+    Q_CLASSINFO("newResolution", "Width and height of new images in pixels, from 256 to 16384.")
     Q_CLASSINFO("objects", "The objects that are textured.")
     Q_CLASSINFO("object", "By name; None when there is none.")
     Q_CLASSINFO("createObject", "Adds an object with a root graph. Its geometry is \"plane\", "
@@ -43,6 +45,8 @@ public:
     QString path() const;
     bool isModified() const;
     bool isReadOnly() const;
+    int newResolution() const;
+    void setNewResolution(int resolution);
 
 public Q_SLOTS:
     QList<GeoEntity *> objects() const;

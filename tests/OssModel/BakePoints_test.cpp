@@ -108,11 +108,11 @@ TEST_F(BakePoints, eachPatchHasAResultOfItsOwn)
     EXPECT_EQ(m_node->imageSet()->pixels().value(all.last()), others);
 
     const auto lookAt = [](OssSnBakePointNode *node) {
-        for (const bool includeSettings : {true, false}) {
+        for (const bool anySettings : {true, false}) {
             node->setAttribute(text("limitBake"), false);
-            EXPECT_FALSE(node->isBakedResultUpToDate(includeSettings)) << "the others are not";
+            EXPECT_FALSE(node->isBakedResultUpToDate(anySettings)) << "the others are not";
             node->setAttribute(text("limitBake"), true);
-            EXPECT_TRUE(node->isBakedResultUpToDate(includeSettings));
+            EXPECT_TRUE(node->isBakedResultUpToDate(anySettings));
         }
     };
     lookAt(m_node);
@@ -131,7 +131,7 @@ TEST_F(BakePoints, eachPatchHasAResultOfItsOwn)
 
     m_node->imageSet()->setResolution(16);
     EXPECT_FALSE(m_node->isBakedResultUpToDate()) << "another size is another result";
-    EXPECT_TRUE(m_node->isBakedResultUpToDate(false));
+    EXPECT_TRUE(m_node->isBakedResultUpToDate(true));
     ASSERT_TRUE(bake(m_node));
     EXPECT_TRUE(m_node->isBakedResultUpToDate());
     m_node->setAttribute(text("limitBakeRange"), text("1999"));
@@ -150,7 +150,7 @@ TEST_F(BakePoints, theStateIsSavedAndGoesWithUndo)
     const QString key = OssSnResultKey::of(m_node->inputNode(input),
                                            m_node->inputOutputPoint(input));
     const int steps = undoCount();
-    m_node->setBakedKey(key, m_node->patchesToBake(), 8);
+    m_node->setBakedKey(key, m_node->patchesToBake(), 8, m_node->imageSet()->form());
     EXPECT_EQ(undoCount(), steps) << "it was so";
     m_node->setBakedKey({});
     EXPECT_FALSE(m_node->hasBakedResult());

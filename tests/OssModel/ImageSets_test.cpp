@@ -122,6 +122,8 @@ TEST_F(ImageSets, settingsAreTakenOverAndChannelsSayHowFineTheyAre)
     EXPECT_EQ(copy->resolution(), like->resolution());
 
     OssImageSet *bytes = add("Bytes");
+    EXPECT_FALSE(bytes->isByteColor()) << "new ones lose nothing";
+    bytes->setDepth(OssChannel::UnsignedByte);
     EXPECT_TRUE(bytes->isByteColor());
     bytes->setScalar(true);
     EXPECT_FALSE(bytes->isByteColor());

@@ -120,24 +120,48 @@ OssEvResult waitFor(const OssEvBake::Job &job, Band *band)
                : OssEvResult::failure("Cannot write \"" + job.path + "\": " + band->outcome.error);
 }
 
+/// What a half cannot hold.
+bool needsFloats(const OssEvBake::Job &job)
+{
+    return job.depth ? *job.depth == OssEvDepth::Short || *job.depth == OssEvDepth::Float
+                     : job.isPrecise;
+}
+
+/// Puts a node behind the target.
+void append(OssEvTarget *target, const char *kernel, const OssEvParameters &parameters, int output)
+{
+    if (target->graph == nullptr || target->node < 0
+        || target->node >= int(target->graph->nodes().size()))
+        return;
+    const OssEvGraph::Node &node = target->graph->nodes()[std::size_t(target->node)];
+    if (node.kernel == nullptr || target->output < 0
+        || target->output >= int(node.kernel->outputs.size()))
+        return;
+    const std::string from = node.kernel->outputs[std::size_t(target->output)].name;
+    OssEvGraphBuilder builder(*target->graph);
+    const int added = builder.addNode(node.name, kernel, parameters);
+    builder.connect(target->node, from, added, "Input");
+    target->graph = builder.finish();
+    target->node = added;
+    target->output = output;
+}
+
 OssEvTarget targetOf(const OssEvBake::Job &job)
 {
     OssEvTarget target = job.target;
     target.keepIntermediates = false;
-    if (!job.dilate || target.mesh == nullptr || target.graph == nullptr || target.node < 0
-        || target.node >= int(target.graph->nodes().size()))
-        return target;
-    const OssEvGraph::Node &node = target.graph->nodes()[std::size_t(target.node)];
-    if (node.kernel == nullptr || target.output < 0
-        || target.output >= int(node.kernel->outputs.size()))
-        return target;
-    const std::string output = node.kernel->outputs[std::size_t(target.output)].name;
-    OssEvGraphBuilder builder(*target.graph);
-    const int dilation = builder.addNode(node.name, "dilate");
-    builder.connect(target.node, output, dilation, "Input");
-    target.graph = builder.finish();
-    target.node = dilation;
-    target.output = 0;
+    if (job.dilate && target.mesh != nullptr)
+        append(&target, "dilate", {{"Bleed", std::int64_t(target.bleed)}}, 0);
+    const OssEvDepth depth = job.depth.value_or(job.isPrecise ? OssEvDepth::Float
+                                                              : OssEvDepth::Half);
+    // Files of halves make halves of all that comes.
+    if (job.isScalar || (job.depth && depth != OssEvDepth::Half)) {
+        append(&target, job.isScalar ? "storeScalar" : "store",
+               {{"Depth", std::string(OssEvDepthNames[std::size_t(depth)])},
+                {"ColorSpace", std::string(job.isData || job.isScalar ? "Scalar" : "Color")},
+                {"FileSpace", job.fileSpace}},
+               needsFloats(job) ? 1 : 0);
+    }
     return target;
 }
 
@@ -156,7 +180,7 @@ OssEvResult OssEvBake::run(OssEvEngine *engine, const Job &job)
     description.height = frame.height;
     description.channels = plan->stages().back().channels;
     description.isData = job.isData;
-    description.isPrecise = job.isPrecise;
+    description.isPrecise = needsFloats(job);
     std::unique_ptr<OssEvImageWriter> writer;
     result = OssEvImageWriter::open(job.path, description, &writer);
     if (!result)

@@ -4,8 +4,10 @@
 #include "OssEvaluation/OssEvaluation_export.h"
 #include "OssEvaluation/Schedule/OssEvEngine.h"
 #include "OssEvaluation/Values/OssEvCancel.h"
+#include "OssEvaluation/Values/OssEvDepth.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 
 /// Computes a target into a file. The file is written while the rest is computed, line by line from
@@ -21,7 +23,14 @@ struct Job
     bool isData = false;
     /// 32 bits in formats that have floats.
     bool isPrecise = false;
-    /// Where there is a mesh, texels around its charts get the colour of the nearest one within.
+    /// What is kept of each value; none: whatever the format can hold. Whole numbers are counted in
+    /// the colour space `fileSpace`, or that of screens where it is empty.
+    std::optional<OssEvDepth> depth;
+    std::string fileSpace;
+    /// One channel of numbers: of colours their luminance.
+    bool isScalar = false;
+    /// Where there is a mesh, texels around its charts get the colour of the nearest one within. How
+    /// far around is the target's `bleed`.
     bool dilate = true;
     /// Called on the calling thread.
     std::function<void(int done, int total)> onProgress;

@@ -9,6 +9,7 @@
 namespace {
 
 constexpr int NotCovered = 127;
+constexpr int LargestMargin = 64;
 
 struct Point
 {
@@ -60,24 +61,29 @@ bool isCancelled(const OssEvCancel *cancel)
 
 std::shared_ptr<const OssEvSurfaceMap> OssEvSurfaceMap::make(std::shared_ptr<const OssEvMesh> mesh,
                                                              const OssEvFrame &frame,
-                                                             const OssEvCancel *cancel)
+                                                             const OssEvCancel *cancel, int bleed)
 {
-    std::shared_ptr<OssEvSurfaceMap> map(new OssEvSurfaceMap(std::move(mesh), frame));
+    std::shared_ptr<OssEvSurfaceMap> map(
+        new OssEvSurfaceMap(std::move(mesh), frame, margin(frame.width, bleed)));
     const bool complete = map->clear(cancel) && map->rasterise(cancel) && map->dilate(cancel);
     return complete ? map : nullptr;
 }
 
-OssEvSurfaceMap::OssEvSurfaceMap(std::shared_ptr<const OssEvMesh> mesh, const OssEvFrame &frame)
+OssEvSurfaceMap::OssEvSurfaceMap(std::shared_ptr<const OssEvMesh> mesh, const OssEvFrame &frame,
+                                 int margin)
     : m_mesh(std::move(mesh))
     , m_frame(frame)
+    , m_margin(margin)
     , m_faces(std::size_t(frame.width) * std::size_t(frame.height) * sizeof(std::int32_t))
     , m_offsets(std::size_t(frame.width) * std::size_t(frame.height) * sizeof(Offset))
 {
 }
 
-int OssEvSurfaceMap::margin(int width)
+int OssEvSurfaceMap::margin(int width, int bleed)
 {
-    return std::clamp((width * MarginAt4k + 2048) / 4096, 2, 64);
+    return bleed <= 0 ? 0
+                      : int(std::clamp((std::int64_t(width) * bleed + 2048) / 4096, std::int64_t(2),
+                                       std::int64_t(LargestMargin)));
 }
 
 // Touching fresh memory takes its time: it is done in rows that can be given up.
@@ -171,7 +177,7 @@ bool OssEvSurfaceMap::dilate(const OssEvCancel *cancel)
 // Takes over from the row beside it how far the nearest covered texel of the same column is.
 void OssEvSurfaceMap::sweepRow(int y, int from, std::int16_t *vertical) const
 {
-    const int reach = margin(m_frame.width);
+    const int reach = m_margin;
     std::int16_t *row = vertical + index(0, y);
     for (int x = 0; x < m_frame.width; ++x) {
         if (faces()[index(x, y)] >= 0) {
@@ -188,7 +194,7 @@ void OssEvSurfaceMap::sweepRow(int y, int from, std::int16_t *vertical) const
 
 void OssEvSurfaceMap::findNearest(int x, int y, const std::int16_t *vertical)
 {
-    const int reach = margin(m_frame.width);
+    const int reach = m_margin;
     int best = reach * reach + 1;
     const int end = std::min(m_frame.width - 1, x + reach);
     for (int column = std::max(0, x - reach); column <= end; ++column) {

@@ -25,17 +25,18 @@ public:
     /// Texels of margin in a patch of 4096, in proportion for other sizes.
     static constexpr int MarginAt4k = 16;
 
-    /// Null when cancelled. Throws std::bad_alloc.
+    /// Null when cancelled. Throws std::bad_alloc. `bleed` is the margin in a patch of 4096.
     static std::shared_ptr<const OssEvSurfaceMap> make(std::shared_ptr<const OssEvMesh> mesh,
                                                        const OssEvFrame &frame,
-                                                       const OssEvCancel *cancel);
+                                                       const OssEvCancel *cancel,
+                                                       int bleed = MarginAt4k);
 
     const OssEvFrame &frame() const { return m_frame; }
 
     const OssEvMesh &mesh() const { return *m_mesh; }
 
     /// Margin in texels for a patch of this width.
-    static int margin(int width);
+    static int margin(int width, int bleed = MarginAt4k);
 
     bool isCovered(int x, int y) const
     {
@@ -72,7 +73,7 @@ private:
         std::int8_t y;
     };
 
-    OssEvSurfaceMap(std::shared_ptr<const OssEvMesh> mesh, const OssEvFrame &frame);
+    OssEvSurfaceMap(std::shared_ptr<const OssEvMesh> mesh, const OssEvFrame &frame, int margin);
 
     std::size_t index(int x, int y) const
     {
@@ -94,6 +95,7 @@ private:
 
     std::shared_ptr<const OssEvMesh> m_mesh;
     OssEvFrame m_frame;
+    int m_margin;
     /// Of covered texels; -1 for the others.
     OssEvBuffer m_faces;
     OssEvBuffer m_offsets;

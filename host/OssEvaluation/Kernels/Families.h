@@ -20,5 +20,6 @@ void addDetail(std::vector<OssEvKernel> *kernels);
 void addPlacement(std::vector<OssEvKernel> *kernels);
 void addSurface(std::vector<OssEvKernel> *kernels);
 void addOcclusion(std::vector<OssEvKernel> *kernels);
+void addStore(std::vector<OssEvKernel> *kernels);
 
 } // namespace OssEvFamilies

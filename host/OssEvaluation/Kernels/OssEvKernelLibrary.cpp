@@ -22,6 +22,7 @@ std::vector<OssEvKernel> makeKernels()
     OssEvFamilies::addPlacement(&kernels);
     OssEvFamilies::addSurface(&kernels);
     OssEvFamilies::addOcclusion(&kernels);
+    OssEvFamilies::addStore(&kernels);
     std::sort(kernels.begin(), kernels.end(),
               [](const OssEvKernel &a, const OssEvKernel &b) { return a.name < b.name; });
     return kernels;

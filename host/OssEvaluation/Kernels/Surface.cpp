@@ -178,9 +178,9 @@ void curvature(const OssEvStrip &strip, const CurvatureValues &values)
 class Dilate : public OssEvAreaOperation
 {
 public:
-    explicit Dilate(const OssEvFrame &frame)
+    Dilate(const OssEvFrame &frame, int bleed)
         : OssEvAreaOperation({{0, 0}})
-        , m_margin(OssEvSurfaceMap::margin(frame.width))
+        , m_margin(OssEvSurfaceMap::margin(frame.width, bleed))
     {
     }
 
@@ -269,8 +269,10 @@ void OssEvFamilies::addSurface(std::vector<OssEvKernel> *kernels)
     OssEvKernel dilation = surfaceKernel("dilate", {{"Output", 0}});
     dilation.inputs = {{"Input", 0, true}};
     dilation.keepsPrecision = true;
+    // As the target has it.
+    dilation.parameters = {integer("Bleed", OssEvSurfaceMap::MarginAt4k, 0, 4096)};
     dilation.make = [](const OssEvKernelSetup &setup) {
-        return std::make_shared<Dilate>(setup.frame());
+        return std::make_shared<Dilate>(setup.frame(), setup.integer("Bleed"));
     };
     kernels->push_back(dilation);
 }

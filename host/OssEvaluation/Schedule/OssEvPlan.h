@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OssEvaluation/Geometry/OssEvMesh.h"
+#include "OssEvaluation/Geometry/OssEvSurfaceMap.h"
 #include "OssEvaluation/Graph/OssEvGraph.h"
 #include "OssEvaluation/OssEvaluation_export.h"
 #include "OssEvaluation/Schedule/OssEvImageProvider.h"
@@ -30,6 +31,8 @@ struct OssEvTarget
     int mip = 0;
     /// Null computes in the plane of the patches.
     std::shared_ptr<const OssEvMesh> mesh;
+    /// By how many texels the surface goes on beyond the mesh's charts, in a patch of 4096.
+    int bleed = OssEvSurfaceMap::MarginAt4k;
     /// Null where the graph reads no image.
     std::shared_ptr<OssEvImageProvider> images;
     /// Keeps results of filters and costly nodes even where nothing else needs them, so that the

@@ -42,6 +42,7 @@ OssEvResult OssEvPlanner::run(OssEvPlan *plan)
                            .add(m_frame.patch)
                            .add(m_frame.width)
                            .add(m_frame.height)
+                           .add(m_target.bleed)
                            .key();
     }
     const std::vector<int> order = m_target.graph->upstream(m_target.node);

@@ -174,7 +174,7 @@ void OssEvScheduler::runTiles(const Unit &unit, std::vector<OssEvUnitTile> *tile
 void OssEvScheduler::runSurface(const Unit &unit)
 {
     unit->surface = OssEvSurfaceMap::make(unit->plan->target().mesh, unit->plan->surfaceFrame(),
-                                          &unit->cancel);
+                                          &unit->cancel, unit->plan->target().bleed);
 }
 
 OssEvResult OssEvScheduler::runImage(const Unit &unit, std::vector<OssEvUnitTile> *tiles)

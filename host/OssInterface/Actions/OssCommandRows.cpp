@@ -48,6 +48,7 @@ const std::vector<Row> RowTable{
     {"/Ossa/Edit", QT_TR_NOOP("Undo"), "Ctrl+Z", "Edit 1.1", WithUndo},
     {"/Ossa/Edit", QT_TR_NOOP("Redo"), "Ctrl+Shift+Z Ctrl+Y", "Edit 1.2", WithRedo},
     {"/Ossa/Edit", QT_TR_NOOP("Preferences..."), "Ctrl+,", "Edit 4.1", Always, QT_TR_NOOP("Set how the program behaves")},
+    {"/Ossa/Edit", QT_TR_NOOP("Size of New Images..."), "", "Edit 4.3", WithProject, QT_TR_NOOP("Set how large images are that are made in this project")},
     {"/Ossa/Edit", QT_TR_NOOP("Keyboard Shortcuts..."), "Ctrl+Alt+K", "Edit 4.2", Always, QT_TR_NOOP("See and change the keys of all commands")},
 
     {"/Ossa/View", QT_TR_NOOP("Full Screen"), "F11", "View 4.1", Always, QT_TR_NOOP("Use the whole screen")},

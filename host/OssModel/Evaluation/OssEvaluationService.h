@@ -47,6 +47,8 @@ public:
         const OssGeoEntity *entity = nullptr;
         QList<int> patches;
         int resolution = 2048;
+        /// Into a set: whether values are kept as finely as the set says, or as they come.
+        bool keepsDepth = true;
         /// Of the job as a whole. Called on this thread several times a second; false stops the
         /// bake, which then fails.
         std::function<bool(int done, int total)> onProgress;

@@ -140,8 +140,13 @@ OssResult OssEvaluationService::bakeInto(OssImageSet *set, const BakeJob &job)
         bake.target.patch = patch;
         made.insert(patch, OssPixelStore::newPath());
         bake.path = made.value(patch).toStdString();
+        bake.target.bleed = set->bleed();
         bake.isPrecise = set->depth() == OssImageSet::FloatDepth;
         bake.isData = set->isScalar();
+        bake.isScalar = set->isScalar();
+        if (job.keepsDepth)
+            bake.depth = set->engineDepth();
+        bake.fileSpace = set->fileSpace().toStdString();
         bakes.push_back(bake);
     }
     OssResult result = made.isEmpty()

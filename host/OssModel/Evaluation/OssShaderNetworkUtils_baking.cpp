@@ -12,7 +12,6 @@
 #include "OssModel/Nodes/OssSnBakePointNode.h"
 #include "OssModel/Nodes/OssSnResultKey.h"
 #include "OssModel/Objects/OssImageSet.h"
-#include "OssModel/Objects/OssShadingContext.h"
 
 #include <QCoreApplication>
 
@@ -40,18 +39,6 @@ QList<OssSnBakePointNode *> sourcesFirst(const QList<OssSnBakePointNode *> &node
     return sorted;
 }
 
-/// The bake point's images; makes them where there are none.
-OssImageSet *imagesFor(OssSnBakePointNode *node)
-{
-    OssShadingContext *shading = node->network()->shadingContext();
-    if (!node->imageSet() && shading) {
-        auto *set = new OssImageSet(shading->freeImageSetName(node->name()));
-        shading->addImageSet(set); // takes it
-        node->setImageSet(set, true);
-    }
-    return node->imageSet();
-}
-
 bool isBakedForItsObject(const OssSnBakePointNode *node)
 {
     const OssGeoEntity *object = node->network() ? node->network()->geoEntity() : nullptr;
@@ -76,7 +63,7 @@ OssResult bakeOne(OssSnBakePointNode *node, const std::function<bool(int, int)> 
     if (!source)
         return OssResult::failure(tr("%1: nothing is connected").arg(node->name()));
     OssUndoManager::AutoMacro macro(tr("Bake %1").arg(node->name()));
-    OssImageSet *set = node->network() ? imagesFor(node) : nullptr;
+    OssImageSet *set = node->needImageSet();
     if (!set)
         return OssResult::failure(tr("%1: there is no shading to keep images").arg(node->name()));
     OssEvaluationService::BakeJob job;
@@ -85,6 +72,7 @@ OssResult bakeOne(OssSnBakePointNode *node, const std::function<bool(int, int)> 
     job.entity = node->network()->geoEntity();
     job.patches = node->patchesToBake();
     job.resolution = set->resolution();
+    job.keepsDepth = node->choosesDepth();
     job.onProgress = onProgress;
     const QString key = OssSnResultKey::of(source, job.outputPoint);
     const OssResult baked = OssEvaluationService::instance()->bakeInto(set, job);
@@ -94,7 +82,7 @@ OssResult bakeOne(OssSnBakePointNode *node, const std::function<bool(int, int)> 
                    ? baked
                    : OssResult::failure(node->name() + QStringLiteral(": ") + baked.error());
     }
-    node->setBakedKey(key, job.patches, job.resolution);
+    node->setBakedKey(key, job.patches, job.resolution, set->form());
     fillGeoChannel(node);
     return {};
 }

@@ -15,6 +15,7 @@ const QString BakedElement = QStringLiteral("baked");
 const QString KeyAttribute = QStringLiteral("key");
 const QString PatchesAttribute = QStringLiteral("patches");
 const QString SizeAttribute = QStringLiteral("size");
+const QString FormAttribute = QStringLiteral("form");
 /// Instead of a list of patches.
 const QString AllPatches = QStringLiteral("*");
 
@@ -33,13 +34,13 @@ QList<int> OssSnBakePointNode::patchesToBake() const
     return patches;
 }
 
-bool OssSnBakePointNode::isBakedResultUpToDate(bool includeSettings) const
+bool OssSnBakePointNode::isBakedResultUpToDate(bool anySettings) const
 {
     const OssGeoImageSet *channel = syncedGeoChannel();
-    return (!channel || channel->imageSet() == imageSet()) && arePixelsUpToDate(includeSettings);
+    return (!channel || channel->imageSet() == imageSet()) && arePixelsUpToDate(anySettings);
 }
 
-bool OssSnBakePointNode::arePixelsUpToDate(bool includeSettings) const
+bool OssSnBakePointNode::arePixelsUpToDate(bool anySettings) const
 {
     const QString input = preferredInputName();
     const OssSnBaseNode *source = hasBakedResult() ? inputNode(input) : nullptr;
@@ -48,12 +49,16 @@ bool OssSnBakePointNode::arePixelsUpToDate(bool includeSettings) const
     bool isKnown = true;
     const QString now = OssSnResultKey::of(source, inputOutputPoint(input), &isKnown);
     const int size = imageSet() ? imageSet()->resolution() : 0;
+    const QString form = imageSet() ? imageSet()->form() : QString();
     const Baked others = m_baked.value(OtherPatches);
     const QList<int> patches = patchesToBake();
     return !patches.isEmpty() && std::all_of(patches.cbegin(), patches.cend(), [&](int patch) {
         const Baked baked = m_baked.value(patch, others);
         const bool isSame = baked.key == now || (!isKnown && !baked.key.isEmpty());
-        return isSame && (!includeSettings || baked.size == 0 || baked.size == size);
+        return isSame
+               && (anySettings
+                   || ((baked.size == 0 || baked.size == size)
+                       && (baked.form.isEmpty() || baked.form == form)));
     });
 }
 
@@ -78,6 +83,8 @@ bool OssSnBakePointNode::saveObjects(OssSerializer &serializer)
                                                      : OssPatchList::toText(patches)}};
         if (baked.size > 0)
             attributes.insert(SizeAttribute, QString::number(baked.size));
+        if (!baked.form.isEmpty())
+            attributes.insert(FormAttribute, baked.form);
         serializer.writeElement(BakedElement, attributes);
     }
     return OssSnImageSetNodeBase::saveObjects(serializer);
@@ -88,7 +95,8 @@ bool OssSnBakePointNode::onLoadElement(OssDeserializer &deserializer, const QStr
 {
     if (name != BakedElement)
         return OssSnImageSetNodeBase::onLoadElement(deserializer, name, attributes);
-    const Baked baked{attributes.value(KeyAttribute), attributes.value(SizeAttribute).toInt()};
+    const Baked baked{attributes.value(KeyAttribute), attributes.value(SizeAttribute).toInt(),
+                      attributes.value(FormAttribute)};
     QList<int> patches = OssPatchList::fromText(attributes.value(PatchesAttribute));
     if (patches.isEmpty())
         patches.append(OtherPatches);

@@ -28,6 +28,8 @@ public:
     virtual QList<OssImage *> images() const = 0;
     /// Owned by the holder. Undoable.
     virtual OssImage *addImage(const QString &path, const QString &category) = 0;
+    /// Width and height of new images, in pixels.
+    virtual int newResolution() const = 0;
 };
 
 /// The images of the open project, and the actions that every image's menu offers.
@@ -67,6 +69,11 @@ public:
     void setHolder(OssImageHolder *holder) { m_holder = holder; }
 
     static QString defaultCategory() { return QStringLiteral("Images"); }
+
+    static constexpr int UsualResolution = 2048;
+
+    /// Of new images of the open project.
+    int newResolution() const { return m_holder ? m_holder->newResolution() : UsualResolution; }
 
     /// In the order of loading.
     QList<OssImage *> images() const;

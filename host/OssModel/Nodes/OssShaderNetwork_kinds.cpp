@@ -20,11 +20,7 @@ OssSnBaseNode *OssShaderNetwork::createPaintableNode(const QPointF &scenePos,
         return nullptr;
     if (OssSnBaseContext *context = node->viewContext())
         context->setNodePosition(scenePos);
-    if (OssShadingContext *shading = shadingContext()) {
-        auto *images = new OssImageSet(shading->freeImageSetName(node->name()));
-        shading->addImageSet(images); // takes it
-        node->setImageSet(images, true);
-    }
+    node->needImageSet();
     return node;
 }
 
@@ -37,6 +33,8 @@ OssImageSet *OssShaderNetwork::createImageSet(const QString &name, const OssImag
     auto *set = new OssImageSet(shading->freeImageSetName(name));
     if (like)
         set->copySettings(*like);
+    else
+        set->setDepth(OssImageSet::HalfDepth);
     set->setResolution(resolution);
     shading->addImageSet(set); // takes it
     return set;

@@ -1,8 +1,10 @@
 #include "OssModel/Nodes/OssSnBakePointNode.h"
 
 #include "OssCore/Undo/OssUndoManager.h"
+#include "OssCore/Values/OssUserEnum.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Images/OssImageManager.h"
 #include "OssModel/Nodes/OssBakePointWatch.h"
 
 #include <QRegularExpression>
@@ -11,6 +13,8 @@
 
 namespace {
 
+constexpr const char *DepthAttribute = "depth";
+constexpr const char *ResolutionAttribute = "resolution";
 const QString SyncAttribute = QStringLiteral("syncGeoChannel");
 const QString GeoChannelAttribute = QStringLiteral("geoChannel");
 const QString LimitAttribute = QStringLiteral("limitBake");
@@ -18,6 +22,63 @@ const QString RangeAttribute = QStringLiteral("limitBakeRange");
 const QString BackgroundAttribute = QStringLiteral("limitBakeBackground");
 const QString FilterAttribute = QStringLiteral("filterCollection");
 const QString FilterTextAttribute = QStringLiteral("filterCollectionText");
+
+// --- how the node's images are to be kept
+
+void setResolution(OssImageSet *images, const QVariant &value)
+{
+    const int size = value.value<OssUserEnum>().currentName().toInt();
+    if (size > 0)
+        images->setResolution(size);
+}
+
+void setDepth(OssImageSet *images, const QVariant &value)
+{
+    const int depth = value.value<OssUserEnum>().currentValue();
+    if (depth >= 0 && depth < int(OssEvDepthNames.size()))
+        images->setDepth(OssImageSet::codeOf(OssEvDepth(depth)));
+}
+
+void setScalar(OssImageSet *images, const QVariant &value)
+{
+    images->setScalar(value.toBool());
+}
+
+void setBleed(OssImageSet *images, const QVariant &value)
+{
+    images->setBleed(value.toInt());
+}
+
+void setFileSpace(OssImageSet *images, const QVariant &value)
+{
+    images->setFileSpace(value.value<OssUserEnum>().currentName());
+}
+
+void setFillColor(OssImageSet *images, const QVariant &value)
+{
+    images->setFillColor(value.value<OssColor>());
+}
+
+struct Setting
+{
+    const char *attribute;
+    void (*apply)(OssImageSet *images, const QVariant &value);
+};
+
+constexpr Setting Settings[] = {{ResolutionAttribute, setResolution},
+                                {DepthAttribute, setDepth},
+                                {"scalar", setScalar},
+                                {"bleed", setBleed},
+                                {"fileSpace", setFileSpace},
+                                {"fillColor", setFillColor}};
+
+const Setting *settingOf(const QString &attribute)
+{
+    const auto *found = std::find_if(
+        std::begin(Settings), std::end(Settings),
+        [&](const Setting &setting) { return attribute == QLatin1String(setting.attribute); });
+    return found == std::end(Settings) ? nullptr : found;
+}
 
 } // namespace
 
@@ -46,7 +107,8 @@ QString OssSnBakePointNode::preferredInputName() const
     return inputPorts().isEmpty() ? QString() : inputPorts().first().name;
 }
 
-void OssSnBakePointNode::setBakedKey(const QString &key, const QList<int> &patches, int size)
+void OssSnBakePointNode::setBakedKey(const QString &key, const QList<int> &patches, int size,
+                                     const QString &form)
 {
     QMap<int, Baked> baked;
     if (!patches.isEmpty())
@@ -56,7 +118,7 @@ void OssSnBakePointNode::setBakedKey(const QString &key, const QList<int> &patch
         if (key.isEmpty())
             baked.remove(patch);
         else
-            baked.insert(patch, {key, size});
+            baked.insert(patch, {key, size, form});
     }
     if (m_baked == baked)
         return;
@@ -124,6 +186,28 @@ bool OssSnBakePointNode::isBakedFor(const OssGeoEntity *object) const
     });
 }
 
+OssImageSet *OssSnBakePointNode::needImageSet()
+{
+    const QLatin1String resolution(ResolutionAttribute);
+    if (!imageSet() && userAttribute(resolution).isDefault())
+        setAttribute(resolution, QString::number(OssImageManager::instance()->newResolution()));
+    return OssSnImageSetNodeBase::needImageSet();
+}
+
+void OssSnBakePointNode::applySettings(OssImageSet *images) const
+{
+    for (const Setting &setting : Settings) {
+        const OssCustomAttribute own = userAttribute(QLatin1String(setting.attribute));
+        if (own.isValid())
+            setting.apply(images, own.value());
+    }
+}
+
+bool OssSnBakePointNode::choosesDepth() const
+{
+    return userAttribute(QLatin1String(DepthAttribute)).isValid();
+}
+
 void OssSnBakePointNode::onUserAttributeSet(const OssCustomAttribute &attribute, bool added)
 {
     OssSnImageSetNodeBase::onUserAttributeSet(attribute, added);
@@ -138,4 +222,6 @@ void OssSnBakePointNode::onUserAttributeSet(const OssCustomAttribute &attribute,
         Q_EMIT filterCollectionEnabledChanged(filterCollectionEnabled());
     else if (name == FilterTextAttribute)
         Q_EMIT filterCollectionTextChanged(filterCollectionText());
+    else if (const Setting *setting = imageSet() ? settingOf(name) : nullptr)
+        setting->apply(imageSet(), attribute.value());
 }

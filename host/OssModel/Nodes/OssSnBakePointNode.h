@@ -20,18 +20,19 @@ public:
     QString preferredInputName() const;
 
     /// Undoable. What the images of the patches were made from, as evaluation names it, and at what
-    /// size; the others keep what they have. Without patches it is said of all, and an empty key means
-    /// that there is no result any more.
-    void setBakedKey(const QString &key, const QList<int> &patches = {}, int size = 0);
+    /// size and in which form; the others keep what they have. Without patches it is said of all, and
+    /// an empty key means that there is no result any more.
+    void setBakedKey(const QString &key, const QList<int> &patches = {}, int size = 0,
+                     const QString &form = {});
 
     bool hasBakedResult() const { return !m_baked.isEmpty(); }
 
     /// Whether a bake now would give what the images hold, in each patch that it would bake, and the
-    /// geo-channel has them if it is to. `includeSettings` also asks whether their size is the one that
-    /// is set now. Files that nobody has looked at yet count as what they were.
-    bool isBakedResultUpToDate(bool includeSettings = true) const;
+    /// geo-channel has them if it is to. With `anySettings` it does not matter at which size and in
+    /// which form they are kept. Files that nobody has looked at yet count as what they were.
+    bool isBakedResultUpToDate(bool anySettings = false) const;
     /// The same without the geo-channel.
-    bool arePixelsUpToDate(bool includeSettings = true) const;
+    bool arePixelsUpToDate(bool anySettings = false) const;
     /// The patches that a bake now would bake: those that the object has and the limit lets through.
     QList<int> patchesToBake() const;
 
@@ -53,6 +54,11 @@ public:
     /// Whether the filter, names of objects with wildcards, lets the object through. Without a filter
     /// or a text it does, and so it does for what belongs to no object.
     bool isBakedFor(const OssGeoEntity *object) const;
+
+    OssImageSet *needImageSet() override;
+    void applySettings(OssImageSet *images) const override;
+    /// Whether it says how finely values are kept. Those of older documents keep them as they come.
+    bool choosesDepth() const;
 
     bool saveObjects(OssSerializer &serializer) override;
     bool onLoadElement(OssDeserializer &deserializer, const QString &name,
@@ -76,10 +82,11 @@ private:
     {
         QString key;
         int size = 0; ///< 0: any
+        QString form; ///< as OssImageSet::form(); empty: any
 
         friend bool operator==(const Baked &a, const Baked &b)
         {
-            return a.key == b.key && a.size == b.size;
+            return a.key == b.key && a.size == b.size && a.form == b.form;
         }
     };
 

@@ -2,11 +2,25 @@
 
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Images/OssImageManager.h"
 #include "OssModel/Objects/OssShadingContext.h"
 
 OssImageSet *OssSnImageSetNodeBase::imageSet() const
 {
     return m_images.find(network() ? network()->shadingContext() : nullptr);
+}
+
+OssImageSet *OssSnImageSetNodeBase::needImageSet()
+{
+    OssShadingContext *shading = network() ? network()->shadingContext() : nullptr;
+    if (imageSet() || !shading)
+        return imageSet();
+    auto *set = new OssImageSet(shading->freeImageSetName(name()));
+    set->setResolution(OssImageManager::instance()->newResolution());
+    applySettings(set);
+    shading->addImageSet(set); // takes it
+    setImageSet(set, true);
+    return set;
 }
 
 void OssSnImageSetNodeBase::setImageSet(OssImageSet *set, bool notify)

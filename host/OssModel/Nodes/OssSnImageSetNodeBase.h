@@ -16,6 +16,13 @@ public:
     /// Undoable. The flag tells whether listeners hear of it.
     void setImageSet(OssImageSet *set, bool notify);
 
+    /// Makes images where there are none: of the project's size, as applySettings() has them. Undoable.
+    /// Null without a shading that could keep them.
+    virtual OssImageSet *needImageSet();
+
+    /// Gives images that are this node's alone the settings that it asks for. Not a step.
+    virtual void applySettings(OssImageSet *) const {}
+
     /// What files name them by, there or not; empty when the node never had any.
     QString imageSetName() const { return m_images.name(); }
 

@@ -1,10 +1,9 @@
 #include "OssModel/Nodes/OssSnShaderInputNode.h"
 
 #include "OssCore/Values/OssUserEnum.h"
+#include "OssModel/Objects/OssImageSet.h"
 
 namespace {
-
-constexpr int Depths[] = {5121, 5131, 5126};
 
 int choice(const OssSnBaseNode *node, const QString &attribute)
 {
@@ -16,7 +15,9 @@ int choice(const OssSnBaseNode *node, const QString &attribute)
 int OssSnShaderInputNode::imageSetDepth() const
 {
     const int index = choice(this, QStringLiteral("Depth"));
-    return index >= 0 && index < 3 ? Depths[index] : 0;
+    return index >= 0 && index < int(OssEvDepthNames.size())
+               ? OssImageSet::codeOf(OssEvDepth(index))
+               : 0;
 }
 
 int OssSnShaderInputNode::colorSpace() const

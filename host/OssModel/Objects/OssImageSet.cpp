@@ -4,8 +4,14 @@
 #include "OssModel/Images/OssPixelStore.h"
 #include "OssModel/Objects/OssChannel.h"
 
+#include <algorithm>
+#include <array>
+
 namespace {
 
+/// In the order of OssEvDepth.
+constexpr std::array<int, 4> Codes{OssChannel::UnsignedByte, OssImageSet::HalfDepth,
+                                   OssImageSet::FloatDepth, OssImageSet::ShortDepth};
 const QString PixelsElement = QStringLiteral("pixels");
 
 } // namespace
@@ -27,6 +33,27 @@ OssChannel *OssImageSet::channel() const
 void OssImageSet::setChannel(OssChannel *channel)
 {
     m_channel = channel;
+}
+
+int OssImageSet::codeOf(OssEvDepth depth)
+{
+    return Codes[std::size_t(depth)];
+}
+
+OssEvDepth OssImageSet::engineDepth() const
+{
+    const auto *found = std::find(Codes.cbegin(), Codes.cend(), m_depth);
+    return found == Codes.cend() ? OssEvDepth::Half
+                                 : OssEvDepth(std::distance(Codes.cbegin(), found));
+}
+
+QString OssImageSet::form() const
+{
+    return QStringLiteral("%1 %2 %3 %4")
+        .arg(m_depth)
+        .arg(m_bleed)
+        .arg(m_scalar ? QStringLiteral("scalar") : QStringLiteral("color"), m_fileSpace)
+        .trimmed();
 }
 
 bool OssImageSet::isByteColor() const

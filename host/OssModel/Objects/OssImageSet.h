@@ -2,6 +2,7 @@
 
 #include "OssCore/Documents/OssSerializableObject.h"
 #include "OssCore/Values/OssColor.h"
+#include "OssEvaluation/Values/OssEvDepth.h"
 #include "OssModel/OssModel_export.h"
 
 #include <QMap>
@@ -32,19 +33,26 @@ public:
     OssChannel *channel() const;
     void setChannel(OssChannel *channel);
 
+    static constexpr int ShortDepth = 5123;
+    static constexpr int HalfDepth = 5131;
     static constexpr int FloatDepth = 5126;
 
-    /// GL type code of a component: 5121 is 8 bits, 5131 half, 5126 single precision.
+    /// GL type code of a component: 5121 is 8 bits, 5123 16, 5131 half, 5126 single precision.
     int depth() const { return m_depth; }
+
+    /// The same for the engine; half for codes that mean nothing.
+    OssEvDepth engineDepth() const;
+    static int codeOf(OssEvDepth depth);
 
     void setDepth(int depth) { m_depth = depth; }
 
-    /// Pixels by which colour goes on beyond the patch's shapes.
+    /// Pixels by which colour goes on beyond the patch's shapes, where the patch is 4096 wide; in
+    /// proportion for other sizes.
     int bleed() const { return m_bleed; }
 
     void setBleed(int bleed) { m_bleed = bleed; }
 
-    /// Colour space of its files; empty for the usual one.
+    /// Colour space in which whole numbers are counted; empty for the usual one, that of screens.
     QString fileSpace() const { return m_fileSpace; }
 
     void setFileSpace(const QString &space) { m_fileSpace = space; }
@@ -74,6 +82,9 @@ public:
     OssColor fillColor() const { return m_fillColor; }
 
     void setFillColor(const OssColor &color) { m_fillColor = color; }
+
+    /// A short text for all settings that decide what a bake makes of its pixels, but for the size.
+    QString form() const;
 
     /// 8-bit colour, in which precision is short.
     bool isByteColor() const;

@@ -121,6 +121,21 @@ QList<OssImage *> OssProject::images() const
     return list;
 }
 
+QList<int> OssProject::newResolutions()
+{
+    return {256, 512, 1024, 2048, 4096, 8192, 16384};
+}
+
+void OssProject::setNewResolution(int resolution)
+{
+    if (resolution == m_newResolution || !newResolutions().contains(resolution))
+        return;
+    const int before = std::exchange(m_newResolution, resolution);
+    OssUndoManager::instance()->record(
+        tr("Size of New Images"), [this, before] { m_newResolution = before; },
+        [this, resolution] { m_newResolution = resolution; });
+}
+
 OssImage *OssProject::addImage(const QString &path, const QString &category)
 {
     const auto image = std::make_shared<OssImage>(OssImageUniqueId::create());

@@ -18,6 +18,7 @@ class OSSMODEL_EXPORT OssProject
     , public OssImageHolder
 {
     Q_OBJECT
+    Q_PROPERTY(int newResolution READ newResolution WRITE setNewResolution STORED hasNewResolution)
 
 public:
     explicit OssProject(const QString &name = {});
@@ -43,6 +44,16 @@ public:
     QList<OssImage *> images() const override;
     OssImage *addImage(const QString &path, const QString &category) override;
 
+    int newResolution() const override { return m_newResolution; }
+
+    /// Undoable. Nothing for what is no size that images can have.
+    void setNewResolution(int resolution);
+
+    bool hasNewResolution() const { return m_newResolution != OssImageManager::UsualResolution; }
+
+    /// The sizes that a project's new images can have.
+    static QList<int> newResolutions();
+
     /// Names of the pixel files that the document needs, each once, sorted.
     QStringList pixelFiles() const;
 
@@ -60,6 +71,7 @@ public:
 private:
     QString m_path;
     bool m_readOnly = false;
+    int m_newResolution = OssImageManager::UsualResolution;
     std::vector<std::unique_ptr<OssGeoEntity>> m_entities;
     std::vector<std::shared_ptr<OssImage>> m_images;
 };

@@ -4,6 +4,7 @@
 #include "Ossa/Commands/RecentProjects.h"
 #include "OssCore/Program/OssResourceInfo.h"
 #include "OssCore/Program/OssStatusManager.h"
+#include "OssInterface/Popups/OssApplication.h"
 #include "OssInterface/Popups/OssFileDialog.h"
 #include "OssInterface/Popups/OssMessageBox.h"
 #include "OssModel/Project/OssProject.h"
@@ -12,6 +13,7 @@
 #include <QAction>
 #include <QDir>
 #include <QFileInfo>
+#include <QInputDialog>
 #include <QWidget>
 
 namespace {
@@ -50,11 +52,31 @@ void ProjectCommands::fileCommands()
     Commands::file(this, QStringLiteral("/Ossa/File/Save"), [this] { save(); });
     Commands::file(this, QStringLiteral("/Ossa/File/Save As..."), [this] { saveAs(); });
     Commands::file(this, QStringLiteral("/Ossa/File/Close"), [this] { close(); });
+    Commands::file(this, QStringLiteral("/Ossa/Edit/Size of New Images..."),
+                   [this] { askForNewResolution(); });
     Commands::file(this, QStringLiteral("/Ossa/File/Quit"), [this] { m_window->close(); });
     Commands::file(this, QStringLiteral("/Ossa/File/Clear Recent"), [this] {
         RecentProjects::clear();
         fileRecent();
     });
+}
+
+void ProjectCommands::askForNewResolution()
+{
+    OssProject *project = OssProjectManager::instance()->currentProject();
+    if (!project || !OssApplication::popupsAllowed())
+        return;
+    const QList<int> sizes = OssProject::newResolutions();
+    QStringList texts;
+    for (const int size : sizes)
+        texts.append(QString::number(size));
+    bool chosen = false;
+    const QString text = QInputDialog::getItem(
+        m_window, tr("Size of New Images"),
+        tr("Width and height of the project's new images in pixels:"), texts,
+        sizes.indexOf(project->newResolution()), false, &chosen);
+    if (chosen)
+        project->setNewResolution(text.toInt());
 }
 
 bool ProjectCommands::mayClose()

@@ -37,6 +37,7 @@ private:
     void askAndOpen();
     void fileRecent();
     void fileExamples();
+    void askForNewResolution();
     void refresh();
     bool saveTo(const QString &path);
 

@@ -313,6 +313,7 @@ void OssShaderNetworkView::exportNode(OssSnBaseNode *node, OssGeoImageSet *chann
         OssImageSet *copy = images->imageSet()->duplicate(shading->freeImageSetName(name));
         shading->addImageSet(copy); // takes it
         channel->setImageSet(copy);
+        tellUser(tr("%1 is in the geo-channel %2").arg(node->name(), channel->name()));
         return;
     }
     QString outputPoint = outputPointName;
@@ -324,8 +325,10 @@ void OssShaderNetworkView::exportNode(OssSnBaseNode *node, OssGeoImageSet *chann
     OssImageSet *set = m_network->createImageSet(name, channel->imageSet(),
                                                  node->queryMaximumRequiredTextureResolutions());
     const OssResult exported = node->exportToGeoChannel(channel, outputPoint, set);
-    if (!exported) {
-        macro.cancel();
-        tell(tr("Export to Geo-Channel"), exported);
+    if (exported) {
+        tellUser(tr("%1 is in the geo-channel %2").arg(node->name(), channel->name()));
+        return;
     }
+    macro.cancel();
+    tell(tr("Export to Geo-Channel"), exported);
 }

@@ -146,8 +146,10 @@ TEST_F(BakingTest, exportGoesToAGeoChannelOfTheSameObject)
     EXPECT_TRUE(logHas(QStringLiteral("[ !! ] Unable to request geo-channel from user")));
     m_view->exportToGeoChannel(foreign);
     EXPECT_FALSE(foreign->isValid());
+    QSignalSpy said(OssStatusManager::instance(), &OssStatusManager::messageShown);
     m_view->exportToGeoChannel(channel);
     ASSERT_TRUE(channel->isValid());
+    EXPECT_EQ(said.count(), 1) << "nothing in the graph shows it";
     EXPECT_EQ(channel->imageSet()->name(), QStringLiteral("Node_To_GeoChannel_Rust"));
     EXPECT_EQ(channel->imageSet()->pixels().size(), 1);
 

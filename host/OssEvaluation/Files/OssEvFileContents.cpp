@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 
+#include <atomic>
 #include <chrono>
 #include <map>
 #include <mutex>
@@ -36,7 +37,7 @@ bool isFresh(const struct stat &status)
     return system_clock::now().time_since_epoch() - changed < TimeStep;
 }
 
-OssEvKey hashOf(const std::string &path)
+OssEvKey hashOf(const std::string &path, const std::atomic<bool> &isGivenUp)
 {
     const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (file < 0)
@@ -45,10 +46,10 @@ OssEvKey hashOf(const std::string &path)
     XXH3_128bits_reset(state.get());
     std::vector<char> block(BlockSize);
     ssize_t count = 0;
-    while ((count = ::read(file, block.data(), block.size())) > 0)
+    while (!isGivenUp && (count = ::read(file, block.data(), block.size())) > 0)
         XXH3_128bits_update(state.get(), block.data(), std::size_t(count));
     ::close(file);
-    if (count < 0)
+    if (count != 0 || isGivenUp)
         return {};
     const XXH128_hash_t hash = XXH3_128bits_digest(state.get());
     return {hash.high64, hash.low64};
@@ -64,6 +65,7 @@ struct OssEvFileContents::Private
         OssEvKey key;
     };
 
+    std::atomic<bool> isGivenUp{false};
     std::mutex mutex;
     std::map<std::string, Known> known; ///< by path
 };
@@ -74,6 +76,11 @@ OssEvFileContents::OssEvFileContents()
 }
 
 OssEvFileContents::~OssEvFileContents() = default;
+
+void OssEvFileContents::giveUp()
+{
+    d->isGivenUp = true;
+}
 
 std::string OssEvFileContents::quickLook(const std::string &path)
 {
@@ -94,7 +101,7 @@ OssEvKey OssEvFileContents::of(const std::string &path)
             return found->second.key;
     }
     const bool fresh = isFresh(status);
-    const OssEvKey key = hashOf(path);
+    const OssEvKey key = hashOf(path, d->isGivenUp);
     const std::lock_guard<std::mutex> lock(d->mutex);
     if (fresh || key.isNull() || quickLook(path) != looks)
         d->known.erase(path); // it may not be what it looks like for long

@@ -19,6 +19,9 @@ public:
     /// Null when there is no such file, or it cannot be read.
     OssEvKey of(const std::string &path);
 
+    /// Has whoever reads a file now, or wants to, go without. For the end of the process.
+    void giveUp();
+
     /// What tells without reading that a file may have changed: name, size and times. Empty when
     /// there is no such file.
     static std::string quickLook(const std::string &path);

@@ -110,6 +110,7 @@ OssResult bakeChosen(const QList<OssSnBakePointNode *> &nodes, bool again, const
     OssBakeReport own;
     OssBakeReport &report = wanted ? *wanted : own;
     knowFiles(sorted, progress);
+    report.isStopped = progress.isStopped();
     for (int i = 0; i < sorted.size() && !report.isStopped; ++i) {
         OssSnBakePointNode *node = sorted.at(i);
         // Asked only now: what was baked before it may have changed what feeds it.

@@ -74,6 +74,7 @@ OssFileWatch::OssFileWatch()
 
 OssFileWatch::~OssFileWatch()
 {
+    m_contents->giveUp();
     m_worker.clear();
     m_worker.waitForDone();
 }

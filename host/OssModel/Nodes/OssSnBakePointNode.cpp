@@ -189,7 +189,8 @@ bool OssSnBakePointNode::isBakedFor(const OssGeoEntity *object) const
 OssImageSet *OssSnBakePointNode::needImageSet()
 {
     const QLatin1String resolution(ResolutionAttribute);
-    if (!imageSet() && userAttribute(resolution).isDefault())
+    const OssCustomAttribute own = userAttribute(resolution);
+    if (!imageSet() && own.isValid() && own.isDefault())
         setAttribute(resolution, QString::number(OssImageManager::instance()->newResolution()));
     return OssSnImageSetNodeBase::needImageSet();
 }

@@ -193,6 +193,18 @@ TEST_F(ImageSettings, scalarsAreOneChannelAndOldDocumentsKeepValuesAsTheyCome)
     EXPECT_NEAR(texel(m_node, 1, 0.5, 0.5), 3.0, 1e-6);
 }
 
+TEST_F(ImageSettings, nothingIsLostToADepthThatNobodyChose)
+{
+    paint(0.2001, 3.0, 0.0);
+    OssImageSet *images = m_network->createImageSet(text("Images"), nullptr, 16);
+    m_node->setImageSet(images, true);
+    for (const int depth : {5121, 5123}) {
+        images->setDepth(depth);
+        ASSERT_TRUE(m_color->bake(images, text("Output")));
+        EXPECT_NEAR(texel(m_node, 1, 0.5, 0.5), depth == 5121 ? 3.0 : 1.0, 1e-6) << depth;
+    }
+}
+
 TEST_F(ImageSettings, colorGoesOnBeyondTheShapesAsFarAsTheBleedSays)
 {
     const QTemporaryDir folder;

@@ -34,7 +34,9 @@ bool isFresh(const struct stat &status)
 {
     using namespace std::chrono;
     const auto changed = seconds(status.st_ctim.tv_sec) + nanoseconds(status.st_ctim.tv_nsec);
-    return system_clock::now().time_since_epoch() - changed < TimeStep;
+    const auto age = system_clock::now().time_since_epoch() - changed;
+    // Times that have yet to come are another machine's.
+    return age >= nanoseconds(0) && age < TimeStep;
 }
 
 OssEvKey hashOf(const std::string &path, const std::atomic<bool> &isGivenUp)

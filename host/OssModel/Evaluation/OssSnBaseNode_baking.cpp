@@ -5,6 +5,7 @@
 #include "OssModel/Graph/OssGeoImageSet.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
+#include "OssModel/Objects/OssChannel.h"
 #include "OssModel/Objects/OssImageSet.h"
 
 #include <algorithm>
@@ -27,6 +28,8 @@ OssResult OssSnBaseNode::bake(OssImageSet *set, const QString &outputPoint) cons
     job.entity = network()->geoEntity();
     job.patches = service->patches(job.entity);
     job.resolution = set->resolution();
+    // Paint and geo-channels have 8 bits where nobody chose, and nobody could: nothing is lost to that.
+    job.keepsDepth = set->depth() != OssChannel::UnsignedByte;
     job.onProgress = progress.forPart(0, name());
     return service->bakeInto(set, job);
 }

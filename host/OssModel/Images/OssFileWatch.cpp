@@ -12,11 +12,11 @@
 
 namespace {
 
-constexpr int quiet = 120;        // milliseconds after the last notice of a change
-constexpr int longestWait = 1000; // milliseconds after the first, while a file goes on changing
-constexpr int regularWait = 3000; // milliseconds between looks at what is not watched
-constexpr int askInterval = 10;   // milliseconds
-constexpr int mostWatchedFiles = 256;
+constexpr int Quiet = 120;        // milliseconds after the last notice of a change
+constexpr int LongestWait = 1000; // milliseconds after the first, while a file goes on changing
+constexpr int RegularWait = 3000; // milliseconds between looks at what is not watched
+constexpr int AskInterval = 10;   // milliseconds
+constexpr int MostWatchedFiles = 256;
 
 QString folderOf(const QString &path)
 {
@@ -61,7 +61,7 @@ OssFileWatch::OssFileWatch()
 {
     m_worker.setMaxThreadCount(1);
     m_soon.setSingleShot(true);
-    m_regular.setInterval(regularWait);
+    m_regular.setInterval(RegularWait);
     connect(&m_soon, &QTimer::timeout, this, &OssFileWatch::lookAtDue);
     connect(&m_regular, &QTimer::timeout, this, [this] {
         for (const QString &path : qAsConst(m_unwatched))
@@ -123,21 +123,22 @@ void OssFileWatch::lookSoon()
     // Whoever writes a file does so in pieces.
     if (!m_soon.isActive())
         m_sinceNotice.start();
-    if (m_sinceNotice.elapsed() < longestWait)
-        m_soon.start(quiet);
+    if (m_sinceNotice.elapsed() < LongestWait)
+        m_soon.start(Quiet);
 }
 
 // --- looks
 
 void OssFileWatch::lookAtDue()
 {
-    for (auto entry = m_entries.begin(); entry != m_entries.end(); ++entry) {
-        if (!entry->isDue || entry->isLookedAt)
+    const QStringList paths = m_entries.keys();
+    for (const QString &path : paths) {
+        Entry &entry = m_entries[path];
+        if (!entry.isDue || entry.isLookedAt)
             continue;
-        entry->isDue = false;
-        entry->isLookedAt = true;
-        const auto look = [this, path = entry.key(), contents = m_contents,
-                           generation = m_generation] {
+        entry.isDue = false;
+        entry.isLookedAt = true;
+        const auto look = [this, path, contents = m_contents, generation = m_generation] {
             const Look seen = Look::at(path, contents.get());
             QMetaObject::invokeMethod(
                 this,
@@ -169,7 +170,7 @@ void OssFileWatch::watch(const QString &path, const QStringList &files)
 {
     QStringList wanted{folderOf(path)};
     const QStringList watched = m_watcher.files();
-    const int room = std::max(0, mostWatchedFiles - watched.size());
+    const int room = std::max(0, MostWatchedFiles - watched.size());
     QStringList fresh;
     for (const QString &file : files) {
         if (!watched.contains(file))
@@ -210,6 +211,6 @@ void OssFileWatch::settle(const std::function<bool()> &goesOn)
         else
             lookAtDue();
     });
-    timer.start(askInterval);
+    timer.start(AskInterval);
     loop.exec();
 }

@@ -104,7 +104,9 @@ OssNodeImages::~OssNodeImages() = default;
 void OssNodeImages::bakePaint(const QList<OssSnBaseNode *> &nodes)
 {
     OssCanvasWidget *canvas = OssCanvasManager::instance()->currentCanvas();
-    const QList<OssImageSet *> sets = canvas ? setsOf(nodes) : QList<OssImageSet *>();
+    if (!canvas)
+        return;
+    const QList<OssImageSet *> sets = setsOf(nodes);
     for (OssImageSet *set : sets)
         canvas->handleBakeBehavior(set);
 }

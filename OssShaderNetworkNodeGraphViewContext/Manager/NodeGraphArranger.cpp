@@ -131,14 +131,20 @@ private:
 void applyMoves(const ColumnLayout &layout, const Picture &picture,
                 OssUndoManager::AutoMacro *macro)
 {
+    QVector<OssNgNode *> items; // a shift moves some of them once more
     for (const ColumnLayout::Move &move : layout.moves()) {
         OssNgNode *item = visibleItem(picture.node(move.node));
         if (!item)
             continue;
-        if (!move.shift)
+        if (!move.shift) {
             item->savePosition();
+            items.append(item);
+        }
         item->setPosition(move.position);
-        macro->addUndo(new OssNgNodePositionChangeUndo(item)); // the history takes it
+    }
+    for (OssNgNode *item : qAsConst(items)) {
+        if (item->pos() != item->savedPosition())
+            macro->addUndo(new OssNgNodePositionChangeUndo(item)); // the history takes it
     }
 }
 
@@ -157,9 +163,11 @@ void refit(const Container &container, OssUndoManager::AutoMacro *macro)
     backdrop->savePosition();
     backdrop->saveBoundingRect();
     backdrop->setPosition(bounds.topLeft());
-    macro->addUndo(new OssNgNodePositionChangeUndo(backdrop));
+    if (backdrop->pos() != backdrop->savedPosition())
+        macro->addUndo(new OssNgNodePositionChangeUndo(backdrop));
     backdrop->setRect({0.0, 0.0, bounds.width(), bounds.height()});
-    macro->addUndo(new OssNgBackdropNodeRectChangeUndo(backdrop));
+    if (backdrop->rect() != backdrop->savedBoundingRect())
+        macro->addUndo(new OssNgBackdropNodeRectChangeUndo(backdrop));
 }
 
 /// The start nodes as indexes. A backdrop stands for what lies on it, but for the viewer: that one

@@ -119,4 +119,18 @@ TEST_F(ExactUndo, aMoveIsAStepOrLeavesEverythingWhereItWas)
     expectOneStep();
 }
 
+TEST_F(ExactUndo, whatStandsWhereLayoutPutsItIsNoStep)
+{
+    OssSnBaseNode *area = addAt("Misc/Backdrop", {-60, -60}, "Area");
+    contextOf(area)->setNodeSize({900, 300});
+    qobject_cast<OssNgBackdropNode *>(itemOf(area))->refreshChildrenList();
+    start();
+    m_manager->beautifyNodesLayout(m_network);
+    expectOneStep();
+    start();
+    m_manager->beautifyNodesLayout(m_network);
+    EXPECT_EQ(undoCount(), 0);
+    EXPECT_EQ(m_project->stateHash(), m_start);
+}
+
 } // namespace

@@ -253,7 +253,6 @@ private:
     static bool connectStreams(OssSnBaseNode *source, OssSnBaseNode *node);
     /// After a new node was wired: its own merges, and those above it when it keeps 8-bit paint.
     static void keepColorSpaceOfMerges(OssSnBaseNode *node);
-    static void setColorSpaceOfNewMerges(OssSnBaseNode *node);
 
     struct ArchiveKind
     {

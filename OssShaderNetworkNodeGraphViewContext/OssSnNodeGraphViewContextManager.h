@@ -86,7 +86,7 @@ public:
 
     /// A context has its item and its wiring.
     void onContextInitialised(OssSnNodeGraphViewContext *context);
-    /// An input (or output) node inside a group was moved: the group's ports take its order.
+    /// A node that stands for a port inside a group was moved: the group's ports take its order.
     void onGroupPortNodeMoved(OssShaderNetwork *network, bool input);
 
     /// The context of a node in the node graph, and its item; null when either step fails.
@@ -123,7 +123,7 @@ public Q_SLOTS:
     void focusOnNode(OssSnBaseNode *Node);
     /// Moves To's item to where From's is, as one step; nothing when one has no item.
     void matchNodePosition(OssSnBaseNode *From, OssSnBaseNode *To);
-    /// After, resp. before, the panel of the target. `Undo` makes no difference.
+    /// After, resp. before, the target's panel; `Undo` makes no difference.
     void showNodePropertiesAtPositionEnd(OssSnBaseNode *Node, OssSnBaseNode *Target, bool Undo);
     void showNodePropertiesAtPositionBegin(OssSnBaseNode *Node, OssSnBaseNode *Target, bool Undo);
     void showNodeProperties(OssSnBaseNode *Node);
@@ -215,8 +215,7 @@ public Q_SLOTS:
 
     void setShakeToExtractEnabled(bool Value);
 
-    void resetShakeToExtractEnabled() { setShakeToExtractEnabled(shakeToExtractEnabledDefault()); }
-
+    void resetShakeToExtractEnabled();
     void toggleShakeToExtractEnabled();
     QString shakeToExtractEnabledTooltip() const;
 
@@ -226,8 +225,7 @@ public Q_SLOTS:
 
     void setShakeToExtractShakes(int Value);
 
-    void resetShakeToExtractShakes() { setShakeToExtractShakes(shakeToExtractShakesDefault()); }
-
+    void resetShakeToExtractShakes();
     QString shakeToExtractShakesTooltip() const;
 
     int shakeToExtractShakesDefault() const { return 4; }
@@ -236,8 +234,7 @@ public Q_SLOTS:
 
     void setShakeToExtractTime(int Value);
 
-    void resetShakeToExtractTime() { setShakeToExtractTime(shakeToExtractTimeDefault()); }
-
+    void resetShakeToExtractTime();
     QString shakeToExtractTimeTooltip() const;
 
     int shakeToExtractTimeDefault() const { return 500; }

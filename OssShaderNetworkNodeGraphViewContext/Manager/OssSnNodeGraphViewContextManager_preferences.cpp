@@ -299,3 +299,18 @@ void OssSnNodeGraphViewContextManager::savePreferences()
 {
     OssStoredPreferences::save(this, QString::fromLatin1(SettingsGroup));
 }
+
+void OssSnNodeGraphViewContextManager::resetShakeToExtractEnabled()
+{
+    setShakeToExtractEnabled(shakeToExtractEnabledDefault());
+}
+
+void OssSnNodeGraphViewContextManager::resetShakeToExtractShakes()
+{
+    setShakeToExtractShakes(shakeToExtractShakesDefault());
+}
+
+void OssSnNodeGraphViewContextManager::resetShakeToExtractTime()
+{
+    setShakeToExtractTime(shakeToExtractTimeDefault());
+}

@@ -105,6 +105,31 @@ void setBlendingColorspaceOnMergeNodeCreation(OssSnBaseNode *merge)
         enableBlending(merge, finder.found);
 }
 
+void setColorSpaceOfNewMerges(OssSnBaseNode *node)
+{
+    if (OssLayerStreamUtils::isMergeNode(node)) {
+        setBlendingColorspaceOnMergeNodeCreation(node);
+        return;
+    }
+    if (!node->hasTag(OssSnTags::group()))
+        return;
+    const auto *asGroup = qobject_cast<OssSnGroupNode *>(node);
+    if (!asGroup) {
+        OssDebug(Source, __LINE__, "AsGroup is NULL");
+        return;
+    }
+    const OssShaderNetwork *groupNetwork = asGroup->groupNetwork();
+    if (!groupNetwork) {
+        OssDebug(Source, __LINE__, "GroupNetwork is NULL");
+        return;
+    }
+    const QList<OssSnBaseNode *> inside = groupNetwork->getAllNodes();
+    for (OssSnBaseNode *inner : inside) {
+        if (OssLayerStreamUtils::isMergeNode(inner))
+            setBlendingColorspaceOnMergeNodeCreation(inner);
+    }
+}
+
 /// "Yes" or "No" of the user; what he wants to be asked no more is kept in the preference.
 bool askWhetherToUpdate(const OssSnBaseNode *endPoint)
 {
@@ -158,29 +183,4 @@ void OssShaderNetworkView::keepColorSpaceOfMerges(OssSnBaseNode *node)
 {
     setColorSpaceOfNewMerges(node);
     autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(node);
-}
-
-void OssShaderNetworkView::setColorSpaceOfNewMerges(OssSnBaseNode *node)
-{
-    if (OssLayerStreamUtils::isMergeNode(node)) {
-        setBlendingColorspaceOnMergeNodeCreation(node);
-        return;
-    }
-    if (!node->hasTag(OssSnTags::group()))
-        return;
-    const auto *asGroup = qobject_cast<OssSnGroupNode *>(node);
-    if (!asGroup) {
-        OssDebug(Source, __LINE__, "AsGroup is NULL");
-        return;
-    }
-    const OssShaderNetwork *groupNetwork = asGroup->groupNetwork();
-    if (!groupNetwork) {
-        OssDebug(Source, __LINE__, "GroupNetwork is NULL");
-        return;
-    }
-    const QList<OssSnBaseNode *> inside = groupNetwork->getAllNodes();
-    for (OssSnBaseNode *inner : inside) {
-        if (OssLayerStreamUtils::isMergeNode(inner))
-            setBlendingColorspaceOnMergeNodeCreation(inner);
-    }
 }

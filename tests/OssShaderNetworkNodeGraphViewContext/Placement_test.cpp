@@ -57,8 +57,8 @@ TEST_F(PlacementTest, nodesAreClearOfWhatStandsInTheirOwnNetwork)
     auto *group = qobject_cast<OssSnGroupNode *>(add("Misc/Group", "Around"));
     QVector<QRectF> places;
     for (int i = 0; i < 4; ++i) { // while the network around them is shown
-        const OssSnBaseNode *node = group->groupNetwork()->createNode(
-            QStringLiteral("Filter/Blur"), {});
+        const OssSnBaseNode *node = group->groupNetwork()->createNode(QStringLiteral("Filter/Blur"),
+                                                                      {});
         for (const QRectF &place : qAsConst(places))
             EXPECT_FALSE(rectOf(node).intersects(place)) << i;
         places.append(rectOf(node));

@@ -110,7 +110,8 @@ void moveValues(const OssSnBaseNode *from, OssSnBaseNode *to, QStringList *lost)
 {
     const QVector<OssCustomAttribute> attributes = keptAttributes(from, to->userAttributes(), lost);
     for (const OssCustomAttribute &attribute : attributes) {
-        if (!attribute.definition().isKnob) // those belong to the nodes inside, which do not come along
+        // Knobs belong to the nodes inside, which do not come along.
+        if (!attribute.definition().isKnob)
             to->setUserAttribute(attribute, true);
     }
     to->setDescription(from->description());

@@ -9,7 +9,6 @@
 #include <QVector>
 
 #include <memory>
-#include <utility>
 
 class OssGeoImageSet;
 class OssImageSet;
@@ -181,19 +180,16 @@ public:
                               bool acrossNetworks, bool batch);
     /// Undoably, every wire at the node.
     void disconnectAll();
-
     /// Nodes that it takes from, resp. that take from it, by other ways than a wire.
-    virtual QList<OssSnBaseNode *> unwiredSources() const { return {}; }
-
-    virtual QList<OssSnBaseNode *> unwiredTargets() const { return {}; }
+    virtual QList<OssSnBaseNode *> unwiredSources() const;
+    virtual QList<OssSnBaseNode *> unwiredTargets() const;
 
     // --- pixels
     /// Computes an output for every patch of the object into the set, at the set's resolution.
     /// Waits, with progress, without blocking the interface. One undo step; nothing changes when it
     /// fails or is stopped.
     OssResult bake(OssImageSet *set, const QString &outputPoint) const;
-    /// The same for a geo-channel, which gets `set` when it is baked: until then a node that reads the
-    /// channel reads what it had. Null: into the images that it has.
+    /// The same for a geo-channel, which takes `set` once it is baked. Null: into the images it has.
     OssResult exportToGeoChannel(OssGeoImageSet *channel, const QString &outputPoint,
                                  OssImageSet *set = nullptr) const;
     /// Width and height of a patch in pixels: the largest of what the node takes from, so that
@@ -225,11 +221,8 @@ public:
 
     /// Of a placeholder: a wire of the file told of it.
     void addPlaceholderOutput(const QString &name);
-
-    void addDelayedKnob(const DelayedKnob &knob) { m_delayedKnobs.append(knob); }
-
-    QVector<DelayedKnob> takeDelayedKnobs() { return std::exchange(m_delayedKnobs, {}); }
-
+    void addDelayedKnob(const DelayedKnob &knob);
+    QVector<DelayedKnob> takeDelayedKnobs();
     QVector<PendingConnection> takePendingConnections();
     /// Without checks, undo or signals: for files that have been checked whole.
     void connectSilently(const QString &input, OssSnBaseNode *source, const QString &outputPoint);

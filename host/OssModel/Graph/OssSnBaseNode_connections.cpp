@@ -198,3 +198,13 @@ void OssSnBaseNode::disconnectAll()
     for (const OutgoingConnection &wire : wires)
         wire.target->setInputNode(wire.input, nullptr, {});
 }
+
+QList<OssSnBaseNode *> OssSnBaseNode::unwiredSources() const
+{
+    return {};
+}
+
+QList<OssSnBaseNode *> OssSnBaseNode::unwiredTargets() const
+{
+    return {};
+}

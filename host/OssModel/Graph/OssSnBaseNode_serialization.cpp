@@ -6,6 +6,7 @@
 #include "OssModel/Graph/OssSnBaseContext.h"
 
 #include <algorithm>
+#include <utility>
 
 QString OssSnBaseNode::serializedType() const
 {
@@ -209,6 +210,16 @@ void OssSnBaseNode::onEndLoad()
     if (!m_loadedOrder.isEmpty())
         orderUserAttributes(m_loadedOrder);
     m_loadedOrder.clear();
+}
+
+void OssSnBaseNode::addDelayedKnob(const DelayedKnob &knob)
+{
+    m_delayedKnobs.append(knob);
+}
+
+QVector<OssSnBaseNode::DelayedKnob> OssSnBaseNode::takeDelayedKnobs()
+{
+    return std::exchange(m_delayedKnobs, {});
 }
 
 QVector<OssSnBaseNode::PendingConnection> OssSnBaseNode::takePendingConnections()

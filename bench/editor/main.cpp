@@ -179,6 +179,34 @@ void bench(int count, const QString &path)
     measure("close", count, [&] { projects->closeProject(); });
 }
 
+/// Nodes that all hang on one by a name cost what as many do that know nothing of each other.
+void benchTeleports(const QString &path)
+{
+    constexpr int Count = 800;
+    OssProjectManager *projects = OssProjectManager::instance();
+    const auto make = [](OssShaderNetwork *network, const char *key, const QPointF &place) {
+        OssSnBaseNode *node = network->createNode(QString::fromLatin1(key));
+        node->viewContext()->setNodePosition(place);
+        return node;
+    };
+    for (const char *key : {"Procedural/Color", "Teleport Receiver/Receiver"}) {
+        OssShaderNetwork *network =
+            projects->newProject(QStringLiteral("Bench"))->shadingGroups().first()->network();
+        OssSnBaseNode *sender = make(network, "Teleport Broadcast/Broadcast", {0.0, 400.0});
+        measure(key, Count, [&] {
+            for (int i = 0; i < Count; ++i)
+                make(network, key, {400.0 + (i % 28) * 240.0, (i / 28) * 180.0});
+        });
+        measure("another channel for the sender", Count,
+                [&] { sender->setAttribute(QStringLiteral("channel"), QStringLiteral("Other")); });
+        measure("save and open", Count, [&] {
+            if (!projects->saveProjectAs(path) || !projects->openProject(path))
+                std::printf("failed\n");
+        });
+        projects->closeProject();
+    }
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -196,5 +224,6 @@ int main(int argc, char **argv)
     std::printf("cal %.1f ms\n", g_cal);
     for (const int count : {50, 1000, 5000, 10000})
         bench(count, folder.filePath(QStringLiteral("B%1.ossa").arg(count)));
+    benchTeleports(folder.filePath(QStringLiteral("Teleports.ossa")));
     return 0;
 }

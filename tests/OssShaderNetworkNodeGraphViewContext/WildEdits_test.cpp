@@ -338,11 +338,11 @@ protected:
             if (operation.run())
                 ++m_ran[operation.name];
             expectWhole();
+            const QStringList bakes = DocumentInvariants::falseBakes();
+            EXPECT_TRUE(bakes.isEmpty()) << qPrintable(bakes.join(QLatin1Char('\n')));
             if (HasFailure())
                 FAIL() << "step " << step << ": " << operation.name;
         }
-        const QStringList bakes = DocumentInvariants::falseBakes();
-        EXPECT_TRUE(bakes.isEmpty()) << qPrintable(bakes.join(QLatin1Char('\n')));
     }
 
     void expectThereAndBack()

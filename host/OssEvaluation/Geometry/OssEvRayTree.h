@@ -8,8 +8,8 @@
 
 class OssEvMesh;
 
-/// Boxes around boxes around triangles, so that a ray looks at few of them (split at the middle of
-/// the longest side, after I. Wald, S. Boulos, P. Shirley, "Ray Tracing Deformable Scenes Using
+/// Boxes around boxes around triangles, so that a ray looks at few of them (split at the median
+/// along the longest side of their middles, after I. Wald, S. Boulos, P. Shirley, "Ray Tracing Deformable Scenes Using
 /// Dynamic Bounding Volume Hierarchies", 2007).
 class OSSEVALUATION_EXPORT OssEvRayTree
 {

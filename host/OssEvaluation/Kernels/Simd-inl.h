@@ -71,7 +71,9 @@ HWY_INLINE V luminance(V red, V green, V blue)
                       hn::MulAdd(green, splat(0.7152F), hn::Mul(blue, splat(0.0722F))));
 }
 
-/// Display values of IEC 61966-2-1 from linear ones; odd about zero.
+/// Display values of IEC 61966-2-1 from linear ones; odd about zero. Written out here and in the next
+/// function, although OssEvColorSpaces asks a library: that one works on buffers, and a merge needs
+/// four pixels in registers. A test holds them to the formula.
 HWY_INLINE V toSrgb(V linear)
 {
     const V size = hn::Abs(linear);

@@ -160,6 +160,7 @@ const std::vector<Row> RowTable{
     {"/Ossa/NodeGraph", QT_TR_NOOP("Upgrade All Node Info"), "", "Versions 1.3", Always},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Info Viewer"), "I", "Graph 5.4, Context 6.2", Always},
 
+    // What plug-ins file for the object.
     {"/Ossa/Object", "*", "", "Object 1.1", Always},
     {"/Ossa/Palettes", "*", "", "Palettes 1.1", Always},
     {"/Ossa/Script", QT_TR_NOOP("Console"), "", "Script 1.1", Always, QT_TR_NOOP("Type script lines, and see what was done by hand as script lines"), "ScriptConsole.png"},

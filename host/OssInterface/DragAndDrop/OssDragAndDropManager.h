@@ -11,7 +11,7 @@
 class QMimeData;
 
 /// Objects that can be dragged about in the application and from outside it, and what each target
-/// does with them. Images and archives of the application's own drags are not among them.
+/// does with them. Images and archives, which the graph takes itself, are not among them.
 class OSSINTERFACE_EXPORT OssDragAndDropManager : public OssService<OssDragAndDropManager>
 {
 public:

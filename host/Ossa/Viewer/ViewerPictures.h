@@ -22,7 +22,7 @@ public:
     /// What is there goes on being shown until its pixels are replaced. `problem` says why nothing
     /// will come, in words.
     void begin(const QList<int> &patches, int resolution, const QString &problem);
-    /// A tile of a coarser picture is shown enlarged and has no values.
+    /// A tile of a coarser picture is shown enlarged.
     void setTile(int patch, int resolution, const QPoint &place, const QImage &picture,
                  const OssEvTilePointer &tile);
 

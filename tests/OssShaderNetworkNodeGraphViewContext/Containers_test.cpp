@@ -1,7 +1,6 @@
 #include "GraphFixture.h"
 #include "Layout/ContainerPlacement.h"
 #include "Layout/GroupPortPlacement.h"
-#include "OssNodeGraph/Items/OssNgBackdropNode.h"
 
 namespace {
 
@@ -57,7 +56,7 @@ protected:
         contextOf(m_network->viewerNode())->setNodePosition({3000, 3000});
         m_node = addAt("Filter/Blur", {40, 60});
         m_area = addAt("Misc/Backdrop", {0, 0}, "Area");
-        m_backdrop = qobject_cast<OssNgBackdropNode *>(itemOf(m_area));
+        m_backdrop = backdropOf(m_area);
         m_backdrop->setRect({0, 0, 300, 200});
         OssUndoManager::instance()->clear();
     }
@@ -70,7 +69,7 @@ protected:
     void expectUndone(const QRectF &before)
     {
         EXPECT_EQ(undoCount(), 1);
-        OssUndoManager::instance()->undo();
+        undo();
         EXPECT_EQ(area(), before);
         EXPECT_EQ(itemOf(m_node)->pos(), QPointF(40, 60));
         OssUndoManager::instance()->clear();
@@ -105,7 +104,7 @@ TEST_F(ContainerTest, aMovedContainerTakesItsMembersAlong)
     OssUndoManager::instance()->clear();
     const QRectF before = area();
     Q_EMIT m_area->containerMovedDown(other);
-    EXPECT_TRUE(logHas(QStringLiteral("About to move container 'Area' down wrt to Blur 2'")));
+    expectLogged("About to move container 'Area' down wrt to Blur 2'");
     EXPECT_EQ(area().top(), rectOf(other).bottom() + 30.0);
     EXPECT_TRUE(area().contains(rectOf(m_node)));
     expectUndone(before);
@@ -131,23 +130,23 @@ TEST_F(ContainerTest, respacingMakesRoomBelowTheReferenceInsideTheContainer)
     EXPECT_TRUE(area().contains(rectOf(below)));
     expectUndone(before);
     OssSnBaseNode *peer = addAt("Misc/Backdrop", {0, 800});
-    qobject_cast<OssNgBackdropNode *>(itemOf(peer))->setRect({0, 0, 700, 100});
+    backdropOf(peer)->setRect({0, 0, 700, 100});
     OssSnBaseNode *narrow = addAt("Misc/Backdrop", {0, 1200});
-    qobject_cast<OssNgBackdropNode *>(itemOf(narrow))->setRect({0, 0, 200, 100});
+    backdropOf(narrow)->setRect({0, 0, 200, 100});
     Q_EMIT m_area->containerPeersStretched({peer, narrow});
     EXPECT_EQ(area().width(), 700.0);
     EXPECT_EQ(rectOf(narrow).width(), 700.0);
     Q_EMIT m_area->containerPeersStretched({m_node});
-    EXPECT_TRUE(logHas(QStringLiteral("[ !! ] Invalid container gui node found for node 'Blur'")));
+    expectLogged("[ !! ] Invalid container gui node found for node 'Blur'");
 }
 
 TEST_F(ContainerTest, whatFitsAlreadyStaysAndMakesNoStep)
 {
     OssSnBaseNode *other = addAt("Filter/Blur", {20, -400});
     OssSnBaseNode *peer = addAt("Misc/Backdrop", {0, 800});
-    qobject_cast<OssNgBackdropNode *>(itemOf(peer))->setRect({0, 0, 300, 100});
+    backdropOf(peer)->setRect({0, 0, 300, 100});
     OssSnBaseNode *narrow = addAt("Misc/Backdrop", {50, 1200});
-    qobject_cast<OssNgBackdropNode *>(itemOf(narrow))->setRect({0, 0, 250, 100});
+    backdropOf(narrow)->setRect({0, 0, 250, 100});
     m_backdrop->setRect({0, 0, 300, 300});
     contextOf(m_node)->setNodePosition({40, 90}); // clear of the title bar, too
     OssUndoManager::instance()->clear();
@@ -160,23 +159,23 @@ TEST_F(ContainerTest, whatFitsAlreadyStaysAndMakesNoStep)
     Q_EMIT m_area->containerMovedDown(other);
     Q_EMIT m_area->uniformariseContainers({m_area, peer, narrow});
     EXPECT_EQ(area(), before);
-    EXPECT_EQ(undoCount(), 0) << qPrintable(OssUndoManager::instance()->undoText());
+    EXPECT_EQ(undoCount(), 0) << qPrintable(undoText());
     EXPECT_EQ(m_node->container(), nullptr);
 }
 
 TEST_F(ContainerTest, oneRightEdgeIsThatOfTheFurthestAndTheWidestOfEachKindAreNamed)
 {
     OssSnBaseNode *mask = addAt("Misc/Backdrop", {700, 500}, "Mask");
-    mask->addTag(QStringLiteral("_maskStack"));
+    mask->addTag(text("_maskStack"));
     OssSnBaseNode *wide = addAt("Misc/Backdrop", {0, 800}, "Wide");
     const auto resize = [](const OssSnBaseNode *node, const QSizeF &size) {
-        qobject_cast<OssNgBackdropNode *>(itemOf(node))->setRect({QPointF(), size});
+        backdropOf(node)->setRect({QPointF(), size});
     };
     resize(mask, {100, 100});
     resize(wide, {500, 100});
     Q_EMIT m_area->uniformariseContainers({mask, wide, m_area});
-    EXPECT_TRUE(logHas(QStringLiteral(
-        "WidestMaskStackNode : 'Mask', WidestAdjustmentStackNode : 'Wide', FurthestX : 800")));
+    expectLogged(
+        "WidestMaskStackNode : 'Mask', WidestAdjustmentStackNode : 'Wide', FurthestX : 800");
     for (const OssSnBaseNode *node : {mask, wide, static_cast<OssSnBaseNode *>(m_area)})
         EXPECT_EQ(rectOf(node).right(), 800.0) << qPrintable(node->name());
 }
@@ -216,7 +215,7 @@ TEST_F(ContainerTest, noPlaceIsTakenFromWhatHasNone)
     OssShaderNetworkView without(nullptr);
     without.placeNode(m_node);
     without.positionNodeNextTo(m_area, m_node);
-    EXPECT_TRUE(logHas(QStringLiteral("scene() is NULL")));
+    expectLogged("scene() is NULL");
     EXPECT_EQ(undoCount(), steps);
     EXPECT_EQ(m_project->stateHash(), before);
 }
@@ -225,14 +224,14 @@ TEST_F(ContainerTest, theContainerStretchesAroundTheReferencesOwnOneWhereThatLie
 {
     const QRectF before = area();
     OssSnBaseNode *inner = addAt("Misc/Backdrop", {120, 40}, "Inner");
-    qobject_cast<OssNgBackdropNode *>(itemOf(inner))->setRect({0, 0, 100, 90});
+    backdropOf(inner)->setRect({0, 0, 100, 90});
     OssSnBaseNode *reference = addAt("Filter/Blur", {130, 70});
     const auto sync = [&](OssSnBaseNode *container, OssSnBaseNode *other) {
         m_view->syncNodeUnderneath(m_node, container, reference, other);
         EXPECT_EQ(rectOf(m_node).center(), rectOf(reference).center() + QPointF(0, 100));
         const QRectF stretched = area();
         while (OssUndoManager::instance()->canUndo() && area().translated(0, 0) != before)
-            OssUndoManager::instance()->undo();
+            undo();
         return stretched;
     };
     OssUndoManager::instance()->clear();

@@ -1,14 +1,11 @@
 #include "GraphFixture.h"
+#include "GraphUser.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "PluginUnderTest.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QContextMenuEvent>
-#include <QMenu>
-#include <QTimer>
-
-#include <functional>
 
 namespace {
 
@@ -19,7 +16,7 @@ protected:
     {
         ASSERT_TRUE(pluginUnderTest());
         GraphFixture::SetUp();
-        m_group = m_network->createNode(QStringLiteral("Misc/Group"), QStringLiteral("Around"));
+        m_group = m_network->createNode(text("Misc/Group"), text("Around"));
         m_blur = add("Filter/Blur");
     }
 
@@ -27,9 +24,7 @@ protected:
     void open(const std::function<void(QMenu *)> &look)
     {
         bool seen = false;
-        QTimer::singleShot(0, [&] {
-            auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
-            ASSERT_NE(menu, nullptr);
+        whenMenuOpens([&](QMenu *menu) {
             seen = true;
             look(menu);
             menu->close();
@@ -41,7 +36,7 @@ protected:
 
     static QAction *command(const char *name)
     {
-        return OssActionTreeManager::instance()->findAction(QStringLiteral("/Ossa/NodeGraph/")
+        return OssActionTreeManager::instance()->findAction(text("/Ossa/NodeGraph/")
                                                             + QLatin1String(name));
     }
 
@@ -78,21 +73,20 @@ TEST_F(ContextMenu, offersTheNodesThatUsersMakeSortedIntoTheirFolders)
         }
         EXPECT_FALSE(entries(menu).contains(QString()));
     });
-    EXPECT_TRUE(nodes.contains(QStringLiteral("Filter/Blur")))
-        << qPrintable(nodes.join(QLatin1Char(' ')));
-    EXPECT_TRUE(nodes.contains(QStringLiteral("Procedural/Pattern/Tiled")));
-    EXPECT_EQ(nodes.filter(QStringLiteral("Procedural/Pattern/Tiled")).size(), 1);
+    EXPECT_TRUE(nodes.contains(text("Filter/Blur"))) << qPrintable(nodes.join(QLatin1Char(' ')));
+    EXPECT_TRUE(nodes.contains(text("Procedural/Pattern/Tiled")));
+    EXPECT_EQ(nodes.filter(text("Procedural/Pattern/Tiled")).size(), 1);
     for (const QString &node : qAsConst(nodes)) {
         for (const char *hidden : {"Shader Network/", "Shaders/", "Lighting/", "_"})
             EXPECT_FALSE(node.startsWith(QLatin1String(hidden))) << qPrintable(node);
-        EXPECT_FALSE(node.contains(QStringLiteral("/_"))) << qPrintable(node);
+        EXPECT_FALSE(node.contains(text("/_"))) << qPrintable(node);
     }
 }
 
 TEST_F(ContextMenu, enablesWhatFitsTheSelectionAndOnlyWhileItIsOpen)
 {
     OssShaderNetwork *inside = qobject_cast<OssSnGroupNode *>(m_group)->groupNetwork();
-    OssSnBaseNode *inner = inside->createNode(QStringLiteral("Filter/Blur"), QStringLiteral("In"));
+    OssSnBaseNode *inner = inside->createNode(text("Filter/Blur"), text("In"));
 
     const struct
     {
@@ -129,8 +123,7 @@ TEST_F(ContextMenu, enablesWhatFitsTheSelectionAndOnlyWhileItIsOpen)
 TEST_F(ContextMenu, commandsThatNeedASelectionAreOffEverywhereWithoutOne)
 {
     auto *group = qobject_cast<OssSnGroupNode *>(m_group);
-    OssSnBaseNode *inner = group->groupNetwork()->createNode(QStringLiteral("Filter/Blur"),
-                                                             QStringLiteral("In"));
+    OssSnBaseNode *inner = addInside(group, "Filter/Blur", "In");
     const auto expectEnabled = [](bool knobs, bool exposure) {
         OssActionTreeManager::instance()->settleStates();
         EXPECT_EQ(command("Manage User Knobs")->isEnabled(), knobs);
@@ -155,12 +148,12 @@ TEST_F(ContextMenu, commandsThatNeedASelectionAreOffEverywhereWithoutOne)
 TEST_F(ContextMenu, bearsWhatOthersAddToIt)
 {
     {
-        QAction added(QStringLiteral("Send to the Renderer"));
+        QAction added(text("Send to the Renderer"));
         OssShaderNetworkManager::instance()->registerGlobalContextMenuAction(&added);
         open([&](const QMenu *menu) { EXPECT_TRUE(menu->actions().contains(&added)); });
     }
     open([&](const QMenu *menu) {
-        EXPECT_FALSE(entries(menu).contains(QStringLiteral("Send to the Renderer")));
+        EXPECT_FALSE(entries(menu).contains(text("Send to the Renderer")));
     });
 }
 

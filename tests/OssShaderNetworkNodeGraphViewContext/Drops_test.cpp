@@ -1,14 +1,11 @@
 #include "GraphFixture.h"
-#include "OssInterface/Popups/OssApplication.h"
-#include "OssModel/Images/OssImage.h"
+#include "GraphUser.h"
 #include "OssModel/Images/OssImageList.h"
-#include "OssModel/Images/OssImageManager.h"
 #include "OssModel/Nodes/OssNodeArchive.h"
+#include "support/OssaFiles.h"
 
-#include <QImage>
-#include <QMimeData>
+#include <QDir>
 #include <QTemporaryDir>
-#include <QtTest>
 
 namespace {
 
@@ -19,30 +16,20 @@ protected:
     void SetUp() override
     {
         GraphFixture::SetUp();
-        m_popups = OssApplication::popupsAllowed();
         OssApplication::setPopupsAllowed(false);
-        m_group = qobject_cast<OssSnGroupNode *>(add("Misc/Group", "Dirt"));
+        m_group = addGroup("Dirt");
         for (const char *name : {"dirt.opc", "more.OPC"})
             ASSERT_TRUE(
                 OssNodeArchive::write(m_group, OssNodeArchive::Kind::CustomProcedural, file(name)));
         auto *material = qobject_cast<OssSnGroupNode *>(add("_System/Material", "Rust"));
         ASSERT_TRUE(
             OssNodeArchive::write(material, OssNodeArchive::Kind::Material, file("rust.oma")));
-        for (const char *name : {"broken.opc", "notes.txt"}) {
-            QFile broken(file(name));
-            ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
-            broken.write("no archive");
-        }
-        OssUndoManager::instance()->clear();
+        for (const char *name : {"broken.opc", "notes.txt"})
+            ASSERT_NO_FATAL_FAILURE(writeFile(file(name), "no archive"));
+        ASSERT_TRUE(QDir(m_folder.path()).mkdir(text("pictures")));
     }
 
-    void TearDown() override
-    {
-        OssApplication::setPopupsAllowed(m_popups);
-        GraphFixture::TearDown();
-    }
-
-    QString file(const char *name) const { return m_folder.filePath(QString::fromLatin1(name)); }
+    QString file(const char *name) const { return m_folder.filePath(text(name)); }
 
     static constexpr QPoint Place{200, 150};
 
@@ -53,23 +40,28 @@ protected:
         for (const char *name : names)
             urls.append(QUrl::fromLocalFile(file(name)));
         mime.setUrls(urls);
-        QDragEnterEvent enter(Place, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(m_view->viewport(), &enter);
-        EXPECT_TRUE(enter.isAccepted());
-        QDragMoveEvent move(Place, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(m_view->viewport(), &move);
+        dropMime(mime);
+    }
+
+    void dropMime(const QMimeData &mime, Qt::KeyboardModifiers modifiers = {})
+    {
+        const Dragged dragged{m_view->viewport(), &mime, Place, modifiers};
+        EXPECT_TRUE(dragged.enter());
+        dragged.move();
         m_ghost = m_view->viewport()->grab().toImage();
-        QDropEvent event(Place, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
-        event.ignore();
-        QCoreApplication::sendEvent(m_view->viewport(), &event);
-        m_taken = event.isAccepted();
+        m_taken = dragged.drop();
+    }
+
+    /// Of the image attribute of a node.
+    static int imageCount(const OssSnBaseNode *node, const char *attribute)
+    {
+        return OssImageList::fromVariant(node->attribute(text(attribute))).ids().size();
     }
 
     QTemporaryDir m_folder;
     OssSnGroupNode *m_group = nullptr;
     bool m_taken = false; ///< whether the graph took the drop
     QImage m_ghost;       ///< the graph while the files are over it
-    bool m_popups = true;
 };
 
 TEST_F(Drops, archivesBecomeNodesWhereTheyFallInOneStep)
@@ -87,107 +79,99 @@ TEST_F(Drops, archivesBecomeNodesWhereTheyFallInOneStep)
     };
 
     for (const auto &c : cases) {
-        const QByteArray before = m_project->stateHash();
+        begin();
         const int count = m_network->nodes().size();
         const QImage empty = m_view->viewport()->grab().toImage();
         drop(c.names);
         EXPECT_NE(m_ghost, empty) << "where they would come to stand";
         EXPECT_TRUE(m_taken);
         EXPECT_EQ(m_network->nodes().size(), count + c.nodes) << c.names.front();
-        EXPECT_EQ(undoCount(), 1);
-        EXPECT_EQ(OssUndoManager::instance()->undoText().toStdString(), c.title);
         const QList<OssSnBaseNode *> made = m_network->selectedNodes();
         ASSERT_EQ(made.size(), c.nodes);
         const QPointF place = m_view->mapToScene(Place);
         EXPECT_LT(QLineF(itemOf(made.first())->sceneBoundingRect().center(), place).length(),
                   300.0);
-        OssUndoManager::instance()->undo();
-        EXPECT_EQ(m_project->stateHash(), before);
+        expectStepBack(c.title);
     }
 }
 
 TEST_F(Drops, ofWhichOneCannotBeReadChangeNothingAndSayWhich)
 {
-    const QByteArray before = m_project->stateHash();
+    begin();
     drop({"dirt.opc", "broken.opc"});
-    EXPECT_TRUE(logHas(QStringLiteral("broken.opc")));
-    EXPECT_EQ(m_project->stateHash(), before);
-    EXPECT_EQ(undoCount(), 0);
+    expectLogged("broken.opc");
+    expectNothingDone();
 }
 
 TEST_F(Drops, whatNobodyCanReadChangesNothing)
 {
-    const QByteArray before = m_project->stateHash();
+    begin();
     drop({});
     const QRect around(Place.x() - 10, Place.y() - 10, 60, 20);
     const QImage empty = m_view->viewport()->grab(around).toImage();
     drop({"notes.txt"});
     EXPECT_NE(m_ghost.copy(around), empty);
     EXPECT_EQ(m_view->viewport()->grab(around).toImage(), empty) << "the ghost is gone";
-    EXPECT_EQ(m_project->stateHash(), before);
-    EXPECT_EQ(undoCount(), 0);
+    expectNothingDone();
 }
 
 TEST_F(Drops, aPictureGoesToEveryPlaceOfItsNodeAndNowhereWithoutOne)
 {
     const ExpectedLog unknown("No/Such", ExpectedLog::Possible);
-    QImage picture(4, 4, QImage::Format_RGB32);
-    picture.fill(Qt::blue);
-    ASSERT_TRUE(picture.save(file("a.png")));
-    OssImage *image = OssImageManager::instance()->open(file("a.png"), 0, {}).first().image;
+    OssImage *image = openPicture(file("a.png"));
     const int count = m_network->nodes().size();
     const QSignalSpy told(m_view, &OssShaderNetworkView::nodeAdded);
-    m_view->createNodeFromDropImage(image, QStringLiteral("No/Such"), {300, 300});
+    m_view->createNodeFromDropImage(image, text("No/Such"), {300, 300});
     EXPECT_EQ(told.count(), 0);
     EXPECT_EQ(m_network->nodes().size(), count);
-    m_view->createNodeFromDropImage(image, QStringLiteral("Environment/Tri Planar Projection"),
-                                    {3000, 3000});
+    m_view->createNodeFromDropImage(image, text("Environment/Tri Planar Projection"), {3000, 3000});
     ASSERT_EQ(m_network->nodes().size(), count + 1);
     const OssSnBaseNode *node = m_network->nodes().last();
     EXPECT_EQ(itemOf(node)->pos(), QPointF(3000, 3000));
     for (const char *name : {"frontImage", "topImage", "rightImage"})
-        EXPECT_EQ(
-            OssImageList::fromVariant(node->attribute(QString::fromLatin1(name))).ids().size(), 1)
-            << name;
+        EXPECT_EQ(imageCount(node, name), 1) << name;
 }
 
 TEST_F(Drops, imagesOfTheListBecomeTiledOnesOrWithShiftProjections)
 {
-    QList<OssImage *> images;
-    for (const char *name : {"a.png", "b.png"}) {
-        QImage picture(4, 4, QImage::Format_RGB32);
-        picture.fill(Qt::blue);
-        ASSERT_TRUE(picture.save(file(name)));
-        images.append(OssImageManager::instance()->open(file(name), 0, {}).first().image);
-    }
-    QStringList ids;
-    for (const OssImage *image : images)
-        ids.append(image->uniqueId().toString());
     QMimeData mime;
-    mime.setData(OssImage::MimeType, ids.join(QLatin1Char(',')).toUtf8());
+    fillMime(&mime, {openPicture(file("a.png")), openPicture(file("b.png"))});
     m_view->window()->show();
     QWindow *window = m_view->window()->windowHandle();
     for (const bool shift : {false, true}) {
-        const QString key = shift ? QStringLiteral("Environment/Tri Planar Projection")
-                                  : QStringLiteral("Procedural/Pattern/Tiled");
-        const Qt::KeyboardModifiers modifiers = shift ? Qt::ShiftModifier : Qt::NoModifier;
-        OssUndoManager::instance()->clear();
+        const char *const key = shift ? "Environment/Tri Planar Projection"
+                                      : "Procedural/Pattern/Tiled";
+        begin();
         if (shift)
-            QTest::keyPress(window, Qt::Key_Shift, modifiers);
-        QDragEnterEvent enter(Place, Qt::CopyAction, &mime, Qt::LeftButton, modifiers);
-        QCoreApplication::sendEvent(m_view->viewport(), &enter);
-        QDragMoveEvent move(Place, Qt::CopyAction, &mime, Qt::LeftButton, modifiers);
-        QCoreApplication::sendEvent(m_view->viewport(), &move);
-        QDropEvent event(Place, Qt::CopyAction, &mime, Qt::LeftButton, modifiers);
-        QCoreApplication::sendEvent(m_view->viewport(), &event);
+            QTest::keyPress(window, Qt::Key_Shift, Qt::ShiftModifier);
+        dropMime(mime, shift ? Qt::ShiftModifier : Qt::NoModifier);
         if (shift)
             QTest::keyRelease(window, Qt::Key_Shift);
         const QList<OssSnBaseNode *> made = m_network->selectedNodes();
         ASSERT_EQ(made.size(), 2) << shift;
         for (const OssSnBaseNode *node : made)
-            EXPECT_EQ(node->pathKey(), key);
-        EXPECT_EQ(undoCount(), 1);
+            EXPECT_EQ(node->pathKey(), text(key));
+        EXPECT_FALSE(itemOf(made.first())
+                         ->sceneBoundingRect()
+                         .intersects(itemOf(made.last())->sceneBoundingRect()));
+        const std::string title = "Drag and drop : creating 2 nodes of type '";
+        expectStepBack((title + key + "'").c_str());
     }
+}
+
+TEST_F(Drops, picturesOfAFolderAreOpenedWhereTheyAreNewAndBecomeNodesInTheSameStep)
+{
+    openPicture(file("pictures/a.png"));
+    openPicture(file("pictures/b.png"));
+    ASSERT_TRUE(QFile::copy(file("pictures/a.png"), file("pictures/c.png")));
+    begin();
+    drop({"pictures"});
+    EXPECT_EQ(m_network->selectedNodes().size(), 3);
+    const OssSnBaseNode *second = m_network->node(text("Tiled 2"));
+    ASSERT_NE(second, nullptr);
+    EXPECT_EQ(imageCount(second, "TileImage"), 1);
+    EXPECT_EQ(OssImageManager::instance()->images().size(), 3);
+    expectStepBack("Drop Images");
 }
 
 } // namespace

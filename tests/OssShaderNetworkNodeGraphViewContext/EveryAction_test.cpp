@@ -1,6 +1,6 @@
 #include "GraphFixture.h"
+#include "GraphUser.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
-#include "OssInterface/Popups/OssApplication.h"
 #include "OssModel/Graph/OssShaderNetworkIO.h"
 #include "PluginUnderTest.h"
 
@@ -41,7 +41,6 @@ protected:
     {
         ASSERT_TRUE(pluginUnderTest());
         GraphFixture::SetUp();
-        m_popups = OssApplication::popupsAllowed();
         OssApplication::setPopupsAllowed(false);
         OssSnBaseNode *color = addAt("Procedural/Color", {0, 0});
         OssSnBaseNode *scalar = addAt("Procedural/Scalar", {0, 200});
@@ -55,15 +54,9 @@ protected:
         m_protected = addAt("_System/Graph Layer Input", {0, 400}, "Layers");
         m_viewer = m_network->viewerNode();
         contextOf(m_viewer)->setNodePosition({1300, 400});
-        m_viewer->setInputNode(QStringLiteral("1"), levels, levels->prefferedOutputPoint());
+        m_viewer->setInputNode(text("1"), levels, levels->prefferedOutputPoint());
         m_many = {merge, m_blur, levels};
         OssShaderNetworkIO::copyNodesToClipboard({m_blur}, {});
-    }
-
-    void TearDown() override
-    {
-        OssApplication::setPopupsAllowed(m_popups);
-        GraphFixture::TearDown();
     }
 
     void select(Situation situation)
@@ -73,15 +66,13 @@ protected:
                                               : situation == Protected ? QList{m_protected}
                                               : situation == Viewer    ? QList{m_viewer}
                                                                        : QList<OssSnBaseNode *>();
-        const QList<OssSnBaseNode *> all = m_network->nodes();
-        for (OssSnBaseNode *node : all)
-            node->setSelected(chosen.contains(node));
+        GraphFixture::select(chosen);
     }
 
     static void trigger(const char *name)
     {
-        QAction *action = OssActionTreeManager::instance()->findAction(
-            QStringLiteral("/Ossa/NodeGraph/") + QLatin1String(name));
+        QAction *action = OssActionTreeManager::instance()->findAction(text("/Ossa/NodeGraph/")
+                                                                       + QLatin1String(name));
         ASSERT_NE(action, nullptr);
         action->trigger();
     }
@@ -90,7 +81,7 @@ protected:
     {
         SCOPED_TRACE(std::string(row.action) + " with " + SituationNames.at(situation));
         select(situation);
-        OssUndoManager::instance()->clear();
+        begin();
         OssDebugLog::instance()->clear();
         const QByteArray before = m_project->stateHash();
         std::deque<ExpectedLog> expected;
@@ -100,20 +91,19 @@ protected:
         const char *title = row.titles.at(situation);
         if (!title)
             m_network->setViewerNodeCurrentEdge(1, true); // by itself saved, but not undone
-        EXPECT_EQ(undoCount(), title ? 1 : 0) << qPrintable(OssUndoManager::instance()->undoText());
-        EXPECT_EQ(OssUndoManager::instance()->undoText().toStdString(), title ? title : "");
+        EXPECT_EQ(undoCount(), title ? 1 : 0) << qPrintable(undoText());
+        EXPECT_EQ(undoText().toStdString(), title ? title : "");
         for (const auto &[where, line] : row.lines) {
-            EXPECT_TRUE(where != situation || logHas(QString::fromLatin1(line))) << line;
+            EXPECT_TRUE(where != situation || logHas(text(line))) << line;
         }
         expectWhole();
         if (row.showsOtherwise)
             return;
         EXPECT_EQ(m_project->stateHash() != before, title != nullptr);
         expectUndoIsExact(before);
-        OssUndoManager::instance()->undo();
+        undo();
     }
 
-    bool m_popups = true;
     OssSnBaseNode *m_blur = nullptr;
     OssSnBaseNode *m_protected = nullptr;
     OssSnBaseNode *m_viewer = nullptr;
@@ -229,29 +219,23 @@ TEST_F(EveryActionTest, isOneStepWithItsTitleOrAnEffectlessRefusal)
 TEST_F(EveryActionTest, doesNothingButSaySoWithoutAView)
 {
     const ExpectedLog expected("fallback onto current nodegraph view (nil)");
-    QTabWidget *widget = m_manager->nodeGraphWidget();
-    QWidget other;
-    widget->addTab(&other, QStringLiteral("other"));
-    widget->setCurrentWidget(&other);
-    OssUndoManager::instance()->clear();
-    const QByteArray before = m_project->stateHash();
+    const OtherPage other;
+    begin();
     select(Many);
     for (const Row &row : Rows) {
         SCOPED_TRACE(row.action);
         OssDebugLog::instance()->clear();
         trigger(row.action);
-        EXPECT_TRUE(logHas(QStringLiteral("ShaderNetworkView is NULL")));
+        expectLogged("ShaderNetworkView is NULL");
     }
-    EXPECT_EQ(undoCount(), 0);
-    EXPECT_EQ(m_project->stateHash(), before);
-    widget->removeTab(1);
+    expectNothingDone();
 }
 
 TEST_F(EveryActionTest, standsInTheTableOfTheTests)
 {
     QSet<QString> tested;
     for (const Row &row : Rows)
-        tested.insert(QString::fromLatin1(row.action));
+        tested.insert(text(row.action));
 #define OSS_LISTED(text, slot, call) EXPECT_TRUE(tested.contains(QStringLiteral(text))) << (text);
     OSS_NODE_GRAPH_ACTIONS(OSS_LISTED, OSS_LISTED)
 #undef OSS_LISTED

@@ -1,11 +1,8 @@
 #include "GraphFixture.h"
-#include "OssInterface/Popups/OssApplication.h"
-#include "OssNodeGraph/Items/OssNgBackdropNode.h"
-#include "support/DialogAnswers.h"
+#include "GraphUser.h"
+#include "support/OssaFiles.h"
 
-#include <QLineEdit>
 #include <QTemporaryDir>
-#include <QtTest>
 
 namespace {
 
@@ -21,30 +18,11 @@ protected:
         m_area = addAt("Misc/Backdrop", {-2000, -2000}, "Area");
         contextOf(m_network->viewerNode())->setNodePosition({3000, 3000});
         select({});
-        OssUndoManager::instance()->clear();
+        begin();
+        OssApplication::setPopupsAllowed(true);
     }
 
-    QString file(const char *name) const { return m_folder.filePath(QString::fromLatin1(name)); }
-
-    void write(const char *name, const char *text) const
-    {
-        QFile file(this->file(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(text);
-    }
-
-    /// Types into the search dialog and takes the first result.
-    static void typeInDialog(const char *text)
-    {
-        QTimer::singleShot(0, [text] {
-            QWidget *dialog = QApplication::activeModalWidget();
-            ASSERT_NE(dialog, nullptr);
-            auto *field = dialog->findChild<QLineEdit *>();
-            QTest::keyClicks(field, QString::fromLatin1(text));
-            QTest::keyClick(field, Qt::Key_Return);
-            dialog->close();
-        });
-    }
+    QString file(const char *name) const { return m_folder.filePath(text(name)); }
 
     QTemporaryDir m_folder;
     OssSnBaseNode *m_blur = nullptr;
@@ -88,8 +66,8 @@ TEST_F(FilesTest, selectedNodesGoToAFileAndComeBackInOneStep)
     m_view->importNodes();
     EXPECT_EQ(answers.boxes, QStringList());
     ASSERT_EQ(m_network->selectedNodes().size(), 2);
-    const OssSnBaseNode *blur = m_network->node(QStringLiteral("Soft 2"));
-    const OssSnBaseNode *area = m_network->node(QStringLiteral("Area 2"));
+    const OssSnBaseNode *blur = m_network->node(text("Soft 2"));
+    const OssSnBaseNode *area = m_network->node(text("Area 2"));
     ASSERT_TRUE(blur && area);
     EXPECT_EQ(itemOf(area)->pos(), place);
     EXPECT_EQ(itemOf(blur)->pos(), place + QPointF(2000, 2000)) << "as they stood to each other";
@@ -100,8 +78,8 @@ TEST_F(FilesTest, selectedNodesGoToAFileAndComeBackInOneStep)
 TEST_F(FilesTest, whatCannotBeWrittenOrReadIsSaidWithItsReason)
 {
     const ExpectedLog possible("", ExpectedLog::Possible);
-    write("plain.ong", "no nodes");
-    const QByteArray before = m_project->stateHash();
+    ASSERT_NO_FATAL_FAILURE(writeFile(file("plain.ong"), "no nodes"));
+    begin();
 
     const struct
     {
@@ -118,9 +96,8 @@ TEST_F(FilesTest, whatCannotBeWrittenOrReadIsSaidWithItsReason)
         const DialogAnswers answers(file(c.name), QMessageBox::Ok);
         (m_view->*c.command)();
         ASSERT_EQ(answers.boxes.size(), 1) << c.said;
-        EXPECT_TRUE(answers.boxes.first().contains(QString::fromLatin1(c.said)));
-        EXPECT_EQ(m_project->stateHash(), before);
-        EXPECT_EQ(undoCount(), 0);
+        EXPECT_TRUE(answers.boxes.first().contains(text(c.said)));
+        expectNothingDone(c.said);
     }
 }
 
@@ -140,8 +117,7 @@ TEST_F(FilesTest, archivesAreAskedForAndNothingHappensWithoutOne)
 
 TEST_F(FilesTest, aFoundNodeIsSelectedAloneAndShown)
 {
-    const ExpectedLog found("Found 3 nodes in the network");
-    OssApplication::setPopupsAllowed(true);
+    const ExpectedLog found(" nodes in the network");
     select({m_network->viewerNode()});
     for (OssSnBaseNode *wanted : {m_area, m_blur}) {
         typeInDialog(wanted == m_area ? "area" : "soft");
@@ -156,14 +132,18 @@ TEST_F(FilesTest, aFoundNodeIsSelectedAloneAndShown)
     m_view->searchNodesAction();
     EXPECT_EQ(m_network->selectedNodes(), QList<OssSnBaseNode *>{m_area});
     EXPECT_EQ(undoCount(), 0);
+
+    // Inside a group, too.
+    ASSERT_NE(m_network->groupNodes({m_blur}), nullptr);
+    typeInDialog("soft");
+    m_view->searchNodesAction();
+    EXPECT_EQ(m_manager->currentView()->network(), m_blur->network());
+    EXPECT_TRUE(m_blur->selected());
 }
 
 TEST_F(FilesTest, nothingIsMadeWhereNothingWasChosen)
 {
-    OssApplication::setPopupsAllowed(true);
-    const QByteArray before = m_project->stateHash();
     typeInDialog("no such type");
     m_view->quickCreate();
-    EXPECT_EQ(m_project->stateHash(), before);
-    EXPECT_EQ(undoCount(), 0);
+    expectNothingDone();
 }

@@ -1,22 +1,26 @@
 #pragma once
 
 #include "DocumentInvariants.h"
+#include "OssInterface/Popups/OssApplication.h"
+#include "OssNodeGraph/Items/OssNgBackdropNode.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
-#include "OssNodeGraph/Items/OssNgNode.h"
 #include "OssShaderNetworkView.h"
 #include "OssShaderNetworkWidget.h"
 #include "OssSnNodeGraphViewContext.h"
 #include "OssSnNodeGraphViewContextManager.h"
 #include "support/ModelFixture.h"
+#include "support/Text.h"
 
 #include <memory>
 
-/// A project whose network is shown by the node graph.
+/// A project whose network is shown by the node graph. Tests that have no user say so to
+/// OssApplication; the next one has one again.
 class GraphFixture : public ModelFixture
 {
 protected:
     void SetUp() override
     {
+        m_popupsBefore = OssApplication::popupsAllowed();
         m_manager = OssSnNodeGraphViewContextManager::instance();
         ModelFixture::SetUp();
         m_view = m_manager->currentView();
@@ -27,14 +31,22 @@ protected:
 
     void TearDown() override
     {
+        OssApplication::setPopupsAllowed(m_popupsBefore);
         expectWhole();
         m_invariants.reset();
         ModelFixture::TearDown();
     }
 
+    // --- nodes
+
     static OssNgNode *itemOf(const OssSnBaseNode *node)
     {
         return OssSnNodeGraphViewContextManager::guiNodeOf(node);
+    }
+
+    static OssNgBackdropNode *backdropOf(const OssSnBaseNode *node)
+    {
+        return qobject_cast<OssNgBackdropNode *>(itemOf(node));
     }
 
     static OssSnNodeGraphViewContext *contextOf(const OssSnBaseNode *node)
@@ -57,6 +69,82 @@ protected:
         return node;
     }
 
+    OssSnGroupNode *addGroup(const char *name = "")
+    {
+        return qobject_cast<OssSnGroupNode *>(addAt("Misc/Group", {0, 0}, name));
+    }
+
+    static OssSnBaseNode *addInside(const OssSnGroupNode *group, const char *key,
+                                    const char *name = "")
+    {
+        return group->groupNetwork()->createNode(text(key), text(name));
+    }
+
+    // --- projects
+
+    /// The network that stands in place of the one that was.
+    void take(OssProject *project)
+    {
+        m_project = project;
+        m_network = project->shadingGroups().first()->network();
+    }
+
+    void replaceProject() { take(OssProjectManager::instance()->newProject(text("Next"))); }
+
+    /// Saves the project to that place and opens it from there.
+    void reopen(const QString &path)
+    {
+        OssProjectManager *projects = OssProjectManager::instance();
+        ASSERT_TRUE(projects->saveProjectAs(path));
+        ASSERT_TRUE(projects->openProject(path));
+        take(projects->currentProject());
+        m_view = m_manager->currentView();
+    }
+
+    // --- steps
+
+    static void undo() { OssUndoManager::instance()->undo(); }
+
+    static void undoAll()
+    {
+        while (OssUndoManager::instance()->canUndo())
+            undo();
+    }
+
+    static QString undoText() { return OssUndoManager::instance()->undoText(); }
+
+    /// Forgets the steps so far, and keeps how the document is.
+    void begin()
+    {
+        OssUndoManager::instance()->clear();
+        m_begun = m_project->stateHash();
+    }
+
+    /// Neither a step nor another document since it began.
+    void expectNothingDone(const char *what = "") const
+    {
+        EXPECT_EQ(undoCount(), 0) << what << " made " << qPrintable(undoText());
+        EXPECT_EQ(m_project->stateHash(), m_begun) << what;
+    }
+
+    /// The only one since it began.
+    static void expectStep(const char *title)
+    {
+        EXPECT_EQ(undoCount(), 1) << title;
+        EXPECT_STREQ(qPrintable(undoText()), title);
+    }
+
+    /// And it leads back to there; it is forgotten.
+    void expectStepBack(const char *title)
+    {
+        expectStep(title);
+        undo();
+        EXPECT_EQ(m_project->stateHash(), m_begun) << title;
+        OssUndoManager::instance()->clear();
+    }
+
+    static void expectLogged(const char *part) { EXPECT_TRUE(logHas(text(part))) << part; }
+
     /// Whatever was done, the document and what shows it hold together.
     void expectWhole()
     {
@@ -67,4 +155,8 @@ protected:
     std::unique_ptr<DocumentInvariants> m_invariants;
     OssSnNodeGraphViewContextManager *m_manager = nullptr;
     OssShaderNetworkView *m_view = nullptr;
+
+private:
+    QByteArray m_begun;
+    bool m_popupsBefore = true;
 };

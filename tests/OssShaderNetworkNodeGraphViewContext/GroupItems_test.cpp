@@ -1,6 +1,7 @@
 #include "GraphFixture.h"
 #include "OssSnGroupNodeGraphViewContext.h"
 #include "support/DialogAnswers.h"
+#include "support/OssaFiles.h"
 
 #include <QApplication>
 #include <QTemporaryDir>
@@ -10,19 +11,12 @@
 namespace {
 
 /// Items of groups: their tabs, their ports, and what stands for these inside.
-class GroupItems : public GraphFixture
-{
-protected:
-    OssSnGroupNode *addGroup(const char *name)
-    {
-        return qobject_cast<OssSnGroupNode *>(addAt("Misc/Group", {0, 0}, name));
-    }
-};
+using GroupItems = GraphFixture;
 
 TEST_F(GroupItems, aTabBehindLeavesTheCurrentOneAndFramesItsOwn)
 {
     OssSnGroupNode *group = addGroup("Behind");
-    OssSnBaseNode *inside = group->groupNetwork()->createNode(QStringLiteral("Filter/Blur"));
+    OssSnBaseNode *inside = addInside(group, "Filter/Blur");
     contextOf(inside)->setNodePosition({8000, 6000});
     QTabWidget *widget = m_manager->nodeGraphWidget();
     auto *context = qobject_cast<OssSnGroupNodeGraphViewContext *>(contextOf(group));
@@ -60,7 +54,7 @@ TEST_F(GroupItems, keysGoToTheViewThatComesForwardWhenATabGoes)
     Q_EMIT widget->tabCloseRequested(1);
     EXPECT_TRUE(m_view->hasFocus());
     context->showGroupNodeTab();
-    OssUndoManager::instance()->undo();
+    undo();
     ASSERT_EQ(widget->count(), 1);
     EXPECT_TRUE(m_view->hasFocus());
 }
@@ -69,7 +63,7 @@ TEST_F(GroupItems, aGroupIsExportedToTheChosenFileOrTheReasonIsTold)
 {
     const QTemporaryDir folder;
     OssSnGroupNode *group = addGroup("Dirt");
-    const QString path = folder.filePath(QStringLiteral("dirt.ong"));
+    const QString path = folder.filePath(text("dirt.ong"));
     {
         const DialogAnswers cancelled;
         contextOf(group)->exportNode();
@@ -84,13 +78,12 @@ TEST_F(GroupItems, aGroupIsExportedToTheChosenFileOrTheReasonIsTold)
         EXPECT_TRUE(QFile::exists(path));
     }
     const ExpectedLog possible("", ExpectedLog::Possible);
-    const QString nowhere = folder.filePath(QStringLiteral("plain.ong/x.ong"));
-    QFile plain(folder.filePath(QStringLiteral("plain.ong")));
-    ASSERT_TRUE(plain.open(QIODevice::WriteOnly));
+    const QString nowhere = folder.filePath(text("plain.ong/x.ong"));
+    ASSERT_NO_FATAL_FAILURE(writeFile(folder.filePath(text("plain.ong"))));
     const DialogAnswers answers(nowhere, QMessageBox::Ok);
     contextOf(group)->exportNode();
     EXPECT_EQ(answers.boxes.size(), 1);
-    EXPECT_TRUE(answers.boxes.value(0).contains(QStringLiteral("plain.ong")));
+    EXPECT_TRUE(answers.boxes.value(0).contains(text("plain.ong")));
 }
 
 TEST_F(GroupItems, outputsOfAGroupFollowTheHeightOfTheirNodesToo)
@@ -98,33 +91,32 @@ TEST_F(GroupItems, outputsOfAGroupFollowTheHeightOfTheirNodesToo)
     OssSnGroupNode *group = addGroup("Outputs");
     QList<OssSnBaseNode *> inside;
     for (const char *name : {"A", "B", "C"})
-        inside.append(group->createOutput(QString::fromLatin1(name), OssSnDataKind::Color));
+        inside.append(group->createOutput(text(name), OssSnDataKind::Color));
     for (int i = 0; i < 3; ++i)
         contextOf(inside.at(i))->setNodePosition({0.0, 100.0 * i});
-    OssSnBaseNode *apart = group->groupNetwork()->createNode(QStringLiteral("Filter/Blur"));
+    OssSnBaseNode *apart = addInside(group, "Filter/Blur");
     OssUndoManager::instance()->clear();
     Q_EMIT itemOf(apart)->posChanged({0, 900}); // stands for no port
     EXPECT_EQ(undoCount(), 0);
     itemOf(inside.first())->setPosition({0, 500});
     Q_EMIT itemOf(inside.first())->posChanged({0, 500});
-    const QStringList order{QStringLiteral("B"), QStringLiteral("C"), QStringLiteral("A")};
+    const QStringList order = texts({"B", "C", "A"});
     EXPECT_EQ(group->outputPointNames(), order);
     EXPECT_EQ(itemOf(group)->outputPortNames(), order);
-    OssUndoManager::instance()->undo();
+    undo();
     Q_EMIT OssShaderNetworkManager::instance()->reorderGroupOutputsByPosRequested(group);
     EXPECT_EQ(group->outputPointNames(), order);
     m_manager->reorderGroupOutputsByPos(nullptr);
-    EXPECT_TRUE(logHas(QStringLiteral("GroupNode is NULL")));
+    expectLogged("GroupNode is NULL");
 }
 
 TEST_F(GroupItems, streamsAreGatheredAndWhatBelongsToAllOfThemIsNot)
 {
     const auto isGathered = [](const OssSnBaseNode *node, const char *input) {
-        return qobject_cast<OssNgExtendedNode *>(itemOf(node))
-            ->isInputInCluster(QString::fromLatin1(input));
+        return qobject_cast<OssNgExtendedNode *>(itemOf(node))->isInputInCluster(text(input));
     };
     OssSnBaseNode *merge = addAt("_System/MultiChannelMerge", {0, 0});
-    ASSERT_TRUE(merge->hasInput(QStringLiteral("Roughness Base")));
+    ASSERT_TRUE(merge->hasInput(text("Roughness Base")));
     for (const char *input : {"Roughness Base", "Roughness Over", "Normal Base"})
         EXPECT_TRUE(isGathered(merge, input)) << input;
     EXPECT_FALSE(isGathered(merge, "Mask"));
@@ -133,13 +125,13 @@ TEST_F(GroupItems, streamsAreGatheredAndWhatBelongsToAllOfThemIsNot)
     const QStringList outputs = merge->outputPointNames();
     ASSERT_GT(outputs.size(), 1);
     EXPECT_EQ(item->outputPortScenePos(outputs.first()), item->outputPortScenePos(outputs.last()));
-    EXPECT_EQ(item->inputPortScenePos(QStringLiteral("Roughness Base")),
-              item->inputPortScenePos(QStringLiteral("Normal Base")));
-    EXPECT_NE(item->inputPortScenePos(QStringLiteral("Roughness Base")),
-              item->inputPortScenePos(QStringLiteral("Roughness Over")));
+    EXPECT_EQ(item->inputPortScenePos(text("Roughness Base")),
+              item->inputPortScenePos(text("Normal Base")));
+    EXPECT_NE(item->inputPortScenePos(text("Roughness Base")),
+              item->inputPortScenePos(text("Roughness Over")));
     OssSnGroupNode *group = addGroup("Plain");
     for (const char *name : {"A Base", "B Base", "C"})
-        group->createInput(QString::fromLatin1(name), OssSnDataKind::Color);
+        group->createInput(text(name), OssSnDataKind::Color);
     Q_EMIT group->updatePortClusters();
     EXPECT_FALSE(isGathered(group, "A Base"));
     EXPECT_FALSE(isGathered(group, "C"));
@@ -160,15 +152,15 @@ TEST_F(GroupItems, nodesForNewPortsStandBesideWhatTheyFeedWhateverLiesBehind)
         OssSnGroupNode *group = addGroup(backdrop ? "With" : "Without");
         OssShaderNetwork *inside = group->groupNetwork();
         if (backdrop) {
-            OssSnBaseNode *area = inside->createNode(QStringLiteral("Misc/Backdrop"));
+            OssSnBaseNode *area = inside->createNode(text("Misc/Backdrop"));
             contextOf(area)->setNodePosition({-900, -900});
             contextOf(area)->setNodeSize({3000, 3000});
         }
-        OssSnBaseNode *blur = inside->createNode(QStringLiteral("Filter/Blur"));
+        OssSnBaseNode *blur = inside->createNode(text("Filter/Blur"));
         contextOf(blur)->setNodePosition({500, 100});
-        OssSnBaseNode *input = group->createInput(QStringLiteral("In"), OssSnDataKind::Color);
-        blur->setInputNode(QStringLiteral("Input"), input, input->prefferedOutputPoint());
-        OssSnBaseNode *output = group->createOutput(QStringLiteral("Out"), OssSnDataKind::Color);
+        OssSnBaseNode *input = group->createInput(text("In"), OssSnDataKind::Color);
+        blur->setInputNode(text("Input"), input, input->prefferedOutputPoint());
+        OssSnBaseNode *output = group->createOutput(text("Out"), OssSnDataKind::Color);
         output->setInputNode(output->inputNames().first(), blur, blur->prefferedOutputPoint());
         Q_EMIT group->newGroupNodeInputOutputCreated();
         EXPECT_LT(itemOf(input)->sceneBoundingRect().right(), 500.0);
@@ -182,10 +174,10 @@ TEST_F(GroupItems, nodesForNewPortsStandBesideWhatTheyFeedWhateverLiesBehind)
 TEST_F(GroupItems, anOutputThatNothingFeedsStandsBelowTheOthersOrRightOfEverything)
 {
     OssSnGroupNode *group = addGroup("Far");
-    OssSnBaseNode *blur = group->groupNetwork()->createNode(QStringLiteral("Filter/Blur"));
+    OssSnBaseNode *blur = addInside(group, "Filter/Blur");
     contextOf(blur)->setNodePosition({5000, 3000});
-    OssSnBaseNode *lone = group->createOutput(QStringLiteral("Lone"), OssSnDataKind::Color);
-    OssSnBaseNode *fed = group->createOutput(QStringLiteral("Fed"), OssSnDataKind::Color);
+    OssSnBaseNode *lone = group->createOutput(text("Lone"), OssSnDataKind::Color);
+    OssSnBaseNode *fed = group->createOutput(text("Fed"), OssSnDataKind::Color);
     Q_EMIT group->newGroupNodeInputOutputCreated();
     const QPointF beside = itemOf(lone)->pos();
     EXPECT_GT(beside.x(), itemOf(blur)->sceneBoundingRect().right());
@@ -213,7 +205,7 @@ TEST_F(GroupItems, theCommandOpensTheFirstSelectedGroupAndManagesKnobsFromInside
     select({blur, lower, upper});
     m_view->openGroupNodeSubgraph();
     ASSERT_EQ(widget->count(), 2);
-    EXPECT_EQ(widget->tabText(1), QStringLiteral("Upper"));
+    EXPECT_EQ(widget->tabText(1), text("Upper"));
 
     // Of the selected group, or of the one around.
     const auto managed = [](OssShaderNetworkView *view) {
@@ -229,8 +221,8 @@ TEST_F(GroupItems, theCommandOpensTheFirstSelectedGroupAndManagesKnobsFromInside
         QCoreApplication::processEvents();
         return knobs;
     };
-    OssSnBaseNode *inner = upper->groupNetwork()->createNode(QStringLiteral("Filter/Blur"));
-    upper->createKnob(inner, QStringLiteral("Radius"));
+    OssSnBaseNode *inner = addInside(upper, "Filter/Blur");
+    upper->createKnob(inner, text("Radius"));
     EXPECT_EQ(managed(m_manager->currentView()), 1);
     widget->setCurrentIndex(0);
     select({blur, lower});

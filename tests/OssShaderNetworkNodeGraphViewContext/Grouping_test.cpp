@@ -1,18 +1,8 @@
 #include "GraphFixture.h"
-#include "OssCore/Undo/OssUndoManager.h"
-#include "OssModel/Graph/OssShaderNetwork.h"
-#include "OssModel/Graph/OssSnGroupNode.h"
-#include "OssModel/Project/OssProject.h"
-#include "OssModel/Project/OssProjectManager.h"
 
 #include <QTemporaryDir>
 
 namespace {
-
-QString text(const char *latin)
-{
-    return QString::fromLatin1(latin);
-}
 
 /// Two blurs into a merge that feeds two others: ports enough to give a group another size than it
 /// is made with.
@@ -43,10 +33,8 @@ protected:
 
     void expectTheStart(const char *when) const
     {
-        const QList<QByteArray> now = stateLines();
-        ASSERT_EQ(now.size(), m_start.size()) << when;
-        for (int i = 0; i < now.size(); ++i)
-            EXPECT_STREQ(now[i].constData(), m_start[i].constData()) << when << ", line " << i;
+        SCOPED_TRACE(when);
+        expectSame(stateLines(), m_start);
     }
 
     static void ungroup(OssSnGroupNode *group) { group->network()->ungroup(group); }
@@ -120,11 +108,7 @@ TEST_F(Grouping, portsThatWerePlacedByHandStayWhereTheyAre)
     expectWhole();
 
     // One that is opened again knows no more where it put them, but that they have places.
-    const QString path = m_folder.filePath(text("Ports.ossa"));
-    ASSERT_TRUE(OssProjectManager::instance()->saveProjectAs(path));
-    ASSERT_TRUE(OssProjectManager::instance()->openProject(path));
-    m_project = OssProjectManager::instance()->currentProject();
-    m_network = m_project->shadingGroups().first()->network();
+    reopen(m_folder.filePath(text("Ports.ossa")));
     made = qobject_cast<OssSnGroupNode *>(m_network->node(text("Group")));
     ASSERT_NE(made, nullptr);
     made->createInput(text("Later"), OssSnDataKind::Color);
@@ -144,7 +128,7 @@ TEST_F(Grouping, portsAreInTheOrderOfTheirNodesWhoeverMovesThem)
     // By a script, which moves one node after the other.
     contextOf(inside->node(before[0]))->setNodePositionUndo(QPointF(-400.0, 900.0));
     EXPECT_EQ(made->inputNames(), turned);
-    OssUndoManager::instance()->undo();
+    undo();
     EXPECT_EQ(made->inputNames(), before);
     EXPECT_EQ(m_project->stateHash(), start);
 

@@ -1,6 +1,5 @@
 #include "GraphFixture.h"
 #include "OssCore/Values/OssColor.h"
-#include "OssNodeGraph/Items/OssNgBackdropNode.h"
 #include "OssNodeGraph/Items/OssNgUINode.h"
 #include "OssSnUINodeGraphViewContext.h"
 
@@ -32,11 +31,6 @@ protected:
     }
 
     QPointF middle() const { return m_manager->currentView()->viewportInSceneCoords().center(); }
-
-    OssSnGroupNode *addGroup(const char *name)
-    {
-        return qobject_cast<OssSnGroupNode *>(addAt("Misc/Group", {0, 0}, name));
-    }
 };
 
 TEST_F(ItemsTest, marksComeAndGoWithTheStateOfTheNode)
@@ -69,41 +63,39 @@ TEST_F(ItemsTest, marksComeAndGoWithTheStateOfTheNode)
 
     for (const auto &c : cases) {
         EXPECT_FALSE(item->hasMark(c.mark)) << c.mark;
-        c.set(true);
-        EXPECT_TRUE(item->hasMark(c.mark)) << c.mark;
-        c.set(false);
-        EXPECT_FALSE(item->hasMark(c.mark)) << c.mark;
+        for (const bool on : {true, false}) {
+            c.set(on);
+            EXPECT_EQ(item->hasMark(c.mark), on) << c.mark;
+        }
     }
-    node->addTag(QStringLiteral("_systemShader"));
+    node->addTag(text("_systemShader"));
     EXPECT_FALSE(item->hasMark(OssNgNode::SystemShader));
     Q_EMIT node->systemShaderStatusSync();
     EXPECT_TRUE(item->hasMark(OssNgNode::SystemShader));
-    node->setDescription(QStringLiteral("softens"));
-    EXPECT_EQ(item->toolTip(), QStringLiteral("softens"));
-    node->setErrorText(QStringLiteral("no picture"));
-    EXPECT_EQ(item->errorText(), QStringLiteral("no picture"));
+    node->setDescription(text("softens"));
+    EXPECT_EQ(item->toolTip(), text("softens"));
+    node->setErrorText(text("no picture"));
+    EXPECT_EQ(item->errorText(), text("no picture"));
 }
 
 TEST_F(ItemsTest, wiresShowWhetherTheirInputIsSharedAndOn)
 {
     OssSnBaseNode *color = addAt("Procedural/Color", {0, 0});
     OssSnBaseNode *blur = addAt("Filter/Blur", {300, 0});
-    blur->setInputShared(QStringLiteral("Input"), true); // there is no wire to show it yet
+    blur->setInputShared(text("Input"), true); // there is no wire to show it yet
     wire(color, blur);
-    const OssNgEdge *edge = itemOf(blur)->input(QStringLiteral("Input"));
+    const OssNgEdge *edge = itemOf(blur)->input(text("Input"));
     ASSERT_NE(edge, nullptr);
     EXPECT_TRUE(edge->hasMark(OssNgEdge::Shared));
-    blur->setInputShared(QStringLiteral("Input"), false);
-    EXPECT_FALSE(edge->hasMark(OssNgEdge::Shared));
-    blur->setInputShared(QStringLiteral("Input"), true);
-    EXPECT_TRUE(edge->hasMark(OssNgEdge::Shared));
-    blur->setInputEnabled(QStringLiteral("Input"), false);
-    EXPECT_TRUE(edge->hasMark(OssNgEdge::Bypassed));
-    blur->setInputEnabled(QStringLiteral("Input"), true);
-    EXPECT_FALSE(edge->hasMark(OssNgEdge::Bypassed));
-    blur->setInputNode(QStringLiteral("Input"), nullptr, {});
-    blur->setInputEnabled(QStringLiteral("Input"), false);
-    EXPECT_EQ(itemOf(blur)->input(QStringLiteral("Input")), nullptr);
+    for (const bool on : {false, true}) {
+        blur->setInputShared(text("Input"), on);
+        EXPECT_EQ(edge->hasMark(OssNgEdge::Shared), on);
+        blur->setInputEnabled(text("Input"), on);
+        EXPECT_EQ(edge->hasMark(OssNgEdge::Bypassed), !on);
+    }
+    blur->setInputNode(text("Input"), nullptr, {});
+    blur->setInputEnabled(text("Input"), false);
+    EXPECT_EQ(itemOf(blur)->input(text("Input")), nullptr);
 }
 
 TEST_F(ItemsTest, aPictureStandsInTheHeaderWhenThereIsSuchAFile)
@@ -112,7 +104,7 @@ TEST_F(ItemsTest, aPictureStandsInTheHeaderWhenThereIsSuchAFile)
     for (const char *file : {"NoSuch.png", "Images.png"}) {
         const QImage before = picture(itemOf(node));
         OssSnNodeGraphViewContext *context = contextOf(node);
-        context->setPixmapPath(QString::fromLatin1(file));
+        context->setPixmapPath(text(file));
         for (int time = 0; time < 2; ++time) { // from the disk, from the cache
             itemOf(node)->setPixmap({});
             context->copyGuiStateFrom(context);
@@ -130,7 +122,7 @@ TEST_F(ItemsTest, aCopiedLookIsThatOfTheOther)
     EXPECT_TRUE(itemOf(to)->hasMark(OssNgNode::Highlighted));
     EXPECT_EQ(itemOf(to)->pos(), QPointF(120, 50));
     contextOf(to)->copyGuiNodeStateFrom(nullptr);
-    EXPECT_TRUE(logHas(QStringLiteral("OtherView is NULL")));
+    expectLogged("OtherView is NULL");
 }
 
 // --- notes and backdrops
@@ -139,28 +131,26 @@ TEST_F(ItemsTest, annotationsShowTheirAttributesAndOthersHaveNoSuchLooks)
 {
     const ExpectedLog expected("Invalid attribute 'BackgroundColor' on node '/Dot'");
     OssSnBaseNode *area = addAt("Misc/Backdrop", {0, 0});
-    auto *backdrop = qobject_cast<OssNgBackdropNode *>(itemOf(area));
-    area->setAttribute(QStringLiteral("TitleText"), QStringLiteral("Wall"));
-    EXPECT_EQ(backdrop->titleText(), QStringLiteral("Wall"));
-    area->setAttribute(QStringLiteral("BackgroundColor"),
-                       QVariant::fromValue(OssColor(1.0, 0.0, 0.0, 0.5)));
+    auto *backdrop = backdropOf(area);
+    area->setAttribute(text("TitleText"), text("Wall"));
+    EXPECT_EQ(backdrop->titleText(), text("Wall"));
+    area->setAttribute(text("BackgroundColor"), QVariant::fromValue(OssColor(1.0, 0.0, 0.0, 0.5)));
     EXPECT_EQ(backdrop->backgroundColor().rgba(), qRgba(255, 0, 0, 128));
     OssSnBaseNode *note = addAt("Misc/Sticky Note", {900, 0});
-    note->setAttribute(QStringLiteral("Label"), QStringLiteral("look here"));
-    EXPECT_EQ(qobject_cast<OssNgUINode *>(itemOf(note))->label(), QStringLiteral("look here"));
+    note->setAttribute(text("Label"), text("look here"));
+    EXPECT_EQ(qobject_cast<OssNgUINode *>(itemOf(note))->label(), text("look here"));
 
     // Of attributes with these names that an item cannot show, nothing is heard but of the colour.
     OssSnBaseNode *dot = addAt("Misc/Dot", {1500, 0}, "Dot");
-    const QString text = itemOf(dot)->text();
+    const QString shown = itemOf(dot)->text();
     auto *context = qobject_cast<OssSnUINodeGraphViewContext *>(contextOf(dot));
     for (const char *name : {"TitleText", "Label", "BackgroundColor", "ZOrder"})
-        context->onUserAttributeChanged(
-            OssCustomAttribute(QString::fromLatin1(name), QStringLiteral("x")), dot);
-    EXPECT_EQ(itemOf(dot)->text(), text);
+        context->onUserAttributeChanged(OssCustomAttribute(text(name), text("x")), dot);
+    EXPECT_EQ(itemOf(dot)->text(), shown);
     const QColor before = backdrop->backgroundColor();
     context = qobject_cast<OssSnUINodeGraphViewContext *>(contextOf(area));
-    context->onUserAttributeChanged(
-        OssCustomAttribute(QStringLiteral("BackgroundColor"), QVariantList()), area);
+    context->onUserAttributeChanged(OssCustomAttribute(text("BackgroundColor"), QVariantList()),
+                                    area);
     context->onUserAttributeChanged(OssCustomAttribute(), area);
     EXPECT_EQ(backdrop->backgroundColor(), before) << "what is no colour";
 }
@@ -168,17 +158,17 @@ TEST_F(ItemsTest, annotationsShowTheirAttributesAndOthersHaveNoSuchLooks)
 TEST_F(ItemsTest, theOrderOfBackdropsIsKeptAndUndoneWithTheNode)
 {
     OssSnBaseNode *area = addAt("Misc/Backdrop", {0, 0});
-    auto *backdrop = qobject_cast<OssNgBackdropNode *>(itemOf(area));
+    auto *backdrop = backdropOf(area);
     OssUndoManager::instance()->clear();
     const auto order = [&] {
-        return area->attribute(QStringLiteral("ZOrder")).toInt();
+        return area->attribute(text("ZOrder")).toInt();
     };
     backdrop->changeZOrder(3);
     EXPECT_EQ(order(), 3);
     EXPECT_EQ(undoCount(), 1);
     Q_EMIT area->zOrderChanged(3); // it is so
     EXPECT_EQ(undoCount(), 1);
-    OssUndoManager::instance()->undo();
+    undo();
     EXPECT_EQ(order(), 0);
     EXPECT_EQ(backdrop->zOrder(), 0);
     OssSnBaseNode *blur = addAt("Filter/Blur", {900, 0});
@@ -215,7 +205,7 @@ TEST_F(ItemsTest, aBakePointShowsWhatLimitsIt)
     OssSnBaseNode *bake = addAt("Misc/Bake Point", {0, 0});
     const auto *item = qobject_cast<OssNgExtendedNode *>(itemOf(bake));
     const auto set = [&](const char *name, const QVariant &value) {
-        bake->setAttribute(QString::fromLatin1(name), value);
+        bake->setAttribute(text(name), value);
     };
 
     const struct
@@ -231,16 +221,16 @@ TEST_F(ItemsTest, aBakePointShowsWhatLimitsIt)
         EXPECT_FALSE(item->isIconVisible(c.icon)) << c.flag;
         set(c.flag, true);
         EXPECT_FALSE(item->isIconVisible(c.icon)) << c.flag << " to nothing";
-        set(c.text, QStringLiteral("1001"));
+        set(c.text, text("1001"));
         EXPECT_TRUE(item->isIconVisible(c.icon)) << c.flag;
         set(c.flag, false);
         EXPECT_FALSE(item->isIconVisible(c.icon)) << c.flag;
     }
     const OssSnNodeGraphViewContext *context = contextOf(bake);
-    EXPECT_FALSE(context->attributeIsStub(QStringLiteral("limitBakeBackground"), false));
-    EXPECT_TRUE(context->attributeIsStub(QStringLiteral("limitBakeBackground"), true));
-    EXPECT_TRUE(context->attributeIsStub(QStringLiteral("limitBake"), true));
-    EXPECT_FALSE(context->attributeIsStub(QStringLiteral("limitBake"), false));
+    EXPECT_FALSE(context->attributeIsStub(text("limitBakeBackground"), false));
+    EXPECT_TRUE(context->attributeIsStub(text("limitBakeBackground"), true));
+    EXPECT_TRUE(context->attributeIsStub(text("limitBake"), true));
+    EXPECT_FALSE(context->attributeIsStub(text("limitBake"), false));
 }
 
 // --- ports
@@ -251,7 +241,7 @@ TEST_F(ItemsTest, onlyAViewersFirstInputBearsTheNameOfItsSource)
     OssSnBaseNode *blur = addAt("Filter/Blur", {300, 0});
     for (const char *name : {"0", "2"}) {
         OssSnBaseNode::InputPort port;
-        port.name = QString::fromLatin1(name);
+        port.name = text(name);
         blur->addInput(port);
     }
     for (OssSnBaseNode *node : {blur, m_network->viewerNode()}) {
@@ -260,23 +250,23 @@ TEST_F(ItemsTest, onlyAViewersFirstInputBearsTheNameOfItsSource)
         contextOf(node)->updateGuiEdges();
     }
     const OssNgNode *viewer = itemOf(m_network->viewerNode());
-    EXPECT_EQ(viewer->inputPortText(QStringLiteral("0")), QStringLiteral("0:Red"));
-    EXPECT_EQ(viewer->inputPortText(QStringLiteral("2")), QStringLiteral("2"));
-    EXPECT_EQ(itemOf(blur)->inputPortText(QStringLiteral("0")), QStringLiteral("0"));
+    EXPECT_EQ(viewer->inputPortText(text("0")), text("0:Red"));
+    EXPECT_EQ(viewer->inputPortText(text("2")), text("2"));
+    EXPECT_EQ(itemOf(blur)->inputPortText(text("0")), text("0"));
     m_network->setViewerNodeCurrentEdge(2, true);
     contextOf(blur)->updateGuiEdges();
-    EXPECT_FALSE(itemOf(blur)->input(QStringLiteral("2"))->hasMark(OssNgEdge::Activated));
+    EXPECT_FALSE(itemOf(blur)->input(text("2"))->hasMark(OssNgEdge::Activated));
     Q_EMIT blur->viewerNodeRequestUpdateVirtualEdge();
     Q_EMIT blur->viewerNodeCurrentEdgeChanged(2);
-    EXPECT_FALSE(itemOf(blur)->isVirtualInput(QStringLiteral("0")));
-    EXPECT_TRUE(viewer->isVirtualInput(QStringLiteral("0")));
-    EXPECT_FALSE(itemOf(blur)->input(QStringLiteral("2"))->hasMark(OssNgEdge::Activated));
+    EXPECT_FALSE(itemOf(blur)->isVirtualInput(text("0")));
+    EXPECT_TRUE(viewer->isVirtualInput(text("0")));
+    EXPECT_FALSE(itemOf(blur)->input(text("2"))->hasMark(OssNgEdge::Activated));
 
     // So does selecting one.
-    OssNgEdge *looked = viewer->input(QStringLiteral("2"));
+    OssNgEdge *looked = viewer->input(text("2"));
     looked->setActivated(false);
     blur->setSelected(true);
-    EXPECT_FALSE(itemOf(blur)->input(QStringLiteral("2"))->hasMark(OssNgEdge::Activated));
+    EXPECT_FALSE(itemOf(blur)->input(text("2"))->hasMark(OssNgEdge::Activated));
     EXPECT_FALSE(looked->hasMark(OssNgEdge::Activated));
     m_network->viewerNode()->setSelected(true);
     EXPECT_TRUE(looked->hasMark(OssNgEdge::Activated));
@@ -287,8 +277,8 @@ TEST_F(ItemsTest, coloursOfATypeReachItsItems)
     OssSnBaseNode *node = addAt("Filter/Blur", {0, 0});
     OssSnNodeGraphViewContext *context = contextOf(node);
     const QColor usual = itemOf(node)->mainColor();
-    context->setNodeColorTop(QStringLiteral("1,0,0,1"));
-    context->setNodeColorBottom(QStringLiteral("0,0,1,1"));
+    context->setNodeColorTop(text("1,0,0,1"));
+    context->setNodeColorBottom(text("0,0,1,1"));
     context->copyGuiStateFrom(context);
     EXPECT_EQ(itemOf(node)->fillBrush().gradient()->stops().first().second, QColor(Qt::red));
     EXPECT_EQ(itemOf(node)->fillBrush().gradient()->stops().last().second, QColor(Qt::blue));
@@ -305,7 +295,7 @@ TEST_F(ItemsTest, goingToANodeShowsTheTabOfItsNetworkAroundIt)
     m_view->window()->show();
     OssSnBaseNode *far = addAt("Filter/Blur", {9000, 7000});
     OssSnGroupNode *group = addGroup("Around");
-    OssSnBaseNode *inside = group->groupNetwork()->createNode(QStringLiteral("Filter/Blur"));
+    OssSnBaseNode *inside = addInside(group, "Filter/Blur");
     contextOf(inside)->setNodePosition({-5000, 3000});
     const auto expectShown = [this](const OssSnBaseNode *node) {
         EXPECT_EQ(m_manager->currentView()->network(), node->network());
@@ -321,7 +311,7 @@ TEST_F(ItemsTest, goingToANodeShowsTheTabOfItsNetworkAroundIt)
     OssSnBaseNode *near = addAt("Filter/Blur", {0, 0});
     const QPointF there = middle();
     OssShaderNetwork alone;
-    OssSnBaseNode *other = alone.createNode(QStringLiteral("Filter/Blur"));
+    OssSnBaseNode *other = alone.createNode(text("Filter/Blur"));
     Q_EMIT other->gotoNode();
     show(&alone);
     Q_EMIT near->gotoNode();
@@ -347,13 +337,12 @@ TEST_F(ItemsTest, aViewerThatANodeAsksForLooksAtIt)
     Q_EMIT area->attachViewerToNode(2); // has nothing to look at
     EXPECT_EQ(undoCount(), 0);
     Q_EMIT blur->attachViewerToNode(2);
-    EXPECT_EQ(viewer->inputNode(QStringLiteral("2")), blur);
+    EXPECT_EQ(viewer->inputNode(text("2")), blur);
     EXPECT_EQ(m_network->viewerNodeCurrentEdge(), 2);
-    EXPECT_EQ(undoCount(), 1);
-    EXPECT_EQ(OssUndoManager::instance()->undoText(), QStringLiteral("Attach viewer to node"));
+    expectStep("Attach viewer to node");
     m_network->setViewerNodeCurrentEdge(1, true);
     Q_EMIT m_network->viewerNode()->attachViewerToNode(3); // looks at no viewer, itself least
-    EXPECT_EQ(viewer->inputNode(QStringLiteral("3")), nullptr);
+    EXPECT_EQ(viewer->inputNode(text("3")), nullptr);
     EXPECT_EQ(m_network->viewerNodeCurrentEdge(), 1);
 }
 

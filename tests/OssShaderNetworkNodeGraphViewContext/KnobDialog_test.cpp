@@ -1,23 +1,21 @@
 #include "GraphFixture.h"
+#include "GraphUser.h"
 #include "OssGroupNodeKnobWidget.h"
 #include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
+#include "support/InterfaceUser.h"
 
 #include <QApplication>
 #include <QDialogButtonBox>
 #include <QInputDialog>
-#include <QLineEdit>
-#include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QTest>
-#include <QTimer>
 #include <QTreeWidget>
 
 #include <functional>
 
 namespace {
 
-const QString Radius = QStringLiteral("Radius");
+const QString Radius = text("Radius");
 
 class KnobDialog : public GraphFixture
 {
@@ -30,9 +28,9 @@ protected:
         OssSnBaseNode *paint = add("Channel Input/Paint", "Painted");
         m_group = m_network->groupNodes({blur, sharpen, paint});
         m_group->createKnob(blur, Radius);
-        m_group->createKnob(blur, QStringLiteral("Quality"));
+        m_group->createKnob(blur, text("Quality"));
         m_group->createKnob(sharpen, Radius);
-        OssUndoManager::instance()->clear();
+        begin();
         m_start = m_project->stateHash();
         m_dialog = std::make_unique<OssGroupNodeKnobDialog>(m_group);
         m_dialog->show();
@@ -45,17 +43,17 @@ protected:
         GraphFixture::TearDown();
     }
 
-    QPushButton *button(const char *text) const
+    QPushButton *knobButton(const char *name) const
     {
-        const auto buttons = m_dialog->findChildren<QPushButton *>();
-        for (QPushButton *candidate : buttons) {
-            if (candidate->text() == QLatin1String(text))
-                return candidate;
-        }
-        return nullptr;
+        return button<QPushButton>(m_dialog.get(), name);
     }
 
-    void press(const char *text) const { QTest::mousePress(button(text), Qt::LeftButton); }
+    void press(const char *name) const { QTest::mousePress(knobButton(name), Qt::LeftButton); }
+
+    void expectLines(std::initializer_list<const char *> expected) const
+    {
+        EXPECT_EQ(lines().join(QLatin1Char('|')), texts(expected).join(QLatin1Char('|')));
+    }
 
     /// What to do with the modal dialogs that come, one after the other.
     void answer(const std::function<void(QDialog *)> &first,
@@ -70,7 +68,7 @@ protected:
         });
     }
 
-    static std::function<void(QDialog *)> text(const char *typed)
+    static std::function<void(QDialog *)> typing(const char *typed)
     {
         return [typed](QDialog *dialog) {
             auto *input = qobject_cast<QInputDialog *>(dialog);
@@ -110,7 +108,7 @@ protected:
     {
         QString enabled;
         for (const char *name : {"Pick", "Edit", "Link", "Delete", "Up", "Down"})
-            enabled += QLatin1Char(button(name)->isEnabled() ? name[0] : '-');
+            enabled += QLatin1Char(knobButton(name)->isEnabled() ? name[0] : '-');
         return enabled;
     }
 
@@ -122,24 +120,21 @@ protected:
 
 TEST_F(KnobDialog, treeAndButtonsFollowTheSelection)
 {
-    EXPECT_EQ(lines(),
-              QStringList({QStringLiteral("Blur:"), QStringLiteral("Radius { Blur.Radius }"),
-                           QStringLiteral("Quality { Blur.Quality }"), QStringLiteral("Sharpen:"),
-                           QStringLiteral("Radius { Sharpen.Radius }")}));
-    EXPECT_TRUE(logHas(QStringLiteral(
-        "[ -- ] Group node attributes : 'Blur/Radius, Blur/Quality, Sharpen/Radius_2'")));
+    expectLines({"Blur:", "Radius { Blur.Radius }", "Quality { Blur.Quality }",
+                 "Sharpen:", "Radius { Sharpen.Radius }"});
+    expectLogged("[ -- ] Group node attributes : 'Blur/Radius, Blur/Quality, Sharpen/Radius_2'");
     EXPECT_EQ(item("Radius")->data(0, Qt::UserRole + 4).toString(), Radius);
-    EXPECT_EQ(enabledButtons(), QStringLiteral("P-----"));
+    EXPECT_EQ(enabledButtons(), text("P-----"));
     select({item("Quality")});
-    EXPECT_EQ(enabledButtons(), QStringLiteral("PELDUD"));
+    EXPECT_EQ(enabledButtons(), text("PELDUD"));
     select({item("Quality"), item("Radius")});
-    EXPECT_EQ(enabledButtons(), QStringLiteral("P-LD--"));
+    EXPECT_EQ(enabledButtons(), text("P-LD--"));
     select({item("Blur")});
-    EXPECT_EQ(enabledButtons(), QStringLiteral("P--DUD"));
-    m_group->groupNetwork()->removeNodes({m_group->groupNetwork()->node(QStringLiteral("Blur"))});
+    EXPECT_EQ(enabledButtons(), text("P--DUD"));
+    m_group->groupNetwork()->removeNodes({m_group->groupNetwork()->node(text("Blur"))});
     OssGroupNodeKnobDialog again(m_group);
     EXPECT_EQ(again.findChild<QTreeWidget *>()->topLevelItem(0)->child(0)->text(0),
-              QStringLiteral("Radius { Blur.Radius (broken) }"));
+              text("Radius { Blur.Radius (broken) }"));
     const auto tip = [&](int section) {
         return again.findChild<QTreeWidget *>()->topLevelItem(section)->child(0)->toolTip(0);
     };
@@ -158,42 +153,37 @@ TEST_F(KnobDialog, linkingAsksForAGoodNameAndMakesOneKnob)
     select({item("Quality"), item("Radius")});
     answer(readBox);
     press("Link");
-    EXPECT_EQ(said, QStringLiteral("Cannot link knobs of differing types."));
+    EXPECT_EQ(said, text("Cannot link knobs of differing types."));
     select({item("Quality")});
     answer(readBox);
     press("Link");
-    EXPECT_EQ(said, QStringLiteral("More than one knob needs to be selected in order to link."));
+    EXPECT_EQ(said, text("More than one knob needs to be selected in order to link."));
     EXPECT_EQ(undoCount(), 0);
 
     QString reopened;
     select({item("Radius"), item("Sharpen")->child(0)});
-    answer(text("two words"), [&](QDialog *box) {
+    answer(typing("two words"), [&](QDialog *box) {
         said = qobject_cast<QMessageBox *>(box)->text();
         answer([&](QDialog *input) {
             reopened = qobject_cast<QInputDialog *>(input)->textValue();
             answer([&](QDialog *second) {
                 EXPECT_EQ(qobject_cast<QMessageBox *>(second)->text(),
-                          QStringLiteral("There is a node attribute of the same name. The new "
-                                         "knob name must be unique."));
-                answer(text("Softness"));
+                          text("There is a node attribute of the same name. The new "
+                               "knob name must be unique."));
+                answer(typing("Softness"));
                 second->accept();
             });
-            text("Radius")(input);
+            typing("Radius")(input);
         });
         box->accept();
     });
     press("Link");
-    EXPECT_EQ(said,
-              QStringLiteral("The new name must consist of alphabets, numbers and underscores."));
-    EXPECT_EQ(reopened, QStringLiteral("two words"));
-    EXPECT_TRUE(
-        logHas(QStringLiteral("There already is an user attribute with the same name : Radius")));
-    EXPECT_EQ(lines(), QStringList({QStringLiteral("Blur:"),
-                                    QStringLiteral("Softness { Blur.Radius, Sharpen.Radius }"),
-                                    QStringLiteral("Quality { Blur.Quality }")}));
+    EXPECT_EQ(said, text("The new name must consist of alphabets, numbers and underscores."));
+    EXPECT_EQ(reopened, text("two words"));
+    expectLogged("There already is an user attribute with the same name : Radius");
+    expectLines({"Blur:", "Softness { Blur.Radius, Sharpen.Radius }", "Quality { Blur.Quality }"});
     EXPECT_EQ(m_tree->currentItem(), item("Softness"));
-    EXPECT_EQ(undoCount(), 1);
-    EXPECT_EQ(OssUndoManager::instance()->undoText(), QStringLiteral("Link Knobs: Softness"));
+    expectStep("Link Knobs: Softness");
     expectUndoIsExact(m_start);
 }
 
@@ -203,16 +193,14 @@ TEST_F(KnobDialog, knobsAreRenamedDeletedAndMovedWithinTheirSection)
     QString title;
     answer([&title](QDialog *dialog) {
         title = dialog->windowTitle();
-        text("Grain <1>")(dialog);
+        typing("Grain <1>")(dialog);
     });
     press("Edit");
-    EXPECT_EQ(title, QStringLiteral("Knob linked to \"Blur.Quality\""));
-    EXPECT_EQ(m_group->userAttribute(QStringLiteral("Quality")).prettyName(),
-              QStringLiteral("Grain <1>"));
+    EXPECT_EQ(title, text("Knob linked to \"Blur.Quality\""));
+    EXPECT_EQ(m_group->userAttribute(text("Quality")).prettyName(), text("Grain <1>"));
     EXPECT_EQ(m_tree->currentItem(), item("Grain"));
     press("Up");
-    EXPECT_EQ(lines().mid(1, 2), QStringList({QStringLiteral("Grain <1> { Blur.Quality }"),
-                                              QStringLiteral("Radius { Blur.Radius }")}));
+    EXPECT_EQ(lines().mid(1, 2), texts({"Grain <1> { Blur.Quality }", "Radius { Blur.Radius }"}));
     press("Up"); // a knob does not leave its section
     EXPECT_EQ(undoCount(), 2);
     select({item("Sharpen")->child(0)});
@@ -221,14 +209,13 @@ TEST_F(KnobDialog, knobsAreRenamedDeletedAndMovedWithinTheirSection)
     EXPECT_EQ(undoCount(), 2);
     select({item("Sharpen")});
     press("Up");
-    EXPECT_EQ(lines().first(), QStringLiteral("Sharpen:"));
-    EXPECT_EQ(m_tree->currentItem()->text(0), QStringLiteral("Sharpen"));
+    EXPECT_EQ(lines().first(), text("Sharpen:"));
+    EXPECT_EQ(m_tree->currentItem()->text(0), text("Sharpen"));
     press("Down");
-    EXPECT_EQ(lines().first(), QStringLiteral("Blur:"));
+    EXPECT_EQ(lines().first(), text("Blur:"));
     select({item("Blur")});
     press("Delete");
-    EXPECT_EQ(lines(), QStringList({QStringLiteral("Sharpen:"),
-                                    QStringLiteral("Radius { Sharpen.Radius }")}));
+    expectLines({"Sharpen:", "Radius { Sharpen.Radius }"});
     EXPECT_EQ(undoCount(), 5);
     expectUndoIsExact(m_start);
 }
@@ -265,15 +252,11 @@ TEST_F(KnobDialog, pickedAttributesBecomeKnobsInOneStepAndSearchWraps)
         dialog->accept();
     });
     press("Pick");
-    EXPECT_EQ(offered, QStringList({QStringLiteral("Blur"), QStringLiteral("Sharpen")}));
+    EXPECT_EQ(offered, texts({"Blur", "Sharpen"}));
     ASSERT_EQ(found.size(), 5);
-    EXPECT_EQ(found.at(0), QStringLiteral("Amount"));
-    EXPECT_EQ(found.at(1), Radius);
-    EXPECT_EQ(found.at(2), Radius);
-    EXPECT_EQ(found.at(3), Radius);
-    EXPECT_TRUE(m_group->isKnob(QStringLiteral("Amount")));
-    EXPECT_EQ(undoCount(), 1);
-    EXPECT_EQ(OssUndoManager::instance()->undoText(), QStringLiteral("Creating Knobs"));
+    EXPECT_EQ(found.mid(0, 4), texts({"Amount", "Radius", "Radius", "Radius"}));
+    EXPECT_TRUE(m_group->isKnob(text("Amount")));
+    expectStep("Creating Knobs");
     expectUndoIsExact(m_start);
 }
 
@@ -281,18 +264,18 @@ TEST_F(KnobDialog, exposingMakesKnobsOfAllAttributesInOneStep)
 {
     OssShaderNetwork *inside = m_group->groupNetwork();
     const QString qualityBefore = m_group->nodeAttributes().join(QLatin1Char(','));
-    inside->node(QStringLiteral("Sharpen"))->setSelected(true);
+    inside->node(text("Sharpen"))->setSelected(true);
     auto *context = contextOf(m_group);
     QMetaObject::invokeMethod(context, "showGroupNodeTab");
     m_manager->currentView()->exposeNodeProperties();
     m_manager->nodeGraphWidget()->setCurrentIndex(0);
-    EXPECT_TRUE(m_group->isKnob(QStringLiteral("Amount")));
+    EXPECT_TRUE(m_group->isKnob(text("Amount")));
     EXPECT_EQ(m_group->nodeAttributes().size(), 4); // the radius was one already
     EXPECT_EQ(undoCount(), 1);
     m_view->exposeNodeProperties(); // at the root there is nothing to expose to
     EXPECT_EQ(undoCount(), 1);
-    inside->node(QStringLiteral("Sharpen"))->setSelected(false);
-    OssUndoManager::instance()->undo();
+    inside->node(text("Sharpen"))->setSelected(false);
+    undo();
     EXPECT_EQ(m_group->nodeAttributes().join(QLatin1Char(',')), qualityBefore);
 }
 
@@ -301,9 +284,7 @@ TEST_F(KnobDialog, theMenuPrintsKnobsAndRemovesBrokenLinks)
     // Opens the menu, says which entries can be chosen, and chooses one.
     const auto menu = [this](const char *wanted) {
         QStringList enabled;
-        QTimer::singleShot(0, m_tree, [&enabled, wanted] {
-            auto *popup = qobject_cast<QMenu *>(QApplication::activePopupWidget());
-            ASSERT_NE(popup, nullptr);
+        whenMenuOpens([&enabled, wanted](QMenu *popup) {
             QAction *chosen = nullptr;
             const QList<QAction *> actions = popup->actions();
             for (QAction *action : actions) {
@@ -318,25 +299,23 @@ TEST_F(KnobDialog, theMenuPrintsKnobsAndRemovesBrokenLinks)
         Q_EMIT m_tree->customContextMenuRequested({5, 5});
         return enabled;
     };
-    const QString print = QStringLiteral("Print Info");
-    const QString removal = QStringLiteral("Remove Broken Links");
+    const QString print = text("Print Info");
+    const QString removal = text("Remove Broken Links");
     OssShaderNetwork *inside = m_group->groupNetwork();
     EXPECT_EQ(menu(""), QStringList());
     select({item("Blur")});
     EXPECT_EQ(menu(""), QStringList());
     select({item("Quality")});
     EXPECT_EQ(menu("Print Info"), QStringList{print});
-    EXPECT_TRUE(
-        logHas(QStringLiteral("[ -- ] Selected: this.'Quality' ('Quality') --> 'Blur'.'Quality'")));
-    inside->removeNodes({inside->node(QStringLiteral("Blur"))});
+    expectLogged("[ -- ] Selected: this.'Quality' ('Quality') --> 'Blur'.'Quality'");
+    inside->removeNodes({inside->node(text("Blur"))});
     OssUndoManager::instance()->clear();
     const QByteArray before = m_project->stateHash();
     EXPECT_EQ(menu(""), QStringList({removal, print}));
     EXPECT_EQ(lines().size(), 5);
     EXPECT_EQ(m_project->stateHash(), before);
     menu("Remove Broken Links");
-    EXPECT_EQ(lines(), QStringList({QStringLiteral("Sharpen:"),
-                                    QStringLiteral("Radius { Sharpen.Radius }")}));
+    expectLines({"Sharpen:", "Radius { Sharpen.Radius }"});
     EXPECT_EQ(undoCount(), 1);
     expectUndoIsExact(before);
 }
@@ -347,7 +326,8 @@ TEST_F(KnobDialog, whatIsCancelledOrLeftAsItWasChangesNothing)
         dialog->reject();
     };
     select({item("Quality")});
-    for (const auto &given : {std::function<void(QDialog *)>(cancel), text("Quality"), text("")}) {
+    for (const auto &given :
+         {std::function<void(QDialog *)>(cancel), typing("Quality"), typing("")}) {
         answer(given);
         press("Edit");
     }
@@ -369,8 +349,7 @@ TEST_F(KnobDialog, whatIsCancelledOrLeftAsItWasChangesNothing)
     press("Down");
     select({item("Blur")});
     press("Up");
-    EXPECT_EQ(undoCount(), 0);
-    EXPECT_EQ(m_project->stateHash(), m_start);
+    expectNothingDone();
     EXPECT_EQ(lines().size(), 5);
 }
 
@@ -384,8 +363,7 @@ TEST_F(KnobDialog, nothingIsDoneToAGroupThatIsGone)
     Q_EMIT m_tree->customContextMenuRequested({5, 5});
     OssGroupNodeKnobDialog without(nullptr);
     EXPECT_EQ(without.findChild<QTreeWidget *>()->topLevelItemCount(), 0);
-    m_project = OssProjectManager::instance()->newProject(QStringLiteral("Next"));
-    m_network = m_project->shadingGroups().first()->network();
+    replaceProject();
 }
 
 TEST_F(KnobDialog, dialogClosesWithItsGroup)
@@ -395,8 +373,7 @@ TEST_F(KnobDialog, dialogClosesWithItsGroup)
     EXPECT_FALSE(m_dialog->isVisible());
     press("Delete");
     press("Up");
-    m_project = OssProjectManager::instance()->newProject(QStringLiteral("Next"));
-    m_network = m_project->shadingGroups().first()->network();
+    replaceProject();
 }
 
 } // namespace

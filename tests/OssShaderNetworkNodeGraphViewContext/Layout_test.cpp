@@ -1,7 +1,6 @@
 #include "GraphFixture.h"
 #include "Layout/ColumnLayout.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
-#include "OssNodeGraph/Items/OssNgBackdropNode.h"
 
 #include <random>
 
@@ -17,6 +16,11 @@ Node box(const QSizeF &size, const QVector<int> &sources = {}, const QPointF &po
     for (const int source : sources)
         node.inputs.append({source, 0.0, false});
     return node;
+}
+
+Node usual(const QVector<int> &sources = {}, const QPointF &position = {})
+{
+    return box({100, 50}, sources, position);
 }
 
 /// A graph without loops: what a node takes from has a higher index.
@@ -42,10 +46,25 @@ std::vector<Node> randomGraph(int count, std::mt19937 *random)
     return nodes;
 }
 
+ColumnLayout laidOut(const std::vector<Node> &nodes, const QVector<int> &starts = {0},
+                     const QVector<int> &ignored = {})
+{
+    ColumnLayout layout(nodes);
+    layout.layOut(starts, ignored);
+    return layout;
+}
+
+bool moves(const ColumnLayout &layout, int node)
+{
+    const QVector<ColumnLayout::Move> &all = layout.moves();
+    return std::any_of(all.cbegin(), all.cend(),
+                       [node](const ColumnLayout::Move &move) { return move.node == node; });
+}
+
 TEST(ColumnLayout, aChainRunsLeftFromItsRootAndTheRootStays)
 {
-    ColumnLayout layout({box({100, 50}, {1}, {500, 300}), box({80, 40}, {2}), box({60, 70})});
-    layout.layOut({0}, {});
+    const ColumnLayout layout = laidOut(
+        {usual({1}, {500, 300}), box({80, 40}, {2}), box({60, 70})});
     EXPECT_EQ(layout.rect(0).topLeft(), QPointF(500, 300));
     EXPECT_EQ(layout.rect(1).topLeft(), QPointF(500 - 150 - 80, 300));
     EXPECT_EQ(layout.rect(2).topLeft(), QPointF(500 - 150 - 80 - 150 - 60, 300));
@@ -54,9 +73,8 @@ TEST(ColumnLayout, aChainRunsLeftFromItsRootAndTheRootStays)
 TEST(ColumnLayout, aNodeStandsInTheDeepestColumnInTheMiddleOfItsWidth)
 {
     // 3 feeds the root directly and through 1 and 2.
-    ColumnLayout layout(
-        {box({100, 50}, {3, 1}), box({200, 50}, {2}), box({40, 50}, {3}), box({90, 50})});
-    layout.layOut({0}, {});
+    const ColumnLayout layout = laidOut(
+        {usual({3, 1}), box({200, 50}, {2}), box({40, 50}, {3}), box({90, 50})});
     EXPECT_LT(layout.rect(3).right(), layout.rect(2).left());
     EXPECT_LT(layout.rect(2).right(), layout.rect(1).left());
     EXPECT_EQ(layout.rect(1).right() + 150.0, layout.rect(0).left());
@@ -73,8 +91,7 @@ TEST(ColumnLayout, baseStreamsRunLevelAndWhatLiesOverThemHangsBelow)
         node.inputs[0].portY = 60.0;
         node.inputs[1].base = true;
     }
-    ColumnLayout layout(nodes);
-    layout.layOut({0}, {});
+    const ColumnLayout layout = laidOut(nodes);
     EXPECT_EQ(layout.rect(1).top(), 0.0);
     EXPECT_EQ(layout.rect(2).top(), 0.0);
     EXPECT_EQ(layout.rect(3).top(), layout.rect(1).bottom() + 60.0);
@@ -83,38 +100,31 @@ TEST(ColumnLayout, baseStreamsRunLevelAndWhatLiesOverThemHangsBelow)
 
 TEST(ColumnLayout, aColumnInTheWayGoesLeftWithAllThatFollow)
 {
-    std::vector<Node> nodes{box({100, 50}, {1}), box({100, 50}, {2}), box({100, 50}),
-                            box({60, 60}, {}, {-220, 20})};
-    ColumnLayout layout(nodes);
-    layout.layOut({0}, {});
+    std::vector<Node> nodes{usual({1}), usual({2}), usual(), box({60, 60}, {}, {-220, 20})};
+    const ColumnLayout layout = laidOut(nodes);
     EXPECT_EQ(layout.rect(1).right(), -220.0 - 75.0);
     EXPECT_EQ(layout.rect(2).right(), layout.rect(1).left() - 150.0);
     EXPECT_EQ(layout.rect(3).topLeft(), QPointF(-220, 20));
-    ColumnLayout behind(nodes);
-    behind.layOut({0}, {3}); // a backdrop lies behind and is in nobody's way
+    // A backdrop lies behind and is in nobody's way.
+    const ColumnLayout behind = laidOut(nodes, {0}, {3});
     EXPECT_EQ(behind.rect(1).right(), -150.0);
 }
 
 TEST(ColumnLayout, loopsEndAndNodesWithoutItemsTakeNoRoom)
 {
-    std::vector<Node> nodes{box({100, 50}, {1}), box({100, 50}, {2}), box({100, 50}, {1, 0, 3}),
-                            box({100, 50})};
+    std::vector<Node> nodes{usual({1}), usual({2}), usual({1, 0, 3}), usual()};
     nodes[1].hasItem = false;
-    ColumnLayout layout(nodes);
-    layout.layOut({0, 2}, {});
+    const ColumnLayout layout = laidOut(nodes, {0, 2});
     EXPECT_EQ(layout.rect(0).topLeft(), QPointF());
-    for (const ColumnLayout::Move &move : layout.moves())
-        EXPECT_NE(move.node, 1);
+    EXPECT_FALSE(moves(layout, 1));
 }
 
 TEST(ColumnLayout, startsThatFeedOtherStartsOrComeTwiceStartNothing)
 {
-    const std::vector<Node> nodes{box({100, 50}, {1}, {500, 300}), box({80, 40}, {2}, {900, 0}),
+    const std::vector<Node> nodes{usual({1}, {500, 300}), box({80, 40}, {2}, {900, 0}),
                                   box({60, 70}, {}, {700, 100})};
-    ColumnLayout alone(nodes);
-    alone.layOut({0}, {});
-    ColumnLayout all(nodes);
-    all.layOut({2, 1, 0, 0}, {});
+    const ColumnLayout alone = laidOut(nodes);
+    const ColumnLayout all = laidOut(nodes, {2, 1, 0, 0});
     ASSERT_EQ(all.moves().size(), alone.moves().size());
     for (int i = 0; i < 3; ++i)
         EXPECT_EQ(all.rect(i), alone.rect(i)) << i;
@@ -122,22 +132,19 @@ TEST(ColumnLayout, startsThatFeedOtherStartsOrComeTwiceStartNothing)
 
 TEST(ColumnLayout, whatHasNoItemIsNeitherInTheWayNorHoldsARow)
 {
-    std::vector<Node> nodes{box({100, 50}, {1}), box({100, 50}, {2}, {0, 900}), box({100, 50}),
+    std::vector<Node> nodes{usual({1}), usual({2}, {0, 900}), usual(),
                             box({60, 60}, {}, {-380, 20})};
     nodes[1].hasItem = false;
     nodes[3].hasItem = false;
-    ColumnLayout layout(nodes);
-    layout.layOut({0}, {});
+    const ColumnLayout layout = laidOut(nodes);
     EXPECT_EQ(layout.rect(2).top(), 0.0) << "not at the height of what has none";
     EXPECT_EQ(layout.rect(2).right(), -300.0) << "an empty column between two gaps";
-    for (const ColumnLayout::Move &move : layout.moves())
-        EXPECT_NE(move.node, 1);
+    EXPECT_FALSE(moves(layout, 1));
 }
 
 TEST(ColumnLayout, aSourceThatFeedsANodeTwiceStandsInTheRowOfItsFirstInput)
 {
-    ColumnLayout layout({box({100, 50}, {1, 2, 1}), box({100, 50}), box({100, 50})});
-    layout.layOut({0}, {});
+    const ColumnLayout layout = laidOut({usual({1, 2, 1}), usual(), usual()});
     EXPECT_EQ(layout.rect(1).top(), 0.0);
     EXPECT_GT(layout.rect(2).top(), layout.rect(1).bottom());
     EXPECT_EQ(layout.moves().size(), 3);
@@ -145,22 +152,18 @@ TEST(ColumnLayout, aSourceThatFeedsANodeTwiceStandsInTheRowOfItsFirstInput)
 
 TEST(ColumnLayout, ofSeveralThingsInTheWayTheFurthestCounts)
 {
-    ColumnLayout layout({box({100, 50}, {1}), box({100, 50}), box({60, 60}, {}, {-240, 0}),
-                         box({20, 20}, {}, {-170, 20})});
-    layout.layOut({0}, {});
+    const ColumnLayout layout = laidOut(
+        {usual({1}), usual(), box({60, 60}, {}, {-240, 0}), box({20, 20}, {}, {-170, 20})});
     EXPECT_EQ(layout.rect(1).right(), -240.0 - 75.0);
 }
 
 TEST(ColumnLayout, aColumnThatGoesLeftTakesNoNodesWithoutItemsAlong)
 {
-    std::vector<Node> nodes{box({100, 50}, {1, 2}), box({100, 50}), box({100, 50}),
-                            box({60, 60}, {}, {-220, 0})};
+    std::vector<Node> nodes{usual({1, 2}), usual(), usual(), box({60, 60}, {}, {-220, 0})};
     nodes[1].hasItem = false;
-    ColumnLayout layout(nodes);
-    layout.layOut({0}, {});
+    const ColumnLayout layout = laidOut(nodes);
     EXPECT_EQ(layout.rect(2).right(), -220.0 - 75.0);
-    for (const ColumnLayout::Move &move : layout.moves())
-        EXPECT_NE(move.node, 1);
+    EXPECT_FALSE(moves(layout, 1));
 }
 
 TEST(ColumnLayout, randomGraphsComeOutReadableAndAlwaysTheSame)
@@ -179,10 +182,8 @@ TEST(ColumnLayout, randomGraphsComeOutReadableAndAlwaysTheSame)
             if (!fed.at(i))
                 starts.append(i);
         }
-        ColumnLayout layout(nodes);
-        layout.layOut(starts, {});
-        ColumnLayout again(nodes);
-        again.layOut(starts, {});
+        const ColumnLayout layout = laidOut(nodes, starts);
+        const ColumnLayout again = laidOut(nodes, starts);
         QSet<int> placed;
         for (const ColumnLayout::Move &move : layout.moves()) {
             if (!move.shift) {
@@ -210,7 +211,12 @@ TEST(ColumnLayout, randomGraphsComeOutReadableAndAlwaysTheSame)
 }
 
 class AutoplaceTest : public GraphFixture
-{};
+{
+protected:
+    static QRectF rectOf(const OssSnBaseNode *node) { return itemOf(node)->sceneBoundingRect(); }
+
+    static QPointF placeOf(const OssSnBaseNode *node) { return itemOf(node)->pos(); }
+};
 
 TEST_F(AutoplaceTest, selectionOrAllLeavesAreLaidOutInOneStep)
 {
@@ -223,21 +229,20 @@ TEST_F(AutoplaceTest, selectionOrAllLeavesAreLaidOutInOneStep)
     OssUndoManager::instance()->clear();
     merge->setSelected(true);
     m_manager->beautifyNodesLayout();
-    EXPECT_EQ(undoCount(), 1);
-    EXPECT_EQ(OssUndoManager::instance()->undoText(), QStringLiteral("Layout Nodes"));
-    EXPECT_EQ(itemOf(merge)->pos(), QPointF(800, 400));
-    EXPECT_EQ(itemOf(base)->pos().y(), 400.0);
-    EXPECT_EQ(itemOf(base)->sceneBoundingRect().right() + 150.0, 800.0);
-    EXPECT_EQ(itemOf(over)->pos().x(), itemOf(base)->pos().x());
-    EXPECT_GE(itemOf(over)->pos().y(), itemOf(base)->sceneBoundingRect().bottom() + 60.0);
-    EXPECT_EQ(itemOf(apart)->pos(), QPointF(2000, 2000));
-    OssUndoManager::instance()->undo();
-    EXPECT_EQ(itemOf(base)->pos(), QPointF(810, 410));
-    EXPECT_EQ(itemOf(over)->pos(), QPointF(100, 900));
+    expectStep("Layout Nodes");
+    EXPECT_EQ(placeOf(merge), QPointF(800, 400));
+    EXPECT_EQ(placeOf(base).y(), 400.0);
+    EXPECT_EQ(rectOf(base).right() + 150.0, 800.0);
+    EXPECT_EQ(placeOf(over).x(), placeOf(base).x());
+    EXPECT_GE(placeOf(over).y(), rectOf(base).bottom() + 60.0);
+    EXPECT_EQ(placeOf(apart), QPointF(2000, 2000));
+    undo();
+    EXPECT_EQ(placeOf(base), QPointF(810, 410));
+    EXPECT_EQ(placeOf(over), QPointF(100, 900));
     merge->setSelected(false);
     OssUndoManager::instance()->clear();
     m_manager->beautifyNodesLayout(m_network);
-    EXPECT_EQ(itemOf(base)->sceneBoundingRect().right() + 150.0, 800.0);
+    EXPECT_EQ(rectOf(base).right() + 150.0, 800.0);
     m_manager->beautifyNodesLayout(m_network, QList<OssSnBaseNode *>{nullptr});
     EXPECT_EQ(undoCount(), 1);
 }
@@ -248,15 +253,14 @@ TEST_F(AutoplaceTest, viewersDoNotKeepANodeFromBeingALeafAndToViewIsNotFollowed)
     OssSnBaseNode *blur = addAt("Filter/Blur", {-40, 30});
     wire(color, blur);
     OssSnBaseNode *viewer = m_network->viewerNode();
-    ASSERT_TRUE(viewer->setInputNode(QStringLiteral("1"), blur, blur->prefferedOutputPoint()));
-    ASSERT_TRUE(
-        viewer->setInputNode(QStringLiteral("ToView"), color, color->prefferedOutputPoint()));
+    ASSERT_TRUE(viewer->setInputNode(text("1"), blur, blur->prefferedOutputPoint()));
+    ASSERT_TRUE(viewer->setInputNode(text("ToView"), color, color->prefferedOutputPoint()));
     const QPointF viewerPlace(900, 0);
     contextOf(viewer)->setNodePosition(viewerPlace);
     m_manager->beautifyNodesLayout(m_network);
-    EXPECT_EQ(itemOf(viewer)->pos(), viewerPlace);
-    EXPECT_EQ(itemOf(blur)->pos(), QPointF(-40, 30));
-    EXPECT_EQ(itemOf(color)->sceneBoundingRect().right() + 150.0, -40.0);
+    EXPECT_EQ(placeOf(viewer), viewerPlace);
+    EXPECT_EQ(placeOf(blur), QPointF(-40, 30));
+    EXPECT_EQ(rectOf(color).right() + 150.0, -40.0);
 }
 
 TEST_F(AutoplaceTest, backdropsAreRefittedAroundWhatTheyHeldAndNothingIsSaidAboutNothing)
@@ -266,47 +270,47 @@ TEST_F(AutoplaceTest, backdropsAreRefittedAroundWhatTheyHeldAndNothingIsSaidAbou
     wire(color, blur);
     contextOf(m_network->viewerNode())->setNodePosition({3000, 0});
     OssSnBaseNode *area = addAt("Misc/Backdrop", {-60, -80});
-    auto *backdrop = qobject_cast<OssNgBackdropNode *>(itemOf(area));
+    auto *backdrop = backdropOf(area);
     backdrop->setRect({0, 0, 500, 500});
     OssUndoManager::instance()->clear();
     area->setSelected(true); // stands for what lies on it
     m_manager->beautifyNodesLayout(m_network);
     const qreal margin = backdrop->titleBarHeight();
-    const QRectF members = itemOf(blur)->sceneBoundingRect() | itemOf(color)->sceneBoundingRect();
+    const QRectF members = rectOf(blur) | rectOf(color);
     EXPECT_EQ(backdrop->rect().translated(backdrop->pos()),
               members.adjusted(-margin, -2 * margin, margin, margin));
     EXPECT_EQ(undoCount(), 1);
-    OssUndoManager::instance()->undo();
+    undo();
     EXPECT_EQ(backdrop->rect().translated(backdrop->pos()), QRectF(-60, -80, 500, 500));
 
     m_network->removeNodes({blur, color});
     m_manager->beautifyNodesLayout(m_network);
-    EXPECT_TRUE(logHas(QStringLiteral("[ !! ] Nothing to autoplace.")));
+    expectLogged("[ !! ] Nothing to autoplace.");
 }
 
 TEST_F(AutoplaceTest, portsOfAGroupFollowTheNodesThatStandForThem)
 {
-    auto *group = qobject_cast<OssSnGroupNode *>(add("Misc/Group"));
+    auto *group = addGroup();
     ASSERT_NE(group, nullptr);
     QList<OssSnBaseNode *> inside;
     for (const char *name : {"A", "B", "C"})
-        inside.append(group->createInput(QString::fromLatin1(name), OssSnDataKind::Color));
+        inside.append(group->createInput(text(name), OssSnDataKind::Color));
     for (int i = 0; i < 3; ++i)
         contextOf(inside.at(i))->setNodePosition({0.0, 100.0 * i});
     OssUndoManager::instance()->clear();
     itemOf(inside.first())->setPosition({0, 500});
     Q_EMIT itemOf(inside.first())->posChanged({0, 500});
-    const QStringList order{QStringLiteral("B"), QStringLiteral("C"), QStringLiteral("A")};
+    const QStringList order = texts({"B", "C", "A"});
     EXPECT_EQ(group->inputNames(), order);
     EXPECT_EQ(itemOf(group)->inputPortNames(), order);
-    OssUndoManager::instance()->undo();
-    EXPECT_EQ(group->inputNames().first(), QStringLiteral("A"));
+    undo();
+    EXPECT_EQ(group->inputNames().first(), text("A"));
     Q_EMIT OssShaderNetworkManager::instance()->arrangeGroupInputNodesByOrderRequested(
-        group->groupNetwork(), {QStringLiteral("C"), QStringLiteral("A"), QStringLiteral("B")});
-    EXPECT_LT(itemOf(inside.at(2))->pos().y(), itemOf(inside.at(0))->pos().y());
-    EXPECT_LT(itemOf(inside.at(0))->pos().y(), itemOf(inside.at(1))->pos().y());
+        group->groupNetwork(), {text("C"), text("A"), text("B")});
+    EXPECT_LT(placeOf(inside.at(2)).y(), placeOf(inside.at(0)).y());
+    EXPECT_LT(placeOf(inside.at(0)).y(), placeOf(inside.at(1)).y());
     m_manager->reorderGroupInputsByPos(nullptr);
-    EXPECT_TRUE(logHas(QStringLiteral("GroupNode is NULL")));
+    expectLogged("GroupNode is NULL");
 }
 
 TEST_F(AutoplaceTest, hiddenNodesAndTheViewerOnABackdropStayAndEmptyBackdropsToo)
@@ -318,7 +322,7 @@ TEST_F(AutoplaceTest, hiddenNodesAndTheViewerOnABackdropStayAndEmptyBackdropsToo
     contextOf(viewer)->setNodePosition({250, 200});
     wire(color, merge, "Base");
     wire(hidden, merge, "Over");
-    viewer->setInputNode(QStringLiteral("1"), color, color->prefferedOutputPoint());
+    viewer->setInputNode(text("1"), color, color->prefferedOutputPoint());
     itemOf(hidden)->setVisible(false);
     const auto areaAt = [&](const QPointF &position) {
         OssSnBaseNode *area = addAt("Misc/Backdrop", position);
@@ -330,16 +334,14 @@ TEST_F(AutoplaceTest, hiddenNodesAndTheViewerOnABackdropStayAndEmptyBackdropsToo
     area->setSelected(true);
     OssUndoManager::instance()->clear();
     m_manager->beautifyNodesLayout(m_network);
-    EXPECT_EQ(itemOf(viewer)->pos(), QPointF(250, 200)) << "it only looks";
-    EXPECT_EQ(itemOf(hidden)->pos(), QPointF(200, 300));
-    EXPECT_LT(itemOf(color)->sceneBoundingRect().right(), itemOf(merge)->x());
+    EXPECT_EQ(placeOf(viewer), QPointF(250, 200)) << "it only looks";
+    EXPECT_EQ(placeOf(hidden), QPointF(200, 300));
+    EXPECT_LT(rectOf(color).right(), itemOf(merge)->x());
     EXPECT_EQ(contextOf(empty)->nodeSize(), QSizeF(900, 900));
-    EXPECT_EQ(itemOf(empty)->pos(), QPointF(5000, 5000));
-    const QRectF shown = itemOf(merge)->sceneBoundingRect() | itemOf(color)->sceneBoundingRect()
-                         | itemOf(viewer)->sceneBoundingRect();
-    const qreal margin = qobject_cast<OssNgBackdropNode *>(itemOf(area))->titleBarHeight();
-    EXPECT_EQ(itemOf(area)->sceneBoundingRect(),
-              shown.adjusted(-margin, -2 * margin, margin, margin))
+    EXPECT_EQ(placeOf(empty), QPointF(5000, 5000));
+    const QRectF shown = rectOf(merge) | rectOf(color) | rectOf(viewer);
+    const qreal margin = backdropOf(area)->titleBarHeight();
+    EXPECT_EQ(rectOf(area), shown.adjusted(-margin, -2 * margin, margin, margin))
         << "around what is to be seen";
     itemOf(hidden)->setVisible(true);
 }
@@ -353,7 +355,7 @@ TEST_F(AutoplaceTest, backdropsAreInNobodysWay)
     OssSnBaseNode *area = addAt("Misc/Backdrop", {-350, -40});
     contextOf(area)->setNodeSize({250, 150});
     m_manager->beautifyNodesLayout(m_network, blur);
-    EXPECT_EQ(itemOf(color)->sceneBoundingRect().right(), -150.0);
+    EXPECT_EQ(rectOf(color).right(), -150.0);
 }
 
 TEST_F(AutoplaceTest, theHostAsksForAWholeNetworkForOneNodeOrForSeveral)
@@ -369,7 +371,7 @@ TEST_F(AutoplaceTest, theHostAsksForAWholeNetworkForOneNodeOrForSeveral)
         QString which;
         for (int i = 0; i < 3; ++i)
             which += QLatin1Char(itemOf(sources.at(i))->x() < 0.0 ? 'x' : '-');
-        OssUndoManager::instance()->undo();
+        undo();
         return which.toStdString();
     };
     OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
@@ -381,45 +383,41 @@ TEST_F(AutoplaceTest, theHostAsksForAWholeNetworkForOneNodeOrForSeveral)
     EXPECT_EQ(laidOut(), "x-x");
     Q_EMIT networks->beautifyNodesLayout(m_network);
     EXPECT_EQ(laidOut(), "xxx");
-    const int steps = undoCount();
-    const QByteArray before = m_project->stateHash();
+    begin();
     Q_EMIT networks->beautifyNodesLayout(m_network, static_cast<OssSnBaseNode *>(nullptr));
     Q_EMIT networks->beautifyNodesLayout(m_network, QList<OssSnBaseNode *>());
-    EXPECT_EQ(m_project->stateHash(), before);
-    EXPECT_EQ(undoCount(), steps);
+    expectNothingDone();
 }
 
 TEST_F(AutoplaceTest, portsWithoutNodesKeepTheirPlacesAndOneAloneHasNoOrder)
 {
-    auto *group = qobject_cast<OssSnGroupNode *>(add("Misc/Group"));
-    OssSnBaseNode *single = group->createInput(QStringLiteral("A"), OssSnDataKind::Color);
-    OssSnBaseNode *end = group->createOutput(QStringLiteral("Z"), OssSnDataKind::Color);
+    auto *group = addGroup();
+    OssSnBaseNode *single = group->createInput(text("A"), OssSnDataKind::Color);
+    OssSnBaseNode *end = group->createOutput(text("Z"), OssSnDataKind::Color);
     OssUndoManager::instance()->clear();
     m_manager->reorderGroupInputsByPos(group);
     m_manager->reorderGroupOutputsByPos(group);
     EXPECT_EQ(undoCount(), 0);
     EXPECT_NE(single, end);
-    OssSnBaseNode *second = group->createInput(QStringLiteral("B"), OssSnDataKind::Color);
+    OssSnBaseNode *second = group->createInput(text("B"), OssSnDataKind::Color);
     OssSnBaseNode::InputPort loose;
-    loose.name = QStringLiteral("Loose");
+    loose.name = text("Loose");
     group->addInput(loose);
-    group->reorderInputs({QStringLiteral("A"), QStringLiteral("Loose"), QStringLiteral("B")});
+    group->reorderInputs({text("A"), text("Loose"), text("B")});
     contextOf(single)->setNodePosition({0, 500});
     contextOf(second)->setNodePosition({0, 0});
     OssUndoManager::instance()->clear();
     m_manager->reorderGroupInputsByPos(group);
-    EXPECT_EQ(group->inputNames(),
-              QStringList({QStringLiteral("B"), QStringLiteral("Loose"), QStringLiteral("A")}));
+    EXPECT_EQ(group->inputNames(), texts({"B", "Loose", "A"}));
     // An order that is there already moves nothing, a name that is none or comes twice neither.
     OssUndoManager::instance()->clear();
     m_manager->arrangeGroupInputNodesByOrder(
-        group->groupNetwork(), {QStringLiteral("B"), QStringLiteral("None"), QStringLiteral("Z"),
-                                QStringLiteral("B"), QStringLiteral("A")});
+        group->groupNetwork(), {text("B"), text("None"), text("Z"), text("B"), text("A")});
     EXPECT_EQ(undoCount(), 0);
-    EXPECT_EQ(itemOf(second)->pos(), QPointF(0, 0));
-    EXPECT_EQ(itemOf(single)->pos(), QPointF(0, 500));
+    EXPECT_EQ(placeOf(second), QPointF(0, 0));
+    EXPECT_EQ(placeOf(single), QPointF(0, 500));
     m_manager->arrangeGroupInputNodesByOrder(nullptr, {});
-    EXPECT_TRUE(logHas(QStringLiteral("Network is NULL")));
+    expectLogged("Network is NULL");
 }
 
 } // namespace

@@ -13,7 +13,7 @@ protected:
     OssSnNodeGraphViewContext *load(const char *xml)
     {
         OssSnNodeGraphViewContextLoader loader;
-        const QList<OssSnBaseContext *> list = loader.load(QString::fromUtf8(xml), m_node);
+        const QList<OssSnBaseContext *> list = loader.load(text(xml), m_node);
         EXPECT_EQ(list.size(), 1);
         m_context.reset(qobject_cast<OssSnNodeGraphViewContext *>(list.first()));
         return m_context.get();
@@ -46,14 +46,14 @@ TEST_F(LoaderTest, looksAreReadFromTheDescription)
         "<Outputs><Output Name=\"Out\"><Pos>1,2,3</Pos></Output></Outputs>"
         "</Context></Contexts></D>");
     EXPECT_EQ(context->shapeType(), 7);
-    EXPECT_EQ(context->nodeColorTop(), QStringLiteral("1,0,0,1"));
-    EXPECT_EQ(context->nodeColorBottom(), QStringLiteral("0,1,0,1"));
-    EXPECT_EQ(context->pixmapPath(), QStringLiteral("a.png"));
+    EXPECT_EQ(context->nodeColorTop(), text("1,0,0,1"));
+    EXPECT_EQ(context->nodeColorBottom(), text("0,1,0,1"));
+    EXPECT_EQ(context->pixmapPath(), text("a.png"));
     EXPECT_EQ(context->pixmapOffset(), QPoint(4, -2));
-    EXPECT_TRUE(context->hasInputTag(QStringLiteral("In"), QStringLiteral("a")));
-    EXPECT_TRUE(context->hasInputTag(QStringLiteral("In"), QString()));
-    EXPECT_TRUE(context->hasInputTag(QStringLiteral("In"), QStringLiteral("b")));
-    EXPECT_EQ(context->inputNodeInitialPos().value(QStringLiteral("In")),
+    EXPECT_TRUE(context->hasInputTag(text("In"), text("a")));
+    EXPECT_TRUE(context->hasInputTag(text("In"), QString()));
+    EXPECT_TRUE(context->hasInputTag(text("In"), text("b")));
+    EXPECT_EQ(context->inputNodeInitialPos().value(text("In")),
               qMakePair(QPoint(0, 0), QPoint(5, 0)));
     EXPECT_TRUE(context->outputNodeInitialPos().isEmpty());
 }
@@ -68,12 +68,12 @@ TEST_F(LoaderTest, whatIsIncompleteOrUnknownIsPassedOver)
         "</D>");
     EXPECT_EQ(context->pixmapOffset(), QPoint());
     ASSERT_EQ(context->inputNodeInitialPos().size(), 1);
-    EXPECT_EQ(context->inputNodeInitialPos().value(QStringLiteral("In")),
+    EXPECT_EQ(context->inputNodeInitialPos().value(text("In")),
               qMakePair(QPoint(2, 0), QPoint(3, 4)));
     ASSERT_EQ(context->outputNodeInitialPos().size(), 1);
-    EXPECT_EQ(context->outputNodeInitialPos().value(QStringLiteral("Out")),
+    EXPECT_EQ(context->outputNodeInitialPos().value(text("Out")),
               qMakePair(QPoint(0, 0), QPoint(5, 6)));
-    EXPECT_FALSE(context->hasInputTag(QStringLiteral("Out"), QStringLiteral("t")));
+    EXPECT_FALSE(context->hasInputTag(text("Out"), text("t")));
 }
 
 TEST_F(LoaderTest, classesAreChosenAndLaterOnesReplaceEarlierOnes)
@@ -104,13 +104,13 @@ TEST_F(LoaderTest, factoriesAnswerToTheirNames)
          {"OssSnNodeGraphViewContext", "OssSnBakePointNodeGraphViewContext",
           "OssSnGeoChannelNodeGraphViewContext", "OssSnBaseTeleportNodeGraphViewContext",
           "OssSnGroupNodeGraphViewContext", "OssSnUINodeGraphViewContext"}) {
-        const QPointer<QObject> made = factories->create(QString::fromLatin1(name), m_node);
+        const QPointer<QObject> made = factories->create(text(name), m_node);
         ASSERT_TRUE(made) << name;
         EXPECT_EQ(made->metaObject()->className(), QByteArray(name));
         EXPECT_EQ(made->parent(), m_node);
         delete made;
     }
-    EXPECT_TRUE(factories->create(QStringLiteral("Nonsense"), m_node).isNull());
+    EXPECT_TRUE(factories->create(text("Nonsense"), m_node).isNull());
 }
 
 } // namespace

@@ -1,11 +1,8 @@
 #include "GraphFixture.h"
+#include "GraphUser.h"
 #include "OssCore/Program/OssClassFactoryManager.h"
-#include "OssInterface/Popups/OssApplication.h"
 
-#include <QApplication>
-#include <QDialog>
 #include <QMetaMethod>
-#include <QMimeData>
 #include <QtTest>
 
 #include <array>
@@ -14,6 +11,9 @@
 
 namespace {
 
+OssSnBaseNode *const NoNode = nullptr;
+QGraphicsScene *const NoScene = nullptr;
+
 /// Slots whose object lacks what they act on: a node, an item, a network, a scene, a view.
 class NothingThere : public GraphFixture
 {
@@ -21,7 +21,6 @@ protected:
     void SetUp() override
     {
         GraphFixture::SetUp();
-        m_popups = OssApplication::popupsAllowed();
         OssApplication::setPopupsAllowed(false);
         QObject::connect(&m_closer, &QTimer::timeout, [] {
             if (auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget()))
@@ -29,12 +28,6 @@ protected:
         });
         m_closer.start(5);
         m_node = addAt("Filter/Blur", {0, 0});
-    }
-
-    void TearDown() override
-    {
-        OssApplication::setPopupsAllowed(m_popups);
-        GraphFixture::TearDown();
     }
 
     using Choice = std::function<bool(const QMetaMethod &)>;
@@ -88,7 +81,6 @@ private:
         return true;
     }
 
-    bool m_popups = true;
     QTimer m_closer;
 };
 
@@ -96,17 +88,15 @@ TEST_F(NothingThere, everyCommandOfAViewWithoutNetworkIsHarmless)
 {
     const ExpectedLog possible("", ExpectedLog::Possible);
     m_node->setSelected(true);
-    OssUndoManager::instance()->clear();
-    const QByteArray before = m_project->stateHash();
-    for (OssSnBaseNode *node : {static_cast<OssSnBaseNode *>(nullptr), m_node}) {
-        for (QGraphicsScene *scene : {static_cast<QGraphicsScene *>(nullptr), m_view->scene()}) {
+    begin();
+    for (OssSnBaseNode *node : {NoNode, m_node}) {
+        for (QGraphicsScene *scene : {NoScene, m_view->scene()}) {
             OssShaderNetworkView view(nullptr);
             view.setScene(scene);
             EXPECT_GT(callSlots(&view, OssShaderNetworkView::staticMetaObject, node), 80);
-            view.importMaterial({QStringLiteral("a.oma")}, {5, 5});
-            view.importCustomProcedural({QStringLiteral("a.opc")}, {5, 5});
-            EXPECT_EQ(undoCount(), 0);
-            EXPECT_EQ(m_project->stateHash(), before);
+            view.importMaterial({text("a.oma")}, {5, 5});
+            view.importCustomProcedural({text("a.opc")}, {5, 5});
+            expectNothingDone();
         }
     }
 }
@@ -116,7 +106,7 @@ TEST_F(NothingThere, noCommandNeedsAScene)
     const ExpectedLog possible("", ExpectedLog::Possible);
     OssShaderNetworkView view(nullptr);
     view.setNetwork(m_network);
-    for (OssSnBaseNode *node : {static_cast<OssSnBaseNode *>(nullptr), m_node}) {
+    for (OssSnBaseNode *node : {NoNode, m_node}) {
         m_node->setSelected(true);
         callSlots(&view, OssShaderNetworkView::staticMetaObject, node);
     }
@@ -125,11 +115,10 @@ TEST_F(NothingThere, noCommandNeedsAScene)
 TEST_F(NothingThere, noInputNeedsASceneOrANetwork)
 {
     const ExpectedLog possible("", ExpectedLog::Possible);
-    OssUndoManager::instance()->clear();
-    const QByteArray before = m_project->stateHash();
+    begin();
     QGraphicsScene empty;
     OssNgNode stranger; // stands for no node of the model
-    for (QGraphicsScene *scene : {static_cast<QGraphicsScene *>(nullptr), &empty}) {
+    for (QGraphicsScene *scene : {NoScene, &empty}) {
         OssShaderNetworkView view(nullptr);
         view.setScene(scene);
         if (scene) {
@@ -138,12 +127,8 @@ TEST_F(NothingThere, noInputNeedsASceneOrANetwork)
         }
         const QPoint place = view.mapFromScene(QPointF(20, 8));
         QMimeData mime;
-        mime.setUrls({QUrl::fromLocalFile(QStringLiteral("notes.txt"))});
-        const Qt::DropActions actions = Qt::CopyAction;
-        QDragEnterEvent enter(place, actions, &mime, Qt::LeftButton, {});
-        QDragMoveEvent move(place, actions, &mime, Qt::LeftButton, {});
+        mime.setUrls({QUrl::fromLocalFile(text("notes.txt"))});
         QDragLeaveEvent leave;
-        QDropEvent drop(place, actions, &mime, Qt::LeftButton, {});
         QContextMenuEvent menu(QContextMenuEvent::Mouse, place, place);
         QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, place);
         QTest::mouseClick(view.viewport(), Qt::RightButton, {}, place);
@@ -153,22 +138,22 @@ TEST_F(NothingThere, noInputNeedsASceneOrANetwork)
             QTest::keyClick(&view, Qt::Key(key));
             QTest::keyClick(&view, Qt::Key(key), Qt::ControlModifier);
         }
-        for (QEvent *event : {static_cast<QEvent *>(&enter), static_cast<QEvent *>(&move),
-                              static_cast<QEvent *>(&drop), static_cast<QEvent *>(&leave)})
-            QApplication::sendEvent(view.viewport(), event);
+        const Dragged dragged{view.viewport(), &mime, place};
+        dragged.enter();
+        dragged.move();
+        dragged.drop();
+        QApplication::sendEvent(view.viewport(), &leave);
         if (!scene)
             QApplication::sendEvent(view.viewport(), &menu);
         view.viewport()->grab();
     }
-    EXPECT_EQ(undoCount(), 0);
-    EXPECT_EQ(m_project->stateHash(), before);
+    expectNothingDone();
 }
 
 TEST_F(NothingThere, theManagerPassesOverWhatIsMissing)
 {
     const ExpectedLog possible("", ExpectedLog::Possible);
-    OssUndoManager::instance()->clear();
-    const QByteArray before = m_project->stateHash();
+    begin();
     const Choice takesObjects = [](const QMetaMethod &method) {
         return method.methodSignature().contains('*');
     };
@@ -179,8 +164,7 @@ TEST_F(NothingThere, theManagerPassesOverWhatIsMissing)
               nullptr);
     OssShaderNetworkManager::instance()->setCurrentShaderNetwork(m_network);
     m_manager->onCurrentShaderNetworkChanged(m_network);
-    EXPECT_EQ(undoCount(), 0);
-    EXPECT_EQ(m_project->stateHash(), before);
+    expectNothingDone();
 }
 
 // --- contexts
@@ -200,11 +184,10 @@ std::unique_ptr<OssSnNodeGraphViewContext> makeContext(const char *type, QObject
 TEST_F(NothingThere, aContextWithoutNodeDoesNothingAndAnswersWithNothing)
 {
     const ExpectedLog possible("", ExpectedLog::Possible);
-    OssUndoManager::instance()->clear();
-    const QByteArray before = m_project->stateHash();
+    begin();
     for (const char *type : Contexts) {
         SCOPED_TRACE(type);
-        for (OssSnBaseNode *node : {static_cast<OssSnBaseNode *>(nullptr), m_node}) {
+        for (OssSnBaseNode *node : {NoNode, m_node}) {
             const auto context = makeContext(type, nullptr);
             context->initializeGui();
             EXPECT_EQ(context->guiNode(), nullptr);
@@ -213,7 +196,7 @@ TEST_F(NothingThere, aContextWithoutNodeDoesNothingAndAnswersWithNothing)
             context->applySelection(true);
             context->updateGuiEdges();
             context->updatePortVisibility();
-            context->connectInputFromGui(node, QStringLiteral("Input"), QStringLiteral("Output"));
+            context->connectInputFromGui(node, text("Input"), text("Output"));
             context->copyGuiStateFrom(nullptr);
             context->copyGuiNodeStateFrom(contextOf(m_node));
             contextOf(m_node)->copyGuiNodeStateFrom(context.get());
@@ -222,8 +205,7 @@ TEST_F(NothingThere, aContextWithoutNodeDoesNothingAndAnswersWithNothing)
             EXPECT_EQ(context->nodePosition(), QPointF());
             EXPECT_EQ(context->nodeSize(), QSizeF());
         }
-        EXPECT_EQ(undoCount(), 0);
-        EXPECT_EQ(m_project->stateHash(), before);
+        expectNothingDone();
     }
 }
 
@@ -249,14 +231,10 @@ TEST_F(NothingThere, aContextOfARemovedNodeAndOneOfAnotherKindAreHarmless)
 
 TEST_F(NothingThere, noRequestForAPlaceMovesAnythingWithoutAView)
 {
-    QTabWidget *widget = m_manager->nodeGraphWidget();
-    QWidget other;
-    widget->addTab(&other, QStringLiteral("other"));
-    widget->setCurrentWidget(&other);
+    const OtherPage other;
     OssSnBaseNode *backdrop = addAt("Misc/Backdrop", {500, 300});
     OssSnBaseNode *node = addAt("Filter/Blur", {550, 350});
-    OssUndoManager::instance()->clear();
-    const QByteArray before = m_project->stateHash();
+    begin();
     const Choice asksView = [](const QMetaMethod &method) {
         static const QList<QByteArray> names{"onSetLayout",      "onNodePositioned", "onNodeSynced",
                                              "onUniformarise",   "placeNode",        "onContainer",
@@ -269,12 +247,10 @@ TEST_F(NothingThere, noRequestForAPlaceMovesAnythingWithoutAView)
         const int called = callSlots(contextOf(asking), OssSnNodeGraphViewContext::staticMetaObject,
                                      m_node, asksView);
         EXPECT_EQ(called, asking == backdrop ? 16 : 10);
-        EXPECT_TRUE(logHas(QStringLiteral("[ !! ] Fatal error -> no view!")));
+        expectLogged("[ !! ] Fatal error -> no view!");
         EXPECT_EQ(OssDebugLog::instance()->lines().size(), called);
     }
-    EXPECT_EQ(undoCount(), 0);
-    EXPECT_EQ(m_project->stateHash(), before);
-    widget->removeTab(1);
+    expectNothingDone();
 }
 
 } // namespace

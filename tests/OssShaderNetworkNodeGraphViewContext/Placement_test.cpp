@@ -1,6 +1,5 @@
 #include "GraphFixture.h"
 #include "Layout/NodePlacement.h"
-#include "OssNodeGraph/Items/OssNgBackdropNode.h"
 
 namespace {
 
@@ -54,11 +53,10 @@ protected:
 
 TEST_F(PlacementTest, nodesAreClearOfWhatStandsInTheirOwnNetwork)
 {
-    auto *group = qobject_cast<OssSnGroupNode *>(add("Misc/Group", "Around"));
+    auto *group = addGroup("Around");
     QVector<QRectF> places;
     for (int i = 0; i < 4; ++i) { // while the network around them is shown
-        const OssSnBaseNode *node = group->groupNetwork()->createNode(QStringLiteral("Filter/Blur"),
-                                                                      {});
+        const OssSnBaseNode *node = group->groupNetwork()->createNode(text("Filter/Blur"), {});
         for (const QRectF &place : qAsConst(places))
             EXPECT_FALSE(rectOf(node).intersects(place)) << i;
         places.append(rectOf(node));
@@ -82,8 +80,7 @@ TEST_F(PlacementTest, requestsOfTheNodeMoveItsItemUndoably)
     EXPECT_EQ(rectOf(m_node).center(), rectOf(m_reference).center() + QPointF(0, 200));
     Q_EMIT m_node->nodePositionedOnTopIdented(m_reference);
     EXPECT_EQ(itemOf(m_node)->pos(), rectOf(m_reference).bottomRight() + QPointF(30, 30));
-    while (OssUndoManager::instance()->canUndo())
-        OssUndoManager::instance()->undo();
+    undoAll();
     EXPECT_EQ(itemOf(m_node)->pos(), start);
     Q_EMIT m_node->nodePositionedManual(nullptr, {1, 1});
     EXPECT_EQ(itemOf(m_node)->pos(), start);
@@ -94,7 +91,7 @@ TEST_F(PlacementTest, onlyTypeTwoAndTheFlagResolveOverlaps)
     using Type = OssSnBaseNode::NodeLayoutType;
     Q_EMIT m_node->emitSetLayout(Type::LayoutBelow, m_reference, true, false);
     const QPointF below = itemOf(m_node)->pos();
-    EXPECT_TRUE(logHas(QStringLiteral("Positioning node '/Node' wrt node '/Reference' at (0, 1)")));
+    expectLogged("Positioning node '/Node' wrt node '/Reference' at (0, 1)");
     OssSnBaseNode *blocker = addAt("Filter/Blur", below);
     Q_EMIT m_node->emitSetLayout(Type::LayoutBelow, m_reference, true, false);
     EXPECT_EQ(itemOf(m_node)->pos(), below);
@@ -137,35 +134,21 @@ TEST_F(PlacementTest, containersStandBesideAndStretch)
     contextOf(a)->setNodeSize({300, 200});
     contextOf(b)->setNodeSize({500, 200});
     Q_EMIT m_node->nodePositionedNextTo(m_reference);
-    EXPECT_TRUE(logHas(QStringLiteral("Invalid container gui node found for node 'Node'")));
+    expectLogged("Invalid container gui node found for node 'Node'");
     Q_EMIT b->nodePositionedNextTo(a);
     EXPECT_EQ(itemOf(b)->pos(), QPointF(330, 0));
     Q_EMIT a->uniformariseContainers({a, b, m_node});
     EXPECT_EQ(rectOf(a).right(), rectOf(b).right());
-    EXPECT_TRUE(logHas(QStringLiteral("About to uniformarise 3 layer stack containers")));
+    expectLogged("About to uniformarise 3 layer stack containers");
 
     m_node->setContainer(a);
-    const QByteArray before = m_project->stateHash();
-    OssUndoManager::instance()->clear();
+    begin();
     Q_EMIT m_node->nodeSyncedUnderneathNode(m_reference, true);
     EXPECT_TRUE(rectOf(a).contains(rectOf(m_node)));
-    EXPECT_TRUE(logHas(QStringLiteral("* Stretch out container node")));
-    while (OssUndoManager::instance()->canUndo())
-        OssUndoManager::instance()->undo();
-    EXPECT_EQ(m_project->stateHash(), before);
-}
-
-TEST_F(PlacementTest, withoutAViewNothingMoves)
-{
-    QTabWidget *widget = m_manager->nodeGraphWidget();
-    QWidget other;
-    widget->addTab(&other, QStringLiteral("other"));
-    widget->setCurrentWidget(&other);
-    const QPointF start = itemOf(m_node)->pos();
-    Q_EMIT m_node->nodePositionedManual(m_reference, {7, -9});
-    EXPECT_EQ(itemOf(m_node)->pos(), start);
-    EXPECT_TRUE(logHas(QStringLiteral("[ !! ] Fatal error -> no view!")));
-    widget->removeTab(1);
+    expectLogged("* Stretch out container node");
+    undoAll();
+    OssUndoManager::instance()->clear();
+    expectNothingDone();
 }
 
 TEST_F(PlacementTest, besideNothingANodeStaysWhereItIs)

@@ -1,14 +1,13 @@
 #include "GraphFixture.h"
+#include "GraphUser.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/Dialogs/OssNodeTypeListModel.h"
 #include "OssModel/Types/OssSnNodeType.h"
 #include "PluginUnderTest.h"
 
 #include <QAction>
-#include <QDropEvent>
 #include <QFile>
 #include <QJsonObject>
-#include <QMimeData>
 #include <QPluginLoader>
 
 namespace {
@@ -16,26 +15,25 @@ namespace {
 QString pluginFile()
 {
     return qEnvironmentVariable("OSSA_BUILD")
-           + QStringLiteral("/plugins/OssShaderNetworkNodeGraphViewContext.so");
+           + text("/plugins/OssShaderNetworkNodeGraphViewContext.so");
 }
 
 void addType(const char *key, const char *menuPath)
 {
     OssResult result;
     OssShaderNetworkManager::instance()->registerNodeType(OssSnNodeType::read(
-        QByteArray("<NodeType PathKey=\"") + key + "\" MenuPath=\"" + menuPath + "\"/>",
-        QStringLiteral("t"), &result));
+        QByteArray("<NodeType PathKey=\"") + key + "\" MenuPath=\"" + menuPath + "\"/>", text("t"),
+        &result));
 }
 
 TEST(PluginFile, metadataNameInterfaceAndClassAndNothingElse)
 {
     const QPluginLoader loader(pluginFile());
     const QJsonObject metadata = loader.metaData();
-    EXPECT_EQ(metadata.value(QStringLiteral("IID")).toString(),
-              QStringLiteral("com.halvern.ossa.pluginterface/1.0"));
-    EXPECT_EQ(metadata.value(QStringLiteral("className")).toString(),
-              QStringLiteral("OssShaderNetworkNodeGraphViewContextPlugin"));
-    EXPECT_TRUE(metadata.value(QStringLiteral("MetaData")).toObject().isEmpty());
+    EXPECT_EQ(metadata.value(text("IID")).toString(), text("com.halvern.ossa.pluginterface/1.0"));
+    EXPECT_EQ(metadata.value(text("className")).toString(),
+              text("OssShaderNetworkNodeGraphViewContextPlugin"));
+    EXPECT_TRUE(metadata.value(text("MetaData")).toObject().isEmpty());
 
     QFile file(pluginFile());
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
@@ -49,17 +47,20 @@ TEST(PluginFile, metadataNameInterfaceAndClassAndNothingElse)
 class PluginTest : public GraphFixture
 {
 protected:
-    static OssShaderNetworkNodeGraphViewContextPlugin *plugin() { return pluginUnderTest(); }
+    void SetUp() override
+    {
+        GraphFixture::SetUp();
+        ASSERT_TRUE(pluginUnderTest());
+    }
 
     static QAction *action(const char *path)
     {
-        return OssActionTreeManager::instance()->findAction(QString::fromLatin1(path));
+        return OssActionTreeManager::instance()->findAction(text(path));
     }
 };
 
 TEST_F(PluginTest, everyOfferedTypeHasOneCreationAction)
 {
-    OssShaderNetworkNodeGraphViewContextPlugin *object = plugin();
     addType("Test/Hidden", "_Hidden/Foo");
     addType("Test/Bare", "Bare");
     addType("Test/Slashes", "Filter//Soft/");
@@ -68,53 +69,46 @@ TEST_F(PluginTest, everyOfferedTypeHasOneCreationAction)
     EXPECT_EQ(action("/Ossa/NodeGraph/Create/_Hidden/Foo"), nullptr);
     ASSERT_NE(action("/Ossa/NodeGraph/Create/Bare"), nullptr);
     EXPECT_EQ(action("/Ossa/NodeGraph/Create/Filter/Soft")->data().toString(),
-              QStringLiteral("Test/Slashes"));
-    EXPECT_EQ(action("/Ossa/NodeGraph/Create/Test/Same")->data().toString(),
-              QStringLiteral("Test/A"));
+              text("Test/Slashes"));
+    EXPECT_EQ(action("/Ossa/NodeGraph/Create/Test/Same")->data().toString(), text("Test/A"));
     const int count = OssActionTreeManager::instance()->entries().size();
-    QMetaObject::invokeMethod(object, "createNodeCreationActions");
+    QMetaObject::invokeMethod(pluginUnderTest(), "createNodeCreationActions");
     EXPECT_EQ(OssActionTreeManager::instance()->entries().size(), count);
 }
 
 TEST_F(PluginTest, creationActionsMakeASelectedNodeInOneStep)
 {
-    plugin();
     contextOf(m_network->viewerNode())->setNodePosition({3000, 3000});
     OssUndoManager::instance()->clear();
     action("/Ossa/NodeGraph/Create/Filter/Blur")->trigger();
     ASSERT_EQ(undoCount(), 1);
     const QList<OssSnBaseNode *> selected = m_network->selectedNodes();
     ASSERT_EQ(selected.size(), 1);
-    EXPECT_EQ(selected.first()->pathKey(), QStringLiteral("Filter/Blur"));
+    EXPECT_EQ(selected.first()->pathKey(), text("Filter/Blur"));
     EXPECT_EQ(itemOf(selected.first())->pos(), m_view->mapToScene(m_view->creationPoint()));
     // The focus is elsewhere, which is told.
-    EXPECT_TRUE(logHas(QStringLiteral("fallback onto current nodegraph view")));
-    QMetaObject::invokeMethod(plugin(), "createNodeFromAction");
-    EXPECT_TRUE(logHas(QStringLiteral("Action is NULL")));
+    expectLogged("fallback onto current nodegraph view");
+    QMetaObject::invokeMethod(pluginUnderTest(), "createNodeFromAction");
+    expectLogged("Action is NULL");
 }
 
 TEST_F(PluginTest, droppedNodeTypesAreMadeAsFromTheMenu)
 {
     const ExpectedLog expected("fallback onto current nodegraph view 0x");
-    plugin();
     OssNodeTypeListModel types;
-    types.setSearchText(QStringLiteral("blur"));
+    types.setSearchText(text("blur"));
     const std::unique_ptr<QMimeData> mime(types.mimeData({types.index(0)}));
     OssUndoManager::instance()->clear();
-    QDragEnterEvent enter({50, 50}, Qt::CopyAction, mime.get(), Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(m_view->viewport(), &enter);
-    EXPECT_TRUE(enter.isAccepted());
-    QDropEvent drop({50, 50}, Qt::CopyAction, mime.get(), Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(m_view->viewport(), &drop);
-    EXPECT_NE(m_network->node(QStringLiteral("Blur")), nullptr);
-    EXPECT_EQ(OssUndoManager::instance()->undoText(), QStringLiteral("Create Node : Blur"));
-    EXPECT_EQ(undoCount(), 1);
+    const Dragged dragged{m_view->viewport(), mime.get(), {50, 50}};
+    EXPECT_TRUE(dragged.enter());
+    EXPECT_TRUE(dragged.drop());
+    EXPECT_NE(m_network->node(text("Blur")), nullptr);
+    expectStep("Create Node : Blur");
 }
 
 TEST_F(PluginTest, actionsReachTheView)
 {
     const ExpectedLog expected("fallback onto current nodegraph view 0x");
-    plugin();
     addAt("Filter/Blur", {0, 0});
     OssSnBaseNode *far = addAt("Filter/Blur", {5000, 5000});
     far->setSelected(true);
@@ -132,21 +126,8 @@ TEST_F(PluginTest, actionsReachTheView)
     int pickUps = 0;
     const auto entries = OssActionTreeManager::instance()->entries();
     for (const OssActionTreeManager::Entry &entry : entries)
-        pickUps += entry.path == QLatin1String("/Ossa/NodeGraph/Pick Up Edge Under Mouse") ? 1 : 0;
+        pickUps += entry.path == QLatin1String("/Ossa/NodeGraph/Pick Up Edge Under Mouse");
     EXPECT_EQ(pickUps, 2);
-}
-
-TEST_F(PluginTest, withoutAViewACommandIsALineAndNoEffect)
-{
-    const ExpectedLog expected("fallback onto current nodegraph view (nil)");
-    plugin();
-    QTabWidget *widget = m_manager->nodeGraphWidget();
-    QWidget other;
-    widget->addTab(&other, QStringLiteral("other"));
-    widget->setCurrentWidget(&other);
-    action("/Ossa/NodeGraph/Frame Nodes")->trigger();
-    EXPECT_TRUE(logHas(QStringLiteral("ShaderNetworkView is NULL")));
-    widget->removeTab(1);
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "GraphFixture.h"
+#include "GraphUser.h"
 #include "OssCore/Program/OssSettings.h"
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssInterface/Palettes/OssPaletteManager.h"
@@ -10,14 +11,11 @@
 #include "OssModel/Objects/OssChannel.h"
 #include "OssModel/Objects/OssImageSet.h"
 
-#include <QAction>
 #include <QApplication>
 #include <QLineEdit>
 #include <QScrollArea>
 #include <QSignalSpy>
 #include <QTest>
-#include <QTimer>
-#include <QVBoxLayout>
 
 namespace {
 
@@ -65,6 +63,25 @@ protected:
         return found;
     }
 
+    /// The small button of that text in the heading of a node's panel.
+    void pressInHeading(const OssSnBaseNode *node, const char *button) const
+    {
+        const auto *panel = qobject_cast<OssExpandableListWidget *>(m_widget->panel(node));
+        const auto buttons = panel->heading()->findChildren<OssMiniButton *>();
+        for (OssMiniButton *one : buttons) {
+            if (one->text() == QLatin1String(button))
+                QTest::mouseClick(one, Qt::LeftButton);
+        }
+    }
+
+    /// A number that stands in a section of the node's properties.
+    static void give(OssSnBaseNode *node, const QString &name, const char *section)
+    {
+        OssCustomAttribute attribute(name, 1.0);
+        attribute.editDefinition().group = text(section);
+        node->setUserAttribute(attribute, true);
+    }
+
     static void deleteLater()
     {
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -91,7 +108,7 @@ TEST_F(PropertiesPanel, newestStandsOnTopAndReopeningMoves)
     EXPECT_EQ(panels().size(), 2);
     EXPECT_EQ(clicked.count(), 5);
     open(nullptr);
-    EXPECT_TRUE(logHas(QStringLiteral("Node is NULL")));
+    expectLogged("Node is NULL");
 
     OssSnBaseNode *levels = add("Adjust/Levels");
     auto *networks = OssShaderNetworkManager::instance();
@@ -101,8 +118,7 @@ TEST_F(PropertiesPanel, newestStandsOnTopAndReopeningMoves)
     EXPECT_EQ(panels().first(), m_widget->panel(color));
     Q_EMIT networks->showNodePropertiesRequest(levels);
     EXPECT_EQ(panels().first(), m_widget->panel(levels));
-    EXPECT_NE(OssPaletteManager::instance()->find(QStringLiteral("node_properties_palette"), false),
-              nullptr);
+    EXPECT_NE(OssPaletteManager::instance()->find(text("node_properties_palette"), false), nullptr);
 }
 
 TEST_F(PropertiesPanel, atMostAsManyPanelsAsTheUserWantsAndPinnedOnesStay)
@@ -110,8 +126,8 @@ TEST_F(PropertiesPanel, atMostAsManyPanelsAsTheUserWantsAndPinnedOnesStay)
     setMax("2");
     {
         OssSettings settings;
-        settings.beginGroup(QStringLiteral("OssSnNodePropertiesWidget"));
-        EXPECT_EQ(settings.value(QStringLiteral("MaxPanels")).toInt(), 2);
+        settings.beginGroup(text("OssSnNodePropertiesWidget"));
+        EXPECT_EQ(settings.value(text("MaxPanels")).toInt(), 2);
     }
     QList<OssSnBaseNode *> nodes;
     for (int i = 0; i < 4; ++i)
@@ -140,15 +156,14 @@ TEST_F(PropertiesPanel, deletionUndoAndProjectCloseTakePanelsAlong)
     open(blur);
     m_network->removeNodes({blur});
     EXPECT_TRUE(panels().isEmpty());
-    OssUndoManager::instance()->undo();
+    undo();
     open(blur);
     EXPECT_EQ(panels().size(), 1);
-    OssUndoManager::instance()->undo(); // its making
+    undo(); // its making
     EXPECT_TRUE(panels().isEmpty());
     OssUndoManager::instance()->redo();
     open(blur);
-    m_project = OssProjectManager::instance()->newProject(QStringLiteral("Next"));
-    m_network = m_project->shadingGroups().first()->network();
+    replaceProject();
     EXPECT_TRUE(panels().isEmpty());
 }
 
@@ -156,7 +171,7 @@ TEST_F(PropertiesPanel, rebuildKeepsPlaceAndCollapsedSections)
 {
     OssSnBaseNode *levels = add("Adjust/Levels");
     OssSnGroupNode *group = m_network->groupNodes({levels});
-    group->createKnob(levels, QStringLiteral("InLow"));
+    group->createKnob(levels, text("InLow"));
     group->setSelected(false);
     open(group);
     open(add("Procedural/Color"));
@@ -164,18 +179,18 @@ TEST_F(PropertiesPanel, rebuildKeepsPlaceAndCollapsedSections)
     auto *section = before->findChild<OssExpandableListWidget *>();
     ASSERT_NE(section, nullptr);
     section->collapse();
-    group->createKnob(levels, QStringLiteral("Gamma"));
+    group->createKnob(levels, text("Gamma"));
     QWidget *after = m_widget->panel(group);
     EXPECT_NE(after, before);
     EXPECT_EQ(panels().indexOf(after), 1);
     auto *panel = qobject_cast<OssNodePropertyPanel *>(after);
-    EXPECT_NE(panel->row(QStringLiteral("Gamma")), nullptr);
+    EXPECT_NE(panel->row(text("Gamma")), nullptr);
     EXPECT_TRUE(after->findChild<OssExpandableListWidget *>()->isCollapsed());
-    OssUndoManager::instance()->undo();
+    undo();
     panel = qobject_cast<OssNodePropertyPanel *>(m_widget->panel(group));
-    EXPECT_EQ(panel->row(QStringLiteral("Gamma")), nullptr);
+    EXPECT_EQ(panel->row(text("Gamma")), nullptr);
 
-    OssCustomAttribute hidden(QStringLiteral("hidden"), 1.0);
+    OssCustomAttribute hidden(text("hidden"), 1.0);
     hidden.setVisible(false);
     group->setUserAttribute(hidden, true);
     EXPECT_EQ(m_widget->panel(group), panel);
@@ -192,7 +207,7 @@ TEST_F(PropertiesPanel, frameShowsTheNodesColourSelectionAndHover)
     const QBrush brush = item->fillBrush();
     const QString top =
         (brush.gradient() ? brush.gradient()->stops().first().second : brush.color()).name();
-    const QString expected = QStringLiteral(
+    const QString expected = text(
         "QFrame#%1[OssExpandableListWidget=true] {    border-top-style: solid;    "
         "border-top-width: 2px;    border-top-color: %2;    border-left-style: solid;    "
         "border-left-width: 1px;    border-left-color: %3;    border-right-style: solid;    "
@@ -201,13 +216,13 @@ TEST_F(PropertiesPanel, frameShowsTheNodesColourSelectionAndHover)
     EXPECT_EQ(panel->styleSheet(), expected.arg(panel->objectName(), top, top));
     blur->setSelected(false);
     EXPECT_EQ(panel->styleSheet(),
-              expected.arg(panel->objectName(), top, QStringLiteral("rgba(0, 0, 0, 0%)")));
+              expected.arg(panel->objectName(), top, text("rgba(0, 0, 0, 0%)")));
     item->setHovered(true);
     blur->emitNodeStateRefreshed();
-    EXPECT_TRUE(panel->styleSheet().contains(QStringLiteral(", 50%)")));
+    EXPECT_TRUE(panel->styleSheet().contains(text(", 50%)")));
     item->setHovered(false);
     {
-        const OssStatusManager::Work work(QStringLiteral("work"));
+        const OssStatusManager::Work work(text("work"));
         const QString before = panel->styleSheet();
         blur->setSelected(true);
         EXPECT_EQ(panel->styleSheet(), before);
@@ -217,21 +232,26 @@ TEST_F(PropertiesPanel, frameShowsTheNodesColourSelectionAndHover)
 
 TEST_F(PropertiesPanel, groupsHaveTheirButtonsFirst)
 {
-    auto *group = qobject_cast<OssSnGroupNode *>(add("Misc/Group"));
+    OssSnGroupNode *group = addGroup();
     open(group);
+    QStringList shown;
     const auto *panel = qobject_cast<OssExpandableListWidget *>(m_widget->panel(group));
-    QStringList texts;
     const auto buttons = panel->heading()->findChildren<OssMiniButton *>();
-    for (OssMiniButton *button : buttons) {
-        if (button->text() == QLatin1String("s"))
-            QTest::mouseClick(button, Qt::LeftButton);
-        if (!button->text().isEmpty())
-            texts.append(button->text());
-    }
-    EXPECT_EQ(texts, QStringList({QStringLiteral("p"), QStringLiteral("s")}));
+    for (const OssMiniButton *button : buttons)
+        shown.append(button->text());
+    shown.removeAll(QString());
+    EXPECT_EQ(shown, texts({"p", "s"}));
+    QString title;
+    whenOpen<QDialog>([&title](QDialog *dialog) {
+        title = dialog->windowTitle();
+        dialog->close();
+    });
+    pressInHeading(group, "p");
+    EXPECT_EQ(title, text("Group Node Knobs"));
+    pressInHeading(group, "s");
     EXPECT_EQ(m_manager->currentView()->network(), group->groupNetwork());
     // Double clicks in the group's view open panels too.
-    OssSnBaseNode *inside = group->groupNetwork()->createNode(QStringLiteral("Filter/Blur"));
+    OssSnBaseNode *inside = addInside(group, "Filter/Blur");
     Q_EMIT m_manager->currentView()->nodeDoubleClicked(inside);
     EXPECT_NE(m_widget->panel(inside), nullptr);
     m_manager->nodeGraphWidget()->setCurrentIndex(0);
@@ -273,11 +293,8 @@ TEST_F(PropertiesPanel, shadersListTheirSectionsInTheOrderOfLight)
 {
     const auto headings = [this](OssSnBaseNode *node) {
         for (const char *section :
-             {"Other", "Displacement map", "Specular", "Diffuse light", "Displacement"}) {
-            OssCustomAttribute attribute(QStringLiteral("In ") + QLatin1String(section), 1.0);
-            attribute.editDefinition().group = QLatin1String(section);
-            node->setUserAttribute(attribute, true);
-        }
+             {"Other", "Displacement map", "Specular", "Diffuse light", "Displacement"})
+            give(node, text("In ") + text(section), section);
         open(node);
         QStringList texts;
         const auto lists = m_widget->panel(node)->findChildren<OssExpandableListWidget *>();
@@ -285,10 +302,10 @@ TEST_F(PropertiesPanel, shadersListTheirSectionsInTheOrderOfLight)
             texts.append(list->heading()->text());
         return texts.join(QLatin1Char('|'));
     };
-    const QString inOrder = QStringLiteral("Diffuse light|Specular|Displacement map|Displacement|"
-                                           "Other");
-    const QString asTheyCame = QStringLiteral("Other|Displacement map|Specular|Diffuse light|"
-                                              "Displacement");
+    const QString inOrder = text("Diffuse light|Specular|Displacement map|Displacement|"
+                                 "Other");
+    const QString asTheyCame = text("Other|Displacement map|Specular|Diffuse light|"
+                                    "Displacement");
     const auto panelOf = [this](const OssSnBaseNode *node) {
         return qobject_cast<OssNodePropertyPanel *>(m_widget->panel(node));
     };
@@ -298,23 +315,18 @@ TEST_F(PropertiesPanel, shadersListTheirSectionsInTheOrderOfLight)
     EXPECT_TRUE(headings(shader).endsWith(inOrder)) << qPrintable(headings(shader));
     EXPECT_FALSE(panelOf(shader)->findChildren<QLineEdit *>().isEmpty());
     OssSnBaseNode *own = add("Shaders/Standard Surface");
-    own->addTag(QStringLiteral("_respectShaderGroupNodeAttributeOrder"));
+    own->addTag(text("_respectShaderGroupNodeAttributeOrder"));
     EXPECT_TRUE(headings(own).endsWith(asTheyCame)) << qPrintable(headings(own));
     OssSnBaseNode *stack = add("Shaders/Standard Surface");
-    stack->addTag(QStringLiteral("_stackShader"));
-    EXPECT_TRUE(headings(stack).endsWith(QStringLiteral("Displacement map|Other")))
+    stack->addTag(text("_stackShader"));
+    EXPECT_TRUE(headings(stack).endsWith(text("Displacement map|Other")))
         << qPrintable(headings(stack));
 }
 
 TEST_F(PropertiesPanel, whatWasFoldedOrUnfoldedStaysSoWhenAttributesCome)
 {
     OssSnBaseNode *shader = add("Shaders/Standard Surface");
-    const auto give = [shader](const char *name, const char *section) {
-        OssCustomAttribute attribute(QString::fromLatin1(name), 1.0);
-        attribute.editDefinition().group = QString::fromLatin1(section);
-        shader->setUserAttribute(attribute, true);
-    };
-    give("One", "Diffuse");
+    give(shader, text("One"), "Diffuse");
     open(shader);
     const auto panel = [&] {
         return qobject_cast<OssExpandableListWidget *>(m_widget->panel(shader));
@@ -330,20 +342,20 @@ TEST_F(PropertiesPanel, whatWasFoldedOrUnfoldedStaysSoWhenAttributesCome)
     ASSERT_NE(section("Diffuse"), nullptr);
     EXPECT_TRUE(section("Diffuse")->isCollapsed()) << "nothing in it was touched";
     section("Diffuse")->expand();
-    give("Two", "Specular");
+    give(shader, text("Two"), "Specular");
     deleteLater();
     ASSERT_NE(section("Specular"), nullptr);
     EXPECT_FALSE(section("Diffuse")->isCollapsed());
     EXPECT_TRUE(section("Specular")->isCollapsed()) << "a new one is as it is made";
     EXPECT_FALSE(panel()->isCollapsed());
     panel()->collapse();
-    give("Three", "Specular");
+    give(shader, text("Three"), "Specular");
     deleteLater();
     EXPECT_TRUE(panel()->isCollapsed());
-    Q_EMIT shader->nodeAttributeRenamed(QStringLiteral("Old"), QStringLiteral("None"));
+    Q_EMIT shader->nodeAttributeRenamed(text("Old"), text("None"));
     const QWidget *before = panel();
     EXPECT_EQ(panel(), before);
-    Q_EMIT shader->nodeAttributeRenamed(QStringLiteral("Old"), QStringLiteral("Three"));
+    Q_EMIT shader->nodeAttributeRenamed(text("Old"), text("Three"));
     EXPECT_NE(panel(), before);
 }
 
@@ -377,34 +389,14 @@ TEST_F(PropertiesPanel, placesBesideOthersAreThoseThatWereAskedFor)
     EXPECT_EQ(order(), "3012");
 }
 
-TEST_F(PropertiesPanel, theGroupsKnobsAreManagedFromItsPanel)
-{
-    auto *group = qobject_cast<OssSnGroupNode *>(add("Misc/Group"));
-    open(group);
-    bool seen = false;
-    QTimer::singleShot(0, [&seen] {
-        QWidget *dialog = QApplication::activeModalWidget();
-        ASSERT_NE(dialog, nullptr);
-        seen = dialog->windowTitle() == QLatin1String("Group Node Knobs");
-        dialog->close();
-    });
-    const auto *panel = qobject_cast<OssExpandableListWidget *>(m_widget->panel(group));
-    const auto buttons = panel->heading()->findChildren<OssMiniButton *>();
-    for (OssMiniButton *button : buttons) {
-        if (button->text() == QLatin1String("p"))
-            QTest::mouseClick(button, Qt::LeftButton);
-    }
-    EXPECT_TRUE(seen);
-}
-
 TEST_F(PropertiesPanel, paintsPanelKnowsWhetherAChannelDecides)
 {
     auto *paint = qobject_cast<OssSnChannelInputNode *>(add("Misc/Channel Input"));
     OssShadingGroup *group = m_project->shadingGroups().first();
-    auto *set = new OssImageSet(QStringLiteral("Color"), group); // the group owns both
+    auto *set = new OssImageSet(text("Color"), group); // the group owns both
     paint->setImageSet(set, true);
     EXPECT_FALSE(paint->isManagedByChannel());
-    set->setChannel(new OssChannel(QStringLiteral("Color"), group));
+    set->setChannel(new OssChannel(text("Color"), group));
     open(paint);
     EXPECT_TRUE(paint->isManagedByChannel());
 }

@@ -1,4 +1,5 @@
 #include "GraphFixture.h"
+#include "GraphUser.h"
 #include "OssAPI/NodeGraphPalette.h"
 #include "OssInterface/Palettes/OssPalette.h"
 #include "OssInterface/Palettes/OssPaletteManager.h"
@@ -15,11 +16,6 @@
 
 namespace {
 
-OssScriptManager *scripts()
-{
-    return OssScriptManager::instance();
-}
-
 class ScriptObjects : public GraphFixture
 {
 protected:
@@ -27,7 +23,7 @@ protected:
     {
         GraphFixture::SetUp();
         pluginUnderTest();
-        m_internal = OssPaletteManager::instance()->find(QStringLiteral("Node Graph"));
+        m_internal = OssPaletteManager::instance()->find(text("Node Graph"));
         ASSERT_NE(m_internal, nullptr);
         m_palette = OssScriptObject<Ossa::NodeGraphPalette>(m_internal);
         ASSERT_NE(m_palette, nullptr);
@@ -39,11 +35,18 @@ protected:
     /// The type and text of what the call reported, which is forgotten.
     static void expectReported(int type, const char *message)
     {
-        ExpectedLog::takePast(QString::fromUtf8(message));
+        ExpectedLog::takePast(text(message));
         EXPECT_TRUE(scripts()->hasError()) << message;
         EXPECT_EQ(int(scripts()->lastError().type), type);
-        EXPECT_EQ(scripts()->lastError().message, QString::fromUtf8(message));
+        EXPECT_EQ(scripts()->lastError().message, text(message));
         scripts()->clearError();
+    }
+
+    static OssScriptManager *scripts() { return OssScriptManager::instance(); }
+
+    static Ossa::NodeGraph *graph(OssShaderNetwork *network)
+    {
+        return OssScriptObject<Ossa::NodeGraph>(network);
     }
 
     OssPalette *m_internal = nullptr;
@@ -71,20 +74,19 @@ TEST_F(ScriptObjects, tabsAreReachedByIndexAndWrongOnesAreRefused)
 
 TEST_F(ScriptObjects, aTabIsFoundOrOpenedForAGraph)
 {
-    auto *group = qobject_cast<OssSnGroupNode *>(add("Misc/Group"));
-    auto *other = qobject_cast<OssSnGroupNode *>(add("Misc/Group"));
-    auto *inside = OssScriptObject<Ossa::NodeGraph>(group->groupNetwork());
+    auto *group = addGroup();
+    auto *other = addGroup();
+    auto *inside = graph(group->groupNetwork());
     const int index = m_palette->indexForNodeGraph(inside);
     ASSERT_EQ(index, 1);
     EXPECT_EQ(m_tabs->currentIndex(), 0) << "is not made current";
     EXPECT_EQ(m_palette->nodeGraphView(index)->nodeGraph(), inside);
     EXPECT_EQ(m_palette->indexForNodeGraph(inside), 1) << "found, not opened again";
-    EXPECT_EQ(m_palette->indexForNodeGraph(OssScriptObject<Ossa::NodeGraph>(other->groupNetwork())),
-              2);
+    EXPECT_EQ(m_palette->indexForNodeGraph(graph(other->groupNetwork())), 2);
     m_palette->closeTab(1);
     EXPECT_EQ(m_tabs->count(), 2);
     EXPECT_EQ(m_palette->indexForNodeGraph(inside), 2) << "reopened at the end";
-    EXPECT_EQ(m_palette->indexForNodeGraph(OssScriptObject<Ossa::NodeGraph>(m_network)), 0);
+    EXPECT_EQ(m_palette->indexForNodeGraph(graph(m_network)), 0);
     EXPECT_FALSE(scripts()->hasError());
     EXPECT_EQ(m_palette->indexForNodeGraph(nullptr), -1);
     expectReported(11, "Cannot obtain the Shader Network object");
@@ -133,19 +135,19 @@ TEST_F(ScriptObjects, otherObjectsAreReportedByEverySlot)
     OssPalette plain;
     plain.setBodyWidget(new QWidget);
     Ossa::NodeGraphPalette wrong(&plain);
-    const char *const text = "Cannot obtain the Node Graph widget";
+    const char *const noWidget = "Cannot obtain the Node Graph widget";
     EXPECT_EQ(wrong.currentTabIndex(), -1);
-    expectReported(11, text);
+    expectReported(11, noWidget);
     wrong.setCurrentTabIndex(-1);
-    expectReported(11, text);
+    expectReported(11, noWidget);
     wrong.closeTab(0);
-    expectReported(11, text);
+    expectReported(11, noWidget);
     EXPECT_TRUE(wrong.nodeGraphViewList().isEmpty());
-    expectReported(11, text);
+    expectReported(11, noWidget);
     EXPECT_EQ(wrong.nodeGraphView(0), nullptr);
-    expectReported(11, text);
+    expectReported(11, noWidget);
     EXPECT_EQ(wrong.indexForNodeGraph(nullptr), -1);
-    expectReported(11, text);
+    expectReported(11, noWidget);
 
     QGraphicsView foreign;
     const Ossa::NodeGraphView wrongView(&foreign);
@@ -165,8 +167,8 @@ TEST_F(ScriptObjects, otherObjectsAreReportedByEverySlot)
 TEST_F(ScriptObjects, thePaletteIsFoundInItsOwnClassAndOthersInTheGeneralOne)
 {
     const auto *application = OssScriptObject<Ossa::Application>(qApp);
-    EXPECT_EQ(application->palette(QStringLiteral("Node Graph")), m_palette);
-    const Ossa::Palette *other = application->palette(QStringLiteral("Node Properties"));
+    EXPECT_EQ(application->palette(text("Node Graph")), m_palette);
+    const Ossa::Palette *other = application->palette(text("Node Properties"));
     ASSERT_NE(other, nullptr);
     EXPECT_STREQ(other->metaObject()->className(), "Ossa::Palette");
 }
@@ -180,17 +182,16 @@ TEST_F(ScriptObjects, positionsAndSizesAreUndoable)
     EXPECT_EQ(node->position(), QPointF(120.0, -40.0));
     EXPECT_EQ(node->size(), QSizeF(500.0, 300.0));
     EXPECT_NE(m_project->stateHash(), start);
-    OssUndoManager::instance()->undo();
-    OssUndoManager::instance()->undo();
+    undo();
+    undo();
     EXPECT_EQ(m_project->stateHash(), start);
 }
 
 TEST_F(ScriptObjects, aRootTabThatWasClosedIsOpenedAgain)
 {
-    auto *root = OssScriptObject<Ossa::NodeGraph>(m_network);
-    auto *group = qobject_cast<OssSnGroupNode *>(add("Misc/Group"));
-    EXPECT_EQ(m_palette->indexForNodeGraph(OssScriptObject<Ossa::NodeGraph>(group->groupNetwork())),
-              1);
+    auto *root = graph(m_network);
+    auto *group = addGroup();
+    EXPECT_EQ(m_palette->indexForNodeGraph(graph(group->groupNetwork())), 1);
     m_palette->closeTab(0);
     EXPECT_EQ(m_tabs->count(), 1);
     m_tabs->updateRootLevelText(m_network); // the first tab is another's
@@ -202,16 +203,14 @@ TEST_F(ScriptObjects, aRootTabThatWasClosedIsOpenedAgain)
     m_tabs->updateRootLevelText(m_network);
     // A graph that nothing shows and no group holds has no tab.
     OssShaderNetwork alone;
-    EXPECT_EQ(m_palette->indexForNodeGraph(OssScriptObject<Ossa::NodeGraph>(&alone)), -1);
+    EXPECT_EQ(m_palette->indexForNodeGraph(graph(&alone)), -1);
     expectReported(11, "Cannot create a NodeGraphView");
     while (m_tabs->count() > 1)
         m_tabs->removeTab(1);
-    QWidget page;
-    m_tabs->addTab(&page, QStringLiteral("other"));
+    const OtherPage other;
     EXPECT_EQ(m_palette->nodeGraphViewList().size(), 1) << "what is no view";
     scripts()->clearError();
     ExpectedLog::takePast(QString());
-    m_tabs->removeTab(1);
 }
 
 TEST_F(ScriptObjects, placesAndSizesHaveTheirBounds)
@@ -226,14 +225,14 @@ TEST_F(ScriptObjects, placesAndSizesHaveTheirBounds)
     for (const QSizeF &size : {QSizeF(1e9, 10.0), QSizeF(10.0, 1e9)}) {
         node->setSize(size);
         EXPECT_TRUE(scripts()->hasError());
-        ExpectedLog::takePast(QStringLiteral("A node is at most"));
+        ExpectedLog::takePast(text("A node is at most"));
         scripts()->clearError();
     }
     EXPECT_EQ(m_project->stateHash(), before);
-    auto *graph = OssScriptObject<Ossa::NodeGraph>(m_network);
-    const Ossa::Node *made = graph->createNode(QStringLiteral("Misc/Dot"), {}, {70.0, 80.0});
+    Ossa::NodeGraph *root = graph(m_network);
+    const Ossa::Node *made = root->createNode(text("Misc/Dot"), {}, {70.0, 80.0});
     EXPECT_EQ(made->position(), QPointF(70.0, 80.0));
-    EXPECT_EQ(graph->createNode(QStringLiteral("No/Such"), {}, {70.0, 80.0}), nullptr);
-    ExpectedLog::takePast(QStringLiteral("There is no node type"));
+    EXPECT_EQ(root->createNode(text("No/Such"), {}, {70.0, 80.0}), nullptr);
+    ExpectedLog::takePast(text("There is no node type"));
     scripts()->clearError();
 }

@@ -1,8 +1,6 @@
 #include "GraphFixture.h"
-#include "OssInterface/Actions/OssActionTreeManager.h"
-#include "OssNodeGraph/Items/OssNgBackdropNode.h"
+#include "support/InterfaceUser.h"
 
-#include <QAction>
 #include <QtTest>
 
 namespace {
@@ -26,14 +24,24 @@ protected:
     {
         QWidget *viewport = m_view->viewport();
         QTest::mousePress(viewport, Qt::LeftButton, modifiers, from);
-        for (int i = 1; i <= 4; ++i) {
-            const QPoint position = from + (to - from) * i / 4;
-            QMouseEvent move(QEvent::MouseMove, position, viewport->mapToGlobal(position),
-                             Qt::NoButton, Qt::LeftButton, modifiers);
-            QApplication::sendEvent(viewport, &move);
-        }
+        for (int i = 1; i <= 4; ++i)
+            moveMouse(viewport, from + (to - from) * i / 4, Qt::LeftButton, modifiers);
         QTest::mouseRelease(viewport, Qt::LeftButton, modifiers, to);
     }
+
+    /// Two blurs side by side, the left one into the right one.
+    void addWire()
+    {
+        m_a = addAt("Filter/Blur", {0, 0}, "A");
+        m_b = addAt("Filter/Blur", {300, 0}, "B");
+        wire(m_a, m_b);
+        m_edge = itemOf(m_b)->input(text("Input"));
+        begin();
+    }
+
+    OssSnBaseNode *m_a = nullptr;
+    OssSnBaseNode *m_b = nullptr;
+    OssNgEdge *m_edge = nullptr;
 };
 
 TEST_F(ViewTest, framingNeverMagnifies)
@@ -58,35 +66,33 @@ TEST_F(ViewTest, framingCommandsTellWhatTheyDo)
     const ExpectedLog expected("--Rectangle has been downscaled to");
     addAt("Filter/Blur", {0, 0});
     m_view->fitToViewAction();
-    EXPECT_TRUE(logHas(QStringLiteral("[ !! ] --FIT TO VIEW[lt(")));
-    EXPECT_TRUE(logHas(QStringLiteral("[ !! ] --POST FIT scale  ")));
+    expectLogged("[ !! ] --FIT TO VIEW[lt(");
+    expectLogged("[ !! ] --POST FIT scale  ");
     const qreal zoom = m_view->transform().m11();
     m_view->ensureIsVisibleAction();
-    EXPECT_TRUE(logHas(QStringLiteral("--ENSURING IS VISIBLE")));
+    expectLogged("--ENSURING IS VISIBLE");
     EXPECT_EQ(m_view->transform().m11(), zoom);
     OssShaderNetworkView lonely(nullptr);
     lonely.frameNodes();
     OssDebugLog::instance()->clear();
     lonely.fitToViewAction();
-    EXPECT_TRUE(logHas(QStringLiteral("scene() is NULL")));
-    EXPECT_EQ(OssDebugLog::instance()->lines().first().source,
-              QStringLiteral("OssShaderNetworkView"));
+    expectLogged("scene() is NULL");
+    EXPECT_EQ(OssDebugLog::instance()->lines().first().source, text("OssShaderNetworkView"));
 }
 
-TEST_F(ViewTest, aDragIsOneStepWithItsTitle)
+TEST_F(ViewTest, aDragIsOneStepWithItsTitleAndAnythingLessIsNone)
 {
     OssSnBaseNode *a = addAt("Filter/Blur", {0, 0}, "A");
-    OssUndoManager::instance()->clear();
-    const QPointF start = itemOf(a)->pos();
-    drag(at(a), at(a) + QPoint(120, 60));
-    EXPECT_NE(itemOf(a)->pos(), start);
-    ASSERT_EQ(undoCount(), 1);
-    EXPECT_EQ(OssUndoManager::instance()->undoText(), QStringLiteral("Move node A"));
-    OssUndoManager::instance()->undo();
-    EXPECT_EQ(itemOf(a)->pos(), start);
-    OssUndoManager::instance()->clear();
-    drag(at(a), at(a) + QPoint(2, 1)); // an unsteady click
+    const QPoint from = at(a);
+    begin();
+    drag(from, from + QPoint(120, 60));
+    EXPECT_NE(itemOf(a)->pos(), QPointF(0, 0));
+    expectStepBack("Move node A");
+    drag(from, from + QPoint(2, 1)); // an unsteady click
+    dragMouse(m_view->viewport(), Qt::RightButton, from, from + QPoint(80, 80));
+    drag(QPoint(5, 5), QPoint(20, 20)); // of nothing, which unselects
     EXPECT_EQ(undoCount(), 0);
+    EXPECT_EQ(itemOf(a)->pos(), QPointF(0, 0));
 }
 
 TEST_F(ViewTest, aDragIsSafeFromWhatHappensMeanwhile)
@@ -99,7 +105,7 @@ TEST_F(ViewTest, aDragIsSafeFromWhatHappensMeanwhile)
     QWidget *viewport = m_view->viewport();
     QTest::mousePress(viewport, Qt::LeftButton, {}, at(doomed));
     undo->undo();
-    kept->setName(QStringLiteral("Left")); // nothing can bring the other node back now
+    kept->setName(text("Left")); // nothing can bring the other node back now
     EXPECT_TRUE(item.isNull());
     kept->setSelected(true);
     const int steps = undoCount();
@@ -109,18 +115,14 @@ TEST_F(ViewTest, aDragIsSafeFromWhatHappensMeanwhile)
     // A second button in the middle does not change where the drag began.
     const QPointF start = itemOf(kept)->pos();
     const QPoint from = at(kept);
-    const auto send = [viewport](QEvent::Type type, const QPoint &position, Qt::MouseButton button,
-                                 Qt::MouseButtons buttons) {
-        QMouseEvent event(type, position, viewport->mapToGlobal(position), button, buttons, {});
-        QApplication::sendEvent(viewport, &event);
-    };
-    const Qt::MouseButtons both = Qt::LeftButton | Qt::RightButton;
-    send(QEvent::MouseButtonPress, from, Qt::LeftButton, Qt::LeftButton);
-    send(QEvent::MouseMove, from + QPoint(60, 30), Qt::NoButton, Qt::LeftButton);
-    send(QEvent::MouseButtonPress, from + QPoint(60, 30), Qt::RightButton, both);
-    send(QEvent::MouseButtonRelease, from + QPoint(60, 30), Qt::RightButton, Qt::LeftButton);
-    send(QEvent::MouseMove, from + QPoint(120, 60), Qt::NoButton, Qt::LeftButton);
-    send(QEvent::MouseButtonRelease, from + QPoint(120, 60), Qt::LeftButton, Qt::NoButton);
+    const QPoint middle = from + QPoint(60, 30);
+    const QPoint end = from + QPoint(120, 60);
+    QTest::mousePress(viewport, Qt::LeftButton, {}, from);
+    moveMouse(viewport, middle);
+    QTest::mousePress(viewport, Qt::RightButton, {}, middle);
+    QTest::mouseRelease(viewport, Qt::RightButton, {}, middle);
+    moveMouse(viewport, end);
+    QTest::mouseRelease(viewport, Qt::LeftButton, {}, end);
     EXPECT_EQ(undoCount(), steps + 1);
     undo->undo();
     EXPECT_EQ(itemOf(kept)->pos(), start);
@@ -132,13 +134,11 @@ TEST_F(ViewTest, aBackdropTakesItsNodesAlongInOneStep)
     contextOf(backdrop)->setNodeSize({600, 300});
     OssSnBaseNode *a = addAt("Filter/Blur", {0, 0}, "A");
     OssSnBaseNode *b = addAt("Filter/Blur", {300, 0}, "B");
-    OssUndoManager::instance()->clear();
+    begin();
     const QPointF distance = itemOf(b)->pos() - itemOf(backdrop)->pos();
     drag(at(backdrop), at(backdrop) + QPoint(100, 80));
     EXPECT_EQ(itemOf(b)->pos() - itemOf(backdrop)->pos(), distance);
-    ASSERT_EQ(undoCount(), 1);
-    EXPECT_EQ(OssUndoManager::instance()->undoText(), QStringLiteral("Move multiple (3) nodes"));
-    OssUndoManager::instance()->undo();
+    expectStepBack("Move multiple (3) nodes");
     EXPECT_EQ(itemOf(a)->pos(), QPointF(0, 0));
     EXPECT_EQ(itemOf(backdrop)->pos(), QPointF(-50, -60));
 }
@@ -165,39 +165,28 @@ TEST_F(ViewTest, doubleClickNamesTheNodeAndPicksTheViewer)
 
 TEST_F(ViewTest, wiresShowTheirMarkerWhileControlIsHeld)
 {
-    OssSnBaseNode *a = addAt("Filter/Blur", {0, 0});
-    OssSnBaseNode *b = addAt("Filter/Blur", {300, 0});
-    wire(a, b);
-    const OssNgEdge *edge = itemOf(b)->input(QStringLiteral("Input"));
+    addWire();
     QTest::keyPress(m_view, Qt::Key_Control);
-    EXPECT_TRUE(edge->isDotable());
+    EXPECT_TRUE(m_edge->isDotable());
     QTest::keyRelease(m_view, Qt::Key_A);
-    EXPECT_TRUE(edge->isDotable());
+    EXPECT_TRUE(m_edge->isDotable());
     QTest::keyRelease(m_view, Qt::Key_Control);
-    EXPECT_FALSE(edge->isDotable());
+    EXPECT_FALSE(m_edge->isDotable());
     QTest::keyPress(m_view, Qt::Key_Control);
-    QFocusEvent lost(QEvent::FocusOut);
-    QApplication::sendEvent(m_view, &lost);
-    EXPECT_FALSE(edge->isDotable());
+    loseFocus(m_view);
+    EXPECT_FALSE(m_edge->isDotable());
 }
 
 TEST_F(ViewTest, aDotGoesIntoTheWireInOneStep)
 {
-    OssSnBaseNode *a = addAt("Filter/Blur", {0, 0});
-    OssSnBaseNode *b = addAt("Filter/Blur", {400, 0});
-    wire(a, b);
-    const QByteArray before = m_project->stateHash();
-    OssUndoManager::instance()->clear();
+    addWire();
     m_view->highlightDotableEdges();
-    itemOf(b)->input(QStringLiteral("Input"))->clickMarker();
-    OssSnBaseNode *dot = b->inputNode(QStringLiteral("Input"));
-    ASSERT_NE(dot, a);
-    EXPECT_EQ(dot->inputNode(QStringLiteral("Input")), a);
-    ASSERT_EQ(undoCount(), 1);
-    EXPECT_EQ(OssUndoManager::instance()->undoText(), QStringLiteral("Add dot node in edge"));
+    m_edge->clickMarker();
+    OssSnBaseNode *dot = m_b->inputNode(text("Input"));
+    ASSERT_NE(dot, m_a);
+    EXPECT_EQ(dot->inputNode(text("Input")), m_a);
     expectWhole();
-    OssUndoManager::instance()->undo();
-    EXPECT_EQ(m_project->stateHash(), before);
+    expectStepBack("Add dot node in edge");
 }
 
 TEST_F(ViewTest, newNodesMoveAwayFromOthersButNotFromBackdrops)
@@ -254,62 +243,48 @@ TEST_F(ViewTest, viewsDoNotPaintWhileTheirNetworkForbidsIt)
 TEST_F(ViewTest, editingCommandsAreOneStepWithTheirTitle)
 {
     const ExpectedLog expected("Node '/Layer' is protected and stays");
-    OssSnBaseNode *a = addAt("Filter/Blur", {0, 0}, "A");
-    OssSnBaseNode *b = addAt("Filter/Blur", {300, 0}, "B");
     OssSnBaseNode *layer = addAt("_System/Graph Layer Input", {0, 300}, "Layer");
     OssSnBaseNode *viewer = m_network->viewerNode();
-    wire(a, b);
-    const QByteArray before = m_project->stateHash();
-    OssUndoManager *undo = OssUndoManager::instance();
-    const auto expectStep = [&](const char *title) {
-        ASSERT_EQ(undo->count(), 1) << title;
-        EXPECT_EQ(undo->undoText(), QString::fromLatin1(title));
-        undo->undo();
-        EXPECT_EQ(m_project->stateHash(), before) << title;
-        undo->clear();
-    };
-    undo->clear();
+    addWire();
     m_view->deleteSelectedNodes();
     m_view->disableSelectedNodes();
     m_view->extractSelectedNode();
-    EXPECT_EQ(undo->count(), 0);
+    expectNothingDone("without a selection");
 
-    a->setSelected(true);
+    select({m_a});
     m_view->disableSelectedNodes();
-    EXPECT_FALSE(a->enabledAsBool());
-    expectStep("Disable A");
-    viewer->setSelected(true);
-    b->setSelected(true);
+    EXPECT_FALSE(m_a->enabledAsBool());
+    expectStepBack("Disable A");
+    select({m_a, m_b, viewer});
     m_view->disableSelectedNodes();
     EXPECT_TRUE(viewer->enabledAsBool());
-    expectStep("Toggle Selected Nodes");
+    expectStepBack("Toggle Selected Nodes");
 
-    viewer->setSelected(false);
-    layer->setSelected(true);
+    select({m_a, m_b, layer});
     m_view->deleteSelectedNodes();
     EXPECT_EQ(layer->network(), m_network);
-    EXPECT_EQ(a->network(), nullptr);
-    EXPECT_TRUE(logHas(QStringLiteral("'Layer' cannot be removed by the user")));
-    expectStep("Remove Selected Nodes");
+    EXPECT_EQ(m_a->network(), nullptr);
+    expectLogged("'Layer' cannot be removed by the user");
+    expectStepBack("Remove Selected Nodes");
 
     m_view->deleteAllNodes();
     EXPECT_EQ(m_network->nodes(), (QList<OssSnBaseNode *>{viewer, layer}));
-    expectStep("Remove All Nodes");
+    expectStepBack("Remove All Nodes");
 
-    m_view->scene()->clearSelection();
+    select({});
     m_view->selectAll();
     EXPECT_EQ(m_network->selectedNodes().size(), 4);
     m_view->togglePortVisibility();
-    EXPECT_EQ(contextOf(a)->portListModeAsInt(), 4);
+    EXPECT_EQ(contextOf(m_a)->portListModeAsInt(), 4);
     m_view->togglePortVisibility();
     OssShaderNetworkView lonely(nullptr);
     lonely.deleteSelectedNodes();
-    EXPECT_TRUE(logHas(QStringLiteral("m_network is NULL")));
+    expectLogged("m_network is NULL");
 }
 
 TEST_F(ViewTest, groupsOpenByControlAndADoubleClickOrReturn)
 {
-    auto *group = qobject_cast<OssSnGroupNode *>(addAt("Misc/Group", {0, 0}, "G"));
+    auto *group = addGroup("G");
     OssSnBaseNode *blur = addAt("Filter/Blur", {300, 0});
     QTabWidget *widget = m_manager->nodeGraphWidget();
     QWindow *window = m_view->window()->windowHandle();
@@ -346,56 +321,38 @@ TEST_F(ViewTest, groupsOpenByControlAndADoubleClickOrReturn)
 
 TEST_F(ViewTest, escapeLetsGoOfAWireAndOtherKeysDoNot)
 {
-    OssSnBaseNode *a = addAt("Filter/Blur", {0, 0});
-    OssSnBaseNode *b = addAt("Filter/Blur", {300, 0});
-    wire(a, b);
-    OssNgEdge *edge = itemOf(b)->input(QStringLiteral("Input"));
-    edge->beginDrag(OssNgEdge::DragEnd::Destination);
-    edge->grabMouse();
+    addWire();
+    m_edge->beginDrag(OssNgEdge::DragEnd::Destination);
+    m_edge->grabMouse();
     QTest::keyPress(m_view, Qt::Key_Control);
-    EXPECT_FALSE(edge->isDotable()) << "while a wire is in hand";
+    EXPECT_FALSE(m_edge->isDotable()) << "while a wire is in hand";
     QTest::keyRelease(m_view, Qt::Key_Control);
     QTest::keyRelease(m_view, Qt::Key_A);
-    EXPECT_EQ(m_view->scene()->mouseGrabberItem(), edge);
+    EXPECT_EQ(m_view->scene()->mouseGrabberItem(), m_edge);
     QTest::keyRelease(m_view, Qt::Key_Escape);
     EXPECT_EQ(m_view->scene()->mouseGrabberItem(), nullptr);
-    EXPECT_EQ(b->inputNode(QStringLiteral("Input")), a);
+    EXPECT_EQ(m_b->inputNode(text("Input")), m_a);
     QTest::keyRelease(m_view, Qt::Key_Escape); // there is none
 }
 
 TEST_F(ViewTest, theNameOfAPlaceInsideGroupsIsOnTheCanvas)
 {
-    auto *group = qobject_cast<OssSnGroupNode *>(addAt("Misc/Group", {0, 0}, "Wall"));
+    auto *group = addGroup("Wall");
     const QRect line(0, 0, 400, 36);
     const auto shown = [&] {
         return m_view->viewport()->grab(line).toImage();
     };
     m_view->centerOn(9000, 9000); // far from all nodes
     const QImage root = shown();
-    m_network->geoEntity()->setName(QStringLiteral("Another"));
+    m_network->geoEntity()->setName(text("Another"));
     EXPECT_EQ(shown(), root) << "at the top the tab says it";
     m_manager->showNetworkInView(group->groupNetwork(), m_view);
     m_view->centerOn(9000, 9000);
     const QImage inside = shown();
     EXPECT_NE(inside, root);
-    group->setName(QStringLiteral("Dirt"));
+    group->setName(text("Dirt"));
     EXPECT_NE(shown(), inside);
     m_manager->showNetworkInView(m_network, m_view);
-}
-
-TEST_F(ViewTest, aDotMovesNothingAndABackdropOnlyItsOwn)
-{
-    OssSnBaseNode *a = addAt("Filter/Blur", {0, 0}, "A");
-    OssUndoManager::instance()->clear();
-    const QPoint from = at(a);
-    QWidget *viewport = m_view->viewport();
-    QTest::mousePress(viewport, Qt::RightButton, {}, from);
-    QTest::mouseRelease(viewport, Qt::RightButton, {}, from + QPoint(80, 80));
-    EXPECT_EQ(undoCount(), 0);
-    // What is dragged and let go unselected is no step of the selection.
-    drag(QPoint(5, 5), QPoint(20, 20));
-    EXPECT_EQ(undoCount(), 0);
-    EXPECT_EQ(itemOf(a)->pos(), QPointF(0, 0));
 }
 
 TEST_F(ViewTest, shakingTakesTheSelectionOutOfItsWires)
@@ -407,7 +364,7 @@ TEST_F(ViewTest, shakingTakesTheSelectionOutOfItsWires)
     wire(b, c);
     select({b});
     Q_EMIT m_view->shakeToExtractTriggered();
-    EXPECT_EQ(c->inputNode(QStringLiteral("Input")), a);
+    EXPECT_EQ(c->inputNode(text("Input")), a);
     EXPECT_TRUE(b->outgoingConnections().isEmpty());
 }
 

@@ -55,15 +55,12 @@ protected:
         GraphFixture::SetUp();
         contextOf(m_network->viewerNode())->setNodePosition({3000, 3000});
         m_node = addAt("Filter/Blur", {40, 60});
-        m_area = addAt("Misc/Backdrop", {0, 0}, "Area");
+        m_area = addArea({0, 0, 300, 200}, "Area");
         m_backdrop = backdropOf(m_area);
-        m_backdrop->setRect({0, 0, 300, 200});
         OssUndoManager::instance()->clear();
     }
 
     QRectF area() const { return m_backdrop->rect().translated(m_backdrop->pos()); }
-
-    static QRectF rectOf(const OssSnBaseNode *node) { return itemOf(node)->sceneBoundingRect(); }
 
     /// One step that leads back.
     void expectUndone(const QRectF &before)
@@ -129,10 +126,8 @@ TEST_F(ContainerTest, respacingMakesRoomBelowTheReferenceInsideTheContainer)
     EXPECT_EQ(rectOf(below).top(), rectOf(m_node).bottom() + 30.0);
     EXPECT_TRUE(area().contains(rectOf(below)));
     expectUndone(before);
-    OssSnBaseNode *peer = addAt("Misc/Backdrop", {0, 800});
-    backdropOf(peer)->setRect({0, 0, 700, 100});
-    OssSnBaseNode *narrow = addAt("Misc/Backdrop", {0, 1200});
-    backdropOf(narrow)->setRect({0, 0, 200, 100});
+    OssSnBaseNode *peer = addArea({0, 800, 700, 100});
+    OssSnBaseNode *narrow = addArea({0, 1200, 200, 100});
     Q_EMIT m_area->containerPeersStretched({peer, narrow});
     EXPECT_EQ(area().width(), 700.0);
     EXPECT_EQ(rectOf(narrow).width(), 700.0);
@@ -143,10 +138,8 @@ TEST_F(ContainerTest, respacingMakesRoomBelowTheReferenceInsideTheContainer)
 TEST_F(ContainerTest, whatFitsAlreadyStaysAndMakesNoStep)
 {
     OssSnBaseNode *other = addAt("Filter/Blur", {20, -400});
-    OssSnBaseNode *peer = addAt("Misc/Backdrop", {0, 800});
-    backdropOf(peer)->setRect({0, 0, 300, 100});
-    OssSnBaseNode *narrow = addAt("Misc/Backdrop", {50, 1200});
-    backdropOf(narrow)->setRect({0, 0, 250, 100});
+    OssSnBaseNode *peer = addArea({0, 800, 300, 100});
+    OssSnBaseNode *narrow = addArea({50, 1200, 250, 100});
     m_backdrop->setRect({0, 0, 300, 300});
     contextOf(m_node)->setNodePosition({40, 90}); // clear of the title bar, too
     OssUndoManager::instance()->clear();
@@ -165,14 +158,9 @@ TEST_F(ContainerTest, whatFitsAlreadyStaysAndMakesNoStep)
 
 TEST_F(ContainerTest, oneRightEdgeIsThatOfTheFurthestAndTheWidestOfEachKindAreNamed)
 {
-    OssSnBaseNode *mask = addAt("Misc/Backdrop", {700, 500}, "Mask");
+    OssSnBaseNode *mask = addArea({700, 500, 100, 100}, "Mask");
     mask->addTag(text("_maskStack"));
-    OssSnBaseNode *wide = addAt("Misc/Backdrop", {0, 800}, "Wide");
-    const auto resize = [](const OssSnBaseNode *node, const QSizeF &size) {
-        backdropOf(node)->setRect({QPointF(), size});
-    };
-    resize(mask, {100, 100});
-    resize(wide, {500, 100});
+    OssSnBaseNode *wide = addArea({0, 800, 500, 100}, "Wide");
     Q_EMIT m_area->uniformariseContainers({mask, wide, m_area});
     expectLogged(
         "WidestMaskStackNode : 'Mask', WidestAdjustmentStackNode : 'Wide', FurthestX : 800");
@@ -184,7 +172,7 @@ TEST_F(ContainerTest, noPlaceIsTakenFromWhatHasNone)
 {
     OssSnBaseNode *removed = add("Misc/Backdrop");
     m_network->removeNodes({removed});
-    const int steps = undoCount();
+    const int steps = undoCount(); // which keep the removed one
     const QByteArray before = m_project->stateHash();
     OssSnBaseNode *const none = nullptr;
     m_view->positionNodeUnderneath(m_node, none, 1);
@@ -223,8 +211,7 @@ TEST_F(ContainerTest, noPlaceIsTakenFromWhatHasNone)
 TEST_F(ContainerTest, theContainerStretchesAroundTheReferencesOwnOneWhereThatLiesInside)
 {
     const QRectF before = area();
-    OssSnBaseNode *inner = addAt("Misc/Backdrop", {120, 40}, "Inner");
-    backdropOf(inner)->setRect({0, 0, 100, 90});
+    OssSnBaseNode *inner = addArea({120, 40, 100, 90}, "Inner");
     OssSnBaseNode *reference = addAt("Filter/Blur", {130, 70});
     const auto sync = [&](OssSnBaseNode *container, OssSnBaseNode *other) {
         m_view->syncNodeUnderneath(m_node, container, reference, other);

@@ -17,7 +17,6 @@
 #include <QApplication>
 #include <QLineEdit>
 #include <QPlainTextEdit>
-#include <QTemporaryDir>
 #include <QtTest>
 
 namespace {
@@ -88,7 +87,7 @@ TEST_F(CreationTest, aBackdropWrapsTheSelectionAndBearsItsName)
     auto *backdrop = backdropOf(area);
     ASSERT_NE(backdrop, nullptr);
     EXPECT_EQ(backdrop->titleText(), area->name());
-    EXPECT_TRUE(backdrop->sceneBoundingRect().contains(itemOf(blur)->sceneBoundingRect()));
+    EXPECT_TRUE(backdrop->sceneBoundingRect().contains(rectOf(blur)));
     EXPECT_EQ(backdrop->childrenList().size(), 1);
 }
 
@@ -103,8 +102,7 @@ TEST_F(CreationTest, paintAndBakePointsGetImagesThatAreSaved)
     ASSERT_NE(bake->imageSet(), nullptr);
     EXPECT_EQ(bake->inputNode(text("Input")), color);
     const QByteArray hash = m_project->stateHash();
-    const QTemporaryDir folder;
-    reopen(folder.filePath(text("Test.ossa")));
+    reopen();
     EXPECT_EQ(m_project->stateHash(), hash);
     bake = qobject_cast<OssSnBakePointNode *>(m_network->node(text("Bake Point")));
     ASSERT_NE(bake, nullptr);
@@ -271,13 +269,11 @@ TEST_F(CreationTest, nodesAreFoundByNameTypeValueAndState)
     const auto why = [](const OssSnBaseNode *node, const char *typed) {
         return OssNodeSearch::whyFound(node, text(typed), nullptr);
     };
-    EXPECT_FALSE(why(blur, "soft").isEmpty());
-    EXPECT_FALSE(why(blur, "filter/bl").isEmpty());
-    EXPECT_FALSE(why(blur, "disabled").isEmpty());
-    EXPECT_FALSE(why(blur, "soft disabled").isEmpty());
+    for (const char *typed : {"soft", "filter/bl", "disabled", "soft disabled"})
+        EXPECT_FALSE(why(blur, typed).isEmpty()) << typed;
+    for (const char *typed : {"soft unconnected", "radius=99999"})
+        EXPECT_TRUE(why(blur, typed).isEmpty()) << typed;
     EXPECT_TRUE(why(levels, "disabled").isEmpty());
-    EXPECT_TRUE(why(blur, "soft unconnected").isEmpty());
-    EXPECT_TRUE(why(blur, "radius=99999").isEmpty());
     const QString info = OssNodeInfoDialog::text({levels});
     EXPECT_TRUE(info.contains(text("Adjust/Levels")));
     EXPECT_TRUE(info.contains(text("/Softener . Output")));
@@ -297,7 +293,7 @@ TEST_F(CreationTest, titlesAndNotesAreEditedWhereTheyStand)
     QAction command;
     ASSERT_EQ(bindCommand(&command), 1);
     const QSignalSpy triggered(&command, &QAction::triggered);
-    const QPoint place = m_view->mapFromScene(itemOf(note)->sceneBoundingRect().center());
+    const QPoint place = m_view->mapFromScene(rectOf(note).center());
     const auto edit = [&](const char *typed, Qt::Key end, Qt::KeyboardModifiers modifiers) {
         QTest::mouseDClick(m_view->viewport(), Qt::LeftButton, {}, place);
         auto *editor = m_view->viewport()->findChild<QPlainTextEdit *>();
@@ -316,8 +312,7 @@ TEST_F(CreationTest, titlesAndNotesAreEditedWhereTheyStand)
 
 TEST_F(CreationTest, aTitleIsEditedInItsBarAndAnEqualTextIsNoStep)
 {
-    OssSnBaseNode *area = addAt("Misc/Backdrop", {0, 0}, "Area");
-    contextOf(area)->setNodeSize({300, 200});
+    OssSnBaseNode *area = addArea({0, 0, 300, 200}, "Area");
     m_view->window()->show();
     m_view->centerOn(itemOf(area));
     m_view->scaleView(0.2); // texts are still legible

@@ -5,7 +5,6 @@
 #include "support/OssaFiles.h"
 
 #include <QDir>
-#include <QTemporaryDir>
 
 namespace {
 
@@ -26,10 +25,8 @@ protected:
             OssNodeArchive::write(material, OssNodeArchive::Kind::Material, file("rust.oma")));
         for (const char *name : {"broken.opc", "notes.txt"})
             ASSERT_NO_FATAL_FAILURE(writeFile(file(name), "no archive"));
-        ASSERT_TRUE(QDir(m_folder.path()).mkdir(text("pictures")));
+        ASSERT_TRUE(QDir().mkdir(file("pictures")));
     }
-
-    QString file(const char *name) const { return m_folder.filePath(text(name)); }
 
     static constexpr QPoint Place{200, 150};
 
@@ -58,7 +55,6 @@ protected:
         return OssImageList::fromVariant(node->attribute(text(attribute))).ids().size();
     }
 
-    QTemporaryDir m_folder;
     OssSnGroupNode *m_group = nullptr;
     bool m_taken = false; ///< whether the graph took the drop
     QImage m_ghost;       ///< the graph while the files are over it
@@ -89,8 +85,7 @@ TEST_F(Drops, archivesBecomeNodesWhereTheyFallInOneStep)
         const QList<OssSnBaseNode *> made = m_network->selectedNodes();
         ASSERT_EQ(made.size(), c.nodes);
         const QPointF place = m_view->mapToScene(Place);
-        EXPECT_LT(QLineF(itemOf(made.first())->sceneBoundingRect().center(), place).length(),
-                  300.0);
+        EXPECT_LT(QLineF(rectOf(made.first()).center(), place).length(), 300.0);
         expectStepBack(c.title);
     }
 }
@@ -151,9 +146,7 @@ TEST_F(Drops, imagesOfTheListBecomeTiledOnesOrWithShiftProjections)
         ASSERT_EQ(made.size(), 2) << shift;
         for (const OssSnBaseNode *node : made)
             EXPECT_EQ(node->pathKey(), text(key));
-        EXPECT_FALSE(itemOf(made.first())
-                         ->sceneBoundingRect()
-                         .intersects(itemOf(made.last())->sceneBoundingRect()));
+        EXPECT_FALSE(rectOf(made.first()).intersects(rectOf(made.last())));
         const std::string title = "Drag and drop : creating 2 nodes of type '";
         expectStepBack((title + key + "'").c_str());
     }

@@ -54,7 +54,7 @@ protected:
         m_protected = addAt("_System/Graph Layer Input", {0, 400}, "Layers");
         m_viewer = m_network->viewerNode();
         contextOf(m_viewer)->setNodePosition({1300, 400});
-        m_viewer->setInputNode(text("1"), levels, levels->prefferedOutputPoint());
+        wire(levels, m_viewer, "1");
         m_many = {merge, m_blur, levels};
         OssShaderNetworkIO::copyNodesToClipboard({m_blur}, {});
     }

@@ -2,8 +2,6 @@
 #include "GraphUser.h"
 #include "support/OssaFiles.h"
 
-#include <QTemporaryDir>
-
 namespace {
 
 /// Files that the user names in dialogs: nodes and archives, and nodes that are looked for.
@@ -22,9 +20,6 @@ protected:
         OssApplication::setPopupsAllowed(true);
     }
 
-    QString file(const char *name) const { return m_folder.filePath(text(name)); }
-
-    QTemporaryDir m_folder;
     OssSnBaseNode *m_blur = nullptr;
     OssSnBaseNode *m_area = nullptr;
 };
@@ -33,6 +28,13 @@ protected:
 
 TEST_F(FilesTest, selectedNodesGoToAFileAndComeBackInOneStep)
 {
+    using View = OssShaderNetworkView;
+    const auto cancel = [this](void (View::*command)()) {
+        const DialogAnswers cancelled;
+        (m_view->*command)();
+        EXPECT_EQ(cancelled.questions, 1);
+        EXPECT_EQ(cancelled.boxes, QStringList());
+    };
     {
         const DialogAnswers answers(file("nodes.ong"));
         m_view->exportNodes(); // nothing is selected but
@@ -41,12 +43,7 @@ TEST_F(FilesTest, selectedNodesGoToAFileAndComeBackInOneStep)
         EXPECT_EQ(answers.questions, 0);
     }
     select({m_blur, m_area, m_network->viewerNode()});
-    {
-        const DialogAnswers cancelled;
-        m_view->exportNodes();
-        EXPECT_EQ(cancelled.questions, 1);
-        EXPECT_EQ(cancelled.boxes, QStringList());
-    }
+    cancel(&View::exportNodes);
     {
         const DialogAnswers answers(file("nodes.ong"));
         m_view->exportNodes();
@@ -54,13 +51,8 @@ TEST_F(FilesTest, selectedNodesGoToAFileAndComeBackInOneStep)
         EXPECT_TRUE(QFile::exists(file("nodes.ong")));
     }
     const QByteArray before = m_project->stateHash();
-    {
-        const DialogAnswers cancelled;
-        m_view->importNodes();
-        EXPECT_EQ(cancelled.questions, 1);
-        EXPECT_EQ(cancelled.boxes, QStringList());
-        EXPECT_EQ(undoCount(), 0);
-    }
+    cancel(&View::importNodes);
+    EXPECT_EQ(undoCount(), 0);
     const DialogAnswers answers(file("nodes.ong"));
     const QPointF place = m_view->mapToScene(m_view->creationPoint());
     m_view->importNodes();
@@ -124,8 +116,7 @@ TEST_F(FilesTest, aFoundNodeIsSelectedAloneAndShown)
         m_view->searchNodesAction();
         EXPECT_EQ(m_network->selectedNodes(), QList<OssSnBaseNode *>{wanted});
         EXPECT_TRUE(itemOf(wanted)->isSelected());
-        EXPECT_TRUE(
-            m_view->viewportInSceneCoords().intersects(itemOf(wanted)->sceneBoundingRect()));
+        EXPECT_TRUE(m_view->viewportInSceneCoords().intersects(rectOf(wanted)));
     }
     select({m_area});
     typeInDialog("no such node");

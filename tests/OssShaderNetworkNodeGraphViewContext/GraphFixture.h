@@ -11,6 +11,8 @@
 #include "support/ModelFixture.h"
 #include "support/Text.h"
 
+#include <QTemporaryDir>
+
 #include <memory>
 
 /// A project whose network is shown by the node graph. Tests that have no user say so to
@@ -49,6 +51,9 @@ protected:
         return qobject_cast<OssNgBackdropNode *>(itemOf(node));
     }
 
+    /// Of its item, in the graph.
+    static QRectF rectOf(const OssSnBaseNode *node) { return itemOf(node)->sceneBoundingRect(); }
+
     static OssSnNodeGraphViewContext *contextOf(const OssSnBaseNode *node)
     {
         return OssSnNodeGraphViewContextManager::contextOf(node);
@@ -69,6 +74,14 @@ protected:
         return node;
     }
 
+    /// A backdrop behind that part of the graph.
+    OssSnBaseNode *addArea(const QRectF &rect, const char *name = "")
+    {
+        OssSnBaseNode *node = addAt("Misc/Backdrop", rect.topLeft(), name);
+        contextOf(node)->setNodeSize(rect.size());
+        return node;
+    }
+
     OssSnGroupNode *addGroup(const char *name = "")
     {
         return qobject_cast<OssSnGroupNode *>(addAt("Misc/Group", {0, 0}, name));
@@ -80,7 +93,10 @@ protected:
         return group->groupNetwork()->createNode(text(key), text(name));
     }
 
-    // --- projects
+    // --- files and projects
+
+    /// In a folder that goes with the test.
+    QString file(const char *name) const { return m_folder.filePath(text(name)); }
 
     /// The network that stands in place of the one that was.
     void take(OssProject *project)
@@ -91,9 +107,10 @@ protected:
 
     void replaceProject() { take(OssProjectManager::instance()->newProject(text("Next"))); }
 
-    /// Saves the project to that place and opens it from there.
-    void reopen(const QString &path)
+    /// Saves the project under the name that it has and opens what was saved.
+    void reopen()
     {
+        const QString path = file("Test.ossa");
         OssProjectManager *projects = OssProjectManager::instance();
         ASSERT_TRUE(projects->saveProjectAs(path));
         ASSERT_TRUE(projects->openProject(path));
@@ -157,6 +174,7 @@ protected:
     OssShaderNetworkView *m_view = nullptr;
 
 private:
+    QTemporaryDir m_folder;
     QByteArray m_begun;
     bool m_popupsBefore = true;
 };

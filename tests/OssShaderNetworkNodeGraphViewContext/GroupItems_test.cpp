@@ -4,7 +4,6 @@
 #include "support/OssaFiles.h"
 
 #include <QApplication>
-#include <QTemporaryDir>
 #include <QTimer>
 #include <QTreeWidget>
 
@@ -28,7 +27,7 @@ TEST_F(GroupItems, aTabBehindLeavesTheCurrentOneAndFramesItsOwn)
     ASSERT_EQ(widget->count(), 2);
     EXPECT_EQ(widget->currentIndex(), 0);
     const OssShaderNetworkView *view = context->groupView();
-    EXPECT_TRUE(view->viewportInSceneCoords().contains(itemOf(inside)->sceneBoundingRect()));
+    EXPECT_TRUE(view->viewportInSceneCoords().contains(rectOf(inside)));
     context->showGroupNodeTab();
     EXPECT_EQ(widget->currentIndex(), 1);
     context->showGroupNodeTabBehind();
@@ -61,9 +60,8 @@ TEST_F(GroupItems, keysGoToTheViewThatComesForwardWhenATabGoes)
 
 TEST_F(GroupItems, aGroupIsExportedToTheChosenFileOrTheReasonIsTold)
 {
-    const QTemporaryDir folder;
     OssSnGroupNode *group = addGroup("Dirt");
-    const QString path = folder.filePath(text("dirt.ong"));
+    const QString path = file("dirt.ong");
     {
         const DialogAnswers cancelled;
         contextOf(group)->exportNode();
@@ -78,34 +76,53 @@ TEST_F(GroupItems, aGroupIsExportedToTheChosenFileOrTheReasonIsTold)
         EXPECT_TRUE(QFile::exists(path));
     }
     const ExpectedLog possible("", ExpectedLog::Possible);
-    const QString nowhere = folder.filePath(text("plain.ong/x.ong"));
-    ASSERT_NO_FATAL_FAILURE(writeFile(folder.filePath(text("plain.ong"))));
-    const DialogAnswers answers(nowhere, QMessageBox::Ok);
+    ASSERT_NO_FATAL_FAILURE(writeFile(file("plain.ong")));
+    const DialogAnswers answers(file("plain.ong/x.ong"), QMessageBox::Ok);
     contextOf(group)->exportNode();
     EXPECT_EQ(answers.boxes.size(), 1);
     EXPECT_TRUE(answers.boxes.value(0).contains(text("plain.ong")));
 }
 
-TEST_F(GroupItems, outputsOfAGroupFollowTheHeightOfTheirNodesToo)
+TEST_F(GroupItems, portsOfAGroupFollowTheHeightOfTheNodesThatStandForThem)
 {
-    OssSnGroupNode *group = addGroup("Outputs");
-    QList<OssSnBaseNode *> inside;
-    for (const char *name : {"A", "B", "C"})
-        inside.append(group->createOutput(text(name), OssSnDataKind::Color));
-    for (int i = 0; i < 3; ++i)
-        contextOf(inside.at(i))->setNodePosition({0.0, 100.0 * i});
-    OssSnBaseNode *apart = addInside(group, "Filter/Blur");
-    OssUndoManager::instance()->clear();
-    Q_EMIT itemOf(apart)->posChanged({0, 900}); // stands for no port
-    EXPECT_EQ(undoCount(), 0);
-    itemOf(inside.first())->setPosition({0, 500});
-    Q_EMIT itemOf(inside.first())->posChanged({0, 500});
-    const QStringList order = texts({"B", "C", "A"});
-    EXPECT_EQ(group->outputPointNames(), order);
-    EXPECT_EQ(itemOf(group)->outputPortNames(), order);
-    undo();
-    Q_EMIT OssShaderNetworkManager::instance()->reorderGroupOutputsByPosRequested(group);
-    EXPECT_EQ(group->outputPointNames(), order);
+    OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
+    for (const bool inputs : {true, false}) {
+        SCOPED_TRACE(inputs ? "inputs" : "outputs");
+        OssSnGroupNode *group = addGroup();
+        const auto names = [&] {
+            return inputs ? group->inputNames() : group->outputPointNames();
+        };
+        QList<OssSnBaseNode *> inside;
+        for (const char *name : {"A", "B", "C"}) {
+            inside.append(inputs ? group->createInput(text(name), OssSnDataKind::Color)
+                                 : group->createOutput(text(name), OssSnDataKind::Color));
+            contextOf(inside.last())->setNodePosition({0.0, 100.0 * inside.size()});
+        }
+        OssSnBaseNode *apart = addInside(group, "Filter/Blur");
+        OssUndoManager::instance()->clear();
+        Q_EMIT itemOf(apart)->posChanged({0, 900}); // stands for no port
+        EXPECT_EQ(undoCount(), 0);
+        itemOf(inside.first())->setPosition({0, 500});
+        Q_EMIT itemOf(inside.first())->posChanged({0, 500});
+        const QStringList order = texts({"B", "C", "A"});
+        EXPECT_EQ(names(), order);
+        EXPECT_EQ(inputs ? itemOf(group)->inputPortNames() : itemOf(group)->outputPortNames(),
+                  order);
+        undo();
+        EXPECT_EQ(names(), texts({"A", "B", "C"}));
+        if (inputs) {
+            Q_EMIT networks->arrangeGroupInputNodesByOrderRequested(group->groupNetwork(),
+                                                                    texts({"C", "A", "B"}));
+            EXPECT_LT(itemOf(inside.at(2))->y(), itemOf(inside.at(0))->y());
+            EXPECT_LT(itemOf(inside.at(0))->y(), itemOf(inside.at(1))->y());
+        } else {
+            Q_EMIT networks->reorderGroupOutputsByPosRequested(group);
+            EXPECT_EQ(names(), order);
+        }
+    }
+    m_manager->reorderGroupInputsByPos(nullptr);
+    expectLogged("GroupNode is NULL");
+    OssDebugLog::instance()->clear();
     m_manager->reorderGroupOutputsByPos(nullptr);
     expectLogged("GroupNode is NULL");
 }
@@ -159,12 +176,12 @@ TEST_F(GroupItems, nodesForNewPortsStandBesideWhatTheyFeedWhateverLiesBehind)
         OssSnBaseNode *blur = inside->createNode(text("Filter/Blur"));
         contextOf(blur)->setNodePosition({500, 100});
         OssSnBaseNode *input = group->createInput(text("In"), OssSnDataKind::Color);
-        blur->setInputNode(text("Input"), input, input->prefferedOutputPoint());
+        wire(input, blur, "Input");
         OssSnBaseNode *output = group->createOutput(text("Out"), OssSnDataKind::Color);
         output->setInputNode(output->inputNames().first(), blur, blur->prefferedOutputPoint());
         Q_EMIT group->newGroupNodeInputOutputCreated();
-        EXPECT_LT(itemOf(input)->sceneBoundingRect().right(), 500.0);
-        EXPECT_GT(itemOf(output)->x(), itemOf(blur)->sceneBoundingRect().right());
+        EXPECT_LT(rectOf(input).right(), 500.0);
+        EXPECT_GT(itemOf(output)->x(), rectOf(blur).right());
         places += {itemOf(input)->pos(), itemOf(output)->pos()};
     }
     EXPECT_EQ(places.at(0), places.at(2));
@@ -180,14 +197,14 @@ TEST_F(GroupItems, anOutputThatNothingFeedsStandsBelowTheOthersOrRightOfEverythi
     OssSnBaseNode *fed = group->createOutput(text("Fed"), OssSnDataKind::Color);
     Q_EMIT group->newGroupNodeInputOutputCreated();
     const QPointF beside = itemOf(lone)->pos();
-    EXPECT_GT(beside.x(), itemOf(blur)->sceneBoundingRect().right());
+    EXPECT_GT(beside.x(), rectOf(blur).right());
     EXPECT_EQ(beside.y(), 3000.0);
     EXPECT_EQ(itemOf(fed)->x(), beside.x());
-    EXPECT_GT(itemOf(fed)->y(), itemOf(lone)->sceneBoundingRect().bottom());
+    EXPECT_GT(itemOf(fed)->y(), rectOf(lone).bottom());
     fed->setInputNode(fed->inputNames().first(), blur, blur->prefferedOutputPoint());
     Q_EMIT group->newGroupNodeInputOutputCreated();
     EXPECT_EQ(itemOf(fed)->pos(), beside);
-    EXPECT_GT(itemOf(lone)->y(), itemOf(fed)->sceneBoundingRect().bottom());
+    EXPECT_GT(itemOf(lone)->y(), rectOf(fed).bottom());
 }
 
 TEST_F(GroupItems, theCommandOpensTheFirstSelectedGroupAndManagesKnobsFromInside)

@@ -1,7 +1,5 @@
 #include "GraphFixture.h"
 
-#include <QTemporaryDir>
-
 namespace {
 
 /// Two blurs into a merge that feeds two others: ports enough to give a group another size than it
@@ -41,7 +39,6 @@ protected:
 
     QList<OssSnBaseNode *> m_nodes;
     QList<QByteArray> m_start;
-    QTemporaryDir m_folder;
 };
 
 TEST_F(Grouping, groupedAndTakenApartTheDocumentIsTheSame)
@@ -108,7 +105,7 @@ TEST_F(Grouping, portsThatWerePlacedByHandStayWhereTheyAre)
     expectWhole();
 
     // One that is opened again knows no more where it put them, but that they have places.
-    reopen(m_folder.filePath(text("Ports.ossa")));
+    reopen();
     made = qobject_cast<OssSnGroupNode *>(m_network->node(text("Group")));
     ASSERT_NE(made, nullptr);
     made->createInput(text("Later"), OssSnDataKind::Color);

@@ -299,7 +299,7 @@ TEST_F(ItemsTest, goingToANodeShowsTheTabOfItsNetworkAroundIt)
     contextOf(inside)->setNodePosition({-5000, 3000});
     const auto expectShown = [this](const OssSnBaseNode *node) {
         EXPECT_EQ(m_manager->currentView()->network(), node->network());
-        const QPointF center = itemOf(node)->sceneBoundingRect().center();
+        const QPointF center = rectOf(node).center();
         EXPECT_TRUE(QTest::qWaitFor([&] { return QLineF(middle(), center).length() < 5.0; }));
     };
     Q_EMIT inside->gotoNode();

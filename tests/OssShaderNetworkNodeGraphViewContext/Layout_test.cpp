@@ -105,6 +105,9 @@ TEST(ColumnLayout, aColumnInTheWayGoesLeftWithAllThatFollow)
     EXPECT_EQ(layout.rect(1).right(), -220.0 - 75.0);
     EXPECT_EQ(layout.rect(2).right(), layout.rect(1).left() - 150.0);
     EXPECT_EQ(layout.rect(3).topLeft(), QPointF(-220, 20));
+    nodes.push_back(box({20, 20}, {}, {-170, 20})); // of several the furthest counts
+    EXPECT_EQ(laidOut(nodes).rect(1).right(), -220.0 - 75.0);
+    nodes.pop_back();
     // A backdrop lies behind and is in nobody's way.
     const ColumnLayout behind = laidOut(nodes, {0}, {3});
     EXPECT_EQ(behind.rect(1).right(), -150.0);
@@ -148,13 +151,6 @@ TEST(ColumnLayout, aSourceThatFeedsANodeTwiceStandsInTheRowOfItsFirstInput)
     EXPECT_EQ(layout.rect(1).top(), 0.0);
     EXPECT_GT(layout.rect(2).top(), layout.rect(1).bottom());
     EXPECT_EQ(layout.moves().size(), 3);
-}
-
-TEST(ColumnLayout, ofSeveralThingsInTheWayTheFurthestCounts)
-{
-    const ColumnLayout layout = laidOut(
-        {usual({1}), usual(), box({60, 60}, {}, {-240, 0}), box({20, 20}, {}, {-170, 20})});
-    EXPECT_EQ(layout.rect(1).right(), -240.0 - 75.0);
 }
 
 TEST(ColumnLayout, aColumnThatGoesLeftTakesNoNodesWithoutItemsAlong)
@@ -213,8 +209,6 @@ TEST(ColumnLayout, randomGraphsComeOutReadableAndAlwaysTheSame)
 class AutoplaceTest : public GraphFixture
 {
 protected:
-    static QRectF rectOf(const OssSnBaseNode *node) { return itemOf(node)->sceneBoundingRect(); }
-
     static QPointF placeOf(const OssSnBaseNode *node) { return itemOf(node)->pos(); }
 };
 
@@ -253,8 +247,8 @@ TEST_F(AutoplaceTest, viewersDoNotKeepANodeFromBeingALeafAndToViewIsNotFollowed)
     OssSnBaseNode *blur = addAt("Filter/Blur", {-40, 30});
     wire(color, blur);
     OssSnBaseNode *viewer = m_network->viewerNode();
-    ASSERT_TRUE(viewer->setInputNode(text("1"), blur, blur->prefferedOutputPoint()));
-    ASSERT_TRUE(viewer->setInputNode(text("ToView"), color, color->prefferedOutputPoint()));
+    ASSERT_TRUE(wire(blur, viewer, "1"));
+    ASSERT_TRUE(wire(color, viewer, "ToView"));
     const QPointF viewerPlace(900, 0);
     contextOf(viewer)->setNodePosition(viewerPlace);
     m_manager->beautifyNodesLayout(m_network);
@@ -269,48 +263,21 @@ TEST_F(AutoplaceTest, backdropsAreRefittedAroundWhatTheyHeldAndNothingIsSaidAbou
     OssSnBaseNode *color = addAt("Procedural/Color", {30, 120});
     wire(color, blur);
     contextOf(m_network->viewerNode())->setNodePosition({3000, 0});
-    OssSnBaseNode *area = addAt("Misc/Backdrop", {-60, -80});
-    auto *backdrop = backdropOf(area);
-    backdrop->setRect({0, 0, 500, 500});
+    OssSnBaseNode *area = addArea({-60, -80, 500, 500});
+    const OssNgBackdropNode *backdrop = backdropOf(area);
     OssUndoManager::instance()->clear();
     area->setSelected(true); // stands for what lies on it
     m_manager->beautifyNodesLayout(m_network);
     const qreal margin = backdrop->titleBarHeight();
     const QRectF members = rectOf(blur) | rectOf(color);
-    EXPECT_EQ(backdrop->rect().translated(backdrop->pos()),
-              members.adjusted(-margin, -2 * margin, margin, margin));
+    EXPECT_EQ(rectOf(area), members.adjusted(-margin, -2 * margin, margin, margin));
     EXPECT_EQ(undoCount(), 1);
     undo();
-    EXPECT_EQ(backdrop->rect().translated(backdrop->pos()), QRectF(-60, -80, 500, 500));
+    EXPECT_EQ(rectOf(area), QRectF(-60, -80, 500, 500));
 
     m_network->removeNodes({blur, color});
     m_manager->beautifyNodesLayout(m_network);
     expectLogged("[ !! ] Nothing to autoplace.");
-}
-
-TEST_F(AutoplaceTest, portsOfAGroupFollowTheNodesThatStandForThem)
-{
-    auto *group = addGroup();
-    ASSERT_NE(group, nullptr);
-    QList<OssSnBaseNode *> inside;
-    for (const char *name : {"A", "B", "C"})
-        inside.append(group->createInput(text(name), OssSnDataKind::Color));
-    for (int i = 0; i < 3; ++i)
-        contextOf(inside.at(i))->setNodePosition({0.0, 100.0 * i});
-    OssUndoManager::instance()->clear();
-    itemOf(inside.first())->setPosition({0, 500});
-    Q_EMIT itemOf(inside.first())->posChanged({0, 500});
-    const QStringList order = texts({"B", "C", "A"});
-    EXPECT_EQ(group->inputNames(), order);
-    EXPECT_EQ(itemOf(group)->inputPortNames(), order);
-    undo();
-    EXPECT_EQ(group->inputNames().first(), text("A"));
-    Q_EMIT OssShaderNetworkManager::instance()->arrangeGroupInputNodesByOrderRequested(
-        group->groupNetwork(), {text("C"), text("A"), text("B")});
-    EXPECT_LT(placeOf(inside.at(2)).y(), placeOf(inside.at(0)).y());
-    EXPECT_LT(placeOf(inside.at(0)).y(), placeOf(inside.at(1)).y());
-    m_manager->reorderGroupInputsByPos(nullptr);
-    expectLogged("GroupNode is NULL");
 }
 
 TEST_F(AutoplaceTest, hiddenNodesAndTheViewerOnABackdropStayAndEmptyBackdropsToo)
@@ -322,15 +289,10 @@ TEST_F(AutoplaceTest, hiddenNodesAndTheViewerOnABackdropStayAndEmptyBackdropsToo
     contextOf(viewer)->setNodePosition({250, 200});
     wire(color, merge, "Base");
     wire(hidden, merge, "Over");
-    viewer->setInputNode(text("1"), color, color->prefferedOutputPoint());
+    wire(color, viewer, "1");
     itemOf(hidden)->setVisible(false);
-    const auto areaAt = [&](const QPointF &position) {
-        OssSnBaseNode *area = addAt("Misc/Backdrop", position);
-        contextOf(area)->setNodeSize({900, 900});
-        return area;
-    };
-    OssSnBaseNode *area = areaAt({-60, -80});
-    OssSnBaseNode *empty = areaAt({5000, 5000});
+    OssSnBaseNode *area = addArea({-60, -80, 900, 900});
+    OssSnBaseNode *empty = addArea({5000, 5000, 900, 900});
     area->setSelected(true);
     OssUndoManager::instance()->clear();
     m_manager->beautifyNodesLayout(m_network);
@@ -352,8 +314,7 @@ TEST_F(AutoplaceTest, backdropsAreInNobodysWay)
     OssSnBaseNode *color = addAt("Procedural/Color", {30, 500});
     wire(color, blur);
     contextOf(m_network->viewerNode())->setNodePosition({3000, 0});
-    OssSnBaseNode *area = addAt("Misc/Backdrop", {-350, -40});
-    contextOf(area)->setNodeSize({250, 150});
+    addArea({-350, -40, 250, 150});
     m_manager->beautifyNodesLayout(m_network, blur);
     EXPECT_EQ(rectOf(color).right(), -150.0);
 }

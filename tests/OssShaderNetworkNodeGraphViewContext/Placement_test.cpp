@@ -42,11 +42,6 @@ protected:
         OssUndoManager::instance()->clear();
     }
 
-    QRectF rectOf(const OssSnBaseNode *node) const
-    {
-        return itemOf(node)->boundingRect().translated(itemOf(node)->pos());
-    }
-
     OssSnBaseNode *m_reference = nullptr;
     OssSnBaseNode *m_node = nullptr;
 };
@@ -129,10 +124,8 @@ TEST_F(PlacementTest, oldCoordinatesStayInAnAxisWithoutAStep)
 
 TEST_F(PlacementTest, containersStandBesideAndStretch)
 {
-    OssSnBaseNode *a = addAt("Misc/Backdrop", {0, 0}, "A");
-    OssSnBaseNode *b = addAt("Misc/Backdrop", {50, 900}, "B");
-    contextOf(a)->setNodeSize({300, 200});
-    contextOf(b)->setNodeSize({500, 200});
+    OssSnBaseNode *a = addArea({0, 0, 300, 200}, "A");
+    OssSnBaseNode *b = addArea({50, 900, 500, 200}, "B");
     Q_EMIT m_node->nodePositionedNextTo(m_reference);
     expectLogged("Invalid container gui node found for node 'Node'");
     Q_EMIT b->nodePositionedNextTo(a);
@@ -149,15 +142,6 @@ TEST_F(PlacementTest, containersStandBesideAndStretch)
     undoAll();
     OssUndoManager::instance()->clear();
     expectNothingDone();
-}
-
-TEST_F(PlacementTest, besideNothingANodeStaysWhereItIs)
-{
-    OssSnBaseNode *node = addAt("Filter/Blur", {40, 60});
-    m_view->positionNodeBesideReference(node, nullptr);
-    EXPECT_EQ(itemOf(node)->pos(), QPointF(40, 60));
-    m_view->positionNodeBesideReference(node, addAt("Filter/Blur", {500, 60}));
-    EXPECT_NE(itemOf(node)->pos(), QPointF(40, 60));
 }
 
 } // namespace

@@ -55,7 +55,7 @@ protected:
 
     static QAction *action(const char *path)
     {
-        return OssActionTreeManager::instance()->findAction(text(path));
+        return OssActionTreeManager::instance()->findAction(text("/Ossa/NodeGraph/") + text(path));
     }
 };
 
@@ -66,11 +66,10 @@ TEST_F(PluginTest, everyOfferedTypeHasOneCreationAction)
     addType("Test/Slashes", "Filter//Soft/");
     addType("Test/A", "Test/Same");
     addType("Test/B", "Test/Same");
-    EXPECT_EQ(action("/Ossa/NodeGraph/Create/_Hidden/Foo"), nullptr);
-    ASSERT_NE(action("/Ossa/NodeGraph/Create/Bare"), nullptr);
-    EXPECT_EQ(action("/Ossa/NodeGraph/Create/Filter/Soft")->data().toString(),
-              text("Test/Slashes"));
-    EXPECT_EQ(action("/Ossa/NodeGraph/Create/Test/Same")->data().toString(), text("Test/A"));
+    EXPECT_EQ(action("Create/_Hidden/Foo"), nullptr);
+    ASSERT_NE(action("Create/Bare"), nullptr);
+    EXPECT_EQ(action("Create/Filter/Soft")->data().toString(), text("Test/Slashes"));
+    EXPECT_EQ(action("Create/Test/Same")->data().toString(), text("Test/A"));
     const int count = OssActionTreeManager::instance()->entries().size();
     QMetaObject::invokeMethod(pluginUnderTest(), "createNodeCreationActions");
     EXPECT_EQ(OssActionTreeManager::instance()->entries().size(), count);
@@ -80,7 +79,7 @@ TEST_F(PluginTest, creationActionsMakeASelectedNodeInOneStep)
 {
     contextOf(m_network->viewerNode())->setNodePosition({3000, 3000});
     OssUndoManager::instance()->clear();
-    action("/Ossa/NodeGraph/Create/Filter/Blur")->trigger();
+    action("Create/Filter/Blur")->trigger();
     ASSERT_EQ(undoCount(), 1);
     const QList<OssSnBaseNode *> selected = m_network->selectedNodes();
     ASSERT_EQ(selected.size(), 1);
@@ -112,17 +111,17 @@ TEST_F(PluginTest, actionsReachTheView)
     addAt("Filter/Blur", {0, 0});
     OssSnBaseNode *far = addAt("Filter/Blur", {5000, 5000});
     far->setSelected(true);
-    action("/Ossa/NodeGraph/Frame Nodes")->trigger();
+    action("Frame Nodes")->trigger();
     const qreal all = m_view->transform().m11();
-    action("/Ossa/NodeGraph/Focus Selection")->trigger();
+    action("Focus Selection")->trigger();
     EXPECT_GT(m_view->transform().m11(), all);
     const qreal before = m_view->transform().m11();
-    action("/Ossa/NodeGraph/Zoom Out")->trigger();
+    action("Zoom Out")->trigger();
     EXPECT_LT(m_view->transform().m11(), before);
-    action("/Ossa/NodeGraph/Toggle Edge Sever Mode")->trigger();
-    EXPECT_EQ(m_view->cursorTrackingMode(), 1);
-    action("/Ossa/NodeGraph/Toggle Edge Sever Mode")->trigger();
-    EXPECT_EQ(m_view->cursorTrackingMode(), 0);
+    for (const int mode : {1, 0}) {
+        action("Toggle Edge Sever Mode")->trigger();
+        EXPECT_EQ(m_view->cursorTrackingMode(), mode);
+    }
     int pickUps = 0;
     const auto entries = OssActionTreeManager::instance()->entries();
     for (const OssActionTreeManager::Entry &entry : entries)

@@ -34,12 +34,6 @@ protected:
         EXPECT_TRUE(seen);
     }
 
-    static QAction *command(const char *name)
-    {
-        return OssActionTreeManager::instance()->findAction(text("/Ossa/NodeGraph/")
-                                                            + QLatin1String(name));
-    }
-
     /// The commands below a menu as "Submenu/Text", in order.
     static QStringList entries(const QMenu *menu, const QString &path = {})
     {
@@ -100,8 +94,8 @@ TEST_F(ContextMenu, enablesWhatFitsTheSelectionAndOnlyWhileItIsOpen)
         {inside, {inner}, false, true},
     };
 
-    QAction *knobs = command("Manage User Knobs");
-    QAction *exposure = command("Expose Node Properties");
+    QAction *knobs = graphAction("Manage User Knobs");
+    QAction *exposure = graphAction("Expose Node Properties");
     ASSERT_TRUE(knobs && exposure);
     for (const auto &c : cases) {
         m_manager->showNetworkInView(c.shown, m_view);
@@ -126,8 +120,8 @@ TEST_F(ContextMenu, commandsThatNeedASelectionAreOffEverywhereWithoutOne)
     OssSnBaseNode *inner = addInside(group, "Filter/Blur", "In");
     const auto expectEnabled = [](bool knobs, bool exposure) {
         OssActionTreeManager::instance()->settleStates();
-        EXPECT_EQ(command("Manage User Knobs")->isEnabled(), knobs);
-        EXPECT_EQ(command("Expose Node Properties")->isEnabled(), exposure);
+        EXPECT_EQ(graphAction("Manage User Knobs")->isEnabled(), knobs);
+        EXPECT_EQ(graphAction("Expose Node Properties")->isEnabled(), exposure);
     };
     m_manager->showNetworkInView(m_network, m_view);
     select({});
@@ -136,7 +130,7 @@ TEST_F(ContextMenu, commandsThatNeedASelectionAreOffEverywhereWithoutOne)
     expectEnabled(true, false);
     select({m_blur});
     QCoreApplication::processEvents();
-    EXPECT_FALSE(command("Manage User Knobs")->isEnabled()) << "nobody has to ask";
+    EXPECT_FALSE(graphAction("Manage User Knobs")->isEnabled()) << "nobody has to ask";
     m_manager->showNetworkInView(group->groupNetwork(), m_view);
     expectEnabled(true, false);
     select({inner});

@@ -1,10 +1,7 @@
 #include "GraphFixture.h"
 #include "GraphUser.h"
-#include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssModel/Graph/OssShaderNetworkIO.h"
 #include "PluginUnderTest.h"
-
-#include <QAction>
 
 #include <array>
 #include <deque>
@@ -71,8 +68,7 @@ protected:
 
     static void trigger(const char *name)
     {
-        QAction *action = OssActionTreeManager::instance()->findAction(text("/Ossa/NodeGraph/")
-                                                                       + QLatin1String(name));
+        QAction *action = graphAction(name);
         ASSERT_NE(action, nullptr);
         action->trigger();
     }

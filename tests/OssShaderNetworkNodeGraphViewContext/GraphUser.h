@@ -1,11 +1,13 @@
 #pragma once
 
+#include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssModel/Images/OssImage.h"
 #include "OssModel/Images/OssImageManager.h"
 #include "OssSnNodeGraphViewContextManager.h"
 #include "support/DialogAnswers.h"
 #include "support/Text.h"
 
+#include <QAction>
 #include <QDropEvent>
 #include <QImage>
 #include <QLineEdit>
@@ -15,6 +17,17 @@
 #include <QTest>
 
 // What a user of the node graph does with the dialogs, menus and files around it.
+
+/// The action of the graph's folder with that path, null when there is none.
+inline QAction *graphAction(const QString &path)
+{
+    return OssActionTreeManager::instance()->findAction(text("/Ossa/NodeGraph/") + path);
+}
+
+inline QAction *graphAction(const char *path)
+{
+    return graphAction(text(path));
+}
 
 /// Types into the dialog that the next call opens, ends with the key and closes what is left.
 inline void typeInDialog(const char *typed, Qt::Key end = Qt::Key_Return)

@@ -5,7 +5,6 @@
 #include "support/InterfaceUser.h"
 
 #include <QApplication>
-#include <QDialogButtonBox>
 #include <QInputDialog>
 #include <QMessageBox>
 #include <QPushButton>

@@ -1,6 +1,5 @@
 #include "GraphFixture.h"
 #include "Layout/ColumnLayout.h"
-#include "OssModel/Graph/OssSnGroupNode.h"
 
 #include <random>
 

@@ -2,7 +2,6 @@
 #include "GraphUser.h"
 #include "OssCore/Program/OssPreferenceManager.h"
 #include "OssCore/Program/OssSettings.h"
-#include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/Palettes/OssPalette.h"
 #include "OssInterface/Palettes/OssPaletteManager.h"
 #include "OssModel/Nodes/OssSnChannelInputNode.h"
@@ -116,10 +115,10 @@ TEST_F(ManagerTest, matchingAPositionIsOneStep)
 {
     OssSnBaseNode *a = addAt("Filter/Blur", {10, 20});
     OssSnBaseNode *b = addAt("Filter/Blur", {300, 20});
-    const int steps = undoCount();
+    begin();
     Q_EMIT OssShaderNetworkManager::instance()->matchNodePositionRequest(a, b);
     EXPECT_EQ(itemOf(b)->pos(), QPointF(10, 20));
-    EXPECT_EQ(undoCount(), steps + 1);
+    EXPECT_EQ(undoCount(), 1);
     undo();
     EXPECT_EQ(itemOf(b)->pos(), QPointF(300, 20));
 }
@@ -207,9 +206,7 @@ TEST_F(ManagerTest, modesAreTakenByTheSelectionInAViewAndTheStreamsOnlyByNodesTh
     OssSnBaseNode *shader = addAt("Shaders/Standard Surface", {300, 0});
     select({plain, shader});
     const auto switchTo = [](const char *mode) {
-        OssActionTreeManager::instance()
-            ->findAction(text("/Ossa/NodeGraph/Switch to %1 mode").arg(text(mode)))
-            ->trigger();
+        graphAction(text("Switch to %1 mode").arg(text(mode)))->trigger();
     };
     const auto expectModes = [&](int plains, int shaders) {
         EXPECT_EQ(contextOf(plain)->portListModeAsInt(), plains);
@@ -373,11 +370,9 @@ TEST_F(ManagerTest, palettesComeToTheFrontAndCommandsAreFiled)
     m_manager->showPropertiesPalette();
     EXPECT_TRUE(palette->isVisible());
     palette->setVisible(false);
-    const OssActionTreeManager *tree = OssActionTreeManager::instance();
     for (const char *path :
          {"Autoplace", "Delete All Properties", "Shake To Extract", "Switch to Expanded mode"})
-        EXPECT_NE(tree->findAction(text("/Ossa/NodeGraph/") + QLatin1String(path)), nullptr)
-            << path;
+        EXPECT_NE(graphAction(path), nullptr) << path;
     m_manager->onGroupPortNodeMoved(m_network, true); // of no group
     m_manager->onGroupPortNodeMoved(m_network, false);
     EXPECT_FALSE(logHas(text("GroupNode is NULL")));

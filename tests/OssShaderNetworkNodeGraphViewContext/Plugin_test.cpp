@@ -52,11 +52,6 @@ protected:
         GraphFixture::SetUp();
         ASSERT_TRUE(pluginUnderTest());
     }
-
-    static QAction *action(const char *path)
-    {
-        return OssActionTreeManager::instance()->findAction(text("/Ossa/NodeGraph/") + text(path));
-    }
 };
 
 TEST_F(PluginTest, everyOfferedTypeHasOneCreationAction)
@@ -66,10 +61,10 @@ TEST_F(PluginTest, everyOfferedTypeHasOneCreationAction)
     addType("Test/Slashes", "Filter//Soft/");
     addType("Test/A", "Test/Same");
     addType("Test/B", "Test/Same");
-    EXPECT_EQ(action("Create/_Hidden/Foo"), nullptr);
-    ASSERT_NE(action("Create/Bare"), nullptr);
-    EXPECT_EQ(action("Create/Filter/Soft")->data().toString(), text("Test/Slashes"));
-    EXPECT_EQ(action("Create/Test/Same")->data().toString(), text("Test/A"));
+    EXPECT_EQ(graphAction("Create/_Hidden/Foo"), nullptr);
+    ASSERT_NE(graphAction("Create/Bare"), nullptr);
+    EXPECT_EQ(graphAction("Create/Filter/Soft")->data().toString(), text("Test/Slashes"));
+    EXPECT_EQ(graphAction("Create/Test/Same")->data().toString(), text("Test/A"));
     const int count = OssActionTreeManager::instance()->entries().size();
     QMetaObject::invokeMethod(pluginUnderTest(), "createNodeCreationActions");
     EXPECT_EQ(OssActionTreeManager::instance()->entries().size(), count);
@@ -79,7 +74,7 @@ TEST_F(PluginTest, creationActionsMakeASelectedNodeInOneStep)
 {
     contextOf(m_network->viewerNode())->setNodePosition({3000, 3000});
     OssUndoManager::instance()->clear();
-    action("Create/Filter/Blur")->trigger();
+    graphAction("Create/Filter/Blur")->trigger();
     ASSERT_EQ(undoCount(), 1);
     const QList<OssSnBaseNode *> selected = m_network->selectedNodes();
     ASSERT_EQ(selected.size(), 1);
@@ -111,15 +106,15 @@ TEST_F(PluginTest, actionsReachTheView)
     addAt("Filter/Blur", {0, 0});
     OssSnBaseNode *far = addAt("Filter/Blur", {5000, 5000});
     far->setSelected(true);
-    action("Frame Nodes")->trigger();
+    graphAction("Frame Nodes")->trigger();
     const qreal all = m_view->transform().m11();
-    action("Focus Selection")->trigger();
+    graphAction("Focus Selection")->trigger();
     EXPECT_GT(m_view->transform().m11(), all);
     const qreal before = m_view->transform().m11();
-    action("Zoom Out")->trigger();
+    graphAction("Zoom Out")->trigger();
     EXPECT_LT(m_view->transform().m11(), before);
     for (const int mode : {1, 0}) {
-        action("Toggle Edge Sever Mode")->trigger();
+        graphAction("Toggle Edge Sever Mode")->trigger();
         EXPECT_EQ(m_view->cursorTrackingMode(), mode);
     }
     int pickUps = 0;

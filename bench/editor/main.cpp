@@ -184,9 +184,12 @@ void benchTeleports(const QString &path)
 {
     constexpr int Count = 800;
     OssProjectManager *projects = OssProjectManager::instance();
-    const auto make = [](OssShaderNetwork *network, const char *key, const QPointF &place) {
+    const QString channel = QStringLiteral("channel");
+    const auto make = [&](OssShaderNetwork *network, const char *key, const QPointF &place) {
         OssSnBaseNode *node = network->createNode(QString::fromLatin1(key));
         node->viewContext()->setNodePosition(place);
+        if (node->exists(channel))
+            node->setAttribute(channel, QStringLiteral("Wall"));
         return node;
     };
     for (const char *key : {"Procedural/Color", "Teleport Receiver/Receiver"}) {

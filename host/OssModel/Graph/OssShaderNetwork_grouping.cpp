@@ -1,7 +1,7 @@
 #include "OssModel/Graph/OssShaderNetwork.h"
 
 #include "OssCore/Undo/OssUndoManager.h"
-#include "OssModel/Graph/OssNodeWalker.h"
+#include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Graph/OssSnBaseContext.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Types/OssSnTags.h"
@@ -92,19 +92,6 @@ bool canBeGrouped(const OssSnBaseNode *node)
 {
     return OssShaderNetwork::isRemovable(node) && !isPort(node) && !isViewer(node);
 }
-
-/// The nodes beyond others along the walker's way.
-template <typename Walker>
-class Beyond : public Walker
-{
-public:
-    explicit Beyond(const QList<OssSnBaseNode *> &starts) { this->walkBeyond(starts); }
-
-    QSet<const OssSnBaseNode *> found;
-
-private:
-    void visit(OssSnBaseNode *node) override { found.insert(node); }
-};
 
 QString freePortName(const OssSnGroupNode *group, const QString &wanted)
 {
@@ -217,13 +204,10 @@ QList<OssSnBaseNode *> OssShaderNetwork::nodesBetween(const QList<OssSnBaseNode 
     QList<OssSnBaseNode *> own;
     std::copy_if(members.cbegin(), members.cend(), std::back_inserter(own),
                  [&](const auto *node) { return node->network() == this && canBeGrouped(node); });
-    const QSet<OssSnBaseNode *> inside(own.cbegin(), own.cend());
-    const Beyond<OssShaderNetworkUtils::OssNodeWalkerDownstream> fed(own);
-    const Beyond<OssShaderNetworkUtils::OssNodeWalkerUpstream> feeding(own);
+    const QList<OssSnBaseNode *> found = OssShaderNetworkUtils::nodesBetween(own);
     QList<OssSnBaseNode *> between;
     for (const NodePointer &node : m_nodes) {
-        if (!inside.contains(node.get()) && fed.found.contains(node.get())
-            && feeding.found.contains(node.get()))
+        if (found.contains(node.get()))
             between.append(node.get());
     }
     return between;

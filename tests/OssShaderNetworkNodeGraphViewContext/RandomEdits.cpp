@@ -20,6 +20,16 @@ void RandomEdits::TearDown()
     GraphFixture::TearDown();
 }
 
+quint32 RandomEdits::startAnywhere()
+{
+    const quint32 seed = qEnvironmentVariableIsSet("OSSA_SEED")
+                             ? quint32(qEnvironmentVariableIntValue("OSSA_SEED"))
+                             : QRandomGenerator::global()->generate() % 1000000;
+    std::printf("OSSA_SEED=%u\n", seed);
+    m_random.seed(seed);
+    return seed;
+}
+
 OssShaderNetwork *RandomEdits::anyNetwork()
 {
     QList<OssShaderNetwork *> networks{m_network};

@@ -21,6 +21,9 @@ protected:
 
     void TearDown() override;
 
+    /// Seeds the walk, by OSSA_SEED if that is set, and says how.
+    quint32 startAnywhere();
+
     int below(int bound) { return int(m_random.bounded(quint32(bound))); }
 
     OssShaderNetwork *anyNetwork();

@@ -373,11 +373,7 @@ TEST_F(WildEdits, theDocumentHoldsTogetherAfterEachOfThem)
           "is protected and stays", "An object has one viewer", "Grouping leaves out", "Bake",
           "cannot be converted", "has no place any more", "do not come along"})
         refusals.emplace_back(text, ExpectedLog::Possible);
-    const quint32 seed = qEnvironmentVariableIsSet("OSSA_SEED")
-                             ? quint32(qEnvironmentVariableIntValue("OSSA_SEED"))
-                             : QRandomGenerator::global()->generate() % 1000000;
-    std::printf("OSSA_SEED=%u\n", seed);
-    m_random.seed(seed);
+    const quint32 seed = startAnywhere();
     for (int round = 0; round < (asked > 0 ? asked : 3); ++round) {
         edit();
         if (!HasFailure())

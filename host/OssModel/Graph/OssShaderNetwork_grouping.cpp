@@ -204,7 +204,8 @@ QList<OssSnBaseNode *> OssShaderNetwork::nodesBetween(const QList<OssSnBaseNode 
     QList<OssSnBaseNode *> own;
     std::copy_if(members.cbegin(), members.cend(), std::back_inserter(own),
                  [&](const auto *node) { return node->network() == this && canBeGrouped(node); });
-    const QList<OssSnBaseNode *> found = OssShaderNetworkUtils::nodesBetween(own);
+    const QList<OssSnBaseNode *> everywhere = OssShaderNetworkUtils::nodesBetween(own);
+    const QSet<OssSnBaseNode *> found(everywhere.cbegin(), everywhere.cend());
     QList<OssSnBaseNode *> between;
     for (const NodePointer &node : m_nodes) {
         if (found.contains(node.get()))

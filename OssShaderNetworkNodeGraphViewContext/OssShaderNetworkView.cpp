@@ -4,6 +4,7 @@
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Project/OssProjectManager.h"
+#include "OssNodeGraph/Items/OssNgNode.h"
 #include "OssSnNodeGraphViewContextManager.h"
 #include "ZelGL/ZelTextureToken.h"
 
@@ -23,6 +24,13 @@ OssShaderNetworkView::OssShaderNetworkView(QWidget *parent)
     setAcceptDrops(true);
     connect(this, &OssNgView::shakeToExtractTriggered, this,
             &OssShaderNetworkView::onShakeToExtractTriggered);
+    // Once the release is over: what opens then has a loop of its own.
+    connect(this, &OssNgView::wireDroppedOnCanvas, this,
+            [this](OssNgNode *node, const QString &port, bool fromOutput, const QPointF &place) {
+                QTimer::singleShot(0, this,
+                                   [this, node = QPointer<OssNgNode>(node), port, fromOutput,
+                                    place] { createAtWireEnd(node, port, fromOutput, place); });
+            });
     connect(OssProjectManager::instance(), &OssProjectManager::projectClosed, this,
             &OssShaderNetworkView::onProjectClosed);
     QTimer::singleShot(BindingDelay, this,

@@ -8,6 +8,9 @@
 #include <QPointer>
 #include <QPointF>
 
+#include <functional>
+#include <optional>
+
 class OssShaderNetwork;
 class OssGeoEntity;
 class OssGeoImageSet;
@@ -16,6 +19,7 @@ class OssSnBakePointNode;
 class OssSnBaseNode;
 class OssSnImageSetNodeBase;
 class OssSnMultiChannelGroupNode;
+class OssSnNodeType;
 class QAction;
 
 /// The editor of one shader network: a graphics view on the scene with the items of its nodes, and
@@ -42,7 +46,8 @@ public:
     void connectNodeToViewer(OssSnBaseNode *node, int input);
     /// Makes a node with its corner at a point of the viewport. Null when the type is unknown.
     OssSnBaseNode *createNodeAt(const QString &pathKey, const QPoint &viewPos);
-    /// Where a new node goes: under the pointer, or the viewport's middle when it is elsewhere.
+    /// Where a new node goes: where the menu was asked for while it is open, else under the
+    /// pointer, or the viewport's middle when that is elsewhere.
     QPoint creationPoint() const;
 
 public Q_SLOTS:
@@ -130,6 +135,10 @@ public Q_SLOTS:
     void createMergeNode();
     void createMergeNode(QPoint NodeViewPos);
     void quickCreate();
+    /// The user chooses among the types that can take the wire that was pulled from the port, and
+    /// the new node is wired.
+    void createAtWireEnd(OssNgNode *item, const QString &port, bool fromOutput,
+                         const QPointF &scenePos);
     /// A null position means the middle of the viewport. Nodes that can hold no image get none.
     void createNodeFromDropImage(OssImage *Image, QString NodeType, QPointF NodeScenePos);
     void createNodeFromDropImage(OssImage *Image, QString NodeType);
@@ -241,6 +250,13 @@ private:
     void placeInsertedNodes(const QList<OssSnBaseNode *> &nodes, const QPoint *viewPos);
     /// In the order in which the selection reads, without the viewer.
     QList<OssSnBaseNode *> selectedBusinessNodesInOrder() const;
+    using TypeFilter = std::function<bool(const OssSnNodeType &type)>;
+
+    /// Path key of the type that the user chooses; empty when none was. `position`, of the viewport,
+    /// is where the search opens and then where the node is wanted. Without a filter all types.
+    QString findNodeType(QPoint *position, const TypeFilter &fits);
+    /// Where the menu opens: at the pointer, or at the selection when a key asked for it.
+    QPoint menuPoint(const QContextMenuEvent *event) const;
     /// The command of the type where it has one, the generic creation otherwise.
     void createChosenNode(const QString &pathKey, const QPoint &viewPos);
     void placeNewNode(OssSnBaseNode *node, const QPoint &viewPos);
@@ -297,4 +313,5 @@ private:
 
     QPointer<OssShaderNetwork> m_network;
     QMap<OssNgNode *, StartPosition> m_nodeStartPositions;
+    std::optional<QPoint> m_menuPoint; ///< of the viewport, while the context menu is open
 };

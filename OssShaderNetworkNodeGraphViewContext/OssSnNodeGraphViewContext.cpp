@@ -10,6 +10,7 @@
 #include "OssModel/Layers/OssLayerShaderManager.h"
 #include "OssModel/Nodes/OssSnMultiChannelGroupNode.h"
 #include "OssModel/Types/OssSnTags.h"
+#include "OssNodeGraph/Drawing/OssNgStyle.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
 #include "OssNodeGraph/Items/OssNgBackdropNodeRectChangeUndo.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
@@ -40,6 +41,11 @@ QColor colorOf(const QString &text)
 }
 
 } // namespace
+
+QColor OssSnNodeGraphViewContext::categoryColor(const QString &pathKey)
+{
+    return OssNgStyle::instance()->categoryColor(categoryOf(pathKey));
+}
 
 QString OssSnNodeGraphViewContext::categoryOf(const QString &pathKey)
 {

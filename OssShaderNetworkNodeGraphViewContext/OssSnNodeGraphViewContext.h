@@ -48,6 +48,8 @@ public:
     /// Category of a node in the graph: the first part of its path key, but for kinds that are told
     /// apart by a name of their own.
     static QString categoryOf(const QString &pathKey);
+    /// That nodes of the type bear in the graph.
+    static QColor categoryColor(const QString &pathKey);
 
     // What the type's description or a saved state sets before initializeGui().
     int shapeType() const { return m_shapeType; }

@@ -12,6 +12,7 @@
 #include <QAction>
 #include <QContextMenuEvent>
 #include <QGraphicsScene>
+#include <QScopedValueRollback>
 
 #include <algorithm>
 #include <memory>
@@ -92,6 +93,16 @@ private:
 
 } // namespace
 
+QPoint OssShaderNetworkView::menuPoint(const QContextMenuEvent *event) const
+{
+    if (event->reason() == QContextMenuEvent::Mouse)
+        return viewport()->mapFromGlobal(event->globalPos());
+    const QRectF selection = selectionBounds();
+    const QRect visible = viewport()->rect();
+    const QPoint wanted = fromScene(selection.center()).toPoint();
+    return !selection.isEmpty() && visible.contains(wanted) ? wanted : visible.center();
+}
+
 void OssShaderNetworkView::contextMenuEvent(QContextMenuEvent *event)
 {
     if (!scene()) {
@@ -126,5 +137,6 @@ void OssShaderNetworkView::contextMenuEvent(QContextMenuEvent *event)
         if (action)
             menu->addAction(action);
     }
-    menu->exec(event->globalPos());
+    const QScopedValueRollback<std::optional<QPoint>> point(m_menuPoint, menuPoint(event));
+    menu->exec(viewport()->mapToGlobal(*m_menuPoint));
 }

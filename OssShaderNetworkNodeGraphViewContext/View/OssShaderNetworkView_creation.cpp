@@ -55,6 +55,8 @@ QString nextFreeInput(const OssSnBaseNode *node)
 
 QPoint OssShaderNetworkView::creationPoint() const
 {
+    if (m_menuPoint)
+        return *m_menuPoint;
     const QPoint pointer = viewport()->mapFromGlobal(QCursor::pos());
     const QRect visible = viewport()->rect();
     return visible.contains(pointer) ? pointer : visible.center();

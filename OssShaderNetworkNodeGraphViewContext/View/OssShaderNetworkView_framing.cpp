@@ -42,7 +42,7 @@ void OssShaderNetworkView::capZoom()
     // In single precision: a fit that means 1:1 often ends a hair above it.
     const auto scale = float(transform().m11());
     if (scale > 1.0F)
-        scaleView(1.0 / transform().m11());
+        limitFittedZoom(1.0);
 }
 
 void OssShaderNetworkView::frameNodes(bool EntireScene)

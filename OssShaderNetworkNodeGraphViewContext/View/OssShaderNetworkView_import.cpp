@@ -2,10 +2,8 @@
 
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Program/OssResourceInfo.h"
-#include "OssCore/Program/OssSettings.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Dialogs/OssNodeInfoDialog.h"
-#include "OssInterface/Dialogs/OssNodeQuickFindDialog.h"
 #include "OssInterface/Dialogs/OssSearchNodeDialog.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssInterface/Popups/OssFileDialog.h"
@@ -16,68 +14,18 @@
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Nodes/OssSnCustomProceduralNode.h"
 #include "OssModel/Nodes/OssSnMaterialNode.h"
-#include "OssNodeGraph/Drawing/OssNgStyle.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
 #include "OssSnGroupNodeGraphViewContext.h"
 #include "OssSnNodeGraphViewContextManager.h"
 
-// Finding what to make or to look at, node files, and telling about nodes.
+// Finding what to look at, node files, and telling about nodes.
 
 namespace {
 
 constexpr const char *Source = "OssShaderNetworkView";
-const QString SettingsGroup = QStringLiteral("Node Graph");
-const QString LastUsedKey = QStringLiteral("LastUsedNodePaths");
-const QString FavouritesKey = QStringLiteral("FavouriteNodePaths");
 const QString NodeFilter = QStringLiteral("*.ong");
 
-QStringList storedList(const QString &key)
-{
-    OssSettings settings;
-    settings.beginGroup(SettingsGroup);
-    return settings.value(key).toStringList();
-}
-
-void store(const QString &key, const QStringList &list)
-{
-    OssSettings settings;
-    settings.beginGroup(SettingsGroup);
-    settings.setValue(key, list);
-}
-
-QColor colorOf(const QString &pathKey)
-{
-    return OssNgStyle::instance()->categoryColor(OssSnNodeGraphViewContext::categoryOf(pathKey));
-}
-
-QStringList withLatest(QStringList list, const QString &latest, int most)
-{
-    list.removeAll(latest);
-    list.prepend(latest);
-    return list.mid(0, std::max(0, most));
-}
-
 } // namespace
-
-void OssShaderNetworkView::quickCreate()
-{
-    if (!hasNetwork())
-        return;
-    const QPoint position = creationPoint();
-    const int most = OssSnNodeGraphViewContextManager::instance()
-                         ->numberOfLastUsedNodePathsToStore();
-    const QStringList lastUsed = storedList(LastUsedKey);
-    OssNodeQuickFindDialog dialog(lastUsed, storedList(FavouritesKey), most, position,
-                                  viewport()->size(), viewport());
-    dialog.setColors(colorOf);
-    const bool accepted = dialog.exec() == QDialog::Accepted;
-    store(FavouritesKey, dialog.favourites());
-    const QString chosen = dialog.chosenPathKey();
-    if (!accepted || chosen.isEmpty())
-        return;
-    store(LastUsedKey, withLatest(lastUsed, chosen, most));
-    createChosenNode(chosen, dialog.nodePosition());
-}
 
 void OssShaderNetworkView::searchNodesAction()
 {
@@ -86,7 +34,7 @@ void OssShaderNetworkView::searchNodesAction()
     const QList<OssSnBaseNode *> nodes = m_network->getAllNodes();
     OssDebug(Source, __LINE__, "[ !! ] Found %d nodes in the network", nodes.size());
     OssSearchNodeDialog dialog(nodes, viewport());
-    dialog.setColors(colorOf);
+    dialog.setColors(OssSnNodeGraphViewContext::categoryColor);
     dialog.placeAt(viewport(), creationPoint());
     OssSnBaseNode *node = dialog.exec() == QDialog::Accepted ? dialog.chosenNode() : nullptr;
     if (!node)

@@ -60,6 +60,9 @@ void OssShaderNetworkView::mousePressEvent(QMouseEvent *event)
         return;
     }
     PlacingView::mousePressEvent(event); // may change the selection
+    // The wires of a dot that a click on a marker made have markers too.
+    if ((event->modifiers() & Qt::ControlModifier) && scene() && !scene()->mouseGrabberItem())
+        highlightDotableEdges();
     // A second button does not end the drag that the left one began.
     if (event->button() != Qt::LeftButton && (event->buttons() & Qt::LeftButton))
         return;

@@ -159,7 +159,8 @@ void OssShaderNetworkView::moveViewerToMouse()
         m_network->moveCurrentViewerNodeToNetwork());
     if (!guiNode)
         return;
-    const QPointF place = mapToScene(viewport()->mapFromGlobal(QCursor::pos()));
+    const QPointF place = mapToScene(m_menuPoint ? *m_menuPoint
+                                                 : viewport()->mapFromGlobal(QCursor::pos()));
     const QGraphicsItem *parent = guiNode->parentItem();
     guiNode->setPosition(parent ? parent->mapFromScene(place) : place);
     OssUndoManager::instance()->resetClean(); // it is saved, and no step

@@ -112,6 +112,78 @@ TEST_F(OssNgViewTest, zoomEndsWhereNothingCouldBeSeen)
     }
 }
 
+TEST_F(OssNgViewTest, aKeyAsksForTheMenu)
+{
+    key(Qt::Key_F10);
+    EXPECT_EQ(view.menus, 0);
+    key(Qt::Key_F10, Qt::ShiftModifier);
+    EXPECT_EQ(view.menus, 1);
+}
+
+TEST_F(OssNgViewTest, everyWayOfZoomingKeepsThePointThatWasChosen)
+{
+    const QPoint pointer(200, 150);
+    QCursor::setPos(view.viewport()->mapToGlobal(pointer));
+    const auto wheel = [&] {
+        QWheelEvent event(pointer, view.viewport()->mapToGlobal(pointer), {}, {0, 120},
+                          Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(view.viewport(), &event);
+    };
+    const auto dragged = [&] {
+        const QPointF start = view.toScene(pointer);
+        press(start, Qt::MiddleButton, Qt::AltModifier);
+        move(start + QPointF(60, 0), Qt::MiddleButton);
+        release(start + QPointF(60, 0), Qt::MiddleButton);
+    };
+    const auto pinched = [&] {
+        QNativeGestureEvent event(Qt::ZoomNativeGesture, nullptr, pointer, pointer, pointer, 0.3, 0,
+                                  0);
+        QCoreApplication::sendEvent(view.viewport(), &event);
+    };
+    const std::function<void()> ways[] = {wheel,
+                                          dragged,
+                                          pinched,
+                                          [&] { key(Qt::Key_Plus); },
+                                          [&] { key(Qt::Key_Minus); },
+                                          [&] {
+                                              view.zoomIn();
+                                          }};
+    for (const bool atPointer : {true, false}) {
+        view.setTransformationAnchor(atPointer ? QGraphicsView::AnchorUnderMouse
+                                               : QGraphicsView::AnchorViewCenter);
+        const QPointF fixed = atPointer ? QPointF(pointer)
+                                        : QRectF(view.viewport()->rect()).center();
+        for (const auto &way : ways) {
+            view.zoomAbout(1.0, fixed);
+            const QPointF before = view.toScene(fixed);
+            const qreal zoom = view.zoom();
+            way();
+            EXPECT_NE(view.zoom(), zoom) << &way - ways;
+            const QPointF moved = (view.toScene(fixed) - before) * view.zoom();
+            EXPECT_LE(moved.manhattanLength(), 1.5) << &way - ways << (atPointer ? "p" : "c");
+        }
+    }
+}
+
+TEST_F(OssNgViewTest, whatWasFittedUnderALimitStaysSoInAnotherSize)
+{
+    const QRectF small(100, 100, 200, 50);
+    view.fitInView(small, Qt::KeepAspectRatio);
+    view.limitFittedZoom(1.0);
+    EXPECT_EQ(view.zoom(), 1.0);
+    view.resize(400, 700);
+    EXPECT_EQ(view.zoom(), 1.0);
+    EXPECT_LE((middle() - small.center()).manhattanLength(), 2.0);
+    view.resize(100, 100);
+    EXPECT_EQ(view.zoom(), 0.5);
+    view.resize(900, 900);
+    EXPECT_EQ(view.zoom(), 1.0);
+    EXPECT_LE((middle() - small.center()).manhattanLength(), 2.0);
+    key(Qt::Key_Minus);
+    view.resize(500, 500);
+    EXPECT_EQ(view.zoom(), 0.8) << "the user looks elsewhere";
+}
+
 TEST_F(OssNgViewTest, aNodeOnAWireTakesItAtItsPreferredInputWhenAskedFor)
 {
     b->setPosition({600, 0});
@@ -173,6 +245,15 @@ TEST_F(OssNgViewTest, buttonsNavigateAsTheControlTypeSays)
             const QPointF corner = view.viewportInSceneCoords().topLeft();
             move(place + QPointF(30, 10), c.button);
             EXPECT_EQ(view.viewportInSceneCoords().topLeft(), corner - QPointF(30, 10));
+        }
+        if (c.button == Qt::RightButton) {
+            const QPoint local = at(place);
+            QContextMenuEvent menu(QContextMenuEvent::Mouse, local, local);
+            menu.ignore();
+            view.menus = 0;
+            QCoreApplication::sendEvent(view.viewport(), &menu);
+            EXPECT_EQ(view.interactionState(), c.state) << "no menu comes into a zoom";
+            EXPECT_EQ(view.menus, c.state == OssNgView::Zooming ? 0 : 1);
         }
         release(place, c.button);
         EXPECT_EQ(view.interactionState(), OssNgView::Idle);

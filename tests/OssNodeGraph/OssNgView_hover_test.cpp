@@ -270,6 +270,56 @@ TEST_F(OssNgHoverTest, aNodeHeldOverAWireShowsThatItWouldBeSplicedIn)
     release(start + way);
 }
 
+TEST_F(OssNgHoverTest, aDropOnAWireThatWasNotLitDoesNothing)
+{
+    view.insert = true;
+    b->setPosition({700, 0});
+    OssNgEdge *wire = b->attachInput(In, a, Out);
+    auto *c = scene.add("C", {300, 300});
+    auto *d = scene.add("D", {300, 500});
+    const auto dragOntoWire = [&] {
+        const QPointF start = body(c);
+        const QPointF way = wire->markerPosition() - c->sceneBoundingRect().center();
+        press(start);
+        move(start + way / 2.0);
+        move(start + way);
+        release(start + way);
+        c->processAutoinsert();
+    };
+    c->setSelected(true);
+    d->setSelected(true);
+    dragOntoWire();
+    EXPECT_EQ(b->input(In), wire) << "several are in the hand";
+    c->setPosition({300, 300});
+    d->setSelected(false);
+    dragOntoWire();
+    EXPECT_EQ(b->input(In)->source(), c) << "the next drag knows nothing of the last";
+}
+
+TEST_F(OssNgHoverTest, aShakenNodeIsNotPutBackByTheSameDrag)
+{
+    view.insert = true;
+    view.m_shakeToExtractShakes = 2;
+    b->setPosition({700, 0});
+    auto *c = scene.add("C", {320, 0});
+    c->attachInput(In, a, Out);
+    b->attachInput(In, c, Out);
+    QObject::connect(&view, &OssNgView::shakeToExtractTriggered, &view, [&] {
+        c->detachInput(In);
+        b->attachInput(In, a, Out);
+    });
+    const QPointF start = body(c);
+    press(start);
+    for (const int x : {40, -40, 40, -40, 0})
+        move(start + QPointF(x, 0));
+    ASSERT_EQ(b->input(In)->source(), a);
+    EXPECT_EQ(c->autoinsertCandidate(), b->input(In)) << "it lies where it was";
+    EXPECT_FALSE(b->input(In)->hasMark(OssNgEdge::Inviting));
+    release(start);
+    c->processAutoinsert();
+    EXPECT_EQ(b->input(In)->source(), a);
+}
+
 TEST_F(OssNgHoverTest, aClickOnAPortOrWireIsNoPull)
 {
     OssNgEdge *wire = b->attachInput(In, a, Out);

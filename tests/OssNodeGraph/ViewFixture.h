@@ -7,6 +7,8 @@
 
 #include <QtTest>
 
+#include <functional>
+
 class TestView : public OssNgView
 {
 public:
@@ -16,7 +18,12 @@ public:
     using OssNgView::m_shakeToExtractTime;
     bool insert = false;
 
+    int menus = 0; ///< asked for so far
+
     bool isAutoInsertOn() const override { return insert; }
+
+protected:
+    void contextMenuEvent(QContextMenuEvent *) override { ++menus; }
 };
 
 /// A real view without a screen, two nodes, real events.

@@ -3,6 +3,7 @@
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssModel/Images/OssImage.h"
 #include "OssModel/Images/OssImageManager.h"
+#include "OssShaderNetworkWidget.h"
 #include "OssSnNodeGraphViewContextManager.h"
 #include "support/DialogAnswers.h"
 #include "support/Text.h"

@@ -1,22 +1,15 @@
-#include "GraphFixture.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
 #include "OssScriptObjects/OssScriptManager.h"
-#include "PluginUnderTest.h"
+#include "PointerFixture.h"
 
 #include <QAction>
-#include <QApplication>
-#include <QContextMenuEvent>
-#include <QTest>
-#include <QTimer>
-
-#include <functional>
 
 namespace {
 
 /// Something else begins while a button holds a gesture: the gesture ends, and what moves on with the
 /// button is only the pointer.
-class Interruptions : public GraphFixture
+class Interruptions : public PointerFixture
 {
 protected:
     struct Gesture
@@ -33,15 +26,6 @@ protected:
         std::function<void()> run;
     };
 
-    void SetUp() override
-    {
-        ASSERT_TRUE(pluginUnderTest());
-        GraphFixture::SetUp();
-        m_view->window()->show(); // or the view has no size of its own
-        m_view->window()->activateWindow();
-        m_view->setFocus();
-    }
-
     /// A wire from Color to Blur on a backdrop, all on screen at natural size.
     void fill()
     {
@@ -57,16 +41,6 @@ protected:
         m_view->centerOn(300, 100);
         select({m_blur});
         OssUndoManager::instance()->clear();
-    }
-
-    QPoint at(const QPointF &scenePos) const { return m_view->mapFromScene(scenePos); }
-
-    void pointer(QEvent::Type type, const QPoint &place, Qt::MouseButton button,
-                 Qt::MouseButtons held, Qt::KeyboardModifiers keys = Qt::NoModifier)
-    {
-        QWidget *viewport = m_view->viewport();
-        QMouseEvent event(type, QPointF(place), viewport->mapToGlobal(place), button, held, keys);
-        QCoreApplication::sendEvent(viewport, &event);
     }
 
     static void command(const char *name)
@@ -103,10 +77,10 @@ protected:
 QVector<Interruptions::Gesture> Interruptions::gestures()
 {
     const auto body = [this] {
-        return at(itemOf(m_blur)->sceneBoundingRect().topLeft() + QPointF(60, 14));
+        return headerOf(m_blur);
     };
     const auto output = [this] {
-        return at(itemOf(m_color)->outputPortScenePos(m_color->prefferedOutputPoint()));
+        return outputOf(m_color);
     };
     const auto wire = [this] {
         return at((itemOf(m_color)->outputPortScenePos(m_color->prefferedOutputPoint())
@@ -153,11 +127,7 @@ QVector<Interruptions::Interruption> Interruptions::interruptions()
          }},
         {"menu key",
          [this] {
-             opening([this] {
-                 QContextMenuEvent event(QContextMenuEvent::Keyboard, {20, 20},
-                                         m_view->viewport()->mapToGlobal(QPoint(20, 20)));
-                 QCoreApplication::sendEvent(m_view->viewport(), &event);
-             });
+             opening([this] { askForMenu({20, 20}, QContextMenuEvent::Keyboard); });
          }},
         {"quick create", by("Quick Create")},
         {"rename", by("Rename Node")},

@@ -36,6 +36,12 @@ void OssNodeQuickFindDialog::setColors(std::function<QColor(const QString &)> co
     m_model->setColors(std::move(colorOf));
 }
 
+void OssNodeQuickFindDialog::setFilter(const std::function<bool(const OssSnNodeType &)> &fits)
+{
+    m_model->setFilter(fits);
+    list()->setCurrentIndex(m_model->index(0, 0));
+}
+
 QStringList OssNodeQuickFindDialog::favourites() const
 {
     return m_model->favourites();

@@ -9,6 +9,7 @@
 #include <functional>
 
 class OssNodeTypeListModel;
+class OssSnNodeType;
 
 /// Finds a node type to make by a few letters. Ctrl+Space, or a click on the star, makes the type
 /// a favourite.
@@ -25,6 +26,9 @@ public:
 
     /// Shows beside each type the colour that its nodes bear.
     void setColors(std::function<QColor(const QString &pathKey)> colorOf);
+
+    /// Offers the types alone that the filter lets through.
+    void setFilter(const std::function<bool(const OssSnNodeType &type)> &fits);
 
     /// Also what the user changed before leaving with Escape.
     QStringList favourites() const;

@@ -63,6 +63,16 @@ void OssNodeTypeListModel::setColors(std::function<QColor(const QString &)> colo
         Q_EMIT dataChanged(index(0), index(rowCount() - 1), {ColorRole});
 }
 
+void OssNodeTypeListModel::setFilter(const std::function<bool(const OssSnNodeType &)> &fits)
+{
+    const auto drops = [&fits](const Type &row) {
+        const auto type = OssShaderNetworkManager::instance()->nodeType(row.pathKey);
+        return !type || !fits(*type);
+    };
+    m_types.erase(std::remove_if(m_types.begin(), m_types.end(), drops), m_types.end());
+    rebuild();
+}
+
 void OssNodeTypeListModel::setSearchText(const QString &text)
 {
     m_text = text.trimmed();

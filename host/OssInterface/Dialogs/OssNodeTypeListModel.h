@@ -9,6 +9,8 @@
 
 #include <functional>
 
+class OssSnNodeType;
+
 /// The node types that can be made in a graph and fit a search text, best first: by name, by
 /// another name people know the thing by, by menu path. With an empty text the ones used last come
 /// first, then the favourites, then all in the order of their menu paths.
@@ -39,6 +41,9 @@ public:
 
     /// The colour that nodes of a path key bear in the graph.
     void setColors(std::function<QColor(const QString &pathKey)> colorOf);
+
+    /// Keeps the types that the filter lets through and forgets the others.
+    void setFilter(const std::function<bool(const OssSnNodeType &type)> &fits);
 
     void toggleFavourite(const QModelIndex &index);
     void setSearchText(const QString &text);

@@ -85,6 +85,7 @@ OssNgStyle::OssNgStyle()
     set(Role::Label, 0xffb6bcc6);
     set(Role::PortOutline, 0xff1b1d20);
     set(Role::Accent, 0xff5aa9ff);
+    set(Role::Inviting, 0xffffd23f);
     set(Role::Error, 0xffe5484d);
     set(Role::ErrorText, 0xffe5868a);
     set(Role::Stale, 0xffe0b34a);

@@ -27,7 +27,8 @@ public:
         Title,
         Label,
         PortOutline,
-        Accent, ///< selection and focus, nothing else
+        Accent,   ///< selection and focus, nothing else
+        Inviting, ///< a wire into which the node in the hand would be spliced
         Error,
         ErrorText,
         Stale,

@@ -3,6 +3,7 @@
 #include "OssNodeGraph/Gestures/OssNgGestureHost.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
 #include "OssNodeGraph/Items/OssNgNode.h"
+#include "OssNodeGraph/Items/OssNgSceneIndex.h"
 
 #include <QApplication>
 #include <QGraphicsScene>
@@ -55,7 +56,22 @@ void OssNgEdgeDragGesture::release(QMouseEvent *event)
     m_edge->ungrabMouse();
     // A click on a port or wire that did not move changes nothing.
     const QPointF drop = m_moved ? host()->toScene(event->localPos()) : QPointF();
+    const QPointer<OssNgNode> owner = m_owner;
+    const bool fromOutput = m_edge->source() != nullptr;
+    const QString port = fromOutput ? m_edge->sourceOutput() : m_edge->destinationInput();
+    const bool loose = m_moved && owner && liesOnNothing(drop);
     m_edge->releaseMouse(drop, false);
+    dropTemporary();
+    if (loose && owner)
+        host()->announceLooseWire(owner, port, fromOutput, drop);
+}
+
+bool OssNgEdgeDragGesture::liesOnNothing(const QPointF &scenePos) const
+{
+    if (m_edge->connectsAt(scenePos))
+        return false;
+    const OssNgNode *node = OssNgSceneIndex::of(host()->graphScene())->nodeAt(scenePos);
+    return !node || node->isBackground();
 }
 
 void OssNgEdgeDragGesture::cancel()

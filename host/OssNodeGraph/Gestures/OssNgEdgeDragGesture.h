@@ -29,6 +29,7 @@ public:
 
 private:
     void dropTemporary();
+    bool liesOnNothing(const QPointF &scenePos) const;
 
     OssNgEdge *m_edge; ///< only touched while it is the mouse grabber
     QPointer<OssNgNode> m_owner;

@@ -2,7 +2,9 @@
 
 #include <QPointF>
 
+class OssNgNode;
 class QGraphicsScene;
+class QString;
 class QWidget;
 
 /// The view as a gesture sees it: what it may ask and move while a button is held. Positions are
@@ -48,6 +50,8 @@ public:
 
     virtual void scrollBy(const QPointF &pixels) = 0;
     virtual void zoomAbout(qreal newZoom, const QPointF &viewportPos) = 0;
+    /// The point of the viewport that stays where it is while the user zooms with the pointer there.
+    virtual QPointF zoomAnchor(const QPointF &viewportPos) const = 0;
     virtual void centerViewOn(const QPointF &position, bool animated) = 0;
 
     virtual bool isSnapToGridOn() const = 0;
@@ -56,6 +60,9 @@ public:
     virtual ShakeRule shakeRule() const = 0;
     /// Nodes in the hand were shaken.
     virtual void announceShake() = 0;
+    /// A new wire was let go where nothing is.
+    virtual void announceLooseWire(OssNgNode *node, const QString &port, bool fromOutput,
+                                   const QPointF &scenePos) = 0;
 
 protected:
     ~OssNgGestureHost() = default;

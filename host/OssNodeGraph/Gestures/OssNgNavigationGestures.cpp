@@ -45,6 +45,7 @@ OssNgZoomGesture::OssNgZoomGesture(OssNgGestureHost *host, Qt::MouseButton butto
                                    const QPointF &start)
     : OssNgGesture(host, button)
     , m_start(start)
+    , m_anchor(host->zoomAnchor(start))
     , m_startZoom(host->zoom())
 {
 }
@@ -57,7 +58,7 @@ int OssNgZoomGesture::state() const
 void OssNgZoomGesture::move(QMouseEvent *event)
 {
     const QPointF way = event->localPos() - m_start;
-    host()->zoomAbout(m_startZoom * std::exp2((way.x() - way.y()) / PixelsPerDoubling), m_start);
+    host()->zoomAbout(m_startZoom * std::exp2((way.x() - way.y()) / PixelsPerDoubling), m_anchor);
 }
 
 OssNgMinimapGesture::OssNgMinimapGesture(OssNgGestureHost *host, Qt::MouseButton button,

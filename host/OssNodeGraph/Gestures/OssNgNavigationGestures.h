@@ -30,6 +30,7 @@ public:
 
 private:
     QPointF m_start;
+    QPointF m_anchor;
     qreal m_startZoom;
 };
 

@@ -48,8 +48,10 @@ void OssNgNodeDragGesture::enter()
 void OssNgNodeDragGesture::collect()
 {
     const QVector<OssNgNode *> nodes = nodesMovedWithSelection(host()->graphScene());
-    for (OssNgNode *node : nodes)
+    for (OssNgNode *node : nodes) {
         m_moved.append({node, node->pos()});
+        node->keepOutOfWires(false);
+    }
 }
 
 QPointF OssNgNodeDragGesture::snapped(const QPointF &offset) const
@@ -92,11 +94,28 @@ void OssNgNodeDragGesture::move(QMouseEvent *event)
     watchShake(event->localPos());
 }
 
+OssNgEdge *OssNgNodeDragGesture::insertionTarget() const
+{
+    OssNgEdge *edge = m_pressed && m_moved.size() == 1 ? m_pressed->autoinsertCandidate() : nullptr;
+    if (!edge)
+        return nullptr;
+    const bool cameFrom = m_shakenFrom.contains({edge->destination(), edge->destinationInput()});
+    return cameFrom ? nullptr : edge;
+}
+
+void OssNgNodeDragGesture::rememberConsumers()
+{
+    for (const Moved &moved : qAsConst(m_moved)) {
+        const QList<OssNgEdge *> outputs = moved.node ? moved.node->outputs()
+                                                      : QList<OssNgEdge *>();
+        for (const OssNgEdge *edge : outputs)
+            m_shakenFrom.append({edge->destination(), edge->destinationInput()});
+    }
+}
+
 void OssNgNodeDragGesture::previewInsertion()
 {
-    OssNgEdge *candidate = nullptr;
-    if (m_pressed && m_moved.size() == 1)
-        candidate = m_pressed->autoinsertCandidate();
+    OssNgEdge *candidate = insertionTarget();
     OssNgEdge *shown = m_previewedDestination ? m_previewedDestination->input(m_previewedInput)
                                               : nullptr;
     if (shown == candidate)
@@ -143,6 +162,7 @@ void OssNgNodeDragGesture::watchShake(const QPointF &position)
     if (count < std::max(1, host()->shakeRule().reversals))
         return;
     m_shakes.reset();
+    rememberConsumers();
     host()->announceShake();
 }
 
@@ -180,6 +200,11 @@ void OssNgNodeDragGesture::release(QMouseEvent *event)
             m_pressed->setSelected(true);
         }
         return;
+    }
+    const bool inserts = insertionTarget() != nullptr;
+    for (const Moved &moved : qAsConst(m_moved)) {
+        if (moved.node)
+            moved.node->keepOutOfWires(!inserts);
     }
     for (const Moved &moved : qAsConst(m_moved)) {
         if (moved.node && moved.node->pos() != moved.start)

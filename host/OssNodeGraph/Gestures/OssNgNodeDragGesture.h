@@ -41,6 +41,8 @@ private:
     };
 
     void collect();
+    OssNgEdge *insertionTarget() const;
+    void rememberConsumers();
     void moveBy(const QPointF &offset);
     QPointF snapped(const QPointF &offset) const;
     void previewInsertion();
@@ -57,6 +59,8 @@ private:
     bool m_deselectOthersOnClick;
     QPointer<OssNgNode> m_previewedDestination;
     QString m_previewedInput;
+    /// Inputs that the node fed before it was shaken: it is not put back there by the same drag.
+    QVector<QPair<QPointer<OssNgNode>, QString>> m_shakenFrom;
 
     QElapsedTimer m_clock;
     QPointF m_pointer; ///< viewport pixels

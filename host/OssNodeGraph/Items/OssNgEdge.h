@@ -90,6 +90,10 @@ public:
 
     /// Moves the loose end and lights the port on which a release would drop it.
     void dragTo(const QPointF &scenePos);
+
+    /// Whether a release there would connect the loose end.
+    bool connectsAt(const QPointF &scenePos) const { return targetAt(scenePos).node != nullptr; }
+
     /// Ends a drag. A null position or one that hits the port it came from gives the wire back
     /// unchanged; a position over a port connects there; one over the canvas disconnects, unless
     /// `keep` is set. Announced by the nodes concerned, in one undo macro; listeners may delete the

@@ -156,10 +156,16 @@ public:
     /// Moves without an announcement.
     virtual void setPosition(const QPointF &position);
     /// Asks for the node to be spliced into the wire it lies on, when a view of the scene has
-    /// auto-insert on and the node is not connected yet.
+    /// auto-insert on, the node is not connected yet and is not kept out.
     void processAutoinsert();
-    /// The wire into which processAutoinsert() would splice; null when into none.
+    /// The wire into which processAutoinsert() would splice, were the node not kept out; null when
+    /// into none.
     OssNgEdge *autoinsertCandidate() const;
+
+    /// Whether the node stays out of wires it is moved onto. A drag says so of nodes for which it
+    /// showed no wire; the next drag forgets it.
+    void keepOutOfWires(bool out) { m_keptOutOfWires = out; }
+
     /// Moves the node onto the wire and asks for it to be spliced in.
     void setupNodeForInsertionIntoEdge(OssNgEdge *edge);
     /// Whether a click at the point (node coordinates) means this node.
@@ -279,4 +285,5 @@ private:
     bool m_hovered = false;
     bool m_inPaintCache = false;
     bool m_layoutPaused = false;
+    bool m_keptOutOfWires = false;
 };

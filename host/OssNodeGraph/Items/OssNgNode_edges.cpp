@@ -245,7 +245,7 @@ OssNgEdge *OssNgNode::autoinsertCandidate() const
 
 void OssNgNode::processAutoinsert()
 {
-    if (const OssNgEdge *edge = autoinsertCandidate())
+    if (const OssNgEdge *edge = m_keptOutOfWires ? nullptr : autoinsertCandidate())
         splice(this, edge);
 }
 

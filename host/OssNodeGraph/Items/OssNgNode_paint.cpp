@@ -69,7 +69,11 @@ void OssNgNode::paint(QPainter *painter, const QStyleOptionGraphicsItem *, QWidg
     if (!same) {
         cache.store(this, new OssNgPaintCache::Picture{QPixmap(), m_revision, scale * ratio});
         m_inPaintCache = true;
+        // On whole pixels, as the picture will be, or a part that is painted anew would not fit.
+        painter->setWorldTransform(
+            QTransform(scale, 0.0, 0.0, scale, std::round(world.dx()), std::round(world.dy())));
         paintDetailed(painter);
+        painter->setWorldTransform(world);
         return;
     }
     if (picture->pixmap.isNull()) {
@@ -86,9 +90,8 @@ void OssNgNode::paint(QPainter *painter, const QStyleOptionGraphicsItem *, QWidg
         cache.store(this, picture);
     }
     const QPixmap pixmap = picture->pixmap; // storing may have thrown the entry away again
-    const QPointF origin = world.map(QPointF());
     painter->setWorldTransform(QTransform());
-    painter->drawPixmap(QPointF(std::round(origin.x()), std::round(origin.y())), pixmap);
+    painter->drawPixmap(QPointF(std::round(world.dx()), std::round(world.dy())), pixmap);
     painter->setWorldTransform(world);
 }
 

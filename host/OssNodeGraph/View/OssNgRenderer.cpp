@@ -22,17 +22,16 @@ constexpr qreal NamedWidth = 64.0; ///< pixels of a backdrop that has room for i
 constexpr qreal NamedHeight = 20.0;
 constexpr qreal SmallestBox = 2.0; ///< pixels of a node in overview
 
-/// What lies in any of the rectangles, each once.
+/// What lies in any of the rectangles, each once and in an order that does not depend on them: what
+/// crosses must lie the same way in every part that is painted.
 template <typename Find>
 std::vector<int> collect(const QVector<QRectF> &exposed, const Find &find)
 {
     std::vector<int> found;
     for (const QRectF &rect : exposed)
         find(rect, &found);
-    if (exposed.size() > 1) {
-        std::sort(found.begin(), found.end());
-        found.erase(std::unique(found.begin(), found.end()), found.end());
-    }
+    std::sort(found.begin(), found.end());
+    found.erase(std::unique(found.begin(), found.end()), found.end());
     return found;
 }
 
@@ -71,6 +70,7 @@ QPen wirePen(const OssNgEdge &edge, qreal zoom)
         width = 3.0;
         pen.setDashPattern({2.5, 2.5});
     } else if (edge.hasMark(OssNgEdge::Inviting)) {
+        color = style->color(Role::Inviting);
         width = 4.4;
         opacity = 1.0;
     } else if (edge.hovered() && !edge.isSelected()) {
@@ -106,6 +106,32 @@ struct Bundle
     QVector<QLineF> lines;
 };
 
+/// The grid's dots in the rectangles, each once.
+QVector<QRectF> gridDots(const QVector<QRectF> &exposed, qreal step, qreal size)
+{
+    QVector<QRectF> dots;
+    QVector<QRect> covered; // in rows and columns: rectangles overlap, and dots shine through
+    for (const QRectF &rect : exposed) {
+        // Counted from the scene's origin, so that a dot rounds to the same pixel in every part.
+        const auto index = [step](qreal place) {
+            return int(std::floor(place / step));
+        };
+        const QRect here(QPoint(index(rect.left()), index(rect.top())),
+                         QPoint(index(rect.right() + size), index(rect.bottom() + size)));
+        for (int row = here.top(); row <= here.bottom(); ++row) {
+            for (int column = here.left(); column <= here.right(); ++column) {
+                const bool done = std::any_of(
+                    covered.cbegin(), covered.cend(),
+                    [=](const QRect &other) { return other.contains(column, row); });
+                if (!done)
+                    dots.append({column * step - size / 2.0, row * step - size / 2.0, size, size});
+            }
+        }
+        covered.append(here);
+    }
+    return dots;
+}
+
 } // namespace
 
 void OssNgRenderer::paintCanvas(QPainter *painter, const QVector<QRectF> &exposed, qreal zoom)
@@ -126,21 +152,9 @@ void OssNgRenderer::paintCanvas(QPainter *painter, const QVector<QRectF> &expose
     const qreal size = std::max(1.8, 1.4 / zoom);
     const bool smooth = painter->testRenderHint(QPainter::Antialiasing);
     painter->setRenderHint(QPainter::Antialiasing, false);
-    QVector<QRectF> dots;
-    for (const QRectF &rect : exposed) {
-        const qreal left = std::floor(rect.left() / step) * step;
-        const qreal top = std::floor(rect.top() / step) * step;
-        const int columns = int((rect.right() + size - left) / step);
-        const int rows = int((rect.bottom() + size - top) / step);
-        for (int row = 0; row <= rows; ++row) {
-            for (int column = 0; column <= columns; ++column)
-                dots.append(
-                    {left + column * step - size / 2.0, top + row * step - size / 2.0, size, size});
-        }
-    }
     painter->setPen(Qt::NoPen);
     painter->setBrush(color);
-    painter->drawRects(dots);
+    painter->drawRects(gridDots(exposed, step, size));
     painter->setRenderHint(QPainter::Antialiasing, smooth);
 }
 
@@ -189,7 +203,7 @@ void OssNgRenderer::paintWires(QPainter *painter, const OssNgSceneIndex &index,
     for (const int slot : found) {
         const OssNgEdge *edge = index.wireEntry(slot).edge;
         if (edge->hovered() || edge->isSelected() || edge->isDotable()
-            || edge->dragEnd() != OssNgEdge::DragEnd::None)
+            || edge->hasMark(OssNgEdge::Inviting) || edge->dragEnd() != OssNgEdge::DragEnd::None)
             raised.push_back(edge);
         else
             paintWire(painter, *edge, zoom);

@@ -9,6 +9,7 @@
 #include "OssNodeGraph/Items/OssNgSceneIndex.h"
 #include "OssNodeGraph/View/OssNgAccessible.h"
 
+#include <QContextMenuEvent>
 #include <QGraphicsScene>
 #include <QHelpEvent>
 #include <QPainter>
@@ -199,6 +200,9 @@ bool OssNgView::viewportEvent(QEvent *event)
         return true;
     switch (event->type()) {
     case QEvent::ContextMenu:
+        if (m_rightPressTaken
+            && static_cast<QContextMenuEvent *>(event)->reason() == QContextMenuEvent::Mouse)
+            return true;
         interruptGesture();
         break;
     case QEvent::MouseButtonPress:

@@ -48,6 +48,9 @@ public:
     void fitInView(const QRectF &rect, Qt::AspectRatioMode mode = Qt::KeepAspectRatio);
     /// Scales about the viewport's centre, whatever the transformation anchor.
     void scaleView(qreal factor);
+    /// Takes a zoom above the level back to it, about the centre. What fitInView() showed stays
+    /// fitted, under that limit, when the view gets another size.
+    void limitFittedZoom(qreal largest);
     /// Bounds of all visible nodes; empty without any.
     QRectF visibleNodeBounds() const;
     void centerViewOn(const QPointF &position, bool animated) override;
@@ -93,11 +96,13 @@ public:
 
     void scrollBy(const QPointF &pixels) override;
     void zoomAbout(qreal newZoom, const QPointF &viewportPos) override;
+    QPointF zoomAnchor(const QPointF &viewportPos) const override;
     /// Viewport pixels.
     QRectF minimapRect() const;
     QPointF minimapToScene(const QPointF &viewportPos) const override;
 
 public Q_SLOTS:
+    // About the pointer while it is over the graph, or about the centre where that is the anchor.
     void zoomIn();
     void zoomOut();
     void panLeft();
@@ -114,6 +119,9 @@ public Q_SLOTS:
 Q_SIGNALS:
     /// Nodes in the hand were shaken. The drag goes on.
     void shakeToExtractTriggered();
+    /// A new wire from a port was let go where nothing is. `fromOutput` tells the port's side.
+    void wireDroppedOnCanvas(OssNgNode *node, const QString &port, bool fromOutput,
+                             const QPointF &scenePos);
 
 protected:
     int m_interactionState = Idle;
@@ -145,6 +153,8 @@ private:
 
     ShakeRule shakeRule() const override;
     void announceShake() override;
+    void announceLooseWire(OssNgNode *node, const QString &port, bool fromOutput,
+                           const QPointF &scenePos) override;
 
     std::unique_ptr<OssNgGesture> gestureFor(QMouseEvent *event);
     std::unique_ptr<OssNgGesture> navigationFor(const QMouseEvent *event) const;
@@ -160,8 +170,12 @@ private:
     void borderPanStep();
     bool handleNavigationKey(const QKeyEvent *event);
     bool handleNudgeKey(const QKeyEvent *event);
+    bool handleMenuKey(const QKeyEvent *event);
     bool handlePinch(QEvent *event);
     void selectForPress(OssNgNode *node, Qt::KeyboardModifiers modifiers);
+    void selectForMenu(const QPointF &scenePos);
+    void zoomByStep(qreal factor);
+    QPointF pointerOnViewport() const;
     OssNgNode *portOwnerAt(const QPointF &scenePos) const;
     void updateHover(const QPointF &viewportPos);
     void setHoveredNode(OssNgNode *node);
@@ -192,6 +206,7 @@ private:
     int m_handling =
         0; ///< pointer events that are on their way: what is done then is the gesture's
     Qt::MouseButton m_interrupted = Qt::NoButton; ///< still held
+    bool m_rightPressTaken = false;               ///< by a gesture: it opens no menu
     QPointF m_pointer;                            ///< viewport pixels, of the gesture's last event
     Qt::MouseButtons m_pointerButtons;
     Qt::KeyboardModifiers m_pointerModifiers;
@@ -200,6 +215,7 @@ private:
     QPointer<OssNgNode> m_hoveredNode;
     OssNgEdge *m_hoveredEdge = nullptr; ///< valid while the index knows it
     std::optional<QRectF> m_fitted;     ///< until the user looks elsewhere
+    qreal m_fittedLimit = 0.0;          ///< 0: none
     std::vector<qreal> m_exactZooms;    ///< levels that stepping back must hit exactly
     QRegion m_exposed;
     QPixmap m_minimap;

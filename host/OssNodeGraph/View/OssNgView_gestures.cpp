@@ -37,6 +37,12 @@ void OssNgView::announceShake()
     Q_EMIT shakeToExtractTriggered();
 }
 
+void OssNgView::announceLooseWire(OssNgNode *node, const QString &port, bool fromOutput,
+                                  const QPointF &scenePos)
+{
+    Q_EMIT wireDroppedOnCanvas(node, port, fromOutput, scenePos);
+}
+
 void OssNgView::startGesture(std::unique_ptr<OssNgGesture> gesture)
 {
     m_glideTimer.stop();
@@ -94,8 +100,11 @@ bool OssNgView::handlePointer(const QMouseEvent *event)
 {
     const bool press = event->type() == QEvent::MouseButtonPress
                        || event->type() == QEvent::MouseButtonDblClick;
-    if (press && event->button() == Qt::RightButton && !navigationFor(event))
-        interruptGesture();
+    if (press) {
+        m_rightPressTaken = event->button() == Qt::RightButton && navigationFor(event);
+        if (event->button() == Qt::RightButton && !m_rightPressTaken)
+            interruptGesture();
+    }
     if (event->button() == Qt::NoButton || event->button() != m_interrupted)
         return false;
     m_interrupted = Qt::NoButton;
@@ -118,10 +127,12 @@ void OssNgView::mousePressEvent(QMouseEvent *event)
             m_navigation->enter();
         return;
     }
-    if (auto gesture = gestureFor(event))
+    if (auto gesture = gestureFor(event)) {
         startGesture(std::move(gesture));
-    else if (event->button() == Qt::RightButton)
+    } else if (event->button() == Qt::RightButton) {
+        selectForMenu(toScene(event->localPos()));
         event->ignore();
+    }
 }
 
 void OssNgView::mouseMoveEvent(QMouseEvent *event)

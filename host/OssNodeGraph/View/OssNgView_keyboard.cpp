@@ -6,6 +6,8 @@
 #include "OssNodeGraph/Items/OssNgNode.h"
 #include "OssNodeGraph/Items/OssNgNodePositionChangeUndo.h"
 
+#include <QContextMenuEvent>
+#include <QCoreApplication>
 #include <QKeyEvent>
 
 namespace {
@@ -38,7 +40,8 @@ void OssNgView::keyPressEvent(QKeyEvent *event)
 {
     const bool used = event->key() == Qt::Key_Escape
                           ? cancelGesture()
-                          : handleNavigationKey(event) || handleNudgeKey(event);
+                          : handleNavigationKey(event) || handleNudgeKey(event)
+                                || handleMenuKey(event);
     if (used)
         event->accept();
     else if (!isModifier(event->key()))
@@ -60,6 +63,17 @@ bool OssNgView::handleNavigationKey(const QKeyEvent *event)
     if (direction.isNull() || !plain)
         return false;
     panByFraction(direction.x(), direction.y());
+    return true;
+}
+
+bool OssNgView::handleMenuKey(const QKeyEvent *event)
+{
+    // Qt knows the menu key, and this one only where the platform does.
+    if (event->key() != Qt::Key_F10 || event->modifiers() != Qt::ShiftModifier)
+        return false;
+    const QPoint centre = viewport()->rect().center();
+    QContextMenuEvent menu(QContextMenuEvent::Keyboard, centre, viewport()->mapToGlobal(centre));
+    QCoreApplication::sendEvent(viewport(), &menu);
     return true;
 }
 

@@ -90,6 +90,17 @@ void OssNgView::fitInView(const QRectF &rect, Qt::AspectRatioMode)
     setZoomAndTopLeft(exact,
                       rect.center() * exact - QPointF(size.width() / 2.0, size.height() / 2.0));
     m_fitted = rect;
+    m_fittedLimit = 0.0;
+}
+
+void OssNgView::limitFittedZoom(qreal largest)
+{
+    if (zoom() <= largest)
+        return;
+    const std::optional<QRectF> fitted = m_fitted;
+    scaleView(largest / zoom());
+    m_fitted = fitted;
+    m_fittedLimit = largest;
 }
 
 void OssNgView::resizeEvent(QResizeEvent *event)
@@ -98,12 +109,11 @@ void OssNgView::resizeEvent(QResizeEvent *event)
     if (!m_fitted)
         return;
     // What was fitted stays so until the user looks elsewhere; at first a view has no real size.
-    const QRectF fitted = *m_fitted;
-    const qreal largest = std::max(1.0, zoom());
-    fitInView(fitted, Qt::KeepAspectRatio);
-    if (zoom() > largest)
-        zoomAbout(largest, QRectF(viewport()->rect()).center());
-    m_fitted = fitted;
+    const qreal largest = m_fittedLimit > 0.0 ? m_fittedLimit : std::max(1.0, zoom());
+    const bool limited = m_fittedLimit > 0.0;
+    fitInView(QRectF(*m_fitted), Qt::KeepAspectRatio);
+    limitFittedZoom(largest);
+    m_fittedLimit = limited ? largest : 0.0;
 }
 
 void OssNgView::scaleView(qreal factor)
@@ -118,14 +128,10 @@ void OssNgView::zoomIn(double factor, ViewportAnchor anchor)
 {
     if (factor <= 0.0)
         return;
-    QPointF fixed = QRectF(viewport()->rect()).center();
-    if (anchor == AnchorUnderMouse) {
-        const QPoint mouse = viewport()->mapFromGlobal(QCursor::pos());
-        if (viewport()->rect().contains(mouse))
-            fixed = mouse;
-    } else if (anchor == NoAnchor) {
-        fixed = {};
-    }
+    QPointF fixed;
+    if (anchor != NoAnchor)
+        fixed = anchor == AnchorUnderMouse ? pointerOnViewport()
+                                           : QRectF(viewport()->rect()).center();
     m_fitted.reset();
     // No clamping: the inverse step must lead back.
     rememberZoom(zoom());
@@ -140,14 +146,34 @@ void OssNgView::zoomOut(double factor, ViewportAnchor anchor)
         zoomIn(1.0 / factor, anchor);
 }
 
+QPointF OssNgView::pointerOnViewport() const
+{
+    const QPoint mouse = viewport()->mapFromGlobal(QCursor::pos());
+    return viewport()->rect().contains(mouse) ? QPointF(mouse)
+                                              : QRectF(viewport()->rect()).center();
+}
+
+QPointF OssNgView::zoomAnchor(const QPointF &viewportPos) const
+{
+    return transformationAnchor() == AnchorUnderMouse ? viewportPos
+                                                      : QRectF(viewport()->rect()).center();
+}
+
+void OssNgView::zoomByStep(qreal factor)
+{
+    m_glideTimer.stop();
+    zoomAbout(zoom() * factor, zoomAnchor(pointerOnViewport()));
+    replayMove();
+}
+
 void OssNgView::zoomIn()
 {
-    scaleView(ZoomStep);
+    zoomByStep(ZoomStep);
 }
 
 void OssNgView::zoomOut()
 {
-    scaleView(1.0 / ZoomStep);
+    zoomByStep(1.0 / ZoomStep);
 }
 
 void OssNgView::scrollBy(const QPointF &pixels)
@@ -211,10 +237,7 @@ void OssNgView::wheelEvent(QWheelEvent *event)
     const QPointF turn = event->angleDelta();
     const bool zooms = touchpad ? bool(event->modifiers() & Qt::ControlModifier) : turn.y() != 0.0;
     if (zooms) {
-        const QPointF fixed = transformationAnchor() == AnchorUnderMouse
-                                  ? event->position()
-                                  : QRectF(viewport()->rect()).center();
-        zoomAbout(zoom() * std::pow(ZoomStep, turn.y() / WheelStep), fixed);
+        zoomAbout(zoom() * std::pow(ZoomStep, turn.y() / WheelStep), zoomAnchor(event->position()));
     } else {
         scrollBy(touchpad ? -QPointF(event->pixelDelta()) : -turn / 2.0);
     }
@@ -227,7 +250,7 @@ bool OssNgView::handlePinch(QEvent *event)
         const auto *gesture = static_cast<QNativeGestureEvent *>(event);
         if (gesture->gestureType() != Qt::ZoomNativeGesture)
             return false;
-        zoomAbout(zoom() * (1.0 + gesture->value()), gesture->localPos());
+        zoomAbout(zoom() * (1.0 + gesture->value()), zoomAnchor(gesture->localPos()));
         return true;
     }
     if (event->type() != QEvent::Gesture)
@@ -239,7 +262,7 @@ bool OssNgView::handlePinch(QEvent *event)
     const QPointF centre = viewport()->mapFromGlobal(pinch->centerPoint().toPoint());
     const QPointF last = viewport()->mapFromGlobal(pinch->lastCenterPoint().toPoint());
     if (pinch->changeFlags() & QPinchGesture::ScaleFactorChanged)
-        zoomAbout(zoom() * pinch->scaleFactor(), centre);
+        zoomAbout(zoom() * pinch->scaleFactor(), zoomAnchor(centre));
     if (pinch->changeFlags() & QPinchGesture::CenterPointChanged)
         scrollBy(last - centre);
     gestures->accept(Qt::PinchGesture);

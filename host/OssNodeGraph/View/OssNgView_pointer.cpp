@@ -116,6 +116,19 @@ void OssNgView::selectForPress(OssNgNode *node, Qt::KeyboardModifiers modifiers)
     }
 }
 
+void OssNgView::selectForMenu(const QPointF &scenePos)
+{
+    QGraphicsItem *hit = sceneIndex()->nodeAt(scenePos);
+    if (!hit || static_cast<OssNgNode *>(hit)->isBackground()) {
+        if (OssNgEdge *edge = sceneIndex()->edgeAt(scenePos, wireReach()))
+            hit = edge;
+    }
+    if (!hit || hit->isSelected())
+        return;
+    scene()->clearSelection();
+    hit->setSelected(true);
+}
+
 std::unique_ptr<OssNgGesture> OssNgView::leftPressOnNode(QMouseEvent *event, OssNgNode *node)
 {
     const QPointF local = toScene(event->localPos()) - node->pos();
@@ -146,14 +159,15 @@ std::unique_ptr<OssNgGesture> OssNgView::gestureFor(QMouseEvent *event)
     if (m_cursorTrackingMode == SeverTracking)
         return std::make_unique<OssNgSeverGesture>(this, event->button(), event->localPos());
     OssNgEdge *edge = sceneIndex()->edgeAt(position, wireReach());
-    if (edge && edge->isOnMarker(position)) {
+    OssNgNode *node = sceneIndex()->nodeAt(position);
+    const bool hidden = node && !node->isBackground(); // wires run below nodes
+    if (edge && edge->isOnMarker(position) && !hidden) {
         edge->clickMarker();
         return nullptr;
     }
-    if (OssNgNode *node = portOwnerAt(position))
-        return edgeFromPort(position, node);
-    OssNgNode *node = sceneIndex()->nodeAt(position);
-    if (node && !(node->isBackground() && edge))
+    if (OssNgNode *owner = portOwnerAt(position))
+        return edgeFromPort(position, owner);
+    if (node && (hidden || !edge))
         return leftPressOnNode(event, node);
     const bool extend = event->modifiers() & (Qt::ShiftModifier | Qt::ControlModifier);
     if (edge && edge->isFullConnected()) {

@@ -1,0 +1,157 @@
+#include "OssShaderNetworkView.h"
+
+#include "OssCore/Program/OssSettings.h"
+#include "OssCore/Undo/OssUndoManager.h"
+#include "OssInterface/Dialogs/OssNodeQuickFindDialog.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Types/OssSnNodeType.h"
+#include "OssNodeGraph/Items/OssNgNode.h"
+#include "OssSnNodeGraphViewContext.h"
+#include "OssSnNodeGraphViewContextManager.h"
+
+#include <algorithm>
+
+// Making a node that is found by a few letters, also at the end of a wire.
+
+namespace {
+
+const QString SettingsGroup = QStringLiteral("Node Graph");
+const QString LastUsedKey = QStringLiteral("LastUsedNodePaths");
+const QString FavouritesKey = QStringLiteral("FavouriteNodePaths");
+
+QStringList storedList(const QString &key)
+{
+    OssSettings settings;
+    settings.beginGroup(SettingsGroup);
+    return settings.value(key).toStringList();
+}
+
+void store(const QString &key, const QStringList &list)
+{
+    OssSettings settings;
+    settings.beginGroup(SettingsGroup);
+    settings.setValue(key, list);
+}
+
+QStringList withLatest(QStringList list, const QString &latest, int most)
+{
+    list.removeAll(latest);
+    list.prepend(latest);
+    return list.mid(0, std::max(0, most));
+}
+
+/// A material goes into what takes materials; all else can be read as something else.
+bool goTogether(OssSnDataKind a, OssSnDataKind b)
+{
+    return (a == OssSnDataKind::Material) == (b == OssSnDataKind::Material);
+}
+
+/// The port to wire to: of the same kind rather than of another, preferred ones rather than others.
+/// Empty when none goes together with the kind.
+template <class Ports, class Preferred>
+QString bestPort(const Ports &ports, OssSnDataKind kind, Preferred isPreferred)
+{
+    QString best;
+    int bestScore = 0;
+    for (const auto &port : ports) {
+        const int score = !goTogether(port.kind, kind)
+                              ? 0
+                              : 1 + (port.kind == kind ? 1 : 0) + (isPreferred(port) ? 2 : 0);
+        if (score > bestScore) {
+            bestScore = score;
+            best = port.name;
+        }
+    }
+    return best;
+}
+
+template <class Ports>
+bool hasPortFor(const Ports &ports, OssSnDataKind kind)
+{
+    return !bestPort(ports, kind, [](const auto &) { return false; }).isEmpty();
+}
+
+template <class Ports>
+OssSnDataKind kindOf(const Ports &ports, const QString &name)
+{
+    const auto found = std::find_if(ports.cbegin(), ports.cend(),
+                                    [&name](const auto &port) { return port.name == name; });
+    return found == ports.cend() ? OssSnDataKind::Color : found->kind;
+}
+
+} // namespace
+
+QString OssShaderNetworkView::findNodeType(QPoint *position, const TypeFilter &fits)
+{
+    const int most = OssSnNodeGraphViewContextManager::instance()
+                         ->numberOfLastUsedNodePathsToStore();
+    const QStringList lastUsed = storedList(LastUsedKey);
+    OssNodeQuickFindDialog dialog(lastUsed, storedList(FavouritesKey), most, *position,
+                                  viewport()->size(), viewport());
+    dialog.setColors(OssSnNodeGraphViewContext::categoryColor);
+    if (fits)
+        dialog.setFilter(fits);
+    const bool accepted = dialog.exec() == QDialog::Accepted;
+    store(FavouritesKey, dialog.favourites());
+    const QString chosen = dialog.chosenPathKey();
+    if (!accepted || chosen.isEmpty())
+        return {};
+    store(LastUsedKey, withLatest(lastUsed, chosen, most));
+    *position = dialog.nodePosition();
+    return chosen;
+}
+
+void OssShaderNetworkView::quickCreate()
+{
+    if (!hasNetwork())
+        return;
+    QPoint position = creationPoint();
+    const QString chosen = findNodeType(&position, {});
+    if (!chosen.isEmpty())
+        createChosenNode(chosen, position);
+}
+
+void OssShaderNetworkView::createAtWireEnd(OssNgNode *item, const QString &port, bool fromOutput,
+                                           const QPointF &scenePos)
+{
+    const QPointer<OssSnBaseNode> owner = item ? qobject_cast<OssSnBaseNode *>(item->businessNode())
+                                               : nullptr;
+    if (!hasNetwork() || !scene() || !owner || owner->network() != m_network)
+        return;
+    const OssSnDataKind kind = fromOutput ? kindOf(owner->outputPoints(), port)
+                                          : kindOf(owner->inputPorts(), port);
+    QPoint position = fromScene(scenePos).toPoint();
+    const QString chosen = findNodeType(&position, [kind, fromOutput](const OssSnNodeType &type) {
+        return fromOutput ? hasPortFor(type.inputs, kind) : hasPortFor(type.outputs, kind);
+    });
+    if (chosen.isEmpty() || !owner || !scene())
+        return;
+    const OssUndoManager::AutoMacro macro(
+        tr("Create Node : %1").arg(chosen.section(QLatin1Char('/'), -1)));
+    scene()->clearSelection(); // the wire says what it is connected to
+    createChosenNode(chosen, position);
+    const QList<OssSnBaseNode *> made = selectedNodes();
+    if (made.size() != 1)
+        return;
+    OssSnBaseNode *node = made.first();
+    if (fromOutput) {
+        const auto preferred = [](const OssSnInputPort &input) {
+            return input.preferred;
+        };
+        node->setInputNode(bestPort(node->inputPorts(), kind, preferred), owner, port);
+    } else {
+        if (OssNgNode *newItem = itemOf(node)) {
+            newItem->setPosition(scenePos - QPointF(newItem->boundingRect().width(), 0.0));
+            placeNode(node);
+        }
+        const QString first = node->prefferedOutputPoint();
+        const auto preferred = [&first](const OssSnOutputPoint &output) {
+            return output.name == first;
+        };
+        owner->setInputNode(port, node, bestPort(node->outputPoints(), kind, preferred));
+    }
+    keepColorSpaceOfMerges(node);
+    if (const OssNgNode *newItem = itemOf(node))
+        ensureVisible(newItem, 0, 0); // others may have pushed it out of sight
+}

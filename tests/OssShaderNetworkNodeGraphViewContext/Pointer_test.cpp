@@ -1,0 +1,183 @@
+#include "GraphUser.h"
+#include "OssInterface/Dialogs/OssNodeQuickFindDialog.h"
+#include "PointerFixture.h"
+
+#include <QListView>
+
+namespace {
+
+class Pointer : public PointerFixture
+{
+protected:
+    void SetUp() override
+    {
+        PointerFixture::SetUp();
+        m_color = addAt("Procedural/Color", {0, 0}, "Color");
+        m_blur = addAt("Filter/Blur", {400, 0}, "Blur");
+        m_view->resetTransform();
+        m_view->centerOn(300, 100);
+        begin();
+    }
+
+    /// Lets a new wire from there go over the empty canvas and answers the search that opens; null
+    /// answers with Escape. What was offered is kept.
+    void pullAndChoose(const QPoint &from, const QPoint &to, const char *typed)
+    {
+        m_offered.clear();
+        drag(from, to);
+        whenOpen<OssNodeQuickFindDialog>([this, typed](OssNodeQuickFindDialog *dialog) {
+            const QAbstractItemModel *rows = dialog->findChild<QListView *>()->model();
+            for (int row = 0; row < rows->rowCount(); ++row)
+                m_offered.append(rows->index(row, 0).data().toString());
+            auto *field = dialog->findChild<QLineEdit *>();
+            if (typed)
+                QTest::keyClicks(field, text(typed));
+            QTest::keyClick(field, typed ? Qt::Key_Return : Qt::Key_Escape);
+        });
+        QTest::qWait(10);
+    }
+
+    void menuCommand(const QPoint &place, const char *name, QContextMenuEvent::Reason reason)
+    {
+        whenMenuOpens([this, name](QMenu *menu) {
+            QCursor::setPos(m_view->viewport()->mapToGlobal(QPoint(1, 1))); // on its way
+            m_menuAt = m_view->creationPoint();
+            if (QAction *action = graphAction(name))
+                action->trigger();
+            menu->close();
+        });
+        askForMenu(place, reason);
+    }
+
+    OssSnBaseNode *m_color = nullptr;
+    OssSnBaseNode *m_blur = nullptr;
+    QStringList m_offered;
+    QPoint m_menuAt;
+};
+
+TEST_F(Pointer, aWireDroppedOnNothingOffersTheTypesThatFitAndIsWiredToTheNewNode)
+{
+    const QPoint nothing = at({250, 220});
+    const QByteArray before = m_project->stateHash();
+    pullAndChoose(outputOf(m_color), nothing, "Invert");
+    OssSnBaseNode *invert = m_network->node(text("Invert"));
+    ASSERT_NE(invert, nullptr);
+    EXPECT_TRUE(invert->inputNodes().contains(m_color));
+    EXPECT_FALSE(m_offered.contains(text("Color"))) << "nothing goes into it";
+    EXPECT_FALSE(m_offered.contains(text("Backdrop")));
+    expectStep("Create Node : Invert");
+
+    pullAndChoose(at(itemOf(m_blur)->inputPortScenePos(text("Input"))), at({250, 320}), "Color");
+    const OssSnBaseNode *made = m_blur->inputNode(text("Input"));
+    ASSERT_NE(made, nullptr);
+    EXPECT_NE(made, m_color);
+    EXPECT_LE(rectOf(made).right(), 251.0) << "it comes from the left";
+    EXPECT_TRUE(m_offered.contains(text("Color")));
+    undoAll();
+    EXPECT_EQ(m_project->stateHash(), before);
+}
+
+TEST_F(Pointer, aWireThatComesToNothingOrBackOffersNothing)
+{
+    pullAndChoose(outputOf(m_color), at({250, 220}), nullptr);
+    EXPECT_FALSE(m_offered.isEmpty());
+    expectNothingDone("escape");
+    wire(m_color, m_blur);
+    begin();
+    drag(at(itemOf(m_blur)->inputPortScenePos(text("Input"))), at({250, 220}));
+    drag(outputOf(m_color), headerOf(m_color));
+    QWidget *seen = nullptr;
+    QTimer::singleShot(0, [&] {
+        seen = QApplication::activePopupWidget();
+        if (seen)
+            seen->close();
+    });
+    QTest::qWait(10);
+    EXPECT_EQ(seen, nullptr) << "a wire that is taken away, and one that goes back";
+    EXPECT_EQ(m_blur->inputNode(text("Input")), nullptr);
+    EXPECT_EQ(undoCount(), 1);
+}
+
+TEST_F(Pointer, aRightClickSelectsWhatItHitsUnlessItIsSelected)
+{
+    select({m_color});
+    click(headerOf(m_blur), Qt::RightButton);
+    EXPECT_EQ(m_network->selectedNodes(), QList<OssSnBaseNode *>{m_blur});
+    select({m_color, m_blur});
+    click(headerOf(m_blur), Qt::RightButton);
+    EXPECT_EQ(m_network->selectedNodes().size(), 2);
+    click(at({250, 220}), Qt::RightButton);
+    EXPECT_EQ(m_network->selectedNodes().size(), 2) << "the canvas is no thing";
+    wire(m_color, m_blur);
+    const OssNgEdge *edge = itemOf(m_blur)->input(text("Input"));
+    click(at(edge->markerPosition()), Qt::RightButton);
+    EXPECT_TRUE(edge->isSelected());
+    EXPECT_TRUE(m_network->selectedNodes().isEmpty());
+}
+
+TEST_F(Pointer, whatTheMenuMakesStandsWhereItWasAskedFor)
+{
+    const QPoint place = at({200, 250});
+    menuCommand(place, "Create/Layer/Merge", QContextMenuEvent::Mouse);
+    EXPECT_EQ(m_menuAt, place);
+    const OssSnBaseNode *merge = m_network->node(text("Merge"));
+    ASSERT_NE(merge, nullptr);
+    EXPECT_LE(QLineF(rectOf(merge).topLeft(), {200, 250}).length(), 2.0);
+}
+
+TEST_F(Pointer, aKeyOpensTheMenuAtTheSelection)
+{
+    select({m_blur});
+    menuCommand({5, 5}, "", QContextMenuEvent::Keyboard);
+    EXPECT_TRUE(
+        QRectF(at(rectOf(m_blur).topLeft()), at(rectOf(m_blur).bottomRight())).contains(m_menuAt));
+    select({});
+    menuCommand({5, 5}, "", QContextMenuEvent::Keyboard);
+    EXPECT_EQ(m_menuAt, m_view->viewport()->rect().center());
+}
+
+TEST_F(Pointer, markersOfWiresYieldToNodesAndComeWithNewDots)
+{
+    wire(m_color, m_blur);
+    OssNgEdge *edge = itemOf(m_blur)->input(text("Input"));
+    OssSnBaseNode *above = add("Adjust/Invert");
+    contextOf(above)->setNodePosition(edge->markerPosition()
+                                      - itemOf(above)->boundingRect().center());
+    select({});
+    QTest::keyPress(m_view, Qt::Key_Control, Qt::ControlModifier);
+    ASSERT_TRUE(edge->isDotable());
+    const QPoint marker = at(edge->markerPosition());
+    for (const bool selected : {true, false}) {
+        click(marker, Qt::LeftButton, Qt::ControlModifier);
+        EXPECT_EQ(itemOf(above)->isSelected(), selected);
+        EXPECT_EQ(m_blur->inputNode(text("Input")), m_color);
+    }
+    contextOf(above)->setNodePosition({0, 300});
+    click(marker, Qt::LeftButton, Qt::ControlModifier);
+    const OssSnBaseNode *dot = m_blur->inputNode(text("Input"));
+    ASSERT_NE(dot, m_color);
+    EXPECT_TRUE(itemOf(m_blur)->input(text("Input"))->isDotable());
+    EXPECT_TRUE(itemOf(dot)->inputs().first()->isDotable());
+    QTest::keyRelease(m_view, Qt::Key_Control);
+    EXPECT_FALSE(itemOf(m_blur)->input(text("Input"))->isDotable());
+}
+
+TEST_F(Pointer, severalMovedNodesGoIntoNoWire)
+{
+    wire(m_color, m_blur);
+    const QPointF middle = itemOf(m_blur)->input(text("Input"))->markerPosition();
+    OssSnBaseNode *a = addAt("Adjust/Invert", {100, 300});
+    OssSnBaseNode *b = addAt("Adjust/Invert", {400, 300});
+    const auto ontoWire = [&](OssSnBaseNode *node) {
+        drag(headerOf(node), headerOf(node) + at(middle) - at(rectOf(node).center()));
+    };
+    select({a, b});
+    ontoWire(a);
+    EXPECT_EQ(m_blur->inputNode(text("Input")), m_color);
+    select({b});
+    contextOf(a)->setNodePosition({100, 300});
+    ontoWire(a);
+    EXPECT_EQ(m_blur->inputNode(text("Input")), a);
+}
+
+} // namespace

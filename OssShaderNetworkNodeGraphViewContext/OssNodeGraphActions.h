@@ -3,9 +3,9 @@
 /// Who carries out the fixed commands of the node graph, in the order in which they are filed: name
 /// in the command table, which has their texts, tips and keys, slot of the plug-in object, and what
 /// the slot calls on the view. ACTION_AGAIN files a further action for a slot that an earlier row
-/// has.
+/// has. ON_NODES act on selected nodes alone, and say so where there are none.
 // clang-format off
-#define OSS_NODE_GRAPH_ACTIONS(ACTION, ACTION_AGAIN)                                               \
+#define OSS_NODE_GRAPH_ACTIONS(ACTION, ACTION_AGAIN, ON_NODES)                                     \
     ACTION("Connect Selected Node to Viewer", connectSelectedNodeToViewer, connectSelectedNodeToViewer(nullptr, 1)) \
     ACTION("Connect Selected Node to Viewer2", connectSelectedNodeToViewer2, connectSelectedNodeToViewer(nullptr, 2)) \
     ACTION("Connect Selected Node to Viewer3", connectSelectedNodeToViewer3, connectSelectedNodeToViewer(nullptr, 3)) \
@@ -17,32 +17,32 @@
     ACTION("Connect Selected Node to Viewer9", connectSelectedNodeToViewer9, connectSelectedNodeToViewer(nullptr, 9)) \
     ACTION("Connect Selected Node to Viewer0", connectSelectedNodeToViewer0, connectSelectedNodeToViewer(nullptr, 0)) \
     ACTION("Move Viewer to Cursor", moveViewerToMouse, moveViewerToMouse())                         \
-    ACTION("Delete", deleteSelectedNodes, deleteSelectedNodes())                                    \
-    ACTION("Extract", extractSelectedNode, extractSelectedNode())                                   \
+    ON_NODES("Delete", deleteSelectedNodes, deleteSelectedNodes())                                    \
+    ON_NODES("Extract", extractSelectedNode, extractSelectedNode())                                   \
     ACTION("Remove All Nodes", deleteAllNodes, deleteAllNodes())                                    \
     ACTION("Frame Nodes", frameNodes, frameNodes(true))                                             \
     ACTION("Focus Selection", frameSelectedNodes, frameSelectedNodes())                             \
-    ACTION("Disable", disableSelectedNodes, disableSelectedNodes())                                 \
-    ACTION("Bypass", bypassSelectedNode, bypassSelectedNode())                                      \
+    ON_NODES("Disable", disableSelectedNodes, disableSelectedNodes())                                 \
+    ON_NODES("Bypass", bypassSelectedNode, bypassSelectedNode())                                      \
     ACTION("Quick Create", quickCreate, quickCreate())                                              \
-    ACTION("Duplicate", duplicateSelectedNodes, duplicateSelectedNodes())                           \
+    ON_NODES("Duplicate", duplicateSelectedNodes, duplicateSelectedNodes())                           \
     ACTION("Select All", selectAll, selectAll())                                                    \
-    ACTION("Cut", cutNodesAction, cutNodesAction())                                                 \
-    ACTION("Copy", copyNodesAction, copyNodesAction())                                              \
+    ON_NODES("Cut", cutNodesAction, cutNodesAction())                                                 \
+    ON_NODES("Copy", copyNodesAction, copyNodesAction())                                              \
     ACTION("Paste", pasteNodesAction, pasteNodesAction())                                           \
     ACTION("Search Node", searchNodesAction, searchNodesAction())                                   \
     ACTION("Create Paint Node", createPaintableNode, createPaintableNode(QPoint(0, 0)))             \
     ACTION("Bake to Paint Node", bakeToPaintableNode, bakeToPaintableNode())                       \
     ACTION("Export to Geo-Channel", exportToGeoChannel, exportToGeoChannel(nullptr, QString()))    \
-    ACTION("Info Viewer", printNodeInfo, printNodeInfo())                                           \
+    ON_NODES("Info Viewer", printNodeInfo, printNodeInfo())                                           \
     ACTION("Swap Inputs", swapInputs, swapInputs())                                                 \
-    ACTION("Rename Node", popupRenameWindow, popupRenameWindow())                                   \
+    ON_NODES("Rename Node", popupRenameWindow, popupRenameWindow())                                   \
     ACTION("Import Nodes", importNodes, importNodes())                                              \
-    ACTION("Export Nodes", exportNodes, exportNodes())                                              \
+    ON_NODES("Export Nodes", exportNodes, exportNodes())                                              \
     ACTION("Import Material", importMaterial, importMaterial())                                     \
     ACTION("Import Custom Procedural", importCustomProcedural, importCustomProcedural())            \
-    ACTION("Toggle Port List", togglePortVisibility, togglePortVisibility())                        \
-    ACTION("Cycle Port List Mode", cyclePortListMode, cyclePortListMode())                          \
+    ON_NODES("Toggle Port List", togglePortVisibility, togglePortVisibility())                        \
+    ON_NODES("Cycle Port List Mode", cyclePortListMode, cyclePortListMode())                          \
     ACTION("Smart Bake And Update", bakeEmptyAndUpdateOutOfDateBakePoints, bakeEmptyAndUpdateOutOfDateBakePoints())\
     ACTION("Bake Selected", bakeSelectedBakePoints, bakeSelectedBakePoints())                      \
     ACTION("Update Selected", updateSelectedBakePoints, updateSelectedBakePoints())                \
@@ -50,29 +50,29 @@
     ACTION("Update Downstream", updateDownstreamBakePoints, updateDownstreamBakePoints())          \
     ACTION("Manage User Knobs", manageUserKnobs, manageUserKnobs())                                \
     ACTION("Expose Node Properties", exposeNodeProperties, exposeNodeProperties())                 \
-    ACTION("Open Group Node Subgraph", openGroupNodeSubgraph, openGroupNodeSubgraph())              \
+    ON_NODES("Open Group Node Subgraph", openGroupNodeSubgraph, openGroupNodeSubgraph())              \
     ACTION("Pick Up Edge Under Mouse", pickUpEdge, pickUpEdge())                                    \
     ACTION_AGAIN("Pick Up Edge Under Mouse", pickUpEdge, pickUpEdge())                              \
-    ACTION("Select All Upstream", selectAllUpstream, selectAllUpstream())                           \
-    ACTION("Select All Downstream", selectAllDownstream, selectAllDownstream())                     \
-    ACTION("Select Stream Upstream", selectStreamUpstream, selectStreamUpstream())                  \
-    ACTION("Select Stream Downstream", selectStreamDownstream, selectStreamDownstream())            \
-    ACTION("Select Previous Upstream", selectUpstream, selectUpstream())                            \
-    ACTION("Select Next Downstream", selectDownstream, selectDownstream())                          \
-    ACTION("Add Select Previous Upstream", addSelectUpstream, addSelectUpstream())                  \
-    ACTION("Add Select Next Downstream", addSelectDownstream, addSelectDownstream())                \
-    ACTION("Select Next Sibling", selectNextSibling, selectNextSibling())                           \
-    ACTION("Select Previous Sibling", selectPrevSibling, selectPrevSibling())                       \
-    ACTION("Add Select Next Sibling", addSelectNextSibling, addSelectNextSibling())                 \
-    ACTION("Add Select Previous Sibling", addSelectPrevSibling, addSelectPrevSibling())             \
-    ACTION("Select Between", selectBetween, selectBetween())                                        \
+    ON_NODES("Select All Upstream", selectAllUpstream, selectAllUpstream())                           \
+    ON_NODES("Select All Downstream", selectAllDownstream, selectAllDownstream())                     \
+    ON_NODES("Select Stream Upstream", selectStreamUpstream, selectStreamUpstream())                  \
+    ON_NODES("Select Stream Downstream", selectStreamDownstream, selectStreamDownstream())            \
+    ON_NODES("Select Previous Upstream", selectUpstream, selectUpstream())                            \
+    ON_NODES("Select Next Downstream", selectDownstream, selectDownstream())                          \
+    ON_NODES("Add Select Previous Upstream", addSelectUpstream, addSelectUpstream())                  \
+    ON_NODES("Add Select Next Downstream", addSelectDownstream, addSelectDownstream())                \
+    ON_NODES("Select Next Sibling", selectNextSibling, selectNextSibling())                           \
+    ON_NODES("Select Previous Sibling", selectPrevSibling, selectPrevSibling())                       \
+    ON_NODES("Add Select Next Sibling", addSelectNextSibling, addSelectNextSibling())                 \
+    ON_NODES("Add Select Previous Sibling", addSelectPrevSibling, addSelectPrevSibling())             \
+    ON_NODES("Select Between", selectBetween, selectBetween())                                        \
     ACTION("Zoom In", zoomIn, zoomIn())                                                             \
     ACTION("Zoom Out", zoomOut, zoomOut())                                                          \
     ACTION("Pan Left", panLeft, panLeft())                                                          \
     ACTION("Pan Right", panRight, panRight())                                                       \
     ACTION("Pan Up", panUp, panUp())                                                                \
     ACTION("Pan Down", panDown, panDown())                                                          \
-    ACTION("Open Node Properties", openNodeProperties, openNodeProperties())                       \
+    ON_NODES("Open Node Properties", openNodeProperties, openNodeProperties())                       \
     ACTION("Toggle Snap to Grid", toggleSnapToGrid, toggleSnapToGrid())                             \
     ACTION("Toggle Edge Sever Mode", toggleEdgeSeverAction, toggleEdgeSeverAction())                \
     ACTION("Bake Again", bakeSelectedBakePointsAgain, bakeSelectedBakePointsAgain())

@@ -2,9 +2,12 @@
 
 #include "OssAPI/NodeGraphAPI.h"
 #include "OssCore/Program/OssDebug.h"
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/Actions/OssCommandTable.h"
+#include "OssInterface/Popups/OssApplication.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssShaderNetworkView.h"
 #include "OssSnNodeGraphViewContextManager.h"
@@ -85,7 +88,7 @@ void OssShaderNetworkNodeGraphViewContextPlugin::createActions()
     };
 
 #define OSS_ACTION_ROW(name, slot, call) Row{name, &Plugin::slot},
-    const Row rows[] = {OSS_NODE_GRAPH_ACTIONS(OSS_ACTION_ROW, OSS_ACTION_ROW)};
+    const Row rows[] = {OSS_NODE_GRAPH_ACTIONS(OSS_ACTION_ROW, OSS_ACTION_ROW, OSS_ACTION_ROW)};
 #undef OSS_ACTION_ROW
 
     createNodeCreationActions();
@@ -155,8 +158,28 @@ void OssShaderNetworkNodeGraphViewContextPlugin::forward(const QString &title, C
         return;
     }
     view->interruptGesture();
+    OssApplication::takeTyped();
     const OssUndoManager::Gathering gathering(title);
     call(view);
+}
+
+template <class Call>
+void OssShaderNetworkNodeGraphViewContextPlugin::forwardOnNodes(const QString &title, Call call)
+{
+    OssStatusManager *status = OssStatusManager::instance();
+    const OssUndoManager *steps = OssUndoManager::instance();
+    bool said = false;
+    const auto listening = connect(status, &OssStatusManager::messageShown, this,
+                                   [&said] { said = true; });
+    bool none = false;
+    const int before = steps->count();
+    forward(title, [&](OssShaderNetworkView *view) {
+        none = !view->network() || view->network()->selectedNodes().isEmpty();
+        call(view);
+    });
+    disconnect(listening);
+    if (none && !said && steps->count() == before)
+        status->showMessage(tr("%1: select a node first").arg(title));
 }
 
 #define OSS_DEFINE_SLOT(title, slot, call) \
@@ -164,9 +187,14 @@ void OssShaderNetworkNodeGraphViewContextPlugin::forward(const QString &title, C
     { \
         forward(title, [](OssShaderNetworkView *view) { view->call; }); \
     }
+#define OSS_DEFINE_NODES_SLOT(name, slot, call) \
+    void OssShaderNetworkNodeGraphViewContextPlugin::slot() \
+    { \
+        forwardOnNodes(textOf(name), [](OssShaderNetworkView *view) { view->call; }); \
+    }
 #define OSS_DEFINE_ACTION_SLOT(name, slot, call) OSS_DEFINE_SLOT(textOf(name), slot, call)
 #define OSS_DEFINE_NAMED_SLOT(slot, call) OSS_DEFINE_SLOT({}, slot, call)
 #define OSS_DEFINE_NO_SLOT(name, slot, call)
 
-OSS_NODE_GRAPH_ACTIONS(OSS_DEFINE_ACTION_SLOT, OSS_DEFINE_NO_SLOT)
+OSS_NODE_GRAPH_ACTIONS(OSS_DEFINE_ACTION_SLOT, OSS_DEFINE_NO_SLOT, OSS_DEFINE_NODES_SLOT)
 OSS_NODE_GRAPH_NAMED_SLOTS(OSS_DEFINE_NAMED_SLOT)

@@ -35,7 +35,7 @@ private Q_SLOTS:
     /// One action for each node type that is offered in a menu; those that exist stay.
     void createNodeCreationActions();
     void createNodeFromAction();
-    OSS_NODE_GRAPH_ACTIONS(OSS_DECLARE_ACTION_SLOT, OSS_DECLARE_NO_SLOT)
+    OSS_NODE_GRAPH_ACTIONS(OSS_DECLARE_ACTION_SLOT, OSS_DECLARE_NO_SLOT, OSS_DECLARE_ACTION_SLOT)
     OSS_NODE_GRAPH_NAMED_SLOTS(OSS_DECLARE_NAMED_SLOT)
 
 private:
@@ -45,4 +45,7 @@ private:
     /// What the view records is one undo step, with its own title or else with this.
     template <class Call>
     void forward(const QString &title, Call call);
+    /// The same for what acts on selected nodes: says that none is where nothing else is said.
+    template <class Call>
+    void forwardOnNodes(const QString &title, Call call);
 };

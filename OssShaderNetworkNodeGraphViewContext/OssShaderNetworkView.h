@@ -226,6 +226,8 @@ private:
     /// One line for the status bar, where nothing in the graph shows what a command did or why it
     /// did nothing.
     static void tellUser(const QString &text);
+    /// Its key comes to the view only because it cannot act now.
+    static void tellOfDisabledCommand(const QKeyEvent *event);
     enum class Bake { OutOfDate, EmptyAndOutOfDate, Again };
 
     static void bake(const QList<OssSnBakePointNode *> &nodes, Bake how,
@@ -241,6 +243,7 @@ private:
     /// Of the network; none, with that line, without one.
     QList<OssSnBaseNode *> selectedNodes() const;
     QList<OssSnBaseNode *> selectionWithoutViewer() const;
+    void tellOfNothingToCopy() const;
     /// The selected items' nodes, without those that belong to the application.
     QList<OssSnBaseNode *> selectedBusinessNodes() const;
     /// With a debug line when there is none.
@@ -287,7 +290,8 @@ private:
     OssSnBaseNode *makeDropNode(const OssImage *image, const QString &nodeType,
                                 const QPointF &scenePos);
     void dropArchives(QDropEvent *event);
-    void chooseOutputPoint(OssSnBaseNode *node, OssSnBaseNode *viewer, int num);
+    /// False when the user was asked and chose none, or cannot be asked.
+    bool chooseOutputPoint(OssSnBaseNode *node, OssSnBaseNode *viewer, int num);
     void batchSwapInputs(OssSnMultiChannelGroupNode *merge);
     /// What feeds the input, when it carries the same streams. `side` names it in debug lines.
     static OssSnMultiChannelGroupNode *matchingSource(OssSnMultiChannelGroupNode *target,

@@ -41,6 +41,11 @@ OssSnNodeGraphWidget::OssSnNodeGraphWidget(const QString &controlType, QWidget *
     setTabsClosable(true);
     connect(this, &QTabWidget::tabCloseRequested, this, &OssSnNodeGraphWidget::hideTab);
     connect(this, &QTabWidget::currentChanged, this, &OssSnNodeGraphWidget::onCurrentTabChanged);
+    connect(this, &QTabWidget::tabBarClicked, this, [this](int index) {
+        if (QWidget *page = widget(index))
+            page->setFocus(Qt::MouseFocusReason);
+    });
+    tabBar()->setFocusPolicy(Qt::NoFocus); // its keys are the page's
     addRootView();
 }
 
@@ -126,6 +131,21 @@ void OssSnNodeGraphWidget::onCurrentTabChanged(int Index)
     if (const auto *page = qobject_cast<OssShaderNetworkView *>(widget(Index)))
         OssShaderNetworkManager::instance()->setCurrentViewNetwork(page->network());
     setNavigationControlType(m_navigationControlType);
+    takeFocus();
+}
+
+void OssSnNodeGraphWidget::takeFocus()
+{
+    const QWidget *focus = window()->focusWidget();
+    const bool typing = focus && focus->testAttribute(Qt::WA_InputMethodEnabled);
+    if (currentWidget() && isVisible() && !typing)
+        currentWidget()->setFocus(Qt::OtherFocusReason);
+}
+
+void OssSnNodeGraphWidget::showEvent(QShowEvent *event)
+{
+    QTabWidget::showEvent(event);
+    takeFocus();
 }
 
 void OssSnNodeGraphWidget::mousePressEvent(QMouseEvent *event)

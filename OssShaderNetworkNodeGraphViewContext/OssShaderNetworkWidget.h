@@ -46,8 +46,12 @@ protected Q_SLOTS:
 
 protected:
     void mousePressEvent(QMouseEvent *event) override;
+    void showEvent(QShowEvent *event) override;
 
 private:
+    /// Keys are the graph's from now on, unless somebody types a text.
+    void takeFocus();
+
     OssShaderNetworkView *m_rootView;
     QString m_navigationControlType;
 };

@@ -86,14 +86,22 @@ void OssShaderNetworkView::placeInsertedNodes(const QList<OssSnBaseNode *> &node
     }
 }
 
+void OssShaderNetworkView::tellOfNothingToCopy() const
+{
+    if (!selectedNodes().isEmpty())
+        tellUser(tr("The viewer is never copied"));
+}
+
 void OssShaderNetworkView::duplicateSelectedNodes()
 {
     if (!hasNetwork() || !hasScene())
         return;
     const QPoint cursor = creationPoint();
     const QList<OssSnBaseNode *> nodes = selectionWithoutViewer();
-    if (nodes.isEmpty())
+    if (nodes.isEmpty()) {
+        tellOfNothingToCopy();
         return;
+    }
     const OssUndoManager::AutoMacro macro(tr("Duplicate Nodes"));
     placeInsertedNodes(OssShaderNetworkIO::duplicateNodes(m_network, nodes, true), &cursor);
 }
@@ -103,8 +111,10 @@ void OssShaderNetworkView::cutNodesAction()
     if (!hasNetwork())
         return;
     const QList<OssSnBaseNode *> nodes = selectionWithoutViewer();
-    if (nodes.isEmpty())
+    if (nodes.isEmpty()) {
+        tellOfNothingToCopy();
         return;
+    }
     const OssUndoManager::AutoMacro macro(tr("Cut Nodes"));
     OssShaderNetworkIO::copyNodesToClipboard(nodes, {});
     deleteSelectedNodes();
@@ -115,8 +125,10 @@ void OssShaderNetworkView::copyNodesAction()
     if (!hasNetwork())
         return;
     const QList<OssSnBaseNode *> nodes = selectionWithoutViewer();
-    if (nodes.isEmpty())
+    if (nodes.isEmpty()) {
+        tellOfNothingToCopy();
         return;
+    }
     OssShaderNetworkIO::copyNodesToClipboard(nodes, {});
     tellUser(nodes.size() == 1 ? tr("Copied %1").arg(nodes.first()->name())
                                : tr("Copied %1 nodes").arg(nodes.size()));

@@ -11,10 +11,12 @@
 #include "OssModel/Nodes/OssLayerShaderModelManager.h"
 #include "OssModel/Nodes/OssSnMultiChannelMergeNode.h"
 #include "OssModel/Types/OssSnTags.h"
+#include "OssNodeGraph/Items/OssNgEdge.h"
 #include "OssNodeGraph/Items/OssNgExtendedNode.h"
 #include "OssSnGroupNodeGraphViewContext.h"
 #include "OssSnNodeGraphViewContextManager.h"
 
+#include <QGraphicsScene>
 #include <QHBoxLayout>
 #include <QLineEdit>
 
@@ -27,6 +29,26 @@ constexpr const char *Source = "OssShaderNetworkView";
 void tellOfChange()
 {
     OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
+}
+
+/// A wire by its end, which outlives it.
+struct WireEnd
+{
+    QPointer<OssNgNode> destination;
+    QString input;
+};
+
+/// Those that a user can take away.
+QVector<WireEnd> selectedWires(const QGraphicsScene *scene)
+{
+    QVector<WireEnd> ends;
+    const QList<QGraphicsItem *> items = scene ? scene->selectedItems() : QList<QGraphicsItem *>();
+    for (QGraphicsItem *item : items) {
+        const auto *wire = dynamic_cast<const OssNgEdge *>(item);
+        if (wire && wire->isFullConnected() && !wire->isVirtual())
+            ends.append({wire->destination(), wire->destinationInput()});
+    }
+    return ends;
 }
 
 } // namespace
@@ -60,9 +82,15 @@ void OssShaderNetworkView::deleteSelectedNodes()
             nodes.insert(node);
         }
     }
-    const OssUndoManager::AutoMacro macro(tr("Remove Selected Nodes"));
+    const QVector<WireEnd> wires = selectedWires(scene());
+    const OssUndoManager::AutoMacro macro(
+        nodes.isEmpty() && !wires.isEmpty() ? tr("Cut connections") : tr("Remove Selected Nodes"));
     const OssLayerRefreshSuspensionManager::RefreshStateSuspender suspender;
     m_network->removeNodes(nodes);
+    for (const WireEnd &wire : wires) {
+        if (wire.destination && wire.destination->input(wire.input))
+            Q_EMIT wire.destination->inputSourceChanged(nullptr, wire.input, QString());
+    }
     tellOfChange();
 }
 
@@ -98,6 +126,8 @@ void OssShaderNetworkView::disableSelectedNodes()
         title = (nodes.first()->enabledAsBool() ? tr("Disable ") : tr("Enable "))
                 + nodes.first()->name();
     const OssUndoManager::AutoMacro macro(title);
+    if (nodes.isEmpty() && !selected.isEmpty())
+        tellUser(tr("The viewer is never disabled"));
     for (OssSnBaseNode *node : qAsConst(nodes))
         node->toggleDisable();
     tellOfChange();
@@ -264,6 +294,8 @@ void OssShaderNetworkView::openGroupNodeSubgraph()
             return;
         }
     }
+    if (!selected.isEmpty())
+        tellUser(tr("No group is selected"));
 }
 
 template <class Change>

@@ -40,17 +40,28 @@ public:
 protected:
     bool event(QEvent *event) override
     {
-        // What is typed belongs to the text, not to the commands of the graph around it.
-        if (event->type() == QEvent::ShortcutOverride) {
+        // What is typed belongs to the text, not to the commands of the graph around it. Keys with
+        // Control are the text's where it knows them.
+        if (event->type() == QEvent::ShortcutOverride && isOwn(static_cast<QKeyEvent *>(event))) {
             event->accept();
             return true;
         }
         return QPlainTextEdit::event(event);
     }
 
+    static bool isEnter(const QKeyEvent *event)
+    {
+        return event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    }
+
+    static bool isOwn(const QKeyEvent *event)
+    {
+        return isEnter(event) || !(event->modifiers() & Qt::ControlModifier);
+    }
+
     void keyPressEvent(QKeyEvent *event) override
     {
-        const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+        const bool enter = isEnter(event);
         if (event->key() == Qt::Key_Escape) {
             m_take = nullptr;
             close();

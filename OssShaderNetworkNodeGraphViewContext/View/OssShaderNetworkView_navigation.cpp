@@ -40,21 +40,18 @@ Nodes gatherFromAll(const Nodes &starts, Gather gather)
     return found;
 }
 
+/// At the end of the graph the selection stays rather than fall to nothing. Whether something was
+/// found is returned, also where nothing was asked for.
 template <class Gather>
-void addTo(const Nodes &starts, Gather gather)
-{
-    select(gatherFromAll(starts, gather), true);
-}
-
-/// At the end of the graph the selection stays rather than fall to nothing.
-template <class Gather>
-void replace(const Nodes &starts, Gather gather)
+bool goOn(const Nodes &starts, Gather gather, bool add)
 {
     const Nodes found = gatherFromAll(starts, gather);
     if (found.isEmpty())
-        return;
-    select(starts, false);
+        return starts.isEmpty();
+    if (!add)
+        select(starts, false);
     select(found, true);
+    return true;
 }
 
 /// Walks may leave the network; what is selected does not. All starts stand in the same one.
@@ -128,49 +125,63 @@ void OssShaderNetworkView::selectStreamDownstream()
 
 void OssShaderNetworkView::selectUpstream()
 {
-    replace(selectedBusinessNodes(), sources);
+    if (!goOn(selectedBusinessNodes(), sources, false))
+        tellUser(tr("Nothing goes into what is selected"));
 }
 
 void OssShaderNetworkView::selectDownstream()
 {
-    replace(selectedBusinessNodes(), followers);
+    if (!goOn(selectedBusinessNodes(), followers, false))
+        tellUser(tr("Nothing follows what is selected"));
 }
 
 void OssShaderNetworkView::addSelectUpstream()
 {
-    addTo(selectedBusinessNodes(), sources);
+    if (!goOn(selectedBusinessNodes(), sources, true))
+        tellUser(tr("Nothing goes into what is selected"));
 }
 
 void OssShaderNetworkView::addSelectDownstream()
 {
-    addTo(selectedBusinessNodes(), followers);
+    if (!goOn(selectedBusinessNodes(), followers, true))
+        tellUser(tr("Nothing follows what is selected"));
 }
 
 void OssShaderNetworkView::selectNextSibling()
 {
-    replace(selectedBusinessNodes(), nextOf);
+    if (!goOn(selectedBusinessNodes(), nextOf, false))
+        tellUser(tr("Nothing stands beside what is selected"));
 }
 
 void OssShaderNetworkView::selectPrevSibling()
 {
-    replace(selectedBusinessNodes(), previousOf);
+    if (!goOn(selectedBusinessNodes(), previousOf, false))
+        tellUser(tr("Nothing stands beside what is selected"));
 }
 
 void OssShaderNetworkView::addSelectNextSibling()
 {
-    addTo(selectedBusinessNodes(), nextOf);
+    if (!goOn(selectedBusinessNodes(), nextOf, true))
+        tellUser(tr("Nothing stands beside what is selected"));
 }
 
 void OssShaderNetworkView::addSelectPrevSibling()
 {
-    addTo(selectedBusinessNodes(), previousOf);
+    if (!goOn(selectedBusinessNodes(), previousOf, true))
+        tellUser(tr("Nothing stands beside what is selected"));
 }
 
 void OssShaderNetworkView::selectBetween()
 {
     const Nodes starts = selectedBusinessNodes();
-    if (starts.size() >= 2)
-        select(OssShaderNetworkUtils::nodesBetween(starts), true);
+    if (starts.size() < 2) {
+        tellUser(tr("Select two nodes or more to find what is between them"));
+        return;
+    }
+    const Nodes between = OssShaderNetworkUtils::nodesBetween(starts);
+    if (between.isEmpty())
+        tellUser(tr("Nothing is between the selected nodes"));
+    select(between, true);
 }
 
 void OssShaderNetworkView::selectAll()

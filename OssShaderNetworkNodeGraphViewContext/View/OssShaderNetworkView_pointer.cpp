@@ -2,6 +2,8 @@
 
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Undo/OssUndoManager.h"
+#include "OssInterface/Actions/OssActionTreeManager.h"
+#include "OssInterface/Actions/OssCommandTable.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Types/OssSnTags.h"
@@ -11,6 +13,7 @@
 #include "OssSnGroupNodeGraphViewContext.h"
 #include "OssSnNodeGraphViewContextManager.h"
 
+#include <QAction>
 #include <QGuiApplication>
 #include <QLineF>
 #include <QMouseEvent>
@@ -180,6 +183,19 @@ void OssShaderNetworkView::keyPressEvent(QKeyEvent *event)
     }
     event->ignore();
     PlacingView::keyPressEvent(event);
+    if (!event->isAccepted())
+        tellOfDisabledCommand(event);
+}
+
+void OssShaderNetworkView::tellOfDisabledCommand(const QKeyEvent *event)
+{
+    const QKeySequence keys(event->key() | int(event->modifiers() & ~Qt::KeypadModifier));
+    for (const OssActionTreeManager::Entry &entry : OssActionTreeManager::instance()->entries()) {
+        if (entry.action->isEnabled() || !entry.action->shortcuts().contains(keys))
+            continue;
+        tellUser(OssCommandTable::whyDisabled(entry.path));
+        return;
+    }
 }
 
 void OssShaderNetworkView::keyReleaseEvent(QKeyEvent *event)

@@ -48,6 +48,33 @@ void connectToViewer(OssSnBaseNode *viewer, OssSnBaseNode *node, const QString &
     look(viewer, num);
 }
 
+/// Where the viewer of a network's object stands, to bring it back from another network.
+class Whereabouts
+{
+public:
+    explicit Whereabouts(const OssShaderNetwork *network)
+        : m_viewer(network->viewerNode())
+        , m_network(m_viewer ? m_viewer->network() : nullptr)
+    {
+        if (const OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(m_viewer))
+            m_position = item->pos();
+    }
+
+    void restore() const
+    {
+        if (!m_viewer || !m_network || m_viewer->network() == m_network)
+            return;
+        m_network->moveCurrentViewerNodeToNetwork();
+        if (OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(m_viewer))
+            item->setPosition(m_position);
+    }
+
+private:
+    QPointer<OssSnBaseNode> m_viewer;
+    QPointer<OssShaderNetwork> m_network;
+    QPointF m_position;
+};
+
 } // namespace
 
 void OssShaderNetworkView::connectNodeToViewer(OssSnBaseNode *node, int input)
@@ -67,8 +94,10 @@ void OssShaderNetworkView::connectSelectedNodeToViewer(OssSnBaseNode *Node, int 
         return;
     if (!Node) {
         const QList<OssSnBaseNode *> selected = m_network->selectedNodes();
-        if (selected.size() > 1)
+        if (selected.size() > 1) {
+            tellUser(tr("The viewer shows one node at a time: select one"));
             return;
+        }
         Node = selected.value(0);
     }
     const auto *streams = qobject_cast<OssSnMultiChannelGroupNode *>(Node);
@@ -85,6 +114,7 @@ void OssShaderNetworkView::connectSelectedNodeToViewer(OssSnBaseNode *Node, int 
                  qPrintable(Node->objectName()));
         return;
     }
+    const Whereabouts before(m_network);
     OssSnBaseNode *viewer = m_network->moveCurrentViewerNodeToNetwork();
     if (!viewer)
         return;
@@ -92,6 +122,7 @@ void OssShaderNetworkView::connectSelectedNodeToViewer(OssSnBaseNode *Node, int 
         look(viewer, Num);
         return;
     }
+    const QList<OssSnBaseNode *> selected = selectedNodes();
     if (scene())
         scene()->clearSelection();
     viewer->setSelected(true);
@@ -102,17 +133,27 @@ void OssShaderNetworkView::connectSelectedNodeToViewer(OssSnBaseNode *Node, int 
             OssLayerShaderManager::instance()->setCurrentShader(Node);
         return;
     }
-    if (Node->outputPointCount() == 1)
+    if (Node->outputPointCount() == 1) {
         connectToViewer(viewer, Node, Node->prefferedOutputPoint(), Num);
-    else if (Node->outputPointCount() > 1)
-        chooseOutputPoint(Node, viewer, Num);
+        return;
+    }
+    if (Node->outputPointCount() == 0) {
+        tellUser(tr("%1 has nothing to look at").arg(Node->name()));
+        return;
+    }
+    if (chooseOutputPoint(Node, viewer, Num))
+        return;
+    // None was chosen: the viewer goes back to where it was, and so does the selection.
+    before.restore();
+    for (OssSnBaseNode *node : m_network->nodes())
+        node->setSelected(selected.contains(node));
 }
 
-void OssShaderNetworkView::chooseOutputPoint(OssSnBaseNode *node, OssSnBaseNode *viewer, int num)
+bool OssShaderNetworkView::chooseOutputPoint(OssSnBaseNode *node, OssSnBaseNode *viewer, int num)
 {
     const OssNgNode *guiNode = OssSnNodeGraphViewContextManager::guiNodeOf(node);
     if (!guiNode || !OssApplication::popupsAllowed())
-        return;
+        return false;
     QMenu menu(this);
     const auto add = [&](const QString &text, const char *property, const QString &value) {
         QAction *action = menu.addAction(text);
@@ -132,7 +173,7 @@ void OssShaderNetworkView::chooseOutputPoint(OssSnBaseNode *node, OssSnBaseNode 
         add(guiNode->outputPointDescriptiveName(point), "outputPointName", point);
     connect(&menu, &QMenu::triggered, this, &OssShaderNetworkView::onOutputPointSelected);
     menu.setActiveAction(menu.actions().first()); // Return takes it at once
-    menu.exec(QCursor::pos());
+    return menu.exec(QCursor::pos()) != nullptr;
 }
 
 void OssShaderNetworkView::onOutputPointSelected(QAction *action)

@@ -165,19 +165,26 @@ void NodeGraph::view(Node *node, int input)
     QList<OssSnBaseNode *> shown;
     if (!ownNodes({node}, &shown))
         return;
-    OssSnBaseNode *viewer = network()->moveCurrentViewerNodeToNetwork();
-    if (!viewer || !viewer->hasInput(QString::number(input))) {
+    OssSnBaseNode *source = shown.first();
+    const QString point = source->prefferedOutputPoint();
+    // Nothing is moved for what is refused.
+    OssSnBaseNode *viewer = network()->viewerNode();
+    if (!viewer && source->hasOutputPoint(point))
+        viewer = network()->moveCurrentViewerNodeToNetwork();
+    if (viewer && !viewer->hasInput(QString::number(input))) {
         fail(OssScriptException::OutOfRange,
              QStringLiteral("The viewer has no input %1").arg(input));
         return;
     }
-    OssSnBaseNode *source = shown.first();
-    const QString point = source->prefferedOutputPoint();
-    const OssResult possible = viewer->canConnect(QString::number(input), source, point);
+    const OssResult possible =
+        viewer ? viewer->canConnect(QString::number(input), source, point)
+               : OssResult::failure(
+                   QStringLiteral("\"%1\" has nothing to look at").arg(source->name()));
     if (!possible) {
         fail(OssScriptException::NotAllowed, possible.error());
         return;
     }
+    viewer = network()->moveCurrentViewerNodeToNetwork();
     viewer->setInputNode(QString::number(input), source, point);
     network()->rootNetwork()->setViewerNodeCurrentEdge(input, true);
 }

@@ -5,8 +5,11 @@
 #include "OssModel/Graph/OssShaderNetworkIO.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Types/OssSnTags.h"
 #include "OssScriptObjects/OssaNode.h"
 #include "OssScriptObjects/OssScriptObjects.h"
+
+#include <algorithm>
 
 namespace Ossa {
 
@@ -143,6 +146,13 @@ void NodeGraph::exportNodes(const QList<Node *> &nodes, const QString &path) con
     QList<OssSnBaseNode *> own;
     if (!ownNodes(nodes, &own))
         return;
+    own.erase(std::remove_if(own.begin(), own.end(),
+                             [](const auto *node) { return node->hasTag(OssSnTags::viewer()); }),
+              own.end());
+    if (own.isEmpty() && !nodes.isEmpty()) {
+        fail(OssScriptException::NotAllowed, QStringLiteral("The viewer is never exported"));
+        return;
+    }
     const OssResult saved = OssShaderNetworkIO::saveNodesToXmlFile(own, path);
     if (!saved)
         fail(OssScriptException::FileNotAccessible, saved.error());

@@ -49,7 +49,10 @@ void Preferences::setValue(const QString &name, const QVariant &value)
     if (!find(name, &preference))
         return;
     const QVariant fitting = OssPreferenceManager::fitting(preference, value);
-    if (!fitting.isValid() || !OssPreferenceManager::setValue(preference, fitting))
+    const QStringList names = OssPreferenceManager::names(preference);
+    const bool isNamed = names.isEmpty()
+                         || (fitting.toInt() >= 0 && fitting.toInt() < names.size());
+    if (!fitting.isValid() || !isNamed || !OssPreferenceManager::setValue(preference, fitting))
         fail(OssScriptException::WrongType,
              QStringLiteral("\"%1\" is no value for the preference \"%2\"")
                  .arg(value.toString(), name));
@@ -65,7 +68,10 @@ void Preferences::reset(const QString &name)
 QStringList Preferences::choices(const QString &name) const
 {
     OssPreferenceManager::Preference preference;
-    return find(name, &preference) ? OssPreferenceManager::allowedTexts(preference) : QStringList();
+    if (!find(name, &preference))
+        return {};
+    const QStringList texts = OssPreferenceManager::allowedTexts(preference);
+    return texts.isEmpty() ? OssPreferenceManager::names(preference) : texts;
 }
 
 } // namespace Ossa

@@ -1,5 +1,6 @@
 #include "GraphFixture.h"
 #include "GraphUser.h"
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssModel/Graph/OssShaderNetworkIO.h"
 #include "PluginUnderTest.h"
 
@@ -196,7 +197,135 @@ const Row Rows[] = {
     {"Toggle Edge Sever Mode"},
     {"Bake Again", {}, {{Nothing, NoBakePoints}, {Many, NoBakePoints}}},
 };
+
 // clang-format on
+
+/// What acts on selected nodes says so where there are none, one way or another.
+TEST_F(EveryActionTest, whatFindsNothingToActOnSaysSo)
+{
+    QStringList said;
+    const auto listening = QObject::connect(OssStatusManager::instance(),
+                                            &OssStatusManager::messageShown,
+                                            [&said](const QString &line) { said.append(line); });
+    const ExpectedLog possible[] = {ExpectedLog("Only one node", ExpectedLog::Possible),
+                                    ExpectedLog("fallback onto current", ExpectedLog::Possible),
+                                    ExpectedLog("No Bake Point nodes", ExpectedLog::Possible),
+                                    ExpectedLog("No nodes are selected", ExpectedLog::Possible),
+                                    ExpectedLog("Node Info", ExpectedLog::Possible)};
+    for (const char *name : {"Connect Selected Node to Viewer0",
+                             "Delete",
+                             "Extract",
+                             "Disable",
+                             "Bypass",
+                             "Duplicate",
+                             "Cut",
+                             "Copy",
+                             "Info Viewer",
+                             "Rename Node",
+                             "Export Nodes",
+                             "Toggle Port List",
+                             "Cycle Port List Mode",
+                             "Open Group Node Subgraph",
+                             "Open Node Properties",
+                             "Select All Upstream",
+                             "Select Stream Downstream",
+                             "Select Previous Upstream",
+                             "Add Select Next Sibling",
+                             "Select Between",
+                             "Bake Selected",
+                             "Update Downstream"}) {
+        GraphFixture::select({});
+        begin();
+        said.clear();
+        trigger(name);
+        EXPECT_FALSE(said.isEmpty()) << name;
+        EXPECT_EQ(undoCount(), 0) << name;
+    }
+
+    const struct
+    {
+        const char *name;
+        Situation situation;
+        const char *line;
+    } cases[] = {
+        {"Connect Selected Node to Viewer", Many, "one node at a time"},
+        {"Disable", Viewer, "never disabled"},
+        {"Cut", Viewer, "never copied"},
+        {"Open Group Node Subgraph", One, "No group"},
+        {"Select Next Downstream", Viewer, "Nothing follows"},
+        {"Select Between", One, "two nodes"},
+    };
+
+    for (const auto &c : cases) {
+        select(c.situation);
+        said.clear();
+        trigger(c.name);
+        EXPECT_TRUE(said.join(QLatin1Char('\n')).contains(text(c.line))) << c.name;
+    }
+    QObject::disconnect(listening);
+}
+
+TEST_F(EveryActionTest, theKeyOfADisabledCommandSaysWhatIsMissing)
+{
+    QString said;
+    const auto listening = QObject::connect(OssStatusManager::instance(),
+                                            &OssStatusManager::messageShown,
+                                            [&said](const QString &line) { said = line; });
+    QAction *knobs = graphAction("Manage User Knobs");
+    knobs->setShortcut(QKeySequence(text("F7")));
+    GraphFixture::select({});
+    OssActionTreeManager::instance()->settleStates();
+    ASSERT_FALSE(knobs->isEnabled());
+    QTest::keyClick(m_view, Qt::Key_F7);
+    EXPECT_EQ(said, text("Manage User Knobs: select a group first"));
+    knobs->setShortcut({});
+    QObject::disconnect(listening);
+}
+
+TEST_F(EveryActionTest, deleteTakesSelectedWiresAway)
+{
+    const ExpectedLog possible("fallback onto current", ExpectedLog::Possible);
+    const QByteArray before = m_project->stateHash();
+    OssUndoManager::instance()->clear();
+    GraphFixture::select({});
+    itemOf(m_blur)->input(text("Input"))->setSelected(true);
+    trigger("Delete");
+    EXPECT_EQ(m_blur->inputNode(text("Input")), nullptr);
+    expectStep("Cut connections");
+    expectUndoIsExact(before);
+    undo();
+    GraphFixture::select({m_many.first()}); // with a wire of its own and another
+    itemOf(m_blur)->input(text("Input"))->setSelected(true);
+    itemOf(m_viewer)->input(text("1"))->setSelected(true);
+    trigger("Delete");
+    EXPECT_EQ(m_viewer->inputNode(text("1")), nullptr);
+    expectStep("Remove Selected Nodes");
+    expectUndoIsExact(before);
+}
+
+TEST_F(EveryActionTest, aChoiceOfStreamsThatIsCancelledLeavesTheViewerWhereItWas)
+{
+    OssApplication::setPopupsAllowed(true);
+    OssSnGroupNode *group = addGroup();
+    OssSnBaseNode *noise = addInside(group, "Procedural/Noise/Fractal Noise");
+    ASSERT_GT(noise->outputPointCount(), 1);
+    OssShaderNetworkView inside(nullptr);
+    inside.setScene(itemOf(noise)->scene());
+    inside.setNetwork(group->groupNetwork());
+    inside.init();
+    noise->setSelected(true);
+    begin();
+    whenMenuOpens([](QMenu *menu) { menu->close(); });
+    inside.connectSelectedNodeToViewer();
+    EXPECT_EQ(m_viewer->network(), m_network);
+    EXPECT_TRUE(itemOf(noise)->isSelected());
+    expectNothingDone();
+    QStringList offered;
+    chooseInMenu(0, &offered);
+    inside.connectSelectedNodeToViewer();
+    EXPECT_EQ(m_viewer->network(), group->groupNetwork());
+    EXPECT_EQ(m_viewer->inputNode(text("1")), noise);
+}
 
 } // namespace
 
@@ -233,6 +362,6 @@ TEST_F(EveryActionTest, standsInTheTableOfTheTests)
     for (const Row &row : Rows)
         tested.insert(text(row.action));
 #define OSS_LISTED(text, slot, call) EXPECT_TRUE(tested.contains(QStringLiteral(text))) << (text);
-    OSS_NODE_GRAPH_ACTIONS(OSS_LISTED, OSS_LISTED)
+    OSS_NODE_GRAPH_ACTIONS(OSS_LISTED, OSS_LISTED, OSS_LISTED)
 #undef OSS_LISTED
 }

@@ -16,6 +16,8 @@
 #include <QPushButton>
 #include <QTimer>
 
+#include <utility>
+
 namespace {
 
 class Window : public WindowFixture
@@ -89,6 +91,41 @@ TEST_F(Window, changesAreAskedAboutAndOnlyCancelKeepsItOpen)
     window->show();
     answerWith(QMessageBox::Discard);
     EXPECT_TRUE(window->close());
+}
+
+TEST_F(Window, whatIsTypedOrInTheHandIsSavedAndAskedAbout)
+{
+    ASSERT_TRUE(projects()->saveProjectAs(path("typed.ossa")));
+    QLineEdit field(window.get());
+    QObject::connect(&field, &QLineEdit::editingFinished, &field, [&field] {
+        projects()->currentProject()->setNewResolution(field.text().toInt());
+    });
+    field.show();
+    QApplication::setActiveWindow(window.get());
+    field.setFocus();
+    field.selectAll();
+    QTest::keyClicks(&field, text("512"));
+    ASSERT_FALSE(projects()->isModified());
+    command("File/Save")->trigger();
+    EXPECT_EQ(projects()->currentProject()->newResolution(), 512);
+    EXPECT_FALSE(projects()->isModified()) << "it was saved with the rest";
+    EXPECT_TRUE(field.hasFocus());
+
+    bool inHand = true;
+    QObject::connect(OssUndoManager::instance(), &OssUndoManager::aboutToEdit, &field, [&inHand] {
+        if (std::exchange(inHand, false))
+            change();
+    });
+    command("File/Save")->trigger();
+    EXPECT_FALSE(projects()->isModified());
+    EXPECT_TRUE(OssUndoManager::instance()->canUndo()) << "it became a step first";
+    inHand = true;
+    QString asked;
+    answerWith(QMessageBox::Cancel, &asked);
+    command("File/Close")->trigger();
+    EXPECT_FALSE(asked.isEmpty());
+    EXPECT_NE(projects()->currentProject(), nullptr);
+    OssUndoManager::instance()->setClean();
 }
 
 TEST_F(Window, aProjectThatCannotBeOpenedIsToldOnceAndLeavesTheOpenOne)

@@ -52,6 +52,11 @@ public:
 
     bool isCanonical() const { return m_canonical; }
 
+    /// What is written is taken out of a document, which keeps what it has once.
+    void setExcerpt(bool excerpt) { m_excerpt = excerpt; }
+
+    bool isExcerpt() const { return m_excerpt; }
+
     /// What is to be saved as an element of a collection, and the byte of the text at which it
     /// belongs.
     struct PutOff
@@ -77,4 +82,5 @@ private:
     std::function<void(const PutOff &)> m_putOff;
     QVector<bool> m_collections; ///< for each open element whether it is a collection
     bool m_canonical = false;
+    bool m_excerpt = false;
 };

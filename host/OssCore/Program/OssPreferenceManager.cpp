@@ -102,6 +102,19 @@ QStringList OssPreferenceManager::allowedTexts(const Preference &preference)
     return answer<QStringList>(preference, "List");
 }
 
+QStringList OssPreferenceManager::names(const Preference &preference)
+{
+    if (!preference.object)
+        return {};
+    const QMetaObject *meta = preference.object->metaObject();
+    const QMetaProperty property = meta->property(
+        meta->indexOfProperty(preference.key.toLatin1().constData()));
+    QStringList keys;
+    for (int i = 0; property.isEnumType() && i < property.enumerator().keyCount(); ++i)
+        keys.append(QString::fromLatin1(property.enumerator().key(i)));
+    return keys;
+}
+
 QVariant OssPreferenceManager::value(const Preference &preference)
 {
     return preference.object ? preference.object->property(preference.key.toLatin1().constData())
@@ -127,7 +140,7 @@ QVariant OssPreferenceManager::fitting(const Preference &preference, const QVari
         meta->indexOfProperty(preference.key.toLatin1().constData()));
     const int type = property.isEnumType() ? int(QMetaType::Int) : property.userType();
     const bool isText = value.userType() == QMetaType::QString;
-    if (isText && property.isEnumType()) {
+    if (property.isEnumType() && isText) {
         bool isName = false;
         const int number = property.enumerator().keyToValue(text.toLatin1().constData(), &isName);
         if (isName)

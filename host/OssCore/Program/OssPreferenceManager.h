@@ -54,6 +54,8 @@ public:
     static QString toolTip(const Preference &preference);
     /// Empty when any value is allowed.
     static QStringList allowedTexts(const Preference &preference);
+    /// Of the values, where they are an enumeration's; empty elsewhere.
+    static QStringList names(const Preference &preference);
     static QVariant value(const Preference &preference);
     static bool setValue(const Preference &preference, const QVariant &value);
     /// The value as the property takes it: of its type, and an allowed text where only some are.

@@ -283,7 +283,9 @@ void OssUndoManager::clear()
 
 bool OssUndoManager::isClean() const
 {
-    return m_index == m_cleanIndex;
+    const bool stepsOnTheirWay = std::any_of(
+        m_open.begin(), m_open.end(), [](const auto &macro) { return !macro->steps.empty(); });
+    return m_index == m_cleanIndex && !stepsOnTheirWay;
 }
 
 void OssUndoManager::setClean()

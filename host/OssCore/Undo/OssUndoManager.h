@@ -114,6 +114,10 @@ public Q_SLOTS:
     /// Undoes or redoes until that many steps are done.
     void setIndex(int index);
 
+    /// Before the document is saved or given up: what is half done becomes a part of it, as before an
+    /// edit.
+    void settle() { Q_EMIT aboutToEdit(); }
+
 Q_SIGNALS:
     void cleanChanged(bool clean);
     /// After every recorded, undone, redone or forgotten step.

@@ -192,11 +192,12 @@ QVariant choiceLike(const QVariant &example, const QVariant &value)
     }
     int index = choice.names().indexOf(value.toString());
     if (index < 0 && value.userType() != example.userType()) {
+        // As a real, for a conversion to a whole number takes what is none, and what is too large.
         bool good = false;
-        index = value.toInt(&good);
-        // A real that is none converts to anything.
-        if (!good || !std::isfinite(value.toDouble()))
-            return {};
+        const double number = value.toDouble(&good);
+        const bool names = good && number >= 0.0 && number < choice.names().size()
+                           && number == std::floor(number);
+        index = names ? int(number) : -1;
     }
     choice.setCurrentValue(index);
     return index < 0 ? QVariant() : QVariant::fromValue(choice);

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <map>
 
 namespace {
 
@@ -25,6 +26,24 @@ struct Place
     const Row *row;
     const Menu *submenu;
 };
+
+/// What is missing where the condition does not hold.
+QString reason(When when)
+{
+    static const std::map<When, const char *> texts = {
+        {Always, QT_TRANSLATE_NOOP("OssCommandTable", "not now")},
+        {WithProject, QT_TRANSLATE_NOOP("OssCommandTable", "open a project first")},
+        {WithUndo, QT_TRANSLATE_NOOP("OssCommandTable", "there is nothing to undo")},
+        {WithRedo, QT_TRANSLATE_NOOP("OssCommandTable", "there is nothing to redo")},
+        {WithRecent, QT_TRANSLATE_NOOP("OssCommandTable", "no project was opened yet")},
+        {WithScript, QT_TRANSLATE_NOOP("OssCommandTable", "no script runs")},
+        {WithoutScript, QT_TRANSLATE_NOOP("OssCommandTable", "another script runs")},
+        {WithKnobs, QT_TRANSLATE_NOOP("OssCommandTable", "select a group first")},
+        {WithExposed, QT_TRANSLATE_NOOP("OssCommandTable",
+                                        "select a node with properties inside a group first")},
+    };
+    return QCoreApplication::translate("OssCommandTable", texts.at(when));
+}
 
 /// The place in the menu among "Edit 2.1, Context 2.1"; false when it has none there.
 bool placeIn(const QString &menu, const char *places, Place *place)
@@ -159,6 +178,14 @@ void OssCommandTable::setHolds(When when, bool holds)
         if (QAction *action = OssActionTreeManager::instance()->findAction(path(row)))
             action->setEnabled(holds);
     }
+}
+
+QString OssCommandTable::whyDisabled(const QString &path)
+{
+    const Row *row = find(path);
+    QString name = row ? text(*row) : OssActionTreeManager::nameOf(path);
+    return QCoreApplication::translate("OssCommandTable", "%1: %2")
+        .arg(name.remove(QStringLiteral("...")), reason(row ? row->when : Always));
 }
 
 OssMenuDefinition OssCommandTable::menu(const QString &name)

@@ -78,6 +78,9 @@ OSSINTERFACE_EXPORT QAction *makeAction(const QString &path, QObject *owner);
 /// Whether what `when` says holds now: enables the commands that need it, and disables them.
 OSSINTERFACE_EXPORT void setHolds(When when, bool holds);
 
+/// What a disabled command misses, as one line for the status bar: "Redo: there is nothing to redo".
+OSSINTERFACE_EXPORT QString whyDisabled(const QString &path);
+
 /// What stands in a menu, submenus included.
 OSSINTERFACE_EXPORT OssMenuDefinition menu(const QString &name);
 

@@ -37,6 +37,17 @@ void OssApplication::setPopupsAllowed(bool allowed)
         state().guard = new OssPopupGuard(qApp);
 }
 
+void OssApplication::takeTyped()
+{
+    const QPointer<QWidget> field = QApplication::focusWidget();
+    if (!field || !field->testAttribute(Qt::WA_InputMethodEnabled))
+        return;
+    field->clearFocus();
+    // A field that was open for typing alone has gone, or is about to.
+    if (field && field->isVisible())
+        field->setFocus(Qt::OtherFocusReason);
+}
+
 QWidget *OssApplication::mainWindow()
 {
     return state().mainWindow;

@@ -107,6 +107,7 @@ QByteArray OssShaderNetworkIO::nodesToText(const QList<OssSnBaseNode *> &nodes, 
     buffer.open(QIODevice::WriteOnly);
     OssSerializer serializer(&buffer);
     serializer.setCanonical(true); // what is pasted are other nodes: they bring no ids
+    serializer.setExcerpt(true);
     OssSerializer::Attributes attributes;
     attributes.insert(QStringLiteral("major"), QString::number(FormatMajor));
     if (!note.isEmpty())

@@ -18,10 +18,13 @@ bool OssShaderNetwork::saveObjects(OssSerializer &serializer)
 {
     if (!parentGroupNode())
         OssNodeTypeTable::write(serializer, nodes());
-    serializer.beginCollection(NodesCollection, nodeCount(), QStringLiteral("QList"),
+    QList<OssSnBaseNode *> written = nodes();
+    if (serializer.isExcerpt())
+        written.removeOne(viewerNode());
+    serializer.beginCollection(NodesCollection, written.size(), QStringLiteral("QList"),
                                QStringLiteral("OssSnBaseNode"), {});
     bool saved = true;
-    for (const NodePointer &node : m_nodes)
+    for (OssSnBaseNode *node : qAsConst(written))
         saved = node->save(serializer, node->name(), node->identityAttributes()) && saved;
     serializer.endCollection();
     if (!parentGroupNode())

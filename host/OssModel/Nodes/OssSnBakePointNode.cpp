@@ -182,7 +182,9 @@ bool OssSnBakePointNode::isBakedFor(const OssGeoEntity *object) const
     return std::any_of(names.cbegin(), names.cend(), [object](const QString &name) {
         const QRegularExpression shape(
             QRegularExpression::wildcardToRegularExpression(name.trimmed()));
-        return shape.match(object->name()).hasMatch();
+        // An unfinished pattern, as "[a", is a name.
+        return shape.isValid() ? shape.match(object->name()).hasMatch()
+                               : name.trimmed() == object->name();
     });
 }
 

@@ -38,10 +38,12 @@ bool isModifier(int key)
 
 void OssNgView::keyPressEvent(QKeyEvent *event)
 {
-    const bool used = event->key() == Qt::Key_Escape
-                          ? cancelGesture()
-                          : handleNavigationKey(event) || handleNudgeKey(event)
-                                || handleMenuKey(event);
+    // The command that undoes may be disabled: there may be no step yet.
+    const bool takesBack = event->key() == Qt::Key_Escape
+                           || (hasGesture() && event->matches(QKeySequence::Undo));
+    const bool used = takesBack ? cancelGesture()
+                                : handleNavigationKey(event) || handleNudgeKey(event)
+                                      || handleMenuKey(event);
     if (used)
         event->accept();
     else if (!isModifier(event->key()))

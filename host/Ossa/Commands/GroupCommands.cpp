@@ -2,6 +2,7 @@
 
 #include "Ossa/Commands/Commands.h"
 #include "OssCore/Program/OssResourceInfo.h"
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Popups/OssFileDialog.h"
 #include "OssInterface/Popups/OssMessageBox.h"
@@ -97,6 +98,10 @@ void GroupCommands::groupSelected()
     const QPointer<OssShaderNetwork> shown = network();
     if (!shown)
         return;
+    if (shown->selectedNodes().isEmpty()) {
+        OssStatusManager::instance()->showMessage(tr("Group Selected Nodes: select nodes first"));
+        return;
+    }
     if (!mayBeGrouped(shown, shown->selectedNodes()) || !shown)
         return;
     const QList<OssSnBaseNode *> selected = shown->selectedNodes(); // as it is after the question
@@ -112,11 +117,16 @@ void GroupCommands::ungroupSelected()
         return;
     const QList<OssSnBaseNode *> selected = shown->selectedNodes();
     QList<OssSnBaseNode *> inside;
+    bool hasGroup = false;
     const OssUndoManager::AutoMacro macro(tr("Ungroup"));
     for (OssSnBaseNode *node : selected) {
-        if (auto *one = qobject_cast<OssSnGroupNode *>(node))
+        auto *one = qobject_cast<OssSnGroupNode *>(node);
+        hasGroup = hasGroup || one;
+        if (one)
             inside.append(shown->ungroup(one));
     }
+    if (!hasGroup)
+        OssStatusManager::instance()->showMessage(tr("Ungroup: select a group first"));
     if (!inside.isEmpty())
         selectMade(shown, inside);
 }
@@ -124,8 +134,10 @@ void GroupCommands::ungroupSelected()
 void GroupCommands::addPort(bool input)
 {
     OssSnGroupNode *target = group();
-    if (!target)
+    if (!target) {
+        OssStatusManager::instance()->showMessage(tr("Select the group that is to have the port"));
         return;
+    }
     const QString name = target->groupNetwork()->generateUniqueNodeName(input ? tr("Input")
                                                                               : tr("Output"));
     if (input)

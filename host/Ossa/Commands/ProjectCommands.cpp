@@ -4,6 +4,7 @@
 #include "Ossa/Commands/RecentProjects.h"
 #include "OssCore/Program/OssResourceInfo.h"
 #include "OssCore/Program/OssStatusManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssInterface/Popups/OssFileDialog.h"
 #include "OssInterface/Popups/OssMessageBox.h"
@@ -21,6 +22,13 @@ namespace {
 const QString recentFolder = QStringLiteral("/Ossa/File/Recent/");
 const QString exampleFolder = QStringLiteral("/Ossa/File/Example/");
 const QString projectPathKey = QStringLiteral("ProjectPath");
+
+/// What the user has in hand, or is typing, belongs to the document.
+void settle()
+{
+    OssUndoManager::instance()->settle();
+    OssApplication::takeTyped();
+}
 
 // Examples belong to the program: changes to one are saved to a place of the user's own.
 bool isExample(const QString &path)
@@ -81,6 +89,7 @@ void ProjectCommands::askForNewResolution()
 
 bool ProjectCommands::mayClose()
 {
+    settle();
     const auto *projects = OssProjectManager::instance();
     if (!projects->currentProject() || !projects->isModified())
         return true;
@@ -140,6 +149,7 @@ bool ProjectCommands::saveAs()
 
 bool ProjectCommands::saveTo(const QString &path)
 {
+    settle();
     auto *projects = OssProjectManager::instance();
     const bool sameFile = projects->currentProject()->path() == path;
     const OssResult result = sameFile ? projects->saveProject() : projects->saveProjectAs(path);

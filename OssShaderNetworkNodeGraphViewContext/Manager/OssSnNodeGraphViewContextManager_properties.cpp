@@ -9,6 +9,12 @@
 
 // The "Node Properties" palette.
 
+namespace {
+
+const QString paletteKey = QStringLiteral("node_properties_palette");
+
+} // namespace
+
 void OssSnNodeGraphViewContextManager::initialiseNodePropertiesPalette()
 {
     auto *palette = new OssPalette; // the palette manager takes it
@@ -20,7 +26,7 @@ void OssSnNodeGraphViewContextManager::initialiseNodePropertiesPalette()
     palette->setBodyWidget(m_nodePropertiesWidget);
     palette->setObjectName(tr("Node Properties"));
     palette->setWindowTitle(tr("Node Properties"));
-    palette->setContextHelpKey(QStringLiteral("node_properties_palette"));
+    palette->setContextHelpKey(paletteKey);
     OssPaletteManager::instance()->registerPalette(palette, true,
                                                    OssResourceInfo::instance()->iconPath()
                                                        + QStringLiteral("/NodeProperties.png"));
@@ -33,7 +39,7 @@ OssSnNodePropertiesWidget *OssSnNodeGraphViewContextManager::nodePropertiesWidge
 
 void OssSnNodeGraphViewContextManager::showPropertiesPalette()
 {
-    OssPalette *palette = OssPaletteManager::instance()->find(tr("Node Properties"), false);
+    OssPalette *palette = OssPaletteManager::instance()->find(paletteKey, false);
     if (!palette)
         return;
     if (!palette->isVisible())

@@ -33,6 +33,7 @@
 namespace {
 
 constexpr const char *Source = "OssSnNodeGraphViewContextManager";
+const QString paletteKey = QStringLiteral("node_graph_palette");
 
 OssSnBaseNode *resolved(const OssObjectReference &reference)
 {
@@ -169,14 +170,14 @@ void OssSnNodeGraphViewContextManager::initialiseNodeGraphPalette()
     palette->setBodyWidget(m_nodeGraphWidget);
     palette->setObjectName(tr("Node Graph"));
     palette->setWindowTitle(tr("Node Graph"));
-    palette->setContextHelpKey(QStringLiteral("node_graph_palette"));
+    palette->setContextHelpKey(paletteKey);
     OssPaletteManager::instance()->registerPalette(
         palette, true, OssResourceInfo::instance()->iconPath() + QStringLiteral("/NodeGraph.png"));
 }
 
 void OssSnNodeGraphViewContextManager::showNodeGraphPalette()
 {
-    if (OssPalette *palette = OssPaletteManager::instance()->find(tr("Node Graph"), false))
+    if (OssPalette *palette = OssPaletteManager::instance()->find(paletteKey, false))
         palette->showBySidebar();
 }
 

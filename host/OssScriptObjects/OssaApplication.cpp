@@ -111,7 +111,7 @@ QStringList Application::palettes() const
     QStringList names;
     const QVector<OssPalette *> palettes = OssPaletteManager::instance()->palettes();
     for (const OssPalette *palette : palettes)
-        names.append(palette->objectName());
+        names.append(palette->identity());
     return names;
 }
 

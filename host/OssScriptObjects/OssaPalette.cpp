@@ -12,7 +12,7 @@ Palette::Palette(QObject *palette)
 QString Palette::name() const
 {
     const auto *own = wrapped<OssPalette>();
-    return own ? own->objectName() : QString();
+    return own ? own->identity() : QString();
 }
 
 QString Palette::title() const

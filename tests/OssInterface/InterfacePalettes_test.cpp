@@ -37,6 +37,9 @@ TEST_F(Palettes, foundByObjectNameAndByHelpKeyUnderATranslation)
     ASSERT_TRUE(palettes()->registerPalette(graph, true, text("/icon.png")));
     for (const char *name : {"Knotengraph", "Node Graph", "node_graph_palette"})
         EXPECT_EQ(palettes()->find(text(name)), graph) << name;
+    EXPECT_EQ(graph->identity(), text("Node Graph"));
+    const std::unique_ptr<OssPalette> plain(make("Plain"));
+    EXPECT_EQ(plain->identity(), text("Plain"));
     EXPECT_EQ(palettes()->find(text("Node Properties")), nullptr);
     EXPECT_EQ(palettes()->iconPath(graph), text("/icon.png"));
 }

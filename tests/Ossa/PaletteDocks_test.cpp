@@ -153,6 +153,18 @@ TEST_F(Docks, theUsersSizesComeBackAndAPaletteThatIsShownHasRoom)
     EXPECT_GE(place(viewer).width(), 1200 / 10);
 }
 
+TEST_F(Docks, theLayoutComesBackUnderAnotherLanguage)
+{
+    toggle("Log")->trigger();
+    close();
+    OssPaletteManager::instance()->deletePalettes();
+    make("Knotengraph", "node_graph_palette");
+    make("Protokoll", "log_palette");
+    open(true);
+    EXPECT_FALSE(toggle("Log")->isChecked());
+    EXPECT_TRUE(toggle("Node Graph")->isChecked());
+}
+
 TEST_F(Docks, aPaletteThatIsDeletedLeavesTheWindow)
 {
     delete history;

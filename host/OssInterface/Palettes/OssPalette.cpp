@@ -1,6 +1,7 @@
 #include "OssInterface/Palettes/OssPalette.h"
 
 #include <QScopedValueRollback>
+#include <QStringList>
 #include <QVBoxLayout>
 
 OssPalette::OssPalette(QWidget *parent)
@@ -24,6 +25,18 @@ void OssPalette::setBodyWidget(QWidget *body)
         return;
     layout()->addWidget(body);
     setFocusProxy(body);
+}
+
+QString OssPalette::identity() const
+{
+    QStringList words = m_contextHelpKey.split(QLatin1Char('_'), Qt::SkipEmptyParts);
+    if (words.isEmpty())
+        return objectName();
+    if (words.size() > 1 && words.last() == QLatin1String("palette"))
+        words.removeLast();
+    for (QString &word : words)
+        word[0] = word.at(0).toUpper();
+    return words.join(QLatin1Char(' '));
 }
 
 void OssPalette::showBySidebar()

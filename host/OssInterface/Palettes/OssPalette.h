@@ -27,6 +27,11 @@ public:
 
     QString contextHelpKey() const { return m_contextHelpKey; }
 
+    /// What layouts and commands know the palette by, whatever language its title and object name
+    /// are in: its help key as words, "Node Graph" for "node_graph_palette". Without a help key the
+    /// object name.
+    QString identity() const;
+
     /// Makes the palette visible wherever it is docked, in front of what shares its place.
     void showBySidebar();
 

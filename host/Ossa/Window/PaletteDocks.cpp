@@ -122,7 +122,7 @@ PaletteDocks::PaletteDocks(QMainWindow *window)
             [this](OssPalette *palette) {
                 dock(palette);
                 place(palette, m_docks.value(palette));
-                if (m_stateNames.contains(palette->objectName()))
+                if (m_stateNames.contains(palette->identity()))
                     applyState();
             });
 }
@@ -151,7 +151,7 @@ void PaletteDocks::applyState()
     // Palettes that the state does not know were taken out of the layout.
     const QVector<OssPalette *> palettes = OssPaletteManager::instance()->palettes();
     for (OssPalette *palette : palettes) {
-        if (m_docks.contains(palette) && !m_stateNames.contains(palette->objectName()))
+        if (m_docks.contains(palette) && !m_stateNames.contains(palette->identity()))
             place(palette, m_docks.value(palette));
     }
 }
@@ -203,7 +203,7 @@ bool PaletteDocks::eventFilter(QObject *watched, QEvent *event)
 void PaletteDocks::dock(OssPalette *palette)
 {
     auto *dock = new ads::CDockWidget(palette->windowTitle()); // owned by the manager
-    dock->setObjectName(palette->objectName());
+    dock->setObjectName(palette->identity());
     dock->setIcon(QIcon(OssPaletteManager::instance()->iconPath(palette)));
     dock->setMinimumSizeHintMode(ads::CDockWidget::MinimumSizeHintFromContent);
     dock->setWidget(palette, ads::CDockWidget::ForceNoScrollArea);
@@ -223,7 +223,7 @@ void PaletteDocks::dock(OssPalette *palette)
 
     QAction *toggle = dock->toggleViewAction();
     toggle->setMenuRole(QAction::NoRole);
-    OssActionTreeManager::setName(toggle, palette->objectName());
+    OssActionTreeManager::setName(toggle, palette->identity());
     OssActionTreeManager::instance()->registerAction(paletteFolder, toggle);
     if (palette->contextHelpKey() == QLatin1String(places[0].helpKey))
         OssShortcutManager::instance()->setScope(graphFolder, palette);

@@ -1,5 +1,6 @@
 #include "OssSnNodeGraphViewContextManager.h"
 
+#include "Manager/ImageNodeTypes.h"
 #include "Manager/SelectionCommands.h"
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Program/OssIcon.h"
@@ -114,18 +115,17 @@ void OssSnNodeGraphViewContextManager::createImageActions()
 {
     struct ImageRow
     {
-        QString text;
+        const char *path;
         QString pathKey;
         QString toolTip;
     };
 
-    const ImageRow rows[] = {{tr("As Tiled"), QStringLiteral("Procedural/Pattern/Tiled"),
-                              tr("Add to Nodegraph as Tiled")},
-                             {tr("As TriPlanar"),
-                              QStringLiteral("Environment/Tri Planar Projection"),
-                              tr("Add to Nodegraph as TriPlanar")}};
+    const ImageRow rows[] = {
+        {"/Ossa/Images/As Tiled", ImageNodeTypes::Tiled, tr("Add to Nodegraph as Tiled")},
+        {"/Ossa/Images/As TriPlanar", ImageNodeTypes::TriPlanar,
+         tr("Add to Nodegraph as TriPlanar")}};
     for (const ImageRow &row : rows) {
-        auto *action = new QAction(row.text, this);
+        QAction *action = OssCommandTable::makeAction(QString::fromLatin1(row.path), this);
         action->setData(row.pathKey);
         action->setToolTip(row.toolTip);
         connect(action, &QAction::triggered, this, &OssSnNodeGraphViewContextManager::addImageAs);

@@ -1,5 +1,6 @@
 #include "OssShaderNetworkView.h"
 
+#include "Manager/ImageNodeTypes.h"
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/DragAndDrop/OssDragAndDropManager.h"
@@ -20,14 +21,12 @@ namespace {
 
 constexpr const char *Source = "OssShaderNetworkView";
 constexpr int NodeGraphTarget = OssImageManager::NodeGraphTarget;
-const QString TiledKey = QStringLiteral("Procedural/Pattern/Tiled");
-const QString TriPlanarKey = QStringLiteral("Environment/Tri Planar Projection");
 
 QStringList imageAttributes(const QString &nodeType)
 {
-    if (nodeType == TiledKey)
+    if (nodeType == ImageNodeTypes::Tiled)
         return {QStringLiteral("TileImage")};
-    if (nodeType == TriPlanarKey)
+    if (nodeType == ImageNodeTypes::TriPlanar)
         return {QStringLiteral("frontImage"), QStringLiteral("topImage"),
                 QStringLiteral("rightImage")};
     return {};
@@ -134,10 +133,10 @@ void OssShaderNetworkView::dropImages(QDropEvent *event)
     const QList<OssImage *> images = OssImageManager::instance()->dropped(event);
     if (images.isEmpty())
         return;
-    QString nodeType = TiledKey;
+    QString nodeType = ImageNodeTypes::Tiled;
     if (QGuiApplication::keyboardModifiers() & Qt::ShiftModifier) {
         OssDebug(Source, __LINE__, "[ -- ] Modifer Shift key pressed -> will create TriPlanar");
-        nodeType = TriPlanarKey;
+        nodeType = ImageNodeTypes::TriPlanar;
     }
     const OssUndoManager::AutoMacro macro(
         tr("Drag and drop : creating %1 %2 of type '%3'")

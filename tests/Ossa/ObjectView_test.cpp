@@ -197,7 +197,7 @@ TEST_F(ObjectDrawing, theViewShowsPicturesAsTheyArriveAndTurnsUnderTheMouse)
     EXPECT_NE(view.grab().toImage(), before);
     dragMouse(&view, Qt::MiddleButton, centre, centre - QPoint(500, 0));
     EXPECT_NE(middle(), QColor(Qt::green)) << "moved out of the view";
-    QTest::keyClick(&view, Qt::Key_F);
+    view.frameAll();
     EXPECT_EQ(middle(), QColor(Qt::green));
 }
 
@@ -220,7 +220,7 @@ TEST_F(ObjectDrawing, anObjectOfAnySizeIsFramedWhenItComes)
             EXPECT_EQ(image.pixelColor(corner), ground) << double(scale);
     }
     // The user's own view of it stays while nothing else comes.
-    QTest::keyClick(&view, Qt::Key_F);
+    view.frameAll();
     const QImage framed = view.grab().toImage();
     turnWheel(&view, {120, 120}, 240);
     const QImage near = view.grab().toImage();

@@ -158,31 +158,18 @@ TEST_F(PaintGestures, aStrokeEndsWithTheFocusAndWithPainting)
     EXPECT_EQ(m_canvas->cursor().shape(), Qt::ArrowCursor);
 }
 
-TEST_F(PaintGestures, keysChangeTheBrushWithinItsLimits)
+TEST_F(PaintGestures, theBrushChangesWithinItsLimits)
 {
-    key(Qt::Key_BracketRight);
-    EXPECT_GT(m_session->brush().radius, 6.0);
-    key(Qt::Key_BracketLeft);
-    EXPECT_DOUBLE_EQ(m_session->brush().radius, 6.0);
-    key(Qt::Key_E);
-    EXPECT_TRUE(m_session->brush().erases);
-    const std::tuple<Qt::Key, double OssEvBrush::*, double> cases[] = {
-        {Qt::Key_BracketLeft, &OssEvBrush::radius, 0.5},
-        {Qt::Key_BracketRight, &OssEvBrush::radius, 2048.0},
-        {Qt::Key_BraceLeft, &OssEvBrush::hardness, 0.0},
-        {Qt::Key_BraceRight, &OssEvBrush::hardness, 1.0},
-    };
-    for (const auto &[pressed, value, limit] : cases) {
-        for (int i = 0; i < 60; ++i)
-            key(pressed);
-        EXPECT_DOUBLE_EQ(m_session->brush().*value, limit) << pressed;
+    m_session->scaleBrush(2.0);
+    EXPECT_DOUBLE_EQ(m_session->brush().radius, 12.0);
+    m_session->hardenBrush(-0.25);
+    EXPECT_DOUBLE_EQ(m_session->brush().hardness, 0.75);
+    for (const bool most : {true, false}) {
+        m_session->scaleBrush(most ? 1e6 : 1e-6);
+        m_session->hardenBrush(most ? 9.0 : -9.0);
+        EXPECT_DOUBLE_EQ(m_session->brush().radius, most ? 2048.0 : 0.5);
+        EXPECT_DOUBLE_EQ(m_session->brush().hardness, most ? 1.0 : 0.0);
     }
-    EXPECT_EQ(m_canvas->cursor().shape(), Qt::CrossCursor);
-    m_canvas->setPainting(false);
-    key(Qt::Key_BracketLeft);
-    key(Qt::Key_E);
-    EXPECT_EQ(m_session->brush().radius, 2048.0) << "they are the brush's while painting";
-    EXPECT_TRUE(m_session->brush().erases);
 }
 
 TEST_F(PaintGestures, dragsThatLookMoveThePictureAndPaintNothing)
@@ -206,7 +193,7 @@ TEST_F(PaintGestures, dragsThatLookMoveThePictureAndPaintNothing)
         m_canvas->resize(448, 248);
         m_pictures.begin({1001, 1002}, Resolution, {});
         EXPECT_TRUE(focus.isEmpty());
-        key(Qt::Key_F);
+        m_canvas->frameAll();
         m_canvas->resize(500, 248);
         EXPECT_EQ(focus.size(), 2) << "until all is asked for again";
         m_canvas->resize(448, 248);
@@ -236,7 +223,7 @@ TEST_F(PaintGestures, theWheelZoomsAtThePointerWithinLimits)
     }
     EXPECT_TRUE(toldAt(pointer + QPoint(40, 0)).isEmpty()) << "small, and nothing beside it";
     EXPECT_FALSE(toldAt(pointer + QPoint(6, 0)).isEmpty()) << "but to be seen";
-    key(Qt::Key_F);
+    m_canvas->frameAll();
     EXPECT_EQ(toldAt(pointer), before) << "no values yet";
     arrive(1001, 1, {0.25F});
     EXPECT_EQ(toldAt(pointer), before + text("  0.2500"));
@@ -326,7 +313,7 @@ TEST_F(PaintGestures, allPatchesFitWhateverTheShapeOfTheView)
 {
     for (const QSize &size : {QSize(448, 248), QSize(1200, 248), QSize(300, 900)}) {
         m_canvas->resize(size);
-        key(Qt::Key_F);
+        m_canvas->frameAll();
         const QPoint centre(size.width() / 2, size.height() / 2);
         EXPECT_EQ(toldAt(centre - QPoint(10, 0)).left(4), text("1001"));
         EXPECT_EQ(toldAt(centre + QPoint(10, 0)).left(4), text("1002"));

@@ -2,10 +2,12 @@
 
 #include "Ossa/Viewer/ObjectView.h"
 #include "Ossa/Viewer/PaintBar.h"
+#include "Ossa/Viewer/PaintSession.h"
 #include "Ossa/Viewer/UvView.h"
 #include "Ossa/Viewer/ViewerPictures.h"
 #include "Ossa/Viewer/ViewerSource.h"
 #include "OssCore/Program/OssSettings.h"
+#include "OssInterface/Actions/OssShortcutManager.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Images/OssPixelStore.h"
 #include "OssModel/Nodes/OssSnImageSetNodeBase.h"
@@ -311,6 +313,49 @@ TEST_F(ViewerParts, thePointerGivesTheBrushItsKeysUnlessTheUserWritesElsewhere)
             << paints << focus->metaObject()->className();
     }
     m_panel->setParent(nullptr);
+}
+
+TEST_F(ViewerParts, keysAreCommandsThatActInThePicturesAlone)
+{
+    const auto *session = m_panel->findChild<PaintSession *>();
+    auto *view = m_panel->findChild<UvView *>();
+    auto *object = m_panel->findChild<ObjectView *>();
+    m_panel->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(m_panel.get()));
+    const auto press = [](QWidget *focus, Qt::Key key) {
+        focus->setFocus();
+        QTest::keyClick(focus, key);
+    };
+    button("Both")->click();
+    const auto state = [&] {
+        const OssEvBrush &brush = session->brush();
+        return std::tuple(brush.radius, brush.hardness, brush.erases, object->isLit());
+    };
+    const auto keys = {Qt::Key_E, Qt::Key_BracketLeft, Qt::Key_BracketRight, Qt::Key_BraceLeft,
+                       Qt::Key_BraceRight};
+    for (const bool paints : {true, false}) {
+        button("Paint")->setChecked(paints);
+        for (const Qt::Key key : keys) {
+            const auto before = state();
+            press(named<QComboBox>(m_panel.get(), "Channels"), key);
+            EXPECT_EQ(state(), before) << key;
+            press(view, key);
+            EXPECT_EQ(state() != before, paints) << key;
+        }
+    }
+    for (QWidget *focus : {static_cast<QWidget *>(view), static_cast<QWidget *>(object)}) {
+        const bool lit = object->isLit();
+        press(focus, Qt::Key_L);
+        EXPECT_NE(object->isLit(), lit);
+        m_pictures->begin({1001}, 256, {});
+        QSignalSpy framed(view, &UvView::focusMoved);
+        press(focus, Qt::Key_F);
+        EXPECT_EQ(framed.size(), focus == view ? 1 : 0) << "the other one stays as it is looked at";
+    }
+    EXPECT_EQ(button("Eraser")->toolTip().right(4), text(" (E)"));
+    OssShortcutManager::instance()->setKeys(text("/Ossa/Viewer/Toggle Eraser"), {});
+    EXPECT_FALSE(button("Eraser")->toolTip().contains(QLatin1Char('(')));
+    OssShortcutManager::instance()->resetAll();
 }
 
 TEST_F(ViewerParts, theViewsStandSideBySideWhereThereIsRoom)

@@ -27,6 +27,7 @@ enum When {
     WithRecent,
     WithScript,
     WithoutScript,
+    WithBrush,  ///< the Viewer's patches are painted on
     WithKnobs,  ///< a group is selected, or shown: its knobs are meant
     WithExposed ///< in the group that is shown a node is selected whose values can become knobs
 };
@@ -34,7 +35,9 @@ enum When {
 struct Row
 {
     /// Identity in the action tree: folder and name. The name, translated, is what users read.
-    /// "*" stands for whatever is filed there while the program runs.
+    /// "*" stands for whatever is filed there while the program runs. Keys of "/Ossa/NodeGraph" act
+    /// in the graph alone, those of "/Ossa/Viewer" in the Viewer's pictures: the same key may stand in
+    /// both.
     const char *folder = "";
     const char *name = "";
     /// Default keys as portable text; alternatives are separated by a blank.
@@ -42,7 +45,7 @@ struct Row
     /// "Menu SECTION.PLACE", several separated by ", ". Sections are parted by a line.
     const char *places = "";
     When when = Always;
-    const char *tip = "";  ///< one line for the status bar
+    const char *tip = "";  ///< what it does, in one line: status bar, command palette, tool tips
     const char *icon = ""; ///< file in the icon folder
 };
 

@@ -1,8 +1,27 @@
 #include "Ossa/Commands/Commands.h"
 
 #include "OssInterface/Actions/OssActionTreeManager.h"
+#include "OssInterface/Actions/OssShortcutManager.h"
 
 #include <QAction>
+#include <QWidget>
+
+namespace {
+
+/// " ([, ])"; empty where there are no keys.
+QString keysInBrackets(const QStringList &paths)
+{
+    QStringList texts;
+    for (const QString &path : paths) {
+        const QList<QKeySequence> keys = OssShortcutManager::instance()->keys(path);
+        if (!keys.isEmpty())
+            texts.append(keys.first().toString(QKeySequence::NativeText));
+    }
+    return texts.isEmpty() ? QString()
+                           : QStringLiteral(" (%1)").arg(texts.join(QStringLiteral(", ")));
+}
+
+} // namespace
 
 QAction *Commands::file(QObject *owner, const QString &path, const std::function<void()> &run)
 {
@@ -21,4 +40,16 @@ QAction *Commands::fileNamed(QObject *owner, const QString &folder, const QStrin
     QObject::connect(action, &QAction::triggered, owner, run);
     OssActionTreeManager::instance()->registerAction(folder, action);
     return action;
+}
+
+void Commands::describe(QWidget *control, const QStringList &paths, const QString &words)
+{
+    const OssCommandTable::Row *row = OssCommandTable::find(paths.first());
+    const QString tip = words.isEmpty() && row ? OssCommandTable::tip(*row) : words;
+    const auto show = [control, paths, tip] {
+        control->setToolTip(tip + keysInBrackets(paths));
+    };
+    show();
+    QObject::connect(OssShortcutManager::instance(), &OssShortcutManager::keysChanged, control,
+                     show);
 }

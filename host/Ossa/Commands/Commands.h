@@ -3,11 +3,13 @@
 #include "OssInterface/Actions/OssCommandTable.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 
 class QAction;
 class QObject;
+class QWidget;
 
 /// Brings the application's commands to life.
 namespace Commands {
@@ -19,5 +21,9 @@ QAction *file(QObject *owner, const QString &path, const std::function<void()> &
 /// The same for what comes and goes while the program runs, such as recent files.
 QAction *fileNamed(QObject *owner, const QString &folder, const QString &name,
                    const std::function<void()> &run, const QString &tip);
+
+/// Gives a control the tip of the commands that do the same as it, with the keys that they have now.
+/// `words` stands in place of the first one's tip.
+void describe(QWidget *control, const QStringList &paths, const QString &words = {});
 
 } // namespace Commands

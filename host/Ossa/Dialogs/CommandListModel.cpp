@@ -70,6 +70,8 @@ QVariant CommandListModel::data(const QModelIndex &index, int role) const
         return QStringList{row.action->text(), folderText(row.path),
                            row.action->shortcut().toString(QKeySequence::NativeText)}
             .join(QStringLiteral(", "));
+    case Qt::ToolTipRole:
+        return row.action->statusTip();
     case FolderRole:
         return folderText(row.path);
     case KeyRole:

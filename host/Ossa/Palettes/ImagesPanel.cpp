@@ -2,6 +2,7 @@
 
 #include "Ossa/Palettes/DragList.h"
 #include "Ossa/Palettes/ImageListModel.h"
+#include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/Actions/OssMenu.h"
 #include "OssInterface/Popups/OssFileDialog.h"
 #include "OssInterface/Popups/OssMessageBox.h"
@@ -43,6 +44,18 @@ ImagesPanel::ImagesPanel(QWidget *parent)
     layout->addLayout(bar);
     layout->addWidget(m_list);
     setFocusProxy(m_list);
+    fileCommands();
+}
+
+void ImagesPanel::fileCommands()
+{
+    // So that they are found by name and can have keys.
+    const auto actions = OssImageManager::instance()->globalContextMenuActions();
+    for (const OssImageManager::ContextMenuAction &entry : actions) {
+        if (auto *action = qobject_cast<QAction *>(entry.action.data()))
+            OssActionTreeManager::instance()->registerAction(QStringLiteral("/Ossa/Images"),
+                                                             action);
+    }
 }
 
 void ImagesPanel::openImages()

@@ -20,6 +20,8 @@ private:
     /// Images know whether they are selected; commands on them ask for it.
     void passSelectionOn();
     void showMenu(const QPoint &place);
+    /// Those that are offered for images now.
+    static void fileCommands();
 
     ImageListModel *m_model;
     QListView *m_list;

@@ -4,7 +4,6 @@
 #include "OssEvaluation/Geometry/OssEvMesh.h"
 
 #include <QElapsedTimer>
-#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QWheelEvent>
@@ -186,14 +185,4 @@ void ObjectView::wheelEvent(QWheelEvent *event)
 {
     m_camera.zoom(float(std::pow(1.15, event->angleDelta().y() / 120.0)));
     redraw();
-}
-
-void ObjectView::keyPressEvent(QKeyEvent *event)
-{
-    if (event->key() == Qt::Key_F || event->key() == Qt::Key_A)
-        frameAll();
-    else if (event->key() == Qt::Key_L)
-        setLit(!m_isLit);
-    else
-        QWidget::keyPressEvent(event);
 }

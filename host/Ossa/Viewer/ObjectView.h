@@ -11,8 +11,7 @@
 class ViewerPictures;
 
 /// The object with the patches on its surface. Left drag turns it, middle drag moves it, the wheel
-/// comes nearer, F shows the whole object, L puts the light out and on. Where OpenGL cannot be had
-/// it says so.
+/// comes nearer. Where OpenGL cannot be had it says so.
 ///
 /// Draws only while it is seen; pixels that arrive are handed to OpenGL some at a time between
 /// frames, so that a large picture does not hold up the user.
@@ -44,7 +43,6 @@ protected:
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
-    void keyPressEvent(QKeyEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
 private:

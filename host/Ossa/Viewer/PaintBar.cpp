@@ -1,5 +1,6 @@
 #include "Ossa/Viewer/PaintBar.h"
 
+#include "Ossa/Commands/Commands.h"
 #include "Ossa/Viewer/PaintSession.h"
 #include "Ossa/Viewer/ViewerSource.h"
 #include "OssCore/Undo/OssUndoManager.h"
@@ -24,9 +25,15 @@
 
 namespace {
 
-constexpr int largestSize = 4096;
+constexpr int smallestSize = int(2.0 * PaintSession::smallestRadius);
+constexpr int largestSize = int(2.0 * PaintSession::largestRadius);
 constexpr int hundred = 100;
 constexpr int swatchSize = 16;
+
+QString command(const char *name)
+{
+    return QStringLiteral("/Ossa/Viewer/") + QLatin1String(name);
+}
 
 QList<OssSnChannelInputNode *> paintNodes(const OssShaderNetwork *network)
 {
@@ -68,8 +75,8 @@ PaintBar::PaintBar(PaintSession *session, const ViewerSource *source, QWidget *p
     , m_source(source)
     , m_nodes(new QComboBox(this))
     , m_color(new QToolButton(this))
-    , m_size(makeField(tr("Size "), {}, 1, largestSize, tr("Across, in texels ([ and ])")))
-    , m_hardness(makeField(tr("Hard "), tr(" %"), 0, hundred, tr("Hardness of the edge ({ and })")))
+    , m_size(makeField(tr("Size "), {}, smallestSize, largestSize, tr("Across, in texels")))
+    , m_hardness(makeField(tr("Hard "), tr(" %"), 0, hundred, tr("Hardness of the edge")))
     , m_opacity(makeField(tr("Opacity "), tr(" %"), 1, hundred, tr("Opacity of a stroke")))
     , m_eraser(new QToolButton(this))
     , m_clear(new QToolButton(this))
@@ -106,13 +113,13 @@ QHBoxLayout *PaintBar::makeNodeRow()
     connect(m_nodes, qOverload<int>(&QComboBox::activated), this, &PaintBar::chooseNode);
     auto *add = new QToolButton(this);
     add->setText(tr("New"));
-    add->setToolTip(tr("Put a new paint node over what the viewer shows"));
+    Commands::describe(add, {command("New Paint")});
     connect(add, &QToolButton::clicked, this, &PaintBar::makeNode);
     m_clear->setText(tr("Clear"));
-    m_clear->setToolTip(tr("Take away all paint that is not baked"));
+    Commands::describe(m_clear, {command("Clear Paint")});
     connect(m_clear, &QToolButton::clicked, m_session, &PaintSession::clear);
     m_bake->setText(tr("Bake"));
-    m_bake->setToolTip(tr("Write the paint into the images of its node"));
+    Commands::describe(m_bake, {command("Bake Paint")});
     connect(m_bake, &QToolButton::clicked, this, &PaintBar::bake);
     row->addWidget(m_nodes, 1);
     row->addWidget(add);
@@ -130,7 +137,11 @@ QHBoxLayout *PaintBar::makeBrushRow()
     connect(m_color, &QToolButton::clicked, this, &PaintBar::pickColor);
     m_eraser->setText(tr("Eraser"));
     m_eraser->setCheckable(true);
-    m_eraser->setToolTip(tr("Take paint away, baked paint too (E)"));
+    Commands::describe(m_eraser, {command("Toggle Eraser")});
+    Commands::describe(m_size, {command("Smaller Brush"), command("Larger Brush")},
+                       m_size->accessibleName());
+    Commands::describe(m_hardness, {command("Softer Brush"), command("Harder Brush")},
+                       m_hardness->accessibleName());
     connect(m_eraser, &QToolButton::toggled, this, &PaintBar::applyBrush);
     row->addWidget(m_color);
     for (QSpinBox *field : {m_size, m_hardness, m_opacity}) {
@@ -143,14 +154,14 @@ QHBoxLayout *PaintBar::makeBrushRow()
 }
 
 QSpinBox *PaintBar::makeField(const QString &prefix, const QString &suffix, int least, int most,
-                              const QString &toolTip)
+                              const QString &name)
 {
     auto *field = new QSpinBox(this);
     field->setRange(least, most);
     field->setPrefix(prefix);
     field->setSuffix(suffix);
-    field->setToolTip(toolTip);
-    field->setAccessibleName(toolTip);
+    field->setToolTip(name);
+    field->setAccessibleName(name);
     return field;
 }
 

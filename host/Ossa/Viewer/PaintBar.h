@@ -34,7 +34,7 @@ private:
     QHBoxLayout *makeNodeRow();
     QHBoxLayout *makeBrushRow();
     QSpinBox *makeField(const QString &prefix, const QString &suffix, int least, int most,
-                        const QString &toolTip);
+                        const QString &name);
     void chooseNode(int index);
     void pickColor();
     void showBrush();

@@ -131,6 +131,27 @@ void PaintSession::setBrush(const OssEvBrush &brush)
     Q_EMIT brushChanged();
 }
 
+void PaintSession::scaleBrush(double factor)
+{
+    OssEvBrush brush = m_brush;
+    brush.radius = std::clamp(brush.radius * factor, smallestRadius, largestRadius);
+    setBrush(brush);
+}
+
+void PaintSession::hardenBrush(double by)
+{
+    OssEvBrush brush = m_brush;
+    brush.hardness = std::clamp(brush.hardness + by, 0.0, 1.0);
+    setBrush(brush);
+}
+
+void PaintSession::setErasing(bool erases)
+{
+    OssEvBrush brush = m_brush;
+    brush.erases = erases;
+    setBrush(brush);
+}
+
 // --- strokes
 
 bool PaintSession::begin(const QPointF &place, double pressure)

@@ -49,6 +49,14 @@ public:
 
     void setBrush(const OssEvBrush &brush);
 
+    static constexpr double smallestRadius = 0.5;
+    static constexpr double largestRadius = 2048.0;
+
+    /// Within its limits.
+    void scaleBrush(double factor);
+    void hardenBrush(double by);
+    void setErasing(bool erases);
+
     const OssEvPaintBuffer &buffer() const { return m_buffer; }
 
     /// Whether an eraser's stroke over images is baked at once, as one step with it: while what is

@@ -176,10 +176,8 @@ void UvView::mouseReleaseEvent(QMouseEvent *event)
 
 void UvView::keyPressEvent(QKeyEvent *event)
 {
-    if (m_isPainting && paintKey(*event))
-        return;
-    if (event->key() == Qt::Key_F || event->key() == Qt::Key_A)
-        frameAll();
+    if (event->key() == Qt::Key_Escape && m_session->isPainting())
+        m_session->cancel();
     else
         QWidget::keyPressEvent(event);
 }

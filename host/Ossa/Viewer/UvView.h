@@ -8,11 +8,11 @@ class PaintSession;
 class ViewerPictures;
 
 /// The patches of an object side by side, as their numbers place them, and the canvas to paint on
-/// them. Middle drag and Alt with left drag pan, the wheel zooms at the pointer, F shows everything.
+/// them. Middle drag and Alt with left drag pan, the wheel zooms at the pointer.
 ///
 /// While painting the left button draws: Shift goes on from the last stroke in a straight line, Ctrl
-/// picks the colour under the pointer, Escape takes the stroke in hand back, [ and ] change the
-/// brush's size, with Shift its hardness, E makes it an eraser. Otherwise left drag pans too.
+/// picks the colour under the pointer, Escape takes the stroke in hand back. Otherwise left drag pans
+/// too. Other keys are commands of the Viewer.
 class UvView
     : public QWidget
     , public OssCanvasWidget
@@ -66,7 +66,6 @@ private:
 
     // Painting
     void paintPress(const QMouseEvent &event);
-    bool paintKey(const QKeyEvent &event);
     void pickColor(const QPointF &place);
     double brushRadius() const;
     void moveOutline(const QPointF &place);

@@ -4,7 +4,6 @@
 #include "Ossa/Viewer/ViewerPictures.h"
 #include "OssEvaluation/Values/OssEvPatch.h"
 
-#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -15,10 +14,6 @@
 
 namespace {
 
-constexpr double sizeStep = 1.2;
-constexpr double smallestRadius = 0.5;
-constexpr double largestRadius = 2048.0;
-constexpr double hardnessStep = 0.1;
 constexpr double smallestPressure = 0.02;
 constexpr int outlineMargin = 3;
 
@@ -77,37 +72,6 @@ void UvView::focusOutEvent(QFocusEvent *event)
 {
     m_session->end();
     QWidget::focusOutEvent(event);
-}
-
-bool UvView::paintKey(const QKeyEvent &event)
-{
-    OssEvBrush brush = m_session->brush();
-    switch (event.key()) {
-    case Qt::Key_BracketLeft:
-        brush.radius = std::max(smallestRadius, brush.radius / sizeStep);
-        break;
-    case Qt::Key_BracketRight:
-        brush.radius = std::min(largestRadius, brush.radius * sizeStep);
-        break;
-    case Qt::Key_BraceLeft:
-        brush.hardness = std::max(0.0, brush.hardness - hardnessStep);
-        break;
-    case Qt::Key_BraceRight:
-        brush.hardness = std::min(1.0, brush.hardness + hardnessStep);
-        break;
-    case Qt::Key_E:
-        brush.erases = !brush.erases;
-        break;
-    case Qt::Key_Escape:
-        if (!m_session->isPainting())
-            return false;
-        m_session->cancel();
-        return true;
-    default:
-        return false;
-    }
-    m_session->setBrush(brush);
-    return true;
 }
 
 void UvView::pickColor(const QPointF &place)

@@ -8,6 +8,7 @@
 #include "Ossa/Viewer/ViewerPictures.h"
 #include "Ossa/Viewer/ViewerSource.h"
 #include "OssCore/Program/OssSettings.h"
+#include "OssInterface/Actions/OssShortcutManager.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Nodes/OssSnImageSetNodeBase.h"
 
@@ -25,12 +26,16 @@
 namespace {
 
 const QString modeKey = QStringLiteral("Viewer/mode");
+const QString commandFolder = QStringLiteral("/Ossa/Viewer/");
+constexpr double sizeStep = 1.2; // of the brush, from key to key
+constexpr double hardnessStep = 0.1;
 
-QToolButton *makeSwitch(const QString &text, const QString &toolTip, QWidget *parent)
+/// `command`: what does the same.
+QToolButton *makeSwitch(const QString &text, const char *command, QWidget *parent)
 {
     auto *button = new QToolButton(parent);
     button->setText(text);
-    button->setToolTip(toolTip);
+    Commands::describe(button, {commandFolder + QLatin1String(command)});
     button->setCheckable(true);
     return button;
 }
@@ -46,8 +51,8 @@ ViewerPanel::ViewerPanel(QWidget *parent)
     , m_view(new UvView(m_pictures, m_session, this))
     , m_object(new ObjectView(m_pictures, this))
     , m_views(new QSplitter(this))
-    , m_light(makeSwitch(tr("Light"), tr("Light the object, or show its plain colors (L)"), this))
-    , m_paint(makeSwitch(tr("Paint"), tr("Paint on the patches"), this))
+    , m_light(makeSwitch(tr("Light"), "Toggle Light", this))
+    , m_paint(makeSwitch(tr("Paint"), "Toggle Painting", this))
     , m_name(new QLabel(this))
     , m_values(new QLabel(this))
     , m_progress(new QProgressBar(this))
@@ -131,9 +136,9 @@ void ViewerPanel::follow()
 void ViewerPanel::addModes(QHBoxLayout *bar)
 {
     auto *modes = new QButtonGroup(this);
-    modes->addButton(makeSwitch(tr("2D"), tr("The patches of the texture"), this), Patches);
-    modes->addButton(makeSwitch(tr("3D"), tr("The texture on the object"), this), Object);
-    modes->addButton(makeSwitch(tr("Both"), tr("Patches and object side by side"), this), Both);
+    modes->addButton(makeSwitch(tr("2D"), "Show Patches", this), Patches);
+    modes->addButton(makeSwitch(tr("3D"), "Show Object", this), Object);
+    modes->addButton(makeSwitch(tr("Both"), "Show Patches and Object", this), Both);
     const QList<QAbstractButton *> buttons = modes->buttons();
     for (QAbstractButton *button : buttons)
         bar->addWidget(button);
@@ -144,24 +149,35 @@ void ViewerPanel::addModes(QHBoxLayout *bar)
 void ViewerPanel::fileCommands()
 {
     const auto file = [this](const char *name, const auto &run) {
-        Commands::file(this, QStringLiteral("/Ossa/Viewer/") + QLatin1String(name), run);
+        Commands::file(this, commandFolder + QLatin1String(name), run);
     };
+    OssShortcutManager::instance()->setScope(commandFolder, m_views);
     file("Show Patches", [this] { setMode(Patches); });
     file("Show Object", [this] { setMode(Object); });
     file("Show Patches and Object", [this] { setMode(Both); });
+    file("Frame Pictures", [this] { framePictures(); });
     file("Toggle Light", [this] { m_light->toggle(); });
     file("Toggle Painting", [this] { m_paint->toggle(); });
     file("New Paint", [this] {
         m_paint->setChecked(true);
         m_paintBar->makeNode();
     });
-    file("Toggle Eraser", [this] {
-        OssEvBrush brush = m_session->brush();
-        brush.erases = !brush.erases;
-        m_session->setBrush(brush);
-    });
+    file("Toggle Eraser", [this] { m_session->setErasing(!m_session->brush().erases); });
+    file("Smaller Brush", [this] { m_session->scaleBrush(1.0 / sizeStep); });
+    file("Larger Brush", [this] { m_session->scaleBrush(sizeStep); });
+    file("Softer Brush", [this] { m_session->hardenBrush(-hardnessStep); });
+    file("Harder Brush", [this] { m_session->hardenBrush(hardnessStep); });
     file("Bake Paint", [this] { m_paintBar->bake(); });
     file("Clear Paint", [this] { m_session->clear(); });
+}
+
+void ViewerPanel::framePictures()
+{
+    // The one that the user works in; both that are shown, if it is none of them.
+    if (m_view->isVisible() && !m_object->hasFocus())
+        m_view->frameAll();
+    if (m_object->isVisible() && !m_view->hasFocus())
+        m_object->frameAll();
 }
 
 void ViewerPanel::setMode(Mode mode)
@@ -239,6 +255,7 @@ void ViewerPanel::setPainting(bool on)
 {
     m_paintBar->setVisible(on);
     m_view->setPainting(on);
+    OssCommandTable::setHolds(OssCommandTable::WithBrush, on);
     m_paintBar->refresh();
     // There is nothing to paint on in the other view.
     if (on && m_modes->checkedId() == Object)

@@ -44,6 +44,7 @@ private:
     void setPainting(bool on);
     void followPaint();
     void fileCommands();
+    void framePictures();
     void applyLook();
 
     ViewerSource *m_source;

@@ -209,7 +209,8 @@ void buildMarks(GraphScene *scene)
     addMarks(scene, &count);
     for (const int shape : {0, 3, 4, 7}) {
         auto *node = addMarked(scene, &count, QStringLiteral("Shape %1").arg(shape));
-        node->addOutputPorts(texts({"Colour", "Height", "Normal map"}));
+        for (const char *output : {"Colour", "Height", "Normal map"})
+            node->addOutputPort(text(output));
         node->setShapeType(shape);
         node->updateShape();
     }

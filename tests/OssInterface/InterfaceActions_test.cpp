@@ -45,10 +45,11 @@ QAction *find(const char *path)
 class Menus : public testing::Test
 {
 protected:
-    static std::unique_ptr<OssMenu> make(const char *definition)
+    using Item = OssMenuDefinition::Item;
+
+    static std::unique_ptr<OssMenu> make(const QVector<Item> &items)
     {
-        OssMenuManager::instance()->defineMenu(text("Tests"), text("Menu"),
-                                               OssMenuDefinition::fromText(text(definition)));
+        OssMenuManager::instance()->defineMenu(text("Tests"), text("Menu"), {items});
         return std::unique_ptr<OssMenu>(
             OssMenuManager::instance()->makeMenu(text("Tests"), text("Menu")));
     }
@@ -64,6 +65,11 @@ protected:
 
     std::unique_ptr<QAction> one = filed("/T/", "One");
     std::unique_ptr<QAction> two = filed("/T/", "Two");
+    const Item itemOne{Item::Command, text("/T/One")};
+    const Item itemTwo{Item::Command, text("/T/Two")};
+    const Item missing{Item::Command, text("/T/Missing")};
+    const Item line{Item::Separator, {}};
+    const Item end{Item::End, {}};
 };
 
 const QString DisablePath = text("/Ossa/NodeGraph/Disable");
@@ -184,12 +190,14 @@ TEST(ActionTree, listingKeepsTheFolderAsPassedAndTheOrderOfFiling)
 
 TEST_F(Menus, holdWhatThereIsWithoutGaps)
 {
-    const std::pair<const char *, const char *> cases[] = {
-        {"-\n /T/One\n -\n /T/Missing\n -\n /T/Two\n -", "One - Two"},
-        {"/T/One\n > Full\n /T/Two\n <\n > Empty\n /T/Missing\n <\n /T/Two", "One Full Two"},
+    const Item full{Item::Submenu, text("Full")};
+    const Item empty{Item::Submenu, text("Empty")};
+    const std::pair<QVector<Item>, const char *> cases[] = {
+        {{line, itemOne, line, missing, line, itemTwo, line}, "One - Two"},
+        {{itemOne, full, itemTwo, end, empty, missing, end, itemTwo}, "One Full Two"},
     };
-    for (const auto &[definition, wanted] : cases)
-        EXPECT_EQ(entries(*make(definition)), wanted);
+    for (const auto &[items, wanted] : cases)
+        EXPECT_EQ(entries(*make(items)), wanted);
     EXPECT_EQ(OssMenuManager::instance()->makeMenu(text("Tests"), text("No")), nullptr);
 }
 
@@ -198,14 +206,14 @@ TEST_F(Menus, foldersBecomeSharedSubmenus)
     const auto blur = filed("/T/Create/Filter", "Blur");
     const auto plain = filed("/T/Create/", "Plain");
     const auto levels = filed("/T/Create/Filter/", "Levels");
-    const auto menu = make("/T/Create/*");
+    const auto menu = make({{Item::Folder, text("/T/Create")}});
     ASSERT_EQ(entries(*menu), "Filter Plain");
     EXPECT_EQ(entries(*menu->actions().first()->menu()), "Blur Levels");
 }
 
 TEST_F(Menus, ownTheirSubmenusAndNoCommands)
 {
-    auto menu = make("> Sub\n /T/One\n <");
+    auto menu = make({{Item::Submenu, text("Sub")}, itemOne, end});
     OssMenuManager::instance()->fillMenu(menu.get(), text("Tests"), text("Menu"));
     EXPECT_EQ(entries(*menu), "Sub") << "filled anew";
     EXPECT_EQ(menu->findChildren<QMenu *>(QString(), Qt::FindDirectChildrenOnly).size(), 1);

@@ -1,4 +1,6 @@
+#include "Ossa/Scripting/ScriptCommands.h"
 #include "OssCore/Program/OssStatusManager.h"
+#include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "ScriptSession.h"
 #include "support/OssaFiles.h"
@@ -18,7 +20,8 @@ TEST_F(ScriptEngine, printsWhatIsTypedAndKeepsNames)
     expectRaised("def f(:", "SyntaxError");
     expectRaised("input()", ""); // there is nobody to type
     EXPECT_EQ(run("exit(4)"), 4);
-    engine()->resetNames();
+    const ScriptCommands commands(nullptr);
+    OssActionTreeManager::instance()->findAction(text("/Ossa/Script/Forget Names"))->trigger();
     expectRaised("x", "NameError");
 }
 

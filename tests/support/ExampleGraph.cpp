@@ -31,7 +31,8 @@ OssNgExtendedNode *GraphScene::add(const QString &title, const QPointF &position
     auto *node = add<OssNgExtendedNode>(title, position);
     node->setCategory(category);
     node->addInputPorts(inputs);
-    node->addOutputPorts(outputs);
+    for (const QString &output : outputs)
+        node->addOutputPort(output);
     return node;
 }
 

@@ -127,15 +127,6 @@ OssEvResult OssEvColorSpaces::read(const std::string &path,
     }
 }
 
-std::vector<std::string> OssEvColorSpaces::names() const
-{
-    std::vector<std::string> names;
-    names.reserve(std::size_t(d->config->getNumColorSpaces()));
-    for (int i = 0; i < d->config->getNumColorSpaces(); ++i)
-        names.emplace_back(d->config->getColorSpaceNameByIndex(i));
-    return names;
-}
-
 std::vector<std::string> OssEvColorSpaces::displays() const
 {
     std::vector<std::string> names;

@@ -27,7 +27,6 @@ public:
 
     ~OssEvColorSpaces();
 
-    std::vector<std::string> names() const;
     std::vector<std::string> displays() const;
     std::vector<std::string> views(const std::string &display) const;
 

@@ -222,12 +222,6 @@ void OssEvSurfaceMap::nearestCovered(int x, int y, int *coveredX, int *coveredY)
     *coveredY = offset.x == NotCovered ? y : y + offset.y;
 }
 
-void OssEvSurfaceMap::coverage(int x, int y, int width, float *to) const
-{
-    for (int i = 0; i < width; ++i)
-        to[i] = m_frame.region().contains(x + i, y) && isCovered(x + i, y) ? 1.0F : 0.0F;
-}
-
 void OssEvSurfaceMap::interpolate(int x, int y, int width,
                                   const std::vector<OssEvMesh::Vector3> &values, float fallback,
                                   const std::array<float *, 3> &to) const

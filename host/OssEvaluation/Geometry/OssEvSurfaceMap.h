@@ -50,10 +50,8 @@ public:
     /// Texel that answers for one: itself, the nearest covered one, or itself again if none is near.
     void nearestCovered(int x, int y, int *coveredX, int *coveredY) const;
 
-    /// 1 and 0 for `width` texels from (x, y) on; beyond the frame 0.
-    void coverage(int x, int y, int width, float *to) const;
-
-    /// Object space. Texels that no face answers for lie at the origin.
+    /// Of `width` texels from (x, y) on, in object space. Texels that no face answers for lie at the
+    /// origin; those beyond the frame are its outermost ones.
     void positions(int x, int y, int width, const std::array<float *, 3> &to) const;
 
     /// Unit vectors in object space; (0, 0, 1) where no face answers.

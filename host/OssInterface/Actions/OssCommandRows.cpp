@@ -175,6 +175,7 @@ const std::vector<Row> RowTable{
     {"/Ossa/Script", QT_TR_NOOP("Console"), "", "Script 1.1", Always, QT_TR_NOOP("Type script lines, and see what was done by hand as script lines"), "ScriptConsole.png"},
     {"/Ossa/Script", QT_TR_NOOP("Run File..."), "", "Script 1.2", WithoutScript, QT_TR_NOOP("Run a Python file as a script of its own")},
     {"/Ossa/Script", QT_TR_NOOP("Stop"), "", "Script 1.3", WithScript, QT_TR_NOOP("Stop the running script")},
+    {"/Ossa/Script", QT_TR_NOOP("Forget Names"), "", "Script 1.4", WithoutScript, QT_TR_NOOP("Let the console begin anew, without what was defined in it")},
     {"/Ossa/Help", QT_TR_NOOP("Find Command..."), "Ctrl+Shift+P", "Help 1.1", Always, QT_TR_NOOP("Find a command by a few letters of its name")},
     {"/Ossa/Help", QT_TR_NOOP("About Ossa"), "", "Help 1.2", Always, QT_TR_NOOP("See which version of the program this is")},
 };

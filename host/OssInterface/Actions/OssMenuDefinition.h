@@ -1,13 +1,11 @@
 #pragma once
 
-#include "OssInterface/OssInterface_export.h"
-
 #include <QString>
 #include <QVector>
 
 /// What stands in a menu, from top to bottom: commands by path, separators, submenus, and whole
 /// folders of the action tree.
-struct OSSINTERFACE_EXPORT OssMenuDefinition
+struct OssMenuDefinition
 {
     struct Item
     {
@@ -24,8 +22,4 @@ struct OSSINTERFACE_EXPORT OssMenuDefinition
     };
 
     QVector<Item> items;
-
-    /// Reads one item per line: an action path, "-" for a separator, "> Title" to open a submenu,
-    /// "<" to close it, "/path/*" for a folder. Blank lines mean nothing.
-    static OssMenuDefinition fromText(const QString &text);
 };

@@ -27,12 +27,6 @@ void OssNgNodePorts::addOutputPort(const QString &name, bool flag)
     portsChanged();
 }
 
-void OssNgNodePorts::addOutputPorts(const QStringList &names)
-{
-    m_outputs.arrange(names);
-    portsChanged();
-}
-
 void OssNgNodePorts::clearInputPorts()
 {
     m_inputs.ports().clear();

@@ -23,7 +23,6 @@ public:
     /// Adds what is missing and brings the listed ports into the order of the list.
     void addInputPorts(const QStringList &names);
     void addOutputPort(const QString &name, bool flag = false);
-    void addOutputPorts(const QStringList &names);
     /// Wires stay and find their port again when one of its name is added.
     void clearInputPorts();
     void clearOutputPorts();

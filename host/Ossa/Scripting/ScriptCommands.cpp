@@ -18,6 +18,8 @@ ScriptCommands::ScriptCommands(QWidget *window)
     Commands::file(this, QStringLiteral("/Ossa/Script/Run File..."), [this] { runFile(); });
     Commands::file(this, QStringLiteral("/Ossa/Script/Stop"),
                    [] { OssScriptEngine::instance()->stop(); });
+    Commands::file(this, QStringLiteral("/Ossa/Script/Forget Names"),
+                   [] { OssScriptEngine::instance()->resetNames(); });
     const OssScriptEngine *engine = OssScriptEngine::instance();
     connect(engine, &OssScriptEngine::started, this, &ScriptCommands::refresh);
     connect(engine, &OssScriptEngine::finished, this, &ScriptCommands::refresh);

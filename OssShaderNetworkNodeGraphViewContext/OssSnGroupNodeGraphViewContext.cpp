@@ -11,6 +11,7 @@
 #include "OssModel/Nodes/OssSnMultiChannelBakePointNode.h"
 #include "OssModel/Nodes/OssSnMultiChannelBottomTransparencyNode.h"
 #include "OssModel/Nodes/OssSnMultiChannelMergeNode.h"
+#include "OssModel/Types/OssNodeSuffixes.h"
 #include "OssModel/Types/OssSnTags.h"
 #include "OssShaderNetworkView.h"
 #include "OssShaderNetworkWidget.h"
@@ -211,8 +212,9 @@ void OssSnGroupNodeGraphViewContext::onExportAsGizmo(OssSnGroupNode *GroupNode)
         return;
     }
     const QString title = tr("Export as Gizmo");
-    const OssResult written = GroupNode->exportAsGizmo(OssFileDialog::getSaveFileName(
-        title, QStringLiteral("*.ong"), OssResourceInfo::instance()->defaultGizmoPathKey()));
+    const OssResult written = GroupNode->exportAsGizmo(
+        OssFileDialog::getSaveFileName(title, OssNodeSuffixes::filter(OssNodeSuffixes::Nodes),
+                                       OssResourceInfo::instance()->defaultGizmoPathKey()));
     if (!written)
         OssMessageBox::warning(nullptr, title, written.error());
 }

@@ -10,6 +10,7 @@
 #include "OssModel/Images/OssImageList.h"
 #include "OssModel/Images/OssImageManager.h"
 #include "OssModel/Layers/OssMaterialPaintManager.h"
+#include "OssModel/Types/OssNodeSuffixes.h"
 #include "OssNodeGraph/Items/OssNgNode.h"
 #include "OssSnNodeGraphViewContextManager.h"
 
@@ -108,18 +109,18 @@ void OssShaderNetworkView::dropArchives(QDropEvent *event)
     const QMimeData *mime = event->mimeData();
     const OssMaterialPaintManager *archives = OssMaterialPaintManager::instance();
     const QStringList paths = archives->pathListFromMimeData(mime);
-    const auto ofSuffix = [&paths](const char *suffix) {
+    const auto ofSuffix = [&paths](const QString &suffix) {
         QStringList chosen;
         for (const QString &path : paths) {
-            if (path.endsWith(QLatin1String(suffix), Qt::CaseInsensitive))
+            if (path.endsWith(suffix, Qt::CaseInsensitive))
                 chosen.append(path);
         }
         return chosen;
     };
     if (archives->draggableMaterialType(mime))
-        importMaterial(ofSuffix(".oma"), event->pos());
+        importMaterial(ofSuffix(OssNodeSuffixes::Material), event->pos());
     if (archives->draggableCustomProceduralType(mime))
-        importCustomProcedural(ofSuffix(".opc"), event->pos());
+        importCustomProcedural(ofSuffix(OssNodeSuffixes::CustomProcedural), event->pos());
     if (paths.isEmpty())
         QGraphicsView::dropEvent(event);
     else

@@ -14,6 +14,7 @@
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Nodes/OssSnCustomProceduralNode.h"
 #include "OssModel/Nodes/OssSnMaterialNode.h"
+#include "OssModel/Types/OssNodeSuffixes.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
 #include "OssSnGroupNodeGraphViewContext.h"
 #include "OssSnNodeGraphViewContextManager.h"
@@ -23,7 +24,6 @@
 namespace {
 
 constexpr const char *Source = "OssShaderNetworkView";
-const QString NodeFilter = QStringLiteral("*.ong");
 
 } // namespace
 
@@ -70,7 +70,7 @@ void OssShaderNetworkView::exportNodes()
         return;
     }
     const QString path = OssFileDialog::getSaveFileName(
-        tr("Export Nodes to File"), NodeFilter,
+        tr("Export Nodes to File"), OssNodeSuffixes::filter(OssNodeSuffixes::Nodes),
         OssResourceInfo::instance()->defaultExportNodeGraphPathKey(), this);
     if (path.isEmpty())
         return;
@@ -85,7 +85,7 @@ void OssShaderNetworkView::importNodes()
         return;
     const QPoint cursor = creationPoint();
     const QString path = OssFileDialog::getOpenFileName(
-        tr("Import Nodes from File"), NodeFilter,
+        tr("Import Nodes from File"), OssNodeSuffixes::filter(OssNodeSuffixes::Nodes),
         OssResourceInfo::instance()->defaultImportNodeGraphPathKey(), this);
     if (path.isEmpty())
         return;
@@ -133,7 +133,8 @@ void OssShaderNetworkView::importMaterial()
         return;
     const QPoint cursor = creationPoint();
     importMaterial(OssFileDialog::getOpenFileNames(
-                       tr("Import Material from Archive"), QStringLiteral("*.oma"),
+                       tr("Import Material from Archive"),
+                       OssNodeSuffixes::filter(OssNodeSuffixes::Material),
                        OssResourceInfo::instance()->defaultMaterialPathKey(), this),
                    cursor);
 }
@@ -151,7 +152,8 @@ void OssShaderNetworkView::importCustomProcedural()
         return;
     const QPoint cursor = creationPoint();
     importCustomProcedural(OssFileDialog::getOpenFileNames(
-                               tr("Import Custom Procedural from Archive"), QStringLiteral("*.opc"),
+                               tr("Import Custom Procedural from Archive"),
+                               OssNodeSuffixes::filter(OssNodeSuffixes::CustomProcedural),
                                OssResourceInfo::instance()->defaultCustomProceduralPathKey(), this),
                            cursor);
 }

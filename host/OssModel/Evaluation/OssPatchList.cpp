@@ -1,15 +1,10 @@
 #include "OssModel/Evaluation/OssPatchList.h"
 
+#include "OssEvaluation/Values/OssEvPatch.h"
+
 #include <QStringList>
 
 #include <algorithm>
-
-namespace {
-
-constexpr int FirstPatch = 1001;
-constexpr int LastPatch = 9999;
-
-} // namespace
 
 QList<int> OssPatchList::fromText(const QString &text)
 {
@@ -21,8 +16,8 @@ QList<int> OssPatchList::fromText(const QString &text)
         bool lastOk = false;
         const int first = ends.first().trimmed().toInt(&firstOk);
         const int last = ends.last().trimmed().toInt(&lastOk);
-        if (!firstOk || !lastOk || ends.size() > 2 || first < FirstPatch || last > LastPatch
-            || last < first)
+        if (!firstOk || !lastOk || ends.size() > 2 || !OssEvPatch::isValid(first)
+            || !OssEvPatch::isValid(last) || last < first)
             return {};
         for (int patch = first; patch <= last; ++patch) {
             if (!patches.contains(patch))

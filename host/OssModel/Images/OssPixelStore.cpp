@@ -14,16 +14,9 @@
 namespace {
 
 const QString Suffix = QStringLiteral(".exr");
-
-QString newPixels()
-{
-    return QDir(OssSettings::folderPath()).filePath(QStringLiteral("pixels"));
-}
-
-QString imagesOf(const QString &projectFolder)
-{
-    return QDir(projectFolder).filePath(QStringLiteral("images"));
-}
+const QString NewPrefix = QStringLiteral("new-");
+const QString NameShape = QStringLiteral("[0-9a-f]{64}\\.exr");
+const QString NewNameShape = NewPrefix + QStringLiteral("[0-9a-f]{32}\\.exr");
 
 OssResult hashOf(const QString &path, QString *hash)
 {
@@ -56,14 +49,39 @@ void OssPixelStore::setProjectFolder(const QString &folder)
 
 bool OssPixelStore::isName(const QString &name)
 {
-    static const QRegularExpression shape(QStringLiteral("\\A[0-9a-f]{64}\\.exr\\z"));
+    static const QRegularExpression shape(QRegularExpression::anchoredPattern(NameShape));
     return shape.match(name).hasMatch();
+}
+
+QStringList OssPixelStore::namesIn(const QString &text)
+{
+    static const QRegularExpression shape(NameShape);
+    QStringList names;
+    for (auto match = shape.globalMatch(text); match.hasNext();)
+        names.append(match.next().captured());
+    return names;
+}
+
+QString OssPixelStore::newFolder()
+{
+    return QDir(OssSettings::folderPath()).filePath(QStringLiteral("pixels"));
+}
+
+QString OssPixelStore::folderOf(const QString &projectFolder)
+{
+    return QDir(projectFolder).filePath(QStringLiteral("images"));
 }
 
 QString OssPixelStore::newPath()
 {
-    return QDir(newPixels())
-        .filePath(QStringLiteral("new-") + QUuid::createUuid().toString(QUuid::Id128) + Suffix);
+    return QDir(newFolder())
+        .filePath(NewPrefix + QUuid::createUuid().toString(QUuid::Id128) + Suffix);
+}
+
+bool OssPixelStore::isNewName(const QString &name)
+{
+    static const QRegularExpression shape(QRegularExpression::anchoredPattern(NewNameShape));
+    return shape.match(name).hasMatch();
 }
 
 OssResult OssPixelStore::adopt(const QString &path, QString *name)
@@ -73,16 +91,16 @@ OssResult OssPixelStore::adopt(const QString &path, QString *name)
     if (!read)
         return read;
     *name = hash + Suffix;
-    return OssAtomicFile::move(path, QDir(newPixels()).filePath(*name));
+    return OssAtomicFile::move(path, QDir(newFolder()).filePath(*name));
 }
 
 QString OssPixelStore::find(const QString &name, const QString &projectFolder)
 {
     if (!isName(name))
         return {};
-    QStringList folders{newPixels()};
+    QStringList folders{newFolder()};
     if (!projectFolder.isEmpty())
-        folders.prepend(imagesOf(projectFolder));
+        folders.prepend(folderOf(projectFolder));
     for (const QString &folder : qAsConst(folders)) {
         const QString path = QDir(folder).filePath(name);
         if (QFile::exists(path))
@@ -103,15 +121,15 @@ OssResult OssPixelStore::bring(const QString &name, const QString &projectFolder
         result = OssResult::failure(
             QCoreApplication::translate("OssPixelStore", "%1: it holds something else").arg(path));
     if (result)
-        result = OssAtomicFile::makeFolder(newPixels());
-    return result ? OssAtomicFile::copy(path, QDir(newPixels()).filePath(name)) : result;
+        result = OssAtomicFile::makeFolder(newFolder());
+    return result ? OssAtomicFile::copy(path, QDir(newFolder()).filePath(name)) : result;
 }
 
 OssResult OssPixelStore::keep(const QStringList &names, const QString &projectFolder,
                               const QString &folder)
 {
     for (const QString &name : names) {
-        const QString kept = QDir(imagesOf(folder)).filePath(name);
+        const QString kept = QDir(folderOf(folder)).filePath(name);
         if (QFile::exists(kept))
             continue;
         const QString path = find(name, projectFolder);
@@ -119,7 +137,7 @@ OssResult OssPixelStore::keep(const QStringList &names, const QString &projectFo
             OssDebug("OssPixelStore", __LINE__, "[ !! ] The pixels %s are gone", qPrintable(name));
             continue;
         }
-        const OssResult made = OssAtomicFile::makeFolder(imagesOf(folder));
+        const OssResult made = OssAtomicFile::makeFolder(folderOf(folder));
         if (!made)
             return made;
         const OssResult copied = OssAtomicFile::copy(path, kept);

@@ -16,9 +16,18 @@ namespace OssPixelStore {
 
 /// Whether the text can be the name of a pixel file; what a document names may be hostile.
 OSSMODEL_EXPORT bool isName(const QString &name);
+/// All such names in a text.
+OSSMODEL_EXPORT QStringList namesIn(const QString &text);
+
+/// Where pixels lie that no saved project has yet.
+OSSMODEL_EXPORT QString newFolder();
+/// Where those of a project lie.
+OSSMODEL_EXPORT QString folderOf(const QString &projectFolder);
 
 /// A free path for a file that is about to be made.
 OSSMODEL_EXPORT QString newPath();
+/// Whether the name is one that newPath() gives.
+OSSMODEL_EXPORT bool isNewName(const QString &name);
 
 /// Takes a finished file over from newPath(), under the name that it gets here.
 OSSMODEL_EXPORT OssResult adopt(const QString &path, QString *name);

@@ -2,6 +2,7 @@
 
 #include "OssModel/Graph/OssLayerStreamUtils.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Types/OssNodeSuffixes.h"
 
 #include <QMimeData>
 #include <QUrl>
@@ -35,12 +36,12 @@ bool OssMaterialPaintManager::autoconnectMergeNode(OssSnBaseNode *source, OssSnB
 
 bool OssMaterialPaintManager::draggableMaterialType(const QMimeData *data) const
 {
-    return hasFiles(data, QStringLiteral(".oma"));
+    return hasFiles(data, OssNodeSuffixes::Material);
 }
 
 bool OssMaterialPaintManager::draggableCustomProceduralType(const QMimeData *data) const
 {
-    return hasFiles(data, QStringLiteral(".opc"));
+    return hasFiles(data, OssNodeSuffixes::CustomProcedural);
 }
 
 QStringList OssMaterialPaintManager::pathListFromMimeData(const QMimeData *data) const
@@ -49,8 +50,8 @@ QStringList OssMaterialPaintManager::pathListFromMimeData(const QMimeData *data)
     const QList<QUrl> urls = data ? data->urls() : QList<QUrl>();
     for (const QUrl &url : urls) {
         const QString path = url.toLocalFile();
-        if (path.endsWith(QLatin1String(".oma"), Qt::CaseInsensitive)
-            || path.endsWith(QLatin1String(".opc"), Qt::CaseInsensitive))
+        if (path.endsWith(OssNodeSuffixes::Material, Qt::CaseInsensitive)
+            || path.endsWith(OssNodeSuffixes::CustomProcedural, Qt::CaseInsensitive))
             paths.append(path);
     }
     return paths;

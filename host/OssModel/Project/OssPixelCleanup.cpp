@@ -1,14 +1,12 @@
 #include "OssModel/Project/OssPixelCleanup.h"
 
 #include "OssCore/Program/OssDebug.h"
-#include "OssCore/Program/OssSettings.h"
 #include "OssModel/Images/OssPixelStore.h"
 #include "OssModel/Project/OssRecovery.h"
 
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
-#include <QRegularExpression>
 #include <QSet>
 
 namespace {
@@ -27,16 +25,14 @@ QStringList documentsBelow(const QString &folder)
 
 bool addNames(const QString &document, QSet<QString> *names)
 {
-    static const QRegularExpression name(QStringLiteral("[0-9a-f]{64}\\.exr"));
     QFile file(document);
     if (!file.open(QIODevice::ReadOnly))
         return false;
     const QByteArray bytes = file.readAll();
     if (file.error() != QFileDevice::NoError)
         return false;
-    auto matches = name.globalMatch(QString::fromLatin1(bytes));
-    while (matches.hasNext())
-        names->insert(matches.next().captured());
+    const QStringList found = OssPixelStore::namesIn(QString::fromLatin1(bytes));
+    *names += QSet<QString>(found.cbegin(), found.cend());
     return true;
 }
 
@@ -48,8 +44,7 @@ QDateTime latest()
 /// Of what may be a pixel file of ours: finished, or left by a bake that was killed.
 bool isOurs(const QString &name)
 {
-    static const QRegularExpression unfinished(QStringLiteral("\\Anew-[0-9a-f]{32}\\.exr\\z"));
-    return OssPixelStore::isName(name) || unfinished.match(name).hasMatch();
+    return OssPixelStore::isName(name) || OssPixelStore::isNewName(name);
 }
 
 } // namespace
@@ -80,7 +75,7 @@ int OssPixelCleanup::removeForgotten(const QString &folder, const QStringList &d
 
 int OssPixelCleanup::cleanProject(const QString &projectFolder)
 {
-    const QString images = QDir(projectFolder).filePath(QStringLiteral("images"));
+    const QString images = OssPixelStore::folderOf(projectFolder);
     if (projectFolder.isEmpty() || !QFileInfo(images).isDir())
         return 0;
     return removeForgotten(
@@ -90,6 +85,6 @@ int OssPixelCleanup::cleanProject(const QString &projectFolder)
 
 int OssPixelCleanup::cleanNewPixels()
 {
-    return removeForgotten(QDir(OssSettings::folderPath()).filePath(QStringLiteral("pixels")),
+    return removeForgotten(OssPixelStore::newFolder(),
                            documentsBelow(OssRecovery::standardFolder()), latest());
 }

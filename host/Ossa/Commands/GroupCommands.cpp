@@ -12,6 +12,7 @@
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Nodes/OssNodeArchive.h"
 #include "OssModel/Nodes/OssSnMaterialNode.h"
+#include "OssModel/Types/OssNodeSuffixes.h"
 
 #include <QPointer>
 
@@ -173,7 +174,9 @@ void GroupCommands::exportArchive(bool material)
     }
     const OssResourceInfo *resources = OssResourceInfo::instance();
     const QString path = OssFileDialog::getSaveFileName(
-        title, material ? QStringLiteral("*.oma") : QStringLiteral("*.opc"),
+        title,
+        OssNodeSuffixes::filter(material ? OssNodeSuffixes::Material
+                                         : OssNodeSuffixes::CustomProcedural),
         material ? resources->defaultMaterialPathKey()
                  : resources->defaultCustomProceduralPathKey());
     if (path.isEmpty())

@@ -1,5 +1,6 @@
 #include "Ossa/Headless/CommandLine.h"
 
+#include "Ossa/Headless/PictureFormat.h"
 #include "OssEvaluation/Files/OssEvImageFormat.h"
 #include "OssModel/Evaluation/OssPatchList.h"
 
@@ -27,9 +28,9 @@ CommandLine answered(int exitCode, const std::string &message)
 
 std::string pictureFile(const std::string &path)
 {
-    const QString name = QString::fromLocal8Bit(path.c_str()).toLower();
-    const bool known = name.endsWith(QLatin1String(".png")) || name.endsWith(QLatin1String(".svg"));
-    return known ? std::string() : path + ": the picture must be a .png or .svg file";
+    if (PictureFormat::of(QString::fromLocal8Bit(path.c_str())) != PictureFormat::None)
+        return {};
+    return path + ": the picture must be a " + PictureFormat::Suffixes + " file";
 }
 
 /// The command line as the parser fills it in: one function for each command says what it takes.
@@ -83,7 +84,9 @@ private:
         CLI::App *graph = m_app.add_subcommand("graph",
                                                "Draw a project's node graph, without a window");
         graph->add_option("PROJECT", m_project, "Project folder")->required();
-        graph->add_option("-o,--output", m_output, "Picture to write, .png or .svg")
+        graph
+            ->add_option("-o,--output", m_output,
+                         std::string("Picture to write, ") + PictureFormat::Suffixes)
             ->required()
             ->check(pictureFile);
     }

@@ -1,12 +1,12 @@
 #include "Ossa/Pictures/GraphPicture.h"
 
+#include "Ossa/Headless/PictureFormat.h"
 #include "OssCore/Documents/OssAtomicFile.h"
 #include "OssNodeGraph/Items/OssNgSceneIndex.h"
 #include "OssNodeGraph/View/OssNgRenderer.h"
 
 #include <QBuffer>
 #include <QCoreApplication>
-#include <QFileInfo>
 #include <QGraphicsScene>
 #include <QImage>
 #include <QPainter>
@@ -69,15 +69,15 @@ OssResult GraphPicture::write(QGraphicsScene *scene, const QString &title, const
     const auto failed = [&output](const QString &reason) {
         return OssResult::failure(tr("Cannot write \"%1\": %2").arg(output, reason));
     };
-    const QString suffix = QFileInfo(output).suffix().toLower();
-    const bool png = suffix == QLatin1String("png");
-    if (!png && suffix != QLatin1String("svg"))
-        return failed(tr("the name must end with .png or .svg"));
+    const PictureFormat::Format format = PictureFormat::of(output);
+    if (format == PictureFormat::None)
+        return failed(tr("the name must end with %1").arg(QLatin1String(PictureFormat::Suffixes)));
     const QRectF bounds = OssNgSceneIndex::of(scene)->visibleNodeBounds();
     if (bounds.isEmpty())
         return failed(tr("there is nothing in the graph"));
     const QRectF source = bounds.adjusted(-margin, -margin, margin, margin);
-    const QByteArray content = png ? asPng(scene, source) : asSvg(scene, source, title);
+    const QByteArray content = format == PictureFormat::Png ? asPng(scene, source)
+                                                            : asSvg(scene, source, title);
     if (content.isEmpty())
         return failed(tr("there is not enough memory for the picture"));
     return OssAtomicFile::write(output, content);

@@ -3,7 +3,6 @@
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Program/OssResourceInfo.h"
 #include "OssInterface/Popups/OssFileDialog.h"
-#include "OssInterface/Popups/OssMessageBox.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Nodes/OssSnBakePointNode.h"
@@ -204,24 +203,23 @@ void OssSnGroupNodeGraphViewContext::changeGroupNodeTabText(QString text)
         widget->setTabText(index, text);
 }
 
-void OssSnGroupNodeGraphViewContext::onExportAsGizmo(OssSnGroupNode *GroupNode)
+OssResult OssSnGroupNodeGraphViewContext::onExportAsGizmo(OssSnGroupNode *GroupNode)
 {
     if (!GroupNode) {
         OssDebug(Source, __LINE__,
                  "OssSnGroupNodeGraphViewContext::onExportAsGizmo GroupNode is NULL");
-        return;
+        return OssResult::failure(tr("There is no group"));
     }
-    const QString title = tr("Export as Gizmo");
-    const OssResult written = GroupNode->exportAsGizmo(
-        OssFileDialog::getSaveFileName(title, OssNodeSuffixes::filter(OssNodeSuffixes::Nodes),
-                                       OssResourceInfo::instance()->defaultGizmoPathKey()));
-    if (!written)
-        OssMessageBox::warning(nullptr, title, written.error());
+    const QString path = OssFileDialog::getSaveFileName(
+        tr("Export as Gizmo"), OssNodeSuffixes::filter(OssNodeSuffixes::Nodes),
+        OssResourceInfo::instance()->defaultGizmoPathKey());
+    return path.isEmpty() ? OssResult::cancelled(tr("No file was chosen"))
+                          : GroupNode->exportAsGizmo(path);
 }
 
-void OssSnGroupNodeGraphViewContext::exportNode()
+OssResult OssSnGroupNodeGraphViewContext::exportNode()
 {
-    onExportAsGizmo(qobject_cast<OssSnGroupNode *>(parentNode()));
+    return onExportAsGizmo(qobject_cast<OssSnGroupNode *>(parentNode()));
 }
 
 // --- multi-channel groups

@@ -41,8 +41,8 @@ protected Q_SLOTS:
     void clearPortClusters();
     void updatePortClusters();
     void setupPortClusters();
-    void onExportAsGizmo(OssSnGroupNode *GroupNode);
-    void exportNode() override;
+    OssResult onExportAsGizmo(OssSnGroupNode *GroupNode);
+    OssResult exportNode() override;
     void changeGroupNodeTabText(QString text);
     void updateMultiChannelNodeUI();
     void forceOpenGroupSubgraph();

@@ -254,26 +254,30 @@ QSizeF OssSnNodeGraphViewContext::nodeSize() const
     return m_GuiNode ? m_GuiNode->boundingRect().size() : QSizeF();
 }
 
-void OssSnNodeGraphViewContext::setNodePosition(QPointF position)
+bool OssSnNodeGraphViewContext::setNodePosition(QPointF position)
 {
-    if (!m_GuiNode || m_GuiNode->pos() == position)
-        return;
+    if (!m_GuiNode)
+        return false;
+    if (m_GuiNode->pos() == position)
+        return true;
     m_GuiNode->setPosition(position);
     // By itself it is no step; in a macro it is part of what made the node.
     if (!OssUndoManager::instance()->isMacroOpen())
         OssUndoManager::instance()->resetClean();
+    return true;
 }
 
-void OssSnNodeGraphViewContext::setNodePositionUndo(QPointF position)
+bool OssSnNodeGraphViewContext::setNodePositionUndo(QPointF position)
 {
     if (!m_GuiNode)
-        return;
+        return false;
     const OssUndoManager::Gathering step(tr("Move node")); // with the order of a group's ports
     m_GuiNode->savePosition();
     m_GuiNode->setPosition(position);
     OssUndoManager::instance()->addUndo(
         std::make_unique<OssNgNodePositionChangeUndo>(m_GuiNode.get()));
     onGuiNodePosChanged(position);
+    return true;
 }
 
 void OssSnNodeGraphViewContext::setNodeSize(QSizeF size)
@@ -285,14 +289,15 @@ void OssSnNodeGraphViewContext::setNodeSize(QSizeF size)
     backdrop->setRect({QPointF(), size});
 }
 
-void OssSnNodeGraphViewContext::setNodeSizeUndo(QSizeF size)
+bool OssSnNodeGraphViewContext::setNodeSizeUndo(QSizeF size)
 {
     auto *backdrop = qobject_cast<OssNgBackdropNode *>(m_GuiNode.get());
     if (!backdrop)
-        return;
+        return false;
     setNodeSize(size);
     OssUndoManager::instance()->addUndo(
         std::make_unique<OssNgBackdropNodeRectChangeUndo>(backdrop));
+    return true;
 }
 
 void OssSnNodeGraphViewContext::takePlaceOf(const OssSnBaseContext *other)

@@ -134,12 +134,12 @@ public Q_SLOTS:
     /// Opens the tab of the node's network and brings the item into the middle of the view. Nothing
     /// when the node graph shows another root network.
     void gotoNode();
-    void setNodePosition(QPointF position) override;
+    bool setNodePosition(QPointF position) override;
     /// Records a step, which joins the open macro.
-    void setNodePositionUndo(QPointF position) override;
+    bool setNodePositionUndo(QPointF position) override;
     /// Only backdrops have a size of their own; what is not one stays.
     void setNodeSize(QSizeF size);
-    void setNodeSizeUndo(QSizeF size) override;
+    bool setNodeSizeUndo(QSizeF size) override;
     void takePlaceOf(const OssSnBaseContext *other) override;
     /// The item's title; its ports are read from the node anew.
     virtual void setText(QString text);

@@ -154,8 +154,8 @@ void Node::setPosition(const QPointF &position)
     if (!(std::abs(position.x()) <= Farthest && std::abs(position.y()) <= Farthest))
         fail(OssScriptException::OutOfRange,
              QStringLiteral("Places of a graph are at most a million from its middle"));
-    else
-        context->setNodePositionUndo(position);
+    else if (!context->setNodePositionUndo(position))
+        fail(OssScriptException::WrongState, QStringLiteral("The node is not shown"));
 }
 
 QSizeF Node::size() const
@@ -172,8 +172,8 @@ void Node::setSize(const QSizeF &size)
     if (!(size.width() <= Largest && size.height() <= Largest))
         fail(OssScriptException::OutOfRange,
              QStringLiteral("A node is at most %1 wide and high").arg(int(Largest)));
-    else
-        context->setNodeSizeUndo(size);
+    else if (!context->setNodeSizeUndo(size))
+        fail(OssScriptException::WrongState, QStringLiteral("The node has no size of its own"));
 }
 
 QString Node::error() const

@@ -30,15 +30,20 @@ public:
 
     QSizeF nodeSize() const override { return {100.0, 50.0}; }
 
-    void setNodePosition(QPointF position) override { m_position = position; }
+    bool setNodePosition(QPointF position) override
+    {
+        m_position = position;
+        return true;
+    }
 
-    void setNodePositionUndo(QPointF position) override
+    bool setNodePositionUndo(QPointF position) override
     {
         const QPointF before = m_position;
         m_position = position;
         OssUndoManager::instance()->record(
             {}, [this, before] { m_position = before; },
             [this, position] { m_position = position; });
+        return true;
     }
 
 private:

@@ -64,23 +64,19 @@ TEST_F(GroupItems, aGroupIsExportedToTheChosenFileOrTheReasonIsTold)
     const QString path = file("dirt.ong");
     {
         const DialogAnswers cancelled;
-        contextOf(group)->exportNode();
+        EXPECT_TRUE(contextOf(group)->exportNode().isCancelled());
         EXPECT_EQ(cancelled.questions, 1);
-        EXPECT_TRUE(cancelled.boxes.isEmpty());
     }
     EXPECT_FALSE(QFile::exists(path));
     {
         const DialogAnswers answers(path, QMessageBox::Ok);
-        contextOf(group)->exportNode();
-        EXPECT_TRUE(answers.boxes.isEmpty());
+        EXPECT_TRUE(contextOf(group)->exportNode());
         EXPECT_TRUE(QFile::exists(path));
     }
     const ExpectedLog possible("", ExpectedLog::Possible);
     ASSERT_NO_FATAL_FAILURE(writeFile(file("plain.ong")));
     const DialogAnswers answers(file("plain.ong/x.ong"), QMessageBox::Ok);
-    contextOf(group)->exportNode();
-    EXPECT_EQ(answers.boxes.size(), 1);
-    EXPECT_TRUE(answers.boxes.value(0).contains(text("plain.ong")));
+    EXPECT_TRUE(contextOf(group)->exportNode().error().contains(text("plain.ong")));
 }
 
 TEST_F(GroupItems, portsOfAGroupFollowTheHeightOfTheNodesThatStandForThem)

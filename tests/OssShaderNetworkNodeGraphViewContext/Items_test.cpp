@@ -194,7 +194,7 @@ TEST_F(ItemsTest, aBackdropKnowsTheNodesThatLieOnIt)
     EXPECT_EQ(children(area), QList<OssSnBaseNode *>{on});
     EXPECT_TRUE(children(addAt("Misc/Dot", {100, 200})).isEmpty());
     contextOf(on)->setNodeSize({10, 10});
-    contextOf(on)->setNodeSizeUndo({10, 10});
+    EXPECT_FALSE(contextOf(on)->setNodeSizeUndo({10, 10}));
     EXPECT_NE(contextOf(on)->nodeSize(), QSizeF(10, 10)) << "nodes have the size they need";
 }
 

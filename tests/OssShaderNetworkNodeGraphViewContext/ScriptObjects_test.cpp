@@ -230,8 +230,10 @@ TEST_F(ScriptObjects, placesAndSizesHaveTheirBounds)
     }
     expectNothingDone();
     Ossa::NodeGraph *root = graph(m_network);
-    const Ossa::Node *made = root->createNode(text("Misc/Dot"), {}, {70.0, 80.0});
+    Ossa::Node *made = root->createNode(text("Misc/Dot"), {}, {70.0, 80.0});
     EXPECT_EQ(made->position(), QPointF(70.0, 80.0));
+    made->setSize({500.0, 300.0});
+    expectReported(12, "The node has no size of its own");
     EXPECT_EQ(root->createNode(text("No/Such"), {}, {70.0, 80.0}), nullptr);
     ExpectedLog::takePast(text("There is no node type"));
     scripts()->clearError();

@@ -153,6 +153,7 @@ TEST_F(Groups, exportsToTheFileThatIsChosenAndSaysWhatCannotBeWritten)
         {material, "Export Material to Archive", "b.oma", true},
         {m_group, "Export as Gizmo", "c.ogz", true},
         {m_group, "Export as Custom Procedural", "nowhere/a.opc", false},
+        {m_group, "Export as Gizmo", "nowhere/c.ong", false},
     };
     for (const auto &[node, command, name, fits] : cases) {
         const ExpectedLog told("nowhere", ExpectedLog::Possible);
@@ -169,9 +170,9 @@ TEST_F(Groups, exportsToTheFileThatIsChosenAndSaysWhatCannotBeWritten)
 TEST_F(Groups, whatIsLeftHalfwayOrHasNoProjectDoesNothing)
 {
     select({m_group});
-    {
+    for (const char *command : {"Export as Custom Procedural", "Export as Gizmo"}) {
         const DialogAnswers nowhere;
-        trigger("Export as Custom Procedural");
+        trigger(command);
         EXPECT_EQ(nowhere.questions, 1);
         EXPECT_TRUE(nowhere.boxes.isEmpty());
     }

@@ -106,6 +106,11 @@ void OssSnBaseContext::copyGuiStateFrom(OssSnBaseContext *other)
         m_inputTags = other->m_inputTags;
 }
 
+OssResult OssSnBaseContext::exportNode()
+{
+    return OssResult::failure(tr("The node cannot be exported by itself"));
+}
+
 void OssSnBaseContext::copyGuiNodeStateFrom(OssSnBaseContext *other)
 {
     if (!other)

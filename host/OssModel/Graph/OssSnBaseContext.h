@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OssCore/Documents/OssSerializableObject.h"
+#include "OssCore/Values/OssResult.h"
 #include "OssModel/OssModel_export.h"
 
 #include <QHash>
@@ -60,7 +61,8 @@ public:
     virtual void copyGuiStateFrom(OssSnBaseContext *other);
     virtual void copyGuiNodeStateFrom(OssSnBaseContext *other);
 
-    // --- where the node is shown; what has no item answers with nothing and does nothing
+    // --- where the node is shown; what has no item answers with nothing and does nothing, and setters
+    // give false then
     /// Scene coordinates of the upper left corner.
     virtual QPointF nodePosition() const { return {}; }
 
@@ -68,12 +70,13 @@ public:
 
     /// For places that belong to another change, as that of a node just made: no step of its own,
     /// and undoing leaves the node where it is. Outside of a macro the document counts as changed.
-    virtual void setNodePosition(QPointF) {}
+    virtual bool setNodePosition(QPointF) { return false; }
 
     /// Records a step, as what users and scripts ask for.
-    virtual void setNodePositionUndo(QPointF) {}
+    virtual bool setNodePositionUndo(QPointF) { return false; }
 
-    virtual void setNodeSizeUndo(QSizeF) {}
+    /// The same. False also where the size follows from what is shown.
+    virtual bool setNodeSizeUndo(QSizeF) { return false; }
 
     /// Moves the item to the nearest free place.
     virtual void placeNode() {}
@@ -82,8 +85,8 @@ public:
     /// shown become those of the other, as part of what made it.
     virtual void takePlaceOf(const OssSnBaseContext *) {}
 
-    /// Asks for a file, writes the node there and tells the user when that fails.
-    virtual void exportNode() {}
+    /// Asks for a file and writes the node there. Cancelled when the user names none.
+    virtual OssResult exportNode();
 
 public Q_SLOTS:
     /// From the node: for each of its attributes after initializeGui(), then whenever one was added

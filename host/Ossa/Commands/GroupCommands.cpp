@@ -151,13 +151,15 @@ void GroupCommands::addPort(bool input)
 void GroupCommands::exportAsGizmo()
 {
     OssSnGroupNode *target = group();
+    const QString title = tr("Export as Gizmo");
     if (!target) {
-        OssMessageBox::information(nullptr, tr("Export as Gizmo"),
-                                   tr("Select the group that is to be exported"));
+        OssMessageBox::information(nullptr, title, tr("Select the group that is to be exported"));
         return;
     }
-    if (OssSnBaseContext *context = target->viewContext())
-        context->exportNode();
+    OssSnBaseContext *context = target->viewContext();
+    const OssResult exported = context ? context->exportNode() : OssResult();
+    if (!exported && !exported.isCancelled())
+        OssMessageBox::warning(nullptr, title, exported.error());
 }
 
 void GroupCommands::exportArchive(bool material)

@@ -51,6 +51,11 @@ protected:
     QTemporaryDir m_folder;
 };
 
+OssSnBaseNode *valueOf(const OssSnMaterialNode *material, const char *stream)
+{
+    return material->groupNetwork()->node(QString::fromLatin1(stream) + QStringLiteral(" Value"));
+}
+
 } // namespace
 
 TEST_F(Evaluation, whatOnlyPassesPixelsOnDoesNotChangeThem)
@@ -242,17 +247,13 @@ TEST(PatchLists, areNumbersAndRangesOrNothingAtAll)
 TEST_F(Evaluation, aMaterialsPictureIsALitBallOnNothing)
 {
     auto *material = qobject_cast<OssSnMaterialNode *>(add("_System/Material"));
-    const auto valueOf = [material](const char *stream) {
-        return material->groupNetwork()->node(QString::fromLatin1(stream)
-                                              + QStringLiteral(" Value"));
-    };
     const auto picture = [&] {
         const QString path = m_folder.filePath(QStringLiteral("ball.png"));
         const OssResult made = material->generateMaterialThumbnail(path, 32);
         EXPECT_TRUE(made) << qPrintable(made.error());
         return QImage(path);
     };
-    valueOf("Base Color")
+    valueOf(material, "Base Color")
         ->setAttribute(QStringLiteral("Color"), QVariant::fromValue(OssColor(0.6, 0.1, 0.1)));
     const QImage ball = picture();
     ASSERT_EQ(ball.size(), QSize(32, 32));
@@ -274,16 +275,20 @@ TEST_F(Evaluation, aMaterialsPictureIsALitBallOnNothing)
     EXPECT_GT(dark.red(), 0) << "some light comes from everywhere";
 
     // A rough surface has no highlight, a metal's is of its colour and all else is darker.
-    valueOf("Roughness")->setAttribute(QStringLiteral("Value"), 1.0);
+    valueOf(material, "Roughness")->setAttribute(QStringLiteral("Value"), 1.0);
     EXPECT_LT(picture().pixelColor(12, 12).green(), ball.pixelColor(12, 12).green() + 1);
-    valueOf("Metallic")->setAttribute(QStringLiteral("Value"), 1.0);
+    valueOf(material, "Metallic")->setAttribute(QStringLiteral("Value"), 1.0);
     EXPECT_LT(picture().pixelColor(20, 20).red(), ball.pixelColor(20, 20).red());
+}
 
-    // Streams that are not there are as usual; ones that cannot be computed give no picture.
+// Streams that are not there are as usual; ones that cannot be computed give no picture.
+TEST_F(Evaluation, aMaterialHasAPictureWhereItsStreamsCanBeComputed)
+{
+    auto *material = qobject_cast<OssSnMaterialNode *>(add("_System/Material"));
     const QString path = m_folder.filePath(QStringLiteral("none.png"));
     for (const char *stream : {"Base Color", "Roughness", "Metallic"}) {
         const int steps = OssUndoManager::instance()->index();
-        material->groupNetwork()->removeNodes({valueOf(stream)});
+        material->groupNetwork()->removeNodes({valueOf(material, stream)});
         EXPECT_FALSE(material->generateMaterialThumbnail(path, 32)) << stream;
         EXPECT_FALSE(QFile::exists(path)) << stream;
         material->removeOutputPoint(QString::fromLatin1(stream));

@@ -62,6 +62,13 @@ protected:
         }
     }
 
+    std::function<void()> painting(const char *name, const QColor &color) const
+    {
+        return [this, file = path(name), color] {
+            paint(file, color);
+        };
+    }
+
     OssSnBakePointNode *bakePointOf(OssSnBaseNode *source)
     {
         auto *node = qobject_cast<OssSnBakePointNode *>(
@@ -83,6 +90,34 @@ protected:
 
     /// Long enough for every look that a change causes.
     static void waitForLooks() { QTest::qWait(250); }
+
+    static void touch(const QString &path)
+    {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        ASSERT_TRUE(file.setFileTime(QDateTime::currentDateTime().addSecs(5),
+                                     QFileDevice::FileModificationTime));
+    }
+
+    /// What is baked of the source stays so when the file is touched, and not after the change.
+    void expectStaleOnlyAfter(const std::function<void()> &change, OssSnBaseNode *source,
+                              const QString &file)
+    {
+        OssSnBakePointNode *node = bakePointOf(source);
+        const OssResult baked = bake(node);
+        ASSERT_TRUE(baked) << qPrintable(baked.error());
+        EXPECT_TRUE(node->isBakedResultUpToDate());
+        QSignalSpy told(OssFileWatch::instance(), &OssFileWatch::changed);
+        touch(file);
+        waitForLooks();
+        EXPECT_EQ(told.count(), 0);
+        EXPECT_TRUE(node->isBakedResultUpToDate());
+        QSignalSpy state(node, &OssSnBakePointNode::bakedStateChanged);
+        change();
+        EXPECT_TRUE(becomesStale(node));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return state.count() == 1; }));
+        m_network->removeNodes({node});
+    }
 
     QTemporaryDir m_folder;
 };
@@ -114,10 +149,7 @@ TEST_F(FileWatch, picturesAndShapesThatChangeOnDiskPutBakesOutOfDateAndTouchedOn
         const char *file;
         std::function<void()> change;
     } cases[] = {
-        {"written in place", one, "one.png",
-         [&] {
-             paint(path("one.png"), Qt::green);
-         }},
+        {"written in place", one, "one.png", painting("one.png", Qt::green)},
         {"replaced by another under its name", one, "one.png",
          [&] {
              paint(path("new.png"), Qt::blue);
@@ -127,18 +159,9 @@ TEST_F(FileWatch, picturesAndShapesThatChangeOnDiskPutBakesOutOfDateAndTouchedOn
          [&] {
              QFile::remove(path("one.png"));
          }},
-        {"one of several", patched, "patch.1001.png",
-         [&] {
-             paint(path("patch.1001.png"), Qt::green);
-         }},
-        {"one more of several", patched, "patch.1001.png",
-         [&] {
-             paint(path("patch.1002.png"), Qt::green);
-         }},
-        {"of the project's list", listed, "listed.png",
-         [&] {
-             paint(path("listed.png"), Qt::green);
-         }},
+        {"one of several", patched, "patch.1001.png", painting("patch.1001.png", Qt::green)},
+        {"one more of several", patched, "patch.1001.png", painting("patch.1002.png", Qt::green)},
+        {"of the project's list", listed, "listed.png", painting("listed.png", Qt::green)},
         {"the object's shape", listed, "shape.obj",
          [&] {
              writeMesh(2);
@@ -146,24 +169,8 @@ TEST_F(FileWatch, picturesAndShapesThatChangeOnDiskPutBakesOutOfDateAndTouchedOn
     };
 
     for (const auto &test : cases) {
-        OssSnBakePointNode *node = bakePointOf(test.source);
-        const OssResult baked = bake(node);
-        ASSERT_TRUE(baked) << test.what << qPrintable(baked.error());
-        EXPECT_TRUE(node->isBakedResultUpToDate()) << test.what;
-        QSignalSpy told(OssFileWatch::instance(), &OssFileWatch::changed);
-        QFile touched(path(test.file));
-        ASSERT_TRUE(touched.open(QIODevice::ReadWrite));
-        ASSERT_TRUE(touched.setFileTime(QDateTime::currentDateTime().addSecs(5),
-                                        QFileDevice::FileModificationTime));
-        touched.close();
-        waitForLooks();
-        EXPECT_EQ(told.count(), 0) << test.what;
-        EXPECT_TRUE(node->isBakedResultUpToDate()) << test.what;
-        QSignalSpy state(node, &OssSnBakePointNode::bakedStateChanged);
-        test.change();
-        EXPECT_TRUE(becomesStale(node)) << test.what;
-        EXPECT_TRUE(QTest::qWaitFor([&] { return state.count() == 1; })) << test.what;
-        m_network->removeNodes({node});
+        SCOPED_TRACE(test.what);
+        expectStaleOnlyAfter(test.change, test.source, path(test.file));
     }
 }
 

@@ -19,74 +19,49 @@ QString text(const char *latin)
     return QString::fromLatin1(latin);
 }
 
-using NodeState = ModelFixture;
-
-// Each setter: told when it changes and on undo and redo, silent and without a step when it does not.
-TEST_F(NodeState, switchesAreToldAndRecordedOnceForEachChange)
+class NodeState : public ModelFixture
 {
-    OssSnBaseNode *node = add("Filter/Blur");
-    QSignalSpy described(node, &OssSnBaseNode::descriptionChanged);
-    QSignalSpy enabled(node, &OssSnBaseNode::enabledChanged);
-    QSignalSpy bypassed(node, &OssSnBaseNode::bypassedChanged);
-    QSignalSpy cached(node, &OssSnBaseNode::cacheActiveChanged);
-    QSignalSpy ordered(node, &OssSnBaseNode::nodeAttributesSet);
-    QSignalSpy named(node, &OssSnBaseNode::nameChanged);
-    QSignalSpy inputEnabled(node, &OssSnBaseNode::inputEnabledChanged);
-    QStringList order = node->nodeAttributes();
-    std::reverse(order.begin(), order.end());
-
-    const struct
+protected:
+    /// Told when it changes and on undo and redo, silent and without a step when it does not.
+    void expectOneStepAndTold(const QSignalSpy &told, const std::function<void()> &set)
     {
-        QSignalSpy *told;
-        std::function<void()> set;
-    } cases[] = {
-        {&described,
-         [&] {
-             node->setDescription(text("soft"));
-         }},
-        {&enabled,
-         [&] {
-             node->setEnabled(0);
-         }},
-        {&bypassed,
-         [&] {
-             node->setBypassed(true);
-         }},
-        {&cached,
-         [&] {
-             node->setCacheActive(CachePending);
-         }},
-        {&ordered,
-         [&] {
-             node->setNodeAttributesUndo(order);
-         }},
-        {&named,
-         [&] {
-             node->setName(text("Soft"));
-         }},
-        {&inputEnabled,
-         [&] {
-             node->setInputEnabled(text("Radius"), false);
-         }},
-    };
-
-    for (const auto &test : cases) {
-        const char *what = test.told->signal().constData();
+        SCOPED_TRACE(told.signal().constData());
         const QByteArray before = m_project->stateHash();
         const int steps = undoCount();
-        test.set();
+        set();
         const QByteArray after = m_project->stateHash();
-        EXPECT_NE(after, before) << what;
-        test.set();
-        EXPECT_EQ(test.told->count(), 1) << what;
-        EXPECT_EQ(undoCount(), steps + 1) << what;
-        EXPECT_FALSE(OssUndoManager::instance()->undoText().isEmpty()) << what;
+        EXPECT_NE(after, before);
+        set();
+        EXPECT_EQ(told.count(), 1);
+        EXPECT_EQ(undoCount(), steps + 1);
+        EXPECT_FALSE(OssUndoManager::instance()->undoText().isEmpty());
         OssUndoManager::instance()->undo();
-        EXPECT_EQ(m_project->stateHash(), before) << what;
+        EXPECT_EQ(m_project->stateHash(), before);
         OssUndoManager::instance()->redo();
-        EXPECT_EQ(m_project->stateHash(), after) << what;
-        EXPECT_EQ(test.told->count(), 3) << what;
+        EXPECT_EQ(m_project->stateHash(), after);
+        EXPECT_EQ(told.count(), 3);
     }
+};
+
+TEST_F(NodeState, switchesAreToldAndRecordedOnceForEachChange)
+{
+    using Node = OssSnBaseNode;
+    Node *node = add("Filter/Blur");
+    QStringList order = node->nodeAttributes();
+    std::reverse(order.begin(), order.end());
+    expectOneStepAndTold(QSignalSpy(node, &Node::descriptionChanged),
+                         [&] { node->setDescription(text("soft")); });
+    expectOneStepAndTold(QSignalSpy(node, &Node::enabledChanged), [&] { node->setEnabled(0); });
+    expectOneStepAndTold(QSignalSpy(node, &Node::bypassedChanged),
+                         [&] { node->setBypassed(true); });
+    expectOneStepAndTold(QSignalSpy(node, &Node::cacheActiveChanged),
+                         [&] { node->setCacheActive(CachePending); });
+    expectOneStepAndTold(QSignalSpy(node, &Node::nodeAttributesSet),
+                         [&] { node->setNodeAttributesUndo(order); });
+    expectOneStepAndTold(QSignalSpy(node, &Node::nameChanged),
+                         [&] { node->setName(text("Soft")); });
+    expectOneStepAndTold(QSignalSpy(node, &Node::inputEnabledChanged),
+                         [&] { node->setInputEnabled(text("Radius"), false); });
 }
 
 TEST_F(NodeState, whatIsNoStateIsRefusedAndWhatIsShownOnlyIsNoStep)

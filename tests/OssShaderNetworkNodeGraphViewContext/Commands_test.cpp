@@ -432,6 +432,11 @@ TEST_F(CommandsTest, whereNothingInTheGraphShowsItTheUserIsTold)
             EXPECT_FALSE(all.contains(text("up to date")) || all.contains(text("Copied")))
                 << &c - cases << qPrintable(all);
     }
+}
+
+TEST_F(CommandsTest, whereThereIsNothingToPasteTheUserIsTold)
+{
+    const ExpectedLog possible("", ExpectedLog::Possible);
     QApplication::clipboard()->clear();
     QSignalSpy spy(OssStatusManager::instance(), &OssStatusManager::messageShown);
     m_view->pasteNodesAction();

@@ -224,6 +224,12 @@ void DocumentInvariants::checkItem(const OssSnBaseNode *node)
         outputs.append(item->outputPointDescriptiveName(port.name));
     compareLabels(node->inputPorts(), inputs);
     compareLabels(node->outputPoints(), outputs);
+    checkItemPorts(node, item);
+    checkItemWires(node, item);
+}
+
+void DocumentInvariants::checkItemPorts(const OssSnBaseNode *node, const OssNgNode *item)
+{
     QVector<QPointF> places;
     for (const auto *ports : {&item->inputPorts(), &item->outputPorts()}) {
         for (const OssNgPort &port : *ports) {
@@ -234,6 +240,10 @@ void DocumentInvariants::checkItem(const OssSnBaseNode *node)
             places.append(port.position);
         }
     }
+}
+
+void DocumentInvariants::checkItemWires(const OssSnBaseNode *node, const OssNgNode *item)
+{
     for (const OssSnBaseNode::InputPort &port : node->inputPorts()) {
         const OssNgEdge *edge = item->input(port.name);
         if ((edge != nullptr) != (port.source != nullptr))

@@ -4,6 +4,7 @@
 #include <QObject>
 #include <QStringList>
 
+class OssNgNode;
 class OssProject;
 class OssShaderNetwork;
 class OssSnBaseNode;
@@ -30,6 +31,8 @@ private:
     void checkNetwork(OssShaderNetwork *network);
     void checkWires(const OssSnBaseNode *node);
     void checkItem(const OssSnBaseNode *node);
+    void checkItemPorts(const OssSnBaseNode *node, const OssNgNode *item);
+    void checkItemWires(const OssSnBaseNode *node, const OssNgNode *item);
     void checkScene(OssShaderNetwork *network);
     void checkViewers(const OssProject *project);
     void checkSaved(OssProject *project);

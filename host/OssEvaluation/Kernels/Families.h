@@ -4,22 +4,31 @@
 
 #include <vector>
 
-/// The families of kernels, one function and one file each.
+/// The families of kernels, one function and one file each. A row here is all that a family needs to
+/// be in the library.
+// clang-format off
+#define OSS_EV_FAMILIES(FAMILY) \
+    FAMILY(addConstants) \
+    FAMILY(addPatterns) \
+    FAMILY(addNoise) \
+    FAMILY(addAdjustments) \
+    FAMILY(addRamps) \
+    FAMILY(addChannels) \
+    FAMILY(addMath) \
+    FAMILY(addMerge) \
+    FAMILY(addBlur) \
+    FAMILY(addDetail) \
+    FAMILY(addPlacement) \
+    FAMILY(addSurface) \
+    FAMILY(addOcclusion) \
+    FAMILY(addStore)
+
+// clang-format on
+
 namespace OssEvFamilies {
 
-void addConstants(std::vector<OssEvKernel> *kernels);
-void addPatterns(std::vector<OssEvKernel> *kernels);
-void addNoise(std::vector<OssEvKernel> *kernels);
-void addAdjustments(std::vector<OssEvKernel> *kernels);
-void addRamps(std::vector<OssEvKernel> *kernels);
-void addChannels(std::vector<OssEvKernel> *kernels);
-void addMath(std::vector<OssEvKernel> *kernels);
-void addMerge(std::vector<OssEvKernel> *kernels);
-void addBlur(std::vector<OssEvKernel> *kernels);
-void addDetail(std::vector<OssEvKernel> *kernels);
-void addPlacement(std::vector<OssEvKernel> *kernels);
-void addSurface(std::vector<OssEvKernel> *kernels);
-void addOcclusion(std::vector<OssEvKernel> *kernels);
-void addStore(std::vector<OssEvKernel> *kernels);
+#define OSS_EV_DECLARE(name) void name(std::vector<OssEvKernel> *kernels);
+OSS_EV_FAMILIES(OSS_EV_DECLARE)
+#undef OSS_EV_DECLARE
 
 } // namespace OssEvFamilies

@@ -9,20 +9,9 @@ namespace {
 std::vector<OssEvKernel> makeKernels()
 {
     std::vector<OssEvKernel> kernels;
-    OssEvFamilies::addConstants(&kernels);
-    OssEvFamilies::addPatterns(&kernels);
-    OssEvFamilies::addNoise(&kernels);
-    OssEvFamilies::addAdjustments(&kernels);
-    OssEvFamilies::addRamps(&kernels);
-    OssEvFamilies::addChannels(&kernels);
-    OssEvFamilies::addMath(&kernels);
-    OssEvFamilies::addMerge(&kernels);
-    OssEvFamilies::addBlur(&kernels);
-    OssEvFamilies::addDetail(&kernels);
-    OssEvFamilies::addPlacement(&kernels);
-    OssEvFamilies::addSurface(&kernels);
-    OssEvFamilies::addOcclusion(&kernels);
-    OssEvFamilies::addStore(&kernels);
+#define OSS_EV_ADD(name) OssEvFamilies::name(&kernels);
+    OSS_EV_FAMILIES(OSS_EV_ADD)
+#undef OSS_EV_ADD
     std::sort(kernels.begin(), kernels.end(),
               [](const OssEvKernel &a, const OssEvKernel &b) { return a.name < b.name; });
     return kernels;

@@ -14,28 +14,59 @@
 
 namespace {
 
-void registerPalette(const char *name, const char *helpKey, const char *icon, QWidget *body,
-                     bool shownAtFirst)
+struct Row
 {
-    const QString title = QCoreApplication::translate("HostPalettes", name);
-    auto *palette = new OssPalette; // owned by the palette manager
-    palette->setObjectName(QString::fromLatin1(name));
-    palette->setWindowTitle(title);
-    palette->setContextHelpKey(QString::fromLatin1(helpKey));
-    palette->setBodyWidget(body);
-    OssPaletteManager::instance()->registerPalette(palette, shownAtFirst,
-                                                   OssIcon::getIconPath(QString::fromLatin1(icon)));
+    HostPalettes::Place place;
+    const char *name = ""; ///< its title, translated
+    const char *icon = "";
+    bool shownAtFirst = false;
+    QWidget *(*make)() = nullptr; ///< null: a plug-in brings it
+};
+
+template <class Panel>
+QWidget *make()
+{
+    return new Panel; // its palette takes it
 }
+
+// Graph at the left, what is looked at and tuned at the right.
+// clang-format off
+const Row table[] = {
+    {{"node_graph_palette", ads::LeftDockWidgetArea, nullptr}},
+    {{"viewer_palette", ads::RightDockWidgetArea, nullptr}, QT_TRANSLATE_NOOP("HostPalettes", "Viewer"), "Viewer.png", true, make<ViewerPanel>},
+    {{"node_properties_palette", ads::BottomDockWidgetArea, "viewer_palette"}},
+    {{"images_palette", ads::CenterDockWidgetArea, "node_properties_palette"}, QT_TRANSLATE_NOOP("HostPalettes", "Images"), "Images.png", false, make<ImagesPanel>},
+    {{"nodes_palette", ads::CenterDockWidgetArea, "node_properties_palette"}, QT_TRANSLATE_NOOP("HostPalettes", "Nodes"), "NodeTypes.png", false, make<NodeTypesPanel>},
+    {{"history_palette", ads::CenterDockWidgetArea, "node_properties_palette"}, QT_TRANSLATE_NOOP("HostPalettes", "History"), "History.png", false, make<HistoryPanel>},
+    {{"log_palette", ads::BottomDockWidgetArea, "node_graph_palette"}, QT_TRANSLATE_NOOP("HostPalettes", "Log"), "Log.png", false, make<LogPanel>},
+    {{"script_console_palette", ads::CenterDockWidgetArea, "log_palette"}, QT_TRANSLATE_NOOP("HostPalettes", "Script Console"), "ScriptConsole.png", false, make<ConsolePanel>},
+};
+// clang-format on
 
 } // namespace
 
+const std::vector<HostPalettes::Place> &HostPalettes::places()
+{
+    static const std::vector<Place> all = [] {
+        std::vector<Place> found;
+        for (const Row &row : table)
+            found.push_back(row.place);
+        return found;
+    }();
+    return all;
+}
+
 void HostPalettes::registerAll()
 {
-    registerPalette("Viewer", "viewer_palette", "Viewer.png", new ViewerPanel, true);
-    registerPalette("Images", "images_palette", "Images.png", new ImagesPanel, false);
-    registerPalette("Nodes", "nodes_palette", "NodeTypes.png", new NodeTypesPanel, false);
-    registerPalette("History", "history_palette", "History.png", new HistoryPanel, false);
-    registerPalette("Script Console", "script_console_palette", "ScriptConsole.png",
-                    new ConsolePanel, false);
-    registerPalette("Log", "log_palette", "Log.png", new LogPanel, false);
+    for (const Row &row : table) {
+        if (!row.make)
+            continue;
+        auto *palette = new OssPalette; // owned by the palette manager
+        palette->setObjectName(QString::fromLatin1(row.name));
+        palette->setWindowTitle(QCoreApplication::translate("HostPalettes", row.name));
+        palette->setContextHelpKey(QString::fromLatin1(row.place.helpKey));
+        palette->setBodyWidget(row.make());
+        OssPaletteManager::instance()->registerPalette(
+            palette, row.shownAtFirst, OssIcon::getIconPath(QString::fromLatin1(row.icon)));
+    }
 }

@@ -1,9 +1,24 @@
 #pragma once
 
-/// The palettes that are the application's own, whatever plug-ins add.
+#include <qtadvanceddocking/ads_globals.h>
+
+#include <vector>
+
+/// The palettes that the program knows: its own and, for their places, those that plug-ins bring.
 namespace HostPalettes {
 
-/// Gives them to OssPaletteManager. Once per process.
+/// Where a palette stands in the default layout.
+struct Place
+{
+    const char *helpKey;
+    ads::DockWidgetArea area;
+    const char *besideHelpKey; ///< null: beside everything
+};
+
+/// In order: later ones stand beside earlier ones. The first is the graph's.
+const std::vector<Place> &places();
+
+/// Gives the program's own to OssPaletteManager. Once per process.
 void registerAll();
 
 } // namespace HostPalettes

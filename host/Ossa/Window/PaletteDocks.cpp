@@ -1,5 +1,6 @@
 #include "Ossa/Window/PaletteDocks.h"
 
+#include "Ossa/Window/HostPalettes.h"
 #include "OssCore/Program/OssIcon.h"
 #include "OssCore/Program/OssSettings.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
@@ -30,26 +31,11 @@ constexpr int stateVersion = 1;
 constexpr int graphShare = 70; // percent of the window, in both directions
 constexpr int leastShare = 15; // a dock that opens smaller than this gets room
 
-struct Place
-{
-    const char *helpKey;
-    ads::DockWidgetArea area;
-    const char *besideHelpKey; ///< null: beside everything
-};
-
-// The default layout: graph at the left, what is looked at and tuned at the right.
-const Place places[] = {
-    {"node_graph_palette", ads::LeftDockWidgetArea, nullptr},
-    {"viewer_palette", ads::RightDockWidgetArea, nullptr},
-    {"node_properties_palette", ads::BottomDockWidgetArea, "viewer_palette"},
-    {"history_palette", ads::CenterDockWidgetArea, "node_properties_palette"},
-    {"log_palette", ads::BottomDockWidgetArea, "node_graph_palette"},
-    {"script_console_palette", ads::CenterDockWidgetArea, "log_palette"},
-};
+using HostPalettes::Place;
 
 Place placeOf(const OssPalette *palette)
 {
-    for (const Place &place : places) {
+    for (const Place &place : HostPalettes::places()) {
         if (palette->contextHelpKey() == QLatin1String(place.helpKey))
             return place;
     }
@@ -177,7 +163,7 @@ void PaletteDocks::resetLayout()
             m_manager->removeDockWidget(dock);
     }
     // In the order of the table: later places refer to earlier ones.
-    for (const Place &entry : places) {
+    for (const Place &entry : HostPalettes::places()) {
         OssPalette *palette = OssPaletteManager::instance()->find(
             QString::fromLatin1(entry.helpKey));
         if (palette && m_docks.contains(palette))
@@ -225,7 +211,7 @@ void PaletteDocks::dock(OssPalette *palette)
     toggle->setMenuRole(QAction::NoRole);
     OssActionTreeManager::setName(toggle, palette->identity());
     OssActionTreeManager::instance()->registerAction(paletteFolder, toggle);
-    if (palette->contextHelpKey() == QLatin1String(places[0].helpKey))
+    if (palette->contextHelpKey() == QLatin1String(HostPalettes::places().front().helpKey))
         OssShortcutManager::instance()->setScope(graphFolder, palette);
 }
 
@@ -249,7 +235,7 @@ void PaletteDocks::place(OssPalette *palette, ads::CDockWidget *dock)
 void PaletteDocks::sizeAreas()
 {
     const OssPalette *graph = OssPaletteManager::instance()->find(
-        QString::fromLatin1(places[0].helpKey));
+        QString::fromLatin1(HostPalettes::places().front().helpKey));
     if (const ads::CDockWidget *dock = m_docks.value(graph))
         forEachSplitter(dock,
                         [](QSplitter *splitter, int index) { share(splitter, index, graphShare); });

@@ -214,7 +214,8 @@ QWidget *ViewerPanel::makeControls()
     rows->addLayout(layout);
     m_channels->addItems({tr("Color"), tr("Red"), tr("Green"), tr("Blue"), tr("Alpha")});
     m_channels->setAccessibleName(tr("Channels"));
-    m_display->addItems({tr("sRGB"), tr("Raw")});
+    m_display->addItems(ViewerPixels::displays());
+    m_display->addItem(tr("Raw"));
     m_display->setAccessibleName(tr("Display"));
     for (const int size : {256, 512, 1024, 2048, 4096})
         m_resolution->addItem(QString::number(size), size);
@@ -268,7 +269,8 @@ void ViewerPanel::applyLook()
     look.channels = ViewerLook::Channels(m_channels->currentIndex());
     look.exposure = m_exposure->value();
     look.gamma = m_gamma->value();
-    look.raw = m_display->currentIndex() == 1;
+    look.raw = m_display->currentIndex() == m_display->count() - 1;
+    look.display = look.raw ? 0 : m_display->currentIndex();
     m_pictures->setLook(look);
     m_source->setLook(look);
 }

@@ -12,26 +12,41 @@ namespace {
 
 constexpr int tileSize = OssEvTile::Size;
 
-/// What the pictures are made for: the first display of the colour configuration and its view.
+/// What the pictures are made for.
 struct Screen
 {
-    std::shared_ptr<const OssEvColorSpaces> spaces = OssEvColorSpaces::builtIn();
     std::string display;
     std::string view;
-
-    Screen()
-    {
-        const std::vector<std::string> displays = spaces->displays();
-        display = displays.empty() ? std::string() : displays.front();
-        const std::vector<std::string> views = spaces->views(display);
-        view = views.empty() ? std::string() : views.front();
-    }
-
-    OssEvResult show(const ViewerLook &look, float *row, int count) const
-    {
-        return spaces->toDisplay(display, view, look.exposure, look.gamma, row, std::size_t(count));
-    }
 };
+
+const OssEvColorSpaces &spaces()
+{
+    static const std::shared_ptr<const OssEvColorSpaces> own = OssEvColorSpaces::builtIn();
+    return *own;
+}
+
+const std::vector<Screen> &screens()
+{
+    static const std::vector<Screen> all = [] {
+        std::vector<Screen> found;
+        for (const std::string &display : spaces().displays()) {
+            const std::vector<std::string> views = spaces().views(display);
+            if (!views.empty())
+                found.push_back({display, views.front()});
+        }
+        return found;
+    }();
+    return all;
+}
+
+OssEvResult toScreen(const ViewerLook &look, float *row, int count)
+{
+    if (look.display < 0 || std::size_t(look.display) >= screens().size())
+        return OssEvResult::failure("There is no such display");
+    const Screen &screen = screens()[std::size_t(look.display)];
+    return spaces().toDisplay(screen.display, screen.view, look.exposure, look.gamma, row,
+                              std::size_t(count));
+}
 
 int byteOf(float value)
 {
@@ -39,6 +54,14 @@ int byteOf(float value)
 }
 
 } // namespace
+
+QStringList ViewerPixels::displays()
+{
+    QStringList names;
+    for (const Screen &screen : screens())
+        names.append(QString::fromStdString(screen.display));
+    return names;
+}
 
 void ViewerPixels::read(const OssEvTile &tile, int x, int y, int count, float *rgba)
 {
@@ -54,7 +77,6 @@ void ViewerPixels::read(const OssEvTile &tile, int x, int y, int count, float *r
 
 void ViewerPixels::show(float *rgba, int count, bool isColor, const ViewerLook &look, QRgb *line)
 {
-    static const Screen screen;
     for (int i = 0; i < count; ++i) {
         float *texel = rgba + std::ptrdiff_t(4) * i;
         if (look.channels != ViewerLook::Alpha && texel[3] > 0.0F) {
@@ -69,7 +91,7 @@ void ViewerPixels::show(float *rgba, int count, bool isColor, const ViewerLook &
     }
     // Masks and single channels are numbers, not light.
     const bool transform = !look.raw && isColor && look.channels != ViewerLook::Alpha;
-    const OssEvResult shown = transform ? screen.show(look, rgba, count) : OssEvResult();
+    const OssEvResult shown = transform ? toScreen(look, rgba, count) : OssEvResult();
     const float gain = transform ? 1.0F : float(std::exp2(look.exposure));
     for (int i = 0; i < count; ++i) {
         const float *texel = rgba + std::ptrdiff_t(4) * i;

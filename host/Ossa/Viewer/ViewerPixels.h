@@ -3,6 +3,7 @@
 #include "OssEvaluation/Values/OssEvTile.h"
 
 #include <QImage>
+#include <QStringList>
 
 /// How values are shown on screen.
 struct ViewerLook
@@ -12,16 +13,20 @@ struct ViewerLook
     Channels channels = Color;
     double exposure = 0.0; ///< stops
     double gamma = 1.0;
+    int display = 0;  ///< place in ViewerPixels::displays()
     bool raw = false; ///< numbers as they are, without a display transform
 
     friend bool operator==(const ViewerLook &a, const ViewerLook &b)
     {
         return a.channels == b.channels && a.exposure == b.exposure && a.gamma == b.gamma
-               && a.raw == b.raw;
+               && a.display == b.display && a.raw == b.raw;
     }
 };
 
 namespace ViewerPixels {
+
+/// What pictures can be made for: the displays of the colour configuration, each with its first view.
+QStringList displays();
 
 /// The tile as it is shown, with its alpha; any thread.
 QImage picture(const OssEvTile &tile, const ViewerLook &look);

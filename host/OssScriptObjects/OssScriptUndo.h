@@ -18,8 +18,6 @@ public:
     /// It ended, however: closes what is open.
     void finish();
 
-    bool isRunning() const { return m_running; }
-
     /// A macro of the script's own. The second one inside it is a titled part of it.
     void openMacro(const QString &title);
     /// False when none of the script's own is open.

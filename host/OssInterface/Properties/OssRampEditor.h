@@ -21,8 +21,6 @@ public:
     explicit OssRampEditor(QWidget *parent);
     void showValue(const OssCustomAttribute &attribute, bool mixed) override;
 
-    OssRampField *field() const { return m_field; }
-
     OssColorEditor *colorEditor() const { return m_color; }
 
     OssNumberField *placeField() const { return m_place; }

@@ -1,5 +1,7 @@
 #include "Layout/NodePlacement.h"
 
+#include <iterator>
+
 namespace {
 
 constexpr qreal UnitsPerFactor = 100.0;
@@ -29,8 +31,7 @@ QPoint NodePlacement::gridStep(int layoutType, bool flipped)
         {{1, -1}, {-1, 1}}, {{0, 2}, {2, 0}}, {{3, 0}, {0, 3}}, {{2, 0}, {0, 2}},
         {{-1, 0}, {0, -1}}, {{0, 0}, {0, 0}}, {{0, 0}, {0, 0}}, {{1, -1}, {-1, 0}},
     };
-    constexpr int count = int(sizeof(steps) / sizeof(steps[0]));
-    if (layoutType < 0 || layoutType >= count)
+    if (layoutType < 0 || layoutType >= int(std::size(steps)))
         return {};
     return flipped ? steps[layoutType].flipped : steps[layoutType].normal;
 }

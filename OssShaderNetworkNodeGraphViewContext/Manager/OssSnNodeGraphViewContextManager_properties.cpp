@@ -11,7 +11,7 @@
 
 namespace {
 
-const QString paletteKey = QStringLiteral("node_properties_palette");
+const QString PaletteKey = QStringLiteral("node_properties_palette");
 
 } // namespace
 
@@ -26,7 +26,7 @@ void OssSnNodeGraphViewContextManager::initialiseNodePropertiesPalette()
     palette->setBodyWidget(m_nodePropertiesWidget);
     palette->setObjectName(tr("Node Properties"));
     palette->setWindowTitle(tr("Node Properties"));
-    palette->setContextHelpKey(paletteKey);
+    palette->setContextHelpKey(PaletteKey);
     OssPaletteManager::instance()->registerPalette(palette, true,
                                                    OssResourceInfo::instance()->iconPath()
                                                        + QStringLiteral("/NodeProperties.png"));
@@ -39,7 +39,7 @@ OssSnNodePropertiesWidget *OssSnNodeGraphViewContextManager::nodePropertiesWidge
 
 void OssSnNodeGraphViewContextManager::showPropertiesPalette()
 {
-    OssPalette *palette = OssPaletteManager::instance()->find(paletteKey, false);
+    OssPalette *palette = OssPaletteManager::instance()->find(PaletteKey, false);
     if (!palette)
         return;
     if (!palette->isVisible())

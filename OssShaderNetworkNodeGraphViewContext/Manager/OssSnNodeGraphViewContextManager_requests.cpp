@@ -34,7 +34,7 @@
 namespace {
 
 constexpr const char *Source = "OssSnNodeGraphViewContextManager";
-const QString paletteKey = QStringLiteral("node_graph_palette");
+const QString PaletteKey = QStringLiteral("node_graph_palette");
 
 OssSnBaseNode *resolved(const OssObjectReference &reference)
 {
@@ -170,14 +170,14 @@ void OssSnNodeGraphViewContextManager::initialiseNodeGraphPalette()
     palette->setBodyWidget(m_nodeGraphWidget);
     palette->setObjectName(tr("Node Graph"));
     palette->setWindowTitle(tr("Node Graph"));
-    palette->setContextHelpKey(paletteKey);
+    palette->setContextHelpKey(PaletteKey);
     OssPaletteManager::instance()->registerPalette(
         palette, true, OssResourceInfo::instance()->iconPath() + QStringLiteral("/NodeGraph.png"));
 }
 
 void OssSnNodeGraphViewContextManager::showNodeGraphPalette()
 {
-    if (OssPalette *palette = OssPaletteManager::instance()->find(paletteKey, false))
+    if (OssPalette *palette = OssPaletteManager::instance()->find(PaletteKey, false))
         palette->showBySidebar();
 }
 

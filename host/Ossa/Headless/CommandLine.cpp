@@ -30,7 +30,7 @@ std::string pictureFile(const std::string &path)
 {
     if (PictureFormat::of(QString::fromLocal8Bit(path.c_str())) != PictureFormat::None)
         return {};
-    return path + ": the picture must be a " + PictureFormat::Suffixes + " file";
+    return path + ": the picture must be a " + PictureFormat::suffixes + " file";
 }
 
 /// The command line as the parser fills it in: one function for each command says what it takes.
@@ -86,7 +86,7 @@ private:
         graph->add_option("PROJECT", m_project, "Project folder")->required();
         graph
             ->add_option("-o,--output", m_output,
-                         std::string("Picture to write, ") + PictureFormat::Suffixes)
+                         std::string("Picture to write, ") + PictureFormat::suffixes)
             ->required()
             ->check(pictureFile);
     }

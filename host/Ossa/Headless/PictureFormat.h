@@ -8,7 +8,7 @@ namespace PictureFormat {
 
 enum Format { None, Png, Svg };
 
-inline const char *const Suffixes = ".png or .svg";
+inline const char *const suffixes = ".png or .svg";
 
 inline Format of(const QString &path)
 {

@@ -71,7 +71,7 @@ OssResult GraphPicture::write(QGraphicsScene *scene, const QString &title, const
     };
     const PictureFormat::Format format = PictureFormat::of(output);
     if (format == PictureFormat::None)
-        return failed(tr("the name must end with %1").arg(QLatin1String(PictureFormat::Suffixes)));
+        return failed(tr("the name must end with %1").arg(QLatin1String(PictureFormat::suffixes)));
     const QRectF bounds = OssNgSceneIndex::of(scene)->visibleNodeBounds();
     if (bounds.isEmpty())
         return failed(tr("there is nothing in the graph"));

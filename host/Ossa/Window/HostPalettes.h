@@ -10,9 +10,9 @@ namespace HostPalettes {
 /// Where a palette stands in the default layout.
 struct Place
 {
-    const char *helpKey;
-    ads::DockWidgetArea area;
-    const char *besideHelpKey; ///< null: beside everything
+    const char *helpKey = "";
+    ads::DockWidgetArea area = ads::CenterDockWidgetArea;
+    const char *besideHelpKey = nullptr; ///< null: beside everything
 };
 
 /// In order: later ones stand beside earlier ones. The first is the graph's.

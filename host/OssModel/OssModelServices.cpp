@@ -12,6 +12,7 @@
 #include "OssModel/Layers/OssMaterialPaintManager.h"
 #include "OssModel/Nodes/OssBakePointWatch.h"
 #include "OssModel/Nodes/OssLayerShaderModelManager.h"
+#include "OssModel/Nodes/OssProblems.h"
 #include "OssModel/Nodes/OssSnNodeClasses.h"
 #include "OssModel/Nodes/OssSnTeleportNodeManager.h"
 #include "OssModel/Objects/OssCanvasManager.h"
@@ -26,6 +27,7 @@ struct OssModelServices::Services
     OssSnTeleportNodeManager teleports;
     OssLayerShaderModelManager shaderModels;
     OssBakePointWatch bakePoints;
+    OssProblems problems;
     OssLayerManager layers;
     OssLayerRefreshSuspensionManager layerRefreshes;
     OssLayerShaderManager layerShaders;

@@ -99,9 +99,15 @@ bool isCancelled(const OssEvBake::Job &job)
     return job.cancel != nullptr && job.cancel->isCancelled();
 }
 
+OssEvResult cannotWrite(const OssEvBake::Job &job, const std::string &reason,
+                        const std::string &node = {})
+{
+    return OssEvResult::failure("Cannot write \"" + job.path + "\": " + reason, node);
+}
+
 OssEvResult cancelled(const OssEvBake::Job &job)
 {
-    return OssEvResult::failure("Cannot write \"" + job.path + "\": it was cancelled");
+    return cannotWrite(job, "it was cancelled");
 }
 
 OssEvResult waitFor(const OssEvBake::Job &job, Band *band)
@@ -115,9 +121,8 @@ OssEvResult waitFor(const OssEvBake::Job &job, Band *band)
     }
     if (band->outcome.ok())
         return {};
-    return band->outcome.cancelled
-               ? cancelled(job)
-               : OssEvResult::failure("Cannot write \"" + job.path + "\": " + band->outcome.error);
+    return band->outcome.cancelled ? cancelled(job)
+                                   : cannotWrite(job, band->outcome.error, band->outcome.node);
 }
 
 /// What a half cannot hold.
@@ -173,7 +178,7 @@ OssEvResult OssEvBake::run(OssEvEngine *engine, const Job &job)
     std::shared_ptr<const OssEvPlan> plan;
     OssEvResult result = OssEvPlan::make(target, &plan);
     if (!result)
-        return OssEvResult::failure("Cannot write \"" + job.path + "\": " + result.error());
+        return cannotWrite(job, result.error(), result.node());
     const OssEvFrame frame = plan->frame();
     OssEvImageWriter::Description description;
     description.width = frame.width;

@@ -45,7 +45,7 @@ OssEvResult OssEvGraph::check(int node) const
     for (const int index : upstream(node)) {
         const Node &found = m_nodes[std::size_t(index)];
         if (!found.error.empty())
-            return OssEvResult::failure("\"" + found.name + "\": " + found.error);
+            return OssEvResult::failureOf(found.name, found.error);
     }
     return {};
 }

@@ -29,6 +29,8 @@ struct OssEvOutcome
     bool cancelled = false;
     /// Empty when every tile arrived. Names the node and the reason.
     std::string error;
+    /// The node that is at fault, by its name in the graph; empty when none is known to be.
+    std::string node;
 
     bool ok() const { return !cancelled && error.empty(); }
 };

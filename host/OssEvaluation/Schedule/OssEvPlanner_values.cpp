@@ -234,7 +234,7 @@ OssEvResult OssEvPlanner::makeImage(const Output &output, const OssEvImageOperat
         const OssEvResult described = m_target.images->describe(value.image, &info);
         if (!described) {
             const auto &name = m_target.graph->nodes()[std::size_t(output.first)].name;
-            return OssEvResult::failure("\"" + name + "\": " + described.error());
+            return OssEvResult::failureOf(name, described.error());
         }
     }
     value.channels = info.channels;

@@ -52,7 +52,7 @@ OssEvScheduler::~OssEvScheduler()
     m_stopping = true;
     const auto requests = m_requests;
     for (const auto &[id, request] : requests)
-        end(request, {true, {}}, &calls);
+        end(request, {true, {}, {}}, &calls);
     lock.unlock();
     for (const auto &call : calls)
         call();

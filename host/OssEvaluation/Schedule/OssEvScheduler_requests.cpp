@@ -48,7 +48,7 @@ void OssEvScheduler::cancel(OssEvEngine::Id id)
     const auto found = m_requests.find(id);
     if (found == m_requests.end())
         return;
-    end(found->second, {true, {}}, &calls);
+    end(found->second, {true, {}, {}}, &calls);
     for (auto &call : calls)
         addJob(std::move(call));
 }
@@ -77,7 +77,7 @@ void OssEvScheduler::plan(const Request &request)
     Jobs calls;
     Lock lock(m_mutex);
     if (!request->ended && !result)
-        end(request, {false, result.error()}, &calls);
+        end(request, {false, result.error(), result.node()}, &calls);
     if (!request->ended) {
         request->plan = std::move(plan);
         const OssEvPlanStage &stage = request->plan->stages().back();

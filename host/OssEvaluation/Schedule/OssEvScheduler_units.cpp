@@ -225,7 +225,7 @@ void OssEvScheduler::passOn(const Unit &unit, const std::vector<OssEvUnitTile> &
 void OssEvScheduler::fail(const Unit &unit, const std::string &error, Jobs *calls)
 {
     const std::string &name = unit->plan->nodeName(unit->place.description().node);
-    const std::string text = name.empty() ? error : "\"" + name + "\": " + error;
+    const OssEvOutcome outcome{false, OssEvResult::prefix(name) + error, name};
     std::set<Request> requests;
     std::vector<const OssEvUnit *> open{unit.get()};
     std::set<const OssEvUnit *> seen{unit.get()};
@@ -239,7 +239,7 @@ void OssEvScheduler::fail(const Unit &unit, const std::string &error, Jobs *call
         }
     }
     for (const Request &request : requests)
-        end(request, {false, text}, calls);
+        end(request, outcome, calls);
 }
 
 void OssEvScheduler::keepSurface(const OssEvKey &key,

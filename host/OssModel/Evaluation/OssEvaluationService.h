@@ -66,8 +66,8 @@ public:
 
 private:
     /// Fails, in words, where the job cannot be computed.
-    OssResult prepare(const BakeJob &job, OssEvTarget *made);
-    OssResult runBakes(std::vector<OssEvBake::Job> bakes,
+    OssResult prepare(const BakeJob &job, OssSnEvaluationGraph *graph, OssEvTarget *made);
+    OssResult runBakes(std::vector<OssEvBake::Job> bakes, const OssSnEvaluationGraph &graph,
                        const std::function<bool(int, int)> &onProgress);
 
     struct Mesh

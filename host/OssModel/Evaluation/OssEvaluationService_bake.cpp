@@ -5,6 +5,7 @@
 #include "OssEvaluation/Files/OssEvUdim.h"
 #include "OssEvaluation/Schedule/OssEvEngine.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Images/OssPixelStore.h"
 #include "OssModel/Objects/OssCanvasManager.h"
 #include "OssModel/Objects/OssImageSet.h"
@@ -47,23 +48,28 @@ OssEvResult runAll(OssEvEngine *engine, std::vector<OssEvBake::Job> *bakes, OssE
 
 } // namespace
 
-OssResult OssEvaluationService::prepare(const BakeJob &job, OssEvTarget *made)
+OssResult OssEvaluationService::prepare(const BakeJob &job, OssSnEvaluationGraph *copied,
+                                        OssEvTarget *made)
 {
-    OssSnEvaluationGraph graph = OssSnEvaluationGraph::of(job.node, job.outputPoint);
+    OssSnEvaluationGraph &graph = *copied;
+    graph = OssSnEvaluationGraph::of(job.node, job.outputPoint);
     if (OssCanvasWidget *canvas = OssCanvasManager::instance()->currentCanvas()) {
         // Fresh paint is part of the picture.
         for (const OssSnBaseNode *source : qAsConst(graph.sources))
             canvas->handleBakeBehavior(OssShaderNetworkUtils::imageSetOf(source));
         graph = OssSnEvaluationGraph::of(job.node, job.outputPoint);
     }
-    if (!graph.error.isEmpty())
+    if (!graph.error.isEmpty()) {
+        graph.tellProblem(graph.faulty, graph.error);
         return OssResult::failure(graph.error);
+    }
     *made = target(graph, job.entity, 0, job.resolution);
     made->keepIntermediates = false;
     return {};
 }
 
 OssResult OssEvaluationService::runBakes(std::vector<OssEvBake::Job> bakes,
+                                         const OssSnEvaluationGraph &graph,
                                          const std::function<bool(int, int)> &onProgress)
 {
     OssEvCancel cancel;
@@ -90,6 +96,10 @@ OssResult OssEvaluationService::runBakes(std::vector<OssEvBake::Job> bakes,
     thread->wait();
     if (!result && cancel.isCancelled())
         return OssResult::cancelled(tr("The bake was stopped"));
+    if (result)
+        graph.tellSuccess();
+    else
+        graph.tellProblem(result.node(), QString::fromStdString(result.error()));
     return result ? OssResult() : OssResult::failure(QString::fromStdString(result.error()));
 }
 
@@ -101,7 +111,8 @@ OssResult OssEvaluationService::bake(const BakeJob &job, const QString &path)
             tr("%1: images are written as %2")
                 .arg(path, QString::fromStdString(OssEvImageFormat::writtenInWords("."))));
     OssEvTarget target;
-    const OssResult prepared = prepare(job, &target);
+    OssSnEvaluationGraph graph;
+    const OssResult prepared = prepare(job, &graph, &target);
     if (!prepared)
         return prepared;
     const OssResult folder = OssAtomicFile::makeFolder(QFileInfo(path).absolutePath());
@@ -118,7 +129,7 @@ OssResult OssEvaluationService::bake(const BakeJob &job, const QString &path)
             fresh.append(QString::fromStdString(bake.path));
         bakes.push_back(bake);
     }
-    const OssResult result = runBakes(std::move(bakes), job.onProgress);
+    const OssResult result = runBakes(std::move(bakes), graph, job.onProgress);
     for (const QString &file : qAsConst(fresh)) {
         if (!result)
             QFile::remove(file);
@@ -129,7 +140,8 @@ OssResult OssEvaluationService::bake(const BakeJob &job, const QString &path)
 OssResult OssEvaluationService::bakeInto(OssImageSet *set, const BakeJob &job)
 {
     OssEvTarget target;
-    const OssResult prepared = prepare(job, &target);
+    OssSnEvaluationGraph graph;
+    const OssResult prepared = prepare(job, &graph, &target);
     if (!prepared)
         return prepared;
     std::vector<OssEvBake::Job> bakes;
@@ -153,7 +165,7 @@ OssResult OssEvaluationService::bakeInto(OssImageSet *set, const BakeJob &job)
                            ? OssResult::failure(tr("There is no patch to bake"))
                            : OssAtomicFile::makeFolder(QFileInfo(made.first()).absolutePath());
     if (result)
-        result = runBakes(std::move(bakes), job.onProgress);
+        result = runBakes(std::move(bakes), graph, job.onProgress);
     QMap<int, QString> pixels = set->pixels();
     for (auto at = made.cbegin(); at != made.cend(); ++at) {
         if (result)

@@ -9,6 +9,7 @@
 #include "OssModel/Graph/OssGeoImageSet.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Images/OssFileWatch.h"
+#include "OssModel/Nodes/OssProblems.h"
 #include "OssModel/Nodes/OssSnBakePointNode.h"
 #include "OssModel/Nodes/OssSnResultKey.h"
 #include "OssModel/Objects/OssImageSet.h"
@@ -56,16 +57,16 @@ void fillGeoChannel(const OssSnBakePointNode *node)
 }
 
 /// Leaves nothing behind when it fails.
-OssResult bakeOne(OssSnBakePointNode *node, const std::function<bool(int, int)> &onProgress)
+OssResult bakeSource(OssSnBakePointNode *node, const std::function<bool(int, int)> &onProgress)
 {
     const QString input = node->preferredInputName();
     OssSnBaseNode *source = node->inputNode(input);
     if (!source)
-        return OssResult::failure(tr("%1: nothing is connected").arg(node->name()));
+        return OssResult::failure(tr("nothing is connected"));
     OssUndoManager::AutoMacro macro(tr("Bake %1").arg(node->name()));
     OssImageSet *set = node->needImageSet();
     if (!set)
-        return OssResult::failure(tr("%1: there is no shading to keep images").arg(node->name()));
+        return OssResult::failure(tr("there is no shading to keep images"));
     OssEvaluationService::BakeJob job;
     job.node = source;
     job.outputPoint = node->inputOutputPoint(input);
@@ -78,13 +79,24 @@ OssResult bakeOne(OssSnBakePointNode *node, const std::function<bool(int, int)> 
     const OssResult baked = OssEvaluationService::instance()->bakeInto(set, job);
     if (!baked) {
         macro.cancel();
-        return baked.isCancelled()
-                   ? baked
-                   : OssResult::failure(node->name() + QStringLiteral(": ") + baked.error());
+        return baked;
     }
     node->setBakedKey(key, job.patches, job.resolution, set->form());
     fillGeoChannel(node);
     return {};
+}
+
+OssResult bakeOne(OssSnBakePointNode *node, const std::function<bool(int, int)> &onProgress)
+{
+    const OssResult baked = bakeSource(node, onProgress);
+    if (baked)
+        OssProblems::instance()->report(node, OssProblems::Bake, {});
+    else if (!baked.isCancelled())
+        OssProblems::instance()->report(node, OssProblems::Bake,
+                                        tr("It was not baked. %1").arg(baked.error()));
+    return baked.ok() || baked.isCancelled()
+               ? baked
+               : OssResult::failure(node->name() + QStringLiteral(": ") + baked.error());
 }
 
 /// Has the files that feed the bake points looked at, so that their state is known.

@@ -4,10 +4,13 @@
 #include "OssModel/Evaluation/OssImageSetFiles.h"
 #include "OssModel/Evaluation/OssSnParameter.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Nodes/OssProblems.h"
 #include "OssModel/Nodes/OssSnUpstream.h"
 
 #include <QCoreApplication>
 #include <QHash>
+
+#include <algorithm>
 
 namespace {
 
@@ -78,15 +81,38 @@ OssSnEvaluationGraph OssSnEvaluationGraph::of(const OssSnBaseNode *node, const Q
         copier.visit(visited, inputs);
     });
     result.node = copier.indexOf(producer.node);
-    result.sources = copier.nodes();
+    const QVector<const OssSnBaseNode *> copied = copier.nodes();
+    for (const OssSnBaseNode *source : copied)
+        result.sources.append(source);
     result.graph = copier.finish();
     const OssEvGraph::Node &made = result.graph->nodes()[std::size_t(result.node)];
     result.output = made.kernel ? made.kernel->outputIndex(producer.outputPoint.toStdString()) : -1;
     const OssEvResult checked = result.graph->check(result.node);
+    result.faulty = checked.node();
     if (!checked)
         result.error = QString::fromStdString(checked.error());
     else if (result.output < 0)
         result.error = tr("\"%1\" computes no \"%2\"")
                            .arg(producer.node->name(), producer.outputPoint);
     return result;
+}
+
+void OssSnEvaluationGraph::tellProblem(const std::string &name, const QString &reason) const
+{
+    const QString path = QString::fromStdString(name);
+    const auto found = std::find_if(
+        sources.cbegin(), sources.cend(),
+        [&path](const OssSnBaseNode *candidate) { return candidate && candidate->path() == path; });
+    if (name.empty() || found == sources.cend())
+        return;
+    // Whoever lists problems names the node by itself.
+    const QString blame = QString::fromStdString(OssEvResult::prefix(name));
+    OssProblems::instance()->report(*found, OssProblems::Evaluation,
+                                    reason.mid(reason.indexOf(blame) + blame.size()));
+}
+
+void OssSnEvaluationGraph::tellSuccess() const
+{
+    for (const OssSnBaseNode *source : sources)
+        OssProblems::instance()->report(source, OssProblems::Evaluation, {});
 }

@@ -2,10 +2,12 @@
 
 #include "OssModel/OssModel_export.h"
 
+#include <QPointer>
 #include <QString>
 #include <QVector>
 
 #include <memory>
+#include <string>
 
 class OssEvGraph;
 class OssSnBaseNode;
@@ -18,8 +20,14 @@ struct OSSMODEL_EXPORT OssSnEvaluationGraph
     int node = -1;
     int output = 0;
     /// The document's nodes that were copied: other values there, other pixels.
-    QVector<const OssSnBaseNode *> sources;
-    QString error; ///< why there is nothing to compute; empty when there is
+    QVector<QPointer<const OssSnBaseNode>> sources;
+    QString error;      ///< why there is nothing to compute; empty when there is
+    std::string faulty; ///< name in the graph of the node that is to blame; empty when none is
+
+    /// Tells OssProblems what the engine said of the node of that name, which may be none.
+    void tellProblem(const std::string &name, const QString &reason) const;
+    /// All that was copied could be computed.
+    void tellSuccess() const;
 
     static OssSnEvaluationGraph of(const OssSnBaseNode *node, const QString &outputPoint);
 };

@@ -7,34 +7,13 @@
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Images/OssFileWatch.h"
-#include "OssModel/Images/OssImage.h"
-#include "OssModel/Images/OssImageList.h"
-#include "OssModel/Images/OssImageManager.h"
+#include "OssModel/Nodes/OssNodeFiles.h"
 #include "OssModel/Nodes/OssSnUpstream.h"
 #include "OssModel/Objects/OssImageSet.h"
 
 #include <QCryptographicHash>
 
 namespace {
-
-/// The files that an attribute names.
-QStringList filesOf(const OssCustomAttribute &attribute)
-{
-    const QVariant value = attribute.value();
-    if (value.userType() == QMetaType::QString)
-        return attribute.definition().editor == QLatin1String("file")
-                   ? QStringList{value.toString()}
-                   : QStringList();
-    QStringList files;
-    if (value.userType() == QMetaType::QStringList) {
-        const OssImageList images = OssImageList::fromVariant(value);
-        for (const OssImageUniqueId &id : images.ids()) {
-            const OssImage *image = OssImageManager::instance()->getImage(id);
-            files.append(image ? image->path() : QString());
-        }
-    }
-    return files;
-}
 
 /// What the object's shape adds; nothing for the usual one.
 QString shapeOf(const OssSnBaseNode *node, QStringList *files)
@@ -110,7 +89,7 @@ private:
         const QVector<OssCustomAttribute> attributes = node->userAttributes();
         for (const OssCustomAttribute &attribute : attributes) {
             add(attribute.name() + QLatin1Char('=') + OssValueText::toText(attribute.value()));
-            addFiles(&hash, filesOf(attribute));
+            addFiles(&hash, OssNodeFiles::of(attribute));
         }
         const OssImageSet *images = OssShaderNetworkUtils::imageSetOf(node);
         if (images) {

@@ -163,6 +163,7 @@ void ViewerSource::start(const OssGeoEntity *entity)
                                    : QList<int>();
     m_sources = graph.sources;
     Q_EMIT began(patches, m_shown.node->name(), graph.error);
+    graph.tellProblem(graph.faulty, graph.error);
     follow(graph);
     const bool coarse = m_resolution > coarseResolution;
     m_startFine = [this, graph, patches, entity = m_entity] {
@@ -171,6 +172,7 @@ void ViewerSource::start(const OssGeoEntity *entity)
         setFocus(m_focus);
     };
     m_coarseLeft = coarse ? patches.size() : 0;
+    m_fineLeft = patches.size();
     m_sinceStart.start();
     if (!coarse) {
         m_startFine();
@@ -221,20 +223,25 @@ void ViewerSource::startPatch(const OssSnEvaluationGraph &graph, const OssGeoEnt
         later(self, generation,
               [=](ViewerSource *source) { source->progress(patch, resolution, done, total); });
     };
-    request.onFinished = [self, generation, resolution](const OssEvOutcome &outcome) {
-        const QString problem = QString::fromStdString(outcome.error);
-        later(self, generation, [=](ViewerSource *source) { source->finish(resolution, problem); });
+    request.onFinished = [self, generation, graph, resolution](const OssEvOutcome &outcome) {
+        later(self, generation,
+              [=](ViewerSource *source) { source->finish(graph, resolution, outcome); });
     };
     m_running.append({OssEvaluationService::instance()->engine()->start(std::move(request)), patch,
                       resolution, 0, 0});
 }
 
-void ViewerSource::finish(int resolution, const QString &problem)
+void ViewerSource::finish(const OssSnEvaluationGraph &graph, int resolution,
+                          const OssEvOutcome &outcome)
 {
-    if (!problem.isEmpty()) {
+    if (!outcome.error.empty()) {
+        const QString problem = QString::fromStdString(outcome.error);
+        graph.tellProblem(outcome.node, problem);
         Q_EMIT began({}, m_shown.node ? m_shown.node->name() : QString(), problem);
         return;
     }
+    if (outcome.ok() && resolution == m_resolution && --m_fineLeft == 0)
+        graph.tellSuccess();
     if (resolution < m_resolution && --m_coarseLeft == 0)
         m_startFine();
 }

@@ -84,7 +84,7 @@ private:
     void follow(const OssSnEvaluationGraph &graph);
     void stop();
     void progress(int patch, int resolution, int done, int total);
-    void finish(int resolution, const QString &problem);
+    void finish(const OssSnEvaluationGraph &graph, int resolution, const OssEvOutcome &outcome);
     /// From any thread: has it done on the GUI thread, unless another picture has begun by then, or
     /// the source is gone. Requests that were given up may still call.
     template <class Work>
@@ -95,12 +95,13 @@ private:
     bool m_active = false;
     Shown m_shown;
     QPointer<const OssGeoEntity> m_entity;
-    QVector<const OssSnBaseNode *> m_sources; ///< of the picture; only to be compared
+    QVector<QPointer<const OssSnBaseNode>> m_sources; ///< of the picture
     ViewerLook m_look;
     int m_resolution = 1024;
     QPointF m_focus{0.5, 0.5};
     int m_generation = 0;
     int m_coarseLeft = 0; ///< coarse patches that have not come yet
+    int m_fineLeft = 0;
     QElapsedTimer m_sinceStart;
     std::function<void()> m_startFine;
     std::unique_ptr<QObject> m_follower; ///< receiver of the connections to the sources

@@ -1,0 +1,24 @@
+#include "OssModel/Nodes/OssNodeFiles.h"
+
+#include "OssCore/Values/OssCustomAttribute.h"
+#include "OssModel/Images/OssImage.h"
+#include "OssModel/Images/OssImageList.h"
+#include "OssModel/Images/OssImageManager.h"
+
+QStringList OssNodeFiles::of(const OssCustomAttribute &attribute)
+{
+    const QVariant value = attribute.value();
+    if (value.userType() == QMetaType::QString)
+        return attribute.definition().editor == QLatin1String("file")
+                   ? QStringList{value.toString()}
+                   : QStringList();
+    QStringList files;
+    if (value.userType() == QMetaType::QStringList) {
+        const OssImageList images = OssImageList::fromVariant(value);
+        for (const OssImageUniqueId &id : images.ids()) {
+            const OssImage *image = OssImageManager::instance()->getImage(id);
+            files.append(image ? image->path() : QString());
+        }
+    }
+    return files;
+}

@@ -6,6 +6,7 @@
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/Actions/OssCommandTable.h"
+#include "OssInterface/Actions/OssMenu.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
@@ -116,7 +117,8 @@ void OssShaderNetworkNodeGraphViewContextPlugin::createNodeCreationActions()
         const QString folder = CreationFolder + parts.join(QLatin1Char('/'));
         if (tree->hasAction(folder + QLatin1Char('/') + text))
             continue;
-        auto *action = new QAction(text, this);
+        auto *action = new QAction(OssMenu::asTyped(text), this);
+        OssActionTreeManager::setName(action, text);
         action->setData(key);
         connect(action, &QAction::triggered, this,
                 &OssShaderNetworkNodeGraphViewContextPlugin::createNodeFromAction);

@@ -1,6 +1,7 @@
 #include "OssShaderNetworkWidget.h"
 
 #include "OssCore/Program/OssDebug.h"
+#include "OssInterface/Actions/OssMenu.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
@@ -97,7 +98,7 @@ void OssSnNodeGraphWidget::updateRootLevelText(OssShaderNetwork *Network)
     const OssGeoEntity *entity = Network ? Network->geoEntity() : nullptr;
     const QString name = entity ? entity->name() : QString();
     const QString prefix = entity ? shortened(name) + QStringLiteral(" - ") : QString();
-    setTabText(0, QStringLiteral("%1Root").arg(prefix, 0, QLatin1Char(' ')));
+    setTabText(0, OssMenu::asTyped(prefix) + QStringLiteral("Root"));
     setTabToolTip(0, name);
 }
 

@@ -2,6 +2,7 @@
 
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Program/OssResourceInfo.h"
+#include "OssInterface/Actions/OssMenu.h"
 #include "OssInterface/Popups/OssFileDialog.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
@@ -126,7 +127,7 @@ void OssSnGroupNodeGraphViewContext::addTabToWidget(OssSnBaseNode *node)
     if (!widget || !node || node != parentNode() || !groupView())
         return;
     if (widget->indexOf(m_view) < 0)
-        widget->addTab(m_view, node->name());
+        widget->addTab(m_view, OssMenu::asTyped(node->name()));
 }
 
 void OssSnGroupNodeGraphViewContext::frameView()
@@ -200,7 +201,7 @@ void OssSnGroupNodeGraphViewContext::changeGroupNodeTabText(QString text)
     }
     const int index = m_view ? widget->indexOf(m_view) : -1;
     if (index >= 0)
-        widget->setTabText(index, text);
+        widget->setTabText(index, OssMenu::asTyped(text));
 }
 
 OssResult OssSnGroupNodeGraphViewContext::onExportAsGizmo(OssSnGroupNode *GroupNode)
@@ -212,7 +213,7 @@ OssResult OssSnGroupNodeGraphViewContext::onExportAsGizmo(OssSnGroupNode *GroupN
     }
     const QString path = OssFileDialog::getSaveFileName(
         tr("Export as Gizmo"), OssNodeSuffixes::filter(OssNodeSuffixes::Nodes),
-        OssResourceInfo::instance()->defaultGizmoPathKey());
+        OssResourceInfo::instance()->defaultGizmoPathKey(), nullptr, GroupNode->name());
     return path.isEmpty() ? OssResult::cancelled(tr("No file was chosen"))
                           : GroupNode->exportAsGizmo(path);
 }

@@ -71,7 +71,7 @@ void OssShaderNetworkView::exportNodes()
     }
     const QString path = OssFileDialog::getSaveFileName(
         tr("Export Nodes to File"), OssNodeSuffixes::filter(OssNodeSuffixes::Nodes),
-        OssResourceInfo::instance()->defaultExportNodeGraphPathKey(), this);
+        OssResourceInfo::instance()->defaultExportNodeGraphPathKey(), this, nodes.first()->name());
     if (path.isEmpty())
         return;
     const OssResult result = OssShaderNetworkIO::saveNodesToXmlFile(nodes, path);

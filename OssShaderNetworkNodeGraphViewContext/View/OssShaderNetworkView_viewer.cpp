@@ -2,6 +2,7 @@
 
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Undo/OssUndoManager.h"
+#include "OssInterface/Actions/OssMenu.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Layers/OssLayerManager.h"
@@ -156,7 +157,7 @@ bool OssShaderNetworkView::chooseOutputPoint(OssSnBaseNode *node, OssSnBaseNode 
         return false;
     QMenu menu(this);
     const auto add = [&](const QString &text, const char *property, const QString &value) {
-        QAction *action = menu.addAction(text);
+        QAction *action = menu.addAction(OssMenu::asTyped(text));
         action->setProperty(property, value);
         action->setProperty("node", QVariant::fromValue<QObject *>(node));
         action->setProperty("viewer", QVariant::fromValue<QObject *>(viewer));

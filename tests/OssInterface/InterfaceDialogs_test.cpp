@@ -162,6 +162,17 @@ TEST(Dialogs, aFolderWithTheSuffixIsReplacedAfterAskingAndNotEntered)
     }
 }
 
+TEST(Dialogs, savingBeginsWithAName)
+{
+    whenOpen<QFileDialog>([&](QFileDialog *dialog) {
+        EXPECT_EQ(dialog->findChild<QLineEdit *>(text("fileNameEdit"))->text(),
+                  text("a - b & c.v2.ossa"));
+        dialog->reject();
+    });
+    OssFileDialog::getSaveFileName(QString(), text("Projects (*.ossa)"), text("Named"), nullptr,
+                                   text("..a :/ b & c.v2"));
+}
+
 TEST(Dialogs, boxesLookLikeWhatTheySayAndReturnTakesWhatIsMeant)
 {
     QImage icon;

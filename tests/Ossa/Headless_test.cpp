@@ -73,6 +73,20 @@ protected:
 
 } // namespace
 
+TEST(CommandLineOfBatch, isItsOwn)
+{
+    const auto parseBatch = [](std::vector<const char *> arguments) {
+        arguments.insert(arguments.begin(), "ossa-batch");
+        return CommandLine::parse(int(arguments.size()), arguments.data(), CommandLine::Batch);
+    };
+    const QString help = parseBatch({"--help"}).message;
+    EXPECT_TRUE(help.contains(text("ossa-batch [OPTIONS]")) && help.contains(text("bake")));
+    EXPECT_FALSE(help.contains(text("graph")) || help.contains(text("window with")));
+    EXPECT_EQ(parseBatch({"info", "wall.ossa"}).command, CommandLine::Info);
+    for (const char *unknown : {"graph", "run", "wall.ossa"})
+        EXPECT_EQ(parseBatch({unknown}).exitCode, ExitCode::Usage) << unknown;
+}
+
 TEST(CommandLineParsing, understandsEveryCommand)
 {
     const std::tuple<std::vector<const char *>, CommandLine::Command, const char *, bool> cases[] =

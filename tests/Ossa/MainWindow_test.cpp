@@ -4,6 +4,7 @@
 #include "Ossa/Common/ApplicationPreferences.h"
 #include "Ossa/Window/StatusArea.h"
 #include "OssCore/Program/OssStatusManager.h"
+#include "OssInterface/Actions/OssMenu.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "support/DialogAnswers.h"
 #include "support/InterfaceUser.h"
@@ -180,6 +181,25 @@ TEST_F(Window, undoCommandsNameTheStep)
     undo->trigger();
     EXPECT_EQ(command("Edit/Redo")->text(), text("Redo Move node Brick"));
     EXPECT_EQ(undo->text(), text("Undo"));
+}
+
+TEST_F(Window, namesAreShownAsTheyWereTyped)
+{
+    ASSERT_TRUE(projects()->saveProjectAs(path("A && B & C.ossa")));
+    window->openAtStart(path("A && B & C.ossa"));
+    const QAction *recent = command("File/Recent/A && B & C");
+    ASSERT_NE(recent, nullptr);
+    EXPECT_EQ(OssMenu::asSeen(recent->text()), text("A && B & C"));
+    OssUndoManager::instance()->record(
+        text("Rename Fish & Chips"), [] {}, [] {});
+    EXPECT_EQ(command("Edit/Undo")->text(), text("Undo Rename Fish && Chips"));
+    QMenu menu;
+    EXPECT_EQ(OssMenu::submenu(&menu, {text("R&D")}), OssMenu::submenu(&menu, {text("R&D")}));
+    EXPECT_EQ(menu.actions().first()->text(), text("R&&D"));
+    OssUndoManager::instance()->undo();
+    projects()->currentProject()->setName(text("a[*]b"));
+    ASSERT_TRUE(projects()->saveProject());
+    EXPECT_TRUE(window->windowTitle().startsWith(text("a[*][*]b")));
 }
 
 TEST_F(Window, menusWithoutCommandsAreNotThere)

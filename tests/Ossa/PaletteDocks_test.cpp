@@ -1,5 +1,8 @@
 #include "WindowFixture.h"
 
+#include <qtadvanceddocking/DockWidget.h>
+#include <qtadvanceddocking/DockWidgetTab.h>
+
 #include <QSplitter>
 
 namespace {
@@ -56,11 +59,35 @@ protected:
         EXPECT_NE(history->isVisible(), properties->isVisible()) << "tabs of one place";
     }
 
+    static ads::CDockWidget *dock(const char *name)
+    {
+        QWidget *one = OssPaletteManager::instance()->find(text(name));
+        while (one && !qobject_cast<ads::CDockWidget *>(one))
+            one = one->parentWidget();
+        return qobject_cast<ads::CDockWidget *>(one);
+    }
+
+    /// What the menu says is what is there, and these alone are.
+    void expectOpen(const QStringList &names) const
+    {
+        for (const OssPalette *palette :
+             QList<OssPalette *>{graph, viewer, properties, history, log, extra}) {
+            const QByteArray name = palette->objectName().toUtf8();
+            const ads::CDockWidget *one = dock(name.constData());
+            ASSERT_NE(one, nullptr) << name.constData();
+            const bool isOpen = names.contains(palette->objectName());
+            EXPECT_EQ(toggle(name.constData())->isChecked(), isOpen) << name.constData();
+            EXPECT_EQ(one->isClosed(), !isOpen) << name.constData();
+            EXPECT_EQ(one->tabWidget()->isHidden(), !isOpen) << name.constData();
+        }
+    }
+
     OssPalette *graph = make("Node Graph", "node_graph_palette");
     OssPalette *viewer = make("Viewer", "viewer_palette");
     OssPalette *properties = make("Node Properties", "node_properties_palette");
     OssPalette *history = make("History", "history_palette");
     OssPalette *log = make("Log", "log_palette");
+    OssPalette *extra = nullptr;
 };
 
 TEST_F(Docks, palettesHaveTheirPlacesAtFirstAndAfterAReset)
@@ -73,6 +100,43 @@ TEST_F(Docks, palettesHaveTheirPlacesAtFirstAndAfterAReset)
     settle();
     properties->showBySidebar();
     expectFirstLayout();
+}
+
+TEST_F(Docks, theMenuSaysWhatIsOpen)
+{
+    const ExpectedLog floating("This plugin does not support");
+    extra = make("Extra", "extra_palette", false);
+    const QStringList first{text("Node Graph"), text("Viewer"), text("Node Properties"),
+                            text("History"), text("Log")};
+    expectOpen(first);
+    const auto expectFirst = [&] {
+        command("View/Reset Layout")->trigger();
+        expectOpen(first);
+    };
+    for (const bool floats : {false, true}) {
+        SCOPED_TRACE(floats);
+        toggle("Extra")->trigger();
+        dock("Log")->closeDockWidget();
+        dock("History")->closeDockWidget();
+        if (floats)
+            dock("Extra")->setFloating();
+        const QStringList now{text("Node Graph"), text("Viewer"), text("Node Properties"),
+                              text("Extra")};
+        expectOpen(now);
+        if (!floats)
+            openAnew();
+        expectOpen(now);
+        expectFirst();
+        openAnew();
+        expectOpen(first);
+    }
+    for (const QString &name : first)
+        dock(name.toUtf8().constData())->closeDockWidget();
+    expectOpen({});
+    projects()->newProject(text("Other"));
+    openAnew();
+    expectOpen({});
+    expectFirst();
 }
 
 TEST_F(Docks, showingAPaletteOpensItsDockAndItsTabComesToTheFront)
@@ -137,6 +201,28 @@ TEST_F(Docks, aPaletteThatComesLateStandsWhereItWasInTheLastSession)
     EXPECT_EQ(fresh->window(), window.get());
     command("View/Reset Layout")->trigger();
     EXPECT_TRUE(toggle("Late")->isChecked() && toggle("Log")->isChecked());
+}
+
+TEST_F(Docks, aSessionWithoutAPluginSpoilsNoLayout)
+{
+    toggle("Log")->trigger();
+    splitter(Qt::Horizontal, viewer)->setSizes({400, 800});
+    close();
+    for (int session = 0; session < 2; ++session) {
+        delete graph;
+        open(true);
+        EXPECT_FALSE(toggle("Log")->isChecked());
+        toggle("History")->trigger(); // off, and on again in the other session
+        close();
+        graph = make("Node Graph", "node_graph_palette");
+    }
+    open(true);
+    EXPECT_FALSE(toggle("Log")->isChecked());
+    EXPECT_TRUE(toggle("Node Graph")->isChecked());
+    EXPECT_NEAR(100 * place(graph).width() / window->width(), 33, 4);
+    toggle("Viewer")->trigger();
+    openAnew();
+    EXPECT_FALSE(toggle("Viewer")->isChecked()) << "the latest of the whole ones counts";
 }
 
 TEST_F(Docks, theUsersSizesComeBackAndAPaletteThatIsShownHasRoom)

@@ -115,6 +115,19 @@ protected:
     ViewerPictures *m_pictures = nullptr;
 };
 
+TEST_F(Viewing, theResolutionIsTheUsersInTheNextSessionToo)
+{
+    choose("Resolution of a patch", 3);
+    m_panel = std::make_unique<ViewerPanel>();
+    EXPECT_EQ(named<QComboBox>(m_panel.get(), "Resolution of a patch")->currentData().toInt(),
+              2048);
+    EXPECT_EQ(m_panel->findChild<ViewerSource *>()->resolution(), 2048);
+    OssSettings().setValue(text("Viewer/resolution"), 1000);
+    m_panel = std::make_unique<ViewerPanel>();
+    EXPECT_EQ(m_panel->findChild<ViewerSource *>()->resolution(), 1024) << "there is no such size";
+    OssSettings().remove(text("Viewer"));
+}
+
 TEST_F(Viewing, showsWhatTheViewerLooksAtAndEveryChangeOfIt)
 {
     const auto paintGreen = [this](const char *value) {

@@ -33,7 +33,7 @@ protected:
 
     static OssProjectManager *projects() { return OssProjectManager::instance(); }
 
-    static OssPalette *make(const char *name, const char *helpKey)
+    static OssPalette *make(const char *name, const char *helpKey, bool shownAtFirst = true)
     {
         auto *palette = new OssPalette;
         palette->setObjectName(text(name));
@@ -42,7 +42,7 @@ protected:
         auto *body = new QWidget(palette);
         body->setFocusPolicy(Qt::StrongFocus);
         palette->setBodyWidget(body);
-        OssPaletteManager::instance()->registerPalette(palette, true, QString());
+        OssPaletteManager::instance()->registerPalette(palette, shownAtFirst, QString());
         return palette;
     }
 

@@ -1,4 +1,5 @@
 #include "Ossa/Dialogs/RecoveryDialog.h"
+#include "Ossa/Start/EndSignals.h"
 #include "OssCore/Program/OssDebug.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssModel/Project/OssAutosave.h"
@@ -10,9 +11,11 @@
 
 #include <QDir>
 #include <QPointer>
+#include <QSignalSpy>
 #include <QTreeWidget>
 
 #include <cerrno>
+#include <csignal>
 
 namespace {
 
@@ -256,6 +259,25 @@ TEST_F(WorkRecoveryTest, onlyTheUsersWordEndsACopy)
     EXPECT_TRUE(window->close());
     autosave()->waitForDisk();
     EXPECT_EQ(copies().size(), 1);
+}
+
+TEST_F(WorkRecoveryTest, aSignalToEndIsToldOnceAndTheWorkIsKept)
+{
+    QDir(OssRecovery::standardFolder()).removeRecursively();
+    ASSERT_TRUE(projects()->openProject(m_path));
+    change();
+    for (const int number : {SIGTERM, SIGHUP}) {
+        const EndSignals signalled;
+        QSignalSpy told(&signalled, &EndSignals::endAsked);
+        std::raise(number);
+        EXPECT_TRUE(told.isEmpty()) << "not before the event loop";
+        EXPECT_TRUE(told.wait());
+        EXPECT_EQ(signalled.received(), number);
+    }
+    window->keepWork();
+    EXPECT_EQ(copies().size(), 1);
+    window.reset();
+    EXPECT_EQ(copies().size(), 1) << "nobody was asked";
 }
 
 TEST_F(WorkRecoveryTest, aSaveThatFailsIsToldOnceAndKeepsTheChanges)

@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QStandardPaths>
+#include <QTemporaryFile>
 
 QString OssSettings::filePath()
 {
@@ -15,6 +16,19 @@ QString OssSettings::folderPath()
                ? QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)
                      + QStringLiteral("/ossa")
                : folder;
+}
+
+OssResult OssSettings::checkFolder()
+{
+    const QString folder = folderPath();
+    QTemporaryFile trial(QDir(folder).filePath(QStringLiteral("trial")));
+    // A few bytes: a file can be made on a disk that is full.
+    if (QDir().mkpath(folder) && trial.open() && trial.write("trial\n") > 0 && trial.flush())
+        return {};
+    const QString reason = trial.error() == QFileDevice::NoError ? tr("it cannot be made")
+                                                                 : trial.errorString();
+    return OssResult::failure(
+        tr("Nothing can be kept in \"%1\": %2").arg(QDir::toNativeSeparators(folder), reason));
 }
 
 OssSettings::OssSettings()

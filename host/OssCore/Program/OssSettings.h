@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OssCore/OssCore_export.h"
+#include "OssCore/Values/OssResult.h"
 
 #include <QSettings>
 
@@ -16,4 +17,6 @@ public:
     static QString filePath();
     /// The user's configuration folder, in which the file lies.
     static QString folderPath();
+    /// Whether anything can be kept in that folder, tried out by making it and a file there.
+    static OssResult checkFolder();
 };

@@ -15,9 +15,26 @@ OssMenu::OssMenu(const QString &title, QMenu *parentMenu)
         parentMenu->addMenu(this);
 }
 
+QString OssMenu::asTyped(const QString &text)
+{
+    return QString(text).replace(QLatin1Char('&'), QLatin1String("&&"));
+}
+
+QString OssMenu::asSeen(const QString &text)
+{
+    QString seen;
+    for (int i = 0; i < text.size(); ++i) {
+        if (text.at(i) == QLatin1Char('&') && i + 1 < text.size())
+            ++i;
+        seen += text.at(i);
+    }
+    return seen;
+}
+
 QMenu *OssMenu::submenu(QMenu *menu, const QStringList &titles)
 {
-    for (const QString &title : titles) {
+    for (const QString &name : titles) {
+        const QString title = asTyped(name);
         const QList<QAction *> entries = menu->actions();
         const auto found = std::find_if(entries.cbegin(), entries.cend(),
                                         [&title](const QAction *entry) {

@@ -14,6 +14,11 @@ class OSSINTERFACE_EXPORT OssMenu : public QMenu
 
 public:
     /// With a parent menu: entered there as a submenu.
+    /// A user's text, such as a name, for an action, a menu, a tab or a button: "&" is a letter there.
+    static QString asTyped(const QString &text);
+    /// The way back: such a text as it is seen, without marks of letters to press.
+    static QString asSeen(const QString &text);
+
     explicit OssMenu(const QString &title = {}, QMenu *parentMenu = nullptr);
 
     /// The submenu of a menu at a path of titles, made as far as it is not there; the menu itself

@@ -12,6 +12,7 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QRegularExpression>
+#include <QTimer>
 
 namespace {
 
@@ -64,6 +65,16 @@ bool mayReplace(const QString &path, QWidget *parent = nullptr)
            == QMessageBox::Yes;
 }
 
+QString asFileName(const QString &name)
+{
+    static const QRegularExpression unfit(QStringLiteral("[/\\\\:\\x00-\\x1f]+"));
+    QString fit = name;
+    fit.replace(unfit, QStringLiteral("-"));
+    while (fit.startsWith(QLatin1Char('.')))
+        fit.remove(0, 1); // it would be hidden
+    return fit;
+}
+
 /// Takes a folder whose name ends in the filter's suffix for a document of that kind: it can be
 /// chosen and replaced, and is not entered.
 class SaveDialog final : public QFileDialog
@@ -91,6 +102,18 @@ public:
             setDirectory(QFileInfo(path).path());
             showName(path);
         });
+    }
+
+    /// The part before the suffix is selected: typing replaces it.
+    void beginWith(const QString &name)
+    {
+        auto *edit = findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+        selectFile(name);
+        if (edit)
+            QTimer::singleShot(0, edit, [edit] {
+                edit->setFocus();
+                edit->setSelection(0, QFileInfo(edit->text()).completeBaseName().size());
+            });
     }
 
     void accept() override
@@ -121,11 +144,14 @@ private:
 } // namespace
 
 QString OssFileDialog::getSaveFileName(const QString &title, const QString &filter,
-                                       const QString &pathKey, QWidget *parent)
+                                       const QString &pathKey, QWidget *parent, const QString &name)
 {
     if (!OssApplication::popupsAllowed())
         return {};
     SaveDialog dialog(parent ? parent : OssApplication::mainWindow(), title, filter);
+    dialog.setDirectory(rememberedFolder(pathKey));
+    if (!name.isEmpty())
+        dialog.beginWith(withSuffix(asFileName(name), filter));
     const QString chosen = run(dialog, pathKey).value(0);
     if (chosen.isEmpty())
         return {};

@@ -17,8 +17,10 @@ class OSSINTERFACE_EXPORT OssFileDialog
 public:
     /// With the filter's suffix, appended when the user left it out; replacing what is there was
     /// confirmed. A folder whose name ends in the suffix counts as a file of that kind.
+    /// The dialog begins with `name`, whatever it has in it that no file name can have left out.
     static QString getSaveFileName(const QString &title, const QString &filter,
-                                   const QString &pathKey, QWidget *parent = nullptr);
+                                   const QString &pathKey, QWidget *parent = nullptr,
+                                   const QString &name = {});
     static QString getOpenFileName(const QString &title, const QString &filter,
                                    const QString &pathKey, QWidget *parent = nullptr);
     static QStringList getOpenFileNames(const QString &title, const QString &filter,

@@ -1,6 +1,7 @@
 #include "OssInterface/Properties/OssPropertyRow.h"
 
 #include "OssCore/Values/OssAttributeKind.h"
+#include "OssInterface/Actions/OssMenu.h"
 #include "OssInterface/Properties/OssExpression.h"
 #include "OssInterface/Properties/OssPropertyEditor.h"
 #include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
@@ -51,7 +52,7 @@ protected:
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
         const QColor color = m_broken ? BrokenColor : palette().color(QPalette::Link);
-        const int text = fontMetrics().horizontalAdvance(this->text());
+        const int text = fontMetrics().horizontalAdvance(OssMenu::asSeen(this->text()));
         const QPointF at(qMax(MarkRadius + 1.0, double(width() - text) - MarkColumn / 2.0 - 1.0),
                          height() / 2.0);
         painter.setPen(m_linked ? QPen(color, 1.2) : Qt::NoPen);
@@ -73,7 +74,7 @@ OssPropertyRow::OssPropertyRow(OssSnBaseNode *node, const OssCustomAttribute &at
     , m_node(node)
     , m_name(attribute.name())
     , m_edit(node, attribute.name())
-    , m_label(new Label(attribute.prettyName(), parent))
+    , m_label(new Label(OssMenu::asTyped(attribute.prettyName()), parent))
     , m_editor(OssPropertyEditor::create(attribute, parent))
 {
     m_label->setBuddy(m_editor);
@@ -101,7 +102,7 @@ void OssPropertyRow::refresh()
     const OssCustomAttribute attribute = m_edit.attribute();
     if (!attribute.isValid())
         return;
-    m_label->setText(attribute.prettyName());
+    m_label->setText(OssMenu::asTyped(attribute.prettyName()));
     m_editor->showValue(attribute, m_mixed);
     showMarks(attribute);
 }

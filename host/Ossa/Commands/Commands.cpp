@@ -1,6 +1,7 @@
 #include "Ossa/Commands/Commands.h"
 
 #include "OssInterface/Actions/OssActionTreeManager.h"
+#include "OssInterface/Actions/OssMenu.h"
 #include "OssInterface/Actions/OssShortcutManager.h"
 
 #include <QAction>
@@ -34,7 +35,8 @@ QAction *Commands::file(QObject *owner, const QString &path, const std::function
 QAction *Commands::fileNamed(QObject *owner, const QString &folder, const QString &name,
                              const std::function<void()> &run, const QString &tip)
 {
-    auto *action = new QAction(name, owner);
+    auto *action = new QAction(OssMenu::asTyped(name), owner);
+    OssActionTreeManager::setName(action, name);
     action->setStatusTip(tip);
     action->setMenuRole(QAction::NoRole); // as the table's have it
     QObject::connect(action, &QAction::triggered, owner, run);

@@ -4,6 +4,7 @@
 #include "Ossa/Dialogs/PreferencesDialog.h"
 #include "Ossa/Dialogs/ShortcutEditor.h"
 #include "OssCore/Undo/OssUndoManager.h"
+#include "OssInterface/Actions/OssMenu.h"
 
 #include <QAction>
 #include <QWidget>
@@ -17,7 +18,7 @@ void showStep(QAction *action, const QString &path, const QString &title)
 {
     const QString verb = OssCommandTable::text(*OssCommandTable::find(path));
     const bool known = action->isEnabled() && !title.isEmpty();
-    action->setText(known ? verb + QLatin1Char(' ') + title : verb);
+    action->setText(known ? verb + QLatin1Char(' ') + OssMenu::asTyped(title) : verb);
 }
 
 } // namespace

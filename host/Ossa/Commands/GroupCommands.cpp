@@ -180,7 +180,8 @@ void GroupCommands::exportArchive(bool material)
         OssNodeSuffixes::filter(material ? OssNodeSuffixes::Material
                                          : OssNodeSuffixes::CustomProcedural),
         material ? resources->defaultMaterialPathKey()
-                 : resources->defaultCustomProceduralPathKey());
+                 : resources->defaultCustomProceduralPathKey(),
+        nullptr, target->name());
     if (path.isEmpty())
         return;
     const OssResult result = OssNodeArchive::write(

@@ -140,10 +140,12 @@ bool ProjectCommands::save()
 
 bool ProjectCommands::saveAs()
 {
-    if (!OssProjectManager::instance()->currentProject())
+    const OssProject *project = OssProjectManager::instance()->currentProject();
+    if (!project)
         return false;
-    const QString path = OssFileDialog::getSaveFileName(
-        tr("Save Project As"), tr("Ossa projects (*.ossa)"), projectPathKey, m_window);
+    const QString path = OssFileDialog::getSaveFileName(tr("Save Project As"),
+                                                        tr("Ossa projects (*.ossa)"),
+                                                        projectPathKey, m_window, project->name());
     return !path.isEmpty() && saveTo(path);
 }
 

@@ -143,6 +143,13 @@ QTabBar::tab:selected { background: @raised; color: @text; }
 QTabBar::tab:hover:!selected { background: @raised; }
 QTabBar::close-button { image: url("@icons/Close.png"); width: 12px; height: 12px; margin: 2px; }
 QTabBar::close-button:hover { background: @line; border-radius: 3px; }
+QTabBar QToolButton { background: @raised; border: 1px solid @fieldBorder; padding: 0; }
+QTabBar QToolButton:hover { background: @raisedHover; }
+QTabBar QToolButton:disabled { background: @panel; }
+QTabBar QToolButton::left-arrow { image: url("@icons/Left.png"); width: 12px; height: 12px; }
+QTabBar QToolButton::right-arrow { image: url("@icons/Right.png"); width: 12px; height: 12px; }
+QTabBar QToolButton::left-arrow:disabled { image: url("@icons/LeftDisabled.png"); }
+QTabBar QToolButton::right-arrow:disabled { image: url("@icons/RightDisabled.png"); }
 QTabWidget::pane { border: 0; }
 
 OssPalette { background: @panel; }

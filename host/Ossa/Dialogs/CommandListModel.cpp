@@ -2,6 +2,7 @@
 
 #include "OssCore/Values/OssFuzzyMatch.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
+#include "OssInterface/Actions/OssMenu.h"
 #include "OssInterface/Actions/OssShortcutManager.h"
 
 #include <QAction>
@@ -42,7 +43,7 @@ void CommandListModel::setSearchText(const QString &text)
     const QStringList paths = tree->paths();
     for (const QString &path : paths) {
         QAction *action = tree->findAction(path);
-        const int score = scoreOf(text, path, action->text());
+        const int score = scoreOf(text, path, OssMenu::asSeen(action->text()));
         if (score >= 0)
             rows.append({path, action, score + (action->isEnabled() ? 1 : 0)});
     }
@@ -65,9 +66,9 @@ QVariant CommandListModel::data(const QModelIndex &index, int role) const
     const Row &row = m_rows.at(index.row());
     switch (role) {
     case Qt::DisplayRole:
-        return row.action->text();
+        return OssMenu::asSeen(row.action->text());
     case Qt::AccessibleTextRole:
-        return QStringList{row.action->text(), folderText(row.path),
+        return QStringList{OssMenu::asSeen(row.action->text()), folderText(row.path),
                            row.action->shortcut().toString(QKeySequence::NativeText)}
             .join(QStringLiteral(", "));
     case Qt::ToolTipRole:

@@ -17,6 +17,10 @@ const char *const description =
     "Ossa paints and generates textures with a node graph.\n"
     "Without a command it opens its window, with PROJECT or an empty one.";
 
+const char *const batchDescription =
+    "Computes what Ossa's projects hold, on machines without a screen.\n"
+    "It has the commands of ossa that need no widgets.";
+
 CommandLine answered(int exitCode, const std::string &message)
 {
     CommandLine line;
@@ -37,20 +41,25 @@ std::string pictureFile(const std::string &path)
 class Grammar
 {
 public:
-    Grammar()
-        : m_app(description, "ossa")
+    explicit Grammar(CommandLine::Program program)
+        : m_isBatch(program == CommandLine::Batch)
+        , m_app(m_isBatch ? batchDescription : description, name())
     {
-        m_app.set_version_flag("--version", std::string("ossa ") + OSSA_VERSION);
-        m_app.require_subcommand(0, 1);
-        m_app.add_option("PROJECT", m_project, "Project folder (NAME.ossa) to open");
-        addGraph();
+        m_app.set_version_flag("--version", name() + " " + OSSA_VERSION);
+        m_app.require_subcommand(m_isBatch ? 1 : 0, 1);
         addInfo();
         addBake();
+        if (m_isBatch)
+            return;
+        m_app.add_option("PROJECT", m_project, "Project folder (NAME.ossa) to open");
+        addGraph();
         addRun();
         addStubs();
     }
 
     CLI::App &app() { return m_app; }
+
+    std::string name() const { return m_isBatch ? "ossa-batch" : "ossa"; }
 
     /// After parsing.
     CommandLine line() const
@@ -147,6 +156,7 @@ private:
         return bake;
     }
 
+    bool m_isBatch;
     CLI::App m_app;
     std::string m_project;
     std::string m_output;
@@ -161,13 +171,16 @@ private:
 
 } // namespace
 
-CommandLine CommandLine::parse(int argc, const char *const *argv)
+CommandLine CommandLine::parse(int argc, const char *const *argv, Program program)
 {
+    Grammar grammar(program);
+    const std::string name = grammar.name();
     // The parser would take what follows -- for values of its own.
     const int ownCount = int(std::find(argv, argv + argc, std::string_view("--")) - argv);
     if (ownCount < argc && (argc < 2 || std::string_view(argv[1]) != "run"))
-        return answered(ExitCode::Usage, "ossa: only run takes -- (see ossa --help)");
-    Grammar grammar;
+        return answered(ExitCode::Usage,
+                        program == Batch ? name + ": no command takes -- (see " + name + " --help)"
+                                         : "ossa: only run takes -- (see ossa --help)");
     CLI::App &app = grammar.app();
     try {
         app.parse(ownCount, const_cast<char **>(argv));
@@ -178,7 +191,9 @@ CommandLine CommandLine::parse(int argc, const char *const *argv)
         return answered(ExitCode::Success, version.what());
     } catch (const CLI::ParseError &error) {
         return answered(ExitCode::Usage,
-                        std::string("ossa: ") + error.what() + " (see ossa --help)");
+                        name + ": " + error.what()
+                            + (program == Batch ? "; other commands are those of ossa" : "")
+                            + " (see " + name + " --help)");
     }
     CommandLine line = grammar.line();
     for (int i = ownCount + 1; i < argc; ++i)

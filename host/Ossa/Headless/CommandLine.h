@@ -26,6 +26,9 @@ struct CommandLine
         Answered ///< nothing to run: print `message` and end with `exitCode`
     };
 
+    /// Which of the programs is asked: ossa-batch has the commands that need no widgets.
+    enum Program { Ossa, Batch };
+
     Command command = Window;
     QString project;
     QString output;
@@ -38,7 +41,7 @@ struct CommandLine
     bool isHeadless() const { return command != Window && command != Answered; }
 
     /// Never ends the program itself. Faulty use is Answered with ExitCode::Usage.
-    static CommandLine parse(int argc, const char *const *argv);
+    static CommandLine parse(int argc, const char *const *argv, Program program = Ossa);
 };
 
 /// What the program ends with.
@@ -46,4 +49,6 @@ namespace ExitCode {
 constexpr int Success = 0;
 constexpr int Failure = 1; ///< the work could not be done; stderr says why
 constexpr int Usage = 2;   ///< the command line makes no sense
+/// And the number of the signal that ended the window, as shells have it.
+constexpr int Signalled = 128;
 } // namespace ExitCode

@@ -9,28 +9,11 @@
 
 #include <cstdio>
 
-namespace {
-
-int run(const CommandLine &line)
-{
-    switch (line.command) {
-    case CommandLine::Info:
-        return runInfoCommand(line.project, false);
-    case CommandLine::Bake:
-        return runBakeCommand(line.bake);
-    default:
-        std::fprintf(stderr, "ossa-batch: only bake and info do without widgets: use ossa\n");
-        return ExitCode::Usage;
-    }
-}
-
-} // namespace
-
 /// The commands that need neither a screen nor widgets, as a program that links none: for machines
 /// that only compute.
 int main(int argc, char **argv)
 {
-    const CommandLine line = CommandLine::parse(argc, argv);
+    const CommandLine line = CommandLine::parse(argc, argv, CommandLine::Batch);
     if (line.command == CommandLine::Answered) {
         std::fprintf(line.exitCode == ExitCode::Success ? stdout : stderr, "%s\n",
                      qPrintable(line.message.trimmed()));
@@ -42,5 +25,6 @@ int main(int argc, char **argv)
     QCoreApplication::setApplicationName(QStringLiteral("Ossa"));
     const OssModelServices services;
     OssShaderNetworkManager::instance()->loadNodeTypes(OssResourceInfo::instance()->nodeTypePath());
-    return run(line);
+    return line.command == CommandLine::Info ? runInfoCommand(line.project, false)
+                                             : runBakeCommand(line.bake);
 }

@@ -7,6 +7,7 @@
 #include "Ossa/Pictures/GraphCommand.h"
 #include "Ossa/Plugins/PluginActions.h"
 #include "Ossa/Scripting/RunCommand.h"
+#include "Ossa/Start/EndSignals.h"
 #include "Ossa/Window/HostPalettes.h"
 #include "Ossa/Window/MainWindow.h"
 #include "Ossa/Window/WorkRecovery.h"
@@ -120,11 +121,19 @@ int Session::runWindow()
 {
     MainWindow window;
     QObject::connect(&window, &MainWindow::closed, qApp, &QApplication::quit);
+    const EndSignals signalled;
+    QObject::connect(&signalled, &EndSignals::endAsked, &window, [&window] {
+        window.keepWork();
+        QApplication::quit();
+    });
     window.askForUnsavedWork();
     window.restoreLayout();
     window.show();
     window.tellAbout(m_plugins.failures());
-    window.openAtStart(m_line.project);
+    // What asks at the start is a loop of its own that the signal ended.
+    if (signalled.received() == 0)
+        window.openAtStart(m_line.project);
     removeForgottenPixels();
-    return QApplication::exec();
+    const int exitCode = signalled.received() == 0 ? QApplication::exec() : 0;
+    return signalled.received() == 0 ? exitCode : ExitCode::Signalled + signalled.received();
 }

@@ -29,6 +29,8 @@ const QString modeKey = QStringLiteral("Viewer/mode");
 const QString commandFolder = QStringLiteral("/Ossa/Viewer/");
 constexpr double sizeStep = 1.2; // of the brush, from key to key
 constexpr double hardnessStep = 0.1;
+const QString resolutionKey = QStringLiteral("Viewer/resolution");
+constexpr int usualResolution = 1024;
 
 /// `command`: what does the same.
 QToolButton *makeSwitch(const QString &text, const char *command, QWidget *parent)
@@ -219,7 +221,9 @@ QWidget *ViewerPanel::makeControls()
     m_display->setAccessibleName(tr("Display"));
     for (const int size : {256, 512, 1024, 2048, 4096})
         m_resolution->addItem(QString::number(size), size);
-    m_resolution->setCurrentIndex(2);
+    const int kept = m_resolution->findData(OssSettings().value(resolutionKey).toInt());
+    m_resolution->setCurrentIndex(kept >= 0 ? kept : m_resolution->findData(usualResolution));
+    m_source->setResolution(m_resolution->currentData().toInt());
     m_resolution->setAccessibleName(tr("Resolution of a patch"));
     m_exposure->setRange(-16.0, 16.0);
     m_exposure->setSingleStep(0.25);
@@ -237,8 +241,10 @@ QWidget *ViewerPanel::makeControls()
     const auto changed = qOverload<int>(&QComboBox::currentIndexChanged);
     connect(m_channels, changed, this, &ViewerPanel::applyLook);
     connect(m_display, changed, this, &ViewerPanel::applyLook);
-    connect(m_resolution, changed, this,
-            [this] { m_source->setResolution(m_resolution->currentData().toInt()); });
+    connect(m_resolution, changed, this, [this] {
+        m_source->setResolution(m_resolution->currentData().toInt());
+        OssSettings().setValue(resolutionKey, m_resolution->currentData().toInt());
+    });
     const auto edited = qOverload<double>(&QDoubleSpinBox::valueChanged);
     connect(m_exposure, edited, this, &ViewerPanel::applyLook);
     connect(m_gamma, edited, this, &ViewerPanel::applyLook);

@@ -67,7 +67,9 @@ const OssGeoEntity *ViewerSource::entity() const
 
 bool ViewerSource::shows(const OssSnBaseNode *node) const
 {
-    return m_sources.contains(node);
+    return node && std::any_of(m_sources.cbegin(), m_sources.cend(), [node](const auto &source) {
+               return source.data() == node;
+           });
 }
 
 bool ViewerSource::showsOnly(const OssSnBaseNode *node) const

@@ -87,6 +87,12 @@ void MainWindow::tellAbout(const QVector<PluginLoader::Failure> &failures)
     for (const PluginLoader::Failure &failure : failures)
         m_notifications->tell(
             tr("Plug-in %1 cannot be used: %2.").arg(failure.file, failure.reason));
+    // Said now, and not when there is work to lose.
+    const OssResult settings = OssSettings::checkFolder();
+    if (!settings)
+        m_notifications->tell(tr("%1. Preferences, the layout, fresh pixels and copies of unsaved "
+                                 "work are lost when Ossa ends.")
+                                  .arg(settings.error()));
 }
 
 void MainWindow::openAtStart(const QString &path)
@@ -98,6 +104,12 @@ void MainWindow::openAtStart(const QString &path)
     if (reopen && !recent.isEmpty() && m_project->open(recent.first()))
         return;
     m_project->newProject();
+}
+
+void MainWindow::keepWork()
+{
+    m_recovery->keepCopy();
+    saveLayout();
 }
 
 QString MainWindow::notificationText() const
@@ -160,7 +172,10 @@ void MainWindow::refreshTitle()
 {
     const OssProject *project = OssProjectManager::instance()->currentProject();
     setWindowModified(project && OssProjectManager::instance()->isModified());
-    setWindowTitle(project ? tr("%1[*] \u2013 Ossa").arg(project->name()) : tr("Ossa"));
+    // "[*]" is where Qt puts the mark of changes; twice it stands for itself.
+    const QString mark = QStringLiteral("[*]");
+    const QString name = project ? project->name().replace(mark, mark + mark) : QString();
+    setWindowTitle(project ? tr("%1[*] \u2013 Ossa").arg(name) : tr("Ossa"));
 }
 
 void MainWindow::saveLayout() const

@@ -27,6 +27,9 @@ public:
     /// given path; with none, what the preferences say.
     void openAtStart(const QString &path);
 
+    /// The session ends and nobody can be asked: a copy of unsaved work is left for the next one.
+    void keepWork();
+
     QString notificationText() const;
 
 Q_SIGNALS:

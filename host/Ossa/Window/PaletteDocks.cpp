@@ -18,6 +18,7 @@
 #include <QMainWindow>
 #include <QSplitter>
 
+#include <algorithm>
 #include <functional>
 #include <numeric>
 
@@ -25,6 +26,9 @@ namespace {
 
 const QString stateKey = QStringLiteral("MainWindow/docks");
 const QString stateNamesKey = QStringLiteral("MainWindow/dockedPalettes");
+// The last layout that knew palettes which that one does not.
+const QString fullerStateKey = QStringLiteral("MainWindow/fullerDocks");
+const QString fullerNamesKey = QStringLiteral("MainWindow/fullerDockedPalettes");
 const QString paletteFolder = QStringLiteral("/Ossa/Palettes/");
 const QString graphFolder = QStringLiteral("/Ossa/NodeGraph/");
 constexpr int stateVersion = 1;
@@ -59,6 +63,12 @@ void configure()
                              OssIcon::createIconFromFilename(QStringLiteral("Close.png")));
     icons.registerCustomIcon(ads::DockAreaMenuIcon,
                              OssIcon::createIconFromFilename(QStringLiteral("Down.png")));
+}
+
+bool containsAll(const QStringList &names, const QStringList &wanted)
+{
+    return std::all_of(wanted.cbegin(), wanted.cend(),
+                       [&names](const QString &name) { return names.contains(name); });
 }
 
 /// Gives the part at `index` so many percent of the room if there is one other part.
@@ -127,6 +137,12 @@ void PaletteDocks::restoreLayout()
     const OssSettings settings;
     m_state = settings.value(stateKey).toByteArray();
     m_stateNames = settings.value(stateNamesKey).toStringList();
+    const QStringList fuller = settings.value(fullerNamesKey).toStringList();
+    // A plug-in that was missing is back.
+    if (!containsAll(m_stateNames, dockNames()) && containsAll(fuller, dockNames())) {
+        m_state = settings.value(fullerStateKey).toByteArray();
+        m_stateNames = fuller;
+    }
     if (!m_state.isEmpty())
         applyState();
 }
@@ -142,13 +158,29 @@ void PaletteDocks::applyState()
     }
 }
 
-void PaletteDocks::saveLayout() const
+QStringList PaletteDocks::dockNames() const
 {
     QStringList names;
     for (const ads::CDockWidget *dock : m_docks)
         names.append(dock->objectName());
     names.sort();
+    return names;
+}
+
+void PaletteDocks::saveLayout() const
+{
+    const QStringList names = dockNames();
     OssSettings settings;
+    const QStringList before = settings.value(stateNamesKey).toStringList();
+    if (containsAll(names, settings.value(fullerNamesKey).toStringList())) {
+        settings.remove(fullerStateKey);
+        settings.remove(fullerNamesKey);
+    }
+    // Without a plug-in its palettes have no place in the state; the session before knew them.
+    if (!containsAll(names, before)) {
+        settings.setValue(fullerStateKey, settings.value(stateKey));
+        settings.setValue(fullerNamesKey, before);
+    }
     settings.setValue(stateKey, m_manager->saveState(stateVersion));
     settings.setValue(stateNamesKey, names);
 }
@@ -202,7 +234,7 @@ void PaletteDocks::dock(OssPalette *palette)
     connect(
         dock, &ads::CDockWidget::viewToggled, this,
         [this, dock](bool open) {
-            if (open && m_window->isVisible())
+            if (open && !dock->isClosed() && m_window->isVisible())
                 makeRoom(dock);
         },
         Qt::QueuedConnection);
@@ -229,6 +261,8 @@ void PaletteDocks::place(OssPalette *palette, ads::CDockWidget *dock)
     const bool alone = place.besideHelpKey && !beside;
     m_manager->addDockWidget(alone ? ads::RightDockWidgetArea : place.area, dock, beside);
     const bool open = OssPaletteManager::instance()->shownAtFirst(palette);
+    if (!open && dock->isClosed())
+        dock->toggleView(true); // what counts as closed would keep the tab that it just got
     dock->toggleView(open);
 }
 

@@ -31,6 +31,7 @@ public:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    QStringList dockNames() const;
     void dock(OssPalette *palette);
     void place(OssPalette *palette, ads::CDockWidget *dock);
     void applyState();

@@ -4,8 +4,10 @@
 #include "Ossa/Commands/ProjectCommands.h"
 #include "Ossa/Common/ApplicationPreferences.h"
 #include "Ossa/Dialogs/RecoveryDialog.h"
+#include "OssCore/Program/OssDebug.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssInterface/Popups/OssMessageBox.h"
+#include "OssModel/Objects/OssCanvasManager.h"
 
 #include <QDir>
 
@@ -35,6 +37,17 @@ WorkRecovery::~WorkRecovery() = default;
 void WorkRecovery::forgetCopy()
 {
     m_autosave.forgetCopy();
+}
+
+void WorkRecovery::keepCopy()
+{
+    // First without the paint, which takes a while: whoever ends programs may not be patient.
+    m_autosave.takeCopy();
+    const OssResult baked = OssCanvasManager::instance()->bakePaint();
+    if (!baked)
+        OssDebug("WorkRecovery", __LINE__, "[ !! ] %s", qPrintable(baked.error()));
+    m_autosave.takeCopy();
+    m_autosave.waitForDisk();
 }
 
 void WorkRecovery::report()

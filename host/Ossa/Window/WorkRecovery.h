@@ -26,6 +26,9 @@ public:
     /// Restores what the user chose; asks first if that was not done. True when there is a project.
     bool restoreChosen();
 
+    /// Writes a copy now, paint that is in no image yet included, and returns when it is on the disk.
+    void keepCopy();
+
     /// The changes of the open project were given up or saved.
     void forgetCopy();
 

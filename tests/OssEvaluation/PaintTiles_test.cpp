@@ -168,6 +168,7 @@ TEST_F(PaintBaking, composesThePaintOverTheImage)
     OssEvStroke erased(&what.paint, brush, {1001});
     erased.moveTo(0.4, 0.9);
     erased.moveTo(0.45, 0.15);
+    erased.finish();
     ASSERT_EQ(OssEvPaintBake::run(what).error(), "");
     for (const auto &[x, y] :
          {std::pair(64, 64), {105, 70}, {110, 200}, {127, 76}, {128, 76}, {250, 250}}) {

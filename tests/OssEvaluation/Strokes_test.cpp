@@ -74,7 +74,8 @@ OssEvStroke::Areas draw(OssEvPaintBuffer *buffer, const OssEvBrush &brush, const
 {
     OssEvStroke stroke(buffer, brush, patches);
     OssEvStroke::Areas areas = stroke.moveTo(from.x / Resolution, 1.0 - from.y / Resolution);
-    for (const auto &area : stroke.moveTo(to.x / Resolution, 1.0 - to.y / Resolution))
+    stroke.moveTo(to.x / Resolution, 1.0 - to.y / Resolution);
+    for (const auto &area : stroke.finish())
         areas[area.first] = area.second;
     return areas;
 }
@@ -160,6 +161,7 @@ TEST(Strokes, aStrokeDoesNotCareHowOftenThePointerWasSeen)
     OssEvStroke stroke(&often, brush, Patches);
     for (int i = 0; i <= 100; ++i)
         stroke.moveTo((40.0 + 1.6 * i) / Resolution, 1.0 - (40.0 + 1.3 * i) / Resolution);
+    stroke.finish();
     float worst = 0.0F;
     for (int y = 0; y < Resolution; ++y) {
         for (int x = 0; x < Resolution; ++x)
@@ -222,6 +224,10 @@ TEST(Strokes, theAreaThatIsToldHoldsEverythingThatChanged)
     std::vector<Texel> before(std::size_t(Resolution) * Resolution, Bare);
     for (const auto &place : path) {
         const OssEvStroke::Areas areas = moved(&stroke, place[0], place[1]);
+        if (&place == &path[1]) { // it is painted when it is known where to go on
+            EXPECT_TRUE(areas.empty());
+            continue;
+        }
         ASSERT_EQ(areas.size(), 1U);
         const OssEvRegion area = areas.at(1001);
         EXPECT_EQ(area.intersected({0, 0, Resolution, Resolution}), area) << "within the patch";
@@ -260,6 +266,7 @@ TEST(Strokes, pressureMakesTheBrushSmallerDownToADot)
     OssEvStroke stroke(&buffer, hardBrush(40), OnePatch);
     moved(&stroke, 50, 150, 0.1);
     moved(&stroke, 250, 150, 1.0); // grows on the way
+    stroke.finish();
     const auto heightAt = [&buffer](int x) {
         int count = 0;
         for (int y = 0; y < Resolution; ++y)
@@ -270,12 +277,52 @@ TEST(Strokes, pressureMakesTheBrushSmallerDownToADot)
     EXPECT_LT(heightAt(130), heightAt(230));
 }
 
+TEST(Strokes, placesInALineMakeTheStraightStrokeHoweverFarApartTheyAre)
+{
+    OssEvPaintBuffer straight(Resolution);
+    draw(&straight, hardBrush(9), {20, 40}, {260, 200});
+    OssEvPaintBuffer uneven(Resolution);
+    OssEvStroke stroke(&uneven, hardBrush(9), Patches);
+    for (const double way : {0.0, 0.01, 0.012, 0.4, 0.4, 0.41, 0.99, 1.0})
+        moved(&stroke, 20 + 240 * way, 40 + 160 * way);
+    stroke.finish();
+    for (int y = 0; y < Resolution; ++y) {
+        for (int x = 0; x < Resolution; ++x)
+            ASSERT_NEAR(texelOf(uneven, 1001, x, y)[3], texelOf(straight, 1001, x, y)[3], 0.02)
+                << x << ", " << y;
+    }
+}
+
+TEST(Strokes, aFewPlacesOnACircleMakeACircle)
+{
+    constexpr double Pi = 3.14159265358979;
+    const auto onCircle = [](double degrees) {
+        return Dab{150 + 80 * std::cos(degrees * Pi / 180),
+                   150 + 80 * std::sin(degrees * Pi / 180)};
+    };
+    OssEvPaintBuffer buffer(Resolution);
+    OssEvStroke stroke(&buffer, hardBrush(2), Patches);
+    for (int degrees = 0; degrees <= 240; degrees += 40)
+        moved(&stroke, onCircle(degrees).x, onCircle(degrees).y);
+    EXPECT_EQ(texelOf(buffer, 1001, int(onCircle(220).x), int(onCircle(220).y))[3], 0.0F)
+        << "where it goes on from there shapes it";
+    stroke.finish();
+    // A chord between two places would be five texels off.
+    for (int degrees = 45; degrees < 195; degrees += 5)
+        EXPECT_GT(texelOf(buffer, 1001, int(onCircle(degrees).x), int(onCircle(degrees).y))[3],
+                  0.5F)
+            << degrees;
+    EXPECT_GT(texelOf(buffer, 1001, int(onCircle(240).x), int(onCircle(240).y))[3], 0.5F);
+    EXPECT_TRUE(stroke.finish().empty());
+}
+
 TEST(Strokes, paintGoesOnlyWhereThereIsSomethingToPaintOn)
 {
     OssEvPaintBuffer buffer(Resolution);
     OssEvStroke stroke(&buffer, hardBrush(30), {1002});
     EXPECT_TRUE(moved(&stroke, 100, 100).empty());
-    const auto areas = moved(&stroke, 310, 100);
+    moved(&stroke, 310, 100);
+    const auto areas = stroke.finish();
     EXPECT_EQ(areas.count(1001), 0U);
     EXPECT_EQ(areas.count(1002), 1U);
     EXPECT_EQ(buffer.patches(), std::vector<int>{1002});

@@ -152,7 +152,7 @@ TEST(Programs, answerOnTheirStreamsAndEndWithTheirCodes)
          nullptr,
          "/nowhere/wall.ossa"},
         {false, bake + texts({"all of them"}), ExitCode::Usage, nullptr, "ossa: "},
-        {true, texts({"--version"}), ExitCode::Success, "ossa ", nullptr},
+        {true, texts({"--version"}), ExitCode::Success, "ossa-batch ", nullptr},
         {true, texts({"info"}), ExitCode::Usage, nullptr, "PROJECT"},
         {true, {text("info"), example}, ExitCode::Success, "Standard Surface", nullptr},
         {true, {text("info"), Nowhere}, ExitCode::Failure, nullptr, "/nowhere/wall.ossa"},

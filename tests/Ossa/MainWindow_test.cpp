@@ -10,10 +10,12 @@
 #include "support/InterfaceUser.h"
 #include "WindowFixture.h"
 
+#include <QLabel>
 #include <QLineEdit>
 #include <QMainWindow>
 #include <QMenuBar>
 #include <QPointer>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QTimer>
 
@@ -233,6 +235,24 @@ TEST_F(Status, stopReachesWorkThatBlocksTheEventLoop)
 {
     QTimer::singleShot(0, stop, [this] { QTest::mouseClick(stop, Qt::LeftButton); });
     EXPECT_LT(stepsUntilCancelled(40), 40);
+    QTimer::singleShot(0, stop, [this] { QTest::keyClick(field, Qt::Key_Escape); });
+    EXPECT_LT(stepsUntilCancelled(40), 40);
+    EXPECT_TRUE(field->text().isEmpty());
+}
+
+TEST_F(Status, whatIsDoneNowIsNamedAndNothingRunsBackwards)
+{
+    OssStatusManager::Work work(text("Baking"));
+    work.setPart(text("Wall"));
+    const auto labels = area->findChildren<QLabel *>();
+    EXPECT_TRUE(std::any_of(labels.cbegin(), labels.cend(), [](const QLabel *label) {
+        return label->text() == text("Baking: Wall");
+    }));
+    const auto *bar = area->findChild<QProgressBar *>();
+    for (const auto &[done, total, shown] : {std::tuple(5, 10, 50), {30, 100, 50}, {60, 100, 60}}) {
+        work.setProgress(done, total);
+        EXPECT_EQ(100 * bar->value() / bar->maximum(), shown) << done;
+    }
 }
 
 TEST_F(Status, noOtherInputArrivesMeanwhileNotEvenFromWorkWithinWork)

@@ -131,6 +131,7 @@ TEST_F(PaintGestures, escapeTakesTheStrokeInHandBack)
 {
     click(at(0.2, 0.2));
     QTest::mousePress(m_canvas.get(), Qt::LeftButton, {}, at(0.3, 0.5));
+    move(at(0.6, 0.5), Qt::LeftButton);
     move(at(0.7, 0.5), Qt::LeftButton);
     EXPECT_TRUE(isPainted(0.5, 0.5));
     key(Qt::Key_Escape);

@@ -34,6 +34,8 @@ void OssStatusManager::Work::setProgress(int done, int total)
     OssStatusManager *status = instance();
     if (status->m_depth > 1)
         return;
+    if (qint64(done) * status->m_total < qint64(status->m_done) * total)
+        return;
     status->m_done = done;
     status->m_total = total;
     Q_EMIT status->progressChanged(done, total);
@@ -48,6 +50,12 @@ void OssStatusManager::cancel()
 {
     if (inProgress())
         m_cancelled = true;
+}
+
+void OssStatusManager::askToStop()
+{
+    cancel();
+    Q_EMIT stopAsked();
 }
 
 void OssStatusManager::showMessage(const QString &message)

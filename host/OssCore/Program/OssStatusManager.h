@@ -30,7 +30,8 @@ public:
 
         /// Names what is being done just now.
         void setPart(const QString &part);
-        /// `done` of `total`; a total of 0 means that the end is not known.
+        /// `done` of `total`; a total of 0 means that the end is not known. What would lead back is
+        /// not told.
         void setProgress(int done, int total);
         bool isCancelled() const;
     };
@@ -48,6 +49,9 @@ public:
     /// Asks the running work to stop. It does so at the next point where that is safe.
     void cancel();
 
+    /// The user wants whatever is being computed to stop, what runs in the background too.
+    void askToStop();
+
     /// One line for the status bar: what just happened.
     void showMessage(const QString &message);
 
@@ -56,6 +60,8 @@ Q_SIGNALS:
     void partChanged(const QString &part);
     void progressChanged(int done, int total);
     void endProcessing();
+    /// To whoever computes in the background.
+    void stopAsked();
     void messageShown(const QString &message);
 
 private:

@@ -9,6 +9,14 @@ namespace {
 
 constexpr int Size = OssEvPaintTile::Size;
 constexpr double SmallestStep = 0.5; // texels
+constexpr double SamePlace = 1e-6;   // texels
+constexpr double CurvePart = 4.0;    // texels that are a straight line
+constexpr int MostCurveParts = 256;
+
+double mix(double a, double b, double t)
+{
+    return a + (b - a) * t;
+}
 
 OssEvRegion united(const OssEvRegion &a, const OssEvRegion &b)
 {
@@ -52,20 +60,83 @@ OssEvStroke::OssEvStroke(OssEvPaintBuffer *buffer, const OssEvBrush &brush,
 {
 }
 
+double OssEvStroke::distance(const Point &a, const Point &b) const
+{
+    return std::hypot(b.u - a.u, b.v - a.v) * m_buffer->resolution();
+}
+
 OssEvStroke::Areas OssEvStroke::moveTo(double u, double v, double pressure)
 {
     const Point to{u, v, std::max(0.5, m_brush.radius * pressure)};
+    if (m_recent.empty()) {
+        lineTo(to);
+    } else if (distance(m_recent.back(), to) < SamePlace) {
+        // Held there, perhaps with another pressure.
+        m_recent.back().radius = to.radius;
+        if (m_recent.size() == 1)
+            dab(to);
+        return blendStale();
+    }
+    m_recent.push_back(to);
+    const std::size_t count = m_recent.size();
+    if (count == 3)
+        curveTo(beyond(m_recent[1], m_recent[0]), m_recent[0], m_recent[1], m_recent[2]);
+    if (count == 4) {
+        curveTo(m_recent[0], m_recent[1], m_recent[2], m_recent[3]);
+        m_recent.erase(m_recent.begin());
+    }
+    return blendStale();
+}
+
+OssEvStroke::Areas OssEvStroke::finish()
+{
+    const std::size_t count = m_recent.size();
+    if (count >= 2) {
+        const Point &from = m_recent[count - 2];
+        const Point &to = m_recent[count - 1];
+        curveTo(count > 2 ? m_recent[count - 3] : beyond(to, from), from, to, beyond(from, to));
+    }
+    m_recent.clear();
+    return blendStale();
+}
+
+// A centripetal Catmull-Rom spline: it goes through all places and makes no loops or overshoots where
+// they lie at uneven distances.
+void OssEvStroke::curveTo(const Point &before, const Point &from, const Point &to,
+                          const Point &after)
+{
+    const double t1 = std::sqrt(distance(before, from));
+    const double t2 = t1 + std::sqrt(distance(from, to));
+    const double t3 = t2 + std::sqrt(distance(to, after));
+    const auto along = [=](double a, double b, double c, double d, double t) {
+        const double ab = mix(a, b, t / t1);
+        const double bc = mix(b, c, (t - t1) / (t2 - t1));
+        const double cd = mix(c, d, (t - t2) / (t3 - t2));
+        return mix(mix(ab, bc, t / t2), mix(bc, cd, (t - t1) / (t3 - t1)), (t - t1) / (t2 - t1));
+    };
+    const int parts = std::clamp(int(distance(from, to) / CurvePart), 1, MostCurveParts);
+    for (int i = 1; i < parts; ++i) {
+        const double way = double(i) / parts;
+        const double t = mix(t1, t2, way);
+        lineTo({along(before.u, from.u, to.u, after.u, t),
+                along(before.v, from.v, to.v, after.v, t), mix(from.radius, to.radius, way)});
+    }
+    lineTo(to);
+}
+
+void OssEvStroke::lineTo(const Point &to)
+{
     if (!m_last) {
         dab(to);
         m_toNext = std::max(SmallestStep, Spacing * to.radius);
     } else {
         const Point from = *m_last;
-        const double length = std::hypot(to.u - from.u, to.v - from.v) * m_buffer->resolution();
+        const double length = distance(from, to);
         double done = m_toNext;
-        while (done <= length) {
-            const double t = done / length;
-            const Point at{from.u + (to.u - from.u) * t, from.v + (to.v - from.v) * t,
-                           from.radius + (to.radius - from.radius) * t};
+        while (done <= length + SamePlace) { // as if the line were not in parts
+            const double t = std::min(1.0, done / length);
+            const Point at{mix(from.u, to.u, t), mix(from.v, to.v, t),
+                           mix(from.radius, to.radius, t)};
             dab(at);
             m_toNext = std::max(SmallestStep, Spacing * at.radius);
             done += m_toNext;
@@ -73,7 +144,10 @@ OssEvStroke::Areas OssEvStroke::moveTo(double u, double v, double pressure)
         m_toNext = done - length;
     }
     m_last = to;
+}
 
+OssEvStroke::Areas OssEvStroke::blendStale()
+{
     Areas areas;
     for (auto &entry : m_touched) {
         Touched &touched = entry.second;

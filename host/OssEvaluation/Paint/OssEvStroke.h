@@ -29,7 +29,8 @@ struct OSSEVALUATION_EXPORT OssEvBrush
     double reach() const { return radius + 0.5; }
 };
 
-/// One stroke, from press to release, painted into a buffer: dabs at small distances along a line.
+/// One stroke, from press to release, painted into a buffer: dabs at small distances along a smooth
+/// curve through the places, which depends on them alone and not on when they came.
 /// A place is covered as much as the dab that covers it most, so a stroke has no joints and its
 /// opacity does not add up where it crosses itself.
 class OSSEVALUATION_EXPORT OssEvStroke
@@ -51,9 +52,12 @@ public:
     /// The buffer must outlive the stroke. `patches`: where there is something to paint on.
     OssEvStroke(OssEvPaintBuffer *buffer, const OssEvBrush &brush, std::vector<int> patches);
 
-    /// Goes on to a place, in patches, v upwards. `pressure` of 0 to 1 makes the brush smaller.
+    /// Goes on to a place, in patches, v upwards. `pressure` of 0 to 1 makes the brush smaller. The
+    /// curve is painted up to the place before it, as where it leads shapes how it gets there.
     /// Throws std::bad_alloc.
     Areas moveTo(double u, double v, double pressure = 1.0);
+    /// The rest of the curve, when there will be no further place. Throws std::bad_alloc.
+    Areas finish();
 
     std::vector<Change> changes() const;
 
@@ -75,6 +79,16 @@ private:
         double radius;
     };
 
+    /// As far on from `end` as `start` lies before it.
+    static Point beyond(const Point &start, const Point &end)
+    {
+        return {2.0 * end.u - start.u, 2.0 * end.v - start.v, end.radius};
+    }
+
+    void curveTo(const Point &before, const Point &from, const Point &to, const Point &after);
+    void lineTo(const Point &to);
+    Areas blendStale();
+    double distance(const Point &a, const Point &b) const;
     void dab(const Point &point);
     void dabPatch(int patch, double x, double y, const OssEvBrush &brush);
     Touched &touch(const OssEvPaintBuffer::Place &place);
@@ -84,6 +98,7 @@ private:
     OssEvBrush m_brush;
     std::vector<int> m_patches;
     std::map<OssEvPaintBuffer::Place, Touched> m_touched;
-    std::optional<Point> m_last;
-    double m_toNext = 0.0; ///< texels to go before the next dab
+    std::vector<Point> m_recent; ///< the last places, three at most
+    std::optional<Point> m_last; ///< up to where the curve is painted
+    double m_toNext = 0.0;       ///< texels to go before the next dab
 };

@@ -192,7 +192,7 @@ CommandLine CommandLine::parse(int argc, const char *const *argv, Program progra
     } catch (const CLI::ParseError &error) {
         return answered(ExitCode::Usage,
                         name + ": " + error.what()
-                            + (program == Batch ? "; other commands are those of ossa" : "")
+                            + (program == Batch ? "; only bake and info do without widgets" : "")
                             + " (see " + name + " --help)");
     }
     CommandLine line = grammar.line();

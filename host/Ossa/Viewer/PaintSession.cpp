@@ -16,6 +16,8 @@
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectManager.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <new>
 
@@ -26,6 +28,22 @@ constexpr int largestResolution = 16384;
 constexpr int restTime = 3000; ///< milliseconds without a stroke
 
 } // namespace
+
+/// Lets all moves of the pointer through while it lives, also those that come faster than they are
+/// handled: they shape the stroke.
+class PaintSession::EveryMove
+{
+public:
+    EveryMove() { QCoreApplication::setAttribute(Qt::AA_CompressHighFrequencyEvents, false); }
+
+    EveryMove(const EveryMove &) = delete;
+    EveryMove &operator=(const EveryMove &) = delete;
+
+    ~EveryMove() { QCoreApplication::setAttribute(Qt::AA_CompressHighFrequencyEvents, m_before); }
+
+private:
+    bool m_before = QCoreApplication::testAttribute(Qt::AA_CompressHighFrequencyEvents);
+};
 
 PaintSession::PaintSession(QObject *parent)
     : QObject(parent)
@@ -57,6 +75,7 @@ PaintSession::~PaintSession() = default;
 void PaintSession::forget()
 {
     m_stroke.reset();
+    m_everyMove.reset();
     m_macro.reset();
     m_rest.stop();
     m_composer.giveUp();
@@ -171,6 +190,7 @@ bool PaintSession::begin(const QPointF &place, double pressure)
         painted->network()->geoEntity());
     m_macro = std::make_unique<OssUndoManager::AutoMacro>(m_brush.erases ? tr("Erase Paint")
                                                                          : tr("Paint Stroke"));
+    m_everyMove = std::make_unique<EveryMove>();
     m_stroke.emplace(&m_buffer, m_brush, std::vector<int>(patches.cbegin(), patches.cend()));
     moveTo(place, pressure);
     return true;
@@ -181,8 +201,13 @@ void PaintSession::moveTo(const QPointF &place, double pressure)
     if (!m_stroke)
         return;
     m_lastPlace = place;
+    paint([&] { return m_stroke->moveTo(place.x(), place.y(), pressure); });
+}
+
+void PaintSession::paint(const std::function<OssEvStroke::Areas()> &step)
+{
     try {
-        tellAreas(m_stroke->moveTo(place.x(), place.y(), pressure));
+        tellAreas(step());
     } catch (const std::bad_alloc &) {
         cancel();
         OssStatusManager::instance()->showMessage(tr("There is no memory left to paint"));
@@ -201,10 +226,13 @@ void PaintSession::tellAreas(const OssEvStroke::Areas &areas)
 
 void PaintSession::end()
 {
+    if (m_stroke)
+        paint([this] { return m_stroke->finish(); });
     if (!m_stroke)
         return;
     const std::vector<OssEvStroke::Change> changes = m_stroke->changes();
     m_stroke.reset();
+    m_everyMove.reset();
     noteChange();
     const bool isLarge = m_buffer.bytes() > bufferBytes;
     const QMap<int, QString> pixels = m_images->pixels();
@@ -229,6 +257,7 @@ void PaintSession::cancel()
     for (const OssEvStroke::Change &change : m_stroke->changes())
         before.emplace_back(change.place, change.before);
     m_stroke.reset();
+    m_everyMove.reset();
     m_macro.reset();
     setTiles(m_images, m_buffer.resolution(), before, Show);
 }

@@ -11,6 +11,7 @@
 #include <QRectF>
 #include <QTimer>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -97,6 +98,7 @@ Q_SIGNALS:
 
 private:
     friend class PaintStep;
+    class EveryMove;
 
     enum Notice {
         Show,
@@ -106,6 +108,7 @@ private:
     bool settle();
     /// False, and the user knows why, when it failed.
     bool bakeOrTell();
+    void paint(const std::function<OssEvStroke::Areas()> &step);
     void tellAreas(const OssEvStroke::Areas &areas);
     using Tiles = std::vector<std::pair<OssEvPaintBuffer::Place, OssEvPaintTilePointer>>;
 
@@ -130,6 +133,7 @@ private:
     PaintComposer m_composer;
     QTimer m_rest; ///< since the last change of the paint
     std::optional<OssEvStroke> m_stroke;
+    std::unique_ptr<EveryMove> m_everyMove;             ///< during a stroke
     std::unique_ptr<OssUndoManager::AutoMacro> m_macro; ///< of the stroke in hand
     std::optional<QPointF> m_lastPlace;
     mutable QHash<QString, int> m_widths; ///< of pixel files, which never change

@@ -19,6 +19,33 @@ constexpr double smallestScale = 8.0;
 constexpr double largestScale = 40000.0;
 constexpr double inset = 24.0;
 constexpr int checkSize = 10;
+constexpr double plateMargin = 4.0;
+constexpr double platePadding = 4.0;
+
+/// At the lower left within the patch, as far as that is in view, on a plate that can be read on any
+/// picture. Nothing where there is no room for it.
+void drawNumber(QPainter *painter, const QRectF &patch, const QString &number)
+{
+    const QFontMetricsF metrics(painter->font());
+    const QSizeF size(metrics.horizontalAdvance(number) + 2.0 * platePadding,
+                      metrics.height() + platePadding);
+    const QRectF room = patch.intersected(painter->viewport());
+    if (size.width() + 2.0 * plateMargin > patch.width()
+        || size.height() + 2.0 * plateMargin > patch.height()
+        || size.width() + 2.0 * plateMargin > room.width()
+        || size.height() + 2.0 * plateMargin > room.height())
+        return;
+    const QRectF plate(room.bottomLeft() + QPointF(plateMargin, -plateMargin - size.height()),
+                       size);
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->setPen(Qt::NoPen);
+    painter->setBrush(QColor(0x14, 0x15, 0x18, 200));
+    painter->drawRoundedRect(plate, 4.0, 4.0);
+    painter->setPen(QColor(0xe4, 0xe7, 0xec));
+    painter->drawText(plate, Qt::AlignCenter, number);
+    painter->restore();
+}
 
 QBrush checks()
 {
@@ -113,11 +140,7 @@ void UvView::paintEvent(QPaintEvent *)
         painter.setPen(QColor(0x4a, 0x4e, 0x55));
         painter.setBrush(Qt::NoBrush);
         painter.drawRect(area);
-        const QString number = QString::number(patch);
-        if (painter.fontMetrics().horizontalAdvance(number) + 8.0 > area.width())
-            continue;
-        painter.setPen(QColor(0xa8, 0xae, 0xb8));
-        painter.drawText(area.bottomLeft() + QPointF(4.0, 16.0), number);
+        drawNumber(&painter, area, QString::number(patch));
     }
     drawOutline(&painter);
     if (m_pictures->problem().isEmpty())

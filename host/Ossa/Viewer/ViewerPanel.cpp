@@ -9,6 +9,7 @@
 #include "Ossa/Viewer/ViewerSource.h"
 #include "OssCore/Program/OssSettings.h"
 #include "OssInterface/Actions/OssShortcutManager.h"
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Nodes/OssSnImageSetNodeBase.h"
 
@@ -17,6 +18,7 @@
 #include <QComboBox>
 #include <QDoubleSpinBox>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QProgressBar>
 #include <QSplitter>
@@ -30,6 +32,7 @@ const QString commandFolder = QStringLiteral("/Ossa/Viewer/");
 constexpr double sizeStep = 1.2; // of the brush, from key to key
 constexpr double hardnessStep = 0.1;
 const QString resolutionKey = QStringLiteral("Viewer/resolution");
+constexpr int patience = 300; // milliseconds until a picture shows its progress
 constexpr int usualResolution = 1024;
 
 /// `command`: what does the same.
@@ -57,6 +60,7 @@ ViewerPanel::ViewerPanel(QWidget *parent)
     , m_paint(makeSwitch(tr("Paint"), "Toggle Painting", this))
     , m_name(new QLabel(this))
     , m_values(new QLabel(this))
+    , m_pass(new QLabel(this))
     , m_progress(new QProgressBar(this))
     , m_channels(new QComboBox(this))
     , m_resolution(new QComboBox(this))
@@ -88,9 +92,14 @@ QWidget *ViewerPanel::makeFoot()
     m_progress->setMaximumWidth(120);
     m_progress->setMaximumHeight(8);
     m_progress->setTextVisible(false);
+    m_progress->setRange(0, 1000);
+    m_progress->setAccessibleName(tr("Progress of the picture"));
+    m_progress->setToolTip(tr("How far the picture is; Esc stops it"));
     m_progress->hide();
+    m_pass->setObjectName(QStringLiteral("Muted"));
     foot->addWidget(m_name);
     foot->addWidget(m_values, 1);
+    foot->addWidget(m_pass);
     foot->addWidget(m_progress);
     m_values->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     m_values->setMinimumWidth(40);
@@ -107,14 +116,13 @@ void ViewerPanel::follow()
                 const OssGeoEntity *entity = m_source->entity();
                 m_object->setMesh(entity ? OssEvaluationService::instance()->mesh(entity)
                                          : nullptr);
-                m_progress->setVisible(!patches.isEmpty());
+                m_progress->setValue(0);
+                m_pass->clear();
+                m_progress->hide();
+                m_sinceBegin.start();
             });
     connect(m_source, &ViewerSource::tileArrived, m_pictures, &ViewerPictures::setTile);
-    connect(m_source, &ViewerSource::progressed, this, [this](int done, int total) {
-        m_progress->setMaximum(total);
-        m_progress->setValue(done);
-        m_progress->setVisible(done < total);
-    });
+    connect(m_source, &ViewerSource::progressed, this, &ViewerPanel::showProgress);
     connect(m_view, &UvView::focusMoved, m_source, &ViewerSource::setFocus);
     connect(m_view, &UvView::pointed, m_values, &QLabel::setText);
     m_pictures->setPaint(&m_session->buffer());
@@ -133,6 +141,15 @@ void ViewerPanel::follow()
     m_light->setChecked(m_object->isLit());
     connect(m_light, &QToolButton::toggled, m_object, &ObjectView::setLit);
     connect(m_object, &ObjectView::litChanged, m_light, &QToolButton::setChecked);
+}
+
+void ViewerPanel::showProgress(int thousandths, const QString &pass)
+{
+    const bool isRunning = thousandths < m_progress->maximum();
+    m_progress->setValue(thousandths);
+    // What is quick flickers under a hand that drags a value.
+    m_progress->setVisible(isRunning && m_sinceBegin.elapsed() > patience);
+    m_pass->setText(m_progress->isHidden() ? QString() : pass);
 }
 
 void ViewerPanel::addModes(QHBoxLayout *bar)
@@ -279,6 +296,14 @@ void ViewerPanel::applyLook()
     look.display = look.raw ? 0 : m_display->currentIndex();
     m_pictures->setLook(look);
     m_source->setLook(look);
+}
+
+void ViewerPanel::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Escape)
+        OssStatusManager::instance()->askToStop();
+    else
+        QWidget::keyPressEvent(event);
 }
 
 void ViewerPanel::resizeEvent(QResizeEvent *event)

@@ -2,6 +2,7 @@
 
 #include "Ossa/Viewer/ViewerPixels.h"
 
+#include <QElapsedTimer>
 #include <QWidget>
 
 class ObjectView;
@@ -29,6 +30,8 @@ public:
     explicit ViewerPanel(QWidget *parent = nullptr);
 
 protected:
+    /// Esc that no stroke takes stops what is computed, also where the palette floats.
+    void keyPressEvent(QKeyEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
@@ -40,6 +43,7 @@ private:
     QWidget *makeFoot();
     void addModes(QHBoxLayout *bar);
     void follow();
+    void showProgress(int thousandths, const QString &pass);
     void setMode(Mode mode);
     void setPainting(bool on);
     void followPaint();
@@ -59,7 +63,9 @@ private:
     QToolButton *m_paint;
     QLabel *m_name;
     QLabel *m_values;
+    QLabel *m_pass; ///< what is computed just now
     QProgressBar *m_progress;
+    QElapsedTimer m_sinceBegin;
     QComboBox *m_channels;
     QComboBox *m_resolution;
     QComboBox *m_display;

@@ -1,5 +1,6 @@
 #include "Ossa/Viewer/ViewerSource.h"
 
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssEvaluation/Schedule/OssEvPlan.h"
 #include "OssEvaluation/Values/OssEvPatch.h"
@@ -22,6 +23,7 @@ namespace {
 constexpr int lookInterval = 60;  // milliseconds
 constexpr int longestHold = 1000; // milliseconds
 constexpr int coarseResolution = 256;
+constexpr double coarseShare = 0.1; // of the work
 
 /// What the current network's viewer looks at.
 OssSnProducer viewed(const OssShaderNetwork *network)
@@ -51,6 +53,7 @@ ViewerSource::ViewerSource(QObject *parent)
         m_shown = {};
         m_dirty = true;
     });
+    connect(OssStatusManager::instance(), &OssStatusManager::stopAsked, this, &ViewerSource::halt);
     connect(&m_timer, &QTimer::timeout, this, &ViewerSource::look);
     m_timer.setInterval(lookInterval);
 }
@@ -175,6 +178,8 @@ void ViewerSource::start(const OssGeoEntity *entity)
     };
     m_coarseLeft = coarse ? patches.size() : 0;
     m_fineLeft = patches.size();
+    m_patches = patches.size();
+    m_told = 0;
     m_sinceStart.start();
     if (!coarse) {
         m_startFine();
@@ -230,7 +235,7 @@ void ViewerSource::startPatch(const OssSnEvaluationGraph &graph, const OssGeoEnt
               [=](ViewerSource *source) { source->finish(graph, resolution, outcome); });
     };
     m_running.append({OssEvaluationService::instance()->engine()->start(std::move(request)), patch,
-                      resolution, 0, 0});
+                      resolution, 0.0});
 }
 
 void ViewerSource::finish(const OssSnEvaluationGraph &graph, int resolution,
@@ -239,29 +244,49 @@ void ViewerSource::finish(const OssSnEvaluationGraph &graph, int resolution,
     if (!outcome.error.empty()) {
         const QString problem = QString::fromStdString(outcome.error);
         graph.tellProblem(outcome.node, problem);
+        stop(); // the other patches have the same fault
         Q_EMIT began({}, m_shown.node ? m_shown.node->name() : QString(), problem);
         return;
     }
-    if (outcome.ok() && resolution == m_resolution && --m_fineLeft == 0)
+    if (outcome.ok() && resolution == m_resolution && --m_fineLeft == 0) {
+        tellProgress(resolution);
         graph.tellSuccess();
+    }
     if (resolution < m_resolution && --m_coarseLeft == 0)
         m_startFine();
 }
 
 void ViewerSource::progress(int patch, int resolution, int done, int total)
 {
-    int allDone = 0;
-    int all = 0;
     for (Running &request : m_running) {
-        if (request.resolution != resolution)
-            continue;
-        if (request.patch == patch) {
-            request.done = std::max(request.done, done); // they come in any order
-            request.total = total;
-        }
-        allDone += request.done;
-        all += request.total;
+        if (request.resolution == resolution && request.patch == patch && total > 0)
+            request.done = std::max(request.done, double(done) / total); // they come in any order
     }
-    if (resolution == m_resolution)
-        Q_EMIT progressed(allDone, all);
+    tellProgress(resolution);
+}
+
+// A patch counts as much as any other, whether it is known by now how much there is to do for it.
+void ViewerSource::tellProgress(int resolution)
+{
+    const bool hasCoarse = m_resolution > coarseResolution;
+    double all = 0.0;
+    for (const Running &request : qAsConst(m_running)) {
+        const bool isCoarse = request.resolution < m_resolution;
+        all += request.done * (isCoarse ? coarseShare : hasCoarse ? 1.0 - coarseShare : 1.0);
+    }
+    const bool isDone = m_fineLeft == 0;
+    m_told = isDone ? 1000 : std::clamp(int(1000.0 * all / std::max(1, m_patches)), m_told, 999);
+    Q_EMIT progressed(m_told,
+                      resolution < m_resolution ? tr("preview") : tr("%1 pixels").arg(resolution));
+}
+
+void ViewerSource::halt()
+{
+    if (m_running.isEmpty() || m_told == 1000)
+        return;
+    stop();
+    m_told = 1000;
+    Q_EMIT progressed(m_told, {});
+    OssStatusManager::instance()->showMessage(
+        tr("The Viewer's picture was stopped. The next change begins it again."));
 }

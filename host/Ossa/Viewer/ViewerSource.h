@@ -49,6 +49,8 @@ public:
     void refresh();
     /// While off nothing is computed.
     void setActive(bool active);
+    /// Gives the picture up until something is another.
+    void halt();
 
 Q_SIGNALS:
     /// Another picture begins: these patches will come. `node` is what it is of; `problem` says why
@@ -58,7 +60,9 @@ Q_SIGNALS:
     /// the top.
     void tileArrived(int patch, int resolution, const QPoint &place, const QImage &picture,
                      const OssEvTilePointer &tile);
-    void progressed(int done, int total);
+    /// How far the picture is in thousandths, which only grow until the next one begins, and what is
+    /// computed now. 1000: nothing is, be it that the picture is there or that the user stopped it.
+    void progressed(int thousandths, const QString &pass);
 
 private:
     struct Shown
@@ -73,8 +77,7 @@ private:
         OssEvEngine::Id id;
         int patch;
         int resolution;
-        int done;
-        int total;
+        double done; ///< from 0 to 1
     };
 
     void look();
@@ -84,6 +87,7 @@ private:
     void follow(const OssSnEvaluationGraph &graph);
     void stop();
     void progress(int patch, int resolution, int done, int total);
+    void tellProgress(int resolution);
     void finish(const OssSnEvaluationGraph &graph, int resolution, const OssEvOutcome &outcome);
     /// From any thread: has it done on the GUI thread, unless another picture has begun by then, or
     /// the source is gone. Requests that were given up may still call.
@@ -102,6 +106,8 @@ private:
     int m_generation = 0;
     int m_coarseLeft = 0; ///< coarse patches that have not come yet
     int m_fineLeft = 0;
+    int m_patches = 0;
+    int m_told = 0; ///< thousandths
     QElapsedTimer m_sinceStart;
     std::function<void()> m_startFine;
     std::unique_ptr<QObject> m_follower; ///< receiver of the connections to the sources

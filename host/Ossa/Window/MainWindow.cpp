@@ -15,6 +15,7 @@
 #include "Ossa/Window/StatusArea.h"
 #include "Ossa/Window/WorkRecovery.h"
 #include "OssCore/Program/OssSettings.h"
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssInterface/Actions/OssShortcutManager.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssInterface/Popups/OssMessageBox.h"
@@ -24,6 +25,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QKeyEvent>
 #include <QMenuBar>
 #include <QVBoxLayout>
 
@@ -127,6 +129,14 @@ void MainWindow::closeEvent(QCloseEvent *event)
     saveLayout();
     event->accept();
     Q_EMIT closed();
+}
+
+void MainWindow::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Escape)
+        OssStatusManager::instance()->askToStop();
+    else
+        QMainWindow::keyPressEvent(event);
 }
 
 void MainWindow::fileViewCommands()

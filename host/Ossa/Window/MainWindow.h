@@ -38,6 +38,8 @@ Q_SIGNALS:
 
 protected:
     void closeEvent(QCloseEvent *event) override;
+    /// Esc that nothing else takes stops what is being computed.
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
     void fileViewCommands();

@@ -3,6 +3,7 @@
 #include "OssCore/Program/OssStatusManager.h"
 
 #include <QApplication>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
@@ -46,18 +47,16 @@ StatusArea::StatusArea(QWidget *parent)
     m_progress->setTextVisible(false);
     m_progress->setFixedWidth(180);
     m_progress->setAccessibleName(tr("Progress"));
-    m_stop->setToolTip(tr("Stop the work that is running"));
+    m_stop->setToolTip(tr("Stop the work that is running (Esc)"));
     for (QWidget *widget : {static_cast<QWidget *>(m_title), static_cast<QWidget *>(m_progress),
                             static_cast<QWidget *>(m_stop)}) {
         addPermanentWidget(widget);
         widget->hide();
     }
     auto *status = OssStatusManager::instance();
-    connect(m_stop, &QPushButton::clicked, this, [this, status] {
-        status->cancel();
-        m_stop->setEnabled(false);
-    });
+    connect(m_stop, &QPushButton::clicked, this, &StatusArea::stop);
     connect(status, &OssStatusManager::beginProcessing, this, &StatusArea::begin);
+    connect(status, &OssStatusManager::partChanged, this, &StatusArea::showPart);
     connect(status, &OssStatusManager::progressChanged, this, &StatusArea::showProgress);
     connect(status, &OssStatusManager::endProcessing, this, &StatusArea::end);
     connect(status, &OssStatusManager::messageShown, this,
@@ -68,6 +67,9 @@ bool StatusArea::eventFilter(QObject *watched, QEvent *event)
 {
     if (!isInput(event->type()))
         return false;
+    if (event->type() == QEvent::KeyPress
+        && static_cast<const QKeyEvent *>(event)->key() == Qt::Key_Escape)
+        stop();
     // Windows are let through: they hand the event on to a widget, which is looked at then. Keys of
     // commands arrive at the commands themselves.
     const bool forStop = watched == m_stop && event->type() != QEvent::Shortcut;
@@ -81,12 +83,25 @@ void StatusArea::begin(const QString &title)
 {
     m_running.start();
     m_sinceEvents.start();
-    m_title->setText(title);
+    m_work = title;
+    showPart({});
     m_progress->setRange(0, 0);
     m_stop->setEnabled(true);
     m_title->show();
     m_progress->show();
     m_stop->show();
+}
+
+void StatusArea::showPart(const QString &part)
+{
+    m_title->setText(part.isEmpty() || m_work.contains(part) ? m_work
+                                                             : tr("%1: %2").arg(m_work, part));
+}
+
+void StatusArea::stop()
+{
+    OssStatusManager::instance()->cancel();
+    m_stop->setEnabled(false);
 }
 
 void StatusArea::showProgress(int done, int total)

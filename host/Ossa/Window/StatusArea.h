@@ -11,7 +11,8 @@ class QPushButton;
 /// far it is, and a Stop button.
 ///
 /// Work that runs on the GUI thread blocks the event loop. Once it has taken half a second the bar
-/// lets events through at each step of progress, but of keys and clicks only those for Stop.
+/// lets events through at each step of progress, but of keys and clicks only those for Stop, and Esc,
+/// which does the same.
 class StatusArea : public QStatusBar
 {
     Q_OBJECT
@@ -24,9 +25,13 @@ protected:
 
 private:
     void begin(const QString &title);
+    void showPart(const QString &part);
     void showProgress(int done, int total);
     void end();
     void letStopThrough();
+    void stop();
+
+    QString m_work;
 
     QLabel *m_title;
     QProgressBar *m_progress;

@@ -3,6 +3,7 @@
 #include "Ossa/Commands/RecentProjects.h"
 #include "Ossa/Common/ApplicationPreferences.h"
 #include "Ossa/Window/StatusArea.h"
+#include "Ossa/Window/WelcomePanel.h"
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssInterface/Actions/OssMenu.h"
 #include "OssInterface/Popups/OssApplication.h"
@@ -10,10 +11,13 @@
 #include "support/InterfaceUser.h"
 #include "WindowFixture.h"
 
+#include <QDragEnterEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMainWindow>
 #include <QMenuBar>
+#include <QMimeData>
 #include <QPointer>
 #include <QProgressBar>
 #include <QPushButton>
@@ -202,6 +206,57 @@ TEST_F(Window, namesAreShownAsTheyWereTyped)
     projects()->currentProject()->setName(text("a[*]b"));
     ASSERT_TRUE(projects()->saveProject());
     EXPECT_TRUE(window->windowTitle().startsWith(text("a[*][*]b")));
+}
+
+TEST_F(Window, withoutAProjectTheGraphsPlaceSaysHowToGoOn)
+{
+    ASSERT_TRUE(projects()->saveProjectAs(path("wall.ossa")));
+    window->openAtStart(path("wall.ossa"));
+    const auto *welcome = window->findChild<WelcomePanel *>();
+    EXPECT_FALSE(welcome->isVisible());
+    EXPECT_TRUE(graph->isEnabled());
+    graph->setFocus();
+    for (const bool byMouse : {true, false}) {
+        command("File/Close")->trigger();
+        EXPECT_TRUE(welcome->isVisible());
+        EXPECT_EQ(welcome->geometry(), graph->geometry());
+        EXPECT_FALSE(graph->isEnabled()) << "what it covers takes no input";
+        auto *recent = welcome->findChild<QListWidget *>();
+        ASSERT_TRUE(recent->item(0)->text().startsWith(text("wall\n")));
+        if (byMouse)
+            QTest::mouseClick(recent->viewport(), Qt::LeftButton, {},
+                              recent->visualItemRect(recent->item(0)).center());
+        else
+            QTest::keyClick(recent, Qt::Key_Return);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !welcome->isVisible(); }));
+        EXPECT_EQ(projects()->currentProject()->path(), path("wall.ossa"));
+        EXPECT_TRUE(graph->isEnabled());
+    }
+    command("File/Close")->trigger();
+    delete graph;
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    graph = make("Node Graph", "node_graph_palette");
+    EXPECT_TRUE(window->findChild<WelcomePanel *>()->isVisible())
+        << "also over one that comes late";
+    EXPECT_FALSE(graph->isEnabled());
+}
+
+TEST_F(Window, aProjectThatIsDroppedIsOpened)
+{
+    ASSERT_TRUE(projects()->saveProjectAs(path("wall.ossa")));
+    projects()->closeProject();
+    for (const char *name : {"", "wall.ossa"}) {
+        QMimeData data;
+        data.setUrls({QUrl::fromLocalFile(path(name))});
+        QDragEnterEvent enter({9, 9}, Qt::CopyAction, &data, Qt::LeftButton, {});
+        enter.ignore();
+        QApplication::sendEvent(window.get(), &enter);
+        EXPECT_EQ(enter.isAccepted(), *name != 0) << name;
+        QDropEvent drop({9, 9}, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QApplication::sendEvent(window.get(), &drop);
+        QCoreApplication::processEvents();
+        EXPECT_EQ(projects()->currentProject() != nullptr, *name != 0);
+    }
 }
 
 TEST_F(Window, menusWithoutCommandsAreNotThere)

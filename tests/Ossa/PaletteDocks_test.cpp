@@ -104,7 +104,6 @@ TEST_F(Docks, palettesHaveTheirPlacesAtFirstAndAfterAReset)
 
 TEST_F(Docks, theMenuSaysWhatIsOpen)
 {
-    const ExpectedLog floating("This plugin does not support");
     extra = make("Extra", "extra_palette", false);
     const QStringList first{text("Node Graph"), text("Viewer"), text("Node Properties"),
                             text("History"), text("Log")};

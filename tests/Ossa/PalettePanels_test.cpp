@@ -5,8 +5,10 @@
 #include "Ossa/Palettes/ImagesPanel.h"
 #include "Ossa/Palettes/LogModel.h"
 #include "Ossa/Palettes/LogPanel.h"
+#include "Ossa/Palettes/ProblemsPanel.h"
 #include "OssModel/Images/OssImage.h"
 #include "OssModel/Images/OssImageManager.h"
+#include "OssModel/Nodes/OssProblems.h"
 #include "support/DialogAnswers.h"
 #include "support/InterfaceUser.h"
 #include "support/ModelFixture.h"
@@ -25,10 +27,11 @@
 #include <QSignalSpy>
 #include <QStandardItemModel>
 #include <QTemporaryDir>
+#include <QTreeWidget>
 
 #include <thread>
 
-// The panels of images, of the history and of the log.
+// The panels of images, of the history, of the log and of problems.
 
 namespace {
 
@@ -117,6 +120,34 @@ protected:
     std::unique_ptr<LogPanel> panel;
     QListView *view = nullptr;
 };
+
+/// The panel over an open project.
+class ProblemsList : public ModelFixture
+{};
+
+TEST_F(ProblemsList, listsWhatIsWrongAndLeadsThere)
+{
+    ProblemsPanel panel;
+    const auto *list = panel.findChild<QTreeWidget *>();
+    EXPECT_TRUE(list->isHidden());
+    OssSnBaseNode *blur = add("Filter/Blur", "Salt & Pepper");
+    OssProblems::instance()->report(blur, OssProblems::Evaluation, text("one\ntwo"));
+    ASSERT_EQ(list->topLevelItemCount(), 1);
+    EXPECT_FALSE(list->isHidden());
+    EXPECT_EQ(list->topLevelItem(0)->text(0), text("Salt & Pepper"));
+    EXPECT_EQ(list->topLevelItem(0)->text(1), text("one; two"));
+    auto *networks = OssShaderNetworkManager::instance();
+    m_project->addEntity(text("Other"));
+    networks->setCurrentShaderNetwork(m_project->shadingGroups().last()->network());
+    QSignalSpy focus(networks, &OssShaderNetworkManager::focusOnNodeRequest);
+    QSignalSpy goes(blur, &OssSnBaseNode::gotoNode);
+    Q_EMIT const_cast<QTreeWidget *>(list)->itemActivated(list->topLevelItem(0), 1);
+    EXPECT_EQ(focus.size(), 1);
+    EXPECT_EQ(goes.size(), 1);
+    EXPECT_EQ(networks->currentShaderNetwork(), m_network);
+    OssProblems::instance()->report(blur, OssProblems::Evaluation, {});
+    EXPECT_TRUE(list->isHidden());
+}
 
 } // namespace
 

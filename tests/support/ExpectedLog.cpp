@@ -20,6 +20,8 @@ bool isNoise(const QString &text)
         // The platform "offscreen" has no window manager.
         "This plugin does not support propagateSizeHints()",
         "This plugin does not support raise()",
+        "This plugin does not support lower()",
+        "This plugin does not support setParent!",
         "This plugin does not support grabbing the keyboard",
         // Machines that nobody is logged in at have no such folder.
         "QStandardPaths: XDG_RUNTIME_DIR not set",

@@ -4,6 +4,7 @@
 #include "Ossa/Palettes/ImagesPanel.h"
 #include "Ossa/Palettes/LogPanel.h"
 #include "Ossa/Palettes/NodeTypesPanel.h"
+#include "Ossa/Palettes/ProblemsPanel.h"
 #include "Ossa/Scripting/ConsolePanel.h"
 #include "Ossa/Viewer/ViewerPanel.h"
 #include "OssCore/Program/OssIcon.h"
@@ -40,6 +41,7 @@ const Row table[] = {
     {{"history_palette", ads::CenterDockWidgetArea, "node_properties_palette"}, QT_TRANSLATE_NOOP("HostPalettes", "History"), "History.png", false, make<HistoryPanel>},
     {{"log_palette", ads::BottomDockWidgetArea, "node_graph_palette"}, QT_TRANSLATE_NOOP("HostPalettes", "Log"), "Log.png", false, make<LogPanel>},
     {{"script_console_palette", ads::CenterDockWidgetArea, "log_palette"}, QT_TRANSLATE_NOOP("HostPalettes", "Script Console"), "ScriptConsole.png", false, make<ConsolePanel>},
+    {{"problems_palette", ads::CenterDockWidgetArea, "log_palette"}, QT_TRANSLATE_NOOP("HostPalettes", "Problems"), "Problems.png", false, make<ProblemsPanel>},
 };
 // clang-format on
 

@@ -13,6 +13,7 @@
 #include "Ossa/Window/NotificationBar.h"
 #include "Ossa/Window/PaletteDocks.h"
 #include "Ossa/Window/StatusArea.h"
+#include "Ossa/Window/WelcomePanel.h"
 #include "Ossa/Window/WorkRecovery.h"
 #include "OssCore/Program/OssSettings.h"
 #include "OssCore/Program/OssStatusManager.h"
@@ -20,13 +21,19 @@
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssInterface/Popups/OssMessageBox.h"
 #include "OssModel/Project/OssProject.h"
+#include "OssModel/Project/OssProjectFile.h"
 #include "OssModel/Project/OssProjectManager.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDir>
+#include <QDropEvent>
+#include <QFileInfo>
 #include <QKeyEvent>
 #include <QMenuBar>
+#include <QMimeData>
+#include <QUrl>
 #include <QVBoxLayout>
 
 namespace {
@@ -34,6 +41,18 @@ namespace {
 const QString geometryKey = QStringLiteral("MainWindow/geometry");
 const QString thumbnailsKey = QStringLiteral("MainWindow/NodeThumbnails");
 const QSize firstSize(1400, 880);
+
+/// The project that is dragged; empty when it is anything else.
+QString projectIn(const QMimeData *data)
+{
+    const QList<QUrl> urls = data->urls();
+    if (urls.size() != 1 || !urls.first().isLocalFile())
+        return {};
+    const QFileInfo file(QDir::cleanPath(urls.first().toLocalFile()));
+    return file.isDir() && QFileInfo::exists(OssProjectFile::documentPath(file.filePath()))
+               ? file.filePath()
+               : QString();
+}
 
 } // namespace
 
@@ -61,6 +80,10 @@ MainWindow::MainWindow()
     fileViewCommands();
     fileHelpCommands();
     new MainMenus(menuBar()); // owned by the menu bar
+    m_welcome = new WelcomePanel(this);
+    m_welcome->hide();
+    connect(m_welcome, &WelcomePanel::projectChosen, this, &MainWindow::openSoon);
+    setAcceptDrops(true);
     connect(m_project, &ProjectCommands::projectStateChanged, this, &MainWindow::refreshTitle);
     refreshTitle();
     resize(Theme::fitting(firstSize));
@@ -131,6 +154,28 @@ void MainWindow::closeEvent(QCloseEvent *event)
     Q_EMIT closed();
 }
 
+void MainWindow::openSoon(const QString &path)
+{
+    // Not while whoever was clicked or dropped on has its say: it may be gone then.
+    QMetaObject::invokeMethod(
+        this, [this, path] { m_project->open(path); }, Qt::QueuedConnection);
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (!projectIn(event->mimeData()).isEmpty())
+        event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent *event)
+{
+    const QString path = projectIn(event->mimeData());
+    if (path.isEmpty())
+        return;
+    event->acceptProposedAction();
+    openSoon(path);
+}
+
 void MainWindow::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() == Qt::Key_Escape)
@@ -185,6 +230,7 @@ void MainWindow::refreshTitle()
     // "[*]" is where Qt puts the mark of changes; twice it stands for itself.
     const QString mark = QStringLiteral("[*]");
     const QString name = project ? project->name().replace(mark, mark + mark) : QString();
+    m_docks->coverGraph(m_welcome, !project);
     setWindowTitle(project ? tr("%1[*] \u2013 Ossa").arg(name) : tr("Ossa"));
 }
 

@@ -3,10 +3,12 @@
 #include "Ossa/Plugins/PluginLoader.h"
 
 #include <QMainWindow>
+#include <QPointer>
 
 class NotificationBar;
 class PaletteDocks;
 class ProjectCommands;
+class WelcomePanel;
 class WorkRecovery;
 
 /// The application's window: menus, docked palettes, status bar. Only one at a time.
@@ -38,6 +40,9 @@ Q_SIGNALS:
 
 protected:
     void closeEvent(QCloseEvent *event) override;
+    /// A project's folder that is dropped anywhere is opened.
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
     /// Esc that nothing else takes stops what is being computed.
     void keyPressEvent(QKeyEvent *event) override;
 
@@ -47,10 +52,12 @@ private:
     void showCommandPalette();
     void showAbout();
     void refreshTitle();
+    void openSoon(const QString &path);
     void saveLayout() const;
 
     NotificationBar *m_notifications;
     PaletteDocks *m_docks;
     ProjectCommands *m_project;
     WorkRecovery *m_recovery;
+    QPointer<WelcomePanel> m_welcome; ///< owned by the docks or the window
 };

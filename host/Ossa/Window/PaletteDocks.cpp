@@ -14,6 +14,7 @@
 #include <qtadvanceddocking/IconProvider.h>
 
 #include <QAction>
+#include <QApplication>
 #include <QEvent>
 #include <QMainWindow>
 #include <QSplitter>
@@ -125,6 +126,7 @@ PaletteDocks::PaletteDocks(QMainWindow *window)
 
 PaletteDocks::~PaletteDocks()
 {
+    releaseCover();
     // Palettes are the palette manager's: they leave the docks before the docks go.
     for (auto entry = m_docks.cbegin(); entry != m_docks.cend(); ++entry) {
         disconnect(entry.key(), nullptr, this, nullptr);
@@ -208,8 +210,49 @@ void PaletteDocks::resetLayout()
     sizeAreas();
 }
 
+void PaletteDocks::coverGraph(QWidget *cover, bool on)
+{
+    m_cover = cover;
+    m_isCovered = on;
+    placeCover();
+}
+
+void PaletteDocks::placeCover()
+{
+    OssPalette *graph = OssPaletteManager::instance()->find(
+        QString::fromLatin1(HostPalettes::places().front().helpKey), false);
+    ads::CDockWidget *dock = m_docks.value(graph);
+    if (!m_cover || !dock)
+        return;
+    const bool hadFocus = graph->isAncestorOf(QApplication::focusWidget())
+                          || m_cover->isAncestorOf(QApplication::focusWidget());
+    graph->setEnabled(!m_isCovered);
+    graph->installEventFilter(this);
+    if (m_cover->parentWidget() != dock)
+        m_cover->setParent(dock);
+    m_cover->setGeometry(graph->geometry());
+    m_cover->setVisible(m_isCovered);
+    m_cover->raise();
+    if (hadFocus)
+        (m_isCovered ? m_cover : graph)->setFocus();
+}
+
+void PaletteDocks::releaseCover()
+{
+    if (!m_cover)
+        return;
+    m_cover->hide();
+    m_cover->setParent(m_window);
+    if (OssPalette *graph = OssPaletteManager::instance()->find(
+            QString::fromLatin1(HostPalettes::places().front().helpKey), false))
+        graph->setEnabled(true);
+}
+
 bool PaletteDocks::eventFilter(QObject *watched, QEvent *event)
 {
+    if (watched != m_window && (event->type() == QEvent::Resize || event->type() == QEvent::Move)
+        && m_cover)
+        m_cover->setGeometry(static_cast<QWidget *>(watched)->geometry());
     // Shares hold once the window has its size.
     if (watched == m_window && event->type() == QEvent::Show && m_state.isEmpty())
         QMetaObject::invokeMethod(this, &PaletteDocks::sizeAreas, Qt::QueuedConnection);
@@ -243,8 +286,10 @@ void PaletteDocks::dock(OssPalette *palette)
     toggle->setMenuRole(QAction::NoRole);
     OssActionTreeManager::setName(toggle, palette->identity());
     OssActionTreeManager::instance()->registerAction(paletteFolder, toggle);
-    if (palette->contextHelpKey() == QLatin1String(HostPalettes::places().front().helpKey))
+    if (palette->contextHelpKey() == QLatin1String(HostPalettes::places().front().helpKey)) {
         OssShortcutManager::instance()->setScope(graphFolder, palette);
+        placeCover();
+    }
 }
 
 void PaletteDocks::place(OssPalette *palette, ads::CDockWidget *dock)
@@ -300,6 +345,8 @@ void PaletteDocks::showPalette(const OssPalette *palette)
 void PaletteDocks::removeDock(QObject *palette)
 {
     if (ads::CDockWidget *dock = m_docks.take(palette)) {
+        if (m_cover && m_cover->parentWidget() == dock)
+            releaseCover();
         m_manager->removeDockWidget(dock);
         dock->deleteLater();
     }

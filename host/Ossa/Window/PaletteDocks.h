@@ -2,6 +2,7 @@
 
 #include <QHash>
 #include <QObject>
+#include <QPointer>
 #include <QStringList>
 
 class OssPalette;
@@ -28,6 +29,10 @@ public:
     /// The layout that a new user gets.
     void resetLayout();
 
+    /// Puts a widget in the place of the graph, which takes no input then, or takes it away again.
+    /// The docks own it until they go; then it is the window's.
+    void coverGraph(QWidget *cover, bool on);
+
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
@@ -39,6 +44,8 @@ private:
     void makeRoom(const ads::CDockWidget *dock);
     void showPalette(const OssPalette *palette);
     void removeDock(QObject *palette);
+    void placeCover();
+    void releaseCover();
 
     QMainWindow *m_window;
     ads::CDockManager *m_manager; ///< owned by the window
@@ -46,4 +53,6 @@ private:
     /// Of the last session: palettes that come late find their place in it, if they were there.
     QByteArray m_state;
     QStringList m_stateNames;
+    QPointer<QWidget> m_cover; ///< of the graph
+    bool m_isCovered = false;
 };

@@ -1,12 +1,17 @@
 #include "Ossa/Window/StatusArea.h"
 
+#include "OssCore/Program/OssIcon.h"
 #include "OssCore/Program/OssStatusManager.h"
+#include "OssInterface/Palettes/OssPalette.h"
+#include "OssInterface/Palettes/OssPaletteManager.h"
+#include "OssModel/Nodes/OssProblems.h"
 
 #include <QApplication>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QToolButton>
 
 namespace {
 
@@ -42,6 +47,7 @@ StatusArea::StatusArea(QWidget *parent)
     , m_title(new QLabel(this))
     , m_progress(new QProgressBar(this))
     , m_stop(new QPushButton(tr("Stop"), this))
+    , m_problems(new QToolButton(this))
 {
     setSizeGripEnabled(false);
     m_progress->setTextVisible(false);
@@ -53,6 +59,18 @@ StatusArea::StatusArea(QWidget *parent)
         addPermanentWidget(widget);
         widget->hide();
     }
+    m_problems->setObjectName(QStringLiteral("Problems"));
+    m_problems->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    m_problems->setIcon(OssIcon::createIconFromFilename(QStringLiteral("Problems.png")));
+    m_problems->setToolTip(tr("Show what is wrong with nodes"));
+    addPermanentWidget(m_problems);
+    connect(m_problems, &QToolButton::clicked, this, [] {
+        if (OssPalette *palette = OssPaletteManager::instance()->find(
+                QStringLiteral("problems_palette")))
+            palette->showBySidebar();
+    });
+    connect(OssProblems::instance(), &OssProblems::changed, this, &StatusArea::showProblems);
+    showProblems();
     auto *status = OssStatusManager::instance();
     connect(m_stop, &QPushButton::clicked, this, &StatusArea::stop);
     connect(status, &OssStatusManager::beginProcessing, this, &StatusArea::begin);
@@ -96,6 +114,13 @@ void StatusArea::showPart(const QString &part)
 {
     m_title->setText(part.isEmpty() || m_work.contains(part) ? m_work
                                                              : tr("%1: %2").arg(m_work, part));
+}
+
+void StatusArea::showProblems()
+{
+    const int count = OssProblems::instance()->problems().size();
+    m_problems->setText(count == 1 ? tr("1 problem") : tr("%1 problems").arg(count));
+    m_problems->setVisible(count > 0);
 }
 
 void StatusArea::stop()

@@ -6,9 +6,10 @@
 class QLabel;
 class QProgressBar;
 class QPushButton;
+class QToolButton;
 
 /// The status bar: what just happened at the left; at the right, while work runs, its title, how
-/// far it is, and a Stop button.
+/// far it is, and a Stop button; and how many problems nodes have, when there are any.
 ///
 /// Work that runs on the GUI thread blocks the event loop. Once it has taken half a second the bar
 /// lets events through at each step of progress, but of keys and clicks only those for Stop, and Esc,
@@ -25,6 +26,7 @@ protected:
 
 private:
     void begin(const QString &title);
+    void showProblems();
     void showPart(const QString &part);
     void showProgress(int done, int total);
     void end();
@@ -36,6 +38,7 @@ private:
     QLabel *m_title;
     QProgressBar *m_progress;
     QPushButton *m_stop;
+    QToolButton *m_problems;
     QElapsedTimer m_running;
     QElapsedTimer m_sinceEvents;
     bool m_inEvents = false;

@@ -1,0 +1,144 @@
+#include "Ossa/Window/WelcomePanel.h"
+
+#include "Ossa/Commands/RecentProjects.h"
+#include "OssCore/Program/OssIcon.h"
+#include "OssCore/Program/OssResourceInfo.h"
+#include "OssInterface/Actions/OssActionTreeManager.h"
+
+#include <QAction>
+#include <QDir>
+#include <QFileInfo>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr int PathRole = Qt::UserRole;
+constexpr int MostWidth = 760;
+constexpr int MostHeight = 460;
+constexpr QSize PictureSize(64, 40);
+
+void addRow(QListWidget *list, const QString &path, const QString &explanation, const QIcon &icon)
+{
+    const QString name = QFileInfo(path).completeBaseName();
+    auto *row = new QListWidgetItem(
+        icon, explanation.isEmpty() ? name : name + QLatin1Char('\n') + explanation, list);
+    row->setData(PathRole, path);
+    row->setToolTip(QDir::toNativeSeparators(path));
+}
+
+} // namespace
+
+WelcomePanel::WelcomePanel(QWidget *parent)
+    : QWidget(parent)
+{
+    setAutoFillBackground(true);
+    auto *title = new QLabel(tr("No project is open"), this);
+    QFont large = title->font();
+    large.setPointSizeF(large.pointSizeF() * 1.6);
+    title->setFont(large);
+    auto *hint = new QLabel(tr("Begin a new one, open one, or drop a project's folder here."),
+                            this);
+    hint->setObjectName(QStringLiteral("Muted"));
+    auto *buttons = new QHBoxLayout;
+    addButton(QStringLiteral("/Ossa/File/New"), buttons);
+    addButton(QStringLiteral("/Ossa/File/Open..."), buttons);
+    buttons->addStretch(1);
+    auto *recent = new QVBoxLayout;
+    m_recent = addList(tr("Opened last"), recent);
+    auto *examples = new QVBoxLayout;
+    m_examples = addList(tr("Examples"), examples);
+    m_examples->setIconSize(PictureSize);
+    auto *lists = new QHBoxLayout;
+    lists->setSpacing(16);
+    lists->addLayout(recent, 3);
+    lists->addLayout(examples, 2);
+
+    auto *column = new QWidget(this);
+    column->setMaximumSize(MostWidth, MostHeight);
+    auto *layout = new QVBoxLayout(column);
+    layout->setSpacing(10);
+    layout->addWidget(title);
+    layout->addWidget(hint);
+    layout->addLayout(buttons);
+    layout->addLayout(lists, 1);
+    auto *around = new QHBoxLayout(this);
+    around->addWidget(column);
+}
+
+void WelcomePanel::addButton(const QString &command, QLayout *layout)
+{
+    QAction *action = OssActionTreeManager::instance()->findAction(command);
+    if (!action)
+        return;
+    auto *button = new QPushButton(action->text(), this);
+    button->setToolTip(action->toolTip());
+    connect(button, &QPushButton::clicked, action, &QAction::trigger);
+    layout->addWidget(button);
+}
+
+QListWidget *WelcomePanel::addList(const QString &title, QVBoxLayout *layout)
+{
+    auto *heading = new QLabel(title, this);
+    heading->setObjectName(QStringLiteral("Muted"));
+    auto *list = new QListWidget(this);
+    list->setAccessibleName(title);
+    list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    list->setTextElideMode(Qt::ElideMiddle);
+    connect(list, &QListWidget::itemClicked, this, &WelcomePanel::choose);
+    connect(list, &QListWidget::itemActivated, this, &WelcomePanel::choose);
+    layout->addWidget(heading);
+    layout->addWidget(list, 1);
+    return list;
+}
+
+void WelcomePanel::refresh()
+{
+    m_recent->clear();
+    const QStringList recent = RecentProjects::list();
+    for (const QString &path : recent)
+        addRow(m_recent, path, QDir::toNativeSeparators(QFileInfo(path).path()), {});
+    if (recent.isEmpty()) {
+        auto *none = new QListWidgetItem(tr("None yet"), m_recent);
+        none->setFlags(Qt::NoItemFlags);
+    }
+    m_examples->clear();
+    const QDir folder(OssResourceInfo::instance()->examplePath());
+    const QFileInfoList examples = folder.entryInfoList({QStringLiteral("*.ossa")}, QDir::Dirs,
+                                                        QDir::Name);
+    for (const QFileInfo &example : examples) {
+        const QString picture = folder.filePath(example.completeBaseName() + QLatin1String(".png"));
+        addRow(m_examples, example.absoluteFilePath(), {},
+               QFileInfo::exists(picture)
+                   ? QIcon(picture)
+                   : OssIcon::createIconFromFilename(QStringLiteral("NodeGraph.png")));
+    }
+    firstList()->setCurrentRow(0);
+}
+
+QListWidget *WelcomePanel::firstList() const
+{
+    return m_recent->item(0)->flags() == Qt::NoItemFlags ? m_examples : m_recent;
+}
+
+void WelcomePanel::choose(const QListWidgetItem *row)
+{
+    const QString path = row->data(PathRole).toString();
+    // A double click is a click and more.
+    if (!path.isEmpty() && isVisible())
+        Q_EMIT projectChosen(path);
+}
+
+void WelcomePanel::showEvent(QShowEvent *event)
+{
+    refresh();
+    QWidget::showEvent(event);
+}
+
+void WelcomePanel::focusInEvent(QFocusEvent *)
+{
+    firstList()->setFocus();
+}

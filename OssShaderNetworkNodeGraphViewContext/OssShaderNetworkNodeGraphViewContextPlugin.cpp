@@ -10,6 +10,7 @@
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssShaderNetworkView.h"
 #include "OssSnNodeGraphViewContextManager.h"
 #include "ZelGL/ZelTextureToken.h"
@@ -144,6 +145,9 @@ OssShaderNetworkView *OssShaderNetworkNodeGraphViewContextPlugin::currentShaderN
     if (auto *focused = qobject_cast<OssShaderNetworkView *>(QApplication::focusWidget()))
         return focused;
     OssShaderNetworkView *view = OssSnNodeGraphViewContextManager::instance()->currentView();
+    const OssShaderNetwork *network = view ? view->network() : nullptr;
+    const OssSnGroupNode *group = network ? network->parentGroupNode() : nullptr;
+    OssDebugName(view, group ? group->path() : view ? tr("Root") : tr("(none)"));
     OssDebug(Source, __LINE__,
              "[ !! ] Could not get the current active widget, fallback onto current nodegraph "
              "view %p",

@@ -2,6 +2,7 @@
 
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Undo/OssUndoManager.h"
+#include "OssInterface/Actions/OssMenu.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
@@ -62,9 +63,26 @@ void setNode(QTreeWidgetItem *row, int column, OssSnBaseNode *node)
 void setDated(QTreeWidgetItem *row, const QString &hash, const QString &date)
 {
     row->setText(Hash, hash);
+    row->setToolTip(Hash, hash);
     row->setData(Hash, Qt::UserRole, hash);
     row->setText(Date, date.isEmpty() ? OssShaderNetworkUpgradeView::tr("<EMPTY>") : date);
     row->setData(Date, Qt::UserRole, date);
+}
+
+/// All types by their keys: first those that nodes can become.
+void fillConversions(QMenu *menu)
+{
+    const OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
+    QStringList keys = networks->nodePathKeys();
+    keys.sort();
+    std::stable_partition(keys.begin(), keys.end(), [networks](const QString &key) {
+        return networks->canConvertToKeyPath(key);
+    });
+    for (const QString &key : qAsConst(keys)) {
+        QAction *action = menu->addAction(OssMenu::asTyped(key));
+        action->setData(key);
+        action->setEnabled(networks->canConvertToKeyPath(key));
+    }
 }
 
 bool isInDocument(const OssSnBaseNode *node)
@@ -157,6 +175,8 @@ QTreeWidgetItem *OssShaderNetworkUpgradeView::addVersionRow(const QString &versi
     auto *row = new QTreeWidgetItem; // the tree takes it
     row->setText(UUID, versionUUID.isEmpty() ? Empty : versionUUID);
     row->setText(Hash, hash.isEmpty() ? Empty : hash);
+    row->setToolTip(Hash, hash);
+    row->setToolTip(UUID, row->text(UUID));
     row->setText(Date, date);
     for (const StateColor &state : StateColors)
         row->setForeground(state.column, state.color);
@@ -216,10 +236,7 @@ void OssShaderNetworkUpgradeView::onTreeWidgetCustomContextMenuRequested(QPoint 
                                         {Custom, menu.addAction(tr("Custom"))}};
     const QAction *dump = menu.addAction(tr("Dump"));
     QMenu *convert = menu.addMenu(tr("Convert To"));
-    QStringList keys = OssShaderNetworkManager::instance()->nodePathKeys();
-    keys.sort();
-    for (const QString &key : qAsConst(keys))
-        convert->addAction(key);
+    fillConversions(convert);
     if (QAction *active = upgrades.value(m_enteredColumn))
         menu.setActiveAction(active);
     QAction *chosen = menu.exec(m_tree->viewport()->mapToGlobal(pos));
@@ -228,7 +245,7 @@ void OssShaderNetworkUpgradeView::onTreeWidgetCustomContextMenuRequested(QPoint 
     if (chosen == dump)
         dumpRows(item);
     else if (convert->actions().contains(chosen))
-        convertSelectedRows(chosen->text());
+        convertSelectedRows(chosen->data().toString());
     else
         upgradeRows(item, upgrades.key(chosen, -1));
 }

@@ -6,6 +6,7 @@
 #include "Manager/SelectionCommands.h"
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Undo/OssUndoManager.h"
+#include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
@@ -230,6 +231,8 @@ void OssSnNodeGraphViewContextManager::onShaderNetworkAdded(OssShaderNetwork *Ne
 {
     if (!m_nodeGraphWidget)
         return;
+    const OssGeoEntity *entity = Network ? Network->geoEntity() : nullptr;
+    OssDebugName(Network, entity ? entity->name() : tr("(none)"));
     OssDebug(Source, __LINE__, "[ -- ] About to recompile shader network %p",
              static_cast<void *>(Network));
     OssShaderNetworkManager::instance()->refreshGraph(Network);

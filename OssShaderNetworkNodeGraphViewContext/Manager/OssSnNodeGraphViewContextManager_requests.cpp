@@ -5,6 +5,7 @@
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Program/OssIcon.h"
 #include "OssCore/Program/OssResourceInfo.h"
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/Actions/OssCommandTable.h"
@@ -141,8 +142,16 @@ void OssSnNodeGraphViewContextManager::createShakeAction()
     action->setObjectName(OssActionTreeManager::nameOf(path));
     action->setToolTip(action->statusTip());
     action->setWhatsThis(action->statusTip());
-    connect(action, &QAction::triggered, this,
-            &OssSnNodeGraphViewContextManager::toggleShakeToExtractEnabled);
+    action->setCheckable(true);
+    action->setChecked(shakeToExtractEnabled());
+    connect(this, &OssSnNodeGraphViewContextManager::shakeToExtractEnabledChanged, action,
+            &QAction::setChecked);
+    connect(action, &QAction::triggered, this, [this] {
+        toggleShakeToExtractEnabled();
+        OssStatusManager::instance()->showMessage(
+            shakeToExtractEnabled() ? tr("Shaking selected nodes takes them out of their streams")
+                                    : tr("Shaking nodes only moves them"));
+    });
     OssActionTreeManager::instance()->registerAction(QStringLiteral("Ossa/NodeGraph/"), action);
 }
 

@@ -46,6 +46,8 @@ void PlacingView::placeNode(OssSnBaseNode *node)
         const OssNgNode *other = overlapped(guiNode);
         if (!other)
             break;
+        OssDebugName(other, other->text());
+        OssDebugName(guiNode, guiNode->text());
         OssDebug(Source, __LINE__,
                  "[ -- ] Found overlapping node %p, '%s', will relocate THIS node (%p, '%s') ",
                  static_cast<const void *>(other), qPrintable(other->text()),

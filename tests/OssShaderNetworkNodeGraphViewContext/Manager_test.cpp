@@ -2,6 +2,7 @@
 #include "GraphUser.h"
 #include "OssCore/Program/OssPreferenceManager.h"
 #include "OssCore/Program/OssSettings.h"
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssInterface/Palettes/OssPalette.h"
 #include "OssInterface/Palettes/OssPaletteManager.h"
 #include "OssModel/Nodes/OssSnChannelInputNode.h"
@@ -373,6 +374,18 @@ TEST_F(ManagerTest, palettesComeToTheFrontAndCommandsAreFiled)
     for (const char *path :
          {"Autoplace", "Delete All Properties", "Shake To Extract", "Switch to Expanded mode"})
         EXPECT_NE(graphAction(path), nullptr) << path;
+    QAction *shake = graphAction("Shake To Extract");
+    QSignalSpy told(OssStatusManager::instance(), &OssStatusManager::messageShown);
+    for (int turn = 0; turn < 2; ++turn) {
+        EXPECT_EQ(shake->isChecked(), m_manager->shakeToExtractEnabled());
+        const bool before = shake->isChecked();
+        shake->trigger();
+        EXPECT_NE(m_manager->shakeToExtractEnabled(), before);
+        EXPECT_EQ(told.size(), turn + 1);
+    }
+    m_manager->setShakeToExtractEnabled(false);
+    EXPECT_FALSE(shake->isChecked()) << "whoever changed it";
+    m_manager->resetShakeToExtractEnabled();
     m_manager->onGroupPortNodeMoved(m_network, true); // of no group
     m_manager->onGroupPortNodeMoved(m_network, false);
     EXPECT_FALSE(logHas(text("GroupNode is NULL")));

@@ -75,6 +75,11 @@ protected:
             active = popup->activeAction() ? popup->activeAction()->text() : QString();
             QList<QAction *> actions = popup->actions();
             const QList<QAction *> types = actions.last()->menu()->actions();
+            EXPECT_TRUE(std::is_partitioned(types.cbegin(), types.cend(), [](const QAction *type) {
+                return type->isEnabled();
+            })) << "what nodes can become comes first";
+            EXPECT_TRUE(types.first()->isEnabled());
+            EXPECT_FALSE(types.last()->isEnabled());
             QAction *chosen = nullptr;
             for (QAction *action : actions + types) {
                 if (action->text() == QLatin1String(wanted))
@@ -181,6 +186,8 @@ TEST_F(VersionControl, menuConvertsSelectedRowsAndDumpsDefinitions)
     OssUndoManager::instance()->clear();
     m_start = m_project->stateHash();
     fill({m_same, m_older});
+    EXPECT_EQ(version()->toolTip(Hash), version()->text(Hash));
+    EXPECT_EQ(version()->child(0)->toolTip(Hash), m_same->versionHashPresent());
     menu(version()->child(1), Different, "Dump");
     EXPECT_TRUE(logHas(QStringLiteral("port Gone")));
     m_tree->setCurrentItem(version()->child(1));

@@ -341,6 +341,20 @@ TEST_F(Log, linesArriveInBatchesFromEveryThread)
     EXPECT_TRUE(waitForRows(1001));
 }
 
+TEST_F(Log, objectsAreShownByTheirNames)
+{
+    OssDebugName(this, text("Wall"));
+    OssDebugName(nullptr, text("(none)"));
+    OssDebug(__FILE__, __LINE__, "from %p to %p", static_cast<void *>(this),
+             static_cast<void *>(nullptr));
+    OssDebug(__FILE__, __LINE__, "%p again", static_cast<void *>(this));
+    ASSERT_TRUE(waitForRows(2));
+    EXPECT_EQ(first(), text("from Wall to (none)"));
+    EXPECT_TRUE(OssDebugLog::instance()->lines().first().text.contains(text("0x")));
+    EXPECT_TRUE(OssDebugLog::instance()->lines().last().shown.contains(text("0x")))
+        << "of one line only";
+}
+
 TEST_F(Log, theOldestGoWhenThereAreTooMany)
 {
     write(OssDebugLog::Capacity + 10);

@@ -4,6 +4,7 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <utility>
 
 namespace {
 
@@ -25,6 +26,15 @@ __attribute__((format(printf, 1, 0))) QString formatted(const char *message, va_
     std::vsnprintf(buffer.data(), std::size_t(length) + 1, message, arguments);
     return QString::fromLocal8Bit(buffer);
 }
+
+struct Named
+{
+    QString address;
+    QString name;
+};
+
+// Of the thread's next line.
+thread_local QVector<Named> names;
 
 OssDebugLog::Category categoryOf(const QString &text)
 {
@@ -63,6 +73,13 @@ void OssDebugTitle(const char *file, int line, const char *title, const char *me
     OssDebugLog::instance()->append(file, line, title, text);
 }
 
+void OssDebugName(const void *object, const QString &name)
+{
+    char address[32] = {};
+    std::snprintf(address, sizeof(address), "%p", object);
+    names.append({QString::fromLatin1(address), name});
+}
+
 OssDebugLog *OssDebugLog::instance()
 {
     static OssDebugLog log;
@@ -83,7 +100,12 @@ void OssDebugLog::clear()
 
 void OssDebugLog::append(const char *file, int line, const char *title, const QString &text)
 {
-    const Line entry{categoryOf(text), sourceName(file), line, QString::fromUtf8(title), text};
+    QString shown = text;
+    const QVector<Named> named = std::exchange(names, {});
+    for (const Named &object : named)
+        shown.replace(object.address, object.name);
+    const Line entry{
+        categoryOf(text), sourceName(file), line, QString::fromUtf8(title), text, shown};
     {
         const QMutexLocker lock(&logMutex());
         if (m_lines.size() >= Capacity)

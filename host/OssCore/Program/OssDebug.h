@@ -16,6 +16,10 @@ OSSCORE_EXPORT void OssDebug(const char *file, int line, const char *message, ..
 OSSCORE_EXPORT void OssDebugTitle(const char *file, int line, const char *title,
                                   const char *message, ...) __attribute__((format(printf, 4, 5)));
 
+/// In the next line of this thread the object, which "%p" writes as an address, is shown to people by
+/// its name.
+OSSCORE_EXPORT void OssDebugName(const void *object, const QString &name);
+
 /// What was logged in this process, newest last. Keeps the last `Capacity` lines; whoever wants
 /// more listens.
 class OSSCORE_EXPORT OssDebugLog : public QObject
@@ -33,6 +37,7 @@ public:
         int number = 0;
         QString title; ///< empty for ordinary lines
         QString text;  ///< as written, "[ -- ] " and "[ !! ] " included
+        QString shown; ///< the same with names for the objects of OssDebugName()
     };
 
     static constexpr int Capacity = 20000;

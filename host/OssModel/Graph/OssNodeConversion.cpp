@@ -191,12 +191,17 @@ bool OssNodeConversion::upgrade(OssSnBaseNode *node,
     return true;
 }
 
+bool OssNodeConversion::canBecome(const OssSnNodeType &type)
+{
+    return !belongsToNetwork(type.tags);
+}
+
 OssSnBaseNode *OssNodeConversion::convert(OssSnBaseNode *node,
                                           const std::shared_ptr<const OssSnNodeType> &type,
                                           QStringList *lost)
 {
     OssShaderNetwork *network = node->network();
-    if (!type || !network || belongsToNetwork(tagsOf(node)) || belongsToNetwork(type->tags)) {
+    if (!type || !network || belongsToNetwork(tagsOf(node)) || !canBecome(*type)) {
         lost->append(tr("%1 cannot be converted").arg(node->path()));
         return nullptr;
     }

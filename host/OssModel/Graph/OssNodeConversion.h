@@ -18,6 +18,8 @@ namespace OssNodeConversion {
 /// for placeholders.
 bool upgrade(OssSnBaseNode *node, const std::shared_ptr<const OssSnNodeType> &type,
              QStringList *lost);
+/// Whether nodes can be converted to the type: those that belong to the network itself are not made.
+bool canBecome(const OssSnNodeType &type);
 /// By a new node with the name and the place of the old one. Where a wire's port has no namesake,
 /// the main input and the main output stand in. Null when the node or the type belongs to the
 /// network itself: viewers, ports of groups, protected nodes.

@@ -69,6 +69,8 @@ public:
     /// Replaces the node by one of another type, in the same way and place. Null when refused.
     OssSnBaseNode *convertNodeToKeyPath(OssSnBaseNode *node, const QString &pathKey,
                                         QStringList *lost = nullptr);
+    /// Whether there is such a type and nodes can be converted to it.
+    bool canConvertToKeyPath(const QString &pathKey) const;
     /// Upgrades those of the nodes, and of what is inside them, that are older than what is
     /// installed and were not changed by hand. One undo step.
     void upgradeNetworks(const QList<OssSnBaseNode *> &nodes, QStringList *lost = nullptr);

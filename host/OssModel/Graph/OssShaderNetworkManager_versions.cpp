@@ -70,6 +70,12 @@ OssSnBaseNode *OssShaderNetworkManager::convertNodeToKeyPath(OssSnBaseNode *node
     return converted;
 }
 
+bool OssShaderNetworkManager::canConvertToKeyPath(const QString &pathKey) const
+{
+    const OssSnNodeTypeLibrary::TypePointer type = m_types.find(pathKey);
+    return type && OssNodeConversion::canBecome(*type);
+}
+
 void OssShaderNetworkManager::upgradeNetworks(const QList<OssSnBaseNode *> &nodes,
                                               QStringList *lost)
 {

@@ -11,14 +11,15 @@ constexpr int batchInterval = 50; // ms
 QString fullText(const OssDebugLog::Line &line)
 {
     const QString place = QStringLiteral("%1:%2  ").arg(line.source).arg(line.number);
-    return line.title.isEmpty() ? place + line.text
-                                : place + line.title + QLatin1Char('\n') + line.text;
+    return line.title.isEmpty() ? place + line.shown
+                                : place + line.title + QLatin1Char('\n') + line.shown;
 }
 
 // Rows are one line high; dumps run over many.
 QString rowText(const OssDebugLog::Line &line)
 {
-    QString text = line.title.isEmpty() ? line.text : line.title + QStringLiteral(": ") + line.text;
+    QString text = line.title.isEmpty() ? line.shown
+                                        : line.title + QStringLiteral(": ") + line.shown;
     text.truncate(400);
     text.replace(QLatin1Char('\n'), QStringLiteral(" \u21b5 "));
     return text;

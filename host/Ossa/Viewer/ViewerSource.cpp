@@ -159,7 +159,10 @@ void ViewerSource::start(const OssGeoEntity *entity)
     m_entity = entity;
     m_sources.clear();
     if (!m_shown.node) {
-        Q_EMIT began({}, {}, tr("Nothing is connected to the viewer here"));
+        const bool isOpen = OssProjectManager::instance()->currentProject();
+        Q_EMIT began({}, {},
+                     isOpen ? tr("Nothing is connected to the viewer here")
+                            : tr("No project is open"));
         return;
     }
     const OssSnEvaluationGraph graph = OssSnEvaluationGraph::of(m_shown.node, m_shown.outputPoint);

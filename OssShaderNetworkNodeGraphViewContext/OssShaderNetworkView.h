@@ -8,7 +8,6 @@
 #include <QPointer>
 #include <QPointF>
 
-#include <functional>
 #include <optional>
 
 class OssShaderNetwork;
@@ -19,7 +18,6 @@ class OssSnBakePointNode;
 class OssSnBaseNode;
 class OssSnImageSetNodeBase;
 class OssSnMultiChannelGroupNode;
-class OssSnNodeType;
 class QAction;
 
 /// The editor of one shader network: a graphics view on the scene with the items of its nodes, and
@@ -53,9 +51,7 @@ public:
 public Q_SLOTS:
     // Framing
     void frameNodes(bool EntireScene);
-
-    void frameNodes() { frameNodes(true); }
-
+    void frameNodes();
     void frameSelectedNodes();
     void fitToViewAction();
     void ensureIsVisibleAction();
@@ -89,8 +85,6 @@ public Q_SLOTS:
     void openGroupNodeSubgraph();
     void togglePortVisibility();
     void cyclePortListMode();
-
-    // Copies
     void duplicateSelectedNodes();
     void cutNodesAction();
     void copyNodesAction();
@@ -98,14 +92,10 @@ public Q_SLOTS:
 
     // Looking at nodes
     /// Shows the node, or the only selected one, at the viewer's input; at 0 materials and
-    /// multi-channel nodes alone. Without any, the viewer turns to that input. With several selected
-    /// nothing happens.
+    /// multi-channel nodes alone. Without any, the viewer turns to that input.
     void connectSelectedNodeToViewer(OssSnBaseNode *Node, int Num);
-
-    void connectSelectedNodeToViewer(OssSnBaseNode *Node) { connectSelectedNodeToViewer(Node, 1); }
-
-    void connectSelectedNodeToViewer() { connectSelectedNodeToViewer(nullptr, 1); }
-
+    void connectSelectedNodeToViewer(OssSnBaseNode *Node);
+    void connectSelectedNodeToViewer();
     void onOutputPointSelected(QAction *action);
     void moveViewerToMouse();
 
@@ -160,11 +150,8 @@ public Q_SLOTS:
     /// Puts the selected node's pixels into a geo-channel of its object. Asks for what is not
     /// given.
     void exportToGeoChannel(OssGeoImageSet *pGeoImageSet, QString OutputPointName);
-
-    void exportToGeoChannel(OssGeoImageSet *pGeoImageSet) { exportToGeoChannel(pGeoImageSet, {}); }
-
-    void exportToGeoChannel() { exportToGeoChannel(nullptr, {}); }
-
+    void exportToGeoChannel(OssGeoImageSet *pGeoImageSet);
+    void exportToGeoChannel();
     /// Writes "MaterialPreview.png" of the selected material into the current folder.
     void generateMaterialPreview();
     /// Asks for the name of images and gives them to the selected nodes that can have some.
@@ -226,8 +213,6 @@ private:
     /// One line for the status bar, where nothing in the graph shows what a command did or why it
     /// did nothing.
     static void tellUser(const QString &text);
-    /// Its key comes to the view only because it cannot act now.
-    static void tellOfDisabledCommand(const QKeyEvent *event);
     enum class Bake { OutOfDate, EmptyAndOutOfDate, Again };
 
     static void bake(const QList<OssSnBakePointNode *> &nodes, Bake how,
@@ -243,7 +228,6 @@ private:
     /// Of the network; none, with that line, without one.
     QList<OssSnBaseNode *> selectedNodes() const;
     QList<OssSnBaseNode *> selectionWithoutViewer() const;
-    void tellOfNothingToCopy() const;
     /// The selected items' nodes, without those that belong to the application.
     QList<OssSnBaseNode *> selectedBusinessNodes() const;
     /// With a debug line when there is none.
@@ -253,11 +237,6 @@ private:
     void placeInsertedNodes(const QList<OssSnBaseNode *> &nodes, const QPoint *viewPos);
     /// In the order in which the selection reads, without the viewer.
     QList<OssSnBaseNode *> selectedBusinessNodesInOrder() const;
-    using TypeFilter = std::function<bool(const OssSnNodeType &type)>;
-
-    /// Path key of the type that the user chooses; empty when none was. `position`, of the viewport,
-    /// is where the search opens and then where the node is wanted. Without a filter all types.
-    QString findNodeType(QPoint *position, const TypeFilter &fits);
     /// Where the menu opens: at the pointer, or at the selection when a key asked for it.
     QPoint menuPoint(const QContextMenuEvent *event) const;
     /// The command of the type where it has one, the generic creation otherwise.

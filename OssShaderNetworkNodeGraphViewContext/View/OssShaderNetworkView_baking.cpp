@@ -244,6 +244,16 @@ void OssShaderNetworkView::generateMaterialPreview()
 
 // --- geo-channels
 
+void OssShaderNetworkView::exportToGeoChannel()
+{
+    exportToGeoChannel(nullptr);
+}
+
+void OssShaderNetworkView::exportToGeoChannel(OssGeoImageSet *pGeoImageSet)
+{
+    exportToGeoChannel(pGeoImageSet, {});
+}
+
 void OssShaderNetworkView::exportToGeoChannel(OssGeoImageSet *pGeoImageSet, QString OutputPointName)
 {
     if (!hasNetwork())

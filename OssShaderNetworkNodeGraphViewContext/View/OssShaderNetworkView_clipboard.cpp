@@ -86,12 +86,6 @@ void OssShaderNetworkView::placeInsertedNodes(const QList<OssSnBaseNode *> &node
     }
 }
 
-void OssShaderNetworkView::tellOfNothingToCopy() const
-{
-    if (!selectedNodes().isEmpty())
-        tellUser(tr("The viewer is never copied"));
-}
-
 void OssShaderNetworkView::duplicateSelectedNodes()
 {
     if (!hasNetwork() || !hasScene())
@@ -99,7 +93,8 @@ void OssShaderNetworkView::duplicateSelectedNodes()
     const QPoint cursor = creationPoint();
     const QList<OssSnBaseNode *> nodes = selectionWithoutViewer();
     if (nodes.isEmpty()) {
-        tellOfNothingToCopy();
+        if (!selectedNodes().isEmpty())
+            tellUser(tr("The viewer is never copied"));
         return;
     }
     const OssUndoManager::AutoMacro macro(tr("Duplicate Nodes"));
@@ -112,7 +107,8 @@ void OssShaderNetworkView::cutNodesAction()
         return;
     const QList<OssSnBaseNode *> nodes = selectionWithoutViewer();
     if (nodes.isEmpty()) {
-        tellOfNothingToCopy();
+        if (!selectedNodes().isEmpty())
+            tellUser(tr("The viewer is never copied"));
         return;
     }
     const OssUndoManager::AutoMacro macro(tr("Cut Nodes"));
@@ -126,7 +122,8 @@ void OssShaderNetworkView::copyNodesAction()
         return;
     const QList<OssSnBaseNode *> nodes = selectionWithoutViewer();
     if (nodes.isEmpty()) {
-        tellOfNothingToCopy();
+        if (!selectedNodes().isEmpty())
+            tellUser(tr("The viewer is never copied"));
         return;
     }
     OssShaderNetworkIO::copyNodesToClipboard(nodes, {});

@@ -54,6 +54,11 @@ void OssShaderNetworkView::frameNodes(bool EntireScene)
     capZoom();
 }
 
+void OssShaderNetworkView::frameNodes()
+{
+    frameNodes(true);
+}
+
 void OssShaderNetworkView::frameSelectedNodes()
 {
     frameNodes(false);

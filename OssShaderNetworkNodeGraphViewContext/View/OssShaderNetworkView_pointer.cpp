@@ -1,6 +1,7 @@
 #include "OssShaderNetworkView.h"
 
 #include "OssCore/Program/OssDebug.h"
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/Actions/OssCommandTable.h"
@@ -34,6 +35,18 @@ OssSnGroupNodeGraphViewContext *groupContextOf(const OssSnBaseNode *node)
 {
     return qobject_cast<OssSnGroupNodeGraphViewContext *>(
         OssSnNodeGraphViewContextManager::contextOf(node));
+}
+
+/// Its key comes to the view only because it cannot act now.
+void tellOfDisabledCommand(const QKeyEvent *event)
+{
+    const QKeySequence keys(event->key() | int(event->modifiers() & ~Qt::KeypadModifier));
+    for (const OssActionTreeManager::Entry &entry : OssActionTreeManager::instance()->entries()) {
+        if (entry.action->isEnabled() || !entry.action->shortcuts().contains(keys))
+            continue;
+        OssStatusManager::instance()->showMessage(OssCommandTable::whyDisabled(entry.path));
+        return;
+    }
 }
 
 } // namespace
@@ -185,17 +198,6 @@ void OssShaderNetworkView::keyPressEvent(QKeyEvent *event)
     PlacingView::keyPressEvent(event);
     if (!event->isAccepted())
         tellOfDisabledCommand(event);
-}
-
-void OssShaderNetworkView::tellOfDisabledCommand(const QKeyEvent *event)
-{
-    const QKeySequence keys(event->key() | int(event->modifiers() & ~Qt::KeypadModifier));
-    for (const OssActionTreeManager::Entry &entry : OssActionTreeManager::instance()->entries()) {
-        if (entry.action->isEnabled() || !entry.action->shortcuts().contains(keys))
-            continue;
-        tellUser(OssCommandTable::whyDisabled(entry.path));
-        return;
-    }
 }
 
 void OssShaderNetworkView::keyReleaseEvent(QKeyEvent *event)

@@ -1,45 +1,17 @@
 #include "OssShaderNetworkView.h"
 
-#include "OssCore/Program/OssSettings.h"
 #include "OssCore/Undo/OssUndoManager.h"
-#include "OssInterface/Dialogs/OssNodeQuickFindDialog.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Types/OssSnNodeType.h"
 #include "OssNodeGraph/Items/OssNgNode.h"
-#include "OssSnNodeGraphViewContext.h"
-#include "OssSnNodeGraphViewContextManager.h"
+#include "View/QuickCreation.h"
 
 #include <algorithm>
 
 // Making a node that is found by a few letters, also at the end of a wire.
 
 namespace {
-
-const QString SettingsGroup = QStringLiteral("Node Graph");
-const QString LastUsedKey = QStringLiteral("LastUsedNodePaths");
-const QString FavouritesKey = QStringLiteral("FavouriteNodePaths");
-
-QStringList storedList(const QString &key)
-{
-    OssSettings settings;
-    settings.beginGroup(SettingsGroup);
-    return settings.value(key).toStringList();
-}
-
-void store(const QString &key, const QStringList &list)
-{
-    OssSettings settings;
-    settings.beginGroup(SettingsGroup);
-    settings.setValue(key, list);
-}
-
-QStringList withLatest(QStringList list, const QString &latest, int most)
-{
-    list.removeAll(latest);
-    list.prepend(latest);
-    return list.mid(0, std::max(0, most));
-}
 
 /// A material goes into what takes materials; all else can be read as something else.
 bool goTogether(OssSnDataKind a, OssSnDataKind b)
@@ -82,32 +54,12 @@ OssSnDataKind kindOf(const Ports &ports, const QString &name)
 
 } // namespace
 
-QString OssShaderNetworkView::findNodeType(QPoint *position, const TypeFilter &fits)
-{
-    const int most = OssSnNodeGraphViewContextManager::instance()
-                         ->numberOfLastUsedNodePathsToStore();
-    const QStringList lastUsed = storedList(LastUsedKey);
-    OssNodeQuickFindDialog dialog(lastUsed, storedList(FavouritesKey), most, *position,
-                                  viewport()->size(), viewport());
-    dialog.setColors(OssSnNodeGraphViewContext::categoryColor);
-    if (fits)
-        dialog.setFilter(fits);
-    const bool accepted = dialog.exec() == QDialog::Accepted;
-    store(FavouritesKey, dialog.favourites());
-    const QString chosen = dialog.chosenPathKey();
-    if (!accepted || chosen.isEmpty())
-        return {};
-    store(LastUsedKey, withLatest(lastUsed, chosen, most));
-    *position = dialog.nodePosition();
-    return chosen;
-}
-
 void OssShaderNetworkView::quickCreate()
 {
     if (!hasNetwork())
         return;
     QPoint position = creationPoint();
-    const QString chosen = findNodeType(&position, {});
+    const QString chosen = QuickCreation::findNodeType(viewport(), &position, {});
     if (!chosen.isEmpty())
         createChosenNode(chosen, position);
 }
@@ -122,9 +74,10 @@ void OssShaderNetworkView::createAtWireEnd(OssNgNode *item, const QString &port,
     const OssSnDataKind kind = fromOutput ? kindOf(owner->outputPoints(), port)
                                           : kindOf(owner->inputPorts(), port);
     QPoint position = fromScene(scenePos).toPoint();
-    const QString chosen = findNodeType(&position, [kind, fromOutput](const OssSnNodeType &type) {
-        return fromOutput ? hasPortFor(type.inputs, kind) : hasPortFor(type.outputs, kind);
-    });
+    const QString chosen = QuickCreation::findNodeType(
+        viewport(), &position, [kind, fromOutput](const OssSnNodeType &type) {
+            return fromOutput ? hasPortFor(type.inputs, kind) : hasPortFor(type.outputs, kind);
+        });
     if (chosen.isEmpty() || !owner || !scene())
         return;
     const OssUndoManager::AutoMacro macro(

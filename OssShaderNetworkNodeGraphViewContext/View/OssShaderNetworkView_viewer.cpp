@@ -89,6 +89,16 @@ void OssShaderNetworkView::connectNodeToViewer(OssSnBaseNode *node, int input)
         look(viewer, input);
 }
 
+void OssShaderNetworkView::connectSelectedNodeToViewer()
+{
+    connectSelectedNodeToViewer(nullptr);
+}
+
+void OssShaderNetworkView::connectSelectedNodeToViewer(OssSnBaseNode *Node)
+{
+    connectSelectedNodeToViewer(Node, 1);
+}
+
 void OssShaderNetworkView::connectSelectedNodeToViewer(OssSnBaseNode *Node, int Num)
 {
     if (!hasNetwork())

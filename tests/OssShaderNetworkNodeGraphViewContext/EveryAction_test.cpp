@@ -212,8 +212,7 @@ TEST_F(EveryActionTest, whatFindsNothingToActOnSaysSo)
                                     ExpectedLog("No Bake Point nodes", ExpectedLog::Possible),
                                     ExpectedLog("No nodes are selected", ExpectedLog::Possible),
                                     ExpectedLog("Node Info", ExpectedLog::Possible)};
-    for (const char *name : {"Connect Selected Node to Viewer0",
-                             "Delete",
+    for (const char *name : {"Delete",
                              "Extract",
                              "Disable",
                              "Bypass",

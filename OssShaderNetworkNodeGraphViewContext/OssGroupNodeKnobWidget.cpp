@@ -303,6 +303,12 @@ void OssGroupNodeKnobWidget::linkKnobs()
         typeName = type;
         knobs.append(knob);
     }
+    const OssResult can = m_groupNode->canLinkKnobs(knobs);
+    if (!can) {
+        OssMessageBox::warning(this, tr("Link Knobs"),
+                               tr("Cannot link these knobs: %1.").arg(can.error()));
+        return;
+    }
     QString name;
     if (!askForKnobName(&name))
         return;

@@ -38,12 +38,14 @@ bool holdsByteColor(OssSnBaseNode *node)
 
 bool isDisabledMerge(const OssSnBaseNode *node)
 {
-    return node->exists(BlendAttribute)
+    return node->exists(BlendAttribute) && node->lockOf(BlendAttribute).isEmpty()
            && node->attribute(BlendAttribute).value<OssUserEnum>().currentValue() == 0;
 }
 
 void enableBlending(OssSnBaseNode *merge, bool enable)
 {
+    if (!merge->lockOf(BlendAttribute).isEmpty())
+        return;
     auto value = merge->attribute(BlendAttribute).value<OssUserEnum>();
     value.setCurrentValue(enable ? 1 : 0);
     merge->setAttribute(BlendAttribute, QVariant::fromValue(value));

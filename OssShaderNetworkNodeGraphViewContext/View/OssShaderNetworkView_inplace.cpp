@@ -110,7 +110,7 @@ void OssShaderNetworkView::editTextInPlace(OssNgNode *item, const QPointF &scene
     if (!node || (!note && !(backdrop && local.y() <= backdrop->titleBarHeight())))
         return;
     const QString attribute = note ? QStringLiteral("Label") : QStringLiteral("TitleText");
-    if (!node->exists(attribute))
+    if (!node->exists(attribute) || !node->lockOf(attribute).isEmpty())
         return;
     QRectF area = item->boundingRect();
     if (backdrop)

@@ -127,6 +127,18 @@ void Node::setBypassed(bool bypassed)
         own->setBypassed(bypassed);
 }
 
+bool Node::isLocked() const
+{
+    const OssSnBaseNode *own = node();
+    return own && own->isLocked();
+}
+
+void Node::setLocked(bool locked)
+{
+    if (OssSnBaseNode *own = node())
+        own->setLocked(locked);
+}
+
 bool Node::isSelected() const
 {
     const OssSnBaseNode *own = node();

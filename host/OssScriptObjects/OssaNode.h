@@ -31,6 +31,8 @@ class OSSSCRIPTOBJECTS_EXPORT Node : public API
     Q_PROPERTY(QString description READ description WRITE setDescription)
     Q_PROPERTY(bool enabled READ isEnabled WRITE setEnabled)
     Q_PROPERTY(bool bypassed READ isBypassed WRITE setBypassed)
+    Q_PROPERTY(bool locked READ isLocked WRITE setLocked)
+    Q_CLASSINFO("locked", "Whether the attributes are kept from edits, those of scripts too.")
     Q_PROPERTY(bool selected READ isSelected WRITE setSelected)
     Q_PROPERTY(QPointF position READ position WRITE setPosition)
     Q_CLASSINFO("position", "Upper left corner in the graph's scene.")
@@ -83,6 +85,8 @@ public:
     void setEnabled(bool enabled);
     bool isBypassed() const;
     void setBypassed(bool bypassed);
+    bool isLocked() const;
+    void setLocked(bool locked);
     bool isSelected() const;
     void setSelected(bool selected);
     QPointF position() const;
@@ -135,6 +139,8 @@ private:
     /// Null, and reported, when the node has no such input.
     OssSnBaseNode *nodeWithInput(const QString &input) const;
     OssSnBaseNode *nodeWithAttribute(const QString &name) const;
+    /// The same for who changes it: null, and reported, when the attribute is locked.
+    OssSnBaseNode *nodeToEdit(const QString &name) const;
     OssSnBaseContext *view() const;
 };
 

@@ -61,6 +61,18 @@ QStringList Node::attributes() const
     return own ? own->userAttributeNames() : QStringList();
 }
 
+OssSnBaseNode *Node::nodeToEdit(const QString &name) const
+{
+    OssSnBaseNode *own = nodeWithAttribute(name);
+    const QString lock = own ? own->lockOf(name) : QString();
+    if (lock.isEmpty())
+        return own;
+    fail(OssScriptException::NotAllowed,
+         QStringLiteral("The attribute \"%1\" of \"%2\" cannot be changed: %3")
+             .arg(name, own->name(), lock));
+    return nullptr;
+}
+
 OssSnBaseNode *Node::nodeWithAttribute(const QString &name) const
 {
     OssSnBaseNode *own = node();
@@ -80,7 +92,7 @@ QVariant Node::attribute(const QString &name) const
 
 void Node::setAttribute(const QString &name, const QVariant &value)
 {
-    OssSnBaseNode *own = nodeWithAttribute(name);
+    OssSnBaseNode *own = nodeToEdit(name);
     if (!own)
         return;
     const OssCustomAttribute present = own->userAttribute(name);
@@ -101,7 +113,7 @@ void Node::setAttribute(const QString &name, const QVariant &value)
 
 void Node::resetAttribute(const QString &name)
 {
-    if (OssSnBaseNode *own = nodeWithAttribute(name))
+    if (OssSnBaseNode *own = nodeToEdit(name))
         own->setAttribute(name, own->userAttribute(name).definition().defaultValue);
 }
 

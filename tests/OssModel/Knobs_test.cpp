@@ -1,8 +1,11 @@
+#include "OssCore/Values/OssAttributeKind.h"
 #include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
 #include "OssModel/Graph/OssShaderNetworkIO.h"
 #include "support/ModelFixture.h"
 
 #include <QTemporaryDir>
+
+#include <algorithm>
 
 namespace {
 
@@ -234,6 +237,69 @@ TEST_F(Knobs, groupingAndUngroupingInsideKeepsKnobsOutside)
     m_group->setAttribute(direct, QStringLiteral("Box"));
     EXPECT_EQ(m_first->attribute(direct).toString(), QStringLiteral("Box"));
     expectUndoIsExact(m_start);
+}
+
+TEST_F(Knobs, aLockHoldsOnBothSidesOfALinkAndAgainstLinking)
+{
+    const QString knob = m_group->createKnob(m_first, Radius);
+    const QString other = m_group->createKnob(m_second, Radius);
+    int told = 0;
+    const QObject listener;
+    QObject::connect(m_linker, &OssLinkedCustomAttributeManager::linksChanged, &listener,
+                     [&told] { ++told; });
+    m_group->setAttribute(knob, 20.0);
+    m_first->setLocked(true);
+    EXPECT_EQ(told, 1) << "the group's panel has to know";
+    const QByteArray locked = m_project->stateHash();
+    const int steps = undoCount();
+    {
+        const ExpectedLog expected[] = {ExpectedLog("the properties of \"First\" are locked"),
+                                        ExpectedLog("cannot become the one 'Both'")};
+        EXPECT_FALSE(m_group->setAttribute(knob, 5.0));
+        EXPECT_FALSE(m_first->setAttribute(Radius, 5.0));
+        EXPECT_FALSE(m_group->addKnobLink(other, m_first, Radius));
+        EXPECT_FALSE(m_group->linkKnobs(QStringLiteral("Both"), {knob, other}));
+    }
+    EXPECT_EQ(m_project->stateHash(), locked);
+    EXPECT_EQ(undoCount(), steps);
+    EXPECT_TRUE(m_group->setAttribute(other, 5.0)) << "that is tied to the second only";
+    EXPECT_EQ(valueOf(m_second), 5.0);
+    expectUndoIsExact(m_start);
+
+    // Also when the lock is no part of what is undone.
+    undoAll();
+    m_group->createKnob(m_first, Radius);
+    m_group->setAttribute(knob, 20.0);
+    {
+        const OssUndoManager::Pause pause;
+        m_first->setLocked(true);
+    }
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(valueOf(m_first), 8.0);
+    EXPECT_EQ(valueOf(m_group, knob), 8.0);
+}
+
+TEST_F(Knobs, choicesFromDifferentListsAreNotLinked)
+{
+    const QString quality = QStringLiteral("Quality");
+    OssSnBaseNode *noise = m_group->groupNetwork()->node(QStringLiteral("Noise"));
+    const QVector<OssCustomAttribute> attributes = noise->userAttributes();
+    const auto choice = std::find_if(attributes.cbegin(), attributes.cend(), [](const auto &one) {
+        return !OssAttributeKind::choices(one.value()).isEmpty();
+    });
+    ASSERT_NE(choice, attributes.cend());
+    const QString first = m_group->createKnob(m_first, quality);
+    const QString other = m_group->createKnob(noise, choice->name());
+    const QByteArray before = m_project->stateHash();
+    const ExpectedLog expected("have different lists of choices");
+    EXPECT_FALSE(m_group->linkKnobs(QStringLiteral("Both"), {first, other}));
+    EXPECT_FALSE(m_group->addKnobLink(first, noise, choice->name()));
+    EXPECT_TRUE(m_group->canLinkKnobs({first, other}).error().contains(choice->prettyName()));
+    EXPECT_TRUE(m_group->addKnobLink(first, m_second, quality)) << "of one list";
+    EXPECT_EQ(OssAttributeKind::choices(noise->attribute(choice->name())),
+              OssAttributeKind::choices(choice->value()));
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(m_project->stateHash(), before);
 }
 
 } // namespace

@@ -54,6 +54,7 @@ TEST_F(NodeState, switchesAreToldAndRecordedOnceForEachChange)
     expectOneStepAndTold(QSignalSpy(node, &Node::enabledChanged), [&] { node->setEnabled(0); });
     expectOneStepAndTold(QSignalSpy(node, &Node::bypassedChanged),
                          [&] { node->setBypassed(true); });
+    expectOneStepAndTold(QSignalSpy(node, &Node::lockedChanged), [&] { node->setLocked(true); });
     expectOneStepAndTold(QSignalSpy(node, &Node::cacheActiveChanged),
                          [&] { node->setCacheActive(CachePending); });
     expectOneStepAndTold(QSignalSpy(node, &Node::nodeAttributesSet),

@@ -92,6 +92,11 @@ TEST_F(NodeObjects, attributesTakeWhatAPanelWouldTake)
     EXPECT_FALSE(info("isDefault").toBool());
     m_blur->resetAttribute(Radius);
     EXPECT_TRUE(info("isDefault").toBool());
+    m_blur->setLocked(true);
+    EXPECT_TRUE(m_blur->isLocked());
+    expectRefused({{set(most), Type::NotAllowed, "are locked"},
+                   {[&] { m_blur->resetAttribute(Radius); }, Type::NotAllowed, "are locked"}});
+    m_blur->setLocked(false);
     const Ossa::Node *merge = m_graph->createNode(text("Layer/Merge"), {});
     EXPECT_TRUE(merge->attributeInfo(text("BlendMode")).contains(text("choices")));
 }

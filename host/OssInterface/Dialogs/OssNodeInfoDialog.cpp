@@ -38,6 +38,8 @@ QString state(const OssSnBaseNode *node)
     words.append(node->enabledAsBool() ? tr("enabled") : tr("disabled"));
     if (node->isBypassed())
         words.append(tr("bypassed"));
+    if (node->isLocked())
+        words.append(tr("locked"));
     if (node->cacheActive() == CacheActive)
         words.append(tr("result kept"));
     return words.join(QStringLiteral(", "));

@@ -51,6 +51,57 @@ QVector<OssLinkedCustomAttributeManager::Knob> OssLinkedCustomAttributeManager::
     return found;
 }
 
+QVector<OssLinkedCustomAttributeManager::Place> OssLinkedCustomAttributeManager::tiedTogether(
+    const OssSnBaseNode *node, const QString &attribute) const
+{
+    QVector<Place> reached{{node, attribute}};
+    const auto reach = [&reached](const OssSnBaseNode *other, const QString &name) {
+        if (!reached.contains({other, name}))
+            reached.append({other, name});
+    };
+    for (int i = 0; i < reached.size(); ++i) {
+        const auto [from, name] = reached.at(i);
+        if (const auto *group = qobject_cast<const OssSnGroupNode *>(from)) {
+            const QVector<Link> links = m_links.value(group).value(name);
+            for (const Link &link : links) {
+                if (!isBroken(group, name, link))
+                    reach(link.node, link.attribute);
+            }
+        }
+        const QVector<Knob> knobs = knobsOf(from, name);
+        for (const Knob &knob : knobs) {
+            if (!isBroken(knob.group, knob.name, {const_cast<OssSnBaseNode *>(from), name, {}}))
+                reach(knob.group, knob.name);
+        }
+    }
+    return reached;
+}
+
+const OssSnBaseNode *OssLinkedCustomAttributeManager::lockedNode(const OssSnBaseNode *node,
+                                                                 const QString &attribute) const
+{
+    const QVector<Place> places = tiedTogether(node, attribute);
+    const auto locked = std::find_if(places.cbegin(), places.cend(),
+                                     [](const Place &place) { return place.first->isLocked(); });
+    return locked == places.cend() ? nullptr : locked->first;
+}
+
+void OssLinkedCustomAttributeManager::onLockedChanged()
+{
+    const auto *node = qobject_cast<const OssSnBaseNode *>(sender());
+    if (!node)
+        return;
+    const QStringList attributes = node->userAttributeNames();
+    for (const QString &attribute : attributes) {
+        const QVector<Place> places = tiedTogether(node, attribute);
+        for (const Place &place : places) {
+            auto *group = qobject_cast<OssSnGroupNode *>(const_cast<OssSnBaseNode *>(place.first));
+            if (group && m_links.value(group).contains(place.second))
+                Q_EMIT linksChanged(group, place.second);
+        }
+    }
+}
+
 QString OssLinkedCustomAttributeManager::pathInside(const OssSnGroupNode *group,
                                                     const OssSnBaseNode *node)
 {
@@ -115,6 +166,8 @@ void OssLinkedCustomAttributeManager::follow(OssSnBaseNode *node)
 {
     connect(node, &OssSerializableObject::userAttributeChanged, this,
             &OssLinkedCustomAttributeManager::onAttributeChanged, Qt::UniqueConnection);
+    connect(node, &OssSnBaseNode::lockedChanged, this,
+            &OssLinkedCustomAttributeManager::onLockedChanged, Qt::UniqueConnection);
 }
 
 void OssLinkedCustomAttributeManager::addTarget(OssSnBaseNode *node, const Knob &knob)
@@ -153,20 +206,20 @@ void OssLinkedCustomAttributeManager::onAttributeChanged(const QString &name)
     auto *node = qobject_cast<OssSnBaseNode *>(sender());
     if (!node)
         return;
-    // Undoing the change that was recorded comes this way too.
+    // Undoing the change that was recorded comes this way too, and knows no locks.
     const OssUndoManager::Pause pause;
     const QVariant value = node->attribute(name);
     if (const auto *group = qobject_cast<OssSnGroupNode *>(node)) {
         const QVector<Link> own = m_links.value(group).value(name);
         for (const Link &link : own) {
             if (!isBroken(group, name, link))
-                link.node->setAttribute(link.attribute, value);
+                link.node->assignAttribute(link.attribute, value, true);
         }
     }
     const QVector<Knob> knobs = knobsOf(node, name);
     for (const Knob &knob : knobs) {
         if (!isBroken(knob.group, knob.name, {node, name, {}}))
-            knob.group->setAttribute(knob.name, value);
+            knob.group->assignAttribute(knob.name, value, true);
     }
 }
 

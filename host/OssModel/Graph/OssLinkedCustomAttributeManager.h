@@ -46,6 +46,9 @@ public:
     QStringList knobs(const OssSnGroupNode *group) const;
     /// The knobs, of any group, that stand for an attribute.
     QVector<Knob> knobsOf(const OssSnBaseNode *node, const QString &attribute) const;
+    /// A locked node among those whose values an edit of the attribute would change, its own
+    /// included; null when there is none.
+    const OssSnBaseNode *lockedNode(const OssSnBaseNode *node, const QString &attribute) const;
     static bool isBroken(const OssSnGroupNode *group, const QString &knob, const Link &link);
     /// The path of a node from inside a group; empty when it is not inside.
     static QString pathInside(const OssSnGroupNode *group, const OssSnBaseNode *node);
@@ -57,14 +60,20 @@ public:
     void forget(OssSnGroupNode *group);
 
 Q_SIGNALS:
-    /// A knob was linked otherwise, or one of its links broke or healed.
+    /// A knob was linked otherwise, one of its links broke or healed, or what it is tied to was
+    /// locked or unlocked.
     void linksChanged(OssSnGroupNode *group, const QString &knob);
 
 private Q_SLOTS:
     void onAttributeChanged(const QString &name);
     void onNodeRemoved();
+    void onLockedChanged();
 
 private:
+    using Place = QPair<const OssSnBaseNode *, QString>; ///< a node and its attribute
+
+    /// What has one value with an attribute, itself first.
+    QVector<Place> tiedTogether(const OssSnBaseNode *node, const QString &attribute) const;
     void follow(OssSnBaseNode *node);
     void addTarget(OssSnBaseNode *node, const Knob &knob);
     void removeTarget(OssSnBaseNode *node, const Knob &knob);

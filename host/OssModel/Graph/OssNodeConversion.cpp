@@ -117,6 +117,7 @@ void moveValues(const OssSnBaseNode *from, OssSnBaseNode *to, QStringList *lost)
     to->setDescription(from->description());
     to->setEnabled(from->enabled());
     to->setBypassed(from->isBypassed());
+    to->setLocked(from->isLocked());
     to->setCacheActive(from->cacheActive());
 }
 

@@ -155,6 +155,8 @@ public:
 Q_SIGNALS:
     void allowViewUpdateChanged(bool allow);
     void nodeSelectionChanged();
+    /// One of its nodes was selected or is no more.
+    void selectionChanged();
     void nodesChanged();
 
 private:

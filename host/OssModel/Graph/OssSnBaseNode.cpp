@@ -3,6 +3,7 @@
 #include "OssCore/Documents/OssSerializer.h"
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Undo/OssUndoManager.h"
+#include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkContextLoader.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
@@ -26,6 +27,10 @@ OssSnBaseNode::OssSnBaseNode(std::shared_ptr<const OssSnNodeType> type)
     : m_type(std::move(type))
     , m_serial(nextSerial())
 {
+    connect(this, &OssSerializableObject::selectedChanged, this, [this] {
+        if (m_network)
+            Q_EMIT m_network->selectionChanged();
+    });
     if (!m_type)
         return;
     m_pathKey = m_type->pathKey;
@@ -91,6 +96,13 @@ QString OssSnBaseNode::path() const
 {
     const OssSnBaseNode *group = m_network ? m_network->parentGroupNode() : nullptr;
     return (group ? group->path() : QString()) + QLatin1Char('/') + m_name;
+}
+
+QString OssSnBaseNode::lockOf(const QString &attribute) const
+{
+    const OssSnBaseNode *locked = OssLinkedCustomAttributeManager::instance()->lockedNode(
+        this, attribute);
+    return locked ? tr("the properties of \"%1\" are locked").arg(locked->name()) : QString();
 }
 
 bool OssSnBaseNode::canBeBypassed() const

@@ -67,6 +67,8 @@ public:
 
     void setContainer(OssSnBaseNode *container) { m_container = container; }
 
+    QString lockOf(const QString &attribute) const override;
+
     // --- versions: a node stays what it was made from until it is upgraded, also in a file that is
     // opened when the types have changed.
     QString versionUUID() const { return m_versionUUID; }

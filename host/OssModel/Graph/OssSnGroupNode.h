@@ -46,8 +46,10 @@ public:
     /// name: that of the one there is already where the attribute has one; empty when refused.
     QString createKnob(OssSnBaseNode *node, const QString &attribute);
     /// Makes one knob of several of one type, with all they stand for, in the place of the first
-    /// and with its value. False when the name is taken or the types differ.
+    /// and with its value. False when the name is taken or they cannot be linked.
     bool linkKnobs(const QString &name, const QStringList &knobs);
+    /// Why not: their types or, of choices, their lists differ, or one is locked.
+    OssResult canLinkKnobs(const QStringList &knobs) const;
     /// Has the knob stand for one more attribute, which takes its value.
     bool addKnobLink(const QString &knob, OssSnBaseNode *node, const QString &attribute);
     /// Gives a knob another name to show; the attribute keeps its own.

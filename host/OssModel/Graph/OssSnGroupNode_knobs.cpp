@@ -21,6 +21,13 @@ OssLinkedCustomAttributeManager *linker()
     return OssLinkedCustomAttributeManager::instance();
 }
 
+/// Whether each value of the one is one of the other: of one type and, for choices, from one list.
+bool haveSameForm(const QVariant &a, const QVariant &b)
+{
+    return a.userType() == b.userType()
+           && OssAttributeKind::choices(a) == OssAttributeKind::choices(b);
+}
+
 } // namespace
 
 QString OssSnGroupNode::getAttributeGroupName(const QString &nodeAttribute)
@@ -72,13 +79,15 @@ bool OssSnGroupNode::addKnobLink(const QString &knob, OssSnBaseNode *node, const
         return false;
     const QString path = OssLinkedCustomAttributeManager::pathInside(this, node);
     if (path.isEmpty() || !isKnob(knob)
-        || node->attribute(attribute).userType() != this->attribute(knob).userType())
+        || !haveSameForm(node->attribute(attribute), this->attribute(knob)))
         return false;
     Links links = linker()->links(this, knob);
     for (const auto &link : qAsConst(links)) {
         if (link.node == node && link.attribute == attribute)
             return true;
     }
+    if (node->attribute(attribute) != this->attribute(knob) && !node->lockOf(attribute).isEmpty())
+        return false;
     const OssUndoManager::AutoMacro macro(tr("Link to Knob %1").arg(knob));
     node->setAttribute(attribute, this->attribute(knob));
     links.append({node, attribute, path});
@@ -120,22 +129,40 @@ QString OssSnGroupNode::createKnob(OssSnBaseNode *node, const QString &attribute
     return made;
 }
 
+OssResult OssSnGroupNode::canLinkKnobs(const QStringList &knobs) const
+{
+    if (knobs.isEmpty())
+        return OssResult::failure(tr("no knob was named"));
+    const QVariant first = attribute(knobs.first());
+    for (const QString &knob : knobs) {
+        const QVariant value = attribute(knob);
+        if (!isKnob(knob))
+            return OssResult::failure(tr("\"%1\" is no knob").arg(knob));
+        if (value.userType() != first.userType())
+            return OssResult::failure(tr("the knobs are of differing types"));
+        if (!haveSameForm(value, first))
+            return OssResult::failure(tr("\"%1\" and \"%2\" have different lists of choices")
+                                          .arg(userAttribute(knobs.first()).prettyName(),
+                                               userAttribute(knob).prettyName()));
+        const QString lock = lockOf(knob);
+        if (!lock.isEmpty())
+            return OssResult::failure(lock);
+    }
+    return {};
+}
+
 bool OssSnGroupNode::linkKnobs(const QString &name, const QStringList &knobs)
 {
-    QVector<OssCustomAttribute> linked;
-    for (const QString &knob : knobs) {
-        const OssCustomAttribute attribute = userAttribute(knob);
-        if (isKnob(knob)
-            && (linked.isEmpty()
-                || linked.first().value().userType() == attribute.value().userType()))
-            linked.append(attribute);
-    }
-    if (name.isEmpty() || exists(name) || linked.isEmpty() || linked.size() != knobs.size()) {
-        OssDebug(Source, __LINE__, "[ !! ] The knobs '%s' of '%s' cannot become the one '%s'",
+    const OssResult can = canLinkKnobs(knobs);
+    if (name.isEmpty() || exists(name) || !can) {
+        OssDebug(Source, __LINE__, "[ !! ] The knobs '%s' of '%s' cannot become the one '%s'%s",
                  qPrintable(knobs.join(QLatin1String(", "))), qPrintable(this->name()),
-                 qPrintable(name));
+                 qPrintable(name), can ? "" : qPrintable(QStringLiteral(": ") + can.error()));
         return false;
     }
+    QVector<OssCustomAttribute> linked;
+    for (const QString &knob : knobs)
+        linked.append(userAttribute(knob));
     const OssUndoManager::AutoMacro macro(tr("Link Knobs: %1").arg(name));
     QStringList order = nodeAttributes();
     Links all;

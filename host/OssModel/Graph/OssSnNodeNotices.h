@@ -54,6 +54,7 @@ Q_SIGNALS:
     void descriptionChanged(QString description);
     void enabledChanged(int enabled);
     void bypassedChanged(bool bypassed);
+    void lockedChanged(bool locked);
     void cacheActiveChanged(OssSnBaseNodeCacheActiveState state);
     void errorTextChanged(QString text);
     void inputNodeChanged(QString input, OssSnBaseNode *source, QString outputPoint);

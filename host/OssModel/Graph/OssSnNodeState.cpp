@@ -59,6 +59,20 @@ void OssSnNodeState::toggleBypass()
     setBypassed(!m_bypassed);
 }
 
+void OssSnNodeState::setLocked(bool locked)
+{
+    if (m_locked == locked)
+        return;
+    const auto apply = [this](bool value) {
+        m_locked = value;
+        Q_EMIT lockedChanged(m_locked);
+    };
+    apply(locked);
+    OssUndoManager::instance()->record(
+        locked ? tr("Lock %1").arg(m_name) : tr("Unlock %1").arg(m_name),
+        [apply, locked] { apply(!locked); }, [apply, locked] { apply(locked); });
+}
+
 void OssSnNodeState::setCacheActive(int state)
 {
     if (m_cacheActive == state || state < CacheOff || state > CacheActive)
@@ -110,6 +124,17 @@ QString OssSnNodeState::nodeAttributeNameAsUserAttributeName(const QString &node
 }
 
 bool OssSnNodeState::setAttribute(const QString &name, const QVariant &value, bool notify)
+{
+    const QString lock = lockOf(name);
+    if (!lock.isEmpty()) {
+        OssDebug("OssSnNodeState", __LINE__, "[ !! ] '%s' of node '%s' was not changed: %s",
+                 qPrintable(name), qPrintable(path()), qPrintable(lock));
+        return false;
+    }
+    return assignAttribute(name, value, notify);
+}
+
+bool OssSnNodeState::assignAttribute(const QString &name, const QVariant &value, bool notify)
 {
     OssCustomAttribute attribute = userAttribute(name);
     if (!attribute.isValid()) {

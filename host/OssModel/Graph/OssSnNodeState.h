@@ -12,6 +12,7 @@ class OSSMODEL_EXPORT OssSnNodeState : public OssSnNodeNotices
     Q_PROPERTY(QString description READ description WRITE setDescription STORED hasDescription)
     Q_PROPERTY(int enabled READ enabled WRITE setEnabled STORED isNotEnabled)
     Q_PROPERTY(bool bypassed READ isBypassed WRITE setBypassed STORED isBypassed)
+    Q_PROPERTY(bool locked READ isLocked WRITE setLocked STORED isLocked)
     Q_PROPERTY(int cacheActive READ cacheActive WRITE setCacheActive STORED isCacheSet)
 
 public:
@@ -44,6 +45,12 @@ public:
     void setBypassed(bool bypassed);
     void toggleBypass();
 
+    /// Whether the values of its attributes are kept from edits, whoever makes them. Undoing and
+    /// redoing are none.
+    bool isLocked() const { return m_locked; }
+
+    void setLocked(bool locked);
+
     int cacheActive() const { return m_cacheActive; }
 
     bool isCacheSet() const { return m_cacheActive != CacheOff; }
@@ -65,8 +72,11 @@ public:
     void setNodeAttributesUndo(const QStringList &nodeAttributes);
     QString nodeAttributeNameAsUserAttributeName(const QString &nodeAttribute) const;
     /// Sets the value of an attribute; one that is not the attribute's type is converted where that
-    /// is possible, refused otherwise.
+    /// is possible, refused otherwise. Refused, too, when the attribute is locked.
     bool setAttribute(const QString &name, const QVariant &value, bool notify = true);
+    /// Why nobody may edit an attribute, in words: its node is locked, or another that a knob ties
+    /// it to. Empty when all may.
+    virtual QString lockOf(const QString &attribute) const = 0;
 
     QVariant attribute(const QString &name) const { return userAttribute(name).value(); }
 
@@ -75,8 +85,12 @@ protected:
     virtual bool canBeBypassed() const = 0;
 
 private:
+    friend class OssLinkedCustomAttributeManager;
     friend class OssShaderNetwork;
     friend class OssSnBaseNode;
+
+    /// Without asking for locks.
+    bool assignAttribute(const QString &name, const QVariant &value, bool notify);
 
     QString m_name;
     QString m_description;
@@ -84,5 +98,6 @@ private:
     int m_enabled = 1;
     int m_cacheActive = CacheOff;
     bool m_bypassed = false;
+    bool m_locked = false;
     bool m_guiActive = false;
 };

@@ -124,6 +124,7 @@ void ScriptEcho::watchNode(OssShaderNetwork *network, OssSnBaseNode *node)
             [change](const QString &input) { change().inputs.insert(input); });
     connect(node, &OssSnBaseNode::enabledChanged, this, [change] { change().enabled = true; });
     connect(node, &OssSnBaseNode::bypassedChanged, this, [change] { change().bypassed = true; });
+    connect(node, &OssSnBaseNode::lockedChanged, this, [change] { change().locked = true; });
     connect(node, &OssSnBaseNode::descriptionChanged, this,
             [change] { change().description = true; });
     connect(node, &OssSerializableObject::selectedChanged, this, &ScriptEcho::schedule);
@@ -290,6 +291,7 @@ QStringList ScriptEcho::describeNew(OssSnBaseNode *node) const
     Change state;
     state.enabled = node->isNotEnabled();
     state.bypassed = node->isBypassed();
+    state.locked = node->isLocked();
     state.description = node->hasDescription();
     lines.append(describeNode(node, state));
     lines.removeAll(QString());
@@ -304,12 +306,19 @@ QStringList ScriptEcho::describeNode(OssSnBaseNode *node, const Change &change) 
     if (change.renamed)
         lines.append(ScriptText::node(m_known.value(node).path) + QStringLiteral(".name = ")
                      + ScriptText::text(node->name()));
+    const QString lock = change.locked ? name + QStringLiteral(".locked = ")
+                                             + ScriptText::value(node->isLocked())
+                                       : QString();
+    if (!node->isLocked())
+        lines.append(lock);
     QStringList attributes = change.attributes.values();
     attributes.sort();
     for (const QString &attribute : qAsConst(attributes)) {
         if (node->exists(attribute))
             lines.append(ScriptText::setAttribute(path, attribute, node->attribute(attribute)));
     }
+    if (node->isLocked())
+        lines.append(lock);
     if (change.enabled)
         lines.append(name + QStringLiteral(".enabled = ")
                      + ScriptText::value(node->enabledAsBool()));

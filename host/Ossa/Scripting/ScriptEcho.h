@@ -47,6 +47,7 @@ private:
         QSet<QString> inputs;
         bool enabled = false;
         bool bypassed = false;
+        bool locked = false;
         bool description = false;
         bool renamed = false;
     };

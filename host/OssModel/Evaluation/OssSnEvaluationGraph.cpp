@@ -4,6 +4,7 @@
 #include "OssModel/Evaluation/OssImageSetFiles.h"
 #include "OssModel/Evaluation/OssSnParameter.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Images/OssFilePath.h"
 #include "OssModel/Nodes/OssProblems.h"
 #include "OssModel/Nodes/OssSnUpstream.h"
 
@@ -53,7 +54,7 @@ private:
         const QVector<OssCustomAttribute> attributes = node->userAttributes();
         for (const OssCustomAttribute &attribute : attributes) {
             OssEvParameter parameter;
-            if (OssSnParameter::fromValue(attribute.value(), &parameter))
+            if (OssSnParameter::fromValue(OssFilePath::valueOf(attribute), &parameter))
                 parameters.emplace(attribute.name().toStdString(), parameter);
         }
         const QString images = OssImageSetFiles::nameOf(node);

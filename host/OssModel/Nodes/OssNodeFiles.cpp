@@ -1,6 +1,7 @@
 #include "OssModel/Nodes/OssNodeFiles.h"
 
 #include "OssCore/Values/OssCustomAttribute.h"
+#include "OssModel/Images/OssFilePath.h"
 #include "OssModel/Images/OssImage.h"
 #include "OssModel/Images/OssImageList.h"
 #include "OssModel/Images/OssImageManager.h"
@@ -9,8 +10,8 @@ QStringList OssNodeFiles::of(const OssCustomAttribute &attribute)
 {
     const QVariant value = attribute.value();
     if (value.userType() == QMetaType::QString)
-        return attribute.definition().editor == QLatin1String("file")
-                   ? QStringList{value.toString()}
+        return OssFilePath::isHeldBy(attribute)
+                   ? QStringList{OssFilePath::valueOf(attribute).toString()}
                    : QStringList();
     QStringList files;
     if (value.userType() == QMetaType::QStringList) {

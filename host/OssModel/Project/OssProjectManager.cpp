@@ -4,6 +4,8 @@
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssShadingGroup.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Images/OssFilePath.h"
 #include "OssModel/Images/OssFileWatch.h"
 #include "OssModel/Images/OssPixelStore.h"
 #include "OssModel/Objects/OssCanvasManager.h"
@@ -13,6 +15,42 @@
 
 #include <QDir>
 #include <QFileInfo>
+
+namespace {
+
+/// Relative paths of files go on leading where they lead when the project lies in another folder.
+void keepFilePaths(const OssProject *project, const QString &folder)
+{
+    const QList<OssShadingGroup *> groups = project->shadingGroups();
+    for (const OssShadingGroup *group : groups) {
+        const QList<OssSnBaseNode *> nodes = group->network()->getAllNodes();
+        for (OssSnBaseNode *node : nodes) {
+            for (OssCustomAttribute attribute : node->userAttributes()) {
+                const QString path = attribute.value().toString();
+                if (!OssFilePath::isHeldBy(attribute) || path.isEmpty()
+                    || QDir::isAbsolutePath(path))
+                    continue;
+                attribute.setValue(OssFilePath::shortened(OssFilePath::resolved(path), folder));
+                node->setUserAttribute(attribute, true); // a lock is none against this
+            }
+        }
+    }
+}
+
+OssResult writeElsewhere(OssProject *project, const QString &folder)
+{
+    const QString parent = QFileInfo(folder).absolutePath();
+    if (OssFilePath::base().isEmpty() || parent == OssFilePath::base())
+        return OssProjectFile::write(project, folder);
+    OssUndoManager::AutoMacro macro(OssProjectManager::tr("Keep Paths of Files"));
+    keepFilePaths(project, parent);
+    OssResult written = OssProjectFile::write(project, folder);
+    if (!written)
+        macro.cancel();
+    return written;
+}
+
+} // namespace
 
 OssProjectManager::OssProjectManager()
 {
@@ -164,7 +202,8 @@ OssResult OssProjectManager::saveProjectAs(const QString &path)
     const bool rename = folder != m_project->path();
     if (rename)
         m_project->setName(QFileInfo(folder).completeBaseName());
-    const OssResult written = OssProjectFile::write(m_project.get(), folder);
+    const OssResult written = rename ? writeElsewhere(m_project.get(), folder)
+                                     : OssProjectFile::write(m_project.get(), folder);
     if (!written) {
         m_project->setName(oldName);
         return written;

@@ -33,8 +33,9 @@ const QString fullerNamesKey = QStringLiteral("MainWindow/fullerDockedPalettes")
 const QString paletteFolder = QStringLiteral("/Ossa/Palettes/");
 const QString graphFolder = QStringLiteral("/Ossa/NodeGraph/");
 constexpr int stateVersion = 1;
-constexpr int graphShare = 70; // percent of the window, in both directions
-constexpr int leastShare = 15; // a dock that opens smaller than this gets room
+constexpr int graphShare = 70;      // percent of the window, in both directions
+constexpr int propertiesShare = 45; // of what stands above and below each other
+constexpr int leastShare = 15;      // a dock that opens smaller than this gets room
 
 using HostPalettes::Place;
 
@@ -318,6 +319,14 @@ void PaletteDocks::sizeAreas()
     if (const ads::CDockWidget *dock = m_docks.value(graph))
         forEachSplitter(dock,
                         [](QSplitter *splitter, int index) { share(splitter, index, graphShare); });
+    // A panel of properties that shows only its heading is of no use.
+    const OssPalette *properties = OssPaletteManager::instance()->find(
+        QStringLiteral("node_properties_palette"));
+    if (const ads::CDockWidget *dock = m_docks.value(properties))
+        forEachSplitter(dock, [](QSplitter *splitter, int index) {
+            if (splitter->orientation() == Qt::Vertical)
+                share(splitter, index, propertiesShare);
+        });
 }
 
 void PaletteDocks::makeRoom(const ads::CDockWidget *dock)

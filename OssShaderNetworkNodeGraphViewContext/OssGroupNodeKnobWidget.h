@@ -5,6 +5,7 @@
 #include <QWidget>
 
 class OssGroupNodeKnobWidget;
+class OssSnBaseNode;
 class OssSnGroupNode;
 class QDialogButtonBox;
 class QLineEdit;
@@ -61,6 +62,9 @@ private:
     void moveGroup(const QTreeWidgetItem *item, int step);
     void storeOrder(const QStringList &order, const QString &current, bool isNode);
     void fillPickTree();
+    bool isKnobAlready(const OssSnBaseNode *node, const QString &attribute) const;
+    /// Lights up, in the group's graph, the nodes of what is picked and of the current item.
+    void highlightPickedNodes();
     void createPickedKnobs();
     void findPickItem(int step);
     void openContextMenu(const QPoint &position);
@@ -76,4 +80,5 @@ private:
     // While the pick dialog is open.
     QTreeWidget *m_pickTree = nullptr;
     QLineEdit *m_search = nullptr;
+    QTreeWidgetItem *m_found = nullptr; ///< what the search picked and the user has not touched
 };

@@ -3,10 +3,13 @@
 #include "OssCore/Documents/OssObjectReferenceManager.h"
 #include "OssCore/Program/OssIcon.h"
 #include "OssCore/Undo/OssUndoManager.h"
+#include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Nodes/OssSnImageSetNodeBase.h"
+#include "OssNodeGraph/Items/OssNgNode.h"
+#include "OssSnNodeGraphViewContextManager.h"
 
 #include <QDialogButtonBox>
 #include <QHBoxLayout>
@@ -14,9 +17,12 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSet>
 #include <QTreeWidget>
 #include <QTreeWidgetItemIterator>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 // Picking attributes of nodes inside the group.
 
@@ -86,6 +92,9 @@ void OssGroupNodeKnobWidget::showGizmoPropertySelection()
     tree.setAccessibleName(tr("Attributes"));
     tree.ensurePolished(); // rows are measured when they come
     fillPickTree();
+    connect(&tree, &QTreeWidget::itemSelectionChanged, this, [this] { highlightPickedNodes(); });
+    connect(&tree, &QTreeWidget::currentItemChanged, this, [this] { highlightPickedNodes(); });
+    connect(&tree, &QTreeWidget::itemPressed, this, [this] { m_found = nullptr; });
     QDialogButtonBox buttons(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, Qt::Horizontal);
     connect(&buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
     connect(&buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
@@ -100,6 +109,16 @@ void OssGroupNodeKnobWidget::showGizmoPropertySelection()
         createPickedKnobs();
     m_pickTree = nullptr;
     m_search = nullptr;
+    m_found = nullptr;
+    highlightPickedNodes();
+}
+
+bool OssGroupNodeKnobWidget::isKnobAlready(const OssSnBaseNode *node,
+                                           const QString &attribute) const
+{
+    const auto knobs = OssLinkedCustomAttributeManager::instance()->knobsOf(node, attribute);
+    return std::any_of(knobs.cbegin(), knobs.cend(),
+                       [this](const auto &knob) { return knob.group == m_groupNode; });
 }
 
 void OssGroupNodeKnobWidget::fillPickTree()
@@ -123,7 +142,31 @@ void OssGroupNodeKnobWidget::fillPickTree()
             auto *item = new QTreeWidgetItem(nodeItem, {text});
             item->setData(0, UserAttributeRole, name);
             item->setFlags(item->flags() | Qt::ItemIsSelectable);
+            if (!isKnobAlready(node, name))
+                continue;
+            QFont bold = item->font(0);
+            bold.setBold(true);
+            item->setFont(0, bold);
+            item->setToolTip(0, tr("This is a knob of the group already"));
         }
+    }
+}
+
+void OssGroupNodeKnobWidget::highlightPickedNodes()
+{
+    QSet<QString> ids;
+    QList<QTreeWidgetItem *> items;
+    if (m_pickTree) // null once the dialog is closed
+        items = m_pickTree->selectedItems() << m_pickTree->currentItem();
+    for (const QTreeWidgetItem *item : qAsConst(items)) {
+        if (item)
+            ids.insert((item->parent() ? item->parent() : item)->data(0, Qt::UserRole).toString());
+    }
+    const QList<OssSnBaseNode *> nodes = m_groupNode ? m_groupNode->groupNetwork()->nodes()
+                                                     : QList<OssSnBaseNode *>();
+    for (const OssSnBaseNode *node : nodes) {
+        if (OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(node))
+            item->setHovered(ids.contains(node->uuidString()));
     }
 }
 
@@ -175,7 +218,11 @@ void OssGroupNodeKnobWidget::findPickItem(int step)
             continue;
         if (item->childCount() > 0)
             item->setExpanded(true);
-        m_pickTree->setCurrentItem(item);
+        // What the user picked stays picked; what only the search came by does not.
+        if (m_found && m_found != item)
+            m_found->setSelected(false);
+        m_found = item->isSelected() ? nullptr : item;
+        m_pickTree->setCurrentItem(item, 0, QItemSelectionModel::Select);
         return;
     }
 }

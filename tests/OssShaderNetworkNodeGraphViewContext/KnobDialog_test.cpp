@@ -259,6 +259,42 @@ TEST_F(KnobDialog, pickedAttributesBecomeKnobsInOneStepAndSearchWraps)
     expectUndoIsExact(m_start);
 }
 
+TEST_F(KnobDialog, whatWasPickedStaysPickedThroughSearchesAndItsNodesLightUp)
+{
+    OssShaderNetwork *inside = m_group->groupNetwork();
+    const auto lit = [&](const char *name) {
+        const OssNgNode *node = itemOf(inside->node(text(name)));
+        return node && node->hovered();
+    };
+    answer([&](QDialog *dialog) {
+        auto *tree = dialog->findChild<QTreeWidget *>();
+        auto *search = dialog->findChild<QLineEdit *>();
+        const auto look = [&](const char *pattern) {
+            search->setText(QLatin1String(pattern));
+            QTest::keyClick(search, Qt::Key_Return);
+        };
+        EXPECT_FALSE(lit("Blur") || lit("Sharpen"));
+        tree->expandAll();
+        QTreeWidgetItem *picked = tree->topLevelItem(0)->child(0);
+        const QRect place = tree->visualItemRect(picked);
+        QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, place.center());
+        EXPECT_TRUE(lit("Blur"));
+        look("radius*sharpen");
+        look("amount");
+        EXPECT_TRUE(picked->isSelected());
+        EXPECT_TRUE(tree->currentItem()->isSelected());
+        EXPECT_TRUE(lit("Blur") && lit("Sharpen"));
+        look("threshold");
+        EXPECT_LE(tree->selectedItems().size(), 2) << "what the search passed is not picked";
+        look("amount");
+        dialog->accept();
+    });
+    press("Pick");
+    EXPECT_FALSE(lit("Blur") || lit("Sharpen"));
+    EXPECT_TRUE(m_group->isKnob(text("Amount")));
+    EXPECT_EQ(m_group->nodeAttributes().size(), 4);
+}
+
 TEST_F(KnobDialog, exposingMakesKnobsOfAllAttributesInOneStep)
 {
     OssShaderNetwork *inside = m_group->groupNetwork();

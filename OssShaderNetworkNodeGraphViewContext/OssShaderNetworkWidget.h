@@ -112,6 +112,9 @@ private:
     void addGroupButtons(QWidget *panel, OssSnBaseNode *node);
     static QString frameStyle(const OssSnBaseNode *node, const QWidget *panel);
     void followNode(OssSnBaseNode *node);
+    static void restyle(const OssSnBaseNode *node, QWidget *panel);
+    /// To the graph view in which the user works.
+    static void giveFocusBack();
     /// Takes the panel out of the list and deletes it when control is back in the event loop.
     void dismiss(QWidget *panel);
     void insertBeside(OssSnBaseNode *node, const OssSnBaseNode *target, int offset);

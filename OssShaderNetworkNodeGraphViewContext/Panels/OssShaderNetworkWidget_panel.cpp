@@ -75,7 +75,8 @@ QString OssSnNodePropertiesWidget::frameStyle(const OssSnBaseNode *node, const Q
 
 QWidget *OssSnNodePropertiesWidget::makePanel(OssSnBaseNode *node)
 {
-    QWidget *made = new OssNodePropertyPanel(node, optionsFor(node), m_scrollArea->widget());
+    auto *made = new OssNodePropertyPanel(node, optionsFor(node), m_scrollArea->widget());
+    connect(made, &OssNodePropertyPanel::left, this, &OssSnNodePropertiesWidget::giveFocusBack);
     made->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
     made->setAttribute(Qt::WA_DeleteOnClose);
     made->setObjectName(panelName(node));

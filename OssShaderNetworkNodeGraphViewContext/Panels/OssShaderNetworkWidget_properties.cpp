@@ -5,14 +5,19 @@
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/Actions/OssCommandTable.h"
+#include "OssInterface/Properties/OssNodePropertyPanel.h"
+#include "OssInterface/Properties/OssPropertyEditor.h"
+#include "OssInterface/Properties/OssPropertyRow.h"
 #include "OssInterface/Widgets/OssExpandableListHeading.h"
 #include "OssInterface/Widgets/OssExpandableListWidget.h"
 #include "OssInterface/Widgets/OssFormLayout.h"
 #include "OssModel/Nodes/OssSnChannelInputNode.h"
 #include "OssModel/Types/OssSnTags.h"
 #include "OssShaderNetworkView.h"
+#include "OssSnNodeGraphViewContextManager.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QIntValidator>
@@ -42,6 +47,14 @@ QList<OssExpandableListWidget *> sectionsOf(QWidget *panel)
             sections.append(section);
     }
     return sections;
+}
+
+/// The attribute whose row has the keyboard; empty when none has.
+QString focusedAttribute(const QWidget *panel)
+{
+    const auto *properties = qobject_cast<const OssNodePropertyPanel *>(panel);
+    const OssPropertyRow *row = properties ? properties->focusedRow() : nullptr;
+    return row ? row->name() : QString();
 }
 
 bool isPinned(const QWidget *panel)
@@ -241,8 +254,20 @@ QWidget *OssSnNodePropertiesWidget::createPropertyWidget(OssSnBaseNode *Node, in
 
 // --- closing
 
+void OssSnNodePropertiesWidget::giveFocusBack()
+{
+    const auto *manager = OssSnNodeGraphViewContextManager::instance();
+    if (OssShaderNetworkView *view = manager ? manager->currentView() : nullptr) {
+        view->window()->activateWindow();
+        view->setFocus();
+    }
+}
+
 void OssSnNodePropertiesWidget::dismiss(QWidget *panel)
 {
+    // Qt hands it to whatever comes next, and the graph's keys are dead.
+    if (panel->isAncestorOf(QApplication::focusWidget()))
+        giveFocusBack();
     m_panelLayout->removeWidget(panel);
     panel->hide();
     panel->deleteLater();
@@ -269,11 +294,16 @@ void OssSnNodePropertiesWidget::onMaxPanelsEditingFinished()
 
 void OssSnNodePropertiesWidget::deleteAllProperties()
 {
-    for (const QPointer<QWidget> &panel : qAsConst(m_panels)) {
+    for (auto entry = m_panels.begin(); entry != m_panels.end();) {
+        QWidget *panel = *entry;
+        if (isPinned(panel)) {
+            ++entry;
+            continue;
+        }
         if (panel)
             dismiss(panel);
+        entry = m_panels.erase(entry);
     }
-    m_panels.clear();
 }
 
 void OssSnNodePropertiesWidget::onNodeRemoved()
@@ -282,8 +312,11 @@ void OssSnNodePropertiesWidget::onNodeRemoved()
     const auto found = m_panels.find(static_cast<OssSnBaseNode *>(sender()));
     if (found == m_panels.end())
         return;
-    if (QWidget *panel = *found)
+    if (QWidget *panel = *found) {
+        if (auto *properties = qobject_cast<OssNodePropertyPanel *>(panel))
+            properties->letGo();
         dismiss(panel);
+    }
     m_panels.erase(found);
 }
 
@@ -294,13 +327,14 @@ void OssSnNodePropertiesWidget::refreshPanel()
     auto *node = qobject_cast<OssSnBaseNode *>(sender());
     if (!node)
         return;
-    if (OssStatusManager::instance()->inProgress()) {
+    if (OssStatusManager::instance()->inProgress())
         m_refreshPending = true;
-        return;
-    }
-    QWidget *panel = m_panels.value(node);
-    if (!panel)
-        return;
+    else if (QWidget *panel = m_panels.value(node))
+        restyle(node, panel);
+}
+
+void OssSnNodePropertiesWidget::restyle(const OssSnBaseNode *node, QWidget *panel)
+{
     const QString style = frameStyle(node, panel);
     // A style sheet is worked out for every widget inside, so an equal one is not set again.
     if (panel->styleSheet() != style)
@@ -309,10 +343,19 @@ void OssSnNodePropertiesWidget::refreshPanel()
 
 void OssSnNodePropertiesWidget::onEndProcessing()
 {
-    // Nobody sent this who has a panel: all that happens is that the request is forgotten.
-    if (m_refreshPending)
-        refreshPanel();
+    if (!m_refreshPending)
+        return;
     m_refreshPending = false;
+    // The work ends while others still hear of it; frames follow when the loop is free.
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            for (auto entry = m_panels.cbegin(); entry != m_panels.cend(); ++entry) {
+                if (*entry)
+                    restyle(entry.key(), *entry);
+            }
+        },
+        Qt::QueuedConnection);
 }
 
 void OssSnNodePropertiesWidget::onUserAttributePopulationChanged()
@@ -350,6 +393,7 @@ void OssSnNodePropertiesWidget::refreshPropertiesForNode(OssSnBaseNode *Node)
     const QList<OssExpandableListWidget *> before = sectionsOf(panel);
     for (const OssExpandableListWidget *section : before)
         collapsed.insert(section->heading()->text(), section->isCollapsed());
+    const QString focused = focusedAttribute(panel);
     m_panels.remove(Node);
     dismiss(panel);
     const auto *old = qobject_cast<const OssExpandableListWidget *>(panel);
@@ -367,6 +411,9 @@ void OssSnNodePropertiesWidget::refreshPropertiesForNode(OssSnBaseNode *Node)
         else
             section->expand();
     }
+    const auto *properties = qobject_cast<const OssNodePropertyPanel *>(made);
+    if (const OssPropertyRow *row = properties ? properties->row(focused) : nullptr)
+        row->editor()->setFocus();
 }
 
 // --- pointer

@@ -1,3 +1,5 @@
+#include "OssCore/Values/OssAttributeKind.h"
+#include "OssInterface/Properties/OssCurveEditor.h"
 #include "OssInterface/Widgets/OssExpandableListHeading.h"
 #include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
 #include "PropertiesFixture.h"
@@ -5,6 +7,9 @@
 #include <QAccessible>
 #include <QClipboard>
 #include <QLabel>
+#include <QSignalSpy>
+
+#include <functional>
 
 namespace {
 
@@ -155,23 +160,155 @@ TEST_F(Properties, valuesAreCopiedPastedAndResetByKeys)
     EXPECT_TRUE(m_node->userAttribute(text("Mode")).isDefault());
 }
 
-TEST_F(Properties, aLockedPanelShowsAndDoesNotEdit)
+TEST_F(Properties, aLockedNodeIsShownAndEditedByNobody)
 {
+    OssSnBaseNode *other = add("Test/Everything");
     m_panel->setLocked(true);
+    EXPECT_EQ(undoCount(), 2); // its making and the lock
+    const QByteArray locked = m_project->stateHash();
     QTest::keyClick(field("Count"), Qt::Key_5);
     EXPECT_FALSE(field("Count")->isTyping());
     drag(field("Amount"), 50);
     release(field("Amount"));
+    turnWheel(field("Amount"), {5, 5}, 120);
     row("Amount")->reset();
+    QApplication::clipboard()->setText(text("0.3"));
+    row("Amount")->pasteValue();
     m_panel->resetValues();
-    EXPECT_EQ(undoCount(), 0);
-    m_node->setAttribute(text("Amount"), 0.25);
-    EXPECT_DOUBLE_EQ(field("Amount")->value(), 0.25);
+    {
+        const ExpectedLog expected("was not changed: the properties of \"Everything\" are locked");
+        EXPECT_FALSE(m_node->setAttribute(text("Amount"), 0.25));
+    }
+    // From the panel of another one that is selected with it.
+    m_node->setSelected(true);
+    other->setSelected(true);
+    {
+        OssNodePropertyPanel second(other, {}, nullptr);
+        second.row(text("Amount"))->pasteValue();
+        EXPECT_DOUBLE_EQ(other->attribute(text("Amount")).toDouble(), 0.3);
+        OssUndoManager::instance()->undo();
+    }
+    EXPECT_EQ(m_project->stateHash(), locked);
+    EXPECT_EQ(undoCount(), 3);
     open({});
     EXPECT_TRUE(m_panel->isLocked()); // the node's, not the panel's
     EXPECT_FALSE(field("Amount")->isEnabled());
     m_panel->setLocked(false);
     EXPECT_TRUE(field("Amount")->isEnabled());
+    type(field("Amount"), "0.75");
+    m_panel->setLocked(true);
+    OssUndoManager::instance()->undo();
+    OssUndoManager::instance()->undo();
+    EXPECT_DOUBLE_EQ(amount(), 0.5) << "a lock is none against undoing";
+}
+
+TEST_F(Properties, ofSeveralNodesOnlyWhatIsEditedChanges)
+{
+    OssSnBaseNode *other = add("Test/Everything");
+    const auto set = [other](const char *name, const char *value) {
+        ASSERT_TRUE(other->setAttribute(text(name), text(value)));
+    };
+    set("Tint", "0.1,0.5,2,0.3");
+    set("Place", "7,2");
+    set("Colors", "0,1,0,0,1 0.5,1,1,1,1");
+    set("Shape", "0,0.25 1,1");
+    const auto others = [other](const char *name) {
+        return OssAttributeKind::toWords(other->attribute(text(name))).toStdString();
+    };
+    m_node->setSelected(true);
+    other->setSelected(true);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(field("Tint", 0)->text(), text("mixed"));
+    EXPECT_EQ(field("Tint", 1)->text(), text("0.5"));
+    EXPECT_EQ(field("Tint", 3)->text(), text("mixed"));
+    EXPECT_EQ(field("Place", 0)->text(), text("mixed"));
+    EXPECT_EQ(field("Colors", 0)->text(), text("0")) << "its place";
+    EXPECT_EQ(field("Colors", 1)->text(), text("mixed")) << "its red";
+    const QByteArray before = m_project->stateHash();
+    OssUndoManager::instance()->clear();
+
+    type(field("Tint", 2), "0.75");
+    EXPECT_EQ(others("Tint"), "0.1,0.5,0.75,0.3");
+    drag(field("Place", 1), 20);
+    release(field("Place", 1));
+    EXPECT_EQ(other->attribute(text("Place")).toPointF(),
+              QPointF(7, value("Place").toPointF().y()));
+    EXPECT_NE(value("Place").toPointF().y(), 2.0);
+    type(field("Colors", 2), "0.5");
+    EXPECT_EQ(others("Colors"), "0,1,0.5,0,1 0.5,1,1,1,1");
+    auto *curve = editor<OssCurveField>("Shape");
+    QTest::keyClick(curve, Qt::Key_Space);
+    QTest::keyClick(curve, Qt::Key_Down); // the last point
+    EXPECT_EQ(others("Shape"), "0,0.25 1,0.98");
+    EXPECT_EQ(undoCount(), 4);
+    expectUndoIsExact(before);
+
+    // Mixed is what is mixed now, whoever changed it.
+    for (const auto &change : {std::function<void()>([&] { set("Tint", "0.25,0.5,2,1"); }),
+                               std::function<void()>([] { OssUndoManager::instance()->undo(); }),
+                               std::function<void()>([&] { other->setSelected(false); }),
+                               std::function<void()>([&] { other->setSelected(true); }),
+                               std::function<void()>([&] { other->setLocked(true); })}) {
+        const bool was = field("Tint", 0)->text() == text("mixed");
+        change();
+        QCoreApplication::processEvents();
+        EXPECT_EQ(field("Tint", 0)->text() == text("mixed"), !was);
+    }
+}
+
+TEST_F(Properties, whoOnlyLooksAtOneOfSeveralValuesKeepsThem)
+{
+    OssSnBaseNode *other = add("Test/Everything");
+    other->setAttribute(text("Amount"), 0.9);
+    m_node->setSelected(true);
+    other->setSelected(true);
+    QCoreApplication::processEvents();
+    const int steps = undoCount();
+    QTest::mouseClick(field("Amount"), Qt::LeftButton);
+    QTest::keyClick(typingIn(field("Amount")), Qt::Key_Tab);
+    EXPECT_EQ(field("Amount")->text(), text("mixed"));
+    EXPECT_EQ(undoCount(), steps);
+    QTest::mouseClick(field("Amount"), Qt::LeftButton);
+    QTest::keyClick(typingIn(field("Amount")), Qt::Key_Return);
+    EXPECT_DOUBLE_EQ(other->attribute(text("Amount")).toDouble(), 0.5) << "asked for";
+}
+
+TEST_F(Properties, returnAndEscapeLeaveAndTheNextFieldIsATabAway)
+{
+    QApplication::setActiveWindow(m_panel.get());
+    const QSignalSpy left(m_panel.get(), &OssNodePropertyPanel::left);
+    QTest::keyClick(field("Amount"), Qt::Key_0);
+    QTest::keyClicks(typingIn(field("Amount")), text(".2"));
+    QTest::keyClick(typingIn(field("Amount")), Qt::Key_Tab);
+    EXPECT_DOUBLE_EQ(amount(), 0.2);
+    EXPECT_EQ(m_panel->focusedRow(), row("Count"));
+    QTest::keyClick(field("Count"), Qt::Key_Backtab, Qt::ShiftModifier);
+    EXPECT_EQ(m_panel->focusedRow(), row("Amount"));
+    EXPECT_EQ(left.count(), 0);
+    type(field("Amount"), "0.3");
+    EXPECT_EQ(left.count(), 1);
+    type(field("Amount"), "0.3 +");
+    EXPECT_EQ(left.count(), 1) << "that is no number yet";
+    QTest::keyClick(typingIn(field("Amount")), Qt::Key_Escape);
+    EXPECT_EQ(left.count(), 1);
+    QTest::keyClick(field("Amount"), Qt::Key_Escape);
+    EXPECT_EQ(left.count(), 2);
+    QTest::keyClicks(editor<QLineEdit>("Line"), text("word"));
+    QTest::keyClick(editor<QLineEdit>("Line"), Qt::Key_Return);
+    EXPECT_EQ(left.count(), 3);
+    editor<QLineEdit>("Line")->setFocus();
+    m_panel->close();
+    EXPECT_EQ(left.count(), 4);
+}
+
+TEST_F(Properties, aPanelThatIsLetGoOfMakesNoEditOfWhatIsHalfTyped)
+{
+    QApplication::setActiveWindow(m_panel.get());
+    QTest::keyClicks(field("Amount"), text("0.2"));
+    m_panel->letGo();
+    editor<QLineEdit>("Line")->setFocus();
+    EXPECT_DOUBLE_EQ(amount(), 0.5);
+    EXPECT_EQ(undoCount(), 0);
 }
 
 TEST_F(Properties, panelFollowsTheNodeAndOutlivesIt)
@@ -233,31 +370,25 @@ TEST_F(PropertyKnobs, bothSidesTellOfEachOtherAsLinksComeAndBreak)
     EXPECT_FALSE(tells(group, "Broken")) << "it came back";
 }
 
-TEST_F(PropertyKnobs, theCountOfOthersFollowsWhenTheFocusComesIn)
+TEST_F(PropertyKnobs, theCountOfOthersFollowsTheSelection)
 {
     OssSnBaseNode *third = add("Filter/Blur", "Third");
     OssSnBaseNode *fourth = add("Filter/Blur", "Fourth");
-    QWidget window;
-    auto *elsewhere = new QLineEdit(&window);
-    auto *panel = new OssNodePropertyPanel(third, {}, &window);
-    window.show();
-    window.activateWindow();
-    elsewhere->setFocus();
-    QCoreApplication::processEvents();
-    const auto isTold = [panel] {
-        const auto labels = panel->findChildren<QLabel *>();
+    const OssNodePropertyPanel panel(third, {}, nullptr);
+    const auto isTold = [&panel] {
+        const auto labels = panel.findChildren<QLabel *>();
         return std::any_of(labels.begin(), labels.end(), [](const QLabel *one) {
             return !one->isHidden() && one->text().contains(text("and 1 more"));
         });
     };
     third->setSelected(true);
     EXPECT_FALSE(isTold());
-    fourth->setSelected(true);
-    EXPECT_FALSE(isTold()) << "nobody looks";
-    panel->row(text("Radius"))->editor()->setFocus();
-    EXPECT_TRUE(isTold());
-    fourth->setSelected(false);
-    elsewhere->setFocus();
-    panel->row(text("Radius"))->editor()->setFocus();
+    for (const bool selected : {true, false, true}) {
+        fourth->setSelected(selected);
+        QCoreApplication::processEvents();
+        EXPECT_EQ(isTold(), selected);
+    }
+    third->network()->removeNodes({fourth});
+    QCoreApplication::processEvents();
     EXPECT_FALSE(isTold());
 }

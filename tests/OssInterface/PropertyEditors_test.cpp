@@ -1,6 +1,6 @@
 #include "OssCore/Values/OssAttributeKind.h"
 #include "OssCore/Values/OssColor.h"
-#include "OssInterface/Properties/OssColorEditor.h"
+#include "OssInterface/Properties/OssColorPicker.h"
 #include "OssInterface/Properties/OssCurveEditor.h"
 #include "OssModel/Images/OssDisplayColor.h"
 #include "OssModel/Images/OssImage.h"
@@ -10,7 +10,6 @@
 
 #include <QCheckBox>
 #include <QClipboard>
-#include <QColorDialog>
 #include <QComboBox>
 #include <QImage>
 #include <QPlainTextEdit>
@@ -20,6 +19,18 @@
 #include <QUrl>
 
 namespace {
+
+/// Knows its pixels better than the screen.
+class PixelsOfItsOwn : public QWidget
+{
+    Q_OBJECT
+
+public:
+    Q_INVOKABLE static QVariant sceneColorAt(const QPoint &place)
+    {
+        return QVariant::fromValue(OssColor(place.x(), -1, 0.5));
+    }
+};
 
 /// The editors of single attributes, in a panel.
 class PropertyEditors : public PropertiesFixture
@@ -34,19 +45,27 @@ protected:
         return takes;
     }
 
-    /// Picks a colour in the dialog for the tint, and takes it or leaves it.
-    void pickTint(const QColor &color, bool accept)
+    OssColorPicker *openTint()
     {
         QTest::keyClick(editor<QPushButton>("Tint"), Qt::Key_Space);
-        auto *picker = m_panel->findChild<QColorDialog *>();
-        ASSERT_NE(picker, nullptr);
-        EXPECT_DOUBLE_EQ(picker->currentColor().blueF(), 1.0); // 2 is shown as the display's white
-        const int before = undoCount();
-        picker->setCurrentColor(color);
-        EXPECT_EQ(undoCount(), before);
-        accept ? picker->accept() : picker->reject();
+        return m_panel->findChild<OssColorPicker *>();
+    }
+
+    static void deleteLater()
+    {
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
+
+    static OssNumberField *named(const QWidget *picker, const char *name)
+    {
+        const auto fields = picker->findChildren<OssNumberField *>();
+        const auto found = std::find_if(fields.begin(), fields.end(), [name](const auto *field) {
+            return field->accessibleName() == text(name);
+        });
+        return found == fields.end() ? nullptr : *found;
+    }
+
+    OssColor tint() const { return value("Tint").value<OssColor>(); }
 };
 
 OssCustomAttribute attribute(const char *editor, const QVariant &value)
@@ -175,24 +194,98 @@ TEST_F(PropertyEditors, pictureFilesFromOutsideBecomeImagesOfTheProjectInOneStep
     expectUndoIsExact(m_start);
 }
 
-TEST_F(PropertyEditors, thePickerWorksInDisplayColorsAndKeepsBrightness)
+TEST_F(PropertyEditors, thePickersColoursAreSeenAtOnceAndOneStep)
+{
+    OssColorPicker *picker = openTint();
+    ASSERT_NE(picker, nullptr);
+    EXPECT_FALSE(picker->isModal());
+    EXPECT_EQ(openTint(), picker);
+    auto *plane = picker->findChild<OssColorPlane *>();
+    const auto at = [](const QRectF &area, double x, double y) {
+        return QPoint(int(area.left() + x * area.width()), int(area.top() + y * area.height()));
+    };
+    QTest::mousePress(plane, Qt::LeftButton, {}, at(plane->hues(), 0.0, 0.5));
+    QTest::mouseRelease(plane, Qt::LeftButton, {}, at(plane->hues(), 0.0, 0.5));
+    QTest::mousePress(plane, Qt::LeftButton, {}, at(plane->square(), 0.5, 0.5));
+    moveMouse(plane, plane->square().bottomRight().toPoint() + QPoint(50, -400), Qt::LeftButton);
+    EXPECT_NEAR(tint().red(), 2.0, 1e-6) << "as bright as it was";
+    EXPECT_NEAR(tint().green(), 0.0, 1e-3);
+    QTest::mouseRelease(plane, Qt::LeftButton);
+    type(named(picker, "Blue"), "-0.5");
+    type(named(picker, "Brightness"), "4");
+    EXPECT_NEAR(tint().red(), 4.0, 1e-6);
+    EXPECT_NEAR(tint().blue(), -1.0, 1e-6);
+    EXPECT_EQ(undoCount(), 1);
+    m_node->setAttribute(text("Tint"), text("0.5,0.25,0.125,1")); // by somebody else
+    EXPECT_EQ(picker->color(), OssColor(0.5, 0.25, 0.125));
+    type(named(picker, "Red"), "1");
+    EXPECT_EQ(undoCount(), 3);
+    picker->close();
+    EXPECT_EQ(tint().red(), 1.0) << "kept";
+    deleteLater();
+    EXPECT_EQ(m_panel->findChild<OssColorPicker *>(), nullptr);
+    expectUndoIsExact(m_start);
+
+    OssUndoManager::instance()->setIndex(0);
+    picker = openTint();
+    type(named(picker, "Red"), "9");
+    QTest::keyClick(picker, Qt::Key_Escape);
+    EXPECT_FALSE(OssUndoManager::instance()->canUndo()) << "as if nothing had been";
+    EXPECT_EQ(tint(), OssColor(0.25, 0.5, 2));
+    deleteLater();
+    picker = openTint();
+    type(named(picker, "Red"), "9");
+    m_node->setAttribute(text("Amount"), 0.75);
+    picker->reject();
+    EXPECT_EQ(tint(), OssColor(0.25, 0.5, 2));
+    EXPECT_DOUBLE_EQ(amount(), 0.75);
+    deleteLater();
+    openTint();
+    m_panel->setLocked(true);
+    deleteLater();
+    EXPECT_EQ(m_panel->findChild<OssColorPicker *>(), nullptr);
+}
+
+TEST_F(PropertyEditors, thePickerTakesWhatAWidgetSaysIsThereBeforeTheScreen)
+{
+    OssColorPicker *picker = openTint();
+    PixelsOfItsOwn viewer;
+    viewer.setGeometry(500, 400, 100, 100);
+    viewer.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&viewer));
+    const auto pick = [&](const QPoint &at) {
+        picker->pickFromScreen();
+        const QPoint global = viewer.mapToGlobal(at);
+        QMouseEvent press(QEvent::MouseButtonPress, picker->mapFromGlobal(global), global,
+                          Qt::LeftButton, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(picker, &press);
+    };
+    pick({10, 10});
+    EXPECT_EQ(tint(), OssColor(10, -1, 0.5, 1));
+    EXPECT_EQ(undoCount(), 1);
+    picker->pickFromScreen();
+    QTest::keyClick(picker, Qt::Key_Escape);
+    EXPECT_TRUE(picker->isVisible()) << "only the picking ended";
+    EXPECT_EQ(tint().red(), 10.0);
+}
+
+TEST_F(PropertyEditors, aDisplayColourIsWhatIsSeen)
 {
     const OssColor linear(0.2, 0.5, 0.9, 0.5);
     const OssColor back = OssDisplayColor::toLinear(OssDisplayColor::ofLinear(linear));
     EXPECT_NEAR(back.red(), 0.2, 1e-4);
     EXPECT_NEAR(back.blue(), 0.9, 1e-4);
     EXPECT_NEAR(OssDisplayColor::ofLinear(OssColor(0.5, 0, 0)).redF(), 0.7354, 1e-3);
-
-    pickTint(QColor(255, 0, 255), true);
-    const auto tint = value("Tint").value<OssColor>();
-    EXPECT_DOUBLE_EQ(tint.blue(), 2.0);
-    EXPECT_DOUBLE_EQ(tint.red(), 2.0);
-    EXPECT_DOUBLE_EQ(tint.green(), 0.0);
-    EXPECT_EQ(undoCount(), 1);
-    expectUndoIsExact(m_start);
-    pickTint(Qt::red, false);
-    EXPECT_EQ(value("Tint").value<OssColor>(), tint);
-    EXPECT_EQ(undoCount(), 1);
+    for (const bool isDisplay : {false, true}) {
+        OssColorPicker picker({isDisplay, 0.0, 1.0}, OssColor(0, 0, 0), nullptr);
+        auto *code = picker.findChild<QLineEdit *>();
+        code->setText({});
+        QTest::keyClicks(code, text("#bc0000"));
+        QTest::keyClick(code, Qt::Key_Return);
+        EXPECT_NEAR(picker.color().red(), isDisplay ? 0.737 : 0.503, 2e-3);
+        type(named(&picker, "Green"), "-3");
+        EXPECT_EQ(picker.color().green(), 0.0) << "the attribute's bounds";
+    }
 }
 
 TEST_F(PropertyEditors, theSwatchIsTheColour)
@@ -353,3 +446,5 @@ TEST(NoteEditor, keepsItAtControlAndReturnWithoutANewLine)
     EXPECT_EQ(note.edits(), texts({"a\n"}));
     EXPECT_EQ(note.widget->toPlainText(), text("a\n"));
 }
+
+#include "PropertyEditors_test.moc"

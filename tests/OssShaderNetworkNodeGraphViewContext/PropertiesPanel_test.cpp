@@ -4,6 +4,8 @@
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssInterface/Palettes/OssPaletteManager.h"
 #include "OssInterface/Properties/OssNodePropertyPanel.h"
+#include "OssInterface/Properties/OssPropertyEditor.h"
+#include "OssInterface/Properties/OssPropertyRow.h"
 #include "OssInterface/Widgets/OssExpandableListHeading.h"
 #include "OssInterface/Widgets/OssExpandableListWidget.h"
 #include "OssInterface/Widgets/OssMiniButton.h"
@@ -16,6 +18,7 @@
 #include <QScrollArea>
 #include <QSignalSpy>
 #include <QTest>
+#include <QVBoxLayout>
 
 namespace {
 
@@ -144,6 +147,9 @@ TEST_F(PropertiesPanel, atMostAsManyPanelsAsTheUserWantsAndPinnedOnesStay)
     EXPECT_NE(m_widget->panel(nodes.at(1)), nullptr);
 
     invoke("deleteAllProperties");
+    EXPECT_EQ(panels(), QList<QWidget *>{m_widget->panel(nodes.at(0))});
+    m_widget->panel(nodes.at(0))->setProperty("pinned", false);
+    invoke("deleteAllProperties");
     EXPECT_TRUE(panels().isEmpty());
     maxField()->clear();
     open(nodes.at(1));
@@ -227,7 +233,79 @@ TEST_F(PropertiesPanel, frameShowsTheNodesColourSelectionAndHover)
         blur->setSelected(true);
         EXPECT_EQ(panel->styleSheet(), before);
     }
+    EXPECT_EQ(panel->styleSheet(),
+              expected.arg(panel->objectName(), top, text("rgba(0, 0, 0, 0%)")))
+        << "the work's end itself changes nothing";
+    QCoreApplication::processEvents();
+    EXPECT_EQ(panel->styleSheet(), expected.arg(panel->objectName(), top, top));
     blur->setSelected(false);
+}
+
+TEST_F(PropertiesPanel, theKeyboardGoesBackToTheGraphWhateverEndsAnEdit)
+{
+    QWidget window;
+    QVBoxLayout layout(&window);
+    auto *elsewhere = new QLineEdit(&window);
+    const auto put = [&layout](QWidget *widget) {
+        QWidget *parent = widget->parentWidget();
+        layout.addWidget(widget);
+        widget->show();
+        return parent;
+    };
+    QWidget *graphs = m_manager->nodeGraphWidget();
+    QWidget *graphsParent = put(graphs);
+    QWidget *panelsParent = put(m_widget);
+    layout.addWidget(elsewhere);
+    window.show();
+    window.activateWindow();
+    OssSnBaseNode *blur = add("Filter/Blur");
+    const auto typeInto = [&](const char *attribute, const char *digits) {
+        m_widget->insertBefore(blur, nullptr);
+        QApplication::setActiveWindow(&window);
+        auto *panel = qobject_cast<OssNodePropertyPanel *>(m_widget->panel(blur));
+        QWidget *field = panel->row(text(attribute))->editor()->focusProxy();
+        elsewhere->setFocus();
+        field->setFocus();
+        ASSERT_TRUE(field->hasFocus());
+        QTest::keyClicks(field, text(digits).left(1));
+        QTest::keyClicks(QApplication::focusWidget(), text(digits).mid(1));
+    };
+    const auto focused = [] {
+        return QApplication::focusWidget();
+    };
+    const auto radius = [blur] {
+        return blur->attribute(text("Radius")).toDouble();
+    };
+    typeInto("Radius", "12");
+    QTest::keyClick(focused(), Qt::Key_Return);
+    EXPECT_EQ(focused(), m_view);
+    EXPECT_EQ(radius(), 12.0);
+    typeInto("Radius", "13");
+    m_widget->panel(blur)->close();
+    EXPECT_EQ(focused(), m_view);
+    EXPECT_EQ(radius(), 13.0);
+    deleteLater();
+    typeInto("Radius", "14");
+    invoke("deleteAllProperties");
+    EXPECT_EQ(focused(), m_view);
+    EXPECT_EQ(radius(), 14.0);
+    typeInto("Radius", "15");
+    give(blur, text("More"), "Section"); // the panel is made anew
+    EXPECT_EQ(radius(), 15.0);
+    EXPECT_TRUE(m_widget->panel(blur)->isAncestorOf(focused()));
+    EXPECT_EQ(qobject_cast<OssNodePropertyPanel *>(m_widget->panel(blur))->focusedRow()->name(),
+              text("Radius"));
+    undo(); // the attribute
+    const int steps = OssUndoManager::instance()->index();
+    typeInto("Radius", "16");
+    m_network->removeNodes({blur});
+    EXPECT_EQ(focused(), m_view);
+    EXPECT_EQ(radius(), 15.0) << "it was on its way out";
+    EXPECT_EQ(OssUndoManager::instance()->index(), steps + 1);
+    graphs->setParent(graphsParent);
+    m_widget->setParent(panelsParent);
+    graphsParent->layout()->addWidget(graphs);
+    panelsParent->layout()->addWidget(m_widget);
 }
 
 TEST_F(PropertiesPanel, groupsHaveTheirButtonsFirst)

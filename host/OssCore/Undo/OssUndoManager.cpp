@@ -46,12 +46,14 @@ struct OssUndoManager::Macro final : OssUndoStep
 
     bool isJoinedBy(const Macro &later) const
     {
-        return !mergeKey.isEmpty() && mergeKey == later.mergeKey && !made.hasExpired(MergeTime);
+        return !mergeKey.isEmpty() && mergeKey == later.mergeKey
+               && (later.joinsAlways || !made.hasExpired(MergeTime));
     }
 
     std::vector<std::unique_ptr<OssUndoStep>> steps;
     bool cancelled = false;
     bool gathers = false;
+    bool joinsAlways = false;
     QString mergeKey;
     QElapsedTimer made;
 };
@@ -65,14 +67,14 @@ OssUndoManager::AutoMacro::AutoMacro(const QString &title)
 {
 }
 
-OssUndoManager::AutoMacro::AutoMacro(const QString &title, const QString &mergeKey)
+OssUndoManager::AutoMacro::AutoMacro(const QString &title, const QString &mergeKey, Joining joining)
 {
     OssUndoManager *manager = instance();
     if (!manager->isRecording())
         return;
     if (!manager->isMacroOpen())
         Q_EMIT manager->aboutToEdit();
-    manager->openMacro(title, mergeKey);
+    manager->openMacro(title, mergeKey, joining == Joining::Always);
     m_level = manager->m_open.size();
 }
 
@@ -178,9 +180,11 @@ void OssUndoManager::moved(bool wasClean)
         Q_EMIT cleanChanged(isClean());
 }
 
-OssUndoManager::Macro &OssUndoManager::openMacro(const QString &title, const QString &mergeKey)
+OssUndoManager::Macro &OssUndoManager::openMacro(const QString &title, const QString &mergeKey,
+                                                 bool joinsAlways)
 {
     m_open.push_back(std::make_unique<Macro>(title, mergeKey));
+    m_open.back()->joinsAlways = joinsAlways;
     return *m_open.back();
 }
 

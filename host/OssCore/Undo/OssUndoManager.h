@@ -31,11 +31,14 @@ public:
     class OSSCORE_EXPORT AutoMacro
     {
     public:
+        /// How long a later macro of the same key may come.
+        enum class Joining { Soon, Always };
+
         explicit AutoMacro(const QString &title);
         /// An outermost macro joins the step before it when that one was made with the same key
-        /// less than a second ago and nothing was recorded, undone or saved in between: for what
-        /// a user does in many small moves, as holding down a key. Empty: never.
-        AutoMacro(const QString &title, const QString &mergeKey);
+        /// less than a second ago (or ever) and nothing was recorded, undone or saved in between: for
+        /// what a user does in many small moves, as holding down a key. Empty: never.
+        AutoMacro(const QString &title, const QString &mergeKey, Joining joining = Joining::Soon);
         AutoMacro(const AutoMacro &) = delete;
         AutoMacro &operator=(const AutoMacro &) = delete;
         ~AutoMacro();
@@ -135,7 +138,7 @@ Q_SIGNALS:
 private:
     struct Macro;
 
-    Macro &openMacro(const QString &title, const QString &mergeKey);
+    Macro &openMacro(const QString &title, const QString &mergeKey, bool joinsAlways = false);
     void closeMacro();
     void cancelMacros(std::size_t level);
     void store(std::unique_ptr<OssUndoStep> step);

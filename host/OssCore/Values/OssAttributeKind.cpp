@@ -276,8 +276,8 @@ QVector<OssAttributeKind> makeTable()
             {Name("text"), text, Name("")},
             {Name("paragraph"), text, Name("")},
             {Name("file"), text, Name("")},
-            {Name("curve"), text, Name("0,0 1,1")},
-            {Name("ramp"), text, Name("0,0,0,0,1 1,1,1,1,1")},
+            {Name("curve"), text, Name("0,0 1,1"), true},
+            {Name("ramp"), text, Name("0,0,0,0,1 1,1,1,1,1"), true},
             {Name("color"), color, Name("0,0,0,1")},
             {Name("displaycolor"), color, Name("0,0,0,1")},
             {Name("vector2"), point, Name("0,0")},
@@ -367,6 +367,60 @@ QVariant OssAttributeKind::fromWords(const QVariant &example, const QString &tex
     const int index = choice.names().indexOf(text);
     choice.setCurrentValue(index);
     return index < 0 ? QVariant() : QVariant::fromValue(choice);
+}
+
+QVector<double> OssAttributeKind::parts(const QVariant &value) const
+{
+    if (!isNumbers)
+        return form.toPlain == sameValue ? QVector<double>() : numbersOf(form.toPlain(value));
+    QVariantList numbers;
+    const QStringList groups = value.toString().split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    for (const QString &group : groups) {
+        const QStringList texts = group.split(QLatin1Char(','));
+        for (const QString &text : texts)
+            numbers.append(text);
+    }
+    return numbersOf(numbers);
+}
+
+QVariant OssAttributeKind::withParts(const QVariant &value, const QVariant &from,
+                                     const QVector<int> &which) const
+{
+    const QVector<double> given = parts(from);
+    QVector<double> own = parts(value);
+    if (which.isEmpty() || own.size() != given.size())
+        return from;
+    for (const int part : which) {
+        if (part >= 0 && part < own.size())
+            own[part] = given.at(part);
+    }
+    QVariantList list;
+    for (const double number : qAsConst(own))
+        list.append(number);
+    if (!isNumbers)
+        return like(value, list);
+    QStringList groups;
+    int next = 0;
+    const QStringList shape = from.toString().split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    for (const QString &group : shape) {
+        QStringList numbers;
+        for (int i = 0; i <= group.count(QLatin1Char(',')); ++i)
+            numbers.append(OssNumberText::of(own.at(next++)));
+        groups.append(numbers.join(QLatin1Char(',')));
+    }
+    return groups.join(QLatin1Char(' '));
+}
+
+QVector<int> OssAttributeKind::differingParts(const QVariant &a, const QVariant &b) const
+{
+    const QVector<double> one = parts(a);
+    const QVector<double> other = parts(b);
+    QVector<int> differing;
+    for (int i = 0; i < one.size() && one.size() == other.size(); ++i) {
+        if (one.at(i) != other.at(i))
+            differing.append(i);
+    }
+    return differing;
 }
 
 void OssAttributeKind::registerTypes()

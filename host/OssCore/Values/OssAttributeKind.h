@@ -40,6 +40,8 @@ public:
     /// What a description means that gives no default, in the form for files. Of a choice it is the
     /// first of the list.
     QLatin1String defaultText;
+    /// Whether a text of this kind consists of numbers that commas and blanks part.
+    bool isNumbers = false;
 
     static const QVector<OssAttributeKind> &all();
     /// Null when there is none of that name.
@@ -70,6 +72,15 @@ public:
     static QString toWords(const QVariant &value);
     /// Invalid when the text is no value that could stand for `example`.
     static QVariant fromWords(const QVariant &example, const QString &text);
+
+    /// The numbers that a value consists of and that can be edited one by one: channels, coordinates,
+    /// those of a ramp and of a curve. Empty for other kinds.
+    QVector<double> parts(const QVariant &value) const;
+    /// `value` with some parts of `from`; `from` itself when none are named or it has more or fewer.
+    QVariant withParts(const QVariant &value, const QVariant &from,
+                       const QVector<int> &which) const;
+    /// The parts in which values differ; empty, too, when one has more than the other.
+    QVector<int> differingParts(const QVariant &a, const QVariant &b) const;
 
     /// Makes comparisons and conversions of our own types known to QVariant.
     static void registerTypes();

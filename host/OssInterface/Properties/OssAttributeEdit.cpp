@@ -1,10 +1,9 @@
 #include "OssInterface/Properties/OssAttributeEdit.h"
 
+#include "OssCore/Values/OssAttributeKind.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 
 #include <QCoreApplication>
-
-#include <algorithm>
 
 OssAttributeEdit::OssAttributeEdit(OssSnBaseNode *node, QString attribute)
     : m_node(node)
@@ -25,7 +24,7 @@ QList<OssSnBaseNode *> OssAttributeEdit::targets(OssSnBaseNode *node)
     const QList<OssSnBaseNode *> selected = node->network()->selectedNodes();
     for (OssSnBaseNode *other : selected) {
         if (other != node && other->nodeType() == node->nodeType()
-            && other->pathKey() == node->pathKey())
+            && other->pathKey() == node->pathKey() && !other->isLocked())
             nodes.append(other);
     }
     return nodes;
@@ -36,15 +35,35 @@ OssCustomAttribute OssAttributeEdit::attribute() const
     return m_node ? m_node->userAttribute(m_attribute) : OssCustomAttribute();
 }
 
-bool OssAttributeEdit::isMixed() const
+QString OssAttributeEdit::lock() const
 {
-    if (!m_node)
-        return false;
-    const QVariant own = m_node->attribute(m_attribute);
-    const QList<OssSnBaseNode *> nodes = targets(m_node);
-    return std::any_of(nodes.cbegin(), nodes.cend(), [&](const OssSnBaseNode *node) {
-        return node->exists(m_attribute) && node->attribute(m_attribute) != own;
-    });
+    return m_node ? m_node->lockOf(m_attribute) : QString();
+}
+
+OssMixed OssAttributeEdit::mixed() const
+{
+    OssMixed mixed;
+    const OssCustomAttribute own = attribute();
+    const OssAttributeKind *kind = OssAttributeKind::of(own);
+    if (!kind)
+        return mixed;
+    bool inParts = true;
+    const int count = kind->parts(own.value()).size();
+    QVector<bool> parts(count, false);
+    const QVector<Start> all = start();
+    for (const Start &other : all) {
+        const QVariant value = other.attribute.value();
+        if (value == own.value())
+            continue;
+        mixed.any = true;
+        inParts = inParts && kind->parts(value).size() == count;
+        const QVector<int> differing = kind->differingParts(own.value(), value);
+        for (const int part : differing)
+            parts[part] = true;
+    }
+    if (mixed.any && inParts)
+        mixed.parts = parts;
+    return mixed;
 }
 
 QString OssAttributeEdit::title() const
@@ -53,33 +72,54 @@ QString OssAttributeEdit::title() const
         .arg(attribute().prettyName());
 }
 
-void OssAttributeEdit::assign(const QVariant &value) const
+QVector<OssAttributeEdit::Start> OssAttributeEdit::start() const
 {
+    QVector<Start> found;
     if (!m_node)
-        return;
+        return found;
     const QList<OssSnBaseNode *> nodes = targets(m_node);
     for (OssSnBaseNode *node : nodes) {
-        if (node->exists(m_attribute))
-            node->setAttribute(m_attribute, value);
+        const OssCustomAttribute attribute = node->userAttribute(m_attribute);
+        if (attribute.isValid() && node->lockOf(m_attribute).isEmpty())
+            found.append({node, attribute});
+    }
+    return found;
+}
+
+void OssAttributeEdit::assign(const QVector<Start> &to, const QVariant &value,
+                              const Parts &parts) const
+{
+    if (to.isEmpty() || to.first().node != m_node)
+        return; // the node's own is locked
+    const OssAttributeKind *kind = OssAttributeKind::of(to.first().attribute);
+    const bool changed = parts == changedParts();
+    const Parts which = changed && kind ? kind->differingParts(to.first().attribute.value(), value)
+                                        : parts;
+    for (const Start &one : to) {
+        if (one.node)
+            one.node->setAttribute(m_attribute, kind && one.node != m_node ? kind->withParts(
+                                                    one.attribute.value(), value, which)
+                                                                           : value);
     }
 }
 
-void OssAttributeEdit::set(const QVariant &value)
+void OssAttributeEdit::set(const QVariant &value, const Parts &parts, const QString &joinKey)
 {
     if (isDragging()) {
-        drag(value);
+        drag(value, parts);
         return;
     }
-    const OssUndoManager::AutoMacro macro(title());
-    assign(value);
+    const OssUndoManager::AutoMacro macro(title(), joinKey,
+                                          OssUndoManager::AutoMacro::Joining::Always);
+    assign(start(), value, parts);
 }
 
-void OssAttributeEdit::step(const QVariant &value)
+void OssAttributeEdit::step(const QVariant &value, const Parts &parts)
 {
     if (!m_node || isDragging())
         return;
     const OssUndoManager::AutoMacro macro(title(), m_node->uuidString() + m_attribute);
-    assign(value);
+    assign(start(), value, parts);
 }
 
 void OssAttributeEdit::reset()
@@ -87,28 +127,27 @@ void OssAttributeEdit::reset()
     set(attribute().definition().defaultValue);
 }
 
-void OssAttributeEdit::begin()
+void OssAttributeEdit::begin(const QString &joinKey)
 {
-    if (!m_node || isDragging())
+    if (!m_node || isDragging() || !lock().isEmpty())
         return;
-    m_macro = std::make_unique<OssUndoManager::AutoMacro>(title());
-    m_start.clear();
-    const QList<OssSnBaseNode *> nodes = targets(m_node);
-    for (OssSnBaseNode *node : nodes) {
-        if (node->exists(m_attribute))
-            m_start.append({node, node->userAttribute(m_attribute)});
-    }
+    m_macro = std::make_unique<OssUndoManager::AutoMacro>(
+        title(), joinKey, OssUndoManager::AutoMacro::Joining::Always);
+    m_start = start();
 }
 
-void OssAttributeEdit::drag(const QVariant &value)
+void OssAttributeEdit::drag(const QVariant &value, const Parts &parts)
 {
     if (!isDragging())
         return;
     const OssUndoManager::Pause pause;
-    for (const Start &start : qAsConst(m_start)) {
-        if (start.node)
-            start.node->setAttribute(m_attribute, value);
-    }
+    assign(m_start, value, parts);
+}
+
+void OssAttributeEdit::letGo()
+{
+    end();
+    m_node = nullptr;
 }
 
 void OssAttributeEdit::end()

@@ -54,7 +54,7 @@ OssChoiceEditor::OssChoiceEditor(QWidget *parent)
     });
 }
 
-void OssChoiceEditor::showValue(const OssCustomAttribute &attribute, bool mixed)
+void OssChoiceEditor::showValue(const OssCustomAttribute &attribute, const OssMixed &mixed)
 {
     const auto value = attribute.value().value<OssUserEnum>();
     if (value.names() != m_value.names()) {
@@ -64,7 +64,7 @@ void OssChoiceEditor::showValue(const OssCustomAttribute &attribute, bool mixed)
     m_value = value;
     // A choice that is none of the list stays unchosen.
     m_list->setCurrentIndex(
-        mixed || value.currentValue() >= m_list->count() ? -1 : value.currentValue());
+        mixed.any || value.currentValue() >= m_list->count() ? -1 : value.currentValue());
     m_list->setAccessibleName(attribute.prettyName());
 }
 
@@ -82,10 +82,10 @@ OssFlagEditor::OssFlagEditor(QWidget *parent)
     });
 }
 
-void OssFlagEditor::showValue(const OssCustomAttribute &attribute, bool mixed)
+void OssFlagEditor::showValue(const OssCustomAttribute &attribute, const OssMixed &mixed)
 {
-    m_box->setTristate(mixed);
-    m_box->setCheckState(mixed                        ? Qt::PartiallyChecked
+    m_box->setTristate(mixed.any);
+    m_box->setCheckState(mixed.any                    ? Qt::PartiallyChecked
                          : attribute.value().toBool() ? Qt::Checked
                                                       : Qt::Unchecked);
     m_box->setAccessibleName(attribute.prettyName());
@@ -134,12 +134,12 @@ void OssImagesEditor::fillList()
     m_list->setCurrentIndex(index);
 }
 
-void OssImagesEditor::showValue(const OssCustomAttribute &attribute, bool mixed)
+void OssImagesEditor::showValue(const OssCustomAttribute &attribute, const OssMixed &mixed)
 {
     m_ids = OssImageList::fromVariant(attribute.value()).toVariant().toStringList();
     m_list->setAccessibleName(attribute.prettyName());
     fillList();
-    if (mixed)
+    if (mixed.any)
         m_list->setCurrentIndex(-1);
 }
 

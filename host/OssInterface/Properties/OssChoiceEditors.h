@@ -13,7 +13,7 @@ class OssChoiceEditor : public OssPropertyEditor
 
 public:
     explicit OssChoiceEditor(QWidget *parent);
-    void showValue(const OssCustomAttribute &attribute, bool mixed) override;
+    void showValue(const OssCustomAttribute &attribute, const OssMixed &mixed) override;
 
 private:
     QComboBox *m_list;
@@ -27,7 +27,7 @@ class OssFlagEditor : public OssPropertyEditor
 
 public:
     explicit OssFlagEditor(QWidget *parent);
-    void showValue(const OssCustomAttribute &attribute, bool mixed) override;
+    void showValue(const OssCustomAttribute &attribute, const OssMixed &mixed) override;
 
 private:
     QCheckBox *m_box;
@@ -41,7 +41,7 @@ class OssImagesEditor : public OssPropertyEditor
 
 public:
     explicit OssImagesEditor(QWidget *parent);
-    void showValue(const OssCustomAttribute &attribute, bool mixed) override;
+    void showValue(const OssCustomAttribute &attribute, const OssMixed &mixed) override;
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;

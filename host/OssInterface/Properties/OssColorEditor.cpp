@@ -1,25 +1,19 @@
 #include "OssInterface/Properties/OssColorEditor.h"
 
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Popups/OssApplication.h"
+#include "OssInterface/Properties/OssColorPicker.h"
 #include "OssInterface/Properties/OssNumberField.h"
-#include "OssModel/Images/OssDisplayColor.h"
 
-#include <QColorDialog>
 #include <QHBoxLayout>
 #include <QPainter>
 #include <QPushButton>
-
-#include <algorithm>
+#include <QUuid>
 
 namespace {
 
 constexpr QSize SwatchSize(26, 20);
 constexpr int Square = 5;
-
-double brightest(const OssColor &color)
-{
-    return std::max({color.red(), color.green(), color.blue(), 1.0});
-}
 
 } // namespace
 
@@ -40,17 +34,14 @@ OssColorEditor::OssColorEditor(QWidget *parent)
     for (int i = 0; i < Channels; ++i) {
         OssNumberField *field = m_fields[i] = new OssNumberField(this);
         field->setPrefix(QLatin1String(names[i]));
-        OssNumberField::Range range;
-        range.softMinimum = 0.0;
-        range.softMaximum = 1.0;
-        range.minimum = i == 3 ? std::optional<double>(0.0) : std::nullopt;
-        range.maximum = i == 3 ? std::optional<double>(1.0) : std::nullopt;
-        field->setRange(range);
         row->addWidget(field);
-        passOn(field, [this](double) {
-            paintSwatch();
-            return QVariant::fromValue(color());
-        });
+        passOn(
+            field,
+            [this](double) {
+                paintSwatch();
+                return QVariant::fromValue(color());
+            },
+            always({i}));
     }
     setFocusProxy(m_swatch);
 }
@@ -67,27 +58,35 @@ OssColor OssColorEditor::color() const
     return {m_fields[0]->value(), m_fields[1]->value(), m_fields[2]->value(), m_fields[3]->value()};
 }
 
-void OssColorEditor::showValue(const OssCustomAttribute &attribute, bool mixed)
+void OssColorEditor::showValue(const OssCustomAttribute &attribute, const OssMixed &mixed)
 {
     const auto value = attribute.value().value<OssColor>();
     const double channels[Channels] = {value.red(), value.green(), value.blue(), value.alpha()};
     m_display = attribute.definition().editor == QLatin1String("displaycolor");
     m_mixed = mixed;
+    const auto bound = [](const QVariant &number) {
+        return number.isValid() ? std::optional<double>(number.toDouble()) : std::nullopt;
+    };
+    m_minimum = bound(attribute.definition().minimum);
+    m_maximum = bound(attribute.definition().maximum);
     const char *const names[Channels] = {"red", "green", "blue", "alpha"};
     for (int i = 0; i < Channels; ++i) {
+        OssNumberField::Range range;
+        range.softMinimum = 0.0;
+        range.softMaximum = 1.0;
+        range.minimum = i == 3 ? std::optional<double>(0.0) : m_minimum;
+        range.maximum = i == 3 ? std::optional<double>(1.0) : m_maximum;
+        m_fields[i]->setRange(range);
         m_fields[i]->setValue(channels[i]);
-        m_fields[i]->setMixed(mixed);
+        m_fields[i]->setMixed(mixed.at(i));
         m_fields[i]->setAccessibleName(attribute.prettyName() + QLatin1Char(' ')
                                        + QLatin1String(names[i]));
     }
     m_swatch->setAccessibleName(attribute.prettyName());
-    m_swatch->setAccessibleDescription(mixed ? tr("mixed") : value.toString());
+    m_swatch->setAccessibleDescription(mixed.any ? tr("mixed") : value.toString());
     paintSwatch();
-}
-
-QColor OssColorEditor::shown(const OssColor &color) const
-{
-    return m_display ? color.toQColor() : OssDisplayColor::ofLinear(color);
+    if (m_picker && m_picker->color() != value)
+        m_picker->setColor(value);
 }
 
 void OssColorEditor::paintSwatch()
@@ -106,8 +105,8 @@ void OssColorEditor::paintSwatch()
                              ((x - right.left()) / Square + y / Square) % 2 ? QColor(150, 150, 150)
                                                                             : QColor(90, 90, 90));
     }
-    QColor opaque = shown(color());
-    if (m_mixed) {
+    QColor opaque = OssColorPicker::shown(color(), m_display);
+    if (m_mixed.any) {
         painter.fillRect(box, QBrush(palette().color(QPalette::PlaceholderText), Qt::BDiagPattern));
     } else {
         painter.fillRect(right, opaque);
@@ -120,31 +119,69 @@ void OssColorEditor::paintSwatch()
 
 // --- picker
 
+QString OssColorEditor::joinKey() const
+{
+    return m_telling ? m_session : QString();
+}
+
+void OssColorEditor::tell(const std::function<void()> &what)
+{
+    m_telling = true;
+    what();
+    m_telling = false;
+    m_lastStep = OssUndoManager::instance()->index();
+}
+
 void OssColorEditor::openPicker()
 {
-    if (m_picker || !OssApplication::popupsAllowed())
+    if (!OssApplication::popupsAllowed())
         return;
+    if (m_picker) {
+        m_picker->raise();
+        m_picker->activateWindow();
+        return;
+    }
     const OssColor start = color();
-    m_brightness = m_display ? 1.0 : brightest(start);
-    m_picker = new QColorDialog(this); // deletes itself
+    m_picker = new OssColorPicker({m_display, m_minimum, m_maximum}, start, this); // deletes itself
     m_picker->setAttribute(Qt::WA_DeleteOnClose);
-    m_picker->setOptions(QColorDialog::ShowAlphaChannel | QColorDialog::DontUseNativeDialog);
     m_picker->setWindowTitle(m_swatch->accessibleName());
-    m_picker->setWindowModality(Qt::ApplicationModal);
-    m_picker->setCurrentColor(shown({start.red() / m_brightness, start.green() / m_brightness,
-                                     start.blue() / m_brightness, start.alpha()}));
-    Q_EMIT dragBegun();
-    connect(m_picker, &QColorDialog::currentColorChanged, this, [this](const QColor &picked) {
-        const OssColor linear = m_display ? OssColor(picked) : OssDisplayColor::toLinear(picked);
-        Q_EMIT dragged(
-            QVariant::fromValue(OssColor(linear.red() * m_brightness, linear.green() * m_brightness,
-                                         linear.blue() * m_brightness, linear.alpha())));
-    });
-    connect(m_picker, &QDialog::finished, this, [this, start](int result) {
-        if (result != QDialog::Accepted)
-            Q_EMIT dragged(QVariant::fromValue(start));
-        m_picker = nullptr;
-        Q_EMIT dragEnded();
-    });
+    m_session = QUuid::createUuid().toString();
+    m_lastStep = OssUndoManager::instance()->index();
+    const auto passOn = [this](auto from, auto to) {
+        connect(m_picker, from, this, [this, to](const OssColor &color, const QVector<int> &parts) {
+            tell([&] { Q_EMIT(this->*to)(QVariant::fromValue(color), parts); });
+        });
+    };
+    passOn(&OssColorPicker::edited, &OssPropertyEditor::edited);
+    passOn(&OssColorPicker::stepped, &OssPropertyEditor::edited);
+    passOn(&OssColorPicker::dragged, &OssPropertyEditor::dragged);
+    connect(m_picker, &OssColorPicker::dragBegun, this,
+            [this] { tell([this] { Q_EMIT dragBegun(); }); });
+    connect(m_picker, &OssColorPicker::dragEnded, this,
+            [this] { tell([this] { Q_EMIT dragEnded(); }); });
+    connect(m_picker, &QDialog::finished, this,
+            [this, start, first = m_lastStep](int result) { closed(result, start, first); });
     m_picker->show();
+}
+
+void OssColorEditor::closed(int result, const OssColor &start, int firstStep)
+{
+    const OssColor last = m_picker->color();
+    m_picker = nullptr;
+    if (result == QDialog::Accepted || last == start)
+        return;
+    OssUndoManager *history = OssUndoManager::instance();
+    // When nothing came after what was picked, it is as if it had not been.
+    if (m_lastStep == firstStep + 1 && history->index() == m_lastStep)
+        history->undo();
+    else
+        tell([&] { Q_EMIT edited(QVariant::fromValue(start)); });
+}
+
+void OssColorEditor::changeEvent(QEvent *event)
+{
+    // A window of its own is not disabled along.
+    if (event->type() == QEvent::EnabledChange && !isEnabled() && m_picker)
+        m_picker->accept();
+    OssPropertyEditor::changeEvent(event);
 }

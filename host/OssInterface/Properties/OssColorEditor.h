@@ -4,13 +4,15 @@
 #include "OssInterface/OssInterface_export.h"
 #include "OssInterface/Properties/OssPropertyEditor.h"
 
+#include <functional>
+#include <optional>
+
 class OssNumberField;
-class QColorDialog;
+class OssColorPicker;
 class QPushButton;
 
 /// Edits a colour: a swatch that opens a picker, and the channels as numbers. Values are scene-linear
-/// and swatch and picker show what a display makes of them (OssDisplayColor); a colour brighter than
-/// the display keeps its brightness in the picker. With the definition's editor "displaycolor" values
+/// and the swatch shows what a display makes of them; with the definition's editor "displaycolor" they
 /// are the display's own.
 class OSSINTERFACE_EXPORT OssColorEditor : public OssPropertyEditor
 {
@@ -19,22 +21,34 @@ class OSSINTERFACE_EXPORT OssColorEditor : public OssPropertyEditor
 public:
     explicit OssColorEditor(QWidget *parent);
     ~OssColorEditor() override;
-    void showValue(const OssCustomAttribute &attribute, bool mixed) override;
+    void showValue(const OssCustomAttribute &attribute, const OssMixed &mixed) override;
 
-    /// A dialog whose colours are seen at once, and are one edit together.
+    QString joinKey() const override;
+
+    /// A window whose colours are seen at once and are one step together; everything else goes on
+    /// beside it. It closes with the editor and when that is disabled.
     void openPicker();
+
+protected:
+    void changeEvent(QEvent *event) override;
 
 private:
     static constexpr int Channels = 4;
 
     OssColor color() const;
-    QColor shown(const OssColor &color) const;
     void paintSwatch();
+    /// Something that the picker says.
+    void tell(const std::function<void()> &what);
+    void closed(int result, const OssColor &start, int firstStep);
 
     QPushButton *m_swatch;
     OssNumberField *m_fields[Channels] = {};
-    QColorDialog *m_picker = nullptr;
-    double m_brightness = 1.0; ///< of the colour being picked, above the display's white
+    OssColorPicker *m_picker = nullptr;
+    QString m_session;  ///< of the picker, while it is open
+    int m_lastStep = 0; ///< of the history, after what the picker said last
+    bool m_telling = false;
     bool m_display = false;
-    bool m_mixed = false;
+    OssMixed m_mixed;
+    std::optional<double> m_minimum;
+    std::optional<double> m_maximum;
 };

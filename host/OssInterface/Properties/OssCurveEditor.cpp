@@ -38,13 +38,16 @@ OssCurveEditor::OssCurveEditor(QWidget *parent)
 {
     makeRow()->addWidget(m_field);
     setFocusProxy(m_field);
-    passOn(m_field, [this] { return textFromPoints(m_field->points()); });
+    passOn(
+        m_field, [this] { return textFromPoints(m_field->points()); },
+        always(OssAttributeEdit::changedParts()));
 }
 
-void OssCurveEditor::showValue(const OssCustomAttribute &attribute, bool)
+void OssCurveEditor::showValue(const OssCustomAttribute &attribute, const OssMixed &mixed)
 {
     m_field->setAccessibleName(attribute.prettyName());
     m_field->setPoints(pointsFromText(attribute.value().toString()));
+    m_field->setMixed(mixed.any);
 }
 
 QVector<QPointF> OssCurveEditor::pointsFromText(const QString &text)
@@ -168,6 +171,7 @@ void OssCurveField::paintEvent(QPaintEvent *)
         painter.setBrush(current ? palette().color(QPalette::Link) : line);
         painter.drawEllipse(toWidget(m_points.at(i)), 4.5, 4.5);
     }
+    paintMixed(&painter, rect());
 }
 
 // --- changes
@@ -280,7 +284,7 @@ void OssCurveField::keyPressEvent(QKeyEvent *event)
         removePoint(m_current);
         return;
     default:
-        QWidget::keyPressEvent(event);
+        OssHandleField::keyPressEvent(event);
         return;
     }
     if (m_current < m_points.size() && movePoint(m_current, m_points.at(m_current) + way))

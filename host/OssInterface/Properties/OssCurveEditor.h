@@ -16,7 +16,7 @@ class OSSINTERFACE_EXPORT OssCurveEditor : public OssPropertyEditor
 
 public:
     explicit OssCurveEditor(QWidget *parent);
-    void showValue(const OssCustomAttribute &attribute, bool mixed) override;
+    void showValue(const OssCustomAttribute &attribute, const OssMixed &mixed) override;
 
     /// Points in ascending order of x; what is no point is left out.
     static QVector<QPointF> pointsFromText(const QString &text);

@@ -1,6 +1,7 @@
 #include "OssInterface/Properties/OssHandleField.h"
 
 #include <QKeyEvent>
+#include <QPainter>
 
 #include <utility>
 
@@ -23,6 +24,34 @@ bool OssHandleField::event(QEvent *event)
         }
     }
     return QWidget::event(event);
+}
+
+void OssHandleField::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Escape)
+        Q_EMIT left();
+    else
+        QWidget::keyPressEvent(event);
+}
+
+void OssHandleField::setMixed(bool mixed)
+{
+    m_mixed = mixed;
+    update();
+}
+
+void OssHandleField::paintMixed(QPainter *painter, const QRectF &picture) const
+{
+    if (!m_mixed)
+        return;
+    const QString text = tr("mixed");
+    QRectF box(0.0, 0.0, fontMetrics().horizontalAdvance(text) + 8.0, fontMetrics().height() + 2.0);
+    box.moveTopRight(picture.topRight() + QPointF(-3.0, 3.0));
+    painter->setPen(Qt::NoPen);
+    painter->setBrush(palette().color(QPalette::Base));
+    painter->drawRoundedRect(box, 3.0, 3.0);
+    painter->setPen(palette().color(QPalette::PlaceholderText));
+    painter->drawText(box, Qt::AlignCenter, text);
 }
 
 bool OssHandleField::isDragging()

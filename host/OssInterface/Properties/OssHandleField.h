@@ -13,6 +13,9 @@ class OSSINTERFACE_EXPORT OssHandleField : public QWidget
 public:
     explicit OssHandleField(QWidget *parent);
 
+    /// Several values that differ are edited together; this is one of them. Shown as such.
+    void setMixed(bool mixed);
+
 Q_SIGNALS:
     void edited();
     /// One of many small changes that follow each other.
@@ -20,10 +23,16 @@ Q_SIGNALS:
     void dragBegun();
     void dragged();
     void dragEnded();
+    /// By Escape.
+    void left();
 
 protected:
     /// Has Delete, Space and + for itself, also where they are keys of commands.
     bool event(QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+
+    /// Says so at the upper right of the picture.
+    void paintMixed(class QPainter *painter, const QRectF &picture) const;
 
     /// The pointer has a handle; a drag begins when it moves.
     void takeHandle() { m_hasHandle = true; }
@@ -38,4 +47,5 @@ protected:
 private:
     bool m_hasHandle = false;
     bool m_dragging = false;
+    bool m_mixed = false;
 };

@@ -9,6 +9,7 @@
 #include "OssInterface/Widgets/OssFormLayout.h"
 #include "OssInterface/Widgets/OssMiniButton.h"
 #include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
 
 #include <QApplication>
@@ -27,7 +28,6 @@
 namespace {
 
 // View state of a node that outlives its panels.
-constexpr const char *LockedProperty = "_propertiesLocked";
 constexpr const char *PinnedProperty = "_propertiesPinned";
 const QString ValuesMimeType = QStringLiteral("application/x-ossa-values");
 
@@ -55,8 +55,8 @@ OssNodePropertyPanel::OssNodePropertyPanel(OssSnBaseNode *node,
     makeHeading();
     setBody(makeBody(options));
     followNode(options.title.isEmpty());
-    if (isLocked())
-        setLocked(true);
+    followSelection();
+    showLock();
     refreshTargets();
 }
 
@@ -66,8 +66,7 @@ OssNodePropertyPanel::~OssNodePropertyPanel() = default;
 
 void OssNodePropertyPanel::makeHeading()
 {
-    heading()->setToolTip(m_node->nodeType() ? m_node->nodeType()->description
-                                             : m_node->description());
+    describe();
     m_others = new QLabel(this);
     m_others->setObjectName(QStringLiteral("Muted"));
     m_others->hide();
@@ -77,11 +76,25 @@ void OssNodePropertyPanel::makeHeading()
     heading()->insertWidget(-1, m_others);
     heading()->insertWidget(-1, m_lock);
     heading()->insertWidget(-1, m_pin);
-    connect(m_lock, &QAbstractButton::toggled, this, &OssNodePropertyPanel::setLocked);
+    QAbstractButton *close = makeButton(QStringLiteral("Close.png"), tr("Close this panel"), false);
+    close->setCheckable(false);
+    heading()->insertWidget(-1, close);
+    connect(close, &QAbstractButton::clicked, this, &QWidget::close);
+    connect(m_lock, &QAbstractButton::clicked, this, &OssNodePropertyPanel::setLocked);
     connect(m_pin, &QAbstractButton::toggled, this, &OssNodePropertyPanel::setPinned);
     heading()->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(heading(), &QWidget::customContextMenuRequested, this,
             [this](const QPoint &at) { openMenu(heading()->mapToGlobal(at)); });
+}
+
+void OssNodePropertyPanel::describe()
+{
+    QStringList lines;
+    if (m_node->nodeType())
+        lines.append(m_node->nodeType()->description);
+    lines.append(m_node->description());
+    lines.removeAll(QString());
+    heading()->setDescription(lines.join(QLatin1Char('\n')));
 }
 
 QAbstractButton *OssNodePropertyPanel::makeButton(const QString &icon, const QString &toolTip,
@@ -100,7 +113,7 @@ QAbstractButton *OssNodePropertyPanel::makeButton(const QString &icon, const QSt
 QVector<OssNodePropertyPanel::Section> OssNodePropertyPanel::sections(
     const OssPropertyPanelOptions &options) const
 {
-    QVector<Section> found{{QString(), {}}};
+    QVector<Section> found;
     for (const OssCustomAttribute &attribute : m_node->userAttributes()) {
         if (!isShown(attribute) || options.hiddenSections.contains(attribute.group()))
             continue;
@@ -177,6 +190,7 @@ void OssNodePropertyPanel::addRow(const QString &attribute, OssFormLayout *form,
     auto *row = new OssPropertyRow(m_node, m_node->userAttribute(attribute), parent);
     m_rows.insert(attribute, row);
     form->addRow(row->label(), row->editor());
+    connect(row, &OssPropertyRow::left, this, &OssNodePropertyPanel::left);
 }
 
 void OssNodePropertyPanel::addNodeSection(const OssPropertyPanelOptions &options,
@@ -190,6 +204,7 @@ void OssNodePropertyPanel::addNodeSection(const OssPropertyPanelOptions &options
         auto *rows = new QWidget(list);
         auto *name = new QLineEdit(m_node->name(), rows);
         name->setAccessibleName(tr("Name"));
+        m_name = name;
         makeForm(rows)->addRow(tr("Name"), name);
         list->setBody(rows);
         layout->addWidget(list);
@@ -199,6 +214,7 @@ void OssNodePropertyPanel::addNodeSection(const OssPropertyPanelOptions &options
             m_node->setName(name->text());
             name->setText(m_node->name());
         });
+        connect(name, &QLineEdit::returnPressed, this, &OssNodePropertyPanel::left);
         connect(m_node, &OssSnBaseNode::nameChanged, name, &QLineEdit::setText);
     }
 }
@@ -216,16 +232,31 @@ void OssNodePropertyPanel::followNode(bool title)
             heading()->setText(name);
         setAccessibleName(tr("Properties of %1").arg(name));
     });
-    connect(m_node, &OssSerializableObject::selectedChanged, this,
-            &OssNodePropertyPanel::refreshTargets);
-    // What is selected besides may change unseen while nobody edits here.
-    connect(qApp, &QApplication::focusChanged, this, [this](QWidget *before, QWidget *now) {
-        if (now && isAncestorOf(now) && !(before && isAncestorOf(before)))
-            refreshTargets();
-    });
+    connect(m_node, &OssSnBaseNode::descriptionChanged, this, &OssNodePropertyPanel::describe);
+    connect(m_node, &OssSnBaseNode::lockedChanged, this, &OssNodePropertyPanel::showLock);
     connect(OssLinkedCustomAttributeManager::instance(),
             &OssLinkedCustomAttributeManager::linksChanged, this,
             &OssNodePropertyPanel::refreshLinked);
+}
+
+void OssNodePropertyPanel::followSelection()
+{
+    connect(m_node, &OssSerializableObject::selectedChanged, this,
+            &OssNodePropertyPanel::refreshTargets);
+    if (const OssShaderNetwork *network = m_node->network()) {
+        connect(network, &OssShaderNetwork::selectionChanged, this,
+                &OssNodePropertyPanel::refreshLater);
+        connect(network, &OssShaderNetwork::nodesChanged, this,
+                &OssNodePropertyPanel::refreshLater);
+    }
+}
+
+void OssNodePropertyPanel::refreshLater()
+{
+    if (m_refreshes || !m_node || (!m_node->selected() && m_followed.isEmpty()))
+        return;
+    m_refreshes = true;
+    QMetaObject::invokeMethod(this, &OssNodePropertyPanel::refreshTargets, Qt::QueuedConnection);
 }
 
 void OssNodePropertyPanel::refreshRow(const QString &attribute)
@@ -249,39 +280,61 @@ void OssNodePropertyPanel::refreshLinked(const OssSnGroupNode *group, const QStr
 
 void OssNodePropertyPanel::refreshTargets()
 {
+    m_refreshes = false;
     if (!m_node)
         return;
-    const int others = OssAttributeEdit::targets(m_node).size() - 1;
-    if (others == 0 && m_others->isHidden())
+    const QList<OssSnBaseNode *> nodes = OssAttributeEdit::targets(m_node);
+    const int others = nodes.size() - 1;
+    if (others == 0 && m_followed.isEmpty())
         return;
+    for (const QPointer<OssSnBaseNode> &node : qAsConst(m_followed)) {
+        if (node)
+            node->disconnect(this);
+    }
+    m_followed.clear();
+    for (OssSnBaseNode *node : nodes.mid(1)) {
+        connect(node, &OssSerializableObject::userAttributeChanged, this,
+                &OssNodePropertyPanel::refreshLater);
+        connect(node, &OssSnBaseNode::lockedChanged, this, &OssNodePropertyPanel::refreshLater);
+        m_followed.append(node);
+    }
     m_others->setText(tr("and %n more", "", others));
     m_others->setToolTip(tr("Edits go to all selected nodes of this type"));
     m_others->setVisible(others > 0);
     for (OssPropertyRow *row : qAsConst(m_rows))
-        row->refreshTargets();
-}
-
-void OssNodePropertyPanel::enterEvent(QEvent *event)
-{
-    refreshTargets();
-    OssExpandableListWidget::enterEvent(event);
+        row->refresh();
 }
 
 // --- lock and pin
 
+void OssNodePropertyPanel::letGo()
+{
+    if (m_node)
+        m_node->disconnect(this);
+    for (OssPropertyRow *row : qAsConst(m_rows))
+        row->letGo();
+    m_node = nullptr;
+}
+
 bool OssNodePropertyPanel::isLocked() const
 {
-    return m_node && m_node->property(LockedProperty).toBool();
+    return m_node && m_node->isLocked();
 }
 
 void OssNodePropertyPanel::setLocked(bool locked)
 {
-    if (!m_node)
-        return;
-    m_node->setProperty(LockedProperty, locked);
-    m_lock->setChecked(locked);
+    if (m_node)
+        m_node->setLocked(locked);
+}
+
+void OssNodePropertyPanel::showLock()
+{
+    m_lock->setChecked(isLocked());
+    m_lock->setToolTip(isLocked() ? tr("Unlock the values") : tr("Lock the values"));
+    if (m_name)
+        m_name->setEnabled(!isLocked());
     for (OssPropertyRow *row : qAsConst(m_rows))
-        row->setLocked(locked);
+        row->refresh();
 }
 
 bool OssNodePropertyPanel::isPinned() const
@@ -328,7 +381,7 @@ void OssNodePropertyPanel::pasteValues()
                 continue;
             const QString text = values.value(attribute.name()).toString();
             const QVariant value = OssAttributeKind::fromWords(attribute.value(), text);
-            if (value.isValid())
+            if (value.isValid() && node->lockOf(attribute.name()).isEmpty())
                 node->setAttribute(attribute.name(), value);
         }
     }
@@ -374,16 +427,19 @@ OssPropertyRow *OssNodePropertyPanel::focusedRow() const
 void OssNodePropertyPanel::keyPressEvent(QKeyEvent *event)
 {
     OssPropertyRow *row = focusedRow();
-    const Qt::KeyboardModifiers modifiers = event->modifiers();
     const int key = event->key();
-    if (row && modifiers == (Qt::ControlModifier | Qt::ShiftModifier) && key == Qt::Key_C)
-        row->copyValue();
-    else if (row && modifiers == (Qt::ControlModifier | Qt::ShiftModifier) && key == Qt::Key_V)
-        row->pasteValue();
-    else if (row && modifiers == Qt::ControlModifier && key == Qt::Key_Backspace)
-        row->reset();
-    else if (row && (key == Qt::Key_Menu || (modifiers == Qt::ShiftModifier && key == Qt::Key_F10)))
+    if (row && row->takeKey(event))
+        return;
+    if (row
+        && (key == Qt::Key_Menu || (event->modifiers() == Qt::ShiftModifier && key == Qt::Key_F10)))
         row->openMenu(row->label()->mapToGlobal({0, row->label()->height()}));
     else
         OssExpandableListWidget::keyPressEvent(event);
+}
+
+void OssNodePropertyPanel::closeEvent(QCloseEvent *event)
+{
+    if (isAncestorOf(QApplication::focusWidget()))
+        Q_EMIT left();
+    OssExpandableListWidget::closeEvent(event);
 }

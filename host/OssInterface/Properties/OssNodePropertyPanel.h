@@ -19,8 +19,8 @@ class QVBoxLayout;
 /// The property editor of a node: a row for each visible attribute, in a section for each group of
 /// them. It follows the node's values, names and links; whoever shows it makes it anew when the
 /// attributes are others. While the node is one of several selected ones of its type, an edit goes to
-/// all of them. Locked, it shows only; pinned, whoever shows panels keeps it. Both last as long as
-/// the node, not the panel.
+/// all of them. Of a locked node it shows only; pinned, whoever shows panels keeps it. Both are the
+/// node's and outlive the panel.
 class OSSINTERFACE_EXPORT OssNodePropertyPanel : public OssExpandableListWidget
 {
     Q_OBJECT
@@ -32,7 +32,7 @@ public:
                          QWidget *parent);
     ~OssNodePropertyPanel() override;
 
-    /// Null once it is gone.
+    /// Null once it is gone or let go of.
     OssSnBaseNode *node() const { return m_node; }
 
     /// Null when there is none of that name.
@@ -40,6 +40,10 @@ public:
 
     /// The row that has the keyboard focus; null when none has.
     OssPropertyRow *focusedRow() const;
+
+    /// The node leaves the document, and the panel will, too: nothing that is half typed becomes an
+    /// edit.
+    void letGo();
 
     bool isLocked() const;
     void setLocked(bool locked);
@@ -52,9 +56,13 @@ public:
     void pasteValues();
     void resetValues();
 
+Q_SIGNALS:
+    /// The user is done with what had the keyboard here, or closes the panel while it has it.
+    void left();
+
 protected:
     void keyPressEvent(QKeyEvent *event) override;
-    void enterEvent(QEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
 
 private:
     struct Section
@@ -71,6 +79,11 @@ private:
     void makeHeading();
     QAbstractButton *makeButton(const QString &icon, const QString &toolTip, bool checked);
     void followNode(bool title);
+    void followSelection();
+    void describe();
+    void showLock();
+    /// In the event loop, once for many changes.
+    void refreshLater();
     void refreshTargets();
     void refreshRow(const QString &attribute);
     void refreshLinked(const OssSnGroupNode *group, const QString &knob);
@@ -79,6 +92,9 @@ private:
     QPointer<OssSnBaseNode> m_node;
     QHash<QString, OssPropertyRow *> m_rows;
     QLabel *m_others = nullptr;
+    QPointer<QWidget> m_name;                    ///< where the node's name is edited, if it is
+    QVector<QPointer<OssSnBaseNode>> m_followed; ///< what else is edited here
+    bool m_refreshes = false;
     QAbstractButton *m_lock = nullptr;
     QAbstractButton *m_pin = nullptr;
 };

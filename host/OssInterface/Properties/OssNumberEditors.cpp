@@ -33,12 +33,12 @@ QVariant OssNumberEditor::asValue(double number) const
     return m_type == QMetaType::Int ? QVariant(int(number)) : QVariant(number);
 }
 
-void OssNumberEditor::showValue(const OssCustomAttribute &attribute, bool mixed)
+void OssNumberEditor::showValue(const OssCustomAttribute &attribute, const OssMixed &mixed)
 {
     m_type = attribute.value().userType();
     m_field->setRange(rangeOf(attribute));
     m_field->setValue(attribute.value().toDouble());
-    m_field->setMixed(mixed);
+    m_field->setMixed(mixed.any);
     m_field->setAccessibleName(attribute.prettyName());
 }
 
@@ -51,7 +51,8 @@ OssVectorEditor::OssVectorEditor(QWidget *parent)
         OssNumberField *field = m_fields[i] = new OssNumberField(this);
         field->setPrefix(names[i]);
         row->addWidget(field);
-        passOn(field, [this](double) { return value(); });
+        passOn(
+            field, [this](double) { return value(); }, always({i}));
     }
     setFocusProxy(m_fields[0]);
 }
@@ -61,13 +62,13 @@ QVariant OssVectorEditor::value() const
     return QPointF(m_fields[0]->value(), m_fields[1]->value());
 }
 
-void OssVectorEditor::showValue(const OssCustomAttribute &attribute, bool mixed)
+void OssVectorEditor::showValue(const OssCustomAttribute &attribute, const OssMixed &mixed)
 {
     const QPointF point = attribute.value().toPointF();
     for (int i = 0; i < 2; ++i) {
         m_fields[i]->setRange(rangeOf(attribute));
         m_fields[i]->setValue(i == 0 ? point.x() : point.y());
-        m_fields[i]->setMixed(mixed);
+        m_fields[i]->setMixed(mixed.at(i));
         m_fields[i]->setAccessibleName(attribute.prettyName()
                                        + (i == 0 ? QStringLiteral(" X") : QStringLiteral(" Y")));
     }

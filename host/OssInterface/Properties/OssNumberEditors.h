@@ -11,7 +11,7 @@ class OssNumberEditor : public OssPropertyEditor
 
 public:
     explicit OssNumberEditor(QWidget *parent);
-    void showValue(const OssCustomAttribute &attribute, bool mixed) override;
+    void showValue(const OssCustomAttribute &attribute, const OssMixed &mixed) override;
 
 private:
     QVariant asValue(double number) const;
@@ -27,7 +27,7 @@ class OssVectorEditor : public OssPropertyEditor
 
 public:
     explicit OssVectorEditor(QWidget *parent);
-    void showValue(const OssCustomAttribute &attribute, bool mixed) override;
+    void showValue(const OssCustomAttribute &attribute, const OssMixed &mixed) override;
 
 private:
     QVariant value() const;

@@ -18,8 +18,11 @@ constexpr int DragThreshold = 3;
 constexpr double FineFactor = 0.1;
 constexpr double Corner = 4.0;
 constexpr int LargeStep = 10;
-constexpr int ShownDigits = 6;
 constexpr int FewestDigits = 2;
+constexpr int MostDecimals = 12;
+constexpr double Significant = 1e5;
+constexpr double Huge = 1e12; ///< from here on as a power of ten
+constexpr double Tiny = 1e-9;
 constexpr int Margin = 6;
 constexpr int NarrowMargin = 3;
 constexpr int Narrow = 60;
@@ -102,24 +105,45 @@ void OssNumberField::setPrefix(const QString &prefix)
     update();
 }
 
+int OssNumberField::decimals() const
+{
+    if (m_range.isInteger)
+        return 0;
+    // Values a hundredth of a step apart are told apart; without a range, six digits are.
+    const double least = hasSoftRange() ? singleStep() / 100.0
+                                        : std::max(std::fabs(m_value), 1.0) / Significant;
+    return qBound(0, int(std::ceil(-std::log10(least) - Tiny)), MostDecimals);
+}
+
+QString OssNumberField::textWith(int decimals) const
+{
+    const double least = std::pow(10.0, 1 - decimals);
+    const double size = std::fabs(m_value);
+    if ((size > 0.0 && size < least && !m_range.isInteger) || size >= Huge)
+        return QString::number(m_value, 'g', FewestDigits + qMin(decimals, 1));
+    QString text = QString::number(m_value, 'f', decimals);
+    while (text.contains(QLatin1Char('.'))
+           && (text.endsWith(QLatin1Char('0')) || text.endsWith(QLatin1Char('.')))) {
+        const bool point = text.endsWith(QLatin1Char('.'));
+        text.chop(1);
+        if (point)
+            break;
+    }
+    return text;
+}
+
 QString OssNumberField::text() const
 {
-    if (m_mixed)
-        return tr("mixed");
-    return m_range.isInteger ? QString::number(qint64(m_value))
-                             : QString::number(m_value, 'g', ShownDigits);
+    return m_mixed ? tr("mixed") : textWith(decimals());
 }
 
 QString OssNumberField::textFitting(int width) const
 {
     QString shown = text();
     // Digits that have no room are left out, not replaced by dots.
-    for (int digits = ShownDigits - 1; !m_range.isInteger && !m_mixed && digits >= FewestDigits
-                                       && fontMetrics().horizontalAdvance(shown) > width;
-         --digits)
-        shown = QString::number(m_value, 'g', digits);
-    if (!m_range.isInteger && !m_mixed && fontMetrics().horizontalAdvance(shown) > width)
-        shown = QString::number(m_value, 'f', FewestDigits);
+    for (int digits = decimals() - 1;
+         !m_mixed && digits >= 0 && fontMetrics().horizontalAdvance(shown) > width; --digits)
+        shown = textWith(digits);
     return fontMetrics().elidedText(shown, Qt::ElideRight, width);
 }
 
@@ -348,6 +372,10 @@ void OssNumberField::keyPressEvent(QKeyEvent *event)
     const QString typed = event->text();
     if (plain && stepByKey(event->key()))
         return;
+    if (plain && event->key() == Qt::Key_Escape) {
+        Q_EMIT left();
+        return;
+    }
     if (plain
         && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter
             || event->key() == Qt::Key_F2))
@@ -391,7 +419,9 @@ bool OssNumberField::eventFilter(QObject *watched, QEvent *event)
         const int key = static_cast<QKeyEvent *>(event)->key();
         // Used up here: the field around would begin anew at Return.
         if (key == Qt::Key_Escape || key == Qt::Key_Return || key == Qt::Key_Enter) {
-            finishTyping(key != Qt::Key_Escape);
+            finishTyping(key != Qt::Key_Escape, true);
+            if (!m_typing && key != Qt::Key_Escape)
+                Q_EMIT left();
             return true;
         }
         if (key == Qt::Key_Tab || key == Qt::Key_Backtab) {
@@ -411,7 +441,7 @@ bool OssNumberField::eventFilter(QObject *watched, QEvent *event)
     return QWidget::eventFilter(watched, event);
 }
 
-void OssNumberField::finishTyping(bool keep)
+void OssNumberField::finishTyping(bool keep, bool asked)
 {
     if (!m_typing)
         return;
@@ -427,7 +457,8 @@ void OssNumberField::finishTyping(bool keep)
             return;
         }
     }
-    const bool typed = keep && (m_typing->isModified() || m_mixed);
+    // Who only looked at one of several values does not give it to all.
+    const bool typed = keep && (m_typing->isModified() || (m_mixed && asked));
     closeEditor();
     value = bounded(value);
     if (!typed || (value == m_value && !m_mixed))

@@ -66,6 +66,8 @@ Q_SIGNALS:
     void dragBegun();
     void dragged(double value);
     void dragEnded();
+    /// By Return, when what was typed was taken, or by Escape.
+    void left();
 
 protected:
     bool event(QEvent *event) override;
@@ -81,11 +83,15 @@ protected:
 private:
     double bounded(double value) const;
     bool hasSoftRange() const;
+    /// Behind the point, so that values which the range's steps tell apart look different.
+    int decimals() const;
+    QString textWith(int decimals) const;
     /// With as many digits as there is room for.
     QString textFitting(int width) const;
     bool stepByKey(int key);
     void endDrag(bool keep);
-    void finishTyping(bool keep);
+    /// `asked`: by a key that says so, not by going elsewhere.
+    void finishTyping(bool keep, bool asked = false);
     void closeEditor();
 
     Range m_range;

@@ -29,7 +29,7 @@ public:
 
     bool isEditable() const override { return false; }
 
-    void showValue(const OssCustomAttribute &attribute, bool) override
+    void showValue(const OssCustomAttribute &attribute, const OssMixed &) override
     {
         m_label->setText(OssValueText::toText(attribute.value()));
     }

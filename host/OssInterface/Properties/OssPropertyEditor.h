@@ -2,6 +2,7 @@
 
 #include "OssCore/Values/OssCustomAttribute.h"
 #include "OssInterface/OssInterface_export.h"
+#include "OssInterface/Properties/OssAttributeEdit.h"
 
 #include <QWidget>
 
@@ -22,34 +23,58 @@ public:
     /// Whether the editor can change the value that it shows.
     virtual bool isEditable() const { return true; }
 
-    /// `mixed`: the nodes that are edited together have different values, this is one of them.
-    virtual void showValue(const OssCustomAttribute &attribute, bool mixed) = 0;
+    /// The values of what is edited together may differ, as `mixed` tells; this is one of them.
+    virtual void showValue(const OssCustomAttribute &attribute, const OssMixed &mixed) = 0;
+
+    /// While it is not empty, all edits told of are one step together.
+    virtual QString joinKey() const { return {}; }
 
 Q_SIGNALS:
-    void edited(const QVariant &value);
+    // `parts`: what of the value the user changed (OssAttributeEdit); none is all of it.
+    void edited(const QVariant &value, const QVector<int> &parts = {});
     /// One of many small changes that follow each other, as by a key that is held down.
-    void stepped(const QVariant &value);
+    void stepped(const QVariant &value, const QVector<int> &parts = {});
     /// A drag; its values are seen at once, and are one edit together.
     void dragBegun();
-    void dragged(const QVariant &value);
+    void dragged(const QVariant &value, const QVector<int> &parts = {});
     void dragEnded();
+    /// The user is done here, by Return or Escape: the keyboard may go back to where it was.
+    void left();
 
 protected:
     /// A horizontal row for the editor's parts.
     class QHBoxLayout *makeRow();
 
+    /// The same parts whatever is told.
+    static auto always(const QVector<int> &parts)
+    {
+        return [parts](const auto &...) {
+            return parts;
+        };
+    }
+
     /// What a part with the signals of an editor says is the editor's word. `value` gives the value
-    /// to tell with it, from what the part's signal carries.
+    /// to tell with it, and `parts` what of it that changes, from what the part's signal carries.
+    template <class Part, class Value, class Parts>
+    void passOn(Part *part, Value value, Parts parts)
+    {
+        const auto told = [this, value, parts](auto signal) {
+            return [this, value, parts, signal](const auto &...what) {
+                const QVariant now = value(what...);
+                Q_EMIT(this->*signal)(now, parts(what...));
+            };
+        };
+        connect(part, &Part::edited, this, told(&OssPropertyEditor::edited));
+        connect(part, &Part::stepped, this, told(&OssPropertyEditor::stepped));
+        connect(part, &Part::dragged, this, told(&OssPropertyEditor::dragged));
+        connect(part, &Part::dragBegun, this, &OssPropertyEditor::dragBegun);
+        connect(part, &Part::dragEnded, this, &OssPropertyEditor::dragEnded);
+        connect(part, &Part::left, this, &OssPropertyEditor::left);
+    }
+
     template <class Part, class Value>
     void passOn(Part *part, Value value)
     {
-        connect(part, &Part::edited, this,
-                [this, value](const auto &...told) { Q_EMIT edited(value(told...)); });
-        connect(part, &Part::stepped, this,
-                [this, value](const auto &...told) { Q_EMIT stepped(value(told...)); });
-        connect(part, &Part::dragged, this,
-                [this, value](const auto &...told) { Q_EMIT dragged(value(told...)); });
-        connect(part, &Part::dragBegun, this, &OssPropertyEditor::dragBegun);
-        connect(part, &Part::dragEnded, this, &OssPropertyEditor::dragEnded);
+        passOn(part, value, always({}));
     }
 };

@@ -9,9 +9,12 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QMimeData>
 #include <QPainter>
+
+#include <functional>
 
 namespace {
 
@@ -52,9 +55,8 @@ protected:
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
         const QColor color = m_broken ? BrokenColor : palette().color(QPalette::Link);
-        const int text = fontMetrics().horizontalAdvance(OssMenu::asSeen(this->text()));
-        const QPointF at(qMax(MarkRadius + 1.0, double(width() - text) - MarkColumn / 2.0 - 1.0),
-                         height() / 2.0);
+        // In the column that the text leaves free, whatever its length and the label's width.
+        const QPointF at(MarkColumn / 2.0, height() / 2.0);
         painter.setPen(m_linked ? QPen(color, 1.2) : Qt::NoPen);
         painter.setBrush(m_changed ? QBrush(color) : Qt::NoBrush);
         painter.drawEllipse(at, MarkRadius, MarkRadius);
@@ -82,16 +84,25 @@ OssPropertyRow::OssPropertyRow(OssSnBaseNode *node, const OssCustomAttribute &at
     connect(m_label, &QWidget::customContextMenuRequested, this,
             [this](const QPoint &at) { openMenu(m_label->mapToGlobal(at)); });
     connect(m_editor, &OssPropertyEditor::edited, this,
-            [this](const QVariant &value) { m_edit.set(value); });
+            [this](const QVariant &value, const QVector<int> &parts) {
+                m_edit.set(value, parts, m_editor->joinKey());
+                refresh();
+            });
     connect(m_editor, &OssPropertyEditor::stepped, this,
-            [this](const QVariant &value) { m_edit.step(value); });
-    connect(m_editor, &OssPropertyEditor::dragBegun, this, [this] { m_edit.begin(); });
-    connect(m_editor, &OssPropertyEditor::dragged, this,
-            [this](const QVariant &value) { m_edit.drag(value); });
+            [this](const QVariant &value, const QVector<int> &parts) {
+                m_edit.step(value, parts);
+                refresh();
+            });
+    connect(m_editor, &OssPropertyEditor::dragBegun, this,
+            [this] { m_edit.begin(m_editor->joinKey()); });
+    connect(
+        m_editor, &OssPropertyEditor::dragged, this,
+        [this](const QVariant &value, const QVector<int> &parts) { m_edit.drag(value, parts); });
     connect(m_editor, &OssPropertyEditor::dragEnded, this, [this] {
         m_edit.end();
-        refreshTargets();
+        refresh();
     });
+    connect(m_editor, &OssPropertyEditor::left, this, &OssPropertyRow::left);
     refresh();
 }
 
@@ -102,24 +113,13 @@ void OssPropertyRow::refresh()
     const OssCustomAttribute attribute = m_edit.attribute();
     if (!attribute.isValid())
         return;
+    const QString lock = m_edit.lock();
+    if (!lock.isEmpty())
+        m_edit.end();
     m_label->setText(OssMenu::asTyped(attribute.prettyName()));
-    m_editor->showValue(attribute, m_mixed);
-    showMarks(attribute);
-}
-
-void OssPropertyRow::refreshTargets()
-{
-    const bool mixed = !m_edit.isDragging() && m_edit.isMixed();
-    if (mixed == m_mixed)
-        return;
-    m_mixed = mixed;
-    refresh();
-}
-
-void OssPropertyRow::setLocked(bool locked)
-{
-    m_locked = locked;
-    m_editor->setEnabled(!locked);
+    m_editor->setEnabled(lock.isEmpty());
+    m_editor->showValue(attribute, m_edit.isDragging() ? OssMixed() : m_edit.mixed());
+    showMarks(attribute, lock);
 }
 
 // --- marks
@@ -147,10 +147,13 @@ QString OssPropertyRow::toolTipFor(const OssCustomAttribute &attribute, bool *br
     return lines.join(QLatin1Char('\n'));
 }
 
-void OssPropertyRow::showMarks(const OssCustomAttribute &attribute)
+void OssPropertyRow::showMarks(const OssCustomAttribute &attribute, const QString &lock)
 {
     bool broken = false;
-    const QString toolTip = toolTipFor(attribute, &broken);
+    QString toolTip = toolTipFor(attribute, &broken);
+    if (!lock.isEmpty())
+        toolTip += (toolTip.isEmpty() ? QString() : QStringLiteral("\n"))
+                   + tr("Cannot be edited: %1").arg(lock);
     const bool linked =
         !OssLinkedCustomAttributeManager::instance()->knobsOf(m_node, m_name).isEmpty()
         || attribute.definition().isKnob;
@@ -161,10 +164,23 @@ void OssPropertyRow::showMarks(const OssCustomAttribute &attribute)
 
 // --- values
 
+void OssPropertyRow::letGo()
+{
+    m_edit.letGo();
+    m_node = nullptr;
+}
+
+bool OssPropertyRow::canEdit() const
+{
+    return m_node && m_edit.lock().isEmpty();
+}
+
 void OssPropertyRow::reset()
 {
-    if (!m_locked)
-        m_edit.reset();
+    if (!canEdit())
+        return;
+    m_edit.reset();
+    refresh();
 }
 
 void OssPropertyRow::copyValue() const
@@ -194,21 +210,67 @@ QVariant OssPropertyRow::clipboardValue() const
 void OssPropertyRow::pasteValue()
 {
     const QVariant value = clipboardValue();
-    if (value.isValid() && !m_locked)
-        m_edit.set(value);
+    if (!value.isValid() || !canEdit())
+        return;
+    m_edit.set(value);
+    refresh();
+}
+
+// --- commands
+
+struct OssPropertyRow::Command
+{
+    QString title;
+    QKeySequence key;
+    std::function<void(OssPropertyRow *)> run;
+    std::function<bool(const OssPropertyRow *)> isPossible;
+};
+
+bool OssPropertyRow::canReset() const
+{
+    return canEdit() && (!m_edit.attribute().isDefault() || m_edit.mixed().any);
+}
+
+bool OssPropertyRow::canPaste() const
+{
+    return canEdit() && clipboardValue().isValid();
+}
+
+const QVector<OssPropertyRow::Command> &OssPropertyRow::commands()
+{
+    static const QVector<Command> all{{tr("Reset to Default"), Qt::CTRL + Qt::Key_Backspace,
+                                       &OssPropertyRow::reset, &OssPropertyRow::canReset},
+                                      {tr("Copy Value"), Qt::CTRL + Qt::SHIFT + Qt::Key_C,
+                                       &OssPropertyRow::copyValue,
+                                       [](const OssPropertyRow *) {
+                                           return true;
+                                       }},
+                                      {tr("Paste Value"), Qt::CTRL + Qt::SHIFT + Qt::Key_V,
+                                       &OssPropertyRow::pasteValue, &OssPropertyRow::canPaste}};
+    return all;
+}
+
+bool OssPropertyRow::takeKey(const QKeyEvent *event)
+{
+    const QKeySequence pressed(int(event->modifiers() & ~Qt::KeypadModifier) + event->key());
+    for (const Command &command : commands()) {
+        if (command.key == pressed) {
+            command.run(this);
+            return true;
+        }
+    }
+    return false;
 }
 
 void OssPropertyRow::openMenu(const QPoint &globalPosition)
 {
     QMenu menu(m_label);
-    QAction *reset = menu.addAction(tr("Reset to Default"), this, &OssPropertyRow::reset);
-    reset->setShortcut(Qt::CTRL + Qt::Key_Backspace);
-    reset->setEnabled(!m_locked && !m_edit.attribute().isDefault());
-    menu.addSeparator();
-    menu.addAction(tr("Copy Value"), this, &OssPropertyRow::copyValue)
-        ->setShortcut(Qt::CTRL + Qt::SHIFT + Qt::Key_C);
-    QAction *paste = menu.addAction(tr("Paste Value"), this, &OssPropertyRow::pasteValue);
-    paste->setShortcut(Qt::CTRL + Qt::SHIFT + Qt::Key_V);
-    paste->setEnabled(!m_locked && clipboardValue().isValid());
+    for (const Command &command : commands()) {
+        QAction *action = menu.addAction(command.title, this,
+                                         [this, &command] { command.run(this); });
+        action->setShortcut(command.key);
+        action->setEnabled(command.isPossible(this));
+    }
+    menu.insertSeparator(menu.actions().value(1));
     menu.exec(globalPosition);
 }

@@ -6,6 +6,7 @@
 #include <QLabel>
 
 class OssPropertyEditor;
+class QKeyEvent;
 class QMenu;
 
 /// One attribute in a property panel: its label with the marks of what was changed and what is
@@ -19,15 +20,17 @@ public:
     OssPropertyRow(OssSnBaseNode *node, const OssCustomAttribute &attribute, QWidget *parent);
     ~OssPropertyRow() override;
 
+    QString name() const { return m_name; }
+
     QLabel *label() const { return m_label; }
 
     OssPropertyEditor *editor() const { return m_editor; }
 
-    /// Shows the present value.
+    /// Shows the present value, whether the nodes edited together differ, and whether it is locked.
     void refresh();
-    /// Shows the present value and whether the nodes edited together differ.
-    void refreshTargets();
-    void setLocked(bool locked);
+
+    /// See OssNodePropertyPanel.
+    void letGo();
 
     void reset();
     /// To the clipboard, exactly and as text.
@@ -35,10 +38,22 @@ public:
     /// A value that was copied here, or text: also arithmetic for a number. Nothing happens when it
     /// is no value for this attribute.
     void pasteValue();
+    /// The commands of the menu by their keys. False for other keys.
+    bool takeKey(const QKeyEvent *event);
     void openMenu(const QPoint &globalPosition);
 
+Q_SIGNALS:
+    /// See OssPropertyEditor.
+    void left();
+
 private:
-    void showMarks(const OssCustomAttribute &attribute);
+    struct Command;
+
+    static const QVector<Command> &commands();
+    bool canEdit() const;
+    bool canReset() const;
+    bool canPaste() const;
+    void showMarks(const OssCustomAttribute &attribute, const QString &lock);
     QString toolTipFor(const OssCustomAttribute &attribute, bool *broken) const;
     QVariant clipboardValue() const;
 
@@ -47,6 +62,4 @@ private:
     OssAttributeEdit m_edit;
     QLabel *m_label;
     OssPropertyEditor *m_editor;
-    bool m_mixed = false;
-    bool m_locked = false;
 };

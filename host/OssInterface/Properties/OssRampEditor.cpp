@@ -8,6 +8,12 @@
 
 #include <vector>
 
+namespace {
+
+constexpr int PartsOfStop = 5; ///< its place and its channels
+
+} // namespace
+
 OssRampEditor::OssRampEditor(QWidget *parent)
     : OssPropertyEditor(parent)
     , m_field(new OssRampField(this))
@@ -29,21 +35,49 @@ OssRampEditor::OssRampEditor(QWidget *parent)
 
     connect(m_field, &OssRampField::currentChanged, this, &OssRampEditor::showCurrent);
     connect(m_field, &OssRampField::colorWanted, m_color, &OssColorEditor::openPicker);
-    passOn(m_field, [this] { return value(); });
-    passOn(m_color, [this](const QVariant &color) {
-        takeColor(color);
-        return value();
-    });
-    passOn(m_place, [this](double place) {
-        m_field->setCurrentPlace(place);
-        return value();
-    });
+    passOn(
+        m_field, [this] { return value(); }, always(OssAttributeEdit::changedParts()));
+    passOn(
+        m_color,
+        [this](const QVariant &color, const QVector<int> &) {
+            takeColor(color);
+            return value();
+        },
+        [this](const QVariant &, const QVector<int> &channels) { return partsOf(channels); });
+    passOn(
+        m_place,
+        [this](double place) {
+            m_field->setCurrentPlace(place);
+            return value();
+        },
+        [this](double) { return QVector<int>{firstPart()}; });
 }
 
-void OssRampEditor::showValue(const OssCustomAttribute &attribute, bool)
+int OssRampEditor::firstPart() const
+{
+    return m_field->current() * PartsOfStop;
+}
+
+QVector<int> OssRampEditor::partsOf(const QVector<int> &channels) const
+{
+    const QVector<int> all{0, 1, 2, 3};
+    QVector<int> parts;
+    for (const int channel : channels.isEmpty() ? all : channels)
+        parts.append(firstPart() + 1 + channel);
+    return parts;
+}
+
+QString OssRampEditor::joinKey() const
+{
+    return m_color->joinKey();
+}
+
+void OssRampEditor::showValue(const OssCustomAttribute &attribute, const OssMixed &mixed)
 {
     m_name = attribute.prettyName();
+    m_mixed = mixed;
     m_field->setAccessibleName(m_name);
+    m_field->setMixed(mixed.any);
     m_place->setAccessibleName(tr("%1 place").arg(m_name));
     OssEvRamp ramp;
     if (!OssEvRamp::fromText(attribute.value().toString().toStdString(), &ramp))
@@ -67,11 +101,16 @@ void OssRampEditor::showCurrent()
     if (!stop)
         return;
     m_place->setValue(stop->place);
+    m_place->setMixed(m_mixed.at(firstPart()));
+    OssMixed channels(m_mixed.any);
+    for (int i = 0; i < PartsOfStop - 1 && !m_mixed.parts.isEmpty(); ++i)
+        channels.parts.append(m_mixed.at(firstPart() + 1 + i));
+    channels.any = channels.parts.isEmpty() ? m_mixed.any : channels.parts.contains(true);
     const OssColor color(double(stop->color[0]), double(stop->color[1]), double(stop->color[2]),
                          double(stop->color[3]));
     OssCustomAttribute shown(m_name, QVariant::fromValue(color));
     shown.setPrettyName(tr("%1 colour").arg(m_name));
-    m_color->showValue(shown, false);
+    m_color->showValue(shown, channels);
 }
 
 void OssRampEditor::takeColor(const QVariant &color)

@@ -19,7 +19,8 @@ class OSSINTERFACE_EXPORT OssRampEditor : public OssPropertyEditor
 
 public:
     explicit OssRampEditor(QWidget *parent);
-    void showValue(const OssCustomAttribute &attribute, bool mixed) override;
+    void showValue(const OssCustomAttribute &attribute, const OssMixed &mixed) override;
+    QString joinKey() const override;
 
     OssColorEditor *colorEditor() const { return m_color; }
 
@@ -27,6 +28,9 @@ public:
 
 private:
     QVariant value() const;
+    /// Where the current stop's parts begin, and those of its channels.
+    int firstPart() const;
+    QVector<int> partsOf(const QVector<int> &channels) const;
     void showCurrent();
     void takeColor(const QVariant &color);
 
@@ -34,6 +38,7 @@ private:
     OssNumberField *m_place;
     OssColorEditor *m_color;
     QString m_name;
+    OssMixed m_mixed;
 };
 
 /// The picture of the ramp with its stops, mixed linearly. A double click on the picture adds a stop

@@ -149,6 +149,7 @@ void OssRampField::paintEvent(QPaintEvent *)
     }
     if (m_current < m_stops.size() && !m_isOff)
         paintGrip(&painter, m_current);
+    paintMixed(&painter, bar());
 }
 
 void OssRampField::paintBar(QPainter *painter) const
@@ -298,6 +299,6 @@ void OssRampField::keyPressEvent(QKeyEvent *event)
         Q_EMIT colorWanted();
         return;
     default:
-        QWidget::keyPressEvent(event);
+        OssHandleField::keyPressEvent(event);
     }
 }

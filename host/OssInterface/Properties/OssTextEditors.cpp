@@ -2,6 +2,7 @@
 
 #include "OssInterface/Popups/OssFileDialog.h"
 #include "OssInterface/Widgets/OssMiniButton.h"
+#include "OssModel/Images/OssFilePath.h"
 #include "OssModel/Images/OssImageManager.h"
 #include "OssModel/Images/OssUdimPath.h"
 
@@ -51,13 +52,14 @@ OssLineEditor::OssLineEditor(QWidget *parent)
         m_line->setModified(false);
         Q_EMIT edited(m_line->text());
     });
+    connect(m_line, &QLineEdit::returnPressed, this, &OssPropertyEditor::left);
 }
 
-void OssLineEditor::showValue(const OssCustomAttribute &attribute, bool mixed)
+void OssLineEditor::showValue(const OssCustomAttribute &attribute, const OssMixed &mixed)
 {
     m_line->setAccessibleName(attribute.prettyName());
-    m_line->setPlaceholderText(mixed ? mixedText() : QString());
-    const QString text = mixed ? QString() : attribute.value().toString();
+    m_line->setPlaceholderText(mixed.any ? mixedText() : QString());
+    const QString text = mixed.any ? QString() : attribute.value().toString();
     if (m_line->text() != text)
         m_line->setText(text);
 }
@@ -76,11 +78,11 @@ OssParagraphEditor::OssParagraphEditor(QWidget *parent)
     m_text->installEventFilter(this);
 }
 
-void OssParagraphEditor::showValue(const OssCustomAttribute &attribute, bool mixed)
+void OssParagraphEditor::showValue(const OssCustomAttribute &attribute, const OssMixed &mixed)
 {
     m_text->setAccessibleName(attribute.prettyName());
-    m_text->setPlaceholderText(mixed ? mixedText() : QString());
-    const QString text = mixed ? QString() : attribute.value().toString();
+    m_text->setPlaceholderText(mixed.any ? mixedText() : QString());
+    const QString text = mixed.any ? QString() : attribute.value().toString();
     if (m_text->toPlainText() != text)
         m_text->setPlainText(text);
     m_text->document()->setModified(false);
@@ -94,6 +96,7 @@ bool OssParagraphEditor::eventFilter(QObject *watched, QEvent *event)
         const auto *key = static_cast<QKeyEvent *>(event);
         if (key->key() == Qt::Key_Return && key->modifiers() & Qt::ControlModifier) {
             finish();
+            Q_EMIT left();
             return true;
         }
     }
@@ -121,14 +124,22 @@ OssFileEditor::OssFileEditor(QWidget *parent)
     line()->installEventFilter(this);
 }
 
-void OssFileEditor::showValue(const OssCustomAttribute &attribute, bool mixed)
+void OssFileEditor::showValue(const OssCustomAttribute &attribute, const OssMixed &mixed)
 {
     OssLineEditor::showValue(attribute, mixed);
     m_title = attribute.prettyName();
-    const QString path = attribute.value().toString();
-    const bool missing = !mixed && !path.isEmpty() && !fileExists(path);
+    m_path = mixed.any ? QString() : attribute.value().toString();
+    look();
+}
+
+void OssFileEditor::look()
+{
+    const QString path = OssFilePath::resolved(m_path);
+    const bool missing = !path.isEmpty() && !fileExists(path);
     setLooksWrong(line(), missing);
-    line()->setToolTip(missing ? tr("There is no file \"%1\"").arg(path) : path);
+    const QString tip = missing ? tr("There is no file \"%1\"").arg(path) : path;
+    line()->setToolTip(tip);
+    line()->setAccessibleDescription(missing ? tip : QString());
 }
 
 bool OssFileEditor::fileExists(const QString &path)
@@ -142,18 +153,21 @@ void OssFileEditor::choose()
         m_title, OssImageManager::fileFilter() + QStringLiteral(";;") + tr("All files (*)"),
         QStringLiteral("AttributeFilePath"), this);
     if (!path.isEmpty())
-        Q_EMIT edited(path);
+        Q_EMIT edited(OssFilePath::shortened(path));
 }
 
 bool OssFileEditor::eventFilter(QObject *watched, QEvent *event)
 {
+    // Files come and go while the panel is open.
+    if (event->type() == QEvent::Enter || event->type() == QEvent::FocusIn)
+        look();
     if (event->type() == QEvent::DragEnter || event->type() == QEvent::Drop) {
         auto *drop = static_cast<QDropEvent *>(event);
         const QList<QUrl> urls = drop->mimeData()->urls();
         if (!urls.isEmpty() && urls.first().isLocalFile()) {
             drop->acceptProposedAction();
             if (event->type() == QEvent::Drop)
-                Q_EMIT edited(urls.first().toLocalFile());
+                Q_EMIT edited(OssFilePath::shortened(urls.first().toLocalFile()));
             return true;
         }
     }

@@ -12,7 +12,7 @@ class OssLineEditor : public OssPropertyEditor
 
 public:
     explicit OssLineEditor(QWidget *parent);
-    void showValue(const OssCustomAttribute &attribute, bool mixed) override;
+    void showValue(const OssCustomAttribute &attribute, const OssMixed &mixed) override;
 
 protected:
     QLineEdit *line() const { return m_line; }
@@ -28,7 +28,7 @@ class OssParagraphEditor : public OssPropertyEditor
 
 public:
     explicit OssParagraphEditor(QWidget *parent);
-    void showValue(const OssCustomAttribute &attribute, bool mixed) override;
+    void showValue(const OssCustomAttribute &attribute, const OssMixed &mixed) override;
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -39,14 +39,15 @@ private:
     QPlainTextEdit *m_text;
 };
 
-/// Edits the path of a file: typed, chosen or dropped. One that is not there is shown as such.
+/// Edits the path of a file (OssFilePath): typed, chosen or dropped. One that is not there is shown as
+/// such.
 class OssFileEditor : public OssLineEditor
 {
     Q_OBJECT
 
 public:
     explicit OssFileEditor(QWidget *parent);
-    void showValue(const OssCustomAttribute &attribute, bool mixed) override;
+    void showValue(const OssCustomAttribute &attribute, const OssMixed &mixed) override;
     /// Whether there is such a file; a pattern (OssUdimPath) stands for any file of a patch.
     static bool fileExists(const QString &path);
 
@@ -55,6 +56,9 @@ protected:
 
 private:
     void choose();
+    /// Shows whether the file is there.
+    void look();
 
     QString m_title;
+    QString m_path;
 };

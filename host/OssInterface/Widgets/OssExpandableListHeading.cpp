@@ -45,8 +45,22 @@ QString OssExpandableListHeading::text() const
 void OssExpandableListHeading::setText(const QString &text)
 {
     m_label->setText(text);
-    m_label->setToolTip(text);
+    showToolTip();
     m_arrow->setAccessibleName(text);
+}
+
+void OssExpandableListHeading::setDescription(const QString &description)
+{
+    m_description = description;
+    showToolTip();
+}
+
+void OssExpandableListHeading::showToolTip()
+{
+    const QString text = m_description.isEmpty() ? this->text()
+                                                 : this->text() + QLatin1Char('\n') + m_description;
+    setToolTip(text);
+    m_label->setToolTip(text);
 }
 
 void OssExpandableListHeading::insertWidget(int index, QWidget *widget)

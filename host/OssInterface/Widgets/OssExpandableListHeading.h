@@ -20,6 +20,9 @@ public:
     QString text() const;
     void setText(const QString &text);
 
+    /// What the title's tool tip says besides the title.
+    void setDescription(const QString &description);
+
     /// Before the title at a place counted from 0, or for an index below 0 at the end, at the right.
     /// The heading becomes the widget's parent.
     void insertWidget(int index, QWidget *widget);
@@ -33,6 +36,9 @@ protected:
     void mouseReleaseEvent(QMouseEvent *event) override;
 
 private:
+    void showToolTip();
+
+    QString m_description;
     QToolButton *m_arrow;
     QLabel *m_label;
     QHBoxLayout *m_leading;

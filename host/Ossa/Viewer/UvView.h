@@ -2,6 +2,7 @@
 
 #include "OssModel/Objects/OssCanvasWidget.h"
 
+#include <QVariant>
 #include <QWidget>
 
 class PaintSession;
@@ -32,6 +33,10 @@ public:
     OssResult bakePaint() override;
 
     void frameAll();
+
+    /// The scene-linear colour under a place of the widget, not premultiplied; invalid where there is
+    /// none. Found by its name.
+    Q_INVOKABLE QVariant sceneColorAt(const QPoint &place) const;
 
     QSize sizeHint() const override { return {420, 380}; }
 

@@ -2,6 +2,7 @@
 
 #include "Ossa/Viewer/PaintSession.h"
 #include "Ossa/Viewer/ViewerPictures.h"
+#include "OssCore/Values/OssColor.h"
 #include "OssEvaluation/Values/OssEvPatch.h"
 
 #include <QMouseEvent>
@@ -74,19 +75,31 @@ void UvView::focusOutEvent(QFocusEvent *event)
     QWidget::focusOutEvent(event);
 }
 
-void UvView::pickColor(const QPointF &place)
+QVariant UvView::sceneColorAt(const QPoint &place) const
 {
     const QPointF uv = toUv(place);
     const int patch = OssEvPatch::number(int(std::floor(uv.x())), int(std::floor(uv.y())));
     const QPointF pixel = (place - rectOf(patch).topLeft()) / m_scale * m_pictures->resolution();
     QVector<float> values;
     if (!m_pictures->values(patch, QPoint(int(pixel.x()), int(pixel.y())), &values))
-        return;
-    OssEvBrush brush = m_session->brush();
-    const float alpha = values.size() > 3 ? values.at(3) : 1.0F;
+        return {};
+    const float alpha = values.size() > 3 && values.at(3) > 0.0F ? values.at(3) : 1.0F;
+    double color[3] = {};
     for (int c = 0; c < 3; ++c)
-        brush.color[std::size_t(c)] = values.at(values.size() < 3 ? 0 : c)
-                                      / (alpha > 0.0F ? alpha : 1.0F);
+        color[c] = double(values.at(values.size() < 3 ? 0 : c) / alpha);
+    return QVariant::fromValue(OssColor(color[0], color[1], color[2]));
+}
+
+void UvView::pickColor(const QPointF &place)
+{
+    const QVariant found = sceneColorAt(place.toPoint());
+    if (!found.isValid())
+        return;
+    const auto color = found.value<OssColor>();
+    OssEvBrush brush = m_session->brush();
+    brush.color[0] = float(color.red());
+    brush.color[1] = float(color.green());
+    brush.color[2] = float(color.blue());
     brush.erases = false;
     m_session->setBrush(brush);
 }

@@ -61,6 +61,36 @@ class NumberFields : public PropertiesFixture
 
 } // namespace
 
+TEST_F(NumberInput, showsTheDigitsThatMatterAndAllOfThemForTyping)
+{
+    const auto shown = [this](const Range &range, double value) {
+        field.setRange(range);
+        field.setValue(value);
+        return field.text().toStdString();
+    };
+    const Range unit = slider(0.0, 1.0);
+    EXPECT_EQ(shown(unit, double(0.1F)), "0.1");
+    EXPECT_EQ(shown(unit, 0.12345678), "0.1235");
+    EXPECT_EQ(shown(unit, 1.0), "1");
+    EXPECT_EQ(shown(unit, -0.5), "-0.5");
+    EXPECT_EQ(shown(unit, 0.00001234), "1.23e-05") << "not nothing";
+    EXPECT_EQ(shown(unit, 250.125), "250.125") << "also beyond the slider";
+    EXPECT_EQ(shown(slider(0.0, 500.0), 33.333333), "33.33");
+    EXPECT_EQ(shown(slider(0.0, 0.001), 0.00012346), "0.0001235");
+    EXPECT_EQ(shown({}, 1234567.0), "1234567");
+    EXPECT_EQ(shown({}, 0.30000000000000004), "0.3");
+    EXPECT_EQ(shown({}, 1e15), "1e+15");
+    // What lies one step apart looks different.
+    for (const Range &range : {unit, slider(0.0, 0.001), slider(-5000.0, 5000.0)}) {
+        field.setRange(range);
+        EXPECT_NE(shown(range, field.singleStep() / 10.0), shown(range, field.singleStep() / 5.0));
+    }
+    field.setRange(unit);
+    field.setValue(double(0.1F));
+    field.startTyping();
+    EXPECT_EQ(field.findChild<QLineEdit *>()->text(), text("0.10000000149011612"));
+}
+
 TEST_F(NumberInput, theWheelStepsOnlyWithTheFocusAndInWholeClicks)
 {
     field.clearFocus();

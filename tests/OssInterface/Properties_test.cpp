@@ -4,8 +4,11 @@
 #include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
 #include "PropertiesFixture.h"
 
+#include <QAbstractItemView>
 #include <QAccessible>
+#include <QCheckBox>
 #include <QClipboard>
+#include <QComboBox>
 #include <QLabel>
 #include <QSignalSpy>
 
@@ -299,6 +302,32 @@ TEST_F(Properties, returnAndEscapeLeaveAndTheNextFieldIsATabAway)
     editor<QLineEdit>("Line")->setFocus();
     m_panel->close();
     EXPECT_EQ(left.count(), 4);
+}
+
+TEST_F(Properties, whatThePointerEditsLeavesTheKeyboardWhereItWas)
+{
+    QApplication::setActiveWindow(m_panel.get());
+    const QSignalSpy left(m_panel.get(), &OssNodePropertyPanel::left);
+    editor<QLineEdit>("Line")->setFocus();
+    QTest::mouseClick(editor<QCheckBox>("On"), Qt::LeftButton, {}, {6, 8});
+    EXPECT_TRUE(value("On").toBool());
+    EXPECT_EQ(m_panel->focusedRow(), row("Line"));
+    EXPECT_EQ(left.count(), 0);
+    drag(field("Amount"), 30);
+    release(field("Amount"));
+    EXPECT_EQ(left.count(), 1);
+    field("Amount")->setFocus();
+    drag(field("Amount"), 30);
+    release(field("Amount"));
+    EXPECT_EQ(left.count(), 1) << "it was here before";
+    auto *mode = editor<QComboBox>("Mode");
+    QTest::keyClick(mode, Qt::Key_Down);
+    EXPECT_EQ(left.count(), 1);
+    mode->showPopup();
+    QTest::keyClick(mode->view(), Qt::Key_Up);
+    QTest::keyClick(mode->view(), Qt::Key_Return);
+    EXPECT_EQ(value("Mode"), text("Add"));
+    EXPECT_EQ(left.count(), 2);
 }
 
 TEST_F(Properties, aPanelThatIsLetGoOfMakesNoEditOfWhatIsHalfTyped)

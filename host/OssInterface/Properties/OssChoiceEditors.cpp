@@ -12,12 +12,32 @@
 #include <QHBoxLayout>
 #include <QWheelEvent>
 
+#include <functional>
+
 namespace {
 
 /// A list that leaves the wheel to the panel around it while it has not the focus.
 class CalmComboBox final : public QComboBox
 {
 public:
+    /// Calls it when something was chosen in the list that was open: there is nothing more to do
+    /// here, and letters would choose something else.
+    void whenChosen(const std::function<void()> &done)
+    {
+        connect(this, qOverload<int>(&QComboBox::activated), this, [this, done] {
+            if (m_closes)
+                done();
+        });
+    }
+
+    void hidePopup() override
+    {
+        m_closes = true;
+        QComboBox::hidePopup();
+        QMetaObject::invokeMethod(
+            this, [this] { m_closes = false; }, Qt::QueuedConnection);
+    }
+
     explicit CalmComboBox(QWidget *parent)
         : QComboBox(parent)
     {
@@ -35,6 +55,9 @@ protected:
         else
             event->ignore();
     }
+
+private:
+    bool m_closes = false;
 };
 
 } // namespace
@@ -43,8 +66,9 @@ protected:
 
 OssChoiceEditor::OssChoiceEditor(QWidget *parent)
     : OssPropertyEditor(parent)
-    , m_list(new CalmComboBox(this))
 {
+    auto *list = new CalmComboBox(this);
+    m_list = list;
     makeRow()->addWidget(m_list);
     setFocusProxy(m_list);
     connect(m_list, qOverload<int>(&QComboBox::activated), this, [this](int index) {
@@ -52,6 +76,7 @@ OssChoiceEditor::OssChoiceEditor(QWidget *parent)
         value.setCurrentValue(index);
         Q_EMIT edited(QVariant::fromValue(value));
     });
+    list->whenChosen([this] { Q_EMIT left(); });
 }
 
 void OssChoiceEditor::showValue(const OssCustomAttribute &attribute, const OssMixed &mixed)
@@ -76,6 +101,7 @@ OssFlagEditor::OssFlagEditor(QWidget *parent)
 {
     makeRow()->addWidget(m_box);
     setFocusProxy(m_box);
+    m_box->setFocusPolicy(Qt::TabFocus); // a click leaves the keyboard where it is
     connect(m_box, &QCheckBox::clicked, this, [this] {
         m_box->setTristate(false);
         Q_EMIT edited(m_box->isChecked());
@@ -95,8 +121,9 @@ void OssFlagEditor::showValue(const OssCustomAttribute &attribute, const OssMixe
 
 OssImagesEditor::OssImagesEditor(QWidget *parent)
     : OssPropertyEditor(parent)
-    , m_list(new CalmComboBox(this))
 {
+    auto *list = new CalmComboBox(this);
+    m_list = list;
     makeRow()->addWidget(m_list);
     setFocusProxy(m_list);
     setAcceptDrops(true);
@@ -105,6 +132,7 @@ OssImagesEditor::OssImagesEditor(QWidget *parent)
         const QString id = m_list->itemData(index).toString();
         Q_EMIT edited(id.isEmpty() ? QStringList() : QStringList{id});
     });
+    list->whenChosen([this] { Q_EMIT left(); });
 }
 
 bool OssImagesEditor::eventFilter(QObject *watched, QEvent *event)

@@ -24,6 +24,7 @@ OssColorEditor::OssColorEditor(QWidget *parent)
     QHBoxLayout *row = makeRow();
     row->setSpacing(2);
     m_swatch->setFlat(true);
+    m_swatch->setFocusPolicy(Qt::TabFocus);
     m_swatch->setIconSize(SwatchSize);
     m_swatch->setFixedSize(SwatchSize + QSize(6, 6));
     m_swatch->setStyleSheet(QStringLiteral("padding: 0; border-width: 1px;"));
@@ -114,7 +115,9 @@ void OssColorEditor::paintSwatch()
         painter.fillRect(box.adjusted(0, 0, -box.width() / 2, 0), opaque);
     }
     painter.end();
-    m_swatch->setIcon(pixmap);
+    QIcon icon(pixmap);
+    icon.addPixmap(pixmap, QIcon::Disabled); // a colour that cannot be edited is still that colour
+    m_swatch->setIcon(icon);
 }
 
 // --- picker

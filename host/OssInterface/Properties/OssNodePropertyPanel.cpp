@@ -107,6 +107,7 @@ QAbstractButton *OssNodePropertyPanel::makeButton(const QString &icon, const QSt
     button->setChecked(checked);
     button->setToolTip(toolTip);
     button->setAccessibleName(toolTip);
+    button->setFocusPolicy(Qt::TabFocus); // a click leaves the keyboard where it is
     return button;
 }
 
@@ -331,6 +332,10 @@ void OssNodePropertyPanel::showLock()
 {
     m_lock->setChecked(isLocked());
     m_lock->setToolTip(isLocked() ? tr("Unlock the values") : tr("Lock the values"));
+    // What is disabled under the keyboard hands it to whatever comes next.
+    const QWidget *focus = QApplication::focusWidget();
+    if (isLocked() && (focusedRow() || (focus && focus == m_name)))
+        Q_EMIT left();
     if (m_name)
         m_name->setEnabled(!isLocked());
     for (OssPropertyRow *row : qAsConst(m_rows))

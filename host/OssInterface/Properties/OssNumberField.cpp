@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -19,6 +20,7 @@ constexpr double FineFactor = 0.1;
 constexpr double Corner = 4.0;
 constexpr int LargeStep = 10;
 constexpr int FewestDigits = 2;
+constexpr int FewestShown = 4; ///< of any number, so that it looks as it was typed
 constexpr int MostDecimals = 12;
 constexpr double Significant = 1e5;
 constexpr double Huge = 1e12; ///< from here on as a power of ten
@@ -112,7 +114,9 @@ int OssNumberField::decimals() const
     // Values a hundredth of a step apart are told apart; without a range, six digits are.
     const double least = hasSoftRange() ? singleStep() / 100.0
                                         : std::max(std::fabs(m_value), 1.0) / Significant;
-    return qBound(0, int(std::ceil(-std::log10(least) - Tiny)), MostDecimals);
+    const int byRange = int(std::ceil(-std::log10(least) - Tiny));
+    const int before = int(std::floor(std::log10(std::max(std::fabs(m_value), 1.0)))) + 1;
+    return qBound(0, std::max(byRange, FewestShown - before), MostDecimals);
 }
 
 QString OssNumberField::textWith(int decimals) const
@@ -246,6 +250,12 @@ void OssNumberField::mousePressEvent(QMouseEvent *event)
     m_dragValue = m_value;
 }
 
+void OssNumberField::focusInEvent(QFocusEvent *event)
+{
+    m_focusIsNew = event->reason() == Qt::MouseFocusReason;
+    QWidget::focusInEvent(event);
+}
+
 void OssNumberField::mouseMoveEvent(QMouseEvent *event)
 {
     if (!m_pressed)
@@ -300,6 +310,8 @@ void OssNumberField::endDrag(bool keep)
     }
     Q_EMIT dragEnded();
     update();
+    if (std::exchange(m_focusIsNew, false))
+        Q_EMIT left();
 }
 
 // --- stepping
@@ -392,6 +404,7 @@ void OssNumberField::startTyping(const QString &first)
 {
     if (m_typing || !isEnabled())
         return;
+    m_focusIsNew = false;
     m_typing = new QLineEdit(this); // until it is closed
     m_typing->setGeometry(rect());
     m_typing->setAlignment(Qt::AlignRight);

@@ -66,7 +66,8 @@ Q_SIGNALS:
     void dragBegun();
     void dragged(double value);
     void dragEnded();
-    /// By Return, when what was typed was taken, or by Escape.
+    /// By Return, when what was typed was taken, by Escape, or after a drag that brought the keyboard
+    /// here.
     void left();
 
 protected:
@@ -79,6 +80,7 @@ protected:
     void mouseReleaseEvent(QMouseEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
 
 private:
     double bounded(double value) const;
@@ -104,6 +106,7 @@ private:
     double m_pressValue = 0.0;
     double m_dragValue = 0.0; ///< not rounded, so that slow drags move at last
     bool m_pressed = false;
+    bool m_focusIsNew = false; ///< the press brought it
     bool m_dragging = false;
     int m_wheelAngle = 0;
 };

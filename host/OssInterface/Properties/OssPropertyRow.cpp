@@ -19,7 +19,7 @@
 namespace {
 
 const QString ValueMimeType = QStringLiteral("application/x-ossa-value");
-constexpr int MarkColumn = 10;
+constexpr int MarkColumn = 13;
 constexpr double MarkRadius = 2.5;
 const QColor BrokenColor(0xe5, 0x86, 0x8a);
 
@@ -56,7 +56,7 @@ protected:
         painter.setRenderHint(QPainter::Antialiasing);
         const QColor color = m_broken ? BrokenColor : palette().color(QPalette::Link);
         // In the column that the text leaves free, whatever its length and the label's width.
-        const QPointF at(MarkColumn / 2.0, height() / 2.0);
+        const QPointF at(MarkRadius + 2.0, height() / 2.0);
         painter.setPen(m_linked ? QPen(color, 1.2) : Qt::NoPen);
         painter.setBrush(m_changed ? QBrush(color) : Qt::NoBrush);
         painter.drawEllipse(at, MarkRadius, MarkRadius);

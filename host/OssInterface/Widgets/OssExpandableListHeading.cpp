@@ -23,7 +23,7 @@ OssExpandableListHeading::OssExpandableListHeading(const QString &text, QWidget 
     m_widgets->setSpacing(2);
 
     m_arrow->setAutoRaise(true);
-    m_arrow->setFocusPolicy(Qt::StrongFocus);
+    m_arrow->setFocusPolicy(Qt::TabFocus);
     connect(m_arrow, &QToolButton::clicked, this, &OssExpandableListHeading::toggled);
 
     QFont bold = m_label->font();

@@ -185,6 +185,7 @@ TEST_F(Properties, aLockedNodeIsShownAndEditedByNobody)
     // From the panel of another one that is selected with it.
     m_node->setSelected(true);
     other->setSelected(true);
+    EXPECT_EQ(OssAttributeEdit::targets(other).size(), 1);
     {
         OssNodePropertyPanel second(other, {}, nullptr);
         second.row(text("Amount"))->pasteValue();

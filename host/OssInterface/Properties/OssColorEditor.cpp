@@ -8,12 +8,14 @@
 #include <QHBoxLayout>
 #include <QPainter>
 #include <QPushButton>
+#include <QScreen>
 #include <QUuid>
 
 namespace {
 
 constexpr QSize SwatchSize(26, 20);
 constexpr int Square = 5;
+constexpr int Beside = 120; ///< room for labels
 
 } // namespace
 
@@ -165,6 +167,12 @@ void OssColorEditor::openPicker()
     connect(m_picker, &QDialog::finished, this,
             [this, start, first = m_lastStep](int result) { closed(result, start, first); });
     m_picker->show();
+    // Beside the panel, as near as the screen allows: what is edited stays in view.
+    const QRect room = m_picker->screen()->availableGeometry();
+    const QSize size = m_picker->frameGeometry().size();
+    const QPoint at = mapToGlobal({-size.width() - Beside, -size.height() / 2});
+    m_picker->move(qBound(room.left(), at.x(), qMax(room.left(), room.right() - size.width())),
+                   qBound(room.top(), at.y(), qMax(room.top(), room.bottom() - size.height())));
 }
 
 void OssColorEditor::closed(int result, const OssColor &start, int firstStep)

@@ -91,7 +91,7 @@ public:
 
     void show(const QString &value, bool mixed = false)
     {
-        editor->showValue(attribute(m_kind, value), mixed);
+        editor->showValue(attribute(m_kind, value), OssMixed(mixed));
     }
 
     /// Since the last call.
@@ -120,7 +120,7 @@ TEST_F(PropertyEditors, everyKindOfAttributeHasAnEditor)
             kind.name.data(), OssAttributeKind::empty(kind.form.type, texts({"A", "B"})));
         const std::unique_ptr<OssPropertyEditor> made(OssPropertyEditor::create(one, nullptr));
         EXPECT_TRUE(made->isEditable()) << kind.name.data();
-        made->showValue(one, false);
+        made->showValue(one, OssMixed());
     }
     const OssCustomAttribute unknown(text("Value"), QVariantList());
     const std::unique_ptr<OssPropertyEditor> shown(OssPropertyEditor::create(unknown, nullptr));
@@ -295,7 +295,7 @@ TEST_F(PropertyEditors, theSwatchIsTheColour)
     OssCustomAttribute red = m_node->userAttribute(text("Tint"));
     red.setValue(QVariant::fromValue(OssColor(1.0, 0.0, 0.0)));
     for (const bool mixed : {false, true}) {
-        tint->showValue(red, mixed);
+        tint->showValue(red, OssMixed(mixed));
         const QImage icon = swatch->icon().pixmap(swatch->iconSize()).toImage();
         EXPECT_EQ(icon.pixelColor(3, icon.height() / 2) == QColor(Qt::red), !mixed);
     }
@@ -306,7 +306,7 @@ TEST_F(PropertyEditors, valuesThatDifferLookLikeNone)
     for (const char *name : {"Tint", "Pictures", "Mode", "Amount", "On"}) {
         OssPropertyEditor *one = row(name)->editor();
         const auto picture = [&](bool mixed) {
-            one->showValue(m_node->userAttribute(text(name)), mixed);
+            one->showValue(m_node->userAttribute(text(name)), OssMixed(mixed));
             return one->grab().toImage();
         };
         const QImage plain = picture(false);

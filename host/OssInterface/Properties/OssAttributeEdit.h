@@ -12,7 +12,7 @@
 /// In which of their parts (OssAttributeKind::parts) several values differ.
 struct OssMixed
 {
-    OssMixed(bool anything = false)
+    explicit OssMixed(bool anything = false)
         : any(anything)
     {
     }

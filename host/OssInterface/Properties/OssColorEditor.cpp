@@ -5,6 +5,7 @@
 #include "OssInterface/Properties/OssColorPicker.h"
 #include "OssInterface/Properties/OssNumberField.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QPainter>
 #include <QPushButton>

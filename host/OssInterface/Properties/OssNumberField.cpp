@@ -419,6 +419,23 @@ void OssNumberField::startTyping(const QString &first)
         m_typing->selectAll();
 }
 
+bool OssNumberField::takeTypingKey(int key)
+{
+    // Used up here: the field around would begin anew at Return.
+    if (key == Qt::Key_Escape || key == Qt::Key_Return || key == Qt::Key_Enter) {
+        finishTyping(key != Qt::Key_Escape, true);
+        if (!m_typing && key != Qt::Key_Escape)
+            Q_EMIT left();
+        return true;
+    }
+    if (key != Qt::Key_Tab && key != Qt::Key_Backtab)
+        return false;
+    finishTyping(true);
+    if (!m_typing)
+        focusNextPrevChild(key == Qt::Key_Tab);
+    return true;
+}
+
 bool OssNumberField::eventFilter(QObject *watched, QEvent *event)
 {
     if (!m_typing || watched != m_typing)
@@ -428,22 +445,8 @@ bool OssNumberField::eventFilter(QObject *watched, QEvent *event)
         event->accept();
         return true;
     }
-    if (event->type() == QEvent::KeyPress) {
-        const int key = static_cast<QKeyEvent *>(event)->key();
-        // Used up here: the field around would begin anew at Return.
-        if (key == Qt::Key_Escape || key == Qt::Key_Return || key == Qt::Key_Enter) {
-            finishTyping(key != Qt::Key_Escape, true);
-            if (!m_typing && key != Qt::Key_Escape)
-                Q_EMIT left();
-            return true;
-        }
-        if (key == Qt::Key_Tab || key == Qt::Key_Backtab) {
-            finishTyping(true);
-            if (!m_typing)
-                focusNextPrevChild(key == Qt::Key_Tab);
-            return true;
-        }
-    }
+    if (event->type() == QEvent::KeyPress && takeTypingKey(static_cast<QKeyEvent *>(event)->key()))
+        return true;
     if (event->type() == QEvent::FocusOut
         && static_cast<QFocusEvent *>(event)->reason() != Qt::PopupFocusReason) {
         finishTyping(true);

@@ -94,6 +94,8 @@ private:
     void endDrag(bool keep);
     /// `asked`: by a key that says so, not by going elsewhere.
     void finishTyping(bool keep, bool asked = false);
+    /// Keys that end typing.
+    bool takeTypingKey(int key);
     void closeEditor();
 
     Range m_range;

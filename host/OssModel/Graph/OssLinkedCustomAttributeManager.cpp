@@ -59,8 +59,9 @@ QVector<OssLinkedCustomAttributeManager::Place> OssLinkedCustomAttributeManager:
         if (!reached.contains({other, name}))
             reached.append({other, name});
     };
-    for (int i = 0; i < reached.size(); ++i) {
-        const auto [from, name] = reached.at(i);
+    int next = 0;
+    while (next < reached.size()) { // it grows meanwhile
+        const auto [from, name] = reached.at(next++);
         if (const auto *group = qobject_cast<const OssSnGroupNode *>(from)) {
             const QVector<Link> links = m_links.value(group).value(name);
             for (const Link &link : links) {

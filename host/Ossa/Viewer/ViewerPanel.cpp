@@ -8,8 +8,8 @@
 #include "Ossa/Viewer/ViewerPictures.h"
 #include "Ossa/Viewer/ViewerSource.h"
 #include "OssCore/Program/OssSettings.h"
-#include "OssInterface/Actions/OssShortcutManager.h"
 #include "OssCore/Program/OssStatusManager.h"
+#include "OssInterface/Actions/OssShortcutManager.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Nodes/OssSnImageSetNodeBase.h"
 

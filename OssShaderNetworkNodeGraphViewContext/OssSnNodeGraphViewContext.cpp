@@ -8,6 +8,7 @@
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Layers/OssLayerShaderManager.h"
+#include "OssModel/Nodes/OssProblems.h"
 #include "OssModel/Nodes/OssSnMultiChannelGroupNode.h"
 #include "OssModel/Types/OssSnTags.h"
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
@@ -116,7 +117,16 @@ void OssSnNodeGraphViewContext::applyNodeState()
     m_GuiNode->setCached(node->cacheActive() == CacheActive);
     m_GuiNode->setDisabled(!node->enabledAsBool());
     m_GuiNode->setPlaceholder(node->isPlaceholder());
-    m_GuiNode->setErrorText(node->errorText());
+    updateErrorText();
+}
+
+void OssSnNodeGraphViewContext::updateErrorText()
+{
+    const OssSnBaseNode *node = parentNode();
+    const OssProblems *problems = OssProblems::instance();
+    const QString reason = problems ? problems->reason(node) : QString();
+    if (m_GuiNode)
+        m_GuiNode->setErrorText(reason.isEmpty() ? node->errorText() : reason);
 }
 
 OssNgExtendedNode *OssSnNodeGraphViewContext::extendedNode() const

@@ -50,6 +50,8 @@ public:
     static QString categoryOf(const QString &pathKey);
     /// That nodes of the type bear in the graph.
     static QColor categoryColor(const QString &pathKey);
+    /// Shows what is wrong with the node, or what it says of itself.
+    void updateErrorText();
 
     // What the type's description or a saved state sets before initializeGui().
     int shapeType() const { return m_shapeType; }

@@ -10,6 +10,7 @@
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Nodes/OssProblems.h"
 #include "OssModel/Objects/OssChannel.h"
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectManager.h"
@@ -114,6 +115,11 @@ void OssSnNodeGraphViewContextManager::connectToHost()
     connect(networks, &Networks::arrangeGroupInputNodesByOrderRequested, this,
             &Manager::arrangeGroupInputNodesByOrder);
     connect(networks, &Networks::debugNodesChanged, this, &Manager::onDebugNodesChanged);
+    if (const OssProblems *problems = OssProblems::instance())
+        connect(problems, &OssProblems::nodeChanged, this, [](OssSnBaseNode *node) {
+            if (OssSnNodeGraphViewContext *context = contextOf(node))
+                context->updateErrorText();
+        });
 
     OssProjectManager *projects = OssProjectManager::instance();
     connect(projects, &OssProjectManager::currentChannelChanged, this,

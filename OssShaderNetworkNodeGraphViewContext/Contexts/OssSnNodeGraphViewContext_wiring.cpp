@@ -56,7 +56,7 @@ void OssSnNodeGraphViewContext::connectNodeState()
     connect(node, &Node::enabledChanged, this, &Context::updateGuiEdgesBypassStates);
     connect(node, &Node::bypassedChanged, this, &Context::updateGuiEdgesBypassStates);
     connect(node, &Node::cacheActiveChanged, this, &Context::cachedChanged);
-    connect(node, &Node::errorTextChanged, m_GuiNode.get(), &OssNgNode::setErrorText);
+    connect(node, &Node::errorTextChanged, this, &Context::updateErrorText);
     connect(node, &Node::guiActiveChanged, this, &Context::onParentNodeGuiActiveChanged);
     connect(node, &Node::systemShaderStatusSync, this, &Context::onUpdateSystemShaderStatus);
     connect(node, &Node::attachViewerToNode, this, &Context::onViewerAttachedToNode);

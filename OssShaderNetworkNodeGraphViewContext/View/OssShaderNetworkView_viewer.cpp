@@ -103,14 +103,13 @@ void OssShaderNetworkView::connectSelectedNodeToViewer(OssSnBaseNode *Node, int 
 {
     if (!hasNetwork())
         return;
-    if (!Node) {
-        const QList<OssSnBaseNode *> selected = m_network->selectedNodes();
-        if (selected.size() > 1) {
-            tellUser(tr("The viewer shows one node at a time: select one"));
-            return;
-        }
-        Node = selected.value(0);
+    const QList<OssSnBaseNode *> selected = selectedNodes();
+    if (!Node && selected.size() > 1) {
+        tellUser(tr("The viewer shows one node at a time: select one"));
+        return;
     }
+    if (!Node)
+        Node = selected.value(0);
     const auto *streams = qobject_cast<OssSnMultiChannelGroupNode *>(Node);
     const bool layerShader = OssLayerShaderManager::instance()->isLayerShader(Node);
     if (Node && !streams && !layerShader && Num == 0) {
@@ -133,7 +132,6 @@ void OssShaderNetworkView::connectSelectedNodeToViewer(OssSnBaseNode *Node, int 
         look(viewer, Num);
         return;
     }
-    const QList<OssSnBaseNode *> selected = selectedNodes();
     if (scene())
         scene()->clearSelection();
     viewer->setSelected(true);
@@ -146,18 +144,13 @@ void OssShaderNetworkView::connectSelectedNodeToViewer(OssSnBaseNode *Node, int 
     }
     if (Node->outputPointCount() == 1) {
         connectToViewer(viewer, Node, Node->prefferedOutputPoint(), Num);
-        return;
-    }
-    if (Node->outputPointCount() == 0) {
+    } else if (Node->outputPointCount() == 0) {
         tellUser(tr("%1 has nothing to look at").arg(Node->name()));
-        return;
+    } else if (!chooseOutputPoint(Node, viewer, Num)) {
+        // The viewer goes back to where it was, and so does the selection.
+        before.restore();
+        m_network->selectOnly(selected);
     }
-    if (chooseOutputPoint(Node, viewer, Num))
-        return;
-    // None was chosen: the viewer goes back to where it was, and so does the selection.
-    before.restore();
-    for (OssSnBaseNode *node : m_network->nodes())
-        node->setSelected(selected.contains(node));
 }
 
 bool OssShaderNetworkView::chooseOutputPoint(OssSnBaseNode *node, OssSnBaseNode *viewer, int num)

@@ -16,6 +16,8 @@
 #include <QMimeData>
 #include <QTabWidget>
 #include <QTest>
+#include <QVBoxLayout>
+#include <QVector>
 
 // What a user of the node graph does with the dialogs, menus and files around it.
 
@@ -126,4 +128,46 @@ private:
         QApplication::sendEvent(over, &event);
         return event.isAccepted();
     }
+};
+
+/// The graph and the panels in one window, as users have them, while it lives.
+class InOneWindow
+{
+public:
+    explicit InOneWindow(const QList<QWidget *> &bodies)
+        : elsewhere(new QLineEdit(&m_window))
+        , m_layout(&m_window)
+    {
+        for (QWidget *body : bodies) {
+            m_before.append(qMakePair(body, body->parentWidget()));
+            m_layout.addWidget(body);
+            body->show();
+        }
+        m_layout.addWidget(elsewhere);
+        m_window.show();
+        activate();
+    }
+
+    ~InOneWindow()
+    {
+        for (const auto &[body, parent] : qAsConst(m_before)) {
+            body->setParent(parent);
+            parent->layout()->addWidget(body);
+        }
+    }
+
+    InOneWindow(const InOneWindow &) = delete;
+    InOneWindow &operator=(const InOneWindow &) = delete;
+
+    void activate() { QApplication::setActiveWindow(&m_window); }
+
+private:
+    QWidget m_window;
+
+public:
+    QLineEdit *elsewhere;
+
+private:
+    QVBoxLayout m_layout;
+    QVector<QPair<QWidget *, QWidget *>> m_before;
 };

@@ -1,5 +1,6 @@
 #include "GraphFixture.h"
 #include "OssCore/Values/OssColor.h"
+#include "OssModel/Nodes/OssProblems.h"
 #include "OssNodeGraph/Items/OssNgUINode.h"
 #include "OssSnUINodeGraphViewContext.h"
 
@@ -344,6 +345,21 @@ TEST_F(ItemsTest, aViewerThatANodeAsksForLooksAtIt)
     Q_EMIT m_network->viewerNode()->attachViewerToNode(3); // looks at no viewer, itself least
     EXPECT_EQ(viewer->inputNode(text("3")), nullptr);
     EXPECT_EQ(m_network->viewerNodeCurrentEdge(), 1);
+}
+
+TEST_F(ItemsTest, whatFailedIsReadOnTheNodeUntilItIsMended)
+{
+    OssSnBaseNode *blur = addAt("Filter/Blur", {0, 0});
+    OssProblems *problems = OssProblems::instance();
+    problems->report(blur, OssProblems::Evaluation, text("no memory"));
+    EXPECT_TRUE(itemOf(blur)->errorText().contains(text("no memory")));
+    blur->setErrorText(text("no picture"));
+    problems->look();
+    EXPECT_TRUE(itemOf(blur)->errorText().contains(text("no picture")));
+    blur->setErrorText({});
+    problems->report(blur, OssProblems::Evaluation, {});
+    problems->look();
+    EXPECT_TRUE(itemOf(blur)->errorText().isEmpty());
 }
 
 } // namespace

@@ -243,28 +243,14 @@ TEST_F(PropertiesPanel, frameShowsTheNodesColourSelectionAndHover)
 
 TEST_F(PropertiesPanel, theKeyboardGoesBackToTheGraphWhateverEndsAnEdit)
 {
-    QWidget window;
-    QVBoxLayout layout(&window);
-    auto *elsewhere = new QLineEdit(&window);
-    const auto put = [&layout](QWidget *widget) {
-        QWidget *parent = widget->parentWidget();
-        layout.addWidget(widget);
-        widget->show();
-        return parent;
-    };
-    QWidget *graphs = m_manager->nodeGraphWidget();
-    QWidget *graphsParent = put(graphs);
-    QWidget *panelsParent = put(m_widget);
-    layout.addWidget(elsewhere);
-    window.show();
-    window.activateWindow();
+    InOneWindow window({m_manager->nodeGraphWidget(), m_widget});
     OssSnBaseNode *blur = add("Filter/Blur");
     const auto typeInto = [&](const char *attribute, const char *digits) {
         m_widget->insertBefore(blur, nullptr);
-        QApplication::setActiveWindow(&window);
+        window.activate();
         auto *panel = qobject_cast<OssNodePropertyPanel *>(m_widget->panel(blur));
         QWidget *field = panel->row(text(attribute))->editor()->focusProxy();
-        elsewhere->setFocus();
+        window.elsewhere->setFocus();
         field->setFocus();
         ASSERT_TRUE(field->hasFocus());
         QTest::keyClicks(field, text(digits).left(1));
@@ -304,10 +290,6 @@ TEST_F(PropertiesPanel, theKeyboardGoesBackToTheGraphWhateverEndsAnEdit)
     EXPECT_EQ(focused(), m_view);
     EXPECT_EQ(radius(), 15.0) << "it was on its way out";
     EXPECT_EQ(OssUndoManager::instance()->index(), steps + 1);
-    graphs->setParent(graphsParent);
-    m_widget->setParent(panelsParent);
-    graphsParent->layout()->addWidget(graphs);
-    panelsParent->layout()->addWidget(m_widget);
 }
 
 TEST_F(PropertiesPanel, groupsHaveTheirButtonsFirst)

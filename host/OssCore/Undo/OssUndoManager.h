@@ -119,7 +119,7 @@ public Q_SLOTS:
 
     /// Before the document is saved or given up: what is half done becomes a part of it, as before an
     /// edit.
-    void settle() { Q_EMIT aboutToEdit(); }
+    void endInteraction() { Q_EMIT aboutToEdit(); }
 
 Q_SIGNALS:
     void cleanChanged(bool clean);

@@ -115,6 +115,11 @@ bool OssSnBaseNode::hasTag(const QString &tag) const
     return (m_type && m_type->tags.contains(tag)) || m_tags.contains(tag);
 }
 
+void OssSnBaseNode::addTag(const QString &tag)
+{
+    m_tags.insert(tag);
+}
+
 QStringList OssSnBaseNode::tags() const
 {
     QSet<QString> all = m_tags;

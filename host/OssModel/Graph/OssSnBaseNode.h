@@ -57,9 +57,7 @@ public:
     OssShaderNetwork *network() const { return m_network; }
 
     bool hasTag(const QString &tag) const;
-
-    void addTag(const QString &tag) { m_tags.insert(tag); }
-
+    void addTag(const QString &tag);
     QStringList tags() const;
 
     /// Backdrop that holds the node, null when there is none.

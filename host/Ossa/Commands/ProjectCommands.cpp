@@ -26,7 +26,7 @@ const QString projectPathKey = QStringLiteral("ProjectPath");
 /// What the user has in hand, or is typing, belongs to the document.
 void settle()
 {
-    OssUndoManager::instance()->settle();
+    OssUndoManager::instance()->endInteraction();
     OssApplication::takeTyped();
 }
 

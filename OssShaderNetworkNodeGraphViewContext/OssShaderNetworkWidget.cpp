@@ -13,6 +13,7 @@
 #include <QApplication>
 #include <QMouseEvent>
 #include <QTabBar>
+#include <QTimer>
 
 namespace {
 
@@ -146,7 +147,8 @@ void OssSnNodeGraphWidget::takeFocus()
 void OssSnNodeGraphWidget::showEvent(QShowEvent *event)
 {
     QTabWidget::showEvent(event);
-    takeFocus();
+    // Once the docks around it, which give the focus to the last that was added, are shown.
+    QTimer::singleShot(0, this, &OssSnNodeGraphWidget::takeFocus);
 }
 
 void OssSnNodeGraphWidget::mousePressEvent(QMouseEvent *event)

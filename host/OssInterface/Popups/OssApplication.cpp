@@ -42,10 +42,14 @@ void OssApplication::takeTyped()
     const QPointer<QWidget> field = QApplication::focusWidget();
     if (!field || !field->testAttribute(Qt::WA_InputMethodEnabled))
         return;
+    const QPointer<QWidget> around = field->parentWidget();
     field->clearFocus();
-    // A field that was open for typing alone has gone, or is about to.
-    if (field && field->isVisible())
-        field->setFocus(Qt::OtherFocusReason);
+    // A field that was open for typing alone has gone: what it stands in goes on with the keys.
+    QWidget *next = field && field->isVisible() ? field.data() : around.data();
+    while (next && (next->focusPolicy() == Qt::NoFocus || !next->isVisible()))
+        next = next->parentWidget();
+    if (next)
+        next->setFocus(Qt::OtherFocusReason);
 }
 
 QWidget *OssApplication::mainWindow()

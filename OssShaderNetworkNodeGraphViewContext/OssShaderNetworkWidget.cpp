@@ -140,7 +140,8 @@ void OssSnNodeGraphWidget::takeFocus()
 {
     const QWidget *focus = window()->focusWidget();
     const bool typing = focus && focus->testAttribute(Qt::WA_InputMethodEnabled);
-    if (currentWidget() && isVisible() && !typing)
+    const bool asked = QApplication::activePopupWidget() || QApplication::activeModalWidget();
+    if (currentWidget() && isVisible() && !typing && !asked)
         currentWidget()->setFocus(Qt::OtherFocusReason);
 }
 

@@ -248,6 +248,8 @@ void NodeGraphArranger::autoLayoutNodes(OssShaderNetwork *StartNetwork,
 {
     if (!StartNetwork || (StartNodes.isEmpty() && !ArrangeFromLeavesIfEmpty))
         return;
+    // First: what is in the user's hand is put down before places are read.
+    OssUndoManager::AutoMacro macro(tr("Layout Nodes"));
     const QList<OssSnBaseNode *> all = StartNetwork->nodes();
     const QVector<Container> containers = containersOf(all);
     if (StartNodes.isEmpty())
@@ -263,7 +265,6 @@ void NodeGraphArranger::autoLayoutNodes(OssShaderNetwork *StartNetwork,
         if (qobject_cast<OssNgBackdropNode *>(visibleItem(all.at(i))))
             backdrops.append(i);
     }
-    OssUndoManager::AutoMacro macro(tr("Layout Nodes"));
     ColumnLayout layout(picture.values());
     layout.layOut(starts, backdrops);
     applyMoves(layout, picture, &macro);

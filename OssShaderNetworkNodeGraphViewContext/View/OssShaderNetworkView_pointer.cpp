@@ -42,7 +42,8 @@ void tellOfDisabledCommand(const QKeyEvent *event)
 {
     const QKeySequence keys(event->key() | int(event->modifiers() & ~Qt::KeypadModifier));
     for (const OssActionTreeManager::Entry &entry : OssActionTreeManager::instance()->entries()) {
-        if (entry.action->isEnabled() || !entry.action->shortcuts().contains(keys))
+        const bool elsewhere = entry.path.startsWith(QLatin1String("/Ossa/Viewer/"));
+        if (elsewhere || entry.action->isEnabled() || !entry.action->shortcuts().contains(keys))
             continue;
         OssStatusManager::instance()->showMessage(OssCommandTable::whyDisabled(entry.path));
         return;

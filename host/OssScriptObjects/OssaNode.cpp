@@ -4,6 +4,7 @@
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Graph/OssSnBaseContext.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Types/OssSnTags.h"
 #include "OssScriptObjects/OssaNodeGraph.h"
 #include "OssScriptObjects/OssScriptObjects.h"
 
@@ -111,7 +112,10 @@ bool Node::isEnabled() const
 
 void Node::setEnabled(bool enabled)
 {
-    if (OssSnBaseNode *own = node())
+    OssSnBaseNode *own = node();
+    if (own && !enabled && own->hasTag(OssSnTags::viewer()))
+        fail(OssScriptException::NotAllowed, QStringLiteral("The viewer is never disabled"));
+    else if (own)
         own->setEnabled(enabled ? 1 : 0);
 }
 
@@ -123,7 +127,10 @@ bool Node::isBypassed() const
 
 void Node::setBypassed(bool bypassed)
 {
-    if (OssSnBaseNode *own = node())
+    OssSnBaseNode *own = node();
+    if (own && bypassed && own->hasTag(OssSnTags::viewer()))
+        fail(OssScriptException::NotAllowed, QStringLiteral("The viewer is never bypassed"));
+    else if (own)
         own->setBypassed(bypassed);
 }
 

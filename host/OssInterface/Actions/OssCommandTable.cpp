@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <map>
 
 namespace {
 
@@ -28,21 +27,32 @@ struct Place
 };
 
 /// What is missing where the condition does not hold.
-QString reason(When when)
+const char *reason(When when)
 {
-    static const std::map<When, const char *> texts = {
-        {Always, QT_TRANSLATE_NOOP("OssCommandTable", "not now")},
-        {WithProject, QT_TRANSLATE_NOOP("OssCommandTable", "open a project first")},
-        {WithUndo, QT_TRANSLATE_NOOP("OssCommandTable", "there is nothing to undo")},
-        {WithRedo, QT_TRANSLATE_NOOP("OssCommandTable", "there is nothing to redo")},
-        {WithRecent, QT_TRANSLATE_NOOP("OssCommandTable", "no project was opened yet")},
-        {WithScript, QT_TRANSLATE_NOOP("OssCommandTable", "no script runs")},
-        {WithoutScript, QT_TRANSLATE_NOOP("OssCommandTable", "another script runs")},
-        {WithKnobs, QT_TRANSLATE_NOOP("OssCommandTable", "select a group first")},
-        {WithExposed, QT_TRANSLATE_NOOP("OssCommandTable",
-                                        "select a node with properties inside a group first")},
-    };
-    return QCoreApplication::translate("OssCommandTable", texts.at(when));
+    switch (when) {
+    case WithProject:
+        return QT_TRANSLATE_NOOP("OssCommandTable", "open a project first");
+    case WithUndo:
+        return QT_TRANSLATE_NOOP("OssCommandTable", "there is nothing to undo");
+    case WithRedo:
+        return QT_TRANSLATE_NOOP("OssCommandTable", "there is nothing to redo");
+    case WithRecent:
+        return QT_TRANSLATE_NOOP("OssCommandTable", "no project was opened yet");
+    case WithScript:
+        return QT_TRANSLATE_NOOP("OssCommandTable", "no script runs");
+    case WithoutScript:
+        return QT_TRANSLATE_NOOP("OssCommandTable", "another script runs");
+    case WithBrush:
+        return QT_TRANSLATE_NOOP("OssCommandTable", "paint on the patches first");
+    case WithKnobs:
+        return QT_TRANSLATE_NOOP("OssCommandTable", "select a group first");
+    case WithExposed:
+        return QT_TRANSLATE_NOOP("OssCommandTable",
+                                 "select a node with properties inside a group first");
+    case Always:
+        break;
+    }
+    return QT_TRANSLATE_NOOP("OssCommandTable", "not now");
 }
 
 /// The place in the menu among "Edit 2.1, Context 2.1"; false when it has none there.
@@ -185,7 +195,8 @@ QString OssCommandTable::whyDisabled(const QString &path)
     const Row *row = find(path);
     QString name = row ? text(*row) : OssActionTreeManager::nameOf(path);
     return QCoreApplication::translate("OssCommandTable", "%1: %2")
-        .arg(name.remove(QStringLiteral("...")), reason(row ? row->when : Always));
+        .arg(name.remove(QStringLiteral("...")),
+             QCoreApplication::translate("OssCommandTable", reason(row ? row->when : Always)));
 }
 
 OssMenuDefinition OssCommandTable::menu(const QString &name)

@@ -1,6 +1,7 @@
 #include "OssShaderNetworkView.h"
 
 #include "OssCore/Program/OssStatusManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Project/OssProjectManager.h"
@@ -24,6 +25,11 @@ OssShaderNetworkView::OssShaderNetworkView(QWidget *parent)
     setAcceptDrops(true);
     connect(this, &OssNgView::shakeToExtractTriggered, this,
             &OssShaderNetworkView::onShakeToExtractTriggered);
+    // A press that took no node in hand moves none: what others move until its release is theirs.
+    connect(OssUndoManager::instance(), &OssUndoManager::aboutToEdit, this, [this] {
+        if (!hasGesture())
+            m_nodeStartPositions.clear();
+    });
     // Once the release is over: what opens then has a loop of its own.
     connect(this, &OssNgView::wireDroppedOnCanvas, this,
             [this](OssNgNode *node, const QString &port, bool fromOutput, const QPointF &place) {

@@ -180,4 +180,17 @@ TEST_F(Pointer, severalMovedNodesGoIntoNoWire)
     EXPECT_EQ(m_blur->inputNode(text("Input")), a);
 }
 
+TEST_F(Pointer, whatOthersMoveWhileAButtonHoldsNothingStaysWhereItIs)
+{
+    select({m_color, m_blur});
+    const QPoint place = headerOf(m_blur);
+    pointer(QEvent::MouseButtonPress, place, Qt::LeftButton, Qt::LeftButton, Qt::ControlModifier);
+    ASSERT_FALSE(m_view->hasGesture()) << "the click took the node out of the selection";
+    contextOf(m_color)->setNodePositionUndo({40, 90});
+    m_view->scene()->clearSelection();
+    pointer(QEvent::MouseButtonRelease, place, Qt::LeftButton, Qt::NoButton, Qt::ControlModifier);
+    EXPECT_EQ(itemOf(m_color)->pos(), QPointF(40, 90));
+    EXPECT_EQ(undoCount(), 1);
+}
+
 } // namespace

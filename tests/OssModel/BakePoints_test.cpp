@@ -209,7 +209,11 @@ TEST_F(BakePoints, oneWithoutImagesGetsThemAndFillsItsGeoChannel)
     valid.clear();
     node->setAttribute(text("geoChannel"), text("None"));
     paint(Qt::green);
+    const QMap<int, QString> inStep = channel->imageSet()->pixels();
     EXPECT_TRUE(bake(node)) << "a channel that is not there keeps nobody from baking";
+    EXPECT_NE(images->pixels(), inStep);
+    EXPECT_EQ(channel->imageSet()->pixels(), inStep)
+        << "what is not kept in step keeps what it has";
     m_project->entities().first()->addGeoImageSet(text("Third"));
     EXPECT_EQ(valid.count(), 0) << "it is as valid as it was";
     OssSnBakePointNode *bare = bakePoint("Bare");

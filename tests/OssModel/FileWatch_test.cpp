@@ -205,6 +205,33 @@ TEST_F(FileWatch, whatIsBakedAndComputedAfterAChangeIsWhatIsThereNow)
     EXPECT_EQ(node->imageSet()->pixels().value(1001), red.value(1001));
 }
 
+TEST_F(FileWatch, nothingIsBakedForAShapeThatCannotBeRead)
+{
+    writeMesh(2);
+    m_network->geoEntity()->setGeometry(path("shape.obj"));
+    OssSnBakePointNode *node = bakePointOf(add("Geometry/Position"));
+    ASSERT_TRUE(bake(node));
+    const QMap<int, QString> good = node->imageSet()->pixels();
+    ASSERT_EQ(good.size(), 2);
+    const ExpectedLog unreadable("shape.obj");
+    for (const bool removed : {false, true}) {
+        QFile file(path("shape.obj"));
+        if (removed)
+            ASSERT_TRUE(file.remove());
+        else
+            ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write("garbage") > 0);
+        file.close();
+        becomesStale(node);
+        const OssResult refused = OssShaderNetworkUtils::bakeAgain({node});
+        EXPECT_FALSE(refused) << removed;
+        EXPECT_TRUE(refused.error().contains(text("shape.obj"))) << qPrintable(refused.error());
+        EXPECT_EQ(node->imageSet()->pixels(), good);
+    }
+    writeMesh(2);
+    becomesStale(node);
+    EXPECT_TRUE(OssShaderNetworkUtils::bakeAgain({node}));
+}
+
 TEST_F(FileWatch, aBakeThatWasSavedIsStillGoodWhenTheFilesAre)
 {
     paint(path("one.png"), Qt::red);

@@ -47,13 +47,23 @@ std::shared_ptr<const OssEvMesh> OssEvaluationService::mesh(const OssGeoEntity *
     const QString content = OssFileWatch::instance()->contentOf(shape);
     if (!known.mesh || (!content.isNull() && known.content != content)) {
         known.content = OssFileWatch::instance()->readContent(shape);
-        const OssEvResult result = OssEvMeshFile::read(shape.toStdString(), &known.mesh);
-        if (!result) {
-            OssDebug("OssEvaluationService", __LINE__, "[ !! ] %s", result.error().c_str());
+        std::shared_ptr<const OssEvMesh> read;
+        const OssEvResult result = OssEvMeshFile::read(shape.toStdString(), &read);
+        known.error = QString::fromStdString(result.error());
+        if (result)
+            known.mesh = read;
+        else
+            OssDebug("OssEvaluationService", __LINE__, "[ !! ] %s", qPrintable(known.error));
+        if (!known.mesh)
             known.mesh = OssEvShapes::plane();
-        }
     }
     return known.mesh;
+}
+
+OssResult OssEvaluationService::meshState(const OssGeoEntity *entity) const
+{
+    const QString error = entity ? m_meshes.value(entity->geometry()).error : QString();
+    return error.isEmpty() ? OssResult() : OssResult::failure(error);
 }
 
 QList<int> OssEvaluationService::patches(const OssGeoEntity *entity)

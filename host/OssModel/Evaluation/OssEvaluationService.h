@@ -65,6 +65,8 @@ public:
     OssResult bakeInto(OssImageSet *set, const BakeJob &job);
 
 private:
+    /// Fails, in words, where the file of the object's mesh could not be read the last time.
+    OssResult meshState(const OssGeoEntity *entity) const;
     /// Fails, in words, where the job cannot be computed.
     OssResult prepare(const BakeJob &job, OssSnEvaluationGraph *graph, OssEvTarget *made);
     OssResult runBakes(std::vector<OssEvBake::Job> bakes, const OssSnEvaluationGraph &graph,
@@ -74,6 +76,7 @@ private:
     {
         std::shared_ptr<const OssEvMesh> mesh; ///< null: not read yet
         QString content;                       ///< as OssFileWatch names it
+        QString error; ///< why the file could not be read; the mesh is the last that could
     };
 
     std::unique_ptr<OssEvEngine> m_engine;

@@ -65,7 +65,7 @@ OssResult OssEvaluationService::prepare(const BakeJob &job, OssSnEvaluationGraph
     }
     *made = target(graph, job.entity, 0, job.resolution);
     made->keepIntermediates = false;
-    return {};
+    return meshState(job.entity);
 }
 
 OssResult OssEvaluationService::runBakes(std::vector<OssEvBake::Job> bakes,

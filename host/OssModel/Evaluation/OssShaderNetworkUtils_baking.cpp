@@ -13,6 +13,7 @@
 #include "OssModel/Nodes/OssSnBakePointNode.h"
 #include "OssModel/Nodes/OssSnResultKey.h"
 #include "OssModel/Objects/OssImageSet.h"
+#include "OssModel/Objects/OssShadingContext.h"
 
 #include <QCoreApplication>
 
@@ -56,6 +57,24 @@ void fillGeoChannel(const OssSnBakePointNode *node)
         channel->setImageSet(node->imageSet());
 }
 
+/// Channels that are no longer kept in step with the bake point keep the images that they have.
+void leaveGeoChannels(const OssSnBakePointNode *node)
+{
+    const OssGeoEntity *entity = node->network()->geoEntity();
+    OssShadingContext *shading = node->network()->shadingContext();
+    const QList<OssGeoImageSet *> channels = entity ? entity->geoImageSets()
+                                                    : QList<OssGeoImageSet *>();
+    for (OssGeoImageSet *channel : channels) {
+        OssImageSet *shared = channel->imageSet();
+        if (!shared || shared != node->imageSet() || channel == node->syncedGeoChannel())
+            continue;
+        OssImageSet *copy = shared->duplicate(
+            shading->freeImageSetName(QStringLiteral("Node_To_GeoChannel_") + channel->name()));
+        shading->addImageSet(copy); // takes it
+        channel->setImageSet(copy);
+    }
+}
+
 /// Leaves nothing behind when it fails.
 OssResult bakeSource(OssSnBakePointNode *node, const std::function<bool(int, int)> &onProgress)
 {
@@ -67,6 +86,7 @@ OssResult bakeSource(OssSnBakePointNode *node, const std::function<bool(int, int
     OssImageSet *set = node->needImageSet();
     if (!set)
         return OssResult::failure(tr("there is no shading to keep images"));
+    leaveGeoChannels(node);
     OssEvaluationService::BakeJob job;
     job.node = source;
     job.outputPoint = node->inputOutputPoint(input);

@@ -142,8 +142,11 @@ void OssShaderNetworkView::onShakeToExtractTimeChanged(int Time)
 
 void OssShaderNetworkView::onShakeToExtractTriggered()
 {
-    if (m_network)
-        m_network->extractNodes(m_network->selectedNodes(), true);
+    if (!m_network)
+        return;
+    const OssUndoManager::AutoMacro macro(tr("Extract Nodes"), m_dragKey,
+                                          OssUndoManager::AutoMacro::Joining::Always);
+    m_network->extractNodes(m_network->selectedNodes(), true);
 }
 
 void OssShaderNetworkView::focusOutEvent(QFocusEvent *event)

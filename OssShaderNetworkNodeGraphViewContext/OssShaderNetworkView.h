@@ -206,8 +206,9 @@ protected Q_SLOTS:
     void deferredConnectToViewContextManager();
 
 private:
-    /// With a debug line when there is none.
+    // With a debug line when there is none.
     bool hasNetwork() const;
+    bool hasScene() const;
     /// Empty, and told, when there is none.
     QList<OssSnBaseNode *> selectionToBakeAround() const;
     /// One line for the status bar, where nothing in the graph shows what a command did or why it
@@ -230,8 +231,6 @@ private:
     QList<OssSnBaseNode *> selectionWithoutViewer() const;
     /// The selected items' nodes, without those that belong to the application.
     QList<OssSnBaseNode *> selectedBusinessNodes() const;
-    /// With a debug line when there is none.
-    bool hasScene() const;
     /// Selects them and moves them, as they stand to each other, to a point of the viewport; null
     /// leaves them where they are.
     void placeInsertedNodes(const QList<OssSnBaseNode *> &nodes, const QPoint *viewPos);
@@ -296,5 +295,6 @@ private:
 
     QPointer<OssShaderNetwork> m_network;
     QMap<OssNgNode *, StartPosition> m_nodeStartPositions;
+    QString m_dragKey; ///< of the steps that one press brings: they are one
     std::optional<QPoint> m_menuPoint; ///< of the viewport, while the context menu is open
 };

@@ -10,6 +10,7 @@
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Nodes/OssSnBakePointNode.h"
 #include "OssModel/Nodes/OssSnImageSetNodeBase.h"
 #include "OssModel/Nodes/OssSnShaderInputNode.h"
 #include "OssModel/Objects/OssChannel.h"
@@ -33,7 +34,15 @@ bool holdsByteColor(OssSnBaseNode *node)
         return input->colorSpace() != ScalarColorSpace
                && input->imageSetDepth() == OssChannel::UnsignedByte;
     const OssSnImageSetNodeBase *images = OssShaderNetworkUtils::asTrueImageSetNode(node);
-    return images && images->imageSet() && images->imageSet()->isByteColor();
+    if (!images || images->imageSet())
+        return images && images->imageSet()->isByteColor();
+    // It gets its images with the first bake.
+    const OssSnBakePointNode *bakePoint = OssShaderNetworkUtils::asTrueBakePointNode(node);
+    if (!bakePoint || !bakePoint->choosesDepth())
+        return false;
+    OssImageSet settings{QString()};
+    bakePoint->applySettings(&settings);
+    return settings.isByteColor();
 }
 
 bool isDisabledMerge(const OssSnBaseNode *node)

@@ -18,6 +18,7 @@
 #include <QGuiApplication>
 #include <QLineF>
 #include <QMouseEvent>
+#include <QUuid>
 
 #include <algorithm>
 
@@ -84,6 +85,7 @@ void OssShaderNetworkView::mousePressEvent(QMouseEvent *event)
     if (event->button() != Qt::LeftButton && (event->buttons() & Qt::LeftButton))
         return;
     m_nodeStartPositions.clear();
+    m_dragKey = QUuid::createUuid().toString();
     const QList<QGraphicsItem *> selection = sortedSelection();
     for (QGraphicsItem *item : selection) {
         auto *node = dynamic_cast<OssNgNode *>(item);
@@ -133,7 +135,8 @@ void OssShaderNetworkView::mouseReleaseEvent(QMouseEvent *event)
             node->setPosition(m_nodeStartPositions.value(node).position);
     }
     // What answers the release, as the order of a group's ports, belongs to the same step.
-    OssUndoManager::AutoMacro macro(moveTitle(nodes));
+    OssUndoManager::AutoMacro macro(moveTitle(nodes), m_dragKey,
+                                    OssUndoManager::AutoMacro::Joining::Always);
     PlacingView::mouseReleaseEvent(event);
     if (!moved)
         return;

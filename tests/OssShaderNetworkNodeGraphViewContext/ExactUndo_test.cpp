@@ -99,6 +99,13 @@ TEST_F(ExactUndo, aShakeIsOneStepAndTheNodeStaysInTheHand)
     EXPECT_EQ(m_blur->inputNodes().first(), nullptr);
     EXPECT_EQ(levels->inputNodes().first(), m_color);
     expectOneStep();
+    while (OssUndoManager::instance()->canUndo())
+        undo();
+    start();
+    moves.append({90, 120});
+    dragBy(m_blur, moves);
+    EXPECT_EQ(levels->inputNodes().first(), m_color);
+    expectOneStep(); // wherever it is let go
 }
 
 TEST_F(ExactUndo, aMoveIsAStepOrLeavesEverythingWhereItWas)

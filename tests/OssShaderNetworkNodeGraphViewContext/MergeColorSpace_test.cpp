@@ -154,4 +154,17 @@ TEST_F(MergeColorSpace, aWireDrawnByHandAsksAndARefusedOneDoesNot)
     EXPECT_EQ(blending(merge), 1);
 }
 
+TEST_F(MergeColorSpace, aBakePointThatWillKeepBytesCountsBeforeItsFirstBake)
+{
+    m_manager->setAutoUpdateUpstreamMergeNodeColorspaceEnabled(text("Change"));
+    for (const char *depth : {"16 bit half", "8 bit"}) {
+        OssSnBaseNode *merge = add("Layer/Merge");
+        OssSnBaseNode *bakePoint = add("Misc/Bake Point");
+        bakePoint->setAttribute(text("depth"), text(depth));
+        wire(merge, bakePoint);
+        OssShaderNetworkView::autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(bakePoint);
+        EXPECT_EQ(blending(merge), depth == std::string("8 bit") ? 1 : 0) << depth;
+    }
+}
+
 } // namespace

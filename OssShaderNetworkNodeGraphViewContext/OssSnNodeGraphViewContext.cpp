@@ -76,6 +76,7 @@ OssSnNodeGraphViewContext::~OssSnNodeGraphViewContext()
     if (!m_GuiNode)
         return;
     m_GuiNode->setBusinessNode(nullptr);
+    m_GuiNode->setHelp(nullptr);
     m_GuiNode->dispose();
 }
 
@@ -101,6 +102,7 @@ void OssSnNodeGraphViewContext::adoptGuiNode(std::shared_ptr<OssNgNode> guiNode)
         return;
     m_GuiNode = std::move(guiNode);
     m_GuiNode->setBusinessNode(node);
+    m_GuiNode->setHelp(this);
     applyNodeState();
     m_GuiNode->setBaked(false);
     m_GuiNode->setStale(false);

@@ -3,6 +3,7 @@
 #include "OssModel/Graph/OssSnBaseContext.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssNodeGraph/Items/OssNgExtendedNode.h"
+#include "OssNodeGraph/Items/OssNgNodeHelp.h"
 #include "OssSnNodeGraphViewContextManager.h"
 
 #include <QHash>
@@ -23,7 +24,9 @@ class OssShaderNetworkView;
 /// The node owns the context, and the context the item. Places are scene coordinates of the item's
 /// upper left corner, sizes scene units. A context without an item, or whose node is gone, does
 /// nothing and answers with nothing. GUI thread.
-class OssSnNodeGraphViewContext : public OssSnBaseContext
+class OssSnNodeGraphViewContext
+    : public OssSnBaseContext
+    , public OssNgNodeHelp
 {
     Q_OBJECT
     Q_PROPERTY(int shapeType READ shapeType WRITE setShapeType)
@@ -106,6 +109,9 @@ public:
 
     void copyGuiStateFrom(OssSnBaseContext *other) override;
     void copyGuiNodeStateFrom(OssSnBaseContext *other) override;
+
+    QString nodeHelp() const override;
+    QString portHelp(const QString &port, bool isInput) const override;
 
     /// Null for a context without an item.
     virtual OssNgNode *guiNode() const { return m_GuiNode.get(); }

@@ -1,6 +1,7 @@
 #include "GraphFixture.h"
 #include "OssCore/Values/OssColor.h"
 #include "OssModel/Nodes/OssProblems.h"
+#include "OssModel/Types/OssSnNodeType.h"
 #include "OssNodeGraph/Items/OssNgUINode.h"
 #include "OssSnUINodeGraphViewContext.h"
 
@@ -77,6 +78,34 @@ TEST_F(ItemsTest, marksComeAndGoWithTheStateOfTheNode)
     EXPECT_EQ(item->toolTip(), text("softens"));
     node->setErrorText(text("no picture"));
     EXPECT_EQ(item->errorText(), text("no picture"));
+}
+
+TEST_F(ItemsTest, tipsSayWhatNodesAndPortsAreAndWhereWiresLead)
+{
+    OssSnBaseNode *brick = addAt("Procedural/Pattern/Brick", {0, 0}, "Brick");
+    OssSnBaseNode *blur = addAt("Filter/Blur", {400, 0}, "Blur");
+    const OssNgNode *from = itemOf(brick);
+    const OssNgNode *to = itemOf(blur);
+    const auto inputTip = [&] {
+        return to->toolTipAt(to->mapFromScene(to->inputPortScenePos(text("Radius"))));
+    };
+    const auto outputTip = [&] {
+        return from->toolTipAt(from->mapFromScene(from->outputPortScenePos(text("Height"))));
+    };
+    const QString described = text(
+        "A map from 0 to 1 that the radius is multiplied by: 0 stays sharp");
+    EXPECT_EQ(inputTip(), text("Radius\nInput, single value\n") + described);
+    ASSERT_TRUE(blur->setInputNode(text("Radius"), brick, text("Height")));
+    EXPECT_EQ(inputTip(), text("Radius\nInput, single value\nfrom Brick . Height\n") + described);
+    EXPECT_TRUE(outputTip().startsWith(text("Height\nOutput, single value\nto Blur . Radius\n")))
+        << qPrintable(outputTip());
+    for (int i = 0; i < 5; ++i)
+        add("Filter/Blur")->setInputNode(text("Radius"), brick, text("Height"));
+    EXPECT_TRUE(outputTip().contains(text("\nand 2 more\n"))) << qPrintable(outputTip());
+    const QPointF body = from->bodyRect().topLeft() + QPointF(40, 14);
+    EXPECT_EQ(from->toolTipAt(body), brick->nodeType()->description);
+    brick->setDescription(text("of the old wall"));
+    EXPECT_EQ(from->toolTipAt(body), text("of the old wall\n") + brick->nodeType()->description);
 }
 
 TEST_F(ItemsTest, wiresShowWhetherTheirInputIsSharedAndOn)

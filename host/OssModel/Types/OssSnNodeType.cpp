@@ -92,6 +92,7 @@ void Reader::readPorts(const QString &element, QVector<OssSnNodeType::Port> *por
         OssSnNodeType::Port port;
         port.name = text("Name");
         port.label = text("Label");
+        port.description = text("Description");
         port.kind = kind();
         port.preferred = flag("Preferred", false);
         port.setAtLoad = flag("SetAtLoad", false);

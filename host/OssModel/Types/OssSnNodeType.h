@@ -19,7 +19,8 @@
 ///               Aliases="soften,gauss">
 ///       <Description>...</Description>
 ///       <Tags><Tag>_blend</Tag></Tags>
-///       <Inputs><Input Name="Input" Kind="Color" Preferred="true" Label="..."/></Inputs>
+///       <Inputs><Input Name="Input" Kind="Color" Preferred="true" Label="..."
+///                     Description="..."/></Inputs>
 ///       <Outputs><Output Name="Output" Kind="Color"/></Outputs>
 ///       <Attributes><Group Name="Size">
 ///         <Attribute Name="Radius" Type="real" Default="8" Minimum="0" Maximum="200"
@@ -43,6 +44,7 @@ public:
         bool preferred = false;
         bool setAtLoad = false;
         QStringList tags;
+        QString description; ///< what it means, where its name does not say it
     };
 
     /// Reads a description. `fileName` is for messages. Null and a reason on any fault: unknown

@@ -13,6 +13,7 @@
 #include <memory>
 
 class OssNgEdge;
+class OssNgNodeHelp;
 class OssNgSceneIndex;
 
 /// The picture of one node in a graph, with its ports and the wires that end at its inputs.
@@ -50,6 +51,9 @@ public:
     void setBusinessNode(QObject *businessNode);
 
     QObject *businessNode() const { return m_businessNode; }
+
+    /// Asked when the pointer rests on the node; must live as long as it is set. Null: nobody.
+    void setHelp(const OssNgNodeHelp *help) { m_help = help; }
 
     // Look
 
@@ -269,6 +273,7 @@ private:
     QRectF statusArea(const QRectF &header) const;
 
     QPointer<QObject> m_businessNode;
+    const OssNgNodeHelp *m_help = nullptr;
     OssNgSceneIndex *m_index = nullptr; ///< cleared by the index when it dies first
     int m_indexSlot = -1;
     QString m_text;

@@ -5,6 +5,7 @@
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
 #include "OssNodeGraph/Drawing/OssNgText.h"
 #include "OssNodeGraph/Items/OssNgNodeExtras.h"
+#include "OssNodeGraph/Items/OssNgNodeHelp.h"
 
 #include <QPainter>
 #include <QPainterPath>
@@ -365,9 +366,13 @@ QString OssNgNode::toolTipAt(const QPointF &local) const
         const int index = list(side).indexOf(port->name);
         const QString called = list(side).calledName(index);
         const QString label = portLabel(index, side);
-        return called == label || called == port->name
-                   ? label
-                   : QStringLiteral("%1\n%2").arg(label, called);
+        QStringList lines{label};
+        if (called != label && called != port->name)
+            lines.append(called);
+        const QString help = m_help ? m_help->portHelp(port->name, side == Side::Input) : QString();
+        if (!help.isEmpty())
+            lines.append(help);
+        return lines.join(QLatin1Char('\n'));
     };
     const qreal reach = OssNgStyle::PortRadius + 2.0;
     if (const OssNgPort *port = inputPortAt(local, reach))
@@ -376,9 +381,15 @@ QString OssNgNode::toolTipAt(const QPointF &local) const
         return describe(port, Side::Output);
     if (m_extras && !m_extras->errorText.isEmpty())
         return m_extras->errorText;
-    if (toolTip().isEmpty() && bodyRect().width() >= OssNgStyle::MaximumWidth)
-        return m_text; // perhaps cut short
-    return toolTip();
+    QStringList lines;
+    if (bodyRect().width() >= OssNgStyle::MaximumWidth)
+        lines.append(m_text); // perhaps cut short
+    const QString help = m_help ? m_help->nodeHelp() : QString();
+    for (const QString &text : {toolTip(), help}) {
+        if (!text.isEmpty())
+            lines.append(text);
+    }
+    return lines.join(QLatin1Char('\n'));
 }
 
 bool OssNgNode::clickAt(const QPointF &)

@@ -26,6 +26,14 @@ constexpr int MinimapDelay = 120; ///< milliseconds between a change and the map
 constexpr int GlideInterval = 12;
 constexpr int BorderPanInterval = 16;
 
+/// Lets long texts wrap, which plain tool tips do not, and names with "<" stay what they are.
+QString asMarkup(const QString &plain)
+{
+    QString text = plain.toHtmlEscaped();
+    text.replace(QLatin1Char('\n'), QLatin1String("<br>"));
+    return QStringLiteral("<qt>%1</qt>").arg(text);
+}
+
 } // namespace
 
 OssNgView::OssNgView(QWidget *parent)
@@ -226,7 +234,7 @@ bool OssNgView::viewportEvent(QEvent *event)
     if (text.isEmpty())
         QToolTip::hideText();
     else
-        QToolTip::showText(help->globalPos(), text, viewport());
+        QToolTip::showText(help->globalPos(), asMarkup(text), viewport());
     event->accept();
     return true;
 }

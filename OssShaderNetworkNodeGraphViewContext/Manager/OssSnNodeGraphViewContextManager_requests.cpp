@@ -2,6 +2,7 @@
 
 #include "Manager/ImageNodeTypes.h"
 #include "Manager/SelectionCommands.h"
+#include "Manager/SoloLook.h"
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Program/OssIcon.h"
 #include "OssCore/Program/OssResourceInfo.h"
@@ -75,6 +76,7 @@ void OssSnNodeGraphViewContextManager::createActions()
     createPortListActions();
     createImageActions();
     createShakeAction();
+    new SoloLook(this); // owned
 }
 
 void OssSnNodeGraphViewContextManager::createLayoutAction()

@@ -2,6 +2,7 @@
 
 #include "OssCore/OssCoreServices.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
+#include "OssModel/Evaluation/OssSolo.h"
 #include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Images/OssFileWatch.h"
@@ -36,6 +37,7 @@ struct OssModelServices::Services
     OssCanvasManager canvases;
     OssEvaluationService evaluation;
     OssProjectManager projects;
+    OssSolo solo;
 };
 
 OssModelServices::OssModelServices()

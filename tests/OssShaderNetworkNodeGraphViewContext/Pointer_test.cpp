@@ -1,5 +1,6 @@
 #include "GraphUser.h"
 #include "OssInterface/Dialogs/OssNodeQuickFindDialog.h"
+#include "OssModel/Evaluation/OssSolo.h"
 #include "PointerFixture.h"
 
 #include <QListView>
@@ -54,6 +55,71 @@ protected:
     QStringList m_offered;
     QPoint m_menuAt;
 };
+
+TEST_F(Pointer, theKeyLooksAtWhatIsUnderThePointerAndAtNothingWhenItWasHeld)
+{
+    QAction *action = graphAction("Look At");
+    ASSERT_NE(action, nullptr);
+    action->setShortcut(Qt::Key_S);
+    const QByteArray before = m_project->stateHash();
+    const auto pointAt = [this](const OssSnBaseNode *node) {
+        QCursor::setPos(m_view->viewport()->mapToGlobal(headerOf(node)));
+        pointer(QEvent::MouseMove, headerOf(node), Qt::NoButton, Qt::NoButton);
+        return OssSolo::instance()->node();
+    };
+    const auto press = [action] {
+        QShortcutEvent event(QKeySequence(Qt::Key_S), 0);
+        QCoreApplication::sendEvent(action, &event);
+        return OssSolo::instance()->node();
+    };
+    const auto letGo = [this] {
+        QTest::keyRelease(m_view, Qt::Key_S);
+        QTest::qWait(100);
+        return OssSolo::instance()->node();
+    };
+    select({m_color});
+    pointAt(m_blur);
+    EXPECT_EQ(press(), m_blur);
+    EXPECT_EQ(letGo(), m_blur) << "a tap";
+    EXPECT_TRUE(action->isChecked());
+    EXPECT_EQ(pointAt(m_color), m_blur) << "the key is not held";
+    EXPECT_EQ(press(), nullptr);
+    letGo();
+    pointAt(m_blur);
+    press();
+    EXPECT_EQ(pointAt(m_color), m_color);
+    EXPECT_EQ(letGo(), nullptr) << "it was held";
+    EXPECT_FALSE(action->isChecked());
+    action->trigger();
+    EXPECT_EQ(OssSolo::instance()->node(), m_color) << "menus look at the selection";
+    QTest::keyClick(m_view, Qt::Key_Escape);
+    EXPECT_EQ(OssSolo::instance()->node(), nullptr);
+    action->trigger();
+    m_view->deleteSelectedNodes();
+    EXPECT_EQ(OssSolo::instance()->node(), nullptr);
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(OssSolo::instance()->node(), nullptr) << "undo brings a node, and no more";
+    EXPECT_EQ(m_project->stateHash(), before);
+    select({addAt("Misc/Backdrop", {0, 300})});
+    action->trigger();
+    EXPECT_EQ(OssSolo::instance()->node(), nullptr) << "it has no picture";
+    action->setShortcut({});
+}
+
+TEST_F(Pointer, aNodeInAGroupIsLookedAtUntilTheGroupGoes)
+{
+    OssSnGroupNode *group = addGroup();
+    OssSnBaseNode *inside = addInside(group, "Procedural/Color");
+    ASSERT_TRUE(OssSolo::instance()->look(inside));
+    m_blur->setName(text("Other"));
+    EXPECT_EQ(OssSolo::instance()->node(), inside);
+    select({group});
+    m_view->deleteSelectedNodes();
+    EXPECT_EQ(OssSolo::instance()->node(), nullptr);
+    ASSERT_TRUE(OssSolo::instance()->look(m_color));
+    replaceProject();
+    EXPECT_EQ(OssSolo::instance()->node(), nullptr);
+}
 
 TEST_F(Pointer, aWireDroppedOnNothingOffersTheTypesThatFitAndIsWiredToTheNewNode)
 {

@@ -9,6 +9,7 @@
 #include "OssCore/Program/OssSettings.h"
 #include "OssInterface/Actions/OssShortcutManager.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
+#include "OssModel/Evaluation/OssSolo.h"
 #include "OssModel/Images/OssPixelStore.h"
 #include "OssModel/Nodes/OssSnImageSetNodeBase.h"
 #include "OssModel/Objects/OssImageSet.h"
@@ -22,6 +23,7 @@
 #include <QDoubleSpinBox>
 #include <QFileInfo>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QSplitter>
@@ -398,6 +400,59 @@ TEST_F(Viewing, progressOnlyGrowsUntilAllPatchesAreThere)
         }
         EXPECT_EQ(progress.last().at(1), row == 0 ? text("256 pixels") : text("1024 pixels"));
     }
+}
+
+TEST_F(Viewing, aNodeIsLookedAtByItselfBesideAPictureThatWasKept)
+{
+    show(m_red);
+    ASSERT_TRUE(comesToShow(Qt::red));
+    auto *view = m_panel->findChild<UvView *>();
+    const auto seen = [view](double across) {
+        const QImage picture = view->grab().toImage();
+        return QColor(picture.pixel(int(picture.width() * across), picture.height() / 3));
+    };
+    const QByteArray before = m_project->stateHash();
+    ASSERT_TRUE(comes([&] { return seen(0.3) == QColor(Qt::red); })) << "the last tile, too";
+    button("Compare")->click();
+    QSignalSpy began(m_source, &ViewerSource::began);
+    ASSERT_TRUE(OssSolo::instance()->look(m_green));
+    ASSERT_TRUE(comesToShow(Qt::green));
+    EXPECT_EQ(began.last().at(1), text("Solo: ") + m_green->name());
+    EXPECT_TRUE(comes([&] { return seen(0.7) == QColor(Qt::green); }));
+    EXPECT_EQ(seen(0.3), QColor(Qt::red));
+    const QPoint line(view->width() / 2, view->height() / 2);
+    const QPoint right(view->width() * 8 / 10, line.y());
+    QTest::mousePress(view, Qt::LeftButton, {}, line);
+    QMouseEvent move(QEvent::MouseMove, right, Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(view, &move);
+    QTest::mouseRelease(view, Qt::LeftButton, {}, right);
+    EXPECT_EQ(seen(0.7), QColor(Qt::red)) << "the line is right of it";
+    QTest::keyClick(m_panel.get(), Qt::Key_Escape);
+    EXPECT_TRUE(comesToShow(Qt::red)) << "what the viewer looks at";
+    EXPECT_TRUE(button("Compare")->isChecked());
+    QTest::keyClick(m_panel.get(), Qt::Key_Escape);
+    EXPECT_FALSE(button("Compare")->isChecked());
+    EXPECT_EQ(m_project->stateHash(), before);
+}
+
+TEST_F(Viewing, nothingIsPaintedUnderAPictureThatWasKept)
+{
+    show(m_red);
+    ASSERT_TRUE(comesToShow(Qt::red));
+    button("Paint")->click();
+    m_panel->findChild<PaintBar *>()->makeNode();
+    auto *view = m_panel->findChild<UvView *>();
+    auto *session = m_panel->findChild<PaintSession *>();
+    button("Compare")->click();
+    const QPoint left(view->width() * 3 / 10, view->height() / 2);
+    const QPoint right(view->width() * 7 / 10, view->height() / 2);
+    QTest::mousePress(view, Qt::LeftButton, {}, left);
+    EXPECT_FALSE(session->isPainting());
+    QTest::mouseRelease(view, Qt::LeftButton, {}, left);
+    QTest::mousePress(view, Qt::LeftButton, {}, right);
+    EXPECT_TRUE(session->isPainting());
+    QTest::mouseRelease(view, Qt::LeftButton, {}, right);
+    session->clear();
 }
 
 TEST_F(Viewing, escapeStopsThePictureUntilTheNextChange)

@@ -60,6 +60,7 @@ const std::vector<Row> RowTable{
     {"/Ossa/Viewer", QT_TR_NOOP("Show Patches and Object"), "", "Viewer 1.3", Always, QT_TR_NOOP("Show both side by side")},
     {"/Ossa/Viewer", QT_TR_NOOP("Frame Pictures"), "F A", "Viewer 1.4", Always, QT_TR_NOOP("Show all patches and the whole object")},
     {"/Ossa/Viewer", QT_TR_NOOP("Toggle Light"), "L", "Viewer 1.5", Always, QT_TR_NOOP("Light the object, or show its plain colors")},
+    {"/Ossa/Viewer", QT_TR_NOOP("Compare"), "C", "Viewer 1.6", Always, QT_TR_NOOP("Keep the picture as it looks now and wipe between it and what is looked at next, or let go of it")},
     {"/Ossa/Viewer", QT_TR_NOOP("Toggle Painting"), "", "Viewer 2.1", Always, QT_TR_NOOP("Paint on the patches, or only look at them")},
     {"/Ossa/Viewer", QT_TR_NOOP("New Paint"), "", "Viewer 2.2", Always, QT_TR_NOOP("Put a new paint node over what the viewer shows")},
     {"/Ossa/Viewer", QT_TR_NOOP("Bake Paint"), "", "Viewer 2.3", Always, QT_TR_NOOP("Write the paint into the images of its node")},
@@ -135,6 +136,7 @@ const std::vector<Row> RowTable{
     {"/Ossa/NodeGraph", QT_TR_NOOP("Connect Selected Node to Viewer8"), "8", "Look 1.08", Always, QT_TR_NOOP("Look at the selected node through input 8 of the viewer")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Connect Selected Node to Viewer9"), "9", "Look 1.09", Always, QT_TR_NOOP("Look at the selected node through input 9 of the viewer")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Connect Selected Node to Viewer0"), "0", "Look 1.10", Always, QT_TR_NOOP("Make the selected material the current one and look at it")},
+    {"/Ossa/NodeGraph", QT_TR_NOOP("Look At"), "S", "Look 2.2, Context 4.6", Always, QT_TR_NOOP("Show the node under the pointer, or else the selected one, in the Viewer without rewiring it; the key held shows it until it is let go")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Move Viewer to Cursor"), "V", "Look 2.1", Always, QT_TR_NOOP("Bring the viewer to this graph, under the pointer")},
 
     {"/Ossa/NodeGraph", QT_TR_NOOP("Create Paint Node"), "", "Bake 1.1, Object 2.1", Always, QT_TR_NOOP("Make a node with images of its own to paint on")},

@@ -5,6 +5,7 @@
 #include "OssInterface/Palettes/OssPalette.h"
 #include "OssInterface/Palettes/OssPaletteManager.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
+#include "OssModel/Evaluation/OssSolo.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
@@ -39,17 +40,6 @@ OssNgView *shownView()
     const auto *tabs = palette ? qobject_cast<QTabWidget *>(palette->originalWidget()) : nullptr;
     auto *view = tabs ? qobject_cast<OssNgView *>(tabs->currentWidget()) : nullptr;
     return view && view->isVisible() ? view : nullptr;
-}
-
-bool hasPicture(const OssSnBaseNode *node, const QString &output)
-{
-    if (output.isEmpty() || node->hasDetachedOutputs())
-        return false;
-    for (const OssSnBaseNode::OutputPoint &point : node->outputPoints()) {
-        if (point.name == output)
-            return point.kind != OssSnDataKind::Material && point.kind != OssSnDataKind::Data;
-    }
-    return false;
 }
 
 } // namespace
@@ -129,8 +119,8 @@ void NodeThumbnails::look()
 void NodeThumbnails::lookAt(OssNgNode *item)
 {
     const auto *node = qobject_cast<OssSnBaseNode *>(item->businessNode());
-    const QString output = node && node->network() ? node->prefferedOutputPoint() : QString();
-    if (!node || !hasPicture(node, output))
+    const QString output = OssSolo::pictureOutput(node);
+    if (output.isEmpty())
         return;
     const QString key = OssSnResultKey::of(node, output);
     Shown &shown = m_shown[item];

@@ -124,24 +124,34 @@ void UvView::frameAll()
     update();
 }
 
-void UvView::paintEvent(QPaintEvent *)
+QColor UvView::groundColor()
+{
+    return {0x1b, 0x1d, 0x20};
+}
+
+void UvView::drawPatch(QPainter *painter, int patch, const QImage &picture) const
 {
     static const QBrush ground = checks();
+    const QRectF area = rectOf(patch);
+    if (!area.intersects(rect()))
+        return;
+    painter->fillRect(area, ground);
+    painter->setRenderHint(QPainter::SmoothPixmapTransform, m_scale < picture.width());
+    painter->drawImage(area, picture);
+    painter->setPen(QColor(0x4a, 0x4e, 0x55));
+    painter->setBrush(Qt::NoBrush);
+    painter->drawRect(area);
+    drawNumber(painter, area, QString::number(patch));
+}
+
+void UvView::paintEvent(QPaintEvent *)
+{
     QPainter painter(this);
-    painter.fillRect(rect(), QColor(0x1b, 0x1d, 0x20));
-    painter.setRenderHint(QPainter::SmoothPixmapTransform, m_scale < m_pictures->resolution());
+    painter.fillRect(rect(), groundColor());
     const QList<int> patches = m_pictures->patches();
-    for (const int patch : patches) {
-        const QRectF area = rectOf(patch);
-        if (!area.intersects(rect()))
-            continue;
-        painter.fillRect(area, ground);
-        painter.drawImage(area, m_pictures->picture(patch));
-        painter.setPen(QColor(0x4a, 0x4e, 0x55));
-        painter.setBrush(Qt::NoBrush);
-        painter.drawRect(area);
-        drawNumber(&painter, area, QString::number(patch));
-    }
+    for (const int patch : patches)
+        drawPatch(&painter, patch, m_pictures->picture(patch));
+    drawComparison(&painter);
     drawOutline(&painter);
     if (m_pictures->problem().isEmpty())
         return;
@@ -169,14 +179,20 @@ void UvView::wheelEvent(QWheelEvent *event)
 void UvView::mousePressEvent(QMouseEvent *event)
 {
     m_last = event->pos();
-    if (m_isPainting && event->button() == Qt::LeftButton
+    if (event->button() == Qt::LeftButton && isAtWipe(event->localPos())) {
+        m_isWiping = true;
+        return;
+    }
+    if (m_isPainting && !isKeptAt(event->localPos()) && event->button() == Qt::LeftButton
         && !(event->modifiers() & Qt::AltModifier))
         paintPress(*event);
 }
 
 void UvView::mouseMoveEvent(QMouseEvent *event)
 {
-    if (m_session->isPainting()) {
+    if (m_isWiping) {
+        moveWipe(event->localPos());
+    } else if (m_session->isPainting()) {
         m_session->moveTo(toUv(event->localPos()), m_pressure);
     } else if ((event->buttons() & Qt::MiddleButton)
                || ((event->buttons() & Qt::LeftButton)
@@ -187,14 +203,17 @@ void UvView::mouseMoveEvent(QMouseEvent *event)
         update();
     }
     m_last = event->pos();
+    showPointer();
     moveOutline(event->localPos());
     Q_EMIT pointed(valuesAt(event->localPos()));
 }
 
 void UvView::mouseReleaseEvent(QMouseEvent *event)
 {
-    if (event->button() == Qt::LeftButton)
-        m_session->end();
+    if (event->button() != Qt::LeftButton)
+        return;
+    m_isWiping = false;
+    m_session->end();
 }
 
 void UvView::keyPressEvent(QKeyEvent *event)
@@ -227,7 +246,7 @@ QString UvView::valuesAt(const QPointF &place) const
 {
     const QPointF uv = toUv(place);
     const int patch = OssEvPatch::number(int(std::floor(uv.x())), int(std::floor(uv.y())));
-    if (!m_pictures->has(patch))
+    if (!m_pictures->has(patch) || isKeptAt(place))
         return {};
     const int resolution = m_pictures->resolution();
     const QPointF texel = (place - rectOf(patch).topLeft()) / m_scale * resolution;

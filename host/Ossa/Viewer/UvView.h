@@ -2,6 +2,8 @@
 
 #include "OssModel/Objects/OssCanvasWidget.h"
 
+#include <QHash>
+#include <QImage>
 #include <QVariant>
 #include <QWidget>
 
@@ -33,6 +35,16 @@ public:
     OssResult bakePaint() override;
 
     void frameAll();
+
+    /// Keeps what is shown as it looks now, beside what is looked at from now on: it lies left of a line
+    /// that the left button draws. Nothing is painted there.
+    void keepPicture();
+    void dropKeptPicture();
+
+    bool isComparing() const { return !m_kept.isEmpty(); }
+
+    /// What the picture is of, in words.
+    void setShownName(const QString &name);
 
     /// The scene-linear colour under a place of the widget, not premultiplied; invalid where there is
     /// none. Found by its name.
@@ -69,6 +81,17 @@ private:
     void showBegin();
     void showChange(int patch, const QRect &area);
 
+    static QColor groundColor();
+    void drawPatch(QPainter *painter, int patch, const QImage &picture) const;
+    void showPointer();
+
+    // Comparing
+    double wipePlace() const;
+    bool isKeptAt(const QPointF &place) const;
+    bool isAtWipe(const QPointF &place) const;
+    void moveWipe(const QPointF &place);
+    void drawComparison(QPainter *painter) const;
+
     // Painting
     void paintPress(const QMouseEvent &event);
     void pickColor(const QPointF &place);
@@ -86,5 +109,10 @@ private:
     double m_scale = 300.0; ///< pixels of a patch
     QPointF m_origin;       ///< of patch 1001's lower left corner
     QPoint m_last;
+    QHash<int, QImage> m_kept; ///< by patch
+    QString m_keptName;
+    QString m_shownName;
+    double m_wipe = 0.5; ///< of the width
+    bool m_isWiping = false;
     bool m_fitted = true; ///< everything is shown, until the user looks elsewhere
 };

@@ -26,12 +26,9 @@ void UvView::setPainting(bool on)
         return;
     m_session->end();
     m_isPainting = on;
-    if (on) {
-        setCursor(Qt::CrossCursor);
+    showPointer();
+    if (on)
         setFocus(); // so that the brush's keys act
-    } else {
-        unsetCursor();
-    }
     update();
 }
 

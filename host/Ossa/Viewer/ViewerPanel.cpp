@@ -12,6 +12,7 @@
 #include "OssInterface/Actions/OssShortcutManager.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Nodes/OssSnImageSetNodeBase.h"
+#include "OssModel/Project/OssProjectManager.h"
 
 #include <QApplication>
 #include <QButtonGroup>
@@ -58,6 +59,7 @@ ViewerPanel::ViewerPanel(QWidget *parent)
     , m_views(new QSplitter(this))
     , m_light(makeSwitch(tr("Light"), "Toggle Light", this))
     , m_paint(makeSwitch(tr("Paint"), "Toggle Painting", this))
+    , m_compare(makeSwitch(tr("Compare"), "Compare", this))
     , m_name(new QLabel(this))
     , m_values(new QLabel(this))
     , m_pass(new QLabel(this))
@@ -111,6 +113,7 @@ void ViewerPanel::follow()
     connect(m_source, &ViewerSource::began, this,
             [this](const QList<int> &patches, const QString &node, const QString &problem) {
                 m_name->setText(node);
+                m_view->setShownName(node);
                 followPaint();
                 m_pictures->begin(patches, m_source->resolution(), problem);
                 const OssGeoEntity *entity = m_source->entity();
@@ -138,6 +141,13 @@ void ViewerPanel::follow()
             m_view->setFocus();
     });
     connect(m_paint, &QToolButton::toggled, this, &ViewerPanel::setPainting);
+    connect(m_compare, &QToolButton::toggled, this, &ViewerPanel::setComparing);
+    connect(OssProjectManager::instance(), &OssProjectManager::projectClosing, this,
+            [this] { m_compare->setChecked(false); });
+    connect(OssStatusManager::instance(), &OssStatusManager::stopAsked, this, [this] {
+        if (!m_source->showsSolo()) // that ends first
+            m_compare->setChecked(false);
+    });
     m_light->setChecked(m_object->isLit());
     connect(m_light, &QToolButton::toggled, m_object, &ObjectView::setLit);
     connect(m_object, &ObjectView::litChanged, m_light, &QToolButton::setChecked);
@@ -176,6 +186,7 @@ void ViewerPanel::fileCommands()
     file("Show Patches and Object", [this] { setMode(Both); });
     file("Frame Pictures", [this] { framePictures(); });
     file("Toggle Light", [this] { m_light->toggle(); });
+    file("Compare", [this] { m_compare->toggle(); });
     file("Toggle Painting", [this] { m_paint->toggle(); });
     file("New Paint", [this] {
         m_paint->setChecked(true);
@@ -207,8 +218,10 @@ void ViewerPanel::setMode(Mode mode)
     m_view->setVisible(mode != Object);
     m_object->setVisible(mode != Patches);
     m_light->setVisible(mode != Patches);
-    if (mode == Object)
+    if (mode == Object) {
         m_paint->setChecked(false);
+        m_compare->setChecked(false);
+    }
     OssSettings settings;
     if (settings.value(modeKey, Patches).toInt() != mode) // the first time it comes from there
         settings.setValue(modeKey, int(mode));
@@ -223,8 +236,8 @@ QWidget *ViewerPanel::makeControls()
     auto *top = new QHBoxLayout;
     top->setSpacing(2);
     addModes(top);
-    top->addWidget(m_light);
-    top->addWidget(m_paint);
+    for (QToolButton *button : {m_light, m_paint, m_compare})
+        top->addWidget(button);
     top->addStretch(1);
     top->addWidget(m_resolution);
     rows->addLayout(top);
@@ -283,6 +296,19 @@ void ViewerPanel::setPainting(bool on)
     m_paintBar->refresh();
     // There is nothing to paint on in the other view.
     if (on && m_modes->checkedId() == Object)
+        setMode(Both);
+}
+
+void ViewerPanel::setComparing(bool on)
+{
+    if (!on) {
+        m_view->dropKeptPicture();
+        return;
+    }
+    m_view->keepPicture();
+    if (!m_view->isComparing())
+        m_compare->setChecked(false); // there is no picture to keep
+    else if (m_modes->checkedId() == Object)
         setMode(Both);
 }
 

@@ -46,6 +46,7 @@ private:
     void showProgress(int thousandths, const QString &pass);
     void setMode(Mode mode);
     void setPainting(bool on);
+    void setComparing(bool on);
     void followPaint();
     void fileCommands();
     void framePictures();
@@ -61,6 +62,7 @@ private:
     QButtonGroup *m_modes = nullptr;
     QToolButton *m_light;
     QToolButton *m_paint;
+    QToolButton *m_compare;
     QLabel *m_name;
     QLabel *m_values;
     QLabel *m_pass; ///< what is computed just now

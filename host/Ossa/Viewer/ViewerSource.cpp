@@ -5,6 +5,7 @@
 #include "OssEvaluation/Schedule/OssEvPlan.h"
 #include "OssEvaluation/Values/OssEvPatch.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
+#include "OssModel/Evaluation/OssSolo.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
@@ -25,9 +26,12 @@ constexpr int longestHold = 1000; // milliseconds
 constexpr int coarseResolution = 256;
 constexpr double coarseShare = 0.1; // of the work
 
-/// What the current network's viewer looks at.
+/// What is looked at by itself, or else through the current network's viewer.
 OssSnProducer viewed(const OssShaderNetwork *network)
 {
+    const OssSolo *solo = OssSolo::instance();
+    if (solo->node())
+        return {solo->node(), solo->outputPoint()};
     const OssSnBaseNode *viewer = network ? network->viewerNode() : nullptr;
     if (!viewer)
         return {};
@@ -118,6 +122,13 @@ void ViewerSource::setFocus(const QPointF &place)
             (1.0 - (place.y() - OssEvPatch::row(request.patch))) * request.resolution);
 }
 
+QString ViewerSource::shownName() const
+{
+    if (!m_shown.node)
+        return {};
+    return m_shown.isSolo ? tr("Solo: %1").arg(m_shown.node->name()) : m_shown.node->name();
+}
+
 void ViewerSource::refresh()
 {
     m_shown = {};
@@ -128,7 +139,9 @@ void ViewerSource::look()
 {
     const OssShaderNetwork *network = OssShaderNetworkManager::instance()->currentShaderNetwork();
     const OssSnProducer now = viewed(network);
-    const bool other = now.node != m_shown.node || now.outputPoint != m_shown.outputPoint;
+    const bool isSolo = OssSolo::instance()->node();
+    const bool other = now.node != m_shown.node || now.outputPoint != m_shown.outputPoint
+                       || isSolo != m_shown.isSolo;
     if (!m_dirty && !other)
         return;
     // Under a steady drag every coarse picture would otherwise make way for the next.
@@ -138,7 +151,7 @@ void ViewerSource::look()
     const QString key = OssSnResultKey::of(now.node, now.outputPoint);
     if (!other && key == m_shown.key && !key.isEmpty())
         return;
-    m_shown = {now.node, now.outputPoint, key};
+    m_shown = {now.node, now.outputPoint, key, isSolo};
     start(network ? network->geoEntity() : nullptr);
 }
 
@@ -170,7 +183,7 @@ void ViewerSource::start(const OssGeoEntity *entity)
                                    ? OssEvaluationService::instance()->patches(entity)
                                    : QList<int>();
     m_sources = graph.sources;
-    Q_EMIT began(patches, m_shown.node->name(), graph.error);
+    Q_EMIT began(patches, shownName(), graph.error);
     graph.tellProblem(graph.faulty, graph.error);
     follow(graph);
     const bool coarse = m_resolution > coarseResolution;
@@ -248,7 +261,7 @@ void ViewerSource::finish(const OssSnEvaluationGraph &graph, int resolution,
         const QString problem = QString::fromStdString(outcome.error);
         graph.tellProblem(outcome.node, problem);
         stop(); // the other patches have the same fault
-        Q_EMIT began({}, m_shown.node ? m_shown.node->name() : QString(), problem);
+        Q_EMIT began({}, shownName(), problem);
         return;
     }
     if (outcome.ok() && resolution == m_resolution && --m_fineLeft == 0) {

@@ -17,7 +17,7 @@
 class OssGeoEntity;
 class OssSnBaseNode;
 
-/// Follows what the current viewer looks at and has it computed. Watches cheaply: only when the
+/// Follows what is looked at, by itself (OssSolo) or through the current viewer, and has it computed. Watches cheaply: only when the
 /// document or the viewer changed it asks whether the picture would be another one. A newer request
 /// takes the place of the one that runs. A coarse picture comes first, so that a value under the
 /// user's hand shows at once what it does. Nothing here waits for pixels.
@@ -42,6 +42,9 @@ public:
 
     /// Whether the picture is what the node puts out, and nothing is done to it.
     bool showsOnly(const OssSnBaseNode *node) const;
+
+    /// Whether the picture is of a node that is looked at by itself.
+    bool showsSolo() const { return m_shown.isSolo; }
 
     /// Where the user looks, in patches: tiles nearest to it come first.
     void setFocus(const QPointF &place);
@@ -70,6 +73,7 @@ private:
         QPointer<const OssSnBaseNode> node;
         QString outputPoint;
         QString key;
+        bool isSolo = false;
     };
 
     struct Running
@@ -81,6 +85,7 @@ private:
     };
 
     void look();
+    QString shownName() const;
     void start(const OssGeoEntity *entity);
     void startPatch(const OssSnEvaluationGraph &graph, const OssGeoEntity *entity, int patch,
                     int resolution);

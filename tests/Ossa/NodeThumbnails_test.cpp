@@ -62,6 +62,7 @@ protected:
     OssSnBaseNode *m_node = nullptr;
     OssNgNode m_near;
     OssNgNode m_away;
+    OssNgNode m_below;
     QGraphicsScene m_scene;
 };
 
@@ -101,4 +102,28 @@ TEST_F(Thumbnails, areOfNodesInViewFollowEditsAndGoWhenSwitchedOff)
 
     thumbnails.setEnabled(false);
     EXPECT_EQ(m_near.boundingRect().height(), plain);
+}
+
+TEST_F(Thumbnails, takeTheRoomThatThereIsAndNoMore)
+{
+    const QRectF plain = m_near.bodyRect();
+    place(&m_below, add("Procedural/Color"), {0.0, plain.height() + 40.0});
+    NodeThumbnails thumbnails;
+    thumbnails.setEnabled(true);
+    ASSERT_TRUE(
+        QTest::qWaitFor([&] { return m_near.bodyRect().height() > plain.height(); }, 20000));
+    const auto overlap = [this] {
+        return m_near.bodyRect()
+            .translated(m_near.pos())
+            .intersects(m_below.bodyRect().translated(m_below.pos()));
+    };
+    EXPECT_FALSE(overlap());
+    const qreal low = m_near.bodyRect().height();
+    m_below.setPosition({0.0, plain.height() + 10.0});
+    m_node->setName(text("Told")); // a step, as a move by hand is
+    EXPECT_TRUE(QTest::qWaitFor([&] { return m_near.bodyRect() == plain; }, 20000));
+    m_below.setPosition({0.0, 400.0});
+    m_node->setName(text("Again"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return m_near.bodyRect().height() > low; }, 20000))
+        << "with room it is whole";
 }

@@ -22,6 +22,7 @@
 #include <QPixmap>
 #include <QTabWidget>
 
+#include <algorithm>
 #include <memory>
 #include <mutex>
 #include <utility>
@@ -30,6 +31,12 @@ namespace {
 
 constexpr int size = 96;   // texels that are computed
 constexpr int height = 56; // of them shown, the middle: nodes stay low
+// Of a picture in its node, in units of the graph.
+constexpr qreal inset = 10.0;
+constexpr qreal margin = 6.0;
+constexpr qreal leastHeight = 24.0;
+constexpr qreal mostRoom = 170.0;
+constexpr qreal gap = 6.0; // to what comes below
 constexpr int lookInterval = 120;
 constexpr int longestLook = 6; // ms of the GUI thread
 constexpr int mostRunning = 4;
@@ -124,9 +131,14 @@ void NodeThumbnails::lookAt(OssNgNode *item)
         return;
     const QString key = OssSnResultKey::of(node, output);
     Shown &shown = m_shown[item];
-    if (shown.item == item && shown.key == key)
+    if (shown.item == item && shown.key == key) {
+        fit(&shown);
         return;
-    shown = {item, key};
+    }
+    if (shown.item != item)
+        shown = {};
+    shown.item = item; // what it shows stays until the new one is there
+    shown.key = key;
     start(item, node);
 }
 
@@ -137,7 +149,8 @@ void NodeThumbnails::start(OssNgNode *item, const OssSnBaseNode *node)
     const OssGeoEntity *entity = node->network()->geoEntity();
     const QList<int> patches = graph.error.isEmpty() ? service->patches(entity) : QList<int>();
     if (patches.isEmpty()) {
-        item->setThumbnail({});
+        m_shown[item].picture = {};
+        fit(&m_shown[item]);
         return;
     }
 
@@ -182,8 +195,49 @@ void NodeThumbnails::finish(OssEvEngine::Id id, const QImage &picture)
     const QPointer<OssNgNode> item = *running;
     m_running.erase(running);
     m_dirty = true;
-    if (item && picture.isNull())
-        item->setThumbnail({});
-    else if (item)
-        item->setThumbnail(QPixmap::fromImage(picture.copy(0, (size - height) / 2, size, height)));
+    const auto shown = m_shown.find(item.data());
+    if (!item || shown == m_shown.end())
+        return;
+    shown->picture = picture;
+    shown->rows = 0; // another picture in the same room
+    fit(&*shown);
+}
+
+qreal NodeThumbnails::roomBelow(const Shown &shown)
+{
+    const OssNgNode *item = shown.item;
+    const QRectF body = item->bodyRect().translated(item->pos());
+    const QRectF plain = body.adjusted(0.0, 0.0, 0.0, -shown.grown);
+    const QRectF below(plain.left(), plain.bottom(), plain.width(), mostRoom);
+    qreal end = below.bottom();
+    const QVector<OssNgNode *> around = OssNgSceneIndex::of(item->scene())->nodesIn(below);
+    for (const OssNgNode *other : around) {
+        const QRectF place = other->bodyRect().translated(other->pos());
+        if (other == item || (other->isBackground() && !place.contains(plain)))
+            continue;
+        end = std::min(end, (other->isBackground() ? place.bottom() : place.top()) - gap);
+        // One that lies over the node leaves no room.
+    }
+    return end - plain.bottom();
+}
+
+void NodeThumbnails::fit(Shown *shown)
+{
+    OssNgNode *item = shown->item;
+    if (!item || !item->scene())
+        return;
+    int rows = 0;
+    const qreal room = shown->picture.isNull() ? 0.0 : roomBelow(*shown) - margin;
+    const qreal texel = (item->bodyRect().width() - 2.0 * inset) / size; // in the graph
+    if (room >= leastHeight && texel > 0.0)
+        rows = std::min(height, int(room / texel));
+    if (rows == shown->rows && (rows > 0 || shown->grown == 0.0))
+        return;
+    item->setThumbnail({});
+    const qreal before = item->bodyRect().height();
+    if (rows > 0)
+        item->setThumbnail(
+            QPixmap::fromImage(shown->picture.copy(0, (size - rows) / 2, size, rows)));
+    shown->rows = rows;
+    shown->grown = item->bodyRect().height() - before;
 }

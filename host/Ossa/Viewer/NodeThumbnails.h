@@ -14,7 +14,9 @@ class OssSnBaseNode;
 
 /// Small pictures of what nodes give, in the node graph that is shown. Computed for nodes in view
 /// that are large enough to show one, a few at a time and after everything else; made anew when what
-/// a node gives has changed. GUI thread, which never waits for pixels.
+/// a node gives has changed. A picture makes its node taller, but only as far as there is room: where
+/// other nodes, or the end of its backdrop, come close it shows less or nothing. GUI thread, which never
+/// waits for pixels.
 class NodeThumbnails : public QObject
 {
     Q_OBJECT
@@ -33,12 +35,18 @@ private:
     {
         QPointer<OssNgNode> item;
         QString key; ///< of the picture that the item has, or that is on its way
+        QImage picture;
+        int rows = 0;      ///< of the picture that the item shows
+        qreal grown = 0.0; ///< how much taller that makes the item
     };
 
     void look();
     void lookAt(OssNgNode *item);
     void start(OssNgNode *item, const OssSnBaseNode *node);
     void finish(OssEvEngine::Id id, const QImage &picture);
+    /// Shows as much of the picture as there is room for.
+    static void fit(Shown *shown);
+    static qreal roomBelow(const Shown &shown);
     void forgetAll();
 
     bool m_enabled = false;

@@ -4,6 +4,7 @@
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Actions/OssMenu.h"
 #include "OssInterface/Popups/OssApplication.h"
+#include "OssModel/Evaluation/OssSolo.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Layers/OssLayerManager.h"
 #include "OssModel/Layers/OssLayerShaderManager.h"
@@ -35,6 +36,7 @@ void showAsCurrentMaterial(OssSnBaseNode *node)
 
 void look(OssSnBaseNode *viewer, int num)
 {
+    OssSolo::instance()->end(); // or what was asked for would not be seen
     const OssShaderNetwork *network = viewer->network();
     if (network && network->rootNetwork())
         network->rootNetwork()->setViewerNodeCurrentEdge(num, true);

@@ -117,6 +117,9 @@ TEST_F(Pointer, aNodeInAGroupIsLookedAtUntilTheGroupGoes)
     m_view->deleteSelectedNodes();
     EXPECT_EQ(OssSolo::instance()->node(), nullptr);
     ASSERT_TRUE(OssSolo::instance()->look(m_color));
+    m_view->connectSelectedNodeToViewer(m_blur, 1);
+    EXPECT_EQ(OssSolo::instance()->node(), nullptr) << "or the viewer would not be seen";
+    ASSERT_TRUE(OssSolo::instance()->look(m_color));
     replaceProject();
     EXPECT_EQ(OssSolo::instance()->node(), nullptr);
 }

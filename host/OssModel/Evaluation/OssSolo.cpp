@@ -73,7 +73,6 @@ void OssSolo::endIfGone()
     if (m_outputPoint.isEmpty())
         return;
     const OssShaderNetwork *shown = OssShaderNetworkManager::instance()->currentShaderNetwork();
-    const OssShaderNetwork *top = topOf(m_node);
-    if (!top || !shown || shown->rootNetwork() != top || pictureOutput(m_node) != m_outputPoint)
+    if (!shown || shown->rootNetwork() != topOf(m_node) || pictureOutput(m_node) != m_outputPoint)
         end();
 }

@@ -6,6 +6,7 @@
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssCore/Values/OssColor.h"
 #include "OssInterface/Popups/OssMessageBox.h"
+#include "OssModel/Evaluation/OssSolo.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Images/OssDisplayColor.h"
@@ -209,6 +210,7 @@ void PaintBar::makeNode()
     OssSnBaseNode *viewer = network ? network->viewerNode() : nullptr;
     if (!viewer)
         return;
+    OssSolo::instance()->end(); // the paint lies over what the viewer shows
     OssUndoManager::AutoMacro macro(tr("New Paint"));
     OssSnBaseNode *paint = network->createPaintableNode({});
     if (!paint)

@@ -177,23 +177,27 @@ void OssShaderNetworkIO::copyNodesToClipboard(const QList<OssSnBaseNode *> &node
 
 bool OssShaderNetworkIO::clipboardHoldsNodes()
 {
-    const QMimeData *data = QGuiApplication::clipboard()->mimeData();
-    return data
-           && (data->hasFormat(MimeType)
-               || data->text().left(512).contains(QLatin1Char('<') + DocumentElement));
+    return !nodesTextOf(QGuiApplication::clipboard()->mimeData()).isEmpty();
+}
+
+QByteArray OssShaderNetworkIO::nodesTextOf(const QMimeData *data)
+{
+    if (!data || data->hasFormat(MimeType))
+        return data ? data->data(MimeType) : QByteArray();
+    // Text that went through a mail may have blanks before it.
+    const QString text = data->text();
+    return text.left(512).contains(QLatin1Char('<') + DocumentElement) ? text.trimmed().toUtf8()
+                                                                       : QByteArray();
 }
 
 QList<OssSnBaseNode *> OssShaderNetworkIO::pasteNodesFromClipboard(OssShaderNetwork *network,
                                                                    bool select)
 {
-    const QMimeData *data = QGuiApplication::clipboard()->mimeData();
-    if (!network || !data || !clipboardHoldsNodes()) {
+    const QByteArray text = nodesTextOf(QGuiApplication::clipboard()->mimeData());
+    if (!network || text.isEmpty()) {
         OssDebug(Source, __LINE__, "[ !! ] The clipboard holds no nodes");
         return {};
     }
-    // Text that went through a mail may have blanks before it.
-    const QByteArray text = data->hasFormat(MimeType) ? data->data(MimeType)
-                                                      : data->text().trimmed().toUtf8();
     return insert(network, text, tr("the clipboard"), select);
 }
 

@@ -9,6 +9,7 @@
 
 class OssShaderNetwork;
 class OssSnBaseNode;
+class QMimeData;
 
 /// Nodes outside a network: as text, in node files (*.ong) and on the clipboard.
 ///
@@ -37,6 +38,9 @@ OSSMODEL_EXPORT void copyNodesToClipboard(const QList<OssSnBaseNode *> &nodes, c
 OSSMODEL_EXPORT QList<OssSnBaseNode *> pasteNodesFromClipboard(OssShaderNetwork *network,
                                                                bool select);
 OSSMODEL_EXPORT bool clipboardHoldsNodes();
+/// The text of nodes that were copied, as it lies on the clipboard or is dragged; empty when there
+/// is none in it.
+OSSMODEL_EXPORT QByteArray nodesTextOf(const QMimeData *data);
 
 OSSMODEL_EXPORT OssResult saveNodesToXmlFile(const QList<OssSnBaseNode *> &nodes,
                                              const QString &path);

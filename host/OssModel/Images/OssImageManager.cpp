@@ -12,9 +12,33 @@
 #include <QImageReader>
 #include <QMimeData>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int LargestSide = 65536;
+
+/// The files of image paths, or the pictures from outside. Ids say all there is to say.
+QList<QUrl> imageUrls(const QMimeData *data)
+{
+    QList<QUrl> urls = data->urls();
+    if (!data->hasFormat(OssImage::PathMimeType)) {
+        const QStringList pictures = data->hasFormat(OssImage::MimeType)
+                                         ? QStringList()
+                                         : OssImageManager::picturesOf(urls);
+        urls.clear();
+        for (const QString &picture : pictures)
+            urls.append(QUrl::fromLocalFile(picture));
+        return urls;
+    }
+    if (!urls.isEmpty())
+        return urls;
+    const QStringList paths = QString::fromUtf8(data->data(OssImage::PathMimeType))
+                                  .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    for (const QString &path : paths)
+        urls.append(QUrl::fromUserInput(path.trimmed(), QString(), QUrl::AssumeLocalFile));
+    return urls;
+}
 
 } // namespace
 
@@ -123,11 +147,31 @@ QStringList OssImageManager::picturesOf(const QList<QUrl> &urls)
     return found;
 }
 
+QList<OssImage *> OssImageManager::knownImages(const QMimeData *data) const
+{
+    const auto ids = OssImageUniqueId::imageIdListFromString(
+        QString::fromUtf8(data->data(OssImage::MimeType)));
+    QList<OssImage *> found;
+    for (const OssImageUniqueId &id : ids) {
+        if (OssImage *image = getImage(id))
+            found.append(image);
+    }
+    return found;
+}
+
+int OssImageManager::imageCount(const QMimeData *data) const
+{
+    if (!data || !m_holder)
+        return 0;
+    const QList<QUrl> urls = imageUrls(data);
+    return knownImages(data).size()
+           + int(std::count_if(urls.cbegin(), urls.cend(),
+                               [](const QUrl &url) { return check(url.toLocalFile()).ok(); }));
+}
+
 bool OssImageManager::bringsImages(const QMimeData *data)
 {
-    return data
-           && (data->hasFormat(OssImage::MimeType) || data->hasFormat(OssImage::PathMimeType)
-               || !picturesOf(data->urls()).isEmpty());
+    return instance()->imageCount(data) > 0;
 }
 
 bool OssImageManager::processDragEvent(QDropEvent *event, int target) const
@@ -140,36 +184,12 @@ bool OssImageManager::processDragEvent(QDropEvent *event, int target) const
 
 QList<QUrl> OssImageManager::dropEvent_AcceptURLs(const QDropEvent *event) const
 {
-    const QMimeData *data = event->mimeData();
-    QList<QUrl> urls = data->urls();
-    if (!data->hasFormat(OssImage::PathMimeType)) {
-        const QStringList pictures = picturesOf(urls);
-        urls.clear();
-        for (const QString &picture : pictures)
-            urls.append(QUrl::fromLocalFile(picture));
-        return urls;
-    }
-    if (!urls.isEmpty())
-        return urls;
-    const QStringList paths = QString::fromUtf8(data->data(OssImage::PathMimeType))
-                                  .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-    for (const QString &path : paths)
-        urls.append(QUrl::fromUserInput(path.trimmed(), QString(), QUrl::AssumeLocalFile));
-    return urls;
+    return imageUrls(event->mimeData());
 }
 
 QList<OssImage *> OssImageManager::dropped(const QDropEvent *event)
 {
-    const QMimeData *data = event->mimeData();
-    const auto ids = OssImageUniqueId::imageIdListFromString(
-        QString::fromUtf8(data->data(OssImage::MimeType)));
-    QList<OssImage *> found;
-    for (const OssImageUniqueId &id : ids) {
-        if (OssImage *image = getImage(id))
-            found.append(image);
-    }
-    if (data->hasFormat(OssImage::MimeType) && !data->hasFormat(OssImage::PathMimeType))
-        return found;
+    QList<OssImage *> found = knownImages(event->mimeData());
     const QList<QUrl> urls = dropEvent_AcceptURLs(event);
     for (const QUrl &url : urls) {
         const auto layers = open(url.toLocalFile(), TellFailures | GatherPatches,

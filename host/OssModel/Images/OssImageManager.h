@@ -91,7 +91,9 @@ public:
     /// The pictures among what is dragged from outside, folders opened; each UDIM row once.
     static QStringList picturesOf(const QList<QUrl> &urls);
 
-    /// Images of the list, paths of image files, or pictures and folders of them from outside.
+    /// Images of the list, paths of image files, or pictures and folders of them from outside: how
+    /// many of them the project has or can open. Looks at the files.
+    int imageCount(const QMimeData *data) const;
     static bool bringsImages(const QMimeData *data);
     /// True, and the event accepted, when it brings images for the target.
     bool processDragEvent(QDropEvent *event, int target) const;
@@ -109,6 +111,9 @@ Q_SIGNALS:
     void imagesChanged();
 
 private:
+    /// Those of its ids that the project has.
+    QList<OssImage *> knownImages(const QMimeData *data) const;
+
     OssImageHolder *m_holder = nullptr;
     QVector<ContextMenuAction> m_actions;
 };

@@ -163,8 +163,12 @@ void MainWindow::openSoon(const QString &path)
 
 void MainWindow::dragEnterEvent(QDragEnterEvent *event)
 {
-    if (!projectIn(event->mimeData()).isEmpty())
-        event->acceptProposedAction();
+    const QString path = projectIn(event->mimeData());
+    if (path.isEmpty())
+        return;
+    event->acceptProposedAction();
+    OssStatusManager::instance()->showMessage(
+        tr("Drop: opens %1").arg(QFileInfo(path).completeBaseName()));
 }
 
 void MainWindow::dropEvent(QDropEvent *event)

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "OssCore/Values/OssResult.h"
 #include "OssModel/Graph/OssShaderNetworkHolder.h"
+#include "View/Drops.h"
 #include "View/PlacingView.h"
 
 #include <QMap>
@@ -231,9 +231,8 @@ private:
     QList<OssSnBaseNode *> selectionWithoutViewer() const;
     /// The selected items' nodes, without those that belong to the application.
     QList<OssSnBaseNode *> selectedBusinessNodes() const;
-    /// Selects them and moves them, as they stand to each other, to a point of the viewport; null
-    /// leaves them where they are.
-    void placeInsertedNodes(const QList<OssSnBaseNode *> &nodes, const QPoint *viewPos);
+    /// Selects them and moves them, as they stand to each other, to the place of the import.
+    void placeInsertedNodes(const QList<OssSnBaseNode *> &nodes, NodeImport *import);
     /// In the order in which the selection reads, without the viewer.
     QList<OssSnBaseNode *> selectedBusinessNodesInOrder() const;
     /// Where the menu opens: at the pointer, or at the selection when a key asked for it.
@@ -251,23 +250,20 @@ private:
     /// After a new node was wired: its own merges, and those above it when it keeps 8-bit paint.
     static void keepColorSpaceOfMerges(OssSnBaseNode *node);
 
-    struct ArchiveKind
-    {
-        QString macroTitle;
-        QString errorTitle;
-        OssResult (*import)(OssShaderNetwork *, const QString &, QList<OssSnBaseNode *> *);
-    };
-
-    void importArchives(const QStringList &paths, const QPoint &viewPos, const ArchiveKind &kind);
+    /// Side by side, and selected. None of them comes in when one cannot be read.
+    void importFiles(const QStringList &paths, const NodeFileKind &kind, NodeImport *import);
+    void importAndTell(const QStringList &paths, const QPoint &viewPos, const NodeFileKind &kind);
     /// Of a note, or of a backdrop whose title was hit; nothing for other items.
     void editTextInPlace(OssNgNode *item, const QPointF &scenePos);
     /// "Wall > Dirt > Noise" inside a group; empty in a root network.
     QString placeText() const;
-    void dropImages(QDropEvent *event);
+    void endOffer();
+    bool dropObjects(const QDropEvent *event);
+    void dropText(const QByteArray &nodes, NodeImport *import);
+    QList<OssSnBaseNode *> dropImages(const QDropEvent *event);
     /// Null when the type is unknown or there is no network.
     OssSnBaseNode *makeDropNode(const OssImage *image, const QString &nodeType,
                                 const QPointF &scenePos);
-    void dropArchives(QDropEvent *event);
     /// False when the user was asked and chose none, or cannot be asked.
     bool chooseOutputPoint(OssSnBaseNode *node, OssSnBaseNode *viewer, int num);
     void batchSwapInputs(OssSnMultiChannelGroupNode *merge);
@@ -295,6 +291,7 @@ private:
 
     QPointer<OssShaderNetwork> m_network;
     QMap<OssNgNode *, StartPosition> m_nodeStartPositions;
-    QString m_dragKey; ///< of the steps that one press brings: they are one
-    std::optional<QPoint> m_menuPoint; ///< of the viewport, while the context menu is open
+    QString m_dragKey;                 ///< of the steps that one press brings: they are one
+    std::optional<QPoint> m_menuPoint; ///< of the viewport: where the open menu or a drop is
+    DropOffer m_offer;
 };

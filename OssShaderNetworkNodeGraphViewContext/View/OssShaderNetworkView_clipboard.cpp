@@ -6,6 +6,7 @@
 #include "OssModel/Graph/OssShaderNetworkIO.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Types/OssSnTags.h"
+#include "OssNodeGraph/Drawing/OssNgStyle.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
 #include "OssSnNodeGraphViewContextManager.h"
 
@@ -55,10 +56,11 @@ QList<OssSnBaseNode *> OssShaderNetworkView::selectionWithoutViewer() const
 }
 
 void OssShaderNetworkView::placeInsertedNodes(const QList<OssSnBaseNode *> &nodes,
-                                              const QPoint *viewPos)
+                                              NodeImport *import)
 {
     if (nodes.isEmpty())
         return;
+    import->nodes.append(nodes);
     if (scene())
         scene()->clearSelection();
     QRectF bounds;
@@ -67,12 +69,13 @@ void OssShaderNetworkView::placeInsertedNodes(const QList<OssSnBaseNode *> &node
         if (const OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(node))
             bounds |= item->sceneBoundingRect();
     }
-    if (!viewPos)
+    if (!import->place)
         OssDebug(Source, __LINE__, "[ !! ] Position is NULL");
-    const QPointF way = viewPos ? mapToScene(*viewPos) - bounds.topLeft() : QPointF();
+    const QPointF way = import->place ? *import->place - bounds.topLeft() : QPointF();
+    if (import->place)
+        import->place->rx() += bounds.width() + OssNgStyle::instance()->horizontalSpacing();
     for (OssSnBaseNode *node : nodes) {
-        OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(node);
-        if (item && viewPos)
+        if (OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(node))
             moveNode(item, item->pos() + way);
         // The host gave names that are free in the network; one that others share makes way here.
         if (node->network() && node->network()->node(node->name()) != node)
@@ -98,7 +101,8 @@ void OssShaderNetworkView::duplicateSelectedNodes()
         return;
     }
     const OssUndoManager::AutoMacro macro(tr("Duplicate Nodes"));
-    placeInsertedNodes(OssShaderNetworkIO::duplicateNodes(m_network, nodes, true), &cursor);
+    NodeImport copies{mapToScene(cursor), {}, {}, {}};
+    placeInsertedNodes(OssShaderNetworkIO::duplicateNodes(m_network, nodes, true), &copies);
 }
 
 void OssShaderNetworkView::cutNodesAction()
@@ -142,5 +146,20 @@ void OssShaderNetworkView::pasteNodesAction()
                                                                                      true);
     if (nodes.isEmpty())
         tellUser(tr("There are no nodes in the clipboard"));
-    placeInsertedNodes(nodes, &cursor);
+    NodeImport import{mapToScene(cursor), {}, {}, {}};
+    placeInsertedNodes(nodes, &import);
+}
+
+void OssShaderNetworkView::dropText(const QByteArray &nodes, NodeImport *import)
+{
+    if (nodes.isEmpty())
+        return;
+    const SmartLinking linking;
+    const OssUndoManager::AutoMacro macro(tr("Drop Nodes"));
+    QList<OssSnBaseNode *> inserted;
+    const OssResult result = OssShaderNetworkIO::nodesFromText(m_network, nodes,
+                                                               tr("the dropped text"), &inserted);
+    if (!result)
+        import->refuse(tr("Drop Nodes"), {result.error()});
+    placeInsertedNodes(inserted, import);
 }

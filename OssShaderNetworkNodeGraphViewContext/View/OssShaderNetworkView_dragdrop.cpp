@@ -9,14 +9,13 @@
 #include "OssModel/Images/OssImage.h"
 #include "OssModel/Images/OssImageList.h"
 #include "OssModel/Images/OssImageManager.h"
-#include "OssModel/Layers/OssMaterialPaintManager.h"
-#include "OssModel/Types/OssNodeSuffixes.h"
 #include "OssNodeGraph/Items/OssNgNode.h"
 #include "OssSnNodeGraphViewContextManager.h"
 
 #include <QDropEvent>
 #include <QGuiApplication>
 #include <QMimeData>
+#include <QScopedValueRollback>
 
 namespace {
 
@@ -33,15 +32,6 @@ QStringList imageAttributes(const QString &nodeType)
     return {};
 }
 
-int thingsIn(const QMimeData *mime)
-{
-    if (mime->hasFormat(OssImage::MimeType))
-        return OssImageUniqueId::imageIdListFromString(
-                   QString::fromUtf8(mime->data(OssImage::MimeType)))
-            .size();
-    return std::max(1, OssImageManager::picturesOf(mime->urls()).size());
-}
-
 } // namespace
 
 void OssShaderNetworkView::dragEnterEvent(QDragEnterEvent *event)
@@ -50,15 +40,18 @@ void OssShaderNetworkView::dragEnterEvent(QDragEnterEvent *event)
         QGraphicsView::dragEnterEvent(event);
         return;
     }
-    const QMimeData *mime = event->mimeData();
-    const OssMaterialPaintManager *archives = OssMaterialPaintManager::instance();
-    if (OssDragAndDropManager::instance()->acceptDragEnter(mime, NodeGraphTarget)
-        || archives->draggableMaterialType(mime) || archives->draggableCustomProceduralType(mime)) {
-        event->acceptProposedAction();
+    const DropContents contents = m_network ? DropContents::of(event->mimeData()) : DropContents();
+    m_offer = {contents.count(), contents.inWords()};
+    tellUser(m_offer.words);
+    if (m_offer.count == 0) {
+        // The scene would take anything, for the sake of items that might; none does.
+        QGraphicsView::dragEnterEvent(event);
+        event->ignore();
         return;
     }
+    interruptGesture();
     if (!OssImageManager::instance()->processDragEvent(event, NodeGraphTarget))
-        QGraphicsView::dragEnterEvent(event);
+        event->acceptProposedAction();
 }
 
 void OssShaderNetworkView::dragMoveEvent(QDragMoveEvent *event)
@@ -67,73 +60,85 @@ void OssShaderNetworkView::dragMoveEvent(QDragMoveEvent *event)
         QGraphicsView::dragMoveEvent(event);
         return;
     }
-    showDropGhost(event->pos(), thingsIn(event->mimeData()));
+    if (m_offer.count > 0) {
+        tellUser(m_offer.words); // for as long as it is held there
+        showDropGhost(event->pos(), m_offer.count);
+    }
     event->acceptProposedAction();
 }
 
 void OssShaderNetworkView::dragLeaveEvent(QDragLeaveEvent *event)
 {
-    hideDropGhost();
+    endOffer();
     QGraphicsView::dragLeaveEvent(event);
+}
+
+void OssShaderNetworkView::endOffer()
+{
+    hideDropGhost();
+    if (m_offer.count > 0)
+        tellUser(QString());
+    m_offer = {};
 }
 
 void OssShaderNetworkView::dropEvent(QDropEvent *event)
 {
-    hideDropGhost();
+    endOffer();
     if (!scene()) {
         QGraphicsView::dropEvent(event);
         return;
     }
+    interruptGesture();
     setFocus(Qt::MouseFocusReason); // the next keys are for what was dropped
+    if (dropObjects(event)) {
+        event->acceptProposedAction();
+        QGraphicsView::dropEvent(event);
+        return;
+    }
+    const DropContents contents = DropContents::of(event->mimeData());
+    if (contents.count() == 0) {
+        QGraphicsView::dropEvent(event);
+        event->ignore();
+        return;
+    }
+    // Where text was dragged from, it stays.
+    event->setDropAction(contents.nodesText.isEmpty() ? event->proposedAction() : Qt::CopyAction);
+    event->accept();
+    NodeImport import{mapToScene(event->pos()), {}, {}, {}};
+    {
+        const OssUndoManager::Gathering gathering(
+            contents.count() == contents.images ? tr("Drop Images") : tr("Drop"));
+        importFiles(contents.materials, NodeFileKind::material(), &import);
+        importFiles(contents.customProcedurals, NodeFileKind::customProcedural(), &import);
+        importFiles(contents.nodeFiles, NodeFileKind::nodes(), &import);
+        dropText(contents.nodesText, &import);
+        if (contents.images > 0)
+            import.nodes.append(dropImages(event));
+        if (m_network && !import.nodes.isEmpty())
+            m_network->selectOnly(import.nodes);
+    }
+    import.tellErrors();
+}
+
+bool OssShaderNetworkView::dropObjects(const QDropEvent *event)
+{
     const QMimeData *mime = event->mimeData();
     OssDragAndDropManager *objects = OssDragAndDropManager::instance();
-    if (objects->acceptDragEnter(mime, NodeGraphTarget)) {
-        const QVariantMap parameters{
-            {QStringLiteral("NodeGraph"), QVariant::fromValue<QObject *>(m_network)},
-            {QStringLiteral("Position"), mapToScene(event->pos())}};
-        if (objects->drop(mime, NodeGraphTarget, parameters)) {
-            event->acceptProposedAction();
-            QGraphicsView::dropEvent(event);
-            return;
-        }
-    }
-    if (!OssImageManager::bringsImages(mime)) {
-        dropArchives(event);
-        return;
-    }
-    dropImages(event);
+    if (!objects->acceptDragEnter(mime, NodeGraphTarget))
+        return false;
+    const QScopedValueRollback<std::optional<QPoint>> place(m_menuPoint, event->pos());
+    const QVariantMap parameters{
+        {QStringLiteral("NodeGraph"), QVariant::fromValue<QObject *>(m_network)},
+        {QStringLiteral("Position"), mapToScene(event->pos())}};
+    return objects->drop(mime, NodeGraphTarget, parameters);
 }
 
-void OssShaderNetworkView::dropArchives(QDropEvent *event)
-{
-    const QMimeData *mime = event->mimeData();
-    const OssMaterialPaintManager *archives = OssMaterialPaintManager::instance();
-    const QStringList paths = archives->pathListFromMimeData(mime);
-    const auto ofSuffix = [&paths](const QString &suffix) {
-        QStringList chosen;
-        for (const QString &path : paths) {
-            if (path.endsWith(suffix, Qt::CaseInsensitive))
-                chosen.append(path);
-        }
-        return chosen;
-    };
-    if (archives->draggableMaterialType(mime))
-        importMaterial(ofSuffix(OssNodeSuffixes::Material), event->pos());
-    if (archives->draggableCustomProceduralType(mime))
-        importCustomProcedural(ofSuffix(OssNodeSuffixes::CustomProcedural), event->pos());
-    if (paths.isEmpty())
-        QGraphicsView::dropEvent(event);
-    else
-        event->acceptProposedAction();
-}
-
-void OssShaderNetworkView::dropImages(QDropEvent *event)
+QList<OssSnBaseNode *> OssShaderNetworkView::dropImages(const QDropEvent *event)
 {
     // Files that the project does not have yet are opened in the same step.
-    const OssUndoManager::Gathering gathering(tr("Drop Images"));
     const QList<OssImage *> images = OssImageManager::instance()->dropped(event);
     if (images.isEmpty())
-        return;
+        return {};
     QString nodeType = ImageNodeTypes::Tiled;
     if (QGuiApplication::keyboardModifiers() & Qt::ShiftModifier) {
         OssDebug(Source, __LINE__, "[ -- ] Modifer Shift key pressed -> will create TriPlanar");
@@ -145,13 +150,14 @@ void OssShaderNetworkView::dropImages(QDropEvent *event)
             .arg(images.size() == 1 ? tr("node") : tr("nodes"), nodeType));
     if (scene())
         scene()->clearSelection();
+    // Opening files may take a while: the pointer need not be there any more.
+    const QPointF place = mapToScene(event->pos());
+    QList<OssSnBaseNode *> made;
     for (OssImage *image : images) {
-        OssSnBaseNode *node = makeDropNode(image, nodeType,
-                                           mapToScene(viewport()->mapFromGlobal(QCursor::pos())));
-        if (node)
-            node->setSelected(true);
+        if (OssSnBaseNode *node = makeDropNode(image, nodeType, place))
+            made.append(node);
     }
-    event->acceptProposedAction();
+    return made;
 }
 
 void OssShaderNetworkView::createNodeFromDropImage(OssImage *Image, QString NodeType)

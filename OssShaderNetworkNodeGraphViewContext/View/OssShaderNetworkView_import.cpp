@@ -12,8 +12,6 @@
 #include "OssModel/Graph/OssShaderNetworkIO.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
-#include "OssModel/Nodes/OssSnCustomProceduralNode.h"
-#include "OssModel/Nodes/OssSnMaterialNode.h"
 #include "OssModel/Types/OssNodeSuffixes.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
 #include "OssSnGroupNodeGraphViewContext.h"
@@ -89,42 +87,43 @@ void OssShaderNetworkView::importNodes()
         OssResourceInfo::instance()->defaultImportNodeGraphPathKey(), this);
     if (path.isEmpty())
         return;
-    const OssUndoManager::AutoMacro macro(tr("Import nodes"));
-    QList<OssSnBaseNode *> nodes;
-    const OssResult result = OssShaderNetworkIO::loadNodesFromXmlFile(m_network, path, &nodes);
-    if (!result) {
-        OssMessageBox::warning(this, tr("Import Nodes from File"), result.error());
-        return;
-    }
-    OssShaderNetworkManager::instance()->upgradeNetworks(nodes);
-    placeInsertedNodes(nodes, &cursor);
+    importAndTell({path}, cursor, NodeFileKind::nodes());
 }
 
-// --- archives
-
-void OssShaderNetworkView::importArchives(const QStringList &paths, const QPoint &viewPos,
-                                          const ArchiveKind &kind)
+void OssShaderNetworkView::importFiles(const QStringList &paths, const NodeFileKind &kind,
+                                       NodeImport *import)
 {
     if (!hasNetwork() || !hasScene() || paths.isEmpty())
         return;
     OssUndoManager::AutoMacro macro(kind.macroTitle);
-    QList<OssSnBaseNode *> nodes;
+    QList<QList<OssSnBaseNode *>> files;
+    QList<OssSnBaseNode *> all;
     QStringList errors;
     for (const QString &path : paths) {
-        QList<OssSnBaseNode *> inserted;
-        const OssResult result = kind.import(m_network, path, &inserted);
+        QList<OssSnBaseNode *> nodes;
+        const OssResult result = kind.import(m_network, path, &nodes);
         if (!result)
             errors.append(result.error());
-        nodes.append(inserted);
+        files.append(nodes);
+        all.append(nodes);
     }
     if (!errors.isEmpty()) {
         macro.cancel();
-        OssMessageBox::warning(OssApplication::mainWindow(), kind.errorTitle,
-                               errors.join(QLatin1Char('\n')));
+        import->refuse(kind.errorTitle, errors);
         return;
     }
-    OssShaderNetworkManager::instance()->upgradeNetworks(nodes);
-    placeInsertedNodes(nodes, &viewPos);
+    OssShaderNetworkManager::instance()->upgradeNetworks(all);
+    for (const QList<OssSnBaseNode *> &nodes : qAsConst(files))
+        placeInsertedNodes(nodes, import);
+    m_network->selectOnly(import->nodes);
+}
+
+void OssShaderNetworkView::importAndTell(const QStringList &paths, const QPoint &viewPos,
+                                         const NodeFileKind &kind)
+{
+    NodeImport import{mapToScene(viewPos), {}, {}, {}};
+    importFiles(paths, kind, &import);
+    import.tellErrors();
 }
 
 void OssShaderNetworkView::importMaterial()
@@ -141,9 +140,7 @@ void OssShaderNetworkView::importMaterial()
 
 void OssShaderNetworkView::importMaterial(QStringList PathList, QPoint NodeViewPos)
 {
-    importArchives(
-        PathList, NodeViewPos,
-        {tr("Import material"), tr("Material Import errors"), OssSnMaterialNode::importFromFile});
+    importAndTell(PathList, NodeViewPos, NodeFileKind::material());
 }
 
 void OssShaderNetworkView::importCustomProcedural()
@@ -160,9 +157,7 @@ void OssShaderNetworkView::importCustomProcedural()
 
 void OssShaderNetworkView::importCustomProcedural(QStringList PathList, QPoint NodeViewPos)
 {
-    importArchives(PathList, NodeViewPos,
-                   {tr("Import custom procedural"), tr("Custom Procedural Import errors"),
-                    OssSnCustomProceduralNode::importFromFile});
+    importAndTell(PathList, NodeViewPos, NodeFileKind::customProcedural());
 }
 
 // --- telling

@@ -1,7 +1,10 @@
 #include "GraphFixture.h"
 #include "GraphUser.h"
+#include "OssCore/Program/OssStatusManager.h"
+#include "OssModel/Graph/OssShaderNetworkIO.h"
 #include "OssModel/Images/OssImageList.h"
 #include "OssModel/Nodes/OssNodeArchive.h"
+#include "OssSnGroupNodeGraphViewContext.h"
 #include "support/OssaFiles.h"
 
 #include <QDir>
@@ -25,6 +28,8 @@ protected:
             OssNodeArchive::write(material, OssNodeArchive::Kind::Material, file("rust.oma")));
         for (const char *name : {"broken.opc", "notes.txt"})
             ASSERT_NO_FATAL_FAILURE(writeFile(file(name), "no archive"));
+        ASSERT_TRUE(
+            OssShaderNetworkIO::saveNodesToXmlFile({add("Filter/Blur", "Soft")}, file("soft.ong")));
         ASSERT_TRUE(QDir().mkdir(file("pictures")));
     }
 
@@ -40,13 +45,26 @@ protected:
         dropMime(mime);
     }
 
+    /// What is refused is never let go there.
     void dropMime(const QMimeData &mime, Qt::KeyboardModifiers modifiers = {})
     {
         const Dragged dragged{m_view->viewport(), &mime, Place, modifiers};
-        EXPECT_TRUE(dragged.enter());
-        dragged.move();
+        const QSignalSpy said(OssStatusManager::instance(), &OssStatusManager::messageShown);
+        const bool accepted = dragged.enter();
+        m_said = said.isEmpty() ? QString() : said.last().first().toString();
+        if (accepted)
+            dragged.move();
         m_ghost = m_view->viewport()->grab().toImage();
-        m_taken = dragged.drop();
+        m_taken = accepted && dragged.drop();
+    }
+
+    /// None lies on another.
+    static void expectApart(const QList<OssSnBaseNode *> &nodes)
+    {
+        for (int i = 0; i < nodes.size(); ++i) {
+            for (int j = 0; j < i; ++j)
+                EXPECT_FALSE(rectOf(nodes.at(i)).intersects(rectOf(nodes.at(j)))) << i << " " << j;
+        }
     }
 
     /// Of the image attribute of a node.
@@ -58,6 +76,7 @@ protected:
     OssSnGroupNode *m_group = nullptr;
     bool m_taken = false; ///< whether the graph took the drop
     QImage m_ghost;       ///< the graph while the files are over it
+    QString m_said;       ///< in the status bar, then
 };
 
 TEST_F(Drops, archivesBecomeNodesWhereTheyFallInOneStep)
@@ -67,11 +86,20 @@ TEST_F(Drops, archivesBecomeNodesWhereTheyFallInOneStep)
         std::vector<const char *> names;
         int nodes;
         const char *title;
+        const char *said;
     } cases[] = {
-        {{"dirt.opc"}, 1, "Import custom procedural"},
-        {{"more.OPC"}, 1, "Import custom procedural"},
-        {{"dirt.opc", "more.OPC"}, 2, "Import custom procedural"},
-        {{"rust.oma"}, 1, "Import material"},
+        {{"dirt.opc"}, 1, "Import custom procedural", "1 custom procedural becomes a node"},
+        {{"more.OPC"}, 1, "Import custom procedural", "1 custom procedural becomes a node"},
+        {{"dirt.opc", "more.OPC", "dirt.opc"},
+         3,
+         "Import custom procedural",
+         "3 custom procedurals become nodes"},
+        {{"rust.oma"}, 1, "Import material", "1 material becomes a node"},
+        {{"soft.ong"}, 1, "Import nodes", "1 node file becomes nodes"},
+        {{"soft.ong", "rust.oma", "notes.txt"},
+         2,
+         "Drop",
+         "1 material and 1 node file become nodes"},
     };
 
     for (const auto &c : cases) {
@@ -81,11 +109,16 @@ TEST_F(Drops, archivesBecomeNodesWhereTheyFallInOneStep)
         drop(c.names);
         EXPECT_NE(m_ghost, empty) << "where they would come to stand";
         EXPECT_TRUE(m_taken);
+        EXPECT_EQ(m_said, text("Drop: ") + text(c.said));
         EXPECT_EQ(m_network->nodes().size(), count + c.nodes) << c.names.front();
         const QList<OssSnBaseNode *> made = m_network->selectedNodes();
         ASSERT_EQ(made.size(), c.nodes);
-        const QPointF place = m_view->mapToScene(Place);
-        EXPECT_LT(QLineF(rectOf(made.first()).center(), place).length(), 300.0);
+        QRectF all;
+        for (const OssSnBaseNode *node : made)
+            all |= rectOf(node);
+        EXPECT_EQ(all.topLeft(), m_view->mapToScene(Place));
+        EXPECT_LT(all.height(), 200.0) << "side by side";
+        expectApart(made);
         expectStepBack(c.title);
     }
 }
@@ -98,15 +131,110 @@ TEST_F(Drops, ofWhichOneCannotBeReadChangeNothingAndSayWhich)
     expectNothingDone();
 }
 
-TEST_F(Drops, whatNobodyCanReadChangesNothing)
+TEST_F(Drops, ofWhichOneKindCannotBeReadBringTheRest)
 {
     begin();
+    drop({"broken.opc", "rust.oma"});
+    expectLogged("broken.opc");
+    EXPECT_EQ(m_network->selectedNodes().size(), 1);
+    expectStepBack("Import material");
+}
+
+TEST_F(Drops, whatNobodyCanReadIsRefusedAsSoonAsItComes)
+{
+    ASSERT_NO_FATAL_FAILURE(writeFile(file("empty.png"), ""));
+    ASSERT_TRUE(QDir().mkdir(file("Next.ossa")));
+    ASSERT_NO_FATAL_FAILURE(writeFile(file("Next.ossa/project.xml"), "<x/>"));
+    openPicture(file("Next.ossa/a.png"));
+    undoAll();
+    begin();
+    const QRect around(Place - QPoint(10, 10), QSize(60, 20));
     drop({});
-    const QRect around(Place.x() - 10, Place.y() - 10, 60, 20);
-    const QImage empty = m_view->viewport()->grab(around).toImage();
-    drop({"notes.txt"});
+    const QImage empty = m_ghost.copy(around);
+    for (const std::vector<const char *> &names : std::vector<std::vector<const char *>>{
+             {}, {"notes.txt"}, {"none.ong"}, {"none.png"}, {"empty.png"}, {"Next.ossa"}}) {
+        drop(names);
+        EXPECT_FALSE(m_taken) << (names.empty() ? "" : names.front());
+        EXPECT_EQ(m_ghost.copy(around), empty);
+        EXPECT_EQ(m_said, text("Nothing of this can become a node"));
+    }
+    QMimeData other;
+    other.setText(text("<p>ossaNodes</p>"));
+    dropMime(other);
+    EXPECT_FALSE(m_taken);
+    fillMime(&other, {});
+    dropMime(other);
+    EXPECT_FALSE(m_taken) << "images that the project does not have";
+    drop({"dirt.opc"});
     EXPECT_NE(m_ghost.copy(around), empty);
-    EXPECT_EQ(m_view->viewport()->grab(around).toImage(), empty) << "the ghost is gone";
+    expectStepBack("Import custom procedural");
+}
+
+TEST_F(Drops, aMixedDropBringsEverythingInOneStepAndEndsWhatWasInHand)
+{
+    openPicture(file("a.png"));
+    openPicture(file("b.png"));
+    OssSnBaseNode *moved = addAt("Filter/Blur", m_view->mapToScene(Place), "Sharp");
+    select({moved});
+    QMimeData mime;
+    mime.setText(QString::fromUtf8(OssShaderNetworkIO::nodesToText({moved})));
+    QList<QUrl> urls;
+    for (const char *name : {"a.png", "dirt.opc", "soft.ong", "b.png", "rust.oma", "notes.txt"})
+        urls.append(QUrl::fromLocalFile(file(name)));
+    mime.setUrls(urls);
+    moved->network()->removeNodes({moved});
+    begin();
+    const QPoint corner(30, 30);
+    QTest::mousePress(m_view->viewport(), Qt::LeftButton, {}, corner);
+    QTest::mouseMove(m_view->viewport(), corner + QPoint(40, 40));
+    dropMime(mime);
+    EXPECT_EQ(m_view->interactionState(), OssNgView::Idle);
+    QTest::mouseRelease(m_view->viewport(), Qt::LeftButton, {}, corner);
+    EXPECT_EQ(m_said, text("Drop: 2 images, 1 material, 1 custom procedural, 1 node file and the "
+                           "text become nodes"));
+    const QList<OssSnBaseNode *> made = m_network->selectedNodes();
+    EXPECT_EQ(made.size(), 6);
+    EXPECT_EQ(OssImageManager::instance()->images().size(), 2);
+    expectApart(made);
+    expectStepBack("Drop");
+}
+
+TEST_F(Drops, manyImagesStandApartAndNearInAGroupToo)
+{
+    auto *context = qobject_cast<OssSnGroupNodeGraphViewContext *>(contextOf(m_group));
+    context->showGroupNodeTab();
+    m_view = m_manager->currentView();
+    ASSERT_EQ(m_view->network(), m_group->groupNetwork());
+    QList<OssImage *> images;
+    for (int i = 0; i < 12; ++i)
+        images.append(openPicture(file(qPrintable(QString::number(i) + text(".png")))));
+    QMimeData mime;
+    fillMime(&mime, images);
+    begin();
+    QCursor::setPos(m_view->viewport()->mapToGlobal({5, 5}));
+    dropMime(mime);
+    const QList<OssSnBaseNode *> made = m_group->groupNetwork()->selectedNodes();
+    ASSERT_EQ(made.size(), 12);
+    EXPECT_EQ(rectOf(made.first()).topLeft(), m_view->mapToScene(Place));
+    expectApart(made);
+    expectStepBack("Drag and drop : creating 12 nodes of type 'Procedural/Pattern/Tiled'");
+}
+
+TEST_F(Drops, textIsTakenAndStaysWhereItCameFrom)
+{
+    QMimeData mime;
+    mime.setText(QString::fromUtf8(OssShaderNetworkIO::nodesToText({m_group})));
+    begin();
+    Dragged{m_view->viewport(), &mime, Place}.enter();
+    QDropEvent event(Place, Qt::CopyAction | Qt::MoveAction, &mime, Qt::LeftButton, {});
+    event.setDropAction(Qt::MoveAction);
+    QApplication::sendEvent(m_view->viewport(), &event);
+    EXPECT_EQ(event.dropAction(), Qt::CopyAction);
+    EXPECT_EQ(m_network->selectedNodes().size(), 1);
+    expectStepBack("Drop Nodes");
+    mime.setText(text("<ossaNodes major=\"1\"><object"));
+    dropMime(mime);
+    expectLogged("the dropped text");
     expectNothingDone();
 }
 
@@ -146,7 +274,7 @@ TEST_F(Drops, imagesOfTheListBecomeTiledOnesOrWithShiftProjections)
         ASSERT_EQ(made.size(), 2) << shift;
         for (const OssSnBaseNode *node : made)
             EXPECT_EQ(node->pathKey(), text(key));
-        EXPECT_FALSE(rectOf(made.first()).intersects(rectOf(made.last())));
+        expectApart(made);
         const std::string title = "Drag and drop : creating 2 nodes of type '";
         expectStepBack((title + key + "'").c_str());
     }

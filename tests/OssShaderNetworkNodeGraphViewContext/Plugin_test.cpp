@@ -96,7 +96,9 @@ TEST_F(PluginTest, droppedNodeTypesAreMadeAsFromTheMenu)
     const Dragged dragged{m_view->viewport(), mime.get(), {50, 50}};
     EXPECT_TRUE(dragged.enter());
     EXPECT_TRUE(dragged.drop());
-    EXPECT_NE(m_network->node(text("Blur")), nullptr);
+    const OssSnBaseNode *blur = m_network->node(text("Blur"));
+    ASSERT_NE(blur, nullptr);
+    EXPECT_EQ(rectOf(blur).topLeft(), m_view->mapToScene(dragged.place));
     expectStep("Create Node : Blur");
 }
 

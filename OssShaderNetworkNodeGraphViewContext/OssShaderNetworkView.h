@@ -293,5 +293,5 @@ private:
     QMap<OssNgNode *, StartPosition> m_nodeStartPositions;
     QString m_dragKey;                 ///< of the steps that one press brings: they are one
     std::optional<QPoint> m_menuPoint; ///< of the viewport: where the open menu or a drop is
-    DropOffer m_offer;
+    DropContents m_offer;              ///< what is held over the graph
 };

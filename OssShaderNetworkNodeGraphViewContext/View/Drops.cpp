@@ -14,6 +14,7 @@
 #include "OssModel/Types/OssNodeSuffixes.h"
 #include "OssShaderNetworkView.h"
 
+#include <QDropEvent>
 #include <QFileInfo>
 #include <QMimeData>
 #include <QUrl>
@@ -116,6 +117,12 @@ int DropContents::count() const
 {
     return nodeTypes + images + materials.size() + customProcedurals.size() + nodeFiles.size()
            + (nodesText.isEmpty() ? 0 : 1);
+}
+
+void DropContents::accept(QDropEvent *event) const
+{
+    event->setDropAction(nodesText.isEmpty() ? event->proposedAction() : Qt::CopyAction);
+    event->accept();
 }
 
 QString DropContents::inWords() const

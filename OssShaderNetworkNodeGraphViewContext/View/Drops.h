@@ -12,6 +12,7 @@
 
 class OssShaderNetwork;
 class OssSnBaseNode;
+class QDropEvent;
 class QMimeData;
 
 /// Files of nodes that are put into a network, and how the user is told.
@@ -54,13 +55,8 @@ struct DropContents
 
     /// Things, not nodes: what is in files is not known yet. At 0 there is nothing to drop.
     int count() const;
+    /// Text stays where it is dragged from, whatever that proposes.
+    void accept(QDropEvent *event) const;
     /// Before it is dropped: "Drop: 2 images become nodes".
     QString inWords() const;
-};
-
-/// What is held over the graph, for as long as it is.
-struct DropOffer
-{
-    int count = 0;
-    QString words;
 };

@@ -40,18 +40,18 @@ void OssShaderNetworkView::dragEnterEvent(QDragEnterEvent *event)
         QGraphicsView::dragEnterEvent(event);
         return;
     }
-    const DropContents contents = m_network ? DropContents::of(event->mimeData()) : DropContents();
-    m_offer = {contents.count(), contents.inWords()};
-    tellUser(m_offer.words);
-    if (m_offer.count == 0) {
+    m_offer = m_network ? DropContents::of(event->mimeData()) : DropContents();
+    tellUser(m_offer.inWords());
+    if (m_offer.count() == 0) {
         // The scene would take anything, for the sake of items that might; none does.
         QGraphicsView::dragEnterEvent(event);
         event->ignore();
         return;
     }
     interruptGesture();
-    if (!OssImageManager::instance()->processDragEvent(event, NodeGraphTarget))
-        event->acceptProposedAction();
+    if (!OssImageManager::instance()->processDragEvent(event, NodeGraphTarget)
+        || !m_offer.nodesText.isEmpty())
+        m_offer.accept(event);
 }
 
 void OssShaderNetworkView::dragMoveEvent(QDragMoveEvent *event)
@@ -60,11 +60,11 @@ void OssShaderNetworkView::dragMoveEvent(QDragMoveEvent *event)
         QGraphicsView::dragMoveEvent(event);
         return;
     }
-    if (m_offer.count > 0) {
-        tellUser(m_offer.words); // for as long as it is held there
-        showDropGhost(event->pos(), m_offer.count);
+    if (m_offer.count() > 0) {
+        tellUser(m_offer.inWords()); // for as long as it is held there
+        showDropGhost(event->pos(), m_offer.count());
     }
-    event->acceptProposedAction();
+    m_offer.accept(event);
 }
 
 void OssShaderNetworkView::dragLeaveEvent(QDragLeaveEvent *event)
@@ -76,7 +76,7 @@ void OssShaderNetworkView::dragLeaveEvent(QDragLeaveEvent *event)
 void OssShaderNetworkView::endOffer()
 {
     hideDropGhost();
-    if (m_offer.count > 0)
+    if (m_offer.count() > 0)
         tellUser(QString());
     m_offer = {};
 }
@@ -101,9 +101,7 @@ void OssShaderNetworkView::dropEvent(QDropEvent *event)
         event->ignore();
         return;
     }
-    // Where text was dragged from, it stays.
-    event->setDropAction(contents.nodesText.isEmpty() ? event->proposedAction() : Qt::CopyAction);
-    event->accept();
+    contents.accept(event);
     NodeImport import{mapToScene(event->pos()), {}, {}, {}};
     {
         const OssUndoManager::Gathering gathering(

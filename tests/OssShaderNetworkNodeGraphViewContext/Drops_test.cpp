@@ -226,10 +226,14 @@ TEST_F(Drops, textIsTakenAndStaysWhereItCameFrom)
     mime.setText(QString::fromUtf8(OssShaderNetworkIO::nodesToText({m_group})));
     begin();
     Dragged{m_view->viewport(), &mime, Place}.enter();
-    QDropEvent event(Place, Qt::CopyAction | Qt::MoveAction, &mime, Qt::LeftButton, {});
-    event.setDropAction(Qt::MoveAction);
-    QApplication::sendEvent(m_view->viewport(), &event);
-    EXPECT_EQ(event.dropAction(), Qt::CopyAction);
+    constexpr Qt::DropActions Both = Qt::CopyAction | Qt::MoveAction;
+    QDragMoveEvent move(Place, Both, &mime, Qt::LeftButton, Qt::ShiftModifier);
+    QDropEvent event(Place, Both, &mime, Qt::LeftButton, Qt::ShiftModifier);
+    for (QDropEvent *each : {static_cast<QDropEvent *>(&move), &event}) {
+        EXPECT_EQ(each->proposedAction(), Qt::MoveAction);
+        QApplication::sendEvent(m_view->viewport(), each);
+        EXPECT_EQ(each->dropAction(), Qt::CopyAction) << each->type();
+    }
     EXPECT_EQ(m_network->selectedNodes().size(), 1);
     expectStepBack("Drop Nodes");
     mime.setText(text("<ossaNodes major=\"1\"><object"));

@@ -88,7 +88,6 @@ void OssShaderNetworkView::dropEvent(QDropEvent *event)
         QGraphicsView::dropEvent(event);
         return;
     }
-    interruptGesture();
     setFocus(Qt::MouseFocusReason); // the next keys are for what was dropped
     if (dropObjects(event)) {
         event->acceptProposedAction();

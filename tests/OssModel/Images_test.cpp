@@ -133,9 +133,11 @@ TEST_F(ImageFiles, dragsBringImagesByIdByPathOrAsFilesAndFolders)
         const bool taken = images->processDragEvent(&event, OssImageManager::NodeGraphTarget);
         EXPECT_EQ(taken, OssImageManager::bringsImages(&data));
         EXPECT_FALSE(images->processDragEvent(&event, 0)) << "that goes elsewhere";
+        const int count = images->imageCount(&data);
         QStringList names;
         for (const OssImage *image : images->dropped(&event))
             names.append(image->name());
+        EXPECT_EQ(count, names.size()) << "what was promised";
         return names.join(QLatin1Char(' ')).toStdString();
     };
     QMimeData ids;

@@ -7,7 +7,8 @@
 namespace {
 
 constexpr int pictureSide = 32;
-constexpr int besidePointer = -14; // clear of the pointer, which stands on what is dropped on
+// Up and left: clear of the pointer and of what the target shows under it.
+constexpr int besidePointer = pictureSide + 14;
 
 } // namespace
 

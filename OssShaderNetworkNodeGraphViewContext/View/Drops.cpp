@@ -105,9 +105,12 @@ DropContents DropContents::of(const QMimeData *data)
     // What comes from the list of images is images and nothing else.
     if (data->hasFormat(OssImage::MimeType) || data->hasFormat(OssImage::PathMimeType))
         return found;
-    const QStringList archives = OssMaterialPaintManager::instance()->pathListFromMimeData(data);
-    found.materials = withSuffix(archives, OssNodeSuffixes::Material);
-    found.customProcedurals = withSuffix(archives, OssNodeSuffixes::CustomProcedural);
+    const OssMaterialPaintManager *archives = OssMaterialPaintManager::instance();
+    const QStringList paths = archives->pathListFromMimeData(data);
+    if (archives->draggableMaterialType(data))
+        found.materials = withSuffix(paths, OssNodeSuffixes::Material);
+    if (archives->draggableCustomProceduralType(data))
+        found.customProcedurals = withSuffix(paths, OssNodeSuffixes::CustomProcedural);
     found.nodeFiles = withSuffix(readableFiles(urls), OssNodeSuffixes::Nodes);
     found.nodesText = OssShaderNetworkIO::nodesTextOf(data);
     return found;

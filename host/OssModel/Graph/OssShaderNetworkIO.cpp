@@ -175,11 +175,6 @@ void OssShaderNetworkIO::copyNodesToClipboard(const QList<OssSnBaseNode *> &node
     QGuiApplication::clipboard()->setMimeData(data);
 }
 
-bool OssShaderNetworkIO::clipboardHoldsNodes()
-{
-    return !nodesTextOf(QGuiApplication::clipboard()->mimeData()).isEmpty();
-}
-
 QByteArray OssShaderNetworkIO::nodesTextOf(const QMimeData *data)
 {
     if (!data || data->hasFormat(MimeType))

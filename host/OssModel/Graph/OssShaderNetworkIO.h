@@ -37,7 +37,6 @@ OSSMODEL_EXPORT void copyNodesToClipboard(const QList<OssSnBaseNode *> &nodes, c
 /// Empty, with the reason in the log, when the clipboard holds no nodes.
 OSSMODEL_EXPORT QList<OssSnBaseNode *> pasteNodesFromClipboard(OssShaderNetwork *network,
                                                                bool select);
-OSSMODEL_EXPORT bool clipboardHoldsNodes();
 /// The text of nodes that were copied, as it lies on the clipboard or is dragged; empty when there
 /// is none in it.
 OSSMODEL_EXPORT QByteArray nodesTextOf(const QMimeData *data);

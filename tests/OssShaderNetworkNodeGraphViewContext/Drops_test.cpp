@@ -283,6 +283,7 @@ TEST_F(Drops, imagesOfTheListBecomeTiledOnesOrWithShiftProjections)
         const std::string title = "Drag and drop : creating 2 nodes of type '";
         expectStepBack((title + key + "'").c_str());
     }
+    m_view->window()->hide(); // other tests have none that is shown
 }
 
 TEST_F(Drops, picturesOfAFolderAreOpenedWhereTheyAreNewAndBecomeNodesInTheSameStep)

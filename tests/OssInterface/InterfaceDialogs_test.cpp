@@ -265,6 +265,9 @@ TEST(WorkDialog, isThereForWorkThatBlocksAndItsButtonStopsIt)
         EXPECT_TRUE(work.isCancelled());
         work.setProgress(2, 4);
         EXPECT_TRUE(bar->wasCanceled()) << "and stays so";
+        EXPECT_TRUE(bar->isVisible()) << "until the work has ended";
+        bar->close();
+        EXPECT_TRUE(bar->isVisible());
     }
     EXPECT_EQ(shown(), nullptr);
     OssApplication::setPopupsAllowed(popups);

@@ -3,6 +3,7 @@
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssInterface/Popups/OssApplication.h"
 
+#include <QCloseEvent>
 #include <QProgressBar>
 #include <QProgressDialog>
 
@@ -10,6 +11,23 @@ namespace {
 
 constexpr int Steps = 1000;
 constexpr int Width = 360;
+
+/// Asks for the end of the work and stays until it has ended: what is worked on is in nobody else's
+/// hands before.
+class BlockingDialog final : public QProgressDialog
+{
+public:
+    using QProgressDialog::QProgressDialog;
+
+    void reject() override { Q_EMIT canceled(); }
+
+protected:
+    void closeEvent(QCloseEvent *event) override
+    {
+        event->ignore();
+        Q_EMIT canceled();
+    }
+};
 
 } // namespace
 
@@ -28,8 +46,8 @@ void OssWorkDialog::begin(const QString &title)
 {
     if (!OssStatusManager::instance()->isBlocking() || !OssApplication::popupsAllowed())
         return;
-    m_dialog = std::make_unique<QProgressDialog>(title, tr("Stop"), 0, Steps,
-                                                 OssApplication::mainWindow());
+    m_dialog = std::make_unique<BlockingDialog>(title, tr("Stop"), 0, Steps,
+                                                OssApplication::mainWindow());
     m_dialog->setWindowTitle(title);
     m_dialog->setWindowModality(Qt::ApplicationModal);
     m_dialog->setMinimumWidth(Width);
@@ -41,8 +59,15 @@ void OssWorkDialog::begin(const QString &title)
     m_dialog->setAutoReset(false);
     m_dialog->setMinimumDuration(0);
     m_dialog->setValue(0);
-    connect(m_dialog.get(), &QProgressDialog::canceled, OssStatusManager::instance(),
-            &OssStatusManager::cancel);
+    m_dialog->show();
+    // After Qt's own answer, which is to hide it.
+    connect(m_dialog.get(), &QProgressDialog::canceled, this, [this] {
+        OssStatusManager::instance()->cancel();
+        if (!m_dialog || !OssApplication::popupsAllowed())
+            return;
+        m_dialog->setLabelText(tr("Stopping..."));
+        m_dialog->show();
+    });
 }
 
 void OssWorkDialog::showPart(const QString &part)

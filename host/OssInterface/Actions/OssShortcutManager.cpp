@@ -7,6 +7,8 @@
 #include <QAction>
 #include <QApplication>
 #include <QKeyEvent>
+#include <QMenu>
+#include <QMenuBar>
 #include <QWidget>
 
 #include <algorithm>
@@ -53,6 +55,22 @@ bool takesText(const QWidget *widget)
            && (widget->inherits("QLineEdit") || widget->inherits("QAbstractSpinBox")
                || widget->inherits("QTextEdit") || widget->inherits("QPlainTextEdit")
                || widget->inherits("QComboBox"));
+}
+
+/// In a menu a plain key is an entry's letter. All the actions of the menus have their keys while it
+/// has the focus, those of one scope and of another alike.
+bool readsMenuKeys(const QWidget *widget)
+{
+    if (!widget)
+        return false;
+    if (widget == QApplication::activePopupWidget())
+        return qobject_cast<const QMenu *>(widget);
+    return widget == QApplication::focusWidget() && qobject_cast<const QMenuBar *>(widget);
+}
+
+QKeySequence keysOf(const QKeyEvent &event)
+{
+    return {event.key() | int(event.modifiers() & ~Qt::KeypadModifier)};
 }
 
 } // namespace
@@ -185,10 +203,12 @@ bool OssShortcutManager::eventFilter(QObject *watched, QEvent *event)
     if (event->type() != QEvent::ShortcutOverride)
         return false;
     const auto *field = qobject_cast<QWidget *>(watched);
-    if (!takesText(field) || field != QApplication::focusWidget())
-        return false;
     const auto *key = static_cast<QKeyEvent *>(event);
-    if (!isScopedKey(field, QKeySequence(key->key() | int(key->modifiers() & ~Qt::KeypadModifier))))
+    const bool takes = readsMenuKeys(field)
+                           ? !(key->modifiers() & (Qt::ControlModifier | Qt::AltModifier))
+                           : takesText(field) && field == QApplication::focusWidget()
+                                 && isScopedKey(field, keysOf(*key));
+    if (!takes)
         return false;
     event->accept();
     return true;

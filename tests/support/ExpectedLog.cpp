@@ -147,6 +147,11 @@ void ExpectedLog::takePast(const QString &text)
     LogWatch::instance().takePast(text);
 }
 
+void ExpectedLog::failOnUnexpected()
+{
+    LogWatch::instance().failOnUnexpected();
+}
+
 void failTestsOnUnexpectedLog()
 {
     qInstallMessageHandler(takeQtMessage);

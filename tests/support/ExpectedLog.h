@@ -21,6 +21,9 @@ public:
     /// expected them.
     static void takePast(const QString &text);
 
+    /// The unexpected lines so far fail the test now, for one that must know when they came.
+    static void failOnUnexpected();
+
 private:
     friend class LogWatch;
 

@@ -1,0 +1,111 @@
+#include "Monkey.h"
+
+#include "Ossa/Commands/GroupCommands.h"
+#include "Ossa/Common/Theme.h"
+#include "Ossa/Plugins/PluginActions.h"
+#include "Ossa/Start/HostServices.h"
+#include "Ossa/Window/HostPalettes.h"
+#include "Ossa/Window/MainWindow.h"
+#include "OssCore/Program/OssResourceInfo.h"
+#include "OssModel/Project/OssProjectManager.h"
+#include "support/ExpectedLog.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QDir>
+
+#include <deque>
+
+namespace {
+
+/// What the program says to whoever asks for what cannot be done. Everything else that is logged as a
+/// warning is a fault.
+const char *const Refusals[] = {
+    // A command that was chosen while no graph had the focus goes to the one that is shown.
+    "Could not get the current active widget",
+    "Cannot connect: ",
+    "Swap Inputs: ",
+    "Nothing to autoplace.",
+    "is protected and stays",
+    "An object has one viewer",
+    "Grouping leaves out",
+    "Bake",
+    "cannot be converted",
+    "has no place any more",
+    "do not come along",
+    "Select the ",
+    "holds no nodes",
+    "Input 0 is reserved",
+    "No nodes are selected",
+    // How many a search looks through.
+    "nodes in the network",
+};
+
+/// The program as it is started, with its plug-in and its window, once for each process.
+class MonkeyTest : public testing::Test
+{
+protected:
+    static void SetUpTestSuite()
+    {
+        qputenv("OSSA_PLUGIN_DIR", OSSA_WATCHED_PLUGIN);
+        QApplication::setQuitOnLastWindowClosed(false);
+        Theme::apply();
+        static PluginLoader plugins;
+        s_services = new HostServices;
+        s_services->start(&plugins);
+        ASSERT_EQ(plugins.plugins().size(), 1);
+        PluginActions::fileUnfiled(plugins);
+        static GroupCommands groupCommands(nullptr);
+        HostPalettes::registerAll();
+        s_window = new MainWindow;
+        s_window->resize(1400, 900);
+        s_window->show();
+        s_window->activateWindow();
+    }
+
+    static void TearDownTestSuite()
+    {
+        OssProjectManager::instance()->closeProject();
+        delete s_window;
+        delete s_services;
+    }
+
+    /// Rounds on one example, each from the seed that follows.
+    static void play(const QString &example, quint32 seed, int events)
+    {
+        constexpr int Round = 2000;
+        const QString path = QDir(OssResourceInfo::instance()->examplePath()).filePath(example);
+        for (int done = 0; done < events && !HasFailure(); done += Round) {
+            Monkey monkey(seed++, path);
+            monkey.play(qMin(Round, events - done));
+            std::printf("%s: %d events\n", qPrintable(example), qMin(done + Round, events));
+            std::fflush(stdout);
+        }
+    }
+
+    static int number(const char *name, int otherwise)
+    {
+        const int given = qEnvironmentVariableIntValue(name);
+        return given > 0 ? given : otherwise;
+    }
+
+    inline static HostServices *s_services = nullptr;
+    inline static MainWindow *s_window = nullptr;
+};
+
+/// OSSA_EVENTS says how many on each example, OSSA_SEED where they begin, OSSA_EXAMPLE on which alone.
+TEST_F(MonkeyTest, whateverIsDoneNothingCrashesWarnsOrStaysInHand)
+{
+    std::deque<ExpectedLog> refusals;
+    for (const char *text : Refusals)
+        refusals.emplace_back(text, ExpectedLog::Possible);
+    const QString only = qEnvironmentVariable("OSSA_EXAMPLE");
+    for (const char *example : {"Old Plaster.ossa", "Weathered Brick.ossa", "Harbor.ossa"}) {
+        if (only.isEmpty() || QLatin1String(example).startsWith(only))
+            play(QLatin1String(example), quint32(number("OSSA_SEED", 1)),
+                 number("OSSA_EVENTS", 500));
+    }
+}
+
+} // namespace

@@ -240,6 +240,8 @@ private:
     friend class OssNgEdge;
     friend class OssNgSceneIndex;
 
+    void moveExactly(const QPointF &position);
+
     /// What only some nodes have.
     struct Extras;
 

@@ -61,11 +61,7 @@ bool takesText(const QWidget *widget)
 /// has the focus, those of one scope and of another alike.
 bool readsMenuKeys(const QWidget *widget)
 {
-    if (!widget)
-        return false;
-    if (widget == QApplication::activePopupWidget())
-        return qobject_cast<const QMenu *>(widget);
-    return widget == QApplication::focusWidget() && qobject_cast<const QMenuBar *>(widget);
+    return qobject_cast<const QMenu *>(widget) || qobject_cast<const QMenuBar *>(widget);
 }
 
 QKeySequence keysOf(const QKeyEvent &event)

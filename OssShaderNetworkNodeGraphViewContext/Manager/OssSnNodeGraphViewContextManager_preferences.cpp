@@ -293,6 +293,8 @@ void OssSnNodeGraphViewContextManager::loadPreferences()
 {
     OssStoredPreferences::load(this, QString::fromLatin1(SettingsGroup),
                                OssStoredPreferences::Unfit::Converted);
+    if (m_colorspaceUpdate.isEmpty()) // what is stored is none of the answers
+        resetAutoUpdateUpstreamMergeNodeColorspaceEnabled();
 }
 
 void OssSnNodeGraphViewContextManager::savePreferences()

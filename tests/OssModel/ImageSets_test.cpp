@@ -203,6 +203,16 @@ TEST_F(ImageSets, whatIsSetAsItIsMakesNoStepAndWhatIsSetAnewGoesBothWays)
     EXPECT_EQ(ofObject.count(), 3) << "the object tells of its geo-channels";
 }
 
+TEST_F(ImageSets, whatIsNoSizeIsNotTaken)
+{
+    OssImageSet set(QStringLiteral("Set"));
+    set.setResolution(512);
+    const ExpectedLog refused("is no resolution");
+    for (const int size : {0, -5, 1000000000})
+        set.setResolution(size);
+    EXPECT_EQ(set.resolution(), 512);
+}
+
 TEST_F(ImageSets, geoChannelsHaveNamesOfTheirOwnAndGoBothWays)
 {
     QSignalSpy told(m_entity, &OssGeoEntity::geoImageSetsChanged);

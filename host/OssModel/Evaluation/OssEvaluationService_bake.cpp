@@ -14,6 +14,7 @@
 #include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>
+#include <QPointer>
 #include <QThread>
 #include <QTimer>
 
@@ -164,9 +165,12 @@ OssResult OssEvaluationService::bakeInto(OssImageSet *set, const BakeJob &job)
     OssResult result = made.isEmpty()
                            ? OssResult::failure(tr("There is no patch to bake"))
                            : OssAtomicFile::makeFolder(QFileInfo(made.first()).absolutePath());
+    const QPointer<OssImageSet> living = set; // events are handled meanwhile
     if (result)
         result = runBakes(std::move(bakes), graph, job.onProgress);
-    QMap<int, QString> pixels = set->pixels();
+    if (!living)
+        result = OssResult::failure(tr("The images are gone that were to have the pixels"));
+    QMap<int, QString> pixels = living ? living->pixels() : QMap<int, QString>();
     for (auto at = made.cbegin(); at != made.cend(); ++at) {
         if (result)
             result = OssPixelStore::adopt(at.value(), &pixels[at.key()]);

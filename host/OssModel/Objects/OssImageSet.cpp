@@ -1,5 +1,6 @@
 #include "OssModel/Objects/OssImageSet.h"
 
+#include "OssCore/Program/OssDebug.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Images/OssPixelStore.h"
 #include "OssModel/Objects/OssChannel.h"
@@ -54,6 +55,16 @@ QString OssImageSet::form() const
         .arg(m_bleed)
         .arg(m_scalar ? QStringLiteral("scalar") : QStringLiteral("color"), m_fileSpace)
         .trimmed();
+}
+
+void OssImageSet::setResolution(int resolution)
+{
+    constexpr int Largest = 1 << 20;
+    if (resolution > 0 && resolution <= Largest)
+        m_resolution = resolution;
+    else
+        OssDebug("OssImageSet", __LINE__, "[ !! ] %d is no resolution for \"%s\"", resolution,
+                 qPrintable(m_name));
 }
 
 bool OssImageSet::isByteColor() const

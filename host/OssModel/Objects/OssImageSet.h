@@ -65,7 +65,8 @@ public:
     /// Width and height of a patch in pixels.
     int resolution() const { return m_resolution; }
 
-    void setResolution(int resolution) { m_resolution = resolution; }
+    /// What is no size, as files may have it, is refused with a line.
+    void setResolution(int resolution);
 
     /// Names of pixel files by UDIM patch; a patch that nothing was written to has none.
     QMap<int, QString> pixels() const { return m_pixels; }

@@ -95,9 +95,9 @@ QString OssSnNodeGraphViewContext::nodeHelp() const
 QString OssSnNodeGraphViewContext::portHelp(const QString &port, bool isInput) const
 {
     const OssSnBaseNode *node = parentNode();
-    QString text;
-    if (node)
-        text = isInput ? inputHelp(node, port) : outputHelp(node, port);
+    if (!node)
+        return {};
+    QString text = isInput ? inputHelp(node, port) : outputHelp(node, port);
     if (text.isEmpty() || !node->nodeType())
         return text;
     const OssSnNodeType &type = *node->nodeType();

@@ -15,7 +15,7 @@
 
 namespace {
 
-const QString settingsGroup = QStringLiteral("Shortcuts");
+const QString SettingsGroup = QStringLiteral("Shortcuts");
 
 // A list with one empty text: the user took the keys away. An empty list could not be told from
 // "nothing stored".
@@ -128,7 +128,7 @@ void OssShortcutManager::setKeys(const QString &path, const QList<QKeySequence> 
 {
     const QString normalized = OssActionTreeManager::normalizedPath(path);
     OssSettings settings;
-    settings.beginGroup(settingsGroup);
+    settings.beginGroup(SettingsGroup);
     if (keys == defaultKeys(normalized)) {
         m_custom.remove(normalized);
         settings.remove(normalized.mid(1));
@@ -151,7 +151,7 @@ void OssShortcutManager::resetAll()
     for (const QString &path : paths)
         resetKeys(path);
     OssSettings settings;
-    settings.remove(settingsGroup);
+    settings.remove(SettingsGroup);
 }
 
 QStringList OssShortcutManager::conflicts(const QString &path, const QKeySequence &keys) const
@@ -299,7 +299,7 @@ bool OssShortcutManager::isScopedKey(const QWidget *field, const QKeySequence &k
 void OssShortcutManager::loadCustomKeys()
 {
     OssSettings settings;
-    settings.beginGroup(settingsGroup);
+    settings.beginGroup(SettingsGroup);
     const QStringList stored = settings.allKeys();
     for (const QString &key : stored)
         m_custom.insert(OssActionTreeManager::normalizedPath(key),

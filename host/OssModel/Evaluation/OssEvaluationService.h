@@ -68,7 +68,7 @@ private:
     /// Fails, in words, where the file of the object's mesh could not be read the last time.
     OssResult meshState(const OssGeoEntity *entity) const;
     /// Fails, in words, where the job cannot be computed.
-    OssResult prepare(const BakeJob &job, OssSnEvaluationGraph *graph, OssEvTarget *made);
+    OssResult prepare(const BakeJob &job, OssSnEvaluationGraph *copied, OssEvTarget *made);
     OssResult runBakes(std::vector<OssEvBake::Job> bakes, const OssSnEvaluationGraph &graph,
                        const std::function<bool(int, int)> &onProgress);
 

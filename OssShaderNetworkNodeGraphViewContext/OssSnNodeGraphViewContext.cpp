@@ -270,8 +270,7 @@ bool OssSnNodeGraphViewContext::setNodePosition(QPointF position)
 {
     if (!m_GuiNode)
         return false;
-    const QPointF now = m_GuiNode->pos();
-    if (now.x() == position.x() && now.y() == position.y()) // to the last bit, which is saved, too
+    if (m_GuiNode->pos() == position)
         return true;
     m_GuiNode->setPosition(position);
     // By itself it is no step; in a macro it is part of what made the node.

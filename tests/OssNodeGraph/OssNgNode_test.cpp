@@ -10,8 +10,6 @@
 
 #include <QSignalSpy>
 
-#include <cmath>
-
 namespace {
 
 /// Two nodes, the second with two inputs.
@@ -337,17 +335,6 @@ TEST(OssNgDotNode, onlyTheDiscTakesClicks)
     EXPECT_TRUE(dot.hitTest(dot.bodyRect().center()));
     EXPECT_FALSE(dot.hitTest(QPointF(1, 1)));
     EXPECT_EQ(dot.metaObject()->indexOfMethod("setLabel(QString)"), -1);
-}
-
-TEST(OssNgNodePlace, isExactToTheLastBit)
-{
-    OssNgDotNode dot;
-    const double place = 428.57142857142856;
-    dot.setPosition({place, place});
-    const double next = std::nextafter(place, 1000.0);
-    dot.setPosition({next, place});
-    EXPECT_EQ(dot.x(), next);
-    EXPECT_EQ(dot.y(), place);
 }
 
 } // namespace

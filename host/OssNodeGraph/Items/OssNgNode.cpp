@@ -203,7 +203,7 @@ void OssNgNode::setPosition(const QPointF &position)
     constexpr qreal Farthest = OssNgSceneIndex::MostReach;
     // Written so that what is no number is told, too.
     if (std::abs(position.x()) <= Farthest && std::abs(position.y()) <= Farthest) {
-        moveExactly(position);
+        setPos(position);
         return;
     }
     OssDebug("OssNgNode", __LINE__, "[ !! ] The place %g, %g of '%s' is out of reach", position.x(),
@@ -212,17 +212,6 @@ void OssNgNode::setPosition(const QPointF &position)
         return std::isnan(wanted) ? own : std::clamp(wanted, -Farthest, Farthest);
     };
     setPos(reached(position.x(), x()), reached(position.y(), y()));
-}
-
-void OssNgNode::moveExactly(const QPointF &position)
-{
-    // To Qt places that differ in their last bits are one, and it would leave the item there.
-    if (pos() == position && (x() != position.x() || y() != position.y())) {
-        setFlag(ItemSendsGeometryChanges, false);
-        setPos(position + QPointF(1.0, 1.0));
-        setFlag(ItemSendsGeometryChanges, true);
-    }
-    setPos(position);
 }
 
 QRectF OssNgNode::bodyRect() const

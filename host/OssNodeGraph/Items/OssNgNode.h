@@ -240,8 +240,6 @@ private:
     friend class OssNgEdge;
     friend class OssNgSceneIndex;
 
-    void moveExactly(const QPointF &position);
-
     /// What only some nodes have.
     struct Extras;
 

@@ -197,7 +197,8 @@ TEST_F(Files, everyFormatIsReadAndThoseThatSaySoAreWritten)
     }
     const OssEvResult refused = bake(graph, "Node", "made", 64);
     EXPECT_EQ(refused.error(),
-              "Cannot write \"" + path("made") + "\": images are written as .exr, .png or .tif");
+              "Cannot write \"" + path("made")
+                  + "\": images are written as .exr, .png, .tif, .jpg, .webp, .tga or .tx");
     EXPECT_EQ(OssEvImageFormat::ofFile("made.EXR"), &OssEvImageFormat::usual());
     for (const char *other : {"", "a", "exr", "a.doc", "a.exr ", "a.", "a.png.bak"})
         EXPECT_EQ(OssEvImageFormat::ofFile(other), nullptr) << other;

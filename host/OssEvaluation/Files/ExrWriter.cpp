@@ -1,9 +1,11 @@
 #include "OssEvaluation/Files/ImageWriters.h"
+#include "OssEvaluation/Files/OssEvColorSpaces.h"
 #include "OssEvaluation/Files/OssEvFile.h"
 #include "OssEvaluation/Values/Texels.h"
 
 #include <algorithm>
 #include <exception>
+#include <map>
 #include <stdexcept>
 
 #include <ImfChannelList.h>
@@ -12,10 +14,27 @@
 #include <ImfInputFile.h>
 #include <ImfIO.h>
 #include <ImfOutputFile.h>
+#include <ImfStandardAttributes.h>
 
 namespace {
 
 constexpr int Size = OssEvTile::Size;
+
+// Those of ACEScg.
+const Imf::Chromaticities FilmPrimaries({0.713F, 0.293F}, {0.165F, 0.830F}, {0.128F, 0.044F},
+                                        {0.32168F, 0.33767F});
+
+Imf::Compression compressionOf(const std::string &name)
+{
+    static const std::map<std::string, Imf::Compression> table{
+        {"none", Imf::NO_COMPRESSION},   {"rle", Imf::RLE_COMPRESSION},
+        {"zips", Imf::ZIPS_COMPRESSION}, {"zip", Imf::ZIP_COMPRESSION},
+        {"piz", Imf::PIZ_COMPRESSION},   {"pxr24", Imf::PXR24_COMPRESSION},
+        {"b44", Imf::B44_COMPRESSION},   {"dwaa", Imf::DWAA_COMPRESSION},
+        {"dwab", Imf::DWAB_COMPRESSION}};
+    const auto found = table.find(name);
+    return found == table.end() ? Imf::PIZ_COMPRESSION : found->second;
+}
 
 /// Throws what the file could not do, as OpenEXR expects it.
 class Stream : public Imf::OStream
@@ -56,7 +75,9 @@ public:
         if (!m_file.error().empty())
             throw std::runtime_error(m_file.error());
         Imf::Header header(description.width, description.height);
-        header.compression() = Imf::PIZ_COMPRESSION;
+        header.compression() = compressionOf(description.form.compression);
+        if (OssEvWriters::spaceOf(description, false) == "ACEScg")
+            Imf::addChromaticities(header, FilmPrimaries);
         for (const char *name : names())
             header.channels().insert(name, Imf::Channel(type()));
         m_output = std::make_unique<Imf::OutputFile>(m_stream, header);
@@ -67,8 +88,9 @@ public:
     {
         const int rows = OssEvWriters::rowsLeft(m_description, m_written);
         try {
-            for (int channel = 0; channel < m_description.channels; ++channel)
-                copyChannel(tiles, channel, rows);
+            const OssEvResult copied = copyRows(tiles, rows);
+            if (!copied)
+                throw std::runtime_error(copied.error());
             Imf::FrameBuffer buffer;
             for (std::size_t i = 0; i < names().size(); ++i) {
                 // The library counts rows from the top of the image.
@@ -100,7 +122,14 @@ public:
     }
 
 private:
-    bool isFloat() const { return m_description.isPrecise; }
+    bool isFloat() const { return m_description.form.depth == OssEvDepth::Float; }
+
+    /// Whether tiles hold what the file is to hold.
+    bool isAsComputed() const
+    {
+        const std::string space = OssEvWriters::spaceOf(m_description, false);
+        return space == OssEvColorSpaces::Light || space == "Raw";
+    }
 
     Imf::PixelType type() const { return isFloat() ? Imf::FLOAT : Imf::HALF; }
 
@@ -121,6 +150,37 @@ private:
         if (m_description.channels == 3)
             return {"R", "G", "B"};
         return {"R", "G", "B", "A"};
+    }
+
+    OssEvResult copyRows(const std::vector<OssEvTilePointer> &tiles, int rows)
+    {
+        if (isAsComputed()) {
+            for (int channel = 0; channel < m_description.channels; ++channel)
+                copyChannel(tiles, channel, rows);
+            return {};
+        }
+        std::vector<float> row;
+        for (int y = 0; y < rows; ++y) {
+            OssEvResult result = OssEvWriters::encode(tiles, m_description,
+                                                      OssEvWriters::Alpha::Premultiplied, y, &row);
+            if (!result)
+                return result;
+            for (int channel = 0; channel < m_description.channels; ++channel)
+                copyEncoded(row, channel, y);
+        }
+        return {};
+    }
+
+    void copyEncoded(const std::vector<float> &row, int channel, int y)
+    {
+        char *to = m_rows.data() + std::size_t(channel) * planeBytes()
+                   + std::size_t(y) * rowBytes();
+        for (std::size_t x = 0; x < std::size_t(m_description.width); ++x) {
+            const float value = row[4 * x + std::size_t(channel)];
+            const Imath::half half = value;
+            to = isFloat() ? std::copy_n(reinterpret_cast<const char *>(&value), sizeof value, to)
+                           : std::copy_n(reinterpret_cast<const char *>(&half), sizeof half, to);
+        }
     }
 
     void copyChannel(const std::vector<OssEvTilePointer> &tiles, int channel, int rows)

@@ -185,7 +185,9 @@ OssEvResult OssEvBake::run(OssEvEngine *engine, const Job &job)
     description.height = frame.height;
     description.channels = plan->stages().back().channels;
     description.isData = job.isData;
-    description.isPrecise = needsFloats(job);
+    description.form = job.form;
+    if (needsFloats(job))
+        description.form.depth = OssEvDepth::Float;
     std::unique_ptr<OssEvImageWriter> writer;
     result = OssEvImageWriter::open(job.path, description, &writer);
     if (!result)

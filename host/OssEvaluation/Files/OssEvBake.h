@@ -21,7 +21,9 @@ struct Job
     std::string path;
     /// Numbers instead of colours.
     bool isData = false;
-    /// 32 bits in formats that have floats.
+    /// Of the file.
+    OssEvImageForm form;
+    /// 32 bits, in formats that have floats.
     bool isPrecise = false;
     /// What is kept of each value; none: whatever the format can hold. Whole numbers are counted in
     /// the colour space `fileSpace`, or that of screens where it is empty.

@@ -45,6 +45,15 @@ colorspaces:
     isdata: false
     to_scene_reference: !<ExponentTransform> {value: [2.2, 2.2, 2.2, 1]}
   - !<ColorSpace>
+    name: ACEScg
+    description: Scene-linear with the primaries AP1, for film
+    isdata: false
+    to_scene_reference: !<GroupTransform>
+      children:
+        - !<BuiltinTransform> {style: ACEScg_to_ACES2065-1}
+        - !<BuiltinTransform> {style: UTILITY - ACES-AP0_to_CIE-XYZ-D65_BFD}
+        - !<MatrixTransform> {matrix: [3.2409699419045, -1.5373831775701, -0.49861076029300, 0, -0.96924363628087, 1.8759675015077, 0.041555057407176, 0, 0.055630079696994, -0.20397695888898, 1.0569715142429, 0, 0, 0, 0, 1]}
+  - !<ColorSpace>
     name: Raw
     description: Numbers that are no colours
     isdata: true
@@ -125,6 +134,15 @@ OssEvResult OssEvColorSpaces::read(const std::string &path,
     } catch (const Ocio::Exception &fault) {
         return refused(fault.what());
     }
+}
+
+std::vector<std::string> OssEvColorSpaces::names() const
+{
+    std::vector<std::string> names;
+    names.reserve(std::size_t(d->config->getNumColorSpaces()));
+    for (int i = 0; i < d->config->getNumColorSpaces(); ++i)
+        names.emplace_back(d->config->getColorSpaceNameByIndex(i));
+    return names;
 }
 
 std::vector<std::string> OssEvColorSpaces::displays() const

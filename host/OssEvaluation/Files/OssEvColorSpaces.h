@@ -10,7 +10,7 @@
 
 /// What colours mean outside: converts files and screens to and from the working space, which is
 /// scene-linear with the primaries of BT.709. Stands on an OpenColorIO configuration; the built-in
-/// one needs no file and knows "Linear", "sRGB", "Gamma 2.2" and "Raw".
+/// one needs no file and knows "Linear", "sRGB", "Gamma 2.2", "ACEScg" and "Raw".
 ///
 /// Colours are float RGBA, four values in a row, not premultiplied. Safe to use from any thread.
 class OSSEVALUATION_EXPORT OssEvColorSpaces
@@ -18,6 +18,8 @@ class OSSEVALUATION_EXPORT OssEvColorSpaces
 public:
     /// What screens and most image files of whole numbers hold, in the built-in spaces.
     static constexpr const char *Screen = "sRGB";
+    /// The working space: proportional to light.
+    static constexpr const char *Light = "Linear";
 
     static std::shared_ptr<const OssEvColorSpaces> builtIn();
 
@@ -27,6 +29,7 @@ public:
 
     ~OssEvColorSpaces();
 
+    std::vector<std::string> names() const;
     std::vector<std::string> displays() const;
     std::vector<std::string> views(const std::string &display) const;
 

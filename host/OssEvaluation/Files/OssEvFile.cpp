@@ -114,6 +114,16 @@ bool OssEvFile::flush()
     return m_error.empty();
 }
 
+void OssEvFile::takeReplaced()
+{
+    if (m_descriptor < 0)
+        return;
+    ::close(m_descriptor);
+    m_descriptor = ::open(m_temporary.c_str(), O_RDWR | O_CLOEXEC);
+    if (m_descriptor < 0)
+        failFromSystem();
+}
+
 void OssEvFile::fail(const std::string &reason)
 {
     if (m_error.empty())

@@ -32,6 +32,9 @@ public:
 
     std::uint64_t position() const { return m_position; }
 
+    /// After a library has put another file under the temporary name instead of writing into it.
+    void takeReplaced();
+
     /// Notes a fault found elsewhere; the file cannot be finished any more.
     void fail(const std::string &reason);
 

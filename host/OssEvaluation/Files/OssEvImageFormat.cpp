@@ -5,19 +5,58 @@
 #include <algorithm>
 #include <cctype>
 
+namespace {
+
+// "16 bit, 8 bit or 32 bit float" of depths, "a, b or c" of anything with names.
+template <class List, class Name>
+std::string inWords(const List &list, const Name &nameOf)
+{
+    std::string words;
+    for (std::size_t i = 0; i < list.size(); ++i) {
+        words.append(i == 0 ? "" : i + 1 < list.size() ? ", " : " or ");
+        words.append(nameOf(list[i]));
+    }
+    return words;
+}
+
+std::string inWords(const std::vector<OssEvDepth> &depths)
+{
+    return inWords(depths, [](OssEvDepth depth) { return OssEvDepthNames[std::size_t(depth)]; });
+}
+
+} // namespace
+
 const std::vector<OssEvImageFormat> &OssEvImageFormat::all()
 {
+    using Depth = OssEvDepth;
     static const std::vector<OssEvImageFormat> table{
-        {"OpenEXR", {"exr"}, OssEvWriters::exr, "16 or 32-bit floats"},
-        {"PNG", {"png"}, OssEvWriters::png, "16 bits"},
-        {"TIFF", {"tif", "tiff"}, OssEvWriters::tiff, "16 bits"},
-        {"JPEG", {"jpg", "jpeg"}, nullptr, ""},
-        {"Radiance", {"hdr"}, nullptr, ""},
-        {"Targa", {"tga"}, nullptr, ""},
-        {"Bitmap", {"bmp"}, nullptr, ""},
-        {"PSD", {"psd"}, nullptr, ""},
-        {"Texture", {"tx"}, nullptr, ""},
-        {"DPX", {"dpx"}, nullptr, ""}};
+        {"OpenEXR",
+         {"exr"},
+         OssEvWriters::exr,
+         {Depth::Half, Depth::Float},
+         {"piz", "zip", "zips", "rle", "pxr24", "b44", "dwaa", "dwab", "none"}},
+        {"PNG",
+         {"png"},
+         OssEvWriters::png,
+         {Depth::Short, Depth::Byte},
+         {"quick", "small", "none"}},
+        {"TIFF",
+         {"tif", "tiff"},
+         OssEvWriters::tiff,
+         {Depth::Short, Depth::Byte, Depth::Float},
+         {"zip", "lzw", "none"}},
+        {"JPEG", {"jpg", "jpeg"}, OssEvWriters::jpeg, {Depth::Byte}, {}, true, false},
+        {"WebP", {"webp"}, OssEvWriters::webp, {Depth::Byte}, {}, true},
+        {"Targa", {"tga"}, OssEvWriters::targa, {Depth::Byte}, {"rle", "none"}},
+        {"Texture",
+         {"tx"},
+         OssEvWriters::texture,
+         {Depth::Half, Depth::Float},
+         {"zip", "piz", "none"}},
+        {"Radiance", {"hdr"}, nullptr, {}, {}},
+        {"Bitmap", {"bmp"}, nullptr, {}, {}},
+        {"PSD", {"psd"}, nullptr, {}, {}},
+        {"DPX", {"dpx"}, nullptr, {}, {}}};
     return table;
 }
 
@@ -59,18 +98,34 @@ std::string OssEvImageFormat::writtenInDetail()
         if (format.writer == nullptr)
             continue;
         detail.append(detail.empty() ? "" : "; ").append(format.suffixes.front()).append(": ");
-        detail.append(format.name).append(", ").append(format.depths);
+        detail.append(format.name).append(", ").append(inWords(format.depths));
     }
     return detail;
 }
 
 std::string OssEvImageFormat::writtenInWords(std::string_view prefix)
 {
-    const std::vector<std::string> suffixes = writtenSuffixes();
-    std::string words;
-    for (std::size_t i = 0; i < suffixes.size(); ++i) {
-        const char *joint = i + 1 < suffixes.size() ? ", " : " or ";
-        words.append(i == 0 ? "" : joint).append(prefix).append(suffixes[i]);
-    }
-    return words;
+    return inWords(writtenSuffixes(),
+                   [prefix](const std::string &suffix) { return std::string(prefix) + suffix; });
+}
+
+OssEvResult OssEvImageFormat::check(const OssEvImageForm &form) const
+{
+    const std::string files = std::string(name) + " files";
+    if (form.depth && std::find(depths.begin(), depths.end(), *form.depth) == depths.end())
+        return OssEvResult::failure(files + " hold " + inWords(depths) + ", not "
+                                    + std::string(OssEvDepthNames[std::size_t(*form.depth)]));
+    const auto same = [](std::string_view one) {
+        return std::string(one);
+    };
+    if (!form.compression.empty()
+        && std::find(compressions.begin(), compressions.end(), form.compression)
+               == compressions.end())
+        return OssEvResult::failure(
+            files + " know no compression \"" + form.compression + "\""
+            + (compressions.empty() ? std::string() : ", only " + inWords(compressions, same)));
+    if (form.quality != 0 && (!losesDetail || form.quality < 1 || form.quality > 100))
+        return OssEvResult::failure(losesDetail ? "quality goes from 1 to 100"
+                                                : files + " have no quality");
+    return {};
 }

@@ -21,9 +21,16 @@ struct OSSEVALUATION_EXPORT OssEvImageFormat
     std::vector<std::string_view> suffixes;
     /// Null for formats that are only read. Throws what keeps the file from being begun.
     Writer writer;
-    /// Of what is written, for people: "16 bits". Whole numbers are written as display values, not
-    /// premultiplied.
-    std::string_view depths;
+    /// In which values are written; the first is the usual one. Whole numbers are written straight,
+    /// floats premultiplied.
+    std::vector<OssEvDepth> depths;
+    /// The first is the usual one. Empty where there is no choice.
+    std::vector<std::string_view> compressions;
+    bool losesDetail = false; ///< as much as its quality says
+    bool hasAlpha = true;
+
+    /// Fails, in words, where the format cannot take this form.
+    OssEvResult check(const OssEvImageForm &form) const;
 
     static const std::vector<OssEvImageFormat> &all();
     /// By the suffix of the path, in letters of any size; null when there is none with it.

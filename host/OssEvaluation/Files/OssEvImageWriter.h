@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OssEvaluation/Files/OssEvImageForm.h"
 #include "OssEvaluation/OssEvaluation_export.h"
 #include "OssEvaluation/Values/OssEvResult.h"
 #include "OssEvaluation/Values/OssEvTile.h"
@@ -21,8 +22,7 @@ public:
         int channels = 4;
         /// Numbers instead of colours: no display values in files of whole numbers.
         bool isData = false;
-        /// 32 bits in formats that have floats.
-        bool isPrecise = false;
+        OssEvImageForm form;
     };
 
     /// The path's suffix says which OssEvImageFormat.

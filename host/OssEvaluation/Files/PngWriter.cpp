@@ -1,4 +1,5 @@
 #include "OssEvaluation/Files/ImageWriters.h"
+#include "OssEvaluation/Files/OssEvColorSpaces.h"
 #include "OssEvaluation/Files/OssEvFile.h"
 
 #include <csetjmp>
@@ -33,8 +34,6 @@ void flushData(png_structp /*png*/) {}
 
 void noteWarning(png_structp /*png*/, png_const_charp /*reason*/) {}
 
-/// Level 1, the UP filter and run lengths: as small as the default on painted textures, and eight
-/// times cheaper.
 class PngWriter : public OssEvImageWriter
 {
 public:
@@ -56,15 +55,16 @@ public:
     OssEvResult writeTiles(const std::vector<OssEvTilePointer> &tiles) override
     {
         const int rows = OssEvWriters::rowsLeft(m_description, m_written);
-        std::vector<std::uint16_t> values;
-        const OssEvResult result = OssEvWriters::toIntegers(tiles, m_description, rows, &values);
+        std::vector<unsigned char> values;
+        const OssEvResult result = OssEvWriters::toIntegers(tiles, m_description, m_written, rows,
+                                                            &values);
         if (!result)
             m_file.fail(result.error());
         std::vector<png_bytep> pointers;
         const std::size_t stride = std::size_t(m_description.width)
-                                   * std::size_t(m_description.channels);
+                                   * std::size_t(m_description.channels) * std::size_t(bits() / 8);
         for (std::size_t y = 0; y < values.size() / stride; ++y)
-            pointers.push_back(reinterpret_cast<png_bytep>(values.data() + y * stride));
+            pointers.push_back(values.data() + y * stride);
         if (m_file.error().empty() && writeRows(pointers.data(), png_uint_32(rows)))
             m_written += rows;
         return m_file.error().empty() ? OssEvResult() : OssEvResult::failure(m_file.error());
@@ -86,16 +86,13 @@ private:
         if (setjmp(png_jmpbuf(m_png)) != 0)
             return false;
         png_set_write_fn(m_png, &m_file, writeData, flushData);
-        png_set_compression_level(m_png, 1);
-        png_set_compression_strategy(m_png, Z_RLE);
-        png_set_filter(m_png, 0, PNG_FILTER_UP);
+        setCompression();
         png_set_IHDR(m_png, m_info, png_uint_32(m_description.width),
-                     png_uint_32(m_description.height), 16, colorType(), PNG_INTERLACE_NONE,
+                     png_uint_32(m_description.height), bits(), colorType(), PNG_INTERLACE_NONE,
                      PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
-        if (!m_description.isData && m_description.channels > 1)
-            png_set_sRGB(m_png, m_info, PNG_sRGB_INTENT_PERCEPTUAL);
+        tellSpace();
         png_write_info(m_png, m_info);
-        if (isLittleEndian())
+        if (isLittleEndian() && bits() == 16)
             png_set_swap(m_png);
         return true;
     }
@@ -114,6 +111,27 @@ private:
             return false;
         png_write_end(m_png, nullptr);
         return true;
+    }
+
+    int bits() const { return m_description.form.depth == OssEvDepth::Byte ? 8 : 16; }
+
+    // Level 1, the UP filter and run lengths: as small as the default on painted textures, and eight
+    // times cheaper.
+    void setCompression()
+    {
+        const std::string &kind = m_description.form.compression;
+        png_set_compression_level(m_png, kind == "none" ? 0 : kind == "small" ? 9 : 1);
+        png_set_compression_strategy(m_png, kind == "small" ? Z_FILTERED : Z_RLE);
+        png_set_filter(m_png, 0, kind == "small" ? PNG_ALL_FILTERS : PNG_FILTER_UP);
+    }
+
+    void tellSpace()
+    {
+        const std::string space = OssEvWriters::spaceOf(m_description, true);
+        if (space == OssEvColorSpaces::Screen)
+            png_set_sRGB(m_png, m_info, PNG_sRGB_INTENT_PERCEPTUAL);
+        else if (space == OssEvColorSpaces::Light)
+            png_set_gAMA(m_png, m_info, 1.0);
     }
 
     int colorType() const

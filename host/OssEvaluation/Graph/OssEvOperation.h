@@ -47,7 +47,7 @@ struct OssEvStripInput
 struct OssEvStrip
 {
     /// Of one operation.
-    static constexpr std::size_t MaximumInputs = 8;
+    static constexpr std::size_t MaximumInputs = 12;
 
     OssEvFrame frame;
     /// First texel in the frame. May lie beyond its edge: tiles are computed whole.

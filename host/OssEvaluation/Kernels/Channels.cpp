@@ -4,6 +4,7 @@
 #include "OssEvaluation/Kernels/PointKernel.h"
 
 #include <algorithm>
+#include <functional>
 
 namespace {
 
@@ -35,6 +36,50 @@ struct MaterialNormalValues
 {
     float strength;
 };
+
+// One channel of a file: what of its input it takes, and how.
+struct PackChannel
+{
+    enum From { Red, Green, Blue, Alpha, Luminance };
+
+    int from;
+    bool inverts;
+};
+
+struct PackValues
+{
+    std::array<PackChannel, 4> channels;
+    bool premultiplies;
+};
+
+constexpr std::array<const char *, 4> PackNames{"Red", "Green", "Blue", "Alpha"};
+
+// Colours without their alpha; what comes without one has an alpha of 1.
+float packed(const OssEvStripInput &input, std::size_t i, const PackChannel &channel)
+{
+    const float alpha = input.plane[3][i];
+    float value = alpha;
+    if (channel.from < PackChannel::Alpha)
+        value = input.plane[std::size_t(channel.from)][i];
+    else if (channel.from == PackChannel::Luminance)
+        value = 0.2126F * input.plane[0][i] + 0.7152F * input.plane[1][i]
+                + 0.0722F * input.plane[2][i];
+    if (channel.from != PackChannel::Alpha && alpha > 0.0F)
+        value /= alpha;
+    return channel.inverts ? 1.0F - value : value;
+}
+
+void pack(const OssEvStrip &strip, const PackValues &values)
+{
+    const auto count = std::size_t(strip.outputChannels);
+    for (std::size_t k = 0; k < count; ++k) {
+        for (std::size_t i = 0; i < strip.texels(); ++i)
+            strip.output[k][i] = packed(strip.inputs[k], i, values.channels[k]);
+    }
+    for (std::size_t k = 0; values.premultiplies && count == 4 && k < 3; ++k)
+        std::transform(strip.output[k], strip.output[k] + strip.texels(), strip.output[3],
+                       strip.output[k], std::multiplies<>());
+}
 
 void combine(const OssEvStrip &strip, const NoValues & /*values*/)
 {
@@ -88,6 +133,19 @@ Operation makeCombine(const OssEvKernelSetup & /*setup*/)
     return OssEvMakePoint(combine, NoValues(), {{}, {}, {}, OssEvScalar(1.0)});
 }
 
+Operation makePack(const OssEvKernelSetup &setup)
+{
+    PackValues values{{}, setup.flag("Premultiply")};
+    std::vector<std::array<float, 4>> defaults;
+    for (std::size_t k = 0; k < PackNames.size(); ++k) {
+        const std::string name = PackNames[k];
+        values.channels[k] = {setup.integer(name + "From"), setup.flag(name + "Invert")};
+        const auto value = float(setup.real(name));
+        defaults.push_back({value, value, value, 1.0F});
+    }
+    return OssEvMakePoint(pack, values, defaults);
+}
+
 Operation makeShuffle(const OssEvKernelSetup &setup)
 {
     return OssEvMakePoint(shuffle, ShuffleValues{{setup.integer("Red"), setup.integer("Green"),
@@ -120,7 +178,12 @@ Operation makeMaterial(const OssEvKernelSetup &setup)
                                                      OssEvScalar(setup.real("Roughness")),
                                                      OssEvScalar(setup.real("Metallic")),
                                                      {0.5F, 0.5F, 1.0F, 0.0F},
-                                                     OssEvScalar(0.0)};
+                                                     OssEvScalar(0.0),
+                                                     setup.premultiplied("Emission"),
+                                                     OssEvScalar(setup.real("Opacity")),
+                                                     OssEvScalar(1.0),
+                                                     OssEvScalar(setup.real("ClearCoat")),
+                                                     OssEvScalar(setup.real("ClearCoatRoughness"))};
     if (channel == 3) {
         const MaterialNormalValues values{float(setup.real("NormalStrength"))};
         return OssEvMakePoint(materialNormal, values, defaults, int(channel));
@@ -144,6 +207,28 @@ OssEvKernel uniformKernel(const char *name, std::vector<OssEvKernelInput> inputs
     return kernel;
 }
 
+// Puts channels of several streams into one file. What comes out is not premultiplied unless that is
+// asked for. The outputs that are called precise hold what a half cannot.
+OssEvKernel packKernel()
+{
+    using namespace OssEvDescribe;
+    OssEvKernel kernel = uniformKernel("pack", {}, {}, {flag("Premultiply", false)}, makePack);
+    for (const std::string name : PackNames) {
+        kernel.inputs.push_back({name, 4});
+        kernel.parameters.push_back(
+            choice(name + "From", {"Red", "Green", "Blue", "Alpha", "Luminance"}, 0));
+        kernel.parameters.push_back(flag(name + "Invert", false));
+        kernel.parameters.push_back(real(name, 0));
+    }
+    kernel.outputs = {{"1", 1},
+                      {"3", 3},
+                      {"4", 4},
+                      {"Precise 1", 1, true},
+                      {"Precise 3", 3, true},
+                      {"Precise 4", 4, true}};
+    return kernel;
+}
+
 OssEvKernel imageKernel()
 {
     using namespace OssEvDescribe;
@@ -157,6 +242,32 @@ OssEvKernel imageKernel()
         operation->colorSpace = OssEvImageOperation::ColorSpace(setup.integer("ColorSpace"));
         return operation;
     };
+    return kernel;
+}
+
+OssEvKernel materialKernel()
+{
+    using namespace OssEvDescribe;
+    OssEvKernel kernel = uniformKernel(
+        "material",
+        {{"Base Color", 4},
+         {"Roughness", 1},
+         {"Metallic", 1},
+         {"Normal", 3},
+         {"Displacement", 1},
+         {"Emission", 4},
+         {"Opacity", 1},
+         {"Ambient Occlusion", 1},
+         {"Clear Coat", 1},
+         {"Clear Coat Roughness", 1}},
+        {{"Material", 4}},
+        {color("BaseColor", {0.5F, 0.5F, 0.5F, 1.0F}), real("Roughness", 0.5, 0, 1),
+         real("Metallic", 0, 0, 1), real("NormalStrength", 1, 0, 4), real("Height", 0.1, 0, 10),
+         color("Emission", {0.0F, 0.0F, 0.0F, 1.0F}), real("Opacity", 1, 0, 1),
+         real("ClearCoat", 0, 0, 1), real("ClearCoatRoughness", 0.1, 0, 1)},
+        makeMaterial);
+    for (const OssEvKernelInput &input : kernel.inputs)
+        kernel.outputs.push_back({input.name, input.channels});
     return kernel;
 }
 
@@ -181,16 +292,6 @@ void OssEvFamilies::addChannels(std::vector<OssEvKernel> *kernels)
     kernels->push_back(uniformKernel("imageSet", {{"Image", 4, false, "Image"}, {"Input", 4}},
                                      {{"Output", 4}}, {text("Image"), real("Opacity", 1, 0, 1)},
                                      makeImageSet));
-    kernels->push_back(uniformKernel(
-        "material",
-        {{"Base Color", 4}, {"Roughness", 1}, {"Metallic", 1}, {"Normal", 3}, {"Displacement", 1}},
-        {{"Material", 4},
-         {"Base Color", 4},
-         {"Roughness", 1},
-         {"Metallic", 1},
-         {"Normal", 3},
-         {"Displacement", 1}},
-        {color("BaseColor", {0.5F, 0.5F, 0.5F, 1.0F}), real("Roughness", 0.5, 0, 1),
-         real("Metallic", 0, 0, 1), real("NormalStrength", 1, 0, 4), real("Height", 0.1, 0, 10)},
-        makeMaterial));
+    kernels->push_back(packKernel());
+    kernels->push_back(materialKernel());
 }

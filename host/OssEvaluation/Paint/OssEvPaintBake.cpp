@@ -112,7 +112,8 @@ public:
         description.width = resolution;
         description.height = resolution;
         description.isData = m_job.isData;
-        description.isPrecise = m_job.isPrecise;
+        if (m_job.isPrecise)
+            description.form.depth = OssEvDepth::Float;
         std::unique_ptr<OssEvImageWriter> writer;
         result = OssEvImageWriter::open(m_job.path, description, &writer);
         for (int row = 0; result && row < OssEvTilesAcross(resolution); ++row) {

@@ -110,6 +110,13 @@ class Project(Object):
         """The images of the image list."""
     def addImage(self, path: str) -> Image:
         """Adds an image file; '<UDIM>' stands for the patch's number."""
+    def exportPresets(self) -> list[str]:
+        """Names of the presets by which textures are written."""
+    @overload
+    def exportTextures(self, preset: str, folder: str, options: dict[str, Any]) -> list[str]:
+        """Writes the textures of the materials as a preset says, a name or a file, and returns their paths. Options: 'resolution', 'padding' (pixels; -1 fills everything), 'version', 'patches' ('1001-1004'), 'materials' ('OBJECT/MATERIAL'), 'channels', 'constants'."""
+    @overload
+    def exportTextures(self, preset: str, folder: str) -> list[str]: ...
     def save(self) -> None:
         """Saves the project where it was opened."""
     def saveAs(self, path: str) -> None:

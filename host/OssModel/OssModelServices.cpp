@@ -3,6 +3,7 @@
 #include "OssCore/OssCoreServices.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Evaluation/OssSolo.h"
+#include "OssModel/Export/OssExportManager.h"
 #include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Images/OssFileWatch.h"
@@ -37,6 +38,7 @@ struct OssModelServices::Services
     OssCanvasManager canvases;
     OssEvaluationService evaluation;
     OssProjectManager projects;
+    OssExportManager exports;
     OssSolo solo;
 };
 

@@ -5,6 +5,7 @@
 
 #include <QList>
 #include <QStringList>
+#include <QVariantMap>
 
 namespace Ossa {
 
@@ -32,6 +33,13 @@ class OSSSCRIPTOBJECTS_EXPORT Project : public API
     Q_CLASSINFO("graphs", "The root graphs of all objects.")
     Q_CLASSINFO("images", "The images of the image list.")
     Q_CLASSINFO("addImage", "Adds an image file; \"<UDIM>\" stands for the patch's number.")
+    Q_CLASSINFO("exportPresets", "Names of the presets by which textures are written.")
+    Q_CLASSINFO(
+        "exportTextures",
+        "Writes the textures of the materials as a preset says, a name or a file, and returns "
+        "their paths. Options: \"resolution\", \"padding\" (pixels; -1 fills everything), "
+        "\"version\", \"patches\" (\"1001-1004\"), \"materials\" "
+        "(\"OBJECT/MATERIAL\"), \"channels\", \"constants\".")
     Q_CLASSINFO("save", "Saves the project where it was opened.")
     Q_CLASSINFO("saveAs", "Saves the project as a folder NAME.ossa.")
     Q_CLASSINFO("close", "Closes the project without saving it.")
@@ -55,6 +63,9 @@ public Q_SLOTS:
     QList<NodeGraph *> graphs() const;
     QList<Image *> images() const;
     Image *addImage(const QString &path);
+    QStringList exportPresets() const;
+    QStringList exportTextures(const QString &preset, const QString &folder,
+                               const QVariantMap &options = {}) const;
     void save();
     void saveAs(const QString &path);
     void close();

@@ -34,7 +34,7 @@ const QVector<Layer> &layers()
          list("Values Geometry Graph Kernels Schedule Files Paint")},
         {text("host/OssNodeGraph"), list("OssCore"), list("Drawing Index Items Gestures View")},
         {text("host/OssModel"), list("OssCore OssEvaluation"),
-         list("Types Images Objects Graph Nodes Layers Evaluation Project")},
+         list("Types Images Objects Graph Nodes Layers Evaluation Project Export")},
         {text("host/OssInterface"), list("OssCore OssEvaluation OssModel"),
          list("Actions Palettes Popups Widgets Properties Dialogs DragAndDrop")},
         {text("host/OssScriptObjects"), list("OssCore OssModel OssInterface")},
@@ -45,8 +45,8 @@ const QVector<Layer> &layers()
         {text("host/Ossa"),
          list("OssCore OssEvaluation OssModel OssInterface OssScriptObjects OssScripting "
               "OssNodeGraph ZelGL"),
-         list("Common Plugins Headless Pictures Dialogs Commands Viewer Scripting Palettes Window "
-              "Start")},
+         list("Common Plugins Headless Pictures Dialogs Export Commands Viewer Scripting Palettes "
+              "Window Start")},
     };
     return table;
 }

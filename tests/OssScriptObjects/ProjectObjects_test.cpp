@@ -99,6 +99,31 @@ TEST_F(ProjectObjects, projectsAreSavedOpenedAndClosedOutsideMacrosOnly)
     EXPECT_EQ(fresh->objects().first()->geometry(), text("sphere"));
 }
 
+TEST_F(ProjectObjects, texturesAreExportedAsPresetsAndOptionsSay)
+{
+    EXPECT_TRUE(m_api->exportPresets().contains(text("One File per Channel")));
+    add("Shaders/Standard Surface")->setName(text("Skin"));
+    const QVariantMap options{{text("resolution"), 16},
+                              {text("version"), 7},
+                              {text("patches"), text("1001")},
+                              {text("channels"), QStringList{text("Metallic")}}};
+    const QStringList written = m_api->exportTextures(text("film, udim exr in acescg"), file("out"),
+                                                      options);
+    ASSERT_EQ(written.size(), 1);
+    EXPECT_TRUE(written.first().endsWith(text("_Metallic.1001.exr"))
+                && written.first().contains(text("/out/v007/")))
+        << qPrintable(written.first());
+    EXPECT_TRUE(QFileInfo::exists(written.first()));
+    const QString preset = text("One File per Channel");
+    EXPECT_TRUE(m_api->exportTextures(preset, file("out"), {{text("size"), 16}}).isEmpty());
+    expectReported(Type::OutOfRange, "There is no option \"size\"");
+    EXPECT_TRUE(
+        m_api->exportTextures(preset, file("out"), {{text("patches"), text("x")}}).isEmpty());
+    expectReported(Type::OutOfRange, "\"patches\" cannot be x");
+    EXPECT_TRUE(m_api->exportTextures(text("None"), file("out"), {}).isEmpty());
+    expectReported(Type::NotAllowed, "There is no export preset \"None\"");
+}
+
 TEST_F(ProjectObjects, commandsAreListedFoundTriggeredAndSayHowTheyAre)
 {
     const Ossa::Actions *actions = m_application->actions();

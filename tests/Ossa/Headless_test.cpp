@@ -152,6 +152,19 @@ TEST(Programs, answerOnTheirStreamsAndEndWithTheirCodes)
          nullptr,
          "/nowhere/wall.ossa"},
         {false, bake + texts({"all of them"}), ExitCode::Usage, nullptr, "ossa: "},
+        {false, texts({"export"}), ExitCode::Usage, nullptr, "PROJECT, --preset and --output"},
+        {false,
+         {text("export"), example, text("--preset"), text("Mine"), text("-o"), Nowhere},
+         ExitCode::Failure,
+         nullptr,
+         "no export preset \"Mine\""},
+        {true, texts({"export", "--list-presets"}), ExitCode::Success, "glTF Metallic", nullptr},
+        {true,
+         {text("export"), example, text("--preset"), text("one file per channel"), text("-o"),
+          Nowhere, text("--dry-run")},
+         ExitCode::Success,
+         "_Roughness.png\t2048\t16 bit\tData\tRoughness\n",
+         nullptr},
         {true, texts({"--version"}), ExitCode::Success, "ossa-batch ", nullptr},
         {true, texts({"info"}), ExitCode::Usage, nullptr, "PROJECT"},
         {true, {text("info"), example}, ExitCode::Success, "Standard Surface", nullptr},
@@ -160,7 +173,7 @@ TEST(Programs, answerOnTheirStreamsAndEndWithTheirCodes)
          {text("graph"), example, text("-o"), text("a.png")},
          ExitCode::Usage,
          nullptr,
-         "only bake and info"},
+         "only bake, export and info"},
     };
     for (const auto &[isBatch, arguments, exitCode, out, err] : cases) {
         const ProgramRun run = isBatch ? ProgramRun::ofBatch(arguments) : ProgramRun::of(arguments);
@@ -198,7 +211,11 @@ TEST_F(Headless, bakesNameFilesAfterShaderAndInputOrAfterTheNode)
         {path(),
          {},
          "1001",
-         texts({"Old_Wall_Base_Color.1001.png", "Old_Wall_Roughness.1001.png"}),
+         texts({"Old_Wall_Ambient_Occlusion.1001.png", "Old_Wall_Base_Color.1001.png",
+                "Old_Wall_Clear_Coat.1001.png", "Old_Wall_Clear_Coat_Roughness.1001.png",
+                "Old_Wall_Displacement.1001.png", "Old_Wall_Emission.1001.png",
+                "Old_Wall_Metallic.1001.png", "Old_Wall_Normal.1001.png",
+                "Old_Wall_Opacity.1001.png", "Old_Wall_Roughness.1001.png"}),
          nullptr},
         {path(), texts({"Rust Red", "Soft"}), "1001-1002",
          texts({"Rust_Red.1001.png", "Rust_Red.1002.png", "Soft.1001.png", "Soft.1002.png"}),
@@ -206,7 +223,7 @@ TEST_F(Headless, bakesNameFilesAfterShaderAndInputOrAfterTheNode)
         {path(), texts({"Note"}), "1001", {}, "\"Note\" has no output to bake"},
         {path(), texts({"Soft", "Rust"}), "1001", {}, "no node \"Rust\""},
         {path(), texts({"Soft"}), "1001,1099", {}, "Soft: there is no patch 1099"},
-        {empty, {}, "1001", {}, "no shader that is fed"},
+        {empty, {}, "1001", {}, "There is no material to export"},
     };
     for (const auto &[project, nodes, patches, written, error] : cases) {
         const QTemporaryDir into;
@@ -225,10 +242,12 @@ TEST_F(Headless, bakesNameFilesAfterShaderAndInputOrAfterTheNode)
         const std::string errors = testing::internal::GetCapturedStderr();
         EXPECT_EQ(exitCode, error ? ExitCode::Failure : ExitCode::Success) << errors;
         EXPECT_EQ(QDir(into.path()).entryList(QDir::Files, QDir::Name), written) << nodes.size();
-        QString paths;
-        for (const QString &name : written)
-            paths += into.filePath(name) + QLatin1Char('\n');
-        EXPECT_EQ(told, paths.toStdString());
+        QStringList paths = QString::fromStdString(told).split(QLatin1Char('\n'),
+                                                               Qt::SkipEmptyParts);
+        paths.sort();
+        ASSERT_EQ(paths.size(), written.size()) << told;
+        for (int i = 0; i < paths.size(); ++i)
+            EXPECT_EQ(paths.at(i), into.filePath(written.at(i)));
         EXPECT_TRUE(error ? has(errors, error) : errors.empty()) << errors;
     }
 }

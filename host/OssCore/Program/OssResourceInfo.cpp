@@ -47,6 +47,12 @@ QString OssResourceInfo::nodeTypePath() const
     return QFileInfo::exists(source) ? source : m_root + QStringLiteral("/NodeTypes");
 }
 
+QString OssResourceInfo::exportPresetPath() const
+{
+    const QString source = m_root + QStringLiteral("/host/ExportPresets");
+    return QFileInfo::exists(source) ? source : m_root + QStringLiteral("/ExportPresets");
+}
+
 QString OssResourceInfo::examplePath() const
 {
     return m_root + QStringLiteral("/examples");

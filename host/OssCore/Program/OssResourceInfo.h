@@ -14,6 +14,7 @@ public:
 
     QString iconPath() const;
     QString nodeTypePath() const;
+    QString exportPresetPath() const;
     QString examplePath() const;
     QString pluginPath() const;
 

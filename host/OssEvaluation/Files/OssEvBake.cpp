@@ -1,5 +1,7 @@
 #include "OssEvaluation/Files/OssEvBake.h"
 
+#include "OssEvaluation/Files/Padding.h"
+
 #include <chrono>
 #include <condition_variable>
 #include <deque>
@@ -29,10 +31,11 @@ struct Band
 class Bands
 {
 public:
-    Bands(OssEvEngine *engine, OssEvTarget target, const OssEvFrame &frame)
+    Bands(OssEvEngine *engine, OssEvTarget target, const OssEvFrame &frame, int priority)
         : m_engine(engine)
         , m_target(std::move(target))
         , m_frame(frame)
+        , m_priority(priority)
     {
     }
 
@@ -69,6 +72,7 @@ private:
         OssEvRequest request;
         request.target = m_target;
         request.order = OssEvRequest::Order::Rows;
+        request.priority = m_priority;
         const int first = m_nextRow;
         request.region = {0, first * Size, m_frame.width, band->rows * Size};
         request.onTile = [band, across, first](const OssEvArrival &arrival) {
@@ -90,6 +94,7 @@ private:
     OssEvEngine *m_engine;
     OssEvTarget m_target;
     OssEvFrame m_frame;
+    int m_priority;
     std::deque<std::shared_ptr<Band>> m_bands;
     int m_nextRow = 0;
 };
@@ -170,6 +175,60 @@ OssEvTarget targetOf(const OssEvBake::Job &job)
     return target;
 }
 
+/// Bands one after the other; `take` gets each row of their tiles.
+template <class Take>
+OssEvResult forEachRow(const OssEvBake::Job &job, const OssEvFrame &frame, Bands *bands,
+                       const Take &take)
+{
+    const int total = OssEvTilesAcross(frame.height);
+    const auto across = std::ptrdiff_t(OssEvTilesAcross(frame.width));
+    int done = 0;
+    while (const std::shared_ptr<Band> band = bands->next()) {
+        OssEvResult result = waitFor(job, band.get());
+        for (int row = 0; result && row < band->rows; ++row) {
+            const auto first = band->tiles.begin() + row * across;
+            result = take(std::vector<OssEvTilePointer>(first, first + across));
+            if (result && isCancelled(job))
+                result = cancelled(job);
+            ++done;
+        }
+        if (!result)
+            return result;
+        if (job.onProgress)
+            job.onProgress(done, total);
+        bands->drop();
+    }
+    return {};
+}
+
+OssEvResult writeBands(const OssEvBake::Job &job, const OssEvFrame &frame, Bands *bands,
+                       OssEvImageWriter *writer)
+{
+    return forEachRow(job, frame, bands, [writer](const std::vector<OssEvTilePointer> &tiles) {
+        return writer->writeTiles(tiles);
+    });
+}
+
+OssEvResult writeFilled(const OssEvBake::Job &job, const OssEvTarget &target,
+                        const OssEvFrame &frame, Bands *bands, OssEvImageWriter *writer)
+{
+    Padding::Rows rows;
+    OssEvResult result = forEachRow(job, frame, bands,
+                                    [&rows](std::vector<OssEvTilePointer> tiles) {
+                                        rows.push_back(std::move(tiles));
+                                        return OssEvResult();
+                                    });
+    Padding padding;
+    if (result && !padding.find(target.mesh, frame, job.cancel))
+        result = cancelled(job);
+    for (int row = 0; result && row < int(rows.size()); ++row) {
+        result = writer->writeTiles(padding.filled(rows, row));
+        if (result && isCancelled(job))
+            result = cancelled(job);
+    }
+    return result;
+}
+
 } // namespace
 
 OssEvResult OssEvBake::run(OssEvEngine *engine, const Job &job)
@@ -193,24 +252,20 @@ OssEvResult OssEvBake::run(OssEvEngine *engine, const Job &job)
     if (!result)
         return result;
 
-    Bands bands(engine, target, frame);
-    const int total = OssEvTilesAcross(frame.height);
-    const auto across = std::ptrdiff_t(OssEvTilesAcross(frame.width));
-    int done = 0;
-    while (const std::shared_ptr<Band> band = bands.next()) {
-        result = waitFor(job, band.get());
-        for (int row = 0; result && row < band->rows; ++row) {
-            const auto first = band->tiles.begin() + row * across;
-            result = writer->writeTiles({first, first + across});
-            if (result && isCancelled(job))
-                result = cancelled(job);
-            ++done;
-        }
-        if (!result)
-            return result;
-        if (job.onProgress)
-            job.onProgress(done, total);
-        bands.drop();
-    }
+    Bands bands(engine, target, frame, job.priority);
+    result = job.fillsAll && target.mesh != nullptr
+                 ? writeFilled(job, target, frame, &bands, writer.get())
+                 : writeBands(job, frame, &bands, writer.get());
+    if (!result)
+        return result;
     return writer->finish();
+}
+
+OssEvResult OssEvBake::key(const Job &job, OssEvKey *key)
+{
+    std::shared_ptr<const OssEvPlan> plan;
+    OssEvResult result = OssEvPlan::make(targetOf(job), &plan);
+    if (result)
+        *key = plan->stages().back().key;
+    return result;
 }

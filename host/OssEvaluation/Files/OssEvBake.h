@@ -34,6 +34,10 @@ struct Job
     /// Where there is a mesh, texels around its charts get the colour of the nearest one within. How
     /// far around is the target's `bleed`.
     bool dilate = true;
+    /// All texels beyond do, however far away. Needs memory for the whole image.
+    bool fillsAll = false;
+    /// Higher ones come first, whenever they were started.
+    int priority = 0;
     /// Called on the calling thread.
     std::function<void(int done, int total)> onProgress;
     /// May be null.
@@ -43,5 +47,8 @@ struct Job
 /// Waits until the file is written; never to be called from one of the engine's callbacks. A bake
 /// that fails or is cancelled leaves what was there before. Says so when cancelled.
 OSSEVALUATION_EXPORT OssEvResult run(OssEvEngine *engine, const Job &job);
+
+/// What a file's pixels depend on: another key, other pixels. Fails where the job would. Looks at files.
+OSSEVALUATION_EXPORT OssEvResult key(const Job &job, OssEvKey *key);
 
 } // namespace OssEvBake

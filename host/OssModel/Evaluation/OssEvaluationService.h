@@ -36,6 +36,13 @@ public:
     /// In ascending order.
     QList<int> patches(const OssGeoEntity *entity);
 
+    /// Fails, in words, where the file of the object's mesh could not be read the last time.
+    OssResult meshState(const OssGeoEntity *entity) const;
+
+    /// Fresh paint becomes part of the images that these nodes read, as the user prefers it. May handle
+    /// events.
+    static void settlePaint(const QVector<QPointer<const OssSnBaseNode>> &sources);
+
     OssEvTarget target(const OssSnEvaluationGraph &graph, const OssGeoEntity *entity, int patch,
                        int resolution);
 
@@ -65,8 +72,6 @@ public:
     OssResult bakeInto(OssImageSet *set, const BakeJob &job);
 
 private:
-    /// Fails, in words, where the file of the object's mesh could not be read the last time.
-    OssResult meshState(const OssGeoEntity *entity) const;
     /// Fails, in words, where the job cannot be computed.
     OssResult prepare(const BakeJob &job, OssSnEvaluationGraph *copied, OssEvTarget *made);
     OssResult runBakes(std::vector<OssEvBake::Job> bakes, const OssSnEvaluationGraph &graph,

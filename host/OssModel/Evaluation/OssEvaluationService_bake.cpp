@@ -54,12 +54,8 @@ OssResult OssEvaluationService::prepare(const BakeJob &job, OssSnEvaluationGraph
 {
     OssSnEvaluationGraph &graph = *copied;
     graph = OssSnEvaluationGraph::of(job.node, job.outputPoint);
-    if (OssCanvasWidget *canvas = OssCanvasManager::instance()->currentCanvas()) {
-        // Fresh paint is part of the picture.
-        for (const OssSnBaseNode *source : qAsConst(graph.sources))
-            canvas->handleBakeBehavior(OssShaderNetworkUtils::imageSetOf(source));
-        graph = OssSnEvaluationGraph::of(job.node, job.outputPoint);
-    }
+    settlePaint(graph.sources);
+    graph = OssSnEvaluationGraph::of(job.node, job.outputPoint);
     if (!graph.error.isEmpty()) {
         graph.tellProblem(graph.faulty, graph.error);
         return OssResult::failure(graph.error);
@@ -67,6 +63,15 @@ OssResult OssEvaluationService::prepare(const BakeJob &job, OssSnEvaluationGraph
     *made = target(graph, job.entity, 0, job.resolution);
     made->keepIntermediates = false;
     return meshState(job.entity);
+}
+
+void OssEvaluationService::settlePaint(const QVector<QPointer<const OssSnBaseNode>> &sources)
+{
+    OssCanvasWidget *canvas = OssCanvasManager::instance()->currentCanvas();
+    for (const QPointer<const OssSnBaseNode> &source : sources) {
+        if (canvas && source)
+            canvas->handleBakeBehavior(OssShaderNetworkUtils::imageSetOf(source));
+    }
 }
 
 OssResult OssEvaluationService::runBakes(std::vector<OssEvBake::Job> bakes,
@@ -125,6 +130,7 @@ OssResult OssEvaluationService::bake(const BakeJob &job, const QString &path)
         OssEvBake::Job bake;
         bake.target = target;
         bake.target.patch = patch;
+        bake.isData = graph.isData;
         bake.path = OssEvUdim::file(path.toStdString(), patch);
         if (!QFile::exists(QString::fromStdString(bake.path)))
             fresh.append(QString::fromStdString(bake.path));

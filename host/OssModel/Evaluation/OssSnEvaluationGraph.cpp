@@ -23,9 +23,35 @@ QString tr(const char *text)
 class Copier
 {
 public:
-    /// A visitor of OssSnUpstream.
+    void copy(const OssSnBaseNode *producer)
+    {
+        OssSnUpstream::walk(
+            producer, [this](const auto *visited, const auto &inputs) { visit(visited, inputs); });
+    }
+
+    void finish(OssSnEvaluationGraph *result)
+    {
+        for (auto at = m_indexes.cbegin(); at != m_indexes.cend(); ++at)
+            result->sources.append(at.key());
+        result->graph = m_builder.finish();
+    }
+
+    OssSnEvaluationGraph::Link linkOf(const OssSnEvaluationGraph &made,
+                                      const OssSnProducer &producer) const
+    {
+        OssSnEvaluationGraph::Link link;
+        link.node = m_indexes.value(producer.node, -1);
+        const OssEvGraph::Node &node = made.graph->nodes()[std::size_t(link.node)];
+        if (node.kernel)
+            link.output = node.kernel->outputIndex(producer.outputPoint.toStdString());
+        return link;
+    }
+
+private:
     void visit(const OssSnBaseNode *node, const QVector<OssSnUpstream::Input> &inputs)
     {
+        if (m_indexes.contains(node))
+            return;
         const OssSnNodeType *type = node->nodeType();
         const int index = m_builder.addNode(node->path().toStdString(),
                                             type ? type->kernel.toStdString() : std::string(),
@@ -41,13 +67,6 @@ public:
             m_builder.setCachePoint(index);
     }
 
-    int indexOf(const OssSnBaseNode *node) const { return m_indexes.value(node, -1); }
-
-    QVector<const OssSnBaseNode *> nodes() const { return m_indexes.keys().toVector(); }
-
-    std::shared_ptr<const OssEvGraph> finish() { return m_builder.finish(); }
-
-private:
     static OssEvParameters parametersOf(const OssSnBaseNode *node)
     {
         OssEvParameters parameters;
@@ -67,35 +86,70 @@ private:
     QHash<const OssSnBaseNode *, int> m_indexes;
 };
 
+/// By the port, and by what an image says of its file.
+bool givesData(const OssSnProducer &producer)
+{
+    if (!producer.node)
+        return false;
+    OssEvParameter space;
+    if (OssSnParameter::fromValue(
+            OssFilePath::valueOf(producer.node->userAttribute(QStringLiteral("ColorSpace"))),
+            &space)
+        && (space == OssEvParameter(std::string("Data"))
+            || space == OssEvParameter(std::string("Scalar"))))
+        return true;
+    const auto &points = producer.node->outputPoints();
+    return std::any_of(points.cbegin(), points.cend(), [&producer](const auto &point) {
+        return point.name == producer.outputPoint && point.kind != OssSnDataKind::Color
+               && point.kind != OssSnDataKind::Material;
+    });
+}
+
 } // namespace
 
 OssSnEvaluationGraph OssSnEvaluationGraph::of(const OssSnBaseNode *node, const QString &outputPoint)
 {
-    OssSnEvaluationGraph result;
-    const OssSnProducer producer = OssSnProducer::of(node, outputPoint);
-    if (!producer.node) {
+    QVector<Link> links;
+    OssSnEvaluationGraph result = ofAll(node, {outputPoint}, &links);
+    result.node = links.first().node;
+    result.output = links.first().output;
+    result.isData = givesData(OssSnProducer::of(node, outputPoint));
+    if (result.node < 0)
         result.error = tr("Nothing is connected");
-        return result;
-    }
-    Copier copier;
-    OssSnUpstream::walk(producer.node, [&copier](const auto *visited, const auto &inputs) {
-        copier.visit(visited, inputs);
-    });
-    result.node = copier.indexOf(producer.node);
-    const QVector<const OssSnBaseNode *> copied = copier.nodes();
-    for (const OssSnBaseNode *source : copied)
-        result.sources.append(source);
-    result.graph = copier.finish();
-    const OssEvGraph::Node &made = result.graph->nodes()[std::size_t(result.node)];
-    result.output = made.kernel ? made.kernel->outputIndex(producer.outputPoint.toStdString()) : -1;
-    const OssEvResult checked = result.graph->check(result.node);
-    result.faulty = checked.node();
-    if (!checked)
-        result.error = QString::fromStdString(checked.error());
-    else if (result.output < 0)
-        result.error = tr("\"%1\" computes no \"%2\"")
-                           .arg(producer.node->name(), producer.outputPoint);
     return result;
+}
+
+OssSnEvaluationGraph OssSnEvaluationGraph::ofAll(const OssSnBaseNode *node,
+                                                 const QStringList &outputPoints,
+                                                 QVector<Link> *links)
+{
+    OssSnEvaluationGraph result;
+    Copier copier;
+    QVector<OssSnProducer> producers;
+    for (const QString &point : outputPoints) {
+        const OssSnProducer producer = OssSnProducer::of(node, point);
+        if (producer.node)
+            copier.copy(producer.node);
+        producers.append(producer);
+    }
+    copier.finish(&result);
+    links->clear();
+    for (const OssSnProducer &producer : qAsConst(producers)) {
+        links->append(producer.node ? copier.linkOf(result, producer) : Link());
+        if (producer.node && result.error.isEmpty())
+            result.check(producer, links->last());
+    }
+    return result;
+}
+
+void OssSnEvaluationGraph::check(const OssSnProducer &producer, const Link &link)
+{
+    const OssEvResult checked = graph->check(link.node);
+    faulty = checked.node();
+    if (!checked)
+        error = QString::fromStdString(checked.error());
+    else if (link.output < 0)
+        error = tr("\"%1\" computes no \"%2\"").arg(producer.node->name(), producer.outputPoint);
 }
 
 void OssSnEvaluationGraph::tellProblem(const std::string &name, const QString &reason) const

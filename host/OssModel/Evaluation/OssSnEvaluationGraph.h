@@ -4,6 +4,7 @@
 
 #include <QPointer>
 #include <QString>
+#include <QStringList>
 #include <QVector>
 
 #include <memory>
@@ -19,6 +20,7 @@ struct OSSMODEL_EXPORT OssSnEvaluationGraph
     std::shared_ptr<const OssEvGraph> graph;
     int node = -1;
     int output = 0;
+    bool isData = false; ///< numbers, not colours
     /// The document's nodes that were copied: other values there, other pixels.
     QVector<QPointer<const OssSnBaseNode>> sources;
     QString error;      ///< why there is nothing to compute; empty when there is
@@ -30,4 +32,20 @@ struct OSSMODEL_EXPORT OssSnEvaluationGraph
     void tellSuccess() const;
 
     static OssSnEvaluationGraph of(const OssSnBaseNode *node, const QString &outputPoint);
+
+    /// An output in the graph; a node of -1 where nothing computes it.
+    struct Link
+    {
+        int node = -1;
+        int output = -1;
+    };
+
+    /// Several outputs of one node, in one graph; its own `node` and `output` say nothing then. `links`
+    /// gets one for each name. A shader has each of its channels as an output, too. The first fault of
+    /// any of them is the graph's.
+    static OssSnEvaluationGraph ofAll(const OssSnBaseNode *node, const QStringList &outputPoints,
+                                      QVector<Link> *links);
+
+private:
+    void check(const struct OssSnProducer &producer, const Link &link);
 };

@@ -1,7 +1,9 @@
 #include "Ossa/Headless/BakeCommand.h"
 
 #include "Ossa/Headless/CommandLine.h"
+#include "Ossa/Headless/ExportCommand.h"
 #include "Ossa/Headless/Interrupt.h"
+#include "Ossa/Headless/ProgressBar.h"
 #include "OssEvaluation/Files/OssEvUdim.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Evaluation/OssPatchList.h"
@@ -12,7 +14,6 @@
 #include "OssModel/Images/OssUdimPath.h"
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectManager.h"
-#include "OssModel/Types/OssSnTags.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -21,11 +22,7 @@
 
 #include <cstdio>
 
-#include <unistd.h>
-
 namespace {
-
-constexpr int barWidth = 30;
 
 QString tr(const char *text)
 {
@@ -51,21 +48,6 @@ QString fileName(const QString &text)
 {
     QString name = text;
     return name.replace(QRegularExpression(QStringLiteral("[^\\w.-]+")), QStringLiteral("_"));
-}
-
-/// What makes up the materials: whatever feeds a shader.
-void addMaterials(const OssShaderNetwork *network, QVector<Texture> *textures)
-{
-    const QList<OssSnBaseNode *> nodes = network->nodes();
-    for (const OssSnBaseNode *node : nodes) {
-        if (!node->hasTag(OssSnTags::shader()))
-            continue;
-        for (const OssSnBaseNode::InputPort &port : node->inputPorts()) {
-            if (port.source)
-                textures->append({port.source, port.sourceOutput, network->geoEntity(),
-                                  fileName(node->name() + QLatin1Char('_') + port.name)});
-        }
-    }
 }
 
 OssResult addNode(const OssProject *project, const QString &wanted, QVector<Texture> *textures)
@@ -96,37 +78,27 @@ OssResult findPatches(const Texture &texture, const QString &wanted, QList<int> 
     return {};
 }
 
-class Bar
+/// What a file for each channel of the materials is.
+OssExportPreset eachChannel(const QString &format)
 {
-public:
-    Bar()
-        : m_shown(isatty(STDERR_FILENO) == 1)
-    {
-    }
+    OssExportPreset preset;
+    preset.name = tr("Textures");
+    OssExportPreset::File file;
+    file.name = QStringLiteral("$material_$channel.$udim");
+    file.format = format;
+    file.isEach = true;
+    preset.files.append(file);
+    return preset;
+}
 
-    Bar(const Bar &) = delete;
-    Bar &operator=(const Bar &) = delete;
-
-    ~Bar()
-    {
-        if (m_shown)
-            std::fprintf(stderr, "\r%*s\r", barWidth + 60, "");
-    }
-
-    void show(const QString &name, int done, int total) const
-    {
-        if (!m_shown || total <= 0)
-            return;
-        const int filled = int(qint64(barWidth) * done / total);
-        std::fprintf(stderr, "\r[%s%s] %3d%% %.40s", qPrintable(QString(filled, QLatin1Char('#'))),
-                     qPrintable(QString(barWidth - filled, QLatin1Char('.'))),
-                     int(qint64(100) * done / total), qPrintable(name));
-        std::fflush(stderr);
-    }
-
-private:
-    bool m_shown;
-};
+int bakeMaterials(const BakeOptions &options)
+{
+    OssExportOptions choices;
+    choices.folder = options.folder;
+    choices.patches = OssPatchList::fromText(options.patches);
+    choices.resolution = options.resolution;
+    return exportOpenProject(eachChannel(options.format), choices);
+}
 
 } // namespace
 
@@ -137,22 +109,16 @@ int runBakeCommand(const BakeOptions &options)
     if (!opened)
         return fail(opened.error());
     const OssProject *project = projects->currentProject();
+    if (options.nodes.isEmpty())
+        return bakeMaterials(options);
     QVector<Texture> textures;
     for (const QString &name : options.nodes) {
         const OssResult added = addNode(project, name, &textures);
         if (!added)
             return fail(added.error());
     }
-    if (options.nodes.isEmpty()) {
-        const QList<OssShadingGroup *> groups = project->shadingGroups();
-        for (const OssShadingGroup *group : groups)
-            addMaterials(group->network(), &textures);
-    }
-    if (textures.isEmpty())
-        return fail(
-            tr("%1: there is no shader that is fed, and no node was named").arg(options.project));
     Interrupt::catchSignals();
-    const Bar bar;
+    const ProgressBar bar;
     OssEvaluationService *service = OssEvaluationService::instance();
     for (const Texture &texture : qAsConst(textures)) {
         OssEvaluationService::BakeJob job;

@@ -49,6 +49,7 @@ public:
         m_app.require_subcommand(m_isBatch ? 1 : 0, 1);
         addInfo();
         addBake();
+        addExport();
         if (m_isBatch)
             return;
         m_app.add_option("PROJECT", m_project, "Project folder (NAME.ossa) to open");
@@ -73,6 +74,8 @@ public:
             line.command = CommandLine::Info;
         else if (name == "bake")
             line.command = CommandLine::Bake;
+        else if (name == "export")
+            line.command = CommandLine::Export;
         else if (name == "run")
             line.command = CommandLine::Run;
         else if (name == "stubs")
@@ -80,6 +83,7 @@ public:
         line.project = text(m_project);
         line.output = text(m_output);
         line.bake = bakeOptions();
+        line.textures = exportOptions();
         line.run.script = text(m_script);
         line.run.project = text(m_scriptProject);
         return line;
@@ -107,6 +111,19 @@ private:
         info->add_option("PROJECT", m_project, "Project folder")->required();
     }
 
+    /// Which patches, and how large.
+    void addSize(CLI::App *command)
+    {
+        command->add_option("--patches", m_patches, "Such as 1001-1004,1011; all when not given")
+            ->check([](const std::string &wanted) {
+                return OssPatchList::fromText(QString::fromStdString(wanted)).isEmpty()
+                           ? wanted + ": patches are written like 1001-1004,1011"
+                           : std::string();
+            });
+        command->add_option("--resolution", m_resolution, "Width and height of a patch in pixels")
+            ->check(CLI::Range(1, 16384));
+    }
+
     void addBake()
     {
         CLI::App *bake = m_app.add_subcommand("bake",
@@ -115,17 +132,40 @@ private:
         bake->add_option("--node", m_nodes,
                          "Node to bake, by name or path; may be given several times")
             ->take_all();
-        bake->add_option("--patches", m_patches, "Such as 1001-1004,1011; all when not given")
-            ->check([](const std::string &wanted) {
-                return OssPatchList::fromText(QString::fromStdString(wanted)).isEmpty()
-                           ? wanted + ": patches are written like 1001-1004,1011"
-                           : std::string();
-            });
-        bake->add_option("--resolution", m_resolution, "Width and height of a patch in pixels")
-            ->check(CLI::Range(1, 32768));
+        addSize(bake);
         bake->add_option("--format", m_format, OssEvImageFormat::writtenInDetail())
             ->check(CLI::IsMember(OssEvImageFormat::writtenSuffixes()));
         bake->add_option("-o,--output", m_folder, "Folder for the images")->required();
+    }
+
+    void addExport()
+    {
+        CLI::App *textures = m_app.add_subcommand(
+            "export", "Write the textures of a project's materials as a preset says");
+        auto *list = textures->add_flag("--list-presets", m_listsPresets,
+                                        "Tell which presets there are");
+        auto *project = textures->add_option("PROJECT", m_project, "Project folder");
+        auto *preset = textures->add_option("--preset", m_preset,
+                                            "Name of a preset, or a file of one");
+        auto *folder = textures->add_option("-o,--output", m_folder, "Folder for the textures");
+        textures->add_option("--material", m_materials,
+                             "OBJECT/MATERIAL; may be given several times; all when not given");
+        textures->add_option("--channel", m_channels,
+                             "Of presets with a file for each channel; all when not given");
+        addSize(textures);
+        textures
+            ->add_option("--padding", m_padding, "Pixels beyond the charts; -1 fills everything")
+            ->check(CLI::Range(-1, 64));
+        textures->add_option("--version-number", m_version, "What $version stands for")
+            ->check(CLI::Range(0, 999999));
+        textures->add_flag("--dry-run", m_listsFiles,
+                           "Tell what would be written, with size, bits, space and channels");
+        for (CLI::Option *needed : {project, preset, folder})
+            list->excludes(needed);
+        textures->final_callback([this] {
+            if (!m_listsPresets && (m_project.empty() || m_preset.empty() || m_folder.empty()))
+                throw CLI::RequiredError("PROJECT, --preset and --output");
+        });
     }
 
     void addRun()
@@ -156,6 +196,25 @@ private:
         return bake;
     }
 
+    ExportOptions exportOptions() const
+    {
+        ExportOptions options;
+        options.project = text(m_project);
+        options.preset = text(m_preset);
+        options.listsPresets = m_listsPresets;
+        options.listsFiles = m_listsFiles;
+        options.choices.folder = text(m_folder);
+        for (const std::string &material : m_materials)
+            options.choices.materials.append(text(material));
+        for (const std::string &channel : m_channels)
+            options.choices.channels.append(text(channel));
+        options.choices.patches = OssPatchList::fromText(QString::fromStdString(m_patches));
+        options.choices.resolution = m_resolution;
+        options.choices.padding = m_padding;
+        options.choices.version = m_version;
+        return options;
+    }
+
     bool m_isBatch;
     CLI::App m_app;
     std::string m_project;
@@ -165,6 +224,13 @@ private:
     std::string m_folder;
     std::vector<std::string> m_nodes;
     int m_resolution = 2048;
+    std::string m_preset;
+    std::vector<std::string> m_materials;
+    std::vector<std::string> m_channels;
+    int m_padding = OssExportOptions::UsualPadding;
+    int m_version = 1;
+    bool m_listsPresets = false;
+    bool m_listsFiles = false;
     std::string m_script;
     std::string m_scriptProject;
 };
@@ -190,10 +256,11 @@ CommandLine CommandLine::parse(int argc, const char *const *argv, Program progra
     } catch (const CLI::CallForVersion &version) {
         return answered(ExitCode::Success, version.what());
     } catch (const CLI::ParseError &error) {
-        return answered(ExitCode::Usage,
-                        name + ": " + error.what()
-                            + (program == Batch ? "; only bake and info do without widgets" : "")
-                            + " (see " + name + " --help)");
+        return answered(
+            ExitCode::Usage,
+            name + ": " + error.what()
+                + (program == Batch ? "; only bake, export and info do without widgets" : "")
+                + " (see " + name + " --help)");
     }
     CommandLine line = grammar.line();
     for (int i = ownCount + 1; i < argc; ++i)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Ossa/Headless/BakeCommand.h"
+#include "Ossa/Headless/ExportCommand.h"
 
 #include <QString>
 #include <QStringList>
@@ -21,6 +22,7 @@ struct CommandLine
         Graph,   ///< a picture of the project's node graph into the file `output`
         Info,    ///< what is in the project
         Bake,    ///< textures into files, as `bake` says
+        Export,  ///< textures of materials into files, as `textures` says
         Run,     ///< a script, as `run` says
         Stubs,   ///< types of the scripting module into the file `output`
         Answered ///< nothing to run: print `message` and end with `exitCode`
@@ -33,6 +35,7 @@ struct CommandLine
     QString project;
     QString output;
     BakeOptions bake;
+    ExportOptions textures;
     RunOptions run;
     QString message;
     int exitCode = 0;

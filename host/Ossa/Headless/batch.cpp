@@ -25,6 +25,8 @@ int main(int argc, char **argv)
     QCoreApplication::setApplicationName(QStringLiteral("Ossa"));
     const OssModelServices services;
     OssShaderNetworkManager::instance()->loadNodeTypes(OssResourceInfo::instance()->nodeTypePath());
-    return line.command == CommandLine::Info ? runInfoCommand(line.project, false)
-                                             : runBakeCommand(line.bake);
+    if (line.command == CommandLine::Info)
+        return runInfoCommand(line.project, false);
+    return line.command == CommandLine::Export ? runExportCommand(line.textures)
+                                               : runBakeCommand(line.bake);
 }

@@ -90,6 +90,8 @@ int Session::run(const CommandLine &line, int &argc, char **argv)
         return runInfoCommand(line.project, true);
     case CommandLine::Bake:
         return runBakeCommand(line.bake);
+    case CommandLine::Export:
+        return runExportCommand(line.textures);
     case CommandLine::Run:
         return runRunCommand(line.run);
     case CommandLine::Stubs:

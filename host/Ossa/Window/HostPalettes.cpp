@@ -1,5 +1,6 @@
 #include "Ossa/Window/HostPalettes.h"
 
+#include "Ossa/Export/ExportPanel.h"
 #include "Ossa/Palettes/HistoryPanel.h"
 #include "Ossa/Palettes/ImagesPanel.h"
 #include "Ossa/Palettes/LogPanel.h"
@@ -42,6 +43,7 @@ const Row table[] = {
     {{"log_palette", ads::BottomDockWidgetArea, "node_graph_palette"}, QT_TRANSLATE_NOOP("HostPalettes", "Log"), "Log.png", false, make<LogPanel>},
     {{"script_console_palette", ads::CenterDockWidgetArea, "log_palette"}, QT_TRANSLATE_NOOP("HostPalettes", "Script Console"), "ScriptConsole.png", false, make<ConsolePanel>},
     {{"problems_palette", ads::CenterDockWidgetArea, "log_palette"}, QT_TRANSLATE_NOOP("HostPalettes", "Problems"), "Problems.png", false, make<ProblemsPanel>},
+    {{"export_palette", ads::CenterDockWidgetArea, "log_palette"}, QT_TRANSLATE_NOOP("HostPalettes", "Export"), "Export.png", false, make<ExportPanel>},
 };
 // clang-format on
 

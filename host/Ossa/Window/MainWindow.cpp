@@ -2,6 +2,7 @@
 
 #include "Ossa/Commands/Commands.h"
 #include "Ossa/Commands/EditCommands.h"
+#include "Ossa/Commands/ExportCommands.h"
 #include "Ossa/Commands/ProjectCommands.h"
 #include "Ossa/Commands/RecentProjects.h"
 #include "Ossa/Common/ApplicationPreferences.h"
@@ -76,6 +77,7 @@ MainWindow::MainWindow()
     m_recovery = new WorkRecovery(m_project, this); // owned by the window
     connect(m_recovery, &WorkRecovery::trouble, m_notifications, &NotificationBar::tell);
     new EditCommands(this);   // owned by the window
+    new ExportCommands(this); // owned by the window
     new ScriptCommands(this); // owned by the window
     fileViewCommands();
     fileHelpCommands();
@@ -144,7 +146,7 @@ QString MainWindow::notificationText() const
 
 void MainWindow::closeEvent(QCloseEvent *event)
 {
-    if (!m_project->mayClose()) {
+    if (!m_project->mayClose() || !ExportCommands::mayQuit(this)) {
         event->ignore();
         return;
     }

@@ -1,5 +1,6 @@
 #include "Ossa/Window/StatusArea.h"
 
+#include "Ossa/Export/ExportProgress.h"
 #include "OssCore/Program/OssIcon.h"
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssInterface/Palettes/OssPalette.h"
@@ -59,6 +60,7 @@ StatusArea::StatusArea(QWidget *parent)
         addPermanentWidget(widget);
         widget->hide();
     }
+    addPermanentWidget(new ExportProgress(this));
     m_problems->setObjectName(QStringLiteral("Problems"));
     m_problems->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     m_problems->setIcon(OssIcon::createIconFromFilename(QStringLiteral("Problems.png")));

@@ -1,0 +1,296 @@
+#include "OssModel/Export/OssExportJob.h"
+
+#include "OssCore/Documents/OssAtomicFile.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssEvaluation/Values/OssEvCancel.h"
+#include "OssModel/Evaluation/OssEvaluationService.h"
+#include "OssModel/Export/OssExportPack.h"
+#include "OssModel/Graph/OssGeoEntity.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QFileInfo>
+#include <QThread>
+
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+
+namespace {
+
+constexpr int TellEvery = 50;    ///< milliseconds
+constexpr int FirstGuess = 1000; ///< milliseconds after which the rest is reckoned
+constexpr int MostReasons = 5;
+
+} // namespace
+
+/// Shared with the worker: what it does, what it has done.
+struct OssExportJob::Work
+{
+    struct Failure
+    {
+        int source;
+        QString path;
+        QString reason;
+        std::string node; ///< at fault; empty when none is known to be
+    };
+
+    // Set before the worker starts.
+    QVector<OssExportFile> files;
+    QVector<int> sourceOf; ///< index for each file
+    QVector<OssExportSource> sources;
+    Keys known;
+    OssEvEngine *engine = nullptr;
+    qint64 total = 0;
+
+    OssEvCancel cancel;
+    std::atomic<qint64> done{0}; ///< bytes
+
+    mutable std::mutex mutex; ///< guards all below
+    std::condition_variable changed;
+    bool isPaused = false;
+    QString current;
+    QStringList written;
+    QVector<Failure> failures;
+    QVector<int> good; ///< sources of which a file was written
+    Keys keys;
+
+    void run()
+    {
+        qint64 before = 0;
+        for (int i = 0; i < files.size() && !cancel.isCancelled(); ++i) {
+            write(i, before);
+            before += files.at(i).bytes();
+            done = before;
+        }
+        const std::lock_guard<std::mutex> lock(mutex);
+        current.clear();
+    }
+
+    void write(int index, qint64 before)
+    {
+        const OssExportFile &file = files.at(index);
+        const OssExportSource &source = sources.at(sourceOf.at(index));
+        {
+            const std::lock_guard<std::mutex> lock(mutex);
+            current = file.path;
+        }
+        OssEvKey key;
+        std::string node;
+        OssResult result = source.state;
+        if (result && !source.graph.error.isEmpty()) {
+            result = OssResult::failure(source.graph.error);
+            node = source.graph.faulty;
+        }
+        if (result) {
+            const OssEvResult made = writePixels(file, source, before, &key);
+            if (!made && cancel.isCancelled())
+                return;
+            result = made ? OssResult() : OssResult::failure(QString::fromStdString(made.error()));
+            node = made.node();
+        }
+        const std::lock_guard<std::mutex> lock(mutex);
+        if (result) {
+            keys.insert(file.path, key);
+            good.append(sourceOf.at(index));
+        } else {
+            failures.append({sourceOf.at(index), file.path, result.error(), node});
+        }
+    }
+
+    OssEvResult writePixels(const OssExportFile &file, const OssExportSource &source, qint64 before,
+                            OssEvKey *key)
+    {
+        OssEvBake::Job job = source.job(file);
+        OssEvResult result = OssEvBake::key(job, key);
+        if (!result)
+            return result;
+        if (known.contains(file.path) && known.value(file.path) == *key && QFile::exists(file.path))
+            return {};
+        const OssResult folder = OssAtomicFile::makeFolder(QFileInfo(file.path).absolutePath());
+        if (!folder)
+            return OssEvResult::failure(folder.error().toStdString());
+        job.cancel = &cancel;
+        job.onProgress = [this, before, bytes = file.bytes()](int rows, int all) {
+            done = before + (all > 0 ? bytes * rows / all : 0);
+            std::unique_lock<std::mutex> lock(mutex);
+            changed.wait(lock, [this] { return !isPaused || cancel.isCancelled(); });
+        };
+        result = OssEvBake::run(engine, job);
+        if (result) {
+            const std::lock_guard<std::mutex> lock(mutex);
+            written.append(file.path);
+        }
+        return result;
+    }
+};
+
+OssExportJob::OssExportJob(const OssExportPlan &plan, const Keys &known, QObject *parent)
+    : QObject(parent)
+    , m_plan(plan)
+    , m_work(std::make_shared<Work>())
+{
+    m_work->known = known;
+    m_timer.setInterval(TellEvery);
+    connect(&m_timer, &QTimer::timeout, this, &OssExportJob::progressed);
+}
+
+OssExportJob::~OssExportJob()
+{
+    cancel();
+    if (m_thread)
+        m_thread->wait();
+}
+
+void OssExportJob::start()
+{
+    QVector<const OssSnBaseNode *> known;
+    for (const OssExportFile &file : qAsConst(m_plan.files)) {
+        const OssExportMaterial &material = file.material;
+        int source = known.indexOf(material.node);
+        if (source < 0) {
+            source = known.size();
+            known.append(material.node);
+            m_work->sources.append(OssExportSource::of(material));
+        }
+        m_work->sourceOf.append(source);
+        m_work->total += file.bytes();
+    }
+    m_work->files = m_plan.files;
+    m_work->engine = OssEvaluationService::instance()->engine();
+    m_thread.reset(QThread::create([work = m_work] { work->run(); }));
+    connect(m_thread.get(), &QThread::finished, this, &OssExportJob::end);
+    m_elapsed.start();
+    m_timer.start();
+    m_thread->start(QThread::LowPriority);
+}
+
+bool OssExportJob::isPaused() const
+{
+    const std::lock_guard<std::mutex> lock(m_work->mutex);
+    return m_work->isPaused;
+}
+
+void OssExportJob::setPaused(bool paused)
+{
+    if (paused == isPaused() || !isRunning())
+        return;
+    if (paused)
+        m_sincePause.start();
+    else
+        m_pausedFor += m_sincePause.elapsed();
+    {
+        const std::lock_guard<std::mutex> lock(m_work->mutex);
+        m_work->isPaused = paused;
+    }
+    m_work->changed.notify_all();
+    Q_EMIT progressed();
+}
+
+void OssExportJob::cancel()
+{
+    {
+        const std::lock_guard<std::mutex> lock(m_work->mutex);
+        m_work->cancel.cancel();
+    }
+    m_work->changed.notify_all();
+}
+
+int OssExportJob::thousandths() const
+{
+    return m_work->total > 0 ? int(1000 * m_work->done / m_work->total) : 0;
+}
+
+QString OssExportJob::currentFile() const
+{
+    const std::lock_guard<std::mutex> lock(m_work->mutex);
+    return m_work->current;
+}
+
+int OssExportJob::secondsLeft() const
+{
+    const qint64 now = isPaused() ? m_sincePause.elapsed() : 0;
+    const qint64 worked = m_elapsed.isValid() ? m_elapsed.elapsed() - m_pausedFor - now : 0;
+    const qint64 done = m_work->done;
+    if (worked < FirstGuess || done <= 0)
+        return -1;
+    return int((m_work->total - done) * worked / done / 1000);
+}
+
+QStringList OssExportJob::written() const
+{
+    const std::lock_guard<std::mutex> lock(m_work->mutex);
+    return m_work->written;
+}
+
+QStringList OssExportJob::failures() const
+{
+    const std::lock_guard<std::mutex> lock(m_work->mutex);
+    QStringList reasons;
+    for (const Work::Failure &failure : qAsConst(m_work->failures)) {
+        // The engine names the file already.
+        reasons.append(failure.reason.contains(failure.path)
+                           ? failure.reason
+                           : tr("Cannot write \"%1\": %2").arg(failure.path, failure.reason));
+    }
+    return reasons;
+}
+
+QStringList OssExportJob::failedFiles() const
+{
+    const std::lock_guard<std::mutex> lock(m_work->mutex);
+    QStringList paths;
+    for (const Work::Failure &failure : qAsConst(m_work->failures))
+        paths.append(failure.path);
+    return paths;
+}
+
+OssExportJob::Keys OssExportJob::keys() const
+{
+    const std::lock_guard<std::mutex> lock(m_work->mutex);
+    return m_work->keys;
+}
+
+OssResult OssExportJob::result() const
+{
+    if (m_work->cancel.isCancelled())
+        return OssResult::cancelled(tr("The export was stopped"));
+    QStringList reasons = failures();
+    const int more = reasons.size() - MostReasons;
+    if (more > 0) {
+        reasons = reasons.mid(0, MostReasons);
+        reasons.append(tr("and %1 more").arg(more));
+    }
+    return reasons.isEmpty() ? OssResult() : OssResult::failure(reasons.join(QLatin1Char('\n')));
+}
+
+void OssExportJob::tellProblems() const
+{
+    for (const Work::Failure &failure : qAsConst(m_work->failures))
+        m_work->sources.at(failure.source).graph.tellProblem(failure.node, failure.reason);
+    for (int i = 0; i < m_work->sources.size(); ++i) {
+        const auto isOf = [i](const Work::Failure &failure) {
+            return failure.source == i;
+        };
+        const bool failed = std::any_of(m_work->failures.cbegin(), m_work->failures.cend(), isOf);
+        if (!failed && m_work->good.contains(i))
+            m_work->sources.at(i).graph.tellSuccess();
+    }
+}
+
+void OssExportJob::end()
+{
+    m_timer.stop();
+    m_thread->wait();
+    m_thread.reset();
+    tellProblems();
+    const QStringList files = written();
+    for (const QString &file : files)
+        OssDebug("OssExportJob", __LINE__, "[ -- ] Wrote %s", qPrintable(file));
+    const QStringList reasons = failures();
+    for (const QString &reason : reasons)
+        OssDebug("OssExportJob", __LINE__, "[ !! ] %s", qPrintable(reason));
+    Q_EMIT progressed();
+    Q_EMIT finished();
+}

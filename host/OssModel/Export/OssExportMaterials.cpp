@@ -1,0 +1,82 @@
+#include "OssModel/Export/OssExportMaterials.h"
+
+#include "OssModel/Graph/OssGeoEntity.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShadingGroup.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Nodes/OssSnMaterialNode.h"
+#include "OssModel/Project/OssProject.h"
+#include "OssModel/Types/OssLayerShaderModel.h"
+#include "OssModel/Types/OssSnTags.h"
+
+#include <algorithm>
+
+namespace {
+
+QVector<OssExportMaterial::Channel> streamsOf(const OssSnMaterialNode *material)
+{
+    QVector<OssExportMaterial::Channel> channels;
+    const OssLayerShaderModel *model = material->shaderModel();
+    if (!model)
+        return channels;
+    for (const OssLayerShaderModelInput &stream : model->inputs())
+        channels.append({stream.streamName(), stream.kind(), true});
+    return channels;
+}
+
+QVector<OssExportMaterial::Channel> inputsOf(const OssSnBaseNode *shader)
+{
+    QVector<OssExportMaterial::Channel> channels;
+    for (const OssSnBaseNode::InputPort &port : shader->inputPorts())
+        channels.append({port.name, port.kind, port.source != nullptr});
+    return channels;
+}
+
+void addOf(const OssShaderNetwork *network, QVector<OssExportMaterial> *materials)
+{
+    const QList<OssSnBaseNode *> nodes = network->nodes();
+    for (const OssSnBaseNode *node : nodes) {
+        const auto *material = qobject_cast<const OssSnMaterialNode *>(node);
+        const auto *group = qobject_cast<const OssSnGroupNode *>(node);
+        if (!node->enabledAsBool() || node->isBypassed())
+            continue;
+        if (node->hasTag(OssSnTags::shader()) && (material || !group)) {
+            OssExportMaterial found;
+            found.node = node;
+            found.entity = network->geoEntity();
+            found.channels = material ? streamsOf(material) : inputsOf(node);
+            if (!found.channels.isEmpty())
+                materials->append(found);
+        } else if (group && !material) {
+            addOf(group->groupNetwork(), materials);
+        }
+    }
+}
+
+} // namespace
+
+QString OssExportMaterial::name() const
+{
+    return node ? node->name() : QString();
+}
+
+QString OssExportMaterial::object() const
+{
+    return entity ? entity->name() : QString();
+}
+
+const OssExportMaterial::Channel *OssExportMaterial::channel(const QString &name) const
+{
+    const auto found = std::find_if(channels.cbegin(), channels.cend(),
+                                    [&name](const Channel &one) { return one.name == name; });
+    return found == channels.cend() ? nullptr : &*found;
+}
+
+QVector<OssExportMaterial> OssExportMaterial::of(const OssProject *project)
+{
+    QVector<OssExportMaterial> materials;
+    const QList<OssShadingGroup *> groups = project->shadingGroups();
+    for (const OssShadingGroup *group : groups)
+        addOf(group->network(), &materials);
+    return materials;
+}

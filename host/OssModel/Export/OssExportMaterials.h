@@ -1,0 +1,37 @@
+#pragma once
+
+#include "OssModel/OssModel_export.h"
+#include "OssModel/Types/OssSnDataKind.h"
+
+#include <QPointer>
+#include <QString>
+#include <QVector>
+
+class OssGeoEntity;
+class OssProject;
+class OssSnBaseNode;
+
+/// A material of an object, and the channels that it is made of: the inputs of a shader, or the streams
+/// of a material.
+struct OSSMODEL_EXPORT OssExportMaterial
+{
+    struct Channel
+    {
+        QString name;
+        OssSnDataKind kind = OssSnDataKind::Color;
+        bool isFed = false; ///< by a wire; else it is one value everywhere
+    };
+
+    QPointer<const OssSnBaseNode> node;
+    QPointer<const OssGeoEntity> entity;
+    QVector<Channel> channels;
+
+    QString name() const;
+    QString object() const;
+    /// Null when there is none of that name.
+    const Channel *channel(const QString &name) const;
+
+    /// All of the project's, in the order of its objects; a material's inside is not looked into,
+    /// that of other groups is.
+    static QVector<OssExportMaterial> of(const OssProject *project);
+};

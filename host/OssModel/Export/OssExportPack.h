@@ -1,0 +1,22 @@
+#pragma once
+
+#include "OssEvaluation/Files/OssEvBake.h"
+#include "OssModel/Evaluation/OssSnEvaluationGraph.h"
+#include "OssModel/Export/OssExportPlan.h"
+
+/// The channels of a material as the engine takes them: copied out of the document once for all files.
+struct OssExportSource
+{
+    OssSnEvaluationGraph graph;
+    QStringList channels;
+    QVector<OssSnEvaluationGraph::Link> links; ///< of the channels
+    /// Object, mesh and images; its graph says nothing.
+    OssEvTarget target;
+    OssResult state; ///< why nothing of it can be written
+
+    /// GUI thread. May handle events, while fresh paint is settled.
+    static OssExportSource of(const OssExportMaterial &material);
+
+    /// What writes a file. Any thread.
+    OssEvBake::Job job(const OssExportFile &file) const;
+};

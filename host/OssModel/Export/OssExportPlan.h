@@ -1,0 +1,72 @@
+#pragma once
+
+#include "OssCore/Values/OssResult.h"
+#include "OssModel/Export/OssExportMaterials.h"
+#include "OssModel/Export/OssExportPreset.h"
+
+#include <QList>
+#include <QStringList>
+
+/// What the user chooses for one export.
+struct OSSMODEL_EXPORT OssExportOptions
+{
+    static constexpr int UsualResolution = 2048;
+    static constexpr int UsualPadding = 16;
+    /// Everything beyond the charts gets the colour of the nearest one.
+    static constexpr int EndlessPadding = -1;
+
+    QString folder;
+    /// Of materials, as "OBJECT/MATERIAL"; empty: all.
+    QStringList materials;
+    /// Of files for each channel; empty: all.
+    QStringList channels;
+    /// Empty: all of each object.
+    QList<int> patches;
+    /// Texels of a patch's side, where the preset does not say.
+    int resolution = UsualResolution;
+    /// Texels.
+    int padding = UsualPadding;
+    int version = 1;
+    /// Whether files for each channel are written of channels to which nothing is connected.
+    bool writesConstants = true;
+};
+
+/// A file that is to be written.
+struct OSSMODEL_EXPORT OssExportFile
+{
+    QString path;
+    OssExportMaterial material;
+    int patch = 1001;
+    int resolution = 0;
+    int padding = 0;
+    bool isData = false; ///< numbers, not colours
+    /// With what the format adds: nothing is left to be chosen.
+    OssExportPreset::File how;
+
+    int channelCount() const;
+    /// "16 bit half"
+    QString depthText() const;
+    /// "Linear", or "Data".
+    QString spaceText() const;
+    /// Before the format packs them.
+    qint64 bytes() const;
+    /// "Ambient Occlusion, Roughness, Metallic"
+    QString contentText() const;
+};
+
+/// Which files an export writes, before anything is written.
+struct OSSMODEL_EXPORT OssExportPlan
+{
+    QVector<OssExportFile> files;
+    /// What is written otherwise than the preset says, in words.
+    QStringList notes;
+    OssExportPreset preset;
+    OssExportOptions options;
+
+    qint64 bytes() const;
+
+    /// Fails, in words, where nothing is to be written, two files would have one name, or what was asked
+    /// for is not there. Reads meshes. GUI thread.
+    static OssResult make(const OssProject *project, const OssExportPreset &preset,
+                          const OssExportOptions &options, OssExportPlan *plan);
+};

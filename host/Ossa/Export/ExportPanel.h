@@ -1,0 +1,69 @@
+#pragma once
+
+#include "OssModel/Export/OssExportPlan.h"
+
+#include <QTimer>
+#include <QWidget>
+
+class ExportFilesModel;
+class ExportPresetButton;
+class QCheckBox;
+class QComboBox;
+class QFormLayout;
+class QLabel;
+class QLineEdit;
+class QListWidget;
+class QPushButton;
+class QSpinBox;
+class QTableView;
+
+/// Body of the "Export" palette: what is chosen at the left; at the right the files that would be
+/// written, as the choices are made, and what becomes of them.
+class ExportPanel : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit ExportPanel(QWidget *parent = nullptr);
+
+protected:
+    void showEvent(QShowEvent *event) override;
+
+private:
+    QWidget *makeChoices();
+    QWidget *makeFiles();
+    void makeFields(QFormLayout *form);
+    void connectFields();
+    void fillPresets();
+    void fillLists();
+    void takeProject();
+    void restoreChoices();
+    void keepChoices() const;
+    OssExportOptions options() const;
+    /// False, and what is wrong is shown, where nothing could be written.
+    bool plan();
+    void planSoon();
+    void begin();
+    void showState();
+    void browse();
+
+    QComboBox *m_preset;
+    ExportPresetButton *m_presetMenu;
+    QLabel *m_description;
+    QLineEdit *m_folder;
+    QComboBox *m_resolution;
+    QSpinBox *m_padding;
+    QSpinBox *m_version;
+    QLineEdit *m_patches;
+    QCheckBox *m_constants;
+    QListWidget *m_materials;
+    QListWidget *m_channels;
+    QLabel *m_channelsTitle;
+    QTableView *m_table;
+    ExportFilesModel *m_files;
+    QLabel *m_notes;
+    QPushButton *m_export;
+    QCheckBox *m_watch;
+    OssExportPlan m_plan;
+    QTimer m_rest;
+};

@@ -247,8 +247,6 @@ private:
     /// To the next free input; to several where both have streams of the same names.
     static bool connectNext(OssSnBaseNode *source, OssSnBaseNode *node);
     static bool connectStreams(OssSnBaseNode *source, OssSnBaseNode *node);
-    /// After a new node was wired: its own merges, and those above it when it keeps 8-bit paint.
-    static void keepColorSpaceOfMerges(OssSnBaseNode *node);
 
     /// Side by side, and selected. None of them comes in when one cannot be read.
     void importFiles(const QStringList &paths, const NodeFileKind &kind, NodeImport *import);

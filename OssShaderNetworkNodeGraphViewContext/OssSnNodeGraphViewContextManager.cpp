@@ -21,6 +21,7 @@
 #include "OssShaderNetworkWidget.h"
 #include "OssSnNodeGraphViewContext.h"
 #include "OssSnUINodeGraphViewContext.h"
+#include "View/MergeUpkeep.h"
 #include "ZelGL/ZelTextureToken.h"
 
 namespace {
@@ -71,6 +72,7 @@ OssSnNodeGraphViewContextManager::OssSnNodeGraphViewContextManager()
                                                                new OssSnNodeGraphViewContextLoader);
     registerNodeGraphClassFactories();
     connectToHost();
+    new MergeUpkeep(this);
     createActions();
     initialiseNodeGraphPalette();
     initialiseNodePropertiesPalette();

@@ -216,10 +216,8 @@ void OssSnNodeGraphViewContext::connectInputFromGui(OssSnBaseNode *source, const
         return;
     }
     const OssUndoManager::AutoMacro macro(tr("Connect %1").arg(node->name()));
-    const bool connected = OssShaderNetworkUtils::setInputNodeBatchConnectable(
-        node, inputName, source, outputPointName, true, true, true, false);
-    if (connected)
-        OssShaderNetworkView::autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(node);
+    OssShaderNetworkUtils::setInputNodeBatchConnectable(node, inputName, source, outputPointName,
+                                                        true, true, true, false);
 }
 
 void OssSnNodeGraphViewContext::onDotableMarkerClicked(OssNgEdge *edge)

@@ -103,7 +103,6 @@ OssSnBaseNode *OssShaderNetworkView::createNodeAt(const QString &pathKey, const 
     Q_EMIT nodeAdded(node);
     completeNewNode(node, bounds);
     autoConnect(node, sources);
-    keepColorSpaceOfMerges(node);
     tellOfChange();
     return node;
 }
@@ -276,7 +275,6 @@ void OssShaderNetworkView::createBakePointNode(QPoint NodeViewPos)
     placeNewNode(node, NodeViewPos);
     Q_EMIT nodeAdded(node);
     autoConnect(node, sources);
-    keepColorSpaceOfMerges(node);
     tellOfChange();
 }
 
@@ -305,6 +303,5 @@ void OssShaderNetworkView::createMergeNode(QPoint NodeViewPos)
     placeNewNode(node, NodeViewPos);
     Q_EMIT nodeAdded(node);
     autoConnect(node, sources);
-    keepColorSpaceOfMerges(node);
     tellOfChange();
 }

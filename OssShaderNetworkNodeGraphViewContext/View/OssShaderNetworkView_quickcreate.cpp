@@ -104,7 +104,6 @@ void OssShaderNetworkView::createAtWireEnd(OssNgNode *item, const QString &port,
         };
         owner->setInputNode(port, node, bestPort(node->outputPoints(), kind, preferred));
     }
-    keepColorSpaceOfMerges(node);
     if (const OssNgNode *newItem = itemOf(node))
         ensureVisible(newItem, 0, 0); // others may have pushed it out of sight
 }

@@ -50,6 +50,39 @@ TEST_F(UndoTest, macroIsOneStepWithItsInnerTitles)
     EXPECT_EQ(m_text, text("abc"));
 }
 
+TEST_F(UndoTest, whatFollowsFromAnEditJoinsItsStep)
+{
+    QStringList ends;
+    const auto listening = QObject::connect(
+        m_undo, &OssUndoManager::editEnding, m_undo, [&](bool kept) {
+            ends.append(m_text + (kept ? QString() : text("!")));
+            if (kept)
+                edit("x");
+        });
+    edit("a");
+    macro("Macro", "bc");
+    macro("Nothing", "");
+    {
+        OssUndoManager::AutoMacro cancelled(text("Cancelled"));
+        edit("d");
+        cancelled.cancel();
+    }
+    {
+        const OssUndoManager::Gathering command(text("Command"));
+        edit("e");
+        macro("Part", "f");
+    }
+    QObject::disconnect(listening);
+    EXPECT_EQ(ends, texts({"a", "axbc", "axbcx!", "axbcx!", "axbcxe", "axbcxexf"}));
+    ASSERT_EQ(m_undo->count(), 3);
+    EXPECT_EQ(m_undo->text(0), text("a"));
+    EXPECT_EQ(m_undo->partTexts(2), texts({"e", "Part"}));
+    for (const char *left : {"axbcx", "ax", ""}) {
+        m_undo->undo();
+        EXPECT_EQ(m_text, text(left));
+    }
+}
+
 TEST_F(UndoTest, emptyMacroLeavesNoStepAndKeepsTheCleanState)
 {
     edit("a");

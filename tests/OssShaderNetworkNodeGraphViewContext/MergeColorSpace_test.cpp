@@ -1,6 +1,8 @@
 #include "GraphFixture.h"
 #include "OssCore/Values/OssUserEnum.h"
 #include "OssInterface/Popups/OssApplication.h"
+#include "OssModel/Graph/OssShaderNetworkIO.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Nodes/OssSnBakePointNode.h"
 #include "OssModel/Objects/OssImageSet.h"
 
@@ -152,6 +154,82 @@ TEST_F(MergeColorSpace, aWireDrawnByHandAsksAndARefusedOneDoesNot)
     contextOf(bake)->connectInputFromGui(merge, QStringLiteral("Input"),
                                          merge->prefferedOutputPoint());
     EXPECT_EQ(blending(merge), 1);
+}
+
+TEST_F(MergeColorSpace, whoeverMakesOrWiresNodesHasTheMergesLookedAt)
+{
+    m_manager->setAutoUpdateUpstreamMergeNodeColorspaceEnabled(text("Change"));
+    // A wire by itself, as a script makes it.
+    OssSnBaseNode *merge = add("Layer/Merge");
+    OssSnBaseNode *input = add("_System/Shader Input");
+    OssUndoManager::instance()->clear();
+    wire(merge, input);
+    EXPECT_EQ(blending(merge), 1);
+    EXPECT_EQ(undoCount(), 1);
+    EXPECT_EQ(OssUndoManager::instance()->undoText(), text("Connect ") + input->name());
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(blending(merge), 0);
+    EXPECT_EQ(input->inputConnection(input->inputNames().first()), nullptr);
+    OssUndoManager::instance()->redo();
+    EXPECT_EQ(blending(merge), 1);
+    // A new merge that is wired before its edit ends, by no view.
+    OssSnBaseNode *made = nullptr;
+    {
+        const OssUndoManager::AutoMacro macro(text("Make"));
+        made = m_network->createNode(text("Layer/Merge"));
+        wire(made, merge, "Over");
+        EXPECT_EQ(blending(made), 0);
+    }
+    EXPECT_EQ(blending(made), 1);
+    // What comes from elsewhere brings its wires along.
+    m_manager->setAutoUpdateUpstreamMergeNodeColorspaceEnabled(text("Leave"));
+    OssSnBaseNode *copied = add("Layer/Merge");
+    OssSnBaseNode *copiedInput = add("_System/Shader Input");
+    wire(copied, copiedInput);
+    m_manager->setAutoUpdateUpstreamMergeNodeColorspaceEnabled(text("Change"));
+    const QList<OssSnBaseNode *> copies = OssShaderNetworkIO::duplicateNodes(
+        m_network, {copied, copiedInput}, false);
+    ASSERT_EQ(copies.size(), 2);
+    EXPECT_EQ(blending(copies.first()), 1);
+    EXPECT_EQ(blending(copied), 0);
+}
+
+TEST_F(MergeColorSpace, whatWasAboveBeforeTheEditIsNotTouched)
+{
+    m_manager->setAutoUpdateUpstreamMergeNodeColorspaceEnabled(text("Leave"));
+    OssSnBaseNode *merge = add("Layer/Merge");
+    OssSnBaseNode *input = add("_System/Shader Input");
+    wire(merge, input);
+    m_manager->setAutoUpdateUpstreamMergeNodeColorspaceEnabled(text("Change"));
+    OssSnGroupNode *group = m_network->groupNodes({merge}); // which wires the input anew
+    ASSERT_NE(group, nullptr);
+    EXPECT_EQ(blending(merge), 0);
+    m_network->ungroup(group);
+    EXPECT_EQ(blending(merge), 0);
+    // What is taken back was never there.
+    OssSnBaseNode *other = add("Layer/Merge");
+    {
+        OssUndoManager::AutoMacro macro(text("Try"));
+        wire(other, input);
+        macro.cancel();
+    }
+    m_network->createNode(text("Filter/Blur"));
+    EXPECT_EQ(blending(other), 0);
+    EXPECT_EQ(blending(merge), 0);
+}
+
+TEST_F(MergeColorSpace, whatAnEditSetsOnItsOwnMergeStays)
+{
+    const OssUndoManager::Gathering command(text("Command"));
+    OssSnBaseNode *merge = nullptr;
+    {
+        const OssUndoManager::AutoMacro macro(text("Make"));
+        merge = m_network->createNode(text("Layer/Merge"));
+        auto value = merge->attribute(text("BlendColorSpaceEnabled")).value<OssUserEnum>();
+        value.setCurrentValue(1);
+        merge->setAttribute(text("BlendColorSpaceEnabled"), QVariant::fromValue(value));
+    }
+    EXPECT_EQ(blending(merge), 1) << "nothing below it keeps 8-bit paint, but somebody chose it";
 }
 
 TEST_F(MergeColorSpace, aBakePointThatWillKeepBytesCountsBeforeItsFirstBake)

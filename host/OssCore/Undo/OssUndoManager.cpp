@@ -52,7 +52,8 @@ struct OssUndoManager::Macro final : OssUndoStep
 
     std::vector<std::unique_ptr<OssUndoStep>> steps;
     bool cancelled = false;
-    bool gathers = false;
+    bool gathers = false; ///< leaves a single step what it is
+    bool ofEdits = false; ///< what it gathers are edits of their own
     bool joinsAlways = false;
     QString mergeKey;
     QElapsedTimer made;
@@ -100,7 +101,9 @@ OssUndoManager::Gathering::Gathering(const QString &title)
     OssUndoManager *manager = instance();
     if (!manager->isRecording())
         return;
-    manager->openMacro(title, {}).gathers = true;
+    Macro &macro = manager->openMacro(title, {});
+    macro.gathers = true;
+    macro.ofEdits = true;
     m_level = manager->m_open.size();
 }
 
@@ -131,7 +134,14 @@ void OssUndoManager::addUndo(std::unique_ptr<OssUndoStep> step)
         return;
     if (!isMacroOpen())
         Q_EMIT aboutToEdit();
-    store(std::move(step));
+    if (!isOutermost(m_open.size() + 1)) {
+        store(std::move(step));
+        return;
+    }
+    Macro &alone = openMacro(step->text(), {});
+    alone.gathers = true;
+    alone.steps.push_back(std::move(step));
+    closeMacro();
 }
 
 void OssUndoManager::record(const QString &title, std::function<void()> undo,
@@ -188,8 +198,17 @@ OssUndoManager::Macro &OssUndoManager::openMacro(const QString &title, const QSt
     return *m_open.back();
 }
 
+bool OssUndoManager::isOutermost(std::size_t level) const
+{
+    return std::all_of(m_open.begin(), m_open.begin() + int(level) - 1,
+                       [](const auto &macro) { return macro->ofEdits; });
+}
+
 void OssUndoManager::closeMacro()
 {
+    const Macro &ending = *m_open.back();
+    if (!ending.ofEdits && isOutermost(m_open.size()))
+        Q_EMIT editEnding(!ending.cancelled && !ending.steps.empty());
     std::unique_ptr<Macro> macro = std::move(m_open.back());
     m_open.pop_back();
     if (macro->cancelled && !macro->steps.empty()) {

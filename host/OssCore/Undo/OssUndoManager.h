@@ -132,6 +132,9 @@ Q_SIGNALS:
     /// Before an outermost macro, an undo or a redo begins, and before a step by itself is taken in:
     /// whoever has something half done in hand makes a step of it now, or puts it back.
     void aboutToEdit();
+    /// An outermost macro, or a step by itself, is about to become a step: what else follows from the
+    /// edit joins it now. Not kept: it was cancelled, or nothing was recorded.
+    void editEnding(bool kept);
     /// Something changed that is saved and is no step: see resetClean().
     void changedWithoutStep();
 
@@ -140,6 +143,8 @@ private:
 
     Macro &openMacro(const QString &title, const QString &mergeKey, bool joinsAlways = false);
     void closeMacro();
+    /// That its end ends an edit: all macros around it gather such.
+    bool isOutermost(std::size_t level) const;
     void cancelMacros(std::size_t level);
     void store(std::unique_ptr<OssUndoStep> step);
     bool joinLast(OssUndoStep &step);

@@ -1,6 +1,7 @@
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 
 #include "OssCore/Program/OssDebug.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkContextLoader.h"
 #include "OssModel/Graph/OssShadingGroup.h"
@@ -168,6 +169,24 @@ void OssShaderNetworkManager::deregisterNode(OssShaderNetwork *network, OssSnBas
 void OssShaderNetworkManager::endCollection(OssShaderNetwork *network)
 {
     Q_EMIT afterShaderNetworkEndCollection(network);
+}
+
+void OssShaderNetworkManager::tellMade(OssSnBaseNode *node)
+{
+    if (OssUndoManager::instance()->isRecording())
+        Q_EMIT nodeMade(node);
+}
+
+void OssShaderNetworkManager::tellInserted(OssSnBaseNode *node)
+{
+    if (OssUndoManager::instance()->isRecording())
+        Q_EMIT nodeInserted(node);
+}
+
+void OssShaderNetworkManager::tellOfWiring(OssSnBaseNode *node)
+{
+    if (OssUndoManager::instance()->isRecording())
+        Q_EMIT aboutToWire(node);
 }
 
 // --- requests

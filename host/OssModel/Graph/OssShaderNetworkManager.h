@@ -130,6 +130,11 @@ public:
     void deregisterNode(OssShaderNetwork *network, OssSnBaseNode *node);
     void endCollection(OssShaderNetwork *network);
 
+    // Of edits: nothing is told while recording pauses.
+    void tellMade(OssSnBaseNode *node);
+    void tellInserted(OssSnBaseNode *node);
+    void tellOfWiring(OssSnBaseNode *node);
+
     // --- requests: whoever can, answers
     void requestFocus(OssSnBaseNode *node) { Q_EMIT focusOnNodeRequest(node); }
 
@@ -154,6 +159,13 @@ Q_SIGNALS:
     void beautifyNodesLayout(OssShaderNetwork *network, QList<OssSnBaseNode *> nodes);
     void nodeRegistered(OssShaderNetwork *network, OssSnBaseNode *node);
     void nodeDeregistered(OssShaderNetwork *network, OssSnBaseNode *node);
+    /// An edit made the node and goes on. This one and the next two: not for what is loaded, undone
+    /// or redone.
+    void nodeMade(OssSnBaseNode *node);
+    /// An edit brought the node from elsewhere, with its wires.
+    void nodeInserted(OssSnBaseNode *node);
+    /// An input of the node is about to get another wire, or none.
+    void aboutToWire(OssSnBaseNode *node);
     void reorderGroupInputsByPosRequested(OssSnGroupNode *group);
     void reorderGroupOutputsByPosRequested(OssSnGroupNode *group);
     void arrangeGroupInputNodesByOrderRequested(OssShaderNetwork *network, QStringList order);

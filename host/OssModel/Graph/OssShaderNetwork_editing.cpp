@@ -100,6 +100,7 @@ OssSnBaseNode *OssShaderNetwork::createNode(const QString &pathKey, const QStrin
     if (OssSnGroupNode *group = parentGroupNode())
         group->onNodeAddedInside(node);
     node->onMadeFresh();
+    OssShaderNetworkManager::instance()->tellMade(node);
     return node;
 }
 
@@ -194,6 +195,8 @@ QList<OssSnBaseNode *> OssShaderNetwork::takeOverNodes(OssShaderNetwork *read)
         for (OssSnBaseNode *node : qAsConst(inserted))
             group->onNodeAddedInside(node);
     }
+    for (OssSnBaseNode *node : qAsConst(inserted))
+        OssShaderNetworkManager::instance()->tellInserted(node);
     return inserted;
 }
 

@@ -1,6 +1,7 @@
 #include "OssModel/Graph/OssShaderNetwork.h"
 
 #include "OssCore/Undo/OssUndoManager.h"
+#include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Graph/OssSnBaseContext.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
@@ -271,6 +272,8 @@ QList<OssSnBaseNode *> OssShaderNetwork::ungroup(OssSnGroupNode *group)
     const OssUndoManager::AutoMacro macro(tr("Ungroup %1").arg(group->name()));
     const ViewUpdateLock lock(this);
     const QVector<Stream> rewired = wiresWithout(group);
+    for (const Stream &wire : rewired)
+        OssShaderNetworkManager::instance()->tellOfWiring(wire.targets.first().first);
     QList<OssSnBaseNode *> inside;
     const QList<OssSnBaseNode *> all = group->groupNetwork()->nodes();
     for (OssSnBaseNode *node : all) {

@@ -3,6 +3,7 @@
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Types/OssSnTags.h"
 
 #include <algorithm>
@@ -111,6 +112,8 @@ bool OssSnBaseNode::connectInput(const QString &input, OssSnBaseNode *source,
     const QString point = source ? outputPoint : QString();
     if (before.source == source && before.sourceOutput == point)
         return true;
+    if (record)
+        OssShaderNetworkManager::instance()->tellOfWiring(this);
     applyConnection(index, source, point);
     if (record) {
         OssUndoManager::instance()->record(

@@ -1,55 +1,25 @@
-#include "OssShaderNetworkView.h"
+#include "View/MergeColorSpace.h"
 
-#include "OssCore/Program/OssDebug.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssCore/Values/OssUserEnum.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssInterface/Popups/OssMessageBox.h"
 #include "OssModel/Graph/OssLayerStreamUtils.h"
 #include "OssModel/Graph/OssNodeWalker.h"
-#include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
-#include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Nodes/OssSnBakePointNode.h"
 #include "OssModel/Nodes/OssSnImageSetNodeBase.h"
 #include "OssModel/Nodes/OssSnShaderInputNode.h"
 #include "OssModel/Objects/OssChannel.h"
 #include "OssModel/Objects/OssImageSet.h"
-#include "OssModel/Types/OssSnTags.h"
+#include "OssShaderNetworkView.h"
 #include "OssSnNodeGraphViewContextManager.h"
-
-// Merges over 8-bit paint blend in a colour space that keeps precision.
 
 namespace {
 
-constexpr const char *Source = "OssShaderNetworkView";
 constexpr int ScalarColorSpace = 1;
 const QString BlendAttribute = QStringLiteral("BlendColorSpaceEnabled");
 const QString MaskInput = QStringLiteral("Mask");
-
-/// Whether what is kept at the node is 8-bit colour.
-bool holdsByteColor(OssSnBaseNode *node)
-{
-    if (const auto *input = qobject_cast<OssSnShaderInputNode *>(node))
-        return input->colorSpace() != ScalarColorSpace
-               && input->imageSetDepth() == OssChannel::UnsignedByte;
-    const OssSnImageSetNodeBase *images = OssShaderNetworkUtils::asTrueImageSetNode(node);
-    if (!images || images->imageSet())
-        return images && images->imageSet()->isByteColor();
-    // It gets its images with the first bake.
-    const OssSnBakePointNode *bakePoint = OssShaderNetworkUtils::asTrueBakePointNode(node);
-    if (!bakePoint || !bakePoint->choosesDepth())
-        return false;
-    OssImageSet settings{QString()};
-    bakePoint->applySettings(&settings);
-    return settings.isByteColor();
-}
-
-bool isDisabledMerge(const OssSnBaseNode *node)
-{
-    return node->exists(BlendAttribute) && node->lockOf(BlendAttribute).isEmpty()
-           && node->attribute(BlendAttribute).value<OssUserEnum>().currentValue() == 0;
-}
 
 void enableBlending(OssSnBaseNode *merge, bool enable)
 {
@@ -95,7 +65,10 @@ public:
     bool found = false;
 
 protected:
-    void visit(OssSnBaseNode *node) override { found = found || holdsByteColor(node); }
+    void visit(OssSnBaseNode *node) override
+    {
+        found = found || MergeColorSpace::holdsByteColor(node);
+    }
 
     bool enters(const OssSnBaseNode *node, const QString &input) const override
     {
@@ -107,39 +80,6 @@ protected:
         return output == node->prefferedOutputPoint();
     }
 };
-
-void setBlendingColorspaceOnMergeNodeCreation(OssSnBaseNode *merge)
-{
-    BakePointFinder finder;
-    finder.walk(merge);
-    if (merge->exists(BlendAttribute) && isDisabledMerge(merge) == finder.found)
-        enableBlending(merge, finder.found);
-}
-
-void setColorSpaceOfNewMerges(OssSnBaseNode *node)
-{
-    if (OssLayerStreamUtils::isMergeNode(node)) {
-        setBlendingColorspaceOnMergeNodeCreation(node);
-        return;
-    }
-    if (!node->hasTag(OssSnTags::group()))
-        return;
-    const auto *asGroup = qobject_cast<OssSnGroupNode *>(node);
-    if (!asGroup) {
-        OssDebug(Source, __LINE__, "AsGroup is NULL");
-        return;
-    }
-    const OssShaderNetwork *groupNetwork = asGroup->groupNetwork();
-    if (!groupNetwork) {
-        OssDebug(Source, __LINE__, "GroupNetwork is NULL");
-        return;
-    }
-    const QList<OssSnBaseNode *> inside = groupNetwork->getAllNodes();
-    for (OssSnBaseNode *inner : inside) {
-        if (OssLayerStreamUtils::isMergeNode(inner))
-            setBlendingColorspaceOnMergeNodeCreation(inner);
-    }
-}
 
 /// "Yes" or "No" of the user; what he wants to be asked no more is kept in the preference.
 bool askWhetherToUpdate(const OssSnBaseNode *endPoint)
@@ -166,32 +106,69 @@ bool askWhetherToUpdate(const OssSnBaseNode *endPoint)
 
 } // namespace
 
-void OssShaderNetworkView::autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(
-    OssSnBaseNode *EndPointNode)
+bool MergeColorSpace::holdsByteColor(OssSnBaseNode *node)
+{
+    if (const auto *input = qobject_cast<OssSnShaderInputNode *>(node))
+        return input->colorSpace() != ScalarColorSpace
+               && input->imageSetDepth() == OssChannel::UnsignedByte;
+    const OssSnImageSetNodeBase *images = OssShaderNetworkUtils::asTrueImageSetNode(node);
+    if (!images || images->imageSet())
+        return images && images->imageSet()->isByteColor();
+    // It gets its images with the first bake.
+    const OssSnBakePointNode *bakePoint = OssShaderNetworkUtils::asTrueBakePointNode(node);
+    if (!bakePoint || !bakePoint->choosesDepth())
+        return false;
+    OssImageSet settings{QString()};
+    bakePoint->applySettings(&settings);
+    return settings.isByteColor();
+}
+
+bool MergeColorSpace::isOff(const OssSnBaseNode *node)
+{
+    return node->exists(BlendAttribute) && node->lockOf(BlendAttribute).isEmpty()
+           && node->attribute(BlendAttribute).value<OssUserEnum>().currentValue() == 0;
+}
+
+QSet<OssSnBaseNode *> MergeColorSpace::mergesAbove(OssSnBaseNode *node)
+{
+    UpstreamMergeNodesFinder finder;
+    finder.walk(node);
+    return {finder.merges.cbegin(), finder.merges.cend()};
+}
+
+void MergeColorSpace::setOfNew(OssSnBaseNode *merge)
+{
+    BakePointFinder finder;
+    finder.walk(merge);
+    if (merge->exists(BlendAttribute) && isOff(merge) == finder.found)
+        enableBlending(merge, finder.found);
+}
+
+void MergeColorSpace::update(OssSnBaseNode *endPoint, const QSet<OssSnBaseNode *> &known)
 {
     const QString preference = OssSnNodeGraphViewContextManager::instance()
                                    ->autoUpdateUpstreamMergeNodeColorspaceEnabled();
-    if (!EndPointNode || preference == QLatin1String("Leave") || !holdsByteColor(EndPointNode))
+    if (!endPoint || preference == QLatin1String("Leave") || !holdsByteColor(endPoint))
         return;
     UpstreamMergeNodesFinder finder;
-    finder.walk(EndPointNode);
+    finder.walk(endPoint);
     QList<OssSnBaseNode *> disabled;
     for (OssSnBaseNode *merge : qAsConst(finder.merges)) {
-        if (isDisabledMerge(merge))
+        if (isOff(merge) && !known.contains(merge))
             disabled.append(merge);
     }
     if (disabled.isEmpty())
         return;
     if (preference == QLatin1String("Prompt")
-        && (!OssApplication::popupsAllowed() || !askWhetherToUpdate(EndPointNode)))
+        && (!OssApplication::popupsAllowed() || !askWhetherToUpdate(endPoint)))
         return;
-    const OssUndoManager::AutoMacro macro(tr("Use Blending Colorspace"));
+    const OssUndoManager::AutoMacro macro(OssShaderNetworkView::tr("Use Blending Colorspace"));
     for (OssSnBaseNode *merge : qAsConst(disabled))
         enableBlending(merge, true);
 }
 
-void OssShaderNetworkView::keepColorSpaceOfMerges(OssSnBaseNode *node)
+void OssShaderNetworkView::autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(
+    OssSnBaseNode *EndPointNode)
 {
-    setColorSpaceOfNewMerges(node);
-    autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(node);
+    MergeColorSpace::update(EndPointNode);
 }

@@ -57,6 +57,49 @@ TEST_F(Surfaces, positionAndNormalOfASphereAgreeAlsoWithinOneGraph)
         << "positions are no colors";
 }
 
+TEST_F(Surfaces, colorsOfVerticesAndMaterialsCanBeRead)
+{
+    auto mesh = square(0.0F, 0.0F, 1.0F, 1.0F);
+    mesh->colors = {{0, 0.5F, 0, 1}, {1, 0.5F, 0, 1}, {1, 0.5F, 0, 0.5F}, {0, 0.5F, 0, 0.5F}};
+    mesh->materialNames = {"Below", "Above"};
+    mesh->materials = {0, 1}; // beside and above the diagonal
+    ASSERT_TRUE(mesh->finish("mesh"));
+    const Collected colors = evaluate(onMesh("vertexColor", {}, mesh));
+    ASSERT_TRUE(colors.outcome.ok()) << colors.outcome.error;
+    for (const int at : {20, 128, 250}) {
+        const double u = (at + 0.5) / 256;
+        const double alpha = 1.0 - 0.5 * (1.0 - u); // rows go down
+        EXPECT_NEAR(colors.texel(0, at, at), u * alpha, 2e-3) << at;
+        EXPECT_NEAR(colors.texel(1, at, at), 0.5 * alpha, 2e-3);
+        EXPECT_NEAR(colors.texel(3, at, at), alpha, 2e-3);
+    }
+    const Collected picked = evaluate(
+        onMesh("vertexColor", {{"Space", std::string("sRGB")}}, mesh));
+    EXPECT_NEAR(picked.texel(1, 100, 255), 0.2140, 2e-3);
+    const Collected plain = evaluate(onMesh("vertexColor", {}, OssEvShapes::plane()));
+    EXPECT_NEAR(plain.texel(2, 100, 100), 1.0, 1e-3) << "white where the mesh has none";
+
+    const auto maskOf = [&](const OssEvParameters &parameters) {
+        OssEvTarget mask = onMesh("materialId", parameters, mesh);
+        mask.output = 2;
+        return evaluate(mask);
+    };
+    const Collected first = maskOf({});
+    EXPECT_EQ(first.texel(0, 200, 200), 1.0F);
+    EXPECT_EQ(first.texel(0, 20, 20), 0.0F);
+    const Collected named = maskOf({{"Material", std::string("Above")}});
+    EXPECT_EQ(named.texel(0, 200, 200), 0.0F);
+    EXPECT_EQ(named.texel(0, 20, 20), 1.0F);
+    OssEvTarget id = onMesh("materialId", {}, mesh);
+    id.output = 1;
+    EXPECT_EQ(evaluate(id).texel(0, 20, 20), 2.0F);
+    const Collected shown = evaluate(onMesh("materialId", {}, mesh));
+    double difference = 0.0;
+    for (int k = 0; k < 3; ++k)
+        difference += std::abs(shown.texel(k, 20, 20) - shown.texel(k, 200, 200));
+    EXPECT_GT(difference, 0.5) << "slots are told apart";
+}
+
 TEST_F(Surfaces, occlusionIsOpenOnASphereAndDarkInACorner)
 {
     const Collected open = evaluate(

@@ -67,22 +67,27 @@ OssEvResult OssEvMesh::finish(const std::string &name)
     const OssEvResult result = check(name);
     if (!result)
         return result;
-    if (normals.empty())
-        makeNormals();
+    makeNormals();
     if (faces.size() != triangles.size()) {
         faces.resize(triangles.size());
         for (std::size_t i = 0; i < faces.size(); ++i)
             faces[i] = std::int32_t(i);
     }
+    if (materialNames.empty())
+        materialNames.emplace_back();
+    materials.resize(triangles.size());
     findPatches();
-    m_rayTree = std::make_shared<OssEvRayTree>(*this);
+    m_rayTree = std::make_shared<LazyTree>();
     OssEvKeyBuilder key;
     addVectors(&key, positions);
     addVectors(&key, normals);
     addVectors(&key, uvs);
+    addVectors(&key, colors);
     addVectors(&key, triangles);
-    for (const std::int32_t face : faces)
-        key.add(double(face));
+    key.addBytes(faces.data(), faces.size() * sizeof(std::int32_t));
+    key.addBytes(materials.data(), materials.size() * sizeof(std::int32_t));
+    for (const std::string &material : materialNames)
+        key.add(material);
     for (const float number : world)
         key.add(double(number));
     m_key = key.key();
@@ -98,9 +103,12 @@ OssEvResult OssEvMesh::check(const std::string &name) const
         return refused("it has no faces");
     if (uvs.empty())
         return refused("it has no texture coordinates");
-    if (uvs.size() != positions.size() || (!normals.empty() && normals.size() != positions.size()))
+    const auto isIncomplete = [this](std::size_t count) {
+        return count != 0 && count != positions.size();
+    };
+    if (isIncomplete(uvs.size()) || isIncomplete(normals.size()) || isIncomplete(colors.size()))
         return refused("its vertices are not complete");
-    if (!allFinite(positions) || !allFinite(uvs) || !allFinite(normals)
+    if (!allFinite(positions) || !allFinite(uvs) || !allFinite(normals) || !allFinite(colors)
         || !std::all_of(world.begin(), world.end(),
                         [](float value) { return std::isfinite(value); }))
         return refused("it has coordinates that are no numbers");
@@ -110,6 +118,11 @@ OssEvResult OssEvMesh::check(const std::string &name) const
                         [count](std::uint32_t index) { return index >= count; }))
             return refused("a face names a vertex that does not exist");
     }
+    const auto slots = std::int32_t(std::max<std::size_t>(materialNames.size(), 1));
+    if (materials.size() > triangles.size()
+        || std::any_of(materials.begin(), materials.end(),
+                       [slots](std::int32_t slot) { return slot < 0 || slot >= slots; }))
+        return refused("a face names a material that does not exist");
     const auto outside = [](const Vector2 &uv) {
         constexpr float Slack = 1e-4F;
         const int lastRow = OssEvPatch::row(OssEvPatch::Last);
@@ -121,25 +134,52 @@ OssEvResult OssEvMesh::check(const std::string &name) const
     return {};
 }
 
-// Weighed by area, so that slivers do not tilt what they touch.
+// Weighed by area, so that slivers do not tilt what they touch. Vertices of one place share a normal:
+// what parts them are texture coordinates, where a surface does not break.
 void OssEvMesh::makeNormals()
 {
-    normals.assign(positions.size(), Vector3{});
+    normals.resize(positions.size());
+    const auto isMissing = [this](std::uint32_t vertex) {
+        return normals[vertex] == Vector3{};
+    };
+    std::vector<std::uint32_t> missing;
+    for (std::uint32_t i = 0; i < normals.size(); ++i) {
+        if (isMissing(i))
+            missing.push_back(i);
+    }
+    if (missing.empty())
+        return;
+    std::sort(missing.begin(), missing.end(), [this](std::uint32_t a, std::uint32_t b) {
+        return positions[a] != positions[b] ? positions[a] < positions[b] : a < b;
+    });
+    std::vector<std::uint32_t> firstOf(positions.size());
+    for (std::size_t i = 0; i < missing.size(); ++i) {
+        const bool isSame = i > 0 && positions[missing[i]] == positions[missing[i - 1]];
+        firstOf[missing[i]] = isSame ? firstOf[missing[i - 1]] : missing[i];
+    }
+    std::vector<Vector3> sums(positions.size());
     for (const auto &triangle : triangles) {
         const Vector3 &a = positions[triangle[0]];
         const Vector3 normal = cross(minus(positions[triangle[1]], a),
                                      minus(positions[triangle[2]], a));
         for (const std::uint32_t vertex : triangle) {
-            for (std::size_t k = 0; k < 3; ++k)
-                normals[vertex][k] += normal[k];
+            for (std::size_t k = 0; k < 3 && isMissing(vertex); ++k)
+                sums[firstOf[vertex]][k] += normal[k];
         }
     }
-    for (Vector3 &normal : normals) {
-        const float length = std::sqrt(normal[0] * normal[0] + normal[1] * normal[1]
-                                       + normal[2] * normal[2]);
-        for (float &component : normal)
-            component = length > 0.0F ? component / length : 0.0F;
+    for (const std::uint32_t vertex : missing) {
+        const Vector3 &sum = sums[firstOf[vertex]];
+        const float length = std::sqrt(sum[0] * sum[0] + sum[1] * sum[1] + sum[2] * sum[2]);
+        for (std::size_t k = 0; k < 3; ++k)
+            normals[vertex][k] = length > 0.0F ? sum[k] / length : 0.0F;
     }
+}
+
+const OssEvRayTree &OssEvMesh::rayTree() const
+{
+    std::call_once(m_rayTree->once,
+                   [this] { m_rayTree->tree = std::make_unique<OssEvRayTree>(*this); });
+    return *m_rayTree->tree;
 }
 
 // A face belongs to every patch whose inside it touches, not to those that it only borders on.

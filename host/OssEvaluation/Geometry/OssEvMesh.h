@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -24,16 +25,22 @@ public:
     std::vector<Vector3> normals;
     /// v grows upwards. The integer parts name the UDIM patch.
     std::vector<Vector2> uvs;
+    /// Red, green, blue and alpha as the file has them, not premultiplied; none at all where it has
+    /// none.
+    std::vector<std::array<float, 4>> colors;
     /// Three vertices each.
     std::vector<std::array<std::uint32_t, 3>> triangles;
     /// Face as the file counts them, for each triangle.
     std::vector<std::int32_t> faces;
+    /// Material slot of each triangle, by its place in materialNames. Missing ones are the first.
+    std::vector<std::int32_t> materials;
+    std::vector<std::string> materialNames;
     /// Object to world, three rows of four.
     std::array<float, 12> world{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0};
 
     /// Checks what the rest relies on: equal counts, indices in range, finite numbers, texture
-    /// coordinates within what UDIM numbers can name. Makes normals that are missing and fixes the
-    /// key. Must succeed before the mesh is used; `name` is for messages.
+    /// coordinates within what UDIM numbers can name. Makes normals that are missing or 0 and fixes
+    /// the key. Must succeed before the mesh is used; `name` is for messages.
     OssEvResult finish(const std::string &name);
 
     /// Hash of all of the above.
@@ -45,16 +52,23 @@ public:
     /// Triangles that touch the inside of a patch.
     const std::vector<std::int32_t> &trianglesOf(int patch) const;
 
-    /// For rays against the surface.
-    const OssEvRayTree &rayTree() const { return *m_rayTree; }
+    /// For rays against the surface. Made when it is first asked for, on any thread; throws
+    /// std::bad_alloc.
+    const OssEvRayTree &rayTree() const;
 
 private:
+    struct LazyTree
+    {
+        std::once_flag once;
+        std::unique_ptr<const OssEvRayTree> tree;
+    };
+
     OssEvResult check(const std::string &name) const;
     void makeNormals();
     void findPatches();
 
     OssEvKey m_key;
-    std::shared_ptr<const OssEvRayTree> m_rayTree;
+    std::shared_ptr<LazyTree> m_rayTree;
     std::vector<int> m_patches;
     std::vector<std::vector<std::int32_t>> m_patchTriangles;
 };
@@ -70,5 +84,12 @@ OSSEVALUATION_EXPORT std::shared_ptr<const OssEvMesh> sphere();
 
 /// Edges of length 1 around the origin; each side fills a patch, 1001 to 1006.
 OSSEVALUATION_EXPORT std::shared_ptr<const OssEvMesh> cube();
+
+/// Radius 0.5 and height 1 around the origin, along y, in one patch: the side below, the ends above.
+OSSEVALUATION_EXPORT std::shared_ptr<const OssEvMesh> cylinder();
+
+/// A ball with a groove on a foot, for looking at materials, in one patch. Two material slots, "Ball"
+/// and "Foot".
+OSSEVALUATION_EXPORT std::shared_ptr<const OssEvMesh> shaderBall();
 
 } // namespace OssEvShapes

@@ -1,69 +1,84 @@
 #include "OssEvaluation/Geometry/OssEvMeshFile.h"
 
+#include "OssEvaluation/Geometry/OssEvMeshScene.h"
+#include "OssEvaluation/Geometry/OssEvUnwrap.h"
+
 #include <assimp/config.h>
 #include <assimp/Importer.hpp>
 #include <assimp/postprocess.h>
+#include <assimp/ProgressHandler.hpp>
 #include <assimp/scene.h>
 #include <sys/stat.h>
 
+#include <algorithm>
+#include <cctype>
 #include <exception>
+#include <filesystem>
 #include <fstream>
+#include <utility>
 
 namespace {
 
+using OssEvMeshFile::Options;
+using OssEvMeshFile::Part;
+using OssEvMeshFile::Reading;
+
 constexpr long long MaximumFileSize = 1LL << 31;
-constexpr std::size_t MaximumVertices = 100'000'000;
+constexpr double ShareOfLibrary = 0.7; // of the progress
 
 OssEvResult refused(const std::string &path, const std::string &reason)
 {
     return OssEvResult::failure("Cannot read \"" + path + "\": " + reason);
 }
 
-OssEvMesh::Vector3 vector3(const aiVector3D &from)
+/// Carries what the library tells on, and tells it when to stop.
+class Progress : public Assimp::ProgressHandler
 {
-    return {from.x, from.y, from.z};
+public:
+    Progress(const OssEvCancel *cancel, const std::function<void(double)> &told)
+        : m_cancel(cancel)
+        , m_told(told)
+    {
+    }
+
+    bool Update(float share) override
+    {
+        if (m_told && share >= 0.0F)
+            m_told(ShareOfLibrary * std::min(double(share), 1.0));
+        return !isCancelled();
+    }
+
+    bool isCancelled() const { return m_cancel != nullptr && m_cancel->isCancelled(); }
+
+private:
+    const OssEvCancel *m_cancel;
+    const std::function<void(double)> &m_told;
+};
+
+std::string stem(const std::string &path)
+{
+    return std::filesystem::path(path).stem().string();
 }
 
-OssEvResult addMesh(const std::string &path, const aiMesh &from, OssEvMesh *to)
-{
-    if (!from.HasTextureCoords(0))
-        return refused(path,
-                       "\"" + std::string(from.mName.C_Str()) + "\" has no texture coordinates");
-    if (to->positions.size() + from.mNumVertices > MaximumVertices)
-        return refused(path, "it has too many vertices");
-    const auto first = std::uint32_t(to->positions.size());
-    for (unsigned i = 0; i < from.mNumVertices; ++i) {
-        to->positions.push_back(vector3(from.mVertices[i]));
-        to->uvs.push_back({from.mTextureCoords[0][i].x, from.mTextureCoords[0][i].y});
-        if (from.HasNormals())
-            to->normals.push_back(vector3(from.mNormals[i]));
-    }
-    for (unsigned i = 0; i < from.mNumFaces; ++i) {
-        const aiFace &face = from.mFaces[i];
-        if (face.mNumIndices == 3)
-            to->triangles.push_back(
-                {first + face.mIndices[0], first + face.mIndices[1], first + face.mIndices[2]});
-    }
-    return {};
-}
-
-OssEvResult readScene(const std::string &path, OssEvMesh *mesh)
+OssEvResult readScene(const std::string &path, Progress *progress, std::unique_ptr<aiScene> *scene)
 {
     Assimp::Importer importer;
-    importer.SetPropertyInteger(AI_CONFIG_PP_SBP_REMOVE,
-                                aiPrimitiveType_LINE | aiPrimitiveType_POINT);
-    const aiScene *scene = importer.ReadFile(
-        path, aiProcess_Triangulate | aiProcess_SortByPType | aiProcess_JoinIdenticalVertices
-                  | aiProcess_GenSmoothNormals | aiProcess_PreTransformVertices);
-    if (scene == nullptr)
+    importer.SetPropertyBool(AI_CONFIG_IMPORT_NO_SKELETON_MESHES, true);
+    // Nodes that only say where others turn would hide the names of objects.
+    importer.SetPropertyBool(AI_CONFIG_IMPORT_FBX_PRESERVE_PIVOTS, false);
+    importer.SetPropertyBool(AI_CONFIG_IMPORT_FBX_READ_ANIMATIONS, false);
+    importer.SetPropertyBool(AI_CONFIG_IMPORT_FBX_READ_CAMERAS, false);
+    importer.SetPropertyBool(AI_CONFIG_IMPORT_FBX_READ_LIGHTS, false);
+    importer.SetProgressHandler(progress);
+    const aiScene *read = importer.ReadFile(path, 0);
+    importer.SetProgressHandler(nullptr); // which gives ours away before it could be deleted
+    if (progress->isCancelled())
+        return refused(path, "it was stopped");
+    if (read == nullptr)
         return refused(path, importer.GetErrorString());
-    if (scene->mNumMeshes == 0)
+    if (read->mNumMeshes == 0)
         return refused(path, "it has no faces");
-    for (unsigned i = 0; i < scene->mNumMeshes; ++i) {
-        const OssEvResult result = addMesh(path, *scene->mMeshes[i], mesh);
-        if (!result)
-            return result;
-    }
+    scene->reset(importer.GetOrphanedScene());
     return {};
 }
 
@@ -77,9 +92,7 @@ bool isHeaderCutOff(const std::string &path)
     return text.rfind("ply", 0) == 0 && text.find("end_header") == std::string::npos;
 }
 
-} // namespace
-
-OssEvResult OssEvMeshFile::read(const std::string &path, std::shared_ptr<const OssEvMesh> *mesh)
+OssEvResult checkFile(const std::string &path)
 {
     struct stat status = {};
     if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode))
@@ -88,15 +101,86 @@ OssEvResult OssEvMeshFile::read(const std::string &path, std::shared_ptr<const O
         return refused(path, "it is larger than 2 GB");
     if (isHeaderCutOff(path))
         return refused(path, "its header has no end");
+    return {};
+}
+
+/// Makes texture coordinates where they are wanted, looks at the mesh and finishes it.
+OssEvResult complete(const std::string &path, const Options &options,
+                     const std::shared_ptr<OssEvMesh> &mesh, Part *part)
+{
+    if (options.unwraps) {
+        OssEvUnwrap::unwrap(mesh.get());
+        part->report.clear();
+    }
+    if (!part->report.empty())
+        return {};
+    part->report = OssEvMeshCheck::of(*mesh);
+    if (OssEvMeshCheck::isUseless(part->report))
+        return {};
+    const OssEvResult result = mesh->finish(path);
+    if (result)
+        part->mesh = mesh;
+    return result;
+}
+
+} // namespace
+
+OssEvResult OssEvMeshFile::read(const std::string &path, const Options &options, Reading *reading,
+                                const OssEvCancel *cancel,
+                                const std::function<void(double)> &progress)
+{
+    OssEvResult result = checkFile(path);
+    if (!result)
+        return result;
     try {
-        auto made = std::make_shared<OssEvMesh>();
-        OssEvResult result = readScene(path, made.get());
-        if (result)
-            result = made->finish(path);
-        if (result)
-            *mesh = std::move(made);
+        Progress told(cancel, progress);
+        std::unique_ptr<aiScene> scene;
+        result = readScene(path, &told, &scene);
+        if (!result)
+            return result;
+        std::vector<std::shared_ptr<OssEvMesh>> meshes;
+        result = OssEvMeshScene::convert(std::move(scene), options, stem(path), &meshes, reading,
+                                         cancel);
+        if (!result)
+            return refused(path, result.error());
+        for (std::size_t i = 0; i < meshes.size() && result; ++i) {
+            if (told.isCancelled())
+                return refused(path, "it was stopped");
+            if (progress)
+                progress(ShareOfLibrary
+                         + (1.0 - ShareOfLibrary) * double(i) / double(meshes.size()));
+            result = complete(path, options, std::exchange(meshes[i], nullptr), &reading->parts[i]);
+        }
         return result;
     } catch (const std::exception &fault) {
         return refused(path, fault.what());
     }
+}
+
+OssEvResult OssEvMeshFile::read(const std::string &path, std::shared_ptr<const OssEvMesh> *mesh)
+{
+    Reading reading;
+    const OssEvResult result = read(path, {}, &reading);
+    if (!result)
+        return result;
+    const Part &whole = reading.parts.front();
+    if (!whole.mesh)
+        return refused(path, whole.report.front().text);
+    *mesh = whole.mesh;
+    return {};
+}
+
+const std::vector<std::string> &OssEvMeshFile::suffixes()
+{
+    static const std::vector<std::string> all{"obj", "fbx", "glb", "gltf", "ply", "stl"};
+    return all;
+}
+
+bool OssEvMeshFile::isMeshFile(const std::string &path)
+{
+    std::string suffix = std::filesystem::path(path).extension().string();
+    std::transform(suffix.begin(), suffix.end(), suffix.begin(),
+                   [](unsigned char c) { return char(std::tolower(c)); });
+    const std::vector<std::string> &all = suffixes();
+    return !suffix.empty() && std::find(all.begin(), all.end(), suffix.substr(1)) != all.end();
 }

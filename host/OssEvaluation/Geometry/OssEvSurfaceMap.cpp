@@ -18,13 +18,14 @@ struct Point
 };
 
 /// A value of the vertices as it changes across a triangle's texture coordinates.
+template <std::size_t N>
 struct Slope
 {
-    std::array<double, 3> origin{};
-    std::array<double, 3> alongU{};
-    std::array<double, 3> alongV{};
+    std::array<double, N> origin{};
+    std::array<double, N> alongU{};
+    std::array<double, N> alongV{};
 
-    Slope(const OssEvMesh &mesh, const std::vector<OssEvMesh::Vector3> &values, int triangle)
+    Slope(const OssEvMesh &mesh, const std::vector<std::array<float, N>> &values, int triangle)
     {
         const auto &corners = mesh.triangles[std::size_t(triangle)];
         const OssEvMesh::Vector2 &a = mesh.uvs[corners[0]];
@@ -36,7 +37,7 @@ struct Slope
         const double v2 = double(c[1]) - a[1];
         const double area = u1 * v2 - u2 * v1;
         const double factor = area != 0.0 ? 1.0 / area : 0.0;
-        for (std::size_t k = 0; k < 3; ++k) {
+        for (std::size_t k = 0; k < N; ++k) {
             const double first = values[corners[0]][k];
             const double d1 = values[corners[1]][k] - first;
             const double d2 = values[corners[2]][k] - first;
@@ -222,24 +223,25 @@ void OssEvSurfaceMap::nearestCovered(int x, int y, int *coveredX, int *coveredY)
     *coveredY = offset.x == NotCovered ? y : y + offset.y;
 }
 
+template <std::size_t N>
 void OssEvSurfaceMap::interpolate(int x, int y, int width,
-                                  const std::vector<OssEvMesh::Vector3> &values, float fallback,
-                                  const std::array<float *, 3> &to) const
+                                  const std::vector<std::array<float, N>> &values,
+                                  const std::array<float, N> &fallback,
+                                  const std::array<float *, N> &to) const
 {
     const int row = std::clamp(y, 0, m_frame.height - 1);
     const double columnOffset = OssEvPatch::column(m_frame.patch);
     const double rowOffset = OssEvPatch::row(m_frame.patch);
     int current = -1;
-    std::optional<Slope> slope;
+    std::optional<Slope<N>> slope;
     for (int i = 0; i < width; ++i) {
         int coveredX = 0;
         int coveredY = 0;
         nearestCovered(std::clamp(x + i, 0, m_frame.width - 1), row, &coveredX, &coveredY);
         const int triangle = faces()[index(coveredX, coveredY)];
         if (triangle < 0) {
-            to[0][i] = 0.0F;
-            to[1][i] = 0.0F;
-            to[2][i] = fallback;
+            for (std::size_t k = 0; k < N; ++k)
+                to[k][i] = fallback[k];
             continue;
         }
         if (triangle != current) {
@@ -248,19 +250,33 @@ void OssEvSurfaceMap::interpolate(int x, int y, int width,
         }
         const double u = (coveredX + 0.5) / m_frame.width + columnOffset;
         const double v = 1.0 - (coveredY + 0.5) / m_frame.height + rowOffset;
-        for (std::size_t k = 0; k < 3; ++k)
+        for (std::size_t k = 0; k < N; ++k)
             to[k][i] = float(slope->at(k, u, v));
     }
 }
 
 void OssEvSurfaceMap::positions(int x, int y, int width, const std::array<float *, 3> &to) const
 {
-    interpolate(x, y, width, m_mesh->positions, 0.0F, to);
+    interpolate(x, y, width, m_mesh->positions, {}, to);
+}
+
+void OssEvSurfaceMap::colors(int x, int y, int width, const std::array<float *, 4> &to) const
+{
+    if (!m_mesh->colors.empty()) {
+        interpolate(x, y, width, m_mesh->colors, {}, to);
+        return;
+    }
+    const int row = std::clamp(y, 0, m_frame.height - 1);
+    for (int i = 0; i < width; ++i) {
+        const bool isAnswered = face(std::clamp(x + i, 0, m_frame.width - 1), row) >= 0;
+        for (float *plane : to)
+            plane[i] = isAnswered ? 1.0F : 0.0F;
+    }
 }
 
 void OssEvSurfaceMap::normals(int x, int y, int width, const std::array<float *, 3> &to) const
 {
-    interpolate(x, y, width, m_mesh->normals, 1.0F, to);
+    interpolate(x, y, width, m_mesh->normals, {0.0F, 0.0F, 1.0F}, to);
     for (int i = 0; i < width; ++i) {
         const float length = std::sqrt(to[0][i] * to[0][i] + to[1][i] * to[1][i]
                                        + to[2][i] * to[2][i]);
@@ -280,7 +296,7 @@ void OssEvSurfaceMap::derivatives(int x, int y, std::array<double, 3> *alongU,
                               std::clamp(y, 0, m_frame.height - 1));
     if (triangle < 0)
         return;
-    const Slope slope(*m_mesh, m_mesh->positions, triangle);
+    const Slope<3> slope(*m_mesh, m_mesh->positions, triangle);
     *alongU = slope.alongU;
     *alongV = slope.alongV;
 }

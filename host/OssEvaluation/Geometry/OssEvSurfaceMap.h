@@ -57,6 +57,10 @@ public:
     /// Unit vectors in object space; (0, 0, 1) where no face answers.
     void normals(int x, int y, int width, const std::array<float *, 3> &to) const;
 
+    /// Of the vertices, not premultiplied; white where the mesh has none, transparent black where no
+    /// face answers.
+    void colors(int x, int y, int width, const std::array<float *, 4> &to) const;
+
     /// How position changes with u and v in the face that answers for a texel; zero without one.
     void derivatives(int x, int y, std::array<double, 3> *alongU,
                      std::array<double, 3> *alongV) const;
@@ -88,8 +92,9 @@ private:
     bool dilate(const OssEvCancel *cancel);
     void sweepRow(int y, int from, std::int16_t *vertical) const;
     void findNearest(int x, int y, const std::int16_t *vertical);
-    void interpolate(int x, int y, int width, const std::vector<OssEvMesh::Vector3> &values,
-                     float fallback, const std::array<float *, 3> &to) const;
+    template <std::size_t N>
+    void interpolate(int x, int y, int width, const std::vector<std::array<float, N>> &values,
+                     const std::array<float, N> &fallback, const std::array<float *, N> &to) const;
 
     std::shared_ptr<const OssEvMesh> m_mesh;
     OssEvFrame m_frame;

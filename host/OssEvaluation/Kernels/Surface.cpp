@@ -1,5 +1,5 @@
-// Kernels that tell of the mesh: position, normal, texture coordinates, curvature; and dilation,
-// which carries colours beyond the edges of charts.
+// Kernels that tell of the mesh: position, normal, texture coordinates, curvature, the colours of its
+// vertices, its materials; and dilation, which carries colours beyond the edges of charts.
 
 #include "OssEvaluation/Geometry/OssEvSurfaceMap.h"
 #include "OssEvaluation/Kernels/Families.h"
@@ -11,6 +11,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -174,6 +176,102 @@ void curvature(const OssEvStrip &strip, const CurvatureValues &values)
     }
 }
 
+struct VertexColorValues
+{
+    enum Output { Color, Alpha };
+
+    int output;
+    bool isDisplay;
+};
+
+float linear(float display)
+{
+    return display <= 0.04045F ? display / 12.92F : std::pow((display + 0.055F) / 1.055F, 2.4F);
+}
+
+void vertexColor(const OssEvStrip &strip, const VertexColorValues &values)
+{
+    const bool isAlpha = values.output == VertexColorValues::Alpha;
+    std::vector<float> row(std::size_t(strip.width) * 4, 1.0F);
+    const std::array<float *, 4> planes{row.data(), row.data() + strip.width,
+                                        row.data() + 2 * std::ptrdiff_t(strip.width),
+                                        row.data() + 3 * std::ptrdiff_t(strip.width)};
+    for (int y = 0; y < strip.rows; ++y) {
+        if (strip.surface != nullptr)
+            strip.surface->colors(strip.x, strip.y + y, strip.width, planes);
+        const std::ptrdiff_t offset = std::ptrdiff_t(y) * strip.width;
+        for (int x = 0; x < strip.width; ++x) {
+            // A point within the margin may lie beyond the face that answers for it.
+            const float alpha = std::clamp(planes[3][x], 0.0F, 1.0F);
+            if (isAlpha) {
+                strip.output[0][offset + x] = alpha;
+                continue;
+            }
+            for (std::size_t k = 0; k < 3; ++k) {
+                const float value = std::max(planes[k][x], 0.0F);
+                strip.output[k][offset + x] = (values.isDisplay ? linear(value) : value) * alpha;
+            }
+            strip.output[3][offset + x] = alpha;
+        }
+    }
+}
+
+struct MaterialValues
+{
+    enum Output { Color, Id, Mask };
+
+    int output;
+    int slot;         ///< of the mask; the first is 1
+    std::string name; ///< of the mask's slot; empty: by number
+};
+
+/// Colours that differ well from each other, the same for a number on any mesh.
+Vector materialColor(int slot)
+{
+    constexpr float GoldenShare = 0.618034F;
+    const float hue = 6.0F * std::fmod(float(slot) * GoldenShare, 1.0F);
+    const float value = slot % 2 == 0 ? 0.9F : 0.55F;
+    Vector color{};
+    for (std::size_t k = 0; k < 3; ++k) {
+        const float away = std::abs(std::fmod(hue + 6.0F - 2.0F * float(k), 6.0F) - 3.0F);
+        color[k] = value * std::clamp(away - 1.0F, 0.05F, 1.0F);
+    }
+    return color;
+}
+
+bool isMasked(const OssEvMesh *mesh, int slot, const MaterialValues &values)
+{
+    if (values.name.empty())
+        return slot + 1 == values.slot;
+    return mesh != nullptr && mesh->materialNames[std::size_t(slot)] == values.name;
+}
+
+void materialId(const OssEvStrip &strip, const MaterialValues &values)
+{
+    const OssEvMesh *mesh = strip.surface != nullptr ? &strip.surface->mesh() : nullptr;
+    const OssEvRegion inside = strip.frame.region();
+    std::size_t i = 0;
+    for (int y = 0; y < strip.rows; ++y) {
+        const int row = std::clamp(strip.y + y, 0, inside.height - 1);
+        for (int x = 0; x < strip.width; ++x, ++i) {
+            const int column = std::clamp(strip.x + x, 0, inside.width - 1);
+            const int face = mesh != nullptr ? strip.surface->face(column, row) : -1;
+            const bool isNowhere = mesh != nullptr && face < 0;
+            const int slot = face < 0 ? 0 : mesh->materials[std::size_t(face)];
+            if (values.output == MaterialValues::Mask) {
+                strip.output[0][i] = !isNowhere && isMasked(mesh, slot, values) ? 1.0F : 0.0F;
+            } else if (values.output == MaterialValues::Id) {
+                strip.output[0][i] = isNowhere ? 0.0F : float(slot + 1);
+            } else {
+                const Vector color = isNowhere ? Vector{} : materialColor(slot);
+                for (std::size_t k = 0; k < 3; ++k)
+                    strip.output[k][i] = color[k];
+                strip.output[3][i] = isNowhere ? 0.0F : 1.0F;
+            }
+        }
+    }
+}
+
 /// Texels without a face get the colour of the nearest texel that has one, whatever its alpha.
 class Dilate : public OssEvAreaOperation
 {
@@ -230,6 +328,28 @@ OssEvKernel surfaceKernel(const char *name, std::vector<OssEvKernelOutput> outpu
     return kernel;
 }
 
+/// What meshes carry along.
+void addMeshData(std::vector<OssEvKernel> *kernels)
+{
+    using namespace OssEvDescribe;
+    OssEvKernel colors = surfaceKernel("vertexColor", {{"Output", 4}, {"Alpha", 1}});
+    colors.parameters = {choice("Space", {"Linear", "sRGB"})};
+    colors.make = [](const OssEvKernelSetup &setup) {
+        return OssEvMakePoint(vertexColor,
+                              VertexColorValues{setup.output(), setup.integer("Space") == 1});
+    };
+    kernels->push_back(colors);
+
+    OssEvKernel materials = surfaceKernel("materialId",
+                                          {{"Output", 4}, {"Id", 1, true}, {"Mask", 1}});
+    materials.parameters = {integer("Slot", 1, 1, 9999), text("Material")};
+    materials.make = [](const OssEvKernelSetup &setup) {
+        return OssEvMakePoint(materialId, MaterialValues{setup.output(), setup.integer("Slot"),
+                                                         setup.text("Material")});
+    };
+    kernels->push_back(materials);
+}
+
 } // namespace
 
 void OssEvFamilies::addSurface(std::vector<OssEvKernel> *kernels)
@@ -265,6 +385,8 @@ void OssEvFamilies::addSurface(std::vector<OssEvKernel> *kernels)
                                               float(setup.real("Contrast"))});
     };
     kernels->push_back(bends);
+
+    addMeshData(kernels);
 
     OssEvKernel dilation = surfaceKernel("dilate", {{"Output", 0}});
     dilation.inputs = {{"Input", 0, true}};

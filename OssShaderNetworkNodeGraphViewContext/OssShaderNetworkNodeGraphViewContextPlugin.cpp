@@ -165,8 +165,22 @@ void OssShaderNetworkNodeGraphViewContextPlugin::forward(const QString &title, C
     }
     view->interruptGesture();
     OssApplication::takeTyped();
-    const OssUndoManager::Gathering gathering(title);
-    call(view);
+    OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
+    bool changed = false;
+    bool told = false;
+    const auto recording = connect(OssUndoManager::instance(), &OssUndoManager::recorded, this,
+                                   [&changed] { changed = true; });
+    const auto telling = connect(networks, &OssShaderNetworkManager::nodeGraphIsManuallyChanged,
+                                 this, [&told] { told = true; });
+    {
+        const OssUndoManager::Gathering gathering(title);
+        call(view);
+    }
+    disconnect(recording);
+    disconnect(telling);
+    // Commands that are told of in the midst of their work tell of it themselves.
+    if (changed && !told)
+        networks->emitNodeGraphIsManuallyChanged();
 }
 
 template <class Call>

@@ -182,6 +182,7 @@ public Q_SLOTS:
 
 Q_SIGNALS:
     void nodeDoubleClicked(OssSnBaseNode *node);
+    // By a command of the view
     void nodeAdded(OssSnBaseNode *Node);
     void nodeRemoved(OssSnBaseNode *Node);
 
@@ -209,6 +210,7 @@ private:
     // With a debug line when there is none.
     bool hasNetwork() const;
     bool hasScene() const;
+    void tellOfRemoval(const QList<OssSnBaseNode *> &nodes);
     /// Empty, and told, when there is none.
     QList<OssSnBaseNode *> selectionToBakeAround() const;
     /// One line for the status bar, where nothing in the graph shows what a command did or why it

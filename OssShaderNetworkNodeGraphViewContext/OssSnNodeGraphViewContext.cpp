@@ -321,7 +321,6 @@ void OssSnNodeGraphViewContext::takePlaceOf(const OssSnBaseContext *other)
     m_GuiNode->setLabelsVisible(view->m_GuiNode->labelsVisible());
     if (qobject_cast<const OssNgBackdropNode *>(view->m_GuiNode.get()))
         setNodeSize(view->nodeSize());
-    setNodePosition(view->nodePosition());
 }
 
 void OssSnNodeGraphViewContext::onGuiNodePosChanged(QPointF)

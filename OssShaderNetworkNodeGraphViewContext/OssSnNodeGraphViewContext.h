@@ -216,7 +216,8 @@ protected Q_SLOTS:
     void onViewerAttachedToNode(int InputNumber = 1);
     /// Only for a viewer: lights the wire that is looked at.
     void onViewerNodeCurrentEdgeChanged(int edge);
-    /// Only for a viewer: the wire at its input 0 is the application's.
+    /// Only for a viewer: the wire at its input 0 is the application's, and the input bears the name of
+    /// what is looked at.
     void updateViewerNodeVirtualEdge();
     /// Fresh multi-channel nodes list their ports as the preference says.
     void onNewNodeAdded();
@@ -268,7 +269,7 @@ private:
     void connectNodePlacement();
     void connectGui();
     void attachInputEdge(const OssSnBaseNode::InputPort &port);
-    void updateViewerInputText(const QString &inputName, const OssSnBaseNode *source);
+    QString viewerInputText() const;
     void activateViewerEdge(int edge);
 
     std::shared_ptr<OssNgNode> m_GuiNode;

@@ -347,7 +347,9 @@ void OssSnNodeGraphViewContextManager::onAfterShaderNetworkEndCollection(OssShad
 
 void OssSnNodeGraphViewContextManager::onContextInitialised(OssSnNodeGraphViewContext *context)
 {
-    Q_EMIT contextInitialised(context);
+    const OssSnBaseNode *node = context->parentNode();
+    if (node && context->guiNode())
+        context->guiNode()->setGuiActive(node->isGuiActive()); // told before there was an item
 }
 
 void OssSnNodeGraphViewContextManager::onGroupPortNodeMoved(OssShaderNetwork *network, bool input)

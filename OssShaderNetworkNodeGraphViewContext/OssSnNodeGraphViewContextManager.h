@@ -263,7 +263,6 @@ Q_SIGNALS:
     void shakeToExtractShakesChanged(int Shakes);
     void shakeToExtractTimeChanged(int Time);
     void numberOfLastUsedNodePathsToStoreChanged(int Count);
-    void contextInitialised(OssSnNodeGraphViewContext *context);
 
 private:
     OssSnNodeGraphViewContextManager();

@@ -333,6 +333,40 @@ class Node(Object):
         """Bakes what feeds a bake point into its images."""
     def upgrade(self) -> list[str]:
         """Makes the node one of its type as it is installed now. What could not be kept is returned."""
+    def goTo(self) -> None:
+        """Brings the user to the node: its graph is shown, the node selected and framed."""
+    @overload
+    def showProperties(self, after: Node, before: Node) -> None:
+        """Opens the node's panel; below that of another node, or above it."""
+    @overload
+    def showProperties(self, after: Node) -> None: ...
+    @overload
+    def showProperties(self) -> None: ...
+    @overload
+    def lookAt(self, input: int) -> None:
+        """Wires the viewer to the node, at an input or the one that is looked at."""
+    @overload
+    def lookAt(self) -> None: ...
+    def matchPosition(self, other: Node) -> None:
+        """Moves the node onto another one."""
+    def isInputEnabled(self, input: str) -> bool:
+        """Whether what comes to an input is used."""
+    def setInputEnabled(self, input: str, enabled: bool) -> None:
+        """Has what comes to an input be used or not; the wire stays."""
+    def isInputShared(self, input: str) -> bool:
+        """Whether an input of a multi-channel node belongs to all its streams."""
+    def markDependencies(self) -> dict[str, Any]:
+        """Marks in the graph what computes the node, the dearer the redder, and returns it with milliseconds for a patch of 2048."""
+    def renameKnob(self, knob: str, name: str) -> str:
+        """Gives a knob of a group another name and returns the one it got."""
+    def reorderInputs(self, names: list[str]) -> None:
+        """Puts the inputs into another order; all of them must be named."""
+    def reorderOutputs(self, names: list[str]) -> None:
+        """Puts the outputs into another order; all of them must be named."""
+    def orderPortsByPosition(self) -> None:
+        """Orders a group's ports as their nodes lie inside."""
+    def arrangeInputsByOrder(self) -> None:
+        """Arranges the nodes inside a group as its inputs are ordered."""
     renamed: Signal  # renamed(name: str)
     attributeChanged: Signal  # attributeChanged(name: str)
     inputChanged: Signal  # inputChanged(input: str)
@@ -419,6 +453,8 @@ class Undo(Object):
         """Steps that were recorded before the running script."""
     def texts(self) -> list[str]:
         """Titles of the steps, the oldest first."""
+    def nodes(self, step: int) -> list[Node]:
+        """The nodes that a step changes and that are still in a graph."""
     def undo(self) -> None:
         """Takes the last step back, also one of this script's."""
     def redo(self) -> None:
@@ -471,6 +507,8 @@ class NodeGraphView(Object):
         """Shows a place of the scene in the middle."""
     def posFromGlobalPos(self, GlobalPos: Point) -> Point:
         """From the screen to the scene."""
+    nodeAdded: Signal  # nodeAdded(name: str)
+    nodeRemoved: Signal  # nodeRemoved(name: str)
 
 application: Application
 version: str

@@ -1,5 +1,6 @@
 #include "OssSnNodeGraphViewContext.h"
 
+#include "OssModel/Evaluation/OssDependencyMarks.h"
 #include "OssModel/Types/OssSnNodeType.h"
 
 #include <algorithm>
@@ -56,6 +57,10 @@ QString inputHelp(const OssSnBaseNode *node, const QString &name)
     if (!input)
         return {};
     QString text = OssSnNodeGraphViewContext::tr("Input, %1").arg(kindText(input->kind));
+    if (!input->enabled)
+        text += QLatin1Char('\n') + OssSnNodeGraphViewContext::tr("switched off");
+    if (input->shared)
+        text += QLatin1Char('\n') + OssSnNodeGraphViewContext::tr("of all streams");
     if (input->source)
         text += QLatin1Char('\n')
                 + OssSnNodeGraphViewContext::tr("from %1").arg(
@@ -89,7 +94,12 @@ QString outputHelp(const OssSnBaseNode *node, const QString &name)
 QString OssSnNodeGraphViewContext::nodeHelp() const
 {
     const OssSnBaseNode *node = parentNode();
-    return node && node->nodeType() ? node->nodeType()->description : QString();
+    if (!node)
+        return {};
+    QStringList lines{node->nodeType() ? node->nodeType()->description : QString(),
+                      OssDependencyMarks::instance()->shareOf(node)};
+    lines.removeAll(QString());
+    return lines.join(QLatin1Char('\n'));
 }
 
 QString OssSnNodeGraphViewContext::portHelp(const QString &port, bool isInput) const

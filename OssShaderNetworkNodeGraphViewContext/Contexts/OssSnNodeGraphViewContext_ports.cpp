@@ -296,8 +296,8 @@ void OssSnNodeGraphViewContext::updateGuiEdges()
     for (const OssSnBaseNode::InputPort &port : node->inputPorts()) {
         attachInputEdge(port);
         connected = connected || port.source;
-        if (isViewer())
-            updateViewerInputText(port.name, port.source);
+        if (isViewer() && port.name == QLatin1String("0"))
+            updateViewerNodeVirtualEdge();
     }
     for (const OssSnBaseNode::OutputPoint &point : node->outputPoints())
         m_GuiNode->setOutputUsed(point.name, node->isOutputUsed(point.name));
@@ -322,24 +322,22 @@ void OssSnNodeGraphViewContext::onParentNodeInputChange(QString inputName, OssSn
     if (extended && extended->isInputInCluster(inputName))
         extended->refreshCluster(inputName);
     if (isViewer()) {
-        updateViewerInputText(inputName, node->inputNode(inputName));
+        if (inputName == QLatin1String("0"))
+            updateViewerNodeVirtualEdge();
         if (node->network())
             activateViewerEdge(node->network()->rootNetwork()->viewerNodeCurrentEdge());
     }
 }
 
-void OssSnNodeGraphViewContext::updateViewerInputText(const QString &inputName,
-                                                      const OssSnBaseNode *source)
+QString OssSnNodeGraphViewContext::viewerInputText() const
 {
-    if (inputName != QLatin1String("0"))
-        return;
-    updateViewerNodeVirtualEdge();
-    QString text = inputName;
-    if (source && source->hasTag(OssSnTags::currentMaterialProxy()))
-        text = QStringLiteral("0:Current Material");
-    else if (source)
-        text = QStringLiteral("0:%1").arg(source->name());
-    m_GuiNode->setInputPortText(inputName, text);
+    const QString input = QStringLiteral("0");
+    const OssSnBaseNode *source = parentNode()->inputNode(input);
+    if (!source)
+        return input;
+    return source->hasTag(OssSnTags::currentMaterialProxy())
+               ? QStringLiteral("0:Current Material")
+               : QStringLiteral("0:%1").arg(source->name());
 }
 
 void OssSnNodeGraphViewContext::onParentNodeDetachOutput(QString outputPointName)

@@ -197,6 +197,7 @@ void OssSnNodeGraphViewContext::onGuiNodeInputChange(OssNgNode *newInput, QStrin
     } else if (!newInput) {
         OssShaderNetworkUtils::setInputNodeBatchConnectable(parentNode(), inputName, nullptr, {},
                                                             true, true, true, false);
+        OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
     }
 }
 
@@ -216,8 +217,11 @@ void OssSnNodeGraphViewContext::connectInputFromGui(OssSnBaseNode *source, const
         return;
     }
     const OssUndoManager::AutoMacro macro(tr("Connect %1").arg(node->name()));
-    OssShaderNetworkUtils::setInputNodeBatchConnectable(node, inputName, source, outputPointName,
-                                                        true, true, true, false);
+    const bool connected = OssShaderNetworkUtils::setInputNodeBatchConnectable(
+        node, inputName, source, outputPointName, true, true, true, false);
+    if (!connected)
+        return;
+    OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
 }
 
 void OssSnNodeGraphViewContext::onDotableMarkerClicked(OssNgEdge *edge)
@@ -228,6 +232,7 @@ void OssSnNodeGraphViewContext::onDotableMarkerClicked(OssNgEdge *edge)
     OssUndoManager::AutoMacro macro(tr("Add dot node in edge"));
     view->createUnconnectedDotNode(edge);
     view->viewport()->update();
+    OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
 }
 
 // --- the viewer
@@ -261,6 +266,8 @@ void OssSnNodeGraphViewContext::updateViewerNodeVirtualEdge()
 {
     if (!m_GuiNode || !isViewer())
         return;
-    m_GuiNode->setVirtualInput(QStringLiteral("0"), true);
+    const QString input = QStringLiteral("0");
+    m_GuiNode->setVirtualInput(input, true);
     m_GuiNode->updateVirtualInputEdge();
+    m_GuiNode->setInputPortText(input, viewerInputText());
 }

@@ -3,6 +3,7 @@
 #include "Manager/ImageNodeTypes.h"
 #include "Manager/SelectionCommands.h"
 #include "Manager/SoloLook.h"
+#include "Manager/WireCommands.h"
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Program/OssIcon.h"
 #include "OssCore/Program/OssResourceInfo.h"
@@ -77,6 +78,7 @@ void OssSnNodeGraphViewContextManager::createActions()
     createImageActions();
     createShakeAction();
     new SoloLook(this); // owned
+    new WireCommands(this);
 }
 
 void OssSnNodeGraphViewContextManager::createLayoutAction()
@@ -251,6 +253,7 @@ void OssSnNodeGraphViewContextManager::focusOnNode(OssSnBaseNode *Node)
     view->scene()->clearSelection();
     Node->setSelected(true);
     view->frameSelectedNodes();
+    view->flashNode(guiNodeOf(Node));
 }
 
 void OssSnNodeGraphViewContextManager::matchNodePosition(OssSnBaseNode *From, OssSnBaseNode *To)

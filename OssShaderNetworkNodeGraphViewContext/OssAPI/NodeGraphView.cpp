@@ -1,6 +1,7 @@
 #include "OssAPI/NodeGraphView.h"
 
 #include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssScriptObjects/OssaNodeGraph.h"
 #include "OssScriptObjects/OssScriptError.h"
 #include "OssScriptObjects/OssScriptManager.h"
@@ -19,12 +20,19 @@ constexpr float LargestZoom = 1e4F;
 
 NodeGraphView::NodeGraphView(QObject *internal)
 {
-    if (qobject_cast<QGraphicsView *>(internal))
+    if (qobject_cast<QGraphicsView *>(internal)) {
         initAPI(internal);
-    else
+        if (const auto *shown = qobject_cast<OssShaderNetworkView *>(internal)) {
+            connect(shown, &OssShaderNetworkView::nodeAdded, this,
+                    [this](const OssSnBaseNode *node) { Q_EMIT nodeAdded(node->name()); });
+            connect(shown, &OssShaderNetworkView::nodeRemoved, this,
+                    [this](const OssSnBaseNode *node) { Q_EMIT nodeRemoved(node->name()); });
+        }
+    } else {
         OssScriptError(OssScriptException::ObjectUnavailable, __FILE__, __LINE__,
                        "Invalid QGraphicsView object passed to %s().",
                        "Ossa::NodeGraphView::NodeGraphView");
+    }
 }
 
 NodeGraphView::~NodeGraphView() = default;

@@ -41,6 +41,11 @@ public Q_SLOTS:
     /// From the screen to the scene.
     QPointF posFromGlobalPos(QPoint GlobalPos) const;
 
+Q_SIGNALS:
+    /// The user made or removed a node in the view; of its name.
+    void nodeAdded(const QString &name);
+    void nodeRemoved(const QString &name);
+
 private:
     /// Null, and reported, when it is gone or another kind of view.
     OssShaderNetworkView *view() const;

@@ -87,6 +87,7 @@ void OssShaderNetworkView::deleteSelectedNodes()
         nodes.isEmpty() && !wires.isEmpty() ? tr("Cut connections") : tr("Remove Selected Nodes"));
     const OssLayerRefreshSuspensionManager::RefreshStateSuspender suspender;
     m_network->removeNodes(nodes);
+    tellOfRemoval(nodes.values());
     for (const WireEnd &wire : wires) {
         if (wire.destination && wire.destination->input(wire.input))
             Q_EMIT wire.destination->inputSourceChanged(nullptr, wire.input, QString());
@@ -102,6 +103,16 @@ void OssShaderNetworkView::deleteAllNodes()
     const QList<OssSnBaseNode *> nodes = m_network->nodes();
     for (OssSnBaseNode *node : nodes)
         node->network()->removeNode(node, true, true);
+    tellOfRemoval(nodes);
+    tellOfChange();
+}
+
+void OssShaderNetworkView::tellOfRemoval(const QList<OssSnBaseNode *> &nodes)
+{
+    for (OssSnBaseNode *node : nodes) {
+        if (!node->network())
+            Q_EMIT nodeRemoved(node);
+    }
 }
 
 void OssShaderNetworkView::extractSelectedNode()

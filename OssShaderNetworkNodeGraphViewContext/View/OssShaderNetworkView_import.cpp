@@ -14,7 +14,7 @@
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Types/OssNodeSuffixes.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
-#include "OssSnGroupNodeGraphViewContext.h"
+#include "OssSnNodeGraphViewContext.h"
 #include "OssSnNodeGraphViewContextManager.h"
 
 // Finding what to look at, node files, and telling about nodes.
@@ -38,13 +38,10 @@ void OssShaderNetworkView::searchNodesAction()
     if (!node)
         return;
     const OssUndoManager::AutoMacro macro(tr("Focus on %1").arg(node->name()));
+    if (dialog.wantsProperties())
+        OssShaderNetworkManager::instance()->requestProperties(node);
     if (node->network() != m_network) {
-        // In a group: its own tab shows it, which may not be open.
-        auto *around = qobject_cast<OssSnGroupNodeGraphViewContext *>(
-            OssSnNodeGraphViewContextManager::contextOf(node->network()->parentGroupNode()));
-        if (around)
-            around->showGroupNodeTab();
-        OssShaderNetworkManager::instance()->requestFocus(node);
+        OssShaderNetworkManager::instance()->goToNode(node); // it is in a group
         return;
     }
     scene()->clearSelection();
@@ -54,6 +51,7 @@ void OssShaderNetworkView::searchNodesAction()
     else
         node->setSelected(true);
     frameSelectedNodes();
+    flashNode(item);
 }
 
 // --- files
@@ -174,10 +172,12 @@ void OssShaderNetworkView::dumpSelectedNodeInfo()
 {
     if (!hasNetwork())
         return;
+    QStringList dumps;
     const QList<OssSnBaseNode *> nodes = m_network->selectedNodes();
-    OssDebug(Source, __LINE__, "Dump Selected Shader Node Info");
     for (const OssSnBaseNode *node : nodes)
-        OssDebug(Source, __LINE__, "%s", qPrintable(node->dumpNodeInfo()));
+        dumps.append(node->dumpNodeInfo());
+    OssDebugTitle(Source, __LINE__, "Dump Selected Shader Node Info", "%s",
+                  qPrintable(dumps.join(QLatin1Char('\n'))));
 }
 
 void OssShaderNetworkView::dumpNodeUIAction()

@@ -15,6 +15,15 @@ namespace {
 
 constexpr const char *Source = "OssShaderNetworkView";
 
+/// A line for each.
+QString pathsOf(const QList<OssSnBaseNode *> &nodes)
+{
+    QStringList paths;
+    for (const OssSnBaseNode *node : nodes)
+        paths.append(node->path());
+    return paths.join(QLatin1Char('\n'));
+}
+
 } // namespace
 
 void OssShaderNetworkView::openNodeProperties()
@@ -71,13 +80,14 @@ void OssShaderNetworkView::upgradeSelectedNodeInfo()
 {
     if (!hasNetwork())
         return;
-    OssDebug(Source, __LINE__, "Upgrade Selected Shader Node Info");
     QList<OssSnBaseNode *> selected;
     const QList<OssSnBaseNode *> nodes = m_network->getAllNodes();
     for (OssSnBaseNode *node : nodes) {
         if (node->selected())
             selected.append(node);
     }
+    OssDebugTitle(Source, __LINE__, "Upgrade Selected Shader Node Info", "%s",
+                  qPrintable(pathsOf(selected)));
     upgradeNodeInfo(selected);
 }
 
@@ -85,8 +95,10 @@ void OssShaderNetworkView::upgradeAllNodeInfo()
 {
     if (!hasNetwork())
         return;
-    OssDebug(Source, __LINE__, "Upgrade All Shader Node Info");
-    upgradeNodeInfo(m_network->getAllNodes());
+    const QList<OssSnBaseNode *> nodes = m_network->getAllNodes();
+    OssDebugTitle(Source, __LINE__, "Upgrade All Shader Node Info", "%s",
+                  qPrintable(pathsOf(nodes)));
+    upgradeNodeInfo(nodes);
 }
 
 void OssShaderNetworkView::upgradeNodeInfo(QList<OssSnBaseNode *> Nodes)

@@ -1,9 +1,11 @@
 #include "OssModel/OssModelServices.h"
 
 #include "OssCore/OssCoreServices.h"
+#include "OssModel/Evaluation/OssDependencyMarks.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Evaluation/OssSolo.h"
 #include "OssModel/Export/OssExportManager.h"
+#include "OssModel/Evaluation/OssViewedNode.h"
 #include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Images/OssFileWatch.h"
@@ -40,6 +42,8 @@ struct OssModelServices::Services
     OssProjectManager projects;
     OssExportManager exports;
     OssSolo solo;
+    OssViewedNode viewed;
+    OssDependencyMarks dependencies;
 };
 
 OssModelServices::OssModelServices()

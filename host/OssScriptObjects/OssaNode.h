@@ -10,6 +10,7 @@
 
 class OssSnBaseContext;
 class OssSnBaseNode;
+class OssSnGroupNode;
 
 namespace Ossa {
 
@@ -68,6 +69,25 @@ class OSSSCRIPTOBJECTS_EXPORT Node : public API
     Q_CLASSINFO("bake", "Writes a file for each patch and returns their paths. \"<UDIM>\" in the "
                         "path stands for the patch; without patches all are written.")
     Q_CLASSINFO("bakeImageSet", "Bakes what feeds a bake point into its images.")
+    Q_CLASSINFO("goTo",
+                "Brings the user to the node: its graph is shown, the node selected and framed.")
+    Q_CLASSINFO("showProperties",
+                "Opens the node's panel; below that of another node, or above it.")
+    Q_CLASSINFO("lookAt", "Wires the viewer to the node, at an input or the one that is looked at.")
+    Q_CLASSINFO("matchPosition", "Moves the node onto another one.")
+    Q_CLASSINFO("isInputEnabled", "Whether what comes to an input is used.")
+    Q_CLASSINFO("setInputEnabled", "Has what comes to an input be used or not; the wire stays.")
+    Q_CLASSINFO("isInputShared",
+                "Whether an input of a multi-channel node belongs to all its streams.")
+    Q_CLASSINFO("markDependencies",
+                "Marks in the graph what computes the node, the dearer the redder, "
+                "and returns it with milliseconds for a patch of 2048.")
+    Q_CLASSINFO("renameKnob", "Gives a knob of a group another name and returns the one it got.")
+    Q_CLASSINFO("reorderInputs", "Puts the inputs into another order; all of them must be named.")
+    Q_CLASSINFO("reorderOutputs", "Puts the outputs into another order; all of them must be named.")
+    Q_CLASSINFO("orderPortsByPosition", "Orders a group's ports as their nodes lie inside.")
+    Q_CLASSINFO("arrangeInputsByOrder",
+                "Arranges the nodes inside a group as its inputs are ordered.")
     Q_CLASSINFO("upgrade", "Makes the node one of its type as it is installed now. What could not "
                            "be kept is returned.")
 
@@ -130,6 +150,20 @@ public Q_SLOTS:
     void bakeImageSet();
     QStringList upgrade();
 
+    void goTo() const;
+    void showProperties(Node *after = nullptr, Node *before = nullptr) const;
+    void lookAt(int input = 0) const;
+    void matchPosition(Node *other) const;
+    bool isInputEnabled(const QString &input) const;
+    void setInputEnabled(const QString &input, bool enabled);
+    bool isInputShared(const QString &input) const;
+    QVariantMap markDependencies() const;
+    QString renameKnob(const QString &knob, const QString &name);
+    void reorderInputs(const QStringList &names);
+    void reorderOutputs(const QStringList &names);
+    void orderPortsByPosition();
+    void arrangeInputsByOrder();
+
 Q_SIGNALS:
     void renamed(const QString &name);
     void attributeChanged(const QString &name);
@@ -142,6 +176,8 @@ private:
     /// The same for who changes it: null, and reported, when the attribute is locked.
     OssSnBaseNode *nodeToEdit(const QString &name) const;
     OssSnBaseContext *view() const;
+    /// Null, and reported, when the node is no group.
+    OssSnGroupNode *group() const;
 };
 
 } // namespace Ossa

@@ -1,7 +1,10 @@
 #include "OssScriptObjects/OssaUndo.h"
 
 #include "OssCore/Undo/OssUndoManager.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssScriptObjects/OssaNode.h"
 #include "OssScriptObjects/OssScriptManager.h"
+#include "OssScriptObjects/OssScriptObjects.h"
 
 namespace Ossa {
 
@@ -25,6 +28,23 @@ QStringList Undo::texts() const
     for (int i = 0; own && i < own->count(); ++i)
         titles.append(own->text(i));
     return titles;
+}
+
+QList<Node *> Undo::nodes(int step) const
+{
+    QList<OssSnBaseNode *> found;
+    const auto *own = wrapped<OssUndoManager>();
+    if (own && (step < 0 || step >= own->count())) {
+        fail(OssScriptException::OutOfRange, QStringLiteral("There is no step %1").arg(step));
+        return {};
+    }
+    const QList<QObject *> subjects = own ? own->subjects(step) : QList<QObject *>();
+    for (QObject *subject : subjects) {
+        auto *node = qobject_cast<OssSnBaseNode *>(subject);
+        if (node && node->network())
+            found.append(node);
+    }
+    return OssScriptObjectList<Node>(found);
 }
 
 bool Undo::mayMove()

@@ -3,9 +3,12 @@
 #include "OssScriptObjects/OssaAPI.h"
 #include "OssScriptObjects/OssScriptObjects_export.h"
 
+#include <QList>
 #include <QStringList>
 
 namespace Ossa {
+
+class Node;
 
 /// The history for scripts.
 class OSSSCRIPTOBJECTS_EXPORT Undo : public API
@@ -15,6 +18,7 @@ class OSSSCRIPTOBJECTS_EXPORT Undo : public API
     Q_PROPERTY(int count READ count)
     Q_CLASSINFO("count", "Steps that were recorded before the running script.")
     Q_CLASSINFO("texts", "Titles of the steps, the oldest first.")
+    Q_CLASSINFO("nodes", "The nodes that a step changes and that are still in a graph.")
     Q_CLASSINFO("undo", "Takes the last step back, also one of this script's.")
     Q_CLASSINFO("redo", "Does again what was undone last.")
     Q_CLASSINFO("begin", "Opens a macro; undoMacro() does it for a with statement.")
@@ -28,6 +32,7 @@ public:
 
 public Q_SLOTS:
     QStringList texts() const;
+    QList<Node *> nodes(int step) const;
     void undo();
     void redo();
     void begin(const QString &title);

@@ -203,6 +203,30 @@ TEST_F(UndoTest, whatHappensInAPauseIsNotRecorded)
     EXPECT_EQ(m_undo->count(), 1);
 }
 
+TEST_F(UndoTest, aStepTellsWhatItChangesAsLongAsThatLives)
+{
+    const auto record = [this](QObject *subject) {
+        m_undo->record(
+            text("x"), [] {}, [] {}, subject);
+    };
+    QObject first;
+    auto second = std::make_unique<QObject>();
+    {
+        const OssUndoManager::AutoMacro macro(text("both"));
+        record(&first);
+        record(second.get());
+        record(nullptr);
+        record(&first);
+    }
+    record(nullptr);
+    EXPECT_EQ(m_undo->subjects(0), (QList<QObject *>{&first, second.get()}));
+    EXPECT_TRUE(m_undo->subjects(1).isEmpty());
+    second.reset();
+    EXPECT_EQ(m_undo->subjects(0), QList<QObject *>{&first});
+    EXPECT_TRUE(m_undo->subjects(-1).isEmpty());
+    EXPECT_TRUE(m_undo->subjects(2).isEmpty());
+}
+
 /// Knows whether it is still there.
 class CountedStep : public OssUndoStep
 {

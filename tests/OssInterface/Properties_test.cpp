@@ -3,12 +3,15 @@
 #include "OssInterface/Widgets/OssExpandableListHeading.h"
 #include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
 #include "PropertiesFixture.h"
+#include "support/DialogAnswers.h"
 
 #include <QAbstractItemView>
 #include <QAccessible>
 #include <QCheckBox>
 #include <QClipboard>
 #include <QComboBox>
+#include <QInputDialog>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QSignalSpy>
 
@@ -371,6 +374,22 @@ TEST_F(Properties, panelFollowsTheNodeAndOutlivesIt)
     m_panel->pasteValues();
     m_panel->resetValues();
     EXPECT_EQ(undoCount(), 0);
+}
+
+TEST_F(PropertyKnobs, aKnobIsRenamedByItsRow)
+{
+    const OssNodePropertyPanel panel(m_group, {}, nullptr);
+    OssPropertyRow *row = panel.row(text("Radius"));
+    const QKeyEvent key(QEvent::KeyPress, Qt::Key_F2, Qt::NoModifier);
+    whenOpen<QInputDialog>([](QInputDialog *dialog) {
+        dialog->setTextValue(text("Softness"));
+        dialog->accept();
+    });
+    EXPECT_TRUE(row->takeKey(&key));
+    EXPECT_FALSE(m_group->exists(text("Radius")));
+    EXPECT_TRUE(m_group->isKnob(text("Softness")));
+    const OssNodePropertyPanel inner(m_first, {}, nullptr);
+    EXPECT_FALSE(inner.row(text("Radius"))->takeKey(&key)) << "no knob";
 }
 
 TEST_F(PropertyKnobs, bothSidesTellOfEachOtherAsLinksComeAndBreak)

@@ -302,4 +302,55 @@ TEST_F(Knobs, choicesFromDifferentListsAreNotLinked)
     EXPECT_EQ(m_project->stateHash(), before);
 }
 
+TEST_F(Knobs, renamedOneKeepsItsPlaceItsLinksAndThoseOfKnobsAround)
+{
+    const QString knob = m_group->createKnob(m_first, Radius);
+    ASSERT_TRUE(m_group->addKnobLink(knob, m_second, Radius));
+    m_group->createKnob(m_first, QStringLiteral("Quality"));
+    OssSnGroupNode *outer = m_network->groupNodes({m_group});
+    const QString above = outer->createKnob(m_group, knob);
+    const QStringList order = m_group->userAttributeNames();
+    OssUndoManager::instance()->clear();
+    const QByteArray start = m_project->stateHash();
+    QStringList told;
+    QObject::connect(m_group, &OssSnBaseNode::nodeAttributeRenamed, m_group,
+                     [&told](const QString &before, const QString &after) {
+                         told.append(before + QLatin1Char('>') + after);
+                     });
+
+    const QString got = m_group->renameKnob(knob, QStringLiteral("  Soft/ness "));
+    EXPECT_EQ(got, QStringLiteral("Soft_ness"));
+    EXPECT_EQ(m_group->userAttribute(got).prettyName(), QStringLiteral("Soft/ness"));
+    EXPECT_EQ(m_group->userAttributeNames().indexOf(got), order.indexOf(knob));
+    EXPECT_FALSE(m_group->exists(knob));
+    EXPECT_EQ(told, QStringList(QStringLiteral("Radius>Soft_ness")));
+    outer->setAttribute(above, 17.0);
+    EXPECT_EQ(valueOf(m_first), 17.0);
+    EXPECT_EQ(valueOf(m_second), 17.0);
+    EXPECT_EQ(valueOf(m_group, got), 17.0);
+    EXPECT_EQ(undoCount(), 2);
+    expectUndoIsExact(start);
+    undoAll();
+    EXPECT_EQ(told.last(), QStringLiteral("Soft_ness>Radius"));
+    outer->setAttribute(above, 4.0);
+    EXPECT_EQ(valueOf(m_second), 4.0);
+}
+
+TEST_F(Knobs, renamingGivesFreeNamesAndLeavesAloneWhatIsNoKnob)
+{
+    const QString knob = m_group->createKnob(m_first, Radius);
+    const QString other = m_group->createKnob(m_second, Radius);
+    EXPECT_EQ(m_group->renameKnob(other, knob), QStringLiteral("Radius_2")); // taken: what it had
+    EXPECT_EQ(m_group->userAttribute(other).prettyName(), knob);
+    EXPECT_EQ(m_group->renameKnob(other, QStringLiteral("__Wide")), QStringLiteral("Wide"));
+    EXPECT_EQ(m_group->renameKnob(QStringLiteral("Wide"), QStringLiteral("_")),
+              QStringLiteral("Knob"));
+    EXPECT_TRUE(m_group->renameKnob(knob, QStringLiteral("  ")).isEmpty());
+    EXPECT_TRUE(m_group->renameKnob(QStringLiteral("None"), QStringLiteral("A")).isEmpty());
+    EXPECT_TRUE(m_group->exists(knob));
+    const int steps = undoCount();
+    EXPECT_EQ(m_group->renameKnob(knob, m_group->userAttribute(knob).prettyName()), knob);
+    EXPECT_EQ(undoCount(), steps) << "the name that it has";
+}
+
 } // namespace

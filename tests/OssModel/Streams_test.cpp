@@ -273,4 +273,40 @@ TEST_F(Teleports, oneMoreReceiverIsNoMatterToTheOthers)
         EXPECT_LE(spy->count(), 2);
 }
 
+TEST_F(Streams, inputsThatBelongToAllStreamsAreSharedAlsoAfterSavingAndUndoing)
+{
+    EXPECT_EQ(m_merge->sharedInputNames(), QStringList{text("Mask")});
+    EXPECT_TRUE(m_material->sharedInputNames().isEmpty());
+    m_merge->createInput(text("Extra"), OssSnDataKind::Scalar);
+    EXPECT_EQ(m_merge->sharedInputNames(), QStringList({text("Mask"), text("Extra")}));
+    OssUndoManager::instance()->undo();
+    OssUndoManager::instance()->redo();
+    EXPECT_EQ(m_merge->sharedInputNames(), QStringList({text("Mask"), text("Extra")}));
+    m_merge->renameInput(text("Extra"), text("More"));
+    EXPECT_EQ(m_merge->sharedInputNames(), QStringList({text("Mask"), text("More")}));
+
+    QTemporaryDir folder;
+    const QString name = m_merge->name();
+    OssProjectManager *projects = OssProjectManager::instance();
+    ASSERT_TRUE(projects->saveProjectAs(folder.filePath(text("S.ossa"))));
+    ASSERT_TRUE(projects->openProject(folder.filePath(text("S.ossa"))));
+    const OssSnBaseNode *read =
+        projects->currentProject()->shadingGroups().first()->network()->node(name);
+    EXPECT_EQ(read->sharedInputNames(), QStringList({text("Mask"), text("More")}));
+}
+
+TEST_F(Streams, aNodeThatLacksAPortOfItsStreamsIsNotClustered)
+{
+    QSignalSpy cleared(m_merge, &OssSnGroupNode::clearPortClusters);
+    QSignalSpy updated(m_merge, &OssSnGroupNode::updatePortClusters);
+    const QString lost = OssLayerStreamUtils::baseInputName(
+        m_merge->shaderModel()->inputList().first());
+    m_merge->removeInput(lost);
+    EXPECT_EQ(cleared.count(), 1);
+    EXPECT_EQ(updated.count(), 0);
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(cleared.count(), 1);
+    EXPECT_EQ(updated.count(), 1);
+}
+
 } // namespace

@@ -1,3 +1,5 @@
+#include "OssModel/Evaluation/OssDependencyMarks.h"
+#include "OssModel/Evaluation/OssSolo.h"
 #include "OssModel/Graph/OssLayerStreamUtils.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Layers/OssMaterialPaintManager.h"
@@ -198,6 +200,141 @@ TEST_F(Walks, extractionLeavesAloneWhatIsNotOfTheNetwork)
     EXPECT_EQ(m_project->stateHash(), before);
     m_network->removeNode(m_mask, true, true);
     EXPECT_EQ(m_mask->network(), nullptr);
+}
+
+// --- what is looked at, and what it depends on
+
+struct Marked
+{
+    QStringList nodes;
+    QStringList wires; ///< "Node.input"
+
+    void sort()
+    {
+        nodes.sort();
+        wires.sort();
+    }
+};
+
+class Marks : public Walks
+{
+protected:
+    void SetUp() override
+    {
+        Walks::SetUp();
+        m_told = QObject::connect(
+            OssShaderNetworkManager::instance(), &OssShaderNetworkManager::debugNodesChanged,
+            [this](const auto &nodes, const auto &inputs) {
+                m_marked = {};
+                for (auto node = nodes.cbegin(); node != nodes.cend(); ++node)
+                    m_marked.nodes.append(nameOf(node.key()));
+                for (auto node = inputs.cbegin(); node != inputs.cend(); ++node) {
+                    const QStringList names = node->keys();
+                    for (const QString &input : names)
+                        m_marked.wires.append(nameOf(node.key()) + QLatin1Char('.') + input);
+                }
+                m_marked.sort();
+            });
+    }
+
+    void TearDown() override
+    {
+        OssDependencyMarks::instance()->mark({});
+        QObject::disconnect(m_told);
+        Walks::TearDown();
+    }
+
+    static QString nameOf(const OssObjectReference &reference)
+    {
+        return static_cast<OssSnBaseNode *>(
+                   OssObjectReferenceManager::instance()->getPointer(reference))
+            ->name();
+    }
+
+    static QStringList words(const char *names)
+    {
+        return text(names).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    }
+
+    Marked m_marked;
+    QMetaObject::Connection m_told;
+};
+
+TEST_F(Marks, whatComputesANodeIsMarkedWithTheWiresAndGroupsItComesThrough)
+{
+    OssDependencyMarks *marks = OssDependencyMarks::instance();
+    marks->mark({m_levels});
+    EXPECT_EQ(m_marked.nodes, words("Blur Color Group Inner Levels Mask Merge"));
+    EXPECT_EQ(
+        m_marked.wires,
+        words("Blur.Input Group.In Inner.Input Levels.Input Merge.Base Merge.Mask Out.Input"));
+    EXPECT_TRUE(marks->inWords().startsWith(text("6 "))) << qPrintable(marks->inWords());
+
+    // What is off, or beyond what is asked for, does not count.
+    m_merge->setInputEnabled(text("Mask"), false);
+    m_inner->setBypassed(true);
+    marks->mark({m_merge});
+    EXPECT_EQ(m_marked.nodes, words("Blur Color Merge"));
+    EXPECT_FALSE(m_marked.wires.contains(text("Merge.Mask")));
+    EXPECT_TRUE(m_marked.wires.contains(text("Inner.Input")));
+    marks->mark({});
+    EXPECT_TRUE(m_marked.nodes.isEmpty() && m_marked.wires.isEmpty());
+    EXPECT_TRUE(marks->inWords().isEmpty());
+}
+
+TEST_F(Marks, theyFollowWhatIsDoneByHandUndoneAndRedoneAndEndWithTheProject)
+{
+    OssUndoManager::instance()->clear();
+    OssDependencyMarks::instance()->mark({m_merge});
+    const QStringList all = m_marked.nodes;
+    m_merge->setInputNode(text("Mask"), nullptr, {});
+    EXPECT_EQ(m_marked.nodes, all) << "by a script";
+    OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
+    EXPECT_FALSE(m_marked.nodes.contains(text("Mask")));
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(m_marked.nodes, all);
+    OssUndoManager::instance()->redo();
+    EXPECT_FALSE(m_marked.nodes.contains(text("Mask")));
+    m_network->removeNodes({m_merge});
+    OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
+    EXPECT_TRUE(m_marked.nodes.isEmpty());
+    OssDependencyMarks::instance()->mark({m_blur});
+    OssProjectManager::instance()->newProject(text("Next"));
+    EXPECT_TRUE(m_marked.nodes.isEmpty());
+}
+
+TEST_F(Marks, theNodeThatIsLookedAtIsActiveAndNoOther)
+{
+    OssSnBaseNode *viewer = m_network->viewerNode();
+    const auto active = [this] {
+        QStringList names;
+        const QList<OssSnBaseNode *> nodes = m_network->getAllNodes();
+        for (const OssSnBaseNode *node : nodes) {
+            if (node->isGuiActive())
+                names.append(node->name());
+        }
+        return names;
+    };
+    EXPECT_EQ(active(), QStringList());
+    ASSERT_TRUE(wire(m_blur, viewer, "1"));
+    ASSERT_TRUE(wire(m_levels, viewer, "2"));
+    EXPECT_EQ(active(), words("Blur"));
+    m_network->setViewerNodeCurrentEdge(2, true);
+    EXPECT_EQ(active(), words("Levels"));
+    ASSERT_TRUE(OssSolo::instance()->look(m_inner));
+    EXPECT_EQ(active(), words("Inner"));
+    OssSolo::instance()->end();
+    EXPECT_EQ(active(), words("Levels"));
+    viewer->setInputEnabled(text("2"), false);
+    EXPECT_EQ(active(), QStringList());
+    viewer->setInputEnabled(text("2"), true);
+    viewer->setInputNode(text("2"), nullptr, {});
+    EXPECT_EQ(active(), QStringList());
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(active(), words("Levels"));
+    m_network->removeNodes({m_levels});
+    EXPECT_EQ(active(), QStringList());
+    EXPECT_FALSE(m_levels->isGuiActive());
 }
 
 } // namespace

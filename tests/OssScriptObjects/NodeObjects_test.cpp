@@ -1,4 +1,6 @@
 #include "OssCore/Program/OssStatusManager.h"
+#include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Nodes/OssSnBakePointNode.h"
 #include "OssModel/Objects/OssImageSet.h"
 #include "OssScriptObjects/OssaGeoEntity.h"
@@ -282,4 +284,83 @@ TEST_F(NodeObjects, aScriptIsOneStepAroundItsOwnMacros)
     scripts()->endScript();
     EXPECT_EQ(undo->count(), 5);
     EXPECT_EQ(undo->texts().last(), text("Back"));
+}
+
+TEST_F(NodeObjects, askForWhatShowsThemAndRefuseWhatCannotBe)
+{
+    OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
+    QSignalSpy focus(networks, &OssShaderNetworkManager::focusOnNodeRequest);
+    QSignalSpy panel(networks, &OssShaderNetworkManager::showNodePropertiesRequest);
+    QSignalSpy below(networks, &OssShaderNetworkManager::showNodePropertiesAtPositionEndRequest);
+    QSignalSpy above(networks, &OssShaderNetworkManager::showNodePropertiesAtPositionBeginRequest);
+    QSignalSpy match(networks, &OssShaderNetworkManager::matchNodePositionRequest);
+    QSignalSpy looks(m_blur->node(), &OssSnBaseNode::attachViewerToNode);
+    m_blur->goTo();
+    EXPECT_EQ(focus.count(), 1);
+    m_blur->showProperties();
+    m_blur->showProperties(m_group);
+    m_blur->showProperties(nullptr, m_group);
+    EXPECT_EQ(panel.count(), 1);
+    EXPECT_EQ(below.count(), 1);
+    EXPECT_EQ(above.count(), 1);
+    m_blur->matchPosition(m_group);
+    EXPECT_EQ(match.count(), 1);
+    m_blur->lookAt(2);
+    m_blur->lookAt();
+    EXPECT_EQ(looks.value(0).value(0).toInt(), 2);
+    EXPECT_EQ(looks.value(1).value(0).toInt(), 1);
+    EXPECT_FALSE(scripts()->hasError());
+    Ossa::Node *inner = m_group->inside()->createNode(text("Filter/Blur"), text("Inner"));
+    expectRefused({
+        {[&] { m_blur->showProperties(m_group, m_group); }, Type::NotAllowed, "not both"},
+        {[&] { m_blur->matchPosition(nullptr); }, Type::WrongType, "None is no node"},
+        {[&] { m_blur->matchPosition(inner); }, Type::NotAllowed, "different networks"},
+        {[&] { m_blur->lookAt(70); }, Type::OutOfRange, "no input 70"},
+        {[&] { m_graph->viewer()->lookAt(); }, Type::NotAllowed, "nothing to look at"},
+    });
+}
+
+TEST_F(NodeObjects, switchInputsAndOrderPortsAndRenameKnobs)
+{
+    EXPECT_TRUE(m_blur->isInputEnabled(text("Input")));
+    m_blur->setInputEnabled(text("Input"), false);
+    EXPECT_FALSE(m_blur->isInputEnabled(text("Input")));
+    EXPECT_FALSE(m_blur->isInputShared(text("Input")));
+    m_group->createInput(text("A"));
+    m_group->createInput(text("B"));
+    m_group->createOutput(text("C"));
+    m_group->createOutput(text("D"));
+    m_group->reorderInputs({text("B"), text("A")});
+    m_group->reorderOutputs({text("D"), text("C")});
+    EXPECT_EQ(m_group->inputs(), QStringList({text("B"), text("A")}));
+    EXPECT_EQ(m_group->outputs(), QStringList({text("D"), text("C")}));
+    Ossa::Node *inner = m_group->inside()->createNode(text("Filter/Blur"), {});
+    const QString knob = m_group->createKnob(inner, Radius);
+    EXPECT_EQ(m_group->renameKnob(knob, text("Softness")), text("Softness"));
+    m_group->setAttribute(text("Softness"), 5.0);
+    EXPECT_EQ(inner->attribute(Radius).toDouble(), 5.0);
+    EXPECT_FALSE(scripts()->hasError());
+    expectRefused({
+        {[&] { m_blur->setInputEnabled(text("X"), true); }, Type::UnknownName, "no input"},
+        {[&] { m_group->reorderInputs({text("B")}); }, Type::NotAllowed, "each once"},
+        {[&] {
+             m_group->reorderOutputs({text("X"), text("C")});
+         },
+         Type::NotAllowed, "each once"},
+        {[&] { m_group->renameKnob(text("X"), text("Y")); }, Type::NotAllowed, "cannot be called"},
+        {[&] { m_blur->renameKnob(Radius, text("Y")); }, Type::NotSupported, "no group"},
+        {[&] { m_blur->orderPortsByPosition(); }, Type::NotSupported, "no group"},
+        {[&] { m_blur->arrangeInputsByOrder(); }, Type::NotSupported, "no group"},
+    });
+}
+
+TEST_F(NodeObjects, tellWhatComputesThemAndWhatStepsChangeThem)
+{
+    m_graph->connect(m_graph->createNode(text("Procedural/Color"), text("Red")), m_blur);
+    EXPECT_EQ(m_blur->markDependencies().keys(), QStringList({text("/Red"), text("/Soft")}));
+    m_blur->setAttribute(Radius, 3.0);
+    auto *history = OssScriptObject<Ossa::Undo>(OssUndoManager::instance());
+    const Nodes last = history->nodes(history->count() - 1);
+    EXPECT_TRUE(last.contains(m_blur));
+    expectRefused({{[&] { history->nodes(-1); }, Type::OutOfRange, "no step"}});
 }

@@ -70,9 +70,8 @@ TEST_F(ItemsTest, marksComeAndGoWithTheStateOfTheNode)
             EXPECT_EQ(item->hasMark(c.mark), on) << c.mark;
         }
     }
-    node->addTag(text("_systemShader"));
     EXPECT_FALSE(item->hasMark(OssNgNode::SystemShader));
-    Q_EMIT node->systemShaderStatusSync();
+    node->addTag(text("_systemShader"));
     EXPECT_TRUE(item->hasMark(OssNgNode::SystemShader));
     node->setDescription(text("softens"));
     EXPECT_EQ(item->toolTip(), text("softens"));

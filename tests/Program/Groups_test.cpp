@@ -1,11 +1,14 @@
 #include "Ossa/Palettes/NodeTypesPanel.h"
 #include "OssInterface/DragAndDrop/OssDragAndDropManager.h"
+#include "OssModel/Evaluation/OssDependencyMarks.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Graph/OssSnBaseContext.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "Program/StartedProgram.h"
 
 #include <QDir>
 #include <QLineEdit>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -204,6 +207,66 @@ TEST_F(Groups, nodeTypesThatAreFoundAndThereAreMade)
     QTest::keyClick(search, Qt::Key_Return);
     ASSERT_EQ(nodeCount(), count + 2);
     EXPECT_EQ(m_network->nodes().last()->pathKey(), text("Filter/Sharpen"));
+}
+
+TEST_F(Groups, portsAreOrderedByPlaceAndPlacesByPortFromTheMenuAndByScript)
+{
+    auto *group = static_cast<OssSnGroupNode *>(m_group);
+    const auto place = [](OssSnBaseNode *node, qreal y) {
+        node->viewContext()->setNodePosition({0, y});
+        return node;
+    };
+    OssSnBaseNode *low = place(group->createInput(text("Low"), OssSnDataKind::Color), 900);
+    OssSnBaseNode *high = place(group->createInput(text("High"), OssSnDataKind::Color), 100);
+    select({m_group});
+    begin();
+    trigger("Order Ports by Position");
+    EXPECT_EQ(m_group->inputNames(), QStringList({text("High"), text("Low")}));
+    EXPECT_EQ(history()->count(), 1);
+    trigger("Order Ports by Position");
+    EXPECT_EQ(history()->count(), 1) << "they are in order";
+    history()->undo();
+    EXPECT_EQ(project()->stateHash(), m_before);
+    trigger("Arrange Inputs by Order");
+    EXPECT_LT(low->viewContext()->nodePosition().y(), high->viewContext()->nodePosition().y());
+    history()->undo();
+    EXPECT_EQ(project()->stateHash(), m_before);
+    select({m_first});
+    begin();
+    trigger("Order Ports by Position");
+    expectUnchanged("no group");
+}
+
+TEST_F(Groups, dependenciesAreMarkedAndUnmarkedFromTheMenu)
+{
+    select({m_second});
+    begin();
+    trigger("Mark Dependencies");
+    EXPECT_FALSE(OssDependencyMarks::instance()->isEmpty());
+    EXPECT_FALSE(OssDependencyMarks::instance()->inWords().isEmpty());
+    trigger("Clear Marks");
+    EXPECT_TRUE(OssDependencyMarks::instance()->isEmpty());
+    select({});
+    trigger("Mark Dependencies");
+    EXPECT_TRUE(OssDependencyMarks::instance()->isEmpty());
+    expectUnchanged("marks are no part of the document");
+}
+
+TEST_F(Groups, theLastChangeIsFoundFromTheMenu)
+{
+    m_first->setAttribute(text("Radius"), 3.0);
+    QSignalSpy goes(m_first, &OssSnBaseNode::gotoNode);
+    triggerCommand("Edit/Go to Last Change");
+    EXPECT_EQ(goes.count(), 1);
+    EXPECT_EQ(m_network->selectedNodes(), QList<OssSnBaseNode *>{m_first});
+}
+
+TEST_F(Groups, theBoxAboutTheProgramNamesThePlugInWithItsMakersAndNotice)
+{
+    const QString about = s_window->aboutText();
+    for (const char *part : {"Node Graph View Context", "version 1",
+                             "Node Graph View of the Shader Network", "developers", "BSD-3-Clause"})
+        EXPECT_TRUE(about.contains(text(part))) << part;
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Ossa/Commands/GroupCommands.h"
+#include "Ossa/Commands/MarkCommands.h"
 #include "Ossa/Plugins/PluginActions.h"
 #include "Ossa/Start/HostServices.h"
 #include "Ossa/Window/HostPalettes.h"
@@ -37,8 +38,10 @@ protected:
         ASSERT_EQ(plugins.plugins().size(), 1) << "build/plugins holds the node graph";
         PluginActions::fileUnfiled(plugins);
         static GroupCommands groupCommands(nullptr);
+        static MarkCommands markCommands(nullptr);
         HostPalettes::registerAll();
         s_window = new MainWindow;
+        s_window->setPlugins(plugins.plugins());
         s_window->show();
         testing::UnitTest::GetInstance()->listeners().Append(new TakeDown); // takes it
     }

@@ -1,6 +1,7 @@
 #include "Monkey.h"
 
 #include "Ossa/Commands/GroupCommands.h"
+#include "Ossa/Commands/MarkCommands.h"
 #include "Ossa/Common/Theme.h"
 #include "Ossa/Plugins/PluginActions.h"
 #include "Ossa/Start/HostServices.h"
@@ -57,6 +58,7 @@ protected:
         ASSERT_EQ(plugins.plugins().size(), 1);
         PluginActions::fileUnfiled(plugins);
         static GroupCommands groupCommands(nullptr);
+        static MarkCommands markCommands(nullptr);
         HostPalettes::registerAll();
         s_window = new MainWindow;
         s_window->resize(1400, 900);

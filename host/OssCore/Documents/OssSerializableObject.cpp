@@ -108,6 +108,15 @@ bool OssSerializableObject::orderUserAttributes(const QStringList &names)
     return true;
 }
 
+bool OssSerializableObject::renameUserAttribute(const QString &oldName, const QString &newName)
+{
+    const int index = userAttributeIndex(oldName);
+    if (index < 0 || newName.isEmpty() || exists(newName))
+        return false;
+    m_userAttributes[index].editDefinition().name = newName;
+    return true;
+}
+
 void OssSerializableObject::setUserAttribute(const OssCustomAttribute &attribute, bool notify)
 {
     if (!attribute.isValid())
@@ -135,7 +144,8 @@ void OssSerializableObject::setUserAttribute(const OssCustomAttribute &attribute
             if (self)
                 self->applyUserAttribute(attribute, self->userAttributeIndex(attribute.name()),
                                          true);
-        }));
+        },
+        this));
 }
 
 bool OssSerializableObject::removeUserAttribute(const QString &name)
@@ -158,7 +168,8 @@ bool OssSerializableObject::removeUserAttribute(const QString &name)
         [self, name] {
             if (self)
                 self->dropUserAttribute(self->userAttributeIndex(name));
-        }));
+        },
+        this));
     return true;
 }
 

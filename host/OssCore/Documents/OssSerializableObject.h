@@ -104,6 +104,9 @@ protected:
     void initUserAttributes(const QVector<OssCustomAttribute> &attributes);
     /// All names in their new order; anything else is refused. No undo, no notice.
     bool orderUserAttributes(const QStringList &names);
+    /// Gives an attribute another name, in its place. False when there is none or the name is taken.
+    /// No undo, no notice.
+    bool renameUserAttribute(const QString &oldName, const QString &newName);
     int userAttributeIndex(const QString &name) const;
     /// Reads once more what was unknown when it was read, for an object that has learned more since.
     void loadForeign();

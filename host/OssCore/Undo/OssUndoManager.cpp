@@ -32,6 +32,17 @@ struct OssUndoManager::Macro final : OssUndoStep
             step->redo();
     }
 
+    QList<QObject *> subjects() const override
+    {
+        QList<QObject *> all;
+        for (const auto &step : steps) {
+            const QList<QObject *> own = step->subjects();
+            std::copy_if(own.cbegin(), own.cend(), std::back_inserter(all),
+                         [&all](QObject *subject) { return !all.contains(subject); });
+        }
+        return all;
+    }
+
     /// Steps that pair off are merged one by one; otherwise those of the later macro follow.
     void join(Macro &later)
     {
@@ -145,9 +156,9 @@ void OssUndoManager::addUndo(std::unique_ptr<OssUndoStep> step)
 }
 
 void OssUndoManager::record(const QString &title, std::function<void()> undo,
-                            std::function<void()> redo)
+                            std::function<void()> redo, QObject *subject)
 {
-    addUndo(std::make_unique<OssFunctionUndo>(title, std::move(undo), std::move(redo)));
+    addUndo(std::make_unique<OssFunctionUndo>(title, std::move(undo), std::move(redo), subject));
 }
 
 void OssUndoManager::store(std::unique_ptr<OssUndoStep> step)
@@ -286,6 +297,12 @@ QStringList OssUndoManager::partTexts(int index) const
         }
     }
     return texts;
+}
+
+QList<QObject *> OssUndoManager::subjects(int index) const
+{
+    return index >= 0 && index < count() ? m_steps[std::size_t(index)]->subjects()
+                                         : QList<QObject *>();
 }
 
 void OssUndoManager::clear()

@@ -80,8 +80,9 @@ public:
     /// Records a change that has been made. Takes ownership, also when nothing is being recorded.
     void addUndo(OssUndoStep *step);
     void addUndo(std::unique_ptr<OssUndoStep> step);
-    /// The same for a change that is told by two functions.
-    void record(const QString &title, std::function<void()> undo, std::function<void()> redo);
+    /// The same for a change that is told by two functions. `subject`: what it changes.
+    void record(const QString &title, std::function<void()> undo, std::function<void()> redo,
+                QObject *subject = nullptr);
 
     /// False while a step is undone or redone and inside a Pause. Operations may skip the work of
     /// building a step then.
@@ -101,6 +102,8 @@ public:
     /// Title of a step and of the titled macros directly inside it.
     QString text(int index) const;
     QStringList partTexts(int index) const;
+    /// What a step changes, each once, in the order of its parts; objects that are gone are left out.
+    QList<QObject *> subjects(int index) const;
 
     /// Forgets everything. The document counts as clean afterwards. Must run before objects die
     /// that steps hold.

@@ -13,8 +13,9 @@ bool OssUndoStep::mergeWith(const OssUndoStep &)
 }
 
 OssFunctionUndo::OssFunctionUndo(QString text, std::function<void()> undo,
-                                 std::function<void()> redo)
+                                 std::function<void()> redo, QObject *subject)
     : OssUndoStep(std::move(text))
+    , m_subject(subject)
     , m_undo(std::move(undo))
     , m_redo(std::move(redo))
 {

@@ -2,6 +2,8 @@
 
 #include "OssCore/OssCore_export.h"
 
+#include <QList>
+#include <QPointer>
 #include <QString>
 
 #include <functional>
@@ -23,6 +25,9 @@ public:
     /// one. False: they stay two, and nothing changed.
     virtual bool mergeWith(const OssUndoStep &later);
 
+    /// The objects that it changes, as far as they are known and live: where the user can go to see it.
+    virtual QList<QObject *> subjects() const { return {}; }
+
     /// Title for the user; empty for parts that never stand alone.
     QString text() const { return m_text; }
 
@@ -34,13 +39,20 @@ private:
 class OSSCORE_EXPORT OssFunctionUndo final : public OssUndoStep
 {
 public:
-    OssFunctionUndo(QString text, std::function<void()> undo, std::function<void()> redo);
+    OssFunctionUndo(QString text, std::function<void()> undo, std::function<void()> redo,
+                    QObject *subject = nullptr);
 
     void undo() override { m_undo(); }
 
     void redo() override { m_redo(); }
 
+    QList<QObject *> subjects() const override
+    {
+        return m_subject ? QList<QObject *>{m_subject} : QList<QObject *>();
+    }
+
 private:
+    QPointer<QObject> m_subject;
     std::function<void()> m_undo;
     std::function<void()> m_redo;
 };

@@ -50,6 +50,7 @@ const std::vector<Row> RowTable{
 
     {"/Ossa/Edit", QT_TR_NOOP("Undo"), "Ctrl+Z", "Edit 1.1", WithUndo, QT_TR_NOOP("Take back the last step")},
     {"/Ossa/Edit", QT_TR_NOOP("Redo"), "Ctrl+Shift+Z Ctrl+Y", "Edit 1.2", WithRedo, QT_TR_NOOP("Do again what was taken back")},
+    {"/Ossa/Edit", QT_TR_NOOP("Go to Last Change"), "", "Edit 3.3", WithUndo, QT_TR_NOOP("Go to the node that the last step changed")},
     {"/Ossa/Edit", QT_TR_NOOP("Preferences..."), "Ctrl+,", "Edit 4.1", Always, QT_TR_NOOP("Set how the program behaves")},
     {"/Ossa/Edit", QT_TR_NOOP("Size of New Images..."), "", "Edit 4.3", WithProject, QT_TR_NOOP("Set how large images are that are made in this project")},
     {"/Ossa/Edit", QT_TR_NOOP("Keyboard Shortcuts..."), "Ctrl+Alt+K", "Edit 4.2", Always, QT_TR_NOOP("See and change the keys of all commands")},
@@ -119,8 +120,11 @@ const std::vector<Row> RowTable{
     {"/Ossa/NodeGraph", QT_TR_NOOP("Select Stream Downstream"), "Ctrl+Shift+U", "Select 4.4", Always, QT_TR_NOOP("Select what the stream runs through after the selected nodes")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Select Between"), "Shift+B", "Select 4.5", Always, QT_TR_NOOP("Select all nodes on the ways from one selected node to another")},
 
+    {"/Ossa/NodeGraph", QT_TR_NOOP("Mark Dependencies"), "", "Select 5.1", Always, QT_TR_NOOP("Mark what computes the selected nodes, the dearer the redder, and tell what it costs")},
+    {"/Ossa/NodeGraph", QT_TR_NOOP("Clear Marks"), "", "Select 5.2", Always, QT_TR_NOOP("Take the marks of dependencies away")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Pick Up Edge Under Mouse"), "E", "Edges 1.1", Always, QT_TR_NOOP("Take the wire under the pointer in hand to connect it elsewhere")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Toggle Edge Sever Mode"), "Y", "Edges 1.2", Always, QT_TR_NOOP("Cut the wires that the pointer is drawn across, or stop doing so")},
+    {"/Ossa/NodeGraph", QT_TR_NOOP("Toggle Wire"), "Shift+D", "Edges 1.4", Always, QT_TR_NOOP("Switch the selected wires, or the one under the pointer, off or on again: what comes along one that is off is not used")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Shake To Extract"), "", "Edges 1.3", Always, QT_TR_NOOP("Shake To Extract")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Toggle Port List"), "P", "Ports 1.1", Always, QT_TR_NOOP("Show all ports of the selected nodes, or their headers alone")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Cycle Port List Mode"), "Shift+P", "Ports 1.2", Always, QT_TR_NOOP("Show more or fewer ports on the selected nodes, one step at a time")},
@@ -157,6 +161,8 @@ const std::vector<Row> RowTable{
     {"/Ossa/NodeGraph", QT_TR_NOOP("Open Group Node Subgraph"), "Ctrl+Return Ctrl+Enter", "Group 1.3", Always, QT_TR_NOOP("Open what is inside the selected group in a tab of its own")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Add Group Input"), "", "Group 2.1", Always, QT_TR_NOOP("Give the group another input")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Add Group Output"), "", "Group 2.2", Always, QT_TR_NOOP("Give the group another output")},
+    {"/Ossa/NodeGraph", QT_TR_NOOP("Order Ports by Position"), "", "Group 3.1", Always, QT_TR_NOOP("Put the group's ports into the order in which their nodes lie inside, from the top")},
+    {"/Ossa/NodeGraph", QT_TR_NOOP("Arrange Inputs by Order"), "", "Group 3.2", Always, QT_TR_NOOP("Let the nodes of the group's inputs lie inside in the order of the ports")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Manage User Knobs"), "", "Group 2.3", WithKnobs, QT_TR_NOOP("Choose which values of the nodes inside a group its panel shows")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Expose Node Properties"), "", "Group 2.4", WithExposed, QT_TR_NOOP("Show all values of the selected nodes on the panel of their group")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Export as Gizmo"), "", "Group 2.5", Always, QT_TR_NOOP("Save the group as a file that can be imported anywhere")},

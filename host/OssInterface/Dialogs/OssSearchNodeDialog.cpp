@@ -4,6 +4,7 @@
 #include "OssInterface/Dialogs/OssSearchRowDelegate.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 
+#include <QGuiApplication>
 #include <QLineEdit>
 #include <QListView>
 #include <QStandardItemModel>
@@ -31,8 +32,15 @@ OssSearchNodeDialog::OssSearchNodeDialog(const QList<OssSnBaseNode *> &nodes, QW
     roles.explanation = WhyRole;
     roles.color = ColorRole;
     list()->setItemDelegate(new OssSearchRowDelegate(roles, list()));
+    list()->setToolTip(tr("With Ctrl the node's properties open, too"));
     search({});
     list()->setCurrentIndex(m_model->index(0, 0));
+}
+
+void OssSearchNodeDialog::take()
+{
+    m_wantsProperties = QGuiApplication::keyboardModifiers() & Qt::ControlModifier;
+    OssSearchPopup::take();
 }
 
 void OssSearchNodeDialog::setColors(std::function<QColor(const QString &)> colorOf)

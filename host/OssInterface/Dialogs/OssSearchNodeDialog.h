@@ -13,7 +13,8 @@
 class OssSnBaseNode;
 class QStandardItemModel;
 
-/// Finds a node among given ones while one types; see OssNodeSearch for what can be typed.
+/// Finds a node among given ones while one types; see OssNodeSearch for what can be typed. With Ctrl
+/// held, Enter or a click wants the node's properties as well.
 class OSSINTERFACE_EXPORT OssSearchNodeDialog : public OssSearchPopup
 {
     Q_OBJECT
@@ -27,11 +28,15 @@ public:
     /// Null when none was chosen, or it has died since.
     OssSnBaseNode *chosenNode() const;
 
+    bool wantsProperties() const { return m_wantsProperties; }
+
 protected:
     void search(const QString &text) override;
+    void take() override;
 
 private:
     QVector<QPointer<OssSnBaseNode>> m_nodes;
     std::function<QColor(const QString &)> m_colorOf;
     QStandardItemModel *m_model;
+    bool m_wantsProperties = false;
 };

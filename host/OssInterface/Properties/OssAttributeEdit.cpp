@@ -170,7 +170,8 @@ void OssAttributeEdit::end()
             [node = start.node, after] {
                 if (node)
                     node->setUserAttribute(after, true);
-            });
+            },
+            start.node);
     }
     m_start.clear();
     m_macro.reset();

@@ -3,6 +3,7 @@
 #include "OssCore/Program/OssIcon.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssCore/Values/OssAttributeKind.h"
+#include "OssInterface/Properties/OssPortOrder.h"
 #include "OssInterface/Properties/OssPropertyEditor.h"
 #include "OssInterface/Properties/OssPropertyRow.h"
 #include "OssInterface/Widgets/OssExpandableListHeading.h"
@@ -10,7 +11,9 @@
 #include "OssInterface/Widgets/OssMiniButton.h"
 #include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Types/OssSnTags.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -24,6 +27,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <functional>
 
 namespace {
 
@@ -34,6 +38,18 @@ const QString ValuesMimeType = QStringLiteral("application/x-ossa-values");
 bool isShown(const OssCustomAttribute &attribute)
 {
     return attribute.isVisible() && !attribute.name().startsWith(QLatin1Char('_'));
+}
+
+/// Those that have something to show, each once.
+QList<OssSnBaseNode *> withPanels(const QList<OssSnBaseNode *> &nodes)
+{
+    QList<OssSnBaseNode *> shown;
+    for (OssSnBaseNode *node : nodes) {
+        if (node && !node->hasTag(OssSnTags::dot()) && !node->hasTag(OssSnTags::viewer())
+            && !shown.contains(node))
+            shown.append(node);
+    }
+    return shown;
 }
 
 OssFormLayout *makeForm(QWidget *body)
@@ -170,7 +186,12 @@ QWidget *OssNodePropertyPanel::makeBody(const OssPropertyPanelOptions &options)
         if (options.foldUntouchedSections && !isTouched(section))
             list->collapse();
     }
-    if (m_rows.isEmpty() && !options.showNodeProperties) {
+    if (auto *group = qobject_cast<OssSnGroupNode *>(m_node)) {
+        auto *list = new OssExpandableListWidget(tr("Ports"), body);
+        list->setBody(new OssPortOrder(group, list));
+        list->collapse();
+        layout->addWidget(list);
+    } else if (m_rows.isEmpty() && !options.showNodeProperties) {
         auto *none = new QLabel(tr("This node has no properties"), body);
         none->setObjectName(QStringLiteral("Muted"));
         none->setContentsMargins(8, 4, 8, 6);
@@ -401,10 +422,38 @@ void OssNodePropertyPanel::resetValues()
         row->reset();
 }
 
+void OssNodePropertyPanel::addWays(QMenu *menu)
+{
+    OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
+    const auto add = [&](const QString &text, const std::function<void(OssSnBaseNode *)> &go) {
+        return menu->addAction(text, this, [this, go] {
+            if (m_node)
+                go(m_node);
+        });
+    };
+    add(tr("Go to Node"), [networks](OssSnBaseNode *node) { networks->goToNode(node); });
+    add(tr("Look at It in the Viewer"),
+        [networks](OssSnBaseNode *node) { networks->requestViewer(node); });
+    // Panels of neighbours go where the stream has them: sources below, targets above.
+    add(tr("Open Properties of What Feeds It"), [networks](OssSnBaseNode *node) {
+        QList<OssSnBaseNode *> nodes = withPanels(node->inputNodes());
+        std::reverse(nodes.begin(), nodes.end()); // each goes right below this panel
+        for (OssSnBaseNode *source : qAsConst(nodes))
+            networks->requestPropertiesAfter(source, node);
+    })->setEnabled(m_node && !withPanels(m_node->inputNodes()).isEmpty());
+    add(tr("Open Properties of What It Feeds"), [networks](OssSnBaseNode *node) {
+        const QList<OssSnBaseNode *> nodes = withPanels(node->outputNodes());
+        for (OssSnBaseNode *target : nodes)
+            networks->requestPropertiesBefore(target, node);
+    })->setEnabled(m_node && !withPanels(m_node->outputNodes()).isEmpty());
+}
+
 void OssNodePropertyPanel::openMenu(const QPoint &position)
 {
     const QMimeData *mime = QApplication::clipboard()->mimeData();
     QMenu menu(this);
+    addWays(&menu);
+    menu.addSeparator();
     menu.addAction(tr("Copy All Values"), this, &OssNodePropertyPanel::copyValues);
     QAction *paste = menu.addAction(tr("Paste All Values"), this,
                                     &OssNodePropertyPanel::pasteValues);

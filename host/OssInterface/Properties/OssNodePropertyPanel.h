@@ -14,6 +14,7 @@ class OssSnBaseNode;
 class OssSnGroupNode;
 class QAbstractButton;
 class QLabel;
+class QMenu;
 class QVBoxLayout;
 
 /// The property editor of a node: a row for each visible attribute, in a section for each group of
@@ -88,6 +89,8 @@ private:
     void refreshRow(const QString &attribute);
     void refreshLinked(const OssSnGroupNode *group, const QString &knob);
     void openMenu(const QPoint &position);
+    /// From the node to itself in the graph and to its neighbours.
+    void addWays(QMenu *menu);
 
     QPointer<OssSnBaseNode> m_node;
     QHash<QString, OssPropertyRow *> m_rows;

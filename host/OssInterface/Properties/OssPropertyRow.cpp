@@ -9,7 +9,9 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QInputDialog>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMimeData>
 #include <QPainter>
@@ -224,6 +226,7 @@ struct OssPropertyRow::Command
     QKeySequence key;
     std::function<void(OssPropertyRow *)> run;
     std::function<bool(const OssPropertyRow *)> isPossible;
+    bool isForKnobs = false; ///< unknown to other rows
 };
 
 bool OssPropertyRow::canReset() const
@@ -236,17 +239,35 @@ bool OssPropertyRow::canPaste() const
     return canEdit() && clipboardValue().isValid();
 }
 
+OssSnGroupNode *OssPropertyRow::knobGroup() const
+{
+    auto *group = qobject_cast<OssSnGroupNode *>(m_node);
+    return group && group->isKnob(m_name) ? group : nullptr;
+}
+
+void OssPropertyRow::renameKnob()
+{
+    const QString before = m_edit.attribute().prettyName();
+    const QPointer<OssPropertyRow> self(this); // the panel may be made anew meanwhile
+    const QString after = QInputDialog::getText(m_label->window(), tr("Rename Knob"),
+                                                tr("Name of the knob"), QLineEdit::Normal, before);
+    if (self && knobGroup() && !after.isEmpty())
+        knobGroup()->renameKnob(m_name, after);
+}
+
 const QVector<OssPropertyRow::Command> &OssPropertyRow::commands()
 {
-    static const QVector<Command> all{{tr("Reset to Default"), Qt::CTRL + Qt::Key_Backspace,
-                                       &OssPropertyRow::reset, &OssPropertyRow::canReset},
-                                      {tr("Copy Value"), Qt::CTRL + Qt::SHIFT + Qt::Key_C,
-                                       &OssPropertyRow::copyValue,
-                                       [](const OssPropertyRow *) {
-                                           return true;
-                                       }},
-                                      {tr("Paste Value"), Qt::CTRL + Qt::SHIFT + Qt::Key_V,
-                                       &OssPropertyRow::pasteValue, &OssPropertyRow::canPaste}};
+    static const QVector<Command> all{
+        {tr("Reset to Default"), Qt::CTRL + Qt::Key_Backspace, &OssPropertyRow::reset,
+         &OssPropertyRow::canReset},
+        {tr("Copy Value"), Qt::CTRL + Qt::SHIFT + Qt::Key_C, &OssPropertyRow::copyValue,
+         [](const OssPropertyRow *) {
+             return true;
+         }},
+        {tr("Paste Value"), Qt::CTRL + Qt::SHIFT + Qt::Key_V, &OssPropertyRow::pasteValue,
+         &OssPropertyRow::canPaste},
+        {tr("Rename Knob..."), Qt::Key_F2, &OssPropertyRow::renameKnob, &OssPropertyRow::knobGroup,
+         true}};
     return all;
 }
 
@@ -254,7 +275,7 @@ bool OssPropertyRow::takeKey(const QKeyEvent *event)
 {
     const QKeySequence pressed(int(event->modifiers() & ~Qt::KeypadModifier) + event->key());
     for (const Command &command : commands()) {
-        if (command.key == pressed) {
+        if (command.key == pressed && (!command.isForKnobs || knobGroup())) {
             command.run(this);
             return true;
         }
@@ -266,6 +287,8 @@ void OssPropertyRow::openMenu(const QPoint &globalPosition)
 {
     QMenu menu(m_label);
     for (const Command &command : commands()) {
+        if (command.isForKnobs && !knobGroup())
+            continue;
         QAction *action = menu.addAction(command.title, this,
                                          [this, &command] { command.run(this); });
         action->setShortcut(command.key);

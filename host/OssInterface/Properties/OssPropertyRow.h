@@ -6,6 +6,7 @@
 #include <QLabel>
 
 class OssPropertyEditor;
+class OssSnGroupNode;
 class QKeyEvent;
 class QMenu;
 
@@ -53,6 +54,10 @@ private:
     bool canEdit() const;
     bool canReset() const;
     bool canPaste() const;
+    /// Null where the row is no knob.
+    OssSnGroupNode *knobGroup() const;
+    /// Asks for another name.
+    void renameKnob();
     void showMarks(const OssCustomAttribute &attribute, const QString &lock);
     QString toolTipFor(const OssCustomAttribute &attribute, bool *broken) const;
     QVariant clipboardValue() const;

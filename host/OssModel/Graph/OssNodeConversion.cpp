@@ -98,6 +98,7 @@ void movePlace(OssSnBaseNode *from, OssSnBaseNode *to)
 {
     if (from->viewContext() && to->viewContext())
         to->viewContext()->takePlaceOf(from->viewContext());
+    OssShaderNetworkManager::instance()->requestSamePosition(from, to);
     const auto tell = [](OssSnBaseNode *old, OssSnBaseNode *replacement) {
         Q_EMIT OssShaderNetworkManager::instance()->nodeReplaced(old, replacement);
     };
@@ -188,7 +189,7 @@ bool OssNodeConversion::upgrade(OssSnBaseNode *node,
     };
     apply(after);
     OssUndoManager::instance()->record(
-        {}, [apply, before] { apply(before); }, [apply, after] { apply(after); });
+        {}, [apply, before] { apply(before); }, [apply, after] { apply(after); }, node);
     return true;
 }
 

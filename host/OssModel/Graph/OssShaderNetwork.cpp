@@ -171,6 +171,7 @@ OssSnBaseNode *OssShaderNetwork::insertNode(NodePointer node)
     if (m_byName.contains(inserted->name()))
         inserted->applyName(generateUniqueNodeName(inserted->name()));
     inserted->setNetwork(this);
+    inserted->setObjectName(inserted->name());
     auto at = m_nodes.end();
     while (at != m_nodes.begin() && (*std::prev(at))->m_serial > inserted->m_serial)
         --at;
@@ -203,6 +204,12 @@ OssShaderNetwork::NodePointer OssShaderNetwork::takeNode(OssSnBaseNode *node)
 void OssShaderNetwork::registerNode(OssSnBaseNode *node)
 {
     OssShaderNetworkManager::instance()->registerNode(this, node);
+    node->emitSystemShaderStatus();
+    if (const auto *group = qobject_cast<const OssSnGroupNode *>(node)) {
+        const QList<OssSnBaseNode *> inside = group->groupNetwork()->getAllNodes();
+        for (OssSnBaseNode *inner : inside)
+            inner->emitSystemShaderStatus();
+    }
     Q_EMIT nodesChanged();
 }
 

@@ -5,7 +5,7 @@
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkContextLoader.h"
 #include "OssModel/Graph/OssShadingGroup.h"
-#include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Types/OssSnTags.h"
 
 OssShaderNetworkManager::OssShaderNetworkManager()
@@ -190,6 +190,40 @@ void OssShaderNetworkManager::tellOfWiring(OssSnBaseNode *node)
 }
 
 // --- requests
+
+bool OssShaderNetworkManager::goToNode(OssSnBaseNode *node)
+{
+    if (!node || !node->network())
+        return false;
+    setCurrentShaderNetwork(node->network()->rootNetwork());
+    Q_EMIT node->gotoNode(); // opens the tab of the group that it is in
+    requestFocus(node);
+    return true;
+}
+
+bool OssShaderNetworkManager::requestViewer(OssSnBaseNode *node, int input)
+{
+    if (!node || !node->network())
+        return false;
+    OssShaderNetwork *root = node->network()->rootNetwork();
+    setCurrentShaderNetwork(root); // each object has a viewer of its own
+    // 0 is the current material's.
+    Q_EMIT node->attachViewerToNode(input > 0 ? input : qMax(1, root->viewerNodeCurrentEdge()));
+    return true;
+}
+
+void OssShaderNetworkManager::requestPortsInOrderOfPlaces(OssSnGroupNode *group)
+{
+    const OssUndoManager::AutoMacro macro(tr("Order Ports by Position"));
+    Q_EMIT reorderGroupInputsByPosRequested(group);
+    Q_EMIT reorderGroupOutputsByPosRequested(group);
+}
+
+void OssShaderNetworkManager::requestPlacesInOrderOfPorts(OssSnGroupNode *group)
+{
+    if (group)
+        Q_EMIT arrangeGroupInputNodesByOrderRequested(group->groupNetwork(), group->inputNames());
+}
 
 void OssShaderNetworkManager::requestLayout(OssShaderNetwork *network,
                                             const QList<OssSnBaseNode *> &nodes)

@@ -138,6 +138,40 @@ public:
     // --- requests: whoever can, answers
     void requestFocus(OssSnBaseNode *node) { Q_EMIT focusOnNodeRequest(node); }
 
+    /// Brings the user to a node, wherever it stands: its object and the tab of its network come into
+    /// view, and the node is selected, framed and flashes. False for a node that is in no network.
+    bool goToNode(OssSnBaseNode *node);
+
+    /// Wires the object's viewer to the node and looks at it, in one undo step. An input of 0: the one
+    /// that is looked at now. False for a node that is in no network.
+    bool requestViewer(OssSnBaseNode *node, int input = 0);
+
+    /// Moves `to` onto `from`, undoably.
+    void requestSamePosition(OssSnBaseNode *from, OssSnBaseNode *to)
+    {
+        Q_EMIT matchNodePositionRequest(from, to);
+    }
+
+    /// Opens the node's panel at the top, resp. after or before that of another node.
+    void requestProperties(OssSnBaseNode *node) { Q_EMIT showNodePropertiesRequest(node); }
+
+    void requestPropertiesAfter(OssSnBaseNode *node, OssSnBaseNode *target)
+    {
+        Q_EMIT showNodePropertiesAtPositionEndRequest(node, target, false);
+    }
+
+    void requestPropertiesBefore(OssSnBaseNode *node, OssSnBaseNode *target)
+    {
+        Q_EMIT showNodePropertiesAtPositionBeginRequest(node, target, false);
+    }
+
+    /// Puts the group's ports into the order in which the nodes that stand for them lie inside, from
+    /// the top. One undo step.
+    void requestPortsInOrderOfPlaces(OssSnGroupNode *group);
+    /// The other way round: the nodes that stand for inputs change places until they lie in the order
+    /// of the ports. One undo step.
+    void requestPlacesInOrderOfPorts(OssSnGroupNode *group);
+
     void requestLayout(OssShaderNetwork *network, const QList<OssSnBaseNode *> &nodes);
     /// Marks nodes and wires in colours until the next call.
     void setDebugNodes(const DebugNodes &nodes, const DebugInputs &inputs);

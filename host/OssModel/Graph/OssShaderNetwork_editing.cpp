@@ -96,7 +96,7 @@ OssSnBaseNode *OssShaderNetwork::createNode(const QString &pathKey, const QStrin
     removed->entries.push_back({node, nullptr});
     OssUndoManager::instance()->record(
         {}, [this, removed] { removed->takeFrom(this); },
-        [this, removed] { removed->putBack(this); });
+        [this, removed] { removed->putBack(this); }, node);
     if (OssSnGroupNode *group = parentGroupNode())
         group->onNodeAddedInside(node);
     node->onMadeFresh();
@@ -190,7 +190,7 @@ QList<OssSnBaseNode *> OssShaderNetwork::takeOverNodes(OssShaderNetwork *read)
     if (!inserted.isEmpty())
         OssUndoManager::instance()->record(
             {}, [this, removed] { removed->takeFrom(this); },
-            [this, removed] { removed->putBack(this); });
+            [this, removed] { removed->putBack(this); }, inserted.first());
     if (OssSnGroupNode *group = parentGroupNode()) {
         for (OssSnBaseNode *node : qAsConst(inserted))
             group->onNodeAddedInside(node);
@@ -344,5 +344,5 @@ void OssShaderNetwork::moveNodeHereUndo(OssSnBaseNode *node)
             home->insertNode(std::move(taken));
             home->registerNode(node);
         },
-        [this, node] { moveNodeHere(node); });
+        [this, node] { moveNodeHere(node); }, node);
 }

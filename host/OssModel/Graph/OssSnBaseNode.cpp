@@ -79,7 +79,7 @@ void OssSnBaseNode::setName(const QString &name)
     if (m_network) {
         OssUndoManager::instance()->record(
             tr("Rename %1").arg(before), [this, before] { applyName(before); },
-            [this, after] { applyName(after); });
+            [this, after] { applyName(after); }, this);
     }
 }
 
@@ -87,9 +87,15 @@ void OssSnBaseNode::applyName(const QString &name)
 {
     const QString before = m_name;
     m_name = name;
+    setObjectName(name);
     if (m_network)
         m_network->nodeWasRenamed(this, before);
     Q_EMIT nameChanged(m_name);
+    for (const OutgoingConnection &wire : qAsConst(m_outgoing)) {
+        if (wire.target->hasTag(OssSnTags::viewer()))
+            Q_EMIT wire.target
+                ->viewerNodeRequestUpdateVirtualEdge(); // which is named after the node
+    }
 }
 
 QString OssSnBaseNode::path() const
@@ -118,6 +124,8 @@ bool OssSnBaseNode::hasTag(const QString &tag) const
 void OssSnBaseNode::addTag(const QString &tag)
 {
     m_tags.insert(tag);
+    if (tag == OssSnTags::systemShader())
+        emitSystemShaderStatus();
 }
 
 QStringList OssSnBaseNode::tags() const

@@ -121,7 +121,8 @@ bool OssSnBaseNode::connectInput(const QString &input, OssSnBaseNode *source,
             [this, input, before] {
                 applyConnection(inputIndex(input), before.source, before.sourceOutput);
             },
-            [this, input, source, point] { applyConnection(inputIndex(input), source, point); });
+            [this, input, source, point] { applyConnection(inputIndex(input), source, point); },
+            this);
     }
     return true;
 }

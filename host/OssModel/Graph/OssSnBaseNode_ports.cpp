@@ -150,7 +150,7 @@ void OssSnBaseNode::addInput(const InputPort &port, int index)
     OssUndoManager::instance()->record(
         tr("Add Input %1").arg(port.name),
         [this, name = port.name] { applyRemoveInput(inputIndex(name)); },
-        [this, free, at] { applyInsertInput(free, at); });
+        [this, free, at] { applyInsertInput(free, at); }, this);
 }
 
 bool OssSnBaseNode::removeInput(const QString &name)
@@ -164,7 +164,7 @@ bool OssSnBaseNode::removeInput(const QString &name)
     applyRemoveInput(index);
     OssUndoManager::instance()->record(
         {}, [this, removed, index] { applyInsertInput(removed, index); },
-        [this, name] { applyRemoveInput(inputIndex(name)); });
+        [this, name] { applyRemoveInput(inputIndex(name)); }, this);
     return true;
 }
 
@@ -194,7 +194,7 @@ bool OssSnBaseNode::renameInput(const QString &oldName, const QString &newName)
     OssUndoManager::instance()->record(
         tr("Rename Input %1").arg(oldName),
         [this, oldName, newName] { applyRenameInput(newName, oldName); },
-        [this, oldName, newName] { applyRenameInput(oldName, newName); });
+        [this, oldName, newName] { applyRenameInput(oldName, newName); }, this);
     return true;
 }
 
@@ -221,7 +221,7 @@ bool OssSnBaseNode::reorderInputs(const QStringList &names)
     applyInputOrder(names);
     OssUndoManager::instance()->record(
         tr("Reorder Inputs"), [this, before] { applyInputOrder(before); },
-        [this, names] { applyInputOrder(names); });
+        [this, names] { applyInputOrder(names); }, this);
     return true;
 }
 
@@ -235,7 +235,7 @@ bool OssSnBaseNode::reorderOutputs(const QStringList &names)
     applyOutputOrder(names);
     OssUndoManager::instance()->record(
         tr("Reorder Outputs"), [this, before] { applyOutputOrder(before); },
-        [this, names] { applyOutputOrder(names); });
+        [this, names] { applyOutputOrder(names); }, this);
     return true;
 }
 
@@ -271,7 +271,7 @@ void OssSnBaseNode::setInputEnabled(const QString &name, bool enabled)
     apply(enabled);
     OssUndoManager::instance()->record(
         enabled ? tr("Enable Input %1").arg(name) : tr("Disable Input %1").arg(name),
-        [apply, enabled] { apply(!enabled); }, [apply, enabled] { apply(enabled); });
+        [apply, enabled] { apply(!enabled); }, [apply, enabled] { apply(enabled); }, this);
 }
 
 void OssSnBaseNode::setInputShared(const QString &name, bool shared)
@@ -294,7 +294,7 @@ void OssSnBaseNode::addOutputPoint(const OutputPoint &point, int index)
     OssUndoManager::instance()->record(
         tr("Add Output %1").arg(point.name),
         [this, name = point.name] { applyRemoveOutput(outputIndex(name)); },
-        [this, point, at] { applyInsertOutput(point, at); });
+        [this, point, at] { applyInsertOutput(point, at); }, this);
 }
 
 bool OssSnBaseNode::removeOutputPoint(const QString &name)
@@ -312,7 +312,7 @@ bool OssSnBaseNode::removeOutputPoint(const QString &name)
     applyRemoveOutput(index);
     OssUndoManager::instance()->record(
         {}, [this, removed, index] { applyInsertOutput(removed, index); },
-        [this, name] { applyRemoveOutput(outputIndex(name)); });
+        [this, name] { applyRemoveOutput(outputIndex(name)); }, this);
     return true;
 }
 
@@ -342,7 +342,7 @@ bool OssSnBaseNode::renameOutputPoint(const QString &oldName, const QString &new
     OssUndoManager::instance()->record(
         tr("Rename Output %1").arg(oldName),
         [this, oldName, newName] { applyRenameOutput(newName, oldName); },
-        [this, oldName, newName] { applyRenameOutput(oldName, newName); });
+        [this, oldName, newName] { applyRenameOutput(oldName, newName); }, this);
     return true;
 }
 

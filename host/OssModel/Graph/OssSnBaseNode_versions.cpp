@@ -143,6 +143,7 @@ void OssSnBaseNode::applyDefinition(const Definition &definition)
         onUserAttributeSet(attribute, false);
         Q_EMIT userAttributeChanged(attribute.name());
     }
+    emitSystemShaderStatus(); // tags are the type's
     Q_EMIT nodeRefreshed();
     Q_EMIT nodeStateRefreshed();
 }

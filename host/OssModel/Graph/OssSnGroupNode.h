@@ -54,6 +54,10 @@ public:
     bool addKnobLink(const QString &knob, OssSnBaseNode *node, const QString &attribute);
     /// Gives a knob another name to show; the attribute keeps its own.
     void renameKnobName(const QString &knob, const QString &oldName, const QString &newName);
+    /// Gives a knob another name, which is also what is shown, in its place and with its links. Knobs
+    /// of groups around that stand for it follow. The name that it got: made usable and free; empty
+    /// when there is no such knob or the name is blank. The attribute's old name is gone for scripts.
+    QString renameKnob(const QString &knob, const QString &wanted);
     /// Knobs only: what the group's type gave it stays.
     bool deleteAttribute(const QString &name);
     /// "Blur" of "Blur/Radius"; empty for an attribute in no section.
@@ -112,6 +116,7 @@ private:
     };
 
     QString freeKnobName(const QString &wanted) const;
+    void applyKnobName(const QString &oldName, const QString &newName, const QString &prettyName);
     void setKnobLinks(const QString &knob,
                       const QVector<OssLinkedCustomAttributeManager::Link> &links);
     void saveKnobLinks(OssSerializer &serializer) const;

@@ -8,6 +8,8 @@
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Types/OssSnTags.h"
 
+#include <QRegularExpression>
+
 // Knobs: attributes of a group that stand for attributes of nodes inside it.
 
 namespace {
@@ -70,7 +72,7 @@ void OssSnGroupNode::setKnobLinks(const QString &knob, const Links &links)
     linker()->setLinks(this, knob, links);
     OssUndoManager::instance()->record(
         {}, [this, knob, before] { linker()->setLinks(this, knob, before); },
-        [this, knob, links] { linker()->setLinks(this, knob, links); });
+        [this, knob, links] { linker()->setLinks(this, knob, links); }, this);
 }
 
 bool OssSnGroupNode::addKnobLink(const QString &knob, OssSnBaseNode *node, const QString &attribute)
@@ -206,7 +208,63 @@ void OssSnGroupNode::renameKnobName(const QString &knob, const QString &oldName,
     apply(newName);
     OssUndoManager::instance()->record(
         tr("Rename Knob %1").arg(oldName), [apply, oldName] { apply(oldName); },
-        [apply, newName] { apply(newName); });
+        [apply, newName] { apply(newName); }, this);
+}
+
+void OssSnGroupNode::applyKnobName(const QString &oldName, const QString &newName,
+                                   const QString &prettyName)
+{
+    const Links own = linker()->links(this, oldName);
+    const auto around = linker()->knobsOf(this, oldName);
+    {
+        const OssUndoManager::Pause pause;
+        if (oldName != newName) {
+            linker()->setLinks(this, oldName, {});
+            renameUserAttribute(oldName, newName);
+        }
+        OssCustomAttribute attribute = userAttribute(newName);
+        attribute.setPrettyName(prettyName);
+        setUserAttribute(attribute, false);
+    }
+    if (oldName != newName)
+        linker()->setLinks(this, newName, own);
+    for (const auto &knob : around) {
+        Links links = linker()->links(knob.group, knob.name);
+        for (auto &link : links) {
+            if (link.node == this && link.attribute == oldName)
+                link.attribute = newName;
+        }
+        linker()->setLinks(knob.group, knob.name, links);
+    }
+    if (oldName == newName)
+        Q_EMIT nodeAttributePrettyNameChanged(newName);
+    else
+        Q_EMIT nodeAttributeRenamed(oldName, newName);
+}
+
+QString OssSnGroupNode::renameKnob(const QString &knob, const QString &wanted)
+{
+    const QString shown = wanted.simplified();
+    if (!isKnob(knob) || shown.isEmpty())
+        return {};
+    // Of attributes a slash tells the section, and what begins with a line is not shown.
+    static const QRegularExpression atBegin(QStringLiteral("^_+"));
+    QString base = shown;
+    base.replace(QLatin1Char('/'), QLatin1Char('_')).remove(atBegin);
+    if (base.isEmpty())
+        base = QStringLiteral("Knob");
+    QString name = base;
+    for (int number = 2; name != knob && exists(name); ++number)
+        name = base + QLatin1Char('_') + QString::number(number);
+    const QString before = userAttribute(knob).prettyName();
+    if (name == knob && shown == before)
+        return name;
+    applyKnobName(knob, name, shown);
+    OssUndoManager::instance()->record(
+        tr("Rename Knob %1").arg(before),
+        [this, knob, name, before] { applyKnobName(name, knob, before); },
+        [this, knob, name, shown] { applyKnobName(knob, name, shown); }, this);
+    return name;
 }
 
 bool OssSnGroupNode::deleteAttribute(const QString &name)

@@ -49,6 +49,10 @@ public:
 
     void emitNodeStateRefreshed() { Q_EMIT nodeStateRefreshed(); }
 
+    /// Tells whoever marks system shaders that the node, or a group around it, became one or is none
+    /// any more.
+    void emitSystemShaderStatus() { Q_EMIT systemShaderStatusSync(); }
+
 Q_SIGNALS:
     void nameChanged(QString name);
     void descriptionChanged(QString description);

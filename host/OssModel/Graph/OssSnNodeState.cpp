@@ -16,7 +16,7 @@ void OssSnNodeState::setDescription(const QString &description)
     apply(description);
     OssUndoManager::instance()->record(
         tr("Describe %1").arg(m_name), [apply, before] { apply(before); },
-        [apply, description] { apply(description); });
+        [apply, description] { apply(description); }, this);
 }
 
 void OssSnNodeState::setEnabled(int enabled)
@@ -31,7 +31,7 @@ void OssSnNodeState::setEnabled(int enabled)
     apply(enabled);
     OssUndoManager::instance()->record(
         enabled ? tr("Enable %1").arg(m_name) : tr("Disable %1").arg(m_name),
-        [apply, before] { apply(before); }, [apply, enabled] { apply(enabled); });
+        [apply, before] { apply(before); }, [apply, enabled] { apply(enabled); }, this);
 }
 
 void OssSnNodeState::toggleDisable()
@@ -51,7 +51,7 @@ void OssSnNodeState::setBypassed(bool bypassed)
     apply(bypassed);
     OssUndoManager::instance()->record(
         tr("Bypass %1").arg(m_name), [apply, bypassed] { apply(!bypassed); },
-        [apply, bypassed] { apply(bypassed); });
+        [apply, bypassed] { apply(bypassed); }, this);
 }
 
 void OssSnNodeState::toggleBypass()
@@ -70,7 +70,7 @@ void OssSnNodeState::setLocked(bool locked)
     apply(locked);
     OssUndoManager::instance()->record(
         locked ? tr("Lock %1").arg(m_name) : tr("Unlock %1").arg(m_name),
-        [apply, locked] { apply(!locked); }, [apply, locked] { apply(locked); });
+        [apply, locked] { apply(!locked); }, [apply, locked] { apply(locked); }, this);
 }
 
 void OssSnNodeState::setCacheActive(int state)
@@ -85,7 +85,7 @@ void OssSnNodeState::setCacheActive(int state)
     apply(state);
     OssUndoManager::instance()->record(
         tr("Cache %1").arg(m_name), [apply, before] { apply(before); },
-        [apply, state] { apply(state); });
+        [apply, state] { apply(state); }, this);
 }
 
 void OssSnNodeState::setGuiActive(bool active)
@@ -168,5 +168,5 @@ void OssSnNodeState::setNodeAttributesUndo(const QStringList &nodeAttributes)
     Q_EMIT nodeAttributesSet();
     OssUndoManager::instance()->record(
         tr("Order Attributes of %1").arg(m_name), [apply, before] { apply(before); },
-        [apply, after] { apply(after); });
+        [apply, after] { apply(after); }, this);
 }

@@ -57,7 +57,9 @@ public:
 
     void setCacheActive(int state);
 
-    /// View state, not part of the document.
+    /// Whether its picture is looked at. View state, not part of the document; OssViewedNode sets it.
+    bool isGuiActive() const { return m_guiActive; }
+
     void setGuiActive(bool active);
 
     /// Why the node gives no result, in words; empty when it is well.

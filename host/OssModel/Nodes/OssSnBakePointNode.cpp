@@ -130,7 +130,7 @@ void OssSnBakePointNode::setBakedKey(const QString &key, const QList<int> &patch
     const QMap<int, Baked> before = m_baked;
     apply(baked);
     OssUndoManager::instance()->record(
-        tr("Bake %1").arg(name()), [=] { apply(before); }, [=] { apply(baked); });
+        tr("Bake %1").arg(name()), [=] { apply(before); }, [=] { apply(baked); }, this);
 }
 
 bool OssSnBakePointNode::syncGeoChannel() const

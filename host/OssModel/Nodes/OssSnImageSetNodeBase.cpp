@@ -39,7 +39,7 @@ void OssSnImageSetNodeBase::setImageSet(OssImageSet *set, bool notify)
     const QPointer<OssImageSet> after(set);
     OssUndoManager::instance()->record(
         tr("Set Images of %1").arg(name()), [apply, before] { apply(before); },
-        [apply, after] { apply(after); });
+        [apply, after] { apply(after); }, this);
 }
 
 void OssSnImageSetNodeBase::enablePropertiesBasedOnManagedByChannel()

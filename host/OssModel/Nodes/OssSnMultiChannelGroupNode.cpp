@@ -45,7 +45,8 @@ void OssSnMultiChannelGroupNode::setShaderModelId(const QString &id)
     const QString before = m_shaderModelId;
     apply(id);
     OssUndoManager::instance()->record(
-        tr("Set Shader Model"), [apply, before] { apply(before); }, [apply, id] { apply(id); });
+        tr("Set Shader Model"), [apply, before] { apply(before); }, [apply, id] { apply(id); },
+        this);
 }
 
 bool OssSnMultiChannelGroupNode::batchConnectInputNode(const QString &role,
@@ -89,18 +90,28 @@ QStringList OssSnMultiChannelGroupNode::outputsOf(const QString &stream) const
 void OssSnMultiChannelGroupNode::checkValidity()
 {
     bool valid = true;
+    QStringList ofStreams;
     const OssLayerShaderModel *model = shaderModel();
     const QStringList streams = model ? model->inputList() : QStringList();
     for (const QString &stream : streams) {
+        ofStreams += inputsOf(stream);
         for (const QString &input : inputsOf(stream))
             valid = valid && hasInput(input);
         for (const QString &output : outputsOf(stream))
             valid = valid && hasOutputPoint(output);
     }
     valid = valid && (model || !hasShaderModel());
+    const QStringList inputs = inputNames();
+    for (const QString &input : inputs)
+        setInputShared(input, !streams.isEmpty() && !ofStreams.contains(input));
     if (m_valid == valid)
         return;
     m_valid = valid;
+    // Clusters gather streams, and one that lacks a port is none.
+    if (valid)
+        Q_EMIT updatePortClusters();
+    else
+        Q_EMIT clearPortClusters();
     setErrorText(valid ? QString()
                        : tr("It does not have the streams of \"%1\"").arg(m_shaderModelId));
     Q_EMIT validityChanged();

@@ -12,13 +12,18 @@ namespace {
 /// Ways through teleports may close a loop that wires cannot.
 constexpr int LongestWay = 10000;
 
-OssSnProducer feeding(const OssSnBaseNode *node, const QString &input)
+using Way = QVector<OssSnWireEnd>;
+
+OssSnProducer feeding(const OssSnBaseNode *node, const QString &input, Way *way)
 {
     if (!node)
         return {};
     for (const OssSnBaseNode::InputPort &port : node->inputPorts()) {
-        if (port.name == input)
-            return port.enabled ? OssSnProducer{port.source, port.sourceOutput} : OssSnProducer();
+        if (port.name != input || !port.enabled || !port.source)
+            continue;
+        if (way)
+            way->append({node, input});
+        return {port.source, port.sourceOutput};
     }
     return {};
 }
@@ -35,11 +40,11 @@ bool passesOn(const OssSnBaseNode *node)
 }
 
 /// One step towards what computes; false when the node itself does.
-bool step(OssSnProducer *at)
+bool step(OssSnProducer *at, Way *way)
 {
     const OssSnBaseNode *node = at->node;
     if (!node->enabledAsBool() || node->isBypassed()) {
-        *at = feeding(node, OssShaderNetworkUtils::streamInput(node, at->outputPoint));
+        *at = feeding(node, OssShaderNetworkUtils::streamInput(node, at->outputPoint), way);
         return true;
     }
     if (const auto *group = qobject_cast<const OssSnGroupNode *>(node)) {
@@ -50,36 +55,36 @@ bool step(OssSnProducer *at)
                                        ? node->network()->parentGroupNode()
                                        : nullptr;
     if (around) {
-        *at = feeding(around, node->name());
+        *at = feeding(around, node->name(), way);
         return true;
     }
     const auto *teleport = qobject_cast<const OssSnBaseTeleportNode *>(node);
     if (teleport && !teleport->isBroadcast()) {
         const OssSnBaseNode *heard = OssSnTeleportNodeManager::instance()->broadcastNode(
             node->network(), teleport->channelName());
-        *at = feeding(heard, firstInput(heard));
+        *at = feeding(heard, firstInput(heard), way);
         return true;
     }
     if (!passesOn(node))
         return false;
-    *at = feeding(node, firstInput(node));
+    *at = feeding(node, firstInput(node), way);
     return true;
 }
 
 } // namespace
 
-OssSnProducer OssSnProducer::of(const OssSnBaseNode *node, const QString &outputPoint)
+OssSnProducer OssSnProducer::of(const OssSnBaseNode *node, const QString &outputPoint, Way *way)
 {
     OssSnProducer at{node, outputPoint};
-    for (int way = 0; at.node && step(&at); ++way) {
-        if (way > LongestWay)
+    for (int steps = 0; at.node && step(&at, way); ++steps) {
+        if (steps > LongestWay)
             return {};
     }
     return at;
 }
 
-OssSnProducer OssSnProducer::ofInput(const OssSnBaseNode *node, const QString &input)
+OssSnProducer OssSnProducer::ofInput(const OssSnBaseNode *node, const QString &input, Way *way)
 {
-    const OssSnProducer source = feeding(node, input);
-    return of(source.node, source.outputPoint);
+    const OssSnProducer source = feeding(node, input, way);
+    return of(source.node, source.outputPoint, way);
 }

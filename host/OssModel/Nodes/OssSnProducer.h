@@ -3,8 +3,16 @@
 #include "OssModel/OssModel_export.h"
 
 #include <QString>
+#include <QVector>
 
 class OssSnBaseNode;
+
+/// A wire by where it ends.
+struct OssSnWireEnd
+{
+    const OssSnBaseNode *node;
+    QString input;
+};
 
 /// An output that computes something. Null where nothing does.
 struct OssSnProducer
@@ -13,8 +21,11 @@ struct OssSnProducer
     QString outputPoint;
 
     /// What an output really comes from: through groups and the nodes that stand for their ports,
-    /// dots, teleports, and nodes that are disabled or bypassed and so pass on their stream.
-    OSSMODEL_EXPORT static OssSnProducer of(const OssSnBaseNode *node, const QString &outputPoint);
+    /// dots, teleports, and nodes that are disabled or bypassed and so pass on their stream. The wires
+    /// on the way are added to `way`, which may be null.
+    OSSMODEL_EXPORT static OssSnProducer of(const OssSnBaseNode *node, const QString &outputPoint,
+                                            QVector<OssSnWireEnd> *way = nullptr);
     /// The same for what feeds an input.
-    OSSMODEL_EXPORT static OssSnProducer ofInput(const OssSnBaseNode *node, const QString &input);
+    OSSMODEL_EXPORT static OssSnProducer ofInput(const OssSnBaseNode *node, const QString &input,
+                                                 QVector<OssSnWireEnd> *way = nullptr);
 };

@@ -3,9 +3,11 @@
 #include "OssCore/Documents/OssObjectCollection.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssGeoEntity.h"
+#include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssShadingGroup.h"
 #include "OssModel/Images/OssImage.h"
 #include "OssModel/Objects/OssImageSet.h"
+#include "OssModel/Project/OssProjectManager.h"
 
 #include <QBuffer>
 #include <QCryptographicHash>
@@ -38,7 +40,10 @@ OssGeoEntity *OssProject::addEntity(const QString &name)
 {
     m_entities.push_back(std::make_unique<OssGeoEntity>(name));
     OssGeoEntity *entity = m_entities.back().get();
-    entity->addShadingGroup(QStringLiteral("Shading"));
+    OssShadingGroup *shading = entity->addShadingGroup(QStringLiteral("Shading"));
+    // What a project has when it is opened, its manager tells of.
+    if (OssProjectManager::instance()->currentProject() == this)
+        OssShaderNetworkManager::instance()->addShaderNetwork(shading->network());
     return entity;
 }
 

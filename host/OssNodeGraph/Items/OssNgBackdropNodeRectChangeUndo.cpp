@@ -20,6 +20,12 @@ void OssNgBackdropNodeRectChangeUndo::redo()
     apply(m_newRect);
 }
 
+QList<QObject *> OssNgBackdropNodeRectChangeUndo::subjects() const
+{
+    QObject *node = m_node ? m_node->businessNode() : nullptr;
+    return node ? QList<QObject *>{node} : QList<QObject *>();
+}
+
 void OssNgBackdropNodeRectChangeUndo::apply(const QRectF &rect)
 {
     if (m_node)

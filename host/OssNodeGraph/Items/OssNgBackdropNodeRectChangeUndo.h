@@ -17,6 +17,8 @@ public:
 
     void undo() override;
     void redo() override;
+    /// What the item stands for.
+    QList<QObject *> subjects() const override;
 
 private:
     void apply(const QRectF &rect);

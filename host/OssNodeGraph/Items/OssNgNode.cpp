@@ -62,6 +62,7 @@ void OssNgNode::setText(const QString &text)
     if (m_text == text)
         return;
     m_text = text;
+    setObjectName(text); // what dumps know it by
     refresh();
 }
 

@@ -28,6 +28,12 @@ void OssNgNodePositionChangeUndo::redo()
     moveTo(m_newPosition);
 }
 
+QList<QObject *> OssNgNodePositionChangeUndo::subjects() const
+{
+    QObject *node = m_node ? m_node->businessNode() : nullptr;
+    return node ? QList<QObject *>{node} : QList<QObject *>();
+}
+
 bool OssNgNodePositionChangeUndo::mergeWith(const OssUndoStep &later)
 {
     const auto *move = dynamic_cast<const OssNgNodePositionChangeUndo *>(&later);

@@ -20,6 +20,8 @@ public:
 
     void undo() override;
     void redo() override;
+    /// What the item stands for.
+    QList<QObject *> subjects() const override;
     bool mergeWith(const OssUndoStep &later) override;
 
 private:

@@ -8,6 +8,7 @@
 #include "OssNodeGraph/Items/OssNgNode.h"
 #include "OssNodeGraph/Items/OssNgSceneIndex.h"
 #include "OssNodeGraph/View/OssNgAccessible.h"
+#include "OssNodeGraph/View/OssNgFlash.h"
 
 #include <QContextMenuEvent>
 #include <QGraphicsScene>
@@ -38,6 +39,7 @@ QString asMarkup(const QString &plain)
 
 OssNgView::OssNgView(QWidget *parent)
     : QGraphicsView(parent)
+    , m_flash(new OssNgFlash(this))
 {
     OssNgAccessible::install(); // before anything asks for this view's interface
     setFrameShape(QFrame::NoFrame);

@@ -15,6 +15,7 @@
 #include <vector>
 
 class OssNgEdge;
+class OssNgFlash;
 class OssNgGesture;
 class OssNgNode;
 class OssNgSceneIndex;
@@ -100,6 +101,12 @@ public:
     /// Viewport pixels.
     QRectF minimapRect() const;
     QPointF minimapToScene(const QPointF &viewportPos) const override;
+
+    /// Draws the eye to a node that the user was brought to.
+    void flashNode(OssNgNode *node);
+
+    /// Null while none flashes.
+    const OssNgNode *flashingNode() const;
 
 public Q_SLOTS:
     // About the pointer while it is over the graph, or about the centre where that is the anchor.
@@ -224,4 +231,5 @@ private:
     QTimer m_minimapTimer;
     QPointF m_glideTarget;
     QTimer m_glideTimer;
+    OssNgFlash *m_flash; ///< a child
 };

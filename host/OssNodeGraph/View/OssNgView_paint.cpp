@@ -3,6 +3,7 @@
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
 #include "OssNodeGraph/Gestures/OssNgGesture.h"
 #include "OssNodeGraph/Items/OssNgSceneIndex.h"
+#include "OssNodeGraph/View/OssNgFlash.h"
 #include "OssNodeGraph/View/OssNgRenderer.h"
 
 #include <QPainter>
@@ -76,15 +77,27 @@ void OssNgView::paintOverlay()
     const bool mapExposed = map
                             && m_exposed.intersects(
                                 minimapRect().toAlignedRect().adjusted(-1, -1, 1, 1));
-    if (!m_gesture && !mapExposed && m_dropGhostCount == 0)
+    if (!m_gesture && !mapExposed && m_dropGhostCount == 0 && !m_flash->node())
         return;
     QPainter painter(viewport());
     painter.setRenderHint(QPainter::Antialiasing);
     if (m_gesture)
         m_gesture->paint(&painter);
     paintDropGhost(&painter);
+    if (m_flash->node())
+        m_flash->paint(&painter);
     if (mapExposed)
         paintMinimap(&painter);
+}
+
+void OssNgView::flashNode(OssNgNode *node)
+{
+    m_flash->start(node);
+}
+
+const OssNgNode *OssNgView::flashingNode() const
+{
+    return m_flash->node();
 }
 
 // --- what is dragged in

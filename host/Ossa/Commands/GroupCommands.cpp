@@ -63,6 +63,14 @@ GroupCommands::GroupCommands(QObject *parent)
     Commands::file(this, QStringLiteral("/Ossa/NodeGraph/Add Group Input"), [] { addPort(true); });
     Commands::file(this, QStringLiteral("/Ossa/NodeGraph/Add Group Output"),
                    [] { addPort(false); });
+    Commands::file(this, QStringLiteral("/Ossa/NodeGraph/Order Ports by Position"), [] {
+        orderPorts(&OssShaderNetworkManager::requestPortsInOrderOfPlaces,
+                   tr("The ports are in the order of their nodes already"));
+    });
+    Commands::file(this, QStringLiteral("/Ossa/NodeGraph/Arrange Inputs by Order"), [] {
+        orderPorts(&OssShaderNetworkManager::requestPlacesInOrderOfPorts,
+                   tr("The nodes lie in the order of the inputs already"));
+    });
     Commands::file(this, QStringLiteral("/Ossa/NodeGraph/Export as Gizmo"),
                    [] { exportAsGizmo(); });
     Commands::file(this, QStringLiteral("/Ossa/NodeGraph/Export Material to Archive"),
@@ -146,6 +154,27 @@ void GroupCommands::addPort(bool input)
     else
         target->createOutput(name, OssSnDataKind::Color);
     OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
+}
+
+void GroupCommands::orderPorts(void (OssShaderNetworkManager::*request)(OssSnGroupNode *),
+                               const QString &nothingToDo)
+{
+    OssSnGroupNode *target = group();
+    if (!target) {
+        OssStatusManager::instance()->showMessage(
+            tr("Select the group whose ports are to be ordered"));
+        return;
+    }
+    OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
+    bool changed = false;
+    const auto listening = connect(OssUndoManager::instance(), &OssUndoManager::recorded,
+                                   [&changed] { changed = true; });
+    (networks->*request)(target);
+    disconnect(listening);
+    if (changed)
+        networks->emitNodeGraphIsManuallyChanged();
+    else
+        OssStatusManager::instance()->showMessage(nothingToDo);
 }
 
 void GroupCommands::exportAsGizmo()

@@ -3,6 +3,7 @@
 #include <QObject>
 
 class OssShaderNetwork;
+class OssShaderNetworkManager;
 class OssSnGroupNode;
 
 /// The application's own commands on groups, beside those that the node graph brings itself. They
@@ -21,6 +22,8 @@ private:
     static void groupSelected();
     static void ungroupSelected();
     static void addPort(bool input);
+    static void orderPorts(void (OssShaderNetworkManager::*request)(OssSnGroupNode *),
+                           const QString &nothingToDo);
     static void exportAsGizmo();
     static void exportArchive(bool material);
 };

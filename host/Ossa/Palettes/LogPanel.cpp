@@ -1,7 +1,9 @@
 #include "Ossa/Palettes/LogPanel.h"
 
+#include "Ossa/Common/NodeMention.h"
 #include "Ossa/Palettes/LogFilter.h"
 #include "Ossa/Palettes/LogModel.h"
+#include "OssModel/Graph/OssShaderNetworkManager.h"
 
 #include <QAction>
 #include <QApplication>
@@ -68,7 +70,24 @@ void LogPanel::addCopyAction()
     action->setShortcutContext(Qt::WidgetShortcut);
     connect(action, &QAction::triggered, this, &LogPanel::copy);
     m_view->addAction(action);
+    auto *goTo = new QAction(tr("Go to Node"), m_view);
+    connect(goTo, &QAction::triggered, this, [this] { goToNode(m_view->currentIndex()); });
+    m_view->addAction(goTo);
     m_view->setContextMenuPolicy(Qt::ActionsContextMenu);
+    connect(m_view, &QListView::activated, this, &LogPanel::goToNode);
+    connect(m_view->selectionModel(), &QItemSelectionModel::currentChanged, goTo,
+            [goTo](const QModelIndex &row) { goTo->setEnabled(nodeOf(row)); });
+    goTo->setEnabled(false);
+}
+
+OssSnBaseNode *LogPanel::nodeOf(const QModelIndex &row)
+{
+    return row.isValid() ? NodeMention::find(row.data().toString()) : nullptr;
+}
+
+void LogPanel::goToNode(const QModelIndex &row)
+{
+    OssShaderNetworkManager::instance()->goToNode(nodeOf(row));
 }
 
 void LogPanel::followEnd()

@@ -6,11 +6,14 @@
 
 class LogFilter;
 class LogModel;
+class OssSnBaseNode;
+class QAction;
+class QModelIndex;
 class QHBoxLayout;
 class QListView;
 
 /// The debug log: filtered by category and text, copied, cleared. Follows new lines while its end
-/// is in view.
+/// is in view. A line that speaks of a node leads to it, by a double click or the menu.
 class LogPanel : public QWidget
 {
     Q_OBJECT
@@ -27,6 +30,9 @@ private:
     void addCopyAction();
     void followEnd();
     void copy() const;
+    /// Of a line; null when it speaks of none.
+    static OssSnBaseNode *nodeOf(const QModelIndex &row);
+    static void goToNode(const QModelIndex &row);
 
     LogModel *m_model;
     LogFilter *m_filter;

@@ -1,6 +1,5 @@
 #include "Ossa/Palettes/ProblemsPanel.h"
 
-#include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Nodes/OssProblems.h"
@@ -69,11 +68,5 @@ void ProblemsPanel::refresh()
 
 void ProblemsPanel::show(const QTreeWidgetItem *row)
 {
-    OssSnBaseNode *node = nodeOf(row);
-    if (!node || !node->network())
-        return;
-    OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
-    networks->setCurrentShaderNetwork(node->network()->rootNetwork());
-    Q_EMIT node->gotoNode(); // opens the tab of the group that it is in
-    networks->requestFocus(node);
+    OssShaderNetworkManager::instance()->goToNode(nodeOf(row));
 }

@@ -1,23 +1,31 @@
 #include "Ossa/Scripting/ConsolePanel.h"
 
+#include "Ossa/Common/NodeMention.h"
 #include "Ossa/Common/Theme.h"
 #include "Ossa/Scripting/ConsoleInput.h"
 #include "Ossa/Scripting/ScriptEcho.h"
 #include "OssCore/Program/OssSettings.h"
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
+#include "OssInterface/Actions/OssMenu.h"
+#include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssScripting/OssScriptEngine.h"
 
 #include <QAction>
 #include <QFontDatabase>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QMenu>
 #include <QPlainTextEdit>
+#include <QPointer>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QTextBlock>
 #include <QTextCursor>
 
 #include <algorithm>
+#include <memory>
 
 namespace {
 
@@ -68,6 +76,8 @@ ConsolePanel::ConsolePanel(QWidget *parent)
     m_output->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     m_output->setAccessibleName(tr("Script output"));
     m_output->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    m_output->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(m_output, &QWidget::customContextMenuRequested, this, &ConsolePanel::openOutputMenu);
 
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(8, 8, 8, 8);
@@ -135,6 +145,23 @@ QWidget *ConsolePanel::makeBar()
 void ConsolePanel::submit(const QString &text, bool everything)
 {
     m_submitted = OssScriptEngine::instance()->runInput(text, everything) ? text : QString();
+}
+
+void ConsolePanel::openOutputMenu(const QPoint &position)
+{
+    const std::unique_ptr<QMenu> menu(m_output->createStandardContextMenu(position));
+    // What an error says is in its last line, which names the node.
+    OssSnBaseNode *node = NodeMention::find(m_output->cursorForPosition(position).block().text());
+    QAction *before = menu->actions().value(0);
+    auto *goTo = new QAction(
+        node ? tr("Go to %1").arg(OssMenu::asTyped(node->name())) : tr("Go to Node"), menu.get());
+    goTo->setEnabled(node);
+    const QPointer<OssSnBaseNode> target(node);
+    connect(goTo, &QAction::triggered, this,
+            [target] { OssShaderNetworkManager::instance()->goToNode(target); });
+    menu->insertAction(before, goTo);
+    menu->insertSeparator(before);
+    menu->exec(m_output->viewport()->mapToGlobal(position));
 }
 
 void ConsolePanel::focusInput() const

@@ -10,6 +10,7 @@ class QPushButton;
 class ScriptEcho;
 
 /// The script console: what scripts print, what the user does by hand as script lines, and an input.
+/// The menu of a line that names a node leads to it.
 class ConsolePanel : public QWidget
 {
     Q_OBJECT
@@ -26,6 +27,7 @@ public:
 
 private:
     QWidget *makeBar();
+    void openOutputMenu(const QPoint &position);
     void submit(const QString &text, bool everything);
     void onStarted(const QString &title);
     void onFinished(int exitCode);

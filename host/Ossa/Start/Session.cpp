@@ -1,6 +1,7 @@
 #include "Ossa/Start/Session.h"
 
 #include "Ossa/Commands/GroupCommands.h"
+#include "Ossa/Commands/MarkCommands.h"
 #include "Ossa/Common/ApplicationPreferences.h"
 #include "Ossa/Common/Theme.h"
 #include "Ossa/Headless/InfoCommand.h"
@@ -110,6 +111,7 @@ Session::Session(const CommandLine &line)
     m_services.start(&m_plugins);
     PluginActions::fileUnfiled(m_plugins);
     m_groupCommands = std::make_unique<GroupCommands>(nullptr);
+    m_markCommands = std::make_unique<MarkCommands>(nullptr);
     HostPalettes::registerAll();
 }
 
@@ -132,6 +134,7 @@ int Session::runWindow()
     window.restoreLayout();
     window.show();
     window.tellAbout(m_plugins.failures());
+    window.setPlugins(m_plugins.plugins());
     // What asks at the start is a loop of its own that the signal ended.
     if (signalled.received() == 0)
         window.openAtStart(m_line.project);

@@ -7,6 +7,7 @@
 #include <memory>
 
 class GroupCommands;
+class MarkCommands;
 
 /// One run of the program, from the application object to the teardown: makes the services, loads
 /// the plug-ins, does what the command line wants, and takes everything down while QApplication
@@ -30,4 +31,5 @@ private:
     HostServices m_services;
     PluginLoader m_plugins;
     std::unique_ptr<GroupCommands> m_groupCommands;
+    std::unique_ptr<MarkCommands> m_markCommands;
 };

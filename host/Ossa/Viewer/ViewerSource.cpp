@@ -6,6 +6,7 @@
 #include "OssEvaluation/Values/OssEvPatch.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Evaluation/OssSolo.h"
+#include "OssModel/Evaluation/OssViewedNode.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
@@ -25,19 +26,6 @@ constexpr int lookInterval = 60;  // milliseconds
 constexpr int longestHold = 1000; // milliseconds
 constexpr int coarseResolution = 256;
 constexpr double coarseShare = 0.1; // of the work
-
-/// What is looked at by itself, or else through the current network's viewer.
-OssSnProducer viewed(const OssShaderNetwork *network)
-{
-    const OssSolo *solo = OssSolo::instance();
-    if (solo->node())
-        return {solo->node(), solo->outputPoint()};
-    const OssSnBaseNode *viewer = network ? network->viewerNode() : nullptr;
-    if (!viewer)
-        return {};
-    const QString input = QString::number(network->rootNetwork()->viewerNodeCurrentEdge());
-    return {viewer->inputNode(input), viewer->inputOutputPoint(input)};
-}
 
 } // namespace
 
@@ -138,7 +126,7 @@ void ViewerSource::refresh()
 void ViewerSource::look()
 {
     const OssShaderNetwork *network = OssShaderNetworkManager::instance()->currentShaderNetwork();
-    const OssSnProducer now = viewed(network);
+    const OssSnProducer now = OssViewedNode::now();
     const bool isSolo = OssSolo::instance()->node();
     const bool other = now.node != m_shown.node || now.outputPoint != m_shown.outputPoint
                        || isSolo != m_shown.isSolo;

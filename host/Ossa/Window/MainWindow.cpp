@@ -16,6 +16,7 @@
 #include "Ossa/Window/StatusArea.h"
 #include "Ossa/Window/WelcomePanel.h"
 #include "Ossa/Window/WorkRecovery.h"
+#include "OssCore/Program/OssPluginInterface.h"
 #include "OssCore/Program/OssSettings.h"
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssInterface/Actions/OssShortcutManager.h"
@@ -223,10 +224,23 @@ void MainWindow::showCommandPalette()
 
 void MainWindow::showAbout()
 {
-    OssMessageBox::information(
-        this, tr("About Ossa"),
-        tr("<h3>Ossa %1</h3><p>Paints and generates textures with a node graph.</p>")
-            .arg(QApplication::applicationVersion()));
+    OssMessageBox::information(this, tr("About Ossa"), aboutText());
+}
+
+QString MainWindow::aboutText() const
+{
+    QString text = tr("<h3>Ossa %1</h3><p>Paints and generates textures with a node graph.</p>")
+                       .arg(QApplication::applicationVersion());
+    for (const PluginLoader::Plugin &plugin : m_plugins) {
+        OssPluginInterface *told = plugin.object ? plugin.interface : nullptr;
+        if (!told)
+            continue;
+        text += tr("<p><b>%1</b>, version %2<br>%3<br>%4<br>%5</p>")
+                    .arg(told->name().toHtmlEscaped(), QString::number(told->version()),
+                         told->description().toHtmlEscaped(), told->authorName().toHtmlEscaped(),
+                         told->legalNotice().toHtmlEscaped());
+    }
+    return text;
 }
 
 void MainWindow::refreshTitle()

@@ -25,6 +25,12 @@ public:
     /// Size, place and docks of the last session.
     void restoreLayout();
     void tellAbout(const QVector<PluginLoader::Failure> &failures);
+
+    /// What the box about the program lists.
+    void setPlugins(const QVector<PluginLoader::Plugin> &plugins) { m_plugins = plugins; }
+
+    /// The program and its plug-ins with author, version and legal notice, as markup.
+    QString aboutText() const;
     /// Opens the unsaved work that the user chose, asked now if not before; else the project of the
     /// given path; with none, what the preferences say.
     void openAtStart(const QString &path);
@@ -55,6 +61,7 @@ private:
     void openSoon(const QString &path);
     void saveLayout() const;
 
+    QVector<PluginLoader::Plugin> m_plugins;
     NotificationBar *m_notifications;
     PaletteDocks *m_docks;
     ProjectCommands *m_project;

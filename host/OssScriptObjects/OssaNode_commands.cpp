@@ -1,0 +1,165 @@
+#include "OssScriptObjects/OssaNode.h"
+
+#include "OssModel/Evaluation/OssDependencyMarks.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
+
+// What scripts ask of those who show nodes, and of a group's ports and knobs.
+
+namespace Ossa {
+
+namespace {
+
+OssShaderNetworkManager *networks()
+{
+    return OssShaderNetworkManager::instance();
+}
+
+} // namespace
+
+OssSnGroupNode *Node::group() const
+{
+    OssSnBaseNode *own = node();
+    auto *found = qobject_cast<OssSnGroupNode *>(own);
+    if (own && !found)
+        fail(OssScriptException::NotSupported,
+             QStringLiteral("The node \"%1\" is no group").arg(own->name()));
+    return found;
+}
+
+// --- showing
+
+void Node::goTo() const
+{
+    networks()->goToNode(node());
+}
+
+void Node::showProperties(Node *after, Node *before) const
+{
+    OssSnBaseNode *own = node();
+    OssSnBaseNode *above = own && after ? after->node() : nullptr;
+    OssSnBaseNode *below = own && before ? before->node() : nullptr;
+    if (!own || (after && !above) || (before && !below))
+        return;
+    if (above && below)
+        fail(OssScriptException::NotAllowed,
+             QStringLiteral("A panel goes after one node or before one, not both"));
+    else if (above)
+        networks()->requestPropertiesAfter(own, above);
+    else if (below)
+        networks()->requestPropertiesBefore(own, below);
+    else
+        networks()->requestProperties(own);
+}
+
+void Node::lookAt(int input) const
+{
+    OssSnBaseNode *own = node();
+    const OssSnBaseNode *viewer = own ? own->network()->viewerNode() : nullptr;
+    if (own && own->prefferedOutputPoint().isEmpty())
+        fail(OssScriptException::NotAllowed,
+             QStringLiteral("\"%1\" has nothing to look at").arg(own->name()));
+    else if (input < 0 || (viewer && input > 0 && !viewer->hasInput(QString::number(input))))
+        fail(OssScriptException::OutOfRange,
+             QStringLiteral("The viewer has no input %1").arg(input));
+    else if (own)
+        networks()->requestViewer(own, input);
+}
+
+void Node::matchPosition(Node *other) const
+{
+    OssSnBaseNode *own = node();
+    if (own && !other)
+        fail(OssScriptException::WrongType, QStringLiteral("None is no node"));
+    OssSnBaseNode *from = own && other ? other->node() : nullptr;
+    if (!from)
+        return;
+    if (from->network() != own->network())
+        fail(OssScriptException::NotAllowed,
+             QStringLiteral("\"%1\" and \"%2\" are in different networks")
+                 .arg(from->name(), own->name()));
+    else
+        networks()->requestSamePosition(from, own);
+}
+
+QVariantMap Node::markDependencies() const
+{
+    constexpr double UsualPatch = 2048.0 * 2048.0 * 1e3; // texels times milliseconds
+    QVariantMap costs;
+    OssSnBaseNode *own = node();
+    if (!own)
+        return costs;
+    OssDependencyMarks::instance()->mark({own});
+    const QVector<OssDependencyMarks::Cost> all = OssDependencyMarks::costs({own});
+    for (const OssDependencyMarks::Cost &cost : all)
+        costs.insert(cost.node->path(), cost.perTexel * UsualPatch);
+    return costs;
+}
+
+// --- inputs
+
+bool Node::isInputEnabled(const QString &input) const
+{
+    const OssSnBaseNode *own = nodeWithInput(input);
+    return own && own->isInputEnabled(input);
+}
+
+void Node::setInputEnabled(const QString &input, bool enabled)
+{
+    if (OssSnBaseNode *own = nodeWithInput(input))
+        own->setInputEnabled(input, enabled);
+}
+
+bool Node::isInputShared(const QString &input) const
+{
+    const OssSnBaseNode *own = nodeWithInput(input);
+    return own && own->sharedInputNames().contains(input);
+}
+
+// --- ports and knobs of groups
+
+QString Node::renameKnob(const QString &knob, const QString &name)
+{
+    OssSnGroupNode *own = group();
+    if (!own)
+        return {};
+    const QString got = own->renameKnob(knob, name);
+    if (got.isEmpty())
+        fail(OssScriptException::NotAllowed,
+             QStringLiteral("\"%1\" of \"%2\" cannot be called \"%3\"")
+                 .arg(knob, own->name(), name));
+    return got;
+}
+
+void Node::reorderInputs(const QStringList &names)
+{
+    OssSnBaseNode *own = node();
+    if (own && names != own->inputNames() && !own->reorderInputs(names))
+        fail(OssScriptException::NotAllowed,
+             QStringLiteral("The inputs of \"%1\" are %2, each once")
+                 .arg(own->name(), own->inputNames().join(QStringLiteral(", "))));
+}
+
+void Node::reorderOutputs(const QStringList &names)
+{
+    OssSnBaseNode *own = node();
+    if (own && names != own->outputPointNames() && !own->reorderOutputs(names))
+        fail(OssScriptException::NotAllowed,
+             QStringLiteral("The outputs of \"%1\" are %2, each once")
+                 .arg(own->name(), own->outputPointNames().join(QStringLiteral(", "))));
+}
+
+void Node::orderPortsByPosition()
+{
+    if (OssSnGroupNode *own = group())
+        networks()->requestPortsInOrderOfPlaces(own);
+}
+
+void Node::arrangeInputsByOrder()
+{
+    if (OssSnGroupNode *own = group())
+        networks()->requestPlacesInOrderOfPorts(own);
+}
+
+} // namespace Ossa

@@ -1,0 +1,50 @@
+#include "Ossa/Commands/MarkCommands.h"
+
+#include "Ossa/Commands/Commands.h"
+#include "OssCore/Program/OssStatusManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
+#include "OssModel/Evaluation/OssDependencyMarks.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
+
+MarkCommands::MarkCommands(QObject *parent)
+    : QObject(parent)
+{
+    Commands::file(this, QStringLiteral("/Ossa/Edit/Go to Last Change"), [] { goToLastChange(); });
+    Commands::file(this, QStringLiteral("/Ossa/NodeGraph/Mark Dependencies"),
+                   [] { markDependencies(); });
+    Commands::file(this, QStringLiteral("/Ossa/NodeGraph/Clear Marks"),
+                   [] { OssDependencyMarks::instance()->mark({}); });
+}
+
+bool MarkCommands::goToStep(int step)
+{
+    const QList<QObject *> subjects = OssUndoManager::instance()->subjects(step);
+    for (QObject *subject : subjects) {
+        if (OssShaderNetworkManager::instance()->goToNode(qobject_cast<OssSnBaseNode *>(subject)))
+            return true;
+    }
+    return false;
+}
+
+void MarkCommands::goToLastChange()
+{
+    if (!goToStep(OssUndoManager::instance()->index() - 1))
+        OssStatusManager::instance()->showMessage(
+            tr("The last step changed no node that is in a graph"));
+}
+
+void MarkCommands::markDependencies()
+{
+    const OssShaderNetwork *network = OssShaderNetworkManager::instance()->currentViewNetwork();
+    const QList<OssSnBaseNode *> nodes = network ? network->selectedNodes()
+                                                 : QList<OssSnBaseNode *>();
+    if (nodes.isEmpty()) {
+        OssStatusManager::instance()->showMessage(tr("Mark Dependencies: select nodes first"));
+        return;
+    }
+    OssDependencyMarks *marks = OssDependencyMarks::instance();
+    marks->mark(nodes);
+    OssStatusManager::instance()->showMessage(marks->inWords());
+}

@@ -139,6 +139,9 @@ OssShaderNetworkUpgradeView::OssShaderNetworkUpgradeView(QWidget *parent)
     row->addWidget(close);
     layout->addLayout(row);
     connect(close, &QPushButton::clicked, this, &QDialog::accept);
+    connect(OssShaderNetworkManager::instance(),
+            &OssShaderNetworkManager::registeredNodePopulationChanged, this,
+            [this] { showAnew(shownNodes()); });
 }
 
 OssShaderNetworkUpgradeView::~OssShaderNetworkUpgradeView() = default;
@@ -239,8 +242,9 @@ void OssShaderNetworkUpgradeView::onTreeWidgetCustomContextMenuRequested(QPoint 
     fillConversions(convert);
     if (QAction *active = upgrades.value(m_enteredColumn))
         menu.setActiveAction(active);
+    const int filling = m_fillings;
     QAction *chosen = menu.exec(m_tree->viewport()->mapToGlobal(pos));
-    if (!chosen)
+    if (!chosen || filling != m_fillings) // what was pointed at may be gone
         return;
     if (chosen == dump)
         dumpRows(item);
@@ -327,11 +331,7 @@ QList<QTreeWidgetItem *> OssShaderNetworkUpgradeView::selectedNodeRows() const
 
 void OssShaderNetworkUpgradeView::convertSelectedRows(const QString &pathKey)
 {
-    QList<OssSnBaseNode *> shown;
-    for (const QPointer<OssSnBaseNode> &node : qAsConst(m_nodes)) {
-        if (node)
-            shown.append(node);
-    }
+    QList<OssSnBaseNode *> shown = shownNodes();
     QList<QPointer<OssSnBaseNode>> wanted;
     const QList<QTreeWidgetItem *> rows = selectedNodeRows();
     for (const QTreeWidgetItem *row : rows) {
@@ -354,17 +354,32 @@ void OssShaderNetworkUpgradeView::convertSelectedRows(const QString &pathKey)
                 shown[index] = converted;
         }
     }
-    shown.erase(std::remove_if(shown.begin(), shown.end(),
+    showAnew(shown); // nodes of another type stand under another version
+    if (!m_lost.isEmpty())
+        report(m_lost);
+}
+
+QList<OssSnBaseNode *> OssShaderNetworkUpgradeView::shownNodes() const
+{
+    QList<OssSnBaseNode *> shown;
+    for (const QPointer<OssSnBaseNode> &node : m_nodes) {
+        if (node)
+            shown.append(node);
+    }
+    return shown;
+}
+
+void OssShaderNetworkUpgradeView::showAnew(QList<OssSnBaseNode *> nodes)
+{
+    nodes.erase(std::remove_if(nodes.begin(), nodes.end(),
                                [](const OssSnBaseNode *node) { return !isInDocument(node); }),
-                shown.end());
-    // Nodes of another type stand under another version.
+                nodes.end());
+    ++m_fillings;
     m_enteredItem = nullptr;
     m_tree->clear();
     m_nodes.clear();
-    populateNodes(shown);
+    populateNodes(nodes);
     m_tree->expandAll();
-    if (!m_lost.isEmpty())
-        report(m_lost);
 }
 
 void OssShaderNetworkUpgradeView::report(const QStringList &lost)

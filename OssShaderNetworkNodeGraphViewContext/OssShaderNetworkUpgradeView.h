@@ -39,6 +39,10 @@ private:
     /// What could not be kept is told once, where the user looks, without a box to close.
     void report(const QStringList &lost);
     QList<QTreeWidgetItem *> selectedNodeRows() const;
+    /// As far as they live.
+    QList<OssSnBaseNode *> shownNodes() const;
+    /// Those of the nodes that are in the document, against the types as they are now.
+    void showAnew(QList<OssSnBaseNode *> nodes);
 
     QTreeWidget *m_tree;
     QLabel *m_report;
@@ -46,4 +50,5 @@ private:
     int m_enteredColumn = -1;
     QList<QPointer<OssSnBaseNode>> m_nodes;
     QStringList m_lost;
+    int m_fillings = 0; ///< how often the rows were made anew
 };

@@ -96,6 +96,7 @@ OssSnBaseNode *OssShaderNetworkView::createNodeAt(const QString &pathKey, const 
     const QList<OssSnBaseNode *> made = m_network->createNodes(pathKey);
     if (made.size() != 1) {
         macro.cancel();
+        tellUser(tr("There is no kind of node \"%1\"").arg(pathKey));
         return nullptr;
     }
     OssSnBaseNode *node = made.first();

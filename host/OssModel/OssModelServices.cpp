@@ -16,6 +16,7 @@
 #include "OssModel/Layers/OssMaterialPaintManager.h"
 #include "OssModel/Nodes/OssBakePointWatch.h"
 #include "OssModel/Nodes/OssLayerShaderModelManager.h"
+#include "OssModel/Project/OssNodeTypeWatch.h"
 #include "OssModel/Nodes/OssProblems.h"
 #include "OssModel/Nodes/OssSnNodeClasses.h"
 #include "OssModel/Nodes/OssSnTeleportNodeManager.h"
@@ -27,6 +28,7 @@ struct OssModelServices::Services
     OssCoreServices core;
     OssFileWatch files;
     OssShaderNetworkManager networks;
+    OssNodeTypeWatch nodeTypes;
     OssLinkedCustomAttributeManager links;
     OssSnTeleportNodeManager teleports;
     OssLayerShaderModelManager shaderModels;

@@ -3,6 +3,7 @@
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssSnNodeFactory.h"
 #include "OssModel/Types/OssSnNodeTypeLibrary.h"
+#include "support/OssaFiles.h"
 
 #include <gtest/gtest.h>
 
@@ -160,6 +161,96 @@ TEST(NodeTypeLibrary, aTakenKeyIsToldAndTheFirstStays)
     ASSERT_EQ(faults.size(), 1);
     EXPECT_TRUE(faults.first().contains(QStringLiteral("b.xml")));
     EXPECT_EQ(library.find(QStringLiteral("A/B"))->kernel, QStringLiteral("a.xml"));
+}
+
+/// A folder whose types come and go beside one that is installed.
+class ChangingTypes : public testing::Test
+{
+protected:
+    ChangingTypes()
+    {
+        OssResult result;
+        m_library.add(OssSnNodeType::read("<NodeType PathKey=\"A/Installed\"/>",
+                                          QStringLiteral("t"), &result));
+    }
+
+    /// Empty: no file.
+    void put(const char *file, const QByteArray &attributes)
+    {
+        const QString path = m_folder.filePath(QString::fromLatin1(file));
+        if (attributes.isEmpty())
+            QFile::remove(path);
+        else
+            writeFile(path, "<NodeType " + attributes + "</NodeType>");
+    }
+
+    /// "+" new, "~" changed, "-" gone, "!" refused and why.
+    QString read()
+    {
+        OssSnNodeTypeLibrary::Changes changes;
+        const QStringList faults = m_library.readChangingFolder(m_folder.path(), &changes);
+        QStringList words;
+        for (const QString &key : qAsConst(changes.added))
+            words.append(QLatin1Char('+') + key);
+        for (const QString &key : qAsConst(changes.changed))
+            words.append(QLatin1Char('~') + key);
+        for (const QString &key : qAsConst(changes.removed))
+            words.append(QLatin1Char('-') + key);
+        for (QString fault : faults)
+            words.append(QLatin1Char('!') + fault.remove(m_folder.path() + QLatin1Char('/')));
+        EXPECT_EQ(changes.isEmpty(), words.size() == faults.size());
+        return words.join(QLatin1Char(' '));
+    }
+
+    OssSnNodeTypeLibrary::TypePointer find(const char *key) const
+    {
+        return m_library.find(QString::fromLatin1(key));
+    }
+
+    QTemporaryDir m_folder;
+    OssSnNodeTypeLibrary m_library;
+};
+
+TEST_F(ChangingTypes, comeChangeAndGoAndStayTheSameWhereNothingChanged)
+{
+    put("a.xml", "PathKey=\"My/A\">");
+    put("b.xml", "PathKey=\"My/B\">");
+    EXPECT_EQ(read().toStdString(), "+My/A +My/B");
+    const auto before = find("My/A");
+    const auto other = find("My/B");
+    EXPECT_EQ(read().toStdString(), "");
+    put("a.xml", "PathKey=\"My/A\" Date=\"2026-11-01\">");
+    EXPECT_EQ(read().toStdString(), "~My/A");
+    EXPECT_NE(find("My/A"), before);
+    EXPECT_EQ(m_library.findByVersion(find("My/A")->versionUUID), find("My/A"));
+    EXPECT_EQ(find("My/B"), other);
+    put("a.xml", {});
+    EXPECT_EQ(read().toStdString(), "-My/A");
+    EXPECT_EQ(find("My/A"), nullptr);
+    EXPECT_EQ(m_library.findByVersion(before->versionUUID), nullptr);
+    EXPECT_NE(find("A/Installed"), nullptr);
+    put("b.xml", "PathKey=\"My/C\">");
+    EXPECT_EQ(read().toStdString(), "+My/C -My/B");
+}
+
+TEST_F(ChangingTypes, takeNoPlaceOfOthersOrOfTheApplication)
+{
+    put("1.xml", "PathKey=\"A/Installed\">");
+    put("2.xml", "PathKey=\"_System/Viewer\">");
+    put("3.xml", "PathKey=\"My/C\"><Tags><Tag>_viewer</Tag></Tags>");
+    put("4.xml", "PathKey=\"My/D\" VersionUUID=\"OSS_A_Installed\">");
+    put("5.xml", "PathKey=\"My/E\">");
+    put("6.xml", "PathKey=\"My/E\">");
+    put("7.xml", "PathKey=\"My/F\" VersionUUID=\"OSS_My_E\">");
+    put("8.xml", "Path=\"My/G\">");
+    const QString told = read();
+    EXPECT_TRUE(told.startsWith(QStringLiteral("+My/E "))) << qPrintable(told);
+    EXPECT_EQ(told.count(QLatin1Char('!')), 7) << qPrintable(told);
+    for (const char *reason :
+         {"1.xml\": the key \"A/Installed\" is taken", "the application's own",
+          "3.xml\": the tag \"_viewer\"", "4.xml\": the version id \"OSS_A_Installed\"",
+          "6.xml\": the key \"My/E\"", "7.xml\": the version id", "8.xml"})
+        EXPECT_TRUE(told.contains(QString::fromLatin1(reason))) << reason << qPrintable(told);
 }
 
 } // namespace

@@ -277,6 +277,9 @@ TEST_F(Streams, inputsThatBelongToAllStreamsAreSharedAlsoAfterSavingAndUndoing)
 {
     EXPECT_EQ(m_merge->sharedInputNames(), QStringList{text("Mask")});
     EXPECT_TRUE(m_material->sharedInputNames().isEmpty());
+    m_merge->setShaderModelId({});
+    EXPECT_TRUE(m_merge->sharedInputNames().isEmpty()) << "there are no streams";
+    OssUndoManager::instance()->undo();
     m_merge->createInput(text("Extra"), OssSnDataKind::Scalar);
     EXPECT_EQ(m_merge->sharedInputNames(), QStringList({text("Mask"), text("Extra")}));
     OssUndoManager::instance()->undo();

@@ -1,9 +1,16 @@
+#include "OssCore/Program/OssSettings.h"
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssCore/Values/OssUserEnum.h"
 #include "OssModel/Graph/OssShaderNetworkIO.h"
 #include "OssModel/Graph/OssSnNodeFactory.h"
+#include "OssModel/Project/OssNodeTypeWatch.h"
 #include "support/ModelFixture.h"
+#include "support/OssaFiles.h"
 
+#include <QDir>
+#include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QTest>
 
 namespace {
 
@@ -318,6 +325,94 @@ TEST_F(Versions, filesDoNotRedefineTheApplicationsOwnTypes)
     ASSERT_TRUE(OssShaderNetworkIO::nodesFromText(group->groupNetwork(), text, {}, &inserted));
     ASSERT_EQ(inserted.size(), 1);
     EXPECT_TRUE(inserted.first()->hasTag(QStringLiteral("_input")));
+}
+
+/// The user's folder, watched.
+class OwnTypes : public ModelFixture
+{
+protected:
+    void SetUp() override
+    {
+        ModelFixture::SetUp();
+        // Nothing of the folder is there when it begins.
+        m_config = OssSettings::folderPath();
+        qputenv("OSSA_CONFIG_DIR", m_folder.filePath(QStringLiteral("a/b")).toLocal8Bit());
+        OssNodeTypeWatch::instance()->start();
+        ASSERT_TRUE(OssNodeTypeWatch::makeFolder());
+    }
+
+    void TearDown() override
+    {
+        ModelFixture::TearDown();
+        QDir(OssNodeTypeWatch::folderPath()).removeRecursively();
+        OssNodeTypeWatch::instance()->start();
+        EXPECT_EQ(OssShaderNetworkManager::instance()->nodeType(Key), nullptr);
+        qputenv("OSSA_CONFIG_DIR", m_config.toLocal8Bit());
+    }
+
+    static void put(const char *date, const char *kernel = "blur")
+    {
+        writeFile(OssNodeTypeWatch::folderPath() + QStringLiteral("/mine.xml"),
+                  QByteArray("<NodeType PathKey=\"My/Own\" Kernel=\"") + kernel + "\" Date=\""
+                      + date
+                      + "\"><Inputs><Input Name=\"Input\"/></Inputs>"
+                        "<Outputs><Output Name=\"Output\"/></Outputs></NodeType>");
+    }
+
+    /// Of the type as it is known; empty: it is not.
+    static bool waitForDate(const QString &date)
+    {
+        return QTest::qWaitFor([&date] {
+            const auto type = OssShaderNetworkManager::instance()->nodeType(Key);
+            return (type ? type->date : QString()) == date;
+        });
+    }
+
+    inline static const QString Key = QStringLiteral("My/Own");
+    QTemporaryDir m_folder;
+    QString m_config;
+};
+
+TEST_F(OwnTypes, areKnownWhileTheProgramRunsAndNodesStayWhatTheyWereUntilUpgraded)
+{
+    OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
+    QSignalSpy population(networks, &OssShaderNetworkManager::registeredNodePopulationChanged);
+    put("2026-01-01");
+    ASSERT_TRUE(waitForDate(QStringLiteral("2026-01-01")));
+    EXPECT_EQ(population.count(), 1);
+    OssSnBaseNode *node = add("My/Own");
+    ASSERT_NE(node, nullptr);
+    const QString uuid = node->versionUUID();
+    EXPECT_EQ(node->versionHashPresent(), networks->hashStringForVersionUUID(uuid));
+
+    put("2026-02-01", "invert");
+    ASSERT_TRUE(waitForDate(QStringLiteral("2026-02-01")));
+    EXPECT_EQ(node->nodeType()->kernel, QStringLiteral("blur"));
+    EXPECT_NE(node->versionHashPresent(), networks->hashStringForVersionUUID(uuid));
+    EXPECT_TRUE(networks->upgradeNode(node));
+    EXPECT_EQ(node->nodeType()->kernel, QStringLiteral("invert"));
+    EXPECT_EQ(node->versionHashPresent(), networks->hashStringForVersionUUID(uuid));
+
+    QFile::remove(OssNodeTypeWatch::folderPath() + QStringLiteral("/mine.xml"));
+    ASSERT_TRUE(waitForDate(QString()));
+    EXPECT_EQ(node->nodeType()->kernel, QStringLiteral("invert")) << "it stays what it is";
+    EXPECT_TRUE(networks->hashStringForVersionUUID(uuid).isEmpty());
+    const ExpectedLog expected("My/Own");
+    EXPECT_EQ(add("My/Own"), nullptr);
+}
+
+TEST_F(OwnTypes, whatCannotBeUsedIsToldWithFileAndReason)
+{
+    QString told;
+    const auto listening = QObject::connect(OssStatusManager::instance(),
+                                            &OssStatusManager::messageShown,
+                                            [&told](const QString &text) { told = text; });
+    const ExpectedLog expected("mine.xml");
+    writeFile(OssNodeTypeWatch::folderPath() + QStringLiteral("/mine.xml"),
+              "<NodeType PathKey=\"Filter/Blur\"/>");
+    EXPECT_TRUE(QTest::qWaitFor([&told] { return told.contains(QStringLiteral("mine.xml")); }));
+    EXPECT_TRUE(told.contains(QStringLiteral("\"Filter/Blur\" is taken")));
+    QObject::disconnect(listening);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "GraphFixture.h"
 #include "OssModel/Graph/OssSnNodeFactory.h"
 #include "OssShaderNetworkUpgradeView.h"
+#include "support/OssaFiles.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -290,6 +291,32 @@ TEST_F(VersionControl, besideTheRowsThereIsNoMenuAndItsEndIsNoChoice)
     EXPECT_EQ(undoCount(), 0);
     EXPECT_EQ(m_project->stateHash(), m_start);
     EXPECT_FALSE(m_dialog->findChildren<QLabel *>().first()->isVisible());
+}
+
+TEST_F(VersionControl, rowsFollowTheTypesWhileTheWindowIsOpen)
+{
+    const QTemporaryDir folder;
+    OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
+    const auto read = [&](const char *date) {
+        const QString path = folder.filePath(text("own.xml"));
+        // Another port each month.
+        if (*date != 0)
+            writeFile(path, description("My/Own", date).replace("Gone", date));
+        else
+            QFile::remove(path);
+        OssSnNodeTypeLibrary::Changes changes;
+        networks->readUserNodeTypes(folder.path(), &changes);
+    };
+    read("2026-01-01");
+    OssSnBaseNode *own = add("My/Own");
+    OssUndoManager::instance()->clear();
+    fill({own});
+    EXPECT_EQ(texts(version()), text("1||||"));
+    read("2026-02-01");
+    EXPECT_EQ(version()->text(Date), text("2026-02-01"));
+    EXPECT_EQ(texts(version()), text("|1|1||"));
+    read("");
+    EXPECT_EQ(version()->text(Hash), text("<EMPTY>"));
 }
 
 } // namespace

@@ -37,6 +37,17 @@ QStringList OssShaderNetworkManager::loadNodeTypes(const QString &folder)
     return faults;
 }
 
+QStringList OssShaderNetworkManager::readUserNodeTypes(const QString &folder,
+                                                       OssSnNodeTypeLibrary::Changes *changes)
+{
+    const QStringList faults = m_types.readChangingFolder(folder, changes);
+    for (const QString &fault : faults)
+        OssDebug("OssShaderNetworkManager", __LINE__, "[ !! ] %s", qPrintable(fault));
+    if (!changes->isEmpty())
+        Q_EMIT registeredNodePopulationChanged();
+    return faults;
+}
+
 bool OssShaderNetworkManager::registerNodeType(const OssSnNodeTypeLibrary::TypePointer &type)
 {
     if (!m_types.add(type))

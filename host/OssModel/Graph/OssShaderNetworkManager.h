@@ -45,6 +45,9 @@ public:
     // --- node types
     /// Reads the descriptions in a folder; faults are debug lines and returned.
     QStringList loadNodeTypes(const QString &folder);
+    /// The same for the user's own types, which may have come, changed or gone since the last time. Nodes
+    /// stay what they were made from.
+    QStringList readUserNodeTypes(const QString &folder, OssSnNodeTypeLibrary::Changes *changes);
     bool registerNodeType(const OssSnNodeTypeLibrary::TypePointer &type);
     OssSnNodeTypeLibrary::TypePointer nodeType(const QString &pathKey) const;
     /// Every type that can be made in a node graph.

@@ -3,10 +3,17 @@
 #include "Ossa/Commands/Commands.h"
 #include "Ossa/Dialogs/PreferencesDialog.h"
 #include "Ossa/Dialogs/ShortcutEditor.h"
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Actions/OssMenu.h"
+#include "OssInterface/Popups/OssApplication.h"
+#include "OssInterface/Popups/OssMessageBox.h"
+#include "OssModel/Project/OssNodeTypeWatch.h"
 
 #include <QAction>
+#include <QDesktopServices>
+#include <QDir>
+#include <QUrl>
 #include <QWidget>
 
 namespace {
@@ -34,6 +41,8 @@ EditCommands::EditCommands(QWidget *window)
                    [this] { showPreferences(); });
     Commands::file(this, QStringLiteral("/Ossa/Edit/Keyboard Shortcuts..."),
                    [this] { showShortcuts(); });
+    Commands::file(this, QStringLiteral("/Ossa/Edit/Node Type Folder"),
+                   [this] { showNodeTypeFolder(); });
     connect(history, &OssUndoManager::changed, this, &EditCommands::refresh);
     refresh();
 }
@@ -45,6 +54,20 @@ void EditCommands::refresh()
     OssCommandTable::setHolds(OssCommandTable::WithRedo, history->canRedo());
     showStep(m_undo, undoPath, history->undoText());
     showStep(m_redo, redoPath, history->redoText());
+}
+
+void EditCommands::showNodeTypeFolder()
+{
+    const OssResult made = OssNodeTypeWatch::makeFolder();
+    const QString path = OssNodeTypeWatch::folderPath();
+    if (!made) {
+        OssMessageBox::warning(m_window, tr("Node Type Folder"), made.error());
+        return;
+    }
+    OssStatusManager::instance()->showMessage(QDir::toNativeSeparators(path));
+    // Where nothing shows folders the status bar has to do.
+    if (OssApplication::popupsAllowed())
+        QDesktopServices::openUrl(QUrl::fromLocalFile(path));
 }
 
 void EditCommands::showPreferences()

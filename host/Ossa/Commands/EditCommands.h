@@ -17,6 +17,7 @@ public:
 
 private:
     void refresh();
+    void showNodeTypeFolder();
     void showPreferences();
     void showShortcuts();
 

@@ -3,6 +3,7 @@
 #include "Ossa/Headless/InfoCommand.h"
 #include "OssCore/Program/OssResourceInfo.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Project/OssNodeTypeWatch.h"
 #include "OssModel/OssModelServices.h"
 
 #include <QCoreApplication>
@@ -25,6 +26,7 @@ int main(int argc, char **argv)
     QCoreApplication::setApplicationName(QStringLiteral("Ossa"));
     const OssModelServices services;
     OssShaderNetworkManager::instance()->loadNodeTypes(OssResourceInfo::instance()->nodeTypePath());
+    OssNodeTypeWatch::instance()->start();
     if (line.command == CommandLine::Info)
         return runInfoCommand(line.project, false);
     return line.command == CommandLine::Export ? runExportCommand(line.textures)

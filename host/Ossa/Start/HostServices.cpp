@@ -3,6 +3,7 @@
 #include "Ossa/Plugins/PluginLoader.h"
 #include "OssCore/Program/OssResourceInfo.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Project/OssNodeTypeWatch.h"
 #include "OssModel/Project/OssProjectManager.h"
 
 HostServices::~HostServices()
@@ -14,5 +15,6 @@ HostServices::~HostServices()
 void HostServices::start(PluginLoader *plugins)
 {
     OssShaderNetworkManager::instance()->loadNodeTypes(OssResourceInfo::instance()->nodeTypePath());
+    OssNodeTypeWatch::instance()->start();
     plugins->load(OssResourceInfo::instance()->pluginPath());
 }

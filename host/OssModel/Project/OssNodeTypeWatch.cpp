@@ -1,0 +1,82 @@
+#include "OssModel/Project/OssNodeTypeWatch.h"
+
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Program/OssSettings.h"
+#include "OssCore/Program/OssStatusManager.h"
+#include "OssModel/Graph/OssShaderNetworkManager.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFileInfo>
+
+namespace {
+
+constexpr int Pause = 250; // milliseconds
+
+} // namespace
+
+OssNodeTypeWatch::OssNodeTypeWatch()
+{
+    m_soon.setSingleShot(true);
+    m_soon.setInterval(Pause);
+    connect(&m_soon, &QTimer::timeout, this, &OssNodeTypeWatch::read);
+    const auto readSoon = qOverload<>(&QTimer::start);
+    connect(&m_watcher, &QFileSystemWatcher::directoryChanged, &m_soon, readSoon);
+    connect(&m_watcher, &QFileSystemWatcher::fileChanged, &m_soon, readSoon);
+}
+
+QString OssNodeTypeWatch::folderPath()
+{
+    return QDir(OssSettings::folderPath()).filePath(QStringLiteral("NodeTypes"));
+}
+
+OssResult OssNodeTypeWatch::makeFolder()
+{
+    return QDir().mkpath(folderPath())
+               ? OssResult()
+               : OssResult::failure(tr("The folder \"%1\" cannot be made")
+                                        .arg(QDir::toNativeSeparators(folderPath())));
+}
+
+void OssNodeTypeWatch::start()
+{
+    read();
+}
+
+void OssNodeTypeWatch::watch()
+{
+    // The nearest folder above that there is tells when this one, or one on the way to it, comes.
+    QDir above(folderPath());
+    while (!above.exists() && !above.isRoot())
+        above.setPath(QFileInfo(above.path()).path());
+    QStringList paths{above.path(), folderPath()};
+    QDirIterator inside(folderPath(), {QStringLiteral("*.xml")},
+                        QDir::Files | QDir::AllDirs | QDir::NoDotAndDotDot,
+                        QDirIterator::Subdirectories);
+    while (inside.hasNext())
+        paths.append(inside.next());
+    const QStringList known = m_watcher.files() + m_watcher.directories();
+    for (const QString &path : qAsConst(paths)) {
+        if (!known.contains(path) && QFileInfo::exists(path))
+            m_watcher.addPath(path);
+    }
+}
+
+void OssNodeTypeWatch::read()
+{
+    watch();
+    OssSnNodeTypeLibrary::Changes changes;
+    const QStringList faults = OssShaderNetworkManager::instance()->readUserNodeTypes(folderPath(),
+                                                                                      &changes);
+    const QString words = tr("Node types of your own: %1 new, %2 changed, %3 gone")
+                              .arg(changes.added.size())
+                              .arg(changes.changed.size())
+                              .arg(changes.removed.size());
+    if (!changes.isEmpty())
+        OssDebug("OssNodeTypeWatch", __LINE__, "[ -- ] %s", qPrintable(words));
+    if (!faults.isEmpty())
+        OssStatusManager::instance()->showMessage(faults.first());
+    else if (!changes.isEmpty() && !m_isFirst)
+        OssStatusManager::instance()->showMessage(words);
+    m_isFirst = false;
+}

@@ -117,6 +117,11 @@ class Project(Object):
         """Writes the textures of the materials as a preset says, a name or a file, and returns their paths. Options: 'resolution', 'padding' (pixels; -1 fills everything), 'version', 'patches' ('1001-1004'), 'materials' ('OBJECT/MATERIAL'), 'channels', 'constants'."""
     @overload
     def exportTextures(self, preset: str, folder: str) -> list[str]: ...
+    @overload
+    def exportGltf(self, path: str, options: dict[str, Any]) -> None:
+        """Writes objects and textures as one glTF file (*.glb). Options as of exportTextures, without channels and constants."""
+    @overload
+    def exportGltf(self, path: str) -> None: ...
     def save(self) -> None:
         """Saves the project where it was opened."""
     def saveAs(self, path: str) -> None:

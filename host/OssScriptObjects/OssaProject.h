@@ -7,6 +7,13 @@
 #include <QStringList>
 #include <QVariantMap>
 
+#include <functional>
+
+class OssProject;
+class OssResult;
+struct OssExportOptions;
+struct OssExportPlan;
+
 namespace Ossa {
 
 class GeoEntity;
@@ -40,6 +47,8 @@ class OSSSCRIPTOBJECTS_EXPORT Project : public API
         "their paths. Options: \"resolution\", \"padding\" (pixels; -1 fills everything), "
         "\"version\", \"patches\" (\"1001-1004\"), \"materials\" "
         "(\"OBJECT/MATERIAL\"), \"channels\", \"constants\".")
+    Q_CLASSINFO("exportGltf", "Writes objects and textures as one glTF file (*.glb). Options as of "
+                              "exportTextures, without channels and constants.")
     Q_CLASSINFO("save", "Saves the project where it was opened.")
     Q_CLASSINFO("saveAs", "Saves the project as a folder NAME.ossa.")
     Q_CLASSINFO("close", "Closes the project without saving it.")
@@ -66,10 +75,16 @@ public Q_SLOTS:
     QStringList exportPresets() const;
     QStringList exportTextures(const QString &preset, const QString &folder,
                                const QVariantMap &options = {}) const;
+    void exportGltf(const QString &path, const QVariantMap &options = {}) const;
     void save();
     void saveAs(const QString &path);
     void close();
     QString stateHash() const;
+
+private:
+    QStringList write(const QVariantMap &options, OssExportOptions *choices,
+                      const std::function<OssResult(const OssProject *)> &makePlan,
+                      const OssExportPlan *plan) const;
 };
 
 } // namespace Ossa

@@ -65,6 +65,19 @@ const QHash<QString, Take> &options()
     return table;
 }
 
+/// Why the options make no sense; empty when they do.
+QString take(const QVariantMap &given, OssExportOptions *choices)
+{
+    for (auto at = given.cbegin(); at != given.cend(); ++at) {
+        const Take one = options().value(at.key());
+        if (!one)
+            return QStringLiteral("There is no option \"%1\"").arg(at.key());
+        if (!one(at.value(), choices))
+            return QStringLiteral("\"%1\" cannot be %2").arg(at.key(), at.value().toString());
+    }
+    return {};
+}
+
 } // namespace
 
 namespace Ossa {
@@ -83,39 +96,62 @@ QStringList Project::exportPresets() const
 QStringList Project::exportTextures(const QString &preset, const QString &folder,
                                     const QVariantMap &options) const
 {
+    OssExportOptions choices;
+    choices.folder = folder;
+    OssExportPreset found;
+    OssExportPlan plan;
+    return write(
+        options, &choices,
+        [&](const OssProject *own) {
+            const OssResult result = OssExportPresets::find(preset, &found);
+            return result ? OssExportPlan::make(own, found, choices, &plan) : result;
+        },
+        &plan);
+}
+
+void Project::exportGltf(const QString &path, const QVariantMap &options) const
+{
+    OssExportOptions choices;
+    choices.file = path;
+    OssExportPlan plan;
+    write(
+        options, &choices,
+        [&](const OssProject *own) {
+            return path.endsWith(QLatin1String(".glb"), Qt::CaseInsensitive)
+                       ? OssExportPlan::makeGltf(own, choices, &plan)
+                       : OssResult::failure(
+                           QStringLiteral("%1: glTF is written as *.glb").arg(path));
+        },
+        &plan);
+}
+
+QStringList Project::write(const QVariantMap &options, OssExportOptions *choices,
+                           const std::function<OssResult(const OssProject *)> &makePlan,
+                           const OssExportPlan *plan) const
+{
     const auto *own = wrapped<OssProject>();
     if (!own)
         return {};
-    OssExportOptions choices;
-    choices.folder = folder;
-    for (auto at = options.cbegin(); at != options.cend(); ++at) {
-        const Take take = ::options().value(at.key());
-        if (!take || !take(at.value(), &choices)) {
-            fail(OssScriptException::OutOfRange,
-                 take ? QStringLiteral("\"%1\" cannot be %2").arg(at.key(), at.value().toString())
-                      : QStringLiteral("There is no option \"%1\"").arg(at.key()));
-            return {};
-        }
+    const QString fault = take(options, choices);
+    if (!fault.isEmpty()) {
+        fail(OssScriptException::OutOfRange, fault);
+        return {};
     }
-    OssExportPreset found;
-    OssExportPlan plan;
-    OssResult result = OssExportPresets::find(preset, &found);
-    if (result)
-        result = OssExportPlan::make(own, found, choices, &plan);
+    OssResult result = makePlan(own);
     if (!result) {
         fail(OssScriptException::NotAllowed, result.error());
         return {};
     }
-    OssBakeProgress progress(QStringLiteral("Exporting textures"), 1);
-    const auto tell = progress.forPart(0, found.name);
+    OssBakeProgress progress(QStringLiteral("Exporting"), 1);
+    const auto tell = progress.forPart(0, plan->preset.name);
     OssExportManager *exports = OssExportManager::instance();
     result = exports->run(
-        plan, [&tell](const OssExportJob &job) { return tell(job.thousandths(), 1000); });
+        *plan, [&tell](const OssExportJob &job) { return tell(job.thousandths(), 1000); });
     if (!result)
         fail(result.isCancelled() ? OssScriptException::Cancelled
                                   : OssScriptException::FileNotAccessible,
              result.error());
-    return exports->job()->written();
+    return exports->job() ? exports->job()->written() : QStringList();
 }
 
 } // namespace Ossa

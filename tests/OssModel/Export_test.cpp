@@ -11,7 +11,12 @@
 
 #include <QDir>
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
 #include <QTemporaryDir>
+#include <QtEndian>
 
 #include <cmath>
 
@@ -330,6 +335,7 @@ TEST_F(Export, ownPresetsComeFirstAndCanBeRemoved)
 TEST_F(Export, aFileThatCannotBeWrittenKeepsNoOtherFromIt)
 {
     ASSERT_TRUE(QDir(m_folder.path()).mkdir(text("b.png"))) << "a folder is in the way";
+    wire(add("Geometry/UV"), m_shader, "Normal"); // beside what fails
     OssSnBaseNode *image = add("Misc/Image");
     image->setAttribute(text("File"), m_folder.filePath(text("missing.png")));
     wire(image, m_shader, "Metallic");
@@ -408,6 +414,52 @@ TEST_F(Export, watchingWritesAgainWhatChangedAndNothingElse)
     EXPECT_EQ(exports->job()->written().size(), all) << "asked for, all are written";
     OssProjectManager::instance()->newProject(text("Other"));
     EXPECT_FALSE(exports->canExportAgain());
+}
+
+/// Of the JSON part of a binary glTF file.
+QJsonObject sceneIn(const QString &path)
+{
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray bytes = file.readAll();
+    EXPECT_EQ(bytes.left(4), QByteArray("glTF"));
+    const auto length = qFromLittleEndian<quint32>(bytes.constData() + 12);
+    return QJsonDocument::fromJson(bytes.mid(20, int(length))).object();
+}
+
+TEST_F(Export, oneGltfFileHoldsObjectsPatchByPatchAndPassesTheValidator)
+{
+    usePatches();
+    wire(add("Procedural/Noise/Fractal Noise"), m_shader, "Roughness");
+    wire(color(0.5, 0.5, 1), m_shader, "Normal");
+    m_shader->setAttribute(text("Opacity"), 0.5);
+    add("Shaders/Standard Surface", "Spare");
+    m_options.file = m_folder.filePath(text("deep/wall.glb"));
+    ASSERT_TRUE(OssExportPlan::makeGltf(m_project, m_options, &m_plan));
+    EXPECT_EQ(m_plan.notes,
+              QStringList{text("plane has several materials: \"plane/Spare\" is left out")});
+    const OssResult written = OssExportManager::instance()->run(m_plan, {});
+    ASSERT_TRUE(written) << qPrintable(written.error());
+    EXPECT_EQ(OssExportManager::instance()->job()->written(), QStringList{m_options.file});
+    const QJsonObject scene = sceneIn(m_options.file);
+    EXPECT_EQ(scene[text("nodes")].toArray().size(), 1);
+    const QJsonArray primitives =
+        scene[text("meshes")].toArray().first()[text("primitives")].toArray();
+    EXPECT_EQ(primitives.size(), 2) << "one for each patch";
+    const QJsonArray materials = scene[text("materials")].toArray();
+    ASSERT_EQ(materials.size(), 2);
+    EXPECT_EQ(materials.first()[text("name")].toString(), text("Wall.1001"));
+    EXPECT_EQ(materials.first()[text("alphaMode")].toString(), text("BLEND"));
+    EXPECT_EQ(scene[text("images")].toArray().size(), 6) << "base, packed and normal, no light";
+
+    const QString validator = qEnvironmentVariable("OSSA_GLTF_VALIDATOR");
+    if (validator.isEmpty())
+        GTEST_SKIP() << "OSSA_GLTF_VALIDATOR names no script";
+    QProcess process;
+    process.start(text("node"), {validator, m_options.file});
+    ASSERT_TRUE(process.waitForFinished(60000));
+    EXPECT_EQ(process.exitCode(), 0)
+        << process.readAll().constData() << process.readAllStandardError().constData();
 }
 
 } // namespace

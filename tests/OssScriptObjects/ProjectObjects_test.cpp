@@ -120,6 +120,10 @@ TEST_F(ProjectObjects, texturesAreExportedAsPresetsAndOptionsSay)
     EXPECT_TRUE(
         m_api->exportTextures(preset, file("out"), {{text("patches"), text("x")}}).isEmpty());
     expectReported(Type::OutOfRange, "\"patches\" cannot be x");
+    m_api->exportGltf(file("skin.glb"), {{text("resolution"), 16}});
+    EXPECT_TRUE(QFileInfo::exists(file("skin.glb")));
+    m_api->exportGltf(file("skin.obj"), {});
+    expectReported(Type::NotAllowed, "glTF is written as *.glb");
     EXPECT_TRUE(m_api->exportTextures(text("None"), file("out"), {}).isEmpty());
     expectReported(Type::NotAllowed, "There is no export preset \"None\"");
 }

@@ -44,8 +44,9 @@ const std::vector<Row> RowTable{
     {"/Ossa/File", QT_TR_NOOP("Save As..."), "Ctrl+Shift+S", "File 2.2", WithProject, QT_TR_NOOP("Save the project under another name")},
     {"/Ossa/File", QT_TR_NOOP("Close"), "Ctrl+W", "File 2.3", WithProject, QT_TR_NOOP("Close the project")},
     {"/Ossa/File", QT_TR_NOOP("Export Textures..."), "Ctrl+E", "File 2.5", WithProject, QT_TR_NOOP("Write the textures of materials as image files")},
-    {"/Ossa/File", QT_TR_NOOP("Export Again"), "Ctrl+Shift+E", "File 2.6", WithProject, QT_TR_NOOP("Write again what was exported last, as it is now")},
-    {"/Ossa/File", QT_TR_NOOP("Watch Exported Textures"), "", "File 2.7", WithProject, QT_TR_NOOP("Write exported textures again when their pixels change")},
+    {"/Ossa/File", QT_TR_NOOP("Export glTF..."), "", "File 2.6", WithProject, QT_TR_NOOP("Write objects and textures as one glTF file")},
+    {"/Ossa/File", QT_TR_NOOP("Export Again"), "Ctrl+Shift+E", "File 2.7", WithProject, QT_TR_NOOP("Write again what was exported last, as it is now")},
+    {"/Ossa/File", QT_TR_NOOP("Watch Exported Textures"), "", "File 2.8", WithProject, QT_TR_NOOP("Write exported textures again when their pixels change")},
     {"/Ossa/File", QT_TR_NOOP("Quit"), "Ctrl+Q", "File 3.1", Always, QT_TR_NOOP("Leave the program")},
 
     {"/Ossa/Edit", QT_TR_NOOP("Undo"), "Ctrl+Z", "Edit 1.1", WithUndo, QT_TR_NOOP("Take back the last step")},

@@ -114,8 +114,16 @@ OssSnEvaluationGraph OssSnEvaluationGraph::of(const OssSnBaseNode *node, const Q
     result.node = links.first().node;
     result.output = links.first().output;
     result.isData = givesData(OssSnProducer::of(node, outputPoint));
-    if (result.node < 0)
+    if (result.node < 0) {
         result.error = tr("Nothing is connected");
+        return result;
+    }
+    const OssEvResult checked = result.graph->check(result.node);
+    result.faulty = checked.node();
+    if (!checked)
+        result.error = QString::fromStdString(checked.error());
+    else if (result.output < 0)
+        result.error = tr("\"%1\" computes no \"%2\"").arg(node->name(), outputPoint);
     return result;
 }
 
@@ -134,22 +142,9 @@ OssSnEvaluationGraph OssSnEvaluationGraph::ofAll(const OssSnBaseNode *node,
     }
     copier.finish(&result);
     links->clear();
-    for (const OssSnProducer &producer : qAsConst(producers)) {
+    for (const OssSnProducer &producer : qAsConst(producers))
         links->append(producer.node ? copier.linkOf(result, producer) : Link());
-        if (producer.node && result.error.isEmpty())
-            result.check(producer, links->last());
-    }
     return result;
-}
-
-void OssSnEvaluationGraph::check(const OssSnProducer &producer, const Link &link)
-{
-    const OssEvResult checked = graph->check(link.node);
-    faulty = checked.node();
-    if (!checked)
-        error = QString::fromStdString(checked.error());
-    else if (link.output < 0)
-        error = tr("\"%1\" computes no \"%2\"").arg(producer.node->name(), producer.outputPoint);
 }
 
 void OssSnEvaluationGraph::tellProblem(const std::string &name, const QString &reason) const

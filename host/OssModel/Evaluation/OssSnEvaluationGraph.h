@@ -40,12 +40,8 @@ struct OSSMODEL_EXPORT OssSnEvaluationGraph
         int output = -1;
     };
 
-    /// Several outputs of one node, in one graph; its own `node` and `output` say nothing then. `links`
-    /// gets one for each name. A shader has each of its channels as an output, too. The first fault of
-    /// any of them is the graph's.
+    /// Several outputs of one node, in one graph; its own `node`, `output` and faults say nothing then.
+    /// `links` gets one for each name. A shader has each of its channels as an output, too.
     static OssSnEvaluationGraph ofAll(const OssSnBaseNode *node, const QStringList &outputPoints,
                                       QVector<Link> *links);
-
-private:
-    void check(const struct OssSnProducer &producer, const Link &link);
 };

@@ -43,6 +43,8 @@ struct OssExportJob::Work
     Keys known;
     OssEvEngine *engine = nullptr;
     qint64 total = 0;
+    OssEvGltf::Scene scene;
+    QString gltf; ///< path of the one file; empty for textures
 
     OssEvCancel cancel;
     std::atomic<qint64> done{0}; ///< bytes
@@ -64,8 +66,33 @@ struct OssExportJob::Work
             before += files.at(i).bytes();
             done = before;
         }
+        if (!gltf.isEmpty() && !cancel.isCancelled())
+            putTogether();
         const std::lock_guard<std::mutex> lock(mutex);
         current.clear();
+    }
+
+    /// What is written now is the one file, made of the others.
+    void putTogether()
+    {
+        OssEvResult made;
+        bool isWanted = false;
+        {
+            const std::lock_guard<std::mutex> lock(mutex);
+            current = gltf;
+            isWanted = failures.isEmpty() && (!written.isEmpty() || !QFile::exists(gltf));
+            written.clear();
+        }
+        if (!isWanted)
+            return;
+        const OssResult folder = OssAtomicFile::makeFolder(QFileInfo(gltf).absolutePath());
+        made = folder ? OssEvGltf::write(scene, gltf.toStdString(), &cancel)
+                      : OssEvResult::failure(folder.error().toStdString());
+        const std::lock_guard<std::mutex> lock(mutex);
+        if (made)
+            written.append(gltf);
+        else if (!cancel.isCancelled())
+            failures.append({0, gltf, QString::fromStdString(made.error()), {}});
     }
 
     void write(int index, qint64 before)
@@ -79,10 +106,6 @@ struct OssExportJob::Work
         OssEvKey key;
         std::string node;
         OssResult result = source.state;
-        if (result && !source.graph.error.isEmpty()) {
-            result = OssResult::failure(source.graph.error);
-            node = source.graph.faulty;
-        }
         if (result) {
             const OssEvResult made = writePixels(file, source, before, &key);
             if (!made && cancel.isCancelled())
@@ -158,6 +181,8 @@ void OssExportJob::start()
         m_work->total += file.bytes();
     }
     m_work->files = m_plan.files;
+    m_work->scene = m_plan.scene;
+    m_work->gltf = m_plan.options.file;
     m_work->engine = OssEvaluationService::instance()->engine();
     m_thread.reset(QThread::create([work = m_work] { work->run(); }));
     connect(m_thread.get(), &QThread::finished, this, &OssExportJob::end);

@@ -76,7 +76,11 @@ OssResult OssExportManager::planAgain(OssExportPlan *plan) const
 {
     if (!canExportAgain())
         return OssResult::failure(tr("Nothing of this project was exported yet"));
-    return OssExportPlan::make(m_project, m_job->plan().preset, m_job->plan().options, plan);
+    const OssExportPlan &last = m_job->plan();
+    plan->temporary = last.temporary;
+    return last.options.file.isEmpty()
+               ? OssExportPlan::make(m_project, last.preset, last.options, plan)
+               : OssExportPlan::makeGltf(m_project, last.options, plan);
 }
 
 OssResult OssExportManager::exportAgain()
@@ -123,8 +127,11 @@ void OssExportManager::end()
         m_keys.insert(at.key(), at.value());
     const OssResult result = m_job->result();
     const int count = m_job->written().size();
-    const QString &folder = m_job->plan().options.folder;
-    if (count > 0)
+    const OssExportOptions &options = m_job->plan().options;
+    const QString &folder = options.folder;
+    if (count > 0 && !options.file.isEmpty())
+        OssStatusManager::instance()->showMessage(tr("Written: %1").arg(options.file));
+    else if (count > 0)
         OssStatusManager::instance()->showMessage(
             result ? tr("Textures written to %1: %2").arg(folder).arg(count)
                    : tr("Textures written to %1: %2; others could not be, or were stopped")

@@ -28,6 +28,10 @@ struct OSSMODEL_EXPORT OssExportMaterial
 
     QString name() const;
     QString object() const;
+
+    /// "OBJECT/MATERIAL", by which it is chosen.
+    QString path() const { return object() + QLatin1Char('/') + name(); }
+
     /// Null when there is none of that name.
     const Channel *channel(const QString &name) const;
 

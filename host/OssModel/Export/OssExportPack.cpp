@@ -18,6 +18,31 @@ bool isWholeNumbers(const OssEvImageForm &form)
     return form.depth == OssEvDepth::Byte || form.depth == OssEvDepth::Short;
 }
 
+/// What feeds the packing. Of a shader one with a single input stands in: what else feeds it is no
+/// matter of this file, and may be faulty.
+void connect(const OssEvGraph &graph, const OssSnEvaluationGraph::Link &link,
+             const std::string &channel, OssEvGraphBuilder *builder, int pack, const char *input)
+{
+    const OssEvGraph::Node &from = graph.nodes()[std::size_t(link.node)];
+    const bool isKnown = from.kernel != nullptr && link.output >= 0;
+    const std::string output = isKnown ? from.kernel->outputs[std::size_t(link.output)].name
+                                       : channel;
+    int node = link.node;
+    if (isKnown && from.kernel->name == "material") {
+        node = builder->addNode(from.name, "material", from.parameters);
+        const int index = from.kernel->inputIndex(output);
+        if (index >= 0 && from.inputs[std::size_t(index)].node >= 0) {
+            const OssEvGraph::Link &fed = from.inputs[std::size_t(index)];
+            const OssEvGraph::Node &source = graph.nodes()[std::size_t(fed.node)];
+            builder->connect(fed.node,
+                             source.kernel ? source.kernel->outputs[std::size_t(fed.output)].name
+                                           : std::string(),
+                             node, output);
+        }
+    }
+    builder->connect(node, output, pack, input);
+}
+
 } // namespace
 
 OssExportSource OssExportSource::of(const OssExportMaterial &material)
@@ -60,11 +85,9 @@ OssEvBake::Job OssExportSource::job(const OssExportFile &file) const
         const int channel = channels.indexOf(file.how.channels[i].from);
         const OssSnEvaluationGraph::Link link = channel < 0 ? OssSnEvaluationGraph::Link()
                                                             : links.at(channel);
-        if (link.node < 0 || link.output < 0 || !file.how.channels[i].isUsed)
+        if (link.node < 0 || !file.how.channels[i].isUsed)
             continue;
-        const OssEvGraph::Node &from = graph.graph->nodes()[std::size_t(link.node)];
-        builder.connect(link.node, from.kernel->outputs[std::size_t(link.output)].name, pack,
-                        Inputs[i]);
+        connect(*graph.graph, link, channels.at(channel).toStdString(), &builder, pack, Inputs[i]);
     }
     OssEvBake::Job job;
     job.target = target;

@@ -17,6 +17,6 @@ struct OssExportSource
     /// GUI thread. May handle events, while fresh paint is settled.
     static OssExportSource of(const OssExportMaterial &material);
 
-    /// What writes a file. Any thread.
+    /// What writes a file. Depends on nothing but the channels that the file has. Any thread.
     OssEvBake::Job job(const OssExportFile &file) const;
 };

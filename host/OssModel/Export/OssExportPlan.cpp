@@ -133,11 +133,6 @@ private:
         return {};
     }
 
-    static QString keyOf(const OssExportMaterial &material)
-    {
-        return material.object() + QLatin1Char('/') + material.name();
-    }
-
     OssResult chooseMaterials()
     {
         const QVector<OssExportMaterial> all = OssExportMaterial::of(m_project);
@@ -147,8 +142,8 @@ private:
                    "Shaders/Standard Surface"));
         QStringList missing = m_options.materials;
         for (const OssExportMaterial &material : all) {
-            missing.removeAll(keyOf(material));
-            if (m_options.materials.isEmpty() || m_options.materials.contains(keyOf(material)))
+            missing.removeAll(material.path());
+            if (m_options.materials.isEmpty() || m_options.materials.contains(material.path()))
                 m_materials.append(material);
         }
         return missing.isEmpty()
@@ -165,7 +160,8 @@ private:
                     tr("%1: there is no patch %2").arg(material.object()).arg(patch));
         }
         const QList<int> patches = m_options.patches.isEmpty() ? all : m_options.patches;
-        for (const File &file : qAsConst(m_preset.files)) {
+        for (m_index = 0; m_index < m_preset.files.size(); ++m_index) {
+            const File &file = m_preset.files.at(m_index);
             for (const File &one : file.isEach ? each(file, material) : QVector<File>{file}) {
                 const File complete = completed(one, material);
                 for (const int patch : patches) {
@@ -250,6 +246,7 @@ private:
         OssExportFile file;
         file.how = how;
         file.material = material;
+        file.index = m_index;
         file.patch = patch;
         file.resolution = how.resolution > 0 ? how.resolution : m_options.resolution;
         file.padding = m_options.padding;
@@ -303,6 +300,7 @@ private:
     const OssExportOptions &m_options;
     QVector<OssExportMaterial> m_materials;
     QHash<QString, QString> m_paths; ///< what is in them
+    int m_index = 0;                 ///< of the preset's file
 };
 
 } // namespace

@@ -1,11 +1,16 @@
 #pragma once
 
 #include "OssCore/Values/OssResult.h"
+#include "OssEvaluation/Files/OssEvGltf.h"
 #include "OssModel/Export/OssExportMaterials.h"
 #include "OssModel/Export/OssExportPreset.h"
 
 #include <QList>
 #include <QStringList>
+
+#include <memory>
+
+class QTemporaryDir;
 
 /// What the user chooses for one export.
 struct OSSMODEL_EXPORT OssExportOptions
@@ -16,6 +21,8 @@ struct OSSMODEL_EXPORT OssExportOptions
     static constexpr int EndlessPadding = -1;
 
     QString folder;
+    /// One glTF file (*.glb) instead of a folder of textures.
+    QString file;
     /// Of materials, as "OBJECT/MATERIAL"; empty: all.
     QStringList materials;
     /// Of files for each channel; empty: all.
@@ -36,6 +43,7 @@ struct OSSMODEL_EXPORT OssExportFile
 {
     QString path;
     OssExportMaterial material;
+    int index = 0; ///< of the preset's file
     int patch = 1001;
     int resolution = 0;
     int padding = 0;
@@ -63,10 +71,19 @@ struct OSSMODEL_EXPORT OssExportPlan
     OssExportPreset preset;
     OssExportOptions options;
 
+    /// Of one glTF file: what it is put together from, and the folder of its textures until then, which
+    /// goes with the last plan that knows it.
+    OssEvGltf::Scene scene;
+    std::shared_ptr<QTemporaryDir> temporary;
+
     qint64 bytes() const;
 
     /// Fails, in words, where nothing is to be written, two files would have one name, or what was asked
     /// for is not there. Reads meshes. GUI thread.
     static OssResult make(const OssProject *project, const OssExportPreset &preset,
                           const OssExportOptions &options, OssExportPlan *plan);
+    /// The same for one glTF file, `options.file`: of each object the first material that is chosen. A
+    /// plan that has a folder goes on with it.
+    static OssResult makeGltf(const OssProject *project, const OssExportOptions &options,
+                              OssExportPlan *plan);
 };

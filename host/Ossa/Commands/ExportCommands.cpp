@@ -1,11 +1,15 @@
 #include "Ossa/Commands/ExportCommands.h"
 
 #include "Ossa/Commands/Commands.h"
+#include "Ossa/Export/ExportPanel.h"
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssInterface/Palettes/OssPalette.h"
 #include "OssInterface/Palettes/OssPaletteManager.h"
+#include "OssInterface/Popups/OssFileDialog.h"
 #include "OssInterface/Popups/OssMessageBox.h"
 #include "OssModel/Export/OssExportManager.h"
+#include "OssModel/Project/OssProject.h"
+#include "OssModel/Project/OssProjectManager.h"
 
 #include <QAction>
 
@@ -17,6 +21,7 @@ ExportCommands::ExportCommands(QObject *parent)
                 QStringLiteral("export_palette")))
             palette->showBySidebar();
     });
+    Commands::file(this, QStringLiteral("/Ossa/File/Export glTF..."), [] { askForGltf(); });
     Commands::file(this, QStringLiteral("/Ossa/File/Export Again"), [] { again(); });
     OssExportManager *exports = OssExportManager::instance();
     m_watch = Commands::file(this, QStringLiteral("/Ossa/File/Watch Exported Textures"),
@@ -44,6 +49,28 @@ bool ExportCommands::mayQuit(QWidget *window)
     if (answer == QMessageBox::Yes && exports->isRunning())
         exports->job()->cancel();
     return answer == QMessageBox::Yes;
+}
+
+void ExportCommands::askForGltf()
+{
+    const OssProject *project = OssProjectManager::instance()->currentProject();
+    if (!project)
+        return;
+    OssExportOptions options;
+    options.resolution = ExportPanel::lastResolution();
+    options.file = OssFileDialog::getSaveFileName(tr("Export glTF"), tr("Binary glTF (*.glb)"),
+                                                  QStringLiteral("ExportGltf"), nullptr,
+                                                  project->name());
+    if (options.file.isEmpty())
+        return;
+    OssExportPlan plan;
+    OssResult result = OssExportPlan::makeGltf(project, options, &plan);
+    if (result)
+        result = OssExportManager::instance()->start(plan);
+    if (!result)
+        OssMessageBox::warning(nullptr, tr("Export glTF"), result.error());
+    else if (!plan.notes.isEmpty())
+        OssStatusManager::instance()->showMessage(plan.notes.join(QStringLiteral("; ")));
 }
 
 void ExportCommands::again()

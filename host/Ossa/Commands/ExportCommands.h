@@ -18,6 +18,7 @@ public:
 
 private:
     static void again();
+    static void askForGltf();
     void refresh();
 
     QAction *m_watch;

@@ -41,6 +41,7 @@ constexpr int ChoicesWidth = 300;
 constexpr int LargestPadding = 64;
 constexpr int LargestVersion = 9999;
 const QString FirstPreset = QStringLiteral("One File per Channel");
+const QString ResolutionKey = QStringLiteral("Export/Resolution");
 const QString PathKey = QStringLiteral("ExportTextures");
 
 /// Where the project's textures went last.
@@ -286,18 +287,22 @@ void ExportPanel::restoreChoices()
     m_preset->setCurrentIndex(
         std::max(0, m_preset->findText(
                         settings.value(QStringLiteral("Export/Preset"), FirstPreset).toString())));
-    m_resolution->setCurrentIndex(std::max(
-        0, m_resolution->findData(value("Resolution", OssExportOptions::UsualResolution))));
+    m_resolution->setCurrentIndex(std::max(0, m_resolution->findData(lastResolution())));
     m_padding->setValue(value("Padding", OssExportOptions::UsualPadding));
     m_version->setValue(value("Version", 1));
     m_constants->setChecked(value("Constants", 1) != 0);
+}
+
+int ExportPanel::lastResolution()
+{
+    return OssSettings().value(ResolutionKey, OssExportOptions::UsualResolution).toInt();
 }
 
 void ExportPanel::keepChoices() const
 {
     OssSettings settings;
     settings.setValue(QStringLiteral("Export/Preset"), m_preset->currentText());
-    settings.setValue(QStringLiteral("Export/Resolution"), m_resolution->currentData());
+    settings.setValue(ResolutionKey, m_resolution->currentData());
     settings.setValue(QStringLiteral("Export/Padding"), m_padding->value());
     settings.setValue(QStringLiteral("Export/Version"), m_version->value());
     settings.setValue(QStringLiteral("Export/Constants"), m_constants->isChecked() ? 1 : 0);

@@ -26,6 +26,9 @@ class ExportPanel : public QWidget
 public:
     explicit ExportPanel(QWidget *parent = nullptr);
 
+    /// With which size textures were exported last.
+    static int lastResolution();
+
 protected:
     void showEvent(QShowEvent *event) override;
 

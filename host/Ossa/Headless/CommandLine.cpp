@@ -147,7 +147,9 @@ private:
         auto *project = textures->add_option("PROJECT", m_project, "Project folder");
         auto *preset = textures->add_option("--preset", m_preset,
                                             "Name of a preset, or a file of one");
-        auto *folder = textures->add_option("-o,--output", m_folder, "Folder for the textures");
+        auto *folder = textures->add_option("-o,--output", m_folder,
+                                            "Folder for the textures, or one glTF file of "
+                                            "object and textures (*.glb)");
         textures->add_option("--material", m_materials,
                              "OBJECT/MATERIAL; may be given several times; all when not given");
         textures->add_option("--channel", m_channels,
@@ -163,7 +165,8 @@ private:
         for (CLI::Option *needed : {project, preset, folder})
             list->excludes(needed);
         textures->final_callback([this] {
-            if (!m_listsPresets && (m_project.empty() || m_preset.empty() || m_folder.empty()))
+            const bool needsPreset = !isGltf() && m_preset.empty();
+            if (!m_listsPresets && (m_project.empty() || needsPreset || m_folder.empty()))
                 throw CLI::RequiredError("PROJECT, --preset and --output");
         });
     }
@@ -196,6 +199,11 @@ private:
         return bake;
     }
 
+    bool isGltf() const
+    {
+        return text(m_folder).endsWith(QLatin1String(".glb"), Qt::CaseInsensitive);
+    }
+
     ExportOptions exportOptions() const
     {
         ExportOptions options;
@@ -203,7 +211,7 @@ private:
         options.preset = text(m_preset);
         options.listsPresets = m_listsPresets;
         options.listsFiles = m_listsFiles;
-        options.choices.folder = text(m_folder);
+        (isGltf() ? options.choices.file : options.choices.folder) = text(m_folder);
         for (const std::string &material : m_materials)
             options.choices.materials.append(text(material));
         for (const std::string &channel : m_channels)

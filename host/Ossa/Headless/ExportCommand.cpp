@@ -33,8 +33,10 @@ int exportOpenProject(const OssExportPreset &preset, const OssExportOptions &cho
                       bool listsFiles)
 {
     OssExportPlan plan;
-    const OssResult planned = OssExportPlan::make(OssProjectManager::instance()->currentProject(),
-                                                  preset, choices, &plan);
+    const OssProject *project = OssProjectManager::instance()->currentProject();
+    const OssResult planned = choices.file.isEmpty()
+                                  ? OssExportPlan::make(project, preset, choices, &plan)
+                                  : OssExportPlan::makeGltf(project, choices, &plan);
     if (!planned)
         return fail(planned.error());
     for (const QString &note : qAsConst(plan.notes))
@@ -62,7 +64,8 @@ int exportOpenProject(const OssExportPreset &preset, const OssExportOptions &cho
         std::printf("%s\n", qPrintable(path));
     if (Interrupt::isRequested())
         return Interrupt::exitCode;
-    return result ? int(ExitCode::Success) : fail(result.error());
+    return result ? int(ExitCode::Success)
+                  : fail(result.error().replace(QLatin1Char('\n'), QLatin1String("; ")));
 }
 
 int runExportCommand(const ExportOptions &options)
@@ -72,7 +75,9 @@ int runExportCommand(const ExportOptions &options)
         return ExitCode::Success;
     }
     OssExportPreset preset;
-    const OssResult found = OssExportPresets::find(options.preset, &preset);
+    const OssResult found = options.choices.file.isEmpty()
+                                ? OssExportPresets::find(options.preset, &preset)
+                                : OssResult();
     if (!found)
         return fail(found.error());
     const OssResult opened = OssProjectManager::instance()->openProject(options.project);

@@ -6,7 +6,7 @@
 struct ExportOptions
 {
     QString project;
-    QString preset; ///< name, or path of a file
+    QString preset; ///< name, or path of a file; none for one glTF file
     OssExportOptions choices;
     bool listsPresets = false;
     bool listsFiles = false; ///< tells what would be written, and writes nothing
@@ -16,6 +16,6 @@ struct ExportOptions
 /// without a half file. Prints what was written, notes on stderr. Returns an ExitCode.
 int runExportCommand(const ExportOptions &options);
 
-/// The same with a preset at hand, of the open project.
+/// The same with a preset at hand, of the open project. Choices of one file need none.
 int exportOpenProject(const OssExportPreset &preset, const OssExportOptions &choices,
                       bool listsFiles = false);

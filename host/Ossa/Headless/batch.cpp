@@ -3,8 +3,8 @@
 #include "Ossa/Headless/InfoCommand.h"
 #include "OssCore/Program/OssResourceInfo.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
-#include "OssModel/Project/OssNodeTypeWatch.h"
 #include "OssModel/OssModelServices.h"
+#include "OssModel/Project/OssNodeTypeWatch.h"
 
 #include <QCoreApplication>
 

@@ -75,7 +75,32 @@
     ON_NODES("Open Node Properties", openNodeProperties, openNodeProperties())                       \
     ACTION("Toggle Snap to Grid", toggleSnapToGrid, toggleSnapToGrid())                             \
     ACTION("Toggle Edge Sever Mode", toggleEdgeSeverAction, toggleEdgeSeverAction())                \
-    ACTION("Bake Again", bakeSelectedBakePointsAgain, bakeSelectedBakePointsAgain())
+    ACTION("Bake Again", bakeSelectedBakePointsAgain, bakeSelectedBakePointsAgain())               \
+    ACTION("Align Left", alignLeft, arrange(OssShaderNetworkManager::AlignLeft)) \
+    ACTION("Align Center", alignCenter, arrange(OssShaderNetworkManager::AlignCenter)) \
+    ACTION("Align Right", alignRight, arrange(OssShaderNetworkManager::AlignRight)) \
+    ACTION("Align Top", alignTop, arrange(OssShaderNetworkManager::AlignTop)) \
+    ACTION("Align Middle", alignMiddle, arrange(OssShaderNetworkManager::AlignMiddle)) \
+    ACTION("Align Bottom", alignBottom, arrange(OssShaderNetworkManager::AlignBottom)) \
+    ACTION("Distribute Horizontally", distributeHorizontally, arrange(OssShaderNetworkManager::DistributeHorizontally)) \
+    ACTION("Distribute Vertically", distributeVertically, arrange(OssShaderNetworkManager::DistributeVertically)) \
+    ACTION("Tidy Backdrops", tidyBackdrops, arrange(OssShaderNetworkManager::TidyBackdrops)) \
+    ACTION("Bring to Front", bringToFront, arrange(OssShaderNetworkManager::BringToFront)) \
+    ACTION("Send to Back", sendToBack, arrange(OssShaderNetworkManager::SendToBack)) \
+    ACTION("Place Underneath", placeUnderneath, arrange(OssShaderNetworkManager::PlaceUnderneath)) \
+    ACTION("Place Next To", placeNextTo, arrange(OssShaderNetworkManager::PlaceNextTo)) \
+    ACTION("Place On Top", placeOnTop, arrange(OssShaderNetworkManager::PlaceOnTop)) \
+    ACTION("Place At Free Spot", placeAtFreeSpot, arrange(OssShaderNetworkManager::PlaceAtFreeSpot)) \
+    ACTION("Place Below", placeBelow, arrange(OssShaderNetworkManager::PlaceBelow)) \
+    ACTION("Place Far Below", placeFarBelow, arrange(OssShaderNetworkManager::PlaceFarBelow)) \
+    ACTION("Place Left Below", placeLeftBelow, arrange(OssShaderNetworkManager::PlaceLeftBelow)) \
+    ACTION("Place Left", placeLeft, arrange(OssShaderNetworkManager::PlaceLeft)) \
+    ACTION("Place In The Middle", placeInTheMiddle, arrange(OssShaderNetworkManager::PlaceInTheMiddle)) \
+    ACTION("Place Right", placeRight, arrange(OssShaderNetworkManager::PlaceRight)) \
+    ACTION("Place Far Right", placeFarRight, arrange(OssShaderNetworkManager::PlaceFarRight)) \
+    ACTION("Place Right At Own Height", placeRightAtOwnHeight, arrange(OssShaderNetworkManager::PlaceRightAtOwnHeight)) \
+    ACTION("Place Right Above", placeRightAbove, arrange(OssShaderNetworkManager::PlaceRightAbove)) \
+    ACTION("Place Above In Stream", placeAboveInStream, arrange(OssShaderNetworkManager::PlaceAboveInStream))
 
 /// Slots that forward in the same way but have no action: reached by name.
 #define OSS_NODE_GRAPH_NAMED_SLOTS(SLOT)                                                           \

@@ -13,6 +13,7 @@
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssShaderNetworkView.h"
 #include "OssSnNodeGraphViewContextManager.h"
+#include "View/Arranger.h"
 #include "ZelGL/ZelTextureToken.h"
 
 #include <QAction>
@@ -40,6 +41,7 @@ bool OssShaderNetworkNodeGraphViewContextPlugin::initialize()
     OssDebug(Source, __LINE__, "[ Plugin ] Shader Network - Node Graph View Context");
     OssSnNodeGraphViewContextManager::instance();
     createActions();
+    new Arranger(this); // owned
     initNodeGraphAPI();
     connect(OssShaderNetworkManager::instance(),
             &OssShaderNetworkManager::registeredNodePopulationChanged, this,

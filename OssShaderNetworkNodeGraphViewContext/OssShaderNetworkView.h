@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OssModel/Graph/OssShaderNetworkHolder.h"
+#include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "View/Drops.h"
 #include "View/PlacingView.h"
 
@@ -10,7 +11,6 @@
 
 #include <optional>
 
-class OssShaderNetwork;
 class OssGeoEntity;
 class OssGeoImageSet;
 class OssImage;
@@ -82,6 +82,8 @@ public Q_SLOTS:
     void popupRenameWindow();
     void popupRenameWindow(OssNgNode *NodeToRename);
     void swapInputs();
+    /// The selected nodes, in the order in which they read.
+    void arrange(OssShaderNetworkManager::Arrangement how);
     void openGroupNodeSubgraph();
     void togglePortVisibility();
     void cyclePortListMode();
@@ -282,6 +284,7 @@ private:
     {
         QPointer<OssNgNode> node; ///< once it is null, the key is but an address
         QPointF position;
+        QPointer<OssSnBaseNode> container; ///< the backdrop that it belonged to
     };
 
     void recordStartPosition(OssNgNode *node);

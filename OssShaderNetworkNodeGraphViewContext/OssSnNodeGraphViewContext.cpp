@@ -306,9 +306,12 @@ bool OssSnNodeGraphViewContext::setNodeSizeUndo(QSizeF size)
     auto *backdrop = qobject_cast<OssNgBackdropNode *>(m_GuiNode.get());
     if (!backdrop)
         return false;
+    const OssUndoManager::Gathering step(tr("Resize backdrop")); // with what it holds now
     setNodeSize(size);
     OssUndoManager::instance()->addUndo(
         std::make_unique<OssNgBackdropNodeRectChangeUndo>(backdrop));
+    if (OssSnBaseNode *node = parentNode())
+        OssShaderNetworkView::refreshMembership(node);
     return true;
 }
 
@@ -325,9 +328,12 @@ void OssSnNodeGraphViewContext::takePlaceOf(const OssSnBaseContext *other)
 
 void OssSnNodeGraphViewContext::onGuiNodePosChanged(QPointF)
 {
-    const OssSnBaseNode *node = parentNode();
+    OssSnBaseNode *node = parentNode();
     OssShaderNetwork *network = node ? node->network() : nullptr;
-    if (!network || !network->parentGroupNode())
+    if (!network)
+        return;
+    OssShaderNetworkView::refreshMembership(node);
+    if (!network->parentGroupNode())
         return;
     const bool input = node->hasTag(OssSnTags::input());
     if (input || node->hasTag(OssSnTags::output()))

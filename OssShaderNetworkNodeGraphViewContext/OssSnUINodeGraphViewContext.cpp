@@ -1,6 +1,7 @@
 #include "OssSnUINodeGraphViewContext.h"
 
 #include "OssCore/Program/OssDebug.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssCore/Values/OssAttributeKind.h"
 #include "OssCore/Values/OssColor.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
@@ -180,6 +181,7 @@ void OssSnUINodeGraphViewContext::onContainerChildrenRefreshed(QList<OssSnBaseNo
     OssSnBaseNode *node = parentNode();
     if (!view || !node)
         return;
+    const OssUndoManager::AutoMacro macro(tr("Refresh Container"));
     // A member that was dragged off is no longer among those that lie on it.
     const QList<OssSnBaseNode *> all = node->network() ? node->network()->nodes()
                                                        : QList<OssSnBaseNode *>();

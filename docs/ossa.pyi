@@ -215,6 +215,10 @@ class NodeGraph(Object):
         """Arranges nodes, or the whole graph, in columns."""
     @overload
     def layout(self, nodes: list[Node]) -> None: ...
+    def arrange(self, nodes: list[Node], how: str) -> None:
+        """Puts nodes in order, one of arrangements(): in line, at equal distances, each by the one before it in the list, or backdrops around what lies on them."""
+    def arrangements(self) -> list[str]:
+        """What arrange() can do, as 'align left' or 'place below'."""
     def show(self) -> None:
         """Shows the graph in the Node Graph palette."""
     def viewer(self) -> Node:
@@ -272,6 +276,11 @@ class Node(Object):
     @size.setter
     def size(self, value: Point) -> None: ...
     @property
+    def container(self) -> Node:
+        """The backdrop that the node belongs to; None when there is none. A backdrop that it is put into grows around it."""
+    @container.setter
+    def container(self, value: Node) -> None: ...
+    @property
     def error(self) -> str:
         """Why the node gives no picture; empty when it is well."""
     @property
@@ -288,6 +297,12 @@ class Node(Object):
         """Shows the inside of a group in the Node Graph palette."""
     def remove(self) -> None:
         """Removes the node from its graph."""
+    def placeUnderneath(self, reference: Node) -> None:
+        """Stacks the node underneath another one; in that one's backdrop, if it is in any, where others make room."""
+    def placeNextTo(self, reference: Node) -> None:
+        """Puts the node to the right of another one."""
+    def placeOnTop(self, reference: Node) -> None:
+        """Puts the node beside the corner of another one."""
     def inputNode(self, input: str) -> Node:
         """What feeds an input; None when it is free."""
     def inputOutput(self, input: str) -> str:

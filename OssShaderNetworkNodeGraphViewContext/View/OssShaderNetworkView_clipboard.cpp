@@ -9,6 +9,7 @@
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
 #include "OssSnNodeGraphViewContextManager.h"
+#include "View/Backdrops.h"
 
 // Copies of nodes: duplicate, cut, copy and paste, and where what was inserted goes.
 
@@ -82,11 +83,14 @@ void OssShaderNetworkView::placeInsertedNodes(const QList<OssSnBaseNode *> &node
             node->setName(node->network()->generateUniqueNodeName(node->name()));
     }
     OssShaderNetworkManager::instance()->createDelayedKnobs(nodes);
-    for (const OssSnBaseNode *node : nodes) {
+    QVector<Backdrops::Placed> placed;
+    for (OssSnBaseNode *node : nodes) {
         if (auto *backdrop = qobject_cast<OssNgBackdropNode *>(
                 OssSnNodeGraphViewContextManager::guiNodeOf(node)))
             backdrop->refreshChildrenList();
+        placed.append(Backdrops::Placed{node, node->container()});
     }
+    Backdrops::settle(placed);
 }
 
 void OssShaderNetworkView::duplicateSelectedNodes()

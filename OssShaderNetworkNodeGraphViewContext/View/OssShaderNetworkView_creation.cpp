@@ -14,6 +14,7 @@
 #include "OssModel/Types/OssSnTags.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
 #include "OssSnNodeGraphViewContextManager.h"
+#include "View/Backdrops.h"
 
 #include <QAction>
 
@@ -104,6 +105,7 @@ OssSnBaseNode *OssShaderNetworkView::createNodeAt(const QString &pathKey, const 
     Q_EMIT nodeAdded(node);
     completeNewNode(node, bounds);
     autoConnect(node, sources);
+    Backdrops::settleNew(node);
     tellOfChange();
     return node;
 }
@@ -248,8 +250,10 @@ void OssShaderNetworkView::createPaintableNode(QPoint NodeViewPos)
         return;
     const OssUndoManager::AutoMacro macro(tr("Add Paint Node"));
     OssSnBaseNode *node = m_network->createPaintableNode(mapToScene(NodeViewPos));
-    if (node)
+    if (node) {
         placeNewNode(node, NodeViewPos);
+        Backdrops::settleNew(node);
+    }
     tellOfChange();
 }
 
@@ -276,6 +280,7 @@ void OssShaderNetworkView::createBakePointNode(QPoint NodeViewPos)
     placeNewNode(node, NodeViewPos);
     Q_EMIT nodeAdded(node);
     autoConnect(node, sources);
+    Backdrops::settleNew(node);
     tellOfChange();
 }
 
@@ -304,5 +309,6 @@ void OssShaderNetworkView::createMergeNode(QPoint NodeViewPos)
     placeNewNode(node, NodeViewPos);
     Q_EMIT nodeAdded(node);
     autoConnect(node, sources);
+    Backdrops::settleNew(node);
     tellOfChange();
 }

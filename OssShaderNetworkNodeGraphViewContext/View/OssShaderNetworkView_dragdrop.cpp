@@ -11,6 +11,7 @@
 #include "OssModel/Images/OssImageManager.h"
 #include "OssNodeGraph/Items/OssNgNode.h"
 #include "OssSnNodeGraphViewContextManager.h"
+#include "View/Backdrops.h"
 
 #include <QDropEvent>
 #include <QGuiApplication>
@@ -183,6 +184,7 @@ OssSnBaseNode *OssShaderNetworkView::makeDropNode(const OssImage *image, const Q
     if (OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(node)) {
         item->setPosition(scenePos.isNull() ? mapToScene(viewport()->rect().center()) : scenePos);
         placeNode(node);
+        Backdrops::settleNew(node);
     }
     Q_EMIT nodeAdded(node);
     return node;

@@ -197,6 +197,22 @@ void OssShaderNetworkView::popupRenameWindow(OssNgNode *NodeToRename)
         node->setName(edit->text());
 }
 
+// --- places
+
+void OssShaderNetworkView::arrange(OssShaderNetworkManager::Arrangement how)
+{
+    QList<OssSnBaseNode *> nodes;
+    const QList<QGraphicsItem *> items = sortedSelection();
+    for (QGraphicsItem *item : items) {
+        const auto *guiNode = dynamic_cast<OssNgNode *>(item);
+        if (auto *node = guiNode ? qobject_cast<OssSnBaseNode *>(guiNode->businessNode()) : nullptr)
+            nodes.append(node);
+    }
+    const OssResult result = OssShaderNetworkManager::instance()->requestArrangement(nodes, how);
+    if (!result)
+        tellUser(result.error());
+}
+
 // --- swapping inputs
 
 void OssShaderNetworkView::swapInputs()

@@ -13,6 +13,7 @@
 #include "OssNodeGraph/Items/OssNgNodePositionChangeUndo.h"
 #include "OssSnGroupNodeGraphViewContext.h"
 #include "OssSnNodeGraphViewContextManager.h"
+#include "View/Backdrops.h"
 
 #include <QAction>
 #include <QGuiApplication>
@@ -57,7 +58,9 @@ void tellOfDisabledCommand(const QKeyEvent *event)
 
 void OssShaderNetworkView::recordStartPosition(OssNgNode *node)
 {
-    m_nodeStartPositions.insert(node, {node, node->scenePos()});
+    const OssSnBaseNode *own = businessNodeOf(node);
+    m_nodeStartPositions.insert(
+        node, {node, node->scenePos(), own ? Backdrops::containerOf(own) : nullptr});
 }
 
 QList<OssNgNode *> OssShaderNetworkView::recordedNodes() const
@@ -124,6 +127,11 @@ void OssShaderNetworkView::mouseReleaseEvent(QMouseEvent *event)
         return;
     }
     const QList<OssNgNode *> nodes = recordedNodes();
+    QVector<Backdrops::Placed> placed;
+    for (OssNgNode *item : nodes) {
+        if (OssSnBaseNode *node = businessNodeOf(item))
+            placed.append(Backdrops::Placed{node, m_nodeStartPositions.value(item).container});
+    }
     const bool moved = !scene()->selectedItems().isEmpty()
                        && std::any_of(nodes.cbegin(), nodes.cend(), [this](OssNgNode *node) {
                               const QPointF start = m_nodeStartPositions.value(node).position;
@@ -146,6 +154,7 @@ void OssShaderNetworkView::mouseReleaseEvent(QMouseEvent *event)
                                                       m_nodeStartPositions.value(node).position,
                                                       node->scenePos())); // the history takes it
     }
+    Backdrops::settle(placed);
 }
 
 // --- double-click

@@ -5,6 +5,7 @@
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Types/OssSnNodeType.h"
 #include "OssNodeGraph/Items/OssNgNode.h"
+#include "View/Backdrops.h"
 #include "View/QuickCreation.h"
 
 #include <algorithm>
@@ -104,6 +105,8 @@ void OssShaderNetworkView::createAtWireEnd(OssNgNode *item, const QString &port,
         };
         owner->setInputNode(port, node, bestPort(node->outputPoints(), kind, preferred));
     }
+    Backdrops::settle({{node, node->container()}});
+    Backdrops::settleNew(node);
     if (const OssNgNode *newItem = itemOf(node))
         ensureVisible(newItem, 0, 0); // others may have pushed it out of sight
 }

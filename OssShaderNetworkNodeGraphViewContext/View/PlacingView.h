@@ -56,6 +56,8 @@ public:
     void moveContainerDown(OssSnBaseNode *container, OssSnBaseNode *reference);
     /// Clear of everything, with what it holds: right of it, at the top or at its own height.
     void moveContainerToFreshLocation(OssSnBaseNode *container, bool preserveY);
+    /// After it was moved: the node belongs to the backdrop that it lies on now.
+    static void refreshMembership(OssSnBaseNode *node);
 
 protected:
     /// Null without one.

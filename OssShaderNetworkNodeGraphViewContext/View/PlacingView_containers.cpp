@@ -11,6 +11,7 @@
 #include "OssNodeGraph/Items/OssNgBackdropNodeRectChangeUndo.h"
 #include "OssNodeGraph/Items/OssNgSceneIndex.h"
 #include "OssSnNodeGraphViewContextManager.h"
+#include "View/Backdrops.h"
 
 #include <algorithm>
 
@@ -199,18 +200,37 @@ void PlacingView::respaceContainer(OssSnBaseNode *container, OssSnBaseNode *refe
     const OssNgNode *item = itemOf(reference);
     if (!backdrop || !item)
         return;
-    const QList<OssNgNode *> members = backdrop->nodesInside();
+    // What lies on another backdrop goes where that goes.
+    QList<OssNgNode *> members = backdrop->nodesInside();
+    const QList<OssNgNode *> all = members;
+    for (OssNgNode *inner : all) {
+        const auto *holder = qobject_cast<const OssNgBackdropNode *>(inner);
+        const QList<OssNgNode *> held = holder ? holder->nodesInside() : QList<OssNgNode *>();
+        for (OssNgNode *node : held) {
+            if (node != backdrop && !node->sceneBoundingRect().contains(inner->sceneBoundingRect()))
+                members.removeOne(node);
+        }
+    }
     QVector<QRectF> rects;
-    for (const OssNgNode *member : members)
+    for (const OssNgNode *member : qAsConst(members))
         rects.append(occupied(member));
     const QVector<qreal> shifts = ContainerPlacement::respaced(rects, occupied(item));
     const OssUndoManager::AutoMacro macro(tr("Respace Container"));
     QRectF content = occupied(item);
     for (int i = 0; i < members.size(); ++i) {
-        moveNode(members.at(i), members.at(i)->pos() + QPointF(0.0, shifts.at(i)));
+        const QPointF way(0.0, shifts.at(i));
+        if (auto *inner = qobject_cast<OssNgBackdropNode *>(members.at(i)))
+            moveContainer(inner, way);
+        else
+            moveNode(members.at(i), members.at(i)->pos() + way);
         content |= occupied(members.at(i));
     }
     stretchContainer(backdrop, content);
+}
+
+void PlacingView::refreshMembership(OssSnBaseNode *node)
+{
+    Backdrops::refreshMembership(node);
 }
 
 void PlacingView::moveContainerDown(OssSnBaseNode *container, OssSnBaseNode *reference)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssScriptObjects/OssaAPI.h"
 #include "OssScriptObjects/OssScriptObjects_export.h"
 
@@ -39,6 +40,9 @@ class OSSSCRIPTOBJECTS_EXPORT Node : public API
     Q_CLASSINFO("position", "Upper left corner in the graph's scene.")
     Q_PROPERTY(QSizeF size READ size WRITE setSize)
     Q_CLASSINFO("size", "Width and height in the scene. Only backdrops can be given one.")
+    Q_PROPERTY(Ossa::Node *container READ container WRITE setContainer)
+    Q_CLASSINFO("container", "The backdrop that the node belongs to; None when there is none. A "
+                             "backdrop that it is put into grows around it.")
     Q_PROPERTY(QString error READ error)
     Q_CLASSINFO("error", "Why the node gives no picture; empty when it is well.")
     Q_PROPERTY(QStringList inputs READ inputs)
@@ -48,6 +52,11 @@ class OSSSCRIPTOBJECTS_EXPORT Node : public API
     Q_CLASSINFO("inside", "The graph inside a group; None for other nodes.")
     Q_CLASSINFO("showInside", "Shows the inside of a group in the Node Graph palette.")
     Q_CLASSINFO("remove", "Removes the node from its graph.")
+    Q_CLASSINFO("placeUnderneath",
+                "Stacks the node underneath another one; in that one's backdrop, "
+                "if it is in any, where others make room.")
+    Q_CLASSINFO("placeNextTo", "Puts the node to the right of another one.")
+    Q_CLASSINFO("placeOnTop", "Puts the node beside the corner of another one.")
     Q_CLASSINFO("inputNode", "What feeds an input; None when it is free.")
     Q_CLASSINFO("inputOutput", "The output that feeds an input; empty when it is free.")
     Q_CLASSINFO("connectInput", "Wires an input to another node's first output, or the named one.")
@@ -113,6 +122,8 @@ public:
     void setPosition(const QPointF &position);
     QSizeF size() const;
     void setSize(const QSizeF &size);
+    Node *container() const;
+    void setContainer(Node *backdrop);
     QString error() const;
     QStringList inputs() const;
     QStringList outputs() const;
@@ -126,6 +137,10 @@ public Q_SLOTS:
     NodeGraph *inside() const;
     void showInside() const;
     void remove();
+
+    void placeUnderneath(Node *reference);
+    void placeNextTo(Node *reference);
+    void placeOnTop(Node *reference);
 
     Node *inputNode(const QString &input) const;
     QString inputOutput(const QString &input) const;
@@ -178,6 +193,7 @@ private:
     OssSnBaseContext *view() const;
     /// Null, and reported, when the node is no group.
     OssSnGroupNode *group() const;
+    void place(const Node *reference, OssShaderNetworkManager::Arrangement how);
 };
 
 } // namespace Ossa

@@ -45,6 +45,11 @@ class OSSSCRIPTOBJECTS_EXPORT NodeGraph : public API
     Q_CLASSINFO("exportNodes", "Writes nodes into a node file (*.ong).")
     Q_CLASSINFO("importNodes", "Adds the nodes of a node file.")
     Q_CLASSINFO("layout", "Arranges nodes, or the whole graph, in columns.")
+    Q_CLASSINFO("arrange",
+                "Puts nodes in order, one of arrangements(): in line, at equal distances, "
+                "each by the one before it in the list, or backdrops around what lies "
+                "on them.")
+    Q_CLASSINFO("arrangements", "What arrange() can do, as \"align left\" or \"place below\".")
     Q_CLASSINFO("show", "Shows the graph in the Node Graph palette.")
     Q_CLASSINFO("viewer", "The viewer of the object; None when there is none.")
     Q_CLASSINFO("view", "Shows what a node gives in the Viewer.")
@@ -86,6 +91,8 @@ public Q_SLOTS:
 
     void layout();
     void layout(const QList<Node *> &nodes);
+    void arrange(const QList<Node *> &nodes, const QString &how);
+    QStringList arrangements() const;
     void show();
     Node *viewer() const;
     void view(Node *node, int input = 1);

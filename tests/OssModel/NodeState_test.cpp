@@ -114,6 +114,34 @@ TEST_F(NodeState, whatIsInsideAGroupLeavesAndComesBackWithIt)
     EXPECT_EQ(group->groupNetwork()->geoEntity(), m_network->geoEntity());
 }
 
+TEST_F(NodeState, aNodeLiesInOneContainerOfItsNetworkAndNeverInItself)
+{
+    using Node = OssSnBaseNode;
+    Node *outer = add("Misc/Backdrop", "Outer");
+    Node *inner = add("Misc/Backdrop", "Inner");
+    Node *node = add("Filter/Blur");
+    auto *group = qobject_cast<OssSnGroupNode *>(add("Misc/Group"));
+    Node *elsewhere = group->groupNetwork()->createNode(QStringLiteral("Misc/Backdrop"));
+    const QByteArray before = m_project->stateHash();
+    OssUndoManager::instance()->clear();
+    node->setContainer(inner);
+    node->setContainer(inner);
+    EXPECT_EQ(OssUndoManager::instance()->undoText(), QStringLiteral("Put Blur into Inner"));
+    inner->setContainer(outer);
+    EXPECT_EQ(undoCount(), 2);
+    expectUndoIsExact(before);
+    OssUndoManager::instance()->clear();
+    for (Node *refused : {inner, outer, elsewhere})
+        outer->setContainer(refused);
+    EXPECT_TRUE(logHas(QStringLiteral("[ !! ] '/Outer' cannot lie in '/Inner'")));
+    EXPECT_TRUE(logHas(QStringLiteral("[ !! ] '/Outer' cannot lie in '/Outer'")));
+    EXPECT_TRUE(logHas(QStringLiteral("cannot lie in '/Group/Backdrop'")));
+    EXPECT_EQ(outer->container(), nullptr);
+    EXPECT_EQ(undoCount(), 0);
+    node->setContainer(nullptr);
+    EXPECT_EQ(OssUndoManager::instance()->undoText(), QStringLiteral("Take Blur out of Inner"));
+}
+
 TEST_F(NodeState, viewsAreHeldBackUntilTheLastLockGoes)
 {
     QSignalSpy allowed(m_network, &OssShaderNetwork::allowViewUpdateChanged);

@@ -152,6 +152,30 @@ TEST_F(NodesAsText, whatIsDamagedOrHostileIsRefusedAndNothingChanges)
     EXPECT_EQ(m_project->stateHash(), before);
 }
 
+TEST_F(NodesAsText, containersComeAlongWithWhatTheyHoldAndRingsOfThemAreRefused)
+{
+    OssSnBaseNode *outer = add("Misc/Backdrop", "Outer");
+    OssSnBaseNode *inner = add("Misc/Backdrop", "Inner");
+    OssSnBaseNode *blur = add("Filter/Blur");
+    inner->setContainer(outer);
+    blur->setContainer(inner);
+    const QByteArray text = OssShaderNetworkIO::nodesToText({outer, inner, blur});
+    QList<OssSnBaseNode *> copies;
+    ASSERT_TRUE(OssShaderNetworkIO::nodesFromText(m_network, text, {}, &copies));
+    ASSERT_EQ(copies.size(), 3);
+    EXPECT_EQ(copies.at(2)->container(), copies.at(1));
+    EXPECT_EQ(copies.at(1)->container(), copies.at(0));
+    const QByteArray alone = OssShaderNetworkIO::nodesToText({blur});
+    ASSERT_TRUE(OssShaderNetworkIO::nodesFromText(m_network, alone, {}, &copies));
+    EXPECT_EQ(copies.first()->container(), nullptr);
+    QByteArray ring = text;
+    ring.replace("name=\"Outer\"", "name=\"Outer\" container=\"Inner\"");
+    ASSERT_NE(ring, text);
+    const ExpectedLog expected("cannot lie in");
+    ASSERT_TRUE(OssShaderNetworkIO::nodesFromText(m_network, ring, {}, &copies));
+    EXPECT_TRUE(!copies.at(0)->container() || !copies.at(1)->container());
+}
+
 TEST_F(NodesAsText, loopsInAFileAreCut)
 {
     OssSnBaseNode *second = add("Filter/Blur");

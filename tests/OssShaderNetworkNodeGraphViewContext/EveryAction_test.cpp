@@ -31,6 +31,17 @@ constexpr std::array<const char *, 5> always(const char *title)
     return {title, title, title, title, title};
 }
 
+constexpr std::array<const char *, 5> ofMany(const char *title)
+{
+    return {nullptr, nullptr, title, nullptr, nullptr};
+}
+
+/// The protected node has no wire.
+constexpr std::array<const char *, 5> ofWired(const char *title)
+{
+    return {nullptr, title, title, nullptr, title};
+}
+
 /// Color and Scalar over each other, blurred, levelled, shown; beside them a protected node.
 class EveryActionTest : public GraphFixture
 {
@@ -196,6 +207,31 @@ const Row Rows[] = {
     {"Toggle Snap to Grid"},
     {"Toggle Edge Sever Mode"},
     {"Bake Again", {}, {{Nothing, NoBakePoints}, {Many, NoBakePoints}}},
+    {"Align Left", ofMany("Align Left")},
+    {"Align Center", ofMany("Align Center")},
+    {"Align Right", ofMany("Align Right")},
+    {"Align Top"}, // they are
+    {"Align Middle", ofMany("Align Middle")},
+    {"Align Bottom", ofMany("Align Bottom")},
+    {"Distribute Horizontally"}, // they are
+    {"Distribute Vertically", ofMany("Distribute Vertically")},
+    {"Place Underneath", ofWired("Place Underneath")},
+    {"Place Next To", ofWired("Place Next To")},
+    {"Place On Top", ofWired("Place On Top")},
+    {"Place Below", ofWired("Place Below")},
+    {"Place Far Below", ofWired("Place Far Below")},
+    {"Place Left Below", ofWired("Place Left Below")},
+    {"Place Left", ofWired("Place Left")},
+    {"Place In The Middle", ofWired("Place In The Middle")},
+    {"Place Right", ofWired("Place Right")},
+    {"Place Far Right", ofWired("Place Far Right")},
+    {"Place Right At Own Height", ofWired("Place Right At Own Height")},
+    {"Place Right Above", ofWired("Place Right Above")},
+    {"Place Above In Stream", ofWired("Place Above In Stream")},
+    {"Place At Free Spot", {nullptr, "Place At Free Spot", "Place At Free Spot", "Place At Free Spot", "Place At Free Spot"}},
+    {"Tidy Backdrops"},
+    {"Bring to Front"},
+    {"Send to Back"},
 };
 
 // clang-format on

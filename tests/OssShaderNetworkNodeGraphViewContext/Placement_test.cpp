@@ -1,5 +1,12 @@
 #include "GraphFixture.h"
+#include "Layout/Alignment.h"
+#include "Layout/ContainerPlacement.h"
+#include "Layout/GroupPortPlacement.h"
 #include "Layout/NodePlacement.h"
+#include "PluginUnderTest.h"
+#include "View/Backdrops.h"
+
+#include <QMetaEnum>
 
 namespace {
 
@@ -141,6 +148,194 @@ TEST_F(PlacementTest, containersStandBesideAndStretch)
     expectLogged("* Stretch out container node");
     undoAll();
     OssUndoManager::instance()->clear();
+    expectNothingDone();
+}
+
+TEST(ContainerPlacement, respacingClearsTheReferenceAndKeepsOrderAndDistances)
+{
+    const QRectF reference(0, 0, 100, 80);
+    const QVector<QRectF> members{{10, -50, 50, 40},
+                                  {20, 60, 50, 40},
+                                  {20, 120, 50, 40},
+                                  {400, 130, 50, 40},
+                                  {20, 500, 50, 40}};
+    const QVector<qreal> shifts = ContainerPlacement::respaced(members, reference);
+    EXPECT_EQ(shifts, (QVector<qreal>{0.0, 50.0, 50.0, 50.0, 50.0}));
+    EXPECT_EQ(ContainerPlacement::respaced({{0, 110, 50, 50}}, reference), QVector<qreal>{0.0});
+    EXPECT_EQ(ContainerPlacement::respaced({{400, 20, 50, 40}}, reference), QVector<qreal>{0.0});
+}
+
+TEST(ContainerPlacement, aContainerMovesOnlyAsFarAsItMust)
+{
+    const QRectF container(10, 200, 300, 100);
+    EXPECT_EQ(ContainerPlacement::belowShift(container, {0, 0, 50, 80}), 0.0);
+    EXPECT_EQ(ContainerPlacement::belowShift(container, {0, 180, 50, 80}), 90.0);
+    EXPECT_EQ(ContainerPlacement::freshLocation(container, {}, false), QPointF(10, 200));
+    EXPECT_EQ(ContainerPlacement::freshLocation(container, {0, 40, 900, 80}, false),
+              QPointF(930, 40));
+    EXPECT_EQ(ContainerPlacement::freshLocation(container, {0, 40, 900, 80}, true),
+              QPointF(930, 200));
+}
+
+TEST(GroupPortPlacement, inputsStandLeftOfWhatTheyFeedAndNeverOnEachOther)
+{
+    using Input = GroupPortPlacement::Input;
+    const QVector<QRectF> fed{{500, 100, 120, 90}, {500, 130, 120, 90}};
+    const QVector<Input> inputs{{{100, 40}, 0}, {{80, 40}, 0}, {{100, 40}, 1}, {{60, 40}, -1}};
+    const QVector<QPointF> places = GroupPortPlacement::inputPositions(inputs, fed);
+    EXPECT_EQ(places.first(), QPointF(500 - 150 - 100, 100));
+    EXPECT_EQ(places.at(1), QPointF(500 - 150 - 80, 170));
+    for (int i = 0; i < inputs.size(); ++i) {
+        for (int k = i + 1; k < inputs.size(); ++k)
+            EXPECT_FALSE(QRectF(places.at(i), inputs.at(i).size)
+                             .intersects(QRectF(places.at(k), inputs.at(k).size)))
+                << i << " " << k;
+    }
+    EXPECT_GT(places.at(3).y(), places.at(2).y());
+}
+
+using Networks = OssShaderNetworkManager;
+using Nodes = QList<OssSnBaseNode *>;
+
+TEST(Alignment, alignedRectsShareTheEdgeAndNoneLiesOverAnother)
+{
+    const QVector<QRectF> rects{{0, 0, 100, 40}, {60, 20, 50, 40}, {300, 500, 80, 60}};
+    using Edge = Alignment::Edge;
+    const QVector<QRectF> left = Alignment::aligned(rects, Edge::Left, {});
+    EXPECT_EQ(left, (QVector<QRectF>{{0, 0, 100, 40}, {0, 70, 50, 40}, {0, 500, 80, 60}}));
+    const QVector<QRectF> right = Alignment::aligned(rects, Edge::Right, {});
+    EXPECT_EQ(right, (QVector<QRectF>{{280, 0, 100, 40}, {330, 70, 50, 40}, {300, 500, 80, 60}}));
+    const QVector<QRectF> center = Alignment::aligned(rects, Edge::Center, {{140, 510, 10, 10}});
+    EXPECT_EQ(center.at(0), QRectF(140, 0, 100, 40));
+    EXPECT_EQ(center.at(2), QRectF(150, 500, 80, 60)) << "an edge in common is no overlap";
+    const QVector<QRectF> bottom = Alignment::aligned(rects, Edge::Bottom, {{300, 510, 10, 10}});
+    EXPECT_EQ(bottom, (QVector<QRectF>{{0, 520, 100, 40}, {130, 520, 50, 40}, {340, 500, 80, 60}}));
+}
+
+TEST(Alignment, distributedRectsHaveEqualGapsBetweenTheOutermost)
+{
+    const QVector<QRectF> rects{{400, 0, 100, 40}, {0, 10, 50, 40}, {60, 20, 50, 40}};
+    const QVector<QRectF> spread = Alignment::distributed(rects, Qt::Horizontal, {});
+    EXPECT_EQ(spread, (QVector<QRectF>{{400, 0, 100, 40}, {0, 10, 50, 40}, {200, 20, 50, 40}}));
+    const QVector<QRectF> kept = Alignment::distributed(rects, Qt::Horizontal, {{210, 0, 10, 30}});
+    EXPECT_EQ(kept.at(2), QRectF(200, 60, 50, 40));
+    const QVector<QRectF> tight = Alignment::distributed({{0, 0, 50, 40}, {0, 5, 50, 40}},
+                                                         Qt::Vertical, {});
+    EXPECT_EQ(tight, (QVector<QRectF>{{0, 0, 50, 40}, {0, 70, 50, 40}}));
+}
+
+class ArrangingTest : public GraphFixture
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(pluginUnderTest());
+        GraphFixture::SetUp();
+        contextOf(m_network->viewerNode())->setNodePosition({5000, 5000});
+    }
+
+    /// None of the nodes lies over any other node; backdrops may.
+    void expectApart(const Nodes &nodes, const char *what) const
+    {
+        const Nodes all = m_network->nodes();
+        for (const OssSnBaseNode *a : nodes) {
+            for (const OssSnBaseNode *b : all) {
+                if (a != b && !Backdrops::isBackdrop(a) && !Backdrops::isBackdrop(b))
+                    EXPECT_FALSE(rectOf(a).intersects(rectOf(b)))
+                        << what << ": " << qPrintable(a->name()) << ", " << qPrintable(b->name());
+            }
+        }
+    }
+
+    void mark()
+    {
+        begin();
+        m_before = m_project->stateHash();
+    }
+
+    QByteArray m_before;
+};
+
+TEST_F(ArrangingTest, everyArrangementIsACommandThatLeavesNoNodeOverAnother)
+{
+    const auto values = QMetaEnum::fromType<Networks::Arrangement>();
+    EXPECT_EQ(values.keyCount(), 25);
+    for (int i = 0; i < values.keyCount(); ++i) {
+        const auto how = Networks::Arrangement(values.value(i));
+        const char *key = values.key(i);
+        SCOPED_TRACE(key);
+        OssSnBaseNode *area = addArea({500, 600, 400, 300});
+        OssSnBaseNode *other = addArea({480, 1000, 300, 200});
+        const Nodes nodes{addAt("Procedural/Color", {0, 0}),
+                          addAt("Filter/Blur", {30, 10}),
+                          addAt("Filter/Blur", {600, 20}),
+                          addAt("Filter/Blur", {520, 700}),
+                          area,
+                          other};
+        addAt("Filter/Blur", {0, 150});
+        addAt("Filter/Blur", {300, 0});
+        addAt("Filter/Blur", {540, 800});
+        mark();
+        const bool orders = how == Networks::BringToFront || how == Networks::SendToBack;
+        const OssResult done = Networks::instance()->requestArrangement(
+            orders ? Nodes{area} : nodes, how);
+        EXPECT_TRUE(done) << qPrintable(done.error());
+        EXPECT_EQ(undoCount(), 1) << key;
+        const QByteArray after = m_project->stateHash();
+        EXPECT_NE(after, m_before);
+        if (!orders && how != Networks::TidyBackdrops)
+            expectApart(nodes, key);
+        expectWhole();
+        undo();
+        EXPECT_EQ(m_project->stateHash(), m_before);
+        OssUndoManager::instance()->redo();
+        EXPECT_EQ(m_project->stateHash(), after);
+        replaceProject();
+        m_view = m_manager->currentView();
+        contextOf(m_network->viewerNode())->setNodePosition({5000, 5000});
+    }
+}
+
+TEST_F(ArrangingTest, inABackdropOthersMakeRoomForWhatIsPlacedUnderneathOneOfThem)
+{
+    OssSnBaseNode *area = addArea({0, 0, 300, 500}, "Area");
+    OssSnBaseNode *first = addAt("Filter/Blur", {40, 60}, "First");
+    OssSnBaseNode *next = addAt("Filter/Blur", {40, 180}, "Next");
+    OssSnBaseNode *placed = addAt("Filter/Blur", {900, 60}, "Placed");
+    mark();
+    const OssResult done = Networks::instance()->requestArrangement({first, placed},
+                                                                    Networks::PlaceUnderneath);
+    EXPECT_TRUE(done);
+    EXPECT_EQ(placed->container(), area);
+    EXPECT_EQ(rectOf(placed).center().x(), rectOf(first).center().x());
+    EXPECT_LT(rectOf(placed).top(), rectOf(next).top());
+    expectApart({first, placed, next}, "in the backdrop");
+    expectStepBack("Place Underneath");
+}
+
+TEST_F(ArrangingTest, oneNodeGoesByWhatItIsWiredToAndNoneIsRefused)
+{
+    OssSnBaseNode *source = addAt("Filter/Blur", {40, 60});
+    OssSnBaseNode *node = addAt("Filter/Blur", {900, 400});
+    wire(source, node);
+    mark();
+    const auto arrange = [](const Nodes &nodes, Networks::Arrangement how) {
+        return Networks::instance()->requestArrangement(nodes, how).error().toStdString();
+    };
+    EXPECT_EQ(arrange({node}, Networks::PlaceNextTo), "");
+    EXPECT_EQ(rectOf(node).left(), rectOf(source).right() + 30.0);
+    expectStepBack("Place Next To");
+    EXPECT_EQ(arrange({}, Networks::PlaceAtFreeSpot), "Place At Free Spot: select a node first");
+    EXPECT_EQ(arrange({node}, Networks::AlignTop), "Align Top: select two nodes or more");
+    EXPECT_EQ(arrange({node, source}, Networks::DistributeVertically),
+              "Distribute Vertically: select three nodes or more");
+    EXPECT_EQ(arrange({node}, Networks::SendToBack), "Send to Back: select a backdrop first");
+    EXPECT_EQ(arrange({node}, Networks::TidyBackdrops),
+              "Tidy Backdrops: select a backdrop, or what lies on one");
+    OssSnBaseNode *area = addArea({2000, 0, 300, 500});
+    area->setLocked(true);
+    mark();
+    EXPECT_EQ(arrange({area}, Networks::BringToFront), "Bring to Front: the backdrop is locked");
     expectNothingDone();
 }
 

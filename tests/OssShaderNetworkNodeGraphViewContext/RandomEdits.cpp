@@ -3,12 +3,15 @@
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssModel/Graph/OssShaderNetworkIO.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
+#include "PluginUnderTest.h"
 #include "support/OtherValue.h"
+#include "View/Backdrops.h"
 
 #include <QTemporaryDir>
 
 void RandomEdits::SetUp()
 {
+    ASSERT_TRUE(pluginUnderTest());
     GraphFixture::SetUp();
     m_popups = OssApplication::popupsAllowed();
     OssApplication::setPopupsAllowed(false);
@@ -107,6 +110,21 @@ bool RandomEdits::resizeAny()
     return true;
 }
 
+bool RandomEdits::dropOnBackdrop()
+{
+    OssSnBaseNode *node = anyNode();
+    OssSnBaseNode *area = anyNode();
+    if (!node || node == area || area->network() != node->network() || !Backdrops::isBackdrop(area))
+        return false;
+    const OssUndoManager::AutoMacro macro(QStringLiteral("Drop"));
+    const Backdrops::Placed placed{node, Backdrops::containerOf(node)};
+    const QPointF way = rectOf(area).center() + QPointF(below(200) - 100.0, below(100) - 50.0)
+                        - rectOf(node).center();
+    Backdrops::shift(node, way);
+    Backdrops::settle({placed});
+    return true;
+}
+
 bool RandomEdits::reorderPorts()
 {
     QList<OssSnGroupNode *> groups;
@@ -184,6 +202,13 @@ QVector<RandomEdits::Operation> RandomEdits::commands()
         {"command paint node", on(qOverload<>(&View::createPaintableNode))},
         {"command bake point", on(qOverload<>(&View::createBakePointNode))},
         {"command view", on(qOverload<>(&View::connectSelectedNodeToViewer), 1)},
+        {"command arrange",
+         [this] {
+             const auto how = OssShaderNetworkManager::Arrangement(
+                 below(OssShaderNetworkManager::PlaceAboveInStream + 1));
+             return command([this, how] { m_view->arrange(how); });
+         }},
+        {"drop on a backdrop", by(&RandomEdits::dropOnBackdrop)},
     };
 }
 

@@ -84,6 +84,9 @@ protected:
 
     bool resizeAny();
 
+    /// As the pointer does: others make room.
+    bool dropOnBackdrop();
+
     bool reorderPorts();
 
     /// Enough for every operation to find something to work on, whatever was removed before.

@@ -173,6 +173,64 @@ TEST_F(ScriptObjects, thePaletteIsFoundInItsOwnClassAndOthersInTheGeneralOne)
     EXPECT_STREQ(other->metaObject()->className(), "Ossa::Palette");
 }
 
+TEST_F(ScriptObjects, nodesArePlacedByEachOtherAndInBackdrops)
+{
+    const auto script = [](OssSnBaseNode *node) {
+        return OssScriptObject<Ossa::Node>(node);
+    };
+    OssSnBaseNode *first = addAt("Filter/Blur", {0, 0}, "First");
+    OssSnBaseNode *second = addAt("Filter/Blur", {900, 700}, "Second");
+    OssSnBaseNode *area = addArea({2000, 0, 300, 200}, "Area");
+    auto *inside = addInside(addGroup(), "Filter/Blur");
+    begin();
+    script(second)->placeUnderneath(script(first));
+    EXPECT_EQ(rectOf(second).center().x(), rectOf(first).center().x());
+    EXPECT_GT(rectOf(second).top(), rectOf(first).bottom());
+    expectStepBack("Place Underneath");
+    script(second)->placeNextTo(script(first));
+    EXPECT_EQ(rectOf(second).left(), rectOf(first).right() + 30.0);
+    expectStepBack("Place Next To");
+    script(second)->placeOnTop(script(first));
+    EXPECT_EQ(rectOf(second).topLeft(), rectOf(first).bottomRight() + QPointF(30, 30));
+    expectStepBack("Place On Top");
+    script(area)->placeNextTo(script(first));
+    expectStepBack("Place Next To");
+
+    EXPECT_EQ(script(second)->container(), nullptr);
+    script(second)->setContainer(script(area));
+    EXPECT_EQ(script(second)->container(), script(area));
+    EXPECT_TRUE(rectOf(area).contains(rectOf(second)));
+    script(second)->placeUnderneath(script(first));
+    EXPECT_EQ(script(second)->container(), nullptr) << "it lies there no more";
+    script(second)->setContainer(script(first));
+    expectReported(4, "The node \"First\" is no backdrop");
+    const ExpectedLog expected("[ !! ] '/Area' cannot lie in '/Area'");
+    script(area)->setContainer(script(area));
+    expectReported(10, "\"Area\" cannot lie in \"Area\"");
+    script(second)->placeNextTo(script(inside));
+    expectReported(12, "Nodes are placed by another one of their graph");
+    script(second)->placeNextTo(nullptr);
+    expectReported(12, "Nodes are placed by another one of their graph");
+
+    script(area)->setPosition(rectOf(second).topLeft() - QPointF(20, 40));
+    EXPECT_EQ(script(second)->container(), script(area));
+    script(area)->setSize({100, 80});
+    EXPECT_EQ(script(second)->container(), nullptr);
+
+    auto *own = graph(m_network);
+    undoAll();
+    begin();
+    own->arrange({script(first), script(second)}, text("Align left"));
+    EXPECT_EQ(rectOf(first).left(), rectOf(second).left());
+    expectStepBack("Align Left");
+    EXPECT_TRUE(own->arrangements().contains(text("place right at own height")));
+    own->arrange({script(first)}, text("align left"));
+    expectReported(12, "Align Left: select two nodes or more");
+    own->arrange({script(first)}, text("sideways"));
+    const QString all = own->arrangements().join(text(", "));
+    expectReported(2, qPrintable(text("There is no arrangement \"sideways\"; there are ") + all));
+}
+
 TEST_F(ScriptObjects, positionsAndSizesAreUndoable)
 {
     auto *node = OssScriptObject<Ossa::Node>(add("Misc/Backdrop"));

@@ -99,6 +99,7 @@ void movePlace(OssSnBaseNode *from, OssSnBaseNode *to)
     if (from->viewContext() && to->viewContext())
         to->viewContext()->takePlaceOf(from->viewContext());
     OssShaderNetworkManager::instance()->requestSamePosition(from, to);
+    to->setContainer(from->container());
     const auto tell = [](OssSnBaseNode *old, OssSnBaseNode *replacement) {
         Q_EMIT OssShaderNetworkManager::instance()->nodeReplaced(old, replacement);
     };

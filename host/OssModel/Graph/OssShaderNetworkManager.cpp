@@ -247,6 +247,14 @@ void OssShaderNetworkManager::requestLayout(OssShaderNetwork *network,
         Q_EMIT beautifyNodesLayout(network, nodes);
 }
 
+OssResult OssShaderNetworkManager::requestArrangement(const QList<OssSnBaseNode *> &nodes,
+                                                      Arrangement how)
+{
+    OssResult result = OssResult::failure(tr("The nodes are shown in no node graph"));
+    Q_EMIT arrangementRequested(nodes, how, &result);
+    return result;
+}
+
 void OssShaderNetworkManager::setDebugNodes(const DebugNodes &nodes, const DebugInputs &inputs)
 {
     const DebugNodes oldNodes = std::exchange(m_debugNodes, nodes);

@@ -33,6 +33,37 @@ public:
     using DebugNodes = QMap<OssObjectReference, QColor>;
     using DebugInputs = QMap<OssObjectReference, QMap<QString, QColor>>;
 
+    /// What can be done to the places of several nodes at once. See Arranger for how.
+    enum Arrangement {
+        AlignLeft,
+        AlignCenter,
+        AlignRight,
+        AlignTop,
+        AlignMiddle,
+        AlignBottom,
+        DistributeHorizontally,
+        DistributeVertically,
+        TidyBackdrops,
+        BringToFront,
+        SendToBack,
+        // Each node by the one before it in the list; the first one stays.
+        PlaceUnderneath,
+        PlaceNextTo,
+        PlaceOnTop,
+        PlaceAtFreeSpot,
+        PlaceBelow,
+        PlaceFarBelow,
+        PlaceLeftBelow,
+        PlaceLeft,
+        PlaceInTheMiddle,
+        PlaceRight,
+        PlaceFarRight,
+        PlaceRightAtOwnHeight,
+        PlaceRightAbove,
+        PlaceAboveInStream
+    };
+    Q_ENUM(Arrangement)
+
     struct NamedLoader
     {
         QString name;
@@ -176,6 +207,9 @@ public:
     void requestPlacesInOrderOfPorts(OssSnGroupNode *group);
 
     void requestLayout(OssShaderNetwork *network, const QList<OssSnBaseNode *> &nodes);
+    /// Of nodes of one network; one undo step. Fails, in words, where something is missing, and where
+    /// nobody shows nodes.
+    OssResult requestArrangement(const QList<OssSnBaseNode *> &nodes, Arrangement how);
     /// Marks nodes and wires in colours until the next call.
     void setDebugNodes(const DebugNodes &nodes, const DebugInputs &inputs);
 
@@ -194,6 +228,8 @@ Q_SIGNALS:
     void beautifyNodesLayout(OssShaderNetwork *network);
     void beautifyNodesLayout(OssShaderNetwork *network, OssSnBaseNode *node);
     void beautifyNodesLayout(OssShaderNetwork *network, QList<OssSnBaseNode *> nodes);
+    void arrangementRequested(const QList<OssSnBaseNode *> &nodes,
+                              OssShaderNetworkManager::Arrangement how, OssResult *result);
     void nodeRegistered(OssShaderNetwork *network, OssSnBaseNode *node);
     void nodeDeregistered(OssShaderNetwork *network, OssSnBaseNode *node);
     /// An edit made the node and goes on. This one and the next two: not for what is loaded, undone

@@ -1,12 +1,15 @@
 #include "OssModel/Graph/OssShaderNetwork.h"
 
 #include "OssCore/Program/OssDebug.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssNodeTypeTable.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Graph/OssSnNodeFactory.h"
 #include "OssModel/Types/OssSnTags.h"
+
+#include <utility>
 
 namespace {
 
@@ -110,8 +113,10 @@ QStringList OssShaderNetwork::finishLoading()
 
 void OssShaderNetwork::wireLoadedNodes(QStringList *faults)
 {
+    const OssUndoManager::Pause pause;
     const OssShaderNetwork *root = rootNetwork();
     for (const NodePointer &node : m_nodes) {
+        node->setContainer(this->node(std::exchange(node->m_container.savedName, {})));
         const QVector<OssSnBaseNode::PendingConnection> pending = node->takePendingConnections();
         for (const OssSnBaseNode::PendingConnection &wire : pending) {
             OssSnBaseNode *source = wire.source.startsWith(QLatin1Char('/'))

@@ -60,10 +60,10 @@ public:
     void addTag(const QString &tag);
     QStringList tags() const;
 
-    /// Backdrop that holds the node, null when there is none.
-    OssSnBaseNode *container() const { return m_container; }
-
-    void setContainer(OssSnBaseNode *container) { m_container = container; }
+    /// Backdrop of its network that holds the node, or null. Saved; set undoably, without moving what
+    /// is shown. One that lies in the node itself, or elsewhere, is refused.
+    OssSnBaseNode *container() const;
+    void setContainer(OssSnBaseNode *container);
 
     QString lockOf(const QString &attribute) const override;
 
@@ -281,7 +281,7 @@ private:
     std::shared_ptr<const OssSnNodeType> m_type;
     const quint64 m_serial; ///< rises with each that is made: the order of a network's nodes
     OssShaderNetwork *m_network = nullptr;
-    QPointer<OssSnBaseNode> m_container;
+    OssSnContainer m_container;
     QSet<QString> m_tags; ///< beyond those of the type
     QVector<InputPort> m_inputs;
     QVector<OutputPoint> m_outputs;

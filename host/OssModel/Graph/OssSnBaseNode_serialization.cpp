@@ -32,6 +32,8 @@ OssSnBaseNode::Attributes OssSnBaseNode::identityAttributes() const
         own.sort();
         attributes.insert(QStringLiteral("tags"), own.join(QLatin1Char(' ')));
     }
+    if (const OssSnBaseNode *holder = container())
+        attributes.insert(QStringLiteral("container"), holder->name());
     return attributes;
 }
 
@@ -48,6 +50,7 @@ void OssSnBaseNode::loadIdentity(const Attributes &attributes)
                                 .split(QLatin1Char(' '), Qt::SkipEmptyParts);
     for (const QString &tag : own)
         m_tags.insert(tag);
+    m_container.savedName = attributes.value(QStringLiteral("container"));
     if (m_type)
         return;
     m_foreignId = attributes.value(QStringLiteral("definition"));

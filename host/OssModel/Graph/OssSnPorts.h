@@ -2,6 +2,7 @@
 
 #include "OssModel/Types/OssSnDataKind.h"
 
+#include <QPointer>
 #include <QString>
 #include <QStringList>
 
@@ -52,4 +53,11 @@ struct OssSnDelayedKnob
     QString groupPath;
     QString knob;
     QString attribute;
+};
+
+/// What holds a node, by its name as long as it is not read.
+struct OssSnContainer
+{
+    QPointer<OssSnBaseNode> node;
+    QString savedName;
 };

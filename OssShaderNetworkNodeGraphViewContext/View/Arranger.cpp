@@ -1,0 +1,360 @@
+#include "View/Arranger.h"
+
+#include "Layout/Alignment.h"
+#include "Layout/NodePlacement.h"
+#include "OssCore/Undo/OssUndoManager.h"
+#include "OssInterface/Actions/OssCommandTable.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssNodeGraph/Items/OssNgNode.h"
+#include "OssNodeGraph/Items/OssNgSceneIndex.h"
+#include "OssShaderNetworkView.h"
+#include "OssSnNodeGraphViewContextManager.h"
+#include "View/Backdrops.h"
+
+#include <QHash>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+using Networks = OssShaderNetworkManager;
+using Node = OssSnBaseNode;
+using Nodes = QList<OssSnBaseNode *>;
+using Backdrops::rectOf;
+
+constexpr int MostSteps = 1000; ///< downwards, in search of a free place
+
+QVector<QRectF> rectsOf(const Nodes &nodes)
+{
+    QVector<QRectF> rects;
+    for (const Node *node : nodes)
+        rects.append(rectOf(node));
+    return rects;
+}
+
+/// Without those that lie on one of them: they are taken along, unless that one stays.
+Nodes unitsOf(const Nodes &nodes, const Node *staying = nullptr)
+{
+    Nodes units = nodes;
+    for (const Node *node : nodes) {
+        const Nodes carried = node == staying ? Nodes() : Backdrops::inside(node);
+        for (Node *other : carried) {
+            if (other != staying)
+                units.removeOne(other);
+        }
+    }
+    return units;
+}
+
+/// Where no node may come to lie over another one: those that neither are among the nodes nor lie on
+/// one of them. Backdrops may lie under anything.
+QVector<QRectF> obstaclesFor(const Nodes &nodes)
+{
+    QVector<QRectF> obstacles;
+    Nodes moved = nodes;
+    for (const Node *node : nodes)
+        moved += Backdrops::inside(node);
+    const Nodes all = nodes.first()->network()->nodes();
+    for (Node *node : all) {
+        const OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(node);
+        if (item && item->isVisible() && !Backdrops::isBackdrop(node) && !moved.contains(node))
+            obstacles.append(item->sceneBoundingRect());
+    }
+    return obstacles;
+}
+
+void moveTo(const Nodes &nodes, const QVector<QRectF> &places)
+{
+    for (int i = 0; i < nodes.size(); ++i) {
+        const QPointF way = places.at(i).topLeft() - rectOf(nodes.at(i)).topLeft();
+        if (!way.isNull())
+            Backdrops::shift(nodes.at(i), way);
+    }
+}
+
+/// Down, until it lies on no other; a backdrop with what lies on it.
+void clearDownwards(Node *node)
+{
+    const QRectF there = rectOf(node);
+    const QRectF free = Alignment::clear(there, obstaclesFor({node}), Qt::Vertical);
+    if (free != there)
+        Backdrops::shift(node, free.topLeft() - there.topLeft());
+}
+
+/// Asks a node to go somewhere; what lies on it goes along.
+template <class Ask>
+void carryAlong(Node *node, Ask ask)
+{
+    const Nodes carried = Backdrops::inside(node);
+    const QPointF before = rectOf(node).topLeft();
+    ask();
+    const QPointF way = rectOf(node).topLeft() - before;
+    for (Node *other : carried)
+        Q_EMIT other->nodePositionedManual(other, way);
+}
+
+// --- each arrangement
+
+void align(const Nodes &nodes, int edge)
+{
+    const Nodes units = unitsOf(nodes);
+    moveTo(units, Alignment::aligned(rectsOf(units), Alignment::Edge(edge), obstaclesFor(units)));
+}
+
+void distribute(const Nodes &nodes, int orientation)
+{
+    const Nodes units = unitsOf(nodes);
+    moveTo(units, Alignment::distributed(rectsOf(units), Qt::Orientation(orientation),
+                                         obstaclesFor(units)));
+}
+
+void tidy(const Nodes &nodes, int)
+{
+    Nodes backdrops;
+    for (Node *node : nodes) {
+        Node *backdrop = Backdrops::isBackdrop(node) ? node : Backdrops::containerOf(node);
+        if (backdrop && !backdrops.contains(backdrop))
+            backdrops.append(backdrop);
+    }
+    Backdrops::tidy(backdrops);
+}
+
+bool isBackdropToEdit(const Node *node)
+{
+    return Backdrops::isBackdrop(node) && node->lockOf(QStringLiteral("ZOrder")).isEmpty();
+}
+
+void reorder(const Nodes &nodes, int toFront)
+{
+    Nodes backdrops;
+    std::copy_if(nodes.cbegin(), nodes.cend(), std::back_inserter(backdrops), isBackdropToEdit);
+    Backdrops::reorder(backdrops, toFront != 0);
+}
+
+/// In a container the others below make room; elsewhere as near as there is a free place.
+void placeUnderneath(Node *node, Node *reference)
+{
+    if (Backdrops::isBackdrop(node)) {
+        const QRectF there = rectOf(reference);
+        Backdrops::shift(node, QPointF(there.left(), there.bottom() + NodePlacement::Gap)
+                                   - rectOf(node).topLeft());
+        clearDownwards(node);
+        return;
+    }
+    Node *container = Backdrops::containerOf(reference);
+    if (container && container != node->container())
+        node->setContainer(container);
+    if (container) {
+        Q_EMIT node->nodeSyncedUnderneathNode(reference, false);
+        Backdrops::takeIn(node, container);
+        clearDownwards(node);
+        return;
+    }
+    const QVector<QRectF> obstacles = obstaclesFor({node});
+    const auto isFree = [&] {
+        const QRectF own = rectOf(node);
+        return std::none_of(obstacles.cbegin(), obstacles.cend(),
+                            [own](const QRectF &other) { return other.intersects(own); });
+    };
+    int factor = 1;
+    do
+        Q_EMIT node->nodePositionedUnderneath(reference, factor);
+    while (!isFree() && ++factor < MostSteps);
+}
+
+void placeNextTo(Node *node, Node *reference)
+{
+    if (Backdrops::isBackdrop(node))
+        carryAlong(node, [=] { Q_EMIT node->nodePositionedNextTo(reference); });
+    else
+        Q_EMIT node->emitSetLayout(Node::LayoutBeside, reference, true, true);
+    clearDownwards(node);
+}
+
+void placeOnTop(Node *node, Node *reference)
+{
+    carryAlong(node, [=] { Q_EMIT node->nodePositionedOnTopIdented(reference); });
+    clearDownwards(node);
+}
+
+template <void (*place)(Node *, Node *)>
+void placeEach(const Nodes &nodes, int)
+{
+    const Nodes units = unitsOf(nodes, nodes.first());
+    for (int i = 1; i < units.size(); ++i)
+        place(units.at(i), units.at(i - 1));
+}
+
+void placeByLayout(const Nodes &nodes, int layout)
+{
+    const Nodes units = unitsOf(nodes, nodes.first());
+    // Its own height is what such a step is for; the others bring both coordinates.
+    const bool fresh = layout != Node::LayoutTwoRightLoose;
+    for (int i = 1; i < units.size(); ++i) {
+        Node *node = units.at(i);
+        carryAlong(node, [&] {
+            Q_EMIT node->emitSetLayout(Node::NodeLayoutType(layout), units.at(i - 1), fresh,
+                                       !Backdrops::isBackdrop(node));
+        });
+        clearDownwards(node);
+    }
+}
+
+/// Right of everything; a backdrop with what lies on it.
+void placeAtFreeSpot(const Nodes &nodes, int)
+{
+    for (Node *node : unitsOf(nodes)) {
+        if (Backdrops::isBackdrop(node))
+            Q_EMIT node->containerMovedToFreshLocation(false);
+        else
+            Q_EMIT node->emitSetLayout(Node::LayoutFreeSpot, nullptr, true, true);
+    }
+}
+
+// --- the table
+
+enum Needs { OneNode, TwoNodes, ThreeNodes, ABackdrop, ABackdropOrMember, NodeAndWire };
+
+struct Row
+{
+    Networks::Arrangement how;
+    const char *command;
+    Needs needs;
+    void (*carryOut)(const Nodes &nodes, int argument);
+    int argument = 0;
+};
+
+// clang-format off
+const Row Rows[] = {
+    {Networks::AlignLeft, "Align Left", TwoNodes, align, int(Alignment::Edge::Left)},
+    {Networks::AlignCenter, "Align Center", TwoNodes, align, int(Alignment::Edge::Center)},
+    {Networks::AlignRight, "Align Right", TwoNodes, align, int(Alignment::Edge::Right)},
+    {Networks::AlignTop, "Align Top", TwoNodes, align, int(Alignment::Edge::Top)},
+    {Networks::AlignMiddle, "Align Middle", TwoNodes, align, int(Alignment::Edge::Middle)},
+    {Networks::AlignBottom, "Align Bottom", TwoNodes, align, int(Alignment::Edge::Bottom)},
+    {Networks::DistributeHorizontally, "Distribute Horizontally", ThreeNodes, distribute, Qt::Horizontal},
+    {Networks::DistributeVertically, "Distribute Vertically", ThreeNodes, distribute, Qt::Vertical},
+    {Networks::TidyBackdrops, "Tidy Backdrops", ABackdropOrMember, tidy},
+    {Networks::BringToFront, "Bring to Front", ABackdrop, reorder, 1},
+    {Networks::SendToBack, "Send to Back", ABackdrop, reorder, 0},
+    {Networks::PlaceUnderneath, "Place Underneath", NodeAndWire, placeEach<placeUnderneath>},
+    {Networks::PlaceNextTo, "Place Next To", NodeAndWire, placeEach<placeNextTo>},
+    {Networks::PlaceOnTop, "Place On Top", NodeAndWire, placeEach<placeOnTop>},
+    {Networks::PlaceAtFreeSpot, "Place At Free Spot", OneNode, placeAtFreeSpot},
+    {Networks::PlaceBelow, "Place Below", NodeAndWire, placeByLayout, Node::LayoutBelow},
+    {Networks::PlaceFarBelow, "Place Far Below", NodeAndWire, placeByLayout, Node::LayoutTwoBelow},
+    {Networks::PlaceLeftBelow, "Place Left Below", NodeAndWire, placeByLayout, Node::LayoutLeftBelow},
+    {Networks::PlaceLeft, "Place Left", NodeAndWire, placeByLayout, Node::LayoutLeft},
+    {Networks::PlaceInTheMiddle, "Place In The Middle", NodeAndWire, placeByLayout, Node::LayoutSame},
+    {Networks::PlaceRight, "Place Right", NodeAndWire, placeByLayout, Node::LayoutTwoRight},
+    {Networks::PlaceFarRight, "Place Far Right", NodeAndWire, placeByLayout, Node::LayoutThreeRight},
+    {Networks::PlaceRightAtOwnHeight, "Place Right At Own Height", NodeAndWire, placeByLayout, Node::LayoutTwoRightLoose},
+    {Networks::PlaceRightAbove, "Place Right Above", NodeAndWire, placeByLayout, Node::LayoutRightAbove},
+    {Networks::PlaceAboveInStream, "Place Above In Stream", NodeAndWire, placeByLayout, Node::LayoutRightAboveUneven},
+};
+
+// clang-format on
+
+QString titleOf(const Row &row)
+{
+    const OssCommandTable::Row *command = OssCommandTable::find(QStringLiteral("/Ossa/NodeGraph/")
+                                                                + QString::fromLatin1(row.command));
+    return command ? OssCommandTable::text(*command) : QString();
+}
+
+/// What is missing, in words; empty when nothing is. One node by itself is placed by what it is
+/// wired to, which is put before it.
+QString whatIsMissing(Needs needs, Nodes *nodes)
+{
+    const bool hasBackdrop = std::any_of(nodes->cbegin(), nodes->cend(), &Backdrops::isBackdrop);
+    const bool hasMember = std::any_of(nodes->cbegin(), nodes->cend(), [](const Node *node) {
+        return Backdrops::containerOf(node);
+    });
+    if (needs == NodeAndWire && nodes->size() == 1) {
+        const Nodes wired = nodes->first()->inputNodes() + nodes->first()->outputNodes();
+        for (Node *node : wired) {
+            if (node && node->network() == nodes->first()->network() && nodes->size() == 1)
+                nodes->prepend(node);
+        }
+    }
+    switch (needs) {
+    case OneNode:
+        return nodes->isEmpty() ? Arranger::tr("select a node first") : QString();
+    case TwoNodes:
+    case NodeAndWire:
+        return nodes->size() < 2 ? Arranger::tr("select two nodes or more") : QString();
+    case ThreeNodes:
+        return nodes->size() < 3 ? Arranger::tr("select three nodes or more") : QString();
+    case ABackdrop:
+        if (hasBackdrop && std::none_of(nodes->cbegin(), nodes->cend(), isBackdropToEdit))
+            return Arranger::tr("the backdrop is locked");
+        return hasBackdrop ? QString() : Arranger::tr("select a backdrop first");
+    case ABackdropOrMember:
+        break;
+    }
+    return hasBackdrop || hasMember ? QString()
+                                    : Arranger::tr("select a backdrop, or what lies on one");
+}
+
+/// Where all nodes of a network stand.
+QHash<Node *, QPointF> placesIn(const OssShaderNetwork *network)
+{
+    QHash<Node *, QPointF> places;
+    const Nodes nodes = network->nodes();
+    for (Node *node : nodes) {
+        if (const OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(node))
+            places.insert(node, item->pos());
+    }
+    return places;
+}
+
+} // namespace
+
+Arranger::Arranger(QObject *parent)
+    : QObject(parent)
+{
+    connect(OssShaderNetworkManager::instance(), &OssShaderNetworkManager::arrangementRequested,
+            this, &Arranger::arrange);
+}
+
+void Arranger::arrange(const QList<OssSnBaseNode *> &nodes,
+                       OssShaderNetworkManager::Arrangement how, OssResult *result)
+{
+    if (!OssSnNodeGraphViewContextManager::instance()->currentView())
+        return;
+    const auto *row = std::find_if(std::begin(Rows), std::end(Rows),
+                                   [how](const Row &one) { return one.how == how; });
+    Nodes shown;
+    for (Node *node : nodes) {
+        const OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(node);
+        if (item && item->scene() && node->network() && !shown.contains(node)
+            && (shown.isEmpty() || node->network() == shown.first()->network()))
+            shown.append(node);
+    }
+    const QString missing = whatIsMissing(row->needs, &shown);
+    if (!missing.isEmpty()) {
+        *result = OssResult::failure(QStringLiteral("%1: %2").arg(titleOf(*row), missing));
+        return;
+    }
+    *result = {};
+    const OssUndoManager::AutoMacro macro(titleOf(*row));
+    const OssShaderNetwork *network = shown.first()->network();
+    const QHash<Node *, QPointF> before = placesIn(network);
+    QHash<Node *, Node *> containers;
+    for (auto node = before.cbegin(); node != before.cend(); ++node)
+        containers.insert(node.key(), Backdrops::containerOf(node.key()));
+    row->carryOut(shown, row->argument);
+    QVector<Backdrops::Placed> moved;
+    const Nodes all = network->nodes();
+    for (Node *node : all) {
+        OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(node);
+        if (!item || item->pos() == before.value(node))
+            continue;
+        moved.append(Backdrops::Placed{node, containers.value(node)});
+        Q_EMIT item->posChanged(item->pos());
+    }
+    Backdrops::settle(moved);
+    OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
+}

@@ -1,0 +1,325 @@
+#include "View/Backdrops.h"
+
+#include "Layout/NodePlacement.h"
+#include "OssCore/Undo/OssUndoManager.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssNodeGraph/Items/OssNgBackdropNode.h"
+#include "OssNodeGraph/Items/OssNgSceneIndex.h"
+#include "OssSnNodeGraphViewContextManager.h"
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+
+namespace {
+
+using Node = OssSnBaseNode;
+using Backdrops::inside;
+using Backdrops::isBackdrop;
+using Backdrops::members;
+using Backdrops::rectOf;
+
+constexpr qreal NearBackdrop = 100.0; ///< a node wired to a member joins within this distance
+constexpr qreal SameEdge = 0.5;       ///< edges that are less apart are in line
+
+OssNgBackdropNode *backdropOf(const Node *node)
+{
+    return qobject_cast<OssNgBackdropNode *>(OssSnNodeGraphViewContextManager::guiNodeOf(node));
+}
+
+Node *nodeOf(const OssNgNode *item)
+{
+    return qobject_cast<Node *>(item->businessNode());
+}
+
+qreal extent(const QRectF &rect)
+{
+    return rect.width() * rect.height();
+}
+
+/// The smallest backdrop, other than the node, whose area is accepted; a backdrop takes none that is
+/// not smaller than itself.
+Node *innermost(const Node *node, const std::function<bool(const QRectF &)> &accepts)
+{
+    const OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(node);
+    if (!item || !item->scene())
+        return nullptr;
+    const QRectF own = item->sceneBoundingRect();
+    const qreal least = isBackdrop(node) ? extent(own) : 0.0;
+    Node *found = nullptr;
+    qreal smallest = 0.0;
+    for (OssNgNode *other : OssNgSceneIndex::of(item->scene())->nodesIn(own)) {
+        const QRectF area = other->sceneBoundingRect();
+        if (other == item || !qobject_cast<OssNgBackdropNode *>(other) || extent(area) <= least
+            || !accepts(area) || (found && extent(area) >= smallest))
+            continue;
+        found = nodeOf(other);
+        smallest = extent(area);
+    }
+    return found;
+}
+
+Node *holderOf(const Node *node)
+{
+    const QRectF own = rectOf(node);
+    return innermost(node, [own](const QRectF &area) { return area.contains(own); });
+}
+
+Node *backdropUnder(const Node *node)
+{
+    const QPointF middle = rectOf(node).center();
+    return innermost(node, [middle](const QRectF &area) { return area.contains(middle); });
+}
+
+bool isHigher(const Node *a, const Node *b)
+{
+    return rectOf(a).top() < rectOf(b).top();
+}
+
+/// The other backdrops of its network, but for those that lie on it or that it lies on.
+QList<Node *> otherBackdrops(const Node *backdrop)
+{
+    QList<Node *> others;
+    const QRectF own = rectOf(backdrop);
+    const QList<Node *> nodes = backdrop->network()->nodes();
+    for (Node *node : nodes) {
+        const QRectF there = isBackdrop(node) && node != backdrop ? rectOf(node) : QRectF();
+        if (!there.isEmpty() && !own.contains(there) && !there.contains(own))
+            others.append(node);
+    }
+    return others;
+}
+
+/// Those that begin and end where it does, from left to right: they stay in line with it.
+QList<Node *> peersOf(const Node *backdrop)
+{
+    const QRectF own = rectOf(backdrop);
+    QList<Node *> peers = otherBackdrops(backdrop);
+    peers.erase(std::remove_if(peers.begin(), peers.end(),
+                               [own](const Node *other) {
+                                   const QRectF there = rectOf(other);
+                                   return std::abs(there.left() - own.left()) > SameEdge
+                                          || std::abs(there.right() - own.right()) > SameEdge;
+                               }),
+                peers.end());
+    return peers;
+}
+
+/// Stacks below the backdrop what it has grown over, and below that what comes in its way.
+void pushDown(Node *backdrop, const QList<Node *> &clearBefore, QSet<Node *> *pushed)
+{
+    pushed->insert(backdrop);
+    for (Node *other : clearBefore) {
+        if (pushed->contains(other) || !rectOf(other).intersects(rectOf(backdrop)))
+            continue;
+        QList<Node *> clearOfOther;
+        for (Node *next : otherBackdrops(other)) {
+            if (!rectOf(next).intersects(rectOf(other)))
+                clearOfOther.append(next);
+        }
+        Q_EMIT other->containerMovedDown(backdrop);
+        pushDown(other, clearOfOther, pushed);
+        Backdrops::refreshMembership(other);
+    }
+}
+
+void stretchBy(Node *backdrop, Node *node)
+{
+    Q_EMIT backdrop->containerStretchedBy(node);
+}
+
+/// Asks something of the backdrop by which it may grow: those around it hold it then, and its
+/// neighbours go along. One that has grown over what it lay on does not have that hold it.
+void grow(Node *backdrop, const std::function<void()> &ask, QSet<Node *> *grown)
+{
+    grown->insert(backdrop);
+    const QRectF before = rectOf(backdrop);
+    Node *outer = holderOf(backdrop);
+    const QList<Node *> peers = peersOf(backdrop);
+    QList<Node *> clear = otherBackdrops(backdrop);
+    clear.erase(
+        std::remove_if(clear.begin(), clear.end(),
+                       [before](const Node *other) { return rectOf(other).intersects(before); }),
+        clear.end());
+    ask();
+    const QRectF now = rectOf(backdrop);
+    if (now == before)
+        return;
+    if (!peers.isEmpty() && now.width() > before.width()) {
+        for (Node *peer : peers)
+            Q_EMIT peer->nodePositionedManual(peer, {now.left() - before.left(), 0.0});
+        Q_EMIT backdrop->containerPeersStretched(peers);
+    }
+    if (outer && !grown->contains(outer) && !rectOf(outer).contains(now))
+        grow(
+            outer, [=] { stretchBy(outer, backdrop); }, grown);
+    QSet<Node *> pushed;
+    pushDown(backdrop, clear, &pushed);
+    Backdrops::refreshMembership(backdrop);
+}
+
+void grow(Node *backdrop, const std::function<void()> &ask)
+{
+    QSet<Node *> grown;
+    grow(backdrop, ask, &grown);
+}
+
+/// See takeIn(). Nodes that came together stay as they stand to each other.
+void join(Node *node, Node *backdrop, const QSet<Node *> &together)
+{
+    const QRectF start = rectOf(node);
+    QList<Node *> higher;
+    QList<Node *> lower;
+    // A backdrop that is put over members does not take them away.
+    for (Node *other : members(backdrop) + members(node)) {
+        if (!together.contains(other))
+            (rectOf(other).top() <= start.top() ? higher : lower).append(other);
+    }
+    QList<Node *> carried;
+    for (Node *other : inside(node)) {
+        if (together.contains(other))
+            carried.append(other);
+    }
+    node->setContainer(backdrop);
+    std::stable_sort(higher.begin(), higher.end(), isHigher);
+    for (const Node *above : qAsConst(higher)) {
+        const QRectF there = rectOf(above);
+        const QPointF way(0.0, there.bottom() + NodePlacement::Gap - rectOf(node).top());
+        if (!there.intersects(rectOf(node)))
+            continue;
+        for (Node *moved : QList<Node *>{node} + carried)
+            Q_EMIT moved->nodePositionedManual(moved, way);
+    }
+    const QRectF now = rectOf(node);
+    qreal room = 0.0;
+    for (const Node *below : qAsConst(lower)) {
+        if (rectOf(below).intersects(now))
+            room = std::max(room, now.bottom() + NodePlacement::Gap - rectOf(below).top());
+    }
+    grow(backdrop, [&] {
+        stretchBy(backdrop, node);
+        if (room <= 0.0)
+            return;
+        for (Node *below : qAsConst(lower)) {
+            Backdrops::shift(below, {0.0, room});
+            stretchBy(backdrop, below);
+        }
+        Q_EMIT backdrop->containerRespacedWrt(node);
+    });
+    Backdrops::refreshMembership(node);
+}
+
+} // namespace
+
+bool Backdrops::isBackdrop(const OssSnBaseNode *node)
+{
+    return backdropOf(node);
+}
+
+QRectF Backdrops::rectOf(const OssSnBaseNode *node)
+{
+    const OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(node);
+    return item ? item->sceneBoundingRect() : QRectF();
+}
+
+QList<OssSnBaseNode *> Backdrops::inside(const OssSnBaseNode *backdrop)
+{
+    QList<Node *> nodes;
+    const OssNgBackdropNode *item = backdropOf(backdrop);
+    const QList<OssNgNode *> items = item ? item->nodesInside() : QList<OssNgNode *>();
+    for (const OssNgNode *other : items) {
+        if (Node *node = nodeOf(other))
+            nodes.append(node);
+    }
+    return nodes;
+}
+
+QList<OssSnBaseNode *> Backdrops::members(const OssSnBaseNode *backdrop)
+{
+    QList<Node *> nodes;
+    for (Node *node : inside(backdrop)) {
+        if (holderOf(node) == backdrop)
+            nodes.append(node);
+    }
+    return nodes;
+}
+
+OssSnBaseNode *Backdrops::containerOf(const OssSnBaseNode *node)
+{
+    OssSnBaseNode *container = node->container();
+    return container ? container : holderOf(node);
+}
+
+void Backdrops::shift(OssSnBaseNode *node, const QPointF &way)
+{
+    const QList<Node *> carried = inside(node);
+    Q_EMIT node->nodePositionedManual(node, way);
+    for (Node *other : carried)
+        Q_EMIT other->nodePositionedManual(other, way);
+}
+
+void Backdrops::refreshMembership(OssSnBaseNode *node)
+{
+    if (!node->network() || !OssUndoManager::instance()->isRecording())
+        return;
+    node->setContainer(holderOf(node));
+    if (!isBackdrop(node))
+        return;
+    QList<Node *> concerned = inside(node);
+    const QList<Node *> all = node->network()->nodes();
+    for (Node *other : all) {
+        if (other->container() == node && !concerned.contains(other))
+            concerned.append(other);
+    }
+    for (Node *other : qAsConst(concerned))
+        other->setContainer(holderOf(other));
+}
+
+void Backdrops::takeIn(OssSnBaseNode *node, OssSnBaseNode *backdrop)
+{
+    join(node, backdrop, {node});
+}
+
+void Backdrops::settle(QVector<Placed> placed)
+{
+    std::stable_sort(placed.begin(), placed.end(),
+                     [](const Placed &a, const Placed &b) { return isHigher(a.node, b.node); });
+    QSet<Node *> together;
+    for (const Placed &one : qAsConst(placed)) {
+        together.insert(one.node);
+        refreshMembership(one.node);
+    }
+    for (const Placed &one : qAsConst(placed)) {
+        Node *backdrop = backdropUnder(one.node);
+        const bool carried = backdrop && backdrop == one.before && together.contains(backdrop);
+        if (!backdrop || carried)
+            continue;
+        if (backdrop != one.before)
+            join(one.node, backdrop, together);
+        else if (!rectOf(backdrop).contains(rectOf(one.node)))
+            grow(backdrop, [&] { stretchBy(backdrop, one.node); });
+    }
+}
+
+void Backdrops::settleNew(OssSnBaseNode *node)
+{
+    if (isBackdrop(node)) {
+        Q_EMIT node->containerChildrenRefreshed(members(node), false);
+        refreshMembership(node);
+        return;
+    }
+    if (node->container())
+        return;
+    Node *backdrop = backdropUnder(node);
+    const QRectF own = rectOf(node);
+    for (const Node *wired : node->inputNodes() + node->outputNodes()) {
+        Node *near = wired && !backdrop ? wired->container() : nullptr;
+        const QRectF area = rectOf(near).adjusted(-NearBackdrop, -NearBackdrop, NearBackdrop,
+                                                  NearBackdrop);
+        if (near && area.intersects(own))
+            backdrop = near;
+    }
+    if (backdrop)
+        takeIn(node, backdrop);
+}

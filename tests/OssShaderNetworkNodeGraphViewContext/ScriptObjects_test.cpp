@@ -216,9 +216,16 @@ TEST_F(ScriptObjects, nodesArePlacedByEachOtherAndInBackdrops)
     EXPECT_EQ(script(second)->container(), script(area));
     script(area)->setSize({100, 80});
     EXPECT_EQ(script(second)->container(), nullptr);
+}
 
+TEST_F(ScriptObjects, graphsArrangeNodesInWaysThatTheyName)
+{
+    const auto script = [](OssSnBaseNode *node) {
+        return OssScriptObject<Ossa::Node>(node);
+    };
+    OssSnBaseNode *first = addAt("Filter/Blur", {0, 0});
+    OssSnBaseNode *second = addAt("Filter/Blur", {900, 700});
     auto *own = graph(m_network);
-    undoAll();
     begin();
     own->arrange({script(first), script(second)}, text("Align left"));
     EXPECT_EQ(rectOf(first).left(), rectOf(second).left());

@@ -39,7 +39,7 @@ Nodes unitsOf(const Nodes &nodes, const Node *staying = nullptr)
 {
     Nodes units = nodes;
     for (const Node *node : nodes) {
-        const Nodes carried = node == staying ? Nodes() : Backdrops::inside(node);
+        const Nodes carried = node == staying ? Nodes() : Backdrops::carriedBy(node);
         for (Node *other : carried) {
             if (other != staying)
                 units.removeOne(other);
@@ -55,7 +55,7 @@ QVector<QRectF> obstaclesFor(const Nodes &nodes)
     QVector<QRectF> obstacles;
     Nodes moved = nodes;
     for (const Node *node : nodes)
-        moved += Backdrops::inside(node);
+        moved += Backdrops::carriedBy(node);
     const Nodes all = nodes.first()->network()->nodes();
     for (Node *node : all) {
         const OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(node);
@@ -87,7 +87,7 @@ void clearDownwards(Node *node)
 template <class Ask>
 void carryAlong(Node *node, Ask ask)
 {
-    const Nodes carried = Backdrops::inside(node);
+    const Nodes carried = Backdrops::carriedBy(node);
     const QPointF before = rectOf(node).topLeft();
     ask();
     const QPointF way = rectOf(node).topLeft() - before;

@@ -202,6 +202,7 @@ void join(Node *node, Node *backdrop, const QSet<Node *> &together)
         if (room <= 0.0)
             return;
         for (Node *below : qAsConst(lower)) {
+            below->setContainer(backdrop);
             Backdrops::shift(below, {0.0, room});
             stretchBy(backdrop, below);
         }
@@ -245,6 +246,19 @@ QList<OssSnBaseNode *> Backdrops::members(const OssSnBaseNode *backdrop)
     return nodes;
 }
 
+QList<OssSnBaseNode *> Backdrops::carriedBy(const OssSnBaseNode *backdrop)
+{
+    QList<Node *> nodes;
+    for (Node *node : inside(backdrop)) {
+        const Node *holder = node->container();
+        while (holder && holder != backdrop)
+            holder = holder->container();
+        if (holder || !node->container())
+            nodes.append(node);
+    }
+    return nodes;
+}
+
 OssSnBaseNode *Backdrops::containerOf(const OssSnBaseNode *node)
 {
     OssSnBaseNode *container = node->container();
@@ -253,7 +267,7 @@ OssSnBaseNode *Backdrops::containerOf(const OssSnBaseNode *node)
 
 void Backdrops::shift(OssSnBaseNode *node, const QPointF &way)
 {
-    const QList<Node *> carried = inside(node);
+    const QList<Node *> carried = carriedBy(node);
     Q_EMIT node->nodePositionedManual(node, way);
     for (Node *other : carried)
         Q_EMIT other->nodePositionedManual(other, way);

@@ -27,6 +27,9 @@ QRectF rectOf(const OssSnBaseNode *node);
 QList<OssSnBaseNode *> inside(const OssSnBaseNode *backdrop);
 /// The same without what lies on another backdrop that is inside.
 QList<OssSnBaseNode *> members(const OssSnBaseNode *backdrop);
+/// What goes where the backdrop goes: what lies on it, but for what belongs to another one and has
+/// just come to lie there.
+QList<OssSnBaseNode *> carriedBy(const OssSnBaseNode *backdrop);
 /// The backdrop that the node belongs to, also where that was never said: nodes of older projects
 /// lie on backdrops that do not know them.
 OssSnBaseNode *containerOf(const OssSnBaseNode *node);

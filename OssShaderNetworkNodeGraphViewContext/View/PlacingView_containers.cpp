@@ -138,10 +138,12 @@ OssNgBackdropNode *PlacingView::backdropOf(const OssSnBaseNode *container)
 
 void PlacingView::moveContainer(OssNgBackdropNode *backdrop, const QPointF &way)
 {
-    const QList<OssNgNode *> members = backdrop->nodesInside();
+    const auto *node = qobject_cast<const OssSnBaseNode *>(backdrop->businessNode());
+    const QList<OssSnBaseNode *> carried = node ? Backdrops::carriedBy(node)
+                                                : QList<OssSnBaseNode *>();
     moveNode(backdrop, backdrop->pos() + way);
-    for (OssNgNode *member : members)
-        moveNode(member, member->pos() + way);
+    for (const OssSnBaseNode *other : carried)
+        moveNode(itemOf(other), itemOf(other)->pos() + way);
 }
 
 void PlacingView::holdInContainer(OssSnBaseNode *container, const QList<OssSnBaseNode *> &members,

@@ -339,4 +339,25 @@ TEST_F(ArrangingTest, oneNodeGoesByWhatItIsWiredToAndNoneIsRefused)
     expectNothingDone();
 }
 
+TEST_F(ArrangingTest, aBackdropThatGivesWayTakesOnlyItsOwnAlong)
+{
+    OssSnBaseNode *area = addArea({0, 0, 300, 240}, "Area");
+    OssSnBaseNode *low = addAt("Filter/Blur", {40, 140}, "Low");
+    OssSnBaseNode *beneath = addArea({-100, 250, 600, 300}, "Beneath");
+    OssSnBaseNode *own = addAt("Filter/Blur", {300, 350}, "Own");
+    OssSnBaseNode *dropped = addAt("Filter/Blur", {45, 130}, "Dropped");
+    mark();
+    {
+        const OssUndoManager::AutoMacro macro(text("Drop"));
+        Backdrops::settle({{dropped, nullptr}});
+    }
+    EXPECT_EQ(low->container(), area);
+    EXPECT_EQ(rectOf(low).top(), rectOf(dropped).bottom() + 30.0);
+    EXPECT_TRUE(rectOf(area).contains(rectOf(low)));
+    EXPECT_EQ(own->container(), beneath);
+    EXPECT_EQ(rectOf(beneath).top(), rectOf(area).bottom() + 30.0);
+    EXPECT_TRUE(rectOf(beneath).contains(rectOf(own)));
+    expectStepBack("Drop");
+}
+
 } // namespace

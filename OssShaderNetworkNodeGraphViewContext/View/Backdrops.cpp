@@ -306,8 +306,7 @@ void Backdrops::settle(QVector<Placed> placed)
     }
     for (const Placed &one : qAsConst(placed)) {
         Node *backdrop = backdropUnder(one.node);
-        const bool carried = backdrop && backdrop == one.before && together.contains(backdrop);
-        if (!backdrop || carried)
+        if (!backdrop)
             continue;
         if (backdrop != one.before)
             join(one.node, backdrop, together);

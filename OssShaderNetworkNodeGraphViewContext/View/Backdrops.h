@@ -40,7 +40,7 @@ void refreshMembership(OssSnBaseNode *node);
 /// Puts the node into the backdrop where it stands: it goes below those that begin higher where it lies
 /// over them, and those that begin lower make room.
 void takeIn(OssSnBaseNode *node, OssSnBaseNode *backdrop);
-/// Takes in those nodes whose middle lies on a backdrop. What was carried by one of them stays in it.
+/// Takes in those nodes whose middle lies on a backdrop.
 void settle(QVector<Placed> placed);
 /// The same for a node that was just made and wired: it also joins the backdrop of a node that it is
 /// wired to and stands near.

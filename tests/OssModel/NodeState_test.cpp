@@ -140,6 +140,11 @@ TEST_F(NodeState, aNodeLiesInOneContainerOfItsNetworkAndNeverInItself)
     EXPECT_EQ(undoCount(), 0);
     node->setContainer(nullptr);
     EXPECT_EQ(OssUndoManager::instance()->undoText(), QStringLiteral("Take Blur out of Inner"));
+    node->setContainer(inner);
+    const Node *converted = OssShaderNetworkManager::instance()->convertNodeToKeyPath(
+        node, QStringLiteral("Filter/Sharpen"));
+    ASSERT_NE(converted, nullptr);
+    EXPECT_EQ(converted->container(), inner);
 }
 
 TEST_F(NodeState, viewsAreHeldBackUntilTheLastLockGoes)

@@ -343,7 +343,7 @@ TEST_F(ArrangingTest, aBackdropThatGivesWayTakesOnlyItsOwnAlong)
 {
     OssSnBaseNode *area = addArea({0, 0, 300, 240}, "Area");
     OssSnBaseNode *low = addAt("Filter/Blur", {40, 140}, "Low");
-    OssSnBaseNode *beneath = addArea({-100, 250, 600, 300}, "Beneath");
+    OssSnBaseNode *beneath = addArea({-100, 242, 600, 300}, "Beneath");
     OssSnBaseNode *own = addAt("Filter/Blur", {300, 350}, "Own");
     OssSnBaseNode *dropped = addAt("Filter/Blur", {45, 130}, "Dropped");
     mark();

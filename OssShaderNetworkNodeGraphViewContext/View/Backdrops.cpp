@@ -72,6 +72,26 @@ Node *backdropUnder(const Node *node)
     return innermost(node, [middle](const QRectF &area) { return area.contains(middle); });
 }
 
+/// Where the backdrop is still said to lie on the node, because it did, what is no longer so is told
+/// first: neither may hold the other.
+void putInto(Node *node, Node *backdrop)
+{
+    QList<Node *> chain;
+    for (Node *outer = backdrop; outer && outer != node; outer = outer->container())
+        chain.append(outer);
+    const bool isRing = !chain.isEmpty() && chain.last()->container() == node;
+    QList<Node *> elsewhere;
+    for (Node *outer : qAsConst(chain)) {
+        if (!isRing || outer->container() == holderOf(outer))
+            continue;
+        outer->setContainer(nullptr);
+        elsewhere.append(outer);
+    }
+    node->setContainer(backdrop);
+    for (Node *outer : qAsConst(elsewhere))
+        putInto(outer, holderOf(outer));
+}
+
 bool isHigher(const Node *a, const Node *b)
 {
     return rectOf(a).top() < rectOf(b).top();
@@ -181,7 +201,7 @@ void join(Node *node, Node *backdrop, const QSet<Node *> &together)
         if (together.contains(other))
             carried.append(other);
     }
-    node->setContainer(backdrop);
+    putInto(node, backdrop);
     std::stable_sort(higher.begin(), higher.end(), isHigher);
     for (const Node *above : qAsConst(higher)) {
         const QRectF there = rectOf(above);
@@ -202,7 +222,7 @@ void join(Node *node, Node *backdrop, const QSet<Node *> &together)
         if (room <= 0.0)
             return;
         for (Node *below : qAsConst(lower)) {
-            below->setContainer(backdrop);
+            putInto(below, backdrop);
             Backdrops::shift(below, {0.0, room});
             stretchBy(backdrop, below);
         }
@@ -277,7 +297,7 @@ void Backdrops::refreshMembership(OssSnBaseNode *node)
 {
     if (!node->network() || !OssUndoManager::instance()->isRecording())
         return;
-    node->setContainer(holderOf(node));
+    putInto(node, holderOf(node));
     if (!isBackdrop(node))
         return;
     QList<Node *> concerned = inside(node);
@@ -287,7 +307,7 @@ void Backdrops::refreshMembership(OssSnBaseNode *node)
             concerned.append(other);
     }
     for (Node *other : qAsConst(concerned))
-        other->setContainer(holderOf(other));
+        putInto(other, holderOf(other));
 }
 
 void Backdrops::takeIn(OssSnBaseNode *node, OssSnBaseNode *backdrop)

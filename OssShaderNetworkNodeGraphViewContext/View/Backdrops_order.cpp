@@ -65,6 +65,7 @@ int firstHit(const QList<Node *> &nodes, int begin, int end, const Node *node)
 
 void tidyOne(Node *backdrop)
 {
+    Backdrops::refreshMembership(backdrop);
     QList<Node *> members = Backdrops::members(backdrop);
     if (members.isEmpty())
         return;

@@ -360,4 +360,19 @@ TEST_F(ArrangingTest, aBackdropThatGivesWayTakesOnlyItsOwnAlong)
     expectStepBack("Drop");
 }
 
+TEST_F(ArrangingTest, whatHeldABackdropCanComeToLieInIt)
+{
+    OssSnBaseNode *first = addArea({0, 0, 300, 300}, "First");
+    OssSnBaseNode *second = addArea({50, 50, 100, 100}, "Second");
+    OssSnBaseNode *third = addArea({60, 60, 90, 80}, "Third");
+    second->setContainer(first);
+    third->setContainer(second);
+    contextOf(third)->setNodePosition({-100, -100});
+    contextOf(third)->setNodeSize({900, 900});
+    Backdrops::refreshMembership(first);
+    EXPECT_EQ(third->container(), nullptr);
+    EXPECT_EQ(first->container(), third);
+    EXPECT_EQ(second->container(), first);
+}
+
 } // namespace

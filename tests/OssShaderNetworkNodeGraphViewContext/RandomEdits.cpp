@@ -9,6 +9,8 @@
 
 #include <QTemporaryDir>
 
+#include <algorithm>
+
 void RandomEdits::SetUp()
 {
     ASSERT_TRUE(pluginUnderTest());
@@ -112,9 +114,16 @@ bool RandomEdits::resizeAny()
 
 bool RandomEdits::dropOnBackdrop()
 {
-    OssSnBaseNode *node = anyNode();
-    OssSnBaseNode *area = anyNode();
-    if (!node || node == area || area->network() != node->network() || !Backdrops::isBackdrop(area))
+    QList<OssSnBaseNode *> areas = m_network->getAllNodes();
+    areas.erase(std::remove_if(areas.begin(), areas.end(),
+                               [](OssSnBaseNode *node) { return !Backdrops::isBackdrop(node); }),
+                areas.end());
+    if (areas.isEmpty())
+        return false;
+    OssSnBaseNode *area = areas.at(below(areas.size()));
+    const QList<OssSnBaseNode *> around = area->network()->nodes();
+    OssSnBaseNode *node = around.at(below(around.size()));
+    if (node == area)
         return false;
     const OssUndoManager::AutoMacro macro(QStringLiteral("Drop"));
     const Backdrops::Placed placed{node, Backdrops::containerOf(node)};

@@ -46,11 +46,12 @@ QVector<End> wantedEnds(const OssShaderNetworkView *view)
         if (end.node)
             ends.append(end);
     }
-    const QPoint place = view->viewport()->mapFromGlobal(QCursor::pos());
-    if (!ends.isEmpty() || !view->viewport()->rect().contains(place))
+    const QPoint pointer = view->viewport()->mapFromGlobal(QCursor::pos());
+    if (!ends.isEmpty() || !view->viewport()->rect().contains(pointer))
         return ends;
-    const End end = endOf(
-        OssNgSceneIndex::of(view->scene())->edgeAt(view->toScene(place), Reach / view->zoom()));
+    // From the menu: what it was asked for at.
+    const End end = endOf(OssNgSceneIndex::of(view->scene())
+                              ->edgeAt(view->toScene(view->creationPoint()), Reach / view->zoom()));
     return end.node ? QVector<End>{end} : ends;
 }
 

@@ -16,11 +16,11 @@
 #include "OssModel/Layers/OssMaterialPaintManager.h"
 #include "OssModel/Nodes/OssBakePointWatch.h"
 #include "OssModel/Nodes/OssLayerShaderModelManager.h"
-#include "OssModel/Project/OssNodeTypeWatch.h"
 #include "OssModel/Nodes/OssProblems.h"
 #include "OssModel/Nodes/OssSnNodeClasses.h"
 #include "OssModel/Nodes/OssSnTeleportNodeManager.h"
 #include "OssModel/Objects/OssCanvasManager.h"
+#include "OssModel/Project/OssNodeTypeWatch.h"
 #include "OssModel/Project/OssProjectManager.h"
 
 struct OssModelServices::Services

@@ -1,6 +1,7 @@
 #include "OssCore/Undo/OssUndoManager.h"
 
 #include <QElapsedTimer>
+#include <QSet>
 
 #include <algorithm>
 #include <iterator>
@@ -35,10 +36,14 @@ struct OssUndoManager::Macro final : OssUndoStep
     QList<QObject *> subjects() const override
     {
         QList<QObject *> all;
+        QSet<QObject *> known;
         for (const auto &step : steps) {
             const QList<QObject *> own = step->subjects();
-            std::copy_if(own.cbegin(), own.cend(), std::back_inserter(all),
-                         [&all](QObject *subject) { return !all.contains(subject); });
+            for (QObject *subject : own) {
+                if (!known.contains(subject))
+                    all.append(subject);
+                known.insert(subject);
+            }
         }
         return all;
     }

@@ -154,7 +154,7 @@ const std::vector<Row> RowTable{
     {"/Ossa/NodeGraph", QT_TR_NOOP("Clear Marks"), "", "Select 5.2", Always, QT_TR_NOOP("Take the marks of dependencies away")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Pick Up Edge Under Mouse"), "E", "Edges 1.1", Always, QT_TR_NOOP("Take the wire under the pointer in hand to connect it elsewhere")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Toggle Edge Sever Mode"), "Y", "Edges 1.2", Always, QT_TR_NOOP("Cut the wires that the pointer is drawn across, or stop doing so")},
-    {"/Ossa/NodeGraph", QT_TR_NOOP("Toggle Wire"), "Shift+D", "Edges 1.4", Always, QT_TR_NOOP("Switch the selected wires, or the one under the pointer, off or on again: what comes along one that is off is not used")},
+    {"/Ossa/NodeGraph", QT_TR_NOOP("Toggle Wire"), "Shift+D", "Edges 1.4, Context 3.6", Always, QT_TR_NOOP("Switch the selected wires, or the one under the pointer, off or on again: what comes along one that is off is not used")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Shake To Extract"), "", "Edges 1.3", Always, QT_TR_NOOP("Shake To Extract")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Toggle Port List"), "P", "Ports 1.1", Always, QT_TR_NOOP("Show all ports of the selected nodes, or their headers alone")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Cycle Port List Mode"), "Shift+P", "Ports 1.2", Always, QT_TR_NOOP("Show more or fewer ports on the selected nodes, one step at a time")},

@@ -484,9 +484,12 @@ void OssNodePropertyPanel::keyPressEvent(QKeyEvent *event)
     const int key = event->key();
     if (row && row->takeKey(event))
         return;
-    if (row
-        && (key == Qt::Key_Menu || (event->modifiers() == Qt::ShiftModifier && key == Qt::Key_F10)))
+    const bool wantsMenu = key == Qt::Key_Menu
+                           || (event->modifiers() == Qt::ShiftModifier && key == Qt::Key_F10);
+    if (row && wantsMenu)
         row->openMenu(row->label()->mapToGlobal({0, row->label()->height()}));
+    else if (wantsMenu)
+        openMenu(heading()->mapToGlobal({0, heading()->height()}));
     else
         OssExpandableListWidget::keyPressEvent(event);
 }

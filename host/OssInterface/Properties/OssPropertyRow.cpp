@@ -37,6 +37,17 @@ public:
         setContentsMargins(MarkColumn, 0, 0, 0);
     }
 
+    // A style sheet takes the margins away.
+    QSize sizeHint() const override
+    {
+        return QLabel::sizeHint() + QSize(MarkColumn - contentsMargins().left(), 0);
+    }
+
+    QSize minimumSizeHint() const override
+    {
+        return QLabel::minimumSizeHint() + QSize(MarkColumn - contentsMargins().left(), 0);
+    }
+
     void setMarks(bool changed, bool linked, bool broken)
     {
         m_changed = changed;

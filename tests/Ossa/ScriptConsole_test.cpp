@@ -311,6 +311,7 @@ TEST_F(ScriptEchoTest, linesDoWhatWasDoneByHand)
     step();
     blur->setBypassed(true);
     merge->setEnabled(0);
+    merge->setInputEnabled(text("Mask"), false);
     step();
     m_network->extractNodes({blur}, true);
     step();

@@ -109,7 +109,7 @@ void ScriptEcho::watchAction(QAction *action)
 
 void ScriptEcho::watchNode(OssShaderNetwork *network, OssSnBaseNode *node)
 {
-    m_known.insert(node, {node->path(), positionOf(node), network, node});
+    m_known.insert(node, {node->path(), positionOf(node), network, node, node->outputPointNames()});
     const auto change = [this, node]() -> Change & {
         if (!m_changes.contains(node))
             m_changeOrder.append(node);
@@ -122,6 +122,16 @@ void ScriptEcho::watchNode(OssShaderNetwork *network, OssSnBaseNode *node)
             [change](const QString &name) { change().attributes.insert(name); });
     connect(node, &OssSnBaseNode::inputNodeChanged, this,
             [change](const QString &input) { change().inputs.insert(input); });
+    connect(node, &OssSnBaseNode::inputEnabledChanged, this,
+            [change](const QString &input) { change().switched.insert(input); });
+    connect(node, &OssSnBaseNode::inputOrderChanged, this,
+            [change] { change().inputOrder = true; });
+    connect(node, &OssSnBaseNode::outputsRefreshed, this,
+            [change] { change().outputOrder = true; });
+    connect(node, &OssSnBaseNode::nodeAttributeRenamed, this,
+            [change](const QString &before, const QString &after) {
+                change().knobs.append({before, after});
+            });
     connect(node, &OssSnBaseNode::enabledChanged, this, [change] { change().enabled = true; });
     connect(node, &OssSnBaseNode::bypassedChanged, this, [change] { change().bypassed = true; });
     connect(node, &OssSnBaseNode::lockedChanged, this, [change] { change().locked = true; });
@@ -224,6 +234,7 @@ void ScriptEcho::tellNow()
         OssSnBaseNode *node = known.key();
         known->path = node->path();
         known->position = positionOf(node);
+        known->outputs = node->outputPointNames();
         if (node->selected())
             m_selection.append(known->path);
     }
@@ -306,6 +317,7 @@ QStringList ScriptEcho::describeNode(OssSnBaseNode *node, const Change &change) 
     if (change.renamed)
         lines.append(ScriptText::node(m_known.value(node).path) + QStringLiteral(".name = ")
                      + ScriptText::text(node->name()));
+    lines.append(describePorts(node, change));
     const QString lock = change.locked ? name + QStringLiteral(".locked = ")
                                              + ScriptText::value(node->isLocked())
                                        : QString();
@@ -331,6 +343,37 @@ QStringList ScriptEcho::describeNode(OssSnBaseNode *node, const Change &change) 
     inputs.sort();
     lines.append(describeWires(node, inputs));
     lines.removeAll(QString());
+    return lines;
+}
+
+QStringList ScriptEcho::describePorts(OssSnBaseNode *node, const Change &change) const
+{
+    QStringList lines;
+    const QString name = ScriptText::node(node->path());
+    for (const auto &knob : change.knobs) {
+        if (node->exists(knob.second))
+            lines.append(QStringLiteral("%1.renameKnob(%2, %3)")
+                             .arg(name, ScriptText::text(knob.first),
+                                  ScriptText::text(node->userAttribute(knob.second).prettyName())));
+    }
+    QStringList inputs = change.switched.values();
+    inputs.sort();
+    for (const QString &input : qAsConst(inputs)) {
+        if (node->hasInput(input))
+            lines.append(QStringLiteral("%1.setInputEnabled(%2, %3)")
+                             .arg(name, ScriptText::text(input),
+                                  ScriptText::value(node->isInputEnabled(input))));
+    }
+    if (change.inputOrder)
+        lines.append(QStringLiteral("%1.reorderInputs(%2)")
+                         .arg(name, ScriptText::value(node->inputNames())));
+    // That they were refreshed may mean more.
+    const QStringList outputs = node->outputPointNames();
+    const QStringList before = m_known.value(node).outputs;
+    if (change.outputOrder && outputs != before && outputs.size() == before.size()
+        && QSet<QString>(outputs.cbegin(), outputs.cend())
+               == QSet<QString>(before.cbegin(), before.cend()))
+        lines.append(QStringLiteral("%1.reorderOutputs(%2)").arg(name, ScriptText::value(outputs)));
     return lines;
 }
 

@@ -39,12 +39,17 @@ private:
         QPointF position;
         const OssShaderNetwork *network = nullptr;
         QPointer<OssSnBaseNode> node; ///< null when it died
+        QStringList outputs;
     };
 
     struct Change
     {
         QSet<QString> attributes;
         QSet<QString> inputs;
+        QSet<QString> switched;                 ///< inputs, on or off
+        QVector<QPair<QString, QString>> knobs; ///< from name to name
+        bool inputOrder = false;
+        bool outputOrder = false;
         bool enabled = false;
         bool bypassed = false;
         bool locked = false;
@@ -66,6 +71,7 @@ private:
     QStringList removedNodes() const;
     QStringList describe();
     QStringList describeNode(OssSnBaseNode *node, const Change &change) const;
+    QStringList describePorts(OssSnBaseNode *node, const Change &change) const;
     QStringList describeNew(OssSnBaseNode *node) const;
     QStringList describeWires(OssSnBaseNode *node, const QStringList &inputs) const;
     QStringList describeMoves();

@@ -23,6 +23,7 @@ bool isNoise(const QString &text)
         "This plugin does not support lower()",
         "This plugin does not support setParent!",
         "This plugin does not support grabbing the",
+        "This plugin does not support QPlatformServices::openDocument()",
         // Machines that nobody is logged in at have no such folder.
         "QStandardPaths: XDG_RUNTIME_DIR not set",
     };

@@ -11,9 +11,7 @@
 #include "OssInterface/Widgets/OssMiniButton.h"
 #include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
-#include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
-#include "OssModel/Types/OssSnTags.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -27,7 +25,6 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
-#include <functional>
 
 namespace {
 
@@ -38,18 +35,6 @@ const QString ValuesMimeType = QStringLiteral("application/x-ossa-values");
 bool isShown(const OssCustomAttribute &attribute)
 {
     return attribute.isVisible() && !attribute.name().startsWith(QLatin1Char('_'));
-}
-
-/// Those that have something to show, each once.
-QList<OssSnBaseNode *> withPanels(const QList<OssSnBaseNode *> &nodes)
-{
-    QList<OssSnBaseNode *> shown;
-    for (OssSnBaseNode *node : nodes) {
-        if (node && !node->hasTag(OssSnTags::dot()) && !node->hasTag(OssSnTags::viewer())
-            && !shown.contains(node))
-            shown.append(node);
-    }
-    return shown;
 }
 
 OssFormLayout *makeForm(QWidget *body)
@@ -420,32 +405,6 @@ void OssNodePropertyPanel::resetValues()
     const OssUndoManager::AutoMacro macro(tr("Reset %1").arg(m_node->name()));
     for (OssPropertyRow *row : qAsConst(m_rows))
         row->reset();
-}
-
-void OssNodePropertyPanel::addWays(QMenu *menu)
-{
-    OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
-    const auto add = [&](const QString &text, const std::function<void(OssSnBaseNode *)> &go) {
-        return menu->addAction(text, this, [this, go] {
-            if (m_node)
-                go(m_node);
-        });
-    };
-    add(tr("Go to Node"), [networks](OssSnBaseNode *node) { networks->goToNode(node); });
-    add(tr("Look at It in the Viewer"),
-        [networks](OssSnBaseNode *node) { networks->requestViewer(node); });
-    // Panels of neighbours go where the stream has them: sources below, targets above.
-    add(tr("Open Properties of What Feeds It"), [networks](OssSnBaseNode *node) {
-        QList<OssSnBaseNode *> nodes = withPanels(node->inputNodes());
-        std::reverse(nodes.begin(), nodes.end()); // each goes right below this panel
-        for (OssSnBaseNode *source : qAsConst(nodes))
-            networks->requestPropertiesAfter(source, node);
-    })->setEnabled(m_node && !withPanels(m_node->inputNodes()).isEmpty());
-    add(tr("Open Properties of What It Feeds"), [networks](OssSnBaseNode *node) {
-        const QList<OssSnBaseNode *> nodes = withPanels(node->outputNodes());
-        for (OssSnBaseNode *target : nodes)
-            networks->requestPropertiesBefore(target, node);
-    })->setEnabled(m_node && !withPanels(m_node->outputNodes()).isEmpty());
 }
 
 void OssNodePropertyPanel::openMenu(const QPoint &position)

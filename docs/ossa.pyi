@@ -103,7 +103,22 @@ class Project(Object):
     def object(self, name: str) -> GeoEntity:
         """By name; None when there is none."""
     def createObject(self, name: str, geometry: str) -> GeoEntity:
-        """Adds an object with a root graph. Its geometry is 'plane', 'sphere', 'cube' or a file. Cannot be undone."""
+        """Adds an object with a root graph. Its geometry is 'plane', 'sphere', 'cube', 'cylinder', 'shaderBall' or a file."""
+    def removeObject(self, object: GeoEntity) -> None:
+        """Takes an object with its graphs out of the project. A project has at least one."""
+    @overload
+    def importMesh(self, path: str, split: str, unwrap: bool) -> list[GeoEntity]:
+        """Makes objects of a mesh file: split is 'one', 'objects' or 'materials'. With unwrap, texture coordinates are made."""
+    @overload
+    def importMesh(self, path: str, split: str) -> list[GeoEntity]: ...
+    @overload
+    def importMesh(self, path: str) -> list[GeoEntity]: ...
+    def missingFiles(self) -> list[str]:
+        """Paths of meshes and images that the project names and that are missing or cannot be read."""
+    def relink(self, oldPath: str, newPath: str) -> int:
+        """Has all that names the old path name the new one; how many those were."""
+    def relinkFolder(self, folder: str) -> int:
+        """Relinks all missing files that lie under their names in or below the folder; how many uses of files were changed."""
     def graphs(self) -> list[NodeGraph]:
         """The root graphs of all objects."""
     def images(self) -> list[Image]:
@@ -139,10 +154,30 @@ class GeoEntity(Object):
     def name(self, value: str) -> None: ...
     @property
     def geometry(self) -> str:
-        """'plane', 'sphere', 'cube', or the file of the shape."""
+        """'plane', 'sphere', 'cube', 'cylinder', 'shaderBall', or the file of the shape."""
+    @property
+    def meshState(self) -> str:
+        """'ready', or 'kept' or 'missing' where the file cannot be used: then the mesh that the project keeps is used, or there is none."""
+    @property
+    def meshProblem(self) -> str:
+        """Why the file cannot be used, or what is wrong with its texture coordinates; empty when all is well."""
+    @property
+    def uvSet(self) -> str:
+        """The set of the file's texture coordinates; empty for the first."""
+    @uvSet.setter
+    def uvSet(self, value: str) -> None: ...
+    @property
+    def unwraps(self) -> bool:
+        """Whether texture coordinates are made, whatever the file has."""
+    @unwraps.setter
+    def unwraps(self, value: bool) -> None: ...
     @property
     def geoChannels(self) -> list[str]:
         """Names of the object's geo-channels."""
+    def replaceMesh(self, geometry: str) -> str:
+        """Gives the object another shape or file; wires, paint and bakes stay. What is other, in words."""
+    def reloadMesh(self) -> None:
+        """Reads the file again."""
     def patches(self) -> list[int]:
         """The UDIM patches of the object, ascending."""
     def graphs(self) -> list[NodeGraph]:

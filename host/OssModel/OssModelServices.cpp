@@ -21,12 +21,14 @@
 #include "OssModel/Nodes/OssSnTeleportNodeManager.h"
 #include "OssModel/Objects/OssCanvasManager.h"
 #include "OssModel/Project/OssNodeTypeWatch.h"
+#include "OssModel/Objects/OssMeshes.h"
 #include "OssModel/Project/OssProjectManager.h"
 
 struct OssModelServices::Services
 {
     OssCoreServices core;
     OssFileWatch files;
+    OssMeshes meshes;
     OssShaderNetworkManager networks;
     OssNodeTypeWatch nodeTypes;
     OssLinkedCustomAttributeManager links;

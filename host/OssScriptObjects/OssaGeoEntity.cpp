@@ -1,12 +1,13 @@
 #include "OssScriptObjects/OssaGeoEntity.h"
 
-#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssGeoImageSet.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShadingGroup.h"
 #include "OssModel/Objects/OssImageSet.h"
+#include "OssModel/Objects/OssMeshes.h"
+#include "OssModel/Project/OssProjectMeshes.h"
 #include "OssScriptObjects/OssaImageSet.h"
 #include "OssScriptObjects/OssaNodeGraph.h"
 #include "OssScriptObjects/OssScriptObjects.h"
@@ -35,22 +36,94 @@ void GeoEntity::setName(const QString &name)
         fail(OssScriptException::NotAllowed, QStringLiteral("An object must have a name"));
         return;
     }
-    const QPointer<OssGeoEntity> entity = own;
-    const QString old = own->name();
-    const auto apply = [entity](const QString &text) {
-        if (entity)
-            entity->setName(text);
-    };
-    apply(name);
-    OssUndoManager::instance()->record(
-        QStringLiteral("Rename Object"), [apply, old] { apply(old); },
-        [apply, name] { apply(name); });
+    own->changeName(name);
 }
 
 QString GeoEntity::geometry() const
 {
     const auto *own = wrapped<OssGeoEntity>();
     return own ? own->geometry() : QString();
+}
+
+QString GeoEntity::meshState() const
+{
+    const auto *own = wrapped<OssGeoEntity>();
+    if (!own)
+        return {};
+    switch (OssMeshes::instance()->waitFor(own->source()).state) {
+    case OssMeshes::State::Ready:
+        return QStringLiteral("ready");
+    case OssMeshes::State::Kept:
+        return QStringLiteral("kept");
+    default:
+        return QStringLiteral("missing");
+    }
+}
+
+QString GeoEntity::meshProblem() const
+{
+    const auto *own = wrapped<OssGeoEntity>();
+    if (!own)
+        return {};
+    const OssMeshes::Look look = OssMeshes::instance()->waitFor(own->source());
+    return look.problem.isEmpty() ? QString::fromStdString(OssEvMeshCheck::inWords(look.report))
+                                  : look.problem;
+}
+
+QString GeoEntity::uvSet() const
+{
+    const auto *own = wrapped<OssGeoEntity>();
+    return own ? QString::fromStdString(own->source().options.uvSet) : QString();
+}
+
+void GeoEntity::setUvSet(const QString &name)
+{
+    if (const auto *own = wrapped<OssGeoEntity>()) {
+        OssGeometrySource source = own->source();
+        source.options.uvSet = name.toStdString();
+        change(source, QStringLiteral("Mesh Settings"));
+    }
+}
+
+bool GeoEntity::unwraps() const
+{
+    const auto *own = wrapped<OssGeoEntity>();
+    return own && own->source().options.unwraps;
+}
+
+void GeoEntity::setUnwraps(bool on)
+{
+    if (const auto *own = wrapped<OssGeoEntity>()) {
+        OssGeometrySource source = own->source();
+        source.options.unwraps = on;
+        change(source, QStringLiteral("Mesh Settings"));
+    }
+}
+
+QString GeoEntity::replaceMesh(const QString &geometry)
+{
+    OssGeometrySource source;
+    source.shape = geometry;
+    return change(source, QStringLiteral("Replace Mesh"));
+}
+
+QString GeoEntity::change(const OssGeometrySource &source, const QString &title)
+{
+    QString changes;
+    if (auto *own = wrapped<OssGeoEntity>()) {
+        const OssResult changed = OssProjectMeshes::replace(own, source, title, &changes);
+        if (!changed)
+            fail(OssScriptException::FileInvalid, changed.error());
+    }
+    return changes;
+}
+
+void GeoEntity::reloadMesh()
+{
+    if (const auto *own = wrapped<OssGeoEntity>()) {
+        OssMeshes::instance()->reload(own->source());
+        OssMeshes::instance()->waitFor(own->source());
+    }
 }
 
 QStringList GeoEntity::geoChannels() const

@@ -5,8 +5,11 @@
 #include "OssModel/Graph/OssShadingGroup.h"
 #include "OssModel/Images/OssImage.h"
 #include "OssModel/Images/OssImageManager.h"
+#include "OssModel/Objects/OssMeshes.h"
+#include "OssModel/Objects/OssMeshReader.h"
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectManager.h"
+#include "OssModel/Project/OssProjectMeshes.h"
 #include "OssScriptObjects/OssaGeoEntity.h"
 #include "OssScriptObjects/OssaImage.h"
 #include "OssScriptObjects/OssaNodeGraph.h"
@@ -89,9 +92,68 @@ GeoEntity *Project::createObject(const QString &name, const QString &geometry)
              QStringLiteral("An object cannot be named \"%1\" here").arg(name));
         return nullptr;
     }
-    OssGeoEntity *entity = own->addEntity(name);
-    entity->setGeometry(geometry);
-    return OssScriptObject<GeoEntity>(entity);
+    OssGeometrySource source;
+    source.shape = geometry;
+    return OssScriptObject<GeoEntity>(own->createEntity(name, OssProjectMeshes::shortened(source)));
+}
+
+void Project::removeObject(GeoEntity *object)
+{
+    auto *own = wrapped<OssProject>();
+    auto *entity = object ? own ? own->entity(object->name()) : nullptr : nullptr;
+    if (own && (!entity || !own->removeEntity(entity)))
+        fail(OssScriptException::NotAllowed,
+             QStringLiteral("This object cannot be removed: a project has at least one"));
+}
+
+QList<GeoEntity *> Project::importMesh(const QString &path, const QString &split, bool unwrap)
+{
+    auto *own = wrapped<OssProject>();
+    if (!own)
+        return {};
+    OssGeometrySource source;
+    source.shape = path;
+    source.options.split = OssProjectMeshes::splitOf(split);
+    source.options.unwraps = unwrap;
+    OssMeshReader reader;
+    reader.start(source);
+    reader.wait();
+    QList<OssGeoEntity *> made;
+    own = wrapped<OssProject>(); // it may be gone by now
+    const OssResult added = own ? OssProjectMeshes::add(own, reader, nullptr, &made)
+                                : OssResult::failure(QStringLiteral("The project was closed"));
+    if (!added)
+        fail(OssScriptException::FileInvalid, added.error());
+    return OssScriptObjectList<GeoEntity>(made);
+}
+
+QStringList Project::missingFiles() const
+{
+    QStringList paths;
+    if (const auto *own = wrapped<OssProject>()) {
+        // What is being read is known soon.
+        const QList<OssGeoEntity *> entities = own->entities();
+        for (const OssGeoEntity *entity : entities)
+            OssMeshes::instance()->waitFor(entity->source());
+        const auto files = OssProjectMeshes::missing(own);
+        for (const OssProjectMeshes::MissingFile &file : files)
+            paths.append(file.path);
+    }
+    return paths;
+}
+
+int Project::relink(const QString &oldPath, const QString &newPath)
+{
+    auto *own = wrapped<OssProject>();
+    return own ? OssProjectMeshes::relink(own, {{oldPath, newPath}}) : 0;
+}
+
+int Project::relinkFolder(const QString &folder)
+{
+    auto *own = wrapped<OssProject>();
+    return own ? OssProjectMeshes::relink(
+               own, OssProjectMeshes::findIn(OssProjectMeshes::missing(own), folder))
+               : 0;
 }
 
 QList<NodeGraph *> Project::graphs() const

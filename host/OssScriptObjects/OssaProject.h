@@ -36,7 +36,16 @@ class OSSSCRIPTOBJECTS_EXPORT Project : public API
     Q_CLASSINFO("objects", "The objects that are textured.")
     Q_CLASSINFO("object", "By name; None when there is none.")
     Q_CLASSINFO("createObject", "Adds an object with a root graph. Its geometry is \"plane\", "
-                                "\"sphere\", \"cube\" or a file. Cannot be undone.")
+                                "\"sphere\", \"cube\", \"cylinder\", \"shaderBall\" or a file.")
+    Q_CLASSINFO("removeObject", "Takes an object with its graphs out of the project. A project has "
+                                "at least one.")
+    Q_CLASSINFO("importMesh", "Makes objects of a mesh file: split is \"one\", \"objects\" or "
+                              "\"materials\". With unwrap, texture coordinates are made.")
+    Q_CLASSINFO("missingFiles", "Paths of meshes and images that the project names and that are "
+                                "missing or cannot be read.")
+    Q_CLASSINFO("relink", "Has all that names the old path name the new one; how many those were.")
+    Q_CLASSINFO("relinkFolder", "Relinks all missing files that lie under their names in or below "
+                                "the folder; how many uses of files were changed.")
     Q_CLASSINFO("graphs", "The root graphs of all objects.")
     Q_CLASSINFO("images", "The images of the image list.")
     Q_CLASSINFO("addImage", "Adds an image file; \"<UDIM>\" stands for the patch's number.")
@@ -69,6 +78,12 @@ public Q_SLOTS:
     QList<GeoEntity *> objects() const;
     GeoEntity *object(const QString &name) const;
     GeoEntity *createObject(const QString &name, const QString &geometry);
+    void removeObject(Ossa::GeoEntity *object);
+    QList<GeoEntity *> importMesh(const QString &path, const QString &split = QStringLiteral("one"),
+                                  bool unwrap = false);
+    QStringList missingFiles() const;
+    int relink(const QString &oldPath, const QString &newPath);
+    int relinkFolder(const QString &folder);
     QList<NodeGraph *> graphs() const;
     QList<Image *> images() const;
     Image *addImage(const QString &path);

@@ -137,6 +137,7 @@ QStringList Project::write(const QVariantMap &options, OssExportOptions *choices
         fail(OssScriptException::OutOfRange, fault);
         return {};
     }
+    OssExportPlan::waitForMeshes(own);
     OssResult result = makePlan(own);
     if (!result) {
         fail(OssScriptException::NotAllowed, result.error());

@@ -8,6 +8,7 @@
 #include "OssModel/Images/OssImageManager.h"
 #include "OssModel/Nodes/OssSnBakePointNode.h"
 #include "OssModel/Objects/OssImageSet.h"
+#include "OssModel/Objects/OssMeshes.h"
 #include "support/ModelFixture.h"
 
 #include <QDateTime>
@@ -205,15 +206,19 @@ TEST_F(FileWatch, whatIsBakedAndComputedAfterAChangeIsWhatIsThereNow)
     EXPECT_EQ(node->imageSet()->pixels().value(1001), red.value(1001));
 }
 
-TEST_F(FileWatch, nothingIsBakedForAShapeThatCannotBeRead)
+TEST_F(FileWatch, bakesUseTheLastGoodShapeAndNothingWhereThereNeverWasOne)
 {
-    writeMesh(2);
+    const ExpectedLog unreadable("shape.obj");
     m_network->geoEntity()->setGeometry(path("shape.obj"));
     OssSnBakePointNode *node = bakePointOf(add("Geometry/Position"));
-    ASSERT_TRUE(bake(node));
+    OssResult refused = OssShaderNetworkUtils::bakeAgain({node});
+    EXPECT_FALSE(refused);
+    EXPECT_TRUE(refused.error().contains(text("shape.obj"))) << qPrintable(refused.error());
+    EXPECT_TRUE(node->imageSet()->pixels().isEmpty()) << "not those of a plane";
+    writeMesh(2);
+    ASSERT_TRUE(becomesStale(node) && bake(node));
     const QMap<int, QString> good = node->imageSet()->pixels();
     ASSERT_EQ(good.size(), 2);
-    const ExpectedLog unreadable("shape.obj");
     for (const bool removed : {false, true}) {
         QFile file(path("shape.obj"));
         if (removed)
@@ -221,15 +226,15 @@ TEST_F(FileWatch, nothingIsBakedForAShapeThatCannotBeRead)
         else
             ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write("garbage") > 0);
         file.close();
-        becomesStale(node);
-        const OssResult refused = OssShaderNetworkUtils::bakeAgain({node});
-        EXPECT_FALSE(refused) << removed;
-        EXPECT_TRUE(refused.error().contains(text("shape.obj"))) << qPrintable(refused.error());
+        OssFileWatch::instance()->settle([] { return true; });
+        OssMeshes::instance()->waitFor(m_network->geoEntity()->source());
+        EXPECT_TRUE(node->isBakedResultUpToDate()) << "the mesh is still what it was";
+        node->imageSet()->setPixels({});
+        EXPECT_TRUE(OssShaderNetworkUtils::bakeAgain({node}));
         EXPECT_EQ(node->imageSet()->pixels(), good);
+        EXPECT_EQ(OssMeshes::instance()->look(m_network->geoEntity()->source()).state,
+                  OssMeshes::State::Kept);
     }
-    writeMesh(2);
-    becomesStale(node);
-    EXPECT_TRUE(OssShaderNetworkUtils::bakeAgain({node}));
 }
 
 TEST_F(FileWatch, aBakeThatWasSavedIsStillGoodWhenTheFilesAre)

@@ -209,6 +209,56 @@ TEST_F(ProjectObjects, imagesSayHowTheyAreAndOtherFilesAreRefused)
     EXPECT_EQ(m_api->images().size(), 1);
 }
 
+TEST_F(ProjectObjects, meshesAreImportedReplacedFoundAgainAndRemoved)
+{
+    QTemporaryDir folder;
+    const auto write = [&folder](const char *name, double v) {
+        QFile file(folder.filePath(text(name)));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("o One\nv 0 0 0\nv 1 0 0\nv 0 1 0\nvt 0.1 0.1\nvt 0.9 0.1\nvt 0.1 "
+                   + QByteArray::number(v)
+                   + "\nf 1/1 2/2 3/3\no Two\nv 0 0 1\nv 1 0 1\nv 0 1 1\nvt 1.1 0.1\nvt 1.9 "
+                     "0.1\nvt 1.1 0.9\nf 4/4 5/5 6/6\n");
+        return file.fileName();
+    };
+    const QString first = write("first.obj", 0.9);
+    const QList<Ossa::GeoEntity *> made = m_api->importMesh(first, text("objects"));
+    ASSERT_EQ(made.size(), 2);
+    EXPECT_EQ(made[1]->name(), text("Two"));
+    EXPECT_EQ(made[1]->patches(), QList<int>{1002});
+    EXPECT_EQ(made[0]->meshState(), text("ready"));
+    EXPECT_EQ(made[0]->meshProblem(), QString());
+    EXPECT_TRUE(m_api->importMesh(folder.filePath(text("none.obj"))).isEmpty());
+    expectReported(Type::FileInvalid, "none.obj");
+
+    const QString told = made[0]->replaceMesh(write("second.obj", 0.5));
+    EXPECT_TRUE(told.contains(text("1001"))) << qPrintable(told);
+    made[0]->setUnwraps(true);
+    EXPECT_TRUE(made[0]->unwraps());
+    EXPECT_EQ(made[0]->patches(), QList<int>{1001});
+    const ExpectedLog missing("UV 9");
+    made[1]->setUvSet(text("UV 9"));
+    expectReported(Type::FileInvalid, "UV 9");
+    EXPECT_EQ(made[1]->uvSet(), QString()) << "nothing changed";
+
+    const ExpectedLog gone("first.obj");
+    QDir(folder.path()).mkdir(text("moved"));
+    ASSERT_TRUE(QFile::rename(first, folder.filePath(text("moved/first.obj"))));
+    made[1]->reloadMesh();
+    EXPECT_EQ(made[1]->meshState(), text("kept"));
+    EXPECT_TRUE(made[1]->meshProblem().contains(text("first.obj")));
+    EXPECT_EQ(m_api->missingFiles(), QStringList{first});
+    EXPECT_EQ(m_api->relinkFolder(folder.path()), 1);
+    EXPECT_EQ(made[1]->meshState(), text("ready"));
+    EXPECT_EQ(m_api->relink(folder.filePath(text("moved/first.obj")), first), 1);
+
+    const int count = m_api->objects().size();
+    m_api->removeObject(made[0]);
+    EXPECT_EQ(m_api->objects().size(), count - 1);
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(m_api->objects().size(), count);
+}
+
 TEST_F(ProjectObjects, preferencesAreReadWrittenAndReset)
 {
     PreferencesTestObject object;

@@ -1,6 +1,8 @@
 #include "Ossa/Headless/BakeCommand.h"
 #include "Ossa/Headless/CommandLine.h"
 #include "Ossa/Headless/InfoCommand.h"
+#include "Ossa/Headless/MeshTroubles.h"
+#include "Ossa/Headless/NewCommand.h"
 #include "Ossa/Pictures/GraphCommand.h"
 #include "OssModel/Project/OssAutosave.h"
 #include "OssModel/Project/OssProjectFile.h"
@@ -103,6 +105,59 @@ TEST(CommandLineParsing, understandsEveryCommand)
         EXPECT_EQ(line.isHeadless(), isHeadless);
         EXPECT_EQ(line.output, text(command == CommandLine::Graph ? "out/wall.SVG" : ""));
     }
+}
+
+TEST(CommandLineParsing, newTakesMeshesAndHowTheyAreUnderstood)
+{
+    const CommandLine line = parse({"new", "wall.ossa", "--mesh", "a.obj", "--mesh", "b.fbx",
+                                    "--split", "objects", "--uv-set", "Paint", "--up", "z",
+                                    "--scale", "0.01", "--unwrap", "--resolution", "4096"});
+    ASSERT_EQ(line.command, CommandLine::New) << line.message.toStdString();
+    EXPECT_TRUE(line.isHeadless());
+    EXPECT_EQ(line.fresh.project, text("wall.ossa"));
+    EXPECT_EQ(line.fresh.meshes, texts({"a.obj", "b.fbx"}));
+    EXPECT_EQ(line.fresh.split, text("objects"));
+    EXPECT_EQ(line.fresh.uvSet, text("Paint"));
+    EXPECT_EQ(line.fresh.up, text("z"));
+    EXPECT_EQ(line.fresh.scale, 0.01);
+    EXPECT_TRUE(line.fresh.unwraps);
+    EXPECT_EQ(line.fresh.resolution, 4096);
+    for (const char *wrong : {"--shape=ring", "--split=faces", "--up=x", "--resolution=1000"})
+        EXPECT_EQ(parse({"new", "wall.ossa", wrong}).exitCode, ExitCode::Usage) << wrong;
+}
+
+TEST_F(Headless, aNewProjectHasItsMeshesAndWhatIsMissingLaterIsAFailure)
+{
+    const QString mesh = m_folder.filePath(text("mesh.obj"));
+    writeFile(mesh, "v 0 0 0\nv 1 0 0\nv 0 1 0\nvt 0 0\nvt 1 0\nvt 0 1\nf 1/1 2/2 3/3\n");
+    NewOptions options;
+    options.project = m_folder.filePath(text("fresh.ossa"));
+    options.meshes = QStringList{mesh};
+    options.shape = text("plane");
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(runNewCommand(options), ExitCode::Success);
+    std::fflush(stdout);
+    EXPECT_TRUE(has(testing::internal::GetCapturedStdout(), "mesh: 1 triangle"));
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(runNewCommand(options), ExitCode::Failure);
+    EXPECT_TRUE(has(testing::internal::GetCapturedStderr(), "there already"));
+
+    const auto infoCode = [&options] {
+        testing::internal::CaptureStdout();
+        testing::internal::CaptureStderr();
+        const int code = withMeshTroubles(runInfoCommand(options.project, false));
+        std::fflush(stdout);
+        const std::string told = testing::internal::GetCapturedStdout();
+        return std::make_tuple(code, told, testing::internal::GetCapturedStderr());
+    };
+    EXPECT_EQ(std::get<0>(infoCode()), ExitCode::Success);
+    ASSERT_TRUE(QFile::remove(mesh));
+    const ExpectedLog gone("mesh.obj");
+    const auto [code, told, failures] = infoCode();
+    EXPECT_EQ(code, ExitCode::Failure);
+    EXPECT_TRUE(has(told, "missing, kept: 1 triangle")) << told;
+    EXPECT_TRUE(has(failures, "mesh.obj")) << failures;
+    EXPECT_EQ(withMeshTroubles(ExitCode::Usage), ExitCode::Usage);
 }
 
 TEST(CommandLineParsing, runTakesAScriptPerhapsAProjectAndWhatIsTheScripts)

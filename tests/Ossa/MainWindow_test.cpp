@@ -268,10 +268,10 @@ TEST_F(Window, menusWithoutCommandsAreNotThere)
         });
     };
     EXPECT_TRUE(isShown("File"));
-    EXPECT_FALSE(isShown("Object"));
+    EXPECT_FALSE(isShown("Node Graph"));
     QAction paint(text("Paint the Town"));
-    OssActionTreeManager::instance()->registerAction(text("/Ossa/Object/"), &paint);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return isShown("Object"); }));
+    OssActionTreeManager::instance()->registerAction(text("/Ossa/NodeGraph/Create/"), &paint);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return isShown("Node Graph"); }));
 }
 
 TEST_F(Status, stopIsThereOnlyWhileWorkRunsAndMessagesAreShown)

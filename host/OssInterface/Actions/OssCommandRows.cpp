@@ -17,8 +17,9 @@ const std::vector<Menu> MenuTable{
     {"Script", QT_TR_NOOP("&Script"), ""},
     {"Help", QT_TR_NOOP("&Help"), ""},
     {"Context", QT_TR_NOOP("Node Graph"), ""},
-    {"Open Recent", QT_TR_NOOP("Open Recent"), "File 1.3"},
-    {"Open Example", QT_TR_NOOP("Open Example"), "File 1.4"},
+    {"Open Recent", QT_TR_NOOP("Open Recent"), "File 1.4"},
+    {"Open Example", QT_TR_NOOP("Open Example"), "File 1.5"},
+    {"Show Object", QT_TR_NOOP("Show Object"), "Object 4.1"},
     {"Pan", QT_TR_NOOP("Pan"), "View 2.3"},
     {"Viewer", QT_TR_NOOP("Viewer"), "View 3.1"},
     {"Create", QT_TR_NOOP("Create"), "Graph 1.2"},
@@ -36,12 +37,13 @@ const std::vector<Menu> MenuTable{
 };
 
 const std::vector<Row> RowTable{
-    {"/Ossa/File", QT_TR_NOOP("New"), "Ctrl+N", "File 1.1", Always, QT_TR_NOOP("Start an empty project")},
-    {"/Ossa/File", QT_TR_NOOP("Open..."), "Ctrl+O", "File 1.2", Always, QT_TR_NOOP("Open a project folder")},
+    {"/Ossa/File", QT_TR_NOOP("New Project..."), "Ctrl+N", "File 1.1", Always, QT_TR_NOOP("Start a project with a mesh or a shape, a name and a size of images")},
+    {"/Ossa/File", QT_TR_NOOP("New"), "", "File 1.2", Always, QT_TR_NOOP("Start an empty project with a plane")},
+    {"/Ossa/File", QT_TR_NOOP("Open..."), "Ctrl+O", "File 1.3", Always, QT_TR_NOOP("Open a project folder")},
     {"/Ossa/File/Recent", "*", "", "Open Recent 1.1", Always},
     {"/Ossa/File", QT_TR_NOOP("Clear Recent"), "", "Open Recent 2.1", WithRecent, QT_TR_NOOP("Forget which projects were opened")},
     {"/Ossa/File/Example", "*", "", "Open Example 1.1", Always},
-    {"/Ossa/File", QT_TR_NOOP("Recover Unsaved Work..."), "", "File 1.5", Always, QT_TR_NOOP("Restore what a session left that ended without saving")},
+    {"/Ossa/File", QT_TR_NOOP("Recover Unsaved Work..."), "", "File 1.6", Always, QT_TR_NOOP("Restore what a session left that ended without saving")},
     {"/Ossa/File", QT_TR_NOOP("Save"), "Ctrl+S", "File 2.1", WithProject, QT_TR_NOOP("Save the project")},
     {"/Ossa/File", QT_TR_NOOP("Save As..."), "Ctrl+Shift+S", "File 2.2", WithProject, QT_TR_NOOP("Save the project under another name")},
     {"/Ossa/File", QT_TR_NOOP("Close"), "Ctrl+W", "File 2.3", WithProject, QT_TR_NOOP("Close the project")},
@@ -49,7 +51,9 @@ const std::vector<Row> RowTable{
     {"/Ossa/File", QT_TR_NOOP("Export glTF..."), "", "File 2.6", WithProject, QT_TR_NOOP("Write objects and textures as one glTF file")},
     {"/Ossa/File", QT_TR_NOOP("Export Again"), "Ctrl+Shift+E", "File 2.7", WithProject, QT_TR_NOOP("Write again what was exported last, as it is now")},
     {"/Ossa/File", QT_TR_NOOP("Watch Exported Textures"), "", "File 2.8", WithProject, QT_TR_NOOP("Write exported textures again when their pixels change")},
-    {"/Ossa/File", QT_TR_NOOP("Quit"), "Ctrl+Q", "File 3.1", Always, QT_TR_NOOP("Leave the program")},
+    {"/Ossa/File", QT_TR_NOOP("Import Mesh..."), "", "File 3.1", Always, QT_TR_NOOP("Bring a mesh file in as one object or several")},
+    {"/Ossa/File", QT_TR_NOOP("Missing Files..."), "", "File 3.2", WithProject, QT_TR_NOOP("Find meshes and images again that are not where the project names them")},
+    {"/Ossa/File", QT_TR_NOOP("Quit"), "Ctrl+Q", "File 4.1", Always, QT_TR_NOOP("Leave the program")},
 
     {"/Ossa/Edit", QT_TR_NOOP("Undo"), "Ctrl+Z", "Edit 1.1", WithUndo, QT_TR_NOOP("Take back the last step")},
     {"/Ossa/Edit", QT_TR_NOOP("Redo"), "Ctrl+Shift+Z Ctrl+Y", "Edit 1.2", WithRedo, QT_TR_NOOP("Do again what was taken back")},
@@ -209,6 +213,15 @@ const std::vector<Row> RowTable{
     {"/Ossa/NodeGraph", QT_TR_NOOP("Upgrade Selected Node Info"), "", "Versions 1.2", Always, QT_TR_NOOP("Compare the selected nodes with the installed versions of their kinds")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Upgrade All Node Info"), "", "Versions 1.3", Always, QT_TR_NOOP("Compare all nodes with the installed versions of their kinds")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Info Viewer"), "I", "Graph 5.4, Context 6.2", Always, QT_TR_NOOP("Show what the selected nodes are, in words")},
+
+    {"/Ossa/Mesh/Show", "*", "", "Show Object 1.1", Always},
+    {"/Ossa/Mesh", QT_TR_NOOP("Add Object..."), "", "Object 4.2", WithProject, QT_TR_NOOP("Put another object into the project, with a graph of its own")},
+    {"/Ossa/Mesh", QT_TR_NOOP("Rename Object..."), "", "Object 4.3", WithProject, QT_TR_NOOP("Give the object of this graph another name")},
+    {"/Ossa/Mesh", QT_TR_NOOP("Remove Object"), "", "Object 4.4", WithProject, QT_TR_NOOP("Take the object of this graph out of the project, with its graph")},
+    {"/Ossa/Mesh", QT_TR_NOOP("Replace Mesh..."), "", "Object 5.1", WithProject, QT_TR_NOOP("Give the object of this graph another mesh; wires, paint and bakes stay")},
+    {"/Ossa/Mesh", QT_TR_NOOP("Mesh Settings..."), "", "Object 5.2", WithProject, QT_TR_NOOP("Choose another UV set, unwrap, turn or scale the mesh of this object")},
+    {"/Ossa/Mesh", QT_TR_NOOP("Relink Mesh..."), "", "Object 5.3", WithProject, QT_TR_NOOP("Say where the mesh of this object lies now")},
+    {"/Ossa/Mesh", QT_TR_NOOP("Reload Mesh"), "", "Object 5.4", WithProject, QT_TR_NOOP("Read the mesh of this object from its file again")},
 
     // What plug-ins file for the object.
     {"/Ossa/Object", "*", "", "Object 1.1", Always},

@@ -1,16 +1,11 @@
 #include "OssModel/Evaluation/OssEvaluationService.h"
 
-#include "OssCore/Documents/OssAtomicFile.h"
-#include "OssCore/Program/OssDebug.h"
 #include "OssEvaluation/Geometry/OssEvMesh.h"
-#include "OssEvaluation/Geometry/OssEvMeshFile.h"
 #include "OssEvaluation/Schedule/OssEvEngine.h"
 #include "OssModel/Evaluation/OssImageSetFiles.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Images/OssFileWatch.h"
-
-#include <QCoreApplication>
-#include <QFileInfo>
+#include "OssModel/Objects/OssMeshes.h"
 
 OssEvaluationService::OssEvaluationService() = default;
 
@@ -35,41 +30,15 @@ std::shared_ptr<OssEvImageProvider> OssEvaluationService::images()
 
 std::shared_ptr<const OssEvMesh> OssEvaluationService::mesh(const OssGeoEntity *entity)
 {
-    const QString shape = entity ? entity->geometry() : OssGeoEntity::usualGeometry();
-    if (shape == QLatin1String("sphere"))
-        return OssEvShapes::sphere();
-    if (shape == QLatin1String("cube"))
-        return OssEvShapes::cube();
-    if (!OssGeoEntity::isFile(shape))
-        return OssEvShapes::plane();
-    Mesh &known = m_meshes[shape];
-    // Null where the watch has not looked yet: then what was read is as good as anything.
-    const QString content = OssFileWatch::instance()->contentOf(shape);
-    if (!known.mesh || (!content.isNull() && known.content != content)) {
-        known.content = OssFileWatch::instance()->readContent(shape);
-        std::shared_ptr<const OssEvMesh> read;
-        const OssEvResult result = OssEvMeshFile::read(shape.toStdString(), &read);
-        known.error = QString::fromStdString(result.error());
-        if (result)
-            known.mesh = read;
-        else
-            OssDebug("OssEvaluationService", __LINE__, "[ !! ] %s", qPrintable(known.error));
-        if (!known.mesh)
-            known.mesh = OssEvShapes::plane();
-    }
-    return known.mesh;
-}
-
-OssResult OssEvaluationService::meshState(const OssGeoEntity *entity) const
-{
-    const QString error = entity ? m_meshes.value(entity->geometry()).error : QString();
-    return error.isEmpty() ? OssResult() : OssResult::failure(error);
+    return OssMeshes::instance()->waitFor(entity ? entity->source() : OssGeometrySource()).mesh;
 }
 
 QList<int> OssEvaluationService::patches(const OssGeoEntity *entity)
 {
     QList<int> list;
     const auto shape = mesh(entity);
+    if (!shape)
+        return list;
     for (const int patch : shape->patches())
         list.append(patch);
     return list;
@@ -85,7 +54,7 @@ OssEvTarget OssEvaluationService::target(const OssSnEvaluationGraph &graph,
     target.patch = patch;
     target.width = resolution;
     target.height = resolution;
-    target.mesh = mesh(entity);
+    target.mesh = OssMeshes::instance()->look(entity ? entity->source() : OssGeometrySource()).mesh;
     target.images = images();
     return target;
 }

@@ -30,19 +30,17 @@ public:
 
     OssEvEngine *engine();
     std::shared_ptr<OssEvImageProvider> images();
-    /// Read once for each shape, and again when its file holds something else. A shape that cannot be
-    /// read is a debug line, and a plane until then.
+    /// As OssMeshes has it: where its file is being read this handles events until it is. Null where
+    /// there is no mesh to be had. A plane for no object at all.
     std::shared_ptr<const OssEvMesh> mesh(const OssGeoEntity *entity);
-    /// In ascending order.
+    /// Of the mesh, in ascending order.
     QList<int> patches(const OssGeoEntity *entity);
-
-    /// Fails, in words, where the file of the object's mesh could not be read the last time.
-    OssResult meshState(const OssGeoEntity *entity) const;
 
     /// Fresh paint becomes part of the images that these nodes read, as the user prefers it. May handle
     /// events.
     static void settlePaint(const QVector<QPointer<const OssSnBaseNode>> &sources);
 
+    /// The mesh is that which is there now.
     OssEvTarget target(const OssSnEvaluationGraph &graph, const OssGeoEntity *entity, int patch,
                        int resolution);
 
@@ -77,14 +75,6 @@ private:
     OssResult runBakes(std::vector<OssEvBake::Job> bakes, const OssSnEvaluationGraph &graph,
                        const std::function<bool(int, int)> &onProgress);
 
-    struct Mesh
-    {
-        std::shared_ptr<const OssEvMesh> mesh; ///< null: not read yet
-        QString content;                       ///< as OssFileWatch names it
-        QString error; ///< why the file could not be read; the mesh is the last that could
-    };
-
     std::unique_ptr<OssEvEngine> m_engine;
     std::shared_ptr<OssEvImageProvider> m_images;
-    QMap<QString, Mesh> m_meshes; ///< by file
 };

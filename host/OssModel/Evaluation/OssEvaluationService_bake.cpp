@@ -4,11 +4,13 @@
 #include "OssEvaluation/Files/OssEvImageFormat.h"
 #include "OssEvaluation/Files/OssEvUdim.h"
 #include "OssEvaluation/Schedule/OssEvEngine.h"
+#include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Images/OssPixelStore.h"
 #include "OssModel/Objects/OssCanvasManager.h"
 #include "OssModel/Objects/OssImageSet.h"
+#include "OssModel/Objects/OssMeshes.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
@@ -60,9 +62,14 @@ OssResult OssEvaluationService::prepare(const BakeJob &job, OssSnEvaluationGraph
         graph.tellProblem(graph.faulty, graph.error);
         return OssResult::failure(graph.error);
     }
+    const OssMeshes::Look shape = OssMeshes::instance()->waitFor(job.entity ? job.entity->source()
+                                                                            : OssGeometrySource());
+    if (!shape.mesh)
+        return OssResult::failure(shape.problem.isEmpty() ? tr("The mesh was not read")
+                                                          : shape.problem);
     *made = target(graph, job.entity, 0, job.resolution);
     made->keepIntermediates = false;
-    return meshState(job.entity);
+    return {};
 }
 
 void OssEvaluationService::settlePaint(const QVector<QPointer<const OssSnBaseNode>> &sources)

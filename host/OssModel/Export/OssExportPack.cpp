@@ -61,7 +61,9 @@ OssExportSource OssExportSource::of(const OssExportMaterial &material)
     OssEvaluationService *service = OssEvaluationService::instance();
     source.target = service->target(source.graph, material.entity, 0, 0);
     source.target.keepIntermediates = false;
-    source.state = service->meshState(material.entity);
+    if (!source.target.mesh)
+        source.state = OssResult::failure(
+            QCoreApplication::translate("OssExportSource", "The mesh is gone"));
     return source;
 }
 

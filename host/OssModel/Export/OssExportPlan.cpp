@@ -5,6 +5,7 @@
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Objects/OssMeshes.h"
 #include "OssModel/Project/OssProject.h"
 
 #include <QCoreApplication>
@@ -153,6 +154,12 @@ private:
 
     OssResult addMaterial(const OssExportMaterial &material)
     {
+        const OssMeshes::Look shape = OssMeshes::instance()->look(material.entity->source());
+        if (shape.state == OssMeshes::State::Reading)
+            return OssResult::failure(
+                tr("%1: its mesh is still being read").arg(material.object()));
+        if (!shape.mesh)
+            return OssResult::failure(material.object() + QStringLiteral(": ") + shape.problem);
         const QList<int> all = OssEvaluationService::instance()->patches(material.entity);
         for (const int patch : m_options.patches) {
             if (!all.contains(patch))
@@ -353,6 +360,13 @@ qint64 OssExportPlan::bytes() const
     for (const OssExportFile &file : files)
         sum += file.bytes();
     return sum;
+}
+
+void OssExportPlan::waitForMeshes(const OssProject *project)
+{
+    const QList<OssGeoEntity *> entities = project->entities();
+    for (const OssGeoEntity *entity : entities)
+        OssMeshes::instance()->waitFor(entity->source());
 }
 
 OssResult OssExportPlan::make(const OssProject *project, const OssExportPreset &preset,

@@ -78,8 +78,12 @@ struct OSSMODEL_EXPORT OssExportPlan
 
     qint64 bytes() const;
 
+    /// For whoever cannot come again later. Handles events, but no input.
+    static void waitForMeshes(const OssProject *project);
+
     /// Fails, in words, where nothing is to be written, two files would have one name, or what was asked
-    /// for is not there. Reads meshes. GUI thread.
+    /// for is not there, or a mesh is still being read. GUI
+    /// thread.
     static OssResult make(const OssProject *project, const OssExportPreset &preset,
                           const OssExportOptions &options, OssExportPlan *plan);
     /// The same for one glTF file, `options.file`: of each object the first material that is chosen. A

@@ -6,37 +6,43 @@
 #include <QString>
 #include <QStringList>
 
-/// Pixel files by their content: a file is named by the hash of its bytes, is never written again,
-/// and may be shared by any number of image sets, undo steps and generations of a project.
+/// Files of pixels, and of meshes that a project keeps, by their content: a file is named by the hash
+/// of its bytes, is never written again, and may be shared by any number of image sets, objects, undo
+/// steps and generations of a project.
 ///
-/// New pixels go to "pixels/" in the configuration folder, so that they outlive a crash with the
-/// copy of the project. Saving brings what the project needs into its "images/", before the
-/// document that names it.
+/// New ones go to "pixels/" in the configuration folder, so that they outlive a crash with the
+/// copy of the project. Saving brings what the project needs into its "images/" and "meshes/", before
+/// the document that names it.
 namespace OssPixelStore {
 
 /// Whether the text can be the name of a pixel file; what a document names may be hostile.
 OSSMODEL_EXPORT bool isName(const QString &name);
-/// All such names in a text.
+/// The same for a kept mesh.
+OSSMODEL_EXPORT bool isMeshName(const QString &name);
+/// All names of both kinds in a text.
 OSSMODEL_EXPORT QStringList namesIn(const QString &text);
 
-/// Where pixels lie that no saved project has yet.
+/// Where files lie that no saved project has yet.
 OSSMODEL_EXPORT QString newFolder();
-/// Where those of a project lie.
+/// Where the pixels of a project lie, and its meshes.
 OSSMODEL_EXPORT QString folderOf(const QString &projectFolder);
+OSSMODEL_EXPORT QString meshFolderOf(const QString &projectFolder);
 
 /// A free path for a file that is about to be made.
 OSSMODEL_EXPORT QString newPath();
+OSSMODEL_EXPORT QString newMeshPath();
 /// Whether the name is one that newPath() gives.
 OSSMODEL_EXPORT bool isNewName(const QString &name);
 
-/// Takes a finished file over from newPath(), under the name that it gets here.
+/// Takes a finished file over from newPath() or newMeshPath(), under the name that it gets here. Any
+/// thread.
 OSSMODEL_EXPORT OssResult adopt(const QString &path, QString *name);
 
 /// Folder of the open project, which may not have one; empty at first. GUI thread.
 OSSMODEL_EXPORT QString projectFolder();
 OSSMODEL_EXPORT void setProjectFolder(const QString &folder);
 
-/// Where the pixels are: in the project's folder, or among the new ones. Empty when they are gone.
+/// Where the file is: in the project's folder, or among the new ones. Empty when they are gone.
 OSSMODEL_EXPORT QString find(const QString &name, const QString &projectFolder);
 
 /// Copies the pixels of another project to the new ones. Fails when they are not there, or are not

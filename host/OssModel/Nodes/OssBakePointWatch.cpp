@@ -3,6 +3,7 @@
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Images/OssFileWatch.h"
 #include "OssModel/Nodes/OssSnBakePointNode.h"
+#include "OssModel/Objects/OssMeshes.h"
 
 namespace {
 
@@ -20,6 +21,7 @@ OssBakePointWatch::OssBakePointWatch()
     };
     connect(OssUndoManager::instance(), &OssUndoManager::changed, this, lookSoon);
     connect(OssFileWatch::instance(), &OssFileWatch::changed, this, lookSoon);
+    connect(OssMeshes::instance(), &OssMeshes::changed, this, lookSoon);
 }
 
 void OssBakePointWatch::look()

@@ -12,6 +12,7 @@
 #include "OssModel/Nodes/OssNodeFiles.h"
 #include "OssModel/Nodes/OssSnResultKey.h"
 #include "OssModel/Objects/OssImageSet.h"
+#include "OssModel/Objects/OssMeshes.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -89,6 +90,7 @@ OssProblems::OssProblems()
     connect(&m_regular, &QTimer::timeout, this, &OssProblems::look);
     connect(OssUndoManager::instance(), &OssUndoManager::changed, this, &OssProblems::lookSoon);
     connect(OssFileWatch::instance(), &OssFileWatch::changed, this, &OssProblems::lookSoon);
+    connect(OssMeshes::instance(), &OssMeshes::changed, this, &OssProblems::lookSoon);
     const auto *networks = OssShaderNetworkManager::instance();
     connect(networks, &OssShaderNetworkManager::shaderNetworkAdded, this,
             [this](OssShaderNetwork *network) {

@@ -10,21 +10,17 @@
 #include "OssModel/Nodes/OssNodeFiles.h"
 #include "OssModel/Nodes/OssSnUpstream.h"
 #include "OssModel/Objects/OssImageSet.h"
+#include "OssModel/Objects/OssMeshes.h"
 
 #include <QCryptographicHash>
 
 namespace {
 
-/// What the object's shape adds; nothing for the usual one.
-QString shapeOf(const OssSnBaseNode *node, QStringList *files)
+/// What the object's shape adds; nothing for the usual one, null while it is being read.
+QString shapeOf(const OssSnBaseNode *node)
 {
     const OssGeoEntity *entity = node->network() ? node->network()->geoEntity() : nullptr;
-    const QString shape = entity ? entity->geometry() : QString();
-    if (OssGeoEntity::isFile(shape)) {
-        files->append(shape);
-        return {};
-    }
-    return shape == OssGeoEntity::usualGeometry() ? QString() : shape;
+    return entity ? OssMeshes::instance()->contentOf(entity->source()) : QLatin1String("");
 }
 
 class KeyMaker
@@ -52,13 +48,12 @@ public:
 
     QByteArray withShape(const QByteArray &key, const OssSnBaseNode *node)
     {
-        QCryptographicHash hash(QCryptographicHash::Sha1);
-        QStringList files;
-        const QString shape = shapeOf(node, &files);
-        if (shape.isEmpty() && files.isEmpty())
+        const QString shape = shapeOf(node);
+        m_isKnown = m_isKnown && !shape.isNull();
+        if (shape.isEmpty())
             return key;
+        QCryptographicHash hash(QCryptographicHash::Sha1);
         hash.addData(key + shape.toUtf8());
-        addFiles(&hash, files);
         return hash.result();
     }
 

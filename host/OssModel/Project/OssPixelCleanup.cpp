@@ -44,7 +44,8 @@ QDateTime latest()
 /// Of what may be a pixel file of ours: finished, or left by a bake that was killed.
 bool isOurs(const QString &name)
 {
-    return OssPixelStore::isName(name) || OssPixelStore::isNewName(name);
+    return OssPixelStore::isName(name) || OssPixelStore::isMeshName(name)
+           || OssPixelStore::isNewName(name);
 }
 
 } // namespace
@@ -75,12 +76,18 @@ int OssPixelCleanup::removeForgotten(const QString &folder, const QStringList &d
 
 int OssPixelCleanup::cleanProject(const QString &projectFolder)
 {
-    const QString images = OssPixelStore::folderOf(projectFolder);
-    if (projectFolder.isEmpty() || !QFileInfo(images).isDir())
-        return 0;
-    return removeForgotten(
-        images, documentsBelow(projectFolder) + documentsBelow(OssRecovery::standardFolder()),
-        latest());
+    int removed = 0;
+    if (projectFolder.isEmpty())
+        return removed;
+    for (const QString &folder :
+         {OssPixelStore::folderOf(projectFolder), OssPixelStore::meshFolderOf(projectFolder)}) {
+        if (QFileInfo(folder).isDir())
+            removed += removeForgotten(folder,
+                                       documentsBelow(projectFolder)
+                                           + documentsBelow(OssRecovery::standardFolder()),
+                                       latest());
+    }
+    return removed;
 }
 
 int OssPixelCleanup::cleanNewPixels()

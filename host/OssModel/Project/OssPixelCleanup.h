@@ -6,10 +6,10 @@
 #include <QString>
 #include <QStringList>
 
-/// Removes pixel files that no document names any more: what was baked and baked again, or undone
-/// and never saved. Documents are a project's own, its generations, and copies of unsaved work. A
-/// history that lives only in a running session may name others, so files are left alone for
-/// KeptDays after they were made. Any thread.
+/// Removes files of pixels and kept meshes that no document names any more: what was baked and baked
+/// again, or undone and never saved. Documents are a project's own, its generations, and copies of
+/// unsaved work. A history that lives only in a running session may name others, so files are left
+/// alone for KeptDays after they were made. Any thread.
 namespace OssPixelCleanup {
 
 constexpr int KeptDays = 14;
@@ -19,7 +19,7 @@ constexpr int KeptDays = 14;
 OSSMODEL_EXPORT int removeForgotten(const QString &folder, const QStringList &documents,
                                     const QDateTime &before);
 
-/// In the project's "images/".
+/// In the project's "images/" and "meshes/".
 OSSMODEL_EXPORT int cleanProject(const QString &projectFolder);
 /// In "pixels/" of the configuration folder.
 OSSMODEL_EXPORT int cleanNewPixels();

@@ -3,11 +3,14 @@
 #include "OssCore/Documents/OssObjectCollection.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssGeoEntity.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssShadingGroup.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Images/OssImage.h"
 #include "OssModel/Objects/OssImageSet.h"
 #include "OssModel/Project/OssProjectManager.h"
+#include "OssModel/Objects/OssMeshes.h"
 
 #include <QBuffer>
 #include <QCryptographicHash>
@@ -36,15 +39,110 @@ QList<OssGeoEntity *> OssProject::entities() const
     return list;
 }
 
+OssGeoEntity *OssProject::entity(const QString &name) const
+{
+    for (const auto &entity : m_entities) {
+        if (entity->name() == name)
+            return entity.get();
+    }
+    return nullptr;
+}
+
+QString OssProject::freeEntityName(const QString &base) const
+{
+    QString name = base;
+    for (int i = 2; entity(name); ++i)
+        name = QStringLiteral("%1 %2").arg(base).arg(i);
+    return name;
+}
+
 OssGeoEntity *OssProject::addEntity(const QString &name)
 {
-    m_entities.push_back(std::make_unique<OssGeoEntity>(name));
-    OssGeoEntity *entity = m_entities.back().get();
-    OssShadingGroup *shading = entity->addShadingGroup(QStringLiteral("Shading"));
-    // What a project has when it is opened, its manager tells of.
-    if (OssProjectManager::instance()->currentProject() == this)
-        OssShaderNetworkManager::instance()->addShaderNetwork(shading->network());
+    OssGeoEntity *entity = insertEntity(std::make_shared<OssGeoEntity>(name), m_entities.size());
+    entity->addShadingGroup(QStringLiteral("Shading"));
     return entity;
+}
+
+OssGeoEntity *OssProject::insertEntity(const std::shared_ptr<OssGeoEntity> &entity,
+                                       std::size_t place)
+{
+    m_entities.insert(m_entities.begin() + std::ptrdiff_t(std::min(place, m_entities.size())),
+                      entity);
+    connect(entity.get(), &OssGeoEntity::sourceChanged, this, &OssProject::entitiesChanged,
+            Qt::UniqueConnection);
+    return entity.get();
+}
+
+OssGeoEntity *OssProject::createEntity(const QString &name, const OssGeometrySource &source)
+{
+    OssGeoEntity *made = nullptr;
+    {
+        const OssUndoManager::Pause pause;
+        made = addEntity(name);
+        made->setSource(source);
+        OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
+        OssShaderNetwork *network = made->shadingGroups().first()->network();
+        networks->addShaderNetwork(network);
+        network->finishLoading();
+        network->moveCurrentViewerNodeToNetwork();
+    }
+    const std::shared_ptr<OssGeoEntity> kept = m_entities.back();
+    const std::size_t place = m_entities.size() - 1;
+    OssUndoManager::instance()->record(
+        tr("Add Object %1").arg(name), [this, kept] { takeOut(kept); },
+        [this, kept, place] { bringIn(kept, place); });
+    Q_EMIT entitiesChanged();
+    return made;
+}
+
+bool OssProject::removeEntity(OssGeoEntity *entity)
+{
+    const auto found = std::find_if(m_entities.begin(), m_entities.end(),
+                                    [entity](const auto &own) { return own.get() == entity; });
+    if (found == m_entities.end() || m_entities.size() < 2)
+        return false;
+    const std::shared_ptr<OssGeoEntity> kept = *found;
+    const std::size_t place = takeOut(kept);
+    OssUndoManager::instance()->record(
+        tr("Remove Object %1").arg(kept->name()), [this, kept, place] { bringIn(kept, place); },
+        [this, kept] { takeOut(kept); });
+    return true;
+}
+
+void OssProject::bringIn(const std::shared_ptr<OssGeoEntity> &entity, std::size_t place)
+{
+    OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
+    insertEntity(entity, place);
+    const QList<OssShadingGroup *> groups = entity->shadingGroups();
+    for (const OssShadingGroup *group : groups) {
+        networks->addShaderNetwork(group->network());
+        const QList<OssSnBaseNode *> nodes = group->network()->nodes();
+        for (OssSnBaseNode *node : nodes)
+            networks->registerNode(group->network(), node);
+    }
+    Q_EMIT entitiesChanged();
+}
+
+std::size_t OssProject::takeOut(const std::shared_ptr<OssGeoEntity> &entity)
+{
+    OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
+    const auto found = std::find(m_entities.begin(), m_entities.end(), entity);
+    const auto place = std::size_t(found - m_entities.begin());
+    m_entities.erase(found);
+    OssShaderNetwork *first = m_entities.front()->shadingGroups().first()->network();
+    const QList<OssShadingGroup *> groups = entity->shadingGroups();
+    for (const OssShadingGroup *group : groups) {
+        if (networks->currentShaderNetwork() == group->network()) {
+            networks->setCurrentShaderNetwork(first);
+            networks->setCurrentViewNetwork(first);
+            networks->setCurrentViewerNode(first->viewerNode());
+        }
+        const QList<OssSnBaseNode *> nodes = group->network()->nodes();
+        for (OssSnBaseNode *node : nodes)
+            networks->deregisterNode(group->network(), node);
+    }
+    Q_EMIT entitiesChanged();
+    return place;
 }
 
 QList<OssShadingGroup *> OssProject::shadingGroups() const
@@ -63,6 +161,11 @@ QStringList OssProject::pixelFiles() const
         const QList<OssImageSet *> sets = group->imageSets();
         for (const OssImageSet *set : sets)
             files += set->pixels().values();
+    }
+    for (const auto &entity : m_entities) {
+        const QString kept = OssMeshes::instance()->keptFile(entity->source());
+        if (!kept.isEmpty())
+            files.append(kept);
     }
     files.sort();
     files.removeDuplicates();
@@ -103,10 +206,8 @@ OssSerializableObject *OssProject::onLoadCollectionObject(OssDeserializer &deser
                                                           const QString &name, const QString &type,
                                                           const Attributes &)
 {
-    if (type != QLatin1String("OssImage")) {
-        m_entities.push_back(std::make_unique<OssGeoEntity>(name));
-        return m_entities.back().get();
-    }
+    if (type != QLatin1String("OssImage"))
+        return insertEntity(std::make_shared<OssGeoEntity>(name), m_entities.size());
     const OssImageUniqueId id = OssImageUniqueId::fromString(name);
     if (id.isNull()) {
         deserializer.raiseError(tr("\"%1\" is no id of an image").arg(name));

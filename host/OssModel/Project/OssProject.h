@@ -11,6 +11,7 @@
 class OssGeoEntity;
 class OssImage;
 class OssShadingGroup;
+struct OssGeometrySource;
 
 /// A project: the objects that are textured, with everything that hangs on them.
 class OSSMODEL_EXPORT OssProject
@@ -35,8 +36,17 @@ public:
     void setReadOnly(bool readOnly) { m_readOnly = readOnly; }
 
     QList<OssGeoEntity *> entities() const;
-    /// Owned by the project. Comes with one shading group and the network in it.
+    /// Null when there is none of that name.
+    OssGeoEntity *entity(const QString &name) const;
+    /// `base` when it is free, else with the lowest free number.
+    QString freeEntityName(const QString &base) const;
+    /// For making a project. Owned by the project; comes with one shading group and the network in it.
     OssGeoEntity *addEntity(const QString &name);
+    /// The same in the open project: with a viewer, and one step.
+    OssGeoEntity *createEntity(const QString &name, const OssGeometrySource &source);
+    /// One step, from which everything of the object comes back. Where its network was the current one,
+    /// that of the first object becomes it. False for the last object, without which there is no project.
+    bool removeEntity(OssGeoEntity *entity);
     /// Of all objects, in their order.
     QList<OssShadingGroup *> shadingGroups() const;
 
@@ -54,7 +64,8 @@ public:
     /// The sizes that a project's new images can have.
     static QList<int> newResolutions();
 
-    /// Names of the pixel files that the document needs, each once, sorted.
+    /// Names of the files in OssPixelStore that the document needs, each once, sorted: pixels and kept
+    /// meshes.
     QStringList pixelFiles() const;
 
     /// Hash of the document: what saving would write, without ids. Equal for equal documents,
@@ -68,11 +79,20 @@ public:
                                                   const QString &name, const QString &type,
                                                   const Attributes &attributes) override;
 
+Q_SIGNALS:
+    /// Objects came or went, or one has another source.
+    void entitiesChanged();
+
 private:
+    OssGeoEntity *insertEntity(const std::shared_ptr<OssGeoEntity> &entity, std::size_t place);
+    /// With all nodes told to those who follow nodes.
+    void bringIn(const std::shared_ptr<OssGeoEntity> &entity, std::size_t place);
+    std::size_t takeOut(const std::shared_ptr<OssGeoEntity> &entity);
+
     QString m_path;
     bool m_readOnly = false;
     int m_newResolution = OssImageManager::UsualResolution;
-    std::vector<std::unique_ptr<OssGeoEntity>> m_entities;
+    std::vector<std::shared_ptr<OssGeoEntity>> m_entities;
     std::vector<std::shared_ptr<OssImage>> m_images;
 };
 

@@ -3,7 +3,9 @@
 #include "OssCore/Documents/OssAtomicFile.h"
 #include "OssCore/Documents/OssDeserializer.h"
 #include "OssCore/Documents/OssSerializer.h"
+#include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Images/OssPixelStore.h"
+#include "OssModel/Objects/OssMeshes.h"
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectHistory.h"
 
@@ -82,6 +84,9 @@ std::unique_ptr<OssProject> OssProjectFile::read(const QString &path, OssResult 
 
 OssResult OssProjectFile::write(OssProject *project, const QString &folder)
 {
+    const QList<OssGeoEntity *> entities = project->entities();
+    for (const OssGeoEntity *entity : entities)
+        OssMeshes::instance()->keptFile(entity->source(), true);
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
     OssSerializer serializer(&buffer);

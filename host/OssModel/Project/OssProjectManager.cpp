@@ -1,6 +1,7 @@
 #include "OssModel/Project/OssProjectManager.h"
 
 #include "OssCore/Undo/OssUndoManager.h"
+#include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssShadingGroup.h"
@@ -10,6 +11,7 @@
 #include "OssModel/Images/OssPixelStore.h"
 #include "OssModel/Objects/OssCanvasManager.h"
 #include "OssModel/Objects/OssChannel.h"
+#include "OssModel/Objects/OssMeshes.h"
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectFile.h"
 
@@ -17,6 +19,20 @@
 #include <QFileInfo>
 
 namespace {
+
+/// Meshes are found beside the project wherever both are taken.
+void keepMeshPaths(const OssProject *project, const QString &folder)
+{
+    const QList<OssGeoEntity *> entities = project->entities();
+    for (OssGeoEntity *entity : entities) {
+        OssGeometrySource source = entity->source();
+        if (!source.isFile())
+            continue;
+        source.kept = OssMeshes::instance()->keptFile(source, true);
+        source.shape = OssFilePath::shortened(source.path(), folder);
+        entity->changeSource(source, OssProjectManager::tr("Keep Paths of Files"));
+    }
+}
 
 /// Relative paths of files go on leading where they lead when the project lies in another folder.
 void keepFilePaths(const OssProject *project, const QString &folder)
@@ -40,10 +56,12 @@ void keepFilePaths(const OssProject *project, const QString &folder)
 OssResult writeElsewhere(OssProject *project, const QString &folder)
 {
     const QString parent = QFileInfo(folder).absolutePath();
-    if (OssFilePath::base().isEmpty() || parent == OssFilePath::base())
+    if (parent == OssFilePath::base())
         return OssProjectFile::write(project, folder);
     OssUndoManager::AutoMacro macro(OssProjectManager::tr("Keep Paths of Files"));
-    keepFilePaths(project, parent);
+    keepMeshPaths(project, parent);
+    if (!OssFilePath::base().isEmpty())
+        keepFilePaths(project, parent);
     OssResult written = OssProjectFile::write(project, folder);
     if (!written)
         macro.cancel();
@@ -169,6 +187,7 @@ void OssProjectManager::closeProject()
         OssPixelStore::setProjectFolder({});
         m_project.reset();
     }
+    OssMeshes::instance()->forget();
     OssFileWatch::instance()->forget();
     Q_EMIT projectClosed();
     Q_EMIT modifiedChanged(false);

@@ -10,6 +10,7 @@
 #include "OssModel/Evaluation/OssPatchList.h"
 #include "OssModel/Export/OssExportManager.h"
 #include "OssModel/Export/OssExportPresets.h"
+#include "OssModel/Objects/OssMeshes.h"
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectManager.h"
 
@@ -128,6 +129,7 @@ ExportPanel::ExportPanel(QWidget *parent)
     m_rest.setInterval(PlansAfter);
     connect(&m_rest, &QTimer::timeout, this, &ExportPanel::plan);
     connect(OssUndoManager::instance(), &OssUndoManager::changed, this, &ExportPanel::planSoon);
+    connect(OssMeshes::instance(), &OssMeshes::changed, this, &ExportPanel::planSoon);
     connect(OssProjectManager::instance(), &OssProjectManager::projectOpenCompleted, this,
             &ExportPanel::takeProject);
     connect(OssProjectManager::instance(), &OssProjectManager::projectClosed, this,

@@ -3,6 +3,8 @@
 #include "Ossa/Headless/PictureFormat.h"
 #include "OssEvaluation/Files/OssEvImageFormat.h"
 #include "OssModel/Evaluation/OssPatchList.h"
+#include "OssModel/Objects/OssGeometrySource.h"
+#include "OssModel/Project/OssProject.h"
 
 #include <CLI/CLI.hpp>
 
@@ -53,6 +55,7 @@ public:
         if (m_isBatch)
             return;
         m_app.add_option("PROJECT", m_project, "Project folder (NAME.ossa) to open");
+        addNew();
         addGraph();
         addRun();
         addStubs();
@@ -72,6 +75,8 @@ public:
             line.command = CommandLine::Graph;
         else if (name == "info")
             line.command = CommandLine::Info;
+        else if (name == "new")
+            line.command = CommandLine::New;
         else if (name == "bake")
             line.command = CommandLine::Bake;
         else if (name == "export")
@@ -84,6 +89,7 @@ public:
         line.output = text(m_output);
         line.bake = bakeOptions();
         line.textures = exportOptions();
+        line.fresh = newOptions();
         line.run.script = text(m_script);
         line.run.project = text(m_scriptProject);
         return line;
@@ -171,6 +177,49 @@ private:
         });
     }
 
+    void addNew()
+    {
+        CLI::App *fresh = m_app.add_subcommand("new", "Make a project, without a window");
+        fresh->add_option("PROJECT", m_project, "Project folder to make (NAME.ossa)")->required();
+        fresh
+            ->add_option("--mesh", m_meshes,
+                         "Mesh file that is textured; may be given several times")
+            ->take_all();
+        std::vector<std::string> shapes;
+        for (const QString &shape : OssGeometrySource::shapes())
+            shapes.push_back(shape.toStdString());
+        fresh->add_option("--shape", m_shape, "Where no mesh is given")
+            ->check(CLI::IsMember(shapes));
+        fresh->add_option("--split", m_split, "What of a mesh file becomes an object of its own")
+            ->check(CLI::IsMember({"one", "objects", "materials"}));
+        fresh->add_option("--uv-set", m_uvSet, "By name; the first when not given");
+        fresh->add_option("--up", m_up, "Which axis of the file points up")
+            ->check(CLI::IsMember({"file", "y", "z"}));
+        fresh->add_option("--scale", m_scale, "Of the mesh")->check(CLI::Range(0.0001, 10000.0));
+        fresh->add_flag("--unwrap", m_unwraps, "Make texture coordinates automatically");
+        std::vector<int> sizes;
+        for (const int size : OssProject::newResolutions())
+            sizes.push_back(size);
+        fresh->add_option("--resolution", m_resolution, "Width and height of new images in pixels")
+            ->check(CLI::IsMember(sizes));
+    }
+
+    NewOptions newOptions() const
+    {
+        NewOptions fresh;
+        fresh.project = text(m_project);
+        for (const std::string &mesh : m_meshes)
+            fresh.meshes.append(text(mesh));
+        fresh.shape = text(m_shape);
+        fresh.split = text(m_split);
+        fresh.uvSet = text(m_uvSet);
+        fresh.up = text(m_up);
+        fresh.scale = m_scale;
+        fresh.unwraps = m_unwraps;
+        fresh.resolution = m_resolution;
+        return fresh;
+    }
+
     void addRun()
     {
         CLI::App *run = m_app.add_subcommand("run", "Run a Python script, without a window");
@@ -231,6 +280,13 @@ private:
     std::string m_format = std::string(OssEvImageFormat::usual().suffixes.front());
     std::string m_folder;
     std::vector<std::string> m_nodes;
+    std::vector<std::string> m_meshes;
+    std::string m_shape = OssGeometrySource::usualShape().toStdString();
+    std::string m_split = "one";
+    std::string m_uvSet;
+    std::string m_up = "file";
+    double m_scale = 1.0;
+    bool m_unwraps = false;
     int m_resolution = 2048;
     std::string m_preset;
     std::vector<std::string> m_materials;

@@ -2,6 +2,7 @@
 
 #include "Ossa/Headless/BakeCommand.h"
 #include "Ossa/Headless/ExportCommand.h"
+#include "Ossa/Headless/NewCommand.h"
 
 #include <QString>
 #include <QStringList>
@@ -21,6 +22,7 @@ struct CommandLine
         Window,  ///< the application, with `project` or without
         Graph,   ///< a picture of the project's node graph into the file `output`
         Info,    ///< what is in the project
+        New,     ///< a project, as `fresh` says
         Bake,    ///< textures into files, as `bake` says
         Export,  ///< textures of materials into files, as `textures` says
         Run,     ///< a script, as `run` says
@@ -36,6 +38,7 @@ struct CommandLine
     QString output;
     BakeOptions bake;
     ExportOptions textures;
+    NewOptions fresh;
     RunOptions run;
     QString message;
     int exitCode = 0;

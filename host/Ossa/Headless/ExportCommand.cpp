@@ -34,6 +34,7 @@ int exportOpenProject(const OssExportPreset &preset, const OssExportOptions &cho
 {
     OssExportPlan plan;
     const OssProject *project = OssProjectManager::instance()->currentProject();
+    OssExportPlan::waitForMeshes(project);
     const OssResult planned = choices.file.isEmpty()
                                   ? OssExportPlan::make(project, preset, choices, &plan)
                                   : OssExportPlan::makeGltf(project, choices, &plan);

@@ -1,11 +1,13 @@
 #include "Ossa/Headless/InfoCommand.h"
 
 #include "Ossa/Headless/CommandLine.h"
+#include "OssEvaluation/Geometry/OssEvMesh.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShadingGroup.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Objects/OssMeshes.h"
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectManager.h"
 
@@ -39,9 +41,28 @@ Count countNodes(const OssShaderNetwork *network)
     return count;
 }
 
+void printMesh(const OssGeoEntity *entity)
+{
+    const OssMeshes::Look look = OssMeshes::instance()->waitFor(entity->source());
+    if (!look.mesh) {
+        std::printf("  missing\n");
+        return;
+    }
+    const std::vector<int> &patches = look.mesh->patches(); // one at least, or it were no mesh
+    std::printf("  %s%zu triangles, ",
+                look.problem.isEmpty() ? "" : "missing, kept: ", look.mesh->triangles.size());
+    if (patches.size() == 1)
+        std::printf("patch %d\n", patches.front());
+    else
+        std::printf("%zu patches from %d on\n", patches.size(), patches.front());
+    for (const OssEvMeshCheck::Finding &found : look.report)
+        std::printf("  %s\n", found.text.c_str());
+}
+
 void printEntity(const OssGeoEntity *entity)
 {
-    std::printf("\n%s (%s)\n", qPrintable(entity->name()), qPrintable(entity->geometry()));
+    std::printf("\n%s (%s)\n", qPrintable(entity->name()), qPrintable(entity->source().title()));
+    printMesh(entity);
     const QList<OssShadingGroup *> groups = entity->shadingGroups();
     for (const OssShadingGroup *group : groups) {
         const Count count = countNodes(group->network());

@@ -1,8 +1,15 @@
 #include "Ossa/Palettes/ProblemsPanel.h"
 
+#include "OssModel/Graph/OssGeoEntity.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Graph/OssShadingGroup.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Nodes/OssProblems.h"
+#include "OssModel/Objects/OssMeshes.h"
+#include "OssModel/Project/OssProject.h"
+#include "OssModel/Project/OssProjectManager.h"
+#include "OssModel/Project/OssProjectMeshes.h"
 
 #include <QHeaderView>
 #include <QLabel>
@@ -13,6 +20,7 @@
 namespace {
 
 constexpr int NodeRole = Qt::UserRole;
+constexpr int NetworkRole = Qt::UserRole + 1; ///< of an object
 constexpr int NodeWidth = 180;
 
 OssSnBaseNode *nodeOf(const QTreeWidgetItem *row)
@@ -23,13 +31,14 @@ OssSnBaseNode *nodeOf(const QTreeWidgetItem *row)
 } // namespace
 
 Q_DECLARE_METATYPE(QPointer<OssSnBaseNode>)
+Q_DECLARE_METATYPE(QPointer<OssShaderNetwork>)
 
 ProblemsPanel::ProblemsPanel(QWidget *parent)
     : QWidget(parent)
     , m_list(new QTreeWidget(this))
-    , m_none(new QLabel(tr("Nothing is wrong with any node."), this))
+    , m_none(new QLabel(tr("Nothing is wrong with any node or object."), this))
 {
-    m_list->setHeaderLabels({tr("Node"), tr("What is wrong")});
+    m_list->setHeaderLabels({tr("Where"), tr("What is wrong")});
     m_list->setRootIsDecorated(false);
     m_list->setUniformRowHeights(true);
     m_list->setAllColumnsShowFocus(true);
@@ -44,6 +53,11 @@ ProblemsPanel::ProblemsPanel(QWidget *parent)
     layout->addWidget(m_none, 1);
     setFocusProxy(m_list);
     connect(OssProblems::instance(), &OssProblems::changed, this, &ProblemsPanel::refresh);
+    connect(OssMeshes::instance(), &OssMeshes::changed, this, &ProblemsPanel::refresh);
+    connect(OssProjectManager::instance(), &OssProjectManager::projectOpenCompleted, this,
+            &ProblemsPanel::refresh);
+    connect(OssProjectManager::instance(), &OssProjectManager::projectClosed, this,
+            &ProblemsPanel::refresh);
     refresh();
 }
 
@@ -52,6 +66,18 @@ void ProblemsPanel::refresh()
     const OssSnBaseNode *current = nodeOf(m_list->currentItem());
     m_list->clear();
     const QVector<OssProblems::Problem> problems = OssProblems::instance()->problems();
+    const auto troubles = OssProjectMeshes::troubles(
+        OssProjectManager::instance()->currentProject());
+    for (const OssProjectMeshes::Trouble &trouble : troubles) {
+        auto *row = new QTreeWidgetItem(m_list); // the list's
+        row->setText(0, trouble.entity->name());
+        row->setToolTip(0, tr("An object of the project"));
+        row->setText(1, QString(trouble.text).replace(QLatin1Char('\n'), QLatin1String("; ")));
+        row->setToolTip(1, trouble.text);
+        row->setData(0, NetworkRole,
+                     QVariant::fromValue(QPointer<OssShaderNetwork>(
+                         trouble.entity->shadingGroups().first()->network())));
+    }
     for (const OssProblems::Problem &problem : problems) {
         auto *row = new QTreeWidgetItem(m_list); // the list's
         row->setText(0, problem.node->name());
@@ -62,11 +88,17 @@ void ProblemsPanel::refresh()
         if (problem.node == current)
             m_list->setCurrentItem(row);
     }
-    m_list->setVisible(!problems.isEmpty());
-    m_none->setVisible(problems.isEmpty());
+    const bool isAny = m_list->topLevelItemCount() > 0;
+    m_list->setVisible(isAny);
+    m_none->setVisible(!isAny);
 }
 
 void ProblemsPanel::show(const QTreeWidgetItem *row)
 {
-    OssShaderNetworkManager::instance()->goToNode(nodeOf(row));
+    OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
+    if (!row)
+        return;
+    if (OssShaderNetwork *ofObject = row->data(0, NetworkRole).value<QPointer<OssShaderNetwork>>())
+        networks->setCurrentShaderNetwork(ofObject);
+    networks->goToNode(nodeOf(row));
 }

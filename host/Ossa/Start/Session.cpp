@@ -5,6 +5,7 @@
 #include "Ossa/Common/ApplicationPreferences.h"
 #include "Ossa/Common/Theme.h"
 #include "Ossa/Headless/InfoCommand.h"
+#include "Ossa/Headless/MeshTroubles.h"
 #include "Ossa/Pictures/GraphCommand.h"
 #include "Ossa/Plugins/PluginActions.h"
 #include "Ossa/Scripting/RunCommand.h"
@@ -88,11 +89,13 @@ int Session::run(const CommandLine &line, int &argc, char **argv)
     case CommandLine::Graph:
         return runGraphCommand(line.project, line.output);
     case CommandLine::Info:
-        return runInfoCommand(line.project, true);
+        return withMeshTroubles(runInfoCommand(line.project, true));
+    case CommandLine::New:
+        return runNewCommand(line.fresh);
     case CommandLine::Bake:
-        return runBakeCommand(line.bake);
+        return withMeshTroubles(runBakeCommand(line.bake));
     case CommandLine::Export:
-        return runExportCommand(line.textures);
+        return withMeshTroubles(runExportCommand(line.textures));
     case CommandLine::Run:
         return runRunCommand(line.run);
     case CommandLine::Stubs:

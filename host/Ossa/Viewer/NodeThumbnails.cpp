@@ -2,15 +2,18 @@
 
 #include "Ossa/Viewer/ViewerPixels.h"
 #include "OssCore/Undo/OssUndoManager.h"
+#include "OssEvaluation/Geometry/OssEvMesh.h"
 #include "OssInterface/Palettes/OssPalette.h"
 #include "OssInterface/Palettes/OssPaletteManager.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Evaluation/OssSolo.h"
+#include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Images/OssFileWatch.h"
 #include "OssModel/Nodes/OssSnResultKey.h"
+#include "OssModel/Objects/OssMeshes.h"
 #include "OssModel/Project/OssProjectManager.h"
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
 #include "OssNodeGraph/Items/OssNgNode.h"
@@ -59,6 +62,7 @@ NodeThumbnails::NodeThumbnails(QObject *parent)
     };
     connect(OssUndoManager::instance(), &OssUndoManager::changed, this, touch);
     connect(OssFileWatch::instance(), &OssFileWatch::changed, this, touch);
+    connect(OssMeshes::instance(), &OssMeshes::changed, this, touch);
     connect(OssShaderNetworkManager::instance(),
             &OssShaderNetworkManager::currentViewNetworkChanged, this, touch);
     connect(OssProjectManager::instance(), &OssProjectManager::projectClosing, this,
@@ -147,8 +151,10 @@ void NodeThumbnails::start(OssNgNode *item, const OssSnBaseNode *node)
     const OssSnEvaluationGraph graph = OssSnEvaluationGraph::of(node, node->prefferedOutputPoint());
     OssEvaluationService *service = OssEvaluationService::instance();
     const OssGeoEntity *entity = node->network()->geoEntity();
-    const QList<int> patches = graph.error.isEmpty() ? service->patches(entity) : QList<int>();
-    if (patches.isEmpty()) {
+    // While it is being read there is none: the node's key is another when it is there.
+    const auto mesh =
+        OssMeshes::instance()->look(entity ? entity->source() : OssGeometrySource()).mesh;
+    if (!graph.error.isEmpty() || !mesh || mesh->patches().empty()) {
         m_shown[item].picture = {};
         fit(&m_shown[item]);
         return;
@@ -165,7 +171,7 @@ void NodeThumbnails::start(OssNgNode *item, const OssSnBaseNode *node)
     const auto work = std::make_shared<Work>();
     const QPointer<NodeThumbnails> self(this);
     OssEvRequest request;
-    request.target = service->target(graph, entity, patches.first(), size);
+    request.target = service->target(graph, entity, mesh->patches().front(), size);
     request.priority = -1;
     request.onTile = [work](const OssEvArrival &arrival) {
         const QImage picture = ViewerPixels::picture(*arrival.tile, ViewerLook());

@@ -10,8 +10,9 @@
 #include "OssCore/Program/OssSettings.h"
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssInterface/Actions/OssShortcutManager.h"
-#include "OssModel/Evaluation/OssEvaluationService.h"
+#include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Nodes/OssSnImageSetNodeBase.h"
+#include "OssModel/Objects/OssMeshes.h"
 #include "OssModel/Project/OssProjectManager.h"
 
 #include <QApplication>
@@ -117,7 +118,7 @@ void ViewerPanel::follow()
                 followPaint();
                 m_pictures->begin(patches, m_source->resolution(), problem);
                 const OssGeoEntity *entity = m_source->entity();
-                m_object->setMesh(entity ? OssEvaluationService::instance()->mesh(entity)
+                m_object->setMesh(entity ? OssMeshes::instance()->look(entity->source()).mesh
                                          : nullptr);
                 m_progress->setValue(0);
                 m_pass->clear();

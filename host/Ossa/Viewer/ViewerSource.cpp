@@ -14,6 +14,7 @@
 #include "OssModel/Images/OssFileWatch.h"
 #include "OssModel/Nodes/OssSnProducer.h"
 #include "OssModel/Nodes/OssSnResultKey.h"
+#include "OssModel/Objects/OssMeshes.h"
 #include "OssModel/Project/OssProjectManager.h"
 
 #include <QCoreApplication>
@@ -37,6 +38,7 @@ ViewerSource::ViewerSource(QObject *parent)
     };
     connect(OssUndoManager::instance(), &OssUndoManager::changed, this, touch);
     connect(OssFileWatch::instance(), &OssFileWatch::changed, this, touch);
+    connect(OssMeshes::instance(), &OssMeshes::changed, this, touch);
     const OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
     connect(networks, &OssShaderNetworkManager::currentShaderNetworkChanged, this, touch);
     connect(networks, &OssShaderNetworkManager::graphRefreshRequested, this, [this] { refresh(); });
@@ -167,10 +169,20 @@ void ViewerSource::start(const OssGeoEntity *entity)
         return;
     }
     const OssSnEvaluationGraph graph = OssSnEvaluationGraph::of(m_shown.node, m_shown.outputPoint);
-    const QList<int> patches = graph.error.isEmpty()
-                                   ? OssEvaluationService::instance()->patches(entity)
-                                   : QList<int>();
     m_sources = graph.sources;
+    const OssMeshes::Look shape = OssMeshes::instance()->look(entity ? entity->source()
+                                                                     : OssGeometrySource());
+    if (!shape.mesh) {
+        Q_EMIT began({}, shownName(),
+                     shape.state == OssMeshes::State::Reading ? tr("The mesh is being read")
+                                                              : shape.problem);
+        return;
+    }
+    QList<int> patches;
+    for (const int patch : shape.mesh->patches()) {
+        if (graph.error.isEmpty())
+            patches.append(patch);
+    }
     Q_EMIT began(patches, shownName(), graph.error);
     graph.tellProblem(graph.faulty, graph.error);
     follow(graph);

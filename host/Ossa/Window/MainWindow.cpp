@@ -3,6 +3,7 @@
 #include "Ossa/Commands/Commands.h"
 #include "Ossa/Commands/EditCommands.h"
 #include "Ossa/Commands/ExportCommands.h"
+#include "Ossa/Commands/MeshCommands.h"
 #include "Ossa/Commands/ProjectCommands.h"
 #include "Ossa/Commands/RecentProjects.h"
 #include "Ossa/Common/ApplicationPreferences.h"
@@ -19,6 +20,7 @@
 #include "OssCore/Program/OssPluginInterface.h"
 #include "OssCore/Program/OssSettings.h"
 #include "OssCore/Program/OssStatusManager.h"
+#include "OssEvaluation/Geometry/OssEvMeshFile.h"
 #include "OssInterface/Actions/OssShortcutManager.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssInterface/Popups/OssMessageBox.h"
@@ -56,6 +58,17 @@ QString projectIn(const QMimeData *data)
                : QString();
 }
 
+/// The mesh file that is dragged; empty when it is anything else.
+QString meshIn(const QMimeData *data)
+{
+    const QList<QUrl> urls = data->urls();
+    if (urls.size() != 1 || !urls.first().isLocalFile())
+        return {};
+    const QString path = QDir::cleanPath(urls.first().toLocalFile());
+    return QFileInfo(path).isFile() && OssEvMeshFile::isMeshFile(path.toStdString()) ? path
+                                                                                     : QString();
+}
+
 } // namespace
 
 MainWindow::MainWindow()
@@ -77,6 +90,8 @@ MainWindow::MainWindow()
     m_project = new ProjectCommands(this);
     m_recovery = new WorkRecovery(m_project, this); // owned by the window
     connect(m_recovery, &WorkRecovery::trouble, m_notifications, &NotificationBar::tell);
+    m_meshes = new MeshCommands(m_project, this);
+    connect(m_meshes, &MeshCommands::trouble, m_notifications, &NotificationBar::tell);
     new EditCommands(this);   // owned by the window
     new ExportCommands(this); // owned by the window
     new ScriptCommands(this); // owned by the window
@@ -166,6 +181,13 @@ void MainWindow::openSoon(const QString &path)
 
 void MainWindow::dragEnterEvent(QDragEnterEvent *event)
 {
+    const QString mesh = meshIn(event->mimeData());
+    if (!mesh.isEmpty()) {
+        event->acceptProposedAction();
+        OssStatusManager::instance()->showMessage(
+            tr("Drop: imports %1").arg(QFileInfo(mesh).fileName()));
+        return;
+    }
     const QString path = projectIn(event->mimeData());
     if (path.isEmpty())
         return;
@@ -176,6 +198,14 @@ void MainWindow::dragEnterEvent(QDragEnterEvent *event)
 
 void MainWindow::dropEvent(QDropEvent *event)
 {
+    const QString mesh = meshIn(event->mimeData());
+    if (!mesh.isEmpty()) {
+        event->acceptProposedAction();
+        // Whoever dragged waits for the drop to end; it must not wait for a dialog.
+        QMetaObject::invokeMethod(
+            this, [this, mesh] { m_meshes->importFile(mesh); }, Qt::QueuedConnection);
+        return;
+    }
     const QString path = projectIn(event->mimeData());
     if (path.isEmpty())
         return;

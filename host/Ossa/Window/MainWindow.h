@@ -7,6 +7,7 @@
 
 class NotificationBar;
 class PaletteDocks;
+class MeshCommands;
 class ProjectCommands;
 class WelcomePanel;
 class WorkRecovery;
@@ -64,6 +65,7 @@ private:
     QVector<PluginLoader::Plugin> m_plugins;
     NotificationBar *m_notifications;
     PaletteDocks *m_docks;
+    MeshCommands *m_meshes = nullptr;
     ProjectCommands *m_project;
     WorkRecovery *m_recovery;
     QPointer<WelcomePanel> m_welcome; ///< owned by the docks or the window

@@ -6,6 +6,10 @@
 #include "OssInterface/Palettes/OssPalette.h"
 #include "OssInterface/Palettes/OssPaletteManager.h"
 #include "OssModel/Nodes/OssProblems.h"
+#include "OssModel/Objects/OssMeshes.h"
+#include "OssModel/Project/OssProject.h"
+#include "OssModel/Project/OssProjectManager.h"
+#include "OssModel/Project/OssProjectMeshes.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -64,7 +68,7 @@ StatusArea::StatusArea(QWidget *parent)
     m_problems->setObjectName(QStringLiteral("Problems"));
     m_problems->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     m_problems->setIcon(OssIcon::createIconFromFilename(QStringLiteral("Problems.png")));
-    m_problems->setToolTip(tr("Show what is wrong with nodes"));
+    m_problems->setToolTip(tr("Show what is wrong with nodes and objects"));
     addPermanentWidget(m_problems);
     connect(m_problems, &QToolButton::clicked, this, [] {
         if (OssPalette *palette = OssPaletteManager::instance()->find(
@@ -72,6 +76,9 @@ StatusArea::StatusArea(QWidget *parent)
             palette->showBySidebar();
     });
     connect(OssProblems::instance(), &OssProblems::changed, this, &StatusArea::showProblems);
+    connect(OssMeshes::instance(), &OssMeshes::changed, this, &StatusArea::showProblems);
+    connect(OssProjectManager::instance(), &OssProjectManager::projectClosed, this,
+            &StatusArea::showProblems);
     showProblems();
     auto *status = OssStatusManager::instance();
     connect(m_stop, &QPushButton::clicked, this, &StatusArea::stop);
@@ -120,7 +127,9 @@ void StatusArea::showPart(const QString &part)
 
 void StatusArea::showProblems()
 {
-    const int count = OssProblems::instance()->problems().size();
+    const int count = OssProblems::instance()->problems().size()
+                      + OssProjectMeshes::troubles(OssProjectManager::instance()->currentProject())
+                            .size();
     m_problems->setText(count == 1 ? tr("1 problem") : tr("%1 problems").arg(count));
     m_problems->setVisible(count > 0);
 }

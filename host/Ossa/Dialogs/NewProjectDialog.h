@@ -1,0 +1,40 @@
+#pragma once
+
+#include "Ossa/Dialogs/MeshPanel.h"
+
+#include <QDialog>
+
+class QComboBox;
+class QDialogButtonBox;
+class QLineEdit;
+
+/// Asks for the name of a new project, what is textured in it, and how large its images are.
+class NewProjectDialog : public QDialog
+{
+    Q_OBJECT
+
+public:
+    explicit NewProjectDialog(QWidget *parent = nullptr);
+
+    QString name() const;
+    /// Chooses the file as if the user had.
+    void setFile(const QString &path);
+    /// A shape, or the file that was chosen.
+    OssGeometrySource source() const;
+    int resolution() const;
+
+    /// Of the file that was chosen.
+    const OssMeshReader &read() const { return m_panel->read(); }
+
+private:
+    void chooseShape(int index);
+    void askForFile();
+    void refresh();
+
+    QLineEdit *m_name;
+    QComboBox *m_shape; ///< the last entry is a file
+    QComboBox *m_resolution;
+    MeshPanel *m_panel;
+    QDialogButtonBox *m_buttons;
+    int m_chosen = 0;
+};

@@ -93,6 +93,17 @@ TEST(MeshCheck, eachFaultIsFoundAndCounted)
     EXPECT_EQ(found(*collapsed), (Found{{Kind::Collapsed, 2}}));
 }
 
+TEST(MeshCheck, moreFacesThanTheLimitAreRefusedBeforeAnyIsLookedAt)
+{
+    auto mesh = square(0, 0, 1, 1);
+    mesh->triangles.resize(OssEvMeshCheck::MostFaces + 1);
+    const Report report = OssEvMeshCheck::of(*mesh);
+    ASSERT_EQ(report.size(), 1U);
+    EXPECT_EQ(report[0].kind, Kind::TooManyFaces);
+    EXPECT_TRUE(OssEvMeshCheck::isUseless(report));
+    EXPECT_NE(OssEvMeshCheck::inWords(report).find("10000001 faces"), std::string::npos);
+}
+
 TEST(MeshCheck, saysWhatToDo)
 {
     const Report report = OssEvMeshCheck::of(*twoSquares(-0.5F, 0.1F));

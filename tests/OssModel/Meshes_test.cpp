@@ -6,6 +6,7 @@
 #include "OssModel/Images/OssFileWatch.h"
 #include "OssModel/Images/OssPixelStore.h"
 #include "OssModel/Objects/OssMeshes.h"
+#include "OssModel/Project/OssProjectSnapshot.h"
 #include "support/ModelFixture.h"
 #include "support/Text.h"
 
@@ -173,6 +174,31 @@ TEST_F(ObjectMeshes, theProjectKeepsTheLastGoodStateAndSaysThatTheFileIsMissing)
     EXPECT_EQ(none.state, State::Missing);
     EXPECT_EQ(none.mesh, nullptr);
     EXPECT_TRUE(OssEvaluationService::instance()->patches(object()).isEmpty());
+}
+
+TEST_F(ObjectMeshes, aCopyOfUnsavedWorkHasTheKeptMeshToo)
+{
+    write("mesh.obj", obj(2));
+    object()->setSource(sourceOf(path("mesh.obj")));
+    const OssEvKey key = settled(object()).mesh->key();
+    const QString kept = OssMeshes::instance()->keptFile(object()->source(), true);
+    ASSERT_TRUE(OssPixelStore::isMeshName(kept));
+    OssProjectSnapshot snapshot(m_project, {});
+    ASSERT_TRUE(snapshot.advance(-1));
+    const QByteArray text8 = OssProjectSnapshot::joined(snapshot.takeParts());
+    ASSERT_TRUE(OssPixelStore::namesIn(QString::fromUtf8(text8)).contains(kept))
+        << "or the cleanup would take it away";
+    QDir(m_folder.path()).mkdir(text("copy"));
+    write("copy/project.xml", text8);
+    QFile::remove(path("mesh.obj"));
+    const ExpectedLog unreadable("mesh.obj");
+    const OssResult restored = OssProjectManager::instance()->restoreProject(path("copy"), {},
+                                                                             false);
+    ASSERT_TRUE(restored) << qPrintable(restored.error());
+    m_project = OssProjectManager::instance()->currentProject();
+    const OssMeshes::Look look = settled(object());
+    ASSERT_EQ(look.state, State::Kept);
+    EXPECT_TRUE(look.mesh->key() == key);
 }
 
 TEST_F(ObjectMeshes, aFileThatChangesIsReadAgainAndWhatIsOtherIsTold)

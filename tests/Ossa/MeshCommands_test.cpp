@@ -121,7 +121,7 @@ TEST_F(Meshes, aNewProjectAsksForNameMeshAndSize)
                     combo->setCurrentText(text("4096"));
             }
             ASSERT_TRUE(QTest::qWaitFor([&] { return okOf(dialog)->isEnabled(); }));
-            EXPECT_TRUE(textOf(dialog).contains(text("UDIM patches: 1001, 1002")))
+            EXPECT_TRUE(textOf(dialog).contains(text("UDIM patches: 1001, 1002.")))
                 << qPrintable(textOf(dialog));
             okOf(dialog)->click();
         },

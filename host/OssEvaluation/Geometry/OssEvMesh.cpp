@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <map>
 
 namespace {
@@ -31,6 +32,34 @@ template <class Vector>
 void addVectors(OssEvKeyBuilder *key, const std::vector<Vector> &vectors)
 {
     key->addBytes(vectors.data(), vectors.size() * sizeof(Vector));
+}
+
+/// For each vertex the first one that lies in the very same place.
+std::vector<std::uint32_t> firstOfPlaces(const std::vector<OssEvMesh::Vector3> &positions)
+{
+    constexpr std::uint32_t None = 0xFFFFFFFFU;
+    std::size_t size = 16;
+    while (size < positions.size() * 3 / 2)
+        size *= 2;
+    std::vector<std::uint32_t> table(size, None);
+    std::vector<std::uint32_t> firsts(positions.size());
+    for (std::uint32_t i = 0; i < positions.size(); ++i) {
+        std::uint64_t hash = 0;
+        for (const float number : positions[i]) {
+            const float plain = number + 0.0F; // 0 and -0 are one place
+            std::uint32_t word = 0;
+            std::memcpy(&word, &plain, sizeof(word));
+            hash = (hash ^ word) * 0xFF51AFD7ED558CCDULL;
+            hash ^= hash >> 32;
+        }
+        std::size_t slot = std::size_t(hash) & (size - 1);
+        while (table[slot] != None && positions[table[slot]] != positions[i])
+            slot = (slot + 1) & (size - 1);
+        if (table[slot] == None)
+            table[slot] = i;
+        firsts[i] = table[slot];
+    }
+    return firsts;
 }
 
 /// Whether the triangle, whose bounding box does, touches the inside of the patch. It does not when
@@ -149,14 +178,7 @@ void OssEvMesh::makeNormals()
     }
     if (missing.empty())
         return;
-    std::sort(missing.begin(), missing.end(), [this](std::uint32_t a, std::uint32_t b) {
-        return positions[a] != positions[b] ? positions[a] < positions[b] : a < b;
-    });
-    std::vector<std::uint32_t> firstOf(positions.size());
-    for (std::size_t i = 0; i < missing.size(); ++i) {
-        const bool isSame = i > 0 && positions[missing[i]] == positions[missing[i - 1]];
-        firstOf[missing[i]] = isSame ? firstOf[missing[i - 1]] : missing[i];
-    }
+    const std::vector<std::uint32_t> firstOf = firstOfPlaces(positions);
     std::vector<Vector3> sums(positions.size());
     for (const auto &triangle : triangles) {
         const Vector3 &a = positions[triangle[0]];
@@ -196,13 +218,18 @@ void OssEvMesh::findPatches()
                 high[k] = std::max(high[k], uvs[vertex][k]);
             }
         }
+        const int firstColumn = int(std::floor(low[0] + Border));
+        const int firstRow = int(std::floor(low[1] + Border));
         const int lastColumn = int(std::ceil(high[0] - Border)) - 1;
         const int lastRow = int(std::ceil(high[1] - Border)) - 1;
-        for (int row = int(std::floor(low[1] + Border)); row <= lastRow; ++row) {
-            for (int column = int(std::floor(low[0] + Border)); column <= lastColumn; ++column) {
+        const bool isInOne = firstColumn == lastColumn && firstRow == lastRow;
+        for (int row = firstRow; row <= lastRow; ++row) {
+            for (int column = firstColumn; column <= lastColumn; ++column) {
                 const int patch = OssEvPatch::number(column, row);
-                if (patch != 0
-                    && touches({uvs[triangles[i][0]], uvs[triangles[i][1]], uvs[triangles[i][2]]},
+                if (patch == 0)
+                    continue;
+                if (isInOne
+                    || touches({uvs[triangles[i][0]], uvs[triangles[i][1]], uvs[triangles[i][2]]},
                                column, row))
                     byPatch[patch].push_back(std::int32_t(i));
             }

@@ -127,16 +127,23 @@ public:
             std::swap(corners[1], corners[2]);
         const auto [left, right] = span(corners, 0);
         const auto [bottom, top] = span(corners, 1);
+        if (left > right || bottom > top)
+            return;
+        // Neighbours share an edge, and round it each in its own way.
+        std::array<double, 3> margins{};
+        for (std::size_t i = 0; i < 3; ++i) {
+            const auto &from = corners[i];
+            const auto &to = corners[(i + 1) % 3];
+            const double dx = to[0] - from[0];
+            const double dy = to[1] - from[1];
+            margins[i] = 0.02 * std::sqrt(dx * dx + dy * dy);
+        }
         for (int y = bottom; y <= top; ++y) {
             for (int x = left; x <= right; ++x) {
                 bool isInside = true;
-                for (std::size_t i = 0; i < 3 && isInside; ++i) {
-                    const auto &from = corners[i];
-                    const auto &to = corners[(i + 1) % 3];
-                    // Neighbours share an edge, and round it each in its own way.
-                    const double margin = 0.02 * std::hypot(to[0] - from[0], to[1] - from[1]);
-                    isInside = side(from, to, x + 0.5, y + 0.5) > margin;
-                }
+                for (std::size_t i = 0; i < 3 && isInside; ++i)
+                    isInside = side(corners[i], corners[(i + 1) % 3], x + 0.5, y + 0.5)
+                               > margins[i];
                 if (isInside)
                     mark(triangle, std::size_t(y) * GridSize + std::size_t(x));
             }
@@ -200,7 +207,8 @@ struct Place
 std::size_t countOverlapping(const OssEvMesh &mesh,
                              std::vector<std::pair<int, std::uint32_t>> places)
 {
-    std::sort(places.begin(), places.end());
+    if (!std::is_sorted(places.begin(), places.end()))
+        std::sort(places.begin(), places.end());
     std::vector<bool> overlapping(mesh.triangles.size());
     Cells cells(&overlapping);
     int patch = 0;

@@ -64,8 +64,14 @@ std::shared_ptr<const OssEvMesh> OssGeometrySource::builtIn() const
 {
     if (isFile())
         return nullptr;
+    // Made once: whoever shows it tells by the mesh whether it is another.
+    static std::array<std::shared_ptr<const OssEvMesh>, table.size()> made;
     const Shape *known = find(shape);
-    return (known ? known : &table.front())->make();
+    const Shape &chosen = known ? *known : table.front();
+    std::shared_ptr<const OssEvMesh> &mesh = made[std::size_t(&chosen - table.data())];
+    if (!mesh)
+        mesh = chosen.make();
+    return mesh;
 }
 
 QString OssGeometrySource::fileKey() const

@@ -34,7 +34,7 @@ struct OSSMODEL_EXPORT OssGeometrySource
 
     /// Of the file, resolved; empty for a shape.
     QString path() const;
-    /// The mesh of a shape; null for a file.
+    /// The mesh of a shape, always the same one; null for a file. GUI thread.
     std::shared_ptr<const OssEvMesh> builtIn() const;
     /// A text for the file and how it is understood, without the part. Equal for what is read at once.
     QString fileKey() const;

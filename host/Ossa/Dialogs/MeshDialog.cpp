@@ -32,8 +32,10 @@ MeshDialog::MeshDialog(MeshPanel::Purpose purpose, const QString &title,
     connect(m_buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     QPushButton *ok = m_buttons->button(QDialogButtonBox::Ok);
     ok->setEnabled(false);
-    connect(m_panel, &MeshPanel::stateChanged, ok,
-            [this, ok] { ok->setEnabled(m_panel->isUsable()); });
+    connect(m_panel, &MeshPanel::stateChanged, ok, [this, ok] {
+        ok->setEnabled(m_panel->isUsable());
+        ok->setDefault(true); // Cancel was, as long as there was no other
+    });
     connect(this, &QDialog::rejected, m_panel, &MeshPanel::stop);
     resize(Theme::fitting(firstSize));
     m_panel->setSource(source);

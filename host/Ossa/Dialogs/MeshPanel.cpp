@@ -257,7 +257,7 @@ void MeshPanel::tell()
     }
     std::sort(patches.begin(), patches.end());
     patches.erase(std::unique(patches.begin(), patches.end()), patches.end());
-    m_contents->setText(tr("%1 triangles, %2 objects, %3 material slots. UDIM patches: %4")
+    m_contents->setText(tr("Triangles: %1. Objects: %2. Material slots: %3. UDIM patches: %4.")
                             .arg(QLocale().toString(qulonglong(reading.faces)))
                             .arg(reading.objects.size())
                             .arg(reading.materials.size())

@@ -75,6 +75,14 @@
     ON_NODES("Open Node Properties", openNodeProperties, openNodeProperties())                       \
     ACTION("Toggle Snap to Grid", toggleSnapToGrid, toggleSnapToGrid())                             \
     ACTION("Toggle Edge Sever Mode", toggleEdgeSeverAction, toggleEdgeSeverAction())                \
+    ON_NODES("Nudge Left", nudgeLeft, nudgeSelection({-OssNgStyle::GridStep, 0.0})) \
+    ON_NODES("Nudge Left Finely", nudgeLeftFinely, nudgeSelection({-1.0, 0.0})) \
+    ON_NODES("Nudge Right", nudgeRight, nudgeSelection({OssNgStyle::GridStep, 0.0})) \
+    ON_NODES("Nudge Right Finely", nudgeRightFinely, nudgeSelection({1.0, 0.0})) \
+    ON_NODES("Nudge Up", nudgeUp, nudgeSelection({0.0, -OssNgStyle::GridStep})) \
+    ON_NODES("Nudge Up Finely", nudgeUpFinely, nudgeSelection({0.0, -1.0})) \
+    ON_NODES("Nudge Down", nudgeDown, nudgeSelection({0.0, OssNgStyle::GridStep})) \
+    ON_NODES("Nudge Down Finely", nudgeDownFinely, nudgeSelection({0.0, 1.0})) \
     ACTION("Bake Again", bakeSelectedBakePointsAgain, bakeSelectedBakePointsAgain())               \
     ACTION("Align Left", alignLeft, arrange(OssShaderNetworkManager::AlignLeft)) \
     ACTION("Align Center", alignCenter, arrange(OssShaderNetworkManager::AlignCenter)) \

@@ -11,6 +11,7 @@
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssNodeGraph/Drawing/OssNgStyle.h"
 #include "OssShaderNetworkView.h"
 #include "OssSnNodeGraphViewContextManager.h"
 #include "View/Arranger.h"

@@ -204,7 +204,7 @@ TEST_F(OssNgViewTest, pointerHeldAtTheBorderTakesTheNodeAlong)
     release(rest);
 }
 
-TEST_F(OssNgViewTest, heldNudgeKeyIsOneUndoStepWithTheBackdropsContents)
+TEST_F(OssNgViewTest, nudgesInARowAreOneUndoStepWithTheBackdropsContents)
 {
     OssUndoManager *history = OssUndoManager::instance();
     history->clear();
@@ -212,7 +212,7 @@ TEST_F(OssNgViewTest, heldNudgeKeyIsOneUndoStepWithTheBackdropsContents)
     backdrop->setSelected(true);
     const QSignalSpy announced(a, &OssNgNode::posChanged);
     for (int i = 0; i < 3; ++i)
-        key(Qt::Key_Right, Qt::AltModifier);
+        view.nudgeSelection({OssNgStyle::GridStep, 0});
     EXPECT_EQ(a->pos(), QPointF(3 * OssNgStyle::GridStep, 0));
     EXPECT_EQ(backdrop->pos(), QPointF(3 * OssNgStyle::GridStep - 50, -60));
     EXPECT_EQ(announced.count(), 3);
@@ -222,7 +222,7 @@ TEST_F(OssNgViewTest, heldNudgeKeyIsOneUndoStepWithTheBackdropsContents)
     EXPECT_EQ(backdrop->pos(), QPointF(-50, -60));
     history->redo();
     EXPECT_EQ(a->pos(), QPointF(3 * OssNgStyle::GridStep, 0));
-    key(Qt::Key_Up, Qt::AltModifier | Qt::ShiftModifier);
+    view.nudgeSelection({0, -1});
     EXPECT_EQ(a->pos().y(), -1.0);
     EXPECT_EQ(b->pos(), QPointF(300, 40));
     history->clear();

@@ -467,17 +467,16 @@ TEST_F(OssNgHoverTest, shakesAreCountedOnTheScreen)
 TEST_F(OssNgHoverTest, nudgingNothingIsNoStep)
 {
     OssUndoManager::instance()->clear();
-    key(Qt::Key_Right, Qt::AltModifier);
+    view.nudgeSelection({10, 0});
     a->setSelected(true);
     press(body(a));
-    key(Qt::Key_Right, Qt::AltModifier); // while it is in hand
+    view.nudgeSelection({10, 0}); // while it is in hand
     release(body(a));
-    key(Qt::Key_A, Qt::AltModifier);
+    view.nudgeSelection({});
     EXPECT_EQ(OssUndoManager::instance()->count(), 0);
     EXPECT_EQ(a->pos(), QPointF(0, 0));
     OssNgView empty;
-    QKeyEvent event(QEvent::KeyPress, Qt::Key_Right, Qt::AltModifier);
-    QCoreApplication::sendEvent(&empty, &event);
+    empty.nudgeSelection({10, 0});
     EXPECT_EQ(OssUndoManager::instance()->count(), 0);
 }
 

@@ -207,7 +207,7 @@ TEST_F(OssNgViewTest, keysThatAreNotUsedStayIgnored)
 
     open.keyPressEvent(&unused);
     EXPECT_FALSE(unused.isAccepted());
-    QKeyEvent used(QEvent::KeyPress, Qt::Key_Left, Qt::NoModifier);
+    QKeyEvent used(QEvent::KeyPress, Qt::Key_F10, Qt::ShiftModifier);
     used.ignore();
     open.keyPressEvent(&used);
     EXPECT_TRUE(used.isAccepted());

@@ -175,8 +175,6 @@ private:
     void replayMove();
     void updateBorderPan();
     void borderPanStep();
-    bool handleNavigationKey(const QKeyEvent *event);
-    bool handleNudgeKey(const QKeyEvent *event);
     bool handleMenuKey(const QKeyEvent *event);
     bool handlePinch(QEvent *event);
     void selectForPress(OssNgNode *node, Qt::KeyboardModifiers modifiers);

@@ -1,7 +1,6 @@
 #include "OssNodeGraph/View/OssNgView.h"
 
 #include "OssCore/Undo/OssUndoManager.h"
-#include "OssNodeGraph/Drawing/OssNgStyle.h"
 #include "OssNodeGraph/Items/OssNgMovedNodes.h"
 #include "OssNodeGraph/Items/OssNgNode.h"
 #include "OssNodeGraph/Items/OssNgNodePositionChangeUndo.h"
@@ -11,23 +10,6 @@
 #include <QKeyEvent>
 
 namespace {
-
-/// Null for other keys.
-QPointF arrowDirection(int key)
-{
-    switch (key) {
-    case Qt::Key_Left:
-        return {-1.0, 0.0};
-    case Qt::Key_Right:
-        return {1.0, 0.0};
-    case Qt::Key_Up:
-        return {0.0, -1.0};
-    case Qt::Key_Down:
-        return {0.0, 1.0};
-    default:
-        return {};
-    }
-}
 
 bool isModifier(int key)
 {
@@ -41,31 +23,11 @@ void OssNgView::keyPressEvent(QKeyEvent *event)
     // The command that undoes may be disabled: there may be no step yet.
     const bool takesBack = event->key() == Qt::Key_Escape
                            || (hasGesture() && event->matches(QKeySequence::Undo));
-    const bool used = takesBack ? cancelGesture()
-                                : handleNavigationKey(event) || handleNudgeKey(event)
-                                      || handleMenuKey(event);
+    const bool used = takesBack ? cancelGesture() : handleMenuKey(event);
     if (used)
         event->accept();
     else if (!isModifier(event->key()))
         interruptGesture(); // also keys of commands that can do nothing now
-}
-
-bool OssNgView::handleNavigationKey(const QKeyEvent *event)
-{
-    if (event->key() == Qt::Key_Plus) {
-        zoomIn();
-        return true;
-    }
-    if (event->key() == Qt::Key_Minus) {
-        zoomOut();
-        return true;
-    }
-    const QPointF direction = arrowDirection(event->key());
-    const bool plain = !(event->modifiers() & ~Qt::KeypadModifier);
-    if (direction.isNull() || !plain)
-        return false;
-    panByFraction(direction.x(), direction.y());
-    return true;
 }
 
 bool OssNgView::handleMenuKey(const QKeyEvent *event)
@@ -76,17 +38,6 @@ bool OssNgView::handleMenuKey(const QKeyEvent *event)
     const QPoint centre = viewport()->rect().center();
     QContextMenuEvent menu(QContextMenuEvent::Keyboard, centre, viewport()->mapToGlobal(centre));
     QCoreApplication::sendEvent(viewport(), &menu);
-    return true;
-}
-
-bool OssNgView::handleNudgeKey(const QKeyEvent *event)
-{
-    const QPointF direction = arrowDirection(event->key());
-    const Qt::KeyboardModifiers modifiers = event->modifiers() & ~Qt::KeypadModifier;
-    const bool fine = modifiers == (Qt::AltModifier | Qt::ShiftModifier);
-    if (direction.isNull() || !(fine || modifiers == Qt::AltModifier))
-        return false;
-    nudgeSelection(direction * (fine ? 1.0 : OssNgStyle::GridStep));
     return true;
 }
 

@@ -152,7 +152,7 @@ void MergeColorSpace::update(OssSnBaseNode *endPoint, const QSet<OssSnBaseNode *
         return;
     UpstreamMergeNodesFinder finder;
     finder.walk(endPoint);
-    QList<OssSnBaseNode *> disabled;
+    QVector<QPointer<OssSnBaseNode>> disabled; // they may go while the user is asked
     for (OssSnBaseNode *merge : qAsConst(finder.merges)) {
         if (isOff(merge) && !known.contains(merge))
             disabled.append(merge);
@@ -163,8 +163,10 @@ void MergeColorSpace::update(OssSnBaseNode *endPoint, const QSet<OssSnBaseNode *
         && (!OssApplication::popupsAllowed() || !askWhetherToUpdate(endPoint)))
         return;
     const OssUndoManager::AutoMacro macro(OssShaderNetworkView::tr("Use Blending Colorspace"));
-    for (OssSnBaseNode *merge : qAsConst(disabled))
-        enableBlending(merge, true);
+    for (const auto &merge : qAsConst(disabled)) {
+        if (merge)
+            enableBlending(merge, true);
+    }
 }
 
 void OssShaderNetworkView::autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(

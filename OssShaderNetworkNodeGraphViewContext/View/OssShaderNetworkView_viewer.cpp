@@ -23,7 +23,7 @@ constexpr const char *Source = "OssShaderNetworkView";
 
 OssSnBaseNode *nodeProperty(const QAction *action, const char *name)
 {
-    return qobject_cast<OssSnBaseNode *>(action->property(name).value<QObject *>());
+    return qobject_cast<OssSnBaseNode *>(action->property(name).value<QPointer<QObject>>());
 }
 
 void showAsCurrentMaterial(OssSnBaseNode *node)
@@ -51,13 +51,16 @@ void connectToViewer(OssSnBaseNode *viewer, OssSnBaseNode *node, const QString &
     look(viewer, num);
 }
 
-/// Where the viewer of a network's object stands, to bring it back from another network.
+/// Where the viewer of a network's object stands, to bring it back from another network, and what was
+/// selected in the network, as far as any of it is still there then.
 class Whereabouts
 {
 public:
-    explicit Whereabouts(const OssShaderNetwork *network)
-        : m_viewer(network->viewerNode())
+    Whereabouts(OssShaderNetwork *shown, const QList<OssSnBaseNode *> &selected)
+        : m_viewer(shown->viewerNode())
         , m_network(m_viewer ? m_viewer->network() : nullptr)
+        , m_shown(shown)
+        , m_selected(selected.cbegin(), selected.cend())
     {
         if (const OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(m_viewer))
             m_position = item->pos();
@@ -65,16 +68,25 @@ public:
 
     void restore() const
     {
-        if (!m_viewer || !m_network || m_viewer->network() == m_network)
-            return;
-        m_network->moveCurrentViewerNodeToNetwork();
-        if (OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(m_viewer))
-            item->setPosition(m_position);
+        if (m_viewer && m_network && m_viewer->network() != m_network) {
+            m_network->moveCurrentViewerNodeToNetwork();
+            if (OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(m_viewer))
+                item->setPosition(m_position);
+        }
+        QList<OssSnBaseNode *> selected;
+        for (const auto &node : m_selected) {
+            if (node)
+                selected.append(node);
+        }
+        if (m_shown)
+            m_shown->selectOnly(selected);
     }
 
 private:
     QPointer<OssSnBaseNode> m_viewer;
     QPointer<OssShaderNetwork> m_network;
+    QPointer<OssShaderNetwork> m_shown;
+    QVector<QPointer<OssSnBaseNode>> m_selected;
     QPointF m_position;
 };
 
@@ -126,7 +138,7 @@ void OssShaderNetworkView::connectSelectedNodeToViewer(OssSnBaseNode *Node, int 
                  qPrintable(Node->objectName()));
         return;
     }
-    const Whereabouts before(m_network);
+    const Whereabouts before(m_network, selected);
     OssSnBaseNode *viewer = m_network->moveCurrentViewerNodeToNetwork();
     if (!viewer)
         return;
@@ -149,9 +161,7 @@ void OssShaderNetworkView::connectSelectedNodeToViewer(OssSnBaseNode *Node, int 
     } else if (Node->outputPointCount() == 0) {
         tellUser(tr("%1 has nothing to look at").arg(Node->name()));
     } else if (!chooseOutputPoint(Node, viewer, Num)) {
-        // The viewer goes back to where it was, and so does the selection.
         before.restore();
-        m_network->selectOnly(selected);
     }
 }
 
@@ -160,26 +170,29 @@ bool OssShaderNetworkView::chooseOutputPoint(OssSnBaseNode *node, OssSnBaseNode 
     const OssNgNode *guiNode = OssSnNodeGraphViewContextManager::guiNodeOf(node);
     if (!guiNode || !OssApplication::popupsAllowed())
         return false;
-    QMenu menu(this);
+    // The view may go, with what belongs to it, while the user chooses.
+    const QPointer<QMenu> menu = new QMenu(this);
     const auto add = [&](const QString &text, const char *property, const QString &value) {
-        QAction *action = menu.addAction(OssMenu::asTyped(text));
+        QAction *action = menu->addAction(OssMenu::asTyped(text));
         action->setProperty(property, value);
-        action->setProperty("node", QVariant::fromValue<QObject *>(node));
-        action->setProperty("viewer", QVariant::fromValue<QObject *>(viewer));
+        action->setProperty("node", QVariant::fromValue(QPointer<QObject>(node)));
+        action->setProperty("viewer", QVariant::fromValue(QPointer<QObject>(viewer)));
         action->setProperty("num", num);
     };
     const auto *streams = qobject_cast<OssSnMultiChannelGroupNode *>(node);
     if (const OssLayerShaderModel *model = streams ? streams->shaderModel() : nullptr) {
         add(model->id(), "shaderModelName", model->id());
-        menu.addSeparator();
+        menu->addSeparator();
     }
     const auto *extended = qobject_cast<const OssNgExtendedNode *>(guiNode);
     const QStringList points = extended ? extended->outputPortList() : guiNode->outputPortNames();
     for (const QString &point : points)
         add(guiNode->outputPointDescriptiveName(point), "outputPointName", point);
-    connect(&menu, &QMenu::triggered, this, &OssShaderNetworkView::onOutputPointSelected);
-    menu.setActiveAction(menu.actions().first()); // Return takes it at once
-    return menu.exec(QCursor::pos()) != nullptr;
+    connect(menu, &QMenu::triggered, this, &OssShaderNetworkView::onOutputPointSelected);
+    menu->setActiveAction(menu->actions().first()); // Return takes it at once
+    const bool chosen = menu->exec(QCursor::pos()) != nullptr;
+    delete menu;
+    return chosen;
 }
 
 void OssShaderNetworkView::onOutputPointSelected(QAction *action)

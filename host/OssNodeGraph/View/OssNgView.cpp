@@ -12,10 +12,12 @@
 
 #include <QContextMenuEvent>
 #include <QGraphicsScene>
+#include <QGuiApplication>
 #include <QHelpEvent>
 #include <QPainter>
 #include <QScopedValueRollback>
 #include <QToolTip>
+#include <QWindow>
 
 #include <algorithm>
 
@@ -68,6 +70,11 @@ OssNgView::OssNgView(QWidget *parent)
     m_borderPanTimer.setInterval(BorderPanInterval);
     connect(OssUndoManager::instance(), &OssUndoManager::aboutToEdit, this,
             &OssNgView::interruptGesture);
+    // A dialog may come while another window, or nothing, has the keyboard.
+    connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, [this](const QWindow *now) {
+        if (now && now != window()->windowHandle())
+            interruptGesture();
+    });
     connect(&m_borderPanTimer, &QTimer::timeout, this, &OssNgView::borderPanStep);
     m_glideTimer.setInterval(GlideInterval);
     connect(&m_glideTimer, &QTimer::timeout, this, [this] {

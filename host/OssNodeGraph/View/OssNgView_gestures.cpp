@@ -127,7 +127,10 @@ void OssNgView::mousePressEvent(QMouseEvent *event)
             m_navigation->enter();
         return;
     }
-    if (auto gesture = gestureFor(event)) {
+    // While another button is held that was pressed elsewhere, or came with a menu, Qt brings the
+    // release of this one to whatever is under the pointer then.
+    const bool alone = !(event->buttons() & ~event->button());
+    if (auto gesture = alone ? gestureFor(event) : nullptr) {
         startGesture(std::move(gesture));
     } else if (event->button() == Qt::RightButton) {
         selectForMenu(toScene(event->localPos()));

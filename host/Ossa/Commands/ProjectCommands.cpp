@@ -87,8 +87,18 @@ void ProjectCommands::askForNewResolution()
         project->setNewResolution(text.toInt());
 }
 
+bool ProjectCommands::isBusy()
+{
+    OssStatusManager *status = OssStatusManager::instance();
+    if (status->isBlocking())
+        status->showMessage(tr("Wait until this has ended, or stop it: %1").arg(status->title()));
+    return status->isBlocking();
+}
+
 bool ProjectCommands::mayClose()
 {
+    if (isBusy())
+        return false;
     settle();
     const auto *projects = OssProjectManager::instance();
     if (!projects->currentProject() || !projects->isModified())
@@ -131,7 +141,7 @@ void ProjectCommands::close()
 bool ProjectCommands::save()
 {
     const OssProject *project = OssProjectManager::instance()->currentProject();
-    if (!project)
+    if (!project || isBusy())
         return false;
     if (project->path().isEmpty() || project->isReadOnly() || isExample(project->path()))
         return saveAs();
@@ -141,7 +151,7 @@ bool ProjectCommands::save()
 bool ProjectCommands::saveAs()
 {
     const OssProject *project = OssProjectManager::instance()->currentProject();
-    if (!project)
+    if (!project || isBusy())
         return false;
     const QString path = OssFileDialog::getSaveFileName(tr("Save Project As"),
                                                         tr("Ossa projects (*.ossa)"),
@@ -153,6 +163,8 @@ bool ProjectCommands::saveTo(const QString &path)
 {
     settle();
     auto *projects = OssProjectManager::instance();
+    if (!projects->currentProject() || isBusy()) // the user was asked for a name meanwhile
+        return false;
     const bool sameFile = projects->currentProject()->path() == path;
     const OssResult result = sameFile ? projects->saveProject() : projects->saveProjectAs(path);
     if (!result.ok()) {

@@ -40,6 +40,8 @@ private:
     void askForNewResolution();
     void refresh();
     bool saveTo(const QString &path);
+    /// While work runs that needs the project, which is told to the user.
+    static bool isBusy();
 
     QWidget *m_window;
     QVector<QPointer<QAction>> m_recent;

@@ -176,9 +176,11 @@ void PaintBar::refresh()
     const QList<OssSnChannelInputNode *> nodes = paintNodes(network);
     const QSignalBlocker blocker(m_nodes);
     m_nodes->clear();
+    m_choices.clear();
     OssSnChannelInputNode *selected = nullptr;
     for (OssSnChannelInputNode *node : nodes) {
-        m_nodes->addItem(node->name(), QVariant::fromValue<QObject *>(node));
+        m_nodes->addItem(node->name());
+        m_choices.append(node);
         if (node->selected())
             selected = node;
     }
@@ -199,8 +201,9 @@ void PaintBar::refresh()
 
 void PaintBar::chooseNode(int index)
 {
-    m_session->setNode(
-        qobject_cast<OssSnImageSetNodeBase *>(m_nodes->itemData(index).value<QObject *>()));
+    // The list is made anew when something changes: what it names may have gone just now.
+    if (OssSnImageSetNodeBase *node = m_choices.value(index))
+        m_session->setNode(node);
     refresh();
 }
 
@@ -234,7 +237,7 @@ void PaintBar::makeNode()
 void PaintBar::showState()
 {
     OssSnImageSetNodeBase *node = m_session->node();
-    m_nodes->setCurrentIndex(m_nodes->findData(QVariant::fromValue<QObject *>(node)));
+    m_nodes->setCurrentIndex(node ? m_choices.indexOf(node) : -1);
     const bool hasPaint = !m_session->buffer().isEmpty();
     m_clear->setEnabled(hasPaint);
     m_bake->setEnabled(hasPaint);

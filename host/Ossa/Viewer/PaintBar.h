@@ -44,6 +44,7 @@ private:
     PaintSession *m_session;
     const ViewerSource *m_source;
     QComboBox *m_nodes;
+    QVector<QPointer<OssSnImageSetNodeBase>> m_choices; ///< those of m_nodes
     QToolButton *m_color;
     QSpinBox *m_size;
     QSpinBox *m_hardness;

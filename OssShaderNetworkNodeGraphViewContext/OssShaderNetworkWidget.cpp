@@ -133,6 +133,7 @@ void OssSnNodeGraphWidget::onCurrentTabChanged(int Index)
     if (const auto *page = qobject_cast<OssShaderNetworkView *>(widget(Index)))
         OssShaderNetworkManager::instance()->setCurrentViewNetwork(page->network());
     setNavigationControlType(m_navigationControlType);
+    setFocusProxy(currentWidget()); // not the tab bar: whoever gives the graph the focus means this
     takeFocus();
 }
 

@@ -5,6 +5,7 @@
 #include "OssInterface/Actions/OssShortcutManager.h"
 #include "OssInterface/DragAndDrop/OssDragAndDropManager.h"
 #include "OssInterface/Palettes/OssPaletteManager.h"
+#include "OssInterface/Popups/OssFocusReturn.h"
 #include "OssInterface/Popups/OssWorkDialog.h"
 #include "OssModel/OssModelServices.h"
 #include "OssModel/Project/OssProjectManager.h"
@@ -18,6 +19,7 @@ struct OssInterfaceServices::Services
     OssPaletteManager palettes;
     OssDragAndDropManager dragAndDrop;
     OssWorkDialog workDialog;
+    OssFocusReturn focusReturn;
 };
 
 OssInterfaceServices::OssInterfaceServices()

@@ -57,9 +57,7 @@ bool takesText(const QWidget *widget)
                || widget->inherits("QComboBox"));
 }
 
-/// In a menu a plain key is an entry's letter. All the actions of the menus have their keys while it
-/// has the focus, those of one scope and of another alike.
-bool readsMenuKeys(const QWidget *widget)
+bool isMenu(const QWidget *widget)
 {
     return qobject_cast<const QMenu *>(widget) || qobject_cast<const QMenuBar *>(widget);
 }
@@ -196,14 +194,17 @@ void OssShortcutManager::assignGroup(const QString &path, const QString &group)
 
 bool OssShortcutManager::eventFilter(QObject *watched, QEvent *event)
 {
+    if (event->type() == QEvent::Shortcut)
+        return isCovered(qobject_cast<QAction *>(watched));
     if (event->type() != QEvent::ShortcutOverride)
         return false;
-    const auto *field = qobject_cast<QWidget *>(watched);
     const auto *key = static_cast<QKeyEvent *>(event);
-    const bool takes = readsMenuKeys(field)
-                           ? !(key->modifiers() & (Qt::ControlModifier | Qt::AltModifier))
-                           : takesText(field) && field == QApplication::focusWidget()
-                                 && isScopedKey(field, keysOf(*key));
+    // Whom Qt asks may be another than who has the focus, where a part of a window is a native one.
+    const QWidget *focus = QApplication::focusWidget();
+    const bool takes = isMenu(focus) || isMenu(QApplication::activePopupWidget())
+                           ? isMenuKey(*key)
+                           : focus == watched && takesText(focus)
+                                 && isScopedKey(focus, keysOf(*key));
     if (!takes)
         return false;
     event->accept();
@@ -281,12 +282,29 @@ bool OssShortcutManager::scopesOverlap(const QString &path, const QString &other
     return contains(one->widget, other->widget) || contains(other->widget, one->widget);
 }
 
+bool OssShortcutManager::isCovered(QAction *action) const
+{
+    const QWidget *modal = action ? QApplication::activeModalWidget() : nullptr;
+    const QString path = modal ? m_bound.key(action) : QString();
+    const Scope *scope = path.isEmpty() ? nullptr : scopeOf(path);
+    return scope && !scope->widget->isWindow() && !modal->isAncestorOf(scope->widget);
+}
+
+/// An open menu has all keys. To the menu bar a plain key is an entry's letter, and Qt counts the
+/// actions of all menus as the bar's own: keys of scopes, which may stand in several, are not its.
+bool OssShortcutManager::isMenuKey(const QKeyEvent &event) const
+{
+    return isMenu(QApplication::activePopupWidget())
+           || !(event.modifiers() & (Qt::ControlModifier | Qt::AltModifier))
+           || isScopedKey(nullptr, keysOf(event));
+}
+
 bool OssShortcutManager::isScopedKey(const QWidget *field, const QKeySequence &keys) const
 {
     for (auto bound = m_bound.cbegin(); bound != m_bound.cend(); ++bound) {
         const Scope *scope = scopeOf(bound.key());
         if (!bound.value() || !scope || scope->widget->isWindow()
-            || !scope->widget->isAncestorOf(field))
+            || (field && !scope->widget->isAncestorOf(field)))
             continue;
         const QList<QKeySequence> taken = bound.value()->shortcuts();
         if (std::any_of(taken.cbegin(), taken.cend(),

@@ -13,6 +13,7 @@
 #include <QVector>
 
 class QAction;
+class QKeyEvent;
 class QWidget;
 
 /// Binds keys to the identities of the action tree. The defaults come from one table, the user's
@@ -76,6 +77,10 @@ private:
     void bindAll();
     const Scope *scopeOf(const QString &path) const;
     bool scopesOverlap(const QString &path, const QString &otherPath) const;
+    /// Whether a dialog keeps the user from it. Of keys that do not act in whole windows Qt does not ask.
+    bool isCovered(QAction *action) const;
+    bool isMenuKey(const QKeyEvent &event) const;
+    /// Whether it acts in a scope around the field; without one: in any but that of the windows.
     bool isScopedKey(const QWidget *field, const QKeySequence &keys) const;
     void loadCustomKeys();
 

@@ -22,7 +22,6 @@ CommandPalette::CommandPalette(QWidget *parent)
     , m_model(new CommandListModel(this))
     , m_search(new QLineEdit(this))
     , m_list(new QListView(this))
-    , m_focusBefore(QApplication::focusWidget())
 {
     setObjectName(QStringLiteral("CommandPalette"));
     setWindowTitle(tr("Find Command"));
@@ -60,15 +59,6 @@ void CommandPalette::accept()
 bool CommandPalette::eventFilter(QObject *watched, QEvent *event)
 {
     return OssSearchKeys::passOn(event, m_list) || QDialog::eventFilter(watched, event);
-}
-
-void CommandPalette::done(int result)
-{
-    QDialog::done(result);
-    if (!m_focusBefore)
-        return;
-    m_focusBefore->window()->activateWindow();
-    m_focusBefore->setFocus();
 }
 
 void CommandPalette::showEvent(QShowEvent *event)

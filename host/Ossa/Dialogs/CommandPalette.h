@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QDialog>
-#include <QPointer>
 
 class CommandListModel;
 class QLineEdit;
@@ -21,7 +20,6 @@ public:
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
-    void done(int result) override;
     void showEvent(QShowEvent *event) override;
 
 private:
@@ -30,5 +28,4 @@ private:
     CommandListModel *m_model;
     QLineEdit *m_search;
     QListView *m_list;
-    QPointer<QWidget> m_focusBefore;
 };

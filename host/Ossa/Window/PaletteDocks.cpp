@@ -18,6 +18,7 @@
 #include <QEvent>
 #include <QMainWindow>
 #include <QSplitter>
+#include <QTimer>
 
 #include <algorithm>
 #include <functional>
@@ -190,6 +191,12 @@ void PaletteDocks::saveLayout() const
 
 void PaletteDocks::resetLayout()
 {
+    // What holds a title goes on moving its dock, which may be another's by then.
+    constexpr int Pause = 50; // milliseconds
+    if (QGuiApplication::mouseButtons() != Qt::NoButton) {
+        QTimer::singleShot(Pause, this, &PaletteDocks::resetLayout);
+        return;
+    }
     m_state.clear();
     m_stateNames.clear();
     const QVector<OssPalette *> palettes = OssPaletteManager::instance()->palettes();
@@ -225,8 +232,9 @@ void PaletteDocks::placeCover()
     ads::CDockWidget *dock = m_docks.value(graph);
     if (!m_cover || !dock)
         return;
-    const bool hadFocus = graph->isAncestorOf(QApplication::focusWidget())
-                          || m_cover->isAncestorOf(QApplication::focusWidget());
+    QWidget *shown = m_isCovered ? m_cover.data() : graph;
+    const QWidget *hidden = m_isCovered ? graph : m_cover.data();
+    const bool movesFocus = hidden->isAncestorOf(QApplication::focusWidget());
     graph->setEnabled(!m_isCovered);
     graph->installEventFilter(this);
     if (m_cover->parentWidget() != dock)
@@ -234,8 +242,8 @@ void PaletteDocks::placeCover()
     m_cover->setGeometry(graph->geometry());
     m_cover->setVisible(m_isCovered);
     m_cover->raise();
-    if (hadFocus)
-        (m_isCovered ? m_cover : graph)->setFocus();
+    if (movesFocus)
+        shown->setFocus();
 }
 
 void PaletteDocks::releaseCover()

@@ -160,19 +160,12 @@ void Monkey::play(int events)
 
 void Monkey::next()
 {
-    constexpr int Longest = 10000;
     const bool over = m_failed || m_left <= 0;
-    m_letGo = over ? m_letGo + 1 : 0;
-    if (m_letGo > Longest)
-        ADD_FAILURE() << "something stays in hand, or a dialog open: " << qPrintable(where());
-    if (over && (m_letGo > Longest || !m_hands.letGo())) {
-        m_left = -1;
-        m_loop.quit();
+    QTimer::singleShot(over ? 1 : 0, this, &Monkey::next);
+    if (over) {
+        finish();
         return;
     }
-    QTimer::singleShot(over ? 1 : 0, this, &Monkey::next);
-    if (over)
-        return;
     --m_left;
     crashEvent = ++m_done;
     ++m_depth;
@@ -189,6 +182,20 @@ void Monkey::next()
         look();
     if (m_depth == 0 && !project() && m_hands.below(20) == 0)
         open();
+}
+
+void Monkey::finish()
+{
+    // What was done last may have asked for something that comes later, such as a dialog.
+    constexpr int Quiet = 5;
+    constexpr int Longest = 10000;
+    m_quiet = m_hands.letGo() ? 0 : m_quiet + 1;
+    if (++m_letGo > Longest)
+        ADD_FAILURE() << "something stays in hand, or a dialog open: " << qPrintable(where());
+    if (m_letGo <= Longest && m_quiet < Quiet)
+        return;
+    m_left = -1;
+    m_loop.quit();
 }
 
 void Monkey::look()

@@ -22,6 +22,7 @@ public:
 
 private:
     void next();
+    void finish();
     void open();
     void look();
     void lookAtHistory();
@@ -38,6 +39,7 @@ private:
     int m_done = 0;
     int m_depth = 0; ///< loops inside of each other: menus, dialogs, drags
     int m_letGo = 0; ///< tries to come to an end
+    int m_quiet = 0; ///< of those, the last ones that found nothing to let go of
     int m_idle = 0;  ///< events since something of the user's was in hand
     bool m_failed = false;
 };

@@ -19,6 +19,8 @@
 #include <QWheelEvent>
 #include <QWindow>
 
+#include <algorithm>
+
 namespace {
 
 /// No separators: what is typed into a field for a file stays in the folder.
@@ -42,6 +44,20 @@ bool isPopup(const QWidget *widget)
 {
     return widget->windowType() == Qt::Popup || widget->windowType() == Qt::ToolTip
            || widget->windowType() == Qt::SplashScreen;
+}
+
+/// Qt keeps them by their addresses, which differ from run to run.
+QWidgetList windowsInOrder()
+{
+    const auto name = [](const QWidget *widget) {
+        return QLatin1String(widget->metaObject()->className()) + widget->objectName()
+               + widget->windowTitle();
+    };
+    QWidgetList all = QApplication::topLevelWidgets();
+    std::sort(all.begin(), all.end(), [&name](const QWidget *one, const QWidget *other) {
+        return name(one) < name(other);
+    });
+    return all;
 }
 
 } // namespace
@@ -267,7 +283,7 @@ QWidget *MonkeyHands::anyWidget()
         top = QApplication::activeModalWidget();
     if (!top || below(10) == 0) {
         QList<QWidget *> tops;
-        const QWidgetList all = QApplication::topLevelWidgets();
+        const QWidgetList all = windowsInOrder();
         for (QWidget *one : all) {
             if (one->isVisible() && !isPopup(one) && !qobject_cast<QFileDialog *>(one)) {
                 tops.append(one);
@@ -395,7 +411,7 @@ void MonkeyHands::runScript()
 
 void MonkeyHands::resizeWindow()
 {
-    const QWidgetList all = QApplication::topLevelWidgets();
+    const QWidgetList all = windowsInOrder();
     for (QWidget *one : all) {
         if (!qobject_cast<QMainWindow *>(one) || one->parentWidget())
             continue;

@@ -41,6 +41,8 @@ const char *const Refusals[] = {
     "No nodes are selected",
     // How many a search looks through.
     "nodes in the network",
+    // What an upgrade of nodes leaves out.
+    "\", which is gone",
 };
 
 /// The program as it is started, with its plug-in and its window, once for each process.

@@ -1,6 +1,7 @@
 #include "WatchedPlugin.h"
 
 #include "../OssShaderNetworkNodeGraphViewContext/DocumentInvariants.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShadingGroup.h"
 #include "OssModel/Project/OssProject.h"
@@ -32,4 +33,5 @@ void watchedPluginSettleViewer()
             context->setNodePosition({});
         network->setViewerNodeCurrentEdge(1, true);
     }
+    OssUndoManager::instance()->resetClean();
 }

@@ -67,6 +67,12 @@ protected:
                    "f 1/1 2/2 3/3 4/4\nf 1/5 2/6 3/7 4/8\n");
         file.close();
         m_entity->setGeometry(file.fileName());
+        m_options.patches = {1001};
+        EXPECT_TRUE(plan(presetOf("<File Name='a' Format='png'><Channel To='R' Value='1'/></File>"))
+                        .error()
+                        .contains(text("still being read")));
+        m_options.patches.clear();
+        OssExportPlan::waitForMeshes(m_project);
     }
 
     OssResult plan(const OssExportPreset &preset)

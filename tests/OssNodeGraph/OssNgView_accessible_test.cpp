@@ -79,7 +79,8 @@ TEST_F(OssNgAccessibleTest, screenReadersBringOnlyWhatIsOffTheScreenIntoView)
     EXPECT_EQ(scene.selectedItems(), QList<QGraphicsItem *>{a});
     const QString name = pressed(far);
     EXPECT_TRUE(name.startsWith(text("Far")) && !name.contains(text("error")));
-    QTRY_VERIFY(view.viewportInSceneCoords().contains(far->sceneBoundingRect()));
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] { return view.viewportInSceneCoords().contains(far->sceneBoundingRect()); }));
     EXPECT_EQ(scene.selectedItems(), QList<QGraphicsItem *>{far});
 }
 

@@ -143,7 +143,7 @@ TEST_F(ExportPanelTest, writesWatchesAndRemembers)
     EXPECT_FALSE(button().isEnabled()) << "one at a time";
     EXPECT_TRUE(m_panel->findChild<ExportProgress *>()->isVisible());
     OssExportManager *exports = OssExportManager::instance();
-    QTRY_VERIFY2_WITH_TIMEOUT(!exports->isRunning(), "the export ends", 30000);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !exports->isRunning(); }, 30000));
     EXPECT_EQ(states(), QStringList(QVector<QString>(10, text("written")).toList()));
     EXPECT_EQ(QDir(m_folder.path()).entryList(QDir::Files).size(), 10);
     EXPECT_FALSE(m_panel->findChild<ExportProgress *>()->isVisible());
@@ -155,7 +155,7 @@ TEST_F(ExportPanelTest, writesWatchesAndRemembers)
     watch->click();
     EXPECT_TRUE(exports->isWatching());
     m_shader->setAttribute(text("Roughness"), 0.125);
-    QTRY_VERIFY2_WITH_TIMEOUT(states().count(text("unchanged")) == 9, "it looks", 30000);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return states().count(text("unchanged")) == 9; }, 30000));
     EXPECT_EQ(states().count(text("written")), 1);
     watch->click();
     EXPECT_FALSE(exports->isWatching());
@@ -169,7 +169,7 @@ TEST_F(ExportPanelTest, aFolderInTheWayIsToldWhereItIsSeen)
     ASSERT_TRUE(QDir(m_folder.path()).mkdir(text("Object_Metallic.png")));
     const ExpectedLog expected("Object_Metallic.png");
     QTest::mouseClick(&button(), Qt::LeftButton);
-    QTRY_VERIFY2_WITH_TIMEOUT(!OssExportManager::instance()->isRunning(), "it ends", 30000);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !OssExportManager::instance()->isRunning(); }, 30000));
     EXPECT_EQ(states().count(text("failed")), 1);
     EXPECT_EQ(states().count(text("written")), 9);
     EXPECT_TRUE(shows(text("Object_Metallic.png")));

@@ -219,40 +219,40 @@ enum Needs { OneNode, TwoNodes, ThreeNodes, ABackdrop, ABackdropOrMember, NodeAn
 
 struct Row
 {
-    Networks::Arrangement how;
-    const char *command;
-    Needs needs;
-    void (*carryOut)(const Nodes &nodes, int argument);
+    Networks::Arrangement how = Networks::AlignLeft;
+    Needs needs = OneNode;
+    const char *command = "";
+    void (*carryOut)(const Nodes &nodes, int argument) = nullptr;
     int argument = 0;
 };
 
 // clang-format off
 const Row Rows[] = {
-    {Networks::AlignLeft, "Align Left", TwoNodes, align, int(Alignment::Edge::Left)},
-    {Networks::AlignCenter, "Align Center", TwoNodes, align, int(Alignment::Edge::Center)},
-    {Networks::AlignRight, "Align Right", TwoNodes, align, int(Alignment::Edge::Right)},
-    {Networks::AlignTop, "Align Top", TwoNodes, align, int(Alignment::Edge::Top)},
-    {Networks::AlignMiddle, "Align Middle", TwoNodes, align, int(Alignment::Edge::Middle)},
-    {Networks::AlignBottom, "Align Bottom", TwoNodes, align, int(Alignment::Edge::Bottom)},
-    {Networks::DistributeHorizontally, "Distribute Horizontally", ThreeNodes, distribute, Qt::Horizontal},
-    {Networks::DistributeVertically, "Distribute Vertically", ThreeNodes, distribute, Qt::Vertical},
-    {Networks::TidyBackdrops, "Tidy Backdrops", ABackdropOrMember, tidy},
-    {Networks::BringToFront, "Bring to Front", ABackdrop, reorder, 1},
-    {Networks::SendToBack, "Send to Back", ABackdrop, reorder, 0},
-    {Networks::PlaceUnderneath, "Place Underneath", NodeAndWire, placeEach<placeUnderneath>},
-    {Networks::PlaceNextTo, "Place Next To", NodeAndWire, placeEach<placeNextTo>},
-    {Networks::PlaceOnTop, "Place On Top", NodeAndWire, placeEach<placeOnTop>},
-    {Networks::PlaceAtFreeSpot, "Place At Free Spot", OneNode, placeAtFreeSpot},
-    {Networks::PlaceBelow, "Place Below", NodeAndWire, placeByLayout, Node::LayoutBelow},
-    {Networks::PlaceFarBelow, "Place Far Below", NodeAndWire, placeByLayout, Node::LayoutTwoBelow},
-    {Networks::PlaceLeftBelow, "Place Left Below", NodeAndWire, placeByLayout, Node::LayoutLeftBelow},
-    {Networks::PlaceLeft, "Place Left", NodeAndWire, placeByLayout, Node::LayoutLeft},
-    {Networks::PlaceInTheMiddle, "Place In The Middle", NodeAndWire, placeByLayout, Node::LayoutSame},
-    {Networks::PlaceRight, "Place Right", NodeAndWire, placeByLayout, Node::LayoutTwoRight},
-    {Networks::PlaceFarRight, "Place Far Right", NodeAndWire, placeByLayout, Node::LayoutThreeRight},
-    {Networks::PlaceRightAtOwnHeight, "Place Right At Own Height", NodeAndWire, placeByLayout, Node::LayoutTwoRightLoose},
-    {Networks::PlaceRightAbove, "Place Right Above", NodeAndWire, placeByLayout, Node::LayoutRightAbove},
-    {Networks::PlaceAboveInStream, "Place Above In Stream", NodeAndWire, placeByLayout, Node::LayoutRightAboveUneven},
+    {Networks::AlignLeft, TwoNodes, "Align Left", align, int(Alignment::Edge::Left)},
+    {Networks::AlignCenter, TwoNodes, "Align Center", align, int(Alignment::Edge::Center)},
+    {Networks::AlignRight, TwoNodes, "Align Right", align, int(Alignment::Edge::Right)},
+    {Networks::AlignTop, TwoNodes, "Align Top", align, int(Alignment::Edge::Top)},
+    {Networks::AlignMiddle, TwoNodes, "Align Middle", align, int(Alignment::Edge::Middle)},
+    {Networks::AlignBottom, TwoNodes, "Align Bottom", align, int(Alignment::Edge::Bottom)},
+    {Networks::DistributeHorizontally, ThreeNodes, "Distribute Horizontally", distribute, Qt::Horizontal},
+    {Networks::DistributeVertically, ThreeNodes, "Distribute Vertically", distribute, Qt::Vertical},
+    {Networks::TidyBackdrops, ABackdropOrMember, "Tidy Backdrops", tidy},
+    {Networks::BringToFront, ABackdrop, "Bring to Front", reorder, 1},
+    {Networks::SendToBack, ABackdrop, "Send to Back", reorder, 0},
+    {Networks::PlaceUnderneath, NodeAndWire, "Place Underneath", placeEach<placeUnderneath>},
+    {Networks::PlaceNextTo, NodeAndWire, "Place Next To", placeEach<placeNextTo>},
+    {Networks::PlaceOnTop, NodeAndWire, "Place On Top", placeEach<placeOnTop>},
+    {Networks::PlaceAtFreeSpot, OneNode, "Place At Free Spot", placeAtFreeSpot},
+    {Networks::PlaceBelow, NodeAndWire, "Place Below", placeByLayout, Node::LayoutBelow},
+    {Networks::PlaceFarBelow, NodeAndWire, "Place Far Below", placeByLayout, Node::LayoutTwoBelow},
+    {Networks::PlaceLeftBelow, NodeAndWire, "Place Left Below", placeByLayout, Node::LayoutLeftBelow},
+    {Networks::PlaceLeft, NodeAndWire, "Place Left", placeByLayout, Node::LayoutLeft},
+    {Networks::PlaceInTheMiddle, NodeAndWire, "Place In The Middle", placeByLayout, Node::LayoutSame},
+    {Networks::PlaceRight, NodeAndWire, "Place Right", placeByLayout, Node::LayoutTwoRight},
+    {Networks::PlaceFarRight, NodeAndWire, "Place Far Right", placeByLayout, Node::LayoutThreeRight},
+    {Networks::PlaceRightAtOwnHeight, NodeAndWire, "Place Right At Own Height", placeByLayout, Node::LayoutTwoRightLoose},
+    {Networks::PlaceRightAbove, NodeAndWire, "Place Right Above", placeByLayout, Node::LayoutRightAbove},
+    {Networks::PlaceAboveInStream, NodeAndWire, "Place Above In Stream", placeByLayout, Node::LayoutRightAboveUneven},
 };
 
 // clang-format on
@@ -264,6 +264,18 @@ QString titleOf(const Row &row)
     return command ? OssCommandTable::text(*command) : QString();
 }
 
+/// The first node of the same network that the only one is wired to.
+void prependWired(Nodes *nodes)
+{
+    const Node *only = nodes->first();
+    const Nodes wired = only->inputNodes() + only->outputNodes();
+    const auto found = std::find_if(wired.cbegin(), wired.cend(), [only](const Node *node) {
+        return node && node->network() == only->network();
+    });
+    if (found != wired.cend())
+        nodes->prepend(*found);
+}
+
 /// What is missing, in words; empty when nothing is. One node by itself is placed by what it is
 /// wired to, which is put before it.
 QString whatIsMissing(Needs needs, Nodes *nodes)
@@ -272,13 +284,8 @@ QString whatIsMissing(Needs needs, Nodes *nodes)
     const bool hasMember = std::any_of(nodes->cbegin(), nodes->cend(), [](const Node *node) {
         return Backdrops::containerOf(node);
     });
-    if (needs == NodeAndWire && nodes->size() == 1) {
-        const Nodes wired = nodes->first()->inputNodes() + nodes->first()->outputNodes();
-        for (Node *node : wired) {
-            if (node && node->network() == nodes->first()->network() && nodes->size() == 1)
-                nodes->prepend(node);
-        }
-    }
+    if (needs == NodeAndWire && nodes->size() == 1)
+        prependWired(nodes);
     switch (needs) {
     case OneNode:
         return nodes->isEmpty() ? Arranger::tr("select a node first") : QString();

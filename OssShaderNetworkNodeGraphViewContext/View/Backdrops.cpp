@@ -185,6 +185,18 @@ void grow(Node *backdrop, const std::function<void()> &ask)
     grow(backdrop, ask, &grown);
 }
 
+/// How far those below it have to go down so that the node lies on none of them; 0 where it does not.
+qreal roomFor(const Node *node, const QList<Node *> &below)
+{
+    const QRectF own = rectOf(node);
+    qreal room = 0.0;
+    for (const Node *other : below) {
+        if (rectOf(other).intersects(own))
+            room = std::max(room, own.bottom() + NodePlacement::Gap - rectOf(other).top());
+    }
+    return room;
+}
+
 /// See takeIn(). Nodes that came together stay as they stand to each other.
 void join(Node *node, Node *backdrop, const QSet<Node *> &together)
 {
@@ -211,12 +223,7 @@ void join(Node *node, Node *backdrop, const QSet<Node *> &together)
         for (Node *moved : QList<Node *>{node} + carried)
             Q_EMIT moved->nodePositionedManual(moved, way);
     }
-    const QRectF now = rectOf(node);
-    qreal room = 0.0;
-    for (const Node *below : qAsConst(lower)) {
-        if (rectOf(below).intersects(now))
-            room = std::max(room, now.bottom() + NodePlacement::Gap - rectOf(below).top());
-    }
+    const qreal room = roomFor(node, lower);
     grow(backdrop, [&] {
         stretchBy(backdrop, node);
         if (room <= 0.0)

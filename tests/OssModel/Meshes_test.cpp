@@ -176,6 +176,14 @@ TEST_F(ObjectMeshes, theProjectKeepsTheLastGoodStateAndSaysThatTheFileIsMissing)
     EXPECT_TRUE(OssEvaluationService::instance()->patches(object()).isEmpty());
 }
 
+TEST_F(ObjectMeshes, whatNobodyLookedAtYetIsKeptBySavingAllTheSame)
+{
+    write("mesh.obj", obj(1));
+    object()->setSource(sourceOf(path("mesh.obj")));
+    ASSERT_TRUE(OssProjectManager::instance()->saveProjectAs(path("House.ossa")));
+    EXPECT_EQ(QDir(path("House.ossa/meshes")).entryList(QDir::Files).size(), 1);
+}
+
 TEST_F(ObjectMeshes, aCopyOfUnsavedWorkHasTheKeptMeshToo)
 {
     write("mesh.obj", obj(2));

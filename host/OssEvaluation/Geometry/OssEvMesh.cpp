@@ -67,6 +67,13 @@ std::vector<std::uint32_t> firstOfPlaces(const std::vector<OssEvMesh::Vector3> &
 bool touches(const std::array<OssEvMesh::Vector2, 3> &corners, int column, int row)
 {
     constexpr float Border = 1e-5F;
+    // Most lie inside with all corners.
+    const auto isInside = [column, row](const OssEvMesh::Vector2 &corner) {
+        return corner[0] >= float(column) && corner[0] <= float(column + 1)
+               && corner[1] >= float(row) && corner[1] <= float(row + 1);
+    };
+    if (std::all_of(corners.begin(), corners.end(), isInside))
+        return true;
     const auto side = [](const OssEvMesh::Vector2 &from, const OssEvMesh::Vector2 &to, float x,
                          float y) {
         return (to[0] - from[0]) * (y - from[1]) - (to[1] - from[1]) * (x - from[0]);
@@ -218,18 +225,13 @@ void OssEvMesh::findPatches()
                 high[k] = std::max(high[k], uvs[vertex][k]);
             }
         }
-        const int firstColumn = int(std::floor(low[0] + Border));
-        const int firstRow = int(std::floor(low[1] + Border));
         const int lastColumn = int(std::ceil(high[0] - Border)) - 1;
         const int lastRow = int(std::ceil(high[1] - Border)) - 1;
-        const bool isInOne = firstColumn == lastColumn && firstRow == lastRow;
-        for (int row = firstRow; row <= lastRow; ++row) {
-            for (int column = firstColumn; column <= lastColumn; ++column) {
+        for (int row = int(std::floor(low[1] + Border)); row <= lastRow; ++row) {
+            for (int column = int(std::floor(low[0] + Border)); column <= lastColumn; ++column) {
                 const int patch = OssEvPatch::number(column, row);
-                if (patch == 0)
-                    continue;
-                if (isInOne
-                    || touches({uvs[triangles[i][0]], uvs[triangles[i][1]], uvs[triangles[i][2]]},
+                if (patch != 0
+                    && touches({uvs[triangles[i][0]], uvs[triangles[i][1]], uvs[triangles[i][2]]},
                                column, row))
                     byPatch[patch].push_back(std::int32_t(i));
             }

@@ -22,14 +22,14 @@ constexpr std::size_t MostPlaces = 1'000'000;
 
 struct Row
 {
-    Kind kind;
-    const char *ofAll;
-    const char *ofSome; ///< "%1" stands for the number of faces
+    Kind kind = Kind::NoFaces;
+    const char *ofAll = "";
+    const char *ofSome = ""; ///< "%1" stands for the number of faces
     Help help;
 };
 
 // In the order of the kinds, which is that of their weight.
-const std::array<Row, 8> rows{{
+const std::array<Row, 8> Rows{{
     {Kind::NoFaces,
      "it has no faces",
      "it has no faces",
@@ -67,7 +67,7 @@ const std::array<Row, 8> rows{{
 
 const Row &rowOf(Kind kind)
 {
-    return *std::find_if(rows.begin(), rows.end(),
+    return *std::find_if(Rows.begin(), Rows.end(),
                          [kind](const Row &row) { return row.kind == kind; });
 }
 
@@ -204,6 +204,17 @@ struct Place
     bool isAcross() const { return lastColumn > firstColumn || lastRow > firstRow; }
 };
 
+void addPatches(const Place &place, std::uint32_t triangle,
+                std::vector<std::pair<int, std::uint32_t>> *places)
+{
+    for (int row = place.firstRow; row <= place.lastRow; ++row) {
+        for (int column = place.firstColumn; column <= place.lastColumn; ++column) {
+            if (OssEvPatch::number(column, row) != 0)
+                places->emplace_back(OssEvPatch::number(column, row), triangle);
+        }
+    }
+}
+
 std::size_t countOverlapping(const OssEvMesh &mesh,
                              std::vector<std::pair<int, std::uint32_t>> places)
 {
@@ -225,6 +236,36 @@ std::size_t countOverlapping(const OssEvMesh &mesh,
         cells.take(triangle, corners);
     }
     return std::size_t(std::count(overlapping.begin(), overlapping.end(), true));
+}
+
+/// By kind.
+using Faces = std::array<std::size_t, Rows.size()>;
+
+/// What is wrong with each triangle by itself; the patches that triangles with an area lie in.
+std::vector<std::pair<int, std::uint32_t>> countEach(const OssEvMesh &mesh, Faces *faces)
+{
+    const auto add = [faces](Kind kind, bool isTrue) {
+        (*faces)[std::size_t(kind)] += isTrue ? 1 : 0;
+    };
+    const std::size_t count = mesh.triangles.size();
+    const double enough = leastArea(mesh);
+    std::vector<std::pair<int, std::uint32_t>> places;
+    places.reserve(count);
+    for (std::uint32_t i = 0; i < count; ++i) {
+        const auto &triangle = mesh.triangles[i];
+        const Place place(mesh, triangle);
+        const double size = area(mesh.uvs[triangle[0]], mesh.uvs[triangle[1]],
+                                 mesh.uvs[triangle[2]]);
+        const bool isCollapsed = std::abs(size) < NoArea;
+        add(Kind::OutsidePatches, place.isOutside);
+        add(Kind::AcrossPatches, place.isAcross());
+        add(Kind::Collapsed, isCollapsed && areaInSpace(mesh, triangle) > enough);
+        add(Kind::Flipped, !isCollapsed && size < 0.0);
+        // Faces over very many patches, each of them, are a file that is not meant.
+        if (!isCollapsed && places.size() < 4 * count + MostPlaces)
+            addPatches(place, i, &places);
+    }
+    return places;
 }
 
 } // namespace
@@ -254,36 +295,12 @@ Report OssEvMeshCheck::of(const OssEvMesh &mesh)
         return {finding(Kind::TooManyFaces, count)};
     if (mesh.uvs.empty())
         return {finding(Kind::NoUvs, 0)};
-    std::array<std::size_t, rows.size()> faces{};
-    const auto countOf = [&faces](Kind kind) -> std::size_t & {
-        return faces[std::size_t(kind)];
-    };
-    const double enough = leastArea(mesh);
-    std::vector<std::pair<int, std::uint32_t>> places;
-    places.reserve(count);
-    for (std::uint32_t i = 0; i < count; ++i) {
-        const auto &triangle = mesh.triangles[i];
-        const Place place(mesh, triangle);
-        const double size = area(mesh.uvs[triangle[0]], mesh.uvs[triangle[1]],
-                                 mesh.uvs[triangle[2]]);
-        const bool isCollapsed = std::abs(size) < NoArea;
-        countOf(Kind::OutsidePatches) += place.isOutside ? 1 : 0;
-        countOf(Kind::AcrossPatches) += place.isAcross() ? 1 : 0;
-        countOf(Kind::Collapsed) += isCollapsed && areaInSpace(mesh, triangle) > enough ? 1 : 0;
-        countOf(Kind::Flipped) += !isCollapsed && size < 0.0 ? 1 : 0;
-        // Faces over very many patches, each of them, are a file that is not meant.
-        const bool isSearched = !isCollapsed && places.size() < 4 * count + MostPlaces;
-        for (int row = place.firstRow; row <= place.lastRow && isSearched; ++row) {
-            for (int column = place.firstColumn; column <= place.lastColumn; ++column) {
-                if (OssEvPatch::number(column, row) != 0)
-                    places.emplace_back(OssEvPatch::number(column, row), i);
-            }
-        }
-    }
-    countOf(Kind::Overlapping) = countOverlapping(mesh, std::move(places));
+    Faces faces{};
+    std::vector<std::pair<int, std::uint32_t>> places = countEach(mesh, &faces);
+    faces[std::size_t(Kind::Overlapping)] = countOverlapping(mesh, std::move(places));
     Report report;
-    for (const Row &row : rows) {
-        const std::size_t found = countOf(row.kind);
+    for (const Row &row : Rows) {
+        const std::size_t found = faces[std::size_t(row.kind)];
         if (found > 0)
             report.push_back(finding(row.kind, found == count ? 0 : found));
     }

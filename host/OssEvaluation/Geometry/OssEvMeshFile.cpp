@@ -21,7 +21,6 @@ namespace {
 
 using OssEvMeshFile::Options;
 using OssEvMeshFile::Part;
-using OssEvMeshFile::Reading;
 
 constexpr long long MaximumFileSize = 1LL << 31;
 constexpr double ShareOfLibrary = 0.7; // of the progress

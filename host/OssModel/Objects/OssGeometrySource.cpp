@@ -18,7 +18,7 @@ struct Shape
     std::shared_ptr<const OssEvMesh> (*make)();
 };
 
-const std::array<Shape, 5> table{{
+const std::array<Shape, 5> Table{{
     {"plane", QT_TRANSLATE_NOOP("OssGeometrySource", "Plane"), OssEvShapes::plane},
     {"sphere", QT_TRANSLATE_NOOP("OssGeometrySource", "Sphere"), OssEvShapes::sphere},
     {"cube", QT_TRANSLATE_NOOP("OssGeometrySource", "Cube"), OssEvShapes::cube},
@@ -28,10 +28,10 @@ const std::array<Shape, 5> table{{
 
 const Shape *find(const QString &name)
 {
-    const auto found = std::find_if(table.begin(), table.end(), [&name](const Shape &shape) {
+    const auto found = std::find_if(Table.begin(), Table.end(), [&name](const Shape &shape) {
         return name == QLatin1String(shape.name);
     });
-    return found == table.end() ? nullptr : &*found;
+    return found == Table.end() ? nullptr : &*found;
 }
 
 } // namespace
@@ -39,7 +39,7 @@ const Shape *find(const QString &name)
 QStringList OssGeometrySource::shapes()
 {
     QStringList names;
-    for (const Shape &shape : table)
+    for (const Shape &shape : Table)
         names.append(QLatin1String(shape.name));
     return names;
 }
@@ -65,10 +65,10 @@ std::shared_ptr<const OssEvMesh> OssGeometrySource::builtIn() const
     if (isFile())
         return nullptr;
     // Made once: whoever shows it tells by the mesh whether it is another.
-    static std::array<std::shared_ptr<const OssEvMesh>, table.size()> made;
+    static std::array<std::shared_ptr<const OssEvMesh>, Table.size()> made;
     const Shape *known = find(shape);
-    const Shape &chosen = known ? *known : table.front();
-    std::shared_ptr<const OssEvMesh> &mesh = made[std::size_t(&chosen - table.data())];
+    const Shape &chosen = known ? *known : Table.front();
+    std::shared_ptr<const OssEvMesh> &mesh = made[std::size_t(&chosen - Table.data())];
     if (!mesh)
         mesh = chosen.make();
     return mesh;

@@ -17,6 +17,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QPointer>
 
 namespace {
 
@@ -51,6 +52,22 @@ void keepFilePaths(const OssProject *project, const QString &folder)
             }
         }
     }
+}
+
+/// What was not read yet could not be kept. Handles events meanwhile; false when the project is gone.
+bool readMeshes(OssProject *project)
+{
+    const QPointer<OssProject> still = project;
+    const QList<OssGeoEntity *> entities = project->entities();
+    QVector<OssGeometrySource> sources;
+    for (const OssGeoEntity *entity : entities)
+        sources.append(entity->source());
+    for (const OssGeometrySource &source : qAsConst(sources)) {
+        OssMeshes::instance()->waitFor(source);
+        if (!still)
+            return false;
+    }
+    return true;
 }
 
 OssResult writeElsewhere(OssProject *project, const QString &folder)
@@ -217,6 +234,8 @@ OssResult OssProjectManager::saveProjectAs(const QString &path)
     const OssResult baked = OssCanvasManager::instance()->bakePaint();
     if (!baked)
         return baked;
+    if (!readMeshes(m_project.get()))
+        return OssResult::failure(tr("The project was closed before it was saved"));
     const QString oldName = m_project->name();
     const bool rename = folder != m_project->path();
     if (rename)

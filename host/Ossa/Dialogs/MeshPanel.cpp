@@ -26,11 +26,11 @@ QString text(const std::string &from)
 
 QString patchesInWords(const std::vector<int> &patches)
 {
-    constexpr std::size_t Most = 8;
+    constexpr std::size_t most = 8;
     QStringList numbers;
-    for (std::size_t i = 0; i < std::min(Most, patches.size()); ++i)
+    for (std::size_t i = 0; i < std::min(most, patches.size()); ++i)
         numbers.append(QString::number(patches[i]));
-    if (patches.size() > Most)
+    if (patches.size() > most)
         numbers.append(QStringLiteral("\u2026"));
     return numbers.join(QStringLiteral(", "));
 }
@@ -262,9 +262,9 @@ void MeshPanel::tell()
                             .arg(reading.objects.size())
                             .arg(reading.materials.size())
                             .arg(patches.empty() ? tr("none") : patchesInWords(patches)));
-    constexpr int Most = 6;
-    if (faults.size() > Most)
-        faults = faults.mid(0, Most) << tr("and %1 more").arg(faults.size() - Most);
+    constexpr int most = 6;
+    if (faults.size() > most)
+        faults = faults.mid(0, most) << tr("and %1 more").arg(faults.size() - most);
     m_findings->setText(faults.join(QLatin1Char('\n')));
     m_unwrapNow->setVisible(canUnwrap && !m_source.options.unwraps);
 }

@@ -178,6 +178,17 @@ TEST_F(MeshFiles, nodesPutTheirMeshesAndColorsAndSetsAreRead)
     EXPECT_EQ(reading.uvSets.size(), 2U) << "what could be chosen is told all the same";
 }
 
+TEST_F(MeshFiles, objectsOfOneNameStayTwo)
+{
+    const std::string node = R"({"name":"Leaf","mesh":0},)";
+    std::string twice = sceneText();
+    twice.insert(twice.find(R"({"name":"Leaf")"), node);
+    twice.replace(twice.find(R"("children":[1])"), 14, R"("children":[1,2])");
+    ASSERT_EQ(read("twice.gltf", twice, split(Options::Split::Objects)), "");
+    EXPECT_EQ(partNames(), (std::vector<std::string>{"Leaf", "Leaf 2"}));
+    EXPECT_EQ(reading.faces, 2U);
+}
+
 TEST_F(MeshFiles, otherFormatsAreRead)
 {
     const std::string ply = "ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\n"
@@ -278,10 +289,12 @@ TEST(MeshPolygons, leaveNoHolesWhateverTheirShape)
         {{0, 0, 1}, {0, 3, 1}, {3, 3, 1}, {3, 2, 1}, {1, 2, 1}, {1, 1, 1}, {3, 1, 1}, {3, 0, 1}},
         {{0, 0, 0}, {0, 0, 1}, {0, 1, 1}, {0, 1, 0.5F}, {0, 1, 0}}, // on a line
     };
-    for (const std::vector<Vector3> &shape : shapes) {
+    for (std::size_t turn = 0; turn < 8 * shapes.size(); ++turn) {
+        const std::vector<Vector3> &shape = shapes[turn / 8];
+        const auto first = std::uint32_t(turn % 8); // whichever corner begins
         std::vector<std::uint32_t> corners;
         for (std::uint32_t i = 0; i < shape.size(); ++i)
-            corners.push_back(i);
+            corners.push_back((i + first) % std::uint32_t(shape.size()));
         std::vector<std::array<std::uint32_t, 3>> triangles;
         OssEvPolygons::addTriangles(shape, corners, &triangles);
         ASSERT_EQ(triangles.size(), shape.size() - 2);

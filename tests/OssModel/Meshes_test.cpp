@@ -188,9 +188,11 @@ TEST_F(ObjectMeshes, aCopyOfUnsavedWorkHasTheKeptMeshToo)
 {
     write("mesh.obj", obj(2));
     object()->setSource(sourceOf(path("mesh.obj")));
+    const QByteArray before = m_project->stateHash();
     const OssEvKey key = settled(object()).mesh->key();
     const QString kept = OssMeshes::instance()->keptFile(object()->source(), true);
     ASSERT_TRUE(OssPixelStore::isMeshName(kept));
+    EXPECT_EQ(m_project->stateHash(), before) << "that it was written is no change";
     OssProjectSnapshot snapshot(m_project, {});
     ASSERT_TRUE(snapshot.advance(-1));
     const QByteArray text8 = OssProjectSnapshot::joined(snapshot.takeParts());
@@ -237,12 +239,15 @@ TEST_F(ObjectMeshes, aFileThatChangesIsReadAgainAndWhatIsOtherIsTold)
 TEST_F(ObjectMeshes, readingThatIsStoppedOrWhoseProjectClosesLeavesNothingBehind)
 {
     QByteArray large;
-    for (int i = 0; i < 60; ++i)
+    for (int i = 0; i < 20; ++i)
         large += obj(9);
-    write("large.obj", large);
-    object()->setSource(sourceOf(path("large.obj")));
-    OssMeshes::instance()->look(object()->source());
+    // Files are read one after the other: the one behind cannot be done before it is stopped.
+    for (const char *name : {"first.obj", "second.obj", "large.obj"}) {
+        write(name, large);
+        OssMeshes::instance()->look(sourceOf(path(name)));
+    }
     OssMeshes::instance()->stopReading();
+    object()->setSource(sourceOf(path("large.obj")));
     const OssMeshes::Look stopped = settled(object());
     EXPECT_EQ(stopped.state, State::Missing);
     EXPECT_TRUE(stopped.problem.contains(text("stopped"))) << qPrintable(stopped.problem);

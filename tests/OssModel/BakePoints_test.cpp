@@ -58,6 +58,49 @@ protected:
     OssSnBakePointNode *m_node = nullptr;
 };
 
+TEST_F(BakePoints, aRangeThatNamesNoPatchesIsRefusedWithItsText)
+{
+    m_node->setAttribute(text("limitBake"), true);
+    m_node->setAttribute(text("limitBakeRange"), text("1001-1002,zz"));
+    const OssResult refused = bake(m_node);
+    ASSERT_FALSE(refused);
+    EXPECT_TRUE(refused.error().contains(text("\"1001-1002,zz\" names no patches")))
+        << qPrintable(refused.error());
+    EXPECT_FALSE(m_node->hasBakedResult());
+    m_node->setAttribute(text("limitBakeRange"), text("1001"));
+    EXPECT_TRUE(bake(m_node));
+}
+
+TEST_F(BakePoints, whatHasItsPixelsAndNoSourceIsLeftAlone)
+{
+    ASSERT_TRUE(bake(m_node));
+    m_node->setInputNode(m_node->preferredInputName(), nullptr, {});
+    OssBakeReport report;
+    EXPECT_TRUE(OssShaderNetworkUtils::bakeBakePoints({m_node}, true, true, &report));
+    EXPECT_EQ(report.upToDate, QStringList{text("Bake")});
+    EXPECT_FALSE(OssShaderNetworkUtils::bakeAgain({m_node}, &report)) << "asked for by name";
+    OssSnBakePointNode *empty = bakePoint("Empty");
+    EXPECT_FALSE(bake(empty)) << "it has none";
+}
+
+TEST_F(BakePoints, stoppingWhatHasJustBeenDoneStopsNothing)
+{
+    OssStatusManager *status = OssStatusManager::instance();
+    const auto stopper = QObject::connect(m_node, &OssSnBakePointNode::bakedStateChanged, status,
+                                          [status] { status->cancel(); });
+    OssBakeReport report;
+    EXPECT_TRUE(OssShaderNetworkUtils::bakeBakePoints({m_node}, true, true, &report));
+    EXPECT_FALSE(report.isStopped);
+    EXPECT_EQ(report.baked, QStringList{text("Bake")});
+    paint(Qt::green);
+    OssSnBakePointNode *second = bakePoint("Second");
+    ASSERT_TRUE(wire(m_color, second));
+    EXPECT_FALSE(OssShaderNetworkUtils::bakeBakePoints({m_node, second}, true, true, &report));
+    EXPECT_TRUE(report.isStopped);
+    EXPECT_FALSE(second->hasBakedResult());
+    QObject::disconnect(stopper);
+}
+
 TEST_F(BakePoints, theirStateFollowsTheNetworkAndIsToldWhenItIsAnother)
 {
     QSignalSpy told(m_node, &OssSnBakePointNode::bakedStateChanged);

@@ -4,6 +4,7 @@
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Evaluation/OssBakeProgress.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
+#include "OssModel/Evaluation/OssPatchList.h"
 #include "OssModel/Graph/OssBakeReport.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssGeoImageSet.h"
@@ -82,6 +83,10 @@ OssResult bakeSource(OssSnBakePointNode *node, const std::function<bool(int, int
     OssSnBaseNode *source = node->inputNode(input);
     if (!source)
         return OssResult::failure(tr("nothing is connected"));
+    if (node->limitBake() && OssPatchList::fromText(node->limitBakeRange()).isEmpty())
+        return OssResult::failure(
+            tr("\"%1\" names no patches; they are written like 1001-1004,1011")
+                .arg(node->limitBakeRange()));
     OssUndoManager::AutoMacro macro(tr("Bake %1").arg(node->name()));
     OssImageSet *set = node->needImageSet();
     if (!set)
@@ -154,7 +159,12 @@ OssResult bakeChosen(const QList<OssSnBakePointNode *> &nodes, bool again, const
             fillGeoChannel(node);
         else if (list == &OssBakeReport::baked)
             baked = bakeOne(node, progress.forPart(i, node->name()));
-        report.isStopped = baked.isCancelled() || progress.isStopped();
+        const auto isLeft = [&](const OssSnBakePointNode *one) {
+            return choice(one) == &OssBakeReport::baked;
+        };
+        report.isStopped = baked.isCancelled()
+                           || (progress.isStopped()
+                               && std::any_of(sorted.cbegin() + i + 1, sorted.cend(), isLeft));
         if (baked)
             (report.*list).append(node->name());
         else if (!baked.isCancelled())
@@ -174,6 +184,9 @@ OssResult OssShaderNetworkUtils::bakeBakePoints(const QList<OssSnBakePointNode *
     const Choice choice = [=](const OssSnBakePointNode *node) {
         if (!node->hasBakedResult())
             return bakeEmpty ? &OssBakeReport::baked : &OssBakeReport::neverBaked;
+        // It has its pixels, and nothing that would give others.
+        if (!node->inputNode(node->preferredInputName()))
+            return &OssBakeReport::upToDate;
         return updateOutOfDate && !node->isBakedResultUpToDate() ? &OssBakeReport::baked
                                                                  : &OssBakeReport::upToDate;
     };

@@ -174,6 +174,7 @@ void OssColorEditor::openPicker()
     const QPoint at = mapToGlobal({-size.width() - Beside, -size.height() / 2});
     m_picker->move(qBound(room.left(), at.x(), qMax(room.left(), room.right() - size.width())),
                    qBound(room.top(), at.y(), qMax(room.top(), room.bottom() - size.height())));
+    m_picker->activateWindow(); // so that Escape is its
 }
 
 void OssColorEditor::closed(int result, const OssColor &start, int firstStep)

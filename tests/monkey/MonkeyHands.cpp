@@ -330,7 +330,7 @@ QPoint MonkeyHands::anyPlaceIn(QWidget *widget)
 
 void MonkeyHands::press(int key, Qt::KeyboardModifiers modifiers, const QString &text)
 {
-    QWindow *window = QGuiApplication::focusWindow();
+    const QPointer<QWindow> window = QGuiApplication::focusWindow();
     if (!window)
         return;
     const QWidget *focus = QApplication::focusWidget();
@@ -338,7 +338,8 @@ void MonkeyHands::press(int key, Qt::KeyboardModifiers modifiers, const QString 
                  .arg(QKeySequence(key | int(modifiers)).toString(QKeySequence::PortableText),
                       QLatin1String(focus ? focus->metaObject()->className() : "nothing"));
     qt_handleKeyEvent(window, QEvent::KeyPress, key, modifiers, text);
-    qt_handleKeyEvent(window, QEvent::KeyRelease, key, modifiers, text);
+    if (window) // the key may have closed it
+        qt_handleKeyEvent(window, QEvent::KeyRelease, key, modifiers, text);
 }
 
 void MonkeyHands::useKeyboard()

@@ -24,25 +24,30 @@ namespace {
 /// warning is a fault.
 const char *const Refusals[] = {
     // A command that was chosen while no graph had the focus goes to the one that is shown.
-    "Could not get the current active widget",
-    "Cannot connect: ",
+    "Could not get the current active widget, fallback onto current nodegraph view",
+    // Wires that would make no sense, and inputs that cannot change places.
+    "Cannot connect: \"",
     "Swap Inputs: ",
+    "Connecting a node to the viewer's input 0 is not allowed",
+    // Nothing there that the command is for.
     "Nothing to autoplace.",
+    "The clipboard holds no nodes",
+    "No nodes are selected",
+    "No Bake Point nodes are selected",
+    "No Bake Point nodes found",
+    "No upstream Bake Point nodes found",
+    "No downstream Bake Point nodes found",
+    // Nodes that a network keeps, and those that belong to it alone.
     "is protected and stays",
     "An object has one viewer",
     "Grouping leaves out",
-    "Bake",
+    "do not come along",
+    // What another version of a node's type has not.
     "cannot be converted",
     "has no place any more",
-    "do not come along",
-    "Select the ",
-    "holds no nodes",
-    "Input 0 is reserved",
-    "No nodes are selected",
+    "\", which is gone",
     // How many a search looks through.
     "nodes in the network",
-    // What an upgrade of nodes leaves out.
-    "\", which is gone",
 };
 
 /// The program as it is started, with its plug-in and its window, once for each process.

@@ -204,6 +204,22 @@ TEST_F(OssNgViewTest, pointerHeldAtTheBorderTakesTheNodeAlong)
     release(rest);
 }
 
+TEST_F(OssNgViewTest, aGestureEndsWithTheFirstMoveThatKnowsOfNoButton)
+{
+    for (const QPointF &start : {QPointF(250, 300), QPointF(10, 10)}) {
+        press(start);
+        move(start + QPointF(30, 0));
+        ASSERT_TRUE(view.hasGesture());
+        move(start + QPointF(60, 0), Qt::NoButton); // whoever else got the release
+        EXPECT_FALSE(view.hasGesture());
+        press(start);
+        move(start + QPointF(30, 0));
+        EXPECT_TRUE(view.hasGesture());
+        release(start + QPointF(30, 0));
+        EXPECT_FALSE(view.hasGesture());
+    }
+}
+
 TEST_F(OssNgViewTest, nudgesInARowAreOneUndoStepWithTheBackdropsContents)
 {
     OssUndoManager *history = OssUndoManager::instance();

@@ -211,6 +211,7 @@ private:
     int m_handling =
         0; ///< pointer events that are on their way: what is done then is the gesture's
     Qt::MouseButton m_interrupted = Qt::NoButton; ///< still held
+    bool m_isHeld = false;                        ///< the gesture, by its button: not picked up
     bool m_rightPressTaken = false;               ///< by a gesture: it opens no menu
     QPointF m_pointer;                            ///< viewport pixels, of the gesture's last event
     Qt::MouseButtons m_pointerButtons;

@@ -98,6 +98,12 @@ void OssNgView::interruptGesture()
 /// True for what belongs to a gesture that is over.
 bool OssNgView::handlePointer(const QMouseEvent *event)
 {
+    // The release went to somebody else.
+    if (event->type() == QEvent::MouseMove && m_isHeld && m_gesture
+        && !(event->buttons() & m_gesture->button())) {
+        interruptGesture();
+        m_interrupted = Qt::NoButton;
+    }
     const bool press = event->type() == QEvent::MouseButtonPress
                        || event->type() == QEvent::MouseButtonDblClick;
     if (press) {
@@ -132,6 +138,7 @@ void OssNgView::mousePressEvent(QMouseEvent *event)
     const bool alone = !(event->buttons() & ~event->button());
     if (auto gesture = alone ? gestureFor(event) : nullptr) {
         startGesture(std::move(gesture));
+        m_isHeld = true;
     } else if (event->button() == Qt::RightButton) {
         selectForMenu(toScene(event->localPos()));
         event->ignore();

@@ -220,5 +220,6 @@ void OssNgView::pickUpEdge()
     if (!edge || !edge->isFullConnected() || edge->isVirtual())
         return;
     startGesture(edgeFromWire(position, edge));
+    m_isHeld = false;
     // Without a pressed button the next click drops it.
 }

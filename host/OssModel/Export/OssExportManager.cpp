@@ -44,7 +44,9 @@ OssResult OssExportManager::begin(const OssExportPlan &plan, const OssExportJob:
     m_project = OssProjectManager::instance()->currentProject();
     m_job = std::make_unique<OssExportJob>(plan, known);
     connect(m_job.get(), &OssExportJob::finished, this, &OssExportManager::end);
+    m_isBeginning = true;
     m_job->start();
+    m_isBeginning = false;
     Q_EMIT jobChanged();
     return {};
 }

@@ -28,7 +28,7 @@ public:
     OssResult run(const OssExportPlan &plan,
                   const std::function<bool(const OssExportJob &)> &onProgress);
 
-    bool isRunning() const { return m_job && m_job->isRunning(); }
+    bool isRunning() const { return m_isBeginning || (m_job && m_job->isRunning()); }
 
     /// The one that runs or ran last, of whatever project; null before the first.
     OssExportJob *job() const { return m_job.get(); }
@@ -62,5 +62,6 @@ private:
     QPointer<OssProject> m_project; ///< that was exported last
     OssExportJob::Keys m_keys;      ///< of files written by exports with these choices
     bool m_isWatching = false;
+    bool m_isBeginning = false; ///< fresh paint is settled then, and events are handled
     QTimer m_rest;
 };

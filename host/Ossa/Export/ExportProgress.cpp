@@ -30,6 +30,7 @@ ExportProgress::ExportProgress(QWidget *parent)
     , m_pause(new QToolButton(this))
     , m_stop(new QToolButton(this))
 {
+    m_text->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     m_bar->setRange(0, Whole);
     m_bar->setTextVisible(false);
     m_bar->setFixedWidth(BarWidth);

@@ -60,10 +60,15 @@ Node *innermost(const Node *node, const std::function<bool(const QRectF &)> &acc
     return found;
 }
 
+/// Of backdrops that lie over each other and not in each other, the one that holds the node keeps it.
 Node *holderOf(const Node *node)
 {
     const QRectF own = rectOf(node);
-    return innermost(node, [own](const QRectF &area) { return area.contains(own); });
+    Node *found = innermost(node, [own](const QRectF &area) { return area.contains(own); });
+    Node *holder = node->container();
+    const QRectF area = rectOf(holder);
+    const bool keeps = found && area.contains(own) && area != own && !area.contains(rectOf(found));
+    return keeps ? holder : found;
 }
 
 Node *backdropUnder(const Node *node)
@@ -327,13 +332,21 @@ void Backdrops::settle(QVector<Placed> placed)
     std::stable_sort(placed.begin(), placed.end(),
                      [](const Placed &a, const Placed &b) { return isHigher(a.node, b.node); });
     QSet<Node *> together;
-    for (const Placed &one : qAsConst(placed)) {
+    for (const Placed &one : qAsConst(placed))
         together.insert(one.node);
-        refreshMembership(one.node);
+    // What came along with its backdrop stays in it.
+    const auto isCarried = [&together](const Placed &one) {
+        return together.contains(one.before) && rectOf(one.before).contains(rectOf(one.node));
+    };
+    for (const Placed &one : qAsConst(placed)) {
+        if (isCarried(one))
+            putInto(one.node, one.before);
     }
+    for (const Placed &one : qAsConst(placed))
+        refreshMembership(one.node);
     for (const Placed &one : qAsConst(placed)) {
         Node *backdrop = backdropUnder(one.node);
-        if (!backdrop)
+        if (!backdrop || isCarried(one))
             continue;
         if (backdrop != one.before)
             join(one.node, backdrop, together);

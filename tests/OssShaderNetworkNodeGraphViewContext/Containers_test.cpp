@@ -355,6 +355,21 @@ TEST_F(BackdropsTest, aBackdropCarriesItsMembersAndTheyStayItsOwn)
     expectOneStepBack("Resize backdrop");
 }
 
+TEST_F(BackdropsTest, aBackdropDraggedOverASmallerOneKeepsItsMembers)
+{
+    for (const bool isSaid : {true, false}) {
+        addArea({490, 290, 250, 200}, "Small");
+        m_inside->setContainer(isSaid ? m_area : nullptr);
+        mark();
+        dragTo(m_area, {460, 240});
+        EXPECT_EQ(m_inside->container(), m_area) << isSaid;
+        expectOneStepBack("Move multiple (2) nodes");
+        dragTo(m_area, {0, 300});
+        EXPECT_EQ(itemOf(m_inside)->pos(), QPointF(40, 360));
+        dragTo(m_area, {0, 0});
+    }
+}
+
 TEST_F(BackdropsTest, aNodeMadeInABackdropOrWiredNearAMemberJoinsIt)
 {
     OssSnBaseNode *made = m_view->createNodeAt(text("Filter/Blur"), at({180, 150}));

@@ -22,12 +22,15 @@
 #include <QDir>
 #include <QDoubleSpinBox>
 #include <QFileInfo>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QSplitter>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace {
 
@@ -176,6 +179,10 @@ TEST_F(Viewing, beginsAnewOnlyForAnotherPicture)
     m_source->setResolution(256);
     QTest::qWait(300);
     EXPECT_TRUE(began.isEmpty());
+    const QList<QLabel *> labels = m_panel->findChildren<QLabel *>();
+    EXPECT_TRUE(std::any_of(labels.cbegin(), labels.cend(), [](const QLabel *label) {
+        return label->text() == text("Renamed");
+    })) << "the picture is the same, its name is not";
     m_source->refresh();
     EXPECT_TRUE(began.wait(20000)) << "but when it is asked for";
 }

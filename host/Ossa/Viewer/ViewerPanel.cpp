@@ -113,8 +113,7 @@ void ViewerPanel::follow()
 {
     connect(m_source, &ViewerSource::began, this,
             [this](const QList<int> &patches, const QString &node, const QString &problem) {
-                m_name->setText(node);
-                m_view->setShownName(node);
+                showName(node);
                 followPaint();
                 m_pictures->begin(patches, m_source->resolution(), problem);
                 const OssGeoEntity *entity = m_source->entity();
@@ -125,6 +124,7 @@ void ViewerPanel::follow()
                 m_progress->hide();
                 m_sinceBegin.start();
             });
+    connect(m_source, &ViewerSource::renamed, this, &ViewerPanel::showName);
     connect(m_source, &ViewerSource::tileArrived, m_pictures, &ViewerPictures::setTile);
     connect(m_source, &ViewerSource::progressed, this, &ViewerPanel::showProgress);
     connect(m_view, &UvView::focusMoved, m_source, &ViewerSource::setFocus);
@@ -152,6 +152,12 @@ void ViewerPanel::follow()
     m_light->setChecked(m_object->isLit());
     connect(m_light, &QToolButton::toggled, m_object, &ObjectView::setLit);
     connect(m_object, &ObjectView::litChanged, m_light, &QToolButton::setChecked);
+}
+
+void ViewerPanel::showName(const QString &node)
+{
+    m_name->setText(node);
+    m_view->setShownName(node);
 }
 
 void ViewerPanel::showProgress(int thousandths, const QString &pass)

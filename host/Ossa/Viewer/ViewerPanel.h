@@ -43,6 +43,7 @@ private:
     QWidget *makeFoot();
     void addModes(QHBoxLayout *bar);
     void follow();
+    void showName(const QString &node);
     void showProgress(int thousandths, const QString &pass);
     void setMode(Mode mode);
     void setPainting(bool on);

@@ -139,9 +139,13 @@ void ViewerSource::look()
         return;
     m_dirty = false;
     const QString key = OssSnResultKey::of(now.node, now.outputPoint);
-    if (!other && key == m_shown.key && !key.isEmpty())
+    if (!other && key == m_shown.key && !key.isEmpty()) {
+        if (m_toldName != shownName())
+            Q_EMIT renamed(m_toldName = shownName());
         return;
+    }
     m_shown = {now.node, now.outputPoint, key, isSolo};
+    m_toldName = shownName();
     start(network ? network->geoEntity() : nullptr);
 }
 

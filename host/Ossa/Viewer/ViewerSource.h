@@ -59,6 +59,8 @@ Q_SIGNALS:
     /// Another picture begins: these patches will come. `node` is what it is of; `problem` says why
     /// nothing will come, in words.
     void began(const QList<int> &patches, const QString &node, const QString &problem);
+    /// The node that the picture is of has another name; the picture is the same.
+    void renamed(const QString &node);
     /// In texels of the patch at that resolution, which for the coarse picture is a lower one; from
     /// the top.
     void tileArrived(int patch, int resolution, const QPoint &place, const QImage &picture,
@@ -112,7 +114,8 @@ private:
     int m_coarseLeft = 0; ///< coarse patches that have not come yet
     int m_fineLeft = 0;
     int m_patches = 0;
-    int m_told = 0; ///< thousandths
+    QString m_toldName; ///< of the node, as users know it
+    int m_told = 0;     ///< thousandths
     QElapsedTimer m_sinceStart;
     std::function<void()> m_startFine;
     std::unique_ptr<QObject> m_follower; ///< receiver of the connections to the sources

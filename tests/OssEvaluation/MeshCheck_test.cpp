@@ -113,6 +113,10 @@ TEST(MeshCheck, saysWhatToDo)
     EXPECT_NE(words.find("2 faces lie outside the UDIM patches"), std::string::npos) << words;
     EXPECT_NE(words.find("unwrap automatically"), std::string::npos) << words;
     EXPECT_FALSE(OssEvMeshCheck::isUseless(OssEvMeshCheck::of(*twoSquares(0.3F, 0.1F))));
+    for (int kind = int(Kind::NoUvs); kind <= int(Kind::Flipped); ++kind) {
+        const std::string one = OssEvMeshCheck::finding(Kind(kind), 1).text;
+        EXPECT_EQ(one.rfind("1 face ", 0), 0U) << one;
+    }
 }
 
 void expectUnwrapped(const std::shared_ptr<OssEvMesh> &mesh, const char *what)

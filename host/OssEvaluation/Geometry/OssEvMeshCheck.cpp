@@ -24,6 +24,7 @@ struct Row
 {
     Kind kind = Kind::NoFaces;
     const char *ofAll = "";
+    const char *ofOne = "";
     const char *ofSome = ""; ///< "%1" stands for the number of faces
     Help help;
 };
@@ -33,34 +34,42 @@ const std::array<Row, 8> Rows{{
     {Kind::NoFaces,
      "it has no faces",
      "it has no faces",
+     "it has no faces",
      {false, false, true, "export polygons, not only curves, points or lights"}},
     {Kind::TooManyFaces,
+     "it has more than 10 million faces",
      "it has more than 10 million faces",
      "it has %1 faces, and 10 million are the limit",
      {false, false, true, "split it into several objects or reduce it"}},
     {Kind::NoUvs,
      "it has no texture coordinates",
+     "1 face has no texture coordinates",
      "%1 faces have no texture coordinates",
      {true, true, true, "unwrap it automatically or choose another UV set"}},
     {Kind::OutsidePatches,
      "its texture coordinates lie outside the UDIM patches",
+     "1 face lies outside the UDIM patches with its texture coordinates",
      "%1 faces lie outside the UDIM patches with their texture coordinates",
      {true, true, true,
       "move them into the patches from 1001 on, choose another UV set or unwrap automatically"}},
     {Kind::Overlapping,
      "all faces overlap in the texture",
+     "1 face overlaps another in the texture and shares its paint",
      "%1 faces overlap others in the texture and share their paint",
      {true, true, false, "lay them apart where they shall differ, or unwrap automatically"}},
     {Kind::Collapsed,
      "no face has an area in the texture",
-     "%1 faces have no area in the texture and show a single colour",
+     "1 face has no area in the texture and shows a single color",
+     "%1 faces have no area in the texture and show a single color",
      {true, true, false, "unwrap these faces or unwrap automatically"}},
     {Kind::AcrossPatches,
      "all faces reach across the edge of a patch",
+     "1 face reaches across the edge of a patch, where filters do not go on",
      "%1 faces reach across the edge of a patch, where filters do not go on",
      {true, true, false, "move their charts into one patch each"}},
     {Kind::Flipped,
      "all faces lie mirrored in the texture",
+     "1 face lies mirrored in the texture: text and normal maps turn round on it",
      "%1 faces lie mirrored in the texture: text and normal maps turn round on them",
      {true, true, false, "flip their charts where that matters"}},
 }};
@@ -279,7 +288,8 @@ Finding OssEvMeshCheck::finding(Kind kind, std::size_t faces, const std::string 
 {
     if (!text.empty())
         return {kind, faces, text};
-    std::string words = faces == 0 ? rowOf(kind).ofAll : rowOf(kind).ofSome;
+    const Row &row = rowOf(kind);
+    std::string words = faces == 0 ? row.ofAll : faces == 1 ? row.ofOne : row.ofSome;
     const std::size_t number = words.find("%1");
     if (number != std::string::npos)
         words.replace(number, 2, std::to_string(faces));

@@ -124,6 +124,8 @@ TEST(CommandLineParsing, newTakesMeshesAndHowTheyAreUnderstood)
     EXPECT_EQ(line.fresh.resolution, 4096);
     for (const char *wrong : {"--shape=ring", "--split=faces", "--up=x", "--resolution=1000"})
         EXPECT_EQ(parse({"new", "wall.ossa", wrong}).exitCode, ExitCode::Usage) << wrong;
+    EXPECT_EQ(parse({"new", "wall.ossa", "--mesh=a.obj", "--shape=cube"}).exitCode, ExitCode::Usage)
+        << "one of them would be left out";
 }
 
 TEST_F(Headless, aNewProjectHasItsMeshesAndWhatIsMissingLaterIsAFailure)

@@ -181,15 +181,15 @@ private:
     {
         CLI::App *fresh = m_app.add_subcommand("new", "Make a project, without a window");
         fresh->add_option("PROJECT", m_project, "Project folder to make (NAME.ossa)")->required();
-        fresh
-            ->add_option("--mesh", m_meshes,
-                         "Mesh file that is textured; may be given several times")
-            ->take_all();
+        CLI::Option *meshes = fresh->add_option(
+            "--mesh", m_meshes, "Mesh file that is textured; may be given several times");
+        meshes->take_all();
         std::vector<std::string> shapes;
         for (const QString &shape : OssGeometrySource::shapes())
             shapes.push_back(shape.toStdString());
         fresh->add_option("--shape", m_shape, "Where no mesh is given")
-            ->check(CLI::IsMember(shapes));
+            ->check(CLI::IsMember(shapes))
+            ->excludes(meshes);
         fresh->add_option("--split", m_split, "What of a mesh file becomes an object of its own")
             ->check(CLI::IsMember({"one", "objects", "materials"}));
         fresh->add_option("--uv-set", m_uvSet, "By name; the first when not given");

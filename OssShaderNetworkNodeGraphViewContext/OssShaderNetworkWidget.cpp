@@ -94,13 +94,24 @@ void OssSnNodeGraphWidget::hideTab(int Index)
 
 void OssSnNodeGraphWidget::updateRootLevelText(OssShaderNetwork *Network)
 {
+    disconnect(m_rootNamed);
     if (widget(0) != m_rootView)
         return;
     const OssGeoEntity *entity = Network ? Network->geoEntity() : nullptr;
-    const QString name = entity ? entity->name() : QString();
-    const QString prefix = entity ? shortened(name) + QStringLiteral(" - ") : QString();
-    setTabText(0, OssMenu::asTyped(prefix) + QStringLiteral("Root"));
-    setTabToolTip(0, name);
+    const auto show = [this](const QString &name, const QString &prefix) {
+        setTabText(0, OssMenu::asTyped(prefix) + QStringLiteral("Root"));
+        setTabToolTip(0, name);
+    };
+    if (!entity) {
+        show({}, {});
+        return;
+    }
+    const auto showName = [this, show](const QString &name) {
+        if (widget(0) == m_rootView)
+            show(name, shortened(name) + QStringLiteral(" - "));
+    };
+    showName(entity->name());
+    m_rootNamed = connect(entity, &OssGeoEntity::nameChanged, this, showName);
 }
 
 void OssSnNodeGraphWidget::setNavigationControlType(QString ControlType)

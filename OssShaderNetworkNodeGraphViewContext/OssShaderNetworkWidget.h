@@ -37,6 +37,7 @@ public:
 
 public Q_SLOTS:
     void hideTab(int Index);
+    /// Goes on following the name of the network's object.
     void updateRootLevelText(OssShaderNetwork *Network);
     void setNavigationControlType(QString ControlType);
     void showGroupNodeSubgraph(const OssSnGroupNode *GroupNode);
@@ -54,6 +55,7 @@ private:
 
     OssShaderNetworkView *m_rootView;
     QString m_navigationControlType;
+    QMetaObject::Connection m_rootNamed; ///< the object after which the first tab is named
 };
 
 /// Body of the "Node Properties" palette: the panels of the nodes that were opened, the newest on

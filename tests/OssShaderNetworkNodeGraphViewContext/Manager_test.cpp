@@ -407,9 +407,13 @@ TEST_F(ManagerTest, rootTabIsNamedAfterItsObject)
     EXPECT_EQ(widget->tabText(0), QString(20, QLatin1Char('a')) + text("...")
                                       + QString(20, QLatin1Char('b')) + text(" - Root"));
     EXPECT_EQ(widget->tabToolTip(0), longName);
+    entity->setName(text("Wood"));
+    EXPECT_EQ(widget->tabText(0), text("Wood - Root")) << "renamed while it is shown";
     OssShaderNetwork alone;
     widget->updateRootLevelText(&alone);
     EXPECT_EQ(widget->tabText(0), text("Root"));
+    entity->setName(text("Metal"));
+    EXPECT_EQ(widget->tabText(0), text("Root")) << "another network is shown";
     widget->updateRootLevelText(nullptr);
     EXPECT_EQ(widget->tabText(0), text("Root"));
     for (const auto side : {QTabBar::LeftSide, QTabBar::RightSide}) {

@@ -16,4 +16,5 @@ void OssEntity::setName(const QString &name)
         return;
     m_name = name;
     OssUndoManager::instance()->resetClean();
+    Q_EMIT nameChanged(name);
 }

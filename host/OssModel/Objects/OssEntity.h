@@ -17,6 +17,9 @@ public:
     /// No step, but the project counts as modified.
     void setName(const QString &name);
 
+Q_SIGNALS:
+    void nameChanged(const QString &name);
+
 private:
     QString m_name;
 };

@@ -239,6 +239,9 @@ TEST_F(Export, plansSayWhatIsWrittenOtherwiseAndWhatCannotBe)
     m_options.materials = QStringList{text("plane/Door")};
     EXPECT_EQ(plan(each).error(), text("There is no material \"plane/Door\""));
     m_options.materials.clear();
+    m_options.channels = QStringList{text("Metallic"), text("Roughnes")};
+    EXPECT_EQ(plan(each).error(), text("No material has a channel \"Roughnes\""));
+    m_options.channels.clear();
 
     ASSERT_TRUE(plan(presetOf("<File Name='$material' Format='jpg'><Channel To='RGB' From='Glow' "
                               "Default='0.5'/><Channel To='A' From='Opacity'/></File>")));

@@ -142,14 +142,19 @@ private:
                 tr("There is no material to export: connect something to a shader, such as "
                    "Shaders/Standard Surface"));
         QStringList missing = m_options.materials;
+        QStringList unknown = m_options.channels;
         for (const OssExportMaterial &material : all) {
             missing.removeAll(material.path());
+            for (const OssExportMaterial::Channel &channel : material.channels)
+                unknown.removeAll(channel.name);
             if (m_options.materials.isEmpty() || m_options.materials.contains(material.path()))
                 m_materials.append(material);
         }
-        return missing.isEmpty()
-                   ? OssResult()
-                   : OssResult::failure(tr("There is no material \"%1\"").arg(missing.first()));
+        if (!missing.isEmpty())
+            return OssResult::failure(tr("There is no material \"%1\"").arg(missing.first()));
+        return unknown.isEmpty() ? OssResult()
+                                 : OssResult::failure(
+                                     tr("No material has a channel \"%1\"").arg(unknown.first()));
     }
 
     OssResult addMaterial(const OssExportMaterial &material)

@@ -4,8 +4,8 @@
 #include "OssModel/Evaluation/OssDependencyMarks.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Evaluation/OssSolo.h"
-#include "OssModel/Export/OssExportManager.h"
 #include "OssModel/Evaluation/OssViewedNode.h"
+#include "OssModel/Export/OssExportManager.h"
 #include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Images/OssFileWatch.h"
@@ -20,8 +20,8 @@
 #include "OssModel/Nodes/OssSnNodeClasses.h"
 #include "OssModel/Nodes/OssSnTeleportNodeManager.h"
 #include "OssModel/Objects/OssCanvasManager.h"
-#include "OssModel/Project/OssNodeTypeWatch.h"
 #include "OssModel/Objects/OssMeshes.h"
+#include "OssModel/Project/OssNodeTypeWatch.h"
 #include "OssModel/Project/OssProjectManager.h"
 
 struct OssModelServices::Services

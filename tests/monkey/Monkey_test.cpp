@@ -46,6 +46,8 @@ const char *const Refusals[] = {
     "cannot be converted",
     "has no place any more",
     "\", which is gone",
+    // A node of the old plaster that cannot be computed, in files that somebody exports of it.
+    "Lumps\": it has no input \"Coordinates\"",
     // How many a search looks through.
     "nodes in the network",
 };

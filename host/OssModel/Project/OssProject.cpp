@@ -9,8 +9,8 @@
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Images/OssImage.h"
 #include "OssModel/Objects/OssImageSet.h"
-#include "OssModel/Project/OssProjectManager.h"
 #include "OssModel/Objects/OssMeshes.h"
+#include "OssModel/Project/OssProjectManager.h"
 
 #include <QBuffer>
 #include <QCryptographicHash>

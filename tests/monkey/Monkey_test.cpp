@@ -8,6 +8,7 @@
 #include "Ossa/Window/HostPalettes.h"
 #include "Ossa/Window/MainWindow.h"
 #include "OssCore/Program/OssResourceInfo.h"
+#include "OssModel/Export/OssExportManager.h"
 #include "OssModel/Project/OssProjectManager.h"
 #include "support/ExpectedLog.h"
 
@@ -15,6 +16,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QTest>
 
 #include <deque>
 
@@ -90,9 +92,20 @@ protected:
         for (int done = 0; done < events && !HasFailure(); done += Round) {
             Monkey monkey(seed++, path);
             monkey.play(qMin(Round, events - done));
+            endExport();
             std::printf("%s: %d events\n", qPrintable(example), qMin(done + Round, events));
             std::fflush(stdout);
         }
+    }
+
+    /// One that goes on would miss its folder, which goes with the example.
+    static void endExport()
+    {
+        OssExportManager *exports = OssExportManager::instance();
+        exports->setWatching(false);
+        if (exports->isRunning())
+            exports->job()->cancel();
+        EXPECT_TRUE(QTest::qWaitFor([exports] { return !exports->isRunning(); }, 30000));
     }
 
     static int number(const char *name, int otherwise)

@@ -36,14 +36,14 @@
 
 namespace {
 
-constexpr int PlansAfter = 250; ///< milliseconds without a change
-constexpr int ListHeight = 84;
-constexpr int ChoicesWidth = 300;
-constexpr int LargestPadding = 64;
-constexpr int LargestVersion = 9999;
-const QString FirstPreset = QStringLiteral("One File per Channel");
-const QString ResolutionKey = QStringLiteral("Export/Resolution");
-const QString PathKey = QStringLiteral("ExportTextures");
+constexpr int plansAfter = 250; ///< milliseconds without a change
+constexpr int listHeight = 84;
+constexpr int choicesWidth = 300;
+constexpr int largestPadding = 64;
+constexpr int largestVersion = 9999;
+const QString firstPreset = QStringLiteral("One File per Channel");
+const QString resolutionKey = QStringLiteral("Export/Resolution");
+const QString pathKey = QStringLiteral("ExportTextures");
 
 /// Where the project's textures went last.
 QString folderKey(const OssProject *project)
@@ -120,13 +120,13 @@ ExportPanel::ExportPanel(QWidget *parent)
     splitter->addWidget(makeChoices());
     splitter->addWidget(makeFiles());
     splitter->setStretchFactor(1, 1);
-    splitter->setSizes({ChoicesWidth, 2 * ChoicesWidth});
+    splitter->setSizes({choicesWidth, 2 * choicesWidth});
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(8, 8, 8, 8);
     layout->addWidget(splitter);
 
     m_rest.setSingleShot(true);
-    m_rest.setInterval(PlansAfter);
+    m_rest.setInterval(plansAfter);
     connect(&m_rest, &QTimer::timeout, this, &ExportPanel::plan);
     connect(OssUndoManager::instance(), &OssUndoManager::changed, this, &ExportPanel::planSoon);
     connect(OssMeshes::instance(), &OssMeshes::changed, this, &ExportPanel::planSoon);
@@ -178,16 +178,16 @@ void ExportPanel::makeFields(QFormLayout *form)
     for (int size = 256; size <= 16384; size *= 2)
         m_resolution->addItem(QString::number(size), size);
     m_resolution->setToolTip(tr("Width and height of a patch, where the preset does not say"));
-    m_padding->setRange(OssExportOptions::EndlessPadding, LargestPadding);
+    m_padding->setRange(OssExportOptions::EndlessPadding, largestPadding);
     m_padding->setSpecialValueText(tr("Everything"));
     m_padding->setSuffix(tr(" px"));
     m_padding->setToolTip(tr("How far colors go on beyond the mesh's charts"));
-    m_version->setRange(0, LargestVersion);
+    m_version->setRange(0, largestVersion);
     m_version->setToolTip(tr("What $version in names stands for"));
     m_patches->setPlaceholderText(tr("All, or such as 1001-1004,1011"));
     m_constants->setToolTip(tr("Also write files for channels to which nothing is connected"));
-    m_materials->setFixedHeight(ListHeight);
-    m_channels->setFixedHeight(ListHeight);
+    m_materials->setFixedHeight(listHeight);
+    m_channels->setFixedHeight(listHeight);
     m_materials->setAccessibleName(tr("Materials"));
     m_channels->setAccessibleName(tr("Channels"));
     form->addRow(tr("Preset"), beside(m_preset, m_presetMenu));
@@ -288,7 +288,7 @@ void ExportPanel::restoreChoices()
     };
     m_preset->setCurrentIndex(
         std::max(0, m_preset->findText(
-                        settings.value(QStringLiteral("Export/Preset"), FirstPreset).toString())));
+                        settings.value(QStringLiteral("Export/Preset"), firstPreset).toString())));
     m_resolution->setCurrentIndex(std::max(0, m_resolution->findData(lastResolution())));
     m_padding->setValue(value("Padding", OssExportOptions::UsualPadding));
     m_version->setValue(value("Version", 1));
@@ -297,14 +297,14 @@ void ExportPanel::restoreChoices()
 
 int ExportPanel::lastResolution()
 {
-    return OssSettings().value(ResolutionKey, OssExportOptions::UsualResolution).toInt();
+    return OssSettings().value(resolutionKey, OssExportOptions::UsualResolution).toInt();
 }
 
 void ExportPanel::keepChoices() const
 {
     OssSettings settings;
     settings.setValue(QStringLiteral("Export/Preset"), m_preset->currentText());
-    settings.setValue(ResolutionKey, m_resolution->currentData());
+    settings.setValue(resolutionKey, m_resolution->currentData());
     settings.setValue(QStringLiteral("Export/Padding"), m_padding->value());
     settings.setValue(QStringLiteral("Export/Version"), m_version->value());
     settings.setValue(QStringLiteral("Export/Constants"), m_constants->isChecked() ? 1 : 0);
@@ -419,7 +419,7 @@ void ExportPanel::showState()
 
 void ExportPanel::browse()
 {
-    const QString folder = OssFileDialog::getExistingDirectory(tr("Folder for Textures"), PathKey,
+    const QString folder = OssFileDialog::getExistingDirectory(tr("Folder for Textures"), pathKey,
                                                                this);
     if (!folder.isEmpty())
         m_folder->setText(folder);

@@ -10,8 +10,8 @@
 
 namespace {
 
-constexpr int BarWidth = 140;
-constexpr int Whole = 1000;
+constexpr int barWidth = 140;
+constexpr int whole = 1000;
 
 QString timeText(int seconds)
 {
@@ -31,9 +31,9 @@ ExportProgress::ExportProgress(QWidget *parent)
     , m_stop(new QToolButton(this))
 {
     m_text->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    m_bar->setRange(0, Whole);
+    m_bar->setRange(0, whole);
     m_bar->setTextVisible(false);
-    m_bar->setFixedWidth(BarWidth);
+    m_bar->setFixedWidth(barWidth);
     m_bar->setAccessibleName(tr("Progress of the export"));
     m_pause->setText(tr("Pause"));
     m_pause->setCheckable(true);

@@ -19,13 +19,13 @@
 
 namespace {
 
-constexpr int NodeRole = Qt::UserRole;
-constexpr int NetworkRole = Qt::UserRole + 1; ///< of an object
-constexpr int NodeWidth = 180;
+constexpr int nodeRole = Qt::UserRole;
+constexpr int networkRole = Qt::UserRole + 1; ///< of an object
+constexpr int nodeWidth = 180;
 
 OssSnBaseNode *nodeOf(const QTreeWidgetItem *row)
 {
-    return row ? row->data(0, NodeRole).value<QPointer<OssSnBaseNode>>().data() : nullptr;
+    return row ? row->data(0, nodeRole).value<QPointer<OssSnBaseNode>>().data() : nullptr;
 }
 
 } // namespace
@@ -43,7 +43,7 @@ ProblemsPanel::ProblemsPanel(QWidget *parent)
     m_list->setUniformRowHeights(true);
     m_list->setAllColumnsShowFocus(true);
     m_list->setAccessibleName(tr("Problems"));
-    m_list->header()->resizeSection(0, NodeWidth);
+    m_list->header()->resizeSection(0, nodeWidth);
     connect(m_list, &QTreeWidget::itemActivated, this, &ProblemsPanel::show);
     m_none->setObjectName(QStringLiteral("Muted"));
     m_none->setAlignment(Qt::AlignCenter);
@@ -74,7 +74,7 @@ void ProblemsPanel::refresh()
         row->setToolTip(0, tr("An object of the project"));
         row->setText(1, QString(trouble.text).replace(QLatin1Char('\n'), QLatin1String("; ")));
         row->setToolTip(1, trouble.text);
-        row->setData(0, NetworkRole,
+        row->setData(0, networkRole,
                      QVariant::fromValue(QPointer<OssShaderNetwork>(
                          trouble.entity->shadingGroups().first()->network())));
     }
@@ -84,7 +84,7 @@ void ProblemsPanel::refresh()
         row->setToolTip(0, problem.path);
         row->setText(1, QString(problem.reason).replace(QLatin1Char('\n'), QLatin1String("; ")));
         row->setToolTip(1, problem.reason);
-        row->setData(0, NodeRole, QVariant::fromValue(QPointer<OssSnBaseNode>(problem.node)));
+        row->setData(0, nodeRole, QVariant::fromValue(QPointer<OssSnBaseNode>(problem.node)));
         if (problem.node == current)
             m_list->setCurrentItem(row);
     }
@@ -98,7 +98,7 @@ void ProblemsPanel::show(const QTreeWidgetItem *row)
     OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
     if (!row)
         return;
-    if (OssShaderNetwork *ofObject = row->data(0, NetworkRole).value<QPointer<OssShaderNetwork>>())
+    if (OssShaderNetwork *ofObject = row->data(0, networkRole).value<QPointer<OssShaderNetwork>>())
         networks->setCurrentShaderNetwork(ofObject);
     networks->goToNode(nodeOf(row));
 }

@@ -192,9 +192,9 @@ void PaletteDocks::saveLayout() const
 void PaletteDocks::resetLayout()
 {
     // What holds a title goes on moving its dock, which may be another's by then.
-    constexpr int Pause = 50; // milliseconds
+    constexpr int pause = 50; // milliseconds
     if (QGuiApplication::mouseButtons() != Qt::NoButton) {
-        QTimer::singleShot(Pause, this, &PaletteDocks::resetLayout);
+        QTimer::singleShot(pause, this, &PaletteDocks::resetLayout);
         return;
     }
     m_state.clear();

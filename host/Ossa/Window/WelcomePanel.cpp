@@ -16,9 +16,9 @@
 
 namespace {
 
-constexpr int PathRole = Qt::UserRole;
-constexpr int MostWidth = 760;
-constexpr int MostHeight = 460;
+constexpr int pathRole = Qt::UserRole;
+constexpr int mostWidth = 760;
+constexpr int mostHeight = 460;
 constexpr QSize PictureSize(64, 40);
 
 void addRow(QListWidget *list, const QString &path, const QString &explanation, const QIcon &icon)
@@ -26,7 +26,7 @@ void addRow(QListWidget *list, const QString &path, const QString &explanation, 
     const QString name = QFileInfo(path).completeBaseName();
     auto *row = new QListWidgetItem(
         icon, explanation.isEmpty() ? name : name + QLatin1Char('\n') + explanation, list);
-    row->setData(PathRole, path);
+    row->setData(pathRole, path);
     row->setToolTip(QDir::toNativeSeparators(path));
 }
 
@@ -58,7 +58,7 @@ WelcomePanel::WelcomePanel(QWidget *parent)
     lists->addLayout(examples, 2);
 
     auto *column = new QWidget(this);
-    column->setMaximumSize(MostWidth, MostHeight);
+    column->setMaximumSize(mostWidth, mostHeight);
     auto *layout = new QVBoxLayout(column);
     layout->setSpacing(10);
     layout->addWidget(title);
@@ -126,7 +126,7 @@ QListWidget *WelcomePanel::firstList() const
 
 void WelcomePanel::choose(const QListWidgetItem *row)
 {
-    const QString path = row->data(PathRole).toString();
+    const QString path = row->data(pathRole).toString();
     // A double click is a click and more.
     if (!path.isEmpty() && isVisible())
         Q_EMIT projectChosen(path);

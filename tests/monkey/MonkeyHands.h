@@ -2,6 +2,7 @@
 
 #include <QEvent>
 #include <QObject>
+#include <QPoint>
 #include <QPointer>
 #include <QQueue>
 #include <QRandomGenerator>
@@ -43,7 +44,7 @@ public:
 private:
     struct Move
     {
-        QEvent::Type type;
+        QEvent::Type type = QEvent::None;
         QPoint place; ///< in the window
         Qt::MouseButton button = Qt::NoButton;
         Qt::KeyboardModifiers modifiers = {};

@@ -19,7 +19,7 @@ namespace {
 constexpr int pathRole = Qt::UserRole;
 constexpr int mostWidth = 760;
 constexpr int mostHeight = 460;
-constexpr QSize PictureSize(64, 40);
+constexpr QSize pictureSize(64, 40);
 
 void addRow(QListWidget *list, const QString &path, const QString &explanation, const QIcon &icon)
 {
@@ -51,7 +51,7 @@ WelcomePanel::WelcomePanel(QWidget *parent)
     m_recent = addList(tr("Opened last"), recent);
     auto *examples = new QVBoxLayout;
     m_examples = addList(tr("Examples"), examples);
-    m_examples->setIconSize(PictureSize);
+    m_examples->setIconSize(pictureSize);
     auto *lists = new QHBoxLayout;
     lists->setSpacing(16);
     lists->addLayout(recent, 3);

@@ -270,7 +270,7 @@ bool OssSnNodeGraphViewContext::setNodePosition(QPointF position)
 {
     if (!m_GuiNode)
         return false;
-    if (m_GuiNode->pos() == position)
+    if (m_GuiNode->isAt(position))
         return true;
     m_GuiNode->setPosition(position);
     // By itself it is no step; in a macro it is part of what made the node.

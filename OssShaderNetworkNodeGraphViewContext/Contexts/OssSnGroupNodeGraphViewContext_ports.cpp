@@ -25,7 +25,7 @@ OssNgNode *itemOf(const OssSnBaseNode *node)
 
 void place(OssNgNode *item, const QPointF &position)
 {
-    if (item->pos() == position)
+    if (item->isAt(position))
         return;
     item->savePosition();
     item->setPosition(position);
@@ -152,7 +152,7 @@ bool OssSnGroupNodeGraphViewContext::isPlacedByHand(const OssSnBaseNode *port) c
     const OssNgNode *item = itemOf(port);
     const auto known = std::find_if(m_portPlaces.cbegin(), m_portPlaces.cend(),
                                     [port](const PortPlace &place) { return place.port == port; });
-    return item && known != m_portPlaces.cend() && item->pos() != known->position;
+    return item && known != m_portPlaces.cend() && !item->isAt(known->position);
 }
 
 void OssSnGroupNodeGraphViewContext::rememberPlace(OssSnBaseNode *port, const QPointF &position)

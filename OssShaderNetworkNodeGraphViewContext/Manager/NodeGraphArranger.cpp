@@ -143,7 +143,7 @@ void applyMoves(const ColumnLayout &layout, const Picture &picture,
         item->setPosition(move.position);
     }
     for (OssNgNode *item : qAsConst(items)) {
-        if (item->pos() != item->savedPosition())
+        if (!item->isAt(item->savedPosition()))
             macro->addUndo(new OssNgNodePositionChangeUndo(item)); // the history takes it
     }
 }
@@ -163,10 +163,12 @@ void refit(const Container &container, OssUndoManager::AutoMacro *macro)
     backdrop->savePosition();
     backdrop->saveBoundingRect();
     backdrop->setPosition(bounds.topLeft());
-    if (backdrop->pos() != backdrop->savedPosition())
+    if (!backdrop->isAt(backdrop->savedPosition()))
         macro->addUndo(new OssNgNodePositionChangeUndo(backdrop));
     backdrop->setRect({0.0, 0.0, bounds.width(), bounds.height()});
-    if (backdrop->rect() != backdrop->savedBoundingRect())
+    const QRectF before = backdrop->savedBoundingRect();
+    const QRectF now = backdrop->rect();
+    if (now.width() != before.width() || now.height() != before.height())
         macro->addUndo(new OssNgBackdropNodeRectChangeUndo(backdrop));
 }
 
@@ -356,7 +358,7 @@ void NodeGraphArranger::arrangeGroupInputNodesByOrder(OssShaderNetwork *GroupNet
                      [](const QPointF &a, const QPointF &b) { return a.y() < b.y(); });
     OssUndoManager::AutoMacro macro(tr("Arrange Inputs"));
     for (int i = 0; i < items.size(); ++i) {
-        if (items.at(i)->pos() == places.at(i))
+        if (items.at(i)->isAt(places.at(i)))
             continue;
         items.at(i)->savePosition();
         items.at(i)->setPosition(places.at(i));

@@ -357,7 +357,7 @@ void Arranger::arrange(const QList<OssSnBaseNode *> &nodes,
     const Nodes all = network->nodes();
     for (Node *node : all) {
         OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(node);
-        if (!item || item->pos() == before.value(node))
+        if (!item || item->isAt(before.value(node)))
             continue;
         moved.append(Backdrops::Placed{node, containers.value(node)});
         Q_EMIT item->posChanged(item->pos());

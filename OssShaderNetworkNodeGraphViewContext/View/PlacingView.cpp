@@ -71,7 +71,7 @@ QRectF PlacingView::occupied(const OssNgNode *item)
 
 void PlacingView::moveNode(OssNgNode *guiNode, const QPointF &position)
 {
-    if (guiNode->pos() == position)
+    if (guiNode->isAt(position))
         return;
     guiNode->savePosition();
     guiNode->setPosition(position);

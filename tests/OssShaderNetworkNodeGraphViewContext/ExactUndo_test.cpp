@@ -3,6 +3,8 @@
 
 #include <QTest>
 
+#include <cmath>
+
 namespace {
 
 /// What is done by hand is undone and redone to the letter.
@@ -63,6 +65,26 @@ protected:
     OssSnBaseNode *m_blur = nullptr;
     QByteArray m_start;
 };
+
+TEST_F(ExactUndo, placesAreExactToTheirLastDigit)
+{
+    OssSnNodeGraphViewContext *context = contextOf(m_color);
+    const QPointF far(100000.0, 0.0);
+    const qreal next = std::nextafter(far.x(), far.x() + 1.0);
+    context->setNodePosition(far);
+    start();
+    context->setNodePositionUndo(QPointF(next, 0.0));
+    EXPECT_TRUE(itemOf(m_color)->isAt(QPointF(next, 0.0)));
+    expectOneStep();
+
+    start();
+    {
+        const OssUndoManager::AutoMacro there(QStringLiteral("There and nearly back"));
+        context->setNodePositionUndo(QPointF(5.0, 5.0));
+        context->setNodePositionUndo(QPointF(next, 0.0));
+    }
+    expectOneStep();
+}
 
 TEST_F(ExactUndo, aBackdropStandsAroundTheSelectionOrAtThePointer)
 {

@@ -82,6 +82,21 @@ TEST_F(Grouping, whatComesOutOfAGroupThatWasMovedWentWithIt)
     EXPECT_EQ(contextOf(m_nodes[2])->nodePosition(), second + QPointF(0.25, 400.0));
 }
 
+TEST_F(Grouping, aGroupThatWasSavedAndOpenedGivesItsNodesTheirPlacesBack)
+{
+    const QString first = m_nodes[1]->name();
+    const QString second = m_nodes[2]->name();
+    const QPointF places[] = {contextOf(m_nodes[1])->nodePosition(),
+                              contextOf(m_nodes[2])->nodePosition()};
+    OssSnGroupNode *made = group({m_nodes[1], m_nodes[2]});
+    contextOf(made)->setNodePositionUndo(contextOf(made)->nodePosition() + QPointF(0.0, 64.0));
+    const QString name = made->name();
+    reopen();
+    ungroup(qobject_cast<OssSnGroupNode *>(m_network->node(name)));
+    EXPECT_EQ(contextOf(m_network->node(first))->nodePosition(), places[0] + QPointF(0.0, 64.0));
+    EXPECT_EQ(contextOf(m_network->node(second))->nodePosition(), places[1] + QPointF(0.0, 64.0));
+}
+
 TEST_F(Grouping, portsThatWerePlacedByHandStayWhereTheyAre)
 {
     OssSnGroupNode *made = group({m_nodes[2]});

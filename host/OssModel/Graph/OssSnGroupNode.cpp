@@ -1,6 +1,8 @@
 #include "OssModel/Graph/OssSnGroupNode.h"
 
+#include "OssCore/Program/OssDebug.h"
 #include "OssCore/Undo/OssUndoManager.h"
+#include "OssCore/Values/OssValueText.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkIO.h"
 #include "OssModel/Types/OssSnTags.h"
@@ -10,6 +12,8 @@ namespace {
 const QString InputKey = QStringLiteral("_System/Group Input");
 const QString OutputKey = QStringLiteral("_System/Group Output");
 const QString NetworkObject = QStringLiteral("m_groupNetwork");
+const QString FirstPosition = QStringLiteral("grouped");
+const QString At = QStringLiteral("at");
 
 } // namespace
 
@@ -176,7 +180,27 @@ bool OssSnGroupNode::saveObjects(OssSerializer &serializer)
 {
     const bool saved = OssSnBaseNode::saveObjects(serializer);
     saveKnobLinks(serializer);
+    if (m_firstPosition)
+        serializer.writeElement(FirstPosition, {{At, OssValueText::toText(*m_firstPosition)}});
     return m_groupNetwork->save(serializer, NetworkObject, {}) && saved;
+}
+
+bool OssSnGroupNode::onLoadElement(OssDeserializer &deserializer, const QString &name,
+                                   const Attributes &attributes)
+{
+    if (name == QLatin1String("knobLink")) {
+        loadKnobLink(attributes);
+        return true;
+    }
+    if (name != FirstPosition)
+        return OssSnBaseNode::onLoadElement(deserializer, name, attributes);
+    const QVariant at = OssValueText::fromText(attributes.value(At), QMetaType::QPointF);
+    if (at.isValid())
+        m_firstPosition = at.toPointF();
+    else
+        OssDebug("OssSnGroupNode", __LINE__, "[ !! ] '%s' was grouped at no place: '%s'",
+                 qPrintable(this->name()), qPrintable(attributes.value(At)));
+    return true;
 }
 
 OssSerializableObject *OssSnGroupNode::onLoadSubObject(OssDeserializer &deserializer,

@@ -80,7 +80,7 @@ public:
     OssResult exportAsGizmo(const QString &path);
 
     // For the network around: where the group was put when it was made of nodes, in scene
-    // coordinates. As far as it was moved since, they go when they come out. Not saved.
+    // coordinates. As far as it was moved since, they go when they come out.
     void rememberPosition(const QPointF &position) { m_firstPosition = position; }
 
     std::optional<QPointF> rememberedPosition() const { return m_firstPosition; }
@@ -115,6 +115,7 @@ private:
         QString attribute;
     };
 
+    void loadKnobLink(const Attributes &attributes);
     QString freeKnobName(const QString &wanted) const;
     void applyKnobName(const QString &oldName, const QString &newName, const QString &prettyName);
     void setKnobLinks(const QString &knob,

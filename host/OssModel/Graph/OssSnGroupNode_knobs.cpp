@@ -402,16 +402,12 @@ bool OssSnGroupNode::onLoadUserAttribute(const QString &name, const Attributes &
     return true;
 }
 
-bool OssSnGroupNode::onLoadElement(OssDeserializer &deserializer, const QString &name,
-                                   const Attributes &attributes)
+void OssSnGroupNode::loadKnobLink(const Attributes &attributes)
 {
-    if (name != QLatin1String("knobLink"))
-        return OssSnBaseNode::onLoadElement(deserializer, name, attributes);
     // The nodes it leads to come further down.
     m_loadedKnobLinks.append({attributes.value(QStringLiteral("knob")),
                               attributes.value(QStringLiteral("node")),
                               attributes.value(QStringLiteral("attribute"))});
-    return true;
 }
 
 void OssSnGroupNode::onEndLoad()

@@ -207,7 +207,7 @@ void OssNgNodeDragGesture::release(QMouseEvent *event)
             moved.node->keepOutOfWires(!inserts);
     }
     for (const Moved &moved : qAsConst(m_moved)) {
-        if (moved.node && moved.node->pos() != moved.start)
+        if (moved.node && !moved.node->isAt(moved.start))
             Q_EMIT moved.node->posChanged(moved.node->pos());
     }
 }

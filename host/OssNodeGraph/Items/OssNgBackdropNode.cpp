@@ -52,8 +52,8 @@ void OssNgBackdropNode::setRect(const QRectF &rect)
                  rect.width(), rect.height(), qPrintable(text()));
     if (!rect.topLeft().isNull())
         setPosition(pos() + rect.topLeft());
-    if (size == m_rectSize)
-        return;
+    if (size.width() == m_rectSize.width() && size.height() == m_rectSize.height())
+        return; // to the last digit, as places are
     m_rectSize = size;
     refresh();
 }

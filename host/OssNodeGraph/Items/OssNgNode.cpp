@@ -204,6 +204,8 @@ void OssNgNode::setPosition(const QPointF &position)
     constexpr qreal Farthest = OssNgSceneIndex::MostReach;
     // Written so that what is no number is told, too.
     if (std::abs(position.x()) <= Farthest && std::abs(position.y()) <= Farthest) {
+        if (pos() == position && !isAt(position))
+            setPos(position + QPointF(1.0, 1.0)); // an item does not go where it nearly is
         setPos(position);
         return;
     }

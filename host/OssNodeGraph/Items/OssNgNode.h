@@ -157,8 +157,12 @@ public:
 
     QPointF savedPosition() const { return m_savedPosition; }
 
-    /// Moves without an announcement.
+    /// Moves without an announcement, to the last digit.
     virtual void setPosition(const QPointF &position);
+
+    /// To the last digit: points themselves compare with tolerance.
+    bool isAt(const QPointF &position) const { return x() == position.x() && y() == position.y(); }
+
     /// Asks for the node to be spliced into the wire it lies on, when a view of the scene has
     /// auto-insert on, the node is not connected yet and is not kept out.
     void processAutoinsert();

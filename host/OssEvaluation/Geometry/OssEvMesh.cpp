@@ -1,11 +1,11 @@
 #include "OssEvaluation/Geometry/OssEvMesh.h"
 
+#include "OssEvaluation/Geometry/EqualVertices.h"
 #include "OssEvaluation/Geometry/OssEvRayTree.h"
 #include "OssEvaluation/Values/OssEvPatch.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <map>
 
 namespace {
@@ -32,34 +32,6 @@ template <class Vector>
 void addVectors(OssEvKeyBuilder *key, const std::vector<Vector> &vectors)
 {
     key->addBytes(vectors.data(), vectors.size() * sizeof(Vector));
-}
-
-/// For each vertex the first one that lies in the very same place.
-std::vector<std::uint32_t> firstOfPlaces(const std::vector<OssEvMesh::Vector3> &positions)
-{
-    constexpr std::uint32_t None = 0xFFFFFFFFU;
-    std::size_t size = 16;
-    while (size < positions.size() * 3 / 2)
-        size *= 2;
-    std::vector<std::uint32_t> table(size, None);
-    std::vector<std::uint32_t> firsts(positions.size());
-    for (std::uint32_t i = 0; i < positions.size(); ++i) {
-        std::uint64_t hash = 0;
-        for (const float number : positions[i]) {
-            const float plain = number + 0.0F; // 0 and -0 are one place
-            std::uint32_t word = 0;
-            std::memcpy(&word, &plain, sizeof(word));
-            hash = (hash ^ word) * 0xFF51AFD7ED558CCDULL;
-            hash ^= hash >> 32;
-        }
-        std::size_t slot = std::size_t(hash) & (size - 1);
-        while (table[slot] != None && positions[table[slot]] != positions[i])
-            slot = (slot + 1) & (size - 1);
-        if (table[slot] == None)
-            table[slot] = i;
-        firsts[i] = table[slot];
-    }
-    return firsts;
 }
 
 /// Whether the triangle, whose bounding box does, touches the inside of the patch. It does not when
@@ -185,7 +157,8 @@ void OssEvMesh::makeNormals()
     }
     if (missing.empty())
         return;
-    const std::vector<std::uint32_t> firstOf = firstOfPlaces(positions);
+    const std::vector<std::uint32_t> firstOf = firstOfEqual(
+        positions.size(), [this](std::uint32_t i) { return positions[i]; });
     std::vector<Vector3> sums(positions.size());
     for (const auto &triangle : triangles) {
         const Vector3 &a = positions[triangle[0]];

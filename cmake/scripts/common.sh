@@ -7,6 +7,7 @@ PACKAGES="build-essential cmake ninja-build ccache mold pkg-config
     libquazip1-qt5-dev
     libopenimageio-dev libopenexr-dev libopencolorio-dev libpng-dev libwebp-dev libassimp-dev libtinygltf-dev
     libtbb-dev libhwy-dev libxxhash-dev
+    libepoxy-dev libglm-dev libegl1 libgl1-mesa-dri
     python3-dev pybind11-dev
     fonts-inter fonts-dejavu-core"
 # xvfb-run needs xauth, but does not depend on it.

@@ -33,6 +33,7 @@ const QVector<Layer> &layers()
          {},
          list("Values Geometry Graph Kernels Schedule Files Paint")},
         {text("host/OssNodeGraph"), list("OssCore"), list("Drawing Index Items Gestures View")},
+        {text("host/OssRender"), list("OssEvaluation"), list("Values Surface Light Draw")},
         {text("host/OssModel"), list("OssCore OssEvaluation"),
          list("Types Images Objects Graph Nodes Layers Evaluation Project Export")},
         {text("host/OssInterface"), list("OssCore OssEvaluation OssModel"),
@@ -43,7 +44,7 @@ const QVector<Layer> &layers()
          list("OssCore OssModel OssInterface OssScriptObjects OssNodeGraph ZelGL"),
          list("Layout Panels Contexts Manager View OssAPI")},
         {text("host/Ossa"),
-         list("OssCore OssEvaluation OssModel OssInterface OssScriptObjects OssScripting "
+         list("OssCore OssEvaluation OssRender OssModel OssInterface OssScriptObjects OssScripting "
               "OssNodeGraph ZelGL"),
          list("Common Plugins Headless Pictures Dialogs Export Commands Viewer Scripting Palettes "
               "Window Start")},

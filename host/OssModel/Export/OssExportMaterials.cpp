@@ -36,18 +36,14 @@ void addOf(const OssShaderNetwork *network, QVector<OssExportMaterial> *material
 {
     const QList<OssSnBaseNode *> nodes = network->nodes();
     for (const OssSnBaseNode *node : nodes) {
-        const auto *material = qobject_cast<const OssSnMaterialNode *>(node);
         const auto *group = qobject_cast<const OssSnGroupNode *>(node);
         if (!node->enabledAsBool() || node->isBypassed())
             continue;
-        if (node->hasTag(OssSnTags::shader()) && (material || !group)) {
-            OssExportMaterial found;
-            found.node = node;
-            found.entity = network->geoEntity();
-            found.channels = material ? streamsOf(material) : inputsOf(node);
+        const OssExportMaterial found = OssExportMaterial::of(node);
+        if (found.node) {
             if (!found.channels.isEmpty())
                 materials->append(found);
-        } else if (group && !material) {
+        } else if (group && !qobject_cast<const OssSnMaterialNode *>(node)) {
             addOf(group->groupNetwork(), materials);
         }
     }
@@ -70,6 +66,19 @@ const OssExportMaterial::Channel *OssExportMaterial::channel(const QString &name
     const auto found = std::find_if(channels.cbegin(), channels.cend(),
                                     [&name](const Channel &one) { return one.name == name; });
     return found == channels.cend() ? nullptr : &*found;
+}
+
+OssExportMaterial OssExportMaterial::of(const OssSnBaseNode *node)
+{
+    OssExportMaterial found;
+    const auto *material = qobject_cast<const OssSnMaterialNode *>(node);
+    const bool isGroup = qobject_cast<const OssSnGroupNode *>(node);
+    if (!node || !node->hasTag(OssSnTags::shader()) || (isGroup && !material))
+        return found;
+    found.node = node;
+    found.entity = node->network() ? node->network()->geoEntity() : nullptr;
+    found.channels = material ? streamsOf(material) : inputsOf(node);
+    return found;
 }
 
 QVector<OssExportMaterial> OssExportMaterial::of(const OssProject *project)

@@ -35,6 +35,9 @@ struct OSSMODEL_EXPORT OssExportMaterial
     /// Null when there is none of that name.
     const Channel *channel(const QString &name) const;
 
+    /// One without a node where the node is no shader and no material.
+    static OssExportMaterial of(const OssSnBaseNode *node);
+
     /// All of the project's, in the order of its objects; a material's inside is not looked into,
     /// that of other groups is.
     static QVector<OssExportMaterial> of(const OssProject *project);

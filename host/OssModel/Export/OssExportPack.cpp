@@ -47,6 +47,15 @@ void connect(const OssEvGraph &graph, const OssSnEvaluationGraph::Link &link,
 
 OssExportSource OssExportSource::of(const OssExportMaterial &material)
 {
+    if (material.node) {
+        const OssExportSource source = withoutFreshPaint(material);
+        OssEvaluationService::settlePaint(source.graph.sources);
+    }
+    return withoutFreshPaint(material);
+}
+
+OssExportSource OssExportSource::withoutFreshPaint(const OssExportMaterial &material)
+{
     OssExportSource source;
     for (const OssExportMaterial::Channel &channel : material.channels)
         source.channels.append(channel.name);
@@ -55,8 +64,6 @@ OssExportSource OssExportSource::of(const OssExportMaterial &material)
             QCoreApplication::translate("OssExportSource", "The material is gone"));
         return source;
     }
-    source.graph = OssSnEvaluationGraph::ofAll(material.node, source.channels, &source.links);
-    OssEvaluationService::settlePaint(source.graph.sources);
     source.graph = OssSnEvaluationGraph::ofAll(material.node, source.channels, &source.links);
     OssEvaluationService *service = OssEvaluationService::instance();
     source.target = service->target(source.graph, material.entity, 0, 0);

@@ -16,6 +16,8 @@ struct OssExportSource
 
     /// GUI thread. May handle events, while fresh paint is settled.
     static OssExportSource of(const OssExportMaterial &material);
+    /// The same without paint that is in no image yet, and without events.
+    static OssExportSource withoutFreshPaint(const OssExportMaterial &material);
 
     /// What writes a file. Depends on nothing but the channels that the file has. Any thread.
     OssEvBake::Job job(const OssExportFile &file) const;

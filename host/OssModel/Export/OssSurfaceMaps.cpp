@@ -1,0 +1,114 @@
+#include "OssModel/Export/OssSurfaceMaps.h"
+
+#include "OssModel/Evaluation/OssEvaluationService.h"
+#include "OssModel/Export/OssExportPack.h"
+#include "OssModel/Graph/OssGeoEntity.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
+
+#include <QCoreApplication>
+
+namespace {
+
+/// Texels beyond the charts, in a patch of 4096: as many as the smaller levels of a texture reach.
+constexpr int Beyond = 64;
+
+const QString BaseColor = QStringLiteral("Base Color");
+
+struct Part
+{
+    const char *channel; ///< of a material
+    const char *component;
+    double value; ///< where it has none
+};
+
+constexpr Part Parts[OssSurfaceMaps::Maps][4] = {
+    {{"Base Color", "Red", 0.5},
+     {"Base Color", "Green", 0.5},
+     {"Base Color", "Blue", 0.5},
+     {"Opacity", "", 1.0}},
+    {{"Normal", "Red", 0.5},
+     {"Normal", "Green", 0.5},
+     {"Metallic", "", 0.0},
+     {"Roughness", "", 0.5}},
+    {{"Emission", "Red", 0.0},
+     {"Emission", "Green", 0.0},
+     {"Emission", "Blue", 0.0},
+     {"Ambient Occlusion", "", 1.0}},
+    {{"Clear Coat", "", 0.0},
+     {"Clear Coat Roughness", "", 0.1},
+     {"Displacement", "", 0.0},
+     {"", "", 0.0}},
+};
+
+/// The file that would hold the map.
+OssExportFile fileOf(OssSurfaceMaps::Map map, int patch, int resolution)
+{
+    OssExportFile file;
+    file.patch = patch;
+    file.resolution = resolution;
+    file.isData = true;
+    for (std::size_t i = 0; i < 4; ++i) {
+        const Part &part = Parts[map][i];
+        OssExportPreset::Channel &channel = file.how.channels[i];
+        channel.from = QLatin1String(part.channel);
+        channel.component = QLatin1String(part.component);
+        channel.value = part.value;
+        channel.isUsed = true;
+    }
+    return file;
+}
+
+} // namespace
+
+OssSurfaceMaps OssSurfaceMaps::of(const OssSnProducer &shown, const OssGeoEntity *entity)
+{
+    OssSurfaceMaps maps;
+    if (!shown.node) {
+        maps.m_problem = QCoreApplication::translate("OssSurfaceMaps",
+                                                     "Nothing is connected to the viewer here");
+        return maps;
+    }
+    OssExportMaterial material = OssExportMaterial::of(shown.node);
+    maps.m_isMaterial = material.node != nullptr;
+    if (!maps.m_isMaterial) {
+        material.node = shown.node;
+        material.channels = {{shown.outputPoint, OssSnDataKind::Color, true}};
+    }
+    material.entity = entity;
+    auto source = std::make_shared<OssExportSource>(OssExportSource::withoutFreshPaint(material));
+    if (!maps.m_isMaterial)
+        source->channels = QStringList{BaseColor};
+    source->target.keepIntermediates = true; // the next edit comes soon
+    maps.m_problem = source->state.error();
+    maps.m_source = source;
+    return maps;
+}
+
+QString OssSurfaceMaps::problem() const
+{
+    return m_problem;
+}
+
+QVector<QPointer<const OssSnBaseNode>> OssSurfaceMaps::sources() const
+{
+    return m_source ? m_source->graph.sources : QVector<QPointer<const OssSnBaseNode>>();
+}
+
+std::shared_ptr<const OssEvMesh> OssSurfaceMaps::mesh() const
+{
+    return m_source ? m_source->target.mesh : nullptr;
+}
+
+OssEvTarget OssSurfaceMaps::target(Map map, int patch, int resolution) const
+{
+    OssEvTarget target = m_source->job(fileOf(map, patch, resolution)).target;
+    target.bleed = Beyond;
+    return target;
+}
+
+OssEvResult OssSurfaceMaps::key(Map map, int patch, int resolution, OssEvKey *key) const
+{
+    OssEvBake::Job job = m_source->job(fileOf(map, patch, resolution));
+    job.target.bleed = Beyond;
+    return OssEvBake::key(job, key);
+}

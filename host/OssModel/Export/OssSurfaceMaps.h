@@ -1,0 +1,46 @@
+#pragma once
+
+#include "OssEvaluation/Schedule/OssEvPlan.h"
+#include "OssEvaluation/Values/OssEvKey.h"
+#include "OssModel/Export/OssExportMaterials.h"
+#include "OssModel/Nodes/OssSnProducer.h"
+
+#include <memory>
+
+struct OssExportSource;
+
+/// What a surface is made of, for whoever shows it in light: the channels of a material packed four at a
+/// time, copied out of the document. Of a node that is no material its output is the base colour.
+class OSSMODEL_EXPORT OssSurfaceMaps
+{
+public:
+    enum Map {
+        Color, ///< base colour, opacity
+        Shape, ///< x and y of the normal map, metallic, roughness
+        Glow,  ///< emission, ambient occlusion
+        Coat,  ///< clear coat, its roughness, displacement
+        Maps
+    };
+
+    /// GUI thread. Without paint that is in no image yet.
+    static OssSurfaceMaps of(const OssSnProducer &shown, const OssGeoEntity *entity);
+
+    /// Whether it is one; else all but the base colour is what materials usually are.
+    bool isMaterial() const { return m_isMaterial; }
+
+    /// Why there is nothing to compute, in words.
+    QString problem() const;
+    /// The document's nodes that were copied: other values there, other pixels.
+    QVector<QPointer<const OssSnBaseNode>> sources() const;
+    std::shared_ptr<const OssEvMesh> mesh() const;
+
+    /// Four channels as half floats. Any thread.
+    OssEvTarget target(Map map, int patch, int resolution) const;
+    /// Another key, other pixels; any thread. Looks at files.
+    OssEvResult key(Map map, int patch, int resolution, OssEvKey *key) const;
+
+private:
+    std::shared_ptr<const OssExportSource> m_source; ///< null: nothing is shown
+    bool m_isMaterial = false;
+    QString m_problem;
+};

@@ -1,0 +1,145 @@
+#include "OssRender/Draw/DeviceCopies.h"
+
+#include <cstddef>
+
+namespace {
+
+void filter(GLenum target, GLint small, GLint wrapX)
+{
+    glTexParameteri(target, GL_TEXTURE_MIN_FILTER, small);
+    glTexParameteri(target, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+    glTexParameteri(target, GL_TEXTURE_WRAP_S, wrapX);
+    glTexParameteri(target, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+}
+
+/// Of the cube that is bound. As floats, for a sun is brighter than half floats count.
+void fillFaces(const std::array<OssRdPicture, 6> &faces, int level)
+{
+    for (int face = 0; face < 6; ++face) {
+        const OssRdPicture &picture = faces[std::size_t(face)];
+        glTexImage2D(GL_TEXTURE_CUBE_MAP_POSITIVE_X + GLenum(face), level, GL_RGB32F, picture.width,
+                     picture.height, 0, GL_RGB, GL_FLOAT, picture.texels.data());
+    }
+}
+
+} // namespace
+
+void DeviceCopies::beginFrame()
+{
+    for (auto &copy : m_copies)
+        copy.second.isUsed = false;
+}
+
+void DeviceCopies::endFrame()
+{
+    for (auto copy = m_copies.begin(); copy != m_copies.end();)
+        copy = copy->second.isUsed ? std::next(copy) : m_copies.erase(copy);
+}
+
+DeviceCopies::Copy &DeviceCopies::find(const std::shared_ptr<const void> &of, bool *isNew)
+{
+    Copy &copy = m_copies[of.get()];
+    *isNew = copy.of == nullptr;
+    copy.of = of;
+    copy.isUsed = true;
+    return copy;
+}
+
+void DeviceCopies::mesh(const std::shared_ptr<const OssRdGeometry> &geometry)
+{
+    bool isNew = false;
+    Copy &copy = find(geometry, &isNew);
+    if (isNew)
+        fillMesh(*geometry, &copy);
+    glBindVertexArray(copy.array.get());
+}
+
+void DeviceCopies::fillMesh(const OssRdGeometry &geometry, Copy *copy)
+{
+    using Vertex = OssRdGeometry::Vertex;
+    copy->array = makeArray();
+    copy->vertices = makeBuffer();
+    copy->indices = makeBuffer();
+    glBindVertexArray(copy->array.get());
+    glBindBuffer(GL_ARRAY_BUFFER, copy->vertices.get());
+    glBufferData(GL_ARRAY_BUFFER, GLsizeiptr(geometry.vertices.size() * sizeof(Vertex)),
+                 geometry.vertices.data(), GL_STATIC_DRAW);
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, copy->indices.get());
+    glBufferData(GL_ELEMENT_ARRAY_BUFFER,
+                 GLsizeiptr(geometry.indices.size() * sizeof(std::uint32_t)),
+                 geometry.indices.data(), GL_STATIC_DRAW);
+    const auto attribute = [](GLuint place, GLint size, std::size_t offset) {
+        glEnableVertexAttribArray(place);
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): OpenGL takes the offset into its buffer so.
+        const auto *first = reinterpret_cast<const void *>(offset);
+        glVertexAttribPointer(place, size, GL_FLOAT, GL_FALSE, sizeof(Vertex), first);
+    };
+    attribute(0, 3, offsetof(Vertex, position));
+    attribute(1, 3, offsetof(Vertex, normal));
+    attribute(2, 4, offsetof(Vertex, tangent));
+    attribute(3, 2, offsetof(Vertex, uv));
+}
+
+void DeviceCopies::texels(const std::shared_ptr<const OssRdMaterial::Texels> &texels, int unit)
+{
+    bool isNew = false;
+    Copy &copy = find(texels, &isNew);
+    if (isNew)
+        copy.texture = makeTexture();
+    glActiveTexture(GL_TEXTURE0 + GLenum(unit));
+    glBindTexture(GL_TEXTURE_2D, copy.texture.get());
+    if (!isNew)
+        return;
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA16F, texels->size, texels->size, 0, GL_RGBA,
+                 GL_HALF_FLOAT, texels->rgba.data());
+    glGenerateMipmap(GL_TEXTURE_2D);
+    filter(GL_TEXTURE_2D, GL_LINEAR_MIPMAP_LINEAR, GL_CLAMP_TO_EDGE);
+}
+
+void DeviceCopies::probe(const std::shared_ptr<const OssRdLightProbe> &probe, Light light, int unit)
+{
+    bool isNew = false;
+    Copy &copy = find(probe, &isNew);
+    glActiveTexture(GL_TEXTURE0 + GLenum(unit));
+    if (isNew)
+        fillProbe(*probe, &copy);
+    const GlTexture &texture = light == Light::Mirrored ? copy.texture
+                               : light == Light::Sharp  ? copy.sharp
+                                                        : copy.dull;
+    glBindTexture(GL_TEXTURE_CUBE_MAP, texture.get());
+}
+
+void DeviceCopies::fillProbe(const OssRdLightProbe &probe, Copy *copy)
+{
+    copy->texture = makeTexture();
+    glBindTexture(GL_TEXTURE_CUBE_MAP, copy->texture.get());
+    for (int level = 0; level < OssRdLightProbe::levels; ++level)
+        fillFaces(probe.faces[std::size_t(level)], level);
+    glTexParameteri(GL_TEXTURE_CUBE_MAP, GL_TEXTURE_MAX_LEVEL, OssRdLightProbe::levels - 1);
+    filter(GL_TEXTURE_CUBE_MAP, GL_LINEAR_MIPMAP_LINEAR, GL_CLAMP_TO_EDGE);
+    copy->sharp = makeTexture();
+    glBindTexture(GL_TEXTURE_CUBE_MAP, copy->sharp.get());
+    fillFaces(probe.faces[0], 0);
+    glGenerateMipmap(GL_TEXTURE_CUBE_MAP);
+    filter(GL_TEXTURE_CUBE_MAP, GL_LINEAR_MIPMAP_LINEAR, GL_CLAMP_TO_EDGE);
+    copy->dull = makeTexture();
+    glBindTexture(GL_TEXTURE_CUBE_MAP, copy->dull.get());
+    fillFaces(probe.dull, 0);
+    filter(GL_TEXTURE_CUBE_MAP, GL_LINEAR, GL_CLAMP_TO_EDGE);
+}
+
+void DeviceCopies::picture(const std::shared_ptr<const OssRdPicture> &picture, int unit)
+{
+    bool isNew = false;
+    Copy &copy = find(picture, &isNew);
+    if (isNew)
+        copy.texture = makeTexture();
+    glActiveTexture(GL_TEXTURE0 + GLenum(unit));
+    glBindTexture(GL_TEXTURE_2D, copy.texture.get());
+    if (!isNew)
+        return;
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGB16F, picture->width, picture->height, 0, GL_RGB, GL_FLOAT,
+                 picture->texels.data());
+    filter(GL_TEXTURE_2D, GL_LINEAR, GL_REPEAT);
+}

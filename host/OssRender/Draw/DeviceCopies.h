@@ -1,0 +1,44 @@
+#pragma once
+
+#include "OssRender/Draw/GlObjects.h"
+#include "OssRender/Draw/OssRdScene.h"
+
+#include <memory>
+#include <unordered_map>
+
+/// What of a scene lies on the device: each thing once, known again by its pointer, and gone with the
+/// first frame that does not use it. The device must be current.
+class DeviceCopies
+{
+public:
+    void beginFrame();
+    void endFrame();
+
+    /// Binds it for drawing.
+    void mesh(const std::shared_ptr<const OssRdGeometry> &geometry);
+    /// Bind a texture to a unit.
+    void texels(const std::shared_ptr<const OssRdMaterial::Texels> &texels, int unit);
+    enum class Light { Mirrored, Sharp, Dull };
+    void probe(const std::shared_ptr<const OssRdLightProbe> &probe, Light light, int unit);
+    void picture(const std::shared_ptr<const OssRdPicture> &picture, int unit);
+
+private:
+    struct Copy
+    {
+        std::shared_ptr<const void> of; ///< so that no other thing gets its address
+        bool isUsed = false;
+        GlTexture texture;
+        GlTexture sharp;
+        GlTexture dull;
+        GlArray array;
+        GlBuffer vertices;
+        GlBuffer indices;
+    };
+
+    /// `isNew`: it has to be filled.
+    Copy &find(const std::shared_ptr<const void> &of, bool *isNew);
+    static void fillMesh(const OssRdGeometry &geometry, Copy *copy);
+    static void fillProbe(const OssRdLightProbe &probe, Copy *copy);
+
+    std::unordered_map<const void *, Copy> m_copies;
+};

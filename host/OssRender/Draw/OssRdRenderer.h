@@ -1,0 +1,31 @@
+#pragma once
+
+#include "OssRender/Draw/OssRdScene.h"
+#include "OssRender/OssRender_export.h"
+
+#include <memory>
+#include <string>
+
+/// Draws scenes with OpenGL, without a window: on a machine with no display and no GPU as well, where
+/// Mesa's software does the work. Each call may come from another thread, but only one at a time.
+class OSSRENDER_EXPORT OssRdRenderer
+{
+public:
+    OssRdRenderer();
+    OssRdRenderer(const OssRdRenderer &) = delete;
+    OssRdRenderer &operator=(const OssRdRenderer &) = delete;
+    ~OssRdRenderer();
+
+    /// Why nothing can be drawn, in words; empty when all is well.
+    const std::string &problem() const;
+
+    /// What draws, in the driver's words.
+    const std::string &deviceName() const;
+
+    /// Scene-linear, premultiplied over what is behind, from the top. Empty when nothing can be drawn.
+    OssRdImage render(const OssRdScene &scene, const OssRdView &view);
+
+private:
+    struct Private;
+    std::unique_ptr<Private> d;
+};

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <glm/glm.hpp>
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+/// What a surface is made of on a patch: its channels, four to a map. Each map is one value
+/// everywhere, or texels.
+struct OssRdMaterial
+{
+    enum Map {
+        Color, ///< base colour, scene-linear and not premultiplied; opacity
+        Shape, ///< normal map's x and y from 0 to 1, y upwards; metallic; roughness
+        Glow,  ///< emission, scene-linear; ambient occlusion, 1 where there is none
+        Coat, ///< clear coat; its roughness; how far the surface stands out, in the world's lengths
+        Maps
+    };
+
+    /// Square, RGBA as half floats, row by row from the top. Immutable once shared.
+    struct Texels
+    {
+        int size = 0;
+        std::vector<std::uint16_t> rgba;
+    };
+
+    struct Channel4
+    {
+        glm::vec4 value{0.0F};
+        std::shared_ptr<const Texels> texels;
+    };
+
+    std::array<Channel4, Maps> maps{{{{0.5F, 0.5F, 0.5F, 1.0F}, {}},
+                                     {{0.5F, 0.5F, 0.0F, 0.5F}, {}},
+                                     {{0.0F, 0.0F, 0.0F, 1.0F}, {}},
+                                     {{0.0F, 0.1F, 0.0F, 0.0F}, {}}}};
+};

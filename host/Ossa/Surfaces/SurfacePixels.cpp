@@ -1,0 +1,197 @@
+#include "Ossa/Surfaces/SurfacePixels.h"
+
+#include "OssEvaluation/Values/OssEvHalf.h"
+#include "OssModel/Evaluation/OssEvaluationService.h"
+
+#include <QCoreApplication>
+#include <QPointer>
+
+#include <algorithm>
+
+/// Filled by the engine's threads, each tile by one of them.
+struct SurfacePixels::Picture
+{
+    explicit Picture(int resolution)
+        : texels(std::make_shared<OssRdMaterial::Texels>())
+    {
+        texels->size = resolution;
+        texels->rgba.resize(std::size_t(resolution) * std::size_t(resolution) * 4);
+    }
+
+    void take(const OssEvArrival &arrival)
+    {
+        const OssEvTile &tile = *arrival.tile;
+        const int left = arrival.x * OssEvTile::Size;
+        const int top = arrival.y * OssEvTile::Size;
+        const int width = std::min(OssEvTile::Size, texels->size - left);
+        const int height = std::min(OssEvTile::Size, texels->size - top);
+        for (int y = 0; y < height; ++y) {
+            std::uint16_t *to = texels->rgba.data()
+                                + (std::size_t(top + y) * std::size_t(texels->size)
+                                   + std::size_t(left))
+                                      * 4;
+            for (int x = 0; x < width; ++x, to += 4) {
+                for (int channel = 0; channel < 4; ++channel)
+                    to[channel] = half(tile, channel, x, y);
+            }
+        }
+    }
+
+    static std::uint16_t half(const OssEvTile &tile, int channel, int x, int y)
+    {
+        if (tile.isConstant())
+            return OssEvHalf::fromFloat(tile.value()[std::size_t(channel)]);
+        if (tile.format() == OssEvTile::Format::Half)
+            return tile.halfPlane(channel)[y * OssEvTile::Size + x];
+        return OssEvHalf::fromFloat(tile.floatPlane(channel)[y * OssEvTile::Size + x]);
+    }
+
+    /// Whether all texels are the first one.
+    bool isEven() const
+    {
+        const std::vector<std::uint16_t> &all = texels->rgba;
+        for (std::size_t i = 4; i < all.size(); i += 4) {
+            if (!std::equal(all.begin(), all.begin() + 4, all.begin() + std::ptrdiff_t(i)))
+                return false;
+        }
+        return true;
+    }
+
+    void fill(OssRdMaterial::Channel4 *channels) const
+    {
+        if (!isEven()) {
+            channels->texels = texels;
+            return;
+        }
+        channels->texels.reset();
+        for (int channel = 0; channel < 4; ++channel)
+            channels->value[channel] = OssEvHalf::toFloat(texels->rgba[std::size_t(channel)]);
+    }
+
+    std::shared_ptr<OssRdMaterial::Texels> texels;
+};
+
+SurfacePixels::SurfacePixels(QObject *parent)
+    : QObject(parent)
+{
+}
+
+SurfacePixels::~SurfacePixels()
+{
+    stop();
+}
+
+void SurfacePixels::stop()
+{
+    ++m_generation;
+    for (const Running &running : m_running)
+        OssEvaluationService::instance()->engine()->cancel(running.id);
+    m_running.clear();
+}
+
+void SurfacePixels::clear()
+{
+    stop();
+    m_materials.clear();
+    m_known.clear();
+    m_maps = {};
+    m_problem.clear();
+    m_faulty.clear();
+}
+
+void SurfacePixels::show(const OssSurfaceMaps &maps, const QList<int> &patches, int resolution)
+{
+    stop();
+    m_maps = maps;
+    m_resolution = resolution;
+    m_problem = maps.problem();
+    m_faulty.clear();
+    m_started = 0;
+    for (auto material = m_materials.begin(); material != m_materials.end();) {
+        const bool stays = m_problem.isEmpty() && patches.contains(material->first);
+        material = stays ? std::next(material) : m_materials.erase(material);
+    }
+    for (auto known = m_known.begin(); known != m_known.end();)
+        known = m_materials.count(known->first.first) ? std::next(known) : m_known.erase(known);
+    if (!m_problem.isEmpty()) {
+        Q_EMIT changed();
+        Q_EMIT finished();
+        return;
+    }
+    for (const int patch : patches) {
+        for (int map = 0; map < OssSurfaceMaps::Maps; ++map)
+            start(patch, map, std::min(coarse, resolution));
+    }
+    Q_EMIT changed();
+    if (m_running.empty())
+        Q_EMIT finished();
+}
+
+void SurfacePixels::start(int patch, int map, int resolution)
+{
+    const auto which = OssSurfaceMaps::Map(map);
+    OssEvKey key;
+    const OssEvResult planned = m_maps.key(which, patch, m_resolution, &key);
+    Known &known = m_known[{patch, map}];
+    const bool isThere = known.isKnown && planned && known.key == key;
+    if (isThere && known.resolution >= m_resolution)
+        return;
+    OssEvRequest request;
+    request.target = m_maps.target(which, patch, isThere ? m_resolution : resolution);
+    const int size = request.target.width;
+    request.focusX = size / 2.0;
+    request.focusY = size / 2.0;
+    known = {key, isThere ? known.resolution : 0, bool(planned)};
+    auto picture = std::make_shared<Picture>(size);
+    request.onTile = [picture](const OssEvArrival &arrival) {
+        picture->take(arrival);
+    };
+    request.onFinished = [self = QPointer<SurfacePixels>(this), generation = m_generation, patch,
+                          map, picture](const OssEvOutcome &outcome) {
+        QMetaObject::invokeMethod(
+            qApp,
+            [=] {
+                if (self)
+                    self->finish(generation, patch, map, picture, outcome);
+            },
+            Qt::QueuedConnection);
+    };
+    ++m_started;
+    const OssEvEngine::Id id = OssEvaluationService::instance()->engine()->start(
+        std::move(request));
+    m_running.push_back({id, patch, map});
+}
+
+void SurfacePixels::finish(int generation, int patch, int map,
+                           const std::shared_ptr<Picture> &picture, const OssEvOutcome &outcome)
+{
+    if (generation != m_generation)
+        return;
+    if (!outcome.ok()) {
+        m_problem = QString::fromStdString(outcome.error);
+        m_faulty = outcome.node;
+        stop(); // the others have the same fault, or wait in vain
+        m_known.clear();
+        Q_EMIT changed();
+        Q_EMIT finished();
+        return;
+    }
+    const auto isDone = [patch, map](const Running &running) {
+        return running.patch == patch && running.map == map;
+    };
+    m_running.erase(std::remove_if(m_running.begin(), m_running.end(), isDone), m_running.end());
+    picture->fill(&m_materials[patch].maps[std::size_t(map)]);
+    m_known[{patch, map}].resolution = picture->texels->size;
+    // A small map that is one value everywhere may be so by chance.
+    if (picture->texels->size < m_resolution)
+        start(patch, map, m_resolution);
+    Q_EMIT changed();
+    if (m_running.empty())
+        Q_EMIT finished();
+}
+
+int SurfacePixels::progress() const
+{
+    const std::size_t left = m_running.size();
+    return m_started == 0 ? 1000 : int(1000 * (m_started - left) / m_started);
+}

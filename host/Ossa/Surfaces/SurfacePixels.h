@@ -1,0 +1,84 @@
+#pragma once
+
+#include "OssEvaluation/Schedule/OssEvEngine.h"
+#include "OssModel/Export/OssSurfaceMaps.h"
+#include "OssRender/Surface/OssRdMaterial.h"
+
+#include <QList>
+#include <QObject>
+
+#include <map>
+#include <memory>
+#include <vector>
+
+/// Has the maps of a surface computed, patch by patch: first small ones, so that a value under the
+/// user's hand shows at once what it does, then those that are wanted. What comes out the same is not
+/// computed again. Nothing here waits for pixels. GUI thread.
+class SurfacePixels : public QObject
+{
+    Q_OBJECT
+
+public:
+    static constexpr int coarse = 128; ///< texels of a small map
+
+    explicit SurfacePixels(QObject *parent = nullptr);
+    ~SurfacePixels() override;
+
+    /// In place of what was shown; that stays until its maps are replaced.
+    void show(const OssSurfaceMaps &maps, const QList<int> &patches, int resolution);
+    /// Gives up what is not there yet.
+    void stop();
+    void clear();
+
+    /// As far as they are there.
+    const std::map<int, OssRdMaterial> &materials() const { return m_materials; }
+
+    bool isWhole() const { return m_running.empty(); }
+
+    /// Thousandths.
+    int progress() const;
+
+    /// Why pixels do not come, in words, and which node of the graph is to blame, if one is.
+    QString problem() const { return m_problem; }
+
+    std::string faultyNode() const { return m_faulty; }
+
+Q_SIGNALS:
+    /// There are other materials(), or a problem.
+    void changed();
+    /// Nothing is left to come.
+    void finished();
+
+private:
+    struct Picture;
+
+    struct Running
+    {
+        OssEvEngine::Id id = 0;
+        int patch = 0;
+        int map = 0;
+    };
+
+    struct Known
+    {
+        OssEvKey key;
+        int resolution = 0;
+        bool isKnown = false;
+    };
+
+    using Place = std::pair<int, int>; ///< patch and map
+
+    void start(int patch, int map, int resolution);
+    void finish(int generation, int patch, int map, const std::shared_ptr<Picture> &picture,
+                const OssEvOutcome &outcome);
+
+    OssSurfaceMaps m_maps;
+    int m_resolution = 0;
+    int m_generation = 0;
+    std::map<int, OssRdMaterial> m_materials;
+    std::map<Place, Known> m_known; ///< what is in them
+    std::vector<Running> m_running;
+    std::size_t m_started = 0;
+    QString m_problem;
+    std::string m_faulty;
+};

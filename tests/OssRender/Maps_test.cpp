@@ -1,0 +1,194 @@
+#include "OssEvaluation/Values/OssEvHalf.h"
+#include "OssRender/Draw/OssRdRenderer.h"
+#include "OssRender/Light/OssRdEnvironment.h"
+
+#include <glm/gtc/matrix_transform.hpp>
+#include <gtest/gtest.h>
+#include <OpenImageIO/imageio.h>
+
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+
+namespace {
+
+std::shared_ptr<const OssRdMaterial::Texels> texels(const std::array<glm::vec4, 4> &quarters)
+{
+    auto made = std::make_shared<OssRdMaterial::Texels>();
+    made->size = 64;
+    for (int y = 0; y < 64; ++y) {
+        for (int x = 0; x < 64; ++x) {
+            const glm::vec4 &value = quarters[std::size_t(2 * (y / 32) + x / 32)];
+            for (int channel = 0; channel < 4; ++channel)
+                made->rgba.push_back(OssEvHalf::fromFloat(value[channel]));
+        }
+    }
+    return made;
+}
+
+/// From the front, the unit square just within the picture.
+OssRdView front(OssRdView::Shows shows)
+{
+    OssRdView view;
+    view.width = 40;
+    view.height = 40;
+    view.shows = shows;
+    view.camera = glm::lookAt(glm::vec3(0.5F, 0.5F, 2.0F), glm::vec3(0.5F, 0.5F, 0.0F), {0, 1, 0});
+    view.projection = glm::ortho(-0.5F, 0.5F, -0.5F, 0.5F, 0.1F, 4.0F);
+    return view;
+}
+
+OssRdView frontOf(const OssRdGeometry &geometry, OssRdView::Shows shows)
+{
+    OssRdView view = front(shows);
+    view.camera = glm::lookAt(geometry.centre + glm::vec3(0, 0, 2), geometry.centre, {0, 1, 0});
+    return view;
+}
+
+constexpr glm::vec4 red{1, 0, 0, 1};
+constexpr glm::vec4 green{0, 1, 0, 1};
+constexpr glm::vec4 blue{0, 0, 1, 1};
+constexpr glm::vec4 grey{0.25F, 0.25F, 0.25F, 1};
+
+TEST(Maps, aPicturesTopIsWhereVIsOne)
+{
+    OssRdRenderer renderer;
+    ASSERT_EQ(renderer.problem(), "");
+    OssRdScene scene;
+    const auto plane = OssRdGeometry::of(*OssEvShapes::plane());
+    OssRdMaterial material;
+    material.maps[OssRdMaterial::Color].texels = texels({red, green, blue, grey});
+    scene.objects.push_back({plane, {{1001, material}}});
+    const OssRdImage image = renderer.render(scene, frontOf(*plane, OssRdView::Shows::BaseColor));
+    ASSERT_FALSE(image.isEmpty());
+    EXPECT_EQ(image.at(8, 8), red);
+    EXPECT_EQ(image.at(32, 8), green);
+    EXPECT_EQ(image.at(8, 32), blue);
+    EXPECT_EQ(image.at(32, 32), grey);
+
+    // What comes in its place is seen with the next picture.
+    scene.objects[0].materials[1001].maps[OssRdMaterial::Color].texels = texels(
+        {grey, grey, grey, red});
+    EXPECT_EQ(renderer.render(scene, frontOf(*plane, OssRdView::Shows::BaseColor)).at(32, 32), red);
+    // Nothing of a patch that the mesh does not have.
+    scene.objects[0].materials = {{1002, material}};
+    EXPECT_EQ(renderer.render(scene, frontOf(*plane, OssRdView::Shows::BaseColor)).at(8, 8),
+              glm::vec4(0.5F, 0.5F, 0.5F, 1.0F));
+}
+
+TEST(Maps, aNormalMapLeansAsItSays)
+{
+    OssRdRenderer renderer;
+    const auto plane = OssRdGeometry::of(*OssEvShapes::plane());
+    OssRdMaterial material;
+    material.maps[OssRdMaterial::Shape].texels = texels({glm::vec4(0.5, 0.5, 0, 1), // straight
+                                                         glm::vec4(0.8, 0.5, 0, 1), // to the right
+                                                         glm::vec4(0.5, 0.8, 0, 1), // up
+                                                         glm::vec4(0.2, 0.2, 0, 1)}); // left, down
+    OssRdScene scene;
+    scene.objects.push_back({plane, {{1001, material}}});
+    const OssRdImage image = renderer.render(scene, frontOf(*plane, OssRdView::Shows::Normal));
+    const auto leans = [&image](int x, int y) {
+        return glm::vec3(image.at(x, y)) * 2.0F - 1.0F;
+    };
+    const auto near = [](const glm::vec3 &a, const glm::vec3 &b) {
+        return glm::distance(a, b) < 0.01F;
+    };
+    EXPECT_TRUE(near(leans(8, 8), {0, 0, 1}));
+    EXPECT_TRUE(near(leans(32, 8), {0.6F, 0, 0.8F}));
+    EXPECT_TRUE(near(leans(8, 32), {0, 0.6F, 0.8F}));
+    EXPECT_TRUE(near(leans(32, 32), {-0.6F, -0.6F, std::sqrt(0.28F)}));
+}
+
+TEST(Maps, aHeightMapBendsLightAtItsSlopesAlone)
+{
+    OssRdRenderer renderer;
+    const auto plane = OssRdGeometry::of(*OssEvShapes::plane());
+    // A slope that rises to the right, from the middle on.
+    auto slope = std::make_shared<OssRdMaterial::Texels>();
+    slope->size = 64;
+    for (int i = 0; i < 64 * 64; ++i) {
+        const float x = (float(i % 64) + 0.5F) / 64.0F;
+        for (const float value : {0.0F, 0.0F, std::max(x - 0.5F, 0.0F), 0.0F})
+            slope->rgba.push_back(OssEvHalf::fromFloat(value));
+    }
+    OssRdMaterial material;
+    material.maps[OssRdMaterial::Coat].texels = slope;
+    OssRdScene scene;
+    scene.objects.push_back({plane, {{1001, material}}});
+    const OssRdImage image = renderer.render(scene, frontOf(*plane, OssRdView::Shows::Normal));
+    EXPECT_NEAR(image.at(8, 20).x, 0.5F, 0.01F);
+    // 45 degrees: it looks back to where it rises from.
+    EXPECT_NEAR(image.at(32, 20).x, 0.5F - std::sqrt(0.125F), 0.03F);
+    EXPECT_NEAR(image.at(32, 20).y, 0.5F, 0.02F);
+}
+
+TEST(Maps, whatIsNotThereShowsWhatIsBehind)
+{
+    OssRdRenderer renderer;
+    const auto plane = OssRdGeometry::of(*OssEvShapes::plane());
+    OssRdMaterial material;
+    material.maps[OssRdMaterial::Color].value = {1.0F, 1.0F, 1.0F, 0.25F};
+    material.maps[OssRdMaterial::Glow].value = {1.0F, 0.0F, 0.0F, 1.0F};
+    OssRdScene scene;
+    scene.objects.push_back({plane, {{1001, material}}});
+    OssRdView view = frontOf(*plane, OssRdView::Shows::Lit);
+    view.ground = {0.0F, 0.0F, 0.5F, 1.0F};
+    const OssRdImage image = renderer.render(scene, view);
+    EXPECT_NEAR(image.at(20, 20).r, 0.25F, 0.01F);
+    EXPECT_NEAR(image.at(20, 20).b, 0.375F, 0.01F);
+    view.hidesBackFaces = true;
+    view.camera = glm::lookAt(plane->centre - glm::vec3(0, 0, 2), plane->centre, {0, 1, 0});
+    EXPECT_EQ(renderer.render(scene, view).at(20, 20), view.ground) << "seen from behind";
+}
+
+TEST(Environment, filesAreReadOrRefusedInWords)
+{
+    const std::string folder = std::filesystem::temp_directory_path() / "OssRender_tests";
+    std::filesystem::create_directories(folder);
+    const auto write = [&folder](const char *name, int width, int height, int channels,
+                                 float value) {
+        const std::string path = folder + "/" + name;
+        const auto out = OIIO::ImageOutput::create(path);
+        out->open(path, OIIO::ImageSpec(width, height, channels, OIIO::TypeDesc::FLOAT));
+        const std::vector<float> pixels(std::size_t(width * height * channels), value);
+        out->write_image(OIIO::TypeDesc::FLOAT, pixels.data());
+        out->close();
+        return path;
+    };
+    OssRdPicture picture;
+    ASSERT_TRUE(OssRdEnvironment::read(write("sky.exr", 64, 32, 3, 2.5F), &picture).ok());
+    EXPECT_EQ(picture.width, 64);
+    EXPECT_EQ(picture.at(5, 5), glm::vec3(2.5F));
+    ASSERT_TRUE(OssRdEnvironment::read(write("sky.hdr", 4096, 2048, 3, 1.0F), &picture).ok());
+    EXPECT_EQ(picture.width, OssRdEnvironment::mostWidth);
+    const auto reason = [&picture](const std::string &path) {
+        return OssRdEnvironment::read(path, &picture).error();
+    };
+    EXPECT_NE(reason(write("square.exr", 32, 32, 3, 1.0F)).find("32 x 32"), std::string::npos);
+    EXPECT_NE(reason(write("mask.exr", 64, 32, 1, 1.0F)).find("no colours"), std::string::npos);
+    EXPECT_NE(reason(write("nan.exr", 64, 32, 3, NAN)).find("no number"), std::string::npos);
+    EXPECT_NE(reason(folder + "/none.exr").find("none.exr"), std::string::npos);
+    EXPECT_EQ(picture.width, OssRdEnvironment::mostWidth) << "refused, it stays as it was";
+    std::filesystem::remove_all(folder);
+}
+
+TEST(Environment, eachIsAsBrightAsTheOthersAndPlacesGoBothWays)
+{
+    for (const glm::vec3 to :
+         {glm::vec3(0.3F, 0.5F, -0.8F), glm::vec3(-1, 0.1F, 0.2F), glm::vec3(0.2F, -0.9F, 0.7F)}) {
+        const glm::vec3 back = OssRdEnvironment::direction(OssRdEnvironment::place(to));
+        EXPECT_LT(glm::distance(back, glm::normalize(to)), 1e-4F);
+    }
+    for (const std::string &name : OssRdEnvironment::names()) {
+        const OssRdLightProbe probe = OssRdLightProbe::of(OssRdEnvironment::make(name));
+        double sum = 0.0;
+        for (const OssRdPicture &face : probe.dull) {
+            for (const glm::vec3 &texel : face.texels)
+                sum += double(texel.r + texel.g + texel.b) / 3.0 / double(6 * face.texels.size());
+        }
+        EXPECT_NEAR(sum, double(OssRdEnvironment::brightness), 0.06) << name;
+    }
+}
+
+} // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OssModel/Evaluation/OssBakeManager.h"
 #include "OssModel/Graph/OssShaderNetworkHolder.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "View/Drops.h"
@@ -218,9 +219,7 @@ private:
     /// One line for the status bar, where nothing in the graph shows what a command did or why it
     /// did nothing.
     static void tellUser(const QString &text);
-    enum class Bake { OutOfDate, EmptyAndOutOfDate, Again };
-
-    static void bake(const QList<OssSnBakePointNode *> &nodes, Bake how,
+    static void bake(const QList<OssSnBakePointNode *> &nodes, OssBakeManager::Which how,
                      const char *messageForNone);
     /// False when the user was asked and chose none.
     bool chooseOutputPoint(const OssSnBaseNode *node, const QString &title, const QString &label,

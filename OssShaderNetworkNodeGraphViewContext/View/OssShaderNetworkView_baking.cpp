@@ -3,6 +3,7 @@
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssCore/Undo/OssUndoManager.h"
+#include "OssInterface/Dialogs/OssBakeDialog.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssInterface/Popups/OssMessageBox.h"
 #include "OssModel/Graph/OssBakeReport.h"
@@ -43,7 +44,7 @@ void tell(const QString &title, const OssResult &result)
 
 // --- bake points
 
-void OssShaderNetworkView::bake(const QList<OssSnBakePointNode *> &nodes, Bake how,
+void OssShaderNetworkView::bake(const QList<OssSnBakePointNode *> &nodes, OssBakeManager::Which how,
                                 const char *messageForNone)
 {
     if (nodes.isEmpty()) {
@@ -51,11 +52,17 @@ void OssShaderNetworkView::bake(const QList<OssSnBakePointNode *> &nodes, Bake h
         tellUser(tr(messageForNone));
         return;
     }
+    // With a user the work goes on beside others; scripts and commands wait for it.
+    if (OssApplication::popupsAllowed()) {
+        if (how == OssBakeManager::OutOfDate || OssBakeDialog::ask(nodes))
+            OssBakeManager::instance()->start(nodes, how);
+        return;
+    }
     OssBakeReport report;
-    const OssResult baked = how == Bake::Again
+    const OssResult baked = how == OssBakeManager::Again
                                 ? OssShaderNetworkUtils::bakeAgain(nodes, &report)
                                 : OssShaderNetworkUtils::bakeBakePoints(
-                                    nodes, true, how == Bake::EmptyAndOutOfDate, &report);
+                                    nodes, true, how == OssBakeManager::EmptyAndOutOfDate, &report);
     tell(tr("Bake"), baked);
     tellUser(report.inWords());
 }
@@ -64,28 +71,28 @@ void OssShaderNetworkView::bakeEmptyAndUpdateOutOfDateBakePoints()
 {
     if (hasNetwork())
         bake(OssShaderNetworkUtils::bakePointsAmong(m_network->getAllNodes()),
-             Bake::EmptyAndOutOfDate, QT_TR_NOOP("No Bake Point nodes found"));
+             OssBakeManager::EmptyAndOutOfDate, QT_TR_NOOP("No Bake Point nodes found"));
 }
 
 void OssShaderNetworkView::bakeSelectedBakePoints()
 {
     if (hasNetwork())
         bake(OssShaderNetworkUtils::bakePointsAmong(m_network->selectedNodes()),
-             Bake::EmptyAndOutOfDate, QT_TR_NOOP("No Bake Point nodes are selected"));
+             OssBakeManager::EmptyAndOutOfDate, QT_TR_NOOP("No Bake Point nodes are selected"));
 }
 
 void OssShaderNetworkView::updateSelectedBakePoints()
 {
     if (hasNetwork())
-        bake(OssShaderNetworkUtils::bakePointsAmong(m_network->selectedNodes()), Bake::OutOfDate,
-             QT_TR_NOOP("No Bake Point nodes are selected"));
+        bake(OssShaderNetworkUtils::bakePointsAmong(m_network->selectedNodes()),
+             OssBakeManager::OutOfDate, QT_TR_NOOP("No Bake Point nodes are selected"));
 }
 
 void OssShaderNetworkView::bakeSelectedBakePointsAgain()
 {
     if (hasNetwork())
-        bake(OssShaderNetworkUtils::bakePointsAmong(m_network->selectedNodes()), Bake::Again,
-             QT_TR_NOOP("No Bake Point nodes are selected"));
+        bake(OssShaderNetworkUtils::bakePointsAmong(m_network->selectedNodes()),
+             OssBakeManager::Again, QT_TR_NOOP("No Bake Point nodes are selected"));
 }
 
 QList<OssSnBaseNode *> OssShaderNetworkView::selectionToBakeAround() const
@@ -104,16 +111,16 @@ void OssShaderNetworkView::updateUpstreamBakePoints()
 {
     const QList<OssSnBaseNode *> nodes = selectionToBakeAround();
     if (!nodes.isEmpty())
-        bake(OssShaderNetworkUtils::getUpstreamBakePointNodes(nodes), Bake::EmptyAndOutOfDate,
-             QT_TR_NOOP("No upstream Bake Point nodes found"));
+        bake(OssShaderNetworkUtils::getUpstreamBakePointNodes(nodes),
+             OssBakeManager::EmptyAndOutOfDate, QT_TR_NOOP("No upstream Bake Point nodes found"));
 }
 
 void OssShaderNetworkView::updateDownstreamBakePoints()
 {
     const QList<OssSnBaseNode *> nodes = selectionToBakeAround();
     if (!nodes.isEmpty())
-        bake(OssShaderNetworkUtils::getDownstreamBakePointNodes(nodes), Bake::EmptyAndOutOfDate,
-             QT_TR_NOOP("No downstream Bake Point nodes found"));
+        bake(OssShaderNetworkUtils::getDownstreamBakePointNodes(nodes),
+             OssBakeManager::EmptyAndOutOfDate, QT_TR_NOOP("No downstream Bake Point nodes found"));
 }
 
 // --- paint nodes

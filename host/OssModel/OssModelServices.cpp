@@ -1,6 +1,7 @@
 #include "OssModel/OssModelServices.h"
 
 #include "OssCore/OssCoreServices.h"
+#include "OssModel/Evaluation/OssBakeManager.h"
 #include "OssModel/Evaluation/OssDependencyMarks.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Evaluation/OssSolo.h"
@@ -43,6 +44,7 @@ struct OssModelServices::Services
     OssImageManager images;
     OssCanvasManager canvases;
     OssEvaluationService evaluation;
+    OssBakeManager bakes;
     OssProjectManager projects;
     OssExportManager exports;
     OssSolo solo;

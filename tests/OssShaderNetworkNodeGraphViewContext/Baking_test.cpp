@@ -1,6 +1,7 @@
 #include "GraphFixture.h"
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssInterface/Popups/OssApplication.h"
+#include "OssModel/Evaluation/OssBakeManager.h"
 #include "OssModel/Graph/OssGeoImageSet.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Nodes/OssLayerShaderModelManager.h"
@@ -9,6 +10,8 @@
 #include "OssModel/Objects/OssShadingContext.h"
 #include "support/DialogAnswers.h"
 
+#include <QComboBox>
+#include <QDialog>
 #include <QDir>
 #include <QImage>
 #include <QTemporaryDir>
@@ -195,6 +198,7 @@ TEST_F(BakingTest, whatTheUserStopsOpensNoBoxAndLeavesNothing)
         [&] { m_view->bakeToPaintableNode(); },
         [&] { m_view->exportToGeoChannel(channel); },
         [&] {
+            OssApplication::setPopupsAllowed(false); // it waits for a script alone
             select({m_bake});
             m_view->bakeSelectedBakePoints();
         },
@@ -340,4 +344,37 @@ TEST_F(BakingTest, withoutAnObjectNothingIsExportedAndWhatFailsIsTakenBack)
     EXPECT_FALSE(channel->isValid());
     EXPECT_EQ(m_project->stateHash(), before);
     EXPECT_EQ(undoCount(), 0);
+}
+
+TEST_F(BakingTest, withAUserBakesGoOnBesideOtherWorkAndAskForSizesThatNothingSays)
+{
+    auto *fresh = qobject_cast<OssSnBakePointNode *>(addAt("Misc/Bake Point", {900, 600}));
+    ASSERT_EQ(fresh->imageSet(), nullptr);
+    wire(m_color, fresh);
+    OssApplication::setPopupsAllowed(true);
+    select({fresh, m_bake});
+    const QByteArray before = m_project->stateHash();
+    whenOpen<QDialog>([](QDialog *dialog) { dialog->reject(); });
+    m_view->bakeSelectedBakePoints();
+    EXPECT_FALSE(OssBakeManager::instance()->isRunning());
+    EXPECT_EQ(m_project->stateHash(), before);
+    whenOpen<QDialog>([](QDialog *dialog) {
+        auto *size = dialog->findChild<QComboBox *>(QStringLiteral("resolution"));
+        auto *depth = dialog->findChild<QComboBox *>(QStringLiteral("depth"));
+        EXPECT_EQ(size->currentText(), QStringLiteral("2048")) << "the project's";
+        size->setCurrentText(QStringLiteral("256"));
+        depth->setCurrentText(QStringLiteral("8 bit"));
+        dialog->accept();
+    });
+    m_view->bakeSelectedBakePoints();
+    EXPECT_TRUE(OssBakeManager::instance()->isRunning());
+    EXPECT_TRUE(QTest::qWaitFor([] { return !OssBakeManager::instance()->isRunning(); }, 30000));
+    EXPECT_TRUE(fresh->isBakedResultUpToDate());
+    EXPECT_TRUE(m_bake->isBakedResultUpToDate());
+    EXPECT_EQ(fresh->imageSet()->resolution(), 256);
+    EXPECT_EQ(fresh->imageSet()->engineDepth(), OssEvDepth::Byte);
+    EXPECT_FALSE(fresh->asksForSize());
+    m_view->bakeSelectedBakePointsAgain(); // which asks nothing any more
+    EXPECT_TRUE(QTest::qWaitFor([] { return !OssBakeManager::instance()->isRunning(); }, 30000));
+    EXPECT_EQ(OssBakeManager::instance()->report().baked.size(), 2);
 }

@@ -69,6 +69,22 @@ public:
     /// One undo step; nothing changes when a patch fails.
     OssResult bakeInto(OssImageSet *set, const BakeJob &job);
 
+    /// Of a bake into images: a file for each patch, in the store, and what they are computed from.
+    struct PixelBakes
+    {
+        std::vector<OssEvBake::Job> jobs;
+        OssSnEvaluationGraph graph;
+        QMap<int, QString> files; ///< by patch
+    };
+
+    /// The parts of bakeInto(), for bakes in the background. Copies out of the document what is
+    /// computed, for images like these. May handle events.
+    OssResult prepareInto(const OssImageSet &images, const BakeJob &job, PixelBakes *made);
+    OssResult run(const PixelBakes &bakes, const std::function<bool(int, int)> &onProgress);
+    /// Files that were computed become pixels in the store, or none of them stays.
+    static OssResult adopt(const PixelBakes &bakes, QMap<int, QString> *pixels);
+    static void discard(const PixelBakes &bakes);
+
 private:
     /// Fails, in words, where the job cannot be computed.
     OssResult prepare(const BakeJob &job, OssSnEvaluationGraph *copied, OssEvTarget *made);

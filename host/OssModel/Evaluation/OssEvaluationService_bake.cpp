@@ -3,7 +3,7 @@
 #include "OssCore/Documents/OssAtomicFile.h"
 #include "OssEvaluation/Files/OssEvImageFormat.h"
 #include "OssEvaluation/Files/OssEvUdim.h"
-#include "OssEvaluation/Schedule/OssEvEngine.h"
+#include "OssModel/Evaluation/OssBakeWork.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
@@ -17,36 +17,12 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QPointer>
-#include <QThread>
-#include <QTimer>
-
-#include <atomic>
 
 namespace {
-
-constexpr int TellEvery = 50; ///< milliseconds
 
 QString tr(const char *text)
 {
     return QCoreApplication::translate("OssEvaluationService", text);
-}
-
-/// One after the other, on a thread of their own: baking waits.
-OssEvResult runAll(OssEvEngine *engine, std::vector<OssEvBake::Job> *bakes, OssEvCancel *cancel,
-                   std::atomic<int> *thousandths)
-{
-    const int count = int(bakes->size());
-    for (int i = 0; i < count; ++i) {
-        OssEvBake::Job &bake = (*bakes)[std::size_t(i)];
-        bake.cancel = cancel;
-        bake.onProgress = [=](int done, int total) {
-            *thousandths = (1000 * i + (total > 0 ? int(1000LL * done / total) : 0)) / count;
-        };
-        OssEvResult result = OssEvBake::run(engine, bake);
-        if (!result)
-            return result;
-    }
-    return {};
 }
 
 } // namespace
@@ -85,29 +61,23 @@ OssResult OssEvaluationService::runBakes(std::vector<OssEvBake::Job> bakes,
                                          const OssSnEvaluationGraph &graph,
                                          const std::function<bool(int, int)> &onProgress)
 {
-    OssEvCancel cancel;
-    OssEvResult result;
-    std::atomic<int> thousandths{0};
+    OssBakeWork work(std::move(bakes));
     const auto tell = [&] {
-        if (onProgress && !onProgress(thousandths, 1000))
-            cancel.cancel();
+        if (onProgress && !onProgress(work.thousandths(), 1000))
+            work.cancel();
     };
     tell();
-    OssEvEngine *worker = engine();
-    const std::unique_ptr<QThread> thread(
-        QThread::create([&] { result = runAll(worker, &bakes, &cancel, &thousandths); }));
     QEventLoop loop;
-    QObject::connect(thread.get(), &QThread::finished, &loop, &QEventLoop::quit);
-    QTimer timer;
-    QObject::connect(&timer, &QTimer::timeout, &loop, tell);
-    timer.start(TellEvery);
-    thread->start();
+    QObject::connect(&work, &OssBakeWork::finished, &loop, &QEventLoop::quit);
+    QObject::connect(&work, &OssBakeWork::progressed, &loop, tell);
+    work.start(false);
     loop.exec();
     // The loop also ends when the application does.
-    if (!thread->isFinished())
-        cancel.cancel();
-    thread->wait();
-    if (!result && cancel.isCancelled())
+    if (work.isRunning())
+        work.cancel();
+    work.wait();
+    const OssEvResult result = work.result();
+    if (!result && work.isCancelled())
         return OssResult::cancelled(tr("The bake was stopped"));
     if (result)
         graph.tellSuccess();
@@ -151,45 +121,71 @@ OssResult OssEvaluationService::bake(const BakeJob &job, const QString &path)
     return result;
 }
 
-OssResult OssEvaluationService::bakeInto(OssImageSet *set, const BakeJob &job)
+OssResult OssEvaluationService::prepareInto(const OssImageSet &images, const BakeJob &job,
+                                            PixelBakes *made)
 {
     OssEvTarget target;
-    OssSnEvaluationGraph graph;
-    const OssResult prepared = prepare(job, &graph, &target);
+    const OssResult prepared = prepare(job, &made->graph, &target);
     if (!prepared)
         return prepared;
-    std::vector<OssEvBake::Job> bakes;
-    QMap<int, QString> made;
     for (const int patch : job.patches) {
         OssEvBake::Job bake;
         bake.target = target;
         bake.target.patch = patch;
-        made.insert(patch, OssPixelStore::newPath());
-        bake.path = made.value(patch).toStdString();
-        bake.target.bleed = set->bleed();
-        bake.isPrecise = set->depth() == OssImageSet::FloatDepth;
-        bake.isData = set->isScalar();
-        bake.isScalar = set->isScalar();
+        made->files.insert(patch, OssPixelStore::newPath());
+        bake.path = made->files.value(patch).toStdString();
+        bake.target.bleed = images.bleed();
+        bake.isPrecise = images.depth() == OssImageSet::FloatDepth;
+        bake.isData = images.isScalar();
+        bake.isScalar = images.isScalar();
         if (job.keepsDepth)
-            bake.depth = set->engineDepth();
-        bake.fileSpace = set->fileSpace().toStdString();
-        bakes.push_back(bake);
+            bake.depth = images.engineDepth();
+        bake.fileSpace = images.fileSpace().toStdString();
+        made->jobs.push_back(bake);
     }
-    OssResult result = made.isEmpty()
-                           ? OssResult::failure(tr("There is no patch to bake"))
-                           : OssAtomicFile::makeFolder(QFileInfo(made.first()).absolutePath());
-    const QPointer<OssImageSet> living = set; // events are handled meanwhile
-    if (result)
-        result = runBakes(std::move(bakes), graph, job.onProgress);
-    if (!living)
-        result = OssResult::failure(tr("The images are gone that were to have the pixels"));
-    QMap<int, QString> pixels = living ? living->pixels() : QMap<int, QString>();
-    for (auto at = made.cbegin(); at != made.cend(); ++at) {
+    return made->files.isEmpty()
+               ? OssResult::failure(tr("There is no patch to bake"))
+               : OssAtomicFile::makeFolder(QFileInfo(made->files.first()).absolutePath());
+}
+
+OssResult OssEvaluationService::run(const PixelBakes &bakes,
+                                    const std::function<bool(int, int)> &onProgress)
+{
+    return runBakes(bakes.jobs, bakes.graph, onProgress);
+}
+
+OssResult OssEvaluationService::adopt(const PixelBakes &bakes, QMap<int, QString> *pixels)
+{
+    OssResult result;
+    for (auto at = bakes.files.cbegin(); at != bakes.files.cend(); ++at) {
         if (result)
-            result = OssPixelStore::adopt(at.value(), &pixels[at.key()]);
+            result = OssPixelStore::adopt(at.value(), &(*pixels)[at.key()]);
         if (!result)
             QFile::remove(at.value());
     }
+    return result;
+}
+
+void OssEvaluationService::discard(const PixelBakes &bakes)
+{
+    for (const QString &file : bakes.files)
+        QFile::remove(file);
+}
+
+OssResult OssEvaluationService::bakeInto(OssImageSet *set, const BakeJob &job)
+{
+    PixelBakes bakes;
+    OssResult result = prepareInto(*set, job, &bakes);
+    const QPointer<OssImageSet> living = set; // events are handled meanwhile
+    if (result)
+        result = run(bakes, job.onProgress);
+    if (!living)
+        result = OssResult::failure(tr("The images are gone that were to have the pixels"));
+    QMap<int, QString> pixels = living ? living->pixels() : QMap<int, QString>();
+    if (result)
+        result = adopt(bakes, &pixels);
+    else
+        discard(bakes);
     if (result)
         set->setPixels(pixels);
     return result;

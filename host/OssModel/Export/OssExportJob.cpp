@@ -19,8 +19,7 @@
 
 namespace {
 
-constexpr int TellEvery = 50;    ///< milliseconds
-constexpr int FirstGuess = 1000; ///< milliseconds after which the rest is reckoned
+constexpr int TellEvery = 50; ///< milliseconds
 constexpr int MostReasons = 5;
 
 } // namespace
@@ -186,7 +185,7 @@ void OssExportJob::start()
     m_work->engine = OssEvaluationService::instance()->engine();
     m_thread.reset(QThread::create([work = m_work] { work->run(); }));
     connect(m_thread.get(), &QThread::finished, this, &OssExportJob::end);
-    m_elapsed.start();
+    m_clock.start();
     m_timer.start();
     m_thread->start(QThread::LowPriority);
 }
@@ -201,10 +200,7 @@ void OssExportJob::setPaused(bool paused)
 {
     if (paused == isPaused() || !isRunning())
         return;
-    if (paused)
-        m_sincePause.start();
-    else
-        m_pausedFor += m_sincePause.elapsed();
+    m_clock.setResting(paused);
     {
         const std::lock_guard<std::mutex> lock(m_work->mutex);
         m_work->isPaused = paused;
@@ -235,12 +231,7 @@ QString OssExportJob::currentFile() const
 
 int OssExportJob::secondsLeft() const
 {
-    const qint64 now = isPaused() ? m_sincePause.elapsed() : 0;
-    const qint64 worked = m_elapsed.isValid() ? m_elapsed.elapsed() - m_pausedFor - now : 0;
-    const qint64 done = m_work->done;
-    if (worked < FirstGuess || done <= 0)
-        return -1;
-    return int((m_work->total - done) * worked / done / 1000);
+    return m_clock.secondsLeft(m_work->done, m_work->total);
 }
 
 QStringList OssExportJob::written() const

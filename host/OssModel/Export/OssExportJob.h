@@ -1,10 +1,10 @@
 #pragma once
 
 #include "OssEvaluation/Values/OssEvKey.h"
+#include "OssModel/Evaluation/WorkClock.h"
 #include "OssModel/Export/OssExportPlan.h"
 #include "OssModel/OssModel_export.h"
 
-#include <QElapsedTimer>
 #include <QHash>
 #include <QObject>
 #include <QTimer>
@@ -72,7 +72,5 @@ private:
     std::shared_ptr<Work> m_work; ///< what the worker has of it
     std::unique_ptr<QThread> m_thread;
     QTimer m_timer;
-    QElapsedTimer m_elapsed;
-    qint64 m_pausedFor = 0; ///< milliseconds
-    QElapsedTimer m_sincePause;
+    WorkClock m_clock;
 };

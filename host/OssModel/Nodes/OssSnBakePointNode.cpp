@@ -188,13 +188,33 @@ bool OssSnBakePointNode::isBakedFor(const OssGeoEntity *object) const
     });
 }
 
+bool OssSnBakePointNode::asksForSize() const
+{
+    const OssCustomAttribute own = userAttribute(QLatin1String(ResolutionAttribute));
+    return !imageSet() && own.isValid() && own.isDefault();
+}
+
 OssImageSet *OssSnBakePointNode::needImageSet()
 {
-    const QLatin1String resolution(ResolutionAttribute);
-    const OssCustomAttribute own = userAttribute(resolution);
-    if (!imageSet() && own.isValid() && own.isDefault())
-        setAttribute(resolution, QString::number(OssImageManager::instance()->newResolution()));
+    if (asksForSize())
+        setAttribute(QLatin1String(ResolutionAttribute),
+                     QString::number(OssImageManager::instance()->newResolution()));
     return OssSnImageSetNodeBase::needImageSet();
+}
+
+std::unique_ptr<const OssImageSet> OssSnBakePointNode::imagesToBake() const
+{
+    auto images = std::make_unique<OssImageSet>(QString());
+    if (const OssImageSet *own = imageSet()) {
+        images->copySettings(*own);
+        images->setResolution(own->resolution());
+        return images;
+    }
+    images->setResolution(OssImageManager::instance()->newResolution());
+    applySettings(images.get());
+    if (asksForSize())
+        images->setResolution(OssImageManager::instance()->newResolution());
+    return images;
 }
 
 void OssSnBakePointNode::applySettings(OssImageSet *images) const

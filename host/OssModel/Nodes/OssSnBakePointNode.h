@@ -56,6 +56,10 @@ public:
     bool isBakedFor(const OssGeoEntity *object) const;
 
     OssImageSet *needImageSet() override;
+    /// Without pixels: how those are kept that a bake now would make, whether there are any yet.
+    std::unique_ptr<const OssImageSet> imagesToBake() const;
+    /// Whether nobody has chosen how large its images are, and there are none.
+    bool asksForSize() const;
     void applySettings(OssImageSet *images) const override;
     /// Whether it says how finely values are kept. Those of older documents keep them as they come.
     bool choosesDepth() const;

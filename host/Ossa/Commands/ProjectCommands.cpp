@@ -8,6 +8,7 @@
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssInterface/Popups/OssFileDialog.h"
 #include "OssInterface/Popups/OssMessageBox.h"
+#include "OssModel/Evaluation/OssBakeManager.h"
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectManager.h"
 
@@ -95,9 +96,23 @@ bool ProjectCommands::isBusy()
     return status->isBlocking();
 }
 
+bool ProjectCommands::mayStopBaking() const
+{
+    OssBakeManager *bakes = OssBakeManager::instance();
+    if (!bakes->isRunning())
+        return true;
+    const auto answer = OssMessageBox::question(
+        m_window, tr("Bake"),
+        tr("Bake points are still being baked. Stop that? What is baked stays."),
+        QMessageBox::Yes | QMessageBox::Cancel, QMessageBox::Cancel);
+    if (answer == QMessageBox::Yes)
+        bakes->cancel();
+    return answer == QMessageBox::Yes;
+}
+
 bool ProjectCommands::mayClose()
 {
-    if (isBusy())
+    if (isBusy() || !mayStopBaking())
         return false;
     settle();
     const auto *projects = OssProjectManager::instance();

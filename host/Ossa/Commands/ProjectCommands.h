@@ -33,6 +33,7 @@ Q_SIGNALS:
     void projectStateChanged();
 
 private:
+    bool mayStopBaking() const;
     void fileCommands();
     void askAndOpen();
     void fileRecent();

@@ -1,14 +1,9 @@
 #pragma once
 
-#include <QWidget>
+#include "Ossa/Export/WorkProgress.h"
 
-class QLabel;
-class QProgressBar;
-class QToolButton;
-
-/// How far the running export is, with Pause and Stop; hidden while none runs. The status bar has one,
-/// and the palette.
-class ExportProgress : public QWidget
+/// How far the running export is; hidden while none runs. The status bar has one, and the palette.
+class ExportProgress : public WorkProgress
 {
     Q_OBJECT
 
@@ -18,10 +13,4 @@ public:
 private:
     void follow();
     void refresh();
-    void pause(bool paused);
-
-    QLabel *m_text;
-    QProgressBar *m_bar;
-    QToolButton *m_pause;
-    QToolButton *m_stop;
 };

@@ -1,5 +1,6 @@
 #include "Ossa/Window/StatusArea.h"
 
+#include "Ossa/Export/BakeProgress.h"
 #include "Ossa/Export/ExportProgress.h"
 #include "OssCore/Program/OssIcon.h"
 #include "OssCore/Program/OssStatusManager.h"
@@ -65,6 +66,7 @@ StatusArea::StatusArea(QWidget *parent)
         widget->hide();
     }
     addPermanentWidget(new ExportProgress(this));
+    addPermanentWidget(new BakeProgress(this));
     m_problems->setObjectName(QStringLiteral("Problems"));
     m_problems->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     m_problems->setIcon(OssIcon::createIconFromFilename(QStringLiteral("Problems.png")));

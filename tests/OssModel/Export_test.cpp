@@ -1,128 +1,12 @@
-#include "../support/ModelFixture.h"
+#include "ExportFixture.h"
 #include "OssCore/Program/OssSettings.h"
-#include "OssCore/Values/OssColor.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
-#include "OssModel/Export/OssExportManager.h"
 #include "OssModel/Export/OssExportPresets.h"
 #include "OssModel/Nodes/OssProblems.h"
-
-#include <OpenImageIO/imagebuf.h>
-#include <OpenImageIO/imagebufalgo.h>
-
-#include <QDir>
-#include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QProcess>
-#include <QTemporaryDir>
-#include <QtEndian>
 
 #include <cmath>
 
 namespace {
-
-QString text(const char *words)
-{
-    return QString::fromUtf8(words);
-}
-
-OssExportPreset presetOf(const char *files)
-{
-    OssExportPreset preset;
-    const QByteArray xml = QByteArray("<ExportPreset Name=\"Test\">") + files + "</ExportPreset>";
-    const OssResult read = OssExportPreset::read(xml, text("test.xml"), &preset);
-    EXPECT_TRUE(read) << qPrintable(read.error());
-    return preset;
-}
-
-/// Textures written of a material, and read with another library's eyes.
-class Export : public ModelFixture
-{
-protected:
-    void SetUp() override
-    {
-        ModelFixture::SetUp();
-        m_shader = add("Shaders/Standard Surface", "Wall");
-        m_entity = m_network->geoEntity();
-        m_entity->setName(text("plane"));
-        m_options.folder = m_folder.path();
-        m_options.resolution = 64;
-    }
-
-    OssSnBaseNode *color(double red, double green, double blue, double alpha = 1.0)
-    {
-        OssSnBaseNode *node = add("Procedural/Color");
-        node->setAttribute(text("Color"), QVariant::fromValue(OssColor(red, green, blue, alpha)));
-        return node;
-    }
-
-    /// Two patches beside each other, each covered in its middle.
-    void usePatches()
-    {
-        QFile file(m_folder.filePath(text("patches.obj")));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write("v 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\nvt 0.25 0.25\nvt 0.75 0.25\nvt 0.75 0.75\n"
-                   "vt 0.25 0.75\nvt 1.25 0.25\nvt 1.75 0.25\nvt 1.75 0.75\nvt 1.25 0.75\n"
-                   "f 1/1 2/2 3/3 4/4\nf 1/5 2/6 3/7 4/8\n");
-        file.close();
-        m_entity->setGeometry(file.fileName());
-        m_options.patches = {1001};
-        EXPECT_TRUE(plan(presetOf("<File Name='a' Format='png'><Channel To='R' Value='1'/></File>"))
-                        .error()
-                        .contains(text("still being read")));
-        m_options.patches.clear();
-        OssExportPlan::waitForMeshes(m_project);
-    }
-
-    OssResult plan(const OssExportPreset &preset)
-    {
-        return OssExportPlan::make(m_project, preset, m_options, &m_plan);
-    }
-
-    OssResult write(const OssExportPreset &preset)
-    {
-        const OssResult planned = plan(preset);
-        return planned ? OssExportManager::instance()->run(m_plan, {}) : planned;
-    }
-
-    QStringList names() const
-    {
-        QStringList found;
-        for (const OssExportFile &file : m_plan.files)
-            found.append(QDir(m_options.folder).relativeFilePath(file.path));
-        return found;
-    }
-
-    /// As the numbers stand in the file.
-    OIIO::ImageBuf read(const char *name) const
-    {
-        OIIO::ImageSpec config;
-        config["oiio:UnassociatedAlpha"] = 1;
-        OIIO::ImageBuf image(m_folder.filePath(text(name)).toStdString(), 0, 0, nullptr, &config);
-        EXPECT_TRUE(image.read(0, 0, true, OIIO::TypeDesc::FLOAT)) << name << image.geterror();
-        return image;
-    }
-
-    std::vector<float> mean(const char *name) const
-    {
-        return OIIO::ImageBufAlgo::computePixelStats(read(name)).avg;
-    }
-
-    static void expectNear(const std::vector<float> &found, const std::vector<float> &wanted,
-                           float tolerance = 0.003F)
-    {
-        ASSERT_EQ(found.size(), wanted.size());
-        for (std::size_t i = 0; i < wanted.size(); ++i)
-            EXPECT_NEAR(found[i], wanted[i], tolerance) << "channel " << i;
-    }
-
-    QTemporaryDir m_folder;
-    OssSnBaseNode *m_shader = nullptr;
-    OssGeoEntity *m_entity = nullptr;
-    OssExportOptions m_options;
-    OssExportPlan m_plan;
-};
 
 TEST_F(Export, shippedPresetsWriteWhatTheySay)
 {
@@ -423,52 +307,6 @@ TEST_F(Export, watchingWritesAgainWhatChangedAndNothingElse)
     EXPECT_EQ(exports->job()->written().size(), all) << "asked for, all are written";
     OssProjectManager::instance()->newProject(text("Other"));
     EXPECT_FALSE(exports->canExportAgain());
-}
-
-/// Of the JSON part of a binary glTF file.
-QJsonObject sceneIn(const QString &path)
-{
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-    const QByteArray bytes = file.readAll();
-    EXPECT_EQ(bytes.left(4), QByteArray("glTF"));
-    const auto length = qFromLittleEndian<quint32>(bytes.constData() + 12);
-    return QJsonDocument::fromJson(bytes.mid(20, int(length))).object();
-}
-
-TEST_F(Export, oneGltfFileHoldsObjectsPatchByPatchAndPassesTheValidator)
-{
-    usePatches();
-    wire(add("Procedural/Noise/Fractal Noise"), m_shader, "Roughness");
-    wire(color(0.5, 0.5, 1), m_shader, "Normal");
-    m_shader->setAttribute(text("Opacity"), 0.5);
-    add("Shaders/Standard Surface", "Spare");
-    m_options.file = m_folder.filePath(text("deep/wall.glb"));
-    ASSERT_TRUE(OssExportPlan::makeGltf(m_project, m_options, &m_plan));
-    EXPECT_EQ(m_plan.notes,
-              QStringList{text("plane has several materials: \"plane/Spare\" is left out")});
-    const OssResult written = OssExportManager::instance()->run(m_plan, {});
-    ASSERT_TRUE(written) << qPrintable(written.error());
-    EXPECT_EQ(OssExportManager::instance()->job()->written(), QStringList{m_options.file});
-    const QJsonObject scene = sceneIn(m_options.file);
-    EXPECT_EQ(scene[text("nodes")].toArray().size(), 1);
-    const QJsonArray primitives =
-        scene[text("meshes")].toArray().first()[text("primitives")].toArray();
-    EXPECT_EQ(primitives.size(), 2) << "one for each patch";
-    const QJsonArray materials = scene[text("materials")].toArray();
-    ASSERT_EQ(materials.size(), 2);
-    EXPECT_EQ(materials.first()[text("name")].toString(), text("Wall.1001"));
-    EXPECT_EQ(materials.first()[text("alphaMode")].toString(), text("BLEND"));
-    EXPECT_EQ(scene[text("images")].toArray().size(), 6) << "base, packed and normal, no light";
-
-    const QString validator = qEnvironmentVariable("OSSA_GLTF_VALIDATOR");
-    if (validator.isEmpty())
-        GTEST_SKIP() << "OSSA_GLTF_VALIDATOR names no script";
-    QProcess process;
-    process.start(text("node"), {validator, m_options.file});
-    ASSERT_TRUE(process.waitForFinished(60000));
-    EXPECT_EQ(process.exitCode(), 0)
-        << process.readAll().constData() << process.readAllStandardError().constData();
 }
 
 } // namespace

@@ -4,10 +4,7 @@ const path = require("path");
 const validator = require(path.join(process.env.OSSA_NODE_MODULES, "gltf-validator"));
 
 validator
-  .validateBytes(new Uint8Array(fs.readFileSync(process.argv[2])), {
-    // The format has viewers make tangents in MikkTSpace where a file has none, which is what is wanted.
-    ignoredIssues: ["MESH_PRIMITIVE_GENERATED_TANGENT_SPACE"],
-  })
+  .validateBytes(new Uint8Array(fs.readFileSync(process.argv[2])))
   .then((report) => {
     const { numErrors, numWarnings, messages } = report.issues;
     if (numErrors + numWarnings > 0) console.log(JSON.stringify(messages, null, 1));

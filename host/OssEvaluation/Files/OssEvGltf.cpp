@@ -1,6 +1,7 @@
 #include "OssEvaluation/Files/OssEvGltf.h"
 
 #include "OssEvaluation/Files/OssEvFile.h"
+#include "OssEvaluation/Geometry/OssEvTangents.h"
 
 #include <algorithm>
 #include <array>
@@ -36,6 +37,11 @@ int patchOf(const OssEvMesh &mesh, const std::array<std::uint32_t, 3> &triangle)
         v += mesh.uvs[vertex][1] / 3.0F;
     }
     return FirstPatch + int(std::floor(u)) + PatchesAcross * int(std::floor(v));
+}
+
+bool hasSlot(const std::vector<int> &slots, int slot)
+{
+    return slots.empty() || std::find(slots.begin(), slots.end(), slot) != slots.end();
 }
 
 class Writer
@@ -135,22 +141,40 @@ private:
         material.emissiveTexture.index = addTexture(from.emissive);
         if (!from.emissive.empty())
             material.emissiveFactor = {1.0, 1.0, 1.0};
+        if (!from.clearCoat.empty())
+            addClearCoat(from, &material);
         m_model.materials.push_back(material);
+    }
+
+    void addClearCoat(const Material &from, tinygltf::Material *material)
+    {
+        const std::string name = "KHR_materials_clearcoat";
+        const tinygltf::Value texture(
+            tinygltf::Value::Object{{"index", tinygltf::Value(addTexture(from.clearCoat))}});
+        material->extensions[name] = tinygltf::Value(
+            tinygltf::Value::Object{{"clearcoatFactor", tinygltf::Value(1.0)},
+                                    {"clearcoatTexture", texture},
+                                    {"clearcoatRoughnessFactor", tinygltf::Value(1.0)},
+                                    {"clearcoatRoughnessTexture", texture}});
+        if (m_model.extensionsUsed.empty())
+            m_model.extensionsUsed.push_back(name);
     }
 
     void addObject(const Object &object, tinygltf::Scene *scene)
     {
-        std::map<int, std::vector<std::uint32_t>> corners; // by patch
-        for (const auto &triangle : object.mesh->triangles) {
-            auto &list = corners[patchOf(*object.mesh, triangle)];
-            list.insert(list.end(), triangle.begin(), triangle.end());
-        }
+        const auto &surfaces = object.surfaces;
+        const bool hasNormals = std::any_of(
+            surfaces.begin(), surfaces.end(), [this](const Surface &one) {
+                return !m_scene.materials[std::size_t(one.material)].normal.empty();
+            });
+        const OssEvTangents tangents = hasNormals ? OssEvTangents::of(*object.mesh)
+                                                  : OssEvTangents();
         tinygltf::Mesh mesh;
         mesh.name = object.name;
-        for (const Surface &surface : object.surfaces) {
-            const auto found = corners.find(surface.patch);
-            if (found != corners.end())
-                mesh.primitives.push_back(primitive(*object.mesh, found->second, surface));
+        for (const Surface &surface : surfaces) {
+            const std::vector<std::size_t> faces = facesOf(*object.mesh, surface);
+            if (!faces.empty())
+                mesh.primitives.push_back(primitive(*object.mesh, tangents, faces, surface));
         }
         if (mesh.primitives.empty())
             return;
@@ -162,43 +186,63 @@ private:
         scene->nodes.push_back(int(m_model.nodes.size()) - 1);
     }
 
-    /// Vertices of these corners alone, in the order in which they come.
-    tinygltf::Primitive primitive(const OssEvMesh &mesh, const std::vector<std::uint32_t> &corners,
-                                  const Surface &surface)
+    static std::vector<std::size_t> facesOf(const OssEvMesh &mesh, const Surface &surface)
     {
+        std::vector<std::size_t> faces;
+        for (std::size_t i = 0; i < mesh.triangles.size(); ++i) {
+            if (patchOf(mesh, mesh.triangles[i]) == surface.patch
+                && hasSlot(surface.slots, mesh.materials[i]))
+                faces.push_back(i);
+        }
+        return faces;
+    }
+
+    /// Vertices of these faces alone, in the order in which they come.
+    tinygltf::Primitive primitive(const OssEvMesh &mesh, const OssEvTangents &tangents,
+                                  const std::vector<std::size_t> &faces, const Surface &surface)
+    {
+        const bool hasTangents = !m_scene.materials[std::size_t(surface.material)].normal.empty();
         std::unordered_map<std::uint32_t, std::uint32_t> places;
-        places.reserve(corners.size() / 2);
+        places.reserve(2 * faces.size());
         std::vector<std::uint32_t> indices;
         std::vector<OssEvMesh::Vector3> positions;
         std::vector<OssEvMesh::Vector3> normals;
         std::vector<OssEvMesh::Vector2> uvs;
+        std::vector<OssEvTangents::Tangent> directions;
         const float u0 = float((surface.patch - FirstPatch) % PatchesAcross);
         const float v0 = float((surface.patch - FirstPatch) / PatchesAcross);
-        for (const std::uint32_t vertex : corners) {
-            const auto [place, isNew] = places.emplace(vertex, std::uint32_t(positions.size()));
+        const auto add = [&](std::uint32_t corner) {
+            const auto [place, isNew] = places.emplace(corner, std::uint32_t(positions.size()));
             indices.push_back(place->second);
             if (!isNew)
-                continue;
+                return;
+            const std::uint32_t vertex = hasTangents ? tangents.sources[corner] : corner;
+            if (hasTangents)
+                directions.push_back(tangents.tangents[corner]);
             positions.push_back(mesh.positions[vertex]);
             normals.push_back(unit(mesh.normals[vertex]));
             // v grows downwards in the format.
             uvs.push_back({mesh.uvs[vertex][0] - u0, 1.0F - (mesh.uvs[vertex][1] - v0)});
+        };
+        for (const std::size_t face : faces) {
+            for (const std::uint32_t corner :
+                 hasTangents ? tangents.triangles[face] : mesh.triangles[face])
+                add(corner);
         }
         tinygltf::Primitive result;
         result.mode = TINYGLTF_MODE_TRIANGLES;
         result.material = surface.material;
-        result.attributes["POSITION"] = addVectors(positions, true);
-        result.attributes["NORMAL"] = addVectors(normals, false);
-        tinygltf::Accessor texels = accessor(uvs.size(), TINYGLTF_COMPONENT_TYPE_FLOAT,
-                                             TINYGLTF_TYPE_VEC2);
-        texels.bufferView = addView(uvs.data(), uvs.size() * sizeof uvs[0],
-                                    TINYGLTF_TARGET_ARRAY_BUFFER);
-        result.attributes["TEXCOORD_0"] = add(texels);
+        result.attributes["POSITION"] = addVectors(positions, TINYGLTF_TYPE_VEC3);
+        setBounds(positions, &m_model.accessors.back());
+        result.attributes["NORMAL"] = addVectors(normals, TINYGLTF_TYPE_VEC3);
+        if (hasTangents)
+            result.attributes["TANGENT"] = addVectors(directions, TINYGLTF_TYPE_VEC4);
+        result.attributes["TEXCOORD_0"] = addVectors(uvs, TINYGLTF_TYPE_VEC2);
         tinygltf::Accessor order = accessor(indices.size(), TINYGLTF_COMPONENT_TYPE_UNSIGNED_INT,
                                             TINYGLTF_TYPE_SCALAR);
         order.bufferView = addView(indices.data(), indices.size() * sizeof indices[0],
                                    TINYGLTF_TARGET_ELEMENT_ARRAY_BUFFER);
-        result.indices = add(order);
+        result.indices = addAccessor(order);
         return result;
     }
 
@@ -220,27 +264,32 @@ private:
         return result;
     }
 
-    int add(const tinygltf::Accessor &accessor)
+    int addAccessor(const tinygltf::Accessor &accessor)
     {
         m_model.accessors.push_back(accessor);
         return int(m_model.accessors.size()) - 1;
     }
 
-    int addVectors(const std::vector<OssEvMesh::Vector3> &values, bool hasBounds)
+    template <class Vector>
+    int addVectors(const std::vector<Vector> &values, int type)
     {
-        tinygltf::Accessor result = accessor(values.size(), TINYGLTF_COMPONENT_TYPE_FLOAT,
-                                             TINYGLTF_TYPE_VEC3);
+        tinygltf::Accessor result = accessor(values.size(), TINYGLTF_COMPONENT_TYPE_FLOAT, type);
         result.bufferView = addView(values.data(), values.size() * sizeof values[0],
                                     TINYGLTF_TARGET_ARRAY_BUFFER);
-        for (std::size_t k = 0; hasBounds && k < 3; ++k) {
+        return addAccessor(result);
+    }
+
+    static void setBounds(const std::vector<OssEvMesh::Vector3> &values,
+                          tinygltf::Accessor *accessor)
+    {
+        for (std::size_t k = 0; k < 3; ++k) {
             const auto less = [k](const auto &a, const auto &b) {
                 return a[k] < b[k];
             };
             const auto [least, most] = std::minmax_element(values.begin(), values.end(), less);
-            result.minValues.push_back(double((*least)[k]));
-            result.maxValues.push_back(double((*most)[k]));
+            accessor->minValues.push_back(double((*least)[k]));
+            accessor->maxValues.push_back(double((*most)[k]));
         }
-        return add(result);
     }
 
     const Scene &m_scene;
@@ -249,6 +298,16 @@ private:
 };
 
 } // namespace
+
+std::set<int> OssEvGltf::patchesOf(const OssEvMesh &mesh, const std::vector<int> &slots)
+{
+    std::set<int> patches;
+    for (std::size_t i = 0; i < mesh.triangles.size(); ++i) {
+        if (hasSlot(slots, mesh.materials[i]))
+            patches.insert(patchOf(mesh, mesh.triangles[i]));
+    }
+    return patches;
+}
 
 OssEvResult OssEvGltf::write(const Scene &scene, const std::string &path, const OssEvCancel *cancel)
 {

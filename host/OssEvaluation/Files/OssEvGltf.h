@@ -6,6 +6,7 @@
 #include "OssEvaluation/Values/OssEvResult.h"
 
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,7 @@ struct Material
     std::string occlusionRoughnessMetallic;
     std::string normal;
     std::string emissive;
+    std::string clearCoat;     ///< red: how much, green: how rough
     bool hasOcclusion = false; ///< red of the second says something
     bool blends = false;       ///< alpha of the first does
 };
@@ -29,7 +31,8 @@ struct Material
 struct Surface
 {
     int patch = 1001;
-    int material = 0; ///< index
+    int material = 0;       ///< index
+    std::vector<int> slots; ///< material slots of its faces; none: of whatever slot
 };
 
 struct Object
@@ -45,7 +48,10 @@ struct Scene
     std::vector<Material> materials;
 };
 
-/// Whole or not at all. Faces that lie in several patches go with the one of their middle.
+/// Patches in which faces of these slots are written; of whatever slot where there are none.
+OSSEVALUATION_EXPORT std::set<int> patchesOf(const OssEvMesh &mesh, const std::vector<int> &slots);
+
+/// Whole or not at all. Surfaces with normals have tangents. Faces that lie in several patches go with the one of their middle.
 OSSEVALUATION_EXPORT OssEvResult write(const Scene &scene, const std::string &path,
                                        const OssEvCancel *cancel = nullptr);
 

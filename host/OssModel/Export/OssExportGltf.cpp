@@ -2,6 +2,7 @@
 #include "OssCore/Documents/OssAtomicFile.h"
 #include "OssCore/Program/OssResourceInfo.h"
 #include "OssCore/Values/OssColor.h"
+#include "OssEvaluation/Geometry/OssEvMesh.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Export/OssExportPlan.h"
 #include "OssModel/Graph/OssGeoEntity.h"
@@ -9,14 +10,18 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QHash>
+#include <QMap>
 #include <QTemporaryDir>
 
 #include <algorithm>
+#include <set>
+#include <vector>
 
 namespace {
 
 // Files of the preset.
-enum Role { BaseColor, OcclusionRoughnessMetallic, Normal, Emissive };
+enum Role { BaseColor, OcclusionRoughnessMetallic, Normal, Emissive, ClearCoat };
 
 constexpr qint64 LargestPreset = 1 << 20;
 
@@ -34,10 +39,30 @@ OssResult usualPreset(OssExportPreset *preset)
     return read ? OssExportPreset::read(xml, path, preset) : read;
 }
 
+/// Only this format has a place for it.
+OssExportPreset::File clearCoat()
+{
+    OssExportPreset::File coat;
+    coat.name = QStringLiteral("$object[_$material]_clearCoat[.$udim]");
+    coat.format = QStringLiteral("png");
+    coat.form.depth = OssEvDepth::Byte;
+    coat.form.dithers = true;
+    coat.channels[0] = {QStringLiteral("Clear Coat"), {}, false, 0.0, true};
+    coat.channels[1] = {QStringLiteral("Clear Coat Roughness"), {}, false, 0.0, true};
+    coat.channels[2].isUsed = true;
+    return coat;
+}
+
 bool isFed(const OssExportMaterial &material, const char *name)
 {
     const OssExportMaterial::Channel *channel = material.channel(QLatin1String(name));
     return channel && channel->isFed;
+}
+
+bool hasClearCoat(const OssExportMaterial &material)
+{
+    return isFed(material, "Clear Coat")
+           || material.node->attribute(QStringLiteral("ClearCoat")).toDouble() > 0.0;
 }
 
 /// Whether viewers would see no difference without the file.
@@ -45,6 +70,8 @@ bool isNeedless(const OssExportFile &file)
 {
     if (file.index == Normal)
         return !isFed(file.material, "Normal");
+    if (file.index == ClearCoat)
+        return !hasClearCoat(file.material);
     if (file.index != Emissive || isFed(file.material, "Emission"))
         return false;
     const auto light = file.material.node->attribute(QStringLiteral("Emission")).value<OssColor>();
@@ -74,17 +101,29 @@ void setPath(OssEvGltf::Material *material, const OssExportFile &file)
     case Normal:
         material->normal = path;
         break;
-    default:
+    case Emissive:
         material->emissive = path;
+        break;
+    default:
+        material->clearCoat = path;
         break;
     }
 }
 
+/// Which faces a material is for.
+struct Use
+{
+    std::vector<int> slots; ///< none: all
+    std::set<int> patches;
+};
+
+using Uses = QHash<const OssSnBaseNode *, Use>;
+
 /// Object by object, patch by patch.
-OssEvGltf::Scene sceneOf(const QVector<OssExportFile> &files)
+OssEvGltf::Scene sceneOf(const QVector<OssExportFile> &files, const Uses &uses)
 {
     OssEvGltf::Scene scene;
-    QVector<QPair<const OssGeoEntity *, int>> known; // object and patch of each material
+    QVector<QPair<const OssSnBaseNode *, int>> known; // node and patch of each material
     QVector<const OssGeoEntity *> objects;
     for (const OssExportFile &file : files) {
         const OssGeoEntity *entity = file.material.entity;
@@ -94,39 +133,83 @@ OssEvGltf::Scene sceneOf(const QVector<OssExportFile> &files)
                                      OssEvaluationService::instance()->mesh(entity),
                                      {}});
         }
-        int at = known.indexOf({entity, file.patch});
+        int at = known.indexOf({file.material.node, file.patch});
         if (at < 0) {
             at = known.size();
-            known.append({entity, file.patch});
+            known.append({file.material.node, file.patch});
             scene.materials.push_back(materialOf(file.material, file.patch));
             scene.objects[std::size_t(objects.indexOf(entity))].surfaces.push_back(
-                {file.patch, at});
+                {file.patch, at, uses.value(file.material.node).slots});
         }
         setPath(&scene.materials[std::size_t(at)], file);
     }
     return scene;
 }
 
-/// The first of each object, or of those that are chosen.
-QStringList firstMaterials(const OssProject *project, const OssExportOptions &options,
-                           QStringList *notes)
+/// A material slot's faces get the material of its name, all others the object's first one.
+class Slots
 {
-    QStringList names;
+public:
+    Slots(const OssGeoEntity *entity, const QVector<OssExportMaterial> &materials)
+        : m_materials(materials)
+        , m_mesh(OssEvaluationService::instance()->mesh(entity))
+    {
+        const std::size_t count = m_mesh ? m_mesh->materialNames.size() : 0;
+        for (std::size_t slot = 0; slot < count; ++slot) {
+            const QString name = QString::fromStdString(m_mesh->materialNames[slot]);
+            const auto isIt = [&name](const OssExportMaterial &one) {
+                return one.name().compare(name, Qt::CaseInsensitive) == 0;
+            };
+            const auto found = std::find_if(m_materials.cbegin(), m_materials.cend(), isIt);
+            const auto owner = found != m_materials.cend() ? found : m_materials.cbegin();
+            m_slots[int(owner - m_materials.cbegin())].push_back(int(slot));
+        }
+    }
+
+    /// Materials that have no faces are left out, with a note.
+    void addTo(Uses *uses, QStringList *notes) const
+    {
+        for (int i = 0; i < m_materials.size() && m_mesh; ++i) {
+            const OssExportMaterial &material = m_materials.at(i);
+            Use use;
+            if (m_materials.size() > 1)
+                use.slots = m_slots.value(i);
+            if (m_materials.size() == 1 || !use.slots.empty())
+                use.patches = OssEvGltf::patchesOf(*m_mesh, use.slots);
+            if (use.patches.empty())
+                notes->append(tr("\"%1\" is left out: %2 has no faces with a material slot of "
+                                 "that name")
+                                  .arg(material.path(), material.object()));
+            else
+                uses->insert(material.node, use);
+        }
+    }
+
+private:
+    QVector<OssExportMaterial> m_materials;
+    std::shared_ptr<const OssEvMesh> m_mesh;
+    QMap<int, std::vector<int>> m_slots; ///< by material
+};
+
+/// Of all materials that are chosen.
+Uses usesOf(const OssProject *project, const OssExportOptions &options, QStringList *notes)
+{
     QVector<const OssGeoEntity *> objects;
+    QVector<QVector<OssExportMaterial>> materials; // of each
     const QVector<OssExportMaterial> all = OssExportMaterial::of(project);
     for (const OssExportMaterial &material : all) {
-        const QString name = material.path();
-        if (!options.materials.isEmpty() && !options.materials.contains(name))
+        if (!options.materials.isEmpty() && !options.materials.contains(material.path()))
             continue;
-        if (objects.contains(material.entity)) {
-            notes->append(
-                tr("%1 has several materials: \"%2\" is left out").arg(material.object(), name));
-            continue;
+        if (!objects.contains(material.entity)) {
+            objects.append(material.entity);
+            materials.append(QVector<OssExportMaterial>());
         }
-        objects.append(material.entity);
-        names.append(name);
+        materials[objects.indexOf(material.entity)].append(material);
     }
-    return names;
+    Uses uses;
+    for (int i = 0; i < objects.size(); ++i)
+        Slots(objects.at(i), materials.at(i)).addTo(&uses, notes);
+    return uses;
 }
 
 } // namespace
@@ -138,7 +221,10 @@ OssResult OssExportPlan::makeGltf(const OssProject *project, const OssExportOpti
     OssResult result = usualPreset(&preset);
     OssExportOptions chosen = options;
     QStringList notes;
-    chosen.materials = firstMaterials(project, options, &notes);
+    const Uses uses = usesOf(project, options, &notes);
+    const QVector<OssExportMaterial> all = OssExportMaterial::of(project);
+    if (std::any_of(all.cbegin(), all.cend(), hasClearCoat))
+        preset.files.append(clearCoat());
     auto folder = plan->temporary ? plan->temporary : std::make_shared<QTemporaryDir>();
     if (result && !folder->isValid())
         result = OssResult::failure(folder->errorString());
@@ -148,10 +234,13 @@ OssResult OssExportPlan::makeGltf(const OssProject *project, const OssExportOpti
         result = make(project, preset, chosen, &made);
     if (!result)
         return result;
-    const auto last = std::remove_if(made.files.begin(), made.files.end(), isNeedless);
+    const auto isLeftOut = [&uses](const OssExportFile &file) {
+        return isNeedless(file) || uses.value(file.material.node).patches.count(file.patch) == 0;
+    };
+    const auto last = std::remove_if(made.files.begin(), made.files.end(), isLeftOut);
     made.files.erase(last, made.files.end());
     made.temporary = folder;
-    made.scene = sceneOf(made.files);
+    made.scene = sceneOf(made.files, uses);
     made.notes = notes + made.notes;
     made.options = options;
     *plan = made;

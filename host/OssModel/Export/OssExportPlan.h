@@ -86,8 +86,9 @@ struct OSSMODEL_EXPORT OssExportPlan
     /// thread.
     static OssResult make(const OssProject *project, const OssExportPreset &preset,
                           const OssExportOptions &options, OssExportPlan *plan);
-    /// The same for one glTF file, `options.file`: of each object the first material that is chosen. A
-    /// plan that has a folder goes on with it.
+    /// The same for one glTF file, `options.file`. Where several materials of an object are chosen, faces
+    /// of a material slot get the one of its name, all others the first. A plan that has a folder goes on
+    /// with it.
     static OssResult makeGltf(const OssProject *project, const OssExportOptions &options,
                               OssExportPlan *plan);
 };

@@ -93,7 +93,9 @@ void OssScriptEngine::runCallback()
     // A script that runs takes them; when it ends, this is asked again.
     if (m_isShutDown || !m_thread || isRunning() || !m_thread->hasCallback())
         return;
+    // A dialog asks while it has what it needs to do so.
     const bool handsOn = QGuiApplication::mouseButtons() != Qt::NoButton
+                         || QGuiApplication::modalWindow()
                          || OssUndoManager::instance()->isMacroOpen();
     OssScriptThread::Job job;
     if (handsOn)
@@ -167,6 +169,7 @@ void OssScriptEngine::end(int exitCode)
         return;
     OssScriptManager::instance()->endScript();
     qApp->removeEventFilter(this);
+    m_releases.deliver();
     OssApplication::setPopupsAllowed(m_popups);
     m_running = false;
     m_thread->flushOutput();
@@ -250,5 +253,6 @@ bool OssScriptEngine::eventFilter(QObject *watched, QEvent *event)
             stop();
         }
     }
+    m_releases.keep(watched, event);
     return true;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OssCore/Program/OssService.h"
+#include "OssInterface/Popups/OssLateReleases.h"
 #include "OssScripting/OssScripting_export.h"
 
 #include <QElapsedTimer>
@@ -98,6 +99,7 @@ private:
     QTimer m_callbacks;
     QElapsedTimer m_stopping;    ///< since the running script was to stop first
     QPointer<QWidget> m_closing; ///< closes when the script has ended
+    OssLateReleases m_releases;
     Output m_output = Output::Signals;
     bool m_running = false;
     bool m_popups = true;

@@ -38,6 +38,13 @@ TEST_F(OssNgViewTest, backdropCarriesWhatIsInside)
     EXPECT_EQ(backdrop->pos(), QPointF(10, -35));
     EXPECT_EQ(a->pos(), QPointF(50, 25));
     EXPECT_EQ(b->pos(), QPointF(300, 40));
+
+    press(backdrop->pos() + QPointF(100, 14));
+    move(QPointF(300, 300));
+    EXPECT_NE(a->pos(), QPointF(50, 25));
+    QTest::keyPress(&view, Qt::Key_Escape);
+    EXPECT_EQ(backdrop->pos(), QPointF(10, -35));
+    EXPECT_EQ(a->pos(), QPointF(50, 25));
 }
 
 TEST_F(OssNgViewTest, pulledWireConnectsOnceAndLightsItsTarget)
@@ -216,6 +223,37 @@ TEST_F(OssNgViewTest, aGestureEndsWithTheFirstMoveThatKnowsOfNoButton)
         move(start + QPointF(30, 0));
         EXPECT_TRUE(view.hasGesture());
         release(start + QPointF(30, 0));
+        EXPECT_FALSE(view.hasGesture());
+    }
+}
+
+/// Keeps releases of buttons from widgets.
+class ReleaseEater : public QObject
+{
+public:
+    ReleaseEater() { qApp->installEventFilter(this); }
+
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        return event->type() == QEvent::MouseButtonRelease && watched->isWidgetType();
+    }
+};
+
+TEST_F(OssNgViewTest, aGestureEndsWhenItsButtonIsUpThoughNobodySaysSo)
+{
+    QWindow *window = view.windowHandle();
+    const QPoint start = view.viewport()->mapTo(&view, at({250, 300}));
+    for (int round = 0; round < 2; ++round) {
+        QTest::mousePress(window, Qt::LeftButton, {}, start);
+        QTest::mouseMove(window, start + QPoint(30, 5));
+        QCoreApplication::processEvents();
+        ASSERT_TRUE(view.hasGesture());
+        {
+            const ReleaseEater eater;
+            QTest::mouseRelease(window, Qt::LeftButton, {}, start + QPoint(30, 5));
+            QCoreApplication::processEvents();
+        }
+        QCoreApplication::processEvents();
         EXPECT_FALSE(view.hasGesture());
     }
 }

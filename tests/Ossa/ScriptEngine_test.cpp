@@ -123,6 +123,29 @@ TEST_F(ScriptEngine, takesNoInputWhileAScriptRuns)
     EXPECT_EQ(run("while True: pass"), 130);
 }
 
+// A button that was down before comes up afterwards; one that was pressed meanwhile never was.
+TEST_F(ScriptEngine, putsReleasesByUntilTheScriptHasEnded)
+{
+    QPushButton held;
+    QPushButton other;
+    held.setFocusPolicy(Qt::NoFocus); // or it comes up with another window
+    held.show();
+    other.show();
+    QTest::mousePress(&held, Qt::LeftButton);
+    bool wasDown = false;
+    // However long Python takes to come up.
+    QObject::connect(engine(), &OssScriptEngine::started, &held, [&] {
+        QTimer::singleShot(0, &held, [&] {
+            QTest::mouseRelease(&held, Qt::LeftButton);
+            wasDown = held.isDown();
+            QTest::mouseClick(&other, Qt::RightButton);
+        });
+    });
+    run("import time\ntime.sleep(0.3)");
+    EXPECT_TRUE(wasDown);
+    EXPECT_TRUE(QTest::qWaitFor([&held] { return !held.isDown(); }));
+}
+
 TEST_F(ScriptEngine, closesTheWindowOnceTheScriptHasStopped)
 {
     QWidget window;

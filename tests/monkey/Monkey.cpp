@@ -1,5 +1,6 @@
 #include "Monkey.h"
 
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssModel/Project/OssProject.h"
@@ -124,12 +125,12 @@ Monkey::~Monkey()
 
 QString Monkey::where() const
 {
-    return QStringLiteral("OSSA_SEED=%1, %2, event %3, depth %4, after:\n  %5")
+    return QStringLiteral("OSSA_SEED=%1, %2, event %3, depth %4, after:\n  %5\n told:\n  %6")
         .arg(m_seed)
         .arg(QFileInfo(m_example).fileName())
         .arg(m_done)
         .arg(m_depth)
-        .arg(m_recent.join(QStringLiteral("\n  ")));
+        .arg(m_recent.join(QStringLiteral("\n  ")), m_diary.lines().join(QStringLiteral("\n  ")));
 }
 
 void Monkey::open()
@@ -173,6 +174,8 @@ void Monkey::next()
         m_hands.letGo();
     else
         m_hands.act();
+    const bool isIdle = m_hands.isEmpty() && !OssStatusManager::instance()->inProgress();
+    m_idle = isIdle ? m_idle + 1 : 0;
     m_recent.append(m_hands.last());
     if (m_recent.size() > 25)
         m_recent.removeFirst();
@@ -203,9 +206,9 @@ void Monkey::look()
     if (m_failed)
         return;
     ExpectedLog::failOnUnexpected();
-    // The window system's queue is empty by the second time.
-    m_idle = m_hands.isEmpty() ? m_idle + 1 : 0;
-    if (m_idle > 1 && !m_hands.hasWirePickedUp())
+    // By then the window system's queue was emptied, and the program came back to its loop.
+    constexpr int Settled = 3;
+    if (m_idle > Settled && !m_hands.hasWirePickedUp())
         expect(gesturesInHand());
     if (m_depth == 0 && !QApplication::activeModalWidget() && !QApplication::activePopupWidget()
         && !OssUndoManager::instance()->isMacroOpen() && !OssScriptEngine::instance()->isRunning()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "MonkeyHands.h"
+#include "PointerDiary.h"
 
 #include <QEventLoop>
 #include <QStringList>
@@ -33,6 +34,7 @@ private:
     const QString m_example;
     QTemporaryDir m_folder;
     MonkeyHands m_hands;
+    PointerDiary m_diary;
     QEventLoop m_loop;
     QStringList m_recent; ///< what was done last
     int m_left = 0;

@@ -94,7 +94,8 @@ bool MonkeyHands::answerWaiting()
     auto *dialog = qobject_cast<QDialog *>(modal);
     const bool files = qobject_cast<QFileDialog *>(modal);
     const int patience = qobject_cast<QMessageBox *>(modal) ? 8 : 40;
-    if (!dialog || (!files && below(patience) != 0))
+    // A script keeps the user's hands off dialogs, too.
+    if (!dialog || OssScriptEngine::instance()->isRunning() || (!files && below(patience) != 0))
         return false;
     answer(dialog);
     return true;
@@ -405,6 +406,8 @@ void MonkeyHands::choosePopupEntry(QWidget *popup)
 
 void MonkeyHands::runScript()
 {
+    if (QApplication::activeModalWidget() || QApplication::activePopupWidget())
+        return; // nobody comes to the console past them
     const char *const script = Scripts[below(int(std::size(Scripts)))];
     m_last = QStringLiteral("script ") + QLatin1String(script);
     OssScriptEngine::instance()->runInput(QLatin1String(script), true);

@@ -50,6 +50,8 @@ const char *const Refusals[] = {
     "\", which is gone",
     // A node of the old plaster that cannot be computed, in files that somebody exports of it.
     "Lumps\": it has no input \"Coordinates\"",
+    // The same of nodes that lost their wires, or came without.
+    "\": nothing is connected to \"",
     // How many a search looks through.
     "nodes in the network",
 };

@@ -21,6 +21,16 @@ void give(QWidget *widget)
     widget->setFocus(Qt::PopupFocusReason);
 }
 
+/// A part of a window may have a native window of its own, to which a menu of it would belong otherwise.
+void attach(const QMenu *menu)
+{
+    QWindow *handle = menu->windowHandle();
+    const QWidget *owner = menu->parentWidget() ? menu->parentWidget()->window()
+                                                : QApplication::activeWindow();
+    if (handle && !handle->transientParent() && owner && owner != menu && owner->windowHandle())
+        handle->setTransientParent(owner->windowHandle());
+}
+
 } // namespace
 
 OssFocusReturn::OssFocusReturn()
@@ -39,7 +49,9 @@ bool OssFocusReturn::eventFilter(QObject *watched, QEvent *event)
             remember(dialog);
         else
             giveBack(dialog);
-    } else if (!shown && qobject_cast<QMenu *>(watched)) {
+    } else if (const auto *menu = qobject_cast<QMenu *>(watched); menu && shown) {
+        attach(menu);
+    } else if (menu) {
         QMetaObject::invokeMethod(this, &OssFocusReturn::mend, Qt::QueuedConnection);
     }
     return false;

@@ -172,6 +172,8 @@ private:
     void endGesture();
     bool handlePointer(const QMouseEvent *event);
     void dropDeadGesture();
+    void watchButton();
+    void endUnheldGesture();
     void replayMove();
     void updateBorderPan();
     void borderPanStep();
@@ -212,6 +214,7 @@ private:
         0; ///< pointer events that are on their way: what is done then is the gesture's
     Qt::MouseButton m_interrupted = Qt::NoButton; ///< still held
     bool m_isHeld = false;                        ///< the gesture, by its button: not picked up
+    QMetaObject::Connection m_buttonWatch;        ///< while it is held
     bool m_rightPressTaken = false;               ///< by a gesture: it opens no menu
     QPointF m_pointer;                            ///< viewport pixels, of the gesture's last event
     Qt::MouseButtons m_pointerButtons;

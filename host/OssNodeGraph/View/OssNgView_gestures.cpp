@@ -2,6 +2,8 @@
 
 #include "OssNodeGraph/Gestures/OssNgGesture.h"
 
+#include <QAbstractEventDispatcher>
+#include <QGuiApplication>
 #include <QMouseEvent>
 #include <QScopedValueRollback>
 
@@ -58,6 +60,7 @@ void OssNgView::endGesture()
     m_navigation.reset();
     m_interactionState = Idle;
     m_gesture.reset();
+    disconnect(m_buttonWatch);
     viewport()->setCursor(m_cursorTrackingMode == SeverTracking ? Qt::CrossCursor
                                                                 : Qt::ArrowCursor);
 }
@@ -93,6 +96,23 @@ void OssNgView::interruptGesture()
                       viewport()->mapToGlobal(m_pointer.toPoint()), m_interrupted, Qt::NoButton,
                       m_pointerModifiers);
     mouseReleaseEvent(&event);
+}
+
+void OssNgView::watchButton()
+{
+    // Of events that only a program makes the application knows nothing.
+    if (QGuiApplication::mouseButtons() & m_gesture->button())
+        m_buttonWatch = connect(QAbstractEventDispatcher::instance(),
+                                &QAbstractEventDispatcher::awake, this,
+                                &OssNgView::endUnheldGesture);
+}
+
+/// The release does not come where a dialog came in between, or hands were kept off while something was
+/// computed: what the application knows of the buttons is always true.
+void OssNgView::endUnheldGesture()
+{
+    if (m_gesture && m_isHeld && !(QGuiApplication::mouseButtons() & m_gesture->button()))
+        interruptGesture();
 }
 
 /// True for what belongs to a gesture that is over.
@@ -139,6 +159,7 @@ void OssNgView::mousePressEvent(QMouseEvent *event)
     if (auto gesture = alone ? gestureFor(event) : nullptr) {
         startGesture(std::move(gesture));
         m_isHeld = true;
+        watchButton();
     } else if (event->button() == Qt::RightButton) {
         selectForMenu(toScene(event->localPos()));
         event->ignore();

@@ -223,8 +223,14 @@ void MeshCommands::newProject()
     NewProjectDialog dialog(m_window);
     if (dialog.exec() != QDialog::Accepted || !m_projects->mayClose())
         return;
-    OssProject *project = OssProjectManager::instance()->newProject(dialog.name());
-    const OssUndoManager::Pause pause; // it begins with what was asked for
+    fill(OssProjectManager::instance()->newProject(dialog.name()), dialog);
+    OssUndoManager::instance()->clear(); // it begins with what was asked for
+    fileObjects();
+}
+
+void MeshCommands::fill(OssProject *project, const NewProjectDialog &dialog)
+{
+    const OssUndoManager::Pause pause;
     project->setNewResolution(dialog.resolution());
     OssGeoEntity *first = project->entities().first();
     if (!dialog.source().isFile()) {
@@ -237,7 +243,6 @@ void MeshCommands::newProject()
         OssMessageBox::warning(m_window, tr("New Project"), added.error());
     if (!made.isEmpty())
         first->setName(project->freeEntityName(OssProjectMeshes::nameFor(first->source())));
-    fileObjects();
 }
 
 void MeshCommands::importFile(const QString &path)

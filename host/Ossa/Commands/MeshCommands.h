@@ -4,7 +4,9 @@
 #include <QPointer>
 #include <QVector>
 
+class NewProjectDialog;
 class OssGeoEntity;
+class OssProject;
 class ProjectCommands;
 class QAction;
 class QWidget;
@@ -35,6 +37,8 @@ private:
     void fileObjects();
     void tellTroubles();
     void newProject();
+    /// With what the dialog asked for.
+    void fill(OssProject *project, const NewProjectDialog &dialog);
     void addObject();
     void renameObject();
     void removeObject();

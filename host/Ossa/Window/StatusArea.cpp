@@ -104,6 +104,7 @@ bool StatusArea::eventFilter(QObject *watched, QEvent *event)
     const bool forStop = watched == m_stop && event->type() != QEvent::Shortcut;
     if (forStop || (!watched->isWidgetType() && event->type() != QEvent::Shortcut))
         return false;
+    m_releases.keep(watched, event);
     event->ignore(); // or a window would close all the same
     return true;
 }
@@ -152,6 +153,7 @@ void StatusArea::showProgress(int done, int total)
 
 void StatusArea::end()
 {
+    m_releases.deliver();
     m_title->hide();
     m_progress->hide();
     m_stop->hide();

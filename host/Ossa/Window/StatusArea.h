@@ -1,5 +1,7 @@
 #pragma once
 
+#include "OssInterface/Popups/OssLateReleases.h"
+
 #include <QElapsedTimer>
 #include <QStatusBar>
 
@@ -41,5 +43,6 @@ private:
     QToolButton *m_problems;
     QElapsedTimer m_running;
     QElapsedTimer m_sinceEvents;
+    OssLateReleases m_releases;
     bool m_inEvents = false;
 };

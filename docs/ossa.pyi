@@ -388,6 +388,11 @@ class Node(Object):
         """Bakes what feeds a bake point into its images."""
     def upgrade(self) -> list[str]:
         """Makes the node one of its type as it is installed now. What could not be kept is returned."""
+    @overload
+    def publish(self, category: str, name: str, toolTip: str) -> str:
+        """Publishes a group as a type of the user's own, under a category and a name, and returns its key. Publishing again gives it a new version."""
+    @overload
+    def publish(self, category: str, name: str) -> str: ...
     def goTo(self) -> None:
         """Brings the user to the node: its graph is shown, the node selected and framed."""
     @overload

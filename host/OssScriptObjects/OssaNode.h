@@ -97,6 +97,9 @@ class OSSSCRIPTOBJECTS_EXPORT Node : public API
     Q_CLASSINFO("orderPortsByPosition", "Orders a group's ports as their nodes lie inside.")
     Q_CLASSINFO("arrangeInputsByOrder",
                 "Arranges the nodes inside a group as its inputs are ordered.")
+    Q_CLASSINFO("publish",
+                "Publishes a group as a type of the user's own, under a category and a name, "
+                "and returns its key. Publishing again gives it a new version.")
     Q_CLASSINFO("upgrade", "Makes the node one of its type as it is installed now. What could not "
                            "be kept is returned.")
 
@@ -164,6 +167,7 @@ public Q_SLOTS:
                      const QList<int> &patches = QList<int>()) const;
     void bakeImageSet();
     QStringList upgrade();
+    QString publish(const QString &category, const QString &name, const QString &toolTip = {});
 
     void goTo() const;
     void showProperties(Node *after = nullptr, Node *before = nullptr) const;

@@ -4,6 +4,7 @@
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Project/OssNodeTypeWatch.h"
 
 // What scripts ask of those who show nodes, and of a group's ports and knobs.
 
@@ -160,6 +161,17 @@ void Node::arrangeInputsByOrder()
 {
     if (OssSnGroupNode *own = group())
         networks()->requestPlacesInOrderOfPorts(own);
+}
+
+QString Node::publish(const QString &category, const QString &name, const QString &toolTip)
+{
+    OssSnGroupNode *own = group();
+    const OssPublishedGroup::Form form{category, name, toolTip};
+    const OssResult published = own ? OssNodeTypeWatch::instance()->publish(own, form)
+                                    : OssResult();
+    if (!published)
+        fail(OssScriptException::NotAllowed, published.error());
+    return own && published ? form.pathKey() : QString();
 }
 
 } // namespace Ossa

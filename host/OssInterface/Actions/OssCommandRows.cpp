@@ -209,6 +209,7 @@ const std::vector<Row> RowTable{
     {"/Ossa/NodeGraph", QT_TR_NOOP("Manage User Knobs"), "", "Group 2.3", WithKnobs, QT_TR_NOOP("Choose which values of the nodes inside a group its panel shows")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Expose Node Properties"), "", "Group 2.4", WithExposed, QT_TR_NOOP("Show all values of the selected nodes on the panel of their group")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Export as Gizmo"), "", "Group 2.5", Always, QT_TR_NOOP("Save the group as a file that can be imported anywhere")},
+    {"/Ossa/NodeGraph", QT_TR_NOOP("Publish as Node Type..."), "", "Group 2.8", Always, QT_TR_NOOP("Make the group, with what is inside, a kind of node in menus and lists")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Export Material to Archive"), "", "Group 2.6", Always, QT_TR_NOOP("Save a material with its images as one file")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Export as Custom Procedural"), "", "Group 2.7", Always, QT_TR_NOOP("Save the group with its images as a node of its own kind")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Import Nodes"), "", "Exchange 1.1", Always, QT_TR_NOOP("Add the nodes of a file to this graph")},

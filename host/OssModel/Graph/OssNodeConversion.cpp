@@ -2,6 +2,7 @@
 
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssCore/Values/OssAttributeKind.h"
+#include "OssModel/Graph/OssPublishedGroup.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssSnBaseContext.h"
@@ -173,7 +174,9 @@ bool OssNodeConversion::upgrade(OssSnBaseNode *node,
         && node->nodeType() == type.get() && node->versionDate() == type->date)
         return true;
     const OssUndoManager::AutoMacro macro(tr("Upgrade %1").arg(node->name()));
-    if (qobject_cast<OssSnGroupNode *>(node)) {
+    if (auto *group = qobject_cast<OssSnGroupNode *>(node)) {
+        if (!type->content.isEmpty())
+            OssPublishedGroup::renew(group, type, lost);
         // What is inside makes its ports.
         after.inputs = node->inputPorts();
         after.outputs = node->outputPoints();

@@ -80,9 +80,13 @@ void OssNodeTypeTable::read(OssDeserializer &deserializer,
     if (isOwn(key))
         return;
     const auto installed = OssShaderNetworkManager::instance()->nodeType(key);
-    if (installed) {
-        OssResult result;
-        entry.type = OssSnNodeType::read(entry.description.toUtf8(), key, &result);
+    OssResult result;
+    entry.type = OssSnNodeType::read(entry.description.toUtf8(), key, &result);
+    if (!installed) {
+        // Only of a published group do nodes have everything with them.
+        if (entry.type && (entry.type->pathKey != key || !entry.type->isPublishedGroup()))
+            entry.type.reset();
+    } else {
         if (!result || entry.type->pathKey != key) {
             OssDebug("OssNodeTypeTable", __LINE__,
                      "[ !! ] The file's own description of '%s' cannot be used: %s",

@@ -9,7 +9,8 @@
 class OssSnBaseNode;
 
 /// The node types that a file brings with it, so that its nodes stay what they were made from when
-/// the types of that name have changed since. Types under "_System/" are always the installed ones.
+/// the types of that name have changed since. Groups that were published as a type which is not known
+/// here are made from it all the same. Types under "_System/" are always the installed ones.
 ///
 ///     <nodeType key="Filter/Blur">  <NodeType .../> </nodeType>     the installed one of its time
 ///     <nodeType key="Filter/Blur" id="9c0d..."> ... </nodeType>     one that was old even then

@@ -68,6 +68,11 @@ public:
     /// gets the streams of the model, or of the first one that is known.
     OssSnBaseNode *createNode(const QString &pathKey, const QString &name = {},
                               const QString &shaderModelId = {});
+    /// A node of the type, in no network yet; a published group with what the type has inside it, with
+    /// images in the shading of the network for which it is made. Never null: what cannot be made is a
+    /// placeholder.
+    static std::unique_ptr<OssSnBaseNode> makeNode(const std::shared_ptr<const OssSnNodeType> &type,
+                                                   const OssShaderNetwork *target = nullptr);
     /// The same, as commands of the graph want them.
     QList<OssSnBaseNode *> createNodes(const QString &pathKey);
     /// A node with images of its own at a scene point. Without a key: what the brush writes to.
@@ -164,7 +169,6 @@ private:
     struct Removed;
     struct Relocated;
 
-    static NodePointer makeNode(const QString &pathKey);
     /// Where it belongs by age: what comes back finds its old place, whoever came and went meanwhile.
     OssSnBaseNode *insertNode(NodePointer node);
     NodePointer takeNode(OssSnBaseNode *node);

@@ -81,6 +81,17 @@ void writeKnobsOf(OssSerializer &serializer, const OssSnBaseNode *node)
     }
 }
 
+/// What the nodes have inside them: of nodes that are written as another type their own does not count.
+QList<OssSnBaseNode *> insideOf(const QList<OssSnBaseNode *> &nodes)
+{
+    QList<OssSnBaseNode *> inside;
+    for (const OssSnBaseNode *node : nodes) {
+        if (const auto *group = qobject_cast<const OssSnGroupNode *>(node))
+            inside += group->groupNetwork()->nodes();
+    }
+    return inside;
+}
+
 QList<OssSnBaseNode *> insert(OssShaderNetwork *network, const QByteArray &text,
                               const QString &source, bool select)
 {
@@ -114,13 +125,16 @@ QByteArray OssShaderNetworkIO::nodesToText(const QList<OssSnBaseNode *> &nodes, 
         attributes.insert(QStringLiteral("note"), note);
     serializer.beginDocument(DocumentElement, attributes);
     serializer.beginObject(NetworkObject, QStringLiteral("OssShaderNetwork"), {});
-    OssNodeTypeTable::write(serializer, written);
+    OssNodeTypeTable::write(serializer, asType.isEmpty() ? written : insideOf(written));
     serializer.beginCollection(NodesCollection, written.size(), QStringLiteral("QList"),
                                QStringLiteral("OssSnBaseNode"), {});
     for (OssSnBaseNode *node : qAsConst(written)) {
         OssSerializer::Attributes identity = node->identityAttributes();
-        if (!asType.isEmpty())
+        if (!asType.isEmpty()) {
+            for (const char *other : {"definition", "version", "versionHash", "versionDate"})
+                identity.remove(QLatin1String(other));
             identity.insert(QStringLiteral("key"), asType);
+        }
         node->save(serializer, node->name(), identity);
     }
     serializer.endCollection();
@@ -132,6 +146,16 @@ QByteArray OssShaderNetworkIO::nodesToText(const QList<OssSnBaseNode *> &nodes, 
     return buffer.data();
 }
 
+OssResult OssShaderNetworkIO::readNodes(OssShaderNetwork *read, const QByteArray &text,
+                                        const QString &source, OssNodeImages *images)
+{
+    QByteArray content = text;
+    QBuffer buffer(&content);
+    buffer.open(QIODevice::ReadOnly);
+    OssDeserializer reader(&buffer, source);
+    return readDocument(reader, read, images);
+}
+
 OssResult OssShaderNetworkIO::nodesFromText(OssShaderNetwork *network, const QByteArray &text,
                                             const QString &source, QList<OssSnBaseNode *> *inserted)
 {
@@ -140,12 +164,8 @@ OssResult OssShaderNetworkIO::nodesFromText(OssShaderNetwork *network, const QBy
         return OssResult::failure(tr("There is no network to put nodes into"));
     // Read whole before the network is touched.
     OssShaderNetwork read;
-    QByteArray content = text;
-    QBuffer buffer(&content);
-    buffer.open(QIODevice::ReadOnly);
-    OssDeserializer reader(&buffer, source);
     OssNodeImages images;
-    const OssResult result = readDocument(reader, &read, &images);
+    const OssResult result = readNodes(&read, text, source, &images);
     if (!result)
         return result;
     const OssUndoManager::AutoMacro macro(tr("Insert Nodes"));

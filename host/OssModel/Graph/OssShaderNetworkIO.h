@@ -7,6 +7,7 @@
 #include <QList>
 #include <QString>
 
+class OssNodeImages;
 class OssShaderNetwork;
 class OssSnBaseNode;
 class QMimeData;
@@ -27,6 +28,10 @@ OSSMODEL_EXPORT QByteArray nodesToText(const QList<OssSnBaseNode *> &nodes,
 /// `source` names the origin in messages. On failure the network is as it was and the list empty.
 OSSMODEL_EXPORT OssResult nodesFromText(OssShaderNetwork *network, const QByteArray &text,
                                         const QString &source, QList<OssSnBaseNode *> *inserted);
+
+/// Reads the nodes into a network of their own, for which nothing is recorded.
+OSSMODEL_EXPORT OssResult readNodes(OssShaderNetwork *read, const QByteArray &text,
+                                    const QString &source, OssNodeImages *images);
 
 /// The copies, in the order of the originals. With `select` they are the selected nodes afterwards.
 OSSMODEL_EXPORT QList<OssSnBaseNode *> duplicateNodes(OssShaderNetwork *network,

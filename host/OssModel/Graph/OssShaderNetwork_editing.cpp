@@ -2,6 +2,8 @@
 
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Undo/OssUndoManager.h"
+#include "OssModel/Graph/OssNodeImages.h"
+#include "OssModel/Graph/OssShaderNetworkIO.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
@@ -64,15 +66,42 @@ void OssShaderNetwork::keepViewer(const OssSnBaseNode *leaving)
     moveNodeHere(*viewer);
 }
 
-OssShaderNetwork::NodePointer OssShaderNetwork::makeNode(const QString &pathKey)
+OssShaderNetwork::NodePointer OssShaderNetwork::makeNode(
+    const std::shared_ptr<const OssSnNodeType> &type, const OssShaderNetwork *target)
 {
-    return OssSnNodeFactory::make(OssShaderNetworkManager::instance()->nodeType(pathKey));
+    if (!type || type->content.isEmpty())
+        return OssSnNodeFactory::make(type);
+    OssShaderNetwork read;
+    OssNodeImages images;
+    const OssResult result = OssShaderNetworkIO::readNodes(&read, type->content.toUtf8(),
+                                                           type->pathKey, &images);
+    if (!result || read.m_nodes.size() != 1) {
+        OssDebug(Source, __LINE__, "[ !! ] The content of node type '%s' cannot be used: %s",
+                 qPrintable(type->pathKey), qPrintable(result.error()));
+        return OssSnNodeFactory::make(nullptr);
+    }
+    QStringList faults;
+    read.wireLoadedNodes(&faults);
+    read.cutLoadedCycles(&faults);
+    read.dropLoadedViewers();
+    if (target)
+        images.give(&read, target);
+    NodePointer made = std::move(read.m_nodes.front());
+    read.m_nodes.clear();
+    read.m_byName.clear();
+    made->m_network = nullptr;
+    made->m_name = type->baseName();
+    return made;
 }
 
 OssSnBaseNode *OssShaderNetwork::createNode(const QString &pathKey, const QString &name,
                                             const QString &shaderModelId)
 {
-    NodePointer made = makeNode(pathKey);
+    const auto type = OssShaderNetworkManager::instance()->nodeType(pathKey);
+    const QString wanted = name.isEmpty() && type ? type->baseName() : name;
+    const OssUndoManager::AutoMacro macro(
+        tr("Create Node : %1").arg(generateUniqueNodeName(wanted)));
+    NodePointer made = makeNode(type, this);
     if (made->isPlaceholder()) {
         OssDebug(Source, __LINE__, "[ !! ] There is no node type '%s'", qPrintable(pathKey));
         return nullptr;
@@ -91,7 +120,6 @@ OssSnBaseNode *OssShaderNetwork::createNode(const QString &pathKey, const QStrin
             made->chooseStreams(shaderModelId);
         node = addNode(std::move(made), true);
     }
-    const OssUndoManager::AutoMacro macro(tr("Create Node : %1").arg(node->name()));
     auto removed = std::make_shared<Removed>();
     removed->entries.push_back({node, nullptr});
     OssUndoManager::instance()->record(
@@ -120,6 +148,9 @@ OssSnBaseNode *OssShaderNetwork::addNode(NodePointer node, bool fresh)
     node->m_name = generateUniqueNodeName(node->name());
     OssSnBaseNode *added = insertNode(std::move(node));
     added->createContexts();
+    if (auto *group = qobject_cast<OssSnGroupNode *>(added);
+        group && group->groupNetwork()->nodeCount() > 0)
+        group->groupNetwork()->finishNodes(); // it was published with them
     added->initializeContexts();
     registerNode(added);
     if (fresh)

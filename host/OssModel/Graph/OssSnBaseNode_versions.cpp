@@ -2,6 +2,8 @@
 
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssNodeTypeTable.h"
+#include "OssModel/Graph/OssPublishedGroup.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssSnBaseContext.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
@@ -40,6 +42,9 @@ QString OssSnBaseNode::versionHashSourcePresentDump() const
         text += QStringLiteral("ports %1 > %2\n")
                     .arg(inputNames().join(QLatin1Char(',')),
                          outputPointNames().join(QLatin1Char(',')));
+    const auto *group = qobject_cast<const OssSnGroupNode *>(this);
+    if (group && m_type && m_type->isPublishedGroup())
+        text += OssPublishedGroup::inside(group).join(QLatin1Char('\n')) + QLatin1Char('\n');
     for (const NamedContext &named : m_contexts) {
         if (named.context->hasVersionHash())
             text += named.name + QLatin1Char('\n') + named.context->versionHashSource();
@@ -97,7 +102,7 @@ OssSnBaseNode::Definition OssSnBaseNode::definition() const
 OssSnBaseNode::Definition OssSnBaseNode::definitionOf(
     const std::shared_ptr<const OssSnNodeType> &type)
 {
-    std::shared_ptr<OssSnBaseNode> pristine = OssSnNodeFactory::make(type);
+    std::shared_ptr<OssSnBaseNode> pristine = OssShaderNetwork::makeNode(type);
     pristine->createContexts();
     return {type,
             pristine->m_pathKey,

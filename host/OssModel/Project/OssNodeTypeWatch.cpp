@@ -1,5 +1,6 @@
 #include "OssModel/Project/OssNodeTypeWatch.h"
 
+#include "OssCore/Documents/OssAtomicFile.h"
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Program/OssSettings.h"
 #include "OssCore/Program/OssStatusManager.h"
@@ -62,7 +63,7 @@ void OssNodeTypeWatch::watch()
     }
 }
 
-void OssNodeTypeWatch::read()
+QStringList OssNodeTypeWatch::read()
 {
     watch();
     OssSnNodeTypeLibrary::Changes changes;
@@ -79,4 +80,55 @@ void OssNodeTypeWatch::read()
     else if (!changes.isEmpty() && !m_isFirst)
         OssStatusManager::instance()->showMessage(words);
     m_isFirst = false;
+    return faults;
+}
+
+QString OssNodeTypeWatch::filePath(const QString &pathKey)
+{
+    return QDir(folderPath()).filePath(pathKey + QStringLiteral(".xml"));
+}
+
+bool OssNodeTypeWatch::isPublished(const QString &pathKey)
+{
+    const auto type = OssShaderNetworkManager::instance()->nodeType(pathKey);
+    return type && type->isPublishedGroup() && QFileInfo::exists(filePath(pathKey));
+}
+
+OssResult OssNodeTypeWatch::canPublish(const OssSnGroupNode *group,
+                                       const OssPublishedGroup::Form &form)
+{
+    const OssResult can = OssPublishedGroup::canPublish(group, form);
+    const QString key = form.pathKey();
+    if (can && OssShaderNetworkManager::instance()->nodeType(key) && !isPublished(key))
+        return OssResult::failure(tr("\"%1\" is the name of another node type").arg(key));
+    return can;
+}
+
+OssResult OssNodeTypeWatch::publish(OssSnGroupNode *group, const OssPublishedGroup::Form &form)
+{
+    const OssResult can = canPublish(group, form);
+    if (!can)
+        return can;
+    const QString key = form.pathKey();
+    const auto *networks = OssShaderNetworkManager::instance();
+    const auto before = networks->nodeType(key);
+    const QByteArray description = OssPublishedGroup::describe(group, form);
+    const QString path = filePath(key);
+    OssResult result;
+    if (!OssSnNodeType::read(description, path, &result))
+        return result;
+    const QString folder = QFileInfo(path).path();
+    if (!QDir().mkpath(folder))
+        return OssResult::failure(
+            tr("The folder \"%1\" cannot be made").arg(QDir::toNativeSeparators(folder)));
+    result = OssAtomicFile::write(path, description);
+    if (!result)
+        return result;
+    const QStringList faults = read();
+    const auto type = networks->nodeType(key);
+    if (!type || type == before)
+        return OssResult::failure(faults.isEmpty() ? tr("The node type cannot be read")
+                                                   : faults.first());
+    OssPublishedGroup::adopt(group, type);
+    return {};
 }

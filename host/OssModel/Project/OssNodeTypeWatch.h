@@ -2,6 +2,7 @@
 
 #include "OssCore/Program/OssService.h"
 #include "OssCore/Values/OssResult.h"
+#include "OssModel/Graph/OssPublishedGroup.h"
 #include "OssModel/OssModel_export.h"
 
 #include <QFileSystemWatcher>
@@ -27,8 +28,18 @@ public:
     /// in the log and the status bar.
     void start();
 
+    /// Where a published type lies.
+    static QString filePath(const QString &pathKey);
+    /// Whether publishing under the key gives a type of the user's own a new version.
+    static bool isPublished(const QString &pathKey);
+    /// Whether a group can be published so; else why not.
+    static OssResult canPublish(const OssSnGroupNode *group, const OssPublishedGroup::Form &form);
+    /// Writes the group as a type of the user's own, which is known at once, and makes the group a node of
+    /// it. Nodes of an older version stay what they are until they are upgraded.
+    OssResult publish(OssSnGroupNode *group, const OssPublishedGroup::Form &form);
+
 private:
-    void read();
+    QStringList read();
     /// Folders, and the files in them: not every system tells of a file's change by its folder.
     void watch();
 

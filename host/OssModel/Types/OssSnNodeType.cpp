@@ -17,6 +17,12 @@ QString tr(const char *text)
     return QCoreApplication::translate("OssSnNodeType", text);
 }
 
+QString hashOf(const QString &text)
+{
+    return QString::fromLatin1(
+        QCryptographicHash::hash(text.toUtf8(), QCryptographicHash::Sha1).toHex().left(IdLength));
+}
+
 /// Reads one description; the first fault is kept and ends the reading.
 class Reader
 {
@@ -54,6 +60,8 @@ private:
     void readAttribute(OssSnNodeType *type, const QString &group);
     QVariant readDefault(const OssAttributeKind *kind, const QString &name);
     void readContexts(OssSnNodeType *type, const QString &documentElement);
+    void readContent(OssSnNodeType *type);
+    void copyElement(QXmlStreamWriter *writer, bool spaces);
 
     QXmlStreamReader m_xml;
     QString m_fault;
@@ -175,10 +183,9 @@ void Reader::readAttributes(OssSnNodeType *type, const QString &group)
     }
 }
 
-void Reader::readContexts(OssSnNodeType *type, const QString &documentElement)
+/// The element at which the reader stands, past which it moves.
+void Reader::copyElement(QXmlStreamWriter *writer, bool spaces)
 {
-    QXmlStreamWriter writer(&type->contextsDescription);
-    writer.writeStartElement(documentElement);
     int depth = 0;
     do {
         if (m_xml.isStartElement())
@@ -186,12 +193,32 @@ void Reader::readContexts(OssSnNodeType *type, const QString &documentElement)
         else if (m_xml.isEndElement())
             --depth;
         if (m_xml.isStartElement() || m_xml.isEndElement()
-            || (m_xml.isCharacters() && !m_xml.isWhitespace()))
-            writer.writeCurrentToken(m_xml);
+            || (m_xml.isCharacters() && (spaces || !m_xml.isWhitespace())))
+            writer->writeCurrentToken(m_xml);
         if (depth > 0)
             m_xml.readNext();
     } while (depth > 0 && !m_xml.atEnd());
+}
+
+void Reader::readContexts(OssSnNodeType *type, const QString &documentElement)
+{
+    QXmlStreamWriter writer(&type->contextsDescription);
+    writer.writeStartElement(documentElement);
+    copyElement(&writer, false);
     writer.writeEndElement();
+}
+
+void Reader::readContent(OssSnNodeType *type)
+{
+    type->contentHash = text("Hash");
+    if (next()) {
+        QXmlStreamWriter writer(&type->content);
+        copyElement(&writer, true);
+        type->contentHash = hashOf(type->content);
+        m_xml.skipCurrentElement();
+    }
+    if (type->contentHash.isEmpty())
+        fail(tr("its content is empty"));
 }
 
 bool Reader::read(OssSnNodeType *type)
@@ -221,6 +248,8 @@ bool Reader::read(OssSnNodeType *type)
             readAttributes(type, {});
         else if (m_xml.name() == QLatin1String("Contexts"))
             readContexts(type, documentElement);
+        else if (m_xml.name() == QLatin1String("Content"))
+            readContent(type);
         else if (m_xml.name() == QLatin1String("Tags")) {
             while (next())
                 type->tags.insert(m_xml.readElementText());
@@ -258,18 +287,24 @@ QByteArray definitionOf(const OssSnNodeType &type)
                  .arg(attribute.name(), QLatin1String(attribute.value().typeName()),
                       OssValueText::toText(attribute.value()),
                       OssAttributeKind::choices(attribute.value()).join(QLatin1Char(','))));
+    if (type.isPublishedGroup())
+        line(QStringLiteral("content ") + type.contentHash);
     return text;
 }
 
-QString sourceOf(const QByteArray &xml)
+QString sourceOf(const QByteArray &xml, const QString &contentHash)
 {
     QString text;
     QXmlStreamReader reader(xml);
     QXmlStreamWriter writer(&text);
     while (!reader.atEnd()) {
         reader.readNext();
-        if (reader.isStartElement() || reader.isEndElement()
-            || (reader.isCharacters() && !reader.isWhitespace()))
+        if (reader.isStartElement() && reader.name() == QLatin1String("Content")) {
+            reader.skipCurrentElement();
+            writer.writeEmptyElement(QStringLiteral("Content"));
+            writer.writeAttribute(QStringLiteral("Hash"), contentHash);
+        } else if (reader.isStartElement() || reader.isEndElement()
+                   || (reader.isCharacters() && !reader.isWhitespace()))
             writer.writeCurrentToken(reader);
     }
     return text;
@@ -298,11 +333,8 @@ std::shared_ptr<const OssSnNodeType> OssSnNodeType::read(const QByteArray &xml,
         type->versionUUID.replace(QLatin1Char(' '), QLatin1Char('_'));
     }
     type->definition = definitionOf(*type);
-    type->source = sourceOf(xml);
-    type->id = QString::fromLatin1(
-        QCryptographicHash::hash(type->source.toUtf8(), QCryptographicHash::Sha1)
-            .toHex()
-            .left(IdLength));
+    type->source = sourceOf(xml, type->contentHash);
+    type->id = hashOf(type->source);
     *result = {};
     return type;
 }

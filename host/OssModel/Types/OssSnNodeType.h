@@ -28,10 +28,13 @@
 ///                    Label="..." ToolTip="..." Visible="true" Choices="a,b,c"/>
 ///       </Group></Attributes>
 ///       <Contexts>...</Contexts>
+///       <Content><ossaNodes ...>...</ossaNodes></Content>
 ///     </NodeType>
 ///
 /// Attribute types are the names of OssAttributeKind. A color is scene-linear, a displaycolor is
 /// what is seen. Soft bounds are what a slider spans; a typed value may lie beyond them.
+/// Content is one group, as OssShaderNetworkIO writes nodes: what each node of the type begins as. Where
+/// a document brings a description along, it leaves out the content and keeps its hash.
 /// An absent MenuPath is the path key; an empty one keeps the type out of menus.
 class OSSMODEL_EXPORT OssSnNodeType
 {
@@ -68,16 +71,23 @@ public:
     /// The whole description as far as context loaders read it: the document element with its
     /// "Contexts". Kept apart so that making a node does not read the rest again.
     QString contextsDescription;
+    /// Empty for types that are not published groups, and where the content was left out.
+    QString content;
+    /// Of the content; empty for types that are not published groups.
+    QString contentHash;
     /// What the type is, canonically: the base of version hashes.
     QByteArray definition;
 
-    /// The description itself, without what does not count in XML: comments and white space.
+    /// The description itself, without its content and what does not count in XML: comments and white
+    /// space.
     QString source;
     /// Short hash of the description: tells two definitions of one type apart.
     QString id;
 
     /// Whether a node of the one is a node of the other, labels and texts for users aside.
     bool isSameAs(const OssSnNodeType &other) const;
+
+    bool isPublishedGroup() const { return !contentHash.isEmpty(); }
 
     /// "Blur" of "Filter/Blur".
     QString baseName() const;

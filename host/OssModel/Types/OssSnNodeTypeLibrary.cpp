@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr qint64 Largest = 1 << 20; // bytes of a description
+constexpr qint64 Largest = 16 << 20; // bytes of a description
 
 QString tr(const char *text)
 {

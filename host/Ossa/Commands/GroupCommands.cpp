@@ -1,9 +1,11 @@
 #include "Ossa/Commands/GroupCommands.h"
 
 #include "Ossa/Commands/Commands.h"
+#include "Ossa/Dialogs/PublishDialog.h"
 #include "OssCore/Program/OssResourceInfo.h"
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssCore/Undo/OssUndoManager.h"
+#include "OssInterface/Popups/OssApplication.h"
 #include "OssInterface/Popups/OssFileDialog.h"
 #include "OssInterface/Popups/OssMessageBox.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
@@ -12,6 +14,7 @@
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Nodes/OssNodeArchive.h"
 #include "OssModel/Nodes/OssSnMaterialNode.h"
+#include "OssModel/Project/OssNodeTypeWatch.h"
 #include "OssModel/Types/OssNodeSuffixes.h"
 
 #include <QPointer>
@@ -73,6 +76,8 @@ GroupCommands::GroupCommands(QObject *parent)
     });
     Commands::file(this, QStringLiteral("/Ossa/NodeGraph/Export as Gizmo"),
                    [] { exportAsGizmo(); });
+    Commands::file(this, QStringLiteral("/Ossa/NodeGraph/Publish as Node Type..."),
+                   [] { publish(); });
     Commands::file(this, QStringLiteral("/Ossa/NodeGraph/Export Material to Archive"),
                    [] { exportArchive(true); });
     Commands::file(this, QStringLiteral("/Ossa/NodeGraph/Export as Custom Procedural"),
@@ -189,6 +194,32 @@ void GroupCommands::exportAsGizmo()
     const OssResult exported = context ? context->exportNode() : OssResult();
     if (!exported && !exported.isCancelled())
         OssMessageBox::warning(nullptr, title, exported.error());
+}
+
+void GroupCommands::publish()
+{
+    const QPointer<OssSnGroupNode> target = group();
+    const QString title = tr("Publish as Node Type");
+    if (!target) {
+        OssStatusManager::instance()->showMessage(
+            tr("%1: select the group that is to be published").arg(title));
+        return;
+    }
+    if (!OssApplication::popupsAllowed()) {
+        OssStatusManager::instance()->showMessage(
+            tr("%1: scripts call publish() of the group").arg(title));
+        return;
+    }
+    PublishDialog dialog(target, OssApplication::mainWindow());
+    if (dialog.exec() != QDialog::Accepted || !target)
+        return;
+    const OssResult published = OssNodeTypeWatch::instance()->publish(target, dialog.form());
+    if (!published) {
+        OssMessageBox::warning(nullptr, title, published.error());
+        return;
+    }
+    OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
+    OssStatusManager::instance()->showMessage(tr("Published %1").arg(dialog.form().pathKey()));
 }
 
 void GroupCommands::exportArchive(bool material)

@@ -25,5 +25,6 @@ private:
     static void orderPorts(void (OssShaderNetworkManager::*request)(OssSnGroupNode *),
                            const QString &nothingToDo);
     static void exportAsGizmo();
+    static void publish();
     static void exportArchive(bool material);
 };

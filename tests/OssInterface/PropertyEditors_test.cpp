@@ -244,6 +244,13 @@ TEST_F(PropertyEditors, thePickersColoursAreSeenAtOnceAndOneStep)
     m_panel->setLocked(true);
     deleteLater();
     EXPECT_EQ(m_panel->findChild<OssColorPicker *>(), nullptr);
+    m_panel->setLocked(false);
+    picker = openTint();
+    type(named(picker, "Red"), "9");
+    QTest::keyClick(m_panel->window(), Qt::Key_Escape);
+    deleteLater();
+    EXPECT_EQ(m_panel->findChild<OssColorPicker *>(), nullptr) << "closed from beside it";
+    EXPECT_EQ(tint(), OssColor(9, 0.5, 2)) << "and kept";
 }
 
 TEST_F(PropertyEditors, thePickerTakesWhatAWidgetSaysIsThereBeforeTheScreen)

@@ -1,5 +1,6 @@
 #include "OssInterface/Properties/OssColorEditor.h"
 
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssInterface/Properties/OssColorPicker.h"
@@ -7,6 +8,7 @@
 
 #include <QEvent>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QPushButton>
 #include <QScreen>
@@ -167,6 +169,11 @@ void OssColorEditor::openPicker()
             [this] { tell([this] { Q_EMIT dragEnded(); }); });
     connect(m_picker, &QDialog::finished, this,
             [this, start, first = m_lastStep](int result) { closed(result, start, first); });
+    for (QObject *other : {static_cast<QObject *>(window()),
+                           static_cast<QObject *>(OssApplication::mainWindow())}) {
+        if (other)
+            other->installEventFilter(this);
+    }
     m_picker->show();
     // Beside the panel, as near as the screen allows: what is edited stays in view.
     const QRect room = m_picker->screen()->availableGeometry();
@@ -189,6 +196,18 @@ void OssColorEditor::closed(int result, const OssColor &start, int firstStep)
         history->undo();
     else
         tell([&] { Q_EMIT edited(QVariant::fromValue(start)); });
+}
+
+/// Escape that nobody has a use for, in the windows beside the picker. Who went on working there wants
+/// to keep what was picked.
+bool OssColorEditor::eventFilter(QObject *watched, QEvent *event)
+{
+    const bool escape = event->type() == QEvent::KeyPress
+                        && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape;
+    if (!escape || !m_picker || OssStatusManager::instance()->inProgress())
+        return OssPropertyEditor::eventFilter(watched, event);
+    m_picker->accept();
+    return true;
 }
 
 void OssColorEditor::changeEvent(QEvent *event)

@@ -26,10 +26,11 @@ public:
     QString joinKey() const override;
 
     /// A window whose colours are seen at once and are one step together; everything else goes on
-    /// beside it. It closes with the editor and when that is disabled.
+    /// beside it. It closes with the editor, when that is disabled, and with Escape in the windows beside.
     void openPicker();
 
 protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void changeEvent(QEvent *event) override;
 
 private:

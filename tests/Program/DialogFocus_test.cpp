@@ -1,0 +1,128 @@
+#include "OssInterface/Actions/OssCommandTable.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssNodeGraph/View/OssNgView.h"
+#include "Program/StartedProgram.h"
+
+#include <QDialog>
+#include <QTest>
+#include <QTimer>
+
+namespace {
+
+/// The user in the graph, with whatever a command may want selected.
+class DialogFocus : public StartedProgram
+{
+protected:
+    void SetUp() override
+    {
+        StartedProgram::SetUp();
+        OssApplication::setPopupsAllowed(true);
+        s_window->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(s_window));
+        m_leave.setInterval(5);
+        QObject::connect(&m_leave, &QTimer::timeout, [this] { leave(); });
+    }
+
+    void TearDown() override { OssApplication::setPopupsAllowed(false); }
+
+    void connectAll()
+    {
+        m_color = add("Procedural/Color");
+        m_point = add("Misc/Bake Point");
+        wire(m_color, m_point);
+        m_group = m_network->groupNodes({add("Filter/Blur")});
+        history()->clear();
+    }
+
+    /// Whatever asks the user something, beside what was there before.
+    QWidget *asking() const
+    {
+        if (QWidget *popup = QApplication::activePopupWidget())
+            return popup;
+        const QWidgetList all = QApplication::topLevelWidgets();
+        for (QWidget *one : all) {
+            if (one->isVisible() && qobject_cast<QDialog *>(one))
+                return one;
+        }
+        return nullptr;
+    }
+
+    /// By the key that leaves it.
+    void leave()
+    {
+        QWidget *window = asking();
+        if (!window)
+            return;
+        m_opened = QLatin1String(window->metaObject()->className()) + QLatin1String(" \"")
+                   + window->windowTitle() + QLatin1Char('"');
+        QWidget *focus = window->focusWidget();
+        QTest::keyClick(focus ? focus : window, Qt::Key_Escape);
+    }
+
+    /// What the command opened; empty for none.
+    QString open(QAction *action)
+    {
+        m_opened.clear();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // views of the last
+        s_window->activateWindow();
+        const auto views = s_window->findChildren<OssNgView *>();
+        for (OssNgView *view : views) {
+            if (view->isVisible())
+                m_view = view;
+        }
+        m_view->setFocus();
+        QCoreApplication::processEvents();
+        m_leave.start();
+        action->trigger();
+        QTest::qWait(40);
+        for (int tries = 0; asking() && tries < 100; ++tries)
+            QTest::qWait(10);
+        m_leave.stop();
+        QTest::qWait(5);
+        return m_opened;
+    }
+
+    OssSnBaseNode *m_color = nullptr;
+    OssSnBaseNode *m_point = nullptr;
+    OssSnBaseNode *m_group = nullptr;
+    QPointer<OssNgView> m_view;
+    QTimer m_leave;
+    QString m_opened;
+};
+
+TEST_F(DialogFocus, goesBackToTheGraphFromEveryDialogOfACommand)
+{
+    const ExpectedLog anything("", ExpectedLog::Possible); // of those that find nothing to do
+    const QStringList leaving = {text("/Ossa/File/Quit"), text("/Ossa/File/Close")};
+    int opened = 0;
+    for (const OssCommandTable::Row &row : OssCommandTable::rows()) {
+        const QString path = OssCommandTable::path(row);
+        const QAction *known = OssActionTreeManager::instance()->findAction(path);
+        if (!known || leaving.contains(path))
+            continue;
+        for (int which = 0; which < 3; ++which) {
+            StartedProgram::SetUp(); // commands change everything
+            connectAll();
+            const QList<OssSnBaseNode *> nodes{m_color, m_point, m_group};
+            select({nodes.at(which)});
+            QAction *action = OssActionTreeManager::instance()->findAction(path);
+            if (!action || !action->isEnabled())
+                continue;
+            const QString dialog = open(action);
+            if (dialog.isEmpty())
+                continue;
+            ++opened;
+            std::printf("%s: %s\n", qPrintable(path), qPrintable(dialog));
+            EXPECT_EQ(asking(), nullptr) << qPrintable(path);
+            EXPECT_EQ(QApplication::focusWidget(), m_view)
+                << qPrintable(path) << ", " << qPrintable(dialog) << ": the focus is with "
+                << (QApplication::focusWidget()
+                        ? QApplication::focusWidget()->metaObject()->className()
+                        : "nobody");
+            break;
+        }
+    }
+    EXPECT_GT(opened, 15);
+}
+
+} // namespace

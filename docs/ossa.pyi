@@ -98,6 +98,24 @@ class Project(Object):
         """Width and height of new images in pixels, from 256 to 16384."""
     @newResolution.setter
     def newResolution(self, value: int) -> None: ...
+    @property
+    def colorConfig(self) -> str:
+        """Path of an OpenColorIO configuration, '$OCIO' for that of the environment, or empty for the built-in one."""
+    @colorConfig.setter
+    def colorConfig(self, value: str) -> None: ...
+    @property
+    def workingSpace(self) -> str:
+        """Color space in which everything is computed. Colors of nodes keep their numbers; changeWorkingSpace() has them look the same."""
+    @workingSpace.setter
+    def workingSpace(self, value: str) -> None: ...
+    @property
+    def fileRules(self) -> list[str]:
+        """In which color spaces image files are, by their names: the first 'PATTERN=SPACE' that fits. The space may be 'Data'."""
+    @fileRules.setter
+    def fileRules(self, value: list[str]) -> None: ...
+    @property
+    def colorProblem(self) -> str:
+        """Why something stands in for the configuration or the working space; empty when nothing does."""
     def objects(self) -> list[GeoEntity]:
         """The objects that are textured."""
     def object(self, name: str) -> GeoEntity:
@@ -113,6 +131,10 @@ class Project(Object):
     def importMesh(self, path: str, split: str) -> list[GeoEntity]: ...
     @overload
     def importMesh(self, path: str) -> list[GeoEntity]: ...
+    def colorSpaces(self) -> list[str]:
+        """Names of the color spaces of the configuration."""
+    def changeWorkingSpace(self, space: str) -> int:
+        """Sets the working space and has the colors of nodes look as before; how many were converted."""
     def missingFiles(self) -> list[str]:
         """Paths of meshes and images that the project names and that are missing or cannot be read."""
     def relink(self, oldPath: str, newPath: str) -> int:

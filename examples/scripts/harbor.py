@@ -144,6 +144,7 @@ def add_material(graph, material, corner, rain):
 
 def build():
     project = ossa.newProject("Harbor", "cube")
+    project.fileRules = []  # its pictures are colors, whatever they are called
     project.objects()[0].name = "Harbor"
     graph = ossa.graph()
     add_backdrop(graph, "Weather", (-1240, 620), (1000, 460), "0.22,0.34,0.5,1")

@@ -9,6 +9,7 @@
 #include "OssModel/Export/OssExportManager.h"
 #include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Images/OssColorManagement.h"
 #include "OssModel/Images/OssFileWatch.h"
 #include "OssModel/Images/OssImageManager.h"
 #include "OssModel/Layers/OssLayerManager.h"
@@ -29,6 +30,7 @@ struct OssModelServices::Services
 {
     OssCoreServices core;
     OssFileWatch files;
+    OssColorManagement colors;
     OssMeshes meshes;
     OssShaderNetworkManager networks;
     OssNodeTypeWatch nodeTypes;

@@ -11,6 +11,7 @@
 
 class OssProject;
 class OssResult;
+struct OssColorSettings;
 struct OssExportOptions;
 struct OssExportPlan;
 
@@ -33,6 +34,21 @@ class OSSSCRIPTOBJECTS_EXPORT Project : public API
     Q_CLASSINFO("readOnly", "A newer version wrote the project; it can only be looked at.")
     Q_PROPERTY(int newResolution READ newResolution WRITE setNewResolution)
     Q_CLASSINFO("newResolution", "Width and height of new images in pixels, from 256 to 16384.")
+    Q_PROPERTY(QString colorConfig READ colorConfig WRITE setColorConfig)
+    Q_CLASSINFO("colorConfig", "Path of an OpenColorIO configuration, \"$OCIO\" for that of the "
+                               "environment, or empty for the built-in one.")
+    Q_PROPERTY(QString workingSpace READ workingSpace WRITE setWorkingSpace)
+    Q_CLASSINFO("workingSpace", "Color space in which everything is computed. Colors of nodes keep "
+                                "their numbers; changeWorkingSpace() has them look the same.")
+    Q_PROPERTY(QStringList fileRules READ fileRules WRITE setFileRules)
+    Q_CLASSINFO("fileRules", "In which color spaces image files are, by their names: the first "
+                             "\"PATTERN=SPACE\" that fits. The space may be \"Data\".")
+    Q_PROPERTY(QString colorProblem READ colorProblem)
+    Q_CLASSINFO("colorProblem", "Why something stands in for the configuration or the working "
+                                "space; empty when nothing does.")
+    Q_CLASSINFO("colorSpaces", "Names of the color spaces of the configuration.")
+    Q_CLASSINFO("changeWorkingSpace", "Sets the working space and has the colors of nodes look as "
+                                      "before; how many were converted.")
     Q_CLASSINFO("objects", "The objects that are textured.")
     Q_CLASSINFO("object", "By name; None when there is none.")
     Q_CLASSINFO("createObject", "Adds an object with a root graph. Its geometry is \"plane\", "
@@ -73,6 +89,13 @@ public:
     bool isReadOnly() const;
     int newResolution() const;
     void setNewResolution(int resolution);
+    QString colorConfig() const;
+    void setColorConfig(const QString &config);
+    QString workingSpace() const;
+    void setWorkingSpace(const QString &space);
+    QStringList fileRules() const;
+    void setFileRules(const QStringList &rules);
+    QString colorProblem() const;
 
 public Q_SLOTS:
     QList<GeoEntity *> objects() const;
@@ -81,6 +104,8 @@ public Q_SLOTS:
     void removeObject(Ossa::GeoEntity *object);
     QList<GeoEntity *> importMesh(const QString &path, const QString &split = QStringLiteral("one"),
                                   bool unwrap = false);
+    QStringList colorSpaces() const;
+    int changeWorkingSpace(const QString &space);
     QStringList missingFiles() const;
     int relink(const QString &oldPath, const QString &newPath);
     int relinkFolder(const QString &folder);
@@ -97,6 +122,7 @@ public Q_SLOTS:
     QString stateHash() const;
 
 private:
+    int changeColors(const OssColorSettings &colors, bool converts);
     QStringList write(const QVariantMap &options, OssExportOptions *choices,
                       const std::function<OssResult(const OssProject *)> &makePlan,
                       const OssExportPlan *plan) const;

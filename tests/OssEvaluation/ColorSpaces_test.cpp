@@ -40,7 +40,7 @@ colorspaces:
     EXPECT_EQ(spaces->views("Screen"), (std::vector<std::string>{"Direct", "Doubled"}));
     EXPECT_TRUE(spaces->views("Nobody").empty());
     std::array<float, 8> texels{0.25F, 0.5F, 1.0F, 0.5F, 1.0F, 2.0F, 3.0F, 1.0F};
-    ASSERT_TRUE(spaces->fromScene("Doubled", texels.data(), 2));
+    ASSERT_TRUE(spaces->fromWorking("Doubled", texels.data(), 2));
     EXPECT_EQ(texels, (std::array<float, 8>{0.5F, 1.0F, 2.0F, 0.5F, 2.0F, 4.0F, 6.0F, 1.0F}));
     EXPECT_FALSE(spaces->toDisplay("Screen", "Nothing", 0.0, 1.0, texels.data(), 2));
 
@@ -60,18 +60,18 @@ TEST(ColorSpaces, theBuiltInOnesNeedNoFile)
     ASSERT_NE(spaces, nullptr);
     for (const char *name : {"Linear", "sRGB", "Raw"}) {
         std::array<float, 4> texel{};
-        EXPECT_TRUE(spaces->toScene(name, texel.data(), 1)) << name;
+        EXPECT_TRUE(spaces->toWorking(name, texel.data(), 1)) << name;
     }
     EXPECT_EQ(spaces->displays(), std::vector<std::string>{"sRGB"});
     std::array<float, 4> texel{0.5F, 0.001F, 2.0F, 0.3F};
-    ASSERT_TRUE(spaces->fromScene("sRGB", texel.data(), 1));
+    ASSERT_TRUE(spaces->fromWorking("sRGB", texel.data(), 1));
     EXPECT_NEAR(texel[0], 1.055 * std::pow(0.5, 1.0 / 2.4) - 0.055, 1e-4);
     EXPECT_NEAR(texel[1], 0.01292, 1e-4);
     EXPECT_FLOAT_EQ(texel[3], 0.3F);
-    ASSERT_TRUE(spaces->toScene("sRGB", texel.data(), 1));
+    ASSERT_TRUE(spaces->toWorking("sRGB", texel.data(), 1));
     EXPECT_NEAR(texel[0], 0.5F, 1e-4);
     EXPECT_NEAR(texel[2], 2.0F, 1e-3);
-    EXPECT_FALSE(spaces->toScene("Unheard of", texel.data(), 1));
+    EXPECT_FALSE(spaces->toWorking("Unheard of", texel.data(), 1));
 }
 
 TEST(ColorSpaces, eachSettingOfTheScreenHasItsOwnTransform)
@@ -94,9 +94,9 @@ TEST(ColorSpaces, eachSettingOfTheScreenHasItsOwnTransform)
     }
     std::array<float, 4> texel{0.25F, 0.25F, 0.25F, 1.0F};
     EXPECT_FALSE(spaces->toDisplay("Wall", "Standard", 0.0, 1.0, texel.data(), 1));
-    ASSERT_TRUE(spaces->toScene("Gamma 2.2", texel.data(), 1));
+    ASSERT_TRUE(spaces->toWorking("Gamma 2.2", texel.data(), 1));
     EXPECT_NEAR(texel[0], std::pow(0.25, 2.2), 1e-4);
-    ASSERT_TRUE(spaces->fromScene("Raw", texel.data(), 1));
+    ASSERT_TRUE(spaces->fromWorking("Raw", texel.data(), 1));
     EXPECT_NEAR(texel[0], std::pow(0.25, 2.2), 1e-4) << "numbers stay as they are";
 }
 

@@ -283,7 +283,7 @@ TEST_F(FileWatch, thousandsOfFilesCostFewWatchesAndAreStillFollowed)
 
 TEST_F(FileWatch, picturesAreKnownByTheirBytesAndNeverTakenForOthers)
 {
-    OssEvImageFiles files({}, OssFileWatch::instance()->contents());
+    OssEvImageFiles files(OssEvFileColors(), OssFileWatch::instance()->contents());
     const auto seen = [&](const char *name) {
         OssEvImageProvider::Image image{path(name).toStdString()};
         OssEvImageInfo info;

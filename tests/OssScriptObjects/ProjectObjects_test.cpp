@@ -294,3 +294,28 @@ TEST_F(ProjectObjects, preferencesAreReadWrittenAndReset)
     EXPECT_EQ(object.count, 4);
     EXPECT_EQ(object.mode, text("Leave"));
 }
+
+TEST_F(ProjectObjects, colorsOfAProjectAreChosenAndWhatCannotBeHadIsRefused)
+{
+    EXPECT_EQ(m_api->workingSpace(), text("Linear"));
+    EXPECT_TRUE(m_api->colorSpaces().contains(text("ACEScg")));
+    Ossa::Node *node = m_graph->createNode(text("Procedural/Color"));
+    node->setAttribute(text("Color"), QVariant::fromValue(OssColor(1.0, 0.0, 0.0, 1.0)));
+    EXPECT_EQ(m_api->changeWorkingSpace(text("ACEScg")), 1);
+    EXPECT_EQ(m_api->workingSpace(), text("ACEScg"));
+    EXPECT_NEAR(node->attribute(text("Color")).value<OssColor>().red(), 0.6131, 1e-3);
+    EXPECT_EQ(m_api->colorProblem(), QString());
+    expectRefused({
+        {[=] { m_api->setWorkingSpace(text("Nothing")); }, Type::NotAllowed,
+         "The color configuration knows no \"Nothing\""},
+        {[=] { m_api->changeWorkingSpace(text("Raw")); }, Type::NotAllowed,
+         "\"Raw\" holds no colors"},
+        {[=] { m_api->setColorConfig(text("/nowhere/own.ocio")); }, Type::NotAllowed,
+         "Cannot read \"/nowhere/own.ocio\": there is no such file"},
+        {[=] { m_api->setFileRules({text("no rule")}); }, Type::OutOfRange,
+         "\"no rule\" is no rule: PATTERN=SPACE is one"},
+    });
+    EXPECT_EQ(m_api->workingSpace(), text("ACEScg"));
+    m_api->setFileRules({text("*_plate*=ACEScg")});
+    EXPECT_EQ(m_api->fileRules(), QStringList{text("*_plate*=ACEScg")});
+}

@@ -1,8 +1,8 @@
 #include "Ossa/Headless/BakeCommand.h"
 #include "Ossa/Headless/CommandLine.h"
 #include "Ossa/Headless/InfoCommand.h"
-#include "Ossa/Headless/MeshTroubles.h"
 #include "Ossa/Headless/NewCommand.h"
+#include "Ossa/Headless/ProjectTroubles.h"
 #include "Ossa/Pictures/GraphCommand.h"
 #include "OssModel/Project/OssAutosave.h"
 #include "OssModel/Project/OssProjectFile.h"
@@ -147,7 +147,7 @@ TEST_F(Headless, aNewProjectHasItsMeshesAndWhatIsMissingLaterIsAFailure)
     const auto infoCode = [&options] {
         testing::internal::CaptureStdout();
         testing::internal::CaptureStderr();
-        const int code = withMeshTroubles(runInfoCommand(options.project, false));
+        const int code = withProjectTroubles(runInfoCommand(options.project, false));
         std::fflush(stdout);
         const std::string told = testing::internal::GetCapturedStdout();
         return std::make_tuple(code, told, testing::internal::GetCapturedStderr());
@@ -159,7 +159,7 @@ TEST_F(Headless, aNewProjectHasItsMeshesAndWhatIsMissingLaterIsAFailure)
     EXPECT_EQ(code, ExitCode::Failure);
     EXPECT_TRUE(has(told, "missing, kept: 1 triangle")) << told;
     EXPECT_TRUE(has(failures, "mesh.obj")) << failures;
-    EXPECT_EQ(withMeshTroubles(ExitCode::Usage), ExitCode::Usage);
+    EXPECT_EQ(withProjectTroubles(ExitCode::Usage), ExitCode::Usage);
 }
 
 TEST(CommandLineParsing, runTakesAScriptPerhapsAProjectAndWhatIsTheScripts)

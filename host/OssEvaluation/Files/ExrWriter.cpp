@@ -15,6 +15,7 @@
 #include <ImfIO.h>
 #include <ImfOutputFile.h>
 #include <ImfStandardAttributes.h>
+#include <ImfStringAttribute.h>
 
 namespace {
 
@@ -76,8 +77,7 @@ public:
             throw std::runtime_error(m_file.error());
         Imf::Header header(description.width, description.height);
         header.compression() = compressionOf(description.form.compression);
-        if (OssEvWriters::spaceOf(description, false) == "ACEScg")
-            Imf::addChromaticities(header, FilmPrimaries);
+        tellSpace(&header);
         for (const char *name : names())
             header.channels().insert(name, Imf::Channel(type()));
         m_output = std::make_unique<Imf::OutputFile>(m_stream, header);
@@ -127,8 +127,19 @@ private:
     /// Whether tiles hold what the file is to hold.
     bool isAsComputed() const
     {
+        return m_description.form.spaces().isWorking(OssEvWriters::spaceOf(m_description, false));
+    }
+
+    /// The built-in working space goes without saying.
+    void tellSpace(Imf::Header *header) const
+    {
+        const OssEvColorSpaces &spaces = m_description.form.spaces();
         const std::string space = OssEvWriters::spaceOf(m_description, false);
-        return space == OssEvColorSpaces::Light || space == "Raw";
+        if (space == "ACEScg")
+            Imf::addChromaticities(*header, FilmPrimaries);
+        const bool isUsual = space == OssEvColorSpaces::Light || spaces.isData(space);
+        if (m_description.channels > 1 && (!isUsual || !spaces.key().isNull()))
+            header->insert(OssEvImageForm::SpaceAttribute, Imf::StringAttribute(space));
     }
 
     Imf::PixelType type() const { return isFloat() ? Imf::FLOAT : Imf::HALF; }

@@ -57,10 +57,10 @@ std::string OssEvWriters::spaceOf(const Description &description, bool isWholeNu
 {
     // A single channel is a mask or a measure, never a colour.
     if (description.isData || description.channels == 1)
-        return "Raw";
+        return OssEvColorSpaces::Data;
     if (!description.form.space.empty())
         return description.form.space;
-    return isWholeNumbers ? OssEvColorSpaces::Screen : OssEvColorSpaces::Light;
+    return isWholeNumbers ? OssEvColorSpaces::Screen : description.form.spaces().working();
 }
 
 int OssEvWriters::rowsLeft(const Description &description, int written)
@@ -78,14 +78,14 @@ OssEvResult OssEvWriters::encode(const std::vector<OssEvTilePointer> &tiles,
     const bool hasAlpha = description.channels == 4;
     const bool isWhole = alpha == Alpha::Straight;
     const std::string space = spaceOf(description, isWhole);
-    const bool converts = space != OssEvColorSpaces::Light && space != "Raw";
+    const bool converts = !description.form.spaces().isWorking(space);
     bool isStraight = !hasAlpha || description.form.isStraight;
     if (!isStraight && (isWhole || converts)) {
         divideByAlpha(row->data(), width);
         isStraight = true;
     }
     if (converts) {
-        OssEvResult result = OssEvColorSpaces::builtIn()->fromScene(space, row->data(), width);
+        OssEvResult result = description.form.spaces().fromWorking(space, row->data(), width);
         if (!result)
             return result;
     }

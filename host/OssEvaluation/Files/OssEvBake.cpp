@@ -265,7 +265,12 @@ OssEvResult OssEvBake::key(const Job &job, OssEvKey *key)
 {
     std::shared_ptr<const OssEvPlan> plan;
     OssEvResult result = OssEvPlan::make(targetOf(job), &plan);
-    if (result)
-        *key = plan->stages().back().key;
-    return result;
+    if (!result)
+        return result;
+    OssEvKeyBuilder builder;
+    builder.add(plan->stages().back().key);
+    if (!job.isData && !job.isScalar)
+        builder.add(job.form.spaces().key()).add(job.form.space);
+    *key = builder.key();
+    return {};
 }

@@ -2,10 +2,14 @@
 
 #include <OpenColorIO/OpenColorIO.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdlib>
+#include <fstream>
 #include <map>
 #include <mutex>
+#include <set>
 #include <sstream>
 
 namespace Ocio = OCIO_NAMESPACE;
@@ -18,6 +22,8 @@ search_path: ""
 strictparsing: true
 luma: [0.2126, 0.7152, 0.0722]
 roles:
+  aces_interchange: ACES2065-1
+  color_picking: sRGB
   data: Raw
   default: Raw
   scene_linear: Linear
@@ -54,6 +60,14 @@ colorspaces:
         - !<BuiltinTransform> {style: UTILITY - ACES-AP0_to_CIE-XYZ-D65_BFD}
         - !<MatrixTransform> {matrix: [3.2409699419045, -1.5373831775701, -0.49861076029300, 0, -0.96924363628087, 1.8759675015077, 0.041555057407176, 0, 0.055630079696994, -0.20397695888898, 1.0569715142429, 0, 0, 0, 0, 1]}
   - !<ColorSpace>
+    name: ACES2065-1
+    description: Scene-linear with the primaries AP0, for exchange
+    isdata: false
+    to_scene_reference: !<GroupTransform>
+      children:
+        - !<BuiltinTransform> {style: UTILITY - ACES-AP0_to_CIE-XYZ-D65_BFD}
+        - !<MatrixTransform> {matrix: [3.2409699419045, -1.5373831775701, -0.49861076029300, 0, -0.96924363628087, 1.8759675015077, 0.041555057407176, 0, 0.055630079696994, -0.20397695888898, 1.0569715142429, 0, 0, 0, 0, 1]}
+  - !<ColorSpace>
     name: Raw
     description: Numbers that are no colours
     isdata: true
@@ -61,13 +75,111 @@ colorspaces:
 
 using Processor = Ocio::ConstCPUProcessorRcPtr;
 
+/// What configurations call the built-in spaces, the likeliest first.
+struct UsualNames
+{
+    const char *own;
+    std::vector<const char *> others;
+};
+
+const std::vector<UsualNames> &usualNames()
+{
+    static const std::vector<UsualNames> all{
+        {OssEvColorSpaces::Screen,
+         {"sRGB - Texture", "srgb_texture", "srgb_tx", "Utility - sRGB - Texture",
+          "sRGB Encoded Rec.709 (sRGB)"}},
+        {OssEvColorSpaces::Light,
+         {"Linear Rec.709 (sRGB)", "lin_rec709", "lin_srgb", "Utility - Linear - sRGB",
+          "Utility - Linear - Rec.709"}},
+        {"ACEScg", {"ACES - ACEScg", "acescg"}},
+        {"ACES2065-1", {"ACES - ACES2065-1", "aces2065_1"}},
+        {OssEvColorSpaces::Data, {Ocio::ROLE_DATA}}};
+    return all;
+}
+
+std::string bytesOf(const std::string &path)
+{
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream bytes;
+    bytes << file.rdbuf();
+    return bytes.str();
+}
+
+/// The bytes of all files that a transform reads.
+void addFiles(const Ocio::ConstConfigRcPtr &config, const Ocio::ConstTransformRcPtr &transform,
+              OssEvKeyBuilder *key)
+{
+    if (const auto group = OCIO_DYNAMIC_POINTER_CAST<const Ocio::GroupTransform>(transform)) {
+        for (int i = 0; i < group->getNumTransforms(); ++i)
+            addFiles(config, group->getTransform(i), key);
+    }
+    const auto file = OCIO_DYNAMIC_POINTER_CAST<const Ocio::FileTransform>(transform);
+    if (file == nullptr)
+        return;
+    try {
+        const auto context = config->getCurrentContext();
+        key->add(bytesOf(context->resolveFileLocation(file->getSrc())));
+    } catch (const Ocio::Exception &) {
+        key->add("missing");
+    }
+}
+
 } // namespace
 
 struct OssEvColorSpaces::Private
 {
     Ocio::ConstConfigRcPtr config;
+    bool isBuiltIn = false;
+    std::string working;
+    OssEvKey key;
     mutable std::mutex mutex;
     mutable std::map<std::string, Processor> processors;
+
+    static std::unique_ptr<Private> make(const Ocio::ConstConfigRcPtr &config, bool isBuiltIn,
+                                         const std::string &working)
+    {
+        auto inside = std::make_unique<Private>();
+        inside->config = config;
+        inside->isBuiltIn = isBuiltIn;
+        inside->working = working;
+        if (!isBuiltIn || working != Light)
+            inside->key = inside->makeKey();
+        return inside;
+    }
+
+    /// Empty where it is none of the configuration's.
+    std::string ownName(const std::string &space) const
+    {
+        const auto named = [this](const char *name) -> std::string {
+            const auto found = config->getColorSpace(name);
+            return found == nullptr ? std::string() : std::string(found->getName());
+        };
+        std::string own = named(space.c_str());
+        for (const UsualNames &names : usualNames()) {
+            for (std::size_t i = 0; own.empty() && names.own == space && i < names.others.size();
+                 ++i)
+                own = named(names.others[i]);
+        }
+        return own;
+    }
+
+    /// May throw.
+    Ocio::ConstProcessorRcPtr between(const std::string &from, const std::string &to) const
+    {
+        const std::string source = ownName(from);
+        const std::string target = ownName(to);
+        if (!source.empty() && !target.empty())
+            return config->getProcessor(source.c_str(), target.c_str());
+        const std::string &foreign = source.empty() ? from : to;
+        const auto &known = builtIn()->d->config;
+        if (isBuiltIn || known->getColorSpace(foreign.c_str()) == nullptr
+            || config->getColorSpace(Ocio::ROLE_INTERCHANGE_SCENE) == nullptr)
+            throw Ocio::Exception(("The color configuration knows no \"" + foreign + "\"").c_str());
+        return source.empty() ? Ocio::Config::GetProcessorFromConfigs(known, from.c_str(), config,
+                                                                      target.c_str())
+                              : Ocio::Config::GetProcessorFromConfigs(config, source.c_str(), known,
+                                                                      to.c_str());
+    }
 
     /// Made once for each name; `make` may throw.
     template <class Make>
@@ -84,17 +196,62 @@ struct OssEvColorSpaces::Private
         return processors.emplace(name, made).first->second;
     }
 
-    template <class Make>
-    OssEvResult apply(const std::string &name, const Make &make, float *rgba,
-                      std::size_t count) const
+    Processor into(const std::string &space) const
+    {
+        return processor("from " + space, [&] { return between(space, working); });
+    }
+
+    Processor outOf(const std::string &space) const
+    {
+        return processor("to " + space, [&] { return between(working, space); });
+    }
+
+    template <class Find>
+    static OssEvResult apply(const Find &find, float *rgba, std::size_t count)
     {
         try {
             Ocio::PackedImageDesc image(rgba, long(count), 1, 4);
-            processor(name, make)->apply(image);
+            find()->apply(image);
             return {};
         } catch (const Ocio::Exception &fault) {
             return OssEvResult::failure(fault.what());
         }
+    }
+
+    std::string pickedSpace() const
+    {
+        const auto role = config->getColorSpace(Ocio::ROLE_COLOR_PICKING);
+        return role == nullptr ? std::string(Screen) : std::string(role->getName());
+    }
+
+    /// What no colour would be left of: twice the light is twice the number, and black is 0.
+    bool isLinear(const std::string &space) const
+    {
+        std::array<float, 8> texels{0.125F, 0.25F, 0.5F, 1.0F, 0.25F, 0.5F, 1.0F, 1.0F};
+        if (!apply([&] { return outOf(space); }, texels.data(), 2))
+            return false;
+        bool linear = true;
+        for (std::size_t i = 0; i < 3; ++i)
+            linear = linear
+                     && std::abs(texels[i + 4] - 2.0F * texels[i])
+                            <= 1e-3F * (std::abs(texels[i]) + 0.1F);
+        return linear;
+    }
+
+private:
+    OssEvKey makeKey() const
+    {
+        OssEvKeyBuilder builder;
+        builder.add(working);
+        std::ostringstream text;
+        config->serialize(text);
+        builder.add(text.str());
+        for (int i = 0; i < config->getNumColorSpaces(); ++i) {
+            const auto space = config->getColorSpace(config->getColorSpaceNameByIndex(i));
+            addFiles(config, space->getTransform(Ocio::COLORSPACE_DIR_TO_REFERENCE), &builder);
+            addFiles(config, space->getTransform(Ocio::COLORSPACE_DIR_FROM_REFERENCE), &builder);
+        }
+        return builder.key();
     }
 };
 
@@ -105,35 +262,72 @@ OssEvColorSpaces::OssEvColorSpaces(std::unique_ptr<Private> inside)
 
 OssEvColorSpaces::~OssEvColorSpaces() = default;
 
-std::shared_ptr<const OssEvColorSpaces> OssEvColorSpaces::builtIn()
+OssEvColorSpaces::Pointer OssEvColorSpaces::builtIn()
 {
-    static const std::shared_ptr<const OssEvColorSpaces> spaces = [] {
+    static const Pointer spaces = [] {
         std::istringstream text(BuiltIn);
-        auto inside = std::make_unique<Private>();
-        inside->config = Ocio::Config::CreateFromStream(text);
-        inside->config->validate();
-        return std::shared_ptr<const OssEvColorSpaces>(new OssEvColorSpaces(std::move(inside)));
+        const auto config = Ocio::Config::CreateFromStream(text);
+        config->validate();
+        return Pointer(new OssEvColorSpaces(Private::make(config, true, Light)));
     }();
     return spaces;
 }
 
-OssEvResult OssEvColorSpaces::read(const std::string &path,
-                                   std::shared_ptr<const OssEvColorSpaces> *spaces)
+OssEvResult OssEvColorSpaces::read(const std::string &path, Pointer *spaces)
 {
     const auto refused = [&path](const std::string &reason) {
         return OssEvResult::failure("Cannot read \"" + path + "\": " + reason);
     };
     try {
-        auto inside = std::make_unique<Private>();
-        inside->config = Ocio::Config::CreateFromFile(path.c_str());
-        inside->config->validate();
-        if (inside->config->getColorSpace(Ocio::ROLE_SCENE_LINEAR) == nullptr)
+        const auto config = Ocio::Config::CreateFromFile(path.c_str());
+        config->validate();
+        const auto light = config->getColorSpace(Ocio::ROLE_SCENE_LINEAR);
+        if (light == nullptr)
             return refused("it has no scene-linear role");
-        spaces->reset(new OssEvColorSpaces(std::move(inside)));
+        spaces->reset(new OssEvColorSpaces(Private::make(config, false, light->getName())));
         return {};
     } catch (const Ocio::Exception &fault) {
         return refused(fault.what());
     }
+}
+
+OssEvResult OssEvColorSpaces::readEnvironment(Pointer *spaces)
+{
+    const char *path = std::getenv(Variable);
+    if (path == nullptr || *path == 0)
+        return OssEvResult::failure(std::string("The environment names no color configuration: $")
+                                    + Variable + " is empty");
+    return read(path, spaces);
+}
+
+OssEvResult OssEvColorSpaces::withWorking(const std::string &space, Pointer *spaces) const
+{
+    const std::string own = d->ownName(space);
+    if (own.empty())
+        return OssEvResult::failure("The color configuration knows no \"" + space + "\"");
+    if (isData(own))
+        return OssEvResult::failure("\"" + space + "\" holds no colors");
+    try {
+        spaces->reset(new OssEvColorSpaces(Private::make(d->config, d->isBuiltIn, own)));
+        return {};
+    } catch (const Ocio::Exception &fault) {
+        return OssEvResult::failure(fault.what());
+    }
+}
+
+bool OssEvColorSpaces::isBuiltIn() const
+{
+    return d->isBuiltIn;
+}
+
+const std::string &OssEvColorSpaces::working() const
+{
+    return d->working;
+}
+
+const OssEvKey &OssEvColorSpaces::key() const
+{
+    return d->key;
 }
 
 std::vector<std::string> OssEvColorSpaces::names() const
@@ -143,6 +337,30 @@ std::vector<std::string> OssEvColorSpaces::names() const
     for (int i = 0; i < d->config->getNumColorSpaces(); ++i)
         names.emplace_back(d->config->getColorSpaceNameByIndex(i));
     return names;
+}
+
+std::vector<std::string> OssEvColorSpaces::linearNames() const
+{
+    std::vector<std::string> linear;
+    for (const std::string &name : names()) {
+        const std::string encoding = d->config->getColorSpace(name.c_str())->getEncoding();
+        const bool isLinear = encoding.empty() ? d->isLinear(name) : encoding == "scene-linear";
+        if (!isData(name) && isLinear)
+            linear.push_back(name);
+    }
+    return linear;
+}
+
+std::string OssEvColorSpaces::spaceOfFile(const std::string &path) const
+{
+    try {
+        std::size_t rule = 0;
+        const char *space = d->config->getColorSpaceFromFilepath(path.c_str(), rule);
+        const bool isLast = rule + 1 >= d->config->getFileRules()->getNumEntries();
+        return isLast || space == nullptr ? std::string() : d->ownName(space);
+    } catch (const Ocio::Exception &) {
+        return {}; // a rule without a colour space
+    }
 }
 
 std::vector<std::string> OssEvColorSpaces::displays() const
@@ -163,22 +381,47 @@ std::vector<std::string> OssEvColorSpaces::views(const std::string &display) con
     return names;
 }
 
-OssEvResult OssEvColorSpaces::toScene(const std::string &space, float *rgba,
-                                      std::size_t count) const
+bool OssEvColorSpaces::isWorking(const std::string &space) const
 {
-    const auto make = [this, &space] {
-        return d->config->getProcessor(space.c_str(), Ocio::ROLE_SCENE_LINEAR);
-    };
-    return d->apply("from " + space, make, rgba, count);
+    return isData(space) || d->ownName(space) == d->working;
 }
 
-OssEvResult OssEvColorSpaces::fromScene(const std::string &space, float *rgba,
+bool OssEvColorSpaces::isData(const std::string &space) const
+{
+    const auto found = d->config->getColorSpace(d->ownName(space).c_str());
+    return space == Data || (found != nullptr && found->isData());
+}
+
+OssEvResult OssEvColorSpaces::tellConversion(const std::string &space, std::string *text) const
+{
+    try {
+        *text = d->into(space)->getCacheID();
+        return {};
+    } catch (const Ocio::Exception &fault) {
+        return OssEvResult::failure(fault.what());
+    }
+}
+
+OssEvResult OssEvColorSpaces::toWorking(const std::string &space, float *rgba,
                                         std::size_t count) const
 {
-    const auto make = [this, &space] {
-        return d->config->getProcessor(Ocio::ROLE_SCENE_LINEAR, space.c_str());
-    };
-    return d->apply("to " + space, make, rgba, count);
+    return Private::apply([&] { return d->into(space); }, rgba, count);
+}
+
+OssEvResult OssEvColorSpaces::fromWorking(const std::string &space, float *rgba,
+                                          std::size_t count) const
+{
+    return Private::apply([&] { return d->outOf(space); }, rgba, count);
+}
+
+OssEvResult OssEvColorSpaces::toWorkingFromPicked(float *rgba, std::size_t count) const
+{
+    return toWorking(d->pickedSpace(), rgba, count);
+}
+
+OssEvResult OssEvColorSpaces::toPickedFromWorking(float *rgba, std::size_t count) const
+{
+    return fromWorking(d->pickedSpace(), rgba, count);
 }
 
 OssEvResult OssEvColorSpaces::toDisplay(const std::string &display, const std::string &view,
@@ -195,7 +438,7 @@ OssEvResult OssEvColorSpaces::toDisplay(const std::string &display, const std::s
         light->setMatrix(matrix.data());
         group->appendTransform(light);
         const auto look = Ocio::DisplayViewTransform::Create();
-        look->setSrc(Ocio::ROLE_SCENE_LINEAR);
+        look->setSrc(d->working.c_str());
         look->setDisplay(display.c_str());
         look->setView(view.c_str());
         group->appendTransform(look);
@@ -206,5 +449,5 @@ OssEvResult OssEvColorSpaces::toDisplay(const std::string &display, const std::s
     };
     std::ostringstream name;
     name << "display " << display << '\n' << view << '\n' << exposure << '\n' << gamma;
-    return d->apply(name.str(), make, rgba, count);
+    return Private::apply([&] { return d->processor(name.str(), make); }, rgba, count);
 }

@@ -1,5 +1,6 @@
 #include "OssEvaluation/Files/OssEvImageFiles.h"
 
+#include "OssEvaluation/Files/OssEvImageForm.h"
 #include "OssEvaluation/Files/OssEvImageRows.h"
 #include "OssEvaluation/Files/OssEvUdim.h"
 
@@ -67,6 +68,12 @@ bool isInteger(const OIIO::ImageSpec &spec)
     return !spec.format.is_floating_point();
 }
 
+/// As the writer of EXR files puts it.
+std::string saidSpace(const OIIO::ImageSpec &spec)
+{
+    return spec.get_string_attribute(OssEvImageForm::SpaceAttribute);
+}
+
 // Whether rows cost less together: formats that are packed from the top downwards, unless the image
 // is so large that its tiles would push everything else out of the cache.
 bool isReadWhole(const OIIO::ImageInput &input)
@@ -78,41 +85,19 @@ bool isReadWhole(const OIIO::ImageInput &input)
     return !rowsAreApart && TexelBytes * spec.width * spec.height <= MaximumBytes;
 }
 
-OssEvImageRows::Meaning meaningOf(const OIIO::ImageSpec &spec,
-                                  OssEvImageProvider::ColorSpace colorSpace,
-                                  std::shared_ptr<const OssEvColorSpaces> spaces)
-{
-    using ColorSpace = OssEvImageProvider::ColorSpace;
-    OssEvImageRows::Meaning meaning;
-    meaning.spaces = std::move(spaces);
-    meaning.channels = spec.nchannels == 1 ? 1 : 4;
-    const bool automatic = colorSpace == ColorSpace::Automatic && spec.nchannels > 1;
-    const bool isColor = colorSpace == ColorSpace::Color || automatic;
-    if (isColor && isInteger(spec)) {
-        meaning.space = OssEvColorSpaces::Screen;
-        // A grey image that is meant as a colour is one.
-        meaning.channels = 4;
-    }
-    const bool separate = spec.get_int_attribute("oiio:UnassociatedAlpha", 0) != 0;
-    meaning.premultiply = isColor && separate && spec.alpha_channel >= 0;
-    const auto type = spec.format.basetype;
-    const bool precise = type == OIIO::TypeDesc::FLOAT || type == OIIO::TypeDesc::DOUBLE
-                         || (!isColor && spec.format.basesize() > 1 && isInteger(spec));
-    meaning.format = precise ? OssEvTile::Format::Float : OssEvTile::Format::Half;
-    return meaning;
-}
-
 } // namespace
 
 struct OssEvImageFiles::Private
 {
+    using Meaning = OssEvImageRows::Meaning;
+
     struct Open
     {
         std::string path;
         Input input;
     };
 
-    std::shared_ptr<const OssEvColorSpaces> spaces;
+    OssEvFileColors colors;
     std::shared_ptr<OssEvFileContents> contents; ///< may be null
     std::mutex mutex;
     /// Latest used last.
@@ -141,9 +126,56 @@ struct OssEvImageFiles::Private
         }
     }
 
+    /// Data, or the colour space of the file.
+    std::string spaceOf(const Image &image, const std::string &path, Identity identity,
+                        const OIIO::ImageSpec &spec) const
+    {
+        const OssEvFileColors::File file{path, spec.nchannels, isInteger(spec), saidSpace(spec)};
+        switch (image.colorSpace) {
+        case ColorSpace::Data:
+            return OssEvFileColors::Data;
+        case ColorSpace::Color:
+            return colors.colorSpaceOf(file);
+        case ColorSpace::Automatic:
+            break;
+        }
+        if (identity == Identity::Content || isInteger(spec))
+            return colors.spaceOf(file);
+        const bool isColor = file.channels > 1 && !colors.spaces()->isData(file.space);
+        const std::string light = file.space.empty() ? OssEvColorSpaces::Light : file.space;
+        return isColor ? light : std::string(OssEvFileColors::Data);
+    }
+
+    /// How the numbers of a file become colours.
+    OssEvResult findMeaning(const Image &image, const std::string &path, Identity identity,
+                            const OIIO::ImageSpec &spec, Meaning *meaning) const
+    {
+        const std::string space = spaceOf(image, path, identity, spec);
+        const bool isColor = space != OssEvFileColors::Data && !colors.spaces()->isData(space);
+        meaning->spaces = colors.spaces();
+        // A grey image that is meant as a colour is one, but floats are numbers.
+        const bool isGrey = spec.nchannels == 1 && !(isColor && isInteger(spec));
+        meaning->channels = isGrey ? 1 : 4;
+        if (isColor && !isGrey && !colors.spaces()->isWorking(space)) {
+            OssEvResult result = colors.spaces()->tellConversion(space, &meaning->conversion);
+            if (!result)
+                return refused(path, result.error());
+            meaning->space = space;
+        }
+        const bool separate = spec.get_int_attribute("oiio:UnassociatedAlpha", 0) != 0;
+        meaning->premultiply = isColor && separate && spec.alpha_channel >= 0;
+        meaning->associated = !meaning->space.empty() && !separate && spec.alpha_channel >= 0;
+        const auto type = spec.format.basetype;
+        // Halves are enough for what is counted as the screen counts.
+        const bool isScreen = isColor && space == OssEvColorSpaces::Screen;
+        const bool precise = type == OIIO::TypeDesc::FLOAT || type == OIIO::TypeDesc::DOUBLE
+                             || (!isScreen && spec.format.basesize() > 1 && isInteger(spec));
+        meaning->format = precise ? OssEvTile::Format::Float : OssEvTile::Format::Half;
+        return {};
+    }
+
     /// What keeps the pixels of one file apart from all others.
-    OssEvKey contentOf(const std::string &path, Identity identity,
-                       const OssEvImageRows::Meaning &meaning) const
+    OssEvKey contentOf(const std::string &path, Identity identity, const Meaning &meaning) const
     {
         OssEvKeyBuilder key;
         const OssEvKey content = contents != nullptr && identity == Identity::Content
@@ -153,7 +185,7 @@ struct OssEvImageFiles::Private
             key.add(looksOf(path));
         else
             key.add(content);
-        return key.add(meaning.space)
+        return key.add(meaning.conversion)
             .add(int(meaning.premultiply))
             .add(meaning.channels)
             .add(int(meaning.format))
@@ -170,12 +202,12 @@ private:
     }
 };
 
-OssEvImageFiles::OssEvImageFiles(std::shared_ptr<const OssEvColorSpaces> spaces,
+OssEvImageFiles::OssEvImageFiles(OssEvFileColors colors,
                                  std::shared_ptr<OssEvFileContents> contents)
     : d(std::make_unique<Private>())
 {
     d->contents = std::move(contents);
-    d->spaces = spaces != nullptr ? std::move(spaces) : OssEvColorSpaces::builtIn();
+    d->colors = std::move(colors);
 }
 
 OssEvImageFiles::~OssEvImageFiles() = default;
@@ -193,7 +225,8 @@ OssEvResult OssEvImageFiles::readHeader(const std::string &path, OssEvImageHeade
                    spec.nchannels,
                    isInteger(spec),
                    spec.format == OIIO::TypeDesc::FLOAT,
-                   input->format_name()};
+                   input->format_name(),
+                   saidSpace(spec)};
         return {};
     } catch (const std::exception &fault) {
         return refused(path, fault.what());
@@ -223,7 +256,10 @@ OssEvResult OssEvImageFiles::describeFile(const Image &image, Identity identity,
                 return result;
         }
         const OIIO::ImageSpec &spec = input->spec();
-        const auto meaning = meaningOf(spec, image.colorSpace, d->spaces);
+        OssEvImageRows::Meaning meaning;
+        OssEvResult result = d->findMeaning(image, path, identity, spec, &meaning);
+        if (!result)
+            return result;
         info->width = spec.width;
         info->height = spec.height;
         info->channels = meaning.channels;
@@ -258,7 +294,10 @@ OssEvResult OssEvImageFiles::readFile(const Image &image, Identity identity, int
             if (!result)
                 return result;
         }
-        const auto meaning = meaningOf(input->spec(), image.colorSpace, d->spaces);
+        OssEvImageRows::Meaning meaning;
+        const OssEvResult found = d->findMeaning(image, path, identity, input->spec(), &meaning);
+        if (!found)
+            return found;
         if (!image.content.isNull() && d->contentOf(path, identity, meaning) != image.content)
             return refused(path, "it is another one by now");
         OssEvImageRows rows(input.get(), meaning);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OssEvaluation/Files/OssEvColorSpaces.h"
+#include "OssEvaluation/Files/OssEvFileColors.h"
 #include "OssEvaluation/Files/OssEvFileContents.h"
 #include "OssEvaluation/OssEvaluation_export.h"
 #include "OssEvaluation/Schedule/OssEvImageProvider.h"
@@ -14,18 +14,19 @@ struct OssEvImageHeader
     int width = 0;
     int height = 0;
     int channels = 0;
-    /// Whole numbers; their colours are taken for display values.
     bool isInteger = false;
     /// 32-bit floats, which are kept in full precision.
     bool isPrecise = false;
     std::string format;
+    /// The colour space that a file of ours says it is in; mostly none.
+    std::string space;
 };
 
 /// Images by the names of their files. A name with "<UDIM>", or with a patch number before its
 /// suffix, stands for a file for each patch; a patch without a file is transparent.
 ///
-/// Automatic colour: files of whole numbers hold display values of sRGB, single channels and floats
-/// hold numbers as they are. Data is never converted and keeps its alpha apart.
+/// Automatic colour is as OssEvFileColors says; in files of the pixel store, as they say themselves, and
+/// where they do not, in the built-in working space. Data is never converted and keeps its alpha apart.
 class OSSEVALUATION_EXPORT OssEvImageFiles : public OssEvImageProvider
 {
 public:
@@ -33,9 +34,9 @@ public:
     static constexpr int MaximumSize = 65536;
     static constexpr long long MaximumTexels = 1LL << 29;
 
-    /// The built-in colour spaces when null. With `contents` pictures are known by what is in their
-    /// files, without by the files' names, times and sizes.
-    explicit OssEvImageFiles(std::shared_ptr<const OssEvColorSpaces> spaces = {},
+    /// With `contents` pictures are known by what is in their files, without by the files' names, times
+    /// and sizes.
+    explicit OssEvImageFiles(OssEvFileColors colors = OssEvFileColors(),
                              std::shared_ptr<OssEvFileContents> contents = {});
     ~OssEvImageFiles() override;
 

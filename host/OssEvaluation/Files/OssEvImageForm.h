@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OssEvaluation/Files/OssEvColorSpaces.h"
 #include "OssEvaluation/Values/OssEvDepth.h"
 
 #include <optional>
@@ -8,11 +9,22 @@
 /// In what form values stand in an image file. What a format can hold is told by OssEvImageFormat.
 struct OssEvImageForm
 {
+    /// Of EXR files: names the colour space, where it is not the built-in working one.
+    static constexpr const char *SpaceAttribute = "ossaColorSpace";
+
     /// None: the format's usual one.
     std::optional<OssEvDepth> depth;
-    /// Of OssEvColorSpaces::builtIn(). Empty: the display's in files of whole numbers, light in files
-    /// of floats. Numbers that are no colours are written as they are, whatever stands here.
+    /// What the colours that come are: they stand in its working space. Null: the built-in one.
+    OssEvColorSpaces::Pointer colors;
+    /// Of `colors`. Empty: the screen's in files of whole numbers, the working space in files of floats.
+    /// Numbers that are no colours are written as they are, whatever stands here.
     std::string space;
+
+    const OssEvColorSpaces &spaces() const
+    {
+        return colors != nullptr ? *colors : *OssEvColorSpaces::builtIn();
+    }
+
     /// What comes is not multiplied by its alpha, and is not to be divided by it.
     bool isStraight = false;
     /// 8 bits hide their steps in noise that is the same each time. Values that need no rounding stay

@@ -40,6 +40,16 @@ void copyTexel(const float *from, int channels, int alpha, float *to, int wanted
     to[3] = alpha >= 0 && alpha < channels ? finite(from[alpha]) : 1.0F;
 }
 
+// What has no alpha keeps its colours.
+void divideByAlpha(std::vector<float> *rgba)
+{
+    for (std::size_t i = 0; i + 3 < rgba->size(); i += 4) {
+        const float alpha = (*rgba)[i + 3];
+        for (std::size_t k = 0; alpha != 0.0F && k < 3; ++k)
+            (*rgba)[i + k] /= alpha;
+    }
+}
+
 int reducedSize(int size, int reduction)
 {
     for (int i = 0; i < reduction; ++i)
@@ -170,12 +180,15 @@ OssEvResult OssEvImageRows::convert(const std::vector<char> &buffer, Rows *rows)
     rows->values.resize(count * to);
     for (std::size_t i = 0; i < count; ++i)
         copyTexel(values + i * from, int(from), alpha, rows->values.data() + i * to, int(to));
+    if (m_meaning.associated && to == 4)
+        divideByAlpha(&rows->values);
     if (!m_meaning.space.empty() && to == 4) {
-        OssEvResult result = m_meaning.spaces->toScene(m_meaning.space, rows->values.data(), count);
+        OssEvResult result = m_meaning.spaces->toWorking(m_meaning.space, rows->values.data(),
+                                                         count);
         if (!result)
             return result;
     }
-    if (m_meaning.premultiply && to == 4) {
+    if ((m_meaning.premultiply || m_meaning.associated) && to == 4) {
         for (std::size_t i = 0; i < count; ++i) {
             float *texel = rows->values.data() + 4 * i;
             for (int k = 0; k < 3; ++k)

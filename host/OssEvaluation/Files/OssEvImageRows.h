@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-/// Rows of an open image as scene-linear, premultiplied tiles.
+/// Rows of an open image as premultiplied tiles, colours in the working space.
 class OssEvImageRows
 {
 public:
@@ -18,9 +18,13 @@ public:
     struct Meaning
     {
         std::shared_ptr<const OssEvColorSpaces> spaces;
-        /// Empty for no conversion.
+        /// Of the file; empty for no conversion.
         std::string space;
+        /// What OssEvColorSpaces tells of it.
+        std::string conversion;
         bool premultiply = false;
+        /// The file's colours are multiplied by their alpha, which the conversion must not see.
+        bool associated = false;
         int channels = 4;
         OssEvTile::Format format = OssEvTile::Format::Half;
     };

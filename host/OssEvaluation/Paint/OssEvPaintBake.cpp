@@ -16,10 +16,38 @@ constexpr int Size = OssEvTile::Size;
 
 using Color = std::array<float, 4>;
 
+/// Files of the pixel store.
+class PixelFiles final : public OssEvImageFiles
+{
+public:
+    explicit PixelFiles(const OssEvPaintBake::Job &job)
+        : OssEvImageFiles(OssEvFileColors(job.colors))
+    {
+    }
+
+    OssEvResult describe(const Image &image, OssEvImageInfo *info) override
+    {
+        return describeFile(image, Identity::Looks, info);
+    }
+
+    OssEvResult read(const Image &image, int reduction, int tileRow, const OssEvCancel &cancel,
+                     const Deliver &deliver) override
+    {
+        return readFile(image, Identity::Looks, reduction, tileRow, cancel, deliver);
+    }
+};
+
 /// The image that lies beneath, of which only the rows of tiles last asked for are in memory.
 class Beneath
 {
 public:
+    explicit Beneath(const OssEvPaintBake::Job &job)
+        : m_files(job)
+    {
+        if (job.isData)
+            m_image.colorSpace = OssEvImageProvider::ColorSpace::Data;
+    }
+
     OssEvResult open(const std::string &path)
     {
         m_image.name = path;
@@ -87,7 +115,7 @@ public:
     }
 
 private:
-    OssEvImageFiles m_files;
+    PixelFiles m_files;
     OssEvImageProvider::Image m_image;
     OssEvImageInfo m_info;
     OssEvCancel m_cancel;
@@ -99,6 +127,7 @@ class Baker
 public:
     explicit Baker(const OssEvPaintBake::Job &job)
         : m_job(job)
+        , m_beneath(job)
     {
     }
 
@@ -112,6 +141,7 @@ public:
         description.width = resolution;
         description.height = resolution;
         description.isData = m_job.isData;
+        description.form.colors = m_job.colors;
         if (m_job.isPrecise)
             description.form.depth = OssEvDepth::Float;
         std::unique_ptr<OssEvImageWriter> writer;

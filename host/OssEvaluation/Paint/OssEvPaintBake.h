@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OssEvaluation/Files/OssEvColorSpaces.h"
 #include "OssEvaluation/OssEvaluation_export.h"
 #include "OssEvaluation/Paint/OssEvPaintBuffer.h"
 #include "OssEvaluation/Values/OssEvResult.h"
@@ -20,6 +21,8 @@ struct Job
     std::string path;
     /// Numbers instead of colours.
     bool isData = false;
+    /// The paint's. Null: the built-in ones.
+    OssEvColorSpaces::Pointer colors = {};
     /// 32 bits a channel.
     bool isPrecise = false;
 };

@@ -50,7 +50,7 @@ public:
     virtual OssEvResult describe(const Image &image, OssEvImageInfo *info) = 0;
 
     /// Delivers the tiles of row `tileRow` of the image, halved `reduction` times, or all tiles of
-    /// a sequential image. Values are finite, scene-linear, premultiplied. Called on the engine's
+    /// a sequential image. Values are finite, premultiplied, colours in the working space. Called on the engine's
     /// thread for files.
     virtual OssEvResult read(const Image &image, int reduction, int tileRow,
                              const OssEvCancel &cancel, const Deliver &deliver) = 0;

@@ -4,13 +4,19 @@
 #include "OssEvaluation/Schedule/OssEvEngine.h"
 #include "OssModel/Evaluation/OssImageSetFiles.h"
 #include "OssModel/Graph/OssGeoEntity.h"
+#include "OssModel/Images/OssColorManagement.h"
 #include "OssModel/Images/OssFileWatch.h"
 #include "OssModel/Objects/OssMeshes.h"
 
-OssEvaluationService::OssEvaluationService() = default;
+OssEvaluationService::OssEvaluationService()
+    : m_colors(QObject::connect(OssColorManagement::instance(), &OssColorManagement::changed,
+                                [this] { m_images.reset(); }))
+{
+}
 
 OssEvaluationService::~OssEvaluationService()
 {
+    QObject::disconnect(m_colors);
     m_engine.reset(); // before what it reads from
 }
 
@@ -24,7 +30,8 @@ OssEvEngine *OssEvaluationService::engine()
 std::shared_ptr<OssEvImageProvider> OssEvaluationService::images()
 {
     if (!m_images)
-        m_images = std::make_shared<OssImageSetFiles>(OssFileWatch::instance()->contents());
+        m_images = std::make_shared<OssImageSetFiles>(OssColorManagement::instance()->fileColors(),
+                                                      OssFileWatch::instance()->contents());
     return m_images;
 }
 

@@ -7,6 +7,7 @@
 
 #include <QList>
 #include <QMap>
+#include <QObject>
 #include <QString>
 
 #include <functional>
@@ -92,5 +93,8 @@ private:
                        const std::function<bool(int, int)> &onProgress);
 
     std::unique_ptr<OssEvEngine> m_engine;
+    /// Reads into the colours that are the project's; made anew when those are others, so that work
+    /// goes on as it began.
     std::shared_ptr<OssEvImageProvider> m_images;
+    QMetaObject::Connection m_colors;
 };

@@ -7,6 +7,7 @@
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Images/OssColorManagement.h"
 #include "OssModel/Images/OssPixelStore.h"
 #include "OssModel/Objects/OssCanvasManager.h"
 #include "OssModel/Objects/OssImageSet.h"
@@ -108,6 +109,7 @@ OssResult OssEvaluationService::bake(const BakeJob &job, const QString &path)
         bake.target = target;
         bake.target.patch = patch;
         bake.isData = graph.isData;
+        bake.form.colors = OssColorManagement::spaces();
         bake.path = OssEvUdim::file(path.toStdString(), patch);
         if (!QFile::exists(QString::fromStdString(bake.path)))
             fresh.append(QString::fromStdString(bake.path));
@@ -141,6 +143,9 @@ OssResult OssEvaluationService::prepareInto(const OssImageSet &images, const Bak
         if (job.keepsDepth)
             bake.depth = images.engineDepth();
         bake.fileSpace = images.fileSpace().toStdString();
+        bake.form.colors = OssColorManagement::spaces();
+        if (made->graph.isData)
+            bake.form.space = OssEvColorSpaces::Data;
         made->jobs.push_back(bake);
     }
     return made->files.isEmpty()

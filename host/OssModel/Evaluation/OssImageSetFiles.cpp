@@ -16,6 +16,8 @@ namespace {
 
 /// Starts the name of a set. Lines follow, one for each patch: number, blank, path.
 const std::string SetMark = "image set\n";
+/// The line that says that the pixels are no colours.
+const char *const DataMark = "data";
 /// Starts the line that tells the colour of patches without a file.
 const char *const FillMark = "fill ";
 
@@ -38,6 +40,8 @@ QString OssImageSetFiles::nameOf(const OssSnBaseNode *node)
         if (!path.isEmpty() && (!isLimited || limit.contains(at.key())))
             name += QStringLiteral("%1 %2\n").arg(at.key()).arg(path);
     }
+    if (set->isScalar())
+        name += QString::fromLatin1(DataMark) + QLatin1Char('\n');
     const OssColor fill = isLimited ? bakePoint->limitBakeBackground() : set->fillColor();
     if (fill.alpha() > 0.0)
         name += QString::fromLatin1(FillMark) + fill.toString() + QLatin1Char('\n');
@@ -60,6 +64,8 @@ bool OssImageSetFiles::toFile(const Image &image, Image *file, Identity *identit
     if (image.name.compare(0, SetMark.size(), SetMark) != 0)
         return true;
     *identity = Identity::Looks;
+    if (image.name.find(std::string("\n") + DataMark + '\n') != std::string::npos)
+        file->colorSpace = ColorSpace::Data;
     for (std::size_t begin = SetMark.size(); begin < image.name.size();) {
         const std::size_t end = std::min(image.name.find('\n', begin), image.name.size());
         const std::string line = image.name.substr(begin, end - begin);

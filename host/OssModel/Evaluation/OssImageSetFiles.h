@@ -12,8 +12,8 @@ class OssSnBaseNode;
 class OSSMODEL_EXPORT OssImageSetFiles : public OssEvImageFiles
 {
 public:
-    explicit OssImageSetFiles(std::shared_ptr<OssEvFileContents> contents)
-        : OssEvImageFiles({}, std::move(contents))
+    OssImageSetFiles(OssEvFileColors colors, std::shared_ptr<OssEvFileContents> contents)
+        : OssEvImageFiles(std::move(colors), std::move(contents))
     {
     }
 

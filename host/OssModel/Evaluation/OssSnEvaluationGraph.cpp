@@ -4,6 +4,7 @@
 #include "OssModel/Evaluation/OssImageSetFiles.h"
 #include "OssModel/Evaluation/OssSnParameter.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Images/OssColorManagement.h"
 #include "OssModel/Images/OssFilePath.h"
 #include "OssModel/Nodes/OssProblems.h"
 #include "OssModel/Nodes/OssSnUpstream.h"
@@ -86,6 +87,14 @@ private:
     QHash<const OssSnBaseNode *, int> m_indexes;
 };
 
+/// An image whose file is data by its name.
+bool readsData(const OssSnBaseNode *node)
+{
+    const auto path = OssFilePath::valueOf(node->userAttribute(QStringLiteral("File"))).toString();
+    return OssColorManagement::instance()->fileColors().spaceOf({path.toStdString(), 4, true, {}})
+           == OssEvFileColors::Data;
+}
+
 /// By the port, and by what an image says of its file.
 bool givesData(const OssSnProducer &producer)
 {
@@ -96,7 +105,8 @@ bool givesData(const OssSnProducer &producer)
             OssFilePath::valueOf(producer.node->userAttribute(QStringLiteral("ColorSpace"))),
             &space)
         && (space == OssEvParameter(std::string("Data"))
-            || space == OssEvParameter(std::string("Scalar"))))
+            || space == OssEvParameter(std::string("Scalar"))
+            || (space == OssEvParameter(std::string("Automatic")) && readsData(producer.node))))
         return true;
     const auto &points = producer.node->outputPoints();
     return std::any_of(points.cbegin(), points.cend(), [&producer](const auto &point) {

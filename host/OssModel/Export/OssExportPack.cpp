@@ -4,6 +4,7 @@
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Images/OssColorManagement.h"
 
 #include <QCoreApplication>
 
@@ -68,6 +69,7 @@ OssExportSource OssExportSource::withoutFreshPaint(const OssExportMaterial &mate
     OssEvaluationService *service = OssEvaluationService::instance();
     source.target = service->target(source.graph, material.entity, 0, 0);
     source.target.keepIntermediates = false;
+    source.colors = OssColorManagement::spaces();
     if (!source.target.mesh)
         source.state = OssResult::failure(
             QCoreApplication::translate("OssExportSource", "The mesh is gone"));
@@ -116,6 +118,7 @@ OssEvBake::Job OssExportSource::job(const OssExportFile &file) const
     job.path = file.path.toStdString();
     job.isData = file.isData;
     job.form = file.how.form;
+    job.form.colors = colors;
     job.form.isStraight = !multiplies;
     job.priority = Priority;
     return job;

@@ -12,6 +12,8 @@ struct OssExportSource
     QVector<OssSnEvaluationGraph::Link> links; ///< of the channels
     /// Object, mesh and images; its graph says nothing.
     OssEvTarget target;
+    /// In which the channels are.
+    OssEvColorSpaces::Pointer colors;
     OssResult state; ///< why nothing of it can be written
 
     /// GUI thread. May handle events, while fresh paint is settled.

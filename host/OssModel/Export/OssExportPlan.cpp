@@ -5,6 +5,7 @@
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Images/OssColorManagement.h"
 #include "OssModel/Objects/OssMeshes.h"
 #include "OssModel/Project/OssProject.h"
 
@@ -337,7 +338,8 @@ QString OssExportFile::spaceText() const
     if (!how.form.space.empty())
         return QString::fromStdString(how.form.space);
     const bool isWhole = how.form.depth == OssEvDepth::Byte || how.form.depth == OssEvDepth::Short;
-    return QLatin1String(isWhole ? OssEvColorSpaces::Screen : OssEvColorSpaces::Light);
+    return QString::fromStdString(isWhole ? OssEvColorSpaces::Screen
+                                          : OssColorManagement::spaces()->working());
 }
 
 qint64 OssExportFile::bytes() const

@@ -1,7 +1,7 @@
 #include "OssModel/Export/OssExportPreset.h"
 
-#include "OssEvaluation/Files/OssEvColorSpaces.h"
 #include "OssEvaluation/Files/OssEvImageFormat.h"
+#include "OssModel/Images/OssColorManagement.h"
 
 #include <QCoreApplication>
 #include <QRegularExpression>
@@ -227,9 +227,10 @@ QString faultOfForm(const File &file)
     const OssEvResult possible = format->check(file.form);
     if (!possible)
         return QString::fromStdString(possible.error());
-    const std::vector<std::string> spaces = OssEvColorSpaces::builtIn()->names();
+    std::string way;
     if (!file.form.space.empty()
-        && std::find(spaces.begin(), spaces.end(), file.form.space) == spaces.end())
+        && !OssColorManagement::spaces()->tellConversion(file.form.space, &way)
+        && !OssEvColorSpaces::builtIn()->tellConversion(file.form.space, &way))
         return tr("there is no color space \"%1\"").arg(QString::fromStdString(file.form.space));
     if (file.resolution < 0 || file.resolution > LargestResolution)
         return tr("no image has %1 texels a side").arg(file.resolution);

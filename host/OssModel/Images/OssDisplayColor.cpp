@@ -1,6 +1,6 @@
 #include "OssModel/Images/OssDisplayColor.h"
 
-#include "OssEvaluation/Files/OssEvColorSpaces.h"
+#include "OssModel/Images/OssColorManagement.h"
 
 #include <algorithm>
 #include <array>
@@ -8,34 +8,39 @@
 namespace {
 
 using Texel = std::array<float, 4>;
-using Conversion = OssEvResult (OssEvColorSpaces::*)(const std::string &, float *,
-                                                     std::size_t) const;
 
-Texel converted(Texel texel, Conversion conversion)
+Texel texelOf(const OssColor &color)
 {
-    const OssEvResult result = (OssEvColorSpaces::builtIn().get()->*conversion)(
-        OssEvColorSpaces::Screen, texel.data(), 1);
-    Q_ASSERT(result);
-    Q_UNUSED(result)
-    for (float &channel : texel)
-        channel = std::clamp(channel, 0.0F, 1.0F);
-    return texel;
+    return {float(color.red()), float(color.green()), float(color.blue()), float(color.alpha())};
+}
+
+/// For a configuration that has no space for what is picked.
+OssEvColorSpaces::Pointer builtIn()
+{
+    return OssEvColorSpaces::builtIn();
 }
 
 } // namespace
 
 QColor OssDisplayColor::ofLinear(const OssColor &color)
 {
-    const Texel shown = converted(
-        {float(color.red()), float(color.green()), float(color.blue()), float(color.alpha())},
-        &OssEvColorSpaces::fromScene);
+    Texel shown = texelOf(color);
+    if (!OssColorManagement::spaces()->toPickedFromWorking(shown.data(), 1)) {
+        shown = texelOf(color);
+        (void)builtIn()->toPickedFromWorking(shown.data(), 1);
+    }
+    for (float &channel : shown)
+        channel = std::clamp(channel, 0.0F, 1.0F);
     return QColor::fromRgbF(double(shown[0]), double(shown[1]), double(shown[2]), color.alpha());
 }
 
 OssColor OssDisplayColor::toLinear(const QColor &shown)
 {
-    const Texel linear = converted(
-        {float(shown.redF()), float(shown.greenF()), float(shown.blueF()), 1.0F},
-        &OssEvColorSpaces::toScene);
-    return {double(linear[0]), double(linear[1]), double(linear[2]), shown.alphaF()};
+    const Texel picked{float(shown.redF()), float(shown.greenF()), float(shown.blueF()), 1.0F};
+    Texel texel = picked;
+    if (!OssColorManagement::spaces()->toWorkingFromPicked(texel.data(), 1)) {
+        texel = picked;
+        (void)builtIn()->toWorkingFromPicked(texel.data(), 1);
+    }
+    return {double(texel[0]), double(texel[1]), double(texel[2]), shown.alphaF()};
 }

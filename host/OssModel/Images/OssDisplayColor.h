@@ -5,8 +5,7 @@
 
 #include <QColor>
 
-/// Scene-linear colours (ITU-R BT.709 primaries) and what a screen is sent for them (sRGB, IEC
-/// 61966-2-1). Any thread.
+/// Colours of the working space (OssColorManagement) and what a screen is sent for them. Any thread.
 namespace OssDisplayColor {
 
 /// Channels beyond what a screen shows are cut off.

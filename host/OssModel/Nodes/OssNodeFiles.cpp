@@ -1,6 +1,10 @@
 #include "OssModel/Nodes/OssNodeFiles.h"
 
 #include "OssCore/Values/OssCustomAttribute.h"
+#include "OssEvaluation/Files/OssEvImageFiles.h"
+#include "OssEvaluation/Files/OssEvUdim.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Images/OssColorManagement.h"
 #include "OssModel/Images/OssFilePath.h"
 #include "OssModel/Images/OssImage.h"
 #include "OssModel/Images/OssImageList.h"
@@ -22,4 +26,22 @@ QStringList OssNodeFiles::of(const OssCustomAttribute &attribute)
         }
     }
     return files;
+}
+
+QString OssNodeFiles::automaticSpace(const OssSnBaseNode *node, const QString &attribute)
+{
+    const OssSnNodeType *type = node->nodeType();
+    if (!type || type->kernel != QLatin1String("image") || attribute != QLatin1String("ColorSpace"))
+        return {};
+    const QStringList files = of(node->userAttribute(QStringLiteral("File")));
+    if (files.isEmpty() || files.first().isEmpty())
+        return {};
+    const std::string pattern = OssEvUdim::pattern(files.first().toStdString());
+    const std::vector<int> patches = OssEvUdim::patches(pattern);
+    const std::string path = patches.empty() ? pattern : OssEvUdim::file(pattern, patches.front());
+    OssEvImageHeader header;
+    if (!OssEvImageFiles::readHeader(path, &header))
+        return {};
+    return QString::fromStdString(OssColorManagement::instance()->fileColors().spaceOf(
+        {path, header.channels, header.isInteger, header.space}));
 }

@@ -6,6 +6,7 @@
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Images/OssColorManagement.h"
 #include "OssModel/Images/OssFileWatch.h"
 #include "OssModel/Nodes/OssNodeFiles.h"
 #include "OssModel/Nodes/OssSnUpstream.h"
@@ -46,14 +47,16 @@ public:
         return m_keys.value(place);
     }
 
-    QByteArray withShape(const QByteArray &key, const OssSnBaseNode *node)
+    /// What all nodes of the object depend on: its shape, and in which colours is reckoned.
+    QByteArray withSurroundings(const QByteArray &key, const OssSnBaseNode *node)
     {
         const QString shape = shapeOf(node);
         m_isKnown = m_isKnown && !shape.isNull();
-        if (shape.isEmpty())
+        const QString surroundings = shape + OssColorManagement::instance()->key();
+        if (surroundings.isEmpty())
             return key;
         QCryptographicHash hash(QCryptographicHash::Sha1);
-        hash.addData(key + shape.toUtf8());
+        hash.addData(key + surroundings.toUtf8());
         return hash.result();
     }
 
@@ -64,6 +67,11 @@ private:
 
     void addFiles(QCryptographicHash *hash, const QStringList &files)
     {
+        if (!files.isEmpty())
+            hash->addData(OssColorManagement::instance()
+                              ->settings()
+                              .fileRules.join(QLatin1Char('\n'))
+                              .toUtf8());
         for (const QString &file : files) {
             const QString content = OssFileWatch::instance()->contentOf(file);
             m_isKnown = m_isKnown && !content.isNull();
@@ -114,7 +122,7 @@ QString OssSnResultKey::of(const OssSnBaseNode *node, const QString &outputPoint
         maker.visit(visited, inputs);
     });
     const QByteArray key = maker.keyOf(producer.node, producer.outputPoint);
-    const QByteArray whole = maker.withShape(key, node);
+    const QByteArray whole = maker.withSurroundings(key, node);
     if (isKnown)
         *isKnown = maker.isKnown();
     return QString::fromLatin1(whole.toHex());

@@ -242,6 +242,47 @@ void OssProject::setNewResolution(int resolution)
         [this, resolution] { m_newResolution = resolution; });
 }
 
+// --- colours
+
+void OssProject::takeColors(const OssColorSettings &colors)
+{
+    m_colors = colors;
+    if (OssProjectManager::instance()->currentProject() == this)
+        OssColorManagement::instance()->use(m_colors);
+}
+
+void OssProject::setColors(const OssColorSettings &colors)
+{
+    if (colors == m_colors)
+        return;
+    const OssColorSettings before = m_colors;
+    takeColors(colors);
+    OssUndoManager::instance()->record(
+        tr("Color Settings"), [this, before] { takeColors(before); },
+        [this, colors] { takeColors(colors); });
+}
+
+void OssProject::setColorConfig(const QString &config)
+{
+    OssColorSettings colors = m_colors;
+    colors.config = config;
+    setColors(colors);
+}
+
+void OssProject::setWorkingSpace(const QString &space)
+{
+    OssColorSettings colors = m_colors;
+    colors.working = space;
+    setColors(colors);
+}
+
+void OssProject::setFileRules(const QStringList &rules)
+{
+    OssColorSettings colors = m_colors;
+    colors.fileRules = rules;
+    setColors(colors);
+}
+
 OssImage *OssProject::addImage(const QString &path, const QString &category)
 {
     const auto image = std::make_shared<OssImage>(OssImageUniqueId::create());

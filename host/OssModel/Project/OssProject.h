@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OssModel/Images/OssColorManagement.h"
 #include "OssModel/Images/OssImageManager.h"
 #include "OssModel/Objects/OssEntity.h"
 
@@ -20,6 +21,9 @@ class OSSMODEL_EXPORT OssProject
 {
     Q_OBJECT
     Q_PROPERTY(int newResolution READ newResolution WRITE setNewResolution STORED hasNewResolution)
+    Q_PROPERTY(QString colorConfig READ colorConfig WRITE setColorConfig STORED hasColorConfig)
+    Q_PROPERTY(QString workingSpace READ workingSpace WRITE setWorkingSpace STORED hasWorkingSpace)
+    Q_PROPERTY(QStringList fileRules READ fileRules WRITE setFileRules STORED hasFileRules)
 
 public:
     explicit OssProject(const QString &name = {});
@@ -61,6 +65,31 @@ public:
 
     bool hasNewResolution() const { return m_newResolution != OssImageManager::UsualResolution; }
 
+    // --- colours, in which the open project is reckoned and shown
+
+    const OssColorSettings &colors() const { return m_colors; }
+
+    /// One step. What cannot be had is kept all the same; OssColorManagement tells it.
+    void setColors(const OssColorSettings &colors);
+
+    QString colorConfig() const { return m_colors.config; }
+
+    void setColorConfig(const QString &config);
+
+    bool hasColorConfig() const { return !m_colors.config.isEmpty(); }
+
+    QString workingSpace() const { return m_colors.working; }
+
+    void setWorkingSpace(const QString &space);
+
+    bool hasWorkingSpace() const { return !m_colors.working.isEmpty(); }
+
+    QStringList fileRules() const { return m_colors.fileRules; }
+
+    void setFileRules(const QStringList &rules);
+
+    bool hasFileRules() const { return !m_colors.fileRules.isEmpty(); }
+
     /// The sizes that a project's new images can have.
     static QList<int> newResolutions();
 
@@ -89,7 +118,10 @@ private:
     void bringIn(const std::shared_ptr<OssGeoEntity> &entity, std::size_t place);
     std::size_t takeOut(const std::shared_ptr<OssGeoEntity> &entity);
 
+    void takeColors(const OssColorSettings &colors);
+
     QString m_path;
+    OssColorSettings m_colors;
     bool m_readOnly = false;
     int m_newResolution = OssImageManager::UsualResolution;
     std::vector<std::shared_ptr<OssGeoEntity>> m_entities;

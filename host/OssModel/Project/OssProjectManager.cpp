@@ -6,6 +6,7 @@
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssShadingGroup.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Images/OssColorManagement.h"
 #include "OssModel/Images/OssFilePath.h"
 #include "OssModel/Images/OssFileWatch.h"
 #include "OssModel/Images/OssPixelStore.h"
@@ -54,6 +55,13 @@ void keepFilePaths(const OssProject *project, const QString &folder)
     }
 }
 
+void keepConfigPath(OssProject *project, const QString &folder)
+{
+    const QString config = project->colorConfig();
+    if (!config.isEmpty() && config != OssColorSettings::Environment)
+        project->setColorConfig(OssFilePath::shortened(OssFilePath::resolved(config), folder));
+}
+
 /// What was not read yet could not be kept. Handles events meanwhile; false when the project is gone.
 bool readMeshes(OssProject *project)
 {
@@ -77,6 +85,7 @@ OssResult writeElsewhere(OssProject *project, const QString &folder)
         return OssProjectFile::write(project, folder);
     OssUndoManager::AutoMacro macro(OssProjectManager::tr("Keep Paths of Files"));
     keepMeshPaths(project, parent);
+    keepConfigPath(project, parent);
     if (!OssFilePath::base().isEmpty())
         keepFilePaths(project, parent);
     OssResult written = OssProjectFile::write(project, folder);
@@ -118,6 +127,10 @@ OssProject *OssProjectManager::newProject(const QString &name)
 {
     auto project = std::make_unique<OssProject>(name);
     project->addEntity(tr("Object"));
+    {
+        const OssUndoManager::Pause pause;
+        project->setFileRules(OssColorSettings::usualFileRules());
+    }
     closeProject();
     makeCurrent(std::move(project), false);
     return m_project.get();
@@ -164,6 +177,7 @@ void OssProjectManager::makeCurrent(std::unique_ptr<OssProject> project, bool fr
     m_project = std::move(project);
     OssImageManager::instance()->setHolder(m_project.get());
     OssPixelStore::setProjectFolder(m_project->path());
+    OssColorManagement::instance()->use(m_project->colors());
     OssShaderNetwork *first = nullptr;
     {
         const OssUndoManager::Pause pause;
@@ -202,6 +216,7 @@ void OssProjectManager::closeProject()
         const OssUndoManager::Pause pause;
         OssImageManager::instance()->setHolder(nullptr);
         OssPixelStore::setProjectFolder({});
+        OssColorManagement::instance()->use({});
         m_project.reset();
     }
     OssMeshes::instance()->forget();

@@ -202,6 +202,11 @@ private:
             sizes.push_back(size);
         fresh->add_option("--resolution", m_resolution, "Width and height of new images in pixels")
             ->check(CLI::IsMember(sizes));
+        fresh->add_option("--config", m_config,
+                          "OpenColorIO configuration: a file, or $OCIO for the environment's; the "
+                          "built-in one when not given");
+        fresh->add_option("--working-space", m_workingSpace,
+                          "Color space in which everything is computed, such as Linear or ACEScg");
     }
 
     NewOptions newOptions() const
@@ -217,6 +222,8 @@ private:
         fresh.scale = m_scale;
         fresh.unwraps = m_unwraps;
         fresh.resolution = m_resolution;
+        fresh.config = text(m_config);
+        fresh.workingSpace = text(m_workingSpace);
         return fresh;
     }
 
@@ -288,6 +295,8 @@ private:
     double m_scale = 1.0;
     bool m_unwraps = false;
     int m_resolution = 2048;
+    std::string m_config;
+    std::string m_workingSpace;
     std::string m_preset;
     std::vector<std::string> m_materials;
     std::vector<std::string> m_channels;

@@ -91,6 +91,9 @@ int runInfoCommand(const QString &project, bool withState)
         std::printf("written by a newer version\n");
     if (withState)
         std::printf("state %s\n", open->stateHash().constData());
+    std::printf("colors: %s, working in %s\n",
+                qPrintable(OssColorSettings::configTitle(open->colorConfig())),
+                OssColorManagement::spaces()->working().c_str());
     const QList<OssGeoEntity *> entities = open->entities();
     for (const OssGeoEntity *entity : entities)
         printEntity(entity);

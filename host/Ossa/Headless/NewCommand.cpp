@@ -38,6 +38,20 @@ OssGeometrySource sourceOf(const NewOptions &options, const QString &mesh)
     return source;
 }
 
+OssResult setColors(OssProject *project, const NewOptions &options)
+{
+    OssColorSettings colors = project->colors();
+    colors.config = options.config;
+    if (!colors.config.isEmpty() && colors.config != OssColorSettings::Environment)
+        colors.config = QFileInfo(colors.config).absoluteFilePath();
+    colors.working = options.workingSpace;
+    OssEvColorSpaces::Pointer spaces;
+    OssResult found = OssColorManagement::find(colors, &spaces);
+    if (found)
+        project->setColors(colors);
+    return found;
+}
+
 void tellFaults(const QList<OssGeoEntity *> &entities)
 {
     for (const OssGeoEntity *entity : entities) {
@@ -60,6 +74,9 @@ int runNewCommand(const NewOptions &options)
     OssProjectManager *projects = OssProjectManager::instance();
     OssProject *project = projects->newProject(QFileInfo(options.project).completeBaseName());
     project->setNewResolution(options.resolution);
+    const OssResult colored = setColors(project, options);
+    if (!colored)
+        return fail(colored.error());
     OssGeoEntity *first = project->entities().first();
     first->setGeometry(options.shape);
     for (const QString &mesh : options.meshes) {

@@ -15,6 +15,8 @@ struct NewOptions
     double scale = 1.0;
     bool unwraps = false;
     int resolution = 2048;
+    QString config;       ///< as OssColorSettings has it; a path counts from the current folder
+    QString workingSpace; ///< empty: the configuration's
 };
 
 /// Writes a new project with the meshes as its objects, and prints what became of them. What is wrong

@@ -1,7 +1,7 @@
 #include "Ossa/Headless/BakeCommand.h"
 #include "Ossa/Headless/CommandLine.h"
 #include "Ossa/Headless/InfoCommand.h"
-#include "Ossa/Headless/MeshTroubles.h"
+#include "Ossa/Headless/ProjectTroubles.h"
 #include "OssCore/Program/OssResourceInfo.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/OssModelServices.h"
@@ -29,7 +29,7 @@ int main(int argc, char **argv)
     OssShaderNetworkManager::instance()->loadNodeTypes(OssResourceInfo::instance()->nodeTypePath());
     OssNodeTypeWatch::instance()->start();
     if (line.command == CommandLine::Info)
-        return withMeshTroubles(runInfoCommand(line.project, false));
-    return withMeshTroubles(line.command == CommandLine::Export ? runExportCommand(line.textures)
-                                                                : runBakeCommand(line.bake));
+        return withProjectTroubles(runInfoCommand(line.project, false));
+    return withProjectTroubles(line.command == CommandLine::Export ? runExportCommand(line.textures)
+                                                                   : runBakeCommand(line.bake));
 }

@@ -5,7 +5,7 @@
 #include "Ossa/Common/ApplicationPreferences.h"
 #include "Ossa/Common/Theme.h"
 #include "Ossa/Headless/InfoCommand.h"
-#include "Ossa/Headless/MeshTroubles.h"
+#include "Ossa/Headless/ProjectTroubles.h"
 #include "Ossa/Pictures/GraphCommand.h"
 #include "Ossa/Plugins/PluginActions.h"
 #include "Ossa/Scripting/RunCommand.h"
@@ -89,13 +89,13 @@ int Session::run(const CommandLine &line, int &argc, char **argv)
     case CommandLine::Graph:
         return runGraphCommand(line.project, line.output);
     case CommandLine::Info:
-        return withMeshTroubles(runInfoCommand(line.project, true));
+        return withProjectTroubles(runInfoCommand(line.project, true));
     case CommandLine::New:
         return runNewCommand(line.fresh);
     case CommandLine::Bake:
-        return withMeshTroubles(runBakeCommand(line.bake));
+        return withProjectTroubles(runBakeCommand(line.bake));
     case CommandLine::Export:
-        return withMeshTroubles(runExportCommand(line.textures));
+        return withProjectTroubles(runExportCommand(line.textures));
     case CommandLine::Run:
         return runRunCommand(line.run);
     case CommandLine::Stubs:

@@ -2,6 +2,7 @@
 
 #include "OssCore/Documents/OssAtomicFile.h"
 #include "OssCore/Program/OssStatusManager.h"
+#include "OssModel/Images/OssColorManagement.h"
 #include "OssModel/Images/OssPixelStore.h"
 #include "OssModel/Objects/OssImageSet.h"
 #include "OssModel/Project/OssProject.h"
@@ -76,6 +77,7 @@ std::shared_ptr<PaintComposer::Batch> PaintComposer::prepare(const OssEvPaintBuf
         source.resolution = paint.resolution();
         source.isData = images->isScalar();
         source.isPrecise = images->depth() == OssImageSet::FloatDepth;
+        source.colors = OssColorManagement::spaces();
         const auto made = m_made.constFind(patch);
         if (made != m_made.cend() && made->source == source) {
             batch->pixels[patch] = made->file;
@@ -88,6 +90,7 @@ std::shared_ptr<PaintComposer::Batch> PaintComposer::prepare(const OssEvPaintBuf
         job.path = OssPixelStore::newPath().toStdString();
         job.isData = source.isData;
         job.isPrecise = source.isPrecise;
+        job.colors = source.colors;
         batch->jobs.push_back(std::move(job));
         batch->sources.push_back(std::move(source));
     }

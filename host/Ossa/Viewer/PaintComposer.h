@@ -51,11 +51,12 @@ private:
         int resolution = 0;
         bool isData = false;
         bool isPrecise = false;
+        OssEvColorSpaces::Pointer colors = {};
 
         friend bool operator==(const Source &a, const Source &b)
         {
             return a.tiles == b.tiles && a.beneath == b.beneath && a.resolution == b.resolution
-                   && a.isData == b.isData && a.isPrecise == b.isPrecise;
+                   && a.isData == b.isData && a.isPrecise == b.isPrecise && a.colors == b.colors;
         }
     };
 

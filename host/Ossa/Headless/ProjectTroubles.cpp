@@ -1,18 +1,24 @@
-#include "Ossa/Headless/MeshTroubles.h"
+#include "Ossa/Headless/ProjectTroubles.h"
 
 #include "Ossa/Headless/CommandLine.h"
 #include "OssModel/Graph/OssGeoEntity.h"
+#include "OssModel/Images/OssColorManagement.h"
 #include "OssModel/Objects/OssMeshes.h"
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectManager.h"
 
 #include <cstdio>
 
-int withMeshTroubles(int exitCode)
+int withProjectTroubles(int exitCode)
 {
     const OssProject *project = OssProjectManager::instance()->currentProject();
     if (exitCode != ExitCode::Success || !project)
         return exitCode;
+    const QString colors = OssColorManagement::instance()->problem();
+    if (!colors.isEmpty()) {
+        exitCode = ExitCode::Failure;
+        std::fprintf(stderr, "ossa: %s\n", qPrintable(colors));
+    }
     const QList<OssGeoEntity *> entities = project->entities();
     for (const OssGeoEntity *entity : entities) {
         const OssMeshes::Look look = OssMeshes::instance()->waitFor(entity->source());

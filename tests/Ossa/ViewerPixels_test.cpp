@@ -75,7 +75,7 @@ TEST(ViewerPixels, ofColoursAreSentThroughTheScreensTransformOnce)
     EXPECT_GT(qRed(shown(4, grey, look(Look::Color, 0.0, false, 2.0))), plain + 20);
     EXPECT_EQ(qRed(shown(4, grey, look(Look::Color, 0.0, true, 2.0))), 46) << "raw means raw";
     Look nowhere = look(Look::Color, 0.0, false);
-    nowhere.display = ViewerPixels::displays().size();
+    nowhere.screen = {"Wall", "Standard"};
     EXPECT_EQ(shown(4, grey, nowhere), qRgb(255, 0, 255)) << "no such display";
 }
 

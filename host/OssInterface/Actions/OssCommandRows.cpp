@@ -61,6 +61,7 @@ const std::vector<Row> RowTable{
     {"/Ossa/Edit", QT_TR_NOOP("Go to Last Change"), "", "Edit 3.3", WithUndo, QT_TR_NOOP("Go to the node that the last step changed")},
     {"/Ossa/Edit", QT_TR_NOOP("Preferences..."), "Ctrl+,", "Edit 4.1", Always, QT_TR_NOOP("Set how the program behaves")},
     {"/Ossa/Edit", QT_TR_NOOP("Size of New Images..."), "", "Edit 4.3", WithProject, QT_TR_NOOP("Set how large images are that are made in this project")},
+    {"/Ossa/Edit", QT_TR_NOOP("Project Settings..."), "", "Edit 4.5", WithProject, QT_TR_NOOP("Choose the color configuration and working space of this project, and the color spaces of its image files")},
     {"/Ossa/Edit", QT_TR_NOOP("Node Type Folder"), "", "Edit 4.4", Always, QT_TR_NOOP("Show the folder for kinds of nodes of your own; they are known as soon as their descriptions are there")},
     {"/Ossa/Edit", QT_TR_NOOP("Keyboard Shortcuts..."), "Ctrl+Alt+K", "Edit 4.2", Always, QT_TR_NOOP("See and change the keys of all commands")},
 

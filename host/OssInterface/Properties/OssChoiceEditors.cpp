@@ -93,6 +93,13 @@ void OssChoiceEditor::showValue(const OssCustomAttribute &attribute, const OssMi
     m_list->setAccessibleName(attribute.prettyName());
 }
 
+void OssChoiceEditor::explainChoice(const QString &choice, const QString &meaning)
+{
+    const int index = m_value.names().indexOf(choice);
+    if (index >= 0)
+        m_list->setItemText(index, meaning.isEmpty() ? choice : tr("%1 (%2)").arg(choice, meaning));
+}
+
 // --- flag
 
 OssFlagEditor::OssFlagEditor(QWidget *parent)

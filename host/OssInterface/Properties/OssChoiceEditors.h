@@ -14,6 +14,7 @@ class OssChoiceEditor : public OssPropertyEditor
 public:
     explicit OssChoiceEditor(QWidget *parent);
     void showValue(const OssCustomAttribute &attribute, const OssMixed &mixed) override;
+    void explainChoice(const QString &choice, const QString &meaning) override;
 
 private:
     QComboBox *m_list;

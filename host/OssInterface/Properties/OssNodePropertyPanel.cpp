@@ -12,6 +12,8 @@
 #include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Images/OssColorManagement.h"
+#include "OssModel/Images/OssFilePath.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -59,6 +61,9 @@ OssNodePropertyPanel::OssNodePropertyPanel(OssSnBaseNode *node,
     followSelection();
     showLock();
     refreshTargets();
+    // Colours are shown as a screen has them.
+    connect(OssColorManagement::instance(), &OssColorManagement::changed, this,
+            &OssNodePropertyPanel::refreshRows);
 }
 
 OssNodePropertyPanel::~OssNodePropertyPanel() = default;
@@ -270,6 +275,15 @@ void OssNodePropertyPanel::refreshRow(const QString &attribute)
 {
     if (OssPropertyRow *changed = row(attribute))
         changed->refresh();
+    // Of a file depends what others come to.
+    if (m_node && OssFilePath::isHeldBy(m_node->userAttribute(attribute)))
+        refreshRows();
+}
+
+void OssNodePropertyPanel::refreshRows()
+{
+    for (OssPropertyRow *row : qAsConst(m_rows))
+        row->refresh();
 }
 
 void OssNodePropertyPanel::refreshLinked(const OssSnGroupNode *group, const QString &knob)
@@ -308,8 +322,7 @@ void OssNodePropertyPanel::refreshTargets()
     m_others->setText(tr("and %n more", "", others));
     m_others->setToolTip(tr("Edits go to all selected nodes of this type"));
     m_others->setVisible(others > 0);
-    for (OssPropertyRow *row : qAsConst(m_rows))
-        row->refresh();
+    refreshRows();
 }
 
 // --- lock and pin

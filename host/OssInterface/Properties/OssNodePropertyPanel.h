@@ -87,6 +87,7 @@ private:
     void refreshLater();
     void refreshTargets();
     void refreshRow(const QString &attribute);
+    void refreshRows();
     void refreshLinked(const OssSnGroupNode *group, const QString &knob);
     void openMenu(const QPoint &position);
     /// From the node to itself in the graph and to its neighbours.

@@ -66,6 +66,8 @@ OssPropertyEditor::OssPropertyEditor(QWidget *parent)
 
 OssPropertyEditor::~OssPropertyEditor() = default;
 
+void OssPropertyEditor::explainChoice(const QString &, const QString &) {}
+
 QHBoxLayout *OssPropertyEditor::makeRow()
 {
     auto *row = new QHBoxLayout(this);

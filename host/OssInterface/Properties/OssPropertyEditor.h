@@ -26,6 +26,9 @@ public:
     /// The values of what is edited together may differ, as `mixed` tells; this is one of them.
     virtual void showValue(const OssCustomAttribute &attribute, const OssMixed &mixed) = 0;
 
+    /// Tells what a choice comes to here, beside its name; an empty meaning tells nothing.
+    virtual void explainChoice(const QString &choice, const QString &meaning);
+
     /// While it is not empty, all edits told of are one step together.
     virtual QString joinKey() const { return {}; }
 

@@ -6,6 +6,7 @@
 #include "OssInterface/Properties/OssPropertyEditor.h"
 #include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Nodes/OssNodeFiles.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -132,6 +133,8 @@ void OssPropertyRow::refresh()
     m_label->setText(OssMenu::asTyped(attribute.prettyName()));
     m_editor->setEnabled(lock.isEmpty());
     m_editor->showValue(attribute, m_edit.isDragging() ? OssMixed() : m_edit.mixed());
+    m_editor->explainChoice(QStringLiteral("Automatic"),
+                            OssNodeFiles::automaticSpace(m_node, m_name));
     showMarks(attribute, lock);
 }
 

@@ -232,6 +232,7 @@ void MeshCommands::fill(OssProject *project, const NewProjectDialog &dialog)
 {
     const OssUndoManager::Pause pause;
     project->setNewResolution(dialog.resolution());
+    project->setColors(dialog.colors());
     OssGeoEntity *first = project->entities().first();
     if (!dialog.source().isFile()) {
         first->setSource(dialog.source());

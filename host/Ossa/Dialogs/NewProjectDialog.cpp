@@ -1,6 +1,7 @@
 #include "Ossa/Dialogs/NewProjectDialog.h"
 
 #include "Ossa/Common/Theme.h"
+#include "Ossa/Dialogs/ColorChoice.h"
 #include "OssModel/Project/OssProject.h"
 
 #include <QComboBox>
@@ -38,6 +39,11 @@ NewProjectDialog::NewProjectDialog(QWidget *parent)
     form->addRow(tr("Name:"), m_name);
     form->addRow(tr("Mesh:"), m_shape);
     form->addRow(tr("Size of images:"), m_resolution);
+    m_colors = new ColorChoice(form, this);
+    OssColorSettings colors;
+    colors.fileRules = OssColorSettings::usualFileRules();
+    m_colors->setSettings(colors);
+    connect(m_colors, &ColorChoice::changed, this, &NewProjectDialog::refresh);
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(form);
     layout->addWidget(m_panel);
@@ -63,6 +69,11 @@ QString NewProjectDialog::name() const
 int NewProjectDialog::resolution() const
 {
     return m_resolution->currentData().toInt();
+}
+
+OssColorSettings NewProjectDialog::colors() const
+{
+    return m_colors->settings();
 }
 
 OssGeometrySource NewProjectDialog::source() const
@@ -113,5 +124,6 @@ void NewProjectDialog::setFile(const QString &path)
 void NewProjectDialog::refresh()
 {
     m_buttons->button(QDialogButtonBox::Ok)
-        ->setEnabled(!name().isEmpty() && (!source().isFile() || m_panel->isUsable()));
+        ->setEnabled(!name().isEmpty() && m_colors->isUsable()
+                     && (!source().isFile() || m_panel->isUsable()));
 }

@@ -1,14 +1,17 @@
 #pragma once
 
 #include "Ossa/Dialogs/MeshPanel.h"
+#include "OssModel/Images/OssColorManagement.h"
 
 #include <QDialog>
 
+class ColorChoice;
 class QComboBox;
 class QDialogButtonBox;
 class QLineEdit;
 
-/// Asks for the name of a new project, what is textured in it, and how large its images are.
+/// Asks for the name of a new project, what is textured in it, how large its images are and in which
+/// colours it is reckoned.
 class NewProjectDialog : public QDialog
 {
     Q_OBJECT
@@ -22,6 +25,7 @@ public:
     /// A shape, or the file that was chosen.
     OssGeometrySource source() const;
     int resolution() const;
+    OssColorSettings colors() const;
 
     /// Of the file that was chosen.
     const OssMeshReader &read() const { return m_panel->read(); }
@@ -34,6 +38,7 @@ private:
     QLineEdit *m_name;
     QComboBox *m_shape; ///< the last entry is a file
     QComboBox *m_resolution;
+    ColorChoice *m_colors;
     MeshPanel *m_panel;
     QDialogButtonBox *m_buttons;
     int m_chosen = 0;

@@ -5,6 +5,7 @@
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssShadingGroup.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Images/OssColorManagement.h"
 #include "OssModel/Nodes/OssProblems.h"
 #include "OssModel/Objects/OssMeshes.h"
 #include "OssModel/Project/OssProject.h"
@@ -54,6 +55,8 @@ ProblemsPanel::ProblemsPanel(QWidget *parent)
     setFocusProxy(m_list);
     connect(OssProblems::instance(), &OssProblems::changed, this, &ProblemsPanel::refresh);
     connect(OssMeshes::instance(), &OssMeshes::changed, this, &ProblemsPanel::refresh);
+    connect(OssColorManagement::instance(), &OssColorManagement::changed, this,
+            &ProblemsPanel::refresh);
     connect(OssProjectManager::instance(), &OssProjectManager::projectOpenCompleted, this,
             &ProblemsPanel::refresh);
     connect(OssProjectManager::instance(), &OssProjectManager::projectClosed, this,
@@ -77,6 +80,12 @@ void ProblemsPanel::refresh()
         row->setData(0, networkRole,
                      QVariant::fromValue(QPointer<OssShaderNetwork>(
                          trouble.entity->shadingGroups().first()->network())));
+    }
+    const QString colors = OssColorManagement::instance()->problem();
+    if (!colors.isEmpty()) {
+        auto *row = new QTreeWidgetItem(m_list, {tr("Colors"), colors}); // the list's
+        row->setToolTip(0, tr("Edit > Project Settings"));
+        row->setToolTip(1, colors);
     }
     for (const OssProblems::Problem &problem : problems) {
         auto *row = new QTreeWidgetItem(m_list); // the list's

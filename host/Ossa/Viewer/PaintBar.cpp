@@ -9,6 +9,7 @@
 #include "OssModel/Evaluation/OssSolo.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Images/OssColorManagement.h"
 #include "OssModel/Images/OssDisplayColor.h"
 #include "OssModel/Nodes/OssSnChannelInputNode.h"
 
@@ -93,6 +94,8 @@ PaintBar::PaintBar(PaintSession *session, const ViewerSource *source, QWidget *p
     m_hint->setWordWrap(true);
     layout->addWidget(m_hint);
     connect(session, &PaintSession::brushChanged, this, &PaintBar::showBrush);
+    connect(OssColorManagement::instance(), &OssColorManagement::changed, this,
+            &PaintBar::keepColor);
     connect(session, &PaintSession::stateChanged, this, &PaintBar::showState);
     connect(source, &ViewerSource::began, this, &PaintBar::showState);
     connect(OssUndoManager::instance(), &OssUndoManager::changed, this, &PaintBar::refresh);
@@ -270,7 +273,19 @@ void PaintBar::showBrush()
     m_hardness->setValue(int(std::lround(hundred * brush.hardness)));
     m_opacity->setValue(int(std::lround(hundred * brush.opacity)));
     m_eraser->setChecked(brush.erases);
-    m_color->setIcon(swatch(OssDisplayColor::ofLinear(colorOf(brush))));
+    m_seen = OssDisplayColor::ofLinear(colorOf(brush));
+    m_color->setIcon(swatch(m_seen));
+}
+
+// The brush goes on painting what it was seen to paint.
+void PaintBar::keepColor()
+{
+    if (!m_seen.isValid())
+        return;
+    OssEvBrush brush = m_session->brush();
+    const OssColor color = OssDisplayColor::toLinear(m_seen);
+    brush.color = {float(color.red()), float(color.green()), float(color.blue())};
+    m_session->setBrush(brush);
 }
 
 void PaintBar::applyBrush()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QColor>
 #include <QPointer>
 #include <QWidget>
 
@@ -40,12 +41,14 @@ private:
     void showBrush();
     void showState();
     void applyBrush();
+    void keepColor();
 
     PaintSession *m_session;
     const ViewerSource *m_source;
     QComboBox *m_nodes;
     QVector<QPointer<OssSnImageSetNodeBase>> m_choices; ///< those of m_nodes
     QToolButton *m_color;
+    QColor m_seen; ///< of the brush, on the screen
     QSpinBox *m_size;
     QSpinBox *m_hardness;
     QSpinBox *m_opacity;

@@ -11,6 +11,7 @@
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssInterface/Actions/OssShortcutManager.h"
 #include "OssModel/Graph/OssGeoEntity.h"
+#include "OssModel/Images/OssColorManagement.h"
 #include "OssModel/Nodes/OssSnImageSetNodeBase.h"
 #include "OssModel/Objects/OssMeshes.h"
 #include "OssModel/Project/OssProjectManager.h"
@@ -23,6 +24,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QProgressBar>
+#include <QSignalBlocker>
 #include <QSplitter>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -33,6 +35,7 @@ const QString modeKey = QStringLiteral("Viewer/mode");
 const QString commandFolder = QStringLiteral("/Ossa/Viewer/");
 constexpr double sizeStep = 1.2; // of the brush, from key to key
 constexpr double hardnessStep = 0.1;
+const QString screenKey = QStringLiteral("Viewer/screen");
 const QString resolutionKey = QStringLiteral("Viewer/resolution");
 constexpr int patience = 300; // milliseconds until a picture shows its progress
 constexpr int usualResolution = 1024;
@@ -253,9 +256,8 @@ QWidget *ViewerPanel::makeControls()
     rows->addLayout(layout);
     m_channels->addItems({tr("Color"), tr("Red"), tr("Green"), tr("Blue"), tr("Alpha")});
     m_channels->setAccessibleName(tr("Channels"));
-    m_display->addItems(ViewerPixels::displays());
-    m_display->addItem(tr("Raw"));
     m_display->setAccessibleName(tr("Display"));
+    fillScreens();
     for (const int size : {256, 512, 1024, 2048, 4096})
         m_resolution->addItem(QString::number(size), size);
     const int kept = m_resolution->findData(OssSettings().value(resolutionKey).toInt());
@@ -278,6 +280,7 @@ QWidget *ViewerPanel::makeControls()
     const auto changed = qOverload<int>(&QComboBox::currentIndexChanged);
     connect(m_channels, changed, this, &ViewerPanel::applyLook);
     connect(m_display, changed, this, &ViewerPanel::applyLook);
+    followScreens();
     connect(m_resolution, changed, this, [this] {
         m_source->setResolution(m_resolution->currentData().toInt());
         OssSettings().setValue(resolutionKey, m_resolution->currentData().toInt());
@@ -319,6 +322,29 @@ void ViewerPanel::setComparing(bool on)
         setMode(Both);
 }
 
+void ViewerPanel::followScreens()
+{
+    connect(m_display, qOverload<int>(&QComboBox::activated), this,
+            [this] { OssSettings().setValue(screenKey, m_display->currentText()); });
+    connect(OssColorManagement::instance(), &OssColorManagement::changed, this, [this] {
+        fillScreens();
+        applyLook();
+    });
+}
+
+void ViewerPanel::fillScreens()
+{
+    const QSignalBlocker quiet(m_display);
+    m_screens = ViewerPixels::screens(*OssColorManagement::spaces());
+    m_display->clear();
+    for (const ViewerScreen &screen : qAsConst(m_screens))
+        m_display->addItem(ViewerPixels::titleOf(screen, m_screens));
+    m_display->addItem(tr("Raw"));
+    // What another configuration has is kept for the day when it is there again.
+    const int kept = m_display->findText(OssSettings().value(screenKey).toString());
+    m_display->setCurrentIndex(std::max(kept, 0));
+}
+
 void ViewerPanel::applyLook()
 {
     ViewerLook look;
@@ -326,7 +352,8 @@ void ViewerPanel::applyLook()
     look.exposure = m_exposure->value();
     look.gamma = m_gamma->value();
     look.raw = m_display->currentIndex() == m_display->count() - 1;
-    look.display = look.raw ? 0 : m_display->currentIndex();
+    look.colors = OssColorManagement::spaces();
+    look.screen = m_screens.value(m_display->currentIndex());
     m_pictures->setLook(look);
     m_source->setLook(look);
 }

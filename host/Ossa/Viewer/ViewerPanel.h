@@ -51,6 +51,8 @@ private:
     void followPaint();
     void fileCommands();
     void framePictures();
+    void fillScreens();
+    void followScreens();
     void applyLook();
 
     ViewerSource *m_source;
@@ -71,7 +73,8 @@ private:
     QElapsedTimer m_sinceBegin;
     QComboBox *m_channels;
     QComboBox *m_resolution;
-    QComboBox *m_display;
+    QComboBox *m_display; ///< screens, and plain numbers
+    QVector<ViewerScreen> m_screens;
     QDoubleSpinBox *m_exposure;
     QDoubleSpinBox *m_gamma;
 };

@@ -1,51 +1,27 @@
 #include "Ossa/Viewer/ViewerPixels.h"
 
-#include "OssEvaluation/Files/OssEvColorSpaces.h"
+#include "OssModel/Images/OssColorManagement.h"
 
 #include <algorithm>
 #include <cmath>
-#include <memory>
-#include <string>
 #include <vector>
 
 namespace {
 
 constexpr int tileSize = OssEvTile::Size;
 
-/// What the pictures are made for.
-struct Screen
-{
-    std::string display;
-    std::string view;
-};
-
-const OssEvColorSpaces &spaces()
-{
-    static const std::shared_ptr<const OssEvColorSpaces> own = OssEvColorSpaces::builtIn();
-    return *own;
-}
-
-const std::vector<Screen> &screens()
-{
-    static const std::vector<Screen> all = [] {
-        std::vector<Screen> found;
-        for (const std::string &display : spaces().displays()) {
-            const std::vector<std::string> views = spaces().views(display);
-            if (!views.empty())
-                found.push_back({display, views.front()});
-        }
-        return found;
-    }();
-    return all;
-}
-
 OssEvResult toScreen(const ViewerLook &look, float *row, int count)
 {
-    if (look.display < 0 || std::size_t(look.display) >= screens().size())
-        return OssEvResult::failure("There is no such display");
-    const Screen &screen = screens()[std::size_t(look.display)];
-    return spaces().toDisplay(screen.display, screen.view, look.exposure, look.gamma, row,
-                              std::size_t(count));
+    const OssEvColorSpaces::Pointer colors = look.colors ? look.colors
+                                                         : OssColorManagement::spaces();
+    ViewerScreen screen = look.screen;
+    if (screen.display.empty()) {
+        const QVector<ViewerScreen> all = ViewerPixels::screens(*colors);
+        if (!all.isEmpty())
+            screen = all.first();
+    }
+    return colors->toDisplay(screen.display, screen.view, look.exposure, look.gamma, row,
+                             std::size_t(count));
 }
 
 int byteOf(float value)
@@ -55,12 +31,27 @@ int byteOf(float value)
 
 } // namespace
 
-QStringList ViewerPixels::displays()
+QVector<ViewerScreen> ViewerPixels::screens(const OssEvColorSpaces &colors)
 {
-    QStringList names;
-    for (const Screen &screen : screens())
-        names.append(QString::fromStdString(screen.display));
-    return names;
+    QVector<ViewerScreen> found;
+    for (const std::string &display : colors.displays()) {
+        for (const std::string &view : colors.views(display)) {
+            if (view != OssEvColorSpaces::Data)
+                found.append({display, view});
+        }
+    }
+    return found;
+}
+
+QString ViewerPixels::titleOf(const ViewerScreen &screen, const QVector<ViewerScreen> &screens)
+{
+    const auto isSame = [&screen](const ViewerScreen &other) {
+        return other.display == screen.display;
+    };
+    const QString display = QString::fromStdString(screen.display);
+    return std::count_if(screens.cbegin(), screens.cend(), isSame) < 2
+               ? display
+               : QStringLiteral("%1: %2").arg(display, QString::fromStdString(screen.view));
 }
 
 void ViewerPixels::read(const OssEvTile &tile, int x, int y, int count, float *rgba)

@@ -1,9 +1,25 @@
 #pragma once
 
+#include "OssEvaluation/Files/OssEvColorSpaces.h"
 #include "OssEvaluation/Values/OssEvTile.h"
 
 #include <QImage>
-#include <QStringList>
+#include <QString>
+#include <QVector>
+
+#include <string>
+
+/// What pictures are made for, by the colour configuration.
+struct ViewerScreen
+{
+    std::string display;
+    std::string view;
+
+    friend bool operator==(const ViewerScreen &a, const ViewerScreen &b)
+    {
+        return a.display == b.display && a.view == b.view;
+    }
+};
 
 /// How values are shown on screen.
 struct ViewerLook
@@ -13,20 +29,25 @@ struct ViewerLook
     Channels channels = Color;
     double exposure = 0.0; ///< stops
     double gamma = 1.0;
-    int display = 0;  ///< place in ViewerPixels::displays()
-    bool raw = false; ///< numbers as they are, without a display transform
+    /// In whose working space the values are; null: of the project as it is now.
+    OssEvColorSpaces::Pointer colors;
+    ViewerScreen screen; ///< empty: the first
+    bool raw = false;    ///< numbers as they are, without a display transform
 
     friend bool operator==(const ViewerLook &a, const ViewerLook &b)
     {
         return a.channels == b.channels && a.exposure == b.exposure && a.gamma == b.gamma
-               && a.display == b.display && a.raw == b.raw;
+               && a.colors == b.colors && a.screen == b.screen && a.raw == b.raw;
     }
 };
 
 namespace ViewerPixels {
 
-/// What pictures can be made for: the displays of the colour configuration, each with its first view.
-QStringList displays();
+/// What pictures can be made for: the displays of the configuration with their views, but for those that
+/// show plain numbers, as every look can.
+QVector<ViewerScreen> screens(const OssEvColorSpaces &colors);
+/// For people; a display that has one view needs no more than its own name.
+QString titleOf(const ViewerScreen &screen, const QVector<ViewerScreen> &screens);
 
 /// The tile as it is shown, with its alpha; any thread.
 QImage picture(const OssEvTile &tile, const ViewerLook &look);

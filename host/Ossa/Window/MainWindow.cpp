@@ -1,5 +1,6 @@
 #include "Ossa/Window/MainWindow.h"
 
+#include "Ossa/Commands/ColorCommands.h"
 #include "Ossa/Commands/Commands.h"
 #include "Ossa/Commands/EditCommands.h"
 #include "Ossa/Commands/ExportCommands.h"
@@ -92,6 +93,8 @@ MainWindow::MainWindow()
     connect(m_recovery, &WorkRecovery::trouble, m_notifications, &NotificationBar::tell);
     m_meshes = new MeshCommands(m_project, this);
     connect(m_meshes, &MeshCommands::trouble, m_notifications, &NotificationBar::tell);
+    const auto *colors = new ColorCommands(this); // owned by the window
+    connect(colors, &ColorCommands::trouble, m_notifications, &NotificationBar::tell);
     new EditCommands(this);   // owned by the window
     new ExportCommands(this); // owned by the window
     new ScriptCommands(this); // owned by the window

@@ -6,6 +6,7 @@
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssInterface/Palettes/OssPalette.h"
 #include "OssInterface/Palettes/OssPaletteManager.h"
+#include "OssModel/Images/OssColorManagement.h"
 #include "OssModel/Nodes/OssProblems.h"
 #include "OssModel/Objects/OssMeshes.h"
 #include "OssModel/Project/OssProject.h"
@@ -79,6 +80,8 @@ StatusArea::StatusArea(QWidget *parent)
     });
     connect(OssProblems::instance(), &OssProblems::changed, this, &StatusArea::showProblems);
     connect(OssMeshes::instance(), &OssMeshes::changed, this, &StatusArea::showProblems);
+    connect(OssColorManagement::instance(), &OssColorManagement::changed, this,
+            &StatusArea::showProblems);
     connect(OssProjectManager::instance(), &OssProjectManager::projectClosed, this,
             &StatusArea::showProblems);
     showProblems();
@@ -132,7 +135,8 @@ void StatusArea::showProblems()
 {
     const int count = OssProblems::instance()->problems().size()
                       + OssProjectMeshes::troubles(OssProjectManager::instance()->currentProject())
-                            .size();
+                            .size()
+                      + (OssColorManagement::instance()->problem().isEmpty() ? 0 : 1);
     m_problems->setText(count == 1 ? tr("1 problem") : tr("%1 problems").arg(count));
     m_problems->setVisible(count > 0);
 }

@@ -46,7 +46,7 @@ const QVector<Layer> &layers()
         {text("host/Ossa"),
          list("OssCore OssEvaluation OssRender OssModel OssInterface OssScriptObjects OssScripting "
               "OssNodeGraph ZelGL"),
-         list("Common Plugins Headless Pictures Dialogs Export Commands Viewer Scripting Palettes "
+         list("Common Plugins Surfaces Headless Pictures Dialogs Export Commands Viewer Scripting Palettes "
               "Window Start")},
     };
     return table;

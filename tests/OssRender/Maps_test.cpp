@@ -114,6 +114,7 @@ TEST(Maps, aHeightMapBendsLightAtItsSlopesAlone)
     }
     OssRdMaterial material;
     material.maps[OssRdMaterial::Coat].texels = slope;
+    material.reach = 1.0F;
     OssRdScene scene;
     scene.objects.push_back({plane, {{1001, material}}});
     const OssRdImage image = renderer.render(scene, frontOf(*plane, OssRdView::Shows::Normal));

@@ -3,6 +3,7 @@
 #include "Ossa/Headless/InfoCommand.h"
 #include "Ossa/Headless/NewCommand.h"
 #include "Ossa/Headless/ProjectTroubles.h"
+#include "Ossa/Headless/RenderCommand.h"
 #include "Ossa/Pictures/GraphCommand.h"
 #include "OssModel/Project/OssAutosave.h"
 #include "OssModel/Project/OssProjectFile.h"
@@ -235,7 +236,7 @@ TEST(Programs, answerOnTheirStreamsAndEndWithTheirCodes)
          {text("graph"), example, text("-o"), text("a.png")},
          ExitCode::Usage,
          nullptr,
-         "only bake, export and info"},
+         "only bake, export, info and render"},
     };
     for (const auto &[isBatch, arguments, exitCode, out, err] : cases) {
         const ProgramRun run = isBatch ? ProgramRun::ofBatch(arguments) : ProgramRun::of(arguments);
@@ -312,6 +313,51 @@ TEST_F(Headless, bakesNameFilesAfterShaderAndInputOrAfterTheNode)
             EXPECT_EQ(paths.at(i), into.filePath(written.at(i)));
         EXPECT_TRUE(error ? has(errors, error) : errors.empty()) << errors;
     }
+}
+
+TEST_F(Headless, rendersObjectsInLight)
+{
+    RenderOptions options;
+    options.project = path();
+    options.output = m_folder.filePath(text("still.png"));
+    options.size = {96, 64};
+    options.resolution = 64;
+    ASSERT_EQ(runRenderCommand(options), int(ExitCode::Success));
+    const QImage still(options.output);
+    ASSERT_EQ(still.size(), options.size);
+    const QColor corner = still.pixelColor(1, 1);
+    const QColor middle = still.pixelColor(48, 32);
+    EXPECT_GT(middle.red(), corner.red()) << "the wall stands there, in light";
+
+    // What is behind is the surrounding; the light comes from it.
+    options.background = text("environment");
+    options.environment = text("Sunset");
+    ASSERT_EQ(runRenderCommand(options), int(ExitCode::Success));
+    EXPECT_NE(QImage(options.output).pixelColor(1, 1), corner);
+
+    // Once around: a cube looks the same after each quarter but for the light.
+    options.background = text("plain");
+    options.frames = 4;
+    options.node = text("Soft");
+    ASSERT_EQ(runRenderCommand(options), int(ExitCode::Success));
+    EXPECT_TRUE(QFile::exists(m_folder.filePath(text("still.0004.png"))));
+    EXPECT_NE(QImage(m_folder.filePath(text("still.0001.png"))),
+              QImage(m_folder.filePath(text("still.0002.png"))));
+
+    const auto reason = [](const RenderOptions &wrong) {
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(runRenderCommand(wrong), int(ExitCode::Failure));
+        return testing::internal::GetCapturedStderr();
+    };
+    RenderOptions wrong = options;
+    wrong.node = text("Nobody");
+    EXPECT_NE(reason(wrong).find("Nobody"), std::string::npos);
+    wrong = options;
+    wrong.environment = text("/nowhere/sky.hdr");
+    EXPECT_NE(reason(wrong).find("/nowhere/sky.hdr"), std::string::npos);
+    wrong = options;
+    wrong.output = text("still.doc");
+    EXPECT_NE(reason(wrong).find("still.doc"), std::string::npos);
 }
 
 TEST_F(Headless, infoCountsWhatIsInTheProject)

@@ -1,6 +1,6 @@
 #include "Ossa/Viewer/ObjectView.h"
 
-#include "Ossa/Viewer/ObjectCamera.h"
+#include "Ossa/Surfaces/ObjectCamera.h"
 #include "Ossa/Viewer/ViewerPictures.h"
 #include "OssEvaluation/Geometry/OssEvMesh.h"
 #include "support/InterfaceUser.h"

@@ -58,6 +58,15 @@ OssExportFile fileOf(OssSurfaceMaps::Map map, int patch, int resolution)
     return file;
 }
 
+float reachOf(const OssExportMaterial &material)
+{
+    const OssExportMaterial::Channel *normal = material.channel(QStringLiteral("Normal"));
+    const OssExportMaterial::Channel *height = material.channel(QStringLiteral("Displacement"));
+    if (!height || !height->isFed || (normal && normal->isFed))
+        return 0.0F;
+    return material.node->userAttribute(QStringLiteral("Height")).value().toFloat();
+}
+
 } // namespace
 
 OssSurfaceMaps OssSurfaceMaps::of(const OssSnProducer &shown, const OssGeoEntity *entity)
@@ -79,6 +88,7 @@ OssSurfaceMaps OssSurfaceMaps::of(const OssSnProducer &shown, const OssGeoEntity
     if (!maps.m_isMaterial)
         source->channels = QStringList{BaseColor};
     source->target.keepIntermediates = true; // the next edit comes soon
+    maps.m_reach = reachOf(material);
     maps.m_problem = source->state.error();
     maps.m_source = source;
     return maps;

@@ -28,6 +28,10 @@ public:
     /// Whether it is one; else all but the base colour is what materials usually are.
     bool isMaterial() const { return m_isMaterial; }
 
+    /// How far a displacement of 1 stands out, in the world's lengths; 0 where a normal map tells the
+    /// same already.
+    float reach() const { return m_reach; }
+
     /// Why there is nothing to compute, in words.
     QString problem() const;
     /// The document's nodes that were copied: other values there, other pixels.
@@ -42,5 +46,6 @@ public:
 private:
     std::shared_ptr<const OssExportSource> m_source; ///< null: nothing is shown
     bool m_isMaterial = false;
+    float m_reach = 0.0F;
     QString m_problem;
 };

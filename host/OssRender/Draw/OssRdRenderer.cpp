@@ -331,6 +331,7 @@ void OssRdRenderer::Private::bindMaterial(const OssRdMaterial &material)
     }
     surface.set("values", values, OssRdMaterial::Maps);
     surface.set("hasTexels", has);
+    surface.set("reach", material.reach);
 }
 
 void OssRdRenderer::Private::drawObject(const OssRdScene::Object &object)

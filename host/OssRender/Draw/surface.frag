@@ -11,6 +11,7 @@ uniform sampler2D glowMap;
 uniform sampler2D coatMap;
 uniform vec4 values[4];
 uniform bvec4 hasTexels;
+uniform float reach; // of a displacement of 1
 
 uniform vec3 eye;
 uniform int shows;
@@ -80,7 +81,7 @@ vec2 evenPoint(int i, int count)
 
 // The surrounding as the surface mirrors it: for a reflectivity of 1, and where Fresnel adds to 0.
 // Each sample takes the level that covers as much as it stands for.
-void mirrorSampled(vec3 n, vec3 toEye, float roughness, out vec3 ofOne, out vec3 ofNone)
+void mirrorSampled(vec3 n, vec3 toEye, float roughness, float share, out vec3 ofOne, out vec3 ofNone)
 {
     float alpha = max(roughness, leastRoughness) * max(roughness, leastRoughness);
     vec3 up = abs(n.y) < 0.99 ? vec3(0.0, 1.0, 0.0) : vec3(1.0, 0.0, 0.0);
@@ -89,13 +90,15 @@ void mirrorSampled(vec3 n, vec3 toEye, float roughness, out vec3 ofOne, out vec3
     vec3 own = vec3(dot(toEye, x), dot(toEye, y), max(dot(toEye, n), 1e-3));
     float size = float(textureSize(sharp, 0).x);
     float texel = 4.0 * pi / (6.0 * size * size);
+    // Dull light needs to be looked for farther around, and what reflects little less well.
+    int samples = max(8, int(float(mirrorSamples) * share * clamp(2.0 * roughness, 0.125, 1.0)));
     float square = alpha * alpha;
     float ofEye = sqrt(square + (1.0 - square) * own.z * own.z);
     vec2 weights = vec2(1e-6);
     ofOne = vec3(0.0);
     ofNone = vec3(0.0);
-    for (int i = 0; i < mirrorSamples; ++i) {
-        vec3 half_ = seenFacet(own, alpha, evenPoint(i, mirrorSamples));
+    for (int i = 0; i < samples; ++i) {
+        vec3 half_ = seenFacet(own, alpha, evenPoint(i, samples));
         float toHalf = max(dot(own, half_), 0.0);
         vec3 light = 2.0 * toHalf * half_ - own;
         if (light.z <= 0.0)
@@ -105,7 +108,7 @@ void mirrorSampled(vec3 n, vec3 toEye, float roughness, out vec3 ofOne, out vec3
         float weight = light.z * (own.z + ofEye) / (own.z * ofLight + light.z * ofEye);
         float d = half_.z * half_.z * square + dot(half_.xy, half_.xy);
         float density = square / (pi * d * d) / (2.0 * (own.z + ofEye));
-        float level = 0.5 * log2(1.0 / (float(mirrorSamples) * density * texel)) + 0.0;
+        float level = 0.5 * log2(1.0 / (float(samples) * density * texel)) + 0.0;
         vec3 seen = textureLod(sharp, toSurrounding * (x * light.x + y * light.y + n * light.z),
                                max(level, 0.0)).rgb;
         float fresnel = schlick(toHalf);
@@ -137,7 +140,7 @@ float lit(vec3 geometric)
 // beside a texel (Mikkelsen 2010).
 vec3 bumped(vec3 n)
 {
-    if (!hasTexels[3])
+    if (!hasTexels[3] || reach == 0.0)
         return n;
     vec2 at = vec2(place.x, 1.0 - place.y);
     vec2 stepX = dFdx(at);
@@ -150,7 +153,7 @@ vec3 bumped(vec3 n)
     vec3 first = cross(y, n);
     vec3 second = cross(n, x);
     float extent = dot(x, first);
-    vec3 gradient = sign(extent) * (beside * first + below * second);
+    vec3 gradient = reach * sign(extent) * (beside * first + below * second);
     return normalize(abs(extent) * n - gradient);
 }
 
@@ -177,7 +180,7 @@ vec3 layer(vec3 n, vec3 toEye, vec3 reflectivity, float roughness, float light, 
     if (hasProbe && mirrorSamples > 0) {
         vec3 ofOne;
         vec3 ofNone;
-        mirrorSampled(n, toEye, roughness, ofOne, ofNone);
+        mirrorSampled(n, toEye, roughness, reflectivity == vec3(dielectric) ? 0.5 : 1.0, ofOne, ofNone);
         sum = (reflectivity * ab.x * ofOne + ab.y * ofNone) * bounces * occlusion * intensity;
     } else if (hasProbe) {
         sum = reflected * mirrorReady(n, toEye, roughness) * occlusion * intensity;

@@ -15,7 +15,7 @@ struct OssRdMaterial
         Color, ///< base colour, scene-linear and not premultiplied; opacity
         Shape, ///< normal map's x and y from 0 to 1, y upwards; metallic; roughness
         Glow,  ///< emission, scene-linear; ambient occlusion, 1 where there is none
-        Coat, ///< clear coat; its roughness; how far the surface stands out, in the world's lengths
+        Coat, ///< clear coat; its roughness; displacement
         Maps
     };
 
@@ -31,6 +31,9 @@ struct OssRdMaterial
         glm::vec4 value{0.0F};
         std::shared_ptr<const Texels> texels;
     };
+
+    /// How far a displacement of 1 stands out, in the world's lengths. 0: a normal map says it all.
+    float reach = 0.0F;
 
     std::array<Channel4, Maps> maps{{{{0.5F, 0.5F, 0.5F, 1.0F}, {}},
                                      {{0.5F, 0.5F, 0.0F, 0.5F}, {}},

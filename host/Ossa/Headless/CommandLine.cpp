@@ -52,6 +52,7 @@ public:
         addInfo();
         addBake();
         addExport();
+        addRender();
         if (m_isBatch)
             return;
         m_app.add_option("PROJECT", m_project, "Project folder (NAME.ossa) to open");
@@ -81,6 +82,8 @@ public:
             line.command = CommandLine::Bake;
         else if (name == "export")
             line.command = CommandLine::Export;
+        else if (name == "render")
+            line.command = CommandLine::Render;
         else if (name == "run")
             line.command = CommandLine::Run;
         else if (name == "stubs")
@@ -90,6 +93,7 @@ public:
         line.bake = bakeOptions();
         line.textures = exportOptions();
         line.fresh = newOptions();
+        line.still = renderOptions();
         line.run.script = text(m_script);
         line.run.project = text(m_scriptProject);
         return line;
@@ -175,6 +179,50 @@ private:
             if (!m_listsPresets && (m_project.empty() || needsPreset || m_folder.empty()))
                 throw CLI::RequiredError("PROJECT, --preset and --output");
         });
+    }
+
+    void addRender()
+    {
+        CLI::App *render = m_app.add_subcommand("render",
+                                                "Draw a project's objects in light, without a "
+                                                "window");
+        render->add_option("PROJECT", m_project, "Project folder")->required();
+        render->add_option("-o,--output", m_output, "Picture to write (*.png, *.jpg)")
+            ->required();
+        render->add_option("--node", m_node,
+                           "Node to be seen, by name or path; the materials when not given");
+        render->add_option("--environment", m_environment,
+                           "Light from all around: " + RenderOptions::environments()
+                               + ", or a picture of longitude and latitude (*.hdr, *.exr)");
+        render->add_option("--background", m_background, "What is behind the objects")
+            ->check(CLI::IsMember(RenderOptions::backgrounds()));
+        render->add_option("--turn", m_turn, "Degrees from the front, eastwards");
+        render->add_option("--size", m_size, "Width and height, such as 1280x720")
+            ->check([](const std::string &wanted) {
+                return RenderOptions::toSize(QString::fromStdString(wanted)).isEmpty()
+                           ? wanted + ": a size is written like 1280x720, of at most "
+                                 + std::to_string(RenderOptions::largest)
+                           : std::string();
+            });
+        render->add_option("--turntable", m_frames, "So many pictures, once around")
+            ->check(CLI::Range(1, 9999));
+        render->add_option("--resolution", m_resolution, "Width and height of a patch in pixels")
+            ->check(CLI::Range(1, 4096));
+    }
+
+    RenderOptions renderOptions() const
+    {
+        RenderOptions options;
+        options.project = text(m_project);
+        options.output = text(m_output);
+        options.node = text(m_node);
+        options.environment = text(m_environment);
+        options.background = text(m_background);
+        options.turn = float(m_turn);
+        options.size = RenderOptions::toSize(text(m_size));
+        options.frames = m_frames;
+        options.resolution = m_resolution;
+        return options;
     }
 
     void addNew()
@@ -304,6 +352,12 @@ private:
     int m_version = 1;
     bool m_listsPresets = false;
     bool m_listsFiles = false;
+    std::string m_node;
+    std::string m_environment;
+    std::string m_background = RenderOptions::backgrounds().front();
+    double m_turn = 0.0;
+    std::string m_size = "1280x720";
+    int m_frames = 0;
     std::string m_script;
     std::string m_scriptProject;
 };
@@ -332,7 +386,7 @@ CommandLine CommandLine::parse(int argc, const char *const *argv, Program progra
         return answered(
             ExitCode::Usage,
             name + ": " + error.what()
-                + (program == Batch ? "; only bake, export and info do without widgets" : "")
+                + (program == Batch ? "; only bake, export, info and render do without widgets" : "")
                 + " (see " + name + " --help)");
     }
     CommandLine line = grammar.line();

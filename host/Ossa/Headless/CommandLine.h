@@ -3,6 +3,7 @@
 #include "Ossa/Headless/BakeCommand.h"
 #include "Ossa/Headless/ExportCommand.h"
 #include "Ossa/Headless/NewCommand.h"
+#include "Ossa/Headless/RenderCommand.h"
 
 #include <QString>
 #include <QStringList>
@@ -25,6 +26,7 @@ struct CommandLine
         New,     ///< a project, as `fresh` says
         Bake,    ///< textures into files, as `bake` says
         Export,  ///< textures of materials into files, as `textures` says
+        Render,  ///< pictures of the objects in light, as `still` says
         Run,     ///< a script, as `run` says
         Stubs,   ///< types of the scripting module into the file `output`
         Answered ///< nothing to run: print `message` and end with `exitCode`
@@ -39,6 +41,7 @@ struct CommandLine
     BakeOptions bake;
     ExportOptions textures;
     NewOptions fresh;
+    RenderOptions still;
     RunOptions run;
     QString message;
     int exitCode = 0;

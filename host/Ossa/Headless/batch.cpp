@@ -28,8 +28,14 @@ int main(int argc, char **argv)
     const OssModelServices services;
     OssShaderNetworkManager::instance()->loadNodeTypes(OssResourceInfo::instance()->nodeTypePath());
     OssNodeTypeWatch::instance()->start();
-    if (line.command == CommandLine::Info)
+    switch (line.command) {
+    case CommandLine::Info:
         return withProjectTroubles(runInfoCommand(line.project, false));
-    return withProjectTroubles(line.command == CommandLine::Export ? runExportCommand(line.textures)
-                                                                   : runBakeCommand(line.bake));
+    case CommandLine::Export:
+        return withProjectTroubles(runExportCommand(line.textures));
+    case CommandLine::Render:
+        return withProjectTroubles(runRenderCommand(line.still));
+    default:
+        return withProjectTroubles(runBakeCommand(line.bake));
+    }
 }

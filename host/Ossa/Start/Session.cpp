@@ -96,6 +96,8 @@ int Session::run(const CommandLine &line, int &argc, char **argv)
         return withProjectTroubles(runBakeCommand(line.bake));
     case CommandLine::Export:
         return withProjectTroubles(runExportCommand(line.textures));
+    case CommandLine::Render:
+        return withProjectTroubles(runRenderCommand(line.still));
     case CommandLine::Run:
         return runRunCommand(line.run);
     case CommandLine::Stubs:

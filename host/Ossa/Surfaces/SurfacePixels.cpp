@@ -180,7 +180,9 @@ void SurfacePixels::finish(int generation, int patch, int map,
         return running.patch == patch && running.map == map;
     };
     m_running.erase(std::remove_if(m_running.begin(), m_running.end(), isDone), m_running.end());
-    picture->fill(&m_materials[patch].maps[std::size_t(map)]);
+    OssRdMaterial &material = m_materials[patch];
+    material.reach = m_maps.reach();
+    picture->fill(&material.maps[std::size_t(map)]);
     m_known[{patch, map}].resolution = picture->texels->size;
     // A small map that is one value everywhere may be so by chance.
     if (picture->texels->size < m_resolution)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Ossa/Viewer/ObjectCamera.h"
+#include "Ossa/Surfaces/ObjectCamera.h"
 #include "Ossa/Viewer/ObjectRenderer.h"
 
 #include <QElapsedTimer>

@@ -18,6 +18,9 @@ public:
 
     /// Turns the object under the pointer; a way in parts of the view's shorter side.
     void orbit(const QPointF &way);
+    /// Walks around it, eastwards.
+    void turn(float degrees) { m_yaw += degrees; }
+
     /// Moves what lies in the centre by the same way on screen.
     void pan(const QPointF &way);
     /// Comes nearer by a factor above 1.

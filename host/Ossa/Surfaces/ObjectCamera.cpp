@@ -1,4 +1,4 @@
-#include "Ossa/Viewer/ObjectCamera.h"
+#include "Ossa/Surfaces/ObjectCamera.h"
 
 #include <QtMath>
 

@@ -1,0 +1,249 @@
+#include "Ossa/Headless/RenderCommand.h"
+
+#include "Ossa/Headless/CommandLine.h"
+#include "Ossa/Headless/Interrupt.h"
+#include "Ossa/Headless/ProgressBar.h"
+#include "Ossa/Surfaces/LitPicture.h"
+#include "Ossa/Surfaces/ObjectCamera.h"
+#include "Ossa/Surfaces/SurfacePixels.h"
+#include "Ossa/Surfaces/Surroundings.h"
+#include "OssCore/Documents/OssAtomicFile.h"
+#include "OssModel/Export/OssExportMaterials.h"
+#include "OssModel/Export/OssExportPlan.h"
+#include "OssModel/Graph/OssGeoEntity.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShadingGroup.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Images/OssColorManagement.h"
+#include "OssModel/Project/OssProject.h"
+#include "OssModel/Project/OssProjectManager.h"
+#include "OssRender/Draw/OssRdRenderer.h"
+#include "OssRender/Light/OssRdEnvironment.h"
+
+#include <QBuffer>
+#include <QCoreApplication>
+#include <QDir>
+#include <QEventLoop>
+#include <QFileInfo>
+#include <QImageWriter>
+#include <QRegularExpression>
+
+#include <cstdio>
+
+namespace {
+
+constexpr int mirrorSamples = 256;
+constexpr float keyLight = 0.7F;
+
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("RenderCommand", text);
+}
+
+int fail(const QString &reason)
+{
+    std::fprintf(stderr, "ossa: %s\n", qPrintable(reason));
+    return ExitCode::Failure;
+}
+
+/// What of an object is seen.
+struct Surface
+{
+    OssSnProducer shown;
+    const OssGeoEntity *entity;
+};
+
+/// Each object with its first material.
+QVector<Surface> materialsOf(const OssProject *project)
+{
+    QVector<Surface> surfaces;
+    const QVector<OssExportMaterial> materials = OssExportMaterial::of(project);
+    for (const OssExportMaterial &material : materials) {
+        const auto isSame = [&material](const Surface &other) {
+            return other.entity == material.entity;
+        };
+        if (std::none_of(surfaces.cbegin(), surfaces.cend(), isSame))
+            surfaces.append({{material.node, {}}, material.entity});
+    }
+    return surfaces;
+}
+
+OssResult find(const OssProject *project, const QString &node, QVector<Surface> *surfaces)
+{
+    if (node.isEmpty()) {
+        *surfaces = materialsOf(project);
+        return surfaces->isEmpty() ? OssResult::failure(tr("The project has no material"))
+                                   : OssResult();
+    }
+    const QList<OssShadingGroup *> groups = project->shadingGroups();
+    for (const OssShadingGroup *group : groups) {
+        const OssSnBaseNode *found = group->network()->nodeByPath(node);
+        if (found) {
+            *surfaces = {{OssSnProducer::of(found, found->prefferedOutputPoint()),
+                          group->geoEntity()}};
+            return {};
+        }
+    }
+    return OssResult::failure(tr("There is no node \"%1\"").arg(node));
+}
+
+/// Waits for pixels.
+OssResult addObject(const Surface &surface, int resolution, OssRdScene *scene)
+{
+    const OssSurfaceMaps maps = OssSurfaceMaps::of(surface.shown, surface.entity);
+    if (!maps.problem().isEmpty())
+        return OssResult::failure(maps.problem());
+    const std::vector<int> &patches = maps.mesh()->patches();
+    SurfacePixels pixels;
+    QEventLoop loop;
+    QObject::connect(&pixels, &SurfacePixels::finished, &loop, &QEventLoop::quit);
+    pixels.show(maps, QList<int>(patches.begin(), patches.end()), resolution);
+    if (!pixels.isWhole())
+        loop.exec(QEventLoop::ExcludeUserInputEvents);
+    if (!pixels.problem().isEmpty())
+        return OssResult::failure(pixels.problem());
+    scene->objects.push_back({OssRdGeometry::of(*maps.mesh()), pixels.materials()});
+    return {};
+}
+
+OssResult write(const OssRdImage &picture, const QString &path)
+{
+    LitPicture::Screen screen;
+    screen.colors = OssColorManagement::spaces();
+    const QImage shown = LitPicture::shown(picture, screen);
+    QBuffer bytes;
+    bytes.open(QIODevice::WriteOnly);
+    QImageWriter writer(&bytes, QFileInfo(path).suffix().toLatin1());
+    if (!writer.write(shown))
+        return OssResult::failure(
+            tr("Cannot write \"%1\": %2").arg(path, writer.errorString()));
+    return OssAtomicFile::write(path, bytes.data());
+}
+
+/// "still.png", or "still.0007.png" of a turntable.
+QString pathOf(const RenderOptions &options, int frame)
+{
+    if (options.frames == 0)
+        return options.output;
+    const QFileInfo file(options.output);
+    return file.dir().filePath(QStringLiteral("%1.%2.%3")
+                                   .arg(file.completeBaseName())
+                                   .arg(frame + 1, 4, 10, QLatin1Char('0'))
+                                   .arg(file.suffix()));
+}
+
+OssRdView viewOf(const RenderOptions &options)
+{
+    OssRdView view;
+    view.width = options.size.width();
+    view.height = options.size.height();
+    view.mirrorSamples = mirrorSamples;
+    view.ground = {0.033F, 0.036F, 0.041F, 1.0F};
+    view.behind = options.background == QLatin1String("environment") ? OssRdView::Behind::Surrounding
+                  : options.background == QLatin1String("blurred")   ? OssRdView::Behind::Blurred
+                                                                     : OssRdView::Behind::Plain;
+    return view;
+}
+
+ObjectCamera cameraOf(const OssRdScene &scene)
+{
+    glm::vec3 low(1e30F);
+    glm::vec3 high(-1e30F);
+    for (const OssRdScene::Object &object : scene.objects) {
+        low = glm::min(low, object.geometry->centre - object.geometry->radius);
+        high = glm::max(high, object.geometry->centre + object.geometry->radius);
+    }
+    const glm::vec3 centre = (low + high) / 2.0F;
+    float radius = 0.0F;
+    for (const OssRdScene::Object &object : scene.objects)
+        radius = std::max(radius, glm::distance(object.geometry->centre, centre)
+                                      + object.geometry->radius);
+    ObjectCamera camera;
+    camera.resetDirection();
+    camera.frame({centre.x, centre.y, centre.z}, radius);
+    return camera;
+}
+
+int drawAll(const RenderOptions &options, const OssRdScene &scene)
+{
+    OssRdRenderer renderer;
+    if (!renderer.problem().empty())
+        return fail(tr("Nothing can be drawn: %1").arg(QString::fromStdString(renderer.problem())));
+    const ProgressBar bar;
+    OssRdView view = viewOf(options);
+    const int frames = std::max(1, options.frames);
+    for (int frame = 0; frame < frames; ++frame) {
+        ObjectCamera camera = cameraOf(scene);
+        camera.turn(options.turn + 360.0F * float(frame) / float(frames));
+        view.camera = LitPicture::toMatrix(camera.view());
+        view.projection = LitPicture::toMatrix(
+            camera.projection(float(view.width) / float(view.height)));
+        const OssRdImage picture = renderer.render(scene, view);
+        if (picture.isEmpty())
+            return fail(QString::fromStdString(renderer.problem()));
+        const QString path = pathOf(options, frame);
+        const OssResult written = write(picture, path);
+        if (!written)
+            return fail(written.error());
+        bar.show(QFileInfo(path).fileName(), frame + 1, frames);
+        std::printf("%s\n", qPrintable(path));
+        if (Interrupt::isRequested())
+            return Interrupt::exitCode;
+    }
+    return ExitCode::Success;
+}
+
+} // namespace
+
+std::vector<std::string> RenderOptions::backgrounds()
+{
+    return {"plain", "environment", "blurred"};
+}
+
+std::string RenderOptions::environments()
+{
+    std::string all;
+    for (const std::string &name : OssRdEnvironment::names())
+        all += (all.empty() ? "" : ", ") + name;
+    return all;
+}
+
+QSize RenderOptions::toSize(const QString &text)
+{
+    static const QRegularExpression form(QStringLiteral("^(\\d{1,5})x(\\d{1,5})$"));
+    const QRegularExpressionMatch match = form.match(text);
+    const QSize size(match.captured(1).toInt(), match.captured(2).toInt());
+    return size.width() <= largest && size.height() <= largest ? size : QSize();
+}
+
+int runRenderCommand(const RenderOptions &options)
+{
+    const QByteArray suffix = QFileInfo(options.output).suffix().toLatin1().toLower();
+    if (!QImageWriter::supportedImageFormats().contains(suffix))
+        return fail(tr("\"%1\" is no picture that can be written: use *.png or *.jpg")
+                        .arg(options.output));
+    OssProjectManager *projects = OssProjectManager::instance();
+    const OssResult opened = projects->openProject(options.project);
+    if (!opened)
+        return fail(opened.error());
+    Interrupt::catchSignals();
+    OssExportPlan::waitForMeshes(projects->currentProject());
+    QVector<Surface> surfaces;
+    const OssResult found = find(projects->currentProject(), options.node, &surfaces);
+    if (!found)
+        return fail(found.error());
+    OssRdScene scene;
+    scene.keyLight = glm::vec3(keyLight);
+    Surroundings around;
+    const OssResult lit = Surroundings::make(options.environment, &around);
+    if (!lit)
+        return fail(lit.error());
+    scene.probe = around.probe;
+    scene.surrounding = around.picture;
+    for (const Surface &surface : qAsConst(surfaces)) {
+        const OssResult added = addObject(surface, options.resolution, &scene);
+        if (!added)
+            return fail(added.error());
+    }
+    return drawAll(options, scene);
+}

@@ -1,0 +1,47 @@
+#include "Ossa/Surfaces/Surroundings.h"
+
+#include "OssModel/Images/OssColorManagement.h"
+#include "OssRender/Light/OssRdEnvironment.h"
+
+#include <algorithm>
+
+namespace {
+
+/// What is written down is linear light of BT.709.
+OssEvResult toWorking(OssRdPicture *picture)
+{
+    const OssEvColorSpaces::Pointer colors = OssColorManagement::spaces();
+    if (colors->isWorking(OssEvColorSpaces::Light))
+        return {};
+    std::vector<glm::vec4> row(std::size_t(picture->width));
+    OssEvResult result;
+    for (int y = 0; y < picture->height && result; ++y) {
+        for (int x = 0; x < picture->width; ++x)
+            row[std::size_t(x)] = glm::vec4(picture->at(x, y), 1.0F);
+        result = colors->toWorking(OssEvColorSpaces::Light, &row.front().x, row.size());
+        for (int x = 0; x < picture->width; ++x)
+            picture->at(x, y) = glm::max(glm::vec3(row[std::size_t(x)]), glm::vec3(0.0F));
+    }
+    return result;
+}
+
+} // namespace
+
+OssResult Surroundings::make(const QString &nameOrFile, Surroundings *surroundings)
+{
+    const std::vector<std::string> &names = OssRdEnvironment::names();
+    const std::string wanted = nameOrFile.toStdString();
+    OssRdPicture picture;
+    OssEvResult read;
+    if (wanted.empty() || std::count(names.cbegin(), names.cend(), wanted) > 0)
+        picture = OssRdEnvironment::make(wanted);
+    else
+        read = OssRdEnvironment::read(wanted, &picture);
+    if (read)
+        read = toWorking(&picture);
+    if (!read)
+        return OssResult::failure(QString::fromStdString(read.error()));
+    surroundings->probe = std::make_shared<const OssRdLightProbe>(OssRdLightProbe::of(picture));
+    surroundings->picture = std::make_shared<const OssRdPicture>(std::move(picture));
+    return {};
+}

@@ -17,6 +17,7 @@ namespace {
 
 constexpr int samples = 4;
 constexpr int shadowSize = 1536;
+constexpr int bandHeight = 48;
 /// How far the ground's shadow is drawn, in radii of all objects.
 constexpr float groundReach = 3.0F;
 
@@ -108,7 +109,7 @@ struct OssRdRenderer::Private
     void drawObject(const OssRdScene::Object &object);
     void bindMaterial(const OssRdMaterial &material);
     void drawObjects(const OssRdScene &scene, const OssRdView &view);
-    bool draw(const OssRdScene &scene, const OssRdView &view);
+    bool draw(const OssRdScene &scene, const OssRdView &view, const OssEvCancel *cancel);
 };
 
 // --- start
@@ -400,7 +401,8 @@ void OssRdRenderer::Private::drawObjects(const OssRdScene &scene, const OssRdVie
     glDisable(GL_CULL_FACE);
 }
 
-bool OssRdRenderer::Private::draw(const OssRdScene &scene, const OssRdView &view)
+bool OssRdRenderer::Private::draw(const OssRdScene &scene, const OssRdView &view,
+                                  const OssEvCancel *cancel)
 {
     const Extent extent(scene);
     glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
@@ -418,19 +420,31 @@ bool OssRdRenderer::Private::draw(const OssRdScene &scene, const OssRdView &view
         drawShadow(scene, extent);
     glBindTexture(GL_TEXTURE_2D, shadow.get());
     target.begin();
-    drawBehind(scene, view);
-    drawObjects(scene, view);
-    drawGround(scene, view, extent);
+    // Band by band what takes long, so that it can be given up for what the user wants next.
+    const int band = view.mirrorSamples > 0 ? bandHeight : view.height;
+    bool isWanted = true;
+    glEnable(GL_SCISSOR_TEST);
+    for (int y = 0; y < view.height && isWanted; y += band) {
+        glScissor(0, y, view.width, band);
+        drawBehind(scene, view);
+        drawObjects(scene, view);
+        drawGround(scene, view, extent);
+        if (cancel)
+            glFinish();
+        isWanted = !cancel || !cancel->isCancelled();
+    }
+    glDisable(GL_SCISSOR_TEST);
     copies.endFrame();
-    return true;
+    return isWanted;
 }
 
-OssRdImage OssRdRenderer::render(const OssRdScene &scene, const OssRdView &view)
+OssRdImage OssRdRenderer::render(const OssRdScene &scene, const OssRdView &view,
+                                 const OssEvCancel *cancel)
 {
     if (!d->device || view.width <= 0 || view.height <= 0)
         return {};
     const Device::Use use(*d->device);
-    if (!use.ok() || !d->draw(scene, view))
+    if (!use.ok() || !d->draw(scene, view, cancel))
         return {};
     OssRdImage image(view.width, view.height);
     d->target.read(&image.texels.front().x);

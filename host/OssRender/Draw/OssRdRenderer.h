@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OssEvaluation/Values/OssEvCancel.h"
 #include "OssRender/Draw/OssRdScene.h"
 #include "OssRender/OssRender_export.h"
 
@@ -22,8 +23,10 @@ public:
     /// What draws, in the driver's words.
     const std::string &deviceName() const;
 
-    /// Scene-linear, premultiplied over what is behind, from the top. Empty when nothing can be drawn.
-    OssRdImage render(const OssRdScene &scene, const OssRdView &view);
+    /// Scene-linear, premultiplied over what is behind, from the top. Empty when nothing can be drawn, or
+    /// when it was cancelled, which is asked between parts of pictures that take long.
+    OssRdImage render(const OssRdScene &scene, const OssRdView &view,
+                      const OssEvCancel *cancel = nullptr);
 
 private:
     struct Private;

@@ -8,6 +8,14 @@
 
 #include <algorithm>
 
+namespace {
+
+// Before the pictures of patches, which may not even be seen.
+constexpr int coarsePriority = 2;
+constexpr int finePriority = 1;
+
+} // namespace
+
 /// Filled by the engine's threads, each tile by one of them.
 struct SurfacePixels::Picture
 {
@@ -139,6 +147,7 @@ void SurfacePixels::start(int patch, int map, int resolution)
     OssEvRequest request;
     request.target = m_maps.target(which, patch, isThere ? m_resolution : resolution);
     const int size = request.target.width;
+    request.priority = size <= coarse ? coarsePriority : finePriority;
     request.focusX = size / 2.0;
     request.focusY = size / 2.0;
     known = {key, isThere ? known.resolution : 0, bool(planned)};

@@ -18,6 +18,7 @@ constexpr qint64 uploadTime = 10; // milliseconds of a frame
 constexpr double inset = 24.0;
 const QColor groundColor(0x1b, 0x1d, 0x20);
 const QColor wordsColor(0xd0, 0x9a, 0x8c);
+constexpr float turnAcross = 4.0F; ///< radians, of the surroundings by a drag over the whole view
 
 } // namespace
 
@@ -34,6 +35,7 @@ ObjectView::ObjectView(const ViewerPictures *pictures, QWidget *parent)
     connect(&m_frame, &QTimer::timeout, this, &ObjectView::redraw);
     connect(pictures, &ViewerPictures::began, this, &ObjectView::begin);
     connect(pictures, &ViewerPictures::changed, this, &ObjectView::noteChange);
+    startLight();
     begin();
 }
 
@@ -54,11 +56,16 @@ void ObjectView::setLit(bool lit)
         return;
     m_isLit = lit;
     Q_EMIT litChanged(lit);
+    activateLight();
     redraw();
 }
 
 void ObjectView::frameAll()
 {
+    if (isMaterial()) {
+        frameLight();
+        return;
+    }
     if (!m_renderer)
         return;
     m_camera.frame(m_renderer->centre(), m_renderer->radius());
@@ -107,6 +114,8 @@ bool ObjectView::takePictures()
 void ObjectView::redraw()
 {
     m_isStale = true;
+    if (isMaterial())
+        drawLight();
     update();
 }
 
@@ -118,16 +127,27 @@ void ObjectView::showEvent(QShowEvent *event)
         m_renderer = std::make_unique<ObjectRenderer>();
         m_renderer->setPatches(m_pictures->patches(), m_pictures->resolution());
     }
+    activateLight();
     redraw();
+}
+
+void ObjectView::hideEvent(QHideEvent *event)
+{
+    QWidget::hideEvent(event);
+    activateLight();
 }
 
 void ObjectView::paintEvent(QPaintEvent *)
 {
-    if (!m_renderer)
-        return;
-    const QString problem = m_renderer->problem().isEmpty() ? m_pictures->problem()
-                                                            : m_renderer->problem();
     QPainter painter(this);
+    if (isMaterial())
+        paintLight(&painter);
+    else if (m_renderer)
+        paintPatches(&painter);
+}
+
+void ObjectView::paintPatches(QPainter *painter)
+{
     if (m_renderer->problem().isEmpty() && m_isStale) {
         m_renderer->setMesh(m_mesh);
         if (!m_isFramed) {
@@ -148,12 +168,18 @@ void ObjectView::paintEvent(QPaintEvent *)
         m_isStale = false;
     }
     if (m_image.isNull())
-        painter.fillRect(rect(), groundColor);
+        painter->fillRect(rect(), groundColor);
     else
-        painter.drawImage(0, 0, m_image);
-    painter.setPen(wordsColor);
-    painter.drawText(QRectF(rect()).adjusted(inset, inset, -inset, -inset),
-                     Qt::AlignCenter | Qt::TextWordWrap, problem);
+        painter->drawImage(0, 0, m_image);
+    paintWords(painter,
+               m_renderer->problem().isEmpty() ? m_pictures->problem() : m_renderer->problem());
+}
+
+void ObjectView::paintWords(QPainter *painter, const QString &words)
+{
+    painter->setPen(wordsColor);
+    painter->drawText(QRectF(rect()).adjusted(inset, inset, -inset, -inset),
+                      Qt::AlignCenter | Qt::TextWordWrap, words);
 }
 
 void ObjectView::resizeEvent(QResizeEvent *)
@@ -172,12 +198,23 @@ void ObjectView::mouseMoveEvent(QMouseEvent *event)
 {
     const QPointF way = QPointF(event->pos() - m_last) / std::min(width(), height());
     m_last = event->pos();
-    if (event->buttons() & Qt::MiddleButton)
+    m_isMoving = event->buttons() & (Qt::LeftButton | Qt::MiddleButton);
+    if ((event->buttons() & Qt::LeftButton) && (event->modifiers() & Qt::ShiftModifier))
+        m_light.setTurn(m_light.turn() + float(way.x()) * turnAcross);
+    else if (event->buttons() & Qt::MiddleButton)
         m_camera.pan(way);
     else if (event->buttons() & Qt::LeftButton)
         m_camera.orbit(way);
     else
         return;
+    redraw();
+}
+
+void ObjectView::mouseReleaseEvent(QMouseEvent *)
+{
+    if (!m_isMoving)
+        return;
+    m_isMoving = false;
     redraw();
 }
 

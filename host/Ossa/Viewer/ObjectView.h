@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Ossa/Surfaces/LitRenderer.h"
+#include "Ossa/Surfaces/LitScene.h"
 #include "Ossa/Surfaces/ObjectCamera.h"
 #include "Ossa/Viewer/ObjectRenderer.h"
 
@@ -10,11 +12,12 @@
 
 class ViewerPictures;
 
-/// The object with the patches on its surface. Left drag turns it, middle drag moves it, the wheel
-/// comes nearer. Where OpenGL cannot be had it says so.
+/// The object: in light, as the material that is looked at, or with the patches as they are shown flat
+/// on its surface. Left drag turns it, middle drag moves it, the wheel comes nearer, Shift and a drag
+/// turns what surrounds it. Where OpenGL cannot be had it says so.
 ///
-/// Draws only while it is seen; pixels that arrive are handed to OpenGL some at a time between
-/// frames, so that a large picture does not hold up the user.
+/// Draws only while it is seen. Light is drawn on a thread of its own. Pixels of patches that arrive are
+/// handed to OpenGL some at a time between frames, so that a large picture does not hold up the user.
 class ObjectView : public QWidget
 {
     Q_OBJECT
@@ -30,6 +33,21 @@ public:
     bool isLit() const { return m_isLit; }
 
     void setLit(bool lit);
+    /// While on, the patches are seen with the light of a camera: they have the paint that is in no image
+    /// yet.
+    void setPainted(bool painted);
+
+    /// What light and surroundings there are.
+    LitScene *light() { return &m_light; }
+
+    /// How the material is looked at; size and camera are the view's own.
+    const OssRdView &look() const { return m_look; }
+
+    void setLook(const OssRdView &look);
+    /// For the display.
+    void setScreen(const LitPicture::Screen &screen);
+    /// Something that is looked at may be another.
+    void follow();
     void frameAll();
 
     QSize sizeHint() const override { return {420, 380}; }
@@ -44,8 +62,20 @@ protected:
     void mouseMoveEvent(QMouseEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
 
 private:
+    /// Whether it is drawn in light, not as patches.
+    bool isMaterial() const { return m_isLit && !m_isPainted && m_lightProblem.isEmpty(); }
+
+    void startLight();
+    void activateLight();
+    void frameLight();
+    void drawLight();
+    void paintLight(QPainter *painter);
+    void paintPatches(QPainter *painter);
+    void paintWords(QPainter *painter, const QString &words);
     void begin();
     void noteChange(int patch, const QRect &area);
     void scheduleFrame();
@@ -63,4 +93,14 @@ private:
     bool m_isFramed = false;
     bool m_isLit = true;
     QPoint m_last;
+
+    LitScene m_light;
+    std::unique_ptr<LitRenderer> m_litRenderer; ///< made when light is first seen
+    OssRdView m_look;
+    LitPicture::Screen m_screen;
+    QImage m_litImage;
+    QString m_lightProblem;
+    bool m_isLightFramed = false;
+    bool m_isPainted = false;
+    bool m_isMoving = false;
 };

@@ -1,6 +1,7 @@
 #include "Ossa/Viewer/ViewerPanel.h"
 
 #include "Ossa/Commands/Commands.h"
+#include "Ossa/Viewer/LightBar.h"
 #include "Ossa/Viewer/ObjectView.h"
 #include "Ossa/Viewer/PaintBar.h"
 #include "Ossa/Viewer/PaintSession.h"
@@ -62,6 +63,7 @@ ViewerPanel::ViewerPanel(QWidget *parent)
     , m_object(new ObjectView(m_pictures, this))
     , m_views(new QSplitter(this))
     , m_light(makeSwitch(tr("Light"), "Toggle Light", this))
+    , m_lightBar(new LightBar(m_object, this))
     , m_paint(makeSwitch(tr("Paint"), "Toggle Painting", this))
     , m_compare(makeSwitch(tr("Compare"), "Compare", this))
     , m_name(new QLabel(this))
@@ -78,6 +80,7 @@ ViewerPanel::ViewerPanel(QWidget *parent)
     layout->setContentsMargins(6, 6, 6, 6);
     layout->setSpacing(6);
     layout->addWidget(makeControls());
+    layout->addWidget(m_lightBar);
     layout->addWidget(m_paintBar);
     m_views->setChildrenCollapsible(false);
     m_views->addWidget(m_view);
@@ -120,6 +123,7 @@ void ViewerPanel::follow()
                 followPaint();
                 m_pictures->begin(patches, m_source->resolution(), problem);
                 const OssGeoEntity *entity = m_source->entity();
+                m_object->follow();
                 m_object->setMesh(entity ? OssMeshes::instance()->look(entity->source()).mesh
                                          : nullptr);
                 m_progress->setValue(0);
@@ -154,7 +158,12 @@ void ViewerPanel::follow()
     });
     m_light->setChecked(m_object->isLit());
     connect(m_light, &QToolButton::toggled, m_object, &ObjectView::setLit);
-    connect(m_object, &ObjectView::litChanged, m_light, &QToolButton::setChecked);
+    connect(m_object, &ObjectView::litChanged, this, [this](bool lit) {
+        m_light->setChecked(lit);
+        m_lightBar->setVisible(lit && m_modes->checkedId() != Patches);
+    });
+    m_object->light()->setResolution(m_resolution->currentData().toInt());
+    applyLook();
 }
 
 void ViewerPanel::showName(const QString &node)
@@ -228,6 +237,7 @@ void ViewerPanel::setMode(Mode mode)
     m_view->setVisible(mode != Object);
     m_object->setVisible(mode != Patches);
     m_light->setVisible(mode != Patches);
+    m_lightBar->setVisible(mode != Patches && m_light->isChecked());
     if (mode == Object) {
         m_paint->setChecked(false);
         m_compare->setChecked(false);
@@ -283,6 +293,7 @@ QWidget *ViewerPanel::makeControls()
     followScreens();
     connect(m_resolution, changed, this, [this] {
         m_source->setResolution(m_resolution->currentData().toInt());
+        m_object->light()->setResolution(m_resolution->currentData().toInt());
         OssSettings().setValue(resolutionKey, m_resolution->currentData().toInt());
     });
     const auto edited = qOverload<double>(&QDoubleSpinBox::valueChanged);
@@ -302,6 +313,7 @@ void ViewerPanel::setPainting(bool on)
 {
     m_paintBar->setVisible(on);
     m_view->setPainting(on);
+    m_object->setPainted(on);
     OssCommandTable::setHolds(OssCommandTable::WithBrush, on);
     m_paintBar->refresh();
     // There is nothing to paint on in the other view.
@@ -356,6 +368,8 @@ void ViewerPanel::applyLook()
     look.screen = m_screens.value(m_display->currentIndex());
     m_pictures->setLook(look);
     m_source->setLook(look);
+    m_object->setScreen(
+        {look.colors, look.screen.display, look.screen.view, look.exposure, look.gamma, look.raw});
 }
 
 void ViewerPanel::keyPressEvent(QKeyEvent *event)

@@ -17,6 +17,7 @@ class QProgressBar;
 class QSplitter;
 class QToolButton;
 class UvView;
+class LightBar;
 class ViewerPictures;
 class ViewerSource;
 
@@ -64,6 +65,7 @@ private:
     QSplitter *m_views;
     QButtonGroup *m_modes = nullptr;
     QToolButton *m_light;
+    LightBar *m_lightBar;
     QToolButton *m_paint;
     QToolButton *m_compare;
     QLabel *m_name;

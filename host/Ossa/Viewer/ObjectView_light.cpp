@@ -1,0 +1,117 @@
+#include "Ossa/Viewer/ObjectView.h"
+
+#include <QPainter>
+
+// The object in light.
+
+namespace {
+
+constexpr glm::vec4 ground(0.0110F, 0.0123F, 0.0144F, 1.0F); // the canvas, scene-linear
+
+} // namespace
+
+void ObjectView::startLight()
+{
+    m_look.ground = ground;
+    connect(&m_light, &LitScene::changed, this, [this] {
+        if (isMaterial())
+            redraw();
+    });
+    connect(&m_light, &LitScene::reshaped, this, [this] {
+        // What has the same middle and size is the same thing to who looks.
+        if (!m_isLightFramed && isVisible())
+            frameLight();
+    });
+}
+
+void ObjectView::activateLight()
+{
+    const bool wanted = isVisible() && isMaterial();
+    if (wanted && !m_litRenderer) {
+        m_litRenderer = std::make_unique<LitRenderer>();
+        connect(m_litRenderer.get(), &LitRenderer::drawn, this, [this](const QImage &picture) {
+            m_litImage = picture;
+            if (isMaterial())
+                update();
+        });
+        connect(m_litRenderer.get(), &LitRenderer::failed, this, [this](const QString &problem) {
+            m_lightProblem = problem;
+            redraw();
+        });
+    }
+    m_light.setActive(wanted);
+}
+
+void ObjectView::setPainted(bool painted)
+{
+    m_isPainted = painted;
+    activateLight();
+    redraw();
+}
+
+void ObjectView::setLook(const OssRdView &look)
+{
+    m_look = look;
+    redraw();
+}
+
+void ObjectView::setScreen(const LitPicture::Screen &screen)
+{
+    m_screen = screen;
+    redraw();
+}
+
+void ObjectView::follow()
+{
+    m_light.follow();
+}
+
+void ObjectView::frameLight()
+{
+    const std::shared_ptr<const OssRdGeometry> geometry = m_light.geometry();
+    if (!geometry)
+        return;
+    const glm::vec3 &centre = geometry->centre;
+    m_camera.frame({centre.x, centre.y, centre.z}, geometry->radius);
+    m_isLightFramed = true;
+    redraw();
+}
+
+void ObjectView::drawLight()
+{
+    if (!m_litRenderer || !isVisible() || !m_screen.colors || size().isEmpty())
+        return;
+    const QSize pixels = (QSizeF(size()) * devicePixelRatioF()).toSize();
+    LitRenderer::Request request;
+    request.scene = m_light.scene();
+    request.view = m_look;
+    request.view.width = pixels.width();
+    request.view.height = pixels.height();
+    request.view.camera = LitPicture::toMatrix(m_camera.view());
+    request.view.projection = LitPicture::toMatrix(
+        m_camera.projection(float(width()) / float(height())));
+    request.screen = m_screen;
+    switch (m_look.shows) {
+    case OssRdView::Shows::Lit:
+    case OssRdView::Shows::BaseColor:
+    case OssRdView::Shows::Emission:
+    case OssRdView::Shows::Matcap:
+        break;
+    default:
+        request.screen.isData = true;
+    }
+    // Numbers have no surroundings.
+    if (m_look.shows != OssRdView::Shows::Lit)
+        request.view.behind = OssRdView::Behind::Plain;
+    request.isMoving = m_isMoving;
+    m_litRenderer->draw(request);
+}
+
+void ObjectView::paintLight(QPainter *painter)
+{
+    painter->setRenderHint(QPainter::SmoothPixmapTransform);
+    painter->fillRect(rect(), QColor(0x1b, 0x1d, 0x20));
+    if (!m_litImage.isNull())
+        painter->drawImage(rect(), m_litImage);
+    paintWords(painter, m_light.problem());
+}

@@ -262,7 +262,7 @@ private:
         file.index = m_index;
         file.patch = patch;
         file.resolution = how.resolution > 0 ? how.resolution : m_options.resolution;
-        file.padding = m_options.padding;
+        file.padding = how.padding.value_or(m_options.padding);
         file.isData = how.form.space == "Raw" || !holdsColors(how, material);
         const QString pattern = how.name + QLatin1Char('.') + how.format;
         file.path = QDir(m_options.folder)

@@ -19,6 +19,9 @@ using Channel = OssExportPreset::Channel;
 constexpr int LargestFile = 1 << 20; ///< bytes of a preset
 constexpr int MostFiles = 200;
 constexpr int LargestResolution = 16384;
+constexpr int Endless = -1; ///< padding
+constexpr int LargestPadding = 16384;
+const QString EndlessWord = QStringLiteral("all");
 const QString Letters = QStringLiteral("RGBA");
 
 QString tr(const char *text)
@@ -129,8 +132,8 @@ private:
         checkNames({QStringLiteral("Name"), QStringLiteral("Format"), QStringLiteral("Depth"),
                     QStringLiteral("Space"), QStringLiteral("Compression"),
                     QStringLiteral("Quality"), QStringLiteral("Dither"),
-                    QStringLiteral("Resolution"), QStringLiteral("Normal"),
-                    QStringLiteral("Each")});
+                    QStringLiteral("Resolution"), QStringLiteral("Padding"),
+                    QStringLiteral("Normal"), QStringLiteral("Each")});
         File file;
         file.name = text("Name");
         file.format = text("Format").toLower();
@@ -141,6 +144,10 @@ private:
         file.form.dithers = flag("Dither");
         file.resolution = whole("Resolution");
         file.isEach = flag("Each");
+        if (text("Padding") == EndlessWord)
+            file.padding = Endless;
+        else if (!text("Padding").isEmpty())
+            file.padding = whole("Padding");
         const QString normal = text("Normal");
         file.flipsNormals = normal == QLatin1String("-Y");
         if (!normal.isEmpty() && normal != QLatin1String("+Y") && !file.flipsNormals)
@@ -234,6 +241,9 @@ QString faultOfForm(const File &file)
         return tr("there is no color space \"%1\"").arg(QString::fromStdString(file.form.space));
     if (file.resolution < 0 || file.resolution > LargestResolution)
         return tr("no image has %1 texels a side").arg(file.resolution);
+    const int padding = file.padding.value_or(0);
+    if (padding < Endless || padding > LargestPadding)
+        return tr("no padding has %1 texels").arg(padding);
     return {};
 }
 
@@ -308,6 +318,8 @@ void writeFile(QXmlStreamWriter *xml, const File &file)
     put("Quality", number(file.form.quality));
     put("Dither", yes(file.form.dithers));
     put("Resolution", number(file.resolution));
+    if (file.padding)
+        put("Padding", *file.padding == Endless ? EndlessWord : QString::number(*file.padding));
     put("Normal", file.flipsNormals ? QStringLiteral("-Y") : QString());
     put("Each", yes(file.isEach));
     writeChannels(xml, file);
@@ -328,8 +340,9 @@ bool OssExportPreset::File::operator==(const File &other) const
         return std::tie(f.depth, f.space, f.isStraight, f.dithers, f.compression, f.quality);
     };
     return name == other.name && format == other.format && all(form) == all(other.form)
-           && resolution == other.resolution && flipsNormals == other.flipsNormals
-           && isEach == other.isEach && channels == other.channels;
+           && resolution == other.resolution && padding == other.padding
+           && flipsNormals == other.flipsNormals && isEach == other.isEach
+           && channels == other.channels;
 }
 
 QStringList OssExportPreset::tokens()

@@ -18,7 +18,7 @@
 ///     <ExportPreset Name="..." >
 ///       <Description>...</Description>
 ///       <File Name="$object_$material_orm[.$udim]" Format="png" Depth="8 bit" Dither="true"
-///             Space="Raw" Compression="..." Quality="90" Resolution="1024" Normal="-Y">
+///             Space="Raw" Compression="..." Quality="90" Resolution="1024" Padding="8" Normal="-Y">
 ///         <Channel To="R" From="Ambient Occlusion" Default="1"/>
 ///         <Channel To="G" From="Roughness" Default="0.5"/>
 ///         <Channel To="B" From="Metallic" Component="Red" Invert="true"/>
@@ -27,7 +27,7 @@
 ///       <File Name="$object_$channel.$udim" Format="exr" Each="true"/>
 ///     </ExportPreset>
 ///
-/// Only Name and Format of a file must be there. One with Each is written once for each channel of the
+/// Only Name and Format of a file must be there. A Padding of "all" goes on everywhere. One with Each is written once for each channel of the
 /// material, and has no Channel elements.
 ///
 /// Tokens of names are those of `tokens()`. What stands in brackets is written only where its tokens
@@ -52,8 +52,9 @@ struct OSSMODEL_EXPORT OssExportPreset
         QString name;
         QString format; ///< suffix
         OssEvImageForm form;
-        int resolution = 0;        ///< 0: as asked for
-        bool flipsNormals = false; ///< −Y: green of normals points down
+        int resolution = 0;         ///< 0: as asked for
+        std::optional<int> padding; ///< as OssExportOptions has it; none: as asked for
+        bool flipsNormals = false;  ///< −Y: green of normals points down
         bool isEach = false;
         std::array<Channel, 4> channels; ///< red, green, blue, alpha
 

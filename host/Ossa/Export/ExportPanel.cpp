@@ -362,6 +362,7 @@ bool ExportPanel::plan()
     OssResult result = project ? OssExportPresets::find(m_preset->currentText(), &preset)
                                : OssResult::failure(tr("Open a project first"));
     m_presetMenu->setPreset(m_preset->currentText());
+    m_presetMenu->setOptions(options());
     m_description->setText(m_preset->currentData().toString());
     const bool isEach = std::any_of(preset.files.cbegin(), preset.files.cend(),
                                     [](const auto &file) { return file.isEach; });

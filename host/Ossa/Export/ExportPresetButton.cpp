@@ -1,12 +1,12 @@
 #include "Ossa/Export/ExportPresetButton.h"
 
+#include "Ossa/Export/PresetDialog.h"
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssInterface/Popups/OssMessageBox.h"
 #include "OssModel/Export/OssExportPresets.h"
 
 #include <QDesktopServices>
-#include <QInputDialog>
 #include <QMenu>
 #include <QUrl>
 
@@ -33,8 +33,9 @@ void ExportPresetButton::fillMenu()
     });
     const bool isOwn = found != entries.cend() && found->isOwn;
     const QString path = isOwn ? found->path : QString();
+    menu()->addAction(tr("Edit..."), this, &ExportPresetButton::edit)->setEnabled(isOwn);
     menu()
-        ->addAction(tr("Edit Its File"), this, [this, path] { openFile(path); })
+        ->addAction(tr("Open Its File"), this, [this, path] { openFile(path); })
         ->setEnabled(isOwn);
     menu()->addAction(tr("Remove"), this, &ExportPresetButton::remove)->setEnabled(isOwn);
     menu()->addSeparator();
@@ -44,22 +45,26 @@ void ExportPresetButton::fillMenu()
 void ExportPresetButton::copy()
 {
     OssExportPreset preset;
-    const OssResult found = OssExportPresets::find(m_name, &preset);
-    bool chosen = false;
-    const QString name = !found || !OssApplication::popupsAllowed()
-                             ? QString()
-                             : QInputDialog::getText(this, tr("Copy Preset"), tr("Name:"),
-                                                     QLineEdit::Normal, tr("My %1").arg(m_name),
-                                                     &chosen);
-    if (!chosen)
+    if (!OssExportPresets::find(m_name, &preset))
         return;
-    preset.name = name.trimmed();
-    const OssResult saved = OssExportPresets::save(preset);
-    if (!saved) {
-        OssMessageBox::warning(this, tr("Copy Preset"), saved.error());
+    preset.name = tr("My %1").arg(m_name);
+    open(preset, {});
+}
+
+void ExportPresetButton::edit()
+{
+    OssExportPreset preset;
+    if (OssExportPresets::find(m_name, &preset))
+        open(preset, m_name);
+}
+
+void ExportPresetButton::open(const OssExportPreset &preset, const QString &ownName)
+{
+    if (!OssApplication::popupsAllowed())
         return;
-    }
-    Q_EMIT presetsChanged(preset.name);
+    PresetDialog dialog(preset, ownName, m_options, this);
+    if (dialog.exec() == QDialog::Accepted)
+        Q_EMIT presetsChanged(dialog.preset().name);
 }
 
 void ExportPresetButton::openFile(const QString &path)

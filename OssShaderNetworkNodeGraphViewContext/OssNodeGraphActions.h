@@ -96,19 +96,19 @@
     ACTION("Bring to Front", bringToFront, arrange(OssShaderNetworkManager::BringToFront)) \
     ACTION("Send to Back", sendToBack, arrange(OssShaderNetworkManager::SendToBack)) \
     ACTION("Place Underneath", placeUnderneath, arrange(OssShaderNetworkManager::PlaceUnderneath)) \
-    ACTION("Place Next To", placeNextTo, arrange(OssShaderNetworkManager::PlaceNextTo)) \
-    ACTION("Place On Top", placeOnTop, arrange(OssShaderNetworkManager::PlaceOnTop)) \
-    ACTION("Place At Free Spot", placeAtFreeSpot, arrange(OssShaderNetworkManager::PlaceAtFreeSpot)) \
+    ACTION("Place Next to", placeNextTo, arrange(OssShaderNetworkManager::PlaceNextTo)) \
+    ACTION("Place on Top", placeOnTop, arrange(OssShaderNetworkManager::PlaceOnTop)) \
+    ACTION("Place at Free Spot", placeAtFreeSpot, arrange(OssShaderNetworkManager::PlaceAtFreeSpot)) \
     ACTION("Place Below", placeBelow, arrange(OssShaderNetworkManager::PlaceBelow)) \
     ACTION("Place Far Below", placeFarBelow, arrange(OssShaderNetworkManager::PlaceFarBelow)) \
     ACTION("Place Left Below", placeLeftBelow, arrange(OssShaderNetworkManager::PlaceLeftBelow)) \
     ACTION("Place Left", placeLeft, arrange(OssShaderNetworkManager::PlaceLeft)) \
-    ACTION("Place In The Middle", placeInTheMiddle, arrange(OssShaderNetworkManager::PlaceInTheMiddle)) \
+    ACTION("Place in the Middle", placeInTheMiddle, arrange(OssShaderNetworkManager::PlaceInTheMiddle)) \
     ACTION("Place Right", placeRight, arrange(OssShaderNetworkManager::PlaceRight)) \
     ACTION("Place Far Right", placeFarRight, arrange(OssShaderNetworkManager::PlaceFarRight)) \
-    ACTION("Place Right At Own Height", placeRightAtOwnHeight, arrange(OssShaderNetworkManager::PlaceRightAtOwnHeight)) \
+    ACTION("Place Right at Own Height", placeRightAtOwnHeight, arrange(OssShaderNetworkManager::PlaceRightAtOwnHeight)) \
     ACTION("Place Right Above", placeRightAbove, arrange(OssShaderNetworkManager::PlaceRightAbove)) \
-    ACTION("Place Above In Stream", placeAboveInStream, arrange(OssShaderNetworkManager::PlaceAboveInStream))
+    ACTION("Place Above in Stream", placeAboveInStream, arrange(OssShaderNetworkManager::PlaceAboveInStream))
 
 /// Slots that forward in the same way but have no action: reached by name.
 #define OSS_NODE_GRAPH_NAMED_SLOTS(SLOT)                                                           \

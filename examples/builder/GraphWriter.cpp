@@ -64,7 +64,21 @@ OssSnBaseNode *GraphWriter::addBackdrop(const QString &title, const QPointF &pos
     set(node, QStringLiteral("BackgroundColor"), color);
     contextOf(node)->setNodeSizeUndo(size);
     place(node, position);
+    m_backdrops.append({node, QRectF(position, size)});
     return node;
+}
+
+void GraphWriter::fillBackdrops()
+{
+    const QList<OssSnBaseNode *> all = m_network->nodes();
+    for (OssSnBaseNode *node : all) {
+        OssSnBaseNode *holder = nullptr;
+        for (const auto &backdrop : qAsConst(m_backdrops)) {
+            if (node != backdrop.first && backdrop.second.contains(contextOf(node)->nodePosition()))
+                holder = backdrop.first;
+        }
+        node->setContainer(holder);
+    }
 }
 
 OssSnBaseNode *GraphWriter::addNote(const QString &text, const QPointF &position)

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <QPair>
 #include <QPointF>
+#include <QRectF>
 #include <QSizeF>
 #include <QString>
 #include <QVariant>
+#include <QVector>
 
 class OssShaderNetwork;
 class OssSnBaseNode;
@@ -32,6 +35,8 @@ public:
     OssSnBaseNode *addOf(const char *description, const QString &name, const QPointF &position);
     OssSnBaseNode *addBackdrop(const QString &title, const QPointF &position, const QSizeF &size,
                                const QString &color);
+    /// Nodes become members of the backdrop on which they are now.
+    void fillBackdrops();
     OssSnBaseNode *addNote(const QString &text, const QPointF &position);
     /// From the source's first output, or from the named one.
     void wire(OssSnBaseNode *source, OssSnBaseNode *target, const QString &input,
@@ -44,4 +49,5 @@ public:
 
 private:
     OssShaderNetwork *m_network;
+    QVector<QPair<OssSnBaseNode *, QRectF>> m_backdrops;
 };

@@ -154,4 +154,6 @@ void writeOldPlaster(OssProject *project)
     GraphWriter::place(viewer, at(7.2, 40));
     w.wire(nodes.surface, viewer, key("1"));
     groupDirt(nodes, &w);
+    w.addBackdrop(key("Colors"), at(2, 0) + QPointF(-30, -60), {200, 240}, key("0.42,0.36,0.22,1"));
+    w.fillBackdrops();
 }

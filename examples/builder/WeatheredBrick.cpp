@@ -141,4 +141,5 @@ void writeWeatheredBrick(OssProject *project)
     w.wire(surface.color, viewer, key("1"));
     w.wire(moss.mask, viewer, key("2"));
     w.wire(surface.normal, viewer, key("3"));
+    w.fillBackdrops();
 }

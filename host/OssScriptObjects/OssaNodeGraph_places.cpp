@@ -11,22 +11,6 @@
 
 namespace Ossa {
 
-namespace {
-
-/// "AlignLeft" as people write it.
-QString asWords(const char *key)
-{
-    QString words;
-    for (const QChar letter : QString::fromLatin1(key)) {
-        if (letter.isUpper() && !words.isEmpty())
-            words += QLatin1Char(' ');
-        words += letter.toLower();
-    }
-    return words;
-}
-
-} // namespace
-
 QStringList NodeGraph::arrangements() const
 {
     if (!network())
@@ -34,7 +18,8 @@ QStringList NodeGraph::arrangements() const
     const auto values = QMetaEnum::fromType<OssShaderNetworkManager::Arrangement>();
     QStringList names;
     for (int i = 0; i < values.keyCount(); ++i)
-        names.append(asWords(values.key(i)));
+        names.append(
+            OssShaderNetworkManager::nameOf(OssShaderNetworkManager::Arrangement(values.value(i))));
     return names;
 }
 

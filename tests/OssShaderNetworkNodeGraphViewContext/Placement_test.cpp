@@ -324,8 +324,8 @@ TEST_F(ArrangingTest, oneNodeGoesByWhatItIsWiredToAndNoneIsRefused)
     };
     EXPECT_EQ(arrange({node}, Networks::PlaceNextTo), "");
     EXPECT_EQ(rectOf(node).left(), rectOf(source).right() + 30.0);
-    expectStepBack("Place Next To");
-    EXPECT_EQ(arrange({}, Networks::PlaceAtFreeSpot), "Place At Free Spot: select a node first");
+    expectStepBack("Place Next to");
+    EXPECT_EQ(arrange({}, Networks::PlaceAtFreeSpot), "Place at Free Spot: select a node first");
     EXPECT_EQ(arrange({node}, Networks::AlignTop), "Align Top: select two nodes or more");
     EXPECT_EQ(arrange({node, source}, Networks::DistributeVertically),
               "Distribute Vertically: select three nodes or more");

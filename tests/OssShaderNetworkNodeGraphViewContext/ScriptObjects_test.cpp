@@ -189,12 +189,12 @@ TEST_F(ScriptObjects, nodesArePlacedByEachOtherAndInBackdrops)
     expectStepBack("Place Underneath");
     script(second)->placeNextTo(script(first));
     EXPECT_EQ(rectOf(second).left(), rectOf(first).right() + 30.0);
-    expectStepBack("Place Next To");
+    expectStepBack("Place Next to");
     script(second)->placeOnTop(script(first));
     EXPECT_EQ(rectOf(second).topLeft(), rectOf(first).bottomRight() + QPointF(30, 30));
-    expectStepBack("Place On Top");
+    expectStepBack("Place on Top");
     script(area)->placeNextTo(script(first));
-    expectStepBack("Place Next To");
+    expectStepBack("Place Next to");
 
     EXPECT_EQ(script(second)->container(), nullptr);
     script(second)->setContainer(script(area));

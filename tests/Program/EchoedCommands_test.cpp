@@ -64,6 +64,25 @@ TEST_F(EchoedCommands, groupsAreMadeAndTakenApartWithoutTheWindow)
     EXPECT_EQ(told(), names[0] + "\n" + names[1]);
 }
 
+TEST_F(EchoedCommands, nodesAreArrangedInOneLineThatDoesTheSame)
+{
+    OssSnBaseNode *backdrop = add("Misc/Backdrop", "Area");
+    backdrop->viewContext()->setNodePosition({1000, 1000});
+    m_first->viewContext()->setNodePosition({1100, 1090});
+    m_first->setContainer(backdrop);
+    select({backdrop});
+    told();
+    trigger("Tidy Backdrops");
+    EXPECT_EQ(told(), R"(ossa.graph().arrange([ossa.graph().node("Area")], "tidy backdrops"))");
+    m_first->viewContext()->setNodePosition({300, 200});
+    m_second->viewContext()->setNodePosition({400, 420});
+    select({m_first, m_second});
+    told();
+    trigger("Align Left");
+    EXPECT_EQ(told(), "ossa.graph().arrange([ossa.graph().node(\"First\"), "
+                      "ossa.graph().node(\"Second\")], \"align left\")");
+}
+
 TEST_F(EchoedCommands, whatHasNoLineOfItsOwnIsTheCommandOnTheSameSelection)
 {
     OssSnBaseNode *group = add("Misc/Group", "Around");

@@ -78,9 +78,12 @@ QVector<OssDependencyMarks::Cost> costsAndWires(const QList<OssSnBaseNode *> &no
     return costs;
 }
 
-QString milliseconds(double perTexel)
+/// "350 ms", "22.1 s".
+QString duration(double perTexel)
 {
-    return OssDependencyMarks::tr("%1 ms").arg(perTexel * UsualPatch * 1e3, 0, 'f', 0);
+    const double seconds = perTexel * UsualPatch;
+    return seconds < 1.0 ? OssDependencyMarks::tr("%1 ms").arg(seconds * 1e3, 0, 'f', 0)
+                         : OssDependencyMarks::tr("%1 s").arg(seconds, 0, 'f', 1);
 }
 
 double sumOf(const QVector<OssDependencyMarks::Cost> &costs)
@@ -170,7 +173,7 @@ QString OssDependencyMarks::inWords() const
         m_costs.cbegin(), m_costs.cend(),
         [](const Cost &a, const Cost &b) { return a.perTexel < b.perTexel; });
     return tr("%1: %2 for a patch of 2048 \u00d7 2048, of which %3 for %4")
-        .arg(count, milliseconds(sum), milliseconds(dearest->perTexel), dearest->node->name());
+        .arg(count, duration(sum), duration(dearest->perTexel), dearest->node->name());
 }
 
 QString OssDependencyMarks::shareOf(const OssSnBaseNode *node) const
@@ -181,6 +184,6 @@ QString OssDependencyMarks::shareOf(const OssSnBaseNode *node) const
     if (found == m_costs.cend() || sum <= 0.0)
         return {};
     return tr("%1, %2 % of what is marked")
-        .arg(milliseconds(found->perTexel))
+        .arg(duration(found->perTexel))
         .arg(100.0 * found->perTexel / sum, 0, 'f', 0);
 }

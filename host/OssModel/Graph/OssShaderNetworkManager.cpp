@@ -8,6 +8,8 @@
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Types/OssSnTags.h"
 
+#include <QMetaEnum>
+
 OssShaderNetworkManager::OssShaderNetworkManager()
 {
     setObjectName(QStringLiteral("OssShaderNetworkManager"));
@@ -245,6 +247,18 @@ void OssShaderNetworkManager::requestLayout(OssShaderNetwork *network,
         Q_EMIT beautifyNodesLayout(network, nodes.first());
     else
         Q_EMIT beautifyNodesLayout(network, nodes);
+}
+
+QString OssShaderNetworkManager::nameOf(Arrangement how)
+{
+    QString words;
+    const QString key = QLatin1String(QMetaEnum::fromType<Arrangement>().valueToKey(how));
+    for (const QChar letter : key) {
+        if (letter.isUpper() && !words.isEmpty())
+            words += QLatin1Char(' ');
+        words += letter.toLower();
+    }
+    return words;
 }
 
 OssResult OssShaderNetworkManager::requestArrangement(const QList<OssSnBaseNode *> &nodes,

@@ -64,6 +64,9 @@ public:
     };
     Q_ENUM(Arrangement)
 
+    /// As scripts write it: "align left".
+    static QString nameOf(Arrangement how);
+
     struct NamedLoader
     {
         QString name;

@@ -105,6 +105,7 @@ QAbstractItemView {
 QAbstractItemView::item { padding: 3px 4px; border: 0; }
 QAbstractItemView::item:hover { background: @raised; }
 QAbstractItemView::item:selected { background: @accentDeep; color: @text; }
+QAbstractItemView::item:selected:disabled { background: @raised; color: @disabled; }
 QHeaderView { background: @panel; border: 0; }
 QHeaderView::section {
     background: @panel; color: @muted; border: 0; border-bottom: 1px solid @line; padding: 5px 8px;

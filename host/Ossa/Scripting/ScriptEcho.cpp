@@ -67,6 +67,8 @@ void ScriptEcho::setEnabled(bool enabled)
             [this](OssShaderNetwork *, OssSnBaseNode *node) { loseNode(node); });
     connect(networks, &OssShaderNetworkManager::currentShaderNetworkChanged, this,
             &ScriptEcho::learnEverything);
+    connect(networks, &OssShaderNetworkManager::arrangementRequested, this,
+            &ScriptEcho::addArrangement);
     connect(undo, &OssUndoManager::recorded, this, [this](const QString &title) {
         m_titles.append(title);
         schedule();
@@ -147,6 +149,22 @@ void ScriptEcho::addNode(OssShaderNetwork *network, OssSnBaseNode *node)
     schedule();
 }
 
+void ScriptEcho::addArrangement(const QList<OssSnBaseNode *> &nodes,
+                                OssShaderNetworkManager::Arrangement how)
+{
+    const OssShaderNetwork *shown = OssShaderNetworkManager::instance()->currentViewNetwork();
+    const OssShaderNetwork *network = nodes.isEmpty() ? shown : nodes.first()->network();
+    if (!network)
+        return;
+    QStringList paths;
+    for (const OssSnBaseNode *node : nodes)
+        paths.append(ScriptText::node(node->path()));
+    m_arranged.append(QStringLiteral("%1.arrange(%2, %3)")
+                          .arg(ScriptText::graph(network), ScriptText::list(paths),
+                               ScriptText::text(OssShaderNetworkManager::nameOf(how))));
+    schedule();
+}
+
 void ScriptEcho::loseNode(OssSnBaseNode *node)
 {
     const auto known = m_known.constFind(node);
@@ -185,6 +203,7 @@ void ScriptEcho::learnEverything()
 void ScriptEcho::forgetChanges()
 {
     m_action.clear();
+    m_arranged.clear();
     m_titles.clear();
     m_moves.clear();
     m_added.clear();
@@ -283,8 +302,9 @@ QStringList ScriptEcho::describe()
         if (m_known.contains(node))
             lines.append(describeWires(node, node->inputNames()));
     }
-    lines.append(describeMoves());
-    return lines;
+    if (m_arranged.isEmpty())
+        lines.append(describeMoves());
+    return lines + m_arranged;
 }
 
 QStringList ScriptEcho::describeNew(OssSnBaseNode *node) const

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "OssModel/Graph/OssShaderNetworkManager.h"
+
 #include <QHash>
 #include <QObject>
 #include <QPointer>
@@ -60,6 +62,8 @@ private:
     void watchAction(QAction *action);
     void watchNode(OssShaderNetwork *network, OssSnBaseNode *node);
     void addNode(OssShaderNetwork *network, OssSnBaseNode *node);
+    void addArrangement(const QList<OssSnBaseNode *> &nodes,
+                        OssShaderNetworkManager::Arrangement how);
     void loseNode(OssSnBaseNode *node);
     void learnEverything();
     void schedule();
@@ -83,6 +87,7 @@ private:
     QHash<OssSnBaseNode *, Known> m_known;
     QStringList m_selection; ///< paths, before the command
     QString m_action;        ///< path of the command that ran since
+    QStringList m_arranged;  ///< lines that put nodes in order as was done since
     QStringList m_titles;    ///< of the steps since
     QStringList m_moves;     ///< "undo" and "redo" since
     QList<OssSnBaseNode *> m_added;

@@ -4,6 +4,7 @@
 #include "Ossa/Export/ExportProgress.h"
 #include "OssCore/Program/OssIcon.h"
 #include "OssCore/Program/OssStatusManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Palettes/OssPalette.h"
 #include "OssInterface/Palettes/OssPaletteManager.h"
 #include "OssModel/Images/OssColorManagement.h"
@@ -23,6 +24,7 @@
 namespace {
 
 constexpr int messageTime = 8000;   // ms
+constexpr int commandTime = 300;    // ms
 constexpr int patience = 500;       // ms before a step of progress lets events through
 constexpr int eventsInterval = 100; // ms
 
@@ -91,8 +93,23 @@ StatusArea::StatusArea(QWidget *parent)
     connect(status, &OssStatusManager::partChanged, this, &StatusArea::showPart);
     connect(status, &OssStatusManager::progressChanged, this, &StatusArea::showProgress);
     connect(status, &OssStatusManager::endProcessing, this, &StatusArea::end);
-    connect(status, &OssStatusManager::messageShown, this,
-            [this](const QString &message) { showMessage(message, messageTime); });
+    connect(status, &OssStatusManager::messageShown, this, [this](const QString &message) {
+        showMessage(message, messageTime);
+        m_sinceMessage.start();
+    });
+    const auto *history = OssUndoManager::instance();
+    connect(history, &OssUndoManager::recorded, this, &StatusArea::dropOldMessage);
+    connect(history, &OssUndoManager::undone, this, &StatusArea::dropOldMessage);
+    connect(history, &OssUndoManager::redone, this, &StatusArea::dropOldMessage);
+    connect(OssProjectManager::instance(), &OssProjectManager::projectClosed, this,
+            &StatusArea::dropOldMessage);
+}
+
+void StatusArea::dropOldMessage()
+{
+    // What a command says comes before or after its step.
+    if (m_sinceMessage.isValid() && m_sinceMessage.elapsed() > commandTime)
+        clearMessage();
 }
 
 bool StatusArea::eventFilter(QObject *watched, QEvent *event)

@@ -34,8 +34,11 @@ private:
     void end();
     void letStopThrough();
     void stop();
+    /// Of what was before the user went on.
+    void dropOldMessage();
 
     QString m_work;
+    QElapsedTimer m_sinceMessage;
 
     QLabel *m_title;
     QProgressBar *m_progress;

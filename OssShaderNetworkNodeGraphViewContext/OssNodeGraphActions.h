@@ -51,6 +51,7 @@
     ACTION("Manage User Knobs", manageUserKnobs, manageUserKnobs())                                \
     ACTION("Expose Node Properties", exposeNodeProperties, exposeNodeProperties())                 \
     ON_NODES("Open Group Node Subgraph", openGroupNodeSubgraph, openGroupNodeSubgraph())              \
+    ON_NODES("Open Groups Behind", openGroupsBehind, openGroupsBehind())                             \
     ACTION("Pick Up Edge Under Mouse", pickUpEdge, pickUpEdge())                                    \
     ACTION_AGAIN("Pick Up Edge Under Mouse", pickUpEdge, pickUpEdge())                              \
     ON_NODES("Select All Upstream", selectAllUpstream, selectAllUpstream())                           \

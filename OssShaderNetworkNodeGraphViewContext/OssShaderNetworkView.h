@@ -86,6 +86,7 @@ public Q_SLOTS:
     /// The selected nodes, in the order in which they read.
     void arrange(OssShaderNetworkManager::Arrangement how);
     void openGroupNodeSubgraph();
+    void openGroupsBehind();
     void togglePortVisibility();
     void cyclePortListMode();
     void duplicateSelectedNodes();
@@ -150,8 +151,7 @@ public Q_SLOTS:
     void updateDownstreamBakePoints();
     /// What follows the selected node follows a new paint node with its pixels instead.
     void bakeToPaintableNode();
-    /// Puts the selected node's pixels into a geo-channel of its object. Asks for what is not
-    /// given.
+    /// Puts the selected node's pixels into a geo-channel of its object. Asks for what is missing.
     void exportToGeoChannel(OssGeoImageSet *pGeoImageSet, QString OutputPointName);
     void exportToGeoChannel(OssGeoImageSet *pGeoImageSet);
     void exportToGeoChannel();

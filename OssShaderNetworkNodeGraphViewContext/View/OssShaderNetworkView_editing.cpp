@@ -307,21 +307,39 @@ void OssShaderNetworkView::batchSwapInputs(OssSnMultiChannelGroupNode *merge)
 
 // --- groups and port lists
 
-void OssShaderNetworkView::openGroupNodeSubgraph()
+namespace {
+
+QList<OssSnGroupNodeGraphViewContext *> groupsAmong(const QList<QGraphicsItem *> &items)
 {
-    const QList<QGraphicsItem *> selected = sortedSelection();
-    for (QGraphicsItem *item : selected) {
+    QList<OssSnGroupNodeGraphViewContext *> groups;
+    for (QGraphicsItem *item : items) {
         const auto *guiNode = dynamic_cast<OssNgNode *>(item);
         const auto *group = guiNode ? qobject_cast<OssSnGroupNode *>(guiNode->businessNode())
                                     : nullptr;
-        auto *context = qobject_cast<OssSnGroupNodeGraphViewContext *>(
-            OssSnNodeGraphViewContextManager::contextOf(group));
-        if (context) {
-            context->showGroupNodeTab();
-            return;
-        }
+        if (auto *context = qobject_cast<OssSnGroupNodeGraphViewContext *>(
+                OssSnNodeGraphViewContextManager::contextOf(group)))
+            groups.append(context);
     }
-    if (!selected.isEmpty())
+    return groups;
+}
+
+} // namespace
+
+void OssShaderNetworkView::openGroupNodeSubgraph()
+{
+    const auto groups = groupsAmong(sortedSelection());
+    if (!groups.isEmpty())
+        groups.first()->showGroupNodeTab();
+    else if (!sortedSelection().isEmpty())
+        tellUser(tr("No group is selected"));
+}
+
+void OssShaderNetworkView::openGroupsBehind()
+{
+    const auto groups = groupsAmong(sortedSelection());
+    for (OssSnGroupNodeGraphViewContext *group : groups)
+        group->showGroupNodeTabBehind();
+    if (groups.isEmpty() && !sortedSelection().isEmpty())
         tellUser(tr("No group is selected"));
 }
 

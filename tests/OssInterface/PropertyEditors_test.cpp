@@ -244,8 +244,11 @@ TEST_F(PropertyEditors, thePickersColoursAreSeenAtOnceAndOneStep)
     m_panel->setLocked(true);
     deleteLater();
     EXPECT_EQ(m_panel->findChild<OssColorPicker *>(), nullptr);
-    m_panel->setLocked(false);
-    picker = openTint();
+}
+
+TEST_F(PropertyEditors, escapeBesideThePickerClosesItAndKeepsItsColor)
+{
+    OssColorPicker *picker = openTint();
     type(named(picker, "Red"), "9");
     QTest::keyClick(m_panel->window(), Qt::Key_Escape);
     deleteLater();

@@ -183,6 +183,7 @@ const Row Rows[] = {
     {"Manage User Knobs"},
     {"Expose Node Properties"},
     {"Open Group Node Subgraph"},
+    {"Open Groups Behind"},
     {"Pick Up Edge Under Mouse"},
     {"Select All Upstream"},
     {"Select All Downstream"},
@@ -279,6 +280,7 @@ TEST_F(EveryActionTest, whatFindsNothingToActOnSaysSo)
                              "Toggle Port List",
                              "Cycle Port List Mode",
                              "Open Group Node Subgraph",
+                             "Open Groups Behind",
                              "Open Node Properties",
                              "Select All Upstream",
                              "Select Stream Downstream",
@@ -311,6 +313,7 @@ TEST_F(EveryActionTest, whatFindsNothingToDoWithTheSelectionSaysWhy)
         {"Disable", Viewer, "never disabled"},
         {"Cut", Viewer, "never copied"},
         {"Open Group Node Subgraph", One, "No group"},
+        {"Open Groups Behind", One, "No group"},
         {"Select Next Downstream", Viewer, "Nothing follows"},
         {"Select Between", One, "two nodes"},
     };

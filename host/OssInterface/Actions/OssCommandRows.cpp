@@ -225,6 +225,7 @@ const std::vector<Row> RowTable{
     {"/Ossa/NodeGraph", QT_TR_NOOP("Group Selected Nodes"), "Ctrl+G", "Group 1.1", Always, QT_TR_NOOP("Put the selected nodes into a group with a port for each stream")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Ungroup"), "Ctrl+Shift+G", "Group 1.2", Always, QT_TR_NOOP("Put what is inside the selected groups in their place")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Open Group Node Subgraph"), "Ctrl+Return Ctrl+Enter", "Group 1.3", Always, QT_TR_NOOP("Open what is inside the selected group in a tab of its own")},
+    {"/Ossa/NodeGraph", QT_TR_NOOP("Open Groups Behind"), "Ctrl+Shift+Return Ctrl+Shift+Enter", "Group 1.4", Always, QT_TR_NOOP("Open what is inside the selected groups in tabs behind the one that is shown")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Add Group Input"), "", "Group 2.1", Always, QT_TR_NOOP("Give the group another input")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Add Group Output"), "", "Group 2.2", Always, QT_TR_NOOP("Give the group another output")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Order Ports by Position"), "", "Group 3.1", Always, QT_TR_NOOP("Put the group's ports into the order in which their nodes lie inside, from the top")},

@@ -243,6 +243,10 @@ const std::vector<Row> RowTable{
 
     {"/Ossa/NodeGraph", QT_TR_NOOP("Open Node Properties"), "Return Enter", "Properties 1.1, Context 6.1", Always, QT_TR_NOOP("Show the values of the selected nodes in panels")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Delete All Properties"), "Ctrl+Shift+A", "Properties 1.2", Always, QT_TR_NOOP("Remove all panels."), "NodePropertiesDeleteAll.png"},
+    {"/Ossa/Properties", QT_TR_NOOP("Reset to Default"), "Ctrl+Backspace", "Properties 2.1", Always, QT_TR_NOOP("Give the value of the panel's row that has the keyboard its default again")},
+    {"/Ossa/Properties", QT_TR_NOOP("Copy Value"), "Ctrl+Shift+C", "Properties 2.2", Always, QT_TR_NOOP("Copy the value of the panel's row that has the keyboard")},
+    {"/Ossa/Properties", QT_TR_NOOP("Paste Value"), "Ctrl+Shift+V", "Properties 2.3", Always, QT_TR_NOOP("Give the panel's row that has the keyboard the value that was copied")},
+    {"/Ossa/Properties", QT_TR_NOOP("Rename Knob..."), "F2", "Properties 2.4", Always, QT_TR_NOOP("Give the knob whose row has the keyboard another name")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Dump Selected Node Info"), "", "Versions 1.1", Always, QT_TR_NOOP("Write what the selected nodes are made of into the log")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Upgrade Selected Node Info"), "", "Versions 1.2", Always, QT_TR_NOOP("Compare the selected nodes with the installed versions of their kinds")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Upgrade All Node Info"), "", "Versions 1.3", Always, QT_TR_NOOP("Compare all nodes with the installed versions of their kinds")},

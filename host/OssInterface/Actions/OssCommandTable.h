@@ -36,8 +36,8 @@ struct Row
 {
     /// Identity in the action tree: folder and name. The name, translated, is what users read.
     /// "*" stands for whatever is filed there while the program runs. Keys of "/Ossa/NodeGraph" act
-    /// in the graph alone, those of "/Ossa/Viewer" in the Viewer's pictures: the same key may stand in
-    /// both.
+    /// in the graph alone, those of "/Ossa/Viewer" in the Viewer's pictures, those of "/Ossa/Properties"
+    /// in panels: the same key may stand in all of them.
     const char *folder = "";
     const char *name = "";
     /// Default keys as portable text; alternatives are separated by a blank.

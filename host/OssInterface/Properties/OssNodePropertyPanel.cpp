@@ -450,6 +450,16 @@ OssPropertyRow *OssNodePropertyPanel::focusedRow() const
     return nullptr;
 }
 
+OssPropertyRow *OssNodePropertyPanel::rowWithKeyboard()
+{
+    for (const QWidget *widget = QApplication::focusWidget(); widget;
+         widget = widget->parentWidget()) {
+        if (const auto *panel = qobject_cast<const OssNodePropertyPanel *>(widget))
+            return panel->focusedRow();
+    }
+    return nullptr;
+}
+
 void OssNodePropertyPanel::keyPressEvent(QKeyEvent *event)
 {
     OssPropertyRow *row = focusedRow();

@@ -41,6 +41,8 @@ public:
 
     /// The row that has the keyboard focus; null when none has.
     OssPropertyRow *focusedRow() const;
+    /// The same of whichever panel has the keyboard.
+    static OssPropertyRow *rowWithKeyboard();
 
     /// The node leaves the document, and the panel will, too: nothing that is half typed becomes an
     /// edit.

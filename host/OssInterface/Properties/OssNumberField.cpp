@@ -388,9 +388,7 @@ void OssNumberField::keyPressEvent(QKeyEvent *event)
         Q_EMIT left();
         return;
     }
-    if (plain
-        && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter
-            || event->key() == Qt::Key_F2))
+    if (plain && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter))
         startTyping();
     else if (plain && !typed.isEmpty() && typed.at(0).isPrint() && !typed.at(0).isSpace())
         startTyping(typed);

@@ -1,7 +1,9 @@
 #include "OssInterface/Properties/OssPropertyRow.h"
 
 #include "OssCore/Values/OssAttributeKind.h"
+#include "OssInterface/Actions/OssCommandTable.h"
 #include "OssInterface/Actions/OssMenu.h"
+#include "OssInterface/Actions/OssShortcutManager.h"
 #include "OssInterface/Properties/OssExpression.h"
 #include "OssInterface/Properties/OssPropertyEditor.h"
 #include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
@@ -17,6 +19,7 @@
 #include <QMimeData>
 #include <QPainter>
 
+#include <algorithm>
 #include <functional>
 
 namespace {
@@ -236,8 +239,7 @@ void OssPropertyRow::pasteValue()
 
 struct OssPropertyRow::Command
 {
-    QString title;
-    QKeySequence key;
+    const char *path;
     std::function<void(OssPropertyRow *)> run;
     std::function<bool(const OssPropertyRow *)> isPossible;
     bool isForKnobs = false; ///< unknown to other rows
@@ -272,29 +274,43 @@ void OssPropertyRow::renameKnob()
 const QVector<OssPropertyRow::Command> &OssPropertyRow::commands()
 {
     static const QVector<Command> all{
-        {tr("Reset to Default"), Qt::CTRL + Qt::Key_Backspace, &OssPropertyRow::reset,
-         &OssPropertyRow::canReset},
-        {tr("Copy Value"), Qt::CTRL + Qt::SHIFT + Qt::Key_C, &OssPropertyRow::copyValue,
+        {"/Ossa/Properties/Reset to Default", &OssPropertyRow::reset, &OssPropertyRow::canReset},
+        {"/Ossa/Properties/Copy Value", &OssPropertyRow::copyValue,
          [](const OssPropertyRow *) {
              return true;
          }},
-        {tr("Paste Value"), Qt::CTRL + Qt::SHIFT + Qt::Key_V, &OssPropertyRow::pasteValue,
-         &OssPropertyRow::canPaste},
-        {tr("Rename Knob..."), Qt::Key_F2, &OssPropertyRow::renameKnob, &OssPropertyRow::knobGroup,
+        {"/Ossa/Properties/Paste Value", &OssPropertyRow::pasteValue, &OssPropertyRow::canPaste},
+        {"/Ossa/Properties/Rename Knob...", &OssPropertyRow::renameKnob, &OssPropertyRow::knobGroup,
          true}};
     return all;
 }
 
-bool OssPropertyRow::takeKey(const QKeyEvent *event)
+QStringList OssPropertyRow::commandPaths()
 {
-    const QKeySequence pressed(int(event->modifiers() & ~Qt::KeypadModifier) + event->key());
+    QStringList paths;
+    for (const Command &command : commands())
+        paths.append(QLatin1String(command.path));
+    return paths;
+}
+
+bool OssPropertyRow::run(const QString &path)
+{
     for (const Command &command : commands()) {
-        if (command.key == pressed && (!command.isForKnobs || knobGroup())) {
+        if (path == QLatin1String(command.path) && (!command.isForKnobs || knobGroup())) {
             command.run(this);
             return true;
         }
     }
     return false;
+}
+
+bool OssPropertyRow::takeKey(const QKeyEvent *event)
+{
+    const QKeySequence pressed(int(event->modifiers() & ~Qt::KeypadModifier) + event->key());
+    const QStringList paths = commandPaths();
+    return std::any_of(paths.cbegin(), paths.cend(), [&](const QString &path) {
+        return OssShortcutManager::instance()->keys(path).contains(pressed) && run(path);
+    });
 }
 
 void OssPropertyRow::openMenu(const QPoint &globalPosition)
@@ -303,9 +319,10 @@ void OssPropertyRow::openMenu(const QPoint &globalPosition)
     for (const Command &command : commands()) {
         if (command.isForKnobs && !knobGroup())
             continue;
-        QAction *action = menu.addAction(command.title, this,
+        const QString path = QLatin1String(command.path);
+        QAction *action = menu.addAction(OssCommandTable::text(*OssCommandTable::find(path)), this,
                                          [this, &command] { command.run(this); });
-        action->setShortcut(command.key);
+        action->setShortcuts(OssShortcutManager::instance()->keys(path));
         action->setEnabled(command.isPossible(this));
     }
     menu.insertSeparator(menu.actions().value(1));

@@ -39,7 +39,11 @@ public:
     /// A value that was copied here, or text: also arithmetic for a number. Nothing happens when it
     /// is no value for this attribute.
     void pasteValue();
-    /// The commands of the menu by their keys. False for other keys.
+    /// The commands of the menu, as the command table knows them.
+    static QStringList commandPaths();
+    /// False for other commands, and those that are not for this row.
+    bool run(const QString &path);
+    /// The same by their keys.
     bool takeKey(const QKeyEvent *event);
     void openMenu(const QPoint &globalPosition);
 

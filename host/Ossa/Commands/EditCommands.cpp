@@ -8,6 +8,8 @@
 #include "OssInterface/Actions/OssMenu.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssInterface/Popups/OssMessageBox.h"
+#include "OssInterface/Properties/OssNodePropertyPanel.h"
+#include "OssInterface/Properties/OssPropertyRow.h"
 #include "OssModel/Project/OssNodeTypeWatch.h"
 
 #include <QAction>
@@ -43,8 +45,20 @@ EditCommands::EditCommands(QWidget *window)
                    [this] { showShortcuts(); });
     Commands::file(this, QStringLiteral("/Ossa/Edit/Node Type Folder"),
                    [this] { showNodeTypeFolder(); });
+    const QStringList ofRows = OssPropertyRow::commandPaths();
+    for (const QString &path : ofRows)
+        Commands::file(this, path, [path] { runInRow(path); });
     connect(history, &OssUndoManager::changed, this, &EditCommands::refresh);
     refresh();
+}
+
+void EditCommands::runInRow(const QString &path)
+{
+    OssPropertyRow *row = OssNodePropertyPanel::rowWithKeyboard();
+    if (!row || !row->run(path))
+        OssStatusManager::instance()->showMessage(
+            tr("%1: click into a row of a panel first that it is for")
+                .arg(OssCommandTable::text(*OssCommandTable::find(path))));
 }
 
 void EditCommands::refresh()

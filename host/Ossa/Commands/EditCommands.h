@@ -6,7 +6,7 @@ class QAction;
 class QWidget;
 
 /// The application's own commands of the Edit menu: undo and redo with the step's title, and the
-/// dialogs for preferences and keys.
+/// dialogs for preferences and keys. Also those of the rows of panels.
 class EditCommands : public QObject
 {
     Q_OBJECT
@@ -17,6 +17,7 @@ public:
 
 private:
     void refresh();
+    static void runInRow(const QString &path);
     void showNodeTypeFolder();
     void showPreferences();
     void showShortcuts();

@@ -32,6 +32,7 @@ const QString stateNamesKey = QStringLiteral("MainWindow/dockedPalettes");
 const QString fullerStateKey = QStringLiteral("MainWindow/fullerDocks");
 const QString fullerNamesKey = QStringLiteral("MainWindow/fullerDockedPalettes");
 const QString paletteFolder = QStringLiteral("/Ossa/Palettes/");
+const QString panelFolder = QStringLiteral("/Ossa/Properties/");
 const QString graphFolder = QStringLiteral("/Ossa/NodeGraph/");
 constexpr int stateVersion = 1;
 constexpr int graphShare = 70;      // percent of the window, in both directions
@@ -299,6 +300,8 @@ void PaletteDocks::dock(OssPalette *palette)
         OssShortcutManager::instance()->setScope(graphFolder, palette);
         placeCover();
     }
+    if (palette->contextHelpKey() == QLatin1String("node_properties_palette"))
+        OssShortcutManager::instance()->setScope(panelFolder, palette);
 }
 
 void PaletteDocks::place(OssPalette *palette, ads::CDockWidget *dock)

@@ -231,6 +231,8 @@ TEST_F(ColorManagement, aMissingConfigurationIsNamedAndTheProjectKeepsItsChoice)
     EXPECT_EQ(working(), "Wide");
     ASSERT_TRUE(OssProjectManager::instance()->saveProjectAs(folder.filePath(text("A.ossa"))));
     EXPECT_EQ(m_project->colorConfig(), text("own.ocio")) << "it lies beside the project";
+    EXPECT_EQ(working(), "Wide");
+    EXPECT_EQ(OssColorManagement::instance()->problem(), QString());
     ASSERT_TRUE(QFile::rename(config, folder.filePath(text("elsewhere.ocio"))));
     ASSERT_TRUE(reopened());
     EXPECT_EQ(OssColorManagement::instance()->problem(),

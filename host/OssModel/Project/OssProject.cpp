@@ -269,6 +269,16 @@ void OssProject::setColorConfig(const QString &config)
     setColors(colors);
 }
 
+void OssProject::renameColorConfig(const QString &path)
+{
+    if (path == m_colors.config)
+        return;
+    const QString before = std::exchange(m_colors.config, path);
+    OssUndoManager::instance()->record(
+        tr("Keep Paths of Files"), [this, before] { m_colors.config = before; },
+        [this, path] { m_colors.config = path; });
+}
+
 void OssProject::setWorkingSpace(const QString &space)
 {
     OssColorSettings colors = m_colors;

@@ -76,6 +76,9 @@ public:
 
     void setColorConfig(const QString &config);
 
+    /// Another path to the same file, for a project that will lie elsewhere. One step.
+    void renameColorConfig(const QString &path);
+
     bool hasColorConfig() const { return !m_colors.config.isEmpty(); }
 
     QString workingSpace() const { return m_colors.working; }

@@ -59,7 +59,7 @@ void keepConfigPath(OssProject *project, const QString &folder)
 {
     const QString config = project->colorConfig();
     if (!config.isEmpty() && config != OssColorSettings::Environment)
-        project->setColorConfig(OssFilePath::shortened(OssFilePath::resolved(config), folder));
+        project->renameColorConfig(OssFilePath::shortened(OssFilePath::resolved(config), folder));
 }
 
 /// What was not read yet could not be kept. Handles events meanwhile; false when the project is gone.

@@ -49,6 +49,10 @@ void ColorCommands::editSettings()
         return;
     OssColorSettings settings = dialog.settings();
     settings.config = OssFilePath::shortened(settings.config);
+    if (settings == project->colors()) {
+        OssColorManagement::instance()->use(settings); // its file may be there again
+        return;
+    }
     int converted = 0;
     const OssResult changed = OssProjectColors::change(
         project, settings,

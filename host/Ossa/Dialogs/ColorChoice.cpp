@@ -118,18 +118,16 @@ void ColorChoice::fillConfigs()
 void ColorChoice::fillSpaces()
 {
     m_working->clear();
-    // What a configuration works in by itself may change; a project names it, but for the built-in one.
-    for (const std::string &space : m_spaces->linearNames()) {
-        const bool isUsual = m_settings.config.isEmpty() && space == OssEvColorSpaces::Light;
-        m_working->addItem(titleOf(space, m_spaces->isBuiltIn()),
-                           isUsual ? QString() : QString::fromStdString(space));
-    }
-    if (m_isUsable && m_settings.working.isEmpty() && !m_settings.config.isEmpty())
-        m_settings.working = QString::fromStdString(m_spaces->working());
+    OssColorSettings usual;
+    usual.config = m_settings.config;
+    OssEvColorSpaces::Pointer spaces;
+    (void)OssColorManagement::find(usual, &spaces); // told already
+    const std::string own = spaces->working();
+    for (const std::string &space : spaces->linearNames())
+        m_working->addItem(titleOf(space, spaces->isBuiltIn()),
+                           space == own ? QString() : QString::fromStdString(space));
+    // What is gone is still the project's choice.
     if (m_working->findData(m_settings.working) < 0)
-        m_working->addItem(m_settings.working.isEmpty()
-                               ? titleOf(m_spaces->working(), m_spaces->isBuiltIn())
-                               : m_settings.working,
-                           m_settings.working);
+        m_working->addItem(m_settings.working, m_settings.working);
     m_working->setCurrentIndex(m_working->findData(m_settings.working));
 }

@@ -267,6 +267,8 @@ QWidget *ViewerPanel::makeControls()
     m_channels->addItems({tr("Color"), tr("Red"), tr("Green"), tr("Blue"), tr("Alpha")});
     m_channels->setAccessibleName(tr("Channels"));
     m_display->setAccessibleName(tr("Display"));
+    m_display->setToolTip(tr("Display and view for which the picture is made"));
+    m_display->setSizeAdjustPolicy(QComboBox::AdjustToContents);
     fillScreens();
     for (const int size : {256, 512, 1024, 2048, 4096})
         m_resolution->addItem(QString::number(size), size);

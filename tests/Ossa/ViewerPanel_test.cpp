@@ -133,6 +133,22 @@ TEST_F(Viewing, theResolutionIsTheUsersInTheNextSessionToo)
     OssSettings().remove(text("Viewer"));
 }
 
+TEST_F(Viewing, theDisplayIsTheUsersInTheNextSessionToo)
+{
+    auto *display = named<QComboBox>(m_panel.get(), "Display");
+    display->setCurrentIndex(1);
+    Q_EMIT display->activated(1);
+    m_panel = std::make_unique<ViewerPanel>();
+    m_pictures = m_panel->findChild<ViewerPictures *>();
+    EXPECT_EQ(named<QComboBox>(m_panel.get(), "Display")->currentText(), text("Raw"));
+    choose("Resolution of a patch", 0);
+    m_panel->resize(500, 500);
+    m_panel->show();
+    show(m_grey);
+    EXPECT_TRUE(comesToShow(QColor(64, 64, 64))) << "numbers as they are";
+    OssSettings().remove(text("Viewer"));
+}
+
 TEST_F(Viewing, showsWhatTheViewerLooksAtAndEveryChangeOfIt)
 {
     const auto paintGreen = [this](const char *value) {

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <fstream>
+#include <locale>
 #include <map>
 #include <mutex>
 #include <set>
@@ -400,6 +401,21 @@ OssEvResult OssEvColorSpaces::tellConversion(const std::string &space, std::stri
     } catch (const Ocio::Exception &fault) {
         return OssEvResult::failure(fault.what());
     }
+}
+
+std::string OssEvColorSpaces::primaries() const
+{
+    std::array<float, 12> texels{1, 0, 0, 1, 0, 1, 0, 1, 0, 0, 1, 1};
+    if (isWorking(Light) || !toWorking(Light, texels.data(), 3))
+        return {};
+    std::ostringstream text;
+    text.imbue(std::locale::classic());
+    text.precision(9);
+    for (std::size_t i = 0; i < texels.size(); ++i) {
+        if (i % 4 < 3)
+            text << (i > 0 ? " " : "") << texels[i];
+    }
+    return text.str();
 }
 
 OssEvResult OssEvColorSpaces::toWorking(const std::string &space, float *rgba,

@@ -69,6 +69,10 @@ public:
     /// What the way from a space into the working one consists of: another one, another text.
     OssEvResult tellConversion(const std::string &space, std::string *text) const;
 
+    /// Red, green and blue of the built-in working space in this one, for kernels: nine numbers with
+    /// blanks between them. Empty where they are the same, or cannot be told.
+    std::string primaries() const;
+
     OssEvResult toWorking(const std::string &space, float *rgba, std::size_t count) const;
     OssEvResult fromWorking(const std::string &space, float *rgba, std::size_t count) const;
     /// The colour that a pointer picks on a screen; by the role color_picking where there is one.

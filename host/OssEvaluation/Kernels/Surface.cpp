@@ -10,7 +10,10 @@
 #include "OssEvaluation/Values/OssEvTileGrid.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <locale>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -182,11 +185,34 @@ struct VertexColorValues
 
     int output;
     bool isDisplay;
+    /// Red, green and blue of BT.709 in the working space.
+    std::array<float, 9> primaries;
 };
+
+/// Nine numbers; those of BT.709 themselves where there are none.
+std::array<float, 9> primariesOf(const std::string &text)
+{
+    std::array<float, 9> primaries{1, 0, 0, 0, 1, 0, 0, 0, 1};
+    std::istringstream numbers(text);
+    numbers.imbue(std::locale::classic());
+    std::array<float, 9> read{};
+    for (float &number : read)
+        numbers >> number;
+    return numbers.fail() ? primaries : read;
+}
 
 float linear(float display)
 {
     return display <= 0.04045F ? display / 12.92F : std::pow((display + 0.055F) / 1.055F, 2.4F);
+}
+
+std::array<float, 3> fromDisplay(const std::array<float, 3> &display,
+                                 const std::array<float, 9> &primaries)
+{
+    std::array<float, 3> color{};
+    for (std::size_t k = 0; k < 9; ++k)
+        color[k % 3] += linear(display[k / 3]) * primaries[k];
+    return color;
 }
 
 void vertexColor(const OssEvStrip &strip, const VertexColorValues &values)
@@ -207,10 +233,13 @@ void vertexColor(const OssEvStrip &strip, const VertexColorValues &values)
                 strip.output[0][offset + x] = alpha;
                 continue;
             }
-            for (std::size_t k = 0; k < 3; ++k) {
-                const float value = std::max(planes[k][x], 0.0F);
-                strip.output[k][offset + x] = (values.isDisplay ? linear(value) : value) * alpha;
-            }
+            std::array<float, 3> color{};
+            for (std::size_t k = 0; k < 3; ++k)
+                color[k] = std::max(planes[k][x], 0.0F);
+            if (values.isDisplay)
+                color = fromDisplay(color, values.primaries);
+            for (std::size_t k = 0; k < 3; ++k)
+                strip.output[k][offset + x] = color[k] * alpha;
             strip.output[3][offset + x] = alpha;
         }
     }
@@ -333,10 +362,11 @@ void addMeshData(std::vector<OssEvKernel> *kernels)
 {
     using namespace OssEvDescribe;
     OssEvKernel colors = surfaceKernel("vertexColor", {{"Output", 4}, {"Alpha", 1}});
-    colors.parameters = {choice("Space", {"Linear", "sRGB"})};
+    colors.parameters = {choice("Space", {"Linear", "sRGB"}), text("Primaries")};
     colors.make = [](const OssEvKernelSetup &setup) {
         return OssEvMakePoint(vertexColor,
-                              VertexColorValues{setup.output(), setup.integer("Space") == 1});
+                              VertexColorValues{setup.output(), setup.integer("Space") == 1,
+                                                primariesOf(setup.text("Primaries"))});
     };
     kernels->push_back(colors);
 

@@ -68,7 +68,7 @@ private:
             m_builder.setCachePoint(index);
     }
 
-    static OssEvParameters parametersOf(const OssSnBaseNode *node)
+    OssEvParameters parametersOf(const OssSnBaseNode *node) const
     {
         OssEvParameters parameters;
         const QVector<OssCustomAttribute> attributes = node->userAttributes();
@@ -77,12 +77,16 @@ private:
             if (OssSnParameter::fromValue(OssFilePath::valueOf(attribute), &parameter))
                 parameters.emplace(attribute.name().toStdString(), parameter);
         }
+        // Kernels that know colours of the screen know those of the built-in working space.
+        if (!m_primaries.empty())
+            parameters["Primaries"] = m_primaries;
         const QString images = OssImageSetFiles::nameOf(node);
         if (!images.isEmpty())
             parameters["Image"] = images.toStdString();
         return parameters;
     }
 
+    const std::string m_primaries = OssColorManagement::spaces()->primaries();
     OssEvGraphBuilder m_builder;
     QHash<const OssSnBaseNode *, int> m_indexes;
 };

@@ -266,10 +266,6 @@ QWidget *ViewerPanel::makeControls()
     rows->addLayout(layout);
     m_channels->addItems({tr("Color"), tr("Red"), tr("Green"), tr("Blue"), tr("Alpha")});
     m_channels->setAccessibleName(tr("Channels"));
-    m_display->setAccessibleName(tr("Display"));
-    m_display->setToolTip(tr("Display and view for which the picture is made"));
-    m_display->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-    fillScreens();
     for (const int size : {256, 512, 1024, 2048, 4096})
         m_resolution->addItem(QString::number(size), size);
     const int kept = m_resolution->findData(OssSettings().value(resolutionKey).toInt());
@@ -292,7 +288,7 @@ QWidget *ViewerPanel::makeControls()
     const auto changed = qOverload<int>(&QComboBox::currentIndexChanged);
     connect(m_channels, changed, this, &ViewerPanel::applyLook);
     connect(m_display, changed, this, &ViewerPanel::applyLook);
-    followScreens();
+    makeScreens();
     connect(m_resolution, changed, this, [this] {
         m_source->setResolution(m_resolution->currentData().toInt());
         m_object->light()->setResolution(m_resolution->currentData().toInt());
@@ -336,14 +332,20 @@ void ViewerPanel::setComparing(bool on)
         setMode(Both);
 }
 
-void ViewerPanel::followScreens()
+void ViewerPanel::makeScreens()
 {
+    m_display->setAccessibleName(tr("Display"));
+    m_display->setToolTip(tr("Display and view for which the picture is made"));
+    m_display->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    fillScreens();
     connect(m_display, qOverload<int>(&QComboBox::activated), this,
             [this] { OssSettings().setValue(screenKey, m_display->currentText()); });
     connect(OssColorManagement::instance(), &OssColorManagement::changed, this, [this] {
         fillScreens();
         applyLook();
+        m_source->refresh();
     });
+    applyLook(); // as the last session did
 }
 
 void ViewerPanel::fillScreens()
@@ -366,8 +368,8 @@ void ViewerPanel::applyLook()
     look.exposure = m_exposure->value();
     look.gamma = m_gamma->value();
     look.raw = m_display->currentIndex() == m_display->count() - 1;
-    look.colors = OssColorManagement::spaces();
-    look.screen = m_screens.value(m_display->currentIndex());
+    if (m_display->currentIndex() > 0 && !look.raw)
+        look.screen = m_screens.at(m_display->currentIndex());
     m_pictures->setLook(look);
     m_source->setLook(look);
     m_object->setScreen(

@@ -53,7 +53,7 @@ private:
     void fileCommands();
     void framePictures();
     void fillScreens();
-    void followScreens();
+    void makeScreens();
     void applyLook();
 
     ViewerSource *m_source;

@@ -12,8 +12,7 @@ constexpr int tileSize = OssEvTile::Size;
 
 OssEvResult toScreen(const ViewerLook &look, float *row, int count)
 {
-    const OssEvColorSpaces::Pointer colors = look.colors ? look.colors
-                                                         : OssColorManagement::spaces();
+    const OssEvColorSpaces::Pointer colors = OssColorManagement::spaces();
     ViewerScreen screen = look.screen;
     if (screen.display.empty()) {
         const QVector<ViewerScreen> all = ViewerPixels::screens(*colors);

@@ -29,15 +29,13 @@ struct ViewerLook
     Channels channels = Color;
     double exposure = 0.0; ///< stops
     double gamma = 1.0;
-    /// In whose working space the values are; null: of the project as it is now.
-    OssEvColorSpaces::Pointer colors;
-    ViewerScreen screen; ///< empty: the first
+    ViewerScreen screen; ///< of the project's configuration; empty: the first
     bool raw = false;    ///< numbers as they are, without a display transform
 
     friend bool operator==(const ViewerLook &a, const ViewerLook &b)
     {
         return a.channels == b.channels && a.exposure == b.exposure && a.gamma == b.gamma
-               && a.colors == b.colors && a.screen == b.screen && a.raw == b.raw;
+               && a.screen == b.screen && a.raw == b.raw;
     }
 };
 

@@ -1,18 +1,25 @@
 #include "OssCore/Values/OssColor.h"
+#include "OssEvaluation/Files/OssEvImageFiles.h"
+#include "OssEvaluation/Paint/OssEvPaintBake.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Images/OssColorManagement.h"
 #include "OssModel/Images/OssDisplayColor.h"
+#include "OssModel/Images/OssPixelStore.h"
 #include "OssModel/Nodes/OssSnBakePointNode.h"
 #include "OssModel/Nodes/OssSnResultKey.h"
+#include "OssModel/Objects/OssCanvasManager.h"
 #include "OssModel/Objects/OssImageSet.h"
 #include "OssModel/Project/OssProjectColors.h"
 #include "support/ModelFixture.h"
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QImage>
 #include <QTemporaryDir>
+
+#include <cmath>
 
 namespace {
 
@@ -22,6 +29,33 @@ QString text(const char *latin)
 {
     return QString::fromLatin1(latin);
 }
+
+/// One tile of a color.
+OssEvPaintBuffer painted(const std::array<float, 4> &color)
+{
+    auto tile = std::make_shared<OssEvPaintTile>();
+    for (int i = 0; i < OssEvPaintTile::Texels; ++i)
+        tile->setTexel(i, {color[0], color[1], color[2], color[3], 0.0F});
+    OssEvPaintBuffer paint(OssEvPaintTile::Size);
+    paint.setTile({1001, 0, 0}, tile);
+    return paint;
+}
+
+/// Tells in which space it was asked to bake.
+class Canvas final : public OssCanvasWidget
+{
+public:
+    void handleBakeBehavior(OssImageSet *) override {}
+
+    OssResult bakePaint() override
+    {
+        bakedIn = OssColorManagement::spaces()->working();
+        return fails ? OssResult::failure(text("full")) : OssResult();
+    }
+
+    std::string bakedIn;
+    bool fails = false;
+};
 
 class ColorManagement : public ModelFixture
 {
@@ -58,6 +92,28 @@ protected:
         const OssResult baked = OssEvaluationService::instance()->bake(job, path);
         EXPECT_TRUE(baked) << qPrintable(baked.error());
         return QImage(path).pixelColor(8, 8);
+    }
+
+    /// What the engine has at a place, in the working space.
+    std::array<float, 3> valuesOf(const OssSnBaseNode *node)
+    {
+        std::array<float, 3> values{};
+        const QString path = folder.filePath(text("values.exr"));
+        OssEvaluationService::BakeJob job;
+        job.node = node;
+        job.outputPoint = node->prefferedOutputPoint();
+        job.entity = m_project->entities().first();
+        job.patches = {1001};
+        job.resolution = 16;
+        EXPECT_TRUE(OssEvaluationService::instance()->bake(job, path));
+        OssEvImageFiles files;
+        const OssEvImageProvider::Image image{path.toStdString(),
+                                              OssEvImageProvider::ColorSpace::Data};
+        EXPECT_TRUE(files.read(image, 0, 0, {}, [&](int, int, const OssEvTilePointer &tile) {
+            for (int k = 0; k < 3; ++k)
+                values[std::size_t(k)] = tile->texel(std::min(k, tile->channels() - 1), 8, 8);
+        }));
+        return values;
     }
 
     static void expectColor(const QColor &seen, int red, int green, int blue)
@@ -166,7 +222,7 @@ TEST_F(ColorManagement, numbersOfColorsAreThoseOfTheWorkingSpace)
 TEST_F(ColorManagement, colorsOfNodesAreConvertedInOneStepAndCounted)
 {
     OssSnBaseNode *red = color(0.8, 0.1, 0.1);
-    OssSnBaseNode *grey = color(0.5, 0.5, 0.5);
+    OssSnBaseNode *grey = color(0.18, 0.18, 0.18);
     OssSnBaseNode *ramp = add("Adjust/Remap Ramp");
     const QString ramped = text("0,0,0,0,1 0.5,0.2,0.6,0.1,1 1,1,1,1,1");
     ramp->setAttribute(text("Ramp"), ramped);
@@ -180,7 +236,7 @@ TEST_F(ColorManagement, colorsOfNodesAreConvertedInOneStepAndCounted)
     EXPECT_EQ(converted, expected);
     EXPECT_EQ(undoCount(), steps + 1);
     EXPECT_NEAR(valueOf(red).red(), 0.8 * 0.6131 + 0.1 * (0.3395 + 0.0474), 2e-3);
-    EXPECT_EQ(valueOf(grey).red(), 0.5) << "greys are greys everywhere";
+    EXPECT_EQ(valueOf(grey).red(), 0.18) << "greys are greys everywhere";
     expectColor(pictureOf(red), seen.red(), seen.green(), seen.blue());
     EXPECT_NE(ramp->attribute(text("Ramp")).toString(), ramped);
     OssUndoManager::instance()->undo();
@@ -189,6 +245,14 @@ TEST_F(ColorManagement, colorsOfNodesAreConvertedInOneStepAndCounted)
     ASSERT_TRUE(OssProjectColors::change(m_project, film(), Values::Kept, &converted));
     EXPECT_EQ(converted, 0);
     EXPECT_EQ(valueOf(red).red(), 0.8);
+}
+
+TEST_F(ColorManagement, greysAreTheSameNumbersInEverySpace)
+{
+    for (int i = 1; i < 20; ++i)
+        color(i / 20.0, i / 20.0, i / 20.0);
+    color(3.7, 3.7, 3.7);
+    EXPECT_EQ(OssProjectColors::countColors(m_project, film()), 0);
 }
 
 TEST_F(ColorManagement, whatWasBakedSaysInWhichSpaceItIs)
@@ -208,19 +272,55 @@ TEST_F(ColorManagement, whatWasBakedSaysInWhichSpaceItIs)
     expectColor(pictureOf(point), film.red(), film.green(), film.blue());
 }
 
-TEST_F(ColorManagement, numbersThatAreNoColorsStayWhatTheyAre)
+TEST_F(ColorManagement, paintThatIsNoColorStaysWhatItIs)
 {
     auto *point = qobject_cast<OssSnBakePointNode *>(
         m_network->createPaintableNode({}, text("Misc/Bake Point")));
-    ASSERT_TRUE(point && wire(color(0.8, 0.1, 0.1), point));
-    point->setAttribute(text("scalar"), true);
-    ASSERT_TRUE(OssShaderNetworkUtils::bakeBakePoints({point}, true, true));
-    OssEvImageProvider::Image image;
-    image.name = point->imageSet()->pixels().value(1001).toStdString();
-    const auto seen = pictureOf(point);
+    ASSERT_NE(point, nullptr);
+    // Paint has four channels, whatever it is.
+    OssEvPaintBake::Job paint;
+    paint.paint = painted({0.5F, 0.25F, 0.125F, 1.0F});
+    paint.path = OssPixelStore::newPath().toStdString();
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(QString::fromStdString(paint.path)).path()));
+    ASSERT_TRUE(OssEvPaintBake::run(paint));
+    QString file;
+    ASSERT_TRUE(OssPixelStore::adopt(QString::fromStdString(paint.path), &file));
+    point->imageSet()->setPixels({{1001, file}});
+    EXPECT_NEAR(valuesOf(point)[0], 0.5F, 1e-3F);
     m_project->setColors(film());
-    const auto later = pictureOf(point);
-    EXPECT_EQ(later, seen);
+    EXPECT_NEAR(valuesOf(point)[0], 0.5F * 0.6131F + 0.25F * 0.3395F + 0.125F * 0.0474F, 2e-3F);
+    point->setAttribute(text("scalar"), true);
+    EXPECT_NEAR(valuesOf(point)[0], 0.5F, 1e-3F);
+    EXPECT_NEAR(valuesOf(point)[1], 0.25F, 1e-3F);
+}
+
+TEST_F(ColorManagement, bakedVectorsStayWhatTheyAre)
+{
+    auto *point = qobject_cast<OssSnBakePointNode *>(
+        m_network->createPaintableNode({}, text("Misc/Bake Point")));
+    ASSERT_TRUE(point && wire(add("Geometry/Normal"), point));
+    m_project->setColors(film());
+    ASSERT_TRUE(OssShaderNetworkUtils::bakeBakePoints({point}, true, true));
+    const std::array<float, 3> normal = valuesOf(point);
+    EXPECT_GT(std::abs(normal[0]) + std::abs(normal[1]) + std::abs(normal[2]), 0.9F);
+    m_project->setWorkingSpace({});
+    EXPECT_EQ(valuesOf(point), normal);
+}
+
+TEST_F(ColorManagement, freshPaintIsBakedInTheSpaceInWhichItWasPainted)
+{
+    Canvas canvas;
+    OssCanvasManager::instance()->setCurrentCanvas(&canvas);
+    ASSERT_TRUE(OssProjectColors::change(m_project, film(), Values::Kept));
+    EXPECT_EQ(canvas.bakedIn, "Linear");
+    canvas.fails = true;
+    OssColorSettings linear = m_project->colors();
+    linear.working.clear();
+    const int steps = undoCount();
+    EXPECT_EQ(OssProjectColors::change(m_project, linear, Values::Kept).error(), text("full"));
+    EXPECT_EQ(working(), "ACEScg") << "paint is not given up";
+    EXPECT_EQ(undoCount(), steps);
+    OssCanvasManager::instance()->setCurrentCanvas(nullptr);
 }
 
 TEST_F(ColorManagement, aMissingConfigurationIsNamedAndTheProjectKeepsItsChoice)

@@ -78,14 +78,14 @@ OssSurfaceMaps OssSurfaceMaps::of(const OssSnProducer &shown, const OssGeoEntity
         return maps;
     }
     OssExportMaterial material = OssExportMaterial::of(shown.node);
-    maps.m_isMaterial = material.node != nullptr;
-    if (!maps.m_isMaterial) {
+    const bool isMaterial = material.node != nullptr;
+    if (!isMaterial) {
         material.node = shown.node;
         material.channels = {{shown.outputPoint, OssSnDataKind::Color, true}};
     }
     material.entity = entity;
     auto source = std::make_shared<OssExportSource>(OssExportSource::withoutFreshPaint(material));
-    if (!maps.m_isMaterial)
+    if (!isMaterial)
         source->channels = QStringList{BaseColor};
     source->target.keepIntermediates = true; // the next edit comes soon
     maps.m_reach = reachOf(material);

@@ -25,9 +25,6 @@ public:
     /// GUI thread. Without paint that is in no image yet.
     static OssSurfaceMaps of(const OssSnProducer &shown, const OssGeoEntity *entity);
 
-    /// Whether it is one; else all but the base colour is what materials usually are.
-    bool isMaterial() const { return m_isMaterial; }
-
     /// How far a displacement of 1 stands out, in the world's lengths; 0 where a normal map tells the
     /// same already.
     float reach() const { return m_reach; }
@@ -45,7 +42,6 @@ public:
 
 private:
     std::shared_ptr<const OssExportSource> m_source; ///< null: nothing is shown
-    bool m_isMaterial = false;
     float m_reach = 0.0F;
     QString m_problem;
 };

@@ -40,6 +40,15 @@ glm::mat3 turned(float angle)
     return glm::mat3(glm::rotate(glm::mat4(1.0F), -angle, glm::vec3(0.0F, 1.0F, 0.0F)));
 }
 
+/// Of the mesh that is bound.
+void drawPart(const OssRdGeometry::Part &part)
+{
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): OpenGL takes the offset into its buffer so.
+    const auto *first = reinterpret_cast<const void *>(std::size_t(part.first)
+                                                       * sizeof(std::uint32_t));
+    glDrawElements(GL_TRIANGLES, part.count, GL_UNSIGNED_INT, first);
+}
+
 /// A ball around all objects.
 struct Extent
 {
@@ -106,7 +115,7 @@ struct OssRdRenderer::Private
     void drawBehind(const OssRdScene &scene, const OssRdView &view);
     void drawGround(const OssRdScene &scene, const OssRdView &view, const Extent &extent);
     void prepare(const OssRdScene &scene, const OssRdView &view);
-    void drawObject(const OssRdScene::Object &object);
+    void drawObject(const OssRdScene::Object &object, bool isCoarse);
     void bindMaterial(const OssRdMaterial &material);
     void drawObjects(const OssRdScene &scene, const OssRdView &view);
     bool draw(const OssRdScene &scene, const OssRdView &view, const OssEvCancel *cancel);
@@ -211,7 +220,7 @@ void OssRdRenderer::Private::drawShadow(const OssRdScene &scene, const Extent &e
 {
     std::vector<std::shared_ptr<const OssRdGeometry>> meshes;
     for (const OssRdScene::Object &object : scene.objects) {
-        if (object.geometry)
+        if (object.geometry && !object.geometry->parts.empty())
             meshes.push_back(object.geometry);
     }
     if (meshes == shadowOf && scene.toKeyLight == shadowFrom)
@@ -238,7 +247,8 @@ void OssRdRenderer::Private::drawShadow(const OssRdScene &scene, const Extent &e
     for (const std::shared_ptr<const OssRdGeometry> &mesh : meshes) {
         depth.set("world", mesh->world);
         copies.mesh(mesh);
-        glDrawElements(GL_TRIANGLES, GLsizei(mesh->indices.size()), GL_UNSIGNED_INT, nullptr);
+        drawPart(
+            {0, mesh->parts.front().first, mesh->parts.back().first + mesh->parts.back().count});
     }
     glDisable(GL_POLYGON_OFFSET_FILL);
 }
@@ -335,22 +345,19 @@ void OssRdRenderer::Private::bindMaterial(const OssRdMaterial &material)
     surface.set("reach", material.reach);
 }
 
-void OssRdRenderer::Private::drawObject(const OssRdScene::Object &object)
+void OssRdRenderer::Private::drawObject(const OssRdScene::Object &object, bool isCoarse)
 {
     static const OssRdMaterial usual;
     const OssRdGeometry &geometry = *object.geometry;
     surface.set("world", geometry.world);
     surface.set("normals", glm::inverseTranspose(glm::mat3(geometry.world)));
     copies.mesh(object.geometry);
-    for (const OssRdGeometry::Part &part : geometry.parts) {
+    for (const OssRdGeometry::Part &part : isCoarse ? geometry.coarseParts : geometry.parts) {
         const auto material = object.materials.find(part.patch);
         bindMaterial(material == object.materials.end() ? usual : material->second);
         surface.set("patchOrigin", glm::vec2(float(OssEvPatch::column(part.patch)),
                                              float(OssEvPatch::row(part.patch))));
-        // NOLINTNEXTLINE(performance-no-int-to-ptr): OpenGL takes the offset into its buffer so.
-        const auto *first = reinterpret_cast<const void *>(std::size_t(part.first)
-                                                           * sizeof(std::uint32_t));
-        glDrawElements(GL_TRIANGLES, part.count, GL_UNSIGNED_INT, first);
+        drawPart(part);
     }
 }
 
@@ -360,7 +367,7 @@ void OssRdRenderer::Private::drawObjects(const OssRdScene &scene, const OssRdVie
     const auto drawAll = [&] {
         for (const OssRdScene::Object &object : scene.objects) {
             if (object.geometry)
-                drawObject(object);
+                drawObject(object, view.isCoarse);
         }
     };
     const bool lets = std::any_of(scene.objects.cbegin(), scene.objects.cend(), [](const auto &o) {

@@ -53,7 +53,8 @@ struct OssRdView
 
     int width = 0;
     int height = 0;
-    bool isSmooth = true; ///< several samples a pixel
+    bool isSmooth = true;  ///< several samples a pixel
+    bool isCoarse = false; ///< with fewer triangles
     /// In how many directions a surface looks for what it mirrors; 0: in one, where each roughness has its
     /// blurred picture, which is quick and near enough for what moves.
     int mirrorSamples = 0;

@@ -3,7 +3,9 @@
 #include "OssEvaluation/Geometry/OssEvTangents.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
+#include <unordered_map>
 
 namespace {
 
@@ -32,6 +34,63 @@ void measure(OssRdGeometry *geometry)
     for (const OssRdGeometry::Vertex &vertex : geometry->vertices)
         radius = std::max(radius, glm::distance(inWorld(vertex), geometry->centre));
     geometry->radius = std::max(radius, 1e-6F);
+}
+
+/// Below it a mesh is drawn as quickly as a smaller one.
+constexpr int fewTriangles = 20000;
+/// Cells across the longest side of a mesh, and across a patch.
+constexpr float cells = 48.0F;
+constexpr float cellsOfPatch = 32.0F;
+
+/// Vertices that are near each other, face the same way and have nearly the same texture coordinates
+/// become one (Rossignac and Borrel 1993): for each the one that stands for it.
+std::vector<std::uint32_t> clustered(const std::vector<OssRdGeometry::Vertex> &vertices)
+{
+    constexpr float most = std::numeric_limits<float>::max();
+    glm::vec3 low(most);
+    glm::vec3 high(-most);
+    for (const OssRdGeometry::Vertex &vertex : vertices) {
+        low = glm::min(low, vertex.position);
+        high = glm::max(high, vertex.position);
+    }
+    const glm::vec3 size = high - low;
+    const float scale = cells / std::max({size.x, size.y, size.z, 1e-20F});
+    std::unordered_map<std::uint64_t, std::uint32_t> known;
+    std::vector<std::uint32_t> standsFor(vertices.size());
+    for (std::size_t i = 0; i < vertices.size(); ++i) {
+        const OssRdGeometry::Vertex &vertex = vertices[i];
+        const auto place = glm::uvec3((vertex.position - low) * scale);
+        const auto uv = glm::uvec2(glm::ivec2(glm::floor(vertex.uv * cellsOfPatch))) & 0xFFFU;
+        std::uint64_t key = place.x;
+        key = key << 6 | place.y;
+        key = key << 6 | place.z;
+        key = key << 12 | uv.x;
+        key = key << 12 | uv.y;
+        for (int axis = 0; axis < 3; ++axis)
+            key = key << 1 | std::uint64_t(vertex.normal[axis] > 0.0F);
+        standsFor[i] = known.emplace(key, std::uint32_t(i)).first->second;
+    }
+    return standsFor;
+}
+
+void addCoarse(OssRdGeometry *geometry)
+{
+    geometry->coarseParts = geometry->parts;
+    if (geometry->indices.size() / 3 <= std::size_t(fewTriangles))
+        return;
+    const std::vector<std::uint32_t> standsFor = clustered(geometry->vertices);
+    for (OssRdGeometry::Part &part : geometry->coarseParts) {
+        const int from = part.first;
+        part.first = int(geometry->indices.size());
+        for (int i = from; i < from + part.count; i += 3) {
+            std::array<std::uint32_t, 3> corners{};
+            for (std::size_t k = 0; k < 3; ++k)
+                corners[k] = standsFor[geometry->indices[std::size_t(i) + k]];
+            if (corners[0] != corners[1] && corners[1] != corners[2] && corners[2] != corners[0])
+                geometry->indices.insert(geometry->indices.end(), corners.begin(), corners.end());
+        }
+        part.count = int(geometry->indices.size()) - part.first;
+    }
 }
 
 } // namespace
@@ -64,5 +123,6 @@ std::shared_ptr<const OssRdGeometry> OssRdGeometry::of(const OssEvMesh &mesh)
             geometry->world[column][row] = mesh.world[std::size_t(4 * row + column)];
     }
     measure(geometry.get());
+    addCoarse(geometry.get());
     return geometry;
 }

@@ -31,6 +31,8 @@ struct OSSRENDER_EXPORT OssRdGeometry
     std::vector<Vertex> vertices; ///< in the object's own space
     std::vector<std::uint32_t> indices;
     std::vector<Part> parts;
+    /// The same with fewer triangles, for what moves; as `parts` where there are few.
+    std::vector<Part> coarseParts;
     glm::mat4 world{1.0F};
     /// In the world: the middle and radius of a ball around it, and how far down it reaches.
     glm::vec3 centre{0.0F};

@@ -15,7 +15,7 @@ struct OssRdMaterial
         Color, ///< base colour, scene-linear and not premultiplied; opacity
         Shape, ///< normal map's x and y from 0 to 1, y upwards; metallic; roughness
         Glow,  ///< emission, scene-linear; ambient occlusion, 1 where there is none
-        Coat, ///< clear coat; its roughness; displacement
+        Coat,  ///< clear coat; its roughness; displacement
         Maps
     };
 

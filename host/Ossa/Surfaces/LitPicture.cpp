@@ -1,9 +1,10 @@
 #include "Ossa/Surfaces/LitPicture.h"
 
+#include <glm/gtc/type_ptr.hpp>
+
 #include <algorithm>
 #include <cmath>
 #include <future>
-#include <glm/gtc/type_ptr.hpp>
 #include <thread>
 #include <vector>
 
@@ -29,8 +30,8 @@ void showRow(const glm::vec4 *row, int width, const LitPicture::Screen &screen,
                                                              &work->front().x, std::size_t(width));
     for (int x = 0; x < width; ++x) {
         const glm::vec4 &texel = (*work)[std::size_t(x)];
-        line[x] = shown ? qPremultiply(qRgba(byteOf(texel.r), byteOf(texel.g), byteOf(texel.b),
-                                             byteOf(row[x].a)))
+        line[x] = shown ? qPremultiply(
+                      qRgba(byteOf(texel.r), byteOf(texel.g), byteOf(texel.b), byteOf(row[x].a)))
                         : qRgba(255, 0, 255, 255);
     }
 }

@@ -88,6 +88,7 @@ bool LitRenderer::drawOne(OssRdRenderer *renderer, const Request &request, int p
     }
     OssRdView view = request.view;
     view.isSmooth = pass > 0;
+    view.isCoarse = pass == 0;
     view.mirrorSamples = pass > 1 ? restSamples : 0;
     if (pass > 1 && view.shows != OssRdView::Shows::Lit)
         return false;

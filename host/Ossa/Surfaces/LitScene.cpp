@@ -4,6 +4,7 @@
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Images/OssColorManagement.h"
 
 #include <QCoreApplication>
 #include <QThreadPool>
@@ -19,6 +20,10 @@ LitScene::LitScene(QObject *parent)
 {
     m_scene.keyLight = glm::vec3(keyLight);
     connect(&m_pixels, &SurfacePixels::changed, this, &LitScene::changed);
+    connect(OssColorManagement::instance(), &OssColorManagement::changed, this, [this] {
+        setSurroundings(m_surroundingsName); // light in other numbers
+        follow();
+    });
 }
 
 LitScene::~LitScene() = default;

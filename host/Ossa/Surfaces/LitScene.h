@@ -40,8 +40,6 @@ public:
 
     void setKeyLight(bool on);
 
-    bool hasKeyLight() const { return m_scene.keyLight != glm::vec3(0.0F); }
-
     /// As it is now; with no object where nothing is there to see.
     std::shared_ptr<const OssRdScene> scene() const;
 

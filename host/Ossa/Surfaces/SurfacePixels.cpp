@@ -104,7 +104,6 @@ void SurfacePixels::clear()
     m_known.clear();
     m_maps = {};
     m_problem.clear();
-    m_faulty.clear();
 }
 
 void SurfacePixels::show(const OssSurfaceMaps &maps, const QList<int> &patches, int resolution)
@@ -113,7 +112,6 @@ void SurfacePixels::show(const OssSurfaceMaps &maps, const QList<int> &patches, 
     m_maps = maps;
     m_resolution = resolution;
     m_problem = maps.problem();
-    m_faulty.clear();
     m_started = 0;
     for (auto material = m_materials.begin(); material != m_materials.end();) {
         const bool stays = m_problem.isEmpty() && patches.contains(material->first);
@@ -178,8 +176,7 @@ void SurfacePixels::finish(int generation, int patch, int map,
         return;
     if (!outcome.ok()) {
         m_problem = QString::fromStdString(outcome.error);
-        m_faulty = outcome.node;
-        stop(); // the others have the same fault, or wait in vain
+            stop(); // the others have the same fault, or wait in vain
         m_known.clear();
         Q_EMIT changed();
         Q_EMIT finished();

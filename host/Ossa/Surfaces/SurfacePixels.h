@@ -38,10 +38,8 @@ public:
     /// Thousandths.
     int progress() const;
 
-    /// Why pixels do not come, in words, and which node of the graph is to blame, if one is.
+    /// Why pixels do not come, in words.
     QString problem() const { return m_problem; }
-
-    std::string faultyNode() const { return m_faulty; }
 
 Q_SIGNALS:
     /// There are other materials(), or a problem.
@@ -80,5 +78,4 @@ private:
     std::vector<Running> m_running;
     std::size_t m_started = 0;
     QString m_problem;
-    std::string m_faulty;
 };

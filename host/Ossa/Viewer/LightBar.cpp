@@ -193,5 +193,7 @@ void LightBar::setBehind(int behind)
     OssRdView look = m_view->look();
     look.behind = OssRdView::Behind(std::clamp(behind, 0, int(OssRdView::Behind::Blurred)));
     m_view->setLook(look);
-    OssSettings().setValue(behindKey, int(look.behind));
+    OssSettings settings;
+    if (settings.value(behindKey, 0).toInt() != int(look.behind)) // the first time it comes from there
+        settings.setValue(behindKey, int(look.behind));
 }

@@ -372,8 +372,9 @@ void ViewerPanel::applyLook()
         look.screen = m_screens.at(m_display->currentIndex());
     m_pictures->setLook(look);
     m_source->setLook(look);
-    m_object->setScreen(
-        {look.colors, look.screen.display, look.screen.view, look.exposure, look.gamma, look.raw});
+    const ViewerScreen screen = m_screens.value(std::max(0, m_display->currentIndex()));
+    m_object->setScreen({OssColorManagement::spaces(), screen.display, screen.view, look.exposure,
+                         look.gamma, look.raw});
 }
 
 void ViewerPanel::keyPressEvent(QKeyEvent *event)

@@ -1,0 +1,123 @@
+#include "OssRender/Draw/OssRdRenderer.h"
+#include "OssRender/Light/OssRdEnvironment.h"
+
+#include <glm/gtc/constants.hpp>
+#include <glm/gtc/matrix_transform.hpp>
+
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <ctime>
+
+// What a picture in light costs: an object of 100,000 triangles with four maps of 1024 texels at
+// 1280 x 720, as the Viewer draws it while it is turned, at rest, and at last.
+
+namespace {
+
+constexpr int rings = 224;
+constexpr int mapSize = 1024;
+
+std::shared_ptr<const OssEvMesh> ball()
+{
+    auto mesh = std::make_shared<OssEvMesh>();
+    for (int i = 0; i <= rings; ++i) {
+        for (int j = 0; j <= rings; ++j) {
+            const glm::vec2 uv(float(j) / rings, float(i) / rings);
+            const glm::vec3 at = OssRdEnvironment::direction(uv);
+            mesh->positions.push_back({at.x, at.y, at.z});
+            mesh->normals.push_back({at.x, at.y, at.z});
+            mesh->uvs.push_back({uv.x, 1.0F - uv.y});
+        }
+    }
+    for (int i = 0; i < rings; ++i) {
+        for (int j = 0; j < rings; ++j) {
+            const auto corner = std::uint32_t(i * (rings + 1) + j);
+            mesh->triangles.push_back({corner, corner + rings + 1, corner + 1});
+            mesh->triangles.push_back({corner + 1, corner + rings + 1, corner + rings + 2});
+        }
+    }
+    return mesh->finish("ball").ok() ? mesh : nullptr;
+}
+
+OssRdMaterial material()
+{
+    OssRdMaterial made;
+    for (OssRdMaterial::Channel4 &map : made.maps) {
+        auto texels = std::make_shared<OssRdMaterial::Texels>();
+        texels->size = mapSize;
+        for (int i = 0; i < mapSize * mapSize * 4; ++i)
+            texels->rgba.push_back(std::uint16_t(0x3800 + i % 7)); // about a half
+        map.texels = texels;
+    }
+    return made;
+}
+
+double cpuSeconds()
+{
+    timespec now{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+    return double(now.tv_sec) + double(now.tv_nsec) * 1e-9;
+}
+
+double wallSeconds()
+{
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
+struct Row
+{
+    const char *name;
+    int width;
+    int height;
+    bool isSmooth;
+    int samples;
+    int frames;
+};
+
+} // namespace
+
+int main()
+{
+    OssRdRenderer renderer;
+    if (!renderer.problem().empty()) {
+        std::printf("nothing can be drawn: %s\n", renderer.problem().c_str());
+        return 1;
+    }
+    std::printf("%s\n", renderer.deviceName().c_str());
+    OssRdScene scene;
+    const std::shared_ptr<const OssEvMesh> mesh = ball();
+    scene.objects.push_back({OssRdGeometry::of(*mesh), {{1001, material()}}});
+    scene.surrounding = std::make_shared<const OssRdPicture>(OssRdEnvironment::make({}));
+    double cpu = cpuSeconds();
+    scene.probe = std::make_shared<const OssRdLightProbe>(OssRdLightProbe::of(*scene.surrounding));
+    std::printf("%-28s %8.1f ms CPU\n", "surroundings", 1000.0 * (cpuSeconds() - cpu));
+    scene.keyLight = glm::vec3(0.7F);
+    const Row rows[] = {{"turning, coarse", 640, 360, false, 0, 24},
+                        {"turning, full size", 1280, 720, false, 0, 12},
+                        {"at rest", 1280, 720, true, 0, 8},
+                        {"at last", 1280, 720, true, 48, 2}};
+    for (const Row &row : rows) {
+        OssRdView view;
+        view.width = row.width;
+        view.height = row.height;
+        view.isSmooth = row.isSmooth;
+        view.isCoarse = row.height < 720;
+        view.mirrorSamples = row.samples;
+        view.projection = glm::perspective(glm::radians(35.0F), 1280.0F / 720.0F, 0.1F, 20.0F);
+        double wall = 0.0;
+        for (int frame = -1; frame < row.frames; ++frame) {
+            const float angle = glm::two_pi<float>() * float(frame) / 60.0F;
+            const glm::vec3 eye(4.0F * std::sin(angle), 1.0F, 4.0F * std::cos(angle));
+            view.camera = glm::lookAt(eye, glm::vec3(0.0F), {0.0F, 1.0F, 0.0F});
+            if (frame == 0) {
+                cpu = cpuSeconds();
+                wall = wallSeconds();
+            }
+            renderer.render(scene, view);
+        }
+        std::printf("%-28s %8.1f ms CPU %8.1f ms\n", row.name,
+                    1000.0 * (cpuSeconds() - cpu) / row.frames,
+                    1000.0 * (wallSeconds() - wall) / row.frames);
+    }
+}

@@ -223,6 +223,20 @@ void OssEvSurfaceMap::nearestCovered(int x, int y, int *coveredX, int *coveredY)
     *coveredY = offset.x == NotCovered ? y : y + offset.y;
 }
 
+bool OssEvSurfaceMap::isItself(const OssEvRegion &region) const
+{
+    for (int y = region.y; y < region.bottom(); ++y) {
+        const Offset *row = offsets() + index(region.x, y);
+        // Without a branch, so that many are looked at in one go.
+        unsigned moved = 0;
+        for (int x = 0; x < region.width; ++x)
+            moved |= unsigned(row[x].x) | unsigned(row[x].y);
+        if (moved != 0)
+            return false;
+    }
+    return true;
+}
+
 template <std::size_t N>
 void OssEvSurfaceMap::interpolate(int x, int y, int width,
                                   const std::vector<std::array<float, N>> &values,

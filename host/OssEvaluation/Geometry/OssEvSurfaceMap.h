@@ -65,6 +65,9 @@ public:
     void derivatives(int x, int y, std::array<double, 3> *alongU,
                      std::array<double, 3> *alongV) const;
 
+    /// Whether each texel of a region within the frame answers for itself.
+    bool isItself(const OssEvRegion &region) const;
+
     std::size_t bytes() const;
 
 private:

@@ -318,10 +318,26 @@ public:
 
     void run(const OssEvBlock &block) const override
     {
+        const OssEvRegion inside = block.region.intersected(block.frame.region());
+        if (block.surface == nullptr || block.surface->isItself(inside))
+            pass(block);
+        else
+            spread(block, inside);
+    }
+
+private:
+    static void pass(const OssEvBlock &block)
+    {
+        for (int channel = 0; channel < block.outputChannels; ++channel)
+            block.inputs[0].assemble(channel, block.region, OssEvTileGrid::Border::Clamp,
+                                     block.output[std::size_t(channel)], block.stride);
+    }
+
+    void spread(const OssEvBlock &block, const OssEvRegion &inside) const
+    {
         const OssEvRegion region = needed(0, block.region);
         OssEvScratch scratch;
         const OssEvPlane from(&scratch, region.width, region.height);
-        const OssEvRegion inside = block.region.intersected(block.frame.region());
         for (int channel = 0; channel < block.outputChannels; ++channel) {
             block.inputs[0].assemble(channel, region, OssEvTileGrid::Border::Clamp, from.data,
                                      from.stride);
@@ -330,8 +346,6 @@ public:
                 std::copy_n(from.row(y + m_margin) + m_margin, block.region.width,
                             output + std::ptrdiff_t(y) * block.stride);
             }
-            if (block.surface == nullptr)
-                continue;
             for (int y = inside.y; y < inside.bottom(); ++y) {
                 for (int x = inside.x; x < inside.right(); ++x) {
                     int nearX = 0;
@@ -344,7 +358,6 @@ public:
         }
     }
 
-private:
     int m_margin;
 };
 

@@ -55,6 +55,31 @@ Options split(Options::Split how)
     return options;
 }
 
+TEST_F(MeshFiles, facesThatNameWhatIsNotThereAreLeftOutAndTold)
+{
+    const std::string stray = std::string(House) + "f 1/1 2/2 99/3\nf 1/1 2/77 3/3\nf -4 -30 -1\n";
+    ASSERT_EQ(read("stray.obj", stray, split(Options::Split::Objects)), "");
+    EXPECT_EQ(partNames(), (std::vector<std::string>{"Wall", "Door"}));
+    EXPECT_EQ(reading.materials, (std::vector<std::string>{"Stone", "Wood", "Iron"}));
+    EXPECT_EQ(reading.faces, 4U);
+    ASSERT_EQ(reading.parts.front().report.size(), 1U);
+    EXPECT_EQ(reading.parts.front().report.front().kind, Kind::LeftOut);
+    EXPECT_EQ(
+        reading.parts.front().report.front().text,
+        "3 faces name what the file does not have, and are left out (line 23, \"f 1/1 2/2 99/3\")");
+    EXPECT_TRUE(reading.parts.front().mesh);
+}
+
+TEST_F(MeshFiles, numbersNeedNoDigitBeforeThePoint)
+{
+    ASSERT_EQ(read("points.obj", "v .5 -.25 0\nv 1 +.5 0\nv 1 1 .0\nvt .1 .2\nvt 1 0\nvt 1 1\n"
+                                 "f 1/1 2/2 3/3\n"),
+              "");
+    EXPECT_EQ(mesh().positions.front(), (Vector3{0.5F, -0.25F, 0.0F}));
+    EXPECT_EQ(mesh().positions.at(1)[1], 0.5F);
+    EXPECT_TRUE(reading.parts.front().report.empty());
+}
+
 TEST_F(MeshFiles, objectsAndMaterialSlotsBecomePartsAsAsked)
 {
     ASSERT_EQ(read("house.obj", House), "");

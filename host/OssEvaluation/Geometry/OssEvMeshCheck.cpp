@@ -30,7 +30,7 @@ struct Row
 };
 
 // In the order of the kinds, which is that of their weight.
-const std::array<Row, 8> Rows{{
+const std::array<Row, 9> Rows{{
     {Kind::NoFaces,
      "it has no faces",
      "it has no faces",
@@ -72,6 +72,11 @@ const std::array<Row, 8> Rows{{
      "1 face lies mirrored in the texture: text and normal maps turn round on it",
      "%1 faces lie mirrored in the texture: text and normal maps turn round on them",
      {true, true, false, "flip their charts where that matters"}},
+    {Kind::LeftOut,
+     "faces name what the file does not have, and are left out",
+     "1 face names what the file does not have, and is left out",
+     "%1 faces name what the file does not have, and are left out",
+     {false, false, false, "export the mesh again where it was made"}},
 }};
 
 const Row &rowOf(Kind kind)

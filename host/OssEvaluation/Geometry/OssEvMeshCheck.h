@@ -19,7 +19,8 @@ enum class Kind {
     AcrossPatches,  ///< faces that lie in several patches
     Overlapping,
     Collapsed, ///< faces without an area among the texture coordinates
-    Flipped    ///< faces that show their back there
+    Flipped,   ///< faces that show their back there
+    LeftOut    ///< faces that name what the file does not have
 };
 
 /// What can be offered.

@@ -1,5 +1,6 @@
 #include "OssEvaluation/Geometry/OssEvMeshFile.h"
 
+#include "OssEvaluation/Geometry/ObjText.h"
 #include "OssEvaluation/Geometry/OssEvMeshScene.h"
 #include "OssEvaluation/Geometry/OssEvUnwrap.h"
 
@@ -59,7 +60,39 @@ std::string stem(const std::string &path)
     return std::filesystem::path(path).stem().string();
 }
 
-OssEvResult readScene(const std::string &path, Progress *progress, std::unique_ptr<aiScene> *scene)
+/// What the library says where it says something.
+std::string inWords(const std::string &path, const std::string &said)
+{
+    std::string kind = std::filesystem::path(path).extension().string();
+    std::transform(kind.begin(), kind.end(), kind.begin(),
+                   [](unsigned char c) { return char(std::toupper(c)); });
+    const std::string file = kind.size() > 1 ? kind.substr(1) + " file" : std::string("mesh file");
+    // Of formats that it knows by their first bytes it says no more.
+    if (said.empty() || said.find("No suitable reader") != std::string::npos)
+        return "it is no " + file + ", or it is damaged: export it again from where it was made";
+    return said;
+}
+
+/// What the library refused as a whole, without what it refused. Null where that is no help.
+const aiScene *readAgain(const std::string &path, Assimp::Importer *importer,
+                         OssEvMeshCheck::Report *report)
+{
+    if (std::filesystem::path(path).extension() != ".obj")
+        return nullptr;
+    const ObjText cleaned = ObjText::read(path);
+    const aiScene *read = importer->ReadFileFromMemory(cleaned.text.data(), cleaned.text.size(), 0,
+                                                       "obj");
+    if (read != nullptr && cleaned.leftOut > 0) {
+        using namespace OssEvMeshCheck;
+        Finding found = finding(Kind::LeftOut, cleaned.leftOut);
+        found.text += " (" + cleaned.firstFault + ")";
+        report->push_back(found);
+    }
+    return read;
+}
+
+OssEvResult readScene(const std::string &path, Progress *progress, std::unique_ptr<aiScene> *scene,
+                      OssEvMeshCheck::Report *report)
 {
     Assimp::Importer importer;
     importer.SetPropertyBool(AI_CONFIG_IMPORT_NO_SKELETON_MESHES, true);
@@ -70,11 +103,14 @@ OssEvResult readScene(const std::string &path, Progress *progress, std::unique_p
     importer.SetPropertyBool(AI_CONFIG_IMPORT_FBX_READ_LIGHTS, false);
     importer.SetProgressHandler(progress);
     const aiScene *read = importer.ReadFile(path, 0);
+    const std::string said = importer.GetErrorString();
+    if (read == nullptr && !progress->isCancelled())
+        read = readAgain(path, &importer, report);
     importer.SetProgressHandler(nullptr); // which gives ours away before it could be deleted
     if (progress->isCancelled())
         return refused(path, "it was stopped");
     if (read == nullptr)
-        return refused(path, importer.GetErrorString());
+        return refused(path, inWords(path, said));
     if (read->mNumMeshes == 0)
         return refused(path, "it has no faces");
     scene->reset(importer.GetOrphanedScene());
@@ -134,7 +170,8 @@ OssEvResult OssEvMeshFile::read(const std::string &path, const Options &options,
     try {
         Progress told(cancel, progress);
         std::unique_ptr<aiScene> scene;
-        result = readScene(path, &told, &scene);
+        OssEvMeshCheck::Report leftOut;
+        result = readScene(path, &told, &scene, &leftOut);
         if (!result)
             return result;
         std::vector<std::shared_ptr<OssEvMesh>> meshes;
@@ -150,6 +187,8 @@ OssEvResult OssEvMeshFile::read(const std::string &path, const Options &options,
                          + (1.0 - ShareOfLibrary) * double(i) / double(meshes.size()));
             result = complete(path, options, std::exchange(meshes[i], nullptr), &reading->parts[i]);
         }
+        OssEvMeshCheck::Report &first = reading->parts.front().report;
+        first.insert(first.end(), leftOut.begin(), leftOut.end());
         return result;
     } catch (const std::exception &fault) {
         return refused(path, fault.what());

@@ -309,4 +309,30 @@ TEST_F(Export, watchingWritesAgainWhatChangedAndNothingElse)
     EXPECT_FALSE(exports->canExportAgain());
 }
 
+TEST_F(Export, channelsAreRefusedWhereThePresetSaysWhichGoWhere)
+{
+    m_options.channels = QStringList{text("Roughness")};
+    const OssExportPreset packed = presetOf(
+        "<File Name='a' Format='png'><Channel To='R' From='Metallic'/></File>");
+    EXPECT_TRUE(
+        plan(packed).error().contains(text("\"Test\" says itself which channels go where")));
+    EXPECT_TRUE(plan(presetOf("<File Name='$channel' Format='png' Each='true'/>")));
+    EXPECT_EQ(names(), QStringList{text("Roughness.png")});
+}
+
+TEST_F(Export, aFolderThatCannotBeWrittenToIsToldOnce)
+{
+    QFile inTheWay(m_folder.filePath(text("maps")));
+    ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
+    const ExpectedLog expected("maps");
+    const OssResult result = write(
+        presetOf("<File Name='maps/$channel' Format='png' Each='true'/>"));
+    ASSERT_FALSE(result);
+    EXPECT_FALSE(result.error().contains(QLatin1Char('\n'))) << qPrintable(result.error());
+    EXPECT_TRUE(result.error().contains(text("maps\""))) << qPrintable(result.error());
+    const OssExportJob *job = OssExportManager::instance()->job();
+    EXPECT_EQ(job->failures().size(), 1);
+    EXPECT_EQ(job->failedFiles().size(), m_plan.files.size()) << "the table shows each";
+}
+
 } // namespace

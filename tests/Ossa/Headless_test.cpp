@@ -210,7 +210,7 @@ TEST(Programs, answerOnTheirStreamsAndEndWithTheirCodes)
          nullptr,
          "/nowhere/wall.ossa"},
         {false, bake + texts({"all of them"}), ExitCode::Usage, nullptr, "ossa: "},
-        {false, texts({"export"}), ExitCode::Usage, nullptr, "PROJECT, --preset and --output"},
+        {false, texts({"export"}), ExitCode::Usage, nullptr, "PROJECT"},
         {false,
          {text("export"), example, text("--preset"), text("Mine"), text("-o"), Nowhere},
          ExitCode::Failure,

@@ -32,7 +32,8 @@ struct OssExportJob::Work
         int source;
         QString path;
         QString reason;
-        std::string node; ///< at fault; empty when none is known to be
+        std::string node;     ///< at fault; empty when none is known to be
+        bool isWhole = false; ///< the reason is one sentence, the same for all files that it is for
     };
 
     // Set before the worker starts.
@@ -91,7 +92,7 @@ struct OssExportJob::Work
         if (made)
             written.append(gltf);
         else if (!cancel.isCancelled())
-            failures.append({0, gltf, QString::fromStdString(made.error()), {}});
+            failures.append({0, gltf, QString::fromStdString(made.error()), {}, false});
     }
 
     void write(int index, qint64 before)
@@ -104,7 +105,8 @@ struct OssExportJob::Work
         }
         OssEvKey key;
         std::string node;
-        OssResult result = source.state;
+        const OssResult folder = folderFor(file);
+        OssResult result = folder ? source.state : folder;
         if (result) {
             const OssEvResult made = writePixels(file, source, before, &key);
             if (!made && cancel.isCancelled())
@@ -117,8 +119,19 @@ struct OssExportJob::Work
             keys.insert(file.path, key);
             good.append(sourceOf.at(index));
         } else {
-            failures.append({sourceOf.at(index), file.path, result.error(), node});
+            failures.append({sourceOf.at(index), file.path, result.error(), node, !folder});
         }
+    }
+
+    /// Before anything is computed for it.
+    OssResult folderFor(const OssExportFile &file) const
+    {
+        const QString path = QFileInfo(file.path).absolutePath();
+        const OssResult made = OssAtomicFile::makeFolder(path);
+        if (!made || QFileInfo(path).isWritable())
+            return made;
+        return OssResult::failure(
+            tr("Cannot write into the folder \"%1\": it is not allowed").arg(path));
     }
 
     OssEvResult writePixels(const OssExportFile &file, const OssExportSource &source, qint64 before,
@@ -130,9 +143,6 @@ struct OssExportJob::Work
             return result;
         if (known.contains(file.path) && known.value(file.path) == *key && QFile::exists(file.path))
             return {};
-        const OssResult folder = OssAtomicFile::makeFolder(QFileInfo(file.path).absolutePath());
-        if (!folder)
-            return OssEvResult::failure(folder.error().toStdString());
         job.cancel = &cancel;
         job.onProgress = [this, before, bytes = file.bytes()](int rows, int all) {
             done = before + (all > 0 ? bytes * rows / all : 0);
@@ -246,9 +256,10 @@ QStringList OssExportJob::failures() const
     QStringList reasons;
     for (const Work::Failure &failure : qAsConst(m_work->failures)) {
         // The engine names the file already.
-        reasons.append(failure.reason.contains(failure.path)
-                           ? failure.reason
-                           : tr("Cannot write \"%1\": %2").arg(failure.path, failure.reason));
+        if (!failure.isWhole && !failure.reason.contains(failure.path))
+            reasons.append(tr("Cannot write \"%1\": %2").arg(failure.path, failure.reason));
+        else if (!reasons.contains(failure.reason))
+            reasons.append(failure.reason);
     }
     return reasons;
 }

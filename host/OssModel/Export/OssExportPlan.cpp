@@ -142,6 +142,15 @@ private:
             return OssResult::failure(
                 tr("There is no material to export: connect something to a shader, such as "
                    "Shaders/Standard Surface"));
+        const auto isEach = [](const File &file) {
+            return file.isEach;
+        };
+        if (!m_options.channels.isEmpty()
+            && std::none_of(m_preset.files.cbegin(), m_preset.files.cend(), isEach))
+            return OssResult::failure(
+                tr("\"%1\" says itself which channels go where: choose channels of a preset with a file "
+                   "for each")
+                    .arg(m_preset.name));
         QStringList missing = m_options.materials;
         QStringList unknown = m_options.channels;
         for (const OssExportMaterial &material : all) {

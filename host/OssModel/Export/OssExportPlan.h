@@ -25,7 +25,7 @@ struct OSSMODEL_EXPORT OssExportOptions
     QString file;
     /// Of materials, as "OBJECT/MATERIAL"; empty: all.
     QStringList materials;
-    /// Of files for each channel; empty: all.
+    /// Of files for each channel, which the preset then must have; empty: all.
     QStringList channels;
     /// Empty: all of each object.
     QList<int> patches;

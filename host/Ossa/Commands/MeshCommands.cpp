@@ -24,6 +24,7 @@
 
 namespace {
 
+constexpr const char *objectProperty = "object"; // of a command: what it shows
 const QString objectFolder = QStringLiteral("/Ossa/Mesh/Show/");
 
 OssProject *currentProject()
@@ -97,6 +98,9 @@ void MeshCommands::followMeshes()
         tellTroubles();
     };
     connect(projects, &OssProjectManager::projectOpenCompleted, this, follow);
+    connect(OssShaderNetworkManager::instance(),
+            &OssShaderNetworkManager::currentShaderNetworkChanged, this,
+            &MeshCommands::markCurrent);
 }
 
 void MeshCommands::tellTroubles()
@@ -147,10 +151,23 @@ void MeshCommands::fileObjects()
                     [this, shown] {
                         if (shown && currentProject()->entities().contains(shown))
                             showObject(shown);
+                        markCurrent(); // a click took the mark away
                     },
                     Qt::QueuedConnection);
             },
             tr("Show the graph of %1 (%2)").arg(entity->name(), entity->source().title())));
+        m_objects.last()->setCheckable(true);
+        m_objects.last()->setProperty(objectProperty, QVariant::fromValue<QObject *>(entity));
+    }
+    markCurrent();
+}
+
+void MeshCommands::markCurrent()
+{
+    for (const QPointer<QAction> &action : qAsConst(m_objects)) {
+        if (action)
+            action->setChecked(action->property(objectProperty).value<QObject *>()
+                               == currentObject());
     }
 }
 

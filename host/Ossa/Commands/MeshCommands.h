@@ -35,6 +35,7 @@ private:
     void fileCommands();
     void followMeshes();
     void fileObjects();
+    void markCurrent();
     void tellTroubles();
     void newProject();
     /// With what the dialog asked for.

@@ -34,6 +34,9 @@ public:
     /// As the user has set it.
     OssGeometrySource source() const;
 
+    /// Its rows, for whoever has others above them.
+    const QFormLayout *form() const { return m_form; }
+
     /// Whether it was read and any part can be used.
     bool isUsable() const;
 

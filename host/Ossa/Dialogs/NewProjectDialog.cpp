@@ -12,9 +12,30 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
+#include <vector>
+
 namespace {
 
 const QSize firstSize(520, 480);
+
+/// All as wide as the widest, so that fields stand in one column.
+void alignLabels(const std::vector<const QFormLayout *> &forms)
+{
+    std::vector<QWidget *> labels;
+    int width = 0;
+    for (const QFormLayout *form : forms) {
+        for (int row = 0; row < form->rowCount(); ++row) {
+            QLayoutItem *item = form->itemAt(row, QFormLayout::LabelRole);
+            if (!item || !item->widget())
+                continue;
+            labels.push_back(item->widget());
+            width = std::max(width, item->widget()->sizeHint().width());
+        }
+    }
+    for (QWidget *label : labels)
+        label->setMinimumWidth(width);
+}
 
 } // namespace
 
@@ -56,6 +77,7 @@ NewProjectDialog::NewProjectDialog(QWidget *parent)
     connect(m_buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(m_buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(this, &QDialog::rejected, m_panel, &MeshPanel::stop);
+    alignLabels({form, m_panel->form()});
     m_name->selectAll();
     resize(Theme::fitting(firstSize));
     refresh();

@@ -39,6 +39,7 @@ namespace {
 constexpr int plansAfter = 250; ///< milliseconds without a change
 constexpr int listHeight = 84;
 constexpr int choicesWidth = 300;
+constexpr QSize usualSize(3 * choicesWidth, 420);
 constexpr int largestPadding = 64;
 constexpr int largestVersion = 9999;
 const QString firstPreset = QStringLiteral("One File per Channel");
@@ -255,6 +256,11 @@ QWidget *ExportPanel::makeFiles()
     return widget;
 }
 
+QSize ExportPanel::sizeHint() const
+{
+    return usualSize;
+}
+
 void ExportPanel::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
@@ -377,8 +383,11 @@ bool ExportPanel::plan()
         result = OssResult::failure(tr("Mark a channel"));
     if (result && !m_patches->text().trimmed().isEmpty() && options().patches.isEmpty())
         result = OssResult::failure(tr("Patches are written like 1001-1004,1011"));
+    OssExportOptions chosen = options();
+    if (!isEach)
+        chosen.channels.clear(); // the list is hidden
     if (result)
-        result = OssExportPlan::make(project, preset, options(), &made);
+        result = OssExportPlan::make(project, preset, chosen, &made);
     m_plan = made;
     m_files->setPlan(m_plan);
     m_notes->setText(result ? m_plan.notes.join(QLatin1Char('\n')) : result.error());

@@ -29,6 +29,9 @@ public:
     /// With which size textures were exported last.
     static int lastResolution();
 
+    /// With room for the choices and some files.
+    QSize sizeHint() const override;
+
 protected:
     void showEvent(QShowEvent *event) override;
 

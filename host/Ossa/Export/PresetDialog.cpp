@@ -66,6 +66,7 @@ PresetDialog::PresetDialog(const OssExportPreset &preset, const QString &ownName
     , m_preview(new QPlainTextEdit)
     , m_fault(new QLabel)
 {
+    m_options.channels.clear(); // of another preset
     setWindowTitle(ownName.isEmpty() ? tr("New Preset") : tr("Edit Preset"));
     m_name->setObjectName(QStringLiteral("PresetName"));
     auto *head = new QFormLayout;

@@ -175,9 +175,8 @@ private:
         for (CLI::Option *needed : {project, preset, folder})
             list->excludes(needed);
         textures->final_callback([this] {
-            const bool needsPreset = !isGltf() && m_preset.empty();
-            if (!m_listsPresets && (m_project.empty() || needsPreset || m_folder.empty()))
-                throw CLI::RequiredError("PROJECT, --preset and --output");
+            if (!m_listsPresets && m_project.empty())
+                throw CLI::RequiredError("PROJECT");
         });
     }
 

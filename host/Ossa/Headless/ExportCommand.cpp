@@ -19,12 +19,28 @@ int fail(const QString &reason)
     return ExitCode::Failure;
 }
 
-void listPresets()
+void listPresets(std::FILE *to)
 {
     const QVector<OssExportPresets::Entry> entries = OssExportPresets::all();
     for (const OssExportPresets::Entry &entry : entries)
-        std::printf("%-28s %s\n", qPrintable(entry.preset.name),
-                    qPrintable(entry.preset.description));
+        std::fprintf(to, "%-28s %s\n", qPrintable(entry.preset.name),
+                     qPrintable(entry.preset.description));
+}
+
+/// What is to be added to a line that leaves it out.
+int askForMore(const ExportOptions &options)
+{
+    const bool hasFolder = !options.choices.folder.isEmpty();
+    std::fprintf(
+        stderr,
+        "ossa: say %s: ossa export \"%s\" --preset \"NAME\" -o FOLDER, or -o NAME.glb for one "
+        "glTF file. Presets are:\n",
+        hasFolder                  ? "which preset"
+        : options.preset.isEmpty() ? "which preset, and where to"
+                                   : "where to",
+        qPrintable(options.project));
+    listPresets(stderr);
+    return ExitCode::Usage;
 }
 
 } // namespace
@@ -72,13 +88,14 @@ int exportOpenProject(const OssExportPreset &preset, const OssExportOptions &cho
 int runExportCommand(const ExportOptions &options)
 {
     if (options.listsPresets) {
-        listPresets();
+        listPresets(stdout);
         return ExitCode::Success;
     }
+    const bool isGltf = !options.choices.file.isEmpty();
+    if (!isGltf && (options.preset.isEmpty() || options.choices.folder.isEmpty()))
+        return askForMore(options);
     OssExportPreset preset;
-    const OssResult found = options.choices.file.isEmpty()
-                                ? OssExportPresets::find(options.preset, &preset)
-                                : OssResult();
+    const OssResult found = isGltf ? OssResult() : OssExportPresets::find(options.preset, &preset);
     if (!found)
         return fail(found.error());
     const OssResult opened = OssProjectManager::instance()->openProject(options.project);

@@ -37,6 +37,7 @@ const QString graphFolder = QStringLiteral("/Ossa/NodeGraph/");
 constexpr int stateVersion = 1;
 constexpr int graphShare = 70;      // percent of the window, in both directions
 constexpr int propertiesShare = 45; // of what stands above and below each other
+constexpr int mostShare = 55;       // that a dock which is shown takes of the height
 constexpr int leastShare = 15;      // a dock that opens smaller than this gets room
 
 using HostPalettes::Place;
@@ -342,11 +343,16 @@ void PaletteDocks::sizeAreas()
 
 void PaletteDocks::makeRoom(const ads::CDockWidget *dock)
 {
-    forEachSplitter(dock, [](QSplitter *splitter, int index) {
+    const int wanted = dock->widget()->sizeHint().height();
+    forEachSplitter(dock, [wanted](QSplitter *splitter, int index) {
         const QList<int> sizes = splitter->sizes();
         const int room = std::accumulate(sizes.cbegin(), sizes.cend(), 0);
         if (sizes.at(index) < room * leastShare / 100)
             share(splitter, index, 100 - graphShare);
+        const int tall = room > 0 ? std::min(100 * wanted / room, mostShare) : 0;
+        if (splitter->orientation() == Qt::Vertical
+            && splitter->sizes().at(index) < room * tall / 100)
+            share(splitter, index, tall);
     });
 }
 

@@ -19,6 +19,8 @@ constexpr int RestsAfter = 300; ///< milliseconds without an edit
 /// What goes on changing without the user, as a file that is written all the time, is given up.
 constexpr int MostTries = 5;
 constexpr int Whole = 1000;
+/// Behind what is looked at.
+constexpr int Priority = -1;
 
 BakeChoice choiceOf(OssBakeManager::Which which)
 {
@@ -231,6 +233,8 @@ void OssBakeManager::compute()
         leave(result.error());
         return;
     }
+    for (OssEvBake::Job &job : m_current->bake.pixels.jobs)
+        job.priority = Priority;
     m_current->work = std::make_unique<OssBakeWork>(m_current->bake.pixels.jobs);
     connect(m_current->work.get(), &OssBakeWork::finished, this, &OssBakeManager::endWork,
             Qt::QueuedConnection);

@@ -15,6 +15,7 @@
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -24,7 +25,7 @@ namespace {
 constexpr int looksAfter = 150; ///< milliseconds without a change
 constexpr int listWidth = 240;
 constexpr int previewHeight = 110;
-const QSize firstSize(860, 720);
+const QSize firstSize(900, 840);
 
 /// Channels that the open project's materials have.
 QStringList channelNames()
@@ -74,7 +75,12 @@ PresetDialog::PresetDialog(const OssExportPreset &preset, const QString &ownName
     head->addRow(tr("Description"), m_description);
     auto *middle = new QHBoxLayout;
     middle->addWidget(makeList());
-    middle->addWidget(m_editor, 1);
+    auto *area = new QScrollArea;
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    area->setWidget(m_editor);
+    middle->addWidget(area, 1);
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Save | QDialogButtonBox::Cancel);
     m_save = buttons->button(QDialogButtonBox::Save);
     auto *layout = new QVBoxLayout(this);
@@ -102,6 +108,7 @@ QWidget *PresetDialog::makeList()
     m_list->setObjectName(QStringLiteral("PresetFiles"));
     m_list->setAccessibleName(tr("Files of the preset"));
     m_list->setTextElideMode(Qt::ElideMiddle);
+    m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     auto *add = new QPushButton(tr("Add"));
     auto *copy = new QPushButton(tr("Copy"));
     m_remove = new QPushButton(tr("Remove"));

@@ -113,7 +113,8 @@ TEST_F(Meshes, aNewProjectAsksForNameMeshAndSize)
     const DialogAnswers user;
     inDialog<NewProjectDialog>(
         [&](NewProjectDialog *dialog) {
-            dialog->setFile(mesh);
+            dialog->setFile(write("first.obj", obj(true, 1)));
+            dialog->setFile(mesh); // whose name takes the place of the first one's
             EXPECT_FALSE(okOf(dialog)->isEnabled()) << "while it is being read";
             const auto combos = dialog->findChildren<QComboBox *>();
             for (QComboBox *combo : combos) {

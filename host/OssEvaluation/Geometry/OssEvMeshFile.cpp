@@ -112,7 +112,8 @@ OssEvResult readScene(const std::string &path, Progress *progress, std::unique_p
     if (read == nullptr)
         return refused(path, inWords(path, said));
     if (read->mNumMeshes == 0)
-        return refused(path, "it has no faces");
+        return refused(path, OssEvMeshCheck::inWords(
+                                 {OssEvMeshCheck::finding(OssEvMeshCheck::Kind::NoFaces, 0)}));
     scene->reset(importer.GetOrphanedScene());
     return {};
 }

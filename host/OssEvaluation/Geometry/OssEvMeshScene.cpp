@@ -382,7 +382,8 @@ private:
     OssEvResult count(const std::vector<Placed> &all)
     {
         if (all.empty())
-            return OssEvResult::failure("it has no faces");
+            return OssEvResult::failure(OssEvMeshCheck::inWords(
+                {OssEvMeshCheck::finding(OssEvMeshCheck::Kind::NoFaces, 0)}));
         for (const Placed &placed : all) {
             m_reading->faces += trianglesOf(*m_scene->mMeshes[placed.mesh]);
             ++m_uses[placed.mesh];

@@ -78,6 +78,7 @@ NewProjectDialog::NewProjectDialog(QWidget *parent)
     connect(m_buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(this, &QDialog::rejected, m_panel, &MeshPanel::stop);
     alignLabels({form, m_panel->form()});
+    m_offeredName = name();
     m_name->selectAll();
     resize(Theme::fitting(firstSize));
     refresh();
@@ -135,8 +136,11 @@ void NewProjectDialog::setFile(const QString &path)
     m_chosen = last;
     m_shape->setItemText(last, tr("Mesh File: %1").arg(QFileInfo(path).fileName()));
     m_shape->setCurrentIndex(last);
-    if (name() == tr("Untitled"))
-        m_name->setText(QFileInfo(path).completeBaseName());
+    // As long as nobody has given it a name of its own.
+    if (name() == m_offeredName) {
+        m_offeredName = QFileInfo(path).completeBaseName();
+        m_name->setText(m_offeredName);
+    }
     m_panel->show();
     OssGeometrySource source;
     source.shape = path;

@@ -42,4 +42,5 @@ private:
     MeshPanel *m_panel;
     QDialogButtonBox *m_buttons;
     int m_chosen = 0;
+    QString m_offeredName; ///< not the user's own
 };

@@ -158,6 +158,7 @@ QWidget *ExportPanel::makeChoices()
     area->setFrameShape(QFrame::NoFrame);
     area->setWidgetResizable(true);
     area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    area->setMinimumWidth(choicesWidth - 20); // however long the name is that is being written
     area->setWidget(inside);
     return area;
 }

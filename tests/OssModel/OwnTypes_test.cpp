@@ -184,6 +184,8 @@ TEST_F(PublishedGroups, comeWithAProjectToWhereTheTypeIsNotKnown)
     ASSERT_NE(loaded, nullptr);
     EXPECT_FALSE(loaded->isPlaceholder());
     EXPECT_TRUE(loaded->errorText().isEmpty());
+    EXPECT_EQ(loaded->versionHashPresent(), loaded->versionHashCreated());
+    EXPECT_FALSE(loaded->versionHashPresent().isEmpty());
     EXPECT_EQ(inside(loaded, "Blur")->attribute(QStringLiteral("Radius")).toDouble(), 12.0);
     EXPECT_EQ(m_project->stateHash(), saved);
 }

@@ -4,6 +4,7 @@
 #include "OssCore/Values/OssAttributeKind.h"
 #include "OssCore/Values/OssValueText.h"
 #include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
+#include "OssModel/Graph/OssNodeImages.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkIO.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
@@ -180,6 +181,7 @@ OssResult OssPublishedGroup::canPublish(const OssSnGroupNode *group, const Form 
 
 QByteArray OssPublishedGroup::describe(OssSnGroupNode *group, const Form &form)
 {
+    OssNodeImages::bakePaint({group});
     const OssSnNodeType *type = group->nodeType();
     const QString key = form.pathKey();
     QByteArray text;

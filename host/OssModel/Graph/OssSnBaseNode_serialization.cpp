@@ -20,11 +20,14 @@ OssSnBaseNode::Attributes OssSnBaseNode::identityAttributes() const
     const QString definition = definitionId();
     if (!definition.isEmpty())
         attributes.insert(QStringLiteral("definition"), definition);
-    const bool typical = m_type && m_versionUUID == m_type->versionUUID
+    // What a published group began as is not in its type's description here.
+    const bool isPublished = m_type && m_type->isPublishedGroup();
+    const bool typical = m_type && !isPublished && m_versionUUID == m_type->versionUUID
                          && m_versionHashCreated.isEmpty() && m_versionDate == m_type->date;
     if (!typical) {
         attributes.insert(QStringLiteral("version"), m_versionUUID);
-        attributes.insert(QStringLiteral("versionHash"), m_versionHashCreated);
+        attributes.insert(QStringLiteral("versionHash"),
+                          isPublished ? versionHashCreated() : m_versionHashCreated);
         attributes.insert(QStringLiteral("versionDate"), m_versionDate);
     }
     if (!m_tags.isEmpty()) {

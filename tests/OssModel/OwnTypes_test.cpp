@@ -182,7 +182,7 @@ TEST_F(PublishedGroups, comeWithAProjectToWhereTheTypeIsNotKnown)
     m_network = m_project->shadingGroups().first()->network();
     OssSnBaseNode *loaded = m_network->node(QStringLiteral("Soften"));
     ASSERT_NE(loaded, nullptr);
-    EXPECT_FALSE(loaded->isPlaceholder());
+    ASSERT_FALSE(loaded->isPlaceholder());
     EXPECT_TRUE(loaded->errorText().isEmpty());
     EXPECT_EQ(loaded->versionHashPresent(), loaded->versionHashCreated());
     EXPECT_FALSE(loaded->versionHashPresent().isEmpty());

@@ -52,6 +52,8 @@ const char *const Refusals[] = {
     "Lumps\": it has no input \"Coordinates\"",
     // The same of nodes that lost their wires, or came without.
     "\": nothing is connected to \"",
+    // A file of another kind, where a mesh or a picture is asked for.
+    "script.py\": No suitable reader",
     // How many a search looks through.
     "nodes in the network",
 };

@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QMouseEvent>
 #include <QWidget>
+#include <QWindow>
 
 extern Q_WIDGETS_EXPORT QWidget *qt_button_down; // Qt's own: to whom moves and releases go
 
@@ -28,7 +29,7 @@ PointerDiary::PointerDiary()
 
 bool PointerDiary::eventFilter(QObject *watched, QEvent *event)
 {
-    if (event->type() == QEvent::WindowBlocked && watched->isWidgetType())
+    if (event->type() == QEvent::WindowBlocked && qobject_cast<QWindow *>(watched))
         add(QStringLiteral("blocked: ") + nameOf(watched));
     const bool release = event->type() == QEvent::MouseButtonRelease;
     if (!release && event->type() != QEvent::MouseButtonPress

@@ -163,6 +163,50 @@ TEST_F(Headless, aNewProjectHasItsMeshesAndWhatIsMissingLaterIsAFailure)
     EXPECT_EQ(withProjectTroubles(ExitCode::Usage), ExitCode::Usage);
 }
 
+TEST_F(Headless, aNewProjectHasItsColorsAndWhatStandsInLaterIsAFailure)
+{
+    const QString config = m_folder.filePath(text("own.ocio"));
+    writeFile(config, "ocio_profile_version: 2\nroles: {scene_linear: Wide}\nfile_rules:\n"
+                      "  - !<Rule> {name: Default, colorspace: Wide}\ndisplays:\n  Monitor:\n"
+                      "    - !<View> {name: Plain, colorspace: Wide}\ncolorspaces:\n"
+                      "  - !<ColorSpace>\n    name: Wide\n");
+    const CommandLine line = parse(
+        {"new", "wall.ossa", "--config", "own.ocio", "--working-space=Wide"});
+    EXPECT_EQ(line.fresh.config, text("own.ocio"));
+    EXPECT_EQ(line.fresh.workingSpace, text("Wide"));
+    NewOptions options;
+    options.project = m_folder.filePath(text("colors.ossa"));
+    options.shape = text("plane");
+    options.config = config;
+    const auto made = [&options](int code) {
+        testing::internal::CaptureStdout();
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(runNewCommand(options), code);
+        std::fflush(stdout);
+        testing::internal::GetCapturedStdout();
+        return testing::internal::GetCapturedStderr();
+    };
+    options.workingSpace = text("Narrow");
+    EXPECT_TRUE(has(made(ExitCode::Failure), "knows no \"Narrow\""));
+    EXPECT_FALSE(QFile::exists(options.project)) << "nothing is written then";
+    options.workingSpace = text("Wide");
+    made(ExitCode::Success);
+    const auto info = [&options] {
+        testing::internal::CaptureStdout();
+        testing::internal::CaptureStderr();
+        const int code = withProjectTroubles(runInfoCommand(options.project, false));
+        std::fflush(stdout);
+        const std::string told = testing::internal::GetCapturedStdout();
+        return std::make_tuple(code, told, testing::internal::GetCapturedStderr());
+    };
+    EXPECT_TRUE(has(std::get<1>(info()), "colors: own.ocio, working in Wide"));
+    ASSERT_TRUE(QFile::remove(config));
+    const auto [code, told, failures] = info();
+    EXPECT_EQ(code, ExitCode::Failure);
+    EXPECT_TRUE(has(told, "colors: own.ocio, working in Linear")) << told;
+    EXPECT_TRUE(has(failures, "own.ocio\": there is no such file")) << failures;
+}
+
 TEST(CommandLineParsing, runTakesAScriptPerhapsAProjectAndWhatIsTheScripts)
 {
     const CommandLine line = parse({"run", "a.py", "wall.ossa", "--", "-x", "--help", "--", "b"});

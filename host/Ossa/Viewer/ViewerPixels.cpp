@@ -10,15 +10,26 @@ namespace {
 
 constexpr int tileSize = OssEvTile::Size;
 
+bool isPlain(const std::string &view)
+{
+    return view == OssEvColorSpaces::Data;
+}
+
+ViewerScreen firstScreen(const OssEvColorSpaces &colors)
+{
+    for (const std::string &display : colors.displays()) {
+        const std::vector<std::string> views = colors.views(display);
+        const auto found = std::find_if_not(views.begin(), views.end(), isPlain);
+        if (found != views.end())
+            return {display, *found};
+    }
+    return {};
+}
+
 OssEvResult toScreen(const ViewerLook &look, float *row, int count)
 {
     const OssEvColorSpaces::Pointer colors = OssColorManagement::spaces();
-    ViewerScreen screen = look.screen;
-    if (screen.display.empty()) {
-        const QVector<ViewerScreen> all = ViewerPixels::screens(*colors);
-        if (!all.isEmpty())
-            screen = all.first();
-    }
+    const ViewerScreen screen = look.screen.display.empty() ? firstScreen(*colors) : look.screen;
     return colors->toDisplay(screen.display, screen.view, look.exposure, look.gamma, row,
                              std::size_t(count));
 }
@@ -35,7 +46,7 @@ QVector<ViewerScreen> ViewerPixels::screens(const OssEvColorSpaces &colors)
     QVector<ViewerScreen> found;
     for (const std::string &display : colors.displays()) {
         for (const std::string &view : colors.views(display)) {
-            if (view != OssEvColorSpaces::Data)
+            if (!isPlain(view))
                 found.append({display, view});
         }
     }

@@ -168,6 +168,19 @@ TEST_F(PaintBars, aColourIsTakenFromThePickerAndLeavingItChangesNothing)
     }
 }
 
+TEST_F(PaintBars, theBrushLooksTheSameInAnotherWorkingSpace)
+{
+    OssEvBrush brush = m_session->brush();
+    brush.color = {1.0F, 0.0F, 0.0F};
+    m_session->setBrush(brush);
+    m_project->setWorkingSpace(text("ACEScg"));
+    EXPECT_NEAR(m_session->brush().color[0], 0.6131F, 1e-3F);
+    EXPECT_NEAR(m_session->brush().color[1], 0.0702F, 1e-3F);
+    m_project->setWorkingSpace({});
+    EXPECT_NEAR(m_session->brush().color[0], 1.0F, 1e-3F);
+    EXPECT_NEAR(m_session->brush().color[1], 0.0F, 1e-3F);
+}
+
 TEST_F(PaintBars, bakesAndSaysWhyItCannot)
 {
     m_network->geoEntity()->setGeometry(text("plane"));

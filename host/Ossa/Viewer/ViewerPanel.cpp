@@ -40,6 +40,7 @@ const QString screenKey = QStringLiteral("Viewer/screen");
 const QString resolutionKey = QStringLiteral("Viewer/resolution");
 constexpr int patience = 300; // milliseconds until a picture shows its progress
 constexpr int usualResolution = 1024;
+constexpr int widestDisplay = 180;
 
 /// `command`: what does the same.
 QToolButton *makeSwitch(const QString &text, const char *command, QWidget *parent)
@@ -337,6 +338,7 @@ void ViewerPanel::makeScreens()
     m_display->setAccessibleName(tr("Display"));
     m_display->setToolTip(tr("Display and view for which the picture is made"));
     m_display->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    m_display->setMaximumWidth(widestDisplay);
     fillScreens();
     connect(m_display, qOverload<int>(&QComboBox::activated), this,
             [this] { OssSettings().setValue(screenKey, m_display->currentText()); });

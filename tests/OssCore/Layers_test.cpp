@@ -46,8 +46,9 @@ const QVector<Layer> &layers()
         {text("host/Ossa"),
          list("OssCore OssEvaluation OssRender OssModel OssInterface OssScriptObjects OssScripting "
               "OssNodeGraph ZelGL"),
-         list("Common Plugins Surfaces Headless Pictures Dialogs Export Commands Viewer Scripting Palettes "
-              "Window Start")},
+         list(
+             "Common Plugins Surfaces Headless Pictures Dialogs Export Commands Viewer Scripting Palettes "
+             "Window Start")},
     };
     return table;
 }

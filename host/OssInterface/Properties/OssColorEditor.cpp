@@ -169,8 +169,8 @@ void OssColorEditor::openPicker()
             [this] { tell([this] { Q_EMIT dragEnded(); }); });
     connect(m_picker, &QDialog::finished, this,
             [this, start, first = m_lastStep](int result) { closed(result, start, first); });
-    for (QObject *other : {static_cast<QObject *>(window()),
-                           static_cast<QObject *>(OssApplication::mainWindow())}) {
+    for (QObject *other :
+         {static_cast<QObject *>(window()), static_cast<QObject *>(OssApplication::mainWindow())}) {
         if (other)
             other->installEventFilter(this);
     }

@@ -186,8 +186,7 @@ private:
                                                 "Draw a project's objects in light, without a "
                                                 "window");
         render->add_option("PROJECT", m_project, "Project folder")->required();
-        render->add_option("-o,--output", m_output, "Picture to write (*.png, *.jpg)")
-            ->required();
+        render->add_option("-o,--output", m_output, "Picture to write (*.png, *.jpg)")->required();
         render->add_option("--node", m_node,
                            "Node to be seen, by name or path; the materials when not given");
         render->add_option("--environment", m_environment,
@@ -382,11 +381,12 @@ CommandLine CommandLine::parse(int argc, const char *const *argv, Program progra
     } catch (const CLI::CallForVersion &version) {
         return answered(ExitCode::Success, version.what());
     } catch (const CLI::ParseError &error) {
-        return answered(
-            ExitCode::Usage,
-            name + ": " + error.what()
-                + (program == Batch ? "; only bake, export, info and render do without widgets" : "")
-                + " (see " + name + " --help)");
+        return answered(ExitCode::Usage,
+                        name + ": " + error.what()
+                            + (program == Batch
+                                   ? "; only bake, export, info and render do without widgets"
+                                   : "")
+                            + " (see " + name + " --help)");
     }
     CommandLine line = grammar.line();
     for (int i = ownCount + 1; i < argc; ++i)

@@ -79,8 +79,8 @@ OssResult find(const OssProject *project, const QString &node, QVector<Surface> 
     for (const OssShadingGroup *group : groups) {
         const OssSnBaseNode *found = group->network()->nodeByPath(node);
         if (found) {
-            *surfaces = {{OssSnProducer::of(found, found->prefferedOutputPoint()),
-                          group->geoEntity()}};
+            *surfaces = {
+                {OssSnProducer::of(found, found->prefferedOutputPoint()), group->geoEntity()}};
             return {};
         }
     }
@@ -115,8 +115,7 @@ OssResult write(const OssRdImage &picture, const QString &path)
     bytes.open(QIODevice::WriteOnly);
     QImageWriter writer(&bytes, QFileInfo(path).suffix().toLatin1());
     if (!writer.write(shown))
-        return OssResult::failure(
-            tr("Cannot write \"%1\": %2").arg(path, writer.errorString()));
+        return OssResult::failure(tr("Cannot write \"%1\": %2").arg(path, writer.errorString()));
     return OssAtomicFile::write(path, bytes.data());
 }
 
@@ -139,9 +138,10 @@ OssRdView viewOf(const RenderOptions &options)
     view.height = options.size.height();
     view.mirrorSamples = mirrorSamples;
     view.ground = {0.033F, 0.036F, 0.041F, 1.0F};
-    view.behind = options.background == QLatin1String("environment") ? OssRdView::Behind::Surrounding
-                  : options.background == QLatin1String("blurred")   ? OssRdView::Behind::Blurred
-                                                                     : OssRdView::Behind::Plain;
+    view.behind = options.background == QLatin1String("environment")
+                      ? OssRdView::Behind::Surrounding
+                  : options.background == QLatin1String("blurred") ? OssRdView::Behind::Blurred
+                                                                   : OssRdView::Behind::Plain;
     return view;
 }
 
@@ -156,8 +156,8 @@ ObjectCamera cameraOf(const OssRdScene &scene)
     const glm::vec3 centre = (low + high) / 2.0F;
     float radius = 0.0F;
     for (const OssRdScene::Object &object : scene.objects)
-        radius = std::max(radius, glm::distance(object.geometry->centre, centre)
-                                      + object.geometry->radius);
+        radius = std::max(radius,
+                          glm::distance(object.geometry->centre, centre) + object.geometry->radius);
     ObjectCamera camera;
     camera.resetDirection();
     camera.frame({centre.x, centre.y, centre.z}, radius);
@@ -220,8 +220,8 @@ int runRenderCommand(const RenderOptions &options)
 {
     const QByteArray suffix = QFileInfo(options.output).suffix().toLatin1().toLower();
     if (!QImageWriter::supportedImageFormats().contains(suffix))
-        return fail(tr("\"%1\" is no picture that can be written: use *.png or *.jpg")
-                        .arg(options.output));
+        return fail(
+            tr("\"%1\" is no picture that can be written: use *.png or *.jpg").arg(options.output));
     OssProjectManager *projects = OssProjectManager::instance();
     const OssResult opened = projects->openProject(options.project);
     if (!opened)

@@ -3,10 +3,11 @@
 #include "OssEvaluation/Files/OssEvColorSpaces.h"
 #include "OssRender/Values/OssRdPicture.h"
 
+#include <glm/glm.hpp>
+
 #include <QImage>
 #include <QMatrix4x4>
 
-#include <glm/glm.hpp>
 #include <string>
 
 /// Pictures that the renderer makes, as screens show them.

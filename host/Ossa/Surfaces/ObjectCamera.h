@@ -18,6 +18,7 @@ public:
 
     /// Turns the object under the pointer; a way in parts of the view's shorter side.
     void orbit(const QPointF &way);
+
     /// Walks around it, eastwards.
     void turn(float degrees) { m_yaw += degrees; }
 

@@ -176,7 +176,7 @@ void SurfacePixels::finish(int generation, int patch, int map,
         return;
     if (!outcome.ok()) {
         m_problem = QString::fromStdString(outcome.error);
-            stop(); // the others have the same fault, or wait in vain
+        stop(); // the others have the same fault, or wait in vain
         m_known.clear();
         Q_EMIT changed();
         Q_EMIT finished();

@@ -4,11 +4,11 @@
 #include "Ossa/Viewer/ObjectView.h"
 #include "OssCore/Program/OssSettings.h"
 #include "OssCore/Program/OssStatusManager.h"
+#include "OssInterface/Popups/OssFileDialog.h"
 #include "OssRender/Light/OssRdEnvironment.h"
 
 #include <QAction>
 #include <QComboBox>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QMenu>
@@ -179,9 +179,9 @@ void LightBar::nextSurroundings()
 
 void LightBar::chooseFile()
 {
-    const QString path = QFileDialog::getOpenFileName(
-        this, tr("Surroundings from File"), {},
-        tr("Pictures of longitude and latitude (*.hdr *.exr)"));
+    const QString path = OssFileDialog::getOpenFileName(
+        tr("Surroundings from File"), tr("Pictures of longitude and latitude (*.hdr *.exr)"),
+        QStringLiteral("SurroundingsPath"), this);
     if (path.isEmpty())
         fillSurroundings();
     else
@@ -194,6 +194,7 @@ void LightBar::setBehind(int behind)
     look.behind = OssRdView::Behind(std::clamp(behind, 0, int(OssRdView::Behind::Blurred)));
     m_view->setLook(look);
     OssSettings settings;
-    if (settings.value(behindKey, 0).toInt() != int(look.behind)) // the first time it comes from there
+    if (settings.value(behindKey, 0).toInt()
+        != int(look.behind)) // the first time it comes from there
         settings.setValue(behindKey, int(look.behind));
 }

@@ -1,0 +1,137 @@
+#include "Ossa/Surfaces/LitRenderer.h"
+#include "Ossa/Surfaces/LitScene.h"
+#include "Ossa/Surfaces/ObjectCamera.h"
+#include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "support/ModelFixture.h"
+#include "support/Text.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+// The material in light, as the Viewer follows it.
+
+namespace {
+
+class LitView : public ModelFixture
+{
+protected:
+    void SetUp() override
+    {
+        ModelFixture::SetUp();
+        m_color = add("Procedural/Color", "Rust");
+        m_shader = add("Shaders/Standard Surface", "Metal");
+        ASSERT_TRUE(wire(m_color, m_shader, "Base Color"));
+        OssShaderNetworkManager::instance()->setCurrentShaderNetwork(m_network);
+        m_network->geoEntity()->setGeometry(text("plane"));
+        look(m_shader);
+        m_scene.setResolution(256);
+        m_scene.setActive(true);
+        ASSERT_TRUE(QTest::qWaitFor([this] { return whole(); }, 20000)) << problem();
+    }
+
+    void TearDown() override
+    {
+        m_scene.setActive(false);
+        ModelFixture::TearDown();
+    }
+
+    void look(OssSnBaseNode *node)
+    {
+        m_network->viewerNode()->setInputNode(text("1"), node, node->prefferedOutputPoint());
+        m_network->setViewerNodeCurrentEdge(1, true);
+    }
+
+    std::string problem() const { return m_scene.problem().toStdString(); }
+
+    bool whole() const
+    {
+        const auto scene = m_scene.scene();
+        return scene->probe && scene->objects.size() == 1
+               && scene->objects.front().materials.count(1001) == 1;
+    }
+
+    /// One value everywhere, which needs no texture.
+    glm::vec4 value(OssRdMaterial::Map map) const
+    {
+        const auto scene = m_scene.scene();
+        const OssRdMaterial::Channel4 &channels =
+            scene->objects.front().materials.at(1001).maps[std::size_t(map)];
+        return channels.texels ? glm::vec4(-1.0F) : channels.value;
+    }
+
+    /// Whether a map comes to be that value.
+    bool comes(OssRdMaterial::Map map, const glm::vec4 &wanted)
+    {
+        return QTest::qWaitFor([&] { return glm::distance(value(map), wanted) < 2e-3F; }, 20000);
+    }
+
+    OssSnBaseNode *m_color = nullptr;
+    OssSnBaseNode *m_shader = nullptr;
+    LitScene m_scene;
+};
+
+TEST_F(LitView, followsTheChannelsOfTheMaterial)
+{
+    m_color->setAttribute(text("Color"), QColor::fromRgbF(1.0, 0.5, 0.0));
+    m_shader->setAttribute(text("Metallic"), 1.0);
+    m_shader->setAttribute(text("Roughness"), 0.25);
+    m_scene.follow();
+    EXPECT_TRUE(comes(OssRdMaterial::Shape, {0.5F, 0.5F, 1.0F, 0.25F})) << problem();
+    EXPECT_TRUE(comes(OssRdMaterial::Color, {1.0F, 0.5F, 0.0F, 1.0F})) << problem();
+
+    // What is not a material is a base colour on what is usual otherwise.
+    look(m_color);
+    m_scene.follow();
+    EXPECT_TRUE(comes(OssRdMaterial::Shape, {0.5F, 0.5F, 0.0F, 0.5F})) << problem();
+    EXPECT_TRUE(comes(OssRdMaterial::Color, {1.0F, 0.5F, 0.0F, 1.0F})) << problem();
+}
+
+TEST_F(LitView, surroundingsThatCannotBeReadAreToldAndChangeNothing)
+{
+    const auto before = m_scene.scene()->probe;
+    QSignalSpy refused(&m_scene, &LitScene::refused);
+    m_scene.setSurroundings(text("/nowhere/sky.hdr"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !refused.isEmpty(); }, 20000));
+    EXPECT_TRUE(refused.front().front().toString().contains(text("/nowhere/sky.hdr")));
+    EXPECT_EQ(m_scene.scene()->probe, before);
+    m_scene.setSurroundings(text("Overcast"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return m_scene.scene()->probe != before; }, 20000));
+}
+
+TEST_F(LitView, theLastThatIsAskedForIsDrawnCoarselyWhileItMovesAndExactlyAtRest)
+{
+    LitRenderer renderer;
+    QVector<QImage> pictures;
+    QObject::connect(&renderer, &LitRenderer::drawn, &renderer,
+                     [&pictures](const QImage &picture) { pictures.append(picture); });
+    LitRenderer::Request request;
+    request.scene = m_scene.scene();
+    request.screen.colors = OssEvColorSpaces::builtIn();
+    request.view.width = 200;
+    request.view.height = 800;
+    ObjectCamera camera;
+    camera.frame({}, 1.5F);
+    request.view.camera = LitPicture::toMatrix(camera.view());
+    request.view.projection = LitPicture::toMatrix(camera.projection(0.25F));
+    request.isMoving = true;
+    renderer.draw(request);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !pictures.isEmpty(); }, 20000));
+    EXPECT_LT(pictures.first().height(), 800);
+    EXPECT_EQ(pictures.first().width() * 4, pictures.first().height());
+
+    pictures.clear();
+    request.isMoving = false;
+    renderer.draw(request);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return pictures.size() == 2; }, 60000));
+    EXPECT_EQ(pictures.last().size(), QSize(200, 800));
+
+    // Of many only the last need be drawn, and the thread ends while there is work.
+    pictures.clear();
+    for (int i = 0; i < 50; ++i)
+        renderer.draw(request);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !pictures.isEmpty(); }, 60000));
+    EXPECT_LT(pictures.size(), 50);
+    renderer.draw(request);
+}
+
+} // namespace

@@ -14,26 +14,26 @@
 
 namespace {
 
-constexpr int rings = 224;
-constexpr int mapSize = 1024;
+constexpr int Rings = 224;
+constexpr int MapSize = 1024;
 
 std::shared_ptr<const OssEvMesh> ball()
 {
     auto mesh = std::make_shared<OssEvMesh>();
-    for (int i = 0; i <= rings; ++i) {
-        for (int j = 0; j <= rings; ++j) {
-            const glm::vec2 uv(float(j) / rings, float(i) / rings);
+    for (int i = 0; i <= Rings; ++i) {
+        for (int j = 0; j <= Rings; ++j) {
+            const glm::vec2 uv(float(j) / Rings, float(i) / Rings);
             const glm::vec3 at = OssRdEnvironment::direction(uv);
             mesh->positions.push_back({at.x, at.y, at.z});
             mesh->normals.push_back({at.x, at.y, at.z});
             mesh->uvs.push_back({uv.x, 1.0F - uv.y});
         }
     }
-    for (int i = 0; i < rings; ++i) {
-        for (int j = 0; j < rings; ++j) {
-            const auto corner = std::uint32_t(i * (rings + 1) + j);
-            mesh->triangles.push_back({corner, corner + rings + 1, corner + 1});
-            mesh->triangles.push_back({corner + 1, corner + rings + 1, corner + rings + 2});
+    for (int i = 0; i < Rings; ++i) {
+        for (int j = 0; j < Rings; ++j) {
+            const auto corner = std::uint32_t(i * (Rings + 1) + j);
+            mesh->triangles.push_back({corner, corner + Rings + 1, corner + 1});
+            mesh->triangles.push_back({corner + 1, corner + Rings + 1, corner + Rings + 2});
         }
     }
     return mesh->finish("ball").ok() ? mesh : nullptr;
@@ -44,8 +44,8 @@ OssRdMaterial material()
     OssRdMaterial made;
     for (OssRdMaterial::Channel4 &map : made.maps) {
         auto texels = std::make_shared<OssRdMaterial::Texels>();
-        texels->size = mapSize;
-        for (int i = 0; i < mapSize * mapSize * 4; ++i)
+        texels->size = MapSize;
+        for (int i = 0; i < MapSize * MapSize * 4; ++i)
             texels->rgba.push_back(std::uint16_t(0x3800 + i % 7)); // about a half
         map.texels = texels;
     }

@@ -45,10 +45,10 @@ OssRdView frontOf(const OssRdGeometry &geometry, OssRdView::Shows shows)
     return view;
 }
 
-constexpr glm::vec4 red{1, 0, 0, 1};
-constexpr glm::vec4 green{0, 1, 0, 1};
-constexpr glm::vec4 blue{0, 0, 1, 1};
-constexpr glm::vec4 grey{0.25F, 0.25F, 0.25F, 1};
+constexpr glm::vec4 Red{1, 0, 0, 1};
+constexpr glm::vec4 Green{0, 1, 0, 1};
+constexpr glm::vec4 Blue{0, 0, 1, 1};
+constexpr glm::vec4 Grey{0.25F, 0.25F, 0.25F, 1};
 
 TEST(Maps, aPicturesTopIsWhereVIsOne)
 {
@@ -57,19 +57,19 @@ TEST(Maps, aPicturesTopIsWhereVIsOne)
     OssRdScene scene;
     const auto plane = OssRdGeometry::of(*OssEvShapes::plane());
     OssRdMaterial material;
-    material.maps[OssRdMaterial::Color].texels = texels({red, green, blue, grey});
+    material.maps[OssRdMaterial::Color].texels = texels({Red, Green, Blue, Grey});
     scene.objects.push_back({plane, {{1001, material}}});
     const OssRdImage image = renderer.render(scene, frontOf(*plane, OssRdView::Shows::BaseColor));
     ASSERT_FALSE(image.isEmpty());
-    EXPECT_EQ(image.at(8, 8), red);
-    EXPECT_EQ(image.at(32, 8), green);
-    EXPECT_EQ(image.at(8, 32), blue);
-    EXPECT_EQ(image.at(32, 32), grey);
+    EXPECT_EQ(image.at(8, 8), Red);
+    EXPECT_EQ(image.at(32, 8), Green);
+    EXPECT_EQ(image.at(8, 32), Blue);
+    EXPECT_EQ(image.at(32, 32), Grey);
 
     // What comes in its place is seen with the next picture.
     scene.objects[0].materials[1001].maps[OssRdMaterial::Color].texels = texels(
-        {grey, grey, grey, red});
-    EXPECT_EQ(renderer.render(scene, frontOf(*plane, OssRdView::Shows::BaseColor)).at(32, 32), red);
+        {Grey, Grey, Grey, Red});
+    EXPECT_EQ(renderer.render(scene, frontOf(*plane, OssRdView::Shows::BaseColor)).at(32, 32), Red);
     // Nothing of a patch that the mesh does not have.
     scene.objects[0].materials = {{1002, material}};
     EXPECT_EQ(renderer.render(scene, frontOf(*plane, OssRdView::Shows::BaseColor)).at(8, 8),
@@ -162,7 +162,7 @@ TEST(Environment, filesAreReadOrRefusedInWords)
     EXPECT_EQ(picture.width, 64);
     EXPECT_EQ(picture.at(5, 5), glm::vec3(2.5F));
     ASSERT_TRUE(OssRdEnvironment::read(write("sky.hdr", 4096, 2048, 3, 1.0F), &picture).ok());
-    EXPECT_EQ(picture.width, OssRdEnvironment::mostWidth);
+    EXPECT_EQ(picture.width, OssRdEnvironment::MostWidth);
     const auto reason = [&picture](const std::string &path) {
         return OssRdEnvironment::read(path, &picture).error();
     };
@@ -170,7 +170,7 @@ TEST(Environment, filesAreReadOrRefusedInWords)
     EXPECT_NE(reason(write("mask.exr", 64, 32, 1, 1.0F)).find("no colours"), std::string::npos);
     EXPECT_NE(reason(write("nan.exr", 64, 32, 3, NAN)).find("no number"), std::string::npos);
     EXPECT_NE(reason(folder + "/none.exr").find("none.exr"), std::string::npos);
-    EXPECT_EQ(picture.width, OssRdEnvironment::mostWidth) << "refused, it stays as it was";
+    EXPECT_EQ(picture.width, OssRdEnvironment::MostWidth) << "refused, it stays as it was";
     std::filesystem::remove_all(folder);
 }
 
@@ -188,7 +188,7 @@ TEST(Environment, eachIsAsBrightAsTheOthersAndPlacesGoBothWays)
             for (const glm::vec3 &texel : face.texels)
                 sum += double(texel.r + texel.g + texel.b) / 3.0 / double(6 * face.texels.size());
         }
-        EXPECT_NEAR(sum, double(OssRdEnvironment::brightness), 0.06) << name;
+        EXPECT_NEAR(sum, double(OssRdEnvironment::Brightness), 0.06) << name;
     }
 }
 

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr double pi = 3.14159265358979323846;
+constexpr double Pi = 3.14159265358979323846;
 
 glm::dvec3 fresnel(const glm::dvec3 &reflectivity, double cosine)
 {
@@ -25,7 +25,7 @@ double lambda(double cosine, double alpha)
 double facets(double eye, double light, double half, double alpha)
 {
     const double d = alpha * alpha
-                     / (pi * std::pow(half * half * (alpha * alpha - 1.0) + 1.0, 2.0));
+                     / (Pi * std::pow(half * half * (alpha * alpha - 1.0) + 1.0, 2.0));
     const double g = 1.0 / (1.0 + lambda(eye, alpha) + lambda(light, alpha));
     return d * g / (4.0 * eye * light);
 }
@@ -40,7 +40,7 @@ void overFacets(double alpha, int steps, Use use)
         const double cosine = std::sqrt((1.0 - part) / (1.0 + (alpha * alpha - 1.0) * part));
         const double sine = std::sqrt(1.0 - cosine * cosine);
         for (int j = 0; j < 2 * steps; ++j) {
-            const double angle = pi * (j + 0.5) / steps;
+            const double angle = Pi * (j + 0.5) / steps;
             use(glm::dvec3(sine * std::cos(angle), sine * std::sin(angle), cosine),
                 1.0 / (2.0 * steps * steps));
         }
@@ -60,7 +60,7 @@ std::pair<double, double> albedo(double eye, double roughness)
         if (light.z <= 0.0 || toHalf <= 0.0)
             return;
         const double density = alpha * alpha * half.z
-                               / (pi * std::pow(half.z * half.z * (alpha * alpha - 1.0) + 1.0, 2.0))
+                               / (Pi * std::pow(half.z * half.z * (alpha * alpha - 1.0) + 1.0, 2.0))
                                / (4.0 * toHalf);
         const double sent = facets(eye, light.z, half.z, alpha) * light.z / density * weight;
         one += sent;
@@ -101,7 +101,7 @@ glm::dvec3 Reference::direct(const Surface &surface, const glm::dvec3 &normal,
     const double alpha = surface.roughness * surface.roughness;
     const glm::dvec3 mirrored = terms.bounces * fresnel(terms.reflectivity, glm::dot(toEye, half))
                                 * facets(eye, light, glm::dot(normal, half), alpha);
-    return (mirrored + terms.diffuse / pi) * light * pi;
+    return (mirrored + terms.diffuse / Pi) * light * Pi;
 }
 
 glm::dvec3 Reference::around(const Surface &surface, const glm::dvec3 &normal,
@@ -127,7 +127,7 @@ glm::dvec3 Reference::around(const Surface &surface, const glm::dvec3 &normal,
             if (to.z <= 0.0 || toHalf <= 0.0)
                 return;
             const double density = alpha * alpha * half.z
-                                   / (pi
+                                   / (Pi
                                       * std::pow(half.z * half.z * (alpha * alpha - 1.0) + 1.0,
                                                  2.0))
                                    / (4.0 * toHalf);
@@ -136,18 +136,18 @@ glm::dvec3 Reference::around(const Surface &surface, const glm::dvec3 &normal,
                    * light(toWorld(to));
         });
     }
-    constexpr int rows = 128;
-    for (int row = 0; row < rows; ++row) {
-        const double down = pi * (row + 0.5) / rows;
-        const double part = std::sin(down) * pi * pi / (rows * rows); // of the sphere
-        for (int column = 0; column < 2 * rows; ++column) {
-            const double angle = pi * (column + 0.5) / rows;
+    constexpr int Rows = 128;
+    for (int row = 0; row < Rows; ++row) {
+        const double down = Pi * (row + 0.5) / Rows;
+        const double part = std::sin(down) * Pi * Pi / (Rows * Rows); // of the sphere
+        for (int column = 0; column < 2 * Rows; ++column) {
+            const double angle = Pi * (column + 0.5) / Rows;
             const glm::dvec3 to(std::sin(down) * std::sin(angle), std::cos(down),
                                 -std::sin(down) * std::cos(angle));
             const double cosine = glm::dot(to, normal);
             if (cosine <= 0.0)
                 continue;
-            glm::dvec3 sent = terms.diffuse / pi;
+            glm::dvec3 sent = terms.diffuse / Pi;
             if (!isNarrow) {
                 const glm::dvec3 half = glm::normalize(to + toEye);
                 sent += terms.bounces * fresnel(terms.reflectivity, glm::dot(toEye, half))

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int pictureSize = 40;
+constexpr int PictureSize = 40;
 
 class Rendered : public testing::Test
 {
@@ -49,8 +49,8 @@ protected:
     OssRdView view(float apart = 3.0F)
     {
         OssRdView view;
-        view.width = pictureSize;
-        view.height = pictureSize;
+        view.width = PictureSize;
+        view.height = PictureSize;
         view.isSmooth = false;
         view.camera = glm::lookAt(m_eye = glm::vec3(0, 0, apart), glm::vec3(0), {0, 1, 0});
         view.projection = glm::perspective(glm::radians(44.0F), 1.0F, 0.1F, 10.0F);
@@ -63,8 +63,8 @@ protected:
     glm::dvec3 ray(int x, int y) const
     {
         const glm::vec4 far = m_fromClip
-                              * glm::vec4((float(x) + 0.5F) / pictureSize * 2.0F - 1.0F,
-                                          1.0F - (float(y) + 0.5F) / pictureSize * 2.0F, 1.0F,
+                              * glm::vec4((float(x) + 0.5F) / PictureSize * 2.0F - 1.0F,
+                                          1.0F - (float(y) + 0.5F) / PictureSize * 2.0F, 1.0F,
                                           1.0F);
         return glm::normalize(glm::dvec3(glm::vec3(far) / far.w - m_eye));
     }
@@ -114,7 +114,7 @@ std::unique_ptr<OssRdRenderer> Rendered::renderer;
 std::shared_ptr<const OssRdGeometry> Rendered::sphere;
 std::shared_ptr<const OssRdGeometry> Rendered::plane;
 
-const Reference::Surface surfaces[] = {{{0.7, 0.4, 0.2}, 0.0, 0.25}, {{0.7, 0.4, 0.2}, 0.0, 0.8},
+const Reference::Surface Surfaces[] = {{{0.7, 0.4, 0.2}, 0.0, 0.25}, {{0.7, 0.4, 0.2}, 0.0, 0.8},
                                        {{0.9, 0.6, 0.3}, 1.0, 0.2},  {{0.9, 0.6, 0.3}, 1.0, 0.5},
                                        {{0.9, 0.6, 0.3}, 1.0, 1.0},  {{0.5, 0.6, 0.7}, 0.4, 0.4}};
 
@@ -144,7 +144,7 @@ TEST_F(Rendered, aWhiteSurfaceVanishesInAWhiteRoom)
 TEST_F(Rendered, directLightIsWhatTheReferenceSums)
 {
     const glm::dvec3 toLight = glm::normalize(glm::dvec3(0.5, 0.7, 0.6));
-    for (const Reference::Surface &surface : surfaces) {
+    for (const Reference::Surface &surface : Surfaces) {
         OssRdScene scene = sceneOf(sphere, material(surface));
         scene.toKeyLight = toLight;
         scene.keyLight = glm::vec3(1.0F);
@@ -161,7 +161,7 @@ TEST_F(Rendered, lightFromAllAroundIsWhatTheReferenceSums)
     for (const std::string &name : OssRdEnvironment::names()) {
         const auto picture = std::make_shared<const OssRdPicture>(OssRdEnvironment::make(name));
         const auto probe = std::make_shared<const OssRdLightProbe>(OssRdLightProbe::of(*picture));
-        for (const Reference::Surface &surface : surfaces) {
+        for (const Reference::Surface &surface : Surfaces) {
             OssRdScene scene = sceneOf(sphere, material(surface));
             scene.probe = probe;
             OssRdView looking = view();

@@ -114,9 +114,9 @@ void DeviceCopies::fillProbe(const OssRdLightProbe &probe, Copy *copy)
 {
     copy->texture = makeTexture();
     glBindTexture(GL_TEXTURE_CUBE_MAP, copy->texture.get());
-    for (int level = 0; level < OssRdLightProbe::levels; ++level)
+    for (int level = 0; level < OssRdLightProbe::Levels; ++level)
         fillFaces(probe.faces[std::size_t(level)], level);
-    glTexParameteri(GL_TEXTURE_CUBE_MAP, GL_TEXTURE_MAX_LEVEL, OssRdLightProbe::levels - 1);
+    glTexParameteri(GL_TEXTURE_CUBE_MAP, GL_TEXTURE_MAX_LEVEL, OssRdLightProbe::Levels - 1);
     filter(GL_TEXTURE_CUBE_MAP, GL_LINEAR_MIPMAP_LINEAR, GL_CLAMP_TO_EDGE);
     copy->sharp = makeTexture();
     glBindTexture(GL_TEXTURE_CUBE_MAP, copy->sharp.get());

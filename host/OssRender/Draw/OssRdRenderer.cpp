@@ -15,11 +15,11 @@
 
 namespace {
 
-constexpr int samples = 4;
-constexpr int shadowSize = 1536;
-constexpr int bandHeight = 48;
+constexpr int SamplesOfPixel = 4;
+constexpr int ShadowSize = 1536;
+constexpr int BandHeight = 48;
 /// How far the ground's shadow is drawn, in radii of all objects.
-constexpr float groundReach = 3.0F;
+constexpr float GroundReach = 3.0F;
 
 // Units of textures.
 enum Unit {
@@ -196,7 +196,7 @@ void OssRdRenderer::Private::makeShadowMap()
 {
     shadow = makeTexture();
     glBindTexture(GL_TEXTURE_2D, shadow.get());
-    glTexImage2D(GL_TEXTURE_2D, 0, GL_DEPTH_COMPONENT24, shadowSize, shadowSize, 0,
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_DEPTH_COMPONENT24, ShadowSize, ShadowSize, 0,
                  GL_DEPTH_COMPONENT, GL_FLOAT, nullptr);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
@@ -232,10 +232,10 @@ void OssRdRenderer::Private::drawShadow(const OssRdScene &scene, const Extent &e
     const float radius = extent.radius * 1.02F;
     const glm::mat4 from = glm::lookAt(extent.centre + to * 2.0F * radius, extent.centre, up);
     toShadow = glm::ortho(-radius, radius, -radius, radius, radius, 3.0F * radius) * from;
-    shadowBias = 1.0F / float(shadowSize);
-    shadowStep = 3.0F * 2.0F * radius / float(shadowSize); // three texels
+    shadowBias = 1.0F / float(ShadowSize);
+    shadowStep = 3.0F * 2.0F * radius / float(ShadowSize); // three texels
     glBindFramebuffer(GL_FRAMEBUFFER, shadowFrame.get());
-    glViewport(0, 0, shadowSize, shadowSize);
+    glViewport(0, 0, ShadowSize, ShadowSize);
     glDepthMask(GL_TRUE);
     glEnable(GL_DEPTH_TEST);
     glDisable(GL_CULL_FACE);
@@ -288,7 +288,7 @@ void OssRdRenderer::Private::drawGround(const OssRdScene &scene, const OssRdView
     ground.use();
     ground.set("viewProjection", view.projection * view.camera);
     ground.set("centre", glm::vec3(extent.centre.x, extent.lowest, extent.centre.z));
-    ground.set("reach", extent.radius * groundReach);
+    ground.set("reach", extent.radius * GroundReach);
     ground.set("toShadow", toShadow);
     ground.set("shadowBias", shadowBias);
     ground.set("shadowMap", int(ShadowUnit));
@@ -319,7 +319,7 @@ void OssRdRenderer::Private::prepare(const OssRdScene &scene, const OssRdView &v
     surface.set("sharp", int(SharpUnit));
     surface.set("dull", int(DullUnit));
     surface.set("mirrorSamples", view.mirrorSamples);
-    surface.set("mirrorLevels", OssRdLightProbe::levels);
+    surface.set("mirrorLevels", OssRdLightProbe::Levels);
     surface.set("toSurrounding", turned(scene.turn));
     surface.set("intensity", scene.intensity);
     surface.set("toKeyLight", glm::normalize(scene.toKeyLight));
@@ -414,7 +414,7 @@ bool OssRdRenderer::Private::draw(const OssRdScene &scene, const OssRdView &view
     const Extent extent(scene);
     glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
     copies.beginFrame();
-    if (!target.resize(view.width, view.height, view.isSmooth ? samples : 1)) {
+    if (!target.resize(view.width, view.height, view.isSmooth ? SamplesOfPixel : 1)) {
         problem = "OpenGL has no memory for a picture of " + std::to_string(view.width) + " x "
                   + std::to_string(view.height);
         return false;
@@ -428,7 +428,7 @@ bool OssRdRenderer::Private::draw(const OssRdScene &scene, const OssRdView &view
     glBindTexture(GL_TEXTURE_2D, shadow.get());
     target.begin();
     // Band by band what takes long, so that it can be given up for what the user wants next.
-    const int band = view.mirrorSamples > 0 ? bandHeight : view.height;
+    const int band = view.mirrorSamples > 0 ? BandHeight : view.height;
     bool isWanted = true;
     glEnable(GL_SCISSOR_TEST);
     for (int y = 0; y < view.height && isWanted; y += band) {

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr int ownWidth = 1024;
+constexpr int OwnWidth = 1024;
 
 /// How far a value is between two others, with soft ends.
 float between(float low, float high, float value)
@@ -107,14 +107,14 @@ struct Own
     glm::vec3 (*light)(const glm::vec3 &direction);
 };
 
-constexpr Own own[] = {
+constexpr Own Owns[] = {
     {"Studio", studio}, {"Overcast", overcast}, {"Sunset", sunset}, {"Interior", interior}};
 
 const Own &find(const std::string &name)
 {
-    const auto *const found = std::find_if(std::begin(own), std::end(own),
+    const auto *const found = std::find_if(std::begin(Owns), std::end(Owns),
                                            [&name](const Own &one) { return name == one.name; });
-    return found == std::end(own) ? own[0] : *found;
+    return found == std::end(Owns) ? Owns[0] : *found;
 }
 
 /// Over the sphere and the three primaries.
@@ -146,7 +146,7 @@ const std::vector<std::string> &OssRdEnvironment::names()
 {
     static const std::vector<std::string> all = [] {
         std::vector<std::string> list;
-        for (const Own &one : own)
+        for (const Own &one : Owns)
             list.emplace_back(one.name);
         return list;
     }();
@@ -156,7 +156,7 @@ const std::vector<std::string> &OssRdEnvironment::names()
 OssRdPicture OssRdEnvironment::make(const std::string &name)
 {
     const Own &made = find(name);
-    OssRdPicture picture(ownWidth, ownWidth / 2);
+    OssRdPicture picture(OwnWidth, OwnWidth / 2);
     tbb::parallel_for(0, picture.height, [&](int y) {
         for (int x = 0; x < picture.width; ++x) {
             const glm::vec2 at((float(x) + 0.5F) / float(picture.width),
@@ -164,7 +164,7 @@ OssRdPicture OssRdEnvironment::make(const std::string &name)
             picture.at(x, y) = made.light(direction(at));
         }
     });
-    const float scale = brightness / meanOf(picture);
+    const float scale = Brightness / meanOf(picture);
     for (glm::vec3 &texel : picture.texels)
         texel *= scale;
     return picture;
@@ -185,7 +185,7 @@ OssEvResult OssRdEnvironment::read(const std::string &path, OssRdPicture *pictur
     if (spec.width != 2 * spec.height)
         return refuse("a surrounding is twice as wide as it is high, and this is "
                       + std::to_string(spec.width) + " x " + std::to_string(spec.height));
-    const int width = std::min(spec.width, mostWidth);
+    const int width = std::min(spec.width, MostWidth);
     OssRdPicture made(width, width / 2);
     const ROI target(0, made.width, 0, made.height, 0, 1, 0, 3);
     ImageBuf small = width == spec.width ? ImageBufAlgo::channels(file, 3, {0, 1, 2})

@@ -19,12 +19,12 @@ OSSRENDER_EXPORT const std::vector<std::string> &names();
 OSSRENDER_EXPORT OssRdPicture make(const std::string &name);
 
 /// A picture of longitude and latitude from a file, usually *.hdr or *.exr, made smaller than
-/// mostWidth. Refuses what is no picture of twice its height, has no colours, or holds what is no
+/// MostWidth. Refuses what is no picture of twice its height, has no colours, or holds what is no
 /// number.
 OSSRENDER_EXPORT OssEvResult read(const std::string &path, OssRdPicture *picture);
 
-constexpr int mostWidth = 2048;
-constexpr float brightness = 0.6F; ///< mean radiance of the program's own
+constexpr int MostWidth = 2048;
+constexpr float Brightness = 0.6F; ///< mean radiance of the program's own
 
 /// Texel coordinates from 0 to 1 of a direction, which need not be of length 1.
 OSSRENDER_EXPORT glm::vec2 place(const glm::vec3 &direction);

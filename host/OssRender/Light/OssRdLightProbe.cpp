@@ -12,7 +12,7 @@
 namespace {
 
 using Faces = std::array<OssRdPicture, 6>;
-constexpr unsigned samples = 96;
+constexpr unsigned Samples = 96;
 
 OssRdPicture halved(const OssRdPicture &picture)
 {
@@ -56,7 +56,7 @@ Faces dullLight(const Faces &faces)
     }
     Faces dull;
     for (int face = 0; face < 6; ++face) {
-        constexpr int size = OssRdLightProbe::dullSize;
+        const int size = OssRdLightProbe::DullSize;
         OssRdPicture &picture = dull[std::size_t(face)];
         picture = OssRdPicture(size, size);
         tbb::parallel_for(0, size, [&, face](int y) {
@@ -124,10 +124,10 @@ Pyramid pyramidOf(const OssRdPicture &surrounding)
     Pyramid pyramid;
     Faces faces;
     // As many points within a texel as keep a small bright light from being missed.
-    const int within = std::max(1, surrounding.width / (4 * OssRdLightProbe::faceSize));
+    const int within = std::max(1, surrounding.width / (4 * OssRdLightProbe::FaceSize));
     for (int face = 0; face < 6; ++face) {
         OssRdPicture &picture = faces[std::size_t(face)];
-        constexpr int size = OssRdLightProbe::faceSize;
+        const int size = OssRdLightProbe::FaceSize;
         picture = OssRdPicture(size, size);
         const int fine = size * within;
         tbb::parallel_for(0, size, [&, face](int y) {
@@ -152,7 +152,7 @@ Pyramid pyramidOf(const OssRdPicture &surrounding)
 }
 
 /// The viewer stands where the mirror's normal points, as whoever reads the cube pretends (Karis
-/// 2013). Few samples do, for each takes a level that covers as much as it stands for (Krivanek and
+/// 2013). Few Samples do, for each takes a level that covers as much as it stands for (Krivanek and
 /// Colbert 2008).
 glm::vec3 mirrored(const Pyramid &pyramid, const glm::vec3 &normal, float roughness)
 {
@@ -160,19 +160,19 @@ glm::vec3 mirrored(const Pyramid &pyramid, const glm::vec3 &normal, float roughn
     const glm::vec3 x = glm::normalize(glm::cross(up, normal));
     const glm::vec3 y = glm::cross(normal, x);
     const float alpha = roughness * roughness;
-    constexpr float texel = 4.0F * glm::pi<float>()
-                            / (6.0F * OssRdLightProbe::faceSize * OssRdLightProbe::faceSize);
+    const float texel = 4.0F * glm::pi<float>()
+                        / (6.0F * OssRdLightProbe::FaceSize * OssRdLightProbe::FaceSize);
     glm::vec3 sum(0.0F);
     float weight = 0.0F;
-    for (unsigned i = 0; i < samples; ++i) {
-        const glm::vec3 half = OssRdBrdf::facet(OssRdBrdf::evenPoint(i, samples), roughness);
+    for (unsigned i = 0; i < Samples; ++i) {
+        const glm::vec3 half = OssRdBrdf::facet(OssRdBrdf::evenPoint(i, Samples), roughness);
         const glm::vec3 light(2.0F * half.z * half.x, 2.0F * half.z * half.y,
                               2.0F * half.z * half.z - 1.0F);
         if (light.z <= 0.0F)
             continue;
         const float d = half.z * half.z * (alpha * alpha - 1.0F) + 1.0F;
         const float density = alpha * alpha / (4.0F * glm::pi<float>() * d * d);
-        const float covers = 1.0F / (float(samples) * density);
+        const float covers = 1.0F / (float(Samples) * density);
         const float level = 0.5F * std::log2(covers / texel) + 0.5F;
         sum += pyramid.sample(x * light.x + y * light.y + normal * light.z, level) * light.z;
         weight += light.z;
@@ -208,9 +208,9 @@ OssRdLightProbe OssRdLightProbe::of(const OssRdPicture &surrounding)
     const Pyramid pyramid = pyramidOf(surrounding);
     probe.dull = dullLight(pyramid.levels[3]);
     probe.faces[0] = pyramid.levels[0];
-    for (int level = 1; level < levels; ++level) {
-        const int size = faceSize >> level;
-        const float roughness = float(level) / float(levels - 1);
+    for (int level = 1; level < Levels; ++level) {
+        const int size = FaceSize >> level;
+        const float roughness = float(level) / float(Levels - 1);
         for (int face = 0; face < 6; ++face) {
             OssRdPicture &picture = probe.faces[std::size_t(level)][std::size_t(face)];
             picture = OssRdPicture(size, size);

@@ -9,13 +9,13 @@
 /// on a dull surface. Immutable; made on any thread, in a few tenths of a second.
 struct OSSRENDER_EXPORT OssRdLightProbe
 {
-    static constexpr int faceSize = 256;
-    static constexpr int levels = 6;
-    static constexpr int dullSize = 32;
+    static constexpr int FaceSize = 256;
+    static constexpr int Levels = 6;
+    static constexpr int DullSize = 32;
 
     /// Cube faces in OpenGL's order (+x, -x, +y, -y, +z, -z) and orientation, by level. Level n of
-    /// 0 to levels-1 is for the roughness n / (levels-1), and half as large as the one before.
-    std::array<std::array<OssRdPicture, 6>, levels> faces;
+    /// 0 to Levels-1 is for the roughness n / (Levels-1), and half as large as the one before.
+    std::array<std::array<OssRdPicture, 6>, Levels> faces;
     /// Irradiance over pi by the normal, in the same way.
     std::array<OssRdPicture, 6> dull;
 

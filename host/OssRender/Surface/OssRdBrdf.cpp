@@ -8,8 +8,8 @@
 
 namespace {
 
-constexpr unsigned samples = 1024;
-constexpr float least = 1e-6F;
+constexpr unsigned Samples = 1024;
+constexpr float Least = 1e-6F;
 
 /// Schlick's weight of full reflection.
 float schlick(float cosine)
@@ -24,7 +24,7 @@ float visibility(float eye, float light, float alpha)
     const float square = alpha * alpha;
     const float ofEye = light * std::sqrt(eye * eye * (1.0F - square) + square);
     const float ofLight = eye * std::sqrt(light * light * (1.0F - square) + square);
-    return 0.5F / std::max(ofEye + ofLight, least);
+    return 0.5F / std::max(ofEye + ofLight, Least);
 }
 
 glm::vec2 integrate(float cosine, float roughness)
@@ -32,28 +32,28 @@ glm::vec2 integrate(float cosine, float roughness)
     const glm::vec3 eye(std::sqrt(std::max(0.0F, 1.0F - cosine * cosine)), 0.0F, cosine);
     const float alpha = roughness * roughness;
     glm::dvec2 sum(0.0);
-    for (unsigned i = 0; i < samples; ++i) {
-        const glm::vec3 half = OssRdBrdf::facet(OssRdBrdf::evenPoint(i, samples), roughness);
+    for (unsigned i = 0; i < Samples; ++i) {
+        const glm::vec3 half = OssRdBrdf::facet(OssRdBrdf::evenPoint(i, Samples), roughness);
         const glm::vec3 light = 2.0F * glm::dot(eye, half) * half - eye;
         if (light.z <= 0.0F)
             continue;
         const float toEye = std::max(glm::dot(eye, half), 0.0F);
         const float weight = 4.0F * visibility(cosine, light.z, alpha) * light.z * toEye
-                             / std::max(half.z, least);
+                             / std::max(half.z, Least);
         const float fresnel = schlick(toEye);
         sum += glm::dvec2((1.0F - fresnel) * weight, fresnel * weight);
     }
-    return glm::vec2(sum / double(samples));
+    return glm::vec2(sum / double(Samples));
 }
 
 OssRdBrdf::AlbedoTable makeTable()
 {
-    OssRdBrdf::AlbedoTable table(OssRdBrdf::tableSize, OssRdBrdf::tableSize);
-    constexpr auto last = float(OssRdBrdf::tableSize - 1);
+    OssRdBrdf::AlbedoTable table(OssRdBrdf::TableSize, OssRdBrdf::TableSize);
+    constexpr auto Last = float(OssRdBrdf::TableSize - 1);
     tbb::parallel_for(0, table.height, [&table](int y) {
         for (int x = 0; x < table.width; ++x)
-            table.at(x, y) = integrate(std::max(float(x) / last, 1e-3F),
-                                       std::max(float(y) / last, 1e-2F));
+            table.at(x, y) = integrate(std::max(float(x) / Last, 1e-3F),
+                                       std::max(float(y) / Last, 1e-2F));
     });
     return table;
 }

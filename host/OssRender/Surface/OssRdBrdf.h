@@ -14,7 +14,7 @@ namespace OssRdBrdf {
 /// Part of the light from all around that goes to a viewer: x times the reflectivity head on, and y.
 using AlbedoTable = OssRdGrid<glm::vec2>;
 
-constexpr int tableSize = 64;
+constexpr int TableSize = 64;
 
 /// Columns are cosines of the viewer's angle, rows are roughness, both from 0 to 1 at the centres of
 /// the outermost texels. Made once, on first need; any thread.

@@ -18,9 +18,9 @@ void measure(OssRdGeometry *geometry)
 {
     if (geometry->vertices.empty())
         return;
-    constexpr float most = std::numeric_limits<float>::max();
-    glm::vec3 low(most);
-    glm::vec3 high(-most);
+    constexpr float Most = std::numeric_limits<float>::max();
+    glm::vec3 low(Most);
+    glm::vec3 high(-Most);
     const auto inWorld = [geometry](const OssRdGeometry::Vertex &vertex) {
         return glm::vec3(geometry->world * glm::vec4(vertex.position, 1.0F));
     };
@@ -37,30 +37,30 @@ void measure(OssRdGeometry *geometry)
 }
 
 /// Below it a mesh is drawn as quickly as a smaller one.
-constexpr int fewTriangles = 20000;
+constexpr int FewTriangles = 20000;
 /// Cells across the longest side of a mesh, and across a patch.
-constexpr float cells = 48.0F;
-constexpr float cellsOfPatch = 32.0F;
+constexpr float Cells = 48.0F;
+constexpr float CellsOfPatch = 32.0F;
 
 /// Vertices that are near each other, face the same way and have nearly the same texture coordinates
 /// become one (Rossignac and Borrel 1993): for each the one that stands for it.
 std::vector<std::uint32_t> clustered(const std::vector<OssRdGeometry::Vertex> &vertices)
 {
-    constexpr float most = std::numeric_limits<float>::max();
-    glm::vec3 low(most);
-    glm::vec3 high(-most);
+    constexpr float Most = std::numeric_limits<float>::max();
+    glm::vec3 low(Most);
+    glm::vec3 high(-Most);
     for (const OssRdGeometry::Vertex &vertex : vertices) {
         low = glm::min(low, vertex.position);
         high = glm::max(high, vertex.position);
     }
     const glm::vec3 size = high - low;
-    const float scale = cells / std::max({size.x, size.y, size.z, 1e-20F});
+    const float scale = Cells / std::max({size.x, size.y, size.z, 1e-20F});
     std::unordered_map<std::uint64_t, std::uint32_t> known;
     std::vector<std::uint32_t> standsFor(vertices.size());
     for (std::size_t i = 0; i < vertices.size(); ++i) {
         const OssRdGeometry::Vertex &vertex = vertices[i];
         const auto place = glm::uvec3((vertex.position - low) * scale);
-        const auto uv = glm::uvec2(glm::ivec2(glm::floor(vertex.uv * cellsOfPatch))) & 0xFFFU;
+        const auto uv = glm::uvec2(glm::ivec2(glm::floor(vertex.uv * CellsOfPatch))) & 0xFFFU;
         std::uint64_t key = place.x;
         key = key << 6 | place.y;
         key = key << 6 | place.z;
@@ -76,7 +76,7 @@ std::vector<std::uint32_t> clustered(const std::vector<OssRdGeometry::Vertex> &v
 void addCoarse(OssRdGeometry *geometry)
 {
     geometry->coarseParts = geometry->parts;
-    if (geometry->indices.size() / 3 <= std::size_t(fewTriangles))
+    if (geometry->indices.size() / 3 <= std::size_t(FewTriangles))
         return;
     const std::vector<std::uint32_t> standsFor = clustered(geometry->vertices);
     for (OssRdGeometry::Part &part : geometry->coarseParts) {

@@ -62,6 +62,7 @@ QImage LitPicture::shown(const OssRdImage &picture, const Screen &screen)
     const Screen whole = completed(screen);
     const int bands = std::clamp(int(std::thread::hardware_concurrency()), 1, picture.height);
     std::vector<std::future<void>> work;
+    work.reserve(std::size_t(bands));
     for (int band = 0; band < bands; ++band) {
         work.push_back(std::async(std::launch::async, [&, band] {
             std::vector<glm::vec4> row(std::size_t(picture.width));

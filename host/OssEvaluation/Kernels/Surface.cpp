@@ -275,28 +275,39 @@ bool isMasked(const OssEvMesh *mesh, int slot, const MaterialValues &values)
     return mesh != nullptr && mesh->materialNames[std::size_t(slot)] == values.name;
 }
 
-void materialId(const OssEvStrip &strip, const MaterialValues &values)
+/// `slot`: negative where no face is.
+void writeMaterial(const OssEvStrip &strip, std::size_t i, int slot, const MaterialValues &values)
 {
     const OssEvMesh *mesh = strip.surface != nullptr ? &strip.surface->mesh() : nullptr;
+    if (values.output == MaterialValues::Mask) {
+        strip.output[0][i] = slot >= 0 && isMasked(mesh, slot, values) ? 1.0F : 0.0F;
+        return;
+    }
+    if (values.output == MaterialValues::Id) {
+        strip.output[0][i] = float(slot + 1);
+        return;
+    }
+    const Vector color = slot < 0 ? Vector{} : materialColor(slot);
+    for (std::size_t k = 0; k < 3; ++k)
+        strip.output[k][i] = color[k];
+    strip.output[3][i] = slot < 0 ? 0.0F : 1.0F;
+}
+
+/// Without a mesh everything is the first one.
+void materialId(const OssEvStrip &strip, const MaterialValues &values)
+{
     const OssEvRegion inside = strip.frame.region();
     std::size_t i = 0;
     for (int y = 0; y < strip.rows; ++y) {
         const int row = std::clamp(strip.y + y, 0, inside.height - 1);
         for (int x = 0; x < strip.width; ++x, ++i) {
-            const int column = std::clamp(strip.x + x, 0, inside.width - 1);
-            const int face = mesh != nullptr ? strip.surface->face(column, row) : -1;
-            const bool isNowhere = mesh != nullptr && face < 0;
-            const int slot = face < 0 ? 0 : mesh->materials[std::size_t(face)];
-            if (values.output == MaterialValues::Mask) {
-                strip.output[0][i] = !isNowhere && isMasked(mesh, slot, values) ? 1.0F : 0.0F;
-            } else if (values.output == MaterialValues::Id) {
-                strip.output[0][i] = isNowhere ? 0.0F : float(slot + 1);
-            } else {
-                const Vector color = isNowhere ? Vector{} : materialColor(slot);
-                for (std::size_t k = 0; k < 3; ++k)
-                    strip.output[k][i] = color[k];
-                strip.output[3][i] = isNowhere ? 0.0F : 1.0F;
+            int slot = 0;
+            if (strip.surface != nullptr) {
+                const int column = std::clamp(strip.x + x, 0, inside.width - 1);
+                const int face = strip.surface->face(column, row);
+                slot = face < 0 ? -1 : strip.surface->mesh().materials[std::size_t(face)];
             }
+            writeMaterial(strip, i, slot, values);
         }
     }
 }

@@ -67,7 +67,7 @@ private:
     struct Waiting
     {
         QPointer<OssSnBakePointNode> node;
-        Which which;
+        Which which = OutOfDate;
     };
 
     void next();

@@ -170,10 +170,10 @@ bool OssRdRenderer::Private::build()
 {
     using namespace OssRdShaders;
     std::string said;
-    const bool built = surface.build(surface_vert, std::string(brdf_glsl) + surface_frag, &said)
-                       && background.build(background_vert, background_frag, &said)
-                       && depth.build(depth_vert, depth_frag, &said)
-                       && ground.build(ground_vert, ground_frag, &said);
+    const bool built = surface.build(SurfaceVertex, std::string(Brdf) + SurfaceFragment, &said)
+                       && background.build(BackgroundVertex, BackgroundFragment, &said)
+                       && depth.build(DepthVertex, DepthFragment, &said)
+                       && ground.build(GroundVertex, GroundFragment, &said);
     if (!built)
         problem = "OpenGL refuses the shaders: " + said;
     return built;

@@ -3,14 +3,14 @@
 /// Texts of the files beside this one.
 namespace OssRdShaders {
 
-extern const char *const surface_vert;
-extern const char *const surface_frag;
-extern const char *const brdf_glsl;
-extern const char *const background_vert;
-extern const char *const background_frag;
-extern const char *const depth_vert;
-extern const char *const depth_frag;
-extern const char *const ground_vert;
-extern const char *const ground_frag;
+extern const char *const SurfaceVertex;
+extern const char *const SurfaceFragment;
+extern const char *const Brdf;
+extern const char *const BackgroundVertex;
+extern const char *const BackgroundFragment;
+extern const char *const DepthVertex;
+extern const char *const DepthFragment;
+extern const char *const GroundVertex;
+extern const char *const GroundFragment;
 
 } // namespace OssRdShaders

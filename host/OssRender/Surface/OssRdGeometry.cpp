@@ -120,7 +120,7 @@ std::shared_ptr<const OssRdGeometry> OssRdGeometry::of(const OssEvMesh &mesh)
     }
     for (int row = 0; row < 3; ++row) {
         for (int column = 0; column < 4; ++column)
-            geometry->world[column][row] = mesh.world[std::size_t(4 * row + column)];
+            geometry->world[column][row] = mesh.world[std::size_t(row) * 4 + std::size_t(column)];
     }
     measure(geometry.get());
     addCoarse(geometry.get());

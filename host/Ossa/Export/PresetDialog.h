@@ -52,5 +52,5 @@ private:
     QPlainTextEdit *m_preview;
     QLabel *m_fault;
     QPushButton *m_save;
-    QPushButton *m_remove;
+    QPushButton *m_remove = nullptr;
 };

@@ -267,33 +267,38 @@ QString faultOfChannels(const File &file)
     return {};
 }
 
+void writeChannel(QXmlStreamWriter *xml, const QString &to, const Channel &channel)
+{
+    xml->writeStartElement(QStringLiteral("Channel"));
+    xml->writeAttribute(QStringLiteral("To"), to);
+    if (!channel.from.isEmpty())
+        xml->writeAttribute(QStringLiteral("From"), channel.from);
+    if (!channel.component.isEmpty())
+        xml->writeAttribute(QStringLiteral("Component"), channel.component);
+    if (channel.inverts)
+        xml->writeAttribute(QStringLiteral("Invert"), QStringLiteral("true"));
+    if (channel.from.isEmpty() || channel.value != 0.0)
+        xml->writeAttribute(channel.from.isEmpty() ? QStringLiteral("Value")
+                                                   : QStringLiteral("Default"),
+                            QString::number(channel.value, 'g', 9));
+    xml->writeEndElement();
+}
+
+/// Equal ones as one.
 void writeChannels(QXmlStreamWriter *xml, const File &file)
 {
     for (std::size_t first = 0; first < file.channels.size(); ++first) {
         const Channel &channel = file.channels[first];
         const auto begin = file.channels.begin();
-        if (!channel.isUsed
-            || std::find(begin, begin + std::ptrdiff_t(first), channel)
-                   != begin + std::ptrdiff_t(first))
+        const auto here = begin + std::ptrdiff_t(first);
+        if (!channel.isUsed || std::find(begin, here, channel) != here)
             continue;
         QString to;
         for (std::size_t i = first; i < file.channels.size(); ++i) {
             if (file.channels[i] == channel)
                 to.append(Letters.at(int(i)));
         }
-        xml->writeStartElement(QStringLiteral("Channel"));
-        xml->writeAttribute(QStringLiteral("To"), to);
-        if (!channel.from.isEmpty())
-            xml->writeAttribute(QStringLiteral("From"), channel.from);
-        if (!channel.component.isEmpty())
-            xml->writeAttribute(QStringLiteral("Component"), channel.component);
-        if (channel.inverts)
-            xml->writeAttribute(QStringLiteral("Invert"), QStringLiteral("true"));
-        if (channel.from.isEmpty() || channel.value != 0.0)
-            xml->writeAttribute(channel.from.isEmpty() ? QStringLiteral("Value")
-                                                       : QStringLiteral("Default"),
-                                QString::number(channel.value, 'g', 9));
-        xml->writeEndElement();
+        writeChannel(xml, to, channel);
     }
 }
 

@@ -39,5 +39,5 @@ private:
 
     void refresh();
 
-    std::array<Row, 4> m_rows;
+    std::array<Row, 4> m_rows{};
 };

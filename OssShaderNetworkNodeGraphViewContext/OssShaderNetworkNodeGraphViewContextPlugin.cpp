@@ -20,6 +20,8 @@
 #include <QAction>
 #include <QApplication>
 
+#include <utility>
+
 namespace {
 
 constexpr const char *Source = "OssShaderNetworkNodeGraphViewContextPlugin";
@@ -195,13 +197,17 @@ void OssShaderNetworkNodeGraphViewContextPlugin::forwardOnNodes(const QString &t
     const auto listening = connect(status, &OssStatusManager::messageShown, this,
                                    [&said] { said = true; });
     bool none = false;
-    const int before = steps->count();
+    // A step that takes the place of undone ones may leave as many as there were.
+    const auto now = [steps] {
+        return std::make_pair(steps->count(), steps->index());
+    };
+    const auto before = now();
     forward(title, [&](OssShaderNetworkView *view) {
         none = !view->network() || view->network()->selectedNodes().isEmpty();
         call(view);
     });
     disconnect(listening);
-    if (none && !said && steps->count() == before)
+    if (none && !said && now() == before)
         status->showMessage(tr("%1: select a node first").arg(title));
 }
 

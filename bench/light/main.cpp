@@ -93,7 +93,7 @@ int main()
     scene.probe = std::make_shared<const OssRdLightProbe>(OssRdLightProbe::of(*scene.surrounding));
     std::printf("%-28s %8.1f ms CPU\n", "surroundings", 1000.0 * (cpuSeconds() - cpu));
     scene.keyLight = glm::vec3(0.7F);
-    const Row rows[] = {{"turning, coarse", 640, 360, false, 0, 24},
+    const Row rows[] = {{"turning, coarse", 569, 320, false, 0, 24},
                         {"turning, full size", 1280, 720, false, 0, 12},
                         {"at rest", 1280, 720, true, 0, 8},
                         {"at last", 1280, 720, true, 48, 2}};

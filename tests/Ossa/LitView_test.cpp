@@ -122,7 +122,7 @@ TEST_F(LitView, theLastThatIsAskedForIsDrawnCoarselyWhileItMovesAndExactlyAtRest
     pictures.clear();
     request.isMoving = false;
     renderer.draw(request);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return pictures.size() == 2; }, 60000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return pictures.size() == 3; }, 60000));
     EXPECT_EQ(pictures.last().size(), QSize(200, 800));
 
     // Of many only the last need be drawn, and the thread ends while there is work.

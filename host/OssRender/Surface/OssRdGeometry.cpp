@@ -39,7 +39,7 @@ void measure(OssRdGeometry *geometry)
 /// Below it a mesh is drawn as quickly as a smaller one.
 constexpr int FewTriangles = 20000;
 /// Cells across the longest side of a mesh, and across a patch.
-constexpr float Cells = 48.0F;
+constexpr float Cells = 40.0F;
 constexpr float CellsOfPatch = 32.0F;
 
 /// Vertices that are near each other, face the same way and have nearly the same texture coordinates

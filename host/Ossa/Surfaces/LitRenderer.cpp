@@ -9,10 +9,10 @@
 
 namespace {
 
-constexpr int movingHeight = 360; ///< most, in pixels
+constexpr int movingHeight = 320; ///< most, in pixels
 constexpr int restSamples = 48;
-/// Coarse, smooth, exact.
-constexpr int passes = 3;
+/// Coarse, at full size, smooth, exact.
+constexpr int passes = 4;
 
 } // namespace
 
@@ -87,10 +87,10 @@ bool LitRenderer::drawOne(OssRdRenderer *renderer, const Request &request, int p
         cancel = m_cancel;
     }
     OssRdView view = request.view;
-    view.isSmooth = pass > 0;
+    view.isSmooth = pass > 1;
     view.isCoarse = pass == 0;
-    view.mirrorSamples = pass > 1 ? restSamples : 0;
-    if (pass > 1 && view.shows != OssRdView::Shows::Lit)
+    view.mirrorSamples = pass > 2 ? restSamples : 0;
+    if (pass > 2 && view.shows != OssRdView::Shows::Lit)
         return false;
     if (pass == 0 && view.height > movingHeight) {
         view.width = std::max(1, view.width * movingHeight / view.height);

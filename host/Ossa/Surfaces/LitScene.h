@@ -27,6 +27,9 @@ public:
     void setActive(bool active);
     void setResolution(int resolution);
 
+    /// Whether patches are not seen beside it.
+    void setAlone(bool alone) { m_pixels.setFirst(alone); }
+
     /// A name of OssRdEnvironment or a file. Until its light is there the last one goes on; one that cannot
     /// be read is told and changes nothing.
     void setSurroundings(const QString &nameOrFile);

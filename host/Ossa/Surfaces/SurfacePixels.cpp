@@ -10,9 +10,8 @@
 
 namespace {
 
-// Before the pictures of patches, which may not even be seen.
 constexpr int coarsePriority = 2;
-constexpr int finePriority = 1;
+constexpr int firstPriority = 1;
 
 } // namespace
 
@@ -145,7 +144,7 @@ void SurfacePixels::start(int patch, int map, int resolution)
     OssEvRequest request;
     request.target = m_maps.target(which, patch, isThere ? m_resolution : resolution);
     const int size = request.target.width;
-    request.priority = size <= coarse ? coarsePriority : finePriority;
+    request.priority = size <= coarse ? coarsePriority : m_isFirst ? firstPriority : 0;
     request.focusX = size / 2.0;
     request.focusY = size / 2.0;
     known = {key, isThere ? known.resolution : 0, bool(planned)};

@@ -26,6 +26,10 @@ public:
 
     /// In place of what was shown; that stays until its maps are replaced.
     void show(const OssSurfaceMaps &maps, const QList<int> &patches, int resolution);
+
+    /// Of maps that are started from now on: before the pictures of patches, where nobody sees these.
+    void setFirst(bool first) { m_isFirst = first; }
+
     /// Gives up what is not there yet.
     void stop();
     void clear();
@@ -72,6 +76,7 @@ private:
 
     OssSurfaceMaps m_maps;
     int m_resolution = 0;
+    bool m_isFirst = false;
     int m_generation = 0;
     std::map<int, OssRdMaterial> m_materials;
     std::map<Place, Known> m_known; ///< what is in them

@@ -1,5 +1,7 @@
 #include "Ossa/Viewer/ObjectView.h"
 
+#include "OssModel/Project/OssProjectManager.h"
+
 #include <QPainter>
 
 // The object in light.
@@ -16,6 +18,10 @@ void ObjectView::startLight()
     connect(&m_light, &LitScene::changed, this, [this] {
         if (isMaterial())
             redraw();
+    });
+    connect(OssProjectManager::instance(), &OssProjectManager::projectClosing, this, [this] {
+        m_isLightFramed = false;
+        m_camera.resetDirection();
     });
     connect(&m_light, &LitScene::reshaped, this, [this] {
         // What has the same middle and size is the same thing to who looks.

@@ -161,7 +161,7 @@ void ViewerPanel::follow()
     connect(m_light, &QToolButton::toggled, m_object, &ObjectView::setLit);
     connect(m_object, &ObjectView::litChanged, this, [this](bool lit) {
         m_light->setChecked(lit);
-        m_lightBar->setVisible(lit && m_modes->checkedId() != Patches);
+        showLightBar();
     });
     m_object->light()->setResolution(m_resolution->currentData().toInt());
     applyLook();
@@ -238,7 +238,8 @@ void ViewerPanel::setMode(Mode mode)
     m_view->setVisible(mode != Object);
     m_object->setVisible(mode != Patches);
     m_light->setVisible(mode != Patches);
-    m_lightBar->setVisible(mode != Patches && m_light->isChecked());
+    m_object->light()->setAlone(mode == Object);
+    showLightBar();
     if (mode == Object) {
         m_paint->setChecked(false);
         m_compare->setChecked(false);
@@ -313,11 +314,19 @@ void ViewerPanel::setPainting(bool on)
     m_paintBar->setVisible(on);
     m_view->setPainting(on);
     m_object->setPainted(on);
+    showLightBar();
     OssCommandTable::setHolds(OssCommandTable::WithBrush, on);
     m_paintBar->refresh();
     // There is nothing to paint on in the other view.
     if (on && m_modes->checkedId() == Object)
         setMode(Both);
+}
+
+// While one paints the object is shown as the patches are.
+void ViewerPanel::showLightBar()
+{
+    m_lightBar->setVisible(m_light->isChecked() && !m_paint->isChecked()
+                           && m_modes->checkedId() != Patches);
 }
 
 void ViewerPanel::setComparing(bool on)

@@ -50,6 +50,7 @@ private:
     void setPainting(bool on);
     void setComparing(bool on);
     void followPaint();
+    void showLightBar();
     void fileCommands();
     void framePictures();
     void fillScreens();

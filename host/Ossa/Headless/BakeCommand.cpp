@@ -29,12 +29,6 @@ QString tr(const char *text)
     return QCoreApplication::translate("BakeCommand", text);
 }
 
-int fail(const QString &reason)
-{
-    std::fprintf(stderr, "ossa: %s\n", qPrintable(reason));
-    return ExitCode::Failure;
-}
-
 /// One file for each patch.
 struct Texture
 {
@@ -107,7 +101,7 @@ int runBakeCommand(const BakeOptions &options)
     OssProjectManager *projects = OssProjectManager::instance();
     const OssResult opened = projects->openProject(options.project);
     if (!opened)
-        return fail(opened.error());
+        return failCommand(opened.error());
     const OssProject *project = projects->currentProject();
     if (options.nodes.isEmpty())
         return bakeMaterials(options);
@@ -115,7 +109,7 @@ int runBakeCommand(const BakeOptions &options)
     for (const QString &name : options.nodes) {
         const OssResult added = addNode(project, name, &textures);
         if (!added)
-            return fail(added.error());
+            return failCommand(added.error());
     }
     Interrupt::catchSignals();
     const ProgressBar bar;
@@ -127,7 +121,7 @@ int runBakeCommand(const BakeOptions &options)
         job.entity = texture.entity;
         const OssResult found = findPatches(texture, options.patches, &job.patches);
         if (!found)
-            return fail(found.error());
+            return failCommand(found.error());
         job.resolution = options.resolution;
         const QString name = QStringLiteral("%1.%2.%3")
                                  .arg(texture.name, QLatin1String(OssEvUdim::Placeholder),
@@ -141,7 +135,7 @@ int runBakeCommand(const BakeOptions &options)
         if (Interrupt::isRequested())
             return Interrupt::exitCode;
         if (!baked)
-            return fail(texture.name + QStringLiteral(": ") + baked.error());
+            return failCommand(texture.name + QStringLiteral(": ") + baked.error());
         for (const int patch : qAsConst(job.patches))
             std::printf("%s\n", qPrintable(OssUdimPath::file(path, patch)));
     }

@@ -9,6 +9,7 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <cstdio>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -361,6 +362,12 @@ private:
 };
 
 } // namespace
+
+int failCommand(const QString &reason)
+{
+    std::fprintf(stderr, "ossa: %s\n", qPrintable(reason));
+    return ExitCode::Failure;
+}
 
 CommandLine CommandLine::parse(int argc, const char *const *argv, Program program)
 {

@@ -53,6 +53,9 @@ struct CommandLine
     static CommandLine parse(int argc, const char *const *argv, Program program = Ossa);
 };
 
+/// Tells on stderr, in one line, why the work could not be done. ExitCode::Failure.
+int failCommand(const QString &reason);
+
 /// What the program ends with.
 namespace ExitCode {
 constexpr int Success = 0;

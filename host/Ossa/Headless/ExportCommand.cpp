@@ -13,12 +13,6 @@
 
 namespace {
 
-int fail(const QString &reason)
-{
-    std::fprintf(stderr, "ossa: %s\n", qPrintable(reason));
-    return ExitCode::Failure;
-}
-
 void listPresets(std::FILE *to)
 {
     const QVector<OssExportPresets::Entry> entries = OssExportPresets::all();
@@ -55,7 +49,7 @@ int exportOpenProject(const OssExportPreset &preset, const OssExportOptions &cho
                                   ? OssExportPlan::make(project, preset, choices, &plan)
                                   : OssExportPlan::makeGltf(project, choices, &plan);
     if (!planned)
-        return fail(planned.error());
+        return failCommand(planned.error());
     for (const QString &note : qAsConst(plan.notes))
         std::fprintf(stderr, "ossa: %s\n", qPrintable(note));
     for (const OssExportFile &file : qAsConst(plan.files)) {
@@ -82,7 +76,7 @@ int exportOpenProject(const OssExportPreset &preset, const OssExportOptions &cho
     if (Interrupt::isRequested())
         return Interrupt::exitCode;
     return result ? int(ExitCode::Success)
-                  : fail(result.error().replace(QLatin1Char('\n'), QLatin1String("; ")));
+                  : failCommand(result.error().replace(QLatin1Char('\n'), QLatin1String("; ")));
 }
 
 int runExportCommand(const ExportOptions &options)
@@ -97,8 +91,8 @@ int runExportCommand(const ExportOptions &options)
     OssExportPreset preset;
     const OssResult found = isGltf ? OssResult() : OssExportPresets::find(options.preset, &preset);
     if (!found)
-        return fail(found.error());
+        return failCommand(found.error());
     const OssResult opened = OssProjectManager::instance()->openProject(options.project);
     return opened ? exportOpenProject(preset, options.choices, options.listsFiles)
-                  : fail(opened.error());
+                  : failCommand(opened.error());
 }

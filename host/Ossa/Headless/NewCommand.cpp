@@ -16,12 +16,6 @@
 
 namespace {
 
-int fail(const QString &reason)
-{
-    std::fprintf(stderr, "ossa: %s\n", qPrintable(reason));
-    return ExitCode::Failure;
-}
-
 OssGeometrySource sourceOf(const NewOptions &options, const QString &mesh)
 {
     using Mesh = OssEvMeshFile::Options;
@@ -70,13 +64,13 @@ void tellFaults(const QList<OssGeoEntity *> &entities)
 int runNewCommand(const NewOptions &options)
 {
     if (QFileInfo::exists(options.project))
-        return fail(OssProjectManager::tr("\"%1\" is there already").arg(options.project));
+        return failCommand(OssProjectManager::tr("\"%1\" is there already").arg(options.project));
     OssProjectManager *projects = OssProjectManager::instance();
     OssProject *project = projects->newProject(QFileInfo(options.project).completeBaseName());
     project->setNewResolution(options.resolution);
     const OssResult colored = setColors(project, options);
     if (!colored)
-        return fail(colored.error());
+        return failCommand(colored.error());
     OssGeoEntity *first = project->entities().first();
     first->setGeometry(options.shape);
     for (const QString &mesh : options.meshes) {
@@ -85,14 +79,14 @@ int runNewCommand(const NewOptions &options)
         reader.wait();
         const OssResult added = OssProjectMeshes::add(project, reader, first);
         if (!added)
-            return fail(added.error());
+            return failCommand(added.error());
         if (first)
             first->setName(OssProjectMeshes::nameFor(first->source()));
         first = nullptr;
     }
     const OssResult saved = projects->saveProjectAs(options.project);
     if (!saved)
-        return fail(saved.error());
+        return failCommand(saved.error());
     tellFaults(project->entities());
     std::printf("%s\n", qPrintable(project->path()));
     return ExitCode::Success;

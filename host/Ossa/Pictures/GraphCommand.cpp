@@ -15,12 +15,6 @@
 
 namespace {
 
-int fail(const QString &reason)
-{
-    std::fprintf(stderr, "ossa: %s\n", qPrintable(reason));
-    return ExitCode::Failure;
-}
-
 /// The scene that the Node Graph palette shows of the open project; null without the plug-in.
 QGraphicsScene *shownScene()
 {
@@ -38,15 +32,15 @@ int runGraphCommand(const QString &project, const QString &output)
     OssProjectManager *projects = OssProjectManager::instance();
     const OssResult opened = projects->openProject(project);
     if (!opened)
-        return fail(opened.error());
+        return failCommand(opened.error());
     QGraphicsScene *scene = shownScene();
     if (!scene)
-        return fail(QCoreApplication::translate(
+        return failCommand(QCoreApplication::translate(
             "GraphCommand", "The graph cannot be drawn: the node graph plug-in is not loaded"));
     const OssResult written = GraphPicture::write(scene, projects->currentProject()->name(),
                                                   output);
     if (!written)
-        return fail(written.error());
+        return failCommand(written.error());
     std::printf("%s\n", qPrintable(output));
     return ExitCode::Success;
 }

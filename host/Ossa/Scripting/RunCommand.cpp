@@ -15,12 +15,6 @@ namespace {
 
 constexpr int interruptPoll = 50; // ms
 
-int fail(const QString &reason)
-{
-    std::fprintf(stderr, "ossa: %s\n", qPrintable(reason));
-    return ExitCode::Failure;
-}
-
 } // namespace
 
 int runRunCommand(const RunOptions &options)
@@ -28,7 +22,7 @@ int runRunCommand(const RunOptions &options)
     if (!options.project.isEmpty()) {
         const OssResult opened = OssProjectManager::instance()->openProject(options.project);
         if (!opened)
-            return fail(opened.error());
+            return failCommand(opened.error());
     }
     Interrupt::catchSignals();
     OssScriptEngine *engine = OssScriptEngine::instance();
@@ -58,5 +52,5 @@ int runStubsCommand(const QString &path)
         return ExitCode::Success;
     }
     const OssResult written = OssAtomicFile::write(path, text);
-    return written ? ExitCode::Success : fail(written.error());
+    return written ? ExitCode::Success : failCommand(written.error());
 }

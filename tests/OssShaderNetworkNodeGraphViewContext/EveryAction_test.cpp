@@ -351,6 +351,15 @@ TEST_F(EveryActionTest, deleteTakesSelectedWiresAway)
     expectStep("Cut connections");
     expectUndoIsExact(before);
     undo();
+    {
+        // In the place of the step that was undone, so that there are as many as before.
+        const Listener said;
+        itemOf(m_blur)->input(text("Input"))->setSelected(true);
+        trigger("Delete");
+        EXPECT_EQ(m_blur->inputNode(text("Input")), nullptr);
+        EXPECT_EQ(said.lines.join(QLatin1Char(' ')).indexOf(text("select a node")), -1);
+        undo();
+    }
     GraphFixture::select({m_many.first()}); // with a wire of its own and another
     itemOf(m_blur)->input(text("Input"))->setSelected(true);
     itemOf(m_viewer)->input(text("1"))->setSelected(true);

@@ -47,6 +47,7 @@ OssRdMaterial material()
         texels->size = MapSize;
         for (int i = 0; i < MapSize * MapSize * 4; ++i)
             texels->rgba.push_back(std::uint16_t(0x3800 + i % 7)); // about a half
+        texels->isOpaque = true;
         map.texels = texels;
     }
     return made;

@@ -1,6 +1,10 @@
 #include "Ossa/Surfaces/LitRenderer.h"
 #include "Ossa/Surfaces/LitScene.h"
 #include "Ossa/Surfaces/ObjectCamera.h"
+#include "Ossa/Viewer/ObjectView.h"
+#include "Ossa/Viewer/ViewerPanel.h"
+#include "OssCore/Undo/OssUndoManager.h"
+#include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "support/ModelFixture.h"
 #include "support/Text.h"
@@ -86,6 +90,33 @@ TEST_F(LitView, followsTheChannelsOfTheMaterial)
     EXPECT_TRUE(comes(OssRdMaterial::Color, {1.0F, 0.5F, 0.0F, 1.0F})) << problem();
 }
 
+TEST_F(LitView, theViewerFollowsEachChannelWhileAValueIsDragged)
+{
+    m_scene.setActive(false);
+    ViewerPanel panel;
+    panel.resize(500, 500);
+    panel.show();
+    OssActionTreeManager::instance()->findAction(text("/Ossa/Viewer/Show Object"))->trigger();
+    auto *object = panel.findChild<ObjectView *>();
+    ASSERT_NE(object, nullptr);
+    const auto shape = [object] {
+        const auto scene = object->light()->scene();
+        const auto &objects = scene->objects;
+        const bool has = !objects.empty() && objects.front().materials.count(1001) == 1;
+        return has ? objects.front().materials.at(1001).maps[OssRdMaterial::Shape].value
+                   : glm::vec4(0.0F);
+    };
+    ASSERT_TRUE(QTest::qWaitFor([&] { return shape().a == 0.5F; }, 20000));
+    // No step of the history: as while the hand holds a slider.
+    {
+        const OssUndoManager::Pause pause;
+        m_shader->setAttribute(text("Roughness"), 0.25);
+    }
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shape().a == 0.25F; }, 20000));
+    m_shader->setAttribute(text("Metallic"), 1.0);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shape().b == 1.0F; }, 20000));
+}
+
 TEST_F(LitView, surroundingsThatCannotBeReadAreToldAndChangeNothing)
 {
     const auto before = m_scene.scene()->probe;
@@ -94,6 +125,14 @@ TEST_F(LitView, surroundingsThatCannotBeReadAreToldAndChangeNothing)
     ASSERT_TRUE(QTest::qWaitFor([&] { return !refused.isEmpty(); }, 20000));
     EXPECT_TRUE(refused.front().front().toString().contains(text("/nowhere/sky.hdr")));
     EXPECT_EQ(m_scene.scene()->probe, before);
+
+    // One that was chosen once and is gone when the next session begins.
+    LitScene next;
+    QSignalSpy told(&next, &LitScene::refused);
+    next.setSurroundings(text("/nowhere/sky.hdr"));
+    next.setActive(true);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return next.scene()->probe != nullptr; }, 20000));
+    EXPECT_EQ(told.size(), 1);
     m_scene.setSurroundings(text("Overcast"));
     ASSERT_TRUE(QTest::qWaitFor([&] { return m_scene.scene()->probe != before; }, 20000));
 }

@@ -84,13 +84,18 @@ OssSurfaceMaps OssSurfaceMaps::of(const OssSnProducer &shown, const OssGeoEntity
         material.channels = {{shown.outputPoint, OssSnDataKind::Color, true}};
     }
     material.entity = entity;
-    auto source = std::make_shared<OssExportSource>(OssExportSource::withoutFreshPaint(material));
+    OssExportSource source = OssExportSource::withoutFreshPaint(material);
     if (!isMaterial)
-        source->channels = QStringList{BaseColor};
-    source->target.keepIntermediates = true; // the next edit comes soon
+        source.channels = QStringList{BaseColor};
+    source.target.keepIntermediates = true; // the next edit comes soon
     maps.m_reach = reachOf(material);
-    maps.m_problem = source->state.error();
-    maps.m_source = source;
+    maps.m_problem = source.state.error();
+    maps.m_mesh = source.target.mesh;
+    for (int map = 0; maps.m_problem.isEmpty() && map < Maps; ++map) {
+        OssEvTarget &target = maps.m_targets[std::size_t(map)];
+        target = source.job(fileOf(Map(map), 0, 0)).target;
+        target.bleed = Beyond;
+    }
     return maps;
 }
 
@@ -99,26 +104,23 @@ QString OssSurfaceMaps::problem() const
     return m_problem;
 }
 
-QVector<QPointer<const OssSnBaseNode>> OssSurfaceMaps::sources() const
-{
-    return m_source ? m_source->graph.sources : QVector<QPointer<const OssSnBaseNode>>();
-}
-
 std::shared_ptr<const OssEvMesh> OssSurfaceMaps::mesh() const
 {
-    return m_source ? m_source->target.mesh : nullptr;
+    return m_mesh;
 }
 
 OssEvTarget OssSurfaceMaps::target(Map map, int patch, int resolution) const
 {
-    OssEvTarget target = m_source->job(fileOf(map, patch, resolution)).target;
-    target.bleed = Beyond;
+    OssEvTarget target = m_targets[map];
+    target.patch = patch;
+    target.width = resolution;
+    target.height = resolution;
     return target;
 }
 
 OssEvResult OssSurfaceMaps::key(Map map, int patch, int resolution, OssEvKey *key) const
 {
-    OssEvBake::Job job = m_source->job(fileOf(map, patch, resolution));
-    job.target.bleed = Beyond;
+    OssEvBake::Job job;
+    job.target = target(map, patch, resolution);
     return OssEvBake::key(job, key);
 }

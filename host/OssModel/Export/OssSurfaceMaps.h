@@ -5,9 +5,8 @@
 #include "OssModel/Export/OssExportMaterials.h"
 #include "OssModel/Nodes/OssSnProducer.h"
 
+#include <array>
 #include <memory>
-
-struct OssExportSource;
 
 /// What a surface is made of, for whoever shows it in light: the channels of a material packed four at a
 /// time, copied out of the document. Of a node that is no material its output is the base colour.
@@ -31,8 +30,6 @@ public:
 
     /// Why there is nothing to compute, in words.
     QString problem() const;
-    /// The document's nodes that were copied: other values there, other pixels.
-    QVector<QPointer<const OssSnBaseNode>> sources() const;
     std::shared_ptr<const OssEvMesh> mesh() const;
 
     /// Four channels as half floats. Any thread.
@@ -41,7 +38,8 @@ public:
     OssEvResult key(Map map, int patch, int resolution, OssEvKey *key) const;
 
 private:
-    std::shared_ptr<const OssExportSource> m_source; ///< null: nothing is shown
+    std::array<OssEvTarget, Maps> m_targets;
+    std::shared_ptr<const OssEvMesh> m_mesh;
     float m_reach = 0.0F;
     QString m_problem;
 };

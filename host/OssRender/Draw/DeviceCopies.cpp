@@ -80,15 +80,20 @@ void DeviceCopies::fillMesh(const OssRdGeometry &geometry, Copy *copy)
     attribute(3, 2, offsetof(Vertex, uv));
 }
 
-void DeviceCopies::texels(const std::shared_ptr<const OssRdMaterial::Texels> &texels, int unit)
+bool DeviceCopies::bindFlat(const std::shared_ptr<const void> &of, int unit)
 {
     bool isNew = false;
-    Copy &copy = find(texels, &isNew);
+    Copy &copy = find(of, &isNew);
     if (isNew)
         copy.texture = makeTexture();
     glActiveTexture(GL_TEXTURE0 + GLenum(unit));
     glBindTexture(GL_TEXTURE_2D, copy.texture.get());
-    if (!isNew)
+    return isNew;
+}
+
+void DeviceCopies::texels(const std::shared_ptr<const OssRdMaterial::Texels> &texels, int unit)
+{
+    if (!bindFlat(texels, unit))
         return;
     glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
     glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA16F, texels->size, texels->size, 0, GL_RGBA,
@@ -131,13 +136,7 @@ void DeviceCopies::fillProbe(const OssRdLightProbe &probe, Copy *copy)
 
 void DeviceCopies::picture(const std::shared_ptr<const OssRdPicture> &picture, int unit)
 {
-    bool isNew = false;
-    Copy &copy = find(picture, &isNew);
-    if (isNew)
-        copy.texture = makeTexture();
-    glActiveTexture(GL_TEXTURE0 + GLenum(unit));
-    glBindTexture(GL_TEXTURE_2D, copy.texture.get());
-    if (!isNew)
+    if (!bindFlat(picture, unit))
         return;
     glTexImage2D(GL_TEXTURE_2D, 0, GL_RGB16F, picture->width, picture->height, 0, GL_RGB, GL_FLOAT,
                  picture->texels.data());

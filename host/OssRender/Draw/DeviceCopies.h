@@ -37,6 +37,8 @@ private:
 
     /// `isNew`: it has to be filled.
     Copy &find(const std::shared_ptr<const void> &of, bool *isNew);
+    /// Binds its texture; whether that has to be filled.
+    bool bindFlat(const std::shared_ptr<const void> &of, int unit);
     static void fillMesh(const OssRdGeometry &geometry, Copy *copy);
     static void fillProbe(const OssRdLightProbe &probe, Copy *copy);
 

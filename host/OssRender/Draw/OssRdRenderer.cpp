@@ -17,7 +17,8 @@ namespace {
 
 constexpr int SamplesOfPixel = 4;
 constexpr int ShadowSize = 1536;
-constexpr int BandHeight = 48;
+constexpr int SmoothBand = 240;
+constexpr int ExactBand = 60;
 /// How far the ground's shadow is drawn, in radii of all objects.
 constexpr float GroundReach = 3.0F;
 
@@ -373,7 +374,7 @@ void OssRdRenderer::Private::drawObjects(const OssRdScene &scene, const OssRdVie
     const bool lets = std::any_of(scene.objects.cbegin(), scene.objects.cend(), [](const auto &o) {
         return std::any_of(o.materials.cbegin(), o.materials.cend(), [](const auto &material) {
             const OssRdMaterial::Channel4 &color = material.second.maps[OssRdMaterial::Color];
-            return color.texels || color.value.a < 1.0F;
+            return color.texels ? !color.texels->isOpaque : color.value.a < 1.0F;
         });
     });
     surface.set("isWire", 0);
@@ -428,7 +429,7 @@ bool OssRdRenderer::Private::draw(const OssRdScene &scene, const OssRdView &view
     glBindTexture(GL_TEXTURE_2D, shadow.get());
     target.begin();
     // Band by band what takes long, so that it can be given up for what the user wants next.
-    const int band = view.mirrorSamples > 0 ? BandHeight : view.height;
+    const int band = view.mirrorSamples > 0 ? ExactBand : view.isSmooth ? SmoothBand : view.height;
     bool isWanted = true;
     glEnable(GL_SCISSOR_TEST);
     for (int y = 0; y < view.height && isWanted; y += band) {

@@ -24,6 +24,8 @@ struct OssRdMaterial
     {
         int size = 0;
         std::vector<std::uint16_t> rgba;
+        /// Of a colour map: nothing shines through.
+        bool isOpaque = false;
     };
 
     struct Channel4

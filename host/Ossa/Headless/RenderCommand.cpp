@@ -40,12 +40,6 @@ QString tr(const char *text)
     return QCoreApplication::translate("RenderCommand", text);
 }
 
-int fail(const QString &reason)
-{
-    std::fprintf(stderr, "ossa: %s\n", qPrintable(reason));
-    return ExitCode::Failure;
-}
-
 /// What of an object is seen.
 struct Surface
 {
@@ -168,7 +162,8 @@ int drawAll(const RenderOptions &options, const OssRdScene &scene)
 {
     OssRdRenderer renderer;
     if (!renderer.problem().empty())
-        return fail(tr("Nothing can be drawn: %1").arg(QString::fromStdString(renderer.problem())));
+        return failCommand(
+            tr("Nothing can be drawn: %1").arg(QString::fromStdString(renderer.problem())));
     const ProgressBar bar;
     OssRdView view = viewOf(options);
     const int frames = std::max(1, options.frames);
@@ -180,11 +175,11 @@ int drawAll(const RenderOptions &options, const OssRdScene &scene)
             camera.projection(float(view.width) / float(view.height)));
         const OssRdImage picture = renderer.render(scene, view);
         if (picture.isEmpty())
-            return fail(QString::fromStdString(renderer.problem()));
+            return failCommand(QString::fromStdString(renderer.problem()));
         const QString path = pathOf(options, frame);
         const OssResult written = write(picture, path);
         if (!written)
-            return fail(written.error());
+            return failCommand(written.error());
         bar.show(QFileInfo(path).fileName(), frame + 1, frames);
         std::printf("%s\n", qPrintable(path));
         if (Interrupt::isRequested())
@@ -220,30 +215,31 @@ int runRenderCommand(const RenderOptions &options)
 {
     const QByteArray suffix = QFileInfo(options.output).suffix().toLatin1().toLower();
     if (!QImageWriter::supportedImageFormats().contains(suffix))
-        return fail(
+        return failCommand(
             tr("\"%1\" is no picture that can be written: use *.png or *.jpg").arg(options.output));
     OssProjectManager *projects = OssProjectManager::instance();
     const OssResult opened = projects->openProject(options.project);
     if (!opened)
-        return fail(opened.error());
+        return failCommand(opened.error());
     Interrupt::catchSignals();
     OssExportPlan::waitForMeshes(projects->currentProject());
     QVector<Surface> surfaces;
     const OssResult found = find(projects->currentProject(), options.node, &surfaces);
     if (!found)
-        return fail(found.error());
+        return failCommand(found.error());
     OssRdScene scene;
     scene.keyLight = glm::vec3(keyLight);
     Surroundings around;
-    const OssResult lit = Surroundings::make(options.environment, &around);
+    const OssResult lit = Surroundings::make(options.environment, *OssColorManagement::spaces(),
+                                             &around);
     if (!lit)
-        return fail(lit.error());
+        return failCommand(lit.error());
     scene.probe = around.probe;
     scene.surrounding = around.picture;
     for (const Surface &surface : qAsConst(surfaces)) {
         const OssResult added = addObject(surface, options.resolution, &scene);
         if (!added)
-            return fail(added.error());
+            return failCommand(added.error());
     }
     return drawAll(options, scene);
 }

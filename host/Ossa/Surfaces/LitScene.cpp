@@ -129,17 +129,20 @@ void LitScene::setSurroundings(const QString &nameOrFile)
     };
 
     elsewhere(
-        [nameOrFile] {
+        [nameOrFile, colors = OssColorManagement::spaces()] {
             Made made;
-            made.result = Surroundings::make(nameOrFile, &made.surroundings);
+            made.result = Surroundings::make(nameOrFile, *colors, &made.surroundings);
             return made;
         },
         [this, nameOrFile, before](const Made &made) {
             if (nameOrFile != m_surroundingsName)
                 return; // another one was chosen since
             if (!made.result) {
+                // A file that was chosen once may be gone: there is light nevertheless.
                 m_surroundingsName = before == nameOrFile ? QString() : before;
                 Q_EMIT refused(made.result.error());
+                if (!m_scene.probe)
+                    setSurroundings(m_surroundingsName);
                 return;
             }
             m_scene.probe = made.surroundings.probe;

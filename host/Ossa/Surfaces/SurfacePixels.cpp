@@ -64,9 +64,21 @@ struct SurfacePixels::Picture
         return true;
     }
 
+    bool isOpaque() const
+    {
+        const std::uint16_t one = OssEvHalf::fromFloat(1.0F);
+        constexpr std::uint16_t negative = 0x7FFF; // all above have the sign
+        for (std::size_t i = 3; i < texels->rgba.size(); i += 4) {
+            if (texels->rgba[i] < one || texels->rgba[i] > negative)
+                return false;
+        }
+        return true;
+    }
+
     void fill(OssRdMaterial::Channel4 *channels) const
     {
         if (!isEven()) {
+            texels->isOpaque = isOpaque();
             channels->texels = texels;
             return;
         }

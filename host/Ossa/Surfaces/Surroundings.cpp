@@ -1,6 +1,5 @@
 #include "Ossa/Surfaces/Surroundings.h"
 
-#include "OssModel/Images/OssColorManagement.h"
 #include "OssRender/Light/OssRdEnvironment.h"
 
 #include <algorithm>
@@ -8,17 +7,16 @@
 namespace {
 
 /// What is written down is linear light of BT.709.
-OssEvResult toWorking(OssRdPicture *picture)
+OssEvResult toWorking(const OssEvColorSpaces &colors, OssRdPicture *picture)
 {
-    const OssEvColorSpaces::Pointer colors = OssColorManagement::spaces();
-    if (colors->isWorking(OssEvColorSpaces::Light))
+    if (colors.isWorking(OssEvColorSpaces::Light))
         return {};
     std::vector<glm::vec4> row(std::size_t(picture->width));
     OssEvResult result;
     for (int y = 0; y < picture->height && result; ++y) {
         for (int x = 0; x < picture->width; ++x)
             row[std::size_t(x)] = glm::vec4(picture->at(x, y), 1.0F);
-        result = colors->toWorking(OssEvColorSpaces::Light, &row.front().x, row.size());
+        result = colors.toWorking(OssEvColorSpaces::Light, &row.front().x, row.size());
         for (int x = 0; x < picture->width; ++x)
             picture->at(x, y) = glm::max(glm::vec3(row[std::size_t(x)]), glm::vec3(0.0F));
     }
@@ -27,7 +25,8 @@ OssEvResult toWorking(OssRdPicture *picture)
 
 } // namespace
 
-OssResult Surroundings::make(const QString &nameOrFile, Surroundings *surroundings)
+OssResult Surroundings::make(const QString &nameOrFile, const OssEvColorSpaces &colors,
+                             Surroundings *surroundings)
 {
     const std::vector<std::string> &names = OssRdEnvironment::names();
     const std::string wanted = nameOrFile.toStdString();
@@ -38,7 +37,7 @@ OssResult Surroundings::make(const QString &nameOrFile, Surroundings *surroundin
     else
         read = OssRdEnvironment::read(wanted, &picture);
     if (read)
-        read = toWorking(&picture);
+        read = toWorking(colors, &picture);
     if (!read)
         return OssResult::failure(QString::fromStdString(read.error()));
     surroundings->probe = std::make_shared<const OssRdLightProbe>(OssRdLightProbe::of(picture));

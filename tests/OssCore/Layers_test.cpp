@@ -47,8 +47,8 @@ const QVector<Layer> &layers()
          list("OssCore OssEvaluation OssRender OssModel OssInterface OssScriptObjects OssScripting "
               "OssNodeGraph ZelGL"),
          list(
-             "Common Plugins Surfaces Headless Pictures Dialogs Export Commands Viewer Scripting Palettes "
-             "Window Start")},
+             "Common Plugins Surfaces Headless Pictures Dialogs Export Commands Painting Viewer Scripting "
+             "Palettes Window Start")},
     };
     return table;
 }

@@ -161,11 +161,11 @@ TEST_F(PaintBaking, composesThePaintOverTheImage)
     OssEvBrush brush;
     brush.color = {0.9F, 0.1F, 2.0F};
     brush.opacity = 0.6;
-    OssEvStroke painted(&what.paint, brush, {1001});
+    OssEvFlatStroke painted(&what.paint, brush, {1001});
     painted.moveTo(0.25, 0.75);
     painted.moveTo(0.75, 0.65);
     brush.erases = true;
-    OssEvStroke erased(&what.paint, brush, {1001});
+    OssEvFlatStroke erased(&what.paint, brush, {1001});
     erased.moveTo(0.4, 0.9);
     erased.moveTo(0.45, 0.15);
     erased.finish();

@@ -21,7 +21,7 @@ struct Dab
 /// Where dabs fall along a line, as the distance between them says.
 std::vector<Dab> dabsBetween(const Dab &from, const Dab &to, double radius)
 {
-    const double step = OssEvStroke::Spacing * radius;
+    const double step = OssEvBrush().spacing * radius;
     const double length = std::hypot(to.x - from.x, to.y - from.y);
     std::vector<Dab> dabs;
     for (double at = 0.0; at <= length; at += step)
@@ -72,7 +72,7 @@ const std::vector<int> Patches{1001, 1002, 1011};
 OssEvStroke::Areas draw(OssEvPaintBuffer *buffer, const OssEvBrush &brush, const Dab &from,
                         const Dab &to, const std::vector<int> &patches = Patches)
 {
-    OssEvStroke stroke(buffer, brush, patches);
+    OssEvFlatStroke stroke(buffer, brush, patches);
     OssEvStroke::Areas areas = stroke.moveTo(from.x / Resolution, 1.0 - from.y / Resolution);
     stroke.moveTo(to.x / Resolution, 1.0 - to.y / Resolution);
     for (const auto &area : stroke.finish())
@@ -158,7 +158,7 @@ TEST(Strokes, aStrokeDoesNotCareHowOftenThePointerWasSeen)
     OssEvPaintBuffer once(Resolution);
     draw(&once, brush, {40, 40}, {200, 170});
     OssEvPaintBuffer often(Resolution);
-    OssEvStroke stroke(&often, brush, Patches);
+    OssEvFlatStroke stroke(&often, brush, Patches);
     for (int i = 0; i <= 100; ++i)
         stroke.moveTo((40.0 + 1.6 * i) / Resolution, 1.0 - (40.0 + 1.3 * i) / Resolution);
     stroke.finish();
@@ -201,7 +201,7 @@ TEST(Strokes, whatAStrokeSaysItChangedLeadsBackAndForth)
     OssEvBrush brush;
     draw(&buffer, brush, {30, 30}, {60, 60});
     const OssEvPaintBuffer before = buffer;
-    OssEvStroke stroke(&buffer, brush, Patches);
+    OssEvFlatStroke stroke(&buffer, brush, Patches);
     stroke.moveTo(0.4, 0.6);
     stroke.moveTo(0.9, 0.2);
     const OssEvPaintBuffer after = buffer;
@@ -219,7 +219,7 @@ TEST(Strokes, whatAStrokeSaysItChangedLeadsBackAndForth)
 TEST(Strokes, theAreaThatIsToldHoldsEverythingThatChanged)
 {
     OssEvPaintBuffer buffer(Resolution);
-    OssEvStroke stroke(&buffer, hardBrush(18), OnePatch);
+    OssEvFlatStroke stroke(&buffer, hardBrush(18), OnePatch);
     const double path[][2] = {{120, 120}, {136, 136}, {40, 250}, {290, 260}, {299, 2}, {150, 150}};
     std::vector<Texel> before(std::size_t(Resolution) * Resolution, Bare);
     for (const auto &place : path) {
@@ -252,7 +252,7 @@ TEST(Strokes, pressureMakesTheBrushSmallerDownToADot)
 {
     const auto discOf = [](double pressure) {
         OssEvPaintBuffer buffer(Resolution);
-        OssEvStroke stroke(&buffer, hardBrush(40), OnePatch);
+        OssEvFlatStroke stroke(&buffer, hardBrush(40), OnePatch);
         moved(&stroke, 150.5, 150.5, pressure);
         return paintedTexels(buffer);
     };
@@ -263,7 +263,7 @@ TEST(Strokes, pressureMakesTheBrushSmallerDownToADot)
     EXPECT_GE(discOf(0.0), 1) << "what is touched is painted";
     EXPECT_LE(discOf(0.0), 5);
     OssEvPaintBuffer buffer(Resolution);
-    OssEvStroke stroke(&buffer, hardBrush(40), OnePatch);
+    OssEvFlatStroke stroke(&buffer, hardBrush(40), OnePatch);
     moved(&stroke, 50, 150, 0.1);
     moved(&stroke, 250, 150, 1.0); // grows on the way
     stroke.finish();
@@ -282,7 +282,7 @@ TEST(Strokes, placesInALineMakeTheStraightStrokeHoweverFarApartTheyAre)
     OssEvPaintBuffer straight(Resolution);
     draw(&straight, hardBrush(9), {20, 40}, {260, 200});
     OssEvPaintBuffer uneven(Resolution);
-    OssEvStroke stroke(&uneven, hardBrush(9), Patches);
+    OssEvFlatStroke stroke(&uneven, hardBrush(9), Patches);
     for (const double way : {0.0, 0.01, 0.012, 0.4, 0.4, 0.41, 0.99, 1.0})
         moved(&stroke, 20 + 240 * way, 40 + 160 * way);
     stroke.finish();
@@ -301,7 +301,7 @@ TEST(Strokes, aFewPlacesOnACircleMakeACircle)
                    150 + 80 * std::sin(degrees * Pi / 180)};
     };
     OssEvPaintBuffer buffer(Resolution);
-    OssEvStroke stroke(&buffer, hardBrush(2), Patches);
+    OssEvFlatStroke stroke(&buffer, hardBrush(2), Patches);
     for (int degrees = 0; degrees <= 240; degrees += 40)
         moved(&stroke, onCircle(degrees).x, onCircle(degrees).y);
     EXPECT_EQ(texelOf(buffer, 1001, int(onCircle(220).x), int(onCircle(220).y))[3], 0.0F)
@@ -319,14 +319,14 @@ TEST(Strokes, aFewPlacesOnACircleMakeACircle)
 TEST(Strokes, paintGoesOnlyWhereThereIsSomethingToPaintOn)
 {
     OssEvPaintBuffer buffer(Resolution);
-    OssEvStroke stroke(&buffer, hardBrush(30), {1002});
+    OssEvFlatStroke stroke(&buffer, hardBrush(30), {1002});
     EXPECT_TRUE(moved(&stroke, 100, 100).empty());
     moved(&stroke, 310, 100);
     const auto areas = stroke.finish();
     EXPECT_EQ(areas.count(1001), 0U);
     EXPECT_EQ(areas.count(1002), 1U);
     EXPECT_EQ(buffer.patches(), std::vector<int>{1002});
-    OssEvStroke outside(&buffer, hardBrush(30), OnePatch);
+    OssEvFlatStroke outside(&buffer, hardBrush(30), OnePatch);
     EXPECT_TRUE(moved(&outside, -500, -500).empty());
     EXPECT_TRUE(outside.changes().empty());
 }
@@ -334,11 +334,11 @@ TEST(Strokes, paintGoesOnlyWhereThereIsSomethingToPaintOn)
 TEST(Strokes, aDabAtTheCornerIsCutThere)
 {
     OssEvPaintBuffer buffer(Resolution);
-    OssEvStroke stroke(&buffer, hardBrush(20), OnePatch);
+    OssEvFlatStroke stroke(&buffer, hardBrush(20), OnePatch);
     moved(&stroke, 0, 0);
     EXPECT_NEAR(paintedTexels(buffer), 3.14159 * 400 / 4, 40);
     EXPECT_EQ(texelOf(buffer, 1001, 0, 0)[3], 1.0F);
-    OssEvStroke last(&buffer, hardBrush(20), OnePatch);
+    OssEvFlatStroke last(&buffer, hardBrush(20), OnePatch);
     const auto areas = moved(&last, Resolution, Resolution);
     EXPECT_EQ(areas.at(1001).right(), Resolution);
     EXPECT_EQ(areas.at(1001).bottom(), Resolution);
@@ -352,15 +352,16 @@ TEST(Strokes, hardBrushesAreFullWithinAndSoftOnesFallOffEvenly)
             OssEvBrush brush;
             brush.radius = radius;
             brush.hardness = hardness;
-            EXPECT_EQ(brush.coverage(brush.reach()), 0.0F);
-            EXPECT_EQ(brush.coverage(brush.reach() + 50.0), 0.0F);
-            EXPECT_EQ(brush.coverage(std::min(0.0, brush.core())), 1.0F);
-            EXPECT_GE(brush.reach() - brush.core(), 1.0) << "over a texel at least";
+            const OssEvDabShape dab(brush, radius, 1.0, 0.0, 0);
+            EXPECT_EQ(dab.atSquare(dab.reach() * dab.reach()), 0.0F);
+            EXPECT_EQ(dab.atSquare(1e6), 0.0F);
+            const double core = radius + 0.5 - std::max(1.0, radius * (1.0 - hardness));
             float last = 1.0F;
-            for (double at = 0.0; at <= brush.reach(); at += 0.05) {
-                const float covered = brush.coverage(at);
+            for (double at = 0.0; at <= dab.reach(); at += 0.05) {
+                const float covered = dab.atSquare(at * at);
                 EXPECT_LE(covered, last);
-                EXPECT_TRUE(at > brush.core() || covered == 1.0F);
+                EXPECT_TRUE(at > core || covered == 1.0F) << at;
+                EXPECT_TRUE(at < core + 0.06 || covered < 1.0F) << at;
                 last = covered;
             }
         }
@@ -372,15 +373,15 @@ TEST(Strokes, whatIsPaintedOverAndOverIsPaintedOnce)
     OssEvBrush brush = hardBrush(12);
     brush.opacity = 0.5;
     OssEvPaintBuffer buffer(Resolution);
-    OssEvStroke stroke(&buffer, brush, OnePatch);
+    OssEvFlatStroke stroke(&buffer, brush, OnePatch);
     for (int i = 0; i < 20; ++i)
         moved(&stroke, 100 + i % 2 * 50, 100);
     EXPECT_NEAR(texelOf(buffer, 1001, 125, 100)[3], 0.5F, 1e-3F);
-    OssEvStroke second(&buffer, brush, OnePatch);
+    OssEvFlatStroke second(&buffer, brush, OnePatch);
     moved(&second, 125, 100);
     EXPECT_NEAR(texelOf(buffer, 1001, 125, 100)[3], 0.75F, 1e-3F) << "the next stroke adds up";
     brush.opacity = 0.0;
-    OssEvStroke unseen(&buffer, brush, OnePatch);
+    OssEvFlatStroke unseen(&buffer, brush, OnePatch);
     moved(&unseen, 200, 200);
     EXPECT_EQ(texelOf(buffer, 1001, 200, 200), Bare);
 }

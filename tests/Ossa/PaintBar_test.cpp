@@ -6,6 +6,7 @@
 
 #include <QColorDialog>
 #include <QComboBox>
+#include <QDoubleSpinBox>
 #include <QLabel>
 #include <QSpinBox>
 #include <QToolButton>
@@ -21,6 +22,7 @@ protected:
         ModelFixture::SetUp();
         m_blur = add("Filter/Blur");
         m_network->setViewerNodeCurrentEdge(1, true);
+        Brushes::instance()->setBrush({});
         m_session = std::make_unique<PaintSession>();
         m_source = std::make_unique<ViewerSource>();
         m_bar = std::make_unique<PaintBar>(m_session.get(), m_source.get());
@@ -55,6 +57,8 @@ protected:
         }
         return nullptr;
     }
+
+    QDoubleSpinBox *size() const { return named<QDoubleSpinBox>(m_bar.get(), "Across"); }
 
     QAbstractButton *button(const char *name) const { return ::button(m_bar.get(), name); }
 
@@ -129,31 +133,39 @@ TEST_F(PaintBars, paintsOnTheNodeThatIsSelectedOrChosen)
 
 TEST_F(PaintBars, fieldsAreTheBrush)
 {
-    OssEvBrush brush = m_session->brush();
+    OssEvBrush brush = Brushes::instance()->brush();
     brush.radius = 7.3; // the keys make such
     brush.hardness = 0.4;
     brush.erases = true;
-    m_session->setBrush(brush);
-    EXPECT_EQ(number("Size ")->value(), 15);
+    Brushes::instance()->setBrush(brush);
+    EXPECT_EQ(size()->value(), 15);
     EXPECT_EQ(number("Hard ")->value(), 40);
     EXPECT_TRUE(button("Eraser")->isChecked());
     number("Hard ")->setValue(60);
-    EXPECT_DOUBLE_EQ(m_session->brush().hardness, 0.6);
-    EXPECT_DOUBLE_EQ(m_session->brush().radius, 7.3) << "another field was meant";
-    number("Size ")->setValue(20);
-    EXPECT_DOUBLE_EQ(m_session->brush().radius, 10.0);
+    EXPECT_DOUBLE_EQ(Brushes::instance()->brush().hardness, 0.6);
+    EXPECT_DOUBLE_EQ(Brushes::instance()->brush().radius, 7.3) << "another field was meant";
+    size()->setValue(20);
+    EXPECT_DOUBLE_EQ(Brushes::instance()->brush().radius, 10.0);
+    brush = Brushes::instance()->brush();
+    brush.sizeIn = OssEvBrush::SizeIn::World;
+    brush.worldRadius = 0.123;
+    Brushes::instance()->setBrush(brush);
+    EXPECT_DOUBLE_EQ(size()->value(), 0.246);
+    size()->setValue(0.5);
+    EXPECT_DOUBLE_EQ(Brushes::instance()->brush().worldRadius, 0.25);
+    EXPECT_DOUBLE_EQ(Brushes::instance()->brush().radius, 10.0) << "each has its own";
     number("Opacity ")->setValue(25);
-    EXPECT_DOUBLE_EQ(m_session->brush().opacity, 0.25);
+    EXPECT_DOUBLE_EQ(Brushes::instance()->brush().opacity, 0.25);
     button("Eraser")->setChecked(false);
-    EXPECT_FALSE(m_session->brush().erases);
+    EXPECT_FALSE(Brushes::instance()->brush().erases);
 }
 
 TEST_F(PaintBars, aColourIsTakenFromThePickerAndLeavingItChangesNothing)
 {
-    OssEvBrush brush = m_session->brush();
+    OssEvBrush brush = Brushes::instance()->brush();
     brush.erases = true;
     brush.color = {0.25F, 0.5F, 0.75F};
-    m_session->setBrush(brush);
+    Brushes::instance()->setBrush(brush);
     auto *color = named<QToolButton>(m_bar.get(), "Color of the brush");
     ASSERT_NE(color, nullptr);
     for (const bool takes : {false, true}) {
@@ -163,22 +175,23 @@ TEST_F(PaintBars, aColourIsTakenFromThePickerAndLeavingItChangesNothing)
         });
         color->click();
         const std::array<float, 3> red{1.0F, 0.0F, 0.0F};
-        EXPECT_EQ(m_session->brush().color, takes ? red : brush.color);
-        EXPECT_EQ(m_session->brush().erases, !takes) << "who takes a colour wants to paint";
+        EXPECT_EQ(Brushes::instance()->brush().color, takes ? red : brush.color);
+        EXPECT_EQ(Brushes::instance()->brush().erases, !takes)
+            << "who takes a colour wants to paint";
     }
 }
 
 TEST_F(PaintBars, theBrushLooksTheSameInAnotherWorkingSpace)
 {
-    OssEvBrush brush = m_session->brush();
+    OssEvBrush brush = Brushes::instance()->brush();
     brush.color = {1.0F, 0.0F, 0.0F};
-    m_session->setBrush(brush);
+    Brushes::instance()->setBrush(brush);
     m_project->setWorkingSpace(text("ACEScg"));
-    EXPECT_NEAR(m_session->brush().color[0], 0.6131F, 1e-3F);
-    EXPECT_NEAR(m_session->brush().color[1], 0.0702F, 1e-3F);
+    EXPECT_NEAR(Brushes::instance()->brush().color[0], 0.6131F, 1e-3F);
+    EXPECT_NEAR(Brushes::instance()->brush().color[1], 0.0702F, 1e-3F);
     m_project->setWorkingSpace({});
-    EXPECT_NEAR(m_session->brush().color[0], 1.0F, 1e-3F);
-    EXPECT_NEAR(m_session->brush().color[1], 0.0F, 1e-3F);
+    EXPECT_NEAR(Brushes::instance()->brush().color[0], 1.0F, 1e-3F);
+    EXPECT_NEAR(Brushes::instance()->brush().color[1], 0.0F, 1e-3F);
 }
 
 TEST_F(PaintBars, bakesAndSaysWhyItCannot)

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "Ossa/Viewer/PaintSession.h"
+#include "Ossa/Painting/Brushes.h"
+#include "Ossa/Painting/PaintSession.h"
 #include "Ossa/Viewer/UvView.h"
 #include "Ossa/Viewer/ViewerPictures.h"
 #include "OssCore/Program/OssSettings.h"
@@ -64,7 +65,7 @@ protected:
         brush.radius = radius;
         brush.hardness = 1.0;
         brush.erases = erases;
-        m_session->setBrush(brush);
+        Brushes::instance()->setBrush(brush);
     }
 
     void stroke(const QPointF &from, const QPointF &to)

@@ -114,13 +114,13 @@ TEST_F(PaintGestures, controlTakesTheColourThatLiesThereAndPaintsNothing)
 {
     const auto taken = [this](double u) {
         click(at(u, 0.5), Qt::ControlModifier);
-        return m_session->brush().color;
+        return Brushes::instance()->brush().color;
     };
     const std::array<float, 3> straight{0.0F, 0.5F, 1.0F};
     arrive(1001, 4, {0.0F, 0.25F, 0.5F, 0.5F});
     setBrush(Qt::red, true);
     EXPECT_EQ(taken(0.5), straight);
-    EXPECT_FALSE(m_session->brush().erases) << "who takes a colour wants to paint";
+    EXPECT_FALSE(Brushes::instance()->brush().erases) << "who takes a colour wants to paint";
     EXPECT_EQ(taken(1.5), straight) << "no values";
     arrive(1002, 1, {0.25F});
     EXPECT_EQ(taken(1.5), (std::array<float, 3>{0.25F, 0.25F, 0.25F}));
@@ -161,15 +161,15 @@ TEST_F(PaintGestures, aStrokeEndsWithTheFocusAndWithPainting)
 
 TEST_F(PaintGestures, theBrushChangesWithinItsLimits)
 {
-    m_session->scaleBrush(2.0);
-    EXPECT_DOUBLE_EQ(m_session->brush().radius, 12.0);
-    m_session->hardenBrush(-0.25);
-    EXPECT_DOUBLE_EQ(m_session->brush().hardness, 0.75);
+    Brushes::instance()->scale(2.0);
+    EXPECT_DOUBLE_EQ(Brushes::instance()->brush().radius, 12.0);
+    Brushes::instance()->harden(-0.25);
+    EXPECT_DOUBLE_EQ(Brushes::instance()->brush().hardness, 0.75);
     for (const bool most : {true, false}) {
-        m_session->scaleBrush(most ? 1e6 : 1e-6);
-        m_session->hardenBrush(most ? 9.0 : -9.0);
-        EXPECT_DOUBLE_EQ(m_session->brush().radius, most ? 2048.0 : 0.5);
-        EXPECT_DOUBLE_EQ(m_session->brush().hardness, most ? 1.0 : 0.0);
+        Brushes::instance()->scale(most ? 1e6 : 1e-6);
+        Brushes::instance()->harden(most ? 9.0 : -9.0);
+        EXPECT_DOUBLE_EQ(Brushes::instance()->brush().radius, most ? 2048.0 : 0.5);
+        EXPECT_DOUBLE_EQ(Brushes::instance()->brush().hardness, most ? 1.0 : 0.0);
     }
 }
 
@@ -283,11 +283,11 @@ TEST_F(PaintGestures, everyPressureOfAPenCountsUpToAMouses)
 
 TEST_F(PaintGestures, theOutlineIsUnderThePointerWhilePainting)
 {
-    const auto setEdge = [this](double hardness) {
-        OssEvBrush brush = m_session->brush();
+    const auto setEdge = [](double hardness) {
+        OssEvBrush brush = Brushes::instance()->brush();
         brush.radius = 12.0;
         brush.hardness = hardness;
-        m_session->setBrush(brush);
+        Brushes::instance()->setBrush(brush);
     };
     setEdge(1.0);
     QEvent leave(QEvent::Leave);

@@ -1,4 +1,4 @@
-#include "Ossa/Viewer/PaintTileStore.h"
+#include "Ossa/Painting/PaintTileStore.h"
 
 #include "support/ExpectedLog.h"
 #include "support/SystemCallFaults.h"

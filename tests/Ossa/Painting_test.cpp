@@ -1,5 +1,5 @@
-#include "Ossa/Viewer/PaintComposer.h"
-#include "Ossa/Viewer/PaintPreferences.h"
+#include "Ossa/Painting/PaintComposer.h"
+#include "Ossa/Painting/PaintPreferences.h"
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Objects/OssCanvasManager.h"
@@ -337,9 +337,9 @@ TEST_F(Painting, picturesShowPaintOverTheValuesBeneath)
     ViewerLook look;
     look.raw = true;
     m_pictures.setLook(look);
-    OssEvBrush brush = m_session->brush();
+    OssEvBrush brush = Brushes::instance()->brush();
     brush.opacity = 0.5;
-    m_session->setBrush(brush);
+    Brushes::instance()->setBrush(brush);
     dab();
     // A tile that comes later has the paint on it as well.
     m_pictures.setTile(1001, Resolution, {0, 0}, ViewerPixels::picture(*tile, look), tile);
@@ -354,7 +354,7 @@ TEST_F(Painting, picturesShowPaintOverTheValuesBeneath)
     // Behind other nodes an eraser shows what the fresh paint lies on, on its own also below.
     brush.opacity = 1.0;
     brush.erases = true;
-    m_session->setBrush(brush);
+    Brushes::instance()->setBrush(brush);
     dab();
     EXPECT_EQ(m_pictures.picture(1001).pixelColor(32, 32), QColor(Qt::blue));
     m_pictures.setShowsOwnImages(true);

@@ -1,8 +1,9 @@
 #include "Ossa/Viewer/ViewerPanel.h"
 
+#include "Ossa/Painting/Brushes.h"
+#include "Ossa/Painting/PaintSession.h"
 #include "Ossa/Viewer/ObjectView.h"
 #include "Ossa/Viewer/PaintBar.h"
-#include "Ossa/Viewer/PaintSession.h"
 #include "Ossa/Viewer/UvView.h"
 #include "Ossa/Viewer/ViewerPictures.h"
 #include "Ossa/Viewer/ViewerSource.h"
@@ -303,8 +304,9 @@ TEST_F(ViewerParts, modesAndPaintingGoTogether)
         {"2D", "2D "},
         {"Paint", "2D Paint"},
         {"Both", "2D 3D Light Paint"},
-        {"3D", "3D Light "},
-        {"Paint", "2D 3D Light Paint"},
+        {"3D", "3D Light Paint"},
+        {"Paint", "3D Light "},
+        {"Paint", "3D Light Paint"},
         {"2D", "2D Paint"},
         {"Paint", "2D "},
         {"3D", "3D Light "},
@@ -355,7 +357,6 @@ TEST_F(ViewerParts, thePointerGivesTheBrushItsKeysUnlessTheUserWritesElsewhere)
 
 TEST_F(ViewerParts, keysAreCommandsThatActInThePicturesAlone)
 {
-    const auto *session = m_panel->findChild<PaintSession *>();
     auto *view = m_panel->findChild<UvView *>();
     auto *object = m_panel->findChild<ObjectView *>();
     m_panel->activateWindow();
@@ -366,7 +367,7 @@ TEST_F(ViewerParts, keysAreCommandsThatActInThePicturesAlone)
     };
     button("Both")->click();
     const auto state = [&] {
-        const OssEvBrush &brush = session->brush();
+        const OssEvBrush &brush = Brushes::instance()->brush();
         return std::tuple(brush.radius, brush.hardness, brush.erases, object->isLit());
     };
     const auto keys = {Qt::Key_E, Qt::Key_BracketLeft, Qt::Key_BracketRight, Qt::Key_BraceLeft,

@@ -59,6 +59,7 @@ OssEvRayTree::OssEvRayTree(const OssEvMesh &mesh)
         m_triangles.push_back({corner, minus(mesh.positions[triangle[1]], corner),
                                minus(mesh.positions[triangle[2]], corner)});
     }
+    m_order = std::move(order);
 }
 
 // Without recursion, in the order in which a ray walks.
@@ -110,50 +111,107 @@ void OssEvRayTree::build(std::vector<std::uint32_t> *order, const std::vector<Ve
 }
 
 // The test of T. Moeller and B. Trumbore, "Fast, Minimum Storage Ray/Triangle Intersection", 1997.
-bool OssEvRayTree::isHit(const Vector3 &origin, const Vector3 &direction, float distance) const
+bool OssEvRayTree::Triangle::isHitBy(const Vector3 &origin, const Vector3 &direction,
+                                     Hit *hit) const
 {
-    const Vector3 inverse{1.0F / direction[0], 1.0F / direction[1], 1.0F / direction[2]};
-    const auto misses = [&](const Box &box) {
-        float near = 0.0F;
-        float far = distance;
-        for (std::size_t k = 0; k < 3; ++k) {
-            const float a = (box.low[k] - origin[k]) * inverse[k];
-            const float b = (box.high[k] - origin[k]) * inverse[k];
-            near = std::max(near, std::min(a, b));
-            far = std::min(far, std::max(a, b));
-        }
-        return near > far;
-    };
-    const auto hits = [&](const Triangle &triangle) {
-        const Vector3 p = cross(direction, triangle.second);
-        const float determinant = dot(triangle.first, p);
-        if (std::abs(determinant) < 1e-12F)
-            return false;
-        const float factor = 1.0F / determinant;
-        const Vector3 offset = minus(origin, triangle.corner);
-        const float u = dot(offset, p) * factor;
-        const Vector3 q = cross(offset, triangle.first);
-        const float v = dot(direction, q) * factor;
-        const float t = dot(triangle.second, q) * factor;
-        return u >= 0.0F && v >= 0.0F && u + v <= 1.0F && t > 0.0F && t < distance;
-    };
+    const Vector3 p = cross(direction, second);
+    const float determinant = dot(first, p);
+    if (std::abs(determinant) < 1e-12F)
+        return false;
+    const float factor = 1.0F / determinant;
+    const Vector3 offset = minus(origin, corner);
+    hit->second = dot(offset, p) * factor;
+    const Vector3 q = cross(offset, first);
+    hit->third = dot(direction, q) * factor;
+    hit->distance = dot(second, q) * factor;
+    return hit->second >= 0.0F && hit->third >= 0.0F && hit->second + hit->third <= 1.0F
+           && hit->distance > 0.0F;
+}
+
+bool OssEvRayTree::isMissed(const Box &box, const Vector3 &origin, const Vector3 &inverse,
+                            float distance)
+{
+    float near = 0.0F;
+    float far = distance;
+    for (std::size_t k = 0; k < 3; ++k) {
+        const float a = (box.low[k] - origin[k]) * inverse[k];
+        const float b = (box.high[k] - origin[k]) * inverse[k];
+        near = std::max(near, std::min(a, b));
+        far = std::min(far, std::max(a, b));
+    }
+    return near > far;
+}
+
+template <class Enters, class Visit>
+void OssEvRayTree::walk(const Enters &enters, const Visit &visit) const
+{
+    if (m_triangles.empty())
+        return;
     // Halves are at most one apart in size: the tree is never deeper than this.
     std::array<std::uint32_t, 64> open{};
     std::size_t count = 1;
     while (count > 0) {
         const std::uint32_t index = open[--count];
         const Node &node = m_nodes[index];
-        if (misses(node.box))
+        if (!enters(node.box))
             continue;
         if (node.count == 0) {
             open[count++] = node.next;
             open[count++] = index + 1;
-            continue;
-        }
-        for (std::uint32_t i = 0; i < node.count; ++i) {
-            if (hits(m_triangles[node.next + i]))
-                return true;
+        } else if (!visit(node)) {
+            return;
         }
     }
-    return false;
+}
+
+bool OssEvRayTree::isHit(const Vector3 &origin, const Vector3 &direction, float distance) const
+{
+    const Vector3 inverse{1.0F / direction[0], 1.0F / direction[1], 1.0F / direction[2]};
+    bool found = false;
+    walk([&](const Box &box) { return !isMissed(box, origin, inverse, distance); },
+         [&](const Node &node) {
+             Hit hit;
+             for (std::uint32_t i = 0; i < node.count && !found; ++i)
+                 found = m_triangles[node.next + i].isHitBy(origin, direction, &hit)
+                         && hit.distance < distance;
+             return !found;
+         });
+    return found;
+}
+
+std::optional<OssEvRayTree::Hit> OssEvRayTree::firstHit(const Vector3 &origin,
+                                                        const Vector3 &direction,
+                                                        float distance) const
+{
+    const Vector3 inverse{1.0F / direction[0], 1.0F / direction[1], 1.0F / direction[2]};
+    std::optional<Hit> first;
+    walk([&](const Box &box) { return !isMissed(box, origin, inverse, distance); },
+         [&](const Node &node) {
+             Hit hit;
+             for (std::uint32_t i = node.next; i < node.next + node.count; ++i) {
+                 if (!m_triangles[i].isHitBy(origin, direction, &hit) || hit.distance >= distance)
+                     continue;
+                 distance = hit.distance; // nothing behind it is looked at any more
+                 hit.triangle = m_order[i];
+                 first = hit;
+             }
+             return true;
+         });
+    return first;
+}
+
+void OssEvRayTree::trianglesIn(const Vector3 &low, const Vector3 &high,
+                               std::vector<std::uint32_t> *triangles) const
+{
+    const auto touches = [&](const Box &box) {
+        bool touching = true;
+        for (std::size_t k = 0; k < 3; ++k)
+            touching = touching && box.low[k] <= high[k] && box.high[k] >= low[k];
+        return touching;
+    };
+    walk(touches, [&](const Node &node) {
+        triangles->insert(triangles->end(), m_order.begin() + node.next,
+                          m_order.begin() + node.next + node.count);
+        return true;
+    });
 }

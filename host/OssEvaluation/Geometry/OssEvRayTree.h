@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 class OssEvMesh;
@@ -20,6 +21,23 @@ public:
 
     /// Whether anything lies on the ray nearer than `distance`. The direction has length 1.
     bool isHit(const Vector3 &origin, const Vector3 &direction, float distance) const;
+
+    /// Where a ray meets the surface.
+    struct Hit
+    {
+        std::uint32_t triangle = 0; ///< of the mesh
+        float distance = 0.0F;      ///< in lengths of the direction
+        float second = 0.0F;        ///< weights of the triangle's second and third corner
+        float third = 0.0F;
+    };
+
+    /// The first one from the origin on; none beyond `distance`.
+    std::optional<Hit> firstHit(const Vector3 &origin, const Vector3 &direction,
+                                float distance) const;
+
+    /// Triangles of the mesh of which a part may lie in a box.
+    void trianglesIn(const Vector3 &low, const Vector3 &high,
+                     std::vector<std::uint32_t> *triangles) const;
 
 private:
     struct Box
@@ -45,11 +63,22 @@ private:
         Vector3 corner;
         Vector3 first;
         Vector3 second;
+
+        /// Its number in the mesh is not told.
+        bool isHitBy(const Vector3 &origin, const Vector3 &direction, Hit *hit) const;
     };
+
+    /// Calls `visit(node)` for leaves of boxes that `enters(box)` does not refuse, near each other in the
+    /// mesh one after the other, until it gives false.
+    template <class Enters, class Visit>
+    void walk(const Enters &enters, const Visit &visit) const;
+    static bool isMissed(const Box &box, const Vector3 &origin, const Vector3 &inverse,
+                         float distance);
 
     void build(std::vector<std::uint32_t> *order, const std::vector<Vector3> &centres,
                const OssEvMesh &mesh);
 
     std::vector<Node> m_nodes;
     std::vector<Triangle> m_triangles;
+    std::vector<std::uint32_t> m_order; ///< of m_triangles, in the mesh
 };

@@ -65,18 +65,33 @@ std::shared_ptr<const OssEvSurfaceMap> OssEvSurfaceMap::make(std::shared_ptr<con
                                                              const OssEvCancel *cancel, int bleed)
 {
     std::shared_ptr<OssEvSurfaceMap> map(
-        new OssEvSurfaceMap(std::move(mesh), frame, margin(frame.width, bleed)));
-    const bool complete = map->clear(cancel) && map->rasterise(cancel) && map->dilate(cancel);
+        new OssEvSurfaceMap(std::move(mesh), frame, frame.region(), margin(frame.width, bleed)));
+    const bool complete = map->clear(cancel)
+                          && map->rasterise(map->m_mesh->trianglesOf(frame.patch), cancel)
+                          && map->dilate(cancel);
     return complete ? map : nullptr;
 }
 
+std::shared_ptr<const OssEvSurfaceMap> OssEvSurfaceMap::makePart(
+    std::shared_ptr<const OssEvMesh> mesh, const OssEvFrame &frame, const OssEvRegion &part,
+    const std::vector<std::int32_t> &triangles, int bleed)
+{
+    std::shared_ptr<OssEvSurfaceMap> map(
+        new OssEvSurfaceMap(std::move(mesh), frame, part, margin(frame.width, bleed)));
+    map->clear(nullptr);
+    map->rasterise(triangles, nullptr);
+    map->dilate(nullptr);
+    return map;
+}
+
 OssEvSurfaceMap::OssEvSurfaceMap(std::shared_ptr<const OssEvMesh> mesh, const OssEvFrame &frame,
-                                 int margin)
+                                 const OssEvRegion &part, int margin)
     : m_mesh(std::move(mesh))
     , m_frame(frame)
+    , m_part(part)
     , m_margin(margin)
-    , m_faces(std::size_t(frame.width) * std::size_t(frame.height) * sizeof(std::int32_t))
-    , m_offsets(std::size_t(frame.width) * std::size_t(frame.height) * sizeof(Offset))
+    , m_faces(texels() * sizeof(std::int32_t))
+    , m_offsets(texels() * sizeof(Offset))
 {
 }
 
@@ -90,16 +105,18 @@ int OssEvSurfaceMap::margin(int width, int bleed)
 // Touching fresh memory takes its time: it is done in rows that can be given up.
 bool OssEvSurfaceMap::clear(const OssEvCancel *cancel)
 {
-    for (int y = 0; y < m_frame.height && !isCancelled(cancel); ++y) {
-        std::fill_n(faces() + index(0, y), m_frame.width, -1);
-        std::fill_n(offsets() + index(0, y), m_frame.width, Offset{std::int8_t(NotCovered), 0});
+    for (int y = m_part.y; y < m_part.bottom() && !isCancelled(cancel); ++y) {
+        std::fill_n(faces() + index(m_part.x, y), m_part.width, -1);
+        std::fill_n(offsets() + index(m_part.x, y), m_part.width,
+                    Offset{std::int8_t(NotCovered), 0});
     }
     return !isCancelled(cancel);
 }
 
-bool OssEvSurfaceMap::rasterise(const OssEvCancel *cancel)
+bool OssEvSurfaceMap::rasterise(const std::vector<std::int32_t> &triangles,
+                                const OssEvCancel *cancel)
 {
-    for (const std::int32_t triangle : m_mesh->trianglesOf(m_frame.patch)) {
+    for (const std::int32_t triangle : triangles) {
         if (isCancelled(cancel))
             return false;
         rasteriseTriangle(triangle, cancel);
@@ -120,8 +137,8 @@ void OssEvSurfaceMap::rasteriseTriangle(int triangle, const OssEvCancel *cancel)
                           - 0.5};
     }
     const auto [low, high] = std::minmax({corners[0].y, corners[1].y, corners[2].y});
-    const int first = std::max(0, int(std::ceil(std::max(low - Slack, -1.0))));
-    const int last = std::min(m_frame.height - 1,
+    const int first = std::max(m_part.y, int(std::ceil(std::max(low - Slack, -1.0))));
+    const int last = std::min(m_part.bottom() - 1,
                               int(std::floor(std::min(high + Slack, m_frame.height + 1.0))));
     for (int y = first; y <= last && !isCancelled(cancel); ++y) {
         double left = 1e30;
@@ -141,8 +158,8 @@ void OssEvSurfaceMap::rasteriseTriangle(int triangle, const OssEvCancel *cancel)
             left = std::min(left, x);
             right = std::max(right, x);
         }
-        const int begin = std::max(0, int(std::ceil(std::max(left - Slack, -1.0))));
-        const int end = std::min(m_frame.width - 1,
+        const int begin = std::max(m_part.x, int(std::ceil(std::max(left - Slack, -1.0))));
+        const int end = std::min(m_part.right() - 1,
                                  int(std::floor(std::min(right + Slack, m_frame.width + 1.0))));
         for (int x = begin; x <= end; ++x) {
             if (faces()[index(x, y)] < 0) {
@@ -156,18 +173,18 @@ void OssEvSurfaceMap::rasteriseTriangle(int triangle, const OssEvCancel *cancel)
 // Exact distances in two passes: first along columns, then the best column for each texel.
 bool OssEvSurfaceMap::dilate(const OssEvCancel *cancel)
 {
-    const OssEvBuffer buffer(index(0, m_frame.height) * sizeof(std::int16_t));
+    const OssEvBuffer buffer(texels() * sizeof(std::int16_t));
     auto *vertical = buffer.as<std::int16_t>();
-    for (int y = 0; y < m_frame.height && !isCancelled(cancel); ++y) {
-        std::fill_n(vertical + index(0, y), m_frame.width, std::int16_t(NotCovered));
+    for (int y = m_part.y; y < m_part.bottom() && !isCancelled(cancel); ++y) {
+        std::fill_n(vertical + index(m_part.x, y), m_part.width, std::int16_t(NotCovered));
         sweepRow(y, y - 1, vertical);
     }
-    for (int y = m_frame.height - 1; y >= 0 && !isCancelled(cancel); --y)
+    for (int y = m_part.bottom() - 1; y >= m_part.y && !isCancelled(cancel); --y)
         sweepRow(y, y + 1, vertical);
-    for (int y = 0; y < m_frame.height; ++y) {
+    for (int y = m_part.y; y < m_part.bottom(); ++y) {
         if (isCancelled(cancel))
             return false;
-        for (int x = 0; x < m_frame.width; ++x) {
+        for (int x = m_part.x; x < m_part.right(); ++x) {
             if (faces()[index(x, y)] < 0)
                 findNearest(x, y, vertical);
         }
@@ -179,16 +196,16 @@ bool OssEvSurfaceMap::dilate(const OssEvCancel *cancel)
 void OssEvSurfaceMap::sweepRow(int y, int from, std::int16_t *vertical) const
 {
     const int reach = m_margin;
-    std::int16_t *row = vertical + index(0, y);
-    for (int x = 0; x < m_frame.width; ++x) {
+    for (int x = m_part.x; x < m_part.right(); ++x) {
+        std::int16_t &own = vertical[index(x, y)];
         if (faces()[index(x, y)] >= 0) {
-            row[x] = 0;
-        } else if (from >= 0 && from < m_frame.height) {
+            own = 0;
+        } else if (from >= m_part.y && from < m_part.bottom()) {
             const int next = vertical[index(x, from)];
             const int candidate = next + (from - y);
-            const bool nearer = row[x] == NotCovered || std::abs(candidate) < std::abs(int(row[x]));
+            const bool nearer = own == NotCovered || std::abs(candidate) < std::abs(int(own));
             if (next != NotCovered && std::abs(candidate) <= reach && nearer)
-                row[x] = std::int16_t(candidate);
+                own = std::int16_t(candidate);
         }
     }
 }
@@ -197,8 +214,8 @@ void OssEvSurfaceMap::findNearest(int x, int y, const std::int16_t *vertical)
 {
     const int reach = m_margin;
     int best = reach * reach + 1;
-    const int end = std::min(m_frame.width - 1, x + reach);
-    for (int column = std::max(0, x - reach); column <= end; ++column) {
+    const int end = nearestColumn(x + reach);
+    for (int column = nearestColumn(x - reach); column <= end; ++column) {
         const int down = vertical[index(column, y)];
         const int distance = (column - x) * (column - x) + down * down;
         if (down != NotCovered && distance < best) {
@@ -243,7 +260,7 @@ void OssEvSurfaceMap::interpolate(int x, int y, int width,
                                   const std::array<float, N> &fallback,
                                   const std::array<float *, N> &to) const
 {
-    const int row = std::clamp(y, 0, m_frame.height - 1);
+    const int row = nearestRow(y);
     const double columnOffset = OssEvPatch::column(m_frame.patch);
     const double rowOffset = OssEvPatch::row(m_frame.patch);
     int current = -1;
@@ -251,7 +268,7 @@ void OssEvSurfaceMap::interpolate(int x, int y, int width,
     for (int i = 0; i < width; ++i) {
         int coveredX = 0;
         int coveredY = 0;
-        nearestCovered(std::clamp(x + i, 0, m_frame.width - 1), row, &coveredX, &coveredY);
+        nearestCovered(nearestColumn(x + i), row, &coveredX, &coveredY);
         const int triangle = faces()[index(coveredX, coveredY)];
         if (triangle < 0) {
             for (std::size_t k = 0; k < N; ++k)
@@ -280,9 +297,9 @@ void OssEvSurfaceMap::colors(int x, int y, int width, const std::array<float *, 
         interpolate(x, y, width, m_mesh->colors, {}, to);
         return;
     }
-    const int row = std::clamp(y, 0, m_frame.height - 1);
+    const int row = nearestRow(y);
     for (int i = 0; i < width; ++i) {
-        const bool isAnswered = face(std::clamp(x + i, 0, m_frame.width - 1), row) >= 0;
+        const bool isAnswered = face(nearestColumn(x + i), row) >= 0;
         for (float *plane : to)
             plane[i] = isAnswered ? 1.0F : 0.0F;
     }
@@ -306,8 +323,7 @@ void OssEvSurfaceMap::derivatives(int x, int y, std::array<double, 3> *alongU,
 {
     *alongU = {};
     *alongV = {};
-    const int triangle = face(std::clamp(x, 0, m_frame.width - 1),
-                              std::clamp(y, 0, m_frame.height - 1));
+    const int triangle = face(nearestColumn(x), nearestRow(y));
     if (triangle < 0)
         return;
     const Slope<3> slope(*m_mesh, m_mesh->positions, triangle);

@@ -6,6 +6,7 @@
 #include "OssEvaluation/Values/OssEvCancel.h"
 #include "OssEvaluation/Values/OssEvRegion.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <memory>
@@ -30,6 +31,13 @@ public:
                                                        const OssEvFrame &frame,
                                                        const OssEvCancel *cancel,
                                                        int bleed = MarginAt4k);
+
+    /// Of a part of the patch alone, which the given triangles touch. What is asked about must lie in it.
+    /// Only a covered texel of the part answers for others, so of texels nearer to its edge than the
+    /// margin the nearest one may be missed.
+    static std::shared_ptr<const OssEvSurfaceMap> makePart(
+        std::shared_ptr<const OssEvMesh> mesh, const OssEvFrame &frame, const OssEvRegion &part,
+        const std::vector<std::int32_t> &triangles, int bleed = MarginAt4k);
 
     const OssEvFrame &frame() const { return m_frame; }
 
@@ -78,19 +86,26 @@ private:
         std::int8_t y;
     };
 
-    OssEvSurfaceMap(std::shared_ptr<const OssEvMesh> mesh, const OssEvFrame &frame, int margin);
+    OssEvSurfaceMap(std::shared_ptr<const OssEvMesh> mesh, const OssEvFrame &frame,
+                    const OssEvRegion &part, int margin);
 
     std::size_t index(int x, int y) const
     {
-        return std::size_t(y) * std::size_t(m_frame.width) + std::size_t(x);
+        return std::size_t(y - m_part.y) * std::size_t(m_part.width) + std::size_t(x - m_part.x);
     }
+
+    std::size_t texels() const { return std::size_t(m_part.width) * std::size_t(m_part.height); }
+
+    int nearestColumn(int x) const { return std::clamp(x, m_part.x, m_part.right() - 1); }
+
+    int nearestRow(int y) const { return std::clamp(y, m_part.y, m_part.bottom() - 1); }
 
     std::int32_t *faces() const { return m_faces.as<std::int32_t>(); }
 
     Offset *offsets() const { return m_offsets.as<Offset>(); }
 
     bool clear(const OssEvCancel *cancel);
-    bool rasterise(const OssEvCancel *cancel);
+    bool rasterise(const std::vector<std::int32_t> &triangles, const OssEvCancel *cancel);
     void rasteriseTriangle(int triangle, const OssEvCancel *cancel);
     bool dilate(const OssEvCancel *cancel);
     void sweepRow(int y, int from, std::int16_t *vertical) const;
@@ -101,6 +116,7 @@ private:
 
     std::shared_ptr<const OssEvMesh> m_mesh;
     OssEvFrame m_frame;
+    OssEvRegion m_part; ///< of the frame, which is known
     int m_margin;
     /// Of covered texels; -1 for the others.
     OssEvBuffer m_faces;

@@ -35,6 +35,17 @@ struct OssEvRegion
                 std::min(bottom(), other.bottom()) - top};
     }
 
+    /// The smallest rectangle around both; empty ones do not count.
+    OssEvRegion united(const OssEvRegion &other) const
+    {
+        if (isEmpty() || other.isEmpty())
+            return isEmpty() ? other : *this;
+        const int left = std::min(x, other.x);
+        const int top = std::min(y, other.y);
+        return {left, top, std::max(right(), other.right()) - left,
+                std::max(bottom(), other.bottom()) - top};
+    }
+
     bool operator==(const OssEvRegion &other) const
     {
         return x == other.x && y == other.y && width == other.width && height == other.height;

@@ -98,7 +98,7 @@ const std::vector<Row> RowTable{
     {"/Ossa/Viewer", QT_TR_NOOP("Toggle Ground Shadow"), "", "Light 4.2", Always, QT_TR_NOOP("Let the object cast a shadow on the ground")},
     {"/Ossa/Viewer", QT_TR_NOOP("Toggle Wireframe"), "W", "Light 4.3", Always, QT_TR_NOOP("Draw the edges of the mesh over the object")},
     {"/Ossa/Viewer", QT_TR_NOOP("Hide Back Faces"), "", "Light 4.4", Always, QT_TR_NOOP("Show the object's faces from their front alone")},
-    {"/Ossa/Viewer", QT_TR_NOOP("Toggle Painting"), "", "Viewer 2.1", Always, QT_TR_NOOP("Paint on the patches, or only look at them")},
+    {"/Ossa/Viewer", QT_TR_NOOP("Toggle Painting"), "", "Viewer 2.1", Always, QT_TR_NOOP("Paint on the patches and the object, or only look at them")},
     {"/Ossa/Viewer", QT_TR_NOOP("New Paint"), "", "Viewer 2.2", Always, QT_TR_NOOP("Put a new paint node over what the viewer shows")},
     {"/Ossa/Viewer", QT_TR_NOOP("Bake Paint"), "", "Viewer 2.3", Always, QT_TR_NOOP("Write the paint into the images of its node")},
     {"/Ossa/Viewer", QT_TR_NOOP("Clear Paint"), "", "Viewer 2.4", Always, QT_TR_NOOP("Take away all paint that is not baked")},
@@ -107,6 +107,9 @@ const std::vector<Row> RowTable{
     {"/Ossa/Viewer", QT_TR_NOOP("Larger Brush"), "]", "Viewer 3.3", WithBrush, QT_TR_NOOP("Make the brush larger")},
     {"/Ossa/Viewer", QT_TR_NOOP("Softer Brush"), "{", "Viewer 3.4", WithBrush, QT_TR_NOOP("Let the brush's edge fade more")},
     {"/Ossa/Viewer", QT_TR_NOOP("Harder Brush"), "}", "Viewer 3.5", WithBrush, QT_TR_NOOP("Let the brush's edge fade less")},
+    {"/Ossa/Viewer", QT_TR_NOOP("Mirror Paint X"), "", "Viewer 3.6", WithBrush, QT_TR_NOOP("Paint on the other side of the object's x = 0 as well, or no longer")},
+    {"/Ossa/Viewer", QT_TR_NOOP("Mirror Paint Y"), "", "Viewer 3.7", WithBrush, QT_TR_NOOP("Paint on the other side of the object's y = 0 as well, or no longer")},
+    {"/Ossa/Viewer", QT_TR_NOOP("Mirror Paint Z"), "", "Viewer 3.8", WithBrush, QT_TR_NOOP("Paint on the other side of the object's z = 0 as well, or no longer")},
 
     // Offered for the images that are selected in their palette.
     {"/Ossa/Images", QT_TR_NOOP("As Tiled"), "", "", Always, QT_TR_NOOP("Put the selected images into the graph as tiles")},

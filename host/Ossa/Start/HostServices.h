@@ -1,7 +1,8 @@
 #pragma once
 
 #include "Ossa/Common/ApplicationPreferences.h"
-#include "Ossa/Viewer/PaintPreferences.h"
+#include "Ossa/Painting/Brushes.h"
+#include "Ossa/Painting/PaintPreferences.h"
 #include "OssScripting/OssScriptEngine.h"
 #include "OssScriptObjects/OssScriptServices.h"
 
@@ -26,5 +27,6 @@ private:
     OssScriptServices m_services;
     ApplicationPreferences m_applicationPreferences;
     PaintPreferences m_paintPreferences;
+    Brushes m_brushes;
     OssScriptEngine m_scriptEngine;
 };

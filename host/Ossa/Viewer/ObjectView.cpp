@@ -1,5 +1,7 @@
 #include "Ossa/Viewer/ObjectView.h"
 
+#include "Ossa/Painting/ObjectCanvas.h"
+#include "Ossa/Painting/PaintSession.h"
 #include "Ossa/Viewer/ViewerPictures.h"
 #include "OssEvaluation/Geometry/OssEvMesh.h"
 
@@ -47,6 +49,8 @@ void ObjectView::setMesh(const std::shared_ptr<const OssEvMesh> &mesh)
         return;
     m_mesh = mesh;
     m_isFramed = false;
+    if (m_canvas)
+        m_canvas->setMesh(mesh);
     redraw();
 }
 
@@ -144,6 +148,7 @@ void ObjectView::paintEvent(QPaintEvent *)
         paintLight(&painter);
     else if (m_renderer)
         paintPatches(&painter);
+    drawOutline(&painter);
 }
 
 void ObjectView::paintPatches(QPainter *painter)
@@ -192,12 +197,15 @@ void ObjectView::resizeEvent(QResizeEvent *)
 void ObjectView::mousePressEvent(QMouseEvent *event)
 {
     m_last = event->pos();
+    m_isTurning = !paintPress(*event);
 }
 
 void ObjectView::mouseMoveEvent(QMouseEvent *event)
 {
     const QPointF way = QPointF(event->pos() - m_last) / std::min(width(), height());
     m_last = event->pos();
+    if (paintMove(*event) || !m_isTurning)
+        return;
     m_isMoving = event->buttons() & (Qt::LeftButton | Qt::MiddleButton);
     if ((event->buttons() & Qt::LeftButton) && (event->modifiers() & Qt::ShiftModifier))
         m_light.setTurn(m_light.turn() + float(way.x()) * turnAcross);
@@ -210,8 +218,10 @@ void ObjectView::mouseMoveEvent(QMouseEvent *event)
     redraw();
 }
 
-void ObjectView::mouseReleaseEvent(QMouseEvent *)
+void ObjectView::mouseReleaseEvent(QMouseEvent *event)
 {
+    if (m_isPainted && event->button() == Qt::LeftButton)
+        m_session->end();
     if (!m_isMoving)
         return;
     m_isMoving = false;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Ossa/Painting/BrushHand.h"
 #include "Ossa/Surfaces/LitRenderer.h"
 #include "Ossa/Surfaces/LitScene.h"
 #include "Ossa/Surfaces/ObjectCamera.h"
@@ -10,11 +11,19 @@
 #include <QTimer>
 #include <QWidget>
 
+#include <optional>
+
+class ObjectCanvas;
+class PaintSession;
 class ViewerPictures;
 
 /// The object: in light, as the material that is looked at, or with the patches as they are shown flat
 /// on its surface. Left drag turns it, middle drag moves it, the wheel comes nearer, Shift and a drag
 /// turns what surrounds it. Where OpenGL cannot be had it says so.
+///
+/// While one paints, the left button draws on the object: Shift goes on from the last stroke in a straight
+/// line, Ctrl picks the colour under the pointer, Escape takes the stroke in hand back. Alt and a drag, or
+/// a drag from beside the object, turns it.
 ///
 /// Draws only while it is seen. Light is drawn on a thread of its own. Pixels of patches that arrive are
 /// handed to OpenGL some at a time between frames, so that a large picture does not hold up the user.
@@ -33,8 +42,10 @@ public:
     bool isLit() const { return m_isLit; }
 
     void setLit(bool lit);
-    /// While on, the patches are seen with the light of a camera: they have the paint that is in no image
-    /// yet.
+    /// What strokes on the object go to; must outlive the view. To be called once.
+    void setCanvas(PaintSession *session);
+    /// While on, one can paint, and the patches are seen with the light of a camera: they have the paint
+    /// that is in no image yet.
     void setPainted(bool painted);
 
     /// What light and surroundings there are.
@@ -54,6 +65,8 @@ public:
 
 Q_SIGNALS:
     void litChanged(bool lit);
+    /// The user points at the object and may be about to paint.
+    void entered();
 
 protected:
     void showEvent(QShowEvent *event) override;
@@ -64,6 +77,11 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void hideEvent(QHideEvent *event) override;
+    void tabletEvent(QTabletEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
+    void enterEvent(QEvent *event) override;
+    void leaveEvent(QEvent *event) override;
 
 private:
     /// Whether it is drawn in light, not as patches.
@@ -81,6 +99,13 @@ private:
     void scheduleFrame();
     bool takePictures();
     void redraw();
+
+    // Painting
+    void placeCanvas();
+    bool paintPress(const QMouseEvent &event);
+    bool paintMove(const QMouseEvent &event);
+    void pickColor(const QPointF &place);
+    void drawOutline(QPainter *painter);
 
     const ViewerPictures *m_pictures;
     std::unique_ptr<ObjectRenderer> m_renderer; ///< made when the view is first seen
@@ -101,6 +126,12 @@ private:
     QImage m_litImage;
     QString m_lightProblem;
     bool m_isLightFramed = false;
-    bool m_isPainted = false;
+    bool m_isTurning = true; ///< the button held moves the camera or what surrounds
     bool m_isMoving = false;
+
+    PaintSession *m_session = nullptr;
+    std::unique_ptr<ObjectCanvas> m_canvas;
+    BrushHand m_hand;
+    std::optional<QPointF> m_pointer; ///< where the brush is shown
+    bool m_isPainted = false;
 };

@@ -48,13 +48,6 @@ void ObjectView::activateLight()
     m_light.setActive(wanted);
 }
 
-void ObjectView::setPainted(bool painted)
-{
-    m_isPainted = painted;
-    activateLight();
-    redraw();
-}
-
 void ObjectView::setLook(const OssRdView &look)
 {
     m_look = look;

@@ -1,10 +1,13 @@
 #include "Ossa/Viewer/PaintBar.h"
 
 #include "Ossa/Commands/Commands.h"
-#include "Ossa/Viewer/PaintSession.h"
+#include "Ossa/Painting/Brushes.h"
+#include "Ossa/Painting/PaintSession.h"
 #include "Ossa/Viewer/ViewerSource.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssCore/Values/OssColor.h"
+#include "OssInterface/Palettes/OssPalette.h"
+#include "OssInterface/Palettes/OssPaletteManager.h"
 #include "OssInterface/Popups/OssMessageBox.h"
 #include "OssModel/Evaluation/OssSolo.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
@@ -15,6 +18,7 @@
 
 #include <QColorDialog>
 #include <QComboBox>
+#include <QDoubleSpinBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPainter>
@@ -27,8 +31,8 @@
 
 namespace {
 
-constexpr int smallestSize = int(2.0 * PaintSession::smallestRadius);
-constexpr int largestSize = int(2.0 * PaintSession::largestRadius);
+constexpr double largestInWorld = 1e6;
+const QString brushesPalette = QStringLiteral("brushes_palette");
 constexpr int hundred = 100;
 constexpr int swatchSize = 16;
 
@@ -77,7 +81,7 @@ PaintBar::PaintBar(PaintSession *session, const ViewerSource *source, QWidget *p
     , m_source(source)
     , m_nodes(new QComboBox(this))
     , m_color(new QToolButton(this))
-    , m_size(makeField(tr("Size "), {}, smallestSize, largestSize, tr("Across, in texels")))
+    , m_size(new QDoubleSpinBox(this))
     , m_hardness(makeField(tr("Hard "), tr(" %"), 0, hundred, tr("Hardness of the edge")))
     , m_opacity(makeField(tr("Opacity "), tr(" %"), 1, hundred, tr("Opacity of a stroke")))
     , m_eraser(new QToolButton(this))
@@ -93,7 +97,7 @@ PaintBar::PaintBar(PaintSession *session, const ViewerSource *source, QWidget *p
     m_hint->setObjectName(QStringLiteral("Muted"));
     m_hint->setWordWrap(true);
     layout->addWidget(m_hint);
-    connect(session, &PaintSession::brushChanged, this, &PaintBar::showBrush);
+    connect(Brushes::instance(), &Brushes::changed, this, &PaintBar::showBrush);
     connect(OssColorManagement::instance(), &OssColorManagement::changed, this,
             &PaintBar::keepColor);
     connect(session, &PaintSession::stateChanged, this, &PaintBar::showState);
@@ -142,17 +146,29 @@ QHBoxLayout *PaintBar::makeBrushRow()
     m_eraser->setText(tr("Eraser"));
     m_eraser->setCheckable(true);
     Commands::describe(m_eraser, {command("Toggle Eraser")});
+    m_size->setPrefix(tr("Size "));
+    m_size->setAccessibleName(tr("Across"));
     Commands::describe(m_size, {command("Smaller Brush"), command("Larger Brush")},
-                       m_size->accessibleName());
+                       tr("How much the brush takes across"));
+    connect(m_size, qOverload<double>(&QDoubleSpinBox::valueChanged), this, &PaintBar::applyBrush);
+    auto *brushes = new QToolButton(this);
+    brushes->setText(tr("Brushes"));
+    brushes->setToolTip(tr("Show the palette of brushes: kept ones, and all that can be tuned"));
+    connect(brushes, &QToolButton::clicked, this, [] {
+        if (OssPalette *palette = OssPaletteManager::instance()->find(brushesPalette))
+            palette->showBySidebar();
+    });
     Commands::describe(m_hardness, {command("Softer Brush"), command("Harder Brush")},
                        m_hardness->accessibleName());
     connect(m_eraser, &QToolButton::toggled, this, &PaintBar::applyBrush);
     row->addWidget(m_color);
-    for (QSpinBox *field : {m_size, m_hardness, m_opacity}) {
+    row->addWidget(m_size);
+    for (QSpinBox *field : {m_hardness, m_opacity}) {
         row->addWidget(field);
         connect(field, qOverload<int>(&QSpinBox::valueChanged), this, &PaintBar::applyBrush);
     }
     row->addWidget(m_eraser);
+    row->addWidget(brushes);
     row->addStretch(1);
     return row;
 }
@@ -266,10 +282,10 @@ void PaintBar::bake()
 
 void PaintBar::showBrush()
 {
-    const OssEvBrush &brush = m_session->brush();
-    const QSignalBlocker blockers[] = {QSignalBlocker(m_size), QSignalBlocker(m_hardness),
-                                       QSignalBlocker(m_opacity), QSignalBlocker(m_eraser)};
-    m_size->setValue(int(std::lround(2.0 * brush.radius)));
+    const OssEvBrush &brush = Brushes::instance()->brush();
+    const QSignalBlocker blockers[] = {QSignalBlocker(m_hardness), QSignalBlocker(m_opacity),
+                                       QSignalBlocker(m_eraser)};
+    showSize();
     m_hardness->setValue(int(std::lround(hundred * brush.hardness)));
     m_opacity->setValue(int(std::lround(hundred * brush.opacity)));
     m_eraser->setChecked(brush.erases);
@@ -277,32 +293,48 @@ void PaintBar::showBrush()
     m_color->setIcon(swatch(m_seen));
 }
 
+void PaintBar::showSize()
+{
+    const OssEvBrush &brush = Brushes::instance()->brush();
+    const QSignalBlocker blocker(m_size);
+    const bool isWorld = brush.sizeIn == OssEvBrush::SizeIn::World;
+    m_size->setDecimals(isWorld ? 4 : 0);
+    m_size->setSuffix(brush.sizeIn == OssEvBrush::SizeIn::Pixels ? tr(" px") : QString());
+    m_size->setRange(isWorld ? 1.0 / largestInWorld : 2.0 * Brushes::smallestRadius,
+                     isWorld ? largestInWorld : 2.0 * Brushes::largestRadius);
+    m_size->setStepType(isWorld ? QAbstractSpinBox::AdaptiveDecimalStepType
+                                : QAbstractSpinBox::DefaultStepType);
+    m_size->setValue(2.0 * (isWorld ? brush.worldRadius : brush.radius));
+}
+
 // The brush goes on painting what it was seen to paint.
 void PaintBar::keepColor()
 {
     if (!m_seen.isValid())
         return;
-    OssEvBrush brush = m_session->brush();
+    OssEvBrush brush = Brushes::instance()->brush();
     const OssColor color = OssDisplayColor::toLinear(m_seen);
     brush.color = {float(color.red()), float(color.green()), float(color.blue())};
-    m_session->setBrush(brush);
+    Brushes::instance()->setBrush(brush);
 }
 
 void PaintBar::applyBrush()
 {
-    OssEvBrush brush = m_session->brush();
+    OssEvBrush brush = Brushes::instance()->brush();
     // The keys make sizes between those that are shown.
-    if (m_size->value() != std::lround(2.0 * brush.radius))
-        brush.radius = m_size->value() / 2.0;
+    double &radius = brush.sizeIn == OssEvBrush::SizeIn::World ? brush.worldRadius : brush.radius;
+    const double shown = std::pow(10.0, m_size->decimals());
+    if (std::lround(m_size->value() * shown) != std::lround(2.0 * radius * shown))
+        radius = m_size->value() / 2.0;
     brush.hardness = double(m_hardness->value()) / hundred;
     brush.opacity = double(m_opacity->value()) / hundred;
     brush.erases = m_eraser->isChecked();
-    m_session->setBrush(brush);
+    Brushes::instance()->setBrush(brush);
 }
 
 void PaintBar::pickColor()
 {
-    OssEvBrush brush = m_session->brush();
+    OssEvBrush brush = Brushes::instance()->brush();
     const QColor picked = QColorDialog::getColor(OssDisplayColor::ofLinear(colorOf(brush)), this,
                                                  tr("Color of the Brush"));
     if (!picked.isValid())
@@ -310,5 +342,5 @@ void PaintBar::pickColor()
     const OssColor color = OssDisplayColor::toLinear(picked);
     brush.color = {float(color.red()), float(color.green()), float(color.blue())};
     brush.erases = false;
-    m_session->setBrush(brush);
+    Brushes::instance()->setBrush(brush);
 }

@@ -8,6 +8,7 @@ class OssSnBaseNode;
 class OssSnImageSetNodeBase;
 class PaintSession;
 class QComboBox;
+class QDoubleSpinBox;
 class QHBoxLayout;
 class QLabel;
 class QSpinBox;
@@ -39,6 +40,7 @@ private:
     void chooseNode(int index);
     void pickColor();
     void showBrush();
+    void showSize();
     void showState();
     void applyBrush();
     void keepColor();
@@ -48,8 +50,8 @@ private:
     QComboBox *m_nodes;
     QVector<QPointer<OssSnImageSetNodeBase>> m_choices; ///< those of m_nodes
     QToolButton *m_color;
-    QColor m_seen; ///< of the brush, on the screen
-    QSpinBox *m_size;
+    QColor m_seen;          ///< of the brush, on the screen
+    QDoubleSpinBox *m_size; ///< what the brush takes across, in what it is counted in
     QSpinBox *m_hardness;
     QSpinBox *m_opacity;
     QToolButton *m_eraser;

@@ -1,6 +1,7 @@
 #include "Ossa/Viewer/UvView.h"
 
-#include "Ossa/Viewer/PaintSession.h"
+#include "Ossa/Painting/Brushes.h"
+#include "Ossa/Painting/PaintSession.h"
 #include "Ossa/Viewer/ViewerPictures.h"
 #include "OssEvaluation/Values/OssEvPatch.h"
 #include "OssModel/Objects/OssCanvasManager.h"
@@ -70,7 +71,7 @@ UvView::UvView(const ViewerPictures *pictures, PaintSession *session, QWidget *p
     setMinimumSize(120, 100);
     connect(pictures, &ViewerPictures::began, this, &UvView::showBegin);
     connect(pictures, &ViewerPictures::changed, this, &UvView::showChange);
-    connect(session, &PaintSession::brushChanged, this, [this] { update(); });
+    connect(Brushes::instance(), &Brushes::changed, this, [this] { update(); });
     OssCanvasManager::instance()->setCurrentCanvas(this);
 }
 
@@ -193,7 +194,8 @@ void UvView::mouseMoveEvent(QMouseEvent *event)
     if (m_isWiping) {
         moveWipe(event->localPos());
     } else if (m_session->isPainting()) {
-        m_session->moveTo(toUv(event->localPos()), m_pressure);
+        m_session->moveTo(toUv(m_hand.follow(event->localPos(), Brushes::instance()->steadiness())),
+                          m_hand.pressure());
     } else if ((event->buttons() & Qt::MiddleButton)
                || ((event->buttons() & Qt::LeftButton)
                    && (!m_isPainting || (event->modifiers() & Qt::AltModifier)))) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Ossa/Painting/BrushHand.h"
 #include "OssModel/Objects/OssCanvasWidget.h"
 
 #include <QHash>
@@ -26,8 +27,6 @@ public:
     /// Pictures and session must outlive the view.
     UvView(const ViewerPictures *pictures, PaintSession *session, QWidget *parent = nullptr);
     ~UvView() override;
-
-    bool isPainting() const { return m_isPainting; }
 
     void setPainting(bool on);
 
@@ -94,7 +93,6 @@ private:
 
     // Painting
     void paintPress(const QMouseEvent &event);
-    void pickColor(const QPointF &place);
     double brushRadius() const;
     void moveOutline(const QPointF &place);
     void drawOutline(QPainter *painter) const;
@@ -105,7 +103,7 @@ private:
     QPointF m_pointer; ///< where the brush is shown
     bool m_isPointed = false;
     bool m_isPainting = false;
-    double m_pressure = 1.0;
+    BrushHand m_hand;
     double m_scale = 300.0; ///< pixels of a patch
     QPointF m_origin;       ///< of patch 1001's lower left corner
     QPoint m_last;

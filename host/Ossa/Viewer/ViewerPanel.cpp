@@ -1,10 +1,11 @@
 #include "Ossa/Viewer/ViewerPanel.h"
 
 #include "Ossa/Commands/Commands.h"
+#include "Ossa/Painting/Brushes.h"
+#include "Ossa/Painting/PaintSession.h"
 #include "Ossa/Viewer/LightBar.h"
 #include "Ossa/Viewer/ObjectView.h"
 #include "Ossa/Viewer/PaintBar.h"
-#include "Ossa/Viewer/PaintSession.h"
 #include "Ossa/Viewer/UvView.h"
 #include "Ossa/Viewer/ViewerPictures.h"
 #include "Ossa/Viewer/ViewerSource.h"
@@ -141,14 +142,9 @@ void ViewerPanel::follow()
     connect(m_session, &PaintSession::painted, m_pictures, &ViewerPictures::showPaint);
     connect(m_session, &PaintSession::baked, m_pictures, &ViewerPictures::expectSamePicture);
     connect(m_session, &PaintSession::stateChanged, this, &ViewerPanel::followPaint);
-    connect(m_view, &UvView::entered, this, [this] {
-        m_paintBar->refresh();
-        // The brush's keys act as soon as the pointer is here, but nobody is interrupted in writing.
-        const QWidget *focus = QApplication::focusWidget();
-        const bool isWriting = focus && focus->testAttribute(Qt::WA_InputMethodEnabled);
-        if (m_view->isPainting() && (!isWriting || isAncestorOf(focus)))
-            m_view->setFocus();
-    });
+    m_object->setCanvas(m_session);
+    connect(m_view, &UvView::entered, this, [this] { welcomeBrush(m_view); });
+    connect(m_object, &ObjectView::entered, this, [this] { welcomeBrush(m_object); });
     connect(m_paint, &QToolButton::toggled, this, &ViewerPanel::setPainting);
     connect(m_compare, &QToolButton::toggled, this, &ViewerPanel::setComparing);
     connect(OssProjectManager::instance(), &OssProjectManager::projectClosing, this,
@@ -165,6 +161,16 @@ void ViewerPanel::follow()
     });
     m_object->light()->setResolution(m_resolution->currentData().toInt());
     applyLook();
+}
+
+void ViewerPanel::welcomeBrush(QWidget *canvas)
+{
+    m_paintBar->refresh();
+    // The brush's keys act as soon as the pointer is here, but nobody is interrupted in writing.
+    const QWidget *focus = QApplication::focusWidget();
+    const bool isWriting = focus && focus->testAttribute(Qt::WA_InputMethodEnabled);
+    if (m_paint->isChecked() && (!isWriting || isAncestorOf(focus)))
+        canvas->setFocus();
 }
 
 void ViewerPanel::showName(const QString &node)
@@ -212,11 +218,15 @@ void ViewerPanel::fileCommands()
         m_paint->setChecked(true);
         m_paintBar->makeNode();
     });
-    file("Toggle Eraser", [this] { m_session->setErasing(!m_session->brush().erases); });
-    file("Smaller Brush", [this] { m_session->scaleBrush(1.0 / sizeStep); });
-    file("Larger Brush", [this] { m_session->scaleBrush(sizeStep); });
-    file("Softer Brush", [this] { m_session->hardenBrush(-hardnessStep); });
-    file("Harder Brush", [this] { m_session->hardenBrush(hardnessStep); });
+    file("Toggle Eraser",
+         [] { Brushes::instance()->setErasing(!Brushes::instance()->brush().erases); });
+    file("Smaller Brush", [] { Brushes::instance()->scale(1.0 / sizeStep); });
+    file("Larger Brush", [] { Brushes::instance()->scale(sizeStep); });
+    file("Softer Brush", [] { Brushes::instance()->harden(-hardnessStep); });
+    file("Harder Brush", [] { Brushes::instance()->harden(hardnessStep); });
+    file("Mirror Paint X", [] { Brushes::instance()->toggleMirror(0); });
+    file("Mirror Paint Y", [] { Brushes::instance()->toggleMirror(1); });
+    file("Mirror Paint Z", [] { Brushes::instance()->toggleMirror(2); });
     file("Bake Paint", [this] { m_paintBar->bake(); });
     file("Clear Paint", [this] { m_session->clear(); });
 }
@@ -240,10 +250,8 @@ void ViewerPanel::setMode(Mode mode)
     m_light->setVisible(mode != Patches);
     m_object->light()->setAlone(mode == Object);
     showLightBar();
-    if (mode == Object) {
-        m_paint->setChecked(false);
+    if (mode == Object)
         m_compare->setChecked(false);
-    }
     OssSettings settings;
     if (settings.value(modeKey, Patches).toInt() != mode) // the first time it comes from there
         settings.setValue(modeKey, int(mode));
@@ -317,9 +325,6 @@ void ViewerPanel::setPainting(bool on)
     showLightBar();
     OssCommandTable::setHolds(OssCommandTable::WithBrush, on);
     m_paintBar->refresh();
-    // There is nothing to paint on in the other view.
-    if (on && m_modes->checkedId() == Object)
-        setMode(Both);
 }
 
 // While one paints the object is shown as the patches are.

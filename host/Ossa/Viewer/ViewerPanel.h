@@ -44,6 +44,7 @@ private:
     QWidget *makeFoot();
     void addModes(QHBoxLayout *bar);
     void follow();
+    void welcomeBrush(QWidget *canvas);
     void showName(const QString &node);
     void showProgress(int thousandths, const QString &pass);
     void setMode(Mode mode);

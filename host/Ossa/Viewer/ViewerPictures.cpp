@@ -1,10 +1,12 @@
 #include "Ossa/Viewer/ViewerPictures.h"
 
 #include "OssEvaluation/Paint/OssEvPaintBuffer.h"
+#include "OssEvaluation/Values/OssEvPatch.h"
 
 #include <QPainter>
 
 #include <algorithm>
+#include <cmath>
 #include <vector>
 
 namespace {
@@ -170,4 +172,19 @@ bool ViewerPictures::values(int patch, const QPoint &pixel, QVector<float> *chan
     channels->resize(4);
     std::copy_n(rgba, 4, channels->begin());
     return true;
+}
+
+std::optional<OssColor> ViewerPictures::colorAt(const QPointF &uv) const
+{
+    const int column = int(std::floor(uv.x()));
+    const int row = int(std::floor(uv.y()));
+    const QPointF pixel = QPointF(uv.x() - column, row + 1.0 - uv.y()) * m_resolution;
+    QVector<float> found;
+    if (!values(OssEvPatch::number(column, row), QPoint(int(pixel.x()), int(pixel.y())), &found))
+        return std::nullopt;
+    const float alpha = found.size() > 3 && found.at(3) > 0.0F ? found.at(3) : 1.0F;
+    const auto channel = [&](int c) {
+        return double(found.at(found.size() < 3 ? 0 : c) / alpha);
+    };
+    return OssColor(channel(0), channel(1), channel(2));
 }

@@ -1,12 +1,14 @@
 #pragma once
 
 #include "Ossa/Viewer/ViewerPixels.h"
+#include "OssCore/Values/OssColor.h"
 
 #include <QHash>
 #include <QList>
 #include <QObject>
 
 #include <array>
+#include <optional>
 
 class OssEvPaintBuffer;
 
@@ -56,6 +58,9 @@ public:
     QImage picture(int patch) const;
     /// The values at a pixel with paint on them, premultiplied; false where none have come.
     bool values(int patch, const QPoint &pixel, QVector<float> *channels) const;
+    /// The scene-linear colour at a place in patches, v upwards, not premultiplied; none where nothing has
+    /// come.
+    std::optional<OssColor> colorAt(const QPointF &uv) const;
 
 Q_SIGNALS:
     /// Other patches, another resolution or another problem.

@@ -1,6 +1,7 @@
 #include "Ossa/Window/HostPalettes.h"
 
 #include "Ossa/Export/ExportPanel.h"
+#include "Ossa/Painting/BrushesPanel.h"
 #include "Ossa/Palettes/HistoryPanel.h"
 #include "Ossa/Palettes/ImagesPanel.h"
 #include "Ossa/Palettes/LogPanel.h"
@@ -39,6 +40,7 @@ const Row table[] = {
     {{"node_properties_palette", ads::BottomDockWidgetArea, "viewer_palette"}},
     {{"images_palette", ads::CenterDockWidgetArea, "node_properties_palette"}, QT_TRANSLATE_NOOP("HostPalettes", "Images"), "Images.png", false, make<ImagesPanel>},
     {{"nodes_palette", ads::CenterDockWidgetArea, "node_properties_palette"}, QT_TRANSLATE_NOOP("HostPalettes", "Nodes"), "NodeTypes.png", false, make<NodeTypesPanel>},
+    {{"brushes_palette", ads::CenterDockWidgetArea, "node_properties_palette"}, QT_TRANSLATE_NOOP("HostPalettes", "Brushes"), "Brushes.png", false, make<BrushesPanel>},
     {{"history_palette", ads::CenterDockWidgetArea, "node_properties_palette"}, QT_TRANSLATE_NOOP("HostPalettes", "History"), "History.png", false, make<HistoryPanel>},
     {{"log_palette", ads::BottomDockWidgetArea, "node_graph_palette"}, QT_TRANSLATE_NOOP("HostPalettes", "Log"), "Log.png", false, make<LogPanel>},
     {{"script_console_palette", ads::CenterDockWidgetArea, "log_palette"}, QT_TRANSLATE_NOOP("HostPalettes", "Script Console"), "ScriptConsole.png", false, make<ConsolePanel>},

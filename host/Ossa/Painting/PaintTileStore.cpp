@@ -1,4 +1,4 @@
-#include "Ossa/Viewer/PaintTileStore.h"
+#include "Ossa/Painting/PaintTileStore.h"
 
 #include "OssCore/Program/OssDebug.h"
 

@@ -1,6 +1,6 @@
-#include "Ossa/Viewer/PaintStep.h"
+#include "Ossa/Painting/PaintStep.h"
 
-#include "Ossa/Viewer/PaintSession.h"
+#include "Ossa/Painting/PaintSession.h"
 #include "OssModel/Objects/OssImageSet.h"
 
 PaintStep::PaintStep(PaintSession *session, OssImageSet *images, int resolution,

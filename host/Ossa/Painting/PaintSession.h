@@ -1,9 +1,9 @@
 #pragma once
 
-#include "Ossa/Viewer/PaintComposer.h"
+#include "Ossa/Painting/PaintComposer.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssCore/Values/OssResult.h"
-#include "OssEvaluation/Paint/OssEvStroke.h"
+#include "OssEvaluation/Paint/OssEvSurfaceStroke.h"
 
 #include <QHash>
 #include <QObject>
@@ -19,7 +19,7 @@ class OssImageSet;
 class PaintTileStore;
 class OssSnImageSetNodeBase;
 
-/// The user's painting: on which node, with which brush, and the paint buffer, which holds the
+/// The user's painting: on which node, and the paint buffer, which holds the
 /// strokes that are in no image yet. GUI thread.
 ///
 /// Every stroke is a step of the history, and so is clearing the buffer and baking it into the
@@ -45,18 +45,10 @@ public:
     /// False when the user did not want to leave the paint on the node before.
     bool setNode(OssSnImageSetNodeBase *node);
 
-    /// In texels; see texelsAcross().
-    const OssEvBrush &brush() const { return m_brush; }
-
-    void setBrush(const OssEvBrush &brush);
-
-    static constexpr double smallestRadius = 0.5;
-    static constexpr double largestRadius = 2048.0;
-
-    /// Within its limits.
-    void scaleBrush(double factor);
-    void hardenBrush(double by);
-    void setErasing(bool erases);
+    /// How large the brush is on patches that lie flat: in texels, of which a pixel takes so many.
+    double flatRadius(double pixel) const;
+    /// The object that is painted on; null when there is none.
+    std::shared_ptr<const OssEvMesh> mesh() const;
 
     const OssEvPaintBuffer &buffer() const { return m_buffer; }
 
@@ -67,17 +59,21 @@ public:
     /// Texels across a patch of the paint.
     int texelsAcross() const;
 
-    // --- strokes; places in patches, v upwards
-    /// False when there is nothing to paint on.
-    bool begin(const QPointF &place, double pressure = 1.0);
+    // --- strokes; places in patches, v upwards, or as the view of an object has them
+    /// False when there is nothing to paint on. A pixel of the screen takes so many texels.
+    bool begin(const QPointF &place, double pressure = 1.0, double pixel = 1.0);
+    /// False also where the surface is not that of mesh() in texels of texelsAcross().
+    bool beginOn(const std::shared_ptr<OssEvPaintSurface> &surface,
+                 const OssEvSurfaceStroke::ViewPointer &view, const QPointF &place,
+                 double pressure = 1.0);
     void moveTo(const QPointF &place, double pressure = 1.0);
     void end();
     /// Takes the stroke in hand back.
     void cancel();
 
-    bool isPainting() const { return m_stroke.has_value(); }
+    bool isPainting() const { return m_stroke != nullptr; }
 
-    /// Where the last stroke ended, for one that goes on from there.
+    /// Where the last stroke on patches ended, for one that goes on from there.
     std::optional<QPointF> lastPlace() const { return m_lastPlace; }
 
     // --- the buffer as a whole
@@ -92,7 +88,6 @@ Q_SIGNALS:
     void baked();
     /// In parts of the patch, from its top left corner.
     void painted(int patch, const QRectF &area);
-    void brushChanged();
     /// There is paint where there was none, or none any more; or another node.
     void stateChanged();
 
@@ -105,6 +100,11 @@ private:
         Quietly, ///< the pictures show what becomes of it already
     };
 
+    using MakeStroke = std::function<std::unique_ptr<OssEvStroke>()>;
+
+    /// Gets ready for a stroke, which is made when the buffer is.
+    bool start(const MakeStroke &make);
+    double texelsInWorld() const;
     bool settle();
     /// False, and the user knows why, when it failed.
     bool bakeOrTell();
@@ -127,15 +127,16 @@ private:
 
     QPointer<OssSnImageSetNodeBase> m_node;
     QPointer<OssImageSet> m_images; ///< what the buffer's paint is for
-    OssEvBrush m_brush;
     OssEvPaintBuffer m_buffer;
     std::shared_ptr<PaintTileStore> m_tiles;
     PaintComposer m_composer;
     QTimer m_rest; ///< since the last change of the paint
-    std::optional<OssEvStroke> m_stroke;
+    std::unique_ptr<OssEvStroke> m_stroke;
     std::unique_ptr<EveryMove> m_everyMove;             ///< during a stroke
     std::unique_ptr<OssUndoManager::AutoMacro> m_macro; ///< of the stroke in hand
     std::optional<QPointF> m_lastPlace;
+    mutable std::weak_ptr<const OssEvMesh> m_measured;
+    mutable double m_meanTexel = 0.0;     ///< of what was measured, in a patch of one texel
     mutable QHash<QString, int> m_widths; ///< of pixel files, which never change
     bool m_bakesErasing = false;
     bool m_isBaking = false;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Ossa/Viewer/PaintTileStore.h"
+#include "Ossa/Painting/PaintTileStore.h"
 #include "OssCore/Undo/OssUndoStep.h"
 #include "OssEvaluation/Paint/OssEvStroke.h"
 

@@ -1,4 +1,4 @@
-#include "Ossa/Viewer/PaintPreferences.h"
+#include "Ossa/Painting/PaintPreferences.h"
 
 #include "OssCore/Program/OssPreferenceManager.h"
 #include "OssCore/Program/OssStoredPreferences.h"

@@ -1,17 +1,20 @@
-#include "Ossa/Viewer/PaintSession.h"
+#include "Ossa/Painting/PaintSession.h"
 
-#include "Ossa/Viewer/PaintPreferences.h"
-#include "Ossa/Viewer/PaintStep.h"
+#include "Ossa/Painting/Brushes.h"
+#include "Ossa/Painting/PaintPreferences.h"
+#include "Ossa/Painting/PaintStep.h"
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssEvaluation/Files/OssEvImageFiles.h"
 #include "OssInterface/Popups/OssMessageBox.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
+#include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Images/OssPixelStore.h"
 #include "OssModel/Nodes/OssSnImageSetNodeBase.h"
 #include "OssModel/Objects/OssImageSet.h"
+#include "OssModel/Objects/OssMeshes.h"
 #include "OssModel/Objects/OssShadingContext.h"
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectManager.h"
@@ -26,6 +29,11 @@ namespace {
 constexpr int smallestResolution = 16;
 constexpr int largestResolution = 16384;
 constexpr int restTime = 3000; ///< milliseconds without a stroke
+
+const OssEvBrush &brush()
+{
+    return Brushes::instance()->brush();
+}
 
 } // namespace
 
@@ -144,36 +152,44 @@ int PaintSession::texelsAcross() const
     return resolutionOf(painted->imageSet());
 }
 
-void PaintSession::setBrush(const OssEvBrush &brush)
+double PaintSession::flatRadius(double pixel) const
 {
-    m_brush = brush;
-    Q_EMIT brushChanged();
+    const OssEvBrush &used = brush();
+    switch (used.sizeIn) {
+    case OssEvBrush::SizeIn::Pixels:
+        return used.radius * pixel;
+    case OssEvBrush::SizeIn::World:
+        return std::clamp(used.worldRadius * texelsInWorld(), Brushes::smallestRadius,
+                          Brushes::largestRadius);
+    case OssEvBrush::SizeIn::Texels:
+        break;
+    }
+    return used.radius;
 }
 
-void PaintSession::scaleBrush(double factor)
+std::shared_ptr<const OssEvMesh> PaintSession::mesh() const
 {
-    OssEvBrush brush = m_brush;
-    brush.radius = std::clamp(brush.radius * factor, smallestRadius, largestRadius);
-    setBrush(brush);
+    const OssSnImageSetNodeBase *painted = node();
+    const OssGeoEntity *entity = painted ? painted->network()->geoEntity() : nullptr;
+    return entity ? OssMeshes::instance()->look(entity->source()).mesh : nullptr;
 }
 
-void PaintSession::hardenBrush(double by)
+/// In the mean over the object.
+double PaintSession::texelsInWorld() const
 {
-    OssEvBrush brush = m_brush;
-    brush.hardness = std::clamp(brush.hardness + by, 0.0, 1.0);
-    setBrush(brush);
-}
-
-void PaintSession::setErasing(bool erases)
-{
-    OssEvBrush brush = m_brush;
-    brush.erases = erases;
-    setBrush(brush);
+    const std::shared_ptr<const OssEvMesh> object = mesh();
+    if (!object)
+        return 1.0;
+    if (m_measured.lock() != object) {
+        m_measured = object;
+        m_meanTexel = OssEvPaintSurface::meanTexel(*object);
+    }
+    return texelsAcross() / m_meanTexel;
 }
 
 // --- strokes
 
-bool PaintSession::begin(const QPointF &place, double pressure)
+bool PaintSession::start(const MakeStroke &make)
 {
     end();
     const OssSnImageSetNodeBase *painted = node();
@@ -186,12 +202,44 @@ bool PaintSession::begin(const QPointF &place, double pressure)
         m_images = images;
         m_buffer = OssEvPaintBuffer(resolutionOf(images));
     }
-    const QList<int> patches = OssEvaluationService::instance()->patches(
-        painted->network()->geoEntity());
-    m_macro = std::make_unique<OssUndoManager::AutoMacro>(m_brush.erases ? tr("Erase Paint")
+    m_stroke = make();
+    if (!m_stroke)
+        return false;
+    m_macro = std::make_unique<OssUndoManager::AutoMacro>(brush().erases ? tr("Erase Paint")
                                                                          : tr("Paint Stroke"));
     m_everyMove = std::make_unique<EveryMove>();
-    m_stroke.emplace(&m_buffer, m_brush, std::vector<int>(patches.cbegin(), patches.cend()));
+    return true;
+}
+
+bool PaintSession::begin(const QPointF &place, double pressure, double pixel)
+{
+    const bool started = start([&] {
+        const QList<int> patches = OssEvaluationService::instance()->patches(
+            node()->network()->geoEntity());
+        OssEvBrush flat = brush();
+        flat.radius = flatRadius(pixel);
+        return std::make_unique<OssEvFlatStroke>(
+            &m_buffer, flat, std::vector<int>(patches.cbegin(), patches.cend()));
+    });
+    if (!started)
+        return false;
+    m_lastPlace = place;
+    moveTo(place, pressure);
+    return true;
+}
+
+bool PaintSession::beginOn(const std::shared_ptr<OssEvPaintSurface> &surface,
+                           const OssEvSurfaceStroke::ViewPointer &view, const QPointF &place,
+                           double pressure)
+{
+    const bool started = start([&]() -> std::unique_ptr<OssEvStroke> {
+        if (surface->mesh() != mesh() || surface->resolution() != m_buffer.resolution())
+            return nullptr;
+        return std::make_unique<OssEvSurfaceStroke>(&m_buffer, brush(), surface, view);
+    });
+    if (!started)
+        return false;
+    m_lastPlace.reset(); // it is no place of a patch
     moveTo(place, pressure);
     return true;
 }
@@ -200,7 +248,8 @@ void PaintSession::moveTo(const QPointF &place, double pressure)
 {
     if (!m_stroke)
         return;
-    m_lastPlace = place;
+    if (m_lastPlace)
+        m_lastPlace = place;
     paint([&] { return m_stroke->moveTo(place.x(), place.y(), pressure); });
 }
 
@@ -236,7 +285,7 @@ void PaintSession::end()
     noteChange();
     const bool isLarge = m_buffer.bytes() > bufferBytes;
     const QMap<int, QString> pixels = m_images->pixels();
-    const bool erasesImages = m_brush.erases && m_bakesErasing
+    const bool erasesImages = brush().erases && m_bakesErasing
                               && std::any_of(changes.cbegin(), changes.cend(), [&](const auto &c) {
                                      return pixels.contains(c.place.patch);
                                  });

@@ -1,4 +1,4 @@
-#include "Ossa/Viewer/PaintComposer.h"
+#include "Ossa/Painting/PaintComposer.h"
 
 #include "OssCore/Documents/OssAtomicFile.h"
 #include "OssCore/Program/OssStatusManager.h"

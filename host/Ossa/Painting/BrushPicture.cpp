@@ -1,0 +1,58 @@
+#include "Ossa/Painting/BrushPicture.h"
+
+#include "OssEvaluation/Paint/OssEvStroke.h"
+
+#include <algorithm>
+#include <cmath>
+#include <new>
+
+namespace {
+
+constexpr int places = 24;
+constexpr double margin = 0.12; ///< of the width
+constexpr double wave = 0.22;   ///< of the height
+constexpr double fullTurn = 6.283185307179586;
+constexpr int light = 225;
+
+void draw(OssEvStroke *stroke, const QSize &size)
+{
+    const double across = std::max(size.width(), size.height());
+    for (int i = 0; i <= places; ++i) {
+        const double t = double(i) / places;
+        const double x = (margin + (1.0 - 2.0 * margin) * t) * size.width();
+        const double y = (0.5 - wave * std::sin(fullTurn * t)) * size.height();
+        // A pen that comes down and is lifted.
+        stroke->moveTo(x / across, 1.0 - y / across, 0.35 + 0.65 * std::sin(fullTurn * t / 2.0));
+    }
+    stroke->finish();
+}
+
+} // namespace
+
+QImage BrushPicture::make(const Brush &brush, const QSize &size)
+{
+    try {
+        OssEvBrush paint = brush.paint;
+        paint.radius = std::clamp(paint.radius, 0.06 * size.height(), 0.2 * size.height());
+        paint.placeJitter = std::min(paint.placeJitter, 1.0);
+        paint.erases = false;
+        OssEvPaintBuffer buffer(std::max(size.width(), size.height()));
+        OssEvFlatStroke stroke(&buffer, paint, {1001});
+        draw(&stroke, size);
+        QImage picture(size, QImage::Format_ARGB32_Premultiplied);
+        picture.fill(Qt::transparent);
+        std::vector<OssEvPaintTile::Texel> row(std::size_t(size.width()));
+        for (int y = 0; y < size.height(); ++y) {
+            if (!buffer.readRow(1001, buffer.resolution(), 0, y, size.width(), row.data()))
+                continue;
+            auto *line = reinterpret_cast<QRgb *>(picture.scanLine(y));
+            for (int x = 0; x < size.width(); ++x) {
+                const double alpha = double(row[std::size_t(x)][3]);
+                line[x] = qPremultiply(qRgba(light, light, light, int(std::lround(255.0 * alpha))));
+            }
+        }
+        return picture;
+    } catch (const std::bad_alloc &) {
+        return {};
+    }
+}

@@ -1,0 +1,180 @@
+#include "Ossa/Painting/BrushPresets.h"
+
+#include "Ossa/Painting/BrushFields.h"
+#include "Ossa/Painting/BrushStamps.h"
+#include "OssCore/Documents/OssAtomicFile.h"
+#include "OssCore/Program/OssDebug.h"
+#include "OssCore/Program/OssSettings.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr qint64 largestFile = 1 << 16;
+constexpr double largestWorldRadius = 1e6;
+const QString radiusKey = QStringLiteral("radius");
+const QString worldRadiusKey = QStringLiteral("worldRadius");
+const QString sizeKey = QStringLiteral("sizeIn");
+const QString stampKey = QStringLiteral("stamp");
+const QStringList sizeNames{QStringLiteral("texels"), QStringLiteral("pixels"),
+                            QStringLiteral("world")};
+
+struct Shipped
+{
+    const char *name;
+    void (*set)(Brush *brush);
+};
+
+void stamped(Brush *brush, const char *name)
+{
+    brush->paint.stamp = BrushStamps::make(QLatin1String(name));
+    brush->paint.spacing = 0.3;
+}
+
+// clang-format off
+const Shipped shipped[] = {
+    {QT_TRANSLATE_NOOP("BrushPresets", "Soft Round"), [](Brush *b) { b->paint.hardness = 0.2; }},
+    {QT_TRANSLATE_NOOP("BrushPresets", "Hard Round"), [](Brush *b) { b->paint.hardness = 1.0; }},
+    {QT_TRANSLATE_NOOP("BrushPresets", "Airbrush"), [](Brush *b) { b->paint.hardness = 0.0; b->paint.flow = 0.08; b->paint.pressureSizes = false; b->paint.pressureCovers = true; }},
+    {QT_TRANSLATE_NOOP("BrushPresets", "Pencil"), [](Brush *b) { b->paint.radius = 4.0; b->paint.hardness = 0.8; b->paint.flow = 0.5; b->paint.flowJitter = 0.5; b->paint.pressureCovers = true; }},
+    {QT_TRANSLATE_NOOP("BrushPresets", "Flat"), [](Brush *b) { b->paint.hardness = 0.9; b->paint.roundness = 0.25; b->paint.angle = 45.0; }},
+    {QT_TRANSLATE_NOOP("BrushPresets", "Chalk"), [](Brush *b) { stamped(b, "Chalk"); b->paint.angleJitter = 1.0; b->paint.flow = 0.6; }},
+    {QT_TRANSLATE_NOOP("BrushPresets", "Bristles"), [](Brush *b) { stamped(b, "Bristles"); b->paint.spacing = 0.06; b->paint.followsStroke = true; }},
+    {QT_TRANSLATE_NOOP("BrushPresets", "Spatter"), [](Brush *b) { stamped(b, "Spatter"); b->paint.spacing = 1.2; b->paint.angleJitter = 1.0; b->paint.sizeJitter = 0.5; b->paint.placeJitter = 0.6; }},
+    {QT_TRANSLATE_NOOP("BrushPresets", "Dust"), [](Brush *b) { stamped(b, "Cloud"); b->paint.spacing = 0.5; b->paint.angleJitter = 1.0; b->paint.flow = 0.4; b->paint.placeJitter = 0.4; }},
+    {QT_TRANSLATE_NOOP("BrushPresets", "Steady Line"), [](Brush *b) { b->paint.radius = 6.0; b->paint.hardness = 0.9; b->steadiness = 60.0; }},
+};
+
+// clang-format on
+
+QString pathOf(const QString &name)
+{
+    return QDir(BrushPresets::ownFolder()).filePath(name + QStringLiteral(".json"));
+}
+
+OssResult refused(const QString &path, const QString &reason)
+{
+    return OssResult::failure(
+        QCoreApplication::translate("BrushPresets", "Cannot use the brush \"%1\": %2")
+            .arg(path, reason));
+}
+
+/// Numbers that are missing or no numbers stay as they are; those out of range come to its edge.
+void readNumber(const QJsonObject &from, const QString &key, double least, double most,
+                double *number)
+{
+    const double value = from.value(key).toDouble(*number);
+    if (std::isfinite(value))
+        *number = std::clamp(value, least, most);
+}
+
+OssResult read(const QString &path, Brush *brush)
+{
+    QByteArray content;
+    const OssResult opened = OssAtomicFile::read(path, largestFile, &content);
+    if (!opened)
+        return opened;
+    QJsonParseError error;
+    const QJsonObject object = QJsonDocument::fromJson(content, &error).object();
+    if (error.error != QJsonParseError::NoError)
+        return refused(path, error.errorString());
+    OssEvBrush &paint = brush->paint;
+    readNumber(object, radiusKey, Brushes::smallestRadius, Brushes::largestRadius, &paint.radius);
+    readNumber(object, worldRadiusKey, 1.0 / largestWorldRadius, largestWorldRadius,
+               &paint.worldRadius);
+    paint.sizeIn = OssEvBrush::SizeIn(
+        std::max(0, sizeNames.indexOf(object.value(sizeKey).toString())));
+    for (const BrushFields::Number &field : BrushFields::numbers())
+        readNumber(object, QLatin1String(field.key), field.least / field.shown,
+                   field.most / field.shown, &field.of(*brush));
+    for (const BrushFields::Switch &field : BrushFields::switches()) {
+        bool &value = field.of(*brush);
+        value = object.value(QLatin1String(field.key)).toBool(value);
+    }
+    return BrushPresets::readStamp(object.value(stampKey).toString(), &paint.stamp);
+}
+
+QByteArray textOf(Brush brush)
+{
+    const OssEvBrush &paint = brush.paint;
+    QJsonObject object;
+    object[radiusKey] = paint.radius;
+    object[worldRadiusKey] = paint.worldRadius;
+    object[sizeKey] = sizeNames.at(int(paint.sizeIn));
+    for (const BrushFields::Number &field : BrushFields::numbers())
+        object[QLatin1String(field.key)] = field.of(brush);
+    for (const BrushFields::Switch &field : BrushFields::switches())
+        object[QLatin1String(field.key)] = field.of(brush);
+    if (paint.stamp)
+        object[stampKey] = QString::fromStdString(paint.stamp->name());
+    return QJsonDocument(object).toJson();
+}
+
+} // namespace
+
+QString BrushPresets::ownFolder()
+{
+    return QDir(OssSettings::folderPath()).filePath(QStringLiteral("Brushes"));
+}
+
+QVector<BrushPresets::Entry> BrushPresets::all()
+{
+    QVector<Entry> found;
+    for (const Shipped &row : shipped) {
+        Entry entry;
+        entry.name = QCoreApplication::translate("BrushPresets", row.name);
+        row.set(&entry.brush);
+        found.append(entry);
+    }
+    const QFileInfoList files = QDir(ownFolder())
+                                    .entryInfoList({QStringLiteral("*.json")}, QDir::Files,
+                                                   QDir::Name | QDir::IgnoreCase);
+    for (const QFileInfo &file : files) {
+        Entry entry;
+        entry.name = file.completeBaseName();
+        entry.isOwn = true;
+        const OssResult result = read(file.filePath(), &entry.brush);
+        if (result)
+            found.append(entry);
+        else
+            OssDebug("BrushPresets", __LINE__, "[ !! ] %s", qPrintable(result.error()));
+    }
+    return found;
+}
+
+OssResult BrushPresets::save(const QString &name, const Brush &brush)
+{
+    if (name.trimmed().isEmpty() || name.contains(QLatin1Char('/'))
+        || name.startsWith(QLatin1Char('.')))
+        return OssResult::failure(QCoreApplication::translate(
+            "BrushPresets", "A brush needs a name that a file can have, without \"/\""));
+    const OssResult folder = OssAtomicFile::makeFolder(ownFolder());
+    return folder ? OssAtomicFile::write(pathOf(name), textOf(brush)) : folder;
+}
+
+OssResult BrushPresets::remove(const QString &name)
+{
+    QFile file(pathOf(name));
+    return file.remove() ? OssResult() : refused(file.fileName(), file.errorString());
+}
+
+QStringList BrushPresets::stamps()
+{
+    return BrushStamps::names();
+}
+
+OssResult BrushPresets::readStamp(const QString &name, OssEvStamp::Pointer *stamp)
+{
+    *stamp = BrushStamps::make(name);
+    if (*stamp || name.isEmpty())
+        return {};
+    const OssEvResult result = OssEvStamp::read(name.toStdString(), stamp);
+    return result ? OssResult() : OssResult::failure(QString::fromStdString(result.error()));
+}

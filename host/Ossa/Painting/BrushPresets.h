@@ -1,0 +1,35 @@
+#pragma once
+
+#include "Ossa/Painting/Brushes.h"
+#include "OssCore/Values/OssResult.h"
+
+#include <QString>
+#include <QVector>
+
+/// Brushes that can be taken up: those of the program, and the user's own, which are readable files in
+/// "Brushes" of the configuration folder.
+namespace BrushPresets {
+
+struct Entry
+{
+    QString name;
+    Brush brush;
+    bool isOwn = false;
+};
+
+/// The program's, then the user's own by name. What cannot be read is left out, with a line in the log.
+QVector<Entry> all();
+
+/// Keeps one as the user's own, in place of one of that name. A stamp stays where it is.
+OssResult save(const QString &name, const Brush &brush);
+/// Of the user's own.
+OssResult remove(const QString &name);
+
+/// Stamps that need no file: their names.
+QStringList stamps();
+/// One of these, or read from a file. An empty name is none.
+OssResult readStamp(const QString &name, OssEvStamp::Pointer *stamp);
+
+QString ownFolder();
+
+} // namespace BrushPresets

@@ -1,0 +1,140 @@
+#include "Ossa/Viewer/ObjectView.h"
+
+#include "Ossa/Painting/Brushes.h"
+#include "Ossa/Painting/ObjectCanvas.h"
+#include "Ossa/Painting/PaintSession.h"
+#include "Ossa/Viewer/ViewerPictures.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+#include <QTabletEvent>
+
+// The object as a canvas.
+
+namespace {
+
+constexpr double smallestCore = 4.0; ///< pixels: what is smaller is not drawn within the outline
+
+} // namespace
+
+void ObjectView::setCanvas(PaintSession *session)
+{
+    m_session = session;
+    m_canvas = std::make_unique<ObjectCanvas>(session);
+    connect(m_canvas.get(), &ObjectCanvas::ready, this, [this] { update(); });
+    connect(Brushes::instance(), &Brushes::changed, this, [this] { update(); });
+    setMouseTracking(true);
+}
+
+void ObjectView::setPainted(bool painted)
+{
+    m_isPainted = painted;
+    if (!painted)
+        m_session->end();
+    m_canvas->setActive(painted);
+    setCursor(painted ? Qt::CrossCursor : Qt::ArrowCursor);
+    activateLight();
+    redraw();
+}
+
+void ObjectView::placeCanvas()
+{
+    m_canvas->setView(m_camera.view(), m_camera.projection(float(width()) / float(height())),
+                      size());
+}
+
+bool ObjectView::paintPress(const QMouseEvent &event)
+{
+    if (!m_isPainted || event.button() != Qt::LeftButton || (event.modifiers() & Qt::AltModifier))
+        return false;
+    placeCanvas();
+    if (event.modifiers() & Qt::ControlModifier) {
+        pickColor(event.localPos());
+        return true;
+    }
+    const QPointF place = m_hand.begin(event.localPos());
+    const ObjectCanvas::Press pressed = event.modifiers() & Qt::ShiftModifier
+                                            ? m_canvas->pressLine(place, m_hand.pressure())
+                                            : m_canvas->press(place, m_hand.pressure());
+    return pressed != ObjectCanvas::Press::Beside; // there a drag turns the object
+}
+
+bool ObjectView::paintMove(const QMouseEvent &event)
+{
+    if (!m_isPainted)
+        return false;
+    m_pointer = event.localPos();
+    update();
+    if (!m_session->isPainting())
+        return false;
+    m_canvas->move(m_hand.follow(event.localPos(), Brushes::instance()->steadiness()),
+                   m_hand.pressure());
+    return true;
+}
+
+void ObjectView::pickColor(const QPointF &place)
+{
+    const std::optional<QPointF> uv = m_canvas->uvAt(place);
+    if (uv)
+        Brushes::instance()->takeColor(m_pictures->colorAt(*uv));
+}
+
+void ObjectView::tabletEvent(QTabletEvent *event)
+{
+    // Left to Qt, which makes a mouse event of it: the gestures are the same.
+    m_hand.note(*event);
+    event->ignore();
+}
+
+void ObjectView::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Escape && m_isPainted && m_session->isPainting())
+        m_session->cancel();
+    else
+        QWidget::keyPressEvent(event);
+}
+
+void ObjectView::focusOutEvent(QFocusEvent *event)
+{
+    if (m_isPainted)
+        m_session->end();
+    QWidget::focusOutEvent(event);
+}
+
+void ObjectView::enterEvent(QEvent *event)
+{
+    QWidget::enterEvent(event);
+    if (m_isPainted)
+        Q_EMIT entered();
+}
+
+void ObjectView::leaveEvent(QEvent *event)
+{
+    QWidget::leaveEvent(event);
+    m_pointer.reset();
+    update();
+}
+
+void ObjectView::drawOutline(QPainter *painter)
+{
+    if (!m_isPainted || !m_pointer || m_isMoving)
+        return;
+    placeCanvas();
+    const QPolygonF ring = m_canvas->outline(*m_pointer);
+    if (ring.isEmpty())
+        return;
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->setBrush(Qt::NoBrush);
+    // Dark and light, so that it is seen on any picture.
+    painter->setPen(QPen(QColor(0, 0, 0, 160), 2.5));
+    painter->drawPolyline(ring);
+    painter->setPen(QPen(Qt::white, 1.0));
+    painter->drawPolyline(ring);
+    const double hardness = Brushes::instance()->brush().hardness;
+    const QPolygonF core = m_canvas->outline(*m_pointer, hardness);
+    const double across = std::max(core.boundingRect().width(), core.boundingRect().height());
+    if (across < smallestCore || hardness > 0.95)
+        return;
+    painter->setPen(QPen(QColor(255, 255, 255, 110), 1.0, Qt::DotLine));
+    painter->drawPolyline(core);
+}

@@ -1,0 +1,179 @@
+#include "Ossa/Painting/BrushesPanel.h"
+
+#include "Ossa/Painting/BrushFields.h"
+#include "Ossa/Painting/BrushPicture.h"
+#include "Ossa/Painting/BrushPresets.h"
+#include "OssInterface/Popups/OssApplication.h"
+#include "support/ExpectedLog.h"
+#include "support/InterfaceUser.h"
+#include "support/OssaFiles.h"
+#include "support/Text.h"
+
+#include <gtest/gtest.h>
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDir>
+#include <QDoubleSpinBox>
+#include <QLineEdit>
+#include <QListWidget>
+
+namespace {
+
+/// The palette of brushes, with none of the user's own.
+class BrushesPalette : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        QDir(BrushPresets::ownFolder()).removeRecursively();
+        m_popups = OssApplication::popupsAllowed();
+        OssApplication::setPopupsAllowed(false);
+        Brushes::instance()->take({});
+        m_panel.resize(600, 500);
+        m_panel.show();
+    }
+
+    void TearDown() override
+    {
+        QDir(BrushPresets::ownFolder()).removeRecursively();
+        Brushes::instance()->take({});
+        OssApplication::setPopupsAllowed(m_popups);
+    }
+
+    QListWidget *shelf() const { return m_panel.findChild<QListWidget *>(); }
+
+    QListWidgetItem *kept(const char *name) const
+    {
+        const auto found = shelf()->findItems(text(name), Qt::MatchExactly);
+        return found.isEmpty() ? nullptr : found.last();
+    }
+
+    static const Brush &brush() { return Brushes::instance()->current(); }
+
+    BrushesPanel m_panel;
+    bool m_popups = true;
+};
+
+TEST_F(BrushesPalette, fieldsAreTheBrushAndTheBrushTheFields)
+{
+    for (const BrushFields::Number &number : BrushFields::numbers()) {
+        auto *field = named<QDoubleSpinBox>(&m_panel, number.name);
+        ASSERT_NE(field, nullptr) << number.name;
+        field->setValue(std::round((number.least + number.most) / 3.0));
+        Brush now = brush();
+        EXPECT_NEAR(number.of(now) * number.shown, field->value(), 1e-9) << number.key;
+        number.of(now) = number.least / number.shown + 0.01;
+        Brushes::instance()->take(now);
+        EXPECT_NEAR(field->value(), std::round(number.of(now) * number.shown), 1e-9) << number.key;
+    }
+    for (const BrushFields::Switch &field : BrushFields::switches()) {
+        Brush now = brush();
+        const bool was = field.of(now);
+        button(&m_panel, field.name)->click();
+        now = brush();
+        EXPECT_NE(field.of(now), was) << field.key;
+    }
+}
+
+TEST_F(BrushesPalette, aKeptBrushIsTakenUpAgainWithAllButItsColor)
+{
+    Brush mine;
+    for (const BrushFields::Number &number : BrushFields::numbers())
+        number.of(mine) = (0.25 * number.least + 0.75 * number.most) / number.shown;
+    for (const BrushFields::Switch &field : BrushFields::switches())
+        field.of(mine) = !field.of(mine);
+    mine.paint.sizeIn = OssEvBrush::SizeIn::World;
+    mine.paint.radius = 11.5;
+    mine.paint.worldRadius = 0.75;
+    ASSERT_TRUE(BrushPresets::readStamp(text("Chalk"), &mine.paint.stamp).ok());
+    Brushes::instance()->take(mine);
+    named<QLineEdit>(&m_panel, "Name for the brush in hand")->setText(text("My Chalk"));
+    button(&m_panel, "Keep")->click();
+    ASSERT_NE(kept("My Chalk"), nullptr);
+
+    OssEvBrush other;
+    other.color = {0.1F, 0.2F, 0.3F};
+    Brushes::instance()->take({});
+    Brushes::instance()->setBrush(other);
+    Q_EMIT shelf()->itemClicked(kept("My Chalk"));
+    Brush again = brush();
+    for (const BrushFields::Number &number : BrushFields::numbers())
+        EXPECT_DOUBLE_EQ(number.of(again), number.of(mine)) << number.key;
+    for (const BrushFields::Switch &field : BrushFields::switches())
+        EXPECT_EQ(field.of(again), field.of(mine)) << field.key;
+    EXPECT_EQ(again.paint.sizeIn, OssEvBrush::SizeIn::World);
+    EXPECT_DOUBLE_EQ(again.paint.radius, 11.5);
+    EXPECT_DOUBLE_EQ(again.paint.worldRadius, 0.75);
+    ASSERT_TRUE(again.paint.stamp);
+    EXPECT_EQ(again.paint.stamp->name(), "Chalk");
+    EXPECT_EQ(again.paint.color, other.color);
+
+    shelf()->setCurrentItem(kept("My Chalk"));
+    button(&m_panel, "Remove")->click();
+    EXPECT_EQ(kept("My Chalk"), nullptr);
+    shelf()->setCurrentRow(0);
+    EXPECT_FALSE(button(&m_panel, "Remove")->isEnabled()) << "the program's own";
+}
+
+TEST_F(BrushesPalette, namesThatNoFileCanHaveAndFilesThatNoBrushIsAreRefused)
+{
+    EXPECT_FALSE(BrushPresets::save(text("a/b"), {}).ok());
+    EXPECT_FALSE(BrushPresets::save(text("  "), {}).ok());
+    EXPECT_FALSE(BrushPresets::save(text(".."), {}).ok());
+    ASSERT_TRUE(QDir().mkpath(BrushPresets::ownFolder()));
+    const QDir folder(BrushPresets::ownFolder());
+    const auto write = [&](const char *name, const char *content) {
+        QFile file(folder.filePath(text(name)));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content);
+    };
+    write("Torn.json", "{\"radius\": ");
+    write("Lost.json", "{\"stamp\": \"/no/such/stamp.png\"}");
+    write("Wild.json", "{\"radius\": 1e300, \"flow\": -5, \"angle\": \"x\", \"sizeIn\": 7}");
+    const ExpectedLog torn("Torn.json");
+    const ExpectedLog lost("/no/such/stamp.png");
+    const int shipped = int(BrushPresets::all().size()) - 1;
+    const BrushPresets::Entry wild = BrushPresets::all().last();
+    EXPECT_EQ(wild.name, text("Wild")) << "the others are left out";
+    EXPECT_GE(shipped, 8);
+    EXPECT_DOUBLE_EQ(wild.brush.paint.radius, Brushes::largestRadius);
+    EXPECT_DOUBLE_EQ(wild.brush.paint.flow, 0.01);
+    EXPECT_DOUBLE_EQ(wild.brush.paint.angle, 0.0);
+}
+
+TEST_F(BrushesPalette, everyPictureShowsAStrokeOfItsOwn)
+{
+    QVector<QImage> seen;
+    const QVector<BrushPresets::Entry> all = BrushPresets::all();
+    for (const BrushPresets::Entry &entry : all) {
+        const QImage picture = BrushPicture::make(entry.brush, {112, 40});
+        EXPECT_EQ(picture.size(), QSize(112, 40));
+        int covered = 0;
+        for (int y = 0; y < 40; ++y) {
+            for (int x = 0; x < 112; ++x)
+                covered += qAlpha(picture.pixel(x, y)) > 60 ? 1 : 0;
+        }
+        EXPECT_GT(covered, 60) << qPrintable(entry.name);
+        EXPECT_LT(covered, 112 * 40 / 2) << qPrintable(entry.name);
+        EXPECT_FALSE(seen.contains(picture)) << qPrintable(entry.name);
+        seen.append(picture);
+    }
+}
+
+TEST_F(BrushesPalette, aStampIsChosenAndGivenUpAndAFileThatIsNoneIsRefused)
+{
+    auto *stamps = named<QComboBox>(&m_panel, "Stamp");
+    const int spatter = stamps->findText(text("Spatter"));
+    Q_EMIT stamps->activated(spatter);
+    ASSERT_TRUE(brush().paint.stamp);
+    EXPECT_EQ(stamps->currentIndex(), spatter);
+    Q_EMIT stamps->activated(stamps->count() - 1); // nobody answers: as if given up
+    EXPECT_TRUE(brush().paint.stamp);
+    Q_EMIT stamps->activated(0);
+    EXPECT_FALSE(brush().paint.stamp);
+    OssEvStamp::Pointer stamp;
+    EXPECT_TRUE(BrushPresets::readStamp(text("/no.png"), &stamp).error().contains(text("/no.png")));
+}
+
+} // namespace

@@ -1,8 +1,12 @@
+#include "Ossa/Surfaces/LitRenderer.h"
 #include "OssRender/Draw/OssRdRenderer.h"
 #include "OssRender/Light/OssRdEnvironment.h"
 
 #include <glm/gtc/constants.hpp>
 #include <glm/gtc/matrix_transform.hpp>
+
+#include <QCoreApplication>
+#include <QEventLoop>
 
 #include <chrono>
 #include <cmath>
@@ -10,7 +14,8 @@
 #include <ctime>
 
 // What a picture in light costs: an object of 100,000 triangles with four maps of 1024 texels at
-// 1280 x 720, as the Viewer draws it while it is turned, at rest, and at last.
+// 1280 x 720, as the Viewer draws it while it is turned, at rest, and at last; and as the Viewer's thread
+// has it ready for the screen.
 
 namespace {
 
@@ -76,28 +81,53 @@ struct Row
     int frames;
 };
 
-} // namespace
-
-int main()
+glm::mat4 cameraOf(int frame)
 {
-    OssRdRenderer renderer;
-    if (!renderer.problem().empty()) {
-        std::printf("nothing can be drawn: %s\n", renderer.problem().c_str());
-        return 1;
-    }
-    std::printf("%s\n", renderer.deviceName().c_str());
-    OssRdScene scene;
+    const float angle = glm::two_pi<float>() * float(frame) / 60.0F;
+    const glm::vec3 eye(4.0F * std::sin(angle), 1.0F, 4.0F * std::cos(angle));
+    return glm::lookAt(eye, glm::vec3(0.0F), {0.0F, 1.0F, 0.0F});
+}
+
+glm::mat4 projection()
+{
+    return glm::perspective(glm::radians(35.0F), 1280.0F / 720.0F, 0.1F, 20.0F);
+}
+
+/// Prints what each of so many frames takes; some before them do not count.
+template <class Draw>
+void measure(const char *name, int frames, Draw draw)
+{
+    constexpr int Warm = 4;
+    for (int frame = -Warm; frame < 0; ++frame)
+        draw(frame);
+    const double cpu = cpuSeconds();
+    const double wall = wallSeconds();
+    for (int frame = 0; frame < frames; ++frame)
+        draw(frame);
+    std::printf("%-36s %8.1f ms CPU %8.1f ms\n", name, 1000.0 * (cpuSeconds() - cpu) / frames,
+                1000.0 * (wallSeconds() - wall) / frames);
+}
+
+std::shared_ptr<const OssRdScene> makeScene()
+{
+    auto scene = std::make_shared<OssRdScene>();
     const std::shared_ptr<const OssEvMesh> mesh = ball();
-    scene.objects.push_back({OssRdGeometry::of(*mesh), {{1001, material()}}});
-    scene.surrounding = std::make_shared<const OssRdPicture>(OssRdEnvironment::make({}));
-    double cpu = cpuSeconds();
-    scene.probe = std::make_shared<const OssRdLightProbe>(OssRdLightProbe::of(*scene.surrounding));
-    std::printf("%-28s %8.1f ms CPU\n", "surroundings", 1000.0 * (cpuSeconds() - cpu));
-    scene.keyLight = glm::vec3(0.7F);
-    const Row rows[] = {{"turning, coarse", 569, 320, false, 0, 24},
-                        {"turning, full size", 1280, 720, false, 0, 12},
+    scene->objects.push_back({OssRdGeometry::of(*mesh), {{1001, material()}}});
+    scene->surrounding = std::make_shared<const OssRdPicture>(OssRdEnvironment::make({}));
+    const double cpu = cpuSeconds();
+    scene->probe = std::make_shared<const OssRdLightProbe>(
+        OssRdLightProbe::of(*scene->surrounding));
+    std::printf("%-36s %8.1f ms CPU\n", "surroundings", 1000.0 * (cpuSeconds() - cpu));
+    scene->keyLight = glm::vec3(0.7F);
+    return scene;
+}
+
+void measureRenderer(OssRdRenderer *renderer, const OssRdScene &scene)
+{
+    const Row rows[] = {{"coarse, a third", 426, 240, false, 0, 24},
+                        {"full size", 1280, 720, false, 0, 12},
                         {"at rest", 1280, 720, true, 0, 8},
-                        {"at last", 1280, 720, true, 48, 2}};
+                        {"at last", 1280, 720, true, 48, 1}};
     for (const Row &row : rows) {
         OssRdView view;
         view.width = row.width;
@@ -105,20 +135,51 @@ int main()
         view.isSmooth = row.isSmooth;
         view.isCoarse = row.height < 720;
         view.mirrorSamples = row.samples;
-        view.projection = glm::perspective(glm::radians(35.0F), 1280.0F / 720.0F, 0.1F, 20.0F);
-        double wall = 0.0;
-        for (int frame = -1; frame < row.frames; ++frame) {
-            const float angle = glm::two_pi<float>() * float(frame) / 60.0F;
-            const glm::vec3 eye(4.0F * std::sin(angle), 1.0F, 4.0F * std::cos(angle));
-            view.camera = glm::lookAt(eye, glm::vec3(0.0F), {0.0F, 1.0F, 0.0F});
-            if (frame == 0) {
-                cpu = cpuSeconds();
-                wall = wallSeconds();
-            }
-            renderer.render(scene, view);
-        }
-        std::printf("%-28s %8.1f ms CPU %8.1f ms\n", row.name,
-                    1000.0 * (cpuSeconds() - cpu) / row.frames,
-                    1000.0 * (wallSeconds() - wall) / row.frames);
+        view.projection = projection();
+        measure(row.name, row.frames, [&](int frame) {
+            view.camera = cameraOf(frame);
+            renderer->render(scene, view);
+        });
     }
+}
+
+/// From asking for a frame to its picture, which the Viewer only has to put on the screen.
+void measureTurning(const std::shared_ptr<const OssRdScene> &scene)
+{
+    LitRenderer renderer;
+    QEventLoop loop;
+    QSize size;
+    QObject::connect(&renderer, &LitRenderer::drawn, &loop, [&](const QImage &picture) {
+        size = picture.size();
+        loop.quit();
+    });
+    LitRenderer::Request request;
+    request.scene = scene;
+    request.screen.colors = OssEvColorSpaces::builtIn();
+    request.isMoving = true;
+    request.view.width = 1280;
+    request.view.height = 720;
+    request.view.projection = projection();
+    measure("turned in the Viewer", 60, [&](int frame) {
+        request.view.camera = cameraOf(frame);
+        renderer.draw(request);
+        loop.exec();
+    });
+    std::printf("%-36s %8d x %d\n", "of a size of", size.width(), size.height());
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    OssRdRenderer renderer;
+    if (!renderer.problem().empty()) {
+        std::printf("nothing can be drawn: %s\n", renderer.problem().c_str());
+        return 1;
+    }
+    std::printf("%s\n", renderer.deviceName().c_str());
+    const std::shared_ptr<const OssRdScene> scene = makeScene();
+    measureTurning(scene);
+    measureRenderer(&renderer, *scene);
 }

@@ -80,6 +80,14 @@ void DeviceCopies::fillMesh(const OssRdGeometry &geometry, Copy *copy)
     attribute(3, 2, offsetof(Vertex, uv));
 }
 
+void DeviceCopies::draw(const OssRdGeometry::Part &part)
+{
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): OpenGL takes the offset into its buffer so.
+    const auto *first = reinterpret_cast<const void *>(std::size_t(part.first)
+                                                       * sizeof(std::uint32_t));
+    glDrawElements(GL_TRIANGLES, part.count, GL_UNSIGNED_INT, first);
+}
+
 bool DeviceCopies::bindFlat(const std::shared_ptr<const void> &of, int unit)
 {
     bool isNew = false;

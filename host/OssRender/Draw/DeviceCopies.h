@@ -16,6 +16,8 @@ public:
 
     /// Binds it for drawing.
     void mesh(const std::shared_ptr<const OssRdGeometry> &geometry);
+    /// Of the mesh that is bound.
+    static void draw(const OssRdGeometry::Part &part);
     /// Bind a texture to a unit.
     void texels(const std::shared_ptr<const OssRdMaterial::Texels> &texels, int unit);
     enum class Light { Mirrored, Sharp, Dull };

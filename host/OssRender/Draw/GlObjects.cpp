@@ -56,6 +56,11 @@ void releaseProgram(GLuint name)
     glDeleteProgram(name);
 }
 
+void releaseSampler(GLuint name)
+{
+    glDeleteSamplers(1, &name);
+}
+
 GlTexture makeTexture()
 {
     GLuint name = 0;

@@ -53,12 +53,14 @@ void releaseArray(GLuint name);
 void releaseFramebuffer(GLuint name);
 void releaseRenderbuffer(GLuint name);
 void releaseProgram(GLuint name);
+void releaseSampler(GLuint name);
 
 using GlTexture = GlName<releaseTexture>;
 using GlBuffer = GlName<releaseBuffer>;
 using GlArray = GlName<releaseArray>;
 using GlFramebuffer = GlName<releaseFramebuffer>;
 using GlRenderbuffer = GlName<releaseRenderbuffer>;
+using GlSampler = GlName<releaseSampler>;
 
 GlTexture makeTexture();
 GlBuffer makeBuffer();

@@ -27,6 +27,9 @@ public:
     /// when it was cancelled, which is asked between parts of pictures that take long.
     OssRdImage render(const OssRdScene &scene, const OssRdView &view,
                       const OssEvCancel *cancel = nullptr);
+    /// The same with another scene in the columns left of `border`.
+    OssRdImage renderBeside(const OssRdScene &left, int border, const OssRdScene &scene,
+                            const OssRdView &view, const OssEvCancel *cancel = nullptr);
 
 private:
     struct Private;

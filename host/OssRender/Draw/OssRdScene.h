@@ -4,6 +4,7 @@
 #include "OssRender/Surface/OssRdGeometry.h"
 #include "OssRender/Surface/OssRdMaterial.h"
 
+#include <algorithm>
 #include <map>
 #include <memory>
 #include <vector>
@@ -15,6 +16,12 @@ struct OssRdScene
     {
         std::shared_ptr<const OssRdGeometry> geometry;
         std::map<int, OssRdMaterial> materials; ///< by patch; others look as a default one
+        std::vector<int> slots = {};            ///< of the geometry's; none: all
+
+        bool covers(int slot) const
+        {
+            return slots.empty() || std::find(slots.cbegin(), slots.cend(), slot) != slots.cend();
+        }
     };
 
     std::vector<Object> objects;
@@ -54,7 +61,7 @@ struct OssRdView
     int width = 0;
     int height = 0;
     bool isSmooth = true;  ///< several samples a pixel
-    bool isCoarse = false; ///< with fewer triangles
+    bool isCoarse = false; ///< as quickly as can be: with fewer triangles, and less of what is soft
     /// In how many directions a surface looks for what it mirrors; 0: in one, where each roughness has its
     /// blurred picture, which is quick and near enough for what moves.
     int mirrorSamples = 0;

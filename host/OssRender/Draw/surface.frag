@@ -1,3 +1,5 @@
+// Ways of drawing: LIT; SAMPLED, with mirrorSamples; BUMPS, where a map stands out;
+// COATED; COARSE, quickly; WIRES.
 in vec3 worldPlace;
 in vec3 worldNormal;
 in vec4 worldTangent;
@@ -20,7 +22,7 @@ uniform int mirrorLevels;
 uniform bool hasProbe;
 uniform samplerCube dull;
 uniform samplerCube sharp; // with plain mip levels
-uniform int mirrorSamples; // 0: what was made ready is near enough
+uniform int mirrorSamples;
 uniform mat3 toSurrounding;
 uniform float intensity;
 
@@ -30,7 +32,6 @@ uniform sampler2DShadow shadowMap;
 uniform mat4 toShadow;
 uniform float shadowBias;
 uniform float shadowStep;
-uniform bool isWire;
 
 const float past = 0.0001;
 
@@ -50,6 +51,7 @@ vec3 mirrorReady(vec3 n, vec3 toEye, float roughness)
     return textureLod(mirrored, toSurrounding * direction, roughness * float(mirrorLevels - 1)).rgb;
 }
 
+#ifdef SAMPLED
 // A facet that the eye sees, from two numbers between 0 and 1 (Heitz 2018). The normal is z.
 vec3 seenFacet(vec3 toEye, float alpha, vec2 random)
 {
@@ -119,6 +121,7 @@ void mirrorSampled(vec3 n, vec3 toEye, float roughness, float share, out vec3 of
     ofOne /= weights.x;
     ofNone /= weights.y;
 }
+#endif
 
 float lit(vec3 geometric)
 {
@@ -128,6 +131,9 @@ float lit(vec3 geometric)
     if (any(lessThan(to, vec3(0.0))) || any(greaterThan(to, vec3(1.0))))
         return 1.0;
     vec2 texel = 1.0 / vec2(textureSize(shadowMap, 0));
+#ifdef COARSE
+    return texture(shadowMap, vec3(to.xy, to.z - shadowBias));
+#endif
     float sum = 0.0;
     for (int i = 0; i < 4; ++i) {
         vec2 offset = vec2(float(i & 1) - 0.5, float(i >> 1) - 0.5) * 2.0;
@@ -136,6 +142,7 @@ float lit(vec3 geometric)
     return sum / 4.0;
 }
 
+#ifdef BUMPS
 // The surface stands out by the coat map's third channel: the normal as it is seen from the heights
 // beside a texel (Mikkelsen 2010).
 vec3 bumped(vec3 n)
@@ -156,6 +163,7 @@ vec3 bumped(vec3 n)
     vec3 gradient = reach * sign(extent) * (beside * first + below * second);
     return normalize(abs(extent) * n - gradient);
 }
+#endif
 
 vec3 shaded(vec3 geometric, vec4 shape)
 {
@@ -165,7 +173,11 @@ vec3 shaded(vec3 geometric, vec4 shape)
     float z = sqrt(max(1.0 - dot(xy, xy), 0.0));
     vec3 n = normalize(xy.x * worldTangent.xyz + xy.y * bitangent + z * worldNormal);
     n = gl_FrontFacing ? n : -n;
-    return bumped(any(isnan(n)) ? geometric : n);
+    n = any(isnan(n)) ? geometric : n;
+#ifdef BUMPS
+    n = bumped(n);
+#endif
+    return n;
 }
 
 // What one layer sends to the eye, and how much of the light from below it keeps.
@@ -177,14 +189,17 @@ vec3 layer(vec3 n, vec3 toEye, vec3 reflectivity, float roughness, float light, 
     vec3 bounces = 1.0 + reflectivity * (1.0 / max(ab.x + ab.y, 1e-4) - 1.0);
     reflected = (reflectivity * ab.x + ab.y) * bounces;
     vec3 sum = vec3(0.0);
-    if (hasProbe && mirrorSamples > 0) {
+#ifdef SAMPLED
+    if (hasProbe) {
         vec3 ofOne;
         vec3 ofNone;
         mirrorSampled(n, toEye, roughness, reflectivity == vec3(dielectric) ? 0.5 : 1.0, ofOne, ofNone);
         sum = (reflectivity * ab.x * ofOne + ab.y * ofNone) * bounces * occlusion * intensity;
-    } else if (hasProbe) {
-        sum = reflected * mirrorReady(n, toEye, roughness) * occlusion * intensity;
     }
+#else
+    if (hasProbe)
+        sum = reflected * mirrorReady(n, toEye, roughness) * occlusion * intensity;
+#endif
     float toLight = dot(n, toKeyLight);
     if (light > 0.0 && toLight > 0.0 && cosine > 0.0) {
         vec3 half_ = normalize(toEye + toKeyLight);
@@ -214,6 +229,7 @@ vec3 litSurface(vec3 geometric, vec3 n, vec3 base, vec4 shape, vec4 glow, vec4 c
                            : vec3(0.0);
     sum += diffuse * (around + keyLight * light * max(dot(n, toKeyLight), 0.0));
     sum += glow.rgb;
+#ifdef COATED
     if (coat.r > 0.0) {
         vec3 ofCoat;
         float thick = clamp(coat.r, 0.0, 1.0);
@@ -221,6 +237,7 @@ vec3 litSurface(vec3 geometric, vec3 n, vec3 base, vec4 shape, vec4 glow, vec4 c
                            occlusion, ofCoat);
         sum = sum * (1.0 - thick * ofCoat) + thick * gloss;
     }
+#endif
     return sum;
 }
 
@@ -249,10 +266,9 @@ void main()
     // A face that straddles patches is drawn in each and kept where it belongs.
     if (any(lessThan(place, vec2(-past))) || any(greaterThan(place, vec2(1.0 + past))))
         discard;
-    if (isWire) {
-        color = vec4(vec3(0.02), 1.0) * 0.7;
-        return;
-    }
+#ifdef WIRES
+    color = vec4(vec3(0.02), 1.0) * 0.7;
+#else
     vec3 geometric = normalize(worldNormal);
     geometric = gl_FrontFacing ? geometric : -geometric;
     vec4 base = map(0, colorMap);
@@ -262,8 +278,10 @@ void main()
     float opacity = clamp(base.a, 0.0, 1.0);
     vec3 n = shaded(geometric, shape);
     vec3 seen;
+#ifdef LIT
+    seen = litSurface(geometric, n, max(base.rgb, 0.0), shape, glow, coat);
+#else
     switch (shows) {
-    case 0: seen = litSurface(geometric, n, max(base.rgb, 0.0), shape, glow, coat); break;
     case 1: seen = base.rgb; break;
     case 2: seen = vec3(shape.b); break;
     case 3: seen = vec3(shape.a); break;
@@ -277,6 +295,8 @@ void main()
     case 11: seen = matcap(n); break;
     default: seen = geometric * 0.5 + 0.5; break;
     }
+#endif
     opacity = shows == 0 || shows == 11 ? opacity : 1.0;
     color = vec4(min(seen, vec3(30000.0)) * opacity, opacity);
+#endif
 }

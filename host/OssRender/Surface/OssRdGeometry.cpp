@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <map>
 #include <unordered_map>
 
 namespace {
@@ -39,8 +40,8 @@ void measure(OssRdGeometry *geometry)
 /// Below it a mesh is drawn as quickly as a smaller one.
 constexpr int FewTriangles = 20000;
 /// Cells across the longest side of a mesh, and across a patch.
-constexpr float Cells = 40.0F;
-constexpr float CellsOfPatch = 32.0F;
+constexpr float Cells = 30.0F;
+constexpr float CellsOfPatch = 20.0F;
 
 /// Vertices that are near each other, face the same way and have nearly the same texture coordinates
 /// become one (Rossignac and Borrel 1993): for each the one that stands for it.
@@ -93,6 +94,25 @@ void addCoarse(OssRdGeometry *geometry)
     }
 }
 
+void addParts(const OssEvMesh &mesh, const OssEvTangents &tangents, OssRdGeometry *geometry)
+{
+    std::vector<std::uint32_t> &indices = geometry->indices;
+    for (const int patch : mesh.patches()) {
+        std::map<int, std::vector<std::int32_t>> bySlot;
+        for (const std::int32_t triangle : mesh.trianglesOf(patch))
+            bySlot[mesh.materials[std::size_t(triangle)]].push_back(triangle);
+        for (const auto &[slot, triangles] : bySlot) {
+            OssRdGeometry::Part part{patch, slot, int(indices.size()), 0};
+            for (const std::int32_t triangle : triangles) {
+                const auto &corners = tangents.triangles[std::size_t(triangle)];
+                indices.insert(indices.end(), corners.begin(), corners.end());
+            }
+            part.count = int(indices.size()) - part.first;
+            geometry->parts.push_back(part);
+        }
+    }
+}
+
 } // namespace
 
 std::shared_ptr<const OssRdGeometry> OssRdGeometry::of(const OssEvMesh &mesh)
@@ -109,15 +129,7 @@ std::shared_ptr<const OssRdGeometry> OssRdGeometry::of(const OssEvMesh &mesh)
                                  {tangent[0], tangent[1], tangent[2], tangent[3]},
                                  {uv[0], uv[1]}};
     }
-    for (const int patch : mesh.patches()) {
-        Part part{patch, int(geometry->indices.size()), 0};
-        for (const std::int32_t triangle : mesh.trianglesOf(patch)) {
-            const auto &corners = tangents.triangles[std::size_t(triangle)];
-            geometry->indices.insert(geometry->indices.end(), corners.begin(), corners.end());
-        }
-        part.count = int(geometry->indices.size()) - part.first;
-        geometry->parts.push_back(part);
-    }
+    addParts(mesh, tangents, geometry.get());
     for (int row = 0; row < 3; ++row) {
         for (int column = 0; column < 4; ++column)
             geometry->world[column][row] = mesh.world[std::size_t(row) * 4 + std::size_t(column)];

@@ -20,10 +20,11 @@ struct OSSRENDER_EXPORT OssRdGeometry
         glm::vec2 uv;
     };
 
-    /// Triangles that touch a patch, in `indices`.
+    /// Triangles of a material slot that touch a patch, in `indices`.
     struct Part
     {
         int patch = 0;
+        int slot = 0;
         int first = 0;
         int count = 0;
     };

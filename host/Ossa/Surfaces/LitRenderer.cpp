@@ -3,13 +3,18 @@
 #include "OssRender/Draw/OssRdRenderer.h"
 
 #include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QPointer>
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
-constexpr int movingHeight = 320; ///< most, in pixels
+constexpr double blink = 25.0;    // milliseconds, of a coarse picture
+constexpr double firstPart = 0.4; // of the height, of the first coarse picture
+constexpr double leastPart = 1.0 / 3.0;
+constexpr double tolerance = 1.2; // by which sizes do not change for nothing
 constexpr int restSamples = 48;
 /// Coarse, at full size, smooth, exact.
 constexpr int passes = 4;
@@ -72,7 +77,8 @@ void LitRenderer::run()
             m_cancel = std::make_shared<OssEvCancel>();
         }
         const int last = request.isMoving ? 1 : passes;
-        for (int pass = request.isMoving ? 0 : 1; pass < last; ++pass) {
+        const int first = request.isMoving || m_wholeTime > blink ? 0 : 1;
+        for (int pass = first; pass < last; ++pass) {
             if (!drawOne(&renderer, request, pass))
                 break;
         }
@@ -92,15 +98,36 @@ bool LitRenderer::drawOne(OssRdRenderer *renderer, const Request &request, int p
     view.mirrorSamples = pass > 2 ? restSamples : 0;
     if (pass > 2 && view.shows != OssRdView::Shows::Lit)
         return false;
-    if (pass == 0 && view.height > movingHeight) {
-        view.width = std::max(1, view.width * movingHeight / view.height);
-        view.height = movingHeight;
+    if (pass == 0) {
+        const double height = m_coarseHeight > 0.0 ? m_coarseHeight : firstPart * view.height;
+        const double part = std::clamp(height / view.height, leastPart, 1.0);
+        view.width = std::max(1, int(view.width * part));
+        view.height = std::max(1, int(view.height * part));
     }
-    const OssRdImage image = renderer->render(*request.scene, view,
-                                              pass > 0 ? cancel.get() : nullptr);
+    QElapsedTimer spent;
+    spent.start();
+    const OssEvCancel *stop = pass > 0 ? cancel.get() : nullptr;
+    const int border = int(float(view.width) * request.border);
+    const OssRdImage image = request.beside ? renderer->renderBeside(*request.beside, border,
+                                                                     *request.scene, view, stop)
+                                            : renderer->render(*request.scene, view, stop);
     if (image.isEmpty())
         return false;
     const QImage picture = LitPicture::shown(image, request.screen);
+    learn(pass, view.height, double(spent.nsecsElapsed()) * 1e-6);
     later([this, picture] { Q_EMIT drawn(picture); });
     return !cancel->isCancelled();
+}
+
+void LitRenderer::learn(int pass, int height, double milliseconds)
+{
+    if (pass == 1)
+        m_wholeTime = milliseconds;
+    if (pass != 0)
+        return;
+    const double wanted = height * std::sqrt(blink / std::max(milliseconds, 0.1));
+    const bool isMuchOther = wanted > m_coarseHeight * tolerance
+                             || wanted * tolerance < m_coarseHeight;
+    if (isMuchOther)
+        m_coarseHeight = wanted;
 }

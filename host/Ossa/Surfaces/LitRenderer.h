@@ -13,8 +13,9 @@
 #include <thread>
 
 /// Draws lit scenes on a thread of its own, the last one that was asked for. While the user turns the
-/// object a coarse picture is enough; at rest it is drawn smoothly, and then again as exactly as the
-/// renderer can. GUI thread.
+/// object a coarse picture is enough, as large as can be had in a blink; at rest it comes first, unless
+/// the whole one is as quick, and the object is drawn smoothly, and then again as exactly as the renderer
+/// can. GUI thread.
 class LitRenderer : public QObject
 {
     Q_OBJECT
@@ -26,6 +27,9 @@ public:
         OssRdView view; ///< how smooth and exact is chosen here
         LitPicture::Screen screen;
         bool isMoving = false;
+        /// What is seen left of a border, which is a part of the width; null: nothing.
+        std::shared_ptr<const OssRdScene> beside = nullptr;
+        float border = 0.0F;
     };
 
     explicit LitRenderer(QObject *parent = nullptr);
@@ -44,8 +48,14 @@ private:
     void run();
     /// Whether the picture was drawn as wanted and nothing else is wanted by now.
     bool drawOne(class OssRdRenderer *renderer, const Request &request, int pass);
+    /// Learns how large a coarse picture may be from how long one of that size took.
+    void learn(int pass, int height, double milliseconds);
     template <class Work>
     void later(Work work);
+
+    // Of the thread.
+    double m_coarseHeight = 0.0; ///< pixels; 0: nobody knows yet
+    double m_wholeTime = 0.0;    ///< of a picture at full size, in milliseconds; the last one's
 
     std::mutex m_mutex; ///< guards all below
     std::condition_variable m_changed;

@@ -90,6 +90,45 @@ TEST_F(LitView, followsTheChannelsOfTheMaterial)
     EXPECT_TRUE(comes(OssRdMaterial::Color, {1.0F, 0.5F, 0.0F, 1.0F})) << problem();
 }
 
+TEST_F(LitView, eachMaterialIsOnTheFacesOfItsSlotAndWithoutOneTheObjectIsBare)
+{
+    // The ball has the slots "Ball" and "Foot".
+    m_network->geoEntity()->setGeometry(text("shaderBall"));
+    OssSnBaseNode *foot = add("Shaders/Standard Surface", "Foot");
+    foot->setAttribute(text("Metallic"), 1.0);
+    m_scene.follow();
+    const auto objects = [this] {
+        return m_scene.scene()->objects;
+    };
+    const auto metallicOf = [&objects](std::size_t which) {
+        const auto all = objects();
+        const bool has = all.size() == 2 && all[which].materials.count(1001) == 1;
+        return has ? all[which].materials.at(1001).maps[OssRdMaterial::Shape].value.b : -1.0F;
+    };
+    ASSERT_TRUE(QTest::qWaitFor([&] { return metallicOf(1) == 1.0F; }, 20000)) << problem();
+    EXPECT_EQ(metallicOf(0), 0.0F);
+    EXPECT_EQ(objects()[0].slots, std::vector<int>{0});
+    EXPECT_EQ(objects()[1].slots, std::vector<int>{1});
+    EXPECT_EQ(objects()[0].geometry, objects()[1].geometry);
+
+    // The same from the other side: what is looked at comes first.
+    look(foot);
+    m_scene.follow();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return metallicOf(0) == 1.0F; }, 20000)) << problem();
+    EXPECT_EQ(objects()[0].slots, std::vector<int>{1});
+    // What is no material is looked at all over.
+    look(m_color);
+    m_scene.follow();
+    EXPECT_EQ(objects().size(), 1U);
+    EXPECT_TRUE(objects()[0].slots.empty());
+
+    m_network->setViewerNodeCurrentEdge(2, true);
+    m_scene.follow();
+    EXPECT_TRUE(m_scene.isBare());
+    ASSERT_EQ(objects().size(), 1U);
+    EXPECT_TRUE(objects()[0].materials.empty());
+}
+
 TEST_F(LitView, theViewerFollowsEachChannelWhileAValueIsDragged)
 {
     m_scene.setActive(false);

@@ -154,16 +154,8 @@ public:
         : m_materials(materials)
         , m_mesh(OssEvaluationService::instance()->mesh(entity))
     {
-        const std::size_t count = m_mesh ? m_mesh->materialNames.size() : 0;
-        for (std::size_t slot = 0; slot < count; ++slot) {
-            const QString name = QString::fromStdString(m_mesh->materialNames[slot]);
-            const auto isIt = [&name](const OssExportMaterial &one) {
-                return one.name().compare(name, Qt::CaseInsensitive) == 0;
-            };
-            const auto found = std::find_if(m_materials.cbegin(), m_materials.cend(), isIt);
-            const auto owner = found != m_materials.cend() ? found : m_materials.cbegin();
-            m_slots[int(owner - m_materials.cbegin())].push_back(int(slot));
-        }
+        if (m_mesh)
+            m_slots = OssExportMaterial::slotsOf(*m_mesh, materials);
     }
 
     /// Materials that have no faces are left out, with a note.

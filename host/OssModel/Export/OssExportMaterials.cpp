@@ -1,5 +1,6 @@
 #include "OssModel/Export/OssExportMaterials.h"
 
+#include "OssEvaluation/Geometry/OssEvMesh.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShadingGroup.h"
@@ -79,6 +80,25 @@ OssExportMaterial OssExportMaterial::of(const OssSnBaseNode *node)
     found.entity = node->network() ? node->network()->geoEntity() : nullptr;
     found.channels = material ? streamsOf(material) : inputsOf(node);
     return found;
+}
+
+QMap<int, std::vector<int>> OssExportMaterial::slotsOf(const OssEvMesh &mesh,
+                                                       const QVector<OssExportMaterial> &materials)
+{
+    QMap<int, std::vector<int>> slots;
+    const std::size_t count = std::max<std::size_t>(mesh.materialNames.size(), 1);
+    for (std::size_t slot = 0; slot < count && !materials.isEmpty(); ++slot) {
+        const QString name = slot < mesh.materialNames.size()
+                                 ? QString::fromStdString(mesh.materialNames[slot])
+                                 : QString();
+        const auto isIt = [&name](const OssExportMaterial &one) {
+            return one.name().compare(name, Qt::CaseInsensitive) == 0;
+        };
+        const auto found = std::find_if(materials.cbegin(), materials.cend(), isIt);
+        const auto owner = found != materials.cend() ? found : materials.cbegin();
+        slots[int(owner - materials.cbegin())].push_back(int(slot));
+    }
+    return slots;
 }
 
 QVector<OssExportMaterial> OssExportMaterial::of(const OssProject *project)

@@ -3,10 +3,14 @@
 #include "OssModel/OssModel_export.h"
 #include "OssModel/Types/OssSnDataKind.h"
 
+#include <QMap>
 #include <QPointer>
 #include <QString>
 #include <QVector>
 
+#include <vector>
+
+class OssEvMesh;
 class OssGeoEntity;
 class OssProject;
 class OssSnBaseNode;
@@ -37,6 +41,11 @@ struct OSSMODEL_EXPORT OssExportMaterial
 
     /// One without a node where the node is no shader and no material.
     static OssExportMaterial of(const OssSnBaseNode *node);
+
+    /// Of an object's materials, by their places, the mesh's material slots whose faces are theirs: a
+    /// slot belongs to the material of its name, or else to the first. Those without a slot have no face.
+    static QMap<int, std::vector<int>> slotsOf(const OssEvMesh &mesh,
+                                               const QVector<OssExportMaterial> &materials);
 
     /// All of the project's, in the order of its objects; a material's inside is not looked into,
     /// that of other groups is.

@@ -58,13 +58,17 @@ OssExportFile fileOf(OssSurfaceMaps::Map map, int patch, int resolution)
     return file;
 }
 
-float reachOf(const OssExportMaterial &material)
+bool isFed(const OssExportMaterial &material, const char *name)
 {
-    const OssExportMaterial::Channel *normal = material.channel(QStringLiteral("Normal"));
-    const OssExportMaterial::Channel *height = material.channel(QStringLiteral("Displacement"));
-    if (!height || !height->isFed || (normal && normal->isFed))
-        return 0.0F;
-    return material.node->userAttribute(QStringLiteral("Height")).value().toFloat();
+    const OssExportMaterial::Channel *channel = material.channel(QLatin1String(name));
+    return channel && channel->isFed;
+}
+
+float heightOf(const OssExportMaterial &material)
+{
+    return isFed(material, "Displacement")
+               ? material.node->userAttribute(QStringLiteral("Height")).value().toFloat()
+               : 0.0F;
 }
 
 } // namespace
@@ -88,7 +92,8 @@ OssSurfaceMaps OssSurfaceMaps::of(const OssSnProducer &shown, const OssGeoEntity
     if (!isMaterial)
         source.channels = QStringList{BaseColor};
     source.target.keepIntermediates = true; // the next edit comes soon
-    maps.m_reach = reachOf(material);
+    maps.m_height = heightOf(material);
+    maps.m_hasNormal = isFed(material, "Normal");
     maps.m_problem = source.state.error();
     maps.m_mesh = source.target.mesh;
     for (int map = 0; maps.m_problem.isEmpty() && map < Maps; ++map) {

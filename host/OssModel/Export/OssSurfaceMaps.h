@@ -24,9 +24,11 @@ public:
     /// GUI thread. Without paint that is in no image yet.
     static OssSurfaceMaps of(const OssSnProducer &shown, const OssGeoEntity *entity);
 
-    /// How far a displacement of 1 stands out, in the world's lengths; 0 where a normal map tells the
-    /// same already.
-    float reach() const { return m_reach; }
+    /// How far a displacement of 1 stands out, in the world's lengths; 0 where nothing says how far.
+    float height() const { return m_height; }
+
+    /// The same for light alone: 0 where a normal map tells it already.
+    float reach() const { return m_hasNormal ? 0.0F : m_height; }
 
     /// Why there is nothing to compute, in words.
     QString problem() const;
@@ -40,6 +42,7 @@ public:
 private:
     std::array<OssEvTarget, Maps> m_targets;
     std::shared_ptr<const OssEvMesh> m_mesh;
-    float m_reach = 0.0F;
+    float m_height = 0.0F;
+    bool m_hasNormal = false;
     QString m_problem;
 };

@@ -94,8 +94,8 @@ void ShadowMap::draw(const OssRdScene &scene, const Extent &extent, DeviceCopies
     for (const std::shared_ptr<const OssRdGeometry> &mesh : meshes) {
         m_depth.set("world", mesh->world);
         copies->mesh(mesh);
-        copies->draw({0, 0, mesh->parts.front().first,
-                      mesh->parts.back().first + mesh->parts.back().count});
+        copies->draw(
+            {0, 0, mesh->parts.front().first, mesh->parts.back().first + mesh->parts.back().count});
     }
     glDisable(GL_POLYGON_OFFSET_FILL);
 }

@@ -215,8 +215,8 @@ void SurfacePass::draw(const OssRdScene &scene, const OssRdView &view, const Sha
         glBindSampler(GLuint(unit), 0);
 }
 
-void SurfacePass::drawWires(const OssRdScene &scene, const OssRdView &view,
-                            const ShadowMap &shadow, DeviceCopies *copies)
+void SurfacePass::drawWires(const OssRdScene &scene, const OssRdView &view, const ShadowMap &shadow,
+                            DeviceCopies *copies)
 {
     std::string said;
     GlProgram *wires = program(Wires, &said);

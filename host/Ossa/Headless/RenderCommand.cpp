@@ -4,17 +4,18 @@
 #include "Ossa/Headless/Interrupt.h"
 #include "Ossa/Headless/ProgressBar.h"
 #include "Ossa/Surfaces/LitPicture.h"
+#include "Ossa/Surfaces/LitSurface.h"
 #include "Ossa/Surfaces/ObjectCamera.h"
 #include "Ossa/Surfaces/SurfacePixels.h"
 #include "Ossa/Surfaces/Surroundings.h"
 #include "OssCore/Documents/OssAtomicFile.h"
-#include "OssModel/Export/OssExportMaterials.h"
 #include "OssModel/Export/OssExportPlan.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShadingGroup.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Images/OssColorManagement.h"
+#include "OssModel/Objects/OssMeshes.h"
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectManager.h"
 #include "OssRender/Draw/OssRdRenderer.h"
@@ -29,6 +30,7 @@
 #include <QRegularExpression>
 
 #include <cstdio>
+#include <map>
 
 namespace {
 
@@ -40,50 +42,50 @@ QString tr(const char *text)
     return QCoreApplication::translate("RenderCommand", text);
 }
 
-/// What of an object is seen.
-struct Surface
+/// All objects with their materials.
+QVector<LitSurface> surfacesOf(const OssProject *project)
 {
-    OssSnProducer shown;
-    const OssGeoEntity *entity;
-};
-
-/// Each object with its first material.
-QVector<Surface> materialsOf(const OssProject *project)
-{
-    QVector<Surface> surfaces;
-    const QVector<OssExportMaterial> materials = OssExportMaterial::of(project);
-    for (const OssExportMaterial &material : materials) {
-        const auto isSame = [&material](const Surface &other) {
-            return other.entity == material.entity;
-        };
-        if (std::none_of(surfaces.cbegin(), surfaces.cend(), isSame))
-            surfaces.append({{material.node, {}}, material.entity});
-    }
+    QVector<LitSurface> surfaces;
+    const QList<OssGeoEntity *> entities = project->entities();
+    for (const OssGeoEntity *entity : entities)
+        surfaces += LitSurface::of(project, entity);
     return surfaces;
 }
 
-OssResult find(const OssProject *project, const QString &node, QVector<Surface> *surfaces)
+OssResult find(const OssProject *project, const QString &node, QVector<LitSurface> *surfaces)
 {
     if (node.isEmpty()) {
-        *surfaces = materialsOf(project);
-        return surfaces->isEmpty() ? OssResult::failure(tr("The project has no material"))
-                                   : OssResult();
+        *surfaces = surfacesOf(project);
+        const bool hasMaterial = std::any_of(
+            surfaces->cbegin(), surfaces->cend(),
+            [](const LitSurface &surface) { return surface.shown.node != nullptr; });
+        return hasMaterial ? OssResult() : OssResult::failure(tr("The project has no material"));
     }
     const QList<OssShadingGroup *> groups = project->shadingGroups();
     for (const OssShadingGroup *group : groups) {
         const OssSnBaseNode *found = group->network()->nodeByPath(node);
         if (found) {
             *surfaces = {
-                {OssSnProducer::of(found, found->prefferedOutputPoint()), group->geoEntity()}};
+                {OssSnProducer::of(found, found->prefferedOutputPoint()), group->geoEntity(), {}}};
             return {};
         }
     }
     return OssResult::failure(tr("There is no node \"%1\"").arg(node));
 }
 
+using Geometries = std::map<std::shared_ptr<const OssEvMesh>, std::shared_ptr<const OssRdGeometry>>;
+
 /// Waits for pixels.
-OssResult addObject(const Surface &surface, int resolution, OssRdScene *scene)
+OssResult addObject(const LitSurface &surface, int resolution, Geometries *geometries,
+                    OssRdScene *scene)
 {
+    const auto bare = OssMeshes::instance()->look(surface.entity->source()).mesh;
+    if (bare && !geometries->count(bare))
+        (*geometries)[bare] = OssRdGeometry::of(*bare);
+    if (!surface.shown.node) {
+        scene->objects.push_back({(*geometries)[bare], {}, surface.slots});
+        return {};
+    }
     const OssSurfaceMaps maps = OssSurfaceMaps::of(surface.shown, surface.entity);
     if (!maps.problem().isEmpty())
         return OssResult::failure(maps.problem());
@@ -96,7 +98,7 @@ OssResult addObject(const Surface &surface, int resolution, OssRdScene *scene)
         loop.exec(QEventLoop::ExcludeUserInputEvents);
     if (!pixels.problem().isEmpty())
         return OssResult::failure(pixels.problem());
-    scene->objects.push_back({OssRdGeometry::of(*maps.mesh()), pixels.materials()});
+    scene->objects.push_back({(*geometries)[bare], pixels.materials(), surface.slots});
     return {};
 }
 
@@ -223,7 +225,7 @@ int runRenderCommand(const RenderOptions &options)
         return failCommand(opened.error());
     Interrupt::catchSignals();
     OssExportPlan::waitForMeshes(projects->currentProject());
-    QVector<Surface> surfaces;
+    QVector<LitSurface> surfaces;
     const OssResult found = find(projects->currentProject(), options.node, &surfaces);
     if (!found)
         return failCommand(found.error());
@@ -236,8 +238,9 @@ int runRenderCommand(const RenderOptions &options)
         return failCommand(lit.error());
     scene.probe = around.probe;
     scene.surrounding = around.picture;
-    for (const Surface &surface : qAsConst(surfaces)) {
-        const OssResult added = addObject(surface, options.resolution, &scene);
+    Geometries geometries;
+    for (const LitSurface &surface : qAsConst(surfaces)) {
+        const OssResult added = addObject(surface, options.resolution, &geometries, &scene);
         if (!added)
             return failCommand(added.error());
     }

@@ -1,25 +1,58 @@
 #include "Ossa/Surfaces/LitScene.h"
 
+#include "Ossa/Surfaces/SurfacePixels.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Evaluation/OssViewedNode.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Images/OssColorManagement.h"
+#include "OssModel/Objects/OssMeshes.h"
+#include "OssModel/Project/OssProject.h"
+#include "OssModel/Project/OssProjectManager.h"
 
 #include <QCoreApplication>
+#include <QPointer>
 #include <QThreadPool>
+
+#include <algorithm>
 
 namespace {
 
 constexpr float keyLight = 0.7F;
+constexpr int restInterval = 200; // milliseconds
 
 } // namespace
+
+struct LitScene::Piece
+{
+    bool isFirst = false;
+    QPointer<const OssSnBaseNode> node;
+    QString output;
+    QPointer<const OssGeoEntity> entity;
+    std::vector<int> slots;
+    std::shared_ptr<const OssEvMesh> mesh;
+    QString problem;
+    SurfacePixels pixels;
+};
 
 LitScene::LitScene(QObject *parent)
     : QObject(parent)
 {
     m_scene.keyLight = glm::vec3(keyLight);
-    connect(&m_pixels, &SurfacePixels::changed, this, &LitScene::changed);
+    m_others.setSingleShot(true);
+    m_others.setInterval(restInterval);
+    connect(&m_others, &QTimer::timeout, this, &LitScene::followOthers);
+    connect(OssUndoManager::instance(), &OssUndoManager::changed, this, [this] {
+        if (m_isActive && m_pieces.size() > 1)
+            m_others.start();
+    });
+    connect(OssProjectManager::instance(), &OssProjectManager::projectClosing, this, [this] {
+        m_others.stop();
+        m_pieces.clear();
+        m_geometries.clear();
+    });
     connect(OssColorManagement::instance(), &OssColorManagement::changed, this, [this] {
         setSurroundings(m_surroundingsName); // light in other numbers
         follow();
@@ -68,7 +101,7 @@ void LitScene::setActive(bool active)
         return;
     m_isActive = active;
     if (!active) {
-        m_pixels.stop();
+        halt();
         return;
     }
     if (!m_scene.probe)
@@ -82,38 +115,168 @@ void LitScene::setResolution(int resolution)
     follow();
 }
 
+void LitScene::setAlone(bool alone)
+{
+    m_isAlone = alone;
+    for (const auto &piece : m_pieces)
+        piece->pixels.setFirst(alone);
+}
+
+void LitScene::setCompany(bool company)
+{
+    m_hasCompany = company;
+    follow();
+}
+
+void LitScene::halt()
+{
+    m_others.stop();
+    for (const auto &piece : m_pieces)
+        piece->pixels.stop();
+    tellProgress();
+}
+
+// --- pieces
+
+QVector<LitSurface> LitScene::wanted() const
+{
+    const OssProject *project = OssProjectManager::instance()->currentProject();
+    const OssShaderNetwork *network = OssShaderNetworkManager::instance()->currentShaderNetwork();
+    const OssGeoEntity *entity = network ? network->geoEntity() : nullptr;
+    if (!project || !entity)
+        return {};
+    QVector<LitSurface> surfaces = LitSurface::of(project, entity, OssViewedNode::now());
+    if (m_hasCompany) {
+        const QVector<const OssGeoEntity *> others = LitSurface::beside(project, entity);
+        for (const OssGeoEntity *other : others)
+            surfaces += LitSurface::of(project, other);
+    }
+    return surfaces;
+}
+
+void LitScene::arrange(const QVector<LitSurface> &surfaces)
+{
+    std::vector<std::unique_ptr<Piece>> before = std::move(m_pieces);
+    m_pieces.clear();
+    for (const LitSurface &surface : surfaces) {
+        // What is looked at stays seen until what is looked at next is there.
+        const auto isSame = [&surface, this](const std::unique_ptr<Piece> &piece) {
+            return piece
+                   && (m_pieces.empty() ? piece->isFirst
+                                        : !piece->isFirst && piece->node == surface.shown.node
+                                              && piece->entity == surface.entity);
+        };
+        const auto found = std::find_if(before.begin(), before.end(), isSame);
+        auto piece = found != before.end() ? std::move(*found) : std::make_unique<Piece>();
+        if (found == before.end()) {
+            connect(&piece->pixels, &SurfacePixels::changed, this, &LitScene::changed);
+            connect(&piece->pixels, &SurfacePixels::changed, this, &LitScene::tellProgress);
+            piece->pixels.setFirst(m_isAlone);
+        }
+        piece->isFirst = m_pieces.empty();
+        piece->node = surface.shown.node;
+        piece->output = surface.shown.outputPoint;
+        piece->entity = surface.entity;
+        piece->slots = surface.slots;
+        m_pieces.push_back(std::move(piece));
+    }
+}
+
 void LitScene::follow()
 {
     if (!m_isActive)
         return;
-    const OssShaderNetwork *network = OssShaderNetworkManager::instance()->currentShaderNetwork();
-    const OssGeoEntity *entity = network ? network->geoEntity() : nullptr;
-    const OssSurfaceMaps maps = OssSurfaceMaps::of(OssViewedNode::now(), entity);
-    m_problem = maps.problem();
-    const std::shared_ptr<const OssEvMesh> mesh = m_problem.isEmpty() ? maps.mesh() : nullptr;
-    if (!mesh) {
-        m_pixels.clear();
-        Q_EMIT changed();
+    arrange(wanted());
+    m_told = 0;
+    if (!m_pieces.empty())
+        followPiece(m_pieces.front().get());
+    Q_EMIT changed();
+    tellProgress();
+    if (m_pieces.size() > 1)
+        m_others.start();
+}
+
+void LitScene::followOthers()
+{
+    for (std::size_t i = 1; i < m_pieces.size(); ++i)
+        followPiece(m_pieces[i].get());
+    for (auto geometry = m_geometries.begin(); geometry != m_geometries.end();) {
+        const bool isUsed = std::any_of(
+            m_pieces.cbegin(), m_pieces.cend(),
+            [&geometry](const auto &piece) { return piece->mesh == geometry->first; });
+        geometry = isUsed ? std::next(geometry) : m_geometries.erase(geometry);
+    }
+    Q_EMIT changed();
+    tellProgress();
+}
+
+void LitScene::followPiece(Piece *piece)
+{
+    if (!piece->entity)
+        return;
+    const OssSurfaceMaps maps = OssSurfaceMaps::of({piece->node, piece->output}, piece->entity);
+    piece->problem = maps.problem();
+    const OssMeshes::Look look = OssMeshes::instance()->look(piece->entity->source());
+    if (!look.problem.isEmpty() && !look.mesh)
+        piece->problem = look.problem;
+    piece->mesh = look.mesh;
+    if (look.mesh && m_geometries.count(look.mesh) == 0)
+        makeGeometry(look.mesh);
+    if (!look.mesh || !piece->problem.isEmpty()) {
+        piece->pixels.clear();
         return;
     }
-    if (mesh != m_mesh)
-        makeGeometry(mesh);
-    const std::vector<int> &patches = mesh->patches();
-    m_pixels.show(maps, QList<int>(patches.begin(), patches.end()), m_resolution);
+    const std::vector<int> &patches = look.mesh->patches();
+    piece->pixels.show(maps, QList<int>(patches.begin(), patches.end()), m_resolution);
 }
 
 void LitScene::makeGeometry(const std::shared_ptr<const OssEvMesh> &mesh)
 {
-    m_mesh = mesh;
+    m_geometries[mesh] = nullptr;
     elsewhere([mesh] { return OssRdGeometry::of(*mesh); },
               [this, mesh](const std::shared_ptr<const OssRdGeometry> &made) {
-                  if (mesh != m_mesh)
-                      return;
-                  m_geometry = made;
+                  m_geometries[mesh] = made;
                   Q_EMIT reshaped();
                   Q_EMIT changed();
               });
 }
+
+void LitScene::tellProgress()
+{
+    int sum = 0;
+    bool isWhole = true;
+    for (const auto &piece : m_pieces) {
+        sum += piece->pixels.progress();
+        isWhole = isWhole && piece->pixels.isWhole();
+    }
+    const int before = m_told;
+    m_told = isWhole ? 1000
+                     : std::clamp(sum / int(m_pieces.size()), m_told == 1000 ? 0 : m_told, 999);
+    if (m_told != before)
+        Q_EMIT progressed(m_told);
+}
+
+std::shared_ptr<const OssRdGeometry> LitScene::geometry() const
+{
+    const auto found = m_pieces.empty() ? m_geometries.cend()
+                                        : m_geometries.find(m_pieces.front()->mesh);
+    return found == m_geometries.cend() ? nullptr : found->second;
+}
+
+QString LitScene::problem() const
+{
+    if (m_pieces.empty())
+        return {};
+    const Piece &first = *m_pieces.front();
+    return first.problem.isEmpty() ? first.pixels.problem() : first.problem;
+}
+
+bool LitScene::isBare() const
+{
+    return !m_pieces.empty() && !m_pieces.front()->node;
+}
+
+// --- light
 
 void LitScene::setSurroundings(const QString &nameOrFile)
 {
@@ -166,7 +329,10 @@ void LitScene::setKeyLight(bool on)
 std::shared_ptr<const OssRdScene> LitScene::scene() const
 {
     auto scene = std::make_shared<OssRdScene>(m_scene);
-    if (m_geometry && m_problem.isEmpty())
-        scene->objects.push_back({m_geometry, m_pixels.materials()});
+    for (const auto &piece : m_pieces) {
+        const auto geometry = m_geometries.find(piece->mesh);
+        if (geometry != m_geometries.cend() && geometry->second)
+            scene->objects.push_back({geometry->second, piece->pixels.materials(), piece->slots});
+    }
     return scene;
 }

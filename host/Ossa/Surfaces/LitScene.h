@@ -1,19 +1,22 @@
 #pragma once
 
-#include "Ossa/Surfaces/SurfacePixels.h"
+#include "Ossa/Surfaces/LitSurface.h"
 #include "Ossa/Surfaces/Surroundings.h"
 #include "OssRender/Draw/OssRdScene.h"
 
 #include <QObject>
-#include <QPointer>
+#include <QTimer>
 
+#include <map>
 #include <memory>
+#include <vector>
 
-class OssGeoEntity;
+class OssEvMesh;
 
-/// What the Viewer shows in light: the surface that is looked at on its object, under a surrounding.
-/// Computes only while it is active; geometry and light are made ready on threads of their own. GUI
-/// thread.
+/// What the Viewer shows in light: the surface that is looked at on its object, the object's other
+/// materials, and the objects that belong to it with theirs, under a surrounding. Where there is nothing
+/// to look at the object is bare. Computes only while it is active; geometry and light are made ready on
+/// threads of their own. GUI thread.
 class LitScene : public QObject
 {
     Q_OBJECT
@@ -28,7 +31,11 @@ public:
     void setResolution(int resolution);
 
     /// Whether patches are not seen beside it.
-    void setAlone(bool alone) { m_pixels.setFirst(alone); }
+    void setAlone(bool alone);
+    /// Whether the objects that belong to what is looked at are seen as well.
+    void setCompany(bool company);
+    /// Gives up the pixels that are not there yet.
+    void halt();
 
     /// A name of OssRdEnvironment or a file. Until its light is there the last one goes on; one that cannot
     /// be read is told and changes nothing.
@@ -46,31 +53,46 @@ public:
     /// As it is now; with no object where nothing is there to see.
     std::shared_ptr<const OssRdScene> scene() const;
 
-    /// Of the object; null while there is none.
-    std::shared_ptr<const OssRdGeometry> geometry() const { return m_geometry; }
+    /// Of the object that is looked at; null while there is none.
+    std::shared_ptr<const OssRdGeometry> geometry() const;
 
-    /// Why there is nothing to see, in words.
-    QString problem() const { return m_problem.isEmpty() ? m_pixels.problem() : m_problem; }
+    /// Why what is looked at is not seen, in words.
+    QString problem() const;
+    /// Whether nothing is looked at, so that the object is bare.
+    bool isBare() const;
 
 Q_SIGNALS:
     void changed();
+    /// How far the maps are in thousandths, which only grow until others begin. 1000: nothing is computed.
+    void progressed(int thousandths);
     /// Another object's shape.
     void reshaped();
     /// The surroundings could not be had.
     void refused(const QString &reason);
 
 private:
+    struct Piece;
+
+    QVector<LitSurface> wanted() const;
+    /// A piece for each, what is kept with it of the same surface before.
+    void arrange(const QVector<LitSurface> &surfaces);
+    void followPiece(Piece *piece);
+    void followOthers();
+    void tellProgress();
     void makeGeometry(const std::shared_ptr<const OssEvMesh> &mesh);
     /// Has work done on another thread and what comes of it used here, unless this is gone by then.
     template <class Work, class Use>
     void elsewhere(Work work, Use use);
 
-    SurfacePixels m_pixels;
     OssRdScene m_scene;
-    std::shared_ptr<const OssEvMesh> m_mesh;
-    std::shared_ptr<const OssRdGeometry> m_geometry;
+    std::vector<std::unique_ptr<Piece>> m_pieces; ///< what is looked at comes first
+    /// Of the pieces' meshes; null while it is being made.
+    std::map<std::shared_ptr<const OssEvMesh>, std::shared_ptr<const OssRdGeometry>> m_geometries;
     QString m_surroundingsName;
-    QString m_problem;
+    QTimer m_others; ///< what is not looked at follows when the user rests
     int m_resolution = 1024;
+    int m_told = 1000;
     bool m_isActive = false;
+    bool m_isAlone = false;
+    bool m_hasCompany = true;
 };

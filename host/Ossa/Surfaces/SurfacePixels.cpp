@@ -12,6 +12,9 @@ namespace {
 
 constexpr int coarsePriority = 2;
 constexpr int firstPriority = 1;
+// Of the work for a map.
+constexpr int coarseParts = 1;
+constexpr int fineParts = 9;
 
 } // namespace
 
@@ -93,6 +96,7 @@ struct SurfacePixels::Picture
 SurfacePixels::SurfacePixels(QObject *parent)
     : QObject(parent)
 {
+    m_planner.setMaxThreadCount(1);
 }
 
 SurfacePixels::~SurfacePixels()
@@ -106,6 +110,7 @@ void SurfacePixels::stop()
     for (const Running &running : m_running)
         OssEvaluationService::instance()->engine()->cancel(running.id);
     m_running.clear();
+    m_isPlanning = false;
 }
 
 void SurfacePixels::clear()
@@ -123,64 +128,87 @@ void SurfacePixels::show(const OssSurfaceMaps &maps, const QList<int> &patches, 
     m_maps = maps;
     m_resolution = resolution;
     m_problem = maps.problem();
-    m_started = 0;
+    m_toDo = 0;
+    m_done = 0;
     for (auto material = m_materials.begin(); material != m_materials.end();) {
         const bool stays = m_problem.isEmpty() && patches.contains(material->first);
         material = stays ? std::next(material) : m_materials.erase(material);
     }
     for (auto known = m_known.begin(); known != m_known.end();)
         known = m_materials.count(known->first.first) ? std::next(known) : m_known.erase(known);
-    if (!m_problem.isEmpty()) {
-        Q_EMIT changed();
+    if (m_problem.isEmpty())
+        plan(patches);
+    Q_EMIT changed();
+    if (!m_isPlanning)
         Q_EMIT finished();
-        return;
-    }
-    for (const int patch : patches) {
-        for (int map = 0; map < OssSurfaceMaps::Maps; ++map)
-            start(patch, map, std::min(coarse, resolution));
+}
+
+void SurfacePixels::plan(const QList<int> &patches)
+{
+    m_isPlanning = true;
+    m_planner.start([self = QPointer<SurfacePixels>(this), maps = m_maps, patches,
+                     resolution = m_resolution, generation = m_generation] {
+        std::vector<Planned> all;
+        for (const int patch : patches) {
+            for (int map = 0; map < OssSurfaceMaps::Maps; ++map) {
+                Planned one;
+                one.place = {patch, map};
+                one.isPlanned = maps.key(OssSurfaceMaps::Map(map), patch, resolution, &one.key)
+                                    .ok();
+                all.push_back(one);
+            }
+        }
+        const auto use = [self, generation, all] {
+            if (self && generation == self->m_generation)
+                self->begin(all);
+        };
+        QMetaObject::invokeMethod(qApp, use, Qt::QueuedConnection);
+    });
+}
+
+void SurfacePixels::begin(const std::vector<Planned> &all)
+{
+    m_isPlanning = false;
+    for (const Planned &one : all) {
+        Known &known = m_known[one.place];
+        const bool isSame = known.isKnown && one.isPlanned && known.key == one.key;
+        if (isSame && known.resolution >= m_resolution)
+            continue;
+        known = {one.key, isSame ? known.resolution : 0, one.isPlanned};
+        m_toDo += fineParts + (isSame ? 0 : coarseParts);
+        start(one.place, isSame ? m_resolution : std::min(coarse, m_resolution));
     }
     Q_EMIT changed();
     if (m_running.empty())
         Q_EMIT finished();
 }
 
-void SurfacePixels::start(int patch, int map, int resolution)
+void SurfacePixels::start(const Place &place, int resolution)
 {
-    const auto which = OssSurfaceMaps::Map(map);
-    OssEvKey key;
-    const OssEvResult planned = m_maps.key(which, patch, m_resolution, &key);
-    Known &known = m_known[{patch, map}];
-    const bool isThere = known.isKnown && planned && known.key == key;
-    if (isThere && known.resolution >= m_resolution)
-        return;
     OssEvRequest request;
-    request.target = m_maps.target(which, patch, isThere ? m_resolution : resolution);
-    const int size = request.target.width;
-    request.priority = size <= coarse ? coarsePriority : m_isFirst ? firstPriority : 0;
-    request.focusX = size / 2.0;
-    request.focusY = size / 2.0;
-    known = {key, isThere ? known.resolution : 0, bool(planned)};
-    auto picture = std::make_shared<Picture>(size);
+    request.target = m_maps.target(OssSurfaceMaps::Map(place.second), place.first, resolution);
+    request.priority = resolution <= coarse ? coarsePriority : m_isFirst ? firstPriority : 0;
+    request.focusX = resolution / 2.0;
+    request.focusY = resolution / 2.0;
+    auto picture = std::make_shared<Picture>(resolution);
     request.onTile = [picture](const OssEvArrival &arrival) {
         picture->take(arrival);
     };
-    request.onFinished = [self = QPointer<SurfacePixels>(this), generation = m_generation, patch,
-                          map, picture](const OssEvOutcome &outcome) {
+    request.onFinished = [self = QPointer<SurfacePixels>(this), generation = m_generation, place,
+                          picture](const OssEvOutcome &outcome) {
         QMetaObject::invokeMethod(
             qApp,
             [=] {
                 if (self)
-                    self->finish(generation, patch, map, picture, outcome);
+                    self->finish(generation, place, picture, outcome);
             },
             Qt::QueuedConnection);
     };
-    ++m_started;
-    const OssEvEngine::Id id = OssEvaluationService::instance()->engine()->start(
-        std::move(request));
-    m_running.push_back({id, patch, map});
+    m_running.push_back(
+        {OssEvaluationService::instance()->engine()->start(std::move(request)), place});
 }
 
-void SurfacePixels::finish(int generation, int patch, int map,
+void SurfacePixels::finish(int generation, const Place &place,
                            const std::shared_ptr<Picture> &picture, const OssEvOutcome &outcome)
 {
     if (generation != m_generation)
@@ -193,17 +221,22 @@ void SurfacePixels::finish(int generation, int patch, int map,
         Q_EMIT finished();
         return;
     }
-    const auto isDone = [patch, map](const Running &running) {
-        return running.patch == patch && running.map == map;
+    const auto isDone = [&place](const Running &running) {
+        return running.place == place;
     };
     m_running.erase(std::remove_if(m_running.begin(), m_running.end(), isDone), m_running.end());
-    OssRdMaterial &material = m_materials[patch];
+    OssRdMaterial &material = m_materials[place.first];
     material.reach = m_maps.reach();
-    picture->fill(&material.maps[std::size_t(map)]);
-    m_known[{patch, map}].resolution = picture->texels->size;
+    picture->fill(&material.maps[std::size_t(place.second)]);
+    const int size = picture->texels->size;
+    m_known[place].resolution = size;
     // A small map that is one value everywhere may be so by chance.
-    if (picture->texels->size < m_resolution)
-        start(patch, map, m_resolution);
+    if (size < m_resolution) {
+        m_done += coarseParts;
+        start(place, m_resolution);
+    } else {
+        m_done += fineParts + (m_resolution <= coarse ? coarseParts : 0);
+    }
     Q_EMIT changed();
     if (m_running.empty())
         Q_EMIT finished();
@@ -211,6 +244,7 @@ void SurfacePixels::finish(int generation, int patch, int map,
 
 int SurfacePixels::progress() const
 {
-    const std::size_t left = m_running.size();
-    return m_started == 0 ? 1000 : int(1000 * (m_started - left) / m_started);
+    if (isWhole())
+        return 1000;
+    return m_toDo == 0 ? 0 : std::min(999, 1000 * m_done / m_toDo);
 }

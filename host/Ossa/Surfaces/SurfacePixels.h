@@ -6,6 +6,7 @@
 
 #include <QList>
 #include <QObject>
+#include <QThreadPool>
 
 #include <map>
 #include <memory>
@@ -37,9 +38,9 @@ public:
     /// As far as they are there.
     const std::map<int, OssRdMaterial> &materials() const { return m_materials; }
 
-    bool isWhole() const { return m_running.empty(); }
+    bool isWhole() const { return m_running.empty() && !m_isPlanning; }
 
-    /// Thousandths.
+    /// Thousandths, which only grow until show() is called again.
     int progress() const;
 
     /// Why pixels do not come, in words.
@@ -53,12 +54,12 @@ Q_SIGNALS:
 
 private:
     struct Picture;
+    using Place = std::pair<int, int>; ///< patch and map
 
     struct Running
     {
         OssEvEngine::Id id = 0;
-        int patch = 0;
-        int map = 0;
+        Place place;
     };
 
     struct Known
@@ -68,10 +69,17 @@ private:
         bool isKnown = false;
     };
 
-    using Place = std::pair<int, int>; ///< patch and map
+    struct Planned
+    {
+        Place place;
+        OssEvKey key;
+        bool isPlanned = false; ///< else the pixels will say why not
+    };
 
-    void start(int patch, int map, int resolution);
-    void finish(int generation, int patch, int map, const std::shared_ptr<Picture> &picture,
+    void plan(const QList<int> &patches);
+    void begin(const std::vector<Planned> &all);
+    void start(const Place &place, int resolution);
+    void finish(int generation, const Place &place, const std::shared_ptr<Picture> &picture,
                 const OssEvOutcome &outcome);
 
     OssSurfaceMaps m_maps;
@@ -81,6 +89,9 @@ private:
     std::map<int, OssRdMaterial> m_materials;
     std::map<Place, Known> m_known; ///< what is in them
     std::vector<Running> m_running;
-    std::size_t m_started = 0;
+    bool m_isPlanning = false;
+    int m_toDo = 0; ///< of this picture, in parts of the work
+    int m_done = 0;
     QString m_problem;
+    QThreadPool m_planner; ///< for many patches it takes longer than a frame
 };

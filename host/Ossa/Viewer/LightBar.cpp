@@ -122,6 +122,8 @@ void LightBar::fileLight()
             m_view->setLook(look);
         };
     };
+    addSwitch("Toggle Other Objects", "Viewer/otherObjects", true,
+              [this](bool on) { m_view->light()->setCompany(on); });
     addSwitch("Toggle Ground Shadow", "Viewer/groundShadow", true,
               ofLook(&OssRdView::hasGroundShadow));
     addSwitch("Toggle Wireframe", "Viewer/wireframe", false, ofLook(&OssRdView::hasWires));

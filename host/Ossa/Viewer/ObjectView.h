@@ -92,6 +92,8 @@ private:
     void frameLight();
     void drawLight();
     void paintLight(QPainter *painter);
+    /// How to go on where nothing is looked at.
+    void paintHint(QPainter *painter) const;
     void paintPatches(QPainter *painter);
     void paintWords(QPainter *painter, const QString &words);
     void begin();

@@ -1,7 +1,9 @@
 #include "Ossa/Viewer/ObjectView.h"
 
+#include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssModel/Project/OssProjectManager.h"
 
+#include <QAction>
 #include <QPainter>
 
 // The object in light.
@@ -106,11 +108,30 @@ void ObjectView::drawLight()
     m_litRenderer->draw(request);
 }
 
+void ObjectView::paintHint(QPainter *painter) const
+{
+    const QAction *connectNode = OssActionTreeManager::instance()->findAction(
+        QStringLiteral("/Ossa/NodeGraph/Connect Selected Node to Viewer"));
+    const QString key = connectNode ? connectNode->shortcut().toString(QKeySequence::NativeText)
+                                    : QString();
+    const QString how =
+        key.isEmpty() ? tr("Nothing is connected to the viewer here. Wire a material to it.")
+                      : tr("Nothing is connected to the viewer here. Select a material in the "
+                           "node graph and press %1.")
+                            .arg(key);
+    const QRectF place = QRectF(rect()).adjusted(12.0, 12.0, -12.0, -12.0);
+    painter->setPen(QColor(0xb8, 0xbe, 0xc8));
+    painter->drawText(place, Qt::AlignHCenter | Qt::AlignBottom | Qt::TextWordWrap, how);
+}
+
 void ObjectView::paintLight(QPainter *painter)
 {
     painter->setRenderHint(QPainter::SmoothPixmapTransform);
     painter->fillRect(rect(), QColor(0x1b, 0x1d, 0x20));
     if (!m_litImage.isNull())
         painter->drawImage(rect(), m_litImage);
-    paintWords(painter, m_light.problem());
+    if (m_light.isBare())
+        paintHint(painter);
+    else
+        paintWords(painter, m_light.problem());
 }

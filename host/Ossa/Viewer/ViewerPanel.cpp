@@ -250,8 +250,6 @@ void ViewerPanel::setMode(Mode mode)
     m_light->setVisible(mode != Patches);
     m_object->light()->setAlone(mode == Object);
     showLightBar();
-    if (mode == Object)
-        m_compare->setChecked(false);
     OssSettings settings;
     if (settings.value(modeKey, Patches).toInt() != mode) // the first time it comes from there
         settings.setValue(modeKey, int(mode));

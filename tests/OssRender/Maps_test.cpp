@@ -124,6 +124,47 @@ TEST(Maps, aHeightMapBendsLightAtItsSlopesAlone)
     EXPECT_NEAR(image.at(32, 20).y, 0.5F, 0.02F);
 }
 
+TEST(Maps, anotherSceneIsSeenBesideAndPartsHaveTheirOwnMaterials)
+{
+    OssRdRenderer renderer;
+    const auto plane = OssRdGeometry::of(*OssEvShapes::plane());
+    const auto sceneOf = [&plane](const glm::vec4 &color) {
+        OssRdMaterial material;
+        material.maps[OssRdMaterial::Color].value = color;
+        OssRdScene scene;
+        scene.objects.push_back({plane, {{1001, material}}});
+        return scene;
+    };
+    OssRdView view = frontOf(*plane, OssRdView::Shows::BaseColor);
+    view.isSmooth = false;
+    const OssRdImage image = renderer.renderBeside(sceneOf(Red), 10, sceneOf(Blue), view);
+    ASSERT_FALSE(image.isEmpty());
+    EXPECT_EQ(image.at(9, 20), Red);
+    EXPECT_EQ(image.at(10, 20), Blue);
+    EXPECT_EQ(renderer.renderBeside(sceneOf(Red), 400, sceneOf(Blue), view).at(39, 20), Red);
+
+    // A ball on a foot, each with a material slot.
+    const auto ball = OssRdGeometry::of(*OssEvShapes::shaderBall());
+    OssRdScene scene = sceneOf(Red);
+    scene.objects[0].geometry = ball;
+    scene.objects[0].slots = {0};
+    scene.objects.push_back(sceneOf(Green).objects[0]);
+    scene.objects[1].geometry = ball;
+    scene.objects[1].slots = {1};
+    OssRdView whole = frontOf(*ball, OssRdView::Shows::BaseColor);
+    whole.projection = glm::ortho(-ball->radius, ball->radius, -ball->radius, ball->radius, -9.0F,
+                                  9.0F);
+    const OssRdImage both = renderer.render(scene, whole);
+    int red = 0;
+    int green = 0;
+    for (const glm::vec4 &texel : both.texels) {
+        red += texel == Red;
+        green += texel == Green;
+    }
+    EXPECT_GT(red, 100);
+    EXPECT_GT(green, 20);
+}
+
 TEST(Maps, whatIsNotThereShowsWhatIsBehind)
 {
     OssRdRenderer renderer;

@@ -12,6 +12,9 @@
 #include "support/OssaFiles.h"
 #include "support/Text.h"
 
+#include <glm/glm.hpp>
+#include <OpenImageIO/imageio.h>
+
 #include <QDir>
 #include <QImage>
 #include <QSettings>
@@ -359,6 +362,17 @@ TEST_F(Headless, bakesNameFilesAfterShaderAndInputOrAfterTheNode)
     }
 }
 
+/// Of a file of light, from the top.
+glm::vec4 texel(const QString &path, int x, int y)
+{
+    const auto in = OIIO::ImageInput::open(path.toStdString());
+    if (!in || in->spec().nchannels != 4 || in->spec().format != OIIO::TypeDesc::FLOAT)
+        return glm::vec4(-1.0F);
+    std::vector<glm::vec4> all(std::size_t(in->spec().width) * std::size_t(in->spec().height));
+    in->read_image(OIIO::TypeDesc::FLOAT, all.data());
+    return all[std::size_t(y) * std::size_t(in->spec().width) + std::size_t(x)];
+}
+
 TEST_F(Headless, rendersObjectsInLight)
 {
     RenderOptions options;
@@ -378,6 +392,15 @@ TEST_F(Headless, rendersObjectsInLight)
     options.environment = text("Sunset");
     ASSERT_EQ(runRenderCommand(options), int(ExitCode::Success));
     EXPECT_NE(QImage(options.output).pixelColor(1, 1), corner);
+
+    // Light, with nothing where there is nothing.
+    options.background = text("plain");
+    options.output = m_folder.filePath(text("still.exr"));
+    ASSERT_EQ(runRenderCommand(options), int(ExitCode::Success));
+    EXPECT_EQ(texel(options.output, 1, 1)[3], 0.0F);
+    EXPECT_EQ(texel(options.output, 48, 32)[3], 1.0F);
+    EXPECT_GT(texel(options.output, 48, 32)[0], 0.01F);
+    options.output = m_folder.filePath(text("still.png"));
 
     // Once around: a cube looks the same after each quarter but for the light.
     options.background = text("plain");

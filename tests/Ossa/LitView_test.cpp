@@ -3,9 +3,11 @@
 #include "Ossa/Surfaces/ObjectCamera.h"
 #include "Ossa/Viewer/ObjectView.h"
 #include "Ossa/Viewer/ViewerPanel.h"
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "support/InterfaceUser.h"
 #include "support/ModelFixture.h"
 #include "support/Text.h"
 
@@ -129,6 +131,34 @@ TEST_F(LitView, eachMaterialIsOnTheFacesOfItsSlotAndWithoutOneTheObjectIsBare)
     EXPECT_TRUE(objects()[0].materials.empty());
 }
 
+TEST_F(LitView, progressOfTheMapsOnlyGrowsAndTheUserStopsIt)
+{
+    m_network->geoEntity()->setGeometry(text("cube")); // six patches of four maps
+    QVector<int> told;
+    QObject::connect(&m_scene, &LitScene::progressed, &m_scene,
+                     [&told](int thousandths) { told.append(thousandths); });
+    m_scene.follow();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !told.isEmpty() && told.last() == 1000; }, 20000));
+    EXPECT_GT(told.size(), 3);
+    EXPECT_TRUE(std::is_sorted(told.cbegin(), told.cend()));
+
+    m_scene.setResolution(512);
+    OssStatusManager::instance()->askToStop();
+    EXPECT_EQ(told.last(), 1000);
+    const auto size = [this] {
+        const auto scene = m_scene.scene();
+        const auto &texels = scene->objects.front().materials.at(1001).maps[0].texels;
+        return texels ? texels->size : 0;
+    };
+    const int before = size();
+    QTest::qWait(100);
+    EXPECT_EQ(size(), before);
+    // What follows begins it again.
+    told.clear();
+    m_scene.follow();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !told.isEmpty() && told.last() == 1000; }, 20000));
+}
+
 TEST_F(LitView, theViewerFollowsEachChannelWhileAValueIsDragged)
 {
     m_scene.setActive(false);
@@ -154,6 +184,75 @@ TEST_F(LitView, theViewerFollowsEachChannelWhileAValueIsDragged)
     EXPECT_TRUE(QTest::qWaitFor([&] { return shape().a == 0.25F; }, 20000));
     m_shader->setAttribute(text("Metallic"), 1.0);
     EXPECT_TRUE(QTest::qWaitFor([&] { return shape().b == 1.0F; }, 20000));
+}
+
+TEST_F(LitView, whatWasKeptLiesLeftOfALineThatTheUserDraws)
+{
+    m_scene.setActive(false);
+    ViewerPanel panel;
+    panel.resize(500, 500);
+    panel.show();
+    OssActionTreeManager::instance()->findAction(text("/Ossa/Viewer/Show Object"))->trigger();
+    OssActionTreeManager::instance()->findAction(text("/Ossa/Viewer/Show Base Color"))->trigger();
+    auto *object = panel.findChild<ObjectView *>();
+    const auto color = [object] {
+        const auto scene = object->light()->scene();
+        const bool has = scene->objects.size() == 1 && scene->objects[0].materials.count(1001) == 1;
+        return has ? scene->objects[0].materials.at(1001).maps[OssRdMaterial::Color].value
+                   : glm::vec4(-1.0F);
+    };
+    m_color->setAttribute(text("Color"), QColor(Qt::red));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return color().r == 1.0F; }, 20000));
+    OssActionTreeManager::instance()->findAction(text("/Ossa/Viewer/Compare"))->trigger();
+    ASSERT_TRUE(object->isComparing());
+    m_color->setAttribute(text("Color"), QColor(Qt::blue));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return color().b == 1.0F; }, 20000));
+    const auto seen = [object](int x) {
+        return object->grab().toImage().pixelColor(x, object->height() / 2 + 20);
+    };
+    const auto isRed = [](const QColor &c) {
+        return c.red() > 200 && c.blue() < 50;
+    };
+    const auto isBlue = [](const QColor &c) {
+        return c.blue() > 200 && c.red() < 50;
+    };
+    const int middle = object->width() / 2;
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] { return isRed(seen(middle - 12)) && isBlue(seen(middle + 12)); }, 20000));
+
+    // Drawn to the left, with the button that else turns the object.
+    const QPoint line(middle, object->height() / 2);
+    dragMouse(object, Qt::LeftButton, line, line - QPoint(40, 0));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return isBlue(seen(middle - 12)); }, 20000));
+    EXPECT_TRUE(isRed(seen(middle - 52)));
+    OssActionTreeManager::instance()->findAction(text("/Ossa/Viewer/Compare"))->trigger();
+    EXPECT_FALSE(object->isComparing());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return isBlue(seen(middle - 52)); }, 20000));
+}
+
+TEST_F(LitView, surfacesStandOutWhenAskedTo)
+{
+    OssSnBaseNode *height = add("Procedural/Scalar", "Height");
+    ASSERT_TRUE(wire(height, m_shader, "Displacement"));
+    height->setAttribute(text("Value"), 0.5);
+    m_shader->setAttribute(text("Height"), 0.1);
+    const auto highest = [this] {
+        const auto scene = m_scene.scene();
+        float most = 0.0F;
+        for (const OssRdGeometry::Vertex &vertex : scene->objects.front().geometry->vertices)
+            most = std::max(most, vertex.position.z);
+        return most;
+    };
+    m_scene.follow();
+    EXPECT_EQ(highest(), 0.0F);
+    m_scene.setDisplaced(true);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return std::abs(highest() - 0.05F) < 1e-4F; }, 20000));
+    // It follows edits.
+    m_shader->setAttribute(text("Height"), 0.4);
+    m_scene.follow();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return std::abs(highest() - 0.2F) < 1e-4F; }, 20000));
+    m_scene.setDisplaced(false);
+    EXPECT_EQ(highest(), 0.0F);
 }
 
 TEST_F(LitView, surroundingsThatCannotBeReadAreToldAndChangeNothing)

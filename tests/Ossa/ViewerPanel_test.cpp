@@ -304,7 +304,7 @@ TEST_F(ViewerParts, modesAndPaintingGoTogether)
         {"2D", "2D "},
         {"Paint", "2D Paint"},
         {"Both", "2D 3D Light Paint"},
-        {"3D", "3D Light Paint"},
+        {"3D", "3D Light Paint"}, // showing the object does not end it
         {"Paint", "3D Light "},
         {"Paint", "3D Light Paint"},
         {"2D", "2D Paint"},

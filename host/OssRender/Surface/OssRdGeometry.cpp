@@ -115,6 +115,12 @@ void addParts(const OssEvMesh &mesh, const OssEvTangents &tangents, OssRdGeometr
 
 } // namespace
 
+void OssRdGeometry::finish()
+{
+    measure(this);
+    addCoarse(this);
+}
+
 std::shared_ptr<const OssRdGeometry> OssRdGeometry::of(const OssEvMesh &mesh)
 {
     auto geometry = std::make_shared<OssRdGeometry>();
@@ -134,7 +140,6 @@ std::shared_ptr<const OssRdGeometry> OssRdGeometry::of(const OssEvMesh &mesh)
         for (int column = 0; column < 4; ++column)
             geometry->world[column][row] = mesh.world[std::size_t(row) * 4 + std::size_t(column)];
     }
-    measure(geometry.get());
-    addCoarse(geometry.get());
+    geometry->finish();
     return geometry;
 }

@@ -40,6 +40,9 @@ struct OSSRENDER_EXPORT OssRdGeometry
     float radius = 1.0F;
     float lowest = 0.0F;
 
+    /// Whoever made the rest has what follows from it made: the ball around it and the coarse parts.
+    void finish();
+
     /// Of a finished mesh. Throws std::bad_alloc.
     static std::shared_ptr<const OssRdGeometry> of(const OssEvMesh &mesh);
 };

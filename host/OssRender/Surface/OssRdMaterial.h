@@ -34,8 +34,10 @@ struct OssRdMaterial
         std::shared_ptr<const Texels> texels;
     };
 
-    /// How far a displacement of 1 stands out, in the world's lengths. 0: a normal map says it all.
+    /// How far a displacement of 1 stands out, in the world's lengths: for light, where 0 means that a
+    /// normal map says it all, and for surfaces that are moved.
     float reach = 0.0F;
+    float height = 0.0F;
 
     std::array<Channel4, Maps> maps{{{{0.5F, 0.5F, 0.5F, 1.0F}, {}},
                                      {{0.5F, 0.5F, 0.0F, 0.5F}, {}},

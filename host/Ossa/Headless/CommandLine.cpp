@@ -5,6 +5,7 @@
 #include "OssModel/Evaluation/OssPatchList.h"
 #include "OssModel/Objects/OssGeometrySource.h"
 #include "OssModel/Project/OssProject.h"
+#include "OssRender/Surface/OssRdDisplacement.h"
 
 #include <CLI/CLI.hpp>
 
@@ -187,7 +188,10 @@ private:
                                                 "Draw a project's objects in light, without a "
                                                 "window");
         render->add_option("PROJECT", m_project, "Project folder")->required();
-        render->add_option("-o,--output", m_output, "Picture to write (*.png, *.jpg)")->required();
+        render
+            ->add_option("-o,--output", m_output,
+                         "Picture to write (*.png, *.jpg; *.exr holds light, with an alpha)")
+            ->required();
         render->add_option("--node", m_node,
                            "Node to be seen, by name or path; the materials when not given");
         render->add_option("--environment", m_environment,
@@ -207,6 +211,12 @@ private:
             ->check(CLI::Range(1, 9999));
         render->add_option("--resolution", m_resolution, "Width and height of a patch in pixels")
             ->check(CLI::Range(1, 4096));
+        render
+            ->add_option(
+                "--displace", m_levels,
+                "Move the surfaces by their displacement, each triangle divided by four so "
+                "often (1 to 8, as memory allows)")
+            ->check(CLI::Range(1, OssRdDisplacement::MostLevels));
     }
 
     RenderOptions renderOptions() const
@@ -221,6 +231,7 @@ private:
         options.size = RenderOptions::toSize(text(m_size));
         options.frames = m_frames;
         options.resolution = m_resolution;
+        options.levels = m_levels;
         return options;
     }
 
@@ -353,6 +364,7 @@ private:
     bool m_listsFiles = false;
     std::string m_node;
     std::string m_environment;
+    int m_levels = 0;
     std::string m_background = RenderOptions::backgrounds().front();
     double m_turn = 0.0;
     std::string m_size = "1280x720";

@@ -3,12 +3,12 @@
 #include "Ossa/Headless/CommandLine.h"
 #include "Ossa/Headless/Interrupt.h"
 #include "Ossa/Headless/ProgressBar.h"
+#include "Ossa/Headless/StillFile.h"
 #include "Ossa/Surfaces/LitPicture.h"
 #include "Ossa/Surfaces/LitSurface.h"
 #include "Ossa/Surfaces/ObjectCamera.h"
 #include "Ossa/Surfaces/SurfacePixels.h"
 #include "Ossa/Surfaces/Surroundings.h"
-#include "OssCore/Documents/OssAtomicFile.h"
 #include "OssModel/Export/OssExportPlan.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
@@ -20,13 +20,12 @@
 #include "OssModel/Project/OssProjectManager.h"
 #include "OssRender/Draw/OssRdRenderer.h"
 #include "OssRender/Light/OssRdEnvironment.h"
+#include "OssRender/Surface/OssRdDisplacement.h"
 
-#include <QBuffer>
 #include <QCoreApplication>
 #include <QDir>
 #include <QEventLoop>
 #include <QFileInfo>
-#include <QImageWriter>
 #include <QRegularExpression>
 
 #include <cstdio>
@@ -102,17 +101,20 @@ OssResult addObject(const LitSurface &surface, int resolution, Geometries *geome
     return {};
 }
 
-OssResult write(const OssRdImage &picture, const QString &path)
+/// Each mesh once, for all that lies on it.
+void displace(int levels, OssRdScene *scene)
 {
-    LitPicture::Screen screen;
-    screen.colors = OssColorManagement::spaces();
-    const QImage shown = LitPicture::shown(picture, screen);
-    QBuffer bytes;
-    bytes.open(QIODevice::WriteOnly);
-    QImageWriter writer(&bytes, QFileInfo(path).suffix().toLatin1());
-    if (!writer.write(shown))
-        return OssResult::failure(tr("Cannot write \"%1\": %2").arg(path, writer.errorString()));
-    return OssAtomicFile::write(path, bytes.data());
+    std::map<std::shared_ptr<const OssRdGeometry>, std::vector<OssRdDisplacement::Skin>> skins;
+    for (const OssRdScene::Object &object : scene->objects)
+        skins[object.geometry].push_back({object.materials, object.slots});
+    for (const auto &[geometry, all] : skins) {
+        const auto made = OssRdDisplacement::of(*geometry, all,
+                                                OssRdDisplacement::levelsFor(*geometry, levels));
+        for (OssRdScene::Object &object : scene->objects) {
+            if (made && object.geometry == geometry)
+                object.geometry = made;
+        }
+    }
 }
 
 /// "still.png", or "still.0007.png" of a turntable.
@@ -133,7 +135,8 @@ OssRdView viewOf(const RenderOptions &options)
     view.width = options.size.width();
     view.height = options.size.height();
     view.mirrorSamples = mirrorSamples;
-    view.ground = {0.033F, 0.036F, 0.041F, 1.0F};
+    view.ground = StillFile::isLight(options.output) ? glm::vec4(0.0F)
+                                                     : glm::vec4(0.033F, 0.036F, 0.041F, 1.0F);
     view.behind = options.background == QLatin1String("environment")
                       ? OssRdView::Behind::Surrounding
                   : options.background == QLatin1String("blurred") ? OssRdView::Behind::Blurred
@@ -179,7 +182,7 @@ int drawAll(const RenderOptions &options, const OssRdScene &scene)
         if (picture.isEmpty())
             return failCommand(QString::fromStdString(renderer.problem()));
         const QString path = pathOf(options, frame);
-        const OssResult written = write(picture, path);
+        const OssResult written = StillFile::write(picture, path);
         if (!written)
             return failCommand(written.error());
         bar.show(QFileInfo(path).fileName(), frame + 1, frames);
@@ -215,10 +218,9 @@ QSize RenderOptions::toSize(const QString &text)
 
 int runRenderCommand(const RenderOptions &options)
 {
-    const QByteArray suffix = QFileInfo(options.output).suffix().toLatin1().toLower();
-    if (!QImageWriter::supportedImageFormats().contains(suffix))
-        return failCommand(
-            tr("\"%1\" is no picture that can be written: use *.png or *.jpg").arg(options.output));
+    if (!StillFile::isPossible(options.output))
+        return failCommand(tr("\"%1\" is no picture that can be written: use *.png, *.jpg or *.exr")
+                               .arg(options.output));
     OssProjectManager *projects = OssProjectManager::instance();
     const OssResult opened = projects->openProject(options.project);
     if (!opened)
@@ -244,5 +246,7 @@ int runRenderCommand(const RenderOptions &options)
         if (!added)
             return failCommand(added.error());
     }
+    if (options.levels > 0)
+        displace(options.levels, &scene);
     return drawAll(options, scene);
 }

@@ -20,6 +20,7 @@ struct RenderOptions
     QSize size{1280, 720};
     int frames = 0; ///< of a turntable; 0: one picture
     int resolution = 2048;
+    int levels = 0; ///< how often triangles are divided for surfaces that really stand out
 
     /// "plain", "environment", "blurred"; the first is the usual one.
     static std::vector<std::string> backgrounds();

@@ -14,7 +14,8 @@ namespace {
 constexpr double blink = 25.0;    // milliseconds, of a coarse picture
 constexpr double firstPart = 0.4; // of the height, of the first coarse picture
 constexpr double leastPart = 1.0 / 3.0;
-constexpr double tolerance = 1.2; // by which sizes do not change for nothing
+constexpr double leastHeight = 200.0; // pixels; of small views all
+constexpr double tolerance = 1.2;     // by which sizes do not change for nothing
 constexpr int restSamples = 48;
 /// Coarse, at full size, smooth, exact.
 constexpr int passes = 4;
@@ -100,7 +101,8 @@ bool LitRenderer::drawOne(OssRdRenderer *renderer, const Request &request, int p
         return false;
     if (pass == 0) {
         const double height = m_coarseHeight > 0.0 ? m_coarseHeight : firstPart * view.height;
-        const double part = std::clamp(height / view.height, leastPart, 1.0);
+        const double least = std::max(leastPart * view.height, leastHeight);
+        const double part = std::min(std::max(height, least) / view.height, 1.0);
         view.width = std::max(1, int(view.width * part));
         view.height = std::max(1, int(view.height * part));
     }

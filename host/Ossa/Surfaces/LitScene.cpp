@@ -1,6 +1,7 @@
 #include "Ossa/Surfaces/LitScene.h"
 
 #include "Ossa/Surfaces/SurfacePixels.h"
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Evaluation/OssViewedNode.h"
 #include "OssModel/Graph/OssGeoEntity.h"
@@ -17,11 +18,33 @@
 #include <QThreadPool>
 
 #include <algorithm>
+#include <new>
 
 namespace {
 
 constexpr float keyLight = 0.7F;
-constexpr int restInterval = 200; // milliseconds
+constexpr int restInterval = 200;        // milliseconds
+constexpr int displacingInterval = 120;  // milliseconds
+constexpr int mostTriangles = 1'000'000; // of a mesh that stands out: it has to be turned
+constexpr int enoughLevels = 6;
+
+/// As finely as can be turned; plain where there is no memory for it.
+std::shared_ptr<const OssRdGeometry> displaced(const OssRdGeometry &geometry,
+                                               const std::vector<OssRdDisplacement::Skin> &skins)
+{
+    int levels = 0;
+    std::size_t triangles = geometry.indices.size() / 3;
+    while (levels < enoughLevels && 4 * triangles <= mostTriangles) {
+        triangles *= 4;
+        ++levels;
+    }
+    try {
+        return OssRdDisplacement::of(geometry, skins,
+                                     OssRdDisplacement::levelsFor(geometry, levels));
+    } catch (const std::bad_alloc &) {
+        return nullptr;
+    }
+}
 
 } // namespace
 
@@ -41,6 +64,15 @@ LitScene::LitScene(QObject *parent)
     : QObject(parent)
 {
     m_scene.keyLight = glm::vec3(keyLight);
+    connect(OssStatusManager::instance(), &OssStatusManager::stopAsked, this, [this] {
+        if (m_told < 1000)
+            OssStatusManager::instance()->showMessage(
+                tr("The Viewer's picture was stopped. The next change begins it again."));
+        halt();
+    });
+    m_displacing.setSingleShot(true);
+    m_displacing.setInterval(displacingInterval);
+    connect(&m_displacing, &QTimer::timeout, this, &LitScene::displace);
     m_others.setSingleShot(true);
     m_others.setInterval(restInterval);
     connect(&m_others, &QTimer::timeout, this, &LitScene::followOthers);
@@ -52,6 +84,7 @@ LitScene::LitScene(QObject *parent)
         m_others.stop();
         m_pieces.clear();
         m_geometries.clear();
+        m_displaced.clear();
     });
     connect(OssColorManagement::instance(), &OssColorManagement::changed, this, [this] {
         setSurroundings(m_surroundingsName); // light in other numbers
@@ -171,6 +204,10 @@ void LitScene::arrange(const QVector<LitSurface> &surfaces)
         if (found == before.end()) {
             connect(&piece->pixels, &SurfacePixels::changed, this, &LitScene::changed);
             connect(&piece->pixels, &SurfacePixels::changed, this, &LitScene::tellProgress);
+            connect(&piece->pixels, &SurfacePixels::changed, this, [this] {
+                if (m_isDisplaced)
+                    m_displacing.start();
+            });
             piece->pixels.setFirst(m_isAlone);
         }
         piece->isFirst = m_pieces.empty();
@@ -204,6 +241,8 @@ void LitScene::followOthers()
         const bool isUsed = std::any_of(
             m_pieces.cbegin(), m_pieces.cend(),
             [&geometry](const auto &piece) { return piece->mesh == geometry->first; });
+        if (!isUsed)
+            m_displaced.erase(geometry->first);
         geometry = isUsed ? std::next(geometry) : m_geometries.erase(geometry);
     }
     Q_EMIT changed();
@@ -239,6 +278,65 @@ void LitScene::makeGeometry(const std::shared_ptr<const OssEvMesh> &mesh)
                   Q_EMIT reshaped();
                   Q_EMIT changed();
               });
+}
+
+// --- surfaces that stand out
+
+void LitScene::setDisplaced(bool displaced)
+{
+    m_isDisplaced = displaced;
+    m_displaced.clear();
+    if (displaced)
+        displace();
+    Q_EMIT changed();
+}
+
+std::vector<OssRdDisplacement::Skin> LitScene::skinsOf(const OssEvMesh *mesh) const
+{
+    std::vector<OssRdDisplacement::Skin> skins;
+    for (const auto &piece : m_pieces) {
+        if (piece->mesh.get() == mesh)
+            skins.push_back({piece->pixels.materials(), piece->slots});
+    }
+    return skins;
+}
+
+void LitScene::displace()
+{
+    if (!m_isDisplaced)
+        return;
+    if (m_isDisplacing) {
+        m_displacing.start();
+        return;
+    }
+
+    struct Job
+    {
+        std::shared_ptr<const OssEvMesh> mesh;
+        std::shared_ptr<const OssRdGeometry> geometry;
+        std::vector<OssRdDisplacement::Skin> skins;
+    };
+
+    std::vector<Job> jobs;
+    for (const auto &[mesh, geometry] : m_geometries) {
+        if (geometry)
+            jobs.push_back({mesh, geometry, skinsOf(mesh.get())});
+    }
+    m_isDisplacing = true;
+    elsewhere(
+        [jobs] {
+            std::map<std::shared_ptr<const OssEvMesh>, std::shared_ptr<const OssRdGeometry>> made;
+            for (const Job &job : jobs)
+                made[job.mesh] = displaced(*job.geometry, job.skins);
+            return made;
+        },
+        [this](const auto &made) {
+            m_isDisplacing = false;
+            if (!m_isDisplaced)
+                return;
+            m_displaced = made;
+            Q_EMIT changed();
+        });
 }
 
 void LitScene::tellProgress()
@@ -330,9 +428,14 @@ std::shared_ptr<const OssRdScene> LitScene::scene() const
 {
     auto scene = std::make_shared<OssRdScene>(m_scene);
     for (const auto &piece : m_pieces) {
-        const auto geometry = m_geometries.find(piece->mesh);
-        if (geometry != m_geometries.cend() && geometry->second)
-            scene->objects.push_back({geometry->second, piece->pixels.materials(), piece->slots});
+        const auto plain = m_geometries.find(piece->mesh);
+        const auto moved = m_displaced.find(piece->mesh);
+        const bool isMoved = moved != m_displaced.cend() && moved->second;
+        const auto geometry = isMoved                        ? moved->second
+                              : plain != m_geometries.cend() ? plain->second
+                                                             : nullptr;
+        if (geometry)
+            scene->objects.push_back({geometry, piece->pixels.materials(), piece->slots});
     }
     return scene;
 }

@@ -3,6 +3,7 @@
 #include "Ossa/Surfaces/LitSurface.h"
 #include "Ossa/Surfaces/Surroundings.h"
 #include "OssRender/Draw/OssRdScene.h"
+#include "OssRender/Surface/OssRdDisplacement.h"
 
 #include <QObject>
 #include <QTimer>
@@ -34,6 +35,8 @@ public:
     void setAlone(bool alone);
     /// Whether the objects that belong to what is looked at are seen as well.
     void setCompany(bool company);
+    /// Whether surfaces really stand out by their displacement.
+    void setDisplaced(bool displaced);
     /// Gives up the pixels that are not there yet.
     void halt();
 
@@ -80,6 +83,10 @@ private:
     void followOthers();
     void tellProgress();
     void makeGeometry(const std::shared_ptr<const OssEvMesh> &mesh);
+    /// Moves the surfaces that are another by now, one mesh after the other.
+    void displace();
+    /// What lies on a mesh.
+    std::vector<OssRdDisplacement::Skin> skinsOf(const OssEvMesh *mesh) const;
     /// Has work done on another thread and what comes of it used here, unless this is gone by then.
     template <class Work, class Use>
     void elsewhere(Work work, Use use);
@@ -88,6 +95,11 @@ private:
     std::vector<std::unique_ptr<Piece>> m_pieces; ///< what is looked at comes first
     /// Of the pieces' meshes; null while it is being made.
     std::map<std::shared_ptr<const OssEvMesh>, std::shared_ptr<const OssRdGeometry>> m_geometries;
+    /// The same with surfaces that stand out; null where none does.
+    std::map<std::shared_ptr<const OssEvMesh>, std::shared_ptr<const OssRdGeometry>> m_displaced;
+    QTimer m_displacing; ///< when no more pixels come for a moment
+    bool m_isDisplacing = false;
+    bool m_isDisplaced = false;
     QString m_surroundingsName;
     QTimer m_others; ///< what is not looked at follows when the user rests
     int m_resolution = 1024;

@@ -12,6 +12,7 @@ namespace {
 
 constexpr int coarsePriority = 2;
 constexpr int firstPriority = 1;
+constexpr int behindPriority = -1;
 // Of the work for a map.
 constexpr int coarseParts = 1;
 constexpr int fineParts = 9;
@@ -134,6 +135,10 @@ void SurfacePixels::show(const OssSurfaceMaps &maps, const QList<int> &patches, 
         const bool stays = m_problem.isEmpty() && patches.contains(material->first);
         material = stays ? std::next(material) : m_materials.erase(material);
     }
+    for (auto &material : m_materials) {
+        material.second.reach = maps.reach();
+        material.second.height = maps.height();
+    }
     for (auto known = m_known.begin(); known != m_known.end();)
         known = m_materials.count(known->first.first) ? std::next(known) : m_known.erase(known);
     if (m_problem.isEmpty())
@@ -187,7 +192,10 @@ void SurfacePixels::start(const Place &place, int resolution)
 {
     OssEvRequest request;
     request.target = m_maps.target(OssSurfaceMaps::Map(place.second), place.first, resolution);
-    request.priority = resolution <= coarse ? coarsePriority : m_isFirst ? firstPriority : 0;
+    request.priority = m_isBehind             ? behindPriority
+                       : resolution <= coarse ? coarsePriority
+                       : m_isFirst            ? firstPriority
+                                              : 0;
     request.focusX = resolution / 2.0;
     request.focusY = resolution / 2.0;
     auto picture = std::make_shared<Picture>(resolution);
@@ -227,6 +235,7 @@ void SurfacePixels::finish(int generation, const Place &place,
     m_running.erase(std::remove_if(m_running.begin(), m_running.end(), isDone), m_running.end());
     OssRdMaterial &material = m_materials[place.first];
     material.reach = m_maps.reach();
+    material.height = m_maps.height();
     picture->fill(&material.maps[std::size_t(place.second)]);
     const int size = picture->texels->size;
     m_known[place].resolution = size;

@@ -31,6 +31,9 @@ public:
     /// Of maps that are started from now on: before the pictures of patches, where nobody sees these.
     void setFirst(bool first) { m_isFirst = first; }
 
+    /// All of them behind everything else.
+    void setBehind(bool behind) { m_isBehind = behind; }
+
     /// Gives up what is not there yet.
     void stop();
     void clear();
@@ -85,6 +88,7 @@ private:
     OssSurfaceMaps m_maps;
     int m_resolution = 0;
     bool m_isFirst = false;
+    bool m_isBehind = false;
     int m_generation = 0;
     std::map<int, OssRdMaterial> m_materials;
     std::map<Place, Known> m_known; ///< what is in them

@@ -124,6 +124,8 @@ void LightBar::fileLight()
     };
     addSwitch("Toggle Other Objects", "Viewer/otherObjects", true,
               [this](bool on) { m_view->light()->setCompany(on); });
+    addSwitch("Displace Surfaces", "Viewer/displaced", false,
+              [this](bool on) { m_view->light()->setDisplaced(on); });
     addSwitch("Toggle Ground Shadow", "Viewer/groundShadow", true,
               ofLook(&OssRdView::hasGroundShadow));
     addSwitch("Toggle Wireframe", "Viewer/wireframe", false, ofLook(&OssRdView::hasWires));

@@ -27,6 +27,7 @@ constexpr float turnAcross = 4.0F; ///< radians, of the surroundings by a drag o
 ObjectView::ObjectView(const ViewerPictures *pictures, QWidget *parent)
     : QWidget(parent)
     , m_pictures(pictures)
+    , m_wipe(new WipeHandle(this))
 {
     setFocusPolicy(Qt::StrongFocus);
     setAccessibleName(tr("Object"));

@@ -5,6 +5,7 @@
 #include "Ossa/Surfaces/LitScene.h"
 #include "Ossa/Surfaces/ObjectCamera.h"
 #include "Ossa/Viewer/ObjectRenderer.h"
+#include "Ossa/Viewer/WipeLine.h"
 
 #include <QElapsedTimer>
 #include <QHash>
@@ -60,6 +61,16 @@ public:
     /// Something that is looked at may be another.
     void follow();
     void frameAll();
+
+    /// Keeps the material as it is now, in light, beside what is looked at from now on: it lies left of a
+    /// line that the left button draws. Not where patches are seen.
+    void keepPicture();
+    void dropKeptPicture();
+
+    bool isComparing() const { return m_wipe->isShown(); }
+
+    /// What is looked at, in words.
+    void setShownName(const QString &name);
 
     QSize sizeHint() const override { return {420, 380}; }
 
@@ -130,6 +141,10 @@ private:
     bool m_isLightFramed = false;
     bool m_isTurning = true; ///< the button held moves the camera or what surrounds
     bool m_isMoving = false;
+    WipeHandle *m_wipe;
+    std::vector<OssRdScene::Object> m_kept;
+    QString m_keptName;
+    QString m_shownName;
 
     PaintSession *m_session = nullptr;
     std::unique_ptr<ObjectCanvas> m_canvas;

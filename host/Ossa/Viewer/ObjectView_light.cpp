@@ -6,6 +6,8 @@
 #include <QAction>
 #include <QPainter>
 
+#include <cmath>
+
 // The object in light.
 
 namespace {
@@ -17,6 +19,7 @@ constexpr glm::vec4 ground(0.0110F, 0.0123F, 0.0144F, 1.0F); // the canvas, scen
 void ObjectView::startLight()
 {
     m_look.ground = ground;
+    connect(m_wipe, &WipeHandle::moved, this, &ObjectView::redraw);
     connect(&m_light, &LitScene::changed, this, [this] {
         if (isMaterial())
             redraw();
@@ -48,6 +51,7 @@ void ObjectView::activateLight()
         });
     }
     m_light.setActive(wanted);
+    m_wipe->setShown(isMaterial() && !m_kept.empty());
 }
 
 void ObjectView::setLook(const OssRdView &look)
@@ -65,6 +69,27 @@ void ObjectView::setScreen(const LitPicture::Screen &screen)
 void ObjectView::follow()
 {
     m_light.follow();
+}
+
+void ObjectView::keepPicture()
+{
+    m_kept = m_light.scene()->objects;
+    m_keptName = m_shownName;
+    activateLight();
+    redraw();
+}
+
+void ObjectView::dropKeptPicture()
+{
+    m_kept.clear();
+    activateLight();
+    redraw();
+}
+
+void ObjectView::setShownName(const QString &name)
+{
+    m_shownName = name;
+    update();
 }
 
 void ObjectView::frameLight()
@@ -104,7 +129,14 @@ void ObjectView::drawLight()
     // Numbers have no surroundings.
     if (m_look.shows != OssRdView::Shows::Lit)
         request.view.behind = OssRdView::Behind::Plain;
-    request.isMoving = m_isMoving;
+    request.isMoving = m_isMoving || m_wipe->isDragged();
+    if (isComparing()) {
+        // In the light that is chosen now.
+        auto beside = std::make_shared<OssRdScene>(*request.scene);
+        beside->objects = m_kept;
+        request.beside = beside;
+        request.border = float(m_wipe->part());
+    }
     m_litRenderer->draw(request);
 }
 
@@ -130,6 +162,9 @@ void ObjectView::paintLight(QPainter *painter)
     painter->fillRect(rect(), QColor(0x1b, 0x1d, 0x20));
     if (!m_litImage.isNull())
         painter->drawImage(rect(), m_litImage);
+    if (isComparing())
+        WipeLine::draw(painter, rect(), std::round(m_wipe->part() * width()), m_keptName,
+                       m_shownName);
     if (m_light.isBare())
         paintHint(painter);
     else

@@ -95,6 +95,12 @@ ViewerPanel::ViewerPanel(QWidget *parent)
     setMode(Mode(OssSettings().value(modeKey, Patches).toInt()));
 }
 
+ViewerPanel::~ViewerPanel()
+{
+    // The view tells of its end when parts of this are gone.
+    m_object->light()->disconnect(this);
+}
+
 QWidget *ViewerPanel::makeFoot()
 {
     auto *bar = new QWidget(this);
@@ -128,6 +134,7 @@ void ViewerPanel::follow()
                 m_object->follow();
                 m_object->setMesh(entity ? OssMeshes::instance()->look(entity->source()).mesh
                                          : nullptr);
+                m_told = 0;
                 m_progress->setValue(0);
                 m_pass->clear();
                 m_progress->hide();
@@ -135,7 +142,7 @@ void ViewerPanel::follow()
             });
     connect(m_source, &ViewerSource::renamed, this, &ViewerPanel::showName);
     connect(m_source, &ViewerSource::tileArrived, m_pictures, &ViewerPictures::setTile);
-    connect(m_source, &ViewerSource::progressed, this, &ViewerPanel::showProgress);
+    followProgress();
     connect(m_view, &UvView::focusMoved, m_source, &ViewerSource::setFocus);
     connect(m_view, &UvView::pointed, m_values, &QLabel::setText);
     m_pictures->setPaint(&m_session->buffer());
@@ -173,16 +180,34 @@ void ViewerPanel::welcomeBrush(QWidget *canvas)
         canvas->setFocus();
 }
 
+void ViewerPanel::followProgress()
+{
+    connect(m_source, &ViewerSource::progressed, this,
+            [this](int thousandths, const QString &pass) {
+                m_patchesDone = thousandths;
+                m_patchesPass = pass;
+                showProgress();
+            });
+    connect(m_object->light(), &LitScene::progressed, this, [this](int thousandths) {
+        m_materialDone = thousandths;
+        showProgress();
+    });
+}
+
 void ViewerPanel::showName(const QString &node)
 {
     m_name->setText(node);
     m_view->setShownName(node);
+    m_object->setShownName(node);
 }
 
-void ViewerPanel::showProgress(int thousandths, const QString &pass)
+void ViewerPanel::showProgress()
 {
-    const bool isRunning = thousandths < m_progress->maximum();
-    m_progress->setValue(thousandths);
+    const int done = std::min(m_patchesDone, m_materialDone);
+    const bool isRunning = done < m_progress->maximum();
+    m_told = isRunning ? std::max(m_told, done) : 0;
+    m_progress->setValue(isRunning ? m_told : done);
+    const QString pass = m_patchesDone < m_progress->maximum() ? m_patchesPass : tr("material");
     // What is quick flickers under a hand that drags a value.
     m_progress->setVisible(isRunning && m_sinceBegin.elapsed() > patience);
     m_pass->setText(m_progress->isHidden() ? QString() : pass);
@@ -336,12 +361,14 @@ void ViewerPanel::setComparing(bool on)
 {
     if (!on) {
         m_view->dropKeptPicture();
+        m_object->dropKeptPicture();
         return;
     }
     m_view->keepPicture();
-    if (!m_view->isComparing())
+    m_object->keepPicture();
+    if (!m_view->isComparing() && !m_object->isComparing())
         m_compare->setChecked(false); // there is no picture to keep
-    else if (m_modes->checkedId() == Object)
+    else if (m_modes->checkedId() == Object && !m_object->isComparing())
         setMode(Both);
 }
 

@@ -29,6 +29,7 @@ class ViewerPanel : public QWidget
 
 public:
     explicit ViewerPanel(QWidget *parent = nullptr);
+    ~ViewerPanel() override;
 
 protected:
     /// Esc that no stroke takes stops what is computed, also where the palette floats.
@@ -46,7 +47,9 @@ private:
     void follow();
     void welcomeBrush(QWidget *canvas);
     void showName(const QString &node);
-    void showProgress(int thousandths, const QString &pass);
+    void followProgress();
+    /// Of the patches and the material together, which never leads back.
+    void showProgress();
     void setMode(Mode mode);
     void setPainting(bool on);
     void setComparing(bool on);
@@ -75,6 +78,10 @@ private:
     QLabel *m_pass; ///< what is computed just now
     QProgressBar *m_progress;
     QElapsedTimer m_sinceBegin;
+    int m_patchesDone = 1000; ///< thousandths
+    int m_materialDone = 1000;
+    int m_told = 0;
+    QString m_patchesPass;
     QComboBox *m_channels;
     QComboBox *m_resolution;
     QComboBox *m_display; ///< screens, and plain numbers

@@ -1,0 +1,109 @@
+#include "Ossa/Viewer/WipeLine.h"
+
+#include <QCoreApplication>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QWidget>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr double knob = 6.0;
+
+void drawName(QPainter *painter, const QRectF &plate, const QString &name)
+{
+    painter->setPen(Qt::NoPen);
+    painter->setBrush(QColor(0x14, 0x15, 0x18, 200));
+    painter->drawRoundedRect(plate, 4.0, 4.0);
+    painter->setPen(QColor(0xe4, 0xe7, 0xec));
+    painter->drawText(plate, Qt::AlignCenter, name);
+}
+
+} // namespace
+
+void WipeLine::draw(QPainter *painter, const QRectF &view, double x, const QString &keptName,
+                    const QString &shownName)
+{
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    // Dark and light, so that it is seen on any picture.
+    painter->setPen(QPen(QColor(0, 0, 0, 160), 3.0));
+    painter->drawLine(QPointF(x, 0.0), QPointF(x, view.height()));
+    painter->setPen(QPen(Qt::white, 1.0));
+    painter->drawLine(QPointF(x, 0.0), QPointF(x, view.height()));
+    painter->setBrush(Qt::white);
+    painter->setPen(QPen(QColor(0, 0, 0, 160), 1.0));
+    painter->drawEllipse(QPointF(x, view.height() / 2.0), knob, knob);
+    const QFontMetricsF metrics(painter->font());
+    const double line = metrics.height() + 6.0;
+    const QString kept = QCoreApplication::translate("WipeLine", "Kept: %1").arg(keptName);
+    const double keptWidth = metrics.horizontalAdvance(kept) + 12.0;
+    drawName(painter, {x - 8.0 - keptWidth, 6.0, keptWidth, line}, kept);
+    drawName(painter, {x + 8.0, 6.0, metrics.horizontalAdvance(shownName) + 12.0, line}, shownName);
+    painter->restore();
+}
+
+// --- the handle
+
+WipeHandle::WipeHandle(QWidget *view)
+    : QObject(view)
+    , m_view(view)
+{
+    view->installEventFilter(this);
+}
+
+void WipeHandle::setShown(bool shown)
+{
+    if (shown == m_isShown)
+        return;
+    if (shown)
+        m_part = 0.5;
+    m_isShown = shown;
+    m_isDragged = false;
+    m_view->setMouseTracking(shown);
+    m_view->unsetCursor();
+}
+
+bool WipeHandle::isAt(const QPointF &place) const
+{
+    return std::abs(place.x() - m_part * m_view->width()) <= WipeLine::grip;
+}
+
+bool WipeHandle::take(const QMouseEvent &event)
+{
+    const bool isDragged = m_isDragged;
+    switch (event.type()) {
+    case QEvent::MouseButtonPress:
+        m_isDragged = event.button() == Qt::LeftButton && isAt(event.localPos());
+        return m_isDragged;
+    case QEvent::MouseButtonRelease:
+        m_isDragged = false;
+        if (isDragged)
+            Q_EMIT moved();
+        return isDragged;
+    default:
+        break;
+    }
+    if (m_isDragged || (event.buttons() == Qt::NoButton && isAt(event.localPos())))
+        m_view->setCursor(Qt::SplitHCursor);
+    else
+        m_view->unsetCursor();
+    if (m_isDragged) {
+        m_part = std::clamp(event.localPos().x() / std::max(1, m_view->width()), WipeLine::least,
+                            1.0 - WipeLine::least);
+        Q_EMIT moved();
+    }
+    return m_isDragged;
+}
+
+bool WipeHandle::eventFilter(QObject *watched, QEvent *event)
+{
+    const bool isPointer = event->type() == QEvent::MouseButtonPress
+                           || event->type() == QEvent::MouseMove
+                           || event->type() == QEvent::MouseButtonRelease;
+    if (m_isShown && watched == m_view && isPointer)
+        return take(*static_cast<QMouseEvent *>(event));
+    return QObject::eventFilter(watched, event);
+}

@@ -11,6 +11,7 @@
 
 #include <QGraphicsScene>
 #include <QPainter>
+#include <QSet>
 #include <QTabWidget>
 #include <QTest>
 
@@ -126,4 +127,35 @@ TEST_F(Thumbnails, takeTheRoomThatThereIsAndNoMore)
     m_node->setName(text("Again"));
     EXPECT_TRUE(QTest::qWaitFor([&] { return m_near.bodyRect().height() > low; }, 20000))
         << "with room it is whole";
+}
+
+TEST_F(Thumbnails, ofMaterialsAreBallsInLight)
+{
+    OssSnBaseNode *shader = add("Shaders/Standard Surface");
+    m_near.setBusinessNode(shader);
+    ASSERT_TRUE(wire(m_node, shader, "Base Color"));
+    m_node->setAttribute(text("Color"), QColor(Qt::red));
+    const qreal plain = m_near.boundingRect().height();
+    NodeThumbnails thumbnails;
+    thumbnails.setEnabled(true);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return m_near.boundingRect().height() > plain; }, 20000));
+    QImage picture(200, 200, QImage::Format_RGB32);
+    picture.fill(Qt::black);
+    QPainter painter(&picture);
+    m_scene.render(&painter, {0, 0, 200, 200}, m_near.boundingRect());
+    painter.end();
+    // Red of very many shades, and none at the picture's left and right edge.
+    QSet<int> shades;
+    int beside = 0;
+    for (int y = 0; y < 200; ++y) {
+        for (int x = 0; x < 200; ++x) {
+            const QColor color(picture.pixel(x, y));
+            const bool isRed = color.red() > 40 && color.red() > 2 * color.green();
+            if (isRed)
+                shades.insert(color.red());
+            beside += isRed && (x < 30 || x > 170) ? 1 : 0;
+        }
+    }
+    EXPECT_GT(shades.size(), 30);
+    EXPECT_EQ(beside, 0);
 }

@@ -7,6 +7,7 @@
 #include "OssInterface/Palettes/OssPaletteManager.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Evaluation/OssSolo.h"
+#include "OssModel/Export/OssExportMaterials.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
@@ -96,6 +97,8 @@ void NodeThumbnails::forgetAll()
     for (auto running = m_running.cbegin(); running != m_running.cend(); ++running)
         OssEvaluationService::instance()->engine()->cancel(running.key());
     m_running.clear();
+    m_balls.cancel();
+    m_ballsRunning = 0;
     const QHash<OssNgNode *, Shown> shown = std::exchange(m_shown, {});
     for (const Shown &entry : shown) {
         if (entry.item)
@@ -119,7 +122,7 @@ void NodeThumbnails::look()
     const QVector<OssNgNode *> items = OssNgSceneIndex::of(view->scene())->nodesIn(place);
     for (OssNgNode *item : items) {
         // The rest is looked at the next time.
-        if (m_running.size() >= mostRunning || spent.elapsed() > longestLook) {
+        if (m_running.size() + m_ballsRunning >= mostRunning || spent.elapsed() > longestLook) {
             m_dirty = true;
             return;
         }
@@ -130,7 +133,9 @@ void NodeThumbnails::look()
 void NodeThumbnails::lookAt(OssNgNode *item)
 {
     const auto *node = qobject_cast<OssSnBaseNode *>(item->businessNode());
-    const QString output = OssSolo::pictureOutput(node);
+    QString output = OssSolo::pictureOutput(node);
+    if (output.isEmpty() && OssExportMaterial::of(node).node)
+        output = node->prefferedOutputPoint();
     if (output.isEmpty())
         return;
     const QString key = OssSnResultKey::of(node, output);
@@ -147,6 +152,34 @@ void NodeThumbnails::lookAt(OssNgNode *item)
 }
 
 void NodeThumbnails::start(OssNgNode *item, const OssSnBaseNode *node)
+{
+    if (OssExportMaterial::of(node).node && !m_balls.isHopeless())
+        startBall(item, node);
+    else
+        startFlat(item, node);
+}
+
+void NodeThumbnails::startBall(OssNgNode *item, const OssSnBaseNode *node)
+{
+    const OssSurfaceMaps maps = OssSurfaceMaps::of({node, node->prefferedOutputPoint()},
+                                                   node->network()->geoEntity());
+    if (!maps.problem().isEmpty() || !maps.mesh() || maps.mesh()->patches().empty()) {
+        startFlat(item, node);
+        return;
+    }
+    ++m_ballsRunning;
+    const QPointer<OssNgNode> whose(item);
+    const QPointer<const OssSnBaseNode> what(node);
+    m_balls.start(maps, [this, whose, what](const QImage &picture) {
+        --m_ballsRunning;
+        if (whose && what && picture.isNull())
+            startFlat(whose, what);
+        else if (whose)
+            showPicture(whose, picture);
+    });
+}
+
+void NodeThumbnails::startFlat(OssNgNode *item, const OssSnBaseNode *node)
 {
     const OssSnEvaluationGraph graph = OssSnEvaluationGraph::of(node, node->prefferedOutputPoint());
     OssEvaluationService *service = OssEvaluationService::instance();
@@ -201,8 +234,15 @@ void NodeThumbnails::finish(OssEvEngine::Id id, const QImage &picture)
     const QPointer<OssNgNode> item = *running;
     m_running.erase(running);
     m_dirty = true;
-    const auto shown = m_shown.find(item.data());
-    if (!item || shown == m_shown.end())
+    if (item)
+        showPicture(item, picture);
+}
+
+void NodeThumbnails::showPicture(OssNgNode *item, const QImage &picture)
+{
+    m_dirty = true;
+    const auto shown = m_shown.find(item);
+    if (shown == m_shown.end())
         return;
     shown->picture = picture;
     shown->rows = 0; // another picture in the same room

@@ -17,7 +17,6 @@ class OssGeoImageSet;
 class OssImage;
 class OssSnBakePointNode;
 class OssSnBaseNode;
-class OssSnImageSetNodeBase;
 class OssSnMultiChannelGroupNode;
 class QAction;
 
@@ -140,7 +139,8 @@ public Q_SLOTS:
     /// space that keeps precision.
     static void autoUpdateUpstreamMergeNodeColorSpaceEnabledAttributes(OssSnBaseNode *EndPointNode);
 
-    // Baking: waits with progress, can be stopped, is one undo step
+    // Baking: goes on beside other work, or is waited for without a user; can be stopped; one undo step
+    // for each node
     /// All of the network, in groups too.
     void bakeEmptyAndUpdateOutOfDateBakePoints();
     void bakeSelectedBakePoints();
@@ -224,8 +224,7 @@ private:
     /// False when the user was asked and chose none.
     bool chooseOutputPoint(const OssSnBaseNode *node, const QString &title, const QString &label,
                            QString *outputPoint);
-    OssResult bakeIntoPaintNode(const OssSnBaseNode *source, const QString &outputPoint,
-                                OssSnImageSetNodeBase *paint);
+    void showInsteadOf(OssSnBaseNode *source, OssSnBaseNode *paint);
     /// Null without a user, or when there is none or none was chosen.
     OssGeoImageSet *chooseGeoChannel(const OssGeoEntity *entity);
     void exportNode(OssSnBaseNode *node, OssGeoImageSet *channel, const QString &outputPointName);

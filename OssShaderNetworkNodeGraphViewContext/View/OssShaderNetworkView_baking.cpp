@@ -6,11 +6,13 @@
 #include "OssInterface/Dialogs/OssBakeDialog.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssInterface/Popups/OssMessageBox.h"
+#include "OssModel/Evaluation/OssNodeBake.h"
 #include "OssModel/Graph/OssBakeReport.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssGeoImageSet.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
+#include "OssModel/Images/OssImageManager.h"
 #include "OssModel/Nodes/OssSnBakePointNode.h"
 #include "OssModel/Nodes/OssSnMaterialNode.h"
 #include "OssModel/Objects/OssCanvasManager.h"
@@ -38,6 +40,40 @@ void tell(const QString &title, const OssResult &result)
         OssStatusManager::instance()->showMessage(result.error());
     else if (!result)
         OssMessageBox::warning(nullptr, title, result.error());
+}
+
+/// With a user the work goes on beside others; scripts and commands wait for it.
+void start(OssNodeBake bake, const QString &title)
+{
+    if (OssApplication::popupsAllowed())
+        OssBakeManager::instance()->start(std::move(bake));
+    else
+        tell(title, bake.run());
+}
+
+/// A new paint node from which takes what took from the output. Null where there can be none.
+OssSnImageSetNodeBase *paintNodeInsteadOf(OssSnBaseNode *source, const QString &outputPoint)
+{
+    OssShaderNetwork *network = source ? source->network() : nullptr;
+    OssShadingContext *shading = network ? network->shadingContext() : nullptr;
+    auto *paint = shading ? qobject_cast<OssSnImageSetNodeBase *>(network->createPaintableNode({}))
+                          : nullptr;
+    OssImageSet *empty = paint ? paint->imageSet() : nullptr;
+    if (!empty)
+        return nullptr;
+    OssImageSet *set = empty->duplicate(
+        shading->freeImageSetName(QStringLiteral("Node_Bake_") + empty->name()));
+    shading->addImageSet(set); // takes it
+    paint->setImageSet(set, true);
+    shading->removeImageSet(empty);
+    // A copy: wires leave the list while they are moved.
+    const QVector<OssSnBaseNode::OutgoingConnection> edges = source->outgoingConnections();
+    for (const OssSnBaseNode::OutgoingConnection &edge : edges) {
+        if (edge.outputPoint == outputPoint)
+            edge.target->setInputNode(edge.input, paint, paint->prefferedOutputPoint());
+    }
+    paint->positionNodeOnTopIndented(source);
+    return paint;
 }
 
 } // namespace
@@ -155,59 +191,49 @@ void OssShaderNetworkView::bakeToPaintableNode()
 {
     if (!hasNetwork())
         return;
-    OssUndoManager::AutoMacro macro(tr("Bake to Paintable"));
     const QList<OssSnBaseNode *> nodes = m_network->selectedNodes();
     if (nodes.size() != 1) {
         OssMessageBox::warning(this, tr("Bake to Paintable Node"),
                                tr("Only one node must be selected for baking to a paintable node"));
         return;
     }
-    OssSnBaseNode *source = nodes.first();
-    auto *paint = qobject_cast<OssSnImageSetNodeBase *>(m_network->createPaintableNode({}));
-    QString outputPoint;
-    if (!paint || !paint->imageSet()
+    const QPointer<OssSnBaseNode> source = nodes.first();
+    OssNodeBake bake;
+    if (!m_network->shadingContext()
         || !chooseOutputPoint(source, tr("Bake to Paintable"),
-                              tr("Select the output port to bake at:"), &outputPoint)) {
-        macro.cancel();
+                              tr("Select the output port to bake at:"), &bake.outputPoint))
         return;
-    }
     bakePaintBufferToNode(source);
-    const OssResult baked = bakeIntoPaintNode(source, outputPoint, paint);
-    if (!baked) {
-        macro.cancel();
-        tell(tr("Bake to Paintable Node"), baked);
-        return;
-    }
-    // A copy: wires leave the list while they are moved.
-    const QVector<OssSnBaseNode::OutgoingConnection> edges = source->outgoingConnections();
-    for (const OssSnBaseNode::OutgoingConnection &edge : edges) {
-        if (edge.outputPoint == outputPoint)
-            edge.target->setInputNode(edge.input, paint, paint->prefferedOutputPoint());
-    }
-    paint->positionNodeOnTopIndented(source);
-    placeNode(paint);
-    if (scene())
-        scene()->clearSelection();
-    if (OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(paint))
-        item->setSelected(true);
-    OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
+    const int resolution = OssImageManager::instance()->newResolution();
+    auto like = std::make_shared<OssImageSet>(QString());
+    like->setResolution(resolution);
+    bake.title = tr("Bake to Paintable");
+    bake.node = source;
+    bake.like = like;
+    bake.makeImages = [view = QPointer<OssShaderNetworkView>(this), source, resolution,
+                       outputPoint = bake.outputPoint]() -> OssImageSet * {
+        OssSnImageSetNodeBase *paint = paintNodeInsteadOf(source, outputPoint);
+        if (!paint)
+            return nullptr;
+        paint->imageSet()->setResolution(resolution);
+        if (view && view->network() == paint->network())
+            view->showInsteadOf(source, paint);
+        return paint->imageSet();
+    };
+    bake.message = tr("%1 is baked to a paint node").arg(source->name());
+    start(std::move(bake), tr("Bake to Paintable Node"));
 }
 
-OssResult OssShaderNetworkView::bakeIntoPaintNode(const OssSnBaseNode *source,
-                                                  const QString &outputPoint,
-                                                  OssSnImageSetNodeBase *paint)
+void OssShaderNetworkView::showInsteadOf(OssSnBaseNode *source, OssSnBaseNode *paint)
 {
-    OssImageSet *empty = paint->imageSet();
-    OssShadingContext *shading = m_network->shadingContext();
-    OssImageSet *set = empty->duplicate(
-        shading->freeImageSetName(QStringLiteral("Node_Bake_") + empty->name()));
-    shading->addImageSet(set); // takes it
-    const OssResult baked = source->bake(set, outputPoint);
-    if (!baked)
-        return baked;
-    paint->setImageSet(set, true);
-    shading->removeImageSet(empty);
-    return {};
+    placeNode(paint);
+    // Who has gone on to other nodes meanwhile keeps those.
+    OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(paint);
+    if (item && scene() && m_network->selectedNodes() == QList<OssSnBaseNode *>{source}) {
+        scene()->clearSelection();
+        item->setSelected(true);
+    }
+    OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
 }
 
 void OssShaderNetworkView::setImageSetByNameAction()
@@ -315,7 +341,6 @@ OssGeoImageSet *OssShaderNetworkView::chooseGeoChannel(const OssGeoEntity *entit
 void OssShaderNetworkView::exportNode(OssSnBaseNode *node, OssGeoImageSet *channel,
                                       const QString &outputPointName)
 {
-    OssUndoManager::AutoMacro macro(tr("Export to Geo-Channel"));
     OssShadingContext *shading = m_network->shadingContext();
     if (!shading) {
         OssDebug(Source, __LINE__, "There is no shading to make images for");
@@ -327,25 +352,33 @@ void OssShaderNetworkView::exportNode(OssSnBaseNode *node, OssGeoImageSet *chann
     // With a limit, other patches hold what the node does not show.
     if (bakePoint && bakePoint->hasBakedResult() && !bakePoint->limitBake()
         && bakePoint->arePixelsUpToDate() && images && images->imageSet()) {
+        const OssUndoManager::AutoMacro macro(tr("Export to Geo-Channel"));
         OssImageSet *copy = images->imageSet()->duplicate(shading->freeImageSetName(name));
         shading->addImageSet(copy); // takes it
         channel->setImageSet(copy);
         tellUser(tr("%1 is in the geo-channel %2").arg(node->name(), channel->name()));
         return;
     }
-    QString outputPoint = outputPointName;
-    if (outputPoint.isEmpty()
+    OssNodeBake bake;
+    bake.outputPoint = outputPointName;
+    if (bake.outputPoint.isEmpty()
         && !chooseOutputPoint(node, tr("Export to Geo-Channel"),
-                              tr("Select the output port to export:"), &outputPoint))
+                              tr("Select the output port to export:"), &bake.outputPoint))
         return;
     bakePaintBufferToNode(node);
-    OssImageSet *set = m_network->createImageSet(name, channel->imageSet(),
-                                                 node->queryMaximumRequiredTextureResolutions());
-    const OssResult exported = node->exportToGeoChannel(channel, outputPoint, set);
-    if (exported) {
-        tellUser(tr("%1 is in the geo-channel %2").arg(node->name(), channel->name()));
-        return;
-    }
-    macro.cancel();
-    tell(tr("Export to Geo-Channel"), exported);
+    bake.title = tr("Export to Geo-Channel");
+    bake.node = node;
+    bake.like = OssShaderNetwork::imagesLike(QString(), channel->imageSet(),
+                                             node->queryMaximumRequiredTextureResolutions());
+    bake.makeImages = [network = QPointer<OssShaderNetwork>(m_network),
+                       goal = QPointer<OssGeoImageSet>(channel), name, like = bake.like] {
+        OssImageSet *set = network && goal
+                               ? network->createImageSet(name, like.get(), like->resolution())
+                               : nullptr;
+        if (set)
+            goal->setImageSet(set);
+        return set;
+    };
+    bake.message = tr("%1 is in the geo-channel %2").arg(node->name(), channel->name());
+    start(std::move(bake), tr("Export to Geo-Channel"));
 }

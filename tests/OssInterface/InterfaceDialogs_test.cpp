@@ -21,6 +21,7 @@
 #include <QScreen>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTreeView>
 
 namespace {
 
@@ -271,4 +272,28 @@ TEST(WorkDialog, isThereForWorkThatBlocksAndItsButtonStopsIt)
     }
     EXPECT_EQ(shown(), nullptr);
     OssApplication::setPopupsAllowed(popups);
+}
+
+TEST(Dialogs, aNameTypedWholeBeforeTheSuffixHasItOnceAndFilesAreListedFromAToZ)
+{
+    const QTemporaryDir folder;
+    for (const char *name : {"b", "a", "c"})
+        ASSERT_TRUE(QDir(folder.path()).mkdir(text(name)));
+    whenOpen<QFileDialog>([&](QFileDialog *dialog) {
+        EXPECT_EQ(dialog->directory().path(), folder.path());
+        const auto *list = dialog->findChild<QTreeView *>(text("treeView"));
+        const auto names = [list] {
+            QStringList found;
+            for (int row = 0; row < list->model()->rowCount(list->rootIndex()); ++row)
+                found.append(list->model()->index(row, 0, list->rootIndex()).data().toString());
+            return found;
+        };
+        EXPECT_TRUE(QTest::qWaitFor([&names] { return names().size() == 3; }));
+        EXPECT_EQ(names(), (QStringList{text("a"), text("b"), text("c")}));
+        dialog->findChild<QLineEdit *>(text("fileNameEdit"))->setText(text("saved.ossa.ossa"));
+        static_cast<QDialog *>(dialog)->accept();
+    });
+    EXPECT_EQ(OssFileDialog::getSaveFileName(QString(), text("Projects (*.ossa)"), text("Typed"),
+                                             nullptr, text("wall"), folder.path()),
+              folder.filePath(text("saved.ossa")));
 }

@@ -49,6 +49,11 @@ protected:
         GraphFixture::TearDown();
     }
 
+    static bool bakesEnd()
+    {
+        return QTest::qWaitFor([] { return !OssBakeManager::instance()->isRunning(); }, 30000);
+    }
+
     bool m_popups = true;
     OssSnBaseNode *m_color = nullptr;
     OssSnBakePointNode *m_bake = nullptr;
@@ -198,7 +203,6 @@ TEST_F(BakingTest, whatTheUserStopsOpensNoBoxAndLeavesNothing)
         [&] { m_view->bakeToPaintableNode(); },
         [&] { m_view->exportToGeoChannel(channel); },
         [&] {
-            OssApplication::setPopupsAllowed(false); // it waits for a script alone
             select({m_bake});
             m_view->bakeSelectedBakePoints();
         },
@@ -206,6 +210,7 @@ TEST_F(BakingTest, whatTheUserStopsOpensNoBoxAndLeavesNothing)
     select({m_color});
     for (const auto &command : commands) {
         const DialogAnswers answers(QString(), QMessageBox::Ok);
+        OssApplication::setPopupsAllowed(false); // it waits for a script alone
         QSignalSpy said(status, &OssStatusManager::messageShown);
         command();
         EXPECT_EQ(answers.boxes.join(QLatin1Char('|')).toStdString(), "") << &command - commands;
@@ -266,6 +271,7 @@ TEST_F(BakingTest, aPortOrAChannelIsChosenOrNothingHappens)
         EXPECT_EQ(chosen.boxes.join(QLatin1Char('|')).toStdString(), "");
         EXPECT_EQ(chosen.questions, 1);
         EXPECT_EQ(chosen.offered, (QStringList{QStringLiteral("Rust"), QStringLiteral("Wood")}));
+        EXPECT_TRUE(bakesEnd());
     }
     EXPECT_FALSE(rust->isValid());
     EXPECT_TRUE(wood->isValid());
@@ -319,6 +325,7 @@ TEST_F(BakingTest, thePaintNodeTakesOverTheChosenOutputAlone)
     const DialogAnswers chosen(QString(), QMessageBox::Ok, last);
     m_view->bakeToPaintableNode();
     EXPECT_EQ(chosen.offered, several->outputPointNames());
+    EXPECT_TRUE(bakesEnd());
     EXPECT_NE(qobject_cast<OssSnImageSetNodeBase *>(m_dot->inputNode(QStringLiteral("Input"))),
               nullptr);
     EXPECT_EQ(other->inputNode(QStringLiteral("Input")), several);
@@ -368,13 +375,62 @@ TEST_F(BakingTest, withAUserBakesGoOnBesideOtherWorkAndAskForSizesThatNothingSay
     });
     m_view->bakeSelectedBakePoints();
     EXPECT_TRUE(OssBakeManager::instance()->isRunning());
-    EXPECT_TRUE(QTest::qWaitFor([] { return !OssBakeManager::instance()->isRunning(); }, 30000));
+    EXPECT_TRUE(bakesEnd());
     EXPECT_TRUE(fresh->isBakedResultUpToDate());
     EXPECT_TRUE(m_bake->isBakedResultUpToDate());
     EXPECT_EQ(fresh->imageSet()->resolution(), 256);
     EXPECT_EQ(fresh->imageSet()->engineDepth(), OssEvDepth::Byte);
     EXPECT_FALSE(fresh->asksForSize());
     m_view->bakeSelectedBakePointsAgain(); // which asks nothing any more
-    EXPECT_TRUE(QTest::qWaitFor([] { return !OssBakeManager::instance()->isRunning(); }, 30000));
+    EXPECT_TRUE(bakesEnd());
     EXPECT_EQ(OssBakeManager::instance()->report().baked.size(), 2);
+}
+
+TEST_F(BakingTest, withAUserAPaintNodeAppearsWholeOnceItIsBakedAndSpoilsNoOtherSelection)
+{
+    OssApplication::setPopupsAllowed(true);
+    m_project->setNewResolution(256);
+    OssUndoManager::instance()->clear();
+    const QByteArray before = m_project->stateHash();
+    const int nodes = m_network->nodes().size();
+    select({m_color});
+    m_view->bakeToPaintableNode();
+    EXPECT_TRUE(OssBakeManager::instance()->isRunning());
+    EXPECT_FALSE(OssStatusManager::instance()->isBlocking());
+    EXPECT_EQ(m_network->nodes().size(), nodes);
+    EXPECT_EQ(m_project->stateHash(), before);
+    select({m_blur}); // the user goes on
+    ASSERT_TRUE(bakesEnd());
+    const auto *paint = qobject_cast<OssSnImageSetNodeBase *>(
+        m_dot->inputNode(QStringLiteral("Input")));
+    ASSERT_NE(paint, nullptr);
+    EXPECT_EQ(paint->imageSet()->pixels().keys(), QList<int>{1001});
+    EXPECT_EQ(paint->imageSet()->resolution(), 256);
+    EXPECT_EQ(m_network->selectedNodes(), QList<OssSnBaseNode *>{m_blur});
+    EXPECT_EQ(undoCount(), 1);
+    expectWhole();
+    expectUndoIsExact(before);
+}
+
+TEST_F(BakingTest, withAUserGeoChannelsAreFilledBesideOtherWorkUnlessThatIsStopped)
+{
+    OssApplication::setPopupsAllowed(true);
+    OssGeoImageSet *channel = m_network->geoEntity()->addGeoImageSet(QStringLiteral("Rust"));
+    OssUndoManager::instance()->clear();
+    const QByteArray before = m_project->stateHash();
+    select({m_color});
+    m_view->exportToGeoChannel(channel);
+    EXPECT_FALSE(OssStatusManager::instance()->isBlocking());
+    OssBakeManager::instance()->cancel();
+    ASSERT_TRUE(bakesEnd());
+    EXPECT_EQ(m_project->stateHash(), before);
+    EXPECT_EQ(undoCount(), 0);
+    QSignalSpy said(OssStatusManager::instance(), &OssStatusManager::messageShown);
+    m_view->exportToGeoChannel(channel);
+    m_color->setAttribute(QStringLiteral("Color"), QVariant::fromValue(OssColor(1.0, 0.0, 0.0)));
+    ASSERT_TRUE(bakesEnd());
+    ASSERT_TRUE(channel->isValid());
+    EXPECT_EQ(said.last().first().toString(),
+              m_color->name() + QStringLiteral(" is in the geo-channel Rust"));
+    EXPECT_EQ(undoCount(), 2) << "the edit and the bake";
 }

@@ -3,16 +3,19 @@
 #include "OssCore/Program/OssSettings.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssInterface/Popups/OssMessageBox.h"
+#include "OssModel/Images/OssFilePath.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QFileSystemModel>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QListView>
 #include <QRegularExpression>
 #include <QTimer>
+#include <QTreeView>
 
 namespace {
 
@@ -31,9 +34,19 @@ QStringList suffixes(const QString &filter)
     return found;
 }
 
-QStringList run(QFileDialog &dialog, const QString &pathKey)
+/// Names go from A to Z, where Qt's dialog begins the other way round until it has been used.
+void sortByName(const QFileDialog &dialog)
 {
-    dialog.setDirectory(OssFileDialog::rememberedFolder(pathKey));
+    auto *list = dialog.findChild<QTreeView *>(QStringLiteral("treeView"));
+    if (list && list->header()->sortIndicatorSection() == 0)
+        list->sortByColumn(0, Qt::AscendingOrder);
+}
+
+QStringList run(QFileDialog &dialog, const QString &pathKey, const QString &folder)
+{
+    dialog.setDirectory(QFileInfo(folder).isDir() ? folder
+                                                  : OssFileDialog::rememberedFolder(pathKey));
+    sortByName(dialog);
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
         return {};
     OssFileDialog::rememberFolder(pathKey, QFileInfo(dialog.selectedFiles().first()).path());
@@ -41,14 +54,14 @@ QStringList run(QFileDialog &dialog, const QString &pathKey)
 }
 
 QStringList openFiles(QFileDialog::FileMode mode, const QString &title, const QString &filter,
-                      const QString &pathKey, QWidget *parent)
+                      const QString &pathKey, QWidget *parent, const QString &folder)
 {
     if (!OssApplication::popupsAllowed())
         return {};
     QFileDialog dialog(parent ? parent : OssApplication::mainWindow(), title, QString(), filter);
     dialog.setFileMode(mode);
     dialog.setOption(QFileDialog::ShowDirsOnly, mode == QFileDialog::Directory);
-    return run(dialog, pathKey);
+    return run(dialog, pathKey, folder);
 }
 
 QString tr(const char *text)
@@ -118,6 +131,7 @@ public:
 
     void accept() override
     {
+        leaveOneSuffix();
         const QString path = OssFileDialog::withSuffix(selectedFiles().value(0), m_filter);
         if (!isDocument(path))
             QFileDialog::accept();
@@ -138,21 +152,32 @@ private:
             edit->setText(QFileInfo(path).fileName());
     }
 
+    /// Who types a whole name into the selected part before the suffix gets that suffix twice.
+    void leaveOneSuffix() const
+    {
+        auto *edit = findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+        const QStringList known = suffixes(m_filter);
+        for (const QString &suffix : known) {
+            if (edit && edit->text().endsWith(suffix + suffix, Qt::CaseInsensitive))
+                edit->setText(edit->text().chopped(suffix.size()));
+        }
+    }
+
     QString m_filter;
 };
 
 } // namespace
 
 QString OssFileDialog::getSaveFileName(const QString &title, const QString &filter,
-                                       const QString &pathKey, QWidget *parent, const QString &name)
+                                       const QString &pathKey, QWidget *parent, const QString &name,
+                                       const QString &folder)
 {
     if (!OssApplication::popupsAllowed())
         return {};
     SaveDialog dialog(parent ? parent : OssApplication::mainWindow(), title, filter);
-    dialog.setDirectory(rememberedFolder(pathKey));
     if (!name.isEmpty())
         dialog.beginWith(withSuffix(asFileName(name), filter));
-    const QString chosen = run(dialog, pathKey).value(0);
+    const QString chosen = run(dialog, pathKey, folder).value(0);
     if (chosen.isEmpty())
         return {};
     // The dialog's own suffix is not added to a name such as "wall.v2". Where such a name is a
@@ -163,27 +188,32 @@ QString OssFileDialog::getSaveFileName(const QString &title, const QString &filt
 }
 
 QString OssFileDialog::getOpenFileName(const QString &title, const QString &filter,
-                                       const QString &pathKey, QWidget *parent)
+                                       const QString &pathKey, QWidget *parent,
+                                       const QString &folder)
 {
-    return openFiles(QFileDialog::ExistingFile, title, filter, pathKey, parent).value(0);
+    return openFiles(QFileDialog::ExistingFile, title, filter, pathKey, parent, folder).value(0);
 }
 
 QStringList OssFileDialog::getOpenFileNames(const QString &title, const QString &filter,
                                             const QString &pathKey, QWidget *parent)
 {
-    return openFiles(QFileDialog::ExistingFiles, title, filter, pathKey, parent);
+    return openFiles(QFileDialog::ExistingFiles, title, filter, pathKey, parent, {});
 }
 
 QString OssFileDialog::getExistingDirectory(const QString &title, const QString &pathKey,
-                                            QWidget *parent)
+                                            QWidget *parent, const QString &folder)
 {
-    return openFiles(QFileDialog::Directory, title, QString(), pathKey, parent).value(0);
+    return openFiles(QFileDialog::Directory, title, QString(), pathKey, parent, folder).value(0);
 }
 
 QString OssFileDialog::rememberedFolder(const QString &pathKey)
 {
     const QString folder = OssSettings().value(settingsKey(pathKey)).toString();
-    return !folder.isEmpty() && QFileInfo(folder).isDir() ? folder : QDir::homePath();
+    for (const QString &one : {folder, OssFilePath::base()}) {
+        if (!one.isEmpty() && QFileInfo(one).isDir())
+            return one;
+    }
+    return QDir::homePath();
 }
 
 void OssFileDialog::rememberFolder(const QString &pathKey, const QString &folder)

@@ -11,7 +11,8 @@ class QWidget;
 /// such as OssResourceInfo gives; the folder is kept in OssSettings, group "FileDialogs". Without
 /// a user, and when the user cancels, the answer is empty.
 ///
-/// `filter` is as for QFileDialog, "*.ong" or "Nodes (*.ong)". A null parent means the main window.
+/// `filter` is as for QFileDialog, "*.ong" or "Nodes (*.ong)". A null parent means the main window. A
+/// `folder` that is there is begun with instead of the one used last.
 class OSSINTERFACE_EXPORT OssFileDialog
 {
 public:
@@ -20,14 +21,16 @@ public:
     /// The dialog begins with `name`, whatever it has in it that no file name can have left out.
     static QString getSaveFileName(const QString &title, const QString &filter,
                                    const QString &pathKey, QWidget *parent = nullptr,
-                                   const QString &name = {});
+                                   const QString &name = {}, const QString &folder = {});
     static QString getOpenFileName(const QString &title, const QString &filter,
-                                   const QString &pathKey, QWidget *parent = nullptr);
+                                   const QString &pathKey, QWidget *parent = nullptr,
+                                   const QString &folder = {});
     static QStringList getOpenFileNames(const QString &title, const QString &filter,
                                         const QString &pathKey, QWidget *parent = nullptr);
     static QString getExistingDirectory(const QString &title, const QString &pathKey,
-                                        QWidget *parent = nullptr);
+                                        QWidget *parent = nullptr, const QString &folder = {});
 
+    /// Where nothing is remembered, the folder in which the project lies; the user's own without one.
     static QString rememberedFolder(const QString &pathKey);
     static void rememberFolder(const QString &pathKey, const QString &folder);
 

@@ -3,7 +3,7 @@
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssCore/Undo/OssUndoManager.h"
-#include "OssModel/Evaluation/BakePointBake.h"
+#include "OssModel/Evaluation/BakeTask.h"
 #include "OssModel/Evaluation/OssBakeWork.h"
 #include "OssModel/Images/OssFileWatch.h"
 #include "OssModel/Nodes/OssSnBakePointNode.h"
@@ -36,13 +36,14 @@ bool isBusy()
 
 struct OssBakeManager::Current
 {
-    Waiting chosen;
+    std::unique_ptr<BakeTask> task;
     QString name;
-    BakePointBake bake;
     std::unique_ptr<OssBakeWork> work; ///< null until it is begun, and once it is done
     bool isComputed = false;
     bool isOutdated = false; ///< its work is stopped for that
     int tries = 0;
+
+    void discard() const { OssEvaluationService::discard(task->pixels()); }
 };
 
 OssBakeManager::OssBakeManager()
@@ -64,10 +65,31 @@ OssBakeManager::~OssBakeManager()
     if (!m_current)
         return;
     m_current->work.reset();
-    m_current->bake.discard();
+    m_current->discard();
 }
 
 void OssBakeManager::start(const QList<OssSnBakePointNode *> &nodes, Which which)
+{
+    begin();
+    const QList<OssSnBakePointNode *> sorted = BakePointBake::sourcesFirst(nodes);
+    for (OssSnBakePointNode *node : sorted) {
+        const auto isIt = [node](const std::unique_ptr<BakeTask> &task) {
+            return task->node() == node && dynamic_cast<const BakePointTask *>(task.get());
+        };
+        if (std::none_of(m_waiting.cbegin(), m_waiting.cend(), isIt))
+            wait(std::make_unique<BakePointTask>(node, choiceOf(which)));
+    }
+    Q_EMIT progressed();
+}
+
+void OssBakeManager::start(OssNodeBake bake)
+{
+    begin();
+    wait(std::make_unique<NodeBakeTask>(std::move(bake)));
+    Q_EMIT progressed();
+}
+
+void OssBakeManager::begin()
 {
     if (!m_isRunning) {
         m_report = {};
@@ -76,19 +98,14 @@ void OssBakeManager::start(const QList<OssSnBakePointNode *> &nodes, Which which
         m_isPaused = false;
         m_clock.start();
     }
-    const QList<OssSnBakePointNode *> sorted = BakePointBake::sourcesFirst(nodes);
-    for (OssSnBakePointNode *node : sorted) {
-        const auto isIt = [node](const Waiting &one) {
-            return one.node == node;
-        };
-        if (std::any_of(m_waiting.cbegin(), m_waiting.cend(), isIt))
-            continue;
-        m_waiting.append({node, which});
-        ++m_total;
-    }
     m_isRunning = true;
     m_timer.start();
-    Q_EMIT progressed();
+}
+
+void OssBakeManager::wait(std::unique_ptr<BakeTask> task)
+{
+    m_waiting.push_back(std::move(task));
+    ++m_total;
 }
 
 void OssBakeManager::setPaused(bool paused)
@@ -154,7 +171,7 @@ void OssBakeManager::tick()
         return;
     if (m_report.isStopped && (!m_current || !m_current->work)) {
         if (m_current)
-            m_current->bake.discard();
+            m_current->discard();
         m_current.reset();
         end();
         return;
@@ -174,7 +191,7 @@ void OssBakeManager::tick()
     if (!m_isEdited || !rests || isBusy())
         return;
     m_isEdited = false;
-    if (!m_current->bake.isCurrent()) {
+    if (!m_current->task->isCurrent()) {
         m_current->isOutdated = true;
         m_current->work->cancel();
     }
@@ -182,60 +199,53 @@ void OssBakeManager::tick()
 
 void OssBakeManager::next()
 {
-    if (m_waiting.isEmpty()) {
+    if (m_waiting.empty()) {
         end();
         return;
     }
-    const Waiting chosen = m_waiting.takeFirst();
     m_current = std::make_unique<Current>();
-    m_current->chosen = chosen;
-    if (!chosen.node || !chosen.node->network()) {
+    m_current->task = std::move(m_waiting.front());
+    m_waiting.pop_front();
+    const BakeTask *task = m_current->task.get();
+    if (!task->isThere()) {
         leaveRemoved();
         return;
     }
-    m_current->name = chosen.node->name();
+    m_current->name = task->node()->name();
     m_isPreparing = true;
-    BakePointBake::knowFiles({chosen.node}, [this] { return !m_report.isStopped; });
+    task->knowFiles([this] { return !m_report.isStopped; });
     m_isPreparing = false;
-    if (!chosen.node || m_report.isStopped)
+    if (!task->isThere() || m_report.isStopped)
         return;
-    const BakeChoice choice = choiceOf(chosen.which);
-    QStringList OssBakeReport::*list = choice.listFor(chosen.node);
-    const bool isBaked = list == &OssBakeReport::baked;
-    if (isBaked && (choice.again || !chosen.node->arePixelsUpToDate())) {
+    if (task->isWanted(&m_report))
         compute();
-        return;
-    }
-    if (isBaked)
-        BakePointBake::fillGeoChannel(chosen.node);
-    (m_report.*list).append(m_current->name);
-    leave({});
+    else
+        leave({});
 }
 
 /// From the document as it is now.
 void OssBakeManager::compute()
 {
-    const QPointer<OssSnBakePointNode> node = m_current->chosen.node;
-    if (!node || !node->network()) {
+    BakeTask *task = m_current->task.get();
+    if (!task->isThere()) {
         leaveRemoved();
         return;
     }
     ++m_current->tries;
     m_current->isOutdated = false;
-    m_current->bake = {};
     m_isEdited = false;
     m_isPreparing = true;
-    OssResult result = BakePointBake::prepare(node, &m_current->bake);
+    OssResult result = task->prepare();
     m_isPreparing = false;
-    if (!result && node)
-        result = BakePointBake::tell(node, result);
+    if (!result)
+        result = task->tell(result);
     if (!result) {
         leave(result.error());
         return;
     }
-    for (OssEvBake::Job &job : m_current->bake.pixels.jobs)
+    for (OssEvBake::Job &job : task->pixels().jobs)
         job.priority = Priority;
-    m_current->work = std::make_unique<OssBakeWork>(m_current->bake.pixels.jobs);
+    m_current->work = std::make_unique<OssBakeWork>(task->pixels().jobs);
     connect(m_current->work.get(), &OssBakeWork::finished, this, &OssBakeManager::endWork,
             Qt::QueuedConnection);
     m_current->work->setPaused(m_isPaused);
@@ -252,20 +262,19 @@ void OssBakeManager::endWork()
     m_current->work.reset();
     if (m_report.isStopped)
         return; // the next tick ends it
-    const bool isCurrent = !m_current->isOutdated && m_current->bake.isCurrent();
+    const bool isCurrent = !m_current->isOutdated && m_current->task->isCurrent();
     if (result && isCurrent) {
         m_current->isComputed = true;
         take();
         return;
     }
-    m_current->bake.discard();
-    QPointer<OssSnBakePointNode> node = m_current->chosen.node;
-    if (!node || !node->network()) {
+    m_current->discard();
+    if (!m_current->task->isThere()) {
         leaveRemoved();
     } else if (isCurrent) {
         const QString reason = QString::fromStdString(result.error());
-        m_current->bake.pixels.graph.tellProblem(result.node(), reason);
-        leave(BakePointBake::tell(node, OssResult::failure(reason)).error());
+        m_current->task->pixels().graph.tellProblem(result.node(), reason);
+        leave(m_current->task->tell(OssResult::failure(reason)).error());
     } else if (!m_current->isOutdated && m_current->tries >= MostTries) {
         leave(tr("%1: what feeds it changes all the time").arg(m_current->name));
     } else {
@@ -278,16 +287,14 @@ void OssBakeManager::take()
 {
     if (isBusy() || OssUndoManager::instance()->canRedo())
         return;
-    if (!m_current->bake.isCurrent()) { // it waited, and was edited
+    if (!m_current->task->isCurrent()) { // it waited, and was edited
         m_current->isComputed = false;
-        m_current->bake.discard();
+        m_current->discard();
         return;
     }
-    m_current->bake.pixels.graph.tellSuccess();
-    const QPointer<OssSnBakePointNode> node = m_current->chosen.node;
-    const OssResult taken = BakePointBake::tell(node, m_current->bake.take());
-    if (taken)
-        m_report.baked.append(m_current->name);
+    BakeTask *task = m_current->task.get();
+    task->pixels().graph.tellSuccess();
+    const OssResult taken = task->tell(task->take(&m_report));
     leave(taken ? QString() : taken.error());
 }
 

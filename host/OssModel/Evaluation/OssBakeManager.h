@@ -8,14 +8,16 @@
 #include <QElapsedTimer>
 #include <QList>
 #include <QObject>
-#include <QPointer>
 #include <QTimer>
 
+#include <list>
 #include <memory>
 
+class BakeTask;
 class OssSnBakePointNode;
+struct OssNodeBake;
 
-/// Bakes bake points one after the other while the user goes on working. Each is computed from the
+/// Bakes bake points, and nodes for others, one after the other while the user goes on working. Each is computed from the
 /// document as it is when its turn comes. Where it would be another by the time that it is done, it is
 /// begun again as soon as the user rests. What is done becomes one step for each, and waits for that while
 /// a gesture lasts, and while there are undone steps, which it would cost. GUI thread.
@@ -35,6 +37,8 @@ public:
 
     /// They come after those that wait already, and those that they take from before them.
     void start(const QList<OssSnBakePointNode *> &nodes, Which which);
+    /// After those that wait already.
+    void start(OssNodeBake bake);
 
     bool isRunning() const { return m_isRunning; }
 
@@ -45,7 +49,7 @@ public:
     /// What was baked until now stays.
     void cancel();
 
-    /// Of the bake point that is baked; empty between two.
+    /// Of the node that is baked; empty between two.
     QString currentNode() const;
     /// Why the current one is neither computed nor taken over, in words; empty mostly.
     QString waitsFor() const;
@@ -64,12 +68,8 @@ Q_SIGNALS:
 private:
     struct Current;
 
-    struct Waiting
-    {
-        QPointer<OssSnBakePointNode> node;
-        Which which = OutOfDate;
-    };
-
+    void begin();
+    void wait(std::unique_ptr<BakeTask> task);
     void next();
     void compute();
     void endWork();
@@ -79,7 +79,7 @@ private:
     void leaveRemoved();
     void end();
 
-    QList<Waiting> m_waiting;
+    std::list<std::unique_ptr<BakeTask>> m_waiting;
     std::unique_ptr<Current> m_current;
     OssBakeReport m_report;
     int m_done = 0;

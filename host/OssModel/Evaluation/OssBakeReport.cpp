@@ -22,6 +22,7 @@ QString OssBakeReport::inWords() const
     QStringList parts;
     if (!baked.isEmpty())
         parts.append(tr("Baked %1").arg(listOf(baked)));
+    parts += forOthers;
     if (isStopped)
         parts.append(tr("Stopped before the rest was baked"));
     if (!filtered.isEmpty())

@@ -12,6 +12,7 @@ struct OSSMODEL_EXPORT OssBakeReport
     QStringList upToDate;   ///< left alone
     QStringList neverBaked; ///< left alone, for only results that are there were to be updated
     QStringList filtered;   ///< left alone, for their filters name other objects
+    QStringList forOthers;  ///< what is where now that was baked for something else, as sentences
     QStringList failures;   ///< why others could not be baked, each with its name
     bool isStopped = false; ///< by the user, with bake points left
 

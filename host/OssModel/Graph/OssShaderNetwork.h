@@ -80,6 +80,9 @@ public:
     /// Empty images with the settings of `like`, which may be null, under a name that is free.
     /// Owned by the shading context; null where there is none. Undoable.
     OssImageSet *createImageSet(const QString &name, const OssImageSet *like, int resolution);
+    /// The same in no document.
+    static std::unique_ptr<OssImageSet> imagesLike(const QString &name, const OssImageSet *like,
+                                                   int resolution);
     /// Null without a model.
     OssSnMultiChannelMergeNode *createMultiChannelMergeNode(const OssLayerShaderModel *model);
     /// The same as lists, as commands want them; with `unique` names are made free.

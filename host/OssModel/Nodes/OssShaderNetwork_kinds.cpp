@@ -30,13 +30,20 @@ OssImageSet *OssShaderNetwork::createImageSet(const QString &name, const OssImag
     OssShadingContext *shading = shadingContext();
     if (!shading)
         return nullptr;
-    auto *set = new OssImageSet(shading->freeImageSetName(name));
+    OssImageSet *set = imagesLike(shading->freeImageSetName(name), like, resolution).release();
+    shading->addImageSet(set); // takes it
+    return set;
+}
+
+std::unique_ptr<OssImageSet> OssShaderNetwork::imagesLike(const QString &name,
+                                                          const OssImageSet *like, int resolution)
+{
+    auto set = std::make_unique<OssImageSet>(name);
     if (like)
         set->copySettings(*like);
     else
         set->setDepth(OssImageSet::HalfDepth);
     set->setResolution(resolution);
-    shading->addImageSet(set); // takes it
     return set;
 }
 

@@ -9,6 +9,7 @@
 #include "OssInterface/Popups/OssFileDialog.h"
 #include "OssInterface/Popups/OssMessageBox.h"
 #include "OssModel/Evaluation/OssBakeManager.h"
+#include "OssModel/Images/OssFilePath.h"
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectManager.h"
 
@@ -102,8 +103,7 @@ bool ProjectCommands::mayStopBaking() const
     if (!bakes->isRunning())
         return true;
     const auto answer = OssMessageBox::question(
-        m_window, tr("Bake"),
-        tr("Bake points are still being baked. Stop that? What is baked stays."),
+        m_window, tr("Bake"), tr("Something is still being baked. Stop that? What is baked stays."),
         QMessageBox::Yes | QMessageBox::Cancel, QMessageBox::Cancel);
     if (answer == QMessageBox::Yes)
         bakes->cancel();
@@ -168,9 +168,9 @@ bool ProjectCommands::saveAs()
     const OssProject *project = OssProjectManager::instance()->currentProject();
     if (!project || isBusy())
         return false;
-    const QString path = OssFileDialog::getSaveFileName(tr("Save Project As"),
-                                                        tr("Ossa projects (*.ossa)"),
-                                                        projectPathKey, m_window, project->name());
+    const QString path = OssFileDialog::getSaveFileName(
+        tr("Save Project As"), tr("Ossa projects (*.ossa)"), projectPathKey, m_window,
+        project->name(), OssFilePath::base());
     return !path.isEmpty() && saveTo(path);
 }
 

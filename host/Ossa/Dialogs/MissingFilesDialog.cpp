@@ -2,6 +2,7 @@
 
 #include "Ossa/Common/Theme.h"
 #include "OssInterface/Popups/OssFileDialog.h"
+#include "OssModel/Images/OssFilePath.h"
 #include "OssModel/Images/OssUdimPath.h"
 
 #include <QDialogButtonBox>
@@ -25,6 +26,7 @@ const QString pathKey = QStringLiteral("MissingFilesPath");
 MissingFilesDialog::MissingFilesDialog(QList<OssProjectMeshes::MissingFile> files, QWidget *parent)
     : QDialog(parent)
     , m_files(std::move(files))
+    , m_folder(OssFilePath::base())
     , m_list(new QTreeWidget(this))
 {
     setWindowTitle(tr("Missing Files"));
@@ -90,9 +92,11 @@ void MissingFilesDialog::searchIn(const QString &folder)
 void MissingFilesDialog::askForFolder()
 {
     const QString folder = OssFileDialog::getExistingDirectory(tr("Find Missing Files"), pathKey,
-                                                               this);
-    if (!folder.isEmpty())
-        searchIn(folder);
+                                                               this, m_folder);
+    if (folder.isEmpty())
+        return;
+    m_folder = folder;
+    searchIn(folder);
 }
 
 /// What lies beside the file that the user finds is found with it.
@@ -103,9 +107,10 @@ void MissingFilesDialog::askForFile()
         return;
     const QString old = m_files.at(row).path;
     const QString path = OssFileDialog::getOpenFileName(
-        tr("Find %1").arg(QFileInfo(old).fileName()), tr("All files (*)"), pathKey, this);
+        tr("Find %1").arg(QFileInfo(old).fileName()), tr("All files (*)"), pathKey, this, m_folder);
     if (path.isEmpty())
         return;
+    m_folder = QFileInfo(path).path();
     m_paths.insert(old, OssUdimPath::isPattern(old) ? OssUdimPath::pattern(path) : path);
     fill();
 }

@@ -30,6 +30,7 @@ private:
 
     QList<OssProjectMeshes::MissingFile> m_files;
     QMap<QString, QString> m_paths;
+    QString m_folder; ///< where a search begins: first the project's
     QTreeWidget *m_list;
     QPushButton *m_relink;
 };

@@ -227,10 +227,16 @@ TEST_F(Meshes, whatIsMissingIsToldListedAndFoundAgain)
               OssMeshes::State::Ready);
     EXPECT_EQ(list->topLevelItemCount(), 0);
     EXPECT_TRUE(OssProjectMeshes::missing(project).isEmpty());
+    EXPECT_TRUE(window->notificationText().isEmpty()) << "what is mended is told no more";
     EXPECT_EQ(OssUndoManager::instance()->undoText(), text("Relink Files"));
     OssUndoManager::instance()->undo();
     EXPECT_EQ(objects().first()->geometry(), mesh);
     EXPECT_EQ(image->path(), path("old/wall.<UDIM>.png"));
+    ASSERT_EQ(OssMeshes::instance()->waitFor(source).state, OssMeshes::State::Kept);
+    EXPECT_TRUE(
+        QTest::qWaitFor([this] { return window->notificationText().contains(text("rock.obj")); }));
+    OssProjectManager::instance()->closeProject();
+    EXPECT_TRUE(window->notificationText().isEmpty()) << "of no other project";
 }
 
 TEST_F(Meshes, objectsAreShownRenamedAndRemovedFromTheMenu)

@@ -32,9 +32,8 @@ void ColorCommands::tellTrouble()
     if (problem == m_told)
         return;
     m_told = problem;
-    if (problem.isEmpty())
-        return;
-    OssDebug("ColorCommands", __LINE__, "[ !! ] %s", qPrintable(problem));
+    if (!problem.isEmpty())
+        OssDebug("ColorCommands", __LINE__, "[ !! ] %s", qPrintable(problem));
     Q_EMIT trouble(problem);
 }
 

@@ -15,7 +15,7 @@ public:
     explicit ColorCommands(QWidget *window);
 
 Q_SIGNALS:
-    /// Something stands in for what the project asks for.
+    /// Something stands in for what the project asks for; empty once that is no longer so.
     void trouble(const QString &text);
 
 private:

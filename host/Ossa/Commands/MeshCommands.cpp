@@ -74,6 +74,9 @@ void MeshCommands::followMeshes()
 {
     const OssMeshes *meshes = OssMeshes::instance();
     connect(meshes, &OssMeshes::changed, this, &MeshCommands::tellTroubles);
+    // Objects come, go and get meshes that were read before. Not in the midst of an edit.
+    connect(OssUndoManager::instance(), &OssUndoManager::changed, this, &MeshCommands::tellTroubles,
+            Qt::QueuedConnection);
     connect(meshes, &OssMeshes::reread, this, [](const QString &path, const QString &changes) {
         tell(tr("%1 was read again: %2").arg(QFileInfo(path).fileName(), changes));
     });
@@ -88,6 +91,7 @@ void MeshCommands::followMeshes()
     const OssProjectManager *projects = OssProjectManager::instance();
     connect(projects, &OssProjectManager::projectClosed, this, [this] {
         m_told.clear();
+        Q_EMIT trouble({});
         fileObjects();
     });
     // Those of another project are others: they are told anew. Not in the midst of an edit.
@@ -115,8 +119,7 @@ void MeshCommands::tellTroubles()
     if (told == m_told)
         return;
     m_told = told;
-    if (!told.isEmpty())
-        Q_EMIT trouble(told);
+    Q_EMIT trouble(told);
 }
 
 // --- objects

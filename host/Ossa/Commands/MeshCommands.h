@@ -28,7 +28,7 @@ public:
     void showMissingFiles();
 
 Q_SIGNALS:
-    /// What the user has to know although nothing asked for it.
+    /// What the user has to know although nothing asked for it; empty once that is no longer so.
     void trouble(const QString &text);
 
 private:

@@ -90,11 +90,16 @@ MainWindow::MainWindow()
     setStatusBar(new StatusArea(this));
     m_project = new ProjectCommands(this);
     m_recovery = new WorkRecovery(m_project, this); // owned by the window
-    connect(m_recovery, &WorkRecovery::trouble, m_notifications, &NotificationBar::tell);
+    const auto told = [this](const char *subject) {
+        return [this, subject](const QString &text) {
+            m_notifications->tell(text, QLatin1String(subject));
+        };
+    };
+    connect(m_recovery, &WorkRecovery::trouble, this, told("recovery"));
     m_meshes = new MeshCommands(m_project, this);
-    connect(m_meshes, &MeshCommands::trouble, m_notifications, &NotificationBar::tell);
+    connect(m_meshes, &MeshCommands::trouble, this, told("meshes"));
     const auto *colors = new ColorCommands(this); // owned by the window
-    connect(colors, &ColorCommands::trouble, m_notifications, &NotificationBar::tell);
+    connect(colors, &ColorCommands::trouble, this, told("colors"));
     new EditCommands(this);   // owned by the window
     new ExportCommands(this); // owned by the window
     new ScriptCommands(this); // owned by the window

@@ -4,6 +4,8 @@
 #include <QLabel>
 #include <QPushButton>
 
+#include <algorithm>
+
 NotificationBar::NotificationBar(QWidget *parent)
     : QFrame(parent)
     , m_label(new QLabel(this))
@@ -21,11 +23,28 @@ NotificationBar::NotificationBar(QWidget *parent)
     hide();
 }
 
-void NotificationBar::tell(const QString &message)
+void NotificationBar::tell(const QString &message, const QString &subject)
 {
-    const QString before = m_label->text();
-    m_label->setText(before.isEmpty() ? message : before + QLatin1Char('\n') + message);
-    show();
+    const auto same = std::find_if(m_messages.begin(), m_messages.end(), [&](const Message &one) {
+        return !subject.isEmpty() && one.subject == subject;
+    });
+    if (same != m_messages.end())
+        same->text = message;
+    else
+        m_messages.append({subject, message});
+    m_messages.erase(std::remove_if(m_messages.begin(), m_messages.end(),
+                                    [](const Message &one) { return one.text.isEmpty(); }),
+                     m_messages.end());
+    refresh();
+}
+
+void NotificationBar::refresh()
+{
+    QStringList texts;
+    for (const Message &message : qAsConst(m_messages))
+        texts.append(message.text);
+    m_label->setText(texts.join(QLatin1Char('\n')));
+    setVisible(!texts.isEmpty());
 }
 
 QString NotificationBar::text() const
@@ -35,6 +54,6 @@ QString NotificationBar::text() const
 
 void NotificationBar::dismiss()
 {
-    m_label->clear();
-    hide();
+    m_messages.clear();
+    refresh();
 }

@@ -28,6 +28,7 @@ WorkRecovery::WorkRecovery(ProjectCommands *projects, QWidget *window)
     connect(&m_autosave, &OssAutosave::failed, this, [this](const QString &reason) {
         Q_EMIT trouble(tr("Unsaved work cannot be copied, a crash would lose it. %1").arg(reason));
     });
+    connect(&m_autosave, &OssAutosave::copied, this, [this] { Q_EMIT trouble({}); });
     Commands::file(this, QStringLiteral("/Ossa/File/Recover Unsaved Work..."),
                    [this] { recoverNow(); });
 }

@@ -36,7 +36,7 @@ public:
     static void report();
 
 Q_SIGNALS:
-    /// What the user must know and need not answer.
+    /// What the user must know and need not answer; empty once that is no longer so.
     void trouble(const QString &text);
 
 private:

@@ -72,6 +72,16 @@ protected:
         return *all.first();
     }
 
+    QComboBox &size()
+    {
+        const auto all = m_panel->findChildren<QComboBox *>();
+        for (QComboBox *one : all) {
+            if (one->findData(4096) >= 0)
+                return *one;
+        }
+        return *all.first();
+    }
+
     QPushButton &button()
     {
         const auto all = m_panel->findChildren<QPushButton *>();
@@ -106,6 +116,33 @@ protected:
     std::unique_ptr<ExportPanel> m_panel;
 };
 
+TEST_F(ExportPanelTest, eachProjectHasItsOwnSizePatchesAndMarks)
+{
+    ASSERT_TRUE(OssProjectManager::instance()->saveProjectAs(m_folder.filePath(text("one.ossa"))));
+    m_panel = std::make_unique<ExportPanel>();
+    m_panel->show();
+    folder().setText(m_folder.filePath(text("textures")));
+    size().setCurrentIndex(size().findData(256));
+    line(text("All")).setText(text("1001"));
+    settle();
+    list("Channels").item(0)->setCheckState(Qt::Unchecked);
+    settle();
+    button().click();
+    EXPECT_TRUE(QTest::qWaitFor([] { return !OssExportManager::instance()->isRunning(); }, 30000));
+    m_project = OssProjectManager::instance()->newProject(text("Other"));
+    m_project->setNewResolution(1024);
+    ASSERT_TRUE(OssProjectManager::instance()->saveProjectAs(m_folder.filePath(text("two.ossa"))));
+    ASSERT_TRUE(OssProjectManager::instance()->openProject(m_folder.filePath(text("two.ossa"))));
+    EXPECT_EQ(size().currentData().toInt(), 1024) << "of its new images";
+    EXPECT_TRUE(line(text("All")).text().isEmpty());
+    ASSERT_TRUE(OssProjectManager::instance()->openProject(m_folder.filePath(text("one.ossa"))));
+    EXPECT_EQ(size().currentData().toInt(), 256) << "as it was exported last";
+    settle();
+    EXPECT_EQ(count(), 10) << "all channels";
+    m_project = OssProjectManager::instance()->currentProject();
+    m_network = m_project->shadingGroups().first()->network();
+}
+
 TEST_F(ExportPanelTest, showsWhatWillBeWrittenAndWhyNothingCan)
 {
     EXPECT_EQ(presets().currentText(), text("One File per Channel"));
@@ -139,6 +176,7 @@ TEST_F(ExportPanelTest, showsWhatWillBeWrittenAndWhyNothingCan)
 
 TEST_F(ExportPanelTest, writesWatchesAndRemembers)
 {
+    ASSERT_TRUE(OssProjectManager::instance()->saveProjectAs(m_folder.filePath(text("one.ossa"))));
     QTest::mouseClick(&button(), Qt::LeftButton);
     EXPECT_FALSE(button().isEnabled()) << "one at a time";
     EXPECT_TRUE(m_panel->findChild<ExportProgress *>()->isVisible());

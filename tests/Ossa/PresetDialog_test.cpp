@@ -161,7 +161,11 @@ TEST_F(PresetDialogTest, whatCannotBeWrittenSaysWhy)
     settle();
     EXPECT_TRUE(canSave()) << qPrintable(fault());
     press("Copy");
-    EXPECT_TRUE(fault().contains(text("Two files would be called"))) << qPrintable(fault());
+    EXPECT_TRUE(fault().contains(text("two files are called \"$object"))) << qPrintable(fault());
+    EXPECT_FALSE(canSave());
+    find<QLineEdit>("FileName")->setText(text("$object[.$udim]"));
+    settle();
+    EXPECT_FALSE(canSave()) << "where there is one patch, they have one name still";
     find<QLineEdit>("PresetName")->clear();
     settle();
     EXPECT_TRUE(fault().contains(text("no name")));
@@ -174,6 +178,20 @@ TEST_F(PresetDialogTest, whatCannotBeWrittenSaysWhy)
     m_dialog->reject();
     OssExportPreset preset;
     EXPECT_FALSE(OssExportPresets::find(text("Studio"), &preset)) << "nothing was saved";
+}
+
+TEST_F(PresetDialogTest, channelsAreThoseOfShadersAndThoseThatThePresetHasAlready)
+{
+    m_preset.files[0].channels[0].from = text("Fuzz");
+    open();
+    auto *from = find<QComboBox>("FromR");
+    EXPECT_EQ(from->currentText(), text("Fuzz"));
+    EXPECT_GE(from->findText(text("Clear Coat Roughness")), 0);
+    QTest::keyClicks(from, text("Base C"));
+    settle();
+    EXPECT_EQ(from->currentText(), text("Base Color")) << "typing chooses, and makes no names";
+    press("Save");
+    EXPECT_EQ(saved("Studio").files[0].channels[0].from, text("Base Color"));
 }
 
 TEST_F(PresetDialogTest, ownOnesAreRenamedAndKeepApart)

@@ -331,6 +331,13 @@ void writeFile(QXmlStreamWriter *xml, const File &file)
     xml->writeEndElement();
 }
 
+/// Without what is written only where it tells files apart.
+QString shortestName(const OssExportPreset::File &file)
+{
+    static const QRegularExpression optional(QStringLiteral("\\[[^\\]]*\\]"));
+    return QString(file.name).remove(optional) + QLatin1Char('.') + file.format;
+}
+
 } // namespace
 
 bool OssExportPreset::Channel::operator==(const Channel &other) const
@@ -402,6 +409,15 @@ OssResult OssExportPreset::check() const
             if (!fault.isEmpty())
                 return OssResult::failure(fault);
         }
+    }
+    QStringList names;
+    for (const File &file : files) {
+        const QString shortest = shortestName(file);
+        if (names.contains(shortest, Qt::CaseInsensitive))
+            return OssResult::failure(
+                tr("two files are called \"%1\": put something else into one of the names")
+                    .arg(file.name + QLatin1Char('.') + file.format));
+        names.append(shortest);
     }
     return {};
 }

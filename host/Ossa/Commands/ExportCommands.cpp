@@ -57,7 +57,7 @@ void ExportCommands::askForGltf()
     if (!project)
         return;
     OssExportOptions options;
-    options.resolution = ExportPanel::lastResolution();
+    options.resolution = ExportPanel::resolutionOf(project);
     options.file = OssFileDialog::getSaveFileName(tr("Export glTF"), tr("Binary glTF (*.glb)"),
                                                   QStringLiteral("ExportGltf"), nullptr,
                                                   project->name());

@@ -43,15 +43,24 @@ constexpr QSize usualSize(3 * choicesWidth, 420);
 constexpr int largestPadding = 64;
 constexpr int largestVersion = 9999;
 const QString firstPreset = QStringLiteral("One File per Channel");
-const QString resolutionKey = QStringLiteral("Export/Resolution");
 const QString pathKey = QStringLiteral("ExportTextures");
 
-/// Where the project's textures went last.
-QString folderKey(const OssProject *project)
+/// Of what was chosen last for the project.
+QString keyOf(const OssProject *project, const char *choice)
 {
     const QByteArray name = QCryptographicHash::hash(project->path().toUtf8(),
                                                      QCryptographicHash::Md5);
-    return QStringLiteral("Export/Folders/") + QString::fromLatin1(name.toHex());
+    return QStringLiteral("Export/%1/%2").arg(QLatin1String(choice), QLatin1String(name.toHex()));
+}
+
+QString folderKey(const OssProject *project)
+{
+    return keyOf(project, "Folders");
+}
+
+QString resolutionKey(const OssProject *project)
+{
+    return keyOf(project, "Resolutions");
 }
 
 QString usualFolder(const OssProject *project)
@@ -281,9 +290,15 @@ void ExportPanel::fillPresets()
 
 void ExportPanel::takeProject()
 {
-    const OssProject *project = OssProjectManager::instance()->currentProject();
-    if (project)
+    OssProject *project = OssProjectManager::instance()->currentProject();
+    if (project && project != m_project) {
         m_folder->setText(OssSettings().value(folderKey(project), usualFolder(project)).toString());
+        chooseResolution(resolutionOf(project));
+        m_patches->clear();
+        m_materials->clear(); // and which of them are marked
+        m_channels->clear();
+    }
+    m_project = project;
     planSoon();
 }
 
@@ -296,28 +311,35 @@ void ExportPanel::restoreChoices()
     m_preset->setCurrentIndex(
         std::max(0, m_preset->findText(
                         settings.value(QStringLiteral("Export/Preset"), firstPreset).toString())));
-    m_resolution->setCurrentIndex(std::max(0, m_resolution->findData(lastResolution())));
     m_padding->setValue(value("Padding", OssExportOptions::UsualPadding));
     m_version->setValue(value("Version", 1));
     m_constants->setChecked(value("Constants", 1) != 0);
 }
 
-int ExportPanel::lastResolution()
+void ExportPanel::chooseResolution(int resolution)
 {
-    return OssSettings().value(resolutionKey, OssExportOptions::UsualResolution).toInt();
+    if (m_resolution->findData(resolution) < 0)
+        m_resolution->addItem(QString::number(resolution), resolution);
+    m_resolution->setCurrentIndex(m_resolution->findData(resolution));
+}
+
+int ExportPanel::resolutionOf(const OssProject *project)
+{
+    return OssSettings().value(resolutionKey(project), project->newResolution()).toInt();
 }
 
 void ExportPanel::keepChoices() const
 {
     OssSettings settings;
     settings.setValue(QStringLiteral("Export/Preset"), m_preset->currentText());
-    settings.setValue(resolutionKey, m_resolution->currentData());
     settings.setValue(QStringLiteral("Export/Padding"), m_padding->value());
     settings.setValue(QStringLiteral("Export/Version"), m_version->value());
     settings.setValue(QStringLiteral("Export/Constants"), m_constants->isChecked() ? 1 : 0);
     const OssProject *project = OssProjectManager::instance()->currentProject();
-    if (project && !project->path().isEmpty())
-        settings.setValue(folderKey(project), m_folder->text());
+    if (!project || project->path().isEmpty())
+        return;
+    settings.setValue(folderKey(project), m_folder->text());
+    settings.setValue(resolutionKey(project), m_resolution->currentData());
 }
 
 void ExportPanel::fillLists()

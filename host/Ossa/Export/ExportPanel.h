@@ -2,6 +2,7 @@
 
 #include "OssModel/Export/OssExportPlan.h"
 
+#include <QPointer>
 #include <QTimer>
 #include <QWidget>
 
@@ -26,8 +27,8 @@ class ExportPanel : public QWidget
 public:
     explicit ExportPanel(QWidget *parent = nullptr);
 
-    /// With which size textures were exported last.
-    static int lastResolution();
+    /// With which size the project's textures were exported last; that of its new images before.
+    static int resolutionOf(const OssProject *project);
 
     /// With room for the choices and some files.
     QSize sizeHint() const override;
@@ -43,6 +44,7 @@ private:
     void fillPresets();
     void fillLists();
     void takeProject();
+    void chooseResolution(int resolution);
     void restoreChoices();
     void keepChoices() const;
     OssExportOptions options() const;
@@ -71,5 +73,6 @@ private:
     QPushButton *m_export;
     QCheckBox *m_watch;
     OssExportPlan m_plan;
+    QPointer<OssProject> m_project; ///< of which the choices are
     QTimer m_rest;
 };

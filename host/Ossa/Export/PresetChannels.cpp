@@ -11,6 +11,14 @@ namespace {
 constexpr int decimals = 6;
 constexpr double largest = 1e6;
 
+/// What a preset from elsewhere names stays, though no material here has it.
+void choose(QComboBox *box, const QString &name)
+{
+    if (box->findText(name) < 0)
+        box->addItem(name);
+    box->setCurrentText(name);
+}
+
 } // namespace
 
 PresetChannels::PresetChannels(const QStringList &names, QWidget *parent)
@@ -26,8 +34,6 @@ PresetChannels::PresetChannels(const QStringList &names, QWidget *parent)
     for (int i = 0; i < letters.size(); ++i) {
         Row &row = m_rows[std::size_t(i)];
         row = {new QComboBox, new QComboBox, new QDoubleSpinBox, new QCheckBox(tr("Inverse"))};
-        row.from->setEditable(true);
-        row.from->setInsertPolicy(QComboBox::NoInsert);
         row.from->addItems(QStringList{tr("(none)"), tr("(constant)")} + names);
         row.from->setObjectName(QStringLiteral("From") + letters.at(i));
         row.from->setAccessibleName(tr("What goes into %1").arg(letters.at(i)));
@@ -63,7 +69,7 @@ void PresetChannels::setChannels(const Channels &channels)
         const OssExportPreset::Channel &channel = channels[i];
         const Row &row = m_rows[i];
         if (channel.isUsed && !channel.from.isEmpty())
-            row.from->setCurrentText(channel.from);
+            choose(row.from, channel.from);
         else
             row.from->setCurrentIndex(channel.isUsed ? 1 : 0);
         row.component->setCurrentIndex(

@@ -19,7 +19,7 @@ class PresetChannels : public QWidget
 public:
     using Channels = std::array<OssExportPreset::Channel, 4>;
 
-    /// `names`: of channels, that are offered; others may be typed.
+    /// `names`: of channels, that are offered beside those that the preset has already.
     explicit PresetChannels(const QStringList &names, QWidget *parent = nullptr);
 
     void setChannels(const Channels &channels);

@@ -3,6 +3,7 @@
 #include "Ossa/Common/Theme.h"
 #include "Ossa/Export/PresetFileEditor.h"
 #include "OssModel/Export/OssExportPresets.h"
+#include "OssModel/Nodes/OssLayerShaderModelManager.h"
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectManager.h"
 
@@ -27,7 +28,7 @@ constexpr int listWidth = 240;
 constexpr int previewHeight = 110;
 const QSize firstSize(900, 840);
 
-/// Channels that the open project's materials have.
+/// Channels that the open project's materials have, and those that any shader has.
 QStringList channelNames()
 {
     QStringList names;
@@ -35,11 +36,14 @@ QStringList channelNames()
     const QVector<OssExportMaterial> materials = project ? OssExportMaterial::of(project)
                                                          : QVector<OssExportMaterial>();
     for (const OssExportMaterial &material : materials) {
-        for (const OssExportMaterial::Channel &channel : material.channels) {
-            if (!names.contains(channel.name))
-                names.append(channel.name);
-        }
+        for (const OssExportMaterial::Channel &channel : material.channels)
+            names.append(channel.name);
     }
+    OssLayerShaderModelManager *models = OssLayerShaderModelManager::instance();
+    const QStringList ids = models->modelIds();
+    for (const QString &id : ids)
+        names += models->model(id)->inputList();
+    names.removeDuplicates();
     return names;
 }
 

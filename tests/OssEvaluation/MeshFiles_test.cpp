@@ -70,6 +70,80 @@ TEST_F(MeshFiles, facesThatNameWhatIsNotThereAreLeftOutAndTold)
     EXPECT_TRUE(reading.parts.front().mesh);
 }
 
+TEST_F(MeshFiles, whatCannotBeReadNamesTheFileTheReasonAndWhatToDo)
+{
+    const std::string good = House;
+    const std::string half = "solid wall\nfacet normal 0 0 1\nouter loop\nvertex 0 0 0\nvertex 1";
+    const std::string garbage = std::string("\x7f\x45\x4c\x46\0\1\2", 7) + std::string(200, '\xfe');
+
+    struct Case
+    {
+        const char *name;
+        std::string content;
+        const char *reason;
+        const char *advice;
+    };
+
+    const char *const again = "export it again from where it was made";
+    const std::vector<Case> cases{
+        {"empty.obj", "", "no faces", "export polygons"},
+        {"points.obj", "v 0 0 0\nv 1 0 0\n", "no faces", "export polygons"},
+        {"nan.obj", "v nan 0 0\n" + good, "no numbers", again},
+        {"infinite.obj", "v inf 0 0\n" + good, "no numbers", again},
+        {"words.obj", "v here there 0\n" + good, "line 1, \"v here there 0\"", again},
+        {"short.obj", good + "v 1 2\n", "line 23, \"v 1 2\"", again},
+        {"commas.obj", "v 0,5 1,5 0\n" + good, "line 1", again},
+        {"uvs.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n", "no texture coordinates", "unwrap"},
+        {"garbage.obj", garbage, "no faces", "export polygons"},
+        {"garbage.fbx", garbage, "no FBX file, or it is damaged", again},
+        {"garbage.glb", garbage, "no GLB file, or it is damaged", again},
+        {"garbage.gltf", garbage, "no GLTF file, or it is damaged", again},
+        {"garbage.ply", garbage, "no PLY file, or it is damaged", again},
+        {"garbage.stl", garbage, "it ", again},
+        {"head.fbx", "Kaydara FBX Binary  " + std::string("\0\x1a\0\x84\x1c\0\0\xff\xff", 9),
+         "damaged", again},
+        {"open.fbx", "; FBX 7.4.0 project file\nObjects: {\n Geometry: 1, \"Geometry::\", {\n",
+         "damaged", again},
+        {"empty.gltf", "", "damaged", again},
+        {"open.gltf", R"({"asset":{"version":"2.0"},"meshes":[)", "damaged", again},
+        {"lost.gltf",
+         R"({"asset":{"version":"2.0"},"scene":0,"scenes":[{"nodes":[0]}],"nodes":[{"mesh":0}],)"
+         R"("meshes":[{"primitives":[{"attributes":{"POSITION":7}}]}]})",
+         "damaged", again},
+        {"head.ply", "ply\nformat ascii 1.0\nelement vertex 3\n", "its header has no end", again},
+        {"half.stl", half, "it ", "xport "},
+    };
+    for (const Case &one : cases) {
+        const std::string path = folder.write(one.name, one.content);
+        std::shared_ptr<const OssEvMesh> made;
+        const std::string said = OssEvMeshFile::read(path, &made).error();
+        for (const std::string &part : {path, std::string(one.reason), std::string(one.advice)})
+            EXPECT_NE(said.find(part), std::string::npos) << one.name << ": " << said;
+    }
+}
+
+TEST_F(MeshFiles, objFilesAreReadLineByLineHoweverTheyAreWritten)
+{
+    const std::string loose = "# by hand\r\n\r\n  v 0 0 0 1 0 0\r\nv 2 0 0 2\r\nv 1 1 0 # third\r\n"
+                              "vt 0 0\r\nvt 1 0 0\r\nvt 1 1\r\nvn 0 0 2\r\n"
+                              "g Roof\r\nusemtl Red Clay \r\nf -3/-3/1 \\\r\n -2/-2/1 -1/-1/1\r\n"
+                              "l 1 2\r\np 1\r\ns off\r\ng Roof Again\r\nf 1/1 2/2 3/3";
+    ASSERT_EQ(read("loose.obj", loose, split(Options::Split::Objects)), "");
+    EXPECT_EQ(partNames(), (std::vector<std::string>{"Roof", "Roof Again"}));
+    EXPECT_EQ(reading.materials, (std::vector<std::string>{"Red Clay"}));
+    EXPECT_EQ(mesh().positions.at(1), (Vector3{1, 0, 0})) << "its fourth number divides";
+    EXPECT_EQ(mesh().normals.at(1), (Vector3{0, 0, 1}));
+    EXPECT_EQ(mesh().colors.at(0), (std::array<float, 4>{1, 0, 0, 1}));
+    EXPECT_EQ(mesh().colors.at(1), (std::array<float, 4>{1, 1, 1, 1}));
+    EXPECT_EQ(mesh(1).triangles.size(), 1U) << "the last line has no end";
+    std::string large = "v 0 0 0\nv 1 0 0\nv 1 1 0\nvt 0 0\nvt 0.001 0\nvt 0.001 0.001\n";
+    for (int i = 0; i < 150000; ++i)
+        large += "f 1/1 2/2 3/3\n"; // more than is in memory at a time
+    ASSERT_EQ(read("large.obj", large), "");
+    EXPECT_EQ(reading.faces, 150000U);
+    EXPECT_EQ(mesh().positions.size(), 3U);
+}
+
 TEST_F(MeshFiles, numbersNeedNoDigitBeforeThePoint)
 {
     ASSERT_EQ(read("points.obj", "v .5 -.25 0\nv 1 +.5 0\nv 1 1 .0\nvt .1 .2\nvt 1 0\nvt 1 1\n"

@@ -70,6 +70,11 @@ bool touches(const std::array<OssEvMesh::Vector2, 3> &corners, int column, int r
 
 } // namespace
 
+bool OssEvMesh::isFinite() const
+{
+    return allFinite(positions) && allFinite(uvs) && allFinite(normals) && allFinite(colors);
+}
+
 OssEvResult OssEvMesh::finish(const std::string &name)
 {
     const OssEvResult result = check(name);
@@ -116,9 +121,9 @@ OssEvResult OssEvMesh::check(const std::string &name) const
     };
     if (isIncomplete(uvs.size()) || isIncomplete(normals.size()) || isIncomplete(colors.size()))
         return refused("its vertices are not complete");
-    if (!allFinite(positions) || !allFinite(uvs) || !allFinite(normals) || !allFinite(colors)
-        || !std::all_of(world.begin(), world.end(),
-                        [](float value) { return std::isfinite(value); }))
+    if (!isFinite() || !std::all_of(world.begin(), world.end(), [](float value) {
+            return std::isfinite(value);
+        }))
         return refused("it has coordinates that are no numbers");
     const auto count = std::uint32_t(positions.size());
     for (const auto &triangle : triangles) {

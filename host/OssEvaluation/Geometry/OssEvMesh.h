@@ -38,6 +38,9 @@ public:
     /// Object to world, three rows of four.
     std::array<float, 12> world{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0};
 
+    /// Whether all coordinates are numbers, as files need not have them.
+    bool isFinite() const;
+
     /// Checks what the rest relies on: equal counts, indices in range, finite numbers, texture
     /// coordinates within what UDIM numbers can name. Makes normals that are missing or 0 and fixes
     /// the key. Must succeed before the mesh is used; `name` is for messages.

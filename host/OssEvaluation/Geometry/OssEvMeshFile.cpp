@@ -1,6 +1,6 @@
 #include "OssEvaluation/Geometry/OssEvMeshFile.h"
 
-#include "OssEvaluation/Geometry/ObjText.h"
+#include "OssEvaluation/Geometry/ObjReader.h"
 #include "OssEvaluation/Geometry/OssEvMeshScene.h"
 #include "OssEvaluation/Geometry/OssEvUnwrap.h"
 
@@ -16,6 +16,7 @@
 #include <exception>
 #include <filesystem>
 #include <fstream>
+#include <new>
 #include <utility>
 
 namespace {
@@ -24,7 +25,8 @@ using OssEvMeshFile::Options;
 using OssEvMeshFile::Part;
 
 constexpr long long MaximumFileSize = 1LL << 31;
-constexpr double ShareOfLibrary = 0.7; // of the progress
+constexpr double ShareOfReading = 0.7; // of the progress
+const std::string ExportAgain = "; export it again from where it was made";
 
 OssEvResult refused(const std::string &path, const std::string &reason)
 {
@@ -44,7 +46,7 @@ public:
     bool Update(float share) override
     {
         if (m_told && share >= 0.0F)
-            m_told(ShareOfLibrary * std::min(double(share), 1.0));
+            m_told(ShareOfReading * std::min(double(share), 1.0));
         return !isCancelled();
     }
 
@@ -60,39 +62,29 @@ std::string stem(const std::string &path)
     return std::filesystem::path(path).stem().string();
 }
 
-/// What the library says where it says something.
+std::string suffixOf(const std::string &path)
+{
+    std::string suffix = std::filesystem::path(path).extension().string();
+    std::transform(suffix.begin(), suffix.end(), suffix.begin(),
+                   [](unsigned char c) { return char(std::tolower(c)); });
+    return suffix.empty() ? suffix : suffix.substr(1);
+}
+
+/// With what the library says, where it says something.
 std::string inWords(const std::string &path, const std::string &said)
 {
-    std::string kind = std::filesystem::path(path).extension().string();
+    std::string kind = suffixOf(path);
     std::transform(kind.begin(), kind.end(), kind.begin(),
                    [](unsigned char c) { return char(std::toupper(c)); });
-    const std::string file = kind.size() > 1 ? kind.substr(1) + " file" : std::string("mesh file");
+    const std::string file = kind.empty() ? std::string("mesh file") : kind + " file";
+    const std::string all = "it is no " + file + ", or it is damaged" + ExportAgain;
     // Of formats that it knows by their first bytes it says no more.
     if (said.empty() || said.find("No suitable reader") != std::string::npos)
-        return "it is no " + file + ", or it is damaged: export it again from where it was made";
-    return said;
+        return all;
+    return all + " (" + said + ")";
 }
 
-/// What the library refused as a whole, without what it refused. Null where that is no help.
-const aiScene *readAgain(const std::string &path, Assimp::Importer *importer,
-                         OssEvMeshCheck::Report *report)
-{
-    if (std::filesystem::path(path).extension() != ".obj")
-        return nullptr;
-    const ObjText cleaned = ObjText::read(path);
-    const aiScene *read = importer->ReadFileFromMemory(cleaned.text.data(), cleaned.text.size(), 0,
-                                                       "obj");
-    if (read != nullptr && cleaned.leftOut > 0) {
-        using namespace OssEvMeshCheck;
-        Finding found = finding(Kind::LeftOut, cleaned.leftOut);
-        found.text += " (" + cleaned.firstFault + ")";
-        report->push_back(found);
-    }
-    return read;
-}
-
-OssEvResult readScene(const std::string &path, Progress *progress, std::unique_ptr<aiScene> *scene,
-                      OssEvMeshCheck::Report *report)
+OssEvResult readScene(const std::string &path, Progress *progress, std::unique_ptr<aiScene> *scene)
 {
     Assimp::Importer importer;
     importer.SetPropertyBool(AI_CONFIG_IMPORT_NO_SKELETON_MESHES, true);
@@ -104,8 +96,6 @@ OssEvResult readScene(const std::string &path, Progress *progress, std::unique_p
     importer.SetProgressHandler(progress);
     const aiScene *read = importer.ReadFile(path, 0);
     const std::string said = importer.GetErrorString();
-    if (read == nullptr && !progress->isCancelled())
-        read = readAgain(path, &importer, report);
     importer.SetProgressHandler(nullptr); // which gives ours away before it could be deleted
     if (progress->isCancelled())
         return refused(path, "it was stopped");
@@ -132,11 +122,11 @@ OssEvResult checkFile(const std::string &path)
 {
     struct stat status = {};
     if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode))
-        return refused(path, "there is no such file");
+        return refused(path, "there is no such file; find it again, or choose another");
     if (status.st_size > MaximumFileSize)
-        return refused(path, "it is larger than 2 GB");
+        return refused(path, "it is larger than 2 GB; split it into several files or reduce it");
     if (isHeaderCutOff(path))
-        return refused(path, "its header has no end");
+        return refused(path, "its header has no end" + ExportAgain);
     return {};
 }
 
@@ -144,6 +134,8 @@ OssEvResult checkFile(const std::string &path)
 OssEvResult complete(const std::string &path, const Options &options,
                      const std::shared_ptr<OssEvMesh> &mesh, Part *part)
 {
+    if (!mesh->isFinite())
+        return refused(path, "it has coordinates that are no numbers" + ExportAgain);
     if (options.unwraps) {
         OssEvUnwrap::unwrap(mesh.get());
         part->report.clear();
@@ -159,40 +151,65 @@ OssEvResult complete(const std::string &path, const Options &options,
     return result;
 }
 
+/// Meshes that are not complete yet.
+OssEvResult readMeshes(const std::string &path, const Options &options, Progress *progress,
+                       const OssEvCancel *cancel, std::vector<std::shared_ptr<OssEvMesh>> *meshes,
+                       OssEvMeshFile::Reading *reading, OssEvMeshCheck::Report *leftOut)
+{
+    OssEvResult result;
+    if (suffixOf(path) == "obj") {
+        result = ObjReader::read(path, options, meshes, reading, leftOut, cancel,
+                                 [progress](double share) { progress->Update(float(share)); });
+    } else {
+        std::unique_ptr<aiScene> scene;
+        result = readScene(path, progress, &scene);
+        if (!result)
+            return result;
+        result = OssEvMeshScene::convert(std::move(scene), options, stem(path), meshes, reading,
+                                         cancel);
+    }
+    if (progress->isCancelled())
+        return refused(path, "it was stopped");
+    return result ? result : refused(path, result.error());
+}
+
+OssEvResult readWhole(const std::string &path, const Options &options,
+                      OssEvMeshFile::Reading *reading, const OssEvCancel *cancel,
+                      const std::function<void(double)> &progress)
+{
+    Progress told(cancel, progress);
+    OssEvMeshCheck::Report leftOut;
+    std::vector<std::shared_ptr<OssEvMesh>> meshes;
+    OssEvResult result = readMeshes(path, options, &told, cancel, &meshes, reading, &leftOut);
+    for (std::size_t i = 0; i < meshes.size() && result; ++i) {
+        if (told.isCancelled())
+            return refused(path, "it was stopped");
+        if (progress)
+            progress(ShareOfReading + (1.0 - ShareOfReading) * double(i) / double(meshes.size()));
+        result = complete(path, options, std::exchange(meshes[i], nullptr), &reading->parts[i]);
+    }
+    if (result) {
+        OssEvMeshCheck::Report &first = reading->parts.front().report;
+        first.insert(first.end(), leftOut.begin(), leftOut.end());
+    }
+    return result;
+}
+
 } // namespace
 
 OssEvResult OssEvMeshFile::read(const std::string &path, const Options &options, Reading *reading,
                                 const OssEvCancel *cancel,
                                 const std::function<void(double)> &progress)
 {
-    OssEvResult result = checkFile(path);
-    if (!result)
-        return result;
+    const OssEvResult checked = checkFile(path);
+    if (!checked)
+        return checked;
     try {
-        Progress told(cancel, progress);
-        std::unique_ptr<aiScene> scene;
-        OssEvMeshCheck::Report leftOut;
-        result = readScene(path, &told, &scene, &leftOut);
-        if (!result)
-            return result;
-        std::vector<std::shared_ptr<OssEvMesh>> meshes;
-        result = OssEvMeshScene::convert(std::move(scene), options, stem(path), &meshes, reading,
-                                         cancel);
-        if (!result)
-            return refused(path, result.error());
-        for (std::size_t i = 0; i < meshes.size() && result; ++i) {
-            if (told.isCancelled())
-                return refused(path, "it was stopped");
-            if (progress)
-                progress(ShareOfLibrary
-                         + (1.0 - ShareOfLibrary) * double(i) / double(meshes.size()));
-            result = complete(path, options, std::exchange(meshes[i], nullptr), &reading->parts[i]);
-        }
-        OssEvMeshCheck::Report &first = reading->parts.front().report;
-        first.insert(first.end(), leftOut.begin(), leftOut.end());
-        return result;
+        return readWhole(path, options, reading, cancel, progress);
+    } catch (const std::bad_alloc &) {
+        return refused(path, "there is not enough memory for it; reduce it, or split it");
     } catch (const std::exception &fault) {
-        return refused(path, fault.what());
+        return refused(path, inWords(path, fault.what()));
     }
 }
 
@@ -204,7 +221,7 @@ OssEvResult OssEvMeshFile::read(const std::string &path, std::shared_ptr<const O
         return result;
     const Part &whole = reading.parts.front();
     if (!whole.mesh)
-        return refused(path, whole.report.front().text);
+        return refused(path, OssEvMeshCheck::inWords({whole.report.front()}));
     *mesh = whole.mesh;
     return {};
 }
@@ -217,9 +234,6 @@ const std::vector<std::string> &OssEvMeshFile::suffixes()
 
 bool OssEvMeshFile::isMeshFile(const std::string &path)
 {
-    std::string suffix = std::filesystem::path(path).extension().string();
-    std::transform(suffix.begin(), suffix.end(), suffix.begin(),
-                   [](unsigned char c) { return char(std::tolower(c)); });
     const std::vector<std::string> &all = suffixes();
-    return !suffix.empty() && std::find(all.begin(), all.end(), suffix.substr(1)) != all.end();
+    return std::find(all.begin(), all.end(), suffixOf(path)) != all.end();
 }

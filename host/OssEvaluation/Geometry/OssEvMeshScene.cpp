@@ -1,6 +1,6 @@
 #include "OssEvaluation/Geometry/OssEvMeshScene.h"
 
-#include "OssEvaluation/Geometry/OssEvPolygons.h"
+#include "OssEvaluation/Geometry/MeshParts.h"
 
 #include <assimp/scene.h>
 
@@ -73,19 +73,6 @@ bool isZUp(const aiScene &scene, Options::Up wanted)
     if (wanted != Options::Up::FromFile)
         return wanted == Options::Up::Z;
     return scene.mMetaData != nullptr && scene.mMetaData->Get("UpAxis", axis) && axis == Z;
-}
-
-aiMatrix4x4 rootMatrix(const aiScene &scene, const Options &options)
-{
-    aiMatrix4x4 matrix;
-    const auto scale = float(unitOf(scene) * options.scale);
-    aiMatrix4x4::Scaling({scale, scale, scale}, matrix);
-    if (isZUp(scene, options.up)) {
-        // z becomes y, and y becomes -z.
-        const aiMatrix4x4 turned(1, 0, 0, 0, 0, 0, 1, 0, 0, -1, 0, 0, 0, 0, 0, 1);
-        matrix = matrix * turned;
-    }
-    return matrix;
 }
 
 class Collector
@@ -213,22 +200,6 @@ private:
     std::optional<unsigned> m_uvs;
 };
 
-/// What a part is made of.
-struct Target
-{
-    std::shared_ptr<OssEvMesh> mesh = std::make_shared<OssEvMesh>();
-    std::map<std::string, std::int32_t> materials;
-};
-
-std::int32_t materialSlot(Target *target, const std::string &name)
-{
-    const auto [slot, isNew] = target->materials.emplace(
-        name, std::int32_t(target->mesh->materialNames.size()));
-    if (isNew)
-        target->mesh->materialNames.push_back(name);
-    return slot->second;
-}
-
 /// No more than is needed for the first mesh, and no new room for each of many.
 template <class Value>
 void makeRoom(std::size_t count, std::vector<Value> *values)
@@ -279,9 +250,10 @@ std::size_t trianglesOf(const aiMesh &mesh)
 }
 
 /// False where a face names a vertex that is none.
-bool addFaces(const aiMesh &from, const Weld &weld, bool isMirrored, std::int32_t material,
-              std::size_t firstVertex, OssEvMesh *mesh)
+bool addFaces(const aiMesh &from, const Weld &weld, bool isMirrored, std::size_t firstVertex,
+              const MeshParts::Goal &goal)
 {
+    OssEvMesh *mesh = goal.mesh;
     const std::size_t count = mesh->triangles.size() + trianglesOf(from);
     makeRoom(count, &mesh->triangles);
     makeRoom(count, &mesh->faces);
@@ -299,18 +271,9 @@ bool addFaces(const aiMesh &from, const Weld &weld, bool isMirrored, std::int32_
         }
         if (isMirrored)
             std::reverse(corners.begin(), corners.end());
-        const std::int32_t number = mesh->faces.empty() ? 0 : mesh->faces.back() + 1;
-        OssEvPolygons::addTriangles(mesh->positions, corners, &mesh->triangles);
-        mesh->faces.resize(mesh->triangles.size(), number);
-        mesh->materials.resize(mesh->triangles.size(), material);
+        MeshParts::addFace(goal, corners);
     }
     return true;
-}
-
-void addOnce(const std::string &name, std::vector<std::string> *list)
-{
-    if (std::find(list->begin(), list->end(), name) == list->end())
-        list->push_back(name);
 }
 
 std::string materialName(const aiScene &scene, const aiMesh &mesh)
@@ -330,7 +293,7 @@ std::vector<std::string> uvSetsOf(const aiScene &scene, const std::vector<Placed
         for (unsigned i = 0; i < AI_MAX_NUMBER_OF_TEXTURECOORDS; ++i) {
             if (!mesh.HasTextureCoords(i))
                 continue;
-            addOnce(uvName(mesh, i), &names);
+            MeshParts::addOnce(uvName(mesh, i), &names);
             ++counts[uvName(mesh, i)];
         }
     }
@@ -347,6 +310,7 @@ public:
         : m_scene(std::move(scene))
         , m_options(options)
         , m_reading(reading)
+        , m_parts(options, reading)
     {
     }
 
@@ -354,8 +318,11 @@ public:
     {
         Collector collector(*m_scene, name);
         if (m_scene->mRootNode == nullptr
-            || !collector.collect(*m_scene->mRootNode, rootMatrix(*m_scene, m_options), 0))
-            return OssEvResult::failure("its objects are nested too deep");
+            || !collector.collect(
+                *m_scene->mRootNode,
+                MeshParts::placing(unitOf(*m_scene), isZUp(*m_scene, m_options.up), m_options), 0))
+            return OssEvResult::failure(
+                "its objects are nested more than 1000 deep; flatten them where it was made");
         const OssEvResult counted = count(collector.placed);
         if (!counted)
             return counted;
@@ -364,19 +331,14 @@ public:
             if (cancel != nullptr && cancel->isCancelled())
                 return OssEvResult::failure("it was stopped");
             if (!add(placed))
-                return OssEvResult::failure("a face names a vertex that does not exist");
+                return OssEvResult::failure(
+                    "a face names a vertex that does not exist; export it again from where it was made");
         }
         return {};
     }
 
     /// As the parts of the reading.
-    std::vector<std::shared_ptr<OssEvMesh>> meshes() const
-    {
-        std::vector<std::shared_ptr<OssEvMesh>> list;
-        for (const Target &target : m_targets)
-            list.push_back(target.mesh);
-        return list;
-    }
+    std::vector<std::shared_ptr<OssEvMesh>> meshes() const { return m_parts.meshes(); }
 
 private:
     OssEvResult count(const std::vector<Placed> &all)
@@ -394,38 +356,18 @@ private:
             {OssEvMeshCheck::finding(OssEvMeshCheck::Kind::TooManyFaces, m_reading->faces)}));
     }
 
-    std::size_t targetOf(const Placed &placed, const std::string &material)
-    {
-        std::string name;
-        if (m_options.split == Options::Split::Objects)
-            name = placed.object;
-        else if (m_options.split == Options::Split::Materials)
-            name = material;
-        const auto [known, isNew] = m_places.emplace(name, m_targets.size());
-        if (isNew) {
-            m_targets.emplace_back();
-            m_reading->parts.push_back({name, nullptr, {}});
-        }
-        return known->second;
-    }
-
     bool add(const Placed &placed)
     {
         const aiMesh &from = *m_scene->mMeshes[placed.mesh];
-        const std::string material = materialName(*m_scene, from);
-        addOnce(placed.object, &m_reading->objects);
-        addOnce(material, &m_reading->materials);
-        const std::size_t place = targetOf(placed, material);
+        const MeshParts::Goal goal = m_parts.goal(placed.object, materialName(*m_scene, from));
         const std::optional<unsigned> uvs = uvSet(from, m_options.uvSet);
-        if (!uvs && !m_options.unwraps)
-            tellWithoutUvs(placed, &m_reading->parts[place].report);
-        Target *target = &m_targets[place];
+        if (!uvs)
+            m_parts.tellWithoutUvs(placed.object, goal.part);
         const Weld weld(from, uvs);
-        const std::size_t first = target->mesh->positions.size();
-        addVertices(from, weld, uvs, placed.matrix, target->mesh.get());
+        const std::size_t first = goal.mesh->positions.size();
+        addVertices(from, weld, uvs, placed.matrix, goal.mesh);
         const bool isMirrored = aiMatrix3x3(placed.matrix).Determinant() < 0.0F;
-        const bool isWhole = addFaces(from, weld, isMirrored, materialSlot(target, material), first,
-                                      target->mesh.get());
+        const bool isWhole = addFaces(from, weld, isMirrored, first, goal);
         if (--m_uses[placed.mesh] == 0) {
             delete m_scene->mMeshes[placed.mesh];
             m_scene->mMeshes[placed.mesh] = new aiMesh; // the scene's
@@ -433,22 +375,11 @@ private:
         return isWhole;
     }
 
-    void tellWithoutUvs(const Placed &placed, OssEvMeshCheck::Report *report) const
-    {
-        if (!report->empty())
-            return; // one is enough
-        const std::string which = m_options.uvSet.empty() ? "" : " \"" + m_options.uvSet + "\"";
-        report->push_back(OssEvMeshCheck::finding(OssEvMeshCheck::Kind::NoUvs, 0,
-                                                  "\"" + placed.object
-                                                      + "\" has no texture coordinates" + which));
-    }
-
     std::unique_ptr<aiScene> m_scene;
     const Options &m_options;
     Reading *m_reading;
     std::map<unsigned, int> m_uses;
-    std::map<std::string, std::size_t> m_places; ///< of targets, by name
-    std::vector<Target> m_targets;
+    MeshParts m_parts;
 };
 
 } // namespace

@@ -338,7 +338,8 @@ TEST_F(MeshReading, filesThatAreOfNoUseAreRefusedWithNameAndReason)
     std::filesystem::create_directory(folder.path("folder.obj"));
     for (const char *name : {"folder.obj", "missing.obj"})
         EXPECT_EQ(OssEvMeshFile::read(folder.path(name), &mesh).error(),
-                  "Cannot read \"" + folder.path(name) + "\": there is no such file; find it again, or choose another");
+                  "Cannot read \"" + folder.path(name)
+                      + "\": there is no such file; find it again, or choose another");
 }
 
 TEST_F(MeshReading, damagedFilesAreRefusedOrReadButNeverMore)

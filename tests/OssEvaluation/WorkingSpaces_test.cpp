@@ -168,6 +168,25 @@ TEST_F(WorkingSpaces, aPicturesColorIsAnotherNumberInEachAndDataIsTheSame)
     EXPECT_EQ(out, (std::array<unsigned short, 3>{32768, 40000, 50000}));
 }
 
+TEST_F(WorkingSpaces, anImageNodeNamesTheSpaceOfItsFileWhateverTheRulesSay)
+{
+    const std::string file = picture("red_film.png", {32768, 0, 0});
+    const OssEvFileColors ruled(working("Linear"), {{"*_film*", "ACEScg"}});
+    const auto seen = [&](const std::string &kind, const std::string &space) {
+        OssEvTarget wanted = read(file, ruled, kind);
+        wanted.graph = nodeOf("image",
+                              {{"File", file}, {"ColorSpace", kind}, {"FileSpace", space}});
+        const Collected out = evaluate(wanted);
+        return out.outcome.error.empty() ? std::to_string(out.texel(0, 1, 1)).substr(0, 5)
+                                         : out.outcome.error;
+    };
+    EXPECT_EQ(seen("Automatic", ""), "0.852") << "by the rule";
+    EXPECT_EQ(seen("Automatic", "Linear"), "0.500");
+    EXPECT_EQ(seen("Color", "sRGB"), "0.213");
+    EXPECT_EQ(seen("Data", "sRGB"), "0.500") << "data stays data";
+    EXPECT_NE(seen("Automatic", "Nowhere").find("Nowhere"), std::string::npos);
+}
+
 TEST_F(WorkingSpaces, resultsAreKeptApartByWhatTheirColorsAre)
 {
     const std::string file = picture("a.png", {65535, 0, 0});

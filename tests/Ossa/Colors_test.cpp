@@ -231,6 +231,18 @@ TEST_F(Colors, imageNodesTellWhatAutomaticComesTo)
     EXPECT_EQ(entries(&panel, "Data").first(), text("Automatic (Data)"));
     project()->setFileRules({text("*_normal*=ACEScg")});
     EXPECT_EQ(entries(&panel, "Data").first(), text("Automatic (ACEScg)"));
+    const auto lists = panel.findChildren<QComboBox *>();
+    QComboBox *space = *std::find_if(lists.cbegin(), lists.cend(), [](const QComboBox *list) {
+        return list->findText(text("Gamma 2.2")) >= 0;
+    });
+    EXPECT_EQ(space->itemText(0), text("Automatic (ACEScg)"));
+    QTest::keyClicks(space, text("Gamma"));
+    EXPECT_EQ(node->attribute(text("FileSpace")), text("Gamma 2.2"));
+    EXPECT_EQ(entries(&panel, "Data").first(), text("Automatic (Gamma 2.2)"));
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(space->currentIndex(), 0);
+    node->setAttribute(text("FileSpace"), text("From Elsewhere"));
+    EXPECT_EQ(space->currentText(), text("From Elsewhere")) << "it is not lost";
 }
 
 } // namespace

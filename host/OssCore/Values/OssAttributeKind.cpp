@@ -276,6 +276,7 @@ QVector<OssAttributeKind> makeTable()
             {Name("text"), text, Name("")},
             {Name("paragraph"), text, Name("")},
             {Name("file"), text, Name("")},
+            {Name("colorspace"), text, Name("")},
             {Name("curve"), text, Name("0,0 1,1"), true},
             {Name("ramp"), text, Name("0,0,0,0,1 1,1,1,1,1"), true},
             {Name("color"), color, Name("0,0,0,1")},

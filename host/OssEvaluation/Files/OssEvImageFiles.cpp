@@ -131,6 +131,8 @@ struct OssEvImageFiles::Private
                         const OIIO::ImageSpec &spec) const
     {
         const OssEvFileColors::File file{path, spec.nchannels, isInteger(spec), saidSpace(spec)};
+        if (image.colorSpace != ColorSpace::Data && !image.space.empty())
+            return image.space;
         switch (image.colorSpace) {
         case ColorSpace::Data:
             return OssEvFileColors::Data;

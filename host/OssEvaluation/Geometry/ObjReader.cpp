@@ -2,22 +2,22 @@
 
 #include "OssEvaluation/Geometry/MeshParts.h"
 #include "OssEvaluation/Geometry/ObjLines.h"
+#include "OssEvaluation/Geometry/ObjVertices.h"
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <filesystem>
-#include <limits>
 
 namespace {
 
 using OssEvMeshFile::Options;
 using OssEvMeshFile::Reading;
-using Vector2 = OssEvMesh::Vector2;
 using Vector3 = OssEvMesh::Vector3;
 using Color = std::array<float, 4>;
+using Corner = ObjNumbers::Corner;
+using Corners = std::vector<Corner>;
 
-constexpr std::uint32_t None = std::numeric_limits<std::uint32_t>::max();
+constexpr std::uint32_t None = ObjNumbers::None;
 constexpr std::size_t LooksEvery = 4096; ///< lines
 constexpr double ShareOfText = 0.7;      ///< of the progress
 constexpr std::size_t LongestTold = 60;  ///< letters of a line
@@ -25,135 +25,6 @@ constexpr std::size_t LongestTold = 60;  ///< letters of a line
 const std::string NoObject = "defaultobject";
 const std::string NoMaterial = "DefaultMaterial";
 const std::string OnlyUvSet = "UV 1";
-
-/// Places among the file's v, vt and vn; None where it names none.
-using Corner = std::array<std::uint32_t, 3>;
-using Corners = std::vector<Corner>;
-
-/// The numbers of the file.
-struct Numbers
-{
-    std::vector<Vector3> places;
-    std::vector<Vector2> uvs;
-    std::vector<Vector3> normals;
-    std::vector<Color> colors; ///< none, or one for each place
-
-    std::size_t count(std::size_t of) const
-    {
-        return of == 0 ? places.size() : of == 1 ? uvs.size() : normals.size();
-    }
-};
-
-/// Vertices of one object and material slot, in which those of the same numbers are one.
-class Vertices
-{
-public:
-    Vertices(const Numbers &numbers, const aiMatrix4x4 &matrix, bool takesUvs)
-        : m_numbers(numbers)
-        , m_matrix(matrix)
-        , m_forNormals(matrix)
-        , m_takesUvs(takesUvs)
-        , m_table(std::size_t(1) << 10, None)
-    {
-        m_forNormals.Inverse().Transpose();
-    }
-
-    std::uint32_t of(const Corner &corner, OssEvMesh *mesh)
-    {
-        if (3 * m_firsts.size() > 2 * m_table.size())
-            grow();
-        const std::size_t mask = m_table.size() - 1;
-        std::size_t slot = hash(corner) & mask;
-        while (m_table[slot] != None && !isSame(m_firsts[m_table[slot]].first, corner))
-            slot = (slot + 1) & mask;
-        if (m_table[slot] == None) {
-            m_table[slot] = std::uint32_t(m_firsts.size());
-            m_firsts.emplace_back(corner, add(corner, mesh));
-        }
-        return m_firsts[m_table[slot]].second;
-    }
-
-private:
-    template <class Visitor>
-    void visit(const Corner &corner, const Visitor &visitor) const
-    {
-        visitor(m_numbers.places[corner[0]]);
-        if (m_takesUvs && corner[1] != None)
-            visitor(m_numbers.uvs[corner[1]]);
-        if (corner[2] != None)
-            visitor(m_numbers.normals[corner[2]]);
-        if (!m_numbers.colors.empty())
-            visitor(m_numbers.colors[corner[0]]);
-    }
-
-    std::size_t hash(const Corner &corner) const
-    {
-        std::uint64_t sum = 0x9E3779B97F4A7C15ULL;
-        visit(corner, [&sum](const auto &numbers) {
-            for (const float number : numbers) {
-                std::uint32_t word = 0;
-                std::memcpy(&word, &number, sizeof(word));
-                sum = (sum ^ word) * 0xFF51AFD7ED558CCDULL;
-                sum ^= sum >> 32;
-            }
-        });
-        return std::size_t(sum);
-    }
-
-    bool isSame(const Corner &a, const Corner &b) const
-    {
-        if (a == b)
-            return true;
-        const auto equal = [](const auto &list, std::uint32_t one, std::uint32_t other) {
-            if (one == None || other == None)
-                return one == other;
-            return one == other || std::memcmp(&list[one], &list[other], sizeof(list[one])) == 0;
-        };
-        return equal(m_numbers.places, a[0], b[0])
-               && (!m_takesUvs || equal(m_numbers.uvs, a[1], b[1]))
-               && equal(m_numbers.normals, a[2], b[2])
-               && (m_numbers.colors.empty() || equal(m_numbers.colors, a[0], b[0]));
-    }
-
-    std::uint32_t add(const Corner &corner, OssEvMesh *mesh) const
-    {
-        const Vector3 &from = m_numbers.places[corner[0]];
-        const aiVector3D place = m_matrix * aiVector3D(from[0], from[1], from[2]);
-        aiVector3D normal;
-        if (corner[2] != None) {
-            const Vector3 &given = m_numbers.normals[corner[2]];
-            normal = (m_forNormals * aiVector3D(given[0], given[1], given[2])).NormalizeSafe();
-        }
-        if (!m_numbers.colors.empty()) {
-            mesh->colors.resize(mesh->positions.size(), {1.0F, 1.0F, 1.0F, 1.0F});
-            mesh->colors.push_back(m_numbers.colors[corner[0]]);
-        }
-        mesh->positions.push_back({place.x, place.y, place.z});
-        mesh->normals.push_back({normal.x, normal.y, normal.z});
-        mesh->uvs.push_back(m_takesUvs && corner[1] != None ? m_numbers.uvs[corner[1]] : Vector2{});
-        return std::uint32_t(mesh->positions.size() - 1);
-    }
-
-    void grow()
-    {
-        std::vector<std::uint32_t> larger(2 * m_table.size(), None);
-        const std::size_t mask = larger.size() - 1;
-        for (std::uint32_t i = 0; i < m_firsts.size(); ++i) {
-            std::size_t slot = hash(m_firsts[i].first) & mask;
-            while (larger[slot] != None)
-                slot = (slot + 1) & mask;
-            larger[slot] = i;
-        }
-        m_table.swap(larger);
-    }
-
-    const Numbers &m_numbers;
-    const aiMatrix4x4 m_matrix;
-    aiMatrix3x3 m_forNormals;
-    bool m_takesUvs;
-    std::vector<std::uint32_t> m_table;
-    std::vector<std::pair<Corner, std::uint32_t>> m_firsts; ///< with the mesh's vertex
-};
 
 /// Names of objects, which are unique: a group of a name that was there is another.
 class Objects
@@ -416,7 +287,7 @@ private:
             m_goal = m_parts.goal(object, m_material);
             m_chunkObject = object;
             m_chunkHasUvs = false;
-            m_vertices = std::make_unique<Vertices>(m_numbers, m_matrix, m_takesUvs);
+            m_vertices = std::make_unique<ObjVertices>(m_numbers, m_matrix, m_takesUvs);
         }
         m_face.clear();
         for (const Corner &corner : m_corners) {
@@ -487,12 +358,12 @@ private:
     Objects m_objects;
     const aiMatrix4x4 m_matrix;
     const bool m_takesUvs;
-    Numbers m_numbers;
+    ObjNumbers m_numbers;
     std::string m_material = NoMaterial;
     std::string m_fault;
     // Faces of one object and material slot
     MeshParts::Goal m_goal;
-    std::unique_ptr<Vertices> m_vertices; ///< null until the first face
+    std::unique_ptr<ObjVertices> m_vertices; ///< null until the first face
     std::string m_chunkObject;
     bool m_chunkHasUvs = false;
     bool m_hasUvs = false;

@@ -123,4 +123,5 @@ public:
 
     std::string name;
     ColorSpace colorSpace = ColorSpace::Automatic;
+    std::string space; ///< of what is not data; empty: as is told elsewhere
 };

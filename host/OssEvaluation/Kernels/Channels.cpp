@@ -235,11 +235,13 @@ OssEvKernel imageKernel()
     OssEvKernel kernel;
     kernel.name = "image";
     kernel.outputs = {{"Output", 4}};
-    kernel.parameters = {text("File"), choice("ColorSpace", {"Automatic", "Color", "Data"})};
+    kernel.parameters = {text("File"), choice("ColorSpace", {"Automatic", "Color", "Data"}),
+                         text("FileSpace")};
     kernel.make = [](const OssEvKernelSetup &setup) {
         auto operation = std::make_shared<OssEvImageOperation>();
         operation->name = setup.text("File");
         operation->colorSpace = OssEvImageOperation::ColorSpace(setup.integer("ColorSpace"));
+        operation->space = setup.text("FileSpace");
         return operation;
     };
     return kernel;

@@ -39,6 +39,8 @@ public:
         /// What describe() told. read() then gives these pixels or none: it fails when the image has
         /// become another. Null: whatever is there.
         OssEvKey content = {};
+        /// In which the image's numbers stand unless they are data; empty where nobody chose.
+        std::string space = {};
     };
 
     OssEvImageProvider() = default;

@@ -227,7 +227,7 @@ OssEvResult OssEvPlanner::makeImage(const Output &output, const OssEvImageOperat
     Value value;
     value.node = output.first;
     value.kernel = "image";
-    value.image = {operation.name, operation.colorSpace, m_target.patch};
+    value.image = {operation.name, operation.colorSpace, m_target.patch, {}, operation.space};
     value.kept = m_target.graph->nodes()[std::size_t(output.first)].cachePoint;
     OssEvImageInfo info;
     if (m_target.images != nullptr && !operation.name.empty()) {

@@ -1,6 +1,7 @@
 #include "OssInterface/Properties/OssChoiceEditors.h"
 
 #include "OssCore/Undo/OssUndoManager.h"
+#include "OssModel/Images/OssColorManagement.h"
 #include "OssModel/Images/OssImage.h"
 #include "OssModel/Images/OssImageList.h"
 #include "OssModel/Images/OssImageManager.h"
@@ -98,6 +99,47 @@ void OssChoiceEditor::explainChoice(const QString &choice, const QString &meanin
     const int index = m_value.names().indexOf(choice);
     if (index >= 0)
         m_list->setItemText(index, meaning.isEmpty() ? choice : tr("%1 (%2)").arg(choice, meaning));
+}
+
+// --- color space
+
+OssColorSpaceEditor::OssColorSpaceEditor(QWidget *parent)
+    : OssPropertyEditor(parent)
+{
+    auto *list = new CalmComboBox(this);
+    m_list = list;
+    makeRow()->addWidget(m_list);
+    setFocusProxy(m_list);
+    connect(m_list, qOverload<int>(&QComboBox::activated), this,
+            [this](int index) { Q_EMIT edited(m_list->itemData(index)); });
+    list->whenChosen([this] { Q_EMIT left(); });
+}
+
+void OssColorSpaceEditor::showValue(const OssCustomAttribute &attribute, const OssMixed &mixed)
+{
+    QStringList names{QString()};
+    const std::vector<std::string> known = OssColorManagement::spaces()->names();
+    for (const std::string &name : known)
+        names.append(QString::fromStdString(name));
+    // What another configuration has stays, and is seen.
+    const QString chosen = attribute.value().toString();
+    if (!names.contains(chosen))
+        names.append(chosen);
+    QStringList listed;
+    for (int i = 0; i < m_list->count(); ++i)
+        listed.append(m_list->itemData(i).toString());
+    if (names != listed) {
+        m_list->clear();
+        for (const QString &name : qAsConst(names))
+            m_list->addItem(name.isEmpty() ? tr("Automatic") : name, name);
+    }
+    m_list->setCurrentIndex(mixed.any ? -1 : names.indexOf(chosen));
+    m_list->setAccessibleName(attribute.prettyName());
+}
+
+void OssColorSpaceEditor::explainChoice(const QString &, const QString &meaning)
+{
+    m_list->setItemText(0, meaning.isEmpty() ? tr("Automatic") : tr("Automatic (%1)").arg(meaning));
 }
 
 // --- flag

@@ -21,6 +21,20 @@ private:
     OssUserEnum m_value;
 };
 
+/// Chooses one of the colour spaces of the project's configuration, or none: automatic.
+class OssColorSpaceEditor : public OssPropertyEditor
+{
+    Q_OBJECT
+
+public:
+    explicit OssColorSpaceEditor(QWidget *parent);
+    void showValue(const OssCustomAttribute &attribute, const OssMixed &mixed) override;
+    void explainChoice(const QString &choice, const QString &meaning) override;
+
+private:
+    QComboBox *m_list;
+};
+
 /// Edits a yes or no.
 class OssFlagEditor : public OssPropertyEditor
 {

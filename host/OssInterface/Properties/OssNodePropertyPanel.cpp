@@ -276,7 +276,10 @@ void OssNodePropertyPanel::refreshRow(const QString &attribute)
     if (OssPropertyRow *changed = row(attribute))
         changed->refresh();
     // Of a file depends what others come to.
-    if (m_node && OssFilePath::isHeldBy(m_node->userAttribute(attribute)))
+    // What others come to depends on files, and on how they are understood.
+    const OssCustomAttribute edited = m_node ? m_node->userAttribute(attribute)
+                                             : OssCustomAttribute();
+    if (OssFilePath::isHeldBy(edited) || edited.definition().editor == QLatin1String("colorspace"))
         refreshRows();
 }
 

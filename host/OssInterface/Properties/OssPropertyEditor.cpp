@@ -55,7 +55,7 @@ const struct
                {"file", make<OssFileEditor>},          {"curve", make<OssCurveEditor>},
                {"ramp", make<OssRampEditor>},          {"color", make<OssColorEditor>},
                {"displaycolor", make<OssColorEditor>}, {"vector2", make<OssVectorEditor>},
-               {"images", make<OssImagesEditor>}};
+               {"images", make<OssImagesEditor>},      {"colorspace", make<OssColorSpaceEditor>}};
 
 } // namespace
 

@@ -91,9 +91,12 @@ private:
     QHash<const OssSnBaseNode *, int> m_indexes;
 };
 
-/// An image whose file is data by its name.
+/// An image whose file is data by what the user chose, or else by its name.
 bool readsData(const OssSnBaseNode *node)
 {
+    const QString chosen = node->attribute(QStringLiteral("FileSpace")).toString();
+    if (!chosen.isEmpty())
+        return OssColorManagement::spaces()->isData(chosen.toStdString());
     const auto path = OssFilePath::valueOf(node->userAttribute(QStringLiteral("File"))).toString();
     return OssColorManagement::instance()->fileColors().spaceOf({path.toStdString(), 4, true, {}})
            == OssEvFileColors::Data;

@@ -31,8 +31,14 @@ QStringList OssNodeFiles::of(const OssCustomAttribute &attribute)
 QString OssNodeFiles::automaticSpace(const OssSnBaseNode *node, const QString &attribute)
 {
     const OssSnNodeType *type = node->nodeType();
-    if (!type || type->kernel != QLatin1String("image") || attribute != QLatin1String("ColorSpace"))
+    if (!type || type->kernel != QLatin1String("image"))
         return {};
+    const bool isKind = attribute == QLatin1String("ColorSpace");
+    if (!isKind && attribute != QLatin1String("FileSpace"))
+        return {};
+    const QString chosen = node->attribute(QStringLiteral("FileSpace")).toString();
+    if (isKind && !chosen.isEmpty())
+        return chosen;
     const QStringList files = of(node->userAttribute(QStringLiteral("File")));
     if (files.isEmpty() || files.first().isEmpty())
         return {};

@@ -1,10 +1,14 @@
 #include "Layout/NodePlacement.h"
 
+#include <algorithm>
+#include <cmath>
 #include <iterator>
 
 namespace {
 
 constexpr qreal UnitsPerFactor = 100.0;
+constexpr qreal Clearance = 10.0;    // of a free place from what is around
+constexpr int MostPlacesAcross = 80; // that are looked at
 
 QPointF inSinglePrecision(qreal x, qreal y)
 {
@@ -39,6 +43,45 @@ QPoint NodePlacement::gridStep(int layoutType, bool flipped)
 QPointF NodePlacement::beside(const QRectF &other)
 {
     return inSinglePrecision(other.x() + other.width() + Gap, other.y() + other.height() + Gap);
+}
+
+std::optional<QPointF> NodePlacement::nearestFree(const QPointF &wanted, const QSizeF &own,
+                                                  const QVector<QRectF> &obstacles,
+                                                  const QRectF &area)
+{
+    const QRectF room(area.topLeft(), area.bottomRight() - QPointF(own.width(), own.height()));
+    if (!room.isValid())
+        return std::nullopt;
+    const QPointF start(std::clamp(wanted.x(), room.left(), room.right()),
+                        std::clamp(wanted.y(), room.top(), room.bottom()));
+    const qreal step = std::max(Clearance,
+                                std::max(room.width(), room.height()) / MostPlacesAcross);
+    const auto first = [step](qreal from, qreal to) {
+        return int(std::ceil((to - from) / step));
+    };
+    const auto last = [step](qreal from, qreal to) {
+        return int(std::floor((to - from) / step));
+    };
+    std::optional<QPointF> best;
+    qreal nearest = 0.0;
+    for (int row = first(start.y(), room.top()); row <= last(start.y(), room.bottom()); ++row) {
+        for (int column = first(start.x(), room.left()); column <= last(start.x(), room.right());
+             ++column) {
+            const QPointF place = start + QPointF(column, row) * step;
+            const QPointF way = place - wanted;
+            const qreal distance = QPointF::dotProduct(way, way);
+            if (best && distance >= nearest)
+                continue;
+            const QRectF kept = QRectF(place, own)
+                                    .adjusted(-Clearance, -Clearance, Clearance, Clearance);
+            if (std::any_of(obstacles.cbegin(), obstacles.cend(),
+                            [&kept](const QRectF &other) { return other.intersects(kept); }))
+                continue;
+            best = place;
+            nearest = distance;
+        }
+    }
+    return best;
 }
 
 QPointF NodePlacement::underneath(const QRectF &reference, const QPointF &ownCenter, int factor)

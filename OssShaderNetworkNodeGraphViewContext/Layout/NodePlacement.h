@@ -4,6 +4,9 @@
 #include <QPointF>
 #include <QRectF>
 #include <QSizeF>
+#include <QVector>
+
+#include <optional>
 
 /// Where nodes go relative to each other. Plain values in scene units: a node is the rectangle its
 /// item occupies, its position the top-left corner.
@@ -18,6 +21,11 @@ QPoint gridStep(int layoutType, bool flipped);
 
 /// Diagonally below and to the right of the other node, clear of its corner. Single precision.
 QPointF beside(const QRectF &other);
+
+/// The place nearest to the wanted one where a node of that size lies wholly within the area and clear
+/// of all obstacles; none when there is no room. Places lie on a grid through the wanted one.
+std::optional<QPointF> nearestFree(const QPointF &wanted, const QSizeF &own,
+                                   const QVector<QRectF> &obstacles, const QRectF &area);
 
 /// Centred horizontally on the reference, the centre 100 units per `factor` below its centre.
 /// Single precision for the target centre.

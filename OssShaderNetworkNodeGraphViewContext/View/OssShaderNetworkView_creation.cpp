@@ -116,7 +116,7 @@ void OssShaderNetworkView::placeNewNode(OssSnBaseNode *node, const QPoint &viewP
         item->setPosition(mapToScene(viewPos));
         // A backdrop lies behind others: where it was wanted, or around what was selected.
         if (node->pathKey() != BackdropKey)
-            placeNode(node);
+            placeNodeInSight(node);
     }
     if (m_network->node(node->name()) != node)
         node->setName(m_network->generateUniqueNodeName(node->name()));

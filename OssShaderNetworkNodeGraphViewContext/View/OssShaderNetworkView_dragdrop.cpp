@@ -183,7 +183,7 @@ OssSnBaseNode *OssShaderNetworkView::makeDropNode(const OssImage *image, const Q
         node->setAttribute(attribute, OssImageList(image->uniqueId()).toVariant(), true);
     if (OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(node)) {
         item->setPosition(scenePos.isNull() ? mapToScene(viewport()->rect().center()) : scenePos);
-        placeNode(node);
+        placeNodeInSight(node);
         Backdrops::settleNew(node);
     }
     Q_EMIT nodeAdded(node);

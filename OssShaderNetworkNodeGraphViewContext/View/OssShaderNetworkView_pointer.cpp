@@ -26,7 +26,6 @@
 namespace {
 
 constexpr const char *Source = "OssShaderNetworkView";
-constexpr qreal LeastMove = 5.0; // scene units; less is a click with an unsteady hand
 
 OssSnBaseNode *businessNodeOf(const OssNgNode *guiNode)
 {

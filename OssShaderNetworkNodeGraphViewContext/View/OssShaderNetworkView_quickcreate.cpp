@@ -97,7 +97,7 @@ void OssShaderNetworkView::createAtWireEnd(OssNgNode *item, const QString &port,
     } else {
         if (OssNgNode *newItem = itemOf(node)) {
             newItem->setPosition(scenePos - QPointF(newItem->boundingRect().width(), 0.0));
-            placeNode(node);
+            placeNodeInSight(node);
         }
         const QString first = node->prefferedOutputPoint();
         const auto preferred = [&first](const OssSnOutputPoint &output) {

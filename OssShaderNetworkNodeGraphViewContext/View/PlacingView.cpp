@@ -11,6 +11,10 @@
 #include "OssSnNodeGraphViewContext.h"
 #include "OssSnNodeGraphViewContextManager.h"
 
+#include <QLineF>
+
+#include <algorithm>
+
 namespace {
 
 constexpr const char *Source = "OssShaderNetworkView";
@@ -57,6 +61,36 @@ void PlacingView::placeNode(OssSnBaseNode *node)
     }
     if (relocations > 0)
         Q_EMIT guiNode->posChanged(guiNode->pos());
+}
+
+void PlacingView::placeNodeInSight(OssSnBaseNode *node)
+{
+    OssNgNode *item = itemOf(node);
+    if (!item || !item->scene())
+        return;
+    const QPointF wanted = item->pos();
+    placeNode(node);
+    const QRectF seen = viewportInSceneCoords();
+    const qreal far = std::min(seen.width(), seen.height()) / 2.0;
+    const bool isNear = QLineF(wanted, item->pos()).length() <= far
+                        && seen.contains(occupied(item));
+    if (item->isAt(wanted) || isNear)
+        return;
+    QVector<QRectF> obstacles;
+    const QVector<OssNgNode *> around = OssNgSceneIndex::of(item->scene())->nodesIn(seen);
+    for (const OssNgNode *other : around) {
+        if (other != item && !qobject_cast<const OssNgBackdropNode *>(other))
+            obstacles.append(occupied(other));
+    }
+    const QRectF own = item->boundingRect();
+    const auto place = NodePlacement::nearestFree(wanted + own.topLeft(), own.size(), obstacles,
+                                                  seen);
+    if (place) {
+        moveNode(item, *place - own.topLeft());
+        Q_EMIT item->posChanged(item->pos());
+    } else {
+        ensureVisible(item, 0, 0);
+    }
 }
 
 OssNgNode *PlacingView::itemOf(const OssSnBaseNode *node)

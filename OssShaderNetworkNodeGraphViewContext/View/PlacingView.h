@@ -22,6 +22,9 @@ public:
 
     /// The overlap rule: moves the node until it lies on no other; backdrops do not count.
     void placeNode(OssSnBaseNode *node);
+    /// The same for what is made where the user points: where the rule leads out of sight, or far
+    /// away, the node goes to the free place in view that is nearest to where it stands.
+    void placeNodeInSight(OssSnBaseNode *node);
     /// Diagonally below and to the right of the other item, 30 units clear of its corner.
     void relocateNodeBeside(OssNgNode *guiNode, const OssNgNode *other);
     void positionNodeManual(OssSnBaseNode *node, OssSnBaseNode *reference, const QPointF &offset);

@@ -5,6 +5,8 @@
 
 #include <QListView>
 
+#include <cstdlib>
+
 namespace {
 
 class Pointer : public PointerFixture
@@ -194,6 +196,33 @@ TEST_F(Pointer, whatTheMenuMakesStandsWhereItWasAskedFor)
     EXPECT_LE(QLineF(rectOf(merge).topLeft(), {200, 250}).length(), 2.0);
 }
 
+TEST_F(Pointer, whatTheMenuMakesOverNodesStaysInSightAndNear)
+{
+    // A pile that the way diagonally down leads out of at its far end.
+    const QRectF seen = m_view->viewportInSceneCoords();
+    QPointF next = rectOf(m_blur).bottomRight() + QPointF(5, 5);
+    while (seen.contains(next)) {
+        const OssSnBaseNode *node = addAt("Filter/Blur", next);
+        next = rectOf(node).bottomRight() + QPointF(5, 5);
+    }
+    begin();
+    const QPointF asked = rectOf(m_blur).topLeft() + QPointF(20, 20);
+    menuCommand(at(asked), "Create/Layer/Merge", QContextMenuEvent::Mouse);
+    const OssSnBaseNode *merge = m_network->node(text("Merge"));
+    ASSERT_NE(merge, nullptr);
+    EXPECT_TRUE(m_view->viewportInSceneCoords().contains(rectOf(merge)));
+    EXPECT_EQ(m_view->viewportInSceneCoords(), seen) << "nobody scrolled";
+    EXPECT_LE(QLineF(rectOf(merge).center(), asked).length(), 300.0);
+    const QList<OssSnBaseNode *> nodes = m_network->getAllNodes();
+    for (const OssSnBaseNode *other : nodes)
+        EXPECT_TRUE(other == merge || !rectOf(other).intersects(rectOf(merge)));
+    const QPointF place = itemOf(merge)->pos();
+    expectStep("Create Node : Merge");
+    undo();
+    OssUndoManager::instance()->redo();
+    EXPECT_EQ(itemOf(m_network->node(text("Merge")))->pos(), place);
+}
+
 TEST_F(Pointer, aKeyOpensTheMenuAtTheSelection)
 {
     select({m_blur});
@@ -247,6 +276,44 @@ TEST_F(Pointer, severalMovedNodesGoIntoNoWire)
     contextOf(a)->setNodePosition({100, 300});
     ontoWire(a);
     EXPECT_EQ(m_blur->inputNode(text("Input")), a);
+}
+
+TEST_F(Pointer, aShakenNodeGoesIntoTheWireThatIsLitAndIntoNoOther)
+{
+    OssSnBaseNode *levels = addAt("Adjust/Levels", {200, 200}, "Levels");
+    wire(m_color, levels);
+    wire(levels, m_blur);
+    OssSnBaseNode *source = addAt("Procedural/Color", {-100, 200}, "Source");
+    OssSnBaseNode *target = addAt("Filter/Blur", {500, 200}, "Target");
+    wire(source, target); // lies under the node from the start
+    OssNgEdge *under = itemOf(target)->input(text("Input"));
+    const QPointF onWire = under->markerPosition() - itemOf(levels)->boundingRect().center();
+    contextOf(levels)->setNodePosition(onWire);
+    if (m_view->isSnapToGridOn())
+        m_view->toggleSnapToGrid();
+    m_view->onShakeToExtractEnabledChanged(true);
+    m_view->onShakeToExtractShakesChanged(4);
+    m_view->onShakeToExtractTimeChanged(5000);
+    m_view->setCursorTrackingMode(0);
+    select({levels});
+    begin();
+    for (const QPoint &way : {QPoint(2, 1), QPoint(12, 0)}) {
+        const QPoint from = headerOf(levels);
+        const auto moveTo = [&](const QPoint &to) {
+            pointer(QEvent::MouseMove, from + to, Qt::NoButton, Qt::LeftButton);
+        };
+        pointer(QEvent::MouseButtonPress, from, Qt::LeftButton, Qt::LeftButton);
+        for (int i = 0; i < 48; ++i)
+            moveTo({std::abs(i % 8 - 4) * 15, 0});
+        ASSERT_EQ(m_blur->inputNode(text("Input")), m_color) << "it was shaken";
+        moveTo(way);
+        const bool lit = under->hasMark(OssNgEdge::Inviting);
+        EXPECT_EQ(lit, way.x() == 12) << "brought back it was not moved";
+        pointer(QEvent::MouseButtonRelease, from + way, Qt::LeftButton, Qt::NoButton);
+        EXPECT_EQ(target->inputNode(text("Input")), lit ? levels : source);
+        undoAll();
+        under = itemOf(target)->input(text("Input"));
+    }
 }
 
 TEST_F(Pointer, whatOthersMoveWhileAButtonHoldsNothingStaysWhereItIs)

@@ -36,6 +36,9 @@ public:
         int time; ///< milliseconds within which they count
     };
 
+    /// Of nodes that are dragged, in scene units; less is a click with an unsteady hand.
+    static constexpr qreal LeastMove = 5.0;
+
     /// Not null while a gesture is in hand.
     virtual QGraphicsScene *graphScene() const = 0;
     /// Shows the graph; viewport pixels are its.

@@ -8,6 +8,7 @@
 
 #include <QApplication>
 #include <QGraphicsScene>
+#include <QLineF>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QWidget>
@@ -96,7 +97,12 @@ void OssNgNodeDragGesture::move(QMouseEvent *event)
 
 OssNgEdge *OssNgNodeDragGesture::insertionTarget() const
 {
-    OssNgEdge *edge = m_pressed && m_moved.size() == 1 ? m_pressed->autoinsertCandidate() : nullptr;
+    if (!m_pressed || m_moved.size() != 1)
+        return nullptr;
+    // Shaken and brought back it was not moved.
+    const QLineF way(m_moved.first().start, m_pressed->pos());
+    OssNgEdge *edge = way.length() < OssNgGestureHost::LeastMove ? nullptr
+                                                                 : m_pressed->autoinsertCandidate();
     if (!edge)
         return nullptr;
     const bool cameFrom = m_shakenFrom.contains({edge->destination(), edge->destinationInput()});

@@ -437,6 +437,11 @@ TEST_F(PropertyKnobs, theCountOfOthersFollowsTheSelection)
         QCoreApplication::processEvents();
         EXPECT_EQ(isTold(), selected);
     }
+    for (const bool locked : {true, false, true, false}) {
+        fourth->setLocked(locked);
+        QCoreApplication::processEvents();
+        EXPECT_EQ(isTold(), !locked);
+    }
     third->network()->removeNodes({fourth});
     QCoreApplication::processEvents();
     EXPECT_FALSE(isTold());

@@ -5,6 +5,9 @@
 
 #include <QCoreApplication>
 
+#include <algorithm>
+#include <iterator>
+
 OssAttributeEdit::OssAttributeEdit(OssSnBaseNode *node, QString attribute)
     : m_node(node)
     , m_attribute(std::move(attribute))
@@ -16,17 +19,26 @@ OssAttributeEdit::~OssAttributeEdit()
     end();
 }
 
-QList<OssSnBaseNode *> OssAttributeEdit::targets(OssSnBaseNode *node)
+QList<OssSnBaseNode *> OssAttributeEdit::partners(const OssSnBaseNode *node)
 {
-    QList<OssSnBaseNode *> nodes{node};
+    QList<OssSnBaseNode *> nodes;
     if (!node->selected() || !node->network())
         return nodes;
     const QList<OssSnBaseNode *> selected = node->network()->selectedNodes();
     for (OssSnBaseNode *other : selected) {
         if (other != node && other->nodeType() == node->nodeType()
-            && other->pathKey() == node->pathKey() && !other->isLocked())
+            && other->pathKey() == node->pathKey())
             nodes.append(other);
     }
+    return nodes;
+}
+
+QList<OssSnBaseNode *> OssAttributeEdit::targets(OssSnBaseNode *node)
+{
+    QList<OssSnBaseNode *> nodes{node};
+    const QList<OssSnBaseNode *> others = partners(node);
+    std::copy_if(others.cbegin(), others.cend(), std::back_inserter(nodes),
+                 [](const OssSnBaseNode *other) { return !other->isLocked(); });
     return nodes;
 }
 

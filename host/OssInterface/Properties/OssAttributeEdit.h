@@ -44,7 +44,9 @@ public:
     /// Ends a drag.
     ~OssAttributeEdit();
 
-    /// The node and what else is selected of its type in its network; without those that are locked.
+    /// What else is selected of the node's type in its network.
+    static QList<OssSnBaseNode *> partners(const OssSnBaseNode *node);
+    /// The node and its partners, without those that are locked.
     static QList<OssSnBaseNode *> targets(OssSnBaseNode *node);
 
     /// For an edit of those parts that differ from what the node had.

@@ -307,21 +307,22 @@ void OssNodePropertyPanel::refreshTargets()
     m_refreshes = false;
     if (!m_node)
         return;
-    const QList<OssSnBaseNode *> nodes = OssAttributeEdit::targets(m_node);
-    const int others = nodes.size() - 1;
-    if (others == 0 && m_followed.isEmpty())
+    const QList<OssSnBaseNode *> partners = OssAttributeEdit::partners(m_node);
+    if (partners.isEmpty() && m_followed.isEmpty())
         return;
     for (const QPointer<OssSnBaseNode> &node : qAsConst(m_followed)) {
         if (node)
             node->disconnect(this);
     }
     m_followed.clear();
-    for (OssSnBaseNode *node : nodes.mid(1)) {
+    // Those that are locked may be unlocked.
+    for (OssSnBaseNode *node : partners) {
         connect(node, &OssSerializableObject::userAttributeChanged, this,
                 &OssNodePropertyPanel::refreshLater);
         connect(node, &OssSnBaseNode::lockedChanged, this, &OssNodePropertyPanel::refreshLater);
         m_followed.append(node);
     }
+    const int others = OssAttributeEdit::targets(m_node).size() - 1;
     m_others->setText(tr("and %n more", "", others));
     m_others->setToolTip(tr("Edits go to all selected nodes of this type"));
     m_others->setVisible(others > 0);

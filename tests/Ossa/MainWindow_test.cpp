@@ -23,6 +23,7 @@
 #include <QPushButton>
 #include <QTimer>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -33,7 +34,7 @@ protected:
     Window()
     {
         open();
-        window->openAtStart(QString());
+        projects()->newProject(text("Untitled"));
     }
 
     OssPalette *graph = make("Node Graph", "node_graph_palette");
@@ -138,9 +139,26 @@ TEST_F(Window, whatIsTypedOrInTheHandIsSavedAndAskedAbout)
 TEST_F(Window, aProjectThatCannotBeOpenedIsToldOnceAndLeavesTheOpenOne)
 {
     const DialogAnswers answers;
+    const OssProject *before = projects()->currentProject();
     window->openAtStart(text("/nowhere/wall.ossa"));
     EXPECT_EQ(answers.boxes.size(), 1);
-    EXPECT_NE(projects()->currentProject(), nullptr);
+    EXPECT_EQ(projects()->currentProject(), before);
+}
+
+TEST_F(Window, aStartWithoutAProjectSaysHowToGoOn)
+{
+    projects()->closeProject();
+    QApplication::setActiveWindow(window.get());
+    window->setFocus();
+    window->openAtStart(QString());
+    EXPECT_EQ(projects()->currentProject(), nullptr);
+    const auto *welcome = window->findChild<WelcomePanel *>();
+    EXPECT_TRUE(welcome->isVisible());
+    EXPECT_TRUE(welcome->isAncestorOf(QApplication::focusWidget())) << "its keys work at once";
+    const auto lists = welcome->findChildren<QListWidget *>();
+    EXPECT_TRUE(std::any_of(lists.cbegin(), lists.cend(), [](const QListWidget *list) {
+        return !list->findItems(text("Weathered Brick"), Qt::MatchExactly).isEmpty();
+    })) << "the examples";
 }
 
 TEST_F(Window, theLastProjectIsOpenedAgainOnlyWhenTheUserWantsIt)
@@ -152,7 +170,7 @@ TEST_F(Window, theLastProjectIsOpenedAgainOnlyWhenTheUserWantsIt)
         preferences->setReopenLastProject(reopen);
         projects()->closeProject();
         window->openAtStart(QString());
-        EXPECT_EQ(projects()->currentProject()->path() == path("wall.ossa"), reopen);
+        EXPECT_EQ(projects()->currentProject() != nullptr, reopen);
     }
     preferences->resetReopenLastProject();
     RecentProjects::clear();

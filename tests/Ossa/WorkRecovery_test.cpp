@@ -146,7 +146,7 @@ TEST_F(WorkRecoveryTest, discardingAsksFirst)
         EXPECT_FALSE(dialog->isVisible()) << "there is nothing left to decide";
     });
     window->openAtStart(QString());
-    EXPECT_NE(projects()->currentProject(), nullptr);
+    EXPECT_EQ(projects()->currentProject(), nullptr);
 }
 
 TEST_F(WorkRecoveryTest, withoutAUserItIsReportedAndLeftAlone)

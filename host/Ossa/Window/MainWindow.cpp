@@ -154,7 +154,8 @@ void MainWindow::openAtStart(const QString &path)
     const bool reopen = path.isEmpty() && ApplicationPreferences::instance()->reopenLastProject();
     if (reopen && !recent.isEmpty() && m_project->open(recent.first()))
         return;
-    m_project->newProject();
+    if (m_welcome->isVisible())
+        m_welcome->setFocus();
 }
 
 void MainWindow::keepWork()

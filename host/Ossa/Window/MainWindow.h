@@ -33,7 +33,8 @@ public:
     /// The program and its plug-ins with author, version and legal notice, as markup.
     QString aboutText() const;
     /// Opens the unsaved work that the user chose, asked now if not before; else the project of the
-    /// given path; with none, what the preferences say.
+    /// given path; with none, what the preferences say. Where nothing is opened the graph's place says
+    /// how to go on.
     void openAtStart(const QString &path);
 
     /// The session ends and nobody can be asked: a copy of unsaved work is left for the next one.

@@ -45,6 +45,7 @@ WelcomePanel::WelcomePanel(QWidget *parent)
     hint->setObjectName(QStringLiteral("Muted"));
     auto *buttons = new QHBoxLayout;
     addButton(QStringLiteral("/Ossa/File/New"), buttons);
+    addButton(QStringLiteral("/Ossa/File/New Project..."), buttons);
     addButton(QStringLiteral("/Ossa/File/Open..."), buttons);
     buttons->addStretch(1);
     auto *recent = new QVBoxLayout;

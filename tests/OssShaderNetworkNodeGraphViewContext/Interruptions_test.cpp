@@ -18,6 +18,7 @@ protected:
         std::function<QPoint()> from;
         Qt::MouseButton button = Qt::LeftButton;
         Qt::KeyboardModifiers keys = Qt::NoModifier;
+        const char *navigation = "Kova";
     };
 
     struct Interruption
@@ -110,6 +111,12 @@ QVector<Interruptions::Gesture> Interruptions::gestures()
          Qt::LeftButton, Qt::ShiftModifier},
         {"pan", body, Qt::MiddleButton},
         {"zoom", body, Qt::MiddleButton, Qt::AltModifier},
+        {"minimap",
+         [this] {
+             return m_view->viewport()->rect().bottomRight() - QPoint(100, 70);
+         }},
+        {"pan of the other scheme", body, Qt::LeftButton, Qt::AltModifier, "Ossa"},
+        {"zoom of the other scheme", body, Qt::RightButton, Qt::AltModifier, "Ossa"},
     };
 }
 
@@ -184,6 +191,7 @@ void Interruptions::check(const Gesture &gesture, const Interruption &interrupti
 {
     SCOPED_TRACE(std::string(gesture.name) + ", " + interruption.name);
     fill();
+    m_view->setNavigationControlType(QString::fromLatin1(gesture.navigation));
     const QPoint from = gesture.from();
     pointer(QEvent::MouseButtonPress, from, gesture.button, gesture.button, gesture.keys);
     for (const QPoint &way : {QPoint(15, 10), QPoint(40, 30)})
@@ -226,6 +234,7 @@ TEST_F(Interruptions, noGestureOutlivesWhatComesBetween)
         for (const Interruption &interruption : others)
             check(gesture, interruption);
     }
+    m_view->setNavigationControlType(QStringLiteral("Kova"));
 }
 
 } // namespace

@@ -186,6 +186,8 @@ void OssShaderNetworkNodeGraphViewContextPlugin::forward(const QString &title, C
     // Commands that are told of in the midst of their work tell of it themselves.
     if (changed && !told)
         networks->emitNodeGraphIsManuallyChanged();
+    if (!title.isEmpty() && !view->network())
+        OssStatusManager::instance()->showMessage(tr("%1: open a project first").arg(title));
 }
 
 template <class Call>

@@ -85,8 +85,16 @@ void OssSnNodeGraphViewContextManager::createLayoutAction()
 {
     const QString path = QStringLiteral("/Ossa/NodeGraph/Autoplace");
     QAction *action = OssCommandTable::makeAction(path, this);
-    connect(action, &QAction::triggered, this,
-            qOverload<>(&OssSnNodeGraphViewContextManager::beautifyNodesLayout));
+    connect(action, &QAction::triggered, this, [this] {
+        bool changed = false;
+        const auto recording = connect(OssUndoManager::instance(), &OssUndoManager::recorded, this,
+                                       [&changed] { changed = true; });
+        beautifyNodesLayout();
+        disconnect(recording);
+        if (!changed)
+            OssStatusManager::instance()->showMessage(
+                tr("Autoplace: nothing stands elsewhere than it should"));
+    });
     OssActionTreeManager *tree = OssActionTreeManager::instance();
     if (!tree->hasAction(path))
         tree->registerAction(QStringLiteral("/Ossa/NodeGraph/"), action);
@@ -168,10 +176,16 @@ void OssSnNodeGraphViewContextManager::addImageAs()
         return;
     const OssUndoManager::Gathering gathering(action->toolTip());
     const QList<OssImage *> images = OssImageManager::instance()->images();
+    bool hasImage = false;
     for (OssImage *image : images) {
-        if (image->selected())
-            view->createNodeFromDropImage(image, key, QPointF(0.0, 0.0));
+        if (!image->selected())
+            continue;
+        view->createNodeFromDropImage(image, key, QPointF(0.0, 0.0));
+        hasImage = true;
     }
+    if (!hasImage)
+        OssStatusManager::instance()->showMessage(
+            tr("%1: select a picture of the Images palette first").arg(action->text()));
 }
 
 void OssSnNodeGraphViewContextManager::initialiseNodeGraphPalette()
@@ -335,13 +349,21 @@ void OssSnNodeGraphViewContextManager::onNodeCollapsedModeChanged()
     if (!view || missing(view->network(), "Network is NULL"))
         return;
     const int mode = action->property("Mode").toInt();
+    bool fits = false;
     const QList<OssSnBaseNode *> nodes = view->network()->selectedNodes();
     for (OssSnBaseNode *node : nodes) {
         const bool hasStreams = qobject_cast<OssSnMultiChannelGroupNode *>(node)
                                 || node->hasTag(OssSnTags::shader());
         if (mode == StreamCollapsed && !hasStreams)
             continue;
-        if (OssSnNodeGraphViewContext *context = contextOf(node))
-            context->setPortListMode(DefaultMCMCollapsedState(mode));
+        OssSnNodeGraphViewContext *context = contextOf(node);
+        if (!context || !qobject_cast<OssNgExtendedNode *>(context->guiNode()))
+            continue;
+        context->setPortListMode(DefaultMCMCollapsedState(mode));
+        fits = true;
     }
+    if (!fits)
+        OssStatusManager::instance()->showMessage(
+            nodes.isEmpty() ? tr("%1: select a node first").arg(action->text())
+                            : tr("%1: what is selected has no such ports").arg(action->text()));
 }

@@ -27,6 +27,8 @@
 #include <QScrollBar>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 // The list of panels. What a panel is made of: OssShaderNetworkWidget_panel.cpp.
 
 namespace {
@@ -294,6 +296,10 @@ void OssSnNodePropertiesWidget::onMaxPanelsEditingFinished()
 
 void OssSnNodePropertiesWidget::deleteAllProperties()
 {
+    if (std::all_of(m_panels.cbegin(), m_panels.cend(),
+                    [](const QWidget *panel) { return !panel || isPinned(panel); }))
+        OssStatusManager::instance()->showMessage(
+            m_panels.isEmpty() ? tr("No panel is open") : tr("Panels that are pinned stay"));
     for (auto entry = m_panels.begin(); entry != m_panels.end();) {
         QWidget *panel = *entry;
         if (isPinned(panel)) {

@@ -118,8 +118,15 @@ void OssShaderNetworkView::tellOfRemoval(const QList<OssSnBaseNode *> &nodes)
 void OssShaderNetworkView::extractSelectedNode()
 {
     const QList<OssSnBaseNode *> selected = selectedNodes();
-    if (!selected.isEmpty())
-        selected.first()->network()->extractNodes(selected, true);
+    if (selected.isEmpty())
+        return;
+    const bool wired = std::any_of(selected.cbegin(), selected.cend(), [](OssSnBaseNode *node) {
+        const QList<OssSnBaseNode *> inputs = node->inputNodes();
+        return inputs.count(nullptr) < inputs.size() || !node->outgoingConnections().isEmpty();
+    });
+    selected.first()->network()->extractNodes(selected, true);
+    if (!wired)
+        tellUser(tr("What is selected has no wires"));
 }
 
 void OssShaderNetworkView::disableSelectedNodes()
@@ -208,9 +215,15 @@ void OssShaderNetworkView::arrange(OssShaderNetworkManager::Arrangement how)
         if (auto *node = guiNode ? qobject_cast<OssSnBaseNode *>(guiNode->businessNode()) : nullptr)
             nodes.append(node);
     }
+    bool changed = false;
+    const auto recording = connect(OssUndoManager::instance(), &OssUndoManager::recorded, this,
+                                   [&changed] { changed = true; });
     const OssResult result = OssShaderNetworkManager::instance()->requestArrangement(nodes, how);
+    disconnect(recording);
     if (!result)
         tellUser(result.error());
+    else if (!changed)
+        tellUser(tr("What is selected stands like that already"));
 }
 
 // --- swapping inputs
@@ -346,6 +359,7 @@ void OssShaderNetworkView::openGroupsBehind()
 template <class Change>
 void OssShaderNetworkView::changePortLists(const char *missingContext, Change change)
 {
+    bool hasPorts = false;
     const QList<OssSnBaseNode *> selected = selectedNodes();
     for (const OssSnBaseNode *node : selected) {
         const OssSnNodeGraphViewContext *context = OssSnNodeGraphViewContextManager::contextOf(
@@ -354,9 +368,13 @@ void OssShaderNetworkView::changePortLists(const char *missingContext, Change ch
             OssDebug(Source, __LINE__, "%s", missingContext);
             continue;
         }
-        if (auto *extended = qobject_cast<OssNgExtendedNode *>(context->guiNode()))
+        if (auto *extended = qobject_cast<OssNgExtendedNode *>(context->guiNode())) {
             change(extended);
+            hasPorts = true;
+        }
     }
+    if (!hasPorts && !selected.isEmpty())
+        tellUser(tr("What is selected has no ports"));
 }
 
 void OssShaderNetworkView::togglePortVisibility()

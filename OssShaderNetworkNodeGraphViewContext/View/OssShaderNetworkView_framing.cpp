@@ -49,8 +49,8 @@ void OssShaderNetworkView::frameNodes(bool EntireScene)
 {
     if (!scene())
         return;
-    const bool all = EntireScene || selectionCount() < 1;
-    fitInView(all ? visibleNodeBounds() : selectionBounds(), Qt::KeepAspectRatio);
+    const QRectF selected = EntireScene ? QRectF() : selectionBounds(); // of wires there are none
+    fitInView(selected.isEmpty() ? visibleNodeBounds() : selected, Qt::KeepAspectRatio);
     capZoom();
 }
 

@@ -176,6 +176,8 @@ void OssShaderNetworkView::dumpSelectedNodeInfo()
     const QList<OssSnBaseNode *> nodes = m_network->selectedNodes();
     for (const OssSnBaseNode *node : nodes)
         dumps.append(node->dumpNodeInfo());
+    tellUser(nodes.isEmpty() ? tr("Dump Selected Node Info: select a node first")
+                             : tr("The log tells what the selected nodes are made of"));
     OssDebugTitle(Source, __LINE__, "Dump Selected Shader Node Info", "%s",
                   qPrintable(dumps.join(QLatin1Char('\n'))));
 }

@@ -54,13 +54,18 @@ bool goOn(const Nodes &starts, Gather gather, bool add)
     return true;
 }
 
-/// Walks may leave the network; what is selected does not. All starts stand in the same one.
-void addWithinNetwork(const Nodes &starts, const Nodes &found)
+/// Walks may leave the network; what is selected does not. All starts stand in the same one. Whether
+/// there was something to add is returned, also where nothing was asked for.
+bool addWithinNetwork(const Nodes &starts, const Nodes &found)
 {
+    bool added = starts.isEmpty();
     for (OssSnBaseNode *node : found) {
-        if (node->network() == starts.first()->network())
-            node->setSelected(true);
+        if (node->network() != starts.first()->network())
+            continue;
+        added = added || !node->selected();
+        node->setSelected(true);
     }
+    return added;
 }
 
 Nodes sources(OssSnBaseNode *node)
@@ -102,25 +107,29 @@ QList<OssSnBaseNode *> OssShaderNetworkView::selectedBusinessNodes() const
 void OssShaderNetworkView::selectAllUpstream()
 {
     const Nodes starts = selectedBusinessNodes();
-    addWithinNetwork(starts, OssShaderNetworkUtils::getUpstreamNodes(starts, true, true));
+    if (!addWithinNetwork(starts, OssShaderNetworkUtils::getUpstreamNodes(starts, true, true)))
+        tellUser(tr("Nothing more goes into what is selected"));
 }
 
 void OssShaderNetworkView::selectAllDownstream()
 {
     const Nodes starts = selectedBusinessNodes();
-    addWithinNetwork(starts, OssShaderNetworkUtils::getDownstreamNodes(starts, true, true));
+    if (!addWithinNetwork(starts, OssShaderNetworkUtils::getDownstreamNodes(starts, true, true)))
+        tellUser(tr("Nothing more follows what is selected"));
 }
 
 void OssShaderNetworkView::selectStreamUpstream()
 {
     const Nodes starts = selectedBusinessNodes();
-    addWithinNetwork(starts, OssShaderNetworkUtils::getUpstreamNodes(starts, true, false));
+    if (!addWithinNetwork(starts, OssShaderNetworkUtils::getUpstreamNodes(starts, true, false)))
+        tellUser(tr("Nothing more goes into what is selected"));
 }
 
 void OssShaderNetworkView::selectStreamDownstream()
 {
     const Nodes starts = selectedBusinessNodes();
-    addWithinNetwork(starts, OssShaderNetworkUtils::getDownstreamNodes(starts, true, false));
+    if (!addWithinNetwork(starts, OssShaderNetworkUtils::getDownstreamNodes(starts, true, false)))
+        tellUser(tr("Nothing more follows what is selected"));
 }
 
 void OssShaderNetworkView::selectUpstream()

@@ -3,8 +3,8 @@
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssCore/Undo/OssUndoManager.h"
-#include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/Actions/OssCommandTable.h"
+#include "OssInterface/Actions/OssShortcutManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Types/OssSnTags.h"
@@ -15,7 +15,6 @@
 #include "OssSnNodeGraphViewContextManager.h"
 #include "View/Backdrops.h"
 
-#include <QAction>
 #include <QGuiApplication>
 #include <QLineF>
 #include <QMouseEvent>
@@ -36,19 +35,6 @@ OssSnGroupNodeGraphViewContext *groupContextOf(const OssSnBaseNode *node)
 {
     return qobject_cast<OssSnGroupNodeGraphViewContext *>(
         OssSnNodeGraphViewContextManager::contextOf(node));
-}
-
-/// Its key comes to the view only because it cannot act now.
-void tellOfDisabledCommand(const QKeyEvent *event)
-{
-    const QKeySequence keys(event->key() | int(event->modifiers() & ~Qt::KeypadModifier));
-    for (const OssActionTreeManager::Entry &entry : OssActionTreeManager::instance()->entries()) {
-        const bool elsewhere = entry.path.startsWith(QLatin1String("/Ossa/Viewer/"));
-        if (elsewhere || entry.action->isEnabled() || !entry.action->shortcuts().contains(keys))
-            continue;
-        OssStatusManager::instance()->showMessage(OssCommandTable::whyDisabled(entry.path));
-        return;
-    }
 }
 
 } // namespace
@@ -208,8 +194,13 @@ void OssShaderNetworkView::keyPressEvent(QKeyEvent *event)
     }
     event->ignore();
     PlacingView::keyPressEvent(event);
-    if (!event->isAccepted())
-        tellOfDisabledCommand(event);
+    if (event->isAccepted())
+        return;
+    const QString disabled = OssShortcutManager::instance()->disabledCommand(*event, this);
+    if (disabled.isEmpty())
+        return;
+    OssStatusManager::instance()->showMessage(OssCommandTable::whyDisabled(disabled));
+    event->accept();
 }
 
 void OssShaderNetworkView::keyReleaseEvent(QKeyEvent *event)

@@ -42,6 +42,15 @@ void look(OssSnBaseNode *viewer, int num)
         network->rootNetwork()->setViewerNodeCurrentEdge(num, true);
 }
 
+QString shownThrough(const OssSnBaseNode *viewer, int num)
+{
+    using View = OssShaderNetworkView;
+    const OssSnBaseNode *shown = viewer->inputNode(QString::number(num));
+    return shown ? View::tr("The viewer shows %1 at its input %2").arg(shown->name()).arg(num)
+                 : View::tr("Nothing is connected to the viewer's input %1: select a node first")
+                       .arg(num);
+}
+
 void connectToViewer(OssSnBaseNode *viewer, OssSnBaseNode *node, const QString &outputPoint,
                      int num)
 {
@@ -144,6 +153,7 @@ void OssShaderNetworkView::connectSelectedNodeToViewer(OssSnBaseNode *Node, int 
         return;
     if (!Node || Node == viewer) {
         look(viewer, Num);
+        tellUser(shownThrough(viewer, Num));
         return;
     }
     if (scene())

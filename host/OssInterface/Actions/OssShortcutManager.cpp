@@ -282,6 +282,21 @@ bool OssShortcutManager::scopesOverlap(const QString &path, const QString &other
     return contains(one->widget, other->widget) || contains(other->widget, one->widget);
 }
 
+QString OssShortcutManager::disabledCommand(const QKeyEvent &event, const QWidget *focus) const
+{
+    const QKeySequence pressed = keysOf(event);
+    for (auto bound = m_bound.cbegin(); bound != m_bound.cend(); ++bound) {
+        const QAction *action = bound.value();
+        if (!action || action->isEnabled() || !action->shortcuts().contains(pressed))
+            continue;
+        const Scope *scope = scopeOf(bound.key());
+        if (!scope || scope->widget->isWindow() || scope->widget == focus
+            || scope->widget->isAncestorOf(focus))
+            return bound.key();
+    }
+    return {};
+}
+
 bool OssShortcutManager::isCovered(QAction *action) const
 {
     const QWidget *modal = action ? QApplication::activeModalWidget() : nullptr;

@@ -58,6 +58,10 @@ public:
     QString groupOf(const QString &path) const;
     void assignGroup(const QString &path, const QString &group);
 
+    /// Identity of the command that the pressed keys mean with the focus there, and that cannot be used
+    /// now; empty when there is none. For whoever gets a key that nobody took.
+    QString disabledCommand(const QKeyEvent &event, const QWidget *focus) const;
+
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 Q_SIGNALS:

@@ -1,5 +1,6 @@
 #include "OssNodeGraph/View/OssNgView.h"
 
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
 #include "OssNodeGraph/Gestures/OssNgBackdropResizeGesture.h"
 #include "OssNodeGraph/Gestures/OssNgEdgeDragGesture.h"
@@ -217,8 +218,11 @@ void OssNgView::pickUpEdge()
     const QPointF mouse = viewport()->mapFromGlobal(QCursor::pos());
     const QPointF position = toScene(mouse);
     OssNgEdge *edge = sceneIndex()->edgeAt(position, wireReach());
-    if (!edge || !edge->isFullConnected() || edge->isVirtual())
+    if (!edge || !edge->isFullConnected() || edge->isVirtual()) {
+        OssStatusManager::instance()->showMessage(
+            tr("Pick Up Edge Under Mouse: no wire is under the pointer"));
         return;
+    }
     startGesture(edgeFromWire(position, edge));
     m_isHeld = false;
     // Without a pressed button the next click drops it.

@@ -14,8 +14,7 @@ MarkCommands::MarkCommands(QObject *parent)
     Commands::file(this, QStringLiteral("/Ossa/Edit/Go to Last Change"), [] { goToLastChange(); });
     Commands::file(this, QStringLiteral("/Ossa/NodeGraph/Mark Dependencies"),
                    [] { markDependencies(); });
-    Commands::file(this, QStringLiteral("/Ossa/NodeGraph/Clear Marks"),
-                   [] { OssDependencyMarks::instance()->mark({}); });
+    Commands::file(this, QStringLiteral("/Ossa/NodeGraph/Clear Marks"), [] { clearMarks(); });
 }
 
 bool MarkCommands::goToStep(int step)
@@ -33,6 +32,12 @@ void MarkCommands::goToLastChange()
     if (!goToStep(OssUndoManager::instance()->index() - 1))
         OssStatusManager::instance()->showMessage(
             tr("The last step changed no node that is in a graph"));
+}
+
+void MarkCommands::clearMarks()
+{
+    OssDependencyMarks::instance()->mark({});
+    OssStatusManager::instance()->showMessage(tr("No dependencies are marked any more"));
 }
 
 void MarkCommands::markDependencies()

@@ -17,4 +17,5 @@ public:
 private:
     static void goToLastChange();
     static void markDependencies();
+    static void clearMarks();
 };

@@ -2,6 +2,7 @@
 
 #include "Ossa/Commands/Commands.h"
 #include "Ossa/Scripting/ConsolePanel.h"
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssInterface/Palettes/OssPalette.h"
 #include "OssInterface/Palettes/OssPaletteManager.h"
 #include "OssInterface/Popups/OssFileDialog.h"
@@ -18,8 +19,10 @@ ScriptCommands::ScriptCommands(QWidget *window)
     Commands::file(this, QStringLiteral("/Ossa/Script/Run File..."), [this] { runFile(); });
     Commands::file(this, QStringLiteral("/Ossa/Script/Stop"),
                    [] { OssScriptEngine::instance()->stop(); });
-    Commands::file(this, QStringLiteral("/Ossa/Script/Forget Names"),
-                   [] { OssScriptEngine::instance()->resetNames(); });
+    Commands::file(this, QStringLiteral("/Ossa/Script/Forget Names"), [] {
+        OssScriptEngine::instance()->resetNames();
+        OssStatusManager::instance()->showMessage(tr("The console knows no names any more"));
+    });
     const OssScriptEngine *engine = OssScriptEngine::instance();
     connect(engine, &OssScriptEngine::started, this, &ScriptCommands::refresh);
     connect(engine, &OssScriptEngine::finished, this, &ScriptCommands::refresh);

@@ -228,6 +228,10 @@ void MainWindow::keyPressEvent(QKeyEvent *event)
         OssStatusManager::instance()->askToStop();
     else
         QMainWindow::keyPressEvent(event);
+    const QString disabled = OssShortcutManager::instance()->disabledCommand(
+        *event, QApplication::focusWidget());
+    if (!disabled.isEmpty())
+        OssStatusManager::instance()->showMessage(OssCommandTable::whyDisabled(disabled));
 }
 
 void MainWindow::fileViewCommands()

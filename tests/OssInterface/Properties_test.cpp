@@ -442,6 +442,10 @@ TEST_F(PropertyKnobs, theCountOfOthersFollowsTheSelection)
         QCoreApplication::processEvents();
         EXPECT_EQ(isTold(), !locked);
     }
+    for (const bool locked : {true, false}) {
+        third->setLocked(locked);
+        EXPECT_EQ(isTold(), !locked) << "what is locked passes nothing on";
+    }
     third->network()->removeNodes({fourth});
     QCoreApplication::processEvents();
     EXPECT_FALSE(isTold());

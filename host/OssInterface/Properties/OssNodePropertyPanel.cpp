@@ -255,6 +255,7 @@ void OssNodePropertyPanel::followSelection()
 {
     connect(m_node, &OssSerializableObject::selectedChanged, this,
             &OssNodePropertyPanel::refreshTargets);
+    connect(m_node, &OssSnBaseNode::lockedChanged, this, &OssNodePropertyPanel::refreshTargets);
     if (const OssShaderNetwork *network = m_node->network()) {
         connect(network, &OssShaderNetwork::selectionChanged, this,
                 &OssNodePropertyPanel::refreshLater);
@@ -322,7 +323,7 @@ void OssNodePropertyPanel::refreshTargets()
         connect(node, &OssSnBaseNode::lockedChanged, this, &OssNodePropertyPanel::refreshLater);
         m_followed.append(node);
     }
-    const int others = OssAttributeEdit::targets(m_node).size() - 1;
+    const int others = isLocked() ? 0 : OssAttributeEdit::targets(m_node).size() - 1;
     m_others->setText(tr("and %n more", "", others));
     m_others->setToolTip(tr("Edits go to all selected nodes of this type"));
     m_others->setVisible(others > 0);

@@ -116,4 +116,31 @@ TEST_F(Repaint, partsMakeTheWholeAtEveryZoomAndScroll)
     }
 }
 
+TEST_F(Repaint, anOverviewShowsChangesOfWhatWasNeverSeenNearer)
+{
+    view.zoomAbout(0.2, {350, 250});
+    expectWhole("zooming");
+    for (const bool wholeIsDue : {false, true}) {
+        // Of what is added while everything is to be painted anyhow, Qt never learns where it is seen.
+        if (wholeIsDue)
+            scene.update();
+        auto *late = scene.add(text("Late"), {-500.0, -500.0});
+        late->setPosition({-600.0, -700.0});
+        expectWhole("adding a node");
+        late->setSelected(true);
+        expectWhole("selecting");
+        late->setSelected(false);
+        expectWhole("selecting nothing");
+        late->setVisible(false);
+        expectWhole("hiding");
+        late->setVisible(true);
+        expectWhole("showing");
+        scene.removeItem(late);
+        expectWhole("removing");
+        scene.addItem(late);
+        late->setPosition({900.0, -900.0});
+        expectWhole("adding it elsewhere");
+    }
+}
+
 } // namespace

@@ -155,12 +155,13 @@ void OssNgSceneIndex::removeNode(OssNgNode *node)
 void OssNgSceneIndex::updateNode(OssNgNode *node)
 {
     NodeEntry &entry = m_nodes[node->m_indexSlot];
-    const QRectF before = entry.bounds;
+    const NodeEntry before = entry;
     fill(entry, node);
-    if (entry.bounds != before) {
-        repaint(before);
+    if (entry.bounds != before.bounds)
+        repaint(before.bounds);
+    if (entry.bounds != before.bounds || entry.color != before.color
+        || entry.selected != before.selected || entry.visible != before.visible)
         repaint(entry.bounds);
-    }
     if (m_nodes.settle(node->m_indexSlot))
         coverByScene(entry.bounds);
     ++m_revision;

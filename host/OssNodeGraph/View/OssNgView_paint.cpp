@@ -48,8 +48,14 @@ void OssNgView::drawBackground(QPainter *painter, const QRectF &rect)
 
 void OssNgView::paintEvent(QPaintEvent *event)
 {
+    const bool overview = scene() && zoom() < OssNgStyle::Overview;
+    if (overview) {
+        // Of no area: a scene that is to be painted whole takes no further updates before Qt painted it.
+        QPaintEvent nothing{QRegion()};
+        QGraphicsView::paintEvent(&nothing);
+    }
     m_exposed = event->region();
-    if (scene() && zoom() < OssNgStyle::Overview) {
+    if (overview) {
         QPainter painter(viewport());
         painter.setClipRegion(m_exposed);
         painter.setWorldTransform(viewportTransform());

@@ -280,6 +280,17 @@ TEST_F(WorkRecoveryTest, aSignalToEndIsToldOnceAndTheWorkIsKept)
     EXPECT_EQ(copies().size(), 1) << "nobody was asked";
 }
 
+TEST_F(WorkRecoveryTest, aSignalBeforeTheLayoutIsRestoredLeavesThatOfTheLastSession)
+{
+    const QString key = text("MainWindow/geometry");
+    OssSettings().setValue(key, text("of the last session"));
+    const auto early = std::make_unique<MainWindow>();
+    early->keepWork();
+    EXPECT_EQ(OssSettings().value(key).toString(), text("of the last session"));
+    window->keepWork();
+    EXPECT_NE(OssSettings().value(key).toString(), text("of the last session"));
+}
+
 TEST_F(WorkRecoveryTest, aSaveThatFailsIsToldOnceAndKeepsTheChanges)
 {
     const ExpectedLog expected[] = {ExpectedLog("\"wall\" was not saved"),

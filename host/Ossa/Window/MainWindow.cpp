@@ -161,7 +161,8 @@ void MainWindow::openAtStart(const QString &path)
 void MainWindow::keepWork()
 {
     m_recovery->keepCopy();
-    saveLayout();
+    if (isVisible()) // or the layout of the last session is not restored yet
+        saveLayout();
 }
 
 QString MainWindow::notificationText() const

@@ -172,7 +172,7 @@ TEST_F(UserAttributes, anOrderIsTakenOnlyWhole)
 TEST_F(UserAttributes, aChangeOfLooksIsAChange)
 {
     OssCustomAttribute size = m_object.userAttribute(text("Size"));
-    size.setVisible(false);
+    size.editDefinition().visible = false;
     m_object.setUserAttribute(size, true);
     EXPECT_FALSE(m_object.userAttribute(text("Size")).isVisible());
     m_undo->undo();

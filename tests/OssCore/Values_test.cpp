@@ -264,7 +264,7 @@ TEST(CustomAttribute, copiesAreIndependent)
     OssCustomAttribute copy = size;
     copy.setValue(2.0);
     copy.setPrettyName(text("Bricks"));
-    copy.setVisible(false);
+    copy.editDefinition().visible = false;
     copy.editDefinition().group = text("Pattern");
     copy.editDefinition().maximum = 5.0;
     EXPECT_FALSE(size.definition().maximum.isValid());
@@ -286,7 +286,7 @@ TEST(CustomAttribute, anyDifferenceThatAUserSeesMakesThemUnequal)
         [](auto *a) { a->setValue(2.0); },
         [](auto *a) { a->setPrettyName(text("Other")); },
         [](auto *a) { a->editDefinition().group = text("Other"); },
-        [](auto *a) { a->setVisible(false); },
+        [](auto *a) { a->editDefinition().visible = false; },
         [](auto *a) { a->editDefinition().name = text("Other"); },
     };
     const OssCustomAttribute size(text("Size"), 1.0);

@@ -197,7 +197,7 @@ TEST_F(PropertiesPanel, rebuildKeepsPlaceAndCollapsedSections)
     EXPECT_EQ(panel->row(text("Gamma")), nullptr);
 
     OssCustomAttribute hidden(text("hidden"), 1.0);
-    hidden.setVisible(false);
+    hidden.editDefinition().visible = false;
     group->setUserAttribute(hidden, true);
     EXPECT_EQ(m_widget->panel(group), panel);
 }

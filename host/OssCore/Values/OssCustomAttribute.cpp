@@ -70,11 +70,6 @@ void OssCustomAttribute::setPrettyName(const QString &prettyName)
     editDefinition().prettyName = prettyName;
 }
 
-void OssCustomAttribute::setVisible(bool visible)
-{
-    editDefinition().visible = visible;
-}
-
 bool OssCustomAttribute::isDefault() const
 {
     return m_value == definition().defaultValue;

@@ -51,7 +51,6 @@ public:
     void setValue(const QVariant &value) { m_value = value; }
 
     void setPrettyName(const QString &prettyName);
-    void setVisible(bool visible);
 
     const Definition &definition() const;
     Definition &editDefinition();

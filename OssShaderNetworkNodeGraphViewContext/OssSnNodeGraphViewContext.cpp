@@ -1,5 +1,6 @@
 #include "OssSnNodeGraphViewContext.h"
 
+#include "Manager/NodeIcons.h"
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Program/OssResourceInfo.h"
 #include "OssCore/Undo/OssUndoManager.h"
@@ -194,9 +195,10 @@ void OssSnNodeGraphViewContext::applyLook()
     m_GuiNode->setCategory(categoryOf(node->pathKey()));
     // Again: a node that comes from a file learns its state after its item was made.
     applyNodeState();
-    if (m_pixmapPath.isEmpty())
+    const QString file = m_pixmapPath.isEmpty() ? NodeIcons::fileOf(node->pathKey()) : m_pixmapPath;
+    if (file.isEmpty())
         return;
-    const QString path = OssResourceInfo::instance()->iconPath() + QLatin1Char('/') + m_pixmapPath;
+    const QString path = OssResourceInfo::instance()->iconPath() + QLatin1Char('/') + file;
     QPixmap pixmap;
     if (!QPixmapCache::find(path, &pixmap)) {
         pixmap = QPixmap(path);

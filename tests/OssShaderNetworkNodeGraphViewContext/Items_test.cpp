@@ -1,10 +1,13 @@
 #include "GraphFixture.h"
+#include "Manager/NodeIcons.h"
+#include "OssCore/Program/OssResourceInfo.h"
 #include "OssCore/Values/OssColor.h"
 #include "OssModel/Nodes/OssProblems.h"
 #include "OssModel/Types/OssSnNodeType.h"
 #include "OssNodeGraph/Items/OssNgUINode.h"
 #include "OssSnUINodeGraphViewContext.h"
 
+#include <QDir>
 #include <QImage>
 #include <QPainter>
 #include <QtTest>
@@ -388,6 +391,24 @@ TEST_F(ItemsTest, whatFailedIsReadOnTheNodeUntilItIsMended)
     problems->report(blur, OssProblems::Evaluation, {});
     problems->look();
     EXPECT_TRUE(itemOf(blur)->errorText().isEmpty());
+}
+
+TEST_F(ItemsTest, iconsOfTypesAreThereAndBelongToNoNode)
+{
+    const QDir icons(OssResourceInfo::instance()->iconPath());
+    const QStringList keys = OssShaderNetworkManager::instance()->nodeGraphPathKeys();
+    int shown = 0;
+    for (const QString &key : keys) {
+        const QString file = NodeIcons::fileOf(key);
+        shown += file.isEmpty() ? 0 : 1;
+        EXPECT_TRUE(file.isEmpty() || icons.exists(file)) << qPrintable(key);
+    }
+    EXPECT_GE(shown, 7);
+    OssSnBaseNode *bake = addAt("Misc/Bake Point", {0, 0});
+    const QImage with = picture(itemOf(bake));
+    EXPECT_TRUE(contextOf(bake)->pixmapPath().isEmpty()) << "it would be saved and be another node";
+    itemOf(bake)->setPixmap({});
+    EXPECT_NE(picture(itemOf(bake)), with);
 }
 
 } // namespace

@@ -241,6 +241,7 @@ void PaintBar::makeNode()
     OssSnBaseNode *shown = viewer->inputNode(input);
     if (!shown || shown->network() != network) {
         viewer->setInputNode(input, paint, paint->prefferedOutputPoint());
+        paint->positionNodeOnTopIndented(viewer);
     } else {
         const QString output = viewer->inputOutputPoint(input);
         OssSnBaseNode *merge = network->createNode(QStringLiteral("Layer/Merge"), {});

@@ -1,4 +1,14 @@
 #include "Ossa/Surfaces/LitRenderer.h"
+#include "Ossa/Surfaces/LitScene.h"
+#include "OssCore/Program/OssResourceInfo.h"
+#include "OssModel/Graph/OssGeoEntity.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Graph/OssShadingGroup.h"
+#include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/OssModelServices.h"
+#include "OssModel/Project/OssProject.h"
+#include "OssModel/Project/OssProjectManager.h"
 #include "OssRender/Draw/OssRdRenderer.h"
 #include "OssRender/Light/OssRdEnvironment.h"
 
@@ -7,7 +17,9 @@
 
 #include <QCoreApplication>
 #include <QEventLoop>
+#include <QTimer>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
@@ -168,11 +180,82 @@ void measureTurning(const std::shared_ptr<const OssRdScene> &scene)
     std::printf("%-36s %8d x %d\n", "of a size of", size.width(), size.height());
 }
 
+/// Of a new project, looked at.
+OssSnBaseNode *openMaterial()
+{
+    auto *networks = OssShaderNetworkManager::instance();
+    networks->loadNodeTypes(OssResourceInfo::instance()->nodeTypePath());
+    const OssProject *project = OssProjectManager::instance()->newProject(QStringLiteral("Light"));
+    OssShaderNetwork *network = project->shadingGroups().first()->network();
+    network->geoEntity()->setGeometry(QStringLiteral("sphere"));
+    networks->setCurrentShaderNetwork(network);
+    OssSnBaseNode *shader = network->createNode(QStringLiteral("Shaders/Standard Surface"), {});
+    network->viewerNode()->setInputNode(QStringLiteral("1"), shader,
+                                        shader->prefferedOutputPoint());
+    network->setViewerNodeCurrentEdge(1, true);
+    return shader;
+}
+
+/// From a value under the user's hand to the first picture that shows it, coarse, while the exact one of
+/// before is still being drawn.
+void measureSlider(const std::shared_ptr<const OssRdScene> &light)
+{
+    OssSnBaseNode *shader = openMaterial();
+    LitScene scene;
+    LitRenderer renderer;
+    QEventLoop loop;
+    LitRenderer::Request request;
+    request.screen.colors = OssEvColorSpaces::builtIn();
+    request.view.width = 1280;
+    request.view.height = 720;
+    request.view.projection = projection();
+    request.view.camera = cameraOf(0);
+    float wanted = -1.0F;
+    bool isAsked = false;
+    QObject::connect(&scene, &LitScene::changed, &loop, [&] {
+        auto seen = std::make_shared<OssRdScene>(*scene.scene());
+        seen->probe = light->probe;
+        request.scene = seen;
+        renderer.draw(request);
+        const bool has = seen->objects.size() == 1 && seen->objects[0].materials.count(1001) == 1;
+        const float now =
+            has ? seen->objects[0].materials.at(1001).maps[OssRdMaterial::Shape].value.a : -1.0F;
+        isAsked = std::abs(now - wanted) < 1e-3F;
+    });
+    QObject::connect(&renderer, &LitRenderer::drawn, &loop, [&](const QImage &picture) {
+        if (isAsked && !picture.isNull())
+            loop.quit();
+    });
+    scene.setActive(true);
+    double sum = 0.0;
+    double longest = 0.0;
+    constexpr int Warm = 5;
+    constexpr int Steps = 20;
+    for (int step = -Warm; step < Steps; ++step) {
+        wanted = 0.5F + 0.02F * float(step);
+        isAsked = false;
+        const double start = wallSeconds();
+        shader->setAttribute(QStringLiteral("Roughness"), double(wanted));
+        scene.follow();
+        loop.exec();
+        const double spent = step < 0 ? 0.0 : wallSeconds() - start;
+        sum += spent;
+        longest = std::max(longest, spent);
+        isAsked = false;
+        QTimer::singleShot(700, &loop, &QEventLoop::quit);
+        loop.exec();
+    }
+    std::printf("%-36s %20.1f ms, at most %.1f\n", "a slider's first picture", 1000.0 * sum / Steps,
+                1000.0 * longest);
+    OssProjectManager::instance()->closeProject();
+}
+
 } // namespace
 
 int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
+    const OssModelServices services;
     OssRdRenderer renderer;
     if (!renderer.problem().empty()) {
         std::printf("nothing can be drawn: %s\n", renderer.problem().c_str());
@@ -181,5 +264,6 @@ int main(int argc, char **argv)
     std::printf("%s\n", renderer.deviceName().c_str());
     const std::shared_ptr<const OssRdScene> scene = makeScene();
     measureTurning(scene);
+    measureSlider(scene);
     measureRenderer(&renderer, *scene);
 }

@@ -7,13 +7,16 @@
 #include "OssRender/Draw/SurfacePass.h"
 
 #include <algorithm>
+#include <chrono>
 #include <vector>
 
 namespace {
 
 constexpr int SamplesOfPixel = 4;
-constexpr int SmoothBand = 240;
-constexpr int ExactBand = 60;
+/// What can be given up is drawn in bands that take about so long, in seconds.
+constexpr double BandTime = 0.015;
+constexpr int FirstBand = 16; ///< rows
+constexpr int LeastBand = 4;
 /// How far the ground's shadow is drawn, in radii of all objects.
 constexpr float GroundReach = 3.0F;
 
@@ -163,17 +166,22 @@ bool OssRdRenderer::Private::drawSide(const Side &side, const OssRdView &view,
         shadow.draw(scene, extent, &copies);
     target.begin();
     glEnable(GL_SCISSOR_TEST);
-    // Band by band what takes long, so that it can be given up for what the user wants next.
-    const int band = view.mirrorSamples > 0 ? ExactBand : view.isSmooth ? SmoothBand : view.height;
+    int band = cancel ? FirstBand : view.height;
     bool isWanted = true;
-    for (int y = 0; y < view.height && isWanted; y += band) {
+    for (int y = 0; y < view.height && isWanted;) {
+        const auto start = std::chrono::steady_clock::now();
         glScissor(side.from, y, side.to - side.from, band);
         drawBehind(scene, view);
         surfaces.draw(scene, view, shadow, &copies);
         drawGround(scene, view, extent);
-        if (cancel)
-            glFinish();
-        isWanted = !cancel || !cancel->isCancelled();
+        y += band;
+        if (!cancel)
+            continue;
+        glFinish();
+        isWanted = !cancel->isCancelled();
+        const std::chrono::duration<double> spent = std::chrono::steady_clock::now() - start;
+        const double fitting = band * BandTime / std::max(spent.count(), 1e-6);
+        band = std::clamp(int(fitting), LeastBand, 2 * band);
     }
     glDisable(GL_SCISSOR_TEST);
     return isWanted;

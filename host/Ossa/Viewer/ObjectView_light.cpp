@@ -13,6 +13,9 @@
 namespace {
 
 constexpr glm::vec4 ground(0.0110F, 0.0123F, 0.0144F, 1.0F); // the canvas, scene-linear
+// Behind a channel by itself, which may be black: blue, as no number is. On the screen, and scene-linear.
+constexpr glm::vec4 dataGround(0.13F, 0.17F, 0.27F, 1.0F);
+constexpr glm::vec4 colorGround(0.0152F, 0.0245F, 0.0595F, 1.0F);
 
 } // namespace
 
@@ -127,8 +130,10 @@ void ObjectView::drawLight()
         request.screen.isData = true;
     }
     // Numbers have no surroundings.
-    if (m_look.shows != OssRdView::Shows::Lit)
+    if (m_look.shows != OssRdView::Shows::Lit) {
         request.view.behind = OssRdView::Behind::Plain;
+        request.view.ground = request.screen.isData ? dataGround : colorGround;
+    }
     request.isMoving = m_isMoving || m_wipe->isDragged();
     if (isComparing()) {
         // In the light that is chosen now.

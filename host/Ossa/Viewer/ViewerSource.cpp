@@ -23,7 +23,7 @@
 
 namespace {
 
-constexpr int lookInterval = 60;  // milliseconds
+constexpr int lookInterval = 16;  // milliseconds, of a frame
 constexpr int longestHold = 1000; // milliseconds
 constexpr int coarseResolution = 256;
 constexpr double coarseShare = 0.1; // of the work

@@ -292,6 +292,28 @@ QByteArray definitionOf(const OssSnNodeType &type)
     return text;
 }
 
+/// What all nodes that read files have, those of projects from before it was thought of, too. No part of
+/// what tells one version of a type from another.
+void addImplied(OssSnNodeType *type)
+{
+    if (type->kernel != QLatin1String("image"))
+        return;
+    QSharedDataPointer<OssCustomAttribute::Definition> definition(
+        new OssCustomAttribute::Definition);
+    definition->name = QStringLiteral("FileSpace");
+    definition->prettyName = tr("File Color Space");
+    definition->toolTip = tr(
+        "In which the numbers of the file stand; automatic goes by the project's "
+        "rules and by what the file says");
+    definition->editor = QStringLiteral("colorspace");
+    definition->defaultValue = QString();
+    for (const OssCustomAttribute &other : qAsConst(type->attributes)) {
+        if (other.name() == definition->name)
+            return;
+    }
+    type->attributes.append(OssCustomAttribute(definition, QString()));
+}
+
 QString sourceOf(const QByteArray &xml, const QString &contentHash)
 {
     QString text;
@@ -335,6 +357,7 @@ std::shared_ptr<const OssSnNodeType> OssSnNodeType::read(const QByteArray &xml,
     type->definition = definitionOf(*type);
     type->source = sourceOf(xml, type->contentHash);
     type->id = hashOf(type->source);
+    addImplied(type.get());
     *result = {};
     return type;
 }

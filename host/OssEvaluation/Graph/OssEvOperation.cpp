@@ -8,3 +8,9 @@ OssEvAreaOperation::OssEvAreaOperation(std::vector<OssEvTap> taps)
     : m_taps(std::move(taps))
 {
 }
+
+bool OssEvAreaOperation::leavesAsItIs(const OssEvRegion & /*region*/,
+                                      const OssEvSurfaceMap * /*surface*/) const
+{
+    return false;
+}

@@ -108,6 +108,9 @@ public:
 
     virtual void run(const OssEvBlock &block) const = 0;
 
+    /// Whether what it gives in the region is what its only tap has there: nothing is computed then.
+    virtual bool leavesAsItIs(const OssEvRegion &region, const OssEvSurfaceMap *surface) const;
+
 protected:
     explicit OssEvAreaOperation(std::vector<OssEvTap> taps);
 

@@ -318,8 +318,14 @@ class Dilate : public OssEvAreaOperation
 public:
     Dilate(const OssEvFrame &frame, int bleed)
         : OssEvAreaOperation({{0, 0}})
+        , m_frame(frame)
         , m_margin(OssEvSurfaceMap::margin(frame.width, bleed))
     {
+    }
+
+    bool leavesAsItIs(const OssEvRegion &region, const OssEvSurfaceMap *surface) const override
+    {
+        return surface == nullptr || surface->isItself(region.intersected(m_frame.region()));
     }
 
     OssEvRegion needed(std::size_t /*tap*/, const OssEvRegion &block) const override
@@ -329,11 +335,10 @@ public:
 
     void run(const OssEvBlock &block) const override
     {
-        const OssEvRegion inside = block.region.intersected(block.frame.region());
-        if (block.surface == nullptr || block.surface->isItself(inside))
+        if (leavesAsItIs(block.region, block.surface))
             pass(block);
         else
-            spread(block, inside);
+            spread(block, block.region.intersected(m_frame.region()));
     }
 
 private:
@@ -369,6 +374,7 @@ private:
         }
     }
 
+    OssEvFrame m_frame;
     int m_margin;
 };
 

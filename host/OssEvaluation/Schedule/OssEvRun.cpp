@@ -359,6 +359,43 @@ void runHead(const OssEvUnitPlace &place, const std::vector<OssEvWindow> &window
     stage.head->run(block);
 }
 
+/// The tile of the head's input that is the unit's own, untouched; null where it has to be computed.
+OssEvTilePointer tileAsItIs(const OssEvUnitPlace &place, const std::vector<OssEvWindow> &windows,
+                            const OssEvSurfaceMap *surface, int x, int y)
+{
+    const OssEvPlanStage &stage = place.description();
+    if (stage.head == nullptr || !stage.steps.empty() || stage.headInputs.size() != 1
+        || stage.result.kind != OssEvPlanSource::Kind::Head)
+        return nullptr;
+    const OssEvPlanSource &source = stage.headInputs.front();
+    if (source.kind != OssEvPlanSource::Kind::Input)
+        return nullptr;
+    const OssEvPlanStage &from =
+        place.plan->stages()[std::size_t(stage.inputs[std::size_t(source.index)])];
+    const bool isSame = from.channels == stage.channels && from.format == stage.format
+                        && from.frame.width == stage.frame.width
+                        && from.frame.height == stage.frame.height;
+    if (!isSame
+        || !stage.head->leavesAsItIs(texelsOf({x, y, 1, 1}),
+                                     stage.headUsesSurface ? surface : nullptr))
+        return nullptr;
+    return windows[std::size_t(source.index)].at(x, y);
+}
+
+/// The tiles that only have to be handed on; null for the others.
+std::vector<OssEvTilePointer> tilesAsTheyAre(const OssEvUnitPlace &place,
+                                             const std::vector<OssEvWindow> &windows,
+                                             const OssEvSurfaceMap *surface)
+{
+    std::vector<OssEvTilePointer> found;
+    const OssEvRegion tiles = place.tiles();
+    for (int y = tiles.y; y < tiles.bottom(); ++y) {
+        for (int x = tiles.x; x < tiles.right(); ++x)
+            found.push_back(tileAsItIs(place, windows, surface, x, y));
+    }
+    return found;
+}
+
 } // namespace
 
 OssEvRegion OssEvUnitPlace::tiles() const
@@ -409,7 +446,9 @@ std::vector<OssEvUnitTile> OssEvRunUnit(const OssEvUnitPlace &place,
     OssEvScratch scratch;
     Head head;
     const Clock::time_point start = Clock::now();
-    if (place.description().head != nullptr)
+    const std::vector<OssEvTilePointer> handedOn = tilesAsTheyAre(place, windows, surface);
+    const bool isComputed = std::find(handedOn.begin(), handedOn.end(), nullptr) != handedOn.end();
+    if (isComputed && place.description().head != nullptr)
         runHead(place, windows, surface, cancel, &scratch, &head);
     times->head = secondsSince(start);
     times->steps.assign(place.description().steps.size(), 0.0);
@@ -417,8 +456,11 @@ std::vector<OssEvUnitTile> OssEvRunUnit(const OssEvUnitPlace &place,
     std::vector<OssEvUnitTile> result;
     const OssEvRegion tiles = place.tiles();
     for (int y = tiles.y; y < tiles.bottom(); ++y) {
-        for (int x = tiles.x; x < tiles.right() && !cancel.isCancelled(); ++x)
-            result.push_back({x, y, run.run(x, y)});
+        for (int x = tiles.x; x < tiles.right() && !cancel.isCancelled(); ++x) {
+            const OssEvTilePointer &asItIs =
+                handedOn[std::size_t((y - tiles.y) * tiles.width + x - tiles.x)];
+            result.push_back({x, y, asItIs != nullptr ? asItIs : run.run(x, y)});
+        }
     }
     return result;
 }

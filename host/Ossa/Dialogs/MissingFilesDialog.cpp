@@ -87,6 +87,8 @@ void MissingFilesDialog::searchIn(const QString &folder)
     for (auto at = found.cbegin(); at != found.cend(); ++at)
         m_paths.insert(at.key(), at.value());
     fill();
+    if (m_relink->isEnabled())
+        m_relink->setFocus(); // what comes next
 }
 
 void MissingFilesDialog::askForFolder()

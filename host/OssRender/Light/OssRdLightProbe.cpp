@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace {
 
@@ -151,19 +152,23 @@ Pyramid pyramidOf(const OssRdPicture &surrounding)
     return pyramid;
 }
 
+/// A direction from which light comes into a mirror, whose normal is z.
+struct Ray
+{
+    glm::vec3 light;
+    float level; ///< of the pyramid
+};
+
 /// The viewer stands where the mirror's normal points, as whoever reads the cube pretends (Karis
 /// 2013). Few Samples do, for each takes a level that covers as much as it stands for (Krivanek and
 /// Colbert 2008).
-glm::vec3 mirrored(const Pyramid &pyramid, const glm::vec3 &normal, float roughness)
+std::vector<Ray> raysOf(float roughness)
 {
-    const glm::vec3 up = std::abs(normal.y) < 0.99F ? glm::vec3(0, 1, 0) : glm::vec3(1, 0, 0);
-    const glm::vec3 x = glm::normalize(glm::cross(up, normal));
-    const glm::vec3 y = glm::cross(normal, x);
     const float alpha = roughness * roughness;
     const float texel = 4.0F * glm::pi<float>()
                         / (6.0F * OssRdLightProbe::FaceSize * OssRdLightProbe::FaceSize);
-    glm::vec3 sum(0.0F);
-    float weight = 0.0F;
+    std::vector<Ray> rays;
+    rays.reserve(Samples);
     for (unsigned i = 0; i < Samples; ++i) {
         const glm::vec3 half = OssRdBrdf::facet(OssRdBrdf::evenPoint(i, Samples), roughness);
         const glm::vec3 light(2.0F * half.z * half.x, 2.0F * half.z * half.y,
@@ -173,9 +178,22 @@ glm::vec3 mirrored(const Pyramid &pyramid, const glm::vec3 &normal, float roughn
         const float d = half.z * half.z * (alpha * alpha - 1.0F) + 1.0F;
         const float density = alpha * alpha / (4.0F * glm::pi<float>() * d * d);
         const float covers = 1.0F / (float(Samples) * density);
-        const float level = 0.5F * std::log2(covers / texel) + 0.5F;
-        sum += pyramid.sample(x * light.x + y * light.y + normal * light.z, level) * light.z;
-        weight += light.z;
+        rays.push_back({light, 0.5F * std::log2(covers / texel) + 0.5F});
+    }
+    return rays;
+}
+
+glm::vec3 mirrored(const Pyramid &pyramid, const glm::vec3 &normal, const std::vector<Ray> &rays)
+{
+    const glm::vec3 up = std::abs(normal.y) < 0.99F ? glm::vec3(0, 1, 0) : glm::vec3(1, 0, 0);
+    const glm::vec3 x = glm::normalize(glm::cross(up, normal));
+    const glm::vec3 y = glm::cross(normal, x);
+    glm::vec3 sum(0.0F);
+    float weight = 0.0F;
+    for (const Ray &ray : rays) {
+        const glm::vec3 from = x * ray.light.x + y * ray.light.y + normal * ray.light.z;
+        sum += pyramid.sample(from, ray.level) * ray.light.z;
+        weight += ray.light.z;
     }
     return weight > 0.0F ? sum / weight : glm::vec3(0.0F);
 }
@@ -210,14 +228,14 @@ OssRdLightProbe OssRdLightProbe::of(const OssRdPicture &surrounding)
     probe.faces[0] = pyramid.levels[0];
     for (int level = 1; level < Levels; ++level) {
         const int size = FaceSize >> level;
-        const float roughness = float(level) / float(Levels - 1);
+        const std::vector<Ray> rays = raysOf(float(level) / float(Levels - 1));
         for (int face = 0; face < 6; ++face) {
             OssRdPicture &picture = probe.faces[std::size_t(level)][std::size_t(face)];
             picture = OssRdPicture(size, size);
             tbb::parallel_for(0, size, [&, face](int y) {
                 for (int x = 0; x < size; ++x)
-                    picture.at(x, y) = mirrored(
-                        pyramid, glm::normalize(direction(face, x, y, size)), roughness);
+                    picture.at(x, y) = mirrored(pyramid,
+                                                glm::normalize(direction(face, x, y, size)), rays);
             });
         }
     }

@@ -354,11 +354,18 @@ void LitScene::tellProgress()
         Q_EMIT progressed(m_told);
 }
 
+std::shared_ptr<const OssRdGeometry> LitScene::geometryOf(const Piece &piece) const
+{
+    const auto moved = m_displaced.find(piece.mesh);
+    if (moved != m_displaced.cend() && moved->second)
+        return moved->second;
+    const auto plain = m_geometries.find(piece.mesh);
+    return plain == m_geometries.cend() ? nullptr : plain->second;
+}
+
 std::shared_ptr<const OssRdGeometry> LitScene::geometry() const
 {
-    const auto found = m_pieces.empty() ? m_geometries.cend()
-                                        : m_geometries.find(m_pieces.front()->mesh);
-    return found == m_geometries.cend() ? nullptr : found->second;
+    return m_pieces.empty() ? nullptr : geometryOf(*m_pieces.front());
 }
 
 QString LitScene::problem() const
@@ -428,12 +435,7 @@ std::shared_ptr<const OssRdScene> LitScene::scene() const
 {
     auto scene = std::make_shared<OssRdScene>(m_scene);
     for (const auto &piece : m_pieces) {
-        const auto plain = m_geometries.find(piece->mesh);
-        const auto moved = m_displaced.find(piece->mesh);
-        const bool isMoved = moved != m_displaced.cend() && moved->second;
-        const auto geometry = isMoved                        ? moved->second
-                              : plain != m_geometries.cend() ? plain->second
-                                                             : nullptr;
+        const std::shared_ptr<const OssRdGeometry> geometry = geometryOf(*piece);
         if (geometry)
             scene->objects.push_back({geometry, piece->pixels.materials(), piece->slots});
     }

@@ -82,6 +82,8 @@ private:
     void followPiece(Piece *piece);
     void followOthers();
     void tellProgress();
+    /// As it is seen; null while it is being made.
+    std::shared_ptr<const OssRdGeometry> geometryOf(const Piece &piece) const;
     void makeGeometry(const std::shared_ptr<const OssEvMesh> &mesh);
     /// Moves the surfaces that are another by now, one mesh after the other.
     void displace();

@@ -3,6 +3,8 @@
 #include "OssRender/Light/OssRdEnvironment.h"
 
 #include <algorithm>
+#include <mutex>
+#include <vector>
 
 namespace {
 
@@ -23,6 +25,48 @@ OssEvResult toWorking(const OssEvColorSpaces &colors, OssRdPicture *picture)
     return result;
 }
 
+/// Those of our own that were made lately: the Viewer and thumbnails have the same.
+class Kept
+{
+public:
+    bool find(const std::string &name, const OssEvColorSpaces &colors, Surroundings *surroundings)
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        for (const One &one : m_all) {
+            if (one.name != name || !(one.colors == colors.key()))
+                continue;
+            *surroundings = one.made;
+            return true;
+        }
+        return false;
+    }
+
+    void add(const std::string &name, const OssEvColorSpaces &colors, const Surroundings &made)
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        if (m_all.size() >= OssRdEnvironment::names().size())
+            m_all.erase(m_all.begin());
+        m_all.push_back({name, colors.key(), made});
+    }
+
+private:
+    struct One
+    {
+        std::string name;
+        OssEvKey colors;
+        Surroundings made;
+    };
+
+    std::mutex m_mutex;
+    std::vector<One> m_all;
+};
+
+Kept &kept()
+{
+    static Kept all;
+    return all;
+}
+
 } // namespace
 
 OssResult Surroundings::make(const QString &nameOrFile, const OssEvColorSpaces &colors,
@@ -32,7 +76,10 @@ OssResult Surroundings::make(const QString &nameOrFile, const OssEvColorSpaces &
     const std::string wanted = nameOrFile.toStdString();
     OssRdPicture picture;
     OssEvResult read;
-    if (wanted.empty() || std::count(names.cbegin(), names.cend(), wanted) > 0)
+    const bool isOwn = wanted.empty() || std::count(names.cbegin(), names.cend(), wanted) > 0;
+    if (isOwn && kept().find(wanted, colors, surroundings))
+        return {};
+    if (isOwn)
         picture = OssRdEnvironment::make(wanted);
     else
         read = OssRdEnvironment::read(wanted, &picture);
@@ -42,5 +89,7 @@ OssResult Surroundings::make(const QString &nameOrFile, const OssEvColorSpaces &
         return OssResult::failure(QString::fromStdString(read.error()));
     surroundings->probe = std::make_shared<const OssRdLightProbe>(OssRdLightProbe::of(picture));
     surroundings->picture = std::make_shared<const OssRdPicture>(std::move(picture));
+    if (isOwn)
+        kept().add(wanted, colors, *surroundings);
     return {};
 }

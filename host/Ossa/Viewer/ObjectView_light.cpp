@@ -157,8 +157,11 @@ void ObjectView::paintHint(QPainter *painter) const
                            "node graph and press %1.")
                             .arg(key);
     const QRectF place = QRectF(rect()).adjusted(12.0, 12.0, -12.0, -12.0);
+    constexpr int flags = Qt::AlignHCenter | Qt::AlignBottom | Qt::TextWordWrap;
+    const QRectF plate = painter->boundingRect(place, flags, how).adjusted(-6.0, -3.0, 6.0, 3.0);
+    painter->fillRect(plate, QColor(0x14, 0x15, 0x18, 200));
     painter->setPen(QColor(0xb8, 0xbe, 0xc8));
-    painter->drawText(place, Qt::AlignHCenter | Qt::AlignBottom | Qt::TextWordWrap, how);
+    painter->drawText(place, flags, how);
 }
 
 void ObjectView::paintLight(QPainter *painter)

@@ -94,7 +94,7 @@ void ShadowMap::draw(const OssRdScene &scene, const Extent &extent, DeviceCopies
     for (const std::shared_ptr<const OssRdGeometry> &mesh : meshes) {
         m_depth.set("world", mesh->world);
         copies->mesh(mesh);
-        copies->draw(
+        DeviceCopies::draw(
             {0, 0, mesh->parts.front().first, mesh->parts.back().first + mesh->parts.back().count});
     }
     glDisable(GL_POLYGON_OFFSET_FILL);

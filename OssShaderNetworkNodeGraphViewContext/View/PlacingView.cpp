@@ -72,11 +72,14 @@ void PlacingView::placeNodeInSight(OssSnBaseNode *node)
     placeNode(node);
     const QRectF seen = viewportInSceneCoords();
     const qreal far = std::min(seen.width(), seen.height()) / 2.0;
-    const bool isNear = QLineF(wanted, item->pos()).length() <= far
-                        && seen.contains(occupied(item));
+    const QRectF map = isMinimapVisible() ? QRectF(toScene(minimapRect().topLeft()),
+                                                   toScene(minimapRect().bottomRight()))
+                                          : QRectF();
+    const bool isNear = QLineF(wanted, item->pos()).length() <= far && seen.contains(occupied(item))
+                        && !map.intersects(occupied(item));
     if (item->isAt(wanted) || isNear)
         return;
-    QVector<QRectF> obstacles;
+    QVector<QRectF> obstacles{map};
     const QVector<OssNgNode *> around = OssNgSceneIndex::of(item->scene())->nodesIn(seen);
     for (const OssNgNode *other : around) {
         if (other != item && !qobject_cast<const OssNgBackdropNode *>(other))

@@ -212,6 +212,9 @@ TEST_F(Pointer, whatTheMenuMakesOverNodesStaysInSightAndNear)
     ASSERT_NE(merge, nullptr);
     EXPECT_TRUE(m_view->viewportInSceneCoords().contains(rectOf(merge)));
     EXPECT_EQ(m_view->viewportInSceneCoords(), seen) << "nobody scrolled";
+    const QRectF map = m_view->minimapRect();
+    EXPECT_FALSE(QRectF(m_view->toScene(map.topLeft()), m_view->toScene(map.bottomRight()))
+                     .intersects(rectOf(merge)));
     EXPECT_LE(QLineF(rectOf(merge).center(), asked).length(), 300.0);
     const QList<OssSnBaseNode *> nodes = m_network->getAllNodes();
     for (const OssSnBaseNode *other : nodes)

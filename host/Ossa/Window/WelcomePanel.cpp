@@ -11,6 +11,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QListWidget>
+#include <QPainter>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -28,6 +29,16 @@ void addRow(QListWidget *list, const QString &path, const QString &explanation, 
         icon, explanation.isEmpty() ? name : name + QLatin1Char('\n') + explanation, list);
     row->setData(pathRole, path);
     row->setToolTip(QDir::toNativeSeparators(path));
+}
+
+/// In the middle of the place of a picture, so that names stand below each other.
+QIcon withinPicture(const QIcon &icon)
+{
+    QPixmap place(pictureSize);
+    place.fill(Qt::transparent);
+    QPainter painter(&place);
+    icon.paint(&painter, place.rect());
+    return place;
 }
 
 } // namespace
@@ -113,9 +124,9 @@ void WelcomePanel::refresh()
     for (const QFileInfo &example : examples) {
         const QString picture = folder.filePath(example.completeBaseName() + QLatin1String(".png"));
         addRow(m_examples, example.absoluteFilePath(), {},
-               QFileInfo::exists(picture)
-                   ? QIcon(picture)
-                   : OssIcon::createIconFromFilename(QStringLiteral("NodeGraph.png")));
+               QFileInfo::exists(picture) ? QIcon(picture)
+                                          : withinPicture(OssIcon::createIconFromFilename(
+                                              QStringLiteral("NodeGraph.png"))));
     }
     firstList()->setCurrentRow(0);
 }

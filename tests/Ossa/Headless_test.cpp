@@ -369,7 +369,7 @@ glm::vec4 texel(const QString &path, int x, int y)
     if (!in || in->spec().nchannels != 4 || in->spec().format != OIIO::TypeDesc::FLOAT)
         return glm::vec4(-1.0F);
     std::vector<glm::vec4> all(std::size_t(in->spec().width) * std::size_t(in->spec().height));
-    in->read_image(OIIO::TypeDesc::FLOAT, all.data());
+    in->read_image(0, 0, 0, -1, OIIO::TypeDesc::FLOAT, all.data());
     return all[std::size_t(y) * std::size_t(in->spec().width) + std::size_t(x)];
 }
 

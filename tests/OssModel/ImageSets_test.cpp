@@ -302,14 +302,14 @@ TEST_F(ImageSets, copiesOfUnsavedWorkNameFreshPaintAndTheStateDoesNot)
     OssImageSet *set = add("Wall");
     set->setPixels({{1001, pixelName('a')}});
     const QByteArray state = m_project->stateHash();
-    set->setUnbakedPixels({{1001, pixelName('b')}});
+    set->setUnbakedPaint(QStringLiteral("paint-of-now"));
     EXPECT_EQ(m_project->stateHash(), state);
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
     OssSerializer serializer(&buffer);
     ASSERT_TRUE(m_project->save(serializer, m_project->name(), {}));
-    EXPECT_TRUE(buffer.data().contains(pixelName('b').toUtf8()));
-    EXPECT_FALSE(buffer.data().contains(pixelName('a').toUtf8()));
+    EXPECT_TRUE(buffer.data().contains("paint-of-now"));
+    EXPECT_TRUE(buffer.data().contains(pixelName('a').toUtf8()));
     EXPECT_EQ(m_project->pixelFiles(), QStringList{pixelName('a')});
 }
 

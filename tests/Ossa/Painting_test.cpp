@@ -168,8 +168,7 @@ TEST_F(Painting, aCrashLosesNoPaintThatACopyWasTakenOf)
         m_project->save(serializer, m_project->name(), {});
         return buffer.data();
     };
-    const QByteArray before = saved();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return saved() != before; }, 10000));
+    EXPECT_TRUE(saved().contains("unbakedPaint"));
     EXPECT_EQ(m_project->stateHash(), state);
     EXPECT_TRUE(hasPaint());
     EXPECT_EQ(undoCount(), 3);
@@ -178,7 +177,7 @@ TEST_F(Painting, aCrashLosesNoPaintThatACopyWasTakenOf)
     autosave.reset();
     const QString name = m_paint->name();
     m_session->clear();
-    EXPECT_EQ(saved(), before) << "no copy of what is cleared is named any more";
+    EXPECT_FALSE(saved().contains("unbakedPaint")) << "what is cleared is named no more";
     OssProjectManager::instance()->newProject(text("Next"));
 
     const QVector<OssRecovery::Entry> entries = OssRecovery::entries(recovery);

@@ -14,6 +14,8 @@ namespace {
 constexpr std::array<int, 4> Codes{OssChannel::UnsignedByte, OssImageSet::HalfDepth,
                                    OssImageSet::FloatDepth, OssImageSet::ShortDepth};
 const QString PixelsElement = QStringLiteral("pixels");
+const QString PaintElement = QStringLiteral("unbakedPaint");
+const QString NameAttribute = QStringLiteral("name");
 
 } // namespace
 
@@ -111,9 +113,9 @@ void OssImageSet::setPixels(const QMap<int, QString> &pixels)
 
 bool OssImageSet::saveObjects(OssSerializer &serializer)
 {
-    const bool isState = serializer.isCanonical() || m_unbakedPixels.isEmpty();
-    const QMap<int, QString> &pixels = isState ? m_pixels : m_unbakedPixels;
-    for (auto at = pixels.cbegin(); at != pixels.cend(); ++at)
+    if (!serializer.isCanonical() && !m_unbakedPaint.isEmpty())
+        serializer.writeElement(PaintElement, {{NameAttribute, m_unbakedPaint}});
+    for (auto at = m_pixels.cbegin(); at != m_pixels.cend(); ++at)
         serializer.writeElement(PixelsElement,
                                 {{QStringLiteral("patch"), QString::number(at.key())},
                                  {QStringLiteral("file"), at.value()}});
@@ -123,6 +125,10 @@ bool OssImageSet::saveObjects(OssSerializer &serializer)
 bool OssImageSet::onLoadElement(OssDeserializer &deserializer, const QString &name,
                                 const Attributes &attributes)
 {
+    if (name == PaintElement) {
+        m_unbakedPaint = attributes.value(NameAttribute);
+        return true;
+    }
     if (name != PixelsElement)
         return OssSerializableObject::onLoadElement(deserializer, name, attributes);
     bool isNumber = false;

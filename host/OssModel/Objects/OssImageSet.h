@@ -74,10 +74,11 @@ public:
     /// Undoable.
     void setPixels(const QMap<int, QString> &pixels);
 
-    /// Pixel files that also hold paint which is in no image yet, by patch; none when there is no
-    /// such paint. Documents that are written meanwhile, copies of unsaved work, name them instead of
-    /// pixels(). Not part of the state, and not undoable.
-    void setUnbakedPixels(const QMap<int, QString> &pixels) { m_unbakedPixels = pixels; }
+    /// Where paint is kept that is in no pixels yet; empty when there is none. Documents that are written
+    /// meanwhile, copies of unsaved work, name it. Not part of the state, and not undoable.
+    QString unbakedPaint() const { return m_unbakedPaint; }
+
+    void setUnbakedPaint(const QString &name) { m_unbakedPaint = name; }
 
     /// Of pixels that nothing was written to.
     OssColor fillColor() const { return m_fillColor; }
@@ -109,7 +110,7 @@ private:
     int m_resolution = 2048;
     QString m_fileSpace;
     QMap<int, QString> m_pixels;
-    QMap<int, QString> m_unbakedPixels;
+    QString m_unbakedPaint;
     bool m_scalar = false;
     OssColor m_fillColor{0.0, 0.0, 0.0, 0.0};
 };

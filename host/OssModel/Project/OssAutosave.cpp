@@ -51,6 +51,14 @@ OssAutosave::OssAutosave(const QString &recoveryFolder, QObject *parent)
         if (!modified)
             forgetCopy();
     });
+    // Not at once: it may be wanted in the middle of an undo.
+    connect(
+        projects, &OssProjectManager::copyWanted, this,
+        [this] {
+            if (m_interval > 0)
+                takeCopy();
+        },
+        Qt::QueuedConnection);
     QCoreApplication::instance()->installEventFilter(this);
 }
 

@@ -65,6 +65,8 @@ Q_SIGNALS:
     void onMakeProjectCurrent(OssProject *project);
     void projectSaved(const QString &path);
     void modifiedChanged(bool modified);
+    /// There is work that no copy of the project would bring back unless one is taken now.
+    void copyWanted();
 
 private:
     void makeCurrent(std::unique_ptr<OssProject> project, bool fromDisk);

@@ -179,8 +179,6 @@ void PaintComposer::finish(const Batch &batch)
     const OssResult result = adopt(batch, &pixels);
     if (!batch.isWanted)
         return;
-    if (result)
-        Q_EMIT composed(pixels);
-    else
+    if (!result)
         Q_EMIT failed(result.error());
 }

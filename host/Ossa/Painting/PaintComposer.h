@@ -29,7 +29,7 @@ public:
     OssResult compose(const OssEvPaintBuffer &paint, const OssImageSet *images,
                       QMap<int, QString> *pixels);
 
-    /// The same without waiting; composed() tells. False while the worker is busy with what was
+    /// The same without waiting, for later. False while the worker is busy with what was
     /// started before.
     bool start(const OssEvPaintBuffer &paint, const OssImageSet *images);
     /// Nobody wants any more what was started.
@@ -39,7 +39,6 @@ public:
     void forget() { m_made.clear(); }
 
 Q_SIGNALS:
-    void composed(const QMap<int, QString> &pixels);
     void failed(const QString &reason);
 
 private:

@@ -59,10 +59,11 @@ PaintSession::PaintSession(QObject *parent)
 {
     m_rest.setSingleShot(true);
     m_rest.setInterval(restTime);
-    connect(&m_rest, &QTimer::timeout, this, &PaintSession::rescue);
-    connect(&m_composer, &PaintComposer::composed, this, &PaintSession::keepForRecovery);
+    connect(&m_rest, &QTimer::timeout, this, &PaintSession::composeInAdvance);
+    connect(OssProjectManager::instance(), &OssProjectManager::projectOpenCompleted, this,
+            &PaintSession::recover);
     connect(&m_composer, &PaintComposer::failed, this, [](const QString &reason) {
-        OssDebug("PaintSession", __LINE__, "[ !! ] No copy of the paint: %s", qPrintable(reason));
+        OssDebug("PaintSession", __LINE__, "[ !! ] No pixels of the paint: %s", qPrintable(reason));
     });
     connect(OssProjectManager::instance(), &OssProjectManager::projectClosing, this,
             &PaintSession::forget);
@@ -87,6 +88,7 @@ void PaintSession::forget()
     m_macro.reset();
     m_rest.stop();
     m_composer.giveUp();
+    m_journal.end();
     m_buffer.clear();
     m_images = nullptr;
     m_node = nullptr;
@@ -293,6 +295,10 @@ void PaintSession::end()
         record(changes, PaintStep::Stroke);
     const OssResult baked = isLarge || erasesImages ? bake() : OssResult();
     m_macro.reset();
+    Tiles now;
+    for (const OssEvStroke::Change &change : changes)
+        now.emplace_back(change.place, change.after);
+    keep(now);
     Q_EMIT stateChanged();
     if (!baked)
         OssStatusManager::instance()->showMessage(baked.error());
@@ -323,6 +329,7 @@ void PaintSession::setTiles(OssImageSet *images, int resolution, const Tiles &ti
     for (const auto &entry : tiles)
         m_buffer.setTile(entry.first, entry.second);
     noteChange();
+    keep(tiles);
     const double size = double(OssEvPaintTile::Size) / resolution;
     for (const auto &entry : tiles) {
         const OssEvPaintBuffer::Place &place = entry.first;
@@ -422,32 +429,27 @@ void PaintSession::handleBakeBehavior(const OssImageSet *images)
     bakeOrTell();
 }
 
-// --- in case of a crash
+// --- meanwhile
 
 void PaintSession::noteChange()
 {
     m_wasRefused = false;
     m_composer.giveUp();
-    if (m_buffer.isEmpty()) {
-        m_rest.stop();
-        m_composer.forget();
-        if (m_images)
-            m_images->setUnbakedPixels({});
+    if (!m_buffer.isEmpty()) {
+        m_rest.start();
         return;
     }
-    m_rest.start();
+    m_rest.stop();
+    m_composer.forget();
+    m_journal.end();
+    if (m_images)
+        m_images->setUnbakedPaint({});
 }
 
-void PaintSession::rescue()
+void PaintSession::composeInAdvance()
 {
     if (m_buffer.isEmpty() || !m_images)
         return;
     if (m_isBaking || m_stroke || !m_composer.start(m_buffer, m_images))
         m_rest.start();
-}
-
-void PaintSession::keepForRecovery(const QMap<int, QString> &pixels)
-{
-    if (m_images && !m_buffer.isEmpty())
-        m_images->setUnbakedPixels(pixels);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Ossa/Painting/PaintComposer.h"
+#include "Ossa/Painting/PaintJournal.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssCore/Values/OssResult.h"
 #include "OssEvaluation/Paint/OssEvSurfaceStroke.h"
@@ -28,8 +29,9 @@ class OssSnImageSetNodeBase;
 /// one image set: before other images are painted on it is dealt with as the preferences say. It is
 /// baked by itself after a stroke that makes it larger than bufferBytes.
 ///
-/// When the user rests, pixel files are made that have the paint on them: the copies of unsaved work
-/// name those, so a crash costs no more than the last seconds. Baking takes them as they are.
+/// Every stroke is on disk when it ends (PaintJournal), and the copy of unsaved work names it: a crash
+/// costs none. When the user rests, pixel files are made that have the paint on them; baking takes them as
+/// they are.
 class PaintSession : public QObject
 {
     Q_OBJECT
@@ -110,7 +112,7 @@ private:
     bool bakeOrTell();
     void paint(const std::function<OssEvStroke::Areas()> &step);
     void tellAreas(const OssEvStroke::Areas &areas);
-    using Tiles = std::vector<std::pair<OssEvPaintBuffer::Place, OssEvPaintTilePointer>>;
+    using Tiles = PaintJournal::Tiles;
 
     /// For the steps of the history.
     PaintTileStore *tiles() const { return m_tiles.get(); }
@@ -119,8 +121,9 @@ private:
     void record(const std::vector<OssEvStroke::Change> &changes, int kind);
     void removeAll(Notice notice);
     void noteChange();
-    void rescue();
-    void keepForRecovery(const QMap<int, QString> &pixels);
+    void composeInAdvance();
+    void keep(const PaintJournal::Tiles &tiles);
+    void recover();
     void forget();
     int resolutionOf(const OssImageSet *images) const;
     int widthOf(const QString &pixels) const;
@@ -129,6 +132,7 @@ private:
     QPointer<OssImageSet> m_images; ///< what the buffer's paint is for
     OssEvPaintBuffer m_buffer;
     std::shared_ptr<PaintTileStore> m_tiles;
+    PaintJournal m_journal;
     PaintComposer m_composer;
     QTimer m_rest; ///< since the last change of the paint
     std::unique_ptr<OssEvStroke> m_stroke;

@@ -133,6 +133,7 @@ TEST_F(NothingToActOn, everyCommandAnswers)
         ExpectedLog("nodes in the network", ExpectedLog::Possible),
         ExpectedLog("The clipboard holds no nodes", ExpectedLog::Possible),
         ExpectedLog("Bake Point nodes", ExpectedLog::Possible),
+        ExpectedLog("it computes no pixels", ExpectedLog::Possible), // told by a thread of its own
         ExpectedLog("No nodes are selected", ExpectedLog::Possible),
         ExpectedLog("Input 0 is reserved", ExpectedLog::Possible)};
     QApplication::clipboard()->clear();

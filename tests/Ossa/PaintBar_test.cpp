@@ -151,6 +151,9 @@ TEST_F(PaintBars, fieldsAreTheBrush)
     brush.worldRadius = 0.123;
     Brushes::instance()->setBrush(brush);
     EXPECT_DOUBLE_EQ(size()->value(), 0.246);
+    size()->selectAll();
+    QTest::keyClicks(size(), text("3.75"));
+    EXPECT_DOUBLE_EQ(Brushes::instance()->brush().worldRadius, 1.875) << "digit by digit";
     size()->setValue(0.5);
     EXPECT_DOUBLE_EQ(Brushes::instance()->brush().worldRadius, 0.25);
     EXPECT_DOUBLE_EQ(Brushes::instance()->brush().radius, 10.0) << "each has its own";

@@ -188,6 +188,16 @@ TEST_F(Painting, aCrashLosesNoPaintThatACopyWasTakenOf)
     EXPECT_EQ(seen(0.25, 0.5), QColor(Qt::red));
 }
 
+TEST_F(Painting, ofANodeThatIsGoneNothingStaysOnThePictures)
+{
+    stroke({0.2, 0.5}, {0.8, 0.5});
+    m_network->removeNodes({m_paint});
+    QSignalSpy painted(m_session.get(), &PaintSession::painted);
+    ASSERT_TRUE(m_session->setNode(nullptr));
+    EXPECT_FALSE(hasPaint()) << "it is in the images, for an undo";
+    EXPECT_FALSE(painted.isEmpty());
+}
+
 TEST_F(Painting, paintThatCannotBeBakedStaysAndNothingIsSaved)
 {
     stroke({0.2, 0.5}, {0.8, 0.5});

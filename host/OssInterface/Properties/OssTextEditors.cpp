@@ -6,6 +6,7 @@
 #include "OssModel/Images/OssImageManager.h"
 #include "OssModel/Images/OssUdimPath.h"
 
+#include <QDir>
 #include <QDropEvent>
 #include <QFileInfo>
 #include <QHBoxLayout>
@@ -149,9 +150,12 @@ bool OssFileEditor::fileExists(const QString &path)
 
 void OssFileEditor::choose()
 {
+    // Where the file is, or was.
+    const QString folder = QFileInfo(OssFilePath::resolved(m_path)).path();
     const QString path = OssFileDialog::getOpenFileName(
         m_title, OssImageManager::fileFilter() + QStringLiteral(";;") + tr("All files (*)"),
-        QStringLiteral("AttributeFilePath"), this);
+        QStringLiteral("AttributeFilePath"), this,
+        !m_path.isEmpty() && QDir(folder).exists() ? folder : QString());
     if (!path.isEmpty())
         Q_EMIT edited(OssFilePath::shortened(path));
 }

@@ -3,7 +3,6 @@
 #include "Ossa/Painting/BrushFields.h"
 #include "Ossa/Painting/BrushStamps.h"
 #include "OssCore/Documents/OssAtomicFile.h"
-#include "OssCore/Program/OssDebug.h"
 #include "OssCore/Program/OssSettings.h"
 
 #include <QCoreApplication>
@@ -140,11 +139,8 @@ QVector<BrushPresets::Entry> BrushPresets::all()
         Entry entry;
         entry.name = file.completeBaseName();
         entry.isOwn = true;
-        const OssResult result = read(file.filePath(), &entry.brush);
-        if (result)
-            found.append(entry);
-        else
-            OssDebug("BrushPresets", __LINE__, "[ !! ] %s", qPrintable(result.error()));
+        entry.problem = read(file.filePath(), &entry.brush).error();
+        found.append(entry);
     }
     return found;
 }

@@ -15,9 +15,10 @@ struct Entry
     QString name;
     Brush brush;
     bool isOwn = false;
+    QString problem{}; ///< why it cannot be taken up; empty when it can
 };
 
-/// The program's, then the user's own by name. What cannot be read is left out, with a line in the log.
+/// The program's, then the user's own by name.
 QVector<Entry> all();
 
 /// Keeps one as the user's own, in place of one of that name. A stamp stays where it is.

@@ -5,6 +5,7 @@
 #include "Ossa/Painting/BrushPresets.h"
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssInterface/Popups/OssFileDialog.h"
+#include "OssInterface/Popups/OssMessageBox.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -17,14 +18,18 @@
 #include <QListWidget>
 #include <QScrollArea>
 #include <QSignalBlocker>
+#include <QStyle>
 #include <QToolButton>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace {
 
 constexpr int pictureWidth = 112;
 constexpr int pictureHeight = 40;
 constexpr int cellHeight = 70;
+constexpr int longestName = 60;
 constexpr int ownRole = Qt::UserRole;
 const QString stampPathKey = QStringLiteral("brush_stamp");
 
@@ -87,6 +92,7 @@ QWidget *BrushesPanel::makeShelf()
         m_remove->setEnabled(item && item->data(ownRole).toBool());
     });
     auto *row = new QHBoxLayout;
+    m_name->setMaxLength(longestName);
     m_name->setPlaceholderText(tr("Name for the brush in hand"));
     m_name->setAccessibleName(m_name->placeholderText());
     auto *keepIt = new QToolButton(this);
@@ -118,6 +124,10 @@ void BrushesPanel::fillShelf()
         auto *item = new QListWidgetItem(QIcon(QPixmap::fromImage(picture)), entry.name, m_shelf);
         item->setData(ownRole, entry.isOwn);
         item->setToolTip(entry.isOwn ? tr("%1, your own").arg(entry.name) : entry.name);
+        if (entry.problem.isEmpty())
+            continue;
+        item->setIcon(style()->standardIcon(QStyle::SP_MessageBoxWarning));
+        item->setToolTip(entry.problem);
     }
 }
 
@@ -127,7 +137,10 @@ void BrushesPanel::takeFromShelf(int row)
     const QListWidgetItem *item = m_shelf->item(row);
     for (const BrushPresets::Entry &entry : kept) {
         if (item && entry.name == item->text() && entry.isOwn == item->data(ownRole).toBool()) {
-            Brushes::instance()->take(entry.brush);
+            if (entry.problem.isEmpty())
+                Brushes::instance()->take(entry.brush);
+            else
+                OssStatusManager::instance()->showMessage(entry.problem);
             m_name->setText(entry.isOwn ? entry.name : QString());
             return;
         }
@@ -137,8 +150,18 @@ void BrushesPanel::takeFromShelf(int row)
 
 void BrushesPanel::keep()
 {
-    const OssResult kept = BrushPresets::save(m_name->text().trimmed(),
-                                              Brushes::instance()->current());
+    const QString name = m_name->text().trimmed();
+    const QVector<BrushPresets::Entry> all = BrushPresets::all();
+    const bool isThere = std::any_of(all.cbegin(), all.cend(), [&](const auto &entry) {
+        return entry.isOwn && entry.name == name;
+    });
+    if (isThere
+        && OssMessageBox::question(this, tr("Keep Brush"),
+                                   tr("There is a brush \"%1\" already. Replace it?").arg(name),
+                                   QMessageBox::Yes | QMessageBox::No, QMessageBox::No)
+               != QMessageBox::Yes)
+        return;
+    const OssResult kept = BrushPresets::save(name, Brushes::instance()->current());
     tell(kept);
     if (kept)
         fillShelf();

@@ -379,7 +379,7 @@ OssResult PaintSession::bake()
         return composed;
     const OssUndoManager::AutoMacro macro(tr("Bake Paint"));
     m_images->setPixels(pixels);
-    removeAll(Quietly);
+    removeAll(node() ? Quietly : Show); // a node that is gone shows no images
     return {};
 }
 

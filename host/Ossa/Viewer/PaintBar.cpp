@@ -68,6 +68,13 @@ QIcon swatch(const QColor &color)
     return QIcon(pixmap);
 }
 
+/// Whether a field has this value, as far as it shows digits.
+bool isShown(const QDoubleSpinBox &field, double value)
+{
+    const double shown = std::pow(10.0, field.decimals());
+    return std::lround(field.value() * shown) == std::lround(value * shown);
+}
+
 OssColor colorOf(const OssEvBrush &brush)
 {
     return {double(brush.color[0]), double(brush.color[1]), double(brush.color[2])};
@@ -299,13 +306,18 @@ void PaintBar::showSize()
     const OssEvBrush &brush = Brushes::instance()->brush();
     const QSignalBlocker blocker(m_size);
     const bool isWorld = brush.sizeIn == OssEvBrush::SizeIn::World;
+    const double size = 2.0 * (isWorld ? brush.worldRadius : brush.radius);
+    // Whoever types a size is not to have it written anew at each digit.
+    if (m_sizeIn == brush.sizeIn && isShown(*m_size, size))
+        return;
+    m_sizeIn = brush.sizeIn;
     m_size->setDecimals(isWorld ? 4 : 0);
     m_size->setSuffix(brush.sizeIn == OssEvBrush::SizeIn::Pixels ? tr(" px") : QString());
     m_size->setRange(isWorld ? 1.0 / largestInWorld : 2.0 * Brushes::smallestRadius,
                      isWorld ? largestInWorld : 2.0 * Brushes::largestRadius);
     m_size->setStepType(isWorld ? QAbstractSpinBox::AdaptiveDecimalStepType
                                 : QAbstractSpinBox::DefaultStepType);
-    m_size->setValue(2.0 * (isWorld ? brush.worldRadius : brush.radius));
+    m_size->setValue(size);
 }
 
 // The brush goes on painting what it was seen to paint.
@@ -324,8 +336,7 @@ void PaintBar::applyBrush()
     OssEvBrush brush = Brushes::instance()->brush();
     // The keys make sizes between those that are shown.
     double &radius = brush.sizeIn == OssEvBrush::SizeIn::World ? brush.worldRadius : brush.radius;
-    const double shown = std::pow(10.0, m_size->decimals());
-    if (std::lround(m_size->value() * shown) != std::lround(2.0 * radius * shown))
+    if (!isShown(*m_size, 2.0 * radius))
         radius = m_size->value() / 2.0;
     brush.hardness = double(m_hardness->value()) / hundred;
     brush.opacity = double(m_opacity->value()) / hundred;

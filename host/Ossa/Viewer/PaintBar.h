@@ -1,8 +1,12 @@
 #pragma once
 
+#include "OssEvaluation/Paint/OssEvBrush.h"
+
 #include <QColor>
 #include <QPointer>
 #include <QWidget>
+
+#include <optional>
 
 class OssSnBaseNode;
 class OssSnImageSetNodeBase;
@@ -52,6 +56,7 @@ private:
     QToolButton *m_color;
     QColor m_seen;          ///< of the brush, on the screen
     QDoubleSpinBox *m_size; ///< what the brush takes across, in what it is counted in
+    std::optional<OssEvBrush::SizeIn> m_sizeIn; ///< that the field is set up for
     QSpinBox *m_hardness;
     QSpinBox *m_opacity;
     QToolButton *m_eraser;

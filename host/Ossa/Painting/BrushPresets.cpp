@@ -80,7 +80,7 @@ OssResult read(const QString &path, Brush *brush)
     const OssResult opened = OssAtomicFile::read(path, largestFile, &content);
     if (!opened)
         return opened;
-    QJsonParseError error;
+    QJsonParseError error{};
     const QJsonObject object = QJsonDocument::fromJson(content, &error).object();
     if (error.error != QJsonParseError::NoError)
         return refused(path, error.errorString());

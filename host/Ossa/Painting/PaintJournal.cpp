@@ -13,6 +13,7 @@
 #include <array>
 #include <cstring>
 #include <new>
+#include <optional>
 
 namespace {
 

@@ -90,9 +90,12 @@ void SoloLook::toggle()
 void SoloLook::follow(OssShaderNetworkView *view)
 {
     m_view = view;
+    if (m_isByKey && nodeUnderPointer(view))
+        view->setFocus(); // to whom one points, one also speaks
     view->installEventFilter(this);
     view->viewport()->installEventFilter(this);
-    m_isHeld = m_isByKey;
+    // Elsewhere nobody sees the key let go.
+    m_isHeld = m_isByKey && view->window()->focusWidget() == view;
     m_hasMoved = false;
     m_sincePress.start();
 }

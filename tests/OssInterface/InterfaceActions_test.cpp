@@ -1,5 +1,6 @@
 #include "OssCore/Program/OssSettings.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
+#include "OssInterface/Actions/OssCommandTable.h"
 #include "OssInterface/Actions/OssMenu.h"
 #include "OssInterface/Actions/OssMenuManager.h"
 #include "OssInterface/Actions/OssShortcutManager.h"
@@ -174,6 +175,21 @@ TEST(ActionTree, anActionIsKnownByItsNameWhateverItsTextIs)
     EXPECT_EQ(tree()->pathOf(undo.get()), text("/Tests/Names/Undo"));
 }
 
+TEST(ActionTree, whatNeedsAProjectIsOffWithoutOneWheneverItIsFiled)
+{
+    const auto before = filed("/Ossa/File", "Export glTF...");
+    OssCommandTable::setHolds(OssCommandTable::WithProject, false);
+    const auto after = filed("/Ossa/File", "Missing Files...");
+    const auto inFolder = filed("/Ossa/NodeGraph/Create/Filter", "Blur");
+    const auto always = filed("/Ossa/File", "Import Mesh...");
+    for (const auto *needs : {&before, &after, &inFolder})
+        EXPECT_FALSE((*needs)->isEnabled()) << qPrintable((*needs)->text());
+    EXPECT_TRUE(always->isEnabled());
+    OssCommandTable::setHolds(OssCommandTable::WithProject, true);
+    for (const auto *needs : {&before, &after, &inFolder})
+        EXPECT_TRUE((*needs)->isEnabled()) << qPrintable((*needs)->text());
+}
+
 TEST(ActionTree, listingKeepsTheFolderAsPassedAndTheOrderOfFiling)
 {
     const auto one = filed("/Tests/List/", "Zebra");
@@ -260,6 +276,21 @@ TEST_F(Shortcuts, actInTheirScopeAndNotWhereTheUserWrites)
     shortcuts()->setKeys(DisablePath, {QKeySequence(Qt::CTRL + Qt::Key_D)});
     EXPECT_EQ(pressed(graphField, Qt::Key_D, disable, Qt::ControlModifier), 0);
     EXPECT_EQ(pressed(canvas, Qt::Key_D, disable, Qt::ControlModifier), 1);
+}
+
+TEST_F(Shortcuts, ofACommandMayReachFurtherThanItsScope)
+{
+    const auto dab = filed("/Ossa/Canvas", "Dab");
+    shortcuts()->setScope(text("/Ossa/Canvas"), panel);
+    shortcuts()->setReach(DisablePath, panel);
+    EXPECT_EQ(pressed(panel, Qt::Key_D, disable), 1);
+    EXPECT_EQ(pressed(canvas, Qt::Key_D, disable), 1);
+    EXPECT_EQ(shortcuts()->conflicts(text("/Ossa/Canvas/Dab"), Qt::Key_D),
+              QStringList(DisablePath));
+    shortcuts()->setReach(DisablePath, nullptr);
+    EXPECT_EQ(pressed(panel, Qt::Key_D, disable), 0);
+    EXPECT_EQ(pressed(canvas, Qt::Key_D, disable), 1);
+    shortcuts()->setScope(text("/Ossa/Canvas"), nullptr);
 }
 
 TEST_F(Shortcuts, equalIdentitiesDoNotBlockEachOther)

@@ -1,6 +1,7 @@
 #include "OssInterface/Actions/OssActionTreeManager.h"
 
 #include "OssCore/Program/OssDebug.h"
+#include "OssInterface/Actions/OssCommandTable.h"
 
 #include <QAction>
 #include <QSet>
@@ -63,7 +64,23 @@ void OssActionTreeManager::registerAction(const QString &folder, QAction *action
     ++m_countByFoldedPath[path.toCaseFolded()];
     connect(action, &QObject::destroyed, this, &OssActionTreeManager::dropAction,
             Qt::UniqueConnection);
+    const int condition = OssCommandTable::whenOf(path);
+    if (condition != OssCommandTable::Always)
+        m_byCondition.insert(condition, action);
+    if (m_missing.contains(condition))
+        action->setEnabled(false);
     Q_EMIT actionRegistered(path, action);
+}
+
+void OssActionTreeManager::setHolds(int condition, bool holds)
+{
+    if (holds)
+        m_missing.remove(condition);
+    else
+        m_missing.insert(condition);
+    const QList<QAction *> actions = m_byCondition.values(condition);
+    for (QAction *action : actions)
+        action->setEnabled(holds);
 }
 
 void OssActionTreeManager::setName(QAction *action, const QString &name)
@@ -115,6 +132,7 @@ void OssActionTreeManager::dropAction(QObject *action)
             continue;
         const Entry entry = m_entries.takeAt(i);
         m_byPath.remove(entry.path, entry.action);
+        m_byCondition.remove(OssCommandTable::whenOf(entry.path), entry.action);
         const QString folded = entry.path.toCaseFolded();
         if (--m_countByFoldedPath[folded] == 0)
             m_countByFoldedPath.remove(folded);

@@ -5,6 +5,7 @@
 
 #include <QHash>
 #include <QObject>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <QVector>
@@ -52,6 +53,9 @@ public:
     /// Identity of a filed action; empty for others.
     QString pathOf(const QAction *action) const;
 
+    /// Enables or disables what needs a condition (OssCommandTable::When), also what is filed later.
+    void setHolds(int condition, bool holds);
+
     /// Before somebody asks without a pause whether an action is enabled, as scripts do: has those
     /// who keep that up to date at the next pause look at once.
     void settleStates() { Q_EMIT statesAsked(); }
@@ -73,4 +77,6 @@ private:
     QVector<Entry> m_entries;
     QMultiHash<QString, QAction *> m_byPath;
     QHash<QString, int> m_countByFoldedPath;
+    QMultiHash<int, QAction *> m_byCondition;
+    QSet<int> m_missing; ///< conditions that do not hold
 };

@@ -180,14 +180,22 @@ QAction *OssCommandTable::makeAction(const QString &path, QObject *owner)
     return action;
 }
 
+When OssCommandTable::whenOf(const QString &path)
+{
+    if (const Row *row = find(path))
+        return row->when;
+    QString folder = path;
+    while (folder.size() > 1) {
+        folder = OssActionTreeManager::folderOf(folder);
+        if (const Row *row = find(folder + QStringLiteral("/*")))
+            return row->when;
+    }
+    return Always;
+}
+
 void OssCommandTable::setHolds(When when, bool holds)
 {
-    for (const Row &row : rows()) {
-        if (row.when != when)
-            continue;
-        if (QAction *action = OssActionTreeManager::instance()->findAction(path(row)))
-            action->setEnabled(holds);
-    }
+    OssActionTreeManager::instance()->setHolds(when, holds);
 }
 
 QString OssCommandTable::whyDisabled(const QString &path)
@@ -196,7 +204,7 @@ QString OssCommandTable::whyDisabled(const QString &path)
     QString name = row ? text(*row) : OssActionTreeManager::nameOf(path);
     return QCoreApplication::translate("OssCommandTable", "%1: %2")
         .arg(name.remove(QStringLiteral("...")),
-             QCoreApplication::translate("OssCommandTable", reason(row ? row->when : Always)));
+             QCoreApplication::translate("OssCommandTable", reason(whenOf(path))));
 }
 
 OssMenuDefinition OssCommandTable::menu(const QString &name)

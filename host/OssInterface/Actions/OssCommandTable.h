@@ -78,7 +78,12 @@ OSSINTERFACE_EXPORT QList<QKeySequence> keys(const QString &path);
 /// owner owns it. A path without a row leaves a line in the log and an action with that name.
 OSSINTERFACE_EXPORT QAction *makeAction(const QString &path, QObject *owner);
 
-/// Whether what `when` says holds now: enables the commands that need it, and disables them.
+/// When the command can be used; what a folder's own row ("*") says counts for all that is filed below
+/// it without a row.
+OSSINTERFACE_EXPORT When whenOf(const QString &path);
+
+/// Whether what `when` says holds now: enables the commands that need it, and disables them, those
+/// that are filed later too.
 OSSINTERFACE_EXPORT void setHolds(When when, bool holds);
 
 /// What a disabled command misses, as one line for the status bar: "Redo: there is nothing to redo".

@@ -93,8 +93,8 @@ OssShortcutManager::~OssShortcutManager()
 void OssShortcutManager::setScope(const QString &folder, QWidget *widget)
 {
     const QString normalized = OssActionTreeManager::normalizedPath(folder);
-    for (const auto &action : qAsConst(m_bound))
-        unbind(action);
+    for (auto bound = m_bound.cbegin(); bound != m_bound.cend(); ++bound)
+        unbind(bound.key(), bound.value());
     m_scopes.erase(
         std::remove_if(m_scopes.begin(), m_scopes.end(),
                        [&normalized](const Scope &scope) { return scope.folder == normalized; }),
@@ -102,6 +102,14 @@ void OssShortcutManager::setScope(const QString &folder, QWidget *widget)
     if (widget)
         m_scopes.append({normalized, widget});
     bindAll();
+}
+
+void OssShortcutManager::setReach(const QString &path, QWidget *widget)
+{
+    const QString normalized = OssActionTreeManager::normalizedPath(path);
+    unbind(normalized, m_bound.value(normalized));
+    m_reaches.insert(normalized, widget);
+    bind(normalized);
 }
 
 QList<QKeySequence> OssShortcutManager::keys(const QString &path) const
@@ -230,7 +238,7 @@ void OssShortcutManager::bind(const QString &path)
     if (!action)
         return;
     m_bound.insert(path, action);
-    unbind(action);
+    unbind(path, action);
     const Scope *scope = scopeOf(path);
     const bool own = m_own.contains(path) && !isCustomized(path);
     action->setShortcuts(keys(path));
@@ -241,15 +249,30 @@ void OssShortcutManager::bind(const QString &path)
     }
     action->setShortcutContext(scope->widget->isWindow() ? Qt::ApplicationShortcut
                                                          : Qt::WidgetWithChildrenShortcut);
-    scope->widget->addAction(action);
+    const QWidgetList widgets = widgetsOf(path);
+    for (QWidget *widget : widgets)
+        widget->addAction(action);
 }
 
-void OssShortcutManager::unbind(QAction *action) const
+void OssShortcutManager::unbind(const QString &path, QAction *action) const
 {
     for (const Scope &scope : m_scopes) {
         if (scope.widget && action)
             scope.widget->removeAction(action);
     }
+    QWidget *reach = m_reaches.value(path);
+    if (reach && action)
+        reach->removeAction(action);
+}
+
+QWidgetList OssShortcutManager::widgetsOf(const QString &path) const
+{
+    QWidgetList widgets;
+    if (const Scope *scope = scopeOf(path))
+        widgets.append(scope->widget);
+    if (QWidget *reach = m_reaches.value(path))
+        widgets.append(reach);
+    return widgets;
 }
 
 void OssShortcutManager::bindAll()
@@ -272,14 +295,18 @@ const OssShortcutManager::Scope *OssShortcutManager::scopeOf(const QString &path
 
 bool OssShortcutManager::scopesOverlap(const QString &path, const QString &otherPath) const
 {
-    const Scope *one = scopeOf(path);
-    const Scope *other = scopeOf(otherPath);
-    if (!one || !other || one == other)
+    if (!scopeOf(path) || !scopeOf(otherPath))
         return true;
     const auto contains = [](const QWidget *outer, const QWidget *inner) {
-        return outer->isWindow() || outer->isAncestorOf(inner);
+        return outer == inner || outer->isWindow() || outer->isAncestorOf(inner);
     };
-    return contains(one->widget, other->widget) || contains(other->widget, one->widget);
+    const QWidgetList ones = widgetsOf(path);
+    const QWidgetList others = widgetsOf(otherPath);
+    return std::any_of(ones.cbegin(), ones.cend(), [&](const QWidget *one) {
+        return std::any_of(others.cbegin(), others.cend(), [&](const QWidget *other) {
+            return contains(one, other) || contains(other, one);
+        });
+    });
 }
 
 QString OssShortcutManager::disabledCommand(const QKeyEvent &event, const QWidget *focus) const
@@ -289,9 +316,11 @@ QString OssShortcutManager::disabledCommand(const QKeyEvent &event, const QWidge
         const QAction *action = bound.value();
         if (!action || action->isEnabled() || !action->shortcuts().contains(pressed))
             continue;
-        const Scope *scope = scopeOf(bound.key());
-        if (!scope || scope->widget->isWindow() || scope->widget == focus
-            || scope->widget->isAncestorOf(focus))
+        const QWidgetList widgets = widgetsOf(bound.key());
+        if (widgets.isEmpty()
+            || std::any_of(widgets.cbegin(), widgets.cend(), [focus](const QWidget *widget) {
+                   return widget->isWindow() || widget == focus || widget->isAncestorOf(focus);
+               }))
             return bound.key();
     }
     return {};
@@ -301,8 +330,11 @@ bool OssShortcutManager::isCovered(QAction *action) const
 {
     const QWidget *modal = action ? QApplication::activeModalWidget() : nullptr;
     const QString path = modal ? m_bound.key(action) : QString();
-    const Scope *scope = path.isEmpty() ? nullptr : scopeOf(path);
-    return scope && !scope->widget->isWindow() && !modal->isAncestorOf(scope->widget);
+    const QWidgetList widgets = path.isEmpty() ? QWidgetList() : widgetsOf(path);
+    return !widgets.isEmpty()
+           && std::none_of(widgets.cbegin(), widgets.cend(), [modal](const QWidget *widget) {
+                  return widget->isWindow() || modal->isAncestorOf(widget);
+              });
 }
 
 /// An open menu has all keys. To the menu bar a plain key is an entry's letter, and Qt counts the
@@ -317,9 +349,10 @@ bool OssShortcutManager::isMenuKey(const QKeyEvent &event) const
 bool OssShortcutManager::isScopedKey(const QWidget *field, const QKeySequence &keys) const
 {
     for (auto bound = m_bound.cbegin(); bound != m_bound.cend(); ++bound) {
-        const Scope *scope = scopeOf(bound.key());
-        if (!bound.value() || !scope || scope->widget->isWindow()
-            || (field && !scope->widget->isAncestorOf(field)))
+        const QWidgetList widgets = bound.value() ? widgetsOf(bound.key()) : QWidgetList();
+        if (std::none_of(widgets.cbegin(), widgets.cend(), [field](const QWidget *widget) {
+                return !widget->isWindow() && (!field || widget->isAncestorOf(field));
+            }))
             continue;
         const QList<QKeySequence> taken = bound.value()->shortcuts();
         if (std::any_of(taken.cbegin(), taken.cend(),

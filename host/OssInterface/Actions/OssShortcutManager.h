@@ -40,6 +40,9 @@ public:
     /// only shown. Null takes the scope away.
     void setScope(const QString &folder, QWidget *widget);
 
+    /// Keys of the command act inside `widget` as well. Null takes that back.
+    void setReach(const QString &path, QWidget *widget);
+
     QList<QKeySequence> keys(const QString &path) const;
     QList<QKeySequence> defaultKeys(const QString &path) const;
     bool isCustomized(const QString &path) const;
@@ -77,9 +80,11 @@ private:
     void onActionRegistered(const QString &path, QAction *action);
     void onActionRemoved(const QString &path);
     void bind(const QString &path);
-    void unbind(QAction *action) const;
+    void unbind(const QString &path, QAction *action) const;
     void bindAll();
     const Scope *scopeOf(const QString &path) const;
+    /// Where keys of the command act.
+    QWidgetList widgetsOf(const QString &path) const;
     bool scopesOverlap(const QString &path, const QString &otherPath) const;
     /// Whether a dialog keeps the user from it. Of keys that do not act in whole windows Qt does not ask.
     bool isCovered(QAction *action) const;
@@ -89,6 +94,7 @@ private:
     void loadCustomKeys();
 
     QVector<Scope> m_scopes;
+    QHash<QString, QPointer<QWidget>> m_reaches;
     QHash<QString, QList<QKeySequence>> m_custom;
     /// Keys that actions had when they were filed.
     QHash<QString, QList<QKeySequence>> m_own;

@@ -16,6 +16,7 @@
 #include "OssModel/Images/OssColorManagement.h"
 #include "OssModel/Nodes/OssSnImageSetNodeBase.h"
 #include "OssModel/Objects/OssMeshes.h"
+#include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectManager.h"
 
 #include <QApplication>
@@ -154,8 +155,11 @@ void ViewerPanel::follow()
     connect(m_object, &ObjectView::entered, this, [this] { welcomeBrush(m_object); });
     connect(m_paint, &QToolButton::toggled, this, &ViewerPanel::setPainting);
     connect(m_compare, &QToolButton::toggled, this, &ViewerPanel::setComparing);
-    connect(OssProjectManager::instance(), &OssProjectManager::projectClosing, this,
+    const OssProjectManager *projects = OssProjectManager::instance();
+    connect(projects, &OssProjectManager::projectClosing, this,
             [this] { m_compare->setChecked(false); });
+    connect(projects, &OssProjectManager::projectClosed, this, &ViewerPanel::followProject);
+    connect(projects, &OssProjectManager::projectOpenCompleted, this, &ViewerPanel::followProject);
     connect(OssStatusManager::instance(), &OssStatusManager::stopAsked, this, [this] {
         if (!m_source->showsSolo()) // that ends first
             m_compare->setChecked(false);
@@ -167,6 +171,7 @@ void ViewerPanel::follow()
         showLightBar();
     });
     m_object->light()->setResolution(m_resolution->currentData().toInt());
+    followProject();
     applyLook();
 }
 
@@ -232,6 +237,7 @@ void ViewerPanel::fileCommands()
         Commands::file(this, commandFolder + QLatin1String(name), run);
     };
     OssShortcutManager::instance()->setScope(commandFolder, m_views);
+    OssShortcutManager::instance()->setReach(QStringLiteral("/Ossa/NodeGraph/Look At"), this);
     file("Show Patches", [this] { setMode(Patches); });
     file("Show Object", [this] { setMode(Object); });
     file("Show Patches and Object", [this] { setMode(Both); });
@@ -346,8 +352,16 @@ void ViewerPanel::setPainting(bool on)
     m_view->setPainting(on);
     m_object->setPainted(on);
     showLightBar();
-    OssCommandTable::setHolds(OssCommandTable::WithBrush, on);
+    followProject();
     m_paintBar->refresh();
+}
+
+void ViewerPanel::followProject()
+{
+    const bool hasProject = OssProjectManager::instance()->currentProject();
+    for (QToolButton *button : {m_light, m_paint, m_compare})
+        button->setEnabled(hasProject);
+    OssCommandTable::setHolds(OssCommandTable::WithBrush, hasProject && m_paint->isChecked());
 }
 
 // While one paints the object is shown as the patches are.

@@ -55,6 +55,8 @@ private:
     void setComparing(bool on);
     void followPaint();
     void showLightBar();
+    /// What acts on a picture is off without a project.
+    void followProject();
     void fileCommands();
     void framePictures();
     void fillScreens();

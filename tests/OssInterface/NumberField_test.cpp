@@ -273,7 +273,7 @@ TEST_F(NumberFields, aDragChangesAtOnceStaysInTheSoftRangeAndIsOneStep)
     release(number);
     EXPECT_EQ(undoCount(), 1);
     EXPECT_FALSE(number->isTyping());
-    EXPECT_EQ(OssUndoManager::instance()->undoText(), text("Change Amount"));
+    EXPECT_EQ(OssUndoManager::instance()->undoText(), text("Change Amount of ") + m_node->name());
     expectUndoIsExact(m_start);
 
     drag(number, -30);

@@ -74,9 +74,13 @@ protected:
 class History : public testing::Test
 {
 protected:
-    History() { manager()->clear(); }
+    History()
+    {
+        OssProjectManager::instance()->newProject(text("Test"));
+        manager()->clear();
+    }
 
-    ~History() override { manager()->clear(); }
+    ~History() override { OssProjectManager::instance()->closeProject(); }
 
     static OssUndoManager *manager() { return OssUndoManager::instance(); }
 
@@ -306,6 +310,10 @@ TEST_F(History, stepsAreListedAsTheyComeAndGo)
     EXPECT_EQ(removed.size(), 1);
     EXPECT_EQ(list->model()->rowCount(list->model()->index(0, 0)), 0);
     manager()->clear();
+    EXPECT_EQ(column(list->model()), texts({"As Opened"}));
+    OssProjectManager::instance()->closeProject();
+    EXPECT_EQ(list->model()->rowCount(), 0) << "nothing is open";
+    OssProjectManager::instance()->newProject(text("Next"));
     EXPECT_EQ(column(list->model()), texts({"As Opened"}));
 }
 

@@ -117,6 +117,14 @@ bool OssSerializableObject::renameUserAttribute(const QString &oldName, const QS
     return true;
 }
 
+QString OssSerializableObject::stepTitle(const QString &what,
+                                         const OssCustomAttribute &attribute) const
+{
+    const QString own = nameInSteps();
+    return own.isEmpty() ? what.arg(attribute.prettyName())
+                         : tr("%1 of %2").arg(what.arg(attribute.prettyName()), own);
+}
+
 void OssSerializableObject::setUserAttribute(const OssCustomAttribute &attribute, bool notify)
 {
     if (!attribute.isValid())
@@ -131,7 +139,7 @@ void OssSerializableObject::setUserAttribute(const OssCustomAttribute &attribute
         return;
     const QPointer<OssSerializableObject> self(this);
     undo->addUndo(std::make_unique<OssFunctionUndo>(
-        tr("Change %1").arg(attribute.prettyName()),
+        stepTitle(tr("Change %1"), attribute),
         [self, before, name = attribute.name()] {
             if (!self)
                 return;
@@ -157,7 +165,7 @@ bool OssSerializableObject::removeUserAttribute(const QString &name)
     dropUserAttribute(index);
     const QPointer<OssSerializableObject> self(this);
     OssUndoManager::instance()->addUndo(std::make_unique<OssFunctionUndo>(
-        tr("Remove %1").arg(removed.prettyName()),
+        stepTitle(tr("Remove %1"), removed),
         [self, removed, index] {
             if (!self)
                 return;

@@ -97,6 +97,10 @@ protected:
     virtual QString serializedType() const;
     /// User attributes that need no saving: a type's attribute at its default.
     virtual bool attributeNeedsSaving(const OssCustomAttribute &attribute) const;
+
+    /// What the steps of the history call the object; empty where that needs no saying.
+    virtual QString nameInSteps() const { return {}; }
+
     /// Called for each change, before the signal.
     virtual void onUserAttributeSet(const OssCustomAttribute &attribute, bool added);
     virtual void onUserAttributeGone(const OssCustomAttribute &attribute);
@@ -119,6 +123,7 @@ private:
     void loadCollection(OssDeserializer &deserializer);
     void applyUserAttribute(const OssCustomAttribute &attribute, int index, bool notify);
     void dropUserAttribute(int index);
+    QString stepTitle(const QString &what, const OssCustomAttribute &attribute) const;
 
     mutable QUuid m_uuid;
     QVector<OssCustomAttribute> m_userAttributes;

@@ -80,8 +80,14 @@ OssMixed OssAttributeEdit::mixed() const
 
 QString OssAttributeEdit::title() const
 {
-    return QCoreApplication::translate("OssAttributeEdit", "Change %1")
-        .arg(attribute().prettyName());
+    const QVector<Start> all = start();
+    const QString what = attribute().prettyName();
+    return all.size() == 1
+               ? QCoreApplication::translate("OssAttributeEdit", "Change %1 of %2")
+                     .arg(what, all.first().node->name())
+               : QCoreApplication::translate("OssAttributeEdit", "Change %1 of %2 Nodes")
+                     .arg(what)
+                     .arg(all.size());
 }
 
 QVector<OssAttributeEdit::Start> OssAttributeEdit::start() const

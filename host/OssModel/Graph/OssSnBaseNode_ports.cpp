@@ -148,7 +148,7 @@ void OssSnBaseNode::addInput(const InputPort &port, int index)
     free.sourceOutput.clear();
     applyInsertInput(free, at);
     OssUndoManager::instance()->record(
-        tr("Add Input %1").arg(port.name),
+        tr("Add Input %1 to %2").arg(port.name, name()),
         [this, name = port.name] { applyRemoveInput(inputIndex(name)); },
         [this, free, at] { applyInsertInput(free, at); }, this);
 }
@@ -158,7 +158,7 @@ bool OssSnBaseNode::removeInput(const QString &name)
     const int index = inputIndex(name);
     if (index < 0)
         return false;
-    OssUndoManager::AutoMacro macro(tr("Remove Input %1").arg(name));
+    OssUndoManager::AutoMacro macro(tr("Remove Input %1 of %2").arg(name, this->name()));
     setInputNode(name, nullptr, {});
     const InputPort removed = m_inputs.at(index);
     applyRemoveInput(index);
@@ -192,7 +192,7 @@ bool OssSnBaseNode::renameInput(const QString &oldName, const QString &newName)
         return false;
     applyRenameInput(oldName, newName);
     OssUndoManager::instance()->record(
-        tr("Rename Input %1").arg(oldName),
+        tr("Rename Input %1 of %2").arg(oldName, name()),
         [this, oldName, newName] { applyRenameInput(newName, oldName); },
         [this, oldName, newName] { applyRenameInput(oldName, newName); }, this);
     return true;
@@ -220,7 +220,7 @@ bool OssSnBaseNode::reorderInputs(const QStringList &names)
         return true;
     applyInputOrder(names);
     OssUndoManager::instance()->record(
-        tr("Reorder Inputs"), [this, before] { applyInputOrder(before); },
+        tr("Reorder Inputs of %1").arg(name()), [this, before] { applyInputOrder(before); },
         [this, names] { applyInputOrder(names); }, this);
     return true;
 }
@@ -234,7 +234,7 @@ bool OssSnBaseNode::reorderOutputs(const QStringList &names)
         return true;
     applyOutputOrder(names);
     OssUndoManager::instance()->record(
-        tr("Reorder Outputs"), [this, before] { applyOutputOrder(before); },
+        tr("Reorder Outputs of %1").arg(name()), [this, before] { applyOutputOrder(before); },
         [this, names] { applyOutputOrder(names); }, this);
     return true;
 }
@@ -270,7 +270,8 @@ void OssSnBaseNode::setInputEnabled(const QString &name, bool enabled)
     };
     apply(enabled);
     OssUndoManager::instance()->record(
-        enabled ? tr("Enable Input %1").arg(name) : tr("Disable Input %1").arg(name),
+        (enabled ? tr("Enable Input %1 of %2") : tr("Disable Input %1 of %2"))
+            .arg(name, this->name()),
         [apply, enabled] { apply(!enabled); }, [apply, enabled] { apply(enabled); }, this);
 }
 
@@ -292,7 +293,7 @@ void OssSnBaseNode::addOutputPoint(const OutputPoint &point, int index)
     const int at = index < 0 || index > m_outputs.size() ? m_outputs.size() : index;
     applyInsertOutput(point, at);
     OssUndoManager::instance()->record(
-        tr("Add Output %1").arg(point.name),
+        tr("Add Output %1 to %2").arg(point.name, name()),
         [this, name = point.name] { applyRemoveOutput(outputIndex(name)); },
         [this, point, at] { applyInsertOutput(point, at); }, this);
 }
@@ -302,7 +303,7 @@ bool OssSnBaseNode::removeOutputPoint(const QString &name)
     const int index = outputIndex(name);
     if (index < 0)
         return false;
-    OssUndoManager::AutoMacro macro(tr("Remove Output %1").arg(name));
+    OssUndoManager::AutoMacro macro(tr("Remove Output %1 of %2").arg(name, this->name()));
     const QVector<OutgoingConnection> wires = m_outgoing;
     for (const OutgoingConnection &wire : wires) {
         if (wire.outputPoint == name)
@@ -340,7 +341,7 @@ bool OssSnBaseNode::renameOutputPoint(const QString &oldName, const QString &new
         return false;
     applyRenameOutput(oldName, newName);
     OssUndoManager::instance()->record(
-        tr("Rename Output %1").arg(oldName),
+        tr("Rename Output %1 of %2").arg(oldName, name()),
         [this, oldName, newName] { applyRenameOutput(newName, oldName); },
         [this, oldName, newName] { applyRenameOutput(oldName, newName); }, this);
     return true;

@@ -86,6 +86,8 @@ protected:
     /// Whether the node passes something on that a stream could go by.
     virtual bool canBeBypassed() const = 0;
 
+    QString nameInSteps() const override { return m_name; }
+
 private:
     friend class OssLinkedCustomAttributeManager;
     friend class OssShaderNetwork;

@@ -3,7 +3,7 @@
 #include <QAbstractListModel>
 
 /// The steps of the undo history from the document as it was opened to the latest; those that were
-/// undone are dim.
+/// undone are dim. Without a project there are none.
 class HistoryModel : public QAbstractListModel
 {
     Q_OBJECT
@@ -14,7 +14,7 @@ public:
     int rowCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
 
-    /// Row of the last step that is done.
+    /// Row of the last step that is done; invalid without a project.
     QModelIndex current() const;
 
 Q_SIGNALS:
@@ -23,5 +23,5 @@ Q_SIGNALS:
 private:
     void refresh();
 
-    int m_rows = 1;
+    int m_rows = 0;
 };

@@ -33,7 +33,10 @@ HistoryPanel::HistoryPanel(QWidget *parent)
     connect(manager, &OssUndoManager::changed, this, &HistoryPanel::refresh);
     connect(m_model, &HistoryModel::currentMoved, this, &HistoryPanel::showCurrent);
     connect(m_view->selectionModel(), &QItemSelectionModel::currentChanged, manager,
-            [manager](const QModelIndex &row) { manager->setIndex(row.row()); });
+            [manager](const QModelIndex &row) {
+                if (row.isValid())
+                    manager->setIndex(row.row());
+            });
 
     auto *bar = new QHBoxLayout;
     bar->addWidget(m_summary, 1);

@@ -26,6 +26,12 @@ constexpr int MaterialShape = 3;
 constexpr int GroupShape = 4;
 constexpr int MultiChannelShape = 7;
 
+OssShaderNetwork *enclosing(const OssShaderNetwork *network)
+{
+    const OssSnGroupNode *group = network->parentGroupNode();
+    return group ? group->network() : nullptr;
+}
+
 OssSnNodeGraphWidget *tabWidget()
 {
     return OssSnNodeGraphViewContextManager::instance()->nodeGraphWidget();
@@ -173,7 +179,8 @@ void OssSnGroupNodeGraphViewContext::forceOpenGroupSubgraph()
     showGroupNodeTab();
 }
 
-void OssSnGroupNodeGraphViewContext::hideGroupNodeTab(OssShaderNetwork *, OssSnBaseNode *node)
+void OssSnGroupNodeGraphViewContext::hideGroupNodeTab(OssShaderNetwork *network,
+                                                      OssSnBaseNode *node)
 {
     OssSnNodeGraphWidget *widget = tabWidget();
     const OssSnGroupNode *group = groupNode();
@@ -188,8 +195,14 @@ void OssSnGroupNodeGraphViewContext::hideGroupNodeTab(OssShaderNetwork *, OssSnB
             context->hideGroupNodeTab(group->groupNetwork(), inner);
     }
     const int index = m_view ? widget->indexOf(m_view) : -1;
-    if (index >= 0)
-        widget->hideTab(index);
+    if (index < 0)
+        return;
+    // Whoever looked into it sees what it was in next, and there what took its place.
+    for (; network && widget->currentWidget() == m_view; network = enclosing(network))
+        widget->selectTabForNetwork(network);
+    if (widget->currentWidget() == m_view)
+        widget->setCurrentIndex(0);
+    widget->hideTab(index);
 }
 
 void OssSnGroupNodeGraphViewContext::changeGroupNodeTabText(QString text)

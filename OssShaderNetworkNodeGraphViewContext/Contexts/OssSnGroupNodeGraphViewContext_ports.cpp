@@ -44,10 +44,14 @@ const OssNgNode *feederOf(const OssNgNode *output)
 }
 
 /// Beside what feeds the output; without that, below the others or right of everything.
-void placeOutput(OssNgNode *item, const QVector<const OssNgNode *> &others, QVector<QRectF> *taken)
+void placeOutput(const OssSnBaseNode *node, const QVector<const OssNgNode *> &others,
+                 QVector<QRectF> *taken)
 {
-    if (item->inputs().size() != 1)
+    OssNgNode *item = itemOf(node);
+    if (item->inputs().size() != 1) {
+        OssDebugAbout(node->path());
         OssDebug(Source, __LINE__, "Output node should have only one input into the node");
+    }
     const OssNgNode *feeder = feederOf(item);
     const auto reachesLess = [](const OssNgNode *a, const OssNgNode *b) {
         return occupied(a).right() < occupied(b).right();
@@ -136,7 +140,7 @@ void OssSnGroupNodeGraphViewContext::adjustInputOutputPos()
             between.append(item);
     }
     for (const OssSnBaseNode *node : qAsConst(outputs))
-        placeOutput(itemOf(node), between, &taken);
+        placeOutput(node, between, &taken);
     QVector<QRectF> others;
     for (const OssNgNode *item : qAsConst(between))
         others.append(occupied(item));

@@ -375,7 +375,7 @@ TEST_F(ContextTest, tabsOfGroupsInsideCloseWithTheOuterGroup)
     ASSERT_EQ(widget->count(), 3);
     m_network->removeNodes({outer});
     ASSERT_EQ(widget->count(), 2);
-    EXPECT_EQ(widget->currentView()->network(), other->groupNetwork());
+    EXPECT_EQ(widget->currentView()->network(), m_network);
     OssUndoManager *undo = OssUndoManager::instance();
     undo->undo();
     widget->showGroupNodeSubgraph(inner);

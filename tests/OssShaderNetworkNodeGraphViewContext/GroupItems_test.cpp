@@ -58,6 +58,29 @@ TEST_F(GroupItems, keysGoToTheViewThatComesForwardWhenATabGoes)
     EXPECT_TRUE(m_view->hasFocus());
 }
 
+TEST_F(GroupItems, whoeverLookedIntoAGroupThatGoesSeesWhatItWasIn)
+{
+    const auto *widget = m_manager->nodeGraphWidget();
+    const auto showInside = [](OssSnGroupNode *group) {
+        qobject_cast<OssSnGroupNodeGraphViewContext *>(contextOf(group))->showGroupNodeTab();
+    };
+    OssSnGroupNode *neighbour = addGroup("Neighbour");
+    OssSnGroupNode *outer = addGroup("Outer");
+    auto *inner = qobject_cast<OssSnGroupNode *>(addInside(outer, "Misc/Group", "Inner"));
+    for (OssSnGroupNode *group : {neighbour, outer, inner})
+        showInside(group);
+    outer->groupNetwork()->removeNodes({inner});
+    EXPECT_EQ(widget->currentView()->network(), outer->groupNetwork());
+    m_network->removeNodes({outer});
+    EXPECT_EQ(widget->currentView(), m_view) << "and not the neighbour";
+    undo();
+    undo();
+    showInside(inner);
+    m_network->removeNodes({outer});
+    EXPECT_EQ(widget->currentView(), m_view) << "both at once";
+    EXPECT_EQ(widget->count(), 2);
+}
+
 TEST_F(GroupItems, aGroupIsExportedToTheChosenFileOrTheReasonIsTold)
 {
     OssSnGroupNode *group = addGroup("Dirt");
@@ -182,6 +205,15 @@ TEST_F(GroupItems, nodesForNewPortsStandBesideWhatTheyFeedWhateverLiesBehind)
     }
     EXPECT_EQ(places.at(0), places.at(2));
     EXPECT_EQ(places.at(1), places.at(3));
+}
+
+TEST_F(GroupItems, theLogSaysWhichOutputNothingFeeds)
+{
+    OssSnGroupNode *group = addGroup("Big Group");
+    group->createOutput(text("Lone"), OssSnDataKind::Color);
+    const OssDebugLog::Line line = OssDebugLog::instance()->lines().last();
+    EXPECT_EQ(line.text, text("Output node should have only one input into the node"));
+    EXPECT_TRUE(line.shown.endsWith(text("\"/Big Group/Lone\""))) << qPrintable(line.shown);
 }
 
 TEST_F(GroupItems, anOutputThatNothingFeedsStandsBelowTheOthersOrRightOfEverything)

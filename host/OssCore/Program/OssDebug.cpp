@@ -35,6 +35,7 @@ struct Named
 
 // Of the thread's next line.
 thread_local QVector<Named> names;
+thread_local QString about;
 
 OssDebugLog::Category categoryOf(const QString &text)
 {
@@ -80,6 +81,11 @@ void OssDebugName(const void *object, const QString &name)
     names.append({QString::fromLatin1(address), name});
 }
 
+void OssDebugAbout(const QString &name)
+{
+    about = name;
+}
+
 OssDebugLog *OssDebugLog::instance()
 {
     static OssDebugLog log;
@@ -104,6 +110,9 @@ void OssDebugLog::append(const char *file, int line, const char *title, const QS
     const QVector<Named> named = std::exchange(names, {});
     for (const Named &object : named)
         shown.replace(object.address, object.name);
+    const QString subject = std::exchange(about, {});
+    if (!subject.isEmpty())
+        shown += QStringLiteral(": \"%1\"").arg(subject);
     const Line entry{
         categoryOf(text), sourceName(file), line, QString::fromUtf8(title), text, shown};
     {

@@ -20,6 +20,10 @@ OSSCORE_EXPORT void OssDebugTitle(const char *file, int line, const char *title,
 /// its name.
 OSSCORE_EXPORT void OssDebugName(const void *object, const QString &name);
 
+/// People are shown the next line of this thread with the object's name behind it, in quotes: for lines
+/// whose text does not say what they are about.
+OSSCORE_EXPORT void OssDebugAbout(const QString &name);
+
 /// What was logged in this process, newest last. Keeps the last `Capacity` lines; whoever wants
 /// more listens.
 class OSSCORE_EXPORT OssDebugLog : public QObject
@@ -37,7 +41,7 @@ public:
         int number = 0;
         QString title; ///< empty for ordinary lines
         QString text;  ///< as written, "[ -- ] " and "[ !! ] " included
-        QString shown; ///< the same with names for the objects of OssDebugName()
+        QString shown; ///< the same with what OssDebugName() and OssDebugAbout() said
     };
 
     static constexpr int Capacity = 20000;

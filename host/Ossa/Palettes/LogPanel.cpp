@@ -101,6 +101,13 @@ void LogPanel::followEnd()
     });
 }
 
+void LogPanel::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    if (m_following) // nothing could be scrolled while nobody saw it
+        QMetaObject::invokeMethod(m_view, &QListView::scrollToBottom, Qt::QueuedConnection);
+}
+
 QString LogPanel::textToCopy() const
 {
     QModelIndexList rows = m_view->selectionModel()->selectedIndexes();

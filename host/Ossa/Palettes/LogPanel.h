@@ -24,6 +24,9 @@ public:
     /// The selected lines, or all that are shown when none is selected, whole and in order.
     QString textToCopy() const;
 
+protected:
+    void showEvent(QShowEvent *event) override;
+
 private:
     QHBoxLayout *makeBar();
     void addCategory(QHBoxLayout *bar, OssDebugLog::Category category, const QString &text);

@@ -90,6 +90,10 @@ void OssSnNodeGraphViewContextManager::connectToHost()
             &Manager::onCurrentShaderNetworkChanged);
     connect(networks, &Networks::shaderNetworkAdded, this, &Manager::onShaderNetworkAdded);
     connect(networks, &Networks::focusOnNodeRequest, this, &Manager::focusOnNode);
+    connect(networks, &Networks::sightRequest, this, [this](const OssSnBaseNode *node) {
+        if (OssShaderNetworkView *view = currentView())
+            view->bringInSight(node);
+    });
     connect(networks, &Networks::matchNodePositionRequest, this, &Manager::matchNodePosition);
     connect(networks, &Networks::afterShaderNetworkEndCollection, this,
             &Manager::onAfterShaderNetworkEndCollection);

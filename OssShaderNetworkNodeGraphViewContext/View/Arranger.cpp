@@ -48,21 +48,27 @@ Nodes unitsOf(const Nodes &nodes, const Node *staying = nullptr)
     return units;
 }
 
-/// Where no node may come to lie over another one: those that neither are among the nodes nor lie on
-/// one of them. Backdrops may lie under anything.
-QVector<QRectF> obstaclesFor(const Nodes &nodes)
+/// Where no node may come to lie over another one: those that are not moved. Backdrops may lie under
+/// anything.
+QVector<QRectF> obstaclesBeside(const Nodes &moved)
 {
     QVector<QRectF> obstacles;
-    Nodes moved = nodes;
-    for (const Node *node : nodes)
-        moved += Backdrops::carriedBy(node);
-    const Nodes all = nodes.first()->network()->nodes();
+    const Nodes all = moved.first()->network()->nodes();
     for (Node *node : all) {
         const OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(node);
         if (item && item->isVisible() && !Backdrops::isBackdrop(node) && !moved.contains(node))
             obstacles.append(item->sceneBoundingRect());
     }
     return obstacles;
+}
+
+/// The same when the nodes are moved with what lies on them.
+QVector<QRectF> obstaclesFor(const Nodes &nodes)
+{
+    Nodes moved = nodes;
+    for (const Node *node : nodes)
+        moved += Backdrops::carriedBy(node);
+    return obstaclesBeside(moved);
 }
 
 void moveTo(const Nodes &nodes, const QVector<QRectF> &places)
@@ -74,22 +80,19 @@ void moveTo(const Nodes &nodes, const QVector<QRectF> &places)
     }
 }
 
-/// Down, until it lies on no other; a backdrop with what lies on it.
-void clearDownwards(Node *node)
-{
-    const QRectF there = rectOf(node);
-    const QRectF free = Alignment::clear(there, obstaclesFor({node}), Qt::Vertical);
-    if (free != there)
-        Backdrops::shift(node, free.topLeft() - there.topLeft());
-}
-
-/// Asks a node to go somewhere; what lies on it goes along.
+/// Asks a node to go somewhere; what lies on it goes along. There it goes on down until it lies on no
+/// other: what lay there already is not taken for its own.
 template <class Ask>
-void carryAlong(Node *node, Ask ask)
+void bring(Node *node, Ask ask)
 {
     const Nodes carried = Backdrops::carriedBy(node);
     const QPointF before = rectOf(node).topLeft();
     ask();
+    const QRectF there = rectOf(node);
+    const QRectF free = Alignment::clear(there, obstaclesBeside(Nodes{node} + carried),
+                                         Qt::Vertical);
+    if (free != there)
+        Q_EMIT node->nodePositionedManual(node, free.topLeft() - there.topLeft());
     const QPointF way = rectOf(node).topLeft() - before;
     for (Node *other : carried)
         Q_EMIT other->nodePositionedManual(other, way);
@@ -138,18 +141,20 @@ void placeUnderneath(Node *node, Node *reference)
 {
     if (Backdrops::isBackdrop(node)) {
         const QRectF there = rectOf(reference);
-        Backdrops::shift(node, QPointF(there.left(), there.bottom() + NodePlacement::Gap)
-                                   - rectOf(node).topLeft());
-        clearDownwards(node);
+        bring(node, [=] {
+            const QPointF place(there.left(), there.bottom() + NodePlacement::Gap);
+            Q_EMIT node->nodePositionedManual(node, place - rectOf(node).topLeft());
+        });
         return;
     }
     Node *container = Backdrops::containerOf(reference);
     if (container && container != node->container())
         node->setContainer(container);
     if (container) {
-        Q_EMIT node->nodeSyncedUnderneathNode(reference, false);
-        Backdrops::takeIn(node, container);
-        clearDownwards(node);
+        bring(node, [=] {
+            Q_EMIT node->nodeSyncedUnderneathNode(reference, false);
+            Backdrops::takeIn(node, container);
+        });
         return;
     }
     const QVector<QRectF> obstacles = obstaclesFor({node});
@@ -166,17 +171,17 @@ void placeUnderneath(Node *node, Node *reference)
 
 void placeNextTo(Node *node, Node *reference)
 {
-    if (Backdrops::isBackdrop(node))
-        carryAlong(node, [=] { Q_EMIT node->nodePositionedNextTo(reference); });
-    else
-        Q_EMIT node->emitSetLayout(Node::LayoutBeside, reference, true, true);
-    clearDownwards(node);
+    bring(node, [=] {
+        if (Backdrops::isBackdrop(node))
+            Q_EMIT node->nodePositionedNextTo(reference);
+        else
+            Q_EMIT node->emitSetLayout(Node::LayoutBeside, reference, true, true);
+    });
 }
 
 void placeOnTop(Node *node, Node *reference)
 {
-    carryAlong(node, [=] { Q_EMIT node->nodePositionedOnTopIdented(reference); });
-    clearDownwards(node);
+    bring(node, [=] { Q_EMIT node->nodePositionedOnTopIdented(reference); });
 }
 
 template <void (*place)(Node *, Node *)>
@@ -194,11 +199,10 @@ void placeByLayout(const Nodes &nodes, int layout)
     const bool fresh = layout != Node::LayoutTwoRightLoose;
     for (int i = 1; i < units.size(); ++i) {
         Node *node = units.at(i);
-        carryAlong(node, [&] {
-            Q_EMIT node->emitSetLayout(Node::NodeLayoutType(layout), units.at(i - 1), fresh,
-                                       !Backdrops::isBackdrop(node));
+        // Without the rule for nodes that overlap, by which what is placed left might land right.
+        bring(node, [&] {
+            Q_EMIT node->emitSetLayout(Node::NodeLayoutType(layout), units.at(i - 1), fresh, false);
         });
-        clearDownwards(node);
     }
 }
 

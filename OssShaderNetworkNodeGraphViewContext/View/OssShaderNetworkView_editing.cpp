@@ -215,11 +215,13 @@ void OssShaderNetworkView::arrange(OssShaderNetworkManager::Arrangement how)
         if (auto *node = guiNode ? qobject_cast<OssSnBaseNode *>(guiNode->businessNode()) : nullptr)
             nodes.append(node);
     }
-    bool changed = false;
-    const auto recording = connect(OssUndoManager::instance(), &OssUndoManager::recorded, this,
+    const OssUndoManager *steps = OssUndoManager::instance();
+    bool changed = steps->isMacroOpen(); // who knows what that one holds
+    const auto recording = connect(steps, &OssUndoManager::recorded, this,
                                    [&changed] { changed = true; });
     const OssResult result = OssShaderNetworkManager::instance()->requestArrangement(nodes, how);
     disconnect(recording);
+    changed = changed || steps->isMacroOpen(); // the command's own has its first step
     if (!result)
         tellUser(result.error());
     else if (!changed)

@@ -72,11 +72,8 @@ void PlacingView::placeNodeInSight(OssSnBaseNode *node)
     placeNode(node);
     const QRectF seen = viewportInSceneCoords();
     const qreal far = std::min(seen.width(), seen.height()) / 2.0;
-    const QRectF map = isMinimapVisible() ? QRectF(toScene(minimapRect().topLeft()),
-                                                   toScene(minimapRect().bottomRight()))
-                                          : QRectF();
-    const bool isNear = QLineF(wanted, item->pos()).length() <= far && seen.contains(occupied(item))
-                        && !map.intersects(occupied(item));
+    const QRectF map = minimapInScene();
+    const bool isNear = QLineF(wanted, item->pos()).length() <= far && isInSight(item);
     if (item->isAt(wanted) || isNear)
         return;
     QVector<QRectF> obstacles{map};
@@ -94,6 +91,26 @@ void PlacingView::placeNodeInSight(OssSnBaseNode *node)
     } else {
         ensureVisible(item, 0, 0);
     }
+}
+
+void PlacingView::bringInSight(const OssSnBaseNode *node)
+{
+    const OssNgNode *item = itemOf(node);
+    if (item && item->scene() == scene() && !isInSight(item))
+        centerViewOn(occupied(item).center(), true);
+}
+
+QRectF PlacingView::minimapInScene() const
+{
+    return isMinimapVisible()
+               ? QRectF(toScene(minimapRect().topLeft()), toScene(minimapRect().bottomRight()))
+               : QRectF();
+}
+
+bool PlacingView::isInSight(const OssNgNode *item) const
+{
+    return viewportInSceneCoords().contains(occupied(item))
+           && !minimapInScene().intersects(occupied(item));
 }
 
 OssNgNode *PlacingView::itemOf(const OssSnBaseNode *node)

@@ -25,6 +25,8 @@ public:
     /// The same for what is made where the user points: where the rule leads out of sight, or far
     /// away, the node goes to the free place in view that is nearest to where it stands.
     void placeNodeInSight(OssSnBaseNode *node);
+    /// Leaves it where it lies and brings the view there, unless it is seen already.
+    void bringInSight(const OssSnBaseNode *node);
     /// Diagonally below and to the right of the other item, 30 units clear of its corner.
     void relocateNodeBeside(OssNgNode *guiNode, const OssNgNode *other);
     void positionNodeManual(OssSnBaseNode *node, OssSnBaseNode *reference, const QPointF &offset);
@@ -70,6 +72,8 @@ protected:
 
 private:
     static QRectF occupied(const OssNgNode *item);
+    QRectF minimapInScene() const;
+    bool isInSight(const OssNgNode *item) const;
     static QPointF freeSpotFor(const OssNgNode *item);
     /// Null for what is no container, with a line when it is something else.
     static OssNgBackdropNode *backdropOf(const OssSnBaseNode *container);

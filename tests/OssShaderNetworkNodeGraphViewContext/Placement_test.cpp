@@ -313,6 +313,23 @@ TEST_F(ArrangingTest, inABackdropOthersMakeRoomForWhatIsPlacedUnderneathOneOfThe
     expectStepBack("Place Underneath");
 }
 
+TEST_F(ArrangingTest, aBackdropThatIsPlacedSomewhereTakesNothingForItsOwnThatLayThere)
+{
+    OssSnBaseNode *first = addArea({0, 0, 300, 240}, "First");
+    OssSnBaseNode *placed = addArea({900, 0, 300, 240}, "Placed");
+    OssSnBaseNode *own = addAt("Filter/Blur", {940, 60}, "Own");
+    OssSnBaseNode *there = addAt("Filter/Blur", {45, 340}, "There");
+    for (const auto how : {Networks::PlaceUnderneath, Networks::PlaceBelow, Networks::PlaceOnTop}) {
+        mark();
+        EXPECT_TRUE(Networks::instance()->requestArrangement({first, placed}, how));
+        EXPECT_EQ(itemOf(there)->pos(), QPointF(45, 340)) << how;
+        EXPECT_TRUE(rectOf(placed).contains(rectOf(own))) << how;
+        EXPECT_EQ(there->container(), nullptr) << how;
+        expectApart({own, there}, "below");
+        undo();
+    }
+}
+
 TEST_F(ArrangingTest, oneNodeGoesByWhatItIsWiredToAndNoneIsRefused)
 {
     OssSnBaseNode *source = addAt("Filter/Blur", {40, 60});

@@ -4,6 +4,8 @@
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssSnBaseContext.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssNodeGraph/Items/OssNgNode.h"
+#include "OssNodeGraph/View/OssNgView.h"
 #include "Program/StartedProgram.h"
 
 #include <QDir>
@@ -146,6 +148,35 @@ TEST_F(Groups, portsGoToTheSelectedGroupOrToTheOneThatIsShown)
     select({});
     trigger("Add Group Input");
     EXPECT_EQ(other->inputNames().size(), 1) << "none is selected, and none is around";
+}
+
+TEST_F(Groups, portsThatAreMadeInTheGroupThatIsShownComeInSight)
+{
+    auto *group = qobject_cast<OssSnGroupNode *>(m_group);
+    OssSnBaseNode *inner = group->groupNetwork()->createNode(text("Filter/Blur"));
+    OssShaderNetworkManager::instance()->goToNode(inner);
+    const auto views = s_window->findChildren<OssNgView *>();
+    const auto shown = std::find_if(views.cbegin(), views.cend(),
+                                    [](const OssNgView *one) { return one->isVisible(); });
+    ASSERT_NE(shown, views.cend());
+    OssNgView *view = *shown;
+    select({});
+    for (const char *command : {"Add Group Input", "Add Group Output"}) {
+        view->centerViewOn({9000, 9000}, false);
+        trigger(command);
+        const QList<OssSnBaseNode *> made = group->groupNetwork()->selectedNodes();
+        ASSERT_EQ(made.size(), 1);
+        const auto items = view->scene()->items();
+        const auto item = std::find_if(items.cbegin(), items.cend(), [&](QGraphicsItem *one) {
+            const auto *node = dynamic_cast<OssNgNode *>(one);
+            return node && node->businessNode() == made.first();
+        });
+        ASSERT_NE(item, items.cend());
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            return view->viewportInSceneCoords().contains((*item)->sceneBoundingRect());
+        })) << command;
+        made.first()->setSelected(false);
+    }
 }
 
 TEST_F(Groups, exportsToTheFileThatIsChosenAndSaysWhatCannotBeWritten)

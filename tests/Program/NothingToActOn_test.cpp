@@ -1,5 +1,6 @@
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssInterface/Actions/OssCommandTable.h"
+#include "OssModel/Graph/OssSnBaseContext.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
 #include "OssNodeGraph/View/OssNgView.h"
 #include "Program/StartedProgram.h"
@@ -163,6 +164,22 @@ TEST_F(NothingToActOn, everyCommandAnswers)
     }
 }
 
+TEST_F(NothingToActOn, whatWasArrangedIsNotSaidToStandLikeThatAlready)
+{
+    OssSnBaseNode *color = add("Procedural/Color");
+    OssSnBaseNode *blur = add("Filter/Blur");
+    color->viewContext()->setNodePosition({0, 0});
+    blur->viewContext()->setNodePosition({300, 200});
+    select({color, blur});
+    for (const bool stands : {false, true}) {
+        m_said.clear();
+        const int steps = history()->count();
+        trigger("Align Top");
+        EXPECT_EQ(history()->count(), stands ? steps : steps + 1);
+        EXPECT_EQ(m_said.join(QString()).contains(text("already")), stands);
+    }
+}
+
 TEST_F(NothingToActOn, keysOfCommandsThatNeedAProjectSaySoWithoutOne)
 {
     const ExpectedLog possible("fallback onto current", ExpectedLog::Possible);
@@ -178,15 +195,16 @@ TEST_F(NothingToActOn, keysOfCommandsThatNeedAProjectSaySoWithoutOne)
     const QStringList paths = OssActionTreeManager::instance()->paths();
     for (const QString &path : paths) {
         const QAction *action = OssActionTreeManager::instance()->findAction(path);
-        if (path.startsWith(text("/Ossa/NodeGraph/Create/"))
-            || !path.startsWith(text("/Ossa/NodeGraph/")) || !action->isEnabled())
+        const bool needs = OssCommandTable::whenOf(path) == OssCommandTable::WithProject;
+        if (needs)
+            EXPECT_FALSE(action->isEnabled()) << qPrintable(path);
+        if (needs || !path.startsWith(text("/Ossa/NodeGraph/")) || !action->isEnabled())
             continue;
         EXPECT_TRUE(path.endsWith(text("Snap to Grid")) || path.endsWith(text("Shake To Extract")))
             << qPrintable(path);
     }
-    m_said.clear();
-    trigger("Create/Filter/Blur");
-    EXPECT_TRUE(m_said.join(QString()).contains(text("project"))) << "also from a menu";
+    EXPECT_TRUE(OssCommandTable::whyDisabled(text("/Ossa/NodeGraph/Create/Filter/Blur"))
+                    .contains(text("project")));
 }
 
 } // namespace

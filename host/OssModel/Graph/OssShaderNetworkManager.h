@@ -183,6 +183,10 @@ public:
     /// that is looked at now. False for a node that is in no network.
     bool requestViewer(OssSnBaseNode *node, int input = 0);
 
+    /// Brings the node in sight where its network is shown now: for what a command made elsewhere than
+    /// the user looked.
+    void requestSight(OssSnBaseNode *node) { Q_EMIT sightRequest(node); }
+
     /// Moves `to` onto `from`, undoably.
     void requestSamePosition(OssSnBaseNode *from, OssSnBaseNode *to)
     {
@@ -221,6 +225,7 @@ Q_SIGNALS:
     void currentViewNetworkChanged(OssShaderNetwork *network);
     void shaderNetworkAdded(OssShaderNetwork *network);
     void focusOnNodeRequest(OssSnBaseNode *node);
+    void sightRequest(OssSnBaseNode *node);
     void matchNodePositionRequest(OssSnBaseNode *from, OssSnBaseNode *to);
     void afterShaderNetworkEndCollection(OssShaderNetwork *network);
     void showNodePropertiesAtPositionEndRequest(OssSnBaseNode *node, OssSnBaseNode *target,

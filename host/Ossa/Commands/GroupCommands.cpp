@@ -154,10 +154,13 @@ void GroupCommands::addPort(bool input)
     }
     const QString name = target->groupNetwork()->generateUniqueNodeName(input ? tr("Input")
                                                                               : tr("Output"));
-    if (input)
-        target->createInput(name, OssSnDataKind::Color);
-    else
-        target->createOutput(name, OssSnDataKind::Color);
+    OssSnBaseNode *made = input ? target->createInput(name, OssSnDataKind::Color)
+                                : target->createOutput(name, OssSnDataKind::Color);
+    if (!made)
+        return;
+    if (target->groupNetwork() == network())
+        target->groupNetwork()->selectOnly({made});
+    OssShaderNetworkManager::instance()->requestSight(made);
     OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
 }
 

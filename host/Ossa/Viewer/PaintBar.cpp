@@ -53,6 +53,14 @@ QList<OssSnChannelInputNode *> paintNodes(const OssShaderNetwork *network)
     return found;
 }
 
+void placeLeftOf(OssSnBaseNode *fed, OssSnBaseNode *node)
+{
+    // It fails where nobody shows nodes, and there they lie anywhere.
+    const OssResult placed = OssShaderNetworkManager::instance()->requestArrangement(
+        {fed, node}, OssShaderNetworkManager::PlaceLeft);
+    Q_UNUSED(placed)
+}
+
 OssShaderNetwork *currentNetwork()
 {
     return OssShaderNetworkManager::instance()->currentShaderNetwork();
@@ -248,7 +256,7 @@ void PaintBar::makeNode()
     OssSnBaseNode *shown = viewer->inputNode(input);
     if (!shown || shown->network() != network) {
         viewer->setInputNode(input, paint, paint->prefferedOutputPoint());
-        paint->positionNodeOnTopIndented(viewer);
+        placeLeftOf(viewer, paint);
     } else {
         const QString output = viewer->inputOutputPoint(input);
         OssSnBaseNode *merge = network->createNode(QStringLiteral("Layer/Merge"), {});
@@ -256,8 +264,9 @@ void PaintBar::makeNode()
         merge->setInputNode(QStringLiteral("Over"), paint, paint->prefferedOutputPoint());
         viewer->setInputNode(input, merge, merge->prefferedOutputPoint());
         merge->positionNodeOnTopIndented(shown);
-        paint->positionNodeOnTopIndented(merge);
+        placeLeftOf(merge, paint);
     }
+    OssShaderNetworkManager::instance()->requestSight(paint);
     m_session->setNode(qobject_cast<OssSnImageSetNodeBase *>(paint));
 }
 

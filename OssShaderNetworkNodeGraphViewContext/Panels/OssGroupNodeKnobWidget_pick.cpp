@@ -18,6 +18,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSet>
+#include <QShortcut>
 #include <QTreeWidget>
 #include <QTreeWidgetItemIterator>
 #include <QVBoxLayout>
@@ -98,6 +99,13 @@ void OssGroupNodeKnobWidget::showGizmoPropertySelection()
     QDialogButtonBox buttons(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, Qt::Horizontal);
     connect(&buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
     connect(&buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+
+    // No key closes the dialog; Escape leads to the button that does.
+    auto *leave = new QShortcut(QKeySequence(Qt::Key_Escape), &dialog); // owned
+    QPushButton *cancel = buttons.button(QDialogButtonBox::Cancel);
+    cancel->setToolTip(tr("Esc comes here, Return presses it"));
+    connect(leave, &QShortcut::activated, cancel,
+            [cancel] { cancel->setFocus(Qt::ShortcutFocusReason); });
 
     QVBoxLayout layout(&dialog);
     layout.addLayout(row);

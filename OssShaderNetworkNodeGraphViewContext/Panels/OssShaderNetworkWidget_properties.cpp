@@ -59,9 +59,20 @@ QString focusedAttribute(const QWidget *panel)
     return row ? row->name() : QString();
 }
 
+constexpr const char *Pinned = "pinned"; // of panels
+
 bool isPinned(const QWidget *panel)
 {
-    return panel && panel->property("pinned").toBool();
+    return panel && panel->property(Pinned).toBool();
+}
+
+/// The panel as another one is that it takes the place of.
+void fold(QWidget *panel, const QWidget *as)
+{
+    auto *list = qobject_cast<OssExpandableListWidget *>(panel);
+    const auto *other = qobject_cast<const OssExpandableListWidget *>(as);
+    if (list && other && other->isCollapsed())
+        list->collapse();
 }
 
 } // namespace
@@ -91,6 +102,7 @@ void OssSnNodePropertiesWidget::makeScrollArea()
 {
     m_scrollArea = new QScrollArea(this);
     m_scrollArea->setFrameShape(QFrame::NoFrame);
+    m_scrollArea->setFocusPolicy(Qt::NoFocus); // a click beside the fields leaves the graph its keys
     auto *container = new QWidget; // the scroll area takes it
     m_panelLayout = new QVBoxLayout(container);
     m_panelLayout->setContentsMargins(1, 1, 1, 1);
@@ -122,6 +134,7 @@ void OssSnNodePropertiesWidget::makeBar(QAction *deleteAll)
     button->setToolTip(deleteAll->statusTip());
     button->setWhatsThis(deleteAll->statusTip());
     button->setAccessibleName(deleteAll->statusTip());
+    button->setFocusPolicy(Qt::TabFocus);
     // Where the action acts on its keys itself, the button's would make them ambiguous.
     const auto follow = [button, deleteAll] {
         const Qt::ShortcutContext context = deleteAll->shortcutContext();
@@ -203,9 +216,13 @@ void OssSnNodePropertiesWidget::replacePanel(OssSnBaseNode *old, OssSnBaseNode *
     if (!panel)
         return;
     const int index = m_panelLayout->indexOf(panel);
+    const bool pinned = isPinned(panel);
     dismiss(panel);
     m_panels.remove(old);
-    createPropertyWidget(replacement, index);
+    QWidget *made = createPropertyWidget(replacement, index);
+    if (made && pinned)
+        made->setProperty(Pinned, true);
+    fold(made, panel);
 }
 
 void OssSnNodePropertiesWidget::followNode(OssSnBaseNode *node)
@@ -402,11 +419,8 @@ void OssSnNodePropertiesWidget::refreshPropertiesForNode(OssSnBaseNode *Node)
     const QString focused = focusedAttribute(panel);
     m_panels.remove(Node);
     dismiss(panel);
-    const auto *old = qobject_cast<const OssExpandableListWidget *>(panel);
     QWidget *made = createPropertyWidget(Node, index);
-    auto *list = qobject_cast<OssExpandableListWidget *>(made);
-    if (list && old && old->isCollapsed())
-        list->collapse();
+    fold(made, panel);
     const QList<OssExpandableListWidget *> after = sectionsOf(made);
     for (OssExpandableListWidget *section : after) {
         const auto known = collapsed.constFind(section->heading()->text());

@@ -215,6 +215,7 @@ TEST_F(VersionControl, whatIsConvertedKeepsItsItemsStateAndItsPanel)
     };
     panels->insertAfter(m_older, m_same);
     ASSERT_EQ(placeOf(m_older), 1);
+    panels->panel(m_older)->setProperty("pinned", true);
     OssUndoManager::instance()->clear();
     m_start = m_project->stateHash();
     const QString name = m_older->name();
@@ -224,6 +225,7 @@ TEST_F(VersionControl, whatIsConvertedKeepsItsItemsStateAndItsPanel)
     EXPECT_EQ(contextOf(converted)->portListMode(), OssNgExtendedNode::NoPortList);
     EXPECT_EQ(placeOf(converted), 1);
     EXPECT_EQ(placeOf(m_older), -1);
+    EXPECT_TRUE(panels->panel(converted)->property("pinned").toBool());
     expectUndoIsExact(m_start);
     EXPECT_EQ(placeOf(m_network->node(name)), 1);
     OssUndoManager::instance()->undo();

@@ -113,7 +113,6 @@ QAbstractButton *OssNodePropertyPanel::makeButton(const QString &icon, const QSt
     button->setChecked(checked);
     button->setToolTip(toolTip);
     button->setAccessibleName(toolTip);
-    button->setFocusPolicy(Qt::TabFocus); // a click leaves the keyboard where it is
     return button;
 }
 

@@ -4,6 +4,7 @@ OssMiniButton::OssMiniButton(const QString &text, QWidget *parent)
     : QPushButton(text, parent)
 {
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    setFocusPolicy(Qt::TabFocus); // a click leaves the keyboard where it is
 }
 
 QSize OssMiniButton::sizeHint() const

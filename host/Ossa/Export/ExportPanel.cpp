@@ -164,6 +164,7 @@ QWidget *ExportPanel::makeChoices()
     form->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
     makeFields(form);
     auto *area = new QScrollArea;
+    area->setFocusPolicy(Qt::NoFocus); // a click beside the fields leaves the keyboard where it is
     area->setFrameShape(QFrame::NoFrame);
     area->setWidgetResizable(true);
     area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);

@@ -193,6 +193,8 @@ QWidget *BrushesPanel::makeFields()
     addNumbers(form);
     addSwitches(form);
     auto *scroll = new QScrollArea(this);
+    scroll->setFocusPolicy(
+        Qt::NoFocus); // a click beside the fields leaves the keyboard where it is
     scroll->setWidgetResizable(true);
     scroll->setFrameShape(QFrame::NoFrame);
     scroll->setWidget(body);

@@ -279,6 +279,8 @@ void PaletteDocks::dock(OssPalette *palette)
     dock->setIcon(QIcon(OssPaletteManager::instance()->iconPath(palette)));
     dock->setMinimumSizeHintMode(ads::CDockWidget::MinimumSizeHintFromContent);
     dock->setWidget(palette, ads::CDockWidget::ForceNoScrollArea);
+    // Docks take the focus when something in them is clicked that wants none, and keys would be dead.
+    dock->setFocusProxy(palette);
     m_docks.insert(palette, dock);
     connect(palette, &OssPalette::showRequested, this, [this, palette] { showPalette(palette); });
     connect(palette, &QWidget::windowTitleChanged, dock, &ads::CDockWidget::setWindowTitle);

@@ -281,6 +281,22 @@ TEST_F(Curves, tellOfADragOnlyWhatMoved)
     QTest::mouseRelease(m_curve, Qt::LeftButton, {}, grip);
 }
 
+TEST_F(Curves, noPointIsHiddenByWhatSaysThatValuesDiffer)
+{
+    for (const double end : {1.0, 0.0}) {
+        m_curve->setPoints({{0.0, 1.0 - end}, {1.0, end}});
+        m_curve->setMixed(false);
+        const QImage plain = m_curve->grab().toImage();
+        m_curve->setMixed(true);
+        const QImage mixed = m_curve->grab().toImage();
+        EXPECT_NE(mixed, plain);
+        for (const QPointF &point : m_curve->points()) {
+            const QRect grip(at(point) - QPoint(4, 4), QSize(9, 9));
+            EXPECT_EQ(mixed.copy(grip), plain.copy(grip)) << point.x();
+        }
+    }
+}
+
 TEST_F(Curves, areDrawnWhereTheyAre)
 {
     m_curve->setPoints({{0.0, 0.3}, {0.5, 0.3}, {1.0, 0.3}});

@@ -171,7 +171,10 @@ void OssCurveField::paintEvent(QPaintEvent *)
         painter.setBrush(current ? palette().color(QPalette::Link) : line);
         painter.drawEllipse(toWidget(m_points.at(i)), 4.5, 4.5);
     }
-    paintMixed(&painter, rect());
+    QVector<QPointF> handles;
+    for (const QPointF &point : m_points)
+        handles.append(toWidget(point));
+    paintMixed(&painter, rect(), handles);
 }
 
 // --- changes

@@ -3,7 +3,30 @@
 #include <QKeyEvent>
 #include <QPainter>
 
+#include <algorithm>
 #include <utility>
+
+namespace {
+
+constexpr double Handle = 5.0; // half of what is drawn of one
+
+/// In a corner of the picture, the upper right one if it may be.
+QRectF clearOf(const QVector<QPointF> &handles, const QSizeF &size, const QRectF &picture)
+{
+    const QRectF inside = picture.adjusted(3.0, 3.0, -3.0, -3.0);
+    const QPointF down(0.0, inside.height() - size.height());
+    const QPointF right(inside.width() - size.width(), 0.0);
+    for (const QPointF &corner : {right, QPointF(), right + down, down}) {
+        const QRectF box(inside.topLeft() + corner, size);
+        const QRectF kept = box.adjusted(-Handle, -Handle, Handle, Handle);
+        if (std::none_of(handles.cbegin(), handles.cend(),
+                         [&kept](const QPointF &handle) { return kept.contains(handle); }))
+            return box;
+    }
+    return {inside.topLeft() + right, size};
+}
+
+} // namespace
 
 OssHandleField::OssHandleField(QWidget *parent)
     : QWidget(parent)
@@ -40,13 +63,14 @@ void OssHandleField::setMixed(bool mixed)
     update();
 }
 
-void OssHandleField::paintMixed(QPainter *painter, const QRectF &picture) const
+void OssHandleField::paintMixed(QPainter *painter, const QRectF &picture,
+                                const QVector<QPointF> &handles) const
 {
     if (!m_mixed)
         return;
     const QString text = tr("mixed");
-    QRectF box(0.0, 0.0, fontMetrics().horizontalAdvance(text) + 8.0, fontMetrics().height() + 2.0);
-    box.moveTopRight(picture.topRight() + QPointF(-3.0, 3.0));
+    const QSizeF size(fontMetrics().horizontalAdvance(text) + 8.0, fontMetrics().height() + 2.0);
+    const QRectF box = clearOf(handles, size, picture);
     painter->setPen(Qt::NoPen);
     painter->setBrush(palette().color(QPalette::Base));
     painter->drawRoundedRect(box, 3.0, 3.0);

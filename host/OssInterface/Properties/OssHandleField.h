@@ -2,6 +2,7 @@
 
 #include "OssInterface/OssInterface_export.h"
 
+#include <QVector>
 #include <QWidget>
 
 /// A picture with handles that are added, removed, dragged and moved by keys: what the fields of
@@ -31,8 +32,9 @@ protected:
     bool event(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
 
-    /// Says so at the upper right of the picture.
-    void paintMixed(class QPainter *painter, const QRectF &picture) const;
+    /// Says so in a corner of the picture, clear of the handles if there is one.
+    void paintMixed(QPainter *painter, const QRectF &picture,
+                    const QVector<QPointF> &handles = {}) const;
 
     /// The pointer has a handle; a drag begins when it moves.
     void takeHandle() { m_hasHandle = true; }

@@ -49,6 +49,16 @@ bool areThere(const OssShaderNetwork *network, const OssSnBaseNode *node)
     return network && node;
 }
 
+/// On the nodes that have them.
+void showProblems(QObject *listener)
+{
+    if (const OssProblems *problems = OssProblems::instance())
+        QObject::connect(problems, &OssProblems::nodeChanged, listener, [](OssSnBaseNode *node) {
+            if (auto *context = OssSnNodeGraphViewContextManager::contextOf(node))
+                context->updateErrorText();
+        });
+}
+
 } // namespace
 
 OssSnNodeGraphViewContextManager *OssSnNodeGraphViewContextManager::instance()
@@ -121,12 +131,7 @@ void OssSnNodeGraphViewContextManager::connectToHost()
     connect(networks, &Networks::arrangeGroupInputNodesByOrderRequested, this,
             &Manager::arrangeGroupInputNodesByOrder);
     connect(networks, &Networks::debugNodesChanged, this, &Manager::onDebugNodesChanged);
-    if (const OssProblems *problems = OssProblems::instance())
-        connect(problems, &OssProblems::nodeChanged, this, [](OssSnBaseNode *node) {
-            if (OssSnNodeGraphViewContext *context = contextOf(node))
-                context->updateErrorText();
-        });
-
+    showProblems(this);
     OssProjectManager *projects = OssProjectManager::instance();
     connect(projects, &OssProjectManager::currentChannelChanged, this,
             &Manager::highlightCurrentImageSetNode);

@@ -60,6 +60,15 @@ QPushButton *makeButton(const QString &icon, const QString &accessibleName)
     return button;
 }
 
+/// No key closes the dialog; Escape leads to the button that does.
+void leadEscapeTo(QPushButton *cancel, QDialog *dialog)
+{
+    cancel->setToolTip(OssGroupNodeKnobWidget::tr("Esc comes here, Return presses it"));
+    const auto *escape = new QShortcut(QKeySequence(Qt::Key_Escape), dialog); // owned
+    QObject::connect(escape, &QShortcut::activated, cancel,
+                     [cancel] { cancel->setFocus(Qt::ShortcutFocusReason); });
+}
+
 } // namespace
 
 void OssGroupNodeKnobWidget::showGizmoPropertySelection()
@@ -100,12 +109,7 @@ void OssGroupNodeKnobWidget::showGizmoPropertySelection()
     connect(&buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
     connect(&buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
 
-    // No key closes the dialog; Escape leads to the button that does.
-    auto *leave = new QShortcut(QKeySequence(Qt::Key_Escape), &dialog); // owned
-    QPushButton *cancel = buttons.button(QDialogButtonBox::Cancel);
-    cancel->setToolTip(tr("Esc comes here, Return presses it"));
-    connect(leave, &QShortcut::activated, cancel,
-            [cancel] { cancel->setFocus(Qt::ShortcutFocusReason); });
+    leadEscapeTo(buttons.button(QDialogButtonBox::Cancel), &dialog);
 
     QVBoxLayout layout(&dialog);
     layout.addLayout(row);

@@ -271,4 +271,16 @@ TEST_F(Meshes, objectsAreShownRenamedAndRemovedFromTheMenu)
     EXPECT_EQ(objects().size(), 1) << "the last one stays";
 }
 
+TEST_F(Meshes, objectsThatAreGoneAreNotAskedBeforeTheirCommandsGo)
+{
+    OssProject *project = projects()->newProject(text("P"));
+    project->createEntity(text("Gone"), {});
+    ASSERT_TRUE(QTest::qWaitFor([] { return command("Mesh/Show/Gone") != nullptr; }));
+    OssUndoManager::instance()->undo();
+    OssUndoManager::instance()->clear();
+    EXPECT_NE(command("Mesh/Show/Gone"), nullptr);
+    projects()->closeProject();
+    EXPECT_EQ(command("Mesh/Show/Gone"), nullptr);
+}
+
 } // namespace

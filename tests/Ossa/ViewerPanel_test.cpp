@@ -8,7 +8,6 @@
 #include "Ossa/Viewer/ViewerPictures.h"
 #include "Ossa/Viewer/ViewerSource.h"
 #include "OssCore/Program/OssSettings.h"
-#include "OssInterface/Actions/OssCommandTable.h"
 #include "OssInterface/Actions/OssShortcutManager.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Evaluation/OssSolo.h"
@@ -49,8 +48,6 @@ protected:
         m_green = color("0,1,0,1");
         m_grey = color("0.25,0.25,0.25,1");
         OssUndoManager::instance()->clear();
-        // The last that a window of another test said may be that there is no project.
-        OssCommandTable::setHolds(OssCommandTable::WithProject, true);
         m_panel = std::make_unique<ViewerPanel>();
         m_source = m_panel->findChild<ViewerSource *>();
         m_pictures = m_panel->findChild<ViewerPictures *>();

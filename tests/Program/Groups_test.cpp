@@ -179,6 +179,27 @@ TEST_F(Groups, portsThatAreMadeInTheGroupThatIsShownComeInSight)
     }
 }
 
+TEST_F(Groups, newPaintStandsLeftOfWhatItFeeds)
+{
+    OssSnBaseNode *viewer = m_network->viewerNode();
+    const auto left = [](const OssSnBaseNode *node) {
+        return node->viewContext()->nodePosition().x();
+    };
+    for (OssSnBaseNode *shown : {static_cast<OssSnBaseNode *>(nullptr), m_second}) {
+        const QString input = QString::number(m_network->viewerNodeCurrentEdge());
+        viewer->setInputNode(input, shown, shown ? shown->prefferedOutputPoint() : QString());
+        const int before = nodeCount();
+        triggerCommand("Viewer/New Paint");
+        EXPECT_EQ(nodeCount(), before + (shown ? 2 : 1));
+        const OssSnBaseNode *fed = viewer->inputNode(input);
+        ASSERT_NE(fed, nullptr);
+        EXPECT_LT(left(fed), left(viewer));
+        if (shown)
+            EXPECT_LT(left(fed->inputNode(text("Over"))), left(fed));
+    }
+    triggerCommand("Viewer/Toggle Painting");
+}
+
 TEST_F(Groups, exportsToTheFileThatIsChosenAndSaysWhatCannotBeWritten)
 {
     OssSnBaseNode *material = add("_System/Material", "Rust");

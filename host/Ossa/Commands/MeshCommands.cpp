@@ -24,7 +24,6 @@
 
 namespace {
 
-constexpr const char *objectProperty = "object"; // of a command: what it shows
 const QString objectFolder = QStringLiteral("/Ossa/Mesh/Show/");
 
 OssProject *currentProject()
@@ -138,15 +137,15 @@ void MeshCommands::showObject(OssGeoEntity *entity)
 
 void MeshCommands::fileObjects()
 {
-    for (const QPointer<QAction> &action : qAsConst(m_objects))
-        delete action; // and it drops out of the tree
+    for (const ObjectCommand &command : qAsConst(m_objects))
+        delete command.action; // and it drops out of the tree
     m_objects.clear();
     const OssProject *project = currentProject();
     const QList<OssGeoEntity *> entities = project ? project->entities() : QList<OssGeoEntity *>();
     for (OssGeoEntity *entity : entities) {
         const QPointer<OssGeoEntity> shown = entity;
         // Queued: the list is filed anew when objects change, and deletes the command that is running.
-        m_objects.append(Commands::fileNamed(
+        QAction *action = Commands::fileNamed(
             this, objectFolder, entity->name(),
             [this, shown] {
                 QMetaObject::invokeMethod(
@@ -158,19 +157,19 @@ void MeshCommands::fileObjects()
                     },
                     Qt::QueuedConnection);
             },
-            tr("Show the graph of %1 (%2)").arg(entity->name(), entity->source().title())));
-        m_objects.last()->setCheckable(true);
-        m_objects.last()->setProperty(objectProperty, QVariant::fromValue<QObject *>(entity));
+            tr("Show the graph of %1 (%2)").arg(entity->name(), entity->source().title()));
+        action->setCheckable(true);
+        m_objects.append({action, shown});
     }
     markCurrent();
 }
 
 void MeshCommands::markCurrent()
 {
-    for (const QPointer<QAction> &action : qAsConst(m_objects)) {
-        if (action)
-            action->setChecked(action->property(objectProperty).value<QObject *>()
-                               == currentObject());
+    // The list is filed anew a little later than objects go.
+    for (const ObjectCommand &command : qAsConst(m_objects)) {
+        if (command.action)
+            command.action->setChecked(command.object && command.object == currentObject());
     }
 }
 

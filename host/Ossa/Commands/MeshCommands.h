@@ -51,8 +51,14 @@ private:
     void showObject(OssGeoEntity *entity);
     static OssGeoEntity *currentObject();
 
+    struct ObjectCommand
+    {
+        QPointer<QAction> action;
+        QPointer<OssGeoEntity> object; ///< what it shows
+    };
+
     ProjectCommands *m_projects;
     QWidget *m_window;
-    QVector<QPointer<QAction>> m_objects;
+    QVector<ObjectCommand> m_objects;
     QString m_told; ///< which troubles, so that each is told once
 };

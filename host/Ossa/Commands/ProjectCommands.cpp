@@ -55,6 +55,11 @@ ProjectCommands::ProjectCommands(QWidget *window)
     refresh();
 }
 
+ProjectCommands::~ProjectCommands()
+{
+    OssCommandTable::setHolds(OssCommandTable::WithProject, true);
+}
+
 void ProjectCommands::fileCommands()
 {
     Commands::file(this, QStringLiteral("/Ossa/File/New"), [this] { newProject(); });

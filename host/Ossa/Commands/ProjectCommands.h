@@ -16,6 +16,8 @@ class ProjectCommands : public QObject
 public:
     /// `window` is the parent of dialogs and what Quit closes; this object must not outlive it.
     explicit ProjectCommands(QWidget *window);
+    /// Commands that need a project can be used again: nobody says any more whether there is one.
+    ~ProjectCommands() override;
 
     /// Asks Save, Discard or Cancel when there are changes. True: go on, whatever is open may be
     /// closed.

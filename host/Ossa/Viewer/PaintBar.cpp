@@ -263,7 +263,7 @@ void PaintBar::makeNode()
         merge->setInputNode(QStringLiteral("Base"), shown, output);
         merge->setInputNode(QStringLiteral("Over"), paint, paint->prefferedOutputPoint());
         viewer->setInputNode(input, merge, merge->prefferedOutputPoint());
-        merge->positionNodeOnTopIndented(shown);
+        placeLeftOf(viewer, merge);
         placeLeftOf(merge, paint);
     }
     OssShaderNetworkManager::instance()->requestSight(paint);

@@ -200,6 +200,8 @@ class GeoEntity(Object):
         """Gives the object another shape or file; wires, paint and bakes stay. What is other, in words."""
     def reloadMesh(self) -> None:
         """Reads the file again."""
+    def addGeoChannel(self, name: str) -> None:
+        """Makes a geo-channel, without pixels at first."""
     def patches(self) -> list[int]:
         """The UDIM patches of the object, ascending."""
     def graphs(self) -> list[NodeGraph]:

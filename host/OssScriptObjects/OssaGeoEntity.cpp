@@ -137,6 +137,14 @@ QStringList GeoEntity::geoChannels() const
     return names;
 }
 
+void GeoEntity::addGeoChannel(const QString &name)
+{
+    auto *own = wrapped<OssGeoEntity>();
+    if (own && !own->addGeoImageSet(name.trimmed()))
+        fail(OssScriptException::NotAllowed,
+             QStringLiteral("\"%1\" is no name for a geo-channel, or is there already").arg(name));
+}
+
 QList<int> GeoEntity::patches() const
 {
     const auto *own = wrapped<OssGeoEntity>();

@@ -39,6 +39,7 @@ class OSSSCRIPTOBJECTS_EXPORT GeoEntity : public API
     Q_CLASSINFO("reloadMesh", "Reads the file again.")
     Q_PROPERTY(QStringList geoChannels READ geoChannels)
     Q_CLASSINFO("geoChannels", "Names of the object's geo-channels.")
+    Q_CLASSINFO("addGeoChannel", "Makes a geo-channel, without pixels at first.")
     Q_CLASSINFO("patches", "The UDIM patches of the object, ascending.")
     Q_CLASSINFO("graphs", "The root graphs of the object.")
     Q_CLASSINFO("imageSets", "The image sets of the object's shading.")
@@ -62,6 +63,7 @@ public:
 public Q_SLOTS:
     QString replaceMesh(const QString &geometry);
     void reloadMesh();
+    void addGeoChannel(const QString &name);
     QList<int> patches() const;
     QList<NodeGraph *> graphs() const;
     QList<ImageSet *> imageSets() const;

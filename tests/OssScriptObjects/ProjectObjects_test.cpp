@@ -35,6 +35,12 @@ TEST_F(ProjectObjects, objectsAreMadeUnderNamesOfTheirOwnAndFoundByThem)
     EXPECT_TRUE(m_api->graphs().contains(m_graph));
     EXPECT_EQ(second->graphs(), QList<Ossa::NodeGraph *>{m_api->graphs().last()});
     EXPECT_TRUE(second->geoChannels().isEmpty());
+    second->addGeoChannel(text("Dirt"));
+    EXPECT_EQ(second->geoChannels(), texts({"Dirt"}));
+    for (const char *name : {"Dirt", " "}) {
+        second->addGeoChannel(text(name));
+        expectReported(Type::NotAllowed, "is no name for a geo-channel");
+    }
 
     for (const char *name : {"Second", " ", ""}) {
         EXPECT_EQ(m_api->createObject(text(name), text("cube")), nullptr);

@@ -41,8 +41,9 @@ QByteArray contents(OssProject *project)
     buffer.open(QIODevice::WriteOnly);
     OssSerializer serializer(&buffer);
     project->save(serializer, project->name(), {});
-    static const QRegularExpression id(QStringLiteral(" uuid=\"[^\"]*\""));
-    return QString::fromUtf8(buffer.data()).remove(id).toUtf8();
+    // The mesh that is kept follows its file, whoever wrote that.
+    static const QRegularExpression other(QStringLiteral(" uuid=\"[^\"]*\"|<keptMesh [^>]*>"));
+    return QString::fromUtf8(buffer.data()).remove(other).toUtf8();
 }
 
 bool hasWire(const OssSnBaseNode *source, const QString &output, const OssSnBaseNode *target,

@@ -261,6 +261,12 @@ TEST_F(Meshes, objectsAreShownRenamedAndRemovedFromTheMenu)
     action("Show/Object")->trigger();
     QCoreApplication::processEvents();
     EXPECT_EQ(networks->currentShaderNetwork()->geoEntity(), objects().first());
+    for (int i = 0; i < 2; ++i) {
+        const DialogAnswers user({}, QMessageBox::Ok, text("Dirt"));
+        action("Add Geo-Channel...")->trigger();
+        EXPECT_EQ(user.boxes.size(), i) << "it is taken then";
+        EXPECT_EQ(objects().first()->geoImageSets().size(), 1);
+    }
     action("Show/Hero")->trigger();
     QCoreApplication::processEvents();
     action("Remove Object")->trigger();

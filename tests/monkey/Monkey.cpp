@@ -135,7 +135,8 @@ QString Monkey::where() const
 
 void Monkey::open()
 {
-    const QString copy = m_folder.filePath(QStringLiteral("copy.ossa"));
+    // Under its own name: what lies beside the document is named with it.
+    const QString copy = m_folder.filePath(QFileInfo(m_example).fileName());
     std::error_code error;
     std::filesystem::remove_all(copy.toStdString(), error);
     std::filesystem::copy(m_example.toStdString(), copy.toStdString(),

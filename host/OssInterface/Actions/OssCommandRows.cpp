@@ -262,6 +262,7 @@ const std::vector<Row> RowTable{
     {"/Ossa/Mesh", QT_TR_NOOP("Add Object..."), "", "Object 4.2", WithProject, QT_TR_NOOP("Put another object into the project, with a graph of its own")},
     {"/Ossa/Mesh", QT_TR_NOOP("Rename Object..."), "", "Object 4.3", WithProject, QT_TR_NOOP("Give the object of this graph another name")},
     {"/Ossa/Mesh", QT_TR_NOOP("Remove Object"), "", "Object 4.4", WithProject, QT_TR_NOOP("Take the object of this graph out of the project, with its graph")},
+    {"/Ossa/Mesh", QT_TR_NOOP("Add Geo-Channel..."), "", "Object 2.4", WithProject, QT_TR_NOOP("Give the object of this graph a channel of its own, for results that are exported to it and used in all its graphs")},
     {"/Ossa/Mesh", QT_TR_NOOP("Replace Mesh..."), "", "Object 5.1", WithProject, QT_TR_NOOP("Give the object of this graph another mesh; wires, paint and bakes stay")},
     {"/Ossa/Mesh", QT_TR_NOOP("Mesh Settings..."), "", "Object 5.2", WithProject, QT_TR_NOOP("Choose another UV set, unwrap, turn or scale the mesh of this object")},
     {"/Ossa/Mesh", QT_TR_NOOP("Relink Mesh..."), "", "Object 5.3", WithProject, QT_TR_NOOP("Say where the mesh of this object lies now")},

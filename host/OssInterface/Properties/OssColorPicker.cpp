@@ -1,6 +1,7 @@
 #include "OssInterface/Properties/OssColorPicker.h"
 
 #include "OssInterface/Properties/OssNumberField.h"
+#include "OssModel/Images/OssColorManagement.h"
 #include "OssModel/Images/OssDisplayColor.h"
 
 #include <QApplication>
@@ -62,6 +63,10 @@ OssColorPicker::OssColorPicker(const Space &space, const OssColor &color, QWidge
     });
     setColor(color);
     paintSwatch(m_before, shown(m_start, m_space.isDisplay));
+    // In another working space the numbers that it began with are another colour.
+    if (!m_space.isDisplay)
+        connect(OssColorManagement::instance(), &OssColorManagement::changed, this,
+                &QDialog::accept);
 }
 
 OssColorPicker::~OssColorPicker() = default;

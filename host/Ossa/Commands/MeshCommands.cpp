@@ -58,6 +58,7 @@ void MeshCommands::fileCommands()
     file("/Ossa/Mesh/Add Object...", &MeshCommands::addObject);
     file("/Ossa/Mesh/Rename Object...", &MeshCommands::renameObject);
     file("/Ossa/Mesh/Remove Object", &MeshCommands::removeObject);
+    file("/Ossa/Mesh/Add Geo-Channel...", &MeshCommands::addGeoChannel);
     file("/Ossa/Mesh/Replace Mesh...", &MeshCommands::replaceMesh);
     file("/Ossa/Mesh/Mesh Settings...", &MeshCommands::changeMesh);
     file("/Ossa/Mesh/Relink Mesh...", &MeshCommands::relinkMesh);
@@ -217,6 +218,25 @@ void MeshCommands::renameObject()
     }
     entity->changeName(name);
     fileObjects();
+}
+
+void MeshCommands::addGeoChannel()
+{
+    OssGeoEntity *entity = currentObject();
+    if (!entity || !OssApplication::popupsAllowed())
+        return;
+    const QString title = tr("Add Geo-Channel");
+    bool chosen = false;
+    const QString name = QInputDialog::getText(m_window, title, tr("Its name:"), QLineEdit::Normal,
+                                               {}, &chosen)
+                             .trimmed();
+    if (!chosen || name.isEmpty())
+        return;
+    if (entity->addGeoImageSet(name))
+        tell(tr("%1 has the geo-channel %2").arg(entity->name(), name));
+    else
+        OssMessageBox::warning(m_window, title,
+                               tr("The object has a geo-channel \"%1\" already.").arg(name));
 }
 
 void MeshCommands::removeObject()

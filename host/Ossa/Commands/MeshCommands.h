@@ -43,6 +43,7 @@ private:
     void addObject();
     void renameObject();
     void removeObject();
+    void addGeoChannel();
     void replaceMesh();
     void changeMesh();
     void relinkMesh();

@@ -53,8 +53,10 @@ const char *const Refusals[] = {
     "Lumps\": it has no input \"Coordinates\"",
     // The same of nodes that lost their wires, or came without.
     "\": nothing is connected to \"",
+    "Bake Point: nothing is connected",
     // A file of another kind, where a mesh or a picture is asked for.
     "script.py\": No suitable reader",
+    "script.py\": it is no ",
     // How many a search looks through.
     "nodes in the network",
 };

@@ -102,7 +102,8 @@ void OssSnNodePropertiesWidget::makeScrollArea()
 {
     m_scrollArea = new QScrollArea(this);
     m_scrollArea->setFrameShape(QFrame::NoFrame);
-    m_scrollArea->setFocusPolicy(Qt::NoFocus); // a click beside the fields leaves the graph its keys
+    m_scrollArea->setFocusPolicy(
+        Qt::NoFocus);              // a click beside the fields leaves the graph its keys
     auto *container = new QWidget; // the scroll area takes it
     m_panelLayout = new QVBoxLayout(container);
     m_panelLayout->setContentsMargins(1, 1, 1, 1);

@@ -21,7 +21,7 @@ private:
     struct Made
     {
         QPointer<OssSnBaseNode> merge;
-        bool isOff; ///< when it was made
+        bool isOff = false; ///< when it was made
     };
 
     struct End

@@ -164,7 +164,7 @@ TEST_F(PaintBaking, composesThePaintOverTheImage)
     OssEvFlatStroke painted(&what.paint, brush, {1001});
     painted.moveTo(0.25, 0.75);
     painted.moveTo(0.75, 0.65);
-    brush.erases = true;
+    brush.tool = OssEvBrush::Tool::Eraser;
     OssEvFlatStroke erased(&what.paint, brush, {1001});
     erased.moveTo(0.4, 0.9);
     erased.moveTo(0.45, 0.15);

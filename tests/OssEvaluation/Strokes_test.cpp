@@ -45,9 +45,9 @@ Texel painted(Texel before, const std::vector<Dab> &dabs, const OssEvBrush &brus
     const double alpha = most * brush.opacity;
     for (std::size_t plane = 0; plane < before.size(); ++plane) {
         double source = 0.0;
-        if (!brush.erases && plane < 3)
+        if (!brush.erases() && plane < 3)
             source = double(brush.color[plane]);
-        if (!brush.erases && plane == 3)
+        if (!brush.erases() && plane == 3)
             source = 1.0;
         before[plane] = float(alpha * source + (1.0 - alpha) * double(before[plane]));
     }
@@ -128,7 +128,7 @@ TEST(Strokes, strokesAreTheMostThatADabCoversOverWhatWasThere)
         brush.radius = stroke.radius;
         brush.hardness = stroke.hardness;
         brush.opacity = stroke.opacity;
-        brush.erases = stroke.erases;
+        brush.tool = stroke.erases ? OssEvBrush::Tool::Eraser : OssEvBrush::Tool::Brush;
         brush.color = {shade, 4.0F * shade, 1.0F - shade};
         shade += 0.2F;
         const auto dabs = dabsBetween(stroke.from, stroke.to, std::max(brush.radius, 4.0));

@@ -31,7 +31,7 @@ protected:
         QDir(BrushPresets::ownFolder()).removeRecursively();
         m_popups = OssApplication::popupsAllowed();
         OssApplication::setPopupsAllowed(false);
-        Brushes::instance()->take({});
+        Brushes::instance()->edit({});
         m_panel.resize(600, 500);
         m_panel.show();
     }
@@ -39,7 +39,7 @@ protected:
     void TearDown() override
     {
         QDir(BrushPresets::ownFolder()).removeRecursively();
-        Brushes::instance()->take({});
+        Brushes::instance()->edit({});
         OssApplication::setPopupsAllowed(m_popups);
     }
 
@@ -76,6 +76,16 @@ TEST_F(BrushesPalette, fieldsAreTheBrushAndTheBrushTheFields)
         now = brush();
         EXPECT_NE(field.of(now), was) << field.key;
     }
+    for (const BrushFields::Choice &choice : BrushFields::choices()) {
+        auto *box = named<QComboBox>(&m_panel, choice.name);
+        ASSERT_NE(box, nullptr) << choice.name;
+        Q_EMIT box->activated(1);
+        EXPECT_EQ(choice.get(brush()), 1) << choice.key;
+        Brush now = brush();
+        choice.set(now, 0);
+        Brushes::instance()->edit(now);
+        EXPECT_EQ(box->currentIndex(), 0) << choice.key;
+    }
 }
 
 TEST_F(BrushesPalette, aKeptBrushIsTakenUpAgainWithAllButItsColor)
@@ -85,7 +95,9 @@ TEST_F(BrushesPalette, aKeptBrushIsTakenUpAgainWithAllButItsColor)
         number.of(mine) = (0.25 * number.least + 0.75 * number.most) / number.shown;
     for (const BrushFields::Switch &field : BrushFields::switches())
         field.of(mine) = !field.of(mine);
-    mine.paint.sizeIn = OssEvBrush::SizeIn::World;
+    for (const BrushFields::Choice &choice : BrushFields::choices())
+        choice.set(mine, choice.words.size() - 1);
+    ASSERT_TRUE(BrushPresets::readStamp(text("Spatter"), &mine.paint.stencil).ok());
     mine.paint.radius = 11.5;
     mine.paint.worldRadius = 0.75;
     ASSERT_TRUE(BrushPresets::readStamp(text("Chalk"), &mine.paint.stamp).ok());
@@ -104,7 +116,10 @@ TEST_F(BrushesPalette, aKeptBrushIsTakenUpAgainWithAllButItsColor)
         EXPECT_DOUBLE_EQ(number.of(again), number.of(mine)) << number.key;
     for (const BrushFields::Switch &field : BrushFields::switches())
         EXPECT_EQ(field.of(again), field.of(mine)) << field.key;
-    EXPECT_EQ(again.paint.sizeIn, OssEvBrush::SizeIn::World);
+    for (const BrushFields::Choice &choice : BrushFields::choices())
+        EXPECT_EQ(choice.get(again), choice.words.size() - 1) << choice.key;
+    ASSERT_TRUE(again.paint.stencil);
+    EXPECT_EQ(again.paint.stencil->name(), "Spatter");
     EXPECT_DOUBLE_EQ(again.paint.radius, 11.5);
     EXPECT_DOUBLE_EQ(again.paint.worldRadius, 0.75);
     ASSERT_TRUE(again.paint.stamp);
@@ -161,9 +176,43 @@ TEST_F(BrushesPalette, everyPictureShowsAStrokeOfItsOwn)
         }
         EXPECT_GT(covered, 60) << qPrintable(entry.name);
         EXPECT_LT(covered, 112 * 40 / 2) << qPrintable(entry.name);
-        EXPECT_FALSE(seen.contains(picture)) << qPrintable(entry.name);
+        EXPECT_FALSE(entry.brush.paint.tool == OssEvBrush::Tool::Brush && seen.contains(picture))
+            << qPrintable(entry.name);
         seen.append(picture);
     }
+}
+
+TEST_F(BrushesPalette, whoTakesUpABrushLeavesClonesButStaysWithTheEraser)
+{
+    const QVector<BrushPresets::Entry> all = BrushPresets::all();
+    const auto take = [&](const char *name) {
+        for (const BrushPresets::Entry &entry : all) {
+            if (entry.name == text(name))
+                Brushes::instance()->take(entry.brush);
+        }
+        return brush().paint.tool;
+    };
+    EXPECT_EQ(take("Clone"), OssEvBrush::Tool::Clone);
+    EXPECT_EQ(take("Hard Round"), OssEvBrush::Tool::Brush);
+    Brushes::instance()->toggleTool(OssEvBrush::Tool::Eraser);
+    EXPECT_EQ(take("Soft Round"), OssEvBrush::Tool::Eraser);
+    Brushes::instance()->toggleTool(OssEvBrush::Tool::Eraser);
+    EXPECT_EQ(brush().paint.tool, OssEvBrush::Tool::Brush);
+}
+
+TEST_F(BrushesPalette, aPictureToPaintWithIsReadOrRefused)
+{
+    const QString path = QDir::temp().filePath(text("BrushesPalette.png"));
+    QImage image(8, 8, QImage::Format_RGB32);
+    image.fill(Qt::red);
+    ASSERT_TRUE(image.save(path));
+    OssEvPaintPicture::Pointer picture;
+    ASSERT_TRUE(BrushPresets::readPicture(path, &picture).ok());
+    EXPECT_NEAR(picture->at(0.5, 0.5, 8.0)[0], 1.0F, 0.01F);
+    EXPECT_NEAR(picture->at(0.5, 0.5, 8.0)[1], 0.0F, 0.01F);
+    QFile::remove(path);
+    EXPECT_TRUE(BrushPresets::readPicture(path, &picture).error().contains(path));
+    EXPECT_FALSE(picture);
 }
 
 TEST_F(BrushesPalette, aStampIsChosenAndGivenUpAndAFileThatIsNoneIsRefused)

@@ -64,7 +64,7 @@ protected:
 
     void stroke() const
     {
-        ASSERT_TRUE(m_session->begin({0.5, 0.5}));
+        ASSERT_TRUE(m_session->begin(QPointF(0.5, 0.5)));
         m_session->end();
     }
 
@@ -136,11 +136,12 @@ TEST_F(PaintBars, fieldsAreTheBrush)
     OssEvBrush brush = Brushes::instance()->brush();
     brush.radius = 7.3; // the keys make such
     brush.hardness = 0.4;
-    brush.erases = true;
+    brush.tool = OssEvBrush::Tool::Eraser;
     Brushes::instance()->setBrush(brush);
     EXPECT_EQ(size()->value(), 15);
     EXPECT_EQ(number("Hard ")->value(), 40);
-    EXPECT_TRUE(button("Eraser")->isChecked());
+    auto *tool = named<QComboBox>(m_bar.get(), "Tool");
+    EXPECT_EQ(tool->currentText(), text("Eraser"));
     number("Hard ")->setValue(60);
     EXPECT_DOUBLE_EQ(Brushes::instance()->brush().hardness, 0.6);
     EXPECT_DOUBLE_EQ(Brushes::instance()->brush().radius, 7.3) << "another field was meant";
@@ -159,14 +160,14 @@ TEST_F(PaintBars, fieldsAreTheBrush)
     EXPECT_DOUBLE_EQ(Brushes::instance()->brush().radius, 10.0) << "each has its own";
     number("Opacity ")->setValue(25);
     EXPECT_DOUBLE_EQ(Brushes::instance()->brush().opacity, 0.25);
-    button("Eraser")->setChecked(false);
-    EXPECT_FALSE(Brushes::instance()->brush().erases);
+    Q_EMIT tool->activated(tool->findText(text("Smear")));
+    EXPECT_EQ(Brushes::instance()->brush().tool, OssEvBrush::Tool::Smear);
 }
 
 TEST_F(PaintBars, aColourIsTakenFromThePickerAndLeavingItChangesNothing)
 {
     OssEvBrush brush = Brushes::instance()->brush();
-    brush.erases = true;
+    brush.tool = OssEvBrush::Tool::Eraser;
     brush.color = {0.25F, 0.5F, 0.75F};
     Brushes::instance()->setBrush(brush);
     auto *color = named<QToolButton>(m_bar.get(), "Color of the brush");
@@ -179,7 +180,7 @@ TEST_F(PaintBars, aColourIsTakenFromThePickerAndLeavingItChangesNothing)
         color->click();
         const std::array<float, 3> red{1.0F, 0.0F, 0.0F};
         EXPECT_EQ(Brushes::instance()->brush().color, takes ? red : brush.color);
-        EXPECT_EQ(Brushes::instance()->brush().erases, !takes)
+        EXPECT_EQ(Brushes::instance()->brush().erases(), !takes)
             << "who takes a colour wants to paint";
     }
 }

@@ -64,7 +64,7 @@ protected:
         brush.color = {float(color.redF()), float(color.greenF()), float(color.blueF())};
         brush.radius = radius;
         brush.hardness = 1.0;
-        brush.erases = erases;
+        brush.tool = erases ? OssEvBrush::Tool::Eraser : OssEvBrush::Tool::Brush;
         Brushes::instance()->setBrush(brush);
     }
 

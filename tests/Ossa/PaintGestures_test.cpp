@@ -120,7 +120,7 @@ TEST_F(PaintGestures, controlTakesTheColourThatLiesThereAndPaintsNothing)
     arrive(1001, 4, {0.0F, 0.25F, 0.5F, 0.5F});
     setBrush(Qt::red, true);
     EXPECT_EQ(taken(0.5), straight);
-    EXPECT_FALSE(Brushes::instance()->brush().erases) << "who takes a colour wants to paint";
+    EXPECT_FALSE(Brushes::instance()->brush().erases()) << "who takes a colour wants to paint";
     EXPECT_EQ(taken(1.5), straight) << "no values";
     arrive(1002, 1, {0.25F});
     EXPECT_EQ(taken(1.5), (std::array<float, 3>{0.25F, 0.25F, 0.25F}));

@@ -286,7 +286,7 @@ TEST_F(Painting, aStrokeInHandCanBeTakenBackAndIsNoStep)
 {
     stroke({0.2, 0.2}, {0.3, 0.2});
     const OssEvPaintBuffer::Tiles tiles = m_session->buffer().tiles();
-    ASSERT_TRUE(m_session->begin({0.5, 0.5}));
+    ASSERT_TRUE(m_session->begin(QPointF(0.5, 0.5)));
     m_session->moveTo({1.5, 0.5});
     history()->undo();
     EXPECT_TRUE(m_session->isPainting()) << "nothing is undone below a stroke";
@@ -362,7 +362,7 @@ TEST_F(Painting, picturesShowPaintOverTheValuesBeneath)
 
     // Behind other nodes an eraser shows what the fresh paint lies on, on its own also below.
     brush.opacity = 1.0;
-    brush.erases = true;
+    brush.tool = OssEvBrush::Tool::Eraser;
     Brushes::instance()->setBrush(brush);
     dab();
     EXPECT_EQ(m_pictures.picture(1001).pixelColor(32, 32), QColor(Qt::blue));

@@ -2,6 +2,7 @@
 // on premultiplied colours; colours above 1 are kept wherever a mode makes sense for them.
 
 #include "OssEvaluation/Kernels/Families.h"
+#include "OssEvaluation/Kernels/MergeRows.h"
 #include "OssEvaluation/Kernels/PointKernel.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -327,14 +328,9 @@ void OssEvFamilies::addMerge(std::vector<OssEvKernel> *kernels)
     kernel.name = "merge";
     kernel.inputs = {{"Base", 4}, {"Over", 4}, {"Mask", 1}};
     kernel.outputs = {{"Output", 4}};
-    kernel.parameters = {
-        choice("BlendMode", {"Normal",     "Add",         "Subtract",   "Multiply",   "Divide",
-                             "Screen",     "Overlay",     "Soft Light", "Hard Light", "Color Dodge",
-                             "Color Burn", "Linear Burn", "Darken",     "Lighten",    "Difference",
-                             "Exclusion",  "Average",     "Hue",        "Saturation", "Color",
-                             "Luminosity"}),
-        real("Amount", 1, 0, 1), choice("BlendColorSpaceEnabled", {"Disable", "Enable"}),
-        choice("BlendColorSpace", {"sRGB", "Linear"})};
+    kernel.parameters = {choice("BlendMode", OssEvMergeRows::modes()), real("Amount", 1, 0, 1),
+                         choice("BlendColorSpaceEnabled", {"Disable", "Enable"}),
+                         choice("BlendColorSpace", {"sRGB", "Linear"})};
     kernel.uniform = true;
     kernel.make = [](const OssEvKernelSetup &setup) {
         using namespace OssEvSimd;
@@ -345,5 +341,33 @@ void OssEvFamilies::addMerge(std::vector<OssEvKernel> *kernels)
         return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(merge), values, {{}, {}, OssEvScalar(1.0)});
     };
     kernels->push_back(kernel);
+}
+
+const std::vector<std::string> &OssEvMergeRows::modes()
+{
+    static const std::vector<std::string> names{
+        "Normal",     "Add",        "Subtract",   "Multiply",    "Divide",     "Screen",
+        "Overlay",    "Soft Light", "Hard Light", "Color Dodge", "Color Burn", "Linear Burn",
+        "Darken",     "Lighten",    "Difference", "Exclusion",   "Average",    "Hue",
+        "Saturation", "Color",      "Luminosity"};
+    return names;
+}
+
+void OssEvMergeRows::run(int mode, Row *row)
+{
+    std::array<OssEvStripInput, 3> inputs;
+    OssEvStrip strip;
+    strip.width = Most;
+    strip.rows = 1;
+    strip.inputs = inputs.data();
+    strip.outputChannels = 4;
+    for (std::size_t c = 0; c < 4; ++c) {
+        inputs[0].plane[c] = row->base[c].data();
+        inputs[1].plane[c] = row->over[c].data();
+        strip.output[c] = row->result[c].data();
+    }
+    inputs[2].plane[0] = row->mask.data();
+    using namespace OssEvSimd;
+    HWY_DYNAMIC_DISPATCH(merge)(strip, {mode, 1.0F, false});
 }
 #endif

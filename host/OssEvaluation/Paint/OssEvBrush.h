@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OssEvaluation/OssEvaluation_export.h"
+#include "OssEvaluation/Paint/OssEvPaintPicture.h"
 #include "OssEvaluation/Paint/OssEvStamp.h"
 
 #include <array>
@@ -9,6 +10,31 @@
 /// What a stroke is painted with.
 struct OSSEVALUATION_EXPORT OssEvBrush
 {
+    enum class Tool {
+        Brush,
+        Eraser,
+        Clone,    ///< paints with the colours of another place, as they were before the stroke
+        Smear,    ///< takes colours along
+        Blur,     ///< makes colours as those around them
+        Fill,     ///< one press, and no dabs
+        Gradient, ///< a line from where it covers fully to where it covers nothing, and no dabs
+    };
+
+    /// Where it may paint.
+    enum class Within {
+        Everywhere,
+        Island,   ///< the piece of the texture where the stroke begins
+        Face,     ///< of the mesh's file
+        Material, ///< slot of the mesh
+        Painted,  ///< in proportion to the alpha before the stroke
+        Bare,     ///< where that is not
+    };
+
+    enum class PictureOn {
+        Patches, ///< so many times across a patch
+        Sheet,   ///< as it lies on the screen
+    };
+
     /// What the size is counted in.
     enum class SizeIn {
         Texels, ///< of what is painted on
@@ -16,7 +42,12 @@ struct OSSEVALUATION_EXPORT OssEvBrush
         World,  ///< of the object
     };
 
+    Tool tool = Tool::Brush;
     std::array<float, 3> color{1.0F, 1.0F, 1.0F}; ///< scene-linear
+    OssEvPaintPicture::Pointer picture;           ///< paints instead of the colour; may be null
+    PictureOn pictureOn = PictureOn::Patches;
+    double pictureRepeats = 1.0; ///< across a patch
+    int blend = 0; ///< one of OssEvMergeRows::modes(), of what is painted over what is there
     SizeIn sizeIn = SizeIn::Texels;
     double radius = 32.0;     ///< in texels or pixels
     double worldRadius = 0.1; ///< where the size is counted in the object's world
@@ -35,12 +66,30 @@ struct OSSEVALUATION_EXPORT OssEvBrush
     bool followsStroke = false;  ///< the angle is counted from where the stroke goes
     bool pressureSizes = true;   ///< a light hand makes dabs smaller
     bool pressureCovers = false; ///< a light hand makes dabs cover less
-    bool erases = false;
-    OssEvStamp::Pointer stamp; ///< null: round
+    OssEvStamp::Pointer stamp;   ///< null: round
+    Within within = Within::Everywhere;
+    OssEvStamp::Pointer stencil; ///< lies on the screen and lets paint through; null: none
+    /// From places of a stroke to the sheet on the screen that stencil and picture lie on, from -1 to 1 and
+    /// y downwards: x' = s[0] x + s[1] y + s[2], y' = s[3] x + s[4] y + s[5].
+    std::array<double, 6> toSheet{};
+    /// From a place of the stroke to that whose colours are cloned.
+    std::array<double, 2> cloneFrom{};
 
     // On objects
     std::array<bool, 3> mirrors{}; ///< also on the other side of x = 0, y = 0, z = 0
     bool goesThrough = false;      ///< also on what is hidden or turned away
+
+    bool erases() const { return tool == Tool::Eraser; }
+
+    /// Whether dabs change the colours that are there, one after the other, and lay none over them.
+    bool changesColors() const { return tool == Tool::Smear || tool == Tool::Blur; }
+
+    /// Whether what it leaves depends on the colours that are there.
+    bool looksBeneath() const
+    {
+        return changesColors() || tool == Tool::Clone || (blend != 0 && !erases())
+               || within == Within::Painted || within == Within::Bare;
+    }
 };
 
 /// One dab: a brush as it touches a place once. Lengths in texels.

@@ -11,6 +11,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <map>
+#include <numeric>
+#include <tuple>
 
 namespace {
 
@@ -97,6 +100,7 @@ OssEvPaintSurface::OssEvPaintSurface(std::shared_ptr<const OssEvMesh> mesh, int 
     for (const int patch : m_mesh->patches())
         fillBins(patch);
     m_texel = float(meanTexel(*m_mesh) / m_resolution);
+    findIslands();
     m_mesh->rayTree();
 }
 
@@ -154,7 +158,119 @@ std::optional<OssEvPaintSurface::Hit> OssEvPaintSurface::pick(const glm::vec3 &o
     for (std::size_t i = 0; i < 3; ++i)
         uv += glm::vec2(m_mesh->uvs[corners[i]][0], m_mesh->uvs[corners[i]][1]) * weights[i];
     return Hit{origin + direction * hit->distance, normal(std::int32_t(hit->triangle)), uv,
-               texelOf(hit->triangle)};
+               texelOf(hit->triangle), int(hit->triangle)};
+}
+
+std::optional<glm::vec2> OssEvPaintSurface::uvAt(int triangle, const glm::vec3 &origin,
+                                                 const glm::vec3 &direction) const
+{
+    const auto &corners = m_mesh->triangles[std::size_t(triangle)];
+    const glm::vec3 a = m_positions[corners[0]];
+    const glm::vec3 second = m_positions[corners[1]] - a;
+    const glm::vec3 third = m_positions[corners[2]] - a;
+    const glm::vec3 across = glm::cross(direction, third);
+    const float area = glm::dot(second, across);
+    if (area == 0.0F)
+        return std::nullopt;
+    const glm::vec3 away = origin - a;
+    const float p = glm::dot(away, across) / area;
+    const float q = glm::dot(direction, glm::cross(away, second)) / area;
+    const auto uv = [&](std::size_t i) {
+        return glm::vec2(m_mesh->uvs[corners[i]][0], m_mesh->uvs[corners[i]][1]);
+    };
+    return uv(0) * (1.0F - p - q) + uv(1) * p + uv(2) * q;
+}
+
+int OssEvPaintSurface::triangleAt(const glm::vec2 &uv)
+{
+    const int column = int(std::floor(uv.x));
+    const int row = int(std::floor(uv.y));
+    const int patch = OssEvPatch::number(column, row);
+    const auto texel = [this](float part) {
+        return std::clamp(int(part * float(m_resolution)), 0, m_resolution - 1);
+    };
+    const int x = texel(uv.x - float(column));
+    const int y = texel(float(row) + 1.0F - uv.y);
+    if (m_bins.count(patch) == 0)
+        return -1;
+    return tile({patch, x / Size, y / Size})->faces[std::size_t(y % Size * Size + x % Size)];
+}
+
+// --- parts
+
+// Triangles of a patch that share corners, or the places and texture coordinates of corners, belong
+// together.
+void OssEvPaintSurface::findIslands()
+{
+    std::vector<std::uint32_t> same(m_positions.size());
+    std::iota(same.begin(), same.end(), 0U);
+    const auto root = [&same](std::uint32_t vertex) {
+        while (same[vertex] != vertex)
+            vertex = same[vertex] = same[same[vertex]];
+        return vertex;
+    };
+    const auto corner = [this](std::uint32_t vertex) {
+        return std::tie(m_mesh->uvs[vertex], m_mesh->positions[vertex]);
+    };
+    std::vector<std::uint32_t> order = same;
+    std::sort(order.begin(), order.end(),
+              [&](std::uint32_t a, std::uint32_t b) { return corner(a) < corner(b); });
+    for (std::size_t i = 1; i < order.size(); ++i) {
+        if (corner(order[i - 1]) == corner(order[i]))
+            same[root(order[i])] = root(order[i - 1]);
+    }
+    for (const auto &corners : m_mesh->triangles) {
+        same[root(corners[1])] = root(corners[0]);
+        same[root(corners[2])] = root(corners[0]);
+    }
+    auto islands = std::make_shared<std::vector<std::int32_t>>();
+    islands->reserve(m_mesh->triangles.size());
+    std::map<std::tuple<std::uint32_t, int, int>, std::int32_t> numbers;
+    for (const auto &corners : m_mesh->triangles) {
+        glm::vec2 middle(0.0F);
+        for (const std::uint32_t vertex : corners)
+            middle += glm::vec2(m_mesh->uvs[vertex][0], m_mesh->uvs[vertex][1]) / 3.0F;
+        const std::tuple key(root(corners[0]), int(std::floor(middle.x)),
+                             int(std::floor(middle.y)));
+        islands->push_back(numbers.emplace(key, std::int32_t(numbers.size())).first->second);
+    }
+    m_islands = std::move(islands);
+}
+
+OssEvPaintRegion OssEvPaintSurface::region(OssEvBrush::Within within, int triangle) const
+{
+    OssEvPaintRegion region;
+    switch (within) {
+    case OssEvBrush::Within::Island:
+        region.ofTriangle = m_islands;
+        break;
+    case OssEvBrush::Within::Face:
+        region.ofTriangle = {m_mesh, &m_mesh->faces};
+        break;
+    case OssEvBrush::Within::Material:
+        region.ofTriangle = {m_mesh, &m_mesh->materials};
+        break;
+    case OssEvBrush::Within::Everywhere:
+    case OssEvBrush::Within::Painted:
+    case OssEvBrush::Within::Bare:
+        return region;
+    }
+    if (triangle >= 0)
+        region.wanted = (*region.ofTriangle)[std::size_t(triangle)];
+    return region;
+}
+
+bool OssEvPaintSurface::mayTouch(const OssEvPaintRegion &region,
+                                 const OssEvPaintBuffer::Place &place) const
+{
+    const auto bins = m_bins.find(place.patch);
+    if (bins == m_bins.end())
+        return false;
+    const auto tile = std::size_t(place.y) * std::size_t(m_across) + std::size_t(place.x);
+    const auto begin = bins->second.triangles.begin();
+    return std::any_of(
+        begin + bins->second.first[tile], begin + bins->second.first[tile + 1],
+        [&](std::int32_t triangle) { return !region.ofTriangle || region.has(triangle); });
 }
 
 // --- tiles

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OssEvaluation/OssEvaluation_export.h"
+#include "OssEvaluation/Paint/OssEvBrush.h"
 #include "OssEvaluation/Paint/OssEvPaintBuffer.h"
 #include "OssEvaluation/Values/OssEvRegion.h"
 
@@ -15,6 +16,18 @@
 #include <vector>
 
 class OssEvMesh;
+
+/// Triangles of a mesh that belong together.
+struct OssEvPaintRegion
+{
+    std::shared_ptr<const std::vector<std::int32_t>> ofTriangle; ///< null: all triangles do
+    std::int32_t wanted = -1;
+
+    bool has(int triangle) const
+    {
+        return triangle >= 0 && (*ofTriangle)[std::size_t(triangle)] == wanted;
+    }
+};
 
 /// The surface of an object as strokes see it: where in the world each texel of its patches lies. What
 /// is known of texels is kept by tiles and made when a stroke first comes there, so it costs what is
@@ -49,6 +62,7 @@ public:
         glm::vec3 normal;   ///< of the triangle, length 1
         glm::vec2 uv;       ///< in patches, v upwards
         float texel = 1.0F; ///< length of one there
+        int triangle = -1;
     };
 
     /// `resolution`: texels across a patch. Throws std::bad_alloc.
@@ -74,6 +88,21 @@ public:
 
     /// What a ray meets first.
     std::optional<Hit> pick(const glm::vec3 &origin, const glm::vec3 &direction) const;
+
+    /// Place in patches of what a ray meets in the plane of a triangle; none where it runs along it.
+    std::optional<glm::vec2> uvAt(int triangle, const glm::vec3 &origin,
+                                  const glm::vec3 &direction) const;
+
+    /// The triangle at a place in patches, or nearest to it within the margin beside charts; -1: none.
+    /// Throws std::bad_alloc.
+    int triangleAt(const glm::vec2 &uv);
+
+    /// What a brush may paint on that begins on a triangle: all where it says so, nothing where there is no
+    /// triangle.
+    OssEvPaintRegion region(OssEvBrush::Within within, int triangle) const;
+
+    /// Whether triangles of a region may have texels on a tile.
+    bool mayTouch(const OssEvPaintRegion &region, const OssEvPaintBuffer::Place &place) const;
 
     /// Throws std::bad_alloc.
     std::shared_ptr<const Tile> tile(const OssEvPaintBuffer::Place &place);
@@ -101,6 +130,7 @@ private:
     using Box = std::array<float, 4>; ///< left, top, right, bottom in texels
 
     void fillBins(int patch);
+    void findIslands();
     float texelOf(std::uint32_t triangle) const;
     OssEvRegion tilesOf(const Box &texels, int margin) const;
     std::shared_ptr<const Tile> makeTile(const OssEvPaintBuffer::Place &place) const;
@@ -114,8 +144,9 @@ private:
     glm::mat4 m_world;
     glm::mat4 m_toObject;
     float m_texel = 1.0F;
-    std::vector<glm::vec3> m_positions; ///< in the world
-    std::map<int, Bins> m_bins;         ///< by patch
+    std::vector<glm::vec3> m_positions;                         ///< in the world
+    std::map<int, Bins> m_bins;                                 ///< by patch
+    std::shared_ptr<const std::vector<std::int32_t>> m_islands; ///< by triangle
     std::map<OssEvPaintBuffer::Place, Kept> m_tiles;
     std::uint64_t m_clock = 0;
 };

@@ -70,6 +70,7 @@ void OssEvPaintView::draw(const OssEvPaintSurface &surface)
 {
     const OssEvMesh &mesh = *surface.mesh();
     m_nearness.assign(std::size_t(m_width) * std::size_t(m_height), 0.0F);
+    m_triangles.assign(m_nearness.size(), -1);
     std::vector<glm::vec4> corners;
     corners.reserve(mesh.positions.size());
     float farthest = 0.0F;
@@ -78,7 +79,8 @@ void OssEvPaintView::draw(const OssEvPaintSurface &surface)
         farthest = std::max(farthest, corners.back().w);
     }
     const float near = NearestDepth * farthest;
-    for (const auto &triangle : mesh.triangles) {
+    for (std::size_t number = 0; number < mesh.triangles.size(); ++number) {
+        const auto &triangle = mesh.triangles[number];
         // What is left in front of the eye: up to four corners.
         std::array<glm::vec3, 4> front{};
         std::size_t count = 0;
@@ -92,12 +94,13 @@ void OssEvPaintView::draw(const OssEvPaintSurface &surface)
                                       m_height);
         }
         for (std::size_t i = 2; i < count; ++i)
-            drawTriangle(front[0], front[i - 1], front[i]);
+            drawTriangle(front[0], front[i - 1], front[i], std::int32_t(number));
     }
 }
 
 // Row by row, the pixels whose middles lie between the edges.
-void OssEvPaintView::drawTriangle(const glm::vec3 &a, const glm::vec3 &b, const glm::vec3 &c)
+void OssEvPaintView::drawTriangle(const glm::vec3 &a, const glm::vec3 &b, const glm::vec3 &c,
+                                  std::int32_t number)
 {
     const float area = (b.x - a.x) * (c.y - a.y) - (c.x - a.x) * (b.y - a.y);
     if (area == 0.0F || !std::isfinite(area))
@@ -114,6 +117,7 @@ void OssEvPaintView::drawTriangle(const glm::vec3 &a, const glm::vec3 &b, const 
     const int top = last(std::max({a.y, b.y, c.y}), m_height);
     for (int y = bottom; y <= top; ++y) {
         float *row = m_nearness.data() + std::ptrdiff_t(y) * m_width;
+        std::int32_t *triangles = m_triangles.data() + std::ptrdiff_t(y) * m_width;
         const float dy = float(y) + 0.5F - a.y;
         for (int x = left; x <= right; ++x) {
             const float dx = float(x) + 0.5F - a.x;
@@ -121,7 +125,11 @@ void OssEvPaintView::drawTriangle(const glm::vec3 &a, const glm::vec3 &b, const 
             const float third = ((b.x - a.x) * dy - dx * (b.y - a.y)) / area;
             if (second < 0.0F || third < 0.0F || second + third > 1.0F)
                 continue;
-            row[x] = std::max(row[x], a.z + second * (b.z - a.z) + third * (c.z - a.z));
+            const float nearness = a.z + second * (b.z - a.z) + third * (c.z - a.z);
+            if (nearness <= row[x])
+                continue;
+            row[x] = nearness;
+            triangles[x] = number;
         }
     }
 }
@@ -131,8 +139,8 @@ float OssEvPaintView::at(int x, int y) const
     return m_nearness[std::size_t(y) * std::size_t(m_width) + std::size_t(x)];
 }
 
-// The farthest of what is seen on the pixels around counts, or steep surfaces would hide themselves.
-bool OssEvPaintView::isSeen(const glm::vec3 &place) const
+// Where the pixels around do not agree, a ray decides: there something ends before something else.
+bool OssEvPaintView::isSeen(const OssEvPaintSurface &surface, const glm::vec3 &place) const
 {
     const std::optional<glm::vec3> pixel = project(place);
     if (!pixel || pixel->x < 0.0F || pixel->y < 0.0F || pixel->x >= float(m_width)
@@ -143,11 +151,30 @@ bool OssEvPaintView::isSeen(const glm::vec3 &place) const
     const int x = int(pixel->x);
     const int y = int(pixel->y);
     float farthest = at(x, y);
+    float nearest = farthest;
     for (int row = std::max(0, y - 1); row <= std::min(m_height - 1, y + 1); ++row) {
-        for (int column = std::max(0, x - 1); column <= std::min(m_width - 1, x + 1); ++column)
+        for (int column = std::max(0, x - 1); column <= std::min(m_width - 1, x + 1); ++column) {
             farthest = std::min(farthest, at(column, row));
+            nearest = std::max(nearest, at(column, row));
+        }
     }
-    return 1.0F >= farthest * pixel->z * (1.0F - Slack);
+    // Steep surfaces would hide themselves, were they measured by the nearest.
+    if (1.0F < farthest * pixel->z * (1.0F - Slack))
+        return false;
+    if (1.0F >= nearest * pixel->z * (1.0F - Slack))
+        return true;
+    const auto hit = surface.pick(m_eye, place - m_eye);
+    const float distance = hit ? glm::length(hit->place - m_eye) : 0.0F;
+    return !hit || distance >= glm::length(place - m_eye) * (1.0F - Slack);
+}
+
+std::optional<glm::vec2> OssEvPaintView::uvAt(const OssEvPaintSurface &surface, double x,
+                                              double y) const
+{
+    if (!(x >= 0.0 && y >= 0.0 && x < m_width && y < m_height) || m_triangles.empty())
+        return std::nullopt;
+    const auto triangle = m_triangles[std::size_t(y) * std::size_t(m_width) + std::size_t(x)];
+    return triangle < 0 ? std::nullopt : surface.uvAt(triangle, m_eye, ray(x, y));
 }
 
 std::optional<glm::vec3> OssEvPaintView::nearestSeen(double x, double y, double within) const

@@ -3,8 +3,10 @@
 #include "OssEvaluation/OssEvaluation_export.h"
 
 #include <glm/mat4x4.hpp>
+#include <glm/vec2.hpp>
 #include <glm/vec3.hpp>
 
+#include <cstdint>
 #include <optional>
 #include <vector>
 
@@ -36,15 +38,19 @@ public:
     /// Length in the world that a pixel takes at a depth.
     float pixel(float depth) const { return m_pixel * depth; }
 
-    /// Whether nothing lies before a place.
-    bool isSeen(const glm::vec3 &place) const;
+    /// Whether nothing lies before a place of the surface that was drawn.
+    bool isSeen(const OssEvPaintSurface &surface, const glm::vec3 &place) const;
+
+    /// Place in patches of what is seen, with the surface that was drawn; none beside it.
+    std::optional<glm::vec2> uvAt(const OssEvPaintSurface &surface, double x, double y) const;
 
     /// The pixel nearest to a place on which the surface is seen, and its depth as z.
     std::optional<glm::vec3> nearestSeen(double x, double y, double within) const;
 
 private:
     void draw(const OssEvPaintSurface &surface);
-    void drawTriangle(const glm::vec3 &a, const glm::vec3 &b, const glm::vec3 &c);
+    void drawTriangle(const glm::vec3 &a, const glm::vec3 &b, const glm::vec3 &c,
+                      std::int32_t number);
     float at(int x, int y) const;
 
     glm::mat4 m_toClip;
@@ -56,5 +62,6 @@ private:
     glm::vec3 m_alongX; ///< change of the ray by pixel
     glm::vec3 m_alongY;
     float m_pixel;
-    std::vector<float> m_nearness; ///< 1 by depth; 0 where nothing is seen
+    std::vector<float> m_nearness;         ///< 1 by depth; 0 where nothing is seen
+    std::vector<std::int32_t> m_triangles; ///< the one that is seen; -1: none
 };

@@ -2,17 +2,27 @@
 
 #include "OssEvaluation/Values/OssEvPatch.h"
 
+#include <glm/geometric.hpp>
+
+#include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace {
 
 constexpr int Size = OssEvPaintTile::Size;
+constexpr double BlurReach = 0.15; ///< of the radius: how far colours come from
+constexpr double LeastBlur = 1.0;
+constexpr int RingParts = 8;
+constexpr double FullTurn = 6.283185307179586;
 
 } // namespace
 
-OssEvStroke::OssEvStroke(OssEvPaintBuffer *buffer, const OssEvBrush &brush, double scale)
+OssEvStroke::OssEvStroke(OssEvPaintBuffer *buffer, const OssEvBrush &brush,
+                         OssEvPaintGround *ground, double scale)
     : m_brush(brush)
-    , m_tiles(buffer, brush)
+    , m_tiles(buffer, brush, ground)
+    , m_onlyCovers(!m_tiles.isLimited() && !m_tiles.hasSources() && !brush.changesColors())
     , m_scale(scale)
     , m_path([this](const OssEvStrokePath::Point &place) { return putDab(place); })
 {
@@ -29,22 +39,227 @@ OssEvStroke::Areas OssEvStroke::moveTo(double x, double y, double pressure)
 OssEvStroke::Areas OssEvStroke::finish()
 {
     m_path.finish();
-    return m_tiles.update();
+    Areas areas = m_tiles.update();
+    m_tiles.tidy();
+    return areas;
 }
 
 double OssEvStroke::putDab(const OssEvStrokePath::Point &place)
 {
-    if (m_lastDab && (place.x != m_lastDab->x || place.y != m_lastDab->y))
+    glm::vec2 way(0.0F);
+    if (m_lastDab && (place.x != m_lastDab->x || place.y != m_lastDab->y)) {
         m_heading = std::atan2(place.y - m_lastDab->y, place.x - m_lastDab->x);
+        way = {float(place.x - m_lastDab->x), float(place.y - m_lastDab->y)};
+    }
     m_lastDab = place;
-    return m_brush.spacing * dab(place, m_heading, m_count++);
+    const double radius = dab(place, m_heading, m_count++);
+    if (!m_marked.empty())
+        changeColors(way, radius);
+    return m_brush.spacing * radius;
 }
 
+// --- what a texel gets
+
+/// How much of what covers a texel is let through; what it is painted with is known afterwards.
+float OssEvStroke::readyFor(const Place &place, OssEvStrokeTiles::Tile *touched, int index)
+{
+    const auto at = std::size_t(index);
+    float limit = 1.0F;
+    if (!touched->limit.empty()) {
+        float &known = touched->limit[at];
+        if (known < 0.0F)
+            known = limitOf(place, index);
+        limit = known;
+    }
+    if (limit > 0.0F && !touched->source.empty() && touched->source[at][3] < 0.0F)
+        touched->source[at] = sourceOf(place, index);
+    return limit;
+}
+
+void OssEvStroke::mark(const Place &place, OssEvStrokeTiles::Tile *touched, int index, float amount,
+                       const OssEvDabShape &shape)
+{
+    amount *= readyFor(place, touched, index);
+    if (amount <= 0.0F)
+        return;
+    if (m_brush.changesColors()) {
+        m_marked.push_back({place, index, shape.over(0.0F, amount), spotOf(place, index), {}});
+        return;
+    }
+    float &covered = touched->coverage[std::size_t(index)];
+    covered = shape.over(covered, amount);
+}
+
+glm::vec2 OssEvStroke::onSheet(const glm::vec2 &spot) const
+{
+    const std::array<double, 6> &s = m_brush.toSheet;
+    return {float(s[0] * double(spot.x) + s[1] * double(spot.y) + s[2]),
+            float(s[3] * double(spot.x) + s[4] * double(spot.y) + s[5])};
+}
+
+float OssEvStroke::limitOf(const Place &place, int index)
+{
+    float limit = 1.0F;
+    if (m_region.ofTriangle && !m_region.has(faceOf(place, index)))
+        return 0.0F;
+    if (m_brush.within == OssEvBrush::Within::Painted)
+        limit = m_tiles.before().texel(place, index)[3];
+    else if (m_brush.within == OssEvBrush::Within::Bare)
+        limit = 1.0F - m_tiles.before().texel(place, index)[3];
+    if (!m_brush.stencil)
+        return std::clamp(limit, 0.0F, 1.0F);
+    const glm::vec2 spot = onSheet(spotOf(place, index));
+    const double across = 2.0 / std::max(1e-9, std::hypot(m_brush.toSheet[0], m_brush.toSheet[1]));
+    return std::clamp(limit, 0.0F, 1.0F)
+           * m_brush.stencil->coverage(double(spot.x), double(spot.y), across);
+}
+
+OssEvStroke::Color OssEvStroke::sourceOf(const Place &place, int index)
+{
+    if (m_brush.tool != OssEvBrush::Tool::Clone)
+        return pictureAt(place, index);
+    const glm::vec2 from(float(m_brush.cloneFrom[0]), float(m_brush.cloneFrom[1]));
+    const std::optional<glm::vec2> uv = uvAt(spotOf(place, index) + from);
+    Color color = uv ? m_tiles.before().at(*uv) : Color{};
+    color[3] = std::max(color[3], 0.0F);
+    return color;
+}
+
+OssEvStroke::Color OssEvStroke::pictureAt(const Place &place, int index)
+{
+    const OssEvPaintPicture &picture = *m_brush.picture;
+    Color color{};
+    if (m_brush.pictureOn == OssEvBrush::PictureOn::Sheet) {
+        const glm::vec2 at = onSheet(spotOf(place, index));
+        const double across = 2.0
+                              / std::max(1e-9, std::hypot(m_brush.toSheet[0], m_brush.toSheet[1]));
+        if (std::abs(at.x) < 1.0F && std::abs(at.y) < 1.0F)
+            color = picture.at((double(at.x) + 1.0) / 2.0, (double(at.y) + 1.0) / 2.0, across);
+    } else {
+        const int resolution = m_tiles.buffer().resolution();
+        const double across = resolution / m_brush.pictureRepeats;
+        const double down = across * picture.height() / picture.width();
+        color = picture.at((place.x * Size + index % Size + 0.5) / across,
+                           (place.y * Size + index / Size + 0.5) / down, across);
+    }
+    color[3] = std::clamp(color[3], 0.0F, 1.0F);
+    return color;
+}
+
+// --- at once
+
+std::vector<OssEvPaintBuffer::Place> OssEvStroke::tilesOf(int patch) const
+{
+    std::vector<Place> places;
+    const int across = OssEvTilesAcross(m_tiles.buffer().resolution());
+    for (int y = 0; y < across; ++y) {
+        for (int x = 0; x < across; ++x)
+            places.push_back({patch, x, y});
+    }
+    return places;
+}
+
+bool OssEvStroke::fill(const std::optional<Line> &line, const GoesOn &goesOn)
+{
+    const std::vector<Place> places = fillPlaces(m_region);
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        if (!goesOn(double(i) / double(places.size())))
+            return false;
+        fillTile(places[i], line);
+    }
+    return true;
+}
+
+void OssEvStroke::fillTile(const Place &place, const std::optional<Line> &line)
+{
+    const glm::vec2 from = line ? line->from * float(m_scale) : glm::vec2(0.0F);
+    const glm::vec2 along = line ? line->to * float(m_scale) - from : glm::vec2(0.0F);
+    const float square = std::max(glm::dot(along, along), 1e-12F);
+    OssEvStrokeTiles::Tile *touched = nullptr;
+    for (int index = 0; index < OssEvPaintTile::Texels; ++index) {
+        if (!isOpen(place, index))
+            continue;
+        float amount = 1.0F;
+        if (line)
+            amount = std::clamp(1.0F - glm::dot(spotOf(place, index) - from, along) / square, 0.0F,
+                                1.0F);
+        if (amount <= 0.0F)
+            continue;
+        if (touched == nullptr)
+            touched = &m_tiles.touch(place);
+        touched->coverage[std::size_t(index)] = amount * readyFor(place, touched, index);
+    }
+    if (touched == nullptr)
+        return;
+    touched->stale = {0, 0, Size, Size};
+    m_tiles.update();
+    OssEvStrokeTiles::settle(touched);
+    m_tiles.tidy();
+}
+
+// --- changing colours
+
+// All are looked at before any is set: a dab does not feed on itself.
+void OssEvStroke::changeColors(const glm::vec2 &way, double radius)
+{
+    m_tiles.now().look();
+    for (Marked &marked : m_marked) {
+        std::optional<Color> wanted;
+        if (m_brush.tool == OssEvBrush::Tool::Blur)
+            wanted = blurred(marked.spot, std::max(LeastBlur, BlurReach * radius));
+        else if (const auto uv = uvAt(marked.spot - way))
+            wanted = m_tiles.now().at(*uv);
+        marked.color = m_tiles.now().texel(marked.place, marked.index);
+        const float amount = wanted ? marked.amount * float(m_brush.opacity) : 0.0F;
+        for (std::size_t c = 0; wanted && c < 4; ++c)
+            marked.color[c] += ((*wanted)[c] - marked.color[c]) * amount;
+    }
+    for (const Marked &marked : m_marked)
+        m_tiles.setColor(marked.place, marked.index, marked.color);
+    m_marked.clear();
+}
+
+std::optional<OssEvStroke::Color> OssEvStroke::blurred(const glm::vec2 &spot, double radius)
+{
+    Color sum{};
+    int count = 0;
+    const auto add = [&](const glm::vec2 &from) {
+        const std::optional<glm::vec2> uv = uvAt(from);
+        if (!uv)
+            return;
+        const Color color = m_tiles.now().at(*uv);
+        for (std::size_t c = 0; c < 4; ++c)
+            sum[c] += color[c];
+        ++count;
+    };
+    add(spot);
+    // Two rings, turned against each other.
+    for (int i = 0; i < RingParts; ++i) {
+        const double angle = FullTurn * (i + 0.5 * (i % 2)) / RingParts;
+        const double reach = i % 2 == 0 ? radius : 0.5 * radius;
+        add(spot + glm::vec2(float(reach * std::cos(angle)), float(reach * std::sin(angle))));
+    }
+    if (count == 0)
+        return std::nullopt;
+    for (float &channel : sum)
+        channel /= float(count);
+    return sum;
+}
+
+// --- flat
+
 OssEvFlatStroke::OssEvFlatStroke(OssEvPaintBuffer *buffer, const OssEvBrush &brush,
-                                 std::vector<int> patches)
-    : OssEvStroke(buffer, brush, buffer->resolution())
+                                 std::vector<int> patches, OssEvPaintGround *ground)
+    : OssEvStroke(buffer, brush, ground, buffer->resolution())
     , m_patches(std::move(patches))
 {
+}
+
+void OssEvFlatStroke::keepWithin(const std::shared_ptr<OssEvPaintSurface> &surface, double x,
+                                 double y)
+{
+    m_surface = surface;
+    setRegion(surface->region(brush().within, surface->triangleAt({float(x), float(y)})));
 }
 
 double OssEvFlatStroke::dab(const OssEvStrokePath::Point &place, double heading,
@@ -73,24 +288,83 @@ void OssEvFlatStroke::dabPatch(int patch, double x, double y, const OssEvDabShap
                                    .intersected({0, 0, resolution, resolution});
     if (bounds.isEmpty())
         return;
-    const auto cover = [&](float *covered, double dx, double dy) {
-        if (*covered >= 1.0F)
-            return;
-        const float amount = shape.isRound() ? shape.atSquare(dx * dx + dy * dy) : shape.at(dx, dy);
-        if (amount > 0.0F)
-            *covered = shape.over(*covered, amount);
-    };
     for (int row = bounds.y / Size; row <= (bounds.bottom() - 1) / Size; ++row) {
-        for (int column = bounds.x / Size; column <= (bounds.right() - 1) / Size; ++column) {
-            const OssEvRegion part = bounds.intersected({column * Size, row * Size, Size, Size});
-            OssEvStrokeTiles::Tile &touched = tiles().touch({patch, column, row});
-            for (int py = part.y; py < part.bottom(); ++py) {
-                float *line = touched.coverage.data() + std::ptrdiff_t(py - row * Size) * Size;
-                for (int px = part.x; px < part.right(); ++px)
-                    cover(&line[px - column * Size], px + 0.5 - x, py + 0.5 - y);
-            }
-            touched.stale = touched.stale.united(
-                {part.x - column * Size, part.y - row * Size, part.width, part.height});
+        for (int column = bounds.x / Size; column <= (bounds.right() - 1) / Size; ++column)
+            dabTile({patch, column, row},
+                    bounds.intersected({column * Size, row * Size, Size, Size}), x, y, shape);
+    }
+}
+
+void OssEvFlatStroke::dabTile(const Place &place, const OssEvRegion &part, double x, double y,
+                              const OssEvDabShape &shape)
+{
+    OssEvStrokeTiles::Tile &touched = tiles().touch(place);
+    const int left = place.x * Size;
+    const int top = place.y * Size;
+    const auto amountAt = [&](int px, int py) {
+        const double dx = px + 0.5 - x;
+        const double dy = py + 0.5 - y;
+        return shape.isRound() ? shape.atSquare(dx * dx + dy * dy) : shape.at(dx, dy);
+    };
+    for (int py = part.y; py < part.bottom(); ++py) {
+        const int line = (py - top) * Size;
+        for (int px = part.x; px < part.right(); ++px) {
+            const int index = line + px - left;
+            float &covered = touched.coverage[std::size_t(index)];
+            if (covered >= 1.0F)
+                continue;
+            const float amount = amountAt(px, py);
+            if (amount <= 0.0F)
+                continue;
+            if (onlyCovers())
+                covered = shape.over(covered, amount);
+            else
+                mark(place, &touched, index, amount, shape);
         }
     }
+    if (!brush().changesColors())
+        touched.stale = touched.stale.united(
+            {part.x - left, part.y - top, part.width, part.height});
+}
+
+glm::vec2 OssEvFlatStroke::spotOf(const Place &place, int index)
+{
+    const int resolution = tiles().buffer().resolution();
+    return {float(OssEvPatch::column(place.patch) * resolution + place.x * Size + index % Size)
+                + 0.5F,
+            float((OssEvPatch::row(place.patch) + 1) * resolution - place.y * Size - index / Size)
+                - 0.5F};
+}
+
+std::optional<glm::vec2> OssEvFlatStroke::uvAt(const glm::vec2 &spot)
+{
+    const glm::vec2 uv = spot / float(tiles().buffer().resolution());
+    const int patch = OssEvPatch::number(int(std::floor(uv.x)), int(std::floor(uv.y)));
+    if (std::find(m_patches.cbegin(), m_patches.cend(), patch) == m_patches.cend())
+        return std::nullopt;
+    return uv;
+}
+
+int OssEvFlatStroke::faceOf(const Place &place, int index)
+{
+    return m_surface ? m_surface->tile(place)->faces[std::size_t(index)] : -1;
+}
+
+std::vector<OssEvPaintBuffer::Place> OssEvFlatStroke::fillPlaces(
+    const OssEvPaintRegion &region) const
+{
+    std::vector<Place> places;
+    for (const int patch : m_patches) {
+        for (const Place &place : tilesOf(patch)) {
+            if (!region.ofTriangle || m_surface->mayTouch(region, place))
+                places.push_back(place);
+        }
+    }
+    return places;
+}
+
+bool OssEvFlatStroke::isOpen(const Place &place, int index)
+{
+    const int resolution = tiles().buffer().resolution();
+    return place.x * Size + index % Size < resolution && place.y * Size + index / Size < resolution;
 }

@@ -1,17 +1,44 @@
 #include "OssEvaluation/Paint/OssEvStrokeTiles.h"
 
+#include "OssEvaluation/Kernels/MergeRows.h"
+
+#include <algorithm>
+
 namespace {
 
 constexpr int Size = OssEvPaintTile::Size;
+constexpr OssEvPaintTile::Texel Bare{0.0F, 0.0F, 0.0F, 0.0F, 1.0F};
+constexpr OssEvStrokeTiles::Color NotKnown{0.0F, 0.0F, 0.0F, -1.0F};
+
+OssEvPaintTile::Texel opaque(const OssEvStrokeTiles::Color &color)
+{
+    return {color[0], color[1], color[2], color[3], 0.0F};
+}
 
 } // namespace
 
-OssEvStrokeTiles::OssEvStrokeTiles(OssEvPaintBuffer *buffer, const OssEvBrush &brush)
+/// Texels that are merged at once.
+struct OssEvStrokeTiles::Batch
+{
+    OssEvMergeRows::Row row;
+    std::array<int, OssEvMergeRows::Most> indices{};
+    std::size_t count = 0;
+};
+
+OssEvStrokeTiles::OssEvStrokeTiles(OssEvPaintBuffer *buffer, const OssEvBrush &brush,
+                                   OssEvPaintGround *ground)
     : m_buffer(buffer)
+    , m_start(*buffer)
+    , m_before(&m_start, ground)
+    , m_now(buffer, ground)
+    , m_isLimited(brush.within != OssEvBrush::Within::Everywhere || brush.stencil)
+    , m_hasSources(brush.tool == OssEvBrush::Tool::Clone
+                   || (brush.picture && !brush.erases() && !brush.changesColors()))
+    , m_mode(brush.erases() || brush.changesColors() ? OssEvMergeRows::Normal : brush.blend)
     , m_opacity(float(brush.opacity))
 {
-    if (!brush.erases)
-        m_source = {brush.color[0], brush.color[1], brush.color[2], 1.0F, 0.0F};
+    if (!brush.erases())
+        m_source = {brush.color[0], brush.color[1], brush.color[2], 1.0F};
 }
 
 OssEvStrokeTiles::Tile &OssEvStrokeTiles::touch(const OssEvPaintBuffer::Place &place)
@@ -25,8 +52,21 @@ OssEvStrokeTiles::Tile &OssEvStrokeTiles::touch(const OssEvPaintBuffer::Place &p
                                   : std::make_shared<OssEvPaintTile>();
     touched.coverage.resize(OssEvPaintTile::Texels);
     touched.blended.resize(OssEvPaintTile::Texels);
+    if (m_isLimited)
+        touched.limit.assign(OssEvPaintTile::Texels, -1.0F);
+    if (m_hasSources)
+        touched.source.assign(OssEvPaintTile::Texels, NotKnown);
     m_buffer->setTile(place, touched.tile);
+    m_now.look();
     return m_touched.emplace(place, std::move(touched)).first->second;
+}
+
+void OssEvStrokeTiles::setColor(const OssEvPaintBuffer::Place &place, int index, const Color &color)
+{
+    Tile &touched = touch(place);
+    touched.tile->setTexel(index, opaque(color));
+    touched.isChanged = true;
+    touched.stale = touched.stale.united({index % Size, index / Size, 1, 1});
 }
 
 OssEvStrokeTiles::Areas OssEvStrokeTiles::update()
@@ -35,7 +75,7 @@ OssEvStrokeTiles::Areas OssEvStrokeTiles::update()
     for (auto &[place, touched] : m_touched) {
         if (touched.stale.isEmpty())
             continue;
-        blend(&touched);
+        blend(place, &touched);
         OssEvRegion area = touched.stale;
         area.x += place.x * Size;
         area.y += place.y * Size;
@@ -45,11 +85,10 @@ OssEvStrokeTiles::Areas OssEvStrokeTiles::update()
     return areas;
 }
 
-void OssEvStrokeTiles::blend(Tile *touched) const
+void OssEvStrokeTiles::blend(const OssEvPaintBuffer::Place &place, Tile *touched)
 {
     const OssEvRegion &area = touched->stale;
-    OssEvPaintTile::Texel bare{};
-    bare[OssEvPaintTile::Keep] = 1.0F;
+    Batch batch;
     for (int y = area.y; y < area.bottom(); ++y) {
         for (int index = y * Size + area.x; index < y * Size + area.right(); ++index) {
             const float coverage = touched->coverage[std::size_t(index)];
@@ -57,13 +96,72 @@ void OssEvStrokeTiles::blend(Tile *touched) const
             if (coverage == blended)
                 continue;
             blended = coverage;
-            const float alpha = m_opacity * coverage;
-            OssEvPaintTile::Texel texel = touched->before ? touched->before->texel(index) : bare;
-            for (std::size_t plane = 0; plane < texel.size(); ++plane)
-                texel[plane] = alpha * m_source[plane] + (1.0F - alpha) * texel[plane];
-            touched->tile->setTexel(index, texel);
+            touched->isChanged = true;
+            if (m_mode == OssEvMergeRows::Normal) {
+                blendPlainly(touched, index, m_opacity * coverage);
+                continue;
+            }
+            batch.row.mask[batch.count] = m_opacity * coverage;
+            batch.indices[batch.count++] = index;
+            if (batch.count == batch.indices.size())
+                blendBatch(place, touched, &batch);
         }
     }
+    if (batch.count > 0)
+        blendBatch(place, touched, &batch);
+}
+
+// What is painted with lies over what was there, and may be seen through itself.
+void OssEvStrokeTiles::blendPlainly(Tile *touched, int index, float alpha) const
+{
+    const bool isOwn = !touched->source.empty();
+    const Color &source = isOwn ? touched->source[std::size_t(index)] : m_source;
+    const float hides = isOwn ? alpha * source[3] : alpha;
+    OssEvPaintTile::Texel texel = touched->before ? touched->before->texel(index) : Bare;
+    for (std::size_t c = 0; c < source.size(); ++c)
+        texel[c] = alpha * source[c] + (1.0F - hides) * texel[c];
+    texel[OssEvPaintTile::Keep] *= 1.0F - hides;
+    touched->tile->setTexel(index, texel);
+}
+
+void OssEvStrokeTiles::blendBatch(const OssEvPaintBuffer::Place &place, Tile *touched, Batch *batch)
+{
+    OssEvMergeRows::Row &row = batch->row;
+    for (std::size_t i = 0; i < batch->count; ++i) {
+        const int index = batch->indices[i];
+        const Color base = m_before.texel(place, index);
+        const Color &over = touched->source.empty() ? m_source
+                                                    : touched->source[std::size_t(index)];
+        for (std::size_t c = 0; c < 4; ++c) {
+            row.base[c][i] = base[c];
+            row.over[c][i] = over[c];
+        }
+    }
+    OssEvMergeRows::run(m_mode, &row);
+    for (std::size_t i = 0; i < batch->count; ++i)
+        touched->tile->setTexel(batch->indices[i], opaque({row.result[0][i], row.result[1][i],
+                                                           row.result[2][i], row.result[3][i]}));
+    batch->count = 0;
+}
+
+void OssEvStrokeTiles::tidy()
+{
+    for (auto entry = m_touched.begin(); entry != m_touched.end();) {
+        if (entry->second.isChanged) {
+            ++entry;
+            continue;
+        }
+        m_buffer->setTile(entry->first, entry->second.before);
+        entry = m_touched.erase(entry);
+    }
+}
+
+void OssEvStrokeTiles::settle(Tile *touched)
+{
+    touched->coverage = {};
+    touched->blended = {};
+    touched->limit = {};
+    touched->source = {};
 }
 
 std::vector<OssEvStrokeTiles::Change> OssEvStrokeTiles::changes() const

@@ -1,5 +1,7 @@
 #include "OssEvaluation/Paint/OssEvSurfaceStroke.h"
 
+#include "OssEvaluation/Geometry/OssEvMesh.h"
+
 #include <glm/geometric.hpp>
 #include <glm/matrix.hpp>
 
@@ -48,8 +50,9 @@ float radiusOf(const OssEvBrush &brush, float texel, float pixel)
 } // namespace
 
 OssEvSurfaceStroke::OssEvSurfaceStroke(OssEvPaintBuffer *buffer, const OssEvBrush &brush,
-                                       std::shared_ptr<OssEvPaintSurface> surface, ViewPointer view)
-    : OssEvStroke(buffer, brush)
+                                       std::shared_ptr<OssEvPaintSurface> surface, ViewPointer view,
+                                       OssEvPaintGround *ground)
+    : OssEvStroke(buffer, brush, ground)
     , m_surface(std::move(surface))
     , m_view(std::move(view))
 {
@@ -77,6 +80,16 @@ void OssEvSurfaceStroke::addSides(const std::array<bool, 3> &mirrors)
         side.isOwn = turned == 0;
         m_sides.push_back(std::move(side));
     }
+}
+
+bool OssEvSurfaceStroke::keepWithin(double x, double y)
+{
+    const auto hit = m_surface->pick(m_view->eye(), m_view->ray(x, y));
+    if (!hit)
+        return false;
+    setRegion(m_surface->region(brush().within, hit->triangle));
+    m_hasBegun = true;
+    return true;
 }
 
 std::optional<OssEvSurfaceStroke::Touch> OssEvSurfaceStroke::touchAt(
@@ -115,6 +128,7 @@ std::optional<OssEvSurfaceStroke::Touch> OssEvSurfaceStroke::touchAt(
     touch.pixel = pixel;
     touch.radius = radiusOf(brush, hit->texel, pixel);
     touch.facing = std::abs(facing);
+    touch.triangle = hit->triangle;
     return touch;
 }
 
@@ -126,6 +140,9 @@ double OssEvSurfaceStroke::dab(const OssEvStrokePath::Point &place, double headi
         m_last.reset();
         return 1.0 / std::max(brush().spacing, 0.01); // it looks again at the next pixel
     }
+    if (!m_hasBegun)
+        setRegion(m_surface->region(brush().within, touch->triangle));
+    m_hasBegun = true;
     const OssEvDabShape shape(brush(), double(touch->radius / touch->texel), place.pressure,
                               heading, number);
     if (m_last && brush().placeJitter <= 0.0) {
@@ -180,6 +197,7 @@ void OssEvSurfaceStroke::put(const Touch &touch, const OssEvDabShape &shape)
 
 void OssEvSurfaceStroke::cover(Side *side, const Touch &touch, const OssEvDabShape &shape)
 {
+    m_side = side;
     Touch mirrored = touch;
     if (!side->isOwn) {
         mirrored.centre = glm::vec3(side->mirror * glm::vec4(touch.centre, 1.0F));
@@ -231,15 +249,19 @@ void OssEvSurfaceStroke::coverTile(const Side &side, Tile *tile, const OssEvRegi
                 continue;
             if (tile->touched == nullptr)
                 tile->touched = &tiles().touch(tile->place);
-            float &covered = tile->touched->coverage[index];
-            covered = shape.over(covered, amount);
+            if (onlyCovers()) {
+                float &covered = tile->touched->coverage[index];
+                covered = shape.over(covered, amount);
+            } else {
+                mark(tile->place, tile->touched, int(index), amount, shape);
+            }
             left = std::min(left, x);
             right = std::max(right, x + 1);
             top = std::min(top, y);
             bottom = std::max(bottom, y + 1);
         }
     }
-    if (tile->touched != nullptr)
+    if (tile->touched != nullptr && !brush().changesColors())
         tile->touched->stale = tile->touched->stale.united({left, top, right - left, bottom - top});
 }
 
@@ -255,7 +277,57 @@ bool OssEvSurfaceStroke::isSeen(const Side &side, Tile *tile, std::size_t index)
         const glm::vec3 towards = glm::normalize(side.eye - place);
         const bool faces = glm::dot(m_surface->normal(tile->texels->faces[index]), towards)
                            > LeastFacing;
-        seen = faces && (!side.isOwn || m_view->isSeen(place)) ? Yes : No;
+        seen = faces && (!side.isOwn || m_view->isSeen(*m_surface, place)) ? Yes : No;
     }
     return seen == Yes;
+}
+
+// --- what of a texel matters to brushes that do more than cover
+
+// As it is seen on the picture, also from the other side of a mirror.
+glm::vec2 OssEvSurfaceStroke::spotOf(const Place &place, int index)
+{
+    const auto texels = m_surface->tile(place);
+    const auto at = std::size_t(index);
+    const glm::vec3 lies = glm::vec3(
+        m_side->mirror * glm::vec4(texels->x[at], texels->y[at], texels->z[at], 1.0F));
+    const std::optional<glm::vec3> pixel = m_view->project(lies);
+    return pixel ? glm::vec2(*pixel) : glm::vec2(-1.0F);
+}
+
+std::optional<glm::vec2> OssEvSurfaceStroke::uvAt(const glm::vec2 &spot)
+{
+    return m_view->uvAt(*m_surface, double(spot.x), double(spot.y));
+}
+
+int OssEvSurfaceStroke::faceOf(const Place &place, int index)
+{
+    return m_surface->tile(place)->faces[std::size_t(index)];
+}
+
+std::vector<OssEvPaintBuffer::Place> OssEvSurfaceStroke::fillPlaces(
+    const OssEvPaintRegion &region) const
+{
+    std::vector<Place> places;
+    for (const int patch : m_surface->mesh()->patches()) {
+        for (const Place &place : tilesOf(patch)) {
+            if (m_surface->mayTouch(region, place))
+                places.push_back(place);
+        }
+    }
+    return places;
+}
+
+// What lies on the screen reaches what is seen; a plain fill all there is.
+bool OssEvSurfaceStroke::isOpen(const Place &place, int index)
+{
+    Side &own = m_sides.front();
+    m_side = &own;
+    Tile &tile = tileAt(&own, place);
+    if (tile.texels->faces[std::size_t(index)] < 0)
+        return false;
+    const bool liesOnScreen = brush().tool == OssEvBrush::Tool::Gradient || brush().stencil
+                              || (brush().picture
+                                  && brush().pictureOn == OssEvBrush::PictureOn::Sheet);
+    return !liesOnScreen || isSeen(own, &tile, std::size_t(index));
 }

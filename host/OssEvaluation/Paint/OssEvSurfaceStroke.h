@@ -19,7 +19,12 @@ public:
 
     /// Buffer and surface are of one resolution; the buffer must outlive the stroke.
     OssEvSurfaceStroke(OssEvPaintBuffer *buffer, const OssEvBrush &brush,
-                       std::shared_ptr<OssEvPaintSurface> surface, ViewPointer view);
+                       std::shared_ptr<OssEvPaintSurface> surface, ViewPointer view,
+                       OssEvPaintGround *ground = nullptr);
+
+    /// Paints only on what the brush says of a place that is seen; false where there is nothing. Dabs do so
+    /// where the first of them lies.
+    bool keepWithin(double x, double y);
 
     /// Where a brush touches the surface.
     struct Touch
@@ -31,6 +36,7 @@ public:
         float pixel;  ///< the same
         float radius; ///< of the brush, by its size alone
         float facing; ///< cosine between what looks and the surface
+        int triangle; ///< that is touched
     };
 
     /// None where the brush lies beside the object.
@@ -40,6 +46,11 @@ public:
 
 protected:
     double dab(const OssEvStrokePath::Point &place, double heading, std::uint32_t number) override;
+    glm::vec2 spotOf(const Place &place, int index) override;
+    std::optional<glm::vec2> uvAt(const glm::vec2 &spot) override;
+    int faceOf(const Place &place, int index) override;
+    std::vector<Place> fillPlaces(const OssEvPaintRegion &region) const override;
+    bool isOpen(const Place &place, int index) override;
 
 private:
     struct Tile
@@ -71,6 +82,8 @@ private:
     std::shared_ptr<OssEvPaintSurface> m_surface;
     ViewPointer m_view;
     std::vector<Side> m_sides;
+    const Side *m_side = nullptr; ///< that is being covered
+    bool m_hasBegun = false;
     std::optional<Touch> m_last;
     OssEvStrokePath::Point m_lastPlace{};
 };

@@ -1,5 +1,7 @@
 #include "Ossa/Painting/BrushFields.h"
 
+#include "OssEvaluation/Kernels/MergeRows.h"
+
 #include <QCoreApplication>
 
 namespace {
@@ -28,6 +30,35 @@ double &steadiness(Brush &brush)
     return brush.steadiness;
 }
 
+template <class Kind, Kind OssEvBrush::*Member>
+int chosen(const Brush &brush)
+{
+    return int(brush.paint.*Member);
+}
+
+template <class Kind, Kind OssEvBrush::*Member>
+void choose(Brush &brush, int choice)
+{
+    brush.paint.*Member = Kind(choice);
+}
+
+QStringList list(std::initializer_list<const char *> words)
+{
+    QStringList texts;
+    for (const char *word : words)
+        texts.append(QLatin1String(word));
+    return texts;
+}
+
+QStringList blendModes()
+{
+    QStringList names;
+    for (const std::string &name : OssEvMergeRows::modes())
+        names.append(QString::fromStdString(name));
+    return names;
+}
+
+constexpr const char *times = " x";
 constexpr const char *percent = " %";
 constexpr const char *degrees = "°";
 constexpr const char *pixels = " px";
@@ -49,6 +80,7 @@ const QVector<BrushFields::Number> &BrushFields::numbers()
         {"angleJitter", QT_TRANSLATE_NOOP("BrushFields", "Angle Jitter"), QT_TRANSLATE_NOOP("BrushFields", "By how much dabs are turned by chance"), percent, hundred, 0.0, 100.0, number<&OssEvBrush::angleJitter>},
         {"placeJitter", QT_TRANSLATE_NOOP("BrushFields", "Scatter"), QT_TRANSLATE_NOOP("BrushFields", "By how many radii dabs lie aside by chance"), percent, hundred, 0.0, 500.0, number<&OssEvBrush::placeJitter>},
         {"flowJitter", QT_TRANSLATE_NOOP("BrushFields", "Flow Jitter"), QT_TRANSLATE_NOOP("BrushFields", "By how much less dabs cover by chance"), percent, hundred, 0.0, 100.0, number<&OssEvBrush::flowJitter>},
+        {"pictureRepeats", QT_TRANSLATE_NOOP("BrushFields", "Picture Repeats"), QT_TRANSLATE_NOOP("BrushFields", "How often the picture lies beside itself across a patch"), times, 1.0, 0.05, 500.0, number<&OssEvBrush::pictureRepeats>},
         {"steadiness", QT_TRANSLATE_NOOP("BrushFields", "Steady Stroke"), QT_TRANSLATE_NOOP("BrushFields", "Length of the string by which the pointer draws the brush behind it"), pixels, 1.0, 0.0, 200.0, steadiness},
     };
     return table;
@@ -68,4 +100,30 @@ const QVector<BrushFields::Switch> &BrushFields::switches()
     return table;
 }
 
+const QVector<BrushFields::Choice> &BrushFields::choices()
+{
+    using Paint = OssEvBrush;
+    static const QVector<Choice> table{
+        {"tool", QT_TRANSLATE_NOOP("BrushFields", "Tool"), QT_TRANSLATE_NOOP("BrushFields", "What a stroke does; a fill is one click, a gradient one line"), list({QT_TRANSLATE_NOOP("BrushFields", "Brush"), QT_TRANSLATE_NOOP("BrushFields", "Eraser"), QT_TRANSLATE_NOOP("BrushFields", "Clone"), QT_TRANSLATE_NOOP("BrushFields", "Smear"), QT_TRANSLATE_NOOP("BrushFields", "Blur"), QT_TRANSLATE_NOOP("BrushFields", "Fill"), QT_TRANSLATE_NOOP("BrushFields", "Gradient")}), chosen<Paint::Tool, &Paint::tool>, choose<Paint::Tool, &Paint::tool>},
+        {"blend", QT_TRANSLATE_NOOP("BrushFields", "Blend"), QT_TRANSLATE_NOOP("BrushFields", "How the stroke is put over the paint that is there"), blendModes(), chosen<int, &Paint::blend>, choose<int, &Paint::blend>},
+        {"within", QT_TRANSLATE_NOOP("BrushFields", "Paint on"), QT_TRANSLATE_NOOP("BrushFields", "Where strokes and fills may paint, as it is where they begin"), list({QT_TRANSLATE_NOOP("BrushFields", "Everywhere"), QT_TRANSLATE_NOOP("BrushFields", "UV Island"), QT_TRANSLATE_NOOP("BrushFields", "Face"), QT_TRANSLATE_NOOP("BrushFields", "Material"), QT_TRANSLATE_NOOP("BrushFields", "Painted Already"), QT_TRANSLATE_NOOP("BrushFields", "Bare")}), chosen<Paint::Within, &Paint::within>, choose<Paint::Within, &Paint::within>},
+        {"sizeIn", QT_TRANSLATE_NOOP("BrushFields", "Size in"), QT_TRANSLATE_NOOP("BrushFields", "What the brush's size is counted in"), list({QT_TRANSLATE_NOOP("BrushFields", "Texels"), QT_TRANSLATE_NOOP("BrushFields", "Pixels"), QT_TRANSLATE_NOOP("BrushFields", "World")}), chosen<Paint::SizeIn, &Paint::sizeIn>, choose<Paint::SizeIn, &Paint::sizeIn>},
+        {"pictureOn", QT_TRANSLATE_NOOP("BrushFields", "Picture on"), QT_TRANSLATE_NOOP("BrushFields", "Whether the picture that is painted with repeats over each patch or lies on the screen as a sheet"), list({QT_TRANSLATE_NOOP("BrushFields", "Patches"), QT_TRANSLATE_NOOP("BrushFields", "Sheet")}), chosen<Paint::PictureOn, &Paint::pictureOn>, choose<Paint::PictureOn, &Paint::pictureOn>},
+    };
+    return table;
+}
+
 // clang-format on
+
+QString BrushFields::words(const char *text)
+{
+    return QCoreApplication::translate("BrushFields", text);
+}
+
+QStringList BrushFields::words(const QStringList &texts)
+{
+    QStringList translated;
+    for (const QString &text : texts)
+        translated.append(words(qPrintable(text)));
+    return translated;
+}

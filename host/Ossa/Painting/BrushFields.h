@@ -2,9 +2,10 @@
 
 #include "Ossa/Painting/Brushes.h"
 
+#include <QStringList>
 #include <QVector>
 
-/// What a brush has beside its size, colour and stamp: one table for the panel and for files.
+/// What a brush has beside its size, colour and pictures: one table for the panels and for files.
 namespace BrushFields {
 
 /// A number.
@@ -29,7 +30,27 @@ struct Switch
     bool &(*of)(Brush &brush);
 };
 
+/// One of several.
+struct Choice
+{
+    const char *key;
+    const char *name;
+    const char *tip;
+    QStringList words; ///< in files, and to be translated
+    int (*get)(const Brush &brush);
+    void (*set)(Brush &brush, int choice);
+};
+
 const QVector<Number> &numbers();
 const QVector<Switch> &switches();
+
+/// By their places in choices().
+enum ChoiceOf { ToolChoice, BlendChoice, WithinChoice, SizeChoice, PictureChoice };
+
+const QVector<Choice> &choices();
+
+/// In the user's language.
+QString words(const char *text);
+QStringList words(const QStringList &texts);
 
 } // namespace BrushFields

@@ -35,7 +35,12 @@ QImage BrushPicture::make(const Brush &brush, const QSize &size)
         OssEvBrush paint = brush.paint;
         paint.radius = std::clamp(paint.radius, 0.06 * size.height(), 0.2 * size.height());
         paint.placeJitter = std::min(paint.placeJitter, 1.0);
-        paint.erases = false;
+        // What depends on what is there is shown by its shape.
+        paint.tool = OssEvBrush::Tool::Brush;
+        paint.blend = 0;
+        paint.within = OssEvBrush::Within::Everywhere;
+        paint.stencil.reset();
+        paint.pictureOn = OssEvBrush::PictureOn::Patches;
         OssEvPaintBuffer buffer(std::max(size.width(), size.height()));
         OssEvFlatStroke stroke(&buffer, paint, {1001});
         draw(&stroke, size);

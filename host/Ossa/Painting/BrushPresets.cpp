@@ -4,6 +4,7 @@
 #include "Ossa/Painting/BrushStamps.h"
 #include "OssCore/Documents/OssAtomicFile.h"
 #include "OssCore/Program/OssSettings.h"
+#include "OssModel/Images/OssColorManagement.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -20,10 +21,9 @@ constexpr qint64 largestFile = 1 << 16;
 constexpr double largestWorldRadius = 1e6;
 const QString radiusKey = QStringLiteral("radius");
 const QString worldRadiusKey = QStringLiteral("worldRadius");
-const QString sizeKey = QStringLiteral("sizeIn");
 const QString stampKey = QStringLiteral("stamp");
-const QStringList sizeNames{QStringLiteral("texels"), QStringLiteral("pixels"),
-                            QStringLiteral("world")};
+const QString stencilKey = QStringLiteral("stencil");
+const QString pictureKey = QStringLiteral("picture");
 
 struct Shipped
 {
@@ -48,6 +48,9 @@ const Shipped shipped[] = {
     {QT_TRANSLATE_NOOP("BrushPresets", "Bristles"), [](Brush *b) { stamped(b, "Bristles"); b->paint.spacing = 0.06; b->paint.followsStroke = true; }},
     {QT_TRANSLATE_NOOP("BrushPresets", "Spatter"), [](Brush *b) { stamped(b, "Spatter"); b->paint.spacing = 1.2; b->paint.angleJitter = 1.0; b->paint.sizeJitter = 0.5; b->paint.placeJitter = 0.6; }},
     {QT_TRANSLATE_NOOP("BrushPresets", "Dust"), [](Brush *b) { stamped(b, "Cloud"); b->paint.spacing = 0.5; b->paint.angleJitter = 1.0; b->paint.flow = 0.4; b->paint.placeJitter = 0.4; }},
+    {QT_TRANSLATE_NOOP("BrushPresets", "Clone"), [](Brush *b) { b->paint.tool = OssEvBrush::Tool::Clone; b->paint.hardness = 0.3; }},
+    {QT_TRANSLATE_NOOP("BrushPresets", "Smear"), [](Brush *b) { b->paint.tool = OssEvBrush::Tool::Smear; b->paint.hardness = 0.2; b->paint.flow = 0.8; b->paint.spacing = 0.08; }},
+    {QT_TRANSLATE_NOOP("BrushPresets", "Blur"), [](Brush *b) { b->paint.tool = OssEvBrush::Tool::Blur; b->paint.hardness = 0.2; b->paint.flow = 0.5; b->paint.spacing = 0.2; }},
     {QT_TRANSLATE_NOOP("BrushPresets", "Steady Line"), [](Brush *b) { b->paint.radius = 6.0; b->paint.hardness = 0.9; b->steadiness = 60.0; }},
 };
 
@@ -88,8 +91,13 @@ OssResult read(const QString &path, Brush *brush)
     readNumber(object, radiusKey, Brushes::smallestRadius, Brushes::largestRadius, &paint.radius);
     readNumber(object, worldRadiusKey, 1.0 / largestWorldRadius, largestWorldRadius,
                &paint.worldRadius);
-    paint.sizeIn = OssEvBrush::SizeIn(
-        std::max(0, sizeNames.indexOf(object.value(sizeKey).toString())));
+    for (const BrushFields::Choice &field : BrushFields::choices()) {
+        const QString word = object.value(QLatin1String(field.key)).toString();
+        for (int i = 0; i < field.words.size(); ++i) {
+            if (field.words.at(i).compare(word, Qt::CaseInsensitive) == 0)
+                field.set(*brush, i);
+        }
+    }
     for (const BrushFields::Number &field : BrushFields::numbers())
         readNumber(object, QLatin1String(field.key), field.least / field.shown,
                    field.most / field.shown, &field.of(*brush));
@@ -97,7 +105,12 @@ OssResult read(const QString &path, Brush *brush)
         bool &value = field.of(*brush);
         value = object.value(QLatin1String(field.key)).toBool(value);
     }
-    return BrushPresets::readStamp(object.value(stampKey).toString(), &paint.stamp);
+    OssResult found = BrushPresets::readStamp(object.value(stampKey).toString(), &paint.stamp);
+    if (found)
+        found = BrushPresets::readStamp(object.value(stencilKey).toString(), &paint.stencil);
+    if (found)
+        found = BrushPresets::readPicture(object.value(pictureKey).toString(), &paint.picture);
+    return found;
 }
 
 QByteArray textOf(Brush brush)
@@ -106,13 +119,18 @@ QByteArray textOf(Brush brush)
     QJsonObject object;
     object[radiusKey] = paint.radius;
     object[worldRadiusKey] = paint.worldRadius;
-    object[sizeKey] = sizeNames.at(int(paint.sizeIn));
+    for (const BrushFields::Choice &field : BrushFields::choices())
+        object[QLatin1String(field.key)] = field.words.at(field.get(brush));
     for (const BrushFields::Number &field : BrushFields::numbers())
         object[QLatin1String(field.key)] = field.of(brush);
     for (const BrushFields::Switch &field : BrushFields::switches())
         object[QLatin1String(field.key)] = field.of(brush);
     if (paint.stamp)
         object[stampKey] = QString::fromStdString(paint.stamp->name());
+    if (paint.stencil)
+        object[stencilKey] = QString::fromStdString(paint.stencil->name());
+    if (paint.picture)
+        object[pictureKey] = QString::fromStdString(paint.picture->name());
     return QJsonDocument(object).toJson();
 }
 
@@ -172,5 +190,15 @@ OssResult BrushPresets::readStamp(const QString &name, OssEvStamp::Pointer *stam
     if (*stamp || name.isEmpty())
         return {};
     const OssEvResult result = OssEvStamp::read(name.toStdString(), stamp);
+    return result ? OssResult() : OssResult::failure(QString::fromStdString(result.error()));
+}
+
+OssResult BrushPresets::readPicture(const QString &path, OssEvPaintPicture::Pointer *picture)
+{
+    picture->reset();
+    if (path.isEmpty())
+        return {};
+    const OssEvResult result = OssEvPaintPicture::read(path.toStdString(),
+                                                       OssColorManagement::spaces(), picture);
     return result ? OssResult() : OssResult::failure(QString::fromStdString(result.error()));
 }

@@ -30,6 +30,8 @@ OssResult remove(const QString &name);
 QStringList stamps();
 /// One of these, or read from a file. An empty name is none.
 OssResult readStamp(const QString &name, OssEvStamp::Pointer *stamp);
+/// From a file, in the project's colours. An empty name is none.
+OssResult readPicture(const QString &path, OssEvPaintPicture::Pointer *picture);
 
 QString ownFolder();
 

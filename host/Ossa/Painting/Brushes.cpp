@@ -13,7 +13,14 @@ void Brushes::take(const Brush &brush)
     const OssEvBrush before = m_brush.paint;
     m_brush = brush;
     m_brush.paint.color = before.color;
-    m_brush.paint.erases = before.erases;
+    if (before.erases() && brush.paint.tool == OssEvBrush::Tool::Brush)
+        m_brush.paint.tool = before.tool;
+    Q_EMIT changed();
+}
+
+void Brushes::edit(const Brush &brush)
+{
+    m_brush = brush;
     Q_EMIT changed();
 }
 
@@ -34,11 +41,16 @@ void Brushes::harden(double by)
     setBrush(brush);
 }
 
-void Brushes::setErasing(bool erases)
+void Brushes::setTool(OssEvBrush::Tool tool)
 {
     OssEvBrush brush = m_brush.paint;
-    brush.erases = erases;
+    brush.tool = tool;
     setBrush(brush);
+}
+
+void Brushes::toggleTool(OssEvBrush::Tool tool)
+{
+    setTool(m_brush.paint.tool == tool ? OssEvBrush::Tool::Brush : tool);
 }
 
 void Brushes::toggleMirror(int axis)
@@ -55,6 +67,31 @@ void Brushes::takeColor(const std::optional<OssColor> &color)
         return;
     OssEvBrush brush = m_brush.paint;
     brush.color = {float(color->red()), float(color->green()), float(color->blue())};
-    brush.erases = false;
+    if (brush.erases())
+        brush.tool = OssEvBrush::Tool::Brush;
     setBrush(brush);
+}
+
+// --- the sheet
+
+QTransform PaintSheet::fromView(const QSizeF &view) const
+{
+    QTransform toView;
+    toView.translate(view.width() / 2.0 + place.x(), view.height() / 2.0 + place.y());
+    toView.rotate(angle);
+    toView.scale(half, half);
+    return toView.inverted();
+}
+
+bool Brushes::hasSheet() const
+{
+    return m_brush.paint.stencil
+           || (m_brush.paint.picture && m_brush.paint.pictureOn == OssEvBrush::PictureOn::Sheet);
+}
+
+void Brushes::setSheet(const PaintSheet &sheet)
+{
+    m_sheet = sheet;
+    m_sheet.half = std::clamp(sheet.half, PaintSheet::smallest, PaintSheet::largest);
+    Q_EMIT changed();
 }

@@ -33,10 +33,33 @@ constexpr int longestName = 60;
 constexpr int ownRole = Qt::UserRole;
 const QString stampPathKey = QStringLiteral("brush_stamp");
 
-QString words(const char *text)
+using BrushFields::words;
+
+/// A picture that a brush has.
+struct PictureField
 {
-    return QCoreApplication::translate("BrushFields", text);
+    const char *name;
+    const char *tip;
+    const char *none;
+    bool hasShapes; ///< stamps of the program's own will do
+    QString (*used)(const Brush &brush);
+    OssResult (*take)(const QString &name, Brush *brush);
+};
+
+template <class Pointer>
+QString nameOf(const Pointer &picture)
+{
+    return picture ? QString::fromStdString(picture->name()) : QString();
 }
+
+// clang-format off
+const PictureField pictureFields[] = {
+    {QT_TRANSLATE_NOOP("BrushesPanel", "Stamp"), QT_TRANSLATE_NOOP("BrushesPanel", "The shape of a dab: round, or as a picture says by its alpha or its ink"), QT_TRANSLATE_NOOP("BrushesPanel", "Round"), true, [](const Brush &b) { return nameOf(b.paint.stamp); }, [](const QString &name, Brush *b) { return BrushPresets::readStamp(name, &b->paint.stamp); }},
+    {QT_TRANSLATE_NOOP("BrushesPanel", "Picture"), QT_TRANSLATE_NOOP("BrushesPanel", "A picture to paint with instead of the color"), QT_TRANSLATE_NOOP("BrushesPanel", "None"), false, [](const Brush &b) { return nameOf(b.paint.picture); }, [](const QString &name, Brush *b) { return BrushPresets::readPicture(name, &b->paint.picture); }},
+    {QT_TRANSLATE_NOOP("BrushesPanel", "Stencil"), QT_TRANSLATE_NOOP("BrushesPanel", "A sheet on the screen to paint through, where a picture has alpha or ink. Ctrl+Shift and a drag moves it, the wheel makes it larger, the right button turns it"), QT_TRANSLATE_NOOP("BrushesPanel", "None"), true, [](const Brush &b) { return nameOf(b.paint.stencil); }, [](const QString &name, Brush *b) { return BrushPresets::readStamp(name, &b->paint.stencil); }},
+};
+
+// clang-format on
 
 void tell(const OssResult &result)
 {
@@ -51,8 +74,6 @@ BrushesPanel::BrushesPanel(QWidget *parent)
     , m_shelf(new QListWidget(this))
     , m_name(new QLineEdit(this))
     , m_remove(new QToolButton(this))
-    , m_size(new QComboBox(this))
-    , m_stamp(new QComboBox(this))
 {
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins(4, 4, 4, 4);
@@ -180,16 +201,8 @@ QWidget *BrushesPanel::makeFields()
 {
     auto *body = new QWidget(this);
     auto *form = new QFormLayout(body);
-    m_size->addItems({tr("Texels"), tr("Pixels of the screen"), tr("The object's world")});
-    m_size->setAccessibleName(tr("Size in"));
-    m_size->setToolTip(tr("What the brush's size is counted in"));
-    connect(m_size, qOverload<int>(&QComboBox::activated), this, &BrushesPanel::chooseSize);
-    form->addRow(tr("Size in"), m_size);
-    m_stamp->setAccessibleName(tr("Stamp"));
-    m_stamp->setToolTip(
-        tr("The shape of a dab: round, or as a picture says by its alpha or its ink"));
-    connect(m_stamp, qOverload<int>(&QComboBox::activated), this, &BrushesPanel::chooseStamp);
-    form->addRow(tr("Stamp"), m_stamp);
+    addChoices(form);
+    addPictures(form);
     addNumbers(form);
     addSwitches(form);
     auto *scroll = new QScrollArea(this);
@@ -237,32 +250,66 @@ void BrushesPanel::addSwitches(QFormLayout *form)
     }
 }
 
+void BrushesPanel::addChoices(QFormLayout *form)
+{
+    for (const BrushFields::Choice &choice : BrushFields::choices()) {
+        auto *box = new QComboBox(this);
+        box->addItems(BrushFields::words(choice.words));
+        box->setAccessibleName(words(choice.name));
+        box->setToolTip(words(choice.tip));
+        form->addRow(words(choice.name), box);
+        connect(box, qOverload<int>(&QComboBox::activated), this, [this, choice](int index) {
+            edit([&](Brush &brush) { choice.set(brush, index); });
+        });
+        m_show.append(
+            [box, choice](const Brush &brush) { box->setCurrentIndex(choice.get(brush)); });
+    }
+}
+
+void BrushesPanel::addPictures(QFormLayout *form)
+{
+    for (const PictureField &field : pictureFields) {
+        auto *box = new QComboBox(this);
+        box->setAccessibleName(tr(field.name));
+        box->setToolTip(tr(field.tip));
+        form->addRow(tr(field.name), box);
+        const auto show = [box, field](const Brush &brush) {
+            const QString used = field.used(brush);
+            box->clear();
+            box->addItem(tr(field.none), QString());
+            const QStringList names = field.hasShapes ? BrushPresets::stamps() : QStringList();
+            for (const QString &name : names)
+                box->addItem(QCoreApplication::translate("BrushPresets", qPrintable(name)), name);
+            if (box->findData(used) < 0)
+                box->addItem(QFileInfo(used).fileName(), used);
+            box->setCurrentIndex(box->findData(used));
+            box->addItem(tr("From file..."));
+        };
+        m_show.append(show);
+        connect(box, qOverload<int>(&QComboBox::activated), this,
+                [this, box, field, show](int index) {
+                    QString name = box->itemData(index).toString();
+                    if (index == box->count() - 1)
+                        name = OssFileDialog::getOpenFileName(
+                            tr(field.name),
+                            tr("Pictures (*.png *.tif *.tiff *.exr *.jpg *.jpeg *.tga *.webp)"),
+                            stampPathKey, this);
+                    Brush brush = Brushes::instance()->current();
+                    const bool isGivenUp = name.isEmpty() && index != 0;
+                    const OssResult read = isGivenUp ? OssResult() : field.take(name, &brush);
+                    tell(read);
+                    if (read && !isGivenUp)
+                        Brushes::instance()->edit(brush);
+                    show(Brushes::instance()->current());
+                });
+    }
+}
+
 void BrushesPanel::edit(const std::function<void(Brush &)> &change)
 {
     Brush brush = Brushes::instance()->current();
     change(brush);
-    Brushes::instance()->take(brush);
-}
-
-void BrushesPanel::chooseSize(int unit)
-{
-    edit([&](Brush &brush) { brush.paint.sizeIn = OssEvBrush::SizeIn(unit); });
-}
-
-void BrushesPanel::chooseStamp(int index)
-{
-    QString name = m_stamp->itemData(index).toString();
-    if (index == m_stamp->count() - 1)
-        name = OssFileDialog::getOpenFileName(
-            tr("Stamp"), tr("Pictures (*.png *.tif *.tiff *.exr *.jpg *.jpeg *.tga *.webp)"),
-            stampPathKey, this);
-    OssEvStamp::Pointer stamp;
-    const bool isGivenUp = name.isEmpty() && index != 0;
-    const OssResult read = isGivenUp ? OssResult() : BrushPresets::readStamp(name, &stamp);
-    tell(read);
-    if (read && !isGivenUp)
-        edit([&](Brush &brush) { brush.paint.stamp = stamp; });
-    showStamp();
+    Brushes::instance()->edit(brush);
 }
 
 void BrushesPanel::showBrush()
@@ -272,21 +319,4 @@ void BrushesPanel::showBrush()
     const Brush &brush = Brushes::instance()->current();
     for (const auto &show : m_show)
         show(brush);
-    m_size->setCurrentIndex(int(brush.paint.sizeIn));
-    showStamp();
-}
-
-void BrushesPanel::showStamp()
-{
-    const OssEvStamp::Pointer &stamp = Brushes::instance()->brush().stamp;
-    const QString used = stamp ? QString::fromStdString(stamp->name()) : QString();
-    m_stamp->clear();
-    m_stamp->addItem(tr("Round"), QString());
-    const QStringList names = BrushPresets::stamps();
-    for (const QString &name : names)
-        m_stamp->addItem(QCoreApplication::translate("BrushPresets", qPrintable(name)), name);
-    if (m_stamp->findData(used) < 0)
-        m_stamp->addItem(QFileInfo(used).fileName(), used);
-    m_stamp->setCurrentIndex(m_stamp->findData(used));
-    m_stamp->addItem(tr("From file..."));
 }

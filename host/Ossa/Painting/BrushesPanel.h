@@ -30,22 +30,19 @@ private:
     QWidget *makeFields();
     void addNumbers(QFormLayout *form);
     void addSwitches(QFormLayout *form);
+    void addChoices(QFormLayout *form);
+    void addPictures(QFormLayout *form);
     void fillShelf();
     void takeFromShelf(int row);
     void keep();
     void removeKept();
-    void chooseSize(int unit);
-    void chooseStamp(int index);
     void showBrush();
-    void showStamp();
     /// Changes the brush in hand.
     void edit(const std::function<void(Brush &)> &change);
 
     QListWidget *m_shelf;
     QLineEdit *m_name;
     QToolButton *m_remove;
-    QComboBox *m_size;
-    QComboBox *m_stamp;
     QVector<std::function<void(Brush)>> m_show; ///< one for each field
     bool m_isShown = false;
 };

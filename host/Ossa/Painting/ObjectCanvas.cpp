@@ -33,6 +33,7 @@ ObjectCanvas::ObjectCanvas(PaintSession *session, QObject *parent)
     , m_session(session)
 {
     connect(session, &PaintSession::stateChanged, this, &ObjectCanvas::prepare);
+    connect(session->surfaces(), &PaintSurfaces::ready, this, &ObjectCanvas::adopt);
     m_rest.setSingleShot(true);
     m_rest.setInterval(restTime);
     connect(&m_rest, &QTimer::timeout, this, &ObjectCanvas::prepareDepths);
@@ -40,10 +41,8 @@ ObjectCanvas::ObjectCanvas(PaintSession *session, QObject *parent)
 
 ObjectCanvas::~ObjectCanvas()
 {
-    for (const auto &thread : {m_thread.get(), m_depthThread.get()}) {
-        if (thread)
-            thread->wait();
-    }
+    if (m_depthThread)
+        m_depthThread->wait();
 }
 
 void ObjectCanvas::setActive(bool on)
@@ -53,7 +52,6 @@ void ObjectCanvas::setActive(bool on)
         prepare();
         return;
     }
-    m_surface.reset();
     m_depths.reset();
     m_lastEnd.reset();
 }
@@ -65,6 +63,8 @@ void ObjectCanvas::setMesh(const std::shared_ptr<const OssEvMesh> &mesh)
     m_mesh = mesh;
     m_depths.reset();
     m_lastEnd.reset();
+    m_cloneSource.reset();
+    m_cloneWay.reset();
     prepare();
 }
 
@@ -78,6 +78,7 @@ void ObjectCanvas::setView(const QMatrix4x4 &camera, const QMatrix4x4 &projectio
     m_size = size;
     m_frame.reset();
     m_depths.reset();
+    m_cloneWay.reset();
     m_rest.start();
 }
 
@@ -85,44 +86,20 @@ void ObjectCanvas::setView(const QMatrix4x4 &camera, const QMatrix4x4 &projectio
 
 std::shared_ptr<OssEvPaintSurface> ObjectCanvas::surface() const
 {
-    const bool fits = m_surface && m_surface->mesh() == m_mesh
-                      && m_surface->resolution() == m_session->texelsAcross();
-    return fits ? m_surface : nullptr;
+    return m_isActive && m_session->mesh() == m_mesh ? m_session->surface() : nullptr;
 }
 
 void ObjectCanvas::prepare()
 {
-    if (!m_isActive || !m_mesh || m_thread || surface() || m_session->mesh() != m_mesh)
-        return;
-    auto made = std::make_shared<std::shared_ptr<OssEvPaintSurface>>();
-    m_thread.reset(QThread::create([made, mesh = m_mesh, resolution = m_session->texelsAcross()] {
-        try {
-            *made = std::make_shared<OssEvPaintSurface>(mesh, resolution);
-        } catch (const std::bad_alloc &) {
-            made->reset();
-        }
-    }));
-    connect(m_thread.get(), &QThread::finished, this, [this, made] {
-        m_thread->wait();
-        m_thread.release()->deleteLater(); // it is still telling
-        adopt(std::move(*made));
-    });
-    m_thread->start();
+    if (m_isActive && m_mesh && m_session->mesh() == m_mesh)
+        m_session->wantSurface();
 }
 
-void ObjectCanvas::adopt(std::shared_ptr<OssEvPaintSurface> surface)
+void ObjectCanvas::adopt()
 {
-    if (!surface) {
-        OssStatusManager::instance()->showMessage(
-            tr("There is no memory left to paint on the object"));
+    if (!isReady())
         return;
-    }
-    m_surface = std::move(surface);
     m_depths.reset();
-    if (!isReady()) {
-        prepare(); // it is another one meanwhile
-        return;
-    }
     prepareDepths();
     Q_EMIT ready();
 }
@@ -135,7 +112,7 @@ void ObjectCanvas::prepareDepths()
     auto made = std::make_shared<std::shared_ptr<const OssEvPaintView>>();
     const QMatrix4x4 toClip = m_toClip;
     const QSize size = m_size;
-    m_depthThread.reset(QThread::create([made, surface = m_surface, toClip, size] {
+    m_depthThread.reset(QThread::create([made, surface = surface(), toClip, size] {
         try {
             *made = std::make_shared<OssEvPaintView>(surface.get(), toMatrix(toClip), size.width(),
                                                      size.height());
@@ -143,10 +120,10 @@ void ObjectCanvas::prepareDepths()
             made->reset(); // who paints hears of it
         }
     }));
-    connect(m_depthThread.get(), &QThread::finished, this, [=, surface = m_surface] {
+    connect(m_depthThread.get(), &QThread::finished, this, [=, used = surface()] {
         m_depthThread->wait();
         m_depthThread.release()->deleteLater();
-        if (toClip == m_toClip && size == m_size && surface == m_surface)
+        if (toClip == m_toClip && size == m_size && used == surface())
             m_depths = m_depths ? m_depths : *made;
         else
             m_rest.start();
@@ -174,18 +151,49 @@ QPointF ObjectCanvas::flipped(const QPointF &place) const
 
 // --- strokes
 
+PaintStart ObjectCanvas::startAt(const QPointF &place, double pressure)
+{
+    PaintStart start(place, pressure);
+    const QTransform toWidget(1.0, 0.0, 0.0, -1.0, 0.0, m_size.height());
+    start.toSheet = toWidget * Brushes::instance()->sheet().fromView(m_size);
+    if (!m_cloneWay && m_cloneSource) {
+        if (const auto source = frame().project(*m_cloneSource))
+            m_cloneWay = QPointF(double(source->x), double(source->y)) - place;
+    }
+    start.cloneFrom = m_cloneWay;
+    return start;
+}
+
 ObjectCanvas::Press ObjectCanvas::begin(const QPointF &from, double pressure)
 {
     if (!m_depths)
-        m_depths = makeView(m_surface.get());
+        m_depths = makeView(surface().get());
     const QPointF place = flipped(from);
-    if (!OssEvSurfaceStroke::touchAt(*m_surface, *m_depths, Brushes::instance()->brush(), place.x(),
+    if (!OssEvSurfaceStroke::touchAt(*surface(), *m_depths, Brushes::instance()->brush(), place.x(),
                                      place.y()))
         return Press::Beside;
-    return m_session->beginOn(m_surface, m_depths, place, pressure) ? Press::Begun : Press::Refused;
+    return m_session->beginOn(m_depths, startAt(place, pressure)) ? Press::Begun : Press::Refused;
 }
 
-ObjectCanvas::Press ObjectCanvas::press(const QPointF &place, double pressure)
+ObjectCanvas::Press ObjectCanvas::fill(const QPointF &place, const std::optional<QPointF> &end)
+{
+    if (check() == Press::Refused)
+        return Press::Refused;
+    try {
+        if (!m_depths)
+            m_depths = makeView(surface().get());
+    } catch (const std::bad_alloc &) {
+        OssStatusManager::instance()->showMessage(tr("There is no memory left to paint"));
+        return Press::Refused;
+    }
+    const QPointF at = flipped(place);
+    if (!surface()->pick(frame().eye(), frame().ray(at.x(), at.y())))
+        return Press::Beside;
+    const std::optional<QPointF> to = end ? std::optional(flipped(*end)) : std::nullopt;
+    return m_session->fillOn(m_depths, startAt(at, 1.0), to) ? Press::Begun : Press::Refused;
+}
+
+ObjectCanvas::Press ObjectCanvas::check()
 {
     const auto tell = [](const QString &what) {
         OssStatusManager::instance()->showMessage(what);
@@ -195,17 +203,24 @@ ObjectCanvas::Press ObjectCanvas::press(const QPointF &place, double pressure)
         return tell(tr("There is nothing to paint on: \"New\" makes a paint node"));
     if (m_session->mesh() != m_mesh)
         return tell(tr("What is painted on is not the object that is seen"));
-    if (!surface()) {
-        prepare();
-        return tell(tr("The object is being made ready to be painted on"));
-    }
+    if (surface())
+        return Press::Begun;
+    prepare();
+    return tell(tr("The object is being made ready to be painted on"));
+}
+
+ObjectCanvas::Press ObjectCanvas::press(const QPointF &place, double pressure)
+{
+    if (check() == Press::Refused)
+        return Press::Refused;
     try {
         const Press pressed = begin(place, pressure);
         if (pressed == Press::Begun)
             noteEnd(place);
         return pressed;
     } catch (const std::bad_alloc &) {
-        return tell(tr("There is no memory left to paint"));
+        OssStatusManager::instance()->showMessage(tr("There is no memory left to paint"));
+        return Press::Refused;
     }
 }
 
@@ -230,9 +245,37 @@ void ObjectCanvas::move(const QPointF &place, double pressure)
 void ObjectCanvas::noteEnd(const QPointF &place)
 {
     const QPointF at = flipped(place);
-    const auto hit = m_surface->pick(frame().eye(), frame().ray(at.x(), at.y()));
+    const std::shared_ptr<OssEvPaintSurface> object = surface();
+    if (!object)
+        return;
+    const auto hit = object->pick(frame().eye(), frame().ray(at.x(), at.y()));
     if (hit)
         m_lastEnd = hit->place;
+}
+
+// --- cloning
+
+bool ObjectCanvas::setCloneSource(const QPointF &place)
+{
+    const std::shared_ptr<OssEvPaintSurface> object = surface();
+    const QPointF at = flipped(place);
+    const auto hit = object ? object->pick(frame().eye(), frame().ray(at.x(), at.y()))
+                            : std::nullopt;
+    if (!hit)
+        return false;
+    m_cloneSource = hit->place;
+    m_cloneWay.reset();
+    return true;
+}
+
+std::optional<QPointF> ObjectCanvas::cloneSource(const QPointF &place)
+{
+    if (m_cloneWay)
+        return flipped(flipped(place) + *m_cloneWay);
+    const auto source = m_cloneSource ? frame().project(*m_cloneSource) : std::nullopt;
+    if (!source)
+        return std::nullopt;
+    return flipped({double(source->x), double(source->y)});
 }
 
 // --- what is under the pointer

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Ossa/Painting/PaintStart.h"
 #include "OssEvaluation/Paint/OssEvSurfaceStroke.h"
 
 #include <QMatrix4x4>
@@ -46,6 +47,13 @@ public:
     /// A straight line from where the last stroke ended; as press() where there was none.
     Press pressLine(const QPointF &place, double pressure = 1.0);
     void move(const QPointF &place, double pressure = 1.0);
+    /// Fills as the brush says, or along a line.
+    Press fill(const QPointF &place, const std::optional<QPointF> &end = std::nullopt);
+
+    /// Chooses whose colours are cloned; false beside the object.
+    bool setCloneSource(const QPointF &place);
+    /// Where these are seen; while a stroke clones, whose colours the brush lays down at a place.
+    std::optional<QPointF> cloneSource(const QPointF &place);
 
     /// The brush's outline as it would touch the object; empty where it does not.
     QPolygonF outline(const QPointF &place, double part = 1.0);
@@ -60,8 +68,11 @@ private:
     std::shared_ptr<OssEvPaintSurface> surface() const;
     void prepare();
     void prepareDepths();
-    void adopt(std::shared_ptr<OssEvPaintSurface> surface);
+    void adopt();
+    /// Refused, with a word to the user, when nothing can be painted.
+    Press check();
     Press begin(const QPointF &from, double pressure);
+    PaintStart startAt(const QPointF &place, double pressure);
     std::shared_ptr<const OssEvPaintView> makeView(const OssEvPaintSurface *surface) const;
     const OssEvPaintView &frame();
     QPointF flipped(const QPointF &place) const;
@@ -70,13 +81,13 @@ private:
     PaintSession *m_session;
     bool m_isActive = false;
     std::shared_ptr<const OssEvMesh> m_mesh;
-    std::shared_ptr<OssEvPaintSurface> m_surface;
-    std::unique_ptr<QThread> m_thread;      ///< that makes a surface
     std::unique_ptr<QThread> m_depthThread; ///< that looks how deep what is seen lies
     QTimer m_rest;                          ///< since the view moved
     QMatrix4x4 m_toClip;
     QSize m_size;
     std::shared_ptr<const OssEvPaintView> m_frame; ///< without depths; null: made when asked for
     std::shared_ptr<const OssEvPaintView> m_depths;
-    std::optional<glm::vec3> m_lastEnd; ///< of the last stroke, on the surface
+    std::optional<glm::vec3> m_lastEnd;     ///< of the last stroke, on the surface
+    std::optional<glm::vec3> m_cloneSource; ///< on the surface
+    std::optional<QPointF> m_cloneWay;      ///< to it, as the view is; none: strokes begin with it
 };

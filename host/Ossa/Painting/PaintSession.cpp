@@ -92,6 +92,8 @@ void PaintSession::forget()
     m_buffer.clear();
     m_images = nullptr;
     m_node = nullptr;
+    m_ground.reset();
+    m_surfaces.forget();
     m_lastPlace.reset();
     Q_EMIT stateChanged();
 }
@@ -191,11 +193,11 @@ double PaintSession::texelsInWorld() const
 
 // --- strokes
 
-bool PaintSession::start(const MakeStroke &make)
+bool PaintSession::makeRoom()
 {
     end();
     const OssSnImageSetNodeBase *painted = node();
-    if (!painted || m_isBaking)
+    if (!painted || m_isBusy)
         return false;
     OssImageSet *images = painted->imageSet();
     if (!m_buffer.isEmpty() && m_images != images && !settle())
@@ -204,45 +206,36 @@ bool PaintSession::start(const MakeStroke &make)
         m_images = images;
         m_buffer = OssEvPaintBuffer(resolutionOf(images));
     }
-    m_stroke = make();
+    return true;
+}
+
+bool PaintSession::start(const MakeStroke &make)
+{
+    if (!makeRoom())
+        return false;
+    m_stroke = make(&m_buffer);
     if (!m_stroke)
         return false;
-    m_macro = std::make_unique<OssUndoManager::AutoMacro>(brush().erases ? tr("Erase Paint")
-                                                                         : tr("Paint Stroke"));
+    m_macro = std::make_unique<OssUndoManager::AutoMacro>(stepName());
     m_everyMove = std::make_unique<EveryMove>();
     return true;
 }
 
-bool PaintSession::begin(const QPointF &place, double pressure, double pixel)
+bool PaintSession::begin(const PaintStart &from)
 {
-    const bool started = start([&] {
-        const QList<int> patches = OssEvaluationService::instance()->patches(
-            node()->network()->geoEntity());
-        OssEvBrush flat = brush();
-        flat.radius = flatRadius(pixel);
-        return std::make_unique<OssEvFlatStroke>(
-            &m_buffer, flat, std::vector<int>(patches.cbegin(), patches.cend()));
-    });
-    if (!started)
+    if (!start(flatStroke(from)))
         return false;
-    m_lastPlace = place;
-    moveTo(place, pressure);
+    m_lastPlace = from.place;
+    moveTo(from.place, from.pressure);
     return true;
 }
 
-bool PaintSession::beginOn(const std::shared_ptr<OssEvPaintSurface> &surface,
-                           const OssEvSurfaceStroke::ViewPointer &view, const QPointF &place,
-                           double pressure)
+bool PaintSession::beginOn(const OssEvSurfaceStroke::ViewPointer &view, const PaintStart &from)
 {
-    const bool started = start([&]() -> std::unique_ptr<OssEvStroke> {
-        if (surface->mesh() != mesh() || surface->resolution() != m_buffer.resolution())
-            return nullptr;
-        return std::make_unique<OssEvSurfaceStroke>(&m_buffer, brush(), surface, view);
-    });
-    if (!started)
+    if (!start(objectStroke(view, from)))
         return false;
     m_lastPlace.reset(); // it is no place of a patch
-    moveTo(place, pressure);
+    moveTo(from.place, from.pressure);
     return true;
 }
 
@@ -259,6 +252,11 @@ void PaintSession::paint(const std::function<OssEvStroke::Areas()> &step)
 {
     try {
         tellAreas(step());
+        if (m_ground && !m_ground->state() && m_stroke) {
+            cancel();
+            OssStatusManager::instance()->showMessage(
+                QString::fromStdString(m_ground->state().error()));
+        }
     } catch (const std::bad_alloc &) {
         cancel();
         OssStatusManager::instance()->showMessage(tr("There is no memory left to paint"));
@@ -284,16 +282,23 @@ void PaintSession::end()
     const std::vector<OssEvStroke::Change> changes = m_stroke->changes();
     m_stroke.reset();
     m_everyMove.reset();
+    finishStep(changes);
+}
+
+/// The step in hand ends with these changes of the buffer.
+void PaintSession::finishStep(const std::vector<OssEvStroke::Change> &changes)
+{
     noteChange();
     const bool isLarge = m_buffer.bytes() > bufferBytes;
     const QMap<int, QString> pixels = m_images->pixels();
-    const bool erasesImages = brush().erases && m_bakesErasing
-                              && std::any_of(changes.cbegin(), changes.cend(), [&](const auto &c) {
-                                     return pixels.contains(c.place.patch);
-                                 });
+    const bool changesImages = (brush().erases() || brush().looksBeneath()) && m_bakesErasing
+                               && std::any_of(changes.cbegin(), changes.cend(),
+                                              [&](const auto &change) {
+                                                  return pixels.contains(change.place.patch);
+                                              });
     if (!changes.empty())
         record(changes, PaintStep::Stroke);
-    const OssResult baked = isLarge || erasesImages ? bake() : OssResult();
+    const OssResult baked = isLarge || changesImages ? bake() : OssResult();
     m_macro.reset();
     Tiles now;
     for (const OssEvStroke::Change &change : changes)
@@ -330,14 +335,19 @@ void PaintSession::setTiles(OssImageSet *images, int resolution, const Tiles &ti
         m_buffer.setTile(entry.first, entry.second);
     noteChange();
     keep(tiles);
-    const double size = double(OssEvPaintTile::Size) / resolution;
+    if (notice == Show)
+        tellTiles(tiles);
+    Q_EMIT stateChanged();
+}
+
+void PaintSession::tellTiles(const Tiles &tiles)
+{
+    const double size = double(OssEvPaintTile::Size) / m_buffer.resolution();
     for (const auto &entry : tiles) {
         const OssEvPaintBuffer::Place &place = entry.first;
-        if (notice == Show)
-            Q_EMIT painted(place.patch, QRectF(place.x * size, place.y * size, size, size)
-                                            & QRectF(0.0, 0.0, 1.0, 1.0));
+        Q_EMIT painted(place.patch, QRectF(place.x * size, place.y * size, size, size)
+                                        & QRectF(0.0, 0.0, 1.0, 1.0));
     }
-    Q_EMIT stateChanged();
 }
 
 void PaintSession::record(const std::vector<OssEvStroke::Change> &changes, int kind)
@@ -369,12 +379,12 @@ void PaintSession::clear()
 OssResult PaintSession::bake()
 {
     end();
-    if (m_buffer.isEmpty() || !m_images || m_isBaking)
+    if (m_buffer.isEmpty() || !m_images || m_isBusy)
         return {};
     QMap<int, QString> pixels;
-    m_isBaking = true;
+    m_isBusy = true;
     const OssResult composed = m_composer.compose(m_buffer, m_images, &pixels);
-    m_isBaking = false;
+    m_isBusy = false;
     if (!composed || m_buffer.isEmpty() || !m_images)
         return composed;
     const OssUndoManager::AutoMacro macro(tr("Bake Paint"));
@@ -450,6 +460,6 @@ void PaintSession::composeInAdvance()
 {
     if (m_buffer.isEmpty() || !m_images)
         return;
-    if (m_isBaking || m_stroke || !m_composer.start(m_buffer, m_images))
+    if (m_isBusy || m_stroke || !m_composer.start(m_buffer, m_images))
         m_rest.start();
 }

@@ -2,6 +2,8 @@
 
 #include "Ossa/Painting/PaintComposer.h"
 #include "Ossa/Painting/PaintJournal.h"
+#include "Ossa/Painting/PaintStart.h"
+#include "Ossa/Painting/PaintSurfaces.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssCore/Values/OssResult.h"
 #include "OssEvaluation/Paint/OssEvSurfaceStroke.h"
@@ -61,17 +63,28 @@ public:
     /// Texels across a patch of the paint.
     int texelsAcross() const;
 
+    // --- the surface of mesh() in texels of texelsAcross()
+    PaintSurfaces *surfaces() { return &m_surfaces; }
+
+    /// Null until it is ready.
+    std::shared_ptr<OssEvPaintSurface> surface() const;
+    void wantSurface();
+
     // --- strokes; places in patches, v upwards, or as the view of an object has them
-    /// False when there is nothing to paint on. A pixel of the screen takes so many texels.
-    bool begin(const QPointF &place, double pressure = 1.0, double pixel = 1.0);
-    /// False also where the surface is not that of mesh() in texels of texelsAcross().
-    bool beginOn(const std::shared_ptr<OssEvPaintSurface> &surface,
-                 const OssEvSurfaceStroke::ViewPointer &view, const QPointF &place,
-                 double pressure = 1.0);
+    /// False when there is nothing to paint on, or the brush cannot be used there: the user knows why.
+    bool begin(const PaintStart &start);
+    /// False also where the surface is not ready.
+    bool beginOn(const OssEvSurfaceStroke::ViewPointer &view, const PaintStart &start);
     void moveTo(const QPointF &place, double pressure = 1.0);
     void end();
     /// Takes the stroke in hand back.
     void cancel();
+
+    /// Covers all that the brush may paint on, or does so along a line; on a worker, while other events go
+    /// on. As begin() and beginOn().
+    bool fill(const PaintStart &start, const std::optional<QPointF> &end = std::nullopt);
+    bool fillOn(const OssEvSurfaceStroke::ViewPointer &view, const PaintStart &start,
+                const std::optional<QPointF> &end = std::nullopt);
 
     bool isPainting() const { return m_stroke != nullptr; }
 
@@ -102,17 +115,28 @@ private:
         Quietly, ///< the pictures show what becomes of it already
     };
 
-    using MakeStroke = std::function<std::unique_ptr<OssEvStroke>()>;
+    using MakeStroke = std::function<std::unique_ptr<OssEvStroke>(OssEvPaintBuffer *)>;
 
+    /// Gets the buffer ready for a stroke.
+    bool makeRoom();
     /// Gets ready for a stroke, which is made when the buffer is.
     bool start(const MakeStroke &make);
+    MakeStroke flatStroke(const PaintStart &start);
+    MakeStroke objectStroke(const OssEvSurfaceStroke::ViewPointer &view, const PaintStart &start);
+    OssEvBrush brushAt(const PaintStart &start) const;
+    void lookBeneath();
+    static QString stepName();
+    bool fillWith(const MakeStroke &make, const std::optional<OssEvStroke::Line> &line);
+    void finishStep(const std::vector<OssEvStroke::Change> &changes);
     double texelsInWorld() const;
     bool settle();
     /// False, and the user knows why, when it failed.
     bool bakeOrTell();
     void paint(const std::function<OssEvStroke::Areas()> &step);
-    void tellAreas(const OssEvStroke::Areas &areas);
     using Tiles = PaintJournal::Tiles;
+
+    void tellAreas(const OssEvStroke::Areas &areas);
+    void tellTiles(const Tiles &tiles);
 
     /// For the steps of the history.
     PaintTileStore *tiles() const { return m_tiles.get(); }
@@ -134,6 +158,9 @@ private:
     std::shared_ptr<PaintTileStore> m_tiles;
     PaintJournal m_journal;
     PaintComposer m_composer;
+    PaintSurfaces m_surfaces;
+    std::shared_ptr<OssEvPaintGround>
+        m_ground;  ///< of what is painted on, for brushes that look there
     QTimer m_rest; ///< since the last change of the paint
     std::unique_ptr<OssEvStroke> m_stroke;
     std::unique_ptr<EveryMove> m_everyMove;             ///< during a stroke
@@ -143,6 +170,6 @@ private:
     mutable double m_meanTexel = 0.0;     ///< of what was measured, in a patch of one texel
     mutable QHash<QString, int> m_widths; ///< of pixel files, which never change
     bool m_bakesErasing = false;
-    bool m_isBaking = false;
+    bool m_isBusy = false;     ///< baking or filling: no stroke may begin
     bool m_wasRefused = false; ///< the user left the paint out, and it has not changed since
 };

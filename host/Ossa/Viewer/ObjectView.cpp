@@ -205,7 +205,7 @@ void ObjectView::mouseMoveEvent(QMouseEvent *event)
 {
     const QPointF way = QPointF(event->pos() - m_last) / std::min(width(), height());
     m_last = event->pos();
-    if (paintMove(*event) || !m_isTurning)
+    if (sheetMove(*event) || paintMove(*event) || !m_isTurning)
         return;
     m_isMoving = event->buttons() & (Qt::LeftButton | Qt::MiddleButton);
     if ((event->buttons() & Qt::LeftButton) && (event->modifiers() & Qt::ShiftModifier))
@@ -222,7 +222,8 @@ void ObjectView::mouseMoveEvent(QMouseEvent *event)
 void ObjectView::mouseReleaseEvent(QMouseEvent *event)
 {
     if (m_isPainted && event->button() == Qt::LeftButton)
-        m_session->end();
+        paintRelease(event->localPos());
+    m_sheetHand.release();
     if (!m_isMoving)
         return;
     m_isMoving = false;
@@ -231,6 +232,8 @@ void ObjectView::mouseReleaseEvent(QMouseEvent *event)
 
 void ObjectView::wheelEvent(QWheelEvent *event)
 {
+    if (m_isPainted && SheetHand::wheel(*event))
+        return;
     m_camera.zoom(float(std::pow(1.15, event->angleDelta().y() / 120.0)));
     redraw();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Ossa/Painting/BrushHand.h"
+#include "Ossa/Painting/SheetHand.h"
 #include "Ossa/Surfaces/LitRenderer.h"
 #include "Ossa/Surfaces/LitScene.h"
 #include "Ossa/Surfaces/ObjectCamera.h"
@@ -23,7 +24,7 @@ class ViewerPictures;
 /// turns what surrounds it. Where OpenGL cannot be had it says so.
 ///
 /// While one paints, the left button draws on the object: Shift goes on from the last stroke in a straight
-/// line, Ctrl picks the colour under the pointer, Escape takes the stroke in hand back. Alt and a drag, or
+/// line, Ctrl picks the colour under the pointer, or what is cloned, Escape takes the stroke in hand back. Alt and a drag, or
 /// a drag from beside the object, turns it.
 ///
 /// Draws only while it is seen. Light is drawn on a thread of its own. Pixels of patches that arrive are
@@ -117,7 +118,9 @@ private:
     void placeCanvas();
     bool paintPress(const QMouseEvent &event);
     bool paintMove(const QMouseEvent &event);
-    void pickColor(const QPointF &place);
+    bool sheetMove(const QMouseEvent &event);
+    void paintRelease(const QPointF &place);
+    void pick(const QPointF &place);
     void drawOutline(QPainter *painter);
 
     const ViewerPictures *m_pictures;
@@ -149,6 +152,8 @@ private:
     PaintSession *m_session = nullptr;
     std::unique_ptr<ObjectCanvas> m_canvas;
     BrushHand m_hand;
+    SheetHand m_sheetHand;
     std::optional<QPointF> m_pointer; ///< where the brush is shown
+    std::optional<QPointF> m_gradientFrom;
     bool m_isPainted = false;
 };

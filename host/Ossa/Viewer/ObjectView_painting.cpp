@@ -2,8 +2,10 @@
 
 #include "Ossa/Painting/Brushes.h"
 #include "Ossa/Painting/ObjectCanvas.h"
+#include "Ossa/Painting/PaintMarks.h"
 #include "Ossa/Painting/PaintSession.h"
 #include "Ossa/Viewer/ViewerPictures.h"
+#include "OssCore/Program/OssStatusManager.h"
 
 #include <QMouseEvent>
 #include <QPainter>
@@ -45,13 +47,22 @@ void ObjectView::placeCanvas()
 
 bool ObjectView::paintPress(const QMouseEvent &event)
 {
+    if (m_isPainted && m_sheetHand.press(event))
+        return true;
     if (!m_isPainted || event.button() != Qt::LeftButton || (event.modifiers() & Qt::AltModifier))
         return false;
     placeCanvas();
     if (event.modifiers() & Qt::ControlModifier) {
-        pickColor(event.localPos());
+        pick(event.localPos());
         return true;
     }
+    const OssEvBrush::Tool tool = Brushes::instance()->brush().tool;
+    if (tool == OssEvBrush::Tool::Gradient) {
+        m_gradientFrom = event.localPos();
+        return true;
+    }
+    if (tool == OssEvBrush::Tool::Fill)
+        return m_canvas->fill(event.localPos()) != ObjectCanvas::Press::Beside;
     const QPointF place = m_hand.begin(event.localPos());
     const ObjectCanvas::Press pressed = event.modifiers() & Qt::ShiftModifier
                                             ? m_canvas->pressLine(place, m_hand.pressure())
@@ -72,8 +83,31 @@ bool ObjectView::paintMove(const QMouseEvent &event)
     return true;
 }
 
-void ObjectView::pickColor(const QPointF &place)
+bool ObjectView::sheetMove(const QMouseEvent &event)
 {
+    return m_isPainted && m_sheetHand.move(event, size());
+}
+
+void ObjectView::paintRelease(const QPointF &place)
+{
+    m_session->end();
+    if (!m_gradientFrom)
+        return;
+    const QPointF from = *m_gradientFrom;
+    m_gradientFrom.reset();
+    update();
+    placeCanvas();
+    if (from != place && m_canvas->fill(from, place) == ObjectCanvas::Press::Beside)
+        OssStatusManager::instance()->showMessage(tr("A gradient begins on the object"));
+}
+
+void ObjectView::pick(const QPointF &place)
+{
+    if (Brushes::instance()->brush().tool == OssEvBrush::Tool::Clone) {
+        m_canvas->setCloneSource(place);
+        update();
+        return;
+    }
     const std::optional<QPointF> uv = m_canvas->uvAt(place);
     if (uv)
         Brushes::instance()->takeColor(m_pictures->colorAt(*uv));
@@ -88,10 +122,14 @@ void ObjectView::tabletEvent(QTabletEvent *event)
 
 void ObjectView::keyPressEvent(QKeyEvent *event)
 {
-    if (event->key() == Qt::Key_Escape && m_isPainted && m_session->isPainting())
+    if (event->key() == Qt::Key_Escape && m_isPainted
+        && (m_session->isPainting() || m_gradientFrom)) {
         m_session->cancel();
-    else
+        m_gradientFrom.reset();
+        update();
+    } else {
         QWidget::keyPressEvent(event);
+    }
 }
 
 void ObjectView::focusOutEvent(QFocusEvent *event)
@@ -117,9 +155,20 @@ void ObjectView::leaveEvent(QEvent *event)
 
 void ObjectView::drawOutline(QPainter *painter)
 {
-    if (!m_isPainted || !m_pointer || m_isMoving)
+    if (!m_isPainted)
+        return;
+    SheetHand::draw(painter, size());
+    if (!m_pointer || m_isMoving)
         return;
     placeCanvas();
+    if (m_gradientFrom)
+        PaintMarks::drawLine(painter, *m_gradientFrom, *m_pointer);
+    if (PaintMarks::hasNoOutline())
+        return;
+    if (Brushes::instance()->brush().tool == OssEvBrush::Tool::Clone) {
+        if (const auto source = m_canvas->cloneSource(*m_pointer))
+            PaintMarks::drawSource(painter, *source);
+    }
     const QPolygonF ring = m_canvas->outline(*m_pointer);
     if (ring.isEmpty())
         return;

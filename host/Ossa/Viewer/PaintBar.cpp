@@ -2,6 +2,7 @@
 
 #include "Ossa/Commands/Commands.h"
 #include "Ossa/Painting/Brushes.h"
+#include "Ossa/Painting/BrushFields.h"
 #include "Ossa/Painting/PaintSession.h"
 #include "Ossa/Viewer/ViewerSource.h"
 #include "OssCore/Undo/OssUndoManager.h"
@@ -99,7 +100,6 @@ PaintBar::PaintBar(PaintSession *session, const ViewerSource *source, QWidget *p
     , m_size(new QDoubleSpinBox(this))
     , m_hardness(makeField(tr("Hard "), tr(" %"), 0, hundred, tr("Hardness of the edge")))
     , m_opacity(makeField(tr("Opacity "), tr(" %"), 1, hundred, tr("Opacity of a stroke")))
-    , m_eraser(new QToolButton(this))
     , m_clear(new QToolButton(this))
     , m_bake(new QToolButton(this))
     , m_hint(new QLabel(this))
@@ -109,6 +109,7 @@ PaintBar::PaintBar(PaintSession *session, const ViewerSource *source, QWidget *p
     layout->setSpacing(4);
     layout->addLayout(makeNodeRow());
     layout->addLayout(makeBrushRow());
+    layout->addLayout(makeToolRow());
     m_hint->setObjectName(QStringLiteral("Muted"));
     m_hint->setWordWrap(true);
     layout->addWidget(m_hint);
@@ -158,9 +159,6 @@ QHBoxLayout *PaintBar::makeBrushRow()
     m_color->setToolTip(tr("Color of the brush (Ctrl and click picks one from the picture)"));
     m_color->setAccessibleName(tr("Color of the brush"));
     connect(m_color, &QToolButton::clicked, this, &PaintBar::pickColor);
-    m_eraser->setText(tr("Eraser"));
-    m_eraser->setCheckable(true);
-    Commands::describe(m_eraser, {command("Toggle Eraser")});
     m_size->setPrefix(tr("Size "));
     m_size->setAccessibleName(tr("Across"));
     Commands::describe(m_size, {command("Smaller Brush"), command("Larger Brush")},
@@ -175,15 +173,44 @@ QHBoxLayout *PaintBar::makeBrushRow()
     });
     Commands::describe(m_hardness, {command("Softer Brush"), command("Harder Brush")},
                        m_hardness->accessibleName());
-    connect(m_eraser, &QToolButton::toggled, this, &PaintBar::applyBrush);
     row->addWidget(m_color);
     row->addWidget(m_size);
     for (QSpinBox *field : {m_hardness, m_opacity}) {
         row->addWidget(field);
         connect(field, qOverload<int>(&QSpinBox::valueChanged), this, &PaintBar::applyBrush);
     }
-    row->addWidget(m_eraser);
     row->addWidget(brushes);
+    row->addStretch(1);
+    return row;
+}
+
+QHBoxLayout *PaintBar::makeToolRow()
+{
+    auto *row = new QHBoxLayout;
+    row->setSpacing(4);
+    for (const auto at :
+         {BrushFields::ToolChoice, BrushFields::BlendChoice, BrushFields::WithinChoice}) {
+        const BrushFields::Choice &choice = BrushFields::choices().at(at);
+        auto *box = new QComboBox(this);
+        box->addItems(BrushFields::words(choice.words));
+        box->setAccessibleName(BrushFields::words(choice.name));
+        box->setToolTip(BrushFields::words(choice.tip));
+        if (at == BrushFields::ToolChoice)
+            Commands::describe(box,
+                               {command("Toggle Eraser"), command("Toggle Clone"),
+                                command("Toggle Smear"), command("Toggle Blur"),
+                                command("Toggle Fill"), command("Toggle Gradient")},
+                               box->toolTip());
+        connect(box, qOverload<int>(&QComboBox::activated), this, [this, choice](int index) {
+            Brush brush = Brushes::instance()->current();
+            choice.set(brush, index);
+            Brushes::instance()->edit(brush);
+            Q_EMIT chosen();
+        });
+        m_showChoices.append(
+            [box, choice] { box->setCurrentIndex(choice.get(Brushes::instance()->current())); });
+        row->addWidget(box);
+    }
     row->addStretch(1);
     return row;
 }
@@ -300,12 +327,12 @@ void PaintBar::bake()
 void PaintBar::showBrush()
 {
     const OssEvBrush &brush = Brushes::instance()->brush();
-    const QSignalBlocker blockers[] = {QSignalBlocker(m_hardness), QSignalBlocker(m_opacity),
-                                       QSignalBlocker(m_eraser)};
+    const QSignalBlocker blockers[] = {QSignalBlocker(m_hardness), QSignalBlocker(m_opacity)};
     showSize();
     m_hardness->setValue(int(std::lround(hundred * brush.hardness)));
     m_opacity->setValue(int(std::lround(hundred * brush.opacity)));
-    m_eraser->setChecked(brush.erases);
+    for (const auto &show : m_showChoices)
+        show();
     m_seen = OssDisplayColor::ofLinear(colorOf(brush));
     m_color->setIcon(swatch(m_seen));
 }
@@ -349,7 +376,6 @@ void PaintBar::applyBrush()
         radius = m_size->value() / 2.0;
     brush.hardness = double(m_hardness->value()) / hundred;
     brush.opacity = double(m_opacity->value()) / hundred;
-    brush.erases = m_eraser->isChecked();
     Brushes::instance()->setBrush(brush);
 }
 
@@ -362,6 +388,7 @@ void PaintBar::pickColor()
         return;
     const OssColor color = OssDisplayColor::toLinear(picked);
     brush.color = {float(color.red()), float(color.green()), float(color.blue())};
-    brush.erases = false;
+    if (brush.erases())
+        brush.tool = OssEvBrush::Tool::Brush;
     Brushes::instance()->setBrush(brush);
 }

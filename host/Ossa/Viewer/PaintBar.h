@@ -6,6 +6,7 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <functional>
 #include <optional>
 
 class OssSnBaseNode;
@@ -36,9 +37,14 @@ public:
     /// Tells the user when it fails.
     void bake();
 
+Q_SIGNALS:
+    /// The user is done with a choice and goes on painting.
+    void chosen();
+
 private:
     QHBoxLayout *makeNodeRow();
     QHBoxLayout *makeBrushRow();
+    QHBoxLayout *makeToolRow();
     QSpinBox *makeField(const QString &prefix, const QString &suffix, int least, int most,
                         const QString &name);
     void chooseNode(int index);
@@ -59,7 +65,7 @@ private:
     std::optional<OssEvBrush::SizeIn> m_sizeIn; ///< that the field is set up for
     QSpinBox *m_hardness;
     QSpinBox *m_opacity;
-    QToolButton *m_eraser;
+    QVector<std::function<void()>> m_showChoices; ///< one for each choice
     QToolButton *m_clear;
     QToolButton *m_bake;
     QLabel *m_hint;

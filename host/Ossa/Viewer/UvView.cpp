@@ -107,6 +107,11 @@ QPointF UvView::toUv(const QPointF &place) const
     return {way.x(), -way.y()};
 }
 
+QPointF UvView::fromUv(const QPointF &uv) const
+{
+    return m_origin + QPointF(uv.x(), -uv.y()) * m_scale;
+}
+
 void UvView::frameAll()
 {
     QRectF all;
@@ -168,6 +173,8 @@ void UvView::tellFocus()
 
 void UvView::wheelEvent(QWheelEvent *event)
 {
+    if (m_isPainting && SheetHand::wheel(*event))
+        return;
     const double wanted = m_scale * std::pow(1.25, event->angleDelta().y() / 120.0);
     const double factor = std::clamp(wanted, smallestScale, largestScale) / m_scale;
     m_origin = event->position() + (m_origin - event->position()) * factor;
@@ -180,6 +187,8 @@ void UvView::wheelEvent(QWheelEvent *event)
 void UvView::mousePressEvent(QMouseEvent *event)
 {
     m_last = event->pos();
+    if (m_isPainting && m_sheetHand.press(*event))
+        return;
     if (event->button() == Qt::LeftButton && isAtWipe(event->localPos())) {
         m_isWiping = true;
         return;
@@ -191,6 +200,10 @@ void UvView::mousePressEvent(QMouseEvent *event)
 
 void UvView::mouseMoveEvent(QMouseEvent *event)
 {
+    if (m_sheetHand.move(*event, size())) {
+        m_last = event->pos();
+        return;
+    }
     if (m_isWiping) {
         moveWipe(event->localPos());
     } else if (m_session->isPainting()) {
@@ -212,18 +225,22 @@ void UvView::mouseMoveEvent(QMouseEvent *event)
 
 void UvView::mouseReleaseEvent(QMouseEvent *event)
 {
+    m_sheetHand.release();
     if (event->button() != Qt::LeftButton)
         return;
     m_isWiping = false;
-    m_session->end();
+    paintRelease(event->localPos());
 }
 
 void UvView::keyPressEvent(QKeyEvent *event)
 {
-    if (event->key() == Qt::Key_Escape && m_session->isPainting())
+    if (event->key() == Qt::Key_Escape && (m_session->isPainting() || m_gradientFrom)) {
         m_session->cancel();
-    else
+        m_gradientFrom.reset();
+        update();
+    } else {
         QWidget::keyPressEvent(event);
+    }
 }
 
 void UvView::resizeEvent(QResizeEvent *)

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "Ossa/Painting/BrushHand.h"
+#include "Ossa/Painting/PaintStart.h"
+#include "Ossa/Painting/SheetHand.h"
 #include "OssModel/Objects/OssCanvasWidget.h"
 
 #include <QHash>
@@ -15,7 +17,7 @@ class ViewerPictures;
 /// them. Middle drag and Alt with left drag pan, the wheel zooms at the pointer.
 ///
 /// While painting the left button draws: Shift goes on from the last stroke in a straight line, Ctrl
-/// picks the colour under the pointer, Escape takes the stroke in hand back. Otherwise left drag pans
+/// picks the colour under the pointer, or what is cloned, Escape takes the stroke in hand back. Otherwise left drag pans
 /// too. Other keys are commands of the Viewer.
 class UvView
     : public QWidget
@@ -75,6 +77,7 @@ protected:
 private:
     QRectF rectOf(int patch) const;
     QPointF toUv(const QPointF &place) const;
+    QPointF fromUv(const QPointF &uv) const;
     QString valuesAt(const QPointF &place) const;
     void tellFocus();
     void showBegin();
@@ -93,6 +96,8 @@ private:
 
     // Painting
     void paintPress(const QMouseEvent &event);
+    void paintRelease(const QPointF &place);
+    PaintStart startAt(const QPointF &uv);
     double brushRadius() const;
     void moveOutline(const QPointF &place);
     void drawOutline(QPainter *painter) const;
@@ -104,8 +109,12 @@ private:
     bool m_isPointed = false;
     bool m_isPainting = false;
     BrushHand m_hand;
-    double m_scale = 300.0; ///< pixels of a patch
-    QPointF m_origin;       ///< of patch 1001's lower left corner
+    SheetHand m_sheetHand;
+    std::optional<QPointF> m_gradientFrom;
+    std::optional<QPointF> m_cloneSource; ///< in patches
+    std::optional<QPointF> m_cloneWay;    ///< to it; none: the next stroke begins with it
+    double m_scale = 300.0;               ///< pixels of a patch
+    QPointF m_origin;                     ///< of patch 1001's lower left corner
     QPoint m_last;
     QHash<int, QImage> m_kept; ///< by patch
     QString m_keptName;

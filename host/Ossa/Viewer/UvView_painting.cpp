@@ -1,6 +1,7 @@
 #include "Ossa/Viewer/UvView.h"
 
 #include "Ossa/Painting/Brushes.h"
+#include "Ossa/Painting/PaintMarks.h"
 #include "Ossa/Painting/PaintSession.h"
 #include "Ossa/Viewer/ViewerPictures.h"
 
@@ -39,19 +40,61 @@ OssResult UvView::bakePaint()
 
 // --- input
 
+PaintStart UvView::startAt(const QPointF &uv)
+{
+    PaintStart start(uv, m_hand.pressure());
+    const double resolution = m_session->texelsAcross();
+    start.pixel = resolution / m_scale;
+    const double scale = m_scale / resolution;
+    const QTransform toWidget(scale, 0.0, 0.0, -scale, m_origin.x(), m_origin.y());
+    start.toSheet = toWidget * Brushes::instance()->sheet().fromView(size());
+    if (!m_cloneWay && m_cloneSource)
+        m_cloneWay = *m_cloneSource - uv;
+    if (m_cloneWay)
+        start.cloneFrom = *m_cloneWay * resolution;
+    return start;
+}
+
 void UvView::paintPress(const QMouseEvent &event)
 {
+    const QPointF pointer = toUv(event.localPos());
+    const OssEvBrush::Tool tool = Brushes::instance()->brush().tool;
     if (event.modifiers() & Qt::ControlModifier) {
-        Brushes::instance()->takeColor(m_pictures->colorAt(toUv(event.localPos())));
+        if (tool == OssEvBrush::Tool::Clone) {
+            m_cloneSource = pointer;
+            m_cloneWay.reset();
+            update();
+        } else {
+            Brushes::instance()->takeColor(m_pictures->colorAt(pointer));
+        }
+        return;
+    }
+    if (tool == OssEvBrush::Tool::Fill) {
+        m_session->fill(startAt(pointer));
+        return;
+    }
+    if (tool == OssEvBrush::Tool::Gradient) {
+        m_gradientFrom = event.localPos();
         return;
     }
     const QPointF place = toUv(m_hand.begin(event.localPos()));
     const std::optional<QPointF> last = m_session->lastPlace();
-    const double pixel = m_session->texelsAcross() / m_scale;
     if (!(event.modifiers() & Qt::ShiftModifier) || !last)
-        m_session->begin(place, m_hand.pressure(), pixel);
-    else if (m_session->begin(*last, m_hand.pressure(), pixel))
+        m_session->begin(startAt(place));
+    else if (m_session->begin(startAt(*last)))
         m_session->moveTo(place, m_hand.pressure());
+}
+
+void UvView::paintRelease(const QPointF &place)
+{
+    m_session->end();
+    if (!m_gradientFrom)
+        return;
+    const QPointF from = *m_gradientFrom;
+    m_gradientFrom.reset();
+    update();
+    if (from != place)
+        m_session->fill(startAt(toUv(from)), toUv(place));
 }
 
 void UvView::tabletEvent(QTabletEvent *event)
@@ -92,7 +135,10 @@ void UvView::moveOutline(const QPointF &place)
 {
     if (!m_isPainting)
         return;
-    update(outlineRect());
+    // Marks beside the brush may be anywhere.
+    const bool hasMarks = m_gradientFrom
+                          || Brushes::instance()->brush().tool == OssEvBrush::Tool::Clone;
+    update(hasMarks ? rect() : outlineRect());
     m_pointer = place;
     m_isPointed = true;
     update(outlineRect());
@@ -100,8 +146,17 @@ void UvView::moveOutline(const QPointF &place)
 
 void UvView::drawOutline(QPainter *painter) const
 {
-    if (!m_isPainting || !m_isPointed)
+    if (!m_isPainting)
         return;
+    SheetHand::draw(painter, size());
+    if (m_gradientFrom)
+        PaintMarks::drawLine(painter, *m_gradientFrom, m_pointer);
+    if (!m_isPointed || PaintMarks::hasNoOutline())
+        return;
+    if (Brushes::instance()->brush().tool == OssEvBrush::Tool::Clone && m_cloneSource) {
+        const QPointF source = m_cloneWay ? toUv(m_pointer) + *m_cloneWay : *m_cloneSource;
+        PaintMarks::drawSource(painter, fromUv(source));
+    }
     const double radius = brushRadius();
     painter->setRenderHint(QPainter::Antialiasing);
     painter->setBrush(Qt::NoBrush);

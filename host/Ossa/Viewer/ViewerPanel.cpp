@@ -54,6 +54,12 @@ QToolButton *makeSwitch(const QString &text, const char *command, QWidget *paren
     return button;
 }
 
+const std::pair<const char *, OssEvBrush::Tool> tools[] = {
+    {"Toggle Eraser", OssEvBrush::Tool::Eraser}, {"Toggle Clone", OssEvBrush::Tool::Clone},
+    {"Toggle Smear", OssEvBrush::Tool::Smear},   {"Toggle Blur", OssEvBrush::Tool::Blur},
+    {"Toggle Fill", OssEvBrush::Tool::Fill},     {"Toggle Gradient", OssEvBrush::Tool::Gradient},
+};
+
 } // namespace
 
 ViewerPanel::ViewerPanel(QWidget *parent)
@@ -153,6 +159,10 @@ void ViewerPanel::follow()
     m_object->setCanvas(m_session);
     connect(m_view, &UvView::entered, this, [this] { welcomeBrush(m_view); });
     connect(m_object, &ObjectView::entered, this, [this] { welcomeBrush(m_object); });
+    connect(m_paintBar, &PaintBar::chosen, this, [this] {
+        QWidget *canvas = m_object->isVisible() ? static_cast<QWidget *>(m_object) : m_view;
+        canvas->setFocus();
+    });
     connect(m_paint, &QToolButton::toggled, this, &ViewerPanel::setPainting);
     connect(m_compare, &QToolButton::toggled, this, &ViewerPanel::setComparing);
     const OssProjectManager *projects = OssProjectManager::instance();
@@ -249,8 +259,8 @@ void ViewerPanel::fileCommands()
         m_paint->setChecked(true);
         m_paintBar->makeNode();
     });
-    file("Toggle Eraser",
-         [] { Brushes::instance()->setErasing(!Brushes::instance()->brush().erases); });
+    for (const auto &[name, tool] : tools)
+        file(name, [tool = tool] { Brushes::instance()->toggleTool(tool); });
     file("Smaller Brush", [] { Brushes::instance()->scale(1.0 / sizeStep); });
     file("Larger Brush", [] { Brushes::instance()->scale(sizeStep); });
     file("Softer Brush", [] { Brushes::instance()->harden(-hardnessStep); });

@@ -1,3 +1,6 @@
+#ifdef GL_ES
+#extension GL_OES_standard_derivatives : enable
+#endif
 uniform sampler2D picture;
 uniform bool hasPicture;
 uniform bool isLit;
@@ -14,12 +17,14 @@ const highp vec3 light = vec3(-0.35, 0.45, 0.82);
 const highp float ambient = 0.12;
 const highp float fill = 0.28;
 const highp float key = 0.60;
-const highp float past = 0.0001;
+const highp float least = 0.0001;
 
 void main()
 {
-    // A face that straddles patches is drawn in each and kept where it belongs.
-    if (any(lessThan(place, vec2(-past))) || any(greaterThan(place, vec2(1.0 + past))))
+    // A face that straddles patches is drawn in each and kept where it belongs. Where a pixel is half
+    // covered its middle lies beyond the edge of a face, by up to a pixel.
+    highp vec2 past = max(fwidth(place), vec2(least));
+    if (any(lessThan(place, -past)) || any(greaterThan(place, vec2(1.0) + past)))
         discard;
     lowp vec4 texel = hasPicture ? texture2D(picture, place) : vec4(0.0);
     highp vec3 color = texel.rgb + (1.0 - texel.a) * bare;

@@ -1,0 +1,123 @@
+#include "OssEvaluation/Paint/OssEvPaintGround.h"
+
+#include "OssEvaluation/Values/OssEvHalf.h"
+#include "OssEvaluation/Values/OssEvPatch.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr int Size = OssEvPaintTile::Size;
+
+} // namespace
+
+OssEvPaintGround::OssEvPaintGround(Images images)
+    : m_images(std::move(images))
+{
+}
+
+OssEvPaintGround::~OssEvPaintGround() = default;
+
+OssEvPatchImage *OssEvPaintGround::open(int patch)
+{
+    const auto file = m_images.files.find(patch);
+    if (file == m_images.files.end())
+        return nullptr;
+    std::unique_ptr<OssEvPatchImage> &image = m_open[patch];
+    if (!image) {
+        image = std::make_unique<OssEvPatchImage>(m_images.resolution, m_images.isData,
+                                                  m_images.colors);
+        const OssEvResult opened = image->open(file->second);
+        if (!opened)
+            m_state = opened;
+    }
+    return image->isEmpty() ? nullptr : image.get();
+}
+
+OssEvTilePointer OssEvPaintGround::tile(const OssEvPaintBuffer::Place &place)
+{
+    const auto found = m_tiles.find(place);
+    if (found != m_tiles.end())
+        return found->second;
+    OssEvPatchImage *image = open(place.patch);
+    if (image == nullptr)
+        return nullptr;
+    const OssEvResult read = image->need(place.y);
+    if (!read) {
+        m_state = read;
+        return nullptr;
+    }
+    auto made = std::make_shared<OssEvTile>(4, OssEvTile::Format::Half);
+    const int last = m_images.resolution - 1;
+    for (int index = 0; index < OssEvTile::Texels; ++index) {
+        const Color color = image->texel(std::min(place.x * Size + index % Size, last),
+                                         std::min(place.y * Size + index / Size, last));
+        for (int c = 0; c < 4; ++c)
+            made->halfPlane(c)[index] = OssEvHalf::fromFloat(color[std::size_t(c)]);
+    }
+    if (m_tiles.size() >= MostTiles)
+        m_tiles.clear();
+    m_tiles[place] = made;
+    return made;
+}
+
+// --- with paint
+
+OssEvPaintReader::OssEvPaintReader(const OssEvPaintBuffer *paint, OssEvPaintGround *ground)
+    : m_paint(paint)
+    , m_ground(ground)
+{
+}
+
+void OssEvPaintReader::find(const OssEvPaintBuffer::Place &place)
+{
+    if (m_tile.isKnown && m_tile.place == place)
+        return;
+    m_tile = {place, true, m_paint->tile(place),
+              m_ground != nullptr ? m_ground->tile(place) : nullptr};
+}
+
+OssEvPaintReader::Color OssEvPaintReader::texel(const OssEvPaintBuffer::Place &place, int index)
+{
+    find(place);
+    Color color{};
+    if (m_tile.beneath) {
+        for (int c = 0; c < 4; ++c)
+            color[std::size_t(c)] = m_tile.beneath->texel(c, index % Size, index / Size);
+    }
+    if (!m_tile.paint)
+        return color;
+    const OssEvPaintTile::Texel paint = m_tile.paint->texel(index);
+    for (std::size_t c = 0; c < 4; ++c)
+        color[c] = paint[c] + paint[OssEvPaintTile::Keep] * color[c];
+    return color;
+}
+
+OssEvPaintReader::Color OssEvPaintReader::at(const glm::vec2 &uv)
+{
+    const int column = int(std::floor(uv.x));
+    const int row = int(std::floor(uv.y));
+    const int patch = OssEvPatch::number(column, row);
+    const int resolution = m_paint->resolution();
+    const double x = (double(uv.x) - column) * resolution - 0.5;
+    const double y = (row + 1.0 - double(uv.y)) * resolution - 0.5;
+    const int left = int(std::floor(x));
+    const int top = int(std::floor(y));
+    const auto right = float(x - left);
+    const auto down = float(y - top);
+    const auto near = [&](int px, int py) {
+        px = std::clamp(px, 0, resolution - 1);
+        py = std::clamp(py, 0, resolution - 1);
+        return texel({patch, px / Size, py / Size}, py % Size * Size + px % Size);
+    };
+    const Color a = near(left, top);
+    const Color b = near(left + 1, top);
+    const Color c = near(left, top + 1);
+    const Color d = near(left + 1, top + 1);
+    Color mixed;
+    for (std::size_t i = 0; i < mixed.size(); ++i)
+        mixed[i] = (a[i] * (1.0F - right) + b[i] * right) * (1.0F - down)
+                   + (c[i] * (1.0F - right) + d[i] * right) * down;
+    return mixed;
+}

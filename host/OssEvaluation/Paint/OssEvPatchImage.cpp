@@ -1,0 +1,150 @@
+#include "OssEvaluation/Paint/OssEvPatchImage.h"
+
+#include "OssEvaluation/Files/OssEvImageFiles.h"
+#include "OssEvaluation/Values/OssEvCancel.h"
+#include "OssEvaluation/Values/OssEvTile.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <utility>
+
+namespace {
+
+constexpr int Size = OssEvTile::Size;
+
+/// Files of the pixel store.
+class PixelFiles final : public OssEvImageFiles
+{
+public:
+    explicit PixelFiles(const OssEvColorSpaces::Pointer &colors)
+        : OssEvImageFiles(OssEvFileColors(colors))
+    {
+    }
+
+    OssEvResult describe(const Image &image, OssEvImageInfo *info) override
+    {
+        return describeFile(image, Identity::Looks, info);
+    }
+
+    OssEvResult read(const Image &image, int reduction, int tileRow, const OssEvCancel &cancel,
+                     const Deliver &deliver) override
+    {
+        return readFile(image, Identity::Looks, reduction, tileRow, cancel, deliver);
+    }
+};
+
+} // namespace
+
+struct OssEvPatchImage::Private
+{
+    Private(int size, const OssEvColorSpaces::Pointer &colors)
+        : files(colors)
+        , resolution(size)
+    {
+    }
+
+    /// Has the file's rows of texels `first` to `last` at hand.
+    OssEvResult need(int first, int last)
+    {
+        const int top = std::max(0, first) / Size;
+        const int bottom = std::min(last, info.height - 1) / Size;
+        if (!info.isSequential) {
+            tiles.erase(tiles.begin(), tiles.lower_bound({top, 0}));
+            tiles.erase(tiles.lower_bound({bottom + 1, 0}), tiles.end());
+        }
+        for (int row = top; row <= bottom; ++row) {
+            if (tiles.count({row, 0}) != 0)
+                continue;
+            const OssEvResult read = files.read(image, 0, row, cancel,
+                                                [this](int x, int y, OssEvTilePointer tile) {
+                                                    tiles[{y, x}] = std::move(tile);
+                                                });
+            if (!read)
+                return read;
+        }
+        return {};
+    }
+
+    /// Beyond its edges the image goes on as it ends.
+    Color texel(int x, int y) const
+    {
+        x = std::clamp(x, 0, info.width - 1);
+        y = std::clamp(y, 0, info.height - 1);
+        const auto found = tiles.find({y / Size, x / Size});
+        if (found == tiles.end())
+            return {};
+        const OssEvTile &tile = *found->second;
+        Color color{0.0F, 0.0F, 0.0F, 1.0F};
+        for (int c = 0; c < tile.channels(); ++c)
+            color[std::size_t(c)] = tile.texel(c, x % Size, y % Size);
+        if (tile.channels() == 1)
+            color[1] = color[2] = color[0];
+        return color;
+    }
+
+    Color between(double x, double y) const
+    {
+        const int left = int(std::floor(x));
+        const int top = int(std::floor(y));
+        const auto right = float(x - left);
+        const auto down = float(y - top);
+        const Color a = texel(left, top);
+        const Color b = texel(left + 1, top);
+        const Color c = texel(left, top + 1);
+        const Color e = texel(left + 1, top + 1);
+        Color mixed;
+        for (std::size_t i = 0; i < mixed.size(); ++i)
+            mixed[i] = (a[i] * (1.0F - right) + b[i] * right) * (1.0F - down)
+                       + (c[i] * (1.0F - right) + e[i] * right) * down;
+        return mixed;
+    }
+
+    PixelFiles files;
+    int resolution;
+    OssEvImageProvider::Image image;
+    OssEvImageInfo info;
+    OssEvCancel cancel;
+    std::map<std::pair<int, int>, OssEvTilePointer> tiles; ///< of the file, by row and column
+};
+
+OssEvPatchImage::OssEvPatchImage(int resolution, bool isData,
+                                 const OssEvColorSpaces::Pointer &colors)
+    : d(std::make_unique<Private>(resolution, colors))
+{
+    if (isData)
+        d->image.colorSpace = OssEvImageProvider::ColorSpace::Data;
+}
+
+OssEvPatchImage::~OssEvPatchImage() = default;
+
+OssEvResult OssEvPatchImage::open(const std::string &path)
+{
+    d->image.name = path;
+    d->info = {};
+    d->tiles.clear();
+    return path.empty() ? OssEvResult() : d->files.describe(d->image, &d->info);
+}
+
+bool OssEvPatchImage::isEmpty() const
+{
+    return d->info.width <= 0 || d->info.height <= 0;
+}
+
+OssEvResult OssEvPatchImage::need(int tileRow)
+{
+    if (isEmpty())
+        return {};
+    const double factor = double(d->info.height) / d->resolution;
+    return d->need(int(tileRow * Size * factor) - 1, int((tileRow + 1) * Size * factor) + 1);
+}
+
+OssEvPatchImage::Color OssEvPatchImage::texel(int x, int y) const
+{
+    if (isEmpty())
+        return {};
+    if (d->info.width == d->resolution && d->info.height == d->resolution)
+        return d->texel(x, y);
+    return d->between((x + 0.5) * d->info.width / d->resolution - 0.5,
+                      (y + 0.5) * d->info.height / d->resolution - 0.5);
+}

@@ -1,0 +1,267 @@
+#include "Ossa/Painting/PaintSession.h"
+
+#include "Ossa/Painting/Brushes.h"
+#include "OssCore/Program/OssStatusManager.h"
+#include "OssModel/Evaluation/OssEvaluationService.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Images/OssColorManagement.h"
+#include "OssModel/Images/OssPixelStore.h"
+#include "OssModel/Nodes/OssSnImageSetNodeBase.h"
+#include "OssModel/Objects/OssImageSet.h"
+#include "OssModel/Project/OssProject.h"
+#include "OssModel/Project/OssProjectManager.h"
+
+#include <QEventLoop>
+#include <QThread>
+
+#include <algorithm>
+#include <atomic>
+#include <new>
+
+// What strokes are made of, and what covers all at once.
+
+namespace {
+
+using Within = OssEvBrush::Within;
+
+constexpr int tellEvery = 50; ///< milliseconds
+constexpr int wholePart = 1000;
+
+bool hasRegion(const OssEvBrush &brush)
+{
+    return brush.within == Within::Island || brush.within == Within::Face
+           || brush.within == Within::Material;
+}
+
+void tell(const QString &what)
+{
+    OssStatusManager::instance()->showMessage(what);
+}
+
+glm::vec2 vectorOf(const QPointF &point)
+{
+    return {float(point.x()), float(point.y())};
+}
+
+std::optional<OssEvStroke::Line> lineOf(const PaintStart &start, const std::optional<QPointF> &end)
+{
+    if (!end)
+        return std::nullopt;
+    return OssEvStroke::Line{vectorOf(start.place), vectorOf(*end)};
+}
+
+} // namespace
+
+std::shared_ptr<OssEvPaintSurface> PaintSession::surface() const
+{
+    const std::shared_ptr<const OssEvMesh> object = mesh();
+    return object ? m_surfaces.find(object, texelsAcross()) : nullptr;
+}
+
+void PaintSession::wantSurface()
+{
+    if (const std::shared_ptr<const OssEvMesh> object = mesh())
+        m_surfaces.want(object, texelsAcross());
+}
+
+OssEvBrush PaintSession::brushAt(const PaintStart &start) const
+{
+    OssEvBrush used = Brushes::instance()->brush();
+    const QTransform &sheet = start.toSheet;
+    used.toSheet = {sheet.m11(), sheet.m21(), sheet.dx(), sheet.m12(), sheet.m22(), sheet.dy()};
+    if (start.cloneFrom)
+        used.cloneFrom = {start.cloneFrom->x(), start.cloneFrom->y()};
+    return used;
+}
+
+/// Has the colours that are there at hand, if the brush depends on them.
+void PaintSession::lookBeneath()
+{
+    if (!Brushes::instance()->brush().looksBeneath()) {
+        m_ground.reset();
+        return;
+    }
+    const OssProject *project = OssProjectManager::instance()->currentProject();
+    const QString folder = project ? project->path() : QString();
+    OssEvPaintGround::Images images;
+    const QMap<int, QString> pixels = m_images->pixels();
+    for (auto entry = pixels.cbegin(); entry != pixels.cend(); ++entry)
+        images.files[entry.key()] = OssPixelStore::find(*entry, folder).toStdString();
+    images.resolution = m_buffer.resolution();
+    images.isData = m_images->isScalar();
+    images.colors = OssColorManagement::spaces();
+    if (!m_ground || !m_ground->state() || !(m_ground->images() == images))
+        m_ground = std::make_shared<OssEvPaintGround>(std::move(images));
+}
+
+QString PaintSession::stepName()
+{
+    switch (Brushes::instance()->brush().tool) {
+    case OssEvBrush::Tool::Eraser:
+        return tr("Erase Paint");
+    case OssEvBrush::Tool::Clone:
+        return tr("Clone Paint");
+    case OssEvBrush::Tool::Smear:
+        return tr("Smear Paint");
+    case OssEvBrush::Tool::Blur:
+        return tr("Blur Paint");
+    case OssEvBrush::Tool::Fill:
+        return tr("Fill Paint");
+    case OssEvBrush::Tool::Gradient:
+        return tr("Paint Gradient");
+    case OssEvBrush::Tool::Brush:
+        break;
+    }
+    return tr("Paint Stroke");
+}
+
+PaintSession::MakeStroke PaintSession::flatStroke(const PaintStart &start)
+{
+    return [this, start](OssEvPaintBuffer *buffer) -> std::unique_ptr<OssEvStroke> {
+        OssEvBrush used = brushAt(start);
+        if (used.tool == OssEvBrush::Tool::Clone && !start.cloneFrom) {
+            tell(tr("Ctrl and a click chooses whose colors are cloned"));
+            return nullptr;
+        }
+        const std::shared_ptr<OssEvPaintSurface> object = hasRegion(used) ? surface() : nullptr;
+        if (hasRegion(used) && !object) {
+            wantSurface();
+            tell(tr("The object is being made ready to be painted on"));
+            return nullptr;
+        }
+        used.radius = flatRadius(start.pixel);
+        lookBeneath();
+        const QList<int> patches = OssEvaluationService::instance()->patches(
+            node()->network()->geoEntity());
+        auto stroke = std::make_unique<OssEvFlatStroke>(
+            buffer, used, std::vector<int>(patches.cbegin(), patches.cend()), m_ground.get());
+        if (object)
+            stroke->keepWithin(object, start.place.x(), start.place.y());
+        return stroke;
+    };
+}
+
+PaintSession::MakeStroke PaintSession::objectStroke(const OssEvSurfaceStroke::ViewPointer &view,
+                                                    const PaintStart &start)
+{
+    return [this, view, start](OssEvPaintBuffer *buffer) -> std::unique_ptr<OssEvStroke> {
+        const OssEvBrush used = brushAt(start);
+        if (used.tool == OssEvBrush::Tool::Clone && !start.cloneFrom) {
+            tell(tr("Ctrl and a click chooses whose colors are cloned"));
+            return nullptr;
+        }
+        const std::shared_ptr<OssEvPaintSurface> object = surface();
+        if (!object)
+            return nullptr;
+        lookBeneath();
+        auto stroke = std::make_unique<OssEvSurfaceStroke>(buffer, used, object, view,
+                                                           m_ground.get());
+        if (used.tool == OssEvBrush::Tool::Fill || used.tool == OssEvBrush::Tool::Gradient)
+            stroke->keepWithin(start.place.x(), start.place.y());
+        return stroke;
+    };
+}
+
+// --- at once
+
+namespace {
+
+/// A fill on its way. It works on paint of its own, so that nothing is lost when what was painted on goes
+/// away meanwhile. Its atomic members are what two threads use at once.
+struct Fill
+{
+    OssEvPaintBuffer paint;
+    std::shared_ptr<OssEvPaintGround> ground;
+    std::unique_ptr<OssEvStroke> stroke;
+    std::optional<OssEvStroke::Line> line;
+    std::atomic<bool> isWanted{true};
+    std::atomic<int> part{0};
+    bool isWhole = false;
+    bool isOutOfMemory = false;
+
+    void run()
+    {
+        try {
+            isWhole = stroke->fill(line, [this](double done) {
+                part = int(done * wholePart);
+                return isWanted.load();
+            });
+        } catch (const std::bad_alloc &) {
+            isOutOfMemory = true;
+        }
+    }
+};
+
+void waitFor(const std::shared_ptr<Fill> &fill)
+{
+    OssStatusManager::Work work(PaintSession::tr("Filling"), OssStatusManager::Blocking);
+    const std::unique_ptr<QThread> thread(QThread::create([fill] { fill->run(); }));
+    QEventLoop loop;
+    QObject::connect(thread.get(), &QThread::finished, &loop, &QEventLoop::quit);
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, &loop, [&] {
+        work.setProgress(fill->part, wholePart);
+        if (work.isCancelled())
+            fill->isWanted = false;
+    });
+    timer.start(tellEvery);
+    thread->start();
+    loop.exec();
+    // The loop also ends when the application does.
+    thread->wait();
+}
+
+} // namespace
+
+bool PaintSession::fill(const PaintStart &start, const std::optional<QPointF> &end)
+{
+    return fillWith(flatStroke(start), lineOf(start, end));
+}
+
+bool PaintSession::fillOn(const OssEvSurfaceStroke::ViewPointer &view, const PaintStart &start,
+                          const std::optional<QPointF> &end)
+{
+    return fillWith(objectStroke(view, start), lineOf(start, end));
+}
+
+bool PaintSession::fillWith(const MakeStroke &make, const std::optional<OssEvStroke::Line> &line)
+{
+    if (!makeRoom())
+        return false;
+    auto fill = std::make_shared<Fill>();
+    fill->paint = m_buffer;
+    fill->line = line;
+    fill->stroke = make(&fill->paint);
+    fill->ground = m_ground;
+    if (!fill->stroke)
+        return false;
+    const QPointer<OssImageSet> images = m_images;
+    m_isBusy = true;
+    waitFor(fill);
+    m_isBusy = false;
+    if (fill->isOutOfMemory)
+        tell(tr("There is no memory left to paint"));
+    if (fill->ground && !fill->ground->state())
+        tell(QString::fromStdString(fill->ground->state().error()));
+    if (!fill->isWhole || (fill->ground && !fill->ground->state()))
+        return false;
+    const std::vector<OssEvStroke::Change> changes = fill->stroke->changes();
+    const bool isSame = images && images == m_images
+                        && std::all_of(changes.cbegin(), changes.cend(),
+                                       [this](const auto &change) {
+                                           return m_buffer.tile(change.place) == change.before;
+                                       });
+    if (!isSame) {
+        tell(tr("What was filled has become another meanwhile"));
+        return false;
+    }
+    m_macro = std::make_unique<OssUndoManager::AutoMacro>(stepName());
+    Tiles tiles;
+    for (const OssEvStroke::Change &change : changes)
+        tiles.emplace_back(change.place, change.after);
+    for (const auto &[place, tile] : tiles)
+        m_buffer.setTile(place, tile);
+    tellTiles(tiles);
+    finishStep(changes);
+    return true;
+}

@@ -61,6 +61,42 @@ double milliseconds(const std::function<void()> &work)
     return 1e3 * double(std::clock() - begin) / CLOCKS_PER_SEC;
 }
 
+struct Object
+{
+    std::shared_ptr<OssEvPaintSurface> surface;
+    std::shared_ptr<const OssEvPaintView> view;
+};
+
+/// Of a stroke over what is painted already, 4 pixels on, in the mean.
+double strokeOf(const Object &object, OssEvPaintBuffer *buffer, const OssEvBrush &brush)
+{
+    OssEvSurfaceStroke stroke(buffer, brush, object.surface, object.view);
+    stroke.moveTo(420.0, 340.0);
+    double spent = 0.0;
+    int steps = 0;
+    for (double x = 424.0; x < 860.0; x += 4.0, ++steps)
+        spent += milliseconds([&] { stroke.moveTo(x, 340.0 + 10.0 * std::sin(x / 30.0)); });
+    return spent / steps;
+}
+
+void benchTools(const Object &object, OssEvPaintBuffer *buffer, OssEvBrush brush)
+{
+    brush.blend = 3; // Multiply
+    std::printf("%-44s %8.2f ms\n", "blending, 4 pixels on", strokeOf(object, buffer, brush));
+    brush.blend = 0;
+    brush.cloneFrom = {0.0, 60.0};
+    brush.tool = OssEvBrush::Tool::Clone;
+    std::printf("%-44s %8.2f ms\n", "cloning, 4 pixels on", strokeOf(object, buffer, brush));
+    brush.tool = OssEvBrush::Tool::Smear;
+    std::printf("%-44s %8.2f ms\n", "smearing, 4 pixels on", strokeOf(object, buffer, brush));
+    brush.tool = OssEvBrush::Tool::Blur;
+    std::printf("%-44s %8.2f ms\n", "blurring, 4 pixels on", strokeOf(object, buffer, brush));
+    brush.tool = OssEvBrush::Tool::Fill;
+    OssEvSurfaceStroke fill(buffer, brush, object.surface, object.view);
+    std::printf("%-44s %8.0f ms\n", "filling all of the patch, on a thread",
+                milliseconds([&] { fill.fill(std::nullopt, [](double) { return true; }); }));
+}
+
 } // namespace
 
 int main()
@@ -109,5 +145,6 @@ int main()
     std::printf("%-44s %8.2f ms\n", "4 pixels on, in the mean", late);
     std::printf("%-44s %8.2f ms\n", "4 pixels on, the worst", worst);
     std::printf("%-44s %8.2f\n", "after 40 strokes, by that of the first 5", late / early);
+    benchTools({surface, view}, &buffer, brush);
     return 0;
 }

@@ -1,6 +1,7 @@
 #include "Ossa/Viewer/PaintBar.h"
 
 #include "Ossa/Viewer/ViewerSource.h"
+#include "OssCore/Program/OssStatusManager.h"
 #include "PaintFixture.h"
 #include "support/DialogAnswers.h"
 
@@ -8,6 +9,7 @@
 #include <QComboBox>
 #include <QDoubleSpinBox>
 #include <QLabel>
+#include <QSignalSpy>
 #include <QSpinBox>
 #include <QToolButton>
 
@@ -129,6 +131,70 @@ TEST_F(PaintBars, paintsOnTheNodeThatIsSelectedOrChosen)
     m_bar->refresh();
     EXPECT_EQ(nodes->count(), 1);
     EXPECT_EQ(m_session->node(), second);
+}
+
+TEST_F(PaintBars, aLayerIsPaintOverTheChannelsOfAMaterialAllOfItPaintedAtOnce)
+{
+    QSignalSpy told(OssStatusManager::instance(), &OssStatusManager::messageShown);
+    button("New Layer")->click();
+    EXPECT_EQ(told.size(), 1) << "a blur is no material";
+    OssSnBaseNode *shader = add("Shaders/Standard Surface");
+    shader->setInputNode(text("Roughness"), m_blur, m_blur->prefferedOutputPoint());
+    m_network->viewerNode()->setInputNode(text("1"), shader, shader->prefferedOutputPoint());
+    OssUndoManager::instance()->clear();
+    const QByteArray before = m_project->stateHash();
+    button("New Layer")->click();
+    EXPECT_EQ(undoCount(), 1);
+    EXPECT_EQ(m_session->along().size(), 3);
+    EXPECT_EQ(shader->inputNode(text("Base Color")), m_session->node());
+    EXPECT_FALSE(m_session->node()->imageSet()->isScalar());
+    const OssSnBaseNode *merge = shader->inputNode(text("Roughness"));
+    ASSERT_NE(merge, nullptr);
+    EXPECT_EQ(merge->inputNode(text("Base")), m_blur);
+    auto *rough = qobject_cast<OssSnImageSetNodeBase *>(merge->inputNode(text("Over")));
+    ASSERT_TRUE(m_session->along().contains(rough));
+    EXPECT_TRUE(rough->imageSet()->isScalar());
+    // Each has its colour in the bar.
+    auto *field = named<QDoubleSpinBox>(m_bar.get(), "Roughness Paint");
+    field->selectAll();
+    QTest::keyClicks(field, text("0.25"));
+    EXPECT_DOUBLE_EQ(m_session->colorAlong(rough).green(), 0.25);
+    rough->imageSet()->setScalar(false);
+    m_bar->refresh();
+    whenOpen<QColorDialog>([](QColorDialog *picker) {
+        picker->setCurrentColor(Qt::white);
+        picker->accept();
+    });
+    button("Roughness Paint")->click();
+    EXPECT_NEAR(m_session->colorAlong(rough).red(), 1.0, 1e-3);
+    rough->imageSet()->setScalar(true);
+    // One of them alone is painted on when it is selected alone.
+    for (OssSnBaseNode *node : m_network->getAllNodes())
+        node->setSelected(node == rough);
+    m_bar->refresh();
+    EXPECT_EQ(m_session->node(), rough);
+    EXPECT_TRUE(m_session->along().isEmpty());
+    // And those of a group when the group is.
+    m_session->setNode(nullptr);
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(m_project->stateHash(), before);
+}
+
+TEST_F(PaintBars, paintNodesInASelectedGroupArePaintedTogether)
+{
+    OssSnBaseNode *first = paintNode("First");
+    OssSnBaseNode *second = paintNode("Second");
+    OssSnBaseNode *group = m_network->groupNodes({first, second});
+    ASSERT_NE(group, nullptr);
+    group->setSelected(true);
+    m_bar->refresh();
+    ASSERT_NE(m_session->node(), nullptr);
+    EXPECT_EQ(m_session->along().size(), 1);
+    stroke();
+    m_bar->bake();
+    EXPECT_FALSE(m_session->hasPaint());
+    EXPECT_FALSE(m_session->node()->imageSet()->pixels().isEmpty());
+    EXPECT_FALSE(m_session->along().first()->imageSet()->pixels().isEmpty());
 }
 
 TEST_F(PaintBars, fieldsAreTheBrush)

@@ -110,6 +110,27 @@ TEST_F(PaintAfterACrash, theLastStrokeIsThereAndIsBaked)
     EXPECT_FALSE(hasPaint()) << "it is in the images now";
 }
 
+TEST_F(PaintAfterACrash, paintOnSeveralNodesIsThereOnEachOfThem)
+{
+    OssSnImageSetNodeBase *rough = paintNode();
+    rough->setName(text("Rough"));
+    ASSERT_TRUE(m_session->setAlong({rough}));
+    dab();
+    crash();
+    EXPECT_TRUE(m_session->hasPaint());
+    ASSERT_TRUE(m_session->bake().ok());
+    int painted = 0;
+    const auto groups = m_project->shadingGroups();
+    for (const OssShadingGroup *group : groups) {
+        const auto sets = group->network()->shadingContext()->imageSets();
+        painted += int(std::count_if(sets.cbegin(), sets.cend(), [](const OssImageSet *set) {
+            return set->pixels().contains(1001);
+        }));
+    }
+    EXPECT_EQ(painted, 2);
+    EXPECT_FALSE(m_session->hasPaint());
+}
+
 TEST_F(PaintAfterACrash, anUndoneBakeIsPaintAgain)
 {
     dab();

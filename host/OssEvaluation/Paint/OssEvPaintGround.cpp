@@ -1,5 +1,6 @@
 #include "OssEvaluation/Paint/OssEvPaintGround.h"
 
+#include "OssEvaluation/Paint/OssEvBetween.h"
 #include "OssEvaluation/Values/OssEvHalf.h"
 #include "OssEvaluation/Values/OssEvPatch.h"
 
@@ -102,22 +103,10 @@ OssEvPaintReader::Color OssEvPaintReader::at(const glm::vec2 &uv)
     const int resolution = m_paint->resolution();
     const double x = (double(uv.x) - column) * resolution - 0.5;
     const double y = (row + 1.0 - double(uv.y)) * resolution - 0.5;
-    const int left = int(std::floor(x));
-    const int top = int(std::floor(y));
-    const auto right = float(x - left);
-    const auto down = float(y - top);
     const auto near = [&](int px, int py) {
         px = std::clamp(px, 0, resolution - 1);
         py = std::clamp(py, 0, resolution - 1);
         return texel({patch, px / Size, py / Size}, py % Size * Size + px % Size);
     };
-    const Color a = near(left, top);
-    const Color b = near(left + 1, top);
-    const Color c = near(left, top + 1);
-    const Color d = near(left + 1, top + 1);
-    Color mixed;
-    for (std::size_t i = 0; i < mixed.size(); ++i)
-        mixed[i] = (a[i] * (1.0F - right) + b[i] * right) * (1.0F - down)
-                   + (c[i] * (1.0F - right) + d[i] * right) * down;
-    return mixed;
+    return OssEvBetween(x, y, near);
 }

@@ -1,8 +1,11 @@
 #include "OssEvaluation/Paint/OssEvPaintPicture.h"
 
 #include "OssEvaluation/Files/OssEvImageFiles.h"
+#include "OssEvaluation/Files/OssEvUdim.h"
+#include "OssEvaluation/Paint/OssEvBetween.h"
 #include "OssEvaluation/Values/OssEvCancel.h"
 #include "OssEvaluation/Values/OssEvHalf.h"
+#include "OssEvaluation/Values/OssEvPatch.h"
 
 #include <algorithm>
 #include <cmath>
@@ -18,6 +21,19 @@ int wrapped(int at, int size)
     return rest < 0 ? rest + size : rest;
 }
 
+/// A file of several patches is the picture of its own.
+int patchOf(const std::string &path)
+{
+    const std::string pattern = OssEvUdim::pattern(path);
+    if (pattern == path)
+        return OssEvPatch::First;
+    for (const int patch : OssEvUdim::patches(pattern)) {
+        if (OssEvUdim::file(pattern, patch) == path)
+            return patch;
+    }
+    return OssEvPatch::First;
+}
+
 } // namespace
 
 OssEvResult OssEvPaintPicture::read(const std::string &path,
@@ -27,6 +43,7 @@ OssEvResult OssEvPaintPicture::read(const std::string &path,
         OssEvImageFiles files{OssEvFileColors(colors)};
         OssEvImageProvider::Image image;
         image.name = path;
+        image.patch = patchOf(path);
         OssEvImageInfo info;
         const OssEvResult described = files.describe(image, &info);
         if (!described)
@@ -52,7 +69,8 @@ OssEvResult OssEvPaintPicture::read(const std::string &path,
                 }
             }
         };
-        for (int row = 0; row < OssEvTilesAcross(height); ++row) {
+        const int rows = info.isSequential ? 1 : OssEvTilesAcross(height);
+        for (int row = 0; row < rows; ++row) {
             const OssEvResult read = files.read(image, reduction, row, OssEvCancel(), keep);
             if (!read)
                 return read;
@@ -114,24 +132,9 @@ OssEvPaintPicture::Color OssEvPaintPicture::Level::pixel(int x, int y) const
 
 OssEvPaintPicture::Color OssEvPaintPicture::Level::between(double x, double y) const
 {
-    const double px = x * width - 0.5;
-    const double py = y * height - 0.5;
-    const int left = int(std::floor(px));
-    const int top = int(std::floor(py));
-    const auto right = float(px - left);
-    const auto down = float(py - top);
-    const auto near = [this](int column, int row) {
+    return OssEvBetween(x * width - 0.5, y * height - 0.5, [this](int column, int row) {
         return pixel(wrapped(column, width), wrapped(row, height));
-    };
-    const Color a = near(left, top);
-    const Color b = near(left + 1, top);
-    const Color c = near(left, top + 1);
-    const Color d = near(left + 1, top + 1);
-    Color mixed;
-    for (std::size_t i = 0; i < mixed.size(); ++i)
-        mixed[i] = (a[i] * (1.0F - right) + b[i] * right) * (1.0F - down)
-                   + (c[i] * (1.0F - right) + d[i] * right) * down;
-    return mixed;
+    });
 }
 
 OssEvPaintPicture::Color OssEvPaintPicture::at(double x, double y, double across) const

@@ -1,11 +1,11 @@
 #include "OssEvaluation/Paint/OssEvPatchImage.h"
 
 #include "OssEvaluation/Files/OssEvImageFiles.h"
+#include "OssEvaluation/Paint/OssEvBetween.h"
 #include "OssEvaluation/Values/OssEvCancel.h"
 #include "OssEvaluation/Values/OssEvTile.h"
 
 #include <algorithm>
-#include <cmath>
 #include <map>
 #include <utility>
 
@@ -85,19 +85,7 @@ struct OssEvPatchImage::Private
 
     Color between(double x, double y) const
     {
-        const int left = int(std::floor(x));
-        const int top = int(std::floor(y));
-        const auto right = float(x - left);
-        const auto down = float(y - top);
-        const Color a = texel(left, top);
-        const Color b = texel(left + 1, top);
-        const Color c = texel(left, top + 1);
-        const Color e = texel(left + 1, top + 1);
-        Color mixed;
-        for (std::size_t i = 0; i < mixed.size(); ++i)
-            mixed[i] = (a[i] * (1.0F - right) + b[i] * right) * (1.0F - down)
-                       + (c[i] * (1.0F - right) + e[i] * right) * down;
-        return mixed;
+        return OssEvBetween(x, y, [this](int column, int row) { return texel(column, row); });
     }
 
     PixelFiles files;

@@ -102,6 +102,7 @@ const std::vector<Row> RowTable{
     {"/Ossa/Viewer", QT_TR_NOOP("Hide Back Faces"), "Shift+B", "Light 4.4", WithProject, QT_TR_NOOP("Show the object's faces from their front alone")},
     {"/Ossa/Viewer", QT_TR_NOOP("Toggle Painting"), "", "Viewer 2.1", WithProject, QT_TR_NOOP("Paint on the patches and the object, or only look at them")},
     {"/Ossa/Viewer", QT_TR_NOOP("New Paint"), "", "Viewer 2.2", WithProject, QT_TR_NOOP("Put a new paint node over what the viewer shows")},
+    {"/Ossa/Viewer", QT_TR_NOOP("New Paint Layer"), "", "Viewer 2.5", WithProject, QT_TR_NOOP("Put paint over color, roughness, metal and displacement of the shown material, and paint on all of them at once")},
     {"/Ossa/Viewer", QT_TR_NOOP("Bake Paint"), "", "Viewer 2.3", WithProject, QT_TR_NOOP("Write the paint into the images of its node")},
     {"/Ossa/Viewer", QT_TR_NOOP("Clear Paint"), "", "Viewer 2.4", WithProject, QT_TR_NOOP("Take away all paint that is not baked")},
     {"/Ossa/Viewer", QT_TR_NOOP("Toggle Eraser"), "E", "Viewer 3.1", WithBrush, QT_TR_NOOP("Take paint away with the brush, baked paint too, or paint")},

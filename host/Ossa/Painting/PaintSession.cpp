@@ -54,14 +54,20 @@ private:
 };
 
 PaintSession::PaintSession(QObject *parent)
-    : QObject(parent)
-    , m_tiles(std::make_shared<PaintTileStore>())
+    : PaintSession(static_cast<PaintSession *>(nullptr))
+{
+    setParent(parent);
+    connect(OssProjectManager::instance(), &OssProjectManager::projectOpenCompleted, this,
+            &PaintSession::recover);
+}
+
+PaintSession::PaintSession(PaintSession *leader)
+    : m_tiles(std::make_shared<PaintTileStore>())
+    , m_leader(leader)
 {
     m_rest.setSingleShot(true);
     m_rest.setInterval(restTime);
     connect(&m_rest, &QTimer::timeout, this, &PaintSession::composeInAdvance);
-    connect(OssProjectManager::instance(), &OssProjectManager::projectOpenCompleted, this,
-            &PaintSession::recover);
     connect(&m_composer, &PaintComposer::failed, this, [](const QString &reason) {
         OssDebug("PaintSession", __LINE__, "[ !! ] No pixels of the paint: %s", qPrintable(reason));
     });
@@ -117,7 +123,7 @@ bool PaintSession::setNode(OssSnImageSetNodeBase *node)
     m_lastPlace.reset();
     OssShadingContext *shading = node && node->network() ? node->network()->shadingContext()
                                                          : nullptr;
-    if (shading && images) {
+    if (shading && images && !m_leader) {
         shading->setCurrentImageSet(images);
         OssProjectManager::instance()->setCurrentChannel(images->channel());
     }
@@ -168,7 +174,7 @@ double PaintSession::flatRadius(double pixel) const
     case OssEvBrush::SizeIn::Texels:
         break;
     }
-    return used.radius;
+    return used.radius * m_scale;
 }
 
 std::shared_ptr<const OssEvMesh> PaintSession::mesh() const
@@ -223,8 +229,10 @@ bool PaintSession::start(const MakeStroke &make)
 
 bool PaintSession::begin(const PaintStart &from)
 {
-    if (!start(flatStroke(from)))
+    if (!areReady() || !start(flatStroke(from)))
         return false;
+    for (PaintSession *along : inUse())
+        along->begin(startOf(*along, from));
     m_lastPlace = from.place;
     moveTo(from.place, from.pressure);
     return true;
@@ -232,8 +240,10 @@ bool PaintSession::begin(const PaintStart &from)
 
 bool PaintSession::beginOn(const OssEvSurfaceStroke::ViewPointer &view, const PaintStart &from)
 {
-    if (!start(objectStroke(view, from)))
+    if (!areReady() || !start(objectStroke(view, from)))
         return false;
+    for (PaintSession *along : inUse())
+        along->beginOn(view, startOf(*along, from));
     m_lastPlace.reset(); // it is no place of a patch
     moveTo(from.place, from.pressure);
     return true;
@@ -245,6 +255,10 @@ void PaintSession::moveTo(const QPointF &place, double pressure)
         return;
     if (m_lastPlace)
         m_lastPlace = place;
+    for (PaintSession *along : inUse()) {
+        if (along->isPainting())
+            along->moveTo(place, pressure);
+    }
     paint([&] { return m_stroke->moveTo(place.x(), place.y(), pressure); });
 }
 
@@ -279,6 +293,8 @@ void PaintSession::end()
         paint([this] { return m_stroke->finish(); });
     if (!m_stroke)
         return;
+    for (PaintSession *along : inUse())
+        along->end();
     const std::vector<OssEvStroke::Change> changes = m_stroke->changes();
     m_stroke.reset();
     m_everyMove.reset();
@@ -298,8 +314,10 @@ void PaintSession::finishStep(const std::vector<OssEvStroke::Change> &changes)
                                               });
     if (!changes.empty())
         record(changes, PaintStep::Stroke);
-    const OssResult baked = isLarge || changesImages ? bake() : OssResult();
+    const OssResult baked = isLarge || changesImages ? bakeOwn() : OssResult();
     m_macro.reset();
+    if (isLarge || changesImages) // no journal holds what is in the images
+        Q_EMIT OssProjectManager::instance()->copyWanted();
     Tiles now;
     for (const OssEvStroke::Change &change : changes)
         now.emplace_back(change.place, change.after);
@@ -313,6 +331,8 @@ void PaintSession::cancel()
 {
     if (!m_stroke)
         return;
+    for (PaintSession *along : inUse())
+        along->cancel();
     Tiles before;
     for (const OssEvStroke::Change &change : m_stroke->changes())
         before.emplace_back(change.place, change.before);
@@ -369,14 +389,14 @@ void PaintSession::removeAll(Notice notice)
     record(changes, notice == Show ? PaintStep::Clear : PaintStep::Bake);
 }
 
-void PaintSession::clear()
+void PaintSession::clearOwn()
 {
     end();
     if (!m_buffer.isEmpty())
         removeAll(Show);
 }
 
-OssResult PaintSession::bake()
+OssResult PaintSession::bakeOwn()
 {
     end();
     if (m_buffer.isEmpty() || !m_images || m_isBusy)
@@ -406,7 +426,7 @@ bool PaintSession::settle()
     if (answer == QMessageBox::Cancel)
         return false;
     if (answer == QMessageBox::No) {
-        clear();
+        clearOwn();
         return true;
     }
     return bakeOrTell();
@@ -414,7 +434,7 @@ bool PaintSession::settle()
 
 bool PaintSession::bakeOrTell()
 {
-    const OssResult baked = bake();
+    const OssResult baked = bakeOwn();
     if (!baked)
         OssMessageBox::warning(nullptr, tr("Bake Paint"), baked.error());
     return baked.ok();
@@ -423,6 +443,8 @@ bool PaintSession::bakeOrTell()
 void PaintSession::handleBakeBehavior(const OssImageSet *images)
 {
     end();
+    for (const auto &along : m_along)
+        along->handleBakeBehavior(images);
     if (!images || images != m_images || m_buffer.isEmpty() || m_wasRefused)
         return;
     if (PaintPreferences::instance()->asksBeforeBaking()) {

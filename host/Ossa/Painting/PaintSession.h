@@ -5,6 +5,7 @@
 #include "Ossa/Painting/PaintStart.h"
 #include "Ossa/Painting/PaintSurfaces.h"
 #include "OssCore/Undo/OssUndoManager.h"
+#include "OssCore/Values/OssColor.h"
 #include "OssCore/Values/OssResult.h"
 #include "OssEvaluation/Paint/OssEvSurfaceStroke.h"
 
@@ -13,7 +14,9 @@
 #include <QPointer>
 #include <QRectF>
 #include <QTimer>
+#include <QVector>
 
+#include <array>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -34,6 +37,9 @@ class OssSnImageSetNodeBase;
 /// Every stroke is on disk when it ends (PaintJournal), and the copy of unsaved work names it: a crash
 /// costs none. When the user rests, pixel files are made that have the paint on them; baking takes them as
 /// they are.
+///
+/// What is painted may go to several nodes at once, as the channels of a material: each stroke is then one
+/// on each of them, in a colour of its own, and one step.
 class PaintSession : public QObject
 {
     Q_OBJECT
@@ -49,11 +55,23 @@ public:
     /// False when the user did not want to leave the paint on the node before.
     bool setNode(OssSnImageSetNodeBase *node);
 
+    /// Other nodes that strokes go to as well. False when the user did not want to leave the paint on those
+    /// before.
+    bool setAlong(const QVector<OssSnImageSetNodeBase *> &nodes);
+    QVector<OssSnImageSetNodeBase *> along() const;
+    /// Scene-linear; what strokes leave on one of them.
+    OssColor colorAlong(const OssSnImageSetNodeBase *node) const;
+    void setColorAlong(const OssSnImageSetNodeBase *node, const OssColor &color);
+
+    /// Whether there is paint that is in no image yet, on whatever node.
+    bool hasPaint() const;
+
     /// How large the brush is on patches that lie flat: in texels, of which a pixel takes so many.
     double flatRadius(double pixel) const;
     /// The object that is painted on; null when there is none.
     std::shared_ptr<const OssEvMesh> mesh() const;
 
+    /// Of node() alone.
     const OssEvPaintBuffer &buffer() const { return m_buffer; }
 
     /// Whether an eraser's stroke over images is baked at once, as one step with it: while what is
@@ -91,7 +109,7 @@ public:
     /// Where the last stroke on patches ended, for one that goes on from there.
     std::optional<QPointF> lastPlace() const { return m_lastPlace; }
 
-    // --- the buffer as a whole
+    // --- all paint
     void clear();
     /// Composes the paint over the images on a worker, while the user's input waits.
     OssResult bake();
@@ -114,6 +132,19 @@ private:
         Show,
         Quietly, ///< the pictures show what becomes of it already
     };
+
+    /// One of those that a session has for other nodes.
+    explicit PaintSession(PaintSession *leader);
+
+    /// Those with a node.
+    std::vector<PaintSession *> inUse() const;
+    PaintSession *spare();
+    bool areReady();
+    /// As one of another resolution has it.
+    PaintStart startOf(const PaintSession &along, const PaintStart &start) const;
+    void clearOwn();
+    OssResult bakeOwn();
+    void takeUp(OssImageSet *images, const QString &name);
 
     using MakeStroke = std::function<std::unique_ptr<OssEvStroke>(OssEvPaintBuffer *)>;
 
@@ -166,6 +197,10 @@ private:
     std::unique_ptr<EveryMove> m_everyMove;             ///< during a stroke
     std::unique_ptr<OssUndoManager::AutoMacro> m_macro; ///< of the stroke in hand
     std::optional<QPointF> m_lastPlace;
+    std::vector<std::unique_ptr<PaintSession>> m_along; ///< kept, as the history needs them
+    PaintSession *m_leader = nullptr;                   ///< along which it is
+    std::array<float, 3> m_ownColor{0.5F, 0.5F, 0.5F};  ///< instead of the brush's, with a leader
+    double m_scale = 1.0;                               ///< texels for one of the leader's
     mutable std::weak_ptr<const OssEvMesh> m_measured;
     mutable double m_meanTexel = 0.0;     ///< of what was measured, in a patch of one texel
     mutable QHash<QString, int> m_widths; ///< of pixel files, which never change

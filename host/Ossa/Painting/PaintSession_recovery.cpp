@@ -36,19 +36,25 @@ void PaintSession::recover()
             const QString name = images->unbakedPaint();
             if (name.isEmpty())
                 continue;
-            OssEvPaintBuffer paint;
-            const OssResult read = PaintJournal::read(name, &paint);
-            if (!read || !m_buffer.isEmpty()) {
-                images->setUnbakedPaint({});
-                OssDebug("PaintSession", __LINE__, "[ !! ] %s", qPrintable(read.error()));
-                OssStatusManager::instance()->showMessage(read.error());
-                continue;
-            }
-            m_images = images;
-            m_buffer = std::move(paint);
-            m_journal.resume(name, m_buffer.resolution());
-            noteChange();
-            Q_EMIT stateChanged();
+            PaintSession *taker = m_buffer.isEmpty() ? this : spare();
+            taker->takeUp(images, name);
         }
     }
+}
+
+void PaintSession::takeUp(OssImageSet *images, const QString &name)
+{
+    OssEvPaintBuffer paint;
+    const OssResult read = PaintJournal::read(name, &paint);
+    if (!read) {
+        images->setUnbakedPaint({});
+        OssDebug("PaintSession", __LINE__, "[ !! ] %s", qPrintable(read.error()));
+        OssStatusManager::instance()->showMessage(read.error());
+        return;
+    }
+    m_images = images;
+    m_buffer = std::move(paint);
+    m_journal.resume(name, m_buffer.resolution());
+    noteChange();
+    Q_EMIT stateChanged();
 }

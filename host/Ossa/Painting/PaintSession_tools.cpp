@@ -55,7 +55,11 @@ std::optional<OssEvStroke::Line> lineOf(const PaintStart &start, const std::opti
 std::shared_ptr<OssEvPaintSurface> PaintSession::surface() const
 {
     const std::shared_ptr<const OssEvMesh> object = mesh();
-    return object ? m_surfaces.find(object, texelsAcross()) : nullptr;
+    if (!object)
+        return nullptr;
+    if (const auto shared = m_leader ? m_leader->m_surfaces.find(object, texelsAcross()) : nullptr)
+        return shared;
+    return m_surfaces.find(object, texelsAcross());
 }
 
 void PaintSession::wantSurface()
@@ -68,6 +72,12 @@ OssEvBrush PaintSession::brushAt(const PaintStart &start) const
 {
     OssEvBrush used = Brushes::instance()->brush();
     const QTransform &sheet = start.toSheet;
+    if (m_leader != nullptr) {
+        used.color = m_ownColor;
+        used.picture.reset(); // its colours are those of another channel
+    }
+    if (used.sizeIn == OssEvBrush::SizeIn::Texels)
+        used.radius *= m_scale;
     used.toSheet = {sheet.m11(), sheet.m21(), sheet.dx(), sheet.m12(), sheet.m22(), sheet.dy()};
     if (start.cloneFrom)
         used.cloneFrom = {start.cloneFrom->x(), start.cloneFrom->y()};
@@ -215,13 +225,29 @@ void waitFor(const std::shared_ptr<Fill> &fill)
 
 bool PaintSession::fill(const PaintStart &start, const std::optional<QPointF> &end)
 {
-    return fillWith(flatStroke(start), lineOf(start, end));
+    if (!areReady())
+        return false;
+    const OssUndoManager::AutoMacro macro(stepName());
+    const bool filled = fillWith(flatStroke(start), lineOf(start, end));
+    for (PaintSession *along : inUse()) {
+        if (filled)
+            along->fill(startOf(*along, start), end);
+    }
+    return filled;
 }
 
 bool PaintSession::fillOn(const OssEvSurfaceStroke::ViewPointer &view, const PaintStart &start,
                           const std::optional<QPointF> &end)
 {
-    return fillWith(objectStroke(view, start), lineOf(start, end));
+    if (!areReady())
+        return false;
+    const OssUndoManager::AutoMacro macro(stepName());
+    const bool filled = fillWith(objectStroke(view, start), lineOf(start, end));
+    for (PaintSession *along : inUse()) {
+        if (filled)
+            along->fillOn(view, startOf(*along, start), end);
+    }
+    return filled;
 }
 
 bool PaintSession::fillWith(const MakeStroke &make, const std::optional<OssEvStroke::Line> &line)

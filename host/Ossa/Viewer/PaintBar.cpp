@@ -3,8 +3,10 @@
 #include "Ossa/Commands/Commands.h"
 #include "Ossa/Painting/Brushes.h"
 #include "Ossa/Painting/BrushFields.h"
+#include "Ossa/Painting/PaintNodes.h"
 #include "Ossa/Painting/PaintSession.h"
 #include "Ossa/Viewer/ViewerSource.h"
+#include "OssCore/Program/OssStatusManager.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssCore/Values/OssColor.h"
 #include "OssInterface/Palettes/OssPalette.h"
@@ -15,7 +17,8 @@
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Images/OssColorManagement.h"
 #include "OssModel/Images/OssDisplayColor.h"
-#include "OssModel/Nodes/OssSnChannelInputNode.h"
+#include "OssModel/Nodes/OssSnImageSetNodeBase.h"
+#include "OssModel/Objects/OssImageSet.h"
 
 #include <QColorDialog>
 #include <QComboBox>
@@ -33,6 +36,7 @@
 namespace {
 
 constexpr double largestInWorld = 1e6;
+constexpr double largestAlong = 1000.0;
 const QString brushesPalette = QStringLiteral("brushes_palette");
 constexpr int hundred = 100;
 constexpr int swatchSize = 16;
@@ -40,26 +44,6 @@ constexpr int swatchSize = 16;
 QString command(const char *name)
 {
     return QStringLiteral("/Ossa/Viewer/") + QLatin1String(name);
-}
-
-QList<OssSnChannelInputNode *> paintNodes(const OssShaderNetwork *network)
-{
-    QList<OssSnChannelInputNode *> found;
-    const QList<OssSnBaseNode *> nodes = network ? network->getAllNodes()
-                                                 : QList<OssSnBaseNode *>();
-    for (OssSnBaseNode *node : nodes) {
-        if (auto *paint = qobject_cast<OssSnChannelInputNode *>(node))
-            found.append(paint);
-    }
-    return found;
-}
-
-void placeLeftOf(OssSnBaseNode *fed, OssSnBaseNode *node)
-{
-    // It fails where nobody shows nodes, and there they lie anywhere.
-    const OssResult placed = OssShaderNetworkManager::instance()->requestArrangement(
-        {fed, node}, OssShaderNetworkManager::PlaceLeft);
-    Q_UNUSED(placed)
 }
 
 OssShaderNetwork *currentNetwork()
@@ -103,11 +87,13 @@ PaintBar::PaintBar(PaintSession *session, const ViewerSource *source, QWidget *p
     , m_clear(new QToolButton(this))
     , m_bake(new QToolButton(this))
     , m_hint(new QLabel(this))
+    , m_along(new QHBoxLayout)
 {
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(4);
     layout->addLayout(makeNodeRow());
+    layout->addLayout(m_along);
     layout->addLayout(makeBrushRow());
     layout->addLayout(makeToolRow());
     m_hint->setObjectName(QStringLiteral("Muted"));
@@ -139,6 +125,10 @@ QHBoxLayout *PaintBar::makeNodeRow()
     add->setText(tr("New"));
     Commands::describe(add, {command("New Paint")});
     connect(add, &QToolButton::clicked, this, &PaintBar::makeNode);
+    auto *layer = new QToolButton(this);
+    layer->setText(tr("New Layer"));
+    Commands::describe(layer, {command("New Paint Layer")});
+    connect(layer, &QToolButton::clicked, this, &PaintBar::makeLayer);
     m_clear->setText(tr("Clear"));
     Commands::describe(m_clear, {command("Clear Paint")});
     connect(m_clear, &QToolButton::clicked, m_session, &PaintSession::clear);
@@ -147,6 +137,7 @@ QHBoxLayout *PaintBar::makeNodeRow()
     connect(m_bake, &QToolButton::clicked, this, &PaintBar::bake);
     row->addWidget(m_nodes, 1);
     row->addWidget(add);
+    row->addWidget(layer);
     row->addWidget(m_clear);
     row->addWidget(m_bake);
     return row;
@@ -234,38 +225,146 @@ void PaintBar::refresh()
     if (!isVisible())
         return;
     const OssShaderNetwork *network = currentNetwork();
-    const QList<OssSnChannelInputNode *> nodes = paintNodes(network);
+    const PaintNodes::Nodes selected = PaintNodes::selected(network);
+    PaintNodes::Nodes nodes = PaintNodes::all(network);
+    for (OssSnImageSetNodeBase *node : selected) {
+        if (!nodes.contains(node)) // it is in a group
+            nodes.append(node);
+    }
     const QSignalBlocker blocker(m_nodes);
     m_nodes->clear();
     m_choices.clear();
-    OssSnChannelInputNode *selected = nullptr;
-    for (OssSnChannelInputNode *node : nodes) {
+    for (OssSnImageSetNodeBase *node : nodes) {
         m_nodes->addItem(node->name());
         m_choices.append(node);
-        if (node->selected())
-            selected = node;
     }
-    // A choice made here stands until another node is selected.
-    const bool follows = selected && selected != m_selected;
-    m_selected = selected;
+    // A choice made here stands until others are selected.
+    const QVector<QPointer<OssSnImageSetNodeBase>> now(selected.cbegin(), selected.cend());
+    const bool follows = !selected.isEmpty() && now != m_selected;
+    m_selected = now;
     OssSnImageSetNodeBase *wanted = m_session->node();
     if (follows)
-        wanted = selected;
-    else if (!nodes.isEmpty() && !nodes.contains(qobject_cast<OssSnChannelInputNode *>(wanted)))
+        wanted = selected.first();
+    else if (!nodes.isEmpty() && !nodes.contains(wanted))
         wanted = nodes.first();
     // Never while something is being undone or made: leaving other paint may be an edit itself.
     const OssUndoManager *history = OssUndoManager::instance();
-    if (history->isRecording() && !history->isMacroOpen())
-        m_session->setNode(wanted);
+    if (history->isRecording() && !history->isMacroOpen()) {
+        if (follows && m_session->setAlong({}))
+            m_session->setNode(wanted);
+        else if (!follows)
+            m_session->setNode(wanted);
+        if (follows && m_session->node() == wanted)
+            m_session->setAlong(selected.mid(1));
+    }
     showState();
 }
 
 void PaintBar::chooseNode(int index)
 {
     // The list is made anew when something changes: what it names may have gone just now.
-    if (OssSnImageSetNodeBase *node = m_choices.value(index))
+    OssSnImageSetNodeBase *node = m_choices.value(index);
+    if (node && m_session->setAlong({}))
         m_session->setNode(node);
     refresh();
+}
+
+void PaintBar::makeLayer()
+{
+    OssSolo::instance()->end();
+    OssSnBaseNode *shader = PaintNodes::shownShader(currentNetwork());
+    if (!shader) {
+        OssStatusManager::instance()->showMessage(
+            tr("A layer lies over a material: connect one to the viewer"));
+        return;
+    }
+    const PaintNodes::Nodes made = PaintNodes::makeLayer(shader);
+    if (made.isEmpty())
+        OssStatusManager::instance()->showMessage(
+            tr("\"%1\" takes none of color, roughness, metal and displacement")
+                .arg(shader->name()));
+    if (made.isEmpty() || !m_session->setAlong({}) || !m_session->setNode(made.first()))
+        return;
+    m_session->setAlong(made.mid(1));
+    refresh();
+}
+
+/// The other nodes, each with what strokes leave on it.
+void PaintBar::showAlong()
+{
+    decltype(m_shownAlong) now;
+    const QVector<OssSnImageSetNodeBase *> nodes = m_session->along();
+    for (OssSnImageSetNodeBase *node : nodes)
+        now.append({node, node->name(), node->imageSet() && node->imageSet()->isScalar()});
+    if (now != m_shownAlong) {
+        m_shownAlong = now;
+        m_showColors.clear();
+        while (QLayoutItem *item = m_along->takeAt(0)) {
+            if (item->widget())
+                item->widget()->deleteLater();
+            delete item;
+        }
+        if (!nodes.isEmpty())
+            m_along->addWidget(new QLabel(tr("Along with it"), this));
+        for (OssSnImageSetNodeBase *node : nodes) {
+            const bool isScalar = node->imageSet() && node->imageSet()->isScalar();
+            m_along->addWidget(isScalar ? makeNumberAlong(node) : makeColorAlong(node));
+        }
+        m_along->addStretch(1);
+    }
+    for (const auto &show : qAsConst(m_showColors))
+        show();
+}
+
+QWidget *PaintBar::makeColorAlong(OssSnImageSetNodeBase *node)
+{
+    auto *button = new QToolButton(this);
+    button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    button->setText(QString(node->name()).replace(QLatin1Char('&'), QStringLiteral("&&")));
+    button->setToolTip(tr("What each stroke leaves on \"%1\"").arg(node->name()));
+    const QPointer<OssSnImageSetNodeBase> painted = node;
+    connect(button, &QToolButton::clicked, this, [this, painted] {
+        if (painted)
+            pickColorAlong(painted);
+    });
+    m_showColors.append([this, button, painted] {
+        button->setIcon(swatch(OssDisplayColor::ofLinear(m_session->colorAlong(painted))));
+    });
+    return button;
+}
+
+QWidget *PaintBar::makeNumberAlong(OssSnImageSetNodeBase *node)
+{
+    auto *field = new QDoubleSpinBox(this);
+    field->setRange(-largestAlong, largestAlong);
+    field->setDecimals(3);
+    field->setSingleStep(0.05);
+    field->setPrefix(node->name() + QLatin1Char(' '));
+    field->setAccessibleName(node->name());
+    field->setToolTip(tr("What each stroke leaves on \"%1\"").arg(node->name()));
+    const QPointer<OssSnImageSetNodeBase> painted = node;
+    connect(field, qOverload<double>(&QDoubleSpinBox::valueChanged), this,
+            [this, painted](double value) {
+                if (painted)
+                    m_session->setColorAlong(painted, OssColor(value, value, value));
+            });
+    m_showColors.append([this, field, painted] {
+        const double value = m_session->colorAlong(painted).red();
+        const QSignalBlocker blocker(field);
+        if (!isShown(*field, value))
+            field->setValue(value);
+    });
+    return field;
+}
+
+void PaintBar::pickColorAlong(OssSnImageSetNodeBase *node)
+{
+    const QPointer<OssSnImageSetNodeBase> painted = node;
+    const QColor picked = QColorDialog::getColor(
+        OssDisplayColor::ofLinear(m_session->colorAlong(node)), this,
+        tr("Color on \"%1\"").arg(node->name()));
+    if (picked.isValid() && painted)
+        m_session->setColorAlong(painted, OssDisplayColor::toLinear(picked));
 }
 
 void PaintBar::makeNode()
@@ -283,25 +382,27 @@ void PaintBar::makeNode()
     OssSnBaseNode *shown = viewer->inputNode(input);
     if (!shown || shown->network() != network) {
         viewer->setInputNode(input, paint, paint->prefferedOutputPoint());
-        placeLeftOf(viewer, paint);
+        PaintNodes::placeLeftOf(viewer, paint);
     } else {
         const QString output = viewer->inputOutputPoint(input);
         OssSnBaseNode *merge = network->createNode(QStringLiteral("Layer/Merge"), {});
         merge->setInputNode(QStringLiteral("Base"), shown, output);
         merge->setInputNode(QStringLiteral("Over"), paint, paint->prefferedOutputPoint());
         viewer->setInputNode(input, merge, merge->prefferedOutputPoint());
-        placeLeftOf(viewer, merge);
-        placeLeftOf(merge, paint);
+        PaintNodes::placeLeftOf(viewer, merge);
+        PaintNodes::placeLeftOf(merge, paint);
     }
     OssShaderNetworkManager::instance()->requestSight(paint);
-    m_session->setNode(qobject_cast<OssSnImageSetNodeBase *>(paint));
+    if (m_session->setAlong({}))
+        m_session->setNode(qobject_cast<OssSnImageSetNodeBase *>(paint));
 }
 
 void PaintBar::showState()
 {
     OssSnImageSetNodeBase *node = m_session->node();
     m_nodes->setCurrentIndex(node ? m_choices.indexOf(node) : -1);
-    const bool hasPaint = !m_session->buffer().isEmpty();
+    const bool hasPaint = m_session->hasPaint();
+    showAlong();
     m_clear->setEnabled(hasPaint);
     m_bake->setEnabled(hasPaint);
     QString hint;

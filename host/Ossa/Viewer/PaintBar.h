@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <optional>
+#include <tuple>
 
 class OssSnBaseNode;
 class OssSnImageSetNodeBase;
@@ -34,6 +35,8 @@ public:
     void refresh();
     /// Puts a new paint node over what the viewer shows and paints on it. One undo step.
     void makeNode();
+    /// Paint over several channels of the shown material, painted on at once. One undo step.
+    void makeLayer();
     /// Tells the user when it fails.
     void bake();
 
@@ -48,6 +51,10 @@ private:
     QSpinBox *makeField(const QString &prefix, const QString &suffix, int least, int most,
                         const QString &name);
     void chooseNode(int index);
+    void showAlong();
+    QWidget *makeColorAlong(OssSnImageSetNodeBase *node);
+    QWidget *makeNumberAlong(OssSnImageSetNodeBase *node);
+    void pickColorAlong(OssSnImageSetNodeBase *node);
     void pickColor();
     void showBrush();
     void showSize();
@@ -69,5 +76,8 @@ private:
     QToolButton *m_clear;
     QToolButton *m_bake;
     QLabel *m_hint;
-    QPointer<OssSnBaseNode> m_selected; ///< the selected paint node when it was last looked
+    QVector<QPointer<OssSnImageSetNodeBase>> m_selected; ///< paint nodes when it was last looked
+    QVector<std::tuple<const void *, QString, bool>> m_shownAlong; ///< nodes, and whether scalar
+    QVector<std::function<void()>> m_showColors;                   ///< of these
+    QHBoxLayout *m_along; ///< a button for each other node that is painted on
 };

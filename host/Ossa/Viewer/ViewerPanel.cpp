@@ -259,6 +259,10 @@ void ViewerPanel::fileCommands()
         m_paint->setChecked(true);
         m_paintBar->makeNode();
     });
+    file("New Paint Layer", [this] {
+        m_paint->setChecked(true);
+        m_paintBar->makeLayer();
+    });
     for (const auto &[name, tool] : tools)
         file(name, [tool = tool] { Brushes::instance()->toggleTool(tool); });
     file("Smaller Brush", [] { Brushes::instance()->scale(1.0 / sizeStep); });

@@ -1,0 +1,55 @@
+#include "OssEvaluation/Paint/OssEvPaintGround.h"
+#include "OssModel/Images/OssPixelStore.h"
+#include "PaintFixture.h"
+
+namespace {
+
+/// Several nodes that are painted on at once.
+using PaintLayer = PaintFixture;
+
+TEST_F(PaintLayer, severalNodesAreOneStepOfTheHistoryEachInItsOwnColor)
+{
+    OssSnImageSetNodeBase *rough = paintNode();
+    rough->imageSet()->setResolution(2 * Resolution);
+    rough->imageSet()->setScalar(true);
+    history()->clear();
+    ASSERT_TRUE(m_session->setAlong({rough}));
+    m_session->setColorAlong(rough, OssColor(0.25, 0.25, 0.25));
+    dab();
+    EXPECT_EQ(undoCount(), 1);
+    ASSERT_TRUE(m_session->bake());
+    EXPECT_EQ(undoCount(), 2);
+    // Both have it, at the same place and of the same size.
+    const auto value = [](OssSnImageSetNodeBase *node, double u) {
+        const QString pixels = node->imageSet()->pixels().value(1001);
+        OssEvPaintGround ground({{{1001, OssPixelStore::find(pixels, {}).toStdString()}},
+                                 node->imageSet()->resolution(),
+                                 node->imageSet()->isScalar()});
+        const int texel = int(u * node->imageSet()->resolution());
+        const auto tile = ground.tile({1001, texel / 128, texel / 128});
+        return tile ? std::array{tile->texel(0, texel % 128, texel % 128),
+                                 tile->texel(3, texel % 128, texel % 128)}
+                    : std::array{-1.0F, -1.0F};
+    };
+    EXPECT_EQ(value(m_paint, 0.5)[0], 1.0F);
+    EXPECT_EQ(value(rough, 0.5)[0], 0.25F);
+    EXPECT_EQ(value(m_paint, 0.5 + 3.0 / 64.0)[1], 1.0F);
+    EXPECT_EQ(value(rough, 0.5 + 3.0 / 64.0)[1], 1.0F);
+    EXPECT_EQ(value(m_paint, 0.6)[1], 0.0F);
+    EXPECT_EQ(value(rough, 0.6)[1], 0.0F);
+    history()->undo();
+    EXPECT_TRUE(m_session->hasPaint());
+    history()->undo();
+    EXPECT_FALSE(m_session->hasPaint());
+    history()->redo();
+    EXPECT_TRUE(m_session->hasPaint());
+    // Who leaves one of them leaves its paint in its images.
+    ASSERT_TRUE(m_session->setAlong({}));
+    EXPECT_TRUE(rough->imageSet()->pixels().contains(1001));
+    EXPECT_FALSE(images()->pixels().contains(1001));
+    EXPECT_TRUE(hasPaint());
+    m_session->clear();
+    EXPECT_FALSE(m_session->hasPaint());
+}
+
+} // namespace

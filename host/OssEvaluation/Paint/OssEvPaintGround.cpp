@@ -1,7 +1,6 @@
 #include "OssEvaluation/Paint/OssEvPaintGround.h"
 
 #include "OssEvaluation/Paint/OssEvBetween.h"
-#include "OssEvaluation/Values/OssEvHalf.h"
 #include "OssEvaluation/Values/OssEvPatch.h"
 
 #include <algorithm>
@@ -49,14 +48,7 @@ OssEvTilePointer OssEvPaintGround::tile(const OssEvPaintBuffer::Place &place)
         m_state = read;
         return nullptr;
     }
-    auto made = std::make_shared<OssEvTile>(4, OssEvTile::Format::Half);
-    const int last = m_images.resolution - 1;
-    for (int index = 0; index < OssEvTile::Texels; ++index) {
-        const Color color = image->texel(std::min(place.x * Size + index % Size, last),
-                                         std::min(place.y * Size + index / Size, last));
-        for (int c = 0; c < 4; ++c)
-            made->halfPlane(c)[index] = OssEvHalf::fromFloat(color[std::size_t(c)]);
-    }
+    OssEvTilePointer made = image->tile(place.x, place.y);
     if (m_tiles.size() >= MostTiles)
         m_tiles.clear();
     m_tiles[place] = made;

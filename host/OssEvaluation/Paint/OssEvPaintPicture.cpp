@@ -6,6 +6,7 @@
 #include "OssEvaluation/Values/OssEvCancel.h"
 #include "OssEvaluation/Values/OssEvHalf.h"
 #include "OssEvaluation/Values/OssEvPatch.h"
+#include "OssEvaluation/Values/OssEvRegion.h"
 
 #include <algorithm>
 #include <cmath>
@@ -34,6 +35,24 @@ int patchOf(const std::string &path)
     return OssEvPatch::First;
 }
 
+/// Puts a tile into the pixels of a picture whose size is that of `at`, at its place.
+void take(const OssEvTile &tile, const OssEvRegion &at,
+          std::vector<OssEvPaintPicture::Color> *pixels)
+{
+    for (int y = 0; y < std::min(Size, at.height - at.y); ++y) {
+        for (int x = 0; x < std::min(Size, at.width - at.x); ++x) {
+            const auto index = std::size_t(at.y + y) * std::size_t(at.width)
+                               + std::size_t(at.x + x);
+            OssEvPaintPicture::Color &color = (*pixels)[index];
+            color[3] = 1.0F;
+            for (int c = 0; c < tile.channels(); ++c)
+                color[std::size_t(c)] = tile.texel(c, x, y);
+            if (tile.channels() == 1)
+                color[1] = color[2] = color[0];
+        }
+    }
+}
+
 } // namespace
 
 OssEvResult OssEvPaintPicture::read(const std::string &path,
@@ -58,16 +77,7 @@ OssEvResult OssEvPaintPicture::read(const std::string &path,
         const int height = std::max(1, info.height >> reduction);
         std::vector<Color> pixels(std::size_t(width) * std::size_t(height));
         const auto keep = [&](int column, int row, const OssEvTilePointer &tile) {
-            for (int y = row * Size; y < std::min(height, (row + 1) * Size); ++y) {
-                for (int x = column * Size; x < std::min(width, (column + 1) * Size); ++x) {
-                    Color &color = pixels[std::size_t(y) * std::size_t(width) + std::size_t(x)];
-                    color[3] = 1.0F;
-                    for (int c = 0; c < tile->channels(); ++c)
-                        color[std::size_t(c)] = tile->texel(c, x % Size, y % Size);
-                    if (tile->channels() == 1)
-                        color[1] = color[2] = color[0];
-                }
-            }
+            take(*tile, {column * Size, row * Size, width, height}, &pixels);
         };
         const int rows = info.isSequential ? 1 : OssEvTilesAcross(height);
         for (int row = 0; row < rows; ++row) {

@@ -3,7 +3,7 @@
 #include "OssEvaluation/Files/OssEvImageFiles.h"
 #include "OssEvaluation/Paint/OssEvBetween.h"
 #include "OssEvaluation/Values/OssEvCancel.h"
-#include "OssEvaluation/Values/OssEvTile.h"
+#include "OssEvaluation/Values/OssEvHalf.h"
 
 #include <algorithm>
 #include <map>
@@ -135,4 +135,17 @@ OssEvPatchImage::Color OssEvPatchImage::texel(int x, int y) const
         return d->texel(x, y);
     return d->between((x + 0.5) * d->info.width / d->resolution - 0.5,
                       (y + 0.5) * d->info.height / d->resolution - 0.5);
+}
+
+OssEvTilePointer OssEvPatchImage::tile(int column, int row) const
+{
+    auto made = std::make_shared<OssEvTile>(4, OssEvTile::Format::Half);
+    const int last = d->resolution - 1;
+    for (int index = 0; index < OssEvTile::Texels; ++index) {
+        const Color color = texel(std::min(column * Size + index % Size, last),
+                                  std::min(row * Size + index / Size, last));
+        for (int c = 0; c < 4; ++c)
+            made->halfPlane(c)[index] = OssEvHalf::fromFloat(color[std::size_t(c)]);
+    }
+    return made;
 }

@@ -3,6 +3,7 @@
 #include "OssEvaluation/Files/OssEvColorSpaces.h"
 #include "OssEvaluation/OssEvaluation_export.h"
 #include "OssEvaluation/Values/OssEvResult.h"
+#include "OssEvaluation/Values/OssEvTile.h"
 
 #include <array>
 #include <memory>
@@ -35,6 +36,10 @@ public:
 
     /// In texels of the paint, from the top; of a row that was asked for.
     Color texel(int x, int y) const;
+
+    /// A tile of the paint's of such a row, with four channels of half floats; beyond the edge it goes on as
+    /// it ends. Throws std::bad_alloc.
+    OssEvTilePointer tile(int column, int row) const;
 
 private:
     struct Private;

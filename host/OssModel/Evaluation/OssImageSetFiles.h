@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OssEvaluation/Files/OssEvImageFiles.h"
+#include "OssModel/Images/OssLivePaint.h"
 #include "OssModel/OssModel_export.h"
 
 #include <QString>
@@ -8,12 +9,13 @@
 class OssSnBaseNode;
 
 /// Images as the document knows them: files by their paths, and image sets, whose patches are files
-/// of the pixel store. What it needs of a set is in the image's name, so workers ask no document.
+/// of the pixel store, with the paint on them that is in no file yet. What it needs of a set is in the image's name, so workers ask no document.
 class OSSMODEL_EXPORT OssImageSetFiles : public OssEvImageFiles
 {
 public:
-    OssImageSetFiles(OssEvFileColors colors, std::shared_ptr<OssEvFileContents> contents)
-        : OssEvImageFiles(std::move(colors), std::move(contents))
+    OssImageSetFiles(const OssEvFileColors &colors, std::shared_ptr<OssEvFileContents> contents)
+        : OssEvImageFiles(colors, std::move(contents))
+        , m_spaces(colors.spaces())
     {
     }
 
@@ -32,4 +34,12 @@ private:
     static bool toFile(const Image &image, Image *file, Identity *identity);
     /// The colour of such a patch, as the rest of its line; empty when it is transparent.
     static std::string fillOf(const Image &image);
+    /// Paint on the patch that is in no file yet; fails when it has gone meanwhile.
+    static OssEvResult findPaint(const Image &image, OssLivePaint::Pointer *live);
+    /// What is under such paint.
+    OssEvResult describeBeneath(const Image &image, OssEvImageInfo *info);
+    OssEvResult readPainted(const OssLivePaint &live, const Image &image, int reduction,
+                            int tileRow, const OssEvCancel &cancel, const Deliver &deliver);
+
+    OssEvColorSpaces::Pointer m_spaces;
 };

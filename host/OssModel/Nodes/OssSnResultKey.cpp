@@ -8,6 +8,7 @@
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Images/OssColorManagement.h"
 #include "OssModel/Images/OssFileWatch.h"
+#include "OssModel/Images/OssLivePaint.h"
 #include "OssModel/Nodes/OssNodeFiles.h"
 #include "OssModel/Nodes/OssSnUpstream.h"
 #include "OssModel/Objects/OssImageSet.h"
@@ -99,6 +100,9 @@ private:
             const QMap<int, QString> pixels = images->pixels();
             for (auto at = pixels.cbegin(); at != pixels.cend(); ++at)
                 add(QString::number(at.key()) + at.value());
+            if (images->livePaint())
+                hash.addData("live paint "
+                             + QByteArray::number(qulonglong(images->livePaint()->id())));
         }
         for (const Place &source : sources)
             hash.addData(source.first ? m_keys.value(source) : QByteArray("-"));

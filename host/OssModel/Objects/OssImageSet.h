@@ -8,7 +8,10 @@
 #include <QMap>
 #include <QPointer>
 
+#include <memory>
+
 class OssChannel;
+class OssLivePaint;
 
 /// The images of one texture, one per UDIM patch, and how they are to be understood. Saved with the
 /// shading context that owns it.
@@ -80,6 +83,11 @@ public:
 
     void setUnbakedPaint(const QString &name) { m_unbakedPaint = name; }
 
+    /// The same paint, as what is evaluated meanwhile shows it; null when there is none.
+    const std::shared_ptr<const OssLivePaint> &livePaint() const { return m_livePaint; }
+
+    void setLivePaint(std::shared_ptr<const OssLivePaint> paint) { m_livePaint = std::move(paint); }
+
     /// Of pixels that nothing was written to.
     OssColor fillColor() const { return m_fillColor; }
 
@@ -111,6 +119,7 @@ private:
     QString m_fileSpace;
     QMap<int, QString> m_pixels;
     QString m_unbakedPaint;
+    std::shared_ptr<const OssLivePaint> m_livePaint;
     bool m_scalar = false;
     OssColor m_fillColor{0.0, 0.0, 0.0, 0.0};
 };

@@ -11,6 +11,7 @@
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Images/OssLivePaint.h"
 #include "OssModel/Images/OssPixelStore.h"
 #include "OssModel/Nodes/OssSnImageSetNodeBase.h"
 #include "OssModel/Objects/OssImageSet.h"
@@ -215,7 +216,7 @@ bool PaintSession::makeRoom()
     return true;
 }
 
-bool PaintSession::start(const MakeStroke &make)
+bool PaintSession::prepare(const MakeStroke &make)
 {
     if (!makeRoom())
         return false;
@@ -227,25 +228,25 @@ bool PaintSession::start(const MakeStroke &make)
     return true;
 }
 
-bool PaintSession::begin(const PaintStart &from)
+bool PaintSession::begin(const PaintStart &start)
 {
-    if (!areReady() || !start(flatStroke(from)))
+    if (!areReady() || !prepare(flatStroke(start)))
         return false;
     for (PaintSession *along : inUse())
-        along->begin(startOf(*along, from));
-    m_lastPlace = from.place;
-    moveTo(from.place, from.pressure);
+        along->begin(startOf(*along, start));
+    m_lastPlace = start.place;
+    moveTo(start.place, start.pressure);
     return true;
 }
 
-bool PaintSession::beginOn(const OssEvSurfaceStroke::ViewPointer &view, const PaintStart &from)
+bool PaintSession::beginOn(const OssEvSurfaceStroke::ViewPointer &view, const PaintStart &start)
 {
-    if (!areReady() || !start(objectStroke(view, from)))
+    if (!areReady() || !prepare(objectStroke(view, start)))
         return false;
     for (PaintSession *along : inUse())
-        along->beginOn(view, startOf(*along, from));
+        along->beginOn(view, startOf(*along, start));
     m_lastPlace.reset(); // it is no place of a patch
-    moveTo(from.place, from.pressure);
+    moveTo(start.place, start.pressure);
     return true;
 }
 
@@ -306,17 +307,11 @@ void PaintSession::finishStep(const std::vector<OssEvStroke::Change> &changes)
 {
     noteChange();
     const bool isLarge = m_buffer.bytes() > bufferBytes;
-    const QMap<int, QString> pixels = m_images->pixels();
-    const bool changesImages = (brush().erases() || brush().looksBeneath()) && m_bakesErasing
-                               && std::any_of(changes.cbegin(), changes.cend(),
-                                              [&](const auto &change) {
-                                                  return pixels.contains(change.place.patch);
-                                              });
     if (!changes.empty())
         record(changes, PaintStep::Stroke);
-    const OssResult baked = isLarge || changesImages ? bakeOwn() : OssResult();
+    const OssResult baked = isLarge ? bakeOwn() : OssResult();
     m_macro.reset();
-    if (isLarge || changesImages) // no journal holds what is in the images
+    if (isLarge) // no journal holds what is in the images
         Q_EMIT OssProjectManager::instance()->copyWanted();
     Tiles now;
     for (const OssEvStroke::Change &change : changes)
@@ -350,7 +345,7 @@ void PaintSession::setTiles(OssImageSet *images, int resolution, const Tiles &ti
         m_buffer = OssEvPaintBuffer(resolution);
     m_images = images;
     if (notice == Quietly)
-        Q_EMIT baked();
+        Q_EMIT settled();
     for (const auto &entry : tiles)
         m_buffer.setTile(entry.first, entry.second);
     noteChange();
@@ -455,8 +450,10 @@ void PaintSession::handleBakeBehavior(const OssImageSet *images)
                 .arg(images->name()),
             QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes);
         m_wasRefused = answer != QMessageBox::Yes;
-        if (m_wasRefused)
+        if (m_wasRefused) {
+            m_images->setLivePaint(nullptr); // what reads the images now is to have none
             return;
+        }
     }
     bakeOrTell();
 }
@@ -467,6 +464,7 @@ void PaintSession::noteChange()
 {
     m_wasRefused = false;
     m_composer.giveUp();
+    publish();
     if (!m_buffer.isEmpty()) {
         m_rest.start();
         return;
@@ -476,6 +474,20 @@ void PaintSession::noteChange()
     m_journal.end();
     if (m_images)
         m_images->setUnbakedPaint({});
+}
+
+/// Has what is evaluated from now on show the paint.
+void PaintSession::publish()
+{
+    if (!m_images)
+        return;
+    m_images->setLivePaint(m_buffer.isEmpty() ? nullptr : OssLivePaint::publish(m_buffer));
+    Q_EMIT settled();
+}
+
+std::shared_ptr<const OssLivePaint> PaintSession::published() const
+{
+    return m_images ? m_images->livePaint() : nullptr;
 }
 
 void PaintSession::composeInAdvance()

@@ -22,6 +22,7 @@
 #include <optional>
 
 class OssImageSet;
+class OssLivePaint;
 class PaintTileStore;
 class OssSnImageSetNodeBase;
 
@@ -74,9 +75,8 @@ public:
     /// Of node() alone.
     const OssEvPaintBuffer &buffer() const { return m_buffer; }
 
-    /// Whether an eraser's stroke over images is baked at once, as one step with it: while what is
-    /// looked at lies behind the images, nothing else can tell what shows below.
-    void setBakesErasing(bool bakes) { m_bakesErasing = bakes; }
+    /// The paint of node() as it is evaluated, without the stroke in hand; null: there is none.
+    std::shared_ptr<const OssLivePaint> published() const;
 
     /// Texels across a patch of the paint.
     int texelsAcross() const;
@@ -117,8 +117,8 @@ public:
     void handleBakeBehavior(const OssImageSet *images);
 
 Q_SIGNALS:
-    /// The buffer's paint goes into the images, or comes back from them: the picture stays.
-    void baked();
+    /// The picture that is evaluated next will look as what is shown with the paint over it.
+    void settled();
     /// In parts of the patch, from its top left corner.
     void painted(int patch, const QRectF &area);
     /// There is paint where there was none, or none any more; or another node.
@@ -151,7 +151,7 @@ private:
     /// Gets the buffer ready for a stroke.
     bool makeRoom();
     /// Gets ready for a stroke, which is made when the buffer is.
-    bool start(const MakeStroke &make);
+    bool prepare(const MakeStroke &make);
     MakeStroke flatStroke(const PaintStart &start);
     MakeStroke objectStroke(const OssEvSurfaceStroke::ViewPointer &view, const PaintStart &start);
     OssEvBrush brushAt(const PaintStart &start) const;
@@ -176,6 +176,7 @@ private:
     void record(const std::vector<OssEvStroke::Change> &changes, int kind);
     void removeAll(Notice notice);
     void noteChange();
+    void publish();
     void composeInAdvance();
     void keep(const PaintJournal::Tiles &tiles);
     void recover();
@@ -204,7 +205,6 @@ private:
     mutable std::weak_ptr<const OssEvMesh> m_measured;
     mutable double m_meanTexel = 0.0;     ///< of what was measured, in a patch of one texel
     mutable QHash<QString, int> m_widths; ///< of pixel files, which never change
-    bool m_bakesErasing = false;
-    bool m_isBusy = false;     ///< baking or filling: no stroke may begin
+    bool m_isBusy = false;                ///< baking or filling: no stroke may begin
     bool m_wasRefused = false; ///< the user left the paint out, and it has not changed since
 };

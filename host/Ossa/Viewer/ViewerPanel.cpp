@@ -136,6 +136,7 @@ void ViewerPanel::follow()
             [this](const QList<int> &patches, const QString &node, const QString &problem) {
                 showName(node);
                 followPaint();
+                m_pictures->setIncluded(m_session->published());
                 m_pictures->begin(patches, m_source->resolution(), problem);
                 const OssGeoEntity *entity = m_source->entity();
                 m_object->follow();
@@ -154,7 +155,7 @@ void ViewerPanel::follow()
     connect(m_view, &UvView::pointed, m_values, &QLabel::setText);
     m_pictures->setPaint(&m_session->buffer());
     connect(m_session, &PaintSession::painted, m_pictures, &ViewerPictures::showPaint);
-    connect(m_session, &PaintSession::baked, m_pictures, &ViewerPictures::expectSamePicture);
+    connect(m_session, &PaintSession::settled, m_pictures, &ViewerPictures::expectSamePicture);
     connect(m_session, &PaintSession::stateChanged, this, &ViewerPanel::followPaint);
     m_object->setCanvas(m_session);
     connect(m_view, &UvView::entered, this, [this] { welcomeBrush(m_view); });
@@ -355,9 +356,7 @@ QWidget *ViewerPanel::makeControls()
 
 void ViewerPanel::followPaint()
 {
-    const bool own = m_source->showsOnly(m_session->node());
-    m_pictures->setShowsOwnImages(own);
-    m_session->setBakesErasing(!own);
+    m_pictures->setShowsOwnImages(m_source->showsOnly(m_session->node()));
 }
 
 void ViewerPanel::setPainting(bool on)

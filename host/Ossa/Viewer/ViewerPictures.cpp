@@ -2,6 +2,7 @@
 
 #include "OssEvaluation/Paint/OssEvPaintBuffer.h"
 #include "OssEvaluation/Values/OssEvPatch.h"
+#include "OssModel/Images/OssLivePaint.h"
 
 #include <QPainter>
 
@@ -18,6 +19,7 @@ constexpr int tileSize = OssEvTile::Size;
 void ViewerPictures::begin(const QList<int> &patches, int resolution, const QString &problem)
 {
     m_problem = problem;
+    ++m_generation;
     if (resolution != m_resolution)
         m_patches.clear();
     m_resolution = resolution;
@@ -31,7 +33,6 @@ void ViewerPictures::begin(const QList<int> &patches, int resolution, const QStr
     }
     for (const int patch : patches) {
         Patch &entry = m_patches[patch];
-        entry.tiles.clear();
         entry.coarse.clear();
         if (!entry.picture.isNull())
             continue;
@@ -57,17 +58,22 @@ void ViewerPictures::setTile(int patch, int resolution, const QPoint &place, con
     painter.drawImage(area, picture);
     painter.end();
     const QPair<int, int> at(place.x() / tileSize, place.y() / tileSize);
+    const Tile arrived{tile, m_included, m_generation};
+    const QRect pixels = area.toAlignedRect() & found->picture.rect();
     if (resolution == m_resolution) {
-        found->tiles.insert(at, tile);
+        found->tiles.insert(at, arrived);
         const int across = OssEvTilesAcross(m_resolution);
         if (found->tiles.size() == across * across)
             found->coarse.clear();
     } else {
         found->coarseResolution = resolution;
-        found->coarse.insert(at, tile);
+        found->coarse.insert(at, arrived);
+        dropOlder(&*found, pixels, m_generation);
     }
-    const QRect pixels = area.toAlignedRect() & found->picture.rect();
-    if (m_paint && !m_paint->isEmpty())
+    const bool hasMore = m_paint
+                         && (!m_included ? !m_paint->isEmpty()
+                                         : m_paint->tiles() != m_included->paint().tiles());
+    if (hasMore)
         compose(patch, &*found, pixels, PaintedRows);
     Q_EMIT changed(patch, pixels);
 }
@@ -83,60 +89,118 @@ void ViewerPictures::showPaint(int patch, const QRectF &area)
     Q_EMIT changed(patch, pixels);
 }
 
+// Where a coarser picture has come nothing older is known any more.
+void ViewerPictures::dropOlder(Patch *patch, const QRect &area, int generation)
+{
+    for (int y = area.top() / tileSize; y <= area.bottom() / tileSize; ++y) {
+        for (int x = area.left() / tileSize; x <= area.right() / tileSize; ++x) {
+            const auto known = patch->tiles.find({x, y});
+            if (known != patch->tiles.end() && known->generation != generation)
+                patch->tiles.erase(known);
+        }
+    }
+}
+
 void ViewerPictures::compose(int number, Patch *patch, const QRect &area, Rows rows)
 {
-    const int count = area.width();
-    std::vector<OssEvPaintTile::Texel> paint(static_cast<std::size_t>(count));
-    std::vector<float> rgba(paint.size() * 4);
-    std::vector<QRgb> line(paint.size());
+    std::vector<OssEvPaintTile::Texel> paint(tileSize);
+    std::vector<float> rgba(std::size_t(tileSize) * 4);
+    std::vector<QRgb> line(tileSize);
     for (int y = area.top(); y <= area.bottom(); ++y) {
-        const bool isPainted = m_paint
-                               && m_paint->readRow(number, m_resolution, area.left(), y, count,
-                                                   paint.data());
-        if (!isPainted && rows == PaintedRows)
-            continue;
-        bool isColor = true;
-        readBeneath(*patch, area.left(), y, count, rgba.data(), &isColor);
-        for (std::size_t i = 0; isPainted && i < paint.size(); ++i)
-            cover(paint[i], &rgba[4 * i]);
-        ViewerPixels::show(rgba.data(), count, isColor, m_look, line.data());
-        auto *pixels = reinterpret_cast<QRgb *>(patch->picture.scanLine(y)) + area.left();
-        std::transform(line.cbegin(), line.cend(), pixels, [](QRgb c) { return qPremultiply(c); });
+        auto *pixels = reinterpret_cast<QRgb *>(patch->picture.scanLine(y));
+        for (int x = area.left(); x <= area.right();) {
+            bool isColor = true;
+            const Run run = readBeneath(*patch, x, y, area.right() + 1 - x, rgba.data(), &isColor);
+            const bool isPainted = readPaint(number, x, y, run, paint.data());
+            for (int i = 0; isPainted && i < run.count; ++i)
+                cover(paint[std::size_t(i)], &rgba[std::size_t(4 * i)]);
+            if (isPainted || rows == AllRows) {
+                ViewerPixels::show(rgba.data(), run.count, isColor, m_look, line.data());
+                std::transform(line.cbegin(), line.cbegin() + run.count, pixels + x,
+                               [](QRgb c) { return qPremultiply(c); });
+            }
+            x += run.count;
+        }
     }
+}
+
+namespace {
+
+constexpr float leastKeep = 0.004F; ///< below it is not known what lies beneath
+constexpr OssEvPaintTile::Texel Bare{0.0F, 0.0F, 0.0F, 0.0F, 1.0F};
+
+/// What makes of a texel with one paint on it the one with another.
+OssEvPaintTile::Texel since(const OssEvPaintTile::Texel &before, const OssEvPaintTile::Texel &now)
+{
+    if (before == now)
+        return Bare;
+    const float kept = before[OssEvPaintTile::Keep];
+    const float keeps = now[OssEvPaintTile::Keep];
+    if (kept < leastKeep)
+        return keeps < leastKeep ? now : Bare;
+    OssEvPaintTile::Texel change;
+    change[OssEvPaintTile::Keep] = keeps / kept;
+    for (std::size_t c = 0; c < 4; ++c)
+        change[c] = now[c] - change[OssEvPaintTile::Keep] * before[c];
+    return change;
+}
+
+} // namespace
+
+/// What of the paint the values of a run do not have.
+bool ViewerPictures::readPaint(int number, int x, int y, const Run &run,
+                               OssEvPaintTile::Texel *paint) const
+{
+    if (!m_paint)
+        return false;
+    const OssLivePaint *had = run.tile ? run.tile->paint.get() : nullptr;
+    const bool isPainted = m_paint->readRow(number, m_resolution, x, y, run.count, paint);
+    if (!had)
+        return isPainted;
+    std::vector<OssEvPaintTile::Texel> before(std::size_t(run.count));
+    const bool wasPainted = had->paint().readRow(number, m_resolution, x, y, run.count,
+                                                 before.data());
+    if (!wasPainted)
+        return isPainted;
+    for (int i = 0; i < run.count; ++i)
+        paint[i] = since(before[std::size_t(i)], isPainted ? paint[i] : Bare);
+    return true;
 }
 
 void ViewerPictures::cover(const OssEvPaintTile::Texel &paint, float *rgba) const
 {
-    const float keep = m_showsOwnImages ? paint[OssEvPaintTile::Keep] : 1.0F - paint[3];
+    const float keep = m_showsOwnImages ? paint[OssEvPaintTile::Keep]
+                                        : 1.0F - std::clamp(paint[3], 0.0F, 1.0F);
     for (std::size_t c = 0; c < 4; ++c)
         rgba[c] = paint[c] + keep * rgba[c];
 }
 
-void ViewerPictures::readBeneath(const Patch &patch, int x, int y, int count, float *rgba,
-                                 bool *isColor) const
+ViewerPictures::Run ViewerPictures::readBeneath(const Patch &patch, int x, int y, int count,
+                                                float *rgba, bool *isColor) const
 {
-    for (int i = 0; i < count;) {
-        // Up to where the next tile begins.
-        const int run = std::min(count - i, tileSize - (x + i) % tileSize);
-        float *to = rgba + std::ptrdiff_t(4) * i;
-        const OssEvTilePointer fine = patch.tiles.value({(x + i) / tileSize, y / tileSize});
-        if (fine) {
-            ViewerPixels::read(*fine, (x + i) % tileSize, y % tileSize, run, to);
-            *isColor = fine->channels() > 1;
-        }
-        for (int k = 0; !fine && k < run; ++k) {
-            const int cx = (x + i + k) * patch.coarseResolution / m_resolution;
-            const int cy = y * patch.coarseResolution / m_resolution;
-            const OssEvTilePointer coarse = patch.coarse.value({cx / tileSize, cy / tileSize});
-            std::fill_n(to + std::ptrdiff_t(4) * k, 4, 0.0F);
-            if (coarse) {
-                ViewerPixels::read(*coarse, cx % tileSize, cy % tileSize, 1,
-                                   to + std::ptrdiff_t(4) * k);
-                *isColor = coarse->channels() > 1;
-            }
-        }
-        i += run;
+    // Up to where the next tile begins.
+    Run run;
+    run.count = std::min(count, tileSize - x % tileSize);
+    const auto fine = patch.tiles.constFind({x / tileSize, y / tileSize});
+    if (fine != patch.tiles.cend()) {
+        run.tile = &*fine;
+        ViewerPixels::read(*fine->values, x % tileSize, y % tileSize, run.count, rgba);
+        *isColor = fine->values->channels() > 1;
+        return run;
     }
+    std::fill_n(rgba, std::ptrdiff_t(4) * run.count, 0.0F);
+    for (int k = 0; k < run.count; ++k) {
+        const int cx = (x + k) * patch.coarseResolution / m_resolution;
+        const int cy = y * patch.coarseResolution / m_resolution;
+        const auto coarse = patch.coarse.constFind({cx / tileSize, cy / tileSize});
+        if (coarse == patch.coarse.cend())
+            continue;
+        run.tile = &*coarse;
+        ViewerPixels::read(*coarse->values, cx % tileSize, cy % tileSize, 1,
+                           rgba + std::ptrdiff_t(4) * k);
+        *isColor = coarse->values->channels() > 1;
+    }
+    return run;
 }
 
 QList<int> ViewerPictures::patches() const
@@ -154,17 +218,17 @@ QImage ViewerPictures::picture(int patch) const
 bool ViewerPictures::values(int patch, const QPoint &pixel, QVector<float> *channels) const
 {
     const auto found = m_patches.constFind(patch);
-    const OssEvTilePointer tile = found == m_patches.cend()
-                                      ? nullptr
-                                      : found->tiles.value(
-                                          {pixel.x() / tileSize, pixel.y() / tileSize});
+    if (found == m_patches.cend())
+        return false;
+    const Tile known = found->tiles.value({pixel.x() / tileSize, pixel.y() / tileSize});
+    const OssEvTilePointer &tile = known.values;
     if (!tile)
         return false;
     channels->resize(tile->channels());
     for (int c = 0; c < tile->channels(); ++c)
         (*channels)[c] = tile->texel(c, pixel.x() % tileSize, pixel.y() % tileSize);
     OssEvPaintTile::Texel paint;
-    if (!m_paint || !m_paint->readRow(patch, m_resolution, pixel.x(), pixel.y(), 1, &paint))
+    if (!readPaint(patch, pixel.x(), pixel.y(), {1, &known}, &paint))
         return true;
     float rgba[4];
     ViewerPixels::read(*tile, pixel.x() % tileSize, pixel.y() % tileSize, 1, rgba);

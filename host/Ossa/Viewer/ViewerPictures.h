@@ -8,9 +8,11 @@
 #include <QObject>
 
 #include <array>
+#include <memory>
 #include <optional>
 
 class OssEvPaintBuffer;
+class OssLivePaint;
 
 /// The patches as they are shown: display pixels of what the viewer looks at, with paint that is in
 /// no image yet on top. What all views of the Viewer draw.
@@ -33,6 +35,9 @@ public:
 
     /// Null: there is no paint. It is looked at in setTile() and showPaint() and must outlive them.
     void setPaint(const OssEvPaintBuffer *paint) { m_paint = paint; }
+
+    /// The paint that the pixels have which come after the next begin(); null: none.
+    void setIncluded(std::shared_ptr<const OssLivePaint> paint) { m_included = std::move(paint); }
 
     /// Whether what is shown is the paint's own images, so that an eraser can be seen to take from
     /// them. Otherwise only fresh paint is seen to go.
@@ -69,12 +74,28 @@ Q_SIGNALS:
     void changed(int patch, const QRect &area);
 
 private:
+    using Included = std::shared_ptr<const OssLivePaint>;
+
+    struct Tile
+    {
+        OssEvTilePointer values;
+        Included paint; ///< that the values have
+        int generation = 0;
+    };
+
     struct Patch
     {
         QImage picture;
-        QHash<QPair<int, int>, OssEvTilePointer> tiles;
-        QHash<QPair<int, int>, OssEvTilePointer> coarse; ///< until all others have come
+        QHash<QPair<int, int>, Tile> tiles;  ///< also older ones, until others come
+        QHash<QPair<int, int>, Tile> coarse; ///< until all others have come
         int coarseResolution = 0;
+    };
+
+    /// Texels of a row within a tile, with what they have.
+    struct Run
+    {
+        int count = 0;
+        const Tile *tile = nullptr; ///< null: nothing has come
     };
 
     enum Rows { AllRows, PaintedRows };
@@ -85,13 +106,17 @@ private:
 
     /// Makes the pixels of an area anew from values and paint.
     void compose(int number, Patch *patch, const QRect &area, Rows rows);
-    void readBeneath(const Patch &patch, int x, int y, int count, float *rgba, bool *isColor) const;
+    Run readBeneath(const Patch &patch, int x, int y, int count, float *rgba, bool *isColor) const;
+    static void dropOlder(Patch *patch, const QRect &area, int generation);
+    bool readPaint(int number, int x, int y, const Run &run, std::array<float, 5> *paint) const;
 
     QHash<int, Patch> m_patches;
     int m_resolution = 1024;
     QString m_problem;
     ViewerLook m_look;
     const OssEvPaintBuffer *m_paint = nullptr;
+    Included m_included;
+    int m_generation = 0; ///< counts begin()
     bool m_showsOwnImages = false;
     bool m_expectsSame = false;
     bool m_hidesCoarse = false;

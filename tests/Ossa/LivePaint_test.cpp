@@ -1,0 +1,132 @@
+#include "OssEvaluation/Schedule/OssEvEngine.h"
+#include "OssModel/Evaluation/OssEvaluationService.h"
+#include "OssModel/Evaluation/OssSnEvaluationGraph.h"
+#include "OssModel/Nodes/OssSnResultKey.h"
+#include "PaintFixture.h"
+
+#include <future>
+
+namespace {
+
+/// What is evaluated while there is paint that is in no image yet.
+class LivePaint : public PaintFixture
+{
+protected:
+    /// Of a node behind the paint, at a place of the patch: red, green, blue, alpha.
+    std::array<float, 4> shown(double u, double v, int patch = 1001)
+    {
+        const auto graph = OssSnEvaluationGraph::of(m_behind, m_behind->prefferedOutputPoint());
+        OssEvRequest request;
+        auto *service = OssEvaluationService::instance();
+        request.target = service->target(graph, m_network->geoEntity(), patch, Resolution);
+        OssEvTilePointer tile;
+        std::promise<bool> done;
+        request.onTile = [&](const OssEvArrival &arrival) {
+            tile = arrival.tile;
+        };
+        request.onFinished = [&](const OssEvOutcome &outcome) {
+            done.set_value(outcome.ok());
+        };
+        service->engine()->start(std::move(request));
+        EXPECT_TRUE(done.get_future().get());
+        std::array<float, 4> color{};
+        for (int c = 0; tile && c < tile->channels(); ++c)
+            color[std::size_t(c)] = tile->texel(c, int(u * Resolution),
+                                                int((1.0 - v) * Resolution));
+        return color;
+    }
+
+    void SetUp() override
+    {
+        PaintFixture::SetUp();
+        m_behind = add("Adjust/Invert");
+        m_behind->setInputNode(m_behind->inputNames().first(), m_paint,
+                               m_paint->prefferedOutputPoint());
+        history()->clear();
+    }
+
+    QString key() const { return OssSnResultKey::of(m_behind, m_behind->prefferedOutputPoint()); }
+
+    OssSnBaseNode *m_behind = nullptr;
+};
+
+TEST_F(LivePaint, strokesAndErasersAreSeenBehindOtherNodesAsTheyEnd)
+{
+    const std::array<float, 4> turquoise{0.0F, 1.0F, 1.0F, 1.0F};
+    const std::array<float, 4> nothing{1.0F, 1.0F, 1.0F, 0.0F};
+    const QString before = key();
+    stroke({0.2, 0.5}, {0.8, 0.5});
+    EXPECT_TRUE(key() != before) << "who looks hears of it";
+    EXPECT_EQ(shown(0.5, 0.5), turquoise);
+    EXPECT_EQ(shown(0.5, 0.8), nothing);
+    EXPECT_EQ(shown(0.5, 0.5, 1002), nothing);
+    ASSERT_TRUE(m_session->bake());
+    EXPECT_EQ(images()->livePaint(), nullptr);
+    EXPECT_EQ(shown(0.5, 0.5), turquoise);
+    setBrush(Qt::black, true);
+    dab();
+    EXPECT_TRUE(hasPaint()) << "nothing was baked";
+    EXPECT_EQ(shown(0.5, 0.5), nothing);
+    EXPECT_EQ(shown(0.3, 0.5), turquoise) << "the images beneath stay";
+    history()->undo();
+    EXPECT_EQ(shown(0.5, 0.5), turquoise);
+    history()->redo();
+    EXPECT_EQ(shown(0.5, 0.5), nothing);
+    ASSERT_TRUE(m_session->bake());
+    EXPECT_EQ(shown(0.5, 0.5), nothing);
+    EXPECT_EQ(shown(0.3, 0.5), turquoise);
+}
+
+TEST_F(LivePaint, smallerImagesAreEnlargedBeneathAndLargePaintMadeSmaller)
+{
+    dab();
+    ASSERT_TRUE(m_session->bake());
+    images()->setResolution(4 * Resolution);
+    setBrush(Qt::blue, false, 24.0);
+    dab({0.25, 0.5});
+    ASSERT_EQ(m_session->buffer().resolution(), 4 * Resolution);
+    EXPECT_EQ(shown(0.25, 0.5), (std::array<float, 4>{1.0F, 1.0F, 0.0F, 1.0F}));
+    EXPECT_EQ(shown(0.5, 0.5), (std::array<float, 4>{0.0F, 1.0F, 1.0F, 1.0F}));
+}
+
+TEST_F(LivePaint, picturesThatHaveThePaintDoNotGetItTwice)
+{
+    OssEvBrush brush = Brushes::instance()->brush();
+    brush.opacity = 0.5;
+    Brushes::instance()->setBrush(brush);
+    ViewerLook look;
+    look.raw = true;
+    m_pictures.setLook(look);
+    const auto arrive = [&](float red) {
+        const auto tile = tileOf(4, {red, 0.0F, 0.0F, 1.0F});
+        m_pictures.setTile(1001, Resolution, {0, 0}, ViewerPixels::picture(*tile, look), tile);
+    };
+    const auto red = [&] {
+        return m_pictures.picture(1001).pixelColor(Resolution / 2, Resolution / 2).redF();
+    };
+    m_pictures.begin({1001}, Resolution, {});
+    arrive(0.0F);
+    dab();
+    EXPECT_NEAR(red(), 0.5, 0.01) << "over what has no paint";
+    m_pictures.setIncluded(m_session->published());
+    m_pictures.begin({1001}, Resolution, {});
+    EXPECT_NEAR(red(), 0.5, 0.01) << "until other pixels come";
+    dab();
+    EXPECT_NEAR(red(), 0.75, 0.01) << "over pixels that have no paint yet";
+    history()->undo();
+    arrive(0.5F);
+    EXPECT_NEAR(red(), 0.5, 0.01);
+    dab();
+    EXPECT_NEAR(red(), 0.75, 0.01);
+    QVector<float> values;
+    ASSERT_TRUE(m_pictures.values(1001, {Resolution / 2, Resolution / 2}, &values));
+    EXPECT_NEAR(values.at(0), 0.75F, 0.01F);
+    history()->undo();
+    EXPECT_NEAR(red(), 0.5, 0.01);
+    history()->undo();
+    m_pictures.setShowsOwnImages(true);
+    m_pictures.showPaint(1001, {0.0, 0.0, 1.0, 1.0});
+    EXPECT_NEAR(red(), 0.0, 0.02) << "half of it is known to be paint";
+}
+
+} // namespace

@@ -140,6 +140,12 @@ KernelBench &KernelBench::scale(double texels)
     return *this;
 }
 
+KernelBench &KernelBench::working(const OssEvWorkingSpace &space)
+{
+    m_working = space;
+    return *this;
+}
+
 KernelBench &KernelBench::surface(std::shared_ptr<const OssEvSurfaceMap> map)
 {
     m_surface = std::move(map);
@@ -154,7 +160,7 @@ Picture KernelBench::run(int width, int height)
     for (const Picture &input : m_inputs)
         connected.push_back(input.channels > 0);
     const auto operation = m_kernel->make(
-        OssEvKernelSetup(m_parameters, connected, m_output, m_frame));
+        OssEvKernelSetup(m_parameters, connected, m_output, m_frame, m_working));
     if (const auto *point = dynamic_cast<const OssEvPointOperation *>(operation.get()))
         return runPoint(*point, width, height);
     return runArea(dynamic_cast<const OssEvAreaOperation &>(*operation), width, height);

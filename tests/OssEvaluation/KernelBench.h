@@ -59,6 +59,7 @@ public:
     KernelBench &output(const std::string &name);
     KernelBench &patch(int number);
     KernelBench &scale(double texels);
+    KernelBench &working(const OssEvWorkingSpace &space);
     KernelBench &surface(std::shared_ptr<const OssEvSurfaceMap> map);
 
     /// The whole picture; width must be a multiple of 128.
@@ -75,6 +76,7 @@ private:
     std::vector<Picture> m_inputs;
     int m_output = 0;
     OssEvFrame m_frame;
+    OssEvWorkingSpace m_working;
     std::shared_ptr<const OssEvSurfaceMap> m_surface;
 };
 

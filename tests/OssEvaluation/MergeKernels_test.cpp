@@ -1,5 +1,6 @@
 // Blend modes, against the formulas of "Compositing and Blending" in double precision.
 
+#include "OssEvaluation/Files/OssEvColorSpaces.h"
 #include "OssEvaluation/KernelBench.h"
 
 #include <algorithm>
@@ -189,6 +190,41 @@ TEST(MergeKernels, everyModeOverEveryAlpha)
                 // Quotients of small numbers are large.
                 mode == "Divide" ? 20.0 * MeanErrorBound : MeanErrorBound);
         }
+    }
+}
+
+// Display values are those of a screen whatever one works in: two ways to the same colours.
+TEST(MergeKernels, displayValuesAreTheSameInEveryWorkingSpace)
+{
+    OssEvColorSpaces::Pointer film;
+    ASSERT_TRUE(OssEvColorSpaces::builtIn()->withWorking("ACEScg", &film));
+    const OssEvWorkingSpace space = film->workingSpace();
+    const auto inFilm = [&space](const Picture &picture) {
+        return pictureOf(Width, Height, 4, [&](int channel, int x, int y) {
+            if (channel == 3)
+                return picture.at(3, x, y);
+            double sum = 0.0;
+            for (int k = 0; k < 3; ++k)
+                sum += double(space.fromBt709[std::size_t(3 * channel + k)]) * picture.at(k, x, y);
+            return sum;
+        });
+    };
+    const Picture base = randomPicture(Width, Height, 4, 45);
+    const Picture over = randomPicture(Width, Height, 4, 46);
+    for (const std::string mode : {"Normal", "Overlay", "Luminosity"}) {
+        SCOPED_TRACE(mode);
+        const OssEvParameters parameters{{"BlendMode", mode},
+                                         {"BlendColorSpaceEnabled", std::string("Enable")}};
+        const Picture wanted = inFilm(KernelBench("merge", parameters)
+                                          .input("Base", base)
+                                          .input("Over", over)
+                                          .run(Width, Height));
+        expectPicture(KernelBench("merge", parameters)
+                          .working(space)
+                          .input("Base", inFilm(base))
+                          .input("Over", inFilm(over))
+                          .run(Width, Height),
+                      [&wanted](int x, int y) { return wanted.texel(x, y); });
     }
 }
 

@@ -227,7 +227,8 @@ TEST(TileGrids, channelsAreReadAsTheyAreAskedFor)
                                                                                      texel)
                                                        : patternTile(stored, format, 0, 0);
                 for (const int wanted : {1, 3, 4}) {
-                    const auto expected = OssEvTexels::convert(texel, stored, wanted);
+                    const auto expected = OssEvTexels::convert(texel, stored, wanted,
+                                                               OssEvWorkingSpace::Bt709Luminance);
                     for (int k = 0; k < wanted; ++k)
                         EXPECT_NEAR(read(tile, wanted, k), expected[std::size_t(k)], 1e-3)
                             << stored << " as " << wanted << ", channel " << k;
@@ -235,6 +236,16 @@ TEST(TileGrids, channelsAreReadAsTheyAreAskedFor)
             }
         }
     }
+}
+
+TEST(TileGrids, colorsReadAsOneChannelAreTheirLuminanceInTheirSpace)
+{
+    const OssEvFrame frame{128, 128, 1001, 1.0};
+    OssEvTileGrid grid(frame, frame.region(), 1, {0.0F, 1.0F, 0.0F});
+    grid.setTile(0, 0, patternTile(4, OssEvTile::Format::Float, 0, 0));
+    float value = 0.0F;
+    grid.assemble(0, {5, 9, 1, 1}, OssEvTileGrid::Border::Clamp, &value, 1);
+    EXPECT_EQ(value, valueAt(1, 5, 9));
 }
 
 TEST(TileGrids, whereTheGridHasNoTileTheNearestTexelStandsIn)

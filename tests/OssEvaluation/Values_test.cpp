@@ -138,12 +138,16 @@ TEST(TexelKernels, texelsReadInOtherNumbersOfChannels)
     const std::array<float, 4> texel{0.5F, 0.25F, 1.0F, 0.125F};
     const float luminance = 0.2126F * 0.5F + 0.7152F * 0.25F + 0.0722F;
     const float mean = 1.75F / 3.0F;
-    EXPECT_EQ(OssEvTexels::convert(texel, 4, 4), texel);
-    EXPECT_EQ(OssEvTexels::convert(texel, 1, 4), (std::array<float, 4>{0.5F, 0.5F, 0.5F, 1.0F}));
-    EXPECT_EQ(OssEvTexels::convert(texel, 3, 4), (std::array<float, 4>{0.5F, 0.25F, 1.0F, 1.0F}));
-    EXPECT_NEAR(OssEvTexels::convert(texel, 4, 1)[0], luminance, 1e-6F);
-    EXPECT_NEAR(OssEvTexels::convert(texel, 3, 1)[0], mean, 1e-6F);
-    const auto vector = OssEvTexels::convert(texel, 1, 3);
+    const auto convert = [&texel](int from, int to) {
+        return OssEvTexels::convert(texel, from, to, OssEvWorkingSpace::Bt709Luminance);
+    };
+    EXPECT_EQ(convert(4, 4), texel);
+    EXPECT_EQ(convert(1, 4), (std::array<float, 4>{0.5F, 0.5F, 0.5F, 1.0F}));
+    EXPECT_EQ(convert(3, 4), (std::array<float, 4>{0.5F, 0.25F, 1.0F, 1.0F}));
+    EXPECT_NEAR(convert(4, 1)[0], luminance, 1e-6F);
+    EXPECT_NEAR(convert(3, 1)[0], mean, 1e-6F);
+    EXPECT_EQ(OssEvTexels::convert(texel, 4, 1, {0.0F, 1.0F, 0.0F})[0], 0.25F);
+    const auto vector = convert(1, 3);
     EXPECT_EQ(vector[2], 0.5F);
 }
 

@@ -297,6 +297,46 @@ TEST_F(WorkingSpaces, anotherConfigurationUnderstandsTheBuiltInNames)
     EXPECT_EQ(other, nullptr);
 }
 
+TEST_F(WorkingSpaces, howBrightAColorIsFollowsTheSpace)
+{
+    folder.write("bend.spi1d", lut("1"));
+    Spaces own;
+    ASSERT_TRUE(OssEvColorSpaces::read(folder.write("own.ocio", Facility), &own));
+    EXPECT_TRUE(OssEvColorSpaces::builtIn()->workingSpace().isBt709);
+    for (const Spaces &film : {working("ACEScg"), own}) {
+        const OssEvWorkingSpace space = film->workingSpace();
+        EXPECT_FALSE(space.isBt709);
+        EXPECT_NEAR(space.luminance[0], 0.27223, 1e-5); // published with AP1
+        EXPECT_NEAR(space.luminance[1], 0.67408, 1e-5);
+        EXPECT_NEAR(space.luminance[2], 0.05369, 1e-5);
+    }
+    images->add("green", 256, 256, [](int x, int /*y*/) {
+        return TestImages::Texel{0.0F, x < 100 ? 1.0F : 0.5F, 0.0F, 1.0F};
+    });
+    // Read by a port of one channel, by a filter's, by kernels that look up, and by an export.
+    const std::vector<TestNode> nodes{
+        {"Image", "image", file("green")},
+        {"Port", "combine", {}, {{"Red", "Image"}}},
+        {"Constant", "constant", {{"Color", OssEvColor{0, 1, 0, 1}}}},
+        {"Folded", "combine", {}, {{"Red", "Constant"}}},
+        {"Ramp", "ramp", {}, {{"Input", "Image"}}},
+        {"Grey", "brightnessContrast", {{"Saturation", 0.0}}, {{"Input", "Image"}}},
+        {"Export", "pack", {{"RedFrom", std::string("Luminance")}}, {{"Red", "Image"}}}};
+    for (const std::string node : {"Port", "Folded", "Ramp", "Grey", "Export"}) {
+        for (const bool isFilm : {false, true}) {
+            OssEvTarget wanted = target(graphOf(nodes), node, 256);
+            OssEvGraphBuilder builder(*wanted.graph);
+            if (isFilm)
+                builder.setWorking(working("ACEScg")->workingSpace());
+            wanted.graph = builder.finish();
+            const Collected seen = evaluate(wanted);
+            ASSERT_EQ(seen.outcome.error, "");
+            EXPECT_NEAR(seen.texel(0, 5, 5), isFilm ? 0.67408 : 0.7152, 1e-3)
+                << node << (isFilm ? ": kept apart from the other in the cache" : "");
+        }
+    }
+}
+
 TEST_F(WorkingSpaces, aConfigurationIsKnownByWhatIsInItsFiles)
 {
     const auto keyOf = [](const std::string &name) {

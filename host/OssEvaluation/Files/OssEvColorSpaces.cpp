@@ -7,7 +7,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <fstream>
-#include <locale>
 #include <map>
 #include <mutex>
 #include <set>
@@ -75,6 +74,21 @@ colorspaces:
 )";
 
 using Processor = Ocio::ConstCPUProcessorRcPtr;
+
+/// Red, green and blue.
+constexpr std::array<float, 12> Primaries{1, 0, 0, 1, 0, 1, 0, 1, 0, 0, 1, 1};
+
+struct FilmWeights
+{
+    const char *space;
+    OssEvWorkingSpace::Weights weights;
+};
+
+/// Luminance in spaces whose white is another than that of BT.709, from which it cannot be reckoned
+/// (Academy S-2014-004, SMPTE ST 2065-1).
+constexpr std::array<FilmWeights, 2> AllFilmWeights{
+    {{"ACEScg", {0.2722287168F, 0.6740817658F, 0.0536895174F}},
+     {"ACES2065-1", {0.3439664498F, 0.7281660966F, -0.0721325464F}}}};
 
 /// What configurations call the built-in spaces, the likeliest first.
 struct UsualNames
@@ -243,7 +257,7 @@ private:
     OssEvKey makeKey() const
     {
         OssEvKeyBuilder builder;
-        builder.add(working);
+        builder.add("with luminance of its own").add(working);
         std::ostringstream text;
         config->serialize(text);
         builder.add(text.str());
@@ -403,19 +417,34 @@ OssEvResult OssEvColorSpaces::tellConversion(const std::string &space, std::stri
     }
 }
 
-std::string OssEvColorSpaces::primaries() const
+OssEvWorkingSpace OssEvColorSpaces::workingSpace() const
 {
-    std::array<float, 12> texels{1, 0, 0, 1, 0, 1, 0, 1, 0, 0, 1, 1};
-    if (isWorking(Light) || !toWorking(Light, texels.data(), 3))
-        return {};
-    std::ostringstream text;
-    text.imbue(std::locale::classic());
-    text.precision(9);
-    for (std::size_t i = 0; i < texels.size(); ++i) {
-        if (i % 4 < 3)
-            text << (i > 0 ? " " : "") << texels[i];
+    std::array<float, 12> from = Primaries;
+    std::array<float, 12> to = Primaries;
+    OssEvWorkingSpace made;
+    if (isWorking(Light) || !toWorking(Light, from.data(), 3) || !fromWorking(Light, to.data(), 3))
+        return made;
+    made.isBt709 = false;
+    for (std::size_t i = 0; i < 9; ++i) {
+        made.fromBt709[i] = from[i % 3 * 4 + i / 3];
+        made.toBt709[i] = to[i % 3 * 4 + i / 3];
     }
-    return text.str();
+    for (const FilmWeights &known : AllFilmWeights) {
+        std::array<float, 12> same = Primaries;
+        const bool isIt = toWorking(known.space, same.data(), 3)
+                          && std::equal(same.begin(), same.end(), Primaries.begin(),
+                                        [](float a, float b) { return std::abs(a - b) < 1e-4F; });
+        if (isIt) {
+            made.luminance = known.weights;
+            return made;
+        }
+    }
+    for (std::size_t k = 0; k < 3; ++k) {
+        made.luminance[k] = 0.0F;
+        for (std::size_t row = 0; row < 3; ++row)
+            made.luminance[k] += OssEvWorkingSpace::Bt709Luminance[row] * made.toBt709[3 * row + k];
+    }
+    return made;
 }
 
 OssEvResult OssEvColorSpaces::toWorking(const std::string &space, float *rgba,

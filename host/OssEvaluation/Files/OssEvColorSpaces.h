@@ -3,6 +3,7 @@
 #include "OssEvaluation/OssEvaluation_export.h"
 #include "OssEvaluation/Values/OssEvKey.h"
 #include "OssEvaluation/Values/OssEvResult.h"
+#include "OssEvaluation/Values/OssEvWorkingSpace.h"
 
 #include <cstddef>
 #include <memory>
@@ -69,9 +70,8 @@ public:
     /// What the way from a space into the working one consists of: another one, another text.
     OssEvResult tellConversion(const std::string &space, std::string *text) const;
 
-    /// Red, green and blue of the built-in working space in this one, for kernels: nine numbers with
-    /// blanks between them. Empty where they are the same, or cannot be told.
-    std::string primaries() const;
+    /// The working space as kernels know it; linear BT.709 where nothing tells how to come there.
+    OssEvWorkingSpace workingSpace() const;
 
     OssEvResult toWorking(const std::string &space, float *rgba, std::size_t count) const;
     OssEvResult fromWorking(const std::string &space, float *rgba, std::size_t count) const;

@@ -111,6 +111,11 @@ void OssEvGraphBuilder::setCachePoint(int node)
         m_graph->m_nodes[std::size_t(node)].cachePoint = true;
 }
 
+void OssEvGraphBuilder::setWorking(const OssEvWorkingSpace &working)
+{
+    m_graph->m_working = working;
+}
+
 std::shared_ptr<const OssEvGraph> OssEvGraphBuilder::finish()
 {
     addNamedImages();

@@ -4,6 +4,7 @@
 #include "OssEvaluation/OssEvaluation_export.h"
 #include "OssEvaluation/Values/OssEvParameter.h"
 #include "OssEvaluation/Values/OssEvResult.h"
+#include "OssEvaluation/Values/OssEvWorkingSpace.h"
 
 #include <memory>
 #include <string>
@@ -40,6 +41,9 @@ public:
 
     const std::vector<Node> &nodes() const { return m_nodes; }
 
+    /// In which all of its colours are.
+    const OssEvWorkingSpace &working() const { return m_working; }
+
     /// Index of a node; -1 when there is none of that name.
     int find(std::string_view name) const;
 
@@ -52,6 +56,7 @@ public:
 private:
     friend class OssEvGraphBuilder;
     std::vector<Node> m_nodes;
+    OssEvWorkingSpace m_working;
 };
 
 /// Makes a graph. Faults do not stop it: they become errors of the nodes that have them.
@@ -70,6 +75,8 @@ public:
 
     /// Keeps the node's pixels in the cache, as bake points and nodes under an editor's hand ask.
     void setCachePoint(int node);
+
+    void setWorking(const OssEvWorkingSpace &working);
 
     /// The builder is empty afterwards.
     std::shared_ptr<const OssEvGraph> finish();

@@ -144,11 +144,13 @@ OssEvResult OssEvKernel::normalise(const OssEvParameters &given, OssEvParameters
 }
 
 OssEvKernelSetup::OssEvKernelSetup(const OssEvParameters &parameters, std::vector<bool> connected,
-                                   int output, const OssEvFrame &frame)
+                                   int output, const OssEvFrame &frame,
+                                   const OssEvWorkingSpace &working)
     : m_parameters(parameters)
     , m_connected(std::move(connected))
     , m_output(output)
     , m_frame(frame)
+    , m_working(working)
 {
 }
 

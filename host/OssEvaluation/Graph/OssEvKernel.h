@@ -5,6 +5,7 @@
 #include "OssEvaluation/Values/OssEvParameter.h"
 #include "OssEvaluation/Values/OssEvRegion.h"
 #include "OssEvaluation/Values/OssEvResult.h"
+#include "OssEvaluation/Values/OssEvWorkingSpace.h"
 
 #include <functional>
 #include <limits>
@@ -82,7 +83,7 @@ class OSSEVALUATION_EXPORT OssEvKernelSetup
 public:
     /// The parameters must outlive the setup.
     OssEvKernelSetup(const OssEvParameters &parameters, std::vector<bool> connected, int output,
-                     const OssEvFrame &frame);
+                     const OssEvFrame &frame, const OssEvWorkingSpace &working = {});
 
     double real(std::string_view name) const;
     int integer(std::string_view name) const;
@@ -101,6 +102,8 @@ public:
 
     const OssEvFrame &frame() const { return m_frame; }
 
+    const OssEvWorkingSpace &working() const { return m_working; }
+
 private:
     template <class T>
     T value(std::string_view name) const;
@@ -109,6 +112,7 @@ private:
     std::vector<bool> m_connected;
     int m_output;
     OssEvFrame m_frame;
+    OssEvWorkingSpace m_working;
 };
 
 /// Short forms for tables of parameters.

@@ -34,6 +34,7 @@ struct ContrastValues
     float contrast;
     float offset;
     float saturation;
+    OssEvWorkingSpace::Weights luminance;
 };
 
 struct PairValues
@@ -162,7 +163,7 @@ struct ContrastChange
             x.c[k] = hn::MulAdd(x.c[k], splat(v.contrast), splat(v.offset));
         if constexpr (N == 3) {
             if (v.saturation != 1.0F) {
-                const V grey = luminance(x.c[0], x.c[1], x.c[2]);
+                const V grey = luminance(x.c[0], x.c[1], x.c[2], v.luminance);
                 for (int k = 0; k < N; ++k)
                     x.c[k] = mix(grey, x.c[k], splat(v.saturation));
             }
@@ -359,7 +360,8 @@ Operation makeContrast(const OssEvKernelSetup &setup)
     const double contrast = std::min(std::tan((setup.real("Contrast") + 1.0) * QuarterTurn),
                                      Steepest);
     const double offset = 0.5 - 0.5 * contrast + setup.real("Brightness");
-    const ContrastValues values{float(contrast), float(offset), float(setup.real("Saturation"))};
+    const ContrastValues values{float(contrast), float(offset), float(setup.real("Saturation")),
+                                setup.working().luminance};
     return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(brightnessContrast), values,
                           OssEvMasked::defaults());
 }

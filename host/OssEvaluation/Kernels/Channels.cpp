@@ -2,6 +2,7 @@
 
 #include "OssEvaluation/Kernels/Families.h"
 #include "OssEvaluation/Kernels/PointKernel.h"
+#include "OssEvaluation/Values/Texels.h"
 
 #include <algorithm>
 #include <functional>
@@ -49,33 +50,36 @@ struct PackChannel
 struct PackValues
 {
     std::array<PackChannel, 4> channels;
+    OssEvWorkingSpace::Weights luminance;
     bool premultiplies;
 };
 
 constexpr std::array<const char *, 4> PackNames{"Red", "Green", "Blue", "Alpha"};
 
 // Colours without their alpha; what comes without one has an alpha of 1.
-float packed(const OssEvStripInput &input, std::size_t i, const PackChannel &channel)
+void pack(const OssEvStripInput &input, const PackChannel &channel,
+          const OssEvWorkingSpace::Weights &luminance, float *to, std::size_t texels)
 {
-    const float alpha = input.plane[3][i];
-    float value = alpha;
-    if (channel.from < PackChannel::Alpha)
-        value = input.plane[std::size_t(channel.from)][i];
-    else if (channel.from == PackChannel::Luminance)
-        value = 0.2126F * input.plane[0][i] + 0.7152F * input.plane[1][i]
-                + 0.0722F * input.plane[2][i];
-    if (channel.from != PackChannel::Alpha && alpha > 0.0F)
-        value /= alpha;
-    return channel.inverts ? 1.0F - value : value;
+    const float *alpha = input.plane[3];
+    if (channel.from == PackChannel::Alpha) {
+        std::copy_n(alpha, texels, to);
+    } else if (channel.from == PackChannel::Luminance) {
+        OssEvTexels::luminance(input.plane[0], input.plane[1], input.plane[2], luminance, to,
+                               texels);
+        OssEvTexels::unmultiply(to, alpha, to, texels);
+    } else {
+        OssEvTexels::unmultiply(input.plane[std::size_t(channel.from)], alpha, to, texels);
+    }
+    if (channel.inverts)
+        std::transform(to, to + texels, to, [](float value) { return 1.0F - value; });
 }
 
 void pack(const OssEvStrip &strip, const PackValues &values)
 {
     const auto count = std::size_t(strip.outputChannels);
-    for (std::size_t k = 0; k < count; ++k) {
-        for (std::size_t i = 0; i < strip.texels(); ++i)
-            strip.output[k][i] = packed(strip.inputs[k], i, values.channels[k]);
-    }
+    for (std::size_t k = 0; k < count; ++k)
+        pack(strip.inputs[k], values.channels[k], values.luminance, strip.output[k],
+             strip.texels());
     for (std::size_t k = 0; values.premultiplies && count == 4 && k < 3; ++k)
         std::transform(strip.output[k], strip.output[k] + strip.texels(), strip.output[3],
                        strip.output[k], std::multiplies<>());
@@ -135,7 +139,7 @@ Operation makeCombine(const OssEvKernelSetup & /*setup*/)
 
 Operation makePack(const OssEvKernelSetup &setup)
 {
-    PackValues values{{}, setup.flag("Premultiply")};
+    PackValues values{{}, setup.working().luminance, setup.flag("Premultiply")};
     std::vector<std::array<float, 4>> defaults;
     for (std::size_t k = 0; k < PackNames.size(); ++k) {
         const std::string name = PackNames[k];
@@ -143,7 +147,7 @@ Operation makePack(const OssEvKernelSetup &setup)
         const auto value = float(setup.real(name));
         defaults.push_back({value, value, value, 1.0F});
     }
-    return OssEvMakePoint(pack, values, defaults);
+    return OssEvMakePoint<PackValues>(pack, values, defaults);
 }
 
 Operation makeShuffle(const OssEvKernelSetup &setup)

@@ -48,6 +48,12 @@ struct MergeValues
     float amount;
     /// Blends display values of sRGB instead of linear ones.
     bool displayValues;
+    OssEvWorkingSpace working;
+
+    const OssEvWorkingSpace::Weights &luminance() const
+    {
+        return displayValues ? OssEvWorkingSpace::Bt709Luminance : working.luminance;
+    }
 };
 
 } // namespace OssEvMerge
@@ -153,9 +159,9 @@ HWY_INLINE V blendChannel(V b, V s)
         return hn::Mul(hn::Add(b, s), splat(0.5F));
 }
 
-HWY_INLINE V brightness(const Rgb &color)
+HWY_INLINE V brightness(const Rgb &color, const OssEvWorkingSpace::Weights &weights)
 {
-    return luminance(color.c[0], color.c[1], color.c[2]);
+    return luminance(color.c[0], color.c[1], color.c[2], weights);
 }
 
 HWY_INLINE V highest(const Rgb &color)
@@ -169,9 +175,9 @@ HWY_INLINE V lowest(const Rgb &color)
 }
 
 // The colour with another brightness, drawn towards grey where a channel would leave 0 to 1.
-HWY_INLINE Rgb withBrightness(const Rgb &color, V wanted)
+HWY_INLINE Rgb withBrightness(const Rgb &color, V wanted, const OssEvWorkingSpace::Weights &weights)
 {
-    const V shift = hn::Sub(wanted, brightness(color));
+    const V shift = hn::Sub(wanted, brightness(color, weights));
     Rgb result;
     for (int k = 0; k < 3; ++k)
         result.c[k] = hn::Add(color.c[k], shift);
@@ -206,16 +212,16 @@ HWY_INLINE V rangeOf(const Rgb &color)
 }
 
 template <int Kind>
-HWY_INLINE Rgb blend(const Rgb &b, const Rgb &s)
+HWY_INLINE Rgb blend(const Rgb &b, const Rgb &s, const OssEvWorkingSpace::Weights &weights)
 {
     if constexpr (Kind == Hue) {
-        return withBrightness(withRange(s, rangeOf(b)), brightness(b));
+        return withBrightness(withRange(s, rangeOf(b)), brightness(b, weights), weights);
     } else if constexpr (Kind == Saturation) {
-        return withBrightness(withRange(b, rangeOf(s)), brightness(b));
+        return withBrightness(withRange(b, rangeOf(s)), brightness(b, weights), weights);
     } else if constexpr (Kind == Color) {
-        return withBrightness(s, brightness(b));
+        return withBrightness(s, brightness(b, weights), weights);
     } else if constexpr (Kind == Luminosity) {
-        return withBrightness(b, brightness(s));
+        return withBrightness(b, brightness(s, weights), weights);
     } else {
         Rgb result;
         for (int k = 0; k < 3; ++k)
@@ -231,6 +237,36 @@ HWY_INLINE Rgb divided(const Rgb &color, V alpha)
     for (int k = 0; k < 3; ++k)
         result.c[k] = hn::Div(color.c[k], cover);
     return result;
+}
+
+HWY_INLINE Rgb times(const OssEvWorkingSpace::Matrix &matrix, const Rgb &color)
+{
+    Rgb result;
+    for (std::size_t k = 0; k < 3; ++k) {
+        result.c[k] = hn::Mul(splat(matrix[3 * k]), color.c[0]);
+        result.c[k] = hn::MulAdd(splat(matrix[3 * k + 1]), color.c[1], result.c[k]);
+        result.c[k] = hn::MulAdd(splat(matrix[3 * k + 2]), color.c[2], result.c[k]);
+    }
+    return result;
+}
+
+// What a screen of sRGB is sent for a colour of the working space.
+HWY_INLINE Rgb display(const Rgb &color, const OssEvWorkingSpace &working)
+{
+    Rgb result = working.isBt709 ? color : times(working.toBt709, color);
+    for (V &channel : result.c)
+        channel = toSrgb(channel);
+    return result;
+}
+
+// Back again; both are premultiplied.
+HWY_INLINE Rgb light(const Rgb &color, V alpha, const OssEvWorkingSpace &working)
+{
+    const V cover = hn::IfThenElse(hn::Gt(alpha, zero()), alpha, one());
+    Rgb result;
+    for (int k = 0; k < 3; ++k)
+        result.c[k] = hn::Mul(fromSrgb(hn::Div(color.c[k], cover)), cover);
+    return working.isBt709 ? result : times(working.fromBt709, result);
 }
 
 HWY_INLINE V maskAt(const OssEvStrip &strip, std::size_t i, float amount)
@@ -271,23 +307,22 @@ void mergeKind(const OssEvStrip &strip, const MergeValues &values)
         b = divided(b, baseAlpha);
         s = divided(s, sourceAlpha);
         if (values.displayValues) {
-            for (int k = 0; k < 3; ++k) {
-                b.c[k] = toSrgb(b.c[k]);
-                s.c[k] = toSrgb(s.c[k]);
-            }
+            b = display(b, values.working);
+            s = display(s, values.working);
         }
-        const Rgb blended = blend<Kind>(b, s);
+        const Rgb blended = blend<Kind>(b, s, values.luminance());
         const V alpha = hn::NegMulAdd(overAlpha, baseAlpha, hn::Add(overAlpha, baseAlpha));
         const V both = hn::Mul(overAlpha, baseAlpha);
-        const V cover = hn::IfThenElse(hn::Gt(alpha, zero()), alpha, one());
+        Rgb color;
         for (std::size_t k = 0; k < 3; ++k) {
-            V color = hn::Mul(s.c[k], hn::Sub(overAlpha, both));
-            color = hn::MulAdd(b.c[k], hn::Sub(baseAlpha, both), color);
-            color = hn::MulAdd(blended.c[k], both, color);
-            if (values.displayValues)
-                color = hn::Mul(fromSrgb(hn::Div(color, cover)), cover);
-            store(color, strip.output[k] + i);
+            color.c[k] = hn::Mul(s.c[k], hn::Sub(overAlpha, both));
+            color.c[k] = hn::MulAdd(b.c[k], hn::Sub(baseAlpha, both), color.c[k]);
+            color.c[k] = hn::MulAdd(blended.c[k], both, color.c[k]);
         }
+        if (values.displayValues)
+            color = light(color, alpha, values.working);
+        for (std::size_t k = 0; k < 3; ++k)
+            store(color.c[k], strip.output[k] + i);
         store(alpha, strip.output[3] + i);
     }
 }
@@ -337,7 +372,8 @@ void OssEvFamilies::addMerge(std::vector<OssEvKernel> *kernels)
         const bool displayValues = setup.integer("BlendColorSpaceEnabled") == 1
                                    && setup.integer("BlendColorSpace") == 0;
         const OssEvMerge::MergeValues values{setup.integer("BlendMode"),
-                                             float(setup.real("Amount")), displayValues};
+                                             float(setup.real("Amount")), displayValues,
+                                             setup.working()};
         return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(merge), values, {{}, {}, OssEvScalar(1.0)});
     };
     kernels->push_back(kernel);

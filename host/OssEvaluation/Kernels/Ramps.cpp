@@ -23,12 +23,14 @@ struct RampValues
     std::array<float, 4> low;
     std::array<float, 4> high;
     float midpoint;
+    OssEvWorkingSpace::Weights luminance;
 };
 
 /// Samples of a ramp from 0 to 1 at even distances, one table for each channel.
 struct ColorRampValues
 {
     std::array<std::vector<float>, 4> samples;
+    OssEvWorkingSpace::Weights luminance;
 };
 
 } // namespace OssEvRamps
@@ -55,7 +57,8 @@ HWY_INLINE V rampPlace(V value, float midpoint)
 
 // Replaces colours by what `colorAt` gives for their luminance, by alpha and mask.
 template <class ColorAt>
-void lookColorsUp(const OssEvStrip &strip, const ColorAt &colorAt)
+void lookColorsUp(const OssEvStrip &strip, const OssEvWorkingSpace::Weights &weights,
+                  const ColorAt &colorAt)
 {
     const OssEvStripInput &in = strip.inputs[0];
     const float *mask = strip.inputs[1].connected ? strip.inputs[1].plane[0] : nullptr;
@@ -65,7 +68,7 @@ void lookColorsUp(const OssEvStrip &strip, const ColorAt &colorAt)
             before[k] = load(in.plane[k] + i);
         const V alpha = before[3];
         const V cover = hn::IfThenElse(hn::Gt(alpha, zero()), alpha, splat(1.0F));
-        const V grey = hn::Div(luminance(before[0], before[1], before[2]), cover);
+        const V grey = hn::Div(luminance(before[0], before[1], before[2], weights), cover);
         const Color color = colorAt(grey);
         const V m = mask != nullptr ? load(mask + i) : splat(1.0F);
         for (std::size_t k = 0; k < 4; ++k)
@@ -75,7 +78,7 @@ void lookColorsUp(const OssEvStrip &strip, const ColorAt &colorAt)
 
 void ramp(const OssEvStrip &strip, const RampValues &values)
 {
-    lookColorsUp(strip, [&values](V grey) {
+    lookColorsUp(strip, values.luminance, [&values](V grey) {
         const V t = rampPlace(grey, values.midpoint);
         Color color;
         for (std::size_t k = 0; k < 4; ++k)
@@ -87,7 +90,7 @@ void ramp(const OssEvStrip &strip, const RampValues &values)
 void colorRamp(const OssEvStrip &strip, const ColorRampValues &values)
 {
     const auto scale = float(values.samples[0].size() - 1);
-    lookColorsUp(strip, [&values, scale](V grey) {
+    lookColorsUp(strip, values.luminance, [&values, scale](V grey) {
         const V place = hn::Mul(grey, splat(scale));
         Color color;
         for (std::size_t k = 0; k < 4; ++k)
@@ -117,7 +120,7 @@ using Operation = std::shared_ptr<const OssEvOperation>;
 Operation makeRamp(const OssEvKernelSetup &setup)
 {
     const RampValues values{setup.premultiplied("LowColor"), setup.premultiplied("HighColor"),
-                            float(setup.real("Midpoint"))};
+                            float(setup.real("Midpoint")), setup.working().luminance};
     return OssEvMakePoint(&HWY_DYNAMIC_DISPATCH(ramp), values, OssEvMasked::defaults());
 }
 
@@ -126,7 +129,7 @@ Operation makeColorRamp(const OssEvKernelSetup &setup)
     constexpr int Samples = 4097;
     const OssEvRamp ramp = setup.ramp("Ramp");
     const auto mix = OssEvRamp::Mix(setup.integer("Interpolation"));
-    ColorRampValues values;
+    ColorRampValues values{{}, setup.working().luminance};
     for (int i = 0; i < Samples; ++i) {
         const std::array<double, 4> color = ramp.at(double(i) / (Samples - 1), mix);
         for (std::size_t k = 0; k < 4; ++k)

@@ -8,6 +8,7 @@
 #endif
 
 #include "OssEvaluation/Graph/OssEvOperation.h"
+#include "OssEvaluation/Values/OssEvWorkingSpace.h"
 
 #include <hwy/contrib/math/math-inl.h>
 #include <hwy/highway.h>
@@ -65,10 +66,10 @@ HWY_INLINE V power(V x, V y)
     return hn::IfThenElseZero(hn::Gt(x, zero()), hn::Exp(d, hn::Mul(y, hn::Log(d, safe))));
 }
 
-HWY_INLINE V luminance(V red, V green, V blue)
+HWY_INLINE V luminance(V red, V green, V blue, const OssEvWorkingSpace::Weights &weights)
 {
-    return hn::MulAdd(red, splat(0.2126F),
-                      hn::MulAdd(green, splat(0.7152F), hn::Mul(blue, splat(0.0722F))));
+    return hn::MulAdd(red, splat(weights[0]),
+                      hn::MulAdd(green, splat(weights[1]), hn::Mul(blue, splat(weights[2]))));
 }
 
 /// Display values of IEC 61966-2-1 from linear ones; odd about zero. Written out here and in the next

@@ -12,8 +12,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <locale>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -186,20 +184,8 @@ struct VertexColorValues
     int output;
     bool isDisplay;
     /// Red, green and blue of BT.709 in the working space.
-    std::array<float, 9> primaries;
+    OssEvWorkingSpace::Matrix fromBt709;
 };
-
-/// Nine numbers; those of BT.709 themselves where there are none.
-std::array<float, 9> primariesOf(const std::string &text)
-{
-    std::array<float, 9> primaries{1, 0, 0, 0, 1, 0, 0, 0, 1};
-    std::istringstream numbers(text);
-    numbers.imbue(std::locale::classic());
-    std::array<float, 9> read{};
-    for (float &number : read)
-        numbers >> number;
-    return numbers.fail() ? primaries : read;
-}
 
 float linear(float display)
 {
@@ -207,11 +193,11 @@ float linear(float display)
 }
 
 std::array<float, 3> fromDisplay(const std::array<float, 3> &display,
-                                 const std::array<float, 9> &primaries)
+                                 const OssEvWorkingSpace::Matrix &fromBt709)
 {
     std::array<float, 3> color{};
     for (std::size_t k = 0; k < 9; ++k)
-        color[k % 3] += linear(display[k / 3]) * primaries[k];
+        color[k / 3] += linear(display[k % 3]) * fromBt709[k];
     return color;
 }
 
@@ -237,7 +223,7 @@ void vertexColor(const OssEvStrip &strip, const VertexColorValues &values)
             for (std::size_t k = 0; k < 3; ++k)
                 color[k] = std::max(planes[k][x], 0.0F);
             if (values.isDisplay)
-                color = fromDisplay(color, values.primaries);
+                color = fromDisplay(color, values.fromBt709);
             for (std::size_t k = 0; k < 3; ++k)
                 strip.output[k][offset + x] = color[k] * alpha;
             strip.output[3][offset + x] = alpha;
@@ -392,11 +378,11 @@ void addMeshData(std::vector<OssEvKernel> *kernels)
 {
     using namespace OssEvDescribe;
     OssEvKernel colors = surfaceKernel("vertexColor", {{"Output", 4}, {"Alpha", 1}});
-    colors.parameters = {choice("Space", {"Linear", "sRGB"}), text("Primaries")};
+    colors.parameters = {choice("Space", {"Linear", "sRGB"})};
     colors.make = [](const OssEvKernelSetup &setup) {
         return OssEvMakePoint(vertexColor,
                               VertexColorValues{setup.output(), setup.integer("Space") == 1,
-                                                primariesOf(setup.text("Primaries"))});
+                                                setup.working().fromBt709});
     };
     kernels->push_back(colors);
 

@@ -61,11 +61,20 @@ bool same(const float *values, std::size_t count)
     return true;
 }
 
-void toLuminance(const float *red, const float *green, const float *blue, float *to,
-                 std::size_t count)
+void toLuminance(const float *red, const float *green, const float *blue,
+                 const OssEvWorkingSpace::Weights &weights, float *to, std::size_t count)
 {
     for (std::size_t i = 0; i < count; i += hn::Lanes(Floats()))
-        store(luminance(load(red + i), load(green + i), load(blue + i)), to + i);
+        store(luminance(load(red + i), load(green + i), load(blue + i), weights), to + i);
+}
+
+void toUnmultiplied(const float *values, const float *alpha, float *to, std::size_t count)
+{
+    for (std::size_t i = 0; i < count; i += hn::Lanes(Floats())) {
+        const V cover = load(alpha + i);
+        const auto isThere = hn::Gt(cover, zero());
+        store(hn::Div(load(values + i), hn::IfThenElse(isThere, cover, splat(1.0F))), to + i);
+    }
 }
 
 void toMean(const float *a, const float *b, const float *c, float *to, std::size_t count)
@@ -90,6 +99,7 @@ HWY_EXPORT(toFinite);
 HWY_EXPORT(same);
 HWY_EXPORT(toLuminance);
 HWY_EXPORT(toMean);
+HWY_EXPORT(toUnmultiplied);
 } // namespace OssEvSimd
 
 void OssEvTexels::halfToFloat(const std::uint16_t *from, float *to, std::size_t count)
@@ -116,11 +126,17 @@ bool OssEvTexels::isUniform(const float *values, std::size_t count)
     return HWY_DYNAMIC_DISPATCH(same)(values, count);
 }
 
-void OssEvTexels::luminance(const float *red, const float *green, const float *blue, float *to,
-                            std::size_t count)
+void OssEvTexels::luminance(const float *red, const float *green, const float *blue,
+                            const OssEvWorkingSpace::Weights &weights, float *to, std::size_t count)
 {
     using namespace OssEvSimd;
-    HWY_DYNAMIC_DISPATCH(toLuminance)(red, green, blue, to, count);
+    HWY_DYNAMIC_DISPATCH(toLuminance)(red, green, blue, weights, to, count);
+}
+
+void OssEvTexels::unmultiply(const float *values, const float *alpha, float *to, std::size_t count)
+{
+    using namespace OssEvSimd;
+    HWY_DYNAMIC_DISPATCH(toUnmultiplied)(values, alpha, to, count);
 }
 
 void OssEvTexels::mean(const float *a, const float *b, const float *c, float *to, std::size_t count)
@@ -129,7 +145,8 @@ void OssEvTexels::mean(const float *a, const float *b, const float *c, float *to
     HWY_DYNAMIC_DISPATCH(toMean)(a, b, c, to, count);
 }
 
-std::array<float, 4> OssEvTexels::convert(const std::array<float, 4> &texel, int from, int to)
+std::array<float, 4> OssEvTexels::convert(const std::array<float, 4> &texel, int from, int to,
+                                          const OssEvWorkingSpace::Weights &luminance)
 {
     if (to == 0 || from == to)
         return texel;
@@ -138,7 +155,7 @@ std::array<float, 4> OssEvTexels::convert(const std::array<float, 4> &texel, int
     if (to == 1 && from == 3)
         return {(texel[0] + texel[1] + texel[2]) / 3.0F, 0.0F, 0.0F, 0.0F};
     if (to == 1) {
-        return {texel[0] * Luminance[0] + texel[1] * Luminance[1] + texel[2] * Luminance[2], 0.0F,
+        return {texel[0] * luminance[0] + texel[1] * luminance[1] + texel[2] * luminance[2], 0.0F,
                 0.0F, 0.0F};
     }
     return {texel[0], texel[1], texel[2], 1.0F};

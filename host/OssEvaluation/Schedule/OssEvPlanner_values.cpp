@@ -32,6 +32,14 @@ OssEvKey constantKey(const std::array<float, 4> &texel, int channels)
     return key.key();
 }
 
+void addWorking(const OssEvWorkingSpace &working, OssEvKeyBuilder *key)
+{
+    for (const float weight : working.luminance)
+        key->add(double(weight));
+    for (const float number : working.fromBt709)
+        key->add(double(number));
+}
+
 std::vector<bool> connectedInputs(const OssEvGraph::Node &node)
 {
     std::vector<bool> connected;
@@ -53,7 +61,8 @@ void OssEvPlanner::findOperations(const std::vector<int> &order)
         for (int output = 0; output < int(node.kernel->outputs.size()); ++output) {
             if (wanted.count({*index, output}) == 0)
                 continue;
-            const OssEvKernelSetup setup(node.parameters, connectedInputs(node), output, m_frame);
+            const OssEvKernelSetup setup(node.parameters, connectedInputs(node), output, m_frame,
+                                         m_target.graph->working());
             const auto operation = node.kernel->make(setup);
             for (std::size_t i = 0; i < node.inputs.size(); ++i) {
                 if (node.inputs[i].node >= 0 && operation->readsInput(i))
@@ -146,7 +155,8 @@ void OssEvPlanner::describeOutput(const Output &output, Value *value) const
     value->channels = description.channels;
     if (node.kernel->outputChannels) {
         value->channels = node.kernel->outputChannels(
-            OssEvKernelSetup(node.parameters, connectedInputs(node), output.second, m_frame));
+            OssEvKernelSetup(node.parameters, connectedInputs(node), output.second, m_frame,
+                             m_target.graph->working()));
     } else if (value->channels == 0) {
         // As many as the first input has.
         const OssEvGraph::Link &link = node.inputs[0];
@@ -178,6 +188,9 @@ OssEvKey OssEvPlanner::keyOf(const Output &output, const Value &value) const
     }
     if (value.usesSurface)
         key.add(m_surfaceKey);
+    const OssEvWorkingSpace &working = m_target.graph->working();
+    if (!working.isBt709)
+        addWorking(working, &key);
     return key.key();
 }
 
@@ -199,7 +212,8 @@ void OssEvPlanner::fold(Value *value) const
         std::array<float, 4> texel = input.fallback;
         if (input.value >= 0) {
             const Value &source = m_values[std::size_t(input.value)];
-            texel = OssEvTexels::convert(source.constant, source.channels, input.wanted);
+            texel = OssEvTexels::convert(source.constant, source.channels, input.wanted,
+                                         m_target.graph->working().luminance);
         }
         planes[i].fill(texel);
         for (std::size_t k = 0; k < 4; ++k)

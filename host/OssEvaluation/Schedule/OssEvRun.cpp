@@ -82,6 +82,7 @@ public:
     TileRun(const OssEvUnitPlace &place, const std::vector<OssEvWindow> &windows, const Head &head,
             const OssEvSurfaceMap *surface, const OssEvCancel &cancel, OssEvRunTimes *times)
         : m_stage(place.description())
+        , m_luminance(place.plan->target().graph->working().luminance)
         , m_windows(windows)
         , m_head(head)
         , m_surface(surface)
@@ -207,7 +208,7 @@ private:
                 planes = tilePlanes(tile, std::size_t(source.index));
         }
         if (isConstant) {
-            value = OssEvTexels::convert(value, source.channels, source.wanted);
+            value = OssEvTexels::convert(value, source.channels, source.wanted, m_luminance);
             for (std::size_t k = 0; k < std::size_t(source.wanted); ++k)
                 planes[k] = m_constants.plane(value[k]);
             return planes;
@@ -226,7 +227,8 @@ private:
             if (from == 3)
                 OssEvTexels::mean(planes[0], planes[1], planes[2], single, StripTexels);
             else
-                OssEvTexels::luminance(planes[0], planes[1], planes[2], single, StripTexels);
+                OssEvTexels::luminance(planes[0], planes[1], planes[2], m_luminance, single,
+                                       StripTexels);
             planes[0] = single;
             return planes;
         }
@@ -293,6 +295,7 @@ private:
     }
 
     const OssEvPlanStage &m_stage;
+    const OssEvWorkingSpace::Weights m_luminance;
     const std::vector<OssEvWindow> &m_windows;
     const Head &m_head;
     const OssEvSurfaceMap *m_surface;
@@ -314,15 +317,16 @@ private:
 OssEvTileGrid gridOf(const OssEvPlanSource &source, const OssEvUnitPlace &place,
                      const std::vector<OssEvWindow> &windows, const OssEvRegion &needed)
 {
+    const OssEvWorkingSpace::Weights &luminance = place.plan->target().graph->working().luminance;
     if (source.kind == OssEvPlanSource::Kind::Constant) {
         return {place.description().frame,
-                OssEvTexels::convert(source.constant, source.channels, source.wanted),
+                OssEvTexels::convert(source.constant, source.channels, source.wanted, luminance),
                 source.wanted};
     }
     const OssEvPlanStage &stage = place.description();
     const int input = stage.inputs[std::size_t(source.index)];
     const OssEvFrame &frame = place.plan->stages()[std::size_t(input)].frame;
-    OssEvTileGrid grid(frame, needed, source.wanted);
+    OssEvTileGrid grid(frame, needed, source.wanted, luminance);
     const OssEvWindow &window = windows[std::size_t(source.index)];
     for (int y = grid.tiles().y; y < grid.tiles().bottom(); ++y) {
         for (int x = grid.tiles().x; x < grid.tiles().right(); ++x)

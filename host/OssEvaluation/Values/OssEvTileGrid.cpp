@@ -35,10 +35,12 @@ const float *storedRow(const OssEvTile &tile, int channel, int y, float *scratch
 
 } // namespace
 
-OssEvTileGrid::OssEvTileGrid(const OssEvFrame &frame, const OssEvRegion &region, int channels)
+OssEvTileGrid::OssEvTileGrid(const OssEvFrame &frame, const OssEvRegion &region, int channels,
+                             const OssEvWorkingSpace::Weights &luminance)
     : m_frame(frame)
     , m_channels(channels)
     , m_constant(false)
+    , m_luminance(luminance)
 {
     OssEvRegion inside = region.intersected(frame.region());
     if (inside.isEmpty()) {
@@ -138,7 +140,7 @@ const float *OssEvTileGrid::rowOf(const OssEvTile &tile, int channel, int y, flo
         if (stored == 3)
             OssEvTexels::mean(from[0], from[1], from[2], scratch, Size);
         else
-            OssEvTexels::luminance(from[0], from[1], from[2], scratch, Size);
+            OssEvTexels::luminance(from[0], from[1], from[2], m_luminance, scratch, Size);
         return scratch;
     }
     if (channel == 3 && stored < 4) {

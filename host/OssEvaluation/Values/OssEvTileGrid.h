@@ -3,6 +3,7 @@
 #include "OssEvaluation/OssEvaluation_export.h"
 #include "OssEvaluation/Values/OssEvRegion.h"
 #include "OssEvaluation/Values/OssEvTile.h"
+#include "OssEvaluation/Values/OssEvWorkingSpace.h"
 
 #include <array>
 #include <vector>
@@ -16,8 +17,9 @@ public:
 
     OssEvTileGrid() = default;
     /// Room for the tiles that cover `region`, cut to the image; `channels` is how its texels are
-    /// read, whatever the tiles hold.
-    OssEvTileGrid(const OssEvFrame &frame, const OssEvRegion &region, int channels);
+    /// read, whatever the tiles hold. Colours that are read as one channel are their luminance.
+    OssEvTileGrid(const OssEvFrame &frame, const OssEvRegion &region, int channels,
+                  const OssEvWorkingSpace::Weights &luminance = OssEvWorkingSpace::Bt709Luminance);
     OssEvTileGrid(const OssEvFrame &frame, const std::array<float, 4> &value, int channels);
 
     const OssEvFrame &frame() const { return m_frame; }
@@ -57,6 +59,7 @@ private:
     int m_channels = 1;
     bool m_constant = true;
     std::array<float, 4> m_value{};
+    OssEvWorkingSpace::Weights m_luminance = OssEvWorkingSpace::Bt709Luminance;
     OssEvRegion m_tiles;
     std::vector<OssEvTilePointer> m_pointers;
 };

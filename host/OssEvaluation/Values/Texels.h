@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OssEvaluation/OssEvaluation_export.h"
+#include "OssEvaluation/Values/OssEvWorkingSpace.h"
 
 #include <array>
 #include <cstddef>
@@ -21,18 +22,20 @@ OSSEVALUATION_EXPORT void makeFinite(float *values, std::size_t count);
 /// Whether all values are the same.
 OSSEVALUATION_EXPORT bool isUniform(const float *values, std::size_t count);
 
-/// Brightness of scene-linear colours with the primaries of BT.709.
+/// Brightness of scene-linear colours; `weights` are the working space's.
 OSSEVALUATION_EXPORT void luminance(const float *red, const float *green, const float *blue,
-                                    float *to, std::size_t count);
+                                    const OssEvWorkingSpace::Weights &weights, float *to,
+                                    std::size_t count);
+
+/// Colours as they are under their alpha; what has none stays.
+void unmultiply(const float *values, const float *alpha, float *to, std::size_t count);
 
 void mean(const float *a, const float *b, const float *c, float *to, std::size_t count);
 
 /// How a texel of `from` channels reads as one of `to`. 1 to many repeats the value; what lacks
 /// alpha is opaque; colours become their luminance, vectors the mean of their components.
 OSSEVALUATION_EXPORT std::array<float, 4> convert(const std::array<float, 4> &texel, int from,
-                                                  int to);
-
-/// Weights of red, green and blue in luminance.
-constexpr std::array<float, 3> Luminance{0.2126F, 0.7152F, 0.0722F};
+                                                  int to,
+                                                  const OssEvWorkingSpace::Weights &luminance);
 
 } // namespace OssEvTexels

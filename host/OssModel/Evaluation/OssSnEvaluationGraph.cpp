@@ -34,6 +34,7 @@ public:
     {
         for (auto at = m_indexes.cbegin(); at != m_indexes.cend(); ++at)
             result->sources.append(at.key());
+        m_builder.setWorking(OssColorManagement::spaces()->workingSpace());
         result->graph = m_builder.finish();
     }
 
@@ -77,16 +78,12 @@ private:
             if (OssSnParameter::fromValue(OssFilePath::valueOf(attribute), &parameter))
                 parameters.emplace(attribute.name().toStdString(), parameter);
         }
-        // Kernels that know colours of the screen know those of the built-in working space.
-        if (!m_primaries.empty())
-            parameters["Primaries"] = m_primaries;
         const QString images = OssImageSetFiles::nameOf(node);
         if (!images.isEmpty())
             parameters["Image"] = images.toStdString();
         return parameters;
     }
 
-    const std::string m_primaries = OssColorManagement::spaces()->primaries();
     OssEvGraphBuilder m_builder;
     QHash<const OssSnBaseNode *, int> m_indexes;
 };

@@ -8,7 +8,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
+#include <fstream>
+#include <sstream>
 
 namespace {
 
@@ -275,6 +278,44 @@ TEST_F(MeshFiles, nodesPutTheirMeshesAndColorsAndSetsAreRead)
     ASSERT_EQ(reading.parts[0].report.size(), 1U);
     EXPECT_EQ(reading.parts[0].report[0].text, "\"Leaf\" has no texture coordinates \"Missing\"");
     EXPECT_EQ(reading.uvSets.size(), 2U) << "what could be chosen is told all the same";
+}
+
+// Placed and mirrored nodes without names, several slots and UV sets, strips and fans, vertices that are the
+// same, indices and colours of all sizes: read straight, and by the library, which alone reads a file with
+// an extension that has to be known.
+TEST_F(MeshFiles, gltfReadStraightIsWhatTheLibraryMakesOfIt)
+{
+    const char *root = std::getenv("OSSA_ROOT");
+    ASSERT_NE(root, nullptr) << "OSSA_ROOT names the source tree";
+    std::ifstream stream(std::string(root) + "/tests/OssEvaluation/parts.gltf");
+    std::ostringstream bytes;
+    bytes << stream.rdbuf();
+    const std::string text = bytes.str();
+    ASSERT_EQ(text.front(), '{');
+    using Split = OssEvMeshFile::Options::Split;
+    for (const Split split : {Split::One, Split::Objects, Split::Materials}) {
+        OssEvMeshFile::Options options;
+        options.split = split;
+        options.scale = 2.0;
+        OssEvMeshFile::Reading straight;
+        OssEvMeshFile::Reading library;
+        const std::string path = folder.write("parts.gltf", text);
+        ASSERT_TRUE(OssEvMeshFile::read(path, options, &straight));
+        folder.write("parts.gltf", R"({"extensionsUsed":["KHR_materials_unlit"],)"
+                                   R"("extensionsRequired":["KHR_materials_unlit"],)"
+                                       + text.substr(1));
+        ASSERT_TRUE(OssEvMeshFile::read(path, options, &library));
+        EXPECT_EQ(straight.objects, library.objects);
+        EXPECT_EQ(straight.materials, library.materials);
+        EXPECT_EQ(straight.uvSets, library.uvSets);
+        EXPECT_EQ(straight.faces, 40U);
+        ASSERT_EQ(straight.parts.size(), library.parts.size());
+        for (std::size_t i = 0; i < straight.parts.size(); ++i) {
+            EXPECT_EQ(straight.parts[i].name, library.parts[i].name);
+            ASSERT_TRUE(straight.parts[i].mesh && library.parts[i].mesh);
+            EXPECT_EQ(straight.parts[i].mesh->key(), library.parts[i].mesh->key());
+        }
+    }
 }
 
 TEST_F(MeshFiles, objectsOfOneNameStayTwo)

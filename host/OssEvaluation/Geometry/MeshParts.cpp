@@ -10,6 +10,9 @@ using OssEvMeshFile::Options;
 
 } // namespace
 
+const char *const MeshParts::NoSuchVertex =
+    "a face names a vertex that does not exist; export it again from where it was made";
+
 void MeshParts::addOnce(const std::string &name, std::vector<std::string> *list)
 {
     if (std::find(list->begin(), list->end(), name) == list->end())
@@ -83,6 +86,8 @@ void MeshParts::addFace(const Goal &goal, const std::vector<std::uint32_t> &corn
         mesh->triangles.push_back({corners[0], corners[1], corners[2]});
     else
         OssEvPolygons::addTriangles(mesh->positions, corners, &mesh->triangles);
-    mesh->faces.resize(mesh->triangles.size(), number);
-    mesh->materials.resize(mesh->triangles.size(), goal.slot);
+    while (mesh->faces.size() < mesh->triangles.size()) {
+        mesh->faces.push_back(number);
+        mesh->materials.push_back(goal.slot);
+    }
 }

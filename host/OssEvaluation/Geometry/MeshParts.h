@@ -4,6 +4,7 @@
 
 #include <assimp/types.h>
 
+#include <algorithm>
 #include <map>
 #include <memory>
 #include <string>
@@ -35,6 +36,17 @@ public:
 
     /// A polygon of vertices that the mesh has.
     static void addFace(const Goal &goal, const std::vector<std::uint32_t> &corners);
+
+    /// Why a file cannot be read, in words.
+    static const char *const NoSuchVertex;
+
+    /// No more than is needed for the first of several, and no new room for each of many.
+    template <class Value>
+    static void makeRoom(std::size_t count, std::vector<Value> *values)
+    {
+        if (values->capacity() < count)
+            values->reserve(std::max(count, 2 * values->capacity()));
+    }
 
     static void addOnce(const std::string &name, std::vector<std::string> *list);
 

@@ -2,20 +2,30 @@
 
 #include "OssEvaluation/Geometry/EqualVertices.h"
 #include "OssEvaluation/Geometry/OssEvRayTree.h"
+#include "OssEvaluation/Geometry/Rounding.h"
 #include "OssEvaluation/Values/OssEvPatch.h"
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <map>
+#include <numeric>
 
 namespace {
 
 template <class Vector>
 bool allFinite(const std::vector<Vector> &vectors)
 {
-    return std::all_of(vectors.begin(), vectors.end(), [](const Vector &vector) {
-        return std::all_of(vector.begin(), vector.end(), [](float x) { return std::isfinite(x); });
-    });
+    constexpr std::uint32_t Exponent = 0x7F800000; // all of it, where a float is no number
+    bool isNone = false;
+    for (const Vector &vector : vectors) {
+        for (const float number : vector) {
+            std::uint32_t bits = 0;
+            std::memcpy(&bits, &number, sizeof(bits));
+            isNone |= (bits & Exponent) == Exponent;
+        }
+    }
+    return !isNone;
 }
 
 OssEvMesh::Vector3 cross(const OssEvMesh::Vector3 &a, const OssEvMesh::Vector3 &b)
@@ -162,16 +172,23 @@ void OssEvMesh::makeNormals()
     }
     if (missing.empty())
         return;
-    const std::vector<std::uint32_t> firstOf = firstOfEqual(
-        positions.size(), [this](std::uint32_t i) { return positions[i]; });
+    std::vector<std::uint32_t> firstOf(positions.size());
+    if (hasSeparatePlaces)
+        std::iota(firstOf.begin(), firstOf.end(), 0U);
+    else
+        firstOf = firstOfEqual(positions.size(), [this](std::uint32_t i) { return positions[i]; });
     std::vector<Vector3> sums(positions.size());
+    const bool areAllMissing = missing.size() == normals.size();
     for (const auto &triangle : triangles) {
         const Vector3 &a = positions[triangle[0]];
         const Vector3 normal = cross(minus(positions[triangle[1]], a),
                                      minus(positions[triangle[2]], a));
         for (const std::uint32_t vertex : triangle) {
-            for (std::size_t k = 0; k < 3 && isMissing(vertex); ++k)
-                sums[firstOf[vertex]][k] += normal[k];
+            if (!areAllMissing && !isMissing(vertex))
+                continue;
+            Vector3 &sum = sums[firstOf[vertex]];
+            for (std::size_t k = 0; k < 3; ++k)
+                sum[k] += normal[k];
         }
     }
     for (const std::uint32_t vertex : missing) {
@@ -194,6 +211,9 @@ void OssEvMesh::findPatches()
 {
     constexpr float Border = 1e-5F;
     std::map<int, std::vector<std::int32_t>> byPatch;
+    int lastPatch = 0;
+    std::vector<std::int32_t> *same =
+        nullptr; // of the last patch, which is mostly the next one's, too
     for (std::size_t i = 0; i < triangles.size(); ++i) {
         Vector2 low{1e9F, 1e9F};
         Vector2 high{-1e9F, -1e9F};
@@ -203,15 +223,29 @@ void OssEvMesh::findPatches()
                 high[k] = std::max(high[k], uvs[vertex][k]);
             }
         }
-        const int lastColumn = int(std::ceil(high[0] - Border)) - 1;
-        const int lastRow = int(std::ceil(high[1] - Border)) - 1;
-        for (int row = int(std::floor(low[1] + Border)); row <= lastRow; ++row) {
-            for (int column = int(std::floor(low[0] + Border)); column <= lastColumn; ++column) {
+        // Mostly in the same as the one before.
+        const float left = float(OssEvPatch::column(lastPatch));
+        const float bottom = float(OssEvPatch::row(lastPatch));
+        if (same != nullptr && low[0] >= left && low[0] < left + 1.0F - Border
+            && high[0] <= left + 1.0F && high[0] > left + Border && low[1] >= bottom
+            && low[1] < bottom + 1.0F - Border && high[1] <= bottom + 1.0F
+            && high[1] > bottom + Border) {
+            same->push_back(std::int32_t(i));
+            continue;
+        }
+        const int lastColumn = roundedUp(high[0] - Border) - 1;
+        const int lastRow = roundedUp(high[1] - Border) - 1;
+        for (int row = roundedDown(low[1] + Border); row <= lastRow; ++row) {
+            for (int column = roundedDown(low[0] + Border); column <= lastColumn; ++column) {
                 const int patch = OssEvPatch::number(column, row);
-                if (patch != 0
-                    && touches({uvs[triangles[i][0]], uvs[triangles[i][1]], uvs[triangles[i][2]]},
-                               column, row))
-                    byPatch[patch].push_back(std::int32_t(i));
+                if (patch == 0
+                    || !touches({uvs[triangles[i][0]], uvs[triangles[i][1]], uvs[triangles[i][2]]},
+                                column, row))
+                    continue;
+                if (patch != lastPatch)
+                    same = &byPatch[patch];
+                lastPatch = patch;
+                same->push_back(std::int32_t(i));
             }
         }
     }

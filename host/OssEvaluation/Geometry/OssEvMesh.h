@@ -35,6 +35,8 @@ public:
     /// Material slot of each triangle, by its place in materialNames. Missing ones are the first.
     std::vector<std::int32_t> materials;
     std::vector<std::string> materialNames;
+    /// No two vertices have the same place. Whoever knows saves finish() a look; nothing else follows.
+    bool hasSeparatePlaces = false;
     /// Object to world, three rows of four.
     std::array<float, 12> world{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0};
 

@@ -1,5 +1,6 @@
 #include "OssEvaluation/Geometry/OssEvMeshCheck.h"
 
+#include "OssEvaluation/Geometry/Rounding.h"
 #include "OssEvaluation/Values/OssEvPatch.h"
 
 #include <algorithm>
@@ -129,36 +130,27 @@ public:
     {
     }
 
-    void clear() { std::fill(m_owners.begin(), m_owners.end(), None); }
-
-    /// Places count cells from the patch's corner on.
-    void take(std::uint32_t triangle, std::array<std::array<double, 2>, 3> corners)
+    void begin(int patch)
     {
-        const auto side = [](const auto &a, const auto &b, double x, double y) {
-            return (b[0] - a[0]) * (y - a[1]) - (x - a[0]) * (b[1] - a[1]);
-        };
-        if (side(corners[0], corners[1], corners[2][0], corners[2][1]) < 0.0)
-            std::swap(corners[1], corners[2]);
-        const auto [left, right] = span(corners, 0);
-        const auto [bottom, top] = span(corners, 1);
+        std::fill(m_owners.begin(), m_owners.end(), None);
+        m_left = OssEvPatch::column(patch);
+        m_bottom = OssEvPatch::row(patch);
+    }
+
+    void take(std::uint32_t triangle, const Vector2 &first, const Vector2 &second,
+              const Vector2 &third)
+    {
+        // Count cells from the patch's corner on.
+        std::array<Corner, 3> corners{within(first), within(second), within(third)};
+        const auto [left, right] = span(corners[0].x, corners[1].x, corners[2].x);
+        const auto [bottom, top] = span(corners[0].y, corners[1].y, corners[2].y);
         if (left > right || bottom > top)
             return;
-        // Neighbours share an edge, and round it each in its own way.
-        std::array<double, 3> margins{};
-        for (std::size_t i = 0; i < 3; ++i) {
-            const auto &from = corners[i];
-            const auto &to = corners[(i + 1) % 3];
-            const double dx = to[0] - from[0];
-            const double dy = to[1] - from[1];
-            margins[i] = 0.02 * std::sqrt(dx * dx + dy * dy);
-        }
+        if (side(corners[0], corners[1], corners[2].x, corners[2].y) < 0.0)
+            std::swap(corners[1], corners[2]);
         for (int y = bottom; y <= top; ++y) {
             for (int x = left; x <= right; ++x) {
-                bool isInside = true;
-                for (std::size_t i = 0; i < 3 && isInside; ++i)
-                    isInside = side(corners[i], corners[(i + 1) % 3], x + 0.5, y + 0.5)
-                               > margins[i];
-                if (isInside)
+                if (isWellInside(corners, x + 0.5, y + 0.5))
                     mark(triangle, std::size_t(y) * GridSize + std::size_t(x));
             }
         }
@@ -167,12 +159,45 @@ public:
 private:
     static constexpr std::uint32_t None = std::numeric_limits<std::uint32_t>::max();
 
-    static std::pair<int, int> span(const std::array<std::array<double, 2>, 3> &corners,
-                                    std::size_t k)
+    struct Corner
     {
-        const auto [low, high] = std::minmax({corners[0][k], corners[1][k], corners[2][k]});
-        return {int(std::clamp(std::ceil(low - 0.5), 0.0, double(GridSize))),
-                int(std::clamp(std::floor(high - 0.5), -1.0, double(GridSize - 1)))};
+        double x;
+        double y;
+    };
+
+    Corner within(const Vector2 &uv) const
+    {
+        return {(double(uv[0]) - m_left) * GridSize, (double(uv[1]) - m_bottom) * GridSize};
+    }
+
+    static double side(const Corner &a, const Corner &b, double x, double y)
+    {
+        return (b.x - a.x) * (y - a.y) - (x - a.x) * (b.y - a.y);
+    }
+
+    /// Neighbours share an edge, and round it each in its own way.
+    static bool isWellInside(const std::array<Corner, 3> &corners, double x, double y)
+    {
+        constexpr double Margin = 0.02; // cells
+        for (std::size_t i = 0; i < 3; ++i) {
+            const Corner &from = corners[i];
+            const Corner &to = corners[i == 2 ? 0 : i + 1];
+            const double inside = side(from, to, x, y);
+            const double dx = to.x - from.x;
+            const double dy = to.y - from.y;
+            if (inside <= 0.0 || inside * inside <= Margin * Margin * (dx * dx + dy * dy))
+                return false;
+        }
+        return true;
+    }
+
+    /// Cells whose middles lie between the lowest and the highest.
+    static std::pair<int, int> span(double a, double b, double c)
+    {
+        const double low = std::min(a, std::min(b, c));
+        const double high = std::max(a, std::max(b, c));
+        return {roundedUp(std::clamp(low - 0.5, 0.0, double(GridSize))),
+                roundedDown(std::clamp(high - 0.5, -1.0, double(GridSize - 1)))};
     }
 
     void mark(std::uint32_t triangle, std::size_t cell)
@@ -188,6 +213,8 @@ private:
 
     std::vector<bool> *m_overlapping;
     std::vector<std::uint32_t> m_owners;
+    double m_left = 0.0;
+    double m_bottom = 0.0;
 };
 
 /// Where a triangle lies among the patches.
@@ -203,14 +230,16 @@ struct Place
         const Vector2 &a = mesh.uvs[triangle[0]];
         const Vector2 &b = mesh.uvs[triangle[1]];
         const Vector2 &c = mesh.uvs[triangle[2]];
-        const auto [left, right] = std::minmax({a[0], b[0], c[0]});
-        const auto [bottom, top] = std::minmax({a[1], b[1], c[1]});
+        const float left = std::min(a[0], std::min(b[0], c[0]));
+        const float right = std::max(a[0], std::max(b[0], c[0]));
+        const float bottom = std::min(a[1], std::min(b[1], c[1]));
+        const float top = std::max(a[1], std::max(b[1], c[1]));
         isOutside = left < -Slack || right > OssEvPatch::PatchesPerRow + Slack || bottom < -Slack
                     || double(top) > OssEvPatch::row(OssEvPatch::Last) + 1.0 + Slack;
-        firstColumn = isOutside ? 0 : int(std::floor(left + Slack));
-        firstRow = isOutside ? 0 : int(std::floor(bottom + Slack));
-        lastColumn = isOutside ? -1 : std::max(firstColumn, int(std::ceil(right - Slack)) - 1);
-        lastRow = isOutside ? -1 : std::max(firstRow, int(std::ceil(top - Slack)) - 1);
+        firstColumn = isOutside ? 0 : roundedDown(left + Slack);
+        firstRow = isOutside ? 0 : roundedDown(bottom + Slack);
+        lastColumn = isOutside ? -1 : std::max(firstColumn, roundedUp(right - Slack) - 1);
+        lastRow = isOutside ? -1 : std::max(firstRow, roundedUp(top - Slack) - 1);
     }
 
     bool isOutside = false;
@@ -218,53 +247,77 @@ struct Place
     bool isAcross() const { return lastColumn > firstColumn || lastRow > firstRow; }
 };
 
-void addPatches(const Place &place, std::uint32_t triangle,
-                std::vector<std::pair<int, std::uint32_t>> *places)
+/// Finds triangles that lie over others: those of one patch as they come, and of others when all are known.
+class Overlaps
 {
-    for (int row = place.firstRow; row <= place.lastRow; ++row) {
-        for (int column = place.firstColumn; column <= place.lastColumn; ++column) {
-            if (OssEvPatch::number(column, row) != 0)
-                places->emplace_back(OssEvPatch::number(column, row), triangle);
-        }
+public:
+    explicit Overlaps(const OssEvMesh &mesh)
+        : m_mesh(mesh)
+        , m_overlapping(mesh.triangles.size())
+        , m_cells(&m_overlapping)
+    {
     }
-}
 
-std::size_t countOverlapping(const OssEvMesh &mesh,
-                             std::vector<std::pair<int, std::uint32_t>> places)
-{
-    if (!std::is_sorted(places.begin(), places.end()))
-        std::sort(places.begin(), places.end());
-    std::vector<bool> overlapping(mesh.triangles.size());
-    Cells cells(&overlapping);
-    int patch = 0;
-    for (const auto &[here, triangle] : places) {
-        if (here != patch)
-            cells.clear();
-        patch = here;
-        std::array<std::array<double, 2>, 3> corners{};
-        for (std::size_t i = 0; i < 3; ++i) {
-            const Vector2 &uv = mesh.uvs[mesh.triangles[triangle][i]];
-            corners[i] = {(double(uv[0]) - OssEvPatch::column(patch)) * GridSize,
-                          (double(uv[1]) - OssEvPatch::row(patch)) * GridSize};
+    void add(const Place &place, std::uint32_t triangle)
+    {
+        // Faces over very many patches, each of them, are a file that is not meant.
+        if (m_later.size() >= 4 * m_mesh.triangles.size() + MostPlaces)
+            return;
+        for (int row = place.firstRow; row <= place.lastRow; ++row) {
+            for (int column = place.firstColumn; column <= place.lastColumn; ++column)
+                addTo(OssEvPatch::number(column, row), triangle);
         }
-        cells.take(triangle, corners);
     }
-    return std::size_t(std::count(overlapping.begin(), overlapping.end(), true));
-}
+
+    std::size_t count()
+    {
+        if (!std::is_sorted(m_later.begin(), m_later.end()))
+            std::sort(m_later.begin(), m_later.end());
+        for (const auto &[patch, triangle] : m_later)
+            take(patch, triangle);
+        return std::size_t(std::count(m_overlapping.begin(), m_overlapping.end(), true));
+    }
+
+private:
+    void addTo(int patch, std::uint32_t triangle)
+    {
+        if (patch == 0)
+            return;
+        if (m_patch == 0 || patch == m_patch)
+            take(patch, triangle);
+        else
+            m_later.emplace_back(patch, triangle);
+    }
+
+    void take(int patch, std::uint32_t triangle)
+    {
+        if (patch != m_patch)
+            m_cells.begin(patch);
+        m_patch = patch;
+        const auto &corners = m_mesh.triangles[triangle];
+        m_cells.take(triangle, m_mesh.uvs[corners[0]], m_mesh.uvs[corners[1]],
+                     m_mesh.uvs[corners[2]]);
+    }
+
+    const OssEvMesh &m_mesh;
+    std::vector<bool> m_overlapping;
+    Cells m_cells;
+    int m_patch = 0; ///< that the cells are of
+    std::vector<std::pair<int, std::uint32_t>> m_later;
+};
 
 /// By kind.
 using Faces = std::array<std::size_t, Rows.size()>;
 
-/// What is wrong with each triangle by itself; the patches that triangles with an area lie in.
-std::vector<std::pair<int, std::uint32_t>> countEach(const OssEvMesh &mesh, Faces *faces)
+Faces count(const OssEvMesh &mesh)
 {
-    const auto add = [faces](Kind kind, bool isTrue) {
-        (*faces)[std::size_t(kind)] += isTrue ? 1 : 0;
+    Faces faces{};
+    const auto add = [&faces](Kind kind, bool isTrue) {
+        faces[std::size_t(kind)] += isTrue ? 1 : 0;
     };
     const std::size_t count = mesh.triangles.size();
     const double enough = leastArea(mesh);
-    std::vector<std::pair<int, std::uint32_t>> places;
-    places.reserve(count);
+    Overlaps overlaps(mesh);
     for (std::uint32_t i = 0; i < count; ++i) {
         const auto &triangle = mesh.triangles[i];
         const Place place(mesh, triangle);
@@ -275,11 +328,11 @@ std::vector<std::pair<int, std::uint32_t>> countEach(const OssEvMesh &mesh, Face
         add(Kind::AcrossPatches, place.isAcross());
         add(Kind::Collapsed, isCollapsed && areaInSpace(mesh, triangle) > enough);
         add(Kind::Flipped, !isCollapsed && size < 0.0);
-        // Faces over very many patches, each of them, are a file that is not meant.
-        if (!isCollapsed && places.size() < 4 * count + MostPlaces)
-            addPatches(place, i, &places);
+        if (!isCollapsed)
+            overlaps.add(place, i);
     }
-    return places;
+    faces[std::size_t(Kind::Overlapping)] = overlaps.count();
+    return faces;
 }
 
 } // namespace
@@ -310,9 +363,7 @@ Report OssEvMeshCheck::of(const OssEvMesh &mesh)
         return {finding(Kind::TooManyFaces, count)};
     if (mesh.uvs.empty())
         return {finding(Kind::NoUvs, 0)};
-    Faces faces{};
-    std::vector<std::pair<int, std::uint32_t>> places = countEach(mesh, &faces);
-    faces[std::size_t(Kind::Overlapping)] = countOverlapping(mesh, std::move(places));
+    const Faces faces = ::count(mesh);
     Report report;
     for (const Row &row : Rows) {
         const std::size_t found = faces[std::size_t(row.kind)];

@@ -1,5 +1,6 @@
 #include "OssEvaluation/Geometry/OssEvMeshFile.h"
 
+#include "OssEvaluation/Geometry/GltfReader.h"
 #include "OssEvaluation/Geometry/ObjReader.h"
 #include "OssEvaluation/Geometry/OssEvMeshScene.h"
 #include "OssEvaluation/Geometry/OssEvUnwrap.h"
@@ -16,6 +17,7 @@
 #include <exception>
 #include <filesystem>
 #include <fstream>
+#include <future>
 #include <new>
 #include <utility>
 
@@ -142,10 +144,13 @@ OssEvResult complete(const std::string &path, const Options &options,
     }
     if (!part->report.empty())
         return {};
-    part->report = OssEvMeshCheck::of(*mesh);
+    // Beside finishing, which touches nothing that is looked at.
+    std::future<OssEvMeshCheck::Report> checked = std::async(
+        std::launch::async, [&mesh] { return OssEvMeshCheck::of(*mesh); });
+    const OssEvResult result = mesh->finish(path);
+    part->report = checked.get();
     if (OssEvMeshCheck::isUseless(part->report))
         return {};
-    const OssEvResult result = mesh->finish(path);
     if (result)
         part->mesh = mesh;
     return result;
@@ -157,7 +162,13 @@ OssEvResult readMeshes(const std::string &path, const Options &options, Progress
                        OssEvMeshFile::Reading *reading, OssEvMeshCheck::Report *leftOut)
 {
     OssEvResult result;
-    if (suffixOf(path) == "obj") {
+    bool isDone = false;
+    const std::string suffix = suffixOf(path);
+    if (suffix == "glb" || suffix == "gltf")
+        result = GltfReader::read(path, options, meshes, reading, cancel, &isDone);
+    if (isDone) {
+        // What the other library would not read better.
+    } else if (suffix == "obj") {
         result = ObjReader::read(path, options, meshes, reading, leftOut, cancel,
                                  [progress](double share) { progress->Update(float(share)); });
     } else {

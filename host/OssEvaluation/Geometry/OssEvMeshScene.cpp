@@ -1,12 +1,13 @@
 #include "OssEvaluation/Geometry/OssEvMeshScene.h"
 
+#include "OssEvaluation/Geometry/EqualVertices.h"
 #include "OssEvaluation/Geometry/MeshParts.h"
 
 #include <assimp/scene.h>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
-#include <limits>
 #include <map>
 #include <optional>
 
@@ -132,57 +133,43 @@ private:
 class Weld
 {
 public:
-    static constexpr std::uint32_t None = std::numeric_limits<std::uint32_t>::max();
-
     Weld(const aiMesh &mesh, std::optional<unsigned> uvs)
         : m_mesh(mesh)
         , m_uvs(uvs)
     {
-        std::size_t size = 16;
-        while (size < std::size_t(mesh.mNumVertices) * 3 / 2)
-            size *= 2;
-        std::vector<std::uint32_t> table(size, None);
-        newOf.resize(mesh.mNumVertices);
+        const auto placeOf = [&mesh](std::uint32_t i) {
+            const aiVector3D &place = mesh.mVertices[i];
+            return std::array<float, 3>{place.x, place.y, place.z};
+        };
+        // Mostly there is nothing to weld where there are indices, and much where there are none.
+        if (mesh.mNumVertices < 3 * mesh.mNumFaces) {
+            newOf = firstOfEqual(mesh.mNumVertices, placeOf);
+            haveSeparatePlaces = isFirst(mesh.mNumVertices);
+        }
+        if (!haveSeparatePlaces)
+            newOf = firstOfEqual(mesh.mNumVertices, placeOf,
+                                 [this](std::uint32_t a, std::uint32_t b) { return isSame(a, b); });
         for (std::uint32_t i = 0; i < mesh.mNumVertices; ++i) {
-            std::size_t slot = hash(i) & (size - 1);
-            while (table[slot] != None && !isSame(firsts[table[slot]], i))
-                slot = (slot + 1) & (size - 1);
-            if (table[slot] == None) {
-                table[slot] = std::uint32_t(firsts.size());
-                firsts.push_back(i);
+            if (newOf[i] != i) {
+                newOf[i] = newOf[newOf[i]]; // that one has its own already
+                continue;
             }
-            newOf[i] = table[slot];
+            newOf[i] = std::uint32_t(firsts.size());
+            firsts.push_back(i);
         }
     }
 
     std::vector<std::uint32_t> firsts; ///< the mesh's vertex for each new one
     std::vector<std::uint32_t> newOf;  ///< the new one for each of the mesh's
+    bool haveSeparatePlaces = false;
 
 private:
-    template <class Visitor>
-    void visit(std::uint32_t vertex, const Visitor &visitor) const
+    bool isFirst(std::uint32_t count) const
     {
-        visitor(&m_mesh.mVertices[vertex], sizeof(aiVector3D));
-        if (m_mesh.HasNormals())
-            visitor(&m_mesh.mNormals[vertex], sizeof(aiVector3D));
-        if (m_uvs)
-            visitor(&m_mesh.mTextureCoords[*m_uvs][vertex], 2 * sizeof(float));
-        if (m_mesh.HasVertexColors(0))
-            visitor(&m_mesh.mColors[0][vertex], sizeof(aiColor4D));
-    }
-
-    std::size_t hash(std::uint32_t vertex) const
-    {
-        std::uint64_t sum = 0x9E3779B97F4A7C15ULL;
-        visit(vertex, [&sum](const void *from, std::size_t bytes) {
-            for (std::size_t i = 0; i < bytes; i += sizeof(std::uint32_t)) {
-                std::uint32_t word = 0;
-                std::memcpy(&word, static_cast<const char *>(from) + i, sizeof(word));
-                sum = (sum ^ word) * 0xFF51AFD7ED558CCDULL;
-                sum ^= sum >> 32;
-            }
-        });
-        return std::size_t(sum);
+        std::uint32_t i = 0;
+        while (i < count && newOf[i] == i)
+            ++i;
+        return i == count;
     }
 
     bool isSame(std::uint32_t a, std::uint32_t b) const
@@ -200,14 +187,6 @@ private:
     std::optional<unsigned> m_uvs;
 };
 
-/// No more than is needed for the first mesh, and no new room for each of many.
-template <class Value>
-void makeRoom(std::size_t count, std::vector<Value> *values)
-{
-    if (values->capacity() < count)
-        values->reserve(std::max(count, 2 * values->capacity()));
-}
-
 void addVertices(const aiMesh &from, const Weld &weld, std::optional<unsigned> uvs,
                  const aiMatrix4x4 &matrix, OssEvMesh *mesh)
 {
@@ -216,9 +195,9 @@ void addVertices(const aiMesh &from, const Weld &weld, std::optional<unsigned> u
     const aiMatrix3x3 linear(matrix);
     aiMatrix3x3 forNormals = linear;
     forNormals.Inverse().Transpose();
-    makeRoom(count, &mesh->positions);
-    makeRoom(count, &mesh->normals);
-    makeRoom(count, &mesh->uvs);
+    MeshParts::makeRoom(count, &mesh->positions);
+    MeshParts::makeRoom(count, &mesh->normals);
+    MeshParts::makeRoom(count, &mesh->uvs);
     if (from.HasVertexColors(0) || !mesh->colors.empty())
         mesh->colors.resize(before, {1.0F, 1.0F, 1.0F, 1.0F});
     for (const std::uint32_t i : weld.firsts) {
@@ -255,9 +234,9 @@ bool addFaces(const aiMesh &from, const Weld &weld, bool isMirrored, std::size_t
 {
     OssEvMesh *mesh = goal.mesh;
     const std::size_t count = mesh->triangles.size() + trianglesOf(from);
-    makeRoom(count, &mesh->triangles);
-    makeRoom(count, &mesh->faces);
-    makeRoom(count, &mesh->materials);
+    MeshParts::makeRoom(count, &mesh->triangles);
+    MeshParts::makeRoom(count, &mesh->faces);
+    MeshParts::makeRoom(count, &mesh->materials);
     std::vector<std::uint32_t> corners;
     for (unsigned i = 0; i < from.mNumFaces; ++i) {
         const aiFace &face = from.mFaces[i];
@@ -331,8 +310,7 @@ public:
             if (cancel != nullptr && cancel->isCancelled())
                 return OssEvResult::failure("it was stopped");
             if (!add(placed))
-                return OssEvResult::failure(
-                    "a face names a vertex that does not exist; export it again from where it was made");
+                return OssEvResult::failure(MeshParts::NoSuchVertex);
         }
         return {};
     }
@@ -365,6 +343,7 @@ private:
             m_parts.tellWithoutUvs(placed.object, goal.part);
         const Weld weld(from, uvs);
         const std::size_t first = goal.mesh->positions.size();
+        goal.mesh->hasSeparatePlaces = first == 0 && weld.haveSeparatePlaces;
         addVertices(from, weld, uvs, placed.matrix, goal.mesh);
         const bool isMirrored = aiMatrix3x3(placed.matrix).Determinant() < 0.0F;
         const bool isWhole = addFaces(from, weld, isMirrored, first, goal);

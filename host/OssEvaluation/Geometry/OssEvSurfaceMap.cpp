@@ -92,6 +92,7 @@ OssEvSurfaceMap::OssEvSurfaceMap(std::shared_ptr<const OssEvMesh> mesh, const Os
     , m_margin(margin)
     , m_faces(texels() * sizeof(std::int32_t))
     , m_offsets(texels() * sizeof(Offset))
+    , m_bare(std::size_t(part.height), part.width)
 {
 }
 
@@ -161,10 +162,12 @@ void OssEvSurfaceMap::rasteriseTriangle(int triangle, const OssEvCancel *cancel)
         const int begin = std::max(m_part.x, int(std::ceil(std::max(left - Slack, -1.0))));
         const int end = std::min(m_part.right() - 1,
                                  int(std::floor(std::min(right + Slack, m_frame.width + 1.0))));
+        int &bare = m_bare[std::size_t(y - m_part.y)];
         for (int x = begin; x <= end; ++x) {
             if (faces()[index(x, y)] < 0) {
                 faces()[index(x, y)] = triangle;
                 offsets()[index(x, y)] = {0, 0};
+                --bare;
             }
         }
     }
@@ -184,7 +187,7 @@ bool OssEvSurfaceMap::dilate(const OssEvCancel *cancel)
     for (int y = m_part.y; y < m_part.bottom(); ++y) {
         if (isCancelled(cancel))
             return false;
-        for (int x = m_part.x; x < m_part.right(); ++x) {
+        for (int x = m_part.x; x < m_part.right() && m_bare[std::size_t(y - m_part.y)] > 0; ++x) {
             if (faces()[index(x, y)] < 0)
                 findNearest(x, y, vertical);
         }
@@ -196,6 +199,10 @@ bool OssEvSurfaceMap::dilate(const OssEvCancel *cancel)
 void OssEvSurfaceMap::sweepRow(int y, int from, std::int16_t *vertical) const
 {
     const int reach = m_margin;
+    if (m_bare[std::size_t(y - m_part.y)] == 0) {
+        std::fill_n(vertical + index(m_part.x, y), m_part.width, std::int16_t(0));
+        return;
+    }
     for (int x = m_part.x; x < m_part.right(); ++x) {
         std::int16_t &own = vertical[index(x, y)];
         if (faces()[index(x, y)] >= 0) {

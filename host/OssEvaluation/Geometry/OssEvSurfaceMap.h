@@ -121,4 +121,5 @@ private:
     /// Of covered texels; -1 for the others.
     OssEvBuffer m_faces;
     OssEvBuffer m_offsets;
+    std::vector<int> m_bare; ///< texels of each row that are not covered
 };

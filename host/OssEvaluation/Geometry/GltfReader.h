@@ -1,0 +1,20 @@
+#pragma once
+
+#include "OssEvaluation/Geometry/OssEvMeshFile.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+/// Reads glTF files, binary or not, straight from their buffers. What it does not know (compressed
+/// geometry, sparse accessors, files that are not as they should be) it leaves to the library that reads
+/// everything, which also finds the words for what is wrong.
+namespace GltfReader {
+
+/// As OssEvMeshScene::convert(), of which it gives the very same. `isUnderstood` tells whether it is the
+/// result that counts; otherwise nothing was changed. Throws std::bad_alloc.
+OssEvResult read(const std::string &path, const OssEvMeshFile::Options &options,
+                 std::vector<std::shared_ptr<OssEvMesh>> *meshes, OssEvMeshFile::Reading *reading,
+                 const OssEvCancel *cancel, bool *isUnderstood);
+
+} // namespace GltfReader

@@ -1,8 +1,10 @@
 #include "Ossa/Viewer/ObjectView.h"
 
 #include "Ossa/Surfaces/ObjectCamera.h"
+#include "Ossa/Surfaces/ScenePick.h"
 #include "Ossa/Viewer/ViewerPictures.h"
 #include "OssEvaluation/Geometry/OssEvMesh.h"
+#include "OssRender/Draw/OssRdScene.h"
 #include "support/InterfaceUser.h"
 
 #include <gtest/gtest.h>
@@ -312,14 +314,56 @@ TEST_F(ObjectCameras, showTheWholeBallInNarrowViewsToo)
 TEST_F(ObjectCameras, comeAsNearAndGoAsFarAsIsOfUse)
 {
     const float framed = distance();
-    camera.zoom(2.0F);
+    camera.zoomAt(centre, 2.0F);
     EXPECT_NEAR(distance(), framed / 2.0F, 1e-4F);
-    camera.zoom(1e9F);
+    camera.zoomAt(centre, 1e9F);
     EXPECT_NEAR(distance(), 0.05F * radius, 1e-4F);
-    camera.zoom(1e-9F);
+    camera.zoomAt(centre, 1e-9F);
     EXPECT_NEAR(distance(), 200.0F * radius, 1e-2F);
     camera.frame(centre, 0.0F);
     EXPECT_GT(distance(), 0.0F) << "a point is looked at from somewhere";
+}
+
+TEST_F(ObjectCameras, comeNearerToAPlaceThatStaysWhereItIsAndNotThroughIt)
+{
+    constexpr QSizeF View(400.0, 200.0);
+    camera.resetDirection();
+    for (const QPointF &pointer : {QPointF(90.0, 60.0), QPointF(260.0, 150.0)}) {
+        const QVector3D eye = camera.eye();
+        const QVector3D way = camera.wayTo(pointer, View);
+        const QVector3D seen = onScreen(eye + 3.0F * way, 2.0F);
+        EXPECT_NEAR(seen.x(), pointer.x() / 200.0 - 1.0, 1e-4);
+        EXPECT_NEAR(seen.y(), 1.0 - pointer.y() / 100.0, 1e-4);
+        const QVector3D place = eye + 0.7F * distance() * way; // in front of the middle
+        for (int i = 0; i < 60; ++i) {
+            camera.zoomAt(place, 1.15F);
+            ASSERT_LT((onScreen(place, 2.0F) - seen).toVector2D().length(), 2e-3F) << i;
+            ASSERT_LT(camera.view().map(place).z(), -0.04F * radius) << "before the eye";
+        }
+        camera.orbit({0.1, 0.0});
+        EXPECT_LT((onScreen(place, 2.0F) - seen).toVector2D().length(), 0.5F)
+            << "what is looked at stays in view while it is turned";
+        camera.frame(centre, radius);
+    }
+}
+
+TEST(ScenePicks, meetWhatIsNearestWhereverItStands)
+{
+    const auto ball = std::make_shared<OssEvMesh>(*OssEvShapes::sphere());
+    ball->world = {2, 0, 0, 5, 0, 2, 0, 0, 0, 0, 2, 0}; // twice as large, moved along x
+    ASSERT_TRUE(ball->finish("ball"));
+    const ScenePick::Ray ray{{5.0F, 0.0F, 10.0F}, {0.0F, 0.0F, -3.0F}};
+    OssRdScene scene;
+    scene.objects.push_back({OssRdGeometry::of(*OssEvShapes::plane()), {}});
+    scene.objects.push_back({OssRdGeometry::of(*ball), {}});
+    for (const auto &met : {ScenePick::firstOf(*ball, ray), ScenePick::firstOf(scene, ray)}) {
+        ASSERT_TRUE(met);
+        EXPECT_NEAR(met->x, 5.0F, 1e-4F);
+        EXPECT_NEAR(met->z, 2.0F, 0.02F) << "facets lie a little within";
+    }
+    EXPECT_FALSE(ScenePick::firstOf(scene, {{5.0F, 0.0F, 10.0F}, {0.0F, 0.0F, 1.0F}}))
+        << "behind the eye";
+    EXPECT_FALSE(ScenePick::firstOf(*ball, {{0.0F, 9.0F, 10.0F}, {0.0F, 0.0F, -1.0F}}));
 }
 
 TEST_F(ObjectCameras, turnOverTheTopOnlyToTheTop)

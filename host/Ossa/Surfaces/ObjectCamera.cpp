@@ -50,9 +50,38 @@ void ObjectCamera::pan(const QPointF &way)
     m_centre += rotation().transposed().mapVector(onScreen);
 }
 
-void ObjectCamera::zoom(float factor)
+void ObjectCamera::zoomAt(const QVector3D &place, float factor)
 {
-    m_distance = std::clamp(m_distance / factor, nearest * m_radius, farthest * m_radius);
+    const QVector3D ahead = rotation().transposed().mapVector({0.0F, 0.0F, -1.0F});
+    const QVector3D from = eye();
+    const float depth = QVector3D::dotProduct(place - from, ahead);
+    if (depth <= 0.0F)
+        return;
+    // Whoever is nearer, or farther, already stays there.
+    const float wanted = std::clamp(depth / factor, std::min(nearest * m_radius, depth),
+                                    std::max(farthest * m_radius, depth));
+    const QVector3D eyeThen = place + (from - place) * (wanted / depth);
+    m_distance = wanted;
+    m_centre = eyeThen + ahead * wanted;
+}
+
+QVector3D ObjectCamera::eye() const
+{
+    return m_centre + rotation().transposed().mapVector({0.0F, 0.0F, m_distance});
+}
+
+QVector3D ObjectCamera::wayTo(const QPointF &place, const QSizeF &size) const
+{
+    const double shorter = std::min(size.width(), size.height());
+    const double unit = 2.0 * double(halfHeight()) / shorter;
+    const QVector3D way(float((place.x() - size.width() / 2.0) * unit),
+                        float((size.height() / 2.0 - place.y()) * unit), -1.0F);
+    return rotation().transposed().mapVector(way);
+}
+
+QVector3D ObjectCamera::besideCentre(const QPointF &place, const QSizeF &size) const
+{
+    return eye() + wayTo(place, size) * m_distance;
 }
 
 QMatrix4x4 ObjectCamera::rotation() const

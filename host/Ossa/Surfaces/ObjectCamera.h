@@ -2,6 +2,7 @@
 
 #include <QMatrix4x4>
 #include <QPointF>
+#include <QSizeF>
 #include <QVector3D>
 
 /// Where an object is looked at from: turns around a point, with y upwards. Angles in degrees,
@@ -24,8 +25,15 @@ public:
 
     /// Moves what lies in the centre by the same way on screen.
     void pan(const QPointF &way);
-    /// Comes nearer by a factor above 1.
-    void zoom(float factor);
+    /// Comes nearer to a place by a factor above 1, as far as it is good for anything; what lies there
+    /// stays where it is on screen. A drag turns around what lies as deep.
+    void zoomAt(const QVector3D &place, float factor);
+
+    /// Where the eye is, and the way to what is seen at a place of a view of that size.
+    QVector3D eye() const;
+    QVector3D wayTo(const QPointF &place, const QSizeF &size) const;
+    /// What is seen there as deep as what the object turns around.
+    QVector3D besideCentre(const QPointF &place, const QSizeF &size) const;
 
     /// World to camera, which looks along -z.
     QMatrix4x4 view() const;

@@ -7,12 +7,16 @@
 #include <QPointer>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
 constexpr int coarsePriority = 2;
 constexpr int firstPriority = 1;
 constexpr int behindPriority = -1;
+/// Milliseconds: as long as the first picture of small maps takes, so that nothing delays it. Under a moving
+/// hand large ones are not begun for nothing.
+constexpr int lookTime = 40;
 // Of the work for a map.
 constexpr int coarseParts = 1;
 constexpr int fineParts = 9;
@@ -98,6 +102,9 @@ SurfacePixels::SurfacePixels(QObject *parent)
     : QObject(parent)
 {
     m_planner.setMaxThreadCount(1);
+    m_look.setSingleShot(true);
+    m_look.setInterval(lookTime);
+    connect(&m_look, &QTimer::timeout, this, &SurfacePixels::startWaiting);
 }
 
 SurfacePixels::~SurfacePixels()
@@ -111,6 +118,8 @@ void SurfacePixels::stop()
     for (const Running &running : m_running)
         OssEvaluationService::instance()->engine()->cancel(running.id);
     m_running.clear();
+    m_waiting.clear();
+    m_look.stop();
     m_isPlanning = false;
 }
 
@@ -181,11 +190,22 @@ void SurfacePixels::begin(const std::vector<Planned> &all)
             continue;
         known = {one.key, isSame ? known.resolution : 0, one.isPlanned};
         m_toDo += fineParts + (isSame ? 0 : coarseParts);
-        start(one.place, isSame ? m_resolution : std::min(coarse, m_resolution));
+        if (isSame)
+            m_waiting.push_back(one.place);
+        else
+            start(one.place, std::min(coarse, m_resolution));
     }
-    Q_EMIT changed();
     if (m_running.empty())
+        startWaiting();
+    Q_EMIT changed();
+    if (isWhole())
         Q_EMIT finished();
+}
+
+void SurfacePixels::startWaiting()
+{
+    for (const Place &place : std::exchange(m_waiting, {}))
+        start(place, m_resolution);
 }
 
 void SurfacePixels::start(const Place &place, int resolution)
@@ -242,12 +262,14 @@ void SurfacePixels::finish(int generation, const Place &place,
     // A small map that is one value everywhere may be so by chance.
     if (size < m_resolution) {
         m_done += coarseParts;
-        start(place, m_resolution);
+        m_waiting.push_back(place);
     } else {
         m_done += fineParts + (m_resolution <= coarse ? coarseParts : 0);
     }
+    if (m_running.empty() && !m_waiting.empty())
+        m_look.start();
     Q_EMIT changed();
-    if (m_running.empty())
+    if (isWhole())
         Q_EMIT finished();
 }
 

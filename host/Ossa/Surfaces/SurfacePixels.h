@@ -7,6 +7,7 @@
 #include <QList>
 #include <QObject>
 #include <QThreadPool>
+#include <QTimer>
 
 #include <map>
 #include <memory>
@@ -41,7 +42,7 @@ public:
     /// As far as they are there.
     const std::map<int, OssRdMaterial> &materials() const { return m_materials; }
 
-    bool isWhole() const { return m_running.empty() && !m_isPlanning; }
+    bool isWhole() const { return m_running.empty() && m_waiting.empty() && !m_isPlanning; }
 
     /// Thousandths, which only grow until show() is called again.
     int progress() const;
@@ -82,6 +83,7 @@ private:
     void plan(const QList<int> &patches);
     void begin(const std::vector<Planned> &all);
     void start(const Place &place, int resolution);
+    void startWaiting();
     void finish(int generation, const Place &place, const std::shared_ptr<Picture> &picture,
                 const OssEvOutcome &outcome);
 
@@ -93,6 +95,8 @@ private:
     std::map<int, OssRdMaterial> m_materials;
     std::map<Place, Known> m_known; ///< what is in them
     std::vector<Running> m_running;
+    std::vector<Place> m_waiting; ///< large maps, until the small ones have been seen
+    QTimer m_look;                ///< since the last of them came
     bool m_isPlanning = false;
     int m_toDo = 0; ///< of this picture, in parts of the work
     int m_done = 0;

@@ -2,6 +2,7 @@
 
 #include "Ossa/Painting/ObjectCanvas.h"
 #include "Ossa/Painting/PaintSession.h"
+#include "Ossa/Surfaces/ScenePick.h"
 #include "Ossa/Viewer/ViewerPictures.h"
 #include "OssEvaluation/Geometry/OssEvMesh.h"
 
@@ -50,6 +51,7 @@ void ObjectView::setMesh(const std::shared_ptr<const OssEvMesh> &mesh)
         return;
     m_mesh = mesh;
     m_isFramed = false;
+    m_zoomPoint.reset();
     if (m_canvas)
         m_canvas->setMesh(mesh);
     redraw();
@@ -75,6 +77,7 @@ void ObjectView::frameAll()
         return;
     m_camera.frame(m_renderer->centre(), m_renderer->radius());
     m_isFramed = true;
+    m_zoomPoint.reset();
     redraw();
 }
 
@@ -205,6 +208,7 @@ void ObjectView::mouseMoveEvent(QMouseEvent *event)
 {
     const QPointF way = QPointF(event->pos() - m_last) / std::min(width(), height());
     m_last = event->pos();
+    m_zoomPoint.reset();
     if (sheetMove(*event) || paintMove(*event) || !m_isTurning)
         return;
     m_isMoving = event->buttons() & (Qt::LeftButton | Qt::MiddleButton);
@@ -230,10 +234,28 @@ void ObjectView::mouseReleaseEvent(QMouseEvent *event)
     redraw();
 }
 
+QVector3D ObjectView::placeAt(const QPointF &place) const
+{
+    const QVector3D eye = m_camera.eye();
+    const QVector3D way = m_camera.wayTo(place, size());
+    const ScenePick::Ray ray{{eye.x(), eye.y(), eye.z()}, {way.x(), way.y(), way.z()}};
+    std::optional<glm::vec3> met;
+    if (isMaterial())
+        met = ScenePick::firstOf(*m_light.scene(), ray);
+    else if (m_mesh)
+        met = ScenePick::firstOf(*m_mesh, ray);
+    return met ? QVector3D(met->x, met->y, met->z) : m_camera.besideCentre(place, size());
+}
+
+// What was under the pointer stays there, so one look is enough for a whole turn of the wheel.
 void ObjectView::wheelEvent(QWheelEvent *event)
 {
     if (m_isPainted && SheetHand::wheel(*event))
         return;
-    m_camera.zoom(float(std::pow(1.15, event->angleDelta().y() / 120.0)));
+    if (m_zoomPoint != event->position()) {
+        m_zoomPoint = event->position();
+        m_zoomPlace = placeAt(*m_zoomPoint);
+    }
+    m_camera.zoomAt(m_zoomPlace, float(std::pow(1.15, event->angleDelta().y() / 120.0)));
     redraw();
 }

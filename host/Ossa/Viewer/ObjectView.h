@@ -20,8 +20,8 @@ class PaintSession;
 class ViewerPictures;
 
 /// The object: in light, as the material that is looked at, or with the patches as they are shown flat
-/// on its surface. Left drag turns it, middle drag moves it, the wheel comes nearer, Shift and a drag
-/// turns what surrounds it. Where OpenGL cannot be had it says so.
+/// on its surface. Left drag turns it, middle drag moves it, the wheel comes nearer to what is
+/// under the pointer, Shift and a drag turns what surrounds it. Where OpenGL cannot be had it says so.
 ///
 /// While one paints, the left button draws on the object: Shift goes on from the last stroke in a straight
 /// line, Ctrl picks the colour under the pointer, or what is cloned, Escape takes the stroke in hand back. Alt and a drag, or
@@ -113,6 +113,8 @@ private:
     void scheduleFrame();
     bool takePictures();
     void redraw();
+    /// What is seen at a place: on the object, or beside it as deep as its middle.
+    QVector3D placeAt(const QPointF &place) const;
 
     // Painting
     void placeCanvas();
@@ -134,6 +136,9 @@ private:
     bool m_isFramed = false;
     bool m_isLit = true;
     QPoint m_last;
+    std::optional<QPointF>
+        m_zoomPoint;       ///< of the pointer, since which the wheel alone moved the camera
+    QVector3D m_zoomPlace; ///< what is seen there
 
     LitScene m_light;
     std::unique_ptr<LitRenderer> m_litRenderer; ///< made when light is first seen

@@ -103,6 +103,7 @@ void ObjectView::frameLight()
     const glm::vec3 &centre = geometry->centre;
     m_camera.frame({centre.x, centre.y, centre.z}, geometry->radius);
     m_isLightFramed = true;
+    m_zoomPoint.reset();
     redraw();
 }
 

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <glm/glm.hpp>
+
+#include <optional>
+
+class OssEvMesh;
+struct OssRdScene;
+
+/// What is met first by who looks along a ray, which begins at an eye; the direction has any length. In the
+/// world. Looks at every triangle, which for a million takes some 10 ms.
+namespace ScenePick {
+
+struct Ray
+{
+    glm::vec3 from{0.0F};
+    glm::vec3 direction{0.0F};
+};
+
+std::optional<glm::vec3> firstOf(const OssRdScene &scene, const Ray &ray);
+std::optional<glm::vec3> firstOf(const OssEvMesh &mesh, const Ray &ray);
+
+} // namespace ScenePick

@@ -404,6 +404,6 @@ void OssEvMergeRows::run(int mode, Row *row)
     }
     inputs[2].plane[0] = row->mask.data();
     using namespace OssEvSimd;
-    HWY_DYNAMIC_DISPATCH(merge)(strip, {mode, 1.0F, false});
+    HWY_DYNAMIC_DISPATCH(merge)(strip, {mode, 1.0F, false, {}});
 }
 #endif

@@ -367,6 +367,36 @@ TEST_F(UndoTest, theDocumentIsCleanWhereItWasSaved)
     EXPECT_FALSE(m_undo->canUndo() || m_undo->canRedo());
 }
 
+TEST_F(UndoTest, whoFollowsWhatIsSavedHearsOfMacrosThatStayOpen)
+{
+    auto *history = OssUndoManager::instance();
+    history->clear();
+    bool told = true;
+    const auto follows = QObject::connect(history, &OssUndoManager::cleanChanged,
+                                          [&told](bool clean) { told = clean; });
+    const auto edit = [history] { history->record(QString(), [] {}, [] {}); };
+    {
+        OssUndoManager::AutoMacro macro(QStringLiteral("Long"));
+        edit();
+        EXPECT_FALSE(told);
+        macro.cancel();
+        EXPECT_TRUE(told);
+    }
+    {
+        const OssUndoManager::AutoMacro macro(QStringLiteral("Long"));
+        edit();
+        history->setClean();
+        edit();
+        EXPECT_EQ(told, history->isClean());
+    }
+    EXPECT_EQ(told, history->isClean());
+    history->undo();
+    EXPECT_EQ(told, history->isClean());
+    history->clear();
+    EXPECT_TRUE(told);
+    QObject::disconnect(follows);
+}
+
 TEST_F(UndoTest, textsNameTheStepsAndWhatIsInThem)
 {
     edit("a");

@@ -170,10 +170,10 @@ void OssUndoManager::store(std::unique_ptr<OssUndoStep> step)
 {
     if (!m_open.empty()) {
         m_open.back()->steps.push_back(std::move(step));
+        tellClean(); // a macro may stay open for long
         return;
     }
     const QString title = step->text();
-    const bool wasClean = isClean();
     m_steps.erase(m_steps.begin() + m_index, m_steps.end());
     if (m_cleanIndex > m_index)
         m_cleanIndex = -1;
@@ -182,7 +182,7 @@ void OssUndoManager::store(std::unique_ptr<OssUndoStep> step)
         ++m_index;
     }
     m_mayJoin = true;
-    moved(wasClean);
+    moved();
     Q_EMIT recorded(title);
 }
 
@@ -199,11 +199,18 @@ bool OssUndoManager::joinLast(OssUndoStep &step)
     return true;
 }
 
-void OssUndoManager::moved(bool wasClean)
+void OssUndoManager::moved()
 {
     Q_EMIT changed();
-    if (isClean() != wasClean)
-        Q_EMIT cleanChanged(isClean());
+    tellClean();
+}
+
+void OssUndoManager::tellClean()
+{
+    if (isClean() == m_toldClean)
+        return;
+    m_toldClean = !m_toldClean;
+    Q_EMIT cleanChanged(m_toldClean);
 }
 
 OssUndoManager::Macro &OssUndoManager::openMacro(const QString &title, const QString &mergeKey,
@@ -230,6 +237,7 @@ void OssUndoManager::closeMacro()
     if (macro->cancelled && !macro->steps.empty()) {
         const Pause pause;
         macro->undo();
+        tellClean();
     } else if (macro->gathers && macro->steps.size() == 1) {
         store(std::move(macro->steps.front()));
     } else if (!macro->steps.empty()) {
@@ -240,13 +248,16 @@ void OssUndoManager::closeMacro()
 
 void OssUndoManager::cancelMacros(std::size_t level)
 {
-    const Pause pause;
-    for (std::size_t i = m_open.size(); i >= level; --i) {
-        Macro &macro = *m_open[i - 1];
-        macro.undo();
-        macro.steps.clear();
-        macro.cancelled = true;
+    {
+        const Pause pause;
+        for (std::size_t i = m_open.size(); i >= level; --i) {
+            Macro &macro = *m_open[i - 1];
+            macro.undo();
+            macro.steps.clear();
+            macro.cancelled = true;
+        }
     }
+    tellClean();
 }
 
 bool OssUndoManager::isRecording() const
@@ -312,7 +323,6 @@ QList<QObject *> OssUndoManager::subjects(int index) const
 
 void OssUndoManager::clear()
 {
-    const bool wasClean = isClean();
     {
         const Pause pause;
         for (const auto &macro : m_open)
@@ -323,7 +333,7 @@ void OssUndoManager::clear()
         while (!m_steps.empty())
             m_steps.pop_back();
     }
-    moved(wasClean);
+    moved();
 }
 
 bool OssUndoManager::isClean() const
@@ -335,20 +345,16 @@ bool OssUndoManager::isClean() const
 
 void OssUndoManager::setClean()
 {
-    const bool wasClean = isClean();
     m_cleanIndex = m_index;
-    if (!wasClean)
-        Q_EMIT cleanChanged(true);
+    tellClean();
 }
 
 void OssUndoManager::resetClean()
 {
     if (!isRecording())
         return;
-    const bool wasClean = isClean();
     m_cleanIndex = -1;
-    if (wasClean)
-        Q_EMIT cleanChanged(false);
+    tellClean();
     Q_EMIT changedWithoutStep();
 }
 
@@ -357,14 +363,13 @@ void OssUndoManager::undo()
     Q_EMIT aboutToEdit();
     if (!canUndo())
         return;
-    const bool wasClean = isClean();
     {
         const Pause pause;
         m_steps[std::size_t(m_index - 1)]->undo();
         --m_index;
         m_mayJoin = false;
     }
-    moved(wasClean);
+    moved();
     Q_EMIT undone();
 }
 
@@ -373,14 +378,13 @@ void OssUndoManager::redo()
     Q_EMIT aboutToEdit();
     if (!canRedo())
         return;
-    const bool wasClean = isClean();
     {
         const Pause pause;
         m_steps[std::size_t(m_index)]->redo();
         ++m_index;
         m_mayJoin = false;
     }
-    moved(wasClean);
+    moved();
     Q_EMIT redone();
 }
 

@@ -152,11 +152,13 @@ private:
     void store(std::unique_ptr<OssUndoStep> step);
     bool joinLast(OssUndoStep &step);
     /// Whatever changes the number of done steps or the saved one ends here.
-    void moved(bool wasClean);
+    void moved();
+    void tellClean();
 
     std::vector<std::unique_ptr<OssUndoStep>> m_steps;
     int m_index = 0;
     bool m_mayJoin = false; ///< nothing was undone since the last step was recorded
+    bool m_toldClean = true;
     int m_cleanIndex = 0;   ///< -1: no undoing or redoing leads to what is saved
     std::vector<std::unique_ptr<Macro>> m_open;
     int m_pauses = 0;

@@ -190,6 +190,12 @@ TEST_F(PaintBars, paintNodesInASelectedGroupArePaintedTogether)
     m_bar->refresh();
     ASSERT_NE(m_session->node(), nullptr);
     EXPECT_EQ(m_session->along().size(), 1);
+    m_blur->setSelected(true);
+    m_bar->refresh();
+    EXPECT_TRUE(m_session->along().isEmpty()) << "a rubber band around everything is no wish to paint";
+    m_blur->setSelected(false);
+    m_bar->refresh();
+    EXPECT_EQ(m_session->along().size(), 1);
     stroke();
     m_bar->bake();
     EXPECT_FALSE(m_session->hasPaint());

@@ -100,17 +100,20 @@ PaintNodes::Nodes PaintNodes::all(const OssShaderNetwork *network)
 PaintNodes::Nodes PaintNodes::selected(const OssShaderNetwork *network)
 {
     Nodes found;
+    bool hasOthers = false;
     const QList<OssSnBaseNode *> nodes = network ? network->getAllNodes()
                                                  : QList<OssSnBaseNode *>();
     for (OssSnBaseNode *node : nodes) {
         if (!node->selected())
             continue;
+        const auto *group = qobject_cast<OssSnGroupNode *>(node);
+        const Nodes inside = group ? all(group->groupNetwork()) : Nodes();
         if (auto *paint = qobject_cast<OssSnChannelInputNode *>(node))
             found.append(paint);
-        else if (const auto *group = qobject_cast<OssSnGroupNode *>(node))
-            found += all(group->groupNetwork());
+        hasOthers = hasOthers || (inside.isEmpty() && !qobject_cast<OssSnChannelInputNode *>(node));
+        found += inside;
     }
-    return found;
+    return hasOthers ? found.mid(0, 1) : found;
 }
 
 OssSnBaseNode *PaintNodes::shownShader(OssShaderNetwork *network)

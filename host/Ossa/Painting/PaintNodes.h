@@ -13,7 +13,8 @@ using Nodes = QVector<OssSnImageSetNodeBase *>;
 
 Nodes all(const OssShaderNetwork *network);
 
-/// Those that are selected, and those in groups that are: what is grouped is painted together.
+/// Those that are selected, and those in groups that are: what is grouped is painted together. Where other
+/// nodes are selected as well, whoever did so did not mean to paint: one alone.
 Nodes selected(const OssShaderNetwork *network);
 
 /// The shader that is shown or gets what is shown, or the only one there is; null: none.

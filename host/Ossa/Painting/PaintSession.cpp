@@ -223,7 +223,8 @@ bool PaintSession::prepare(const MakeStroke &make)
     m_stroke = make(&m_buffer);
     if (!m_stroke)
         return false;
-    m_macro = std::make_unique<OssUndoManager::AutoMacro>(stepName());
+    if (!m_leader) // whose step it is a part of
+        m_macro = std::make_unique<OssUndoManager::AutoMacro>(stepName());
     m_everyMove = std::make_unique<EveryMove>();
     return true;
 }

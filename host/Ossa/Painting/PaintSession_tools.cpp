@@ -281,7 +281,6 @@ bool PaintSession::fillWith(const MakeStroke &make, const std::optional<OssEvStr
         tell(tr("What was filled has become another meanwhile"));
         return false;
     }
-    m_macro = std::make_unique<OssUndoManager::AutoMacro>(stepName());
     Tiles tiles;
     for (const OssEvStroke::Change &change : changes)
         tiles.emplace_back(change.place, change.after);

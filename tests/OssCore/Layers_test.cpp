@@ -32,6 +32,7 @@ const QVector<Layer> &layers()
         {text("host/OssEvaluation"),
          {},
          list("Values Geometry Graph Kernels Schedule Files Paint")},
+        {text("host/OssGraphLayout"), {}},
         {text("host/OssNodeGraph"), list("OssCore"), list("Drawing Index Items Gestures View")},
         {text("host/OssRender"), list("OssEvaluation"), list("Values Surface Light Draw")},
         {text("host/OssModel"), list("OssCore OssEvaluation"),
@@ -41,7 +42,7 @@ const QVector<Layer> &layers()
         {text("host/OssScriptObjects"), list("OssCore OssModel OssInterface")},
         {text("host/OssScripting"), list("OssCore OssInterface OssScriptObjects")},
         {text("OssShaderNetworkNodeGraphViewContext"),
-         list("OssCore OssModel OssInterface OssScriptObjects OssNodeGraph ZelGL"),
+         list("OssCore OssModel OssInterface OssScriptObjects OssGraphLayout OssNodeGraph ZelGL"),
          list("Layout Panels Contexts Manager View OssAPI")},
         {text("host/Ossa"),
          list("OssCore OssEvaluation OssRender OssModel OssInterface OssScriptObjects OssScripting "

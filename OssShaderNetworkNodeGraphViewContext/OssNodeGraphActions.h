@@ -85,6 +85,10 @@
     ON_NODES("Nudge Down", nudgeDown, nudgeSelection({0.0, OssNgStyle::GridStep})) \
     ON_NODES("Nudge Down Finely", nudgeDownFinely, nudgeSelection({0.0, 1.0})) \
     ACTION("Bake Again", bakeSelectedBakePointsAgain, bakeSelectedBakePointsAgain())               \
+    ACTION("Arrange", arrangeInLayers, arrange(OssShaderNetworkManager::ArrangeInLayers)) \
+    ACTION("Arrange with Dots", arrangeWithDots, arrange(OssShaderNetworkManager::ArrangeWithDots)) \
+    ACTION("Straighten Chain", straightenChain, arrange(OssShaderNetworkManager::StraightenChain)) \
+    ACTION("Tidy Overlaps", tidyOverlaps, arrange(OssShaderNetworkManager::TidyOverlaps)) \
     ACTION("Align Left", alignLeft, arrange(OssShaderNetworkManager::AlignLeft)) \
     ACTION("Align Center", alignCenter, arrange(OssShaderNetworkManager::AlignCenter)) \
     ACTION("Align Right", alignRight, arrange(OssShaderNetworkManager::AlignRight)) \

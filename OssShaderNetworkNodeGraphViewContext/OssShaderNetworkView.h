@@ -82,7 +82,7 @@ public Q_SLOTS:
     void popupRenameWindow();
     void popupRenameWindow(OssNgNode *NodeToRename);
     void swapInputs();
-    /// The selected nodes, in the order in which they read.
+    /// The selected nodes, in the order in which they read; without any, what lays out graphs does so with all.
     void arrange(OssShaderNetworkManager::Arrangement how);
     void openGroupNodeSubgraph();
     void openGroupsBehind();

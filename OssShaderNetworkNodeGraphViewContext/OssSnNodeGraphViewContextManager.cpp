@@ -113,6 +113,9 @@ void OssSnNodeGraphViewContextManager::connectToHost()
             &Manager::showNodePropertiesAtPositionBegin);
     connect(networks, &Networks::showNodePropertiesRequest, this, &Manager::showNodeProperties);
     connect(networks, &Networks::nodeReplaced, this, &Manager::replaceNodeProperties);
+    connect(networks, &Networks::wholeLayoutRequested, this, [this](OssShaderNetwork *network) {
+        beautifyNodesLayout(network, QList<OssSnBaseNode *>(), true);
+    });
     connect(networks, qOverload<OssShaderNetwork *>(&Networks::beautifyNodesLayout), this,
             qOverload<OssShaderNetwork *>(&Manager::beautifyNodesLayout));
     connect(networks,

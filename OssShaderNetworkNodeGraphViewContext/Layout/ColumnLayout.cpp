@@ -12,18 +12,132 @@ ColumnLayout::ColumnLayout(std::vector<Node> nodes)
 
 void ColumnLayout::layOut(const QVector<int> &startNodes, const QVector<int> &ignored)
 {
+    m_before = m_nodes;
+    m_ignored = ignored;
     const QVector<int> starts = sortedStarts(startNodes);
-    // What waits for its own tree will move, so it need not be kept clear of yet.
-    const std::vector<bool> waiting = upstreamOf(starts, true);
-    m_obstacles.clear();
-    m_widestObstacle = 0.0;
-    for (int i = 0; i < int(m_nodes.size()); ++i) {
-        if (!waiting[std::size_t(i)] && !ignored.contains(i))
-            keepClearOf(i);
+    layOutInOrder(starts);
+    int least = backwardWires();
+    QVector<int> best = starts;
+    for (const QVector<int> &order :
+         least > 0 ? otherOrders(starts) : std::vector<QVector<int>>()) {
+        if (least == 0)
+            break;
+        layOutInOrder(order);
+        const int found = backwardWires();
+        if (found < least) {
+            least = found;
+            best = order;
+        }
     }
+    layOutInOrder(best);
+    if (least > 0)
+        mendBackwardWires();
+}
+
+void ColumnLayout::layOutInOrder(const QVector<int> &starts)
+{
+    m_nodes = m_before;
+    m_laidOut.assign(m_nodes.size(), false);
+    m_moves.clear();
+    // What waits for its own tree will move, so it need not be kept clear of yet.
+    gatherObstacles(upstreamOf(starts, true));
     for (const int start : starts) {
         if (!m_laidOut[std::size_t(start)])
             layoutTree(start);
+    }
+}
+
+void ColumnLayout::gatherObstacles(const std::vector<bool> &without)
+{
+    m_obstacles.clear();
+    m_widestObstacle = 0.0;
+    for (int i = 0; i < int(m_nodes.size()); ++i) {
+        if (!without[std::size_t(i)] && !m_ignored.contains(i))
+            keepClearOf(i);
+    }
+}
+
+// --- wires that run backward
+
+int ColumnLayout::backwardWires() const
+{
+    int count = 0;
+    for (int i = 0; i < int(m_nodes.size()); ++i) {
+        if (!m_laidOut[std::size_t(i)] || !m_nodes[std::size_t(i)].hasItem)
+            continue;
+        for (const Input &input : m_nodes[std::size_t(i)].inputs) {
+            const bool counts = input.source >= 0 && m_laidOut[std::size_t(input.source)]
+                                && m_nodes[std::size_t(input.source)].hasItem;
+            count += counts && rect(input.source).right() > rect(i).left() ? 1 : 0;
+        }
+    }
+    return count;
+}
+
+/// From the left, from the right, and with each of the first few at the beginning: what several trees share belongs
+/// to the first.
+std::vector<QVector<int>> ColumnLayout::otherOrders(const QVector<int> &starts) const
+{
+    constexpr int MostWork = 200000;
+    std::vector<QVector<int>> orders;
+    QVector<int> byLeft = starts;
+    std::stable_sort(byLeft.begin(), byLeft.end(), [this](int a, int b) {
+        return m_before[std::size_t(a)].position.x() < m_before[std::size_t(b)].position.x();
+    });
+    orders.push_back(byLeft);
+    orders.emplace_back(byLeft.crbegin(), byLeft.crend());
+    for (int i = 1; i < starts.size() && int(orders.size() * m_nodes.size()) < MostWork; ++i) {
+        QVector<int> order = byLeft;
+        order.removeOne(starts.at(i));
+        order.prepend(starts.at(i));
+        orders.push_back(order);
+    }
+    return orders;
+}
+
+std::vector<int> ColumnLayout::downstreamFirst() const
+{
+    std::vector<int> waiting(m_nodes.size(), 0);
+    for (std::size_t i = 0; i < m_nodes.size(); ++i) {
+        for (const Input &input : m_nodes[i].inputs)
+            waiting[std::size_t(std::max(0, input.source))] += input.source >= 0 && m_laidOut[i]
+                                                                   ? 1
+                                                                   : 0;
+    }
+    std::vector<int> order;
+    for (int i = 0; i < int(m_nodes.size()); ++i) {
+        if (m_laidOut[std::size_t(i)] && waiting[std::size_t(i)] == 0)
+            order.push_back(i);
+    }
+    for (std::size_t next = 0; next < order.size(); ++next) {
+        for (const Input &input : m_nodes[std::size_t(order[next])].inputs) {
+            if (input.source >= 0 && m_laidOut[std::size_t(input.source)]
+                && --waiting[std::size_t(input.source)] == 0)
+                order.push_back(input.source);
+        }
+    }
+    return order;
+}
+
+void ColumnLayout::mendBackwardWires()
+{
+    constexpr qreal Far = 1e12;
+    std::vector<qreal> limits(m_nodes.size(), Far);
+    for (const int node : downstreamFirst()) {
+        const Node &own = m_nodes[std::size_t(node)];
+        if (own.hasItem && rect(node).right() > limits[std::size_t(node)]) {
+            std::vector<bool> self(m_nodes.size(), false);
+            self[std::size_t(node)] = true;
+            gatherObstacles(self);
+            QRectF place = rect(node);
+            place.moveRight(limits[std::size_t(node)] - ColumnGap);
+            move(node, place.topLeft() + QPointF(shiftClear(place), 0.0), true);
+        }
+        for (const Input &input : own.inputs) {
+            if (input.source >= 0 && own.hasItem)
+                limits[std::size_t(input.source)] = std::min(limits[std::size_t(input.source)],
+                                                             rect(node).left());
+        }
     }
 }
 
@@ -31,7 +145,7 @@ void ColumnLayout::keepClearOf(int node)
 {
     if (!m_nodes[std::size_t(node)].hasItem)
         return;
-    const QRectF obstacle = rect(node);
+    const QRectF obstacle = rect(node).marginsAdded(m_nodes[std::size_t(node)].margins);
     const auto place = std::upper_bound(
         m_obstacles.begin(), m_obstacles.end(), obstacle,
         [](const QRectF &a, const QRectF &b) { return a.left() < b.left(); });

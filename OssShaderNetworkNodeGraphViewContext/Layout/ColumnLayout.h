@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QMarginsF>
 #include <QPointF>
 #include <QRectF>
 #include <QSizeF>
@@ -31,6 +32,7 @@ public:
     {
         QPointF position; ///< top-left
         QSizeF size;
+        QMarginsF margins;   ///< that others keep clear of as well
         bool hasItem = true; ///< without one it takes no room
         bool merge = false;
         QVector<Input> inputs;
@@ -47,7 +49,8 @@ public:
 
     explicit ColumnLayout(std::vector<Node> nodes);
 
-    /// Lays out the tree of each start node. Nodes that stand in the tree of an earlier one are
+    /// Lays out the tree of each start node, in an order in which no wire runs backward, as far as there is one; what
+    /// still would goes further left. Nodes that stand in the tree of an earlier one are
     /// left alone by the later ones; start nodes upstream of another come with its tree. Nodes of
     /// no tree, and those placed before, are kept clear of, unless they are `ignored` (such as
     /// backdrops, which lie behind).
@@ -70,6 +73,12 @@ private:
 
     using Columns = std::vector<std::vector<Entry>>;
 
+    void layOutInOrder(const QVector<int> &starts);
+    int backwardWires() const;
+    std::vector<QVector<int>> otherOrders(const QVector<int> &starts) const;
+    void mendBackwardWires();
+    std::vector<int> downstreamFirst() const;
+    void gatherObstacles(const std::vector<bool> &without);
     QVector<int> sortedStarts(const QVector<int> &startNodes) const;
     std::vector<bool> upstreamOf(const QVector<int> &starts, bool includeStarts) const;
     static QVector<int> followedInputs(const Node &node);
@@ -87,6 +96,8 @@ private:
     void move(int node, const QPointF &position, bool shift);
 
     std::vector<Node> m_nodes;
+    std::vector<Node> m_before;
+    QVector<int> m_ignored;
     std::vector<bool> m_laidOut;
     std::vector<int> m_columnOf; ///< -1 but while a tree is put into columns
     std::vector<int> m_indexIn;

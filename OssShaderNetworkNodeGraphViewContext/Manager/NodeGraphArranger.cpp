@@ -1,6 +1,8 @@
 #include "Manager/NodeGraphArranger.h"
 
-#include "Layout/ColumnLayout.h"
+#include "Layout/FramedLayout.h"
+#include "Layout/NodePlacement.h"
+#include "Manager/BackdropArea.h"
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssLayerStreamUtils.h"
@@ -8,10 +10,12 @@
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Types/OssSnTags.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
-#include "OssNodeGraph/Items/OssNgBackdropNodeRectChangeUndo.h"
 #include "OssNodeGraph/Items/OssNgNodePositionChangeUndo.h"
+#include "OssNodeGraph/Items/OssNgUINode.h"
 #include "OssShaderNetworkView.h"
 #include "OssSnNodeGraphViewContextManager.h"
+
+#include <QSet>
 
 #include <algorithm>
 
@@ -91,6 +95,8 @@ public:
 
     OssSnBaseNode *node(int index) const { return m_nodes.at(index); }
 
+    int count() const { return m_nodes.size(); }
+
     std::vector<ColumnLayout::Node> values() const
     {
         std::vector<ColumnLayout::Node> values;
@@ -128,48 +134,159 @@ private:
     QHash<const OssSnBaseNode *, int> m_indexes;
 };
 
-void applyMoves(const ColumnLayout &layout, const Picture &picture,
-                OssUndoManager::AutoMacro *macro)
+/// False where it stands there already.
+bool moveTo(OssNgNode *item, const QPointF &place, OssUndoManager::AutoMacro *macro)
 {
-    QVector<OssNgNode *> items; // a shift moves some of them once more
-    for (const ColumnLayout::Move &move : layout.moves()) {
-        OssNgNode *item = visibleItem(picture.node(move.node));
-        if (!item)
-            continue;
-        if (!move.shift) {
-            item->savePosition();
-            items.append(item);
-        }
-        item->setPosition(move.position);
-    }
-    for (OssNgNode *item : qAsConst(items)) {
-        if (!item->isAt(item->savedPosition()))
-            macro->addUndo(new OssNgNodePositionChangeUndo(item)); // the history takes it
-    }
+    if (item->isAt(place))
+        return false;
+    item->savePosition();
+    item->setPosition(place);
+    macro->addUndo(new OssNgNodePositionChangeUndo(item)); // the history takes it
+    return true;
 }
 
-void refit(const Container &container, OssUndoManager::AutoMacro *macro)
+QRectF refitted(const Container &container)
 {
-    OssNgBackdropNode *backdrop = container.backdrop;
     QRectF bounds;
     for (const OssSnBaseNode *member : container.members) {
         if (const OssNgNode *item = visibleItem(member))
             bounds |= item->sceneBoundingRect();
     }
-    if (!backdrop || bounds.isEmpty())
+    const qreal margin = container.backdrop->titleBarHeight();
+    return bounds.isEmpty() ? bounds : bounds.adjusted(-margin, -2.0 * margin, margin, margin);
+}
+
+/// Those of which a member moved, and those around them.
+void refitMoved(const QVector<Container> &containers, QSet<const OssNgNode *> *moved)
+{
+    for (const Container &container : containers) {
+        const bool any = std::any_of(
+            container.members.cbegin(), container.members.cend(),
+            [moved](const OssSnBaseNode *member) { return moved->contains(visibleItem(member)); });
+        const QRectF area = container.backdrop && any ? refitted(container) : QRectF();
+        if (area.isEmpty())
+            continue;
+        setBackdropArea(container.backdrop, area);
+        moved->insert(container.backdrop);
+    }
+}
+
+bool isNote(const OssSnBaseNode *node)
+{
+    return qobject_cast<OssNgUINode *>(visibleItem(node));
+}
+
+/// What a note is about: the nearest node, if it is near, on the same innermost backdrop.
+QVector<QPair<int, int>> notesWithNodes(const Picture &picture, const std::vector<int> &frameOf)
+{
+    constexpr qreal Near = 60.0;
+    QVector<QPair<int, int>> pairs;
+    for (int note = 0; note < picture.count(); ++note) {
+        if (!isNote(picture.node(note)))
+            continue;
+        const QRectF own = visibleItem(picture.node(note))->sceneBoundingRect();
+        int best = -1;
+        qreal nearest = Near;
+        for (int other = 0; other < picture.count(); ++other) {
+            const OssNgNode *item = visibleItem(picture.node(other));
+            if (!item || isNote(picture.node(other)) || item->isBackground()
+                || isViewer(picture.node(other))
+                || frameOf[std::size_t(other)] != frameOf[std::size_t(note)])
+                continue;
+            const QRectF there = item->sceneBoundingRect();
+            const qreal away = std::max({0.0, there.left() - own.right(),
+                                         own.left() - there.right(), there.top() - own.bottom(),
+                                         own.top() - there.bottom()});
+            if (away < nearest) {
+                nearest = away;
+                best = other;
+            }
+        }
+        if (best >= 0)
+            pairs.append({note, best});
+    }
+    return pairs;
+}
+
+/// Smallest first: each node is in the first that holds it. `frameOf` becomes the frame of each node.
+std::vector<FramedLayout::Frame> framesOf(const QVector<Container> &containers,
+                                          const Picture &picture, std::vector<int> *frameOf)
+{
+    frameOf->assign(std::size_t(picture.count()), -1);
+    std::vector<FramedLayout::Frame> frames(std::size_t(containers.size()));
+    for (int i = 0; i < containers.size(); ++i) {
+        const Container &container = containers.at(i);
+        FramedLayout::Frame &frame = frames[std::size_t(i)];
+        const qreal margin = container.backdrop->titleBarHeight();
+        frame.margins = QMarginsF(margin, 2.0 * margin, margin, margin);
+        for (const OssSnBaseNode *member : container.members) {
+            const int node = picture.indexOf(member);
+            if (node < 0)
+                continue;
+            const auto inner = std::find_if(
+                containers.cbegin(), containers.cbegin() + i,
+                [member](const Container &other) { return other.backdrop == visibleItem(member); });
+            if (inner != containers.cbegin() + i) {
+                FramedLayout::Frame &held = frames[std::size_t(inner - containers.cbegin())];
+                held.parent = held.parent < 0 ? i : held.parent;
+            } else if ((*frameOf)[std::size_t(node)] < 0) {
+                (*frameOf)[std::size_t(node)] = i;
+                frame.members.append(node);
+            }
+        }
+    }
+    return frames;
+}
+
+/// A note that its node brought over others goes to the nearest free place.
+void clearNote(OssNgNode *note, const QList<OssSnBaseNode *> &all,
+               const QSet<const OssNgNode *> &moved, OssUndoManager::AutoMacro *macro)
+{
+    if (!moved.contains(note))
         return;
-    const qreal margin = backdrop->titleBarHeight();
-    bounds.adjust(-margin, -2.0 * margin, margin, margin);
-    backdrop->savePosition();
-    backdrop->saveBoundingRect();
-    backdrop->setPosition(bounds.topLeft());
-    if (!backdrop->isAt(backdrop->savedPosition()))
-        macro->addUndo(new OssNgNodePositionChangeUndo(backdrop));
-    backdrop->setRect({0.0, 0.0, bounds.width(), bounds.height()});
-    const QRectF before = backdrop->savedBoundingRect();
-    const QRectF now = backdrop->rect();
-    if (now.width() != before.width() || now.height() != before.height())
-        macro->addUndo(new OssNgBackdropNodeRectChangeUndo(backdrop));
+    constexpr qreal Around = 600.0;
+    const QRectF own = note->sceneBoundingRect();
+    QVector<QRectF> others;
+    for (const OssSnBaseNode *other : all) {
+        const OssNgNode *item = visibleItem(other);
+        if (item && item != note && !item->isBackground())
+            others.append(item->sceneBoundingRect());
+    }
+    if (std::none_of(others.cbegin(), others.cend(),
+                     [&own](const QRectF &other) { return other.intersects(own); }))
+        return;
+    const QRectF area = own.adjusted(-Around, -Around, Around, Around);
+    if (const auto place = NodePlacement::nearestFree(own.topLeft(), own.size(), others, area))
+        moveTo(note, *place, macro);
+}
+
+/// Viewers stand right of what they look at, and on nothing.
+void placeViewers(const QList<OssSnBaseNode *> &all, OssUndoManager::AutoMacro *macro)
+{
+    for (OssSnBaseNode *viewer : all) {
+        OssNgNode *item = isViewer(viewer) ? visibleItem(viewer) : nullptr;
+        QRectF seen;
+        const QList<OssSnBaseNode *> sources = viewer->inputNodes();
+        for (const OssSnBaseNode *source : sources) {
+            if (const OssNgNode *shown = source ? visibleItem(source) : nullptr)
+                seen |= shown->sceneBoundingRect();
+        }
+        if (!item || seen.isEmpty() || item->sceneBoundingRect().left() >= seen.right())
+            continue;
+        QRectF place(QPointF(seen.right() + ColumnLayout::ColumnGap, item->y()),
+                     item->sceneBoundingRect().size());
+        for (bool isClear = false; !isClear;) {
+            isClear = true;
+            for (const OssSnBaseNode *other : all) {
+                const OssNgNode *shown = visibleItem(other);
+                if (!shown || shown == item || !shown->sceneBoundingRect().intersects(place))
+                    continue;
+                place.moveLeft(shown->sceneBoundingRect().right() + ColumnLayout::Clearance);
+                isClear = false;
+            }
+        }
+        moveTo(item, place.topLeft(), macro);
+    }
 }
 
 /// The start nodes as indexes. A backdrop stands for what lies on it, but for the viewer: that one
@@ -254,7 +371,8 @@ void NodeGraphArranger::autoLayoutNodes(OssShaderNetwork *StartNetwork,
     OssUndoManager::AutoMacro macro(tr("Layout Nodes"));
     const QList<OssSnBaseNode *> all = StartNetwork->nodes();
     const QVector<Container> containers = containersOf(all);
-    if (StartNodes.isEmpty())
+    const bool whole = StartNodes.isEmpty();
+    if (whole)
         std::copy_if(all.begin(), all.end(), std::back_inserter(StartNodes), isLeaf);
     const Picture picture(all);
     const QVector<int> starts = startIndexes(StartNodes, picture, containers);
@@ -267,11 +385,24 @@ void NodeGraphArranger::autoLayoutNodes(OssShaderNetwork *StartNetwork,
         if (qobject_cast<OssNgBackdropNode *>(visibleItem(all.at(i))))
             backdrops.append(i);
     }
-    ColumnLayout layout(picture.values());
+    std::vector<int> frameOf;
+    std::vector<FramedLayout::Frame> frames = framesOf(containers, picture, &frameOf);
+    const QVector<QPair<int, int>> notes = notesWithNodes(picture, frameOf);
+    FramedLayout layout(picture.values(), frames, notes);
     layout.layOut(starts, backdrops);
-    applyMoves(layout, picture, &macro);
-    for (const Container &container : containers)
-        refit(container, &macro);
+    QSet<const OssNgNode *> moved;
+    for (int i = 0; i < all.size(); ++i) {
+        OssNgNode *item = visibleItem(all.at(i));
+        if (item && !backdrops.contains(i) && moveTo(item, layout.position(i), &macro))
+            moved.insert(item);
+    }
+    for (const auto &note : notes)
+        clearNote(visibleItem(all.at(note.first)), all, moved, &macro);
+    refitMoved(containers, &moved);
+    if (whole)
+        placeViewers(all, &macro);
+    if (moved.isEmpty())
+        return;
     if (OssSnGroupNode *group = StartNetwork->parentGroupNode()) {
         reorderGroupInputsByPos(group);
         reorderGroupOutputsByPos(group);

@@ -8,9 +8,11 @@
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssNodeGraph/Items/OssNgNode.h"
 #include "OssNodeGraph/Items/OssNgSceneIndex.h"
+#include "OssNodeGraph/View/OssNgGlide.h"
 #include "OssShaderNetworkView.h"
 #include "OssSnNodeGraphViewContextManager.h"
 #include "View/Backdrops.h"
+#include "View/LayeredArranging.h"
 
 #include <QHash>
 
@@ -243,6 +245,10 @@ const Row Rows[] = {
     {Networks::TidyBackdrops, ABackdropOrMember, "Tidy Backdrops", tidy},
     {Networks::BringToFront, ABackdrop, "Bring to Front", reorder, 1},
     {Networks::SendToBack, ABackdrop, "Send to Back", reorder, 0},
+    {Networks::ArrangeInLayers, OneNode, "Arrange", LayeredArranging::arrange, 0},
+    {Networks::ArrangeWithDots, OneNode, "Arrange with Dots", LayeredArranging::arrange, 1},
+    {Networks::StraightenChain, TwoNodes, "Straighten Chain", LayeredArranging::straighten},
+    {Networks::TidyOverlaps, OneNode, "Tidy Overlaps", LayeredArranging::separate},
     {Networks::PlaceUnderneath, NodeAndWire, "Place Underneath", placeEach<placeUnderneath>},
     {Networks::PlaceNextTo, NodeAndWire, "Place Next to", placeEach<placeNextTo>},
     {Networks::PlaceOnTop, NodeAndWire, "Place on Top", placeEach<placeOnTop>},
@@ -358,14 +364,20 @@ void Arranger::arrange(const QList<OssSnBaseNode *> &nodes,
         containers.insert(node.key(), Backdrops::containerOf(node.key()));
     row->carryOut(shown, row->argument);
     QVector<Backdrops::Placed> moved;
+    OssNgGlide::Places ways;
     const Nodes all = network->nodes();
     for (Node *node : all) {
         OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(node);
         if (!item || item->isAt(before.value(node)))
             continue;
         moved.append(Backdrops::Placed{node, containers.value(node)});
+        if (before.contains(node))
+            ways.insert(item, before.value(node));
         Q_EMIT item->posChanged(item->pos());
     }
     Backdrops::settle(moved);
+    OssShaderNetworkView *view = OssSnNodeGraphViewContextManager::instance()->currentView();
+    if (view && view->network() == network)
+        view->glideFrom(ways);
     OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
 }

@@ -215,17 +215,22 @@ void OssShaderNetworkView::arrange(OssShaderNetworkManager::Arrangement how)
         if (auto *node = guiNode ? qobject_cast<OssSnBaseNode *>(guiNode->businessNode()) : nullptr)
             nodes.append(node);
     }
-    const OssUndoManager *steps = OssUndoManager::instance();
-    bool changed = steps->isMacroOpen(); // who knows what that one holds
-    const auto recording = connect(steps, &OssUndoManager::recorded, this,
+    using Networks = OssShaderNetworkManager;
+    const bool whole = nodes.isEmpty()
+                       && (how == Networks::ArrangeInLayers || how == Networks::ArrangeWithDots
+                           || how == Networks::TidyOverlaps);
+    if (whole && m_network)
+        nodes = m_network->nodes();
+    bool changed = false;
+    const auto recording = connect(OssUndoManager::instance(), &OssUndoManager::recorded, this,
                                    [&changed] { changed = true; });
     const OssResult result = OssShaderNetworkManager::instance()->requestArrangement(nodes, how);
     disconnect(recording);
-    changed = changed || steps->isMacroOpen(); // the command's own has its first step
     if (!result)
         tellUser(result.error());
     else if (!changed)
-        tellUser(tr("What is selected stands like that already"));
+        tellUser(whole ? tr("The graph stands like that already")
+                       : tr("What is selected stands like that already"));
 }
 
 // --- swapping inputs

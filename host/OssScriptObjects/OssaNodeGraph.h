@@ -44,11 +44,15 @@ class OSSSCRIPTOBJECTS_EXPORT NodeGraph : public API
     Q_CLASSINFO("fromText", "Adds the nodes of such a text.")
     Q_CLASSINFO("exportNodes", "Writes nodes into a node file (*.ong).")
     Q_CLASSINFO("importNodes", "Adds the nodes of a node file.")
-    Q_CLASSINFO("layout", "Arranges nodes, or the whole graph, in columns.")
-    Q_CLASSINFO("arrange",
-                "Puts nodes in order, one of arrangements(): in line, at equal distances, "
-                "each by the one before it in the list, or backdrops around what lies "
-                "on them.")
+    Q_CLASSINFO(
+        "layout",
+        "Arranges nodes and what feeds them, or the whole graph whatever is selected, in columns.")
+    Q_CLASSINFO(
+        "arrange",
+        "Puts nodes in order, one of arrangements(): in line, at equal distances, "
+        "each by the one before it in the list, or backdrops around what lies "
+        "on them. Without one they are laid out in layers, so that few wires cross; without "
+        "nodes the whole graph is.")
     Q_CLASSINFO("arrangements", "What arrange() can do, as \"align left\" or \"place below\".")
     Q_CLASSINFO("show", "Shows the graph in the Node Graph palette.")
     Q_CLASSINFO("viewer", "The viewer of the object; None when there is none.")
@@ -91,7 +95,9 @@ public Q_SLOTS:
 
     void layout();
     void layout(const QList<Node *> &nodes);
-    void arrange(const QList<Node *> &nodes, const QString &how);
+    void arrange();
+    void arrange(const QList<Node *> &nodes,
+                 const QString &how = QStringLiteral("arrange in layers"));
     QStringList arrangements() const;
     void show();
     Node *viewer() const;

@@ -23,6 +23,17 @@ QStringList NodeGraph::arrangements() const
     return names;
 }
 
+void NodeGraph::arrange()
+{
+    const OssShaderNetwork *own = network();
+    if (!own || own->nodes().isEmpty())
+        return;
+    const OssResult done = OssShaderNetworkManager::instance()->requestArrangement(
+        own->nodes(), OssShaderNetworkManager::ArrangeInLayers);
+    if (!done)
+        fail(OssScriptException::WrongState, done.error());
+}
+
 void NodeGraph::arrange(const QList<Node *> &nodes, const QString &how)
 {
     QList<OssSnBaseNode *> wanted;

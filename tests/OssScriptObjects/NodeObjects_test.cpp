@@ -239,9 +239,8 @@ TEST_F(NodeObjects, graphsAreShownAndLaidOutAsAskedFor)
     EXPECT_EQ(opened.count(), 2);
 
     auto *networks = OssShaderNetworkManager::instance();
-    using All = void (OssShaderNetworkManager::*)(OssShaderNetwork *);
     using Some = void (OssShaderNetworkManager::*)(OssShaderNetwork *, QList<OssSnBaseNode *>);
-    const QSignalSpy all(networks, All(&OssShaderNetworkManager::beautifyNodesLayout));
+    const QSignalSpy all(networks, &OssShaderNetworkManager::wholeLayoutRequested);
     const QSignalSpy some(networks, Some(&OssShaderNetworkManager::beautifyNodesLayout));
     m_graph->layout(Nodes());
     m_graph->layout(Nodes{m_blur, m_group});

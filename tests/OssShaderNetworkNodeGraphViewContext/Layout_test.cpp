@@ -1,5 +1,6 @@
 #include "GraphFixture.h"
 #include "Layout/ColumnLayout.h"
+#include "Layout/FramedLayout.h"
 
 #include <random>
 
@@ -190,7 +191,8 @@ TEST(ColumnLayout, randomGraphsComeOutReadableAndAlwaysTheSame)
         for (int i = 0; i < count; ++i) {
             EXPECT_EQ(layout.rect(i), again.rect(i));
             for (const ColumnLayout::Input &input : nodes[std::size_t(i)].inputs) {
-                // Trees of other roots may stand anywhere; within one, streams run to the right.
+                // Whatever several trees share; within one there is a gap as well.
+                EXPECT_LE(layout.rect(input.source).right(), layout.rect(i).left() + 0.001);
                 if (starts.size() == 1) {
                     EXPECT_LE(layout.rect(input.source).right() + 150.0,
                               layout.rect(i).left() + 0.001);
@@ -203,6 +205,72 @@ TEST(ColumnLayout, randomGraphsComeOutReadableAndAlwaysTheSame)
             }
         }
     }
+}
+
+FramedLayout::Frame frameOf(const QVector<int> &members)
+{
+    return {-1, members, QMarginsF(28, 56, 28, 28)};
+}
+
+TEST(FramedLayout, membersStayTogetherAndOthersStayOut)
+{
+    std::mt19937 random(5);
+    for (int round = 0; round < 60; ++round) {
+        SCOPED_TRACE(round);
+        const int count = 8 + int(random() % 30);
+        std::vector<Node> nodes = randomGraph(count, &random);
+        // Members follow each other, so that frames close no loops of their own.
+        std::vector<FramedLayout::Frame> frames{frameOf({1, 2, 3}), frameOf({4, 5})};
+        QVector<int> starts;
+        for (int i = 0; i < count; ++i) {
+            // What stands in a frame stands apart from others today.
+            nodes[std::size_t(i)].position += QPointF(i >= 1 && i <= 3   ? 20000
+                                                      : i == 4 || i == 5 ? 40000
+                                                                         : 0,
+                                                      0);
+            starts.append(i);
+        }
+        FramedLayout layout(nodes, frames, {});
+        layout.layOut(starts, {});
+        const auto rectOf = [&](int node) {
+            return QRectF(layout.position(node), nodes[std::size_t(node)].size);
+        };
+        QVector<QRectF> areas;
+        for (const FramedLayout::Frame &frame : frames) {
+            QRectF area;
+            for (const int member : frame.members)
+                area |= rectOf(member);
+            areas.append(area.marginsAdded(frame.margins));
+        }
+        EXPECT_FALSE(areas.at(0).intersects(areas.at(1)));
+        for (int i = 0; i < count; ++i) {
+            for (int f = 0; f < 2; ++f)
+                EXPECT_EQ(areas.at(f).contains(rectOf(i)),
+                          frames[std::size_t(f)].members.contains(i))
+                    << i << " in " << f;
+        }
+        std::vector<Node> placed = nodes;
+        for (int i = 0; i < count; ++i)
+            placed[std::size_t(i)].position = layout.position(i);
+        FramedLayout again(placed, frames, {});
+        again.layOut(starts, {});
+        for (int i = 0; i < count; ++i)
+            EXPECT_EQ(again.position(i), layout.position(i)) << i;
+    }
+}
+
+TEST(FramedLayout, framesInFramesAndFollowersComeAlong)
+{
+    std::vector<Node> nodes{usual({1}, {1000, 0}), usual({2}, {500, 300}), usual({}, {900, 300}),
+                            box({60, 40}, {}, {910, 240})};
+    std::vector<FramedLayout::Frame> frames{frameOf({2}), frameOf({1})};
+    frames[0].parent = 1;
+    FramedLayout layout(nodes, frames, {{3, 2}});
+    layout.layOut({0}, {});
+    EXPECT_EQ(layout.position(0), QPointF(1000, 0));
+    EXPECT_EQ(layout.position(1).x(), 750.0) << "the column rule";
+    EXPECT_EQ(layout.position(2).x(), 500.0);
+    EXPECT_EQ(layout.position(3) - layout.position(2), QPointF(10, -60));
 }
 
 class AutoplaceTest : public GraphFixture
@@ -347,6 +415,61 @@ TEST_F(AutoplaceTest, theHostAsksForAWholeNetworkForOneNodeOrForSeveral)
     Q_EMIT networks->beautifyNodesLayout(m_network, static_cast<OssSnBaseNode *>(nullptr));
     Q_EMIT networks->beautifyNodesLayout(m_network, QList<OssSnBaseNode *>());
     expectNothingDone();
+}
+
+TEST_F(AutoplaceTest, notesGoWithTheirNodesAndWhatStandsWellLeavesNoStep)
+{
+    OssSnBaseNode *blur = addAt("Filter/Blur", {0, 0});
+    OssSnBaseNode *color = addAt("Procedural/Color", {30, 400});
+    OssSnBaseNode *note = addAt("Misc/Sticky Note", {40, 300});
+    OssSnBaseNode *lone = addAt("Misc/Sticky Note", {3000, 3000});
+    wire(color, blur);
+    contextOf(note)->setNodePosition({30, rectOf(color).bottom() + 20});
+    contextOf(m_network->viewerNode())->setNodePosition({5000, 0});
+    const QPointF apart = placeOf(note) - placeOf(color);
+    begin();
+    m_manager->beautifyNodesLayout(m_network, {}, true);
+    expectStep("Layout Nodes");
+    EXPECT_EQ(placeOf(note) - placeOf(color), apart);
+    EXPECT_EQ(placeOf(lone), QPointF(3000, 3000));
+    begin();
+    m_manager->beautifyNodesLayout(m_network, {}, true);
+    m_manager->beautifyNodesLayout(m_network, lone);
+    expectNothingDone();
+}
+
+TEST_F(AutoplaceTest, onlyBackdropsWithMovedMembersAreRefittedAndTheViewerStandsRight)
+{
+    OssSnBaseNode *blur = addAt("Filter/Blur", {0, 0});
+    OssSnBaseNode *color = addAt("Procedural/Color", {30, 120});
+    OssSnBaseNode *apart = addAt("Filter/Blur", {2000, 2000});
+    wire(color, blur);
+    OssSnBaseNode *viewer = m_network->viewerNode();
+    contextOf(viewer)->setNodePosition({-600, 900});
+    wire(blur, viewer, "1");
+    OssSnBaseNode *area = addArea({-60, -80, 500, 500});
+    OssSnBaseNode *loose = addArea({1900, 1900, 700, 700});
+    begin();
+    m_manager->beautifyNodesLayout(m_network, {}, true);
+    EXPECT_EQ(rectOf(loose), QRectF(1900, 1900, 700, 700));
+    EXPECT_EQ(placeOf(apart), QPointF(2000, 2000));
+    EXPECT_TRUE(rectOf(area).contains(rectOf(color) | rectOf(blur)));
+    EXPECT_GE(rectOf(viewer).left(), rectOf(blur).right());
+    expectStep("Layout Nodes");
+}
+
+TEST_F(AutoplaceTest, scriptsMeanTheWholeGraphWhateverIsSelected)
+{
+    OssSnBaseNode *blur = addAt("Filter/Blur", {0, 0});
+    OssSnBaseNode *color = addAt("Procedural/Color", {30, 120});
+    wire(color, blur);
+    OssSnBaseNode *other = addAt("Filter/Blur", {2000, 2000});
+    contextOf(m_network->viewerNode())->setNodePosition({5000, 5000});
+    select({other});
+    begin();
+    OssShaderNetworkManager::instance()->requestLayout(m_network, {});
+    EXPECT_EQ(rectOf(color).right() + 150.0, 0.0);
+    expectStep("Layout Nodes");
 }
 
 TEST_F(AutoplaceTest, portsWithoutNodesKeepTheirPlacesAndOneAloneHasNoOrder)

@@ -273,6 +273,7 @@ TEST(ApplicationPreferencesTest, onlyWhatIsOfferedIsTakenAndEachHasItsName)
     const std::pair<const char *, const char *> names[] = {
         {"reopenLastProject", "Open Last Project"},
         {"interfaceScale", "Size of Texts and Icons"},
+        {"nodesGlide", "Nodes Glide When Arranged"},
         {"autosaveInterval", "Copy Unsaved Work Every"},
         {"someOtherThing", "Some Other Thing"},
     };

@@ -242,7 +242,7 @@ void OssShaderNetworkManager::requestLayout(OssShaderNetwork *network,
                                             const QList<OssSnBaseNode *> &nodes)
 {
     if (nodes.isEmpty())
-        Q_EMIT beautifyNodesLayout(network);
+        Q_EMIT wholeLayoutRequested(network);
     else if (nodes.size() == 1)
         Q_EMIT beautifyNodesLayout(network, nodes.first());
     else

@@ -46,6 +46,10 @@ public:
         TidyBackdrops,
         BringToFront,
         SendToBack,
+        ArrangeInLayers,
+        ArrangeWithDots,
+        StraightenChain,
+        TidyOverlaps,
         // Each node by the one before it in the list; the first one stays.
         PlaceUnderneath,
         PlaceNextTo,
@@ -213,6 +217,7 @@ public:
     /// of the ports. One undo step.
     void requestPlacesInOrderOfPorts(OssSnGroupNode *group);
 
+    /// Of these nodes and what feeds them; of everything, whatever is selected, without any.
     void requestLayout(OssShaderNetwork *network, const QList<OssSnBaseNode *> &nodes);
     /// Of nodes of one network; one undo step. Fails, in words, where something is missing, and where
     /// nobody shows nodes.
@@ -236,6 +241,8 @@ Q_SIGNALS:
     void beautifyNodesLayout(OssShaderNetwork *network);
     void beautifyNodesLayout(OssShaderNetwork *network, OssSnBaseNode *node);
     void beautifyNodesLayout(OssShaderNetwork *network, QList<OssSnBaseNode *> nodes);
+    /// All of it, whatever is selected.
+    void wholeLayoutRequested(OssShaderNetwork *network);
     void arrangementRequested(const QList<OssSnBaseNode *> &nodes,
                               OssShaderNetworkManager::Arrangement how, OssResult *result);
     void nodeRegistered(OssShaderNetwork *network, OssSnBaseNode *node);

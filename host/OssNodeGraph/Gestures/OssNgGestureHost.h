@@ -21,6 +21,7 @@ public:
         EdgeSever = 5,
         BackdropResize = 6,
         MinimapDrag = 7,
+        MakingRoom = 8,
     };
 
     enum CursorTrackingMode {

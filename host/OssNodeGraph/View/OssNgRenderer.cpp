@@ -192,6 +192,19 @@ void OssNgRenderer::paintWire(QPainter *painter, const OssNgEdge &edge, qreal zo
         paintMarker(painter, edge);
 }
 
+void OssNgRenderer::paintWire(QPainter *painter, const OssNgEdge &edge, qreal zoom,
+                              const QPointF &sourceShift, const QPointF &destinationShift)
+{
+    QPointF points[4];
+    edge.controlPoints(points);
+    QPainterPath path(points[0] + sourceShift);
+    path.cubicTo(points[1] + sourceShift, points[2] + destinationShift,
+                 points[3] + destinationShift);
+    painter->setBrush(Qt::NoBrush);
+    painter->setPen(wirePen(edge, zoom));
+    painter->drawPath(path);
+}
+
 void OssNgRenderer::paintWires(QPainter *painter, const OssNgSceneIndex &index,
                                const QVector<QRectF> &exposed, qreal zoom)
 {

@@ -33,6 +33,9 @@ public:
     static void paintWires(QPainter *painter, const OssNgSceneIndex &index,
                            const QVector<QRectF> &exposed, qreal zoom);
     static void paintWire(QPainter *painter, const OssNgEdge &edge, qreal zoom);
+    /// As if its ends stood elsewhere.
+    static void paintWire(QPainter *painter, const OssNgEdge &edge, qreal zoom,
+                          const QPointF &sourceShift, const QPointF &destinationShift);
     /// Straight thin wires and plain boxes; visits no item. The painter maps from device pixels,
     /// `toDevice` from the scene to them.
     static void paintOverview(QPainter *painter, const OssNgSceneIndex &index,

@@ -9,6 +9,7 @@
 #include "OssNodeGraph/Items/OssNgSceneIndex.h"
 #include "OssNodeGraph/View/OssNgAccessible.h"
 #include "OssNodeGraph/View/OssNgFlash.h"
+#include "OssNodeGraph/View/OssNgGlide.h"
 
 #include <QContextMenuEvent>
 #include <QGraphicsScene>
@@ -42,6 +43,7 @@ QString asMarkup(const QString &plain)
 OssNgView::OssNgView(QWidget *parent)
     : QGraphicsView(parent)
     , m_flash(new OssNgFlash(this))
+    , m_nodeGlide(new OssNgGlide(this))
 {
     OssNgAccessible::install(); // before anything asks for this view's interface
     setFrameShape(QFrame::NoFrame);
@@ -98,6 +100,7 @@ void OssNgView::init()
     m_hoveredEdge = nullptr;
     m_minimap = QPixmap();
     m_glideTimer.stop();
+    m_nodeGlide->stop();
     if (sceneIndex())
         renderMinimap();
     viewport()->update();

@@ -5,6 +5,7 @@
 #include "OssNodeGraph/OssNodeGraph_export.h"
 
 #include <QGraphicsView>
+#include <QHash>
 #include <QPixmap>
 #include <QPointer>
 #include <QRegion>
@@ -17,6 +18,7 @@
 class OssNgEdge;
 class OssNgFlash;
 class OssNgGesture;
+class OssNgGlide;
 class OssNgNode;
 class OssNgSceneIndex;
 
@@ -101,6 +103,10 @@ public:
     /// Viewport pixels.
     QRectF minimapRect() const;
     QPointF minimapToScene(const QPointF &viewportPos) const override;
+
+    /// Shows nodes on their way from these places to where they are.
+    void glideFrom(const QHash<const OssNgNode *, QPointF> &places);
+    bool isGliding() const;
 
     /// Draws the eye to a node that the user was brought to.
     void flashNode(OssNgNode *node);
@@ -233,5 +239,6 @@ private:
     QTimer m_minimapTimer;
     QPointF m_glideTarget;
     QTimer m_glideTimer;
-    OssNgFlash *m_flash; ///< a child
+    OssNgFlash *m_flash;     ///< a child
+    OssNgGlide *m_nodeGlide; ///< a child
 };

@@ -1,6 +1,7 @@
 #include "OssNodeGraph/View/OssNgView.h"
 
 #include "OssNodeGraph/Gestures/OssNgGesture.h"
+#include "OssNodeGraph/View/OssNgGlide.h"
 
 #include <QAbstractEventDispatcher>
 #include <QGuiApplication>
@@ -48,6 +49,7 @@ void OssNgView::announceLooseWire(OssNgNode *node, const QString &port, bool fro
 void OssNgView::startGesture(std::unique_ptr<OssNgGesture> gesture)
 {
     m_glideTimer.stop();
+    m_nodeGlide->stop();
     m_borderPanArmed = false;
     m_gesture = std::move(gesture);
     m_interactionState = m_gesture->state();

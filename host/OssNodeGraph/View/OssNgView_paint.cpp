@@ -4,6 +4,7 @@
 #include "OssNodeGraph/Gestures/OssNgGesture.h"
 #include "OssNodeGraph/Items/OssNgSceneIndex.h"
 #include "OssNodeGraph/View/OssNgFlash.h"
+#include "OssNodeGraph/View/OssNgGlide.h"
 #include "OssNodeGraph/View/OssNgRenderer.h"
 
 #include <QPainter>
@@ -49,13 +50,18 @@ void OssNgView::drawBackground(QPainter *painter, const QRectF &rect)
 void OssNgView::paintEvent(QPaintEvent *event)
 {
     const bool overview = scene() && zoom() < OssNgStyle::Overview;
-    if (overview) {
+    if (overview || (scene() && m_nodeGlide->isActive())) {
         // Of no area: a scene that is to be painted whole takes no further updates before Qt painted it.
         QPaintEvent nothing{QRegion()};
         QGraphicsView::paintEvent(&nothing);
     }
     m_exposed = event->region();
-    if (overview) {
+    if (scene() && m_nodeGlide->isActive()) {
+        QPainter painter(viewport());
+        painter.setRenderHints(renderHints());
+        painter.setWorldTransform(viewportTransform());
+        m_nodeGlide->paint(&painter);
+    } else if (overview) {
         QPainter painter(viewport());
         painter.setClipRegion(m_exposed);
         painter.setWorldTransform(viewportTransform());
@@ -94,6 +100,16 @@ void OssNgView::paintOverlay()
         m_flash->paint(&painter);
     if (mapExposed)
         paintMinimap(&painter);
+}
+
+void OssNgView::glideFrom(const QHash<const OssNgNode *, QPointF> &places)
+{
+    m_nodeGlide->start(places);
+}
+
+bool OssNgView::isGliding() const
+{
+    return m_nodeGlide->isActive();
 }
 
 void OssNgView::flashNode(OssNgNode *node)

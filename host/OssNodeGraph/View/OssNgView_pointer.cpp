@@ -6,6 +6,7 @@
 #include "OssNodeGraph/Gestures/OssNgEdgeDragGesture.h"
 #include "OssNodeGraph/Gestures/OssNgNavigationGestures.h"
 #include "OssNodeGraph/Gestures/OssNgNodeDragGesture.h"
+#include "OssNodeGraph/Gestures/OssNgRoomGesture.h"
 #include "OssNodeGraph/Gestures/OssNgRubberBandGesture.h"
 #include "OssNodeGraph/Gestures/OssNgSeverGesture.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
@@ -64,7 +65,7 @@ std::unique_ptr<OssNgGesture> OssNgView::navigationFor(const QMouseEvent *event)
     if (button == Qt::LeftButton && isMinimapVisible() && minimapRect().contains(event->localPos()))
         return std::make_unique<OssNgMinimapGesture>(self, button, event->localPos());
     if (m_navigationControlType == QLatin1String("Ossa")) {
-        if (alt && button == Qt::LeftButton)
+        if (alt && button == Qt::LeftButton && !(event->modifiers() & Qt::ControlModifier))
             return std::make_unique<OssNgPanGesture>(self, button, event->localPos());
         if (alt && button == Qt::RightButton)
             return std::make_unique<OssNgZoomGesture>(self, button, event->localPos());
@@ -159,6 +160,9 @@ std::unique_ptr<OssNgGesture> OssNgView::gestureFor(QMouseEvent *event)
     const QPointF position = toScene(event->localPos());
     if (m_cursorTrackingMode == SeverTracking)
         return std::make_unique<OssNgSeverGesture>(this, event->button(), event->localPos());
+    // Wherever it is pressed: where room is wanted there seldom is an empty place.
+    if (event->modifiers() == (Qt::ControlModifier | Qt::AltModifier))
+        return std::make_unique<OssNgRoomGesture>(this, event->button(), event->localPos());
     OssNgEdge *edge = sceneIndex()->edgeAt(position, wireReach());
     OssNgNode *node = sceneIndex()->nodeAt(position);
     const bool hidden = node && !node->isBackground(); // wires run below nodes

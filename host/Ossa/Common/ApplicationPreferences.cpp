@@ -11,6 +11,7 @@ namespace {
 const QString settingsGroup = QStringLiteral("Application");
 const QString reopenKey = QStringLiteral("reopenLastProject");
 const QString scaleKey = QStringLiteral("interfaceScale");
+const QString glideKey = QStringLiteral("nodesGlide");
 const QString autosaveKey = QStringLiteral("autosaveInterval");
 
 struct Interval
@@ -41,6 +42,7 @@ ApplicationPreferences::ApplicationPreferences()
     const QString page = QStringLiteral(QT_TR_NOOP("Application"));
     manager->registerPreference(page, QStringLiteral(QT_TR_NOOP("Start")), this, reopenKey);
     manager->registerPreference(page, QStringLiteral(QT_TR_NOOP("Display")), this, scaleKey);
+    manager->registerPreference(page, QStringLiteral(QT_TR_NOOP("Display")), this, glideKey);
     manager->registerPreference(page, QStringLiteral(QT_TR_NOOP("Saving")), this, autosaveKey);
 }
 
@@ -57,6 +59,8 @@ QString ApplicationPreferences::prettyPropertyName(const QString &Name) const
         return QStringLiteral(QT_TR_NOOP("Open Last Project"));
     if (Name == scaleKey)
         return QStringLiteral(QT_TR_NOOP("Size of Texts and Icons"));
+    if (Name == glideKey)
+        return QStringLiteral(QT_TR_NOOP("Nodes Glide When Arranged"));
     if (Name == autosaveKey)
         return QStringLiteral(QT_TR_NOOP("Copy Unsaved Work Every"));
     return OssGroupParameterObject::prettyPropertyName(Name);
@@ -65,6 +69,19 @@ QString ApplicationPreferences::prettyPropertyName(const QString &Name) const
 QString ApplicationPreferences::reopenLastProjectTooltip() const
 {
     return tr("Open the project of the last session when the program starts without one.");
+}
+
+void ApplicationPreferences::setNodesGlide(bool glide)
+{
+    if (glide == m_nodesGlide)
+        return;
+    m_nodesGlide = glide;
+    Q_EMIT nodesGlideChanged(glide);
+}
+
+QString ApplicationPreferences::nodesGlideTooltip() const
+{
+    return tr("Show nodes that are arranged on the way to their new places.");
 }
 
 void ApplicationPreferences::setInterfaceScale(const QString &scale)

@@ -13,6 +13,7 @@ class ApplicationPreferences
 {
     Q_OBJECT
     Q_PROPERTY(bool reopenLastProject READ reopenLastProject WRITE setReopenLastProject)
+    Q_PROPERTY(bool nodesGlide READ nodesGlide WRITE setNodesGlide NOTIFY nodesGlideChanged)
     Q_PROPERTY(QString interfaceScale READ interfaceScale WRITE setInterfaceScale)
     Q_PROPERTY(QString autosaveInterval READ autosaveInterval WRITE setAutosaveInterval NOTIFY
                    autosaveIntervalChanged)
@@ -24,6 +25,9 @@ public:
     static int storedInterfaceScale();
 
     bool reopenLastProject() const { return m_reopenLastProject; }
+
+    /// Whether nodes that a command arranges are shown on their way.
+    bool nodesGlide() const { return m_nodesGlide; }
 
     QString interfaceScale() const { return m_interfaceScale; }
 
@@ -41,6 +45,11 @@ public Q_SLOTS:
     void resetReopenLastProject() { m_reopenLastProject = false; }
 
     QString reopenLastProjectTooltip() const;
+    void setNodesGlide(bool glide);
+
+    void resetNodesGlide() { setNodesGlide(true); }
+
+    QString nodesGlideTooltip() const;
     /// One of interfaceScaleList(); anything else is ignored.
     void setInterfaceScale(const QString &scale);
     void resetInterfaceScale();
@@ -55,9 +64,11 @@ public Q_SLOTS:
 
 Q_SIGNALS:
     void autosaveIntervalChanged();
+    void nodesGlideChanged(bool glide);
 
 private:
     bool m_reopenLastProject = false;
+    bool m_nodesGlide = true;
     QString m_interfaceScale;
     QString m_autosaveInterval;
 };

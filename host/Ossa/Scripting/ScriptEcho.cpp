@@ -156,6 +156,12 @@ void ScriptEcho::addArrangement(const QList<OssSnBaseNode *> &nodes,
     const OssShaderNetwork *network = nodes.isEmpty() ? shown : nodes.first()->network();
     if (!network)
         return;
+    if (how == OssShaderNetworkManager::ArrangeInLayers
+        && nodes.size() == network->nodes().size()) {
+        m_arranged.append(ScriptText::graph(network) + QStringLiteral(".arrange()"));
+        schedule();
+        return;
+    }
     QStringList paths;
     for (const OssSnBaseNode *node : nodes)
         paths.append(ScriptText::node(node->path()));

@@ -28,6 +28,7 @@
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectFile.h"
 #include "OssModel/Project/OssProjectManager.h"
+#include "OssNodeGraph/View/OssNgGlide.h"
 
 #include <QAction>
 #include <QApplication>
@@ -237,6 +238,9 @@ void MainWindow::keyPressEvent(QKeyEvent *event)
 
 void MainWindow::fileViewCommands()
 {
+    const auto *preferences = ApplicationPreferences::instance();
+    OssNgGlide::setEnabled(preferences->nodesGlide());
+    connect(preferences, &ApplicationPreferences::nodesGlideChanged, this, &OssNgGlide::setEnabled);
     QAction *fullScreen = Commands::file(this, QStringLiteral("/Ossa/View/Full Screen"), [this] {
         setWindowState(windowState() ^ Qt::WindowFullScreen);
     });

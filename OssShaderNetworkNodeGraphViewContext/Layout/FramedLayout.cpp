@@ -1,0 +1,251 @@
+#include "Layout/FramedLayout.h"
+
+#include "Layout/Alignment.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr int MostRounds = 8;
+
+} // namespace
+
+FramedLayout::FramedLayout(std::vector<ColumnLayout::Node> nodes, std::vector<Frame> frames,
+                           QVector<QPair<int, int>> followers)
+    : m_nodes(std::move(nodes))
+    , m_before(m_nodes)
+    , m_frames(std::move(frames))
+    , m_followers(std::move(followers))
+{
+}
+
+void FramedLayout::findReached(const QVector<int> &startNodes)
+{
+    m_reached.assign(m_nodes.size(), false);
+    QVector<int> open;
+    const auto reach = [&](int node) {
+        if (node >= 0 && !m_reached[std::size_t(node)]) {
+            m_reached[std::size_t(node)] = true;
+            open.append(node);
+        }
+    };
+    for (const int start : startNodes)
+        reach(start);
+    while (!open.isEmpty()) {
+        for (const ColumnLayout::Input &input : m_nodes[std::size_t(open.takeLast())].inputs)
+            reach(input.source);
+    }
+}
+
+QRectF FramedLayout::rect(int node) const
+{
+    return {m_nodes[std::size_t(node)].position, m_nodes[std::size_t(node)].size};
+}
+
+QVector<int> FramedLayout::nodesIn(int frame) const
+{
+    QVector<int> nodes = m_frames[std::size_t(frame)].members;
+    for (int f = 0; f < frame; ++f) {
+        if (m_frames[std::size_t(f)].parent == frame)
+            nodes += nodesIn(f);
+    }
+    return nodes;
+}
+
+/// Around the members, frames inside with their margins, and what follows members.
+QRectF FramedLayout::contentOf(int frame) const
+{
+    QRectF content;
+    for (const int node : m_frames[std::size_t(frame)].members) {
+        if (m_nodes[std::size_t(node)].hasItem)
+            content |= rect(node);
+    }
+    for (int f = 0; f < frame; ++f) {
+        if (m_frames[std::size_t(f)].parent == frame)
+            content |= contentOf(f).marginsAdded(m_frames[std::size_t(f)].margins);
+    }
+    return content;
+}
+
+std::vector<FramedLayout::Unit> FramedLayout::unitsOf(int frame, const QVector<int> &ignored)
+{
+    std::vector<Unit> units;
+    m_unitOf.assign(m_nodes.size(), -1);
+    std::vector<bool> framed(m_nodes.size(), false);
+    const int count = int(m_frames.size());
+    for (int f = 0; f < count; ++f) {
+        for (const int node : m_frames[std::size_t(f)].members)
+            framed[std::size_t(node)] = true;
+        if (m_frames[std::size_t(f)].parent != frame || contentOf(f).isEmpty())
+            continue;
+        for (const int node : nodesIn(f))
+            m_unitOf[std::size_t(node)] = int(units.size());
+        units.push_back({-1, f});
+    }
+    QVector<int> own;
+    if (frame >= 0)
+        own = m_frames[std::size_t(frame)].members;
+    for (int node = 0; frame < 0 && node < int(m_nodes.size()); ++node) {
+        if (!framed[std::size_t(node)])
+            own.append(node);
+    }
+    for (const int node : qAsConst(own)) {
+        if (ignored.contains(node))
+            continue;
+        m_unitOf[std::size_t(node)] = int(units.size());
+        units.push_back({node, -1});
+    }
+    return units;
+}
+
+void FramedLayout::addInputs(int node, const QPointF &origin, int unit,
+                             ColumnLayout::Node *value) const
+{
+    const ColumnLayout::Node &own = m_nodes[std::size_t(node)];
+    for (ColumnLayout::Input input : own.inputs) {
+        const int source = input.source < 0 ? -1 : m_unitOf[std::size_t(input.source)];
+        input.source = source == unit ? -1 : source;
+        input.portY += own.position.y() - origin.y();
+        value->inputs.append(input);
+    }
+}
+
+ColumnLayout::Node FramedLayout::valueOf(const Unit &unit) const
+{
+    if (unit.node >= 0) {
+        ColumnLayout::Node value = m_nodes[std::size_t(unit.node)];
+        value.inputs.clear();
+        addInputs(unit.node, value.position, m_unitOf[std::size_t(unit.node)], &value);
+        return value;
+    }
+    const Frame &frame = m_frames[std::size_t(unit.frame)];
+    const QRectF content = contentOf(unit.frame);
+    ColumnLayout::Node value;
+    value.position = content.topLeft();
+    // So much of the margins as the gap between rows does not hold.
+    const qreal more = std::max(0.0, frame.margins.top() + frame.margins.bottom()
+                                         - ColumnLayout::RowGap + 1.0);
+    value.size = content.size() + QSizeF(0.0, more);
+    value.margins = frame.margins;
+    QVector<int> nodes = nodesIn(unit.frame);
+    std::stable_sort(nodes.begin(), nodes.end(), [this](int a, int b) {
+        return m_nodes[std::size_t(a)].position.y() < m_nodes[std::size_t(b)].position.y();
+    });
+    for (const int node : qAsConst(nodes))
+        addInputs(node, content.topLeft(), m_unitOf[std::size_t(node)], &value);
+    return value;
+}
+
+void FramedLayout::shift(const Unit &unit, const QPointF &way)
+{
+    const QVector<int> nodes = unit.node >= 0 ? QVector<int>{unit.node} : nodesIn(unit.frame);
+    for (const int node : nodes)
+        m_nodes[std::size_t(node)].position += way;
+}
+
+/// Frames that have grown over others go down.
+void FramedLayout::partFrames(const std::vector<Unit> &units)
+{
+    const auto areaOf = [this](const Unit &unit) {
+        return unit.node >= 0
+                   ? rect(unit.node)
+                   : contentOf(unit.frame).marginsAdded(m_frames[std::size_t(unit.frame)].margins);
+    };
+    std::vector<std::size_t> order;
+    for (std::size_t i = 0; i < units.size(); ++i) {
+        if (units[i].frame >= 0)
+            order.push_back(i);
+    }
+    std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
+        return areaOf(units[a]).top() < areaOf(units[b]).top();
+    });
+    for (const std::size_t index : order) {
+        QVector<QRectF> others;
+        for (std::size_t i = 0; i < units.size(); ++i) {
+            const bool isLater = units[i].frame >= 0
+                                 && std::find(order.begin(), order.end(), i)
+                                        > std::find(order.begin(), order.end(), index);
+            if (i != index && !isLater
+                && (units[i].frame >= 0 || m_nodes[std::size_t(units[i].node)].hasItem))
+                others.append(areaOf(units[i]));
+        }
+        const QRectF now = areaOf(units[index]);
+        const QRectF free = Alignment::clear(now, others, Qt::Vertical);
+        shift(units[index], free.topLeft() - now.topLeft());
+    }
+}
+
+void FramedLayout::layOutLevel(int frame, const QVector<int> &ignored)
+{
+    const std::vector<Unit> units = unitsOf(frame, ignored);
+    std::vector<ColumnLayout::Node> values;
+    for (const Unit &unit : units)
+        values.push_back(valueOf(unit));
+    const auto isReached = [this](const Unit &unit) {
+        if (unit.node >= 0)
+            return bool(m_reached[std::size_t(unit.node)]);
+        const QVector<int> nodes = nodesIn(unit.frame);
+        return std::any_of(nodes.cbegin(), nodes.cend(),
+                           [this](int node) { return bool(m_reached[std::size_t(node)]); });
+    };
+    QVector<int> starts;
+    bool any = false;
+    for (int i = 0; i < int(units.size()); ++i) {
+        if (!isReached(units[std::size_t(i)]))
+            continue;
+        any = any || units[std::size_t(i)].frame >= 0;
+        starts.append(i); // those that feed others start nothing
+    }
+    // In a loop that frames close everything feeds something: then all that is left starts.
+    QVector<int> ends;
+    for (const int start : qAsConst(starts)) {
+        const bool feeds = std::any_of(starts.cbegin(), starts.cend(), [&](int other) {
+            const QVector<ColumnLayout::Input> &inputs = values[std::size_t(other)].inputs;
+            return other != start
+                   && std::any_of(inputs.cbegin(), inputs.cend(),
+                                  [start](const auto &input) { return input.source == start; });
+        });
+        if (!feeds)
+            ends.append(start);
+    }
+    if (ends.isEmpty() && !starts.isEmpty())
+        ends.append(starts.first());
+    ColumnLayout layout(values);
+    layout.layOut(ends, {});
+    for (std::size_t i = 0; i < units.size(); ++i)
+        shift(units[i], layout.rect(int(i)).topLeft() - values[i].position);
+    if (any)
+        partFrames(units);
+}
+
+void FramedLayout::layOut(const QVector<int> &startNodes, const QVector<int> &ignored)
+{
+    findReached(startNodes);
+    QVector<int> passedOver = ignored;
+    for (const auto &follower : qAsConst(m_followers))
+        passedOver.append(follower.first);
+    if (m_frames.empty()) {
+        ColumnLayout layout(m_nodes);
+        layout.layOut(startNodes, passedOver);
+        for (std::size_t i = 0; i < m_nodes.size(); ++i)
+            m_nodes[i].position = layout.rect(int(i)).topLeft();
+    } else {
+        // Frames that gave way are other starts: once more, until nothing moves.
+        bool moved = true;
+        for (int round = 0; moved && round < MostRounds; ++round) {
+            const std::vector<ColumnLayout::Node> last = m_nodes;
+            for (int frame = 0; frame < int(m_frames.size()); ++frame)
+                layOutLevel(frame, passedOver);
+            layOutLevel(-1, passedOver);
+            moved = !std::equal(
+                m_nodes.cbegin(), m_nodes.cend(), last.cbegin(),
+                [](const auto &a, const auto &b) { return a.position == b.position; });
+        }
+    }
+    for (const auto &follower : qAsConst(m_followers)) {
+        const auto whom = std::size_t(follower.second);
+        m_nodes[std::size_t(follower.first)].position =
+            m_before[std::size_t(follower.first)].position + m_nodes[whom].position
+            - m_before[whom].position;
+    }
+}

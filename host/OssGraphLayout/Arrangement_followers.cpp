@@ -1,0 +1,180 @@
+#include "OssGraphLayout/Arrangement.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <numeric>
+
+// What comes to its place when nodes have theirs: frames, notes beside them, and those that only look.
+
+namespace {
+
+constexpr double NoteStep = 30.0;
+constexpr int MostSteps = 1000;
+
+std::size_t at(int index)
+{
+    return std::size_t(index);
+}
+
+} // namespace
+
+void Arrangement::refitFrames()
+{
+    m_places.frames.assign(m_graph.frames.size(), {});
+    // Inner ones first: a frame stands above those that it holds.
+    std::vector<int> order(m_graph.frames.size());
+    std::iota(order.begin(), order.end(), 0);
+    const auto depth = [this](int frame) {
+        int levels = 0;
+        for (; frame >= 0; frame = m_graph.frames[at(frame)].parent)
+            ++levels;
+        return levels;
+    };
+    std::stable_sort(order.begin(), order.end(), [&](int a, int b) { return depth(a) > depth(b); });
+    for (std::size_t n = 0; n < m_graph.nodes.size(); ++n) {
+        const OssLyNode &node = m_graph.nodes[n];
+        const int frame = node.attachedTo >= 0 ? m_graph.nodes[at(node.attachedTo)].frame
+                                               : node.frame;
+        if (frame >= 0)
+            m_places.frames[at(frame)] = m_places.frames[at(frame)].united(m_places.nodes[n]);
+    }
+    for (const int f : order) {
+        OssLyRect &rect = m_places.frames[at(f)];
+        const OssLyFrame &frame = m_graph.frames[at(f)];
+        if (rect.isEmpty())
+            continue;
+        rect = {rect.x - frame.margin, rect.y - frame.topMargin, rect.width + 2.0 * frame.margin,
+                rect.height + frame.margin + frame.topMargin};
+        if (frame.parent >= 0)
+            m_places.frames[at(frame.parent)] = m_places.frames[at(frame.parent)].united(rect);
+    }
+}
+
+/// Of those furthest downstream the one that stands furthest right today.
+int Arrangement::rightmost() const
+{
+    std::vector<char> feeds(m_graph.nodes.size(), 0);
+    for (const OssLyWire &wire : m_graph.wires) {
+        if (forms(wire.to))
+            feeds[at(wire.from)] = 1;
+    }
+    int best = -1;
+    for (int n = 0; n < int(m_graph.nodes.size()); ++n) {
+        if (!forms(n) || feeds[at(n)])
+            continue;
+        if (best < 0 || m_graph.nodes[at(n)].rect.right() > m_graph.nodes[at(best)].rect.right())
+            best = n;
+    }
+    return best;
+}
+
+void Arrangement::anchor()
+{
+    const int root = rightmost();
+    if (root < 0)
+        return;
+    const OssLyRect &today = m_graph.nodes[at(root)].rect;
+    const double dx = today.x - m_places.nodes[at(root)].x;
+    const double dy = today.y - m_places.nodes[at(root)].y;
+    for (std::size_t n = 0; n < m_places.nodes.size(); ++n) {
+        m_places.nodes[n].x += dx;
+        m_places.nodes[n].y += dy;
+    }
+    for (OssLyRect &rect : m_places.frames) {
+        rect.x += dx;
+        rect.y += dy;
+    }
+}
+
+/// Right of what they look at and of its frames, as high, and on nothing.
+void Arrangement::placeLookers()
+{
+    for (int n = 0; n < int(m_graph.nodes.size()); ++n) {
+        const OssLyNode &node = m_graph.nodes[at(n)];
+        if (!node.looksOnly || forms(n) || node.attachedTo >= 0)
+            continue;
+        OssLyRect &rect = m_places.nodes[at(n)];
+        const OssLyWire *looks = nullptr;
+        double left = 0.0;
+        for (const OssLyWire &wire : m_graph.wires) {
+            if (wire.to != n || wire.from == n)
+                continue;
+            double right = m_places.nodes[at(wire.from)].right();
+            for (int f = m_graph.nodes[at(wire.from)].frame; f >= 0;
+                 f = m_graph.frames[at(f)].parent)
+                right = std::max(right, m_places.frames[at(f)].right());
+            left = looks ? std::max(left, right) : right;
+            if (!looks)
+                looks = &wire;
+        }
+        if (!looks)
+            continue;
+        rect.x = left + m_options.columnGap;
+        rect.y = m_places.nodes[at(looks->from)].y + looks->fromY - looks->toY;
+        for (bool clear = false; !clear;) {
+            clear = true;
+            const auto avoid = [&](const OssLyRect &other) {
+                if (other.isEmpty() || !other.intersects(rect))
+                    return;
+                rect.x = other.right() + m_options.columnGap;
+                clear = false;
+            };
+            for (int other = 0; other < int(m_graph.nodes.size()); ++other) {
+                if (other != n && m_graph.nodes[at(other)].attachedTo != n)
+                    avoid(m_places.nodes[at(other)]);
+            }
+            for (const OssLyRect &frame : m_places.frames)
+                avoid(frame);
+        }
+    }
+}
+
+/// Around its members, as they stand today.
+OssLyRect Arrangement::frameToday(int frame) const
+{
+    const OssLyFrame &own = m_graph.frames[at(frame)];
+    OssLyRect rect;
+    for (const OssLyNode &node : m_graph.nodes) {
+        if (node.frame == frame)
+            rect = rect.united(node.rect);
+    }
+    for (int f = 0; f < int(m_graph.frames.size()); ++f) {
+        if (m_graph.frames[at(f)].parent == frame)
+            rect = rect.united(frameToday(f));
+    }
+    return {rect.x - own.margin, rect.y - own.topMargin, rect.width + 2.0 * own.margin,
+            rect.height + own.margin + own.topMargin};
+}
+
+bool Arrangement::isFree(int node, const OssLyRect &rect) const
+{
+    for (int other = 0; other < int(m_graph.nodes.size()); ++other) {
+        if (other != node && m_places.nodes[at(other)].intersects(rect))
+            return false;
+    }
+    return std::none_of(m_places.frames.begin(), m_places.frames.end(),
+                        [&rect](const OssLyRect &frame) { return frame.intersects(rect); });
+}
+
+/// At the same side of the frame and as far from it; away from it where something else stands there.
+void Arrangement::placeBesideFrames()
+{
+    for (int n = 0; n < int(m_graph.nodes.size()); ++n) {
+        const int frame = m_graph.nodes[at(n)].besideFrame;
+        if (frame < 0 || m_places.frames[at(frame)].isEmpty())
+            continue;
+        const OssLyRect &own = m_graph.nodes[at(n)].rect;
+        const OssLyRect before = frameToday(frame);
+        const OssLyRect &now = m_places.frames[at(frame)];
+        const bool isRight = own.x >= before.right();
+        const bool isBelow = own.y >= before.bottom();
+        const double x = own.x + (isRight ? now.right() - before.right() : now.x - before.x);
+        const double y = own.y + (isBelow ? now.bottom() - before.bottom() : now.y - before.y);
+        const bool isBeside = isRight || own.right() <= before.x;
+        const double way = (isBeside ? isRight : isBelow) ? NoteStep : -NoteStep;
+        OssLyRect place{x, y, own.width, own.height};
+        for (int step = 0; step < MostSteps && !isFree(n, place); ++step)
+            (isBeside ? place.x : place.y) += way;
+        m_places.nodes[at(n)] = place;
+    }
+}

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "OssGraphLayout/Layers.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+/// Orders the elements of layers in their ranks; see orderElements().
+class Ordering
+{
+public:
+    using Order = std::vector<std::vector<int>>;
+
+    explicit Ordering(Layers *layers)
+        : m_layers(*layers)
+        , m_inBase(layers->elements.size(), 0)
+        , m_outBase(layers->elements.size(), 0)
+    {
+    }
+
+    void run(std::int64_t budget);
+
+private:
+    enum Sides { Left = 1, Right = 2, Both = 3 };
+
+    struct Key
+    {
+        int place;
+        int weight;
+    };
+
+    using Keys = std::vector<Key>;
+
+    // Starts
+    void startFromToday();
+    void startFromWalk(bool fromSources);
+    void sortAllByY();
+
+    // Improving
+    std::int64_t improve(int sweeps);
+    void sweep(bool rightwards, int sides, bool median, bool sort);
+    void climb();
+    void sortRank(int rank);
+    void sortLevel(int frame, const std::vector<int> &elements, std::vector<int> *sorted);
+    void setKeys(int rank, int sides, bool median);
+    void keyFrames();
+    void settleRank(int rank);
+    template <bool (Ordering::*work)(int)>
+    void workOn();
+    bool exchangeIn(int rank);
+    bool siftIn(int rank);
+    void gatherKeys(int rank);
+    void fillKeys(int element, bool left, Keys *keys) const;
+    static std::int64_t gainOfExchange(const Keys &upper, const Keys &lower);
+    bool mayExchange(int a, int b) const;
+
+    // Counting
+    void number(int rank);
+    std::int64_t crossings();
+    std::int64_t crossingsRightOf(int rank);
+
+    Order save() const { return m_layers.ranks; }
+
+    void restore(const Order &order);
+    int frameAt(int element, int level) const;
+
+    Layers &m_layers;
+    std::vector<int> m_inBase, m_outBase; ///< of elements: where their ports are counted from
+    std::vector<int> m_accumulated;
+    std::vector<double> m_key;
+    std::vector<char> m_dirty;
+    std::vector<Keys> m_left, m_right; ///< of a rank's elements, by their places in it
+    std::int64_t m_budget = 0;         ///< of looks at two elements
+    bool m_evenMoves = false;          ///< also where nothing is won: other ways open then
+};

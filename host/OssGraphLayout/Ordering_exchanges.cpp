@@ -1,0 +1,236 @@
+#include "OssGraphLayout/Ordering.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+// Crossings are counted by ports with an accumulator tree, after Barth, Juenger and Mutzel (2002).
+
+namespace {
+
+constexpr int MostPasses = 12;
+constexpr int MostWay = 40; ///< that an element is taken in its rank
+
+std::size_t at(int index)
+{
+    return std::size_t(index);
+}
+
+} // namespace
+
+// --- counting
+
+std::int64_t Ordering::crossingsRightOf(int rank)
+{
+    const std::vector<int> &elements = m_layers.ranks[at(rank)];
+    int count = 0;
+    for (const int e : elements)
+        count += m_layers.outStart[at(e) + 1] - m_layers.outStart[at(e)];
+    m_accumulated.assign(at(count) + 1, 0);
+    int inserted = 0;
+    std::int64_t crossings = 0;
+    const auto add = [&](int place, int weight) {
+        inserted += weight;
+        for (int i = place + 1; i <= count; i += i & -i)
+            m_accumulated[at(i)] += weight;
+    };
+    const auto upTo = [&](int place) {
+        int sum = 0;
+        for (int i = place + 1; i > 0; i -= i & -i)
+            sum += m_accumulated[at(i)];
+        return sum;
+    };
+    for (const int e : elements) {
+        const int end = m_layers.outStart[at(e) + 1];
+        for (int i = m_layers.outStart[at(e)]; i < end;) {
+            const int port = m_layers.segment(m_layers.out[at(i)]).fromPort;
+            int next = i;
+            for (; next < end && m_layers.segment(m_layers.out[at(next)]).fromPort == port;
+                 ++next) {
+                const Layers::Segment &segment = m_layers.segment(m_layers.out[at(next)]);
+                const int place = m_inBase[at(segment.to)] + segment.toPort;
+                crossings += std::int64_t(segment.weight) * (inserted - upTo(place));
+            }
+            for (; i < next; ++i) {
+                const Layers::Segment &segment = m_layers.segment(m_layers.out[at(i)]);
+                add(m_inBase[at(segment.to)] + segment.toPort, segment.weight);
+            }
+        }
+    }
+    return crossings;
+}
+
+std::int64_t Ordering::crossings()
+{
+    std::int64_t sum = 0;
+    for (int rank = 0; rank + 1 < int(m_layers.ranks.size()); ++rank)
+        sum += crossingsRightOf(rank);
+    return sum;
+}
+
+// --- exchanges
+
+void Ordering::fillKeys(int element, bool left, Keys *keys) const
+{
+    const std::vector<int> &starts = left ? m_layers.inStart : m_layers.outStart;
+    const std::vector<int> &list = left ? m_layers.in : m_layers.out;
+    keys->clear();
+    for (int i = starts[at(element)]; i < starts[at(element) + 1]; ++i) {
+        const Layers::Segment &segment = m_layers.segment(list[at(i)]);
+        keys->push_back(left ? Key{m_outBase[at(segment.from)] + segment.fromPort, segment.weight}
+                             : Key{m_inBase[at(segment.to)] + segment.toPort, segment.weight});
+    }
+    std::sort(keys->begin(), keys->end(),
+              [](const Key &a, const Key &b) { return a.place < b.place; });
+}
+
+/// Crossings of their wires as they are, less those after an exchange.
+std::int64_t Ordering::gainOfExchange(const Keys &upper, const Keys &lower)
+{
+    if (upper.empty() || lower.empty())
+        return 0;
+    std::int64_t gain = 0;
+    std::size_t first = 0;  // of those of the lower that are not above
+    std::size_t beyond = 0; // of those that are below
+    std::int64_t above = 0;
+    std::int64_t notBelow = 0;
+    std::int64_t all = 0;
+    for (const Key &key : lower)
+        all += key.weight;
+    for (const Key &key : upper) {
+        for (; first < lower.size() && lower[first].place < key.place; ++first)
+            above += lower[first].weight;
+        for (; beyond < lower.size() && lower[beyond].place <= key.place; ++beyond)
+            notBelow += lower[beyond].weight;
+        gain += key.weight * (above - (all - notBelow));
+    }
+    return gain;
+}
+
+bool Ordering::mayExchange(int a, int b) const
+{
+    const auto isPlain = [](const Layers::Element &element) {
+        return element.kind == Layers::Kind::Box || element.kind == Layers::Kind::Passing;
+    };
+    return isPlain(m_layers.element(a)) && isPlain(m_layers.element(b))
+           && m_layers.element(a).frame == m_layers.element(b).frame;
+}
+
+void Ordering::gatherKeys(int rank)
+{
+    const std::vector<int> &elements = m_layers.ranks[at(rank)];
+    if (m_left.size() < elements.size()) {
+        m_left.resize(elements.size());
+        m_right.resize(elements.size());
+    }
+    for (std::size_t i = 0; i < elements.size(); ++i) {
+        fillKeys(elements[i], true, &m_left[i]);
+        fillKeys(elements[i], false, &m_right[i]);
+    }
+}
+
+bool Ordering::exchangeIn(int rank)
+{
+    std::vector<int> &elements = m_layers.ranks[at(rank)];
+    if (elements.size() < 2)
+        return false;
+    gatherKeys(rank);
+    bool any = false;
+    bool again = true;
+    for (int pass = 0; again && pass < MostPasses; ++pass) {
+        again = false;
+        for (std::size_t i = 0; i + 1 < elements.size(); ++i) {
+            if (!mayExchange(elements[i], elements[i + 1]))
+                continue;
+            --m_budget;
+            const std::int64_t gain = gainOfExchange(m_left[i], m_left[i + 1])
+                                      + gainOfExchange(m_right[i], m_right[i + 1]);
+            if (gain < 0 || (gain == 0 && (!m_evenMoves || pass > 0)))
+                continue;
+            std::swap(elements[i], elements[i + 1]);
+            std::swap(m_layers.element(elements[i]).y, m_layers.element(elements[i + 1]).y);
+            std::swap(m_left[i], m_left[i + 1]);
+            std::swap(m_right[i], m_right[i + 1]);
+            again = true;
+            any = any || gain > 0;
+            if (gain == 0)
+                ++i; // not on and on
+        }
+    }
+    number(rank);
+    return any;
+}
+
+/// Takes each element to the best of the places near it, after Matuszewski, Schoenfeld and Molitor (1999).
+bool Ordering::siftIn(int rank)
+{
+    std::vector<int> &elements = m_layers.ranks[at(rank)];
+    if (elements.size() < 3)
+        return false;
+    gatherKeys(rank);
+    bool any = false;
+    const int count = int(elements.size());
+    for (int start = 0; start < count; ++start) {
+        std::int64_t bestGain = 0;
+        int best = start;
+        for (const int step : {-1, 1}) {
+            std::int64_t gain = 0;
+            for (int i = start + step; i >= 0 && i < count && std::abs(i - start) <= MostWay;
+                 i += step) {
+                if (!mayExchange(elements[at(start)], elements[at(i)]))
+                    break;
+                --m_budget;
+                const int upper = step > 0 ? start : i;
+                const int lower = step > 0 ? i : start;
+                gain += gainOfExchange(m_left[at(upper)], m_left[at(lower)])
+                        + gainOfExchange(m_right[at(upper)], m_right[at(lower)]);
+                if (gain > bestGain) {
+                    bestGain = gain;
+                    best = i;
+                }
+            }
+        }
+        const int step = best > start ? 1 : -1;
+        for (int i = start; i != best; i += step) {
+            std::swap(elements[at(i)], elements[at(i + step)]);
+            std::swap(m_layers.element(elements[at(i)]).y,
+                      m_layers.element(elements[at(i + step)]).y);
+            std::swap(m_left[at(i)], m_left[at(i + step)]);
+            std::swap(m_right[at(i)], m_right[at(i + step)]);
+        }
+        any = any || best != start;
+    }
+    if (any)
+        number(rank);
+    return any;
+}
+
+template <bool (Ordering::*work)(int)>
+void Ordering::workOn()
+{
+    const int count = int(m_layers.ranks.size());
+    m_dirty.assign(at(count), 1);
+    bool again = true;
+    for (int pass = 0; again && pass < MostPasses && m_budget > 0; ++pass) {
+        again = false;
+        for (int i = 0; i < count; ++i) {
+            const int rank = pass % 2 == 0 ? i : count - 1 - i;
+            if (!m_dirty[at(rank)])
+                continue;
+            m_dirty[at(rank)] = 0;
+            if (!(this->*work)(rank))
+                continue;
+            again = true;
+            for (const int near : {rank - 1, rank + 1}) {
+                if (near >= 0 && near < count)
+                    m_dirty[at(near)] = 1;
+            }
+        }
+    }
+}
+
+void Ordering::climb()
+{
+    workOn<&Ordering::exchangeIn>();
+    workOn<&Ordering::siftIn>();
+}

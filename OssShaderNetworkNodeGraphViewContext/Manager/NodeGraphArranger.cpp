@@ -179,7 +179,7 @@ bool isNote(const OssSnBaseNode *node)
 /// What a note is about: the nearest node, if it is near, on the same innermost backdrop.
 QVector<QPair<int, int>> notesWithNodes(const Picture &picture, const std::vector<int> &frameOf)
 {
-    constexpr qreal Near = 60.0;
+    constexpr qreal Near = 120.0;
     QVector<QPair<int, int>> pairs;
     for (int note = 0; note < picture.count(); ++note) {
         if (!isNote(picture.node(note)))

@@ -17,7 +17,7 @@ namespace {
 
 using Nodes = QList<OssSnBaseNode *>;
 
-constexpr qreal NearNote = 60.0; ///< scene units from a node, or a backdrop, that a note is about
+constexpr qreal NearNote = 120.0; ///< scene units from a node, or a backdrop, that a note is about
 
 OssNgNode *itemOf(const OssSnBaseNode *node)
 {

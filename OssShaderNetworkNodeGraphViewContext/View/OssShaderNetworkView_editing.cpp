@@ -11,10 +11,12 @@
 #include "OssModel/Nodes/OssLayerShaderModelManager.h"
 #include "OssModel/Nodes/OssSnMultiChannelMergeNode.h"
 #include "OssModel/Types/OssSnTags.h"
+#include "OssNodeGraph/Items/OssNgBackdropNode.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
 #include "OssNodeGraph/Items/OssNgExtendedNode.h"
 #include "OssSnGroupNodeGraphViewContext.h"
 #include "OssSnNodeGraphViewContextManager.h"
+#include "View/Backdrops.h"
 
 #include <QGraphicsScene>
 #include <QHBoxLayout>
@@ -206,6 +208,36 @@ void OssShaderNetworkView::popupRenameWindow(OssNgNode *NodeToRename)
 
 // --- places
 
+namespace {
+
+/// Where a node stands, and what of it an arrangement may change besides.
+struct Stand
+{
+    QRectF rect;
+    int order;
+    const OssSnBaseNode *container;
+
+    bool operator==(const Stand &other) const
+    {
+        return rect == other.rect && order == other.order && container == other.container;
+    }
+};
+
+QVector<Stand> standsIn(const OssShaderNetwork *network)
+{
+    QVector<Stand> stands;
+    const QList<OssSnBaseNode *> nodes = network ? network->nodes() : QList<OssSnBaseNode *>();
+    for (const OssSnBaseNode *node : nodes) {
+        const auto *backdrop = qobject_cast<OssNgBackdropNode *>(
+            OssSnNodeGraphViewContextManager::guiNodeOf(node));
+        stands.append(Stand{Backdrops::rectOf(node), backdrop ? backdrop->zOrder() : 0,
+                            node->container()});
+    }
+    return stands;
+}
+
+} // namespace
+
 void OssShaderNetworkView::arrange(OssShaderNetworkManager::Arrangement how)
 {
     QList<OssSnBaseNode *> nodes;
@@ -221,14 +253,11 @@ void OssShaderNetworkView::arrange(OssShaderNetworkManager::Arrangement how)
                            || how == Networks::TidyOverlaps);
     if (whole && m_network)
         nodes = m_network->nodes();
-    bool changed = false;
-    const auto recording = connect(OssUndoManager::instance(), &OssUndoManager::recorded, this,
-                                   [&changed] { changed = true; });
+    const QVector<Stand> before = standsIn(m_network);
     const OssResult result = OssShaderNetworkManager::instance()->requestArrangement(nodes, how);
-    disconnect(recording);
     if (!result)
         tellUser(result.error());
-    else if (!changed)
+    else if (standsIn(m_network) == before)
         tellUser(whole ? tr("The graph stands like that already")
                        : tr("What is selected stands like that already"));
 }

@@ -116,7 +116,10 @@ void compare(OssShaderNetwork *network, const QString &folder, bool withAutoplac
     if (withAutoplace)
         run("Autoplace", [&] { networks->requestLayout(network, {}); });
     run("Arrange", [&] {
-        networks->requestArrangement(network->nodes(), OssShaderNetworkManager::ArrangeInLayers);
+        const OssResult done = networks->requestArrangement(
+            network->nodes(), OssShaderNetworkManager::ArrangeInLayers);
+        if (!done)
+            std::printf("%s\n", qPrintable(done.error()));
     });
     const double start = now();
     const OssLyPlaces places = OssLyLayout::arranged(before);

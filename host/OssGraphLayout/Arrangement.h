@@ -25,6 +25,8 @@ public:
     }
 
     OssLyPlaces run();
+    /// Of the nodes that feed nothing the one that stands furthest right; -1: none.
+    int rightmost() const;
 
 private:
     int find(int unit);
@@ -45,7 +47,6 @@ private:
     void placeBesideFrames();
     OssLyRect frameToday(int frame) const;
     bool isFree(int node, const OssLyRect &rect) const;
-    int rightmost() const;
 
     const OssLyGraph &m_graph;
     const OssLyOptions &m_options;

@@ -107,10 +107,10 @@ void Arrangement::placeLookers()
             if (!looks)
                 looks = &wire;
         }
-        if (!looks)
-            continue;
-        rect.x = left + m_options.columnGap;
-        rect.y = m_places.nodes[at(looks->from)].y + looks->fromY - looks->toY;
+        if (looks) {
+            rect.x = left + m_options.columnGap;
+            rect.y = m_places.nodes[at(looks->from)].y + looks->fromY - looks->toY;
+        }
         for (bool clear = false; !clear;) {
             clear = true;
             const auto avoid = [&](const OssLyRect &other) {
@@ -135,7 +135,8 @@ OssLyRect Arrangement::frameToday(int frame) const
     const OssLyFrame &own = m_graph.frames[at(frame)];
     OssLyRect rect;
     for (const OssLyNode &node : m_graph.nodes) {
-        if (node.frame == frame)
+        const int whom = node.attachedTo;
+        if ((whom >= 0 ? m_graph.nodes[at(whom)].frame : node.frame) == frame)
             rect = rect.united(node.rect);
     }
     for (int f = 0; f < int(m_graph.frames.size()); ++f) {

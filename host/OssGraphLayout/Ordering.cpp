@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numeric>
+#include <random>
 
 // Layer by layer, after Sugiyama, Tagawa and Toda (1981), with the exchanges of neighbours of Gansner et al. (1993).
 
@@ -13,6 +14,10 @@ namespace {
 constexpr double Gap = 30.0; ///< estimated
 constexpr int MostSweeps = 60;
 constexpr int MostIdle = 8; ///< sweeps without success
+constexpr int FewStarts = 2;
+constexpr int MostStarts = 24;
+constexpr std::size_t ManyElements = 1500;
+constexpr double Shaking = 400.0; ///< scene units
 
 std::size_t at(int index)
 {
@@ -268,6 +273,21 @@ void Ordering::startFromWalk(bool fromSources)
     sortAllByY();
 }
 
+/// As it is, with each element somewhat out of its place; always in the same way.
+void Ordering::startShaken(unsigned seed)
+{
+    std::minstd_rand random(seed);
+    for (int rank = 0; rank < int(m_layers.ranks.size()); ++rank) {
+        double y = 0.0;
+        for (const int e : m_layers.ranks[at(rank)]) {
+            const double share = double(random() % 1000U) / 1000.0;
+            m_layers.element(e).y = y + Shaking * share;
+            y += m_layers.element(e).height + Gap;
+        }
+    }
+    sortAllByY();
+}
+
 std::int64_t Ordering::improve(int sweeps)
 {
     climb();
@@ -322,10 +342,14 @@ void Ordering::run(std::int64_t budget)
         return;
     }
     Order order = save();
-    for (const bool fromSources : {false, true}) {
-        if (best == 0 || m_layers.isKept || m_budget <= 0)
-            break;
-        startFromWalk(fromSources);
+    const int starts = m_layers.elements.size() < ManyElements ? MostStarts : FewStarts;
+    for (int start = 0; start < starts && best > 0 && !m_layers.isKept && m_budget > 0; ++start) {
+        if (start < FewStarts) {
+            startFromWalk(start == 1);
+        } else {
+            restore(order);
+            startShaken(unsigned(start));
+        }
         const std::int64_t found = improve(MostSweeps);
         if (found < best) {
             best = found;

@@ -35,6 +35,7 @@ private:
     // Starts
     void startFromToday();
     void startFromWalk(bool fromSources);
+    void startShaken(unsigned seed);
     void sortAllByY();
 
     // Improving

@@ -12,8 +12,10 @@ namespace {
 // Pairs to look at: of large graphs so many for each box, so that time grows no faster than they do.
 constexpr long RefineBudget = 1500;
 constexpr long OrderBudget = 250;
-constexpr long SmallGraph = 16000; ///< boxes whose budget small graphs have
+constexpr long SmallGraph = 9000; ///< boxes whose budget small graphs have
 constexpr double Same = 1.0;
+constexpr std::size_t ManyNodes = 400;
+constexpr int MostRounds = 3;
 
 long budgetFor(const Layers &layers, long perBox)
 {
@@ -24,6 +26,41 @@ long budgetFor(const Layers &layers, long perBox)
 std::size_t at(int index)
 {
     return std::size_t(index);
+}
+
+bool isWithin(const Layers &layers, int frame, int outer)
+{
+    while (frame >= 0 && frame != outer)
+        frame = layers.frames[at(frame)].parent;
+    return frame == outer;
+}
+
+/// Whether frames around their members, as those stand, hold nothing else and do not meet.
+bool framesAreApart(const Layers &layers)
+{
+    std::vector<OssLyRect> areas(layers.frames.size());
+    for (const Layers::Box &box : layers.boxes) {
+        OssLyRect outer = box.rect;
+        for (int f = box.frame; f >= 0; f = layers.frames[at(f)].parent) {
+            const Layers::Frame &frame = layers.frames[at(f)];
+            outer = {outer.x - frame.margin, outer.y - frame.topMargin,
+                     outer.width + 2.0 * frame.margin,
+                     outer.height + frame.margin + frame.topMargin};
+            areas[at(f)] = areas[at(f)].united(outer);
+        }
+    }
+    for (int f = 0; f < int(areas.size()); ++f) {
+        for (const Layers::Box &box : layers.boxes) {
+            if (!isWithin(layers, box.frame, f) && box.rect.intersects(areas[at(f)]))
+                return false;
+        }
+        for (int g = 0; g < f; ++g) {
+            if (!isWithin(layers, f, g) && !isWithin(layers, g, f)
+                && areas[at(f)].intersects(areas[at(g)]))
+                return false;
+        }
+    }
+    return true;
 }
 
 } // namespace
@@ -184,7 +221,7 @@ bool Arrangement::isArranged(const Layers &placed, const std::vector<OssLyRect> 
             above = &box;
         }
     }
-    return placed.frames.empty() && drawnCost(before) <= 1.05 * drawnCost(placed) + 0.01;
+    return framesAreApart(before) && drawnCost(before) <= 1.05 * drawnCost(placed) + 0.01;
 }
 
 void Arrangement::placePart(Part *part)
@@ -289,5 +326,33 @@ OssLyPlaces Arrangement::run()
 
 OssLyPlaces OssLyLayout::arranged(const OssLyGraph &graph, const OssLyOptions &options)
 {
-    return Arrangement(graph, options).run();
+    Arrangement first(graph, options);
+    OssLyPlaces places = first.run();
+    // From what is drawn by now small graphs become better still, and stay when they are laid out again.
+    OssLyGraph drawn = graph;
+    const int rounds = graph.nodes.size() < ManyNodes ? MostRounds : 0;
+    for (int round = 0; round < rounds; ++round) {
+        bool moved = false;
+        for (std::size_t n = 0; n < graph.nodes.size(); ++n) {
+            OssLyRect &rect = drawn.nodes[n].rect;
+            moved = moved || std::abs(rect.x - places.nodes[n].x) > Same
+                    || std::abs(rect.y - places.nodes[n].y) > Same;
+            rect = places.nodes[n];
+        }
+        if (!moved)
+            break;
+        places = Arrangement(drawn, options).run();
+    }
+    const int root = first.rightmost();
+    if (root < 0)
+        return places;
+    const double dx = graph.nodes[at(root)].rect.x - places.nodes[at(root)].x;
+    const double dy = graph.nodes[at(root)].rect.y - places.nodes[at(root)].y;
+    for (std::vector<OssLyRect> *rects : {&places.nodes, &places.frames}) {
+        for (OssLyRect &rect : *rects) {
+            rect.x += rect.isEmpty() ? 0.0 : dx;
+            rect.y += rect.isEmpty() ? 0.0 : dy;
+        }
+    }
+    return places;
 }

@@ -170,7 +170,7 @@ TEST(OssLyLayout, whatIsArrangedStaysAndSmallEditsMoveLittle)
     int near = 0;
     int all = 0;
     for (int round = 0; round < 20; ++round) {
-        OssLyGraph graph = randomGraph(40, 0, &random);
+        OssLyGraph graph = randomGraph(40, round % 3, &random);
         graph = moved(graph, OssLyLayout::arranged(graph));
         const OssLyPlaces again = OssLyLayout::arranged(graph);
         double most = 0.0;
@@ -186,7 +186,7 @@ TEST(OssLyLayout, whatIsArrangedStaysAndSmallEditsMoveLittle)
             near += std::abs(edited.nodes[n].y - graph.nodes[n].rect.y) < 200.0 ? 1 : 0;
         }
     }
-    EXPECT_GE(stayed, 15) << "of 20";
+    EXPECT_GE(stayed, 12) << "of 20";
     EXPECT_GE(near, all * 2 / 3) << "of " << all;
 }
 

@@ -113,9 +113,7 @@ void OssSnNodeGraphViewContextManager::connectToHost()
             &Manager::showNodePropertiesAtPositionBegin);
     connect(networks, &Networks::showNodePropertiesRequest, this, &Manager::showNodeProperties);
     connect(networks, &Networks::nodeReplaced, this, &Manager::replaceNodeProperties);
-    connect(networks, &Networks::wholeLayoutRequested, this, [this](OssShaderNetwork *network) {
-        beautifyNodesLayout(network, QList<OssSnBaseNode *>(), true);
-    });
+    connect(networks, &Networks::wholeLayoutRequested, this, &Manager::layOutAll);
     connect(networks, qOverload<OssShaderNetwork *>(&Networks::beautifyNodesLayout), this,
             qOverload<OssShaderNetwork *>(&Manager::beautifyNodesLayout));
     connect(networks,

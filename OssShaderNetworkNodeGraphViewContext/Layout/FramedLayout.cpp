@@ -214,8 +214,29 @@ void FramedLayout::layOutLevel(int frame, const QVector<int> &ignored)
     layout.layOut(ends, {});
     for (std::size_t i = 0; i < units.size(); ++i)
         shift(units[i], layout.rect(int(i)).topLeft() - values[i].position);
-    if (any)
+    if (any && m_givesWay)
         partFrames(units);
+}
+
+/// Frames that gave way are other starts: once more, until nothing moves. Where it never ends, as in loops that
+/// frames close, none gives way.
+void FramedLayout::layOutFrames(const QVector<int> &ignored)
+{
+    const auto once = [&] {
+        for (int frame = 0; frame < int(m_frames.size()); ++frame)
+            layOutLevel(frame, ignored);
+        layOutLevel(-1, ignored);
+    };
+    for (int round = 0; round < MostRounds; ++round) {
+        const std::vector<ColumnLayout::Node> last = m_nodes;
+        once();
+        if (std::equal(m_nodes.cbegin(), m_nodes.cend(), last.cbegin(),
+                       [](const auto &a, const auto &b) { return a.position == b.position; }))
+            return;
+    }
+    m_nodes = m_before;
+    m_givesWay = false;
+    once();
 }
 
 void FramedLayout::layOut(const QVector<int> &startNodes, const QVector<int> &ignored)
@@ -230,17 +251,7 @@ void FramedLayout::layOut(const QVector<int> &startNodes, const QVector<int> &ig
         for (std::size_t i = 0; i < m_nodes.size(); ++i)
             m_nodes[i].position = layout.rect(int(i)).topLeft();
     } else {
-        // Frames that gave way are other starts: once more, until nothing moves.
-        bool moved = true;
-        for (int round = 0; moved && round < MostRounds; ++round) {
-            const std::vector<ColumnLayout::Node> last = m_nodes;
-            for (int frame = 0; frame < int(m_frames.size()); ++frame)
-                layOutLevel(frame, passedOver);
-            layOutLevel(-1, passedOver);
-            moved = !std::equal(
-                m_nodes.cbegin(), m_nodes.cend(), last.cbegin(),
-                [](const auto &a, const auto &b) { return a.position == b.position; });
-        }
+        layOutFrames(passedOver);
     }
     for (const auto &follower : qAsConst(m_followers)) {
         const auto whom = std::size_t(follower.second);

@@ -38,6 +38,7 @@ private:
     };
 
     void findReached(const QVector<int> &startNodes);
+    void layOutFrames(const QVector<int> &ignored);
     void layOutLevel(int frame, const QVector<int> &ignored);
     std::vector<Unit> unitsOf(int frame, const QVector<int> &ignored);
     ColumnLayout::Node valueOf(const Unit &unit) const;
@@ -52,6 +53,7 @@ private:
     std::vector<ColumnLayout::Node> m_before;
     std::vector<Frame> m_frames;
     QVector<QPair<int, int>> m_followers;
+    bool m_givesWay = true; ///< a frame that has grown over others
     std::vector<bool> m_reached;
     std::vector<int> m_unitOf; ///< of nodes, in the level that is laid out; -1: outside of it
 };

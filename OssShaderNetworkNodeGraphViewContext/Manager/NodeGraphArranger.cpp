@@ -19,8 +19,6 @@
 
 #include <algorithm>
 
-// Automatic layout, and the order of a group's ports by where their nodes stand.
-
 namespace {
 
 constexpr const char *Source = "OssSnNodeGraphViewContextManager";
@@ -361,6 +359,11 @@ void NodeGraphArranger::beautifyNodesLayout(OssShaderNetwork *Network, QList<Oss
     autoLayoutNodes(Network, Nodes, ArrangeFromLeavesIfEmpty);
 }
 
+void NodeGraphArranger::layOutAll(OssShaderNetwork *Network)
+{
+    beautifyNodesLayout(Network, QList<OssSnBaseNode *>(), true);
+}
+
 void NodeGraphArranger::autoLayoutNodes(OssShaderNetwork *StartNetwork,
                                         QList<OssSnBaseNode *> StartNodes,
                                         bool ArrangeFromLeavesIfEmpty)
@@ -401,8 +404,6 @@ void NodeGraphArranger::autoLayoutNodes(OssShaderNetwork *StartNetwork,
     refitMoved(containers, &moved);
     if (whole)
         placeViewers(all, &macro);
-    if (moved.isEmpty())
-        return;
     if (OssSnGroupNode *group = StartNetwork->parentGroupNode()) {
         reorderGroupInputsByPos(group);
         reorderGroupOutputsByPos(group);

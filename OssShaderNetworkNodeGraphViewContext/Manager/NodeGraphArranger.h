@@ -28,6 +28,8 @@ public Q_SLOTS:
     void beautifyNodesLayout(OssShaderNetwork *Network, QList<OssSnBaseNode *> Nodes);
     void beautifyNodesLayout(OssShaderNetwork *Network, QList<OssSnBaseNode *> Nodes,
                              bool ArrangeFromLeavesIfEmpty);
+    /// Everything, whatever is selected.
+    void layOutAll(OssShaderNetwork *Network);
     /// Orders a group's ports as the nodes inside that stand for them stand, from top to bottom.
     /// Ports that no node stands for keep their places. Fewer than two nodes: nothing.
     void reorderGroupInputsByPos(OssSnGroupNode *GroupNode);

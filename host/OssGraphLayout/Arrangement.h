@@ -36,6 +36,8 @@ private:
 
     void joinParts();
     void makeBoxes();
+    void makeParts();
+    void placeParts();
     void fillPart(Part *part, const std::vector<int> &nodes);
     void placePart(Part *part);
     std::vector<double> columnLefts(const Layers &layers) const;

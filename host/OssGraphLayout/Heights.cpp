@@ -41,6 +41,7 @@ public:
 private:
     bool isLevel(int segment) const;
     void joinLevel();
+    void keepLevel(const std::vector<int> &level);
     int find(int element);
     void numberPoints();
     double gapBetween(const Layers::Element &upper, const Layers::Element &lower) const;
@@ -90,6 +91,57 @@ bool Heights::isLevel(int segment) const
            && m_layers.element(one.to).kind != Layers::Kind::Box;
 }
 
+/// Of level parts between two ranks, from top to bottom, as many as do not cross; borders never bend.
+void Heights::keepLevel(const std::vector<int> &level)
+{
+    const auto isBorder = [this](int segment) {
+        return m_layers.element(m_layers.segment(segment).from).kind != Layers::Kind::Passing;
+    };
+    const auto endOf = [this](int segment) {
+        return m_layers.element(m_layers.segment(segment).to).position;
+    };
+    // A border below all that end above it, and the other way round.
+    const int count = int(level.size());
+    std::vector<char> dropped(level.size(), 0);
+    int most = -1;
+    for (int i = 0; i < count; ++i) {
+        if (isBorder(level[at(i)]))
+            most = std::max(most, endOf(level[at(i)]));
+        else if (endOf(level[at(i)]) < most)
+            dropped[at(i)] = 1;
+    }
+    int least = int(m_layers.elements.size());
+    for (int i = count; i-- > 0;) {
+        if (isBorder(level[at(i)]))
+            least = std::min(least, endOf(level[at(i)]));
+        else if (endOf(level[at(i)]) > least)
+            dropped[at(i)] = 1;
+    }
+    // Of the others the longest run that does not cross.
+    std::vector<int> tails;
+    std::vector<int> before(level.size(), -1);
+    for (int i = 0; i < count; ++i) {
+        if (dropped[at(i)])
+            continue;
+        const auto place = std::lower_bound(tails.begin(), tails.end(), i, [&](int a, int b) {
+            return endOf(level[at(a)]) < endOf(level[at(b)]);
+        });
+        before[at(i)] = place == tails.begin() ? -1 : *(place - 1);
+        if (place == tails.end())
+            tails.push_back(i);
+        else
+            *place = i;
+    }
+    std::vector<char> kept(level.size(), 0);
+    for (int i = tails.empty() ? -1 : tails.back(); i >= 0; i = before[at(i)])
+        kept[at(i)] = 1;
+    for (int i = 0; i < count; ++i) {
+        const Layers::Segment &one = m_layers.segment(level[at(i)]);
+        if (kept[at(i)])
+            m_leader[at(find(one.from))] = find(one.to);
+    }
+}
+
 /// Of level parts that cross between two ranks the one that comes first is bent; borders never are.
 void Heights::joinLevel()
 {
@@ -103,52 +155,7 @@ void Heights::joinLevel()
                     level.push_back(m_layers.out[at(i)]);
             }
         }
-        const auto isBorder = [this](int segment) {
-            return m_layers.element(m_layers.segment(segment).from).kind != Layers::Kind::Passing;
-        };
-        const auto endOf = [this](int segment) {
-            return m_layers.element(m_layers.segment(segment).to).position;
-        };
-        // A border below all that end above it, and the other way round.
-        const int count = int(level.size());
-        std::vector<char> dropped(level.size(), 0);
-        int most = -1;
-        for (int i = 0; i < count; ++i) {
-            if (isBorder(level[at(i)]))
-                most = std::max(most, endOf(level[at(i)]));
-            else if (endOf(level[at(i)]) < most)
-                dropped[at(i)] = 1;
-        }
-        int least = int(m_layers.elements.size());
-        for (int i = count; i-- > 0;) {
-            if (isBorder(level[at(i)]))
-                least = std::min(least, endOf(level[at(i)]));
-            else if (endOf(level[at(i)]) > least)
-                dropped[at(i)] = 1;
-        }
-        // Of the others the longest run that does not cross.
-        std::vector<int> tails;
-        std::vector<int> before(level.size(), -1);
-        for (int i = 0; i < count; ++i) {
-            if (dropped[at(i)])
-                continue;
-            const auto place = std::lower_bound(tails.begin(), tails.end(), i, [&](int a, int b) {
-                return endOf(level[at(a)]) < endOf(level[at(b)]);
-            });
-            before[at(i)] = place == tails.begin() ? -1 : *(place - 1);
-            if (place == tails.end())
-                tails.push_back(i);
-            else
-                *place = i;
-        }
-        std::vector<char> kept(level.size(), 0);
-        for (int i = tails.empty() ? -1 : tails.back(); i >= 0; i = before[at(i)])
-            kept[at(i)] = 1;
-        for (int i = 0; i < count; ++i) {
-            const Layers::Segment &one = m_layers.segment(level[at(i)]);
-            if (kept[at(i)])
-                m_leader[at(find(one.from))] = find(one.to);
-        }
+        keepLevel(level);
     }
     // Borders are level whatever was kept.
     for (const Layers::Frame &frame : m_layers.frames) {

@@ -254,13 +254,9 @@ void Arrangement::placePart(Part *part)
     }
 }
 
-OssLyPlaces Arrangement::run()
+void Arrangement::makeParts()
 {
     const int nodeCount = int(m_graph.nodes.size());
-    for (const OssLyNode &node : m_graph.nodes)
-        m_places.nodes.push_back(node.rect);
-    makeBoxes();
-    joinParts();
     m_boxOf.assign(m_graph.nodes.size(), -1);
     m_frameOf.assign(m_graph.frames.size(), -1);
     std::vector<std::vector<int>> members;
@@ -288,6 +284,10 @@ OssLyPlaces Arrangement::run()
         link.toY = wire.toY + m_graph.nodes[at(wire.to)].rect.y - m_boxes[at(wire.to)].y;
         m_parts[at(partOf[at(find(wire.from))])].layers.links.push_back(link);
     }
+}
+
+void Arrangement::placeParts()
+{
     std::vector<PackedPart> packed;
     for (Part &part : m_parts) {
         placePart(&part);
@@ -304,6 +304,16 @@ OssLyPlaces Arrangement::run()
             m_places.nodes[n].y = box.y - part.placed.y + packed[p].y + today.y - m_boxes[n].y;
         }
     }
+}
+
+OssLyPlaces Arrangement::run()
+{
+    for (const OssLyNode &node : m_graph.nodes)
+        m_places.nodes.push_back(node.rect);
+    makeBoxes();
+    joinParts();
+    makeParts();
+    placeParts();
     anchor();
     const auto follow = [this] {
         for (std::size_t n = 0; n < m_graph.nodes.size(); ++n) {

@@ -144,4 +144,39 @@ TEST_F(LayeredArrangingTest, onlyWhatOverlapsIsTidied)
     expectStepBack("Tidy Overlaps");
 }
 
+TEST_F(LayeredArrangingTest,
+       autoplaceRefitsOnlyBackdropsWithMovedMembersAreRefittedAndTheViewerStandsRight)
+{
+    OssSnBaseNode *blur = addAt("Filter/Blur", {0, 0});
+    OssSnBaseNode *color = addAt("Procedural/Color", {30, 120});
+    OssSnBaseNode *apart = addAt("Filter/Blur", {2000, 2000});
+    wire(color, blur);
+    OssSnBaseNode *viewer = m_network->viewerNode();
+    contextOf(viewer)->setNodePosition({-600, 900});
+    wire(blur, viewer, "1");
+    OssSnBaseNode *area = addArea({-60, -80, 500, 500});
+    OssSnBaseNode *loose = addArea({1900, 1900, 700, 700});
+    begin();
+    m_manager->beautifyNodesLayout(m_network, {}, true);
+    EXPECT_EQ(rectOf(loose), QRectF(1900, 1900, 700, 700));
+    EXPECT_EQ(placeOf(apart), QPointF(2000, 2000));
+    EXPECT_TRUE(rectOf(area).contains(rectOf(color) | rectOf(blur)));
+    EXPECT_GE(rectOf(viewer).left(), rectOf(blur).right());
+    expectStep("Layout Nodes");
+}
+
+TEST_F(LayeredArrangingTest, scriptsMeanTheWholeGraphWhateverIsSelected)
+{
+    OssSnBaseNode *blur = addAt("Filter/Blur", {0, 0});
+    OssSnBaseNode *color = addAt("Procedural/Color", {30, 120});
+    wire(color, blur);
+    OssSnBaseNode *other = addAt("Filter/Blur", {2000, 2000});
+    contextOf(m_network->viewerNode())->setNodePosition({5000, 5000});
+    select({other});
+    begin();
+    OssShaderNetworkManager::instance()->requestLayout(m_network, {});
+    EXPECT_EQ(rectOf(color).right() + 150.0, 0.0);
+    expectStep("Layout Nodes");
+}
+
 } // namespace

@@ -78,7 +78,7 @@ int ColumnLayout::backwardWires() const
 /// to the first.
 std::vector<QVector<int>> ColumnLayout::otherOrders(const QVector<int> &starts) const
 {
-    constexpr int MostWork = 200000;
+    constexpr int MostWork = 20000;
     std::vector<QVector<int>> orders;
     QVector<int> byLeft = starts;
     std::stable_sort(byLeft.begin(), byLeft.end(), [this](int a, int b) {
@@ -123,15 +123,15 @@ void ColumnLayout::mendBackwardWires()
 {
     constexpr qreal Far = 1e12;
     std::vector<qreal> limits(m_nodes.size(), Far);
+    gatherObstacles(std::vector<bool>(m_nodes.size(), false));
     for (const int node : downstreamFirst()) {
         const Node &own = m_nodes[std::size_t(node)];
         if (own.hasItem && rect(node).right() > limits[std::size_t(node)]) {
-            std::vector<bool> self(m_nodes.size(), false);
-            self[std::size_t(node)] = true;
-            gatherObstacles(self);
+            stopKeepingClearOf(node);
             QRectF place = rect(node);
             place.moveRight(limits[std::size_t(node)] - ColumnGap);
             move(node, place.topLeft() + QPointF(shiftClear(place), 0.0), true);
+            keepClearOf(node);
         }
         for (const Input &input : own.inputs) {
             if (input.source >= 0 && own.hasItem)
@@ -151,6 +151,18 @@ void ColumnLayout::keepClearOf(int node)
         [](const QRectF &a, const QRectF &b) { return a.left() < b.left(); });
     m_obstacles.insert(place, obstacle);
     m_widestObstacle = std::max(m_widestObstacle, obstacle.width());
+}
+
+void ColumnLayout::stopKeepingClearOf(int node)
+{
+    const QRectF obstacle = rect(node).marginsAdded(m_nodes[std::size_t(node)].margins);
+    auto place = std::lower_bound(
+        m_obstacles.begin(), m_obstacles.end(), obstacle.left(),
+        [](const QRectF &rect, qreal left) { return rect.left() < left; });
+    while (place != m_obstacles.end() && *place != obstacle)
+        ++place;
+    if (place != m_obstacles.end())
+        m_obstacles.erase(place);
 }
 
 std::vector<bool> ColumnLayout::upstreamOf(const QVector<int> &starts, bool includeStarts) const

@@ -87,6 +87,7 @@ private:
     void enter(const Entry &entry, int column, Columns *columns);
     void enterSources(int node, int root, int column, Columns *columns);
     void keepClearOf(int node);
+    void stopKeepingClearOf(int node);
     void layoutTree(int root);
     void placeColumn(const std::vector<Entry> &column, qreal width, qreal x, const QPointF &root);
     qreal entryY(const Entry &entry, qreal cursor, qreal rootY) const;

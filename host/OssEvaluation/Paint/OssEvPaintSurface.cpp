@@ -31,7 +31,7 @@ struct Corner
 /// A triangle that planes cut gains a corner by each of six at most.
 struct Piece
 {
-    std::array<Corner, 9> corners;
+    std::array<Corner, 9> corners{};
     std::size_t count = 0;
 
     void add(const Corner &corner) { corners[count++] = corner; }
@@ -65,7 +65,7 @@ glm::mat4 matrixOf(const std::array<float, 12> &rows)
     glm::mat4 matrix(1.0F);
     for (int row = 0; row < 3; ++row) {
         for (int column = 0; column < 4; ++column)
-            matrix[column][row] = rows[std::size_t(4 * row + column)];
+            matrix[column][row] = rows[4 * std::size_t(row) + std::size_t(column)];
     }
     return matrix;
 }
@@ -193,7 +193,8 @@ int OssEvPaintSurface::triangleAt(const glm::vec2 &uv)
     const int y = texel(float(row) + 1.0F - uv.y);
     if (m_bins.count(patch) == 0)
         return -1;
-    return tile({patch, x / Size, y / Size})->faces[std::size_t(y % Size * Size + x % Size)];
+    const int index = y % Size * Size + x % Size;
+    return tile({patch, x / Size, y / Size})->faces[std::size_t(index)];
 }
 
 // --- parts
@@ -417,35 +418,38 @@ void OssEvPaintSurface::addParts(std::uint32_t triangle, const glm::vec3 &low,
         uv = {std::min(uv[0], corner.u), std::min(uv[1], corner.v), std::max(uv[2], corner.u),
               std::max(uv[3], corner.v)};
     }
+    for (int row = std::max(0, int(uv[1])); row <= int(uv[3]); ++row) {
+        for (int column = std::max(0, int(uv[0])); column <= int(uv[2]); ++column)
+            addPart(column, row, uv, parts);
+    }
+}
+
+// Of the patch at a place, what lies in a box of texture coordinates.
+void OssEvPaintSurface::addPart(int column, int row, const Box &uv, Parts *parts) const
+{
+    const int patch = OssEvPatch::number(column, row);
+    if (m_bins.count(patch) == 0)
+        return;
     const auto size = float(m_resolution);
     const int margin = m_margin + 1;
-    for (int row = std::max(0, int(uv[1])); row <= int(uv[3]); ++row) {
-        for (int column = std::max(0, int(uv[0])); column <= int(uv[2]); ++column) {
-            const int patch = OssEvPatch::number(column, row);
-            if (m_bins.count(patch) == 0)
+    const Box box{(uv[0] - float(column)) * size, (float(row) + 1.0F - uv[3]) * size,
+                  (uv[2] - float(column)) * size, (float(row) + 1.0F - uv[1]) * size};
+    const int left = int(std::floor(std::max(box[0], 0.0F))) - margin;
+    const int top = int(std::floor(std::max(box[1], 0.0F))) - margin;
+    const OssEvRegion texels = OssEvRegion{left, top,
+                                           int(std::ceil(std::min(box[2], size))) + margin - left,
+                                           int(std::ceil(std::min(box[3], size))) + margin - top}
+                                   .intersected({0, 0, m_resolution, m_resolution});
+    const OssEvRegion tiles = tilesOf(box, margin);
+    for (int y = tiles.y; y < tiles.bottom(); ++y) {
+        for (int x = tiles.x; x < tiles.right(); ++x) {
+            OssEvRegion part = texels.intersected({x * Size, y * Size, Size, Size});
+            if (part.isEmpty())
                 continue;
-            const Box box{(uv[0] - float(column)) * size, (float(row) + 1.0F - uv[3]) * size,
-                          (uv[2] - float(column)) * size, (float(row) + 1.0F - uv[1]) * size};
-            const int left = int(std::floor(std::max(box[0], 0.0F))) - margin;
-            const int top = int(std::floor(std::max(box[1], 0.0F))) - margin;
-            const OssEvRegion texels = OssEvRegion{left, top,
-                                                   int(std::ceil(std::min(box[2], size))) + margin
-                                                       - left,
-                                                   int(std::ceil(std::min(box[3], size))) + margin
-                                                       - top}
-                                           .intersected({0, 0, m_resolution, m_resolution});
-            const OssEvRegion tiles = tilesOf(box, margin);
-            for (int y = tiles.y; y < tiles.bottom(); ++y) {
-                for (int x = tiles.x; x < tiles.right(); ++x) {
-                    OssEvRegion part = texels.intersected({x * Size, y * Size, Size, Size});
-                    if (part.isEmpty())
-                        continue;
-                    part.x -= x * Size;
-                    part.y -= y * Size;
-                    OssEvRegion &known = (*parts)[{patch, x, y}];
-                    known = known.united(part);
-                }
-            }
+            part.x -= x * Size;
+            part.y -= y * Size;
+            OssEvRegion &known = (*parts)[{patch, x, y}];
+            known = known.united(part);
         }
     }
 }

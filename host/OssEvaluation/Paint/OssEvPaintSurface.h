@@ -134,6 +134,7 @@ private:
     float texelOf(std::uint32_t triangle) const;
     OssEvRegion tilesOf(const Box &texels, int margin) const;
     std::shared_ptr<const Tile> makeTile(const OssEvPaintBuffer::Place &place) const;
+    void addPart(int column, int row, const Box &uv, Parts *parts) const;
     void addParts(std::uint32_t triangle, const glm::vec3 &low, const glm::vec3 &high,
                   Parts *parts) const;
 

@@ -56,12 +56,12 @@ private:
     glm::mat4 m_toClip;
     int m_width;
     int m_height;
-    glm::vec3 m_eye;
-    glm::vec3 m_right;
-    glm::vec3 m_corner; ///< ray of the lower left corner
-    glm::vec3 m_alongX; ///< change of the ray by pixel
-    glm::vec3 m_alongY;
-    float m_pixel;
+    glm::vec3 m_eye{};
+    glm::vec3 m_right{};
+    glm::vec3 m_corner{}; ///< ray of the lower left corner
+    glm::vec3 m_alongX{}; ///< change of the ray by pixel
+    glm::vec3 m_alongY{};
+    float m_pixel = 0.0F;
     std::vector<float> m_nearness;         ///< 1 by depth; 0 where nothing is seen
     std::vector<std::int32_t> m_triangles; ///< the one that is seen; -1: none
 };

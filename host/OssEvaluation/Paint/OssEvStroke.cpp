@@ -139,8 +139,9 @@ OssEvStroke::Color OssEvStroke::pictureAt(const Place &place, int index)
         const int resolution = m_tiles.buffer().resolution();
         const double across = resolution / m_brush.pictureRepeats;
         const double down = across * picture.height() / picture.width();
-        color = picture.at((place.x * Size + index % Size + 0.5) / across,
-                           (place.y * Size + index / Size + 0.5) / down, across);
+        const int x = place.x * Size + index % Size;
+        const int y = place.y * Size + index / Size;
+        color = picture.at((x + 0.5) / across, (y + 0.5) / down, across);
     }
     color[3] = std::clamp(color[3], 0.0F, 1.0F);
     return color;
@@ -330,10 +331,10 @@ void OssEvFlatStroke::dabTile(const Place &place, const OssEvRegion &part, doubl
 glm::vec2 OssEvFlatStroke::spotOf(const Place &place, int index)
 {
     const int resolution = tiles().buffer().resolution();
-    return {float(OssEvPatch::column(place.patch) * resolution + place.x * Size + index % Size)
-                + 0.5F,
-            float((OssEvPatch::row(place.patch) + 1) * resolution - place.y * Size - index / Size)
-                - 0.5F};
+    const int x = OssEvPatch::column(place.patch) * resolution + place.x * Size + index % Size;
+    const int below = place.y * Size + index / Size;
+    const int y = (OssEvPatch::row(place.patch) + 1) * resolution - below;
+    return {float(x) + 0.5F, float(y) - 0.5F};
 }
 
 std::optional<glm::vec2> OssEvFlatStroke::uvAt(const glm::vec2 &spot)

@@ -250,9 +250,7 @@ void PaintBar::refresh()
     // Never while something is being undone or made: leaving other paint may be an edit itself.
     const OssUndoManager *history = OssUndoManager::instance();
     if (history->isRecording() && !history->isMacroOpen()) {
-        if (follows && m_session->setAlong({}))
-            m_session->setNode(wanted);
-        else if (!follows)
+        if (!follows || m_session->setAlong({}))
             m_session->setNode(wanted);
         if (follows && m_session->node() == wanted)
             m_session->setAlong(selected.mid(1));

@@ -271,11 +271,16 @@ class NodeGraph(Object):
         """Adds the nodes of a node file."""
     @overload
     def layout(self) -> None:
-        """Arranges nodes, or the whole graph, in columns."""
+        """Arranges nodes and what feeds them, or the whole graph whatever is selected, in columns."""
     @overload
     def layout(self, nodes: list[Node]) -> None: ...
-    def arrange(self, nodes: list[Node], how: str) -> None:
-        """Puts nodes in order, one of arrangements(): in line, at equal distances, each by the one before it in the list, or backdrops around what lies on them."""
+    @overload
+    def arrange(self) -> None:
+        """Puts nodes in order, one of arrangements(): in line, at equal distances, each by the one before it in the list, or backdrops around what lies on them. Without one they are laid out in layers, so that few wires cross; without nodes the whole graph is."""
+    @overload
+    def arrange(self, nodes: list[Node], how: str) -> None: ...
+    @overload
+    def arrange(self, nodes: list[Node]) -> None: ...
     def arrangements(self) -> list[str]:
         """What arrange() can do, as 'align left' or 'place below'."""
     def show(self) -> None:

@@ -52,4 +52,37 @@ TEST_F(PaintLayer, severalNodesAreOneStepOfTheHistoryEachInItsOwnColor)
     EXPECT_FALSE(m_session->hasPaint());
 }
 
+TEST_F(PaintLayer, fourNodesLeaveTheHistoryAsOneDoesAndKeepTheirValues)
+{
+    const QVector<OssSnImageSetNodeBase *> others{paintNode(), paintNode(), paintNode()};
+    history()->clear();
+    ASSERT_TRUE(m_session->setAlong(others));
+    m_session->setColorAlong(others.at(1), OssColor(0.25, 0.25, 0.25));
+    dab();
+    EXPECT_FALSE(history()->isMacroOpen());
+    EXPECT_EQ(undoCount(), 1);
+    history()->undo();
+    EXPECT_FALSE(m_session->hasPaint());
+    history()->redo();
+    ASSERT_TRUE(m_session->begin(QPointF(0.2, 0.2)));
+    m_session->moveTo({0.4, 0.2});
+    m_session->cancel();
+    EXPECT_FALSE(history()->isMacroOpen());
+    EXPECT_EQ(undoCount(), 1);
+    OssEvBrush brush = Brushes::instance()->brush();
+    brush.tool = OssEvBrush::Tool::Fill;
+    Brushes::instance()->setBrush(brush);
+    ASSERT_TRUE(m_session->fill(QPointF(0.5, 0.5)));
+    EXPECT_FALSE(history()->isMacroOpen());
+    EXPECT_EQ(undoCount(), 2);
+    history()->undo();
+    history()->undo();
+    EXPECT_FALSE(m_session->hasPaint());
+    // What was chosen for a node is still there when one comes back to it.
+    ASSERT_TRUE(m_session->setAlong({}));
+    ASSERT_TRUE(m_session->setAlong(others));
+    EXPECT_DOUBLE_EQ(m_session->colorAlong(others.at(1)).red(), 0.25);
+    EXPECT_DOUBLE_EQ(m_session->colorAlong(others.at(0)).red(), 0.5);
+}
+
 } // namespace

@@ -63,25 +63,28 @@ OssEvPaintReader::OssEvPaintReader(const OssEvPaintBuffer *paint, OssEvPaintGrou
 {
 }
 
-void OssEvPaintReader::find(const OssEvPaintBuffer::Place &place)
+const OssEvPaintReader::Tile &OssEvPaintReader::find(const OssEvPaintBuffer::Place &place)
 {
-    if (m_tile.isKnown && m_tile.place == place)
-        return;
-    m_tile = {place, true, m_paint->tile(place),
-              m_ground != nullptr ? m_ground->tile(place) : nullptr};
+    const auto slot = unsigned(place.x) % 8U
+                      + 8U * ((unsigned(place.y) + unsigned(place.patch)) % 8U);
+    Tile &tile = m_recent[slot];
+    if (!tile.isKnown || !(tile.place == place))
+        tile = {place, true, m_paint->tile(place),
+                m_ground != nullptr ? m_ground->tile(place) : nullptr};
+    return tile;
 }
 
 OssEvPaintReader::Color OssEvPaintReader::texel(const OssEvPaintBuffer::Place &place, int index)
 {
-    find(place);
+    const Tile &tile = find(place);
     Color color{};
-    if (m_tile.beneath) {
+    if (tile.beneath) {
         for (int c = 0; c < 4; ++c)
-            color[std::size_t(c)] = m_tile.beneath->texel(c, index % Size, index / Size);
+            color[std::size_t(c)] = tile.beneath->texel(c, index % Size, index / Size);
     }
-    if (!m_tile.paint)
+    if (!tile.paint)
         return color;
-    const OssEvPaintTile::Texel paint = m_tile.paint->texel(index);
+    const OssEvPaintTile::Texel paint = tile.paint->texel(index);
     for (std::size_t c = 0; c < 4; ++c)
         color[c] = paint[c] + paint[OssEvPaintTile::Keep] * color[c];
     return color;

@@ -6,6 +6,7 @@
 
 #include <glm/vec2.hpp>
 
+#include <array>
 #include <map>
 #include <optional>
 #include <string>
@@ -71,7 +72,7 @@ public:
     Color at(const glm::vec2 &uv);
 
     /// The paint may have other tiles now.
-    void look() { m_tile = {}; }
+    void look() { m_recent.fill({}); }
 
 private:
     struct Tile
@@ -82,9 +83,9 @@ private:
         OssEvTilePointer beneath;
     };
 
-    void find(const OssEvPaintBuffer::Place &place);
+    const Tile &find(const OssEvPaintBuffer::Place &place);
 
     const OssEvPaintBuffer *m_paint;
     OssEvPaintGround *m_ground;
-    Tile m_tile; ///< looked at last
+    std::array<Tile, 64> m_recent; ///< those of a neighbourhood do not share a place
 };

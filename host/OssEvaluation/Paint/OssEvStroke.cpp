@@ -14,7 +14,10 @@ constexpr int Size = OssEvPaintTile::Size;
 constexpr double BlurReach = 0.15; ///< of the radius: how far colours come from
 constexpr double LeastBlur = 1.0;
 constexpr int RingParts = 8;
+constexpr double FineRadius =
+    96.0; ///< texels: of wider ones not every texel is looked at by itself
 constexpr double FullTurn = 6.283185307179586;
+constexpr double Pi = FullTurn / 2.0;
 
 } // namespace
 
@@ -54,7 +57,7 @@ double OssEvStroke::putDab(const OssEvStrokePath::Point &place)
     m_lastDab = place;
     const double radius = dab(place, m_heading, m_count++);
     if (!m_marked.empty())
-        changeColors(way, radius);
+        changeColors(way, radius, std::sqrt(double(m_marked.size()) / Pi));
     return m_brush.spacing * radius;
 }
 
@@ -200,14 +203,50 @@ void OssEvStroke::fillTile(const Place &place, const std::optional<Line> &line)
 
 // --- changing colours
 
+/// What blurring a wide surrounding makes of texels that lie together: nearly the same, so one look is enough for
+/// a small square of them.
+class OssEvStroke::Squares
+{
+public:
+    explicit Squares(int size)
+        : m_size(size)
+    {
+    }
+
+    /// Asks for the colour of a square only once, as long as its tile stays the same.
+    template <class Ask>
+    std::optional<Color> at(const Place &place, int index, const Ask &ask)
+    {
+        if (!(place == m_place) || m_known.empty()) {
+            m_place = place;
+            m_known.assign(OssEvPaintTile::Texels, std::nullopt);
+        }
+        const int x = index % Size / m_size;
+        const int y = index / Size / m_size;
+        std::optional<std::optional<Color>> &known =
+            m_known[std::size_t(y) * Size + std::size_t(x)];
+        if (!known)
+            known = ask();
+        return *known;
+    }
+
+private:
+    int m_size;
+    Place m_place{};
+    std::vector<std::optional<std::optional<Color>>> m_known;
+};
+
 // All are looked at before any is set: a dab does not feed on itself.
-void OssEvStroke::changeColors(const glm::vec2 &way, double radius)
+void OssEvStroke::changeColors(const glm::vec2 &way, double radius, double texels)
 {
     m_tiles.now().look();
+    Squares squares(std::max(1, int(texels / FineRadius)));
+    const double reach = std::max(LeastBlur, BlurReach * radius);
     for (Marked &marked : m_marked) {
         std::optional<Color> wanted;
         if (m_brush.tool == OssEvBrush::Tool::Blur)
-            wanted = blurred(marked.spot, std::max(LeastBlur, BlurReach * radius));
+            wanted = squares.at(marked.place, marked.index,
+                                [&] { return blurred(marked.spot, reach); });
         else if (const auto uv = uvAt(marked.spot - way))
             wanted = m_tiles.now().at(*uv);
         marked.color = m_tiles.now().texel(marked.place, marked.index);

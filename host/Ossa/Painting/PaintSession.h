@@ -199,6 +199,7 @@ private:
     std::unique_ptr<OssUndoManager::AutoMacro> m_macro; ///< of the stroke in hand
     std::optional<QPointF> m_lastPlace;
     std::vector<std::unique_ptr<PaintSession>> m_along; ///< kept, as the history needs them
+    QHash<const OssImageSet *, OssColor> m_colorsAlong; ///< that were chosen
     PaintSession *m_leader = nullptr;                   ///< along which it is
     std::array<float, 3> m_ownColor{0.5F, 0.5F, 0.5F};  ///< instead of the brush's, with a leader
     double m_scale = 1.0;                               ///< texels for one of the leader's

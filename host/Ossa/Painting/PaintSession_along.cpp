@@ -8,6 +8,20 @@
 
 // Several nodes that are painted on at once.
 
+namespace {
+
+OssColor usualAlong()
+{
+    return {0.5, 0.5, 0.5};
+}
+
+std::array<float, 3> toArray(const OssColor &color)
+{
+    return {float(color.red()), float(color.green()), float(color.blue())};
+}
+
+} // namespace
+
 std::vector<PaintSession *> PaintSession::inUse() const
 {
     std::vector<PaintSession *> used;
@@ -46,7 +60,7 @@ bool PaintSession::setAlong(const QVector<OssSnImageSetNodeBase *> &nodes)
         if (!node || node == m_node || along().contains(node))
             continue;
         PaintSession *other = spare();
-        other->m_ownColor = {0.5F, 0.5F, 0.5F};
+        other->m_ownColor = toArray(m_colorsAlong.value(node->imageSet(), usualAlong()));
         other->setNode(node);
     }
     Q_EMIT stateChanged();
@@ -75,8 +89,9 @@ void PaintSession::setColorAlong(const OssSnImageSetNodeBase *node, const OssCol
 {
     for (PaintSession *along : inUse()) {
         if (along->node() == node)
-            along->m_ownColor = {float(color.red()), float(color.green()), float(color.blue())};
+            along->m_ownColor = toArray(color);
     }
+    m_colorsAlong.insert(node->imageSet(), color);
     Q_EMIT stateChanged();
 }
 

@@ -130,6 +130,14 @@ QWidget *ViewerPanel::makeFoot()
     return bar;
 }
 
+void ViewerPanel::followStrokes()
+{
+    m_pictures->setPaint(&m_session->buffer());
+    connect(m_session, &PaintSession::painted, m_pictures, &ViewerPictures::showPaint);
+    connect(m_session, &PaintSession::settled, m_pictures, &ViewerPictures::expectSamePicture);
+    connect(m_session, &PaintSession::stateChanged, this, &ViewerPanel::followPaint);
+}
+
 void ViewerPanel::follow()
 {
     connect(m_source, &ViewerSource::began, this,
@@ -153,10 +161,7 @@ void ViewerPanel::follow()
     followProgress();
     connect(m_view, &UvView::focusMoved, m_source, &ViewerSource::setFocus);
     connect(m_view, &UvView::pointed, m_values, &QLabel::setText);
-    m_pictures->setPaint(&m_session->buffer());
-    connect(m_session, &PaintSession::painted, m_pictures, &ViewerPictures::showPaint);
-    connect(m_session, &PaintSession::settled, m_pictures, &ViewerPictures::expectSamePicture);
-    connect(m_session, &PaintSession::stateChanged, this, &ViewerPanel::followPaint);
+    followStrokes();
     m_object->setCanvas(m_session);
     connect(m_view, &UvView::entered, this, [this] { welcomeBrush(m_view); });
     connect(m_object, &ObjectView::entered, this, [this] { welcomeBrush(m_object); });

@@ -54,6 +54,7 @@ private:
     void setPainting(bool on);
     void setComparing(bool on);
     void followPaint();
+    void followStrokes();
     void showLightBar();
     /// What acts on a picture is off without a project.
     void followProject();

@@ -222,7 +222,7 @@ bool ViewerPictures::values(int patch, const QPoint &pixel, QVector<float> *chan
         return false;
     const Tile known = found->tiles.value({pixel.x() / tileSize, pixel.y() / tileSize});
     const OssEvTilePointer &tile = known.values;
-    if (!tile)
+    if (!tile || known.generation != m_generation)
         return false;
     channels->resize(tile->channels());
     for (int c = 0; c < tile->channels(); ++c)

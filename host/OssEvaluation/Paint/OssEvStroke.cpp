@@ -13,9 +13,10 @@ namespace {
 constexpr int Size = OssEvPaintTile::Size;
 constexpr double BlurReach = 0.15; ///< of the radius: how far colours come from
 constexpr double LeastBlur = 1.0;
+constexpr double WidestBlur = 16.0; ///< texels: from farther colours would be seen as rings
 constexpr int RingParts = 8;
-constexpr double FineRadius =
-    96.0; ///< texels: of wider ones not every texel is looked at by itself
+constexpr double FineRadius = 96.0;  ///< texels: of wider ones some texels share a look
+constexpr double WidestSquare = 4.0; ///< texels across that share one
 constexpr double FullTurn = 6.283185307179586;
 constexpr double Pi = FullTurn / 2.0;
 
@@ -240,8 +241,9 @@ private:
 void OssEvStroke::changeColors(const glm::vec2 &way, double radius, double texels)
 {
     m_tiles.now().look();
-    Squares squares(std::max(1, int(texels / FineRadius)));
-    const double reach = std::max(LeastBlur, BlurReach * radius);
+    Squares squares(int(std::clamp(texels / FineRadius, 1.0, WidestSquare)));
+    const double part = std::min(BlurReach, WidestBlur / std::max(texels, 1.0));
+    const double reach = std::max(LeastBlur, part * radius);
     for (Marked &marked : m_marked) {
         std::optional<Color> wanted;
         if (m_brush.tool == OssEvBrush::Tool::Blur)

@@ -113,7 +113,7 @@ void ViewerPictures::compose(int number, Patch *patch, const QRect &area, Rows r
             const Run run = readBeneath(*patch, x, y, area.right() + 1 - x, rgba.data(), &isColor);
             const bool isPainted = readPaint(number, x, y, run, paint.data());
             for (int i = 0; isPainted && i < run.count; ++i)
-                cover(paint[std::size_t(i)], &rgba[std::size_t(4 * i)]);
+                cover(paint[std::size_t(i)], &rgba[4 * std::size_t(i)]);
             if (isPainted || rows == AllRows) {
                 ViewerPixels::show(rgba.data(), run.count, isColor, m_look, line.data());
                 std::transform(line.cbegin(), line.cbegin() + run.count, pixels + x,
@@ -127,17 +127,17 @@ void ViewerPictures::compose(int number, Patch *patch, const QRect &area, Rows r
 namespace {
 
 constexpr float leastKeep = 0.004F; ///< below it is not known what lies beneath
-constexpr OssEvPaintTile::Texel Bare{0.0F, 0.0F, 0.0F, 0.0F, 1.0F};
+constexpr OssEvPaintTile::Texel bareTexel{0.0F, 0.0F, 0.0F, 0.0F, 1.0F};
 
 /// What makes of a texel with one paint on it the one with another.
 OssEvPaintTile::Texel since(const OssEvPaintTile::Texel &before, const OssEvPaintTile::Texel &now)
 {
     if (before == now)
-        return Bare;
+        return bareTexel;
     const float kept = before[OssEvPaintTile::Keep];
     const float keeps = now[OssEvPaintTile::Keep];
     if (kept < leastKeep)
-        return keeps < leastKeep ? now : Bare;
+        return keeps < leastKeep ? now : bareTexel;
     OssEvPaintTile::Texel change;
     change[OssEvPaintTile::Keep] = keeps / kept;
     for (std::size_t c = 0; c < 4; ++c)
@@ -163,7 +163,7 @@ bool ViewerPictures::readPaint(int number, int x, int y, const Run &run,
     if (!wasPainted)
         return isPainted;
     for (int i = 0; i < run.count; ++i)
-        paint[i] = since(before[std::size_t(i)], isPainted ? paint[i] : Bare);
+        paint[i] = since(before[std::size_t(i)], isPainted ? paint[i] : bareTexel);
     return true;
 }
 

@@ -256,8 +256,14 @@ void OssEvStroke::changeColors(const glm::vec2 &way, double radius, double texel
         for (std::size_t c = 0; wanted && c < 4; ++c)
             marked.color[c] += ((*wanted)[c] - marked.color[c]) * amount;
     }
-    for (const Marked &marked : m_marked)
-        m_tiles.setColor(marked.place, marked.index, marked.color);
+    Place place{};
+    OssEvStrokeTiles::Tile *touched = nullptr;
+    for (const Marked &marked : m_marked) {
+        if (touched == nullptr || !(marked.place == place))
+            touched = &m_tiles.touch(marked.place);
+        place = marked.place;
+        OssEvStrokeTiles::setColor(touched, marked.index, marked.color);
+    }
     m_marked.clear();
 }
 

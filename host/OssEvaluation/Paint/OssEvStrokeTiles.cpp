@@ -61,12 +61,11 @@ OssEvStrokeTiles::Tile &OssEvStrokeTiles::touch(const OssEvPaintBuffer::Place &p
     return m_touched.emplace(place, std::move(touched)).first->second;
 }
 
-void OssEvStrokeTiles::setColor(const OssEvPaintBuffer::Place &place, int index, const Color &color)
+void OssEvStrokeTiles::setColor(Tile *touched, int index, const Color &color)
 {
-    Tile &touched = touch(place);
-    touched.tile->setTexel(index, opaque(color));
-    touched.isChanged = true;
-    touched.stale = touched.stale.united({index % Size, index / Size, 1, 1});
+    touched->tile->setTexel(index, opaque(color));
+    touched->isChanged = true;
+    touched->stale = touched->stale.united({index % Size, index / Size, 1, 1});
 }
 
 OssEvStrokeTiles::Areas OssEvStrokeTiles::update()

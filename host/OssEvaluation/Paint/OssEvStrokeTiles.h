@@ -68,7 +68,7 @@ public:
     Tile &touch(const OssEvPaintBuffer::Place &place);
 
     /// Sets the colour of a texel at once.
-    void setColor(const OssEvPaintBuffer::Place &place, int index, const Color &color);
+    static void setColor(Tile *touched, int index, const Color &color);
 
     /// Brings the buffer up to date with what the texels are covered.
     Areas update();

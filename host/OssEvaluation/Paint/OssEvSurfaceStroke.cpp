@@ -284,13 +284,22 @@ bool OssEvSurfaceStroke::isSeen(const Side &side, Tile *tile, std::size_t index)
 
 // --- what of a texel matters to brushes that do more than cover
 
+const OssEvPaintSurface::Tile &OssEvSurfaceStroke::texelsOf(const Place &place)
+{
+    if (!m_texels || !(place == m_texelsPlace)) {
+        m_texels = m_surface->tile(place);
+        m_texelsPlace = place;
+    }
+    return *m_texels;
+}
+
 // As it is seen on the picture, also from the other side of a mirror.
 glm::vec2 OssEvSurfaceStroke::spotOf(const Place &place, int index)
 {
-    const auto texels = m_surface->tile(place);
+    const OssEvPaintSurface::Tile &texels = texelsOf(place);
     const auto at = std::size_t(index);
-    const glm::vec3 lies = glm::vec3(
-        m_side->mirror * glm::vec4(texels->x[at], texels->y[at], texels->z[at], 1.0F));
+    const glm::vec3 lies = glm::vec3(m_side->mirror
+                                     * glm::vec4(texels.x[at], texels.y[at], texels.z[at], 1.0F));
     const std::optional<glm::vec3> pixel = m_view->project(lies);
     return pixel ? glm::vec2(*pixel) : glm::vec2(-1.0F);
 }
@@ -302,7 +311,7 @@ std::optional<glm::vec2> OssEvSurfaceStroke::uvAt(const glm::vec2 &spot)
 
 int OssEvSurfaceStroke::faceOf(const Place &place, int index)
 {
-    return m_surface->tile(place)->faces[std::size_t(index)];
+    return texelsOf(place).faces[std::size_t(index)];
 }
 
 std::vector<OssEvPaintBuffer::Place> OssEvSurfaceStroke::fillPlaces(

@@ -78,11 +78,14 @@ private:
                    const OssEvDabShape &shape);
     bool isSeen(const Side &side, Tile *tile, std::size_t index) const;
     Tile &tileAt(Side *side, const OssEvPaintBuffer::Place &place);
+    const OssEvPaintSurface::Tile &texelsOf(const Place &place);
 
     std::shared_ptr<OssEvPaintSurface> m_surface;
     ViewPointer m_view;
     std::vector<Side> m_sides;
     const Side *m_side = nullptr; ///< that is being covered
+    Place m_texelsPlace{};
+    std::shared_ptr<const OssEvPaintSurface::Tile> m_texels; ///< asked for last
     bool m_hasBegun = false;
     std::optional<Touch> m_last;
     OssEvStrokePath::Point m_lastPlace{};

@@ -12,6 +12,7 @@
 
 #include <QDir>
 #include <QElapsedTimer>
+#include <QProcess>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 
@@ -298,6 +299,49 @@ TEST_F(ObjectMeshes, objectsComeAndGoWithAllTheyHaveAndEachIsOneStep)
     undo->redo();
     EXPECT_EQ(m_project->entities().size(), 1);
     EXPECT_FALSE(m_project->removeEntity(object())) << "the last";
+}
+
+TEST_F(ObjectMeshes, aProjectsFolderMayBeCopiedAndRenamedWithWhatLiesInIt)
+{
+    auto *projects = OssProjectManager::instance();
+    ASSERT_TRUE(projects->saveProjectAs(path("House.ossa")));
+    write("House.ossa/mesh.obj", obj(1));
+    write("House.ossa/wood.png", "a picture");
+    object()->setSource(sourceOf(text("House.ossa/mesh.obj")));
+    OssSnBaseNode *node = add("Misc/Image");
+    node->setAttribute(text("File"), text("House.ossa/wood.png"));
+    ASSERT_EQ(settled(object()).state, State::Ready);
+    ASSERT_TRUE(projects->saveProject());
+    const QString nodePath = node->path();
+    const auto expectOwn = [&](const char *folder) {
+        ASSERT_TRUE(projects->openProject(path(folder)));
+        m_project = projects->currentProject();
+        m_network = OssShaderNetworkManager::instance()->currentShaderNetwork();
+        const QString own = path(folder) + QLatin1Char('/');
+        EXPECT_EQ(object()->source().path(), own + text("mesh.obj"));
+        EXPECT_EQ(settled(object()).state, State::Ready);
+        const OssSnBaseNode *image = m_network->nodeByPath(nodePath);
+        ASSERT_TRUE(image);
+        EXPECT_EQ(OssFilePath::valueOf(image->userAttribute(text("File"))).toString(),
+                  own + text("wood.png"));
+        EXPECT_FALSE(projects->isModified());
+    };
+    QDir folder(m_folder.path());
+    ASSERT_EQ(QProcess::execute(text("cp"), {text("-r"), path("House.ossa"), path("Copy.ossa")}),
+              0);
+    expectOwn("Copy.ossa");
+    ASSERT_TRUE(projects->saveProject());
+    ASSERT_TRUE(folder.mkdir(text("far")));
+    ASSERT_TRUE(folder.rename(text("Copy.ossa"), text("far/Third.ossa")));
+    expectOwn("far/Third.ossa");
+    // What lies in another project beside it is meant as it is said.
+    ASSERT_TRUE(folder.mkdir(text("far/Other.ossa")));
+    write("far/Other.ossa/mesh.obj", obj(2));
+    object()->setSource(sourceOf(text("Other.ossa/mesh.obj")));
+    ASSERT_TRUE(projects->saveProject());
+    ASSERT_TRUE(projects->openProject(path("far/Third.ossa")));
+    m_project = projects->currentProject();
+    EXPECT_EQ(object()->source().path(), path("far/Other.ossa/mesh.obj"));
 }
 
 TEST_F(ObjectMeshes, pathsBelowTheProjectsFolderAreRelativeAndMoveAlong)

@@ -5,7 +5,6 @@
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssShadingGroup.h"
-#include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Images/OssColorManagement.h"
 #include "OssModel/Images/OssFilePath.h"
 #include "OssModel/Images/OssFileWatch.h"
@@ -15,52 +14,13 @@
 #include "OssModel/Objects/OssMeshes.h"
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectFile.h"
+#include "OssModel/Project/OssProjectPaths.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QPointer>
 
 namespace {
-
-/// Meshes are found beside the project wherever both are taken.
-void keepMeshPaths(const OssProject *project, const QString &folder)
-{
-    const QList<OssGeoEntity *> entities = project->entities();
-    for (OssGeoEntity *entity : entities) {
-        OssGeometrySource source = entity->source();
-        if (!source.isFile())
-            continue;
-        source.kept = OssMeshes::instance()->keptFile(source, true);
-        source.shape = OssFilePath::shortened(source.path(), folder);
-        entity->changeSource(source, OssProjectManager::tr("Keep Paths of Files"));
-    }
-}
-
-/// Relative paths of files go on leading where they lead when the project lies in another folder.
-void keepFilePaths(const OssProject *project, const QString &folder)
-{
-    const QList<OssShadingGroup *> groups = project->shadingGroups();
-    for (const OssShadingGroup *group : groups) {
-        const QList<OssSnBaseNode *> nodes = group->network()->getAllNodes();
-        for (OssSnBaseNode *node : nodes) {
-            for (OssCustomAttribute attribute : node->userAttributes()) {
-                const QString path = attribute.value().toString();
-                if (!OssFilePath::isHeldBy(attribute) || path.isEmpty()
-                    || QDir::isAbsolutePath(path))
-                    continue;
-                attribute.setValue(OssFilePath::shortened(OssFilePath::resolved(path), folder));
-                node->setUserAttribute(attribute, true); // a lock is none against this
-            }
-        }
-    }
-}
-
-void keepConfigPath(OssProject *project, const QString &folder)
-{
-    const QString config = project->colorConfig();
-    if (!config.isEmpty() && config != OssColorSettings::Environment)
-        project->renameColorConfig(OssFilePath::shortened(OssFilePath::resolved(config), folder));
-}
 
 /// What was not read yet could not be kept. Handles events meanwhile; false when the project is gone.
 bool readMeshes(OssProject *project)
@@ -84,10 +44,7 @@ OssResult writeElsewhere(OssProject *project, const QString &folder)
     if (parent == OssFilePath::base())
         return OssProjectFile::write(project, folder);
     OssUndoManager::AutoMacro macro(OssProjectManager::tr("Keep Paths of Files"));
-    keepMeshPaths(project, parent);
-    keepConfigPath(project, parent);
-    if (!OssFilePath::base().isEmpty())
-        keepFilePaths(project, parent);
+    OssProjectPaths::keep(project, parent);
     OssResult written = OssProjectFile::write(project, folder);
     if (!written)
         macro.cancel();
@@ -177,6 +134,8 @@ void OssProjectManager::makeCurrent(std::unique_ptr<OssProject> project, bool fr
     m_project = std::move(project);
     OssImageManager::instance()->setHolder(m_project.get());
     OssPixelStore::setProjectFolder(m_project->path());
+    if (fromDisk)
+        OssProjectPaths::adopt(m_project.get());
     OssColorManagement::instance()->use(m_project->colors());
     OssShaderNetwork *first = nullptr;
     {

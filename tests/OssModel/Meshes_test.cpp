@@ -5,6 +5,7 @@
 #include "OssModel/Images/OssFilePath.h"
 #include "OssModel/Images/OssFileWatch.h"
 #include "OssModel/Images/OssPixelStore.h"
+#include "OssModel/Nodes/OssSnBakePointNode.h"
 #include "OssModel/Objects/OssMeshes.h"
 #include "OssModel/Project/OssProjectSnapshot.h"
 #include "support/ModelFixture.h"
@@ -342,6 +343,27 @@ TEST_F(ObjectMeshes, aProjectsFolderMayBeCopiedAndRenamedWithWhatLiesInIt)
     ASSERT_TRUE(projects->openProject(path("far/Third.ossa")));
     m_project = projects->currentProject();
     EXPECT_EQ(object()->source().path(), path("far/Other.ossa/mesh.obj"));
+}
+
+TEST_F(ObjectMeshes, bakesOfAnotherMeshAreToldToBeOutOfDateOnceTheirsIsReadAfterOpening)
+{
+    write("one.obj", obj(1));
+    object()->setSource(sourceOf(path("one.obj")));
+    settled(object());
+    auto *baked = qobject_cast<OssSnBakePointNode *>(add("Misc/Bake Point"));
+    ASSERT_TRUE(baked);
+    baked->setInputNode(text("Input"), add("Procedural/Color"), text("Output"));
+    baked->setBakedKey(text("of another mesh"), {1001});
+    const QString nodePath = baked->path();
+    ASSERT_TRUE(OssProjectManager::instance()->saveProjectAs(path("Baked.ossa")));
+    reopened();
+    baked = qobject_cast<OssSnBakePointNode *>(m_network->nodeByPath(nodePath));
+    ASSERT_TRUE(baked);
+    const QSignalSpy told(baked, &OssSnBakePointNode::bakedStateChanged);
+    EXPECT_TRUE(baked->isBakedResultUpToDate()) << "as long as nobody knows better";
+    settled(object());
+    EXPECT_FALSE(baked->isBakedResultUpToDate());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !told.isEmpty(); }));
 }
 
 TEST_F(ObjectMeshes, pathsBelowTheProjectsFolderAreRelativeAndMoveAlong)

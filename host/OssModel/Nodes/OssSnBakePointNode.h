@@ -5,6 +5,8 @@
 
 #include <QMap>
 
+#include <optional>
+
 class OssGeoEntity;
 class OssGeoImageSet;
 
@@ -97,5 +99,5 @@ private:
     static constexpr int OtherPatches = 0;
 
     QMap<int, Baked> m_baked; ///< by patch; what all have that are not named is under OtherPatches
-    bool m_wasUpToDate = false; ///< when it was last announced
+    std::optional<bool> m_wasUpToDate; ///< when it was last announced
 };

@@ -1,4 +1,5 @@
 #include "OssEvaluation/Paint/OssEvPaintGround.h"
+#include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Images/OssPixelStore.h"
 #include "PaintFixture.h"
 
@@ -50,6 +51,24 @@ TEST_F(PaintLayer, severalNodesAreOneStepOfTheHistoryEachInItsOwnColor)
     EXPECT_TRUE(hasPaint());
     m_session->clear();
     EXPECT_FALSE(m_session->hasPaint());
+}
+
+TEST_F(PaintLayer, whatReadsAllOfThemBakesThemInOneStep)
+{
+    OssSnImageSetNodeBase *rough = paintNode();
+    ASSERT_TRUE(m_session->setAlong({rough}));
+    history()->clear();
+    dab();
+    OssEvaluationService::settlePaint({m_paint, rough});
+    EXPECT_FALSE(m_session->hasPaint());
+    EXPECT_TRUE(images()->pixels().contains(1001));
+    EXPECT_TRUE(rough->imageSet()->pixels().contains(1001));
+    EXPECT_EQ(undoCount(), 2);
+    history()->undo();
+    EXPECT_TRUE(m_session->hasPaint());
+    EXPECT_FALSE(rough->imageSet()->pixels().contains(1001));
+    OssEvaluationService::settlePaint({});
+    EXPECT_TRUE(history()->canRedo()) << "nothing was baked";
 }
 
 TEST_F(PaintLayer, fourNodesLeaveTheHistoryAsOneDoesAndKeepTheirValues)

@@ -1,6 +1,7 @@
 #include "OssModel/Evaluation/OssEvaluationService.h"
 
 #include "OssCore/Documents/OssAtomicFile.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssEvaluation/Files/OssEvImageFormat.h"
 #include "OssEvaluation/Files/OssEvUdim.h"
 #include "OssModel/Evaluation/OssBakeWork.h"
@@ -52,6 +53,7 @@ OssResult OssEvaluationService::prepare(const BakeJob &job, OssSnEvaluationGraph
 void OssEvaluationService::settlePaint(const QVector<QPointer<const OssSnBaseNode>> &sources)
 {
     OssCanvasWidget *canvas = OssCanvasManager::instance()->currentCanvas();
+    const OssUndoManager::AutoMacro macro(tr("Bake Paint"));
     for (const QPointer<const OssSnBaseNode> &source : sources) {
         if (canvas && source)
             canvas->handleBakeBehavior(OssShaderNetworkUtils::imageSetOf(source));

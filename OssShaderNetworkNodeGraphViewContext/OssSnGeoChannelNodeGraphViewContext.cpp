@@ -43,7 +43,7 @@ OssSnBakePointNode *OssSnBakePointNodeGraphViewContext::bakePoint() const
 void OssSnBakePointNodeGraphViewContext::initializeGui()
 {
     OssSnNodeGraphViewContext::initializeGui();
-    const OssSnBakePointNode *node = bakePoint();
+    OssSnBakePointNode *node = bakePoint();
     OssNgExtendedNode *item = extended(guiNode());
     if (!node || !item)
         return;
@@ -58,6 +58,7 @@ void OssSnBakePointNodeGraphViewContext::initializeGui()
     connect(node, &Node::limitBakeChanged, this, &Context::onLimitBakeChanged);
     connect(node, &Node::filterCollectionEnabledChanged, this, &Context::onFilteredChanged);
     connect(node, &Node::filterCollectionTextChanged, this, &Context::onFilteredChanged);
+    node->checkBakedState(); // so that it tells when it is another than what is shown now
     onBakedStateChanged();
     onGeoChannelChanged();
     onLimitBakeChanged();

@@ -230,8 +230,8 @@ QVector<Stand> standsIn(const OssShaderNetwork *network)
     for (const OssSnBaseNode *node : nodes) {
         const auto *backdrop = qobject_cast<OssNgBackdropNode *>(
             OssSnNodeGraphViewContextManager::guiNodeOf(node));
-        stands.append(Stand{Backdrops::rectOf(node), backdrop ? backdrop->zOrder() : 0,
-                            node->container()});
+        stands.append(
+            Stand{Backdrops::rectOf(node), backdrop ? backdrop->zOrder() : 0, node->container()});
     }
     return stands;
 }

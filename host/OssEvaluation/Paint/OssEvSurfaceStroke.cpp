@@ -222,6 +222,19 @@ OssEvSurfaceStroke::Tile &OssEvSurfaceStroke::tileAt(Side *side,
     return tile;
 }
 
+void OssEvSurfaceStroke::coverTexel(Tile *tile, std::size_t index, float amount,
+                                    const OssEvDabShape &shape)
+{
+    if (tile->touched == nullptr)
+        tile->touched = &tiles().touch(tile->place);
+    if (onlyCovers()) {
+        float &covered = tile->touched->coverage[index];
+        covered = shape.over(covered, amount);
+    } else {
+        mark(tile->place, tile->touched, int(index), amount, shape);
+    }
+}
+
 void OssEvSurfaceStroke::coverTile(const Side &side, Tile *tile, const OssEvRegion &part,
                                    const Touch &touch, const OssEvDabShape &shape)
 {
@@ -247,14 +260,7 @@ void OssEvSurfaceStroke::coverTile(const Side &side, Tile *tile, const OssEvRegi
                                                 -double(glm::dot(away, touch.up)) * perTexel);
             if (amount <= 0.0F || !isSeen(side, tile, index))
                 continue;
-            if (tile->touched == nullptr)
-                tile->touched = &tiles().touch(tile->place);
-            if (onlyCovers()) {
-                float &covered = tile->touched->coverage[index];
-                covered = shape.over(covered, amount);
-            } else {
-                mark(tile->place, tile->touched, int(index), amount, shape);
-            }
+            coverTexel(tile, index, amount, shape);
             left = std::min(left, x);
             right = std::max(right, x + 1);
             top = std::min(top, y);

@@ -76,6 +76,7 @@ private:
     void cover(Side *side, const Touch &touch, const OssEvDabShape &shape);
     void coverTile(const Side &side, Tile *tile, const OssEvRegion &part, const Touch &touch,
                    const OssEvDabShape &shape);
+    void coverTexel(Tile *tile, std::size_t index, float amount, const OssEvDabShape &shape);
     bool isSeen(const Side &side, Tile *tile, std::size_t index) const;
     Tile &tileAt(Side *side, const OssEvPaintBuffer::Place &place);
     const OssEvPaintSurface::Tile &texelsOf(const Place &place);

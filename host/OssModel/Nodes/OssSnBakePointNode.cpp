@@ -96,9 +96,11 @@ OssSnBakePointNode::~OssSnBakePointNode()
 void OssSnBakePointNode::checkBakedState()
 {
     const bool upToDate = isBakedResultUpToDate(false);
-    if (upToDate == m_wasUpToDate)
-        return;
+    // Who has not been told yet takes what is baked for good.
+    const bool wasUpToDate = m_wasUpToDate.value_or(hasBakedResult());
     m_wasUpToDate = upToDate;
+    if (upToDate == wasUpToDate)
+        return;
     Q_EMIT bakedStateChanged();
 }
 

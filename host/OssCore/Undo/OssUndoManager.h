@@ -159,7 +159,7 @@ private:
     int m_index = 0;
     bool m_mayJoin = false; ///< nothing was undone since the last step was recorded
     bool m_toldClean = true;
-    int m_cleanIndex = 0;   ///< -1: no undoing or redoing leads to what is saved
+    int m_cleanIndex = 0; ///< -1: no undoing or redoing leads to what is saved
     std::vector<std::unique_ptr<Macro>> m_open;
     int m_pauses = 0;
 };

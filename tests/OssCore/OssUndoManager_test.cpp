@@ -374,7 +374,10 @@ TEST_F(UndoTest, whoFollowsWhatIsSavedHearsOfMacrosThatStayOpen)
     bool told = true;
     const auto follows = QObject::connect(history, &OssUndoManager::cleanChanged,
                                           [&told](bool clean) { told = clean; });
-    const auto edit = [history] { history->record(QString(), [] {}, [] {}); };
+    const auto edit = [history] {
+        history->record(
+            QString(), [] {}, [] {});
+    };
     {
         OssUndoManager::AutoMacro macro(QStringLiteral("Long"));
         edit();

@@ -192,7 +192,8 @@ TEST_F(PaintBars, paintNodesInASelectedGroupArePaintedTogether)
     EXPECT_EQ(m_session->along().size(), 1);
     m_blur->setSelected(true);
     m_bar->refresh();
-    EXPECT_TRUE(m_session->along().isEmpty()) << "a rubber band around everything is no wish to paint";
+    EXPECT_TRUE(m_session->along().isEmpty())
+        << "a rubber band around everything is no wish to paint";
     m_blur->setSelected(false);
     m_bar->refresh();
     EXPECT_EQ(m_session->along().size(), 1);

@@ -179,6 +179,7 @@ void FramedLayout::layOutLevel(int frame, const QVector<int> &ignored)
 {
     const std::vector<Unit> units = unitsOf(frame, ignored);
     std::vector<ColumnLayout::Node> values;
+    values.reserve(units.size());
     for (const Unit &unit : units)
         values.push_back(valueOf(unit));
     const auto isReached = [this](const Unit &unit) {

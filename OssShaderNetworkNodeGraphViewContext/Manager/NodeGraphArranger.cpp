@@ -258,6 +258,22 @@ void clearNote(OssNgNode *note, const QList<OssSnBaseNode *> &all,
         moveTo(note, *place, macro);
 }
 
+/// The place, moved to the right until nothing but the item itself lies there.
+QRectF clearOf(const QList<OssSnBaseNode *> &all, const OssNgNode *item, QRectF place)
+{
+    for (bool isClear = false; !isClear;) {
+        isClear = true;
+        for (const OssSnBaseNode *other : all) {
+            const OssNgNode *shown = visibleItem(other);
+            if (!shown || shown == item || !shown->sceneBoundingRect().intersects(place))
+                continue;
+            place.moveLeft(shown->sceneBoundingRect().right() + ColumnLayout::Clearance);
+            isClear = false;
+        }
+    }
+    return place;
+}
+
 /// Viewers stand right of what they look at, and on nothing.
 void placeViewers(const QList<OssSnBaseNode *> &all, OssUndoManager::AutoMacro *macro)
 {
@@ -271,19 +287,9 @@ void placeViewers(const QList<OssSnBaseNode *> &all, OssUndoManager::AutoMacro *
         }
         if (!item || seen.isEmpty() || item->sceneBoundingRect().left() >= seen.right())
             continue;
-        QRectF place(QPointF(seen.right() + ColumnLayout::ColumnGap, item->y()),
-                     item->sceneBoundingRect().size());
-        for (bool isClear = false; !isClear;) {
-            isClear = true;
-            for (const OssSnBaseNode *other : all) {
-                const OssNgNode *shown = visibleItem(other);
-                if (!shown || shown == item || !shown->sceneBoundingRect().intersects(place))
-                    continue;
-                place.moveLeft(shown->sceneBoundingRect().right() + ColumnLayout::Clearance);
-                isClear = false;
-            }
-        }
-        moveTo(item, place.topLeft(), macro);
+        const QRectF place(QPointF(seen.right() + ColumnLayout::ColumnGap, item->y()),
+                           item->sceneBoundingRect().size());
+        moveTo(item, clearOf(all, item, place).topLeft(), macro);
     }
 }
 

@@ -199,27 +199,40 @@ void LayeredArranging::straighten(const QList<OssSnBaseNode *> &nodes, int)
     }
 }
 
-void LayeredArranging::separate(const QList<OssSnBaseNode *> &nodes, int)
+namespace {
+
+bool isPlain(const OssSnBaseNode *node)
 {
-    const Nodes all = nodes.first()->network()->nodes();
-    const auto isPlain = [](const OssSnBaseNode *node) {
-        const OssNgNode *item = itemOf(node);
-        return item && item->isVisible() && !Backdrops::isBackdrop(node);
-    };
-    Nodes order;
+    const OssNgNode *item = itemOf(node);
+    return item && item->isVisible() && !Backdrops::isBackdrop(node);
+}
+
+/// Those that are plain nodes, from top to bottom.
+QList<OssSnBaseNode *> asTheyAreRead(const QList<OssSnBaseNode *> &nodes)
+{
+    QList<OssSnBaseNode *> order;
     std::copy_if(nodes.cbegin(), nodes.cend(), std::back_inserter(order), isPlain);
     std::stable_sort(order.begin(), order.end(),
                      [](const OssSnBaseNode *a, const OssSnBaseNode *b) {
                          return rectOf(a).y() != rectOf(b).y() ? rectOf(a).y() < rectOf(b).y()
                                                                : rectOf(a).x() < rectOf(b).x();
                      });
+    return order;
+}
+
+} // namespace
+
+void LayeredArranging::separate(const QList<OssSnBaseNode *> &nodes, int)
+{
+    const Nodes all = nodes.first()->network()->nodes();
+    const Nodes order = asTheyAreRead(nodes);
     const QSet<OssSnBaseNode *> movable(order.cbegin(), order.cend());
     QSet<const OssSnBaseNode *> settled; // the first that reads keeps its place
     for (OssSnBaseNode *node : all) {
         if (isPlain(node) && !movable.contains(node))
             settled.insert(node);
     }
-    for (OssSnBaseNode *node : qAsConst(order)) {
+    for (OssSnBaseNode *node : order) {
         const QRectF own = rectOf(node);
         QVector<QRectF> taken;
         for (const OssSnBaseNode *other : qAsConst(settled))
@@ -231,7 +244,7 @@ void LayeredArranging::separate(const QList<OssSnBaseNode *> &nodes, int)
         };
         if (!lies(own))
             continue;
-        for (const OssSnBaseNode *other : qAsConst(order)) {
+        for (const OssSnBaseNode *other : order) {
             if (!settled.contains(other))
                 taken.append(rectOf(other));
         }

@@ -76,9 +76,9 @@ void Arrangement::anchor()
     const OssLyRect &today = m_graph.nodes[at(root)].rect;
     const double dx = today.x - m_places.nodes[at(root)].x;
     const double dy = today.y - m_places.nodes[at(root)].y;
-    for (std::size_t n = 0; n < m_places.nodes.size(); ++n) {
-        m_places.nodes[n].x += dx;
-        m_places.nodes[n].y += dy;
+    for (auto &place : m_places.nodes) {
+        place.x += dx;
+        place.y += dy;
     }
     for (OssLyRect &rect : m_places.frames) {
         rect.x += dx;
@@ -87,6 +87,7 @@ void Arrangement::anchor()
 }
 
 /// Right of what they look at and of its frames, as high, and on nothing.
+// NOLINTNEXTLINE(readability-function-cognitive-complexity): its parts share what was measured so far
 void Arrangement::placeLookers()
 {
     for (int n = 0; n < int(m_graph.nodes.size()); ++n) {

@@ -48,6 +48,7 @@ private:
     void separate(NetworkSimplex *simplex);
     void pull(NetworkSimplex *simplex);
     void relax(int rounds);
+    void gatherPulls(int e, int side, std::vector<std::pair<double, int>> *pulls) const;
     void relaxRank(int rank, int side);
     double wantedBy(const std::vector<std::pair<double, int>> &pulls) const;
     std::vector<int> firstPlaces(int pointCount) const;
@@ -91,6 +92,33 @@ bool Heights::isLevel(int segment) const
            && m_layers.element(one.to).kind != Layers::Kind::Box;
 }
 
+namespace {
+
+/// Which parts cross a border: that ends below all that begin above it, and the other way round.
+template <class IsBorder, class EndOf>
+std::vector<char> acrossBorders(const std::vector<int> &level, int beyond, const IsBorder &isBorder,
+                                const EndOf &endOf)
+{
+    std::vector<char> dropped(level.size(), 0);
+    int most = -1;
+    for (std::size_t i = 0; i < level.size(); ++i) {
+        if (isBorder(level[i]))
+            most = std::max(most, endOf(level[i]));
+        else if (endOf(level[i]) < most)
+            dropped[i] = 1;
+    }
+    int least = beyond;
+    for (std::size_t i = level.size(); i-- > 0;) {
+        if (isBorder(level[i]))
+            least = std::min(least, endOf(level[i]));
+        else if (endOf(level[i]) > least)
+            dropped[i] = 1;
+    }
+    return dropped;
+}
+
+} // namespace
+
 /// Of level parts between two ranks, from top to bottom, as many as do not cross; borders never bend.
 void Heights::keepLevel(const std::vector<int> &level)
 {
@@ -100,23 +128,9 @@ void Heights::keepLevel(const std::vector<int> &level)
     const auto endOf = [this](int segment) {
         return m_layers.element(m_layers.segment(segment).to).position;
     };
-    // A border below all that end above it, and the other way round.
     const int count = int(level.size());
-    std::vector<char> dropped(level.size(), 0);
-    int most = -1;
-    for (int i = 0; i < count; ++i) {
-        if (isBorder(level[at(i)]))
-            most = std::max(most, endOf(level[at(i)]));
-        else if (endOf(level[at(i)]) < most)
-            dropped[at(i)] = 1;
-    }
-    int least = int(m_layers.elements.size());
-    for (int i = count; i-- > 0;) {
-        if (isBorder(level[at(i)]))
-            least = std::min(least, endOf(level[at(i)]));
-        else if (endOf(level[at(i)]) > least)
-            dropped[at(i)] = 1;
-    }
+    const std::vector<char> dropped = acrossBorders(level, int(m_layers.elements.size()), isBorder,
+                                                    endOf);
     // Of the others the longest run that does not cross.
     std::vector<int> tails;
     std::vector<int> before(level.size(), -1);
@@ -260,6 +274,27 @@ double Heights::wantedBy(const std::vector<std::pair<double, int>> &pulls) const
     return 0.0;
 }
 
+/// Where wires pull an element, and how much; sides as relaxRank() has them.
+void Heights::gatherPulls(int e, int side, std::vector<std::pair<double, int>> *pulls) const
+{
+    pulls->clear();
+    const auto add = [&](const Layers::Segment &segment, bool left) {
+        const Layers::Element &other = m_layers.element(left ? segment.from : segment.to);
+        const double there = left ? segment.fromY : segment.toY;
+        const double here = left ? segment.toY : segment.fromY;
+        pulls->emplace_back(other.y - other.height / 2.0 + there - here,
+                            weightOf(m_layers, segment));
+    };
+    if (side & 1) {
+        for (int j = m_layers.inStart[at(e)]; j < m_layers.inStart[at(e) + 1]; ++j)
+            add(m_layers.segment(m_layers.in[at(j)]), true);
+    }
+    if (side & 2) {
+        for (int j = m_layers.outStart[at(e)]; j < m_layers.outStart[at(e) + 1]; ++j)
+            add(m_layers.segment(m_layers.out[at(j)]), false);
+    }
+}
+
 /// Each as near as the others of its rank let it to where its wires pull it. Side: from the left (1), from
 /// the right (2), from both (3).
 void Heights::relaxRank(int rank, int side)
@@ -277,22 +312,7 @@ void Heights::relaxRank(int rank, int side)
             offset += above.height + gapBetween(above, own);
         }
         offsets.push_back(offset);
-        pulls.clear();
-        const auto add = [&](const Layers::Segment &segment, bool left) {
-            const Layers::Element &other = m_layers.element(left ? segment.from : segment.to);
-            const double there = left ? segment.fromY : segment.toY;
-            const double here = left ? segment.toY : segment.fromY;
-            pulls.emplace_back(other.y - other.height / 2.0 + there - here,
-                               weightOf(m_layers, segment));
-        };
-        if (side & 1) {
-            for (int j = m_layers.inStart[at(e)]; j < m_layers.inStart[at(e) + 1]; ++j)
-                add(m_layers.segment(m_layers.in[at(j)]), true);
-        }
-        if (side & 2) {
-            for (int j = m_layers.outStart[at(e)]; j < m_layers.outStart[at(e) + 1]; ++j)
-                add(m_layers.segment(m_layers.out[at(j)]), false);
-        }
+        gatherPulls(e, side, &pulls);
         std::sort(pulls.begin(), pulls.end());
         double wanted = own.y - own.height / 2.0;
         double weight = 0.01;

@@ -26,10 +26,10 @@ public:
 private:
     struct Edge
     {
-        int tail;
-        int head;
-        int length;
-        int weight;
+        int tail = -1;
+        int head = -1;
+        int length = 1;
+        int weight = 1;
         int cut = 0;
         int treeIndex = -1;
     };

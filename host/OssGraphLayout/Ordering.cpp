@@ -235,6 +235,7 @@ void Ordering::startFromToday()
 }
 
 /// In the order in which a walk along the wires comes to the elements.
+// NOLINTNEXTLINE(readability-function-cognitive-complexity): one walk with what it leaves for later
 void Ordering::startFromWalk(bool fromSources)
 {
     std::vector<char> seen(m_layers.elements.size(), 0);

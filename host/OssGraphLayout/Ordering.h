@@ -47,6 +47,8 @@ private:
     void setKeys(int rank, int sides, bool median);
     void keyFrames();
     void settleRank(int rank);
+    /// The ranks beside one are to be looked at again.
+    void soilBeside(int rank);
     template <bool (Ordering::*work)(int)>
     void workOn();
     bool exchangeIn(int rank);

@@ -162,6 +162,7 @@ bool Ordering::exchangeIn(int rank)
 }
 
 /// Takes each element to the best of the places near it, after Matuszewski, Schoenfeld and Molitor (1999).
+// NOLINTNEXTLINE(readability-function-cognitive-complexity): one walk along a rank that counts as it goes
 bool Ordering::siftIn(int rank)
 {
     std::vector<int> &elements = m_layers.ranks[at(rank)];
@@ -205,6 +206,14 @@ bool Ordering::siftIn(int rank)
     return any;
 }
 
+void Ordering::soilBeside(int rank)
+{
+    for (const int near : {rank - 1, rank + 1}) {
+        if (near >= 0 && near < int(m_layers.ranks.size()))
+            m_dirty[at(near)] = 1;
+    }
+}
+
 template <bool (Ordering::*work)(int)>
 void Ordering::workOn()
 {
@@ -221,10 +230,7 @@ void Ordering::workOn()
             if (!(this->*work)(rank))
                 continue;
             again = true;
-            for (const int near : {rank - 1, rank + 1}) {
-                if (near >= 0 && near < count)
-                    m_dirty[at(near)] = 1;
-            }
+            soilBeside(rank);
         }
     }
 }

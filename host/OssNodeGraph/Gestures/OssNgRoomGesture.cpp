@@ -29,6 +29,7 @@ int OssNgRoomGesture::state() const
     return OssNgGestureHost::MakingRoom;
 }
 
+// NOLINTNEXTLINE(readability-function-cognitive-complexity): one look at each item
 void OssNgRoomGesture::begin(bool down)
 {
     m_hasBegun = true;

@@ -17,7 +17,7 @@ constexpr int Duration = 150; // milliseconds
 constexpr int Interval = 12;
 constexpr int MostNodes = 3000;
 
-bool g_enabled = true;
+bool gEnabled = true;
 
 } // namespace
 
@@ -31,18 +31,18 @@ OssNgGlide::OssNgGlide(OssNgView *view)
 
 void OssNgGlide::setEnabled(bool enabled)
 {
-    g_enabled = enabled;
+    gEnabled = enabled;
 }
 
 bool OssNgGlide::isEnabled()
 {
-    return g_enabled;
+    return gEnabled;
 }
 
 void OssNgGlide::start(const Places &before)
 {
     stop();
-    if (!g_enabled || !m_view->isVisible() || !m_view->scene()
+    if (!gEnabled || !m_view->isVisible() || !m_view->scene()
         || m_view->sceneIndex()->nodeCount() > MostNodes)
         return;
     for (auto place = before.cbegin(); place != before.cend(); ++place) {

@@ -249,7 +249,7 @@ void OssShortcutManager::bind(const QString &path)
     }
     action->setShortcutContext(scope->widget->isWindow() ? Qt::ApplicationShortcut
                                                          : Qt::WidgetWithChildrenShortcut);
-    const QWidgetList widgets = widgetsOf(path);
+    const QList<QWidget *> widgets = widgetsOf(path);
     for (QWidget *widget : widgets)
         widget->addAction(action);
 }
@@ -265,9 +265,9 @@ void OssShortcutManager::unbind(const QString &path, QAction *action) const
         reach->removeAction(action);
 }
 
-QWidgetList OssShortcutManager::widgetsOf(const QString &path) const
+QList<QWidget *> OssShortcutManager::widgetsOf(const QString &path) const
 {
-    QWidgetList widgets;
+    QList<QWidget *> widgets;
     if (const Scope *scope = scopeOf(path))
         widgets.append(scope->widget);
     if (QWidget *reach = m_reaches.value(path))
@@ -316,7 +316,7 @@ QString OssShortcutManager::disabledCommand(const QKeyEvent &event, const QWidge
         const QAction *action = bound.value();
         if (!action || action->isEnabled() || !action->shortcuts().contains(pressed))
             continue;
-        const QWidgetList widgets = widgetsOf(bound.key());
+        const QList<QWidget *> widgets = widgetsOf(bound.key());
         if (widgets.isEmpty()
             || std::any_of(widgets.cbegin(), widgets.cend(), [focus](const QWidget *widget) {
                    return widget->isWindow() || widget == focus || widget->isAncestorOf(focus);

@@ -84,7 +84,7 @@ private:
     void bindAll();
     const Scope *scopeOf(const QString &path) const;
     /// Where keys of the command act.
-    QWidgetList widgetsOf(const QString &path) const;
+    QList<QWidget *> widgetsOf(const QString &path) const;
     bool scopesOverlap(const QString &path, const QString &otherPath) const;
     /// Whether a dialog keeps the user from it. Of keys that do not act in whole windows Qt does not ask.
     bool isCovered(QAction *action) const;

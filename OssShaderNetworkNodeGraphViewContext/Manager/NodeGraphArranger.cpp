@@ -261,17 +261,16 @@ void clearNote(OssNgNode *note, const QList<OssSnBaseNode *> &all,
 /// The place, moved to the right until nothing but the item itself lies there.
 QRectF clearOf(const QList<OssSnBaseNode *> &all, const OssNgNode *item, QRectF place)
 {
-    for (bool isClear = false; !isClear;) {
-        isClear = true;
-        for (const OssSnBaseNode *other : all) {
-            const OssNgNode *shown = visibleItem(other);
-            if (!shown || shown == item || !shown->sceneBoundingRect().intersects(place))
-                continue;
-            place.moveLeft(shown->sceneBoundingRect().right() + ColumnLayout::Clearance);
-            isClear = false;
-        }
+    const auto lies = [&](const OssSnBaseNode *other) {
+        const OssNgNode *shown = visibleItem(other);
+        return shown && shown != item && shown->sceneBoundingRect().intersects(place);
+    };
+    while (true) {
+        const auto found = std::find_if(all.cbegin(), all.cend(), lies);
+        if (found == all.cend())
+            return place;
+        place.moveLeft(visibleItem(*found)->sceneBoundingRect().right() + ColumnLayout::Clearance);
     }
-    return place;
 }
 
 /// Viewers stand right of what they look at, and on nothing.

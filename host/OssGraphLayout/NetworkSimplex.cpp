@@ -134,6 +134,7 @@ void NetworkSimplex::addToTree(int index)
     m_treeAt[at(edge(index).head)].push_back(index);
 }
 
+// NOLINTNEXTLINE(readability-function-cognitive-complexity): one loop that grows and moves a tree
 void NetworkSimplex::buildTightTree()
 {
     m_tree.clear();
@@ -407,8 +408,7 @@ std::vector<int> NetworkSimplex::solve(int mostExchanges)
 
 const std::vector<int> &NetworkSimplex::balance()
 {
-    for (std::size_t i = 0; i < m_tree.size(); ++i) {
-        const int leaving = m_tree[i];
+    for (const int leaving : m_tree) {
         if (edge(leaving).cut != 0)
             continue;
         const int entering = enteringEdge(leaving);

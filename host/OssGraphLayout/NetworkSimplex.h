@@ -38,9 +38,9 @@ private:
 
     struct Side
     {
-        int top;
-        bool below;
-        bool isTail;
+        int top = -1;
+        bool below = false;
+        bool isTail = false;
     };
 
     Edge &edge(int index) { return m_edges[std::size_t(index)]; }

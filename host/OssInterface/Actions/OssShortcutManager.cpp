@@ -329,7 +329,9 @@ QString OssShortcutManager::disabledCommand(const QKeyEvent &event, const QWidge
 bool OssShortcutManager::isCovered(QAction *action) const
 {
     const QWidget *modal = action ? QApplication::activeModalWidget() : nullptr;
-    const QString path = modal ? m_bound.key(action) : QString();
+    if (!modal)
+        return false;
+    const QString path = m_bound.key(action);
     const QWidgetList widgets = path.isEmpty() ? QWidgetList() : widgetsOf(path);
     return !widgets.isEmpty()
            && std::none_of(widgets.cbegin(), widgets.cend(), [modal](const QWidget *widget) {

@@ -129,4 +129,22 @@ TEST_F(LivePaint, picturesThatHaveThePaintDoNotGetItTwice)
     EXPECT_NEAR(red(), 0.0, 0.02) << "half of it is known to be paint";
 }
 
+TEST_F(LivePaint, paintingOnDuringAnEvaluationLeavesNoHoles)
+{
+    ViewerLook look;
+    look.raw = true;
+    m_pictures.setLook(look);
+    m_pictures.begin({1001}, Resolution, {});
+    const auto coarse = tileOf(4, {0.0F, 0.0F, 1.0F, 1.0F});
+    m_pictures.setTile(1001, Resolution / 2, {0, 0},
+                       ViewerPixels::picture(*coarse, look).copy(0, 0, 32, 32), coarse);
+    dab();
+    m_pictures.expectSamePicture();
+    m_pictures.setIncluded(m_session->published());
+    m_pictures.begin({1001}, Resolution, {});
+    history()->undo();
+    const QColor middle = m_pictures.picture(1001).pixelColor(Resolution / 2, Resolution / 2);
+    EXPECT_EQ(middle, QColor(Qt::blue));
+}
+
 } // namespace

@@ -218,6 +218,8 @@ public:
     template <class Ask>
     std::optional<Color> at(const Place &place, int index, const Ask &ask)
     {
+        if (m_size == 1)
+            return ask();
         if (!(place == m_place) || m_known.empty()) {
             m_place = place;
             m_known.assign(OssEvPaintTile::Texels, std::nullopt);

@@ -33,7 +33,6 @@ void ViewerPictures::begin(const QList<int> &patches, int resolution, const QStr
     }
     for (const int patch : patches) {
         Patch &entry = m_patches[patch];
-        entry.coarse.clear();
         if (!entry.picture.isNull())
             continue;
         entry.picture = QImage(resolution, resolution, QImage::Format_ARGB32_Premultiplied);

@@ -87,7 +87,7 @@ private:
     {
         QImage picture;
         QHash<QPair<int, int>, Tile> tiles;  ///< also older ones, until others come
-        QHash<QPair<int, int>, Tile> coarse; ///< until all others have come
+        QHash<QPair<int, int>, Tile> coarse; ///< the same, until all others have come
         int coarseResolution = 0;
     };
 

@@ -1,8 +1,14 @@
 #include "OssEvaluation/Schedule/OssEvEngine.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Evaluation/OssSnEvaluationGraph.h"
+#include "OssModel/Export/OssExportManager.h"
 #include "OssModel/Nodes/OssSnResultKey.h"
 #include "PaintFixture.h"
+
+#include <QEventLoop>
+#include <QImage>
+#include <QTemporaryDir>
+#include <QTimer>
 
 #include <future>
 
@@ -145,6 +151,67 @@ TEST_F(LivePaint, paintingOnDuringAnEvaluationLeavesNoHoles)
     history()->undo();
     const QColor middle = m_pictures.picture(1001).pixelColor(Resolution / 2, Resolution / 2);
     EXPECT_EQ(middle, QColor(Qt::blue));
+}
+
+TEST_F(LivePaint, watchedExportsHaveFreshPaintAndLeaveTheHistoryAlone)
+{
+    OssSnBaseNode *shader = add("Shaders/Standard Surface");
+    shader->setInputNode(text("Base Color"), m_paint, m_paint->prefferedOutputPoint());
+    QTemporaryDir folder;
+    OssExportOptions options;
+    options.folder = folder.path();
+    options.resolution = Resolution;
+    options.patches = {1001};
+    OssExportPlan::waitForMeshes(m_project);
+    OssExportPreset preset;
+    ASSERT_TRUE(OssExportPreset::read("<ExportPreset Name='P'><File Name='$channel' Format='png' "
+                                      "Each='true'/></ExportPreset>",
+                                      text("preset"), &preset));
+    OssExportPlan plan;
+    ASSERT_TRUE(OssExportPlan::make(m_project, preset, options, &plan));
+    OssExportManager *exports = OssExportManager::instance();
+    ASSERT_TRUE(exports->run(plan, {}));
+    const QString file = folder.filePath(text("Base_Color.png"));
+    const auto red = [&] {
+        QEventLoop loop;
+        QObject::connect(exports, &OssExportManager::finished, &loop, &QEventLoop::quit);
+        QTimer::singleShot(20000, &loop, &QEventLoop::quit);
+        loop.exec();
+        return QImage(file).pixelColor(Resolution / 2, Resolution / 2).red();
+    };
+    exports->setWatching(true);
+    dab();
+    EXPECT_EQ(red(), 255);
+    EXPECT_TRUE(hasPaint()) << "nothing was baked";
+    ASSERT_TRUE(m_session->bake());
+    red();
+    history()->undo();
+    red();
+    EXPECT_TRUE(hasPaint());
+    EXPECT_TRUE(history()->canRedo());
+    history()->undo();
+    EXPECT_LT(red(), 255);
+    EXPECT_TRUE(history()->canRedo());
+    exports->setWatching(false);
+}
+
+TEST_F(LivePaint, theFreshPaintOfARemovedNodeGoesAndComesWithIt)
+{
+    dab();
+    const int before = undoCount();
+    {
+        const OssUndoManager::AutoMacro macro(text("Delete"));
+        m_network->removeNodes({m_paint});
+    }
+    EXPECT_EQ(undoCount(), before + 1);
+    EXPECT_FALSE(hasPaint());
+    ASSERT_TRUE(m_session->setNode(nullptr));
+    EXPECT_EQ(undoCount(), before + 1);
+    history()->undo();
+    EXPECT_TRUE(hasPaint());
+    EXPECT_EQ(shown(0.5, 0.5), (std::array<float, 4>{0.0F, 1.0F, 1.0F, 1.0F}));
+    history()->redo();
+    EXPECT_FALSE(hasPaint());
 }
 
 } // namespace

@@ -99,6 +99,37 @@ TEST_F(PaintBars, newPaintLiesOverWhatIsShownInOneStep)
     EXPECT_EQ(m_project->stateHash(), shown);
 }
 
+TEST_F(PaintBars, overAMaterialNewPaintLiesOverItsColor)
+{
+    OssSnBaseNode *shader = add("Shaders/Standard Surface");
+    shader->setInputNode(text("Base Color"), m_blur, m_blur->prefferedOutputPoint());
+    m_network->viewerNode()->setInputNode(text("1"), shader, shader->prefferedOutputPoint());
+    OssUndoManager::instance()->clear();
+    button("New")->click();
+    EXPECT_EQ(undoCount(), 1);
+    EXPECT_EQ(viewed(), shader);
+    const OssSnBaseNode *merge = shader->inputNode(text("Base Color"));
+    ASSERT_NE(merge, nullptr);
+    EXPECT_EQ(merge->inputNode(text("Base")), m_blur);
+    EXPECT_EQ(merge->inputNode(text("Over")), m_session->node());
+    EXPECT_TRUE(m_session->node()->selected());
+}
+
+TEST_F(PaintBars, followsTheSelectionWhereThatIsNoEdit)
+{
+    OssSnBaseNode *first = paintNode("First");
+    OssSnBaseNode *second = paintNode("Second");
+    m_bar->refresh();
+    ASSERT_EQ(m_session->node(), first);
+    second->setSelected(true);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return m_session->node() == second; }));
+    stroke();
+    second->setSelected(false);
+    first->setSelected(true);
+    QTest::qWait(50);
+    EXPECT_EQ(m_session->node(), second) << "its paint would have to be baked";
+}
+
 TEST_F(PaintBars, paintsOnTheNodeThatIsSelectedOrChosen)
 {
     OssSnBaseNode *first = paintNode("First");
@@ -154,6 +185,8 @@ TEST_F(PaintBars, aLayerIsPaintOverTheChannelsOfAMaterialAllOfItPaintedAtOnce)
     auto *rough = qobject_cast<OssSnImageSetNodeBase *>(merge->inputNode(text("Over")));
     ASSERT_TRUE(m_session->along().contains(rough));
     EXPECT_TRUE(rough->imageSet()->isScalar());
+    EXPECT_DOUBLE_EQ(m_session->colorAlong(rough).green(), 0.5) << "as the shader has it";
+    EXPECT_DOUBLE_EQ(m_session->colorAlong(m_session->along().last()).green(), 0.0);
     // Each has its colour in the bar.
     auto *field = named<QDoubleSpinBox>(m_bar.get(), "Roughness Paint");
     field->selectAll();

@@ -118,6 +118,8 @@ TEST_F(PaintAfterACrash, paintOnSeveralNodesIsThereOnEachOfThem)
     dab();
     crash();
     EXPECT_TRUE(m_session->hasPaint());
+    ASSERT_NE(m_session->node(), nullptr);
+    EXPECT_EQ(m_session->along().size(), 1) << "they are painted on as before";
     ASSERT_TRUE(m_session->bake().ok());
     int painted = 0;
     const auto groups = m_project->shadingGroups();

@@ -184,7 +184,8 @@ void OssExportJob::start()
         if (source < 0) {
             source = known.size();
             known.append(material.node);
-            m_work->sources.append(OssExportSource::of(material));
+            m_work->sources.append(m_leavesPaint ? OssExportSource::of(material)
+                                                 : OssExportSource::withPaintSettled(material));
         }
         m_work->sourceOf.append(source);
         m_work->total += file.bytes();

@@ -26,6 +26,11 @@ public:
     /// Files whose pixels are those of the keys, and that are there, are not written again.
     explicit OssExportJob(const OssExportPlan &plan, const Keys &known = {},
                           QObject *parent = nullptr);
+
+    /// Paint that is in no image yet is written as it is, instead of being settled before: nothing in the
+    /// document changes.
+    void setLeavesPaint(bool leaves) { m_leavesPaint = leaves; }
+
     /// Cancels, and waits until nothing is written any more.
     ~OssExportJob() override;
 
@@ -71,6 +76,7 @@ private:
     OssExportPlan m_plan;
     std::shared_ptr<Work> m_work; ///< what the worker has of it
     std::unique_ptr<QThread> m_thread;
+    bool m_leavesPaint = false;
     QTimer m_timer;
     WorkClock m_clock;
 };

@@ -34,15 +34,15 @@ OssExportManager::~OssExportManager() = default;
 OssResult OssExportManager::start(const OssExportPlan &plan)
 {
     m_keys.clear();
-    return begin(plan, {});
+    return begin(std::make_unique<OssExportJob>(plan));
 }
 
-OssResult OssExportManager::begin(const OssExportPlan &plan, const OssExportJob::Keys &known)
+OssResult OssExportManager::begin(std::unique_ptr<OssExportJob> job)
 {
     if (isRunning())
         return OssResult::failure(tr("An export is still running: stop it or wait"));
     m_project = OssProjectManager::instance()->currentProject();
-    m_job = std::make_unique<OssExportJob>(plan, known);
+    m_job = std::move(job);
     connect(m_job.get(), &OssExportJob::finished, this, &OssExportManager::end);
     m_isBeginning = true;
     m_job->start();
@@ -117,7 +117,14 @@ void OssExportManager::look()
     }
     OssExportPlan plan;
     const OssResult planned = planAgain(&plan);
-    const OssResult begun = planned ? begin(plan, m_keys) : planned;
+    if (!planned) {
+        OssStatusManager::instance()->showMessage(planned.error());
+        return;
+    }
+    // Whoever goes through the history, back to paint that was fresh, is to be able to go on.
+    auto job = std::make_unique<OssExportJob>(plan, m_keys);
+    job->setLeavesPaint(true);
+    const OssResult begun = begin(std::move(job));
     if (!begun)
         OssStatusManager::instance()->showMessage(begun.error());
 }

@@ -52,7 +52,7 @@ Q_SIGNALS:
     void watchingChanged(bool watching);
 
 private:
-    OssResult begin(const OssExportPlan &plan, const OssExportJob::Keys &known);
+    OssResult begin(std::unique_ptr<OssExportJob> job);
     OssResult planAgain(OssExportPlan *plan) const;
     void noteChange();
     void look();

@@ -46,16 +46,14 @@ void connect(const OssEvGraph &graph, const OssSnEvaluationGraph::Link &link,
 
 } // namespace
 
-OssExportSource OssExportSource::of(const OssExportMaterial &material)
+OssExportSource OssExportSource::withPaintSettled(const OssExportMaterial &material)
 {
-    if (material.node) {
-        const OssExportSource source = withoutFreshPaint(material);
-        OssEvaluationService::settlePaint(source.graph.sources);
-    }
-    return withoutFreshPaint(material);
+    if (material.node)
+        OssEvaluationService::settlePaint(of(material).graph.sources);
+    return of(material);
 }
 
-OssExportSource OssExportSource::withoutFreshPaint(const OssExportMaterial &material)
+OssExportSource OssExportSource::of(const OssExportMaterial &material)
 {
     OssExportSource source;
     for (const OssExportMaterial::Channel &channel : material.channels)

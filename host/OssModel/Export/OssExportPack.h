@@ -16,10 +16,10 @@ struct OssExportSource
     OssEvColorSpaces::Pointer colors;
     OssResult state; ///< why nothing of it can be written
 
-    /// GUI thread. May handle events, while fresh paint is settled.
+    /// As everything stands, with paint that is in no image yet. GUI thread.
     static OssExportSource of(const OssExportMaterial &material);
-    /// The same without paint that is in no image yet, and without events.
-    static OssExportSource withoutFreshPaint(const OssExportMaterial &material);
+    /// Has such paint settled before, as the user wants it; handles events meanwhile.
+    static OssExportSource withPaintSettled(const OssExportMaterial &material);
 
     /// What writes a file. Depends on nothing but the channels that the file has. Any thread.
     OssEvBake::Job job(const OssExportFile &file) const;

@@ -88,7 +88,7 @@ OssSurfaceMaps OssSurfaceMaps::of(const OssSnProducer &shown, const OssGeoEntity
         material.channels = {{shown.outputPoint, OssSnDataKind::Color, true}};
     }
     material.entity = entity;
-    OssExportSource source = OssExportSource::withoutFreshPaint(material);
+    OssExportSource source = OssExportSource::of(material);
     if (!isMaterial)
         source.channels = QStringList{BaseColor};
     source.target.keepIntermediates = true; // the next edit comes soon

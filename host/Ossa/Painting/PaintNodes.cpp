@@ -3,16 +3,17 @@
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Graph/OssShadingGroup.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Nodes/OssSnChannelInputNode.h"
 #include "OssModel/Objects/OssImageSet.h"
+#include "OssModel/Project/OssProject.h"
+#include "OssModel/Types/OssSnTags.h"
 
 #include <QCoreApplication>
 #include <QSet>
 
 namespace {
-
-const QString shaderTag = QStringLiteral("_shader");
 
 struct Channel
 {
@@ -23,35 +24,59 @@ struct Channel
 constexpr Channel layerChannels[] = {
     {"Base Color", false}, {"Roughness", true}, {"Metallic", true}, {"Displacement", true}};
 
-OssSnImageSetNodeBase *putOver(OssSnBaseNode *shader, const Channel &channel)
+QList<OssSnBaseNode *> nodesOf(const OssShaderNetwork *network)
 {
-    const QString input = QLatin1String(channel.input);
-    OssShaderNetwork *network = shader->network();
+    return network ? network->getAllNodes() : QList<OssSnBaseNode *>();
+}
+
+void select(const OssShaderNetwork *network, const PaintNodes::Nodes &chosen)
+{
+    const QList<OssSnBaseNode *> nodes = nodesOf(network);
+    for (OssSnBaseNode *node : nodes)
+        node->setSelected(chosen.contains(qobject_cast<OssSnImageSetNodeBase *>(node)));
+    if (!chosen.isEmpty())
+        OssShaderNetworkManager::instance()->requestSight(chosen.first());
+}
+
+OssSnImageSetNodeBase *makePaint(OssSnBaseNode *fed, const QString &input)
+{
+    OssShaderNetwork *network = fed->network();
     auto *paint = qobject_cast<OssSnImageSetNodeBase *>(network->createPaintableNode({}));
     if (!paint)
         return nullptr;
-    paint->setName(QCoreApplication::translate("PaintNodes", "%1 Paint").arg(input));
-    if (paint->imageSet())
-        paint->imageSet()->setScalar(channel.isScalar);
-    OssSnBaseNode *beneath = shader->inputNode(input);
-    const QString output = shader->inputOutputPoint(input);
+    OssSnBaseNode *beneath = fed->inputNode(input);
+    const QString output = fed->inputOutputPoint(input);
     if (!beneath || beneath->network() != network) {
-        shader->setInputNode(input, paint, paint->prefferedOutputPoint());
-        PaintNodes::placeLeftOf(shader, paint);
+        fed->setInputNode(input, paint, paint->prefferedOutputPoint());
+        PaintNodes::placeLeftOf(fed, paint);
         return paint;
     }
     OssSnBaseNode *merge = network->createNode(QStringLiteral("Layer/Merge"), {});
     merge->setInputNode(QStringLiteral("Base"), beneath, output);
     merge->setInputNode(QStringLiteral("Over"), paint, paint->prefferedOutputPoint());
-    shader->setInputNode(input, merge, merge->prefferedOutputPoint());
+    fed->setInputNode(input, merge, merge->prefferedOutputPoint());
     // Who looks at what is beneath sees the paint as well.
     OssSnBaseNode *viewer = network->viewerNode();
     const QString edge = QString::number(network->rootNetwork()->viewerNodeCurrentEdge());
     if (viewer && viewer->inputNode(edge) == beneath && viewer->inputOutputPoint(edge) == output)
         viewer->setInputNode(edge, merge, merge->prefferedOutputPoint());
-    PaintNodes::placeLeftOf(shader, merge);
+    PaintNodes::placeLeftOf(fed, merge);
     PaintNodes::placeLeftOf(merge, paint);
     return paint;
+}
+
+OssSnImageSetNodeBase *findIn(const OssShaderNetwork *network, const OssImageSet *images)
+{
+    const QList<OssSnBaseNode *> nodes = nodesOf(network);
+    for (OssSnBaseNode *node : nodes) {
+        auto *own = qobject_cast<OssSnImageSetNodeBase *>(node);
+        const auto *group = qobject_cast<const OssSnGroupNode *>(node);
+        if (own && own->imageSet() == images)
+            return own;
+        if (OssSnImageSetNodeBase *inside = group ? findIn(group->groupNetwork(), images) : nullptr)
+            return inside;
+    }
+    return nullptr;
 }
 
 /// Whether a node gets something of another.
@@ -88,8 +113,7 @@ void PaintNodes::placeLeftOf(OssSnBaseNode *fed, OssSnBaseNode *node)
 PaintNodes::Nodes PaintNodes::all(const OssShaderNetwork *network)
 {
     Nodes found;
-    const QList<OssSnBaseNode *> nodes = network ? network->getAllNodes()
-                                                 : QList<OssSnBaseNode *>();
+    const QList<OssSnBaseNode *> nodes = nodesOf(network);
     for (OssSnBaseNode *node : nodes) {
         if (auto *paint = qobject_cast<OssSnChannelInputNode *>(node))
             found.append(paint);
@@ -101,8 +125,7 @@ PaintNodes::Nodes PaintNodes::selected(const OssShaderNetwork *network)
 {
     Nodes found;
     bool hasOthers = false;
-    const QList<OssSnBaseNode *> nodes = network ? network->getAllNodes()
-                                                 : QList<OssSnBaseNode *>();
+    const QList<OssSnBaseNode *> nodes = nodesOf(network);
     for (OssSnBaseNode *node : nodes) {
         if (!node->selected())
             continue;
@@ -126,7 +149,7 @@ OssSnBaseNode *PaintNodes::shownShader(OssShaderNetwork *network)
     QList<OssSnBaseNode *> shaders;
     const QList<OssSnBaseNode *> nodes = network->getAllNodes();
     for (OssSnBaseNode *node : nodes) {
-        if (!node->hasTag(shaderTag))
+        if (!node->hasTag(OssSnTags::shader()))
             continue;
         if (node == shown || (shown && isUpstream(shown, node)))
             return node;
@@ -135,21 +158,47 @@ OssSnBaseNode *PaintNodes::shownShader(OssShaderNetwork *network)
     return shaders.size() == 1 ? shaders.first() : nullptr;
 }
 
-PaintNodes::Nodes PaintNodes::makeLayer(OssSnBaseNode *shader)
+OssSnImageSetNodeBase *PaintNodes::find(const OssProject *project, const OssImageSet *images)
+{
+    const QList<OssShadingGroup *> groups = project ? project->shadingGroups()
+                                                    : QList<OssShadingGroup *>();
+    for (const OssShadingGroup *group : groups) {
+        if (OssSnImageSetNodeBase *found = findIn(group->network(), images))
+            return found;
+    }
+    return nullptr;
+}
+
+OssSnImageSetNodeBase *PaintNodes::putOver(OssSnBaseNode *fed, const QString &input)
+{
+    if (!fed->inputNames().contains(input))
+        return nullptr;
+    const OssUndoManager::AutoMacro macro(QCoreApplication::translate("PaintNodes", "New Paint"));
+    OssSnImageSetNodeBase *paint = makePaint(fed, input);
+    if (paint)
+        select(fed->network(), {paint});
+    return paint;
+}
+
+QVector<PaintNodes::Part> PaintNodes::makeLayer(OssSnBaseNode *shader)
 {
     const OssUndoManager::AutoMacro macro(
         QCoreApplication::translate("PaintNodes", "New Paint Layer"));
+    QVector<Part> parts;
     Nodes made;
     for (const Channel &channel : layerChannels) {
-        if (!shader->inputNames().contains(QLatin1String(channel.input)))
+        const QString input = QLatin1String(channel.input);
+        OssSnImageSetNodeBase *paint = shader->inputNames().contains(input)
+                                           ? makePaint(shader, input)
+                                           : nullptr;
+        if (!paint)
             continue;
-        if (OssSnImageSetNodeBase *paint = putOver(shader, channel))
-            made.append(paint);
+        paint->setName(QCoreApplication::translate("PaintNodes", "%1 Paint").arg(input));
+        if (paint->imageSet())
+            paint->imageSet()->setScalar(channel.isScalar);
+        parts.append({paint, channel.isScalar ? shader->attribute(input).toDouble() : 0.0});
+        made.append(paint);
     }
-    const QList<OssSnBaseNode *> nodes = shader->network()->getAllNodes();
-    if (!made.isEmpty())
-        OssShaderNetworkManager::instance()->requestSight(made.first());
-    for (OssSnBaseNode *node : nodes)
-        node->setSelected(made.contains(qobject_cast<OssSnImageSetNodeBase *>(node)));
-    return made;
+    select(shader->network(), made);
+    return parts;
 }

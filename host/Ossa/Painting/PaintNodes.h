@@ -1,7 +1,10 @@
 #pragma once
 
+#include <QString>
 #include <QVector>
 
+class OssImageSet;
+class OssProject;
 class OssShaderNetwork;
 class OssSnBaseNode;
 class OssSnImageSetNodeBase;
@@ -17,12 +20,26 @@ Nodes all(const OssShaderNetwork *network);
 /// nodes are selected as well, whoever did so did not mean to paint: one alone.
 Nodes selected(const OssShaderNetwork *network);
 
+/// The node of a project whose images these are, also one in a group; null: none.
+OssSnImageSetNodeBase *find(const OssProject *project, const OssImageSet *images);
+
 /// The shader that is shown or gets what is shown, or the only one there is; null: none.
 OssSnBaseNode *shownShader(OssShaderNetwork *network);
 
+/// A channel of a layer.
+struct Part
+{
+    OssSnImageSetNodeBase *node = nullptr;
+    double usual = 0.0; ///< what the shader takes where nothing is connected; of a number
+};
+
 /// Puts paint over what a shader gets as color, roughness, metal and displacement: a layer that is painted at
-/// once. Gives the new nodes, the color's first; they are selected. One undo step.
-Nodes makeLayer(OssSnBaseNode *shader);
+/// once. The color's comes first. The new nodes are selected. One undo step.
+QVector<Part> makeLayer(OssSnBaseNode *shader);
+
+/// Puts paint over what goes into an input, and selects it. What is looked at there is looked at with the
+/// paint. Null: there is no such input. One undo step.
+OssSnImageSetNodeBase *putOver(OssSnBaseNode *fed, const QString &input);
 
 /// Puts a node left of the one that it feeds, where nothing lies.
 void placeLeftOf(OssSnBaseNode *fed, OssSnBaseNode *node);

@@ -1,12 +1,10 @@
 #include "Ossa/Painting/PaintSession.h"
 
 #include "Ossa/Painting/Brushes.h"
-#include "Ossa/Painting/PaintPreferences.h"
 #include "Ossa/Painting/PaintStep.h"
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssEvaluation/Files/OssEvImageFiles.h"
-#include "OssInterface/Popups/OssMessageBox.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
@@ -74,11 +72,18 @@ PaintSession::PaintSession(PaintSession *leader)
     });
     connect(OssProjectManager::instance(), &OssProjectManager::projectClosing, this,
             &PaintSession::forget);
+    connect(OssUndoManager::instance(), &OssUndoManager::editEnding, this, [this](bool kept) {
+        if (kept)
+            letGo();
+    });
     // Another object: whatever is done about it must not join the step that led there.
     connect(
         OssShaderNetworkManager::instance(), &OssShaderNetworkManager::currentShaderNetworkChanged,
         this,
-        [this](const OssShaderNetwork *network) {
+        [this] {
+            // What was told of may be gone by now.
+            const OssShaderNetwork *network = OssShaderNetworkManager::instance()
+                                                  ->currentShaderNetwork();
             const OssShaderNetwork *own = m_node ? m_node->network() : nullptr;
             if (network && own && own->rootNetwork() != network->rootNetwork())
                 setNode(nullptr);
@@ -209,6 +214,7 @@ bool PaintSession::makeRoom()
     OssImageSet *images = painted->imageSet();
     if (!m_buffer.isEmpty() && m_images != images && !settle())
         return false;
+    m_painted = node();
     if (m_buffer.isEmpty()) {
         m_images = images;
         m_buffer = OssEvPaintBuffer(resolutionOf(images));
@@ -373,92 +379,6 @@ void PaintSession::record(const std::vector<OssEvStroke::Change> &changes, int k
     m_tiles->trim();
 }
 
-void PaintSession::removeAll(Notice notice)
-{
-    std::vector<OssEvStroke::Change> changes;
-    Tiles nothing;
-    for (const auto &entry : m_buffer.tiles()) {
-        changes.push_back({entry.first, entry.second, nullptr});
-        nothing.emplace_back(entry.first, nullptr);
-    }
-    setTiles(m_images, m_buffer.resolution(), nothing, notice);
-    record(changes, notice == Show ? PaintStep::Clear : PaintStep::Bake);
-}
-
-void PaintSession::clearOwn()
-{
-    end();
-    if (!m_buffer.isEmpty())
-        removeAll(Show);
-}
-
-OssResult PaintSession::bakeOwn()
-{
-    end();
-    if (m_buffer.isEmpty() || !m_images || m_isBusy)
-        return {};
-    QMap<int, QString> pixels;
-    m_isBusy = true;
-    const OssResult composed = m_composer.compose(m_buffer, m_images, &pixels);
-    m_isBusy = false;
-    if (!composed || m_buffer.isEmpty() || !m_images)
-        return composed;
-    const OssUndoManager::AutoMacro macro(tr("Bake Paint"));
-    m_images->setPixels(pixels);
-    removeAll(node() ? Quietly : Show); // a node that is gone shows no images
-    return {};
-}
-
-bool PaintSession::settle()
-{
-    if (!PaintPreferences::instance()->asksBeforeBaking())
-        return bakeOrTell();
-    const auto answer = OssMessageBox::question(
-        nullptr, tr("Bake Paint"),
-        tr("There is paint on \"%1\" that is not in its images yet. Do you want to bake it? "
-           "Otherwise it is cleared.")
-            .arg(m_images ? m_images->name() : QString()),
-        QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, QMessageBox::Yes);
-    if (answer == QMessageBox::Cancel)
-        return false;
-    if (answer == QMessageBox::No) {
-        clearOwn();
-        return true;
-    }
-    return bakeOrTell();
-}
-
-bool PaintSession::bakeOrTell()
-{
-    const OssResult baked = bakeOwn();
-    if (!baked)
-        OssMessageBox::warning(nullptr, tr("Bake Paint"), baked.error());
-    return baked.ok();
-}
-
-void PaintSession::handleBakeBehavior(const OssImageSet *images)
-{
-    end();
-    for (const auto &along : m_along)
-        along->handleBakeBehavior(images);
-    if (!images || images != m_images || m_buffer.isEmpty() || m_wasRefused)
-        return;
-    if (PaintPreferences::instance()->asksBeforeBaking()) {
-        const auto answer = OssMessageBox::question(
-            nullptr, tr("Bake Paint"),
-            tr("There is paint on \"%1\" that is not in its images yet. Do you want to bake it? "
-               "Otherwise it is left out, and stays for later.")
-                .arg(images->name()),
-            QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes);
-        m_wasRefused = answer != QMessageBox::Yes;
-        if (m_wasRefused) {
-            m_images->setLivePaint(nullptr); // what reads the images now is to have none
-            return;
-        }
-    }
-    bakeOrTell();
-}
-
 // --- meanwhile
 
 void PaintSession::noteChange()
@@ -489,12 +409,4 @@ void PaintSession::publish()
 std::shared_ptr<const OssLivePaint> PaintSession::published() const
 {
     return m_images ? m_images->livePaint() : nullptr;
-}
-
-void PaintSession::composeInAdvance()
-{
-    if (m_buffer.isEmpty() || !m_images)
-        return;
-    if (m_isBusy || m_stroke || !m_composer.start(m_buffer, m_images))
-        m_rest.start();
 }

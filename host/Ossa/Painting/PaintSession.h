@@ -30,7 +30,8 @@ class OssSnImageSetNodeBase;
 /// strokes that are in no image yet. GUI thread.
 ///
 /// Every stroke is a step of the history, and so is clearing the buffer and baking it into the
-/// images, which leaves it empty; undoing that brings the strokes back. What the history needs for
+/// images, which leaves it empty; undoing that brings the strokes back. The paint of a node that is removed
+/// goes with it, in the same step. What the history needs for
 /// that is in a PaintTileStore. The buffer holds paint for
 /// one image set: before other images are painted on it is dealt with as the preferences say. It is
 /// baked by itself after a stroke that makes it larger than bufferBytes.
@@ -181,11 +182,13 @@ private:
     void keep(const PaintJournal::Tiles &tiles);
     void recover();
     void forget();
+    void letGo();
     int resolutionOf(const OssImageSet *images) const;
     int widthOf(const QString &pixels) const;
 
     QPointer<OssSnImageSetNodeBase> m_node;
-    QPointer<OssImageSet> m_images; ///< what the buffer's paint is for
+    QPointer<OssImageSet> m_images;            ///< what the buffer's paint is for
+    QPointer<OssSnImageSetNodeBase> m_painted; ///< whose images these are, as far as it is known
     OssEvPaintBuffer m_buffer;
     std::shared_ptr<PaintTileStore> m_tiles;
     PaintJournal m_journal;

@@ -1,9 +1,11 @@
 #include "Ossa/Painting/PaintSession.h"
 
+#include "Ossa/Painting/PaintNodes.h"
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShadingGroup.h"
+#include "OssModel/Nodes/OssSnImageSetNodeBase.h"
 #include "OssModel/Objects/OssImageSet.h"
 #include "OssModel/Objects/OssShadingContext.h"
 #include "OssModel/Project/OssProject.h"
@@ -56,5 +58,8 @@ void PaintSession::takeUp(OssImageSet *images, const QString &name)
     m_buffer = std::move(paint);
     m_journal.resume(name, m_buffer.resolution());
     noteChange();
+    // It is painted on as before, also with others.
+    m_painted = PaintNodes::find(OssProjectManager::instance()->currentProject(), images);
+    m_node = m_painted;
     Q_EMIT stateChanged();
 }

@@ -31,6 +31,7 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -66,6 +67,14 @@ bool isShown(const QDoubleSpinBox &field, double value)
 {
     const double shown = std::pow(10.0, field.decimals());
     return std::lround(field.value() * shown) == std::lround(value * shown);
+}
+
+bool givesMaterial(const OssSnBaseNode &node, const QString &output)
+{
+    const auto &points = node.outputPoints();
+    return std::any_of(points.cbegin(), points.cend(), [&](const auto &point) {
+        return point.name == output && point.kind == OssSnDataKind::Material;
+    });
 }
 
 OssColor colorOf(const OssEvBrush &brush)
@@ -108,6 +117,14 @@ PaintBar::PaintBar(PaintSession *session, const ViewerSource *source, QWidget *p
     connect(OssShaderNetworkManager::instance(),
             &OssShaderNetworkManager::currentShaderNetworkChanged, this, &PaintBar::refresh,
             Qt::QueuedConnection);
+    // Many nodes may be selected one after the other.
+    m_selectionSeen.setSingleShot(true);
+    m_selectionSeen.setInterval(0);
+    connect(&m_selectionSeen, &QTimer::timeout, this, [this] {
+        if (!m_session
+                 ->hasPaint()) // leaving it may be an edit: that waits until one comes to paint
+            refresh();
+    });
     showBrush();
     showState();
 }
@@ -225,6 +242,7 @@ void PaintBar::refresh()
     if (!isVisible())
         return;
     const OssShaderNetwork *network = currentNetwork();
+    followSelection(network);
     const PaintNodes::Nodes selected = PaintNodes::selected(network);
     PaintNodes::Nodes nodes = PaintNodes::all(network);
     for (OssSnImageSetNodeBase *node : selected) {
@@ -258,6 +276,18 @@ void PaintBar::refresh()
     showState();
 }
 
+void PaintBar::followSelection(const OssShaderNetwork *network)
+{
+    if (network == m_followed)
+        return;
+    if (m_followed)
+        disconnect(m_followed, nullptr, &m_selectionSeen, nullptr);
+    m_followed = network;
+    if (network)
+        connect(network, &OssShaderNetwork::selectionChanged, &m_selectionSeen,
+                qOverload<>(&QTimer::start));
+}
+
 void PaintBar::chooseNode(int index)
 {
     // The list is made anew when something changes: what it names may have gone just now.
@@ -276,14 +306,20 @@ void PaintBar::makeLayer()
             tr("A layer lies over a material: connect one to the viewer"));
         return;
     }
-    const PaintNodes::Nodes made = PaintNodes::makeLayer(shader);
+    const QVector<PaintNodes::Part> made = PaintNodes::makeLayer(shader);
     if (made.isEmpty())
         OssStatusManager::instance()->showMessage(
             tr("\"%1\" takes none of color, roughness, metal and displacement")
                 .arg(shader->name()));
-    if (made.isEmpty() || !m_session->setAlong({}) || !m_session->setNode(made.first()))
+    if (made.isEmpty() || !m_session->setAlong({}) || !m_session->setNode(made.first().node))
         return;
-    m_session->setAlong(made.mid(1));
+    QVector<OssSnImageSetNodeBase *> along;
+    for (const PaintNodes::Part &part : made.mid(1))
+        along.append(part.node);
+    m_session->setAlong(along);
+    // A stroke changes nothing but the color until one says what else.
+    for (const PaintNodes::Part &part : made.mid(1))
+        m_session->setColorAlong(part.node, OssColor(part.usual, part.usual, part.usual));
     refresh();
 }
 
@@ -372,27 +408,20 @@ void PaintBar::makeNode()
     if (!viewer)
         return;
     OssSolo::instance()->end(); // the paint lies over what the viewer shows
-    OssUndoManager::AutoMacro macro(tr("New Paint"));
-    OssSnBaseNode *paint = network->createPaintableNode({});
-    if (!paint)
-        return;
     const QString input = QString::number(network->rootNetwork()->viewerNodeCurrentEdge());
-    OssSnBaseNode *shown = viewer->inputNode(input);
-    if (!shown || shown->network() != network) {
-        viewer->setInputNode(input, paint, paint->prefferedOutputPoint());
-        PaintNodes::placeLeftOf(viewer, paint);
-    } else {
-        const QString output = viewer->inputOutputPoint(input);
-        OssSnBaseNode *merge = network->createNode(QStringLiteral("Layer/Merge"), {});
-        merge->setInputNode(QStringLiteral("Base"), shown, output);
-        merge->setInputNode(QStringLiteral("Over"), paint, paint->prefferedOutputPoint());
-        viewer->setInputNode(input, merge, merge->prefferedOutputPoint());
-        PaintNodes::placeLeftOf(viewer, merge);
-        PaintNodes::placeLeftOf(merge, paint);
-    }
-    OssShaderNetworkManager::instance()->requestSight(paint);
-    if (m_session->setAlong({}))
-        m_session->setNode(qobject_cast<OssSnImageSetNodeBase *>(paint));
+    const OssSnBaseNode *shown = viewer->inputNode(input);
+    // No paint lies over a whole material: over its color it does.
+    const bool isMaterial = shown && givesMaterial(*shown, viewer->inputOutputPoint(input));
+    OssSnBaseNode *fed = isMaterial ? PaintNodes::shownShader(network) : viewer;
+    OssSnImageSetNodeBase *paint = nullptr;
+    if (fed)
+        paint = PaintNodes::putOver(fed, isMaterial ? QStringLiteral("Base Color") : input);
+    if (!paint)
+        OssStatusManager::instance()->showMessage(
+            tr("\"%1\" has no color that paint could lie over")
+                .arg(shown ? shown->name() : QString()));
+    if (paint && m_session->setAlong({}))
+        m_session->setNode(paint);
 }
 
 void PaintBar::showState()

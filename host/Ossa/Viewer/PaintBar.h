@@ -4,12 +4,14 @@
 
 #include <QColor>
 #include <QPointer>
+#include <QTimer>
 #include <QWidget>
 
 #include <functional>
 #include <optional>
 #include <tuple>
 
+class OssShaderNetwork;
 class OssSnBaseNode;
 class OssSnImageSetNodeBase;
 class PaintSession;
@@ -50,6 +52,7 @@ private:
     QHBoxLayout *makeToolRow();
     QSpinBox *makeField(const QString &prefix, const QString &suffix, int least, int most,
                         const QString &name);
+    void followSelection(const OssShaderNetwork *network);
     void chooseNode(int index);
     void showAlong();
     QWidget *makeColorAlong(OssSnImageSetNodeBase *node);
@@ -76,6 +79,8 @@ private:
     QToolButton *m_clear;
     QToolButton *m_bake;
     QLabel *m_hint;
+    QPointer<const OssShaderNetwork> m_followed; ///< whose selection is heard of
+    QTimer m_selectionSeen;
     QVector<QPointer<OssSnImageSetNodeBase>> m_selected; ///< paint nodes when it was last looked
     QVector<std::tuple<const void *, QString, bool>> m_shownAlong; ///< nodes, and whether scalar
     QVector<std::function<void()>> m_showColors;                   ///< of these

@@ -106,7 +106,14 @@ void DeviceCopies::texels(const std::shared_ptr<const OssRdMaterial::Texels> &te
     glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
     glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA16F, texels->size, texels->size, 0, GL_RGBA,
                  GL_HALF_FLOAT, texels->rgba.data());
-    glGenerateMipmap(GL_TEXTURE_2D);
+    int size = texels->size;
+    for (std::size_t i = 0; i < texels->smaller.size(); ++i) {
+        size /= 2;
+        glTexImage2D(GL_TEXTURE_2D, GLint(i) + 1, GL_RGBA16F, size, size, 0, GL_RGBA, GL_HALF_FLOAT,
+                     texels->smaller[i].data());
+    }
+    if (texels->smaller.empty())
+        glGenerateMipmap(GL_TEXTURE_2D);
     filter(GL_TEXTURE_2D, GL_LINEAR_MIPMAP_LINEAR, GL_CLAMP_TO_EDGE);
 }
 

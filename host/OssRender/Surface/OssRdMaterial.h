@@ -24,6 +24,8 @@ struct OssRdMaterial
     {
         int size = 0;
         std::vector<std::uint16_t> rgba;
+        /// Copies of it, each half the size of the one before (OssRdMips); none: whoever draws makes them.
+        std::vector<std::vector<std::uint16_t>> smaller;
         /// Of a colour map: nothing shines through.
         bool isOpaque = false;
     };

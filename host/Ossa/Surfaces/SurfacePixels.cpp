@@ -2,6 +2,7 @@
 
 #include "OssEvaluation/Values/OssEvHalf.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
+#include "OssRender/Surface/OssRdMips.h"
 
 #include <QCoreApplication>
 #include <QPointer>
@@ -83,10 +84,26 @@ struct SurfacePixels::Picture
         return true;
     }
 
+    /// When all tiles are there. Takes a while.
+    void finish(const std::shared_ptr<const OssEvMesh> &mesh, int patch)
+    {
+        isOneValue = isEven();
+        const int size = texels->size;
+        if (isOneValue)
+            return;
+        texels->isOpaque = isOpaque();
+        if ((size & (size - 1)) != 0)
+            return;
+        OssRdMips<std::uint16_t> mips(size, OssRdCoverageStore::instance()->get(mesh, patch));
+        mips.update({0, 0, size, size}, [this, size](int y) {
+            return &texels->rgba[std::size_t(y) * std::size_t(size) * 4];
+        });
+        texels->smaller = mips.take();
+    }
+
     void fill(OssRdMaterial::Channel4 *channels) const
     {
-        if (!isEven()) {
-            texels->isOpaque = isOpaque();
+        if (!isOneValue) {
             channels->texels = texels;
             return;
         }
@@ -96,12 +113,14 @@ struct SurfacePixels::Picture
     }
 
     std::shared_ptr<OssRdMaterial::Texels> texels;
+    bool isOneValue = false;
 };
 
 SurfacePixels::SurfacePixels(QObject *parent)
     : QObject(parent)
 {
     m_planner.setMaxThreadCount(1);
+    m_finisher.setMaxThreadCount(1);
     m_look.setSingleShot(true);
     m_look.setInterval(lookTime);
     connect(&m_look, &QTimer::timeout, this, &SurfacePixels::startWaiting);
@@ -224,31 +243,44 @@ void SurfacePixels::start(const Place &place, int resolution)
     };
     request.onFinished = [self = QPointer<SurfacePixels>(this), generation = m_generation, place,
                           picture](const OssEvOutcome &outcome) {
-        QMetaObject::invokeMethod(
-            qApp,
-            [=] {
-                if (self)
-                    self->finish(generation, place, picture, outcome);
-            },
-            Qt::QueuedConnection);
+        const auto use = [=] {
+            if (!self || generation != self->m_generation)
+                return;
+            if (outcome.ok())
+                self->finish(place, picture);
+            else
+                self->fail(outcome.error);
+        };
+        QMetaObject::invokeMethod(qApp, use, Qt::QueuedConnection);
     };
     m_running.push_back(
         {OssEvaluationService::instance()->engine()->start(std::move(request)), place});
 }
 
-void SurfacePixels::finish(int generation, const Place &place,
-                           const std::shared_ptr<Picture> &picture, const OssEvOutcome &outcome)
+void SurfacePixels::fail(const std::string &reason)
 {
-    if (generation != m_generation)
-        return;
-    if (!outcome.ok()) {
-        m_problem = QString::fromStdString(outcome.error);
-        stop(); // the others have the same fault, or wait in vain
-        m_known.clear();
-        Q_EMIT changed();
-        Q_EMIT finished();
-        return;
-    }
+    m_problem = QString::fromStdString(reason);
+    stop(); // the others have the same fault, or wait in vain
+    m_known.clear();
+    Q_EMIT changed();
+    Q_EMIT finished();
+}
+
+void SurfacePixels::finish(const Place &place, const std::shared_ptr<Picture> &picture)
+{
+    m_finisher.start([self = QPointer<SurfacePixels>(this), generation = m_generation, place,
+                      picture, mesh = m_maps.mesh()] {
+        picture->finish(mesh, place.first);
+        const auto use = [=] {
+            if (self && generation == self->m_generation)
+                self->take(place, *picture);
+        };
+        QMetaObject::invokeMethod(qApp, use, Qt::QueuedConnection);
+    });
+}
+
+void SurfacePixels::take(const Place &place, const Picture &picture)
+{
     const auto isDone = [&place](const Running &running) {
         return running.place == place;
     };
@@ -256,8 +288,8 @@ void SurfacePixels::finish(int generation, const Place &place,
     OssRdMaterial &material = m_materials[place.first];
     material.reach = m_maps.reach();
     material.height = m_maps.height();
-    picture->fill(&material.maps[std::size_t(place.second)]);
-    const int size = picture->texels->size;
+    picture.fill(&material.maps[std::size_t(place.second)]);
+    const int size = picture.texels->size;
     m_known[place].resolution = size;
     // A small map that is one value everywhere may be so by chance.
     if (size < m_resolution) {

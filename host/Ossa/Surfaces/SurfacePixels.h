@@ -84,8 +84,11 @@ private:
     void begin(const std::vector<Planned> &all);
     void start(const Place &place, int resolution);
     void startWaiting();
-    void finish(int generation, const Place &place, const std::shared_ptr<Picture> &picture,
-                const OssEvOutcome &outcome);
+    void fail(const std::string &reason);
+    /// All tiles of a map are there.
+    void finish(const Place &place, const std::shared_ptr<Picture> &picture);
+    /// And all that is made of them.
+    void take(const Place &place, const Picture &picture);
 
     OssSurfaceMaps m_maps;
     int m_resolution = 0;
@@ -101,5 +104,6 @@ private:
     int m_toDo = 0; ///< of this picture, in parts of the work
     int m_done = 0;
     QString m_problem;
-    QThreadPool m_planner; ///< for many patches it takes longer than a frame
+    QThreadPool m_planner;  ///< for many patches it takes longer than a frame
+    QThreadPool m_finisher; ///< has a look at all texels of what comes
 };

@@ -17,6 +17,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <limits>
 
 // Outside of any namespace, as Qt wants it.
@@ -209,51 +210,83 @@ void ObjectRenderer::setPatches(const QList<int> &patches, int resolution)
     const int size = textureSize(patches.size(), resolution);
     if (!makeCurrent())
         return;
-    for (auto at = m_textures.begin(); at != m_textures.end();) {
-        if (size == m_size && patches.contains(at.key()))
-            ++at;
-        else
-            at = m_textures.erase(at);
-    }
+    for (auto at = m_textures.begin(); at != m_textures.end();)
+        at = size == m_size && patches.contains(at->first) ? std::next(at) : m_textures.erase(at);
     m_size = size;
     m_context->doneCurrent();
+}
+
+ObjectRenderer::Texture &ObjectRenderer::textureOf(int patch, bool *isNew)
+{
+    Texture &texture = m_textures[patch];
+    const OssRdCoverage::Pointer coverage = OssRdCoverageStore::instance()->find(m_mesh, patch);
+    *isNew = !texture.texels || coverage != texture.coverage;
+    if (!*isNew)
+        return texture;
+    texture.coverage = coverage;
+    if (coverage && (m_size & (m_size - 1)) == 0)
+        texture.mips = std::make_unique<OssRdMips<std::uint8_t>>(m_size, coverage);
+    if (texture.texels)
+        return texture;
+    texture.texels = std::make_shared<QOpenGLTexture>(QOpenGLTexture::Target2D);
+    QOpenGLTexture &made = *texture.texels;
+    made.setFormat(QOpenGLTexture::RGBA8_UNorm);
+    made.setSize(m_size, m_size);
+    made.setMipLevels(made.maximumMipLevels());
+    made.setAutoMipMapGenerationEnabled(false);
+    made.allocateStorage(QOpenGLTexture::RGBA, QOpenGLTexture::UInt8);
+    made.setMinMagFilters(QOpenGLTexture::LinearMipMapLinear, QOpenGLTexture::Linear);
+    made.setWrapMode(QOpenGLTexture::ClampToEdge);
+    return texture;
+}
+
+bool ObjectRenderer::lacksCoverage(int patch) const
+{
+    const auto found = m_textures.find(patch);
+    return found != m_textures.end() && !found->second.coverage;
 }
 
 void ObjectRenderer::update(int patch, const QImage &picture, const QRect &area)
 {
     if (picture.isNull() || area.isEmpty() || m_size <= 0 || !makeCurrent())
         return;
-    std::shared_ptr<QOpenGLTexture> &texture = m_textures[patch];
-    QRect wanted = area & picture.rect();
-    if (!texture) {
-        texture = std::make_shared<QOpenGLTexture>(QOpenGLTexture::Target2D);
-        texture->setFormat(QOpenGLTexture::RGBA8_UNorm);
-        texture->setSize(m_size, m_size);
-        texture->setMipLevels(texture->maximumMipLevels());
-        texture->setAutoMipMapGenerationEnabled(false);
-        texture->allocateStorage(QOpenGLTexture::RGBA, QOpenGLTexture::UInt8);
-        texture->setMinMagFilters(QOpenGLTexture::LinearMipMapLinear, QOpenGLTexture::Linear);
-        texture->setWrapMode(QOpenGLTexture::ClampToEdge);
-        wanted = picture.rect();
-    }
-    // Whole pixels of the texture.
+    bool isNew = false;
+    const Texture &texture = textureOf(patch, &isNew);
+    const QRect wanted = isNew ? picture.rect() : area & picture.rect();
+    // Whole pixels of the texture, and two by two, for each pair is one of the next copy.
     const int step = std::max(1, picture.width() / m_size);
-    const QRect to(QPoint(wanted.left() / step, wanted.top() / step),
-                   QPoint(wanted.right() / step, wanted.bottom() / step));
+    const QRect whole(0, 0, m_size, m_size);
+    const QRect to = QRect(QPoint((wanted.left() / step) & ~1, (wanted.top() / step) & ~1),
+                           QPoint((wanted.right() / step) | 1, (wanted.bottom() / step) | 1))
+                     & whole;
     QImage pixels = picture.copy(to.left() * step, to.top() * step, to.width() * step,
                                  to.height() * step);
     if (step > 1)
         pixels = pixels.scaled(to.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-    pixels = pixels.convertToFormat(QImage::Format_RGBA8888_Premultiplied);
+    upload(texture, pixels.convertToFormat(QImage::Format_RGBA8888_Premultiplied), to);
+    if (!texture.mips && !m_withoutMipmaps.contains(patch))
+        m_withoutMipmaps.append(patch);
+    m_context->doneCurrent();
+}
+
+void ObjectRenderer::upload(const Texture &texture, const QImage &pixels, const QRect &to)
+{
     QOpenGLFunctions *gl = m_context->functions();
-    texture->bind();
+    texture.texels->bind();
     gl->glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
     gl->glTexSubImage2D(GL_TEXTURE_2D, 0, to.x(), to.y(), to.width(), to.height(), GL_RGBA,
                         GL_UNSIGNED_BYTE, pixels.constBits());
-    texture->release();
-    if (!m_withoutMipmaps.contains(patch))
-        m_withoutMipmaps.append(patch);
-    m_context->doneCurrent();
+    std::vector<OssEvRegion> changed;
+    if (texture.mips)
+        changed = texture.mips->update({to.x(), to.y(), to.width(), to.height()},
+                                       [&](int y) { return pixels.constScanLine(y - to.y()); });
+    for (std::size_t level = 0; level < changed.size(); ++level) {
+        const OssEvRegion &part = changed[level];
+        const std::vector<std::uint8_t> texels = texture.mips->texels(int(level), part);
+        gl->glTexSubImage2D(GL_TEXTURE_2D, GLint(level) + 1, part.x, part.y, part.width,
+                            part.height, GL_RGBA, GL_UNSIGNED_BYTE, texels.data());
+    }
+    texture.texels->release();
 }
 
 // --- drawing
@@ -261,9 +294,9 @@ void ObjectRenderer::update(int patch, const QImage &picture, const QRect &area)
 void ObjectRenderer::makeMipmaps()
 {
     for (const int patch : qAsConst(m_withoutMipmaps)) {
-        const std::shared_ptr<QOpenGLTexture> texture = m_textures.value(patch);
-        if (texture)
-            texture->generateMipMaps();
+        const auto found = m_textures.find(patch);
+        if (found != m_textures.end() && !found->second.mips)
+            found->second.texels->generateMipMaps();
     }
     m_withoutMipmaps.clear();
 }
@@ -321,7 +354,8 @@ void ObjectRenderer::drawParts(const View &view)
     m_program->setUniformValue("isLit", view.isLit);
     m_program->setUniformValue("picture", 0);
     for (const Part &part : m_parts) {
-        const std::shared_ptr<QOpenGLTexture> texture = m_textures.value(part.patch);
+        const auto found = m_textures.find(part.patch);
+        QOpenGLTexture *texture = found != m_textures.end() ? found->second.texels.get() : nullptr;
         m_program->setUniformValue("hasPicture", texture != nullptr);
         m_program->setUniformValue("patchOrigin", QVector2D(float(OssEvPatch::column(part.patch)),
                                                             float(OssEvPatch::row(part.patch))));

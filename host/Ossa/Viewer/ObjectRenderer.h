@@ -1,11 +1,14 @@
 #pragma once
 
+#include "OssRender/Surface/OssRdMips.h"
+
 #include <QColor>
-#include <QHash>
 #include <QImage>
 #include <QMatrix4x4>
 #include <QVector3D>
 
+#include <cstdint>
+#include <map>
 #include <memory>
 #include <vector>
 
@@ -22,7 +25,8 @@ class QOpenGLTexture;
 /// a window has Qt compose the whole window with OpenGL, which without a GPU is slow everywhere.
 ///
 /// Textures take at most textureBytes: one patch up to 2048 pixels, several up to 1024 each, and so
-/// many that it would not be enough smaller ones. They have mip levels. GUI thread.
+/// many that it would not be enough smaller ones. They have mip levels, without what lies between charts
+/// where that is known. GUI thread.
 class ObjectRenderer
 {
 public:
@@ -59,8 +63,11 @@ public:
 
     /// Forgets the textures of other patches; `resolution` is that of the pictures to come.
     void setPatches(const QList<int> &patches, int resolution);
-    /// Takes an area of a patch's picture over.
+    /// Takes an area of a patch's picture over; all of it where the patch's coverage has become known since.
     void update(int patch, const QImage &picture, const QRect &area);
+
+    /// Whether a patch has smaller copies that were made without knowing what is covered.
+    bool lacksCoverage(int patch) const;
 
     /// Null when nothing can be drawn.
     QImage render(const View &view);
@@ -74,6 +81,15 @@ private:
         int count = 0;
     };
 
+    struct Texture
+    {
+        std::shared_ptr<QOpenGLTexture> texels;
+        OssRdCoverage::Pointer coverage;
+        std::unique_ptr<OssRdMips<std::uint8_t>> mips; ///< null where OpenGL makes them
+    };
+
+    Texture &textureOf(int patch, bool *isNew);
+    void upload(const Texture &texture, const QImage &pixels, const QRect &to);
     bool makeCurrent();
     bool start();
     void fail(const QString &reason);
@@ -89,7 +105,7 @@ private:
     std::unique_ptr<QOpenGLFramebufferObject> m_target;
     std::unique_ptr<QOpenGLBuffer> m_vertices;
     std::unique_ptr<QOpenGLBuffer> m_indices;
-    QHash<int, std::shared_ptr<QOpenGLTexture>> m_textures;
+    std::map<int, Texture> m_textures;
     QList<int> m_withoutMipmaps;
     std::shared_ptr<const OssEvMesh> m_mesh;
     std::vector<Part> m_parts;

@@ -39,6 +39,8 @@ ObjectView::ObjectView(const ViewerPictures *pictures, QWidget *parent)
     connect(&m_frame, &QTimer::timeout, this, &ObjectView::redraw);
     connect(pictures, &ViewerPictures::began, this, &ObjectView::begin);
     connect(pictures, &ViewerPictures::changed, this, &ObjectView::noteChange);
+    connect(&m_coverage, &PatchCoverage::ready, this,
+            [this](int patch) { noteChange(patch, m_pictures->picture(patch).rect()); });
     startLight();
     begin();
 }
@@ -112,6 +114,8 @@ bool ObjectView::takePictures()
     while (!m_stale.isEmpty() && spent.elapsed() < uploadTime) {
         const auto first = m_stale.begin();
         m_renderer->update(first.key(), m_pictures->picture(first.key()), first.value());
+        if (m_renderer->lacksCoverage(first.key()))
+            m_coverage.want(m_mesh, first.key());
         m_stale.erase(first);
     }
     return m_stale.isEmpty();

@@ -6,6 +6,7 @@
 #include "Ossa/Surfaces/LitScene.h"
 #include "Ossa/Surfaces/ObjectCamera.h"
 #include "Ossa/Viewer/ObjectRenderer.h"
+#include "Ossa/Viewer/PatchCoverage.h"
 #include "Ossa/Viewer/WipeLine.h"
 
 #include <QElapsedTimer>
@@ -129,6 +130,7 @@ private:
     std::unique_ptr<ObjectRenderer> m_renderer; ///< made when the view is first seen
     std::shared_ptr<const OssEvMesh> m_mesh;
     ObjectCamera m_camera;
+    PatchCoverage m_coverage;
     QHash<int, QRect> m_stale; ///< areas that the renderer has not got yet
     QTimer m_frame;
     QImage m_image;

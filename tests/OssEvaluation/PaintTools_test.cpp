@@ -199,6 +199,32 @@ TEST_F(PaintTools, picturesRepeatOverPatchesAndStencilsLetPaintThrough)
     expectColor(at(160, 128), {1, 0, 0, 1}, 0.01F);
 }
 
+TEST_F(PaintTools, masksLetThroughWhereTheyAreBright)
+{
+    // Two tiles of a mask half as fine: bright red on the left, half of it in the right one.
+    OssEvPaintMask mask({1001}, Resolution / 2);
+    constexpr OssEvWorkingSpace::Weights weights{0.5F, 0.25F, 0.25F};
+    const OssEvTile red(4, OssEvTile::Format::Half, {2.0F, 0.0F, 0.0F, 1.0F});
+    const OssEvTile low(1, OssEvTile::Format::Float, {0.5F});
+    mask.setTile(1001, 0, 0, red, weights);
+    EXPECT_FLOAT_EQ(mask.at(1001, 0.5, 0.5), 1.0F);
+    EXPECT_FLOAT_EQ(mask.at(1002, 0.5, 0.5), 0.0F);
+    mask.setTile(1001, 0, 0, low, weights);
+    EXPECT_NEAR(mask.at(1001, 0.1, 0.9), 0.5F, 1e-4F);
+    mask.setTile(1002, 0, 0, red, weights);
+    EXPECT_FLOAT_EQ(mask.at(1002, 0.5, 0.5), 0.0F) << "not a patch of its";
+    OssEvBrush brush = colored(1.0F, 1.0F, 0.0F);
+    brush.mask = std::make_shared<OssEvPaintMask>(mask);
+    draw(brush, {60.5F, 60.5F}, {60.5F, 60.5F});
+    expectColor(at(60, 60), {0.5F, 0.5F, 0.0F, 0.5F});
+    brush.mask = mask.turned();
+    draw(brush, {160.5F, 60.5F}, {240.5F, 60.5F});
+    expectColor(at(160, 60), {0.5F, 0.5F, 0.0F, 0.5F});
+    draw(brush, {20.5F, 200.5F}, {20.5F, 200.5F});
+    draw(brush, {20.5F, 200.5F}, {20.5F, 200.5F});
+    expectColor(at(20, 200), {0.75F, 0.75F, 0.0F, 0.75F});
+}
+
 TEST_F(PaintTools, whatIsPaintedAlreadyOrBareCanBeKept)
 {
     draw(colored(1, 0, 0), {60, 60}, {60, 60});

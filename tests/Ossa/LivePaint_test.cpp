@@ -7,6 +7,7 @@
 
 #include <QEventLoop>
 #include <QImage>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTimer>
 
@@ -193,6 +194,41 @@ TEST_F(LivePaint, watchedExportsHaveFreshPaintAndLeaveTheHistoryAlone)
     EXPECT_LT(red(), 255);
     EXPECT_TRUE(history()->canRedo());
     exports->setWatching(false);
+}
+
+TEST_F(LivePaint, anotherNodesPictureMasksStrokesAndIsFollowed)
+{
+    OssSnBaseNode *color = add("Procedural/Color");
+    color->setAttribute(text("Color"), QVariant::fromValue(OssColor(0.25, 0.25, 0.25, 1)));
+    PaintMask *mask = m_session->mask();
+    QSignalSpy changed(mask, &PaintMask::changed);
+    mask->setSource(color);
+    EXPECT_FALSE(m_session->begin(QPointF(0.5, 0.5))) << "it is not there yet";
+    EXPECT_TRUE(QTest::qWaitFor([&] { return mask->mask() != nullptr; }));
+    const auto alpha = [&] {
+        return shown(0.5, 0.5)[3];
+    };
+    dab();
+    EXPECT_NEAR(alpha(), 0.25F, 0.01F);
+    history()->undo();
+    mask->setInverted(true);
+    dab();
+    EXPECT_NEAR(alpha(), 0.75F, 0.01F);
+    history()->undo();
+    mask->setInverted(false);
+    changed.clear();
+    color->setAttribute(text("Color"), QVariant::fromValue(OssColor(1, 1, 1, 1)));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !changed.isEmpty(); }));
+    dab();
+    EXPECT_NEAR(alpha(), 1.0F, 0.01F);
+    history()->undo();
+    m_network->removeNodes({color});
+    EXPECT_EQ(mask->source(), nullptr);
+    dab();
+    EXPECT_NEAR(alpha(), 1.0F, 0.01F);
+    history()->undo();
+    history()->undo();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return mask->mask() != nullptr; }));
 }
 
 TEST_F(LivePaint, theFreshPaintOfARemovedNodeGoesAndComesWithIt)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OssEvaluation/OssEvaluation_export.h"
+#include "OssEvaluation/Paint/OssEvPaintMask.h"
 #include "OssEvaluation/Paint/OssEvPaintPicture.h"
 #include "OssEvaluation/Paint/OssEvStamp.h"
 
@@ -68,7 +69,8 @@ struct OSSEVALUATION_EXPORT OssEvBrush
     bool pressureCovers = false; ///< a light hand makes dabs cover less
     OssEvStamp::Pointer stamp;   ///< null: round
     Within within = Within::Everywhere;
-    OssEvStamp::Pointer stencil; ///< lies on the screen and lets paint through; null: none
+    OssEvPaintMask::Pointer mask; ///< lets more or less of everything through; null: all
+    OssEvStamp::Pointer stencil;  ///< lies on the screen and lets paint through; null: none
     /// From places of a stroke to the sheet on the screen that stencil and picture lie on, from -1 to 1 and
     /// y downwards: x' = s[0] x + s[1] y + s[2], y' = s[3] x + s[4] y + s[5].
     std::array<double, 6> toSheet{};

@@ -110,6 +110,11 @@ float OssEvStroke::limitOf(const Place &place, int index)
         limit = m_tiles.before().texel(place, index)[3];
     else if (m_brush.within == OssEvBrush::Within::Bare)
         limit = 1.0F - m_tiles.before().texel(place, index)[3];
+    if (m_brush.mask) {
+        const double across = m_tiles.buffer().resolution();
+        limit *= m_brush.mask->at(place.patch, (place.x * Size + index % Size + 0.5) / across,
+                                  (place.y * Size + index / Size + 0.5) / across);
+    }
     if (!m_brush.stencil)
         return std::clamp(limit, 0.0F, 1.0F);
     const glm::vec2 spot = onSheet(spotOf(place, index));

@@ -31,7 +31,7 @@ OssEvStrokeTiles::OssEvStrokeTiles(OssEvPaintBuffer *buffer, const OssEvBrush &b
     , m_start(*buffer)
     , m_before(&m_start, ground)
     , m_now(buffer, ground)
-    , m_isLimited(brush.within != OssEvBrush::Within::Everywhere || brush.stencil)
+    , m_isLimited(brush.within != OssEvBrush::Within::Everywhere || brush.stencil || brush.mask)
     , m_hasSources(brush.tool == OssEvBrush::Tool::Clone
                    || (brush.picture && !brush.erases() && !brush.changesColors()))
     , m_mode(brush.erases() || brush.changesColors() ? OssEvMergeRows::Normal : brush.blend)

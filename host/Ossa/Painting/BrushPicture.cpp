@@ -69,6 +69,7 @@ QImage BrushPicture::make(const Brush &brush, const QSize &size)
         paint.blend = 0;
         paint.within = OssEvBrush::Within::Everywhere;
         paint.stencil.reset();
+        paint.mask.reset();
         paint.pictureOn = OssEvBrush::PictureOn::Patches;
         OssEvPaintBuffer buffer(std::max(size.width(), size.height()));
         if (changes)

@@ -2,6 +2,7 @@
 
 #include "Ossa/Painting/PaintComposer.h"
 #include "Ossa/Painting/PaintJournal.h"
+#include "Ossa/Painting/PaintMask.h"
 #include "Ossa/Painting/PaintStart.h"
 #include "Ossa/Painting/PaintSurfaces.h"
 #include "OssCore/Undo/OssUndoManager.h"
@@ -79,6 +80,9 @@ public:
     /// The paint of node() as it is evaluated, without the stroke in hand; null: there is none.
     std::shared_ptr<const OssLivePaint> published() const;
 
+    /// Of all strokes.
+    PaintMask *mask() { return m_leader ? m_leader->mask() : &m_mask; }
+
     /// Texels across a patch of the paint.
     int texelsAcross() const;
 
@@ -155,7 +159,8 @@ private:
     bool prepare(const MakeStroke &make);
     MakeStroke flatStroke(const PaintStart &start);
     MakeStroke objectStroke(const OssEvSurfaceStroke::ViewPointer &view, const PaintStart &start);
-    OssEvBrush brushAt(const PaintStart &start) const;
+    OssEvBrush brushAt(const PaintStart &start);
+    bool canUse(const OssEvBrush &used, const PaintStart &start);
     void lookBeneath();
     static QString stepName();
     bool fillWith(const MakeStroke &make, const std::optional<OssEvStroke::Line> &line);
@@ -194,6 +199,7 @@ private:
     PaintJournal m_journal;
     PaintComposer m_composer;
     PaintSurfaces m_surfaces;
+    PaintMask m_mask;
     std::shared_ptr<OssEvPaintGround>
         m_ground;  ///< of what is painted on, for brushes that look there
     QTimer m_rest; ///< since the last change of the paint

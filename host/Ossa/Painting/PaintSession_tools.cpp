@@ -68,7 +68,7 @@ void PaintSession::wantSurface()
         m_surfaces.want(object, texelsAcross());
 }
 
-OssEvBrush PaintSession::brushAt(const PaintStart &start) const
+OssEvBrush PaintSession::brushAt(const PaintStart &start)
 {
     OssEvBrush used = Brushes::instance()->brush();
     const QTransform &sheet = start.toSheet;
@@ -81,7 +81,21 @@ OssEvBrush PaintSession::brushAt(const PaintStart &start) const
     used.toSheet = {sheet.m11(), sheet.m21(), sheet.dx(), sheet.m12(), sheet.m22(), sheet.dy()};
     if (start.cloneFrom)
         used.cloneFrom = {start.cloneFrom->x(), start.cloneFrom->y()};
+    used.mask = mask()->mask();
     return used;
+}
+
+/// Tells the user why not.
+bool PaintSession::canUse(const OssEvBrush &used, const PaintStart &start)
+{
+    if (used.tool == OssEvBrush::Tool::Clone && !start.cloneFrom) {
+        tell(tr("Ctrl and a click chooses whose colors are cloned"));
+        return false;
+    }
+    const QString problem = mask()->problem();
+    if (!problem.isEmpty())
+        tell(problem);
+    return problem.isEmpty();
 }
 
 /// Has the colours that are there at hand, if the brush depends on them.
@@ -129,10 +143,8 @@ PaintSession::MakeStroke PaintSession::flatStroke(const PaintStart &start)
 {
     return [this, start](OssEvPaintBuffer *buffer) -> std::unique_ptr<OssEvStroke> {
         OssEvBrush used = brushAt(start);
-        if (used.tool == OssEvBrush::Tool::Clone && !start.cloneFrom) {
-            tell(tr("Ctrl and a click chooses whose colors are cloned"));
+        if (!canUse(used, start))
             return nullptr;
-        }
         const std::shared_ptr<OssEvPaintSurface> object = hasRegion(used) ? surface() : nullptr;
         if (hasRegion(used) && !object) {
             wantSurface();
@@ -156,10 +168,8 @@ PaintSession::MakeStroke PaintSession::objectStroke(const OssEvSurfaceStroke::Vi
 {
     return [this, view, start](OssEvPaintBuffer *buffer) -> std::unique_ptr<OssEvStroke> {
         const OssEvBrush used = brushAt(start);
-        if (used.tool == OssEvBrush::Tool::Clone && !start.cloneFrom) {
-            tell(tr("Ctrl and a click chooses whose colors are cloned"));
+        if (!canUse(used, start))
             return nullptr;
-        }
         const std::shared_ptr<OssEvPaintSurface> object = surface();
         if (!object)
             return nullptr;

@@ -3,6 +3,7 @@
 #include "OssEvaluation/Paint/OssEvBrush.h"
 
 #include <QColor>
+#include <QIcon>
 #include <QPointer>
 #include <QTimer>
 #include <QWidget>
@@ -50,6 +51,9 @@ private:
     QHBoxLayout *makeNodeRow();
     QHBoxLayout *makeBrushRow();
     QHBoxLayout *makeToolRow();
+    void makeMaskMenu();
+    void maskBySelection();
+    void showMask();
     QSpinBox *makeField(const QString &prefix, const QString &suffix, int least, int most,
                         const QString &name);
     void followSelection(const OssShaderNetwork *network);
@@ -65,6 +69,10 @@ private:
     void applyBrush();
     void keepColor();
 
+    static QIcon swatch(const QColor &color);
+    /// Whether a field has this value, as far as it shows digits.
+    static bool isShown(const QDoubleSpinBox &field, double value);
+
     PaintSession *m_session;
     const ViewerSource *m_source;
     QComboBox *m_nodes;
@@ -76,6 +84,7 @@ private:
     QSpinBox *m_hardness;
     QSpinBox *m_opacity;
     QVector<std::function<void()>> m_showChoices; ///< one for each choice
+    QToolButton *m_mask;
     QToolButton *m_clear;
     QToolButton *m_bake;
     QLabel *m_hint;

@@ -1,0 +1,282 @@
+#include "Ossa/Viewer/PaintBar.h"
+
+#include "Ossa/Painting/PaintMask.h"
+#include "Ossa/Painting/PaintNodes.h"
+#include "Ossa/Painting/PaintSession.h"
+#include "OssCore/Program/OssStatusManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
+#include "OssCore/Values/OssColor.h"
+#include "OssModel/Evaluation/OssSolo.h"
+#include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Images/OssDisplayColor.h"
+#include "OssModel/Nodes/OssSnImageSetNodeBase.h"
+#include "OssModel/Objects/OssImageSet.h"
+
+#include <QColorDialog>
+#include <QComboBox>
+#include <QDoubleSpinBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QMenu>
+#include <QSignalBlocker>
+#include <QToolButton>
+
+#include <algorithm>
+
+// Which nodes are painted on, and which one masks strokes.
+
+namespace {
+
+constexpr double largestAlong = 1000.0;
+
+OssShaderNetwork *currentNetwork()
+{
+    return OssShaderNetworkManager::instance()->currentShaderNetwork();
+}
+
+bool givesMaterial(const OssSnBaseNode &node, const QString &output)
+{
+    const auto &points = node.outputPoints();
+    return std::any_of(points.cbegin(), points.cend(), [&](const auto &point) {
+        return point.name == output && point.kind == OssSnDataKind::Material;
+    });
+}
+
+} // namespace
+
+void PaintBar::makeMaskMenu()
+{
+    m_mask->setPopupMode(QToolButton::InstantPopup);
+    m_mask->setAccessibleName(tr("Mask"));
+    m_mask->setToolTip(
+        tr("Strokes paint where a node is bright: select one in the graph and choose it here"));
+    auto *menu = new QMenu(m_mask);
+    menu->addAction(tr("Mask by Selected Node"), this, &PaintBar::maskBySelection);
+    QAction *inverted = menu->addAction(tr("Inverted"));
+    inverted->setCheckable(true);
+    connect(inverted, &QAction::toggled, m_session->mask(), &PaintMask::setInverted);
+    QAction *none = menu->addAction(tr("No Mask"), this,
+                                    [this] { m_session->mask()->setSource(nullptr); });
+    connect(menu, &QMenu::aboutToShow, this, [this, inverted, none] {
+        inverted->setChecked(m_session->mask()->isInverted());
+        none->setEnabled(m_session->mask()->source() != nullptr);
+    });
+    m_mask->setMenu(menu);
+    connect(m_session->mask(), &PaintMask::changed, this, &PaintBar::showMask);
+    showMask();
+}
+
+void PaintBar::maskBySelection()
+{
+    const OssShaderNetwork *network = currentNetwork();
+    const QList<OssSnBaseNode *> nodes = network ? network->getAllNodes()
+                                                 : QList<OssSnBaseNode *>();
+    QList<OssSnBaseNode *> chosen;
+    for (OssSnBaseNode *node : nodes) {
+        if (node->selected() && !OssSolo::pictureOutput(node).isEmpty())
+            chosen.append(node);
+    }
+    if (chosen.size() == 1)
+        m_session->mask()->setSource(chosen.first());
+    else
+        OssStatusManager::instance()->showMessage(
+            tr("Select the one node whose picture is to mask strokes"));
+}
+
+void PaintBar::showMask()
+{
+    const OssSnBaseNode *source = m_session->mask()->source();
+    const QString name = source ? source->name() : tr("None");
+    m_mask->setText(
+        tr("Mask: %1").arg(QString(name).replace(QLatin1Char('&'), QStringLiteral("&&"))));
+    if (source)
+        OssStatusManager::instance()->showMessage(m_session->mask()->problem());
+}
+
+void PaintBar::refresh()
+{
+    if (!isVisible())
+        return;
+    const OssShaderNetwork *network = currentNetwork();
+    followSelection(network);
+    const PaintNodes::Nodes selected = PaintNodes::selected(network);
+    PaintNodes::Nodes nodes = PaintNodes::all(network);
+    for (OssSnImageSetNodeBase *node : selected) {
+        if (!nodes.contains(node)) // it is in a group
+            nodes.append(node);
+    }
+    const QSignalBlocker blocker(m_nodes);
+    m_nodes->clear();
+    m_choices.clear();
+    for (OssSnImageSetNodeBase *node : nodes) {
+        m_nodes->addItem(node->name());
+        m_choices.append(node);
+    }
+    // A choice made here stands until others are selected.
+    const QVector<QPointer<OssSnImageSetNodeBase>> now(selected.cbegin(), selected.cend());
+    const bool follows = !selected.isEmpty() && now != m_selected;
+    m_selected = now;
+    OssSnImageSetNodeBase *wanted = m_session->node();
+    if (follows)
+        wanted = selected.first();
+    else if (!nodes.isEmpty() && !nodes.contains(wanted))
+        wanted = nodes.first();
+    // Never while something is being undone or made: leaving other paint may be an edit itself.
+    const OssUndoManager *history = OssUndoManager::instance();
+    if (history->isRecording() && !history->isMacroOpen()) {
+        if (!follows || m_session->setAlong({}))
+            m_session->setNode(wanted);
+        if (follows && m_session->node() == wanted)
+            m_session->setAlong(selected.mid(1));
+    }
+    showState();
+}
+
+void PaintBar::followSelection(const OssShaderNetwork *network)
+{
+    if (network == m_followed)
+        return;
+    if (m_followed)
+        disconnect(m_followed, nullptr, &m_selectionSeen, nullptr);
+    m_followed = network;
+    if (network)
+        connect(network, &OssShaderNetwork::selectionChanged, &m_selectionSeen,
+                qOverload<>(&QTimer::start));
+}
+
+void PaintBar::chooseNode(int index)
+{
+    // The list is made anew when something changes: what it names may have gone just now.
+    OssSnImageSetNodeBase *node = m_choices.value(index);
+    if (node && m_session->setAlong({}))
+        m_session->setNode(node);
+    refresh();
+}
+
+void PaintBar::makeLayer()
+{
+    OssSolo::instance()->end();
+    OssSnBaseNode *shader = PaintNodes::shownShader(currentNetwork());
+    if (!shader) {
+        OssStatusManager::instance()->showMessage(
+            tr("A layer lies over a material: connect one to the viewer"));
+        return;
+    }
+    const QVector<PaintNodes::Part> made = PaintNodes::makeLayer(shader);
+    if (made.isEmpty())
+        OssStatusManager::instance()->showMessage(
+            tr("\"%1\" takes none of color, roughness, metal and displacement")
+                .arg(shader->name()));
+    if (made.isEmpty() || !m_session->setAlong({}) || !m_session->setNode(made.first().node))
+        return;
+    QVector<OssSnImageSetNodeBase *> along;
+    for (const PaintNodes::Part &part : made.mid(1))
+        along.append(part.node);
+    m_session->setAlong(along);
+    // A stroke changes nothing but the color until one says what else.
+    for (const PaintNodes::Part &part : made.mid(1))
+        m_session->setColorAlong(part.node, OssColor(part.usual, part.usual, part.usual));
+    refresh();
+}
+
+/// The other nodes, each with what strokes leave on it.
+void PaintBar::showAlong()
+{
+    decltype(m_shownAlong) now;
+    const QVector<OssSnImageSetNodeBase *> nodes = m_session->along();
+    for (OssSnImageSetNodeBase *node : nodes)
+        now.append({node, node->name(), node->imageSet() && node->imageSet()->isScalar()});
+    if (now != m_shownAlong) {
+        m_shownAlong = now;
+        m_showColors.clear();
+        while (QLayoutItem *item = m_along->takeAt(0)) {
+            if (item->widget())
+                item->widget()->deleteLater();
+            delete item;
+        }
+        if (!nodes.isEmpty())
+            m_along->addWidget(new QLabel(tr("Along with it"), this));
+        for (OssSnImageSetNodeBase *node : nodes) {
+            const bool isScalar = node->imageSet() && node->imageSet()->isScalar();
+            m_along->addWidget(isScalar ? makeNumberAlong(node) : makeColorAlong(node));
+        }
+        m_along->addStretch(1);
+    }
+    for (const auto &show : qAsConst(m_showColors))
+        show();
+}
+
+QWidget *PaintBar::makeColorAlong(OssSnImageSetNodeBase *node)
+{
+    auto *button = new QToolButton(this);
+    button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    button->setText(QString(node->name()).replace(QLatin1Char('&'), QStringLiteral("&&")));
+    button->setToolTip(tr("What each stroke leaves on \"%1\"").arg(node->name()));
+    const QPointer<OssSnImageSetNodeBase> painted = node;
+    connect(button, &QToolButton::clicked, this, [this, painted] {
+        if (painted)
+            pickColorAlong(painted);
+    });
+    m_showColors.append([this, button, painted] {
+        button->setIcon(swatch(OssDisplayColor::ofLinear(m_session->colorAlong(painted))));
+    });
+    return button;
+}
+
+QWidget *PaintBar::makeNumberAlong(OssSnImageSetNodeBase *node)
+{
+    auto *field = new QDoubleSpinBox(this);
+    field->setRange(-largestAlong, largestAlong);
+    field->setDecimals(3);
+    field->setSingleStep(0.05);
+    field->setPrefix(node->name() + QLatin1Char(' '));
+    field->setAccessibleName(node->name());
+    field->setToolTip(tr("What each stroke leaves on \"%1\"").arg(node->name()));
+    const QPointer<OssSnImageSetNodeBase> painted = node;
+    connect(field, qOverload<double>(&QDoubleSpinBox::valueChanged), this,
+            [this, painted](double value) {
+                if (painted)
+                    m_session->setColorAlong(painted, OssColor(value, value, value));
+            });
+    m_showColors.append([this, field, painted] {
+        const double value = m_session->colorAlong(painted).red();
+        const QSignalBlocker blocker(field);
+        if (!isShown(*field, value))
+            field->setValue(value);
+    });
+    return field;
+}
+
+void PaintBar::pickColorAlong(OssSnImageSetNodeBase *node)
+{
+    const QPointer<OssSnImageSetNodeBase> painted = node;
+    const QColor picked = QColorDialog::getColor(
+        OssDisplayColor::ofLinear(m_session->colorAlong(node)), this,
+        tr("Color on \"%1\"").arg(node->name()));
+    if (picked.isValid() && painted)
+        m_session->setColorAlong(painted, OssDisplayColor::toLinear(picked));
+}
+
+void PaintBar::makeNode()
+{
+    OssShaderNetwork *network = currentNetwork();
+    OssSnBaseNode *viewer = network ? network->viewerNode() : nullptr;
+    if (!viewer)
+        return;
+    OssSolo::instance()->end(); // the paint lies over what the viewer shows
+    const QString input = QString::number(network->rootNetwork()->viewerNodeCurrentEdge());
+    const OssSnBaseNode *shown = viewer->inputNode(input);
+    // No paint lies over a whole material: over its color it does.
+    const bool isMaterial = shown && givesMaterial(*shown, viewer->inputOutputPoint(input));
+    OssSnBaseNode *fed = isMaterial ? PaintNodes::shownShader(network) : viewer;
+    OssSnImageSetNodeBase *paint = nullptr;
+    if (fed)
+        paint = PaintNodes::putOver(fed, isMaterial ? QStringLiteral("Base Color") : input);
+    if (!paint)
+        OssStatusManager::instance()->showMessage(
+            tr("\"%1\" has no color that paint could lie over")
+                .arg(shown ? shown->name() : QString()));
+    if (paint && m_session->setAlong({}))
+        m_session->setNode(paint);
+}

@@ -168,6 +168,15 @@ bool OssEvPaintView::isSeen(const OssEvPaintSurface &surface, const glm::vec3 &p
     return !hit || distance >= glm::length(place - m_eye) * (1.0F - Slack);
 }
 
+std::vector<std::uint8_t> &OssEvPaintView::noteOf(
+    const std::shared_ptr<const OssEvPaintSurface> &surface,
+    const OssEvPaintBuffer::Place &tile) const
+{
+    std::vector<std::uint8_t> &note = m_notes[surface][tile];
+    note.resize(OssEvPaintTile::Texels);
+    return note;
+}
+
 std::optional<glm::vec2> OssEvPaintView::uvAt(const OssEvPaintSurface &surface, double x,
                                               double y) const
 {

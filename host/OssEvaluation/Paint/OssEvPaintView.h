@@ -1,12 +1,15 @@
 #pragma once
 
 #include "OssEvaluation/OssEvaluation_export.h"
+#include "OssEvaluation/Paint/OssEvPaintBuffer.h"
 
 #include <glm/mat4x4.hpp>
 #include <glm/vec2.hpp>
 #include <glm/vec3.hpp>
 
 #include <cstdint>
+#include <map>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -15,7 +18,7 @@ class OssEvPaintSurface;
 /// Where an object is looked at from while it is painted on, and how deep what is seen lies: so that
 /// paint reaches nothing that is hidden. Places in pixels from the lower left corner.
 ///
-/// Immutable. Measuring depths takes some 50 ns for each triangle.
+/// Immutable, but for what strokes note. Measuring depths takes some 50 ns for each triangle.
 class OSSEVALUATION_EXPORT OssEvPaintView
 {
 public:
@@ -41,6 +44,11 @@ public:
     /// Whether nothing lies before a place of the surface that was drawn.
     bool isSeen(const OssEvPaintSurface &surface, const glm::vec3 &place) const;
 
+    /// What strokes from here found out of the texels of one of the surface's tiles, 0 where they found nothing yet:
+    /// the next ones need not look again. One thread at a time. Throws std::bad_alloc.
+    std::vector<std::uint8_t> &noteOf(const std::shared_ptr<const OssEvPaintSurface> &surface,
+                                      const OssEvPaintBuffer::Place &tile) const;
+
     /// Place in patches of what is seen, with the surface that was drawn; none beside it.
     std::optional<glm::vec2> uvAt(const OssEvPaintSurface &surface, double x, double y) const;
 
@@ -53,6 +61,8 @@ private:
                       std::int32_t number);
     float at(int x, int y) const;
 
+    using Notes = std::map<OssEvPaintBuffer::Place, std::vector<std::uint8_t>>;
+
     glm::mat4 m_toClip;
     int m_width;
     int m_height;
@@ -62,6 +72,7 @@ private:
     glm::vec3 m_alongX{}; ///< change of the ray by pixel
     glm::vec3 m_alongY{};
     float m_pixel = 0.0F;
-    std::vector<float> m_nearness;         ///< 1 by depth; 0 where nothing is seen
+    std::vector<float> m_nearness; ///< 1 by depth; 0 where nothing is seen
+    mutable std::map<std::weak_ptr<const OssEvPaintSurface>, Notes, std::owner_less<>> m_notes;
     std::vector<std::int32_t> m_triangles; ///< the one that is seen; -1: none
 };

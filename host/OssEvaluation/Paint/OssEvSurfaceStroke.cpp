@@ -217,7 +217,9 @@ OssEvSurfaceStroke::Tile &OssEvSurfaceStroke::tileAt(Side *side,
     if (!tile.texels) {
         tile.place = place;
         tile.texels = m_surface->tile(place);
-        tile.seen.assign(OssEvPaintTile::Texels, NotKnown);
+        if (!side->isOwn)
+            tile.own.assign(OssEvPaintTile::Texels, NotKnown);
+        tile.seen = side->isOwn ? m_view->noteOf(m_surface, place).data() : tile.own.data();
     }
     return tile;
 }

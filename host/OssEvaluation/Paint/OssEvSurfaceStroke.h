@@ -58,7 +58,8 @@ private:
         OssEvPaintBuffer::Place place;
         std::shared_ptr<const OssEvPaintSurface::Tile> texels;
         OssEvStrokeTiles::Tile *touched = nullptr;
-        std::vector<std::uint8_t> seen; ///< by texel: not known yet, seen, hidden
+        std::vector<std::uint8_t> own; ///< of a mirror's side
+        std::uint8_t *seen = nullptr;  ///< by texel: not known yet, seen, hidden
     };
 
     /// One side of the object's mirrors.

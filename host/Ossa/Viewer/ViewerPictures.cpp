@@ -102,24 +102,41 @@ void ViewerPictures::dropOlder(Patch *patch, const QRect &area, int generation)
 
 void ViewerPictures::compose(int number, Patch *patch, const QRect &area, Rows rows)
 {
-    std::vector<OssEvPaintTile::Texel> paint(tileSize);
-    std::vector<float> rgba(std::size_t(tileSize) * 4);
-    std::vector<QRgb> line(tileSize);
-    for (int y = area.top(); y <= area.bottom(); ++y) {
-        auto *pixels = reinterpret_cast<QRgb *>(patch->picture.scanLine(y));
-        for (int x = area.left(); x <= area.right();) {
-            bool isColor = true;
-            const Run run = readBeneath(*patch, x, y, area.right() + 1 - x, rgba.data(), &isColor);
-            const bool isPainted = readPaint(number, x, y, run, paint.data());
-            for (int i = 0; isPainted && i < run.count; ++i)
-                cover(paint[std::size_t(i)], &rgba[4 * std::size_t(i)]);
-            if (isPainted || rows == AllRows) {
-                ViewerPixels::show(rgba.data(), run.count, isColor, m_look, line.data());
-                std::transform(line.cbegin(), line.cbegin() + run.count, pixels + x,
-                               [](QRgb c) { return qPremultiply(c); });
-            }
-            x += run.count;
+    for (int y = area.top(); y <= area.bottom(); y += tileSize - y % tileSize) {
+        for (int x = area.left(); x <= area.right(); x += tileSize - x % tileSize) {
+            const QRect tile(x - x % tileSize, y - y % tileSize, tileSize, tileSize);
+            composeTile(number, patch, tile & area, rows);
         }
+    }
+}
+
+// What is shown of many texels at once takes less time than row by row.
+void ViewerPictures::composeTile(int number, Patch *patch, const QRect &area, Rows rows)
+{
+    const int width = area.width();
+    const auto rowSize = std::size_t(width) * 4;
+    std::vector<OssEvPaintTile::Texel> paint(tileSize);
+    std::vector<float> rgba(rowSize * std::size_t(area.height()));
+    std::vector<int> lines; ///< that are made anew
+    bool isColor = true;
+    for (int y = area.top(); y <= area.bottom(); ++y) {
+        float *row = &rgba[rowSize * lines.size()];
+        const Run run = readBeneath(*patch, area.left(), y, width, row, &isColor);
+        const bool isPainted = readPaint(number, area.left(), y, run, paint.data());
+        for (int i = 0; isPainted && i < run.count; ++i)
+            cover(paint[std::size_t(i)], &row[4 * std::size_t(i)]);
+        if (isPainted || rows == AllRows)
+            lines.push_back(y);
+    }
+    std::vector<QRgb> shown(std::size_t(width) * lines.size());
+    if (lines.empty())
+        return;
+    ViewerPixels::show(rgba.data(), int(shown.size()), isColor, m_look, shown.data());
+    auto from = shown.cbegin();
+    for (const int y : lines) {
+        auto *pixels = reinterpret_cast<QRgb *>(patch->picture.scanLine(y)) + area.left();
+        std::transform(from, from + width, pixels, [](QRgb c) { return qPremultiply(c); });
+        from += width;
     }
 }
 

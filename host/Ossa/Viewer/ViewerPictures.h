@@ -106,6 +106,7 @@ private:
 
     /// Makes the pixels of an area anew from values and paint.
     void compose(int number, Patch *patch, const QRect &area, Rows rows);
+    void composeTile(int number, Patch *patch, const QRect &area, Rows rows);
     Run readBeneath(const Patch &patch, int x, int y, int count, float *rgba, bool *isColor) const;
     static void dropOlder(Patch *patch, const QRect &area, int generation);
     bool readPaint(int number, int x, int y, const Run &run, std::array<float, 5> *paint) const;

@@ -105,11 +105,11 @@ void ViewerPixels::show(float *rgba, int count, bool isColor, const ViewerLook &
 QImage ViewerPixels::picture(const OssEvTile &tile, const ViewerLook &look)
 {
     QImage image(tileSize, tileSize, QImage::Format_ARGB32);
-    std::vector<float> row(std::size_t(4) * tileSize);
-    for (int y = 0; y < tileSize; ++y) {
-        read(tile, 0, y, tileSize, row.data());
-        show(row.data(), tileSize, tile.channels() > 1, look,
-             reinterpret_cast<QRgb *>(image.scanLine(y)));
-    }
+    constexpr int texels = tileSize * tileSize;
+    std::vector<float> rgba(std::size_t(4) * texels);
+    for (int y = 0; y < tileSize; ++y)
+        read(tile, 0, y, tileSize, &rgba[std::size_t(4) * tileSize * std::size_t(y)]);
+    // Rows of 32 bits lie one behind the other.
+    show(rgba.data(), texels, tile.channels() > 1, look, reinterpret_cast<QRgb *>(image.bits()));
     return image;
 }

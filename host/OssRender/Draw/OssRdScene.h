@@ -22,6 +22,11 @@ struct OssRdScene
         {
             return slots.empty() || std::find(slots.cbegin(), slots.cend(), slot) != slots.cend();
         }
+
+        friend bool operator==(const Object &a, const Object &b)
+        {
+            return a.geometry == b.geometry && a.materials == b.materials && a.slots == b.slots;
+        }
     };
 
     std::vector<Object> objects;
@@ -36,6 +41,14 @@ struct OssRdScene
     /// A light far away, which casts shadows; `keyLight` is its irradiance on what faces it, over pi.
     glm::vec3 toKeyLight{0.4F, 0.8F, 0.45F};
     glm::vec3 keyLight{0.0F};
+
+    /// Whether they look the same from everywhere, as far as is seen by what they share.
+    friend bool operator==(const OssRdScene &a, const OssRdScene &b)
+    {
+        return a.objects == b.objects && a.probe == b.probe && a.surrounding == b.surrounding
+               && a.turn == b.turn && a.intensity == b.intensity && a.toKeyLight == b.toKeyLight
+               && a.keyLight == b.keyLight;
+    }
 };
 
 /// How it is looked at.
@@ -73,4 +86,14 @@ struct OssRdView
     bool hasGroundShadow = true;
     bool hasWires = false;
     bool hidesBackFaces = false;
+
+    friend bool operator==(const OssRdView &a, const OssRdView &b)
+    {
+        return a.width == b.width && a.height == b.height && a.isSmooth == b.isSmooth
+               && a.isCoarse == b.isCoarse && a.mirrorSamples == b.mirrorSamples
+               && a.camera == b.camera && a.projection == b.projection && a.shows == b.shows
+               && a.behind == b.behind && a.ground == b.ground
+               && a.hasGroundShadow == b.hasGroundShadow && a.hasWires == b.hasWires
+               && a.hidesBackFaces == b.hidesBackFaces;
+    }
 };

@@ -34,6 +34,11 @@ struct OssRdMaterial
     {
         glm::vec4 value{0.0F};
         std::shared_ptr<const Texels> texels;
+
+        friend bool operator==(const Channel4 &a, const Channel4 &b)
+        {
+            return a.value == b.value && a.texels == b.texels;
+        }
     };
 
     /// How far a displacement of 1 stands out, in the world's lengths: for light, where 0 means that a
@@ -45,4 +50,9 @@ struct OssRdMaterial
                                      {{0.5F, 0.5F, 0.0F, 0.5F}, {}},
                                      {{0.0F, 0.0F, 0.0F, 1.0F}, {}},
                                      {{0.0F, 0.1F, 0.0F, 0.0F}, {}}}};
+
+    friend bool operator==(const OssRdMaterial &a, const OssRdMaterial &b)
+    {
+        return a.reach == b.reach && a.height == b.height && a.maps == b.maps;
+    }
 };

@@ -21,6 +21,12 @@ struct Screen
     double exposure = 0.0; ///< stops
     double gamma = 1.0;
     bool isData = false; ///< numbers as they are
+
+    friend bool operator==(const Screen &a, const Screen &b)
+    {
+        return a.colors == b.colors && a.display == b.display && a.view == b.view
+               && a.exposure == b.exposure && a.gamma == b.gamma && a.isData == b.isData;
+    }
 };
 
 /// ARGB32, premultiplied. Magenta where colours cannot be converted. Any thread; uses several.

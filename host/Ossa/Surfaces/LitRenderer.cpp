@@ -22,6 +22,15 @@ constexpr int passes = 4;
 
 } // namespace
 
+bool operator==(const LitRenderer::Request &a, const LitRenderer::Request &b)
+{
+    const auto isSame = [](const auto &one, const auto &other) {
+        return one == other || (one && other && *one == *other);
+    };
+    return a.view == b.view && a.screen == b.screen && a.isMoving == b.isMoving
+           && a.border == b.border && isSame(a.scene, b.scene) && isSame(a.beside, b.beside);
+}
+
 LitRenderer::LitRenderer(QObject *parent)
     : QObject(parent)
     , m_cancel(std::make_shared<OssEvCancel>())
@@ -44,6 +53,8 @@ void LitRenderer::draw(const Request &request)
 {
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
+        if (m_wanted.scene && m_wanted == request)
+            return;
         m_wanted = request;
         m_isWanted = true;
         m_cancel->cancel();

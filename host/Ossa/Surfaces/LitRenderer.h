@@ -30,12 +30,15 @@ public:
         /// What is seen left of a border, which is a part of the width; null: nothing.
         std::shared_ptr<const OssRdScene> beside = nullptr;
         float border = 0.0F;
+
+        /// Whether it gives the same picture.
+        friend bool operator==(const Request &a, const Request &b);
     };
 
     explicit LitRenderer(QObject *parent = nullptr);
     ~LitRenderer() override;
 
-    /// Takes the place of what was asked for before.
+    /// Takes the place of what was asked for before, unless that gives the same picture: then it goes on.
     void draw(const Request &request);
 
 Q_SIGNALS:

@@ -32,7 +32,8 @@ class OssSnNodeGraphViewContext
     Q_PROPERTY(int shapeType READ shapeType WRITE setShapeType)
     Q_PROPERTY(QString nodeColorTop READ nodeColorTop WRITE setNodeColorTop)
     Q_PROPERTY(QString nodeColorBottom READ nodeColorBottom WRITE setNodeColorBottom)
-    Q_PROPERTY(int portListMode READ portListModeAsInt WRITE setPortListMode)
+    Q_PROPERTY(
+        int portListMode READ portListModeAsInt WRITE setPortListMode RESET resetPortListMode)
     Q_PROPERTY(QString pixmapPath READ pixmapPath WRITE setPixmapPath)
     Q_PROPERTY(QPoint pixmapOffset READ pixmapOffset WRITE setPixmapOffset)
 
@@ -136,6 +137,8 @@ public Q_SLOTS:
     void setPortListMode(int mode);
 
     void setPortListMode(OssSnNodeGraphViewContextManager::DefaultMCMCollapsedState state);
+
+    void resetPortListMode() { setPortListMode(0); }
 
     QPointF nodePosition() const override;
     QSizeF nodeSize() const override;

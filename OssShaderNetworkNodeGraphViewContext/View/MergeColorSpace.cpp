@@ -136,7 +136,7 @@ QSet<OssSnBaseNode *> MergeColorSpace::mergesAbove(OssSnBaseNode *node)
     return {finder.merges.cbegin(), finder.merges.cend()};
 }
 
-void MergeColorSpace::setOfNew(OssSnBaseNode *merge)
+void MergeColorSpace::setBlendingColorspaceOnMergeNodeCreation(OssSnBaseNode *merge)
 {
     BakePointFinder finder;
     finder.walk(merge);

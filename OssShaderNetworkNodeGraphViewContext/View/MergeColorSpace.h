@@ -17,7 +17,7 @@ bool isOff(const OssSnBaseNode *node);
 QSet<OssSnBaseNode *> mergesAbove(OssSnBaseNode *node);
 
 /// Of a merge that nobody has set yet: as what is below it wants it.
-void setOfNew(OssSnBaseNode *merge);
+void setBlendingColorspaceOnMergeNodeCreation(OssSnBaseNode *merge);
 
 /// Sets the merges above what keeps 8-bit paint, except those that are known; asks before, as the
 /// preference says. Nothing for other nodes and null.

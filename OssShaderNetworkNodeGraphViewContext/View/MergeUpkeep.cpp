@@ -73,7 +73,7 @@ void MergeUpkeep::finish(bool kept)
     for (const Made &one : made) {
         // What the edit set itself stays.
         if (one.merge && one.merge->network() && MergeColorSpace::isOff(one.merge) == one.isOff)
-            MergeColorSpace::setOfNew(one.merge);
+            MergeColorSpace::setBlendingColorspaceOnMergeNodeCreation(one.merge);
     }
     for (const End &end : ends) {
         if (end.node && end.node->network())

@@ -1,5 +1,6 @@
 #include "OssEvaluation/Paint/OssEvPaintGround.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
+#include "OssModel/Images/OssLivePaint.h"
 #include "OssModel/Images/OssPixelStore.h"
 #include "PaintFixture.h"
 
@@ -77,9 +78,23 @@ TEST_F(PaintLayer, fourNodesLeaveTheHistoryAsOneDoesAndKeepTheirValues)
     history()->clear();
     ASSERT_TRUE(m_session->setAlong(others));
     m_session->setColorAlong(others.at(1), OssColor(0.25, 0.25, 0.25));
-    dab();
+    stroke({0.3, 0.4}, {0.6, 0.5});
     EXPECT_FALSE(history()->isMacroOpen());
     EXPECT_EQ(undoCount(), 1);
+    const auto row = [](const OssEvPaintBuffer &paint) {
+        std::vector<OssEvPaintTile::Texel> texels(Resolution);
+        EXPECT_TRUE(
+            paint.readRow(1001, Resolution, 0, Resolution * 55 / 100, Resolution, texels.data()));
+        return texels;
+    };
+    const auto own = row(m_session->buffer());
+    ASSERT_NE(others.at(1)->imageSet()->livePaint(), nullptr);
+    const auto along = row(others.at(1)->imageSet()->livePaint()->paint());
+    for (std::size_t i = 0; i < own.size(); ++i) {
+        EXPECT_EQ(along[i][3], own[i][3]) << "both are covered alike";
+        EXPECT_NEAR(along[i][1], 0.25F * own[i][3], 1e-3F);
+    }
+    EXPECT_EQ(own[Resolution / 2][3], 1.0F);
     history()->undo();
     EXPECT_FALSE(m_session->hasPaint());
     history()->redo();

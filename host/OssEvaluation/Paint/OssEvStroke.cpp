@@ -48,6 +48,22 @@ OssEvStroke::Areas OssEvStroke::finish()
     return areas;
 }
 
+bool OssEvStroke::isFollowedBy(const OssEvStroke &other) const
+{
+    using Brush = OssEvBrush;
+    const Brush::Within within = m_brush.within;
+    const bool looksBeneath = m_brush.changesColors() || m_brush.tool == Brush::Tool::Clone
+                              || within == Brush::Within::Painted || within == Brush::Within::Bare;
+    return !looksBeneath && m_brush.tool == other.m_brush.tool
+           && m_tiles.buffer().resolution() == other.m_tiles.buffer().resolution();
+}
+
+OssEvStroke::Areas OssEvStroke::follow(const OssEvStroke &leader, const Areas &areas)
+{
+    m_tiles.follow(leader.m_tiles, areas);
+    return m_tiles.update();
+}
+
 double OssEvStroke::putDab(const OssEvStrokePath::Point &place)
 {
     glm::vec2 way(0.0F);

@@ -31,6 +31,12 @@ public:
 
     std::vector<Change> changes() const { return m_tiles.changes(); }
 
+    /// Whether another stroke of the same shape and place covers just what this one does, whatever their colours
+    /// are: then it may follow() instead of going on by itself.
+    bool isFollowedBy(const OssEvStroke &other) const;
+    /// Covers what another stroke did in areas that moveTo() or finish() gave. Throws std::bad_alloc.
+    Areas follow(const OssEvStroke &leader, const Areas &areas);
+
     /// A straight line in the stroke's own coordinates.
     struct Line
     {

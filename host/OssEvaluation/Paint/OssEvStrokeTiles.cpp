@@ -143,6 +143,26 @@ void OssEvStrokeTiles::blendBatch(const OssEvPaintBuffer::Place &place, Tile *to
     batch->count = 0;
 }
 
+void OssEvStrokeTiles::follow(const OssEvStrokeTiles &others, const Areas &areas)
+{
+    for (const auto &[place, theirs] : others.m_touched) {
+        const auto area = areas.find(place.patch);
+        if (area == areas.end() || theirs.coverage.empty())
+            continue;
+        const OssEvRegion tile{place.x * Size, place.y * Size, Size, Size};
+        OssEvRegion part = area->second.intersected(tile);
+        if (part.isEmpty())
+            continue;
+        part.x -= tile.x;
+        part.y -= tile.y;
+        Tile &own = touch(place);
+        for (int y = part.y; y < part.bottom(); ++y)
+            std::copy_n(theirs.coverage.begin() + y * Size + part.x, part.width,
+                        own.coverage.begin() + y * Size + part.x);
+        own.stale = own.stale.united(part);
+    }
+}
+
 void OssEvStrokeTiles::tidy()
 {
     for (auto entry = m_touched.begin(); entry != m_touched.end();) {

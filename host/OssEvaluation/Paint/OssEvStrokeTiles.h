@@ -73,6 +73,9 @@ public:
     /// Brings the buffer up to date with what the texels are covered.
     Areas update();
 
+    /// Covers texels in areas as others cover them, of a buffer of the same size. Throws std::bad_alloc.
+    void follow(const OssEvStrokeTiles &others, const Areas &areas);
+
     /// Lets go of tiles that were touched in vain.
     void tidy();
 

@@ -229,6 +229,7 @@ bool PaintSession::prepare(const MakeStroke &make)
     m_stroke = make(&m_buffer);
     if (!m_stroke)
         return false;
+    m_follows = m_leader && m_leader->m_stroke && m_leader->m_stroke->isFollowedBy(*m_stroke);
     if (!m_leader) // whose step it is a part of
         m_macro = std::make_unique<OssUndoManager::AutoMacro>(stepName());
     m_everyMove = std::make_unique<EveryMove>();
@@ -242,7 +243,8 @@ bool PaintSession::begin(const PaintStart &start)
     for (PaintSession *along : inUse())
         along->begin(startOf(*along, start));
     m_lastPlace = start.place;
-    moveTo(start.place, start.pressure);
+    if (!m_follows)
+        moveTo(start.place, start.pressure);
     return true;
 }
 
@@ -253,7 +255,8 @@ bool PaintSession::beginOn(const OssEvSurfaceStroke::ViewPointer &view, const Pa
     for (PaintSession *along : inUse())
         along->beginOn(view, startOf(*along, start));
     m_lastPlace.reset(); // it is no place of a patch
-    moveTo(start.place, start.pressure);
+    if (!m_follows)
+        moveTo(start.place, start.pressure);
     return true;
 }
 
@@ -264,16 +267,27 @@ void PaintSession::moveTo(const QPointF &place, double pressure)
     if (m_lastPlace)
         m_lastPlace = place;
     for (PaintSession *along : inUse()) {
-        if (along->isPainting())
+        if (along->isPainting() && !along->m_follows)
             along->moveTo(place, pressure);
     }
     paint([&] { return m_stroke->moveTo(place.x(), place.y(), pressure); });
 }
 
+/// Where the stroke has covered more.
+void PaintSession::paintAlong(const OssEvStroke::Areas &areas)
+{
+    for (PaintSession *along : inUse()) {
+        if (along->isPainting() && along->m_follows)
+            along->paint([&] { return along->m_stroke->follow(*m_stroke, areas); });
+    }
+}
+
 void PaintSession::paint(const std::function<OssEvStroke::Areas()> &step)
 {
     try {
-        tellAreas(step());
+        const OssEvStroke::Areas areas = step();
+        tellAreas(areas);
+        paintAlong(areas);
         if (m_ground && !m_ground->state() && m_stroke) {
             cancel();
             OssStatusManager::instance()->showMessage(

@@ -170,6 +170,7 @@ private:
     /// False, and the user knows why, when it failed.
     bool bakeOrTell();
     void paint(const std::function<OssEvStroke::Areas()> &step);
+    void paintAlong(const OssEvStroke::Areas &areas);
     using Tiles = PaintJournal::Tiles;
 
     void tellAreas(const OssEvStroke::Areas &areas);
@@ -211,7 +212,8 @@ private:
     QHash<const OssImageSet *, OssColor> m_colorsAlong; ///< that were chosen
     PaintSession *m_leader = nullptr;                   ///< along which it is
     std::array<float, 3> m_ownColor{0.5F, 0.5F, 0.5F};  ///< instead of the brush's, with a leader
-    double m_scale = 1.0;                               ///< texels for one of the leader's
+    bool m_follows = false; ///< its stroke covers what the leader's does, and asks nobody else
+    double m_scale = 1.0;   ///< texels for one of the leader's
     mutable std::weak_ptr<const OssEvMesh> m_measured;
     mutable double m_meanTexel = 0.0;     ///< of what was measured, in a patch of one texel
     mutable QHash<QString, int> m_widths; ///< of pixel files, which never change

@@ -162,5 +162,5 @@ std::vector<OssEvRegion> OssRdMips<Value>::update(const OssEvRegion &area, const
     return changed;
 }
 
-template class OSSRENDER_EXPORT OssRdMips<std::uint8_t>;
-template class OSSRENDER_EXPORT OssRdMips<std::uint16_t>;
+template class OssRdMips<std::uint8_t>;
+template class OssRdMips<std::uint16_t>;

@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 OssNgRoomGesture::OssNgRoomGesture(OssNgGestureHost *host, Qt::MouseButton button,
                                    const QPointF &start)
@@ -24,44 +25,63 @@ OssNgRoomGesture::OssNgRoomGesture(OssNgGestureHost *host, Qt::MouseButton butto
     host->canvas()->setCursor(Qt::SizeAllCursor);
 }
 
+namespace {
+
+QRectF areaOf(const OssNgNode *node)
+{
+    const auto *backdrop = qobject_cast<const OssNgBackdropNode *>(node);
+    return (backdrop ? backdrop->rect() : node->boundingRect()).translated(node->pos());
+}
+
+void save(OssNgNode *node)
+{
+    node->savePosition();
+    if (auto *backdrop = qobject_cast<OssNgBackdropNode *>(node))
+        backdrop->saveBoundingRect();
+}
+
+} // namespace
+
 int OssNgRoomGesture::state() const
 {
     return OssNgGestureHost::MakingRoom;
 }
 
-// NOLINTNEXTLINE(readability-function-cognitive-complexity): one look at each item
+/// What moves or grows when there is room made at the line; a node that only reaches across stays.
+std::optional<OssNgRoomGesture::Part> OssNgRoomGesture::partOf(OssNgNode *node, qreal line) const
+{
+    const bool isBackdrop = qobject_cast<OssNgBackdropNode *>(node) != nullptr;
+    const QRectF area = areaOf(node);
+    const bool isAcross = startOf(area) < line;
+    if (isAcross && (!isBackdrop || endOf(area) <= line))
+        return {};
+    return Part{node, area, isAcross};
+}
+
 void OssNgRoomGesture::begin(bool down)
 {
     m_hasBegun = true;
     m_isDown = down;
     host()->canvas()->setCursor(down ? Qt::SplitVCursor : Qt::SplitHCursor);
     const qreal line = down ? m_start.y() : m_start.x();
-    qreal nearest = 0.0;   // of what moves
+    constexpr qreal Far = std::numeric_limits<qreal>::max();
+    qreal nearest = Far;   // of what moves
     qreal furthest = line; // of what stays but reaches across
-    bool any = false;
     const QList<QGraphicsItem *> items = host()->graphScene()->items();
     for (QGraphicsItem *item : items) {
         auto *node = dynamic_cast<OssNgNode *>(item);
         if (!node || !node->isVisible())
             continue;
-        auto *backdrop = qobject_cast<OssNgBackdropNode *>(node);
-        const QRectF area = backdrop ? backdrop->rect().translated(node->pos())
-                                     : node->boundingRect().translated(node->pos());
-        const qreal first = down ? area.top() : area.left();
-        const qreal last = down ? area.bottom() : area.right();
-        if (first < line && (!backdrop || last <= line)) {
-            furthest = backdrop ? furthest : std::max(furthest, last);
-            continue;
+        const std::optional<Part> part = partOf(node, line);
+        if (part) {
+            save(node);
+            m_parts.append(*part);
+            nearest = std::min(nearest, part->isAcross ? endOf(part->area) : startOf(part->area));
+        } else if (!qobject_cast<OssNgBackdropNode *>(node)) {
+            furthest = std::max(furthest, endOf(areaOf(node)));
         }
-        node->savePosition();
-        if (backdrop)
-            backdrop->saveBoundingRect();
-        m_parts.append(Part{node, area, first < line});
-        const qreal edge = first < line ? last : first;
-        nearest = any ? std::min(nearest, edge) : edge;
-        any = true;
     }
-    m_least = any ? std::min(0.0, furthest - nearest) : 0.0;
+    m_least = nearest < Far ? std::min(0.0, furthest - nearest) : 0.0;
 }
 
 void OssNgRoomGesture::spread(qreal by)

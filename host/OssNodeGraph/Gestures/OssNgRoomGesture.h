@@ -7,6 +7,8 @@
 #include <QRectF>
 #include <QVector>
 
+#include <optional>
+
 class OssNgNode;
 
 /// Makes room, or takes it away: everything that stands right of where the drag began goes along to the right, or
@@ -36,7 +38,14 @@ private:
         bool isAcross; ///< a backdrop that grows
     };
 
+    std::optional<Part> partOf(OssNgNode *node, qreal line) const;
     void begin(bool down);
+
+    /// Along the way in which room is made.
+    qreal startOf(const QRectF &area) const { return m_isDown ? area.top() : area.left(); }
+
+    qreal endOf(const QRectF &area) const { return m_isDown ? area.bottom() : area.right(); }
+
     void spread(qreal by);
 
     QPointF m_start; ///< scene

@@ -18,9 +18,11 @@ struct Part
 class Arrangement
 {
 public:
-    Arrangement(const OssLyGraph &graph, const OssLyOptions &options)
+    /// A part that stands in columns already stays unless it would be so many times better.
+    Arrangement(const OssLyGraph &graph, const OssLyOptions &options, double worthMoving)
         : m_graph(graph)
         , m_options(options)
+        , m_worthMoving(worthMoving)
     {
     }
 
@@ -40,18 +42,23 @@ private:
     void placeParts();
     void fillPart(Part *part, const std::vector<int> &nodes);
     void placePart(Part *part);
+    void placeBest(Layers *layers) const;
+    void placeOrdered(Layers *layers) const;
     std::vector<double> columnLefts(const Layers &layers) const;
     void placeColumns(Layers *layers) const;
     bool isArranged(const Layers &placed, const std::vector<OssLyRect> &today) const;
     void refitFrames();
     void anchor();
     void placeLookers();
+    OssLyRect besideLookedAt(int looker) const;
+    const OssLyRect *under(int node, const OssLyRect &place) const;
     void placeBesideFrames();
     OssLyRect frameToday(int frame) const;
     bool isFree(int node, const OssLyRect &rect) const;
 
     const OssLyGraph &m_graph;
     const OssLyOptions &m_options;
+    double m_worthMoving;
     std::vector<int> m_leader;
     std::vector<OssLyRect> m_boxes; ///< of nodes with what is attached to them
     std::vector<int> m_boxOf;       ///< of nodes in their part

@@ -86,8 +86,44 @@ void Arrangement::anchor()
     }
 }
 
-/// Right of what they look at and of its frames, as high, and on nothing.
-// NOLINTNEXTLINE(readability-function-cognitive-complexity): its parts share what was measured so far
+/// Right of what it looks at and of its frames, level with the first of it; where it stands when it looks at nothing.
+OssLyRect Arrangement::besideLookedAt(int looker) const
+{
+    OssLyRect place = m_places.nodes[at(looker)];
+    bool isFirst = true;
+    double left = 0.0;
+    for (const OssLyWire &wire : m_graph.wires) {
+        if (wire.to != looker || wire.from == looker)
+            continue;
+        double right = m_places.nodes[at(wire.from)].right();
+        for (int f = m_graph.nodes[at(wire.from)].frame; f >= 0; f = m_graph.frames[at(f)].parent)
+            right = std::max(right, m_places.frames[at(f)].right());
+        left = isFirst ? right : std::max(left, right);
+        if (isFirst)
+            place.y = m_places.nodes[at(wire.from)].y + wire.fromY - wire.toY;
+        isFirst = false;
+    }
+    if (!isFirst)
+        place.x = left + m_options.columnGap;
+    return place;
+}
+
+/// What lies under the place but for the node itself and its notes; null where it is free.
+const OssLyRect *Arrangement::under(int node, const OssLyRect &place) const
+{
+    for (int other = 0; other < int(m_graph.nodes.size()); ++other) {
+        const bool isOwn = other == node || m_graph.nodes[at(other)].attachedTo == node;
+        if (!isOwn && m_places.nodes[at(other)].intersects(place))
+            return &m_places.nodes[at(other)];
+    }
+    for (const OssLyRect &frame : m_places.frames) {
+        if (!frame.isEmpty() && frame.intersects(place))
+            return &frame;
+    }
+    return nullptr;
+}
+
+/// Further right where something stands there already.
 void Arrangement::placeLookers()
 {
     for (int n = 0; n < int(m_graph.nodes.size()); ++n) {
@@ -95,38 +131,9 @@ void Arrangement::placeLookers()
         if (!node.looksOnly || forms(n) || node.attachedTo >= 0)
             continue;
         OssLyRect &rect = m_places.nodes[at(n)];
-        const OssLyWire *looks = nullptr;
-        double left = 0.0;
-        for (const OssLyWire &wire : m_graph.wires) {
-            if (wire.to != n || wire.from == n)
-                continue;
-            double right = m_places.nodes[at(wire.from)].right();
-            for (int f = m_graph.nodes[at(wire.from)].frame; f >= 0;
-                 f = m_graph.frames[at(f)].parent)
-                right = std::max(right, m_places.frames[at(f)].right());
-            left = looks ? std::max(left, right) : right;
-            if (!looks)
-                looks = &wire;
-        }
-        if (looks) {
-            rect.x = left + m_options.columnGap;
-            rect.y = m_places.nodes[at(looks->from)].y + looks->fromY - looks->toY;
-        }
-        for (bool clear = false; !clear;) {
-            clear = true;
-            const auto avoid = [&](const OssLyRect &other) {
-                if (other.isEmpty() || !other.intersects(rect))
-                    return;
-                rect.x = other.right() + m_options.columnGap;
-                clear = false;
-            };
-            for (int other = 0; other < int(m_graph.nodes.size()); ++other) {
-                if (other != n && m_graph.nodes[at(other)].attachedTo != n)
-                    avoid(m_places.nodes[at(other)]);
-            }
-            for (const OssLyRect &frame : m_places.frames)
-                avoid(frame);
-        }
+        rect = besideLookedAt(n);
+        while (const OssLyRect *other = under(n, rect))
+            rect.x = other->right() + m_options.columnGap;
     }
 }
 

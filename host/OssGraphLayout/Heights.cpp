@@ -207,7 +207,7 @@ double Heights::gapBetween(const Layers::Element &upper, const Layers::Element &
     if (lower.kind == Kind::Bottom)
         return frame(lower).margin;
     if (upper.kind == Kind::Passing || lower.kind == Kind::Passing)
-        return upper.kind == lower.kind ? m_options.wireGap * 0.5 : m_options.wireGap;
+        return upper.kind == lower.kind ? m_options.wireGap * 0.2 : m_options.wireGap;
     return m_options.rowGap;
 }
 

@@ -182,3 +182,13 @@ void Layers::build()
     for (int e = 0; e < int(elements.size()); ++e)
         ranks[at(element(e).rank)].push_back(e);
 }
+
+void Layers::setOrder(const Order &order)
+{
+    ranks = order;
+    for (const std::vector<int> &rank : ranks) {
+        int position = 0;
+        for (const int e : rank)
+            element(e).position = position++;
+    }
+}

@@ -62,13 +62,15 @@ struct Layers
         int weight = 1; ///< of a crossing with another one
     };
 
+    using Order = std::vector<std::vector<int>>; ///< elements from top to bottom, rank by rank
+
     std::vector<Box> boxes;
     std::vector<Link> links;
     std::vector<Frame> frames;
     std::vector<int> rankOf; ///< of boxes
     std::vector<Element> elements;
     std::vector<Segment> segments;
-    std::vector<std::vector<int>> ranks;         ///< elements from top to bottom
+    Order ranks;
     std::vector<int> inStart, in, outStart, out; ///< segments by their elements, by ports
     std::vector<double> tops;                    ///< of boxes: the result
     bool isKept = false; ///< the order of today was good, and heights start from it
@@ -81,6 +83,7 @@ struct Layers
 
     /// Ranks of boxes are known: makes elements and segments, ordered as they stand today.
     void build();
+    void setOrder(const Order &order);
 
 private:
     int addElement(Kind kind, int owner, int frame, int rank, double height, double y);
@@ -94,8 +97,9 @@ private:
 /// Gives each box a rank: wires run to higher ones, and are short.
 void rankBoxes(Layers *layers);
 /// Orders the elements in their ranks so that few wires cross; starts from the order of today. Looks at about
-/// as many pairs as the budget.
-void orderElements(Layers *layers, long budget);
+/// as many pairs as the budget. Gives the best orders that were found: the first is taken, but as wires are drawn
+/// straight another one may be better.
+std::vector<Layers::Order> orderElements(Layers *layers, long budget);
 /// Gives each box its top, so that wires run level.
 void placeHeights(Layers *layers, const OssLyOptions &options);
 /// Moves boxes, which have their places by now, up and down where fewer wires cross or run through boxes then, as

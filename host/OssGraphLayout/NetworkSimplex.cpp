@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <limits>
 #include <numeric>
+#include <tuple>
 #include <utility>
 
 namespace {
@@ -134,15 +135,10 @@ void NetworkSimplex::addToTree(int index)
     m_treeAt[at(edge(index).head)].push_back(index);
 }
 
-// NOLINTNEXTLINE(readability-function-cognitive-complexity): one loop that grows and moves a tree
-void NetworkSimplex::buildTightTree()
+/// The tightest edge from the tree to what it has not reached, and how far the tree has to move for it; -1
+/// where there is none.
+std::pair<int, int> NetworkSimplex::nextTight(Boundary *boundary, int offset) const
 {
-    m_tree.clear();
-    m_treeAt.assign(at(m_count), {});
-    m_reached.assign(at(m_count), 0);
-    Boundary boundary;
-    int offset = 0; // of the tree from its first place
-    reach(0, offset, &boundary);
     const auto drop = [this](Boundary::Queue *queue, bool out) {
         while (!queue->empty()) {
             const Edge &one = edge(queue->top().second);
@@ -151,19 +147,32 @@ void NetworkSimplex::buildTightTree()
             queue->pop();
         }
     };
-    while (true) {
-        drop(&boundary.out, true);
-        drop(&boundary.in, false);
-        if (boundary.out.empty() && boundary.in.empty())
-            break;
-        constexpr int Far = std::numeric_limits<int>::max();
-        const int outSlack = boundary.out.empty() ? Far : boundary.out.top().first - offset;
-        const int inSlack = boundary.in.empty() ? Far : boundary.in.top().first + offset;
-        const bool out = outSlack <= inSlack;
-        const int index = out ? boundary.out.top().second : boundary.in.top().second;
-        offset += out ? outSlack : -inSlack;
+    drop(&boundary->out, true);
+    drop(&boundary->in, false);
+    if (boundary->out.empty() && boundary->in.empty())
+        return {-1, 0};
+    constexpr int Far = std::numeric_limits<int>::max();
+    const int outSlack = boundary->out.empty() ? Far : boundary->out.top().first - offset;
+    const int inSlack = boundary->in.empty() ? Far : boundary->in.top().first + offset;
+    if (outSlack <= inSlack)
+        return {boundary->out.top().second, outSlack};
+    return {boundary->in.top().second, -inSlack};
+}
+
+void NetworkSimplex::buildTightTree()
+{
+    m_tree.clear();
+    m_treeAt.assign(at(m_count), {});
+    m_reached.assign(at(m_count), 0);
+    Boundary boundary;
+    int offset = 0; // of the tree from its first place
+    reach(0, offset, &boundary);
+    for (auto [index, way] = nextTight(&boundary, offset); index >= 0;
+         std::tie(index, way) = nextTight(&boundary, offset)) {
+        offset += way;
         addToTree(index);
-        reach(out ? edge(index).head : edge(index).tail, offset, &boundary);
+        const Edge &tight = edge(index);
+        reach(m_reached[at(tight.tail)] ? tight.head : tight.tail, offset, &boundary);
     }
     for (int &place : m_places)
         place += offset;

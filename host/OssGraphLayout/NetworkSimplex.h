@@ -53,6 +53,7 @@ private:
     void connect();
     void buildTightTree();
     void reach(int point, int offset, Boundary *boundary);
+    std::pair<int, int> nextTight(Boundary *boundary, int offset) const;
     void addToTree(int index);
     void number(int root, int parentEdge, int low);
     void initCuts();

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <numeric>
 #include <random>
+#include <utility>
 
 // Layer by layer, after Sugiyama, Tagawa and Toda (1981), with the exchanges of neighbours of Gansner et al. (1993).
 
@@ -16,6 +17,7 @@ constexpr int MostSweeps = 60;
 constexpr int MostIdle = 8; ///< sweeps without success
 constexpr int FewStarts = 2;
 constexpr int MostStarts = 24;
+constexpr std::size_t MostKept = 10;
 constexpr std::size_t ManyElements = 1500;
 constexpr double Shaking = 400.0; ///< scene units
 
@@ -234,41 +236,36 @@ void Ordering::startFromToday()
     sortAllByY();
 }
 
-/// In the order in which a walk along the wires comes to the elements.
-// NOLINTNEXTLINE(readability-function-cognitive-complexity): one walk with what it leaves for later
+/// Gives all that wires join to the element their places in the order in which the walk comes to them.
+void Ordering::walkFrom(int root, std::vector<char> *seen, double *next)
+{
+    std::vector<int> open{root};
+    (*seen)[at(root)] = 1;
+    const auto reach = [&open, seen](int element) {
+        if (!std::exchange((*seen)[at(element)], char(1)))
+            open.push_back(element);
+    };
+    while (!open.empty()) {
+        const int e = open.back();
+        open.pop_back();
+        m_layers.element(e).y = *next;
+        *next += 1.0;
+        for (int i = m_layers.outStart[at(e) + 1]; i-- > m_layers.outStart[at(e)];)
+            reach(m_layers.segment(m_layers.out[at(i)]).to);
+        for (int i = m_layers.inStart[at(e) + 1]; i-- > m_layers.inStart[at(e)];)
+            reach(m_layers.segment(m_layers.in[at(i)]).from);
+    }
+}
+
 void Ordering::startFromWalk(bool fromSources)
 {
     std::vector<char> seen(m_layers.elements.size(), 0);
-    std::vector<int> open;
     double next = 0.0;
     const int count = int(m_layers.ranks.size());
     for (int i = 0; i < count; ++i) {
-        const Order::value_type start = m_layers.ranks[at(fromSources ? i : count - 1 - i)];
-        for (const int root : start) {
-            if (seen[at(root)])
-                continue;
-            open.push_back(root);
-            seen[at(root)] = 1;
-            while (!open.empty()) {
-                const int e = open.back();
-                open.pop_back();
-                m_layers.element(e).y = next;
-                next += 1.0;
-                for (int j = m_layers.outStart[at(e) + 1]; j-- > m_layers.outStart[at(e)];) {
-                    const int to = m_layers.segment(m_layers.out[at(j)]).to;
-                    if (!seen[at(to)]) {
-                        seen[at(to)] = 1;
-                        open.push_back(to);
-                    }
-                }
-                for (int j = m_layers.inStart[at(e) + 1]; j-- > m_layers.inStart[at(e)];) {
-                    const int from = m_layers.segment(m_layers.in[at(j)]).from;
-                    if (!seen[at(from)]) {
-                        seen[at(from)] = 1;
-                        open.push_back(from);
-                    }
-                }
-            }
+        for (const int root : m_layers.ranks[at(fromSources ? i : count - 1 - i)]) {
+            if (!seen[at(root)])
+                walkFrom(root, &seen, &next);
         }
     }
     sortAllByY();
@@ -287,6 +284,44 @@ void Ordering::startShaken(unsigned seed)
         }
     }
     sortAllByY();
+}
+
+/// The frame, counted from above, and the next one below it in the same frame change places.
+bool Ordering::startWithExchangedFrames(std::size_t upper)
+{
+    std::vector<int> order(m_layers.frames.size());
+    std::iota(order.begin(), order.end(), 0);
+    keyFrames();
+    std::stable_sort(order.begin(), order.end(), [this](int a, int b) {
+        const Layers::Frame &one = m_layers.frames[at(a)];
+        const Layers::Frame &other = m_layers.frames[at(b)];
+        return one.parent != other.parent ? one.parent < other.parent : one.key < other.key;
+    });
+    if (upper + 1 >= order.size()
+        || m_layers.frames[at(order[upper])].parent != m_layers.frames[at(order[upper + 1])].parent)
+        return false;
+    const double way = m_layers.frames[at(order[upper + 1])].key
+                       - m_layers.frames[at(order[upper])].key;
+    for (Layers::Element &element : m_layers.elements) {
+        for (int f = element.frame; f >= 0; f = m_layers.frames[at(f)].parent) {
+            if (f == order[upper] || f == order[upper + 1])
+                element.y += f == order[upper] ? way : -way;
+        }
+    }
+    sortAllByY();
+    return true;
+}
+
+/// First as the wires run; then from the best so far.
+void Ordering::startAgain(int start, const Order &best)
+{
+    if (start < FewStarts) {
+        startFromWalk(start == 1);
+        return;
+    }
+    restore(best);
+    if (start % 2 == 1 || !startWithExchangedFrames(std::size_t(start - FewStarts) / 2))
+        startShaken(unsigned(start));
 }
 
 std::int64_t Ordering::improve(int sweeps)
@@ -321,7 +356,20 @@ std::int64_t Ordering::improve(int sweeps)
     return best;
 }
 
-void Ordering::run(std::int64_t budget)
+/// Among the best few, unless one of them is as good: that is mostly the same.
+void Ordering::keep(std::int64_t crossings, std::vector<Found> *best) const
+{
+    const auto place = std::lower_bound(
+        best->begin(), best->end(), crossings,
+        [](const Found &found, std::int64_t limit) { return found.crossings < limit; });
+    if (place != best->end() && place->crossings == crossings)
+        return;
+    best->insert(place, Found{crossings, save()});
+    if (best->size() > MostKept)
+        best->pop_back();
+}
+
+std::vector<Ordering::Order> Ordering::run(std::int64_t budget)
 {
     m_budget = budget;
     m_key.assign(m_layers.elements.size(), 0.0);
@@ -333,34 +381,36 @@ void Ordering::run(std::int64_t budget)
     climb();
     const Order kept = save();
     const std::int64_t keptCrossings = crossings();
-    std::int64_t best = improve(MostSweeps);
+    std::vector<Found> best;
+    keep(improve(MostSweeps), &best);
     // What was in order stays as it was.
-    m_layers.isKept = today <= best + best / 4 + 1;
-    if (m_layers.isKept && keptCrossings <= best + best / 20) {
+    m_layers.isKept = today <= best.front().crossings + best.front().crossings / 4 + 1;
+    if (m_layers.isKept && keptCrossings <= best.front().crossings + best.front().crossings / 20) {
         restore(kept);
         for (std::size_t e = 0; e < heights.size(); ++e)
             m_layers.elements[e].y = heights[e];
-        return;
+        return {kept};
     }
-    Order order = save();
     const int starts = m_layers.elements.size() < ManyElements ? MostStarts : FewStarts;
-    for (int start = 0; start < starts && best > 0 && !m_layers.isKept && m_budget > 0; ++start) {
+    for (int start = 0;
+         start < starts && best.front().crossings > 0 && !m_layers.isKept && m_budget > 0;
+         ++start) {
         if (start < FewStarts) {
             startFromWalk(start == 1);
         } else {
-            restore(order);
+            restore(best.front().order);
             startShaken(unsigned(start));
         }
-        const std::int64_t found = improve(MostSweeps);
-        if (found < best) {
-            best = found;
-            order = save();
-        }
+        keep(improve(MostSweeps), &best);
     }
-    restore(order);
+    restore(best.front().order);
+    std::vector<Order> orders;
+    for (Found &found : best)
+        orders.push_back(std::move(found.order));
+    return orders;
 }
 
-void orderElements(Layers *layers, long budget)
+std::vector<Layers::Order> orderElements(Layers *layers, long budget)
 {
-    Ordering(layers).run(budget);
+    return Ordering(layers).run(budget);
 }

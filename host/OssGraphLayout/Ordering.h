@@ -10,7 +10,7 @@
 class Ordering
 {
 public:
-    using Order = std::vector<std::vector<int>>;
+    using Order = Layers::Order;
 
     explicit Ordering(Layers *layers)
         : m_layers(*layers)
@@ -19,7 +19,8 @@ public:
     {
     }
 
-    void run(std::int64_t budget);
+    /// Gives the best orders that were found, the best of them first, which the layers have by then.
+    std::vector<Order> run(std::int64_t budget);
 
 private:
     enum Sides { Left = 1, Right = 2, Both = 3 };
@@ -34,8 +35,12 @@ private:
 
     // Starts
     void startFromToday();
+    /// In the order in which a walk along the wires comes to the elements.
     void startFromWalk(bool fromSources);
+    void walkFrom(int root, std::vector<char> *seen, double *next);
     void startShaken(unsigned seed);
+    bool startWithExchangedFrames(std::size_t upper);
+    void startAgain(int start, const Order &best);
     void sortAllByY();
 
     // Improving
@@ -53,10 +58,20 @@ private:
     void workOn();
     bool exchangeIn(int rank);
     bool siftIn(int rank);
+    int bestPlaceFor(int start, const std::vector<int> &elements);
+    void takeAlong(int start, int end, std::vector<int> *elements);
     void gatherKeys(int rank);
     void fillKeys(int element, bool left, Keys *keys) const;
     static std::int64_t gainOfExchange(const Keys &upper, const Keys &lower);
     bool mayExchange(int a, int b) const;
+
+    struct Found
+    {
+        std::int64_t crossings;
+        Order order;
+    };
+
+    void keep(std::int64_t crossings, std::vector<Found> *best) const;
 
     // Counting
     void number(int rank);

@@ -89,6 +89,11 @@ std::int64_t Ordering::gainOfExchange(const Keys &upper, const Keys &lower)
 {
     if (upper.empty() || lower.empty())
         return 0;
+    if (upper.size() == 1 && lower.size() == 1) {
+        const int way = upper.front().place - lower.front().place;
+        const std::int64_t both = std::int64_t(upper.front().weight) * lower.front().weight;
+        return way > 0 ? both : way < 0 ? -both : 0;
+    }
     std::int64_t gain = 0;
     std::size_t first = 0;  // of those of the lower that are not above
     std::size_t beyond = 0; // of those that are below
@@ -161,8 +166,44 @@ bool Ordering::exchangeIn(int rank)
     return any;
 }
 
+/// Of those near it in its rank the place where fewest of its wires cross others; the nearest of equal ones.
+int Ordering::bestPlaceFor(int start, const std::vector<int> &elements)
+{
+    std::int64_t bestGain = 0;
+    int best = start;
+    for (const int step : {-1, 1}) {
+        std::int64_t gain = 0;
+        for (int i = start + step;
+             i >= 0 && i < int(elements.size()) && std::abs(i - start) <= MostWay; i += step) {
+            if (!mayExchange(elements[at(start)], elements[at(i)]))
+                break;
+            --m_budget;
+            const int upper = step > 0 ? start : i;
+            const int lower = step > 0 ? i : start;
+            gain += gainOfExchange(m_left[at(upper)], m_left[at(lower)])
+                    + gainOfExchange(m_right[at(upper)], m_right[at(lower)]);
+            if (gain > bestGain) {
+                bestGain = gain;
+                best = i;
+            }
+        }
+    }
+    return best;
+}
+
+void Ordering::takeAlong(int start, int end, std::vector<int> *elements)
+{
+    const int step = end > start ? 1 : -1;
+    for (int i = start; i != end; i += step) {
+        std::swap((*elements)[at(i)], (*elements)[at(i + step)]);
+        std::swap(m_layers.element((*elements)[at(i)]).y,
+                  m_layers.element((*elements)[at(i + step)]).y);
+        std::swap(m_left[at(i)], m_left[at(i + step)]);
+        std::swap(m_right[at(i)], m_right[at(i + step)]);
+    }
+}
+
 /// Takes each element to the best of the places near it, after Matuszewski, Schoenfeld and Molitor (1999).
-// NOLINTNEXTLINE(readability-function-cognitive-complexity): one walk along a rank that counts as it goes
 bool Ordering::siftIn(int rank)
 {
     std::vector<int> &elements = m_layers.ranks[at(rank)];
@@ -170,35 +211,9 @@ bool Ordering::siftIn(int rank)
         return false;
     gatherKeys(rank);
     bool any = false;
-    const int count = int(elements.size());
-    for (int start = 0; start < count; ++start) {
-        std::int64_t bestGain = 0;
-        int best = start;
-        for (const int step : {-1, 1}) {
-            std::int64_t gain = 0;
-            for (int i = start + step; i >= 0 && i < count && std::abs(i - start) <= MostWay;
-                 i += step) {
-                if (!mayExchange(elements[at(start)], elements[at(i)]))
-                    break;
-                --m_budget;
-                const int upper = step > 0 ? start : i;
-                const int lower = step > 0 ? i : start;
-                gain += gainOfExchange(m_left[at(upper)], m_left[at(lower)])
-                        + gainOfExchange(m_right[at(upper)], m_right[at(lower)]);
-                if (gain > bestGain) {
-                    bestGain = gain;
-                    best = i;
-                }
-            }
-        }
-        const int step = best > start ? 1 : -1;
-        for (int i = start; i != best; i += step) {
-            std::swap(elements[at(i)], elements[at(i + step)]);
-            std::swap(m_layers.element(elements[at(i)]).y,
-                      m_layers.element(elements[at(i + step)]).y);
-            std::swap(m_left[at(i)], m_left[at(i + step)]);
-            std::swap(m_right[at(i)], m_right[at(i + step)]);
-        }
+    for (int start = 0; start < int(elements.size()); ++start) {
+        const int best = bestPlaceFor(start, elements);
+        takeAlong(start, best, &elements);
         any = any || best != start;
     }
     if (any)

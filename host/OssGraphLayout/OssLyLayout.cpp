@@ -12,10 +12,15 @@ namespace {
 // Pairs to look at: of large graphs so many for each box, so that time grows no faster than they do.
 constexpr long RefineBudget = 1500;
 constexpr long OrderBudget = 250;
-constexpr long SmallGraph = 9000; ///< boxes whose budget small graphs have
+constexpr long SmallGraph = 9000;     ///< boxes whose budget small graphs have
+constexpr std::size_t FewBoxes = 150; ///< of which several orders are tried to the end
+constexpr double RoomCost = 0.25e-6;  ///< of a square unit
 constexpr double Same = 1.0;
 constexpr std::size_t ManyNodes = 400;
-constexpr int MostRounds = 3;
+constexpr int MostRounds = 6;
+// So many times worse than it might be may stand what stays: for the user, and while it is made.
+constexpr double StaysUnless = 1.25;
+constexpr double ImprovesFor = 1.02;
 
 long budgetFor(const Layers &layers, long perBox)
 {
@@ -28,11 +33,86 @@ std::size_t at(int index)
     return std::size_t(index);
 }
 
+double areaOf(const Layers &layers)
+{
+    OssLyRect all;
+    for (const Layers::Box &box : layers.boxes)
+        all = all.united(box.rect);
+    return all.width * all.height;
+}
+
 bool isWithin(const Layers &layers, int frame, int outer)
 {
     while (frame >= 0 && frame != outer)
         frame = layers.frames[at(frame)].parent;
     return frame == outer;
+}
+
+/// A box with as much of the frames around it as belongs to its side.
+OssLyRect withFrames(const Layers &layers, const Layers::Box &box)
+{
+    OssLyRect outer = box.rect;
+    for (int f = box.frame; f >= 0; f = layers.frames[at(f)].parent) {
+        const Layers::Frame &frame = layers.frames[at(f)];
+        outer = {outer.x - frame.margin, outer.y - frame.topMargin,
+                 outer.width + 2.0 * frame.margin, outer.height + frame.margin + frame.topMargin};
+    }
+    return outer;
+}
+
+/// What a part consists of, from its top left corner.
+PackedPart packable(const Part &part)
+{
+    const Layers &layers = part.layers;
+    PackedPart packed;
+    packed.today = part.today;
+    packed.width = part.placed.width;
+    packed.height = part.placed.height;
+    const auto fromCorner = [&part](OssLyRect rect) {
+        rect.x -= part.placed.x;
+        rect.y -= part.placed.y;
+        return rect;
+    };
+    std::vector<OssLyRect> frames(layers.frames.size());
+    for (const Layers::Box &box : layers.boxes) {
+        int outermost = box.frame;
+        while (outermost >= 0 && layers.frames[at(outermost)].parent >= 0)
+            outermost = layers.frames[at(outermost)].parent;
+        const OssLyRect area = fromCorner(withFrames(layers, box));
+        if (outermost >= 0)
+            frames[at(outermost)] = frames[at(outermost)].united(area);
+        else
+            packed.areas.push_back(area);
+    }
+    for (const OssLyRect &frame : frames) {
+        if (!frame.isEmpty())
+            packed.areas.push_back(frame);
+    }
+    for (const Layers::Link &link : layers.links) {
+        const OssLyRect from = fromCorner(layers.boxes[at(link.from)].rect);
+        const OssLyRect to = fromCorner(layers.boxes[at(link.to)].rect);
+        packed.wires.push_back({{from.right(), from.y + link.fromY}, {to.x, to.y + link.toY}});
+    }
+    return packed;
+}
+
+/// Whether boxes of one rank have the gap between them.
+bool columnsAreApart(const Layers &layers, double gap)
+{
+    for (const std::vector<int> &rank : layers.ranks) {
+        std::vector<const OssLyRect *> rects;
+        for (const int e : rank) {
+            if (layers.element(e).kind == Layers::Kind::Box)
+                rects.push_back(&layers.boxes[at(layers.element(e).owner)].rect);
+        }
+        std::sort(rects.begin(), rects.end(),
+                  [](const OssLyRect *a, const OssLyRect *b) { return a->y < b->y; });
+        for (std::size_t i = 1; i < rects.size(); ++i) {
+            if (rects[i - 1]->bottom() + gap > rects[i]->y + Same)
+                return false;
+        }
+    }
+    return true;
 }
 
 /// Whether frames around their members, as those stand, hold nothing else and do not meet.
@@ -137,7 +217,6 @@ void Arrangement::fillPart(Part *part, const std::vector<int> &nodes)
         m_boxOf[at(n)] = int(layers.boxes.size());
         layers.boxes.push_back({m_boxes[at(n)], enter(m_graph.nodes[at(n)].frame, enter)});
         part->nodeOf.push_back(n);
-        part->today = part->today.united(m_boxes[at(n)]);
     }
 }
 
@@ -198,10 +277,10 @@ void Arrangement::placeColumns(Layers *layers) const
     }
 }
 
-/// What stands as it would, and as well, stays.
+/// What stands in its columns, and about as well as it would, stays.
 bool Arrangement::isArranged(const Layers &placed, const std::vector<OssLyRect> &today) const
 {
-    if (!placed.isKept || placed.boxes.empty())
+    if (placed.boxes.empty())
         return false;
     Layers before = placed;
     const double dx = placed.boxes.front().rect.x - today.front().x;
@@ -210,48 +289,61 @@ bool Arrangement::isArranged(const Layers &placed, const std::vector<OssLyRect> 
             return false;
         before.boxes[b].rect = today[b];
     }
-    for (const std::vector<int> &rank : placed.ranks) {
-        const Layers::Box *above = nullptr;
-        for (const int e : rank) {
-            if (placed.element(e).kind != Layers::Kind::Box)
-                continue;
-            const Layers::Box &box = before.boxes[at(placed.element(e).owner)];
-            if (above && above->rect.bottom() + m_options.rowGap > box.rect.y + Same)
-                return false;
-            above = &box;
+    return columnsAreApart(before, m_options.rowGap) && framesAreApart(before)
+           && drawnCost(before) <= m_worthMoving * drawnCost(placed) + 0.01;
+}
+
+/// The order of the elements is known.
+void Arrangement::placeOrdered(Layers *layers) const
+{
+    placeHeights(layers, m_options);
+    placeColumns(layers);
+    for (std::size_t b = 0; b < layers->boxes.size(); ++b)
+        layers->boxes[b].rect.y = layers->tops[b];
+    refineHeights(layers, m_options, budgetFor(*layers, RefineBudget));
+}
+
+/// What is best as it is drawn; where that is even, what needs less room.
+void Arrangement::placeBest(Layers *layers) const
+{
+    const std::vector<Layers::Order> orders = orderElements(layers,
+                                                            budgetFor(*layers, OrderBudget));
+    if (orders.size() < 2 || layers->boxes.size() > FewBoxes) {
+        placeOrdered(layers);
+        return;
+    }
+    Layers best;
+    double least = 0.0;
+    for (const Layers::Order &order : orders) {
+        Layers tried = *layers;
+        tried.setOrder(order);
+        placeOrdered(&tried);
+        const double cost = drawnCost(tried) + RoomCost * areaOf(tried);
+        if (best.boxes.empty() || cost < least) {
+            least = cost;
+            best = std::move(tried);
         }
     }
-    return framesAreApart(before) && drawnCost(before) <= 1.05 * drawnCost(placed) + 0.01;
+    *layers = std::move(best);
 }
 
 void Arrangement::placePart(Part *part)
 {
     Layers &layers = part->layers;
     std::vector<OssLyRect> today;
-    for (const Layers::Box &box : layers.boxes)
+    for (const Layers::Box &box : layers.boxes) {
         today.push_back(box.rect);
+        part->today = part->today.united(withFrames(layers, box));
+    }
     rankBoxes(&layers);
     layers.build();
-    orderElements(&layers, budgetFor(layers, OrderBudget));
-    placeHeights(&layers, m_options);
-    placeColumns(&layers);
-    for (std::size_t b = 0; b < layers.boxes.size(); ++b)
-        layers.boxes[b].rect.y = layers.tops[b];
-    refineHeights(&layers, m_options, budgetFor(layers, RefineBudget));
+    placeBest(&layers);
     if (isArranged(layers, today)) {
         for (std::size_t b = 0; b < today.size(); ++b)
             layers.boxes[b].rect = today[b];
     }
-    for (const Layers::Box &box : layers.boxes) {
-        OssLyRect outer = box.rect;
-        for (int f = box.frame; f >= 0; f = layers.frames[at(f)].parent) {
-            const Layers::Frame &frame = layers.frames[at(f)];
-            outer = {outer.x - frame.margin, outer.y - frame.topMargin,
-                     outer.width + 2.0 * frame.margin,
-                     outer.height + frame.margin + frame.topMargin};
-        }
-        part->placed = part->placed.united(outer);
-    }
+    for (const Layers::Box &box : layers.boxes)
+        part->placed = part->placed.united(withFrames(layers, box));
 }
 
 void Arrangement::makeParts()
@@ -291,7 +383,7 @@ void Arrangement::placeParts()
     std::vector<PackedPart> packed;
     for (Part &part : m_parts) {
         placePart(&part);
-        packed.push_back({part.today, part.placed.width, part.placed.height});
+        packed.push_back(packable(part));
     }
     packParts(&packed, m_options.partGap);
     for (std::size_t p = 0; p < m_parts.size(); ++p) {
@@ -336,7 +428,7 @@ OssLyPlaces Arrangement::run()
 
 OssLyPlaces OssLyLayout::arranged(const OssLyGraph &graph, const OssLyOptions &options)
 {
-    Arrangement first(graph, options);
+    Arrangement first(graph, options, StaysUnless);
     OssLyPlaces places = first.run();
     // From what is drawn by now small graphs become better still, and stay when they are laid out again.
     OssLyGraph drawn = graph;
@@ -351,7 +443,8 @@ OssLyPlaces OssLyLayout::arranged(const OssLyGraph &graph, const OssLyOptions &o
         }
         if (!moved)
             break;
-        places = Arrangement(drawn, options).run();
+        places = Arrangement(drawn, options, round + 1 < rounds / 2 ? ImprovesFor : StaysUnless)
+                     .run();
     }
     const int root = first.rightmost();
     if (root < 0)

@@ -7,8 +7,10 @@
 
 namespace {
 
-constexpr double WorthMoving = 1.25; ///< so much larger may an area be that stays
-constexpr double MostSlender = 3.0;  ///< width to height
+constexpr double WorthMoving = 1.15;  ///< so much larger may an area be that stays
+constexpr double MostSlender = 3.0;   ///< width to height
+constexpr std::size_t MostTucked = 8; ///< parts
+constexpr std::size_t MostAreas = 100;
 
 struct Step
 {
@@ -61,23 +63,126 @@ OssLyRect pack(std::vector<PackedPart> *parts, const std::vector<std::size_t> &o
     return all;
 }
 
+bool runsThrough(const PackedPart::Wire &wire, const OssLyRect &rect)
+{
+    const double left = std::max(wire.from.x, rect.x);
+    const double right = std::min(wire.to.x, rect.right());
+    if (left >= right)
+        return false;
+    const auto yAt = [&wire](double x) {
+        return wire.from.y
+               + (wire.to.y - wire.from.y) * (x - wire.from.x) / (wire.to.x - wire.from.x);
+    };
+    return std::min(yAt(left), yAt(right)) < rect.bottom()
+           && std::max(yAt(left), yAt(right)) > rect.y;
+}
+
+OssLyRect grown(const OssLyRect &rect, double by)
+{
+    return {rect.x - by, rect.y - by, rect.width + 2.0 * by, rect.height + 2.0 * by};
+}
+
+/// Whether the part has nothing in the area, given in the same coordinates as the part's places.
+bool leavesFree(const PackedPart &part, OssLyRect area)
+{
+    area.x -= part.x;
+    area.y -= part.y;
+    if (!area.intersects({0.0, 0.0, part.width, part.height}))
+        return true;
+    return std::none_of(part.areas.begin(), part.areas.end(),
+                        [&area](const OssLyRect &own) { return own.intersects(area); })
+           && std::none_of(part.wires.begin(), part.wires.end(),
+                           [&area](const PackedPart::Wire &own) { return runsThrough(own, area); });
+}
+
+/// Whether two parts, at their places, have the gap between them and none a wire through the other.
+bool areApart(const PackedPart &a, const PackedPart &b, double gap)
+{
+    if (!grown({a.x, a.y, a.width, a.height}, gap - 0.1).intersects({b.x, b.y, b.width, b.height}))
+        return true;
+    const auto all = [gap](const PackedPart &part, const PackedPart &other) {
+        return std::all_of(part.areas.begin(), part.areas.end(), [&](const OssLyRect &area) {
+            const OssLyRect here{area.x + part.x, area.y + part.y, area.width, area.height};
+            return leavesFree(other, grown(here, gap - 0.1));
+        });
+    };
+    return all(a, b) && all(b, a);
+}
+
 /// Where they stand today, if they still fit there. About their rightmost ends, from which they are read.
 bool stay(const std::vector<PackedPart> &parts, double gap, std::vector<OssLyRect> *places)
 {
-    for (const PackedPart &part : parts)
-        places->push_back({part.today.right() - part.width,
-                           part.today.y + (part.today.height - part.height) / 2.0, part.width,
-                           part.height});
-    for (std::size_t i = 0; i < places->size(); ++i) {
-        OssLyRect wide = (*places)[i];
-        wide.x -= gap * 0.5;
-        wide.y -= gap * 0.5;
-        wide.width += gap;
-        wide.height += gap;
+    std::vector<PackedPart> placed = parts;
+    for (PackedPart &part : placed) {
+        part.x = part.today.right() - part.width;
+        part.y = part.today.y + (part.today.height - part.height) / 2.0;
+        places->push_back({part.x, part.y, part.width, part.height});
+    }
+    for (std::size_t i = 0; i < placed.size(); ++i) {
         for (std::size_t j = 0; j < i; ++j) {
-            if (wide.intersects((*places)[j]))
+            if (!areApart(placed[i], placed[j], gap))
                 return false;
         }
+    }
+    return true;
+}
+
+/// Of the places beside what stands already the highest, then the one furthest left, at which the part is clear.
+bool tuckIn(PackedPart *part, const std::vector<PackedPart> &others, const OssLyRect &bounds,
+            double gap)
+{
+    std::vector<double> lefts{bounds.x};
+    std::vector<double> tops{bounds.y};
+    for (const PackedPart &other : others) {
+        for (const OssLyRect &area : other.areas) {
+            lefts.insert(lefts.end(), {other.x + area.right() + gap, other.x + area.x,
+                                       other.x + area.x - gap - part->width});
+            tops.insert(tops.end(), {other.y + area.bottom() + gap, other.y + area.y,
+                                     other.y + area.y - gap - part->height});
+        }
+    }
+    for (std::vector<double> *values : {&lefts, &tops}) {
+        std::sort(values->begin(), values->end());
+        values->erase(std::unique(values->begin(), values->end()), values->end());
+    }
+    for (const double y : tops) {
+        for (const double x : lefts) {
+            part->x = x;
+            part->y = y;
+            if (x >= bounds.x && y >= bounds.y && x + part->width <= bounds.right()
+                && y + part->height <= bounds.bottom()
+                && std::all_of(others.begin(), others.end(), [&](const PackedPart &other) {
+                       return areApart(*part, other, gap);
+                   }))
+                return true;
+        }
+    }
+    return false;
+}
+
+/// Small parts go into what the largest one leaves free.
+bool tuckAllIn(std::vector<PackedPart> *parts, double gap)
+{
+    std::size_t areas = 0;
+    std::size_t largest = 0;
+    for (std::size_t i = 0; i < parts->size(); ++i) {
+        areas += (*parts)[i].areas.size();
+        if ((*parts)[i].width * (*parts)[i].height
+            > (*parts)[largest].width * (*parts)[largest].height)
+            largest = i;
+    }
+    if (parts->size() < 2 || parts->size() > MostTucked || areas > MostAreas)
+        return false;
+    PackedPart &first = (*parts)[largest];
+    first.x = first.y = 0.0;
+    const OssLyRect bounds{0.0, 0.0, first.width, first.height};
+    std::vector<PackedPart> placed{first};
+    for (std::size_t i = 0; i < parts->size(); ++i) {
+        if (i == largest)
+            continue;
+        if (!tuckIn(&(*parts)[i], placed, bounds, gap))
+            return false;
+        placed.push_back((*parts)[i]);
     }
     return true;
 }
@@ -120,6 +225,13 @@ void packParts(std::vector<PackedPart> *parts, double gap)
                 best = *parts;
             }
         }
+    }
+    std::vector<PackedPart> tucked = *parts;
+    if (tuckAllIn(&tucked, gap)) {
+        best = tucked;
+        bestCost = 0.0;
+        for (const PackedPart &part : tucked)
+            bestCost = std::max(bestCost, part.width * part.height);
     }
     std::vector<OssLyRect> today;
     if (parts->size() < 2000 && stay(*parts, gap, &today)) {

@@ -12,7 +12,7 @@ namespace {
 
 constexpr double Clear = 8.0; ///< between a wire and a box that it passes
 constexpr double CrossingCost = 1.0;
-constexpr double ThroughCost = 1.25;
+constexpr double ThroughCost = 1.1;
 constexpr double SlopeCost = 0.0004; ///< of a unit up or down
 constexpr int MostPushed = 8;
 constexpr int MostRounds = 6;
@@ -61,7 +61,8 @@ private:
     void gatherColumns();
     bool runsThrough(const Line &line, int box) const;
     double costOf(const Moves &moves);
-    double costOfLine(int line);
+    /// Of crossings only those with lines after `last`.
+    double costOfLine(int line, int last = -1);
     void place(int box, double y);
     bool tryMoves(const Moves &moves);
     bool push(int box, double y, Moves *moves) const;
@@ -144,7 +145,7 @@ bool Refining::runsThrough(const Line &line, int box) const
     return std::min(a, b) < area.bottom() && std::max(a, b) > area.y;
 }
 
-double Refining::costOfLine(int index)
+double Refining::costOfLine(int index, int last)
 {
     const Line &line = m_lines[at(index)];
     double cost = SlopeCost * std::abs(line.y2 - line.y1);
@@ -159,7 +160,7 @@ double Refining::costOfLine(int index)
         for (const int other : m_over[at(rank)]) {
             const Line &two = m_lines[at(other)];
             // Once, in the first column that both reach.
-            if (other == index || std::max(two.first, line.first) != rank)
+            if (other == index || other <= last || std::max(two.first, line.first) != rank)
                 continue;
             const double left = std::max(line.x1, two.x1);
             const double right = std::min(line.x2, two.x2);
@@ -337,14 +338,13 @@ bool Refining::exchange(int rank, std::size_t place)
     return true;
 }
 
-/// Crossings count twice, for both wires.
 double Refining::costOfAll()
 {
     gatherLines();
     gatherColumns();
     double cost = 0.0;
     for (int line = 0; line < int(m_lines.size()); ++line)
-        cost += costOfLine(line);
+        cost += costOfLine(line, line);
     return cost;
 }
 

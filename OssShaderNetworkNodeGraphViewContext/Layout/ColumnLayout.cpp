@@ -1,6 +1,15 @@
 #include "Layout/ColumnLayout.h"
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+namespace {
+
+constexpr qreal NoPlace = std::numeric_limits<qreal>::max();
+
+} // namespace
 
 ColumnLayout::ColumnLayout(std::vector<Node> nodes)
     : m_nodes(std::move(nodes))
@@ -12,26 +21,52 @@ ColumnLayout::ColumnLayout(std::vector<Node> nodes)
 
 void ColumnLayout::layOut(const QVector<int> &startNodes, const QVector<int> &ignored)
 {
+    constexpr int MostStarts = 1000; // of which orders are tried: time grows with their square
     m_before = m_nodes;
     m_ignored = ignored;
     const QVector<int> starts = sortedStarts(startNodes);
-    layOutInOrder(starts);
-    int least = backwardWires();
-    QVector<int> best = starts;
-    for (const QVector<int> &order :
-         least > 0 ? otherOrders(starts) : std::vector<QVector<int>>()) {
-        if (least == 0)
-            break;
-        layOutInOrder(order);
-        const int found = backwardWires();
-        if (found < least) {
-            least = found;
-            best = order;
-        }
+    const bool triesOrders = starts.size() > 1 && starts.size() <= MostStarts;
+    // What was laid out so stays.
+    if (triesOrders) {
+        layOutInOrder(leftFirst(starts));
+        if (standsAsBefore())
+            return;
     }
-    layOutInOrder(best);
-    if (least > 0)
-        mendBackwardWires();
+    layOutInOrder(starts);
+    const int asRead = triesOrders && !standsAsBefore() ? backwardWires() : 0;
+    if (asRead == 0)
+        return;
+    const std::vector<Node> nodes = m_before;
+    if (!layOutLeftFirst(starts) || backwardWires() >= asRead) {
+        m_before = nodes;
+        layOutInOrder(starts);
+    }
+}
+
+/// Starts that had to give way stand elsewhere then, and may come in another order: again, until nothing moves. False
+/// where that never ends.
+bool ColumnLayout::layOutLeftFirst(const QVector<int> &starts)
+{
+    constexpr int MostRounds = 12;
+    m_nodes = m_before;
+    for (int round = 0; round < MostRounds; ++round) {
+        layOutInOrder(leftFirst(starts));
+        if (standsAsBefore())
+            return true;
+        m_before = m_nodes;
+    }
+    return false;
+}
+
+bool ColumnLayout::standsAsBefore() const
+{
+    constexpr qreal Same = 0.01;
+    for (std::size_t i = 0; i < m_nodes.size(); ++i) {
+        const QPointF way = m_nodes[i].position - m_before[i].position;
+        if (std::abs(way.x()) > Same || std::abs(way.y()) > Same)
+            return false;
+    }
+    return true;
 }
 
 void ColumnLayout::layOutInOrder(const QVector<int> &starts)
@@ -74,71 +109,110 @@ int ColumnLayout::backwardWires() const
     return count;
 }
 
-/// From the left, from the right, and with each of the first few at the beginning: what several trees share belongs
-/// to the first.
-std::vector<QVector<int>> ColumnLayout::otherOrders(const QVector<int> &starts) const
-{
-    constexpr int MostWork = 20000;
-    std::vector<QVector<int>> orders;
-    QVector<int> byLeft = starts;
-    std::stable_sort(byLeft.begin(), byLeft.end(), [this](int a, int b) {
-        return m_before[std::size_t(a)].position.x() < m_before[std::size_t(b)].position.x();
-    });
-    orders.push_back(byLeft);
-    orders.emplace_back(byLeft.crbegin(), byLeft.crend());
-    for (int i = 1; i < starts.size() && int(orders.size() * m_nodes.size()) < MostWork; ++i) {
-        QVector<int> order = byLeft;
-        order.removeOne(starts.at(i));
-        order.prepend(starts.at(i));
-        orders.push_back(order);
-    }
-    return orders;
-}
-
+/// Followed nodes before those that feed them; without those in loops, which frames may close.
 std::vector<int> ColumnLayout::downstreamFirst() const
 {
     std::vector<int> waiting(m_nodes.size(), 0);
-    for (std::size_t i = 0; i < m_nodes.size(); ++i) {
-        for (const Input &input : m_nodes[i].inputs)
-            waiting[std::size_t(std::max(0, input.source))] += input.source >= 0 && m_laidOut[i]
-                                                                   ? 1
-                                                                   : 0;
+    for (const Node &node : m_nodes) {
+        for (const Input &input : node.inputs) {
+            if (input.source >= 0)
+                ++waiting[std::size_t(input.source)];
+        }
     }
     std::vector<int> order;
     for (int i = 0; i < int(m_nodes.size()); ++i) {
-        if (m_laidOut[std::size_t(i)] && waiting[std::size_t(i)] == 0)
+        if (waiting[std::size_t(i)] == 0)
             order.push_back(i);
     }
     for (std::size_t next = 0; next < order.size(); ++next) {
         for (const Input &input : m_nodes[std::size_t(order[next])].inputs) {
-            if (input.source >= 0 && m_laidOut[std::size_t(input.source)]
-                && --waiting[std::size_t(input.source)] == 0)
+            if (input.source >= 0 && --waiting[std::size_t(input.source)] == 0)
                 order.push_back(input.source);
         }
     }
     return order;
 }
 
-void ColumnLayout::mendBackwardWires()
+/// Where the columns of a tree begin when it is laid out before all others, for each node; NoPlace outside of it.
+std::vector<qreal> ColumnLayout::placesAlone(int root, const std::vector<int> &order) const
 {
-    constexpr qreal Far = 1e12;
-    std::vector<qreal> limits(m_nodes.size(), Far);
-    gatherObstacles(std::vector<bool>(m_nodes.size(), false));
-    for (const int node : downstreamFirst()) {
-        const Node &own = m_nodes[std::size_t(node)];
-        if (own.hasItem && rect(node).right() > limits[std::size_t(node)]) {
-            stopKeepingClearOf(node);
-            QRectF place = rect(node);
-            place.moveRight(limits[std::size_t(node)] - ColumnGap);
-            move(node, place.topLeft() + QPointF(shiftClear(place), 0.0), true);
-            keepClearOf(node);
-        }
-        for (const Input &input : own.inputs) {
-            if (input.source >= 0 && own.hasItem)
-                limits[std::size_t(input.source)] = std::min(limits[std::size_t(input.source)],
-                                                             rect(node).left());
+    std::vector<int> column(m_nodes.size(), -1);
+    std::vector<qreal> widths;
+    column[std::size_t(root)] = 0;
+    for (const int node : order) {
+        const int own = column[std::size_t(node)];
+        if (own < 0)
+            continue;
+        widths.resize(std::max(widths.size(), std::size_t(own) + 1), 0.0);
+        if (m_nodes[std::size_t(node)].hasItem)
+            widths[std::size_t(own)] = std::max(widths[std::size_t(own)],
+                                                m_nodes[std::size_t(node)].size.width());
+        for (const Input &input : m_nodes[std::size_t(node)].inputs) {
+            if (input.source >= 0)
+                column[std::size_t(input.source)] = std::max(column[std::size_t(input.source)],
+                                                             own + 1);
         }
     }
+    std::vector<qreal> lefts(widths.size(), m_nodes[std::size_t(root)].position.x());
+    for (std::size_t i = 1; i < widths.size(); ++i)
+        lefts[i] = lefts[i - 1] - widths[i] - ColumnGap;
+    std::vector<qreal> places(m_nodes.size(), NoPlace);
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        if (column[i] >= 0 && column[i] < int(lefts.size()))
+            places[i] = lefts[std::size_t(column[i])];
+    }
+    return places;
+}
+
+/// What several trees share belongs to the first, and stands left of all that it feeds when that is the tree in which
+/// it lies furthest left: each start comes before those in whose trees more of what they share lies further right.
+QVector<int> ColumnLayout::leftFirst(const QVector<int> &starts) const
+{
+    const std::size_t count = std::size_t(starts.size());
+    const std::vector<int> order = downstreamFirst();
+    std::vector<std::vector<std::pair<qreal, int>>> trees(m_nodes.size()); // that reach a node
+    for (std::size_t s = 0; s < count; ++s) {
+        const std::vector<qreal> places = placesAlone(starts.at(int(s)), order);
+        for (std::size_t node = 0; node < places.size(); ++node) {
+            if (places[node] < NoPlace)
+                trees[node].emplace_back(places[node], int(s));
+        }
+    }
+    std::vector<int> wins(count * count, 0); // of the first over the second
+    for (const auto &reaching : trees) {
+        if (reaching.size() < 2)
+            continue;
+        const auto left = std::min_element(reaching.begin(), reaching.end());
+        for (const auto &other : reaching)
+            wins[std::size_t(left->second) * count + std::size_t(other.second)] +=
+                other.first > left->first ? 1 : 0;
+    }
+    return byWins(starts, wins);
+}
+
+/// Next is always who wins most over those that are left.
+QVector<int> ColumnLayout::byWins(const QVector<int> &starts, const std::vector<int> &wins)
+{
+    const std::size_t count = std::size_t(starts.size());
+    std::vector<int> lead(count, 0);
+    for (std::size_t one = 0; one < count; ++one) {
+        for (std::size_t other = 0; other < count; ++other)
+            lead[one] += wins[one * count + other] - wins[other * count + one];
+    }
+    QVector<int> order;
+    std::vector<bool> isTaken(count, false);
+    while (order.size() < starts.size()) {
+        std::size_t best = count;
+        for (std::size_t s = 0; s < count; ++s) {
+            if (!isTaken[s] && (best == count || lead[s] > lead[best]))
+                best = s;
+        }
+        isTaken[best] = true;
+        order.append(starts.at(int(best)));
+        for (std::size_t s = 0; s < count; ++s)
+            lead[s] += wins[s * count + best] - wins[best * count + s];
+    }
+    return order;
 }
 
 void ColumnLayout::keepClearOf(int node)
@@ -151,18 +225,6 @@ void ColumnLayout::keepClearOf(int node)
         [](const QRectF &a, const QRectF &b) { return a.left() < b.left(); });
     m_obstacles.insert(place, obstacle);
     m_widestObstacle = std::max(m_widestObstacle, obstacle.width());
-}
-
-void ColumnLayout::stopKeepingClearOf(int node)
-{
-    const QRectF obstacle = rect(node).marginsAdded(m_nodes[std::size_t(node)].margins);
-    auto place = std::lower_bound(
-        m_obstacles.begin(), m_obstacles.end(), obstacle.left(),
-        [](const QRectF &rect, qreal left) { return rect.left() < left; });
-    while (place != m_obstacles.end() && *place != obstacle)
-        ++place;
-    if (place != m_obstacles.end())
-        m_obstacles.erase(place);
 }
 
 std::vector<bool> ColumnLayout::upstreamOf(const QVector<int> &starts, bool includeStarts) const

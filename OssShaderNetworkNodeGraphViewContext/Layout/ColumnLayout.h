@@ -49,8 +49,8 @@ public:
 
     explicit ColumnLayout(std::vector<Node> nodes);
 
-    /// Lays out the tree of each start node, in an order in which no wire runs backward, as far as there is one; what
-    /// still would goes further left. Nodes that stand in the tree of an earlier one are
+    /// Lays out the tree of each start node, in an order in which few wires run backward, and none where there is such
+    /// an order. What a layout has made stays as it is. Nodes that stand in the tree of an earlier one are
     /// left alone by the later ones; start nodes upstream of another come with its tree. Nodes of
     /// no tree, and those placed before, are kept clear of, unless they are `ignored` (such as
     /// backdrops, which lie behind).
@@ -75,9 +75,12 @@ private:
 
     void layOutInOrder(const QVector<int> &starts);
     int backwardWires() const;
-    std::vector<QVector<int>> otherOrders(const QVector<int> &starts) const;
-    void mendBackwardWires();
+    bool standsAsBefore() const;
+    bool layOutLeftFirst(const QVector<int> &starts);
     std::vector<int> downstreamFirst() const;
+    std::vector<qreal> placesAlone(int root, const std::vector<int> &order) const;
+    QVector<int> leftFirst(const QVector<int> &starts) const;
+    static QVector<int> byWins(const QVector<int> &starts, const std::vector<int> &wins);
     void gatherObstacles(const std::vector<bool> &without);
     QVector<int> sortedStarts(const QVector<int> &startNodes) const;
     std::vector<bool> upstreamOf(const QVector<int> &starts, bool includeStarts) const;
@@ -87,7 +90,6 @@ private:
     void enter(const Entry &entry, int column, Columns *columns);
     void enterSources(int node, int root, int column, Columns *columns);
     void keepClearOf(int node);
-    void stopKeepingClearOf(int node);
     void layoutTree(int root);
     void placeColumn(const std::vector<Entry> &column, qreal width, qreal x, const QPointF &root);
     qreal entryY(const Entry &entry, qreal cursor, qreal rootY) const;

@@ -1,11 +1,9 @@
 #include "OssEvaluation/Geometry/GltfReader.h"
 
-#include "OssEvaluation/Geometry/EqualVertices.h"
 #include "OssEvaluation/Geometry/GltfScene.h"
 #include "OssEvaluation/Geometry/MeshParts.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace {
 
@@ -85,58 +83,6 @@ void addVertices(const Primitive &from, const GltfScene::Numbers *uvs, const aiM
     }
 }
 
-template <class Value>
-void keep(const std::vector<std::uint32_t> &kept, std::size_t before, std::vector<Value> *values)
-{
-    if (values->empty())
-        return;
-    for (std::size_t i = 0; i < kept.size(); ++i)
-        (*values)[before + i] = (*values)[before + kept[i]];
-    values->resize(before + kept.size());
-}
-
-/// Makes one vertex of those that are the same, from one on. Gives the numbers of all of them; none where no
-/// two have the same place.
-std::vector<std::uint32_t> weld(OssEvMesh *mesh, std::size_t before)
-{
-    const OssEvMesh::Vector3 *places = mesh->positions.data() + before;
-    const std::size_t count = mesh->positions.size() - before;
-    const auto placeOf = [places](std::uint32_t i) {
-        return places[i];
-    };
-    std::vector<std::uint32_t> numbers = firstOfEqual(count, placeOf);
-    const auto isFirst = [&numbers](std::uint32_t i) {
-        return numbers[i] == i;
-    };
-    std::uint32_t unique = 0;
-    while (unique < count && isFirst(unique))
-        ++unique;
-    if (unique == count)
-        return {};
-    const auto isSame = [before](const auto &values, std::uint32_t a, std::uint32_t b) {
-        return values.empty()
-               || std::memcmp(&values[before + a], &values[before + b], sizeof(values[0])) == 0;
-    };
-    numbers = firstOfEqual(count, placeOf, [&](std::uint32_t a, std::uint32_t b) {
-        return isSame(mesh->positions, a, b) && isSame(mesh->normals, a, b)
-               && isSame(mesh->uvs, a, b) && isSame(mesh->colors, a, b);
-    });
-    std::vector<std::uint32_t> kept;
-    for (std::uint32_t i = 0; i < count; ++i) {
-        if (isFirst(i)) {
-            numbers[i] = std::uint32_t(before + kept.size());
-            kept.push_back(i);
-        } else {
-            numbers[i] = numbers[numbers[i]]; // that one has its own already
-        }
-    }
-    keep(kept, before, &mesh->positions);
-    keep(kept, before, &mesh->normals);
-    keep(kept, before, &mesh->uvs);
-    keep(kept, before, &mesh->colors);
-    return numbers;
-}
-
 /// Corners of a triangle by their place among the primitive's.
 std::array<std::size_t, 3> cornersOf(int mode, std::size_t triangle)
 {
@@ -187,7 +133,7 @@ bool addPrimitive(const GltfScene::Placed &placed, const Primitive &from, const 
         parts->tellWithoutUvs(placed.object, goal.part);
     const std::size_t before = goal.mesh->positions.size();
     addVertices(from, uvs, placed.matrix, goal.mesh);
-    const std::vector<std::uint32_t> numbers = weld(goal.mesh, before);
+    const std::vector<std::uint32_t> numbers = MeshParts::weld(goal.mesh, before);
     goal.mesh->hasSeparatePlaces = before == 0 && numbers.empty();
     const bool isMirrored = aiMatrix3x3(placed.matrix).Determinant() < 0.0F;
     return addFaces(from, numbers, before, isMirrored, goal);

@@ -1,12 +1,24 @@
 #include "OssEvaluation/Geometry/MeshParts.h"
 
+#include "OssEvaluation/Geometry/EqualVertices.h"
 #include "OssEvaluation/Geometry/OssEvPolygons.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace {
 
 using OssEvMeshFile::Options;
+
+template <class Value>
+void keep(const std::vector<std::uint32_t> &kept, std::size_t before, std::vector<Value> *values)
+{
+    if (values->empty())
+        return;
+    for (std::size_t i = 0; i < kept.size(); ++i)
+        (*values)[before + i] = (*values)[before + kept[i]];
+    values->resize(before + kept.size());
+}
 
 } // namespace
 
@@ -90,4 +102,44 @@ void MeshParts::addFace(const Goal &goal, const std::vector<std::uint32_t> &corn
         mesh->faces.push_back(number);
         mesh->materials.push_back(goal.slot);
     }
+}
+
+std::vector<std::uint32_t> MeshParts::weld(OssEvMesh *mesh, std::size_t before)
+{
+    const OssEvMesh::Vector3 *places = mesh->positions.data() + before;
+    const std::size_t count = mesh->positions.size() - before;
+    const auto placeOf = [places](std::uint32_t i) {
+        return places[i];
+    };
+    std::vector<std::uint32_t> numbers = firstOfEqual(count, placeOf);
+    const auto isFirst = [&numbers](std::uint32_t i) {
+        return numbers[i] == i;
+    };
+    std::uint32_t unique = 0;
+    while (unique < count && isFirst(unique))
+        ++unique;
+    if (unique == count)
+        return {};
+    const auto isSame = [before](const auto &values, std::uint32_t a, std::uint32_t b) {
+        return values.empty()
+               || std::memcmp(&values[before + a], &values[before + b], sizeof(values[0])) == 0;
+    };
+    numbers = firstOfEqual(count, placeOf, [&](std::uint32_t a, std::uint32_t b) {
+        return isSame(mesh->positions, a, b) && isSame(mesh->normals, a, b)
+               && isSame(mesh->uvs, a, b) && isSame(mesh->colors, a, b);
+    });
+    std::vector<std::uint32_t> kept;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        if (isFirst(i)) {
+            numbers[i] = std::uint32_t(before + kept.size());
+            kept.push_back(i);
+        } else {
+            numbers[i] = numbers[numbers[i]]; // that one has its own already
+        }
+    }
+    keep(kept, before, &mesh->positions);
+    keep(kept, before, &mesh->normals);
+    keep(kept, before, &mesh->uvs);
+    keep(kept, before, &mesh->colors);
+    return numbers;
 }

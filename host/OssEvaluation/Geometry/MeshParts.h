@@ -5,6 +5,8 @@
 #include <assimp/types.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
@@ -36,6 +38,10 @@ public:
 
     /// A polygon of vertices that the mesh has.
     static void addFace(const Goal &goal, const std::vector<std::uint32_t> &corners);
+
+    /// Makes one vertex of those that are the same, from one on. Gives the numbers of all of them; none where no two
+    /// have the same place.
+    static std::vector<std::uint32_t> weld(OssEvMesh *mesh, std::size_t before);
 
     /// Why a file cannot be read, in words.
     static const char *const NoSuchVertex;

@@ -4,6 +4,8 @@
 #include "OssEvaluation/Geometry/ObjReader.h"
 #include "OssEvaluation/Geometry/OssEvMeshScene.h"
 #include "OssEvaluation/Geometry/OssEvUnwrap.h"
+#include "OssEvaluation/Geometry/PlyReader.h"
+#include "OssEvaluation/Geometry/StlReader.h"
 
 #include <assimp/config.h>
 #include <assimp/Importer.hpp>
@@ -164,13 +166,19 @@ OssEvResult readMeshes(const std::string &path, const Options &options, Progress
     OssEvResult result;
     bool isDone = false;
     const std::string suffix = suffixOf(path);
+    const auto tell = [progress](double share) {
+        progress->Update(float(share));
+    };
     if (suffix == "glb" || suffix == "gltf")
         result = GltfReader::read(path, options, meshes, reading, cancel, &isDone);
+    else if (suffix == "ply")
+        result = PlyReader::read(path, options, meshes, reading, cancel, tell, &isDone);
+    else if (suffix == "stl")
+        result = StlReader::read(path, options, meshes, reading, cancel, tell, &isDone);
     if (isDone) {
         // What the other library would not read better.
     } else if (suffix == "obj") {
-        result = ObjReader::read(path, options, meshes, reading, leftOut, cancel,
-                                 [progress](double share) { progress->Update(float(share)); });
+        result = ObjReader::read(path, options, meshes, reading, leftOut, cancel, tell);
     } else {
         std::unique_ptr<aiScene> scene;
         result = readScene(path, progress, &scene);

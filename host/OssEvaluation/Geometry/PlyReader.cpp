@@ -1,0 +1,467 @@
+#include "OssEvaluation/Geometry/PlyReader.h"
+
+#include "OssEvaluation/Geometry/FileBytes.h"
+#include "OssEvaluation/Geometry/MeshParts.h"
+#include "OssEvaluation/Geometry/ObjLines.h"
+#include "OssEvaluation/Geometry/PlyHeader.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstring>
+#include <filesystem>
+#include <limits>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+namespace {
+
+using OssEvMeshFile::Options;
+using OssEvMeshFile::Reading;
+using Type = PlyHeader::Type;
+using Property = PlyHeader::Property;
+using Element = PlyHeader::Element;
+
+constexpr std::size_t LooksEvery = 4096; ///< vertices or faces
+constexpr std::size_t MostCorners = 1U << 20;
+const std::string OnlyUvSet = "UV 1";
+
+/// What of a vertex is wanted.
+enum Field { X, Y, Z, NormalX, NormalY, NormalZ, U, V, Red, Green, Blue, Alpha, FieldCount };
+
+Field fieldOf(std::string_view name)
+{
+    struct Name
+    {
+        std::string_view name;
+        Field field;
+    };
+
+    static constexpr Name Names[] = {
+        {"x", X},
+        {"y", Y},
+        {"z", Z},
+        {"nx", NormalX},
+        {"ny", NormalY},
+        {"nz", NormalZ},
+        {"u", U},
+        {"s", U},
+        {"tx", U},
+        {"texture_u", U},
+        {"v", V},
+        {"t", V},
+        {"ty", V},
+        {"texture_v", V},
+        {"red", Red},
+        {"r", Red},
+        {"green", Green},
+        {"g", Green},
+        {"blue", Blue},
+        {"b", Blue},
+        {"alpha", Alpha},
+        {"diffuse_red", Red},
+        {"diffuse_green", Green},
+        {"diffuse_blue", Blue},
+        {"diffuse_alpha", Alpha},
+    };
+    for (const Name &known : Names) {
+        if (known.name == name)
+            return known.field;
+    }
+    return FieldCount;
+}
+
+/// Numbers of the file, one after the other.
+class Numbers
+{
+public:
+    virtual ~Numbers() = default;
+    /// False where there is none. Whole numbers of 32 bits are kept as they are.
+    virtual bool next(Type type, double *value) = 0;
+
+    /// A line, or nothing, ends here: false where more comes on it.
+    virtual bool endElement() { return true; }
+};
+
+class BinaryNumbers : public Numbers
+{
+public:
+    BinaryNumbers(const std::string &path, const PlyHeader &header)
+        : m_bytes(path)
+        , m_isSwapped(header.form == PlyHeader::Form::BigEndian)
+    {
+        m_bytes.next(header.size);
+    }
+
+    bool next(Type type, double *value) override
+    {
+        const std::size_t size = PlyHeader::sizeOf(type);
+        const char *raw = m_bytes.next(size);
+        if (raw == nullptr)
+            return false;
+        std::array<char, 8> own{};
+        std::memcpy(own.data(), raw, size);
+        if (m_isSwapped)
+            std::reverse(own.begin(), own.begin() + std::ptrdiff_t(size));
+        *value = valueOf(type, own.data());
+        return true;
+    }
+
+private:
+    template <class Number>
+    static double as(const char *raw)
+    {
+        Number number{};
+        std::memcpy(&number, raw, sizeof(number));
+        return double(number);
+    }
+
+    static double valueOf(Type type, const char *raw)
+    {
+        switch (type) {
+        case Type::Int8:
+            return as<std::int8_t>(raw);
+        case Type::UInt8:
+            return as<std::uint8_t>(raw);
+        case Type::Int16:
+            return as<std::int16_t>(raw);
+        case Type::UInt16:
+            return as<std::uint16_t>(raw);
+        case Type::Int32:
+            return as<std::int32_t>(raw);
+        case Type::UInt32:
+            return as<std::uint32_t>(raw);
+        case Type::Float:
+            return as<float>(raw);
+        case Type::Double:
+            return as<double>(raw);
+        }
+        return 0.0;
+    }
+
+    FileBytes m_bytes;
+    bool m_isSwapped;
+};
+
+/// A line for each vertex and face.
+class TextNumbers : public Numbers
+{
+public:
+    TextNumbers(const std::string &path, const PlyHeader &header)
+        : m_lines(path)
+    {
+        std::string_view line;
+        for (std::size_t i = 0; i < header.lines; ++i)
+            m_lines.next(&line);
+    }
+
+    bool next(Type type, double *value) override
+    {
+        std::string_view line;
+        while (m_isAtEnd) {
+            if (!m_lines.next(&line))
+                return false;
+            m_words = ObjWords(line);
+            m_isAtEnd = m_words.rest().empty();
+        }
+        if (type != Type::Float && type != Type::Double) {
+            std::string_view word = m_words.next();
+            long long number = 0;
+            if (!ObjWords::index(&word, &number) || !word.empty())
+                return false;
+            *value = double(number);
+            return true;
+        }
+        float number = 0.0F;
+        bool isThere = true;
+        if (!m_words.number(&number, &isThere) || !isThere)
+            return false;
+        *value = double(number);
+        return true;
+    }
+
+    bool endElement() override
+    {
+        m_isAtEnd = true;
+        return m_words.rest().empty();
+    }
+
+private:
+    ObjLines m_lines;
+    ObjWords m_words{{}};
+    bool m_isAtEnd = true;
+};
+
+class Reader
+{
+public:
+    Reader(const std::string &path, const Options &options, const OssEvCancel *cancel,
+           const std::function<void(double)> &progress)
+        : m_path(path)
+        , m_options(options)
+        , m_cancel(cancel)
+        , m_progress(progress)
+        , m_matrix(MeshParts::placing(1.0, options.up == Options::Up::Z, options))
+        , m_parts(options, &reading)
+    {
+    }
+
+    /// False where the library is to have a look at it.
+    bool run(OssEvResult *result)
+    {
+        std::error_code fault;
+        m_size = std::filesystem::file_size(m_path, fault);
+        if (fault || !m_header.read(m_path) || !isKnown())
+            return false;
+        if (m_header.form == PlyHeader::Form::Text)
+            m_numbers = std::make_unique<TextNumbers>(m_path, m_header);
+        else
+            m_numbers = std::make_unique<BinaryNumbers>(m_path, m_header);
+        m_goal = m_parts.goal(std::filesystem::path(m_path).stem().string(), {});
+        for (const Element &element : m_header.elements) {
+            const bool isRead = &element == m_vertices ? readVertices(result)
+                                : &element == m_faces  ? readFaces(result)
+                                                       : pass(element);
+            if (!isRead || !*result)
+                return isRead;
+        }
+        using namespace OssEvMeshCheck;
+        if (reading.faces == 0)
+            *result = OssEvResult::failure(inWords({finding(Kind::NoFaces, 0)}));
+        else if (reading.faces > MostFaces)
+            *result = OssEvResult::failure(inWords({finding(Kind::TooManyFaces, reading.faces)}));
+        return true;
+    }
+
+    std::vector<std::shared_ptr<OssEvMesh>> meshes() const { return m_parts.meshes(); }
+
+    Reading reading;
+
+private:
+    static bool isColor(Field field) { return field >= Red && field <= Alpha; }
+
+    bool hasField(Field field) const
+    {
+        return std::find(m_fields.begin(), m_fields.end(), field) != m_fields.end();
+    }
+
+    /// Vertices first, then faces with nothing of their own, and no more of either than the file has room for.
+    bool isKnown()
+    {
+        for (const Element &element : m_header.elements) {
+            if (element.name == "vertex" && m_vertices == nullptr && m_faces == nullptr)
+                m_vertices = &element;
+            else if (element.name == "face" && m_vertices != nullptr && m_faces == nullptr)
+                m_faces = &element;
+            else if (element.name != "edge")
+                return false;
+        }
+        if (m_faces == nullptr || m_vertices->count > m_size || m_faces->count > m_size)
+            return false;
+        for (const Property &property : m_vertices->properties) {
+            const Field field = fieldOf(property.name);
+            const bool isReal = property.type == Type::Float || property.type == Type::Double;
+            const bool isShare = property.type == Type::UInt8 || property.type == Type::UInt16;
+            if (property.isList || (field < FieldCount && hasField(field))
+                || (isColor(field) ? !isReal && !isShare : field < FieldCount && !isReal))
+                return false;
+            m_fields.push_back(field);
+        }
+        std::size_t lists = 0;
+        for (const Property &property : m_faces->properties) {
+            const bool isCorners = property.name == "vertex_indices"
+                                   || property.name == "vertex_index";
+            if (property.isList != isCorners || property.name.find("material") != std::string::npos
+                || property.name.find("tex") != std::string::npos)
+                return false;
+            lists += isCorners ? 1 : 0;
+        }
+        return lists == 1 && hasField(X) && hasField(Y) && hasField(Z);
+    }
+
+    bool isStopped(std::size_t done, std::size_t all, OssEvResult *result)
+    {
+        if (done % LooksEvery != 0)
+            return false;
+        if (m_progress)
+            m_progress(double(done) / double(std::max<std::size_t>(all, 1)));
+        if (m_cancel == nullptr || !m_cancel->isCancelled())
+            return false;
+        *result = OssEvResult::failure("it was stopped");
+        return true;
+    }
+
+    bool pass(const Element &element)
+    {
+        for (std::size_t i = 0; i < element.count; ++i) {
+            for (const Property &property : element.properties) {
+                double left = 1.0;
+                if (property.isList && !m_numbers->next(property.countType, &left))
+                    return false;
+                double passed = 0.0;
+                for (; left >= 1.0; left -= 1.0) {
+                    if (!m_numbers->next(property.type, &passed))
+                        return false;
+                }
+            }
+            if (!m_numbers->endElement())
+                return false;
+        }
+        return true;
+    }
+
+    bool readVertices(OssEvResult *result)
+    {
+        OssEvMesh *mesh = m_goal.mesh;
+        const bool hasUvs = hasField(U) && hasField(V);
+        m_takesUvs = hasUvs && (m_options.uvSet.empty() || m_options.uvSet == OnlyUvSet);
+        m_hasNormals = hasField(NormalX) && hasField(NormalY) && hasField(NormalZ);
+        m_hasColors = std::any_of(m_fields.begin(), m_fields.end(), isColor);
+        if (hasUvs)
+            reading.uvSets = {OnlyUvSet};
+        if (!m_takesUvs)
+            m_parts.tellWithoutUvs(reading.objects.front(), m_goal.part);
+        m_forNormals = aiMatrix3x3(m_matrix);
+        m_forNormals.Inverse().Transpose();
+        const std::size_t least = m_header.form == PlyHeader::Form::Text ? 2 * m_fields.size()
+                                                                         : m_fields.size();
+        if (m_vertices->count > m_size / least)
+            return false;
+        MeshParts::makeRoom(m_vertices->count, &mesh->positions);
+        MeshParts::makeRoom(m_vertices->count, &mesh->normals);
+        MeshParts::makeRoom(m_vertices->count, &mesh->uvs);
+        std::array<double, FieldCount + 1> values{};
+        for (std::size_t i = 0; i < m_vertices->count; ++i) {
+            if (isStopped(i, m_vertices->count + m_faces->count, result))
+                return true;
+            values[Alpha] = 1.0;
+            for (std::size_t k = 0; k < m_fields.size(); ++k) {
+                const Type type = m_vertices->properties[k].type;
+                double *value = &values[m_fields[k]];
+                if (!m_numbers->next(type, value))
+                    return false;
+                if (isColor(m_fields[k]))
+                    *value /= type == Type::UInt8 ? 255.0 : type == Type::UInt16 ? 65535.0 : 1.0;
+            }
+            if (!m_numbers->endElement())
+                return false;
+            addVertex(values);
+        }
+        return true;
+    }
+
+    void addVertex(const std::array<double, FieldCount + 1> &values)
+    {
+        OssEvMesh *mesh = m_goal.mesh;
+        const aiVector3D place = m_matrix
+                                 * aiVector3D(float(values[X]), float(values[Y]), float(values[Z]));
+        aiVector3D normal;
+        if (m_hasNormals)
+            normal = (m_forNormals
+                      * aiVector3D(float(values[NormalX]), float(values[NormalY]),
+                                   float(values[NormalZ])))
+                         .NormalizeSafe();
+        mesh->positions.push_back({place.x, place.y, place.z});
+        mesh->normals.push_back({normal.x, normal.y, normal.z});
+        mesh->uvs.push_back(m_takesUvs ? OssEvMesh::Vector2{float(values[U]), float(values[V])}
+                                       : OssEvMesh::Vector2{});
+        if (m_hasColors)
+            mesh->colors.push_back({float(values[Red]), float(values[Green]), float(values[Blue]),
+                                    float(values[Alpha])});
+    }
+
+    bool readFaces(OssEvResult *result)
+    {
+        OssEvMesh *mesh = m_goal.mesh;
+        const std::vector<std::uint32_t> numbers = MeshParts::weld(mesh, 0);
+        mesh->hasSeparatePlaces = numbers.empty();
+        const bool isMirrored = aiMatrix3x3(m_matrix).Determinant() < 0.0F;
+        if (m_faces->count > m_size / 4)
+            return false; // a count and three corners
+        MeshParts::makeRoom(m_faces->count, &mesh->triangles);
+        MeshParts::makeRoom(m_faces->count, &mesh->faces);
+        MeshParts::makeRoom(m_faces->count, &mesh->materials);
+        std::vector<std::uint32_t> corners;
+        for (std::size_t i = 0; i < m_faces->count; ++i) {
+            if (isStopped(m_vertices->count + i, m_vertices->count + m_faces->count, result))
+                return true;
+            if (!readCorners(&corners) || !m_numbers->endElement())
+                return false;
+            for (std::uint32_t &corner : corners) {
+                if (corner >= m_vertices->count) {
+                    *result = OssEvResult::failure(MeshParts::NoSuchVertex);
+                    return true;
+                }
+                corner = numbers.empty() ? corner : numbers[corner];
+            }
+            if (corners.size() < 3)
+                continue;
+            reading.faces += corners.size() - 2;
+            if (isMirrored)
+                std::reverse(corners.begin(), corners.end());
+            if (reading.faces <= OssEvMeshCheck::MostFaces)
+                MeshParts::addFace(m_goal, corners);
+        }
+        return true;
+    }
+
+    bool readCorners(std::vector<std::uint32_t> *corners)
+    {
+        constexpr double None = double(std::numeric_limits<std::uint32_t>::max());
+        for (const Property &property : m_faces->properties) {
+            double value = 0.0;
+            if (!property.isList) {
+                if (!m_numbers->next(property.type, &value))
+                    return false;
+                continue;
+            }
+            if (!m_numbers->next(property.countType, &value) || !(value >= 0.0)
+                || value > double(MostCorners))
+                return false;
+            corners->resize(std::size_t(value));
+            for (std::uint32_t &corner : *corners) {
+                if (!m_numbers->next(property.type, &value))
+                    return false;
+                corner = value >= 0.0 && value < None ? std::uint32_t(value)
+                                                      : std::numeric_limits<std::uint32_t>::max();
+            }
+        }
+        return true;
+    }
+
+    const std::string &m_path;
+    const Options &m_options;
+    const OssEvCancel *m_cancel;
+    const std::function<void(double)> &m_progress;
+    const aiMatrix4x4 m_matrix;
+    aiMatrix3x3 m_forNormals;
+    MeshParts m_parts;
+    MeshParts::Goal m_goal;
+    PlyHeader m_header;
+    std::uintmax_t m_size = 0;
+    const Element *m_vertices = nullptr;
+    const Element *m_faces = nullptr;
+    std::vector<Field> m_fields; ///< of the vertices' properties
+    std::unique_ptr<Numbers> m_numbers;
+    bool m_takesUvs = false;
+    bool m_hasNormals = false;
+    bool m_hasColors = false;
+};
+
+} // namespace
+
+OssEvResult PlyReader::read(const std::string &path, const Options &options,
+                            std::vector<std::shared_ptr<OssEvMesh>> *meshes, Reading *reading,
+                            const OssEvCancel *cancel, const std::function<void(double)> &progress,
+                            bool *isUnderstood)
+{
+    Reader reader(path, options, cancel, progress);
+    OssEvResult result;
+    *isUnderstood = reader.run(&result);
+    if (*isUnderstood) {
+        *reading = std::move(reader.reading);
+        *meshes = reader.meshes();
+    }
+    return result;
+}

@@ -183,5 +183,6 @@ void GraphValues::attachNotes()
                 own.besideFrame = f;
             }
         }
+        own.standsApart = own.frame < 0 && own.attachedTo < 0 && own.besideFrame < 0;
     }
 }

@@ -10,6 +10,7 @@ struct Part
     Layers layers;
     std::vector<int> nodeOf;  ///< of boxes: whom others are attached to
     std::vector<int> frameOf; ///< of frames
+    double around = 0.0;      ///< that others leave free, beyond the gap between parts
     OssLyRect today;
     OssLyRect placed;
 };

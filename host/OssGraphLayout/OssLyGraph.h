@@ -51,7 +51,8 @@ struct OssLyNode
     int attachedTo = -1;
     int besideFrame =
         -1; ///< a frame near which it stands and with which it goes; then it has none itself
-    bool looksOnly = false; ///< a viewer: stands right of what it is wired to, and forms nothing
+    bool standsApart = false; ///< so far from others that it is about none of them: a note
+    bool looksOnly = false;   ///< a viewer: stands right of what it is wired to, and forms nothing
 };
 
 struct OssLyWire
@@ -81,8 +82,9 @@ struct OssLyOptions
 {
     double columnGap = 150.0;
     double rowGap = 60.0;
-    double wireGap = 30.0; ///< between a wire that passes by and its neighbours
-    double partGap = 60.0; ///< between parts that nothing joins
+    double wireGap = 30.0;   ///< between a wire that passes by and its neighbours
+    double partGap = 60.0;   ///< between parts that nothing joins
+    double apartGap = 125.0; ///< between what stands apart and others
 };
 
 struct OssLyPlaces

@@ -60,6 +60,11 @@ OssLyRect withFrames(const Layers &layers, const Layers::Box &box)
     return outer;
 }
 
+OssLyRect grown(const OssLyRect &rect, double by)
+{
+    return {rect.x - by, rect.y - by, rect.width + 2.0 * by, rect.height + 2.0 * by};
+}
+
 /// What a part consists of, from its top left corner.
 PackedPart packable(const Part &part)
 {
@@ -78,7 +83,7 @@ PackedPart packable(const Part &part)
         int outermost = box.frame;
         while (outermost >= 0 && layers.frames[at(outermost)].parent >= 0)
             outermost = layers.frames[at(outermost)].parent;
-        const OssLyRect area = fromCorner(withFrames(layers, box));
+        const OssLyRect area = fromCorner(grown(withFrames(layers, box), part.around));
         if (outermost >= 0)
             frames[at(outermost)] = frames[at(outermost)].united(area);
         else
@@ -217,6 +222,8 @@ void Arrangement::fillPart(Part *part, const std::vector<int> &nodes)
         m_boxOf[at(n)] = int(layers.boxes.size());
         layers.boxes.push_back({m_boxes[at(n)], enter(m_graph.nodes[at(n)].frame, enter)});
         part->nodeOf.push_back(n);
+        if (m_graph.nodes[at(n)].standsApart)
+            part->around = m_options.apartGap - m_options.partGap;
     }
 }
 
@@ -333,7 +340,7 @@ void Arrangement::placePart(Part *part)
     std::vector<OssLyRect> today;
     for (const Layers::Box &box : layers.boxes) {
         today.push_back(box.rect);
-        part->today = part->today.united(withFrames(layers, box));
+        part->today = part->today.united(grown(withFrames(layers, box), part->around));
     }
     rankBoxes(&layers);
     layers.build();
@@ -343,7 +350,7 @@ void Arrangement::placePart(Part *part)
             layers.boxes[b].rect = today[b];
     }
     for (const Layers::Box &box : layers.boxes)
-        part->placed = part->placed.united(withFrames(layers, box));
+        part->placed = part->placed.united(grown(withFrames(layers, box), part->around));
 }
 
 void Arrangement::makeParts()

@@ -252,6 +252,13 @@ TEST(OssLyLayout, aSmallPartGoesWhereALargeOneLeavesRoomAndStaysThere)
     const OssLyMeasure found = ossLyMeasured(graph, places.nodes);
     EXPECT_EQ(found.width * found.height, alone.width * alone.height);
     EXPECT_EQ(found.throughNodes, 0);
+    graph.nodes.back().standsApart = true;
+    const OssLyPlaces apart = OssLyLayout::arranged(graph);
+    OssLyRect around = apart.nodes.back();
+    around = {around.x - 120.0, around.y - 120.0, around.width + 240.0, around.height + 240.0};
+    for (std::size_t n = 0; n + 1 < graph.nodes.size(); ++n)
+        EXPECT_FALSE(apart.nodes[n].intersects(around));
+    graph.nodes.back().standsApart = false;
     expectWhole(graph, places);
     const OssLyPlaces again = OssLyLayout::arranged(moved(graph, places));
     for (std::size_t n = 0; n < graph.nodes.size(); ++n)

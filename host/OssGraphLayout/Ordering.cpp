@@ -395,12 +395,7 @@ std::vector<Ordering::Order> Ordering::run(std::int64_t budget)
     for (int start = 0;
          start < starts && best.front().crossings > 0 && !m_layers.isKept && m_budget > 0;
          ++start) {
-        if (start < FewStarts) {
-            startFromWalk(start == 1);
-        } else {
-            restore(best.front().order);
-            startShaken(unsigned(start));
-        }
+        startAgain(start, best.front().order);
         keep(improve(MostSweeps), &best);
     }
     restore(best.front().order);

@@ -10,8 +10,8 @@
 namespace {
 
 // Pairs to look at: of large graphs so many for each box, so that time grows no faster than they do.
-constexpr long RefineBudget = 1500;
-constexpr long OrderBudget = 250;
+constexpr long RefineBudget = 1200;
+constexpr long OrderBudget = 350;
 constexpr long SmallGraph = 9000;     ///< boxes whose budget small graphs have
 constexpr std::size_t FewBoxes = 150; ///< of which several orders are tried to the end
 constexpr double RoomCost = 0.25e-6;  ///< of a square unit

@@ -7,8 +7,9 @@
 
 namespace {
 
-constexpr double WorthMoving = 1.15;  ///< so much larger may an area be that stays
-constexpr double MostSlender = 3.0;   ///< width to height
+constexpr double WorthMoving = 1.15; ///< so much larger may an area be that stays
+constexpr double MostSlender = 3.0;  ///< width to height
+constexpr std::size_t ManyParts = 2000;
 constexpr std::size_t MostTucked = 8; ///< parts
 constexpr std::size_t MostAreas = 100;
 
@@ -187,9 +188,15 @@ bool tuckAllIn(std::vector<PackedPart> *parts, double gap)
     return true;
 }
 
-} // namespace
+double costOf(const OssLyRect &all, double widest)
+{
+    const double area = all.width * all.height;
+    const bool isSlender = all.width > MostSlender * all.height && all.width > widest;
+    return isSlender ? area * all.width / (MostSlender * all.height) : area;
+}
 
-void packParts(std::vector<PackedPart> *parts, double gap)
+/// In rows of the width that needs least room; gives the cost.
+double packInRows(std::vector<PackedPart> *parts, double gap)
 {
     std::vector<std::size_t> byPlace(parts->size());
     std::iota(byPlace.begin(), byPlace.end(), std::size_t(0));
@@ -210,40 +217,44 @@ void packParts(std::vector<PackedPart> *parts, double gap)
     });
     double bestCost = -1.0;
     std::vector<PackedPart> best = *parts;
-    for (double limit = widest;
-         limit <= std::max(widest, std::min(sum, 2.0 * std::sqrt(area))) + 1.0;
-         limit = limit * 1.15 + 1.0) {
+    const double widestRow = std::max(widest, std::min(sum, 2.0 * std::sqrt(area)));
+    for (double limit = widest; limit <= widestRow + 1.0; limit = limit * 1.15 + 1.0) {
         for (const std::vector<std::size_t> *order : {&byPlace, &byHeight}) {
-            const OssLyRect all = pack(parts, *order, limit, gap);
-            double cost = all.width * all.height;
-            if (all.width > MostSlender * all.height && all.width > widest)
-                cost *= all.width / (MostSlender * all.height);
-            if (order == &byHeight)
-                cost *= 1.1; // the order of today is worth as much
+            // The order of today is worth as much.
+            const double cost = costOf(pack(parts, *order, limit, gap), widest)
+                                * (order == &byHeight ? 1.1 : 1.0);
             if (bestCost < 0.0 || cost < bestCost) {
                 bestCost = cost;
                 best = *parts;
             }
         }
     }
+    *parts = best;
+    return bestCost;
+}
+
+} // namespace
+
+void packParts(std::vector<PackedPart> *parts, double gap)
+{
+    double cost = packInRows(parts, gap);
     std::vector<PackedPart> tucked = *parts;
     if (tuckAllIn(&tucked, gap)) {
-        best = tucked;
-        bestCost = 0.0;
+        *parts = tucked;
+        cost = 0.0;
         for (const PackedPart &part : tucked)
-            bestCost = std::max(bestCost, part.width * part.height);
+            cost = std::max(cost, part.width * part.height);
     }
     std::vector<OssLyRect> today;
-    if (parts->size() < 2000 && stay(*parts, gap, &today)) {
-        OssLyRect all;
-        for (const OssLyRect &place : today)
-            all = all.united(place);
-        if (all.width * all.height <= WorthMoving * bestCost) {
-            for (std::size_t i = 0; i < today.size(); ++i) {
-                best[i].x = today[i].x;
-                best[i].y = today[i].y;
-            }
-        }
+    if (parts->size() >= ManyParts || !stay(*parts, gap, &today))
+        return;
+    OssLyRect all;
+    for (const OssLyRect &place : today)
+        all = all.united(place);
+    if (all.width * all.height > WorthMoving * cost)
+        return;
+    for (std::size_t i = 0; i < today.size(); ++i) {
+        (*parts)[i].x = today[i].x;
+        (*parts)[i].y = today[i].y;
     }
-    *parts = best;
 }

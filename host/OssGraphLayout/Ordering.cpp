@@ -400,6 +400,7 @@ std::vector<Ordering::Order> Ordering::run(std::int64_t budget)
     }
     restore(best.front().order);
     std::vector<Order> orders;
+    orders.reserve(best.size());
     for (Found &found : best)
         orders.push_back(std::move(found.order));
     return orders;

@@ -20,45 +20,51 @@ struct Step
     double y;
 };
 
-/// In a skyline each goes where it lies highest, then furthest left.
+using Skyline = std::vector<Step>;
+
+/// Where a part lies highest, then furthest left.
+OssLyPoint highestPlace(const Skyline &line, const PackedPart &part, double limit, double gap)
+{
+    OssLyPoint best{line.front().x, -1.0};
+    for (std::size_t i = 0; i < line.size() && line[i].x + part.width <= limit + 0.001; ++i) {
+        double y = 0.0;
+        const double end = line[i].x + part.width + gap;
+        for (std::size_t j = i; j < line.size() && line[j].x < end; ++j)
+            y = std::max(y, line[j].y);
+        if (best.y < 0.0 || y < best.y - 0.001)
+            best = {line[i].x, y};
+    }
+    best.y = std::max(0.0, best.y);
+    return best;
+}
+
+/// The line with what now stands there.
+Skyline raised(const Skyline &line, double left, double right, double y)
+{
+    Skyline next;
+    for (const Step &step : line) {
+        const double end = step.x + step.width;
+        if (step.x < left)
+            next.push_back({step.x, std::min(end, left) - step.x, step.y});
+        if (end > right)
+            next.push_back({std::max(step.x, right), end - std::max(step.x, right), step.y});
+    }
+    next.push_back({left, right - left, y});
+    std::sort(next.begin(), next.end(), [](const Step &a, const Step &b) { return a.x < b.x; });
+    return next;
+}
+
 OssLyRect pack(std::vector<PackedPart> *parts, const std::vector<std::size_t> &order, double limit,
                double gap)
 {
     OssLyRect all;
-    std::vector<Step> line{{0.0, limit + gap, 0.0}};
+    Skyline line{{0.0, limit + gap, 0.0}};
     for (const std::size_t index : order) {
         PackedPart &part = (*parts)[index];
-        std::size_t best = 0;
-        double bestY = -1.0;
-        for (std::size_t i = 0; i < line.size() && line[i].x + part.width <= limit + 0.001; ++i) {
-            double y = 0.0;
-            for (std::size_t j = i; j < line.size() && line[j].x < line[i].x + part.width + gap;
-                 ++j)
-                y = std::max(y, line[j].y);
-            if (bestY < 0.0 || y < bestY - 0.001) {
-                bestY = y;
-                best = i;
-            }
-        }
-        part.x = line[best].x;
-        part.y = std::max(0.0, bestY);
-        const double left = part.x;
-        const double right = part.x + part.width + gap;
-        std::vector<Step> next;
-        for (const Step &step : line) {
-            const double end = step.x + step.width;
-            if (end <= left || step.x >= right) {
-                next.push_back(step);
-                continue;
-            }
-            if (step.x < left)
-                next.push_back({step.x, left - step.x, step.y});
-            if (end > right)
-                next.push_back({right, end - right, step.y});
-        }
-        next.push_back({left, right - left, part.y + part.height + gap});
-        std::sort(next.begin(), next.end(), [](const Step &a, const Step &b) { return a.x < b.x; });
-        line = next;
+        const OssLyPoint place = highestPlace(line, part, limit, gap);
+        part.x = place.x;
+        part.y = place.y;
+        line = raised(line, part.x, part.x + part.width + gap, part.y + part.height + gap);
         all = all.united({part.x, part.y, part.width, part.height});
     }
     return all;
@@ -218,7 +224,8 @@ double packInRows(std::vector<PackedPart> *parts, double gap)
     double bestCost = -1.0;
     std::vector<PackedPart> best = *parts;
     const double widestRow = std::max(widest, std::min(sum, 2.0 * std::sqrt(area)));
-    for (double limit = widest; limit <= widestRow + 1.0; limit = limit * 1.15 + 1.0) {
+    double limit = widest;
+    while (limit <= widestRow + 1.0) {
         for (const std::vector<std::size_t> *order : {&byPlace, &byHeight}) {
             // The order of today is worth as much.
             const double cost = costOf(pack(parts, *order, limit, gap), widest)
@@ -228,6 +235,7 @@ double packInRows(std::vector<PackedPart> *parts, double gap)
                 best = *parts;
             }
         }
+        limit = limit * 1.15 + 1.0;
     }
     *parts = best;
     return bestCost;

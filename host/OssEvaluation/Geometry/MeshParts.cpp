@@ -4,7 +4,6 @@
 #include "OssEvaluation/Geometry/OssEvPolygons.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace {
 
@@ -121,8 +120,7 @@ std::vector<std::uint32_t> MeshParts::weld(OssEvMesh *mesh, std::size_t before)
     if (unique == count)
         return {};
     const auto isSame = [before](const auto &values, std::uint32_t a, std::uint32_t b) {
-        return values.empty()
-               || std::memcmp(&values[before + a], &values[before + b], sizeof(values[0])) == 0;
+        return values.empty() || values[before + a] == values[before + b];
     };
     numbers = firstOfEqual(count, placeOf, [&](std::uint32_t a, std::uint32_t b) {
         return isSame(mesh->positions, a, b) && isSame(mesh->normals, a, b)

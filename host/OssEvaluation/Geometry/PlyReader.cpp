@@ -1,14 +1,12 @@
 #include "OssEvaluation/Geometry/PlyReader.h"
 
-#include "OssEvaluation/Geometry/FileBytes.h"
 #include "OssEvaluation/Geometry/MeshParts.h"
-#include "OssEvaluation/Geometry/ObjLines.h"
 #include "OssEvaluation/Geometry/PlyHeader.h"
+#include "OssEvaluation/Geometry/PlyNumbers.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstring>
 #include <filesystem>
 #include <limits>
 #include <string_view>
@@ -72,127 +70,6 @@ Field fieldOf(std::string_view name)
     return FieldCount;
 }
 
-/// Numbers of the file, one after the other.
-class Numbers
-{
-public:
-    virtual ~Numbers() = default;
-    /// False where there is none. Whole numbers of 32 bits are kept as they are.
-    virtual bool next(Type type, double *value) = 0;
-
-    /// A line, or nothing, ends here: false where more comes on it.
-    virtual bool endElement() { return true; }
-};
-
-class BinaryNumbers : public Numbers
-{
-public:
-    BinaryNumbers(const std::string &path, const PlyHeader &header)
-        : m_bytes(path)
-        , m_isSwapped(header.form == PlyHeader::Form::BigEndian)
-    {
-        m_bytes.next(header.size);
-    }
-
-    bool next(Type type, double *value) override
-    {
-        const std::size_t size = PlyHeader::sizeOf(type);
-        const char *raw = m_bytes.next(size);
-        if (raw == nullptr)
-            return false;
-        std::array<char, 8> own{};
-        std::memcpy(own.data(), raw, size);
-        if (m_isSwapped)
-            std::reverse(own.begin(), own.begin() + std::ptrdiff_t(size));
-        *value = valueOf(type, own.data());
-        return true;
-    }
-
-private:
-    template <class Number>
-    static double as(const char *raw)
-    {
-        Number number{};
-        std::memcpy(&number, raw, sizeof(number));
-        return double(number);
-    }
-
-    static double valueOf(Type type, const char *raw)
-    {
-        switch (type) {
-        case Type::Int8:
-            return as<std::int8_t>(raw);
-        case Type::UInt8:
-            return as<std::uint8_t>(raw);
-        case Type::Int16:
-            return as<std::int16_t>(raw);
-        case Type::UInt16:
-            return as<std::uint16_t>(raw);
-        case Type::Int32:
-            return as<std::int32_t>(raw);
-        case Type::UInt32:
-            return as<std::uint32_t>(raw);
-        case Type::Float:
-            return as<float>(raw);
-        case Type::Double:
-            return as<double>(raw);
-        }
-        return 0.0;
-    }
-
-    FileBytes m_bytes;
-    bool m_isSwapped;
-};
-
-/// A line for each vertex and face.
-class TextNumbers : public Numbers
-{
-public:
-    TextNumbers(const std::string &path, const PlyHeader &header)
-        : m_lines(path)
-    {
-        std::string_view line;
-        for (std::size_t i = 0; i < header.lines; ++i)
-            m_lines.next(&line);
-    }
-
-    bool next(Type type, double *value) override
-    {
-        std::string_view line;
-        while (m_isAtEnd) {
-            if (!m_lines.next(&line))
-                return false;
-            m_words = ObjWords(line);
-            m_isAtEnd = m_words.rest().empty();
-        }
-        if (type != Type::Float && type != Type::Double) {
-            std::string_view word = m_words.next();
-            long long number = 0;
-            if (!ObjWords::index(&word, &number) || !word.empty())
-                return false;
-            *value = double(number);
-            return true;
-        }
-        float number = 0.0F;
-        bool isThere = true;
-        if (!m_words.number(&number, &isThere) || !isThere)
-            return false;
-        *value = double(number);
-        return true;
-    }
-
-    bool endElement() override
-    {
-        m_isAtEnd = true;
-        return m_words.rest().empty();
-    }
-
-private:
-    ObjLines m_lines;
-    ObjWords m_words{{}};
-    bool m_isAtEnd = true;
-};
-
 class Reader
 {
 public:
@@ -215,9 +92,9 @@ public:
         if (fault || !m_header.read(m_path) || !isKnown())
             return false;
         if (m_header.form == PlyHeader::Form::Text)
-            m_numbers = std::make_unique<TextNumbers>(m_path, m_header);
+            m_numbers = std::make_unique<PlyTextNumbers>(m_path, m_header);
         else
-            m_numbers = std::make_unique<BinaryNumbers>(m_path, m_header);
+            m_numbers = std::make_unique<PlyBinaryNumbers>(m_path, m_header);
         m_goal = m_parts.goal(std::filesystem::path(m_path).stem().string(), {});
         for (const Element &element : m_header.elements) {
             const bool isRead = &element == m_vertices ? readVertices(result)
@@ -247,7 +124,9 @@ private:
     }
 
     /// Vertices first, then faces with nothing of their own, and no more of either than the file has room for.
-    bool isKnown()
+    bool isKnown() { return findElements() && knowsVertices() && knowsFaces(); }
+
+    bool findElements()
     {
         for (const Element &element : m_header.elements) {
             if (element.name == "vertex" && m_vertices == nullptr && m_faces == nullptr)
@@ -257,27 +136,42 @@ private:
             else if (element.name != "edge")
                 return false;
         }
-        if (m_faces == nullptr || m_vertices->count > m_size || m_faces->count > m_size)
-            return false;
+        return m_vertices != nullptr && m_faces != nullptr && m_vertices->count <= m_size
+               && m_faces->count <= m_size;
+    }
+
+    static bool mayHaveType(Field field, Type type)
+    {
+        const bool isReal = type == Type::Float || type == Type::Double;
+        const bool isShare = type == Type::UInt8 || type == Type::UInt16;
+        return field == FieldCount || isReal || (isColor(field) && isShare);
+    }
+
+    bool knowsVertices()
+    {
         for (const Property &property : m_vertices->properties) {
             const Field field = fieldOf(property.name);
-            const bool isReal = property.type == Type::Float || property.type == Type::Double;
-            const bool isShare = property.type == Type::UInt8 || property.type == Type::UInt16;
-            if (property.isList || (field < FieldCount && hasField(field))
-                || (isColor(field) ? !isReal && !isShare : field < FieldCount && !isReal))
+            const bool isTwice = field < FieldCount && hasField(field);
+            if (property.isList || isTwice || !mayHaveType(field, property.type))
                 return false;
             m_fields.push_back(field);
         }
+        return hasField(X) && hasField(Y) && hasField(Z);
+    }
+
+    bool knowsFaces() const
+    {
         std::size_t lists = 0;
         for (const Property &property : m_faces->properties) {
             const bool isCorners = property.name == "vertex_indices"
                                    || property.name == "vertex_index";
-            if (property.isList != isCorners || property.name.find("material") != std::string::npos
-                || property.name.find("tex") != std::string::npos)
+            const bool isMore = property.name.find("material") != std::string::npos
+                                || property.name.find("tex") != std::string::npos;
+            if (property.isList != isCorners || isMore)
                 return false;
             lists += isCorners ? 1 : 0;
         }
-        return lists == 1 && hasField(X) && hasField(Y) && hasField(Z);
+        return lists == 1;
     }
 
     bool isStopped(std::size_t done, std::size_t all, OssEvResult *result)
@@ -296,12 +190,13 @@ private:
     {
         for (std::size_t i = 0; i < element.count; ++i) {
             for (const Property &property : element.properties) {
-                double left = 1.0;
-                if (property.isList && !m_numbers->next(property.countType, &left))
+                double value = 1.0;
+                if (property.isList && !m_numbers->next(property.countType, &value))
                     return false;
-                double passed = 0.0;
-                for (; left >= 1.0; left -= 1.0) {
-                    if (!m_numbers->next(property.type, &passed))
+                if (!(value >= 0.0) || value > double(MostCorners))
+                    return false;
+                for (auto left = std::size_t(value); left > 0; --left) {
+                    if (!m_numbers->next(property.type, &value))
                         return false;
                 }
             }
@@ -311,7 +206,10 @@ private:
         return true;
     }
 
-    bool readVertices(OssEvResult *result)
+    using Values = std::array<double, FieldCount + 1>;
+
+    /// False where the file has no room for so many vertices.
+    bool prepareVertices()
     {
         OssEvMesh *mesh = m_goal.mesh;
         const bool hasUvs = hasField(U) && hasField(V);
@@ -324,34 +222,46 @@ private:
             m_parts.tellWithoutUvs(reading.objects.front(), m_goal.part);
         m_forNormals = aiMatrix3x3(m_matrix);
         m_forNormals.Inverse().Transpose();
-        const std::size_t least = m_header.form == PlyHeader::Form::Text ? 2 * m_fields.size()
-                                                                         : m_fields.size();
+        const std::size_t least = m_fields.size()
+                                  * (m_header.form == PlyHeader::Form::Text ? 2 : 1);
         if (m_vertices->count > m_size / least)
             return false;
         MeshParts::makeRoom(m_vertices->count, &mesh->positions);
         MeshParts::makeRoom(m_vertices->count, &mesh->normals);
         MeshParts::makeRoom(m_vertices->count, &mesh->uvs);
-        std::array<double, FieldCount + 1> values{};
+        return true;
+    }
+
+    bool readVertices(OssEvResult *result)
+    {
+        if (!prepareVertices())
+            return false;
+        Values values{};
         for (std::size_t i = 0; i < m_vertices->count; ++i) {
             if (isStopped(i, m_vertices->count + m_faces->count, result))
                 return true;
-            values[Alpha] = 1.0;
-            for (std::size_t k = 0; k < m_fields.size(); ++k) {
-                const Type type = m_vertices->properties[k].type;
-                double *value = &values[m_fields[k]];
-                if (!m_numbers->next(type, value))
-                    return false;
-                if (isColor(m_fields[k]))
-                    *value /= type == Type::UInt8 ? 255.0 : type == Type::UInt16 ? 65535.0 : 1.0;
-            }
-            if (!m_numbers->endElement())
+            if (!readVertex(&values))
                 return false;
             addVertex(values);
         }
         return true;
     }
 
-    void addVertex(const std::array<double, FieldCount + 1> &values)
+    bool readVertex(Values *values)
+    {
+        (*values)[Alpha] = 1.0;
+        for (std::size_t k = 0; k < m_fields.size(); ++k) {
+            const Type type = m_vertices->properties[k].type;
+            double *value = &(*values)[m_fields[k]];
+            if (!m_numbers->next(type, value))
+                return false;
+            if (isColor(m_fields[k]))
+                *value /= type == Type::UInt8 ? 255.0 : type == Type::UInt16 ? 65535.0 : 1.0;
+        }
+        return m_numbers->endElement();
+    }
+
+    void addVertex(const Values &values)
     {
         OssEvMesh *mesh = m_goal.mesh;
         const aiVector3D place = m_matrix
@@ -388,27 +298,33 @@ private:
                 return true;
             if (!readCorners(&corners) || !m_numbers->endElement())
                 return false;
-            for (std::uint32_t &corner : corners) {
-                if (corner >= m_vertices->count) {
-                    *result = OssEvResult::failure(MeshParts::NoSuchVertex);
-                    return true;
-                }
-                corner = numbers.empty() ? corner : numbers[corner];
+            if (std::any_of(corners.begin(), corners.end(),
+                            [this](std::uint32_t corner) { return corner >= m_vertices->count; })) {
+                *result = OssEvResult::failure(MeshParts::NoSuchVertex);
+                return true;
             }
-            if (corners.size() < 3)
-                continue;
-            reading.faces += corners.size() - 2;
-            if (isMirrored)
-                std::reverse(corners.begin(), corners.end());
-            if (reading.faces <= OssEvMeshCheck::MostFaces)
-                MeshParts::addFace(m_goal, corners);
+            addFace(numbers, isMirrored, &corners);
         }
         return true;
     }
 
+    void addFace(const std::vector<std::uint32_t> &numbers, bool isMirrored,
+                 std::vector<std::uint32_t> *corners)
+    {
+        if (corners->size() < 3)
+            return;
+        for (std::uint32_t &corner : *corners)
+            corner = numbers.empty() ? corner : numbers[corner];
+        reading.faces += corners->size() - 2;
+        if (isMirrored)
+            std::reverse(corners->begin(), corners->end());
+        if (reading.faces <= OssEvMeshCheck::MostFaces)
+            MeshParts::addFace(m_goal, *corners);
+    }
+
     bool readCorners(std::vector<std::uint32_t> *corners)
     {
-        constexpr double None = double(std::numeric_limits<std::uint32_t>::max());
+        constexpr auto None = double(std::numeric_limits<std::uint32_t>::max());
         for (const Property &property : m_faces->properties) {
             double value = 0.0;
             if (!property.isList) {
@@ -443,7 +359,7 @@ private:
     const Element *m_vertices = nullptr;
     const Element *m_faces = nullptr;
     std::vector<Field> m_fields; ///< of the vertices' properties
-    std::unique_ptr<Numbers> m_numbers;
+    std::unique_ptr<PlyNumbers> m_numbers;
     bool m_takesUvs = false;
     bool m_hasNormals = false;
     bool m_hasColors = false;

@@ -108,8 +108,7 @@ private:
 
     bool isSame(std::uint32_t vertex, const Vector3 &place, const Vector3 &normal) const
     {
-        return std::memcmp(&m_goal.mesh->positions[vertex], &place, sizeof(place)) == 0
-               && std::memcmp(&m_goal.mesh->normals[vertex], &normal, sizeof(normal)) == 0;
+        return m_goal.mesh->positions[vertex] == place && m_goal.mesh->normals[vertex] == normal;
     }
 
     static std::size_t slotOf(const Vector3 &place, const Vector3 &normal)
@@ -219,7 +218,7 @@ private:
             const char *raw = bytes->next(FacetSize);
             if (raw == nullptr)
                 return false;
-            Facet facet;
+            Facet facet{};
             std::uint16_t more = 0;
             std::memcpy(&facet, raw, sizeof(facet));
             std::memcpy(&more, raw + sizeof(facet), sizeof(more));

@@ -16,7 +16,7 @@ struct Layer
 {
     QString folder;
     QStringList uses;    ///< layers that its sources may include, besides their own
-    QStringList rooms{}; ///< its sub-folders from the ground up: none includes one that follows it
+    QStringList rooms{}; ///< its folders from the ground up: none includes one that follows it
 
     QString name() const { return folder.section(QLatin1Char('/'), -1); }
 };
@@ -31,7 +31,7 @@ const QVector<Layer> &layers()
         {text("host/OssCore"), {}, list("Values Program Undo Documents")},
         {text("host/OssEvaluation"),
          {},
-         list("Values Geometry Graph Kernels Schedule Files Paint")},
+         list("Values Geometry Graph Kernels Kernels/Noise Kernels/Pattern Schedule Files Paint")},
         {text("host/OssGraphLayout"), {}},
         {text("host/OssNodeGraph"), list("OssCore"), list("Drawing Index Items Gestures View")},
         {text("host/OssRender"), list("OssEvaluation"), list("Values Surface Light Draw")},
@@ -100,7 +100,8 @@ QVector<Include> includesOf(const QString &path, const Layer &from)
         if (parts.size() == 1 || from.rooms.contains(parts.first()))
             found.append({from.name(), parts.size() == 1 ? QString() : parts.first(), named});
         else
-            found.append({parts.first(), parts.size() == 2 ? QString() : parts.at(1), named});
+            found.append(
+                {parts.first(), parts.mid(1, parts.size() - 2).join(QLatin1Char('/')), named});
     }
     return found;
 }
@@ -115,9 +116,7 @@ TEST(Layers, everyIncludeStaysWithinWhatTheLayerAndTheRoomMayUse)
             ++files;
             const QString folder = QLatin1Char('/') + layer.folder + QLatin1Char('/');
             const QString inside = path.mid(path.indexOf(folder) + folder.size());
-            const QString room = inside.contains(QLatin1Char('/'))
-                                     ? inside.section(QLatin1Char('/'), 0, 0)
-                                     : QString();
+            const QString room = inside.section(QLatin1Char('/'), 0, -2);
             const int floor = layer.rooms.indexOf(room);
             EXPECT_TRUE(layer.rooms.isEmpty() || room.isEmpty() || floor >= 0)
                 << qPrintable(path) << " stands in a room that is not in the table";

@@ -11,6 +11,19 @@
     FAMILY(addConstants) \
     FAMILY(addPatterns) \
     FAMILY(addNoise) \
+    FAMILY(addGradientNoises) \
+    FAMILY(addGrain) \
+    FAMILY(addCells) \
+    FAMILY(addWaveNoises) \
+    FAMILY(addCurrents) \
+    FAMILY(addGrunge) \
+    FAMILY(addMarks) \
+    FAMILY(addBricks) \
+    FAMILY(addTilings) \
+    FAMILY(addWeaves) \
+    FAMILY(addLines) \
+    FAMILY(addShapes) \
+    FAMILY(addScatter) \
     FAMILY(addAdjustments) \
     FAMILY(addRamps) \
     FAMILY(addChannels) \

@@ -24,7 +24,7 @@ void fillFromPlane(const OssEvStrip &strip, const std::array<float *, 3> &to)
 
 } // namespace
 
-OssEvPositions OssEvPositions::of(const OssEvStrip &strip, std::size_t input)
+OssEvPositions OssEvPositions::of(const OssEvStrip &strip, std::size_t input, bool plane)
 {
     const OssEvStripInput &given = strip.inputs[input];
     if (given.connected)
@@ -35,7 +35,8 @@ OssEvPositions OssEvPositions::of(const OssEvStrip &strip, std::size_t input)
     buffer.reserve(count * 3 * sizeof(float));
     auto *first = buffer.as<float>();
     const std::array<float *, 3> to{first, first + count, first + 2 * count};
-    if (strip.surface == nullptr) {
+    const bool flat = plane || strip.surface == nullptr;
+    if (flat) {
         fillFromPlane(strip, to);
     } else {
         for (int row = 0; row < strip.rows; ++row) {
@@ -44,5 +45,5 @@ OssEvPositions OssEvPositions::of(const OssEvStrip &strip, std::size_t input)
                                      {to[0] + offset, to[1] + offset, to[2] + offset});
         }
     }
-    return {{to[0], to[1], to[2]}, strip.surface == nullptr};
+    return {{to[0], to[1], to[2]}, flat};
 }

@@ -6,11 +6,10 @@
 #include "OssEvaluation/Kernels/Position.h"
 
 #undef HWY_TARGET_INCLUDE
-#define HWY_TARGET_INCLUDE "OssEvaluation/Kernels/Noise.cpp"
+#define HWY_TARGET_INCLUDE "OssEvaluation/Kernels/Noise/Noise.cpp"
 #include <hwy/foreach_target.h>
 // The order matters: the line above includes this file once for each instruction set.
-#include "OssEvaluation/Kernels/Hash-inl.h"
-#include "OssEvaluation/Kernels/Simd-inl.h"
+#include "OssEvaluation/Kernels/Noise/Lattice-inl.h"
 
 #include <cmath>
 
@@ -55,81 +54,6 @@ namespace {
 
 using namespace OssEvNoise;
 
-struct Place
-{
-    V x;
-    V y;
-    V z;
-};
-
-// 6t^5 - 15t^4 + 10t^3
-HWY_INLINE V fade(V t)
-{
-    const V inner = hn::MulAdd(t, hn::MulSub(t, splat(6.0F), splat(15.0F)), splat(10.0F));
-    return hn::Mul(hn::Mul(hn::Mul(t, t), t), inner);
-}
-
-template <int Bit>
-HWY_INLINE hn::Mask<Floats> hasBit(VW bits)
-{
-    const Floats d;
-    return hn::MaskFromVec(
-        hn::BitCast(d, hn::BroadcastSignBit(hn::BitCast(Ints(), hn::ShiftLeft<31 - Bit>(bits)))));
-}
-
-template <int Bit>
-HWY_INLINE V withSign(V value, VW bits)
-{
-    const Words d;
-    const VW sign = hn::And(hn::ShiftLeft<31 - Bit>(bits), hn::Set(d, 0x80000000U));
-    return hn::BitCast(Floats(), hn::Xor(hn::BitCast(d, value), sign));
-}
-
-// Product of the offset with one of the twelve directions to the edges of a cube.
-HWY_INLINE V slope(VW bits, V x, V y, V z)
-{
-    const auto high = hasBit<3>(bits);
-    const auto low = hasBit<2>(bits);
-    const V first = hn::IfThenElse(high, y, x);
-    const V other = hn::IfThenElse(hn::And(high, low), x, z);
-    const V second = hn::IfThenElse(hn::Or(high, low), other, y);
-    return hn::Add(withSign<0>(first, bits), withSign<1>(second, bits));
-}
-
-// -1 to 1, 0 at lattice points. `Flat` is the same in the plane z = 0, at half the cost.
-template <bool Flat>
-HWY_INLINE V gradientNoise(V x, V y, V z, std::uint32_t seed)
-{
-    const Ints di;
-    const V fx = hn::Floor(x);
-    const V fy = hn::Floor(y);
-    const V fz = Flat ? zero() : hn::Floor(z);
-    const VI ix = hn::ConvertTo(di, fx);
-    const VI iy = hn::ConvertTo(di, fy);
-    const VI iz = Flat ? hn::Zero(di) : hn::ConvertTo(di, fz);
-    const VI one = hn::Set(di, 1);
-    const V x0 = hn::Sub(x, fx);
-    const V y0 = hn::Sub(y, fy);
-    const V z0 = Flat ? zero() : hn::Sub(z, fz);
-    const V x1 = hn::Sub(x0, splat(1.0F));
-    const V y1 = hn::Sub(y0, splat(1.0F));
-    const VI jx = hn::Add(ix, one);
-    const VI jy = hn::Add(iy, one);
-    const V tx = fade(x0);
-    const V ty = fade(y0);
-    V layers[2] = {zero(), zero()};
-    for (int k = 0; k < (Flat ? 1 : 2); ++k) {
-        const V dz = k == 0 ? z0 : hn::Sub(z0, splat(1.0F));
-        const VI kz = k == 0 ? iz : hn::Add(iz, one);
-        const V a = mix(slope(hash(ix, iy, kz, seed), x0, y0, dz),
-                        slope(hash(jx, iy, kz, seed), x1, y0, dz), tx);
-        const V b = mix(slope(hash(ix, jy, kz, seed), x0, y1, dz),
-                        slope(hash(jx, jy, kz, seed), x1, y1, dz), tx);
-        layers[k] = mix(a, b, ty);
-    }
-    return Flat ? layers[0] : mix(layers[0], layers[1], fade(z0));
-}
-
 // Sum of octaves; -1 to 1 for the plain kind, 0 to 1 for the others.
 template <bool Flat>
 HWY_INLINE V octaves(const FractalValues &values, Place p, std::uint32_t seed)
@@ -137,7 +61,7 @@ HWY_INLINE V octaves(const FractalValues &values, Place p, std::uint32_t seed)
     V sum = zero();
     float weight = values.normaliser;
     for (int octave = 0; octave < values.octaves; ++octave) {
-        V noise = gradientNoise<Flat>(p.x, p.y, p.z, seed + std::uint32_t(octave) * 101U);
+        V noise = gradientNoise<Flat>(p, seed + std::uint32_t(octave) * 101U);
         if (values.kind != FractalValues::Fractal)
             noise = hn::Abs(noise);
         if (values.kind == FractalValues::Ridged) {

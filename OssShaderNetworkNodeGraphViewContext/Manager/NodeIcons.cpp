@@ -5,10 +5,17 @@
 
 namespace {
 
+/// A path key that ends with a slash stands for all types below it that have no row of their own.
 struct Row
 {
     const char *pathKey;
     const char *file;
+
+    bool isOf(const QString &key) const
+    {
+        const QLatin1String own(pathKey);
+        return own.endsWith(QLatin1Char('/')) ? key.startsWith(own) : key == own;
+    }
 };
 
 constexpr Row Rows[] = {
@@ -21,14 +28,15 @@ constexpr Row Rows[] = {
     {"Environment/Tri Planar Projection", "NodeImage.png"},
     {"Shaders/Standard Surface", "NodeMaterial.png"},
     {"_System/Material", "NodeMaterial.png"},
+    {"Procedural/Noise/", "NodeNoise.png"},
+    {"Procedural/Pattern/", "NodePattern.png"},
 };
 
 } // namespace
 
 QString NodeIcons::fileOf(const QString &pathKey)
 {
-    const auto *row = std::find_if(std::begin(Rows), std::end(Rows), [&pathKey](const Row &one) {
-        return pathKey == QLatin1String(one.pathKey);
-    });
+    const auto *row = std::find_if(std::begin(Rows), std::end(Rows),
+                                   [&pathKey](const Row &one) { return one.isOf(pathKey); });
     return row == std::end(Rows) ? QString() : QString::fromLatin1(row->file);
 }

@@ -69,27 +69,33 @@ std::string fontFile(const std::string &font)
     return file;
 }
 
+/// How many bytes follow one that begins a character of UTF-8; -1 where none may begin.
+int followersOf(unsigned char first)
+{
+    if (first < 0x80)
+        return 0;
+    if (first < 0xC0)
+        return -1;
+    return first < 0xE0 ? 1 : first < 0xF0 ? 2 : 3;
+}
+
 /// The characters of UTF-8; what is none of it is left out.
 std::vector<char32_t> charactersOf(const std::string &text)
 {
     std::vector<char32_t> characters;
     for (std::size_t i = 0; i < text.size() && characters.size() < LongestText;) {
         const auto first = static_cast<unsigned char>(text[i++]);
-        const int more = first < 0x80   ? 0
-                         : first < 0xC0 ? -1
-                         : first < 0xE0 ? 1
-                         : first < 0xF0 ? 2
-                                        : 3;
+        int more = followersOf(first);
         if (more < 0)
             continue;
         char32_t character = more == 0 ? first : first & (0x3FU >> unsigned(more));
-        int read = 0;
-        while (read < more && i < text.size()
-               && (static_cast<unsigned char>(text[i]) & 0xC0U) == 0x80U) {
-            character = character << 6U | (static_cast<unsigned char>(text[i++]) & 0x3FU);
-            ++read;
+        for (; more > 0 && i < text.size(); --more, ++i) {
+            const auto next = static_cast<unsigned char>(text[i]);
+            if ((next & 0xC0U) != 0x80U)
+                break;
+            character = character << 6U | (next & 0x3FU);
         }
-        if (read == more)
+        if (more == 0)
             characters.push_back(character);
     }
     return characters;
@@ -187,8 +193,9 @@ public:
         // The last plane is the mask until it gets its own values.
         float *mask = strip.output[std::size_t(strip.outputChannels) - 1];
         std::fill_n(mask, strip.texels(), 0.0F);
+        Cover cover{mask, strip.width, strip.rows};
         for (const Letter &letter : m_letters)
-            draw(letter, strip, mask);
+            draw(letter, strip, &cover);
         if (m_masked)
             return;
         for (std::size_t i = 0; i < strip.texels(); ++i) {
@@ -201,7 +208,7 @@ public:
     }
 
 private:
-    static void draw(const Letter &letter, const OssEvStrip &strip, float *mask)
+    static void draw(const Letter &letter, const OssEvStrip &strip, Cover *cover)
     {
         // From the strip's lower left corner on, in parts of a texel.
         const double left = strip.x;
@@ -229,11 +236,10 @@ private:
         outline.points = points.data();
         outline.tags = tags.data();
         outline.contours = contours.data();
-        Cover cover{mask, strip.width, strip.rows};
         FT_Raster_Params parameters{};
         parameters.flags = FT_RASTER_FLAG_AA | FT_RASTER_FLAG_DIRECT | FT_RASTER_FLAG_CLIP;
         parameters.gray_spans = addSpans;
-        parameters.user = &cover;
+        parameters.user = cover;
         parameters.clip_box = {0, 0, strip.width, strip.rows};
         FT_Outline_Render(library(), &outline, &parameters);
     }

@@ -54,8 +54,8 @@ const char *const Refusals[] = {
     // The same of nodes that lost their wires, or came without.
     "\": nothing is connected to \"",
     "Bake Point: nothing is connected",
+    ": Nothing is connected",
     // A file of another kind, where a mesh or a picture is asked for.
-    "script.py\": No suitable reader",
     "script.py\": it is no ",
     // How many a search looks through.
     "nodes in the network",

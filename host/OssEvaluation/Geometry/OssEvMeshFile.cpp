@@ -7,6 +7,7 @@
 #include "OssEvaluation/Geometry/PlyReader.h"
 #include "OssEvaluation/Geometry/StlReader.h"
 
+#include <assimp/BaseImporter.h>
 #include <assimp/config.h>
 #include <assimp/Importer.hpp>
 #include <assimp/postprocess.h>
@@ -21,6 +22,7 @@
 #include <fstream>
 #include <future>
 #include <new>
+#include <set>
 #include <utility>
 
 namespace {
@@ -88,6 +90,24 @@ std::string inWords(const std::string &path, const std::string &said)
     return all + " (" + said + ")";
 }
 
+/// Leaves the one reader that files of the suffix are for: the library has dozens, tries all of them on
+/// what it does not know, and some go down with files that were never meshes.
+void keepReaderOf(const std::string &suffix, Assimp::Importer *importer)
+{
+    std::vector<Assimp::BaseImporter *> others;
+    for (std::size_t i = 0; i < importer->GetImporterCount(); ++i) {
+        Assimp::BaseImporter *reader = importer->GetImporter(i);
+        std::set<std::string> suffixes;
+        reader->GetExtensionList(suffixes);
+        if (suffixes.count(suffix) == 0)
+            others.push_back(reader);
+    }
+    for (Assimp::BaseImporter *reader : others) {
+        importer->UnregisterLoader(reader);
+        delete reader; // NOLINT(cppcoreguidelines-owning-memory): it is the caller's from then on
+    }
+}
+
 OssEvResult readScene(const std::string &path, Progress *progress, std::unique_ptr<aiScene> *scene)
 {
     Assimp::Importer importer;
@@ -97,6 +117,7 @@ OssEvResult readScene(const std::string &path, Progress *progress, std::unique_p
     importer.SetPropertyBool(AI_CONFIG_IMPORT_FBX_READ_ANIMATIONS, false);
     importer.SetPropertyBool(AI_CONFIG_IMPORT_FBX_READ_CAMERAS, false);
     importer.SetPropertyBool(AI_CONFIG_IMPORT_FBX_READ_LIGHTS, false);
+    keepReaderOf(suffixOf(path), &importer);
     importer.SetProgressHandler(progress);
     const aiScene *read = importer.ReadFile(path, 0);
     const std::string said = importer.GetErrorString();
@@ -129,6 +150,8 @@ OssEvResult checkFile(const std::string &path)
         return refused(path, "there is no such file; find it again, or choose another");
     if (status.st_size > MaximumFileSize)
         return refused(path, "it is larger than 2 GB; split it into several files or reduce it");
+    if (!OssEvMeshFile::isMeshFile(path))
+        return refused(path, "it is no mesh file; those are OBJ, FBX, glTF, PLY and STL files");
     if (isHeaderCutOff(path))
         return refused(path, "its header has no end" + ExportAgain);
     return {};

@@ -70,6 +70,27 @@ void FramedLayout::findReached(const QVector<int> &startNodes)
     }
 }
 
+bool FramedLayout::isReached(int frame) const
+{
+    const QVector<int> nodes = nodesIn(frame);
+    return std::any_of(nodes.cbegin(), nodes.cend(),
+                       [this](int node) { return bool(m_reached[std::size_t(node)]); });
+}
+
+/// Frames that are not fitted anew may be wider than they must.
+void FramedLayout::keepAreas()
+{
+    for (int f = 0; f < int(m_frames.size()); ++f) {
+        Frame &frame = m_frames[std::size_t(f)];
+        const QRectF content = contentOf(f);
+        if (frame.area.isEmpty() || content.isEmpty() || isReached(f))
+            continue;
+        const QRectF all = frame.area | content.marginsAdded(frame.margins);
+        frame.margins = QMarginsF(content.left() - all.left(), content.top() - all.top(),
+                                  all.right() - content.right(), all.bottom() - content.bottom());
+    }
+}
+
 QRectF FramedLayout::rect(int node) const
 {
     return {m_nodes[std::size_t(node)].position, m_nodes[std::size_t(node)].size};
@@ -216,17 +237,13 @@ void FramedLayout::layOutLevel(int frame, const QVector<int> &ignored)
     for (const Unit &unit : units)
         values.push_back(valueOf(unit));
     breakLoops(&values);
-    const auto isReached = [this](const Unit &unit) {
-        if (unit.node >= 0)
-            return bool(m_reached[std::size_t(unit.node)]);
-        const QVector<int> nodes = nodesIn(unit.frame);
-        return std::any_of(nodes.cbegin(), nodes.cend(),
-                           [this](int node) { return bool(m_reached[std::size_t(node)]); });
+    const auto isUnitReached = [this](const Unit &unit) {
+        return unit.node >= 0 ? bool(m_reached[std::size_t(unit.node)]) : isReached(unit.frame);
     };
     QVector<int> starts;
     bool any = false;
     for (int i = 0; i < int(units.size()); ++i) {
-        if (!isReached(units[std::size_t(i)]))
+        if (!isUnitReached(units[std::size_t(i)]))
             continue;
         any = any || units[std::size_t(i)].frame >= 0;
         starts.append(i); // those that feed others start nothing
@@ -284,6 +301,7 @@ void FramedLayout::layOutFrames(const QVector<int> &ignored)
 void FramedLayout::layOut(const QVector<int> &startNodes, const QVector<int> &ignored)
 {
     findReached(startNodes);
+    keepAreas();
     QVector<int> passedOver = ignored;
     for (const auto &follower : qAsConst(m_followers))
         passedOver.append(follower.first);

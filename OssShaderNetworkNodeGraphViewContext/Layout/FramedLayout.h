@@ -17,6 +17,7 @@ public:
         int parent = -1;      ///< a later one
         QVector<int> members; ///< nodes that lie in no frame inside it
         QMarginsF margins;    ///< around the members
+        QRectF area;          ///< what it covers as long as none of them is laid out
     };
 
     /// What is to be laid out. Frames that others hold come first. `followers` go where another node goes: pairs of
@@ -38,6 +39,8 @@ private:
     };
 
     void findReached(const QVector<int> &startNodes);
+    void keepAreas();
+    bool isReached(int frame) const;
     void layOutFrames(const QVector<int> &ignored);
     bool settle(const QVector<int> &ignored);
     bool layOutOnce(const QVector<int> &ignored);

@@ -217,17 +217,16 @@ std::vector<FramedLayout::Frame> framesOf(const QVector<Container> &containers,
         FramedLayout::Frame &frame = frames[std::size_t(i)];
         const qreal margin = container.backdrop->titleBarHeight();
         frame.margins = QMarginsF(margin, 2.0 * margin, margin, margin);
+        frame.area = container.backdrop->sceneBoundingRect();
         for (const OssSnBaseNode *member : container.members) {
             const int node = picture.indexOf(member);
-            if (node < 0)
-                continue;
             const auto inner = std::find_if(
                 containers.cbegin(), containers.cbegin() + i,
                 [member](const Container &other) { return other.backdrop == visibleItem(member); });
             if (inner != containers.cbegin() + i) {
                 FramedLayout::Frame &held = frames[std::size_t(inner - containers.cbegin())];
                 held.parent = held.parent < 0 ? i : held.parent;
-            } else if ((*frameOf)[std::size_t(node)] < 0) {
+            } else if (node >= 0 && (*frameOf)[std::size_t(node)] < 0) {
                 (*frameOf)[std::size_t(node)] = i;
                 frame.members.append(node);
             }

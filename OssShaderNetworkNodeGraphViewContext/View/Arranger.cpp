@@ -36,16 +36,13 @@ QVector<QRectF> rectsOf(const Nodes &nodes)
     return rects;
 }
 
-/// Without those that lie on one of them: they are taken along, unless that one stays.
-Nodes unitsOf(const Nodes &nodes, const Node *staying = nullptr)
+/// Without those that lie on one of them: they go, and stay, with it.
+Nodes unitsOf(const Nodes &nodes)
 {
     Nodes units = nodes;
     for (const Node *node : nodes) {
-        const Nodes carried = node == staying ? Nodes() : Backdrops::carriedBy(node);
-        for (Node *other : carried) {
-            if (other != staying)
-                units.removeOne(other);
-        }
+        for (Node *other : Backdrops::carriedBy(node))
+            units.removeOne(other);
     }
     return units;
 }
@@ -64,6 +61,44 @@ QVector<QRectF> obstaclesBeside(const Nodes &moved)
     return obstacles;
 }
 
+/// The backdrop, and those in which it lies.
+Nodes withOuter(Node *backdrop)
+{
+    Nodes chain;
+    for (Node *outer = backdrop; outer && !chain.contains(outer);
+         outer = Backdrops::containerOf(outer))
+        chain.append(outer);
+    return chain;
+}
+
+/// Backdrops that do not hold what is moved, though it comes to lie in `home` (null: in none).
+QVector<QRectF> foreignBackdrops(const Nodes &moved, Node *home)
+{
+    QVector<QRectF> areas;
+    const Nodes own = withOuter(home) + moved;
+    const Nodes all = moved.first()->network()->nodes();
+    for (Node *node : all) {
+        const OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(node);
+        if (item && item->isVisible() && Backdrops::isBackdrop(node) && !own.contains(node))
+            areas.append(rectOf(node));
+    }
+    return areas;
+}
+
+/// What is in the way of a node, and of what it carries, in a backdrop (null: in none). What stands beside
+/// that gives way when it grows, but nothing comes to lie on a backdrop.
+QVector<QRectF> obstaclesIn(Node *home, Node *node, const Nodes &carried)
+{
+    const Nodes moved = Nodes{node} + carried;
+    QVector<QRectF> obstacles = obstaclesBeside(moved) + foreignBackdrops(moved, home);
+    const QRectF area = rectOf(home);
+    if (home && !Backdrops::isBackdrop(node))
+        obstacles.erase(std::remove_if(obstacles.begin(), obstacles.end(),
+                                       [area](const QRectF &one) { return !one.intersects(area); }),
+                        obstacles.end());
+    return obstacles;
+}
+
 /// The same when the nodes are moved with what lies on them.
 QVector<QRectF> obstaclesFor(const Nodes &nodes)
 {
@@ -73,46 +108,110 @@ QVector<QRectF> obstaclesFor(const Nodes &nodes)
     return obstaclesBeside(moved);
 }
 
-void moveTo(const Nodes &nodes, const QVector<QRectF> &places)
+/// Goes on until it lies on nothing that is not its own, and is then in `home` (null: in none), which
+/// grows.
+void goOn(Node *node, const Nodes &carried, Node *home, Qt::Orientation direction)
 {
-    for (int i = 0; i < nodes.size(); ++i) {
-        const QPointF way = places.at(i).topLeft() - rectOf(nodes.at(i)).topLeft();
+    const QRectF there = rectOf(node);
+    const QRectF free = Alignment::clear(there, obstaclesIn(home, node, carried), direction);
+    const QPointF way = free.topLeft() - there.topLeft();
+    for (Node *moved : Nodes{node} + carried) {
         if (!way.isNull())
-            Backdrops::shift(nodes.at(i), way);
+            Q_EMIT moved->nodePositionedManual(moved, way);
     }
+    if (home)
+        Backdrops::takeIn(node, home);
 }
 
-/// Asks a node to go somewhere; what lies on it goes along. There it goes on down until it lies on no
-/// other: what lay there already is not taken for its own.
+/// In which backdrop a node is that was put by another one: in one that holds that one, if it was its
+/// (`before`) or a node comes to lie on it. None gains what was not its own by standing near.
+Node *homeBy(const Node *node, Node *reference, Node *before)
+{
+    Nodes around = withOuter(Backdrops::containerOf(reference));
+    if (Backdrops::isBackdrop(reference) && !around.contains(reference))
+        around.prepend(reference);
+    const bool canJoin = !Backdrops::isBackdrop(node);
+    const auto home = std::find_if(around.cbegin(), around.cend(), [&](const Node *one) {
+        return one != node
+               && (one == before || (canJoin && rectOf(one).contains(rectOf(node).center())));
+    });
+    return home == around.cend() ? nullptr : *home;
+}
+
+/// Asks a node to go somewhere by another one; what lies on it goes along. It comes to lie in the backdrop
+/// of that one, or in it. There it goes on down until it lies on no other: what lay there already is not
+/// taken for its own.
 template <class Ask>
-void bring(Node *node, Ask ask)
+void bring(Node *node, Node *reference, Ask ask)
 {
     const Nodes carried = Backdrops::carriedBy(node);
+    Node *home = Backdrops::containerOf(node);
     const QPointF before = rectOf(node).topLeft();
     ask();
-    const QRectF there = rectOf(node);
-    const QRectF free = Alignment::clear(there, obstaclesBeside(Nodes{node} + carried),
-                                         Qt::Vertical);
-    if (free != there)
-        Q_EMIT node->nodePositionedManual(node, free.topLeft() - there.topLeft());
     const QPointF way = rectOf(node).topLeft() - before;
     for (Node *other : carried)
         Q_EMIT other->nodePositionedManual(other, way);
+    goOn(node, carried, homeBy(node, reference, home), Qt::Vertical);
 }
 
 // --- each arrangement
 
+/// A node that is put in line, with what was its own before.
+struct Unit
+{
+    Node *node;
+    Node *home;
+    Nodes carried;
+};
+
+QVector<Unit> withTheirOwn(const Nodes &nodes)
+{
+    QVector<Unit> units;
+    for (Node *node : nodes)
+        units.append(Unit{node, Backdrops::containerOf(node), Backdrops::carriedBy(node)});
+    return units;
+}
+
+void moveTo(const QVector<Unit> &units, const QVector<QRectF> &places)
+{
+    for (int i = 0; i < units.size(); ++i) {
+        const Unit &unit = units.at(i);
+        const QPointF way = places.at(i).topLeft() - rectOf(unit.node).topLeft();
+        for (Node *moved : Nodes{unit.node} + unit.carried) {
+            if (!way.isNull())
+                Q_EMIT moved->nodePositionedManual(moved, way);
+        }
+    }
+}
+
+/// In their backdrop, which grows, if it is that of all; else each where its middle came to lie, and on
+/// no other.
+void stay(const QVector<Unit> &units, Qt::Orientation way)
+{
+    const bool isOneHome = std::all_of(units.cbegin(), units.cend(), [&units](const Unit &unit) {
+        return unit.home == units.first().home;
+    });
+    for (const Unit &unit : units) {
+        const bool stays = isOneHome || rectOf(unit.home).contains(rectOf(unit.node).center());
+        goOn(unit.node, unit.carried, stays ? unit.home : nullptr, way);
+    }
+}
+
 void align(const Nodes &nodes, int edge)
 {
     const Nodes units = unitsOf(nodes);
-    moveTo(units, Alignment::aligned(rectsOf(units), Alignment::Edge(edge), obstaclesFor(units)));
+    const QVector<Unit> before = withTheirOwn(units);
+    moveTo(before, Alignment::aligned(rectsOf(units), Alignment::Edge(edge), obstaclesFor(units)));
+    stay(before, edge < int(Alignment::Edge::Top) ? Qt::Vertical : Qt::Horizontal);
 }
 
 void distribute(const Nodes &nodes, int orientation)
 {
     const Nodes units = unitsOf(nodes);
-    moveTo(units, Alignment::distributed(rectsOf(units), Qt::Orientation(orientation),
-                                         obstaclesFor(units)));
+    const QVector<Unit> before = withTheirOwn(units);
+    moveTo(before, Alignment::distributed(rectsOf(units), Qt::Orientation(orientation),
+                                          obstaclesFor(units)));
+    stay(before, orientation == Qt::Horizontal ? Qt::Vertical : Qt::Horizontal);
 }
 
 void tidy(const Nodes &nodes, int)
@@ -143,7 +242,7 @@ void placeUnderneath(Node *node, Node *reference)
 {
     if (Backdrops::isBackdrop(node)) {
         const QRectF there = rectOf(reference);
-        bring(node, [=] {
+        bring(node, reference, [=] {
             const QPointF place(there.left(), there.bottom() + NodePlacement::Gap);
             Q_EMIT node->nodePositionedManual(node, place - rectOf(node).topLeft());
         });
@@ -153,13 +252,14 @@ void placeUnderneath(Node *node, Node *reference)
     if (container && container != node->container())
         node->setContainer(container);
     if (container) {
-        bring(node, [=] {
+        Backdrops::grow(container, [=] {
             Q_EMIT node->nodeSyncedUnderneathNode(reference, false);
             Backdrops::takeIn(node, container);
+            goOn(node, {}, container, Qt::Vertical);
         });
         return;
     }
-    const QVector<QRectF> obstacles = obstaclesFor({node});
+    const QVector<QRectF> obstacles = obstaclesIn(nullptr, node, {});
     const auto isFree = [&] {
         const QRectF own = rectOf(node);
         return std::none_of(obstacles.cbegin(), obstacles.cend(),
@@ -173,7 +273,7 @@ void placeUnderneath(Node *node, Node *reference)
 
 void placeNextTo(Node *node, Node *reference)
 {
-    bring(node, [=] {
+    bring(node, reference, [=] {
         if (Backdrops::isBackdrop(node))
             Q_EMIT node->nodePositionedNextTo(reference);
         else
@@ -183,26 +283,26 @@ void placeNextTo(Node *node, Node *reference)
 
 void placeOnTop(Node *node, Node *reference)
 {
-    bring(node, [=] { Q_EMIT node->nodePositionedOnTopIdented(reference); });
+    bring(node, reference, [=] { Q_EMIT node->nodePositionedOnTopIdented(reference); });
 }
 
 template <void (*place)(Node *, Node *)>
 void placeEach(const Nodes &nodes, int)
 {
-    const Nodes units = unitsOf(nodes, nodes.first());
+    const Nodes units = unitsOf(nodes);
     for (int i = 1; i < units.size(); ++i)
         place(units.at(i), units.at(i - 1));
 }
 
 void placeByLayout(const Nodes &nodes, int layout)
 {
-    const Nodes units = unitsOf(nodes, nodes.first());
+    const Nodes units = unitsOf(nodes);
     // Its own height is what such a step is for; the others bring both coordinates.
     const bool fresh = layout != Node::LayoutTwoRightLoose;
     for (int i = 1; i < units.size(); ++i) {
         Node *node = units.at(i);
         // Without the rule for nodes that overlap, by which what is placed left might land right.
-        bring(node, [&] {
+        bring(node, units.at(i - 1), [&] {
             Q_EMIT node->emitSetLayout(Node::NodeLayoutType(layout), units.at(i - 1), fresh, false);
         });
     }
@@ -299,8 +399,11 @@ QString whatIsMissing(Needs needs, Nodes *nodes)
     switch (needs) {
     case OneNode:
         return nodes->isEmpty() ? Arranger::tr("select a node first") : QString();
-    case TwoNodes:
     case NodeAndWire:
+        if (nodes->size() > 1 && unitsOf(*nodes).size() < 2)
+            return Arranger::tr("what lies on the backdrop goes where that goes");
+        Q_FALLTHROUGH();
+    case TwoNodes:
         return nodes->size() < 2 ? Arranger::tr("select two nodes or more") : QString();
     case ThreeNodes:
         return nodes->size() < 3 ? Arranger::tr("select three nodes or more") : QString();

@@ -22,6 +22,7 @@ using Backdrops::rectOf;
 
 constexpr qreal NearBackdrop = 100.0; ///< a node wired to a member joins within this distance
 constexpr qreal SameEdge = 0.5;       ///< edges that are less apart are in line
+constexpr int MostSteps = 1000;       ///< in search of a free place
 
 OssNgBackdropNode *backdropOf(const Node *node)
 {
@@ -73,8 +74,9 @@ Node *holderOf(const Node *node)
 
 Node *backdropUnder(const Node *node)
 {
-    const QPointF middle = rectOf(node).center();
-    return innermost(node, [middle](const QRectF &area) { return area.contains(middle); });
+    const OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(node);
+    const OssNgBackdropNode *backdrop = item ? OssNgBackdropNode::under(item) : nullptr;
+    return backdrop ? nodeOf(backdrop) : nullptr;
 }
 
 /// Where the backdrop is still said to lie on the node, because it did, what is no longer so is told
@@ -131,6 +133,75 @@ QList<Node *> peersOf(const Node *backdrop)
     return peers;
 }
 
+/// Where a node that stood beside the area goes when that has become another: the shortest way on.
+QPointF wayOut(const QRectF &node, const QRectF &before, const QRectF &now)
+{
+    constexpr qreal Gap = NodePlacement::Gap;
+    QVector<QPointF> ways;
+    if (node.left() >= before.right())
+        ways.append({now.right() + Gap - node.left(), 0.0});
+    if (node.right() <= before.left())
+        ways.append({now.left() - Gap - node.right(), 0.0});
+    if (node.top() >= before.bottom())
+        ways.append({0.0, now.bottom() + Gap - node.top()});
+    if (node.bottom() <= before.top())
+        ways.append({0.0, now.top() - Gap - node.bottom()});
+    if (ways.isEmpty())
+        return {0.0, now.bottom() + Gap - node.top()};
+    return *std::min_element(ways.cbegin(), ways.cend(), [](const QPointF &a, const QPointF &b) {
+        return a.manhattanLength() < b.manhattanLength();
+    });
+}
+
+/// The same way on from the area, and a little farther.
+QPointF wayPast(const QRectF &area, const QRectF &place, const QPointF &way)
+{
+    constexpr qreal Gap = NodePlacement::Gap;
+    if (way.x() != 0.0)
+        return {way.x() > 0.0 ? area.right() + Gap - place.left()
+                              : area.left() - Gap - place.right(),
+                0.0};
+    return {0.0,
+            way.y() > 0.0 ? area.bottom() + Gap - place.top() : area.top() - Gap - place.bottom()};
+}
+
+/// On the way, on until the node lies on nothing.
+void send(Node *node, QPointF way)
+{
+    const OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(node);
+    const QRectF own = rectOf(node);
+    QRectF place = own;
+    for (int steps = 0; steps < MostSteps; ++steps) {
+        place.translate(way);
+        const QVector<OssNgNode *> there = OssNgSceneIndex::of(item->scene())->nodesIn(place);
+        const auto hit = std::find_if(there.cbegin(), there.cend(), [&](const OssNgNode *one) {
+            return one != item && one->isVisible() && one->sceneBoundingRect().intersects(place);
+        });
+        if (hit == there.cend())
+            break;
+        way = wayPast((*hit)->sceneBoundingRect(), place, way);
+    }
+    Q_EMIT node->nodePositionedManual(node, place.topLeft() - own.topLeft());
+}
+
+/// What stood clear of the backdrop and belongs to none goes out of the way of what it has become.
+void giveWay(const Node *backdrop, const QRectF &before)
+{
+    const OssNgNode *item = backdropOf(backdrop);
+    if (!item || !item->scene())
+        return;
+    const QRectF now = rectOf(backdrop);
+    const QVector<OssNgNode *> there = OssNgSceneIndex::of(item->scene())->nodesIn(now);
+    for (const OssNgNode *other : there) {
+        Node *node = nodeOf(other);
+        const Node *holder = node ? Backdrops::containerOf(node) : nullptr;
+        const bool isLoose = node && !isBackdrop(node) && other->isVisible() && !node->container()
+                             && (!holder || holder == backdrop);
+        if (isLoose && rectOf(node).intersects(now) && !rectOf(node).intersects(before))
+            send(node, wayOut(rectOf(node), before, now));
+    }
+}
+
 /// Stacks below the backdrop what it has grown over, and below that what comes in its way.
 void pushDown(Node *backdrop, const QList<Node *> &clearBefore, QSet<Node *> *pushed)
 {
@@ -143,7 +214,9 @@ void pushDown(Node *backdrop, const QList<Node *> &clearBefore, QSet<Node *> *pu
             if (!rectOf(next).intersects(rectOf(other)))
                 clearOfOther.append(next);
         }
+        const QRectF before = rectOf(other);
         Q_EMIT other->containerMovedDown(backdrop);
+        giveWay(other, before);
         pushDown(other, clearOfOther, pushed);
         Backdrops::refreshMembership(other);
     }
@@ -154,40 +227,65 @@ void stretchBy(Node *backdrop, Node *node)
     Q_EMIT backdrop->containerStretchedBy(node);
 }
 
+/// What a backdrop was before it grew.
+struct Former
+{
+    Node *backdrop;
+    QRectF rect;
+    Node *outer;
+    QList<Node *> clear; ///< of it
+};
+
+Former formerOf(Node *backdrop)
+{
+    Former former{backdrop, rectOf(backdrop), holderOf(backdrop), otherBackdrops(backdrop)};
+    const QRectF before = former.rect;
+    QList<Node *> &clear = former.clear;
+    clear.erase(
+        std::remove_if(clear.begin(), clear.end(),
+                       [before](const Node *other) { return rectOf(other).intersects(before); }),
+        clear.end());
+    return former;
+}
+
+void grow(Node *backdrop, const std::function<void()> &ask, QSet<Node *> *grown);
+
+/// Those around it hold it, and those beside it give way.
+void settleGrown(const Former &former, QSet<Node *> *grown)
+{
+    Node *backdrop = former.backdrop;
+    Node *outer = former.outer;
+    if (rectOf(backdrop) == former.rect)
+        return;
+    if (outer && !grown->contains(outer) && !rectOf(outer).contains(rectOf(backdrop)))
+        grow(
+            outer, [=] { stretchBy(outer, backdrop); }, grown);
+    QSet<Node *> pushed;
+    pushDown(backdrop, former.clear, &pushed);
+    giveWay(backdrop, former.rect);
+    Backdrops::refreshMembership(backdrop);
+}
+
 /// Asks something of the backdrop by which it may grow: those around it hold it then, and its
 /// neighbours go along. One that has grown over what it lay on does not have that hold it.
 void grow(Node *backdrop, const std::function<void()> &ask, QSet<Node *> *grown)
 {
     grown->insert(backdrop);
-    const QRectF before = rectOf(backdrop);
-    Node *outer = holderOf(backdrop);
+    const Former former = formerOf(backdrop);
     const QList<Node *> peers = peersOf(backdrop);
-    QList<Node *> clear = otherBackdrops(backdrop);
-    clear.erase(
-        std::remove_if(clear.begin(), clear.end(),
-                       [before](const Node *other) { return rectOf(other).intersects(before); }),
-        clear.end());
+    QVector<Former> formerPeers;
+    for (Node *peer : peers)
+        formerPeers.append(formerOf(peer));
     ask();
     const QRectF now = rectOf(backdrop);
-    if (now == before)
-        return;
-    if (!peers.isEmpty() && now.width() > before.width()) {
+    if (!peers.isEmpty() && now.width() > former.rect.width()) {
         for (Node *peer : peers)
-            Q_EMIT peer->nodePositionedManual(peer, {now.left() - before.left(), 0.0});
+            Q_EMIT peer->nodePositionedManual(peer, {now.left() - former.rect.left(), 0.0});
         Q_EMIT backdrop->containerPeersStretched(peers);
     }
-    if (outer && !grown->contains(outer) && !rectOf(outer).contains(now))
-        grow(
-            outer, [=] { stretchBy(outer, backdrop); }, grown);
-    QSet<Node *> pushed;
-    pushDown(backdrop, clear, &pushed);
-    Backdrops::refreshMembership(backdrop);
-}
-
-void grow(Node *backdrop, const std::function<void()> &ask)
-{
-    QSet<Node *> grown;
-    grow(backdrop, ask, &grown);
+    settleGrown(former, grown);
+    for (const Former &peer : qAsConst(formerPeers))
+        settleGrown(peer, grown);
 }
 
 /// How far those below it have to go down so that the node lies on none of them; 0 where it does not.
@@ -229,7 +327,7 @@ void join(Node *node, Node *backdrop, const QSet<Node *> &together)
             Q_EMIT moved->nodePositionedManual(moved, way);
     }
     const qreal room = roomFor(node, lower);
-    grow(backdrop, [&] {
+    Backdrops::grow(backdrop, [&] {
         stretchBy(backdrop, node);
         if (room <= 0.0)
             return;
@@ -322,9 +420,18 @@ void Backdrops::refreshMembership(OssSnBaseNode *node)
         putInto(other, holderOf(other));
 }
 
+void Backdrops::grow(OssSnBaseNode *backdrop, const std::function<void()> &ask)
+{
+    QSet<Node *> grown;
+    ::grow(backdrop, ask, &grown);
+}
+
 void Backdrops::takeIn(OssSnBaseNode *node, OssSnBaseNode *backdrop)
 {
-    join(node, backdrop, {node});
+    const QList<Node *> carried = carriedBy(node);
+    QSet<Node *> together(carried.cbegin(), carried.cend());
+    together.insert(node);
+    join(node, backdrop, together);
 }
 
 void Backdrops::settle(QVector<Placed> placed)
@@ -351,7 +458,10 @@ void Backdrops::settle(QVector<Placed> placed)
         if (backdrop != one.before)
             join(one.node, backdrop, together);
         else if (!rectOf(backdrop).contains(rectOf(one.node)))
-            grow(backdrop, [&] { stretchBy(backdrop, one.node); });
+            Backdrops::grow(backdrop, [&] {
+                putInto(one.node, backdrop);
+                stretchBy(backdrop, one.node);
+            });
     }
 }
 

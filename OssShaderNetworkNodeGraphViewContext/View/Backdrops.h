@@ -6,6 +6,8 @@
 #include <QSet>
 #include <QVector>
 
+#include <functional>
+
 class OssSnBaseNode;
 
 /// What backdrops do when nodes come to them: they take them in, make room, grow, and keep those
@@ -37,10 +39,14 @@ OssSnBaseNode *containerOf(const OssSnBaseNode *node);
 void shift(OssSnBaseNode *node, const QPointF &way);
 /// The node belongs to what it lies on now; so do those that lie, or lay, on it.
 void refreshMembership(OssSnBaseNode *node);
-/// Puts the node into the backdrop where it stands: it goes below those that begin higher where it lies
+/// Does something by which the backdrop may grow: those around it hold it then, and those in line with it,
+/// and below it, go along. What belongs to none and stood clear of it, or of what gives way, goes out of the
+/// way: no backdrop takes it in by growing.
+void grow(OssSnBaseNode *backdrop, const std::function<void()> &ask);
+/// Puts the node, with what it carries, into the backdrop where it stands: it goes below those that begin higher where it lies
 /// over them, and those that begin lower make room.
 void takeIn(OssSnBaseNode *node, OssSnBaseNode *backdrop);
-/// Takes in those nodes whose middle lies on a backdrop.
+/// Takes in those nodes whose middle lies on a backdrop (OssNgBackdropNode::under).
 void settle(QVector<Placed> placed);
 /// The same for a node that was just made and wired: it also joins the backdrop of a node that it is
 /// wired to and stands near.

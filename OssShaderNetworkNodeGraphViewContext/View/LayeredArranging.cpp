@@ -40,19 +40,30 @@ QRectF rectFrom(const OssLyRect &rect)
     return {rect.x, rect.y, rect.width, rect.height};
 }
 
-/// What stands in the network and takes no part, but for backdrops that hold some of what does.
-QVector<QRectF> othersThan(const GraphValues &values, const OssShaderNetwork *network)
+/// The backdrop to which all of the nodes belong and which takes no part; null where there is none.
+OssSnBaseNode *homeOf(const Nodes &nodes, const GraphValues &values)
+{
+    OssSnBaseNode *home = Backdrops::containerOf(nodes.first());
+    const bool isOfAll = home && !values.contains(home)
+                         && std::all_of(nodes.cbegin(), nodes.cend(), [home](const auto *node) {
+                                return Backdrops::containerOf(node) == home;
+                            });
+    return isOfAll ? home : nullptr;
+}
+
+/// What stands in the network, or in `home` alone, and takes no part, but for backdrops that hold home.
+QVector<QRectF> othersThan(const GraphValues &values, const OssShaderNetwork *network,
+                           const OssSnBaseNode *home)
 {
     QVector<QRectF> others;
     const Nodes all = network->nodes();
     for (OssSnBaseNode *node : all) {
         const OssNgNode *item = itemOf(node);
-        if (!item || !item->isVisible() || values.contains(node))
+        if (!item || !item->isVisible() || values.contains(node) || node == home)
             continue;
-        const Nodes inside = Backdrops::inside(node);
-        if (std::none_of(inside.cbegin(), inside.cend(),
-                         [&](OssSnBaseNode *member) { return values.contains(member); }))
-            others.append(item->sceneBoundingRect());
+        const QRectF area = item->sceneBoundingRect();
+        if (!home || (area.intersects(rectOf(home)) && !area.contains(rectOf(home))))
+            others.append(area);
     }
     return others;
 }
@@ -135,6 +146,22 @@ QVector<QRectF> inTheWayOf(const OssSnBaseNode *node)
     return others;
 }
 
+/// Whether there it would be in another backdrop, or lie on one that is not its.
+bool changesBackdrop(const OssSnBaseNode *node, const QRectF &place)
+{
+    const OssSnBaseNode *home = Backdrops::containerOf(node);
+    if (home && !rectOf(home).contains(place.center()))
+        return true;
+    QSet<const OssSnBaseNode *> around;
+    for (; home && !around.contains(home); home = Backdrops::containerOf(home))
+        around.insert(home);
+    const Nodes all = node->network()->nodes();
+    return std::any_of(all.cbegin(), all.cend(), [&](const OssSnBaseNode *other) {
+        return Backdrops::isBackdrop(other) && !around.contains(other)
+               && rectOf(other).intersects(place);
+    });
+}
+
 } // namespace
 
 void LayeredArranging::arrange(const QList<OssSnBaseNode *> &nodes, int withDots)
@@ -142,13 +169,16 @@ void LayeredArranging::arrange(const QList<OssSnBaseNode *> &nodes, int withDots
     OssShaderNetwork *network = nodes.first()->network();
     const GraphValues values(nodes);
     OssLyPlaces places = OssLyLayout::arranged(values.graph());
-    const QPointF way = wayToFreePlace(places, othersThan(values, network));
+    OssSnBaseNode *home = homeOf(nodes, values);
+    const QPointF way = wayToFreePlace(places, othersThan(values, network, home));
     for (int i = 0; i < values.count(); ++i)
         moveTo(values.node(i), rectFrom(places.nodes[std::size_t(i)]).topLeft() + way);
     for (std::size_t f = 0; f < places.frames.size(); ++f) {
         if (!places.frames[f].isEmpty())
             fitTo(values.backdrop(int(f)), rectFrom(places.frames[f]).translated(way));
     }
+    for (OssSnBaseNode *node : home ? nodes : Nodes())
+        Backdrops::takeIn(node, home);
     if (withDots == 0)
         return;
     for (OssLyRect &rect : places.nodes) {
@@ -194,7 +224,8 @@ void LayeredArranging::straighten(const QList<OssSnBaseNode *> &nodes, int)
                                                   : own.x());
             const QRectF place = Alignment::clear(QRectF(QPointF(x, y), own.size()),
                                                   inTheWayOf(port.source), Qt::Vertical);
-            moveTo(port.source, place.topLeft());
+            if (!changesBackdrop(port.source, place))
+                moveTo(port.source, place.topLeft());
         }
     }
 }

@@ -248,7 +248,7 @@ TEST(ColumnLayout, whatStartsShareStandsLeftOfAllThatItFeeds)
 
 FramedLayout::Frame frameOf(const QVector<int> &members)
 {
-    return {-1, members, QMarginsF(28, 56, 28, 28)};
+    return {-1, members, QMarginsF(28, 56, 28, 28), {}};
 }
 
 TEST(FramedLayout, membersStayTogetherAndOthersStayOut)

@@ -2,6 +2,7 @@
 
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
 #include "OssNodeGraph/Gestures/OssNgGestureHost.h"
+#include "OssNodeGraph/Items/OssNgBackdropNode.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
 #include "OssNodeGraph/Items/OssNgMovedNodes.h"
 #include "OssNodeGraph/Items/OssNgNode.h"
@@ -92,6 +93,7 @@ void OssNgNodeDragGesture::move(QMouseEvent *event)
     }
     moveBy(snapped(offset));
     previewInsertion();
+    previewBackdrops();
     watchShake(event->localPos());
 }
 
@@ -143,6 +145,43 @@ void OssNgNodeDragGesture::endPreview()
     m_previewedDestination = nullptr;
 }
 
+/// Along with a backdrop that is moved.
+bool OssNgNodeDragGesture::isCarried(const OssNgNode *node) const
+{
+    return std::any_of(m_moved.cbegin(), m_moved.cend(), [node](const Moved &moved) {
+        const auto *backdrop = qobject_cast<const OssNgBackdropNode *>(moved.node.data());
+        return backdrop && backdrop != node
+               && backdrop->sceneBoundingRect().contains(node->sceneBoundingRect());
+    });
+}
+
+void OssNgNodeDragGesture::previewBackdrops()
+{
+    QVector<QPointer<OssNgBackdropNode>> inviting;
+    for (const Moved &moved : qAsConst(m_moved)) {
+        if (!moved.node || isCarried(moved.node))
+            continue;
+        const QPointer<OssNgBackdropNode> backdrop = OssNgBackdropNode::under(moved.node);
+        if (backdrop && !inviting.contains(backdrop))
+            inviting.append(backdrop);
+    }
+    if (inviting == m_inviting)
+        return;
+    endInvitations();
+    m_inviting = inviting;
+    for (OssNgBackdropNode *backdrop : qAsConst(m_inviting))
+        backdrop->setInviting(true);
+}
+
+void OssNgNodeDragGesture::endInvitations()
+{
+    for (OssNgBackdropNode *backdrop : qAsConst(m_inviting)) {
+        if (backdrop)
+            backdrop->setInviting(false);
+    }
+    m_inviting.clear();
+}
+
 bool OssNgNodeDragGesture::isWatchingShakes() const
 {
     return m_dragging && host()->shakeRule().enabled
@@ -189,6 +228,7 @@ void OssNgNodeDragGesture::paint(QPainter *painter) const
 void OssNgNodeDragGesture::endTracking()
 {
     endPreview();
+    endInvitations();
     host()->canvas()->update(shakeCounterRect().toAlignedRect());
     if (host()->cursorTrackingMode() == OssNgGestureHost::ShakeTracking)
         host()->setCursorTrackingMode(OssNgGestureHost::NormalTracking);

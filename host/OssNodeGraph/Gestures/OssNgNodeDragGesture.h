@@ -7,11 +7,12 @@
 #include <QPointer>
 #include <QVector>
 
+class OssNgBackdropNode;
 class OssNgEdge;
 class OssNgNode;
 
 /// Moves the selected nodes, and what lies in selected backdrops, with the pointer. Shows the wire
-/// into which the node would be spliced, watches for shaking and shows what it counted. Positions are
+/// into which the node would be spliced and the backdrops that would take what is moved, watches for shaking and shows what it counted. Positions are
 /// announced at the end; whoever listens records the undo.
 class OssNgNodeDragGesture final : public OssNgGesture
 {
@@ -47,6 +48,9 @@ private:
     QPointF snapped(const QPointF &offset) const;
     void previewInsertion();
     void endPreview();
+    void previewBackdrops();
+    void endInvitations();
+    bool isCarried(const OssNgNode *node) const;
     void endTracking();
     bool isWatchingShakes() const;
     void watchShake(const QPointF &position);
@@ -59,6 +63,7 @@ private:
     bool m_deselectOthersOnClick;
     QPointer<OssNgNode> m_previewedDestination;
     QString m_previewedInput;
+    QVector<QPointer<OssNgBackdropNode>> m_inviting;
     /// Inputs that the node fed before it was shaken: it is not put back there by the same drag.
     QVector<QPair<QPointer<OssNgNode>, QString>> m_shakenFrom;
 

@@ -87,6 +87,36 @@ void OssNgBackdropNode::refreshChildrenList()
         m_children.append(node);
 }
 
+OssNgBackdropNode *OssNgBackdropNode::under(const OssNgNode *node)
+{
+    const OssNgSceneIndex *index = OssNgSceneIndex::of(node->scene());
+    if (!index)
+        return nullptr;
+    const auto extent = [](const QRectF &rect) {
+        return rect.width() * rect.height();
+    };
+    const QRectF own = node->sceneBoundingRect();
+    const qreal least = qobject_cast<const OssNgBackdropNode *>(node) ? extent(own) : 0.0;
+    OssNgBackdropNode *found = nullptr;
+    const QVector<OssNgNode *> near = index->nodesIn(own);
+    for (OssNgNode *other : near) {
+        auto *backdrop = qobject_cast<OssNgBackdropNode *>(other);
+        const QRectF area = other->sceneBoundingRect();
+        if (backdrop && other != node && extent(area) > least && area.contains(own.center())
+            && (!found || extent(area) < extent(found->sceneBoundingRect())))
+            found = backdrop;
+    }
+    return found;
+}
+
+void OssNgBackdropNode::setInviting(bool inviting)
+{
+    if (m_inviting == inviting)
+        return;
+    m_inviting = inviting;
+    appearanceChanged();
+}
+
 void OssNgBackdropNode::setZOrder(int order)
 {
     if (m_zOrder == order)
@@ -188,8 +218,9 @@ void OssNgBackdropNode::paintDetailed(QPainter *painter) const
     strip.addRect(QRectF(body.left(), body.top(), body.width(), titleBarHeight()));
     painter->drawPath(top.intersected(strip));
     painter->setBrush(Qt::NoBrush);
-    painter->setPen(isSelected() ? QPen(style->color(OssNgStyle::Role::Accent), 2.0)
-                                 : QPen(outline, 1.0));
+    painter->setPen(m_inviting     ? QPen(style->color(OssNgStyle::Role::Inviting), 3.0)
+                    : isSelected() ? QPen(style->color(OssNgStyle::Role::Accent), 2.0)
+                                   : QPen(outline, 1.0));
     painter->drawRoundedRect(body, Corner, Corner);
     painter->setPen(TitleColor);
     OssNgText::draw(painter, OssNgText::Role::Backdrop,
@@ -224,6 +255,11 @@ void OssNgBackdropNode::paintSimple(QPainter *painter) const
     OssNgText::drawSmall(painter, OssNgText::Role::Backdrop, bar,
                          m_title.isEmpty() ? text() : m_title);
     paintSimpleSelection(painter, area);
+    if (!m_inviting)
+        return;
+    painter->setPen(QPen(OssNgStyle::instance()->color(OssNgStyle::Role::Inviting), 6.0));
+    painter->setBrush(Qt::NoBrush);
+    painter->drawRect(area.adjusted(3.0, 3.0, -3.0, -3.0));
 }
 
 void OssNgBackdropNode::copyStateFrom(const OssNgNode *other)

@@ -41,6 +41,15 @@ public:
 
     void refreshChildrenList();
 
+    /// The innermost backdrop on which the middle of the node lies: what is let go there becomes its.
+    /// One takes no other that is not smaller than itself. Null where there is none.
+    static OssNgBackdropNode *under(const OssNgNode *node);
+
+    /// Shows that it takes what is in the hand if that is let go now.
+    void setInviting(bool inviting);
+
+    bool isInviting() const { return m_inviting; }
+
     /// Order among backdrops. Announces nothing.
     void setZOrder(int order);
 
@@ -84,4 +93,5 @@ private:
     QRectF m_savedRect;
     QVector<QPointer<OssNgNode>> m_children;
     int m_zOrder = 0;
+    bool m_inviting = false;
 };

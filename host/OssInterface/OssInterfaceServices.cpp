@@ -6,6 +6,7 @@
 #include "OssInterface/DragAndDrop/OssDragAndDropManager.h"
 #include "OssInterface/Palettes/OssPaletteManager.h"
 #include "OssInterface/Popups/OssFocusReturn.h"
+#include "OssInterface/Popups/OssMenuPress.h"
 #include "OssInterface/Popups/OssWorkDialog.h"
 #include "OssModel/OssModelServices.h"
 #include "OssModel/Project/OssProjectManager.h"
@@ -20,6 +21,7 @@ struct OssInterfaceServices::Services
     OssDragAndDropManager dragAndDrop;
     OssWorkDialog workDialog;
     OssFocusReturn focusReturn;
+    OssMenuPress menuPress;
 };
 
 OssInterfaceServices::OssInterfaceServices()

@@ -42,6 +42,71 @@ QAction *find(const char *path)
     return tree()->findAction(text(path));
 }
 
+/// A menu that comes while a button is held.
+class HeldMenu : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        m_window.resize(400, 400);
+        m_window.show();
+        QObject::connect(m_menu.addAction(text("One")), &QAction::triggered, &m_window,
+                         [this] { ++m_run; });
+        m_menu.addAction(text("Two"));
+        QTest::mousePress(m_window.windowHandle(), Qt::RightButton, {}, {100, 100});
+        m_menu.popup(m_window.mapToGlobal({100, 100}));
+        m_entry = m_menu.actionGeometry(m_menu.actions().first()).center();
+    }
+
+    void TearDown() override { m_menu.close(); }
+
+    void move(const QPoint &place)
+    {
+        QTest::mouseMove(m_menu.windowHandle(), place);
+        QCoreApplication::processEvents();
+    }
+
+    void release()
+    {
+        QTest::mouseRelease(m_menu.windowHandle(), Qt::RightButton, {}, m_entry);
+        QCoreApplication::processEvents();
+    }
+
+    QWidget m_window;
+    OssMenu m_menu;
+    QPoint m_entry;
+    int m_run = 0;
+};
+
+TEST_F(HeldMenu, anEntryIsNotRunByTheHandThatSlippedOntoIt)
+{
+    for (int way = 1; way < 40; ++way)
+        move({way, m_entry.y()});
+    move(m_entry);
+    release();
+    EXPECT_EQ(m_run, 0) << "at once";
+    EXPECT_TRUE(m_menu.isVisible());
+    QTest::mouseClick(m_menu.windowHandle(), Qt::LeftButton, {}, m_entry);
+    EXPECT_EQ(m_run, 1);
+}
+
+TEST_F(HeldMenu, anEntryIsRunWhereTheHandTookItsTimeAndMovedThere)
+{
+    QTest::qWait(QApplication::doubleClickInterval() + 20);
+    move(m_entry);
+    release();
+    EXPECT_EQ(m_run, 0) << "held for long, but not moved";
+    m_menu.close();
+    QTest::mousePress(m_window.windowHandle(), Qt::RightButton, {}, {100, 100});
+    m_menu.popup(m_window.mapToGlobal({100, 100}));
+    for (int way = 1; way < 40; ++way)
+        move({way, m_entry.y()});
+    QTest::qWait(QApplication::doubleClickInterval() + 20);
+    move(m_entry);
+    release();
+    EXPECT_EQ(m_run, 1);
+}
+
 /// Menus of the commands One and Two.
 class Menus : public testing::Test
 {

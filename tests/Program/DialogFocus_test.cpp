@@ -1,7 +1,10 @@
 #include "OssInterface/Actions/OssCommandTable.h"
+#include "OssInterface/Palettes/OssPalette.h"
+#include "OssInterface/Palettes/OssPaletteManager.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssNodeGraph/View/OssNgView.h"
 #include "Program/StartedProgram.h"
+#include "support/TabOrder.h"
 
 #include <QDialog>
 #include <QTest>
@@ -57,6 +60,8 @@ protected:
             return;
         m_opened = QLatin1String(window->metaObject()->className()) + QLatin1String(" \"")
                    + window->windowTitle() + QLatin1Char('"');
+        EXPECT_EQ(againstReading(window).join(text("; ")).toStdString(), "")
+            << qPrintable(m_opened);
         QWidget *focus = window->focusWidget();
         QTest::keyClick(focus ? focus : window, Qt::Key_Escape);
     }
@@ -126,6 +131,30 @@ TEST_F(DialogFocus, goesBackToTheGraphFromEveryDialogOfACommand)
         }
     }
     EXPECT_GT(opened, 15);
+}
+
+TEST_F(DialogFocus, tabGoesThroughPalettesAsOneReads)
+{
+    connectAll();
+    select({m_color});
+    const QPointer<QWidget> focus = QApplication::focusWidget();
+    const auto palettes = OssPaletteManager::instance()->palettes();
+    for (OssPalette *palette : palettes) {
+        palette->showBySidebar();
+        QTest::qWait(20);
+        EXPECT_EQ(againstReading(palette).join(text("; ")).toStdString(), "")
+            << qPrintable(palette->windowTitle());
+    }
+    for (const char *command : {"Viewer/Show Patches and Object", "Viewer/Toggle Painting"}) {
+        triggerCommand(command);
+        for (const OssPalette *palette : palettes)
+            EXPECT_EQ(againstReading(palette).join(text("; ")).toStdString(), "")
+                << command << ", " << qPrintable(palette->windowTitle());
+    }
+    triggerCommand("Viewer/Toggle Painting");
+    triggerCommand("Viewer/Show Patches");
+    if (focus)
+        focus->setFocus();
 }
 
 } // namespace

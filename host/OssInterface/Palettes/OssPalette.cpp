@@ -1,5 +1,7 @@
 #include "OssInterface/Palettes/OssPalette.h"
 
+#include "OssInterface/Actions/OssTabOrder.h"
+
 #include <QScopedValueRollback>
 #include <QStringList>
 #include <QVBoxLayout>
@@ -23,6 +25,7 @@ void OssPalette::setBodyWidget(QWidget *body)
     m_body = body;
     if (!body)
         return;
+    OssTabOrder::followLayout(body);
     layout()->addWidget(body);
     setFocusProxy(body);
 }

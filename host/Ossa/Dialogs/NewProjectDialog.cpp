@@ -2,6 +2,7 @@
 
 #include "Ossa/Common/Theme.h"
 #include "Ossa/Dialogs/ColorChoice.h"
+#include "OssInterface/Actions/OssTabOrder.h"
 #include "OssModel/Project/OssProject.h"
 
 #include <QComboBox>
@@ -80,6 +81,7 @@ NewProjectDialog::NewProjectDialog(QWidget *parent)
     alignLabels({form, m_panel->form()});
     m_offeredName = name();
     m_name->selectAll();
+    OssTabOrder::followLayout(this);
     resize(Theme::fitting(firstSize));
     refresh();
 }

@@ -2,6 +2,7 @@
 
 #include "Ossa/Common/Theme.h"
 #include "Ossa/Dialogs/PreferenceEditor.h"
+#include "OssInterface/Actions/OssTabOrder.h"
 #include "OssInterface/Widgets/OssFormLayout.h"
 
 #include <QDialogButtonBox>
@@ -49,6 +50,7 @@ PreferencesDialog::PreferencesDialog(QWidget *parent)
     addPreferences();
     OssFormLayout::alignLabels(m_stack);
     m_pages->setCurrentRow(0);
+    OssTabOrder::followLayout(this);
     resize(Theme::fitting({780, 620}));
 }
 

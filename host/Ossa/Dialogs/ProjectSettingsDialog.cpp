@@ -2,6 +2,7 @@
 
 #include "Ossa/Common/Theme.h"
 #include "Ossa/Dialogs/ColorChoice.h"
+#include "OssInterface/Actions/OssTabOrder.h"
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectColors.h"
 
@@ -84,6 +85,7 @@ ProjectSettingsDialog::ProjectSettingsDialog(const OssProject *project, QWidget 
     connect(m_colors, &ColorChoice::changed, this, &ProjectSettingsDialog::refresh);
     m_colors->setSettings(project->colors());
     showRules(project->fileRules());
+    OssTabOrder::followLayout(this);
     resize(Theme::fitting(firstSize));
 }
 

@@ -1,3 +1,4 @@
+#include "OssCore/Program/OssDebug.h"
 #include "OssCore/Program/OssSettings.h"
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
@@ -86,6 +87,24 @@ TEST_F(OwnTypes, areKnownWhileTheProgramRunsAndNodesStayWhatTheyWereUntilUpgrade
     EXPECT_TRUE(networks->hashStringForVersionUUID(uuid).isEmpty());
     const ExpectedLog expected("My/Own");
     EXPECT_EQ(add("My/Own"), nullptr);
+}
+
+TEST_F(OwnTypes, aFaultThatStaysIsToldOnceHoweverOftenTheFolderIsRead)
+{
+    const ExpectedLog expected("broken.xml");
+    writeFile(OssNodeTypeWatch::folderPath() + QStringLiteral("/broken.xml"), "<NodeType");
+    int told = 0;
+    const auto listening = QObject::connect(
+        OssDebugLog::instance(), &OssDebugLog::lineAdded, [&told](const OssDebugLog::Line &line) {
+            told += line.text.contains(QLatin1String("broken.xml")) ? 1 : 0;
+        });
+    for (int i = 0; i < 3; ++i)
+        OssNodeTypeWatch::instance()->start();
+    EXPECT_EQ(told, 1);
+    put("2026-01-01");
+    ASSERT_TRUE(waitForDate(QStringLiteral("2026-01-01")));
+    EXPECT_EQ(told, 1) << "another file is new";
+    QObject::disconnect(listening);
 }
 
 /// A group with a knob, whose inside is published.

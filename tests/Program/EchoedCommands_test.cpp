@@ -2,8 +2,11 @@
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssSnBaseContext.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Project/OssNodeTypeWatch.h"
 #include "Program/StartedProgram.h"
 
+#include <QFile>
 #include <QTest>
 
 namespace {
@@ -97,6 +100,21 @@ TEST_F(EchoedCommands, whatHasNoLineOfItsOwnIsTheCommandOnTheSameSelection)
                           "ossa.trigger(\"/Ossa/NodeGraph/Add Group Input\")")
             << "also what was selected before the echo began";
     }
+}
+
+TEST_F(EchoedCommands, publishingIsOneLineThoughTheTypeTellsItsValuesAnew)
+{
+    auto *group = qobject_cast<OssSnGroupNode *>(add("Misc/Group", "Around"));
+    OssSnBaseNode *inner = group->groupNetwork()->createNode(text("Filter/Blur"));
+    wire(inner, group->createOutput(text("Result"), OssSnDataKind::Color));
+    group->createKnob(inner, text("Radius"));
+    told();
+    EXPECT_TRUE(OssNodeTypeWatch::instance()->publish(group, {text("Mine"), text("Soft"), {}}));
+    EXPECT_EQ(told(), R"(ossa.graph().node("Around").publish("Mine", "Soft", ""))");
+    history()->undo();
+    EXPECT_EQ(told(), "ossa.undo().undo()");
+    QFile::remove(OssNodeTypeWatch::filePath(text("Mine/Soft")));
+    OssNodeTypeWatch::instance()->start();
 }
 
 TEST_F(EchoedCommands, movesAndNewNodesTellTheirPlaces)

@@ -43,8 +43,11 @@ QStringList OssShaderNetworkManager::readUserNodeTypes(const QString &folder,
                                                        OssSnNodeTypeLibrary::Changes *changes)
 {
     const QStringList faults = m_types.readChangingFolder(folder, changes);
-    for (const QString &fault : faults)
-        OssDebug("OssShaderNetworkManager", __LINE__, "[ !! ] %s", qPrintable(fault));
+    for (const QString &fault : faults) {
+        if (!m_typeFaults.contains(fault)) // the folder is read again for each file that changes
+            OssDebug("OssShaderNetworkManager", __LINE__, "[ !! ] %s", qPrintable(fault));
+    }
+    m_typeFaults = faults;
     if (!changes->isEmpty())
         Q_EMIT registeredNodePopulationChanged();
     return faults;

@@ -84,7 +84,7 @@ public:
     /// Reads the descriptions in a folder; faults are debug lines and returned.
     QStringList loadNodeTypes(const QString &folder);
     /// The same for the user's own types, which may have come, changed or gone since the last time. Nodes
-    /// stay what they were made from.
+    /// stay what they were made from. A fault that stays is one debug line.
     QStringList readUserNodeTypes(const QString &folder, OssSnNodeTypeLibrary::Changes *changes);
     bool registerNodeType(const OssSnNodeTypeLibrary::TypePointer &type);
     OssSnNodeTypeLibrary::TypePointer nodeType(const QString &pathKey) const;
@@ -270,6 +270,7 @@ Q_SIGNALS:
 
 private:
     OssSnNodeTypeLibrary m_types;
+    QStringList m_typeFaults; ///< of the user's folder, when it was read last
     std::map<OssSnNodeTypeLibrary::TypePointer, QString> m_pristineHashes;
     QVector<NamedLoader> m_loaders;
     QVector<QPointer<QObject>> m_globalActions;

@@ -130,5 +130,6 @@ OssResult OssNodeTypeWatch::publish(OssSnGroupNode *group, const OssPublishedGro
         return OssResult::failure(faults.isEmpty() ? tr("The node type cannot be read")
                                                    : faults.first());
     OssPublishedGroup::adopt(group, type);
+    Q_EMIT published(group, form);
     return {};
 }

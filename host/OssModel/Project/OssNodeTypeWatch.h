@@ -38,6 +38,9 @@ public:
     /// it. Nodes of an older version stay what they are until they are upgraded.
     OssResult publish(OssSnGroupNode *group, const OssPublishedGroup::Form &form);
 
+Q_SIGNALS:
+    void published(OssSnGroupNode *group, const OssPublishedGroup::Form &form);
+
 private:
     QStringList read();
     /// Folders, and the files in them: not every system tells of a file's change by its folder.

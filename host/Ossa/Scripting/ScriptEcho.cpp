@@ -7,6 +7,7 @@
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssSnBaseContext.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Project/OssNodeTypeWatch.h"
 #include "OssModel/Types/OssSnTags.h"
 
 #include <QAction>
@@ -50,7 +51,8 @@ void ScriptEcho::setEnabled(bool enabled)
     auto *actions = OssActionTreeManager::instance();
     if (!enabled) {
         for (QObject *sender : {static_cast<QObject *>(networks), static_cast<QObject *>(undo),
-                                static_cast<QObject *>(actions)})
+                                static_cast<QObject *>(actions),
+                                static_cast<QObject *>(OssNodeTypeWatch::instance())})
             disconnect(sender, nullptr, this, nullptr);
         for (const OssActionTreeManager::Entry &entry : actions->entries())
             disconnect(entry.action, nullptr, this, nullptr);
@@ -69,6 +71,8 @@ void ScriptEcho::setEnabled(bool enabled)
             &ScriptEcho::learnEverything);
     connect(networks, &OssShaderNetworkManager::arrangementRequested, this,
             &ScriptEcho::addArrangement);
+    connect(OssNodeTypeWatch::instance(), &OssNodeTypeWatch::published, this,
+            &ScriptEcho::addPublished);
     connect(undo, &OssUndoManager::recorded, this, [this](const QString &title) {
         m_titles.append(title);
         schedule();
@@ -134,6 +138,7 @@ void ScriptEcho::watchNode(OssShaderNetwork *network, OssSnBaseNode *node)
             [change](const QString &before, const QString &after) {
                 change().knobs.append({before, after});
             });
+    connect(node, &OssSnBaseNode::nodeRefreshed, this, [change] { change().version = true; });
     connect(node, &OssSnBaseNode::enabledChanged, this, [change] { change().enabled = true; });
     connect(node, &OssSnBaseNode::bypassedChanged, this, [change] { change().bypassed = true; });
     connect(node, &OssSnBaseNode::lockedChanged, this, [change] { change().locked = true; });
@@ -168,6 +173,17 @@ void ScriptEcho::addArrangement(const QList<OssSnBaseNode *> &nodes,
     m_arranged.append(QStringLiteral("%1.arrange(%2, %3)")
                           .arg(ScriptText::graph(network), ScriptText::list(paths),
                                ScriptText::text(OssShaderNetworkManager::nameOf(how))));
+    schedule();
+}
+
+void ScriptEcho::addPublished(OssSnBaseNode *group, const OssPublishedGroup::Form &form)
+{
+    if (!m_changes.contains(group))
+        m_changeOrder.append(group);
+    m_changes[group].published = QStringLiteral(".publish(%1, %2, %3)")
+                                     .arg(ScriptText::text(form.category),
+                                          ScriptText::text(form.name),
+                                          ScriptText::text(form.toolTip));
     schedule();
 }
 
@@ -343,6 +359,11 @@ QStringList ScriptEcho::describeNode(OssSnBaseNode *node, const Change &change) 
     if (change.renamed)
         lines.append(ScriptText::node(m_known.value(node).path) + QStringLiteral(".name = ")
                      + ScriptText::text(node->name()));
+    // Values and ports are told anew with the type, though nobody changed them.
+    if (!change.published.isEmpty())
+        return lines << name + change.published;
+    if (change.version)
+        return lines << describeVersion(node);
     lines.append(describePorts(node, change));
     const QString lock = change.locked ? name + QStringLiteral(".locked = ")
                                              + ScriptText::value(node->isLocked())
@@ -370,6 +391,14 @@ QStringList ScriptEcho::describeNode(OssSnBaseNode *node, const Change &change) 
     lines.append(describeWires(node, inputs));
     lines.removeAll(QString());
     return lines;
+}
+
+QStringList ScriptEcho::describeVersion(const OssSnBaseNode *node)
+{
+    const auto installed = OssShaderNetworkManager::instance()->nodeType(node->pathKey());
+    if (!installed || node->nodeType() != installed.get())
+        return {};
+    return {ScriptText::node(node->path()) + QStringLiteral(".upgrade()")};
 }
 
 QStringList ScriptEcho::describePorts(OssSnBaseNode *node, const Change &change) const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OssModel/Graph/OssPublishedGroup.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 
 #include <QHash>
@@ -50,6 +51,8 @@ private:
         QSet<QString> inputs;
         QSet<QString> switched;                 ///< inputs, on or off
         QVector<QPair<QString, QString>> knobs; ///< from name to name
+        QString published;                      ///< the call, for a group
+        bool version = false;                   ///< another one of its type
         bool inputOrder = false;
         bool outputOrder = false;
         bool enabled = false;
@@ -64,6 +67,7 @@ private:
     void addNode(OssShaderNetwork *network, OssSnBaseNode *node);
     void addArrangement(const QList<OssSnBaseNode *> &nodes,
                         OssShaderNetworkManager::Arrangement how);
+    void addPublished(OssSnBaseNode *group, const OssPublishedGroup::Form &form);
     void loseNode(OssSnBaseNode *node);
     void learnEverything();
     void schedule();
@@ -75,6 +79,7 @@ private:
     QStringList removedNodes() const;
     QStringList describe();
     QStringList describeNode(OssSnBaseNode *node, const Change &change) const;
+    static QStringList describeVersion(const OssSnBaseNode *node);
     QStringList describePorts(OssSnBaseNode *node, const Change &change) const;
     QStringList describeNew(OssSnBaseNode *node) const;
     QStringList describeWires(OssSnBaseNode *node, const QStringList &inputs) const;

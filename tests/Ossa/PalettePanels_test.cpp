@@ -6,6 +6,7 @@
 #include "Ossa/Palettes/LogModel.h"
 #include "Ossa/Palettes/LogPanel.h"
 #include "Ossa/Palettes/ProblemsPanel.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Images/OssImage.h"
 #include "OssModel/Images/OssImageManager.h"
 #include "OssModel/Nodes/OssProblems.h"
@@ -151,6 +152,11 @@ TEST_F(ProblemsList, listsWhatIsWrongAndLeadsThere)
     EXPECT_EQ(networks->currentShaderNetwork(), m_network);
     OssProblems::instance()->report(blur, OssProblems::Evaluation, {});
     EXPECT_TRUE(list->isHidden());
+    auto *group = qobject_cast<OssSnGroupNode *>(add("Misc/Group", "Around"));
+    OssSnBaseNode *inner = group->groupNetwork()->createNode(text("Filter/Blur"));
+    OssProblems::instance()->report(inner, OssProblems::Evaluation, text("one"));
+    ASSERT_EQ(list->topLevelItemCount(), 1);
+    EXPECT_EQ(list->topLevelItem(0)->text(0), text("Around/Blur"));
 }
 
 } // namespace

@@ -89,7 +89,7 @@ void ProblemsPanel::refresh()
     }
     for (const OssProblems::Problem &problem : problems) {
         auto *row = new QTreeWidgetItem(m_list); // the list's
-        row->setText(0, problem.node->name());
+        row->setText(0, problem.path.mid(1));    // all begin with "/"
         row->setToolTip(0, problem.path);
         row->setText(1, QString(problem.reason).replace(QLatin1Char('\n'), QLatin1String("; ")));
         row->setToolTip(1, problem.reason);

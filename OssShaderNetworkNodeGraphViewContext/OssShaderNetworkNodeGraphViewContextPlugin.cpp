@@ -104,6 +104,7 @@ void OssShaderNetworkNodeGraphViewContextPlugin::createActions()
         QAction *action = OssCommandTable::makeAction(path, this);
         OssActionTreeManager::instance()->registerAction(ActionFolder, action);
         connect(action, &QAction::triggered, this, row.slot);
+        action->setCheckable(path.endsWith(QLatin1String("/Toggle Edge Sever Mode")));
     }
 }
 

@@ -25,6 +25,10 @@ OssShaderNetworkView::OssShaderNetworkView(QWidget *parent)
     setAcceptDrops(true);
     connect(this, &OssNgView::shakeToExtractTriggered, this,
             &OssShaderNetworkView::onShakeToExtractTriggered);
+    connect(this, &OssNgView::cursorTrackingModeChanged, this,
+            &OssShaderNetworkView::showSeverMode);
+    connect(OssStatusManager::instance(), &OssStatusManager::stopAsked, this,
+            &OssNgView::endSeverMode);
     // A press that took no node in hand moves none: what others move until its release is theirs.
     connect(OssUndoManager::instance(), &OssUndoManager::aboutToEdit, this, [this] {
         if (!hasGesture())

@@ -272,6 +272,7 @@ private:
                                                       const QString &input, const char *side);
     template <class Change>
     void changePortLists(const char *missingContext, Change change);
+    void showSeverMode();
     int selectionCount() const;
     QRectF selectionBounds() const;
     QRectF selectionOrAllBounds() const;

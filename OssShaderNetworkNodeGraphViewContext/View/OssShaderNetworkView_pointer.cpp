@@ -3,6 +3,7 @@
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssCore/Undo/OssUndoManager.h"
+#include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/Actions/OssCommandTable.h"
 #include "OssInterface/Actions/OssShortcutManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
@@ -15,6 +16,7 @@
 #include "OssSnNodeGraphViewContextManager.h"
 #include "View/Backdrops.h"
 
+#include <QAction>
 #include <QGuiApplication>
 #include <QLineF>
 #include <QMouseEvent>
@@ -262,6 +264,22 @@ void OssShaderNetworkView::dropGrabbedEdge()
 void OssShaderNetworkView::toggleEdgeSeverAction()
 {
     setCursorTrackingMode(cursorTrackingMode() == SeverTracking ? NormalTracking : SeverTracking);
+    showSeverMode(); // a click has turned the command's mark
+}
+
+void OssShaderNetworkView::showSeverMode()
+{
+    const bool isOn = cursorTrackingMode() == SeverTracking;
+    const QString path = QStringLiteral("/Ossa/NodeGraph/Toggle Edge Sever Mode");
+    QAction *action = OssActionTreeManager::instance()->findAction(path);
+    if (!action)
+        return;
+    action->setChecked(isOn);
+    const QString key = action->shortcut().toString(QKeySequence::NativeText);
+    OssStatusManager::instance()->showMode(!isOn ? QString()
+                                           : key.isEmpty()
+                                               ? tr("Cutting wires: Esc ends it")
+                                               : tr("Cutting wires: %1 or Esc ends it").arg(key));
 }
 
 void OssShaderNetworkView::createUnconnectedDotNode(OssNgEdge *CandidateEdge)

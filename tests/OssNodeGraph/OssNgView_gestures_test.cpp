@@ -130,6 +130,26 @@ TEST_F(OssNgViewTest, severStrokeCutsCrossedWiresOnly)
     EXPECT_NE(c->input(In), nullptr);
 }
 
+TEST_F(OssNgViewTest, severModeEndsByEscapeAndWithTheViewButAStrokeIsTakenBackFirst)
+{
+    OssNgEdge *edge = b->attachInput(In, a, Out);
+    const QSignalSpy modes(&view, &OssNgView::cursorTrackingModeChanged);
+    view.setCursorTrackingMode(OssNgView::SeverTracking);
+    const QPointF end = b->inputPortScenePos(In) + QPointF(-25, 0);
+    press(end + QPointF(0, -30));
+    move(end + QPointF(0, 20));
+    QTest::keyClick(&view, Qt::Key_Escape);
+    EXPECT_EQ(view.cursorTrackingMode(), OssNgView::SeverTracking);
+    release(end + QPointF(0, 20));
+    EXPECT_EQ(b->input(In), edge);
+    QTest::keyClick(&view, Qt::Key_Escape);
+    EXPECT_EQ(view.cursorTrackingMode(), OssNgView::NormalTracking);
+    view.setCursorTrackingMode(OssNgView::SeverTracking);
+    view.hide();
+    EXPECT_EQ(view.cursorTrackingMode(), OssNgView::NormalTracking);
+    EXPECT_EQ(modes.count(), 4);
+}
+
 TEST_F(OssNgViewTest, shakingIsNoticedUnlessItIsSwitchedOffAndTheDragGoesOn)
 {
     view.m_shakeToExtractShakes = 3;

@@ -110,6 +110,11 @@ TEST_F(OssNgHoverTest, tipsComeOverNodesAndGoBesideThem)
 {
     a->setToolTip(text("softens"));
     EXPECT_TRUE(tipAt(body(a)).contains(text("softens")));
+    EXPECT_TRUE(tipAt(a->outputPortScenePos(Out) + QPointF(4, 0)).contains(Out))
+        << "beyond the body";
+    b->attachInput(In, a, Out);
+    const QPointF half = (a->outputPortScenePos(Out) + b->inputPortScenePos(In)) / 2.0;
+    EXPECT_TRUE(tipAt(half).contains(a->text() + text(" . ") + Out));
     tipAt(QPointF(250, 400));
     EXPECT_TRUE(QTest::qWaitFor([&] { return !QToolTip::isVisible(); }));
     OssNgView empty;

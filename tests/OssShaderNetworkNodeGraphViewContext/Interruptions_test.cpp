@@ -237,4 +237,30 @@ TEST_F(Interruptions, noGestureOutlivesWhatComesBetween)
     m_view->setNavigationControlType(QStringLiteral("Kova"));
 }
 
+TEST_F(Interruptions, takingAGestureBackUndoesNothingElse)
+{
+    const QVector<Gesture> all = gestures();
+    for (const Gesture &gesture : all) {
+        SCOPED_TRACE(gesture.name);
+        fill();
+        m_color->setName(QStringLiteral("Renamed"));
+        m_view->setNavigationControlType(QString::fromLatin1(gesture.navigation));
+        const QByteArray before = m_project->stateHash();
+        const QPoint from = gesture.from();
+        pointer(QEvent::MouseButtonPress, from, gesture.button, gesture.button, gesture.keys);
+        for (const QPoint &way : {QPoint(15, 10), QPoint(40, 30)})
+            pointer(QEvent::MouseMove, from + way, Qt::NoButton, gesture.button, gesture.keys);
+        OssUndoManager::instance()->takeBack();
+        EXPECT_FALSE(m_view->hasGesture());
+        EXPECT_TRUE(undoText().startsWith(QLatin1String("Rename"))) << qPrintable(undoText());
+        pointer(QEvent::MouseButtonRelease, from + QPoint(40, 30), gesture.button, Qt::NoButton,
+                gesture.keys);
+        EXPECT_EQ(m_project->stateHash(), before);
+        expectWhole();
+        OssUndoManager::instance()->takeBack();
+        EXPECT_EQ(m_color->name(), QStringLiteral("Color"));
+    }
+    m_view->setNavigationControlType(QStringLiteral("Kova"));
+}
+
 } // namespace

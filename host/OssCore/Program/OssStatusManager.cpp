@@ -62,3 +62,8 @@ void OssStatusManager::showMessage(const QString &message)
 {
     Q_EMIT messageShown(message);
 }
+
+void OssStatusManager::showMode(const QString &text)
+{
+    Q_EMIT modeShown(text);
+}

@@ -54,6 +54,9 @@ public:
 
     /// One line for the status bar: what just happened.
     void showMessage(const QString &message);
+    /// One line that stays there while the pointer does something else than usual, and says how that
+    /// ends; empty when it has.
+    void showMode(const QString &text);
 
 Q_SIGNALS:
     void beginProcessing(const QString &title);
@@ -63,6 +66,7 @@ Q_SIGNALS:
     /// To whoever computes in the background.
     void stopAsked();
     void messageShown(const QString &message);
+    void modeShown(const QString &text);
 
 private:
     QString m_title;

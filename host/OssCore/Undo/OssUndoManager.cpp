@@ -373,6 +373,14 @@ void OssUndoManager::undo()
     Q_EMIT undone();
 }
 
+void OssUndoManager::takeBack()
+{
+    bool taken = false;
+    Q_EMIT takingBack(&taken);
+    if (!taken)
+        undo();
+}
+
 void OssUndoManager::redo()
 {
     Q_EMIT aboutToEdit();

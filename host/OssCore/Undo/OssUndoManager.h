@@ -116,6 +116,8 @@ public:
 
 public Q_SLOTS:
     void undo();
+    /// What the user's command does: takes back what is half done in hand, or, where nothing is, undoes.
+    void takeBack();
     void redo();
     /// Undoes or redoes until that many steps are done.
     void setIndex(int index);
@@ -135,6 +137,8 @@ Q_SIGNALS:
     /// Before an outermost macro, an undo or a redo begins, and before a step by itself is taken in:
     /// whoever has something half done in hand makes a step of it now, or puts it back.
     void aboutToEdit();
+    /// The user takes something back: whoever has something half done in hand puts it back and says so.
+    void takingBack(bool *taken);
     /// An outermost macro, or a step by itself, is about to become a step: what else follows from the
     /// edit joins it now. Not kept: it was cancelled, or nothing was recorded.
     void editEnding(bool kept);

@@ -29,6 +29,7 @@ constexpr qreal SceneHalf = 200000.0;
 constexpr int MinimapDelay = 120; ///< milliseconds between a change and the map's repainting
 constexpr int GlideInterval = 12;
 constexpr int BorderPanInterval = 16;
+constexpr int TipReach = 12; ///< pixels that the pointer may go until what was told of it goes
 
 /// Lets long texts wrap, which plain tool tips do not, and names with "<" stay what they are.
 QString asMarkup(const QString &plain)
@@ -72,6 +73,8 @@ OssNgView::OssNgView(QWidget *parent)
     m_borderPanTimer.setInterval(BorderPanInterval);
     connect(OssUndoManager::instance(), &OssUndoManager::aboutToEdit, this,
             &OssNgView::interruptGesture);
+    connect(OssUndoManager::instance(), &OssUndoManager::takingBack, this,
+            [this](bool *taken) { *taken = cancelGesture() || *taken; });
     // A dialog may come while another window, or nothing, has the keyboard.
     connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, [this](const QWindow *now) {
         if (now && now != window()->windowHandle())
@@ -144,6 +147,15 @@ void OssNgView::setCursorTrackingMode(int mode)
         return;
     m_cursorTrackingMode = mode;
     viewport()->setCursor(mode == SeverTracking ? Qt::CrossCursor : Qt::ArrowCursor);
+    Q_EMIT cursorTrackingModeChanged(mode);
+}
+
+bool OssNgView::endSeverMode()
+{
+    if (m_cursorTrackingMode != SeverTracking)
+        return false;
+    setCursorTrackingMode(NormalTracking);
+    return true;
 }
 
 void OssNgView::toggleSnapToGrid()
@@ -205,13 +217,31 @@ bool OssNgView::event(QEvent *event)
     switch (event->type()) {
     case QEvent::FocusOut:
     case QEvent::WindowDeactivate:
+        interruptGesture();
+        break;
     case QEvent::Hide:
         interruptGesture();
+        endSeverMode(); // nobody would know of it when the view comes again
         break;
     default:
         break;
     }
     return QGraphicsView::event(event);
+}
+
+QString OssNgView::toolTipAt(const QPointF &scenePos) const
+{
+    const OssNgNode *node = sceneIndex()->nodeAt(scenePos);
+    // Ports reach out of their nodes, and wires run over backdrops.
+    const OssNgNode *owner = node && !node->isBackground() ? node : portOwnerAt(scenePos);
+    if (owner)
+        return owner->toolTipAt(scenePos - owner->pos());
+    const OssNgEdge *edge = sceneIndex()->edgeAt(scenePos, wireReach());
+    if (edge && edge->isFullConnected())
+        return tr("From %1 . %2\nto %3 . %4")
+            .arg(edge->source()->text(), edge->sourceOutput(), edge->destination()->text(),
+                 edge->destinationInput());
+    return node ? node->toolTipAt(scenePos - node->pos()) : QString();
 }
 
 bool OssNgView::viewportEvent(QEvent *event)
@@ -240,13 +270,13 @@ bool OssNgView::viewportEvent(QEvent *event)
     if (event->type() != QEvent::ToolTip || !scene())
         return QGraphicsView::viewportEvent(event);
     const auto *help = static_cast<QHelpEvent *>(event);
-    const QPointF position = toScene(help->pos());
-    const OssNgNode *node = sceneIndex()->nodeAt(position);
-    const QString text = node ? node->toolTipAt(position - node->pos()) : QString();
+    const QString text = toolTipAt(toScene(help->pos()));
     if (text.isEmpty())
         QToolTip::hideText();
     else
-        QToolTip::showText(help->globalPos(), asMarkup(text), viewport());
+        QToolTip::showText(
+            help->globalPos(), asMarkup(text), viewport(),
+            QRect(help->pos(), QSize()).adjusted(-TipReach, -TipReach, TipReach, TipReach));
     event->accept();
     return true;
 }

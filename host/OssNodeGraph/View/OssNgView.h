@@ -73,6 +73,8 @@ public:
     int cursorTrackingMode() const override { return m_cursorTrackingMode; }
 
     void setCursorTrackingMode(int mode) override;
+    /// False where wires are not being cut.
+    bool endSeverMode();
     bool isAutoInsertOn() const override;
 
     bool isSnapToGridOn() const override { return m_snapToGrid; }
@@ -130,6 +132,7 @@ public Q_SLOTS:
     void nudgeSelection(const QPointF &offset);
 
 Q_SIGNALS:
+    void cursorTrackingModeChanged(int mode);
     /// Nodes in the hand were shaken. The drag goes on.
     void shakeToExtractTriggered();
     /// A new wire from a port was let go where nothing is. `fromOutput` tells the port's side.
@@ -189,6 +192,7 @@ private:
     void selectForMenu(const QPointF &scenePos);
     void zoomByStep(qreal factor);
     QPointF pointerOnViewport() const;
+    QString toolTipAt(const QPointF &scenePos) const;
     OssNgNode *portOwnerAt(const QPointF &scenePos) const;
     void updateHover(const QPointF &viewportPos);
     void setHoveredNode(OssNgNode *node);

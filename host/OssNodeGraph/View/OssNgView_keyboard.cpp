@@ -23,7 +23,7 @@ void OssNgView::keyPressEvent(QKeyEvent *event)
     // The command that undoes may be disabled: there may be no step yet.
     const bool takesBack = event->key() == Qt::Key_Escape
                            || (hasGesture() && event->matches(QKeySequence::Undo));
-    const bool used = takesBack ? cancelGesture() : handleMenuKey(event);
+    const bool used = takesBack ? cancelGesture() || endSeverMode() : handleMenuKey(event);
     if (used)
         event->accept();
     else if (!isModifier(event->key()))

@@ -176,6 +176,7 @@ ads--CFloatingDockContainer { background: @window; }
 #NotificationBar QLabel { color: #f0c4c6; }
 #CommandPalette { border: 1px solid @fieldBorder; }
 #Muted { color: @muted; }
+#Mode { background: @accentDeep; color: @text; border-radius: 3px; padding: 1px 8px; }
 #Warning { color: @warning; }
 )";
 

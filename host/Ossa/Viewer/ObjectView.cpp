@@ -4,6 +4,7 @@
 #include "Ossa/Painting/PaintSession.h"
 #include "Ossa/Surfaces/ScenePick.h"
 #include "Ossa/Viewer/ViewerPictures.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssEvaluation/Geometry/OssEvMesh.h"
 
 #include <QElapsedTimer>
@@ -41,6 +42,8 @@ ObjectView::ObjectView(const ViewerPictures *pictures, QWidget *parent)
     connect(pictures, &ViewerPictures::changed, this, &ObjectView::noteChange);
     connect(&m_coverage, &PatchCoverage::ready, this,
             [this](int patch) { noteChange(patch, m_pictures->picture(patch).rect()); });
+    connect(OssUndoManager::instance(), &OssUndoManager::takingBack, this,
+            [this](bool *taken) { *taken = takeStrokeBack() || *taken; });
     startLight();
     begin();
 }

@@ -100,6 +100,8 @@ private:
     /// Whether it is drawn in light, not as patches.
     bool isMaterial() const { return m_isLit && !m_isPainted && m_lightProblem.isEmpty(); }
 
+    /// False where no stroke is in hand.
+    bool takeStrokeBack();
     void startLight();
     void activateLight();
     void frameLight();

@@ -122,14 +122,18 @@ void ObjectView::tabletEvent(QTabletEvent *event)
 
 void ObjectView::keyPressEvent(QKeyEvent *event)
 {
-    if (event->key() == Qt::Key_Escape && m_isPainted
-        && (m_session->isPainting() || m_gradientFrom)) {
-        m_session->cancel();
-        m_gradientFrom.reset();
-        update();
-    } else {
+    if (event->key() != Qt::Key_Escape || !takeStrokeBack())
         QWidget::keyPressEvent(event);
-    }
+}
+
+bool ObjectView::takeStrokeBack()
+{
+    if (!m_isPainted || (!m_session->isPainting() && !m_gradientFrom))
+        return false;
+    m_session->cancel();
+    m_gradientFrom.reset();
+    update();
+    return true;
 }
 
 void ObjectView::focusOutEvent(QFocusEvent *event)

@@ -3,6 +3,7 @@
 #include "Ossa/Painting/Brushes.h"
 #include "Ossa/Painting/PaintSession.h"
 #include "Ossa/Viewer/ViewerPictures.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssEvaluation/Values/OssEvPatch.h"
 #include "OssModel/Objects/OssCanvasManager.h"
 
@@ -72,6 +73,8 @@ UvView::UvView(const ViewerPictures *pictures, PaintSession *session, QWidget *p
     connect(pictures, &ViewerPictures::began, this, &UvView::showBegin);
     connect(pictures, &ViewerPictures::changed, this, &UvView::showChange);
     connect(Brushes::instance(), &Brushes::changed, this, [this] { update(); });
+    connect(OssUndoManager::instance(), &OssUndoManager::takingBack, this,
+            [this](bool *taken) { *taken = takeStrokeBack() || *taken; });
     OssCanvasManager::instance()->setCurrentCanvas(this);
 }
 
@@ -234,13 +237,18 @@ void UvView::mouseReleaseEvent(QMouseEvent *event)
 
 void UvView::keyPressEvent(QKeyEvent *event)
 {
-    if (event->key() == Qt::Key_Escape && (m_session->isPainting() || m_gradientFrom)) {
-        m_session->cancel();
-        m_gradientFrom.reset();
-        update();
-    } else {
+    if (event->key() != Qt::Key_Escape || !takeStrokeBack())
         QWidget::keyPressEvent(event);
-    }
+}
+
+bool UvView::takeStrokeBack()
+{
+    if (!m_session->isPainting() && !m_gradientFrom)
+        return false;
+    m_session->cancel();
+    m_gradientFrom.reset();
+    update();
+    return true;
 }
 
 void UvView::resizeEvent(QResizeEvent *)

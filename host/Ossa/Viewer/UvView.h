@@ -75,6 +75,8 @@ protected:
     void leaveEvent(QEvent *event) override;
 
 private:
+    /// False where no stroke is in hand.
+    bool takeStrokeBack();
     QRectF rectOf(int patch) const;
     QPointF toUv(const QPointF &place) const;
     QPointF fromUv(const QPointF &uv) const;

@@ -53,6 +53,7 @@ bool isInput(QEvent::Type type)
 
 StatusArea::StatusArea(QWidget *parent)
     : QStatusBar(parent)
+    , m_mode(new QLabel(this))
     , m_title(new QLabel(this))
     , m_progress(new QProgressBar(this))
     , m_stop(new QPushButton(tr("Stop"), this))
@@ -68,6 +69,9 @@ StatusArea::StatusArea(QWidget *parent)
         addPermanentWidget(widget);
         widget->hide();
     }
+    m_mode->setObjectName(QStringLiteral("Mode"));
+    insertPermanentWidget(0, m_mode);
+    m_mode->hide();
     addPermanentWidget(new ExportProgress(this));
     addPermanentWidget(new BakeProgress(this));
     m_problems->setObjectName(QStringLiteral("Problems"));
@@ -96,6 +100,10 @@ StatusArea::StatusArea(QWidget *parent)
     connect(status, &OssStatusManager::messageShown, this, [this](const QString &message) {
         showMessage(message, messageTime);
         m_sinceMessage.start();
+    });
+    connect(status, &OssStatusManager::modeShown, this, [this](const QString &text) {
+        m_mode->setText(text);
+        m_mode->setVisible(!text.isEmpty());
     });
     const auto *history = OssUndoManager::instance();
     connect(history, &OssUndoManager::recorded, this, &StatusArea::dropOldMessage);

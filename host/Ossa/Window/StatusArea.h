@@ -11,7 +11,8 @@ class QPushButton;
 class QToolButton;
 
 /// The status bar: what just happened at the left; at the right, while work runs, its title, how
-/// far it is, and a Stop button; and how many problems nodes have, when there are any.
+/// far it is, and a Stop button; what the pointer does, while that is another than usual; and how many
+/// problems nodes have, when there are any.
 ///
 /// Work that runs on the GUI thread blocks the event loop. Once it has taken half a second the bar
 /// lets events through at each step of progress, but of keys and clicks only those for Stop, and Esc,
@@ -40,6 +41,7 @@ private:
     QString m_work;
     QElapsedTimer m_sinceMessage;
 
+    QLabel *m_mode;
     QLabel *m_title;
     QProgressBar *m_progress;
     QPushButton *m_stop;

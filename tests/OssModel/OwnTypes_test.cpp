@@ -105,6 +105,11 @@ TEST_F(OwnTypes, aFaultThatStaysIsToldOnceHoweverOftenTheFolderIsRead)
     ASSERT_TRUE(waitForDate(QStringLiteral("2026-01-01")));
     EXPECT_EQ(told, 1) << "another file is new";
     QObject::disconnect(listening);
+    const ExpectedLog other("worse.xml");
+    const QSignalSpy shown(OssStatusManager::instance(), &OssStatusManager::messageShown);
+    writeFile(OssNodeTypeWatch::folderPath() + QStringLiteral("/worse.xml"), "<NodeType");
+    OssNodeTypeWatch::instance()->start();
+    EXPECT_TRUE(shown.last().first().toString().contains(QLatin1String("worse.xml")));
 }
 
 /// A group with a knob, whose inside is published.

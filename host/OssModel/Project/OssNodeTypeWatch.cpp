@@ -75,10 +75,16 @@ QStringList OssNodeTypeWatch::read()
                               .arg(changes.removed.size());
     if (!changes.isEmpty())
         OssDebug("OssNodeTypeWatch", __LINE__, "[ -- ] %s", qPrintable(words));
-    if (!faults.isEmpty())
-        OssStatusManager::instance()->showMessage(faults.first());
-    else if (!changes.isEmpty() && !m_isFirst)
-        OssStatusManager::instance()->showMessage(words);
+    // The folder is read again for each file that changes.
+    QStringList fresh = faults;
+    for (const QString &known : qAsConst(m_faults))
+        fresh.removeAll(known);
+    m_faults = faults;
+    const bool isChange = !changes.isEmpty() && !m_isFirst;
+    if (isChange || !faults.isEmpty())
+        OssStatusManager::instance()->showMessage(!fresh.isEmpty() ? fresh.first()
+                                                  : isChange       ? words
+                                                                   : faults.first());
     m_isFirst = false;
     return faults;
 }

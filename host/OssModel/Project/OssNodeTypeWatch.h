@@ -49,4 +49,5 @@ private:
     QFileSystemWatcher m_watcher;
     QTimer m_soon; ///< a file is not written at once
     bool m_isFirst = true;
+    QStringList m_faults; ///< when it was read last
 };

@@ -116,8 +116,7 @@ TEST_F(MeshFiles, whatCannotBeReadNamesTheFileTheReasonAndWhatToDo)
         {"head.ply", "ply\nformat ascii 1.0\nelement vertex 3\n", "its header has no end", again},
         {"half.stl", half, "it ", "xport "},
         {"good.txt", half, "no mesh file", "OBJ, FBX, glTF, PLY and STL"},
-        {"other.fbx", "<?xml version=\"1.0\"?><COLLADA version=\"1.4.1\"></COLLADA>", "no FBX file",
-         again},
+        {"other.fbx", R"(<?xml version="1.0"?><COLLADA/>)", "no FBX file", again},
     };
     for (const Case &one : cases) {
         const std::string path = folder.write(one.name, one.content);

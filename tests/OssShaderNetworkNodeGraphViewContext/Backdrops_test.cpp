@@ -55,6 +55,7 @@ protected:
     }
 
     QByteArray m_before;
+    QPoint m_pointer;
     OssSnBaseNode *m_area = nullptr;
     OssSnBaseNode *m_inside = nullptr;
     OssSnBaseNode *m_outside = nullptr;
@@ -78,6 +79,31 @@ TEST_F(BackdropsTest, aNodeDroppedInIsHeldWhollyAndOneDraggedOutIsNot)
     EXPECT_EQ(m_outside->container(), nullptr);
     EXPECT_EQ(rectOf(m_area), held);
     expectOneStepBack("Move node Outside");
+}
+
+TEST_F(BackdropsTest, aBackdropLightsUpAsLongAsItWouldTakeWhatIsInTheHand)
+{
+    const auto isLit = [this] {
+        const QColor edge = m_view->viewport()->grab().toImage().pixelColor(at({1, 120}));
+        return edge.red() > 200 && edge.green() > 150 && edge.blue() < 130;
+    };
+    const QPoint from = headerOf(m_outside);
+    const auto bring = [&](const QPointF &middle) {
+        const QPoint way = at(middle) - at(rectOf(m_outside).center());
+        pointer(QEvent::MouseMove, m_pointer += way, Qt::NoButton, Qt::LeftButton);
+    };
+    m_pointer = from;
+    pointer(QEvent::MouseButtonPress, from, Qt::LeftButton, Qt::LeftButton);
+    bring({400, 150});
+    EXPECT_FALSE(isLit());
+    bring({200, 235});
+    EXPECT_TRUE(isLit()) << "half over its lower edge";
+    bring({200, 250});
+    EXPECT_FALSE(isLit()) << "no longer with its middle";
+    bring({200, 235});
+    pointer(QEvent::MouseButtonRelease, m_pointer, Qt::LeftButton, Qt::NoButton);
+    EXPECT_FALSE(isLit());
+    EXPECT_EQ(m_outside->container(), m_area);
 }
 
 TEST_F(BackdropsTest, membersMakeRoomForANodeThatIsDroppedOverThem)

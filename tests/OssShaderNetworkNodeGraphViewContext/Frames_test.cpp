@@ -8,6 +8,8 @@
 #include <QDir>
 #include <QMetaEnum>
 
+#include <algorithm>
+
 namespace {
 
 using Networks = OssShaderNetworkManager;

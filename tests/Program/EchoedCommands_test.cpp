@@ -4,6 +4,7 @@
 #include "OssModel/Graph/OssSnBaseContext.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Project/OssNodeTypeWatch.h"
+#include "OssModel/Types/OssSnDataKind.h"
 #include "Program/StartedProgram.h"
 
 #include <QFile>

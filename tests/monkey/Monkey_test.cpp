@@ -55,6 +55,8 @@ const char *const Refusals[] = {
     "\": nothing is connected to \"",
     "Bake Point: nothing is connected",
     ": Nothing is connected",
+    // A folder whose name was pasted from elsewhere.
+    "Cannot make the folder",
     // A file of another kind, where a mesh or a picture is asked for.
     "script.py\": it is no ",
     // How many a search looks through.

@@ -104,7 +104,7 @@ void keepReaderOf(const std::string &suffix, Assimp::Importer *importer)
     }
     for (Assimp::BaseImporter *reader : others) {
         importer->UnregisterLoader(reader);
-        delete reader; // NOLINT(cppcoreguidelines-owning-memory): it is the caller's from then on
+        delete reader; // it is the caller's from then on
     }
 }
 

@@ -176,7 +176,7 @@ void OssNgNodeDragGesture::previewBackdrops()
 void OssNgNodeDragGesture::endInvitations()
 {
     for (OssNgBackdropNode *backdrop : qAsConst(m_inviting)) {
-        if (backdrop)
+        if (backdrop && backdrop->isInviting())
             backdrop->setInviting(false);
     }
     m_inviting.clear();

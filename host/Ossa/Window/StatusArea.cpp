@@ -101,16 +101,19 @@ StatusArea::StatusArea(QWidget *parent)
         showMessage(message, messageTime);
         m_sinceMessage.start();
     });
-    connect(status, &OssStatusManager::modeShown, this, [this](const QString &text) {
-        m_mode->setText(text);
-        m_mode->setVisible(!text.isEmpty());
-    });
+    connect(status, &OssStatusManager::modeShown, this, &StatusArea::showMode);
     const auto *history = OssUndoManager::instance();
     connect(history, &OssUndoManager::recorded, this, &StatusArea::dropOldMessage);
     connect(history, &OssUndoManager::undone, this, &StatusArea::dropOldMessage);
     connect(history, &OssUndoManager::redone, this, &StatusArea::dropOldMessage);
     connect(OssProjectManager::instance(), &OssProjectManager::projectClosed, this,
             &StatusArea::dropOldMessage);
+}
+
+void StatusArea::showMode(const QString &text)
+{
+    m_mode->setText(text);
+    m_mode->setVisible(!text.isEmpty());
 }
 
 void StatusArea::dropOldMessage()

@@ -29,6 +29,7 @@ protected:
 
 private:
     void begin(const QString &title);
+    void showMode(const QString &text);
     void showProblems();
     void showPart(const QString &part);
     void showProgress(int done, int total);

@@ -120,7 +120,7 @@ void goOn(Node *node, const Nodes &carried, Node *home, Qt::Orientation directio
             Q_EMIT moved->nodePositionedManual(moved, way);
     }
     if (home)
-        Backdrops::takeIn(node, home);
+        Backdrops::keepIn(node, home);
 }
 
 /// In which backdrop a node is that was put by another one: in one that holds that one, if it was its

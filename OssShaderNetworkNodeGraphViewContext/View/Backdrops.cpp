@@ -434,6 +434,12 @@ void Backdrops::takeIn(OssSnBaseNode *node, OssSnBaseNode *backdrop)
     join(node, backdrop, together);
 }
 
+void Backdrops::keepIn(OssSnBaseNode *node, OssSnBaseNode *backdrop)
+{
+    if (containerOf(node) != backdrop || !rectOf(backdrop).contains(rectOf(node)))
+        takeIn(node, backdrop);
+}
+
 void Backdrops::settle(QVector<Placed> placed)
 {
     std::stable_sort(placed.begin(), placed.end(),

@@ -46,6 +46,8 @@ void grow(OssSnBaseNode *backdrop, const std::function<void()> &ask);
 /// Puts the node, with what it carries, into the backdrop where it stands: it goes below those that begin higher where it lies
 /// over them, and those that begin lower make room.
 void takeIn(OssSnBaseNode *node, OssSnBaseNode *backdrop);
+/// The same for one that does not lie on it as a member does.
+void keepIn(OssSnBaseNode *node, OssSnBaseNode *backdrop);
 /// Takes in those nodes whose middle lies on a backdrop (OssNgBackdropNode::under).
 void settle(QVector<Placed> placed);
 /// The same for a node that was just made and wired: it also joins the backdrop of a node that it is

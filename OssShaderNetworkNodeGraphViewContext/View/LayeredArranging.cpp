@@ -178,7 +178,7 @@ void LayeredArranging::arrange(const QList<OssSnBaseNode *> &nodes, int withDots
             fitTo(values.backdrop(int(f)), rectFrom(places.frames[f]).translated(way));
     }
     for (OssSnBaseNode *node : home ? nodes : Nodes())
-        Backdrops::takeIn(node, home);
+        Backdrops::keepIn(node, home);
     if (withDots == 0)
         return;
     for (OssLyRect &rect : places.nodes) {

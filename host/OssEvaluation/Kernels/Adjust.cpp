@@ -9,6 +9,7 @@
 #define HWY_TARGET_INCLUDE "OssEvaluation/Kernels/Adjust.cpp"
 #include <hwy/foreach_target.h>
 // The order matters: the line above includes this file once for each instruction set.
+#include "OssEvaluation/Kernels/Adjust/Change-inl.h"
 #include "OssEvaluation/Kernels/Simd-inl.h"
 
 #include <algorithm>
@@ -67,68 +68,6 @@ namespace OssEvSimd::HWY_NAMESPACE {
 namespace {
 
 using namespace OssEvAdjust;
-
-template <int N>
-struct Channels
-{
-    V c[N];
-};
-
-// Changes colours that are not premultiplied.
-template <int N, class Change>
-HWY_INLINE Channels<N> changed(const Channels<N> &before, const Change &change)
-{
-    Channels<N> after = before;
-    change.apply(after);
-    return after;
-}
-
-// Changes premultiplied colours. Light without cover has no colour underneath: it is taken as it is.
-template <int N, class Change>
-HWY_INLINE Channels<N> changedSoft(const Channels<N> &before, V alpha, const Change &change)
-{
-    const V cover = hn::IfThenElse(hn::Gt(alpha, zero()), alpha, splat(1.0F));
-    Channels<N> after;
-    for (int k = 0; k < N; ++k)
-        after.c[k] = hn::Div(before.c[k], cover);
-    change.apply(after);
-    for (int k = 0; k < N; ++k)
-        after.c[k] = hn::Mul(after.c[k], cover);
-    return after;
-}
-
-// Applies `change` to N channels of a strip, by alpha and mask.
-template <int N, class Change>
-void adjustChannels(const OssEvStrip &strip, const Change &change)
-{
-    const OssEvStripInput &in = strip.inputs[0];
-    const float *mask = strip.inputs[1].connected ? strip.inputs[1].plane[0] : nullptr;
-    const float *alpha = strip.outputChannels == 4 ? in.plane[3] : nullptr;
-    const bool soft = alpha != nullptr && !allOne(alpha, strip.texels());
-    for (std::size_t i = 0; i < strip.texels(); i += hn::Lanes(Floats())) {
-        Channels<N> before;
-        for (int k = 0; k < N; ++k)
-            before.c[k] = load(in.plane[k] + i);
-        const Channels<N> after = soft ? changedSoft(before, load(alpha + i), change)
-                                       : changed(before, change);
-        const V part = mask != nullptr ? load(mask + i) : splat(1.0F);
-        for (int k = 0; k < N; ++k) {
-            const V result = mask != nullptr ? mix(before.c[k], after.c[k], part) : after.c[k];
-            store(result, strip.output[k] + i);
-        }
-    }
-    if (alpha != nullptr)
-        std::copy_n(alpha, strip.texels(), strip.output[3]);
-}
-
-template <class Change>
-void adjust(const OssEvStrip &strip, const Change &change)
-{
-    if (strip.outputChannels == 1)
-        adjustChannels<1>(strip, change);
-    else
-        adjustChannels<3>(strip, change);
-}
 
 struct LevelsChange
 {
@@ -263,31 +202,15 @@ struct HueChange
         const V high = hn::Max(r, hn::Max(g, b));
         const V low = hn::Min(r, hn::Min(g, b));
         const V range = hn::Sub(high, low);
-        const auto grey = hn::Le(range, splat(1e-20F));
-        const V one = splat(1.0F);
-        const V sixth = hn::Div(splat(1.0F / 6.0F), hn::IfThenElse(grey, one, range));
-        const V fromGreen = hn::MulAdd(hn::Sub(b, r), sixth, splat(2.0F / 6.0F));
-        const V fromBlue = hn::MulAdd(hn::Sub(r, g), sixth, splat(4.0F / 6.0F));
-        V hue = hn::IfThenElse(hn::Eq(high, g), fromGreen, fromBlue);
-        hue = hn::IfThenElse(hn::Eq(high, r), hn::Mul(hn::Sub(g, b), sixth), hue);
-        hue = hn::Add(hn::IfThenElseZero(hn::Not(grey), hue), splat(v.hue));
+        const V hue = hn::Add(hueOf(x, high, range), splat(v.hue));
         const V newHigh = hn::Mul(high, splat(v.value));
         // Saturation is the range as a part of the value and ends where the smallest channel is 0.
         const V wanted = hn::Mul(range, splat(v.saturation));
         const V positive = hn::Max(high, zero());
         const V newRange = hn::Mul(hn::Min(wanted, hn::Max(positive, range)), splat(v.value));
-        x.c[0] = channel(hue, 0.0F, newHigh, newRange);
-        x.c[1] = channel(hue, 4.0F / 6.0F, newHigh, newRange);
-        x.c[2] = channel(hue, 2.0F / 6.0F, newHigh, newRange);
-    }
-
-    HWY_INLINE static V channel(V hue, float offset, V high, V range)
-    {
-        const V turned = hn::Add(hue, splat(offset));
-        const V t = hn::Sub(turned, hn::Floor(turned));
-        const V up = hn::Abs(hn::MulSub(t, splat(6.0F), splat(3.0F)));
-        const V part = clamp(hn::Sub(splat(2.0F), up), zero(), splat(1.0F));
-        return hn::NegMulAdd(range, part, high);
+        x.c[0] = hueChannel(hue, 0.0F, newHigh, newRange);
+        x.c[1] = hueChannel(hue, 4.0F / 6.0F, newHigh, newRange);
+        x.c[2] = hueChannel(hue, 2.0F / 6.0F, newHigh, newRange);
     }
 };
 

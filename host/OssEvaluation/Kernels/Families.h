@@ -26,6 +26,9 @@
     FAMILY(addScatter) \
     FAMILY(addAdjustments) \
     FAMILY(addRamps) \
+    FAMILY(addTone) \
+    FAMILY(addColorChanges) \
+    FAMILY(addMeasured) \
     FAMILY(addChannels) \
     FAMILY(addMath) \
     FAMILY(addMerge) \

@@ -23,6 +23,8 @@ constexpr CategoryColor Categories[] = {
     {"Filter", 0xff6a6fb5},
     {"Color", 0xff6a6fb5},
     {"Adjust", 0xff6a6fb5},
+    {"Space", 0xff6f78c0},
+    {"Height", 0xff5f8f6a},
     {"Transform", 0xff6f78c0},
     {"Math", 0xffc8704a},
     {"Channel", 0xffc8704a},

@@ -35,6 +35,8 @@
     FAMILY(addBlur) \
     FAMILY(addDetail) \
     FAMILY(addPlacement) \
+    FAMILY(addBending) \
+    FAMILY(addMapped) \
     FAMILY(addSurface) \
     FAMILY(addOcclusion) \
     FAMILY(addStore)

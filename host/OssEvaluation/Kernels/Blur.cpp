@@ -8,35 +8,6 @@
 
 namespace {
 
-/// Smooths a channel of the grid, by coverage where there is a surface.
-void smooth(const OssEvSmoothing &smoothing, const OssEvBlock &block, const OssEvTileGrid &grid,
-            int channel, const OssEvPlane &to)
-{
-    if (block.surface == nullptr) {
-        smoothing.run(OssEvGridSource(grid, channel), block.region, to);
-        return;
-    }
-    const OssEvCoverageSource coverage(*block.surface, smoothing.reduction());
-    if (coverage.isWhole(smoothing.needed(block.region))) {
-        smoothing.run(OssEvGridSource(grid, channel), block.region, to);
-        return;
-    }
-    constexpr float Smallest = 1e-3F;
-    OssEvScratch scratch;
-    const OssEvPlane weights(&scratch, to.width, to.height);
-    const OssEvPlane plain(&scratch, to.width, to.height);
-    smoothing.run(coverage, block.region, weights);
-    smoothing.run(OssEvGridSource(grid, channel), block.region, plain);
-    smoothing.run(OssEvCoveredSource(grid, channel, coverage), block.region, to);
-    for (int y = 0; y < to.height; ++y) {
-        for (int x = 0; x < to.width; ++x) {
-            const float weight = weights.row(y)[x];
-            float &value = to.row(y)[x];
-            value = weight > Smallest ? value / weight : plain.row(y)[x];
-        }
-    }
-}
-
 class Blur : public OssEvAreaOperation
 {
 public:
@@ -58,7 +29,7 @@ public:
                 return;
             const OssEvPlane to(block.output[std::size_t(channel)], block.region.width,
                                 block.region.height, block.stride);
-            smooth(m_smoothing, block, block.inputs[0], channel, to);
+            OssEvSmoothCovered(m_smoothing, block, block.inputs[0], channel, to);
         }
     }
 
@@ -97,7 +68,8 @@ public:
             for (std::size_t i = 0; i < Parts.size(); ++i) {
                 if (block.cancel != nullptr && block.cancel->isCancelled())
                     return;
-                smooth(m_smoothings[i], block, block.inputs[i + 1], channel, i == 0 ? to : layer);
+                OssEvSmoothCovered(m_smoothings[i], block, block.inputs[i + 1], channel,
+                                   i == 0 ? to : layer);
                 if (i > 0)
                     mixIn(i, strength, layer, to);
             }

@@ -46,3 +46,31 @@ void OssEvCoveredSource::read(const OssEvRegion &region, const OssEvPlane &to) c
             row[x] *= weight[x];
     }
 }
+
+void OssEvSmoothCovered(const OssEvSmoothing &smoothing, const OssEvBlock &block,
+                        const OssEvTileGrid &grid, int channel, const OssEvPlane &to)
+{
+    if (block.surface == nullptr) {
+        smoothing.run(OssEvGridSource(grid, channel), block.region, to);
+        return;
+    }
+    const OssEvCoverageSource coverage(*block.surface, smoothing.reduction());
+    if (coverage.isWhole(smoothing.needed(block.region))) {
+        smoothing.run(OssEvGridSource(grid, channel), block.region, to);
+        return;
+    }
+    constexpr float Smallest = 1e-3F;
+    OssEvScratch scratch;
+    const OssEvPlane weights(&scratch, to.width, to.height);
+    const OssEvPlane plain(&scratch, to.width, to.height);
+    smoothing.run(coverage, block.region, weights);
+    smoothing.run(OssEvGridSource(grid, channel), block.region, plain);
+    smoothing.run(OssEvCoveredSource(grid, channel, coverage), block.region, to);
+    for (int y = 0; y < to.height; ++y) {
+        for (int x = 0; x < to.width; ++x) {
+            const float weight = weights.row(y)[x];
+            float &value = to.row(y)[x];
+            value = weight > Smallest ? value / weight : plain.row(y)[x];
+        }
+    }
+}

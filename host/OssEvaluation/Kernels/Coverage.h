@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OssEvaluation/Geometry/OssEvSurfaceMap.h"
+#include "OssEvaluation/Graph/OssEvOperation.h"
 #include "OssEvaluation/Kernels/Smoothing.h"
 
 /// Coverage of the mesh in a block, as weights for filters: what no face covers has no say in what
@@ -40,3 +41,8 @@ private:
     OssEvGridSource m_values;
     const OssEvCoverageSource &m_coverage;
 };
+
+/// Smooths a channel of the grid, by coverage where there is a surface. The grid was halved as often as
+/// the smoothing wants it.
+void OssEvSmoothCovered(const OssEvSmoothing &smoothing, const OssEvBlock &block,
+                        const OssEvTileGrid &grid, int channel, const OssEvPlane &to);

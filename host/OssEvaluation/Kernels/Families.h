@@ -34,6 +34,11 @@
     FAMILY(addMerge) \
     FAMILY(addBlur) \
     FAMILY(addDetail) \
+    FAMILY(addWindows) \
+    FAMILY(addSoft) \
+    FAMILY(addMorphology) \
+    FAMILY(addDistance) \
+    FAMILY(addPaths) \
     FAMILY(addPlacement) \
     FAMILY(addBending) \
     FAMILY(addMapped) \

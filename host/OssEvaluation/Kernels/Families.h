@@ -39,6 +39,9 @@
     FAMILY(addMorphology) \
     FAMILY(addDistance) \
     FAMILY(addPaths) \
+    FAMILY(addNormals) \
+    FAMILY(addFromHeight) \
+    FAMILY(addErosion) \
     FAMILY(addPlacement) \
     FAMILY(addBending) \
     FAMILY(addMapped) \

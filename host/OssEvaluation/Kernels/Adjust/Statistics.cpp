@@ -29,6 +29,7 @@ std::vector<OssEvTap> tapsOf(const OssEvFrame &frame, const std::vector<std::siz
                              std::size_t mask)
 {
     std::vector<OssEvTap> taps{{0, 0}, {mask, 0}};
+    taps.reserve(taps.size() + measured.size());
     for (const std::size_t input : measured)
         taps.push_back({input, reductionOf(frame)});
     return taps;
@@ -55,6 +56,7 @@ OssEvDistribution::OssEvDistribution(const std::vector<float> &values)
         bins[std::min(Bins - 1, std::size_t((double(value) - m_low) * scale))] += 1.0 / count;
     }
     m_spread = std::sqrt(squares);
+    m_below.reserve(Bins + 1);
     m_below.push_back(0.0);
     for (const double part : bins)
         m_below.push_back(std::min(1.0, m_below.back() + part));
@@ -120,6 +122,7 @@ OssEvPictureStatistics OssEvMeasuredOperation::measure(const OssEvBlock &block,
         grid.assemble(3, whole, Clamp, alpha.data, alpha.stride);
     std::vector<std::vector<float>> values(std::size_t(colors) + 1);
     std::vector<OssEvPlane> planes;
+    planes.reserve(std::size_t(colors));
     for (int k = 0; k < colors; ++k) {
         planes.emplace_back(&scratch, whole.width, whole.height);
         grid.assemble(k, whole, Clamp, planes.back().data, planes.back().stride);
@@ -139,6 +142,7 @@ OssEvPictureStatistics OssEvMeasuredOperation::measure(const OssEvBlock &block,
         }
     }
     OssEvPictureStatistics statistics;
+    statistics.channels.reserve(std::size_t(colors));
     for (std::size_t k = 0; k < std::size_t(colors); ++k)
         statistics.channels.emplace_back(values[k]);
     statistics.luminance = OssEvDistribution(values.back());
@@ -148,6 +152,7 @@ OssEvPictureStatistics OssEvMeasuredOperation::measure(const OssEvBlock &block,
 void OssEvMeasuredOperation::run(const OssEvBlock &block) const
 {
     std::vector<OssEvPictureStatistics> statistics;
+    statistics.reserve(taps().size());
     for (std::size_t tap = 2; tap < taps().size(); ++tap)
         statistics.push_back(measure(block, tap));
     const auto operation = m_make(statistics);
@@ -157,6 +162,7 @@ void OssEvMeasuredOperation::run(const OssEvBlock &block) const
     const OssEvPlane mask(&scratch, block.region.width, block.region.height);
     block.inputs[1].assemble(0, block.region, Clamp, mask.data, mask.stride);
     std::vector<OssEvPlane> planes;
+    planes.reserve(std::size_t(block.outputChannels));
     for (int k = 0; k < block.outputChannels; ++k) {
         planes.emplace_back(&scratch, block.region.width, block.region.height);
         block.inputs[0].assemble(k, block.region, Clamp, planes.back().data, planes.back().stride);

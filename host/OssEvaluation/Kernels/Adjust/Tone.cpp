@@ -213,6 +213,7 @@ Operation makeRgbCurves(const OssEvKernelSetup &setup)
         curves.last = std::max(curves.last, all.points().back()[0]);
     }
     for (std::size_t k = 0; k < own.size(); ++k) {
+        curves.samples[k].reserve(OssEvCurves::Samples);
         for (int i = 0; i < OssEvCurves::Samples; ++i)
             curves.samples[k].push_back(float(all.at(own[k].at(curves.place(i)))));
     }
@@ -263,6 +264,7 @@ Operation makeLuminosity(const OssEvKernelSetup &setup)
     constexpr double Strength = 3.0;
     LuminosityValues values{{0.0F}, setup.working().luminance};
     double height = 0.0;
+    values.samples.reserve(Samples);
     for (int i = 1; i < Samples; ++i) {
         const double t = (i - 0.5) / (Samples - 1);
         const double contrast = setup.real("Shadows") * (1.0 - t) * (1.0 - t)

@@ -145,8 +145,8 @@ private:
     static std::vector<OssEvTap> tapsOf()
     {
         std::vector<OssEvTap> taps{{1, 0}};
-        for (const OssEvTap &tap : OssEvPyramid::taps(0, Levels))
-            taps.push_back(tap);
+        const std::vector<OssEvTap> levels = OssEvPyramid::taps(0, Levels);
+        taps.insert(taps.end(), levels.begin(), levels.end());
         return taps;
     }
 
@@ -280,8 +280,9 @@ private:
         const double level = std::log2(std::max(m_size / Across, 1.0));
         Texel sum{};
         for (int i = 0; i < Across * Across; ++i) {
+            const int row = i / Across;
             const double x = middle[0] + ((i % Across + 0.5) / Across - 0.5) * m_size;
-            const double y = middle[1] + ((double(i / Across) + 0.5) / Across - 0.5) * m_size;
+            const double y = middle[1] + ((row + 0.5) / Across - 0.5) * m_size;
             const Texel texel = pyramid->at(x, y, level);
             for (std::size_t k = 0; k < 4; ++k)
                 sum[k] += texel[k] / float(Across * Across);
@@ -317,6 +318,7 @@ public:
         OssEvScratch scratch;
         const OssEvRegion region = needed(0, block.region);
         std::vector<OssEvPlane> planes;
+        planes.reserve(std::size_t(block.outputChannels));
         for (int k = 0; k < block.outputChannels; ++k) {
             planes.emplace_back(&scratch, region.width, region.height);
             block.inputs[0].assemble(k, region, Clamp, planes.back().data, planes.back().stride);

@@ -6,6 +6,7 @@
 std::vector<OssEvTap> OssEvPyramid::taps(std::size_t input, int levels)
 {
     std::vector<OssEvTap> taps;
+    taps.reserve(std::size_t(levels));
     for (int level = 0; level < levels; ++level)
         taps.push_back({input, level});
     return taps;
@@ -14,6 +15,7 @@ std::vector<OssEvTap> OssEvPyramid::taps(std::size_t input, int levels)
 OssEvPyramid::OssEvPyramid(const OssEvBlock &block, std::size_t first, int levels,
                            OssEvTileGrid::Border border, OssEvScratch *scratch)
 {
+    m_samplers.reserve(std::size_t(levels));
     for (std::size_t i = 0; i < std::size_t(levels); ++i)
         m_samplers.emplace_back(block.inputs[first + i], border, scratch);
 }
@@ -22,7 +24,7 @@ OssEvSampler::Texel OssEvPyramid::at(double x, double y, double level)
 {
     const double within = std::clamp(level, 0.0, double(m_samplers.size() - 1));
     const auto lower = std::size_t(within);
-    const double unit = double(1U << lower);
+    const auto unit = double(1U << lower);
     OssEvSampler::Texel texel = m_samplers[lower].at(x / unit, y / unit);
     const auto part = float(within - double(lower));
     if (part < 1e-3F)

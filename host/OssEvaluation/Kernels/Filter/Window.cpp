@@ -48,8 +48,9 @@ OssEvWindow OssEvWindow::disc(double radius, int most)
         return window;
     }
     constexpr double Golden = 2.39996322972865332;
+    window.offsets.reserve(std::size_t(most));
     for (int i = 1; i < most; ++i) {
-        const double away = radius * std::sqrt((i + 0.0) / (most - 1));
+        const double away = radius * std::sqrt(double(i) / (most - 1));
         window.offsets.push_back({int(std::lround(away * std::cos(i * Golden))),
                                   int(std::lround(away * std::sin(i * Golden)))});
     }
@@ -69,9 +70,11 @@ OssEvWindow OssEvWindow::stripe(double length, double width, double angle, bool 
     const int across = count(width, MostAcross);
     OssEvWindow window;
     double sum = 0.0;
+    window.offsets.reserve(std::size_t(along) * std::size_t(across));
     for (int i = 0; i < along * across; ++i) {
+        const int line = i / along;
         const double s = along == 1 ? 0.0 : double(i % along) / (along - 1) - 0.5;
-        const double t = across == 1 ? 0.0 : double(i / along) / (across - 1) - 0.5;
+        const double t = across == 1 ? 0.0 : double(line) / (across - 1) - 0.5;
         const double x = s * length * std::cos(angle) + t * width * std::sin(angle);
         const double y = -s * length * std::sin(angle) + t * width * std::cos(angle);
         constexpr double Narrow = 18.0; // the ends are three deviations away
@@ -105,6 +108,8 @@ void OssEvWindowOperation::run(const OssEvBlock &block) const
     const OssEvRegion region = block.region.expanded(m_window.radius);
     const int channels = std::max(block.inputs[0].channels(), 1);
     OssEvWindowField field{block, m_window, {}, {}};
+    field.here.reserve(std::size_t(channels));
+    field.around.reserve(std::size_t(channels));
     for (int k = 0; k < channels; ++k) {
         if (block.cancel != nullptr && block.cancel->isCancelled())
             return;

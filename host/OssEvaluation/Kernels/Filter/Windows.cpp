@@ -177,6 +177,41 @@ void bilateral(const OssEvWindowField &field, const Values &values)
     });
 }
 
+struct Sector
+{
+    V mean[4];
+    V spread; ///< summed over the channels
+};
+
+Sector sectorOf(const OssEvWindowField &field, const Look &look, const Values &values,
+                std::size_t number)
+{
+    const std::size_t channels = field.around.size();
+    Sector sector;
+    std::fill_n(sector.mean, 4, zero());
+    V squares = zero();
+    float count = 0.0F;
+    for (std::size_t i = 0; i < field.window.offsets.size(); ++i) {
+        const float weight = values.sectors[i][number];
+        if (weight <= 0.0F)
+            continue;
+        count += weight;
+        for (std::size_t k = 0; k < channels; ++k) {
+            const V value = look.at(k, field.window.offsets[i]);
+            const V part = hn::Mul(splat(weight), value);
+            sector.mean[k] = hn::Add(sector.mean[k], part);
+            squares = hn::MulAdd(part, value, squares);
+        }
+    }
+    const V share = splat(1.0F / std::max(count, 1e-6F));
+    sector.spread = hn::Mul(squares, share);
+    for (std::size_t k = 0; k < channels; ++k) {
+        sector.mean[k] = hn::Mul(sector.mean[k], share);
+        sector.spread = hn::NegMulAdd(sector.mean[k], sector.mean[k], sector.spread);
+    }
+    return sector;
+}
+
 // Means of eight sectors, the more even the more they count: G. Papari et al., "Artistic Edge and Corner
 // Enhancing Smoothing", 2007.
 void kuwahara(const OssEvWindowField &field, const Values &values)
@@ -188,34 +223,13 @@ void kuwahara(const OssEvWindowField &field, const Values &values)
         V total[4];
         std::fill_n(total, 4, zero());
         V weights = zero();
-        for (std::size_t sector = 0; sector < 8; ++sector) {
-            V mean[4];
-            std::fill_n(mean, 4, zero());
-            V squares = zero();
-            float count = 0.0F;
-            for (std::size_t i = 0; i < field.window.offsets.size(); ++i) {
-                const float weight = values.sectors[i][sector];
-                if (weight <= 0.0F)
-                    continue;
-                count += weight;
-                for (std::size_t k = 0; k < channels; ++k) {
-                    const V value = look.at(k, field.window.offsets[i]);
-                    const V part = hn::Mul(splat(weight), value);
-                    mean[k] = hn::Add(mean[k], part);
-                    squares = hn::MulAdd(part, value, squares);
-                }
-            }
-            const V share = splat(1.0F / std::max(count, 1e-6F));
-            V spread = hn::Mul(squares, share);
-            for (std::size_t k = 0; k < channels; ++k) {
-                mean[k] = hn::Mul(mean[k], share);
-                spread = hn::NegMulAdd(mean[k], mean[k], spread);
-            }
-            const V uneven = hn::Add(hn::Max(spread, zero()), splat(1e-5F));
+        for (std::size_t number = 0; number < 8; ++number) {
+            const Sector sector = sectorOf(field, look, values, number);
+            const V uneven = hn::Add(hn::Max(sector.spread, zero()), splat(1e-5F));
             const V weight = hn::Exp(d, hn::Mul(splat(-values.a), hn::Log(d, uneven)));
             weights = hn::Add(weights, weight);
             for (std::size_t k = 0; k < channels; ++k)
-                total[k] = hn::MulAdd(weight, mean[k], total[k]);
+                total[k] = hn::MulAdd(weight, sector.mean[k], total[k]);
         }
         for (std::size_t k = 0; k < channels; ++k)
             hn::StoreU(hn::Div(total[k], weights), d, field.block.output[k] + to);
@@ -223,32 +237,32 @@ void kuwahara(const OssEvWindowField &field, const Values &values)
 }
 
 // The slope of the luminance in one direction; offsets have the weights of its filter.
+HWY_INLINE V slopeAt(const OssEvWindowField &field, const Look &look, const Values &values)
+{
+    const std::size_t colors = std::min<std::size_t>(field.around.size(), 3);
+    V slope = zero();
+    for (std::size_t k = 0; k < colors; ++k) {
+        V part = zero();
+        for (const OssEvOffset &offset : field.window.offsets)
+            part = hn::MulAdd(splat(offset.weight), look.at(k, offset), part);
+        slope = hn::MulAdd(splat(colors == 1 ? 1.0F : values.luminance[k]), part, slope);
+    }
+    return slope;
+}
+
 void emboss(const OssEvWindowField &field, const Values &values)
 {
+    const Floats d;
     const std::size_t channels = field.around.size();
-    const std::size_t colors = std::min<std::size_t>(channels, 3);
     forVectors(field, [&](int x, int y, std::ptrdiff_t to) {
-        const Look look(field, x, y);
-        V slope = zero();
-        for (std::size_t k = 0; k < colors; ++k) {
-            V part = zero();
-            for (const OssEvOffset &offset : field.window.offsets)
-                part = hn::MulAdd(splat(offset.weight), look.at(k, offset), part);
-            slope = hn::MulAdd(splat(colors == 1 ? 1.0F : values.luminance[k]), part, slope);
-        }
-        const V relief = hn::Mul(slope, splat(values.a));
+        const V relief = hn::Mul(slopeAt(field, Look(field, x, y), values), splat(values.a));
+        const V alpha = channels == 4 ? hn::LoadU(d, field.here[3].row(y) + x) : splat(1.0F);
+        const V grey = hn::Mul(clamp(hn::Add(relief, splat(0.5F)), zero(), splat(1.0F)), alpha);
+        const V factor = hn::Max(hn::Add(relief, splat(1.0F)), zero());
         for (std::size_t k = 0; k < channels; ++k) {
-            const V here = hn::LoadU(Floats(), field.here[k].row(y) + x);
-            V result = here;
-            if (k < colors) {
-                const V alpha = channels == 4 ? hn::LoadU(Floats(), field.here[3].row(y) + x)
-                                              : splat(1.0F);
-                result = values.over
-                             ? hn::Mul(here, hn::Max(hn::Add(relief, splat(1.0F)), zero()))
-                             : hn::Mul(clamp(hn::Add(relief, splat(0.5F)), zero(), splat(1.0F)),
-                                       alpha);
-            }
-            hn::StoreU(result, Floats(), field.block.output[k] + to);
+            const V here = hn::LoadU(d, field.here[k].row(y) + x);
+            const V lit = values.over ? hn::Mul(here, factor) : grey;
+            hn::StoreU(k == 3 ? here : lit, d, field.block.output[k] + to);
         }
     });
 }
@@ -351,6 +365,7 @@ Operation makeKuwahara(const OssEvKernelSetup &setup)
     OssEvWindow window = OssEvWindow::disc(radius, Most);
     Values values;
     values.a = float(0.5 + 3.5 * setup.real("Sharpness"));
+    values.sectors.reserve(window.offsets.size());
     for (const OssEvOffset &offset : window.offsets) {
         std::array<float, 8> weights{};
         const double away = std::hypot(offset.x, offset.y);

@@ -178,6 +178,7 @@ public:
     void run(const OssEvPlane &heights, OssEvScratch *scratch) const override
     {
         std::vector<OssEvPlane> planes;
+        planes.reserve(5);
         for (int i = 0; i < 5; ++i) {
             planes.emplace_back(scratch, heights.width, heights.height);
             for (int y = 0; y < heights.height; ++y)

@@ -182,11 +182,13 @@ private:
     {
         const double radius = std::max(setup.real("Radius") * setup.frame().width, 1.0);
         OssEvWindow window;
+        window.offsets.reserve(std::size_t(Directions) * Steps + 1);
         window.offsets.push_back({});
         for (int i = 0; i < Directions * Steps; ++i) {
-            const double angle = (double(i / Steps) + 0.5) / Directions * Turn;
+            const int direction = i / Steps;
+            const double angle = (direction + 0.5) / Directions * Turn;
             // Places of neighbouring directions lie in each other's gaps, or there would be rings.
-            const double shift = std::fmod(0.618034 * double(i / Steps), 1.0);
+            const double shift = std::fmod(0.618034 * direction, 1.0);
             const double part = (i % Steps + 0.2 + 0.8 * shift) / Steps;
             const double away = std::max(radius * part * part, 1.0);
             window.offsets.push_back({int(std::lround(away * std::cos(angle))),
@@ -205,7 +207,8 @@ private:
         std::fill_n(horizon, width, 0.0F);
         const float *middle = field.around[0].row(y + radius) + radius;
         for (int step = 0; step < Steps; ++step) {
-            const OssEvOffset &offset = window().offsets[std::size_t(1 + direction * Steps + step)];
+            const OssEvOffset &offset =
+                window().offsets[std::size_t(direction) * Steps + std::size_t(step) + 1];
             const auto away = float(std::hypot(offset.x, offset.y));
             // What is far away fades, or there would be a rim where it ends.
             const float fade = 1.0F - away * away / float((radius + 1) * (radius + 1));
@@ -243,7 +246,8 @@ public:
     {
         for (int i = 0; i < Size * Size; ++i) {
             const double x = double(i % Size) - Reach;
-            const double y = double(i / Size) - Reach;
+            const int line = i / Size;
+            const double y = double(line) - Reach;
             double weight = 0.0;
             // Two widths stand for the octave from 0.7 to 1.4 texels.
             for (const double width : {0.841, 1.189}) {
@@ -287,6 +291,7 @@ private:
     static std::vector<OssEvTap> tapsOf(int levels)
     {
         std::vector<OssEvTap> taps;
+        taps.reserve(std::size_t(levels));
         for (int level = 0; level < levels; ++level)
             taps.push_back({0, level});
         return taps;
@@ -299,6 +304,7 @@ private:
         const OssEvRegion region = needed(std::size_t(level), block.region);
         const OssEvRegion inner = OssEvUnder(block.region, level);
         std::vector<OssEvPlane> normal;
+        normal.reserve(3);
         for (int k = 0; k < 3; ++k) {
             normal.emplace_back(&scratch, region.width, region.height);
             block.inputs[level].assemble(k, region, Clamp, normal.back().data,

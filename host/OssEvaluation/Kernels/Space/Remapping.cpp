@@ -22,6 +22,7 @@ constexpr double Cut = 0.2;
 std::vector<OssEvTap> tapsOf(const std::vector<std::size_t> &maps)
 {
     std::vector<OssEvTap> taps{{0, 0}, {0, Reduction}};
+    taps.reserve(taps.size() + maps.size());
     for (const std::size_t map : maps)
         taps.push_back({map, 0});
     return taps;
@@ -111,7 +112,8 @@ public:
         Texel sum{};
         for (int i = 0; i < columns * lines; ++i) {
             const double s = (i % columns + 0.5) / columns - 0.5;
-            const double t = (double(i / columns) + 0.5) / lines - 0.5;
+            const int line = i / columns;
+            const double t = (line + 0.5) / lines - 0.5;
             const Texel texel = at((here.x + s * across[0] + t * down[0]) / unit,
                                    (here.y + s * across[1] + t * down[1]) / unit, coarse);
             for (std::size_t k = 0; k < 4; ++k)
@@ -250,6 +252,7 @@ OssEvRemapping::Maps::Maps(const OssEvBlock &block, std::size_t first, std::size
                            OssEvScratch *scratch)
     : m_frame(block.frame)
 {
+    m_samplers.reserve(count);
     for (std::size_t i = 0; i < count; ++i)
         m_samplers.emplace_back(block.inputs[first + i], Border::Clamp, scratch);
 }

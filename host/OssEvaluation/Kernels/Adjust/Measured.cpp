@@ -47,7 +47,7 @@ std::shared_ptr<const OssEvPointOperation> curvesOver(
     return OssEvMakeCurves(std::move(curves));
 }
 
-Operation measured(const OssEvKernelSetup &setup, std::vector<std::size_t> inputs,
+Operation measured(const OssEvKernelSetup &setup, const std::vector<std::size_t> &inputs,
                    OssEvMeasuredOperation::Make make)
 {
     const std::size_t mask = inputs.size();

@@ -35,6 +35,16 @@ std::vector<OssEvTap> tapsOf(const OssEvFrame &frame, const std::vector<std::siz
     return taps;
 }
 
+// 1 everywhere without a surface.
+void readCover(const OssEvSurfaceMap *surface, int reduction, const OssEvRegion &whole,
+               const OssEvPlane &to)
+{
+    for (int y = 0; y < whole.height; ++y)
+        std::fill_n(to.row(y), whole.width, 1.0F);
+    if (surface != nullptr)
+        OssEvCoverageSource(*surface, reduction).read(whole, to);
+}
+
 } // namespace
 
 OssEvDistribution::OssEvDistribution(const std::vector<float> &values)
@@ -44,7 +54,7 @@ OssEvDistribution::OssEvDistribution(const std::vector<float> &values)
     const auto [low, high] = std::minmax_element(values.begin(), values.end());
     m_low = *low;
     m_high = *high;
-    const double count = double(values.size());
+    const auto count = double(values.size());
     for (const float value : values)
         m_mean += double(value) / count;
     std::vector<double> bins(Bins, 0.0);
@@ -112,10 +122,7 @@ OssEvPictureStatistics OssEvMeasuredOperation::measure(const OssEvBlock &block,
     const int colors = std::min(grid.channels(), 3);
     OssEvScratch scratch;
     const OssEvPlane cover(&scratch, whole.width, whole.height);
-    for (int y = 0; y < whole.height; ++y)
-        std::fill_n(cover.row(y), whole.width, 1.0F);
-    if (block.surface != nullptr)
-        OssEvCoverageSource(*block.surface, taps()[tap].reduction).read(whole, cover);
+    readCover(block.surface, taps()[tap].reduction, whole, cover);
     const OssEvPlane alpha(&scratch, whole.width, whole.height);
     const bool hasAlpha = grid.channels() == 4;
     if (hasAlpha)

@@ -337,7 +337,6 @@ namespace {
 
 using namespace OssEvColorChange;
 using namespace OssEvSimd;
-namespace Describe = OssEvDescribe;
 using Operation = std::shared_ptr<const OssEvOperation>;
 
 Operation makeHsl(const OssEvKernelSetup &setup)
@@ -400,7 +399,7 @@ Operation makeCdl(const OssEvKernelSetup &setup)
 
 std::vector<OssEvParameterDescription> cdlParameters()
 {
-    using namespace Describe;
+    using namespace OssEvDescribe;
     std::vector<OssEvParameterDescription> parameters;
     for (const char *channel : {"Red", "Green", "Blue"})
         parameters.push_back(real(std::string("Slope") + channel, 1, 0, 8));
@@ -417,7 +416,7 @@ std::vector<OssEvParameterDescription> cdlParameters()
 
 void OssEvFamilies::addColorChanges(std::vector<OssEvKernel> *kernels)
 {
-    using namespace Describe;
+    using namespace OssEvDescribe;
     kernels->push_back(OssEvMasked::kernel("hsl", 0,
                                            {real("Hue", 0, -180, 180), real("Saturation", 0, -1, 1),
                                             real("Lightness", 0, -1, 1), flag("Colorize", false)},

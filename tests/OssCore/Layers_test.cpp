@@ -31,7 +31,9 @@ const QVector<Layer> &layers()
         {text("host/OssCore"), {}, list("Values Program Undo Documents")},
         {text("host/OssEvaluation"),
          {},
-         list("Values Geometry Graph Kernels Kernels/Noise Kernels/Pattern Schedule Files Paint")},
+         list(
+             "Values Geometry Graph Kernels Kernels/Adjust Kernels/Space Kernels/Filter Kernels/Height "
+             "Kernels/Noise Kernels/Pattern Schedule Files Paint")},
         {text("host/OssGraphLayout"), {}},
         {text("host/OssNodeGraph"), list("OssCore"), list("Drawing Index Items Gestures View")},
         {text("host/OssRender"), list("OssEvaluation"), list("Values Surface Light Draw")},

@@ -6,7 +6,7 @@
 #include "OssEvaluation/Kernels/PointKernel.h"
 
 #undef HWY_TARGET_INCLUDE
-#define HWY_TARGET_INCLUDE "OssEvaluation/Kernels/Adjust.cpp"
+#define HWY_TARGET_INCLUDE "OssEvaluation/Kernels/Adjust/Adjust.cpp"
 #include <hwy/foreach_target.h>
 // The order matters: the line above includes this file once for each instruction set.
 #include "OssEvaluation/Kernels/Adjust/Change-inl.h"

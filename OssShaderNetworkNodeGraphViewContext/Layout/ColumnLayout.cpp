@@ -416,19 +416,20 @@ void ColumnLayout::shiftColumn(const std::vector<Entry> &column, qreal shift)
 
 void ColumnLayout::layoutTree(int root)
 {
-    const Columns columns = columnsOf(root);
+    const Columns layoutColumns = columnsOf(root);
     const Node &rootNode = m_nodes[std::size_t(root)];
     const QPointF anchor = rootNode.hasItem ? rootNode.position : QPointF();
     qreal x = 0.0;
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-        placeColumn(columns[i], widthOf(columns[i]), x, anchor);
+    for (std::size_t i = 0; i < layoutColumns.size(); ++i) {
+        placeColumn(layoutColumns[i], widthOf(layoutColumns[i]), x, anchor);
         const qreal shift = shiftClear(m_columnRect);
         if (shift != 0.0)
-            shiftColumn(columns[i], shift);
-        x += shift - ColumnGap - (i + 1 < columns.size() ? widthOf(columns[i + 1]) : 0.0);
+            shiftColumn(layoutColumns[i], shift);
+        x += shift - ColumnGap
+             - (i + 1 < layoutColumns.size() ? widthOf(layoutColumns[i + 1]) : 0.0);
     }
     // The next trees keep clear of this one.
-    for (const std::vector<Entry> &column : columns) {
+    for (const std::vector<Entry> &column : layoutColumns) {
         for (const Entry &entry : column)
             keepClearOf(entry.node);
     }

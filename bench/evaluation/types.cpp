@@ -84,7 +84,7 @@ std::shared_ptr<const OssEvGraph> graphOf(const OssEvKernel &kernel)
 double nanoseconds(const OssEvKernel &kernel, std::string *error)
 {
     const auto picture = std::make_shared<Picture>();
-    OssEvEngine engine({});
+    OssEvEngine engine;
     double best = 1e9;
     for (int round = 0; round < 3; ++round) {
         engine.cache().clear();

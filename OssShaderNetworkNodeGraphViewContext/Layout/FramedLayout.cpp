@@ -3,43 +3,10 @@
 #include "Layout/Alignment.h"
 
 #include <algorithm>
-#include <cstddef>
-#include <utility>
 
 namespace {
 
 constexpr int MostRounds = 8;
-
-/// Frames close loops where wires lead out of them and in again: the wire by which a walk comes back is not followed.
-void breakLoops(std::vector<ColumnLayout::Node> *nodes)
-{
-    enum State : char { Unseen, OnTheWay, Done };
-
-    std::vector<char> states(nodes->size(), Unseen);
-    std::vector<std::pair<int, int>> way; // nodes, and the inputs at which the walk is
-    for (int start = 0; start < int(nodes->size()); ++start) {
-        if (states[std::size_t(start)] != Unseen)
-            continue;
-        way.emplace_back(start, 0);
-        states[std::size_t(start)] = OnTheWay;
-        while (!way.empty()) {
-            auto &[node, next] = way.back();
-            QVector<ColumnLayout::Input> &inputs = (*nodes)[std::size_t(node)].inputs;
-            if (next == inputs.size()) {
-                states[std::size_t(node)] = Done;
-                way.pop_back();
-                continue;
-            }
-            int &source = inputs[next++].source;
-            if (source >= 0 && states[std::size_t(source)] == OnTheWay) {
-                source = -1;
-            } else if (source >= 0 && states[std::size_t(source)] == Unseen) {
-                states[std::size_t(source)] = OnTheWay;
-                way.emplace_back(source, 0);
-            }
-        }
-    }
-}
 
 } // namespace
 
@@ -236,7 +203,6 @@ void FramedLayout::layOutLevel(int frame, const QVector<int> &ignored)
     values.reserve(units.size());
     for (const Unit &unit : units)
         values.push_back(valueOf(unit));
-    breakLoops(&values);
     const auto isUnitReached = [this](const Unit &unit) {
         return unit.node >= 0 ? bool(m_reached[std::size_t(unit.node)]) : isReached(unit.frame);
     };
@@ -248,6 +214,7 @@ void FramedLayout::layOutLevel(int frame, const QVector<int> &ignored)
         any = any || units[std::size_t(i)].frame >= 0;
         starts.append(i); // those that feed others start nothing
     }
+    // In a loop that frames close everything feeds something: then all that is left starts.
     QVector<int> ends;
     for (const int start : qAsConst(starts)) {
         const bool feeds = std::any_of(starts.cbegin(), starts.cend(), [&](int other) {
@@ -259,6 +226,8 @@ void FramedLayout::layOutLevel(int frame, const QVector<int> &ignored)
         if (!feeds)
             ends.append(start);
     }
+    if (ends.isEmpty() && !starts.isEmpty())
+        ends.append(starts.first());
     ColumnLayout layout(values);
     layout.layOut(ends, {});
     for (std::size_t i = 0; i < units.size(); ++i)
@@ -267,35 +236,25 @@ void FramedLayout::layOutLevel(int frame, const QVector<int> &ignored)
         partFrames(units);
 }
 
-/// Once for all levels, from the innermost on; whether anything moved.
-bool FramedLayout::layOutOnce(const QVector<int> &ignored)
-{
-    const std::vector<ColumnLayout::Node> last = m_nodes;
-    for (int frame = 0; frame < int(m_frames.size()); ++frame)
-        layOutLevel(frame, ignored);
-    layOutLevel(-1, ignored);
-    return !std::equal(m_nodes.cbegin(), m_nodes.cend(), last.cbegin(),
-                       [](const auto &a, const auto &b) { return a.position == b.position; });
-}
-
-/// Until nothing moves; false where that never ends.
-bool FramedLayout::settle(const QVector<int> &ignored)
-{
-    for (int round = 0; round < MostRounds; ++round) {
-        if (!layOutOnce(ignored))
-            return true;
-    }
-    return false;
-}
-
-/// Frames that gave way are other starts: once more, until nothing moves. Where it never ends none gives way.
+/// Frames that gave way are other starts: once more, until nothing moves. Where it never ends, as in loops that
+/// frames close, none gives way.
 void FramedLayout::layOutFrames(const QVector<int> &ignored)
 {
-    if (settle(ignored))
-        return;
+    const auto once = [&] {
+        for (int frame = 0; frame < int(m_frames.size()); ++frame)
+            layOutLevel(frame, ignored);
+        layOutLevel(-1, ignored);
+    };
+    for (int round = 0; round < MostRounds; ++round) {
+        const std::vector<ColumnLayout::Node> last = m_nodes;
+        once();
+        if (std::equal(m_nodes.cbegin(), m_nodes.cend(), last.cbegin(),
+                       [](const auto &a, const auto &b) { return a.position == b.position; }))
+            return;
+    }
     m_nodes = m_before;
     m_givesWay = false;
-    settle(ignored);
+    once();
 }
 
 void FramedLayout::layOut(const QVector<int> &startNodes, const QVector<int> &ignored)

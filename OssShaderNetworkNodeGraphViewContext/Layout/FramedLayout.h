@@ -42,8 +42,6 @@ private:
     void keepAreas();
     bool isReached(int frame) const;
     void layOutFrames(const QVector<int> &ignored);
-    bool settle(const QVector<int> &ignored);
-    bool layOutOnce(const QVector<int> &ignored);
     void layOutLevel(int frame, const QVector<int> &ignored);
     std::vector<Unit> unitsOf(int frame, const QVector<int> &ignored);
     ColumnLayout::Node valueOf(const Unit &unit) const;

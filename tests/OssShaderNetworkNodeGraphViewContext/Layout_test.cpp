@@ -298,33 +298,6 @@ TEST(FramedLayout, membersStayTogetherAndOthersStayOut)
     }
 }
 
-TEST(FramedLayout, aSecondTimeNothingMovesWhateverLoopsFramesClose)
-{
-    std::mt19937 random(3);
-    for (int round = 0; round < 60; ++round) {
-        const int count = 12 + int(random() % 40);
-        std::vector<Node> nodes = randomGraph(count, &random);
-        std::vector<FramedLayout::Frame> frames{frameOf({}), frameOf({}), frameOf({})};
-        QVector<int> starts;
-        for (int i = 0; i < count; ++i) {
-            starts.append(i);
-            const auto frame = std::size_t(i / 4);
-            if (frame >= frames.size() || random() % 2 == 0)
-                continue;
-            frames[frame].members.append(i);
-            nodes[std::size_t(i)].position += QPointF(20000.0 * double(frame + 1), 0);
-        }
-        FramedLayout once(nodes, frames, {});
-        once.layOut(starts, {});
-        for (int i = 0; i < count; ++i)
-            nodes[std::size_t(i)].position = once.position(i);
-        FramedLayout twice(nodes, frames, {});
-        twice.layOut(starts, {});
-        for (int i = 0; i < count; ++i)
-            EXPECT_EQ(once.position(i), twice.position(i)) << round << ": " << i;
-    }
-}
-
 TEST(FramedLayout, framesInFramesAndFollowersComeAlong)
 {
     std::vector<Node> nodes{usual({1}, {1000, 0}), usual({2}, {500, 300}), usual({}, {900, 300}),

@@ -168,7 +168,7 @@ std::vector<qreal> ColumnLayout::placesAlone(int root, const std::vector<int> &o
 /// it lies furthest left: each start comes before those in whose trees more of what they share lies further right.
 QVector<int> ColumnLayout::leftFirst(const QVector<int> &starts) const
 {
-    const std::size_t count = std::size_t(starts.size());
+    const auto count = std::size_t(starts.size());
     const std::vector<int> order = downstreamFirst();
     std::vector<std::vector<std::pair<qreal, int>>> trees(m_nodes.size()); // that reach a node
     for (std::size_t s = 0; s < count; ++s) {
@@ -193,7 +193,7 @@ QVector<int> ColumnLayout::leftFirst(const QVector<int> &starts) const
 /// Next is always who wins most over those that are left.
 QVector<int> ColumnLayout::byWins(const QVector<int> &starts, const std::vector<int> &wins)
 {
-    const std::size_t count = std::size_t(starts.size());
+    const auto count = std::size_t(starts.size());
     std::vector<int> lead(count, 0);
     for (std::size_t one = 0; one < count; ++one) {
         for (std::size_t other = 0; other < count; ++other)

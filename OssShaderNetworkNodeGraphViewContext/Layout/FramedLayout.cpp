@@ -50,7 +50,8 @@ void FramedLayout::keepAreas()
     for (int f = 0; f < int(m_frames.size()); ++f) {
         Frame &frame = m_frames[std::size_t(f)];
         const QRectF content = contentOf(f);
-        if (frame.area.isEmpty() || content.isEmpty() || isReached(f))
+        // Members that lie elsewhere would make it a frame over all that is between.
+        if (content.isEmpty() || !frame.area.contains(content) || isReached(f))
             continue;
         const QRectF all = frame.area | content.marginsAdded(frame.margins);
         frame.margins = QMarginsF(content.left() - all.left(), content.top() - all.top(),

@@ -3,6 +3,7 @@
 #include "OssEvaluation/Kernels/Adjust/Curves.h"
 #include "OssEvaluation/Kernels/Adjust/Statistics.h"
 #include "OssEvaluation/Kernels/Families.h"
+#include "OssEvaluation/Kernels/FilterKernel.h"
 #include "OssEvaluation/Kernels/PointKernel.h"
 
 #include <algorithm>
@@ -153,14 +154,9 @@ Operation makeMatch(const OssEvKernelSetup &setup)
 OssEvKernel kernelOf(const char *name, std::vector<OssEvParameterDescription> parameters,
                      Operation (*make)(const OssEvKernelSetup &setup))
 {
-    OssEvKernel kernel;
-    kernel.name = name;
-    kernel.inputs = {{"Input", 0, true}, {"Mask", 1}};
-    kernel.outputs = {{"Output", 0}};
-    kernel.parameters = std::move(parameters);
+    OssEvKernel kernel = OssEvFilterKernel::describe(name, "Input", 0, std::move(parameters), make);
+    kernel.inputs.push_back({"Mask", 1});
     kernel.usesSurface = true;
-    kernel.keepsPrecision = true;
-    kernel.make = make;
     return kernel;
 }
 

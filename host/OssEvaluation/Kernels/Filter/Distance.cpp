@@ -4,6 +4,7 @@
 #include "OssEvaluation/Kernels/Coverage.h"
 #include "OssEvaluation/Kernels/Families.h"
 #include "OssEvaluation/Kernels/Filter/Window.h"
+#include "OssEvaluation/Kernels/FilterKernel.h"
 
 #include <algorithm>
 #include <cmath>
@@ -247,16 +248,11 @@ std::shared_ptr<const OssEvOperation> makeOutline(const OssEvKernelSetup &setup)
 }
 
 OssEvKernel kernelOf(const char *name, std::vector<OssEvParameterDescription> parameters,
-                     std::shared_ptr<const OssEvOperation> (*make)(const OssEvKernelSetup &))
+                     const OssEvFilterKernel::Make &make)
 {
-    OssEvKernel kernel;
-    kernel.name = name;
-    kernel.inputs = {{"Input", 1, true}};
-    kernel.outputs = {{"Output", 1}};
-    kernel.parameters = std::move(parameters);
-    kernel.parameters.push_back(OssEvDescribe::real("Threshold", 0.5, 0, 1));
+    parameters.push_back(OssEvDescribe::real("Threshold", 0.5, 0, 1));
+    OssEvKernel kernel = OssEvFilterKernel::describe(name, "Input", 1, std::move(parameters), make);
     kernel.usesSurface = true;
-    kernel.make = make;
     return kernel;
 }
 

@@ -3,6 +3,7 @@
 #include "OssEvaluation/Graph/OssEvKernel.h"
 #include "OssEvaluation/Kernels/Coverage.h"
 #include "OssEvaluation/Kernels/Families.h"
+#include "OssEvaluation/Kernels/FilterKernel.h"
 #include "OssEvaluation/Kernels/Scratch.h"
 
 #include <algorithm>
@@ -177,16 +178,12 @@ private:
 
 OssEvKernel kernelOf(const char *name, bool shrinks)
 {
-    OssEvKernel kernel;
-    kernel.name = name;
-    kernel.inputs = {{"Input", 0, true}};
-    kernel.outputs = {{"Output", 0}};
-    kernel.parameters = {OssEvDescribe::real("Radius", 0.01, 0, 0.05)};
-    kernel.usesSurface = true;
-    kernel.keepsPrecision = true;
-    kernel.make = [shrinks](const OssEvKernelSetup &setup) {
+    const auto make = [shrinks](const OssEvKernelSetup &setup) {
         return std::make_shared<Grow>(setup.real("Radius") * setup.frame().width, shrinks);
     };
+    OssEvKernel kernel = OssEvFilterKernel::describe(
+        name, "Input", 0, {OssEvDescribe::real("Radius", 0.01, 0, 0.05)}, make);
+    kernel.usesSurface = true;
     return kernel;
 }
 

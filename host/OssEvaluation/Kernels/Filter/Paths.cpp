@@ -5,6 +5,7 @@
 #include "OssEvaluation/Kernels/Families.h"
 #include "OssEvaluation/Kernels/Filter/Pyramid.h"
 #include "OssEvaluation/Kernels/Filter/Window.h"
+#include "OssEvaluation/Kernels/FilterKernel.h"
 
 #include <algorithm>
 #include <array>
@@ -419,44 +420,27 @@ private:
     OssEvWorkingSpace::Weights m_luminance;
 };
 
-template <class Filter>
-Operation makeFilter(const OssEvKernelSetup &setup)
-{
-    return std::make_shared<Filter>(setup);
-}
-
-OssEvKernel kernelOf(const char *name, std::vector<OssEvParameterDescription> parameters,
-                     Operation (*make)(const OssEvKernelSetup &))
-{
-    OssEvKernel kernel;
-    kernel.name = name;
-    kernel.inputs = {{"Input", 0, true}};
-    kernel.outputs = {{"Output", 0}};
-    kernel.parameters = std::move(parameters);
-    kernel.keepsPrecision = true;
-    kernel.make = make;
-    return kernel;
-}
-
 } // namespace
 
 void OssEvFamilies::addPaths(std::vector<OssEvKernel> *kernels)
 {
     using namespace OssEvDescribe;
-    kernels->push_back(kernelOf("radialBlur",
-                                {choice("Mode", {"Spin", "Zoom"}), real("Amount", 0.08, 0, 1),
-                                 vector("Center", {0.5, 0.5})},
-                                makeFilter<RadialBlur>));
-    OssEvKernel slope = kernelOf(
-        "slopeBlur",
+    kernels->push_back(
+        OssEvFilterKernel::describe("radialBlur", "Input", 0,
+                                    {choice("Mode", {"Spin", "Zoom"}), real("Amount", 0.08, 0, 1),
+                                     vector("Center", {0.5, 0.5})},
+                                    OssEvFilterKernel::make<RadialBlur>));
+    OssEvKernel slope = OssEvFilterKernel::describe(
+        "slopeBlur", "Input", 0,
         {real("Length", 0.05, -0.2, 0.2), choice("Mode", {"Average", "Brightest", "Darkest"})},
-        makeFilter<SlopeBlur>);
+        OssEvFilterKernel::make<SlopeBlur>);
     slope.inputs.push_back({"Slope", 1});
     kernels->push_back(slope);
-    kernels->push_back(kernelOf(
-        "pixelate", {integer("Columns", 32, 1, 1024), choice("Shape", {"Square", "Hexagon"})},
-        makeFilter<Pixelate>));
-    kernels->push_back(
-        kernelOf("upscale", {choice("Factor", {"2", "4", "8", "16"}, 1), real("Edges", 1, 0, 1)},
-                 makeFilter<Upscale>));
+    kernels->push_back(OssEvFilterKernel::describe(
+        "pixelate", "Input", 0,
+        {integer("Columns", 32, 1, 1024), choice("Shape", {"Square", "Hexagon"})},
+        OssEvFilterKernel::make<Pixelate>));
+    kernels->push_back(OssEvFilterKernel::describe(
+        "upscale", "Input", 0, {choice("Factor", {"2", "4", "8", "16"}, 1), real("Edges", 1, 0, 1)},
+        OssEvFilterKernel::make<Upscale>));
 }

@@ -3,6 +3,7 @@
 #include "OssEvaluation/Graph/OssEvKernel.h"
 #include "OssEvaluation/Kernels/Coverage.h"
 #include "OssEvaluation/Kernels/Families.h"
+#include "OssEvaluation/Kernels/FilterKernel.h"
 #include "OssEvaluation/Kernels/Smoothing.h"
 
 #include <algorithm>
@@ -81,20 +82,15 @@ private:
 OssEvKernel kernelOf(const char *name, std::vector<OssEvParameterDescription> parameters,
                      bool highPass)
 {
-    OssEvKernel kernel;
-    kernel.name = name;
-    kernel.inputs = {{"Input", 0, true}};
-    kernel.outputs = {{"Output", 0}};
-    kernel.parameters = std::move(parameters);
-    kernel.usesSurface = true;
-    kernel.keepsPrecision = true;
-    kernel.make = [highPass](const OssEvKernelSetup &setup) {
+    const auto make = [highPass](const OssEvKernelSetup &setup) {
         const OssEvSmoothing smoothing(OssEvSmoothing::Shape::Gaussian,
                                        setup.real("Radius") * setup.frame().width);
         const double threshold = highPass ? 0.0 : setup.real("Threshold");
         return std::make_shared<Detail>(
             smoothing, Detail::Values{highPass, float(setup.real("Amount")), float(threshold)});
     };
+    OssEvKernel kernel = OssEvFilterKernel::describe(name, "Input", 0, std::move(parameters), make);
+    kernel.usesSurface = true;
     return kernel;
 }
 

@@ -3,6 +3,7 @@
 #include "OssEvaluation/Graph/OssEvKernel.h"
 #include "OssEvaluation/Kernels/Families.h"
 #include "OssEvaluation/Kernels/Filter/Window.h"
+#include "OssEvaluation/Kernels/FilterKernel.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "OssEvaluation/Kernels/Filter/Windows.cpp"
@@ -409,16 +410,10 @@ Operation makeEmboss(const OssEvKernelSetup &setup)
 }
 
 OssEvKernel kernelOf(const char *name, std::vector<OssEvParameterDescription> parameters,
-                     Operation (*make)(const OssEvKernelSetup &))
+                     const OssEvFilterKernel::Make &make)
 {
-    OssEvKernel kernel;
-    kernel.name = name;
-    kernel.inputs = {{"Input", 0, true}};
-    kernel.outputs = {{"Output", 0}};
-    kernel.parameters = std::move(parameters);
+    OssEvKernel kernel = OssEvFilterKernel::describe(name, "Input", 0, std::move(parameters), make);
     kernel.usesSurface = true;
-    kernel.keepsPrecision = true;
-    kernel.make = make;
     return kernel;
 }
 

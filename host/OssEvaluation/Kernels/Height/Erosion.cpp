@@ -3,6 +3,7 @@
 #include "OssEvaluation/Graph/OssEvKernel.h"
 #include "OssEvaluation/Kernels/Families.h"
 #include "OssEvaluation/Kernels/Filter/Window.h"
+#include "OssEvaluation/Kernels/FilterKernel.h"
 #include "OssEvaluation/Kernels/Sampler.h"
 
 #include <algorithm>
@@ -297,16 +298,13 @@ std::shared_ptr<const OssEvOperation> makeErosion(const OssEvKernelSetup &setup)
 }
 
 OssEvKernel kernelOf(const char *name, std::vector<OssEvParameterDescription> parameters,
-                     std::shared_ptr<const OssEvOperation> (*make)(const OssEvKernelSetup &))
+                     const OssEvFilterKernel::Make &make)
 {
-    OssEvKernel kernel;
-    kernel.name = name;
-    kernel.inputs = {{"Height", 1, true}};
-    kernel.outputs = {{"Output", 1, true}};
-    kernel.parameters = std::move(parameters);
-    kernel.parameters.push_back(OssEvDescribe::real("Strength", 4, 0, 20));
+    parameters.push_back(OssEvDescribe::real("Strength", 4, 0, 20));
+    OssEvKernel kernel = OssEvFilterKernel::describe(name, "Height", 1, std::move(parameters),
+                                                     make);
+    kernel.outputs.front().precise = true;
     kernel.costly = true;
-    kernel.make = make;
     return kernel;
 }
 

@@ -4,6 +4,7 @@
 #include "OssEvaluation/Kernels/Coverage.h"
 #include "OssEvaluation/Kernels/Families.h"
 #include "OssEvaluation/Kernels/Filter/Window.h"
+#include "OssEvaluation/Kernels/FilterKernel.h"
 #include "OssEvaluation/Kernels/Sampler.h"
 #include "OssEvaluation/Kernels/Smoothing.h"
 
@@ -415,22 +416,12 @@ OssEvSmoothing smoothingOf(const OssEvKernelSetup &setup)
     return {OssEvSmoothing::Shape::Gaussian, setup.real("Radius") * setup.frame().width};
 }
 
-template <class Filter>
-Operation makeFilter(const OssEvKernelSetup &setup)
-{
-    return std::make_shared<Filter>(setup);
-}
-
 OssEvKernel kernelOf(const char *name, std::vector<OssEvParameterDescription> parameters,
-                     Operation (*make)(const OssEvKernelSetup &))
+                     const OssEvFilterKernel::Make &make)
 {
-    OssEvKernel kernel;
-    kernel.name = name;
-    kernel.inputs = {{"Height", 1, true}};
-    kernel.outputs = {{"Output", 1}};
-    kernel.parameters = std::move(parameters);
+    OssEvKernel kernel = OssEvFilterKernel::describe(name, "Height", 1, std::move(parameters),
+                                                     make);
     kernel.usesSurface = true;
-    kernel.make = make;
     return kernel;
 }
 
@@ -442,7 +433,7 @@ void OssEvFamilies::addFromHeight(std::vector<OssEvKernel> *kernels)
     kernels->push_back(kernelOf("slopeFromHeight",
                                 {real("Strength", 4, 0, 20), real("Radius", 0.003, 0, 0.05),
                                  real("Low", 0, 0, 90), real("High", 60, 0, 90)},
-                                makeFilter<Slope>));
+                                OssEvFilterKernel::make<Slope>));
     OssEvKernel bends = kernelOf(
         "curvatureFromHeight", {real("Radius", 0.01, 0, 0.25), real("Contrast", 8, 0, 50)},
         [](const OssEvKernelSetup &setup) -> Operation {
@@ -460,7 +451,7 @@ void OssEvFamilies::addFromHeight(std::vector<OssEvKernel> *kernels)
     kernels->push_back(kernelOf(
         "occlusionFromHeight",
         {real("Strength", 2, 0, 20), real("Radius", 0.05, 0, 0.1), real("Contrast", 1, 0, 5)},
-        makeFilter<Occlusion>));
+        OssEvFilterKernel::make<Occlusion>));
     OssEvKernel heights = kernelOf("normalToHeight",
                                    {real("Strength", 1, 0, 20), flag("Flip", false)},
                                    [](const OssEvKernelSetup &setup) -> Operation {

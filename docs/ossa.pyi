@@ -422,6 +422,11 @@ class Node(Object):
         """Publishes a group as a type of the user's own, under a category and a name, and returns its key. Publishing again gives it a new version."""
     @overload
     def publish(self, category: str, name: str) -> str: ...
+    @overload
+    def writeType(self, path: str, category: str, name: str, toolTip: str, aliases: list[str]) -> str:
+        """Writes a group as the description of a type that is part of the program, with words by which people look for it, into a file, and returns its key."""
+    @overload
+    def writeType(self, path: str, category: str, name: str, toolTip: str) -> str: ...
     def goTo(self) -> None:
         """Brings the user to the node: its graph is shown, the node selected and framed."""
     @overload
@@ -448,6 +453,10 @@ class Node(Object):
         """Marks in the graph what computes the node, the dearer the redder, and returns it with milliseconds for a patch of 2048."""
     def renameKnob(self, knob: str, name: str) -> str:
         """Gives a knob of a group another name and returns the one it got."""
+    def setKnobInfo(self, knob: str, info: dict[str, Any]) -> None:
+        """Gives a knob another toolTip, section, default, minimum or maximum, as attributeInfo() names them; what is not named stays."""
+    def linkKnob(self, knob: str, inner: Node, attribute: str) -> None:
+        """Has a knob stand for an attribute of one more node inside, which takes its value."""
     def reorderInputs(self, names: list[str]) -> None:
         """Puts the inputs into another order; all of them must be named."""
     def reorderOutputs(self, names: list[str]) -> None:

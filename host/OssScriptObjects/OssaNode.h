@@ -92,6 +92,11 @@ class OSSSCRIPTOBJECTS_EXPORT Node : public API
                 "Marks in the graph what computes the node, the dearer the redder, "
                 "and returns it with milliseconds for a patch of 2048.")
     Q_CLASSINFO("renameKnob", "Gives a knob of a group another name and returns the one it got.")
+    Q_CLASSINFO("setKnobInfo",
+                "Gives a knob another toolTip, section, default, minimum or maximum, as "
+                "attributeInfo() names them; what is not named stays.")
+    Q_CLASSINFO("linkKnob",
+                "Has a knob stand for an attribute of one more node inside, which takes its value.")
     Q_CLASSINFO("reorderInputs", "Puts the inputs into another order; all of them must be named.")
     Q_CLASSINFO("reorderOutputs", "Puts the outputs into another order; all of them must be named.")
     Q_CLASSINFO("orderPortsByPosition", "Orders a group's ports as their nodes lie inside.")
@@ -100,6 +105,10 @@ class OSSSCRIPTOBJECTS_EXPORT Node : public API
     Q_CLASSINFO("publish",
                 "Publishes a group as a type of the user's own, under a category and a name, "
                 "and returns its key. Publishing again gives it a new version.")
+    Q_CLASSINFO(
+        "writeType",
+        "Writes a group as the description of a type that is part of the program, with words "
+        "by which people look for it, into a file, and returns its key.")
     Q_CLASSINFO("upgrade", "Makes the node one of its type as it is installed now. What could not "
                            "be kept is returned.")
 
@@ -169,6 +178,9 @@ public Q_SLOTS:
     QStringList upgrade();
     QString publish(const QString &category, const QString &name, const QString &toolTip = {});
 
+    QString writeType(const QString &path, const QString &category, const QString &name,
+                      const QString &toolTip, const QStringList &aliases = {});
+
     void goTo() const;
     void showProperties(Node *after = nullptr, Node *before = nullptr) const;
     void lookAt(int input = 0) const;
@@ -178,6 +190,8 @@ public Q_SLOTS:
     bool isInputShared(const QString &input) const;
     QVariantMap markDependencies() const;
     QString renameKnob(const QString &knob, const QString &name);
+    void setKnobInfo(const QString &knob, const QVariantMap &info);
+    void linkKnob(const QString &knob, Node *inner, const QString &attribute);
     void reorderInputs(const QStringList &names);
     void reorderOutputs(const QStringList &names);
     void orderPortsByPosition();

@@ -1,6 +1,8 @@
 #include "OssScriptObjects/OssaNode.h"
 
+#include "OssCore/Documents/OssAtomicFile.h"
 #include "OssModel/Evaluation/OssDependencyMarks.h"
+#include "OssModel/Graph/OssPublishedGroup.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
@@ -133,6 +135,46 @@ QString Node::renameKnob(const QString &knob, const QString &name)
     return got;
 }
 
+void Node::setKnobInfo(const QString &knob, const QVariantMap &info)
+{
+    OssSnGroupNode *own = group();
+    if (!own)
+        return;
+    using Definition = OssCustomAttribute::Definition;
+    Definition described = own->userAttribute(knob).definition();
+    const QMap<QString, QVariant Definition::*> values{
+        {QStringLiteral("default"), &Definition::defaultValue},
+        {QStringLiteral("minimum"), &Definition::minimum},
+        {QStringLiteral("maximum"), &Definition::maximum}};
+    const QMap<QString, QString Definition::*> texts{
+        {QStringLiteral("toolTip"), &Definition::toolTip},
+        {QStringLiteral("section"), &Definition::group}};
+    for (auto value = info.cbegin(); value != info.cend(); ++value) {
+        if (values.contains(value.key()))
+            described.*values[value.key()] = *value;
+        else if (texts.contains(value.key()))
+            described.*texts[value.key()] = value->toString();
+        else
+            fail(OssScriptException::UnknownName,
+                 QStringLiteral("A knob has no \"%1\" that can be set").arg(value.key()));
+    }
+    if (!own->describeKnob(knob, described))
+        fail(OssScriptException::UnknownName,
+             QStringLiteral("\"%1\" has no knob \"%2\"").arg(own->name(), knob));
+}
+
+void Node::linkKnob(const QString &knob, Node *inner, const QString &attribute)
+{
+    OssSnGroupNode *own = group();
+    if (own && !inner)
+        fail(OssScriptException::WrongType, QStringLiteral("None is no node"));
+    OssSnBaseNode *target = own && inner ? inner->nodeWithAttribute(attribute) : nullptr;
+    if (target && !own->addKnobLink(knob, target, attribute))
+        fail(OssScriptException::NotAllowed,
+             QStringLiteral("The knob \"%1\" of \"%2\" cannot stand for \"%3\" of \"%4\"")
+                 .arg(knob, own->name(), attribute, target->name()));
+}
+
 void Node::reorderInputs(const QStringList &names)
 {
     OssSnBaseNode *own = node();
@@ -166,12 +208,25 @@ void Node::arrangeInputsByOrder()
 QString Node::publish(const QString &category, const QString &name, const QString &toolTip)
 {
     OssSnGroupNode *own = group();
-    const OssPublishedGroup::Form form{category, name, toolTip};
+    const OssPublishedGroup::Form form{category, name, toolTip, {}, false};
     const OssResult published = own ? OssNodeTypeWatch::instance()->publish(own, form)
                                     : OssResult();
     if (!published)
         fail(OssScriptException::NotAllowed, published.error());
     return own && published ? form.pathKey() : QString();
+}
+
+QString Node::writeType(const QString &path, const QString &category, const QString &name,
+                        const QString &toolTip, const QStringList &aliases)
+{
+    OssSnGroupNode *own = group();
+    const OssPublishedGroup::Form form{category, name, toolTip, aliases, true};
+    OssResult result = own ? OssPublishedGroup::canPublish(own, form) : OssResult();
+    if (own && result)
+        result = OssAtomicFile::write(path, OssPublishedGroup::describe(own, form));
+    if (!result)
+        fail(OssScriptException::NotAllowed, result.error());
+    return own && result ? form.pathKey() : QString();
 }
 
 } // namespace Ossa

@@ -47,6 +47,12 @@ QString OssResourceInfo::nodeTypePath() const
     return QFileInfo::exists(source) ? source : m_root + QStringLiteral("/NodeTypes");
 }
 
+QString OssResourceInfo::materialPath() const
+{
+    const QString source = m_root + QStringLiteral("/host/Materials");
+    return QFileInfo::exists(source) ? source : m_root + QStringLiteral("/Materials");
+}
+
 QString OssResourceInfo::exportPresetPath() const
 {
     const QString source = m_root + QStringLiteral("/host/ExportPresets");

@@ -14,6 +14,8 @@ public:
 
     QString iconPath() const;
     QString nodeTypePath() const;
+    /// Node types that are ready materials: groups with all that is in them.
+    QString materialPath() const;
     QString exportPresetPath() const;
     QString examplePath() const;
     QString pluginPath() const;

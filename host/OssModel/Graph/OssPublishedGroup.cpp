@@ -191,7 +191,10 @@ QByteArray OssPublishedGroup::describe(OssSnGroupNode *group, const Form &form)
     writer.writeStartElement(QStringLiteral("NodeType"));
     writer.writeAttribute(QStringLiteral("PathKey"), key);
     writer.writeAttribute(QStringLiteral("Class"), type->className);
-    writer.writeAttribute(QStringLiteral("VersionUUID"), QStringLiteral("OSS_Own_") + key);
+    if (!form.aliases.isEmpty())
+        writer.writeAttribute(QStringLiteral("Aliases"), form.aliases.join(QLatin1Char(',')));
+    if (!form.isShipped)
+        writer.writeAttribute(QStringLiteral("VersionUUID"), QStringLiteral("OSS_Own_") + key);
     writer.writeAttribute(QStringLiteral("Date"),
                           QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs));
     writer.writeTextElement(QStringLiteral("Description"), form.toolTip);
@@ -203,7 +206,8 @@ QByteArray OssPublishedGroup::describe(OssSnGroupNode *group, const Form &form)
     writer.writeEndElement();
     copy(type->contextsDescription, false, &writer);
     writer.writeStartElement(QStringLiteral("Content"));
-    copy(QString::fromUtf8(OssShaderNetworkIO::nodesToText({group}, {}, key)), true, &writer);
+    copy(QString::fromUtf8(OssShaderNetworkIO::nodesToText({group}, {}, key, !form.isShipped)),
+         true, &writer);
     writer.writeEndElement();
     writer.writeEndElement();
     writer.writeEndDocument();

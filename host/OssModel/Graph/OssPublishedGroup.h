@@ -19,6 +19,9 @@ struct Form
     QString category; ///< "Walls" or "Walls/Old": where the type stands in menus
     QString name;
     QString toolTip;
+    QStringList aliases = {}; ///< other words by which people look for it: "worn", "metal"
+    bool isShipped =
+        false; ///< part of the application: the version id is not that of a user's type
 
     /// "Walls/Rough Bricks"; what is blank, or cannot stand in a key, is left out.
     OSSMODEL_EXPORT QString pathKey() const;

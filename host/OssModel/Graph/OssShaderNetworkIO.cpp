@@ -107,7 +107,7 @@ QList<OssSnBaseNode *> insert(OssShaderNetwork *network, const QByteArray &text,
 } // namespace
 
 QByteArray OssShaderNetworkIO::nodesToText(const QList<OssSnBaseNode *> &nodes, const QString &note,
-                                           const QString &asType)
+                                           const QString &asType, bool bringsTypes)
 {
     QList<OssSnBaseNode *> written;
     for (OssSnBaseNode *node : nodes) {
@@ -125,7 +125,8 @@ QByteArray OssShaderNetworkIO::nodesToText(const QList<OssSnBaseNode *> &nodes, 
         attributes.insert(QStringLiteral("note"), note);
     serializer.beginDocument(DocumentElement, attributes);
     serializer.beginObject(NetworkObject, QStringLiteral("OssShaderNetwork"), {});
-    OssNodeTypeTable::write(serializer, asType.isEmpty() ? written : insideOf(written));
+    if (bringsTypes)
+        OssNodeTypeTable::write(serializer, asType.isEmpty() ? written : insideOf(written));
     serializer.beginCollection(NodesCollection, written.size(), QStringLiteral("QList"),
                                QStringLiteral("OssSnBaseNode"), {});
     for (OssSnBaseNode *node : qAsConst(written)) {

@@ -22,9 +22,11 @@ class QMimeData;
 namespace OssShaderNetworkIO {
 
 /// `note` is a remark for whoever reads the text; it may be empty. With `asType` the nodes come
-/// back as nodes of that type, which must be able to hold what they are.
+/// back as nodes of that type, which must be able to hold what they are. Without `bringsTypes` nodes are
+/// what is installed where they are read.
 OSSMODEL_EXPORT QByteArray nodesToText(const QList<OssSnBaseNode *> &nodes,
-                                       const QString &note = {}, const QString &asType = {});
+                                       const QString &note = {}, const QString &asType = {},
+                                       bool bringsTypes = true);
 /// `source` names the origin in messages. On failure the network is as it was and the list empty.
 OSSMODEL_EXPORT OssResult nodesFromText(OssShaderNetwork *network, const QByteArray &text,
                                         const QString &source, QList<OssSnBaseNode *> *inserted);

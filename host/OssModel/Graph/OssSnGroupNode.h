@@ -58,6 +58,9 @@ public:
     /// of groups around that stand for it follow. The name that it got: made usable and free; empty
     /// when there is no such knob or the name is blank. The attribute's old name is gone for scripts.
     QString renameKnob(const QString &knob, const QString &wanted);
+    /// Gives a knob another section, help, range and default: all of a definition but for what it is
+    /// called and how it is edited. False when there is no such knob.
+    bool describeKnob(const QString &knob, const OssCustomAttribute::Definition &described);
     /// Knobs only: what the group's type gave it stays.
     bool deleteAttribute(const QString &name);
     /// "Blur" of "Blur/Radius"; empty for an attribute in no section.

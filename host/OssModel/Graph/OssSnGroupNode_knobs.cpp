@@ -211,6 +211,38 @@ void OssSnGroupNode::renameKnobName(const QString &knob, const QString &oldName,
         [apply, newName] { apply(newName); }, this);
 }
 
+bool OssSnGroupNode::describeKnob(const QString &knob,
+                                  const OssCustomAttribute::Definition &described)
+{
+    if (!isKnob(knob))
+        return false;
+    const OssCustomAttribute before = userAttribute(knob);
+    OssCustomAttribute after = before;
+    OssCustomAttribute::Definition &definition = after.editDefinition();
+    definition.group = described.group;
+    definition.toolTip = described.toolTip;
+    definition.defaultValue = OssAttributeKind::like(before.value(), described.defaultValue);
+    if (!definition.defaultValue.isValid())
+        definition.defaultValue = before.definition().defaultValue;
+    definition.minimum = described.minimum;
+    definition.maximum = described.maximum;
+    definition.softMinimum = described.softMinimum;
+    definition.softMaximum = described.softMaximum;
+    if (after == before)
+        return true;
+    const auto apply = [this, knob](OssCustomAttribute attribute) {
+        const OssUndoManager::Pause pause;
+        attribute.setValue(this->attribute(knob));
+        setUserAttribute(attribute, true);
+        Q_EMIT nodeAttributesSet();
+    };
+    apply(after);
+    OssUndoManager::instance()->record(
+        tr("Describe Knob %1").arg(before.prettyName()), [apply, before] { apply(before); },
+        [apply, after] { apply(after); }, this);
+    return true;
+}
+
 void OssSnGroupNode::applyKnobName(const QString &oldName, const QString &newName,
                                    const QString &prettyName)
 {

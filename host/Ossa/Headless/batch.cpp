@@ -27,6 +27,7 @@ int main(int argc, char **argv)
     QCoreApplication::setApplicationName(QStringLiteral("Ossa"));
     const OssModelServices services;
     OssShaderNetworkManager::instance()->loadNodeTypes(OssResourceInfo::instance()->nodeTypePath());
+    OssShaderNetworkManager::instance()->loadNodeTypes(OssResourceInfo::instance()->materialPath());
     OssNodeTypeWatch::instance()->start();
     switch (line.command) {
     case CommandLine::Info:

@@ -15,6 +15,7 @@ HostServices::~HostServices()
 void HostServices::start(PluginLoader *plugins)
 {
     OssShaderNetworkManager::instance()->loadNodeTypes(OssResourceInfo::instance()->nodeTypePath());
+    OssShaderNetworkManager::instance()->loadNodeTypes(OssResourceInfo::instance()->materialPath());
     OssNodeTypeWatch::instance()->start();
     plugins->load(OssResourceInfo::instance()->pluginPath());
 }

@@ -1,0 +1,49 @@
+"""Builds the ready materials anew, each as a node type of its own:
+
+    ossa run host/Materials/build/materials.py -- host/Materials [NAME...]
+
+Files whose material did not change stay as they are.
+"""
+
+import os
+import re
+import sys
+
+sys.dont_write_bytecode = True
+sys.path.append(os.path.dirname(os.path.abspath(__file__)))
+
+import ossa
+import metals
+from kit import Material
+
+MATERIALS = metals.MATERIALS
+
+
+def without_date(path):
+    """What a description says but for when it was written."""
+    with open(path, encoding="utf-8") as file:
+        return re.sub(r' Date="[^"]*"', "", file.read(), count=1)
+
+
+def build(key, help_text, aliases, make, folder):
+    ossa.newProject("Materials", "sphere")
+    made = Material(key, help_text, aliases)
+    make(made)
+    path = os.path.join(folder, *key.split("/")) + ".xml"
+    os.makedirs(os.path.dirname(path), exist_ok=True)
+    fresh = path + ".new"
+    made.write(fresh)
+    if os.path.exists(path) and without_date(path) == without_date(fresh):
+        os.remove(fresh)
+    else:
+        os.replace(fresh, path)
+        print(key)
+
+
+def main(folder, names):
+    for key, help_text, aliases, make in MATERIALS:
+        if not names or key.split("/")[1] in names:
+            build(key, help_text, aliases, make, folder)
+
+
+main(os.path.abspath(sys.argv[1]), sys.argv[2:])

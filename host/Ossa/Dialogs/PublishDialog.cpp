@@ -4,6 +4,7 @@
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Project/OssNodeTypeWatch.h"
+#include "OssModel/Types/OssMaterialTypes.h"
 
 #include <QComboBox>
 #include <QDialogButtonBox>
@@ -14,6 +15,8 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace {
 
@@ -35,6 +38,17 @@ QStringList categories()
     return found;
 }
 
+/// Of a group that was not published before: what makes a material stands among those.
+QString firstCategory(const OssSnGroupNode &group)
+{
+    const auto &outputs = group.outputPoints();
+    const bool isMaterial = std::any_of(outputs.begin(), outputs.end(), [](const auto &output) {
+        return output.kind == OssSnDataKind::Material;
+    });
+    const QString own = PublishDialog::tr("Own");
+    return isMaterial ? OssMaterialTypes::categoryOf(own) : own;
+}
+
 } // namespace
 
 PublishDialog::PublishDialog(const OssSnGroupNode *group, QWidget *parent)
@@ -52,7 +66,7 @@ PublishDialog::PublishDialog(const OssSnGroupNode *group, QWidget *parent)
     const OssSnNodeType *type = group->nodeType();
     const bool again = type && type->isPublishedGroup();
     m_category->setEditText(again ? type->pathKey.left(type->pathKey.lastIndexOf(QLatin1Char('/')))
-                                  : tr("Own"));
+                                  : firstCategory(*group));
     if (again) {
         m_name->setText(type->baseName());
         m_toolTip->setPlainText(type->description);

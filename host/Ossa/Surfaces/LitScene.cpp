@@ -368,6 +368,14 @@ std::shared_ptr<const OssRdGeometry> LitScene::geometry() const
     return m_pieces.empty() ? nullptr : geometryOf(*m_pieces.front());
 }
 
+const OssGeoEntity *LitScene::entityOf(const OssRdGeometry *geometry) const
+{
+    const auto found = std::find_if(m_pieces.cbegin(), m_pieces.cend(), [&](const auto &piece) {
+        return geometry && geometryOf(*piece).get() == geometry;
+    });
+    return found == m_pieces.cend() ? nullptr : (*found)->entity.data();
+}
+
 QString LitScene::problem() const
 {
     if (m_pieces.empty())

@@ -59,6 +59,9 @@ public:
     /// Of the object that is looked at; null while there is none.
     std::shared_ptr<const OssRdGeometry> geometry() const;
 
+    /// Whose geometry of the scene it is; null where it is nobody's by now.
+    const OssGeoEntity *entityOf(const OssRdGeometry *geometry) const;
+
     /// Why what is looked at is not seen, in words.
     QString problem() const;
     /// Whether nothing is looked at, so that the object is bare.

@@ -21,6 +21,11 @@ constexpr float keyLight = 0.7F;
 /// What the thread keeps from ball to ball; made there, for it takes a second.
 struct MaterialBalls::Painter
 {
+    explicit Painter(const Format &how)
+        : format(how)
+    {
+    }
+
     QImage draw(const OssRdMaterial &material, const OssEvColorSpaces::Pointer &spaces)
     {
         if (!renderer) {
@@ -37,13 +42,13 @@ struct MaterialBalls::Painter
         scene.probe = surroundings.probe;
         scene.keyLight = glm::vec3(keyLight);
         OssRdView view;
-        view.width = size;
-        view.height = size;
+        view.width = format.size;
+        view.height = format.size;
         view.mirrorSamples = mirrorSamples;
         view.hasGroundShadow = false;
         ObjectCamera camera;
         camera.resetDirection();
-        camera.frame({}, float(size) / float(ball));
+        camera.frame({}, float(format.size) / float(format.ball));
         view.camera = LitPicture::toMatrix(camera.view());
         view.projection = LitPicture::toMatrix(camera.projection(1.0F));
         LitPicture::Screen screen;
@@ -51,6 +56,7 @@ struct MaterialBalls::Painter
         return LitPicture::shown(renderer->render(scene, view), screen);
     }
 
+    const Format format;
     std::unique_ptr<OssRdRenderer> renderer;
     std::shared_ptr<const OssRdGeometry> geometry;
     OssEvColorSpaces::Pointer colors;
@@ -58,8 +64,14 @@ struct MaterialBalls::Painter
 };
 
 MaterialBalls::MaterialBalls(QObject *parent)
+    : MaterialBalls(Format(), parent)
+{
+}
+
+MaterialBalls::MaterialBalls(const Format &format, QObject *parent)
     : QObject(parent)
-    , m_painter(std::make_shared<Painter>())
+    , m_format(format)
+    , m_painter(std::make_shared<Painter>(format))
 {
     m_thread.setMaxThreadCount(1);
 }
@@ -92,7 +104,7 @@ void MaterialBalls::start(const OssSurfaceMaps &maps, const Made &made)
     };
     // Not while it is still telling others.
     connect(pixels, &SurfacePixels::finished, this, whole, Qt::QueuedConnection);
-    pixels->show(maps, {maps.mesh()->patches().front()}, size);
+    pixels->show(maps, {maps.mesh()->patches().front()}, m_format.texels);
 }
 
 void MaterialBalls::draw(const OssRdMaterial &material, const Made &made)

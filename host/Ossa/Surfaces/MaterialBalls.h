@@ -19,14 +19,19 @@ class MaterialBalls : public QObject
     Q_OBJECT
 
 public:
-    static constexpr int size = 96; ///< pixels of a picture, texels of a map
-    static constexpr int ball =
-        54; ///< pixels of the ball in its middle, around which there is nothing
+    /// In pixels; around the ball, which is in the middle, there is nothing.
+    struct Format
+    {
+        int size = 96; ///< of the picture
+        int ball = 54;
+        int texels = 96; ///< of a map, each way
+    };
 
     /// Gets a null picture where none can be drawn.
     using Made = std::function<void(const QImage &picture)>;
 
     explicit MaterialBalls(QObject *parent = nullptr);
+    explicit MaterialBalls(const Format &format, QObject *parent = nullptr);
     /// Waits for the ball that is being drawn.
     ~MaterialBalls() override;
 
@@ -42,6 +47,7 @@ private:
 
     void draw(const OssRdMaterial &material, const Made &made);
 
+    Format m_format;
     std::shared_ptr<Painter> m_painter;
     int m_generation = 0;
     bool m_isHopeless = false;

@@ -10,9 +10,9 @@
 
 namespace {
 
-constexpr float None = std::numeric_limits<float>::max();
+constexpr float none = std::numeric_limits<float>::max();
 
-/// How far along the ray, in lengths of its direction; None where it misses (T. Möller, B. Trumbore,
+/// How far along the ray, in lengths of its direction; none where it misses (T. Möller, B. Trumbore,
 /// "Fast, Minimum Storage Ray-Triangle Intersection", 1997).
 float distance(const ScenePick::Ray &ray, const glm::vec3 &a, const glm::vec3 &b,
                const glm::vec3 &c)
@@ -22,15 +22,15 @@ float distance(const ScenePick::Ray &ray, const glm::vec3 &a, const glm::vec3 &b
     const glm::vec3 across = glm::cross(ray.direction, second);
     const float volume = glm::dot(first, across);
     if (volume == 0.0F)
-        return None;
+        return none;
     const glm::vec3 way = ray.from - a;
     const float u = glm::dot(way, across) / volume;
     if (u < 0.0F || u > 1.0F)
-        return None;
+        return none;
     const glm::vec3 beside = glm::cross(way, first);
     const float v = glm::dot(ray.direction, beside) / volume;
     const float along = glm::dot(second, beside) / volume;
-    return v >= 0.0F && u + v <= 1.0F && along > 0.0F ? along : None;
+    return v >= 0.0F && u + v <= 1.0F && along > 0.0F ? along : none;
 }
 
 /// In the space of what is looked at.
@@ -43,27 +43,46 @@ ScenePick::Ray within(const ScenePick::Ray &ray, const glm::mat4 &world)
 
 std::optional<glm::vec3> placeAt(const ScenePick::Ray &ray, float nearest)
 {
-    return nearest == None ? std::nullopt : std::optional(ray.from + ray.direction * nearest);
+    return nearest == none ? std::nullopt : std::optional(ray.from + ray.direction * nearest);
+}
+
+struct Met
+{
+    float distance = none;
+    const OssRdGeometry *geometry = nullptr;
+};
+
+Met nearestOf(const OssRdScene &scene, const ScenePick::Ray &ray)
+{
+    Met met;
+    std::set<const OssRdGeometry *> seen; // one for each of its materials
+    for (const OssRdScene::Object &object : scene.objects) {
+        if (!object.geometry || !seen.insert(object.geometry.get()).second)
+            continue;
+        const OssRdGeometry &geometry = *object.geometry;
+        const ScenePick::Ray own = within(ray, geometry.world);
+        const auto corner = [&geometry](std::size_t i) {
+            return geometry.vertices[geometry.indices[i]].position;
+        };
+        for (std::size_t i = 0; i + 2 < geometry.indices.size(); i += 3) {
+            const float away = distance(own, corner(i), corner(i + 1), corner(i + 2));
+            if (away < met.distance)
+                met = {away, &geometry};
+        }
+    }
+    return met;
 }
 
 } // namespace
 
 std::optional<glm::vec3> ScenePick::firstOf(const OssRdScene &scene, const Ray &ray)
 {
-    float nearest = None;
-    std::set<const OssRdGeometry *> seen; // one for each of its materials
-    for (const OssRdScene::Object &object : scene.objects) {
-        if (!object.geometry || !seen.insert(object.geometry.get()).second)
-            continue;
-        const OssRdGeometry &geometry = *object.geometry;
-        const Ray own = within(ray, geometry.world);
-        const auto corner = [&geometry](std::size_t i) {
-            return geometry.vertices[geometry.indices[i]].position;
-        };
-        for (std::size_t i = 0; i + 2 < geometry.indices.size(); i += 3)
-            nearest = std::min(nearest, distance(own, corner(i), corner(i + 1), corner(i + 2)));
-    }
-    return placeAt(ray, nearest);
+    return placeAt(ray, nearestOf(scene, ray).distance);
+}
+
+const OssRdGeometry *ScenePick::geometryAt(const OssRdScene &scene, const Ray &ray)
+{
+    return nearestOf(scene, ray).geometry;
 }
 
 std::optional<glm::vec3> ScenePick::firstOf(const OssEvMesh &mesh, const Ray &ray)
@@ -71,13 +90,13 @@ std::optional<glm::vec3> ScenePick::firstOf(const OssEvMesh &mesh, const Ray &ra
     glm::mat4 world(1.0F);
     for (int row = 0; row < 3; ++row) {
         for (int column = 0; column < 4; ++column)
-            world[column][row] = mesh.world[std::size_t(4 * row + column)];
+            world[column][row] = mesh.world[std::size_t(row) * 4 + std::size_t(column)];
     }
     const Ray own = within(ray, world);
     const auto corner = [&mesh](std::uint32_t vertex) {
         return glm::make_vec3(mesh.positions[vertex].data());
     };
-    float nearest = None;
+    float nearest = none;
     for (const auto &[a, b, c] : mesh.triangles)
         nearest = std::min(nearest, distance(own, corner(a), corner(b), corner(c)));
     return placeAt(ray, nearest);

@@ -5,6 +5,7 @@
 #include <optional>
 
 class OssEvMesh;
+struct OssRdGeometry;
 struct OssRdScene;
 
 /// What is met first by who looks along a ray, which begins at an eye; the direction has any length. In the
@@ -19,5 +20,7 @@ struct Ray
 
 std::optional<glm::vec3> firstOf(const OssRdScene &scene, const Ray &ray);
 std::optional<glm::vec3> firstOf(const OssEvMesh &mesh, const Ray &ray);
+/// Whose it is; null where nothing is met.
+const OssRdGeometry *geometryAt(const OssRdScene &scene, const Ray &ray);
 
 } // namespace ScenePick

@@ -2,7 +2,6 @@
 
 #include "Ossa/Painting/ObjectCanvas.h"
 #include "Ossa/Painting/PaintSession.h"
-#include "Ossa/Surfaces/ScenePick.h"
 #include "Ossa/Viewer/ViewerPictures.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssEvaluation/Geometry/OssEvMesh.h"
@@ -241,11 +240,23 @@ void ObjectView::mouseReleaseEvent(QMouseEvent *event)
     redraw();
 }
 
-QVector3D ObjectView::placeAt(const QPointF &place) const
+ScenePick::Ray ObjectView::rayTo(const QPointF &place) const
 {
     const QVector3D eye = m_camera.eye();
     const QVector3D way = m_camera.wayTo(place, size());
-    const ScenePick::Ray ray{{eye.x(), eye.y(), eye.z()}, {way.x(), way.y(), way.z()}};
+    return {{eye.x(), eye.y(), eye.z()}, {way.x(), way.y(), way.z()}};
+}
+
+const OssGeoEntity *ObjectView::objectAt(const QPointF &place) const
+{
+    // The scene holds the geometry while it is asked for.
+    const auto scene = isMaterial() ? m_light.scene() : nullptr;
+    return scene ? m_light.entityOf(ScenePick::geometryAt(*scene, rayTo(place))) : nullptr;
+}
+
+QVector3D ObjectView::placeAt(const QPointF &place) const
+{
+    const ScenePick::Ray ray = rayTo(place);
     std::optional<glm::vec3> met;
     if (isMaterial())
         met = ScenePick::firstOf(*m_light.scene(), ray);

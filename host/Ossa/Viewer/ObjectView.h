@@ -5,6 +5,7 @@
 #include "Ossa/Surfaces/LitRenderer.h"
 #include "Ossa/Surfaces/LitScene.h"
 #include "Ossa/Surfaces/ObjectCamera.h"
+#include "Ossa/Surfaces/ScenePick.h"
 #include "Ossa/Viewer/ObjectRenderer.h"
 #include "Ossa/Viewer/PatchCoverage.h"
 #include "Ossa/Viewer/WipeLine.h"
@@ -17,6 +18,7 @@
 #include <optional>
 
 class ObjectCanvas;
+class OssGeoEntity;
 class PaintSession;
 class ViewerPictures;
 
@@ -62,6 +64,8 @@ public:
     void setScreen(const LitPicture::Screen &screen);
     /// Something that is looked at may be another.
     void follow();
+    /// Seen at a place of the view, in light; null beside all objects, and where patches are seen.
+    const OssGeoEntity *objectAt(const QPointF &place) const;
     void frameAll();
 
     /// Keeps the material as it is now, in light, beside what is looked at from now on: it lies left of a
@@ -118,6 +122,7 @@ private:
     void redraw();
     /// What is seen at a place: on the object, or beside it as deep as its middle.
     QVector3D placeAt(const QPointF &place) const;
+    ScenePick::Ray rayTo(const QPointF &place) const;
 
     // Painting
     void placeCanvas();

@@ -4,6 +4,7 @@
 #include "Ossa/Painting/Brushes.h"
 #include "Ossa/Painting/PaintSession.h"
 #include "Ossa/Viewer/LightBar.h"
+#include "Ossa/Viewer/MaterialDrop.h"
 #include "Ossa/Viewer/ObjectView.h"
 #include "Ossa/Viewer/PaintBar.h"
 #include "Ossa/Viewer/UvView.h"
@@ -96,6 +97,8 @@ ViewerPanel::ViewerPanel(QWidget *parent)
     m_views->addWidget(m_object);
     layout->addWidget(m_views, 1);
     layout->addWidget(makeFoot());
+    new MaterialDrop(m_view);
+    new MaterialDrop(m_object, [this](const QPointF &place) { return m_object->objectAt(place); });
     follow();
     fileCommands();
     setPainting(false);

@@ -5,6 +5,7 @@
 #include "Ossa/Palettes/HistoryPanel.h"
 #include "Ossa/Palettes/ImagesPanel.h"
 #include "Ossa/Palettes/LogPanel.h"
+#include "Ossa/Palettes/MaterialsPanel.h"
 #include "Ossa/Palettes/NodeTypesPanel.h"
 #include "Ossa/Palettes/ProblemsPanel.h"
 #include "Ossa/Scripting/ConsolePanel.h"
@@ -40,6 +41,7 @@ const Row table[] = {
     {{"node_properties_palette", ads::BottomDockWidgetArea, "viewer_palette"}},
     {{"images_palette", ads::CenterDockWidgetArea, "node_properties_palette"}, QT_TRANSLATE_NOOP("HostPalettes", "Images"), "Images.png", false, make<ImagesPanel>},
     {{"nodes_palette", ads::CenterDockWidgetArea, "node_properties_palette"}, QT_TRANSLATE_NOOP("HostPalettes", "Nodes"), "NodeTypes.png", false, make<NodeTypesPanel>},
+    {{"materials_palette", ads::CenterDockWidgetArea, "node_properties_palette"}, QT_TRANSLATE_NOOP("HostPalettes", "Materials"), "Materials.png", false, make<MaterialsPanel>},
     {{"brushes_palette", ads::CenterDockWidgetArea, "node_properties_palette"}, QT_TRANSLATE_NOOP("HostPalettes", "Brushes"), "Brushes.png", false, make<BrushesPanel>},
     {{"history_palette", ads::CenterDockWidgetArea, "node_properties_palette"}, QT_TRANSLATE_NOOP("HostPalettes", "History"), "History.png", false, make<HistoryPanel>},
     {{"log_palette", ads::BottomDockWidgetArea, "node_graph_palette"}, QT_TRANSLATE_NOOP("HostPalettes", "Log"), "Log.png", false, make<LogPanel>},

@@ -121,6 +121,11 @@ TEST_F(PaintTools, modesBlendWithPaintAndWithTheImagesBeneath)
     brush.blend = mode("Add");
     draw(brush, {60, 60}, {60, 60}, &ground);
     expectColor(at(60, 60), {0.6875F, 0.59375F, 0.875F, 1.0F});
+    // In a space whose brightness is blue, what is blended by brightness keeps blue.
+    brush.blend = mode("Luminosity");
+    brush.luminance = {0.0F, 0.0F, 1.0F};
+    draw(brush, {60, 60}, {60, 60}, &ground);
+    EXPECT_NEAR(at(60, 60)[2], 0.5F, 1e-4F);
     EXPECT_TRUE(ground.state());
 }
 

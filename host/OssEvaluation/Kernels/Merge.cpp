@@ -389,8 +389,10 @@ const std::vector<std::string> &OssEvMergeRows::modes()
     return names;
 }
 
-void OssEvMergeRows::run(int mode, Row *row)
+void OssEvMergeRows::run(int mode, const OssEvWorkingSpace::Weights &luminance, Row *row)
 {
+    OssEvWorkingSpace space;
+    space.luminance = luminance;
     std::array<OssEvStripInput, 3> inputs;
     OssEvStrip strip;
     strip.width = Most;
@@ -404,6 +406,6 @@ void OssEvMergeRows::run(int mode, Row *row)
     }
     inputs[2].plane[0] = row->mask.data();
     using namespace OssEvSimd;
-    HWY_DYNAMIC_DISPATCH(merge)(strip, {mode, 1.0F, false, {}});
+    HWY_DYNAMIC_DISPATCH(merge)(strip, {mode, 1.0F, false, space});
 }
 #endif

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OssEvaluation/OssEvaluation_export.h"
+#include "OssEvaluation/Values/OssEvWorkingSpace.h"
 
 #include <array>
 #include <string>
@@ -25,7 +26,7 @@ struct Row
     alignas(64) std::array<std::array<float, Most>, 4> result{};
 };
 
-/// Sets the result of all Most texels.
-OSSEVALUATION_EXPORT void run(int mode, Row *row);
+/// Sets the result of all Most texels. `luminance` is that of the space in which the colours are.
+OSSEVALUATION_EXPORT void run(int mode, const OssEvWorkingSpace::Weights &luminance, Row *row);
 
 } // namespace OssEvMergeRows

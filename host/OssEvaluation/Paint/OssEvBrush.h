@@ -4,6 +4,7 @@
 #include "OssEvaluation/Paint/OssEvPaintMask.h"
 #include "OssEvaluation/Paint/OssEvPaintPicture.h"
 #include "OssEvaluation/Paint/OssEvStamp.h"
+#include "OssEvaluation/Values/OssEvWorkingSpace.h"
 
 #include <array>
 #include <cstdint>
@@ -49,6 +50,8 @@ struct OSSEVALUATION_EXPORT OssEvBrush
     PictureOn pictureOn = PictureOn::Patches;
     double pictureRepeats = 1.0; ///< across a patch
     int blend = 0; ///< one of OssEvMergeRows::modes(), of what is painted over what is there
+    /// Of the space in which colours are, for modes that ask how bright they are.
+    OssEvWorkingSpace::Weights luminance = OssEvWorkingSpace::Bt709Luminance;
     SizeIn sizeIn = SizeIn::Texels;
     double radius = 32.0;     ///< in texels or pixels
     double worldRadius = 0.1; ///< where the size is counted in the object's world

@@ -35,6 +35,7 @@ OssEvStrokeTiles::OssEvStrokeTiles(OssEvPaintBuffer *buffer, const OssEvBrush &b
     , m_hasSources(brush.tool == OssEvBrush::Tool::Clone
                    || (brush.picture && !brush.erases() && !brush.changesColors()))
     , m_mode(brush.erases() || brush.changesColors() ? OssEvMergeRows::Normal : brush.blend)
+    , m_luminance(brush.luminance)
     , m_opacity(float(brush.opacity))
 {
     if (!brush.erases())
@@ -136,7 +137,7 @@ void OssEvStrokeTiles::blendBatch(const OssEvPaintBuffer::Place &place, Tile *to
             row.over[c][i] = over[c];
         }
     }
-    OssEvMergeRows::run(m_mode, &row);
+    OssEvMergeRows::run(m_mode, m_luminance, &row);
     for (std::size_t i = 0; i < batch->count; ++i)
         touched->tile->setTexel(batch->indices[i], opaque({row.result[0][i], row.result[1][i],
                                                            row.result[2][i], row.result[3][i]}));

@@ -98,6 +98,7 @@ private:
     bool m_isLimited;
     bool m_hasSources;
     int m_mode;
+    OssEvWorkingSpace::Weights m_luminance;
     float m_opacity;
     Color m_source{}; ///< what a texel is that is covered fully
     std::map<OssEvPaintBuffer::Place, Tile> m_touched;

@@ -82,6 +82,7 @@ OssEvBrush PaintSession::brushAt(const PaintStart &start)
     if (start.cloneFrom)
         used.cloneFrom = {start.cloneFrom->x(), start.cloneFrom->y()};
     used.mask = mask()->mask();
+    used.luminance = OssColorManagement::spaces()->workingSpace().luminance;
     return used;
 }
 

@@ -5,7 +5,7 @@ say() { printf '\n== %s\n' "$*"; }
 PACKAGES="build-essential cmake ninja-build ccache mold pkg-config
     qtbase5-dev libqt5svg5-dev libqt-advanced-docking-system-dev libcli11-dev
     libquazip1-qt5-dev
-    libopenimageio-dev libfreetype-dev libfontconfig-dev libopenexr-dev libopencolorio-dev libpng-dev libwebp-dev libassimp-dev libtinygltf-dev
+    libopenimageio-dev librsvg2-dev libfreetype-dev libfontconfig-dev libopenexr-dev libopencolorio-dev libpng-dev libwebp-dev libassimp-dev libtinygltf-dev
     libtbb-dev libhwy-dev libxxhash-dev
     libepoxy-dev libglm-dev libegl1 libgl1-mesa-dri
     python3-dev pybind11-dev

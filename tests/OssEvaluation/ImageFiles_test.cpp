@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <filesystem>
 #include <limits>
@@ -60,6 +61,36 @@ TEST_F(ImageFiles, whatIsNoPlainPictureIsRefused)
     deep.isDeep = true;
     const std::string path = write("deep.exr", deep);
     EXPECT_EQ(error(path), "Cannot read \"" + path + "\": deep images hold no plain colours");
+}
+
+TEST_F(ImageFiles, drawingsLieInTheMiddleOfASquareAndReadNoOtherFile)
+{
+    // Half as high as it is wide; half of what is red is let through.
+    const std::string drawing = R"(<svg xmlns="http://www.w3.org/2000/svg" width="20" height="10">
+        <rect width="10" height="10" fill="#ff0000" fill-opacity="0.5"/>
+        <rect x="10" width="10" height="10" fill="#808080"/>
+        <image x="15" y="3" width="2" height="2" href="other.svg"/></svg>)";
+    folder.write("other.svg", R"(<svg xmlns="http://www.w3.org/2000/svg" width="2" height="2">
+        <rect width="2" height="2" fill="#ffffff"/></svg>)");
+    const Image image = read(folder.write("drawing.svg", drawing), 4);
+    ASSERT_TRUE(image.result) << image.result.error();
+    EXPECT_EQ(image.info.width, image.info.height);
+    const int side = image.info.width / 16;
+    const auto at = [&](double u, double v) {
+        std::array<float, 4> color{};
+        for (int c = 0; c < 4; ++c)
+            color[std::size_t(c)] = image.texel(c, int(u * side), int(v * side));
+        return color;
+    };
+    EXPECT_EQ(at(0.5, 0.1)[3], 0.0F);
+    EXPECT_EQ(at(0.5, 0.9)[3], 0.0F);
+    EXPECT_NEAR(at(0.25, 0.5)[0], 0.5F, 0.01F) << "premultiplied light";
+    EXPECT_NEAR(at(0.25, 0.5)[3], 0.5F, 0.01F);
+    EXPECT_NEAR(at(0.75, 0.5)[1], 0.2159F, 0.002F) << "as the screen has it";
+    EXPECT_EQ(at(0.8, 0.45), at(0.75, 0.5)) << "what is in another file does not lie over it";
+
+    for (const char *none : {"", "<svg", "<html></html>", "PK"})
+        EXPECT_NE(error(folder.write("none.svg", none)), "") << none;
 }
 
 TEST_F(ImageFiles, headersSayWhatTheFileHolds)

@@ -3,6 +3,7 @@
 #include "OssEvaluation/Files/OssEvImageForm.h"
 #include "OssEvaluation/Files/OssEvImageRows.h"
 #include "OssEvaluation/Files/OssEvUdim.h"
+#include "OssEvaluation/Files/SvgInput.h"
 
 #include <OpenImageIO/imageio.h>
 #include <sys/stat.h>
@@ -52,6 +53,7 @@ OssEvResult openFile(const std::string &path, Input *input)
         return refused(path, "there is no such file");
     if (!S_ISREG(status.st_mode))
         return refused(path, "it is not a file");
+    OssEvSvgInput::makeKnown();
     OIIO::ImageSpec wishes;
     // Premultiplied here, after the colours have become linear.
     wishes["oiio:UnassociatedAlpha"] = 1;

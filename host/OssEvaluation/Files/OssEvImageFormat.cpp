@@ -56,7 +56,8 @@ const std::vector<OssEvImageFormat> &OssEvImageFormat::all()
         {"Radiance", {"hdr"}, nullptr, {}, {}},
         {"Bitmap", {"bmp"}, nullptr, {}, {}},
         {"PSD", {"psd"}, nullptr, {}, {}},
-        {"DPX", {"dpx"}, nullptr, {}, {}}};
+        {"DPX", {"dpx"}, nullptr, {}, {}},
+        {"SVG", {"svg"}, nullptr, {}, {}}};
     return table;
 }
 

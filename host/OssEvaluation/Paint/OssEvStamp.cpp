@@ -1,5 +1,7 @@
 #include "OssEvaluation/Paint/OssEvStamp.h"
 
+#include "OssEvaluation/Files/SvgInput.h"
+
 #include <OpenImageIO/imagebuf.h>
 #include <OpenImageIO/imagebufalgo.h>
 #include <OpenImageIO/imageio.h>
@@ -46,6 +48,7 @@ std::vector<float> alphaOf(const OIIO::ImageBuf &picture)
 
 OssEvResult readSquare(const std::string &path, std::vector<float> *coverage, int *size)
 {
+    OssEvSvgInput::makeKnown();
     const auto input = OIIO::ImageInput::open(path);
     if (!input)
         return refused(path, OIIO::geterror());

@@ -5,6 +5,7 @@ import ossa
 
 BACKDROPS = ("0.30,0.36,0.42,1", "0.42,0.34,0.26,1", "0.30,0.40,0.30,1", "0.40,0.30,0.38,1",
              "0.42,0.40,0.28,1", "0.28,0.38,0.40,1")
+STEEPNESS = 1.0  # as Height to Normal has it
 NOISE, PATTERN = "Procedural/Noise/", "Procedural/Pattern/"
 
 
@@ -18,7 +19,8 @@ class Material:
         self.inside = self.group.inside()
         self.backdrop = None
         self.backdrops = []
-        self.random_seed = None
+        self.space = "Surface"  # where noises are: on the object, or "UV" beside patterns of the patch
+        self.factors = {}
 
     # --- nodes
 
@@ -36,8 +38,6 @@ class Material:
             self.backdrops[-1][2].append(node)
         for key, value in values.items():
             self.give(node, key, value)
-        if self.random_seed and "Seed" in node.attributes:
-            self.shift_seed(node)
         return node
 
     def give(self, node, key, value):
@@ -54,8 +54,45 @@ class Material:
         else:
             node.connectInput(port, source)
 
-    def noise(self, kind, name, scale, **values):
-        return self.add(NOISE + kind, name, Scale=scale, **values)
+    def noise(self, kind, name, factor, **values):
+        """Noise whose scale is that many times the knob "Scale", if there is one."""
+        if self.space == "UV" and "Position" not in values and kind != "Fractal Noise":
+            values["Space"] = "UV"
+        if kind == "Fractal Noise":
+            values["Frequency"] = self.at(factor)
+        else:
+            values["Scale"] = self.at(factor)
+        return self.add((PATTERN if kind == "Voronoi Cracks" else NOISE) + kind, name, **values)
+
+    def at(self, factor):
+        if "Scale" not in self.factors or factor in self.factors:
+            return self.factors.get(factor, factor)
+        self.factors[factor] = self.times("Scale x %g" % factor, self.factors["Scale"], float(factor))
+        return self.factors[factor]
+
+    def scale(self, value=1.0, help_text="How small everything is: more is smaller"):
+        """The knob that noises share."""
+        self.factors["Scale"] = self.knob("Scale", help_text, value, 0.1, 10.0)
+
+    def place(self, name, stretch, moved=None, amount=0.0):
+        """Places on the object, or of the patch, stretched; moved by a vector around 0.5."""
+        kind = "Geometry/UV" if self.space == "UV" else "Geometry/Position"
+        where = self.add(kind, name + " Place")
+        if moved is not None:
+            by = self.add("Math/Vector Math", name + " Shift", Operation="Multiply", A=moved,
+                          B=self.color(name + " Amount", (amount, amount, amount, 1.0)))
+            where = self.add("Math/Vector Math", name + " Moved", Operation="Add", A=where, B=by)
+        return self.add("Math/Vector Math", name, Operation="Multiply", A=where,
+                        B=self.color(name + " Stretch", tuple(stretch) + (1.0,)))
+
+    def total(self, name, *parts):
+        """The sum of (node, weight); weights may be nodes."""
+        nodes = [one if weight == 1 else self.times("%s %d" % (name, index + 1), one, weight)
+                 for index, (one, weight) in enumerate(parts)]
+        while len(nodes) > 1:
+            last = len(nodes) == 2
+            nodes[:2] = [self.plus(name if last else "%s Sum %d" % (name, len(nodes)), nodes[0], nodes[1])]
+        return nodes[0]
 
     def pattern(self, kind, name, **values):
         return self.add(PATTERN + kind, name, **values)
@@ -73,12 +110,17 @@ class Material:
         return self.math("Add", name, a, b)
 
     def levels(self, name, source, low=0.0, high=1.0, to_low=0.0, to_high=1.0, gamma=1.0):
-        return self.add("Adjust/Levels", name, Input=source, InLow=low, InHigh=high, OutLow=to_low,
-                        OutHigh=to_high, Gamma=gamma)
+        if 0.0 <= min(to_low, to_high) and max(to_low, to_high) <= 1.0:
+            return self.add("Adjust/Levels", name, Input=source, InLow=low, InHigh=high, OutLow=to_low,
+                            OutHigh=to_high, Gamma=gamma)
+        within = self.levels(name + " Part", source, low, high, gamma=gamma)
+        return self.plus(name, self.times(name + " Span", within, to_high - to_low), to_low)
 
-    def mask(self, name, source, amount, softness=0.1):
-        """White where the source is brighter than one less the amount: more is more."""
-        rest = self.math("Subtract", name + " Limit", 1.0, amount)
+    def mask(self, name, source, amount, softness=0.1, none=0.9, all_of_it=0.1):
+        """White where the source is brighter than a limit that falls as the amount grows."""
+        rest = amount
+        if hasattr(amount, "inputs"):
+            rest = self.levels(name + " Limit", amount, to_low=none, to_high=all_of_it)
         return self.add("Adjust/Threshold", name, Input=source, Threshold=rest, Softness=softness)
 
     def ramp(self, name, source, *stops):
@@ -87,18 +129,22 @@ class Material:
         return self.add("Adjust/Remap Ramp", name, Input=source, Ramp=text, Interpolation="Smooth")
 
     def merge(self, name, base, over, mask=None, mode="Normal", amount=1.0):
-        node = self.add("Layer/Merge", name, BlendMode=mode, Base=base, Over=over)
+        node = self.add("Layer/Merge", name, BlendMode=mode, Amount=amount,
+                        Base=self.source(base, name + " Below"), Over=self.source(over, name + " Above"))
         if mask is not None:
             self.give(node, "Mask", mask)
-        self.give(node, "Amount", amount) if not hasattr(amount, "inputs") else None
         return node
 
     def mix(self, name, a, b, mask):
-        """Numbers or nodes of one value."""
-        sources = [one if hasattr(one, "inputs") or isinstance(one, tuple)
-                   else self.add("Procedural/Scalar", "%s %s" % (name, which), Value=one)
-                   for one, which in ((a, "Low"), (b, "High"))]
-        return self.merge(name, sources[0], sources[1], mask)
+        """Numbers, colors or nodes."""
+        return self.merge(name, self.source(a, name + " Low"), self.source(b, name + " High"), mask)
+
+    def source(self, value, name):
+        if hasattr(value, "inputs") or (isinstance(value, tuple) and hasattr(value[0], "inputs")):
+            return value
+        if isinstance(value, tuple):
+            return self.color(name, value + (1.0,))
+        return self.add("Procedural/Scalar", name, Value=value)
 
     # --- knobs
 
@@ -126,10 +172,11 @@ class Material:
 
     # --- the end
 
-    def surface(self, base, roughness, height=None, strength=4.0, depth=0.02, metallic=None, occlusion=True,
+    def surface(self, base, roughness, height=None, strength=1.0, depth=0.02, metallic=None, occlusion=True,
                 **more):
         """What all of it comes to: normals and occlusion follow from the height."""
         self.part("Surface")
+        strength *= STEEPNESS
         values = {"Base_Color": base, "Roughness": roughness}
         if metallic is not None:
             values["Metallic"] = metallic
@@ -163,6 +210,8 @@ class Material:
                 node.container = backdrop
             x += 700
         self.inside.arrange()
+        outputs = self.group.outputs
+        self.group.reorderOutputs(sorted(outputs, key=lambda name: name == "Height"))
 
     def write(self, path):
         self.lay_out()

@@ -13,10 +13,15 @@ sys.dont_write_bytecode = True
 sys.path.append(os.path.dirname(os.path.abspath(__file__)))
 
 import ossa
+import fabrics
+import made
 import metals
+import nature
+import stones
+import woods
 from kit import Material
 
-MATERIALS = metals.MATERIALS
+MATERIALS = [one for book in (metals, stones, woods, fabrics, made, nature) for one in book.MATERIALS]
 
 
 def without_date(path):

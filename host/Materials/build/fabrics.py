@@ -27,7 +27,7 @@ def leather(m):
     base = m.merge("Dark Creases", pale, (0.025, 0.011, 0.006), m.levels("Crease Shade", creases, to_high=0.6))
     sheen = m.knob("Roughness", "How dull the leather is", 0.42, 0.1, 0.9)
     rough = m.total("Roughness of All", (sheen, 1), (m.levels("Valleys", depth, to_low=0.2, to_high=0.0), 1), (tops, 0.12))
-    height = m.total("Heights", (domes, 0.13), (small_domes, 0.05), (creases, -0.2), (pores, 0.015))
+    height = m.total("Heights", (domes, 0.09), (small_domes, 0.035), (creases, -0.2), (pores, 0.015))
     m.surface(base, rough, height, strength=1.0, depth=0.004)
 
 
@@ -48,7 +48,7 @@ def denim(m):
     m.space = "UV"
     m.part("Cloth")
     m.scale()
-    weave = threads(m, "Weave Twill", 96, (0.022, 0.05, 0.135, 1.0), (0.42, 0.43, 0.44, 1.0), 0.006, Over=3, Under=1, Depth=0.85, Twist=0.6,
+    weave = threads(m, "Weave Twill", 128, (0.022, 0.05, 0.135, 1.0), (0.42, 0.43, 0.44, 1.0), 0.006, Over=3, Under=1, Depth=0.85, Twist=0.6,
                     Gap=0.08, GapColor=(0.006, 0.012, 0.03, 1.0), Seed=5)
     slubs = m.noise("Perlin Noise", "Slubs", 1.0, Position=m.place("Along the Warp", (90, 4, 1)), Octaves=3, Seed=6)
     lint = m.noise("Fibres", "Lint", 42, Density=0.6, Width=0.03, Seed=3)

@@ -13,7 +13,7 @@ class Material:
     """One material. Numbers, colors and nodes may stand for each other wherever a node takes both."""
 
     def __init__(self, key, help_text, aliases):
-        self.category, self.name = key.split("/")
+        self.category, self.name = key.rsplit("/", 1)
         self.help_text, self.aliases = help_text, aliases
         self.group = ossa.graph().createNode("Misc/Group", self.name)
         self.inside = self.group.inside()
@@ -21,6 +21,7 @@ class Material:
         self.backdrops = []
         self.space = "Surface"  # where noises are: on the object, or "UV" beside patterns of the patch
         self.factors = {}
+        self.starts, self.ends = [], []
 
     # --- nodes
 
@@ -193,11 +194,18 @@ class Material:
         shader = self.add("Shaders/Standard Surface", self.name + " Surface", Height=depth)
         for key, value in values.items():
             self.give(shader, key, value)
-        end = self.group.createOutput("Material", "material")
-        end.connectInput(end.inputs[0], shader)
+        self.output("Material", "material", shader)
         if height is not None:
-            out = self.group.createOutput("Height", "scalar")
-            out.connectInput(out.inputs[0], self.relief)
+            self.output("Height", "scalar", self.relief)
+
+    def input(self, name, kind="color"):
+        self.starts.append(name)
+        return self.group.createInput(name, kind)
+
+    def output(self, name, kind, source):
+        end = self.group.createOutput(name, kind)
+        self.give(end, end.inputs[0], source)
+        self.ends.append(name)
 
     def lay_out(self):
         x = 0.0
@@ -210,10 +218,10 @@ class Material:
                 node.container = backdrop
             x += 700
         self.inside.arrange()
-        outputs = self.group.outputs
-        self.group.reorderOutputs(sorted(outputs, key=lambda name: name == "Height"))
+        self.group.reorderInputs(self.starts)
+        self.group.reorderOutputs(self.ends)
 
     def write(self, path):
         self.lay_out()
-        return self.group.writeType(path, "Materials/" + self.category, self.name, self.help_text,
+        return self.group.writeType(path, self.category, self.name, self.help_text,
                                     self.aliases)

@@ -1,8 +1,9 @@
 """Builds the ready materials anew, each as a node type of its own:
 
-    ossa run host/Materials/build/materials.py -- host/Materials [NAME...]
+    ossa run host/Materials/build/materials.py -- host [NAME...]
 
-Files whose material did not change stay as they are.
+writes host/Materials, and the layers of host/NodeTypes/Layer that are groups. Files of what did not change
+stay as they are.
 """
 
 import os
@@ -14,6 +15,7 @@ sys.path.append(os.path.dirname(os.path.abspath(__file__)))
 
 import ossa
 import fabrics
+import layers
 import made
 import metals
 import nature
@@ -30,11 +32,10 @@ def without_date(path):
         return re.sub(r' Date="[^"]*"', "", file.read(), count=1)
 
 
-def build(key, help_text, aliases, make, folder):
+def build(path, key, help_text, aliases, make):
     ossa.newProject("Materials", "sphere")
     made = Material(key, help_text, aliases)
     make(made)
-    path = os.path.join(folder, *key.split("/")) + ".xml"
     os.makedirs(os.path.dirname(path), exist_ok=True)
     fresh = path + ".new"
     made.write(fresh)
@@ -46,9 +47,13 @@ def build(key, help_text, aliases, make, folder):
 
 
 def main(folder, names):
-    for key, help_text, aliases, make in MATERIALS:
-        if not names or key.split("/")[1] in names:
-            build(key, help_text, aliases, make, folder)
+    for key, help_text, aliases, make in MATERIALS + layers.LAYERS:
+        if names and key.split("/")[-1] not in names:
+            continue
+        if key.startswith("Layer/"):
+            build(os.path.join(folder, "NodeTypes", key.replace(" ", "") + ".xml"), key, help_text, aliases, make)
+        else:
+            build(os.path.join(folder, "Materials", key + ".xml"), "Materials/" + key, help_text, aliases, make)
 
 
 main(os.path.abspath(sys.argv[1]), sys.argv[2:])

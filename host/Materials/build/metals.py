@@ -4,7 +4,7 @@
 def rusty_steel(m):
     m.part("Where It Rusts")
     m.scale()
-    amount = m.knob("Rust", "How much of the steel has rusted", 0.5)
+    amount = m.knob("Rust", "How much of the steel has rusted", 0.62)
     blooms = m.noise("Grunge Rusty", "Blooms", 2, Detail=0.7, Amount=0.5, Seed=7)
     grit = m.noise("Perlin Noise", "Grit", 22, Octaves=6, Roughness=0.6, Seed=3)
     frayed = m.merge("Frayed Blooms", blooms, grit, mode="Overlay", amount=0.45)
@@ -28,7 +28,7 @@ def rusty_steel(m):
     rough = m.mix("Roughness", m.levels("Steel Roughness", mill, to_low=0.3, to_high=0.5), 0.9, rust)
     crust = m.times("Crust", rust, m.levels("Crust Relief", grit, 0.1, 0.9, 0.35, 1.0))
     pits = m.times("Deep Pits", rust, flakes)
-    height = m.total("Relief of Both", (mill, 0.02), (crust, 0.30), (pits, -0.10))
+    height = m.total("Relief of Both", (mill, 0.02), (crust, 0.2), (pits, -0.08))
     m.surface(base, rough, height, strength=1.6, metallic=m.levels("Bare Metal", rust, to_low=1.0, to_high=0.05))
 
 
@@ -45,7 +45,7 @@ def galvanised(m):
     edges = m.noise("Worley Noise", "Borders", 7, Position=place, Feature="Edges", Seed=2)
     m.part("Zinc")
     tone = m.tint("Zinc Color", "What the zinc reflects", (0.62, 0.64, 0.66))
-    shade = m.levels("Facet Shade", both, 0.1, 0.9, 0.62, 1.12)
+    shade = m.levels("Facet Shade", both, 0.15, 0.85, 0.42, 1.15)
     flat = m.source(1.0, "Even")
     zinc = m.merge("Zinc", tone, m.mix("Shade", flat, shade, contrast), mode="Multiply")
     m.part("White Rust")
@@ -56,20 +56,20 @@ def galvanised(m):
     soft = m.levels("Thin Chalk", chalk, to_high=0.75)
     base = m.merge("Chalk over Zinc", zinc, (0.56, 0.57, 0.57), soft)
     m.part("Shine")
-    polish = m.knob("Roughness", "How dull the zinc is", 0.38, 0.05, 0.9)
-    facets = m.levels("Facet Roughness", both, 0.1, 0.9, -0.14, 0.14)
+    polish = m.knob("Roughness", "How dull the zinc is", 0.34, 0.05, 0.9)
+    facets = m.levels("Facet Roughness", both, 0.15, 0.85, -0.2, 0.2)
     bare = m.plus("Zinc Roughness", polish, m.times("Facet Difference", facets, contrast))
     rough = m.mix("Roughness with Chalk", bare, 0.85, soft)
-    height = m.total("Heights", (both, 0.05), (edges, 0.04), (soft, 0.03))
-    m.surface(base, rough, height, strength=0.8, metallic=m.levels("Bare Metal", soft, to_low=1.0, to_high=0.2))
+    height = m.total("Heights", (both, 0.012), (edges, 0.01), (soft, 0.012))
+    m.surface(base, rough, height, strength=0.6, metallic=m.levels("Bare Metal", soft, to_low=1.0, to_high=0.2))
 
 
 def brushed_aluminium(m):
     m.part("Brushing")
     m.scale()
     brushing = m.knob("Brushing", "How deep the strokes of the brush are", 0.5)
-    long = m.place("Along the Brush", (0.35, 26, 26))
-    fine = m.place("Along the Hairs", (0.8, 90, 90))
+    long = m.place("Along the Brush", (0.2, 40, 40))
+    fine = m.place("Along the Hairs", (0.35, 110, 110))
     broad = m.noise("Perlin Noise", "Strokes", 3, Position=long, Octaves=4, Roughness=0.7, Seed=2)
     hairs = m.noise("Perlin Noise", "Hairs", 3, Position=fine, Octaves=3, Roughness=0.8, Seed=5)
     strokes = m.total("All Strokes", (broad, 0.5), (hairs, 0.5))
@@ -87,8 +87,8 @@ def brushed_aluminium(m):
     polish = m.knob("Roughness", "How dull the metal is", 0.3, 0.05, 0.8)
     rough = m.total("Roughness of All", (polish, 1), (m.levels("Stroke Roughness", strokes, 0.2, 0.8, -0.08, 0.12), 1),
                     (smudge, 0.28), (lines, 0.15))
-    cut = m.times("Depth of Strokes", strokes, m.levels("Stroke Depth", brushing, to_high=0.13))
-    height = m.total("Heights", (cut, 1), (lines, -0.03))
+    cut = m.times("Depth of Strokes", strokes, m.levels("Stroke Depth", brushing, to_high=0.05))
+    height = m.total("Heights", (cut, 1), (lines, -0.015))
     m.surface(base, rough, height, strength=0.7, metallic=1.0, occlusion=False, depth=0.002)
 
 
@@ -120,7 +120,7 @@ def copper_verdigris(m):
     base = m.merge("Verdigris over Copper", copper, dirty, green)
     rough = m.mix("Roughness", m.levels("Copper Roughness", clouds, to_low=0.42, to_high=0.2), 0.92, green)
     crust = m.times("Crust", green, m.levels("Crust Relief", grain, 0.1, 0.9, 0.4, 1.0))
-    height = m.total("Heights", (clouds, 0.03), (crust, 0.22), (m.times("Crumbling", green, crumbs), -0.07))
+    height = m.total("Heights", (clouds, 0.03), (crust, 0.16), (m.times("Crumbling", green, crumbs), -0.07))
     m.surface(base, rough, height, strength=1.4, metallic=m.levels("Bare Metal", green, to_low=1.0, to_high=0.0))
 
 
@@ -135,7 +135,7 @@ def gold_leaf(m):
     m.expose("Leaves Across", "How many leaves lie beside each other on a patch", leaves, "Columns", 1, 40,
              ((leaves, "Rows"),))
     m.part("Wear")
-    worn = m.knob("Wear", "How much of the gold is rubbed off", 0.32)
+    worn = m.knob("Wear", "How much of the gold is rubbed off", 0.2)
     rubbed = m.noise("Grunge Scraped", "Rubbed", 3, Detail=0.8, Seed=3)
     cracks = m.noise("Voronoi Cracks", "Cracks", 5, Width=0.012, Slope=0.04, Distortion=0.7, FineCracks=0.8, Seed=9)
     open_cracks = m.levels("Open Cracks", cracks, to_high=0.75)
@@ -168,11 +168,11 @@ def painted_metal(m):
     chips = m.knob("Chips", "How much has chipped off elsewhere", 0.22)
     bends = m.add("Geometry/Curvature", "Edges of the Object", Radius=0.03)
     ragged = m.noise("Perlin Noise", "Ragged", 14, Octaves=6, Roughness=0.65, Seed=2)
-    dents = m.noise("Grunge Scraped", "Knocks", 2.4, Detail=0.7, Seed=5)
+    dents = m.noise("Grunge Rusty", "Knocks", 2.2, Detail=0.8, Seed=5)
     edge = m.times("Worn Edges", (bends, "Edges"), m.levels("Wear Reach", wear, to_high=1.0))
     edges = m.merge("Ragged Edges", m.levels("Strong Edges", edge, 0.0, 0.6), ragged, mode="Multiply")
-    knocks = m.mask("Knock Mask", m.merge("Ragged Knocks", dents, ragged, mode="Overlay", amount=0.5), chips, 0.04, none=1.0,
-                    all_of_it=0.3)
+    knocks = m.mask("Knock Mask", m.merge("Ragged Knocks", dents, ragged, mode="Overlay", amount=0.5), chips, 0.03, none=0.92,
+                    all_of_it=0.25)
     bare = m.merge("Bare Mask", m.add("Adjust/Threshold", "Edge Mask", Input=edges, Threshold=0.28, Softness=0.06),
                    knocks, mode="Lighten")
     around = m.add("Filter/Blur", "Around Chips", Input=bare, Radius=7)
@@ -197,7 +197,7 @@ def painted_metal(m):
     rough = m.mix("Roughness of All", painted, m.levels("Steel Roughness", mill, to_low=0.75, to_high=0.35), bare)
     peel = m.noise("Perlin Noise", "Orange Peel", 30, Octaves=2, Seed=9)
     coat = m.levels("Coats of Paint", around, 0.1, 0.6, 1.0, 0.0)
-    height = m.total("Heights", (coat, 0.1), (m.times("Scaly Steel", bare, mill), 0.04), (peel, 0.006))
+    height = m.total("Heights", (coat, 0.1), (m.times("Scaly Steel", bare, mill), 0.02), (peel, 0.006))
     metal = m.times("Bare Metal", bare, m.levels("Clean Steel", mill, 0.3, 0.55))
     m.surface(base, rough, height, strength=1.6, metallic=metal, depth=0.004)
 

@@ -6,11 +6,15 @@
 #include "OssModel/Graph/OssShadingGroup.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Nodes/OssSnMaterialNode.h"
+#include "OssModel/Nodes/OssSnProducer.h"
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Types/OssLayerShaderModel.h"
 #include "OssModel/Types/OssSnTags.h"
 
+#include <QSet>
+
 #include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -48,6 +52,18 @@ void addOf(const OssShaderNetwork *network, QVector<OssExportMaterial> *material
             addOf(group->groupNetwork(), materials);
         }
     }
+}
+
+/// Materials of which others are made.
+QSet<const OssSnBaseNode *> partsOf(const OssShaderNetwork *network)
+{
+    QSet<const OssSnBaseNode *> parts;
+    const QList<OssSnBaseNode *> nodes = network->getAllNodes();
+    for (const OssSnBaseNode *node : nodes) {
+        if (node->hasTag(OssSnTags::splitMaterial()) && !node->inputNames().isEmpty())
+            parts.insert(OssSnProducer::ofInput(node, node->inputNames().first()).node);
+    }
+    return parts;
 }
 
 } // namespace
@@ -105,7 +121,12 @@ QVector<OssExportMaterial> OssExportMaterial::of(const OssProject *project)
 {
     QVector<OssExportMaterial> materials;
     const QList<OssShadingGroup *> groups = project->shadingGroups();
-    for (const OssShadingGroup *group : groups)
-        addOf(group->network(), &materials);
+    for (const OssShadingGroup *group : groups) {
+        QVector<OssExportMaterial> found;
+        addOf(group->network(), &found);
+        const QSet<const OssSnBaseNode *> parts = partsOf(group->network());
+        std::copy_if(found.cbegin(), found.cend(), std::back_inserter(materials),
+                     [&parts](const OssExportMaterial &one) { return !parts.contains(one.node); });
+    }
     return materials;
 }

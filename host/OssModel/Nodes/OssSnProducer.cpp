@@ -35,8 +35,20 @@ QString firstInput(const OssSnBaseNode *node)
 
 bool passesOn(const OssSnBaseNode *node)
 {
-    return node->hasTag(OssSnTags::dot()) || node->hasTag(OssSnTags::output())
+    return node->hasTag(OssSnTags::dot()) || node->hasTag(OssSnTags::splitMaterial())
+           || node->hasTag(OssSnTags::output())
            || (node->nodeType() && node->nodeType()->kernel == QLatin1String("pass"));
+}
+
+bool isSplitting(const OssSnBaseNode *node)
+{
+    return node->hasTag(OssSnTags::splitMaterial()) && node->enabledAsBool() && !node->isBypassed();
+}
+
+/// What computes each of a material's channels, though only the material is an output of the node.
+bool isMaterial(const OssSnBaseNode *node)
+{
+    return node->nodeType() && node->nodeType()->kernel == QLatin1String("material");
 }
 
 /// One step towards what computes; false when the node itself does.
@@ -76,11 +88,18 @@ bool step(OssSnProducer *at, Way *way)
 OssSnProducer OssSnProducer::of(const OssSnBaseNode *node, const QString &outputPoint, Way *way)
 {
     OssSnProducer at{node, outputPoint};
-    for (int steps = 0; at.node && step(&at, way); ++steps) {
+    QString channel; // of a material that is split on the way
+    for (int steps = 0; at.node; ++steps) {
         if (steps > LongestWay)
             return {};
+        if (isSplitting(at.node))
+            channel = at.outputPoint;
+        if (!step(&at, way))
+            break;
     }
-    return at;
+    if (channel.isEmpty() || !at.node)
+        return at;
+    return isMaterial(at.node) ? OssSnProducer{at.node, channel} : OssSnProducer{};
 }
 
 OssSnProducer OssSnProducer::ofInput(const OssSnBaseNode *node, const QString &input, Way *way)

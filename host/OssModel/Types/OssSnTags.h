@@ -47,6 +47,12 @@ inline QString shaderInput()
     return QStringLiteral("_shaderInput");
 }
 
+/// Gives the channels of the material that it is wired to.
+inline QString splitMaterial()
+{
+    return QStringLiteral("_splitMaterial");
+}
+
 /// Of the program, as is all inside of it.
 inline QString systemShader()
 {

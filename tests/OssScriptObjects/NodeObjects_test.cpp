@@ -338,8 +338,34 @@ TEST_F(NodeObjects, switchInputsAndOrderPortsAndRenameKnobs)
     EXPECT_EQ(m_group->renameKnob(knob, text("Softness")), text("Softness"));
     m_group->setAttribute(text("Softness"), 5.0);
     EXPECT_EQ(inner->attribute(Radius).toDouble(), 5.0);
+    Ossa::Node *second = m_group->inside()->createNode(text("Filter/Blur"), {});
+    m_group->linkKnob(text("Softness"), second, Radius);
+    m_group->setKnobInfo(text("Softness"), {{text("toolTip"), text("How soft")},
+                                            {text("section"), QString()},
+                                            {text("default"), 5},
+                                            {text("maximum"), 40.0}});
+    EXPECT_EQ(second->attribute(Radius).toDouble(), 5.0);
+    const QVariantMap info = m_group->attributeInfo(text("Softness"));
+    EXPECT_EQ(info.value(text("toolTip")).toString(), text("How soft"));
+    EXPECT_EQ(info.value(text("section")).toString(), QString());
+    EXPECT_EQ(info.value(text("maximum")).toDouble(), 40.0);
+    EXPECT_TRUE(info.value(text("isDefault")).toBool());
+    OssUndoManager::instance()->undo();
+    EXPECT_NE(m_group->attributeInfo(text("Softness")).value(text("toolTip")), text("How soft"));
+    OssUndoManager::instance()->redo();
+    EXPECT_EQ(m_group->attributeInfo(text("Softness")), info);
     EXPECT_FALSE(scripts()->hasError());
     expectRefused({
+        {[&] { m_group->linkKnob(text("Softness"), m_blur, Radius); }, Type::NotAllowed,
+         "cannot stand"},
+        {[&] { m_group->linkKnob(text("Softness"), nullptr, Radius); }, Type::WrongType,
+         "None is no node"},
+        {[&] { m_group->setKnobInfo(text("X"), {}); }, Type::UnknownName, "no knob"},
+        {[&] {
+             m_group->setKnobInfo(text("Softness"), {{text("size"), 1}});
+         },
+         Type::UnknownName, "no \"size\""},
+        {[&] { m_blur->setKnobInfo(Radius, {}); }, Type::NotSupported, "no group"},
         {[&] { m_blur->setInputEnabled(text("X"), true); }, Type::UnknownName, "no input"},
         {[&] { m_group->reorderInputs({text("B")}); }, Type::NotAllowed, "each once"},
         {[&] {

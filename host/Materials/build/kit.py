@@ -59,6 +59,8 @@ class Material:
         """Noise whose scale is that many times the knob "Scale", if there is one."""
         if self.space == "UV" and "Position" not in values and kind != "Fractal Noise":
             values["Space"] = "UV"
+        if kind == "Voronoi Cracks":  # which are dark
+            values["Invert"] = True
         if kind == "Fractal Noise":
             values["Frequency"] = self.at(factor)
         else:

@@ -30,14 +30,14 @@ def rubber(m):
 def car_paint(m):
     m.part("Base Coat")
     m.scale()
-    tone = m.tint("Paint Color", "The paint below the lacquer", (0.30, 0.006, 0.010))
-    flakes = m.noise("Worley Noise", "Flakes", 150, Feature="Cell Id", Seed=3)
+    tone = m.tint("Paint Color", "The paint below the lacquer", (0.26, 0.004, 0.008))
+    flakes = m.noise("Worley Noise", "Flakes", 190, Feature="Cell Id", Seed=3)
     fine = m.noise("Worley Noise", "Fine Flakes", 260, Feature="Cell Id", Seed=6)
     glints = m.total("Glints", (flakes, 0.55), (fine, 0.45))
     strength = m.knob("Flakes", "How much metal flakes glitter in the paint: 0 is plain paint", 0.55)
-    glitter = m.times("Glitter", m.levels("Bright Flakes", glints, 0.62, 0.95), strength)
+    glitter = m.times("Glitter", m.levels("Bright Flakes", glints, 0.7, 0.98), strength)
     shimmer = m.merge("Shimmering Paint", tone, m.mix("Shimmer", (1.0, 1.0, 1.0), m.levels("Shimmer Range", glints, to_low=0.5, to_high=1.6), strength), mode="Multiply")
-    base = m.merge("Flakes in Paint", shimmer, m.merge("Flake Color", tone, (0.95, 0.90, 0.86), amount=0.45), m.levels("Flake Mask", glitter, to_high=0.8))
+    base = m.merge("Flakes in Paint", shimmer, m.merge("Flake Color", tone, (0.95, 0.80, 0.70), amount=0.2), m.levels("Flake Mask", glitter, to_high=0.8))
     m.part("Dirt")
     dirty = m.knob("Dust", "How long it has not been washed", 0.1)
     film = m.merge("Road Film", m.noise("Clouds", "Film", 1.8, Seed=8), m.merge("Dried Drops", m.noise("Stains", "Drops", 6, Seed=4), m.noise("Dust", "Specks", 24, Density=0.5, Seed=9), mode="Screen"),

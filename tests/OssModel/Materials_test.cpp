@@ -7,8 +7,7 @@
 #include "OssModel/Nodes/OssSnProducer.h"
 #include "OssModel/Types/OssSnTags.h"
 
-#include <QCryptographicHash>
-#include <QFile>
+#include <QImage>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
@@ -47,7 +46,7 @@ protected:
         return OssSnProducer::of(material, material->prefferedOutputPoint()).node;
     }
 
-    /// A channel of a shader as the bytes of a picture; none, and a failure, where it cannot be computed.
+    /// The pixels of a shader's channel; none, and a failure, where it cannot be computed.
     QByteArray channel(const OssSnBaseNode *shader, const QString &name)
     {
         OssEvaluationService::BakeJob job;
@@ -59,9 +58,9 @@ protected:
         const QString path = m_folder.filePath(QStringLiteral("channel.png"));
         const OssResult baked = OssEvaluationService::instance()->bake(job, path);
         EXPECT_TRUE(baked) << qPrintable(shader->path() + QLatin1Char(' ') + name + baked.error());
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-        return QCryptographicHash::hash(file.readAll(), QCryptographicHash::Sha1);
+        const QImage image(path);
+        EXPECT_EQ(image.width(), Resolution);
+        return {reinterpret_cast<const char *>(image.constBits()), int(image.sizeInBytes())};
     }
 
     static QStringList wiredInputs(const OssSnBaseNode *shader)

@@ -1,8 +1,10 @@
 #include "OssCore/Program/OssStatusManager.h"
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Nodes/OssSnBakePointNode.h"
 #include "OssModel/Objects/OssImageSet.h"
+#include "OssModel/Types/OssSnNodeType.h"
 #include "OssScriptObjects/OssaGeoEntity.h"
 #include "OssScriptObjects/OssaImageSet.h"
 #include "OssScriptObjects/OssaProject.h"
@@ -10,8 +12,10 @@
 #include "ScriptFixture.h"
 #include "support/OssaFiles.h"
 
+#include <QFile>
 #include <QImage>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 
 #include <limits>
 
@@ -319,25 +323,11 @@ TEST_F(NodeObjects, askForWhatShowsThemAndRefuseWhatCannotBe)
     });
 }
 
-TEST_F(NodeObjects, switchInputsAndOrderPortsAndRenameKnobs)
+TEST_F(NodeObjects, describeKnobsAndLinkThemToMoreNodes)
 {
-    EXPECT_TRUE(m_blur->isInputEnabled(text("Input")));
-    m_blur->setInputEnabled(text("Input"), false);
-    EXPECT_FALSE(m_blur->isInputEnabled(text("Input")));
-    EXPECT_FALSE(m_blur->isInputShared(text("Input")));
-    m_group->createInput(text("A"));
-    m_group->createInput(text("B"));
-    m_group->createOutput(text("C"));
-    m_group->createOutput(text("D"));
-    m_group->reorderInputs({text("B"), text("A")});
-    m_group->reorderOutputs({text("D"), text("C")});
-    EXPECT_EQ(m_group->inputs(), QStringList({text("B"), text("A")}));
-    EXPECT_EQ(m_group->outputs(), QStringList({text("D"), text("C")}));
     Ossa::Node *inner = m_group->inside()->createNode(text("Filter/Blur"), {});
-    const QString knob = m_group->createKnob(inner, Radius);
-    EXPECT_EQ(m_group->renameKnob(knob, text("Softness")), text("Softness"));
+    m_group->renameKnob(m_group->createKnob(inner, Radius), text("Softness"));
     m_group->setAttribute(text("Softness"), 5.0);
-    EXPECT_EQ(inner->attribute(Radius).toDouble(), 5.0);
     Ossa::Node *second = m_group->inside()->createNode(text("Filter/Blur"), {});
     m_group->linkKnob(text("Softness"), second, Radius);
     m_group->setKnobInfo(text("Softness"), {{text("toolTip"), text("How soft")},
@@ -366,6 +356,60 @@ TEST_F(NodeObjects, switchInputsAndOrderPortsAndRenameKnobs)
          },
          Type::UnknownName, "no \"size\""},
         {[&] { m_blur->setKnobInfo(Radius, {}); }, Type::NotSupported, "no group"},
+    });
+}
+
+TEST_F(NodeObjects, groupsAreWrittenAsTypesOfTheProgram)
+{
+    QTemporaryDir folder;
+    const QString path = folder.filePath(text("soft.xml"));
+    m_group->inside()->createNode(text("Filter/Blur"), {});
+    EXPECT_EQ(m_group->writeType(path, text("Materials/Cloth"), text("Soft"), text("Soft cloth."),
+                                 {text("wool"), text("felt")}),
+              text("Materials/Cloth/Soft"));
+    EXPECT_EQ(m_group->type(), text("Misc/Group")) << "it stays what it is";
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    OssResult result;
+    const auto type = OssSnNodeType::read(file.readAll(), path, &result);
+    ASSERT_NE(type, nullptr) << qPrintable(result.error());
+    EXPECT_EQ(type->aliases, QStringList({text("wool"), text("felt")}));
+    EXPECT_EQ(type->description, text("Soft cloth."));
+    EXPECT_EQ(type->versionUUID, text("OSS_Materials_Cloth_Soft"));
+    EXPECT_FALSE(type->content.contains(text("<nodeType"))) << "types inside are the program's";
+    EXPECT_FALSE(scripts()->hasError());
+    expectRefused({
+        {[&] { m_group->writeType(path, {}, text("Soft"), {}); }, Type::NotAllowed, "category"},
+        {[&] { m_blur->writeType(path, text("A"), text("B"), {}); }, Type::NotSupported,
+         "no group"},
+        {[&] {
+             m_group->writeType(folder.filePath(text("no/soft.xml")), text("A"), text("B"), {});
+         },
+         Type::NotAllowed, "soft.xml"},
+    });
+}
+
+TEST_F(NodeObjects, switchInputsAndOrderPortsAndRenameKnobs)
+{
+    EXPECT_TRUE(m_blur->isInputEnabled(text("Input")));
+    m_blur->setInputEnabled(text("Input"), false);
+    EXPECT_FALSE(m_blur->isInputEnabled(text("Input")));
+    EXPECT_FALSE(m_blur->isInputShared(text("Input")));
+    m_group->createInput(text("A"));
+    m_group->createInput(text("B"));
+    m_group->createOutput(text("C"));
+    m_group->createOutput(text("D"));
+    m_group->reorderInputs({text("B"), text("A")});
+    m_group->reorderOutputs({text("D"), text("C")});
+    EXPECT_EQ(m_group->inputs(), QStringList({text("B"), text("A")}));
+    EXPECT_EQ(m_group->outputs(), QStringList({text("D"), text("C")}));
+    Ossa::Node *inner = m_group->inside()->createNode(text("Filter/Blur"), {});
+    const QString knob = m_group->createKnob(inner, Radius);
+    EXPECT_EQ(m_group->renameKnob(knob, text("Softness")), text("Softness"));
+    m_group->setAttribute(text("Softness"), 5.0);
+    EXPECT_EQ(inner->attribute(Radius).toDouble(), 5.0);
+    EXPECT_FALSE(scripts()->hasError());
+    expectRefused({
         {[&] { m_blur->setInputEnabled(text("X"), true); }, Type::UnknownName, "no input"},
         {[&] { m_group->reorderInputs({text("B")}); }, Type::NotAllowed, "each once"},
         {[&] {

@@ -72,7 +72,7 @@ def brushed_aluminium(m):
     fine = m.place("Along the Hairs", (0.35, 110, 110))
     broad = m.noise("Perlin Noise", "Strokes", 3, Position=long, Octaves=4, Roughness=0.7, Seed=2)
     hairs = m.noise("Perlin Noise", "Hairs", 3, Position=fine, Octaves=3, Roughness=0.8, Seed=5)
-    strokes = m.total("All Strokes", (broad, 0.5), (hairs, 0.5))
+    strokes = m.total("All Strokes", (broad, 0.3), (hairs, 0.7))
     m.part("Wear")
     scratched = m.knob("Scratches", "How many stray scratches there are", 0.3)
     scratches = m.noise("Scratches", "Stray Scratches", 5, Width=0.006, Density=0.45, Spread=1.0, Seed=4)
@@ -81,11 +81,11 @@ def brushed_aluminium(m):
     smudge = m.times("Seen Smudges", m.noise("Grunge Smeared", "Smudges", 2.2, Seed=6), smudged)
     m.part("Metal")
     tone = m.tint("Aluminium Color", "What the metal reflects; anodised metal has other colors", (0.88, 0.885, 0.89))
-    shade = m.levels("Stroke Shade", strokes, 0.2, 0.8, 0.78, 1.04)
+    shade = m.levels("Stroke Shade", strokes, 0.25, 0.75, 0.55, 1.06)
     metal = m.merge("Brushed Metal", tone, shade, mode="Multiply", amount=1.0)
     base = m.merge("Smudged Metal", metal, (0.42, 0.41, 0.40), m.levels("Thin Smudge", smudge, to_high=0.35))
     polish = m.knob("Roughness", "How dull the metal is", 0.3, 0.05, 0.8)
-    rough = m.total("Roughness of All", (polish, 1), (m.levels("Stroke Roughness", strokes, 0.2, 0.8, -0.08, 0.12), 1),
+    rough = m.total("Roughness of All", (polish, 1), (m.levels("Stroke Roughness", strokes, 0.25, 0.75, -0.12, 0.14), 1),
                     (smudge, 0.28), (lines, 0.15))
     cut = m.times("Depth of Strokes", strokes, m.levels("Stroke Depth", brushing, to_high=0.05))
     height = m.total("Heights", (cut, 1), (lines, -0.015))
@@ -135,7 +135,7 @@ def gold_leaf(m):
     m.expose("Leaves Across", "How many leaves lie beside each other on a patch", leaves, "Columns", 1, 40,
              ((leaves, "Rows"),))
     m.part("Wear")
-    worn = m.knob("Wear", "How much of the gold is rubbed off", 0.2)
+    worn = m.knob("Wear", "How much of the gold is rubbed off", 0.26)
     rubbed = m.noise("Grunge Scraped", "Rubbed", 3, Detail=0.8, Seed=3)
     cracks = m.noise("Voronoi Cracks", "Cracks", 5, Width=0.012, Slope=0.04, Distortion=0.7, FineCracks=0.8, Seed=9)
     open_cracks = m.levels("Open Cracks", cracks, to_high=0.75)
@@ -168,7 +168,7 @@ def painted_metal(m):
     chips = m.knob("Chips", "How much has chipped off elsewhere", 0.22)
     bends = m.add("Geometry/Curvature", "Edges of the Object", Radius=0.03)
     ragged = m.noise("Perlin Noise", "Ragged", 14, Octaves=6, Roughness=0.65, Seed=2)
-    dents = m.noise("Grunge Rusty", "Knocks", 2.2, Detail=0.8, Seed=5)
+    dents = m.noise("Grunge Rusty", "Knocks", 2.6, Detail=0.8, Seed=19)
     edge = m.times("Worn Edges", (bends, "Edges"), m.levels("Wear Reach", wear, to_high=1.0))
     edges = m.merge("Ragged Edges", m.levels("Strong Edges", edge, 0.0, 0.6), ragged, mode="Multiply")
     knocks = m.mask("Knock Mask", m.merge("Ragged Knocks", dents, ragged, mode="Overlay", amount=0.5), chips, 0.03, none=0.92,

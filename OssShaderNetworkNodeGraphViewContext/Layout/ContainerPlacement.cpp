@@ -44,3 +44,33 @@ QPointF ContainerPlacement::freshLocation(const QRectF &container, const QRectF 
     return {everything.right() + NodePlacement::Gap,
             preserveY ? container.top() : everything.top()};
 }
+
+QPointF ContainerPlacement::wayOut(const QRectF &node, const QRectF &before, const QRectF &now)
+{
+    constexpr qreal Gap = NodePlacement::Gap;
+    QVector<QPointF> ways;
+    if (node.left() >= before.right())
+        ways.append({now.right() + Gap - node.left(), 0.0});
+    if (node.right() <= before.left())
+        ways.append({now.left() - Gap - node.right(), 0.0});
+    if (node.top() >= before.bottom())
+        ways.append({0.0, now.bottom() + Gap - node.top()});
+    if (node.bottom() <= before.top())
+        ways.append({0.0, now.top() - Gap - node.bottom()});
+    if (ways.isEmpty())
+        return {0.0, now.bottom() + Gap - node.top()};
+    return *std::min_element(ways.cbegin(), ways.cend(), [](const QPointF &a, const QPointF &b) {
+        return a.manhattanLength() < b.manhattanLength();
+    });
+}
+
+QPointF ContainerPlacement::wayPast(const QRectF &area, const QRectF &place, const QPointF &way)
+{
+    constexpr qreal Gap = NodePlacement::Gap;
+    if (way.x() != 0.0)
+        return {way.x() > 0.0 ? area.right() + Gap - place.left()
+                              : area.left() - Gap - place.right(),
+                0.0};
+    return {0.0,
+            way.y() > 0.0 ? area.bottom() + Gap - place.top() : area.top() - Gap - place.bottom()};
+}

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPointF>
 #include <QRectF>
 #include <QVector>
 
@@ -20,5 +21,11 @@ qreal belowShift(const QRectF &container, const QRectF &reference);
 
 /// Where a container stands clear of everything: right of it, at the top or at its own height.
 QPointF freshLocation(const QRectF &container, const QRectF &everything, bool preserveY);
+
+/// How a node that stood clear of the area goes on when that has become another: the shortest way.
+QPointF wayOut(const QRectF &node, const QRectF &before, const QRectF &now);
+
+/// The same way on from the area, and a little farther.
+QPointF wayPast(const QRectF &area, const QRectF &place, const QPointF &way);
 
 } // namespace ContainerPlacement

@@ -121,6 +121,8 @@ void goOn(Node *node, const Nodes &carried, Node *home, Qt::Orientation directio
     }
     if (home)
         Backdrops::keepIn(node, home);
+    else
+        Backdrops::refreshMembership(node); // what grows later takes it for what it is
 }
 
 /// In which backdrop a node is that was put by another one: in one that holds that one, if it was its
@@ -252,11 +254,11 @@ void placeUnderneath(Node *node, Node *reference)
     if (container && container != node->container())
         node->setContainer(container);
     if (container) {
-        Backdrops::grow(container, [=] {
-            Q_EMIT node->nodeSyncedUnderneathNode(reference, false);
-            Backdrops::takeIn(node, container);
-            goOn(node, {}, container, Qt::Vertical);
-        });
+        // What it grows over goes out of the way before it is asked who its members are.
+        Backdrops::grow(container,
+                        [=] { Q_EMIT node->nodeSyncedUnderneathNode(reference, false); });
+        Backdrops::takeIn(node, container);
+        goOn(node, {}, container, Qt::Vertical);
         return;
     }
     const QVector<QRectF> obstacles = obstaclesIn(nullptr, node, {});

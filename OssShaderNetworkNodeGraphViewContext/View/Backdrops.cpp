@@ -1,9 +1,11 @@
 #include "View/Backdrops.h"
 
+#include "Layout/ContainerPlacement.h"
 #include "Layout/NodePlacement.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssNodeGraph/Drawing/OssNgStyle.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
 #include "OssNodeGraph/Items/OssNgSceneIndex.h"
 #include "OssSnNodeGraphViewContextManager.h"
@@ -133,36 +135,19 @@ QList<Node *> peersOf(const Node *backdrop)
     return peers;
 }
 
-/// Where a node that stood beside the area goes when that has become another: the shortest way on.
-QPointF wayOut(const QRectF &node, const QRectF &before, const QRectF &now)
+/// Items that lie over the area, their margins included, which the index does not know.
+QVector<OssNgNode *> itemsOver(QGraphicsScene *scene, const QRectF &area)
 {
-    constexpr qreal Gap = NodePlacement::Gap;
-    QVector<QPointF> ways;
-    if (node.left() >= before.right())
-        ways.append({now.right() + Gap - node.left(), 0.0});
-    if (node.right() <= before.left())
-        ways.append({now.left() - Gap - node.right(), 0.0});
-    if (node.top() >= before.bottom())
-        ways.append({0.0, now.bottom() + Gap - node.top()});
-    if (node.bottom() <= before.top())
-        ways.append({0.0, now.top() - Gap - node.bottom()});
-    if (ways.isEmpty())
-        return {0.0, now.bottom() + Gap - node.top()};
-    return *std::min_element(ways.cbegin(), ways.cend(), [](const QPointF &a, const QPointF &b) {
-        return a.manhattanLength() < b.manhattanLength();
-    });
-}
-
-/// The same way on from the area, and a little farther.
-QPointF wayPast(const QRectF &area, const QRectF &place, const QPointF &way)
-{
-    constexpr qreal Gap = NodePlacement::Gap;
-    if (way.x() != 0.0)
-        return {way.x() > 0.0 ? area.right() + Gap - place.left()
-                              : area.left() - Gap - place.right(),
-                0.0};
-    return {0.0,
-            way.y() > 0.0 ? area.bottom() + Gap - place.top() : area.top() - Gap - place.bottom()};
+    constexpr qreal Margin = OssNgStyle::Margin;
+    QVector<OssNgNode *> found = OssNgSceneIndex::of(scene)->nodesIn(
+        area.adjusted(-Margin, -Margin, Margin, Margin));
+    found.erase(std::remove_if(found.begin(), found.end(),
+                               [&area](const OssNgNode *one) {
+                                   return !one->isVisible()
+                                          || !one->sceneBoundingRect().intersects(area);
+                               }),
+                found.end());
+    return found;
 }
 
 /// On the way, on until the node lies on nothing.
@@ -173,13 +158,12 @@ void send(Node *node, QPointF way)
     QRectF place = own;
     for (int steps = 0; steps < MostSteps; ++steps) {
         place.translate(way);
-        const QVector<OssNgNode *> there = OssNgSceneIndex::of(item->scene())->nodesIn(place);
-        const auto hit = std::find_if(there.cbegin(), there.cend(), [&](const OssNgNode *one) {
-            return one != item && one->isVisible() && one->sceneBoundingRect().intersects(place);
-        });
+        const QVector<OssNgNode *> there = itemsOver(item->scene(), place);
+        const auto hit = std::find_if(there.cbegin(), there.cend(),
+                                      [item](const OssNgNode *one) { return one != item; });
         if (hit == there.cend())
             break;
-        way = wayPast((*hit)->sceneBoundingRect(), place, way);
+        way = ContainerPlacement::wayPast((*hit)->sceneBoundingRect(), place, way);
     }
     Q_EMIT node->nodePositionedManual(node, place.topLeft() - own.topLeft());
 }
@@ -191,14 +175,14 @@ void giveWay(const Node *backdrop, const QRectF &before)
     if (!item || !item->scene())
         return;
     const QRectF now = rectOf(backdrop);
-    const QVector<OssNgNode *> there = OssNgSceneIndex::of(item->scene())->nodesIn(now);
+    const QVector<OssNgNode *> there = itemsOver(item->scene(), now);
     for (const OssNgNode *other : there) {
         Node *node = nodeOf(other);
         const Node *holder = node ? Backdrops::containerOf(node) : nullptr;
-        const bool isLoose = node && !isBackdrop(node) && other->isVisible() && !node->container()
+        const bool isLoose = node && !isBackdrop(node) && !node->container()
                              && (!holder || holder == backdrop);
-        if (isLoose && rectOf(node).intersects(now) && !rectOf(node).intersects(before))
-            send(node, wayOut(rectOf(node), before, now));
+        if (isLoose && !rectOf(node).intersects(before))
+            send(node, ContainerPlacement::wayOut(rectOf(node), before, now));
     }
 }
 

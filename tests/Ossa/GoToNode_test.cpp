@@ -50,6 +50,14 @@ TEST_F(GoToNode, stepsOfTheHistoryLeadToWhatTheyChangeWithoutGoingThere)
     EXPECT_EQ(focus.takeFirst().first().value<OssSnBaseNode *>()->name(), text("Other"));
     EXPECT_EQ(OssUndoManager::instance()->index(), 3);
 
+    {
+        const OssUndoManager::AutoMacro macro(text("Move Other"));
+        blur->setAttribute(text("Radius"), 4.0);
+        m_network->node(text("Other"))->setAttribute(text("Radius"), 5.0);
+    }
+    EXPECT_TRUE(MarkCommands::goToStep(3));
+    EXPECT_EQ(focus.takeFirst().first().value<OssSnBaseNode *>()->name(), text("Other"));
+
     OssUndoManager::instance()->setIndex(0);
     EXPECT_FALSE(MarkCommands::goToStep(1)) << "the node is not in the graph now";
     EXPECT_FALSE(MarkCommands::goToStep(-1));

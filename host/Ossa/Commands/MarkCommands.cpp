@@ -8,6 +8,8 @@
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 
+#include <algorithm>
+
 MarkCommands::MarkCommands(QObject *parent)
     : QObject(parent)
 {
@@ -20,11 +22,21 @@ MarkCommands::MarkCommands(QObject *parent)
 bool MarkCommands::goToStep(int step)
 {
     const QList<QObject *> subjects = OssUndoManager::instance()->subjects(step);
+    QList<OssSnBaseNode *> nodes;
     for (QObject *subject : subjects) {
-        if (OssShaderNetworkManager::instance()->goToNode(qobject_cast<OssSnBaseNode *>(subject)))
-            return true;
+        if (auto *node = qobject_cast<OssSnBaseNode *>(subject))
+            nodes.append(node);
     }
-    return false;
+    const QString title = OssUndoManager::instance()->text(step);
+    const auto named = [&title](const OssSnBaseNode *node) {
+        return title.contains(node->name()) ? node->name().size() : 0;
+    };
+    std::stable_sort(nodes.begin(), nodes.end(), [&named](const auto *one, const auto *other) {
+        return named(one) > named(other);
+    });
+    return std::any_of(nodes.cbegin(), nodes.cend(), [](OssSnBaseNode *node) {
+        return OssShaderNetworkManager::instance()->goToNode(node);
+    });
 }
 
 void MarkCommands::goToLastChange()

@@ -10,8 +10,8 @@ class MarkCommands : public QObject
 public:
     explicit MarkCommands(QObject *parent);
 
-    /// Goes to the node that a step of the history changes; of several, to the first that is still in
-    /// a graph. False where there is none.
+    /// Goes to the node that a step of the history changes; of several, to the one that its title names, else to
+    /// the first that is still in a graph. False where there is none.
     static bool goToStep(int step);
 
 private:

@@ -1,5 +1,6 @@
 #include "OssCore/Values/OssAttributeKind.h"
 #include "OssInterface/Properties/OssCurveEditor.h"
+#include "OssInterface/Properties/OssRampEditor.h"
 #include "OssInterface/Widgets/OssExpandableListHeading.h"
 #include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
 #include "PropertiesFixture.h"
@@ -278,6 +279,34 @@ TEST_F(Properties, whoOnlyLooksAtOneOfSeveralValuesKeepsThem)
     QTest::mouseClick(field("Amount"), Qt::LeftButton);
     QTest::keyClick(typingIn(field("Amount")), Qt::Key_Return);
     EXPECT_DOUBLE_EQ(other->attribute(text("Amount")).toDouble(), 0.5) << "asked for";
+}
+
+TEST_F(Properties, escapeAndUndoTakeBackWhatIsDragged)
+{
+    const auto keys = [](QWidget *widget, bool undoes) {
+        QTest::keyClick(widget, undoes ? Qt::Key_Z : Qt::Key_Escape,
+                        undoes ? Qt::ControlModifier : Qt::NoModifier);
+    };
+    QWidget *const editors[] = {field("Amount"), editor<OssRampField>("Colors")};
+    for (QWidget *one : editors) {
+        auto *ramp = qobject_cast<OssRampField *>(one);
+        const QPoint from = ramp ? ramp->gripOf(0).toPoint() : one->rect().center();
+        for (const bool undoes : {true, false}) {
+            QTest::mousePress(one, Qt::LeftButton, {}, from);
+            for (const int way : {5, 10, 30})
+                moveMouse(one, from + QPoint(way, 0), Qt::LeftButton);
+            EXPECT_NE(m_project->stateHash(), m_start);
+            keys(one, undoes);
+            EXPECT_EQ(m_project->stateHash(), m_start);
+            moveMouse(one, from + QPoint(50, 0), Qt::LeftButton);
+            QTest::mouseRelease(one, Qt::LeftButton, {}, from);
+            EXPECT_EQ(m_project->stateHash(), m_start);
+            EXPECT_EQ(undoCount(), 0);
+        }
+    }
+    drag(field("Amount"), 40);
+    release(field("Amount"));
+    EXPECT_EQ(undoCount(), 1) << "the next drag counts again";
 }
 
 TEST_F(Properties, returnAndEscapeLeaveAndTheNextFieldIsATabAway)

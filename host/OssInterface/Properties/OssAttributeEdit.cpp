@@ -194,3 +194,15 @@ void OssAttributeEdit::end()
     m_start.clear();
     m_macro.reset();
 }
+
+void OssAttributeEdit::takeBack()
+{
+    {
+        const OssUndoManager::Pause pause;
+        for (const Start &start : qAsConst(m_start)) {
+            if (start.node)
+                start.node->setUserAttribute(start.attribute, true);
+        }
+    }
+    end();
+}

@@ -67,6 +67,8 @@ public:
     void begin(const QString &joinKey = {});
     void drag(const QVariant &value, const Parts &parts = {});
     void end();
+    /// Ends a drag as if it had never been.
+    void takeBack();
 
     /// Ends a drag and edits nothing any more: the node is about to go.
     void letGo();

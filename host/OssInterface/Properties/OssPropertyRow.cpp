@@ -17,6 +17,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMimeData>
+#include <QMouseEvent>
 #include <QPainter>
 
 #include <algorithm>
@@ -110,12 +111,15 @@ OssPropertyRow::OssPropertyRow(OssSnBaseNode *node, const OssCustomAttribute &at
                 m_edit.step(value, parts);
                 refresh();
             });
-    connect(m_editor, &OssPropertyEditor::dragBegun, this,
-            [this] { m_edit.begin(m_editor->joinKey()); });
+    connect(m_editor, &OssPropertyEditor::dragBegun, this, [this] {
+        m_edit.begin(m_editor->joinKey());
+        qApp->installEventFilter(this);
+    });
     connect(
         m_editor, &OssPropertyEditor::dragged, this,
         [this](const QVariant &value, const QVector<int> &parts) { m_edit.drag(value, parts); });
     connect(m_editor, &OssPropertyEditor::dragEnded, this, [this] {
+        qApp->removeEventFilter(this);
         m_edit.end();
         refresh();
     });
@@ -124,6 +128,31 @@ OssPropertyRow::OssPropertyRow(OssSnBaseNode *node, const OssCustomAttribute &at
 }
 
 OssPropertyRow::~OssPropertyRow() = default;
+
+bool OssPropertyRow::eventFilter(QObject *watched, QEvent *event)
+{
+    const QEvent::Type type = event->type();
+    if (!m_edit.isDragging()) {
+        // Taken back: the pointer is deaf until its button is let go, or, where that was not told, pressed.
+        if (type == QEvent::MouseButtonPress)
+            qApp->removeEventFilter(this);
+        return type == QEvent::MouseMove && static_cast<QMouseEvent *>(event)->buttons();
+    }
+    if (type != QEvent::KeyPress && type != QEvent::ShortcutOverride)
+        return QObject::eventFilter(watched, event);
+    const auto *key = static_cast<QKeyEvent *>(event);
+    const bool takesBack = key->key() == Qt::Key_Escape
+                           || OssCommandTable::keys(QStringLiteral("/Ossa/Edit/Undo"))
+                                  .contains(QKeySequence(key->key() | int(key->modifiers())));
+    if (!takesBack)
+        return QObject::eventFilter(watched, event);
+    event->accept();
+    if (type == QEvent::KeyPress) {
+        m_edit.takeBack();
+        refresh();
+    }
+    return true;
+}
 
 void OssPropertyRow::refresh()
 {

@@ -11,7 +11,8 @@ class QKeyEvent;
 class QMenu;
 
 /// One attribute in a property panel: its label with the marks of what was changed and what is
-/// linked, its editor, and what can be done with its value.
+/// linked, its editor, and what can be done with its value. Escape and the key of Undo take back what is dragged
+/// in the editor; the pointer moves nothing any more then until its button is let go.
 class OSSINTERFACE_EXPORT OssPropertyRow : public QObject
 {
     Q_OBJECT
@@ -50,6 +51,10 @@ public:
 Q_SIGNALS:
     /// See OssPropertyEditor.
     void left();
+
+protected:
+    /// Of the application, during a drag.
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     struct Command;

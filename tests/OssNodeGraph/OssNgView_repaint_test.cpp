@@ -66,6 +66,15 @@ protected:
                && std::abs(qBlue(a) - qBlue(b)) <= Rounding;
     }
 
+    /// Near the border the view pans, by itself and on, also between two pictures of it.
+    QPointF clearOfBorder(const QPointF &scenePos) const
+    {
+        constexpr double Kept = 40.0;
+        const QPointF there = view.fromScene(scenePos);
+        return view.toScene({qBound(Kept, there.x(), view.viewport()->width() - Kept),
+                             qBound(Kept, there.y(), view.viewport()->height() - Kept)});
+    }
+
     void changeThings(QRandomGenerator *random)
     {
         const auto way = [random] {
@@ -83,8 +92,8 @@ protected:
         b->input(In)->switchToDotableMode(!b->input(In)->isDotable());
         expectWhole("hovering and marking a wire");
         press(a->outputPortScenePos(Out));
-        move(a->outputPortScenePos(Out) + way() * 3.0);
-        move(a->outputPortScenePos(Out) + way() * 3.0);
+        move(clearOfBorder(a->outputPortScenePos(Out) + way() * 3.0));
+        move(clearOfBorder(a->outputPortScenePos(Out) + way() * 3.0));
         expectWhole("pulling a wire");
         key(Qt::Key_Escape);
         release(body(a));

@@ -48,6 +48,16 @@ QPainterPath topRounded(const QRectF &rect, qreal radius)
     return path;
 }
 
+/// Where the painter's origin is nearest to, of places that are whole pixels of the screen: on one of 1.25 pixels
+/// to the unit few whole units are.
+QPointF onWholePixels(const QPainter &painter, qreal ratio)
+{
+    const QTransform world = painter.worldTransform();
+    const QTransform device = painter.deviceTransform();
+    return {world.dx() + (std::round(device.dx()) - device.dx()) / ratio,
+            world.dy() + (std::round(device.dy()) - device.dy()) / ratio};
+}
+
 } // namespace
 
 void OssNgNode::paint(QPainter *painter, const QStyleOptionGraphicsItem *, QWidget *widget)
@@ -64,6 +74,7 @@ void OssNgNode::paint(QPainter *painter, const QStyleOptionGraphicsItem *, QWidg
     }
     OssNgPaintCache &cache = OssNgPaintCache::instance();
     const qreal ratio = painter->device()->devicePixelRatioF();
+    const QPointF place = onWholePixels(*painter, ratio);
     OssNgPaintCache::Picture *picture = cache.find(this);
     const bool same = picture && picture->revision == m_revision
                       && qFuzzyCompare(picture->scale, scale * ratio);
@@ -71,8 +82,7 @@ void OssNgNode::paint(QPainter *painter, const QStyleOptionGraphicsItem *, QWidg
         cache.store(this, new OssNgPaintCache::Picture{QPixmap(), m_revision, scale * ratio});
         m_inPaintCache = true;
         // On whole pixels, as the picture will be, or a part that is painted anew would not fit.
-        painter->setWorldTransform(
-            QTransform(scale, 0.0, 0.0, scale, std::round(world.dx()), std::round(world.dy())));
+        painter->setWorldTransform(QTransform(scale, 0.0, 0.0, scale, place.x(), place.y()));
         paintDetailed(painter);
         painter->setWorldTransform(world);
         return;
@@ -92,7 +102,7 @@ void OssNgNode::paint(QPainter *painter, const QStyleOptionGraphicsItem *, QWidg
     }
     const QPixmap pixmap = picture->pixmap; // storing may have thrown the entry away again
     painter->setWorldTransform(QTransform());
-    painter->drawPixmap(QPointF(std::round(world.dx()), std::round(world.dy())), pixmap);
+    painter->drawPixmap(place, pixmap);
     painter->setWorldTransform(world);
 }
 

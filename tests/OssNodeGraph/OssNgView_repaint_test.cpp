@@ -23,8 +23,10 @@ protected:
         b->attachInput(In, a, Out);
         c->attachInput(In, a, Out);
         c->setErrorText(text("\"C\" cannot be computed"));
-        for (int i = 0; i < 12; ++i)
-            scene.add(text("Node with a name"), {-400.0 + 190 * (i % 5), 330.0 + 97 * (i / 5)});
+        for (int i = 0; i < 12; ++i) {
+            const int row = i / 5;
+            scene.add(text("Node with a name"), {-400.0 + 190 * (i % 5), 330.0 + 97 * row});
+        }
         QCoreApplication::processEvents();
     }
 

@@ -19,6 +19,7 @@
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QDropEvent>
+#include <QInputDialog>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPushButton>
@@ -287,6 +288,22 @@ TEST_F(Meshes, objectsThatAreGoneAreNotAskedBeforeTheirCommandsGo)
     EXPECT_NE(command("Mesh/Show/Gone"), nullptr);
     projects()->closeProject();
     EXPECT_EQ(command("Mesh/Show/Gone"), nullptr);
+}
+
+TEST_F(Meshes, aProjectThatIsClosedBehindADialogIsNotAskedAnyMore)
+{
+    for (const char *asks :
+         {"Mesh/Add Object...", "Mesh/Rename Object...", "Mesh/Add Geo-Channel..."}) {
+        projects()->newProject(text("P"));
+        inDialog<QInputDialog>(
+            [](QInputDialog *dialog) {
+                projects()->closeProject();
+                dialog->setTextValue(text("Sphere"));
+                dialog->accept();
+            },
+            [asks] { command(asks)->trigger(); });
+        EXPECT_EQ(projects()->currentProject(), nullptr) << asks;
+    }
 }
 
 } // namespace

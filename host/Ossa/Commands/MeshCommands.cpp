@@ -21,6 +21,7 @@
 #include <QAction>
 #include <QFileInfo>
 #include <QInputDialog>
+#include <QPointer>
 
 namespace {
 
@@ -176,7 +177,7 @@ void MeshCommands::markCurrent()
 
 void MeshCommands::addObject()
 {
-    OssProject *project = currentProject();
+    const QPointer<OssProject> project = currentProject();
     if (!project || !OssApplication::popupsAllowed())
         return;
     QStringList titles;
@@ -187,7 +188,7 @@ void MeshCommands::addObject()
     bool chosen = false;
     const QString title = QInputDialog::getItem(m_window, tr("Add Object"), tr("Its shape:"),
                                                 titles, 0, false, &chosen);
-    if (!chosen)
+    if (!chosen || !project) // which a script may have closed meanwhile
         return;
     OssGeometrySource source;
     source.shape = shapes.value(titles.indexOf(title));
@@ -202,14 +203,14 @@ void MeshCommands::addObject()
 
 void MeshCommands::renameObject()
 {
-    OssGeoEntity *entity = currentObject();
+    const QPointer<OssGeoEntity> entity = currentObject();
     if (!entity || !OssApplication::popupsAllowed())
         return;
     bool chosen = false;
     const QString name = QInputDialog::getText(m_window, tr("Rename Object"), tr("Its name:"),
                                                QLineEdit::Normal, entity->name(), &chosen)
                              .trimmed();
-    if (!chosen || name.isEmpty() || name == entity->name())
+    if (!chosen || !entity || !currentProject() || name.isEmpty() || name == entity->name())
         return;
     if (currentProject()->entity(name)) {
         OssMessageBox::warning(m_window, tr("Rename Object"),
@@ -222,7 +223,7 @@ void MeshCommands::renameObject()
 
 void MeshCommands::addGeoChannel()
 {
-    OssGeoEntity *entity = currentObject();
+    const QPointer<OssGeoEntity> entity = currentObject();
     if (!entity || !OssApplication::popupsAllowed())
         return;
     const QString title = tr("Add Geo-Channel");
@@ -230,7 +231,7 @@ void MeshCommands::addGeoChannel()
     const QString name = QInputDialog::getText(m_window, title, tr("Its name:"), QLineEdit::Normal,
                                                {}, &chosen)
                              .trimmed();
-    if (!chosen || name.isEmpty())
+    if (!chosen || !entity || name.isEmpty())
         return;
     if (entity->addGeoImageSet(name))
         tell(tr("%1 has the geo-channel %2").arg(entity->name(), name));

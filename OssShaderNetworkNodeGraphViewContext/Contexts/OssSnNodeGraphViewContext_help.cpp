@@ -2,6 +2,7 @@
 
 #include "OssModel/Evaluation/OssDependencyMarks.h"
 #include "OssModel/Types/OssSnNodeType.h"
+#include "OssModel/Types/OssSnTypeHelp.h"
 
 #include <algorithm>
 
@@ -10,24 +11,6 @@
 namespace {
 
 constexpr int MostNamed = 4; // nodes that an output feeds
-
-QString kindText(OssSnDataKind kind)
-{
-    using Context = OssSnNodeGraphViewContext;
-    switch (kind) {
-    case OssSnDataKind::Color:
-        return Context::tr("color");
-    case OssSnDataKind::Scalar:
-        return Context::tr("single value");
-    case OssSnDataKind::Vector:
-        return Context::tr("vector");
-    case OssSnDataKind::Material:
-        return Context::tr("material");
-    case OssSnDataKind::Data:
-        break;
-    }
-    return Context::tr("data");
-}
 
 /// As the port is read in the graph: "Brick . Height".
 QString place(const OssSnBaseNode *node, const QString &name, const QString &label)
@@ -56,7 +39,8 @@ QString inputHelp(const OssSnBaseNode *node, const QString &name)
     const OssSnBaseNode::InputPort *input = portOf(node->inputPorts(), name);
     if (!input)
         return {};
-    QString text = OssSnNodeGraphViewContext::tr("Input, %1").arg(kindText(input->kind));
+    QString text = OssSnNodeGraphViewContext::tr("Input, %1")
+                       .arg(OssSnTypeHelp::wordsOf(input->kind));
     if (!input->enabled)
         text += QLatin1Char('\n') + OssSnNodeGraphViewContext::tr("switched off");
     if (input->shared)
@@ -74,7 +58,8 @@ QString outputHelp(const OssSnBaseNode *node, const QString &name)
     const OssSnBaseNode::OutputPoint *point = portOf(node->outputPoints(), name);
     if (!point)
         return {};
-    QString text = OssSnNodeGraphViewContext::tr("Output, %1").arg(kindText(point->kind));
+    QString text = OssSnNodeGraphViewContext::tr("Output, %1")
+                       .arg(OssSnTypeHelp::wordsOf(point->kind));
     QStringList targets;
     for (const OssSnBaseNode::OutgoingConnection &wire : node->outgoingConnections()) {
         if (wire.outputPoint == name)

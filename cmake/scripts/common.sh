@@ -4,7 +4,7 @@ say() { printf '\n== %s\n' "$*"; }
 
 PACKAGES="build-essential cmake ninja-build ccache mold pkg-config
     qtbase5-dev libqt5svg5-dev libqt-advanced-docking-system-dev libcli11-dev
-    libquazip1-qt5-dev
+    libquazip1-qt5-dev libmd4c-html0-dev libmd4c-dev
     libopenimageio-dev librsvg2-dev libfreetype-dev libfontconfig-dev libopenexr-dev libopencolorio-dev libpng-dev libwebp-dev libassimp-dev libtinygltf-dev
     libtbb-dev libhwy-dev libxxhash-dev
     libepoxy-dev libglm-dev libegl1 libgl1-mesa-dri

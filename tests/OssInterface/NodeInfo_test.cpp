@@ -1,5 +1,7 @@
 #include "OssInterface/Dialogs/OssNodeInfoDialog.h"
+#include "OssInterface/Widgets/OssHelpBrowser.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
+#include "OssModel/Types/OssSnNodeType.h"
 #include "support/InterfaceUser.h"
 #include "support/ModelFixture.h"
 #include "support/Text.h"
@@ -39,9 +41,15 @@ TEST_F(NodeInfo, tellsOnlyWhatThereIsToTell)
     EXPECT_EQ(told(blur, "Description"), text("for the moss"));
     EXPECT_EQ(told(blur, "Error"), text("too wide"));
 
+    EXPECT_EQ(told(blur, "What it does"), blur->nodeType()->description);
+    EXPECT_TRUE(told(blur, "When to use it").startsWith(text("To soften masks")));
+
     const QString two = OssNodeInfoDialog::text({blur, nullptr, m_network->viewerNode()});
     EXPECT_EQ(two.split(text("\n\n")).size(), 2);
     OssNodeInfoDialog dialog({blur});
+    const auto *help = dialog.findChild<OssHelpBrowser *>();
+    ASSERT_TRUE(help);
+    EXPECT_TRUE(help->toPlainText().contains(told(blur, "When to use it")));
     press(&dialog, "Copy");
     EXPECT_EQ(QApplication::clipboard()->text(), OssNodeInfoDialog::text({blur}));
 }

@@ -64,6 +64,19 @@ QString OssResourceInfo::examplePath() const
     return m_root + QStringLiteral("/examples");
 }
 
+QString OssResourceInfo::manualSourcePath() const
+{
+    return m_root + QStringLiteral("/docs/manual");
+}
+
+QString OssResourceInfo::manualPath() const
+{
+    const QString installed = m_root + QStringLiteral("/manual");
+    return QFileInfo::exists(installed) ? installed
+                                        : QDir::cleanPath(QCoreApplication::applicationDirPath()
+                                                          + QStringLiteral("/../manual"));
+}
+
 QString OssResourceInfo::pluginPath() const
 {
     const QString named = qEnvironmentVariable("OSSA_PLUGIN_DIR");

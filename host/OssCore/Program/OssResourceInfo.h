@@ -18,6 +18,11 @@ public:
     QString materialPath() const;
     QString exportPresetPath() const;
     QString examplePath() const;
+    /// The chapters as they were written.
+    QString manualSourcePath() const;
+    /// The manual as pages for a browser, with its pictures and the examples of node types. Not there
+    /// before it was built.
+    QString manualPath() const;
     QString pluginPath() const;
 
     /// Names under which file dialogs remember their last folder.

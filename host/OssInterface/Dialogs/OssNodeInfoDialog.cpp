@@ -1,7 +1,10 @@
 #include "OssInterface/Dialogs/OssNodeInfoDialog.h"
 
+#include "OssCore/Program/OssResourceInfo.h"
 #include "OssCore/Values/OssAttributeKind.h"
+#include "OssCore/Values/OssMarkdown.h"
 #include "OssEvaluation/Schedule/OssEvEngine.h"
+#include "OssInterface/Widgets/OssHelpBrowser.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkIO.h"
@@ -9,6 +12,8 @@
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Objects/OssImageSet.h"
+#include "OssModel/Types/OssSnNodeType.h"
+#include "OssModel/Types/OssSnTypeHelp.h"
 
 #include <QClipboard>
 #include <QCoreApplication>
@@ -17,6 +22,8 @@
 #include <QLocale>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QTabWidget>
+#include <QTextDocumentFragment>
 #include <QVBoxLayout>
 
 namespace {
@@ -65,6 +72,27 @@ QString imagesOf(const OssSnBaseNode *node)
                             : tr("%1 patches").arg(patches));
 }
 
+QString whenOf(const OssSnBaseNode *node)
+{
+    const QString html = OssMarkdown::toHtml(OssSnTypeHelp::whenOf(node->pathKey()));
+    return QTextDocumentFragment::fromHtml(html).toPlainText().simplified();
+}
+
+/// What the manual tells of the types of the nodes, each once.
+QString helpOf(const QList<OssSnBaseNode *> &nodes)
+{
+    QStringList keys;
+    QString html;
+    for (const OssSnBaseNode *node : nodes) {
+        const OssSnNodeType *type = node ? node->nodeType() : nullptr;
+        if (!type || keys.contains(type->pathKey))
+            continue;
+        keys.append(type->pathKey);
+        html += OssSnTypeHelp::page(*type, OssResourceInfo::instance()->manualPath());
+    }
+    return html;
+}
+
 /// What computing it cost in this session: for each texel, and so for a usual patch. A group costs
 /// what is inside it.
 QString costOf(const OssSnBaseNode *node, const OssEvStatistics &statistics)
@@ -89,6 +117,9 @@ QString blockOf(OssSnBaseNode *node, const OssEvStatistics &statistics)
     QStringList lines;
     addLine(&lines, tr("Node"), node->path());
     addLine(&lines, tr("Type"), node->pathKey());
+    addLine(&lines, tr("What it does"),
+            node->nodeType() ? node->nodeType()->description : QString());
+    addLine(&lines, tr("When to use it"), whenOf(node));
     addLine(&lines, tr("Description"), node->description());
     addLine(&lines, tr("Version"), node->versionUUID());
     addLine(&lines, tr("Version date"), node->versionDate());
@@ -144,8 +175,15 @@ OssNodeInfoDialog::OssNodeInfoDialog(const QList<OssSnBaseNode *> &nodes, QWidge
     connect(copy, &QPushButton::clicked, view,
             [view] { QGuiApplication::clipboard()->setText(view->toPlainText()); });
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    auto *help = new OssHelpBrowser;
+    help->showPage(helpOf(nodes), OssResourceInfo::instance()->manualPath());
+    help->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    help->setAccessibleName(::tr("Help"));
+    auto *tabs = new QTabWidget(this);
+    tabs->addTab(view, ::tr("Node"));
+    tabs->addTab(help, ::tr("Help"));
     auto *layout = new QVBoxLayout(this);
-    layout->addWidget(view);
+    layout->addWidget(tabs);
     layout->addWidget(buttons);
-    resize(520, 420);
+    resize(620, 480);
 }

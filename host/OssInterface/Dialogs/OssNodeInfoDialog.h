@@ -8,7 +8,7 @@
 class OssSnBaseNode;
 
 /// What a user asks of nodes: path, type, version, state, errors, what they take from and feed. The
-/// text can be selected and copied.
+/// text can be selected and copied. On a second tab stands what the manual tells of their types.
 class OSSINTERFACE_EXPORT OssNodeInfoDialog : public QDialog
 {
     Q_OBJECT

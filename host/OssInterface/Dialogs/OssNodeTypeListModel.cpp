@@ -3,6 +3,7 @@
 #include "OssCore/Values/OssFuzzyMatch.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Types/OssSnNodeType.h"
+#include "OssModel/Types/OssSnTypeHelp.h"
 
 #include <QMimeData>
 
@@ -164,7 +165,10 @@ QVariant OssNodeTypeListModel::data(const QModelIndex &index, int role) const
     switch (role) {
     case Qt::DisplayRole:
         return type.name;
-    case Qt::ToolTipRole:
+    case Qt::ToolTipRole: {
+        const auto described = OssShaderNetworkManager::instance()->nodeType(type.pathKey);
+        return described ? OssSnTypeHelp::brief(*described) : type.description;
+    }
     case DescriptionRole:
         return type.description;
     case Qt::AccessibleTextRole:

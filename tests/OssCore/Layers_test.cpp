@@ -51,7 +51,7 @@ const QVector<Layer> &layers()
               "OssNodeGraph ZelGL"),
          list(
              "Common Plugins Surfaces Headless Pictures Dialogs Export Commands Painting Viewer Scripting "
-             "Palettes Window Start")},
+             "Palettes Help Window Start")},
     };
     return table;
 }

@@ -61,6 +61,7 @@ public:
         addNew();
         addGraph();
         addRun();
+        addManual();
         addStubs();
     }
 
@@ -88,6 +89,8 @@ public:
             line.command = CommandLine::Render;
         else if (name == "run")
             line.command = CommandLine::Run;
+        else if (name == "manual")
+            line.command = CommandLine::Manual;
         else if (name == "stubs")
             line.command = CommandLine::Stubs;
         line.project = text(m_project);
@@ -292,6 +295,13 @@ private:
         run->add_option("PROJECT", m_scriptProject,
                         "Project folder to open before the script starts");
         run->footer("What follows -- is passed to the script.");
+    }
+
+    void addManual()
+    {
+        CLI::App *manual = m_app.add_subcommand("manual",
+                                                "Write the manual as pages for a browser");
+        manual->add_option("-o,--output", m_output, "Folder for the pages")->required();
     }
 
     void addStubs()

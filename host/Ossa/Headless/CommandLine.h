@@ -28,6 +28,7 @@ struct CommandLine
         Export,  ///< textures of materials into files, as `textures` says
         Render,  ///< pictures of the objects in light, as `still` says
         Run,     ///< a script, as `run` says
+        Manual,  ///< the manual as pages for a browser, into the folder `output`
         Stubs,   ///< types of the scripting module into the file `output`
         Answered ///< nothing to run: print `message` and end with `exitCode`
     };

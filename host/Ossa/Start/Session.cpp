@@ -6,6 +6,7 @@
 #include "Ossa/Common/Theme.h"
 #include "Ossa/Headless/InfoCommand.h"
 #include "Ossa/Headless/ProjectTroubles.h"
+#include "Ossa/Help/ManualWriter.h"
 #include "Ossa/Pictures/GraphCommand.h"
 #include "Ossa/Plugins/PluginActions.h"
 #include "Ossa/Scripting/RunCommand.h"
@@ -100,6 +101,8 @@ int Session::run(const CommandLine &line, int &argc, char **argv)
         return withProjectTroubles(runRenderCommand(line.still));
     case CommandLine::Run:
         return runRunCommand(line.run);
+    case CommandLine::Manual:
+        return runManualCommand(line.output);
     case CommandLine::Stubs:
         return runStubsCommand(line.output);
     case CommandLine::Window:

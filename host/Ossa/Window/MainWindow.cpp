@@ -10,6 +10,7 @@
 #include "Ossa/Common/ApplicationPreferences.h"
 #include "Ossa/Common/Theme.h"
 #include "Ossa/Dialogs/CommandPalette.h"
+#include "Ossa/Help/HelpCommands.h"
 #include "Ossa/Scripting/ScriptCommands.h"
 #include "Ossa/Viewer/NodeThumbnails.h"
 #include "Ossa/Window/MainMenus.h"
@@ -260,6 +261,8 @@ void MainWindow::fileViewCommands()
 
 void MainWindow::fileHelpCommands()
 {
+    const auto *help = new HelpCommands(this); // owned by the window
+    connect(help, &HelpCommands::projectChosen, this, &MainWindow::openSoon);
     Commands::file(this, QStringLiteral("/Ossa/Help/Find Command..."),
                    [this] { showCommandPalette(); });
     Commands::file(this, QStringLiteral("/Ossa/Help/About Ossa"), [this] { showAbout(); });

@@ -1,12 +1,15 @@
 """Draws what types of nodes make, each at its defaults and in variations: pictures for a manual, and for
 eyes that look for what is poor.
 
-    ossa run cmake/scripts/node_pictures.py -- FOLDER [SIZE [PREFIX...]]
+    ossa run cmake/scripts/node_pictures.py -- FOLDER [SIZE [PREFIX...]] [--examples EXAMPLES]
 
 writes "Perlin Noise.png", "Perlin Noise 1.png" and so on for types whose keys begin with a prefix
-(Procedural/ by default), without a mesh. With ImageMagick one sheet is
+(Procedural/ by default, / for all), without a mesh, and what was set for each into captions.json. With
+--examples the graph of the first picture of each type is kept as a project in that folder. With ImageMagick
+one sheet is
 montage -label '%t' FOLDER/*.png -geometry 200x200+3+3 sheet.png
 """
+import json
 import os
 import sys
 
@@ -67,29 +70,123 @@ VARIATIONS = {
 for _kind in ("Rusty", "Scraped", "Smeared", "Spotted", "Creased", "Porous"):
     VARIATIONS["Grunge " + _kind] = [{"Amount": 0.8, "Detail": 0.2}, {"Amount": 0.3, "Detail": 0.9}]
 
-# What is given to inputs that nodes cannot do without, by the names of the inputs.
+# What is given to inputs that nodes cannot do without, by the names of the inputs: a type, its output, its
+# values, and what is given to it.
+STAR = ("Procedural/Pattern/Star", "Output", {"Color": (0.75, 0.3, 0.05, 1), "Background": (0, 0, 0, 0)})
+NOISE = ("Procedural/Noise/Perlin Noise", "Output", {"Scale": 6, "Octaves": 4})
+MARBLE = ("Procedural/Noise/Domain-Warped Noise", "Color",
+          {"Scale": 3, "ColorA": (0.3, 0.03, 0.01, 1), "ColorB": (0.02, 0.12, 0.22, 1)})
+FIGURE = ("Procedural/Pattern/Star", "Output", {})
+TILES = ("Procedural/Pattern/Roof Tiles", "Output",
+         {"Columns": 6, "Rows": 8, "Shape": "Round", "Color": (0.5, 0.14, 0.06, 1), "Variation": 0.7})
+COBBLES = ("Procedural/Pattern/Cobbles", "Height", {"Columns": 6})
+RELIEF = ("Math/Height to Normal", "Output", {"Strength": 3}, {"Height": COBBLES})
+FINE_RELIEF = ("Math/Height to Normal", "Output", {"Strength": 2},
+               {"Height": ("Procedural/Noise/Perlin Noise", "Output", {"Scale": 24, "Octaves": 4})})
+RUST = ("Procedural/Color", "Output", {"Color": (0.25, 0.08, 0.02, 1)})
+SAND = ("Procedural/Color", "Output", {"Color": (0.62, 0.5, 0.3, 1)})
 SOURCES = {
-    "Input": ("Procedural/Pattern/Star", "Output", {"Color": (0.75, 0.3, 0.05, 1), "Background": (0, 0, 0, 0)}),
+    "Input": STAR,
     "A": ("Procedural/Pattern/Shape", "Distance", {"Center": (0.4, 0.5), "Radius": 0.22}),
-    "B": ("Procedural/Pattern/Shape", "Distance", {"Shape": "Box", "Center": (0.62, 0.5), "Radius": 0.18}),
+    "B": ("Procedural/Pattern/Shape", "Distance",
+          {"Shape": "Box", "Center": (0.62, 0.5), "Radius": 0.18}),
 }
+# The same for the types of a folder, or for one; the longest beginning of a key counts.
+SOURCES_OF = {
+    "Adjust/": {"Input": MARBLE, "Reference": TILES},
+    "Adjust/Threshold": {"Input": NOISE},
+    "Adjust/Histogram Scan": {"Input": NOISE},
+    "Channel/": {"Input": MARBLE, "Red": NOISE, "Green": COBBLES},
+    "Filter/": {"Input": TILES, "Slope": NOISE, "Vector": ("Procedural/Noise/Curl Noise", "Vector", {})},
+    "Filter/Anisotropic Blur": {"Input": ("Procedural/Noise/White Noise", "Output", {"Scale": 96})},
+    "Filter/Bevel": {"Input": FIGURE},
+    "Filter/Dilate": {"Input": STAR},
+    "Filter/Distance": {"Input": FIGURE},
+    "Filter/Erode": {"Input": STAR},
+    "Filter/Outline": {"Input": FIGURE},
+    "Filter/Upscale": {"Input": STAR},
+    "Geometry/": {},
+    "Height/": {"Height": COBBLES, "HeightA": COBBLES, "HeightB": NOISE, "A": RUST, "B": SAND,
+                "Normal": RELIEF, "Base": RELIEF, "Detail": FINE_RELIEF},
+    "Height/Hydraulic Erosion": {"Height": NOISE},
+    "Height/Thermal Erosion": {"Height": NOISE},
+    "Layer/": {"Base": TILES, "Over": MARBLE, "Mask": NOISE},
+    "Math/": {"A": NOISE, "B": COBBLES, "Height": COBBLES},
+    "Math/Vector Math": {"A": RELIEF, "B": FINE_RELIEF},
+    "Procedural/Pattern/Shape Outline": {"A": SOURCES["A"]},
+    "Space/": {"Input": TILES, "Map": NOISE, "Intensity": NOISE,
+               "Vector": ("Procedural/Noise/Curl Noise", "Color", {}),
+               "UV": ("Procedural/Pattern/Running Bond", "Tile UV", {"Columns": 4, "Rows": 6})},
+    "Space/Texture Bombing": {"Input": STAR},
+}
+# Types that look at the mesh are shown on one, and on that of its patches that has the most to show.
+ON_MESH = ("Geometry/", "Mesh/")
+MESH = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "examples", "Barrel.ossa", "barrel.obj")
+MESH_PATCH = 1003
+# What has nothing to show by itself.
+SKIPPED = ("Channel Input/", "Environment/", "Geometry/Vertex Color", "Misc/", "Procedural/Pattern/Tiled", "Shaders/", "Teleport", "_System/")
 
 
-def given(graph, name):
+def longest(table, type_, otherwise):
+    """What a table has for the longest beginning of a type's key."""
+    fitting = [key for key in table if type_.startswith(key)]
+    return table[max(fitting, key=len)] if fitting else otherwise
+
+
+def given(graph, source, place):
     """The node that stands at such an input, and which of its outputs."""
-    type_, output, values = SOURCES[name]
-    source = graph.createNode(type_, "Given " + name)
+    type_, output, values, inputs = (source + ({},))[:4]
+    node = graph.createNode(type_, "Given " + type_.rsplit("/", 1)[1], place)
     for attribute, value in values.items():
-        source.setAttribute(attribute, value)
-    return source, output
+        node.setAttribute(attribute, value)
+    for name, before in inputs.items():
+        node.connectInput(name, *given(graph, before, (place[0] - 240, place[1])))
+    return node, output
 
 
-def draw(graph, type_, values, path, size):
-    node = graph.createNode(type_)
+def build(type_):
+    """A new project with a node of the type and what it needs."""
+    project = ossa.newProject(type_.rsplit("/", 1)[1])
+    graph = ossa.graph()
+    if type_.startswith(ON_MESH):
+        plane = project.objects()[0]
+        graph = project.importMesh(os.path.normpath(MESH), "one")[0].graphs()[0]
+        project.removeObject(plane)
+    node = graph.createNode(type_, type_.rsplit("/", 1)[1], (0, 0))
+    sources = longest(SOURCES_OF, type_, SOURCES)
+    row = 0
     for name in node.inputs:
-        if name in SOURCES:
-            source, output = given(graph, name)
-            node.connectInput(name, source, output)
+        if name in sources:
+            node.connectInput(name, *given(graph, sources[name], (-280, row * 160)))
+            row += 1
+    return graph, node
+
+
+def usual_variations(node):
+    """For types without any: another choice, or a number near its other end."""
+    found = []
+    for name in node.attributes:
+        info = node.attributeInfo(name)
+        choices = info.get("choices")
+        if choices and len(choices) > 1:
+            found.append({name: [choice for choice in choices if choice != node.attribute(name)][0]})
+        elif info["kind"] == "real" and info["minimum"] is not None and info["maximum"] is not None:
+            low, high = info["minimum"], info["maximum"]
+            now = node.attribute(name)
+            other = high if now - low < high - now else low
+            found.append({name: round(now + 0.35 * (other - now), 3)})
+    return found[:2]
+
+
+def words_of(node, values):
+    texts = []
+    for attribute, value in values.items():
+        label = "Output" if attribute == "Output" else node.attributeInfo(attribute)["label"]
+        texts.append("%s %s" % (label, {True: "on", False: "off"}.get(value, value)))
+    return ", ".join(texts)
+
+
+def draw(graph, node, values, path, size):
     shown = node
     for attribute, value in values.items():
         if attribute != "Output":
@@ -98,28 +195,51 @@ def draw(graph, type_, values, path, size):
         # A node is baked by its first output; what passes on another one stands in for it.
         shown = graph.createNode("Misc/Dot")
         shown.connectInput(shown.inputs[0], node, value)
-    shown.bake(path, size, [1001])
+    shown.bake(path, size, [MESH_PATCH if node.type.startswith(ON_MESH) else 1001])
+
+
+def keep(graph, node, folder):
+    viewer = graph.viewer()
+    viewer.connectInput("1", node)
+    viewer.position = (320, 0)
+    ossa.project().saveAs(os.path.join(folder, node.name + ".ossa"))
+
+
+def draw_type(type_, folder, size, examples, captions):
+    name = type_.rsplit("/", 1)[1]
+    graph, node = build(type_)
+    if examples:
+        keep(graph, node, examples)
+    for number, values in enumerate([{}] + VARIATIONS.get(name, usual_variations(node))):
+        if number:
+            graph, node = build(type_)
+        file = name + (" %d" % number if number else "") + ".png"
+        try:
+            draw(graph, node, values, os.path.join(folder, file), size)
+            captions[file] = words_of(node, values)
+        except ossa.Error as error:
+            print(type_, values, error.message, file=sys.stderr)
 
 
 def main(arguments):
+    examples = None
+    if "--examples" in arguments:
+        place = arguments.index("--examples")
+        examples = os.path.abspath(arguments[place + 1])
+        os.makedirs(examples, exist_ok=True)
+        del arguments[place:place + 2]
     if not arguments:
         raise SystemExit(__doc__)
     folder = arguments[0]
     size = int(arguments[1]) if len(arguments) > 1 else 256
     prefixes = tuple(arguments[2:]) or ("Procedural/",)
     os.makedirs(folder, exist_ok=True)
-    ossa.newProject("Pictures")
-    graph = ossa.graph()
+    captions = {}
     for type_ in ossa.nodeTypes():
-        if not type_.startswith(prefixes):
-            continue
-        name = type_.rsplit("/", 1)[1]
-        for number, values in enumerate([{}] + VARIATIONS.get(name, [])):
-            suffix = " %d" % number if number else ""
-            try:
-                draw(graph, type_, values, os.path.join(folder, name + suffix + ".png"), size)
-            except ossa.Error as error:
-                print(type_, values, error.message, file=sys.stderr)
+        if (prefixes == ("/",) or type_.startswith(prefixes)) and not type_.startswith(SKIPPED):
+            draw_type(type_, folder, size, examples, captions)
+    with open(os.path.join(folder, "captions.json"), "w", encoding="utf-8") as file:
+        json.dump(captions, file, indent=1, sort_keys=True)
 
 
 main(sys.argv[1:])

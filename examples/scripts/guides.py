@@ -78,10 +78,10 @@ def first_material(folder):
 def masks_and_layers(folder):
     guide = Guide(folder, "2 Masks and Layers", "cube")
     add, wire, note = guide.add, guide.wire, guide.note
-    edges = add("Geometry/Curvature", "Edges", 0, 0, Contrast=3)
+    edges = add("Geometry/Curvature", "Edges", 0, 0, Radius=0.12, Contrast=5)
     grunge = add("Procedural/Noise/Grunge Scraped", "Scrapes", 0, 240, Scale=3)
-    both = add("Math/Math", "Edges and Scrapes", 1, 80, Operation="Add")
-    wear = add("Adjust/Histogram Scan", "Wear", 2, 80, Position=0.45, Contrast=0.8)
+    both = add("Math/Math", "Edges and Scrapes", 1, 80, Operation="Multiply")
+    wear = add("Adjust/Histogram Scan", "Wear", 2, 80, Position=0.6, Contrast=0.8)
     paint = add("Procedural/Color", "Paint", 2, -260, Color=(0.42, 0.045, 0.02, 1))
     steel = add("Procedural/Color", "Steel", 2, -110, Color=(0.5, 0.5, 0.52, 1))
     coat = add("Layer/Merge", "Steel under Paint", 3, -160)
@@ -159,11 +159,11 @@ def udim(folder):
     guide.project.removeObject(first)
     guide.graph = tube.graphs()[0]
     add, wire, note = guide.add, guide.wire, guide.note
-    noise = add("Procedural/Noise/Domain-Warped Noise", "Marble", 0, 0, Scale=2)
+    noise = add("Procedural/Noise/Domain-Warped Noise", "Marble", 0, 0, Scale=3)
     color = add("Adjust/Gradient Map", "Colors", 1, 0,
                 Gradient="0,0.03,0.05,0.045,1 0.45,0.16,0.22,0.19,1 1,0.8,0.8,0.74,1")
     kept = add("Misc/Bake Point", "Kept", 2, 0)
-    soft = add("Filter/Blur", "Softer", 3, 120, Radius=6)
+    soft = add("Filter/Blur", "Softer", 3, 120, Radius=2)
     surface = add("Shaders/Standard Surface", "Surface", 4.2, 0, Roughness=0.25)
     wire(color, Input=noise)
     wire(kept, Input=color)

@@ -159,6 +159,12 @@ TEST_F(Window, aStartWithoutAProjectSaysHowToGoOn)
     EXPECT_TRUE(std::any_of(lists.cbegin(), lists.cend(), [](const QListWidget *list) {
         return !list->findItems(text("Weathered Brick"), Qt::MatchExactly).isEmpty();
     })) << "the examples";
+    const auto guides = std::find_if(lists.cbegin(), lists.cend(), [](const QListWidget *list) {
+        return !list->findItems(text("1 First Material"), Qt::MatchExactly).isEmpty();
+    });
+    ASSERT_TRUE(guides != lists.cend());
+    EXPECT_EQ((*guides)->count(), 6);
+    EXPECT_TRUE(command("File/Example/6 Scripting"));
 }
 
 TEST_F(Window, theLastProjectIsOpenedAgainOnlyWhenTheUserWantsIt)

@@ -267,7 +267,6 @@ const std::vector<Row> RowTable{
     {"/Ossa/NodeGraph", QT_TR_NOOP("Upgrade Selected Node Info"), "", "Versions 1.2", WithProject, QT_TR_NOOP("Compare the selected nodes with the installed versions of their kinds")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Upgrade All Node Info"), "", "Versions 1.3", WithProject, QT_TR_NOOP("Compare all nodes with the installed versions of their kinds")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Info Viewer"), "I", "Graph 5.4, Context 6.2", WithProject, QT_TR_NOOP("Show what the selected nodes are, in words")},
-    {"/Ossa/NodeGraph", QT_TR_NOOP("Node Help"), "", "Graph 5.5, Context 6.3", WithProject, QT_TR_NOOP("Read in the manual what the selected node does, and when one uses it")},
 
     {"/Ossa/Mesh/Show", "*", "", "Show Object 1.1", Always},
     {"/Ossa/Mesh", QT_TR_NOOP("Add Object..."), "", "Object 4.2", WithProject, QT_TR_NOOP("Put another object into the project, with a graph of its own")},
@@ -287,8 +286,9 @@ const std::vector<Row> RowTable{
     {"/Ossa/Script", QT_TR_NOOP("Stop"), "", "Script 1.3", WithScript, QT_TR_NOOP("Stop the running script")},
     {"/Ossa/Script", QT_TR_NOOP("Forget Names"), "", "Script 1.4", WithoutScript, QT_TR_NOOP("Let the console begin anew, without what was defined in it")},
     {"/Ossa/Help", QT_TR_NOOP("Help"), "F1", "Help 1.1", Always, QT_TR_NOOP("Open the manual at the node under the pointer, the selected one, or the palette in hand")},
-    {"/Ossa/Help", QT_TR_NOOP("Manual"), "", "Help 1.2", Always, QT_TR_NOOP("Open the manual at its first page")},
-    {"/Ossa/Help", QT_TR_NOOP("Find Command..."), "Ctrl+Shift+P", "Help 1.3", Always, QT_TR_NOOP("Find a command by a few letters of its name")},
+    {"/Ossa/Help", QT_TR_NOOP("Node Help"), "", "Help 1.2, Context 6.3", WithProject, QT_TR_NOOP("Read in the manual what the selected node does, and when one uses it")},
+    {"/Ossa/Help", QT_TR_NOOP("Manual"), "", "Help 1.3", Always, QT_TR_NOOP("Open the manual at its first page")},
+    {"/Ossa/Help", QT_TR_NOOP("Find Command..."), "Ctrl+Shift+P", "Help 1.4", Always, QT_TR_NOOP("Find a command by a few letters of its name")},
     {"/Ossa/Help", QT_TR_NOOP("About Ossa"), "", "Help 2.1", Always, QT_TR_NOOP("See which version of the program this is")},
 };
 

@@ -35,7 +35,9 @@ void settle()
 // Examples belong to the program: changes to one are saved to a place of the user's own.
 bool isExample(const QString &path)
 {
-    return path.startsWith(OssResourceInfo::instance()->examplePath() + QLatin1Char('/'));
+    const OssResourceInfo *files = OssResourceInfo::instance();
+    return path.startsWith(files->examplePath() + QLatin1Char('/'))
+           || path.startsWith(files->manualPath() + QLatin1Char('/'));
 }
 
 } // namespace
@@ -228,14 +230,16 @@ void ProjectCommands::fileRecent()
 
 void ProjectCommands::fileExamples()
 {
-    const QDir folder(OssResourceInfo::instance()->examplePath());
-    const QFileInfoList examples = folder.entryInfoList({QStringLiteral("*.ossa")}, QDir::Dirs,
-                                                        QDir::Name);
-    for (const QFileInfo &example : examples) {
-        const QString path = example.absoluteFilePath();
-        Commands::fileNamed(
-            this, exampleFolder, example.completeBaseName(), [this, path] { open(path); },
-            tr("Open this example project"));
+    const QString folder = OssResourceInfo::instance()->examplePath();
+    for (const QString &path : {folder + QStringLiteral("/Guides"), folder}) {
+        const QFileInfoList examples = QDir(path).entryInfoList({QStringLiteral("*.ossa")},
+                                                                QDir::Dirs, QDir::Name);
+        for (const QFileInfo &example : examples) {
+            Commands::fileNamed(
+                this, exampleFolder, example.completeBaseName(),
+                [this, file = example.absoluteFilePath()] { open(file); },
+                tr("Open this example project"));
+        }
     }
 }
 

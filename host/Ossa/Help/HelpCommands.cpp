@@ -79,7 +79,7 @@ HelpCommands::HelpCommands(QWidget *window)
     Commands::file(this, QStringLiteral("/Ossa/Help/Help"), [this] { open(addressHere()); });
     Commands::file(this, QStringLiteral("/Ossa/Help/Manual"),
                    [this] { open(Manual::firstAddress()); });
-    Commands::file(this, QStringLiteral("/Ossa/NodeGraph/Node Help"),
+    Commands::file(this, QStringLiteral("/Ossa/Help/Node Help"),
                    [this] { open(pageOf(selectedNode())); });
 }
 

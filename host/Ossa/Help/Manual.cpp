@@ -11,8 +11,10 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QRegularExpression>
 #include <QTextDocumentFragment>
+#include <QUrl>
 
 #include <algorithm>
 
@@ -152,7 +154,26 @@ QString Manual::chapter(const Page &page, QStringList *unknown) const
                     + (words.isEmpty() ? match.captured(1) : words);
         place = match.capturedEnd();
     }
-    return OssMarkdown::toHtml(markdown + text.mid(place));
+    return withPictures(OssMarkdown::toHtml(markdown + text.mid(place)));
+}
+
+QString Manual::withPictures(const QString &html) const
+{
+    static const QRegularExpression picture(
+        QStringLiteral("<p><img src=\"([^\"]+)\"( alt=\"[^\"]*\")></p>\n?"));
+    QString shown;
+    int place = 0;
+    auto matches = picture.globalMatch(html);
+    while (matches.hasNext()) {
+        const QRegularExpressionMatch match = matches.next();
+        const QString file = QUrl::fromPercentEncoding(match.captured(1).toUtf8());
+        shown += html.mid(place, match.capturedStart() - place);
+        if (QFileInfo::exists(m_folder + QLatin1Char('/') + file))
+            shown += QStringLiteral("<p><img src=\"%1\" width=\"640\"%2></p>\n")
+                         .arg(file, match.captured(2));
+        place = match.capturedEnd();
+    }
+    return shown + html.mid(place);
 }
 
 QString Manual::commands() const

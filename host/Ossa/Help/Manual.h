@@ -56,6 +56,8 @@ private:
     QString chapter(const Page &page, QStringList *unknown) const;
     QString commands() const;
     QString nodeTypes() const;
+    /// Without the pictures that are not there.
+    QString withPictures(const QString &html) const;
     /// Markdown for what stands in brackets; empty when there is no such thing.
     QString named(const QString &name) const;
 

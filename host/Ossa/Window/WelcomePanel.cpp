@@ -18,7 +18,7 @@
 namespace {
 
 constexpr int pathRole = Qt::UserRole;
-constexpr int mostWidth = 760;
+constexpr int mostWidth = 980;
 constexpr int mostHeight = 460;
 constexpr QSize pictureSize(64, 40);
 
@@ -39,6 +39,22 @@ QIcon withinPicture(const QIcon &icon)
     QPainter painter(&place);
     icon.paint(&painter, place.rect());
     return place;
+}
+
+/// Those of a folder, each with the picture beside it.
+void listProjects(QListWidget *list, const QString &path)
+{
+    list->clear();
+    const QDir folder(path);
+    const QFileInfoList projects = folder.entryInfoList({QStringLiteral("*.ossa")}, QDir::Dirs,
+                                                        QDir::Name);
+    for (const QFileInfo &project : projects) {
+        const QString picture = folder.filePath(project.completeBaseName() + QLatin1String(".png"));
+        addRow(list, project.absoluteFilePath(), {},
+               QFileInfo::exists(picture) ? QIcon(picture)
+                                          : withinPicture(OssIcon::createIconFromFilename(
+                                              QStringLiteral("NodeGraph.png"))));
+    }
 }
 
 } // namespace
@@ -64,9 +80,13 @@ WelcomePanel::WelcomePanel(QWidget *parent)
     auto *examples = new QVBoxLayout;
     m_examples = addList(tr("Examples"), examples);
     m_examples->setIconSize(pictureSize);
+    auto *guides = new QVBoxLayout;
+    m_guides = addList(tr("Guided examples"), guides);
+    m_guides->setIconSize(pictureSize);
     auto *lists = new QHBoxLayout;
     lists->setSpacing(16);
     lists->addLayout(recent, 3);
+    lists->addLayout(guides, 3);
     lists->addLayout(examples, 2);
 
     auto *column = new QWidget(this);
@@ -117,23 +137,15 @@ void WelcomePanel::refresh()
         auto *none = new QListWidgetItem(tr("None yet"), m_recent);
         none->setFlags(Qt::NoItemFlags);
     }
-    m_examples->clear();
-    const QDir folder(OssResourceInfo::instance()->examplePath());
-    const QFileInfoList examples = folder.entryInfoList({QStringLiteral("*.ossa")}, QDir::Dirs,
-                                                        QDir::Name);
-    for (const QFileInfo &example : examples) {
-        const QString picture = folder.filePath(example.completeBaseName() + QLatin1String(".png"));
-        addRow(m_examples, example.absoluteFilePath(), {},
-               QFileInfo::exists(picture) ? QIcon(picture)
-                                          : withinPicture(OssIcon::createIconFromFilename(
-                                              QStringLiteral("NodeGraph.png"))));
-    }
+    const QString examples = OssResourceInfo::instance()->examplePath();
+    listProjects(m_examples, examples);
+    listProjects(m_guides, examples + QStringLiteral("/Guides"));
     firstList()->setCurrentRow(0);
 }
 
 QListWidget *WelcomePanel::firstList() const
 {
-    return m_recent->item(0)->flags() == Qt::NoItemFlags ? m_examples : m_recent;
+    return m_recent->item(0)->flags() == Qt::NoItemFlags ? m_guides : m_recent;
 }
 
 void WelcomePanel::choose(const QListWidgetItem *row)

@@ -7,7 +7,7 @@ class QListWidgetItem;
 class QVBoxLayout;
 
 /// Stands in the place of the graph while no project is open, and says how to go on: a new one, those
-/// opened last, the examples.
+/// opened last, the guided examples, the others.
 class WelcomePanel : public QWidget
 {
     Q_OBJECT
@@ -32,5 +32,6 @@ private:
     void choose(const QListWidgetItem *row);
 
     QListWidget *m_recent;
+    QListWidget *m_guides;
     QListWidget *m_examples;
 };

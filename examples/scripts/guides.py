@@ -24,6 +24,15 @@ class Guide:
         self.project.fileRules = []  # there are no files whose names could tell
         self.graph = ossa.graph()
 
+    def bring(self, file, write):
+        """Takes a mesh of the project's own folder in place of the shape."""
+        shape = self.project.objects()[0]
+        self.project.saveAs(self.path)
+        mesh = os.path.join(self.path, file)
+        write(mesh)
+        self.graph = self.project.importMesh(mesh, "one")[0].graphs()[0]
+        self.project.removeObject(shape)
+
     def add(self, node_type, name, column, y, **attributes):
         node = self.graph.createNode(node_type, name, (column * COLUMN, y))
         for key, value in attributes.items():
@@ -75,13 +84,52 @@ def first_material(folder):
     guide.finish([surface])
 
 
+def write_box(path):
+    """A box with round edges, each side in a sixth of the patch; its lines stand close where it is round."""
+    size, radius = 16, 0.09
+    places = [0.5 - 0.5 * math.cos(math.pi * step / size) for step in range(size + 1)]
+    lines = ["o Box"]
+    for side in range(6):
+        axis, sign = side // 2, 1 if side % 2 else -1
+        for up in places:
+            for across in places:
+                point = [0.0, 0.0, 0.0]
+                point[axis] = 0.5 * sign
+                point[(axis + 1) % 3] = (across - 0.5) * sign
+                point[(axis + 2) % 3] = up - 0.5
+                core = [max(radius - 0.5, min(0.5 - radius, value)) for value in point]
+                away = [value - inner for value, inner in zip(point, core)]
+                length = math.sqrt(sum(value * value for value in away))
+                lines.append("v %.5f %.5f %.5f" % tuple(
+                    inner + radius * value / length for inner, value in zip(core, away)))
+                lines.append("vt %.5f %.5f" % ((side % 3 + 0.03 + 0.94 * across) / 3,
+                                               (side // 3 + 0.03 + 0.94 * up) / 2))
+        lines += faces(side * (size + 1) ** 2 + 1, size, size)
+    save_lines(path, lines)
+
+
+def faces(first, columns, rows):
+    """Those of a grid of vertices that begins with the given one."""
+    for row in range(rows):
+        for column in range(columns):
+            corners = [first + (row + y) * (columns + 1) + column + x
+                       for x, y in ((0, 0), (1, 0), (1, 1), (0, 1))]
+            yield "f " + " ".join("%d/%d" % (corner, corner) for corner in corners)
+
+
+def save_lines(path, lines):
+    with open(path, "w", encoding="utf-8") as file:
+        file.write("\n".join(lines) + "\n")
+
+
 def masks_and_layers(folder):
-    guide = Guide(folder, "2 Masks and Layers", "cube")
+    guide = Guide(folder, "2 Masks and Layers", "plane")
+    guide.bring("box.obj", write_box)
     add, wire, note = guide.add, guide.wire, guide.note
-    edges = add("Geometry/Curvature", "Edges", 0, 0, Radius=0.12, Contrast=5)
+    edges = add("Geometry/Curvature", "Edges", 0, 0, Radius=0.03, Contrast=2)
     grunge = add("Procedural/Noise/Grunge Scraped", "Scrapes", 0, 240, Scale=3)
     both = add("Math/Math", "Edges and Scrapes", 1, 80, Operation="Multiply")
-    wear = add("Adjust/Histogram Scan", "Wear", 2, 80, Position=0.6, Contrast=0.8)
+    wear = add("Adjust/Histogram Scan", "Wear", 2, 80, Position=0.72, Contrast=0.9)
     paint = add("Procedural/Color", "Paint", 2, -260, Color=(0.42, 0.045, 0.02, 1))
     steel = add("Procedural/Color", "Steel", 2, -110, Color=(0.5, 0.5, 0.52, 1))
     coat = add("Layer/Merge", "Steel under Paint", 3, -160)
@@ -139,25 +187,13 @@ def write_tube(path):
                 radius = 0.4 + 0.1 * math.sin(math.pi * up)
                 lines.append("v %.5f %.5f %.5f" % (radius * math.cos(angle), up - 0.5, -radius * math.sin(angle)))
                 lines.append("vt %.5f %.5f" % (half + 0.02 + 0.96 * across, 0.02 + 0.96 * up))
-        first = half * (columns + 1) * (rows + 1) + 1
-        for row in range(rows):
-            for column in range(columns):
-                corners = [first + (row + y) * (columns + 1) + column + x
-                           for x, y in ((0, 0), (1, 0), (1, 1), (0, 1))]
-                lines.append("f " + " ".join("%d/%d" % (corner, corner) for corner in corners))
-    with open(path, "w", encoding="utf-8") as file:
-        file.write("\n".join(lines) + "\n")
+        lines += faces(half * (columns + 1) * (rows + 1) + 1, columns, rows)
+    save_lines(path, lines)
 
 
 def udim(folder):
     guide = Guide(folder, "4 UDIM and Baking", "plane")
-    first = guide.project.objects()[0]
-    guide.project.saveAs(guide.path)
-    mesh = os.path.join(guide.path, "tube.obj")
-    write_tube(mesh)
-    tube = guide.project.importMesh(mesh, "one")[0]
-    guide.project.removeObject(first)
-    guide.graph = tube.graphs()[0]
+    guide.bring("tube.obj", write_tube)
     add, wire, note = guide.add, guide.wire, guide.note
     noise = add("Procedural/Noise/Domain-Warped Noise", "Marble", 0, 0, Scale=3)
     color = add("Adjust/Gradient Map", "Colors", 1, 0,

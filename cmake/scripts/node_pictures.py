@@ -182,7 +182,9 @@ def words_of(node, values):
     texts = []
     for attribute, value in values.items():
         label = "Output" if attribute == "Output" else node.attributeInfo(attribute)["label"]
-        texts.append("%s %s" % (label, {True: "on", False: "off"}.get(value, value)))
+        if isinstance(value, bool):
+            value = "on" if value else "off"
+        texts.append("%s %s" % (label, value))
     return ", ".join(texts)
 
 

@@ -78,8 +78,8 @@ def first_material(folder):
     note("Step 2", 0.95, -330, "2  A gradient turns grey into color. Click a stop, choose another color.")
     note("Step 3", 0.95, 400, "3  The same noise is also the gloss and the relief: one result feeds many nodes. "
          "Turn Strength of Relief up to 6.")
-    note("Step 4", 2.2, -330, "4  The surface puts them together. Select it and press 1, then in the Viewer "
-         "drag to turn it, N for another light.")
+    note("Step 4", 2.2, -330, "4  The surface puts them together. Select it and press 1, choose 3D in the Viewer, "
+         "then drag to turn it; N is another light.")
     note("Try", 2.2, 400, "Try: point at the wire to Colors and drag a Swirl onto it from the palette Nodes.", TRY)
     guide.finish([surface])
 

@@ -68,12 +68,18 @@ const Texts &texts()
     return read;
 }
 
+QString words(const QVariant &value)
+{
+    if (value.type() == QVariant::Bool)
+        return value.toBool() ? tr("on") : tr("off");
+    return OssAttributeKind::toWords(value);
+}
+
 /// Bounds and choices of an attribute, in words.
 QString rangeOf(const OssCustomAttribute::Definition &attribute)
 {
-    const auto words = [](const QVariant &value) {
-        return OssAttributeKind::toWords(value);
-    };
+    if (attribute.defaultValue.type() == QVariant::Bool)
+        return tr("on, off");
     const QStringList choices = OssAttributeKind::choices(attribute.defaultValue);
     if (!choices.isEmpty())
         return choices.join(QStringLiteral(", "));
@@ -127,8 +133,8 @@ QString attributesOf(const OssSnNodeType &type)
             continue;
         const OssCustomAttribute::Definition &definition = attribute.definition();
         rows += QStringLiteral("<tr>") + cell(attribute.prettyName()) + cell(rangeOf(definition))
-                + cell(OssAttributeKind::toWords(definition.defaultValue))
-                + cell(definition.toolTip) + QStringLiteral("</tr>\n");
+                + cell(words(definition.defaultValue)) + cell(definition.toolTip)
+                + QStringLiteral("</tr>\n");
     }
     return headed(tr("Attributes"), {tr("Name"), tr("Range"), tr("Default"), tr("What for")}, rows);
 }
@@ -236,7 +242,7 @@ QString OssSnTypeHelp::brief(const OssSnNodeType &type)
                             OssMarkdown::toHtml(whenOf(type.pathKey)));
     const QVector<Picture> drawn = pictures(type, manual);
     if (!drawn.isEmpty())
-        html += QStringLiteral("<img src=\"%1/%2/%3\" width=\"128\">")
+        html += QStringLiteral("<p><img src=\"%1/%2/%3\" width=\"128\"></p>")
                     .arg(manual, pictureFolder(), drawn.first().file);
     return html;
 }

@@ -67,7 +67,11 @@ void Manual::addChapters()
 
 void Manual::addNodeTypes()
 {
-    const QStringList keys = OssShaderNetworkManager::instance()->nodePathKeys();
+    QStringList keys = OssShaderNetworkManager::instance()->nodePathKeys();
+    // What stands in a folder itself comes before what stands in folders of it.
+    std::stable_sort(keys.begin(), keys.end(), [](const QString &a, const QString &b) {
+        return a.section(QLatin1Char('/'), 0, -2) < b.section(QLatin1Char('/'), 0, -2);
+    });
     for (const QString &key : keys) {
         const auto type = OssShaderNetworkManager::instance()->nodeType(key);
         if (type)

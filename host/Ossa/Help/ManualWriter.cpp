@@ -4,6 +4,7 @@
 #include "Ossa/Help/Manual.h"
 #include "OssCore/Documents/OssAtomicFile.h"
 #include "OssCore/Program/OssResourceInfo.h"
+#include "OssModel/Types/OssSnTypeHelp.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -69,6 +70,21 @@ QByteArray searchIndex(const Manual &manual)
     return "var manualPages = " + QJsonDocument(rows).toJson(QJsonDocument::Compact) + ";\n";
 }
 
+/// What texts speak of and is not there, a line for each.
+QStringList troublesOf(const Manual &manual)
+{
+    QStringList troubles;
+    for (const Manual::Page &page : manual.pages()) {
+        for (const QString &name : manual.unknownNames(page.address))
+            troubles.append(page.file + QStringLiteral(": there is no ") + name);
+    }
+    for (const QString &key : OssSnTypeHelp::writtenKeys()) {
+        if (!manual.find(OssSnTypeHelp::pageName(key)))
+            troubles.append(QStringLiteral("Help.md: there is no node type ") + key);
+    }
+    return troubles;
+}
+
 } // namespace
 
 OssResult ManualWriter::write(const QString &folder)
@@ -104,6 +120,9 @@ int runManualCommand(const QString &folder)
     const OssResult written = ManualWriter::write(folder);
     if (!written)
         return failCommand(written.error());
+    const QStringList troubles = troublesOf(Manual(Manual::InBrowser, folder));
+    if (!troubles.isEmpty())
+        return failCommand(troubles.join(QLatin1Char('\n')));
     std::printf("%s\n", qPrintable(QDir(folder).filePath(Manual::firstAddress())));
     return ExitCode::Success;
 }

@@ -12,5 +12,6 @@ OssResult write(const QString &folder);
 
 } // namespace ManualWriter
 
-/// Does so on the command line. Says on stdout what was written. Returns an ExitCode.
+/// Does so on the command line. Says on stdout what was written, or, on stderr, also what the texts speak
+/// of and is not there. Returns an ExitCode.
 int runManualCommand(const QString &folder);

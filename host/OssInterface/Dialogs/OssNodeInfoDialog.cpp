@@ -166,22 +166,22 @@ OssNodeInfoDialog::OssNodeInfoDialog(const QList<OssSnBaseNode *> &nodes, QWidge
 {
     setObjectName(QStringLiteral("OssNodeInfoDialog"));
     setWindowTitle(::tr("Node Info"));
-    auto *view = new QPlainTextEdit(text(nodes), this);
+    auto *tabs = new QTabWidget(this); // made before the buttons: Tab reaches it first
+    auto *view = new QPlainTextEdit(text(nodes));
     view->setReadOnly(true);
     view->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     view->setAccessibleName(windowTitle());
+    auto *help = new OssHelpBrowser;
+    help->showPage(helpOf(nodes), OssResourceInfo::instance()->manualPath());
+    help->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    help->setAccessibleName(::tr("Help"));
+    tabs->addTab(view, ::tr("Node"));
+    tabs->addTab(help, ::tr("Help"));
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
     const QPushButton *copy = buttons->addButton(::tr("Copy"), QDialogButtonBox::ActionRole);
     connect(copy, &QPushButton::clicked, view,
             [view] { QGuiApplication::clipboard()->setText(view->toPlainText()); });
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    auto *help = new OssHelpBrowser;
-    help->showPage(helpOf(nodes), OssResourceInfo::instance()->manualPath());
-    help->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    help->setAccessibleName(::tr("Help"));
-    auto *tabs = new QTabWidget(this);
-    tabs->addTab(view, ::tr("Node"));
-    tabs->addTab(help, ::tr("Help"));
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(tabs);
     layout->addWidget(buttons);

@@ -67,6 +67,29 @@ VARIATIONS = {
     "Scatter": [{"Columns": 16, "Rows": 16, "Hue": 0.3}, {"Blend": "Add", "Brightness": 0.9}],
     "Tile Sampler": [{"Offset": 0.5, "Rotation": 20}, {"RotationVariation": 1, "ScaleVariation": 0.7}],
 }
+VARIATIONS.update({
+    "Direction Mask": [{"Direction": "Angles", "Azimuth": 60}, {"Width": 120, "Softness": 0.1}],
+    "Height Gradient": [{"Axis": "X"}, {"From": 0.3, "To": 0.5, "Smooth": True}],
+    "Thickness": [{"Distance": 0.05}],
+    "Bent Normal": [{"Output": "Openness"}],
+    "Concavity": [{"Output": "Edges"}, {"Radius": 0.1}],
+    "Edge Wear": [{"Amount": 0.8, "BreakUp": 1}, {"Flakes": 0.6, "Scale": 12}],
+    "Dirt": [{"Amount": 0.9, "Settled": 1}, {"Settled": 0, "Softness": 0.05}],
+    "Light": [{"Azimuth": -60, "Elevation": 20, "Softness": 25, "Rays": 64}, {"Output": "Direct"}],
+    "Proximity": [{"To": "Own Surface", "Distance": 0.2}, {"Distance": 0.15}],
+    "Island": [{"Of": "Parts"}, {"Output": "Random"}],
+    "UV Density": [{"Output": "Heat"}, {"Output": "Stretch"}],
+    "Surface Flow": [{"Output": "UV"}, {"Output": "Steepness"}],
+    "Decal": [{"RotationZ": 30, "Width": 1.2}, {"Repeat": "Tiled", "Width": 0.25, "Height": 0.25}],
+    "Compare": [{"Operation": "Less"}, {"Softness": 0.6}],
+    "Blend by Mask": [{"Contrast": 0.9}, {"Invert": True}],
+    "Expression": [
+        {"Expression": "r = length(u - 0.5, v - 0.5, 0); hsv(atan(v - 0.5, u - 0.5) / (2 * pi), 1, smoothstep(0.5, 0.45, r))"},
+        {"Expression": "n = fractal(u * 6, v * 6); rgb(n, n ^ 3, fract(n * 9))"},
+    ],
+    "Patch Variation": [{"Brightness": 1.5, "Seed": 4}, {"Output": "Color"}],
+    "Seed": [{"Output": "Color"}],
+})
 for _kind in ("Rusty", "Scraped", "Smeared", "Spotted", "Creased", "Porous"):
     VARIATIONS["Grunge " + _kind] = [{"Amount": 0.8, "Detail": 0.2}, {"Amount": 0.3, "Detail": 0.9}]
 

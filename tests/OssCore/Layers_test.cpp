@@ -33,7 +33,7 @@ const QVector<Layer> &layers()
          {},
          list(
              "Values Geometry Graph Kernels Kernels/Adjust Kernels/Space Kernels/Filter Kernels/Height "
-             "Kernels/Mesh Kernels/Noise Kernels/Pattern Schedule Files Paint")},
+             "Kernels/Noise Kernels/Pattern Kernels/Mesh Kernels/Logic Schedule Files Paint")},
         {text("host/OssGraphLayout"), {}},
         {text("host/OssNodeGraph"), list("OssCore"), list("Drawing Index Items Gestures View")},
         {text("host/OssRender"), list("OssEvaluation"), list("Values Surface Light Draw")},

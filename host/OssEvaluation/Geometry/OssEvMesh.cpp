@@ -1,6 +1,7 @@
 #include "OssEvaluation/Geometry/OssEvMesh.h"
 
 #include "OssEvaluation/Geometry/EqualVertices.h"
+#include "OssEvaluation/Geometry/OssEvMeshFacts.h"
 #include "OssEvaluation/Geometry/OssEvRayTree.h"
 #include "OssEvaluation/Geometry/Rounding.h"
 #include "OssEvaluation/Values/OssEvPatch.h"
@@ -100,7 +101,8 @@ OssEvResult OssEvMesh::finish(const std::string &name)
         materialNames.emplace_back();
     materials.resize(triangles.size());
     findPatches();
-    m_rayTree = std::make_shared<LazyTree>();
+    m_rayTree = std::make_shared<Lazy<OssEvRayTree>>();
+    m_facts = std::make_shared<Lazy<OssEvMeshFacts>>();
     OssEvKeyBuilder key;
     addVectors(&key, positions);
     addVectors(&key, normals);
@@ -201,9 +203,12 @@ void OssEvMesh::makeNormals()
 
 const OssEvRayTree &OssEvMesh::rayTree() const
 {
-    std::call_once(m_rayTree->once,
-                   [this] { m_rayTree->tree = std::make_unique<OssEvRayTree>(*this); });
-    return *m_rayTree->tree;
+    return m_rayTree->of(*this);
+}
+
+const OssEvMeshFacts &OssEvMesh::facts() const
+{
+    return m_facts->of(*this);
 }
 
 // A face belongs to every patch whose inside it touches, not to those that it only borders on.
@@ -224,8 +229,8 @@ void OssEvMesh::findPatches()
             }
         }
         // Mostly in the same as the one before.
-        const float left = float(OssEvPatch::column(lastPatch));
-        const float bottom = float(OssEvPatch::row(lastPatch));
+        const auto left = float(OssEvPatch::column(lastPatch));
+        const auto bottom = float(OssEvPatch::row(lastPatch));
         if (same != nullptr && low[0] >= left && low[0] < left + 1.0F - Border
             && high[0] <= left + 1.0F && high[0] > left + Border && low[1] >= bottom
             && low[1] < bottom + 1.0F - Border && high[1] <= bottom + 1.0F

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+class OssEvMeshFacts;
 class OssEvRayTree;
 
 /// Triangles with texture coordinates. Immutable once shared.
@@ -61,11 +62,21 @@ public:
     /// std::bad_alloc.
     const OssEvRayTree &rayTree() const;
 
+    /// Likewise made when it is first asked for.
+    const OssEvMeshFacts &facts() const;
+
 private:
-    struct LazyTree
+    template <class Value>
+    struct Lazy
     {
         std::once_flag once;
-        std::unique_ptr<const OssEvRayTree> tree;
+        std::unique_ptr<const Value> value;
+
+        const Value &of(const OssEvMesh &mesh)
+        {
+            std::call_once(once, [&] { value = std::make_unique<Value>(mesh); });
+            return *value;
+        }
     };
 
     OssEvResult check(const std::string &name) const;
@@ -73,7 +84,8 @@ private:
     void findPatches();
 
     OssEvKey m_key;
-    std::shared_ptr<LazyTree> m_rayTree;
+    std::shared_ptr<Lazy<OssEvRayTree>> m_rayTree;
+    std::shared_ptr<Lazy<OssEvMeshFacts>> m_facts;
     std::vector<int> m_patches;
     std::vector<std::vector<std::int32_t>> m_patchTriangles;
 };

@@ -200,6 +200,61 @@ std::optional<OssEvRayTree::Hit> OssEvRayTree::firstHit(const Vector3 &origin,
     return first;
 }
 
+// The square of the distance from the nearest point of the triangle (C. Ericson, "Real-Time Collision
+// Detection", 2005, 5.1.5): weights of the corners within their ranges, edge by edge.
+float OssEvRayTree::Triangle::squareFrom(const Vector3 &place) const
+{
+    const Vector3 to = minus(place, corner);
+    const float d11 = dot(first, first);
+    const float d12 = dot(first, second);
+    const float d22 = dot(second, second);
+    const float d1 = dot(to, first);
+    const float d2 = dot(to, second);
+    const auto squareAt = [&](float s, float t) {
+        float sum = 0.0F;
+        for (std::size_t k = 0; k < 3; ++k) {
+            const float away = to[k] - s * first[k] - t * second[k];
+            sum += away * away;
+        }
+        return sum;
+    };
+    const auto part = [](float upper, float lower) {
+        return lower > 0.0F ? std::clamp(upper / lower, 0.0F, 1.0F) : 0.0F;
+    };
+    const float determinant = d11 * d22 - d12 * d12;
+    if (determinant > 0.0F) {
+        const float s = (d1 * d22 - d2 * d12) / determinant;
+        const float t = (d2 * d11 - d1 * d12) / determinant;
+        if (s >= 0.0F && t >= 0.0F && s + t <= 1.0F)
+            return squareAt(s, t);
+    }
+    const float along = part(d11 - d12 - d1 + d2, d11 - 2.0F * d12 + d22);
+    return std::min({squareAt(part(d1, d11), 0.0F), squareAt(0.0F, part(d2, d22)),
+                     squareAt(1.0F - along, along)});
+}
+
+float OssEvRayTree::nearest(const Vector3 &place, float distance,
+                            const std::function<bool(std::uint32_t triangle)> &counts) const
+{
+    float best = distance * distance;
+    const auto isNearer = [&](const Box &box) {
+        float square = 0.0F;
+        for (std::size_t k = 0; k < 3; ++k) {
+            const float away = std::max({box.low[k] - place[k], place[k] - box.high[k], 0.0F});
+            square += away * away;
+        }
+        return square < best;
+    };
+    walk(isNearer, [&](const Node &node) {
+        for (std::uint32_t i = node.next; i < node.next + node.count; ++i) {
+            if (counts(m_order[i]))
+                best = std::min(best, m_triangles[i].squareFrom(place));
+        }
+        return true;
+    });
+    return std::sqrt(best);
+}
+
 void OssEvRayTree::trianglesIn(const Vector3 &low, const Vector3 &high,
                                std::vector<std::uint32_t> *triangles) const
 {

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -34,6 +35,11 @@ public:
     /// The first one from the origin on; none beyond `distance`.
     std::optional<Hit> firstHit(const Vector3 &origin, const Vector3 &direction,
                                 float distance) const;
+
+    /// How far the nearest surface is from a place, of triangles that `counts` tells true of; `distance` where
+    /// none is nearer.
+    float nearest(const Vector3 &place, float distance,
+                  const std::function<bool(std::uint32_t triangle)> &counts) const;
 
     /// Triangles of the mesh of which a part may lie in a box.
     void trianglesIn(const Vector3 &low, const Vector3 &high,
@@ -66,6 +72,7 @@ private:
 
         /// Its number in the mesh is not told.
         bool isHitBy(const Vector3 &origin, const Vector3 &direction, Hit *hit) const;
+        float squareFrom(const Vector3 &place) const;
     };
 
     /// Calls `visit(node)` for leaves of boxes that `enters(box)` does not refuse, near each other in the

@@ -119,6 +119,7 @@ void OssEvGraphBuilder::setWorking(const OssEvWorkingSpace &working)
 std::shared_ptr<const OssEvGraph> OssEvGraphBuilder::finish()
 {
     addNamedImages();
+    addStandIns();
     findMissingInputs();
     findCycles();
     return std::exchange(m_graph, std::make_shared<OssEvGraph>());
@@ -141,6 +142,25 @@ void OssEvGraphBuilder::addNamedImages()
                 continue;
             const int added = addNode(node.name, "image", {{"File", *image}});
             m_graph->m_nodes[i].inputs[input] = {added, 0};
+        }
+    }
+}
+
+void OssEvGraphBuilder::addStandIns()
+{
+    const std::size_t count = m_graph->m_nodes.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        const OssEvKernel *kernel = m_graph->m_nodes[i].kernel;
+        for (std::size_t input = 0; kernel != nullptr && input < kernel->inputs.size(); ++input) {
+            const OssEvKernelInput &port = kernel->inputs[input];
+            const OssEvGraph::Node &node = m_graph->m_nodes[i];
+            if (port.standIn.empty() || node.inputs[input].node >= 0 || !node.error.empty())
+                continue;
+            // Copies: the list of nodes moves when it grows.
+            const std::string name = node.name;
+            const OssEvParameters parameters = node.parameters;
+            const int added = addNode(name, port.standIn, parameters);
+            connect(added, port.standInOutput, int(i), port.name);
         }
     }
 }

@@ -83,6 +83,8 @@ public:
 
 private:
     void addNamedImages();
+    /// Likewise for inputs for which another kernel stands in.
+    void addStandIns();
     void findMissingInputs();
     void findCycles();
     void fail(int node, const std::string &reason);

@@ -140,7 +140,7 @@ OssEvResult OssEvKernel::normalise(const OssEvParameters &given, OssEvParameters
         }
         complete->emplace(description.name, std::move(value));
     }
-    return {};
+    return check ? check(*complete) : OssEvResult();
 }
 
 OssEvKernelSetup::OssEvKernelSetup(const OssEvParameters &parameters, std::vector<bool> connected,

@@ -34,12 +34,16 @@ struct OssEvKernelInput
     bool required = false;
     /// Parameter that names an image to use while nothing is connected.
     std::string imageParameter = {};
+    /// Kernel that is computed while nothing is connected, from parameters that have the same names, and
+    /// its output: a node of its own to the engine, so what only its consumer asks for leaves it in the cache.
+    std::string standIn = {};
+    std::string standInOutput = {};
 };
 
 struct OssEvKernelOutput
 {
     std::string name;
-    /// 1, 3 or 4; 0 is as many as the first input has.
+    /// 1, 3 or 4; 0 is as many as the first input has, or the only one that is read.
     int channels = 0;
     /// Cached in full precision.
     bool precise = false;
@@ -67,6 +71,8 @@ struct OSSEVALUATION_EXPORT OssEvKernel
     std::function<std::shared_ptr<const OssEvOperation>(const OssEvKernelSetup &setup)> make;
     /// Channels of an output that depend on parameters; not set otherwise.
     std::function<int(const OssEvKernelSetup &setup)> outputChannels = {};
+    /// Why nothing can be made of parameters that are complete; not set where something always can.
+    std::function<OssEvResult(const OssEvParameters &parameters)> check = {};
 
     /// -1 when there is none of that name.
     int inputIndex(std::string_view inputName) const;

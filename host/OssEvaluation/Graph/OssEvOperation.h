@@ -5,6 +5,7 @@
 #include "OssEvaluation/Values/OssEvRegion.h"
 
 #include <array>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -27,11 +28,16 @@ public:
     }
 
     /// Whether the result depends on an input at all.
-    bool readsInput(std::size_t input) const { return onlyInput < 0 || onlyInput == int(input); }
+    bool readsInput(std::size_t input) const
+    {
+        return (onlyInput < 0 || onlyInput == int(input)) && ((ignored >> input) & 1U) == 0;
+    }
 
     std::vector<std::array<float, 4>> defaults;
     /// The one input that is read; -1 for all of them.
     int onlyInput = -1;
+    /// Inputs that are not read, a bit for each.
+    std::uint32_t ignored = 0;
 };
 
 /// Texels of an input, in the number of channels that its port asks for.

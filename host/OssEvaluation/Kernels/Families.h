@@ -47,6 +47,14 @@
     FAMILY(addMapped) \
     FAMILY(addSurface) \
     FAMILY(addOcclusion) \
+    FAMILY(addWear) \
+    FAMILY(addDirections) \
+    FAMILY(addIslands) \
+    FAMILY(addColorId) \
+    FAMILY(addDecal) \
+    FAMILY(addSwitches) \
+    FAMILY(addExpression) \
+    FAMILY(addPatches) \
     FAMILY(addStore)
 
 // clang-format on

@@ -158,8 +158,8 @@ void OssEvPlanner::describeOutput(const Output &output, Value *value) const
             OssEvKernelSetup(node.parameters, connectedInputs(node), output.second, m_frame,
                              m_target.graph->working()));
     } else if (value->channels == 0) {
-        // As many as the first input has.
-        const OssEvGraph::Link &link = node.inputs[0];
+        const int first = std::max(0, value->operation->onlyInput);
+        const OssEvGraph::Link &link = node.inputs[std::size_t(first)];
         const auto found = m_outputs.find({link.node, link.output});
         value->channels = found == m_outputs.end() ? 4
                                                    : m_values[std::size_t(found->second)].channels;

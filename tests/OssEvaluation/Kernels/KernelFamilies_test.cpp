@@ -1,4 +1,5 @@
-// What holds for every kernel of the families Adjust, Space, Filter and Height: neither the size of the
+// What holds for every kernel of the families Adjust, Space, Filter, Height and Logic, and those of Mesh that
+// make pictures without one: neither the size of the
 // patch nor its tiles nor its number show, and no attribute brings what is no number.
 
 #include "OssEvaluation/EngineFixture.h"
@@ -83,6 +84,15 @@ constexpr Row Rows[] = {{"hsl", 0.002},
                         {"sharpenNormal", 0.01},
                         {"thermalErosion", 0.01},
                         {"hydraulicErosion", 0.015},
+                        {"expression", 0.004},
+                        {"compare", 0.02},
+                        {"blendByMask", 0.006},
+                        {"switch", 0.004},
+                        {"switchByName", 0.004},
+                        {"decal", 0.01},
+                        {"colorIdMask", 0.02},
+                        {"edgeWear", 0.05},
+                        {"dirt", 0.05},
                         // What is taken for a pixel depends on the size.
                         {"upscale", 1.0}};
 

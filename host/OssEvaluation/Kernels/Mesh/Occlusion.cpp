@@ -1,150 +1,174 @@
-// Ambient occlusion: rays from the surface into the half space above it.
+// What rays from the surface tell: how open it is to the sky and where that lies, how thick the object is
+// beneath it, and where it has edges and hollows.
 
+#include "OssEvaluation/Geometry/OssEvMesh.h"
 #include "OssEvaluation/Geometry/OssEvRayTree.h"
-#include "OssEvaluation/Geometry/OssEvSurfaceMap.h"
 #include "OssEvaluation/Kernels/Families.h"
+#include "OssEvaluation/Kernels/Mesh/Points.h"
 #include "OssEvaluation/Kernels/PointKernel.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
+#include <vector>
 
 namespace {
 
-using Vector = std::array<float, 3>;
+using OssEvSurfacePoints::lengthOf;
+using Vector = OssEvSurfacePoint::Vector;
 
-struct OcclusionValues
+struct RayValues
 {
+    int output;
     int rays;
     float distance;
+    int unit;
     /// Sine of the widest angle from the normal.
     float spread;
+    /// By what results are multiplied.
+    float contrast = 1.0F;
 };
 
-struct Turn
+Vector along(const Vector &from, const Vector &direction, float distance)
 {
-    float x;
-    float y;
-};
-
-float part(float value)
-{
-    return value - std::floor(value);
+    return {from[0] + direction[0] * distance, from[1] + direction[1] * distance,
+            from[2] + direction[2] * distance};
 }
 
-// A shift of the pattern of rays for each texel, so that what is left of it is noise, not bands.
-Turn turnOf(int x, int y)
+Vector opposite(const Vector &vector)
 {
-    auto bits = std::uint32_t(x) * 0x9E3779B1U ^ std::uint32_t(y) * 0x85EBCA77U;
-    bits = (bits ^ (bits >> 15)) * 0x2C1B3C6DU;
-    bits = (bits ^ (bits >> 12)) * 0x297A2D39U;
-    constexpr float Scale = 1.0F / 65536.0F;
-    return {float(bits & 0xFFFFU) * Scale, float(bits >> 16) * Scale};
+    return {-vector[0], -vector[1], -vector[2]};
 }
 
-// Frame around a normal after T. Duff et al., "Building an Orthonormal Basis, Revisited", 2017.
-void basisOf(const Vector &n, Vector *a, Vector *b)
-{
-    const float sign = std::copysign(1.0F, n[2]);
-    const float c = -1.0F / (sign + n[2]);
-    const float d = n[0] * n[1] * c;
-    *a = {1.0F + sign * n[0] * n[0] * c, sign * d, -sign * n[0]};
-    *b = {d, sign + n[1] * n[1] * c, -n[1]};
-}
-
-float openness(const OssEvRayTree &tree, const Vector &origin, const Vector &normal,
-               const OcclusionValues &values, const Turn &turn)
-{
-    // The two-dimensional sequence of M. Roberts, "The Unreasonable Effectiveness of Quasirandom
-    // Sequences", 2018, spread by the cosine.
-    constexpr float First = 0.7548776662F;
-    constexpr float Second = 0.5698402910F;
-    Vector a{};
-    Vector b{};
-    basisOf(normal, &a, &b);
-    int hits = 0;
-    for (int ray = 0; ray < values.rays; ++ray) {
-        const float radius = std::sqrt(part(turn.x + First * float(ray + 1))) * values.spread;
-        const float angle = 6.28318531F * part(turn.y + Second * float(ray + 1));
-        const float x = radius * std::cos(angle);
-        const float y = radius * std::sin(angle);
-        const float z = std::sqrt(std::max(0.0F, 1.0F - radius * radius));
-        Vector direction{};
-        for (std::size_t k = 0; k < 3; ++k)
-            direction[k] = a[k] * x + b[k] * y + normal[k] * z;
-        hits += tree.isHit(origin, direction, values.distance) ? 1 : 0;
-    }
-    return 1.0F - float(hits) / float(values.rays);
-}
-
-/// The points of one row of a strip.
-struct SurfaceRow
-{
-    std::vector<float> values;
-    std::array<float *, 6> planes{};
-
-    explicit SurfaceRow(int width)
-        : values(std::size_t(width) * 6)
-    {
-        for (std::size_t k = 0; k < 6; ++k)
-            planes[k] = values.data() + k * std::size_t(width);
-    }
-
-    void read(const OssEvSurfaceMap &surface, int x, int y, int width) const
-    {
-        surface.positions(x, y, width, {planes[0], planes[1], planes[2]});
-        surface.normals(x, y, width, {planes[3], planes[4], planes[5]});
-    }
-
-    Vector position(int x) const { return {planes[0][x], planes[1][x], planes[2][x]}; }
-
-    Vector normal(int x) const { return {planes[3][x], planes[4][x], planes[5][x]}; }
-};
-
-// The normal that is connected, where it is one.
-Vector normalAt(const OssEvStripInput &given, std::size_t i, const Vector &own)
-{
-    if (!given.connected)
-        return own;
-    const Vector other{given.plane[0][i], given.plane[1][i], given.plane[2][i]};
-    const float length = std::hypot(other[0], other[1], other[2]);
-    if (!(length > 1e-6F))
-        return own;
-    return {other[0] / length, other[1] / length, other[2] / length};
-}
-
-void occlusionRow(const OssEvStrip &strip, const OcclusionValues &values, const SurfaceRow &row,
-                  int y)
-{
-    const OssEvRayTree &tree = strip.surface->mesh().rayTree();
-    const int line = strip.y + y;
-    // Off the surface by a little, so that it does not shade itself.
-    const float lift = values.distance * 1e-4F;
-    for (int x = 0; x < strip.width; ++x) {
-        if (strip.cancel != nullptr && strip.cancel->isCancelled())
-            return;
-        const std::size_t i = std::size_t(y) * std::size_t(strip.width) + std::size_t(x);
-        if (!strip.frame.region().contains(strip.x + x, line)
-            || strip.surface->face(strip.x + x, line) < 0)
-            continue;
-        const Vector normal = normalAt(strip.inputs[0], i, row.normal(x));
-        Vector origin = row.position(x);
-        for (std::size_t k = 0; k < 3; ++k)
-            origin[k] += normal[k] * lift;
-        strip.output[0][i] = openness(tree, origin, normal, values, turnOf(strip.x + x, line));
-    }
-}
-
-void occlusion(const OssEvStrip &strip, const OcclusionValues &values)
+void occlusion(const OssEvStrip &strip, const RayValues &values)
 {
     std::fill_n(strip.output[0], strip.texels(), 1.0F);
-    if (strip.surface == nullptr || !(values.distance > 0.0F))
+    const float distance = values.distance * lengthOf(values.unit, strip.surface);
+    if (!(distance > 0.0F))
         return;
-    const SurfaceRow row(strip.width);
-    for (int y = 0; y < strip.rows; ++y) {
-        row.read(*strip.surface, strip.x, strip.y + y, strip.width);
-        occlusionRow(strip, values, row, y);
+    OssEvSurfacePoints::each(strip, strip.inputs, [&](const OssEvSurfacePoint &point) {
+        const OssEvRayTree &tree = strip.surface->mesh().rayTree();
+        const OssEvRayFan fan(point, point.normal, values.spread);
+        // Off the surface by a little, so that it does not shade itself.
+        const Vector origin = along(point.position, point.normal, distance * 1e-4F);
+        int hits = 0;
+        for (int ray = 0; ray < values.rays; ++ray)
+            hits += tree.isHit(origin, fan.direction(ray), distance) ? 1 : 0;
+        strip.output[0][point.index] = 1.0F - float(hits) / float(values.rays);
+    });
+}
+
+void bentNormal(const OssEvStrip &strip, const RayValues &values)
+{
+    const bool isDirection = values.output == 0;
+    if (isDirection) {
+        for (std::size_t k = 0; k < 3; ++k)
+            std::fill_n(strip.output[k], strip.texels(), k == 2 ? 1.0F : 0.0F);
+    } else {
+        std::fill_n(strip.output[0], strip.texels(), 1.0F);
     }
+    const float distance = values.distance * lengthOf(values.unit, strip.surface);
+    OssEvSurfacePoints::each(strip, strip.inputs, [&](const OssEvSurfacePoint &point) {
+        const OssEvRayTree &tree = strip.surface->mesh().rayTree();
+        const OssEvRayFan fan(point, point.normal, values.spread);
+        const Vector origin = along(point.position, point.normal, distance * 1e-4F);
+        Vector sum{};
+        int open = 0;
+        for (int ray = 0; ray < values.rays; ++ray) {
+            const Vector direction = fan.direction(ray);
+            if (distance > 0.0F && tree.isHit(origin, direction, distance))
+                continue;
+            sum = along(sum, direction, 1.0F);
+            ++open;
+        }
+        if (!isDirection) {
+            strip.output[0][point.index] = float(open) / float(values.rays);
+            return;
+        }
+        // Where all is hidden, or nothing is, the surface says it better than the rays that happen to be.
+        const bool isPlain = open == 0 || open == values.rays;
+        const Vector bent = isPlain ? point.normal : OssEvSurfacePoints::normalized(sum);
+        for (std::size_t k = 0; k < 3; ++k)
+            strip.output[k][point.index] = bent[k];
+    });
+}
+
+void thickness(const OssEvStrip &strip, const RayValues &values)
+{
+    std::fill_n(strip.output[0], strip.texels(), 1.0F);
+    const float distance = values.distance * lengthOf(values.unit, strip.surface);
+    if (!(distance > 0.0F))
+        return;
+    OssEvSurfacePoints::each(strip, strip.inputs, [&](const OssEvSurfacePoint &point) {
+        const OssEvRayTree &tree = strip.surface->mesh().rayTree();
+        const Vector inwards = opposite(point.normal);
+        const OssEvRayFan fan(point, inwards, values.spread);
+        const float begin = distance * 1e-4F;
+        const Vector origin = along(point.position, inwards, begin);
+        float sum = 0.0F;
+        for (int ray = 0; ray < values.rays; ++ray) {
+            const auto hit = tree.firstHit(origin, fan.direction(ray), distance);
+            sum += hit ? (hit->distance + begin) / distance : 1.0F;
+        }
+        strip.output[0][point.index] = sum / float(values.rays);
+    });
+}
+
+/// How much of the surroundings on one side of the surface lies behind other surface, the nearer the more: of
+/// a right angle about a half at its edge, which becomes 1.
+float closeness(const OssEvRayTree &tree, const OssEvSurfacePoint &point, const Vector &axis,
+                const RayValues &values, float radius)
+{
+    const OssEvRayFan fan(point, axis, values.spread);
+    const Vector origin = along(point.position, axis, radius * 2e-3F);
+    float sum = 0.0F;
+    for (int ray = 0; ray < values.rays; ++ray) {
+        const auto hit = tree.firstHit(origin, fan.direction(ray), radius);
+        sum += hit ? 1.0F - hit->distance / radius : 0.0F;
+    }
+    return std::min(2.0F * values.contrast * sum / float(values.rays), 1.0F);
+}
+
+void concavity(const OssEvStrip &strip, const RayValues &values)
+{
+    std::fill_n(strip.output[0], strip.texels(), 0.0F);
+    const float radius = values.distance * lengthOf(values.unit, strip.surface);
+    if (!(radius > 0.0F))
+        return;
+    OssEvSurfacePoints::each(strip, strip.inputs, [&](const OssEvSurfacePoint &point) {
+        const Vector axis = values.output == 0 ? point.normal : opposite(point.normal);
+        strip.output[0][point.index] = closeness(strip.surface->mesh().rayTree(), point, axis,
+                                                 values, radius);
+    });
+}
+
+/// `spread` is a part of a quarter turn.
+float sineOf(double spread)
+{
+    constexpr double QuarterTurn = 1.5707963267948966;
+    return float(std::sin(spread * QuarterTurn));
+}
+
+RayValues valuesOf(const OssEvKernelSetup &setup)
+{
+    return {setup.output(), setup.integer("Rays"), float(setup.real("Distance")),
+            setup.integer("Unit"), sineOf(setup.real("Spread"))};
+}
+
+template <void (*Run)(const OssEvStrip &, const RayValues &)>
+std::shared_ptr<const OssEvOperation> make(const OssEvKernelSetup &setup)
+{
+    return OssEvMakePoint(Run, valuesOf(setup));
+}
+
+OssEvKernel rayKernel(const char *name, std::vector<OssEvKernelOutput> outputs)
+{
+    OssEvKernel kernel;
+    kernel.name = name;
+    kernel.inputs = {{"Normal", 3}};
+    kernel.outputs = std::move(outputs);
+    kernel.usesSurface = true;
+    kernel.costly = true;
+    return kernel;
 }
 
 } // namespace
@@ -152,19 +176,35 @@ void occlusion(const OssEvStrip &strip, const OcclusionValues &values)
 void OssEvFamilies::addOcclusion(std::vector<OssEvKernel> *kernels)
 {
     using namespace OssEvDescribe;
-    OssEvKernel kernel;
-    kernel.name = "ambientOcclusion";
-    kernel.inputs = {{"Normal", 3}};
-    kernel.outputs = {{"Output", 1}};
-    kernel.parameters = {integer("Rays", 64, 4, 1024), real("Distance", 0.5, 0, 100),
-                         real("Spread", 0.9, 0, 1)};
-    kernel.usesSurface = true;
-    kernel.costly = true;
-    kernel.make = [](const OssEvKernelSetup &setup) {
-        constexpr double QuarterTurn = 1.5707963267948966;
-        const OcclusionValues values{setup.integer("Rays"), float(setup.real("Distance")),
-                                     float(std::sin(setup.real("Spread") * QuarterTurn))};
-        return OssEvMakePoint(occlusion, values);
+    using namespace OssEvSurfacePoints;
+    OssEvKernel open = rayKernel("ambientOcclusion", {{"Output", 1}});
+    open.parameters = {integer("Rays", 64, 4, 1024), real("Distance", 0.5, 0, 100),
+                       real("Spread", 0.9, 0, 1), unitParameter(Units)};
+    open.make = make<occlusion>;
+    kernels->push_back(open);
+
+    OssEvKernel bent = rayKernel("bentNormal", {{"Output", 3, true}, {"Openness", 1}});
+    bent.parameters = {integer("Rays", 64, 4, 1024), real("Distance", 0.25, 0, 1000),
+                       real("Spread", 0.9, 0, 1), unitParameter()};
+    bent.make = make<bentNormal>;
+    kernels->push_back(bent);
+
+    OssEvKernel thick = rayKernel("thickness", {{"Output", 1}});
+    thick.parameters = {integer("Rays", 32, 4, 1024), real("Distance", 0.25, 0, 1000),
+                        real("Spread", 0.6, 0, 1), unitParameter()};
+    thick.make = make<thickness>;
+    kernels->push_back(thick);
+
+    OssEvKernel hollow = rayKernel("concavity", {{"Output", 1}, {"Edges", 1}});
+    hollow.parameters = {integer("Rays", 32, 4, 1024), real("Radius", 0.03, 0, 1000),
+                         real("Contrast", 1, 0, 5), unitParameter()};
+    hollow.make = [](const OssEvKernelSetup &setup) {
+        // Flatter rays would meet the next face of what is meant to be round.
+        constexpr double Widest = 0.9;
+        return OssEvMakePoint(concavity,
+                              RayValues{setup.output(), setup.integer("Rays"),
+                                        float(setup.real("Radius")), setup.integer("Unit"),
+                                        sineOf(Widest), float(setup.real("Contrast"))});
     };
-    kernels->push_back(kernel);
+    kernels->push_back(hollow);
 }

@@ -1,11 +1,16 @@
 #include "OssCore/Values/OssAttributeKind.h"
+#include "OssEvaluation/Graph/OssEvGraph.h"
+#include "OssModel/Evaluation/OssSnEvaluationGraph.h"
 #include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
 #include "OssModel/Graph/OssShaderNetworkIO.h"
+#include "OssModel/Nodes/OssSnResultKey.h"
 #include "support/ModelFixture.h"
+#include "support/Text.h"
 
 #include <QTemporaryDir>
 
 #include <algorithm>
+#include <variant>
 
 namespace {
 
@@ -351,6 +356,45 @@ TEST_F(Knobs, renamingGivesFreeNamesAndLeavesAloneWhatIsNoKnob)
     const int steps = undoCount();
     EXPECT_EQ(m_group->renameKnob(knob, m_group->userAttribute(knob).prettyName()), knob);
     EXPECT_EQ(undoCount(), steps) << "the name that it has";
+}
+
+/// What the node hands on: its number in the graph that is evaluated, or why there is none.
+QString handedOn(const OssSnBaseNode *node)
+{
+    const auto made = OssSnEvaluationGraph::of(node, QStringLiteral("Output"));
+    if (!made.error.isEmpty())
+        return made.error;
+    const OssEvGraph::Node &copy = made.graph->nodes()[std::size_t(made.node)];
+    return QString::number(std::get<double>(copy.parameters.at("Value")));
+}
+
+TEST_F(Knobs, nodesInsideReadAttributesOfTheGroupsAround)
+{
+    m_group->createKnob(m_first, Radius);
+    OssSnBaseNode *reader = add("Logic/Group Attribute", "Reader");
+    EXPECT_TRUE(handedOn(reader).contains(text("no group around it has an attribute")));
+    reader->setAttribute(QStringLiteral("Attribute"), Radius);
+    EXPECT_TRUE(handedOn(reader).endsWith(text("has an attribute \"Radius\"")));
+    OssSnGroupNode *inner = m_network->groupNodes(
+        {reader, m_network->node(QStringLiteral("Color"))});
+    OssSnGroupNode *outer = m_network->groupNodes({m_group, inner});
+    ASSERT_TRUE(inner && outer);
+    EXPECT_TRUE(handedOn(reader).contains(text("no group")))
+        << "the group with the knob is beside it";
+    const QString around = outer->createKnob(m_group, Radius);
+    outer->setAttribute(around, 12.5);
+    EXPECT_EQ(handedOn(reader), text("12.5"));
+    const QString key = OssSnResultKey::of(reader, text("Output"));
+    outer->setAttribute(around, 20.0);
+    EXPECT_EQ(handedOn(reader), text("20"));
+    EXPECT_NE(OssSnResultKey::of(reader, text("Output")), key) << "what shows it begins anew";
+    outer->renameKnob(around, text("Softness"));
+    EXPECT_TRUE(handedOn(reader).contains(text("no group")));
+    reader->setAttribute(QStringLiteral("Attribute"), text("Softness"));
+    EXPECT_EQ(handedOn(reader), text("20"));
+    OssUndoManager::instance()->undo();
+    OssUndoManager::instance()->undo();
+    EXPECT_EQ(handedOn(reader), text("20")) << "under its first name";
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "OssModel/Evaluation/OssSnEvaluationGraph.h"
 
+#include "OssCore/Values/OssColor.h"
+#include "OssCore/Values/OssUserEnum.h"
 #include "OssEvaluation/Graph/OssEvGraph.h"
 #include "OssModel/Evaluation/OssImageSetFiles.h"
 #include "OssModel/Evaluation/OssSnParameter.h"
@@ -78,10 +80,38 @@ private:
             if (OssSnParameter::fromValue(OssFilePath::valueOf(attribute), &parameter))
                 parameters.emplace(attribute.name().toStdString(), parameter);
         }
+        if (OssSnUpstream::readsAttributeAround(node))
+            addAttributeAround(node, &parameters);
         const QString images = OssImageSetFiles::nameOf(node);
         if (!images.isEmpty())
             parameters["Image"] = images.toStdString();
         return parameters;
+    }
+
+    /// What the group around it says, as a number or as a colour; why not, where it says neither.
+    static void addAttributeAround(const OssSnBaseNode *node, OssEvParameters *parameters)
+    {
+        const OssCustomAttribute attribute = OssSnUpstream::attributeAround(node);
+        const QVariant value = attribute.value();
+        OssEvParameter color;
+        bool isNumber = false;
+        const double number = value.userType() == qMetaTypeId<OssUserEnum>()
+                                  ? value.value<OssUserEnum>().currentValue()
+                                  : value.toDouble(&isNumber);
+        if (value.userType() == qMetaTypeId<OssColor>()
+            && OssSnParameter::fromValue(value, &color)) {
+            (*parameters)["Color"] = color;
+            (*parameters)["IsColor"] = true;
+        } else if (isNumber || value.userType() == qMetaTypeId<OssUserEnum>()) {
+            (*parameters)["Value"] = number;
+        } else {
+            const QString name = node->attribute(QStringLiteral("Attribute")).toString();
+            (*parameters)["Problem"] = (attribute.isValid()
+                                            ? tr("\"%1\" of the group is neither number nor color")
+                                            : tr("no group around it has an attribute \"%1\""))
+                                           .arg(name)
+                                           .toStdString();
+        }
     }
 
     OssEvGraphBuilder m_builder;

@@ -95,6 +95,8 @@ private:
             add(attribute.name() + QLatin1Char('=') + OssValueText::toText(attribute.value()));
             addFiles(&hash, OssNodeFiles::of(attribute));
         }
+        if (OssSnUpstream::readsAttributeAround(node))
+            add(OssValueText::toText(OssSnUpstream::attributeAround(node).value()));
         const OssImageSet *images = OssShaderNetworkUtils::imageSetOf(node);
         if (images) {
             const QMap<int, QString> pixels = images->pixels();

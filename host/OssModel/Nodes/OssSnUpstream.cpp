@@ -1,9 +1,14 @@
 #include "OssModel/Nodes/OssSnUpstream.h"
 
+#include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
+#include "OssModel/Types/OssSnNodeType.h"
 
 #include <QHash>
+
+#include <algorithm>
 
 namespace {
 
@@ -52,4 +57,31 @@ void OssSnUpstream::walk(const OssSnBaseNode *producer, const Visit &visit)
         }
         open.removeLast();
     }
+}
+
+bool OssSnUpstream::readsAttributeAround(const OssSnBaseNode *node)
+{
+    return node->nodeType() && node->nodeType()->kernel == QLatin1String("groupAttribute");
+}
+
+OssCustomAttribute OssSnUpstream::attributeAround(const OssSnBaseNode *node)
+{
+    if (!readsAttributeAround(node))
+        return {};
+    const QString wanted = node->attribute(QStringLiteral("Attribute")).toString().trimmed();
+    const OssShaderNetwork *network = node->network();
+    while (network && network->parentGroupNode() && !wanted.isEmpty()) {
+        const OssSnGroupNode *group = network->parentGroupNode();
+        const OssCustomAttribute named = group->userAttribute(wanted);
+        if (named.isValid())
+            return named;
+        const QVector<OssCustomAttribute> all = group->userAttributes();
+        const auto *shown = std::find_if(
+            all.cbegin(), all.cend(),
+            [&wanted](const auto &attribute) { return attribute.prettyName() == wanted; });
+        if (shown != all.cend())
+            return *shown;
+        network = group->network();
+    }
+    return {};
 }

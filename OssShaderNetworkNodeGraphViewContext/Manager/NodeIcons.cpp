@@ -30,6 +30,9 @@ constexpr Row Rows[] = {
     {"_System/Material", "NodeMaterial.png"},
     {"Procedural/Noise/", "NodeNoise.png"},
     {"Procedural/Pattern/", "NodePattern.png"},
+    {"Geometry/Decal", "NodeImage.png"},
+    {"Geometry/", "NodeMesh.png"},
+    {"Logic/", "NodeLogic.png"},
 };
 
 } // namespace

@@ -176,15 +176,12 @@ int OssEvExpressionBuilder::part(const Step &step)
 }
 
 // Parts come before those that use them, so one way back finds what is needed and where each is last used.
-bool OssEvExpressionBuilder::finish(const std::array<int, 4> &result, bool isScalar,
-                                    OssEvExpression *expression) const
+std::vector<int> OssEvExpressionBuilder::lastUses(const std::array<int, 4> &result) const
 {
-    constexpr int Never = -1;
-    const int count = int(m_parts.size());
     std::vector<int> lastUse(m_parts.size(), Never);
     for (const int part : result)
-        lastUse[std::size_t(part)] = count;
-    for (int i = count - 1; i >= 0; --i) {
+        lastUse[std::size_t(part)] = int(m_parts.size());
+    for (int i = int(m_parts.size()) - 1; i >= 0; --i) {
         if (lastUse[std::size_t(i)] == Never)
             continue;
         for (const int from : m_parts[std::size_t(i)].from) {
@@ -192,37 +189,47 @@ bool OssEvExpressionBuilder::finish(const std::array<int, 4> &result, bool isSca
                 lastUse[std::size_t(from)] = std::max(lastUse[std::size_t(from)], i);
         }
     }
+    return lastUse;
+}
+
+bool OssEvExpressionBuilder::finish(const std::array<int, 4> &result, bool isScalar,
+                                    OssEvExpression *expression) const
+{
+    const std::vector<int> lastUse = lastUses(result);
     *expression = {};
     expression->m_isScalar = isScalar;
     std::vector<int> places(m_parts.size(), 0);
     std::vector<int> idle;
-    for (int i = 0; i < count; ++i) {
+    for (int i = 0; i < int(m_parts.size()); ++i) {
         if (lastUse[std::size_t(i)] == Never)
             continue;
         Step step = m_parts[std::size_t(i)];
-        std::array<int, 3> parts = step.from;
-        std::sort(parts.begin(), parts.end());
-        const auto end = std::unique(parts.begin(), parts.end());
-        for (int &from : step.from)
-            from = from < 0 ? 0 : places[std::size_t(from)];
-        // No step writes what it reads: those that look at an operand twice may be in pieces.
+        // A step writes no register that it reads: what it read is idle only after it.
         if (idle.empty())
             idle.push_back(expression->m_registers++);
         step.to = idle.back();
         idle.pop_back();
         places[std::size_t(i)] = step.to;
-        for (auto from = parts.begin(); from != end; ++from) {
-            if (*from >= 0 && lastUse[std::size_t(*from)] == i)
-                idle.push_back(places[std::size_t(*from)]);
+        for (int &from : step.from) {
+            const int part = from;
+            from = part < 0 ? 0 : places[std::size_t(part)];
+            const bool isDone = part >= 0 && lastUse[std::size_t(part)] == i;
+            if (isDone && std::find(idle.begin(), idle.end(), from) == idle.end())
+                idle.push_back(from);
         }
-        if (step.op == Op::Input)
-            expression->m_inputs |= 1U << unsigned(step.slot / 4);
-        if (step.op == Op::Place)
-            expression->m_places |= 1U << unsigned(step.slot);
-        expression->m_steps.push_back(step);
+        expression->note(step);
     }
     for (std::size_t k = 0; k < 4; ++k)
         expression->m_result[k] = places[std::size_t(result[k])];
     return expression->m_registers <= OssEvExpression::MostRegisters
            && int(expression->m_steps.size()) <= OssEvExpression::MostSteps;
+}
+
+void OssEvExpression::note(const Step &step)
+{
+    if (step.op == Op::Input)
+        m_inputs |= 1U << unsigned(step.slot / 4);
+    if (step.op == Op::Place)
+        m_places |= 1U << unsigned(step.slot);
+    m_steps.push_back(step);
 }

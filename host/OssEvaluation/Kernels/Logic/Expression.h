@@ -99,6 +99,8 @@ public:
 private:
     friend class OssEvExpressionBuilder;
 
+    void note(const Step &step);
+
     std::vector<Step> m_steps;
     int m_registers = 0;
     std::array<int, 4> m_result{};
@@ -132,7 +134,12 @@ private:
     using Step = OssEvExpression::Step;
     using Key = std::tuple<Op, int, int, int, std::uint32_t, int>;
 
+    /// What no result needs is never used.
+    static constexpr int Never = -1;
+
     int part(const Step &step);
+    /// The part that looks at each one last; the number of parts for the result's.
+    std::vector<int> lastUses(const std::array<int, 4> &result) const;
 
     std::vector<Step> m_parts;
     std::map<Key, int> m_known;

@@ -143,7 +143,7 @@ SOURCES_OF = {
     "Space/Texture Bombing": {"Input": STAR},
 }
 # Types that look at the mesh are shown on one, and on that of its patches that has the most to show.
-ON_MESH = ("Geometry/", "Mesh/")
+ON_MESH = ("Geometry/",)
 MESH = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "examples", "Barrel.ossa", "barrel.obj")
 MESH_PATCH = 1003
 # What has nothing to show by itself.

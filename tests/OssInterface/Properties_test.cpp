@@ -289,6 +289,7 @@ TEST_F(Properties, escapeAndUndoTakeBackWhatIsDragged)
     };
     QWidget *const editors[] = {field("Amount"), editor<OssRampField>("Colors")};
     for (QWidget *one : editors) {
+        ASSERT_NE(one, nullptr);
         auto *ramp = qobject_cast<OssRampField *>(one);
         const QPoint from = ramp ? ramp->gripOf(0).toPoint() : one->rect().center();
         for (const bool undoes : {true, false}) {

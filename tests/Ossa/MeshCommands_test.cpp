@@ -20,6 +20,7 @@
 #include <QDialogButtonBox>
 #include <QDropEvent>
 #include <QInputDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPushButton>

@@ -13,6 +13,7 @@
 #include <QLineEdit>
 #include <QRegularExpression>
 #include <QSignalSpy>
+#include <QToolButton>
 #include <QTreeWidget>
 #include <QUrl>
 

@@ -37,7 +37,7 @@ struct Piece
     /// Texels of a piece: what a register holds.
     static constexpr std::size_t Size = 64;
 
-    const OssEvStrip *strip;
+    const OssEvStrip *strip = nullptr;
     OssEvExpressionPlaces::Planes places{};
     std::size_t begin = 0;
     float *registers = nullptr;

@@ -8,10 +8,10 @@ using Op = OssEvExpression::Op;
 
 struct Function
 {
-    const char *name;
+    const char *name = nullptr;
     /// Values that it takes, at least and at most.
-    int least;
-    int most;
+    int least = 0;
+    int most = 0;
     /// Constant for those that are several operations.
     Op op = Op::Constant;
 };

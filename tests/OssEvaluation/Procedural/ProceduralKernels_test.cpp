@@ -32,7 +32,7 @@ bool isTiles(const OssEvKernel &kernel)
 
 bool isFigure(const OssEvKernel &kernel)
 {
-    return kernel.outputIndex("Distance") >= 0;
+    return kernel.outputIndex("Distance") >= 0 && kernel.inputIndex("UV") >= 0;
 }
 
 /// Those whose inputs need not be connected.

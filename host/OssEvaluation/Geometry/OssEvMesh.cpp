@@ -39,17 +39,69 @@ OssEvMesh::Vector3 minus(const OssEvMesh::Vector3 &a, const OssEvMesh::Vector3 &
     return {a[0] - b[0], a[1] - b[1], a[2] - b[2]};
 }
 
+void add(const OssEvMesh::Vector3 &vector, OssEvMesh::Vector3 *sum)
+{
+    for (std::size_t k = 0; k < 3; ++k)
+        (*sum)[k] += vector[k];
+}
+
+/// Nothing where there is no length.
+OssEvMesh::Vector3 unit(const OssEvMesh::Vector3 &vector)
+{
+    const float length = std::sqrt(vector[0] * vector[0] + vector[1] * vector[1]
+                                   + vector[2] * vector[2]);
+    OssEvMesh::Vector3 found{};
+    for (std::size_t k = 0; k < 3; ++k)
+        found[k] = length > 0.0F ? vector[k] / length : 0.0F;
+    return found;
+}
+
 template <class Vector>
 void addVectors(OssEvKeyBuilder *key, const std::vector<Vector> &vectors)
 {
     key->addBytes(vectors.data(), vectors.size() * sizeof(Vector));
 }
 
+constexpr float Border = 1e-5F;
+
+using Corners = std::array<OssEvMesh::Vector2, 3>;
+
+/// Where texture coordinates of a triangle lie.
+struct Bounds
+{
+    OssEvMesh::Vector2 low{1e9F, 1e9F};
+    OssEvMesh::Vector2 high{-1e9F, -1e9F};
+};
+
+Bounds boundsOf(const Corners &corners)
+{
+    Bounds bounds;
+    for (const OssEvMesh::Vector2 &corner : corners) {
+        for (std::size_t k = 0; k < 2; ++k) {
+            bounds.low[k] = std::min(bounds.low[k], corner[k]);
+            bounds.high[k] = std::max(bounds.high[k], corner[k]);
+        }
+    }
+    return bounds;
+}
+
+/// Whether a triangle touches the inside of the patch and of no other.
+bool isWithin(const Bounds &bounds, int patch)
+{
+    const OssEvMesh::Vector2 start{float(OssEvPatch::column(patch)), float(OssEvPatch::row(patch))};
+    for (std::size_t k = 0; k < 2; ++k) {
+        const float low = bounds.low[k] - start[k];
+        const float high = bounds.high[k] - start[k];
+        if (low < 0.0F || low >= 1.0F - Border || high > 1.0F || high <= Border)
+            return false;
+    }
+    return true;
+}
+
 /// Whether the triangle, whose bounding box does, touches the inside of the patch. It does not when
 /// the whole patch lies outside of one of its edges.
-bool touches(const std::array<OssEvMesh::Vector2, 3> &corners, int column, int row)
+bool touches(const Corners &corners, int column, int row)
 {
-    constexpr float Border = 1e-5F;
     // Most lie inside with all corners.
     const auto isInside = [column, row](const OssEvMesh::Vector2 &corner) {
         return corner[0] >= float(column) && corner[0] <= float(column + 1)
@@ -188,17 +240,11 @@ void OssEvMesh::makeNormals()
         for (const std::uint32_t vertex : triangle) {
             if (!areAllMissing && !isMissing(vertex))
                 continue;
-            Vector3 &sum = sums[firstOf[vertex]];
-            for (std::size_t k = 0; k < 3; ++k)
-                sum[k] += normal[k];
+            add(normal, &sums[firstOf[vertex]]);
         }
     }
-    for (const std::uint32_t vertex : missing) {
-        const Vector3 &sum = sums[firstOf[vertex]];
-        const float length = std::sqrt(sum[0] * sum[0] + sum[1] * sum[1] + sum[2] * sum[2]);
-        for (std::size_t k = 0; k < 3; ++k)
-            normals[vertex][k] = length > 0.0F ? sum[k] / length : 0.0F;
-    }
+    for (const std::uint32_t vertex : missing)
+        normals[vertex] = unit(sums[firstOf[vertex]]);
 }
 
 const OssEvRayTree &OssEvMesh::rayTree() const
@@ -214,27 +260,15 @@ const OssEvMeshFacts &OssEvMesh::facts() const
 // A face belongs to every patch whose inside it touches, not to those that it only borders on.
 void OssEvMesh::findPatches()
 {
-    constexpr float Border = 1e-5F;
     std::map<int, std::vector<std::int32_t>> byPatch;
     int lastPatch = 0;
     std::vector<std::int32_t> *same =
         nullptr; // of the last patch, which is mostly the next one's, too
     for (std::size_t i = 0; i < triangles.size(); ++i) {
-        Vector2 low{1e9F, 1e9F};
-        Vector2 high{-1e9F, -1e9F};
-        for (const std::uint32_t vertex : triangles[i]) {
-            for (std::size_t k = 0; k < 2; ++k) {
-                low[k] = std::min(low[k], uvs[vertex][k]);
-                high[k] = std::max(high[k], uvs[vertex][k]);
-            }
-        }
-        // Mostly in the same as the one before.
-        const auto left = float(OssEvPatch::column(lastPatch));
-        const auto bottom = float(OssEvPatch::row(lastPatch));
-        if (same != nullptr && low[0] >= left && low[0] < left + 1.0F - Border
-            && high[0] <= left + 1.0F && high[0] > left + Border && low[1] >= bottom
-            && low[1] < bottom + 1.0F - Border && high[1] <= bottom + 1.0F
-            && high[1] > bottom + Border) {
+        const Corners corners{uvs[triangles[i][0]], uvs[triangles[i][1]], uvs[triangles[i][2]]};
+        const Bounds bounds = boundsOf(corners);
+        const auto &[low, high] = bounds;
+        if (same != nullptr && isWithin(bounds, lastPatch)) {
             same->push_back(std::int32_t(i));
             continue;
         }
@@ -243,9 +277,7 @@ void OssEvMesh::findPatches()
         for (int row = roundedDown(low[1] + Border); row <= lastRow; ++row) {
             for (int column = roundedDown(low[0] + Border); column <= lastColumn; ++column) {
                 const int patch = OssEvPatch::number(column, row);
-                if (patch == 0
-                    || !touches({uvs[triangles[i][0]], uvs[triangles[i][1]], uvs[triangles[i][2]]},
-                                column, row))
+                if (patch == 0 || !touches(corners, column, row))
                     continue;
                 if (patch != lastPatch)
                     same = &byPatch[patch];

@@ -21,6 +21,7 @@ constexpr qint64 uploadTime = 10; // milliseconds of a frame
 constexpr double inset = 24.0;
 const QColor groundColor(0x1b, 0x1d, 0x20);
 const QColor wordsColor(0xd0, 0x9a, 0x8c);
+const QColor plateColor(0x12, 0x13, 0x15, 190);
 constexpr float turnAcross = 4.0F; ///< radians, of the surroundings by a drag over the whole view
 
 } // namespace
@@ -192,9 +193,17 @@ void ObjectView::paintPatches(QPainter *painter)
 
 void ObjectView::paintWords(QPainter *painter, const QString &words)
 {
+    constexpr int flags = Qt::AlignCenter | Qt::TextWordWrap;
+    const QRectF room = QRectF(rect()).adjusted(inset, inset, -inset, -inset);
+    if (!words.isEmpty()) {
+        // Readable on whatever is seen behind.
+        const QRectF around = painter->boundingRect(room, flags, words);
+        painter->setPen(Qt::NoPen);
+        painter->setBrush(plateColor);
+        painter->drawRoundedRect(around.adjusted(-8, -5, 8, 5), 5, 5);
+    }
     painter->setPen(wordsColor);
-    painter->drawText(QRectF(rect()).adjusted(inset, inset, -inset, -inset),
-                      Qt::AlignCenter | Qt::TextWordWrap, words);
+    painter->drawText(room, flags, words);
 }
 
 void ObjectView::resizeEvent(QResizeEvent *)

@@ -42,7 +42,7 @@ public:
 private:
     Vector at(std::size_t first, int x) const
     {
-        const std::size_t i = std::size_t(x);
+        const auto i = std::size_t(x);
         return {m_values[first * m_width + i], m_values[(first + 1) * m_width + i],
                 m_values[(first + 2) * m_width + i]};
     }

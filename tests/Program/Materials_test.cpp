@@ -1,7 +1,10 @@
 #include "Ossa/Commands/MaterialCommands.h"
 #include "Ossa/Palettes/MaterialListModel.h"
 #include "Ossa/Palettes/MaterialPictures.h"
+#include "Ossa/Surfaces/LitSurface.h"
 #include "Ossa/Viewer/MaterialDrop.h"
+#include "OssModel/Evaluation/OssViewedNode.h"
+#include "OssModel/Export/OssExportMaterials.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
@@ -88,6 +91,11 @@ TEST_F(Materials, aDropOnTheObjectIsOneStepThatShowsIt)
     ASSERT_NE(made, nullptr);
     EXPECT_EQ(made->nodeType()->pathKey, m_key);
     EXPECT_EQ(lookedAt(m_network), made);
+    const QVector<LitSurface> lit = LitSurface::of(project(), m_network->geoEntity(),
+                                                   OssViewedNode::now());
+    ASSERT_EQ(lit.size(), 1);
+    EXPECT_TRUE(OssExportMaterial::of(lit.first().shown.node).node)
+        << "the material inside the group, with all of its channels";
     history()->undo();
     EXPECT_EQ(m_network->nodeCount(), nodes) << "one step";
 

@@ -98,6 +98,14 @@ OssExportMaterial OssExportMaterial::of(const OssSnBaseNode *node)
     return found;
 }
 
+OssSnProducer OssExportMaterial::behind(const OssSnProducer &shown)
+{
+    if (!shown.node || of(shown.node).node)
+        return shown;
+    const OssSnProducer made = OssSnProducer::of(shown.node, shown.outputPoint);
+    return of(made.node).node ? made : shown;
+}
+
 QMap<int, std::vector<int>> OssExportMaterial::slotsOf(const OssEvMesh &mesh,
                                                        const QVector<OssExportMaterial> &materials)
 {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OssModel/Nodes/OssSnProducer.h"
 #include "OssModel/OssModel_export.h"
 #include "OssModel/Types/OssSnDataKind.h"
 
@@ -41,6 +42,10 @@ struct OSSMODEL_EXPORT OssExportMaterial
 
     /// One without a node where the node is no shader and no material.
     static OssExportMaterial of(const OssSnBaseNode *node);
+
+    /// The material that really comes out where one looks: of a group that holds it, or behind what
+    /// passes it on. What is looked at itself where that is no material.
+    static OssSnProducer behind(const OssSnProducer &shown);
 
     /// Of an object's materials, by their places, the mesh's material slots whose faces are theirs: a
     /// slot belongs to the material of its name, or else to the first. Those without a slot have no face.

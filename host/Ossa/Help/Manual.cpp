@@ -5,6 +5,7 @@
 #include "OssCore/Values/OssMarkdown.h"
 #include "OssInterface/Actions/OssCommandTable.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Types/OssMaterialTypes.h"
 #include "OssModel/Types/OssSnNodeType.h"
 #include "OssModel/Types/OssSnTypeHelp.h"
 
@@ -34,10 +35,12 @@ QString textOf(const QString &path)
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
-/// "Noise" of "Procedural/Noise/Perlin Noise".
+/// "Noise" of "Procedural/Noise/Perlin Noise"; of materials all folders: "Materials: Metal".
 QString folderOf(const QString &pathKey)
 {
     const QString folder = pathKey.section(QLatin1Char('/'), -2, -2);
+    if (OssMaterialTypes::isMaterial(pathKey))
+        return tr("Materials: %1").arg(folder);
     return folder == QLatin1String("_System") ? tr("System") : folder;
 }
 

@@ -36,7 +36,6 @@ void showAsGrid(QListView *list)
     list->setResizeMode(QListView::Adjust);
     list->setIconSize({MaterialPictures::side, MaterialPictures::side});
     list->setGridSize(cell);
-    list->setUniformItemSizes(true);
     list->setWordWrap(true);
     list->setDragDropMode(QAbstractItemView::DragOnly);
     list->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);

@@ -31,8 +31,9 @@ QVector<LitSurface> LitSurface::of(const OssProject *project, const OssGeoEntity
 }
 
 QVector<LitSurface> LitSurface::of(const OssProject *project, const OssGeoEntity *entity,
-                                   const OssSnProducer &shown)
+                                   const OssSnProducer &looked)
 {
+    const OssSnProducer shown = OssExportMaterial::behind(looked);
     QVector<LitSurface> surfaces;
     if (shown.node && OssExportMaterial::of(shown.node).node)
         surfaces = of(project, entity);

@@ -23,7 +23,7 @@ struct LitSurface
     /// The same with a node that is looked at: a material where it belongs among the others, anything
     /// else on all faces. It comes first.
     static QVector<LitSurface> of(const OssProject *project, const OssGeoEntity *entity,
-                                  const OssSnProducer &shown);
+                                  const OssSnProducer &looked);
     /// Objects that belong to an object: those that were read from the same file.
     static QVector<const OssGeoEntity *> beside(const OssProject *project,
                                                 const OssGeoEntity *entity);

@@ -53,6 +53,13 @@ OssNgView *shownView()
     return view && view->isVisible() ? view : nullptr;
 }
 
+/// The material that the node gives; a null node where that is none.
+OssSnProducer materialOf(const OssSnBaseNode *node)
+{
+    const OssSnProducer made = OssExportMaterial::behind({node, node->prefferedOutputPoint()});
+    return OssExportMaterial::of(made.node).node ? made : OssSnProducer();
+}
+
 } // namespace
 
 NodeThumbnails::NodeThumbnails(QObject *parent)
@@ -134,7 +141,7 @@ void NodeThumbnails::lookAt(OssNgNode *item)
 {
     const auto *node = qobject_cast<OssSnBaseNode *>(item->businessNode());
     QString output = OssSolo::pictureOutput(node);
-    if (output.isEmpty() && OssExportMaterial::of(node).node)
+    if (output.isEmpty() && node && materialOf(node).node)
         output = node->prefferedOutputPoint();
     if (output.isEmpty())
         return;
@@ -153,7 +160,7 @@ void NodeThumbnails::lookAt(OssNgNode *item)
 
 void NodeThumbnails::start(OssNgNode *item, const OssSnBaseNode *node)
 {
-    if (OssExportMaterial::of(node).node && !m_balls.isHopeless())
+    if (materialOf(node).node && !m_balls.isHopeless())
         startBall(item, node);
     else
         startFlat(item, node);
@@ -161,8 +168,7 @@ void NodeThumbnails::start(OssNgNode *item, const OssSnBaseNode *node)
 
 void NodeThumbnails::startBall(OssNgNode *item, const OssSnBaseNode *node)
 {
-    const OssSurfaceMaps maps = OssSurfaceMaps::of({node, node->prefferedOutputPoint()},
-                                                   node->network()->geoEntity());
+    const OssSurfaceMaps maps = OssSurfaceMaps::of(materialOf(node), node->network()->geoEntity());
     if (!maps.problem().isEmpty() || !maps.mesh() || maps.mesh()->patches().empty()) {
         startFlat(item, node);
         return;

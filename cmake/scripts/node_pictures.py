@@ -129,11 +129,15 @@ SOURCES_OF = {
     "Filter/Outline": {"Input": FIGURE},
     "Filter/Upscale": {"Input": STAR},
     "Geometry/": {},
+    "Geometry/Decal": {"Image": STAR},
     "Height/": {"Height": COBBLES, "HeightA": COBBLES, "HeightB": NOISE, "A": RUST, "B": SAND,
                 "Normal": RELIEF, "Base": RELIEF, "Detail": FINE_RELIEF},
     "Height/Hydraulic Erosion": {"Height": NOISE},
     "Height/Thermal Erosion": {"Height": NOISE},
     "Layer/": {"Base": TILES, "Over": MARBLE, "Mask": NOISE},
+    "Logic/": {"Input": TILES, "Input 1": TILES, "Input 2": MARBLE, "A": TILES, "B": MARBLE, "Mask": NOISE},
+    "Logic/Compare": {"A": NOISE, "B": ("Procedural/Scalar", "Output", {})},
+    "Logic/Expression": {},
     "Math/": {"A": NOISE, "B": COBBLES, "Height": COBBLES},
     "Math/Vector Math": {"A": RELIEF, "B": FINE_RELIEF},
     "Procedural/Pattern/Shape Outline": {"A": SOURCES["A"]},
@@ -147,7 +151,8 @@ ON_MESH = ("Geometry/",)
 MESH = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "examples", "Barrel.ossa", "barrel.obj")
 MESH_PATCH = 1003
 # What has nothing to show by itself.
-SKIPPED = ("Channel Input/", "Environment/", "Geometry/Vertex Color", "Misc/", "Procedural/Pattern/Tiled", "Shaders/", "Teleport", "_System/")
+SKIPPED = ("Channel Input/", "Environment/", "Geometry/Color Id Mask", "Geometry/Vertex Color", "Logic/Group Attribute",
+           "Logic/Patch Mask", "Misc/", "Procedural/Pattern/Tiled", "Shaders/", "Teleport", "_System/")
 
 
 def longest(table, type_, otherwise):

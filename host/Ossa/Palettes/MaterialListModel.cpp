@@ -11,6 +11,8 @@
 
 namespace {
 
+constexpr QSize roomOfOne(MaterialPictures::side + 16, MaterialPictures::side + 40);
+
 /// A faint disc in place of a ball.
 QPixmap whileDrawn()
 {
@@ -60,6 +62,8 @@ QVariant MaterialListModel::data(const QModelIndex &index, int role) const
         const QImage picture = m_pictures->picture(index.data(PathKeyRole).toString());
         return QIcon(picture.isNull() ? whileDrawn() : QPixmap::fromImage(picture));
     }
+    if (role == Qt::SizeHintRole)
+        return roomOfOne; // for names of two lines
     if (role == Qt::ToolTipRole) {
         const QString key = index.data(PathKeyRole).toString();
         const auto type = OssShaderNetworkManager::instance()->nodeType(key);

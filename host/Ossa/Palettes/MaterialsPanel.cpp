@@ -13,7 +13,6 @@
 #include <QComboBox>
 #include <QDesktopServices>
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
@@ -159,15 +158,8 @@ void MaterialsPanel::openFolder()
 
 bool MaterialsPanel::eventFilter(QObject *watched, QEvent *event)
 {
-    if (OssSearchKeys::passOn(event, m_list))
-        return true;
-    if (event->type() == QEvent::KeyPress) {
-        const int key = static_cast<QKeyEvent *>(event)->key();
-        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
-            if (m_list->currentIndex().isValid())
-                create(m_list->currentIndex());
-            return true;
-        }
-    }
-    return QWidget::eventFilter(watched, event);
+    const auto choose = [this](const QModelIndex &row) {
+        create(row);
+    };
+    return OssSearchKeys::passOn(event, m_list, choose) || QWidget::eventFilter(watched, event);
 }

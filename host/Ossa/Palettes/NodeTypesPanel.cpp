@@ -7,7 +7,6 @@
 #include "OssInterface/Widgets/OssSearchKeys.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 
-#include <QKeyEvent>
 #include <QLineEdit>
 #include <QListView>
 #include <QVBoxLayout>
@@ -62,15 +61,8 @@ void NodeTypesPanel::create(const QModelIndex &index)
 
 bool NodeTypesPanel::eventFilter(QObject *watched, QEvent *event)
 {
-    if (OssSearchKeys::passOn(event, m_list))
-        return true;
-    if (event->type() == QEvent::KeyPress) {
-        const int key = static_cast<QKeyEvent *>(event)->key();
-        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
-            if (m_list->currentIndex().isValid())
-                create(m_list->currentIndex());
-            return true;
-        }
-    }
-    return QWidget::eventFilter(watched, event);
+    const auto choose = [this](const QModelIndex &row) {
+        create(row);
+    };
+    return OssSearchKeys::passOn(event, m_list, choose) || QWidget::eventFilter(watched, event);
 }

@@ -3,6 +3,7 @@
 #include "OssEvaluation/Geometry/OssEvSurfaceMap.h"
 #include "OssEvaluation/Kernels/Families.h"
 #include "OssEvaluation/Kernels/Sampler.h"
+#include "OssEvaluation/Kernels/SurfaceAxes.h"
 #include "OssEvaluation/Values/OssEvPatch.h"
 
 #include <algorithm>
@@ -108,31 +109,17 @@ private:
     void project(const OssEvBlock &block, const OssEvSampler::Texel &vector, int x, int y,
                  double *u, double *v) const
     {
-        std::array<double, 3> alongU{};
-        std::array<double, 3> alongV{};
-        block.surface->derivatives(block.region.x + x, block.region.y + y, &alongU, &alongV);
-        double uu = 0.0;
-        double uv = 0.0;
-        double vv = 0.0;
-        double du = 0.0;
-        double dv = 0.0;
-        for (std::size_t k = 0; k < 3; ++k) {
-            uu += alongU[k] * alongU[k];
-            uv += alongU[k] * alongV[k];
-            vv += alongV[k] * alongV[k];
-            du += alongU[k] * double(vector[k]);
-            dv += alongV[k] * double(vector[k]);
-        }
-        const double determinant = uu * vv - uv * uv;
-        if (!(determinant > 1e-18)) {
+        const OssEvSurfaceAxes axes = OssEvSurfaceAxes::of(*block.surface, block.region.x + x,
+                                                           block.region.y + y, vector);
+        if (!axes.exist) {
             *u = 0.0;
             *v = 0.0;
         } else if (m_space == Tangent) {
-            *u /= std::sqrt(uu);
-            *v /= std::sqrt(vv);
+            *u /= std::sqrt(axes.uu);
+            *v /= std::sqrt(axes.vv);
         } else {
-            *u = (du * vv - dv * uv) / determinant;
-            *v = (dv * uu - du * uv) / determinant;
+            *u = axes.u;
+            *v = axes.v;
         }
     }
 

@@ -6,6 +6,7 @@
 #include "OssEvaluation/Kernels/Mesh/Points.h"
 #include "OssEvaluation/Kernels/PointKernel.h"
 #include "OssEvaluation/Kernels/Position.h"
+#include "OssEvaluation/Kernels/SurfaceAxes.h"
 
 #include <algorithm>
 #include <cmath>
@@ -127,26 +128,10 @@ Vector downhill(const Vector &pull, const Vector &normal)
 /// The direction on the patch in which one moves along `way` on the object; of the same length.
 Vector onPatch(const OssEvStrip &strip, const OssEvSurfacePoint &point, const Vector &way)
 {
-    std::array<double, 3> alongU{};
-    std::array<double, 3> alongV{};
-    strip.surface->derivatives(point.x, point.y, &alongU, &alongV);
-    double uu = 0.0;
-    double uv = 0.0;
-    double vv = 0.0;
-    double du = 0.0;
-    double dv = 0.0;
-    for (std::size_t k = 0; k < 3; ++k) {
-        uu += alongU[k] * alongU[k];
-        uv += alongU[k] * alongV[k];
-        vv += alongV[k] * alongV[k];
-        du += alongU[k] * double(way[k]);
-        dv += alongV[k] * double(way[k]);
-    }
-    const double determinant = uu * vv - uv * uv;
-    if (!(determinant > 1e-18))
+    const OssEvSurfaceAxes axes = OssEvSurfaceAxes::of(*strip.surface, point.x, point.y, way);
+    if (!axes.exist)
         return {};
-    const Vector turned = normalized(
-        {float((du * vv - dv * uv) / determinant), float((dv * uu - du * uv) / determinant), 0.0F});
+    const Vector turned = normalized({float(axes.u), float(axes.v), 0.0F});
     const float length = std::sqrt(dot(way, way));
     return {turned[0] * length, turned[1] * length, 0.0F};
 }

@@ -176,7 +176,8 @@ public Q_SLOTS:
                      const QList<int> &patches = QList<int>()) const;
     void bakeImageSet();
     QStringList upgrade();
-    QString publish(const QString &category, const QString &name, const QString &toolTip = {});
+    QString publish(const QString &category, const QString &name, const QString &toolTip = {},
+                    const QStringList &aliases = {});
 
     QString writeType(const QString &path, const QString &category, const QString &name,
                       const QString &toolTip, const QStringList &aliases = {});

@@ -205,10 +205,11 @@ void Node::arrangeInputsByOrder()
         networks()->requestPlacesInOrderOfPorts(own);
 }
 
-QString Node::publish(const QString &category, const QString &name, const QString &toolTip)
+QString Node::publish(const QString &category, const QString &name, const QString &toolTip,
+                      const QStringList &aliases)
 {
     OssSnGroupNode *own = group();
-    const OssPublishedGroup::Form form{category, name, toolTip, {}, false};
+    const OssPublishedGroup::Form form{category, name, toolTip, aliases, false};
     const OssResult published = own ? OssNodeTypeWatch::instance()->publish(own, form)
                                     : OssResult();
     if (!published)

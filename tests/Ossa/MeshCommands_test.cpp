@@ -154,9 +154,13 @@ TEST_F(Meshes, whatCannotBeUsedIsToldAndCanBeUnwrapped)
             EXPECT_FALSE(okOf(dialog)->isEnabled());
             const auto buttons = dialog->findChildren<QPushButton *>();
             for (QPushButton *button : buttons) {
-                if (button->text() == text("Unwrap Automatically"))
-                    button->click();
+                if (button->text() != text("Unwrap Automatically"))
+                    continue;
+                button->setFocus();
+                QTest::keyClick(button, Qt::Key_Space);
             }
+            EXPECT_FALSE(qobject_cast<QPushButton *>(dialog->focusWidget()))
+                << "the next key is not for Cancel";
             acceptOnceRead(dialog);
         },
         [&] { commands()->importFile(mesh); });
@@ -222,7 +226,13 @@ TEST_F(Meshes, whatIsMissingIsToldListedAndFoundAgain)
             EXPECT_EQ(dialog->paths().size(), 2);
             dialog->accept();
         },
-        [this] { commands()->showMissingFiles(); });
+        [this] {
+            const auto buttons = window->findChildren<QPushButton *>();
+            for (QPushButton *button : buttons) {
+                if (button->text() == text("Missing Files..."))
+                    button->click();
+            }
+        });
     EXPECT_EQ(objects().first()->geometry(), path("moved/deep/rock.obj"));
     EXPECT_EQ(image->path(), path("moved/wall.<UDIM>.png"));
     ASSERT_EQ(OssMeshes::instance()->waitFor(objects().first()->source()).state,

@@ -1,3 +1,4 @@
+#include "Ossa/Dialogs/PublishDialog.h"
 #include "Ossa/Scripting/ScriptEcho.h"
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
@@ -114,6 +115,13 @@ TEST_F(EchoedCommands, publishingIsOneLineThoughTheTypeTellsItsValuesAnew)
     EXPECT_EQ(told(), R"(ossa.graph().node("Around").publish("Mine", "Soft", ""))");
     history()->undo();
     EXPECT_EQ(told(), "ossa.undo().undo()");
+    EXPECT_TRUE(OssNodeTypeWatch::instance()->publish(
+        group, {text("Mine"), text("Soft"), {}, {text("worn"), text("dull")}}));
+    EXPECT_EQ(told(),
+              R"(ossa.graph().node("Around").publish("Mine", "Soft", "", ["worn", "dull"]))");
+    const PublishDialog again(group);
+    EXPECT_EQ(again.form().aliases, (QStringList{text("worn"), text("dull")}))
+        << "which a new version keeps";
     QFile::remove(OssNodeTypeWatch::filePath(text("Mine/Soft")));
     OssNodeTypeWatch::instance()->start();
 }

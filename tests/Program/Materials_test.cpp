@@ -96,6 +96,9 @@ TEST_F(Materials, aDropOnTheObjectIsOneStepThatShowsIt)
     ASSERT_EQ(lit.size(), 1);
     EXPECT_TRUE(OssExportMaterial::of(lit.first().shown.node).node)
         << "the material inside the group, with all of its channels";
+    const QVector<OssExportMaterial> exported = OssExportMaterial::of(project());
+    ASSERT_EQ(exported.size(), 1);
+    EXPECT_EQ(exported.first().name(), made->name()) << "not that of the shader inside";
     history()->undo();
     EXPECT_EQ(m_network->nodeCount(), nodes) << "one step";
 

@@ -9,6 +9,7 @@
 #include "OssModel/Nodes/OssSnProducer.h"
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Types/OssLayerShaderModel.h"
+#include "OssModel/Types/OssMaterialTypes.h"
 #include "OssModel/Types/OssSnTags.h"
 
 #include <QSet>
@@ -49,7 +50,10 @@ void addOf(const OssShaderNetwork *network, QVector<OssExportMaterial> *material
             if (!found.channels.isEmpty())
                 materials->append(found);
         } else if (group && !qobject_cast<const OssSnMaterialNode *>(node)) {
+            const int before = materials->size();
             addOf(group->groupNetwork(), materials);
+            if (materials->size() == before + 1 && OssMaterialTypes::isMaterial(group->pathKey()))
+                materials->last().within = group;
         }
     }
 }
@@ -70,7 +74,8 @@ QSet<const OssSnBaseNode *> partsOf(const OssShaderNetwork *network)
 
 QString OssExportMaterial::name() const
 {
-    return node ? node->name() : QString();
+    const OssSnBaseNode *known = within ? within : node;
+    return known ? known->name() : QString();
 }
 
 QString OssExportMaterial::object() const

@@ -30,6 +30,8 @@ struct OSSMODEL_EXPORT OssExportMaterial
     QPointer<const OssSnBaseNode> node;
     QPointer<const OssGeoEntity> entity;
     QVector<Channel> channels;
+    /// A ready-made material that the node alone makes, and that users know it by; else null.
+    QPointer<const OssSnBaseNode> within;
 
     QString name() const;
     QString object() const;

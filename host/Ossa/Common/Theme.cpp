@@ -87,6 +87,11 @@ QToolButton {
 QToolButton:hover { background: @raisedHover; }
 QToolButton:focus { border-color: @accent; }
 QToolButton:checked { background: @accentDeep; color: @text; }
+QToolButton[popupMode="2"] { padding-right: 17px; }
+QToolButton::menu-indicator {
+    image: url("@icons/Down.png"); width: 9px; height: 9px;
+    subcontrol-origin: border; subcontrol-position: center right; right: 5px;
+}
 
 QCheckBox::indicator {
     width: 14px; height: 14px;

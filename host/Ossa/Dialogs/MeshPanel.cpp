@@ -271,5 +271,6 @@ void MeshPanel::tell()
 
 void MeshPanel::unwrap()
 {
+    m_unwraps->setFocus(); // the button hides, and the next one would be Cancel
     m_unwraps->setChecked(true);
 }

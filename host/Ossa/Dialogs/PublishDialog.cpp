@@ -57,6 +57,7 @@ PublishDialog::PublishDialog(const OssSnGroupNode *group, QWidget *parent)
     , m_name(new QLineEdit(group->name(), this))
     , m_category(new QComboBox(this))
     , m_toolTip(new QPlainTextEdit(group->description(), this))
+    , m_aliases(new QLineEdit(this))
     , m_told(new QLabel(this))
     , m_buttons(new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this))
 {
@@ -70,7 +71,9 @@ PublishDialog::PublishDialog(const OssSnGroupNode *group, QWidget *parent)
     if (again) {
         m_name->setText(type->baseName());
         m_toolTip->setPlainText(type->description);
+        m_aliases->setText(type->aliases.join(QStringLiteral(", ")));
     }
+    m_aliases->setPlaceholderText(tr("Other words by which one looks for it, such as worn, metal"));
     m_toolTip->setTabChangesFocus(true);
     m_told->setWordWrap(true);
     m_buttons->button(QDialogButtonBox::Ok)->setText(tr("Publish"));
@@ -78,6 +81,7 @@ PublishDialog::PublishDialog(const OssSnGroupNode *group, QWidget *parent)
     form->addRow(tr("Name:"), m_name);
     form->addRow(tr("Category:"), m_category);
     form->addRow(tr("Tool tip:"), m_toolTip);
+    form->addRow(tr("Found as:"), m_aliases);
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(form);
     layout->addWidget(m_told);
@@ -93,7 +97,14 @@ PublishDialog::PublishDialog(const OssSnGroupNode *group, QWidget *parent)
 
 OssPublishedGroup::Form PublishDialog::form() const
 {
-    return {m_category->currentText(), m_name->text(), m_toolTip->toPlainText().simplified()};
+    QStringList aliases;
+    const QStringList words = m_aliases->text().split(QLatin1Char(','));
+    for (const QString &word : words) {
+        if (!word.trimmed().isEmpty())
+            aliases.append(word.simplified());
+    }
+    return {m_category->currentText(), m_name->text(), m_toolTip->toPlainText().simplified(),
+            aliases};
 }
 
 void PublishDialog::refresh()

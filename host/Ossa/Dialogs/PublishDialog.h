@@ -28,6 +28,7 @@ private:
     QLineEdit *m_name;
     QComboBox *m_category;
     QPlainTextEdit *m_toolTip;
+    QLineEdit *m_aliases;
     QLabel *m_told;
     QDialogButtonBox *m_buttons;
 };

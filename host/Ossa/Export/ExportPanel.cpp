@@ -351,7 +351,7 @@ void ExportPanel::fillLists()
     const QVector<OssExportMaterial> materials = project ? OssExportMaterial::of(project)
                                                          : QVector<OssExportMaterial>();
     for (const OssExportMaterial &material : materials) {
-        names.append(material.object() + QLatin1Char('/') + material.name());
+        names.append(material.path());
         for (const OssExportMaterial::Channel &channel : material.channels) {
             if (!channels.contains(channel.name))
                 channels.append(channel.name);

@@ -180,10 +180,16 @@ void ScriptEcho::addPublished(OssSnBaseNode *group, const OssPublishedGroup::For
 {
     if (!m_changes.contains(group))
         m_changeOrder.append(group);
-    m_changes[group].published = QStringLiteral(".publish(%1, %2, %3)")
-                                     .arg(ScriptText::text(form.category),
-                                          ScriptText::text(form.name),
-                                          ScriptText::text(form.toolTip));
+    QStringList values = {ScriptText::text(form.category), ScriptText::text(form.name),
+                          ScriptText::text(form.toolTip)};
+    if (!form.aliases.isEmpty()) {
+        QStringList words;
+        for (const QString &word : form.aliases)
+            words.append(ScriptText::text(word));
+        values.append(ScriptText::list(words));
+    }
+    m_changes[group].published = QStringLiteral(".publish(%1)")
+                                     .arg(values.join(QStringLiteral(", ")));
     schedule();
 }
 

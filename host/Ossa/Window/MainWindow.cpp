@@ -23,6 +23,7 @@
 #include "OssCore/Program/OssSettings.h"
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssEvaluation/Geometry/OssEvMeshFile.h"
+#include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/Actions/OssShortcutManager.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssInterface/Popups/OssMessageBox.h"
@@ -100,6 +101,9 @@ MainWindow::MainWindow()
     connect(m_recovery, &WorkRecovery::trouble, this, told("recovery"));
     m_meshes = new MeshCommands(m_project, this);
     connect(m_meshes, &MeshCommands::trouble, this, told("meshes"));
+    m_notifications->addRemedy(QStringLiteral("meshes"),
+                               OssActionTreeManager::instance()->findAction(
+                                   QStringLiteral("/Ossa/File/Missing Files...")));
     const auto *colors = new ColorCommands(this); // owned by the window
     connect(colors, &ColorCommands::trouble, this, told("colors"));
     new EditCommands(this);   // owned by the window

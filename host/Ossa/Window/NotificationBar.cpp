@@ -1,5 +1,6 @@
 #include "Ossa/Window/NotificationBar.h"
 
+#include <QAction>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -44,7 +45,24 @@ void NotificationBar::refresh()
     for (const Message &message : qAsConst(m_messages))
         texts.append(message.text);
     m_label->setText(texts.join(QLatin1Char('\n')));
+    for (const Remedy &remedy : qAsConst(m_remedies)) {
+        const auto isIt = [&remedy](const Message &one) {
+            return one.subject == remedy.subject;
+        };
+        remedy.button->setVisible(std::any_of(m_messages.cbegin(), m_messages.cend(), isIt));
+    }
     setVisible(!texts.isEmpty());
+}
+
+void NotificationBar::addRemedy(const QString &subject, QAction *action)
+{
+    auto *button = new QPushButton(action->text(), this);
+    button->setToolTip(action->toolTip());
+    button->hide();
+    connect(button, &QPushButton::clicked, action, &QAction::trigger);
+    m_remedies.append({subject, button});
+    auto *row = qobject_cast<QHBoxLayout *>(layout());
+    row->insertWidget(row->count() - 1, button, 0, Qt::AlignTop);
 }
 
 QString NotificationBar::text() const

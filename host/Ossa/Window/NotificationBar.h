@@ -4,7 +4,9 @@
 #include <QString>
 #include <QVector>
 
+class QAction;
 class QLabel;
+class QPushButton;
 
 /// A strip at the top of the window that says what is wrong, for as long as it is or until it is dismissed.
 class NotificationBar : public QFrame
@@ -19,6 +21,9 @@ public:
     void tell(const QString &message, const QString &subject = QString());
     QString text() const;
 
+    /// A button that mends what is told of a subject, to be seen as long as that stands there.
+    void addRemedy(const QString &subject, QAction *action);
+
 private:
     struct Message
     {
@@ -29,6 +34,13 @@ private:
     void dismiss();
     void refresh();
 
+    struct Remedy
+    {
+        QString subject;
+        QPushButton *button;
+    };
+
     QVector<Message> m_messages;
+    QVector<Remedy> m_remedies;
     QLabel *m_label;
 };

@@ -17,8 +17,12 @@ protected:
     void SetUp() override
     {
         ModelFixture::SetUp();
-        const QString path = OssResourceInfo::instance()->examplePath()
-                             + QStringLiteral("/Barrel.ossa");
+        open(QStringLiteral("Barrel.ossa"));
+    }
+
+    void open(const QString &name)
+    {
+        const QString path = QDir(OssResourceInfo::instance()->examplePath()).filePath(name);
         const OssResult opened = OssProjectManager::instance()->openProject(path);
         ASSERT_TRUE(opened) << qPrintable(opened.error());
         m_project = OssProjectManager::instance()->currentProject();
@@ -29,7 +33,7 @@ protected:
     {
         OssExportOptions options;
         options.folder = m_folder.path();
-        options.resolution = 128;
+        options.resolution = m_resolution;
         OssExportPreset preset;
         OssExportPlan plan;
         OssResult result = OssExportPresets::find(QString::fromLatin1(name), &preset);
@@ -46,7 +50,28 @@ protected:
     }
 
     QTemporaryDir m_folder;
+    int m_resolution = 128;
 };
+
+TEST_F(ExportedExample, noneHasANodeThatCannotBeComputed)
+{
+    m_resolution = 32;
+    const QDir folder(OssResourceInfo::instance()->examplePath());
+    const QStringList projects{QStringLiteral("*.ossa")};
+    QStringList names = folder.entryList(projects, QDir::Dirs);
+    const QString guides = QStringLiteral("Guides/");
+    const QStringList guided = QDir(folder.filePath(guides)).entryList(projects, QDir::Dirs);
+    for (const QString &name : guided)
+        names.append(guides + name);
+    EXPECT_GE(names.size(), 10);
+    for (const QString &name : qAsConst(names)) {
+        open(name);
+        if (OssExportMaterial::of(m_project).isEmpty())
+            continue; // its material is the reader's to make
+        const OssResult written = write("One File per Channel");
+        EXPECT_TRUE(written) << qPrintable(name + QStringLiteral(": ") + written.error());
+    }
+}
 
 TEST_F(ExportedExample, filesOfEachChannelHoldWhatTheNodesSay)
 {

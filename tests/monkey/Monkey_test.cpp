@@ -49,8 +49,6 @@ const char *const Refusals[] = {
     "cannot be converted",
     "has no place any more",
     "\", which is gone",
-    // A node of the old plaster that cannot be computed, in files that somebody exports of it.
-    "Lumps\": it has no input \"Coordinates\"",
     // The same of nodes that lost their wires, or came without.
     "\": nothing is connected to \"",
     "Bake Point: nothing is connected",

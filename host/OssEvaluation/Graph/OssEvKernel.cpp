@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <utility>
 
 namespace {
@@ -115,11 +116,27 @@ int indexOf(const Items &items, std::string_view name)
     return found == items.end() ? -1 : int(found - items.begin());
 }
 
+/// Names of inputs in node types of before, which projects keep.
+struct EarlierInput
+{
+    std::string_view kernel;
+    std::string_view earlier;
+    std::string_view name;
+};
+
+constexpr EarlierInput EarlierInputs[] = {{"fractalNoise", "Coordinates", "Position"}};
+
 } // namespace
 
 int OssEvKernel::inputIndex(std::string_view inputName) const
 {
-    return indexOf(inputs, inputName);
+    const int index = indexOf(inputs, inputName);
+    const auto *const end = std::end(EarlierInputs);
+    const auto *const found = std::find_if(
+        std::begin(EarlierInputs), end, [&](const EarlierInput &input) {
+            return input.kernel == name && input.earlier == inputName;
+        });
+    return index < 0 && found != end ? indexOf(inputs, found->name) : index;
 }
 
 int OssEvKernel::outputIndex(std::string_view outputName) const

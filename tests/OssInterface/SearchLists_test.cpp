@@ -12,6 +12,7 @@
 #include <QPainter>
 #include <QSignalSpy>
 #include <QStandardItemModel>
+#include <QTimer>
 
 // The lists in which nodes and their types are looked up.
 
@@ -233,6 +234,21 @@ TEST_F(SearchLists, theQuickListFitsIntoTheViewAndStandsAtThePointer)
         EXPECT_EQ(view.mapFromGlobal(dialog.pos()), corner) << room.width();
         EXPECT_EQ(dialog.nodePosition(), pointer);
     }
+}
+
+TEST_F(SearchLists, lettersThatReachTheWindowBehindAQuickListAreNotLost)
+{
+    QWidget window;
+    auto *view = new QWidget(&window);
+    window.show();
+    OssNodeQuickFindDialog dialog({}, {}, 5, {10, 10}, {600, 600}, view);
+    QTimer::singleShot(0, &dialog, [&] {
+        for (const auto key : {Qt::Key_B, Qt::Key_L})
+            QTest::keyClick(window.windowHandle(), key);
+        EXPECT_EQ(dialog.findChild<QLineEdit *>()->text(), text("bl"));
+        QTest::keyClick(window.windowHandle(), Qt::Key_Return);
+    });
+    EXPECT_EQ(dialog.exec(), QDialog::Accepted);
 }
 
 TEST_F(SearchLists, favouritesAreMarkedByAKeyOrTheStarAndChosenBesideIt)

@@ -367,6 +367,7 @@ TEST_F(OssNgNodeLooks, notesGrowWithTheirText)
     EXPECT_EQ(heightOf(text("one")), line) << "there is always a line";
     EXPECT_GT(heightOf(text("one\n\ntwo")), heightOf(text("one\ntwo"))) << "an empty line is one";
     EXPECT_GT(heightOf(text("word ").repeated(60)), line) << "long ones are wrapped";
+    EXPECT_GT(heightOf(text("path/").repeated(60)), line) << "also what has no gaps";
 }
 
 TEST_F(OssNgNodeLooks, settingWhatIsSetRepaintsNothing)

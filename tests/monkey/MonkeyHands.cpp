@@ -90,8 +90,9 @@ void MonkeyHands::act()
 
 bool MonkeyHands::answerWaiting()
 {
-    QWidget *modal = QApplication::activeModalWidget();
-    auto *dialog = qobject_cast<QDialog *>(modal);
+    auto *dialog = qobject_cast<QDialog *>(QApplication::activePopupWidget());
+    QWidget *modal = dialog ? dialog : QApplication::activeModalWidget();
+    dialog = qobject_cast<QDialog *>(modal);
     const bool files = qobject_cast<QFileDialog *>(modal);
     const int patience = qobject_cast<QMessageBox *>(modal) ? 8 : 40;
     // A script keeps the user's hands off dialogs, too.

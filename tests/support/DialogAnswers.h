@@ -20,9 +20,10 @@ template <class Dialog>
 void whenOpen(const std::function<void(Dialog *)> &act)
 {
     QTimer::singleShot(0, [act] {
+        auto *popup = qobject_cast<Dialog *>(QApplication::activePopupWidget());
         auto *dialog = qobject_cast<Dialog *>(QApplication::activeModalWidget());
-        ASSERT_NE(dialog, nullptr);
-        act(dialog);
+        ASSERT_TRUE(popup || dialog);
+        act(popup ? popup : dialog);
     });
 }
 

@@ -6,6 +6,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QDialog>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMenuBar>
@@ -328,8 +329,10 @@ QString OssShortcutManager::disabledCommand(const QKeyEvent &event, const QWidge
 
 bool OssShortcutManager::isCovered(QAction *action) const
 {
-    const QWidget *modal = action ? QApplication::activeModalWidget() : nullptr;
+    const QWidget *modal = qobject_cast<QDialog *>(QApplication::activePopupWidget());
     if (!modal)
+        modal = QApplication::activeModalWidget();
+    if (!modal || !action)
         return false;
     const QString path = m_bound.key(action);
     const QWidgetList widgets = path.isEmpty() ? QWidgetList() : widgetsOf(path);

@@ -3,7 +3,9 @@
 #include "OssInterface/Popups/OssApplication.h"
 
 #include <QEvent>
+#include <QEventLoop>
 #include <QGuiApplication>
+#include <QPointer>
 #include <QScreen>
 
 OssPopupDialog::OssPopupDialog(QWidget *parent)
@@ -13,7 +15,18 @@ OssPopupDialog::OssPopupDialog(QWidget *parent)
 
 int OssPopupDialog::exec()
 {
-    return OssApplication::popupsAllowed() ? QDialog::exec() : int(Rejected);
+    if (!OssApplication::popupsAllowed())
+        return Rejected;
+    // Not modal, as QDialog::exec() would have it: keys that the window system gives to the window behind
+    // while this one comes up would be lost. What else is done there a popup keeps away.
+    QEventLoop loop;
+    connect(this, &OssPopupDialog::left, &loop, &QEventLoop::quit);
+    connect(this, &QObject::destroyed, &loop, &QEventLoop::quit);
+    const QPointer<OssPopupDialog> self(this);
+    setResult(Rejected);
+    show();
+    loop.exec(QEventLoop::DialogExec);
+    return self ? result() : int(Rejected);
 }
 
 bool OssPopupDialog::event(QEvent *event)
@@ -24,6 +37,12 @@ bool OssPopupDialog::event(QEvent *event)
         return true;
     }
     return QDialog::event(event);
+}
+
+void OssPopupDialog::hideEvent(QHideEvent *event)
+{
+    QDialog::hideEvent(event);
+    Q_EMIT left();
 }
 
 void OssPopupDialog::showEvent(QShowEvent *event)

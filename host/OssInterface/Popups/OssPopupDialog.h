@@ -17,7 +17,11 @@ public:
 public Q_SLOTS:
     int exec() override;
 
+Q_SIGNALS:
+    void left();
+
 protected:
+    void hideEvent(QHideEvent *event) override;
     bool event(QEvent *event) override;
     /// Moves the dialog so that all of it is on its screen.
     void showEvent(QShowEvent *event) override;

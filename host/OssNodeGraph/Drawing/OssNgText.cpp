@@ -7,6 +7,7 @@
 #include <QPainter>
 #include <QStaticText>
 #include <QTextLayout>
+#include <QTextOption>
 
 namespace {
 
@@ -75,6 +76,9 @@ QStringList OssNgText::wrapped(Role role, const QString &text, qreal width, int 
     const QStringList paragraphs = text.split(QLatin1Char('\n'));
     for (const QString &paragraph : paragraphs) {
         QTextLayout layout(paragraph, shelf(role).font);
+        QTextOption option;
+        option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere); // paths have no gaps
+        layout.setTextOption(option);
         layout.beginLayout();
         for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
             line.setLineWidth(width);

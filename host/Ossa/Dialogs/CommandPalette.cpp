@@ -18,7 +18,7 @@ constexpr int distanceFromTop = 60;
 } // namespace
 
 CommandPalette::CommandPalette(QWidget *parent)
-    : QDialog(parent, Qt::Dialog | Qt::FramelessWindowHint)
+    : OssPopupDialog(parent)
     , m_model(new CommandListModel(this))
     , m_search(new QLineEdit(this))
     , m_list(new QListView(this))
@@ -51,22 +51,21 @@ void CommandPalette::accept()
     const QPointer<QAction> command = m_model->action(m_list->currentIndex());
     if (!command || !command->isEnabled())
         return;
-    QDialog::accept();
+    OssPopupDialog::accept();
     QMetaObject::invokeMethod(
         command, [command] { command->trigger(); }, Qt::QueuedConnection);
 }
 
 bool CommandPalette::eventFilter(QObject *watched, QEvent *event)
 {
-    return OssSearchKeys::passOn(event, m_list) || QDialog::eventFilter(watched, event);
+    return OssSearchKeys::passOn(event, m_list) || OssPopupDialog::eventFilter(watched, event);
 }
 
 void CommandPalette::showEvent(QShowEvent *event)
 {
-    QDialog::showEvent(event);
-    if (const QWidget *owner = parentWidget()) {
+    if (const QWidget *owner = parentWidget())
         move(owner->mapToGlobal({(owner->width() - width()) / 2, distanceFromTop}));
-    }
+    OssPopupDialog::showEvent(event);
     m_search->setFocus();
 }
 

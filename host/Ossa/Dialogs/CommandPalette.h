@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QDialog>
+#include "OssInterface/Popups/OssPopupDialog.h"
 
 class CommandListModel;
 class QLineEdit;
@@ -9,7 +9,7 @@ class QListView;
 /// Finds any command by a few letters of its name: arrows choose, Enter runs it, Escape leaves.
 /// The command runs after the dialog has closed and the focus is back where it was, so that it
 /// acts on what the user was working in.
-class CommandPalette : public QDialog
+class CommandPalette : public OssPopupDialog
 {
     Q_OBJECT
 

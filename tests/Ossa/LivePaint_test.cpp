@@ -136,6 +136,31 @@ TEST_F(LivePaint, picturesThatHaveThePaintDoNotGetItTwice)
     EXPECT_NEAR(red(), 0.0, 0.02) << "half of it is known to be paint";
 }
 
+TEST_F(LivePaint, whatUndonePaintLayOverIsSeenAtOnceAsFarAsItIsKnown)
+{
+    ViewerLook look;
+    look.raw = true;
+    m_pictures.setLook(look);
+    const auto undoFrom = [&](double opacity, float red, float green) {
+        OssEvBrush brush = Brushes::instance()->brush();
+        brush.opacity = opacity;
+        Brushes::instance()->setBrush(brush);
+        dab();
+        const auto painted = tileOf(4, {red, green, 0.0F, 1.0F});
+        m_pictures.setIncluded(m_session->published());
+        m_pictures.begin({1001}, Resolution, {});
+        m_pictures.setTile(1001, Resolution, {0, 0}, ViewerPixels::picture(*painted, look),
+                           painted);
+        history()->undo();
+        return m_pictures.picture(1001).pixelColor(Resolution / 2, Resolution / 2);
+    };
+    const QColor half = undoFrom(0.5, 0.5F, 0.25F);
+    EXPECT_NEAR(half.redF(), 0.0, 0.01);
+    EXPECT_NEAR(half.greenF(), 0.5, 0.01) << "red lay over a merge's green";
+    const QColor whole = undoFrom(0.99, 0.99F, 0.005F);
+    EXPECT_NEAR(whole.redF(), 0.99, 0.01) << "until other pixels come";
+}
+
 TEST_F(LivePaint, paintingOnDuringAnEvaluationLeavesNoHoles)
 {
     ViewerLook look;

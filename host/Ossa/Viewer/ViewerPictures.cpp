@@ -110,6 +110,38 @@ void ViewerPictures::compose(int number, Patch *patch, const QRect &area, Rows r
     }
 }
 
+namespace {
+
+constexpr float leastKeep = 0.004F; ///< below it is not known what lies beneath
+constexpr float mostBared = 8.0F;   ///< times what was seen of it: of less only noise is known
+constexpr OssEvPaintTile::Texel bareTexel{0.0F, 0.0F, 0.0F, 0.0F, 1.0F};
+
+void cover(const OssEvPaintTile::Texel &paint, float *rgba)
+{
+    for (std::size_t c = 0; c < 4; ++c)
+        rgba[c] = paint[c] + paint[OssEvPaintTile::Keep] * rgba[c];
+}
+
+/// What makes of a texel with one paint on it the one with another, as far as that is known.
+OssEvPaintTile::Texel since(const OssEvPaintTile::Texel &before, const OssEvPaintTile::Texel &now)
+{
+    if (before == now)
+        return bareTexel;
+    const float kept = before[OssEvPaintTile::Keep];
+    const float keeps = now[OssEvPaintTile::Keep];
+    if (kept < leastKeep)
+        return keeps < leastKeep ? now : bareTexel;
+    if (keeps > mostBared * kept)
+        return bareTexel;
+    OssEvPaintTile::Texel change;
+    change[OssEvPaintTile::Keep] = keeps / kept;
+    for (std::size_t c = 0; c < 4; ++c)
+        change[c] = now[c] - change[OssEvPaintTile::Keep] * before[c];
+    return change;
+}
+
+} // namespace
+
 // What is shown of many texels at once takes less time than row by row.
 void ViewerPictures::composeTile(int number, Patch *patch, const QRect &area, Rows rows)
 {
@@ -140,29 +172,6 @@ void ViewerPictures::composeTile(int number, Patch *patch, const QRect &area, Ro
     }
 }
 
-namespace {
-
-constexpr float leastKeep = 0.004F; ///< below it is not known what lies beneath
-constexpr OssEvPaintTile::Texel bareTexel{0.0F, 0.0F, 0.0F, 0.0F, 1.0F};
-
-/// What makes of a texel with one paint on it the one with another.
-OssEvPaintTile::Texel since(const OssEvPaintTile::Texel &before, const OssEvPaintTile::Texel &now)
-{
-    if (before == now)
-        return bareTexel;
-    const float kept = before[OssEvPaintTile::Keep];
-    const float keeps = now[OssEvPaintTile::Keep];
-    if (kept < leastKeep)
-        return keeps < leastKeep ? now : bareTexel;
-    OssEvPaintTile::Texel change;
-    change[OssEvPaintTile::Keep] = keeps / kept;
-    for (std::size_t c = 0; c < 4; ++c)
-        change[c] = now[c] - change[OssEvPaintTile::Keep] * before[c];
-    return change;
-}
-
-} // namespace
-
 /// What of the paint the values of a run do not have.
 bool ViewerPictures::readPaint(int number, int x, int y, const Run &run,
                                OssEvPaintTile::Texel *paint) const
@@ -170,12 +179,11 @@ bool ViewerPictures::readPaint(int number, int x, int y, const Run &run,
     if (!m_paint)
         return false;
     const OssLivePaint *had = run.tile ? run.tile->paint.get() : nullptr;
-    const bool isPainted = m_paint->readRow(number, m_resolution, x, y, run.count, paint);
+    const bool isPainted = readRow(*m_paint, number, x, y, run.count, paint);
     if (!had)
         return isPainted;
     std::vector<OssEvPaintTile::Texel> before(std::size_t(run.count));
-    const bool wasPainted = had->paint().readRow(number, m_resolution, x, y, run.count,
-                                                 before.data());
+    const bool wasPainted = readRow(had->paint(), number, x, y, run.count, before.data());
     if (!wasPainted)
         return isPainted;
     for (int i = 0; i < run.count; ++i)
@@ -183,12 +191,15 @@ bool ViewerPictures::readPaint(int number, int x, int y, const Run &run,
     return true;
 }
 
-void ViewerPictures::cover(const OssEvPaintTile::Texel &paint, float *rgba) const
+bool ViewerPictures::readRow(const OssEvPaintBuffer &paint, int number, int x, int y, int count,
+                             OssEvPaintTile::Texel *texels) const
 {
-    const float keep = m_showsOwnImages ? paint[OssEvPaintTile::Keep]
-                                        : 1.0F - std::clamp(paint[3], 0.0F, 1.0F);
-    for (std::size_t c = 0; c < 4; ++c)
-        rgba[c] = paint[c] + keep * rgba[c];
+    const bool isPainted = paint.readRow(number, m_resolution, x, y, count, texels);
+    if (m_showsOwnImages || !isPainted)
+        return isPainted;
+    for (int i = 0; i < count; ++i)
+        texels[i][OssEvPaintTile::Keep] = 1.0F - std::clamp(texels[i][3], 0.0F, 1.0F);
+    return true;
 }
 
 ViewerPictures::Run ViewerPictures::readBeneath(const Patch &patch, int x, int y, int count,

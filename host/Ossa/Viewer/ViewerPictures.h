@@ -100,16 +100,16 @@ private:
 
     enum Rows { AllRows, PaintedRows };
 
-    /// Puts paint on a texel; as a whole or, where it cannot be told what an eraser would bare,
-    /// without that.
-    void cover(const std::array<float, 5> &paint, float *rgba) const;
-
     /// Makes the pixels of an area anew from values and paint.
     void compose(int number, Patch *patch, const QRect &area, Rows rows);
     void composeTile(int number, Patch *patch, const QRect &area, Rows rows);
     Run readBeneath(const Patch &patch, int x, int y, int count, float *rgba, bool *isColor) const;
     static void dropOlder(Patch *patch, const QRect &area, int generation);
     bool readPaint(int number, int x, int y, const Run &run, std::array<float, 5> *paint) const;
+    /// What a texel keeps of what lies beneath is, where it cannot be told what an eraser would bare, what its
+    /// paint does not hide.
+    bool readRow(const OssEvPaintBuffer &paint, int number, int x, int y, int count,
+                 std::array<float, 5> *texels) const;
 
     QHash<int, Patch> m_patches;
     int m_resolution = 1024;

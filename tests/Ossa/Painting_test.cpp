@@ -13,6 +13,8 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 
+#include <cmath>
+
 namespace {
 
 /// The paint buffer between the brush and the images.
@@ -297,6 +299,45 @@ TEST_F(Painting, aStrokeInHandCanBeTakenBackAndIsNoStep)
     EXPECT_EQ(history()->undoText(), text("Clear Paint"));
     history()->undo();
     EXPECT_EQ(m_session->buffer().tiles(), tiles);
+}
+
+TEST_F(Painting, aHandThatIsFasterThanItsPaintMakesTheSameStrokeAndKeepsItsAlongs)
+{
+    images()->setResolution(1024);
+    OssSnImageSetNodeBase *fine = paintNode();
+    fine->imageSet()->setResolution(2048); // which paints for itself
+    history()->clear();
+    ASSERT_TRUE(m_session->setAlong({fine}));
+    setBrush(Qt::red, false, 150.0);
+    const auto painted = [this](const auto &move) {
+        EXPECT_TRUE(m_session->begin({{0.2, 0.5}}));
+        for (int i = 1; i <= 40; ++i)
+            move(QPointF(0.2 + 0.015 * i, 0.5 + 0.2 * std::sin(0.3 * i)));
+        m_session->end();
+        std::vector<OssEvPaintTile::Texel> row(1024);
+        EXPECT_TRUE(m_session->buffer().readRow(1001, 1024, 0, 400, 1024, row.data()));
+        EXPECT_EQ(undoCount(), 1);
+        history()->undo();
+        EXPECT_FALSE(m_session->hasPaint());
+        return row;
+    };
+    const auto slow = painted([this](const QPointF &to) { m_session->moveTo(to); });
+    const auto fast = painted([this](const QPointF &to) { m_session->follow(to, 1.0); });
+    EXPECT_EQ(slow, fast);
+    // What waits comes by itself, and goes with the stroke.
+    EXPECT_TRUE(m_session->begin({{0.2, 0.5}}));
+    for (int i = 1; i <= 40; ++i)
+        m_session->follow({0.2 + 0.015 * i, 0.5}, 1.0);
+    OssEvPaintTile::Texel there{};
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+        return m_session->buffer().readRow(1001, 1024, 800, 512, 1, &there) && there[3] > 0.9F;
+    }));
+    m_session->follow({0.9, 0.9}, 1.0);
+    m_session->cancel();
+    m_session->follow({0.9, 0.1}, 1.0);
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(m_session->hasPaint());
+    EXPECT_FALSE(history()->canUndo());
 }
 
 TEST_F(Painting, choosingANodeMakesItsImagesTheCurrentOnes)

@@ -36,8 +36,13 @@ OssEvStroke::~OssEvStroke() = default;
 
 OssEvStroke::Areas OssEvStroke::moveTo(double x, double y, double pressure)
 {
+    coverTo(x, y, pressure);
+    return update();
+}
+
+void OssEvStroke::coverTo(double x, double y, double pressure)
+{
     m_path.moveTo({x * m_scale, y * m_scale, pressure});
-    return m_tiles.update();
 }
 
 OssEvStroke::Areas OssEvStroke::finish()

@@ -26,6 +26,11 @@ public:
     /// Goes on to a place, in the stroke's own coordinates; see OssEvStrokePath. `pressure` of 0 to 1
     /// does what the brush says. Throws std::bad_alloc.
     Areas moveTo(double x, double y, double pressure = 1.0);
+    /// The same without blending: update() makes up for it, once for many places. Throws std::bad_alloc.
+    void coverTo(double x, double y, double pressure = 1.0);
+
+    Areas update() { return m_tiles.update(); }
+
     /// Nothing but changes() may be asked afterwards. Throws std::bad_alloc.
     Areas finish();
 

@@ -238,7 +238,7 @@ ObjectCanvas::Press ObjectCanvas::pressLine(const QPointF &place, double pressur
 
 void ObjectCanvas::move(const QPointF &place, double pressure)
 {
-    m_session->moveTo(flipped(place), pressure);
+    m_session->follow(flipped(place), pressure);
     noteEnd(place);
 }
 

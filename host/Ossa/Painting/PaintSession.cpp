@@ -21,6 +21,7 @@
 #include <QCoreApplication>
 
 #include <algorithm>
+#include <climits>
 #include <new>
 
 namespace {
@@ -28,6 +29,7 @@ namespace {
 constexpr int smallestResolution = 16;
 constexpr int largestResolution = 16384;
 constexpr int restTime = 3000; ///< milliseconds without a stroke
+constexpr int turnTime = 40;   ///< milliseconds of painting before the picture is seen
 
 const OssEvBrush &brush()
 {
@@ -67,6 +69,8 @@ PaintSession::PaintSession(PaintSession *leader)
     m_rest.setSingleShot(true);
     m_rest.setInterval(restTime);
     connect(&m_rest, &QTimer::timeout, this, &PaintSession::composeInAdvance);
+    m_behind.setSingleShot(true);
+    connect(&m_behind, &QTimer::timeout, this, [this] { catchUp(turnTime); });
     connect(&m_composer, &PaintComposer::failed, this, [](const QString &reason) {
         OssDebug("PaintSession", __LINE__, "[ !! ] No pixels of the paint: %s", qPrintable(reason));
     });
@@ -95,8 +99,7 @@ PaintSession::~PaintSession() = default;
 
 void PaintSession::forget()
 {
-    m_stroke.reset();
-    m_everyMove.reset();
+    letStrokeGo();
     m_macro.reset();
     m_rest.stop();
     m_composer.giveUp();
@@ -264,13 +267,66 @@ void PaintSession::moveTo(const QPointF &place, double pressure)
 {
     if (!m_stroke)
         return;
-    if (m_lastPlace)
-        m_lastPlace = place;
+    m_moves.push_back({place.x(), place.y(), pressure});
+    catchUp(INT_MAX);
+}
+
+// Half of the time is left for all else: the picture above all, which no event brings while others wait.
+void PaintSession::follow(const QPointF &place, double pressure)
+{
+    if (!m_stroke)
+        return;
+    m_moves.push_back({place.x(), place.y(), pressure});
+    if (m_behind.isActive())
+        return;
+    const qint64 rested = m_sinceMoves.isValid() ? m_sinceMoves.elapsed() : m_movesTook;
+    if (rested >= m_movesTook)
+        catchUp(turnTime);
+    else
+        m_behind.start(int(m_movesTook - rested));
+}
+
+/// Paints what waits, as far as there is time for; in milliseconds.
+void PaintSession::catchUp(int most)
+{
+    if (!m_stroke || m_moves.empty())
+        return;
+    m_behind.stop();
+    m_sinceMoves.start();
+    paint([&] { return coverMoves(most); });
+    m_movesTook = int(m_sinceMoves.restart());
+    if (!m_moves.empty())
+        m_behind.start(std::min(m_movesTook, turnTime));
+}
+
+OssEvStroke::Areas PaintSession::coverMoves(int most)
+{
+    std::vector<PaintSession *> others;
     for (PaintSession *along : inUse()) {
         if (along->isPainting() && !along->m_follows)
-            along->moveTo(place, pressure);
+            others.push_back(along);
     }
-    paint([&] { return m_stroke->moveTo(place.x(), place.y(), pressure); });
+    std::size_t done = 0;
+    while (done < m_moves.size() && (done == 0 || m_sinceMoves.elapsed() < most)) {
+        const OssEvStrokePath::Point &move = m_moves[done++];
+        m_stroke->coverTo(move.x, move.y, move.pressure);
+        for (PaintSession *along : others)
+            along->m_moves.push_back(move);
+        if (m_lastPlace)
+            m_lastPlace = QPointF(move.x, move.y);
+    }
+    m_moves.erase(m_moves.begin(), m_moves.begin() + std::ptrdiff_t(done));
+    for (PaintSession *along : others)
+        along->catchUp(INT_MAX);
+    return m_stroke->update();
+}
+
+void PaintSession::letStrokeGo()
+{
+    m_stroke.reset();
+    m_everyMove.reset();
+    m_moves.clear();
+    m_behind.stop();
 }
 
 /// Where the stroke has covered more.
@@ -311,6 +367,7 @@ void PaintSession::tellAreas(const OssEvStroke::Areas &areas)
 
 void PaintSession::end()
 {
+    catchUp(INT_MAX);
     if (m_stroke)
         paint([this] { return m_stroke->finish(); });
     if (!m_stroke)
@@ -318,8 +375,7 @@ void PaintSession::end()
     for (PaintSession *along : inUse())
         along->end();
     const std::vector<OssEvStroke::Change> changes = m_stroke->changes();
-    m_stroke.reset();
-    m_everyMove.reset();
+    letStrokeGo();
     finishStep(changes);
 }
 
@@ -352,8 +408,7 @@ void PaintSession::cancel()
     Tiles before;
     for (const OssEvStroke::Change &change : m_stroke->changes())
         before.emplace_back(change.place, change.before);
-    m_stroke.reset();
-    m_everyMove.reset();
+    letStrokeGo();
     m_macro.reset();
     setTiles(m_images, m_buffer.resolution(), before, Show);
 }

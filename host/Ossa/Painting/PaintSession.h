@@ -10,6 +10,7 @@
 #include "OssCore/Values/OssResult.h"
 #include "OssEvaluation/Paint/OssEvSurfaceStroke.h"
 
+#include <QElapsedTimer>
 #include <QHash>
 #include <QObject>
 #include <QPointer>
@@ -99,6 +100,9 @@ public:
     /// False also where the surface is not ready.
     bool beginOn(const OssEvSurfaceStroke::ViewPointer &view, const PaintStart &start);
     void moveTo(const QPointF &place, double pressure = 1.0);
+    /// As moveTo(), but places that come faster than they can be painted wait for each other and are painted at
+    /// once, so that the picture keeps up with the hand.
+    void follow(const QPointF &place, double pressure);
     void end();
     /// Takes the stroke in hand back.
     void cancel();
@@ -164,12 +168,15 @@ private:
     void lookBeneath();
     static QString stepName();
     bool fillWith(const MakeStroke &make, const std::optional<OssEvStroke::Line> &line);
+    void letStrokeGo();
     void finishStep(const std::vector<OssEvStroke::Change> &changes);
     double texelsInWorld() const;
     bool settle();
     /// False, and the user knows why, when it failed.
     bool bakeOrTell();
     void paint(const std::function<OssEvStroke::Areas()> &step);
+    void catchUp(int most);
+    OssEvStroke::Areas coverMoves(int most);
     void paintAlong(const OssEvStroke::Areas &areas);
     using Tiles = PaintJournal::Tiles;
 
@@ -206,6 +213,10 @@ private:
     QTimer m_rest; ///< since the last change of the paint
     std::unique_ptr<OssEvStroke> m_stroke;
     std::unique_ptr<EveryMove> m_everyMove;             ///< during a stroke
+    std::vector<OssEvStrokePath::Point> m_moves;        ///< of the stroke that are not painted yet
+    QTimer m_behind;                                    ///< until they are
+    QElapsedTimer m_sinceMoves;                         ///< were painted
+    int m_movesTook = 0;                                ///< milliseconds
     std::unique_ptr<OssUndoManager::AutoMacro> m_macro; ///< of the stroke in hand
     std::optional<QPointF> m_lastPlace;
     std::vector<std::unique_ptr<PaintSession>> m_along; ///< kept, as the history needs them

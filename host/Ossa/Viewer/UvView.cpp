@@ -176,7 +176,7 @@ void UvView::tellFocus()
 
 void UvView::wheelEvent(QWheelEvent *event)
 {
-    if (m_isPainting && SheetHand::wheel(*event))
+    if (m_isPainting && (SheetHand::wheel(*event) || m_gradientFrom))
         return;
     const double wanted = m_scale * std::pow(1.25, event->angleDelta().y() / 120.0);
     const double factor = std::clamp(wanted, smallestScale, largestScale) / m_scale;
@@ -210,7 +210,7 @@ void UvView::mouseMoveEvent(QMouseEvent *event)
     if (m_isWiping) {
         moveWipe(event->localPos());
     } else if (m_session->isPainting()) {
-        m_session->moveTo(toUv(m_hand.follow(event->localPos(), Brushes::instance()->steadiness())),
+        m_session->follow(toUv(m_hand.follow(event->localPos(), Brushes::instance()->steadiness())),
                           m_hand.pressure());
     } else if ((event->buttons() & Qt::MiddleButton)
                || ((event->buttons() & Qt::LeftButton)

@@ -44,11 +44,11 @@ protected:
 
     void key(Qt::Key key) { QTest::keyClick(m_canvas.get(), key); }
 
-    void pen(QEvent::Type type, double pressure)
+    void pen(QEvent::Type type, double pressure, Qt::MouseButtons buttons = Qt::LeftButton)
     {
         QTabletEvent event(type, at(0.5, 0.5), at(0.5, 0.5), QTabletEvent::Stylus,
                            QTabletEvent::Pen, pressure, 0, 0, 0, 0, 0, {}, 1, Qt::LeftButton,
-                           Qt::LeftButton);
+                           buttons);
         QApplication::sendEvent(m_canvas.get(), &event);
     }
 
@@ -279,6 +279,8 @@ TEST_F(PaintGestures, everyPressureOfAPenCountsUpToAMouses)
         pen(QEvent::TabletRelease, pressure);
     }
     EXPECT_EQ(covered(), before) << "a mouse presses fully";
+    pen(QEvent::TabletMove, 0.0, Qt::NoButton);
+    EXPECT_EQ(covered(), before) << "also while a pen hovers";
 }
 
 TEST_F(PaintGestures, theOutlineIsUnderThePointerWhilePainting)

@@ -13,9 +13,9 @@ constexpr double smallestPressure = 0.02;
 
 void BrushHand::note(const QTabletEvent &event)
 {
-    m_pressure = event.type() == QEvent::TabletRelease
-                     ? 1.0
-                     : std::max(smallestPressure, event.pressure());
+    // A pen that hovers leaves the mouse its full strength.
+    const bool touches = event.type() != QEvent::TabletRelease && event.buttons() != Qt::NoButton;
+    m_pressure = touches ? std::max(smallestPressure, event.pressure()) : 1.0;
 }
 
 QPointF BrushHand::begin(const QPointF &pointer)

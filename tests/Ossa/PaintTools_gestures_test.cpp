@@ -1,6 +1,8 @@
 #include "OssCore/Program/OssStatusManager.h"
 #include "PaintFixture.h"
 
+#include <QApplication>
+#include <QFocusEvent>
 #include <QSignalSpy>
 #include <QWheelEvent>
 
@@ -89,6 +91,25 @@ TEST_F(PaintToolGestures, aGradientFollowsItsLineAndEscapeGivesItUp)
     QTest::keyClick(m_canvas.get(), Qt::Key_Escape);
     QTest::mouseRelease(m_canvas.get(), Qt::LeftButton, {}, at(0.9, 0.2));
     EXPECT_EQ(undoCount(), 1);
+}
+
+TEST_F(PaintToolGestures, aGradientInHandEndsWithPaintingAndWithItsTool)
+{
+    const auto giveUpBy = [this](const auto &what) {
+        use(Tool::Gradient);
+        QTest::mousePress(m_canvas.get(), Qt::LeftButton, {}, at(0.2, 0.2));
+        moveMouse(m_canvas.get(), at(0.9, 0.2), Qt::LeftButton);
+        what();
+        QTest::mouseRelease(m_canvas.get(), Qt::LeftButton, {}, at(0.9, 0.2));
+        EXPECT_EQ(undoCount(), 0);
+        m_canvas->setPainting(true);
+    };
+    giveUpBy([] { use(Tool::Fill); });
+    giveUpBy([this] { m_canvas->setPainting(false); });
+    giveUpBy([this] {
+        QFocusEvent elsewhere(QEvent::FocusOut);
+        QApplication::sendEvent(m_canvas.get(), &elsewhere);
+    });
 }
 
 TEST_F(PaintToolGestures, clonesAskForASourceAndKeepTheirWayToIt)

@@ -238,12 +238,12 @@ bool PaintSession::fill(const PaintStart &start, const std::optional<QPointF> &e
 {
     if (!areReady())
         return false;
-    const OssUndoManager::AutoMacro macro(stepName());
-    const bool filled = fillWith(flatStroke(start), lineOf(start, end));
-    for (PaintSession *along : inUse()) {
-        if (filled)
-            along->fill(startOf(*along, start), end);
-    }
+    OssUndoManager::AutoMacro macro(stepName());
+    bool filled = fillWith(flatStroke(start), lineOf(start, end));
+    for (PaintSession *along : inUse())
+        filled = filled && along->fill(startOf(*along, start), end);
+    if (!filled) // all of them or none
+        macro.cancel();
     return filled;
 }
 
@@ -252,12 +252,12 @@ bool PaintSession::fillOn(const OssEvSurfaceStroke::ViewPointer &view, const Pai
 {
     if (!areReady())
         return false;
-    const OssUndoManager::AutoMacro macro(stepName());
-    const bool filled = fillWith(objectStroke(view, start), lineOf(start, end));
-    for (PaintSession *along : inUse()) {
-        if (filled)
-            along->fillOn(view, startOf(*along, start), end);
-    }
+    OssUndoManager::AutoMacro macro(stepName());
+    bool filled = fillWith(objectStroke(view, start), lineOf(start, end));
+    for (PaintSession *along : inUse())
+        filled = filled && along->fillOn(view, startOf(*along, start), end);
+    if (!filled) // all of them or none
+        macro.cancel();
     return filled;
 }
 

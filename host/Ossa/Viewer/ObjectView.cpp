@@ -74,6 +74,8 @@ void ObjectView::setLit(bool lit)
 
 void ObjectView::frameAll()
 {
+    if (isInHand())
+        return;
     if (isMaterial()) {
         frameLight();
         return;
@@ -277,7 +279,7 @@ QVector3D ObjectView::placeAt(const QPointF &place) const
 // What was under the pointer stays there, so one look is enough for a whole turn of the wheel.
 void ObjectView::wheelEvent(QWheelEvent *event)
 {
-    if (m_isPainted && SheetHand::wheel(*event))
+    if (m_isPainted && (SheetHand::wheel(*event) || isInHand()))
         return;
     if (m_zoomPoint != event->position()) {
         m_zoomPoint = event->position();

@@ -104,7 +104,9 @@ private:
     /// Whether it is drawn in light, not as patches.
     bool isMaterial() const { return m_isLit && !m_isPainted && m_lightProblem.isEmpty(); }
 
-    /// False where no stroke is in hand.
+    /// Whether a stroke or gradient is, which lies where the camera was when it began.
+    bool isInHand() const;
+    /// False where nothing is in hand.
     bool takeStrokeBack();
     void startLight();
     void activateLight();

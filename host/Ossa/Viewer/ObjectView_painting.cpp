@@ -33,6 +33,7 @@ void ObjectView::setPainted(bool painted)
     m_isPainted = painted;
     if (!painted)
         m_session->end();
+    m_gradientFrom.reset();
     m_canvas->setActive(painted);
     setCursor(painted ? Qt::CrossCursor : Qt::ArrowCursor);
     activateLight();
@@ -97,7 +98,9 @@ void ObjectView::paintRelease(const QPointF &place)
     m_gradientFrom.reset();
     update();
     placeCanvas();
-    if (from != place && m_canvas->fill(from, place) == ObjectCanvas::Press::Beside)
+    if (from == place || Brushes::instance()->brush().tool != OssEvBrush::Tool::Gradient)
+        return;
+    if (m_canvas->fill(from, place) == ObjectCanvas::Press::Beside)
         OssStatusManager::instance()->showMessage(tr("A gradient begins on the object"));
 }
 
@@ -126,9 +129,14 @@ void ObjectView::keyPressEvent(QKeyEvent *event)
         QWidget::keyPressEvent(event);
 }
 
+bool ObjectView::isInHand() const
+{
+    return m_isPainted && (m_session->isPainting() || m_gradientFrom);
+}
+
 bool ObjectView::takeStrokeBack()
 {
-    if (!m_isPainted || (!m_session->isPainting() && !m_gradientFrom))
+    if (!isInHand())
         return false;
     m_session->cancel();
     m_gradientFrom.reset();
@@ -140,6 +148,7 @@ void ObjectView::focusOutEvent(QFocusEvent *event)
 {
     if (m_isPainted)
         m_session->end();
+    m_gradientFrom.reset();
     QWidget::focusOutEvent(event);
 }
 

@@ -21,6 +21,7 @@ void UvView::setPainting(bool on)
     if (on == m_isPainting)
         return;
     m_session->end();
+    m_gradientFrom.reset();
     m_isPainting = on;
     showPointer();
     if (on)
@@ -93,7 +94,7 @@ void UvView::paintRelease(const QPointF &place)
     const QPointF from = *m_gradientFrom;
     m_gradientFrom.reset();
     update();
-    if (from != place)
+    if (from != place && Brushes::instance()->brush().tool == OssEvBrush::Tool::Gradient)
         m_session->fill(startAt(toUv(from)), toUv(place));
 }
 
@@ -107,6 +108,7 @@ void UvView::tabletEvent(QTabletEvent *event)
 void UvView::focusOutEvent(QFocusEvent *event)
 {
     m_session->end();
+    m_gradientFrom.reset();
     QWidget::focusOutEvent(event);
 }
 

@@ -23,6 +23,19 @@ struct Channel
 
 constexpr Channel layerChannels[] = {
     {"Base Color", false}, {"Roughness", true}, {"Metallic", true}, {"Displacement", true}};
+const QString normalInput = QStringLiteral("Normal");
+
+/// A node that makes the shader's normal of the height beneath has it with the paint.
+void bendAlong(const OssSnBaseNode *shader, const OssSnBaseNode *beneath, const QString &output,
+               OssSnBaseNode *merge)
+{
+    OssSnBaseNode *bends = shader->inputNode(normalInput);
+    const QStringList inputs = bends ? bends->inputNames() : QStringList();
+    for (const QString &input : inputs) {
+        if (bends->inputNode(input) == beneath && bends->inputOutputPoint(input) == output)
+            bends->setInputNode(input, merge, merge->prefferedOutputPoint());
+    }
+}
 
 QList<OssSnBaseNode *> nodesOf(const OssShaderNetwork *network)
 {
@@ -55,6 +68,8 @@ OssSnImageSetNodeBase *makePaint(OssSnBaseNode *fed, const QString &input)
     merge->setInputNode(QStringLiteral("Base"), beneath, output);
     merge->setInputNode(QStringLiteral("Over"), paint, paint->prefferedOutputPoint());
     fed->setInputNode(input, merge, merge->prefferedOutputPoint());
+    if (input == QLatin1String("Displacement"))
+        bendAlong(fed, beneath, output, merge);
     // Who looks at what is beneath sees the paint as well.
     OssSnBaseNode *viewer = network->viewerNode();
     const QString edge = QString::number(network->rootNetwork()->viewerNodeCurrentEdge());
@@ -180,11 +195,33 @@ OssSnImageSetNodeBase *PaintNodes::putOver(OssSnBaseNode *fed, const QString &in
     return paint;
 }
 
-QVector<PaintNodes::Part> PaintNodes::makeLayer(OssSnBaseNode *shader)
+std::optional<double> PaintNodes::usualOf(const OssSnBaseNode *node)
+{
+    QSet<const OssSnBaseNode *> seen;
+    QList<const OssSnBaseNode *> open{node};
+    while (!open.isEmpty()) {
+        const OssSnBaseNode *next = open.takeFirst();
+        const QList<OssSnBaseNode *> fed = next->outputNodes();
+        for (const OssSnBaseNode *shader : fed) {
+            for (const Channel &channel : layerChannels) {
+                const QString input = QLatin1String(channel.input);
+                if (channel.isScalar && shader->hasTag(OssSnTags::shader())
+                    && shader->inputNode(input) == next)
+                    return shader->attribute(input).toDouble();
+            }
+            if (!seen.contains(shader)) {
+                seen.insert(shader);
+                open.append(shader);
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+PaintNodes::Nodes PaintNodes::makeLayer(OssSnBaseNode *shader)
 {
     const OssUndoManager::AutoMacro macro(
         QCoreApplication::translate("PaintNodes", "New Paint Layer"));
-    QVector<Part> parts;
     Nodes made;
     for (const Channel &channel : layerChannels) {
         const QString input = QLatin1String(channel.input);
@@ -196,9 +233,8 @@ QVector<PaintNodes::Part> PaintNodes::makeLayer(OssSnBaseNode *shader)
         paint->setName(QCoreApplication::translate("PaintNodes", "%1 Paint").arg(input));
         if (paint->imageSet())
             paint->imageSet()->setScalar(channel.isScalar);
-        parts.append({paint, channel.isScalar ? shader->attribute(input).toDouble() : 0.0});
         made.append(paint);
     }
     select(shader->network(), made);
-    return parts;
+    return made;
 }

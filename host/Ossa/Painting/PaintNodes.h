@@ -3,6 +3,8 @@
 #include <QString>
 #include <QVector>
 
+#include <optional>
+
 class OssImageSet;
 class OssProject;
 class OssShaderNetwork;
@@ -26,16 +28,12 @@ OssSnImageSetNodeBase *find(const OssProject *project, const OssImageSet *images
 /// The shader that is shown or gets what is shown, or the only one there is; null: none.
 OssSnBaseNode *shownShader(OssShaderNetwork *network);
 
-/// A channel of a layer.
-struct Part
-{
-    OssSnImageSetNodeBase *node = nullptr;
-    double usual = 0.0; ///< what the shader takes where nothing is connected; of a number
-};
-
 /// Puts paint over what a shader gets as color, roughness, metal and displacement: a layer that is painted at
 /// once. The color's comes first. The new nodes are selected. One undo step.
-QVector<Part> makeLayer(OssSnBaseNode *shader);
+Nodes makeLayer(OssSnBaseNode *shader);
+
+/// What the shader behind a node takes as a number where nothing is connected; none behind others.
+std::optional<double> usualOf(const OssSnBaseNode *node);
 
 /// Puts paint over what goes into an input, and selects it. What is looked at there is looked at with the
 /// paint. Null: there is no such input. One undo step.

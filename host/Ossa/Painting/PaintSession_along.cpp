@@ -1,5 +1,6 @@
 #include "Ossa/Painting/PaintSession.h"
 
+#include "Ossa/Painting/PaintNodes.h"
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Nodes/OssSnImageSetNodeBase.h"
@@ -10,9 +11,11 @@
 
 namespace {
 
-OssColor usualAlong()
+// A stroke changes nothing but the color until one says what else.
+OssColor usualAlong(const OssSnImageSetNodeBase *node)
 {
-    return {0.5, 0.5, 0.5};
+    const double usual = PaintNodes::usualOf(node).value_or(0.5);
+    return {usual, usual, usual};
 }
 
 std::array<float, 3> toArray(const OssColor &color)
@@ -60,7 +63,8 @@ bool PaintSession::setAlong(const QVector<OssSnImageSetNodeBase *> &nodes)
         if (!node || node == m_node || along().contains(node))
             continue;
         PaintSession *other = spare();
-        other->m_ownColor = toArray(m_colorsAlong.value(node->imageSet(), usualAlong()));
+        const auto chosen = m_colorsAlong.constFind(node->imageSet());
+        other->m_ownColor = toArray(chosen == m_colorsAlong.cend() ? usualAlong(node) : *chosen);
         other->setNode(node);
     }
     Q_EMIT stateChanged();

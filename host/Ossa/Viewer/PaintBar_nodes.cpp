@@ -163,20 +163,14 @@ void PaintBar::makeLayer()
             tr("A layer lies over a material: connect one to the viewer"));
         return;
     }
-    const QVector<PaintNodes::Part> made = PaintNodes::makeLayer(shader);
+    const PaintNodes::Nodes made = PaintNodes::makeLayer(shader);
     if (made.isEmpty())
         OssStatusManager::instance()->showMessage(
             tr("\"%1\" takes none of color, roughness, metal and displacement")
                 .arg(shader->name()));
-    if (made.isEmpty() || !m_session->setAlong({}) || !m_session->setNode(made.first().node))
+    if (made.isEmpty() || !m_session->setAlong({}) || !m_session->setNode(made.first()))
         return;
-    QVector<OssSnImageSetNodeBase *> along;
-    for (const PaintNodes::Part &part : made.mid(1))
-        along.append(part.node);
-    m_session->setAlong(along);
-    // A stroke changes nothing but the color until one says what else.
-    for (const PaintNodes::Part &part : made.mid(1))
-        m_session->setColorAlong(part.node, OssColor(part.usual, part.usual, part.usual));
+    m_session->setAlong(made.mid(1));
     refresh();
 }
 

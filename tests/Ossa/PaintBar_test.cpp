@@ -87,6 +87,8 @@ TEST_F(PaintBars, newPaintLiesOverWhatIsShownInOneStep)
     EXPECT_EQ(m_project->stateHash(), before);
 
     m_network->viewerNode()->setInputNode(text("1"), m_blur, m_blur->prefferedOutputPoint());
+    OssSnBaseNode *shader = add("Shaders/Standard Surface");
+    shader->setInputNode(text("Base Color"), m_blur, m_blur->prefferedOutputPoint());
     OssUndoManager::instance()->clear();
     const QByteArray shown = m_project->stateHash();
     button("New")->click();
@@ -94,6 +96,7 @@ TEST_F(PaintBars, newPaintLiesOverWhatIsShownInOneStep)
     ASSERT_TRUE(merge && merge != m_session->node());
     EXPECT_EQ(merge->inputNode(text("Base")), m_blur);
     EXPECT_EQ(merge->inputNode(text("Over")), m_session->node());
+    EXPECT_EQ(shader->inputNode(text("Base Color")), merge) << "the material has it";
     EXPECT_EQ(undoCount(), 1);
     OssUndoManager::instance()->undo();
     EXPECT_EQ(m_project->stateHash(), shown);

@@ -25,15 +25,14 @@ constexpr Channel layerChannels[] = {
     {"Base Color", false}, {"Roughness", true}, {"Metallic", true}, {"Displacement", true}};
 const QString normalInput = QStringLiteral("Normal");
 
-/// A node that makes the shader's normal of the height beneath has it with the paint.
-void bendAlong(const OssSnBaseNode *shader, const OssSnBaseNode *beneath, const QString &output,
-               OssSnBaseNode *merge)
+/// What a node gets from beneath it gets with the paint.
+void lead(OssSnBaseNode *node, const OssSnBaseNode *beneath, const QString &output,
+          OssSnBaseNode *merge)
 {
-    OssSnBaseNode *bends = shader->inputNode(normalInput);
-    const QStringList inputs = bends ? bends->inputNames() : QStringList();
+    const QStringList inputs = node->inputNames();
     for (const QString &input : inputs) {
-        if (bends->inputNode(input) == beneath && bends->inputOutputPoint(input) == output)
-            bends->setInputNode(input, merge, merge->prefferedOutputPoint());
+        if (node->inputNode(input) == beneath && node->inputOutputPoint(input) == output)
+            node->setInputNode(input, merge, merge->prefferedOutputPoint());
     }
 }
 
@@ -65,17 +64,27 @@ OssSnImageSetNodeBase *makePaint(OssSnBaseNode *fed, const QString &input)
         return paint;
     }
     OssSnBaseNode *merge = network->createNode(QStringLiteral("Layer/Merge"), {});
+    OssSnBaseNode *viewer = network->viewerNode();
+    const QList<OssSnBaseNode *> others = beneath->outputNodes();
     merge->setInputNode(QStringLiteral("Base"), beneath, output);
     merge->setInputNode(QStringLiteral("Over"), paint, paint->prefferedOutputPoint());
     fed->setInputNode(input, merge, merge->prefferedOutputPoint());
-    if (input == QLatin1String("Displacement"))
-        bendAlong(fed, beneath, output, merge);
+    OssSnBaseNode *bends = fed->inputNode(normalInput);
+    if (bends && input == QLatin1String("Displacement")) // a normal that is made of it
+        lead(bends, beneath, output, merge);
     // Who looks at what is beneath sees the paint as well.
-    OssSnBaseNode *viewer = network->viewerNode();
     const QString edge = QString::number(network->rootNetwork()->viewerNodeCurrentEdge());
     if (viewer && viewer->inputNode(edge) == beneath && viewer->inputOutputPoint(edge) == output)
         viewer->setInputNode(edge, merge, merge->prefferedOutputPoint());
-    PaintNodes::placeLeftOf(fed, merge);
+    // What is painted on while one looks at it is painted for all that is made of it.
+    OssSnBaseNode *first = fed;
+    for (OssSnBaseNode *other : others) {
+        if (fed != viewer || other == viewer)
+            continue;
+        lead(other, beneath, output, merge);
+        first = first == fed && merge->outputNodes().contains(other) ? other : first;
+    }
+    PaintNodes::placeLeftOf(first, merge);
     PaintNodes::placeLeftOf(merge, paint);
     return paint;
 }

@@ -36,7 +36,8 @@ Nodes makeLayer(OssSnBaseNode *shader);
 std::optional<double> usualOf(const OssSnBaseNode *node);
 
 /// Puts paint over what goes into an input, and selects it. What is looked at there is looked at with the
-/// paint. Null: there is no such input. One undo step.
+/// paint; over what the viewer gets it lies for all nodes that get it. Null: there is no such input. One undo
+/// step.
 OssSnImageSetNodeBase *putOver(OssSnBaseNode *fed, const QString &input);
 
 /// Puts a node left of the one that it feeds, where nothing lies.

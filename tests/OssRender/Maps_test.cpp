@@ -124,6 +124,38 @@ TEST(Maps, aHeightMapBendsLightAtItsSlopesAlone)
     EXPECT_NEAR(image.at(32, 20).y, 0.5F, 0.02F);
 }
 
+TEST(Maps, nothingShowsThroughWherePatchesMeet)
+{
+    OssRdRenderer renderer;
+    const auto cube = OssRdGeometry::of(*OssEvShapes::cube());
+    OssRdMaterial material;
+    material.maps[OssRdMaterial::Color].value = Blue;
+    OssRdScene scene;
+    scene.objects.push_back({cube, {}});
+    for (int patch = 1001; patch <= 1006; ++patch)
+        scene.objects[0].materials[patch] = material;
+    OssRdView view = front(OssRdView::Shows::BaseColor);
+    view.width = view.height = 150;
+    view.camera = glm::lookAt(cube->centre + glm::vec3(2.1F, 1.3F, 1.6F) * cube->radius,
+                              cube->centre, {0, 1, 0});
+    view.projection = glm::perspective(0.7F, 1.0F, 0.1F, 20.0F);
+    view.hidesBackFaces = true;
+    view.ground = Red;
+    const OssRdImage image = renderer.render(scene, view);
+    int seen = 0;
+    for (int y = 0; y < 150; ++y) {
+        int first = 0;
+        int last = 149;
+        while (first < last && image.at(first, y).z < 1.0F)
+            ++first;
+        while (last > first && image.at(last, y).z < 1.0F)
+            --last;
+        for (int x = first; x < last; ++x, ++seen)
+            ASSERT_EQ(image.at(x, y), Blue) << x << ", " << y;
+    }
+    EXPECT_GT(seen, 3000);
+}
+
 TEST(Maps, anotherSceneIsSeenBesideAndPartsHaveTheirOwnMaterials)
 {
     OssRdRenderer renderer;

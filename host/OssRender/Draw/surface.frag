@@ -33,7 +33,7 @@ uniform mat4 toShadow;
 uniform float shadowBias;
 uniform float shadowStep;
 
-const float past = 0.0001;
+const float least = 0.0001;
 
 vec4 map(int index, sampler2D texels)
 {
@@ -263,8 +263,10 @@ vec3 matcap(vec3 n)
 
 void main()
 {
-    // A face that straddles patches is drawn in each and kept where it belongs.
-    if (any(lessThan(place, vec2(-past))) || any(greaterThan(place, vec2(1.0 + past))))
+    // A face that straddles patches is drawn in each and kept where it belongs. Where a pixel is half
+    // covered its middle lies beyond the edge of a face, by up to a pixel.
+    vec2 past = max(fwidth(place), vec2(least));
+    if (any(lessThan(place, -past)) || any(greaterThan(place, vec2(1.0) + past)))
         discard;
 #ifdef WIRES
     color = vec4(vec3(0.02), 1.0) * 0.7;

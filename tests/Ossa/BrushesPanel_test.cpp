@@ -182,7 +182,7 @@ TEST_F(BrushesPalette, everyPictureShowsAStrokeOfItsOwn)
     }
 }
 
-TEST_F(BrushesPalette, whoTakesUpABrushLeavesClonesButStaysWithTheEraser)
+TEST_F(BrushesPalette, whoTakesUpABrushLeavesClonesButStaysWithEraserAndMirrors)
 {
     const QVector<BrushPresets::Entry> all = BrushPresets::all();
     const auto take = [&](const char *name) {
@@ -198,6 +198,10 @@ TEST_F(BrushesPalette, whoTakesUpABrushLeavesClonesButStaysWithTheEraser)
     EXPECT_EQ(take("Soft Round"), OssEvBrush::Tool::Eraser);
     Brushes::instance()->toggleTool(OssEvBrush::Tool::Eraser);
     EXPECT_EQ(brush().paint.tool, OssEvBrush::Tool::Brush);
+    Brushes::instance()->toggleMirror(1);
+    take("Chalk");
+    EXPECT_TRUE(brush().paint.mirrors[1]) << "the object's, not the brush's";
+    Brushes::instance()->toggleMirror(1);
 }
 
 TEST_F(BrushesPalette, aPictureToPaintWithIsReadOrRefused)

@@ -13,6 +13,9 @@ void Brushes::take(const Brush &brush)
     const OssEvBrush before = m_brush.paint;
     m_brush = brush;
     m_brush.paint.color = before.color;
+    const auto &mirrors = brush.paint.mirrors;
+    if (std::find(mirrors.cbegin(), mirrors.cend(), true) == mirrors.cend())
+        m_brush.paint.mirrors = before.mirrors;
     if (before.erases() && brush.paint.tool == OssEvBrush::Tool::Brush)
         m_brush.paint.tool = before.tool;
     Q_EMIT changed();

@@ -166,8 +166,16 @@ void ObjectView::paintEvent(QPaintEvent *)
 
 void ObjectView::paintPatches(QPainter *painter)
 {
-    if (m_renderer->problem().isEmpty() && m_isStale) {
+    const bool isDrawn = m_renderer->problem().isEmpty();
+    if (isDrawn && m_isStale)
         m_renderer->setMesh(m_mesh);
+    if (isDrawn && m_isStale && m_isComing && !takePictures() && !m_litImage.isNull()) {
+        scheduleFrame(); // seen in light until all patches are there
+        painter->drawImage(rect(), m_litImage);
+        return;
+    }
+    m_isComing = false;
+    if (isDrawn && m_isStale) {
         if (!m_isFramed) {
             m_camera.frame(m_renderer->centre(), m_renderer->radius());
             m_isFramed = true;

@@ -144,6 +144,7 @@ private:
     QTimer m_frame;
     QImage m_image;
     bool m_isStale = true;
+    bool m_isComing = false; ///< the patches take the place of the object in light
     bool m_isFramed = false;
     bool m_isLit = true;
     QPoint m_last;

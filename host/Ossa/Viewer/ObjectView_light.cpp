@@ -114,6 +114,8 @@ void ObjectView::drawLight()
     const QSize pixels = (QSizeF(size()) * devicePixelRatioF()).toSize();
     LitRenderer::Request request;
     request.scene = m_light.scene();
+    if (!request.scene->probe && request.scene->keyLight == glm::vec3(0.0F))
+        return; // it is dark until the surroundings are there
     request.view = m_look;
     request.view.width = pixels.width();
     request.view.height = pixels.height();

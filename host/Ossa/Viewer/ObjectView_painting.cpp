@@ -30,6 +30,7 @@ void ObjectView::setCanvas(PaintSession *session)
 
 void ObjectView::setPainted(bool painted)
 {
+    m_isComing = painted && isMaterial();
     m_isPainted = painted;
     if (!painted)
         m_session->end();

@@ -256,8 +256,9 @@ void LitScene::followPiece(Piece *piece)
     const OssSurfaceMaps maps = OssSurfaceMaps::of({piece->node, piece->output}, piece->entity);
     piece->problem = maps.problem();
     const OssMeshes::Look look = OssMeshes::instance()->look(piece->entity->source());
-    if (!look.problem.isEmpty() && !look.mesh)
-        piece->problem = look.problem;
+    const bool isReading = look.state == OssMeshes::State::Reading;
+    if (!look.mesh && (isReading || !look.problem.isEmpty()))
+        piece->problem = isReading ? tr("The mesh is being read") : look.problem;
     piece->mesh = look.mesh;
     if (look.mesh && m_geometries.count(look.mesh) == 0)
         makeGeometry(look.mesh);

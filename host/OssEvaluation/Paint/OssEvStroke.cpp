@@ -133,8 +133,9 @@ float OssEvStroke::limitOf(const Place &place, int index)
         limit = 1.0F - m_tiles.before().texel(place, index)[3];
     if (m_brush.mask) {
         const double across = m_tiles.buffer().resolution();
-        limit *= m_brush.mask->at(place.patch, (place.x * Size + index % Size + 0.5) / across,
-                                  (place.y * Size + index / Size + 0.5) / across);
+        const int x = place.x * Size + index % Size;
+        const int y = place.y * Size + index / Size;
+        limit *= m_brush.mask->at(place.patch, (x + 0.5) / across, (y + 0.5) / across);
     }
     if (!m_brush.stencil)
         return std::clamp(limit, 0.0F, 1.0F);

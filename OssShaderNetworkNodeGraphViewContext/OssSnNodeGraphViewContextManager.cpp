@@ -132,6 +132,8 @@ void OssSnNodeGraphViewContextManager::connectToHost()
     connect(networks, &Networks::arrangeGroupInputNodesByOrderRequested, this,
             &Manager::arrangeGroupInputNodesByOrder);
     connect(networks, &Networks::debugNodesChanged, this, &Manager::onDebugNodesChanged);
+    connect(networks, &Networks::arrangeGroupOutputNodesByOrderRequested, this,
+            &Manager::arrangeGroupOutputNodesByOrder);
     showProblems(this);
     OssProjectManager *projects = OssProjectManager::instance();
     connect(projects, &OssProjectManager::currentChannelChanged, this,

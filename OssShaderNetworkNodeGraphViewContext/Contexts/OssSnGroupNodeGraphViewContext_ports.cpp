@@ -9,6 +9,7 @@
 #include "OssModel/Types/OssSnTags.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
 #include "OssNodeGraph/Items/OssNgNodePositionChangeUndo.h"
+#include "View/Backdrops.h"
 
 #include <algorithm>
 
@@ -43,9 +44,19 @@ const OssNgNode *feederOf(const OssNgNode *output)
     return wires.isEmpty() ? nullptr : wires.first()->source();
 }
 
+QVector<QRectF> framesOf(const QList<OssSnBaseNode *> &nodes)
+{
+    QVector<QRectF> frames;
+    for (const OssSnBaseNode *node : nodes) {
+        if (Backdrops::isBackdrop(node))
+            frames.append(Backdrops::rectOf(node));
+    }
+    return frames;
+}
+
 /// Beside what feeds the output; without that, below the others or right of everything.
 void placeOutput(const OssSnBaseNode *node, const QVector<const OssNgNode *> &others,
-                 QVector<QRectF> *taken)
+                 const QVector<QRectF> &frames, QVector<QRectF> *taken)
 {
     OssNgNode *item = itemOf(node);
     if (item->inputs().size() != 1) {
@@ -65,12 +76,15 @@ void placeOutput(const OssSnBaseNode *node, const QVector<const OssNgNode *> &ot
     else if (!taken->isEmpty())
         rect.moveTopLeft(taken->first().topLeft());
     // One node may feed several outputs.
-    GroupPortPlacement::moveBelow(&rect, *taken);
+    GroupPortPlacement::moveClear(&rect, *taken,
+                                  Backdrops::containerOf(node) ? QVector<QRectF>() : frames,
+                                  GroupPortPlacement::Side::Right);
     taken->append(rect);
     place(item, rect.topLeft());
 }
 
-void placeInputs(const QList<OssSnBaseNode *> &nodes, const QVector<QRectF> &others)
+void placeInputs(const QList<OssSnBaseNode *> &nodes, const QVector<QRectF> &others,
+                 const QVector<QRectF> &frames)
 {
     QVector<OssNgNode *> items;
     QVector<GroupPortPlacement::Input> inputs;
@@ -80,7 +94,8 @@ void placeInputs(const QList<OssSnBaseNode *> &nodes, const QVector<QRectF> &oth
         OssNgNode *item = itemOf(node);
         if (!item)
             continue;
-        GroupPortPlacement::Input input{item->boundingRect().size(), -1};
+        GroupPortPlacement::Input input{item->boundingRect().size(), -1,
+                                        Backdrops::containerOf(node) != nullptr};
         const QList<OssNgEdge *> wires = item->outputs();
         const OssNgNode *target = wires.isEmpty() ? nullptr : wires.first()->destination();
         if (target && !fedItems.contains(target)) {
@@ -100,7 +115,8 @@ void placeInputs(const QList<OssSnBaseNode *> &nodes, const QVector<QRectF> &oth
                            0.0),
              QSizeF(1.0, 1.0)});
     }
-    const QVector<QPointF> positions = GroupPortPlacement::inputPositions(inputs, fed, others);
+    const QVector<QPointF> positions = GroupPortPlacement::inputPositions(inputs, fed, others,
+                                                                          frames);
     for (int i = 0; i < items.size(); ++i)
         place(items.at(i), positions.at(i));
 }
@@ -139,14 +155,15 @@ void OssSnGroupNodeGraphViewContext::adjustInputOutputPos()
         if (item && !item->isBackground() && !inputs.contains(node) && !outputs.contains(node))
             between.append(item);
     }
+    const QVector<QRectF> frames = framesOf(nodes);
     for (const OssSnBaseNode *node : qAsConst(outputs))
-        placeOutput(node, between, &taken);
+        placeOutput(node, between, frames, &taken);
     QVector<QRectF> others;
     for (const OssNgNode *item : qAsConst(between))
         others.append(occupied(item));
     for (const OssSnBaseNode *node : qAsConst(outputs))
         others.append(occupied(itemOf(node)));
-    placeInputs(inputs, others);
+    placeInputs(inputs, others, frames);
     for (OssSnBaseNode *node : outputs + inputs)
         rememberPlace(node, itemOf(node)->pos());
 }

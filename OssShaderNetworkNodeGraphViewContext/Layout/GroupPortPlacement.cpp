@@ -19,10 +19,31 @@ void GroupPortPlacement::moveBelow(QRectF *rect, const QVector<QRectF> &taken)
     }
 }
 
+void GroupPortPlacement::moveClear(QRectF *rect, const QVector<QRectF> &taken,
+                                   const QVector<QRectF> &frames, Side side)
+{
+    // Always down and to one side, so it ends.
+    for (bool clear = false; !clear;) {
+        moveBelow(rect, taken);
+        const auto hit = std::find_if(frames.cbegin(), frames.cend(), [rect](const QRectF &frame) {
+            return frame.intersects(*rect);
+        });
+        clear = hit == frames.cend();
+        if (!clear && side == Side::Left)
+            rect->moveRight(hit->left() - StackGap);
+        else if (!clear)
+            rect->moveLeft(hit->right() + StackGap);
+    }
+}
+
 QVector<QPointF> GroupPortPlacement::inputPositions(const QVector<Input> &inputs,
                                                     const QVector<QRectF> &fed,
-                                                    const QVector<QRectF> &others)
+                                                    const QVector<QRectF> &others,
+                                                    const QVector<QRectF> &frames)
 {
+    const auto clear = [&frames](QRectF *rect, const QVector<QRectF> &taken, bool isFramed) {
+        moveClear(rect, taken, isFramed ? QVector<QRectF>() : frames, Side::Left);
+    };
     QVector<QPointF> positions(inputs.size());
     QVector<QRectF> placed = fed + others;
     QVector<qreal> next;
@@ -37,7 +58,7 @@ QVector<QPointF> GroupPortPlacement::inputPositions(const QVector<Input> &inputs
         QRectF rect(fed.at(input.fed).left() - StreamGap - input.size.width(), y,
                     input.size.width(), input.size.height());
         // Two nodes that are fed side by side must not get their inputs on one spot.
-        moveBelow(&rect, placed);
+        clear(&rect, placed, input.isFramed);
         y = rect.bottom() + StackGap;
         positions[i] = rect.topLeft();
         placed.append(rect);
@@ -52,7 +73,7 @@ QVector<QPointF> GroupPortPlacement::inputPositions(const QVector<Input> &inputs
         if (inputs.at(i).fed >= 0)
             continue;
         QRectF rect({right - inputs.at(i).size.width(), y}, inputs.at(i).size);
-        moveBelow(&rect, placed);
+        clear(&rect, placed, inputs.at(i).isFramed);
         positions[i] = rect.topLeft();
         y = rect.bottom() + LooseGap;
     }

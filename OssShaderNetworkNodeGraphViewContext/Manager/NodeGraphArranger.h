@@ -34,9 +34,10 @@ public Q_SLOTS:
     /// Ports that no node stands for keep their places. Fewer than two nodes: nothing.
     void reorderGroupInputsByPos(OssSnGroupNode *GroupNode);
     void reorderGroupOutputsByPos(OssSnGroupNode *GroupNode);
-    /// Gives the input nodes inside a group each other's places, from top to bottom in the order.
-    /// Names that no input node bears are passed over.
+    /// Gives the input or output nodes inside a group each other's places, from top to bottom in the
+    /// order. Names that no such node bears are passed over.
     void arrangeGroupInputNodesByOrder(OssShaderNetwork *GroupNetwork, QStringList InputOrder);
+    void arrangeGroupOutputNodesByOrder(OssShaderNetwork *GroupNetwork, QStringList OutputOrder);
 
 protected Q_SLOTS:
     void autoLayoutNodes(OssShaderNetwork *StartNetwork, QList<OssSnBaseNode *> StartNodes,

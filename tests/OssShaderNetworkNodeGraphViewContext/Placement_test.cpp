@@ -194,6 +194,24 @@ TEST(GroupPortPlacement, inputsStandLeftOfWhatTheyFeedAndNeverOnEachOther)
     EXPECT_GT(places.at(3).y(), places.at(2).y());
 }
 
+TEST(GroupPortPlacement, portsStandBesideFramesUnlessTheyLieOnThem)
+{
+    const QRectF frame(300, 0, 400, 300);
+    const QRectF around(200, 200, 600, 400);
+    const QVector<QRectF> fed{{500, 100, 120, 90}};
+    const auto input = [&](bool isFramed) {
+        return GroupPortPlacement::inputPositions({{{100, 40}, 0, isFramed}}, fed, {},
+                                                  {frame, around});
+    };
+    EXPECT_EQ(input(false).first(), QPointF(300 - 30 - 100, 100));
+    EXPECT_EQ(input(true).first(), QPointF(500 - 150 - 100, 100));
+    QRectF output(650, 120, 100, 40);
+    GroupPortPlacement::moveClear(&output, {{730, 120, 100, 40}}, {frame, around},
+                                  GroupPortPlacement::Side::Right);
+    EXPECT_EQ(output.topLeft(), QPointF(830, 190))
+        << "one frame after the other, and the taken place";
+}
+
 using Networks = OssShaderNetworkManager;
 using Nodes = QList<OssSnBaseNode *>;
 

@@ -168,8 +168,8 @@ TEST_F(Requests, portsMovedInThePanelAreReorderedAndTheirNodesFollowInOneStep)
 {
     OssSnBaseNode *first = port("First", 0);
     OssSnBaseNode *second = port("Second", 300);
-    m_group->createOutput(text("A"), OssSnDataKind::Color);
-    m_group->createOutput(text("B"), OssSnDataKind::Color);
+    OssSnBaseNode *a = m_group->createOutput(text("A"), OssSnDataKind::Color);
+    OssSnBaseNode *b = m_group->createOutput(text("B"), OssSnDataKind::Color);
     begin();
     OssPortOrder order(m_group, nullptr);
     QSignalSpy byHand(m_networks, &OssShaderNetworkManager::nodeGraphIsManuallyChanged);
@@ -187,6 +187,7 @@ TEST_F(Requests, portsMovedInThePanelAreReorderedAndTheirNodesFollowInOneStep)
     QTest::keyClick(order.outputs(), Qt::Key_Up, Qt::AltModifier); // there is no further up
     QCoreApplication::processEvents();
     EXPECT_EQ(m_group->outputPointNames(), QStringList({text("B"), text("A")}));
+    EXPECT_LT(itemOf(b)->y(), itemOf(a)->y()) << "else the next move would put them back";
     m_group->setLocked(true);
     EXPECT_FALSE(order.isEnabled());
 }

@@ -144,6 +144,12 @@ TEST_F(EchoedCommands, movesAndNewNodesTellTheirPlaces)
     EXPECT_NE(lines.find("createNode(\"Filter/Blur\", \"Added\", (50, 60))"), std::string::npos)
         << lines;
     EXPECT_EQ(lines.find("position"), std::string::npos) << lines;
+    EXPECT_EQ(lines.find("size"), std::string::npos) << "it has none of its own: " << lines;
+    OssSnBaseNode *area = add("Misc/Backdrop", "Area");
+    area->viewContext()->setNodeSizeUndo({640, 360});
+    EXPECT_NE(told().find("node(\"Area\").size = (640, 360)"), std::string::npos);
+    area->viewContext()->setNodeSizeUndo({700, 360});
+    EXPECT_EQ(told(), "ossa.graph().node(\"Area\").size = (700, 360)");
     EXPECT_NE(lines.find("node(\"Added\").connectInput(\"Input\", ossa.graph().node(\"First\")"),
               std::string::npos)
         << lines;

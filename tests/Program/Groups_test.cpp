@@ -71,6 +71,25 @@ TEST_F(Groups, groupingSelectsTheGroupAndUngroupingWhatWasInIt)
     EXPECT_EQ(project()->stateHash(), m_before);
 }
 
+TEST_F(Groups, aBackdropIsGroupedWithWhatLiesOnIt)
+{
+    OssSnBaseNode *area = add("Misc/Backdrop", "Area");
+    OssSnBaseNode *inner = add("Misc/Backdrop", "Inner");
+    inner->setContainer(area);
+    m_first->setContainer(inner);
+    select({area});
+    begin();
+    trigger("Group Selected Nodes");
+    const auto *made = qobject_cast<OssSnGroupNode *>(m_network->selectedNodes().value(0));
+    ASSERT_NE(made, nullptr);
+    EXPECT_EQ(m_first->network(), made->groupNetwork());
+    EXPECT_EQ(inner->network(), made->groupNetwork());
+    EXPECT_EQ(m_first->container(), inner);
+    EXPECT_EQ(m_second->network(), m_network) << "lies elsewhere";
+    history()->undo();
+    EXPECT_EQ(project()->stateHash(), m_before);
+}
+
 TEST_F(Groups, whatStandsBetweenIsTakenInOrNothingIsGrouped)
 {
     OssSnBaseNode *third = add("Filter/Blur", "Third");

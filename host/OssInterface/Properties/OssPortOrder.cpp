@@ -117,8 +117,8 @@ void OssPortOrder::apply()
         if (inputs != m_group->inputNames() && m_group->reorderInputs(inputs))
             networks->requestPlacesInOrderOfPorts(m_group);
         const QStringList outputs = namesOf(m_outputs);
-        if (outputs != m_group->outputPointNames())
-            m_group->reorderOutputs(outputs);
+        if (outputs != m_group->outputPointNames() && m_group->reorderOutputs(outputs))
+            networks->requestPlacesInOrderOfOutputs(m_group);
     }
     OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
     refresh(); // what was refused stands as it did

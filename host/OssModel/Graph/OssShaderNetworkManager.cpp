@@ -241,6 +241,13 @@ void OssShaderNetworkManager::requestPlacesInOrderOfPorts(OssSnGroupNode *group)
         Q_EMIT arrangeGroupInputNodesByOrderRequested(group->groupNetwork(), group->inputNames());
 }
 
+void OssShaderNetworkManager::requestPlacesInOrderOfOutputs(OssSnGroupNode *group)
+{
+    if (group)
+        Q_EMIT arrangeGroupOutputNodesByOrderRequested(group->groupNetwork(),
+                                                       group->outputPointNames());
+}
+
 void OssShaderNetworkManager::requestLayout(OssShaderNetwork *network,
                                             const QList<OssSnBaseNode *> &nodes)
 {

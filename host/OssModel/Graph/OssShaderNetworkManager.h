@@ -213,9 +213,10 @@ public:
     /// Puts the group's ports into the order in which the nodes that stand for them lie inside, from
     /// the top. One undo step.
     void requestPortsInOrderOfPlaces(OssSnGroupNode *group);
-    /// The other way round: the nodes that stand for inputs change places until they lie in the order
-    /// of the ports. One undo step.
+    /// The other way round: the nodes that stand for inputs, or outputs, change places until they lie
+    /// in the order of the ports. One undo step.
     void requestPlacesInOrderOfPorts(OssSnGroupNode *group);
+    void requestPlacesInOrderOfOutputs(OssSnGroupNode *group);
 
     /// Of these nodes and what feeds them; of everything, whatever is selected, without any.
     void requestLayout(OssShaderNetwork *network, const QList<OssSnBaseNode *> &nodes);
@@ -257,6 +258,7 @@ Q_SIGNALS:
     void reorderGroupInputsByPosRequested(OssSnGroupNode *group);
     void reorderGroupOutputsByPosRequested(OssSnGroupNode *group);
     void arrangeGroupInputNodesByOrderRequested(OssShaderNetwork *network, QStringList order);
+    void arrangeGroupOutputNodesByOrderRequested(OssShaderNetwork *network, QStringList order);
     void debugNodesChanged(OssShaderNetworkManager::DebugNodes newNodes,
                            OssShaderNetworkManager::DebugInputs newInputs,
                            OssShaderNetworkManager::DebugNodes oldNodes,

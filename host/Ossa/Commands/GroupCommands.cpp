@@ -39,6 +39,22 @@ QString listOf(const QList<OssSnBaseNode *> &nodes)
     return more > 0 ? GroupCommands::tr("%1 and %n more", nullptr, more).arg(list) : list;
 }
 
+/// What is selected, and what lies on backdrops among that: a backdrop takes it along, as when it is
+/// moved.
+QList<OssSnBaseNode *> selectedWithMembers(const OssShaderNetwork *network)
+{
+    const QList<OssSnBaseNode *> selected = network->selectedNodes();
+    QList<OssSnBaseNode *> result = selected;
+    for (OssSnBaseNode *node : network->nodes()) {
+        const OssSnBaseNode *around = node->container();
+        while (around && !selected.contains(const_cast<OssSnBaseNode *>(around)))
+            around = around->container();
+        if (around && !selected.contains(node))
+            result.append(node);
+    }
+    return result;
+}
+
 /// Whether the nodes can be grouped, if need be with those between them, as the user was asked.
 bool mayBeGrouped(const OssShaderNetwork *network, const QList<OssSnBaseNode *> &nodes)
 {
@@ -116,9 +132,9 @@ void GroupCommands::groupSelected()
         OssStatusManager::instance()->showMessage(tr("Group Selected Nodes: select nodes first"));
         return;
     }
-    if (!mayBeGrouped(shown, shown->selectedNodes()) || !shown)
+    if (!mayBeGrouped(shown, selectedWithMembers(shown)) || !shown)
         return;
-    const QList<OssSnBaseNode *> selected = shown->selectedNodes(); // as it is after the question
+    const QList<OssSnBaseNode *> selected = selectedWithMembers(shown); // after the question
     OssSnGroupNode *made = shown->groupNodes(selected + shown->nodesBetween(selected));
     if (made)
         selectMade(shown, {made});

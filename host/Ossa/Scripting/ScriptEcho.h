@@ -40,6 +40,7 @@ private:
     {
         QString path;
         QPointF position;
+        QPointF size; ///< of a backdrop
         const OssShaderNetwork *network = nullptr;
         QPointer<OssSnBaseNode> node; ///< null when it died
         QStringList outputs;
@@ -62,6 +63,10 @@ private:
         bool renamed = false;
     };
 
+    static QPointF positionOf(const OssSnBaseNode *node);
+    /// Of a backdrop; others have none of their own.
+    static QPointF sizeOf(const OssSnBaseNode *node);
+    static QString sizeLine(const OssSnBaseNode *node);
     void watchAction(QAction *action);
     void watchNode(OssShaderNetwork *network, OssSnBaseNode *node);
     void addNode(OssShaderNetwork *network, OssSnBaseNode *node);

@@ -84,6 +84,7 @@
     ON_NODES("Nudge Up Finely", nudgeUpFinely, nudgeSelection({0.0, -1.0})) \
     ON_NODES("Nudge Down", nudgeDown, nudgeSelection({0.0, OssNgStyle::GridStep})) \
     ON_NODES("Nudge Down Finely", nudgeDownFinely, nudgeSelection({0.0, 1.0})) \
+    ON_NODES("Select Backdrop Contents", selectContents, selectContents())                          \
     ACTION("Bake Again", bakeSelectedBakePointsAgain, bakeSelectedBakePointsAgain())               \
     ACTION("Arrange", arrangeInLayers, arrange(OssShaderNetworkManager::ArrangeInLayers)) \
     ACTION("Arrange with Dots", arrangeWithDots, arrange(OssShaderNetworkManager::ArrangeWithDots)) \

@@ -116,6 +116,7 @@ public Q_SLOTS:
     void addSelectNextSibling();
     void addSelectPrevSibling();
     void selectBetween();
+    void selectContents();
     void selectAll();
 
     // Creation

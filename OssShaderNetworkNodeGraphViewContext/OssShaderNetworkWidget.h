@@ -111,6 +111,7 @@ private:
     class QAction *makeDeleteAction();
     void makeBar(class QAction *deleteAll);
     QWidget *makePanel(OssSnBaseNode *node);
+    void followSections(const QWidget *panel);
     void addGroupButtons(QWidget *panel, OssSnBaseNode *node);
     static QString frameStyle(const OssSnBaseNode *node, const QWidget *panel);
     void followNode(OssSnBaseNode *node);
@@ -125,6 +126,7 @@ private:
     OssSnBaseNode *nodeUnderMouse() const;
 
     QVBoxLayout *m_panelLayout = nullptr;
+    QHash<QString, bool> m_foldedSections; ///< by the panel's object name and the heading
     QHash<OssSnBaseNode *, QPointer<QWidget>> m_panels;
     QLineEdit *m_maxPanels = nullptr;
     bool m_refreshPending = false;

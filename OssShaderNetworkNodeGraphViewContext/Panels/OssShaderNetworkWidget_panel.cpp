@@ -82,7 +82,24 @@ QWidget *OssSnNodePropertiesWidget::makePanel(OssSnBaseNode *node)
     made->setObjectName(panelName(node));
     made->setStyleSheet(frameStyle(node, made));
     addGroupButtons(made, node);
+    followSections(made);
     return made;
+}
+
+/// A section that the user folded, or unfolded, is so when the panel is opened again in this session.
+void OssSnNodePropertiesWidget::followSections(const QWidget *panel)
+{
+    const auto sections = panel->findChildren<OssExpandableListWidget *>();
+    for (OssExpandableListWidget *section : sections) {
+        if (!section->heading())
+            continue;
+        const QString key = panel->objectName() + QLatin1Char('/') + section->heading()->text();
+        const auto known = m_foldedSections.constFind(key);
+        if (known != m_foldedSections.cend() && *known != section->isCollapsed())
+            section->toggle();
+        connect(section, &OssExpandableListWidget::collapsedChanged, this,
+                [this, key](bool collapsed) { m_foldedSections.insert(key, collapsed); });
+    }
 }
 
 void OssSnNodePropertiesWidget::addGroupButtons(QWidget *panel, OssSnBaseNode *node)

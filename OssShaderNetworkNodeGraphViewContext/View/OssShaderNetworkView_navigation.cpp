@@ -6,6 +6,7 @@
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Layers/OssLayerShaderManager.h"
 #include "OssNodeGraph/Items/OssNgNode.h"
+#include "OssSnUINodeGraphViewContext.h"
 
 #include <QGraphicsScene>
 
@@ -191,6 +192,19 @@ void OssShaderNetworkView::selectBetween()
     if (between.isEmpty())
         tellUser(tr("Nothing is between the selected nodes"));
     select(between, true);
+}
+
+void OssShaderNetworkView::selectContents()
+{
+    Nodes contents;
+    for (const OssSnBaseNode *start : selectedBusinessNodes()) {
+        const auto *context = qobject_cast<const OssSnUINodeGraphViewContext *>(
+            start->viewContext());
+        contents.append(context ? context->childrenNodes() : Nodes());
+    }
+    if (contents.isEmpty())
+        tellUser(tr("Select a backdrop with nodes on it"));
+    select(contents, true);
 }
 
 void OssShaderNetworkView::selectAll()

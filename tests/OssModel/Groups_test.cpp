@@ -7,6 +7,7 @@
 #include <QClipboard>
 #include <QFile>
 #include <QGuiApplication>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 
 namespace {
@@ -176,6 +177,32 @@ TEST_F(Groups, portsCarryWhatTheirStreamsDo)
     EXPECT_EQ(made->inputNodesInside().first()->outputPoints().first().kind, OssSnDataKind::Scalar);
     OssSnGroupNode *second = group({scalar});
     EXPECT_EQ(second->outputPoints().first().kind, OssSnDataKind::Scalar);
+}
+
+TEST_F(Groups, portsThatArePastedComeTogetherAndKeepTheirKinds)
+{
+    auto *from = qobject_cast<OssSnGroupNode *>(add("Misc/Group", "From"));
+    auto *to = qobject_cast<OssSnGroupNode *>(add("Misc/Group", "To"));
+    ASSERT_TRUE(from && to);
+    const QList<OssSnBaseNode *> ports{from->createInput(text("Mask"), OssSnDataKind::Scalar),
+                                       from->createInput(text("Facing"), OssSnDataKind::Vector),
+                                       from->createOutput(text("Depth"), OssSnDataKind::Scalar)};
+    QSignalSpy one(to, &OssSnBaseNode::inputAdded);
+    QSignalSpy list(to, &OssSnBaseNode::inputListAdded);
+    OssUndoManager::instance()->clear();
+    const QByteArray before = m_project->stateHash();
+    OssShaderNetworkIO::duplicateNodes(to->groupNetwork(), ports, true);
+    const QStringList names{text("Mask"), text("Facing")};
+    ASSERT_EQ(list.count(), 1) << "a picture of the node is laid out once";
+    EXPECT_EQ(list.first().first().toStringList(), names);
+    EXPECT_EQ(one.count(), 0);
+    ASSERT_EQ(to->inputNames(), names);
+    EXPECT_EQ(to->inputPorts().at(0).kind, OssSnDataKind::Scalar);
+    EXPECT_EQ(to->inputPorts().at(1).kind, OssSnDataKind::Vector);
+    ASSERT_EQ(to->outputPoints().size(), 1);
+    EXPECT_EQ(to->outputPoints().first().kind, OssSnDataKind::Scalar);
+    expectUndoIsExact(before);
+    EXPECT_EQ(to->inputNames(), names);
 }
 
 TEST_F(Groups, theirPortsAreRefusedNamesThatAreTakenAndLoseTheirNodes)

@@ -360,6 +360,13 @@ TEST_F(CommandsTest, selectionWalksUpAndDownAndStaysAtTheEnds)
         EXPECT_EQ(selection(), (QSet<OssSnBaseNode *>(c.to.cbegin(), c.to.cend()))) << &c - cases;
     }
     EXPECT_EQ(undoCount(), 0);
+    OssSnBaseNode *backdrop = add("Misc/Backdrop");
+    backdrop->viewContext()->setNodePosition({5000, 5000});
+    backdrop->viewContext()->setNodeSizeUndo({600, 400});
+    m_blur->viewContext()->setNodePosition({5200, 5200});
+    select({backdrop});
+    m_view->selectContents();
+    EXPECT_EQ(selection(), (QSet<OssSnBaseNode *>{backdrop, m_blur}));
     m_merge->addTag(text("_systemShader")); // the application's own
     m_merge->setDescription(text("stays"));
     m_view->selectAll();

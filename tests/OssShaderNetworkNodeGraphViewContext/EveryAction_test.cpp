@@ -198,6 +198,7 @@ const Row Rows[] = {
     {"Add Select Next Sibling"},
     {"Add Select Previous Sibling"},
     {"Select Between"},
+    {"Select Backdrop Contents"},
     {"Zoom In"},
     {"Zoom Out"},
     {"Pan Left"},
@@ -320,6 +321,7 @@ TEST_F(EveryActionTest, whatFindsNothingToDoWithTheSelectionSaysWhy)
         {"Open Groups Behind", One, "No group"},
         {"Select Next Downstream", Viewer, "Nothing follows"},
         {"Select Between", One, "two nodes"},
+        {"Select Backdrop Contents", One, "a backdrop"},
     };
 
     for (const auto &c : cases) {

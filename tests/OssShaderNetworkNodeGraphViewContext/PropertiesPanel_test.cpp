@@ -200,6 +200,11 @@ TEST_F(PropertiesPanel, rebuildKeepsPlaceAndCollapsedSections)
     hidden.editDefinition().visible = false;
     group->setUserAttribute(hidden, true);
     EXPECT_EQ(m_widget->panel(group), panel);
+    m_widget->panel(group)->close();
+    QTest::qWait(0); // until it is deleted
+    open(group);
+    EXPECT_TRUE(m_widget->panel(group)->findChild<OssExpandableListWidget *>()->isCollapsed())
+        << "as the user left it";
 }
 
 TEST_F(PropertiesPanel, frameShowsTheNodesColourSelectionAndHover)

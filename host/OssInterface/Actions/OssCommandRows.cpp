@@ -201,6 +201,7 @@ const std::vector<Row> RowTable{
     {"/Ossa/NodeGraph", QT_TR_NOOP("Select Stream Upstream"), "Ctrl+U", "Select 4.3", WithProject, QT_TR_NOOP("Select what the stream runs through before it comes to the selected nodes")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Select Stream Downstream"), "Ctrl+Shift+U", "Select 4.4", WithProject, QT_TR_NOOP("Select what the stream runs through after the selected nodes")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Select Between"), "Shift+B", "Select 4.5", WithProject, QT_TR_NOOP("Select all nodes on the ways from one selected node to another")},
+    {"/Ossa/NodeGraph", QT_TR_NOOP("Select Backdrop Contents"), "Ctrl+Shift+B", "Select 4.6", WithProject, QT_TR_NOOP("Select what lies on the selected backdrops as well, so that it is copied, grouped or removed with them")},
 
     {"/Ossa/NodeGraph", QT_TR_NOOP("Mark Dependencies"), "", "Select 5.1", WithProject, QT_TR_NOOP("Mark what computes the selected nodes, the dearer the redder, and tell what it costs")},
     {"/Ossa/NodeGraph", QT_TR_NOOP("Clear Marks"), "", "Select 5.2", WithProject, QT_TR_NOOP("Take the marks of dependencies away")},

@@ -56,6 +56,7 @@ void OssPortOrder::follow()
     using Node = OssSnBaseNode;
     const OssSnGroupNode *group = m_group;
     connect(group, &Node::inputAdded, this, &OssPortOrder::refresh);
+    connect(group, &Node::inputListAdded, this, &OssPortOrder::refresh);
     connect(group, &Node::inputRemoved, this, &OssPortOrder::refresh);
     connect(group, &Node::inputsRefreshed, this, &OssPortOrder::refresh);
     connect(group, &Node::inputOrderChanged, this, &OssPortOrder::refresh);

@@ -25,11 +25,11 @@ double costOf(const OssSnBaseNode *node, const OssEvStatistics &statistics)
                : found->second.seconds / double(found->second.texels);
 }
 
-/// From blue, for what costs nothing, to red.
+/// From turquoise, for what costs nothing, to red. Blue would look as if it were selected.
 QColor colorOf(double share)
 {
-    constexpr double Blue = 0.58;
-    return QColor::fromHsvF(Blue * (1.0 - std::sqrt(std::clamp(share, 0.0, 1.0))), 0.75, 0.95);
+    constexpr double Turquoise = 0.47;
+    return QColor::fromHsvF(Turquoise * (1.0 - std::sqrt(std::clamp(share, 0.0, 1.0))), 0.75, 0.95);
 }
 
 QVector<OssSnProducer> producersOf(const OssSnBaseNode *node, QVector<OssSnWireEnd> *way)

@@ -126,7 +126,7 @@ OssSnBaseNode *OssShaderNetwork::createNode(const QString &pathKey, const QStrin
         {}, [this, removed] { removed->takeFrom(this); },
         [this, removed] { removed->putBack(this); }, node);
     if (OssSnGroupNode *group = parentGroupNode())
-        group->onNodeAddedInside(node);
+        group->onNodesAddedInside({node});
     node->onMadeFresh();
     OssShaderNetworkManager::instance()->tellMade(node);
     return node;
@@ -222,10 +222,8 @@ QList<OssSnBaseNode *> OssShaderNetwork::takeOverNodes(OssShaderNetwork *read)
         OssUndoManager::instance()->record(
             {}, [this, removed] { removed->takeFrom(this); },
             [this, removed] { removed->putBack(this); }, inserted.first());
-    if (OssSnGroupNode *group = parentGroupNode()) {
-        for (OssSnBaseNode *node : qAsConst(inserted))
-            group->onNodeAddedInside(node);
-    }
+    if (OssSnGroupNode *group = parentGroupNode())
+        group->onNodesAddedInside(inserted);
     for (OssSnBaseNode *node : qAsConst(inserted))
         OssShaderNetworkManager::instance()->tellInserted(node);
     return inserted;

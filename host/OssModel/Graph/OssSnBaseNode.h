@@ -131,14 +131,14 @@ public:
     /// The first one, which is what commands connect; empty when there is none. (The spelling is
     /// what scripts and files know.)
     virtual QString prefferedOutputPoint() const;
-    /// The input that a wire dropped on the body goes to: the first free preferred one, else the
-    /// first free one that is followed; empty when there is none.
+    /// For a wire dropped on the body: the first free preferred one, else followed one; or empty.
     QString preferredInput() const;
 
     /// Whether outputs are drawn apart from the body's edge, as results that nothing follows.
     virtual bool hasDetachedOutputs() const { return false; }
 
     void addInput(const InputPort &port, int index = -1);
+    void addInputs(const QVector<InputPort> &ports, int index = -1);
     virtual bool removeInput(const QString &name);
     virtual bool renameInput(const QString &oldName, const QString &newName);
     /// All names, in the new order; anything else is refused.
@@ -258,7 +258,7 @@ private:
     void linkOutgoing(const QString &outputPoint, OssSnBaseNode *target, const QString &input);
     void unlinkOutgoing(const QString &outputPoint, OssSnBaseNode *target, const QString &input);
     bool dependsOn(const OssSnBaseNode *other) const;
-    void applyInsertInput(const InputPort &port, int index);
+    void applyInsertInputs(const QVector<InputPort> &ports, int index);
     void applyRemoveInput(int index);
     void applyRenameInput(const QString &oldName, const QString &newName);
     void applyInputOrder(const QStringList &names);

@@ -140,17 +140,32 @@ QString OssSnBaseNode::preferredInput() const
 
 void OssSnBaseNode::addInput(const InputPort &port, int index)
 {
-    if (port.name.isEmpty() || hasInput(port.name))
+    addInputs({port}, index);
+}
+
+void OssSnBaseNode::addInputs(const QVector<InputPort> &ports, int index)
+{
+    QVector<InputPort> added;
+    QStringList names;
+    for (InputPort port : ports) {
+        if (port.name.isEmpty() || hasInput(port.name) || names.contains(port.name))
+            continue;
+        port.source = nullptr;
+        port.sourceOutput.clear();
+        names.append(port.name);
+        added.append(port);
+    }
+    if (added.isEmpty())
         return;
     const int at = index < 0 || index > m_inputs.size() ? m_inputs.size() : index;
-    InputPort free = port;
-    free.source = nullptr;
-    free.sourceOutput.clear();
-    applyInsertInput(free, at);
+    applyInsertInputs(added, at);
     OssUndoManager::instance()->record(
-        tr("Add Input %1 to %2").arg(port.name, name()),
-        [this, name = port.name] { applyRemoveInput(inputIndex(name)); },
-        [this, free, at] { applyInsertInput(free, at); }, this);
+        tr("Add Input %1 to %2").arg(names.join(QStringLiteral(", ")), name()),
+        [this, names] {
+            for (const QString &name : names)
+                applyRemoveInput(inputIndex(name));
+        },
+        [this, added, at] { applyInsertInputs(added, at); }, this);
 }
 
 bool OssSnBaseNode::removeInput(const QString &name)
@@ -163,16 +178,24 @@ bool OssSnBaseNode::removeInput(const QString &name)
     const InputPort removed = m_inputs.at(index);
     applyRemoveInput(index);
     OssUndoManager::instance()->record(
-        {}, [this, removed, index] { applyInsertInput(removed, index); },
+        {}, [this, removed, index] { applyInsertInputs({removed}, index); },
         [this, name] { applyRemoveInput(inputIndex(name)); }, this);
     return true;
 }
 
-void OssSnBaseNode::applyInsertInput(const InputPort &port, int index)
+void OssSnBaseNode::applyInsertInputs(const QVector<InputPort> &ports, int index)
 {
     const bool atEnd = index >= m_inputs.size();
-    m_inputs.insert(std::min(index, m_inputs.size()), port);
-    Q_EMIT inputAdded(port.name);
+    int at = std::min(index, m_inputs.size());
+    QStringList names;
+    for (const InputPort &port : ports) {
+        m_inputs.insert(at++, port);
+        names.append(port.name);
+    }
+    if (names.size() == 1)
+        Q_EMIT inputAdded(names.first());
+    else
+        Q_EMIT inputListAdded(names);
     if (!atEnd)
         Q_EMIT inputOrderChanged(inputNames());
 }

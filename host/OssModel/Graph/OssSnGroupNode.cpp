@@ -37,7 +37,7 @@ OssSnBaseNode *OssSnGroupNode::createInside(const QString &pathKey, const QStrin
 {
     m_newPortKind = kind;
     OssSnBaseNode *inside = m_groupNetwork->createNode(pathKey, name);
-    m_newPortKind = OssSnDataKind::Color;
+    m_newPortKind.reset();
     if (inside)
         inside->setPortKinds(kind);
     return inside;
@@ -59,23 +59,26 @@ OssSnBaseNode *OssSnGroupNode::createOutput(const QString &name, OssSnDataKind k
     return createInside(OutputKey, name, kind);
 }
 
-void OssSnGroupNode::onNodeAddedInside(OssSnBaseNode *node)
+void OssSnGroupNode::onNodesAddedInside(const QList<OssSnBaseNode *> &nodes)
 {
-    const QString name = node->name();
-    const bool makesInput = node->hasTag(OssSnTags::input()) && !hasInput(name);
-    const bool makesOutput = node->hasTag(OssSnTags::output()) && !hasOutputPoint(name);
-    if (!makesInput && !makesOutput)
-        return;
-    if (makesInput) {
-        InputPort port;
-        port.name = name;
-        port.kind = m_newPortKind;
-        port.preferred = inputPorts().isEmpty();
-        addInput(port);
-    } else {
-        addOutputPoint({name, {}, m_newPortKind});
+    QVector<InputPort> inputs;
+    bool isNew = false;
+    for (const OssSnBaseNode *node : nodes) {
+        const QString name = node->name();
+        if (node->hasTag(OssSnTags::input()) && !hasInput(name)) {
+            InputPort port;
+            port.name = name;
+            port.kind = m_newPortKind.value_or(node->outputPoints().value(0).kind);
+            port.preferred = inputPorts().isEmpty() && inputs.isEmpty();
+            inputs.append(port);
+        } else if (node->hasTag(OssSnTags::output()) && !hasOutputPoint(name)) {
+            addOutputPoint({name, {}, m_newPortKind.value_or(node->inputPorts().value(0).kind)});
+            isNew = true;
+        }
     }
-    Q_EMIT newGroupNodeInputOutputCreated();
+    addInputs(inputs);
+    if (isNew || !inputs.isEmpty())
+        Q_EMIT newGroupNodeInputOutputCreated();
 }
 
 void OssSnGroupNode::onNodeRemovedInside(const OssSnBaseNode *node)

@@ -89,7 +89,7 @@ public:
     std::optional<QPointF> rememberedPosition() const { return m_firstPosition; }
 
     // For the network inside: what happens to a node that stands for a port happens to the port.
-    void onNodeAddedInside(OssSnBaseNode *node);
+    void onNodesAddedInside(const QList<OssSnBaseNode *> &nodes);
     void onNodeRemovedInside(const OssSnBaseNode *node);
     void onNodeRenamedInside(const OssSnBaseNode *node, const QString &oldName);
 
@@ -131,5 +131,5 @@ private:
     std::unique_ptr<OssShaderNetwork> m_groupNetwork;
     std::optional<QPointF> m_firstPosition;
     QVector<LoadedKnobLink> m_loadedKnobLinks;
-    OssSnDataKind m_newPortKind = OssSnDataKind::Color;
+    std::optional<OssSnDataKind> m_newPortKind; ///< of the port that is being made
 };

@@ -10,6 +10,7 @@ OssSnMultiChannelGroupNode::OssSnMultiChannelGroupNode(std::shared_ptr<const Oss
     : OssSnGroupNode(std::move(type))
 {
     connect(this, &OssSnBaseNode::inputAdded, this, &OssSnMultiChannelGroupNode::checkValidity);
+    connect(this, &OssSnBaseNode::inputListAdded, this, &OssSnMultiChannelGroupNode::checkValidity);
     connect(this, &OssSnBaseNode::inputRemoved, this, &OssSnMultiChannelGroupNode::checkValidity);
     connect(this, &OssSnBaseNode::nodeInputRenamed, this,
             &OssSnMultiChannelGroupNode::checkValidity);

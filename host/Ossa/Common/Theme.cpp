@@ -44,7 +44,7 @@ QToolTip { background: @raised; color: @text; border: 1px solid @fieldBorder; pa
 QMenuBar { background: @bar; padding: 2px 6px; border: 0; }
 QMenuBar::item { padding: 5px 10px; border-radius: 5px; background: transparent; }
 QMenuBar::item:selected, QMenuBar::item:pressed { background: @raised; }
-QMenu { background: @bar; border: 1px solid @fieldBorder; padding: 5px; }
+QMenu { background: @bar; border: 1px solid @fieldBorder; padding: 5px; menu-scrollable: 1; }
 QMenu::item { padding: 5px 28px 5px 26px; border-radius: 4px; }
 QMenu::item:selected { background: @accentDeep; }
 QMenu::item:disabled { color: @disabled; background: transparent; }

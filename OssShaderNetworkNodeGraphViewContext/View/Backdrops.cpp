@@ -186,22 +186,29 @@ void giveWay(const Node *backdrop, const QRectF &before)
     }
 }
 
-/// Stacks below the backdrop what it has grown over, and below that what comes in its way.
-void pushDown(Node *backdrop, const QList<Node *> &clearBefore, QSet<Node *> *pushed)
+/// Stacks below the backdrop what it has grown over, and below that what comes in its way; what stood
+/// above it goes up, with all above that.
+void pushAside(Node *backdrop, const QRectF &former, bool allUp, const QList<Node *> &clearBefore,
+               QSet<Node *> *pushed)
 {
     pushed->insert(backdrop);
     for (Node *other : clearBefore) {
         if (pushed->contains(other) || !rectOf(other).intersects(rectOf(backdrop)))
             continue;
+        const bool up = allUp || (rectOf(other).bottom() <= former.top() && !holderOf(other));
         QList<Node *> clearOfOther;
         for (Node *next : otherBackdrops(other)) {
             if (!rectOf(next).intersects(rectOf(other)))
                 clearOfOther.append(next);
         }
         const QRectF before = rectOf(other);
-        Q_EMIT other->containerMovedDown(backdrop);
+        if (up)
+            Backdrops::shift(other,
+                             {0.0, rectOf(backdrop).top() - NodePlacement::Gap - before.bottom()});
+        else
+            Q_EMIT other->containerMovedDown(backdrop);
         giveWay(other, before);
-        pushDown(other, clearOfOther, pushed);
+        pushAside(other, before, up, clearOfOther, pushed);
         Backdrops::refreshMembership(other);
     }
 }
@@ -245,7 +252,7 @@ void settleGrown(const Former &former, QSet<Node *> *grown)
         grow(
             outer, [=] { stretchBy(outer, backdrop); }, grown);
     QSet<Node *> pushed;
-    pushDown(backdrop, former.clear, &pushed);
+    pushAside(backdrop, former.rect, false, former.clear, &pushed);
     giveWay(backdrop, former.rect);
     Backdrops::refreshMembership(backdrop);
 }

@@ -144,6 +144,22 @@ TEST_F(BackdropsTest, thoseAroundGrowThoseInLineStayInLineAndThoseBelowGiveWay)
     expectOneStepBack("Move node Outside");
 }
 
+TEST_F(BackdropsTest, thoseAboveAGrowingBackdropGoUpAndTheirNodesWithThem)
+{
+    OssSnBaseNode *above = addArea({20, -130, 400, 120}, "Above");
+    OssSnBaseNode *carried = addAt("Procedural/Scalar", {40, -90}, "Carried");
+    OssSnBaseNode *highest = addArea({60, -240, 500, 100}, "Highest");
+    mark();
+    dragTo(m_outside, {100, -20});
+    EXPECT_EQ(m_outside->container(), m_area);
+    ASSERT_LT(rectOf(m_area).top(), 0.0);
+    EXPECT_EQ(rectOf(above).bottom(), rectOf(m_area).top() - 30.0);
+    EXPECT_EQ(carried->container(), above);
+    EXPECT_TRUE(rectOf(above).contains(rectOf(carried)));
+    EXPECT_LE(rectOf(highest).bottom(), rectOf(above).top() - 30.0);
+    expectOneStepBack("Move node Outside");
+}
+
 TEST_F(BackdropsTest, membersMakeRoomForABackdropToo)
 {
     OssSnBaseNode *outer = addArea({-20, -60, 500, 400}, "Outer");

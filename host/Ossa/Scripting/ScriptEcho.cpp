@@ -287,8 +287,10 @@ bool ScriptEcho::canBeSaid() const
         // Moved from graph to graph, or with something inside. What came and went is nothing.
         if (!m_known.contains(node))
             continue;
-        if (m_removedNodes.contains(node) || qobject_cast<const OssSnGroupNode *>(node)
-            || node->hasTag(OssSnTags::input()) || node->hasTag(OssSnTags::output()))
+        const auto *group = qobject_cast<const OssSnGroupNode *>(node);
+        const bool hasContent = group && !group->groupNetwork()->nodes().isEmpty();
+        if (m_removedNodes.contains(node) || hasContent || node->hasTag(OssSnTags::input())
+            || node->hasTag(OssSnTags::output()))
             return false;
     }
     return true;

@@ -4,7 +4,7 @@
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssSnBaseContext.h"
-#include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
 
 namespace {
 
@@ -175,17 +175,21 @@ QStringList ScriptEcho::describeMoves()
 
 QString ScriptEcho::describeAction() const
 {
-    QStringList nodes;
-    QStringList takenApart;
-    for (const QString &path : m_selection) {
-        nodes.append(ScriptText::node(path));
-        if (m_removed.contains(path))
-            takenApart.append(ScriptText::node(path));
-    }
     const QString trigger = QStringLiteral("ossa.trigger(%1)").arg(ScriptText::text(m_action));
     const OssShaderNetwork *shown = OssShaderNetworkManager::instance()->currentViewNetwork();
     if (!shown)
         return trigger;
+    const OssSnGroupNode *around = shown->parentGroupNode();
+    const QString shownPath = around ? around->path() : QString();
+    QStringList nodes;
+    QStringList takenApart;
+    for (const QString &path : m_selection) {
+        if (path.section(QLatin1Char('/'), 0, -2) != shownPath)
+            continue;
+        nodes.append(ScriptText::node(path));
+        if (m_removed.contains(path))
+            takenApart.append(ScriptText::node(path));
+    }
     // What has a line of its own runs without a window, too.
     const QString graph = ScriptText::graph(shown);
     if (m_action == groupCommand) // more than the selection, when the user took others in

@@ -156,10 +156,10 @@ void OssSnMultiChannelGroupNode::configureStream(const OssLayerShaderModelInput 
 
 QPointF OssSnMultiChannelGroupNode::rowPlace(const OssLayerShaderModelInput &stream) const
 {
-    constexpr qreal rowHeight = 220.0;
+    constexpr qreal RowHeight = 220.0;
     const OssLayerShaderModel *model = shaderModel();
     const int row = model ? model->inputList().indexOf(stream.streamName()) : 0;
-    return {0.0, rowHeight * row};
+    return {0.0, RowHeight * row};
 }
 
 void OssSnMultiChannelGroupNode::onMadeFresh()

@@ -5,7 +5,6 @@
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
-#include "OssModel/Graph/OssSnBaseContext.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Project/OssNodeTypeWatch.h"
 #include "OssModel/Types/OssSnTags.h"

@@ -7,9 +7,9 @@
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Nodes/OssSnMultiChannelGroupNode.h"
 #include "OssModel/Types/OssSnTags.h"
+#include "OssNodeGraph/Items/OssNgBackdropNode.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
 #include "OssNodeGraph/Items/OssNgNodePositionChangeUndo.h"
-#include "View/Backdrops.h"
 
 #include <algorithm>
 
@@ -48,8 +48,8 @@ QVector<QRectF> framesOf(const QList<OssSnBaseNode *> &nodes)
 {
     QVector<QRectF> frames;
     for (const OssSnBaseNode *node : nodes) {
-        if (Backdrops::isBackdrop(node))
-            frames.append(Backdrops::rectOf(node));
+        if (const auto *backdrop = qobject_cast<const OssNgBackdropNode *>(itemOf(node)))
+            frames.append(occupied(backdrop));
     }
     return frames;
 }
@@ -76,9 +76,7 @@ void placeOutput(const OssSnBaseNode *node, const QVector<const OssNgNode *> &ot
     else if (!taken->isEmpty())
         rect.moveTopLeft(taken->first().topLeft());
     // One node may feed several outputs.
-    GroupPortPlacement::moveClear(&rect, *taken,
-                                  Backdrops::containerOf(node) ? QVector<QRectF>() : frames,
-                                  GroupPortPlacement::Side::Right);
+    GroupPortPlacement::moveClear(&rect, *taken, frames, GroupPortPlacement::Side::Right);
     taken->append(rect);
     place(item, rect.topLeft());
 }
@@ -94,8 +92,7 @@ void placeInputs(const QList<OssSnBaseNode *> &nodes, const QVector<QRectF> &oth
         OssNgNode *item = itemOf(node);
         if (!item)
             continue;
-        GroupPortPlacement::Input input{item->boundingRect().size(), -1,
-                                        Backdrops::containerOf(node) != nullptr};
+        GroupPortPlacement::Input input{item->boundingRect().size(), -1};
         const QList<OssNgEdge *> wires = item->outputs();
         const OssNgNode *target = wires.isEmpty() ? nullptr : wires.first()->destination();
         if (target && !fedItems.contains(target)) {

@@ -26,7 +26,7 @@ void GroupPortPlacement::moveClear(QRectF *rect, const QVector<QRectF> &taken,
     for (bool clear = false; !clear;) {
         moveBelow(rect, taken);
         const auto hit = std::find_if(frames.cbegin(), frames.cend(), [rect](const QRectF &frame) {
-            return frame.intersects(*rect);
+            return frame.intersects(*rect) && !frame.contains(*rect);
         });
         clear = hit == frames.cend();
         if (!clear && side == Side::Left)
@@ -41,9 +41,6 @@ QVector<QPointF> GroupPortPlacement::inputPositions(const QVector<Input> &inputs
                                                     const QVector<QRectF> &others,
                                                     const QVector<QRectF> &frames)
 {
-    const auto clear = [&frames](QRectF *rect, const QVector<QRectF> &taken, bool isFramed) {
-        moveClear(rect, taken, isFramed ? QVector<QRectF>() : frames, Side::Left);
-    };
     QVector<QPointF> positions(inputs.size());
     QVector<QRectF> placed = fed + others;
     QVector<qreal> next;
@@ -58,7 +55,7 @@ QVector<QPointF> GroupPortPlacement::inputPositions(const QVector<Input> &inputs
         QRectF rect(fed.at(input.fed).left() - StreamGap - input.size.width(), y,
                     input.size.width(), input.size.height());
         // Two nodes that are fed side by side must not get their inputs on one spot.
-        clear(&rect, placed, input.isFramed);
+        moveClear(&rect, placed, frames, Side::Left);
         y = rect.bottom() + StackGap;
         positions[i] = rect.topLeft();
         placed.append(rect);
@@ -73,7 +70,7 @@ QVector<QPointF> GroupPortPlacement::inputPositions(const QVector<Input> &inputs
         if (inputs.at(i).fed >= 0)
             continue;
         QRectF rect({right - inputs.at(i).size.width(), y}, inputs.at(i).size);
-        clear(&rect, placed, inputs.at(i).isFramed);
+        moveClear(&rect, placed, frames, Side::Left);
         positions[i] = rect.topLeft();
         y = rect.bottom() + LooseGap;
     }

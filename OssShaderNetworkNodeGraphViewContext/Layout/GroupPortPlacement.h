@@ -20,20 +20,20 @@ void moveBelow(QRectF *rect, const QVector<QRectF> &taken);
 
 enum class Side { Left, Right };
 
-/// The same, and beside frames: none may lie half on one.
+/// The same, and beside each frame on which it would lie half.
 void moveClear(QRectF *rect, const QVector<QRectF> &taken, const QVector<QRectF> &frames,
                Side side);
 
 struct Input
 {
     QSizeF size;
-    int fed = -1;          ///< index of what it feeds; -1: nothing
-    bool isFramed = false; ///< lies on a frame, and may
+    int fed = -1; ///< index of what it feeds; -1: nothing
 };
 
 /// Left of what each one feeds, stacked below each other; those that feed nothing below them all,
 /// right edges in line. `fed` are the rectangles that Input::fed means, `others` what else is there:
-/// an input that would stand on one of them goes below it, and left of `frames`.
+/// an input that would stand on one of them goes below it, and left of a frame that it would lie
+/// half on.
 QVector<QPointF> inputPositions(const QVector<Input> &inputs, const QVector<QRectF> &fed,
                                 const QVector<QRectF> &others = {},
                                 const QVector<QRectF> &frames = {});

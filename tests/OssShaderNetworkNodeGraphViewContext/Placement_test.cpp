@@ -194,22 +194,21 @@ TEST(GroupPortPlacement, inputsStandLeftOfWhatTheyFeedAndNeverOnEachOther)
     EXPECT_GT(places.at(3).y(), places.at(2).y());
 }
 
-TEST(GroupPortPlacement, portsStandBesideFramesUnlessTheyLieOnThem)
+TEST(GroupPortPlacement, portsNeverLieHalfOnAFrame)
 {
     const QRectF frame(300, 0, 400, 300);
     const QRectF around(200, 200, 600, 400);
-    const QVector<QRectF> fed{{500, 100, 120, 90}};
-    const auto input = [&](bool isFramed) {
-        return GroupPortPlacement::inputPositions({{{100, 40}, 0, isFramed}}, fed, {},
-                                                  {frame, around});
+    const auto input = [&](qreal fed) {
+        return GroupPortPlacement::inputPositions({{{100, 40}, 0}}, {{fed, 100, 120, 90}}, {},
+                                                  {frame, around})
+            .first();
     };
-    EXPECT_EQ(input(false).first(), QPointF(300 - 30 - 100, 100));
-    EXPECT_EQ(input(true).first(), QPointF(500 - 150 - 100, 100));
+    EXPECT_EQ(input(500), QPointF(300 - 30 - 100, 100));
+    EXPECT_EQ(input(620), QPointF(620 - 150 - 100, 100)) << "wholly on it";
     QRectF output(650, 120, 100, 40);
     GroupPortPlacement::moveClear(&output, {{730, 120, 100, 40}}, {frame, around},
                                   GroupPortPlacement::Side::Right);
-    EXPECT_EQ(output.topLeft(), QPointF(830, 190))
-        << "one frame after the other, and the taken place";
+    EXPECT_EQ(output.topLeft(), QPointF(830, 190)) << "beside one, the other and the taken place";
 }
 
 using Networks = OssShaderNetworkManager;

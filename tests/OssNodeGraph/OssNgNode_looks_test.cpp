@@ -4,6 +4,7 @@
 #include "OssNodeGraph/Items/OssNgEdge.h"
 #include "OssNodeGraph/Items/OssNgUINode.h"
 
+#include <QCoreApplication>
 #include <QSignalSpy>
 
 // How nodes look, in files and close by.
@@ -143,13 +144,40 @@ TEST_F(OssNgNodeLooks, tipsSayWhatIsUnderThePointer)
     EXPECT_EQ(node->toolTipAt(node->mapFromScene(node->outputPortScenePos(Out))), Out);
     EXPECT_EQ(node->toolTipAt(body), text("What it is"));
     node->setErrorText(text("no file"));
-    EXPECT_EQ(node->toolTipAt(body), text("no file"));
+    EXPECT_EQ(node->toolTipAt(body), text("no file\nWhat it is"));
     EXPECT_EQ(node->toolTipAt(node->mapFromScene(node->inputPortScenePos(In))), In);
     const QString longName(200, QLatin1Char('W'));
     node->setErrorText({});
     node->setToolTip({});
     node->setText(longName);
     EXPECT_EQ(node->toolTipAt(body), longName) << "what is cut short";
+}
+
+TEST_F(OssNgNodeLooks, aReasonTakesTheRoomThatThereIsAndNoMore)
+{
+    const qreal plain = node->bodyRect().height();
+    const qreal below = node->pos().y() + node->boundingRect().height();
+    OssNgExtendedNode *other = scene.add("Below", {node->x() + 20.0, below + 25.0});
+    const auto height = [this] {
+        QCoreApplication::processEvents();
+        return node->bodyRect().height();
+    };
+    node->setErrorText(QString(300, QLatin1Char('W')).replace(20, 1, QLatin1Char(' ')));
+    const qreal low = node->bodyRect().height();
+    EXPECT_GT(low, plain) << "at once";
+    EXPECT_FALSE(node->sceneBoundingRect().intersects(other->sceneBoundingRect()));
+    other->setPosition({other->x(), below + 4.0});
+    EXPECT_EQ(height(), plain);
+    EXPECT_TRUE(node->toolTipAt(node->bodyRect().center()).startsWith(node->errorText()));
+    other->setPosition({other->x(), below + 400.0});
+    const qreal whole = height();
+    EXPECT_GT(whole, low);
+    OssNgExtendedNode *late = scene.add("Late", {node->x(), below + 25.0});
+    EXPECT_EQ(height(), low);
+    late->setVisible(false);
+    EXPECT_EQ(height(), whole);
+    node->setErrorText({});
+    EXPECT_EQ(height(), plain);
 }
 
 TEST_F(OssNgNodeLooks, aStandInLooksLikeWhatItStandsFor)

@@ -165,6 +165,7 @@ void OssNgNode::copyStateFrom(const OssNgNode *other)
         extras().pixmapOffset = other->m_extras->pixmapOffset;
         extras().thumbnail = other->m_extras->thumbnail;
         extras().errorText = other->m_extras->errorText;
+        extras().errorLines = other->m_extras->errorLines;
     }
     setPosition(other->pos());
     refresh();
@@ -183,6 +184,7 @@ void OssNgNode::setErrorText(const QString &reason)
         return;
     extras().errorText = reason;
     refresh();
+    fitErrorText();
 }
 
 QString OssNgNode::errorText() const

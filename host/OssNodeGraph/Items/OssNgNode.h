@@ -103,7 +103,8 @@ public:
     // What is told of the node besides its marks
 
     void setDebugColor(const QColor &color);
-    /// Why the node cannot do its work, in words; shown on the node. Empty: it can.
+    /// Why the node cannot do its work, in words; shown on the node as far as nothing comes close
+    /// below, and as its tip. Empty: it can.
     void setErrorText(const QString &reason);
     QString errorText() const;
 
@@ -265,7 +266,9 @@ private:
     void syncEdgeScene(OssNgEdge *edge);
     void enterScene();
     void leaveScene();
+    QStringList errorLines(qreal width) const;
     qreal errorHeight(qreal width) const;
+    void fitErrorText();
     qreal thumbnailHeight(qreal width) const;
 
     void paintHeader(QPainter *painter, const QRectF &body) const;

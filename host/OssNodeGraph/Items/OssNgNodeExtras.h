@@ -14,4 +14,5 @@ struct OssNgNode::Extras
     QPoint pixmapOffset;
     QPixmap thumbnail;
     QString errorText;
+    int errorLines = 3; ///< of them shown, as many as there is room for
 };

@@ -3,6 +3,7 @@
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
 #include "OssNodeGraph/Drawing/OssNgText.h"
 #include "OssNodeGraph/Items/OssNgNodeExtras.h"
+#include "OssNodeGraph/Items/OssNgSceneIndex.h"
 
 #include <algorithm>
 #include <cmath>
@@ -10,6 +11,7 @@
 namespace {
 
 constexpr qreal ErrorLine = 14.0;
+constexpr qreal ErrorFrame = 10.0;
 constexpr qreal ThumbnailInset = 10.0;
 constexpr int MostErrorLines = 3;
 
@@ -61,14 +63,32 @@ qreal OssNgNode::thumbnailHeight(qreal width) const
            + 6.0;
 }
 
+QStringList OssNgNode::errorLines(qreal width) const
+{
+    if (!m_extras || m_extras->errorText.isEmpty() || m_extras->errorLines <= 0)
+        return {};
+    return OssNgText::wrapped(OssNgText::Role::Label, m_extras->errorText,
+                              width - 2 * ThumbnailInset, m_extras->errorLines);
+}
+
 qreal OssNgNode::errorHeight(qreal width) const
 {
-    if (!m_extras || m_extras->errorText.isEmpty())
-        return 0.0;
-    const int lines = OssNgText::wrapped(OssNgText::Role::Label, m_extras->errorText,
-                                         width - 2 * ThumbnailInset, MostErrorLines)
-                          .size();
-    return lines * ErrorLine + 10.0;
+    const int lines = errorLines(width).size();
+    return lines > 0 ? lines * ErrorLine + ErrorFrame : 0.0;
+}
+
+void OssNgNode::fitErrorText()
+{
+    if (!m_index || errorText().isEmpty())
+        return;
+    constexpr qreal Most = MostErrorLines * ErrorLine + ErrorFrame;
+    const qreal grown = errorHeight(bodyRect().width());
+    const qreal room = m_index->roomBelow(this, grown, Most) - ErrorFrame;
+    const int lines = std::clamp(int(room / ErrorLine), 0, MostErrorLines);
+    if (lines == m_extras->errorLines)
+        return;
+    m_extras->errorLines = lines;
+    refresh();
 }
 
 QPointF OssNgNode::portPosition(Side side, const QString &name, int *hint) const

@@ -307,9 +307,8 @@ void OssNgNode::paintFoot(QPainter *painter, const QRectF &body) const
         return;
     const OssNgStyle *style = OssNgStyle::instance();
     qreal bottom = body.bottom();
-    if (!m_extras->errorText.isEmpty()) {
-        const QStringList lines = OssNgText::wrapped(OssNgText::Role::Label, m_extras->errorText,
-                                                     body.width() - 20.0, 3);
+    const QStringList lines = errorLines(body.width());
+    if (!lines.isEmpty()) {
         const qreal height = lines.size() * 14.0 + 4.0;
         painter->setPen(Qt::NoPen);
         painter->setBrush(withAlpha(style->color(Role::Error), 0.14));
@@ -389,9 +388,9 @@ QString OssNgNode::toolTipAt(const QPointF &local) const
         return describe(port, Side::Input);
     if (const OssNgPort *port = outputPortAt(local, reach))
         return describe(port, Side::Output);
-    if (m_extras && !m_extras->errorText.isEmpty())
-        return m_extras->errorText;
     QStringList lines;
+    if (m_extras && !m_extras->errorText.isEmpty())
+        lines.append(m_extras->errorText);
     if (bodyRect().width() >= OssNgStyle::MaximumWidth)
         lines.append(m_text); // perhaps cut short
     const QString help = m_help ? m_help->nodeHelp() : QString();

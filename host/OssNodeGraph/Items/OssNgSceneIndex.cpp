@@ -6,6 +6,7 @@
 
 #include <QGraphicsScene>
 #include <QHash>
+#include <QTimer>
 
 #include <algorithm>
 #include <tuple>
@@ -141,6 +142,8 @@ void OssNgSceneIndex::addNode(OssNgNode *node)
     // Among siblings only is an order of its own kept: what has one stays at the top.
     if (!node->parentItem() && node->zValue() == 0.0)
         m_nodeBuckets.add(node);
+    keepTelling(node);
+    roomChanged();
 }
 
 void OssNgSceneIndex::removeNode(OssNgNode *node)
@@ -150,6 +153,8 @@ void OssNgSceneIndex::removeNode(OssNgNode *node)
     node->m_index = nullptr;
     node->m_indexSlot = -1;
     ++m_revision;
+    m_telling.remove(node);
+    roomChanged();
 }
 
 void OssNgSceneIndex::updateNode(OssNgNode *node)
@@ -165,6 +170,52 @@ void OssNgSceneIndex::updateNode(OssNgNode *node)
     if (m_nodes.settle(node->m_indexSlot))
         coverByScene(entry.bounds);
     ++m_revision;
+    keepTelling(node);
+    if (entry.bounds != before.bounds || entry.visible != before.visible)
+        roomChanged();
+}
+
+void OssNgSceneIndex::keepTelling(OssNgNode *node)
+{
+    if (!node->errorText().isEmpty())
+        m_telling.insert(node);
+    else
+        m_telling.remove(node);
+}
+
+void OssNgSceneIndex::roomChanged()
+{
+    if (m_roomChanged || m_telling.isEmpty())
+        return;
+    m_roomChanged = true;
+    QTimer::singleShot(0, this, &OssNgSceneIndex::settleRoom);
+}
+
+void OssNgSceneIndex::settleRoom()
+{
+    if (!m_roomChanged)
+        return;
+    const QSet<OssNgNode *> telling = m_telling;
+    for (OssNgNode *node : telling)
+        node->fitErrorText();
+    m_roomChanged = false; // bodies grow downwards only: none of these took room from another
+}
+
+qreal OssNgSceneIndex::roomBelow(const OssNgNode *node, qreal grown, qreal most) const
+{
+    constexpr qreal Gap = 6.0;
+    const QRectF body = node->bodyRect().translated(node->pos());
+    const QRectF plain = body.adjusted(0.0, 0.0, 0.0, -grown);
+    const QRectF below(plain.left(), plain.bottom(), plain.width(), most + Gap);
+    qreal end = below.bottom();
+    const QVector<OssNgNode *> around = nodesIn(below);
+    for (const OssNgNode *other : around) {
+        const QRectF place = other->bodyRect().translated(other->pos());
+        if (other == node || (other->isBackground() && !place.contains(plain)))
+            continue;
+        end = std::min(end, (other->isBackground() ? place.bottom() : place.top()) - Gap);
+    }
+    return std::min(end - plain.bottom(), most);
 }
 
 void OssNgSceneIndex::repaint(const QRectF &rect)

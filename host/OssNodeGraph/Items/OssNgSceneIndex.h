@@ -7,6 +7,7 @@
 #include <QObject>
 #include <QRectF>
 #include <QRgb>
+#include <QSet>
 #include <QVector>
 
 #include <vector>
@@ -74,6 +75,14 @@ public:
 
     const std::vector<WireEntry> &wireEntries() const { return m_wires.entries(); }
 
+    /// How much taller a node of the scene may become until it comes near to what stands below, or to
+    /// the end of the backdrop that it is on: at most the given height, less than nothing where it
+    /// lies over something. Counted from its body without the given part at its lower end.
+    qreal roomBelow(const OssNgNode *node, qreal grown, qreal most) const;
+    /// Lets nodes that failed tell so in the room that they have now. Comes by itself once the event
+    /// loop runs; for those who draw before that.
+    void settleRoom();
+
     /// Bounds of the visible nodes; empty when there are none.
     QRectF visibleNodeBounds() const;
 
@@ -100,6 +109,8 @@ private:
     void repaint(const QRectF &rect);
     void refreshColors();
     void coverByScene(const QRectF &rect);
+    void keepTelling(OssNgNode *node);
+    void roomChanged();
 
     QGraphicsScene *m_scene;
     OssNgItemBuckets m_nodeBuckets;
@@ -111,4 +122,6 @@ private:
     /// moves; one far larger than its graph finds items slowly. So it doubles when needed.
     qreal m_reach = 4096.0;
     quint32 m_revision = 0;
+    QSet<OssNgNode *> m_telling; ///< those that failed, and say why
+    bool m_roomChanged = false;
 };

@@ -291,6 +291,7 @@ void OssNgRenderer::paintSceneTo(QPainter *painter, QGraphicsScene *scene, const
 {
     if (!scene || source.isEmpty() || target.isEmpty())
         return;
+    OssNgSceneIndex::of(scene)->settleRoom();
     const OssNgSceneIndex &index = *OssNgSceneIndex::of(scene);
     painter->save();
     painter->setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform

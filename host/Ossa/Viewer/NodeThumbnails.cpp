@@ -40,7 +40,6 @@ constexpr qreal inset = 10.0;
 constexpr qreal margin = 6.0;
 constexpr qreal leastHeight = 24.0;
 constexpr qreal mostRoom = 170.0;
-constexpr qreal gap = 6.0; // to what comes below
 constexpr int lookInterval = 120;
 constexpr int longestLook = 6; // ms of the GUI thread
 constexpr int mostRunning = 4;
@@ -255,31 +254,15 @@ void NodeThumbnails::showPicture(OssNgNode *item, const QImage &picture)
     fit(&*shown);
 }
 
-qreal NodeThumbnails::roomBelow(const Shown &shown)
-{
-    const OssNgNode *item = shown.item;
-    const QRectF body = item->bodyRect().translated(item->pos());
-    const QRectF plain = body.adjusted(0.0, 0.0, 0.0, -shown.grown);
-    const QRectF below(plain.left(), plain.bottom(), plain.width(), mostRoom);
-    qreal end = below.bottom();
-    const QVector<OssNgNode *> around = OssNgSceneIndex::of(item->scene())->nodesIn(below);
-    for (const OssNgNode *other : around) {
-        const QRectF place = other->bodyRect().translated(other->pos());
-        if (other == item || (other->isBackground() && !place.contains(plain)))
-            continue;
-        end = std::min(end, (other->isBackground() ? place.bottom() : place.top()) - gap);
-        // One that lies over the node leaves no room.
-    }
-    return end - plain.bottom();
-}
-
 void NodeThumbnails::fit(Shown *shown)
 {
     OssNgNode *item = shown->item;
     if (!item || !item->scene())
         return;
     int rows = 0;
-    const qreal room = shown->picture.isNull() ? 0.0 : roomBelow(*shown) - margin;
+    qreal room = 0.0;
+    if (!shown->picture.isNull())
+        room = OssNgSceneIndex::of(item->scene())->roomBelow(item, shown->grown, mostRoom) - margin;
     const qreal texel = (item->bodyRect().width() - 2.0 * inset) / size; // in the graph
     if (room >= leastHeight && texel > 0.0)
         rows = std::min(height, int(room / texel));

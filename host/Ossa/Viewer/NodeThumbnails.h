@@ -50,7 +50,6 @@ private:
     void finish(OssEvEngine::Id id, const QImage &picture);
     /// Shows as much of the picture as there is room for.
     static void fit(Shown *shown);
-    static qreal roomBelow(const Shown &shown);
     void forgetAll();
 
     bool m_enabled = false;

@@ -14,6 +14,7 @@
 
 #include <QBuffer>
 #include <QCryptographicHash>
+#include <QFileInfo>
 
 #include <algorithm>
 
@@ -30,6 +31,11 @@ OssProject::OssProject(const QString &name)
 }
 
 OssProject::~OssProject() = default;
+
+QString OssProject::shownName() const
+{
+    return m_path.isEmpty() ? name() : QFileInfo(m_path).completeBaseName();
+}
 
 QList<OssGeoEntity *> OssProject::entities() const
 {

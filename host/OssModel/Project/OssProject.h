@@ -34,6 +34,10 @@ public:
 
     void setPath(const QString &path) { m_path = path; }
 
+    /// What people know it by: the name of its folder, which they may have given it elsewhere, or its
+    /// own while it lies in none.
+    QString shownName() const;
+
     /// A project that a newer version wrote is opened for looking only.
     bool isReadOnly() const { return m_readOnly; }
 

@@ -127,7 +127,8 @@ bool ProjectCommands::mayClose()
         return true;
     const auto answer = OssMessageBox::question(
         m_window, tr("Unsaved Changes"),
-        tr("Do you want to save the changes to \"%1\"?").arg(projects->currentProject()->name()),
+        tr("Do you want to save the changes to \"%1\"?")
+            .arg(projects->currentProject()->shownName()),
         QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save);
     if (answer == QMessageBox::Save)
         return save();
@@ -177,7 +178,7 @@ bool ProjectCommands::saveAs()
         return false;
     const QString path = OssFileDialog::getSaveFileName(
         tr("Save Project As"), tr("Ossa projects (*.ossa)"), projectPathKey, m_window,
-        project->name(), OssFilePath::base());
+        project->shownName(), OssFilePath::base());
     return !path.isEmpty() && saveTo(path);
 }
 

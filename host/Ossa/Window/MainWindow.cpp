@@ -304,7 +304,7 @@ void MainWindow::refreshTitle()
     setWindowModified(project && OssProjectManager::instance()->isModified());
     // "[*]" is where Qt puts the mark of changes; twice it stands for itself.
     const QString mark = QStringLiteral("[*]");
-    const QString name = project ? project->name().replace(mark, mark + mark) : QString();
+    const QString name = project ? project->shownName().replace(mark, mark + mark) : QString();
     m_docks->coverGraph(m_welcome, !project);
     setWindowTitle(project ? tr("%1[*] \u2013 Ossa").arg(name) : tr("Ossa"));
 }

@@ -8,9 +8,12 @@
 #include "OssInterface/Palettes/OssPalette.h"
 #include "OssInterface/Palettes/OssPaletteManager.h"
 
+#include <qtadvanceddocking/DockAreaTabBar.h>
+#include <qtadvanceddocking/DockAreaTitleBar.h>
 #include <qtadvanceddocking/DockAreaWidget.h>
 #include <qtadvanceddocking/DockManager.h>
 #include <qtadvanceddocking/DockWidget.h>
+#include <qtadvanceddocking/DockWidgetTab.h>
 #include <qtadvanceddocking/IconProvider.h>
 
 #include <QAction>
@@ -236,7 +239,8 @@ void PaletteDocks::placeCover()
         return;
     QWidget *shown = m_isCovered ? m_cover.data() : graph;
     const QWidget *hidden = m_isCovered ? graph : m_cover.data();
-    const bool movesFocus = hidden->isAncestorOf(QApplication::focusWidget());
+    // The window's own, which nobody else knows while it gets active again behind a dialog.
+    const bool movesFocus = hidden->isAncestorOf(hidden->window()->focusWidget());
     graph->setEnabled(!m_isCovered);
     graph->installEventFilter(this);
     if (m_cover->parentWidget() != dock)
@@ -292,6 +296,16 @@ void PaletteDocks::dock(OssPalette *palette)
         [this, dock](bool open) {
             if (open && !dock->isClosed() && m_window->isVisible())
                 makeRoom(dock);
+        },
+        Qt::QueuedConnection);
+
+    // Queued: as it comes forward the tab has no place yet, and stays out of sight among many.
+    connect(
+        dock, &ads::CDockWidget::visibilityChanged, this,
+        [dock](bool visible) {
+            if (visible && dock->dockAreaWidget())
+                dock->dockAreaWidget()->titleBar()->tabBar()->ensureWidgetVisible(dock->tabWidget(),
+                                                                                  0, 0);
         },
         Qt::QueuedConnection);
 

@@ -124,6 +124,7 @@ QWidget *ViewerPanel::makeFoot()
     m_progress->setToolTip(tr("How far the picture is; Esc stops it"));
     m_progress->hide();
     m_pass->setObjectName(QStringLiteral("Muted"));
+    m_name->setTextFormat(Qt::PlainText);
     foot->addWidget(m_name);
     foot->addWidget(m_values, 1);
     foot->addWidget(m_pass);
@@ -154,6 +155,7 @@ void ViewerPanel::follow()
                 m_object->setMesh(entity ? OssMeshes::instance()->look(entity->source()).mesh
                                          : nullptr);
                 m_told = 0;
+                m_patchesDone = patches.isEmpty() ? m_progress->maximum() : 0;
                 m_progress->setValue(0);
                 m_pass->clear();
                 m_progress->hide();

@@ -11,6 +11,8 @@
 namespace {
 
 constexpr double knob = 6.0;
+constexpr double gap = 8.0;      // between the line and the names beside it
+constexpr double padding = 12.0; // of a name within its plate
 
 void drawName(QPainter *painter, const QRectF &plate, const QString &name)
 {
@@ -39,9 +41,14 @@ void WipeLine::draw(QPainter *painter, const QRectF &view, double x, const QStri
     const QFontMetricsF metrics(painter->font());
     const double line = metrics.height() + 6.0;
     const QString kept = QCoreApplication::translate("WipeLine", "Kept: %1").arg(keptName);
-    const double keptWidth = metrics.horizontalAdvance(kept) + 12.0;
-    drawName(painter, {x - 8.0 - keptWidth, 6.0, keptWidth, line}, kept);
-    drawName(painter, {x + 8.0, 6.0, metrics.horizontalAdvance(shownName) + 12.0, line}, shownName);
+    const auto name = [&](const QString &whole, double room, bool isLeft) {
+        const QString words = metrics.elidedText(whole, Qt::ElideRight, room - 2.0 * gap - padding);
+        const double width = metrics.horizontalAdvance(words) + padding;
+        if (!words.isEmpty())
+            drawName(painter, {isLeft ? x - gap - width : x + gap, 6.0, width, line}, words);
+    };
+    name(kept, x - view.left(), true);
+    name(shownName, view.right() - x, false);
     painter->restore();
 }
 

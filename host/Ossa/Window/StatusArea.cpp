@@ -69,6 +69,8 @@ StatusArea::StatusArea(QWidget *parent)
         addPermanentWidget(widget);
         widget->hide();
     }
+    m_mode->setTextFormat(Qt::PlainText); // names may hold anything
+    m_title->setTextFormat(Qt::PlainText);
     m_mode->setObjectName(QStringLiteral("Mode"));
     insertPermanentWidget(0, m_mode);
     m_mode->hide();

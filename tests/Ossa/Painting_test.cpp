@@ -108,6 +108,28 @@ TEST_F(Painting, strokesAreStepsAndBakingIsOneThatGivesThemBack)
     EXPECT_EQ(m_project->stateHash(), end);
 }
 
+TEST_F(Painting, aNodeThatNeverHadImagesGetsThemWithItsFirstStroke)
+{
+    auto *fresh = qobject_cast<OssSnImageSetNodeBase *>(
+        m_network->createNode(text("Channel Input/Paint")));
+    ASSERT_EQ(fresh->imageSet(), nullptr);
+    history()->clear();
+    const QByteArray start = m_project->stateHash();
+    ASSERT_TRUE(m_session->setNode(fresh));
+    EXPECT_EQ(m_session->node(), fresh);
+    ASSERT_TRUE(m_session->begin(QPointF(0.5, 0.5)));
+    m_session->cancel();
+    EXPECT_EQ(undoCount(), 0);
+    EXPECT_EQ(m_project->stateHash(), start);
+    stroke({0.2, 0.5}, {0.8, 0.5});
+    EXPECT_EQ(undoCount(), 1);
+    history()->undo();
+    EXPECT_EQ(m_project->stateHash(), start);
+    history()->redo();
+    ASSERT_TRUE(m_session->bake());
+    EXPECT_GT(seen(0.25, 0.5, 1001, fresh).alpha(), 0) << "a thin line on larger images";
+}
+
 TEST_F(Painting, laterPaintIsComposedOverWhatWasBaked)
 {
     stroke({0.2, 0.5}, {0.8, 0.5});

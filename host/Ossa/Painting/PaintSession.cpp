@@ -9,6 +9,7 @@
 #include "OssModel/Graph/OssGeoEntity.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Images/OssImageManager.h"
 #include "OssModel/Images/OssLivePaint.h"
 #include "OssModel/Images/OssPixelStore.h"
 #include "OssModel/Nodes/OssSnImageSetNodeBase.h"
@@ -117,7 +118,8 @@ void PaintSession::forget()
 
 OssSnImageSetNodeBase *PaintSession::node() const
 {
-    return m_node && m_node->network() && m_node->imageSet() ? m_node.data() : nullptr;
+    return m_node && m_node->network() && m_node->network()->shadingContext() ? m_node.data()
+                                                                              : nullptr;
 }
 
 bool PaintSession::setNode(OssSnImageSetNodeBase *node)
@@ -143,6 +145,8 @@ bool PaintSession::setNode(OssSnImageSetNodeBase *node)
 // As fine as what the images are to have, and as what they have.
 int PaintSession::resolutionOf(const OssImageSet *images) const
 {
+    if (!images)
+        return OssImageManager::instance()->newResolution();
     int resolution = images->resolution();
     const QMap<int, QString> pixels = images->pixels();
     for (const QString &name : pixels)
@@ -211,10 +215,10 @@ double PaintSession::texelsInWorld() const
 bool PaintSession::makeRoom()
 {
     end();
-    const OssSnImageSetNodeBase *painted = node();
-    if (!painted || m_isBusy)
+    OssSnImageSetNodeBase *painted = node();
+    OssImageSet *images = painted && !m_isBusy ? painted->needImageSet() : nullptr;
+    if (!images)
         return false;
-    OssImageSet *images = painted->imageSet();
     if (!m_buffer.isEmpty() && m_images != images && !settle())
         return false;
     m_painted = node();
@@ -227,14 +231,22 @@ bool PaintSession::makeRoom()
 
 bool PaintSession::prepare(const MakeStroke &make)
 {
-    if (!makeRoom())
+    end();
+    // A node that never had images gets them with its first stroke.
+    std::unique_ptr<OssUndoManager::AutoMacro> macro;
+    if (!m_leader && !m_isBusy && node() && !node()->imageSet())
+        macro = std::make_unique<OssUndoManager::AutoMacro>(stepName());
+    if (makeRoom())
+        m_stroke = make(&m_buffer);
+    if (!m_stroke) {
+        if (macro)
+            macro->cancel();
         return false;
-    m_stroke = make(&m_buffer);
-    if (!m_stroke)
-        return false;
+    }
     m_follows = m_leader && m_leader->m_stroke && m_leader->m_stroke->isFollowedBy(*m_stroke);
-    if (!m_leader) // whose step it is a part of
-        m_macro = std::make_unique<OssUndoManager::AutoMacro>(stepName());
+    if (!m_leader && !macro) // whose step it is a part of
+        macro = std::make_unique<OssUndoManager::AutoMacro>(stepName());
+    m_macro = std::move(macro);
     m_everyMove = std::make_unique<EveryMove>();
     return true;
 }
@@ -409,8 +421,10 @@ void PaintSession::cancel()
     for (const OssEvStroke::Change &change : m_stroke->changes())
         before.emplace_back(change.place, change.before);
     letStrokeGo();
-    m_macro.reset();
     setTiles(m_images, m_buffer.resolution(), before, Show);
+    if (m_macro) // with the images that were made for it
+        m_macro->cancel();
+    m_macro.reset();
 }
 
 // --- the buffer as a whole

@@ -149,7 +149,7 @@ bool SoloLook::eventFilter(QObject *watched, QEvent *event)
         return false;
     if (event->type() == QEvent::KeyRelease && m_isHeld) {
         const auto *key = static_cast<QKeyEvent *>(event);
-        if (isKeyOf(m_action, key))
+        if (isKeyOf(m_action, key) && !key->isAutoRepeat())
             m_letGo.start();
     } else if (event->type() == QEvent::FocusOut && m_isHeld && watched == m_view) {
         release(); // where the key is let go is not told here

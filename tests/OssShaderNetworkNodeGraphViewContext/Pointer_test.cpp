@@ -89,6 +89,10 @@ TEST_F(Pointer, theKeyLooksAtWhatIsUnderThePointerAndAtNothingWhenItWasHeld)
     letGo();
     pointAt(m_blur);
     press();
+    QKeyEvent repeated(QEvent::KeyRelease, Qt::Key_S, {}, QString(), true);
+    QCoreApplication::sendEvent(m_view, &repeated);
+    QTest::qWait(400);
+    EXPECT_EQ(OssSolo::instance()->node(), m_blur) << "held, however late the key comes again";
     EXPECT_EQ(pointAt(m_color), m_color);
     EXPECT_EQ(letGo(), nullptr) << "it was held";
     EXPECT_FALSE(action->isChecked());

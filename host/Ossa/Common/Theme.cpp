@@ -84,6 +84,11 @@ OssMiniButton { padding: 0 4px; border-radius: 3px; }
 QToolButton {
     background: transparent; border: 1px solid transparent; border-radius: 4px; padding: 3px;
 }
+QToolButton[popupMode="2"] { padding-right: 17px; }
+QToolButton::menu-indicator {
+    image: url("@icons/Down.png"); width: 10px; height: 10px;
+    subcontrol-origin: padding; subcontrol-position: center right; right: 4px;
+}
 QToolButton:hover { background: @raisedHover; }
 QToolButton:focus { border-color: @accent; }
 QToolButton:checked { background: @accentDeep; color: @text; }

@@ -1,3 +1,4 @@
+#include "Ossa/Painting/EveryMove.h"
 #include "Ossa/Painting/PaintComposer.h"
 #include "Ossa/Painting/PaintPreferences.h"
 #include "OssCore/Program/OssStatusManager.h"
@@ -12,6 +13,7 @@
 #include <QImage>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QWidget>
 
 #include <cmath>
 
@@ -128,6 +130,33 @@ TEST_F(Painting, aNodeThatNeverHadImagesGetsThemWithItsFirstStroke)
     history()->redo();
     ASSERT_TRUE(m_session->bake());
     EXPECT_GT(seen(0.25, 0.5, 1001, fresh).alpha(), 0) << "a thin line on larger images";
+}
+
+TEST_F(Painting, everyMoveIsToldFromBeforeAPressUntilTheStrokeEnds)
+{
+    const auto isTold = [] {
+        return !QCoreApplication::testAttribute(Qt::AA_CompressHighFrequencyEvents);
+    };
+    const bool usual = isTold();
+    QWidget canvas;
+    EveryMoveOver over(&canvas);
+    const auto send = [&canvas](QEvent::Type type) {
+        QEvent event(type);
+        QCoreApplication::sendEvent(&canvas, &event);
+    };
+    send(QEvent::Enter);
+    EXPECT_EQ(isTold(), usual) << "nobody paints";
+    over.setWanted(true);
+    EXPECT_TRUE(isTold()) << "what waits behind a press is gone when that is handled";
+    ASSERT_TRUE(m_session->begin(QPointF(0.5, 0.5)));
+    send(QEvent::Leave);
+    EXPECT_TRUE(isTold()) << "the stroke goes on";
+    m_session->end();
+    EXPECT_EQ(isTold(), usual);
+    send(QEvent::Enter);
+    EXPECT_TRUE(isTold());
+    over.setWanted(false);
+    EXPECT_EQ(isTold(), usual);
 }
 
 TEST_F(Painting, laterPaintIsComposedOverWhatWasBaked)

@@ -1,6 +1,7 @@
 #include "Ossa/Painting/PaintSession.h"
 
 #include "Ossa/Painting/Brushes.h"
+#include "Ossa/Painting/EveryMove.h"
 #include "Ossa/Painting/PaintStep.h"
 #include "OssCore/Program/OssDebug.h"
 #include "OssCore/Program/OssStatusManager.h"
@@ -19,8 +20,6 @@
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectManager.h"
 
-#include <QCoreApplication>
-
 #include <algorithm>
 #include <climits>
 #include <new>
@@ -38,22 +37,6 @@ const OssEvBrush &brush()
 }
 
 } // namespace
-
-/// Lets all moves of the pointer through while it lives, also those that come faster than they are
-/// handled: they shape the stroke.
-class PaintSession::EveryMove
-{
-public:
-    EveryMove() { QCoreApplication::setAttribute(Qt::AA_CompressHighFrequencyEvents, false); }
-
-    EveryMove(const EveryMove &) = delete;
-    EveryMove &operator=(const EveryMove &) = delete;
-
-    ~EveryMove() { QCoreApplication::setAttribute(Qt::AA_CompressHighFrequencyEvents, m_before); }
-
-private:
-    bool m_before = QCoreApplication::testAttribute(Qt::AA_CompressHighFrequencyEvents);
-};
 
 PaintSession::PaintSession(QObject *parent)
     : PaintSession(static_cast<PaintSession *>(nullptr))

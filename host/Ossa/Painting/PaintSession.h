@@ -23,6 +23,7 @@
 #include <memory>
 #include <optional>
 
+class EveryMove;
 class OssImageSet;
 class OssLivePaint;
 class PaintTileStore;
@@ -135,7 +136,6 @@ Q_SIGNALS:
 
 private:
     friend class PaintStep;
-    class EveryMove;
 
     enum Notice {
         Show,

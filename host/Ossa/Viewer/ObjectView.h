@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Ossa/Painting/BrushHand.h"
+#include "Ossa/Painting/EveryMove.h"
 #include "Ossa/Painting/SheetHand.h"
 #include "Ossa/Surfaces/LitRenderer.h"
 #include "Ossa/Surfaces/LitScene.h"
@@ -169,6 +170,7 @@ private:
     PaintSession *m_session = nullptr;
     std::unique_ptr<ObjectCanvas> m_canvas;
     BrushHand m_hand;
+    EveryMoveOver m_everyMove{this};
     SheetHand m_sheetHand;
     std::optional<QPointF> m_pointer; ///< where the brush is shown
     std::optional<QPointF> m_gradientFrom;

@@ -32,6 +32,7 @@ void ObjectView::setPainted(bool painted)
 {
     m_isComing = painted && isMaterial();
     m_isPainted = painted;
+    m_everyMove.setWanted(painted);
     if (!painted)
         m_session->end();
     m_gradientFrom.reset();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Ossa/Painting/BrushHand.h"
+#include "Ossa/Painting/EveryMove.h"
 #include "Ossa/Painting/PaintStart.h"
 #include "Ossa/Painting/SheetHand.h"
 #include "OssModel/Objects/OssCanvasWidget.h"
@@ -111,6 +112,7 @@ private:
     bool m_isPointed = false;
     bool m_isPainting = false;
     BrushHand m_hand;
+    EveryMoveOver m_everyMove{this};
     SheetHand m_sheetHand;
     std::optional<QPointF> m_gradientFrom;
     std::optional<QPointF> m_cloneSource; ///< in patches

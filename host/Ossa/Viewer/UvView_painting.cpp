@@ -23,6 +23,7 @@ void UvView::setPainting(bool on)
     m_session->end();
     m_gradientFrom.reset();
     m_isPainting = on;
+    m_everyMove.setWanted(on);
     showPointer();
     if (on)
         setFocus(); // so that the brush's keys act

@@ -22,14 +22,16 @@ namespace {
 constexpr int Repeat = 60;     // milliseconds within which a key that is still held comes again
 constexpr int LongPress = 350; // milliseconds; less is a tap, which leaves the node in view
 
-bool isKeyOf(const QAction *action, const QKeyEvent *event)
+/// A key that is held comes again and again, as if it were let go between.
+bool isLetGo(const QAction *action, const QKeyEvent *event)
 {
     const QList<QKeySequence> keys = action->shortcuts();
-    return std::any_of(keys.cbegin(), keys.cend(), [event](const QKeySequence &sequence) {
-        // Modifiers may be let go before it.
-        return sequence.count() == 1
-               && (sequence[0] & ~int(Qt::KeyboardModifierMask)) == event->key();
-    });
+    return !event->isAutoRepeat()
+           && std::any_of(keys.cbegin(), keys.cend(), [event](const QKeySequence &sequence) {
+                  // Modifiers may be let go before it.
+                  return sequence.count() == 1
+                         && (sequence[0] & ~int(Qt::KeyboardModifierMask)) == event->key();
+              });
 }
 
 void tell(const QString &text)
@@ -148,8 +150,7 @@ bool SoloLook::eventFilter(QObject *watched, QEvent *event)
     if (!m_view)
         return false;
     if (event->type() == QEvent::KeyRelease && m_isHeld) {
-        const auto *key = static_cast<QKeyEvent *>(event);
-        if (isKeyOf(m_action, key) && !key->isAutoRepeat())
+        if (isLetGo(m_action, static_cast<QKeyEvent *>(event)))
             m_letGo.start();
     } else if (event->type() == QEvent::FocusOut && m_isHeld && watched == m_view) {
         release(); // where the key is let go is not told here

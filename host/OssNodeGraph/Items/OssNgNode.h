@@ -103,8 +103,7 @@ public:
     // What is told of the node besides its marks
 
     void setDebugColor(const QColor &color);
-    /// Why the node cannot do its work, in words; shown on the node as far as nothing comes close
-    /// below, and as its tip. Empty: it can.
+    /// Why the node cannot do its work, in words: its tip, and on it where there is room. Empty: it can.
     void setErrorText(const QString &reason);
     QString errorText() const;
 

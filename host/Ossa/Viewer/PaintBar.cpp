@@ -16,6 +16,7 @@
 #include "OssModel/Images/OssColorManagement.h"
 #include "OssModel/Images/OssDisplayColor.h"
 #include "OssModel/Nodes/OssSnImageSetNodeBase.h"
+#include "OssModel/Project/OssProjectManager.h"
 
 #include <QColorDialog>
 #include <QComboBox>
@@ -230,7 +231,9 @@ void PaintBar::showState()
     m_clear->setEnabled(hasPaint);
     m_bake->setEnabled(hasPaint);
     QString hint;
-    if (!node)
+    if (!OssProjectManager::instance()->currentProject())
+        hint = tr("No project is open");
+    else if (!node)
         hint = tr("There is nothing to paint on: \"New\" puts a paint node over what is shown.");
     else if (!m_source->shows(node))
         hint =

@@ -177,10 +177,7 @@ void ViewerPanel::follow()
     connect(m_paint, &QToolButton::toggled, this, &ViewerPanel::setPainting);
     connect(m_compare, &QToolButton::toggled, this, &ViewerPanel::setComparing);
     const OssProjectManager *projects = OssProjectManager::instance();
-    connect(projects, &OssProjectManager::projectClosing, this, [this] {
-        m_compare->setChecked(false);
-        m_view->frameAll(); // the next one's picture is another
-    });
+    connect(projects, &OssProjectManager::projectClosing, this, &ViewerPanel::forgetProject);
     connect(projects, &OssProjectManager::projectClosed, this, &ViewerPanel::followProject);
     connect(projects, &OssProjectManager::projectOpenCompleted, this, &ViewerPanel::followProject);
     connect(OssStatusManager::instance(), &OssStatusManager::stopAsked, this, [this] {
@@ -379,6 +376,13 @@ void ViewerPanel::setPainting(bool on)
     showLightBar();
     followProject();
     m_paintBar->refresh();
+}
+
+void ViewerPanel::forgetProject()
+{
+    m_compare->setChecked(false);
+    m_view->frameAll(); // the next one's picture is another
+    m_values->clear();
 }
 
 void ViewerPanel::followProject()

@@ -57,6 +57,7 @@ private:
     void followStrokes();
     void showLightBar();
     /// What acts on a picture is off without a project.
+    void forgetProject();
     void followProject();
     void fileCommands();
     void framePictures();

@@ -49,12 +49,20 @@ bool isInput(QEvent::Type type)
     }
 }
 
+/// For words with names, which may hold anything.
+QLabel *plainLabel(QWidget *parent)
+{
+    auto *label = new QLabel(parent);
+    label->setTextFormat(Qt::PlainText);
+    return label;
+}
+
 } // namespace
 
 StatusArea::StatusArea(QWidget *parent)
     : QStatusBar(parent)
-    , m_mode(new QLabel(this))
-    , m_title(new QLabel(this))
+    , m_mode(plainLabel(this))
+    , m_title(plainLabel(this))
     , m_progress(new QProgressBar(this))
     , m_stop(new QPushButton(tr("Stop"), this))
     , m_problems(new QToolButton(this))
@@ -69,8 +77,6 @@ StatusArea::StatusArea(QWidget *parent)
         addPermanentWidget(widget);
         widget->hide();
     }
-    m_mode->setTextFormat(Qt::PlainText); // names may hold anything
-    m_title->setTextFormat(Qt::PlainText);
     m_mode->setObjectName(QStringLiteral("Mode"));
     insertPermanentWidget(0, m_mode);
     m_mode->hide();

@@ -17,6 +17,13 @@
 
 namespace {
 
+/// Shows an entry, or that the values differ; -1 without differing values shows nothing.
+void showEntry(QComboBox *list, int index, const QString &mixedText)
+{
+    list->setPlaceholderText(mixedText);
+    list->setCurrentIndex(mixedText.isEmpty() ? index : -1);
+}
+
 /// A list that leaves the wheel to the panel around it while it has not the focus.
 class CalmComboBox final : public QComboBox
 {
@@ -89,8 +96,8 @@ void OssChoiceEditor::showValue(const OssCustomAttribute &attribute, const OssMi
     }
     m_value = value;
     // A choice that is none of the list stays unchosen.
-    m_list->setCurrentIndex(
-        mixed.any || value.currentValue() >= m_list->count() ? -1 : value.currentValue());
+    showEntry(m_list, value.currentValue() < m_list->count() ? value.currentValue() : -1,
+              mixed.any ? mixedText() : QString());
     m_list->setAccessibleName(attribute.prettyName());
 }
 
@@ -133,7 +140,7 @@ void OssColorSpaceEditor::showValue(const OssCustomAttribute &attribute, const O
         for (const QString &name : qAsConst(names))
             m_list->addItem(name.isEmpty() ? tr("Automatic") : name, name);
     }
-    m_list->setCurrentIndex(mixed.any ? -1 : names.indexOf(chosen));
+    showEntry(m_list, names.indexOf(chosen), mixed.any ? mixedText() : QString());
     m_list->setAccessibleName(attribute.prettyName());
 }
 
@@ -216,8 +223,7 @@ void OssImagesEditor::showValue(const OssCustomAttribute &attribute, const OssMi
     m_ids = OssImageList::fromVariant(attribute.value()).toVariant().toStringList();
     m_list->setAccessibleName(attribute.prettyName());
     fillList();
-    if (mixed.any)
-        m_list->setCurrentIndex(-1);
+    showEntry(m_list, m_list->currentIndex(), mixed.any ? mixedText() : QString());
 }
 
 void OssImagesEditor::dragEnterEvent(QDragEnterEvent *event)

@@ -68,6 +68,11 @@ OssPropertyEditor::~OssPropertyEditor() = default;
 
 void OssPropertyEditor::explainChoice(const QString &, const QString &) {}
 
+QString OssPropertyEditor::mixedText()
+{
+    return tr("mixed");
+}
+
 QHBoxLayout *OssPropertyEditor::makeRow()
 {
     auto *row = new QHBoxLayout(this);

@@ -48,6 +48,9 @@ protected:
     /// A horizontal row for the editor's parts.
     class QHBoxLayout *makeRow();
 
+    /// What stands in the place of values that differ.
+    static QString mixedText();
+
     /// The same parts whatever is told.
     static auto always(const QVector<int> &parts)
     {

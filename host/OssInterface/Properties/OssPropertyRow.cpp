@@ -292,6 +292,8 @@ OssSnGroupNode *OssPropertyRow::knobGroup() const
 
 void OssPropertyRow::renameKnob()
 {
+    if (!canEdit())
+        return;
     const QString before = m_edit.attribute().prettyName();
     const QPointer<OssPropertyRow> self(this); // the panel may be made anew meanwhile
     const QString after = QInputDialog::getText(m_label->window(), tr("Rename Knob"),
@@ -309,7 +311,7 @@ const QVector<OssPropertyRow::Command> &OssPropertyRow::commands()
              return true;
          }},
         {"/Ossa/Properties/Paste Value", &OssPropertyRow::pasteValue, &OssPropertyRow::canPaste},
-        {"/Ossa/Properties/Rename Knob...", &OssPropertyRow::renameKnob, &OssPropertyRow::knobGroup,
+        {"/Ossa/Properties/Rename Knob...", &OssPropertyRow::renameKnob, &OssPropertyRow::canEdit,
          true}};
     return all;
 }

@@ -21,11 +21,6 @@ namespace {
 
 constexpr int ParagraphLines = 4;
 
-QString mixedText()
-{
-    return OssPropertyEditor::tr("mixed");
-}
-
 /// Takes a style sheet's rules for the name at once.
 void setLooksWrong(QWidget *widget, bool wrong)
 {

@@ -70,6 +70,9 @@ public:
     OssSnNodePropertiesWidget(OssShaderNetworkView *view, QWidget *parent);
     ~OssSnNodePropertiesWidget() override;
 
+    /// Whether what was opened last got a panel; viewers and dots have none.
+    bool showsOpened() const { return m_showsOpened; }
+
     /// Null when the node has none.
     QWidget *panel(const OssSnBaseNode *node) const;
     /// Opens the node's panel, or moves it, to the place before or after that of another node. The
@@ -130,6 +133,7 @@ private:
     QHash<OssSnBaseNode *, QPointer<QWidget>> m_panels;
     QLineEdit *m_maxPanels = nullptr;
     bool m_refreshPending = false;
+    bool m_showsOpened = true;
     QScrollArea *m_scrollArea = nullptr;
     QPointer<OssSnBaseNode> m_nodeUnderMouse;
 };

@@ -40,7 +40,10 @@ OssSnNodePropertiesWidget *OssSnNodeGraphViewContextManager::nodePropertiesWidge
 void OssSnNodeGraphViewContextManager::showPropertiesPalette()
 {
     OssPalette *palette = OssPaletteManager::instance()->find(PaletteKey, false);
-    if (!palette)
+    // A double-click on a viewer would else cover the picture that it asks for.
+    const bool hasNothing = m_nodePropertiesWidget && sender() == m_nodePropertiesWidget
+                            && !m_nodePropertiesWidget->showsOpened();
+    if (!palette || hasNothing)
         return;
     if (!palette->isVisible())
         palette->setVisible(true);

@@ -185,7 +185,7 @@ QWidget *OssSnNodePropertiesWidget::panel(const OssSnBaseNode *node) const
 
 void OssSnNodePropertiesWidget::openProperty(OssSnBaseNode *Node)
 {
-    createPropertyWidget(Node, 0);
+    m_showsOpened = createPropertyWidget(Node, 0) != nullptr;
     Q_EMIT nodeDoubledClicked();
 }
 

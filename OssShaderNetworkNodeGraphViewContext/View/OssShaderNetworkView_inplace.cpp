@@ -110,8 +110,13 @@ void OssShaderNetworkView::editTextInPlace(OssNgNode *item, const QPointF &scene
     if (!node || (!note && !(backdrop && local.y() <= backdrop->titleBarHeight())))
         return;
     const QString attribute = note ? QStringLiteral("Label") : QStringLiteral("TitleText");
-    if (!node->exists(attribute) || !node->lockOf(attribute).isEmpty())
+    if (!node->exists(attribute))
         return;
+    const QString lock = node->lockOf(attribute);
+    if (!lock.isEmpty()) {
+        tellUser(tr("Cannot be edited: %1").arg(lock));
+        return;
+    }
     QRectF area = item->boundingRect();
     if (backdrop)
         area.setHeight(backdrop->titleBarHeight());

@@ -155,6 +155,8 @@ OssNgNode *OssShaderNetworkView::nodeForDoubleClick(const QMouseEvent *event) co
         if (node && node->hitTest(node->mapFromScene(scenePos)))
             return node;
     }
+    if (OssNgNode *owner = portOwnerAt(scenePos))
+        return owner; // ports reach out of their nodes
     const QList<QGraphicsItem *> selected = scene()->selectedItems();
     return selected.isEmpty() ? nullptr : dynamic_cast<OssNgNode *>(selected.first());
 }

@@ -19,6 +19,7 @@ protected:
         Qt::MouseButton button = Qt::LeftButton;
         Qt::KeyboardModifiers keys = Qt::NoModifier;
         const char *navigation = "Kova";
+        bool cuts = false; ///< in the mode in which wires are cut
     };
 
     struct Interruption
@@ -64,6 +65,19 @@ protected:
         });
         closer.start(1);
         run();
+    }
+
+    /// Presses and moves on. Where it was pressed.
+    QPoint begin(const Gesture &gesture)
+    {
+        m_view->setNavigationControlType(QString::fromLatin1(gesture.navigation));
+        m_view->setCursorTrackingMode(gesture.cuts ? OssNgView::SeverTracking
+                                                   : OssNgView::NormalTracking);
+        const QPoint from = gesture.from();
+        pointer(QEvent::MouseButtonPress, from, gesture.button, gesture.button, gesture.keys);
+        for (const QPoint &way : {QPoint(15, 10), QPoint(40, 30)})
+            pointer(QEvent::MouseMove, from + way, Qt::NoButton, gesture.button, gesture.keys);
+        return from;
     }
 
     QVector<Gesture> gestures();
@@ -117,6 +131,20 @@ QVector<Interruptions::Gesture> Interruptions::gestures()
          }},
         {"pan of the other scheme", body, Qt::LeftButton, Qt::AltModifier, "Ossa"},
         {"zoom of the other scheme", body, Qt::RightButton, Qt::AltModifier, "Ossa"},
+        {"wire from an input",
+         [this] {
+             return at(itemOf(m_blur)->inputPortScenePos(m_blur->inputPorts().last().name));
+         }},
+        {"room",
+         [this] {
+             return at({200, 10});
+         },
+         Qt::LeftButton, Qt::ControlModifier | Qt::AltModifier},
+        {"cut",
+         [this] {
+             return at({-100, 300});
+         },
+         Qt::LeftButton, Qt::NoModifier, "Kova", true},
     };
 }
 
@@ -174,8 +202,9 @@ QVector<Interruptions::Interruption> Interruptions::interruptions()
              tabs->removeTab(tabs->indexOf(&other));
              tabs->setCurrentIndex(0);
          }},
-        {"another project",
+        {"project closed",
          [this] {
+             OssProjectManager::instance()->closeProject();
              fill();
          }},
         {"a script",
@@ -191,11 +220,7 @@ void Interruptions::check(const Gesture &gesture, const Interruption &interrupti
 {
     SCOPED_TRACE(std::string(gesture.name) + ", " + interruption.name);
     fill();
-    m_view->setNavigationControlType(QString::fromLatin1(gesture.navigation));
-    const QPoint from = gesture.from();
-    pointer(QEvent::MouseButtonPress, from, gesture.button, gesture.button, gesture.keys);
-    for (const QPoint &way : {QPoint(15, 10), QPoint(40, 30)})
-        pointer(QEvent::MouseMove, from + way, Qt::NoButton, gesture.button, gesture.keys);
+    const QPoint from = begin(gesture);
     EXPECT_TRUE(m_view->hasGesture());
     interruption.run();
     EXPECT_FALSE(m_view->hasGesture());
@@ -235,6 +260,7 @@ TEST_F(Interruptions, noGestureOutlivesWhatComesBetween)
             check(gesture, interruption);
     }
     m_view->setNavigationControlType(QStringLiteral("Kova"));
+    m_view->setCursorTrackingMode(OssNgView::NormalTracking);
 }
 
 TEST_F(Interruptions, takingAGestureBackUndoesNothingElse)
@@ -244,12 +270,8 @@ TEST_F(Interruptions, takingAGestureBackUndoesNothingElse)
         SCOPED_TRACE(gesture.name);
         fill();
         m_color->setName(QStringLiteral("Renamed"));
-        m_view->setNavigationControlType(QString::fromLatin1(gesture.navigation));
         const QByteArray before = m_project->stateHash();
-        const QPoint from = gesture.from();
-        pointer(QEvent::MouseButtonPress, from, gesture.button, gesture.button, gesture.keys);
-        for (const QPoint &way : {QPoint(15, 10), QPoint(40, 30)})
-            pointer(QEvent::MouseMove, from + way, Qt::NoButton, gesture.button, gesture.keys);
+        const QPoint from = begin(gesture);
         OssUndoManager::instance()->takeBack();
         EXPECT_FALSE(m_view->hasGesture());
         EXPECT_TRUE(undoText().startsWith(QLatin1String("Rename"))) << qPrintable(undoText());
@@ -261,6 +283,7 @@ TEST_F(Interruptions, takingAGestureBackUndoesNothingElse)
         EXPECT_EQ(m_color->name(), QStringLiteral("Color"));
     }
     m_view->setNavigationControlType(QStringLiteral("Kova"));
+    m_view->setCursorTrackingMode(OssNgView::NormalTracking);
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 #include "GraphUser.h"
 #include "OssCore/Program/OssSettings.h"
 #include "OssCore/Program/OssStatusManager.h"
+#include "OssInterface/Palettes/OssPalette.h"
 #include "OssInterface/Palettes/OssPaletteManager.h"
 #include "OssInterface/Properties/OssNodePropertyPanel.h"
 #include "OssInterface/Properties/OssPropertyEditor.h"
@@ -106,9 +107,15 @@ TEST_F(PropertiesPanel, newestStandsOnTopAndReopeningMoves)
     open(blur);
     EXPECT_EQ(panels(), QList<QWidget *>({first, m_widget->panel(color)}));
     EXPECT_EQ(first->objectName(), blur->uuidString().mid(1, 36));
+    OssPalette *palette = OssPaletteManager::instance()->find(text("node_properties_palette"),
+                                                              false);
+    ASSERT_NE(palette, nullptr);
+    EXPECT_TRUE(palette->isVisible());
+    palette->setVisible(false);
     open(add("Misc/Dot"));
     open(m_network->viewerNode());
     EXPECT_EQ(panels().size(), 2);
+    EXPECT_FALSE(palette->isVisible()) << "there is nothing to see in it";
     EXPECT_EQ(clicked.count(), 5);
     open(nullptr);
     expectLogged("Node is NULL");

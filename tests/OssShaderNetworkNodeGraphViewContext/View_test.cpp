@@ -165,6 +165,12 @@ TEST_F(ViewTest, doubleClickNamesTheNodeAndPicksTheViewer)
     viewer->setSelected(true);
     QTest::mouseDClick(m_view->viewport(), Qt::LeftButton, {}, QPoint(5, 5));
     EXPECT_EQ(clicked.count(), 2);
+    // A port is its node's, also where it reaches out of it.
+    const QPointF port = itemOf(blur)->outputPortScenePos(blur->prefferedOutputPoint());
+    QTest::mouseDClick(m_view->viewport(), Qt::LeftButton, {},
+                       m_view->mapFromScene(port + QPointF(5, 0)));
+    ASSERT_EQ(clicked.count(), 3);
+    EXPECT_EQ(clicked.last().first().value<OssSnBaseNode *>(), blur);
 }
 
 TEST_F(ViewTest, wiresShowTheirMarkerWhileControlIsHeld)

@@ -161,6 +161,9 @@ protected:
     bool viewportEvent(QEvent *event) override;
     bool event(QEvent *event) override;
 
+    /// The topmost node with a port there that can be pressed. Null where none is.
+    OssNgNode *portOwnerAt(const QPointF &scenePos) const;
+
 private:
     // The rest of what gestures see of the view
     QGraphicsScene *graphScene() const override { return scene(); }
@@ -193,7 +196,6 @@ private:
     void zoomByStep(qreal factor);
     QPointF pointerOnViewport() const;
     QString toolTipAt(const QPointF &scenePos) const;
-    OssNgNode *portOwnerAt(const QPointF &scenePos) const;
     void updateHover(const QPointF &viewportPos);
     void setHoveredNode(OssNgNode *node);
     void setHoveredEdge(OssNgEdge *edge);

@@ -69,18 +69,20 @@ void OssNgView::endGesture()
 
 void OssNgView::dropDeadGesture()
 {
-    if (m_gesture && !m_gesture->isAlive())
+    // Without a scene there is nothing left to put back.
+    if (m_gesture && (!scene() || !m_gesture->isAlive()))
         endGesture();
 }
 
 bool OssNgView::cancelGesture()
 {
-    if (!m_gesture)
-        return false;
-    if (m_gesture->isAlive())
+    const bool had = m_gesture != nullptr;
+    dropDeadGesture();
+    if (m_gesture) {
         m_gesture->cancel();
-    endGesture();
-    return true;
+        endGesture();
+    }
+    return had;
 }
 
 void OssNgView::interruptGesture()

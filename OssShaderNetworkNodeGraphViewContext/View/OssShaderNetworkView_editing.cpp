@@ -85,6 +85,10 @@ void OssShaderNetworkView::deleteSelectedNodes()
         }
     }
     const QVector<WireEnd> wires = selectedWires(scene());
+    if (selected.isEmpty() && wires.isEmpty())
+        tellUser(scene() && !scene()->selectedItems().isEmpty()
+                     ? tr("A dashed wire shows what follows from the nodes and cannot be deleted")
+                     : tr("Delete: select a node or a wire first"));
     const OssUndoManager::AutoMacro macro(
         nodes.isEmpty() && !wires.isEmpty() ? tr("Cut connections") : tr("Remove Selected Nodes"));
     const OssLayerRefreshSuspensionManager::RefreshStateSuspender suspender;

@@ -246,6 +246,39 @@ TEST_F(PropertyEditors, thePickersColoursAreSeenAtOnceAndOneStep)
     EXPECT_EQ(m_panel->findChild<OssColorPicker *>(), nullptr);
 }
 
+TEST_F(PropertyEditors, thePickerChangesOfSeveralNodesOnlyWhatItIsAskedTo)
+{
+    OssSnBaseNode *other = add("Test/Everything");
+    other->setAttribute(text("Tint"), text("0.25,0.75,2,0.5"));
+    const auto others = [other] {
+        return other->attribute(text("Tint")).value<OssColor>();
+    };
+    m_node->setSelected(true);
+    other->setSelected(true);
+    QCoreApplication::processEvents();
+    OssColorPicker *picker = openTint();
+    EXPECT_NE(named(picker, "Red")->text(), text("mixed"));
+    EXPECT_EQ(named(picker, "Green")->text(), text("mixed"));
+    EXPECT_EQ(named(picker, "Brightness")->text(), text("mixed"));
+    type(named(picker, "Red"), "9");
+    EXPECT_EQ(others(), OssColor(9, 0.75, 2, 0.5));
+    EXPECT_EQ(named(picker, "Green")->text(), text("mixed")) << "still";
+    QTest::mouseClick(picker->findChildren<QPushButton *>().value(0), Qt::LeftButton);
+    EXPECT_EQ(tint(), OssColor(0.25, 0.5, 2));
+    EXPECT_EQ(others(), OssColor(0.25, 0.75, 2, 0.5)) << "back only in what was changed";
+    drag(named(picker, "Alpha"), -30);
+    EXPECT_EQ(named(picker, "Green")->text(), text("mixed")) << "also while something is dragged";
+    release(named(picker, "Alpha"));
+    EXPECT_EQ(others().alpha(), tint().alpha());
+    EXPECT_EQ(others().green(), 0.75);
+    type(named(picker, "Red"), "9");
+    m_node->setAttribute(text("Amount"), 0.75);
+    const double green = others().green();
+    picker->reject();
+    EXPECT_EQ(tint(), OssColor(0.25, 0.5, 2));
+    EXPECT_EQ(others().green(), green);
+}
+
 TEST_F(PropertyEditors, escapeBesideThePickerClosesItAndKeepsItsColor)
 {
     OssColorPicker *picker = openTint();

@@ -93,6 +93,8 @@ void OssColorEditor::showValue(const OssCustomAttribute &attribute, const OssMix
     paintSwatch();
     if (m_picker && m_picker->color() != value)
         m_picker->setColor(value);
+    if (m_picker)
+        m_picker->setMixed(mixed);
 }
 
 void OssColorEditor::paintSwatch()
@@ -153,6 +155,7 @@ void OssColorEditor::openPicker()
     m_picker = new OssColorPicker({m_display, m_minimum, m_maximum}, start, this); // deletes itself
     m_picker->setAttribute(Qt::WA_DeleteOnClose);
     m_picker->setWindowTitle(m_swatch->accessibleName());
+    m_picker->setMixed(m_mixed);
     m_session = QUuid::createUuid().toString();
     m_lastStep = OssUndoManager::instance()->index();
     const auto passOn = [this](auto from, auto to) {
@@ -195,7 +198,7 @@ void OssColorEditor::closed(int result, const OssColor &start, int firstStep)
     if (m_lastStep == firstStep + 1 && history->index() == m_lastStep)
         history->undo();
     else
-        tell([&] { Q_EMIT edited(QVariant::fromValue(start)); });
+        tell([&] { Q_EMIT edited(QVariant::fromValue(start), OssAttributeEdit::changedParts()); });
 }
 
 /// Escape that nobody has a use for, in the windows beside the picker. Who went on working there wants

@@ -152,7 +152,7 @@ QHBoxLayout *OssColorPicker::makeButtons()
     m_before->setAccessibleName(m_before->toolTip());
     connect(m_before, &QPushButton::clicked, this, [this] {
         setColor(m_start);
-        tell(&OssColorPicker::edited, {});
+        tell(&OssColorPicker::edited, OssAttributeEdit::changedParts());
     });
     auto *screen = new QPushButton(tr("Pick from Screen"), this);
     screen->setAutoDefault(false);
@@ -189,6 +189,13 @@ void OssColorPicker::setColor(const OssColor &color)
     m_color = color;
     m_top = std::max(brightness(), 1.0);
     showColor();
+}
+
+void OssColorPicker::setMixed(const OssMixed &mixed)
+{
+    for (int i = 0; i < Channels; ++i)
+        m_fields[i]->setMixed(mixed.at(i));
+    m_brightness->setMixed(mixed.at(0) || mixed.at(1) || mixed.at(2));
 }
 
 void OssColorPicker::showColor()

@@ -2,6 +2,7 @@
 
 #include "OssCore/Values/OssColor.h"
 #include "OssInterface/OssInterface_export.h"
+#include "OssInterface/Properties/OssAttributeEdit.h"
 #include "OssInterface/Properties/OssColorPlane.h"
 
 #include <QDialog>
@@ -18,7 +19,7 @@ class QPushButton;
 /// colour brighter than the display keeps its brightness there. The numbers know no bounds but the
 /// attribute's.
 ///
-/// Says what the user wants and changes nothing itself. Rejected, the user wants back what was there.
+/// Says what the user wants and changes nothing itself; `parts` are those of OssAttributeEdit. Rejected, the user wants back what was there.
 class OSSINTERFACE_EXPORT OssColorPicker : public QDialog
 {
     Q_OBJECT
@@ -38,6 +39,8 @@ public:
 
     /// Shows it; nothing is announced.
     void setColor(const OssColor &color);
+    /// Which channels differ in what is edited together.
+    void setMixed(const OssMixed &mixed);
 
     static QColor shown(const OssColor &color, bool isDisplay);
 

@@ -164,7 +164,7 @@ void OssPropertyRow::refresh()
         m_edit.end();
     m_label->setText(OssMenu::asTyped(attribute.prettyName()));
     m_editor->setEnabled(lock.isEmpty());
-    m_editor->showValue(attribute, m_edit.isDragging() ? OssMixed() : m_edit.mixed());
+    m_editor->showValue(attribute, m_edit.mixed());
     m_editor->explainChoice(QStringLiteral("Automatic"),
                             OssNodeFiles::automaticSpace(m_node, m_name));
     showMarks(attribute, lock);

@@ -85,6 +85,16 @@ TEST_F(NumberInput, showsTheDigitsThatMatterAndAllOfThemForTyping)
         field.setRange(range);
         EXPECT_NE(shown(range, field.singleStep() / 10.0), shown(range, field.singleStep() / 5.0));
     }
+    // Where it is narrow digits go, and dots come only where none would be left.
+    for (const double value : {0.7877, 0.8939, 0.0377, 12.3456}) {
+        const QString full = text(shown(unit, value).c_str());
+        for (int width = 26; width < 80; ++width) {
+            const QString fitting = field.textFitting(width);
+            EXPECT_NEAR(fitting.toDouble(), value, 0.5) << width << qPrintable(fitting);
+            EXPECT_LE(fitting.size(), full.size());
+        }
+        EXPECT_EQ(field.textFitting(80), full);
+    }
     field.setRange(unit);
     field.setValue(double(0.1F));
     field.startTyping();

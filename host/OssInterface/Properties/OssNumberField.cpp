@@ -143,12 +143,13 @@ QString OssNumberField::text() const
 
 QString OssNumberField::textFitting(int width) const
 {
+    const QFontMetricsF metrics(font()); // advances in whole pixels tell less than what is cut
     QString shown = text();
     // Digits that have no room are left out, not replaced by dots.
     for (int digits = decimals() - 1;
-         !m_mixed && digits >= 0 && fontMetrics().horizontalAdvance(shown) > width; --digits)
+         !m_mixed && digits >= 0 && metrics.horizontalAdvance(shown) > width; --digits)
         shown = textWith(digits);
-    return fontMetrics().elidedText(shown, Qt::ElideRight, width);
+    return metrics.elidedText(shown, Qt::ElideRight, width);
 }
 
 double OssNumberField::singleStep() const

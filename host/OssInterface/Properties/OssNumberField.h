@@ -45,6 +45,8 @@ public:
     void setPrefix(const QString &prefix);
 
     QString text() const;
+    /// The text with as many digits as so many pixels have room for.
+    QString textFitting(int width) const;
     /// What one arrow key adds.
     double singleStep() const;
 
@@ -88,8 +90,6 @@ private:
     /// Behind the point, so that values which the range's steps tell apart look different.
     int decimals() const;
     QString textWith(int decimals) const;
-    /// With as many digits as there is room for.
-    QString textFitting(int width) const;
     bool stepByKey(int key);
     void endDrag(bool keep);
     /// `asked`: by a key that says so, not by going elsewhere.

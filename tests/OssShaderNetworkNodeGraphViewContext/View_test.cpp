@@ -173,6 +173,26 @@ TEST_F(ViewTest, doubleClickNamesTheNodeAndPicksTheViewer)
     EXPECT_EQ(clicked.last().first().value<OssSnBaseNode *>(), blur);
 }
 
+TEST_F(ViewTest, aDoubleClickMeansTheNodeAndNotTheWireBelowIt)
+{
+    OssSnBaseNode *left = addAt("Procedural/Color", {-300, 0});
+    OssSnBaseNode *right = addAt("Filter/Blur", {500, 0});
+    OssSnBaseNode *above = addAt("Filter/Blur", {80, 0});
+    wire(left, right);
+    const QPointF from = itemOf(left)->outputPortScenePos(left->prefferedOutputPoint());
+    const QPointF to = itemOf(right)->inputPortScenePos(text("Input"));
+    itemOf(above)->setPosition((from + to) / 2.0 - QPointF(40, 20));
+    select({});
+    QSignalSpy clicked(m_view, &OssShaderNetworkView::nodeDoubleClicked);
+    const QPoint place = m_view->mapFromScene((from + to) / 2.0);
+    QTest::mouseClick(m_view->viewport(), Qt::LeftButton, {}, place);
+    QTest::mouseDClick(m_view->viewport(), Qt::LeftButton, {}, place);
+    QTest::mouseRelease(m_view->viewport(), Qt::LeftButton, {}, place);
+    ASSERT_EQ(clicked.count(), 1);
+    EXPECT_EQ(clicked.first().first().value<OssSnBaseNode *>(), above);
+    EXPECT_EQ(m_view->scene()->selectedItems(), QList<QGraphicsItem *>{itemOf(above)});
+}
+
 TEST_F(ViewTest, wiresShowTheirMarkerWhileControlIsHeld)
 {
     addWire();

@@ -293,12 +293,19 @@ QVariant OssNgEdge::itemChange(GraphicsItemChange change, const QVariant &value)
     return QGraphicsItem::itemChange(change, value);
 }
 
+/// What takes a click is selected when it ends. The scene knows no order between wires and nodes.
+void OssNgEdge::takeUnlessHidden(QGraphicsSceneMouseEvent *event) const
+{
+    const OssNgNode *above = m_index ? m_index->nodeAt(event->scenePos()) : nullptr;
+    event->setAccepted(!above || above->isBackground());
+}
+
 void OssNgEdge::mousePressEvent(QGraphicsSceneMouseEvent *event)
 {
-    event->accept();
+    takeUnlessHidden(event);
 }
 
 void OssNgEdge::mouseDoubleClickEvent(QGraphicsSceneMouseEvent *event)
 {
-    event->accept();
+    takeUnlessHidden(event);
 }

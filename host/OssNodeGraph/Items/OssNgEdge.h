@@ -143,6 +143,7 @@ private:
     void markReplaced(bool on);
     void announceDrop(DragEnd end, const Target &target, bool keep);
     void repaintScene() const;
+    void takeUnlessHidden(QGraphicsSceneMouseEvent *event) const;
 
     OssNgNode *m_source;
     OssNgNode *m_destination;

@@ -158,7 +158,7 @@ TEST_F(PaintToolGestures, whatDependsOnTheImagesSeesThemAlsoAfterBaking)
 TEST_F(PaintToolGestures, aStencilStaysOnTheScreenAndIsMovedByHand)
 {
     OssEvBrush brush = Brushes::instance()->brush();
-    std::vector<float> open(32 * 32, 0.0F);
+    std::vector<float> open(1024, 0.0F);
     for (std::size_t i = 0; i < open.size(); ++i)
         open[i] = i % 32 < 16 ? 0.0F : 1.0F;
     brush.stencil = std::make_shared<const OssEvStamp>(32, open);

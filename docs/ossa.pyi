@@ -418,8 +418,10 @@ class Node(Object):
     def upgrade(self) -> list[str]:
         """Makes the node one of its type as it is installed now. What could not be kept is returned."""
     @overload
-    def publish(self, category: str, name: str, toolTip: str) -> str:
+    def publish(self, category: str, name: str, toolTip: str, aliases: list[str]) -> str:
         """Publishes a group as a type of the user's own, under a category and a name, and returns its key. Publishing again gives it a new version."""
+    @overload
+    def publish(self, category: str, name: str, toolTip: str) -> str: ...
     @overload
     def publish(self, category: str, name: str) -> str: ...
     @overload

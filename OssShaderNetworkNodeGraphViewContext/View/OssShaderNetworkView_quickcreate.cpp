@@ -20,17 +20,17 @@ bool goTogether(OssSnDataKind a, OssSnDataKind b)
     return (a == OssSnDataKind::Material) == (b == OssSnDataKind::Material);
 }
 
-/// The port to wire to: of the same kind rather than of another, preferred ones rather than others.
-/// Empty when none goes together with the kind.
+/// The port to wire to: of the same kind rather than of another, preferred ones rather than others, and which
+/// of both counts more. Empty when none goes together with the kind.
 template <class Ports, class Preferred>
-QString bestPort(const Ports &ports, OssSnDataKind kind, Preferred isPreferred)
+QString bestPort(const Ports &ports, OssSnDataKind kind, Preferred isPreferred, int likeness = 1)
 {
     QString best;
     int bestScore = 0;
     for (const auto &port : ports) {
-        const int score = !goTogether(port.kind, kind)
-                              ? 0
-                              : 1 + (port.kind == kind ? 1 : 0) + (isPreferred(port) ? 2 : 0);
+        const int score = !goTogether(port.kind, kind) ? 0
+                                                       : 1 + (port.kind == kind ? likeness : 0)
+                                                             + (isPreferred(port) ? 2 : 0);
         if (score > bestScore) {
             bestScore = score;
             best = port.name;
@@ -103,7 +103,9 @@ void OssShaderNetworkView::createAtWireEnd(OssNgNode *item, const QString &port,
         const auto preferred = [&first](const OssSnOutputPoint &output) {
             return output.name == first;
         };
-        owner->setInputNode(port, node, bestPort(node->outputPoints(), kind, preferred));
+        // A color is wanted, and a noise has one besides its value.
+        constexpr int Likeness = 3;
+        owner->setInputNode(port, node, bestPort(node->outputPoints(), kind, preferred, Likeness));
     }
     Backdrops::settle({{node, node->container()}});
     Backdrops::settleNew(node);

@@ -54,6 +54,16 @@ protected:
         return content;
     }
 
+    /// A button of the window that says so.
+    void press(const char *words) const
+    {
+        const auto buttons = window->findChildren<QPushButton *>();
+        for (QPushButton *button : buttons) {
+            if (button->text() == text(words))
+                button->click();
+        }
+    }
+
     QString write(const char *name, const QByteArray &content) const
     {
         QFile file(path(name));
@@ -226,13 +236,7 @@ TEST_F(Meshes, whatIsMissingIsToldListedAndFoundAgain)
             EXPECT_EQ(dialog->paths().size(), 2);
             dialog->accept();
         },
-        [this] {
-            const auto buttons = window->findChildren<QPushButton *>();
-            for (QPushButton *button : buttons) {
-                if (button->text() == text("Missing Files..."))
-                    button->click();
-            }
-        });
+        [this] { press("Missing Files..."); });
     EXPECT_EQ(objects().first()->geometry(), path("moved/deep/rock.obj"));
     EXPECT_EQ(image->path(), path("moved/wall.<UDIM>.png"));
     ASSERT_EQ(OssMeshes::instance()->waitFor(objects().first()->source()).state,

@@ -148,6 +148,11 @@ TEST_F(Pointer, aWireDroppedOnNothingOffersTheTypesThatFitAndIsWiredToTheNewNode
     EXPECT_NE(made, m_color);
     EXPECT_LE(rectOf(made).right(), 251.0) << "it comes from the left";
     EXPECT_TRUE(m_offered.contains(text("Color")));
+    OssUndoManager::instance()->undo();
+    pullAndChoose(at(itemOf(m_blur)->inputPortScenePos(text("Input"))), at({250, 320}),
+                  "Perlin Noise");
+    ASSERT_NE(m_blur->inputNode(text("Input")), nullptr);
+    EXPECT_EQ(m_blur->inputPorts().first().sourceOutput, text("Color")) << "no value is wanted";
     undoAll();
     EXPECT_EQ(m_project->stateHash(), before);
 }

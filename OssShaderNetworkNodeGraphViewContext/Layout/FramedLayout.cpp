@@ -7,6 +7,7 @@
 namespace {
 
 constexpr int MostRounds = 8;
+constexpr qreal WidestGap = 2000.0; ///< within a frame
 
 } // namespace
 
@@ -165,14 +166,43 @@ void FramedLayout::shift(const Unit &unit, const QPointF &way)
         m_nodes[std::size_t(node)].position += way;
 }
 
+QRectF FramedLayout::areaOf(const Unit &unit) const
+{
+    return unit.node >= 0
+               ? rect(unit.node)
+               : contentOf(unit.frame).marginsAdded(m_frames[std::size_t(unit.frame)].margins);
+}
+
+/// What lies far off comes nearer, in the order in which it lies: to the right, where wires lead, or up. A frame whose
+/// members lie far apart would push what feeds it as far, and that what feeds it, each time that it is laid out.
+void FramedLayout::closeGaps(const std::vector<Unit> &units, Qt::Orientation direction)
+{
+    const bool isAcross = direction == Qt::Horizontal;
+    // Ways from the right or from the top.
+    const auto span = [&](const Unit &unit) {
+        const QRectF area = areaOf(unit);
+        return isAcross ? QPair<qreal, qreal>(-area.right(), -area.left())
+                        : QPair<qreal, qreal>(area.top(), area.bottom());
+    };
+    std::vector<Unit> order = units;
+    std::stable_sort(order.begin(), order.end(),
+                     [&](const Unit &a, const Unit &b) { return span(a).first < span(b).first; });
+    const qreal gap = isAcross ? ColumnLayout::ColumnGap : ColumnLayout::RowGap;
+    qreal last = order.empty() ? 0.0 : span(order.front()).first;
+    qreal way = 0.0;
+    for (const Unit &unit : order) {
+        const auto [from, to] = span(unit);
+        if (from - last > WidestGap)
+            way += from - last - gap;
+        last = std::max(last, to);
+        if (way > 0.0)
+            shift(unit, isAcross ? QPointF(way, 0.0) : QPointF(0.0, -way));
+    }
+}
+
 /// Frames that have grown over others go down.
 void FramedLayout::partFrames(const std::vector<Unit> &units)
 {
-    const auto areaOf = [this](const Unit &unit) {
-        return unit.node >= 0
-                   ? rect(unit.node)
-                   : contentOf(unit.frame).marginsAdded(m_frames[std::size_t(unit.frame)].margins);
-    };
     std::vector<std::size_t> order;
     for (std::size_t i = 0; i < units.size(); ++i) {
         if (units[i].frame >= 0)
@@ -235,6 +265,10 @@ void FramedLayout::layOutLevel(int frame, const QVector<int> &ignored)
         shift(units[i], layout.rect(int(i)).topLeft() - values[i].position);
     if (any && m_givesWay)
         partFrames(units);
+    if (frame < 0 || starts.isEmpty())
+        return;
+    for (const auto direction : {Qt::Horizontal, Qt::Vertical})
+        closeGaps(units, direction);
 }
 
 /// Frames that gave way are other starts: once more, until nothing moves. Where it never ends, as in loops that

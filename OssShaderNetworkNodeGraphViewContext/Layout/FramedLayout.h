@@ -50,7 +50,9 @@ private:
     QRectF rect(int node) const;
     QRectF contentOf(int frame) const;
     void shift(const Unit &unit, const QPointF &way);
+    QRectF areaOf(const Unit &unit) const;
     void partFrames(const std::vector<Unit> &units);
+    void closeGaps(const std::vector<Unit> &units, Qt::Orientation direction);
 
     std::vector<ColumnLayout::Node> m_nodes;
     std::vector<ColumnLayout::Node> m_before;

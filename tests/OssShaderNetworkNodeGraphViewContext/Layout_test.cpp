@@ -251,6 +251,23 @@ FramedLayout::Frame frameOf(const QVector<int> &members)
     return {-1, members, QMarginsF(28, 56, 28, 28), {}};
 }
 
+TEST(FramedLayout, membersFarApartPushNobodyAsFar)
+{
+    // Each frame holds one that nothing reaches, far off.
+    const std::vector<Node> nodes{usual({1}), usual({3}), usual({}, {-20000, 9000}), usual(),
+                                  usual({}, {-60000, 300})};
+    const std::vector<FramedLayout::Frame> frames{frameOf({1, 2}), frameOf({3, 4})};
+    FramedLayout layout(nodes, frames, {});
+    layout.layOut({0}, {});
+    QRectF all;
+    for (int i = 0; i < int(nodes.size()); ++i)
+        all |= QRectF(layout.position(i), nodes[std::size_t(i)].size);
+    EXPECT_LT(all.width(), 2500.0);
+    EXPECT_LT(all.height(), 2500.0);
+    EXPECT_LT(layout.position(2).x(), layout.position(1).x()) << "on the side where it lay";
+    EXPECT_EQ(layout.position(0), nodes.front().position);
+}
+
 TEST(FramedLayout, membersStayTogetherAndOthersStayOut)
 {
     std::mt19937 random(5);

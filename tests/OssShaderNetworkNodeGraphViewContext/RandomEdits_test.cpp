@@ -10,9 +10,7 @@ TEST_F(RandomEdits, undoRedoSaveAndOpenGiveTheIdenticalDocument)
     constexpr int Steps = 500;
     std::deque<ExpectedLog> refusals;
     for (const char *text : {"Cannot connect: ", "Swap Inputs: ", "Nothing to autoplace.",
-                             "The clipboard holds no nodes", "is protected and stays",
-                             // Autoplace of frames that close loops, which is told as not good yet.
-                             "is out of reach"})
+                             "The clipboard holds no nodes", "is protected and stays"})
         refusals.emplace_back(text, ExpectedLog::Possible);
     const quint32 seed = startAnywhere();
     const QVector<Operation> all = operations() + commands();

@@ -46,6 +46,11 @@ QString shownThrough(const OssSnBaseNode *viewer, int num)
 {
     using View = OssShaderNetworkView;
     const OssSnBaseNode *shown = viewer->inputNode(QString::number(num));
+    if (shown && !viewer->isInputEnabled(QString::number(num))) {
+        return View::tr("The viewer's input %1 is switched off: point at its wire and use Toggle "
+                        "Wire")
+            .arg(num);
+    }
     return shown ? View::tr("The viewer shows %1 at its input %2").arg(shown->name()).arg(num)
                  : View::tr("Nothing is connected to the viewer's input %1: select a node first")
                        .arg(num);

@@ -151,6 +151,13 @@ bool givesData(const OssSnProducer &producer)
 
 } // namespace
 
+QString OssSnEvaluationGraph::switchedOff(const OssSnWireEnd &input)
+{
+    return input.node
+               ? tr("Input \"%1\" of %2 is switched off").arg(input.input, input.node->name())
+               : QString();
+}
+
 OssSnEvaluationGraph OssSnEvaluationGraph::of(const OssSnBaseNode *node, const QString &outputPoint)
 {
     QVector<Link> links;
@@ -159,7 +166,8 @@ OssSnEvaluationGraph OssSnEvaluationGraph::of(const OssSnBaseNode *node, const Q
     result.output = links.first().output;
     result.isData = givesData(OssSnProducer::of(node, outputPoint));
     if (result.node < 0) {
-        result.error = tr("Nothing is connected");
+        const QString off = switchedOff(OssSnProducer::offBehind(node, outputPoint));
+        result.error = off.isEmpty() ? tr("Nothing is connected") : off;
         return result;
     }
     const OssEvResult checked = result.graph->check(result.node);

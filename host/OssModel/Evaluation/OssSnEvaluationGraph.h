@@ -12,6 +12,7 @@
 
 class OssEvGraph;
 class OssSnBaseNode;
+struct OssSnWireEnd;
 
 /// What has to be computed for an output, copied out of the document: plain values that workers can
 /// keep while the user goes on editing. GUI thread.
@@ -30,6 +31,9 @@ struct OSSMODEL_EXPORT OssSnEvaluationGraph
     void tellProblem(const std::string &name, const QString &reason) const;
     /// All that was copied could be computed.
     void tellSuccess() const;
+
+    /// Says that the input is switched off, in words; nothing for a null node.
+    static QString switchedOff(const OssSnWireEnd &input);
 
     static OssSnEvaluationGraph of(const OssSnBaseNode *node, const QString &outputPoint);
 

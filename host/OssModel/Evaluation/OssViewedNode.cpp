@@ -6,6 +6,20 @@
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 
+namespace {
+
+/// The viewer's current input.
+OssSnWireEnd lookedThrough()
+{
+    const OssShaderNetwork *network = OssShaderNetworkManager::instance()->currentShaderNetwork();
+    const OssSnBaseNode *viewer = network ? network->viewerNode() : nullptr;
+    if (!viewer)
+        return {};
+    return {viewer, QString::number(network->rootNetwork()->viewerNodeCurrentEdge())};
+}
+
+} // namespace
+
 OssViewedNode::OssViewedNode()
 {
     const OssUndoManager *history = OssUndoManager::instance();
@@ -21,14 +35,19 @@ OssSnProducer OssViewedNode::now()
     const OssSolo *solo = OssSolo::instance();
     if (solo->node())
         return {solo->node(), solo->outputPoint()};
-    const OssShaderNetwork *network = OssShaderNetworkManager::instance()->currentShaderNetwork();
-    const OssSnBaseNode *viewer = network ? network->viewerNode() : nullptr;
-    if (!viewer)
-        return {};
-    const QString input = QString::number(network->rootNetwork()->viewerNodeCurrentEdge());
-    if (!viewer->isInputEnabled(input))
+    const auto [viewer, input] = lookedThrough();
+    if (!viewer || !viewer->isInputEnabled(input))
         return {};
     return {viewer->inputNode(input), viewer->inputOutputPoint(input)};
+}
+
+OssSnWireEnd OssViewedNode::off()
+{
+    const OssSolo *solo = OssSolo::instance();
+    if (solo->node())
+        return OssSnProducer::offBehind(solo->node(), solo->outputPoint());
+    const OssSnWireEnd through = lookedThrough();
+    return OssSnProducer::offAtInput(through.node, through.input);
 }
 
 void OssViewedNode::mark()

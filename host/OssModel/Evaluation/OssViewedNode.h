@@ -22,6 +22,9 @@ public:
 
     /// As things are now; a null node where nothing is looked at.
     static OssSnProducer now();
+    /// The input, the viewer's or one before it, that keeps everything from being seen because it is
+    /// switched off. A null node where that is not why.
+    static OssSnWireEnd off();
 
 private:
     void mark();

@@ -12,17 +12,26 @@ namespace {
 /// Ways through teleports may close a loop that wires cannot.
 constexpr int LongestWay = 10000;
 
-using Way = QVector<OssSnWireEnd>;
+/// What is seen on the way.
+struct Way
+{
+    QVector<OssSnWireEnd> *wires; ///< may be null
+    OssSnWireEnd off;             ///< where it ends, if that is switched off
+};
 
 OssSnProducer feeding(const OssSnBaseNode *node, const QString &input, Way *way)
 {
     if (!node)
         return {};
     for (const OssSnBaseNode::InputPort &port : node->inputPorts()) {
-        if (port.name != input || !port.enabled || !port.source)
+        if (port.name != input || !port.source)
             continue;
-        if (way)
-            way->append({node, input});
+        if (!port.enabled) {
+            way->off = {node, input};
+            continue;
+        }
+        if (way->wires)
+            way->wires->append({node, input});
         return {port.source, port.sourceOutput};
     }
     return {};
@@ -83,11 +92,9 @@ bool step(OssSnProducer *at, Way *way)
     return true;
 }
 
-} // namespace
-
-OssSnProducer OssSnProducer::of(const OssSnBaseNode *node, const QString &outputPoint, Way *way)
+OssSnProducer follow(const OssSnProducer &from, Way *way)
 {
-    OssSnProducer at{node, outputPoint};
+    OssSnProducer at = from;
     QString channel; // of a material that is split on the way
     for (int steps = 0; at.node; ++steps) {
         if (steps > LongestWay)
@@ -102,8 +109,32 @@ OssSnProducer OssSnProducer::of(const OssSnBaseNode *node, const QString &output
     return isMaterial(at.node) ? OssSnProducer{at.node, channel} : OssSnProducer{};
 }
 
-OssSnProducer OssSnProducer::ofInput(const OssSnBaseNode *node, const QString &input, Way *way)
+} // namespace
+
+OssSnProducer OssSnProducer::of(const OssSnBaseNode *node, const QString &outputPoint,
+                                QVector<OssSnWireEnd> *wires)
 {
-    const OssSnProducer source = feeding(node, input, way);
-    return of(source.node, source.outputPoint, way);
+    Way way{wires, {}};
+    return follow({node, outputPoint}, &way);
+}
+
+OssSnProducer OssSnProducer::ofInput(const OssSnBaseNode *node, const QString &input,
+                                     QVector<OssSnWireEnd> *wires)
+{
+    Way way{wires, {}};
+    return follow(feeding(node, input, &way), &way);
+}
+
+OssSnWireEnd OssSnProducer::offAtInput(const OssSnBaseNode *node, const QString &input)
+{
+    Way way{nullptr, {}};
+    follow(feeding(node, input, &way), &way);
+    return way.off;
+}
+
+OssSnWireEnd OssSnProducer::offBehind(const OssSnBaseNode *node, const QString &outputPoint)
+{
+    Way way{nullptr, {}};
+    follow({node, outputPoint}, &way);
+    return way.off;
 }

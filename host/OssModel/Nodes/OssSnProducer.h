@@ -10,7 +10,7 @@ class OssSnBaseNode;
 /// A wire by where it ends.
 struct OssSnWireEnd
 {
-    const OssSnBaseNode *node;
+    const OssSnBaseNode *node = nullptr;
     QString input;
 };
 
@@ -22,10 +22,16 @@ struct OssSnProducer
 
     /// What an output really comes from: through groups and the nodes that stand for their ports,
     /// dots, teleports, and nodes that are disabled or bypassed and so pass on their stream. The wires
-    /// on the way are added to `way`, which may be null.
+    /// on the way are added to `wires`, which may be null.
     OSSMODEL_EXPORT static OssSnProducer of(const OssSnBaseNode *node, const QString &outputPoint,
-                                            QVector<OssSnWireEnd> *way = nullptr);
+                                            QVector<OssSnWireEnd> *wires = nullptr);
     /// The same for what feeds an input.
     OSSMODEL_EXPORT static OssSnProducer ofInput(const OssSnBaseNode *node, const QString &input,
-                                                 QVector<OssSnWireEnd> *way = nullptr);
+                                                 QVector<OssSnWireEnd> *wires = nullptr);
+
+    /// The input at which the way from an input or output ends because it is switched off, though a
+    /// wire comes to it. A null node where that is not why.
+    OSSMODEL_EXPORT static OssSnWireEnd offAtInput(const OssSnBaseNode *node, const QString &input);
+    OSSMODEL_EXPORT static OssSnWireEnd offBehind(const OssSnBaseNode *node,
+                                                  const QString &outputPoint);
 };

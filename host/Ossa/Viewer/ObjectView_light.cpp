@@ -1,9 +1,8 @@
 #include "Ossa/Viewer/ObjectView.h"
 
-#include "OssInterface/Actions/OssActionTreeManager.h"
+#include "Ossa/Viewer/ViewerHint.h"
 #include "OssModel/Project/OssProjectManager.h"
 
-#include <QAction>
 #include <QPainter>
 
 #include <cmath>
@@ -150,15 +149,7 @@ void ObjectView::drawLight()
 
 void ObjectView::paintHint(QPainter *painter) const
 {
-    const QAction *connectNode = OssActionTreeManager::instance()->findAction(
-        QStringLiteral("/Ossa/NodeGraph/Connect Selected Node to Viewer"));
-    const QString key = connectNode ? connectNode->shortcut().toString(QKeySequence::NativeText)
-                                    : QString();
-    const QString how =
-        key.isEmpty() ? tr("Nothing is connected to the viewer here. Wire a material to it.")
-                      : tr("Nothing is connected to the viewer here. Select a material in the "
-                           "node graph and press %1.")
-                            .arg(key);
+    const QString how = ViewerHint::whyBare();
     const QRectF place = QRectF(rect()).adjusted(12.0, 12.0, -12.0, -12.0);
     constexpr int flags = Qt::AlignHCenter | Qt::AlignBottom | Qt::TextWordWrap;
     const QRectF plate = painter->boundingRect(place, flags, how).adjusted(-6.0, -3.0, 6.0, 3.0);

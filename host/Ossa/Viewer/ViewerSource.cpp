@@ -1,5 +1,6 @@
 #include "Ossa/Viewer/ViewerSource.h"
 
+#include "Ossa/Viewer/ViewerHint.h"
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssEvaluation/Schedule/OssEvPlan.h"
@@ -167,9 +168,7 @@ void ViewerSource::start(const OssGeoEntity *entity)
     m_sources.clear();
     if (!m_shown.node) {
         const bool isOpen = OssProjectManager::instance()->currentProject();
-        Q_EMIT began({}, {},
-                     isOpen ? tr("Nothing is connected to the viewer here")
-                            : tr("No project is open"));
+        Q_EMIT began({}, {}, isOpen ? ViewerHint::whyNothing() : tr("No project is open"));
         return;
     }
     const OssSnEvaluationGraph graph = OssSnEvaluationGraph::of(m_shown.node, m_shown.outputPoint);
@@ -187,7 +186,8 @@ void ViewerSource::start(const OssGeoEntity *entity)
         if (graph.error.isEmpty())
             patches.append(patch);
     }
-    Q_EMIT began(patches, shownName(), graph.error);
+    const bool isOff = graph.node < 0 && OssViewedNode::off().node;
+    Q_EMIT began(patches, shownName(), isOff ? ViewerHint::whyNothing() : graph.error);
     graph.tellProblem(graph.faulty, graph.error);
     follow(graph);
     const bool coarse = m_resolution > coarseResolution;

@@ -7,7 +7,7 @@
 #include "OssModel/Graph/OssLayerStreamUtils.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssSnGroupNode.h"
-#include "OssModel/Layers/OssLayerRefreshSuspensionManager.h"
+#include "OssModel/Nodes/OssLayerRefreshSuspensionManager.h"
 #include "OssModel/Nodes/OssLayerShaderModelManager.h"
 #include "OssModel/Nodes/OssSnMultiChannelMergeNode.h"
 #include "OssModel/Types/OssSnTags.h"

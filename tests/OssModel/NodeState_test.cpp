@@ -1,8 +1,8 @@
 #include "OssModel/Layers/OssLayerManager.h"
-#include "OssModel/Layers/OssLayerRefreshSuspensionManager.h"
 #include "OssModel/Layers/OssLayerShader.h"
 #include "OssModel/Layers/OssLayerShaderManager.h"
 #include "OssModel/Layers/OssMaterialPaintManager.h"
+#include "OssModel/Nodes/OssLayerRefreshSuspensionManager.h"
 #include "support/ModelFixture.h"
 
 #include <QMimeData>

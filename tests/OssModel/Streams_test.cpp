@@ -1,5 +1,6 @@
 #include "OssModel/Graph/OssLayerStreamUtils.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
+#include "OssModel/Nodes/OssLayerRefreshSuspensionManager.h"
 #include "OssModel/Nodes/OssLayerShaderModelManager.h"
 #include "OssModel/Nodes/OssSnBaseTeleportNode.h"
 #include "OssModel/Nodes/OssSnMaterialNode.h"
@@ -253,6 +254,36 @@ TEST_F(Teleports, othersLookAgainWhenOneComesGoesOrChangesItsChannel)
     heard->setAttribute(text("channel"), text("Two"));
     EXPECT_EQ(named.count(), 1);
     EXPECT_EQ(told.count(), 3);
+}
+
+TEST_F(Streams, areReckonedOnceWhenManyPortsGoTogether)
+{
+    const QStringList inputs = m_merge->inputNames();
+    QSignalSpy told(m_merge, &OssSnMultiChannelGroupNode::validityChanged);
+    QSignalSpy shared(m_merge, &OssSnBaseNode::inputConnectionIsShared);
+    {
+        const OssLayerRefreshSuspensionManager::RefreshStateSuspender suspender;
+        for (const QString &input : inputs)
+            m_merge->removeInput(input);
+        m_merge->createInput(text("Extra"), OssSnDataKind::Scalar);
+        EXPECT_TRUE(m_merge->isValid() && m_merge->errorText().isEmpty()) << "it waits";
+        EXPECT_TRUE(shared.isEmpty());
+    }
+    EXPECT_FALSE(m_merge->isValid());
+    EXPECT_EQ(told.count(), 1);
+    EXPECT_EQ(m_merge->sharedInputNames(), QStringList{text("Extra")});
+    {
+        const OssLayerRefreshSuspensionManager::RefreshStateSuspender suspender;
+        while (OssUndoManager::instance()->canUndo())
+            OssUndoManager::instance()->undo();
+    }
+    EXPECT_TRUE(m_merge->isValid() && m_merge->errorText().isEmpty());
+    EXPECT_EQ(told.count(), 2);
+    m_network->removeNodes({m_merge});
+    {
+        const OssLayerRefreshSuspensionManager::RefreshStateSuspender suspender;
+    }
+    EXPECT_EQ(told.count(), 2) << "nothing was put off";
 }
 
 TEST_F(Teleports, oneMoreReceiverIsNoMatterToTheOthers)

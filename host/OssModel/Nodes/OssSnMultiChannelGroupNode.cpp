@@ -4,6 +4,7 @@
 #include "OssModel/Graph/OssLayerStreamUtils.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssSnBaseContext.h"
+#include "OssModel/Nodes/OssLayerRefreshSuspensionManager.h"
 #include "OssModel/Nodes/OssLayerShaderModelManager.h"
 
 OssSnMultiChannelGroupNode::OssSnMultiChannelGroupNode(std::shared_ptr<const OssSnNodeType> type)
@@ -22,6 +23,11 @@ OssSnMultiChannelGroupNode::OssSnMultiChannelGroupNode(std::shared_ptr<const Oss
             &OssSnMultiChannelGroupNode::checkValidity);
     connect(this, &OssSnBaseNode::shaderModelChanged, this,
             &OssSnMultiChannelGroupNode::checkValidity);
+    connect(OssLayerRefreshSuspensionManager::instance(),
+            &OssLayerRefreshSuspensionManager::resumed, this, [this] {
+                if (m_validityWaits)
+                    checkValidity();
+            });
 }
 
 OssSnMultiChannelGroupNode::~OssSnMultiChannelGroupNode()
@@ -90,6 +96,9 @@ QStringList OssSnMultiChannelGroupNode::outputsOf(const QString &stream) const
 
 void OssSnMultiChannelGroupNode::checkValidity()
 {
+    m_validityWaits = OssLayerRefreshSuspensionManager::instance()->isSuspended();
+    if (m_validityWaits)
+        return;
     bool valid = true;
     QStringList ofStreams;
     const OssLayerShaderModel *model = shaderModel();

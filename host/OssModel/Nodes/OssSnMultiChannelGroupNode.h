@@ -39,7 +39,8 @@ public:
     /// One undo step. False when there is no model.
     bool configureStreams();
 
-    /// Whether every stream of the shader model has its ports.
+    /// Whether every stream of the shader model has its ports. While layers are not refreshed
+    /// (OssLayerRefreshSuspensionManager) it stays what it was, as do errors and shared inputs.
     bool isValid() const { return m_valid; }
 
     void onEndLoad() override;
@@ -76,4 +77,5 @@ private:
 
     QString m_shaderModelId;
     bool m_valid = true;
+    bool m_validityWaits = false; ///< for layers to be refreshed again
 };

@@ -5,7 +5,8 @@
 
 #include <QObject>
 
-/// Holds back what follows a change of layers (pictures, panels) while many changes are made.
+/// Holds back what multi-channel nodes reckon from their ports (streams, clusters, errors, which inputs
+/// are shared) while many changes are made. GUI thread.
 class OSSMODEL_EXPORT OssLayerRefreshSuspensionManager
     : public QObject
     , public OssService<OssLayerRefreshSuspensionManager>

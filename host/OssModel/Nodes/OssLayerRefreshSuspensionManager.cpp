@@ -1,4 +1,4 @@
-#include "OssModel/Layers/OssLayerRefreshSuspensionManager.h"
+#include "OssModel/Nodes/OssLayerRefreshSuspensionManager.h"
 
 OssLayerRefreshSuspensionManager::RefreshStateSuspender::RefreshStateSuspender()
 {

@@ -14,6 +14,7 @@
 #include "OssInterface/Palettes/OssPalette.h"
 #include "OssInterface/Palettes/OssPaletteManager.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
+#include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssShadingGroup.h"
 #include "OssModel/Images/OssImage.h"
 #include "OssModel/Images/OssImageManager.h"
@@ -91,7 +92,9 @@ void OssSnNodeGraphViewContextManager::createLayoutAction()
                                        [&changed] { changed = true; });
         beautifyNodesLayout();
         disconnect(recording);
-        if (!changed)
+        if (changed)
+            OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
+        else
             OssStatusManager::instance()->showMessage(
                 tr("Autoplace: nothing stands elsewhere than it should"));
     });

@@ -199,6 +199,7 @@ void MeshCommands::addObject()
         return;
     }
     showObject(project->createEntity(project->freeEntityName(title), source));
+    OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
 }
 
 void MeshCommands::renameObject()
@@ -247,7 +248,9 @@ void MeshCommands::removeObject()
     if (!project || !entity)
         return;
     OssUndoManager::instance()->endInteraction();
-    if (!project->removeEntity(entity))
+    if (project->removeEntity(entity))
+        OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
+    else
         OssMessageBox::information(m_window, tr("Remove Object"),
                                    tr("A project has at least one object."));
 }
@@ -304,6 +307,7 @@ void MeshCommands::importFile(const QString &path)
         return;
     }
     showObject(made.first());
+    OssShaderNetworkManager::instance()->emitNodeGraphIsManuallyChanged();
     tell(made.size() == 1 ? tr("Imported %1").arg(made.first()->name())
                           : tr("Imported %1 objects").arg(made.size()));
 }

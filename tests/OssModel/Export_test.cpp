@@ -1,8 +1,8 @@
 #include "ExportFixture.h"
 #include "OssCore/Program/OssSettings.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
+#include "OssModel/Evaluation/OssProblems.h"
 #include "OssModel/Export/OssExportPresets.h"
-#include "OssModel/Nodes/OssProblems.h"
 
 #include <cmath>
 

@@ -1,7 +1,7 @@
 #include "../support/ModelFixture.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
+#include "OssModel/Evaluation/OssProblems.h"
 #include "OssModel/Graph/OssShaderNetworkUtils.h"
-#include "OssModel/Nodes/OssProblems.h"
 #include "OssModel/Nodes/OssSnBakePointNode.h"
 #include "OssModel/Objects/OssImageSet.h"
 

@@ -2,7 +2,7 @@
 #include "Manager/NodeIcons.h"
 #include "OssCore/Program/OssResourceInfo.h"
 #include "OssCore/Values/OssColor.h"
-#include "OssModel/Nodes/OssProblems.h"
+#include "OssModel/Evaluation/OssProblems.h"
 #include "OssModel/Types/OssSnNodeType.h"
 #include "OssNodeGraph/Items/OssNgUINode.h"
 #include "OssSnUINodeGraphViewContext.h"

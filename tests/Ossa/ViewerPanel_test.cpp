@@ -134,34 +134,6 @@ TEST_F(Viewing, theResolutionIsTheUsersInTheNextSessionToo)
     OssSettings().remove(text("Viewer"));
 }
 
-TEST_F(Viewing, anInputThatIsSwitchedOffIsSaidToBeThat)
-{
-    OssSnBaseNode *dot = add("Misc/Dot");
-    dot->setInputNode(dot->inputNames().first(), m_red, m_red->prefferedOutputPoint());
-    show(dot);
-    ASSERT_TRUE(comesToShow(Qt::red));
-
-    const struct
-    {
-        OssSnBaseNode *node;
-        QString input;
-    } ends[] = {{m_viewer, text("1")}, {dot, dot->inputNames().first()}};
-
-    for (const auto &end : ends) {
-        end.node->setInputEnabled(end.input, false);
-        EXPECT_TRUE(comes([&] { return m_pictures->problem().contains(text("switched off")); }))
-            << qPrintable(m_pictures->problem());
-        EXPECT_TRUE(m_pictures->problem().contains(end.node->name()));
-        EXPECT_TRUE(m_pictures->problem().contains(text("Toggle Wire"))) << "how it comes back";
-        end.node->setInputEnabled(end.input, true);
-        EXPECT_TRUE(comesToShow(Qt::red));
-    }
-    m_viewer->setInputEnabled(text("1"), false);
-    connect(1, nullptr);
-    EXPECT_TRUE(comes([&] { return m_pictures->problem().contains(text("Nothing is connected")); }))
-        << "there is no wire to switch on";
-}
-
 TEST_F(Viewing, theDisplayIsTheUsersInTheNextSessionToo)
 {
     auto *display = named<QComboBox>(m_panel.get(), "Display");

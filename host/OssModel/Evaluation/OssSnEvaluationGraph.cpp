@@ -4,11 +4,11 @@
 #include "OssCore/Values/OssUserEnum.h"
 #include "OssEvaluation/Graph/OssEvGraph.h"
 #include "OssModel/Evaluation/OssImageSetFiles.h"
+#include "OssModel/Evaluation/OssProblems.h"
 #include "OssModel/Evaluation/OssSnParameter.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Images/OssColorManagement.h"
 #include "OssModel/Images/OssFilePath.h"
-#include "OssModel/Nodes/OssProblems.h"
 #include "OssModel/Nodes/OssSnUpstream.h"
 
 #include <QCoreApplication>

@@ -1,4 +1,4 @@
-#include "OssModel/Nodes/OssProblems.h"
+#include "OssModel/Evaluation/OssProblems.h"
 
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssCore/Values/OssCustomAttribute.h"

@@ -10,11 +10,13 @@
 #include "OssInterface/Widgets/OssExpandableListHeading.h"
 #include "OssInterface/Widgets/OssExpandableListWidget.h"
 #include "OssInterface/Widgets/OssMiniButton.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Nodes/OssSnChannelInputNode.h"
 #include "OssModel/Objects/OssChannel.h"
 #include "OssModel/Objects/OssImageSet.h"
 
 #include <QApplication>
+#include <QInputDialog>
 #include <QLineEdit>
 #include <QScrollArea>
 #include <QSignalSpy>
@@ -461,6 +463,26 @@ TEST_F(PropertiesPanel, placesBesideOthersAreThoseThatWereAskedFor)
     EXPECT_EQ(order(), "0123");
     m_widget->insertAfter(nodes.at(3), add("Filter/Blur")); // which has no panel
     EXPECT_EQ(order(), "3012");
+}
+
+TEST_F(PropertiesPanel, aClickOnAKnobsNameGivesItTheKeyboard)
+{
+    InOneWindow window({m_manager->nodeGraphWidget(), m_widget});
+    OssSnGroupNode *group = m_network->groupNodes({add("Filter/Blur", "Inner")});
+    group->createKnob(group->groupNetwork()->node(text("Inner")), text("Radius"));
+    open(group);
+    window.activate();
+    m_view->setFocus();
+    const auto *panel = qobject_cast<OssNodePropertyPanel *>(m_widget->panel(group));
+    QTest::mouseClick(panel->row(text("Radius"))->label(), Qt::LeftButton);
+    OssApplication::setPopupsAllowed(true);
+    whenOpen<QInputDialog>([](QInputDialog *dialog) {
+        dialog->setTextValue(text("Softness"));
+        dialog->accept();
+    });
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_F2);
+    EXPECT_TRUE(group->userAttribute(text("Softness")).isValid());
+    EXPECT_NE(group->name(), text("Softness"));
 }
 
 TEST_F(PropertiesPanel, paintsPanelKnowsWhetherAChannelDecides)

@@ -448,7 +448,9 @@ OssPropertyRow *OssNodePropertyPanel::focusedRow() const
 {
     const QWidget *focus = QApplication::focusWidget();
     for (OssPropertyRow *row : m_rows) {
-        if (focus && (row->editor() == focus || row->editor()->isAncestorOf(focus)))
+        if (focus
+            && (row->label() == focus || row->editor() == focus
+                || row->editor()->isAncestorOf(focus)))
             return row;
     }
     return nullptr;

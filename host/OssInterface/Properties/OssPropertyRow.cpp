@@ -31,7 +31,7 @@ constexpr double MarkRadius = 2.5;
 const QColor BrokenColor(0xe5, 0x86, 0x8a);
 
 /// The name of an attribute; in front of it a mark when its value is not the default, a ring when
-/// the value is linked.
+/// the value is linked. A click gives it the keyboard, for commands on the row.
 class Label final : public QLabel
 {
 public:
@@ -40,6 +40,7 @@ public:
     {
         setTextFormat(Qt::PlainText);
         setContentsMargins(MarkColumn, 0, 0, 0);
+        setFocusPolicy(Qt::ClickFocus);
     }
 
     // A style sheet takes the margins away.
@@ -68,10 +69,14 @@ protected:
     void paintEvent(QPaintEvent *event) override
     {
         QLabel::paintEvent(event);
-        if (!m_changed && !m_linked)
+        if (!m_changed && !m_linked && !hasFocus())
             return;
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
+        if (hasFocus()) {
+            painter.setPen(palette().color(QPalette::Highlight));
+            painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 3.0, 3.0);
+        }
         const QColor color = m_broken ? BrokenColor : palette().color(QPalette::Link);
         // In the column that the text leaves free, whatever its length and the label's width.
         const QPointF at(MarkRadius + 2.0, height() / 2.0);

@@ -20,6 +20,8 @@ protected:
                          [this](const QList<int> &, const QString &, const QString &problem) {
                              m_said = problem;
                          });
+        m_source.setResolution(64);
+        m_source.setActive(true);
     }
 
     bool comesToSay(const char *words)
@@ -43,6 +45,7 @@ TEST_F(ViewerHints, anInputThatIsSwitchedOffIsSaidToBeThat)
     OssSnBaseNode *dot = add("Misc/Dot");
     const QString input = dot->inputNames().first();
     EXPECT_TRUE(comesToSay("Nothing is connected"));
+    m_network->setViewerNodeCurrentEdge(1, true);
     dot->setInputNode(input, color, color->prefferedOutputPoint());
     viewer->setInputNode(text("1"), dot, dot->prefferedOutputPoint());
     EXPECT_TRUE(comesToShow()) << qPrintable(m_said);

@@ -9,7 +9,10 @@
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Nodes/OssSnImageSetNodeBase.h"
 #include "OssNodeGraph/Items/OssNgNode.h"
+#include "OssShaderNetworkView.h"
+#include "OssShaderNetworkWidget.h"
 #include "OssSnNodeGraphViewContextManager.h"
+#include "Panels/GroupInFront.h"
 
 #include <QDialogButtonBox>
 #include <QHBoxLayout>
@@ -24,6 +27,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <functional>
 
 // Picking attributes of nodes inside the group.
 
@@ -42,6 +46,26 @@ protected:
     {
         if (event->key() == Qt::Key_Enter)
             event->accept();
+    }
+};
+
+/// Tells of clicks and keys on its rows, also of such that change no selection.
+class PickTree : public QTreeWidget
+{
+public:
+    std::function<void()> touched;
+
+protected:
+    void mousePressEvent(QMouseEvent *event) override
+    {
+        touched();
+        QTreeWidget::mousePressEvent(event);
+    }
+
+    void keyPressEvent(QKeyEvent *event) override
+    {
+        touched();
+        QTreeWidget::keyPressEvent(event);
     }
 };
 
@@ -75,10 +99,11 @@ void OssGroupNodeKnobWidget::showGizmoPropertySelection()
 {
     if (!qobject_cast<QPushButton *>(sender()) || !m_groupNode)
         return;
+    const GroupInFront inFront(m_groupNode); // where picked nodes light up
     OssEnterIgnorantDialog dialog(this);
     dialog.setModal(true);
     dialog.setWindowTitle(tr("Pick Knobs to Add"));
-    QTreeWidget tree;
+    PickTree tree;
     QLineEdit search;
     m_pickTree = &tree;
     m_search = &search;
@@ -104,7 +129,10 @@ void OssGroupNodeKnobWidget::showGizmoPropertySelection()
     fillPickTree();
     connect(&tree, &QTreeWidget::itemSelectionChanged, this, [this] { highlightPickedNodes(); });
     connect(&tree, &QTreeWidget::currentItemChanged, this, [this] { highlightPickedNodes(); });
-    connect(&tree, &QTreeWidget::itemPressed, this, [this] { m_found = nullptr; });
+    // What the user touches after it was found is the user's choice from then on.
+    tree.touched = [this] {
+        m_found = nullptr;
+    };
     QDialogButtonBox buttons(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, Qt::Horizontal);
     connect(&buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
     connect(&buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
@@ -167,18 +195,28 @@ void OssGroupNodeKnobWidget::fillPickTree()
 void OssGroupNodeKnobWidget::highlightPickedNodes()
 {
     QSet<QString> ids;
+    QString current;
     QList<QTreeWidgetItem *> items;
     if (m_pickTree) // null once the dialog is closed
         items = m_pickTree->selectedItems() << m_pickTree->currentItem();
     for (const QTreeWidgetItem *item : qAsConst(items)) {
-        if (item)
-            ids.insert((item->parent() ? item->parent() : item)->data(0, Qt::UserRole).toString());
+        if (!item)
+            continue;
+        current = (item->parent() ? item->parent() : item)->data(0, Qt::UserRole).toString();
+        ids.insert(current);
     }
+    const OssSnNodeGraphWidget *tabs = OssSnNodeGraphViewContextManager::instance()
+                                           ->nodeGraphWidget();
+    OssShaderNetworkView *view = tabs ? tabs->currentView() : nullptr;
     const QList<OssSnBaseNode *> nodes = m_groupNode ? m_groupNode->groupNetwork()->nodes()
                                                      : QList<OssSnBaseNode *>();
     for (const OssSnBaseNode *node : nodes) {
-        if (OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(node))
-            item->setHovered(ids.contains(node->uuidString()));
+        OssNgNode *item = OssSnNodeGraphViewContextManager::guiNodeOf(node);
+        if (!item)
+            continue;
+        item->setPointedOut(ids.contains(node->uuidString()));
+        if (view && view->scene() == item->scene() && node->uuidString() == current)
+            view->ensureVisible(item);
     }
 }
 

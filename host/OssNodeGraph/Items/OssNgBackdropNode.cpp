@@ -205,7 +205,7 @@ void OssNgBackdropNode::paintDetailed(QPainter *painter) const
     const qreal strength = fill.alphaF();
     QColor outline = fill;
     fill.setAlphaF(0.13 * strength);
-    outline.setAlphaF((hovered() ? 0.7 : 0.25) * strength);
+    outline.setAlphaF(hasMark(PointedOut) ? 1.0 : (hovered() ? 0.7 : 0.25) * strength);
     painter->setPen(Qt::NoPen);
     painter->setBrush(fill);
     painter->drawRoundedRect(body, Corner, Corner);

@@ -22,6 +22,7 @@ public:
         Baked = 1U << 7,
         Stale = 1U << 8,
         Placeholder = 1U << 9,
+        PointedOut = 1U << 10,
     };
 
     bool hasMark(Mark mark) const { return (m_marks & mark) != 0; }
@@ -48,6 +49,9 @@ public:
 
     /// Drawn with a dashed outline: a node whose type is not known here.
     void setPlaceholder(bool on) { setMark(Placeholder, on); }
+
+    /// What a dialog speaks of right now: stands out from all others, selected ones too.
+    void setPointedOut(bool on) { setMark(PointedOut, on); }
 
 protected:
     OssNgNodeMarks() = default;

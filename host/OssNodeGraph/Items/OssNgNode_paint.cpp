@@ -20,6 +20,7 @@ namespace {
 
 constexpr qreal FadedHeader = 0.35;
 constexpr qreal FadedTitle = 0.55;
+constexpr qreal PointedOutTint = 0.3;
 constexpr qreal LargestCachedScale = 3.0;
 
 enum Shape { PlainShape = 0, MaterialShape = 3, GroupShape = 4, MultiChannelShape = 7 };
@@ -132,7 +133,12 @@ void OssNgNode::paintRing(QPainter *painter, const QRectF &body, qreal radius) c
 {
     const OssNgStyle *style = OssNgStyle::instance();
     QColor color;
-    if (isSelected())
+    if (hasMark(PointedOut)) {
+        color = style->color(Role::Highlight);
+        painter->setPen(Qt::NoPen);
+        painter->setBrush(withAlpha(color, PointedOutTint));
+        painter->drawRoundedRect(body, radius, radius);
+    } else if (isSelected())
         color = style->color(Role::Accent);
     else if (hasMark(Debug))
         color = m_extras && m_extras->debugColor.isValid() ? m_extras->debugColor
@@ -142,7 +148,7 @@ void OssNgNode::paintRing(QPainter *painter, const QRectF &body, qreal radius) c
     if (!color.isValid())
         return;
     painter->setBrush(Qt::NoBrush);
-    painter->setPen(QPen(color, 2.0));
+    painter->setPen(QPen(color, hasMark(PointedOut) ? 4.0 : 2.0));
     painter->drawRoundedRect(body.adjusted(-3.0, -3.0, 3.0, 3.0), radius + 2.0, radius + 2.0);
 }
 
@@ -350,7 +356,10 @@ void OssNgNode::paintSimple(QPainter *painter) const
     painter->setPen(withAlpha(style->color(Role::Title), faded ? FadedTitle : 1.0));
     OssNgText::drawSmall(painter, OssNgText::Role::Title, header, m_text);
     QColor ring;
-    if (isSelected())
+    if (hasMark(PointedOut)) {
+        ring = style->color(Role::Highlight);
+        painter->fillRect(body, withAlpha(ring, PointedOutTint));
+    } else if (isSelected())
         ring = style->color(Role::Accent);
     else if (hasMark(Debug) && m_extras)
         ring = m_extras->debugColor;

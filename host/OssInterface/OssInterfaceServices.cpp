@@ -7,6 +7,7 @@
 #include "OssInterface/Palettes/OssPaletteManager.h"
 #include "OssInterface/Popups/OssFocusReturn.h"
 #include "OssInterface/Popups/OssMenuPress.h"
+#include "OssInterface/Popups/OssPlainTexts.h"
 #include "OssInterface/Popups/OssWorkDialog.h"
 #include "OssModel/OssModelServices.h"
 #include "OssModel/Project/OssProjectManager.h"
@@ -22,6 +23,7 @@ struct OssInterfaceServices::Services
     OssWorkDialog workDialog;
     OssFocusReturn focusReturn;
     OssMenuPress menuPress;
+    OssPlainTexts plainTexts;
 };
 
 OssInterfaceServices::OssInterfaceServices()

@@ -1,3 +1,5 @@
+#include "OssInterface/Popups/OssMessageBox.h"
+#include "OssInterface/Popups/OssPlainTexts.h"
 #include "OssInterface/Widgets/OssExpandableListHeading.h"
 #include "OssInterface/Widgets/OssExpandableListWidget.h"
 #include "OssInterface/Widgets/OssFormLayout.h"
@@ -7,12 +9,21 @@
 
 #include <gtest/gtest.h>
 
+#include <QAction>
+#include <QApplication>
+#include <QHelpEvent>
+#include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenu>
+#include <QMessageBox>
 #include <QSignalSpy>
+#include <QTabBar>
 #include <QTest>
+#include <QTimer>
 #include <QToolButton>
+#include <QToolTip>
 #include <QVBoxLayout>
 
 TEST(ExpandableList, foldsItsBodyByMouseAndKeyAndTellsOnlyOfChanges)
@@ -120,4 +131,86 @@ TEST(SearchKeys, theListIsWalkedThroughAndTheRestIsTyped)
     EXPECT_EQ(rowAfter(Qt::Key_Left), row);
     EXPECT_EQ(rowAfter(Qt::Key_C), row);
     EXPECT_EQ(field.text(), text("acb"));
+}
+
+namespace {
+
+QString markupName() // what a user may call a node
+{
+    return text("<b>x</b> a < b & c");
+}
+
+/// The tip that the pointer brings there.
+QString tipOf(QWidget *widget, const QPoint &place)
+{
+    QToolTip::hideText();
+    QHelpEvent event(QEvent::ToolTip, place, widget->mapToGlobal(place));
+    QApplication::sendEvent(widget, &event);
+    return QToolTip::text();
+}
+
+} // namespace
+
+TEST(PlainTexts, tipsOfWidgetsRowsTabsAndMenusShowNamesAsTheyAre)
+{
+    const OssPlainTexts plain;
+    const QString shown = text("<html>&lt;b&gt;x&lt;/b&gt; a &lt; b &amp; c</html>");
+    const QString meant = text("<html><b>meant</b></html>");
+    QWidget widget;
+    QListWidget list;
+    list.addItem(text("row"));
+    QTabBar tabs;
+    tabs.addTab(text("tab"));
+    QMenu menu;
+    menu.setToolTipsVisible(true);
+    QAction *action = menu.addAction(text("entry"));
+    for (QWidget *one : {&widget, static_cast<QWidget *>(&list), static_cast<QWidget *>(&tabs),
+                         static_cast<QWidget *>(&menu)}) {
+        one->show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(one));
+    }
+    const QString expected[] = {shown, meant};
+    const QString tips[] = {markupName(), meant};
+    for (int i = 0; i < 2; ++i) {
+        widget.setToolTip(tips[i]);
+        list.item(0)->setToolTip(tips[i]);
+        tabs.setTabToolTip(0, tips[i]);
+        action->setToolTip(tips[i]);
+        EXPECT_EQ(tipOf(&widget, {5, 5}), expected[i]);
+        EXPECT_EQ(tipOf(list.viewport(), list.visualItemRect(list.item(0)).center()), expected[i]);
+        EXPECT_EQ(tipOf(&tabs, tabs.tabRect(0).center()), expected[i]);
+        EXPECT_EQ(tipOf(&menu, menu.actionGeometry(action).center()), expected[i]);
+    }
+    widget.setToolTip(text("plain"));
+    EXPECT_EQ(tipOf(&widget, {5, 5}), text("plain"));
+    QToolTip::hideText();
+}
+
+TEST(PlainTexts, labelsAndBoxesShowNamesAsTheyAreUnlessMarkupIsMeant)
+{
+    const OssPlainTexts plain;
+    QLabel label(markupName());
+    QLabel meant(text("<b>meant</b>"));
+    meant.setTextFormat(Qt::RichText);
+    QInputDialog input;
+    input.setLabelText(markupName());
+    for (QWidget *one : {static_cast<QWidget *>(&label), static_cast<QWidget *>(&meant),
+                         static_cast<QWidget *>(&input)})
+        one->show();
+    EXPECT_EQ(label.textFormat(), Qt::PlainText);
+    EXPECT_EQ(meant.textFormat(), Qt::RichText);
+    EXPECT_EQ(input.findChild<QLabel *>()->textFormat(), Qt::PlainText);
+    const auto formatOf = [](const QString &message) {
+        Qt::TextFormat format = Qt::AutoText;
+        QTimer::singleShot(0, [&format] {
+            auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            ASSERT_NE(box, nullptr);
+            format = box->textFormat();
+            box->reject();
+        });
+        OssMessageBox::warning(nullptr, text("Rename node"), message);
+        return format;
+    };
+    EXPECT_EQ(formatOf(markupName()), Qt::PlainText);
+    EXPECT_EQ(formatOf(text("<html><b>meant</b></html>")), Qt::RichText);
 }

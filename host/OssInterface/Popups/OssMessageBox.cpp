@@ -2,6 +2,7 @@
 
 #include "OssCore/Program/OssDebug.h"
 #include "OssInterface/Popups/OssApplication.h"
+#include "OssInterface/Popups/OssPlainTexts.h"
 
 #include <QAbstractButton>
 #include <QCheckBox>
@@ -58,6 +59,7 @@ OssMessageBox::Button ask(const Box &look, QWidget *parent, const QString &title
     }
     QMessageBox box(look.icon, title, text, buttons,
                     parent ? parent : OssApplication::mainWindow());
+    box.setTextFormat(OssPlainTexts::isMarkup(text) ? Qt::RichText : Qt::PlainText);
     box.setIconPixmap(drawnIcon(look.icon, box));
     const QList<QAbstractButton *> all = box.buttons();
     for (QAbstractButton *button : all) {

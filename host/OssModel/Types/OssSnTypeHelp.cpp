@@ -237,14 +237,14 @@ QVector<OssSnTypeHelp::Picture> OssSnTypeHelp::pictures(const OssSnNodeType &typ
 QString OssSnTypeHelp::brief(const OssSnNodeType &type)
 {
     const QString manual = OssResourceInfo::instance()->manualPath();
-    QString html = QStringLiteral("<p><b>%1</b></p><p>%2</p>%3")
+    QString html = QStringLiteral("<html><p><b>%1</b></p><p>%2</p>%3")
                        .arg(type.baseName().toHtmlEscaped(), type.description.toHtmlEscaped(),
                             OssMarkdown::toHtml(whenOf(type.pathKey)));
     const QVector<Picture> drawn = pictures(type, manual);
     if (!drawn.isEmpty())
         html += QStringLiteral("<p><img src=\"%1/%2/%3\" width=\"128\"></p>")
                     .arg(manual, pictureFolder(), drawn.first().file);
-    return html;
+    return html + QStringLiteral("</html>");
 }
 
 QString OssSnTypeHelp::page(const OssSnNodeType &type, const QString &manual)

@@ -68,10 +68,12 @@ QVariant MaterialListModel::data(const QModelIndex &index, int role) const
         const QString key = index.data(PathKeyRole).toString();
         const auto type = OssShaderNetworkManager::instance()->nodeType(key);
         const QStringList tags = type ? type->aliases : QStringList();
-        return QStringList{OssNodeTypeListModel::data(index, role).toString(),
-                           tags.join(QStringLiteral(", "))}
-            .join(QLatin1Char('\n'))
-            .trimmed();
+        QString tip = OssNodeTypeListModel::data(index, role).toString();
+        if (!tags.isEmpty())
+            tip.insert(
+                tip.lastIndexOf(QLatin1String("</html>")),
+                QStringLiteral("<p>%1</p>").arg(tags.join(QStringLiteral(", ")).toHtmlEscaped()));
+        return tip;
     }
     return OssNodeTypeListModel::data(index, role);
 }

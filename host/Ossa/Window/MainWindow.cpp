@@ -284,8 +284,9 @@ void MainWindow::showAbout()
 
 QString MainWindow::aboutText() const
 {
-    QString text = tr("<h3>Ossa %1</h3><p>Paints and generates textures with a node graph.</p>")
-                       .arg(QApplication::applicationVersion());
+    QString text = QStringLiteral("<html>")
+                   + tr("<h3>Ossa %1</h3><p>Paints and generates textures with a node graph.</p>")
+                         .arg(QApplication::applicationVersion());
     for (const PluginLoader::Plugin &plugin : m_plugins) {
         OssPluginInterface *told = plugin.object ? plugin.interface : nullptr;
         if (!told)
@@ -295,7 +296,7 @@ QString MainWindow::aboutText() const
                          told->description().toHtmlEscaped(), told->authorName().toHtmlEscaped(),
                          told->legalNotice().toHtmlEscaped());
     }
-    return text;
+    return text + QStringLiteral("</html>");
 }
 
 void MainWindow::refreshTitle()

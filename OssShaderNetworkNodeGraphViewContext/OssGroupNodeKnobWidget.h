@@ -4,6 +4,7 @@
 #include <QPointer>
 #include <QWidget>
 
+class GroupInFront;
 class OssGroupNodeKnobWidget;
 class OssSnBaseNode;
 class OssSnGroupNode;
@@ -79,6 +80,7 @@ private:
     QPushButton *m_down;
     // While the pick dialog is open.
     QTreeWidget *m_pickTree = nullptr;
+    const GroupInFront *m_inFront = nullptr;
     QLineEdit *m_search = nullptr;
     QTreeWidgetItem *m_found = nullptr; ///< what the search picked and the user has not touched
 };

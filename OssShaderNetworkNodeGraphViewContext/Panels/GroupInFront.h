@@ -1,7 +1,9 @@
 #pragma once
 
+#include <QPoint>
 #include <QPointer>
 
+class OssNgNode;
 class OssShaderNetworkView;
 class OssSnGroupNode;
 class QWidget;
@@ -16,8 +18,13 @@ public:
     GroupInFront(const GroupInFront &) = delete;
     GroupInFront &operator=(const GroupInFront &) = delete;
 
+    /// Brings an item of the group to where the dialog and the window behind it do not cover it, if
+    /// there is room beside them.
+    void reveal(const OssNgNode *item, const QWidget *dialog) const;
+
 private:
-    QPointer<QWidget> m_before;
-    QPointer<OssShaderNetworkView> m_inside; ///< null when it was in front already
+    QPointer<QWidget> m_before; ///< null when the group was in front already
+    QPointer<OssShaderNetworkView> m_inside;
+    QPoint m_scrolled; ///< where the view stood
     bool m_opened = false;
 };

@@ -9,8 +9,6 @@
 #include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Nodes/OssSnImageSetNodeBase.h"
 #include "OssNodeGraph/Items/OssNgNode.h"
-#include "OssShaderNetworkView.h"
-#include "OssShaderNetworkWidget.h"
 #include "OssSnNodeGraphViewContextManager.h"
 #include "Panels/GroupInFront.h"
 
@@ -106,6 +104,7 @@ void OssGroupNodeKnobWidget::showGizmoPropertySelection()
     PickTree tree;
     QLineEdit search;
     m_pickTree = &tree;
+    m_inFront = &inFront;
     m_search = &search;
 
     auto *row = new QHBoxLayout;
@@ -148,6 +147,7 @@ void OssGroupNodeKnobWidget::showGizmoPropertySelection()
     if (dialog.exec() == QDialog::Accepted && m_groupNode)
         createPickedKnobs();
     m_pickTree = nullptr;
+    m_inFront = nullptr;
     m_search = nullptr;
     m_found = nullptr;
     highlightPickedNodes();
@@ -205,9 +205,6 @@ void OssGroupNodeKnobWidget::highlightPickedNodes()
         current = (item->parent() ? item->parent() : item)->data(0, Qt::UserRole).toString();
         ids.insert(current);
     }
-    const OssSnNodeGraphWidget *tabs = OssSnNodeGraphViewContextManager::instance()
-                                           ->nodeGraphWidget();
-    OssShaderNetworkView *view = tabs ? tabs->currentView() : nullptr;
     const QList<OssSnBaseNode *> nodes = m_groupNode ? m_groupNode->groupNetwork()->nodes()
                                                      : QList<OssSnBaseNode *>();
     for (const OssSnBaseNode *node : nodes) {
@@ -215,8 +212,8 @@ void OssGroupNodeKnobWidget::highlightPickedNodes()
         if (!item)
             continue;
         item->setPointedOut(ids.contains(node->uuidString()));
-        if (view && view->scene() == item->scene() && node->uuidString() == current)
-            view->ensureVisible(item);
+        if (m_inFront && node->uuidString() == current)
+            m_inFront->reveal(item, m_pickTree->window());
     }
 }
 

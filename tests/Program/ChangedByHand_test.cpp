@@ -108,6 +108,8 @@ protected:
             QAction *action = OssActionTreeManager::instance()->findAction(path);
             if (!action || !concerns(path))
                 continue;
+            if (path.contains(text("/Create/")) && m_changing.contains(path))
+                continue; // they are many, and one is as another
             history()->setIndex(0);
             OssShaderNetworkManager::instance()->setCurrentShaderNetwork(m_network);
             OssShaderNetworkManager::instance()->goToNode(m_merge);

@@ -62,6 +62,7 @@ private:
     void moveKnob(const QTreeWidgetItem *item, int step);
     void moveGroup(const QTreeWidgetItem *item, int step);
     void storeOrder(const QStringList &order, const QString &current, bool isNode);
+    class QHBoxLayout *makeSearchRow(QLineEdit *search);
     void fillPickTree();
     bool isKnobAlready(const OssSnBaseNode *node, const QString &attribute) const;
     /// Lights up, in the group's graph, the nodes of what is picked and of the current item.

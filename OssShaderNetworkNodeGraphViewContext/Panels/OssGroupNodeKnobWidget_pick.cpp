@@ -93,6 +93,24 @@ void leadEscapeTo(QPushButton *cancel, QDialog *dialog)
 
 } // namespace
 
+QHBoxLayout *OssGroupNodeKnobWidget::makeSearchRow(QLineEdit *search)
+{
+    auto *row = new QHBoxLayout;
+    auto *label = new QLabel(tr("Search"));
+    label->setBuddy(search);
+    QPushButton *previous = makeButton(QStringLiteral("Left.png"), tr("Previous"));
+    QPushButton *next = makeButton(QStringLiteral("Right.png"), tr("Next"));
+    row->addWidget(label);
+    row->addWidget(search);
+    row->addWidget(previous);
+    row->addWidget(next);
+    using Widget = OssGroupNodeKnobWidget;
+    connect(search, &QLineEdit::returnPressed, this, &Widget::findNextPickItem);
+    connect(next, &QPushButton::pressed, this, &Widget::findNextPickItem);
+    connect(previous, &QPushButton::pressed, this, &Widget::findPreviousPickItem);
+    return row;
+}
+
 void OssGroupNodeKnobWidget::showGizmoPropertySelection()
 {
     if (!qobject_cast<QPushButton *>(sender()) || !m_groupNode)
@@ -106,20 +124,6 @@ void OssGroupNodeKnobWidget::showGizmoPropertySelection()
     m_pickTree = &tree;
     m_inFront = &inFront;
     m_search = &search;
-
-    auto *row = new QHBoxLayout;
-    auto *label = new QLabel(tr("Search"));
-    label->setBuddy(&search);
-    QPushButton *previous = makeButton(QStringLiteral("Left.png"), tr("Previous"));
-    QPushButton *next = makeButton(QStringLiteral("Right.png"), tr("Next"));
-    row->addWidget(label);
-    row->addWidget(&search);
-    row->addWidget(previous);
-    row->addWidget(next);
-    using Widget = OssGroupNodeKnobWidget;
-    connect(&search, &QLineEdit::returnPressed, this, &Widget::findNextPickItem);
-    connect(next, &QPushButton::pressed, this, &Widget::findNextPickItem);
-    connect(previous, &QPushButton::pressed, this, &Widget::findPreviousPickItem);
 
     tree.setHeaderHidden(true);
     tree.setSelectionMode(QAbstractItemView::ExtendedSelection);
@@ -139,7 +143,7 @@ void OssGroupNodeKnobWidget::showGizmoPropertySelection()
     leadEscapeTo(buttons.button(QDialogButtonBox::Cancel), &dialog);
 
     QVBoxLayout layout(&dialog);
-    layout.addLayout(row);
+    layout.addLayout(makeSearchRow(&search));
     layout.addWidget(&tree);
     layout.addWidget(&buttons);
     dialog.resize(600, 400);

@@ -15,8 +15,8 @@ constexpr int LongestWay = 10000;
 /// What is seen on the way.
 struct Way
 {
-    QVector<OssSnWireEnd> *wires; ///< may be null
-    OssSnWireEnd off;             ///< where it ends, if that is switched off
+    QVector<OssSnWireEnd> *wires = nullptr; ///< may be null
+    OssSnWireEnd off;                       ///< where it ends, if that is switched off
 };
 
 OssSnProducer feeding(const OssSnBaseNode *node, const QString &input, Way *way)

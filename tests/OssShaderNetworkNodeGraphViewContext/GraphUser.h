@@ -106,8 +106,8 @@ inline void fillMime(QMimeData *mime, const QList<OssImage *> &images)
 /// What is dragged over a widget at a place and let go there.
 struct Dragged
 {
-    QWidget *over;
-    const QMimeData *mime;
+    QWidget *over = nullptr;
+    const QMimeData *mime = nullptr;
     QPoint place;
     Qt::KeyboardModifiers modifiers = Qt::NoModifier;
 

@@ -33,10 +33,7 @@ protected:
     void SetUp() override
     {
         StartedProgram::SetUp();
-        OssApplication::setPopupsAllowed(true);
-        s_window->activateWindow();
-        QCoreApplication::processEvents();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // views of the last
+        bringUser();
         OssSnBaseNode *color = add("Procedural/Color");
         OssSnBaseNode *scalar = add("Procedural/Scalar");
         m_merge = add("Layer/Merge");

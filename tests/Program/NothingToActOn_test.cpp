@@ -24,10 +24,7 @@ protected:
     void SetUp() override
     {
         StartedProgram::SetUp();
-        OssApplication::setPopupsAllowed(true);
-        s_window->activateWindow();
-        QCoreApplication::processEvents();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // views of the last
+        bringUser();
         QObject::connect(OssStatusManager::instance(), &OssStatusManager::messageShown, &m_closer,
                          [this](const QString &line) { m_said.append(line); });
         qApp->installEventFilter(&m_closer);

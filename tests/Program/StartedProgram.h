@@ -53,6 +53,15 @@ protected:
         history()->clear();
     }
 
+    /// Somebody answers dialogs now, and keys go to the window; views of the last test are gone.
+    static void bringUser()
+    {
+        OssApplication::setPopupsAllowed(true);
+        s_window->activateWindow();
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+
     static OssUndoManager *history() { return OssUndoManager::instance(); }
 
     static OssProject *project() { return OssProjectManager::instance()->currentProject(); }

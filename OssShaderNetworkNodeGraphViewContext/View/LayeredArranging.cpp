@@ -194,11 +194,12 @@ void LayeredArranging::arrange(const QList<OssSnBaseNode *> &nodes, int withDots
 
 void LayeredArranging::straighten(const QList<OssSnBaseNode *> &nodes, int)
 {
+    const QSet<OssSnBaseNode *> chosen(nodes.cbegin(), nodes.cend());
     Nodes open;
     for (OssSnBaseNode *node : nodes) {
         const Nodes fed = node->outputNodes();
         if (std::none_of(fed.cbegin(), fed.cend(),
-                         [&](OssSnBaseNode *other) { return nodes.contains(other); }))
+                         [&](OssSnBaseNode *other) { return chosen.contains(other); }))
             open.append(node);
     }
     QSet<OssSnBaseNode *> done(open.cbegin(), open.cend());
@@ -208,7 +209,8 @@ void LayeredArranging::straighten(const QList<OssSnBaseNode *> &nodes, int)
         bool isFirst = true;
         for (const OssSnBaseNode::InputPort &port : node->inputPorts()) {
             const OssNgEdge *edge = item->input(port.name);
-            if (!port.source || !edge || !nodes.contains(port.source) || done.contains(port.source))
+            if (!port.source || !edge || !chosen.contains(port.source)
+                || done.contains(port.source))
                 continue;
             done.insert(port.source);
             open.append(port.source);

@@ -47,11 +47,18 @@ void NetworkSimplex::indexEdges()
     std::partial_sum(m_inStart.begin(), m_inStart.end(), m_inStart.begin());
     m_out.resize(m_edges.size());
     m_in.resize(m_edges.size());
+    m_heads.resize(m_edges.size());
+    m_tails.resize(m_edges.size());
     std::vector<int> nextOut = m_outStart;
     std::vector<int> nextIn = m_inStart;
     for (int i = 0; i < int(m_edges.size()); ++i) {
-        m_out[at(nextOut[at(edge(i).tail)]++)] = i;
-        m_in[at(nextIn[at(edge(i).head)]++)] = i;
+        const Edge &one = edge(i);
+        const std::size_t out = at(nextOut[at(one.tail)]++);
+        const std::size_t in = at(nextIn[at(one.head)]++);
+        m_out[out] = i;
+        m_heads[out] = {one.head, one.length};
+        m_in[in] = i;
+        m_tails[in] = {one.tail, one.length};
     }
 }
 
@@ -304,23 +311,26 @@ NetworkSimplex::Side NetworkSimplex::smallerSide(int treeEdge) const
     return side;
 }
 
+/// Until the visitor gives false.
 template <class Visit>
 void NetworkSimplex::visit(const Side &side, Visit visit) const
 {
+    const auto run = [&](int first, int last) {
+        for (int i = first; i < last; ++i) {
+            if (!visit(m_byLim[at(i)]))
+                return false;
+        }
+        return true;
+    };
     const int low = m_low[at(side.top)];
     const int lim = m_lim[at(side.top)];
-    if (side.below) {
-        for (int i = low; i <= lim; ++i)
-            visit(m_byLim[at(i)]);
-        return;
-    }
-    for (int i = 0; i < low; ++i)
-        visit(m_byLim[at(i)]);
-    for (int i = lim + 1; i < m_count; ++i)
-        visit(m_byLim[at(i)]);
+    if (side.below)
+        run(low, lim + 1);
+    else if (run(0, low))
+        run(lim + 1, m_count);
 }
 
-/// The shortest that leads from the head's side to the tail's.
+/// The shortest that leads from the head's side to the tail's. No edge of the tree does.
 int NetworkSimplex::enteringEdge(int leaving) const
 {
     const Side side = smallerSide(leaving);
@@ -328,18 +338,23 @@ int NetworkSimplex::enteringEdge(int leaving) const
     int least = std::numeric_limits<int>::max();
     const std::vector<int> &starts = side.isTail ? m_inStart : m_outStart;
     const std::vector<int> &edges = side.isTail ? m_in : m_out;
+    const std::vector<End> &ends = side.isTail ? m_tails : m_heads;
+    const int low = m_low[at(side.top)];
+    const auto size = unsigned(m_lim[at(side.top)] - low);
     visit(side, [&](int point) {
+        const int place = m_places[at(point)];
         for (int i = starts[at(point)]; i < starts[at(point) + 1]; ++i) {
-            const Edge &one = edge(edges[at(i)]);
-            if (one.treeIndex >= 0
-                || isBelow(side.isTail ? one.tail : one.head, side.top) == side.below)
+            const End &end = ends[at(i)];
+            if ((unsigned(m_lim[at(end.point)] - low) <= size) == side.below)
                 continue;
-            const int free = slack(edges[at(i)]);
+            const int way = m_places[at(end.point)] - place;
+            const int free = (side.isTail ? -way : way) - end.length;
             if (free < least) {
                 least = free;
                 best = edges[at(i)];
             }
         }
+        return least > 0;
     });
     return best;
 }
@@ -348,7 +363,10 @@ int NetworkSimplex::enteringEdge(int leaving) const
 void NetworkSimplex::part(int leaving, int delta)
 {
     const Side side = smallerSide(leaving);
-    visit(side, [&](int point) { m_places[at(point)] += side.isTail ? -delta : delta; });
+    visit(side, [&](int point) {
+        m_places[at(point)] += side.isTail ? -delta : delta;
+        return true;
+    });
 }
 
 /// From a point up to where the way to the other one turns down; gives that point.

@@ -43,6 +43,13 @@ private:
         bool isTail = false;
     };
 
+    /// The other end of an edge of a point, as it is met in the search.
+    struct End
+    {
+        int point;
+        int length;
+    };
+
     Edge &edge(int index) { return m_edges[std::size_t(index)]; }
 
     const Edge &edge(int index) const { return m_edges[std::size_t(index)]; }
@@ -71,6 +78,7 @@ private:
     int m_count;
     std::vector<Edge> m_edges;
     std::vector<int> m_outStart, m_out, m_inStart, m_in; ///< edges by their points
+    std::vector<End> m_heads, m_tails;                   ///< as m_out and m_in
     std::vector<int> m_places;
     std::vector<int> m_tree; ///< edges
     std::vector<std::vector<int>> m_treeAt;

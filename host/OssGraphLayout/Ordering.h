@@ -31,7 +31,17 @@ private:
         int weight;
     };
 
-    using Keys = std::vector<Key>;
+    /// Of one element, sorted; they lie in m_keys.
+    struct Keys
+    {
+        const Key *first;
+        int size;
+        int weight; ///< of all
+
+        const Key *begin() const { return first; }
+
+        const Key *end() const { return first + size; }
+    };
 
     // Starts
     void startFromToday();
@@ -61,7 +71,7 @@ private:
     int bestPlaceFor(int start, const std::vector<int> &elements);
     void takeAlong(int start, int end, std::vector<int> *elements);
     void gatherKeys(int rank);
-    void fillKeys(int element, bool left, Keys *keys) const;
+    Keys keysOf(int element, bool left);
     static std::int64_t gainOfExchange(const Keys &upper, const Keys &lower);
     bool mayExchange(int a, int b) const;
 
@@ -88,6 +98,7 @@ private:
     std::vector<int> m_accumulated;
     std::vector<double> m_key;
     std::vector<char> m_dirty;
+    std::vector<Key> m_keys;           ///< of a rank's elements
     std::vector<Keys> m_left, m_right; ///< of a rank's elements, by their places in it
     std::int64_t m_budget = 0;         ///< of looks at two elements
     bool m_evenMoves = false;          ///< also where nothing is won: other ways open then

@@ -70,44 +70,47 @@ std::int64_t Ordering::crossings()
 
 // --- exchanges
 
-void Ordering::fillKeys(int element, bool left, Keys *keys) const
+/// m_keys has room.
+Ordering::Keys Ordering::keysOf(int element, bool left)
 {
     const std::vector<int> &starts = left ? m_layers.inStart : m_layers.outStart;
     const std::vector<int> &list = left ? m_layers.in : m_layers.out;
-    keys->clear();
+    const std::size_t first = m_keys.size();
+    Keys keys{m_keys.data() + first, 0, 0};
     for (int i = starts[at(element)]; i < starts[at(element) + 1]; ++i) {
         const Layers::Segment &segment = m_layers.segment(list[at(i)]);
-        keys->push_back(left ? Key{m_outBase[at(segment.from)] + segment.fromPort, segment.weight}
-                             : Key{m_inBase[at(segment.to)] + segment.toPort, segment.weight});
+        m_keys.push_back(left ? Key{m_outBase[at(segment.from)] + segment.fromPort, segment.weight}
+                              : Key{m_inBase[at(segment.to)] + segment.toPort, segment.weight});
+        ++keys.size;
+        keys.weight += segment.weight;
     }
-    std::sort(keys->begin(), keys->end(),
-              [](const Key &a, const Key &b) { return a.place < b.place; });
+    if (keys.size > 1)
+        std::sort(m_keys.begin() + std::ptrdiff_t(first), m_keys.end(),
+                  [](const Key &a, const Key &b) { return a.place < b.place; });
+    return keys;
 }
 
 /// Crossings of their wires as they are, less those after an exchange.
 std::int64_t Ordering::gainOfExchange(const Keys &upper, const Keys &lower)
 {
-    if (upper.empty() || lower.empty())
+    if (upper.size == 0 || lower.size == 0)
         return 0;
-    if (upper.size() == 1 && lower.size() == 1) {
-        const int way = upper.front().place - lower.front().place;
-        const std::int64_t both = std::int64_t(upper.front().weight) * lower.front().weight;
+    if (upper.size == 1 && lower.size == 1) {
+        const int way = upper.first->place - lower.first->place;
+        const std::int64_t both = std::int64_t(upper.weight) * lower.weight;
         return way > 0 ? both : way < 0 ? -both : 0;
     }
     std::int64_t gain = 0;
-    std::size_t first = 0;  // of those of the lower that are not above
-    std::size_t beyond = 0; // of those that are below
+    const Key *first = lower.begin();  // of those of the lower that are not above
+    const Key *beyond = lower.begin(); // of those that are below
     std::int64_t above = 0;
     std::int64_t notBelow = 0;
-    std::int64_t all = 0;
-    for (const Key &key : lower)
-        all += key.weight;
     for (const Key &key : upper) {
-        for (; first < lower.size() && lower[first].place < key.place; ++first)
-            above += lower[first].weight;
-        for (; beyond < lower.size() && lower[beyond].place <= key.place; ++beyond)
-            notBelow += lower[beyond].weight;
-        gain += key.weight * (above - (all - notBelow));
+        for (; first != lower.end() && first->place < key.place; ++first)
+            above += first->weight;
+        for (; beyond != lower.end() && beyond->place <= key.place; ++beyond)
+            notBelow += beyond->weight;
+        gain += key.weight * (above - (lower.weight - notBelow));
     }
     return gain;
 }
@@ -124,13 +127,17 @@ bool Ordering::mayExchange(int a, int b) const
 void Ordering::gatherKeys(int rank)
 {
     const std::vector<int> &elements = m_layers.ranks[at(rank)];
-    if (m_left.size() < elements.size()) {
-        m_left.resize(elements.size());
-        m_right.resize(elements.size());
-    }
-    for (std::size_t i = 0; i < elements.size(); ++i) {
-        fillKeys(elements[i], true, &m_left[i]);
-        fillKeys(elements[i], false, &m_right[i]);
+    std::size_t count = 0;
+    for (const int e : elements)
+        count += at(m_layers.inStart[at(e) + 1] - m_layers.inStart[at(e)]
+                    + m_layers.outStart[at(e) + 1] - m_layers.outStart[at(e)]);
+    m_keys.clear();
+    m_keys.reserve(count);
+    m_left.clear();
+    m_right.clear();
+    for (const int e : elements) {
+        m_left.push_back(keysOf(e, true));
+        m_right.push_back(keysOf(e, false));
     }
 }
 

@@ -9,10 +9,16 @@
 
 namespace {
 
-// Pairs to look at: of large graphs so many for each box, so that time grows no faster than they do.
-constexpr long RefineBudget = 1200;
-constexpr long OrderBudget = 350;
-constexpr long SmallGraph = 9000;     ///< boxes whose budget small graphs have
+/// Pairs to look at: of large graphs so many for each box, so that time grows no faster than they do.
+struct Budget
+{
+    long small;
+    long perBox;
+};
+
+constexpr Budget RefineBudget{20000000, 3000};
+constexpr Budget OrderBudget{3150000, 250};
+constexpr long LargeGraph = 1000;     ///< boxes, from which on
 constexpr std::size_t FewBoxes = 150; ///< of which several orders are tried to the end
 constexpr double RoomCost = 0.25e-6;  ///< of a square unit
 constexpr double Same = 1.0;
@@ -22,10 +28,10 @@ constexpr int MostRounds = 6;
 constexpr double StaysUnless = 1.25;
 constexpr double ImprovesFor = 1.02;
 
-long budgetFor(const Layers &layers, long perBox)
+long budgetFor(const Layers &layers, const Budget &budget)
 {
     const long count = long(layers.boxes.size());
-    return perBox * (count > 1000 ? count : SmallGraph);
+    return count > LargeGraph ? budget.perBox * count : budget.small;
 }
 
 std::size_t at(int index)

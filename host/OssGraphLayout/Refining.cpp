@@ -30,9 +30,26 @@ struct Line
     int last;
     double x1, x2;
     double fromY, toY;
-    double y1, y2;
+    double y1 = 0.0, y2 = 0.0;
+    double slope = 0.0;
 
-    double yAt(double x) const { return y1 + (y2 - y1) * (x - x1) / (x2 - x1); }
+    double yAt(double x) const { return y1 + slope * (x - x1); }
+
+    void setEnds(double start, double end)
+    {
+        y1 = start;
+        y2 = end;
+        slope = (y2 - y1) / (x2 - x1);
+    }
+};
+
+/// What most looks ask for: kept apart, and small.
+struct Extent
+{
+    double top = 0.0;
+    double bottom = 0.0;
+
+    bool meets(const Extent &other) const { return top <= other.bottom && bottom >= other.top; }
 };
 
 class Refining
@@ -59,7 +76,8 @@ private:
 
     void gatherLines();
     void gatherColumns();
-    bool runsThrough(const Line &line, int box) const;
+    void setEnds(int line, double first, double second);
+    bool runsThrough(int line, int box) const;
     double costOf(const Moves &moves);
     /// Of crossings only those with lines after `last`.
     double costOfLine(int line, int last = -1);
@@ -78,6 +96,8 @@ private:
     const OssLyOptions &m_options;
     std::int64_t m_budget; ///< of looks at a line and a box, or two lines
     std::vector<Line> m_lines;
+    std::vector<Extent> m_extents;           ///< of lines
+    std::vector<std::vector<int>> m_boxesIn; ///< of columns
     std::vector<std::vector<int>> m_linesOf; ///< of boxes
     std::vector<std::vector<int>> m_over;    ///< of columns: lines that reach them
     std::vector<std::vector<int>> m_columns; ///< boxes and borders, from top to bottom: elements
@@ -94,6 +114,7 @@ void Refining::gatherLines()
 {
     m_linesOf.assign(m_layers.boxes.size(), {});
     m_over.assign(m_layers.ranks.size(), {});
+    m_extents.resize(m_layers.links.size());
     for (const Layers::Link &link : m_layers.links) {
         Line line{};
         line.from = link.from;
@@ -104,10 +125,9 @@ void Refining::gatherLines()
         line.toY = link.toY;
         line.x1 = rect(link.from).right();
         line.x2 = rect(link.to).x;
-        line.y1 = rect(link.from).y + link.fromY;
-        line.y2 = rect(link.to).y + link.toY;
         const int index = int(m_lines.size());
         m_lines.push_back(line);
+        setEnds(index, rect(link.from).y + link.fromY, rect(link.to).y + link.toY);
         m_linesOf[at(link.from)].push_back(index);
         m_linesOf[at(link.to)].push_back(index);
         for (int rank = line.first; rank <= line.last; ++rank)
@@ -120,22 +140,35 @@ void Refining::gatherLines()
 void Refining::gatherColumns()
 {
     m_columns.assign(m_layers.ranks.size(), {});
+    m_boxesIn.assign(m_layers.ranks.size(), {});
     m_placeOf.assign(m_layers.boxes.size(), 0);
     for (std::size_t rank = 0; rank < m_layers.ranks.size(); ++rank) {
         for (const int e : m_layers.ranks[rank]) {
             const Layers::Element &element = m_layers.element(e);
             if (element.kind == Layers::Kind::Passing)
                 continue;
-            if (element.kind == Layers::Kind::Box)
+            if (element.kind == Layers::Kind::Box) {
                 m_placeOf[at(element.owner)] = int(m_columns[rank].size());
+                m_boxesIn[rank].push_back(element.owner);
+            }
             m_columns[rank].push_back(e);
         }
     }
 }
 
-bool Refining::runsThrough(const Line &line, int box) const
+void Refining::setEnds(int line, double first, double second)
+{
+    m_lines[at(line)].setEnds(first, second);
+    m_extents[at(line)] = {std::min(first, second), std::max(first, second)};
+}
+
+bool Refining::runsThrough(int index, int box) const
 {
     const OssLyRect &area = rect(box);
+    const Extent &extent = m_extents[at(index)];
+    if (extent.top >= area.bottom() || extent.bottom <= area.y)
+        return false;
+    const Line &line = m_lines[at(index)];
     const double left = std::max(line.x1, area.x);
     const double right = std::min(line.x2, area.right());
     if (left > right)
@@ -148,16 +181,17 @@ bool Refining::runsThrough(const Line &line, int box) const
 double Refining::costOfLine(int index, int last)
 {
     const Line &line = m_lines[at(index)];
+    const Extent extent = m_extents[at(index)];
     double cost = SlopeCost * std::abs(line.y2 - line.y1);
     for (int rank = line.first; rank <= line.last; ++rank) {
-        for (const int e : m_columns[at(rank)]) {
-            const Layers::Element &element = m_layers.element(e);
-            if (element.kind == Layers::Kind::Box && element.owner != line.from
-                && element.owner != line.to && runsThrough(line, element.owner))
+        for (const int box : m_boxesIn[at(rank)]) {
+            if (runsThrough(index, box) && box != line.from && box != line.to)
                 cost += ThroughCost;
         }
         m_budget -= std::int64_t(m_columns[at(rank)].size() + m_over[at(rank)].size());
         for (const int other : m_over[at(rank)]) {
+            if (!m_extents[at(other)].meets(extent))
+                continue;
             const Line &two = m_lines[at(other)];
             // Once, in the first column that both reach.
             if (other == index || other <= last || std::max(two.first, line.first) != rank)
@@ -191,7 +225,7 @@ double Refining::costOf(const Moves &moves)
         const std::vector<int> &over = m_over[at(m_layers.rankOf[at(move.box)])];
         m_budget -= std::int64_t(over.size());
         for (const int line : over) {
-            if (m_seen[at(line)] != m_look && runsThrough(m_lines[at(line)], move.box))
+            if (m_seen[at(line)] != m_look && runsThrough(line, move.box))
                 cost += ThroughCost;
         }
     }
@@ -202,8 +236,11 @@ void Refining::place(int box, double y)
 {
     rect(box).y = y;
     for (const int index : m_linesOf[at(box)]) {
-        Line &line = m_lines[at(index)];
-        (line.from == box ? line.y1 : line.y2) = y + (line.from == box ? line.fromY : line.toY);
+        const Line &line = m_lines[at(index)];
+        if (line.from == box)
+            setEnds(index, y + line.fromY, line.y2);
+        else
+            setEnds(index, line.y1, y + line.toY);
     }
 }
 
@@ -268,12 +305,10 @@ std::vector<double> Refining::wantedPlaces(int box)
         const bool leaves = line.from == box;
         places.push_back(own.y + (leaves ? line.y2 - line.y1 : line.y1 - line.y2));
         for (int rank = line.first; rank <= line.last; ++rank) {
-            for (const int e : m_columns[at(rank)]) {
-                const Layers::Element &element = m_layers.element(e);
-                if (element.kind != Layers::Kind::Box || element.owner == line.from
-                    || element.owner == line.to || !runsThrough(line, element.owner))
+            for (const int other : m_boxesIn[at(rank)]) {
+                if (other == line.from || other == line.to || !runsThrough(index, other))
                     continue;
-                const OssLyRect &hit = rect(element.owner);
+                const OssLyRect &hit = rect(other);
                 // The line turns about its other end.
                 const double fixedX = leaves ? line.x2 : line.x1;
                 const double fixedY = leaves ? line.y2 : line.y1;
@@ -292,7 +327,7 @@ std::vector<double> Refining::wantedPlaces(int box)
     }
     for (const int index : m_over[at(m_layers.rankOf[at(box)])]) {
         const Line &line = m_lines[at(index)];
-        if (line.from == box || line.to == box || !runsThrough(line, box))
+        if (line.from == box || line.to == box || !runsThrough(index, box))
             continue;
         const double a = line.yAt(std::max(line.x1, own.x));
         const double b = line.yAt(std::min(line.x2, own.right()));

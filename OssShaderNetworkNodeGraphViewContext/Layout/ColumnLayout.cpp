@@ -337,7 +337,8 @@ ColumnLayout::Columns ColumnLayout::columnsOf(int root)
 
 qreal ColumnLayout::entryY(const Entry &entry, qreal cursor, qreal rootY) const
 {
-    if (entry.downstream < 0)
+    // In a loop, which frames may close, one may come before what it feeds, and that stand anywhere.
+    if (entry.downstream < 0 || !m_laidOut[std::size_t(entry.downstream)])
         return cursor;
     const Node &downstream = m_nodes[std::size_t(entry.downstream)];
     const Input &input = downstream.inputs[entry.input];
@@ -406,6 +407,20 @@ qreal ColumnLayout::widthOf(const std::vector<Entry> &column) const
     return width;
 }
 
+/// Wider where the margins of frames need it.
+qreal ColumnLayout::gapBetween(const std::vector<Entry> &left,
+                               const std::vector<Entry> &right) const
+{
+    constexpr qreal Apart = 30.0; // frames
+    qreal rightOfLeft = 0.0;
+    qreal leftOfRight = 0.0;
+    for (const Entry &entry : left)
+        rightOfLeft = std::max(rightOfLeft, m_nodes[std::size_t(entry.node)].margins.right());
+    for (const Entry &entry : right)
+        leftOfRight = std::max(leftOfRight, m_nodes[std::size_t(entry.node)].margins.left());
+    return std::max(ColumnGap, rightOfLeft + leftOfRight + Apart);
+}
+
 void ColumnLayout::shiftColumn(const std::vector<Entry> &column, qreal shift)
 {
     for (const Entry &entry : column) {
@@ -425,8 +440,9 @@ void ColumnLayout::layoutTree(int root)
         const qreal shift = shiftClear(m_columnRect);
         if (shift != 0.0)
             shiftColumn(layoutColumns[i], shift);
-        x += shift - ColumnGap
-             - (i + 1 < layoutColumns.size() ? widthOf(layoutColumns[i + 1]) : 0.0);
+        if (i + 1 < layoutColumns.size())
+            x += shift - gapBetween(layoutColumns[i + 1], layoutColumns[i])
+                 - widthOf(layoutColumns[i + 1]);
     }
     // The next trees keep clear of this one.
     for (const std::vector<Entry> &column : layoutColumns) {

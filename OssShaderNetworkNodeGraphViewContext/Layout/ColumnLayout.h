@@ -95,6 +95,7 @@ private:
     qreal entryY(const Entry &entry, qreal cursor, qreal rootY) const;
     qreal shiftClear(const QRectF &column) const;
     qreal widthOf(const std::vector<Entry> &column) const;
+    qreal gapBetween(const std::vector<Entry> &left, const std::vector<Entry> &right) const;
     void shiftColumn(const std::vector<Entry> &column, qreal shift);
     void move(int node, const QPointF &position, bool shift);
 

@@ -45,19 +45,34 @@ bool FramedLayout::isReached(int frame) const
                        [this](int node) { return bool(m_reached[std::size_t(node)]); });
 }
 
-/// Frames that are not fitted anew may be wider than they must.
-void FramedLayout::keepAreas()
+/// Frames that are not fitted anew may be wider than they must. Gives whether this one is.
+bool FramedLayout::keepArea(int index)
 {
+    Frame &frame = m_frames[std::size_t(index)];
+    const QRectF content = contentOf(index);
+    // Members that lie elsewhere would make it a frame over all that is between.
+    if (content.isEmpty() || !frame.area.contains(content))
+        return false;
+    const QRectF all = frame.area | content.marginsAdded(frame.margins);
+    const QMarginsF margins(content.left() - all.left(), content.top() - all.top(),
+                            all.right() - content.right(), all.bottom() - content.bottom());
+    const bool isWider = margins != frame.margins;
+    frame.margins = margins;
+    return isWider;
+}
+
+/// Those in which nothing moved, as what starts does not, are not fitted either.
+bool FramedLayout::keepUnmovedAreas()
+{
+    bool any = false;
     for (int f = 0; f < int(m_frames.size()); ++f) {
-        Frame &frame = m_frames[std::size_t(f)];
-        const QRectF content = contentOf(f);
-        // Members that lie elsewhere would make it a frame over all that is between.
-        if (content.isEmpty() || !frame.area.contains(content) || isReached(f))
-            continue;
-        const QRectF all = frame.area | content.marginsAdded(frame.margins);
-        frame.margins = QMarginsF(content.left() - all.left(), content.top() - all.top(),
-                                  all.right() - content.right(), all.bottom() - content.bottom());
+        const QVector<int> nodes = nodesIn(f);
+        const bool moved = std::any_of(nodes.cbegin(), nodes.cend(), [this](int node) {
+            return m_nodes[std::size_t(node)].position != m_before[std::size_t(node)].position;
+        });
+        any = (!moved && keepArea(f)) || any;
     }
+    return any;
 }
 
 QRectF FramedLayout::rect(int node) const
@@ -271,31 +286,42 @@ void FramedLayout::layOutLevel(int frame, const QVector<int> &ignored)
         closeGaps(units, direction);
 }
 
-/// Frames that gave way are other starts: once more, until nothing moves. Where it never ends, as in loops that
-/// frames close, none gives way.
-void FramedLayout::layOutFrames(const QVector<int> &ignored)
+/// Once more, until nothing moves: gives whether that came.
+bool FramedLayout::settle(const QVector<int> &ignored)
 {
-    const auto once = [&] {
+    for (int round = 0; round < MostRounds; ++round) {
+        const std::vector<ColumnLayout::Node> last = m_nodes;
         for (int frame = 0; frame < int(m_frames.size()); ++frame)
             layOutLevel(frame, ignored);
         layOutLevel(-1, ignored);
-    };
-    for (int round = 0; round < MostRounds; ++round) {
-        const std::vector<ColumnLayout::Node> last = m_nodes;
-        once();
         if (std::equal(m_nodes.cbegin(), m_nodes.cend(), last.cbegin(),
                        [](const auto &a, const auto &b) { return a.position == b.position; }))
-            return;
+            return true;
     }
-    m_nodes = m_before;
-    m_givesWay = false;
-    once();
+    return false;
+}
+
+/// Frames that gave way are other starts. Where it never ends, as in loops that frames close, none gives way.
+void FramedLayout::layOutFrames(const QVector<int> &ignored)
+{
+    do {
+        m_nodes = m_before;
+        m_givesWay = true;
+        if (settle(ignored))
+            continue;
+        m_nodes = m_before;
+        m_givesWay = false;
+        settle(ignored);
+    } while (keepUnmovedAreas());
 }
 
 void FramedLayout::layOut(const QVector<int> &startNodes, const QVector<int> &ignored)
 {
     findReached(startNodes);
-    keepAreas();
+    for (int f = 0; f < int(m_frames.size()); ++f) {
+        if (!isReached(f))
+            keepArea(f);
+    }
     QVector<int> passedOver = ignored;
     for (const auto &follower : qAsConst(m_followers))
         passedOver.append(follower.first);

@@ -39,9 +39,11 @@ private:
     };
 
     void findReached(const QVector<int> &startNodes);
-    void keepAreas();
+    bool keepArea(int index);
+    bool keepUnmovedAreas();
     bool isReached(int frame) const;
     void layOutFrames(const QVector<int> &ignored);
+    bool settle(const QVector<int> &ignored);
     void layOutLevel(int frame, const QVector<int> &ignored);
     std::vector<Unit> unitsOf(int frame, const QVector<int> &ignored);
     ColumnLayout::Node valueOf(const Unit &unit) const;

@@ -382,8 +382,21 @@ QList<OssSnBaseNode *> Backdrops::carriedBy(const OssSnBaseNode *backdrop)
 
 OssSnBaseNode *Backdrops::containerOf(const OssSnBaseNode *node)
 {
-    OssSnBaseNode *container = node->container();
-    return container ? container : holderOf(node);
+    const auto next = [](const Node *one) {
+        Node *said = one->container();
+        return said ? said : holderOf(one);
+    };
+    Node *container = next(node);
+    if (!container || node->container())
+        return container;
+    // One that is said to lie on this one, and has grown around it since, does not hold it.
+    QSet<const Node *> seen;
+    for (const Node *outer = container; outer && !seen.contains(outer); outer = next(outer)) {
+        if (outer == node)
+            return nullptr;
+        seen.insert(outer);
+    }
+    return container;
 }
 
 void Backdrops::shift(OssSnBaseNode *node, const QPointF &way)

@@ -68,6 +68,21 @@ TEST_F(LayeredArrangingTest, theGraphIsLaidOutInOneStepWithFramesNotesAndViewer)
     expectNothingDone("a second time");
 }
 
+TEST_F(LayeredArrangingTest, aBackdropThatIsSaidToLieOnOneThatLiesOnItCountsOnce)
+{
+    OssSnBaseNode *node = addAt("Procedural/Color", {150, 150});
+    OssSnBaseNode *inner = addArea({100, 100, 400, 300});
+    OssSnBaseNode *outer = addArea({0, 0, 900, 700});
+    node->setContainer(inner);
+    outer->setContainer(inner);
+    inner->setContainer(nullptr);
+    EXPECT_EQ(Backdrops::containerOf(outer), inner);
+    EXPECT_FALSE(Backdrops::containerOf(inner));
+    EXPECT_EQ(arrange(m_network->nodes()), "");
+    Networks::instance()->requestLayout(m_network, {});
+    EXPECT_TRUE(rectOf(inner).contains(rectOf(node)));
+}
+
 TEST_F(LayeredArrangingTest, aSelectionIsLaidOutWhereItStandsAndNothingElseMoves)
 {
     OssSnBaseNode *end = addAt("Filter/Blur", {0, 0});

@@ -315,6 +315,64 @@ TEST(FramedLayout, membersStayTogetherAndOthersStayOut)
     }
 }
 
+/// What a frame covers after a layout: it is fitted only where a member moved.
+QRectF areaAfter(const FramedLayout::Frame &frame, const std::vector<Node> &before,
+                 const FramedLayout &layout)
+{
+    QRectF area;
+    bool moved = false;
+    for (const int member : frame.members) {
+        area |= QRectF(layout.position(member), before[std::size_t(member)].size);
+        moved = moved || layout.position(member) != before[std::size_t(member)].position;
+    }
+    return moved ? area.marginsAdded(frame.margins) : frame.area;
+}
+
+TEST(FramedLayout, framesThatWiresLeadOutOfAndInAgainStayApartAndASecondTimeNothingMoves)
+{
+    std::mt19937 random(11);
+    const auto below = [&random](int limit) {
+        return int(random() % unsigned(limit));
+    };
+    for (int round = 0; round < 60; ++round) {
+        SCOPED_TRACE(round);
+        const int frameCount = 2 + below(4);
+        const int count = frameCount * (4 + below(4));
+        std::vector<Node> nodes = randomGraph(count, &random);
+        std::vector<FramedLayout::Frame> frames;
+        for (int f = 0; f < frameCount; ++f) {
+            frames.push_back(frameOf({}));
+            frames.back().area = QRectF(f % 3 * 2000.0, f / 3 * 1700.0, 1500.0, 1300.0);
+        }
+        QVector<int> starts;
+        for (int i = 0; i < count; ++i) {
+            starts.append(i);
+            const int f = below(frameCount + 1);
+            nodes[std::size_t(i)].position = QPointF(below(5500), -500.0 - below(800));
+            if (f == frameCount)
+                continue;
+            frames[std::size_t(f)].members.append(i);
+            nodes[std::size_t(i)].position = frames[std::size_t(f)].area.topLeft()
+                                             + QPointF(100.0 + below(1200), 100.0 + below(1000));
+        }
+        FramedLayout layout(nodes, frames, {});
+        layout.layOut(starts, {});
+        for (std::size_t f = 0; f < frames.size(); ++f) {
+            const QRectF area = areaAfter(frames[f], nodes, layout);
+            for (std::size_t g = 0; g < f && !frames[f].members.isEmpty(); ++g)
+                EXPECT_TRUE(frames[g].members.isEmpty() || !frames[g].area.intersects(area))
+                    << g << " and " << f;
+            frames[f].area = area;
+        }
+        for (int i = 0; i < count; ++i)
+            nodes[std::size_t(i)].position = layout.position(i);
+        FramedLayout again(nodes, frames, {});
+        again.layOut(starts, {});
+        for (int i = 0; i < count; ++i)
+            EXPECT_EQ(again.position(i), nodes[std::size_t(i)].position) << i;
+    }
+}
+
 TEST(FramedLayout, framesInFramesAndFollowersComeAlong)
 {
     std::vector<Node> nodes{usual({1}, {1000, 0}), usual({2}, {500, 300}), usual({}, {900, 300}),

@@ -37,6 +37,13 @@ else()
     target_link_options(ossa_build_flags INTERFACE LINKER:--no-undefined)
 endif()
 
+# Where things are installed: libraries of ours in a folder of their own, plug-ins below it.
+include(GNUInstallDirs)
+set(OSSA_LIBRARY_DIR ${CMAKE_INSTALL_LIBDIR}/ossa)
+set(OSSA_PLUGIN_DIR ${OSSA_LIBRARY_DIR}/plugins)
+file(RELATIVE_PATH OSSA_LIBRARIES_FROM_PROGRAM /${CMAKE_INSTALL_BINDIR} /${OSSA_LIBRARY_DIR})
+file(RELATIVE_PATH OSSA_PLUGINS_FROM_PROGRAM /${CMAKE_INSTALL_BINDIR} /${OSSA_PLUGIN_DIR})
+
 # HEADER: ossa_pch.h, or ossa_pch_model.h for what links no widgets.
 function(ossa_precompile target header)
     if(OSSA_PRECOMPILED_HEADERS)
@@ -53,11 +60,21 @@ function(ossa_add_library name)
     generate_export_header(${name}
         EXPORT_FILE_NAME ${PROJECT_BINARY_DIR}/export/${name}/${name}_export.h)
     target_include_directories(${name} PUBLIC
-        ${PROJECT_SOURCE_DIR}/host ${PROJECT_BINARY_DIR}/export)
+        $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/host> $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/export>
+        $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/ossa>)
     target_link_libraries(${name} PUBLIC ${arg_USES} PRIVATE ossa_build_flags ${arg_PRIVATE})
     if(arg_PRECOMPILED)
         ossa_precompile(${name} ${arg_PRECOMPILED})
     endif()
+    set_target_properties(${name} PROPERTIES INSTALL_RPATH "$ORIGIN")
+    install(TARGETS ${name} EXPORT OssaTargets
+        LIBRARY DESTINATION ${OSSA_LIBRARY_DIR} COMPONENT program)
+endfunction()
+
+# A program of ours, beside its libraries.
+function(ossa_install_program name)
+    set_target_properties(${name} PROPERTIES INSTALL_RPATH "$ORIGIN/${OSSA_LIBRARIES_FROM_PROGRAM}")
+    install(TARGETS ${name} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT program)
 endfunction()
 
 # Plug-in NAME: a MODULE of NAME_door.cpp around an OBJECT library NAME_code, so that tests can
@@ -71,7 +88,9 @@ function(ossa_add_plugin name)
     add_library(${name} MODULE $<TARGET_OBJECTS:${name}_code>)
     target_link_libraries(${name} PRIVATE ${arg_USES} ossa_build_flags)
     set_target_properties(${name} PROPERTIES
-        PREFIX "" AUTOMOC OFF LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/plugins)
+        PREFIX "" AUTOMOC OFF LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/plugins
+        INSTALL_RPATH "$ORIGIN/..")
+    install(TARGETS ${name} LIBRARY DESTINATION ${OSSA_PLUGIN_DIR} COMPONENT program)
 endfunction()
 
 # Tests of what links no widgets say so: their main() makes no QApplication. SERVICES is the header,

@@ -11,6 +11,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTranslator>
 
@@ -370,6 +371,15 @@ TEST(Resources, areFoundInTheSourceTree)
         EXPECT_EQ(QDir::cleanPath(info->pluginPath()), text("/some/where/else"));
     }
     EXPECT_FALSE(info->pluginPath().contains(text("..")));
+    {
+        const QTemporaryDir named;
+        const QByteArray list = "here:" + named.path().toUtf8() + ":/nowhere/at/all:.";
+        const Variable variable("OSSA_PLUGIN_PATH", list);
+        EXPECT_TRUE(OssResourceInfo::extensionPaths().contains(named.path()));
+        for (const QString &path : OssResourceInfo::extensionPaths())
+            EXPECT_TRUE(QDir::isAbsolutePath(path) && QFileInfo(path).isDir())
+                << path.toStdString();
+    }
     EXPECT_TRUE(info->pluginPath().endsWith(text("/plugins")));
 }
 

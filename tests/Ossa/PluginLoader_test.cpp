@@ -49,6 +49,21 @@ TEST_F(PluginLoading, startsEachOnceInTheOrderOfPriority)
     EXPECT_EQ(loader.plugins().size(), 2);
 }
 
+TEST_F(PluginLoading, ofOneNameInSeveralFoldersTheFirstCounts)
+{
+    const ExpectedLog expected("one of this name was loaded from");
+    QTemporaryDir other;
+    add("GoodPlugin", "a.so");
+    ASSERT_TRUE(QFile::copy(folder.filePath(text("a.so")), other.filePath(text("a.so"))));
+    ASSERT_TRUE(
+        QFile::copy(text(OSSA_TEST_PLUGINS "/EarlyPlugin.so"), other.filePath(text("b.so"))));
+    loader.load(folder.path(), {other.path(), text("/nowhere/at/all")});
+    ASSERT_EQ(loader.plugins().size(), 2);
+    EXPECT_EQ(loader.plugins().first().file, other.filePath(text("b.so")));
+    ASSERT_EQ(loader.failures().size(), 1) << "a folder that others may have is no failure";
+    EXPECT_EQ(loader.failures().first().file, other.filePath(text("a.so")));
+}
+
 TEST_F(PluginLoading, whatCannotBeUsedIsToldAndTheOthersStillStart)
 {
     const ExpectedLog expected[] = {ExpectedLog("Plug-in broken.so cannot be used"),

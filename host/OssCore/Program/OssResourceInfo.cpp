@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QStandardPaths>
 
 namespace {
 
@@ -32,6 +33,8 @@ OssResourceInfo *OssResourceInfo::instance()
 
 OssResourceInfo::OssResourceInfo()
     : m_root(findRoot())
+    , m_isInstalled(QDir(QCoreApplication::applicationDirPath())
+                        .exists(QStringLiteral("../share/ossa/NodeTypes")))
 {
 }
 
@@ -82,5 +85,33 @@ QString OssResourceInfo::pluginPath() const
     const QString named = qEnvironmentVariable("OSSA_PLUGIN_DIR");
     if (!named.isEmpty())
         return QDir(named).absolutePath();
-    return QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../plugins"));
+    const QString below = m_isInstalled ? QStringLiteral(OSSA_PLUGINS_FROM_PROGRAM)
+                                        : QStringLiteral("../plugins");
+    return QDir::cleanPath(QDir(QCoreApplication::applicationDirPath()).filePath(below));
+}
+
+QStringList OssResourceInfo::extensionPaths()
+{
+    QStringList named{QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)
+                      + QStringLiteral("/ossa/plugins")};
+    named += qEnvironmentVariable("OSSA_PLUGIN_PATH")
+                 .split(QDir::listSeparator(), Qt::SkipEmptyParts);
+    QStringList paths;
+    for (const QString &path : qAsConst(named)) {
+        const QString clean = QDir::cleanPath(path);
+        if (QDir::isAbsolutePath(path) && QFileInfo(clean).isDir() && !paths.contains(clean))
+            paths.append(clean);
+    }
+    return paths;
+}
+
+QStringList OssResourceInfo::nodeTypePaths() const
+{
+    QStringList paths{nodeTypePath(), materialPath()};
+    for (const QString &path : extensionPaths()) {
+        const QString types = path + QStringLiteral("/NodeTypes");
+        if (QFileInfo(types).isDir())
+            paths.append(types);
+    }
+    return paths;
 }

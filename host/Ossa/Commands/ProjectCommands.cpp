@@ -1,6 +1,7 @@
 #include "Ossa/Commands/ProjectCommands.h"
 
 #include "Ossa/Commands/Commands.h"
+#include "Ossa/Commands/NodeFiles.h"
 #include "Ossa/Commands/RecentProjects.h"
 #include "OssCore/Program/OssResourceInfo.h"
 #include "OssCore/Program/OssStatusManager.h"
@@ -139,11 +140,15 @@ bool ProjectCommands::open(const QString &path)
 {
     if (!mayClose())
         return false;
-    const OssResult result = OssProjectManager::instance()->openProject(path);
+    const bool isOfNodes = NodeFiles::isOne(path);
+    const OssResult result = isOfNodes ? NodeFiles::openAsProject(path)
+                                       : OssProjectManager::instance()->openProject(path);
     if (!result.ok()) {
         OssMessageBox::warning(m_window, tr("Open Project"), result.error());
         return false;
     }
+    if (isOfNodes)
+        return true;
     RecentProjects::add(OssProjectManager::instance()->currentProject()->path());
     fileRecent();
     return true;

@@ -23,7 +23,8 @@ public:
     /// closed.
     bool mayClose();
 
-    /// False when the user refused to close the open project, or the new one cannot be opened.
+    /// A project, or a new one with what a file of nodes holds. False when the user refused to close the open project,
+    /// or the new one cannot be opened.
     bool open(const QString &path);
     void newProject();
     void close();

@@ -1,6 +1,8 @@
 #include "Ossa/Headless/CommandLine.h"
 
+#include "Ossa/Headless/CommandLineTexts.h"
 #include "Ossa/Headless/PictureFormat.h"
+#include "Ossa/Headless/ProgramVersion.h"
 #include "OssEvaluation/Files/OssEvImageFormat.h"
 #include "OssModel/Evaluation/OssPatchList.h"
 #include "OssModel/Objects/OssGeometrySource.h"
@@ -49,7 +51,7 @@ public:
         : m_isBatch(program == CommandLine::Batch)
         , m_app(m_isBatch ? batchDescription : description, name())
     {
-        m_app.set_version_flag("--version", name() + " " + OSSA_VERSION);
+        m_app.set_version_flag("--version", name() + " " + ProgramVersion::text());
         m_app.require_subcommand(m_isBatch ? 1 : 0, 1);
         addInfo();
         addBake();
@@ -95,6 +97,7 @@ public:
             line.command = CommandLine::Stubs;
         line.project = text(m_project);
         line.output = text(m_output);
+        line.tellsProgram = m_tellsProgram;
         line.bake = bakeOptions();
         line.textures = exportOptions();
         line.fresh = newOptions();
@@ -123,7 +126,14 @@ private:
     {
         CLI::App *info = m_app.add_subcommand("info",
                                               "Tell what is in a project, without a window");
-        info->add_option("PROJECT", m_project, "Project folder")->required();
+        auto *project = info->add_option("PROJECT", m_project, "Project folder");
+        info->add_flag("--program", m_tellsProgram,
+                       "Tell what was loaded from where instead: plug-ins and node types")
+            ->excludes(project);
+        info->final_callback([this] {
+            if (!m_tellsProgram && m_project.empty())
+                throw CLI::RequiredError("PROJECT");
+        });
     }
 
     /// Which patches, and how large.
@@ -370,6 +380,7 @@ private:
     std::vector<std::string> m_channels;
     int m_padding = OssExportOptions::UsualPadding;
     int m_version = 1;
+    bool m_tellsProgram = false;
     bool m_listsPresets = false;
     bool m_listsFiles = false;
     std::string m_node;
@@ -402,6 +413,12 @@ CommandLine CommandLine::parse(int argc, const char *const *argv, Program progra
                         program == Batch ? name + ": no command takes -- (see " + name + " --help)"
                                          : "ossa: only run takes -- (see ossa --help)");
     CLI::App &app = grammar.app();
+    // For whoever makes a package of the program: its manual page and completions.
+    if (argc == 3 && std::string_view(argv[1]) == "--describe") {
+        const std::string told = CommandLineTexts::describe(&app, argv[2], ProgramVersion::number);
+        return told.empty() ? answered(ExitCode::Usage, name + ": there is no such description")
+                            : answered(ExitCode::Success, told);
+    }
     try {
         app.parse(ownCount, const_cast<char **>(argv));
     } catch (const CLI::CallForHelp &) {

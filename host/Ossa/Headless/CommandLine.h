@@ -39,6 +39,7 @@ struct CommandLine
     Command command = Window;
     QString project;
     QString output;
+    bool tellsProgram = false; ///< Info: of the program, not of a project
     BakeOptions bake;
     ExportOptions textures;
     NewOptions fresh;

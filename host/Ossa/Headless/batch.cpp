@@ -1,6 +1,7 @@
 #include "Ossa/Headless/BakeCommand.h"
 #include "Ossa/Headless/CommandLine.h"
 #include "Ossa/Headless/InfoCommand.h"
+#include "Ossa/Headless/ProgramInfo.h"
 #include "Ossa/Headless/ProjectTroubles.h"
 #include "OssCore/Program/OssResourceInfo.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
@@ -26,11 +27,14 @@ int main(int argc, char **argv)
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("Ossa"));
     const OssModelServices services;
-    OssShaderNetworkManager::instance()->loadNodeTypes(OssResourceInfo::instance()->nodeTypePath());
-    OssShaderNetworkManager::instance()->loadNodeTypes(OssResourceInfo::instance()->materialPath());
+    const QStringList types = OssResourceInfo::instance()->nodeTypePaths();
+    for (const QString &folder : types)
+        OssShaderNetworkManager::instance()->loadNodeTypes(folder);
     OssNodeTypeWatch::instance()->start();
     switch (line.command) {
     case CommandLine::Info:
+        if (line.tellsProgram)
+            return runProgramInfo({});
         return withProjectTroubles(runInfoCommand(line.project, false));
     case CommandLine::Export:
         return withProjectTroubles(runExportCommand(line.textures));

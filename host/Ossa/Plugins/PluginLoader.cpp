@@ -20,20 +20,35 @@ QString tr(const char *text)
 
 } // namespace
 
-void PluginLoader::load(const QString &folder)
+void PluginLoader::load(const QString &folder, const QStringList &others)
+{
+    if (openAll(folder) == 0)
+        fail(QDir::toNativeSeparators(folder), tr("no plug-in is in this folder"));
+    for (const QString &other : others)
+        openAll(other);
+    initialize();
+}
+
+/// Gives how many libraries there were.
+int PluginLoader::openAll(const QString &folder)
 {
     const QDir dir(folder);
     QStringList files = dir.entryList(QDir::Files, QDir::Name);
     files.erase(std::remove_if(files.begin(), files.end(),
                                [](const QString &file) { return !QLibrary::isLibrary(file); }),
                 files.end());
-    if (files.isEmpty()) {
-        fail(QDir::toNativeSeparators(folder), tr("no plug-in is in this folder"));
-        return;
+    for (const QString &file : qAsConst(files)) {
+        const auto same = std::find_if(
+            m_plugins.cbegin(), m_plugins.cend(),
+            [&file](const Plugin &plugin) { return QFileInfo(plugin.file).fileName() == file; });
+        if (same == m_plugins.cend())
+            open(dir.absoluteFilePath(file));
+        else
+            fail(QDir::toNativeSeparators(dir.absoluteFilePath(file)),
+                 tr("one of this name was loaded from %1")
+                     .arg(QDir::toNativeSeparators(QFileInfo(same->file).path())));
     }
-    for (const QString &file : qAsConst(files))
-        open(dir.absoluteFilePath(file));
-    initialize();
+    return files.size();
 }
 
 void PluginLoader::open(const QString &path)

@@ -2,11 +2,12 @@
 
 #include <QPointer>
 #include <QString>
+#include <QStringList>
 #include <QVector>
 
 class OssPluginInterface;
 
-/// Brings the plug-ins of a folder to life. Their metadata are read without running their code;
+/// Brings plug-ins to life. Their metadata are read without running their code;
 /// what has another interface id is left alone. Plug-ins are initialised once, in the order of
 /// their priority, and stay to the end of the process.
 class PluginLoader
@@ -25,8 +26,9 @@ public:
         QString reason;
     };
 
-    /// Each failure is also a line in the log.
-    void load(const QString &folder);
+    /// The program's folder, which must hold one, and folders that may; of plug-ins of one name the first counts. Each
+    /// failure is also a line in the log.
+    void load(const QString &folder, const QStringList &others = {});
 
     const QVector<Plugin> &plugins() const { return m_plugins; }
 
@@ -34,6 +36,7 @@ public:
 
 private:
     void open(const QString &path);
+    int openAll(const QString &folder);
     void initialize();
     void fail(const QString &file, const QString &reason);
 

@@ -14,8 +14,9 @@ HostServices::~HostServices()
 
 void HostServices::start(PluginLoader *plugins)
 {
-    OssShaderNetworkManager::instance()->loadNodeTypes(OssResourceInfo::instance()->nodeTypePath());
-    OssShaderNetworkManager::instance()->loadNodeTypes(OssResourceInfo::instance()->materialPath());
+    const QStringList types = OssResourceInfo::instance()->nodeTypePaths();
+    for (const QString &folder : types)
+        OssShaderNetworkManager::instance()->loadNodeTypes(folder);
     OssNodeTypeWatch::instance()->start();
-    plugins->load(OssResourceInfo::instance()->pluginPath());
+    plugins->load(OssResourceInfo::instance()->pluginPath(), OssResourceInfo::extensionPaths());
 }

@@ -5,6 +5,7 @@
 #include "Ossa/Common/ApplicationPreferences.h"
 #include "Ossa/Common/Theme.h"
 #include "Ossa/Headless/InfoCommand.h"
+#include "Ossa/Headless/ProgramVersion.h"
 #include "Ossa/Headless/ProjectTroubles.h"
 #include "Ossa/Help/ManualWriter.h"
 #include "Ossa/Pictures/GraphCommand.h"
@@ -15,6 +16,7 @@
 #include "Ossa/Window/MainWindow.h"
 #include "Ossa/Window/WorkRecovery.h"
 #include "OssCore/Program/OssIcon.h"
+#include "OssCore/Program/OssPluginInterface.h"
 #include "OssCore/Program/OssPreferenceManager.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssModel/Project/OssPixelCleanup.h"
@@ -76,7 +78,7 @@ int Session::run(const CommandLine &line, int &argc, char **argv)
         return ExitCode::Failure;
     }
     QCoreApplication::setApplicationName(QStringLiteral("Ossa"));
-    QCoreApplication::setApplicationVersion(QStringLiteral(OSSA_VERSION));
+    QCoreApplication::setApplicationVersion(QString::fromLatin1(ProgramVersion::number));
     if (!line.isHeadless())
         chooseScaling();
 
@@ -90,6 +92,8 @@ int Session::run(const CommandLine &line, int &argc, char **argv)
     case CommandLine::Graph:
         return runGraphCommand(line.project, line.output);
     case CommandLine::Info:
+        if (line.tellsProgram)
+            return runProgramInfo(session.toldPlugins());
         return withProjectTroubles(runInfoCommand(line.project, true));
     case CommandLine::New:
         return runNewCommand(line.fresh);
@@ -121,6 +125,18 @@ Session::Session(const CommandLine &line)
     m_groupCommands = std::make_unique<GroupCommands>(nullptr);
     m_markCommands = std::make_unique<MarkCommands>(nullptr);
     HostPalettes::registerAll();
+}
+
+QVector<ProgramInfoPlugin> Session::toldPlugins() const
+{
+    QVector<ProgramInfoPlugin> told;
+    for (const PluginLoader::Plugin &plugin : m_plugins.plugins())
+        told.append({plugin.file, QStringLiteral("%1, version %2")
+                                      .arg(plugin.interface->name())
+                                      .arg(plugin.interface->version())});
+    for (const PluginLoader::Failure &failure : m_plugins.failures())
+        told.append({failure.file, failure.reason});
+    return told;
 }
 
 Session::~Session()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Ossa/Headless/CommandLine.h"
+#include "Ossa/Headless/ProgramInfo.h"
 #include "Ossa/Plugins/PluginLoader.h"
 #include "Ossa/Start/HostServices.h"
 
@@ -26,6 +27,7 @@ private:
     ~Session();
 
     int runWindow();
+    QVector<ProgramInfoPlugin> toldPlugins() const;
 
     const CommandLine &m_line;
     HostServices m_services;

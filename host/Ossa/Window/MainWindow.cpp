@@ -10,6 +10,7 @@
 #include "Ossa/Common/ApplicationPreferences.h"
 #include "Ossa/Common/Theme.h"
 #include "Ossa/Dialogs/CommandPalette.h"
+#include "Ossa/Headless/ProgramVersion.h"
 #include "Ossa/Help/HelpCommands.h"
 #include "Ossa/Scripting/ScriptCommands.h"
 #include "Ossa/Viewer/NodeThumbnails.h"
@@ -286,15 +287,16 @@ QString MainWindow::aboutText() const
 {
     QString text = QStringLiteral("<html>")
                    + tr("<h3>Ossa %1</h3><p>Paints and generates textures with a node graph.</p>")
-                         .arg(QApplication::applicationVersion());
+                         .arg(QString::fromStdString(ProgramVersion::text()));
     for (const PluginLoader::Plugin &plugin : m_plugins) {
         OssPluginInterface *told = plugin.object ? plugin.interface : nullptr;
         if (!told)
             continue;
-        text += tr("<p><b>%1</b>, version %2<br>%3<br>%4<br>%5</p>")
+        text += tr("<p><b>%1</b>, version %2<br>%3<br>%4<br>%5<br>%6</p>")
                     .arg(told->name().toHtmlEscaped(), QString::number(told->version()),
                          told->description().toHtmlEscaped(), told->authorName().toHtmlEscaped(),
-                         told->legalNotice().toHtmlEscaped());
+                         told->legalNotice().toHtmlEscaped(),
+                         QDir::toNativeSeparators(plugin.file).toHtmlEscaped());
     }
     return text + QStringLiteral("</html>");
 }

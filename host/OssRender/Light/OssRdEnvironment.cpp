@@ -1,16 +1,19 @@
 #include "OssRender/Light/OssRdEnvironment.h"
 
 #include <glm/gtc/constants.hpp>
-#include <OpenImageIO/imagebuf.h>
-#include <OpenImageIO/imagebufalgo.h>
+#include <OpenImageIO/imageio.h>
 #include <tbb/parallel_for.h>
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <memory>
 
 namespace {
 
 constexpr int OwnWidth = 1024;
+constexpr int MostFileWidth = 65536;
+constexpr int StripHeight = 16; ///< rows of a file that are read at once
 
 /// How far a value is between two others, with soft ends.
 float between(float low, float high, float value)
@@ -140,6 +143,44 @@ bool isWhole(const OssRdPicture &picture)
     });
 }
 
+/// Rows of a file from `first` on, counted from its top.
+bool readRows(OIIO::ImageInput *file, int first, int end, std::vector<glm::vec3> *rows)
+{
+    const OIIO::ImageSpec &spec = file->spec();
+    rows->resize(std::size_t(end - first) * std::size_t(spec.width));
+    if (spec.tile_width == 0)
+        return file->read_scanlines(0, 0, spec.y + first, spec.y + end, spec.z, 0, 3,
+                                    OIIO::TypeDesc::FLOAT, rows->data());
+    return file->read_tiles(0, 0, spec.x, spec.x + spec.width, spec.y + first, spec.y + end, spec.z,
+                            spec.z + 1, 0, 3, OIIO::TypeDesc::FLOAT, rows->data());
+}
+
+/// Some rows at a time, for they may be many: each texel is the mean of those of the file in its place.
+bool readReduced(OIIO::ImageInput *file, OssRdPicture *picture)
+{
+    const OIIO::ImageSpec &spec = file->spec();
+    const int strip = spec.tile_width > 0 ? spec.tile_height : StripHeight;
+    std::vector<float> counts(picture->texels.size());
+    std::vector<glm::vec3> rows;
+    for (int first = 0; first < spec.height; first += strip) {
+        const int end = std::min(first + strip, spec.height);
+        if (!readRows(file, first, end, &rows))
+            return false;
+        for (std::size_t i = 0; i < rows.size(); ++i) {
+            const int y = first + int(i / std::size_t(spec.width));
+            const int x = int(i % std::size_t(spec.width));
+            const auto at = std::size_t(std::int64_t(y) * picture->height / spec.height)
+                                * std::size_t(picture->width)
+                            + std::size_t(std::int64_t(x) * picture->width / spec.width);
+            picture->texels[at] += rows[i];
+            counts[at] += 1.0F;
+        }
+    }
+    for (std::size_t i = 0; i < counts.size(); ++i)
+        picture->texels[i] /= counts[i];
+    return true;
+}
+
 } // namespace
 
 const std::vector<std::string> &OssRdEnvironment::names()
@@ -172,27 +213,25 @@ OssRdPicture OssRdEnvironment::make(const std::string &name)
 
 OssEvResult OssRdEnvironment::read(const std::string &path, OssRdPicture *picture)
 {
-    using namespace OIIO;
     const auto refuse = [&path](const std::string &reason) {
         return OssEvResult::failure("Cannot read \"" + path + "\": " + reason);
     };
-    ImageBuf file(path);
-    if (!file.read(0, 0, true, TypeDesc::FLOAT))
-        return refuse(file.has_error() ? file.geterror() : "it is no picture");
-    const ImageSpec &spec = file.spec();
+    const std::unique_ptr<OIIO::ImageInput> file = OIIO::ImageInput::open(path);
+    if (!file)
+        return refuse(OIIO::has_error() ? OIIO::geterror() : "it is no picture");
+    const OIIO::ImageSpec &spec = file->spec();
     if (spec.nchannels < 3)
         return refuse("it has no colours");
+    const std::string size = std::to_string(spec.width) + " x " + std::to_string(spec.height);
     if (spec.width != 2 * spec.height)
-        return refuse("a surrounding is twice as wide as it is high, and this is "
-                      + std::to_string(spec.width) + " x " + std::to_string(spec.height));
-    const int width = std::min(spec.width, MostWidth);
-    OssRdPicture made(width, width / 2);
-    const ROI target(0, made.width, 0, made.height, 0, 1, 0, 3);
-    ImageBuf small = width == spec.width ? ImageBufAlgo::channels(file, 3, {0, 1, 2})
-                                         : ImageBufAlgo::resize(file, "box", 0, target);
-    small.set_origin(0, 0);
-    if (!small.get_pixels(target, TypeDesc::FLOAT, made.texels.data()))
-        return refuse(small.geterror());
+        return refuse("a surrounding is twice as wide as it is high, and this is " + size);
+    if (spec.width > MostFileWidth)
+        return refuse("it is too large: " + size);
+    OssRdPicture made(std::min(spec.width, MostWidth), std::min(spec.width, MostWidth) / 2);
+    if (!readReduced(file.get(), &made)) {
+        const std::string reason = file->geterror();
+        return refuse(reason.empty() ? "it is damaged" : reason);
+    }
     if (!isWhole(made))
         return refuse("it holds what is no number");
     for (glm::vec3 &texel : made.texels)

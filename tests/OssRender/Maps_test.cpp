@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 
 namespace {
 
@@ -70,6 +71,20 @@ TEST(Maps, aPicturesTopIsWhereVIsOne)
     scene.objects[0].materials[1001].maps[OssRdMaterial::Color].texels = texels(
         {Grey, Grey, Grey, Red});
     EXPECT_EQ(renderer.render(scene, frontOf(*plane, OssRdView::Shows::BaseColor)).at(32, 32), Red);
+    // So is what is laid over it, and what that lay over when it is taken away.
+    OssRdMaterial::Channel4 &color = scene.objects[0].materials[1001].maps[OssRdMaterial::Color];
+    auto change = std::make_shared<OssRdMaterial::Change>();
+    change->parts = {{{0, 32, 32, 32}, texels({Blue, Blue, Blue, Blue})->rgba}};
+    change->parts.front().rgba.resize(std::size_t(32) * 32 * 4);
+    change->isOpaque = true;
+    color.changes = {change};
+    const auto seen = [&](int x, int y) {
+        return renderer.render(scene, frontOf(*plane, OssRdView::Shows::BaseColor)).at(x, y);
+    };
+    EXPECT_EQ(seen(8, 32), Blue);
+    EXPECT_EQ(seen(32, 32), Red);
+    color.changes.clear();
+    EXPECT_EQ(seen(8, 32), Grey);
     // Nothing of a patch that the mesh does not have.
     scene.objects[0].materials = {{1002, material}};
     EXPECT_EQ(renderer.render(scene, frontOf(*plane, OssRdView::Shows::BaseColor)).at(8, 8),
@@ -242,6 +257,14 @@ TEST(Environment, filesAreReadOrRefusedInWords)
     EXPECT_NE(reason(write("square.exr", 32, 32, 3, 1.0F)).find("32 x 32"), std::string::npos);
     EXPECT_NE(reason(write("mask.exr", 64, 32, 1, 1.0F)).find("no colours"), std::string::npos);
     EXPECT_NE(reason(write("nan.exr", 64, 32, 3, NAN)).find("no number"), std::string::npos);
+    // What a head promises is neither believed nor made room for.
+    const auto promise = [&folder](const char *size) {
+        std::ofstream(folder + "/head.hdr")
+            << "#?RADIANCE\nFORMAT=32-bit_rle_rgbe\n\n" << size << "\nx";
+        return folder + "/head.hdr";
+    };
+    EXPECT_NE(reason(promise("-Y 400000 +X 800000")).find("too large"), std::string::npos);
+    EXPECT_NE(reason(promise("-Y 30000 +X 60000")).find("head.hdr"), std::string::npos);
     EXPECT_NE(reason(folder + "/none.exr").find("none.exr"), std::string::npos);
     EXPECT_EQ(picture.width, OssRdEnvironment::MostWidth) << "refused, it stays as it was";
     std::filesystem::remove_all(folder);

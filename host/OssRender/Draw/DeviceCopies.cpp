@@ -1,5 +1,6 @@
 #include "OssRender/Draw/DeviceCopies.h"
 
+#include <algorithm>
 #include <cstddef>
 
 namespace {
@@ -19,6 +20,28 @@ void fillFaces(const std::array<OssRdPicture, 6> &faces, int level)
         const OssRdPicture &picture = faces[std::size_t(face)];
         glTexImage2D(GL_TEXTURE_CUBE_MAP_POSITIVE_X + GLenum(face), level, GL_RGB32F, picture.width,
                      picture.height, 0, GL_RGB, GL_FLOAT, picture.texels.data());
+    }
+}
+
+using Changes = OssRdMaterial::Changes;
+
+/// Whether a change is gone and no other lies in its place.
+bool baresTexels(const Changes &before, const Changes &now)
+{
+    return std::any_of(before.cbegin(), before.cend(), [&now](const auto &gone) {
+        return std::none_of(now.cbegin(), now.cend(),
+                            [&gone](const auto &change) { return change->area() == gone->area(); });
+    });
+}
+
+/// Over the texture that is bound.
+void lay(const OssRdMaterial::Change &change, bool hasSmaller)
+{
+    const std::size_t levels = hasSmaller ? change.parts.size() : 1;
+    for (std::size_t level = 0; level < levels; ++level) {
+        const OssRdMaterial::Change::Part &part = change.parts[level];
+        glTexSubImage2D(GL_TEXTURE_2D, GLint(level), part.area.x, part.area.y, part.area.width,
+                        part.area.height, GL_RGBA, GL_HALF_FLOAT, part.rgba.data());
     }
 }
 
@@ -99,22 +122,38 @@ bool DeviceCopies::bindFlat(const std::shared_ptr<const void> &of, int unit)
     return isNew;
 }
 
-void DeviceCopies::texels(const std::shared_ptr<const OssRdMaterial::Texels> &texels, int unit)
+void DeviceCopies::fillTexels(const OssRdMaterial::Texels &texels)
 {
-    if (!bindFlat(texels, unit))
-        return;
-    glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
-    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA16F, texels->size, texels->size, 0, GL_RGBA,
-                 GL_HALF_FLOAT, texels->rgba.data());
-    int size = texels->size;
-    for (std::size_t i = 0; i < texels->smaller.size(); ++i) {
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA16F, texels.size, texels.size, 0, GL_RGBA, GL_HALF_FLOAT,
+                 texels.rgba.data());
+    int size = texels.size;
+    for (std::size_t i = 0; i < texels.smaller.size(); ++i) {
         size /= 2;
         glTexImage2D(GL_TEXTURE_2D, GLint(i) + 1, GL_RGBA16F, size, size, 0, GL_RGBA, GL_HALF_FLOAT,
-                     texels->smaller[i].data());
+                     texels.smaller[i].data());
     }
-    if (texels->smaller.empty())
-        glGenerateMipmap(GL_TEXTURE_2D);
     filter(GL_TEXTURE_2D, GL_LINEAR_MIPMAP_LINEAR, GL_CLAMP_TO_EDGE);
+}
+
+void DeviceCopies::texels(const OssRdMaterial::Channel4 &channels, int unit)
+{
+    const bool isNew = bindFlat(channels.texels, unit);
+    Changes &known = m_copies[channels.texels.get()].changes;
+    if (!isNew && known == channels.changes)
+        return;
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
+    if (isNew || baresTexels(known, channels.changes)) {
+        fillTexels(*channels.texels);
+        known.clear();
+    }
+    const bool hasSmaller = !channels.texels->smaller.empty();
+    for (const auto &change : channels.changes) {
+        if (std::find(known.cbegin(), known.cend(), change) == known.cend())
+            lay(*change, hasSmaller);
+    }
+    known = channels.changes;
+    if (!hasSmaller)
+        glGenerateMipmap(GL_TEXTURE_2D);
 }
 
 void DeviceCopies::probe(const std::shared_ptr<const OssRdLightProbe> &probe, Light light, int unit)

@@ -19,7 +19,7 @@ public:
     /// Of the mesh that is bound.
     static void draw(const OssRdGeometry::Part &part);
     /// Bind a texture to a unit.
-    void texels(const std::shared_ptr<const OssRdMaterial::Texels> &texels, int unit);
+    void texels(const OssRdMaterial::Channel4 &channels, int unit);
     enum class Light { Mirrored, Sharp, Dull };
     void probe(const std::shared_ptr<const OssRdLightProbe> &probe, Light light, int unit);
     void picture(const std::shared_ptr<const OssRdPicture> &picture, int unit);
@@ -35,6 +35,7 @@ private:
         GlArray array;
         GlBuffer vertices;
         GlBuffer indices;
+        OssRdMaterial::Changes changes; ///< that the texture has
     };
 
     /// `isNew`: it has to be filled.
@@ -42,6 +43,7 @@ private:
     /// Binds its texture; whether that has to be filled.
     bool bindFlat(const std::shared_ptr<const void> &of, int unit);
     static void fillMesh(const OssRdGeometry &geometry, Copy *copy);
+    static void fillTexels(const OssRdMaterial::Texels &texels);
     static void fillProbe(const OssRdLightProbe &probe, Copy *copy);
 
     std::unordered_map<const void *, Copy> m_copies;

@@ -19,7 +19,11 @@ namespace {
 bool letsLightThrough(const OssRdMaterial &material)
 {
     const OssRdMaterial::Channel4 &color = material.maps[OssRdMaterial::Color];
-    return color.texels ? !color.texels->isOpaque : color.value.a < 1.0F;
+    if (!color.texels)
+        return color.value.a < 1.0F;
+    return !color.texels->isOpaque
+           || std::any_of(color.changes.cbegin(), color.changes.cend(),
+                          [](const auto &change) { return !change->isOpaque; });
 }
 
 bool hasCoat(const OssRdMaterial &material)
@@ -147,7 +151,7 @@ void SurfacePass::bindMaterial(GlProgram *program, const OssRdMaterial &material
         values[map] = channels.value;
         has[map] = channels.texels != nullptr;
         if (has[map])
-            copies->texels(channels.texels, map);
+            copies->texels(channels, map);
     }
     program->set("values", values, OssRdMaterial::Maps);
     program->set("hasTexels", has);

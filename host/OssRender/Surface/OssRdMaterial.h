@@ -1,5 +1,7 @@
 #pragma once
 
+#include "OssEvaluation/Values/OssEvRegion.h"
+
 #include <glm/glm.hpp>
 
 #include <array>
@@ -30,14 +32,35 @@ struct OssRdMaterial
         bool isOpaque = false;
     };
 
+    /// What of a map has become other since, as while one paints: a part of its texels and what follows
+    /// of it in the smaller copies. Immutable once shared.
+    struct Change
+    {
+        struct Part
+        {
+            OssEvRegion area;
+            std::vector<std::uint16_t> rgba;
+        };
+
+        std::vector<Part>
+            parts; ///< of the map itself, then of its copies as far as they are changed
+        bool isOpaque = false;
+
+        const OssEvRegion &area() const { return parts.front().area; }
+    };
+
+    using Changes = std::vector<std::shared_ptr<const Change>>;
+
     struct Channel4
     {
         glm::vec4 value{0.0F};
         std::shared_ptr<const Texels> texels;
+        /// Of the texels, in the order in which they came; each has an area of its own.
+        Changes changes = {};
 
         friend bool operator==(const Channel4 &a, const Channel4 &b)
         {
-            return a.value == b.value && a.texels == b.texels;
+            return a.value == b.value && a.texels == b.texels && a.changes == b.changes;
         }
     };
 

@@ -69,6 +69,15 @@ OssRdMips<Value>::OssRdMips(int size, OssRdCoverage::Pointer coverage)
 }
 
 template <class Value>
+OssRdMips<Value>::OssRdMips(int size, OssRdCoverage::Pointer coverage,
+                            std::vector<std::vector<Value>> levels)
+    : m_size(size)
+    , m_coverage(std::move(coverage))
+    , m_levels(std::move(levels))
+{
+}
+
+template <class Value>
 std::vector<Value> OssRdMips<Value>::texels(int level, const OssEvRegion &part) const
 {
     std::vector<Value> found;

@@ -20,6 +20,8 @@ public:
 
     /// `size` is a power of two.
     OssRdMips(int size, OssRdCoverage::Pointer coverage);
+    /// With the copies of another, so that these only have to follow.
+    OssRdMips(int size, OssRdCoverage::Pointer coverage, std::vector<std::vector<Value>> levels);
 
     /// The first is half the size of the picture.
     int levels() const { return int(m_levels.size()); }

@@ -96,7 +96,7 @@ const std::vector<Row> RowTable{
     {"/Ossa/Viewer", QT_TR_NOOP("Next Background"), "B", "Light 3.3", WithProject, QT_TR_NOOP("Show nothing behind the object, its surroundings, or these blurred")},
     {"/Ossa/Viewer", QT_TR_NOOP("Toggle Key Light"), "K", "Light 4.1", WithProject, QT_TR_NOOP("Light the object from above as well, with a shadow")},
     {"/Ossa/Viewer", QT_TR_NOOP("Displace Surfaces"), "D", "Light 4.6", WithProject, QT_TR_NOOP("Let surfaces really stand out by their displacement, on a finer mesh")},
-    {"/Ossa/Viewer", QT_TR_NOOP("Toggle Other Objects"), "O", "Light 4.5", WithProject, QT_TR_NOOP("Show the other objects of the same file with their materials as well")},
+    {"/Ossa/Viewer", QT_TR_NOOP("Toggle Other Objects"), "O", "Light 4.5", WithProject, QT_TR_NOOP("Show the project's other objects with their materials as well")},
     {"/Ossa/Viewer", QT_TR_NOOP("Toggle Ground Shadow"), "Shift+K", "Light 4.2", WithProject, QT_TR_NOOP("Let the object cast a shadow on the ground")},
     {"/Ossa/Viewer", QT_TR_NOOP("Toggle Wireframe"), "W", "Light 4.3", WithProject, QT_TR_NOOP("Draw the edges of the mesh over the object")},
     {"/Ossa/Viewer", QT_TR_NOOP("Hide Back Faces"), "Shift+B", "Light 4.4", WithProject, QT_TR_NOOP("Show the object's faces from their front alone")},

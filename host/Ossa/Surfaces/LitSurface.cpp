@@ -53,8 +53,7 @@ QVector<const OssGeoEntity *> LitSurface::beside(const OssProject *project,
     QVector<const OssGeoEntity *> others;
     const QList<OssGeoEntity *> entities = project->entities();
     for (const OssGeoEntity *other : entities) {
-        if (other != entity && entity->hasFile()
-            && other->source().fileKey() == entity->source().fileKey())
+        if (other != entity && entity->hasFile() && other->hasFile())
             others.append(other);
     }
     return others;

@@ -24,7 +24,8 @@ struct LitSurface
     /// else on all faces. It comes first.
     static QVector<LitSurface> of(const OssProject *project, const OssGeoEntity *entity,
                                   const OssSnProducer &looked);
-    /// Objects that belong to an object: those that were read from the same file.
+    /// Objects that are seen with an object: all that were read from files, if that was. Shapes of our own all
+    /// lie at the same place.
     static QVector<const OssGeoEntity *> beside(const OssProject *project,
                                                 const OssGeoEntity *entity);
 };

@@ -275,6 +275,77 @@ TEST_F(LitView, surroundingsThatCannotBeReadAreToldAndChangeNothing)
     ASSERT_TRUE(QTest::qWaitFor([&] { return m_scene.scene()->probe != before; }, 20000));
 }
 
+TEST_F(LitView, whatIsPaintedIsLaidOverTheSharpPicture)
+{
+    LitRenderer renderer;
+    QVector<QImage> pictures;
+    QObject::connect(&renderer, &LitRenderer::drawn, &renderer,
+                     [&pictures](const QImage &picture) { pictures.append(picture); });
+    const auto come = [&pictures](int count) {
+        return QTest::qWaitFor([&] { return pictures.size() >= count; }, 60000);
+    };
+    auto scene = std::make_shared<OssRdScene>(*m_scene.scene());
+    OssRdMaterial &material = scene->objects.front().materials.at(1001);
+    auto texels = std::make_shared<OssRdMaterial::Texels>();
+    texels->size = 64;
+    texels->rgba.assign(std::size_t(64) * 64 * 4, 0x3800); // a half
+    texels->isOpaque = true;
+    material.maps[OssRdMaterial::Color].texels = texels;
+    LitRenderer::Request request;
+    request.scene = scene;
+    request.screen.colors = OssEvColorSpaces::builtIn();
+    request.view.width = 200;
+    request.view.height = 800;
+    request.view.ground = {0.1F, 0.1F, 0.1F, 1.0F};
+    ObjectCamera camera;
+    camera.frame({}, 1.5F);
+    request.view.camera = LitPicture::toMatrix(camera.view());
+    request.view.projection = LitPicture::toMatrix(camera.projection(0.25F));
+    request.isPainted = true;
+    renderer.draw(request);
+    ASSERT_TRUE(come(3));
+    const QImage before = pictures.last();
+
+    // A stroke in hand on a corner of the object.
+    auto painted = std::make_shared<OssRdScene>(*scene);
+    auto change = std::make_shared<OssRdMaterial::Change>();
+    change->parts = {{{0, 0, 24, 24}, std::vector<std::uint16_t>(24 * 24 * 4, 0x2C00)}}; // dark
+    change->isOpaque = true;
+    painted->objects.front().materials.at(1001).maps[OssRdMaterial::Color].changes = {change};
+    pictures.clear();
+    request.scene = painted;
+    request.isMoving = true;
+    renderer.draw(request);
+    ASSERT_TRUE(come(1));
+    const auto differing = [&before](const QImage &picture) {
+        QRect area;
+        for (int y = 0; y < before.height(); ++y) {
+            for (int x = 0; x < before.width(); ++x) {
+                if (picture.pixel(x, y) != before.pixel(x, y))
+                    area |= QRect(x, y, 1, 1);
+            }
+        }
+        return area;
+    };
+    ASSERT_EQ(pictures.first().size(), before.size());
+    const QRect area = differing(pictures.first());
+    EXPECT_FALSE(area.isEmpty());
+    EXPECT_LT(area.width(), before.width() / 2);
+
+    // At rest it becomes what it is without.
+    request.isMoving = false;
+    renderer.draw(request);
+    request.isPainted = false;
+    LitRenderer other;
+    QVector<QImage> others;
+    QObject::connect(&other, &LitRenderer::drawn, &other,
+                     [&others](const QImage &picture) { others.append(picture); });
+    other.draw(request);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return others.size() == 3; }, 60000));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return pictures.last() == others.last(); }, 60000));
+    EXPECT_TRUE(area.contains(differing(others.last())));
+}
+
 TEST_F(LitView, theLastThatIsAskedForIsDrawnCoarselyWhileItMovesAndExactlyAtRest)
 {
     LitRenderer renderer;

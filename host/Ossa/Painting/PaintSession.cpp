@@ -219,8 +219,12 @@ bool PaintSession::prepare(const MakeStroke &make)
     std::unique_ptr<OssUndoManager::AutoMacro> macro;
     if (!m_leader && !m_isBusy && node() && !node()->imageSet())
         macro = std::make_unique<OssUndoManager::AutoMacro>(stepName());
-    if (makeRoom())
+    if (makeRoom()) {
         m_stroke = make(&m_buffer);
+        m_seen = m_buffer; // it has touched nothing yet
+        m_unseen.clear();
+        m_soFar.reset();
+    }
     if (!m_stroke) {
         if (macro)
             macro->cancel();
@@ -319,6 +323,8 @@ OssEvStroke::Areas PaintSession::coverMoves(int most)
 void PaintSession::letStrokeGo()
 {
     m_stroke.reset();
+    m_seen.clear();
+    m_unseen.clear();
     m_everyMove.reset();
     m_moves.clear();
     m_behind.stop();
@@ -355,6 +361,7 @@ void PaintSession::tellAreas(const OssEvStroke::Areas &areas)
     const double texel = 1.0 / m_buffer.resolution();
     for (const auto &entry : areas) {
         const OssEvRegion &area = entry.second;
+        noteUnseen(entry.first, area);
         Q_EMIT painted(entry.first, QRectF(area.x * texel, area.y * texel, area.width * texel,
                                            area.height * texel));
     }

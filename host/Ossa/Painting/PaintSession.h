@@ -22,6 +22,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 
 class EveryMove;
 class OssImageSet;
@@ -82,6 +83,9 @@ public:
     /// The paint of node() as it is evaluated, without the stroke in hand; null: there is none.
     std::shared_ptr<const OssLivePaint> published() const;
 
+    /// While it runs what is evaluated has the stroke in hand, on all nodes.
+    void withStroke(const std::function<void()> &run);
+
     /// Of all strokes.
     PaintMask *mask() { return m_leader ? m_leader->mask() : &m_mask; }
 
@@ -131,6 +135,8 @@ Q_SIGNALS:
     void settled();
     /// In parts of the patch, from its top left corner.
     void painted(int patch, const QRectF &area);
+    /// The same of one of the other nodes.
+    void paintedAlong(int patch, const QRectF &area);
     /// There is paint where there was none, or none any more; or another node.
     void stateChanged();
 
@@ -169,6 +175,8 @@ private:
     static QString stepName();
     bool fillWith(const MakeStroke &make, const std::optional<OssEvStroke::Line> &line);
     void letStrokeGo();
+    void noteUnseen(int patch, const OssEvRegion &area);
+    std::shared_ptr<const OssLivePaint> strokeSoFar();
     void finishStep(const std::vector<OssEvStroke::Change> &changes);
     double texelsInWorld() const;
     bool settle();
@@ -212,6 +220,9 @@ private:
         m_ground;  ///< of what is painted on, for brushes that look there
     QTimer m_rest; ///< since the last change of the paint
     std::unique_ptr<OssEvStroke> m_stroke;
+    OssEvPaintBuffer m_seen; ///< with the stroke as it was last looked at, in tiles of its own
+    std::set<OssEvPaintBuffer::Place> m_unseen; ///< where it has become another since
+    std::shared_ptr<const OssLivePaint> m_soFar;
     std::unique_ptr<EveryMove> m_everyMove;             ///< during a stroke
     std::vector<OssEvStrokePath::Point> m_moves;        ///< of the stroke that are not painted yet
     QTimer m_behind;                                    ///< until they are

@@ -28,7 +28,8 @@ bool operator==(const LitRenderer::Request &a, const LitRenderer::Request &b)
         return one == other || (one && other && *one == *other);
     };
     return a.view == b.view && a.screen == b.screen && a.isMoving == b.isMoving
-           && a.border == b.border && isSame(a.scene, b.scene) && isSame(a.beside, b.beside);
+           && a.isPainted == b.isPainted && a.border == b.border && isSame(a.scene, b.scene)
+           && isSame(a.beside, b.beside);
 }
 
 LitRenderer::LitRenderer(QObject *parent)
@@ -62,19 +63,22 @@ void LitRenderer::draw(const Request &request)
     m_changed.notify_all();
 }
 
-template <class Work>
-void LitRenderer::later(Work work)
+void LitRenderer::tell(const QImage &picture)
 {
-    QMetaObject::invokeMethod(this, work, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        this, [this, picture] { Q_EMIT drawn(picture); }, Qt::QueuedConnection);
 }
 
 void LitRenderer::run()
 {
     OssRdRenderer renderer;
     if (!renderer.problem().empty()) {
-        later([this, problem = QString::fromStdString(renderer.problem())] {
-            Q_EMIT failed(problem);
-        });
+        QMetaObject::invokeMethod(
+            this,
+            [this, problem = QString::fromStdString(renderer.problem())] {
+                Q_EMIT failed(problem);
+            },
+            Qt::QueuedConnection);
         return;
     }
     for (;;) {
@@ -88,8 +92,9 @@ void LitRenderer::run()
             m_isWanted = false;
             m_cancel = std::make_shared<OssEvCancel>();
         }
-        const int last = request.isMoving ? 1 : passes;
-        const int first = request.isMoving || m_wholeTime > blink ? 0 : 1;
+        if (goesOn(request))
+            paintOver(&renderer, request);
+        const auto [first, last] = passesOf(request);
         for (int pass = first; pass < last; ++pass) {
             if (!drawOne(&renderer, request, pass))
                 break;
@@ -97,38 +102,66 @@ void LitRenderer::run()
     }
 }
 
+std::pair<int, int> LitRenderer::passesOf(const Request &request) const
+{
+    if (goesOn(request)) {
+        const bool isSmooth = isThere(request) && m_last.isSmooth();
+        return {request.isMoving ? passes : isSmooth ? 3 : 2, passes};
+    }
+    return {request.isMoving || m_wholeTime > blink ? 0 : 1, request.isMoving ? 1 : passes};
+}
+
+std::shared_ptr<OssEvCancel> LitRenderer::cancelOfNow()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_cancel;
+}
+
+OssRdView LitRenderer::coarseOf(const OssRdView &whole) const
+{
+    OssRdView view = whole;
+    view.isSmooth = false;
+    view.isCoarse = true;
+    view.mirrorSamples = 0;
+    const double height = m_coarseHeight > 0.0 ? m_coarseHeight : firstPart * view.height;
+    const double least = std::max(leastPart * view.height, leastHeight);
+    const double part = std::min(std::max(height, least) / view.height, 1.0);
+    view.width = std::max(1, int(view.width * part));
+    view.height = std::max(1, int(view.height * part));
+    return view;
+}
+
+OssRdImage LitRenderer::render(OssRdRenderer *renderer, const Request &request,
+                               const OssRdView &view, const OssEvCancel *cancel)
+{
+    const int border = int(float(view.width) * request.border);
+    return request.beside
+               ? renderer->renderBeside(*request.beside, border, *request.scene, view, cancel)
+               : renderer->render(*request.scene, view, cancel);
+}
+
 bool LitRenderer::drawOne(OssRdRenderer *renderer, const Request &request, int pass)
 {
-    std::shared_ptr<OssEvCancel> cancel;
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        cancel = m_cancel;
+    const std::shared_ptr<OssEvCancel> cancel = cancelOfNow();
+    OssRdView view = pass == 0 ? coarseOf(request.view) : request.view;
+    if (pass > 0) {
+        view.isSmooth = pass > 1;
+        view.isCoarse = false;
+        view.mirrorSamples = pass > 2 ? restSamples : 0;
     }
-    OssRdView view = request.view;
-    view.isSmooth = pass > 1;
-    view.isCoarse = pass == 0;
-    view.mirrorSamples = pass > 2 ? restSamples : 0;
     if (pass > 2 && view.shows != OssRdView::Shows::Lit)
         return false;
-    if (pass == 0) {
-        const double height = m_coarseHeight > 0.0 ? m_coarseHeight : firstPart * view.height;
-        const double least = std::max(leastPart * view.height, leastHeight);
-        const double part = std::min(std::max(height, least) / view.height, 1.0);
-        view.width = std::max(1, int(view.width * part));
-        view.height = std::max(1, int(view.height * part));
-    }
     QElapsedTimer spent;
     spent.start();
-    const OssEvCancel *stop = pass > 0 ? cancel.get() : nullptr;
-    const int border = int(float(view.width) * request.border);
-    const OssRdImage image = request.beside ? renderer->renderBeside(*request.beside, border,
-                                                                     *request.scene, view, stop)
-                                            : renderer->render(*request.scene, view, stop);
+    OssRdImage image = render(renderer, request, view, pass > 0 ? cancel.get() : nullptr);
     if (image.isEmpty())
         return false;
+    if (pass == 2 && goesOn(request))
+        image = m_last.wholeOf(std::move(image));
     const QImage picture = LitPicture::shown(image, request.screen);
     learn(pass, view.height, double(spent.nsecsElapsed()) * 1e-6);
-    later([this, picture] { Q_EMIT drawn(picture); });
+    tell(picture);
+    keep(pass, request, std::move(image), picture);
     return !cancel->isCancelled();
 }
 
@@ -136,6 +169,8 @@ void LitRenderer::learn(int pass, int height, double milliseconds)
 {
     if (pass == 1)
         m_wholeTime = milliseconds;
+    if (pass == 2)
+        m_smoothTime = milliseconds;
     if (pass != 0)
         return;
     const double wanted = height * std::sqrt(blink / std::max(milliseconds, 0.1));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Ossa/Surfaces/LitLast.h"
 #include "Ossa/Surfaces/LitPicture.h"
 #include "OssEvaluation/Values/OssEvCancel.h"
 #include "OssRender/Draw/OssRdScene.h"
@@ -11,6 +12,7 @@
 #include <memory>
 #include <mutex>
 #include <thread>
+#include <utility>
 
 /// Draws lit scenes on a thread of its own, the last one that was asked for. While the user turns the
 /// object a coarse picture is enough, as large as can be had in a blink; at rest it comes first, unless
@@ -27,6 +29,9 @@ public:
         OssRdView view; ///< how smooth and exact is chosen here
         LitPicture::Screen screen;
         bool isMoving = false;
+        /// Little but what is painted on becomes another from picture to picture: where it does it is laid
+        /// over the sharp picture, which stays.
+        bool isPainted = false;
         /// What is seen left of a border, which is a part of the width; null: nothing.
         std::shared_ptr<const OssRdScene> beside = nullptr;
         float border = 0.0F;
@@ -51,14 +56,34 @@ private:
     void run();
     /// Whether the picture was drawn as wanted and nothing else is wanted by now.
     bool drawOne(class OssRdRenderer *renderer, const Request &request, int pass);
+    static OssRdImage render(class OssRdRenderer *renderer, const Request &request,
+                             const OssRdView &view, const OssEvCancel *cancel);
+    OssRdView coarseOf(const OssRdView &view) const;
+    /// The first and the last pass that are to be drawn.
+    std::pair<int, int> passesOf(const Request &request) const;
+    std::shared_ptr<OssEvCancel> cancelOfNow();
+
+    // Over the last sharp picture.
+    /// Whether it shows what the last sharp picture does, but for what surfaces are made of.
+    bool goesOn(const Request &request) const;
+    /// Whether it shows no more than that.
+    bool isThere(const Request &request) const;
+    void keep(int pass, const Request &request, OssRdImage image, const QImage &picture);
+    void paintOver(OssRdRenderer *renderer, const Request &request);
+    bool paintSharply(OssRdRenderer *renderer, const Request &request, const QRect &area);
+    bool isSmall(const QRect &area) const;
+
     /// Learns how large a coarse picture may be from how long one of that size took.
     void learn(int pass, int height, double milliseconds);
-    template <class Work>
-    void later(Work work);
+    /// Has it shown; on the thread.
+    void tell(const QImage &picture);
 
     // Of the thread.
     double m_coarseHeight = 0.0; ///< pixels; 0: nobody knows yet
     double m_wholeTime = 0.0;    ///< of a picture at full size, in milliseconds; the last one's
+    double m_smoothTime = 0.0;   ///< the same of a smooth one
+    LitLast m_last;
+    Request m_lastOf; ///< whose picture that is
 
     std::mutex m_mutex; ///< guards all below
     std::condition_variable m_changed;

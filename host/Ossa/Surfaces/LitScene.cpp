@@ -1,6 +1,5 @@
 #include "Ossa/Surfaces/LitScene.h"
 
-#include "Ossa/Surfaces/SurfacePixels.h"
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssModel/Evaluation/OssViewedNode.h"
@@ -19,6 +18,7 @@
 
 #include <algorithm>
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -73,6 +73,8 @@ LitScene::LitScene(QObject *parent)
     m_displacing.setSingleShot(true);
     m_displacing.setInterval(displacingInterval);
     connect(&m_displacing, &QTimer::timeout, this, &LitScene::displace);
+    m_touching.setSingleShot(true);
+    connect(&m_touching, &QTimer::timeout, this, &LitScene::takeTouches);
     m_others.setSingleShot(true);
     m_others.setInterval(restInterval);
     connect(&m_others, &QTimer::timeout, this, &LitScene::followOthers);
@@ -82,6 +84,7 @@ LitScene::LitScene(QObject *parent)
     });
     connect(OssProjectManager::instance(), &OssProjectManager::projectClosing, this, [this] {
         m_others.stop();
+        m_touched.clear();
         m_pieces.clear();
         m_geometries.clear();
         m_displaced.clear();
@@ -179,7 +182,7 @@ QVector<LitSurface> LitScene::wanted() const
     if (!project || !entity)
         return {};
     QVector<LitSurface> surfaces = LitSurface::of(project, entity, OssViewedNode::now());
-    if (m_hasCompany) {
+    if (m_hasCompany && !m_isPainted) {
         const QVector<const OssGeoEntity *> others = LitSurface::beside(project, entity);
         for (const OssGeoEntity *other : others)
             surfaces += LitSurface::of(project, other);
@@ -208,6 +211,14 @@ void LitScene::arrange(const QVector<LitSurface> &surfaces)
                 if (m_isDisplaced)
                     m_displacing.start();
             });
+            connect(&piece->pixels, &SurfacePixels::touched, this, [this] {
+                if (!m_touched.empty())
+                    m_touching.start(0);
+            });
+            connect(&piece->pixels, &SurfacePixels::bared, this, [this] {
+                for (const auto &[patch, area] : m_inHand)
+                    touch(patch, area);
+            });
             piece->pixels.setFirst(m_isAlone);
         }
         piece->isFirst = m_pieces.empty();
@@ -223,6 +234,9 @@ void LitScene::follow()
 {
     if (!m_isActive)
         return;
+    m_isPutOff = m_hand.isPainting && m_hand.isPainting();
+    if (m_isPutOff)
+        return;
     arrange(wanted());
     m_told = 0;
     if (!m_pieces.empty())
@@ -235,6 +249,10 @@ void LitScene::follow()
 
 void LitScene::followOthers()
 {
+    if (m_hand.isPainting && m_hand.isPainting()) {
+        m_isPutOff = true;
+        return;
+    }
     for (std::size_t i = 1; i < m_pieces.size(); ++i)
         followPiece(m_pieces[i].get());
     for (auto geometry = m_geometries.begin(); geometry != m_geometries.end();) {
@@ -268,6 +286,61 @@ void LitScene::followPiece(Piece *piece)
     }
     const std::vector<int> &patches = look.mesh->patches();
     piece->pixels.show(maps, QList<int>(patches.begin(), patches.end()), m_resolution);
+}
+
+// --- paint
+
+void LitScene::setPainted(bool painted)
+{
+    if (painted == m_isPainted)
+        return;
+    m_isPainted = painted;
+    follow();
+}
+
+void LitScene::touch(int patch, const QRectF &area)
+{
+    if (!m_isActive)
+        return;
+    m_touched[patch] |= area;
+    if (m_hand.isPainting && m_hand.isPainting())
+        m_inHand[patch] |= area;
+    if (!m_touching.isActive())
+        m_touching.start(0);
+}
+
+void LitScene::takeTouches()
+{
+    const bool isBusy = std::any_of(m_pieces.cbegin(), m_pieces.cend(),
+                                    [](const auto &piece) { return piece->pixels.isTouching(); });
+    if (isBusy || m_pieces.empty()) // goes on when that is there
+        return;
+    const SurfacePixels::Areas areas = std::exchange(m_touched, {});
+    const auto look = [this, &areas] {
+        for (const auto &piece : m_pieces) {
+            if (!piece->entity || piece->entity != m_pieces.front()->entity)
+                continue;
+            piece->pixels.touch(OssSurfaceMaps::of({piece->node, piece->output}, piece->entity),
+                                areas);
+        }
+    };
+    if (m_hand.within)
+        m_hand.within(look);
+    else
+        look();
+}
+
+void LitScene::expectSame()
+{
+    for (const auto &piece : m_pieces)
+        piece->pixels.expectSame();
+}
+
+void LitScene::strokeEnded()
+{
+    m_inHand.clear();
+    if (std::exchange(m_isPutOff, false))
+        follow();
 }
 
 void LitScene::makeGeometry(const std::shared_ptr<const OssEvMesh> &mesh)
@@ -358,7 +431,7 @@ void LitScene::tellProgress()
 std::shared_ptr<const OssRdGeometry> LitScene::geometryOf(const Piece &piece) const
 {
     const auto moved = m_displaced.find(piece.mesh);
-    if (moved != m_displaced.cend() && moved->second)
+    if (!m_isPainted && moved != m_displaced.cend() && moved->second)
         return moved->second;
     const auto plain = m_geometries.find(piece.mesh);
     return plain == m_geometries.cend() ? nullptr : plain->second;
@@ -431,6 +504,12 @@ void LitScene::setSurroundings(const QString &nameOrFile)
 void LitScene::setTurn(float turn)
 {
     m_scene.turn = turn;
+    Q_EMIT changed();
+}
+
+void LitScene::setIntensity(float intensity)
+{
+    m_scene.intensity = intensity;
     Q_EMIT changed();
 }
 

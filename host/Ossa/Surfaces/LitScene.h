@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Ossa/Surfaces/LitSurface.h"
+#include "Ossa/Surfaces/SurfacePixels.h"
 #include "Ossa/Surfaces/Surroundings.h"
 #include "OssRender/Draw/OssRdScene.h"
 #include "OssRender/Surface/OssRdDisplacement.h"
@@ -8,6 +9,7 @@
 #include <QObject>
 #include <QTimer>
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <vector>
@@ -37,6 +39,29 @@ public:
     void setCompany(bool company);
     /// Whether surfaces really stand out by their displacement.
     void setDisplaced(bool displaced);
+
+    /// What paints on the object.
+    struct Hand
+    {
+        /// Whether a stroke is in hand: what follows of it is not looked at before it ends.
+        std::function<bool()> isPainting;
+        /// Runs something while what is evaluated has that stroke.
+        std::function<void(const std::function<void()> &)> within;
+    };
+
+    void setHand(const Hand &hand) { m_hand = hand; }
+
+    /// While one paints what is painted on is seen as it lies under the brush: nothing stands out, and no other
+    /// object hides it.
+    void setPainted(bool painted);
+    /// There is other paint in a part of a patch, from its top left corner: shows it at once, over what is
+    /// there.
+    void touch(int patch, const QRectF &area);
+    /// What is computed next looks as what is shown.
+    void expectSame();
+    /// Makes up for what was not looked at.
+    void strokeEnded();
+
     /// Gives up the pixels that are not there yet.
     void halt();
 
@@ -51,6 +76,8 @@ public:
 
     float turn() const { return m_scene.turn; }
 
+    /// Of the surroundings; 1: as they are.
+    void setIntensity(float intensity);
     void setKeyLight(bool on);
 
     /// As it is now; with no object where nothing is there to see.
@@ -84,6 +111,7 @@ private:
     void arrange(const QVector<LitSurface> &surfaces);
     void followPiece(Piece *piece);
     void followOthers();
+    void takeTouches();
     void tellProgress();
     /// As it is seen; null while it is being made.
     std::shared_ptr<const OssRdGeometry> geometryOf(const Piece &piece) const;
@@ -106,6 +134,12 @@ private:
     bool m_isDisplacing = false;
     bool m_isDisplaced = false;
     QString m_surroundingsName;
+    Hand m_hand;
+    SurfacePixels::Areas m_touched; ///< not looked at yet
+    SurfacePixels::Areas m_inHand;  ///< by the stroke in hand
+    QTimer m_touching;
+    bool m_isPutOff = false;
+    bool m_isPainted = false;
     QTimer m_others; ///< what is not looked at follows when the user rests
     int m_resolution = 1024;
     int m_told = 1000;

@@ -103,7 +103,7 @@ struct SurfacePixels::Picture
 
     void fill(OssRdMaterial::Channel4 *channels) const
     {
-        if (!isOneValue) {
+        if (!isOneValue || !channels->changes.empty()) {
             channels->texels = texels;
             return;
         }
@@ -121,6 +121,7 @@ SurfacePixels::SurfacePixels(QObject *parent)
 {
     m_planner.setMaxThreadCount(1);
     m_finisher.setMaxThreadCount(1);
+    m_toucher.setMaxThreadCount(1);
     m_look.setSingleShot(true);
     m_look.setInterval(lookTime);
     connect(&m_look, &QTimer::timeout, this, &SurfacePixels::startWaiting);
@@ -147,6 +148,7 @@ void SurfacePixels::clear()
     stop();
     m_materials.clear();
     m_known.clear();
+    m_laid.clear();
     m_maps = {};
     m_problem.clear();
 }
@@ -154,6 +156,12 @@ void SurfacePixels::clear()
 void SurfacePixels::show(const OssSurfaceMaps &maps, const QList<int> &patches, int resolution)
 {
     stop();
+    m_shownAt = m_touches;
+    m_keepsFine = std::exchange(m_expectsSame, false);
+    if (!m_keepsFine) { // what is on its way may be of another surface
+        m_touch.reset();
+        m_layers.reset();
+    }
     m_maps = maps;
     m_resolution = resolution;
     m_problem = maps.problem();
@@ -207,9 +215,11 @@ void SurfacePixels::begin(const std::vector<Planned> &all)
         const bool isSame = known.isKnown && one.isPlanned && known.key == one.key;
         if (isSame && known.resolution >= m_resolution)
             continue;
-        known = {one.key, isSame ? known.resolution : 0, one.isPlanned};
-        m_toDo += fineParts + (isSame ? 0 : coarseParts);
-        if (isSame)
+        const bool isEnough = isSame || (m_keepsFine && known.seenSize >= m_resolution);
+        known = {one.key, isSame ? known.resolution : 0, one.isPlanned, known.seenKey,
+                 known.seenSize};
+        m_toDo += fineParts + (isEnough ? 0 : coarseParts);
+        if (isEnough)
             m_waiting.push_back(one.place);
         else
             start(one.place, std::min(coarse, m_resolution));
@@ -288,9 +298,15 @@ void SurfacePixels::take(const Place &place, const Picture &picture)
     OssRdMaterial &material = m_materials[place.first];
     material.reach = m_maps.reach();
     material.height = m_maps.height();
-    picture.fill(&material.maps[std::size_t(place.second)]);
     const int size = picture.texels->size;
-    m_known[place].resolution = size;
+    dropChanges(place, size);
+    OssRdMaterial::Channel4 &channels = material.maps[std::size_t(place.second)];
+    channels.changes = changesOf(place);
+    picture.fill(&channels);
+    Known &known = m_known[place];
+    known.resolution = size;
+    known.seenKey = known.key;
+    known.seenSize = size;
     // A small map that is one value everywhere may be so by chance.
     if (size < m_resolution) {
         m_done += coarseParts;

@@ -6,6 +6,7 @@
 
 #include <QList>
 #include <QObject>
+#include <QRectF>
 #include <QThreadPool>
 #include <QTimer>
 
@@ -28,6 +29,18 @@ public:
 
     /// In place of what was shown; that stays until its maps are replaced.
     void show(const OssSurfaceMaps &maps, const QList<int> &patches, int resolution);
+
+    /// Areas of patches, in parts of them from their top left corner.
+    using Areas = std::map<int, QRectF>;
+
+    /// Has what lies in areas of the same surface computed before all else, and laid over the maps that are
+    /// there: paint in hand. Not while isTouching().
+    void touch(const OssSurfaceMaps &maps, const Areas &areas);
+
+    bool isTouching() const { return m_touch != nullptr; }
+
+    /// What is shown next looks as what is there: no coarse map is wanted in between.
+    void expectSame() { m_expectsSame = true; }
 
     /// Of maps that are started from now on: before the pictures of patches, where nobody sees these.
     void setFirst(bool first) { m_isFirst = first; }
@@ -55,6 +68,10 @@ Q_SIGNALS:
     void changed();
     /// Nothing is left to come.
     void finished();
+    /// What touch() began is there, or will never be.
+    void touched();
+    /// Maps of another size came, without what touch() laid over those before.
+    void bared();
 
 private:
     struct Picture;
@@ -71,6 +88,18 @@ private:
         OssEvKey key;
         int resolution = 0;
         bool isKnown = false;
+        OssEvKey seenKey; ///< of what is there, until other pixels come
+        int seenSize = 0;
+    };
+
+    class Touch;
+    struct Layers;
+
+    /// A change and which touch it comes from.
+    struct Laid
+    {
+        std::shared_ptr<const OssRdMaterial::Change> change;
+        int number;
     };
 
     struct Planned
@@ -89,6 +118,10 @@ private:
     void finish(const Place &place, const std::shared_ptr<Picture> &picture);
     /// And all that is made of them.
     void take(const Place &place, const Picture &picture);
+    void lay(const std::shared_ptr<Touch> &touch);
+    /// Keeps of the changes those that the pixels which came cannot have.
+    void dropChanges(const Place &place, int size);
+    OssRdMaterial::Changes changesOf(const Place &place) const;
 
     OssSurfaceMaps m_maps;
     int m_resolution = 0;
@@ -100,10 +133,19 @@ private:
     std::vector<Running> m_running;
     std::vector<Place> m_waiting; ///< large maps, until the small ones have been seen
     QTimer m_look;                ///< since the last of them came
+    std::map<Place, std::vector<Laid>> m_laid;
+    std::shared_ptr<Touch> m_touch;   ///< on its way; null: none is
+    std::shared_ptr<Layers> m_layers; ///< that touches work on, one after the other
+    int m_touches = 0;                ///< that were begun
+    int m_shownAt = 0;                ///< as many were when show() was called
+    bool m_expectsSame = false;
+    bool m_keepsFine =
+        false; ///< until maps of their size come, those of another key are good enough
     bool m_isPlanning = false;
     int m_toDo = 0; ///< of this picture, in parts of the work
     int m_done = 0;
     QString m_problem;
     QThreadPool m_planner;  ///< for many patches it takes longer than a frame
     QThreadPool m_finisher; ///< has a look at all texels of what comes
+    QThreadPool m_toucher;
 };

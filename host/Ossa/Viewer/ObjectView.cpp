@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -169,12 +170,6 @@ void ObjectView::paintPatches(QPainter *painter)
     const bool isDrawn = m_renderer->problem().isEmpty();
     if (isDrawn && m_isStale)
         m_renderer->setMesh(m_mesh);
-    if (isDrawn && m_isStale && m_isComing && !takePictures() && !m_litImage.isNull()) {
-        scheduleFrame(); // seen in light until all patches are there
-        painter->drawImage(rect(), m_litImage);
-        return;
-    }
-    m_isComing = false;
     if (isDrawn && m_isStale) {
         if (!m_isFramed) {
             m_camera.frame(m_renderer->centre(), m_renderer->radius());
@@ -237,7 +232,10 @@ void ObjectView::mouseMoveEvent(QMouseEvent *event)
     if (sheetMove(*event) || paintMove(*event) || !m_isTurning)
         return;
     m_isMoving = event->buttons() & (Qt::LeftButton | Qt::MiddleButton);
-    if ((event->buttons() & Qt::LeftButton) && (event->modifiers() & Qt::ShiftModifier))
+    const bool turnsLight = (event->buttons() & Qt::LeftButton)
+                            && (event->modifiers() & Qt::ShiftModifier);
+    m_hasTurned = m_hasTurned || turnsLight;
+    if (turnsLight)
         m_light.setTurn(m_light.turn() + float(way.x()) * turnAcross);
     else if (event->buttons() & Qt::MiddleButton)
         m_camera.pan(way);
@@ -256,6 +254,8 @@ void ObjectView::mouseReleaseEvent(QMouseEvent *event)
     if (!m_isMoving)
         return;
     m_isMoving = false;
+    if (std::exchange(m_hasTurned, false))
+        Q_EMIT surroundingsTurned();
     redraw();
 }
 

@@ -50,8 +50,7 @@ public:
     void setLit(bool lit);
     /// What strokes on the object go to; must outlive the view. To be called once.
     void setCanvas(PaintSession *session);
-    /// While on, one can paint, and the patches are seen with the light of a camera: they have the paint
-    /// that is in no image yet.
+    /// While on, one can paint: what is painted on is seen by itself, with the stroke in hand.
     void setPainted(bool painted);
 
     /// What light and surroundings there are.
@@ -83,6 +82,8 @@ public:
 
 Q_SIGNALS:
     void litChanged(bool lit);
+    /// By the user, and let go of.
+    void surroundingsTurned();
     /// The user points at the object and may be about to paint.
     void entered();
 
@@ -103,7 +104,7 @@ protected:
 
 private:
     /// Whether it is drawn in light, not as patches.
-    bool isMaterial() const { return m_isLit && !m_isPainted && m_lightProblem.isEmpty(); }
+    bool isMaterial() const { return m_isLit && m_lightProblem.isEmpty(); }
 
     /// Whether a stroke or gradient is, which lies where the camera was when it began.
     bool isInHand() const;
@@ -128,6 +129,7 @@ private:
     ScenePick::Ray rayTo(const QPointF &place) const;
 
     // Painting
+    void followStrokes();
     void placeCanvas();
     bool paintPress(const QMouseEvent &event);
     bool paintMove(const QMouseEvent &event);
@@ -145,7 +147,6 @@ private:
     QTimer m_frame;
     QImage m_image;
     bool m_isStale = true;
-    bool m_isComing = false; ///< the patches take the place of the object in light
     bool m_isFramed = false;
     bool m_isLit = true;
     QPoint m_last;
@@ -162,6 +163,7 @@ private:
     bool m_isLightFramed = false;
     bool m_isTurning = true; ///< the button held moves the camera or what surrounds
     bool m_isMoving = false;
+    bool m_hasTurned = false; ///< what surrounds it
     WipeHandle *m_wipe;
     std::vector<OssRdScene::Object> m_kept;
     QString m_keptName;

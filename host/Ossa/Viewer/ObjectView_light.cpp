@@ -136,7 +136,8 @@ void ObjectView::drawLight()
         request.view.behind = OssRdView::Behind::Plain;
         request.view.ground = request.screen.isData ? dataGround : colorGround;
     }
-    request.isMoving = m_isMoving || m_wipe->isDragged();
+    request.isPainted = m_isPainted && !m_isMoving && !m_wipe->isDragged();
+    request.isMoving = m_isMoving || m_wipe->isDragged() || isInHand();
     if (isComparing()) {
         // In the light that is chosen now.
         auto beside = std::make_shared<OssRdScene>(*request.scene);

@@ -26,17 +26,40 @@ void ObjectView::setCanvas(PaintSession *session)
     connect(m_canvas.get(), &ObjectCanvas::ready, this, [this] { update(); });
     connect(Brushes::instance(), &Brushes::changed, this, [this] { update(); });
     setMouseTracking(true);
+    followStrokes();
+}
+
+void ObjectView::followStrokes()
+{
+    LitScene::Hand hand;
+    hand.isPainting = [this] {
+        return m_session->isPainting();
+    };
+    hand.within = [this](const std::function<void()> &run) {
+        m_session->withStroke(run);
+    };
+    m_light.setHand(hand);
+    connect(m_session, &PaintSession::painted, &m_light, &LitScene::touch);
+    connect(m_session, &PaintSession::paintedAlong, &m_light, &LitScene::touch);
+    connect(m_session, &PaintSession::settled, &m_light, &LitScene::expectSame);
+    connect(m_session, &PaintSession::stateChanged, this, [this] {
+        if (m_session->isPainting())
+            return;
+        m_light.strokeEnded();
+        if (isMaterial())
+            redraw(); // finely again
+    });
 }
 
 void ObjectView::setPainted(bool painted)
 {
-    m_isComing = painted && isMaterial();
     m_isPainted = painted;
     m_everyMove.setWanted(painted);
     if (!painted)
         m_session->end();
     m_gradientFrom.reset();
     m_canvas->setActive(painted);
+    m_light.setPainted(painted);
     setCursor(painted ? Qt::CrossCursor : Qt::ArrowCursor);
     activateLight();
     redraw();

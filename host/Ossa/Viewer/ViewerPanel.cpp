@@ -393,11 +393,9 @@ void ViewerPanel::followProject()
     OssCommandTable::setHolds(OssCommandTable::WithBrush, hasProject && m_paint->isChecked());
 }
 
-// While one paints the object is shown as the patches are.
 void ViewerPanel::showLightBar()
 {
-    m_lightBar->setVisible(m_light->isChecked() && !m_paint->isChecked()
-                           && m_modes->checkedId() != Patches);
+    m_lightBar->setVisible(m_light->isChecked() && m_modes->checkedId() != Patches);
 }
 
 void ViewerPanel::setComparing(bool on)

@@ -69,8 +69,24 @@ void WipeHandle::setShown(bool shown)
         m_part = 0.5;
     m_isShown = shown;
     m_isDragged = false;
-    m_view->setMouseTracking(shown);
-    m_view->unsetCursor();
+    if (shown)
+        m_hadTracking = m_view->hasMouseTracking();
+    m_view->setMouseTracking(shown || m_hadTracking);
+    showCursor(false);
+}
+
+// Elsewhere the view has its own.
+void WipeHandle::showCursor(bool atLine)
+{
+    if (atLine == m_ownCursor.has_value())
+        return;
+    if (atLine) {
+        m_ownCursor = m_view->cursor();
+        m_view->setCursor(Qt::SplitHCursor);
+    } else {
+        m_view->setCursor(*m_ownCursor);
+        m_ownCursor.reset();
+    }
 }
 
 bool WipeHandle::isAt(const QPointF &place) const
@@ -93,10 +109,7 @@ bool WipeHandle::take(const QMouseEvent &event)
     default:
         break;
     }
-    if (m_isDragged || (event.buttons() == Qt::NoButton && isAt(event.localPos())))
-        m_view->setCursor(Qt::SplitHCursor);
-    else
-        m_view->unsetCursor();
+    showCursor(m_isDragged || (event.buttons() == Qt::NoButton && isAt(event.localPos())));
     if (m_isDragged) {
         m_part = std::clamp(event.localPos().x() / std::max(1, m_view->width()), WipeLine::least,
                             1.0 - WipeLine::least);

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <QCursor>
 #include <QObject>
 #include <QString>
+
+#include <optional>
 
 class QPainter;
 class QPointF;
@@ -48,9 +51,12 @@ Q_SIGNALS:
 private:
     bool isAt(const QPointF &place) const;
     bool take(const class QMouseEvent &event);
+    void showCursor(bool atLine);
 
     QWidget *m_view;
     double m_part = 0.5;
     bool m_isShown = false;
     bool m_isDragged = false;
+    bool m_hadTracking = false;         ///< before the line was shown
+    std::optional<QCursor> m_ownCursor; ///< of the view, while the line's is shown
 };

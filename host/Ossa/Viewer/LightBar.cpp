@@ -9,6 +9,7 @@
 
 #include <QAction>
 #include <QComboBox>
+#include <QDoubleSpinBox>
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QMenu>
@@ -22,6 +23,9 @@ namespace {
 using Shows = OssRdView::Shows;
 
 const QString surroundingsKey = QStringLiteral("Viewer/surroundings");
+const QString intensityKey = QStringLiteral("Viewer/intensity");
+const QString turnKey = QStringLiteral("Viewer/turn"); // radians
+constexpr double mostIntensity = 20.0;
 const QString behindKey = QStringLiteral("Viewer/behind");
 const QString commandFolder = QStringLiteral("/Ossa/Viewer/");
 
@@ -54,6 +58,7 @@ LightBar::LightBar(ObjectView *view, QWidget *parent)
     , m_view(view)
     , m_shows(new QComboBox(this))
     , m_surroundings(new QComboBox(this))
+    , m_intensity(new QDoubleSpinBox(this))
     , m_more(new QToolButton(this))
 {
     auto *layout = new QHBoxLayout(this);
@@ -66,10 +71,12 @@ LightBar::LightBar(ObjectView *view, QWidget *parent)
     m_more->setMenu(new QMenu(m_more));
     layout->addWidget(m_shows);
     layout->addWidget(m_surroundings);
+    layout->addWidget(m_intensity);
     layout->addWidget(m_more);
     layout->addStretch(1);
     fileShows();
     fileLight();
+    followLight();
     connect(m_view->light(), &LitScene::refused, this, [this](const QString &reason) {
         OssStatusManager::instance()->showMessage(reason);
         setSurroundings(m_view->light()->surroundings());
@@ -130,6 +137,27 @@ void LightBar::fileLight()
               ofLook(&OssRdView::hasGroundShadow));
     addSwitch("Toggle Wireframe", "Viewer/wireframe", false, ofLook(&OssRdView::hasWires));
     addSwitch("Hide Back Faces", "Viewer/hideBackFaces", false, ofLook(&OssRdView::hidesBackFaces));
+}
+
+/// How bright the surroundings are, and how they are turned.
+void LightBar::followLight()
+{
+    m_intensity->setRange(0.0, mostIntensity);
+    m_intensity->setSingleStep(0.1);
+    m_intensity->setPrefix(tr("Light "));
+    m_intensity->setToolTip(tr("How bright the surroundings are; Shift and a drag turns them"));
+    m_intensity->setAccessibleName(tr("Brightness of the surroundings"));
+    m_intensity->setValue(OssSettings().value(intensityKey, 1.0).toDouble());
+    LitScene *light = m_view->light();
+    light->setIntensity(float(m_intensity->value()));
+    connect(m_intensity, qOverload<double>(&QDoubleSpinBox::valueChanged), light,
+            [light](double value) {
+                light->setIntensity(float(value));
+                OssSettings().setValue(intensityKey, value);
+            });
+    light->setTurn(float(OssSettings().value(turnKey, 0.0).toDouble()));
+    connect(m_view, &ObjectView::surroundingsTurned, this,
+            [light] { OssSettings().setValue(turnKey, double(light->turn())); });
 }
 
 void LightBar::addSwitch(const char *command, const char *key, bool usual,

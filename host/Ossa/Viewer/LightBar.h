@@ -6,6 +6,7 @@
 
 class ObjectView;
 class QComboBox;
+class QDoubleSpinBox;
 class QToolButton;
 
 /// How the object is seen in light: what of its material, what surrounds it, what is behind. Files the
@@ -21,6 +22,7 @@ public:
 private:
     void fileShows();
     void fileLight();
+    void followLight();
     /// A switch in the menu and as a command; `key` is where it is kept.
     void addSwitch(const char *command, const char *key, bool usual,
                    const std::function<void(bool)> &set);
@@ -34,5 +36,6 @@ private:
     ObjectView *m_view;
     QComboBox *m_shows;
     QComboBox *m_surroundings;
+    QDoubleSpinBox *m_intensity;
     QToolButton *m_more;
 };

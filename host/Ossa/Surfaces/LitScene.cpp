@@ -303,10 +303,20 @@ void LitScene::touch(int patch, const QRectF &area)
     if (!m_isActive)
         return;
     m_touched[patch] |= area;
-    if (m_hand.isPainting && m_hand.isPainting())
+    if (m_hand.isPainting && m_hand.isPainting()) {
+        if (m_inHand.empty())
+            makeWay();
         m_inHand[patch] |= area;
+    }
     if (!m_touching.isActive())
         m_touching.start(0);
+}
+
+/// Maps that are being made become others with the stroke: they are begun again when it ends.
+void LitScene::makeWay()
+{
+    for (const auto &piece : m_pieces)
+        m_isPutOff = (!piece->pixels.isWhole() && piece->pixels.stopRefining()) || m_isPutOff;
 }
 
 void LitScene::takeTouches()

@@ -112,6 +112,7 @@ private:
     void followPiece(Piece *piece);
     void followOthers();
     void takeTouches();
+    void makeWay();
     void tellProgress();
     /// As it is seen; null while it is being made.
     std::shared_ptr<const OssRdGeometry> geometryOf(const Piece &piece) const;

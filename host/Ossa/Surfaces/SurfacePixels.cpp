@@ -143,6 +143,16 @@ void SurfacePixels::stop()
     m_isPlanning = false;
 }
 
+bool SurfacePixels::stopRefining()
+{
+    const bool isSeen = !m_known.empty()
+                        && std::all_of(m_known.cbegin(), m_known.cend(),
+                                       [](const auto &known) { return known.second.seenSize > 0; });
+    if (isSeen)
+        stop();
+    return isSeen;
+}
+
 void SurfacePixels::clear()
 {
     stop();

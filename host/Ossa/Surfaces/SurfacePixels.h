@@ -50,6 +50,8 @@ public:
 
     /// Gives up what is not there yet.
     void stop();
+    /// The same where each map is there at least small; false where it goes on.
+    bool stopRefining();
     void clear();
 
     /// As far as they are there.

@@ -140,6 +140,17 @@ void ViewerPanel::followStrokes()
     connect(m_session, &PaintSession::painted, m_pictures, &ViewerPictures::showPaint);
     connect(m_session, &PaintSession::settled, m_pictures, &ViewerPictures::expectSamePicture);
     connect(m_session, &PaintSession::stateChanged, this, &ViewerPanel::followPaint);
+    // Patches that nobody sees wait for the end of a stroke, which waits for nothing.
+    connect(m_session, &PaintSession::painted, this, [this] {
+        if (m_session->isPainting() && !m_makesWay && !m_view->isVisible())
+            m_makesWay = m_source->makeWay();
+    });
+    connect(m_session, &PaintSession::stateChanged, this, [this] {
+        if (m_makesWay && !m_session->isPainting()) {
+            m_makesWay = false;
+            m_source->refresh();
+        }
+    });
 }
 
 void ViewerPanel::follow()

@@ -85,6 +85,7 @@ private:
     int m_patchesDone = 1000; ///< thousandths
     int m_materialDone = 1000;
     int m_told = 0;
+    bool m_makesWay = false; ///< for a stroke
     QString m_patchesPass;
     QComboBox *m_channels;
     QComboBox *m_resolution;

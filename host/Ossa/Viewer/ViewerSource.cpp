@@ -300,13 +300,19 @@ void ViewerSource::tellProgress(int resolution)
                       resolution < m_resolution ? tr("preview") : tr("%1 pixels").arg(resolution));
 }
 
-void ViewerSource::halt()
+bool ViewerSource::makeWay()
 {
     if (m_running.isEmpty() || m_told == 1000)
-        return;
+        return false;
     stop();
     m_told = 1000;
     Q_EMIT progressed(m_told, {});
-    OssStatusManager::instance()->showMessage(
-        tr("The Viewer's picture was stopped. The next change begins it again."));
+    return true;
+}
+
+void ViewerSource::halt()
+{
+    if (makeWay())
+        OssStatusManager::instance()->showMessage(
+            tr("The Viewer's picture was stopped. The next change begins it again."));
 }

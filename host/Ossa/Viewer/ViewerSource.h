@@ -54,6 +54,8 @@ public:
     void setActive(bool active);
     /// Gives the picture up until something is another.
     void halt();
+    /// The same without a word, for a moment; whether there was something to give up.
+    bool makeWay();
 
 Q_SIGNALS:
     /// Another picture begins: these patches will come. `node` is what it is of; `problem` says why

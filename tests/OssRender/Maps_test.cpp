@@ -259,8 +259,8 @@ TEST(Environment, filesAreReadOrRefusedInWords)
     EXPECT_NE(reason(write("nan.exr", 64, 32, 3, NAN)).find("no number"), std::string::npos);
     // What a head promises is neither believed nor made room for.
     const auto promise = [&folder](const char *size) {
-        std::ofstream(folder + "/head.hdr")
-            << "#?RADIANCE\nFORMAT=32-bit_rle_rgbe\n\n" << size << "\nx";
+        std::ofstream(folder + "/head.hdr") << "#?RADIANCE\nFORMAT=32-bit_rle_rgbe\n\n"
+                                            << size << "\nx";
         return folder + "/head.hdr";
     };
     EXPECT_NE(reason(promise("-Y 400000 +X 800000")).find("too large"), std::string::npos);

@@ -48,18 +48,6 @@ std::shared_ptr<const OssRdGeometry> displaced(const OssRdGeometry &geometry,
 
 } // namespace
 
-struct LitScene::Piece
-{
-    bool isFirst = false;
-    QPointer<const OssSnBaseNode> node;
-    QString output;
-    QPointer<const OssGeoEntity> entity;
-    std::vector<int> slots;
-    std::shared_ptr<const OssEvMesh> mesh;
-    QString problem;
-    SurfacePixels pixels;
-};
-
 LitScene::LitScene(QObject *parent)
     : QObject(parent)
 {
@@ -190,6 +178,27 @@ QVector<LitSurface> LitScene::wanted() const
     return surfaces;
 }
 
+std::unique_ptr<LitScene::Piece> LitScene::makePiece()
+{
+    auto piece = std::make_unique<Piece>();
+    connect(&piece->pixels, &SurfacePixels::changed, this, &LitScene::changed);
+    connect(&piece->pixels, &SurfacePixels::changed, this, &LitScene::tellProgress);
+    connect(&piece->pixels, &SurfacePixels::changed, this, [this] {
+        if (m_isDisplaced && !m_isPainted) // else nobody sees it
+            m_displacing.start();
+    });
+    connect(&piece->pixels, &SurfacePixels::touched, this, [this] {
+        if (!m_touched.empty())
+            m_touching.start(0);
+    });
+    connect(&piece->pixels, &SurfacePixels::bared, this, [this] {
+        for (const auto &[patch, area] : m_inHand)
+            touch(patch, area);
+    });
+    piece->pixels.setFirst(m_isAlone);
+    return piece;
+}
+
 void LitScene::arrange(const QVector<LitSurface> &surfaces)
 {
     std::vector<std::unique_ptr<Piece>> before = std::move(m_pieces);
@@ -203,24 +212,7 @@ void LitScene::arrange(const QVector<LitSurface> &surfaces)
                                               && piece->entity == surface.entity);
         };
         const auto found = std::find_if(before.begin(), before.end(), isSame);
-        auto piece = found != before.end() ? std::move(*found) : std::make_unique<Piece>();
-        if (found == before.end()) {
-            connect(&piece->pixels, &SurfacePixels::changed, this, &LitScene::changed);
-            connect(&piece->pixels, &SurfacePixels::changed, this, &LitScene::tellProgress);
-            connect(&piece->pixels, &SurfacePixels::changed, this, [this] {
-                if (m_isDisplaced)
-                    m_displacing.start();
-            });
-            connect(&piece->pixels, &SurfacePixels::touched, this, [this] {
-                if (!m_touched.empty())
-                    m_touching.start(0);
-            });
-            connect(&piece->pixels, &SurfacePixels::bared, this, [this] {
-                for (const auto &[patch, area] : m_inHand)
-                    touch(patch, area);
-            });
-            piece->pixels.setFirst(m_isAlone);
-        }
+        auto piece = found != before.end() ? std::move(*found) : makePiece();
         piece->isFirst = m_pieces.empty();
         piece->node = surface.shown.node;
         piece->output = surface.shown.outputPoint;
@@ -286,71 +278,6 @@ void LitScene::followPiece(Piece *piece)
     }
     const std::vector<int> &patches = look.mesh->patches();
     piece->pixels.show(maps, QList<int>(patches.begin(), patches.end()), m_resolution);
-}
-
-// --- paint
-
-void LitScene::setPainted(bool painted)
-{
-    if (painted == m_isPainted)
-        return;
-    m_isPainted = painted;
-    follow();
-}
-
-void LitScene::touch(int patch, const QRectF &area)
-{
-    if (!m_isActive)
-        return;
-    m_touched[patch] |= area;
-    if (m_hand.isPainting && m_hand.isPainting()) {
-        if (m_inHand.empty())
-            makeWay();
-        m_inHand[patch] |= area;
-    }
-    if (!m_touching.isActive())
-        m_touching.start(0);
-}
-
-/// Maps that are being made become others with the stroke: they are begun again when it ends.
-void LitScene::makeWay()
-{
-    for (const auto &piece : m_pieces)
-        m_isPutOff = (!piece->pixels.isWhole() && piece->pixels.stopRefining()) || m_isPutOff;
-}
-
-void LitScene::takeTouches()
-{
-    const bool isBusy = std::any_of(m_pieces.cbegin(), m_pieces.cend(),
-                                    [](const auto &piece) { return piece->pixels.isTouching(); });
-    if (isBusy || m_pieces.empty()) // goes on when that is there
-        return;
-    const SurfacePixels::Areas areas = std::exchange(m_touched, {});
-    const auto look = [this, &areas] {
-        for (const auto &piece : m_pieces) {
-            if (!piece->entity || piece->entity != m_pieces.front()->entity)
-                continue;
-            piece->pixels.touch(OssSurfaceMaps::of({piece->node, piece->output}, piece->entity),
-                                areas);
-        }
-    };
-    if (m_hand.within)
-        m_hand.within(look);
-    else
-        look();
-}
-
-void LitScene::expectSame()
-{
-    for (const auto &piece : m_pieces)
-        piece->pixels.expectSame();
-}
-
-void LitScene::strokeEnded()
-{
-    m_inHand.clear();
-    if (std::exchange(m_isPutOff, false))
-        follow();
 }
 
 void LitScene::makeGeometry(const std::shared_ptr<const OssEvMesh> &mesh)

@@ -7,6 +7,7 @@
 #include "OssRender/Surface/OssRdDisplacement.h"
 
 #include <QObject>
+#include <QPointer>
 #include <QTimer>
 
 #include <functional>
@@ -104,9 +105,20 @@ Q_SIGNALS:
     void refused(const QString &reason);
 
 private:
-    struct Piece;
+    struct Piece
+    {
+        bool isFirst = false;
+        QPointer<const OssSnBaseNode> node;
+        QString output;
+        QPointer<const OssGeoEntity> entity;
+        std::vector<int> slots;
+        std::shared_ptr<const OssEvMesh> mesh;
+        QString problem;
+        SurfacePixels pixels;
+    };
 
     QVector<LitSurface> wanted() const;
+    std::unique_ptr<Piece> makePiece();
     /// A piece for each, what is kept with it of the same surface before.
     void arrange(const QVector<LitSurface> &surfaces);
     void followPiece(Piece *piece);

@@ -58,7 +58,7 @@ private:
     bool drawOne(class OssRdRenderer *renderer, const Request &request, int pass);
     static OssRdImage render(class OssRdRenderer *renderer, const Request &request,
                              const OssRdView &view, const OssEvCancel *cancel);
-    OssRdView coarseOf(const OssRdView &view) const;
+    OssRdView coarseOf(const OssRdView &whole) const;
     /// The first and the last pass that are to be drawn.
     std::pair<int, int> passesOf(const Request &request) const;
     std::shared_ptr<OssEvCancel> cancelOfNow();

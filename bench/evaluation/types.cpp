@@ -2,13 +2,11 @@
 #include "OssEvaluation/Graph/OssEvGraph.h"
 #include "OssEvaluation/Graph/OssEvKernelLibrary.h"
 #include "OssEvaluation/Schedule/OssEvEngine.h"
+#include "WavePicture.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdio>
-#include <ctime>
 #include <string>
-#include <vector>
 
 // Nanoseconds of processor time that a texel costs, of every kernel that the library has, at its defaults
 // on a patch of 1024 x 1024 texels without a mesh: ossa_bench_types [PART OF A NAME]. What a kernel reads
@@ -18,55 +16,6 @@
 namespace {
 
 constexpr int Edge = 1024;
-constexpr int Tiles = Edge / OssEvTile::Size;
-
-double processSeconds()
-{
-    timespec time = {};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-    return double(time.tv_sec) + double(time.tv_nsec) / 1e9;
-}
-
-/// One picture of smooth shapes, with alpha, whatever its name.
-class Picture : public OssEvImageProvider
-{
-public:
-    Picture()
-    {
-        for (int tile = 0; tile < Tiles * Tiles; ++tile) {
-            auto made = std::make_shared<OssEvTile>(4, OssEvTile::Format::Float);
-            for (int k = 0; k < 4; ++k) {
-                for (int i = 0; i < OssEvTile::Texels; ++i) {
-                    const double x = tile % Tiles * OssEvTile::Size + i % OssEvTile::Size;
-                    const double y = tile / Tiles * OssEvTile::Size + i / OssEvTile::Size;
-                    const double wave = std::sin(0.03 * x + k) * std::cos(0.021 * y - k);
-                    made->floatPlane(k)[i] = float(0.5 + 0.45 * wave);
-                }
-            }
-            m_tiles.push_back(made);
-        }
-    }
-
-    OssEvResult describe(const Image &image, OssEvImageInfo *info) override
-    {
-        info->width = Edge;
-        info->height = Edge;
-        info->channels = 4;
-        info->content = OssEvKeyBuilder().add(image.name).key();
-        return {};
-    }
-
-    OssEvResult read(const Image & /*image*/, int /*reduction*/, int tileRow,
-                     const OssEvCancel & /*cancel*/, const Deliver &deliver) override
-    {
-        for (int x = 0; x < Tiles; ++x)
-            deliver(x, tileRow, m_tiles[std::size_t(tileRow * Tiles + x)]);
-        return {};
-    }
-
-private:
-    std::vector<OssEvTilePointer> m_tiles;
-};
 
 /// The kernel with the picture at its first input and at those it cannot do without.
 std::shared_ptr<const OssEvGraph> graphOf(const OssEvKernel &kernel)
@@ -86,7 +35,7 @@ std::shared_ptr<const OssEvGraph> graphOf(const OssEvKernel &kernel)
 double nanoseconds(const OssEvKernel &kernel, const std::shared_ptr<const OssEvMesh> &mesh,
                    int edge, std::string *error)
 {
-    const auto picture = std::make_shared<Picture>();
+    const auto picture = std::make_shared<WavePicture>(Edge);
     OssEvEngine engine;
     double best = 1e9;
     for (int round = 0; round < 3; ++round) {

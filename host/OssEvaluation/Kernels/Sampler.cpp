@@ -24,6 +24,14 @@ int whole(double value)
     return int(std::floor(std::max(-Farthest, std::min(Farthest, value))));
 }
 
+/// Whether a texel and those right of and below it are in one tile that is there.
+bool areOfOneTile(const OssEvTileGrid &grid, int x, int y)
+{
+    const OssEvFrame &frame = grid.frame();
+    return x >= 0 && y >= 0 && x + 1 < frame.width && y + 1 < frame.height && x % Size != Size - 1
+           && y % Size != Size - 1 && grid.tiles().contains(x / Size, y / Size);
+}
+
 } // namespace
 
 OssEvFrame OssEvReduced(OssEvFrame frame, int times)
@@ -63,11 +71,21 @@ OssEvSampler::Texel OssEvSampler::at(double x, double y)
     const int top = whole(y - 0.5);
     const auto s = float(x - 0.5 - left);
     const auto t = float(y - 0.5 - top);
+    Texel result{};
+    if (areOfOneTile(m_grid, left, top)) {
+        const float *corner = plane(left / Size, top / Size) + std::ptrdiff_t(top % Size) * Size
+                              + left % Size;
+        for (int k = 0; k < m_grid.channels(); ++k, corner += OssEvTile::Texels) {
+            const float upper = corner[0] + (corner[1] - corner[0]) * s;
+            const float lower = corner[Size] + (corner[Size + 1] - corner[Size]) * s;
+            result[std::size_t(k)] = upper + (lower - upper) * t;
+        }
+        return result;
+    }
     const Texel a = texel(left, top);
     const Texel b = texel(left + 1, top);
     const Texel c = texel(left, top + 1);
     const Texel d = texel(left + 1, top + 1);
-    Texel result{};
     for (std::size_t k = 0; k < 4; ++k) {
         const float upper = a[k] + (b[k] - a[k]) * s;
         const float lower = c[k] + (d[k] - c[k]) * s;

@@ -1,6 +1,7 @@
-// Heights that weather: slopes that slide, and water that carries them down.
+// Heights that weather: slopes that slide, and water that carries them down and cuts gullies.
 
 #include "OssEvaluation/Graph/OssEvKernel.h"
+#include "OssEvaluation/Kernels/Chance.h"
 #include "OssEvaluation/Kernels/Families.h"
 #include "OssEvaluation/Kernels/Filter/Window.h"
 #include "OssEvaluation/Kernels/FilterKernel.h"
@@ -9,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -47,6 +49,14 @@ int reductionOf(OssEvFrame frame)
     return times;
 }
 
+/// Where a part of the small picture lies in it, in its texels.
+struct Part
+{
+    int x;
+    int y;
+    int whole; ///< width of all of it
+};
+
 /// What changes the heights of a small picture, step by step. Each step may look `reach()` texels far.
 class Weather
 {
@@ -59,7 +69,7 @@ public:
     virtual int steps() const = 0;
     virtual int reach() const = 0;
     /// Heights in texels; of the outermost ones nothing is wanted.
-    virtual void run(const OssEvPlane &heights, OssEvScratch *scratch) const = 0;
+    virtual void run(const OssEvPlane &heights, const Part &part, OssEvScratch *scratch) const = 0;
 };
 
 /// Adds the change of the small picture to the large one, which keeps its detail.
@@ -71,6 +81,7 @@ public:
         , m_weather(std::move(weather))
         , m_scale(float(std::max(setup.real("Strength"), 1e-3) * Depth * setup.frame().width
                         / (1 << taps()[1].reduction)))
+        , m_whole(OssEvReduced(setup.frame(), taps()[1].reduction).width)
     {
     }
 
@@ -78,7 +89,7 @@ public:
     {
         return tap == 0 ? block
                         : OssEvUnder(block, taps()[1].reduction)
-                              .expanded(m_weather->steps() * m_weather->reach() + 1);
+                              .expanded(m_weather->steps() * m_weather->reach() + Beyond);
     }
 
     void run(const OssEvBlock &block) const override
@@ -92,7 +103,7 @@ public:
             for (int x = 0; x < region.width; ++x)
                 heights.row(y)[x] = before.row(y)[x] * m_scale;
         }
-        m_weather->run(heights, &scratch);
+        m_weather->run(heights, {region.x, region.y, m_whole}, &scratch);
         for (int y = 0; y < region.height; ++y) {
             for (int x = 0; x < region.width; ++x)
                 heights.row(y)[x] = heights.row(y)[x] / m_scale - before.row(y)[x];
@@ -108,8 +119,12 @@ public:
     }
 
 private:
+    /// For slopes about the last texel, and for enlarging.
+    static constexpr int Beyond = 4;
+
     std::unique_ptr<Weather> m_weather;
     float m_scale;
+    int m_whole;
 };
 
 /// What is steeper than its angle of rest slides: F. K. Musgrave, C. E. Kolb, R. S. Mace, "The Synthesis
@@ -127,7 +142,7 @@ public:
 
     int reach() const override { return 1; }
 
-    void run(const OssEvPlane &heights, OssEvScratch *scratch) const override
+    void run(const OssEvPlane &heights, const Part & /*part*/, OssEvScratch *scratch) const override
     {
         const OssEvPlane next(scratch, heights.width, heights.height);
         for (int step = 0; step < m_steps; ++step) {
@@ -161,6 +176,106 @@ private:
     float m_rest;
 };
 
+/// Furrows down the slopes: waves across the way down, each about a place of its own, that meet in branches for
+/// finer ones follow the sides of those before.
+class Gullies
+{
+public:
+    explicit Gullies(double amount)
+        : m_amount(float(amount))
+    {
+    }
+
+    /// How far around a texel its slope is looked for.
+    static constexpr int Reach = 3;
+
+    /// The ways down are those of the ground, as smooth as it was before the rain.
+    void cut(const OssEvPlane &ground, const OssEvPlane &heights, const Part &part) const
+    {
+        if (m_amount <= 0.0F)
+            return;
+        for (int y = Reach; y + Reach < heights.height; ++y) {
+            const float *row = ground.row(y);
+            for (int x = Reach; x + Reach < heights.width; ++x) {
+                const Way slope{(row[x + Reach] - row[x - Reach]) / (2 * Reach),
+                                (ground.row(y + Reach)[x] - ground.row(y - Reach)[x])
+                                    / (2 * Reach)};
+                heights.row(y)[x] += m_amount
+                                     * at(float(part.x + x) + 0.5F, float(part.y + y) + 0.5F, slope,
+                                          float(part.whole));
+            }
+        }
+    }
+
+private:
+    struct Way
+    {
+        float x;
+        float y;
+    };
+
+    struct Furrow
+    {
+        float value; ///< -1 in its middle, 1 on the crest
+        Way slope;   ///< of the value, in cells
+    };
+
+    static constexpr float Cells = 11.0F; ///< of the first octave, along a patch
+    static constexpr int Octaves = 3;
+    static constexpr float Turn = 6.2831853F;
+
+    /// How far the height changes, in texels.
+    static float at(float x, float y, Way slope, float whole)
+    {
+        float change = 0.0F;
+        float cells = Cells;
+        for (int octave = 0; octave < Octaves; ++octave, cells *= 2.0F) {
+            const float steep = std::hypot(slope.x, slope.y);
+            if (steep < 1e-6F)
+                break;
+            const float length = whole / cells;
+            const Furrow furrow = furrowAt(x / length, y / length,
+                                           {-slope.y / steep, slope.x / steep}, octave);
+            // Where it is nearly flat water does not cut; walls are as steep as what they are cut into.
+            const float depth = 0.3F * length * steep * steep / (steep + 0.05F);
+            change += 0.5F * depth * furrow.value;
+            slope.x += depth / length * furrow.slope.x;
+            slope.y += depth / length * furrow.slope.y;
+        }
+        return change;
+    }
+
+    static Furrow furrowAt(float x, float y, Way across, int octave)
+    {
+        const auto column = int(std::floor(x));
+        const auto line = int(std::floor(y));
+        Furrow sum{0.0F, {0.0F, 0.0F}};
+        float weights = 1e-6F;
+        for (int j = line - 1; j <= line + 1; ++j) {
+            for (int i = column - 1; i <= column + 1; ++i) {
+                const float toX = x - (float(i) + chanceOf(i, j, octave, 0));
+                const float toY = y - (float(j) + chanceOf(i, j, octave, 1));
+                const float weight = std::max(0.0F, 1.0F - 0.7F * (toX * toX + toY * toY));
+                const float phase = Turn * (toX * across.x + toY * across.y);
+                const float share = weight * weight;
+                sum.value += share * std::cos(phase);
+                sum.slope.x -= share * Turn * std::sin(phase) * across.x;
+                sum.slope.y -= share * Turn * std::sin(phase) * across.y;
+                weights += share;
+            }
+        }
+        return {sum.value / weights, {sum.slope.x / weights, sum.slope.y / weights}};
+    }
+
+    static float chanceOf(int column, int line, int octave, int which)
+    {
+        return float(OssEvChance(std::uint32_t(column), std::uint32_t(line),
+                                 std::uint32_t(2 * octave + which)));
+    }
+
+    float m_amount;
+};
+
 /// Rain runs down, takes along what it can carry and leaves it where it slows down.
 class Rain : public Weather
 {
@@ -169,6 +284,7 @@ public:
         : m_steps(setup.integer("Steps"))
         , m_carry(float(setup.real("Carry")))
         , m_hardness(float(1.0 - setup.real("Hardness")))
+        , m_gullies(setup.real("Gullies") * std::min(1.0, m_steps / 24.0))
     {
     }
 
@@ -176,8 +292,11 @@ public:
 
     int reach() const override { return 2; }
 
-    void run(const OssEvPlane &heights, OssEvScratch *scratch) const override
+    void run(const OssEvPlane &heights, const Part &part, OssEvScratch *scratch) const override
     {
+        const OssEvPlane ground(scratch, heights.width, heights.height);
+        for (int y = 0; y < heights.height; ++y)
+            std::copy_n(heights.row(y), heights.width, ground.row(y));
         std::vector<OssEvPlane> planes;
         planes.reserve(5);
         for (int i = 0; i < 5; ++i) {
@@ -194,6 +313,8 @@ public:
             for (int x = 0; x < heights.width; ++x)
                 heights.row(y)[x] += state.soil.row(y)[x];
         }
+        calm(ground, heights, scratch);
+        m_gullies.cut(ground, heights, part);
     }
 
 private:
@@ -209,6 +330,26 @@ private:
         const OssEvPlane &loaded; ///< soil that leaves with it
         const OssEvPlane &next;
     };
+
+    // Water that swings from texel to texel leaves ripples; half and two quarters know none of these.
+    static void calm(const OssEvPlane &ground, const OssEvPlane &heights, OssEvScratch *scratch)
+    {
+        const OssEvPlane change(scratch, heights.width, heights.height);
+        for (int y = 0; y < heights.height; ++y) {
+            for (int x = 0; x < heights.width; ++x)
+                change.row(y)[x] = heights.row(y)[x] - ground.row(y)[x];
+        }
+        const auto across = [&change](int x, int y) {
+            const float *row = change.row(y) + x;
+            return 0.5F * row[0] + 0.25F * (row[-1] + row[1]);
+        };
+        for (int y = 1; y + 1 < heights.height; ++y) {
+            for (int x = 1; x + 1 < heights.width; ++x) {
+                heights.row(y)[x] = ground.row(y)[x] + 0.5F * across(x, y)
+                                    + 0.25F * (across(x, y - 1) + across(x, y + 1));
+            }
+        }
+    }
 
     static float drop(const State &state, int x, int y, const Neighbour &n)
     {
@@ -289,6 +430,7 @@ private:
     int m_steps;
     float m_carry;
     float m_hardness;
+    Gullies m_gullies;
 };
 
 template <class Kind>
@@ -303,6 +445,7 @@ OssEvKernel kernelOf(const char *name, std::vector<OssEvParameterDescription> pa
     parameters.push_back(OssEvDescribe::real("Strength", 4, 0, 20));
     OssEvKernel kernel = OssEvFilterKernel::describe(name, "Height", 1, std::move(parameters),
                                                      make);
+    kernel.version = 2;
     kernel.outputs.front().precise = true;
     kernel.costly = true;
     return kernel;
@@ -316,8 +459,8 @@ void OssEvFamilies::addErosion(std::vector<OssEvKernel> *kernels)
     kernels->push_back(kernelOf("thermalErosion",
                                 {integer("Steps", 24, 0, 64), real("Angle", 30, 0, 89)},
                                 makeErosion<Slides>));
-    kernels->push_back(
-        kernelOf("hydraulicErosion",
-                 {integer("Steps", 32, 0, 48), real("Carry", 2, 0, 8), real("Hardness", 0.3, 0, 1)},
-                 makeErosion<Rain>));
+    kernels->push_back(kernelOf("hydraulicErosion",
+                                {integer("Steps", 32, 0, 48), real("Carry", 2, 0, 8),
+                                 real("Hardness", 0.3, 0, 1), real("Gullies", 0.5, 0, 1)},
+                                makeErosion<Rain>));
 }

@@ -134,12 +134,6 @@ KernelBench &KernelBench::patch(int number)
     return *this;
 }
 
-KernelBench &KernelBench::scale(double texels)
-{
-    m_frame.scale = texels;
-    return *this;
-}
-
 KernelBench &KernelBench::working(const OssEvWorkingSpace &space)
 {
     m_working = space;

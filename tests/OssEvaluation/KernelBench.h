@@ -58,7 +58,6 @@ public:
     KernelBench &input(const std::string &name, const Picture &picture);
     KernelBench &output(const std::string &name);
     KernelBench &patch(int number);
-    KernelBench &scale(double texels);
     KernelBench &working(const OssEvWorkingSpace &space);
     KernelBench &surface(std::shared_ptr<const OssEvSurfaceMap> map);
 

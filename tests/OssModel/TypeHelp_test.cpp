@@ -57,7 +57,7 @@ TEST_F(TypeHelp, aPageTellsWhatTheDescriptionHas)
     const QString page = OssSnTypeHelp::page(type("Filter/Blur"), text("/nowhere"));
     for (const char *part :
          {"<h1>Blur</h1>", "Softens its input, across seams.", "To soften masks",
-          "<td>Radius</td><td>0 to 500</td><td>8</td><td>In pixels of the patch</td>",
+          "<td>Radius</td><td>0 to 500</td><td>8</td><td>In pixels of a patch that is 1024 wide;",
           "<td>Box, Gaussian</td><td>Gaussian</td>", "<td>Input</td><td>color</td>",
           "node-filter-bilateral.html", "soften, gauss"})
         EXPECT_TRUE(page.contains(text(part))) << part << "\n" << qPrintable(page);

@@ -52,7 +52,7 @@ def filter_layer(m):
     contrast = m.add("Adjust/Brightness Contrast", "Brightness and Contrast", Input=tone)
     m.part("Merge")
     merge = m.add("Layer/Merge", "Filtered over Base", Base=base, Over=contrast, Mask=mask)
-    m.expose("Blur", "How far what lies below is blurred, in texels", blur, "Radius", 0, 200)
+    m.expose("Blur", "How far what lies below is blurred, in texels of a patch that is 1024 wide", blur, "Radius", 0, 200)
     m.expose("Sharpen", "How much it is sharpened", sharpen, "Amount")
     m.expose("Hue", "Turns its colors, in degrees", tone, "Hue")
     m.expose("Saturation", "How colorful it becomes: 0 leaves it as it is", tone, "Saturation")

@@ -19,6 +19,14 @@ public:
     /// texels of the frame; 0 leaves everything as it is.
     OssEvSmoothing(Shape shape, double size);
 
+    /// In texels of the frame, a length that a user gives in those of a patch which is 1024 wide: so it shows the
+    /// same at every resolution.
+    static double lengthOf(double texels, const OssEvFrame &frame)
+    {
+        constexpr double Wide = 1024.0;
+        return texels * frame.width / Wide;
+    }
+
     /// How often the input must be halved beforehand.
     int reduction() const { return m_before; }
 

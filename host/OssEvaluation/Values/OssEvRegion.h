@@ -60,8 +60,7 @@ struct OssEvFrame
     int height = 0;
     /// UDIM number of the patch.
     int patch = 1001;
-    /// Texels of the full patch that one texel of this frame stands for, along an edge. Lengths
-    /// that users give in texels are divided by it.
+    /// Texels of the full patch that one texel of this frame stands for, along an edge.
     double scale = 1.0;
 
     OssEvRegion region() const { return {0, 0, width, height}; }

@@ -1,5 +1,5 @@
-// What holds for every kernel of the families Adjust, Space, Filter, Height and Logic, and those of Mesh that
-// make pictures without one: neither the size of the
+// What holds for every kernel of the families Adjust, Space, Filter, Height and Logic, those of Mesh that
+// make pictures without one, and the first ones of each kind: neither the size of the
 // patch nor its tiles nor its number show, and no attribute brings what is no number.
 
 #include "OssEvaluation/EngineFixture.h"
@@ -93,6 +93,16 @@ constexpr Row Rows[] = {{"hsl", 0.002},
                         {"colorIdMask", 0.02},
                         {"edgeWear", 0.05},
                         {"dirt", 0.05},
+                        {"blur", 0.004},
+                        {"sharpen", 0.02},
+                        {"edgeDetect", 0.02},
+                        {"heightToNormal", 0.02},
+                        {"transform", 0.006},
+                        {"warp", 0.006},
+                        {"tiled", 0.006},
+                        {"merge", 0.004},
+                        {"levels", 0.004},
+                        {"curve", 0.004},
                         // What is taken for a pixel depends on the size.
                         {"upscale", 1.0}};
 

@@ -110,7 +110,7 @@ std::shared_ptr<const OssEvOperation> makeBlur(const OssEvKernelSetup &setup)
 {
     using Shape = OssEvSmoothing::Shape;
     const Shape shape = setup.integer("Quality") == 0 ? Shape::Box : Shape::Gaussian;
-    const double size = setup.real("Radius") / setup.frame().scale;
+    const double size = OssEvSmoothing::lengthOf(setup.real("Radius"), setup.frame());
     if (!setup.isConnected(1))
         return std::make_shared<Blur>(OssEvSmoothing(shape, size));
     std::vector<OssEvSmoothing> smoothings;
@@ -127,6 +127,7 @@ void OssEvFamilies::addBlur(std::vector<OssEvKernel> *kernels)
     using namespace OssEvDescribe;
     OssEvKernel kernel;
     kernel.name = "blur";
+    kernel.version = 2;
     kernel.inputs = {{"Input", 0, true}, {"Radius", 1}};
     kernel.outputs = {{"Output", 0}};
     kernel.parameters = {real("Radius", 8, 0, 500), choice("Quality", {"Box", "Gaussian"}, 1)};

@@ -183,25 +183,28 @@ void OssEvFamilies::addDetail(std::vector<OssEvKernel> *kernels)
     using namespace OssEvDescribe;
     OssEvKernel sharpen;
     sharpen.name = "sharpen";
+    sharpen.version = 2;
     sharpen.inputs = {{"Input", 0, true}};
     sharpen.outputs = {{"Output", 0}};
     sharpen.parameters = {real("Amount", 0.5, 0, 5), real("Radius", 2, 0, 50)};
     sharpen.keepsPrecision = true;
     sharpen.make = [](const OssEvKernelSetup &setup) {
-        const OssEvSmoothing smoothing(OssEvSmoothing::Shape::Gaussian,
-                                       setup.real("Radius") / setup.frame().scale);
+        const OssEvSmoothing smoothing(
+            OssEvSmoothing::Shape::Gaussian,
+            OssEvSmoothing::lengthOf(setup.real("Radius"), setup.frame()));
         return std::make_shared<Sharpen>(smoothing, setup.real("Amount"));
     };
     kernels->push_back(sharpen);
 
     OssEvKernel edges;
     edges.name = "edgeDetect";
+    edges.version = 2;
     edges.inputs = {{"Input", 1, true}};
     edges.outputs = {{"Output", 1}};
     edges.parameters = {real("Width", 1, 0.1, 20), real("Gain", 1, 0, 20)};
     edges.make = [](const OssEvKernelSetup &setup) {
-        return std::make_shared<EdgeDetect>(setup.real("Width") / setup.frame().scale,
-                                            setup.real("Gain"));
+        return std::make_shared<EdgeDetect>(
+            OssEvSmoothing::lengthOf(setup.real("Width"), setup.frame()), setup.real("Gain"));
     };
     kernels->push_back(edges);
 

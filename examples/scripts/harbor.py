@@ -1,179 +1,164 @@
-"""Builds the example project "Harbor" from nothing: eight weathered materials, some 400 nodes.
+"""Builds the example project "Harbor" from nothing: a mesh of eight material slots, made of the ready materials
+and weathered together, some 500 nodes.
 
     ossa run examples/scripts/harbor.py -- examples/Harbor.ossa
 """
 
-import random
+import os
 import sys
 
+sys.dont_write_bytecode = True
+sys.path.append(os.path.dirname(os.path.abspath(__file__)))
+
 import ossa
+import harbor_mesh
 
-COLUMN = 240.0
+COLUMN, ROW = 240.0, 160.0
 
-# Each material: its name, its base, what lies on it, and the colour of its backdrop.
-MATERIALS = [
-    ("Quay Stone", "Procedural/Pattern/Brick",
-     ("Algae", "Salt", "Oil", "Cracks", "Rain Streaks"), "0.34,0.37,0.42,1"),
-    ("Ship Hull", "Procedural/Pattern/Grid",
-     ("Rust", "Antifouling", "Barnacles", "Scratches", "Salt"), "0.45,0.3,0.24,1"),
-    ("Deck Planks", "Procedural/Pattern/Gradient",
-     ("Grain", "Tar", "Boot Wear", "Rain Streaks", "Dirt"), "0.44,0.37,0.24,1"),
-    ("Crane Steel", "Procedural/Color",
-     ("Paint", "Rust", "Grease", "Scratches", "Dirt"), "0.44,0.41,0.2,1"),
-    ("Container", "Procedural/Pattern/Grid",
-     ("Paint", "Logo", "Dents", "Rust", "Rain Streaks"), "0.22,0.4,0.47,1"),
-    ("Rope", "Procedural/Pattern/Checker",
-     ("Fibers", "Tar", "Salt", "Dirt", "Fraying"), "0.4,0.36,0.3,1"),
-    ("Bollard", "Procedural/Color",
-     ("Paint", "Rust", "Rope Wear", "Salt", "Algae"), "0.42,0.24,0.28,1"),
-    ("Warehouse Brick", "Procedural/Pattern/Brick",
-     ("Mortar", "Soot", "Moss", "Chips", "Posters"), "0.46,0.28,0.22,1"),
+# Each slot of the mesh: the material, its knobs, how much algae and rain there is, the colour of its backdrop.
+SLOTS = [
+    ("Quay", "Stone/Concrete", {"Scale": 1.6, "Concrete Color": (0.31, 0.3, 0.275), "Cracks": 0.55, "Stains": 0.6},
+     1.0, 0.5, "0.34,0.37,0.42,1"),
+    ("Jetty", "Wood/Pine Planks", {"Boards": 22, "Scale": 2.0, "Weathering": 0.62, "Knots": 0.35}, 1.0, 0.35, "0.44,0.37,0.24,1"),
+    ("Warehouse", "Stone/Brick Wall", {"Bricks Across": 22, "Courses": 68, "Joint": 0.12, "Scale": 2.2, "Efflorescence": 0.22},
+     0.4, 0.75, "0.46,0.28,0.22,1"),
+    ("Roof", "Metal/Rusty Steel", {"Scale": 1.4, "Rust": 0.6, "Steel Color": (0.36, 0.37, 0.37)}, 0.0, 0.6, "0.4,0.36,0.3,1"),
+    ("Crane", "Metal/Painted Metal", {"Scale": 2.0, "Paint Color": (0.62, 0.29, 0.015), "Edge Wear": 0.6, "Chips": 0.3,
+                                      "Grime": 0.5}, 0.0, 0.6, "0.44,0.41,0.2,1"),
+    ("Bollards", "", {}, 0.5, 0.2, "0.42,0.24,0.28,1"),
+    ("Canvas", "Fabric/Canvas", {"Threads": 190, "Stains": 0.55, "Warp Color": (0.2, 0.23, 0.17), "Weft Color": (0.24, 0.26, 0.18)},
+     0.3, 0.4, "0.3,0.38,0.3,1"),
+    ("Water", "", {}, 0.0, 0.0, "0.22,0.4,0.47,1"),
 ]
 
-chance = random.Random(20261121)  # the same harbour every time
+
+class Graph:
+    """Nodes by column and row from a corner, wired as they are made."""
+
+    def __init__(self, graph, corner):
+        self.graph, self.corner = graph, ossa.Point(*corner)
+
+    def add(self, node_type, name, column, row, **values):
+        node = self.graph.createNode(node_type, name, self.corner + (column * COLUMN, row * ROW))
+        for key, value in values.items():
+            source, output = value if isinstance(value, tuple) and hasattr(value[0], "inputs") else (value, "")
+            port = key if key in node.inputs else key.replace("_", " ")
+            if hasattr(source, "inputs"):
+                node.connectInput(*([port, source] + ([output] if output else [])))
+            else:
+                node.setAttribute(key, value)
+        return node
+
+    def backdrop(self, title, columns, rows, color):
+        node = self.add("Misc/Backdrop", title + " Backdrop", 0, 0, TitleText=title, BackgroundColor=color)
+        node.size = (columns * COLUMN, rows * ROW)
+        node.position = self.corner - (40, 70)
+
+    def send(self, channel, column, row, source):
+        self.add("Teleport Broadcast/Broadcast", channel + " Everywhere", column, row, channel=channel, Input=source)
+
+    def receive(self, slot, channel, column, row):
+        return self.add("Teleport Receiver/Receiver", "%s %s" % (slot, channel), column, row, channel=channel)
 
 
-def whole(end):
-    """A number from 0 to below the end."""
-    return int(chance.random() * end)
+def add_weather(graph):
+    """Masks and colours that all slots share: change them here, and the whole harbor follows."""
+    make = Graph(graph, (-1750, 700))
+    make.backdrop("Weather", 6.5, 5.6, "0.22,0.34,0.5,1")
+    add = make.add
+    tide = add("Geometry/Height Gradient", "Above the Water", 0, 0, Range="Own", From=-0.04, To=0.2)
+    patchy = add("Procedural/Noise/Clouds", "Patchy", 0, 1, Scale=5, Octaves=8, Seed=4)
+    low = add("Adjust/Invert", "Near the Water", 1, 0, Input=tide)
+    reach = add("Math/Math", "Reach of the Tide", 2, 0.4, Operation="Add", A=low, B=patchy)
+    algae = add("Adjust/Levels", "Tide Line", 3, 0.4, Input=reach, InLow=0.9, InHigh=1.0)
+    runs = add("Procedural/Noise/Leaks", "Runs", 0, 2.2, Scale=9, Length=12, Width=0.45, Density=0.75, Seed=8)
+    up = add("Geometry/Direction Mask", "Facing Up", 0, 3.2, Width=70)
+    walls = add("Adjust/Invert", "Walls", 1, 3.2, Input=up)
+    rain = add("Math/Math", "Rain", 2, 2.5, A=runs, B=walls)
+    hollow = add("Geometry/Ambient Occlusion", "Open Sky", 0, 4.4, Rays=16, Distance=0.3)
+    deep = add("Adjust/Levels", "Hollows", 1, 4.4, Input=hollow, InLow=0.0, InHigh=0.85, OutLow=0.75, OutHigh=0.0)
+    dirt = add("Layer/Merge", "Rain and Dirt", 3.2, 2.8, BlendMode="Lighten", Base=rain, Over=deep)
+    make.send("Algae", 4.6, 0.4, algae)
+    make.send("Rain", 4.6, 2.6, dirt)
+    make.send("Open Sky", 4.6, 4.4, hollow)
+    slime = add("Adjust/Gradient Map", "Weed and Slime", 3.1, 1.4, Input=patchy,
+                Gradient="0.25,0.014,0.016,0.009,1 0.5,0.03,0.042,0.014,1 0.75,0.085,0.085,0.04,1")
+    soot = add("Procedural/Color", "Soot", 3.2, 3.7, Color=(0.07, 0.062, 0.05, 1))
+    make.send("Algae Color", 4.6, 1.4, slime)
+    make.send("Rain Color", 4.6, 3.6, soot)
 
 
-def add_backdrop(graph, title, position, size, color):
-    node = graph.createNode("Misc/Backdrop", title + " Backdrop", position)
-    node.setAttribute("TitleText", title)
-    node.setAttribute("BackgroundColor", color)
-    node.size = size
-    node.position = position
+def add_water(make):
+    """No material of the palette: swell and ripples, and what is seen in the deep."""
+    add = make.add
+    place = add("Geometry/Position", "Where the Water Is", 0, 0.6)
+    swell = add("Procedural/Noise/Perlin Noise", "Swell", 1, 0, Scale=5, Octaves=3, Position=place, Seed=3)
+    ripples = add("Procedural/Noise/Perlin Noise", "Ripples", 1, 1.2, Scale=16, Octaves=3, Roughness=0.45, Position=place, Seed=6)
+    waves = add("Layer/Merge", "Waves", 2.2, 0.4, Base=swell, Over=ripples, Amount=0.2)
+    color = add("Adjust/Gradient Map", "Deep and Shallow", 3.6, 0,
+                Gradient="0,0.006,0.022,0.026,1 0.5,0.012,0.045,0.045,1 1,0.05,0.12,0.10,1", Input=waves)
+    normal = add("Math/Height to Normal", "Wavy", 3.6, 1.2, Height=waves, Strength=0.5)
+    return {"Base_Color": color, "Normal": normal, "Displacement": waves, "Roughness": 0.06}
 
 
-def add_layer(graph, name, below, occlusion, index):
-    """A mask of noise and occlusion, a colour, and the merge that puts it over the rest."""
-    x = COLUMN * (1.2 + index * 2.4)
-    kind = "Cellular" if index % 2 else "Fractal Noise"
-    noise = graph.createNode("Procedural/Noise/" + kind, name + " Noise", (x, 240))
-    levels = graph.createNode("Adjust/Levels", name + " Levels", (x, 370))
-    mask = graph.createNode("Math/Math", name + " Mask", (x + COLUMN, 330))
-    color = graph.createNode("Procedural/Color", name + " Color", (x + COLUMN, 210))
-    merge = graph.createNode("Layer/Merge", name, (x + COLUMN * 1.7, 40))
-    levels.connectInput("Input", noise)
-    mask.connectInput("A", levels)
-    mask.connectInput("B", occlusion)
-    merge.connectInput("Base", below)
-    merge.connectInput("Over", color)
-    merge.connectInput("Mask", mask)
-    noise.setAttribute("Seed", whole(1000))
-    levels.setAttribute("InLow", whole(40) / 100)
-    color.setAttribute("Color", (whole(90) / 100, whole(70) / 100, whole(60) / 100))
-    return merge
+def add_slot(graph, index, slot, steel):
+    """A slot in the root graph: its material, taken apart, weathered and put together again."""
+    name, material, knobs, algae, rain, color = slot
+    make = Graph(graph, (index % 2 * COLUMN * 10.4, index // 2 * ROW * 5.6))
+    make.backdrop(name, 9.6, 4.7, color)
+    if name == "Water":
+        channels = add_water(make)
+    else:
+        group = steel or make.add("Materials/" + material, "%s of %s" % (name, material.split("/")[1]), 0, 0.6, **knobs)
+        parts = make.add("Channel/Split Material", name + " Channels", 1.5, 0.4, Material=group)
+        base, rough = (parts, "Base Color"), (parts, "Roughness")
+        channels = {key.replace(" ", "_"): (parts, key) for key in ("Metallic", "Normal", "Displacement")}
+        sky = make.receive(name, "Open Sky", 3.4, 3.1)
+        shade = make.add("Math/Math", name + " Occlusion", 6.6, 2.8, A=(parts, "Ambient Occlusion"), B=sky)
+        channels["Ambient_Occlusion"] = shade
+        for step, (channel, amount) in enumerate((("Rain", rain), ("Algae", algae))):
+            if amount:
+                column = 4 + step * 1.9
+                mask = make.receive(name, channel, column - 1.1, 1.3)
+                tone = make.receive(name, channel + " Color", column - 1.1, 0)
+                base = make.add("Layer/Merge", name + " in " + channel, column, 0.2, Amount=amount, Base=base, Over=tone, Mask=mask)
+                if channel == "Algae":
+                    rough = make.add("Layer/Merge", name + " Wet", column, 1.5, BlendMode="Multiply", Amount=0.75 * amount,
+                                     Base=rough, Over=make.add("Procedural/Scalar", name + " Wetness", column - 1, 2.4, Value=0.35),
+                                     Mask=mask)
+        channels.update(Base_Color=base, Roughness=rough)
+        steel = group
+    surface = make.add("Shaders/Standard Surface", name, 8, 0.6, **channels)
+    if name == "Water":
+        surface.setAttribute("Height", 0.02)
+    return surface, steel
 
 
-def fill_group(group, name, base_type, layers, backdrop):
-    """The inside of a material's group: base, layers, and what the shader takes from them."""
-    graph = group.inside()
-    wetness = group.createInput("Wetness", "scalar")
-    color = group.createOutput("Color", "color")
-    rough = group.createOutput("Roughness", "scalar")
-    height = group.createOutput("Height", "scalar")
-    wetness.position = (-COLUMN, 560)
-    add_backdrop(graph, name + " layers", (COLUMN - 30, -50), (COLUMN * 12.4, 560), backdrop)
-    last = graph.createNode(base_type, "Base", (0, 40))
-    occlusion = graph.createNode("Geometry/Ambient Occlusion", "Occlusion", (0, 420))
-    for index, layer in enumerate(layers):
-        last = add_layer(graph, layer, last, occlusion, index)
-    right = COLUMN * 13.6
-    grade = graph.createNode("Adjust/Brightness Contrast", "Grade", (right, 40))
-    wet = graph.createNode("Math/Math", "Wet", (right, 380))
-    soften = graph.createNode("Filter/Blur", "Soften", (right, 560))
-    grade.connectInput("Input", last)
-    wet.connectInput("A", graph.node(layers[0] + " Mask"))
-    wet.connectInput("B", wetness)
-    soften.connectInput("Input", wet)
-    color.connectInput("Input", grade)
-    rough.connectInput("Input", wet)
-    height.connectInput("Input", soften)
-    color.position = (right + COLUMN, 60)
-    rough.position = (right + COLUMN, 390)
-    height.position = (right + COLUMN, 570)
-
-
-def add_material(graph, material, corner, rain):
-    """A material in the root graph: weather in front of its group, grading behind it."""
-    name, base_type, layers, backdrop = material
-
-    def add(node_type, suffix, column, y):
-        return graph.createNode(node_type, name + suffix, corner + (column * COLUMN, y))
-
-    add_backdrop(graph, name, corner - (40, 60), (COLUMN * 9.6, 640), backdrop)
-    paint = add("Misc/Image", " Reference", 0, 20)
-    place = add("Filter/Transform", " Placement", 0.9, 20)
-    noise = add("Procedural/Noise/Fractal Noise", " Breakup", 0, 200)
-    ramp = add("Adjust/Remap Ramp", " Ramp", 0.9, 200)
-    wetness = add("Math/Math", " Wetness", 1.8, 330)
-    group = add("Misc/Group", " Layers", 2.8, 200)
-    fill_group(group, name, base_type, layers, backdrop)
-    place.connectInput("Input", paint)
-    ramp.connectInput("Input", noise)
-    wetness.connectInput("A", ramp)
-    wetness.connectInput("B", rain)
-    group.connectInput("Wetness", wetness)
-    noise.setAttribute("Seed", whole(1000))
-
-    merge = add("Layer/Merge", " Reference Mix", 3.9, 20)
-    hue = add("Adjust/Hue Shift", " Hue", 4.9, 20)
-    sharpen = add("Filter/Sharpen", " Sharpen", 5.8, 20)
-    rough = add("Adjust/Levels", " Roughness", 4.9, 200)
-    clamp = add("Adjust/Clamp", " Roughness Clamp", 5.8, 200)
-    soft = add("Filter/Blur", " Height Blur", 4.9, 380)
-    normal = add("Math/Height to Normal", " Normal", 5.8, 380)
-    shader = add("Shaders/Standard Surface", "", 7.2, 120)
-    merge.connectInput("Base", group, "Color")
-    merge.connectInput("Over", place)
-    merge.connectInput("Mask", ramp)
-    hue.connectInput("Input", merge)
-    sharpen.connectInput("Input", hue)
-    rough.connectInput("Input", group, "Roughness")
-    clamp.connectInput("Input", rough)
-    soft.connectInput("Input", group, "Height")
-    normal.connectInput("Height", soft)
-    shader.connectInput("Base Color", sharpen)
-    shader.connectInput("Roughness", clamp)
-    shader.connectInput("Normal", normal)
-    shader.connectInput("Displacement", soft)
-    return shader
-
-
-def build():
-    project = ossa.newProject("Harbor", "cube")
-    project.fileRules = []  # its pictures are colors, whatever they are called
-    project.objects()[0].name = "Harbor"
-    graph = ossa.graph()
-    add_backdrop(graph, "Weather", (-1240, 620), (1000, 460), "0.22,0.34,0.5,1")
-    position = graph.createNode("Geometry/Position", "World Position", (-1200, 700))
-    clouds = graph.createNode("Procedural/Noise/Fractal Noise", "Clouds", (-960, 690))
-    normal = graph.createNode("Geometry/Normal", "World Normal", (-1200, 860))
-    up = graph.createNode("Channel/Split", "Facing Up", (-960, 850))
-    rain = graph.createNode("Math/Math", "Rain", (-700, 780))
-    dot = graph.createNode("Misc/Dot", "Rain Dot", (-430, 830))
-    clouds.connectInput("Position", position)
-    up.connectInput("Input", normal)
-    rain.connectInput("A", clouds)
-    rain.connectInput("B", up, "Green")
-    dot.connectInput("Input", rain)
-
+def build(path):
+    project = ossa.newProject("Harbor", "plane")
+    project.fileRules = []  # there are no files whose names could tell
+    first = project.objects()[0]
+    project.saveAs(path)
+    mesh = os.path.join(path, "harbor.obj")
+    harbor_mesh.write(mesh)
+    entity = project.importMesh(mesh, "one")[0]
+    project.removeObject(first)
+    entity.name = "Harbor"
+    graph = entity.graphs()[0]
+    add_weather(graph)
     viewer = graph.viewer()
-    with ossa.progress("Building the harbor", len(MATERIALS)) as progress:
-        for index, material in enumerate(MATERIALS):
-            corner = ossa.Point(index % 2 * COLUMN * 11, index // 2 * 760.0)
-            shader = add_material(graph, material, corner, dot)
+    steel = {}
+    with ossa.progress("Building the harbor", len(SLOTS)) as progress:
+        for index, slot in enumerate(SLOTS):
+            shader, steel[slot[0]] = add_slot(graph, index, slot, steel.get("Roof") if slot[0] == "Bollards" else None)
             viewer.connectInput(str(index + 1), shader)
             progress.step()
-    viewer.position = (COLUMN * 22, 780)
-    note = graph.createNode("Misc/Sticky Note", "Note", (-1200, 1140))
-    note.setAttribute("Label", "Wetness drives every material. Change Rain, not the groups.")
-    return project
+    viewer.position = (COLUMN * 22, 1500)
+    note = graph.createNode("Misc/Sticky Note", "Note", (-1750, 1640))
+    note.setAttribute("Label", "The weather reaches every slot of the mesh. Change it here, not in the materials: "
+                               "look into those by Ctrl + double click.")
+    project.save()
+    print(len(graph.allNodes()), "nodes", project.stateHash())
 
 
-project = build()
-print(len(ossa.graph().allNodes()), "nodes", project.stateHash())
-if len(sys.argv) > 1:
-    project.saveAs(sys.argv[1])
+build(os.path.abspath(sys.argv[1]))

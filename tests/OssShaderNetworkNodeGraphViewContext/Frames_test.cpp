@@ -145,14 +145,14 @@ TEST_F(Frames, noneDoesSoInAGraphOfManyBackdropsEither)
 
     const Pair pairs[] = {
         // The first is sent out of its backdrop, and the one of the second grows towards it.
-        {Networks::AlignCenter, "Facing Up", "Container"},
-        {Networks::AlignCenter, "Rain", "Deck Planks"},
-        {Networks::AlignCenter, "Crane Steel Wetness", "Deck Planks Wetness"},
-        {Networks::AlignCenter, "Container Hue", "Rope"},
+        {Networks::AlignCenter, "Facing Up", "Bollards"},
+        {Networks::AlignCenter, "Rain", "Jetty"},
+        {Networks::AlignCenter, "Crane Channels", "Jetty Channels"},
+        {Networks::AlignCenter, "Bollards in Algae", "Canvas"},
         // A note stands below the backdrop that grows.
-        {Networks::PlaceUnderneath, "World Normal", "Container"},
-        {Networks::PlaceUnderneath, "Facing Up", "Deck Planks"},
-        {Networks::PlaceFarBelow, "World Normal", "Warehouse Brick Reference Mix"},
+        {Networks::PlaceUnderneath, "Open Sky", "Bollards"},
+        {Networks::PlaceUnderneath, "Facing Up", "Jetty"},
+        {Networks::PlaceFarBelow, "Open Sky", "Canvas in Rain"},
     };
     open("Harbor.ossa");
     for (const Pair &pair : pairs) {

@@ -73,8 +73,8 @@ def first_material(folder):
     wire(rough, Input=noise)
     wire(normal, Height=noise)
     wire(surface, Base_Color=color, Roughness=rough, Normal=normal)
-    note("Step 1", -0.1, -330, "1  Everything begins here: a noise. Select it, press 1 to see it, "
-         "Return for its values, F1 for its page. Drag Scale and Octaves.")
+    note("Step 1", -0.1, -330, "1  Everything begins here: a noise. Select it: Return shows its values, "
+         "F1 its page. Press 1 and choose Output to see it, then drag Scale and Octaves.")
     note("Step 2", 0.95, -330, "2  A gradient turns grey into color. Click a stop, choose another color.")
     note("Step 3", 0.95, 400, "3  The same noise is also the gloss and the relief: one result feeds many nodes. "
          "Turn Strength of Relief up to 6.")
@@ -140,8 +140,8 @@ def masks_and_layers(folder):
     wire(coat, Base=paint, Over=steel, Mask=wear)
     wire(rough, Input=wear)
     wire(surface, Base_Color=coat, Roughness=rough, Metallic=wear)
-    note("Step 1", -0.1, -200, "1  Where is it worn? At its edges ...")
-    note("Step 2", -0.1, 460, "2  ... and not evenly: a grunge breaks it up. Look at both with 1.")
+    note("Step 1", -0.1, -200, "1  Where is it worn? At its edges: select Edges, press 1, choose Edges.")
+    note("Step 2", -0.1, 460, "2  ... and not evenly: a grunge breaks it up. Look at that with 1 as well, its Output.")
     note("Step 3", 1.9, 300, "3  One knob says how much: drag Position of Wear from 0 to 1. This is the mask.")
     note("Step 4", 2.9, -420, "4  Steel shows where the mask is white. Base lies below, Over above, Mask between.")
     note("Step 5", 4.2, 300, "5  The same mask is the metal, and turned round a little it is the roughness: "
@@ -250,7 +250,7 @@ def groups(folder):
          "sees. Drag Amount.")
     note("Step 2", -1.6, 0, "2  Ctrl+Return opens it. Inside are three nodes. Their values are the knobs.")
     note("Step 3", 0.9, -330, "3  Inside, select Fringe and choose Node Graph > Group > Expose Node Properties: "
-         "the group has another knob. F2 renames it.")
+         "the group has two more knobs. Click on the name Radius, and F2 renames it.")
     note("Step 4", 2.3, -330, "4  Node Graph > Group > Publish as Node Type makes it a kind of node of your own: find it "
          "with Tab, in every project.")
     note("Try", 2.3, 340, "Try: select Metal and Roughness, press Ctrl+G. Ctrl+Shift+G takes the group apart "

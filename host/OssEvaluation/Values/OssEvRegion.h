@@ -60,7 +60,8 @@ struct OssEvFrame
     int height = 0;
     /// UDIM number of the patch.
     int patch = 1001;
-    /// Texels of the full patch that one texel of this frame stands for, along an edge.
+    /// Texels of the full patch that one texel of this frame stands for, along an edge. It is 2
+    /// or more in inputs that are halved before it.
     double scale = 1.0;
 
     OssEvRegion region() const { return {0, 0, width, height}; }

@@ -44,8 +44,9 @@ Picture filtered(const Picture &from, const std::vector<double> &weights)
             for (int i = -radius; i <= radius; ++i) {
                 const int fromX = std::clamp(x + i * dx, 0, source.width - 1);
                 const int fromY = std::clamp(y + i * dy, 0, source.height - 1);
-                value += weights[std::size_t(std::abs(i))]
-                         * values[std::size_t(fromY * source.width + fromX)];
+                value +=
+                    weights[std::size_t(std::abs(i))]
+                    * values[std::size_t(fromY) * std::size_t(source.width) + std::size_t(fromX)];
             }
             return value / sum;
         });

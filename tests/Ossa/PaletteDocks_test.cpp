@@ -2,8 +2,11 @@
 
 #include <qtadvanceddocking/DockWidget.h>
 #include <qtadvanceddocking/DockWidgetTab.h>
+#include <qtadvanceddocking/ElidingLabel.h>
 
 #include <QSplitter>
+
+#include <array>
 
 namespace {
 
@@ -292,6 +295,41 @@ TEST_F(Docks, aPaletteThatOpensTooSmallGetsRoomAndOthersKeepTheirs)
         settle();
         EXPECT_EQ(log->height() > before + 10, grows) << percent;
         EXPECT_GE(log->height(), room * 15 / 100 - 40);
+    }
+}
+
+TEST_F(Docks, whereTabsHaveNoRoomTheOneInFrontKeepsItsName)
+{
+    const std::array<const char *, 6> names = {"Node Properties", "History",    "First Drawer",
+                                               "Next Drawer",     "Far Drawer", "Last Drawer"};
+    for (std::size_t i = 2; i < names.size(); ++i)
+        make(names[i], names[i]);
+    QPixmap icon(16, 16);
+    icon.fill(Qt::red);
+    for (const char *name : names)
+        dock(name)->setIcon(QIcon(icon));
+    QSplitter *wide = splitter(Qt::Horizontal, graph);
+    ASSERT_NE(wide, nullptr);
+    constexpr int All = 2400;
+    constexpr int Roomy = 1800;
+    window->resize(All, 800);
+    for (const int width : {Roomy, 360, 200, Roomy}) {
+        wide->setSizes({All - width, width});
+        for (const char *front : names) {
+            toggle(front)->trigger();
+            if (!toggle(front)->isChecked())
+                toggle(front)->trigger();
+            settle();
+            for (const char *name : names) {
+                const auto *label = dock(name)->tabWidget()->findChild<ads::CElidingLabel *>();
+                const bool isWhole = label->width()
+                                     >= label->fontMetrics().horizontalAdvance(label->text());
+                EXPECT_EQ(isWhole, width == Roomy || name == front) << name << width;
+                EXPECT_EQ(dock(name)->tabWidget()->toolTip(), text(name));
+            }
+            const QRect seen = dock(front)->tabWidget()->visibleRegion().boundingRect();
+            EXPECT_GT(seen.width(), 40) << front << width;
+        }
     }
 }
 

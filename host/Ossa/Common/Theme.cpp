@@ -171,7 +171,7 @@ ads--CDockAreaTitleBar {
     background: transparent; border-bottom: 1px solid @line; padding: 2px 4px 0 6px;
 }
 ads--CDockWidget { background: @panel; border: 0; }
-ads--CDockWidgetTab { background: transparent; border: 0; padding: 4px 6px; min-height: 20px; }
+ads--CDockWidgetTab { background: transparent; border: 0; padding: 4px 2px; min-height: 20px; }
 ads--CDockWidgetTab QLabel { color: @muted; font-weight: 600; }
 ads--CDockWidgetTab[activeTab="true"] QLabel { color: @text; }
 ads--CDockWidgetTab[focused="true"] QLabel { color: @accent; }

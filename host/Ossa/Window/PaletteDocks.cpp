@@ -1,6 +1,7 @@
 #include "Ossa/Window/PaletteDocks.h"
 
 #include "Ossa/Window/HostPalettes.h"
+#include "Ossa/Window/PaletteTabs.h"
 #include "OssCore/Program/OssIcon.h"
 #include "OssCore/Program/OssSettings.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
@@ -8,12 +9,9 @@
 #include "OssInterface/Palettes/OssPalette.h"
 #include "OssInterface/Palettes/OssPaletteManager.h"
 
-#include <qtadvanceddocking/DockAreaTabBar.h>
-#include <qtadvanceddocking/DockAreaTitleBar.h>
 #include <qtadvanceddocking/DockAreaWidget.h>
 #include <qtadvanceddocking/DockManager.h>
 #include <qtadvanceddocking/DockWidget.h>
-#include <qtadvanceddocking/DockWidgetTab.h>
 #include <qtadvanceddocking/IconProvider.h>
 
 #include <QAction>
@@ -117,6 +115,8 @@ PaletteDocks::PaletteDocks(QMainWindow *window)
     , m_window(window)
     , m_manager(createManager(window))
 {
+    connect(m_manager, &ads::CDockManager::dockAreaCreated, this,
+            [](ads::CDockAreaWidget *area) { new PaletteTabs(area); }); // the area's
     const QVector<OssPalette *> palettes = OssPaletteManager::instance()->palettes();
     for (OssPalette *palette : palettes)
         dock(palette);
@@ -287,7 +287,11 @@ void PaletteDocks::dock(OssPalette *palette)
     dock->setFocusProxy(palette);
     m_docks.insert(palette, dock);
     connect(palette, &OssPalette::showRequested, this, [this, palette] { showPalette(palette); });
-    connect(palette, &QWidget::windowTitleChanged, dock, &ads::CDockWidget::setWindowTitle);
+    dock->setTabToolTip(palette->windowTitle());
+    connect(palette, &QWidget::windowTitleChanged, dock, [dock](const QString &title) {
+        dock->setWindowTitle(title);
+        dock->setTabToolTip(title);
+    });
     connect(palette, &QObject::destroyed, this, &PaletteDocks::removeDock);
 
     // Queued: the areas get their sizes after the signal.
@@ -296,16 +300,6 @@ void PaletteDocks::dock(OssPalette *palette)
         [this, dock](bool open) {
             if (open && !dock->isClosed() && m_window->isVisible())
                 makeRoom(dock);
-        },
-        Qt::QueuedConnection);
-
-    // Queued: as it comes forward the tab has no place yet, and stays out of sight among many.
-    connect(
-        dock, &ads::CDockWidget::visibilityChanged, this,
-        [dock](bool visible) {
-            if (visible && dock->dockAreaWidget())
-                dock->dockAreaWidget()->titleBar()->tabBar()->ensureWidgetVisible(dock->tabWidget(),
-                                                                                  0, 0);
         },
         Qt::QueuedConnection);
 

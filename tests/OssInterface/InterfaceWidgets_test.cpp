@@ -181,8 +181,13 @@ TEST(PlainTexts, tipsOfWidgetsRowsTabsAndMenusShowNamesAsTheyAre)
         EXPECT_EQ(tipOf(&tabs, tabs.tabRect(0).center()), expected[i]);
         EXPECT_EQ(tipOf(&menu, menu.actionGeometry(action).center()), expected[i]);
     }
-    widget.setToolTip(text("plain"));
-    EXPECT_EQ(tipOf(&widget, {5, 5}), text("plain"));
+    const QString longLine = text("word ").repeated(20);
+    for (const QString &plainTip : {text("plain"), text("two\nlines")}) {
+        widget.setToolTip(plainTip);
+        EXPECT_EQ(tipOf(&widget, {5, 5}), plainTip);
+    }
+    widget.setToolTip(longLine);
+    EXPECT_EQ(tipOf(&widget, {5, 5}), text("<html>%1</html>").arg(longLine)) << "is not broken";
     QToolTip::hideText();
 }
 

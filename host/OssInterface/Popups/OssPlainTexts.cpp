@@ -10,6 +10,8 @@
 #include <QTextDocument>
 #include <QToolTip>
 
+#include <algorithm>
+
 namespace {
 
 /// What Qt would show there; empty when nothing.
@@ -28,6 +30,15 @@ QString tipAt(QWidget *widget, const QPoint &position)
             return tabs->tabToolTip(tab);
     }
     return widget->toolTip();
+}
+
+/// Lines that go across half of a screen; only what is markup gets broken by Qt.
+bool hasLongLine(const QString &tip)
+{
+    constexpr int Longest = 80; // characters
+    const QVector<QStringRef> lines = tip.splitRef(QLatin1Char('\n'));
+    return std::any_of(lines.cbegin(), lines.cend(),
+                       [](const QStringRef &line) { return line.size() > Longest; });
 }
 
 } // namespace
@@ -58,7 +69,7 @@ bool OssPlainTexts::eventFilter(QObject *watched, QEvent *event)
 bool OssPlainTexts::showPlainTip(QWidget *widget, const QHelpEvent &help)
 {
     const QString tip = tipAt(widget, help.pos());
-    if (isMarkup(tip) || !Qt::mightBeRichText(tip))
+    if (isMarkup(tip) || (!Qt::mightBeRichText(tip) && !hasLongLine(tip)))
         return false; // shown as it is by whoever has it
     QString text = tip.toHtmlEscaped();
     text.replace(QLatin1Char('\n'), QLatin1String("<br>"));

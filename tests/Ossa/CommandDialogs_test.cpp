@@ -6,6 +6,7 @@
 #include "OssCore/Values/OssFuzzyMatch.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/Actions/OssShortcutManager.h"
+#include "OssInterface/Widgets/OssNothingFound.h"
 #include "support/InterfaceUser.h"
 #include "support/Text.h"
 
@@ -133,6 +134,15 @@ TEST_F(CommandFinding, bestComesFirst)
     EXPECT_EQ(model.rowCount(), 3);
     model.setSearchText(text("qqqzz"));
     EXPECT_EQ(model.rowCount(), 0);
+}
+
+TEST_F(CommandFinding, whereNothingIsFoundTheListSaysSo)
+{
+    const auto *nothing = palette.findChild<OssNothingFound *>();
+    for (const auto &[searched, isEmpty] : {std::pair("zzyxx", true), std::pair("zzyx", false)}) {
+        search->setText(text(searched));
+        EXPECT_EQ(nothing->isVisibleTo(&palette), isEmpty) << searched;
+    }
 }
 
 TEST_F(CommandFinding, commandsThatDieWhileShownAreHarmless)

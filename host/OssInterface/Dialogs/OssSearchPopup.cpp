@@ -1,5 +1,6 @@
 #include "OssInterface/Dialogs/OssSearchPopup.h"
 
+#include "OssInterface/Widgets/OssNothingFound.h"
 #include "OssInterface/Widgets/OssSearchKeys.h"
 
 #include <QKeyEvent>
@@ -36,6 +37,7 @@ OssSearchPopup::OssSearchPopup(const QString &title, QWidget *parent)
 void OssSearchPopup::setModel(QAbstractItemModel *model)
 {
     m_list->setModel(model);
+    new OssNothingFound(tr("Nothing fits"), m_list); // the list's
     m_list->setCurrentIndex(model->index(0, 0));
 }
 

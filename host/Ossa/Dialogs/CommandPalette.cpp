@@ -3,6 +3,7 @@
 #include "Ossa/Common/Theme.h"
 #include "Ossa/Dialogs/CommandDelegate.h"
 #include "Ossa/Dialogs/CommandListModel.h"
+#include "OssInterface/Widgets/OssNothingFound.h"
 #include "OssInterface/Widgets/OssSearchKeys.h"
 
 #include <QAction>
@@ -32,6 +33,7 @@ CommandPalette::CommandPalette(QWidget *parent)
     connect(m_search, &QLineEdit::returnPressed, this, &CommandPalette::accept);
 
     m_list->setModel(m_model);
+    new OssNothingFound(tr("No command is called that"), m_list); // the list's
     m_list->setItemDelegate(new CommandDelegate(m_list));
     m_list->setUniformItemSizes(true);
     m_list->setFocusPolicy(Qt::NoFocus);

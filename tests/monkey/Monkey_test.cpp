@@ -56,6 +56,7 @@ const char *const Refusals[] = {
     "Cannot make the folder",
     // A file of another kind, where a mesh or a picture is asked for.
     "script.py\": it is no ",
+    "script.py' failed. yaml-cpp",
     // How many a search looks through.
     "nodes in the network",
 };

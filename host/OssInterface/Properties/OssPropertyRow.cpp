@@ -39,20 +39,18 @@ public:
         : QLabel(text, parent)
     {
         setTextFormat(Qt::PlainText);
-        setContentsMargins(MarkColumn, 0, 0, 0);
+        setAlignment(Qt::AlignRight | Qt::AlignVCenter);
         setFocusPolicy(Qt::ClickFocus);
     }
 
-    // A style sheet takes the margins away.
+    // A margin would be taken away by style sheets, and a label's own hint grows with its minimum.
     QSize sizeHint() const override
     {
-        return QLabel::sizeHint() + QSize(MarkColumn - contentsMargins().left(), 0);
+        const int text = fontMetrics().size(Qt::TextShowMnemonic, this->text()).width();
+        return {MarkColumn + text, QLabel::sizeHint().height()};
     }
 
-    QSize minimumSizeHint() const override
-    {
-        return QLabel::minimumSizeHint() + QSize(MarkColumn - contentsMargins().left(), 0);
-    }
+    QSize minimumSizeHint() const override { return sizeHint(); }
 
     void setMarks(bool changed, bool linked, bool broken)
     {

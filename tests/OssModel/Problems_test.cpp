@@ -55,6 +55,16 @@ TEST_F(Problems, FileThatIsMissingIsToldUntilItIsThere)
     EXPECT_TRUE(problems()->problems().isEmpty());
 }
 
+TEST_F(Problems, WhatFailsForAMissingFileIsToldOnce)
+{
+    const QString path = m_folder.filePath(QStringLiteral("wood.png"));
+    const OssSnBaseNode *node = image(path);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return reason(node).contains(path); }));
+    EXPECT_FALSE(bake(node));
+    EXPECT_EQ(reason(node).count(path), 1) << qPrintable(reason(node));
+    EXPECT_EQ(problems()->problems().size(), 1);
+}
+
 TEST_F(Problems, NodeThatCannotBeComputedIsBlamedUntilItIsAnother)
 {
     OssSnBaseNode *blur = add("Filter/Blur");

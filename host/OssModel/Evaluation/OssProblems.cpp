@@ -128,7 +128,8 @@ QVector<OssProblems::Problem> OssProblems::problems() const
         const auto entry = m_entries.constFind(node);
         if (entry == m_entries.cend() || entry->node != node)
             continue;
-        for (auto at = entry->reasons.cbegin(); at != entry->reasons.cend(); ++at)
+        const QMap<Kind, QString> reasons = worthTelling(*entry);
+        for (auto at = reasons.cbegin(); at != reasons.cend(); ++at)
             list.append({node, node->path(), at.key(), at.value()});
     }
     return list;
@@ -139,7 +140,22 @@ QString OssProblems::reason(const OssSnBaseNode *node) const
     const auto entry = m_entries.constFind(node);
     if (entry == m_entries.cend() || entry->node != node)
         return {};
-    return QStringList(entry->reasons.values()).join(QLatin1Char('\n'));
+    return QStringList(worthTelling(*entry).values()).join(QLatin1Char('\n'));
+}
+
+/// Without what fails because a file is missing, which is said already.
+QMap<OssProblems::Kind, QString> OssProblems::worthTelling(const Entry &entry) const
+{
+    QMap<Kind, QString> reasons = entry.reasons;
+    if (!reasons.contains(File))
+        return reasons;
+    for (const QString &file : m_missing) {
+        for (const Kind kind : {Evaluation, Bake}) {
+            if (reasons.value(kind).contains(QLatin1Char('"') + file + QLatin1Char('"')))
+                reasons.remove(kind);
+        }
+    }
+    return reasons;
 }
 
 bool OssProblems::set(OssSnBaseNode *node, Kind kind, const QString &reason)

@@ -85,6 +85,7 @@ private:
     void lookAtNodes(QSet<QString> *files);
     bool set(OssSnBaseNode *node, Kind kind, const QString &reason);
     void forgetOldFailures();
+    QMap<Kind, QString> worthTelling(const Entry &entry) const;
     void tell(const QSet<OssSnBaseNode *> &nodes);
     void tellList();
     QVector<OssSnBaseNode *> allNodes() const;

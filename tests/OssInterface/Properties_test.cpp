@@ -2,7 +2,6 @@
 #include "OssInterface/Properties/OssCurveEditor.h"
 #include "OssInterface/Properties/OssRampEditor.h"
 #include "OssInterface/Widgets/OssExpandableListHeading.h"
-#include "OssInterface/Widgets/OssFormLayout.h"
 #include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
 #include "PropertiesFixture.h"
 #include "support/DialogAnswers.h"
@@ -105,29 +104,6 @@ TEST_F(Properties, visibleAttributesStandInSectionsInTheirOrder)
     options.hiddenSections = texts({"Texts"});
     open(options);
     EXPECT_EQ(row("Line"), nullptr);
-}
-
-TEST_F(Properties, fieldsStayInLineWhenThePanelIsStyledAnew)
-{
-    qApp->setStyleSheet(text("QLabel { color: red; }"));
-    open({});
-    OssFormLayout::alignLabels(m_panel.get());
-    QCoreApplication::processEvents();
-    const auto left = [this](const char *name) {
-        return row(name)->editor()->mapTo(m_panel.get(), QPoint()).x();
-    };
-    const int before = left("Tint");
-    auto *section = m_panel->findChild<OssExpandableListWidget *>();
-    for (const char *color : {"red", "blue"}) {
-        section->collapse();
-        m_panel->setStyleSheet(text("QFrame#panel { border-color: %1; }").arg(text(color)));
-        QCoreApplication::processEvents();
-        EXPECT_EQ(left("Line"), before);
-        section->expand();
-        QCoreApplication::processEvents();
-        EXPECT_EQ(left("Tint"), before);
-    }
-    qApp->setStyleSheet(QString());
 }
 
 TEST_F(Properties, selectedNodesOfTheTypeAreEditedTogether)

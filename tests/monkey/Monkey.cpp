@@ -118,6 +118,7 @@ Monkey::Monkey(quint32 seed, const QString &example)
 
 Monkey::~Monkey()
 {
+    OssProjectManager::instance()->closeProject(); // its files go with the folder
     QDir::setCurrent(QDir::rootPath());
     for (const int signal : {SIGSEGV, SIGABRT, SIGFPE, SIGBUS})
         std::signal(signal, SIG_DFL);

@@ -1,5 +1,6 @@
 #include "Ossa/Window/MainWindow.h"
 
+#include "Ossa/Commands/GroupCommands.h"
 #include "Ossa/Commands/RecentProjects.h"
 #include "Ossa/Common/ApplicationPreferences.h"
 #include "Ossa/Window/StatusArea.h"
@@ -21,6 +22,7 @@
 #include <QPointer>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTimer>
 
 #include <algorithm>
@@ -134,6 +136,17 @@ TEST_F(Window, whatIsTypedOrInTheHandIsSavedAndAskedAbout)
     EXPECT_FALSE(asked.isEmpty());
     EXPECT_NE(projects()->currentProject(), nullptr);
     OssUndoManager::instance()->setClean();
+}
+
+TEST_F(Window, commandsEndWhatIsInTheHandAlsoWhenTheyFindNothingToDo)
+{
+    const GroupCommands groups(nullptr);
+    const QSignalSpy ends(OssUndoManager::instance(), &OssUndoManager::aboutToEdit);
+    int expected = 0;
+    for (const char *path : {"NodeGraph/Group Selected Nodes", "View/Reset Layout"}) {
+        command(path)->trigger();
+        EXPECT_EQ(ends.size(), ++expected) << path;
+    }
 }
 
 TEST_F(Window, aProjectThatCannotBeOpenedIsToldOnceAndLeavesTheOpenOne)

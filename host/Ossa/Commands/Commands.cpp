@@ -1,5 +1,6 @@
 #include "Ossa/Commands/Commands.h"
 
+#include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/Actions/OssMenu.h"
 #include "OssInterface/Actions/OssShortcutManager.h"
@@ -22,11 +23,20 @@ QString keysInBrackets(const QStringList &paths)
                            : QStringLiteral(" (%1)").arg(texts.join(QStringLiteral(", ")));
 }
 
+void endGestureFirst(QAction *action, QObject *owner)
+{
+    QObject::connect(action, &QAction::triggered, owner,
+                     [] { OssUndoManager::instance()->endInteraction(); });
+}
+
 } // namespace
 
-QAction *Commands::file(QObject *owner, const QString &path, const std::function<void()> &run)
+QAction *Commands::file(QObject *owner, const QString &path, const std::function<void()> &run,
+                        InHand inHand)
 {
     QAction *action = OssCommandTable::makeAction(path, owner);
+    if (inHand == InHand::Ends)
+        endGestureFirst(action, owner);
     QObject::connect(action, &QAction::triggered, owner, run);
     OssActionTreeManager::instance()->registerAction(OssActionTreeManager::folderOf(path), action);
     return action;
@@ -39,6 +49,7 @@ QAction *Commands::fileNamed(QObject *owner, const QString &folder, const QStrin
     OssActionTreeManager::setName(action, name);
     action->setStatusTip(tip);
     action->setMenuRole(QAction::NoRole); // as the table's have it
+    endGestureFirst(action, owner);
     QObject::connect(action, &QAction::triggered, owner, run);
     OssActionTreeManager::instance()->registerAction(folder, action);
     return action;

@@ -37,7 +37,8 @@ EditCommands::EditCommands(QWidget *window)
     , m_window(window)
 {
     auto *history = OssUndoManager::instance();
-    m_undo = Commands::file(this, undoPath, [history] { history->takeBack(); });
+    m_undo = Commands::file(
+        this, undoPath, [history] { history->takeBack(); }, Commands::InHand::Stays);
     m_redo = Commands::file(this, redoPath, [history] { history->redo(); });
     Commands::file(this, QStringLiteral("/Ossa/Edit/Preferences..."),
                    [this] { showPreferences(); });

@@ -36,7 +36,7 @@ void tellOfCrash(int signal)
 {
     std::fprintf(stderr, "\nOSSA_SEED=%d, event %d: signal %d after \"%s\"\n", int(crashSeed),
                  int(crashEvent), signal, crashAction);
-    std::array<void *, 60> calls;
+    std::array<void *, 60> calls = {};
     backtrace_symbols_fd(calls.data(), backtrace(calls.data(), int(calls.size())), 2);
     std::signal(signal, SIG_DFL);
     std::raise(signal);

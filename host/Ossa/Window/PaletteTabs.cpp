@@ -19,14 +19,17 @@ QLabel *nameOf(const ads::CDockWidgetTab *tab)
 
 int widthOfName(const ads::CDockWidgetTab *tab)
 {
-    constexpr int Spare = 2; // an eliding label rounds down
-    return nameOf(tab)->fontMetrics().horizontalAdvance(tab->text()) + Spare;
+    constexpr int spare = 2; // an eliding label rounds down
+    const QLabel *name = nameOf(tab);
+    return name ? name->fontMetrics().horizontalAdvance(tab->text()) + spare : 0;
 }
 
 /// What the layout gives a tab apart from its name.
 int widthWithoutName(const ads::CDockWidgetTab *tab)
 {
     const QLabel *name = nameOf(tab);
+    if (!name)
+        return tab->sizeHint().width();
     const int given = name->sizeHint()
                           .expandedTo(name->minimumSizeHint())
                           .boundedTo(name->maximumSize())
@@ -107,6 +110,8 @@ int PaletteTabs::room() const
 void PaletteTabs::showName(const ads::CDockWidgetTab *tab, bool shown, bool whole)
 {
     QLabel *name = nameOf(tab);
+    if (!name)
+        return;
     name->setMinimumWidth(shown && whole ? widthOfName(tab) : 0);
     name->setMaximumWidth(shown ? QWIDGETSIZE_MAX : 0);
 }

@@ -350,9 +350,47 @@ TEST_F(PaintToolsOnObject, fillsCoverWhatTheyAreToldAlsoWhereNobodyLooks)
     EXPECT_EQ(patchesFilledBy(Within::Face, place), 1U);
     EXPECT_EQ(patchesFilledBy(Within::Material, place), 6U);
     EXPECT_EQ(patchesFilledBy(Within::Everywhere, place), 6U);
-    // A stop leaves what was done so far, for who asked to take it back.
+    m_buffer.clear();
     OssEvSurfaceStroke stroke(&m_buffer, m_brush, m_surface, m_view);
     EXPECT_FALSE(stroke.fill(std::nullopt, [](double part) { return part < 0.5; }));
+    EXPECT_TRUE(m_buffer.isEmpty()) << "what is stopped leaves nothing";
+}
+
+TEST_F(PaintToolsOnObject, followersOfAFillCoverTheSameInTheirOwnColors)
+{
+    m_brush.tool = Tool::Gradient;
+    m_brush.gradientTo = OssEvBrush::GradientTo::Color;
+    m_brush.color = {1, 0, 0};
+    m_brush.secondColor = {0, 0, 1};
+    OssEvBrush other = m_brush;
+    other.color = {0, 0, 0};
+    other.secondColor = {0, 1, 0};
+    const OssEvStroke::Line line{glm::vec2(pixelOf({0.0F, 0.5F, 0.0F})),
+                                 glm::vec2(pixelOf({0.5F, -0.5F, 0.5F}))};
+    const auto always = [](double) {
+        return true;
+    };
+    OssEvPaintBuffer along(Resolution);
+    OssEvSurfaceStroke leader(&m_buffer, m_brush, m_surface, m_view);
+    OssEvSurfaceStroke follower(&along, other, m_surface, m_view);
+    ASSERT_TRUE(leader.isFollowedBy(follower));
+    ASSERT_TRUE(leader.fill(line, always, {&follower}));
+    OssEvPaintBuffer alone(Resolution);
+    OssEvSurfaceStroke byItself(&alone, other, m_surface, m_view);
+    ASSERT_TRUE(byItself.fill(line, always));
+    ASSERT_EQ(along.tiles().size(), alone.tiles().size());
+    ASSERT_EQ(along.tiles().size(), m_buffer.tiles().size());
+    for (const auto &[place, tile] : alone.tiles()) {
+        ASSERT_NE(along.tile(place), nullptr);
+        EXPECT_TRUE(std::equal(tile->values(),
+                               tile->values() + OssEvPaintTile::Bytes / sizeof(std::uint16_t),
+                               along.tile(place)->values()));
+    }
+    const Color side = seenAt({0.5F, 0.0F, 0.45F});
+    EXPECT_NEAR(side[0] + side[2], 1.0F, 0.01F);
+    EXPECT_GT(side[0], 0.1F);
+    EXPECT_GT(side[2], 0.1F);
+    expectColor(seenAt({-0.4F, 0.5F, -0.4F}), {1, 0, 0, 1}, 0.02F);
 }
 
 TEST_F(PaintToolsOnObject, gradientsRunAcrossThePictureOverWhatIsSeen)

@@ -238,6 +238,76 @@ TEST_F(SurfaceStrokes, aBrushBesideTheObjectPaintsWhatItReaches)
     EXPECT_TRUE(m_buffer.isEmpty());
 }
 
+TEST_F(SurfaceStrokes, aDabOnTheBorderOfThePictureIsWholeAndOneBeyondItIsNone)
+{
+    look(OssEvShapes::plane(), {0.0F, 0.0F, 1.0F});
+    m_brush.worldRadius = 0.2;
+    const float border = std::tan(0.3F) * float(Width) / Height;
+    const glm::vec3 centre(border - 0.05F, 0.0F, 0.0F);
+    stroke({centre});
+    expectPainted([&](const glm::vec3 &place) {
+        return within(glm::length(place - centre), 0.2F, 1.0F / Resolution);
+    });
+    m_buffer.clear();
+    m_brush.worldRadius = 0.05;
+    stroke({{border + 0.06F, 0.0F, 0.0F}});
+    EXPECT_TRUE(m_buffer.isEmpty());
+}
+
+TEST_F(SurfaceStrokes, whatLiesBeforeTheOtherSideOfAMirrorKeepsPaintFromIt)
+{
+    // A large square, and one before its left half.
+    auto mesh = std::make_shared<OssEvMesh>();
+    const auto addSquare = [&mesh](float middle, float half, float z, float patch) {
+        const auto first = std::uint32_t(mesh->positions.size());
+        for (const auto &[x, y] :
+             {std::pair(-1.0F, -1.0F), {1.0F, -1.0F}, {1.0F, 1.0F}, {-1.0F, 1.0F}}) {
+            mesh->positions.push_back({middle + half * x, half * y, z});
+            mesh->uvs.push_back({patch + 0.5F + 0.499F * x, 0.5F + 0.499F * y});
+        }
+        mesh->triangles.push_back({first, first + 1, first + 2});
+        mesh->triangles.push_back({first, first + 2, first + 3});
+        mesh->faces.insert(mesh->faces.end(), 2, std::int32_t(patch));
+    };
+    addSquare(0.0F, 0.5F, 0.0F, 0.0F);
+    addSquare(-0.3F, 0.15F, 0.2F, 1.0F);
+    ASSERT_TRUE(mesh->finish("two squares").ok());
+    look(mesh, {0.0F, 0.0F, 3.0F});
+    m_brush.worldRadius = 0.05;
+    m_brush.mirrors = {true, false, false};
+    stroke({{0.3F, 0.0F, 0.0F}});
+    EXPECT_EQ(m_buffer.patches(), std::vector<int>{1001});
+    EXPECT_GT(at(1001, int(0.8F * Resolution), Resolution / 2), 0.9F);
+    EXPECT_EQ(at(1001, int(0.2F * Resolution), Resolution / 2), 0.0F) << "it is hidden there";
+}
+
+TEST_F(SurfaceStrokes, copiesOfTheBufferStayAsTheyAreWhileAStrokeGoesOn)
+{
+    look(OssEvShapes::plane(), {0.0F, 0.0F, 4.0F});
+    m_brush.worldRadius = 0.1;
+    OssEvSurfaceStroke stroke(&m_buffer, m_brush, m_surface, m_view);
+    const auto to = [&](float x) {
+        const glm::vec2 pixel = pixelOf({x, 0.0F, 0.0F});
+        stroke.moveTo(double(pixel.x), double(pixel.y));
+    };
+    to(-0.2F);
+    to(-0.1F);
+    stroke.share();
+    const OssEvPaintBuffer copy = m_buffer;
+    to(0.2F);
+    to(0.3F);
+    stroke.finish();
+    const auto alpha = [](const OssEvPaintBuffer &buffer, float x) {
+        return texelOf(buffer, 1001, int((x + 0.5F) * Resolution), Resolution / 2)[3];
+    };
+    EXPECT_EQ(alpha(copy, -0.2F), 1.0F);
+    EXPECT_EQ(alpha(copy, 0.2F), 0.0F);
+    EXPECT_EQ(alpha(m_buffer, -0.2F), 1.0F);
+    EXPECT_EQ(alpha(m_buffer, 0.2F), 1.0F);
+    for (const OssEvStroke::Change &change : stroke.changes())
+        EXPECT_EQ(change.after, m_buffer.tile(change.place)) << "the history has what is there";
+}
+
 TEST_F(SurfaceStrokes, mirrorsPaintTheOtherSidesToo)
 {
     look(OssEvShapes::sphere(), {2.0F, 1.5F, 3.0F});

@@ -6,6 +6,7 @@
 #include "OssModel/Evaluation/OssSnEvaluationGraph.h"
 #include "OssModel/Export/OssExportManager.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
+#include "OssModel/Images/OssLivePaint.h"
 #include "OssModel/Nodes/OssSnResultKey.h"
 #include "PaintFixture.h"
 
@@ -86,6 +87,39 @@ TEST_F(LivePaint, strokesAndErasersAreSeenBehindOtherNodesAsTheyEnd)
     ASSERT_TRUE(m_session->bake());
     EXPECT_EQ(shown(0.5, 0.5), nothing);
     EXPECT_EQ(shown(0.3, 0.5), turquoise);
+}
+
+TEST_F(LivePaint, theStrokeInHandIsSeenBehindOtherNodesAndGoesWhenItIsTakenBack)
+{
+    const std::array<float, 4> nothing{1.0F, 1.0F, 1.0F, 0.0F};
+    const std::array<float, 4> turquoise{0.0F, 1.0F, 1.0F, 1.0F};
+    stroke({0.5, 0.2}, {0.5, 0.8});
+    const auto ended = images()->livePaint();
+    setBrush(Qt::black, true);
+    ASSERT_TRUE(m_session->begin(QPointF(0.2, 0.5)));
+    m_session->moveTo({0.5, 0.5});
+    m_session->moveTo({0.7, 0.5});
+    EXPECT_EQ(images()->livePaint(), ended);
+    m_session->publishInHand();
+    EXPECT_EQ(shown(0.5, 0.5), nothing);
+    EXPECT_EQ(shown(0.5, 0.3), turquoise);
+    const auto inHand = images()->livePaint();
+    m_session->cancel();
+    EXPECT_EQ(shown(0.5, 0.5), turquoise);
+    EXPECT_EQ(inHand->paint().tiles().size(), ended->paint().tiles().size());
+    EXPECT_NE(inHand->revision(1001), ended->revision(1001));
+}
+
+TEST_F(LivePaint, patchesThatKeepTheirPaintAreNotComputedAgain)
+{
+    dab({0.5, 0.5});
+    dab({1.5, 0.5});
+    const auto before = images()->livePaint();
+    ASSERT_TRUE(before->has(1002));
+    dab({0.2, 0.2});
+    const auto after = images()->livePaint();
+    EXPECT_NE(after->revision(1001), before->revision(1001));
+    EXPECT_EQ(after->revision(1002), before->revision(1002));
 }
 
 TEST_F(LivePaint, smallerImagesAreEnlargedBeneathAndLargePaintMadeSmaller)

@@ -54,6 +54,36 @@ TEST_F(PaintLayer, severalNodesAreOneStepOfTheHistoryEachInItsOwnColor)
     EXPECT_FALSE(m_session->hasPaint());
 }
 
+TEST_F(PaintLayer, picturesOfAnyOfThemShowItsOwnPaintWhileAStrokeGoesOn)
+{
+    OssSnImageSetNodeBase *rough = paintNode();
+    ASSERT_TRUE(m_session->setAlong({rough}));
+    m_session->setColorAlong(rough, OssColor(0.25, 0.25, 0.25));
+    m_session->show(rough);
+    m_pictures.setPaint(&m_session->shownBuffer());
+    ViewerLook look;
+    look.raw = true;
+    m_pictures.setLook(look);
+    m_pictures.begin({1001}, Resolution, {});
+    ASSERT_TRUE(m_session->begin(QPointF(0.3, 0.5)));
+    m_session->moveTo({0.5, 0.5});
+    m_session->moveTo({0.7, 0.5});
+    const auto middle = [&] {
+        return m_pictures.picture(1001).pixelColor(Resolution / 2, Resolution / 2);
+    };
+    EXPECT_EQ(middle(), QColor(64, 64, 64)) << "not the red of the first";
+    m_session->publishInHand();
+    ASSERT_NE(rough->imageSet()->livePaint(), nullptr) << "all have it";
+    EXPECT_EQ(m_session->published(), rough->imageSet()->livePaint());
+    m_session->cancel();
+    EXPECT_EQ(middle().alpha(), 0);
+    EXPECT_EQ(rough->imageSet()->livePaint(), nullptr);
+    dab();
+    EXPECT_EQ(middle(), QColor(64, 64, 64));
+    history()->undo();
+    EXPECT_EQ(middle().alpha(), 0);
+}
+
 TEST_F(PaintLayer, whatReadsAllOfThemBakesThemInOneStep)
 {
     OssSnImageSetNodeBase *rough = paintNode();

@@ -19,7 +19,12 @@ struct OSSEVALUATION_EXPORT OssEvBrush
         Smear,    ///< takes colours along
         Blur,     ///< makes colours as those around them
         Fill,     ///< one press, and no dabs
-        Gradient, ///< a line from where it covers fully to where it covers nothing, and no dabs
+        Gradient, ///< a line from where it is as the brush to where it ends, and no dabs
+    };
+
+    enum class GradientTo {
+        Nothing, ///< it covers less and less
+        Color,   ///< the second one
     };
 
     /// Where it may paint.
@@ -46,7 +51,9 @@ struct OSSEVALUATION_EXPORT OssEvBrush
 
     Tool tool = Tool::Brush;
     std::array<float, 3> color{1.0F, 1.0F, 1.0F}; ///< scene-linear
-    OssEvPaintPicture::Pointer picture;           ///< paints instead of the colour; may be null
+    GradientTo gradientTo = GradientTo::Nothing;
+    std::array<float, 3> secondColor{0.0F, 0.0F, 0.0F}; ///< scene-linear
+    OssEvPaintPicture::Pointer picture; ///< paints instead of the colour; may be null
     PictureOn pictureOn = PictureOn::Patches;
     double pictureRepeats = 1.0; ///< across a patch
     int blend = 0; ///< one of OssEvMergeRows::modes(), of what is painted over what is there
@@ -85,6 +92,12 @@ struct OSSEVALUATION_EXPORT OssEvBrush
     bool goesThrough = false;      ///< also on what is hidden or turned away
 
     bool erases() const { return tool == Tool::Eraser; }
+
+    /// Whether its colour becomes the second one on the way.
+    bool hasSecondColor() const
+    {
+        return tool == Tool::Gradient && gradientTo == GradientTo::Color;
+    }
 
     /// Whether dabs change the colours that are there, one after the other, and lay none over them.
     bool changesColors() const { return tool == Tool::Smear || tool == Tool::Blur; }

@@ -19,6 +19,12 @@ OssEvPaintGround::OssEvPaintGround(Images images)
 
 OssEvPaintGround::~OssEvPaintGround() = default;
 
+OssEvResult OssEvPaintGround::state() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_state;
+}
+
 OssEvPatchImage *OssEvPaintGround::open(int patch)
 {
     const auto file = m_images.files.find(patch);
@@ -37,6 +43,7 @@ OssEvPatchImage *OssEvPaintGround::open(int patch)
 
 OssEvTilePointer OssEvPaintGround::tile(const OssEvPaintBuffer::Place &place)
 {
+    const std::lock_guard lock(m_mutex);
     const auto found = m_tiles.find(place);
     if (found != m_tiles.end())
         return found->second;

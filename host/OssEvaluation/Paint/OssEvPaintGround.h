@@ -8,11 +8,12 @@
 
 #include <array>
 #include <map>
+#include <mutex>
 #include <optional>
 #include <string>
 
 /// The images that paint lies over, by the paint's tiles: for strokes that depend on the colours that
-/// are there. Read when they are asked for, and kept for a while. One thread at a time.
+/// are there. Read when they are asked for, and kept for a while. Any thread.
 class OSSEVALUATION_EXPORT OssEvPaintGround
 {
 public:
@@ -43,7 +44,7 @@ public:
 
     /// Why an image could not be read; what lies there counts as transparent, and nothing is to be made
     /// of it.
-    const OssEvResult &state() const { return m_state; }
+    OssEvResult state() const;
 
 private:
     /// Tiles beyond that are forgotten.
@@ -52,6 +53,7 @@ private:
     OssEvPatchImage *open(int patch);
 
     Images m_images;
+    mutable std::mutex m_mutex; ///< guards what follows
     OssEvResult m_state;
     std::map<int, std::unique_ptr<OssEvPatchImage>> m_open;
     std::map<OssEvPaintBuffer::Place, OssEvTilePointer> m_tiles;

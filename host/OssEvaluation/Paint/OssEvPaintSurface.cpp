@@ -326,17 +326,21 @@ void OssEvPaintSurface::fillBins(int patch)
 std::shared_ptr<const OssEvPaintSurface::Tile> OssEvPaintSurface::tile(
     const OssEvPaintBuffer::Place &place)
 {
-    const auto found = m_tiles.find(place);
-    if (found != m_tiles.end()) {
-        found->second.used = ++m_clock;
-        return found->second.tile;
+    {
+        const std::lock_guard lock(m_mutex);
+        const auto found = m_tiles.find(place);
+        if (found != m_tiles.end()) {
+            found->second.used = ++m_clock;
+            return found->second.tile;
+        }
     }
+    std::shared_ptr<const Tile> made = makeTile(place);
+    const std::lock_guard lock(m_mutex);
     if (m_tiles.size() >= MostTiles)
         m_tiles.erase(
             std::min_element(m_tiles.begin(), m_tiles.end(), [](const auto &a, const auto &b) {
                 return a.second.used < b.second.used;
             }));
-    std::shared_ptr<const Tile> made = makeTile(place);
     m_tiles[place] = {made, ++m_clock};
     return made;
 }

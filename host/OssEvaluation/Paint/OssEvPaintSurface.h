@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <vector>
 
@@ -37,8 +38,7 @@ struct OssEvPaintRegion
 /// nearest covered texel does: paint goes on beyond the seams, and none shows when a picture is made
 /// smaller.
 ///
-/// Tiles are asked for by one thread at a time; the rest may be asked by others meanwhile. Making it takes
-/// long for large meshes and may be done on any thread.
+/// Any thread may ask. Making it takes long for large meshes and may be done on any thread.
 class OSSEVALUATION_EXPORT OssEvPaintSurface
 {
 public:
@@ -148,6 +148,7 @@ private:
     std::vector<glm::vec3> m_positions;                         ///< in the world
     std::map<int, Bins> m_bins;                                 ///< by patch
     std::shared_ptr<const std::vector<std::int32_t>> m_islands; ///< by triangle
+    std::mutex m_mutex;                                         ///< guards what follows
     std::map<OssEvPaintBuffer::Place, Kept> m_tiles;
     std::uint64_t m_clock = 0;
 };

@@ -143,11 +143,12 @@ float OssEvPaintView::at(int x, int y) const
 bool OssEvPaintView::isSeen(const OssEvPaintSurface &surface, const glm::vec3 &place) const
 {
     const std::optional<glm::vec3> pixel = project(place);
-    if (!pixel || pixel->x < 0.0F || pixel->y < 0.0F || pixel->x >= float(m_width)
-        || pixel->y >= float(m_height))
+    if (!pixel)
         return false;
     if (m_nearness.empty())
         return true;
+    if (!isOnPicture(double(pixel->x), double(pixel->y)))
+        return isMetFirst(surface, place);
     const int x = int(pixel->x);
     const int y = int(pixel->y);
     float farthest = at(x, y);
@@ -163,9 +164,45 @@ bool OssEvPaintView::isSeen(const OssEvPaintSurface &surface, const glm::vec3 &p
         return false;
     if (1.0F >= nearest * pixel->z * (1.0F - Slack))
         return true;
+    return isMetFirst(surface, place);
+}
+
+bool OssEvPaintView::isMetFirst(const OssEvPaintSurface &surface, const glm::vec3 &place) const
+{
     const auto hit = surface.pick(m_eye, place - m_eye);
     const float distance = hit ? glm::length(hit->place - m_eye) : 0.0F;
     return !hit || distance >= glm::length(place - m_eye) * (1.0F - Slack);
+}
+
+bool OssEvPaintView::isOnPicture(double x, double y) const
+{
+    return x >= 0.0 && y >= 0.0 && x < m_width && y < m_height;
+}
+
+bool OssEvPaintView::isWithin(const glm::vec3 &place) const
+{
+    const std::optional<glm::vec3> pixel = project(place);
+    return pixel && isOnPicture(double(pixel->x), double(pixel->y));
+}
+
+bool OssEvPaintView::reaches(double x, double y, double radius) const
+{
+    const double dx = x - std::clamp(x, 0.0, double(m_width));
+    const double dy = y - std::clamp(y, 0.0, double(m_height));
+    return dx * dx + dy * dy <= radius * radius;
+}
+
+std::shared_ptr<const OssEvPaintView> OssEvPaintView::mirrored(const OssEvPaintSurface &surface,
+                                                               const glm::mat4 &mirror) const
+{
+    for (const auto &[known, view] : m_mirrored) {
+        if (known == mirror)
+            return view;
+    }
+    auto made = std::make_shared<OssEvPaintView>(m_nearness.empty() ? nullptr : &surface,
+                                                 m_toClip * mirror, m_width, m_height);
+    m_mirrored.emplace_back(mirror, made);
+    return made;
 }
 
 std::vector<std::uint8_t> &OssEvPaintView::noteOf(
@@ -180,8 +217,12 @@ std::vector<std::uint8_t> &OssEvPaintView::noteOf(
 std::optional<glm::vec2> OssEvPaintView::uvAt(const OssEvPaintSurface &surface, double x,
                                               double y) const
 {
-    if (!(x >= 0.0 && y >= 0.0 && x < m_width && y < m_height) || m_triangles.empty())
+    if (m_triangles.empty() || !std::isfinite(x) || !std::isfinite(y))
         return std::nullopt;
+    if (!isOnPicture(x, y)) {
+        const auto hit = surface.pick(m_eye, ray(x, y));
+        return hit ? std::optional(hit->uv) : std::nullopt;
+    }
     const auto triangle = m_triangles[std::size_t(y) * std::size_t(m_width) + std::size_t(x)];
     return triangle < 0 ? std::nullopt : surface.uvAt(triangle, m_eye, ray(x, y));
 }

@@ -11,6 +11,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 class OssEvPaintSurface;
@@ -18,7 +19,7 @@ class OssEvPaintSurface;
 /// Where an object is looked at from while it is painted on, and how deep what is seen lies: so that
 /// paint reaches nothing that is hidden. Places in pixels from the lower left corner.
 ///
-/// Immutable, but for what strokes note. Measuring depths takes some 50 ns for each triangle.
+/// Immutable, but for what strokes note and have mirrored. Measuring depths takes some 50 ns for each triangle.
 class OSSEVALUATION_EXPORT OssEvPaintView
 {
 public:
@@ -41,7 +42,18 @@ public:
     /// Length in the world that a pixel takes at a depth.
     float pixel(float depth) const { return m_pixel * depth; }
 
-    /// Whether nothing lies before a place of the surface that was drawn.
+    /// Whether a circle reaches into the picture.
+    bool reaches(double x, double y, double radius) const;
+
+    /// Whether a place lies within the borders of the picture.
+    bool isWithin(const glm::vec3 &place) const;
+
+    /// From the other side of a mirror, with the same surface if this has one; kept. One thread at a time. Throws
+    /// std::bad_alloc.
+    std::shared_ptr<const OssEvPaintView> mirrored(const OssEvPaintSurface &surface,
+                                                   const glm::mat4 &mirror) const;
+
+    /// Whether nothing lies before a place of the surface that was drawn, also beyond the borders of the picture.
     bool isSeen(const OssEvPaintSurface &surface, const glm::vec3 &place) const;
 
     /// What strokes from here found out of the texels of one of the surface's tiles, 0 where they found nothing yet:
@@ -49,7 +61,7 @@ public:
     std::vector<std::uint8_t> &noteOf(const std::shared_ptr<const OssEvPaintSurface> &surface,
                                       const OssEvPaintBuffer::Place &tile) const;
 
-    /// Place in patches of what is seen, with the surface that was drawn; none beside it.
+    /// Place in patches of what is seen, with the surface that was drawn; none beside it. Beyond the borders, too.
     std::optional<glm::vec2> uvAt(const OssEvPaintSurface &surface, double x, double y) const;
 
     /// The pixel nearest to a place on which the surface is seen, and its depth as z.
@@ -60,6 +72,8 @@ private:
     void drawTriangle(const glm::vec3 &a, const glm::vec3 &b, const glm::vec3 &c,
                       std::int32_t number);
     float at(int x, int y) const;
+    bool isOnPicture(double x, double y) const;
+    bool isMetFirst(const OssEvPaintSurface &surface, const glm::vec3 &place) const;
 
     using Notes = std::map<OssEvPaintBuffer::Place, std::vector<std::uint8_t>>;
 
@@ -75,4 +89,5 @@ private:
     std::vector<float> m_nearness; ///< 1 by depth; 0 where nothing is seen
     mutable std::map<std::weak_ptr<const OssEvPaintSurface>, Notes, std::owner_less<>> m_notes;
     std::vector<std::int32_t> m_triangles; ///< the one that is seen; -1: none
+    mutable std::vector<std::pair<glm::mat4, std::shared_ptr<const OssEvPaintView>>> m_mirrored;
 };

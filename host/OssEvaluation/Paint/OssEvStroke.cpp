@@ -25,6 +25,8 @@ constexpr double Pi = FullTurn / 2.0;
 OssEvStroke::OssEvStroke(OssEvPaintBuffer *buffer, const OssEvBrush &brush,
                          OssEvPaintGround *ground, double scale)
     : m_brush(brush)
+    , m_buffer(buffer)
+    , m_ground(ground)
     , m_tiles(buffer, brush, ground)
     , m_onlyCovers(!m_tiles.isLimited() && !m_tiles.hasSources() && !brush.changesColors())
     , m_scale(scale)
@@ -178,57 +180,6 @@ OssEvStroke::Color OssEvStroke::pictureAt(const Place &place, int index)
     return color;
 }
 
-// --- at once
-
-std::vector<OssEvPaintBuffer::Place> OssEvStroke::tilesOf(int patch) const
-{
-    std::vector<Place> places;
-    const int across = OssEvTilesAcross(m_tiles.buffer().resolution());
-    for (int y = 0; y < across; ++y) {
-        for (int x = 0; x < across; ++x)
-            places.push_back({patch, x, y});
-    }
-    return places;
-}
-
-bool OssEvStroke::fill(const std::optional<Line> &line, const GoesOn &goesOn)
-{
-    const std::vector<Place> places = fillPlaces(m_region);
-    for (std::size_t i = 0; i < places.size(); ++i) {
-        if (!goesOn(double(i) / double(places.size())))
-            return false;
-        fillTile(places[i], line);
-    }
-    return true;
-}
-
-void OssEvStroke::fillTile(const Place &place, const std::optional<Line> &line)
-{
-    const glm::vec2 from = line ? line->from * float(m_scale) : glm::vec2(0.0F);
-    const glm::vec2 along = line ? line->to * float(m_scale) - from : glm::vec2(0.0F);
-    const float square = std::max(glm::dot(along, along), 1e-12F);
-    OssEvStrokeTiles::Tile *touched = nullptr;
-    for (int index = 0; index < OssEvPaintTile::Texels; ++index) {
-        if (!isOpen(place, index))
-            continue;
-        float amount = 1.0F;
-        if (line)
-            amount = std::clamp(1.0F - glm::dot(spotOf(place, index) - from, along) / square, 0.0F,
-                                1.0F);
-        if (amount <= 0.0F)
-            continue;
-        if (touched == nullptr)
-            touched = &m_tiles.touch(place);
-        touched->coverage[std::size_t(index)] = amount * readyFor(place, touched, index);
-    }
-    if (touched == nullptr)
-        return;
-    touched->stale = {0, 0, Size, Size};
-    m_tiles.update();
-    OssEvStrokeTiles::settle(touched);
-    m_tiles.tidy();
-}
-
 // --- changing colours
 
 /// What blurring a wide surrounding makes of texels that lie together: nearly the same, so one look is enough for
@@ -330,6 +281,14 @@ OssEvFlatStroke::OssEvFlatStroke(OssEvPaintBuffer *buffer, const OssEvBrush &bru
     : OssEvStroke(buffer, brush, ground, buffer->resolution())
     , m_patches(std::move(patches))
 {
+}
+
+std::unique_ptr<OssEvStroke> OssEvFlatStroke::twin() const
+{
+    auto made = std::make_unique<OssEvFlatStroke>(buffer(), brush(), m_patches, ground());
+    made->m_surface = m_surface;
+    made->setRegion(region());
+    return made;
 }
 
 void OssEvFlatStroke::keepWithin(const std::shared_ptr<OssEvPaintSurface> &surface, double x,

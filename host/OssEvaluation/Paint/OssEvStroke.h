@@ -8,6 +8,7 @@
 #include <glm/vec2.hpp>
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -36,6 +37,9 @@ public:
 
     std::vector<Change> changes() const { return m_tiles.changes(); }
 
+    /// The buffer may be copied now: the copy stays as it is while the stroke goes on.
+    void share() { m_tiles.share(); }
+
     /// Whether another stroke of the same shape and place covers just what this one does, whatever their colours
     /// are: then it may follow() instead of going on by itself.
     bool isFollowedBy(const OssEvStroke &other) const;
@@ -45,16 +49,18 @@ public:
     /// A straight line in the stroke's own coordinates.
     struct Line
     {
-        glm::vec2 from; ///< where all is covered
-        glm::vec2 to;   ///< where nothing is any more
+        glm::vec2 from; ///< where all is as the brush has it
+        glm::vec2 to;   ///< where nothing is covered any more, or all has the second colour
     };
 
-    /// Called for each tile, with the part that is done; false stops.
+    /// Called for each tile, by any thread, with the part that is done; false stops.
     using GoesOn = std::function<bool(double part)>;
 
     /// Covers at once all that the brush may paint on, as Fill and Gradient do; with a line along that.
-    /// False when it was stopped. Throws std::bad_alloc.
-    bool fill(const std::optional<Line> &line, const GoesOn &goesOn);
+    /// `followers`, which isFollowedBy() holds for, cover the same. False when it was stopped: then nothing is
+    /// covered. On the threads of the pool, and always the same. Throws std::bad_alloc.
+    bool fill(const std::optional<Line> &line, const GoesOn &goesOn,
+              const std::vector<OssEvStroke *> &followers = {});
 
 protected:
     using Place = OssEvPaintBuffer::Place;
@@ -65,7 +71,17 @@ protected:
     OssEvStroke(OssEvPaintBuffer *buffer, const OssEvBrush &brush, OssEvPaintGround *ground,
                 double scale = 1.0);
 
+    /// One of the same brush, buffer and region that has painted nothing yet, for another thread: surface and
+    /// ground are shared.
+    virtual std::unique_ptr<OssEvStroke> twin() const = 0;
+
     const OssEvBrush &brush() const { return m_brush; }
+
+    OssEvPaintBuffer *buffer() const { return m_buffer; }
+
+    OssEvPaintGround *ground() const { return m_ground; }
+
+    const OssEvPaintRegion &region() const { return m_region; }
 
     OssEvStrokeTiles &tiles() { return m_tiles; }
 
@@ -111,7 +127,9 @@ private:
 
     double putDab(const OssEvStrokePath::Point &place);
     float readyFor(const Place &place, OssEvStrokeTiles::Tile *touched, int index);
-    void fillTile(const Place &place, const std::optional<Line> &line);
+    class Filler;
+    bool coverTile(const Place &place, const std::optional<Line> &line,
+                   OssEvStrokeTiles::Tile *made);
     glm::vec2 onSheet(const glm::vec2 &spot) const;
     float limitOf(const Place &place, int index);
     Color sourceOf(const Place &place, int index);
@@ -122,6 +140,8 @@ private:
     std::optional<Color> blurred(const glm::vec2 &spot, double radius);
 
     OssEvBrush m_brush;
+    OssEvPaintBuffer *m_buffer;
+    OssEvPaintGround *m_ground;
     OssEvStrokeTiles m_tiles;
     OssEvPaintRegion m_region;
     bool m_onlyCovers;
@@ -146,6 +166,7 @@ public:
     void keepWithin(const std::shared_ptr<OssEvPaintSurface> &surface, double x, double y);
 
 protected:
+    std::unique_ptr<OssEvStroke> twin() const override;
     double dab(const OssEvStrokePath::Point &place, double heading, std::uint32_t number) override;
     glm::vec2 spotOf(const Place &place, int index) override;
     std::optional<glm::vec2> uvAt(const glm::vec2 &spot) override;

@@ -34,19 +34,31 @@ OssEvStrokeTiles::OssEvStrokeTiles(OssEvPaintBuffer *buffer, const OssEvBrush &b
     , m_isLimited(brush.within != OssEvBrush::Within::Everywhere || brush.stencil || brush.mask)
     , m_hasSources(brush.tool == OssEvBrush::Tool::Clone
                    || (brush.picture && !brush.erases() && !brush.changesColors()))
+    , m_hasSecond(brush.hasSecondColor())
     , m_mode(brush.erases() || brush.changesColors() ? OssEvMergeRows::Normal : brush.blend)
     , m_luminance(brush.luminance)
     , m_opacity(float(brush.opacity))
 {
     if (!brush.erases())
         m_source = {brush.color[0], brush.color[1], brush.color[2], 1.0F};
+    m_second = {brush.secondColor[0], brush.secondColor[1], brush.secondColor[2], 1.0F};
 }
 
 OssEvStrokeTiles::Tile &OssEvStrokeTiles::touch(const OssEvPaintBuffer::Place &place)
 {
     const auto found = m_touched.find(place);
-    if (found != m_touched.end())
+    if (found != m_touched.end()) {
+        makeOwn(place, &found->second);
         return found->second;
+    }
+    Tile touched = make(place);
+    m_buffer->setTile(place, touched.tile);
+    m_now.look();
+    return m_touched.emplace(place, std::move(touched)).first->second;
+}
+
+OssEvStrokeTiles::Tile OssEvStrokeTiles::make(const OssEvPaintBuffer::Place &place) const
+{
     Tile touched;
     touched.before = m_buffer->tile(place);
     touched.tile = touched.before ? std::make_shared<OssEvPaintTile>(*touched.before)
@@ -57,9 +69,42 @@ OssEvStrokeTiles::Tile &OssEvStrokeTiles::touch(const OssEvPaintBuffer::Place &p
         touched.limit.assign(OssEvPaintTile::Texels, -1.0F);
     if (m_hasSources)
         touched.source.assign(OssEvPaintTile::Texels, NotKnown);
-    m_buffer->setTile(place, touched.tile);
+    if (m_hasSecond)
+        touched.second.resize(OssEvPaintTile::Texels);
+    return touched;
+}
+
+void OssEvStrokeTiles::settle(const OssEvPaintBuffer::Place &place, Tile *made)
+{
+    made->stale = {0, 0, Size, Size};
+    blend(place, made);
+    made->stale = {};
+    for (std::vector<float> *plane : {&made->coverage, &made->blended, &made->limit, &made->second})
+        *plane = {};
+    made->source = {};
+}
+
+void OssEvStrokeTiles::adopt(const OssEvPaintBuffer::Place &place, Tile made)
+{
+    m_buffer->setTile(place, made.tile);
     m_now.look();
-    return m_touched.emplace(place, std::move(touched)).first->second;
+    m_touched.emplace(place, std::move(made));
+}
+
+void OssEvStrokeTiles::share()
+{
+    for (auto &entry : m_touched)
+        entry.second.isShared = true;
+}
+
+void OssEvStrokeTiles::makeOwn(const OssEvPaintBuffer::Place &place, Tile *touched)
+{
+    if (!touched->isShared)
+        return;
+    touched->tile = std::make_shared<OssEvPaintTile>(*touched->tile);
+    touched->isShared = false;
+    m_buffer->setTile(place, touched->tile);
+    m_now.look();
 }
 
 void OssEvStrokeTiles::setColor(Tile *touched, int index, const Color &color)
@@ -75,6 +120,7 @@ OssEvStrokeTiles::Areas OssEvStrokeTiles::update()
     for (auto &[place, touched] : m_touched) {
         if (touched.stale.isEmpty())
             continue;
+        makeOwn(place, &touched);
         blend(place, &touched);
         OssEvRegion area = touched.stale;
         area.x += place.x * Size;
@@ -111,12 +157,22 @@ void OssEvStrokeTiles::blend(const OssEvPaintBuffer::Place &place, Tile *touched
         blendBatch(place, touched, &batch);
 }
 
+/// What covers a texel fully.
+OssEvStrokeTiles::Color OssEvStrokeTiles::sourceOf(const Tile &touched, int index) const
+{
+    const auto at = std::size_t(index);
+    Color source = touched.source.empty() ? m_source : touched.source[at];
+    const float part = touched.second.empty() ? 0.0F : touched.second[at];
+    for (std::size_t c = 0; part > 0.0F && c < source.size(); ++c)
+        source[c] += (m_second[c] - source[c]) * part;
+    return source;
+}
+
 // What is painted with lies over what was there, and may be seen through itself.
 void OssEvStrokeTiles::blendPlainly(Tile *touched, int index, float alpha) const
 {
-    const bool isOwn = !touched->source.empty();
-    const Color &source = isOwn ? touched->source[std::size_t(index)] : m_source;
-    const float hides = isOwn ? alpha * source[3] : alpha;
+    const Color source = sourceOf(*touched, index);
+    const float hides = touched->source.empty() ? alpha : alpha * source[3];
     OssEvPaintTile::Texel texel = touched->before ? touched->before->texel(index) : Bare;
     for (std::size_t c = 0; c < source.size(); ++c)
         texel[c] = alpha * source[c] + (1.0F - hides) * texel[c];
@@ -130,8 +186,7 @@ void OssEvStrokeTiles::blendBatch(const OssEvPaintBuffer::Place &place, Tile *to
     for (std::size_t i = 0; i < batch->count; ++i) {
         const int index = batch->indices[i];
         const Color base = m_before.texel(place, index);
-        const Color &over = touched->source.empty() ? m_source
-                                                    : touched->source[std::size_t(index)];
+        const Color over = sourceOf(*touched, index);
         for (std::size_t c = 0; c < 4; ++c) {
             row.base[c][i] = base[c];
             row.over[c][i] = over[c];
@@ -174,14 +229,6 @@ void OssEvStrokeTiles::tidy()
         m_buffer->setTile(entry->first, entry->second.before);
         entry = m_touched.erase(entry);
     }
-}
-
-void OssEvStrokeTiles::settle(Tile *touched)
-{
-    touched->coverage = {};
-    touched->blended = {};
-    touched->limit = {};
-    touched->source = {};
 }
 
 std::vector<OssEvStrokeTiles::Change> OssEvStrokeTiles::changes() const

@@ -32,8 +32,11 @@ public:
         /// By texel, what is painted with, premultiplied; its alpha below 0: nobody has looked. Empty
         /// where that is the brush's colour.
         std::vector<Color> source;
+        /// By texel, how much of what is painted with is the brush's second colour; empty where none is.
+        std::vector<float> second;
         OssEvRegion stale;      ///< coverage may have grown here; within the tile
         bool isChanged = false; ///< it is another than before
+        bool isShared = false;  ///< whoever copied the buffer has it too
     };
 
     struct Change
@@ -73,21 +76,30 @@ public:
     /// Brings the buffer up to date with what the texels are covered.
     Areas update();
 
+    /// A tile that is none of these yet, to be covered apart from them. Throws std::bad_alloc.
+    Tile make(const OssEvPaintBuffer::Place &place) const;
+    /// Brings it up to date with what its texels are covered, which is forgotten.
+    void settle(const OssEvPaintBuffer::Place &place, Tile *made);
+    /// Makes it one of these, which did not touch its place.
+    void adopt(const OssEvPaintBuffer::Place &place, Tile made);
+
     /// Covers texels in areas as others cover them, of a buffer of the same size. Throws std::bad_alloc.
     void follow(const OssEvStrokeTiles &others, const Areas &areas);
 
+    /// Copies of the buffer stay as they are now: what changes further is copied first.
+    void share();
+
     /// Lets go of tiles that were touched in vain.
     void tidy();
-
-    /// Forgets how a tile came to be: it is not covered any further.
-    static void settle(Tile *touched);
 
     std::vector<Change> changes() const;
 
 private:
     struct Batch;
 
+    void makeOwn(const OssEvPaintBuffer::Place &place, Tile *touched);
     void blend(const OssEvPaintBuffer::Place &place, Tile *touched);
+    Color sourceOf(const Tile &touched, int index) const;
     void blendPlainly(Tile *touched, int index, float alpha) const;
     void blendBatch(const OssEvPaintBuffer::Place &place, Tile *touched, Batch *batch);
 
@@ -97,9 +109,11 @@ private:
     OssEvPaintReader m_now;
     bool m_isLimited;
     bool m_hasSources;
+    bool m_hasSecond;
     int m_mode;
     OssEvWorkingSpace::Weights m_luminance;
     float m_opacity;
     Color m_source{}; ///< what a texel is that is covered fully
+    Color m_second{};
     std::map<OssEvPaintBuffer::Place, Tile> m_touched;
 };

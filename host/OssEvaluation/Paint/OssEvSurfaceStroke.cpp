@@ -76,10 +76,18 @@ void OssEvSurfaceStroke::addSides(const std::array<bool, 3> &mirrors)
             continue;
         Side side;
         side.mirror = m_surface->world() * flip * toObject;
-        side.eye = glm::vec3(side.mirror * glm::vec4(m_view->eye(), 1.0F));
         side.isOwn = turned == 0;
+        side.view = side.isOwn ? m_view : m_view->mirrored(*m_surface, side.mirror);
         m_sides.push_back(std::move(side));
     }
+}
+
+std::unique_ptr<OssEvStroke> OssEvSurfaceStroke::twin() const
+{
+    auto made = std::make_unique<OssEvSurfaceStroke>(buffer(), brush(), m_surface, m_view,
+                                                     ground());
+    made->setRegion(region());
+    return made;
 }
 
 bool OssEvSurfaceStroke::keepWithin(double x, double y)
@@ -191,6 +199,11 @@ void OssEvSurfaceStroke::put(const Touch &touch, const OssEvDabShape &shape)
     Touch moved = touch;
     moved.centre += (touch.right * float(shape.asideX()) - touch.up * float(shape.asideY()))
                     * touch.texel;
+    const std::optional<glm::vec3> pixel = m_view->project(moved.centre);
+    if (!pixel
+        || !m_view->reaches(double(pixel->x), double(pixel->y),
+                            shape.reach() * double(touch.texel / touch.pixel)))
+        return; // what is painted is to be seen
     for (Side &side : m_sides)
         cover(&side, moved, shape);
 }
@@ -217,9 +230,7 @@ OssEvSurfaceStroke::Tile &OssEvSurfaceStroke::tileAt(Side *side,
     if (!tile.texels) {
         tile.place = place;
         tile.texels = m_surface->tile(place);
-        if (!side->isOwn)
-            tile.own.assign(OssEvPaintTile::Texels, NotKnown);
-        tile.seen = side->isOwn ? m_view->noteOf(m_surface, place).data() : tile.own.data();
+        tile.seen = side->view->noteOf(m_surface, place).data();
     }
     return tile;
 }
@@ -273,7 +284,6 @@ void OssEvSurfaceStroke::coverTile(const Side &side, Tile *tile, const OssEvRegi
         tile->touched->stale = tile->touched->stale.united({left, top, right - left, bottom - top});
 }
 
-// On the other side of a mirror nobody looks: what faces its eye is taken as seen.
 bool OssEvSurfaceStroke::isSeen(const Side &side, Tile *tile, std::size_t index) const
 {
     if (brush().goesThrough)
@@ -282,10 +292,10 @@ bool OssEvSurfaceStroke::isSeen(const Side &side, Tile *tile, std::size_t index)
     if (seen == NotKnown) {
         const glm::vec3 place(tile->texels->x[index], tile->texels->y[index],
                               tile->texels->z[index]);
-        const glm::vec3 towards = glm::normalize(side.eye - place);
+        const glm::vec3 towards = glm::normalize(side.view->eye() - place);
         const bool faces = glm::dot(m_surface->normal(tile->texels->faces[index]), towards)
                            > LeastFacing;
-        seen = faces && (!side.isOwn || m_view->isSeen(*m_surface, place)) ? Yes : No;
+        seen = faces && side.view->isSeen(*m_surface, place) ? Yes : No;
     }
     return seen == Yes;
 }
@@ -338,13 +348,21 @@ std::vector<OssEvPaintBuffer::Place> OssEvSurfaceStroke::fillPlaces(
 // What lies on the screen reaches what is seen; a plain fill all there is.
 bool OssEvSurfaceStroke::isOpen(const Place &place, int index)
 {
-    Side &own = m_sides.front();
+    const Side &own = m_sides.front();
     m_side = &own;
-    Tile &tile = tileAt(&own, place);
-    if (tile.texels->faces[std::size_t(index)] < 0)
+    if (!m_open.texels || !(m_open.place == place)) {
+        m_open = {place, m_surface->tile(place), nullptr, {}, nullptr};
+        m_open.own.assign(OssEvPaintTile::Texels, NotKnown);
+        m_open.seen = m_open.own.data();
+    }
+    if (m_open.texels->faces[std::size_t(index)] < 0)
         return false;
     const bool liesOnScreen = brush().tool == OssEvBrush::Tool::Gradient || brush().stencil
                               || (brush().picture
                                   && brush().pictureOn == OssEvBrush::PictureOn::Sheet);
-    return !liesOnScreen || isSeen(own, &tile, std::size_t(index));
+    const auto at = std::size_t(index);
+    return !liesOnScreen
+           || (isSeen(own, &m_open, at)
+               && m_view->isWithin(
+                   {m_open.texels->x[at], m_open.texels->y[at], m_open.texels->z[at]}));
 }

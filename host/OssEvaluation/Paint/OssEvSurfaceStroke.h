@@ -45,6 +45,7 @@ public:
                                         double x, double y);
 
 protected:
+    std::unique_ptr<OssEvStroke> twin() const override;
     double dab(const OssEvStrokePath::Point &place, double heading, std::uint32_t number) override;
     glm::vec2 spotOf(const Place &place, int index) override;
     std::optional<glm::vec2> uvAt(const glm::vec2 &spot) override;
@@ -58,7 +59,7 @@ private:
         OssEvPaintBuffer::Place place;
         std::shared_ptr<const OssEvPaintSurface::Tile> texels;
         OssEvStrokeTiles::Tile *touched = nullptr;
-        std::vector<std::uint8_t> own; ///< of a mirror's side
+        std::vector<std::uint8_t> own; ///< of a fill, which looks at each texel once
         std::uint8_t *seen = nullptr;  ///< by texel: not known yet, seen, hidden
     };
 
@@ -66,8 +67,8 @@ private:
     struct Side
     {
         glm::mat4 mirror{1.0F}; ///< in the world
-        glm::vec3 eye{};
-        bool isOwn = true; ///< the one that is looked at
+        ViewPointer view;       ///< from its side
+        bool isOwn = true;      ///< the one that is looked at
         std::map<OssEvPaintBuffer::Place, Tile> tiles;
     };
 
@@ -88,6 +89,7 @@ private:
     const Side *m_side = nullptr; ///< that is being covered
     Place m_texelsPlace{};
     std::shared_ptr<const OssEvPaintSurface::Tile> m_texels; ///< asked for last
+    Tile m_open;                                             ///< that a fill is at
     bool m_hasBegun = false;
     std::optional<Touch> m_last;
     OssEvStrokePath::Point m_lastPlace{};

@@ -6,10 +6,12 @@
 #include "OssModel/Evaluation/OssImageSetFiles.h"
 #include "OssModel/Evaluation/OssProblems.h"
 #include "OssModel/Evaluation/OssSnParameter.h"
+#include "OssModel/Graph/OssShaderNetworkUtils.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssModel/Images/OssColorManagement.h"
 #include "OssModel/Images/OssFilePath.h"
 #include "OssModel/Nodes/OssSnUpstream.h"
+#include "OssModel/Objects/OssImageSet.h"
 
 #include <QCoreApplication>
 #include <QHash>
@@ -36,6 +38,7 @@ public:
     {
         for (auto at = m_indexes.cbegin(); at != m_indexes.cend(); ++at)
             result->sources.append(at.key());
+        result->paint = m_paint;
         m_builder.setWorking(OssColorManagement::spaces()->workingSpace());
         result->graph = m_builder.finish();
     }
@@ -67,6 +70,9 @@ private:
                 m_builder.connect(from, input.source.outputPoint.toStdString(), index,
                                   input.name.toStdString());
         }
+        const OssImageSet *images = OssShaderNetworkUtils::imageSetOf(node);
+        if (images && images->livePaint())
+            m_paint.append(images->livePaint());
         if (node->isCacheSet())
             m_builder.setCachePoint(index);
     }
@@ -115,6 +121,7 @@ private:
     }
 
     OssEvGraphBuilder m_builder;
+    QVector<std::shared_ptr<const OssLivePaint>> m_paint;
     QHash<const OssSnBaseNode *, int> m_indexes;
 };
 

@@ -11,6 +11,7 @@
 #include <string>
 
 class OssEvGraph;
+class OssLivePaint;
 class OssSnBaseNode;
 struct OssSnWireEnd;
 
@@ -24,6 +25,8 @@ struct OSSMODEL_EXPORT OssSnEvaluationGraph
     bool isData = false; ///< numbers, not colours
     /// The document's nodes that were copied: other values there, other pixels.
     QVector<QPointer<const OssSnBaseNode>> sources;
+    /// That the images have: it can be read as long as this is there.
+    QVector<std::shared_ptr<const OssLivePaint>> paint;
     QString error;      ///< why there is nothing to compute; empty when there is
     std::string faulty; ///< name in the graph of the node that is to blame; empty when none is
 

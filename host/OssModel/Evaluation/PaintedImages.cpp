@@ -53,7 +53,7 @@ OssEvImageInfo PaintedImages::describe(const OssLivePaint &live, int patch,
     info.format = beneath.width > 0 ? beneath.format : OssEvTile::Format::Half;
     OssEvKeyBuilder key;
     key.add(std::string_view("live paint"));
-    key.add(std::to_string(live.id()) + ' ' + std::to_string(patch));
+    key.add(std::to_string(live.revision(patch)) + ' ' + std::to_string(patch));
     key.add(beneath.content);
     info.content = key.key();
     return info;

@@ -45,7 +45,7 @@ const QVector<Number> &numbers();
 const QVector<Switch> &switches();
 
 /// By their places in choices().
-enum ChoiceOf { ToolChoice, BlendChoice, WithinChoice, SizeChoice, PictureChoice };
+enum ChoiceOf { ToolChoice, BlendChoice, WithinChoice, SizeChoice, PictureChoice, GradientChoice };
 
 const QVector<Choice> &choices();
 

@@ -13,6 +13,7 @@ void Brushes::take(const Brush &brush)
     const OssEvBrush before = m_brush.paint;
     m_brush = brush;
     m_brush.paint.color = before.color;
+    m_brush.paint.secondColor = before.secondColor;
     const auto &mirrors = brush.paint.mirrors;
     if (std::find(mirrors.cbegin(), mirrors.cend(), true) == mirrors.cend())
         m_brush.paint.mirrors = before.mirrors;

@@ -51,7 +51,7 @@ public:
     const Brush &current() const { return m_brush; }
 
     void setBrush(const OssEvBrush &brush);
-    /// As it was kept; the colour stays, and an eraser stays one. So do the object's mirrors, unless the brush has
+    /// As it was kept; the colours stay, and an eraser stays one. So do the object's mirrors, unless the brush has
     /// mirrors itself.
     void take(const Brush &brush);
     /// Changes it.

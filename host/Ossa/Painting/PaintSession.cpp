@@ -343,8 +343,8 @@ void PaintSession::paint(const std::function<OssEvStroke::Areas()> &step)
 {
     try {
         const OssEvStroke::Areas areas = step();
-        tellAreas(areas);
         paintAlong(areas);
+        tellAreas(areas);
         if (m_ground && !m_ground->state() && m_stroke) {
             cancel();
             OssStatusManager::instance()->showMessage(
@@ -356,14 +356,21 @@ void PaintSession::paint(const std::function<OssEvStroke::Areas()> &step)
     }
 }
 
+void PaintSession::tellArea(int patch, const QRectF &area)
+{
+    PaintSession *told = m_leader ? m_leader : this;
+    if (told->m_shown == this)
+        Q_EMIT told->painted(patch, area);
+}
+
 void PaintSession::tellAreas(const OssEvStroke::Areas &areas)
 {
     const double texel = 1.0 / m_buffer.resolution();
     for (const auto &entry : areas) {
         const OssEvRegion &area = entry.second;
         noteUnseen(entry.first, area);
-        Q_EMIT painted(entry.first, QRectF(area.x * texel, area.y * texel, area.width * texel,
-                                           area.height * texel));
+        tellArea(entry.first,
+                 QRectF(area.x * texel, area.y * texel, area.width * texel, area.height * texel));
     }
 }
 
@@ -440,8 +447,8 @@ void PaintSession::tellTiles(const Tiles &tiles)
     const double size = double(OssEvPaintTile::Size) / m_buffer.resolution();
     for (const auto &entry : tiles) {
         const OssEvPaintBuffer::Place &place = entry.first;
-        Q_EMIT painted(place.patch, QRectF(place.x * size, place.y * size, size, size)
-                                        & QRectF(0.0, 0.0, 1.0, 1.0));
+        tellArea(place.patch,
+                 QRectF(place.x * size, place.y * size, size, size) & QRectF(0.0, 0.0, 1.0, 1.0));
     }
 }
 
@@ -475,11 +482,22 @@ void PaintSession::publish()
 {
     if (!m_images)
         return;
-    m_images->setLivePaint(m_buffer.isEmpty() ? nullptr : OssLivePaint::publish(m_buffer));
+    m_images->setLivePaint(
+        m_buffer.isEmpty() ? nullptr : OssLivePaint::publish(m_buffer, m_images->livePaint()));
     Q_EMIT settled();
+}
+
+void PaintSession::publishInHand()
+{
+    if (!m_stroke)
+        return;
+    m_stroke->share();
+    publish();
+    for (PaintSession *along : inUse())
+        along->publishInHand();
 }
 
 std::shared_ptr<const OssLivePaint> PaintSession::published() const
 {
-    return m_images ? m_images->livePaint() : nullptr;
+    return m_shown->m_images ? m_shown->m_images->livePaint() : nullptr;
 }

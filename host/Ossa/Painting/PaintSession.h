@@ -65,9 +65,15 @@ public:
     /// before.
     bool setAlong(const QVector<OssSnImageSetNodeBase *> &nodes);
     QVector<OssSnImageSetNodeBase *> along() const;
+    enum class ColorOf {
+        Strokes,
+        GradientsEnd,
+    };
+
     /// Scene-linear; what strokes leave on one of them.
-    OssColor colorAlong(const OssSnImageSetNodeBase *node) const;
-    void setColorAlong(const OssSnImageSetNodeBase *node, const OssColor &color);
+    OssColor colorAlong(const OssSnImageSetNodeBase *node, ColorOf of = ColorOf::Strokes) const;
+    void setColorAlong(const OssSnImageSetNodeBase *node, const OssColor &color,
+                       ColorOf of = ColorOf::Strokes);
 
     /// Whether there is paint that is in no image yet, on whatever node.
     bool hasPaint() const;
@@ -80,8 +86,15 @@ public:
     /// Of node() alone.
     const OssEvPaintBuffer &buffer() const { return m_buffer; }
 
-    /// The paint of node() as it is evaluated, without the stroke in hand; null: there is none.
+    /// Of all that are painted on, the one whose paint views show over their picture; node() unless it is told.
+    void show(const OssSnImageSetNodeBase *node);
+
+    const OssEvPaintBuffer &shownBuffer() const { return m_shown->m_buffer; }
+
+    /// The shown paint as it is evaluated; null: there is none.
     std::shared_ptr<const OssLivePaint> published() const;
+    /// Has what is evaluated from now on show the stroke in hand as well, as far as it has come.
+    void publishInHand();
 
     /// While it runs what is evaluated has the stroke in hand, on all nodes.
     void withStroke(const std::function<void()> &run);
@@ -133,7 +146,7 @@ public:
 Q_SIGNALS:
     /// The picture that is evaluated next will look as what is shown with the paint over it.
     void settled();
-    /// In parts of the patch, from its top left corner.
+    /// The shown paint; in parts of the patch, from its top left corner.
     void painted(int patch, const QRectF &area);
     /// The same of one of the other nodes.
     void paintedAlong(int patch, const QRectF &area);
@@ -173,7 +186,13 @@ private:
     bool canUse(const OssEvBrush &used, const PaintStart &start);
     void lookBeneath();
     static QString stepName();
-    bool fillWith(const MakeStroke &make, const std::optional<OssEvStroke::Line> &line);
+    struct Fill;
+    using StrokeOf = std::function<MakeStroke(PaintSession *session, const PaintStart &start)>;
+
+    static void waitFor(const std::shared_ptr<Fill> &fill);
+    bool fillWith(const PaintStart &start, const std::optional<QPointF> &end,
+                  const StrokeOf &strokeOf);
+    void takeFill(const std::vector<OssEvStroke::Change> &changes);
     void letStrokeGo();
     void noteUnseen(int patch, const OssEvRegion &area);
     std::shared_ptr<const OssLivePaint> strokeSoFar();
@@ -188,6 +207,7 @@ private:
     void paintAlong(const OssEvStroke::Areas &areas);
     using Tiles = PaintJournal::Tiles;
 
+    void tellArea(int patch, const QRectF &area);
     void tellAreas(const OssEvStroke::Areas &areas);
     void tellTiles(const Tiles &tiles);
 
@@ -231,9 +251,13 @@ private:
     std::unique_ptr<OssUndoManager::AutoMacro> m_macro; ///< of the stroke in hand
     std::optional<QPointF> m_lastPlace;
     std::vector<std::unique_ptr<PaintSession>> m_along; ///< kept, as the history needs them
-    QHash<const OssImageSet *, OssColor> m_colorsAlong; ///< that were chosen
-    PaintSession *m_leader = nullptr;                   ///< along which it is
-    std::array<float, 3> m_ownColor{0.5F, 0.5F, 0.5F};  ///< instead of the brush's, with a leader
+    using Colors = QHash<const OssImageSet *, OssColor>;
+    Colors m_colorsAlong;                              ///< that were chosen
+    Colors m_secondsAlong;                             ///< the same, of gradients
+    PaintSession *m_leader = nullptr;                  ///< along which it is
+    PaintSession *m_shown = this;                      ///< of these
+    std::array<float, 3> m_ownColor{0.5F, 0.5F, 0.5F}; ///< instead of the brush's, with a leader
+    std::array<float, 3> m_ownSecond{0.5F, 0.5F, 0.5F};
     bool m_follows = false; ///< its stroke covers what the leader's does, and asks nobody else
     double m_scale = 1.0;   ///< texels for one of the leader's
     mutable std::weak_ptr<const OssEvMesh> m_measured;

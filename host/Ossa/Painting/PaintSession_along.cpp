@@ -64,8 +64,9 @@ bool PaintSession::setAlong(const QVector<OssSnImageSetNodeBase *> &nodes)
         if (!node || node == m_node || along().contains(node))
             continue;
         PaintSession *other = spare();
-        const auto chosen = m_colorsAlong.constFind(node->imageSet());
-        other->m_ownColor = toArray(chosen == m_colorsAlong.cend() ? usualAlong(node) : *chosen);
+        const OssColor usual = usualAlong(node);
+        other->m_ownColor = toArray(m_colorsAlong.value(node->imageSet(), usual));
+        other->m_ownSecond = toArray(m_secondsAlong.value(node->imageSet(), usual));
         other->setNode(node);
     }
     Q_EMIT stateChanged();
@@ -80,24 +81,34 @@ QVector<OssSnImageSetNodeBase *> PaintSession::along() const
     return nodes;
 }
 
-OssColor PaintSession::colorAlong(const OssSnImageSetNodeBase *node) const
+OssColor PaintSession::colorAlong(const OssSnImageSetNodeBase *node, ColorOf of) const
 {
     for (const PaintSession *along : inUse()) {
+        const auto &color = of == ColorOf::Strokes ? along->m_ownColor : along->m_ownSecond;
         if (along->node() == node)
-            return {double(along->m_ownColor[0]), double(along->m_ownColor[1]),
-                    double(along->m_ownColor[2])};
+            return {double(color[0]), double(color[1]), double(color[2])};
     }
     return {};
 }
 
-void PaintSession::setColorAlong(const OssSnImageSetNodeBase *node, const OssColor &color)
+void PaintSession::setColorAlong(const OssSnImageSetNodeBase *node, const OssColor &color,
+                                 ColorOf of)
 {
     for (PaintSession *along : inUse()) {
         if (along->node() == node)
-            along->m_ownColor = toArray(color);
+            (of == ColorOf::Strokes ? along->m_ownColor : along->m_ownSecond) = toArray(color);
     }
-    m_colorsAlong.insert(node->imageSet(), color);
+    (of == ColorOf::Strokes ? m_colorsAlong : m_secondsAlong).insert(node->imageSet(), color);
     Q_EMIT stateChanged();
+}
+
+void PaintSession::show(const OssSnImageSetNodeBase *node)
+{
+    m_shown = this;
+    for (PaintSession *along : inUse()) {
+        if (along->node() == node)
+            m_shown = along;
+    }
 }
 
 bool PaintSession::hasPaint() const

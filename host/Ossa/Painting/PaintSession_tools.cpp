@@ -11,21 +11,11 @@
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectManager.h"
 
-#include <QEventLoop>
-#include <QThread>
-
-#include <algorithm>
-#include <atomic>
-#include <new>
-
-// What strokes are made of, and what covers all at once.
+// What strokes are made of.
 
 namespace {
 
 using Within = OssEvBrush::Within;
-
-constexpr int tellEvery = 50; ///< milliseconds
-constexpr int wholePart = 1000;
 
 bool hasRegion(const OssEvBrush &brush)
 {
@@ -36,18 +26,6 @@ bool hasRegion(const OssEvBrush &brush)
 void tell(const QString &what)
 {
     OssStatusManager::instance()->showMessage(what);
-}
-
-glm::vec2 vectorOf(const QPointF &point)
-{
-    return {float(point.x()), float(point.y())};
-}
-
-std::optional<OssEvStroke::Line> lineOf(const PaintStart &start, const std::optional<QPointF> &end)
-{
-    if (!end)
-        return std::nullopt;
-    return OssEvStroke::Line{vectorOf(start.place), vectorOf(*end)};
 }
 
 } // namespace
@@ -74,6 +52,7 @@ OssEvBrush PaintSession::brushAt(const PaintStart &start)
     const QTransform &sheet = start.toSheet;
     if (m_leader != nullptr) {
         used.color = m_ownColor;
+        used.secondColor = m_ownSecond;
         used.picture.reset(); // its colours are those of another channel
     }
     if (used.sizeIn == OssEvBrush::SizeIn::Texels)
@@ -181,123 +160,4 @@ PaintSession::MakeStroke PaintSession::objectStroke(const OssEvSurfaceStroke::Vi
             stroke->keepWithin(start.place.x(), start.place.y());
         return stroke;
     };
-}
-
-// --- at once
-
-namespace {
-
-/// A fill on its way. It works on paint of its own, so that nothing is lost when what was painted on goes
-/// away meanwhile. Its atomic members are what two threads use at once.
-struct Fill
-{
-    OssEvPaintBuffer paint;
-    std::shared_ptr<OssEvPaintGround> ground;
-    std::unique_ptr<OssEvStroke> stroke;
-    std::optional<OssEvStroke::Line> line;
-    std::atomic<bool> isWanted{true};
-    std::atomic<int> part{0};
-    bool isWhole = false;
-    bool isOutOfMemory = false;
-
-    void run()
-    {
-        try {
-            isWhole = stroke->fill(line, [this](double done) {
-                part = int(done * wholePart);
-                return isWanted.load();
-            });
-        } catch (const std::bad_alloc &) {
-            isOutOfMemory = true;
-        }
-    }
-};
-
-void waitFor(const std::shared_ptr<Fill> &fill)
-{
-    OssStatusManager::Work work(PaintSession::tr("Filling"), OssStatusManager::Blocking);
-    const std::unique_ptr<QThread> thread(QThread::create([fill] { fill->run(); }));
-    QEventLoop loop;
-    QObject::connect(thread.get(), &QThread::finished, &loop, &QEventLoop::quit);
-    QTimer timer;
-    QObject::connect(&timer, &QTimer::timeout, &loop, [&] {
-        work.setProgress(fill->part, wholePart);
-        if (work.isCancelled())
-            fill->isWanted = false;
-    });
-    timer.start(tellEvery);
-    thread->start();
-    loop.exec();
-    // The loop also ends when the application does.
-    thread->wait();
-}
-
-} // namespace
-
-bool PaintSession::fill(const PaintStart &start, const std::optional<QPointF> &end)
-{
-    if (!areReady())
-        return false;
-    OssUndoManager::AutoMacro macro(stepName());
-    bool filled = fillWith(flatStroke(start), lineOf(start, end));
-    for (PaintSession *along : inUse())
-        filled = filled && along->fill(startOf(*along, start), end);
-    if (!filled) // all of them or none
-        macro.cancel();
-    return filled;
-}
-
-bool PaintSession::fillOn(const OssEvSurfaceStroke::ViewPointer &view, const PaintStart &start,
-                          const std::optional<QPointF> &end)
-{
-    if (!areReady())
-        return false;
-    OssUndoManager::AutoMacro macro(stepName());
-    bool filled = fillWith(objectStroke(view, start), lineOf(start, end));
-    for (PaintSession *along : inUse())
-        filled = filled && along->fillOn(view, startOf(*along, start), end);
-    if (!filled) // all of them or none
-        macro.cancel();
-    return filled;
-}
-
-bool PaintSession::fillWith(const MakeStroke &make, const std::optional<OssEvStroke::Line> &line)
-{
-    if (!makeRoom())
-        return false;
-    auto fill = std::make_shared<Fill>();
-    fill->paint = m_buffer;
-    fill->line = line;
-    fill->stroke = make(&fill->paint);
-    fill->ground = m_ground;
-    if (!fill->stroke)
-        return false;
-    const QPointer<OssImageSet> images = m_images;
-    m_isBusy = true;
-    waitFor(fill);
-    m_isBusy = false;
-    if (fill->isOutOfMemory)
-        tell(tr("There is no memory left to paint"));
-    if (fill->ground && !fill->ground->state())
-        tell(QString::fromStdString(fill->ground->state().error()));
-    if (!fill->isWhole || (fill->ground && !fill->ground->state()))
-        return false;
-    const std::vector<OssEvStroke::Change> changes = fill->stroke->changes();
-    const bool isSame = images && images == m_images
-                        && std::all_of(changes.cbegin(), changes.cend(),
-                                       [this](const auto &change) {
-                                           return m_buffer.tile(change.place) == change.before;
-                                       });
-    if (!isSame) {
-        tell(tr("What was filled has become another meanwhile"));
-        return false;
-    }
-    Tiles tiles;
-    for (const OssEvStroke::Change &change : changes)
-        tiles.emplace_back(change.place, change.after);
-    for (const auto &[place, tile] : tiles)
-        m_buffer.setTile(place, tile);
-    tellTiles(tiles);
-    finishStep(changes);
-    return true;
 }

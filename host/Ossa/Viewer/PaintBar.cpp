@@ -43,9 +43,14 @@ QString command(const char *name)
     return QStringLiteral("/Ossa/Viewer/") + QLatin1String(name);
 }
 
-OssColor colorOf(const OssEvBrush &brush)
+OssColor toColor(const std::array<float, 3> &color)
 {
-    return {double(brush.color[0]), double(brush.color[1]), double(brush.color[2])};
+    return {double(color[0]), double(color[1]), double(color[2])};
+}
+
+std::array<float, 3> toArray(const OssColor &color)
+{
+    return {float(color.red()), float(color.green()), float(color.blue())};
 }
 
 } // namespace
@@ -72,6 +77,8 @@ PaintBar::PaintBar(PaintSession *session, const ViewerSource *source, QWidget *p
     , m_source(source)
     , m_nodes(new QComboBox(this))
     , m_color(new QToolButton(this))
+    , m_gradientTo(new QLabel(tr("Gradient to"), this))
+    , m_second(new QToolButton(this))
     , m_size(new QDoubleSpinBox(this))
     , m_hardness(makeField(tr("Hard "), tr(" %"), 0, hundred, tr("Hardness of the edge")))
     , m_opacity(makeField(tr("Opacity "), tr(" %"), 1, hundred, tr("Opacity of a stroke")))
@@ -80,6 +87,7 @@ PaintBar::PaintBar(PaintSession *session, const ViewerSource *source, QWidget *p
     , m_bake(new QToolButton(this))
     , m_hint(new QLabel(this))
     , m_along(new QHBoxLayout)
+    , m_alongEnd(new QHBoxLayout)
 {
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -88,6 +96,8 @@ PaintBar::PaintBar(PaintSession *session, const ViewerSource *source, QWidget *p
     layout->addLayout(m_along);
     layout->addLayout(makeBrushRow());
     layout->addLayout(makeToolRow());
+    layout->addLayout(makeGradientRow());
+    layout->addLayout(m_alongEnd);
     m_hint->setObjectName(QStringLiteral("Muted"));
     m_hint->setWordWrap(true);
     layout->addWidget(m_hint);
@@ -181,30 +191,59 @@ QHBoxLayout *PaintBar::makeToolRow()
     row->setSpacing(4);
     for (const auto at :
          {BrushFields::ToolChoice, BrushFields::BlendChoice, BrushFields::WithinChoice}) {
-        const BrushFields::Choice &choice = BrushFields::choices().at(at);
-        auto *box = new QComboBox(this);
-        box->addItems(BrushFields::words(choice.words));
-        box->setAccessibleName(BrushFields::words(choice.name));
-        box->setToolTip(BrushFields::words(choice.tip));
+        QComboBox *box = makeChoice(at);
         if (at == BrushFields::ToolChoice)
             Commands::describe(box,
                                {command("Toggle Eraser"), command("Toggle Clone"),
                                 command("Toggle Smear"), command("Toggle Blur"),
                                 command("Toggle Fill"), command("Toggle Gradient")},
                                box->toolTip());
-        connect(box, qOverload<int>(&QComboBox::activated), this, [this, choice](int index) {
-            Brush brush = Brushes::instance()->current();
-            choice.set(brush, index);
-            Brushes::instance()->edit(brush);
-            Q_EMIT chosen();
-        });
-        m_showChoices.append(
-            [box, choice] { box->setCurrentIndex(choice.get(Brushes::instance()->current())); });
         row->addWidget(box);
     }
     makeMaskMenu();
     row->addWidget(m_mask);
     row->addStretch(1);
+    return row;
+}
+
+QComboBox *PaintBar::makeChoice(int at)
+{
+    const BrushFields::Choice &choice = BrushFields::choices().at(at);
+    auto *box = new QComboBox(this);
+    box->addItems(BrushFields::words(choice.words));
+    box->setAccessibleName(BrushFields::words(choice.name));
+    box->setToolTip(BrushFields::words(choice.tip));
+    connect(box, qOverload<int>(&QComboBox::activated), this, [this, choice](int index) {
+        Brush brush = Brushes::instance()->current();
+        choice.set(brush, index);
+        Brushes::instance()->edit(brush);
+        Q_EMIT chosen();
+    });
+    m_showChoices.append(
+        [box, choice] { box->setCurrentIndex(choice.get(Brushes::instance()->current())); });
+    return box;
+}
+
+/// For the gradient alone.
+QHBoxLayout *PaintBar::makeGradientRow()
+{
+    auto *row = new QHBoxLayout;
+    row->setSpacing(4);
+    QComboBox *to = makeChoice(BrushFields::GradientChoice);
+    m_second->setToolTip(tr("Color that gradients end with"));
+    m_second->setAccessibleName(m_second->toolTip());
+    connect(m_second, &QToolButton::clicked, this, &PaintBar::pickSecondColor);
+    row->addWidget(m_gradientTo);
+    row->addWidget(to);
+    row->addWidget(m_second);
+    row->addStretch(1);
+    m_showChoices.append([this, to] {
+        const OssEvBrush &brush = Brushes::instance()->brush();
+        const bool isWanted = brush.tool == OssEvBrush::Tool::Gradient;
+        m_gradientTo->setVisible(isWanted);
+        to->setVisible(isWanted);
+        m_second->setVisible(brush.hasSecondColor());
+    });
     return row;
 }
 
@@ -261,8 +300,12 @@ void PaintBar::showBrush()
     m_opacity->setValue(int(std::lround(hundred * brush.opacity)));
     for (const auto &show : m_showChoices)
         show();
-    m_seen = OssDisplayColor::ofLinear(colorOf(brush));
+    m_seen = OssDisplayColor::ofLinear(toColor(brush.color));
     m_color->setIcon(swatch(m_seen));
+    m_secondSeen = OssDisplayColor::ofLinear(toColor(brush.secondColor));
+    m_second->setIcon(swatch(m_secondSeen));
+    if (m_showsSecond != brush.hasSecondColor())
+        showAlong();
 }
 
 void PaintBar::showSize()
@@ -290,8 +333,8 @@ void PaintBar::keepColor()
     if (!m_seen.isValid())
         return;
     OssEvBrush brush = Brushes::instance()->brush();
-    const OssColor color = OssDisplayColor::toLinear(m_seen);
-    brush.color = {float(color.red()), float(color.green()), float(color.blue())};
+    brush.color = toArray(OssDisplayColor::toLinear(m_seen));
+    brush.secondColor = toArray(OssDisplayColor::toLinear(m_secondSeen));
     Brushes::instance()->setBrush(brush);
 }
 
@@ -310,13 +353,24 @@ void PaintBar::applyBrush()
 void PaintBar::pickColor()
 {
     OssEvBrush brush = Brushes::instance()->brush();
-    const QColor picked = QColorDialog::getColor(OssDisplayColor::ofLinear(colorOf(brush)), this,
-                                                 tr("Color of the Brush"));
+    const QColor picked = QColorDialog::getColor(OssDisplayColor::ofLinear(toColor(brush.color)),
+                                                 this, tr("Color of the Brush"));
     if (!picked.isValid())
         return;
-    const OssColor color = OssDisplayColor::toLinear(picked);
-    brush.color = {float(color.red()), float(color.green()), float(color.blue())};
+    brush.color = toArray(OssDisplayColor::toLinear(picked));
     if (brush.erases())
         brush.tool = OssEvBrush::Tool::Brush;
+    Brushes::instance()->setBrush(brush);
+}
+
+void PaintBar::pickSecondColor()
+{
+    OssEvBrush brush = Brushes::instance()->brush();
+    const QColor picked = QColorDialog::getColor(
+        OssDisplayColor::ofLinear(toColor(brush.secondColor)), this,
+        tr("Color of the Gradient's End"));
+    if (!picked.isValid())
+        return;
+    brush.secondColor = toArray(OssDisplayColor::toLinear(picked));
     Brushes::instance()->setBrush(brush);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Ossa/Painting/PaintSession.h"
 #include "OssEvaluation/Paint/OssEvBrush.h"
 
 #include <QColor>
@@ -15,7 +16,6 @@
 class OssShaderNetwork;
 class OssSnBaseNode;
 class OssSnImageSetNodeBase;
-class PaintSession;
 class QComboBox;
 class QDoubleSpinBox;
 class QHBoxLayout;
@@ -51,6 +51,8 @@ private:
     QHBoxLayout *makeNodeRow();
     QHBoxLayout *makeBrushRow();
     QHBoxLayout *makeToolRow();
+    QHBoxLayout *makeGradientRow();
+    QComboBox *makeChoice(int at);
     void makeMaskMenu();
     void maskBySelection();
     void showMask();
@@ -59,10 +61,12 @@ private:
     void followSelection(const OssShaderNetwork *network);
     void chooseNode(int index);
     void showAlong();
-    QWidget *makeColorAlong(OssSnImageSetNodeBase *node);
-    QWidget *makeNumberAlong(OssSnImageSetNodeBase *node);
-    void pickColorAlong(OssSnImageSetNodeBase *node);
+    void fillAlong(QHBoxLayout *row, const QString &title, PaintSession::ColorOf of);
+    QWidget *makeColorAlong(OssSnImageSetNodeBase *node, PaintSession::ColorOf of);
+    QWidget *makeNumberAlong(OssSnImageSetNodeBase *node, PaintSession::ColorOf of);
+    void pickColorAlong(OssSnImageSetNodeBase *node, PaintSession::ColorOf of);
     void pickColor();
+    void pickSecondColor();
     void showBrush();
     void showSize();
     void showState();
@@ -78,7 +82,10 @@ private:
     QComboBox *m_nodes;
     QVector<QPointer<OssSnImageSetNodeBase>> m_choices; ///< those of m_nodes
     QToolButton *m_color;
-    QColor m_seen;          ///< of the brush, on the screen
+    QColor m_seen; ///< of the brush, on the screen
+    QLabel *m_gradientTo;
+    QToolButton *m_second; ///< color
+    QColor m_secondSeen;
     QDoubleSpinBox *m_size; ///< what the brush takes across, in what it is counted in
     std::optional<OssEvBrush::SizeIn> m_sizeIn; ///< that the field is set up for
     QSpinBox *m_hardness;
@@ -93,5 +100,7 @@ private:
     QVector<QPointer<OssSnImageSetNodeBase>> m_selected; ///< paint nodes when it was last looked
     QVector<std::tuple<const void *, QString, bool>> m_shownAlong; ///< nodes, and whether scalar
     QVector<std::function<void()>> m_showColors;                   ///< of these
-    QHBoxLayout *m_along; ///< a button for each other node that is painted on
+    bool m_showsSecond = false;
+    QHBoxLayout *m_along;    ///< a button for each other node that is painted on
+    QHBoxLayout *m_alongEnd; ///< the same, for what gradients end with
 };

@@ -1,5 +1,6 @@
 #include "Ossa/Viewer/PaintBar.h"
 
+#include "Ossa/Painting/Brushes.h"
 #include "Ossa/Painting/PaintMask.h"
 #include "Ossa/Painting/PaintNodes.h"
 #include "Ossa/Painting/PaintSession.h"
@@ -181,44 +182,56 @@ void PaintBar::showAlong()
     const QVector<OssSnImageSetNodeBase *> nodes = m_session->along();
     for (OssSnImageSetNodeBase *node : nodes)
         now.append({node, node->name(), node->imageSet() && node->imageSet()->isScalar()});
-    if (now != m_shownAlong) {
+    const bool hasSecond = Brushes::instance()->brush().hasSecondColor();
+    if (now != m_shownAlong || hasSecond != m_showsSecond) {
         m_shownAlong = now;
+        m_showsSecond = hasSecond;
         m_showColors.clear();
-        while (QLayoutItem *item = m_along->takeAt(0)) {
-            if (item->widget())
-                item->widget()->deleteLater();
-            delete item;
-        }
-        if (!nodes.isEmpty())
-            m_along->addWidget(new QLabel(tr("Along with it"), this));
-        for (OssSnImageSetNodeBase *node : nodes) {
-            const bool isScalar = node->imageSet() && node->imageSet()->isScalar();
-            m_along->addWidget(isScalar ? makeNumberAlong(node) : makeColorAlong(node));
-        }
-        m_along->addStretch(1);
+        fillAlong(m_along, tr("Along with it"), PaintSession::ColorOf::Strokes);
+        fillAlong(m_alongEnd, tr("ends with"), PaintSession::ColorOf::GradientsEnd);
     }
     for (const auto &show : qAsConst(m_showColors))
         show();
 }
 
-QWidget *PaintBar::makeColorAlong(OssSnImageSetNodeBase *node)
+void PaintBar::fillAlong(QHBoxLayout *row, const QString &title, PaintSession::ColorOf of)
+{
+    while (QLayoutItem *item = row->takeAt(0)) {
+        if (item->widget()) {
+            item->widget()->hide();
+            item->widget()->deleteLater();
+        }
+        delete item;
+    }
+    const QVector<OssSnImageSetNodeBase *> nodes = m_session->along();
+    if (nodes.isEmpty() || (of == PaintSession::ColorOf::GradientsEnd && !m_showsSecond))
+        return;
+    row->addWidget(new QLabel(title, this));
+    for (OssSnImageSetNodeBase *node : nodes) {
+        const bool isScalar = node->imageSet() && node->imageSet()->isScalar();
+        row->addWidget(isScalar ? makeNumberAlong(node, of) : makeColorAlong(node, of));
+    }
+    row->addStretch(1);
+}
+
+QWidget *PaintBar::makeColorAlong(OssSnImageSetNodeBase *node, PaintSession::ColorOf of)
 {
     auto *button = new QToolButton(this);
     button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     button->setText(QString(node->name()).replace(QLatin1Char('&'), QStringLiteral("&&")));
     button->setToolTip(tr("What each stroke leaves on \"%1\"").arg(node->name()));
     const QPointer<OssSnImageSetNodeBase> painted = node;
-    connect(button, &QToolButton::clicked, this, [this, painted] {
+    connect(button, &QToolButton::clicked, this, [this, painted, of] {
         if (painted)
-            pickColorAlong(painted);
+            pickColorAlong(painted, of);
     });
-    m_showColors.append([this, button, painted] {
-        button->setIcon(swatch(OssDisplayColor::ofLinear(m_session->colorAlong(painted))));
+    m_showColors.append([this, button, painted, of] {
+        button->setIcon(swatch(OssDisplayColor::ofLinear(m_session->colorAlong(painted, of))));
     });
     return button;
 }
 
-QWidget *PaintBar::makeNumberAlong(OssSnImageSetNodeBase *node)
+QWidget *PaintBar::makeNumberAlong(OssSnImageSetNodeBase *node, PaintSession::ColorOf of)
 {
     auto *field = new QDoubleSpinBox(this);
     field->setRange(-largestAlong, largestAlong);
@@ -229,12 +242,12 @@ QWidget *PaintBar::makeNumberAlong(OssSnImageSetNodeBase *node)
     field->setToolTip(tr("What each stroke leaves on \"%1\"").arg(node->name()));
     const QPointer<OssSnImageSetNodeBase> painted = node;
     connect(field, qOverload<double>(&QDoubleSpinBox::valueChanged), this,
-            [this, painted](double value) {
+            [this, painted, of](double value) {
                 if (painted)
-                    m_session->setColorAlong(painted, OssColor(value, value, value));
+                    m_session->setColorAlong(painted, OssColor(value, value, value), of);
             });
-    m_showColors.append([this, field, painted] {
-        const double value = m_session->colorAlong(painted).red();
+    m_showColors.append([this, field, painted, of] {
+        const double value = m_session->colorAlong(painted, of).red();
         const QSignalBlocker blocker(field);
         if (!isShown(*field, value))
             field->setValue(value);
@@ -242,14 +255,14 @@ QWidget *PaintBar::makeNumberAlong(OssSnImageSetNodeBase *node)
     return field;
 }
 
-void PaintBar::pickColorAlong(OssSnImageSetNodeBase *node)
+void PaintBar::pickColorAlong(OssSnImageSetNodeBase *node, PaintSession::ColorOf of)
 {
     const QPointer<OssSnImageSetNodeBase> painted = node;
     const QColor picked = QColorDialog::getColor(
-        OssDisplayColor::ofLinear(m_session->colorAlong(node)), this,
+        OssDisplayColor::ofLinear(m_session->colorAlong(node, of)), this,
         tr("Color on \"%1\"").arg(node->name()));
     if (picked.isValid() && painted)
-        m_session->setColorAlong(painted, OssDisplayColor::toLinear(picked));
+        m_session->setColorAlong(painted, OssDisplayColor::toLinear(picked), of);
 }
 
 void PaintBar::makeNode()

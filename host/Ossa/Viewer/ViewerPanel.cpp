@@ -33,6 +33,8 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace {
 
 const QString modeKey = QStringLiteral("Viewer/mode");
@@ -41,6 +43,7 @@ constexpr double sizeStep = 1.2; // of the brush, from key to key
 constexpr double hardnessStep = 0.1;
 const QString screenKey = QStringLiteral("Viewer/screen");
 const QString resolutionKey = QStringLiteral("Viewer/resolution");
+constexpr int handTime = 80;  // milliseconds between pictures of a stroke in hand, at least
 constexpr int patience = 300; // milliseconds until a picture shows its progress
 constexpr int usualResolution = 1024;
 constexpr int widestDisplay = 180;
@@ -136,7 +139,15 @@ QWidget *ViewerPanel::makeFoot()
 
 void ViewerPanel::followStrokes()
 {
-    m_pictures->setPaint(&m_session->buffer());
+    followPaint();
+    m_hand.setSingleShot(true);
+    connect(&m_hand, &QTimer::timeout, this, &ViewerPanel::followHand);
+    connect(m_session, &PaintSession::painted, this, [this] {
+        const bool isExact = m_session->along().isEmpty() && m_source->showsOnly(m_session->node());
+        if (m_session->isPainting() && !isExact && !m_hand.isActive())
+            m_hand.start(std::max(handTime, 2 * m_tookPicture));
+    });
+    connect(m_session, &PaintSession::settled, m_source, &ViewerSource::expectSamePicture);
     connect(m_session, &PaintSession::painted, m_pictures, &ViewerPictures::showPaint);
     connect(m_session, &PaintSession::settled, m_pictures, &ViewerPictures::expectSamePicture);
     connect(m_session, &PaintSession::stateChanged, this, &ViewerPanel::followPaint);
@@ -159,7 +170,7 @@ void ViewerPanel::follow()
             [this](const QList<int> &patches, const QString &node, const QString &problem) {
                 showName(node);
                 followPaint();
-                m_pictures->setIncluded(m_session->published());
+                m_pictures->setIncluded(m_isPaintSeen ? m_session->published() : nullptr);
                 m_pictures->begin(patches, m_source->resolution(), problem);
                 const OssGeoEntity *entity = m_source->entity();
                 m_object->follow();
@@ -221,6 +232,8 @@ void ViewerPanel::followProgress()
     connect(m_source, &ViewerSource::progressed, this,
             [this](int thousandths, const QString &pass) {
                 m_patchesDone = thousandths;
+                if (thousandths == m_progress->maximum())
+                    m_tookPicture = int(m_sinceBegin.elapsed());
                 m_patchesPass = pass;
                 showProgress();
             });
@@ -374,9 +387,33 @@ QWidget *ViewerPanel::makeControls()
     return bar;
 }
 
+// Over the picture lies the paint of a node that it is made of.
 void ViewerPanel::followPaint()
 {
-    m_pictures->setShowsOwnImages(m_source->showsOnly(m_session->node()));
+    const OssSnImageSetNodeBase *shown = m_session->node();
+    const QVector<OssSnImageSetNodeBase *> along = m_session->along();
+    const auto other = std::find_if(along.cbegin(), along.cend(),
+                                    [this](const auto *node) { return m_source->shows(node); });
+    if (!m_source->shows(shown) && other != along.cend())
+        shown = *other;
+    m_isPaintSeen = m_source->shows(shown);
+    m_session->show(shown);
+    m_pictures->setPaint(&m_session->shownBuffer());
+    m_pictures->setShowsOwnImages(m_source->showsOnly(shown));
+}
+
+/// What no paint over a picture can tell, such as an eraser behind other nodes, is computed while the stroke
+/// goes on.
+void ViewerPanel::followHand()
+{
+    if (!m_session->isPainting())
+        return;
+    if (!m_source->isIdle()) {
+        m_hand.start(handTime);
+        return;
+    }
+    m_session->publishInHand();
+    m_source->touch();
 }
 
 void ViewerPanel::setPainting(bool on)

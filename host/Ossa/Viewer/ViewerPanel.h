@@ -3,6 +3,7 @@
 #include "Ossa/Viewer/ViewerPixels.h"
 
 #include <QElapsedTimer>
+#include <QTimer>
 #include <QWidget>
 
 class ObjectView;
@@ -55,6 +56,7 @@ private:
     void setComparing(bool on);
     void followPaint();
     void followStrokes();
+    void followHand();
     void showLightBar();
     /// What acts on a picture is off without a project.
     void forgetProject();
@@ -82,7 +84,10 @@ private:
     QLabel *m_pass; ///< what is computed just now
     QProgressBar *m_progress;
     QElapsedTimer m_sinceBegin;
-    int m_patchesDone = 1000; ///< thousandths
+    bool m_isPaintSeen = false; ///< in what is evaluated
+    QTimer m_hand;              ///< until what is evaluated has the stroke in hand
+    int m_tookPicture = 0;      ///< milliseconds
+    int m_patchesDone = 1000;   ///< thousandths
     int m_materialDone = 1000;
     int m_told = 0;
     bool m_makesWay = false; ///< for a stroke

@@ -57,7 +57,7 @@ void ViewerPictures::setTile(int patch, int resolution, const QPoint &place, con
     painter.drawImage(area, picture);
     painter.end();
     const QPair<int, int> at(place.x() / tileSize, place.y() / tileSize);
-    const Tile arrived{tile, m_included, m_generation};
+    const Tile arrived{tile, m_included, m_paint, m_generation};
     const QRect pixels = area.toAlignedRect() & found->picture.rect();
     if (resolution == m_resolution) {
         found->tiles.insert(at, arrived);
@@ -178,7 +178,8 @@ bool ViewerPictures::readPaint(int number, int x, int y, const Run &run,
 {
     if (!m_paint)
         return false;
-    const OssLivePaint *had = run.tile ? run.tile->paint.get() : nullptr;
+    const bool isKnown = run.tile && run.tile->over == m_paint;
+    const OssLivePaint *had = isKnown ? run.tile->paint.get() : nullptr;
     const bool isPainted = readRow(*m_paint, number, x, y, run.count, paint);
     if (!had)
         return isPainted;

@@ -79,7 +79,8 @@ private:
     struct Tile
     {
         OssEvTilePointer values;
-        Included paint; ///< that the values have
+        Included paint;                         ///< that the values have
+        const OssEvPaintBuffer *over = nullptr; ///< of which that is an earlier state
         int generation = 0;
     };
 

@@ -3,6 +3,7 @@
 #include "Ossa/Viewer/ViewerHint.h"
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssCore/Undo/OssUndoManager.h"
+#include "OssEvaluation/Graph/OssEvGraph.h"
 #include "OssEvaluation/Schedule/OssEvPlan.h"
 #include "OssEvaluation/Values/OssEvPatch.h"
 #include "OssModel/Evaluation/OssEvaluationService.h"
@@ -19,8 +20,10 @@
 #include "OssModel/Project/OssProjectManager.h"
 
 #include <QCoreApplication>
+#include <QSet>
 
 #include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -29,19 +32,37 @@ constexpr int longestHold = 1000; // milliseconds
 constexpr int coarseResolution = 256;
 constexpr double coarseShare = 0.1; // of the work
 
+/// Of a material only one channel is seen as a picture.
+QVector<QPointer<const OssSnBaseNode>> seenIn(const OssSnEvaluationGraph &graph)
+{
+    const std::vector<OssEvGraph::Node> &nodes = graph.graph->nodes();
+    if (graph.node < 0)
+        return {};
+    const OssEvGraph::Node &target = nodes[std::size_t(graph.node)];
+    if (!target.kernel || target.kernel->name != "material" || graph.output < 0)
+        return graph.sources;
+    const int channel = std::max(graph.output - 1, 0); // the material looks like the first
+    const int from = target.inputs[std::size_t(channel)].node;
+    QSet<QString> seen{QString::fromStdString(target.name)};
+    for (const int node : from < 0 ? std::vector<int>() : graph.graph->upstream(from))
+        seen.insert(QString::fromStdString(nodes[std::size_t(node)].name));
+    QVector<QPointer<const OssSnBaseNode>> sources;
+    std::copy_if(graph.sources.cbegin(), graph.sources.cend(), std::back_inserter(sources),
+                 [&seen](const OssSnBaseNode *node) { return seen.contains(node->path()); });
+    return sources;
+}
+
 } // namespace
 
 ViewerSource::ViewerSource(QObject *parent)
     : QObject(parent)
 {
-    const auto touch = [this] {
-        m_dirty = true;
-    };
-    connect(OssUndoManager::instance(), &OssUndoManager::changed, this, touch);
-    connect(OssFileWatch::instance(), &OssFileWatch::changed, this, touch);
-    connect(OssMeshes::instance(), &OssMeshes::changed, this, touch);
+    connect(OssUndoManager::instance(), &OssUndoManager::changed, this, &ViewerSource::touch);
+    connect(OssFileWatch::instance(), &OssFileWatch::changed, this, &ViewerSource::touch);
+    connect(OssMeshes::instance(), &OssMeshes::changed, this, &ViewerSource::touch);
     const OssShaderNetworkManager *networks = OssShaderNetworkManager::instance();
-    connect(networks, &OssShaderNetworkManager::currentShaderNetworkChanged, this, touch);
+    connect(networks, &OssShaderNetworkManager::currentShaderNetworkChanged, this,
+            &ViewerSource::touch);
     connect(networks, &OssShaderNetworkManager::graphRefreshRequested, this, [this] { refresh(); });
     connect(OssProjectManager::instance(), &OssProjectManager::projectClosing, this, [this] {
         stop();
@@ -141,6 +162,7 @@ void ViewerSource::look()
     m_dirty = false;
     const QString key = OssSnResultKey::of(now.node, now.outputPoint);
     if (!other && key == m_shown.key && !key.isEmpty()) {
+        m_expectsSame = false;
         if (m_toldName != shownName())
             Q_EMIT renamed(m_toldName = shownName());
         return;
@@ -172,7 +194,7 @@ void ViewerSource::start(const OssGeoEntity *entity)
         return;
     }
     const OssSnEvaluationGraph graph = OssSnEvaluationGraph::of(m_shown.node, m_shown.outputPoint);
-    m_sources = graph.sources;
+    m_sources = seenIn(graph);
     const OssMeshes::Look shape = OssMeshes::instance()->look(entity ? entity->source()
                                                                      : OssGeometrySource());
     if (!shape.mesh) {
@@ -190,7 +212,8 @@ void ViewerSource::start(const OssGeoEntity *entity)
     Q_EMIT began(patches, shownName(), isOff ? ViewerHint::whyNothing() : graph.error);
     graph.tellProblem(graph.faulty, graph.error);
     follow(graph);
-    const bool coarse = m_resolution > coarseResolution;
+    const bool coarse = m_resolution > coarseResolution && !m_expectsSame;
+    m_expectsSame = false;
     m_startFine = [this, graph, patches, entity = m_entity] {
         for (const int patch : patches)
             startPatch(graph, entity, patch, m_resolution);
@@ -288,7 +311,9 @@ void ViewerSource::progress(int patch, int resolution, int done, int total)
 // A patch counts as much as any other, whether it is known by now how much there is to do for it.
 void ViewerSource::tellProgress(int resolution)
 {
-    const bool hasCoarse = m_resolution > coarseResolution;
+    const bool hasCoarse = std::any_of(
+        m_running.cbegin(), m_running.cend(),
+        [this](const Running &request) { return request.resolution < m_resolution; });
     double all = 0.0;
     for (const Running &request : qAsConst(m_running)) {
         const bool isCoarse = request.resolution < m_resolution;

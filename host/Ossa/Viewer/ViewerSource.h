@@ -50,6 +50,16 @@ public:
     void setFocus(const QPointF &place);
     /// Has all pixels made anew.
     void refresh();
+
+    /// The document is the same, but not what it shows.
+    void touch() { m_dirty = true; }
+
+    /// What comes next will look much as what is shown: no coarse picture is computed before it.
+    void expectSamePicture() { m_expectsSame = true; }
+
+    /// Whether nothing is computed.
+    bool isIdle() const { return m_running.isEmpty() || m_fineLeft == 0; }
+
     /// While off nothing is computed.
     void setActive(bool active);
     /// Gives the picture up until something is another.
@@ -105,10 +115,11 @@ private:
 
     QTimer m_timer;
     bool m_dirty = true;
+    bool m_expectsSame = false;
     bool m_active = false;
     Shown m_shown;
     QPointer<const OssGeoEntity> m_entity;
-    QVector<QPointer<const OssSnBaseNode>> m_sources; ///< of the picture
+    QVector<QPointer<const OssSnBaseNode>> m_sources; ///< of the picture alone
     ViewerLook m_look;
     int m_resolution = 1024;
     QPointF m_focus{0.5, 0.5};

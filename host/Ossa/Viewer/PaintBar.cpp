@@ -274,10 +274,8 @@ void PaintBar::showState()
         hint = tr("No project is open");
     else if (!node)
         hint = tr("There is nothing to paint on: \"New\" puts a paint node over what is shown.");
-    else if (!m_source->shows(node))
-        hint =
-            tr("\"%1\" is no part of what is shown; its paint will not be seen once it is baked.")
-                .arg(node->name());
+    else
+        hint = whyUnseen();
     m_hint->setText(hint);
     m_hint->setVisible(!hint.isEmpty());
 }

@@ -70,6 +70,7 @@ private:
     void showBrush();
     void showSize();
     void showState();
+    QString whyUnseen() const;
     void applyBrush();
     void keepColor();
 

@@ -4,6 +4,7 @@
 #include "Ossa/Painting/PaintMask.h"
 #include "Ossa/Painting/PaintNodes.h"
 #include "Ossa/Painting/PaintSession.h"
+#include "Ossa/Viewer/ViewerSource.h"
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssCore/Values/OssColor.h"
@@ -286,4 +287,22 @@ void PaintBar::makeNode()
                 .arg(shown ? shown->name() : QString()));
     if (paint && m_session->setAlong({}))
         m_session->setNode(paint);
+}
+
+/// Why the picture does not show what is painted; empty when it does.
+QString PaintBar::whyUnseen() const
+{
+    const OssSnImageSetNodeBase *node = m_session->node();
+    const QVector<OssSnImageSetNodeBase *> along = m_session->along();
+    const auto isShown = [this](const auto *painted) {
+        return m_source->shows(painted);
+    };
+    if (isShown(node) || std::any_of(along.cbegin(), along.cend(), isShown))
+        return {};
+    if (m_source->dependsOn(node))
+        return tr("\"%1\" is not the color of the material: its paint is seen in light, or when it is looked "
+                  "at by itself.")
+            .arg(node->name());
+    return tr("\"%1\" is no part of what is shown; its paint will not be seen once it is baked.")
+        .arg(node->name());
 }

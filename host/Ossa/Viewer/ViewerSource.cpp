@@ -91,6 +91,11 @@ bool ViewerSource::shows(const OssSnBaseNode *node) const
            });
 }
 
+bool ViewerSource::dependsOn(const OssSnBaseNode *node) const
+{
+    return node && m_allSources.contains(node);
+}
+
 bool ViewerSource::showsOnly(const OssSnBaseNode *node) const
 {
     return node && m_shown.node
@@ -188,6 +193,7 @@ void ViewerSource::start(const OssGeoEntity *entity)
     stop();
     m_entity = entity;
     m_sources.clear();
+    m_allSources.clear();
     if (!m_shown.node) {
         const bool isOpen = OssProjectManager::instance()->currentProject();
         Q_EMIT began({}, {}, isOpen ? ViewerHint::whyNothing() : tr("No project is open"));
@@ -195,6 +201,7 @@ void ViewerSource::start(const OssGeoEntity *entity)
     }
     const OssSnEvaluationGraph graph = OssSnEvaluationGraph::of(m_shown.node, m_shown.outputPoint);
     m_sources = seenIn(graph);
+    m_allSources = graph.sources;
     const OssMeshes::Look shape = OssMeshes::instance()->look(entity ? entity->source()
                                                                      : OssGeometrySource());
     if (!shape.mesh) {

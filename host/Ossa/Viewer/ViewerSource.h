@@ -40,6 +40,9 @@ public:
     /// Whether the picture depends on the node.
     bool shows(const OssSnBaseNode *node) const;
 
+    /// Whether that or another channel of the material that is looked at does.
+    bool dependsOn(const OssSnBaseNode *node) const;
+
     /// Whether the picture is what the node puts out, and nothing is done to it.
     bool showsOnly(const OssSnBaseNode *node) const;
 
@@ -120,6 +123,7 @@ private:
     Shown m_shown;
     QPointer<const OssGeoEntity> m_entity;
     QVector<QPointer<const OssSnBaseNode>> m_sources; ///< of the picture alone
+    QVector<QPointer<const OssSnBaseNode>> m_allSources;
     ViewerLook m_look;
     int m_resolution = 1024;
     QPointF m_focus{0.5, 0.5};

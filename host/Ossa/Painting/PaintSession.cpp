@@ -361,6 +361,8 @@ void PaintSession::tellArea(int patch, const QRectF &area)
     PaintSession *told = m_leader ? m_leader : this;
     if (told->m_shown == this)
         Q_EMIT told->painted(patch, area);
+    else
+        Q_EMIT told->paintedAlong(patch, area);
 }
 
 void PaintSession::tellAreas(const OssEvStroke::Areas &areas)

@@ -45,7 +45,6 @@ PaintSession *PaintSession::spare()
     m_along.push_back(std::unique_ptr<PaintSession>(new PaintSession(this)));
     PaintSession *made = m_along.back().get();
     connect(made, &PaintSession::stateChanged, this, &PaintSession::stateChanged);
-    connect(made, &PaintSession::painted, this, &PaintSession::paintedAlong);
     return made;
 }
 

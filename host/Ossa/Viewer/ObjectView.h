@@ -47,6 +47,9 @@ public:
 
     bool isLit() const { return m_isLit; }
 
+    /// Whether the object is seen in light, which draws strokes in hand by itself.
+    bool isMaterial() const { return m_isLit && m_lightProblem.isEmpty(); }
+
     void setLit(bool lit);
     /// What strokes on the object go to; must outlive the view. To be called once.
     void setCanvas(PaintSession *session);
@@ -104,7 +107,6 @@ protected:
 
 private:
     /// Whether it is drawn in light, not as patches.
-    bool isMaterial() const { return m_isLit && m_lightProblem.isEmpty(); }
 
     /// Whether a stroke or gradient is, which lies where the camera was when it began.
     bool isInHand() const;

@@ -43,7 +43,6 @@ constexpr double sizeStep = 1.2; // of the brush, from key to key
 constexpr double hardnessStep = 0.1;
 const QString screenKey = QStringLiteral("Viewer/screen");
 const QString resolutionKey = QStringLiteral("Viewer/resolution");
-constexpr int handTime = 80;  // milliseconds between pictures of a stroke in hand, at least
 constexpr int patience = 300; // milliseconds until a picture shows its progress
 constexpr int usualResolution = 1024;
 constexpr int widestDisplay = 180;
@@ -137,33 +136,6 @@ QWidget *ViewerPanel::makeFoot()
     return bar;
 }
 
-void ViewerPanel::followStrokes()
-{
-    followPaint();
-    m_hand.setSingleShot(true);
-    connect(&m_hand, &QTimer::timeout, this, &ViewerPanel::followHand);
-    connect(m_session, &PaintSession::painted, this, [this] {
-        const bool isExact = m_session->along().isEmpty() && m_source->showsOnly(m_session->node());
-        if (m_session->isPainting() && !isExact && !m_hand.isActive())
-            m_hand.start(std::max(handTime, 2 * m_tookPicture));
-    });
-    connect(m_session, &PaintSession::settled, m_source, &ViewerSource::expectSamePicture);
-    connect(m_session, &PaintSession::painted, m_pictures, &ViewerPictures::showPaint);
-    connect(m_session, &PaintSession::settled, m_pictures, &ViewerPictures::expectSamePicture);
-    connect(m_session, &PaintSession::stateChanged, this, &ViewerPanel::followPaint);
-    // Patches that nobody sees wait for the end of a stroke, which waits for nothing.
-    connect(m_session, &PaintSession::painted, this, [this] {
-        if (m_session->isPainting() && !m_makesWay && !m_view->isVisible())
-            m_makesWay = m_source->makeWay();
-    });
-    connect(m_session, &PaintSession::stateChanged, this, [this] {
-        if (m_makesWay && !m_session->isPainting()) {
-            m_makesWay = false;
-            m_source->refresh();
-        }
-    });
-}
-
 void ViewerPanel::follow()
 {
     connect(m_source, &ViewerSource::began, this,
@@ -215,16 +187,6 @@ void ViewerPanel::follow()
     m_object->light()->setResolution(m_resolution->currentData().toInt());
     followProject();
     applyLook();
-}
-
-void ViewerPanel::welcomeBrush(QWidget *canvas)
-{
-    m_paintBar->refresh();
-    // The brush's keys act as soon as the pointer is here, but nobody is interrupted in writing.
-    const QWidget *focus = QApplication::focusWidget();
-    const bool isWriting = focus && focus->testAttribute(Qt::WA_InputMethodEnabled);
-    if (m_paint->isChecked() && (!isWriting || isAncestorOf(focus)))
-        canvas->setFocus();
 }
 
 void ViewerPanel::followProgress()
@@ -385,45 +347,6 @@ QWidget *ViewerPanel::makeControls()
     connect(m_exposure, edited, this, &ViewerPanel::applyLook);
     connect(m_gamma, edited, this, &ViewerPanel::applyLook);
     return bar;
-}
-
-// Over the picture lies the paint of a node that it is made of.
-void ViewerPanel::followPaint()
-{
-    const OssSnImageSetNodeBase *shown = m_session->node();
-    const QVector<OssSnImageSetNodeBase *> along = m_session->along();
-    const auto other = std::find_if(along.cbegin(), along.cend(),
-                                    [this](const auto *node) { return m_source->shows(node); });
-    if (!m_source->shows(shown) && other != along.cend())
-        shown = *other;
-    m_isPaintSeen = m_source->shows(shown);
-    m_session->show(shown);
-    m_pictures->setPaint(&m_session->shownBuffer());
-    m_pictures->setShowsOwnImages(m_source->showsOnly(shown));
-}
-
-/// What no paint over a picture can tell, such as an eraser behind other nodes, is computed while the stroke
-/// goes on.
-void ViewerPanel::followHand()
-{
-    if (!m_session->isPainting())
-        return;
-    if (!m_source->isIdle()) {
-        m_hand.start(handTime);
-        return;
-    }
-    m_session->publishInHand();
-    m_source->touch();
-}
-
-void ViewerPanel::setPainting(bool on)
-{
-    m_paintBar->setVisible(on);
-    m_view->setPainting(on);
-    m_object->setPainted(on);
-    showLightBar();
-    followProject();
-    m_paintBar->refresh();
 }
 
 void ViewerPanel::forgetProject()

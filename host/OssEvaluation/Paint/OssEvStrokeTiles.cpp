@@ -3,6 +3,7 @@
 #include "OssEvaluation/Kernels/MergeRows.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace {
 
@@ -213,8 +214,8 @@ void OssEvStrokeTiles::follow(const OssEvStrokeTiles &others, const Areas &areas
         part.y -= tile.y;
         Tile &own = touch(place);
         for (int y = part.y; y < part.bottom(); ++y)
-            std::copy_n(theirs.coverage.begin() + y * Size + part.x, part.width,
-                        own.coverage.begin() + y * Size + part.x);
+            std::copy_n(theirs.coverage.begin() + std::ptrdiff_t(y) * Size + part.x, part.width,
+                        own.coverage.begin() + std::ptrdiff_t(y) * Size + part.x);
         own.stale = own.stale.united(part);
     }
 }

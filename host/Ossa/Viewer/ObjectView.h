@@ -106,8 +106,6 @@ protected:
     void leaveEvent(QEvent *event) override;
 
 private:
-    /// Whether it is drawn in light, not as patches.
-
     /// Whether a stroke or gradient is, which lies where the camera was when it began.
     bool isInHand() const;
     /// False where nothing is in hand.

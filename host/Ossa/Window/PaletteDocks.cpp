@@ -158,7 +158,11 @@ void PaletteDocks::restoreLayout()
 
 void PaletteDocks::applyState()
 {
+    // Windows of palettes that were closed while they floated are shown for a moment, and would take the keyboard with
+    // them for good.
+    ads::CDockManager::setConfigFlag(ads::CDockManager::FocusHighlighting, false);
     m_manager->restoreState(m_state, stateVersion);
+    ads::CDockManager::setConfigFlag(ads::CDockManager::FocusHighlighting, true);
     // Palettes that the state does not know were taken out of the layout.
     const QVector<OssPalette *> palettes = OssPaletteManager::instance()->palettes();
     for (OssPalette *palette : palettes) {

@@ -489,16 +489,6 @@ void PaintSession::publish()
     Q_EMIT settled();
 }
 
-void PaintSession::publishInHand()
-{
-    if (!m_stroke)
-        return;
-    m_stroke->share();
-    publish();
-    for (PaintSession *along : inUse())
-        along->publishInHand();
-}
-
 std::shared_ptr<const OssLivePaint> PaintSession::published() const
 {
     return m_shown->m_images ? m_shown->m_images->livePaint() : nullptr;

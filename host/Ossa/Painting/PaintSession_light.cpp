@@ -45,3 +45,13 @@ void PaintSession::withStroke(const std::function<void()> &run)
     for (const auto &[images, paint] : before)
         images->setLivePaint(paint);
 }
+
+void PaintSession::publishInHand()
+{
+    if (!m_stroke)
+        return;
+    m_stroke->share();
+    publish();
+    for (PaintSession *along : inUse())
+        along->publishInHand();
+}

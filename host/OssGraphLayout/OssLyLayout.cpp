@@ -16,7 +16,7 @@ struct Budget
     long perBox;
 };
 
-constexpr Budget RefineBudget{20000000, 3000};
+constexpr Budget RefineBudget{20000000, 2200};
 constexpr Budget OrderBudget{3150000, 250};
 constexpr long LargeGraph = 1000;     ///< boxes, from which on
 constexpr std::size_t FewBoxes = 150; ///< of which several orders are tried to the end

@@ -193,8 +193,9 @@ void ViewerPanel::followProgress()
     connect(m_source, &ViewerSource::progressed, this,
             [this](int thousandths, const QString &pass) {
                 m_patchesDone = thousandths;
+                // The first of a graph takes longer than those that a stroke asks for.
                 if (thousandths == m_progress->maximum())
-                    m_tookPicture = int(m_sinceBegin.elapsed());
+                    m_tookPicture = m_session->isPainting() ? int(m_sinceBegin.elapsed()) : 0;
                 m_patchesPass = pass;
                 showProgress();
             });

@@ -86,7 +86,8 @@ private:
     QElapsedTimer m_sinceBegin;
     bool m_isPaintSeen = false; ///< in what is evaluated
     QTimer m_hand;              ///< until what is evaluated has the stroke in hand
-    int m_tookPicture = 0;      ///< milliseconds
+    bool m_hasHand = false;     ///< what is evaluated has it
+    int m_tookPicture = 0;      ///< milliseconds, while one paints
     int m_patchesDone = 1000;   ///< thousandths
     int m_materialDone = 1000;
     int m_told = 0;

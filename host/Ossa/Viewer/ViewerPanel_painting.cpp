@@ -12,6 +12,7 @@
 #include <QToolButton>
 
 #include <algorithm>
+#include <utility>
 
 // The Viewer while one paints.
 
@@ -33,6 +34,11 @@ void ViewerPanel::followStrokes()
             m_hand.start(std::max(handTime, 2 * m_tookPicture));
     });
     connect(m_session, &PaintSession::settled, m_source, &ViewerSource::expectSamePicture);
+    // A stroke that was taken back leaves no step that would tell.
+    connect(m_session, &PaintSession::settled, this, [this] {
+        if (!m_session->isPainting() && std::exchange(m_hasHand, false))
+            m_source->touch();
+    });
     connect(m_session, &PaintSession::painted, m_pictures, &ViewerPictures::showPaint);
     connect(m_session, &PaintSession::settled, m_pictures, &ViewerPictures::expectSamePicture);
     connect(m_session, &PaintSession::stateChanged, this, &ViewerPanel::followPaint);
@@ -75,6 +81,7 @@ void ViewerPanel::followHand()
         return;
     }
     m_session->publishInHand();
+    m_hasHand = true;
     m_source->touch();
 }
 

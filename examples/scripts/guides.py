@@ -163,8 +163,8 @@ def painting(folder):
     wire(over, Base=tone, Over=paint)
     wire(normal, Height=ground)
     wire(surface, Base_Color=over, Normal=normal)
-    note("Step 1", 0.9, -430, "1  Paint lives in this node. In the Viewer, switch Paint on; the bar above says "
-         "\"Your Paint\". Drag over the sphere.")
+    note("Step 1", 0.9, -430, "1  Paint lives in this node. In the Viewer, choose 3D and switch Paint on; the bar "
+         "above says \"Your Paint\". Drag over the sphere.")
     note("Step 2", 2, -430, "2  A merge lays it over the stone. Turn its Amount, or choose Multiply as Blend Mode: "
          "the stone shows through the paint.")
     note("Step 3", -0.2, 330, "3  What lies below still changes: turn Scale of Ground. Your paint stays where it is.")

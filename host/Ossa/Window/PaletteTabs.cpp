@@ -14,7 +14,7 @@ namespace {
 
 QLabel *nameOf(const ads::CDockWidgetTab *tab)
 {
-    return tab->findChild<ads::CElidingLabel *>();
+    return tab ? tab->findChild<ads::CElidingLabel *>() : nullptr;
 }
 
 int widthOfName(const ads::CDockWidgetTab *tab)

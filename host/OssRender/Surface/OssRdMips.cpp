@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
 
 namespace {
@@ -23,7 +24,7 @@ float toNumber(std::uint16_t half)
 
 void put(float number, std::uint8_t *value)
 {
-    *value = std::uint8_t(number + 0.5F);
+    *value = std::uint8_t(std::lround(number));
 }
 
 void put(float number, std::uint16_t *half)

@@ -1,189 +1,210 @@
+#include "Graphs.h"
+#include "Measure.h"
+#include "Ossa/Common/Theme.h"
 #include "Ossa/Plugins/PluginLoader.h"
 #include "Ossa/Start/HostServices.h"
+#include "Ossa/Window/HostPalettes.h"
+#include "Ossa/Window/MainWindow.h"
 #include "OssCore/Undo/OssUndoManager.h"
-#include "OssInterface/Palettes/OssPalette.h"
-#include "OssInterface/Palettes/OssPaletteManager.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Graph/OssShadingGroup.h"
 #include "OssModel/Graph/OssSnBaseContext.h"
 #include "OssModel/Graph/OssSnBaseNode.h"
+#include "OssModel/Graph/OssSnGroupNode.h"
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectManager.h"
-#include "OssNodeGraph/Items/OssNgSceneIndex.h"
+#include "OssModel/Project/OssProjectSnapshot.h"
 
 #include <QApplication>
-#include <QGraphicsView>
-#include <QImage>
-#include <QPainter>
-#include <QRandomGenerator>
 #include <QSet>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <cstdio>
-#include <ctime>
+#include <cstdlib>
 
 #include <malloc.h>
 
-// The whole editor on graphs of 1,000 to 10,000 nodes: what a user waits for. Thread CPU time, in
-// milliseconds and in units of "cal", the painting of 1000 antialiased rounded rectangles in the
-// same process, so that runs on different machines can be compared.
+// The whole editor, with its window, on graphs of up to 100,000 nodes: what a user waits for.
+//   ossa_bench_editor [COUNT...]
 
 namespace {
 
-double now()
+OssProjectManager *projects()
 {
-    timespec time = {};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return double(time.tv_sec) * 1e3 + double(time.tv_nsec) / 1e6;
+    return OssProjectManager::instance();
 }
 
-double g_cal = 1.0;
-
-template <class Work>
-void measure(const char *what, int count, Work work)
+OssShaderNetwork *network()
 {
-    const double start = now();
-    work();
-    const double spent = now() - start;
-    std::printf("%7d  %-34s %9.1f ms %8.2f cal\n", count, what, spent, spent / g_cal);
+    return projects()->currentProject()->shadingGroups().first()->network();
 }
 
-double calibrate()
+void undo()
 {
-    QImage image(1920, 1080, QImage::Format_ARGB32_Premultiplied);
-    QPainter painter(&image);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setBrush(Qt::darkGray);
-    double best = 1e9;
-    for (int round = 0; round < 5; ++round) {
-        const double start = now();
-        for (int i = 0; i < 1000; ++i)
-            painter.drawRoundedRect(QRectF((i * 37) % 1700, (i * 91) % 950, 150, 90), 8, 8);
-        best = std::min(best, now() - start);
+    OssUndoManager::instance()->undo();
+}
+
+/// Some of the nodes, spread over the graph.
+QList<OssSnBaseNode *> someOf(const QList<OssSnBaseNode *> &nodes, int count)
+{
+    const int step = std::max(1, nodes.size() / count);
+    QList<OssSnBaseNode *> some;
+    for (int i = step / 2; i < nodes.size() && some.size() < count; i += step)
+        some.append(nodes.at(i));
+    return some;
+}
+
+/// Nodes that stand together, as one groups them.
+QList<OssSnBaseNode *> neighbours(const QList<OssSnBaseNode *> &nodes, int count)
+{
+    return nodes.mid(nodes.size() / 3, count);
+}
+
+double allocatedKilobytes()
+{
+    return double(mallinfo2().uordblks) / 1024.0;
+}
+
+void benchFiles(int count, const QString &path)
+{
+    projects()->newProject(QStringLiteral("Bench"));
+    Measure::row("populate through the operations", count, [&] { Graphs::fill(network(), count); });
+    Measure::rest();
+    Measure::row("save", count, [&] {
+        if (!projects()->saveProjectAs(path))
+            std::printf("failed to save\n");
+    });
+    projects()->closeProject();
+    Measure::rest();
+    const double before = allocatedKilobytes();
+    Measure::rowUntilRest("open to first picture", count, [&] {
+        if (!projects()->openProject(path))
+            std::printf("failed to open\n");
+    });
+    const double open = allocatedKilobytes() - before;
+    std::printf("%7d  %-44s %10.2f KB\n", count, "memory for each node and wire", open / count);
+    Measure::row("close", count, [&] { projects()->closeProject(); });
+    Measure::rest();
+    std::printf("%7d  %-44s %10.1f %%\n", count, "given back by closing",
+                100.0 * (open - (allocatedKilobytes() - before)) / open);
+}
+
+/// What keeps a copy of the work, as it steps while the user rests.
+void benchSnapshot(int count)
+{
+    OssProjectSnapshot snapshot(projects()->currentProject(), {});
+    double longest = 0.0;
+    double all = 0.0;
+    while (!snapshot.isDone()) {
+        const double start = Measure::now();
+        if (!snapshot.advance(4))
+            break;
+        const double spent = Measure::now() - start;
+        longest = std::max(longest, spent);
+        all += spent;
     }
-    return best;
+    Measure::print("copy of the work: longest step", count, longest);
+    Measure::print("copy of the work: all steps", count, all);
 }
 
-/// Chains of five kinds of node in a square, each fed from nodes before it.
-void fill(OssShaderNetwork *network, int count)
+/// One node is edited, and all that follows from it.
+void benchEdits(int count)
 {
-    const OssUndoManager::Pause pause;
-    const OssShaderNetwork::ViewUpdateLock lock(network);
-    const char *const keys[] = {"Layer/Merge", "Filter/Blur", "Adjust/Levels",
-                                "Procedural/Noise/Fractal Noise", "Math/Math"};
-    const char *const inputs[] = {"Base", "Input", "Input", "Frequency", "A"};
-    QRandomGenerator random(7);
-    const int side = int(std::ceil(std::sqrt(double(count))));
-    std::vector<OssSnBaseNode *> nodes;
-    for (int i = 0; i < count; ++i) {
-        // New nodes appear at the origin, which is kept free: none has to make way.
-        OssSnBaseNode *node = network->createNode(QString::fromLatin1(keys[i % 5]),
-                                                  QStringLiteral("Node %1").arg(i));
-        QMetaObject::invokeMethod(
-            node->context(QStringLiteral("NodeGraphView")), "setNodePosition",
-            Q_ARG(QPointF, QPointF(400.0 + (i % side) * 240.0, (i / side) * 180.0)));
-        if (i > 0) {
-            OssSnBaseNode *source = nodes[std::size_t(std::max(0, i - 1 - random.bounded(20)))];
-            node->setInputNode(QString::fromLatin1(inputs[i % 5]), source,
-                               source->prefferedOutputPoint());
-        }
-        nodes.push_back(node);
-    }
+    const QList<OssSnBaseNode *> nodes = network()->nodes();
+    OssSnBaseNode *node = nodes.at(nodes.size() / 2 / 5 * 5 + 1);
+    node->setSelected(true);
+    Measure::rest();
+    Measure::rowUntilRest("nothing, until it rests", count, [] {});
+    Measure::rowUntilRest("select another node", count,
+                          [&] { network()->selectOnly({nodes.at(nodes.size() / 3)}); });
+    Measure::rowUntilRest("attribute of one node", count,
+                          [&] { node->setAttribute(QStringLiteral("radius"), 7.5); });
+    Measure::rowUntilRest("rename one node", count,
+                          [&] { node->setName(QStringLiteral("Other")); });
+    Measure::rowUntilRest("move one node", count, [&] {
+        node->viewContext()->setNodePositionUndo(node->viewContext()->nodePosition()
+                                                 + QPointF(3, 3));
+    });
+    Measure::rowUntilRest("make one node", count,
+                          [&] { network()->createNode(QStringLiteral("Filter/Blur")); });
+    for (int i = 0; i < 4; ++i)
+        Measure::rowUntilRest("undo that", count, undo);
 }
 
-QWidget *graphWidget()
+void benchGroups(int count, const char *what, const QList<OssSnBaseNode *> &members)
 {
-    OssPalette *palette = OssPaletteManager::instance()->find(QStringLiteral("node_graph_palette"));
-    palette->resize(1920, 1080);
-    return palette;
-}
-
-/// Twice the area of a triangle; its sign says on which side of a to b the third point is.
-double turn(const QPointF &a, const QPointF &b, const QPointF &point)
-{
-    return (b.x() - a.x()) * (point.y() - a.y()) - (b.y() - a.y()) * (point.x() - a.x());
-}
-
-bool cross(const OssNgSceneIndex::WireEntry &a, const OssNgSceneIndex::WireEntry &b)
-{
-    return turn(a.start, a.end, b.start) * turn(a.start, a.end, b.end) < 0.0
-           && turn(b.start, b.end, a.start) * turn(b.start, b.end, a.end) < 0.0;
-}
-
-/// How well the graph can be read: wires that cross, taken for straight, and nodes on each other.
-void judge(const char *what, int count)
-{
-    const auto *view = graphWidget()->findChild<QGraphicsView *>();
-    const OssNgSceneIndex *index = view ? OssNgSceneIndex::of(view->scene()) : nullptr;
-    if (!index)
+    OssSnGroupNode *group = nullptr;
+    const auto row = [&](const char *step, auto work) {
+        char text[64];
+        std::snprintf(text, sizeof text, "%s %s", step, what);
+        Measure::rowUntilRest(text, count, work);
+    };
+    row("group", [&] { group = network()->groupNodes(members); });
+    if (!group) {
+        std::printf("no group was made\n");
         return;
-    int crossings = 0;
-    int overlaps = 0;
-    const auto &wires = index->wireEntries();
-    const auto &nodes = index->nodeEntries();
-    for (std::size_t i = 0; i < wires.size(); ++i) {
-        for (std::size_t j = i + 1; j < wires.size(); ++j)
-            crossings += wires[i].edge && wires[j].edge && cross(wires[i], wires[j]) ? 1 : 0;
     }
-    for (std::size_t i = 0; i < nodes.size(); ++i) {
-        for (std::size_t j = i + 1; j < nodes.size(); ++j)
-            overlaps += nodes[i].node && nodes[j].node
-                                && nodes[i].bounds.intersects(nodes[j].bounds)
-                            ? 1
-                            : 0;
-    }
-    std::printf("%7d  %-34s %9d crossings, %d overlaps\n", count, what, crossings, overlaps);
+    row("undo of group", undo);
+    row("redo of group", [] { OssUndoManager::instance()->redo(); });
+    row("ungroup", [&] {
+        for (OssSnBaseNode *node : network()->nodes()) {
+            if (auto *made = qobject_cast<OssSnGroupNode *>(node))
+                network()->ungroup(made);
+        }
+    });
+    row("undo of ungroup", undo);
+    undo();
+    Measure::rest();
+}
+
+void benchMany(int count)
+{
+    const QList<OssSnBaseNode *> nodes = network()->nodes();
+    const QList<OssSnBaseNode *> thousand = someOf(nodes, std::min(1000, count / 9));
+    Measure::rowUntilRest("select all", count, [&] { network()->selectOnly(nodes); });
+    Measure::rowUntilRest("select none", count, [&] { network()->selectOnly({}); });
+    Measure::rowUntilRest("delete 1,000", count, [&] {
+        network()->removeNodes(QSet<OssSnBaseNode *>(thousand.begin(), thousand.end()));
+    });
+    Measure::rowUntilRest("undo it", count, undo);
+    Measure::rowUntilRest("extract 1,000", count,
+                          [&] { network()->extractNodes(thousand, false); });
+    Measure::rowUntilRest("undo it", count, undo);
+    benchGroups(count, "1,000", neighbours(network()->nodes(), std::min(1000, count / 2)));
+    benchGroups(count, "everything", network()->nodes());
+    Measure::rowUntilRest("autoplace all", count, [&] {
+        OssShaderNetworkManager::instance()->requestLayout(network(), network()->nodes());
+    });
+    Measure::rowUntilRest("undo it", count, undo);
+    Measure::rowUntilRest("delete all", count, [&] {
+        const QList<OssSnBaseNode *> all = network()->nodes();
+        network()->removeNodes(QSet<OssSnBaseNode *>(all.begin(), all.end()));
+    });
+    Measure::rowUntilRest("undo it", count, undo);
 }
 
 void bench(int count, const QString &path)
 {
-    OssProjectManager *projects = OssProjectManager::instance();
-    OssProject *project = projects->newProject(QStringLiteral("Bench"));
-    measure("populate through the operations", count,
-            [&] { fill(project->shadingGroups().first()->network(), count); });
-    measure("save", count, [&] {
-        if (!projects->saveProjectAs(path))
-            std::printf("failed to save\n");
-    });
-    projects->closeProject();
-    const auto before = mallinfo2().uordblks;
-    measure("open to first picture", count, [&] {
-        if (!projects->openProject(path))
-            std::printf("failed to open\n");
-        graphWidget()->grab();
-    });
-    std::printf("%7d  %-34s %9.1f KB\n", count, "memory for each node and wire",
-                double(mallinfo2().uordblks - before) / 1024.0 / count);
-    project = projects->currentProject();
-    OssShaderNetwork *network = project->shadingGroups().first()->network();
-    measure("state hash", count, [&] { project->stateHash(); });
-    QSet<OssSnBaseNode *> some;
-    const QList<OssSnBaseNode *> nodes = network->nodes();
-    for (int i = 0; i < 1000 && i * 9 + 5 < nodes.size(); ++i)
-        some.insert(nodes.at(i * 9 + 5));
-    measure("select all", count, [&] {
-        for (OssSnBaseNode *node : nodes)
-            node->setSelected(true);
-    });
-    measure("delete 1,000 (or a ninth)", count, [&] { network->removeNodes(some); });
-    measure("undo it", count, [&] { OssUndoManager::instance()->undo(); });
-    for (OssSnBaseNode *node : nodes)
-        node->setSelected(false);
-    judge("as made", count);
-    measure("autoplace", count,
-            [&] { OssShaderNetworkManager::instance()->requestLayout(network, nodes); });
-    judge("placed", count);
-    measure("undo it", count, [&] { OssUndoManager::instance()->undo(); });
-    measure("close", count, [&] { projects->closeProject(); });
+    benchFiles(count, path);
+    if (!projects()->openProject(path))
+        std::printf("failed to open\n");
+    Measure::rest();
+    Measure::row("state hash", count, [] { projects()->currentProject()->stateHash(); });
+    benchSnapshot(count);
+    benchEdits(count);
+    benchMany(count);
+    projects()->closeProject();
+    Measure::rest();
 }
 
 /// Nodes that all hang on one by a name cost what as many do that know nothing of each other.
 void benchTeleports(const QString &path)
 {
     constexpr int Count = 800;
-    OssProjectManager *projects = OssProjectManager::instance();
+
     const QString channel = QStringLiteral("channel");
     const auto make = [&](OssShaderNetwork *network, const char *key, const QPointF &place) {
         OssSnBaseNode *node = network->createNode(QString::fromLatin1(key));
@@ -194,19 +215,20 @@ void benchTeleports(const QString &path)
     };
     for (const char *key : {"Procedural/Color", "Teleport Receiver/Receiver"}) {
         OssShaderNetwork *network =
-            projects->newProject(QStringLiteral("Bench"))->shadingGroups().first()->network();
+            projects()->newProject(QStringLiteral("Bench"))->shadingGroups().first()->network();
         OssSnBaseNode *sender = make(network, "Teleport Broadcast/Broadcast", {0.0, 400.0});
-        measure(key, Count, [&] {
+        Measure::row(key, Count, [&] {
             for (int i = 0; i < Count; ++i)
                 make(network, key, {400.0 + (i % 28) * 240.0, (i / 28) * 180.0});
         });
-        measure("another channel for the sender", Count,
-                [&] { sender->setAttribute(QStringLiteral("channel"), QStringLiteral("Other")); });
-        measure("save and open", Count, [&] {
-            if (!projects->saveProjectAs(path) || !projects->openProject(path))
+        Measure::row("another channel for the sender", Count, [&] {
+            sender->setAttribute(QStringLiteral("channel"), QStringLiteral("Other"));
+        });
+        Measure::row("save and open", Count, [&] {
+            if (!projects()->saveProjectAs(path) || !projects()->openProject(path))
                 std::printf("failed\n");
         });
-        projects->closeProject();
+        projects()->closeProject();
     }
 }
 
@@ -219,13 +241,22 @@ int main(int argc, char **argv)
     const QTemporaryDir folder;
     qputenv("OSSA_CONFIG_DIR", folder.path().toLocal8Bit());
     const QApplication application(argc, argv);
+    Theme::apply();
     OssApplication::setPopupsAllowed(false);
     PluginLoader plugins;
     HostServices services;
     services.start(&plugins);
-    g_cal = calibrate();
-    std::printf("cal %.1f ms\n", g_cal);
-    for (const int count : {50, 1000, 5000, 10000})
+    HostPalettes::registerAll();
+    MainWindow window;
+    window.resize(1920, 1080);
+    window.show();
+    Measure::calibrate();
+    QList<int> counts;
+    for (const QString &argument : QApplication::arguments().mid(1))
+        counts.append(argument.toInt());
+    if (counts.isEmpty())
+        counts = {1000, 10000, 50000, 100000};
+    for (const int count : counts)
         bench(count, folder.filePath(QStringLiteral("B%1.ossa").arg(count)));
     benchTeleports(folder.filePath(QStringLiteral("Teleports.ossa")));
     return 0;

@@ -13,14 +13,15 @@
 
 #include <QAction>
 #include <QCursor>
+#include <QGuiApplication>
 #include <QKeyEvent>
+#include <QStyleHints>
 
 #include <algorithm>
 
 namespace {
 
-constexpr int Repeat = 60;     // milliseconds within which a key that is still held comes again
-constexpr int LongPress = 350; // milliseconds; less is a tap, which leaves the node in view
+constexpr int Repeat = 60; // milliseconds within which a key that is still held comes again
 
 /// A key that is held comes again and again, as if it were let go between.
 bool isLetGo(const QAction *action, const QKeyEvent *event)
@@ -106,7 +107,8 @@ void SoloLook::release()
 {
     m_letGo.stop();
     m_isHeld = false;
-    if (m_hasMoved || m_sincePress.elapsed() > LongPress)
+    // A tap leaves the node in view.
+    if (m_hasMoved || m_heldFor > QGuiApplication::styleHints()->keyboardInputInterval())
         OssSolo::instance()->end();
 }
 
@@ -150,9 +152,12 @@ bool SoloLook::eventFilter(QObject *watched, QEvent *event)
     if (!m_view)
         return false;
     if (event->type() == QEvent::KeyRelease && m_isHeld) {
-        if (isLetGo(m_action, static_cast<QKeyEvent *>(event)))
+        if (isLetGo(m_action, static_cast<QKeyEvent *>(event))) {
+            m_heldFor = m_sincePress.elapsed();
             m_letGo.start();
+        }
     } else if (event->type() == QEvent::FocusOut && m_isHeld && watched == m_view) {
+        m_heldFor = m_sincePress.elapsed();
         release(); // where the key is let go is not told here
     } else if (event->type() == QEvent::MouseMove && m_isHeld) {
         const OssSnBaseNode *node = nodeUnderPointer(m_view);

@@ -32,6 +32,7 @@ private:
     QAction *m_action;
     QPointer<OssShaderNetworkView> m_view; ///< in which the key is held, or that ends it by Esc
     QElapsedTimer m_sincePress;
+    qint64 m_heldFor = 0;   ///< milliseconds, when it was let go
     QTimer m_letGo;         ///< runs out when no repetition of the key comes after its release
     bool m_isByKey = false; ///< while the command is carried out
     bool m_isHeld = false;

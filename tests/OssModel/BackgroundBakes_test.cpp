@@ -6,6 +6,7 @@
 #include "OssModel/Objects/OssImageSet.h"
 #include "OssModel/Project/OssProjectManager.h"
 #include "support/ModelFixture.h"
+#include "support/PassTime.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -131,7 +132,7 @@ TEST_F(BackgroundBakes, costNoUndoneSteps)
     OssUndoManager::instance()->undo();
     bakes()->start({m_node}, OssBakeManager::EmptyAndOutOfDate);
     ASSERT_TRUE(QTest::qWaitFor([] { return !bakes()->waitsFor().isEmpty(); }, Wait));
-    QTest::qWait(200);
+    passTime(200);
     EXPECT_TRUE(OssUndoManager::instance()->canRedo());
     EXPECT_FALSE(m_node->hasBakedResult());
     EXPECT_TRUE(bakes()->waitsFor().contains(text("redo"))) << qPrintable(bakes()->waitsFor());
@@ -145,7 +146,7 @@ TEST_F(BackgroundBakes, waitForTheEndOfAGesture)
     {
         const OssUndoManager::AutoMacro gesture(text("Drag"));
         bakes()->start({m_node}, OssBakeManager::EmptyAndOutOfDate);
-        QTest::qWait(300);
+        passTime(300);
         EXPECT_FALSE(m_node->hasBakedResult());
         paint(m_color, Qt::yellow);
     }
@@ -164,9 +165,9 @@ TEST_F(BackgroundBakes, areStoppedWithoutATrace)
     bakes()->start({m_node, second}, OssBakeManager::Again);
     ASSERT_TRUE(hasBegun());
     bakes()->setPaused(true);
-    QTest::qWait(500);
+    passTime(500);
     const int done = bakes()->thousandths();
-    QTest::qWait(500);
+    passTime(500);
     EXPECT_EQ(bakes()->thousandths(), done) << "it rests";
     bakes()->setPaused(false);
     bakes()->cancel();

@@ -10,6 +10,7 @@
 #include "OssModel/Objects/OssImageSet.h"
 #include "OssModel/Objects/OssMeshes.h"
 #include "support/ModelFixture.h"
+#include "support/PassTime.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -90,7 +91,7 @@ protected:
     }
 
     /// Long enough for every look that a change causes.
-    static void waitForLooks() { QTest::qWait(250); }
+    static void waitForLooks() { passTime(250); }
 
     static void touch(const QString &path)
     {

@@ -1,3 +1,4 @@
+#include "support/PassTime.h"
 #include "ViewFixture.h"
 
 #include <QAccessible>
@@ -74,7 +75,7 @@ TEST_F(OssNgAccessibleTest, screenReadersBringOnlyWhatIsOffTheScreenIntoView)
     };
     const QPointF before = middle();
     EXPECT_TRUE(pressed(a).startsWith(text("A")));
-    QTest::qWait(40);
+    passTime(40);
     EXPECT_EQ(middle(), before);
     EXPECT_EQ(scene.selectedItems(), QList<QGraphicsItem *>{a});
     const QString name = pressed(far);

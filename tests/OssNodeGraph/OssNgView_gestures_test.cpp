@@ -1,6 +1,7 @@
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssNodeGraph/Drawing/OssNgStyle.h"
 #include "OssNodeGraph/Gestures/OssNgShakeDetector.h"
+#include "support/PassTime.h"
 #include "ViewFixture.h"
 
 #include <QSignalSpy>
@@ -226,7 +227,7 @@ TEST_F(OssNgViewTest, pointerHeldAtTheBorderTakesTheNodeAlong)
     EXPECT_GT(a->pos().x(), x + 50.0); // the pointer rests: it moves with the view
     move(middle());
     const QPointF rest = middle();
-    QTest::qWait(60);
+    passTime(60);
     EXPECT_EQ(middle(), rest);
     release(rest);
 }

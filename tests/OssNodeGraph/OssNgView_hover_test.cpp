@@ -1,4 +1,5 @@
 #include "OssCore/Undo/OssUndoManager.h"
+#include "support/PassTime.h"
 #include "ViewFixture.h"
 
 #include <QGestureEvent>
@@ -171,7 +172,7 @@ TEST_F(OssNgHoverTest, theViewGlidesToANearPlaceAndJumpsToAFarOne)
     view.centerViewOn(there + QPointF(300, 0), true);
     view.panLeft(); // who moves the view has it
     const QPointF panned = middle();
-    QTest::qWait(60);
+    passTime(60);
     EXPECT_EQ(middle(), panned);
     view.hide();
     view.centerViewOn(there, true);

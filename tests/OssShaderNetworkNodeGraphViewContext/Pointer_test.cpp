@@ -2,8 +2,11 @@
 #include "OssInterface/Dialogs/OssNodeQuickFindDialog.h"
 #include "OssModel/Evaluation/OssSolo.h"
 #include "PointerFixture.h"
+#include "support/PassTime.h"
 
+#include <QGuiApplication>
 #include <QListView>
+#include <QStyleHints>
 
 #include <cstdlib>
 
@@ -76,11 +79,14 @@ TEST_F(Pointer, theKeyLooksAtWhatIsUnderThePointerAndAtNothingWhenItWasHeld)
     };
     const auto letGo = [this] {
         QTest::keyRelease(m_view, Qt::Key_S);
-        QTest::qWait(100);
+        passTime(100);
         return OssSolo::instance()->node();
     };
     select({m_color});
     pointAt(m_blur);
+    QStyleHints *hints = QGuiApplication::styleHints();
+    const int usual = hints->keyboardInputInterval();
+    hints->setKeyboardInputInterval(60000);
     EXPECT_EQ(press(), m_blur);
     EXPECT_EQ(letGo(), m_blur) << "a tap";
     EXPECT_TRUE(action->isChecked());
@@ -91,10 +97,12 @@ TEST_F(Pointer, theKeyLooksAtWhatIsUnderThePointerAndAtNothingWhenItWasHeld)
     press();
     QKeyEvent repeated(QEvent::KeyRelease, Qt::Key_S, {}, QString(), true);
     QCoreApplication::sendEvent(m_view, &repeated);
-    QTest::qWait(400);
+    passTime(100);
+    hints->setKeyboardInputInterval(50);
     EXPECT_EQ(OssSolo::instance()->node(), m_blur) << "held, however late the key comes again";
     EXPECT_EQ(pointAt(m_color), m_color);
     EXPECT_EQ(letGo(), nullptr) << "it was held";
+    hints->setKeyboardInputInterval(usual);
     EXPECT_FALSE(action->isChecked());
     action->trigger();
     EXPECT_EQ(OssSolo::instance()->node(), m_color) << "menus look at the selection";

@@ -1,5 +1,6 @@
 #include "GraphFixture.h"
 #include "support/InterfaceUser.h"
+#include "support/PassTime.h"
 
 #include <QtTest>
 
@@ -236,7 +237,7 @@ TEST_F(ViewTest, newNodesMoveAwayFromOthersButNotFromBackdrops)
 TEST_F(ViewTest, preferencesReachTheViewAfterItsBinding)
 {
     OssShaderNetworkView view(nullptr);
-    QTest::qWait(600);
+    passTime(600);
     EXPECT_EQ(view.transformationAnchor(), QGraphicsView::AnchorUnderMouse);
     m_manager->setZoomTo(OssSnNodeGraphViewContextManager::Center);
     EXPECT_EQ(view.transformationAnchor(), QGraphicsView::AnchorViewCenter);

@@ -7,6 +7,7 @@
 #include "OssModel/Export/OssExportPresets.h"
 #include "support/InterfaceUser.h"
 #include "support/ModelFixture.h"
+#include "support/PassTime.h"
 #include "support/Text.h"
 
 #include <QCheckBox>
@@ -46,7 +47,7 @@ protected:
         ModelFixture::TearDown();
     }
 
-    static void settle() { QTest::qWait(350); }
+    static void settle() { passTime(350); }
 
     QComboBox &presets() { return *m_panel->findChildren<QComboBox *>().first(); }
 

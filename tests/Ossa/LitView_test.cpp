@@ -9,6 +9,7 @@
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "support/InterfaceUser.h"
 #include "support/ModelFixture.h"
+#include "support/PassTime.h"
 #include "support/Text.h"
 
 #include <QSignalSpy>
@@ -151,7 +152,7 @@ TEST_F(LitView, progressOfTheMapsOnlyGrowsAndTheUserStopsIt)
         return texels ? texels->size : 0;
     };
     const int before = size();
-    QTest::qWait(100);
+    passTime(100);
     EXPECT_EQ(size(), before);
     // What follows begins it again.
     told.clear();
@@ -388,7 +389,7 @@ TEST_F(LitView, theLastThatIsAskedForIsDrawnCoarselyWhileItMovesAndExactlyAtRest
     pictures.clear();
     request.scene = std::make_shared<OssRdScene>(*request.scene);
     renderer.draw(request);
-    QTest::qWait(100);
+    passTime(100);
     EXPECT_TRUE(pictures.isEmpty());
 
     // Of many only the last need be drawn, and the thread ends while there is work.

@@ -9,6 +9,7 @@
 #include "OssModel/Images/OssLivePaint.h"
 #include "OssModel/Nodes/OssSnResultKey.h"
 #include "PaintFixture.h"
+#include "support/PassTime.h"
 
 #include <QEventLoop>
 #include <QImage>
@@ -450,7 +451,7 @@ TEST_F(LitPainting, whatIsComputedMeanwhileTakesNoPaintAway)
     EXPECT_TRUE(comes(1.0F));
     // The picture of the first stroke comes while the second one is in hand.
     EXPECT_TRUE(QTest::qWaitFor([this] { return isWhole(); }, 20000));
-    QTest::qWait(100);
+    passTime(100);
     EXPECT_EQ(metallic(), 1.0F);
     EXPECT_EQ(metallic(0.8), 1.0F);
     // Another size waits for its end.

@@ -7,6 +7,7 @@
 #include "OssNodeGraph/Items/OssNgSceneIndex.h"
 #include "OssNodeGraph/View/OssNgView.h"
 #include "support/ModelFixture.h"
+#include "support/PassTime.h"
 #include "support/Text.h"
 
 #include <QGraphicsScene>
@@ -73,7 +74,7 @@ TEST_F(Thumbnails, areOfNodesInViewFollowEditsAndGoWhenSwitchedOff)
 {
     const qreal plain = m_near.boundingRect().height();
     NodeThumbnails thumbnails;
-    QTest::qWait(300);
+    passTime(300);
     EXPECT_EQ(m_near.boundingRect().height(), plain) << "off at first";
     thumbnails.setEnabled(true);
     ASSERT_TRUE(QTest::qWaitFor([&] { return m_near.boundingRect().height() > plain; }, 20000));
@@ -98,7 +99,7 @@ TEST_F(Thumbnails, areOfNodesInViewFollowEditsAndGoWhenSwitchedOff)
     const std::uint64_t computed = tilesComputed();
     m_near.setPosition({5.0, 0.0});
     m_node->setName(text("Moved"));
-    QTest::qWait(400);
+    passTime(400);
     EXPECT_EQ(tilesComputed(), computed) << "where a node stands and its name change no picture";
 
     thumbnails.setEnabled(false);

@@ -6,6 +6,7 @@
 #include "OssEvaluation/Geometry/OssEvMesh.h"
 #include "OssRender/Draw/OssRdScene.h"
 #include "support/InterfaceUser.h"
+#include "support/PassTime.h"
 
 #include <gtest/gtest.h>
 
@@ -190,7 +191,7 @@ TEST_F(ObjectDrawing, theViewShowsPicturesAsTheyArriveAndTurnsUnderTheMouse)
                                                   std::array<float, 4>{0.0F, 1.0F, 0.0F, 1.0F});
     for (int i = 0; i < 4; ++i)
         pictures.setTile(1001, 256, {128 * (i % 2), 128 * (i / 2)}, green, tile);
-    QTest::qWait(120);
+    passTime(120);
     EXPECT_EQ(middle(), QColor(Qt::green));
 
     const QImage before = view.grab().toImage();

@@ -4,6 +4,7 @@
 #include "OssCore/Program/OssStatusManager.h"
 #include "PaintFixture.h"
 #include "support/DialogAnswers.h"
+#include "support/PassTime.h"
 
 #include <QColorDialog>
 #include <QComboBox>
@@ -129,7 +130,7 @@ TEST_F(PaintBars, followsTheSelectionWhereThatIsNoEdit)
     stroke();
     second->setSelected(false);
     first->setSelected(true);
-    QTest::qWait(50);
+    passTime(50);
     EXPECT_EQ(m_session->node(), second) << "its paint would have to be baked";
 }
 

@@ -1,4 +1,5 @@
 #include "PaintFixture.h"
+#include "support/PassTime.h"
 
 #include <QPaintEvent>
 #include <QSignalSpy>
@@ -239,7 +240,7 @@ TEST_F(PaintGestures, anUndoneStrokeIsDrawnAnewWhereItWas)
     const QImage empty = look();
     dab();
     EXPECT_EQ(look().pixelColor(at(0.5, 0.5)), QColor(Qt::red));
-    QTest::qWait(50);
+    passTime(50);
 
     struct Repaints : public QObject
     {

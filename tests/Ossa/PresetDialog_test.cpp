@@ -5,6 +5,7 @@
 #include "OssModel/Export/OssExportPresets.h"
 #include "support/DialogAnswers.h"
 #include "support/ModelFixture.h"
+#include "support/PassTime.h"
 #include "support/Text.h"
 
 #include <QCheckBox>
@@ -54,7 +55,7 @@ protected:
         settle();
     }
 
-    static void settle() { QTest::qWait(250); }
+    static void settle() { passTime(250); }
 
     template <class Widget>
     Widget *find(const char *name)

@@ -4,6 +4,7 @@
 #include "OssInterface/Popups/OssApplication.h"
 #include "ScriptSession.h"
 #include "support/OssaFiles.h"
+#include "support/PassTime.h"
 
 #include <QAction>
 #include <QPushButton>
@@ -172,7 +173,7 @@ TEST_F(ScriptEngine, callsFunctionsForSignalsDuringAndAfterAScript)
               "['A']");
     m_network->node(text("A"))->setName(text("B"));
     waitForEngine();
-    QTest::qWait(50);
+    passTime(50);
     EXPECT_EQ(printed("names"), "['A', 'B']");
     EXPECT_EQ(printed("node.renamed.disconnect(names.append)\nnode.name = 'C'\nnames"),
               "['A', 'B']");
@@ -186,7 +187,7 @@ TEST_F(ScriptEngine, callsNoFunctionWhileTheUsersHandsAreOn)
     {
         const OssUndoManager::AutoMacro gesture(text("Gesture"));
         m_network->node(text("Soft"))->setName(text("A"));
-        QTest::qWait(150);
+        passTime(150);
         EXPECT_FALSE(engine()->isRunning());
     }
     QSignalSpy finished(engine(), &OssScriptEngine::finished);

@@ -17,6 +17,7 @@
 #include "support/InterfaceUser.h"
 #include "support/ModelFixture.h"
 #include "support/OssaFiles.h"
+#include "support/PassTime.h"
 #include "support/Text.h"
 
 #include <QComboBox>
@@ -187,14 +188,14 @@ TEST_F(Viewing, beginsAnewOnlyForAnotherPicture)
 {
     show(m_red);
     EXPECT_TRUE(comesToShow(Qt::red));
-    QTest::qWait(200);
+    passTime(200);
     QSignalSpy began(m_source, &ViewerSource::began);
     m_green->setAttribute(text("Color"), text("0,0,1,1"));
     m_red->setName(text("Renamed"));
     choose("Channels", 0);
     m_source->setLook({});
     m_source->setResolution(256);
-    QTest::qWait(300);
+    passTime(300);
     EXPECT_TRUE(began.isEmpty());
     const QList<QLabel *> labels = m_panel->findChildren<QLabel *>();
     EXPECT_TRUE(std::any_of(labels.cbegin(), labels.cend(), [](const QLabel *label) {
@@ -250,7 +251,7 @@ TEST_F(Viewing, computesNothingWhileNobodySeesIt)
     m_panel->hide();
     QSignalSpy began(m_source, &ViewerSource::began);
     show(m_red);
-    QTest::qWait(200);
+    passTime(200);
     EXPECT_TRUE(began.isEmpty());
     m_panel->show();
     EXPECT_TRUE(comesToShow(Qt::red));
@@ -491,7 +492,7 @@ TEST_F(Viewing, escapeStopsThePictureUntilTheNextChange)
     QTest::keyClick(m_panel.get(), Qt::Key_Escape);
     EXPECT_EQ(progress.last().at(0), 1000) << "nothing is computed";
     const int before = tiles;
-    QTest::qWait(200);
+    passTime(200);
     EXPECT_EQ(tiles, before);
     m_red->setAttribute(text("Color"), text("0,0,1,1"));
     EXPECT_TRUE(comesToShow(Qt::blue));

@@ -7,6 +7,7 @@
 #include "OssModel/Project/OssNodeTypeWatch.h"
 #include "OssModel/Types/OssSnDataKind.h"
 #include "Program/StartedProgram.h"
+#include "support/PassTime.h"
 
 #include <QFile>
 #include <QTest>
@@ -182,7 +183,7 @@ TEST_F(EchoedCommands, eachIsToldOnceAndOnlyWhileTheUserWantsIt)
         EXPECT_EQ(told(), "") << "it is not over";
         m_second->setBypassed(true);
     }
-    QTest::qWait(120);
+    passTime(120);
     EXPECT_NE(told().find("node(\"Second\").bypassed = True"), std::string::npos);
 }
 

@@ -261,9 +261,14 @@ void OssShaderNetwork::setViewerNodeCurrentEdge(int edge, bool notify)
 
 OssSnBaseNode *OssShaderNetwork::viewerNode() const
 {
-    const QList<OssSnBaseNode *> all = rootNetwork()->getAllNodes();
+    const OssShaderNetwork *root = rootNetwork();
+    QPointer<OssSnBaseNode> &last = root->m_lastViewer;
+    if (last && last->network() && last->network()->rootNetwork() == root)
+        return last;
+    const QList<OssSnBaseNode *> all = root->getAllNodes();
     const auto found = std::find_if(all.cbegin(), all.cend(), [](const OssSnBaseNode *node) {
         return node->hasTag(OssSnTags::viewer());
     });
-    return found == all.cend() ? nullptr : *found;
+    last = found == all.cend() ? nullptr : *found;
+    return last;
 }

@@ -199,6 +199,7 @@ private:
     mutable QHash<QString, unsigned> m_freeNumbers;
     QPointer<OssShadingContext> m_shadingContext;
     int m_viewerEdge = 1;
+    mutable QPointer<OssSnBaseNode> m_lastViewer; ///< of a root: that was found last
     int m_viewLocks = 0;
 };
 

@@ -66,10 +66,12 @@ ViewerSource::ViewerSource(QObject *parent)
     connect(networks, &OssShaderNetworkManager::graphRefreshRequested, this, [this] { refresh(); });
     connect(OssProjectManager::instance(), &OssProjectManager::projectClosing, this, [this] {
         stop();
-        m_shown = {};
-        m_dirty = true;
+        refresh();
     });
     connect(OssStatusManager::instance(), &OssStatusManager::stopAsked, this, &ViewerSource::halt);
+    connect(OssUndoManager::instance(), &OssUndoManager::changedWithoutStep, this,
+            &ViewerSource::wake);
+    connect(OssSolo::instance(), &OssSolo::changed, this, &ViewerSource::wake);
     connect(&m_timer, &QTimer::timeout, this, &ViewerSource::look);
     m_timer.setInterval(lookInterval);
 }
@@ -106,7 +108,7 @@ void ViewerSource::setActive(bool active)
 {
     m_active = active;
     if (active) {
-        m_timer.start();
+        wake();
         return;
     }
     m_timer.stop();
@@ -149,7 +151,19 @@ QString ViewerSource::shownName() const
 void ViewerSource::refresh()
 {
     m_shown = {};
+    touch();
+}
+
+void ViewerSource::touch()
+{
     m_dirty = true;
+    wake();
+}
+
+void ViewerSource::wake()
+{
+    if (m_active && !m_timer.isActive())
+        m_timer.start();
 }
 
 void ViewerSource::look()
@@ -159,8 +173,10 @@ void ViewerSource::look()
     const bool isSolo = OssSolo::instance()->node();
     const bool other = now.node != m_shown.node || now.outputPoint != m_shown.outputPoint
                        || isSolo != m_shown.isSolo;
-    if (!m_dirty && !other)
+    if (!m_dirty && !other) {
+        m_timer.stop();
         return;
+    }
     // Under a steady drag every coarse picture would otherwise make way for the next.
     if (m_coarseLeft > 0 && !other && m_sinceStart.elapsed() < longestHold)
         return;
@@ -245,8 +261,7 @@ void ViewerSource::follow(const OssSnEvaluationGraph &graph)
     // A value that is being dragged is no step of the history yet.
     m_follower = std::make_unique<QObject>();
     for (const OssSnBaseNode *node : graph.sources)
-        connect(node, &OssSnBaseNode::userAttributeChanged, m_follower.get(),
-                [this] { m_dirty = true; });
+        connect(node, &OssSnBaseNode::userAttributeChanged, m_follower.get(), [this] { touch(); });
 }
 
 template <class Work>

@@ -55,7 +55,7 @@ public:
     void refresh();
 
     /// The document is the same, but not what it shows.
-    void touch() { m_dirty = true; }
+    void touch();
 
     /// What comes next will look much as what is shown: no coarse picture is computed before it.
     void expectSamePicture() { m_expectsSame = true; }
@@ -101,6 +101,8 @@ private:
         double done; ///< from 0 to 1
     };
 
+    /// Looks for changes, until there are no more.
+    void wake();
     void look();
     QString shownName() const;
     void start(const OssGeoEntity *entity);

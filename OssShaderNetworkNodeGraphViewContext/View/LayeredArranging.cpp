@@ -8,10 +8,12 @@
 #include "OssModel/Graph/OssSnBaseNode.h"
 #include "OssNodeGraph/Items/OssNgBackdropNode.h"
 #include "OssNodeGraph/Items/OssNgEdge.h"
+#include "OssNodeGraph/Items/OssNgSceneIndex.h"
 #include "OssSnNodeGraphViewContextManager.h"
 #include "View/Backdrops.h"
 #include "View/GraphValues.h"
 
+#include <QHash>
 #include <QSet>
 
 #include <algorithm>
@@ -29,6 +31,8 @@ constexpr qreal DotSize = 28.0;
 constexpr qreal ChainGap = 60.0;
 constexpr qreal NearBy = 500.0; ///< where a free place is sought first, and then
 constexpr qreal FarAway = 6000.0;
+constexpr int FewNodes = 400; ///< that are laid out until they stay
+constexpr int MostRounds = 4;
 
 OssNgNode *itemOf(const OssSnBaseNode *node)
 {
@@ -40,15 +44,16 @@ QRectF rectFrom(const OssLyRect &rect)
     return {rect.x, rect.y, rect.width, rect.height};
 }
 
-/// The backdrop to which all of the nodes belong and which takes no part; null where there is none.
-OssSnBaseNode *homeOf(const Nodes &nodes, const GraphValues &values)
+/// The innermost backdrop around the node that takes no part; null where there is none.
+OssSnBaseNode *homeOf(const OssSnBaseNode *node, const GraphValues &values)
 {
-    OssSnBaseNode *home = Backdrops::containerOf(nodes.first());
-    const bool isOfAll = home && !values.contains(home)
-                         && std::all_of(nodes.cbegin(), nodes.cend(), [home](const auto *node) {
-                                return Backdrops::containerOf(node) == home;
-                            });
-    return isOfAll ? home : nullptr;
+    QSet<const OssSnBaseNode *> around;
+    OssSnBaseNode *home = Backdrops::containerOf(node);
+    while (home && values.contains(home) && !around.contains(home)) {
+        around.insert(home);
+        home = Backdrops::containerOf(home);
+    }
+    return home && values.contains(home) ? nullptr : home;
 }
 
 /// What stands in the network, or in `home` alone, and takes no part, but for backdrops that hold home.
@@ -99,6 +104,33 @@ QPointF wayToFreePlace(const OssLyPlaces &places, const QVector<QRectF> &others)
         }
     }
     return {};
+}
+
+/// Laid out and at a free place.
+OssLyPlaces placesOf(const OssLyGraph &graph, const QVector<QRectF> &others)
+{
+    OssLyPlaces places = OssLyLayout::arranged(graph);
+    const QPointF way = wayToFreePlace(places, others);
+    for (std::vector<OssLyRect> *rects : {&places.nodes, &places.frames}) {
+        for (OssLyRect &rect : *rects) {
+            rect.x += rect.isEmpty() ? 0.0 : way.x();
+            rect.y += rect.isEmpty() ? 0.0 : way.y();
+        }
+    }
+    return places;
+}
+
+/// Whether any stands elsewhere than there.
+bool differ(const OssLyGraph &graph, const OssLyPlaces &places)
+{
+    constexpr double Same = 0.01;
+    for (std::size_t n = 0; n < graph.nodes.size(); ++n) {
+        const OssLyRect &rect = graph.nodes[n].rect;
+        if (std::abs(rect.x - places.nodes[n].x) > Same
+            || std::abs(rect.y - places.nodes[n].y) > Same)
+            return true;
+    }
+    return false;
 }
 
 void moveTo(OssSnBaseNode *node, const QPointF &place)
@@ -164,31 +196,70 @@ bool changesBackdrop(const OssSnBaseNode *node, const QRectF &place)
 
 } // namespace
 
-void LayeredArranging::arrange(const QList<OssSnBaseNode *> &nodes, int withDots)
+namespace {
+
+/// Those of each backdrop that takes no part, and the others: what belongs to a backdrop is arranged in it.
+QVector<Nodes> byHomes(const Nodes &nodes)
 {
-    OssShaderNetwork *network = nodes.first()->network();
     const GraphValues values(nodes);
-    OssLyPlaces places = OssLyLayout::arranged(values.graph());
-    OssSnBaseNode *home = homeOf(nodes, values);
-    const QPointF way = wayToFreePlace(places, othersThan(values, network, home));
+    QVector<Nodes> groups;
+    QHash<const OssSnBaseNode *, int> groupOf;
+    for (OssSnBaseNode *node : nodes) {
+        const OssSnBaseNode *home = homeOf(node, values);
+        if (!groupOf.contains(home)) {
+            groupOf.insert(home, groups.size());
+            groups.append(Nodes());
+        }
+        groups[groupOf.value(home)].append(node);
+    }
+    return groups;
+}
+
+/// Gives whether anything moved.
+bool arrangeInOneHome(const Nodes &nodes)
+{
+    const GraphValues values(nodes);
+    OssSnBaseNode *home = homeOf(nodes.first(), values);
+    const OssLyPlaces places = placesOf(values.graph(),
+                                        othersThan(values, nodes.first()->network(), home));
     for (int i = 0; i < values.count(); ++i)
-        moveTo(values.node(i), rectFrom(places.nodes[std::size_t(i)]).topLeft() + way);
+        moveTo(values.node(i), rectFrom(places.nodes[std::size_t(i)]).topLeft());
     for (std::size_t f = 0; f < places.frames.size(); ++f) {
         if (!places.frames[f].isEmpty())
-            fitTo(values.backdrop(int(f)), rectFrom(places.frames[f]).translated(way));
+            fitTo(values.backdrop(int(f)), rectFrom(places.frames[f]));
     }
-    for (OssSnBaseNode *node : home ? nodes : Nodes())
-        Backdrops::keepIn(node, home);
-    if (withDots == 0)
-        return;
-    for (OssLyRect &rect : places.nodes) {
-        rect.x += way.x();
-        rect.y += way.y();
+    for (OssSnBaseNode *node : home ? nodes : Nodes()) {
+        if (!values.contains(Backdrops::containerOf(node)))
+            Backdrops::keepIn(node, home);
     }
-    const auto points = OssLyLayout::detours(values.graph(), places.nodes, DotSize);
+    return differ(values.graph(), places);
+}
+
+void leadWiresAround(const Nodes &nodes)
+{
+    const GraphValues values(nodes);
+    std::vector<OssLyRect> places;
+    for (const OssLyNode &node : values.graph().nodes)
+        places.push_back(node.rect);
+    const auto points = OssLyLayout::detours(values.graph(), places, DotSize);
     for (std::size_t i = 0; i < points.size(); ++i) {
         if (!points[i].empty())
-            leadAround(values.wire(int(i)), points[i], network);
+            leadAround(values.wire(int(i)), points[i], nodes.first()->network());
+    }
+}
+
+} // namespace
+
+void LayeredArranging::arrange(const QList<OssSnBaseNode *> &nodes, int withDots)
+{
+    // Notes may be about others by then, and what was in the way may have gone: again, until nothing moves.
+    const int rounds = nodes.size() > FewNodes ? 1 : MostRounds;
+    const QVector<Nodes> groups = byHomes(nodes);
+    for (const Nodes &group : groups) {
+        for (int round = 0; round < rounds && arrangeInOneHome(group);)
+            ++round;
+        if (withDots != 0)
+            leadWiresAround(group);
     }
 }
 
@@ -257,33 +328,37 @@ QList<OssSnBaseNode *> asTheyAreRead(const QList<OssSnBaseNode *> &nodes)
 
 void LayeredArranging::separate(const QList<OssSnBaseNode *> &nodes, int)
 {
-    const Nodes all = nodes.first()->network()->nodes();
     const Nodes order = asTheyAreRead(nodes);
-    const QSet<OssSnBaseNode *> movable(order.cbegin(), order.cend());
-    QSet<const OssSnBaseNode *> settled; // the first that reads keeps its place
-    for (OssSnBaseNode *node : all) {
-        if (isPlain(node) && !movable.contains(node))
-            settled.insert(node);
-    }
-    for (OssSnBaseNode *node : order) {
-        const QRectF own = rectOf(node);
-        QVector<QRectF> taken;
-        for (const OssSnBaseNode *other : qAsConst(settled))
-            taken.append(rectOf(other));
-        settled.insert(node);
-        const auto lies = [&taken](const QRectF &rect) {
-            return std::any_of(taken.cbegin(), taken.cend(),
-                               [&rect](const QRectF &other) { return other.intersects(rect); });
-        };
-        if (!lies(own))
-            continue;
-        for (const OssSnBaseNode *other : order) {
-            if (!settled.contains(other))
-                taken.append(rectOf(other));
+    if (order.isEmpty())
+        return;
+    const OssNgSceneIndex *index = OssNgSceneIndex::of(itemOf(order.first())->scene());
+    QSet<const OssNgNode *> waiting; // the first that reads keeps its place
+    for (const OssSnBaseNode *node : order)
+        waiting.insert(itemOf(node));
+    std::vector<int> found;
+    const auto othersIn = [&](const QRectF &area, const OssNgNode *own, bool withWaiting) {
+        QVector<QRectF> rects;
+        index->findNodes(area, &found);
+        for (const int slot : found) {
+            const OssNgNode *other = index->nodeEntry(slot).node;
+            if (other && other != own && other->isVisible() && !other->isBackground()
+                && (withWaiting || !waiting.contains(other)))
+                rects.append(other->sceneBoundingRect());
         }
+        return rects;
+    };
+    for (OssSnBaseNode *node : order) {
+        const OssNgNode *item = itemOf(node);
+        waiting.remove(item);
+        const QRectF own = item->sceneBoundingRect();
+        const QVector<QRectF> under = othersIn(own, item, false);
+        if (std::none_of(under.cbegin(), under.cend(),
+                         [&own](const QRectF &other) { return other.intersects(own); }))
+            continue;
         for (const qreal far : {NearBy, FarAway}) {
             const QRectF area = own.adjusted(-far, -far, far, far);
-            const auto place = NodePlacement::nearestFree(own.topLeft(), own.size(), taken, area);
+            const auto place = NodePlacement::nearestFree(own.topLeft(), own.size(),
+                                                          othersIn(area, item, true), area);
             if (place) {
                 moveTo(node, *place);
                 break;

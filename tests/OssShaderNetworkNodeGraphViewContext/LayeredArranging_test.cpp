@@ -103,6 +103,33 @@ TEST_F(LayeredArrangingTest, aSelectionIsLaidOutWhereItStandsAndNothingElseMoves
     expectStepBack("Arrange");
 }
 
+TEST_F(LayeredArrangingTest, aSelectionAcrossBackdropsIsLaidOutInEachOfThem)
+{
+    OssSnBaseNode *free = addAt("Filter/Blur", {3000, 0});
+    OssSnBaseNode *other = addAt("Filter/Blur", {3040, 150});
+    OssSnBaseNode *framed = addAt("Filter/Blur", {100, 100});
+    OssSnBaseNode *source = addAt("Filter/Blur", {120, 300});
+    OssSnBaseNode *left = addAt("Procedural/Color", {100, 600});
+    wire(source, framed);
+    wire(framed, free);
+    wire(other, free);
+    OssSnBaseNode *area = addArea({0, 0, 900, 900});
+    for (OssSnBaseNode *node : {framed, source, left})
+        node->setContainer(area);
+    const QPointF there = placeOf(left);
+    begin();
+    EXPECT_EQ(arrange({free, other, framed, source}), "");
+    for (OssSnBaseNode *node : {framed, source, left}) {
+        EXPECT_EQ(Backdrops::containerOf(node), area);
+        EXPECT_TRUE(rectOf(area).contains(rectOf(node)));
+    }
+    EXPECT_FALSE(Backdrops::containerOf(other));
+    EXPECT_LT(rectOf(source).right(), rectOf(framed).left());
+    EXPECT_LT(rectOf(other).right(), rectOf(free).left());
+    EXPECT_EQ(placeOf(left), there);
+    expectStepBack("Arrange");
+}
+
 TEST_F(LayeredArrangingTest, dotsLeadWiresAroundTheNodesInTheirWay)
 {
     // The end takes from all of a chain, so that long wires pass what stands between.

@@ -215,6 +215,19 @@ void FramedLayout::closeGaps(const std::vector<Unit> &units, Qt::Orientation dir
     }
 }
 
+/// Areas of frames without members that the frame did not meet before.
+QVector<QRectF> FramedLayout::emptyFramesApartFrom(int frame) const
+{
+    QVector<QRectF> areas;
+    for (int f = 0; f < int(m_frames.size()); ++f) {
+        const QRectF &area = m_frames[std::size_t(f)].area;
+        if (f != frame && !area.intersects(m_frames[std::size_t(frame)].area)
+            && contentOf(f).isEmpty())
+            areas.append(area);
+    }
+    return areas;
+}
+
 /// Frames that have grown over others go down.
 void FramedLayout::partFrames(const std::vector<Unit> &units)
 {
@@ -236,6 +249,7 @@ void FramedLayout::partFrames(const std::vector<Unit> &units)
                 && (units[i].frame >= 0 || m_nodes[std::size_t(units[i].node)].hasItem))
                 others.append(areaOf(units[i]));
         }
+        others += emptyFramesApartFrom(units[index].frame);
         const QRectF now = areaOf(units[index]);
         const QRectF free = Alignment::clear(now, others, Qt::Vertical);
         shift(units[index], free.topLeft() - now.topLeft());

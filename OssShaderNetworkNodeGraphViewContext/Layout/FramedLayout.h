@@ -53,6 +53,7 @@ private:
     QRectF contentOf(int frame) const;
     void shift(const Unit &unit, const QPointF &way);
     QRectF areaOf(const Unit &unit) const;
+    QVector<QRectF> emptyFramesApartFrom(int frame) const;
     void partFrames(const std::vector<Unit> &units);
     void closeGaps(const std::vector<Unit> &units, Qt::Orientation direction);
 

@@ -22,6 +22,8 @@
 namespace {
 
 constexpr const char *Source = "OssSnNodeGraphViewContextManager";
+constexpr int FewNodes = 400; ///< that are laid out until they stay
+constexpr int MostRounds = 4;
 
 OssNgNode *visibleItem(const OssSnBaseNode *node)
 {
@@ -235,8 +237,8 @@ std::vector<FramedLayout::Frame> framesOf(const QVector<Container> &containers,
     return frames;
 }
 
-/// A note that its node brought over others goes to the nearest free place.
-void clearNote(OssNgNode *note, const QList<OssSnBaseNode *> &all,
+/// A note that its node brought over others, or over a backdrop if it belongs to none, goes to the nearest free place.
+void clearNote(OssNgNode *note, const QList<OssSnBaseNode *> &all, bool isFramed,
                const QSet<const OssNgNode *> &moved, OssUndoManager::AutoMacro *macro)
 {
     if (!moved.contains(note))
@@ -246,7 +248,7 @@ void clearNote(OssNgNode *note, const QList<OssSnBaseNode *> &all,
     QVector<QRectF> others;
     for (const OssSnBaseNode *other : all) {
         const OssNgNode *item = visibleItem(other);
-        if (item && item != note && !item->isBackground())
+        if (item && item != note && !(isFramed && item->isBackground()))
             others.append(item->sceneBoundingRect());
     }
     if (std::none_of(others.cbegin(), others.cend(),
@@ -317,6 +319,42 @@ QVector<int> startIndexes(const QList<OssSnBaseNode *> &startNodes, const Pictur
     return starts;
 }
 
+/// Gives whether any node moved.
+bool layOutFrom(const QList<OssSnBaseNode *> &startNodes, const QList<OssSnBaseNode *> &all,
+                OssUndoManager::AutoMacro *macro)
+{
+    const QVector<Container> containers = containersOf(all);
+    const Picture picture(all);
+    const QVector<int> starts = startIndexes(startNodes, picture, containers);
+    QVector<int> backdrops;
+    for (int i = 0; i < all.size(); ++i) {
+        if (qobject_cast<OssNgBackdropNode *>(visibleItem(all.at(i))))
+            backdrops.append(i);
+    }
+    std::vector<int> frameOf;
+    std::vector<FramedLayout::Frame> frames = framesOf(containers, picture, &frameOf);
+    const QVector<QPair<int, int>> notes = notesWithNodes(picture, frameOf);
+    FramedLayout layout(picture.values(), frames, notes);
+    layout.layOut(starts, backdrops);
+    QSet<const OssNgNode *> moved;
+    for (int i = 0; i < all.size(); ++i) {
+        OssNgNode *item = visibleItem(all.at(i));
+        if (item && !backdrops.contains(i) && moveTo(item, layout.position(i), macro))
+            moved.insert(item);
+    }
+    const auto clearNotes = [&](bool framed) {
+        for (const auto &note : notes) {
+            if ((frameOf[std::size_t(note.first)] >= 0) == framed)
+                clearNote(visibleItem(all.at(note.first)), all, framed, moved, macro);
+        }
+    };
+    const bool any = !moved.isEmpty();
+    clearNotes(true);
+    refitMoved(containers, &moved);
+    clearNotes(false);
+    return any;
+}
+
 } // namespace
 
 void NodeGraphArranger::beautifyNodesLayout()
@@ -377,37 +415,21 @@ void NodeGraphArranger::autoLayoutNodes(OssShaderNetwork *StartNetwork,
     // First: what is in the user's hand is put down before places are read.
     OssUndoManager::AutoMacro macro(tr("Layout Nodes"));
     const QList<OssSnBaseNode *> all = StartNetwork->nodes();
-    const QVector<Container> containers = containersOf(all);
     const bool whole = StartNodes.isEmpty();
     if (whole)
         std::copy_if(all.begin(), all.end(), std::back_inserter(StartNodes), isLeaf);
-    const Picture picture(all);
-    const QVector<int> starts = startIndexes(StartNodes, picture, containers);
-    if (starts.isEmpty()) {
+    if (startIndexes(StartNodes, Picture(all), containersOf(all)).isEmpty()) {
         OssDebug(Source, __LINE__, "[ !! ] Nothing to autoplace.");
         return;
     }
-    QVector<int> backdrops;
-    for (int i = 0; i < all.size(); ++i) {
-        if (qobject_cast<OssNgBackdropNode *>(visibleItem(all.at(i))))
-            backdrops.append(i);
+    // Notes may be about others by then, and what was in the way may have gone: again, until nothing moves.
+    const int rounds = all.size() > FewNodes ? 1 : MostRounds;
+    bool moved = true;
+    for (int round = 0; round < rounds && moved; ++round) {
+        moved = layOutFrom(StartNodes, all, &macro);
+        if (whole)
+            placeViewers(all, &macro);
     }
-    std::vector<int> frameOf;
-    std::vector<FramedLayout::Frame> frames = framesOf(containers, picture, &frameOf);
-    const QVector<QPair<int, int>> notes = notesWithNodes(picture, frameOf);
-    FramedLayout layout(picture.values(), frames, notes);
-    layout.layOut(starts, backdrops);
-    QSet<const OssNgNode *> moved;
-    for (int i = 0; i < all.size(); ++i) {
-        OssNgNode *item = visibleItem(all.at(i));
-        if (item && !backdrops.contains(i) && moveTo(item, layout.position(i), &macro))
-            moved.insert(item);
-    }
-    for (const auto &note : notes)
-        clearNote(visibleItem(all.at(note.first)), all, moved, &macro);
-    refitMoved(containers, &moved);
-    if (whole)
-        placeViewers(all, &macro);
     if (OssSnGroupNode *group = StartNetwork->parentGroupNode()) {
         reorderGroupInputsByPos(group);
         reorderGroupOutputsByPos(group);

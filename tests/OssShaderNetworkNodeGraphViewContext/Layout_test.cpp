@@ -268,6 +268,20 @@ TEST(FramedLayout, membersFarApartPushNobodyAsFar)
     EXPECT_EQ(layout.position(0), nodes.front().position);
 }
 
+TEST(FramedLayout, aFrameGrowsOverNoneThatHasNoMembers)
+{
+    const std::vector<Node> nodes{usual({1}), usual({2}, {-300, 0}), usual({3}, {-320, 100}),
+                                  usual({}, {-340, 200})};
+    std::vector<FramedLayout::Frame> frames{frameOf({1, 2, 3}), frameOf({})};
+    frames[0].area = QRectF(-400, -100, 300, 500);
+    frames[1].area = QRectF(-1200, -100, 700, 500);
+    FramedLayout layout(nodes, frames, {});
+    layout.layOut({0}, {});
+    for (int i = 1; i < 4; ++i)
+        EXPECT_FALSE(
+            QRectF(layout.position(i), nodes[std::size_t(i)].size).intersects(frames[1].area));
+}
+
 TEST(FramedLayout, membersStayTogetherAndOthersStayOut)
 {
     std::mt19937 random(5);

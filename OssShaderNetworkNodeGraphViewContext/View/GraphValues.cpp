@@ -120,9 +120,13 @@ int GraphValues::frameHolding(const OssSnBaseNode *node) const
 void GraphValues::takeNodes(const QList<OssSnBaseNode *> &nodes)
 {
     for (OssSnBaseNode *node : nodes) {
-        // One that holds others of which some are left alone stays where it is.
+        // One that holds others of which some are left alone, or nothing but backdrops, stays where it is with those.
+        OssSnBaseNode *holder = Backdrops::containerOf(node);
+        const bool staysWithHolder = holder && !m_frameOf.contains(holder)
+                                     && nodes.contains(holder);
         if (m_frameOf.contains(node)
-            || (Backdrops::isBackdrop(node) && !Backdrops::inside(node).isEmpty()))
+            || (Backdrops::isBackdrop(node)
+                && (staysWithHolder || !Backdrops::inside(node).isEmpty())))
             continue;
         OssLyNode value;
         value.rect = valueOf(itemOf(node)->sceneBoundingRect());

@@ -83,6 +83,17 @@ TEST_F(LayeredArrangingTest, aBackdropThatIsSaidToLieOnOneThatLiesOnItCountsOnce
     EXPECT_TRUE(rectOf(inner).contains(rectOf(node)));
 }
 
+TEST_F(LayeredArrangingTest, backdropsThatHoldNothingButBackdropsStayTogether)
+{
+    OssSnBaseNode *outer = addArea({3000, 0, 900, 700});
+    OssSnBaseNode *inner = addArea({3100, 100, 600, 400});
+    inner->setContainer(outer);
+    wire(addAt("Procedural/Color", {3200, 2000}), addAt("Filter/Blur", {0, 1500}));
+    EXPECT_EQ(arrange(m_network->nodes()), "");
+    EXPECT_EQ(Backdrops::containerOf(inner), outer);
+    EXPECT_EQ(rectOf(inner).topLeft() - rectOf(outer).topLeft(), QPointF(100, 100));
+}
+
 TEST_F(LayeredArrangingTest, aSelectionIsLaidOutWhereItStandsAndNothingElseMoves)
 {
     OssSnBaseNode *end = addAt("Filter/Blur", {0, 0});

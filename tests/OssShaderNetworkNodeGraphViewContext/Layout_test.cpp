@@ -356,7 +356,8 @@ TEST(FramedLayout, framesThatWiresLeadOutOfAndInAgainStayApartAndASecondTimeNoth
         std::vector<FramedLayout::Frame> frames;
         for (int f = 0; f < frameCount; ++f) {
             frames.push_back(frameOf({}));
-            frames.back().area = QRectF(f % 3 * 2000.0, double(f / 3) * 1700.0, 1500.0, 1300.0);
+            const int row = f / 3;
+            frames.back().area = QRectF(f % 3 * 2000.0, row * 1700.0, 1500.0, 1300.0);
         }
         QVector<int> starts;
         for (int i = 0; i < count; ++i) {

@@ -2,6 +2,7 @@
 
 #include "OssEvaluation/Values/OssEvPatch.h"
 
+#include <glm/common.hpp>
 #include <glm/geometric.hpp>
 
 #include <algorithm>
@@ -15,8 +16,7 @@ constexpr double BlurReach = 0.15; ///< of the radius: how far colours come from
 constexpr double LeastBlur = 1.0;
 constexpr double WidestBlur = 16.0; ///< texels: from farther colours would be seen as rings
 constexpr int RingParts = 8;
-constexpr double FineRadius = 96.0;  ///< texels: of wider ones some texels share a look
-constexpr double WidestSquare = 4.0; ///< texels across that share one
+constexpr double LookStep = 0.25; ///< of that reach, from look to look
 constexpr double FullTurn = 6.283185307179586;
 constexpr double Pi = FullTurn / 2.0;
 
@@ -182,53 +182,88 @@ OssEvStroke::Color OssEvStroke::pictureAt(const Place &place, int index)
 
 // --- changing colours
 
-/// What blurring a wide surrounding makes of texels that lie together: nearly the same, so one look is enough for
-/// a small square of them.
-class OssEvStroke::Squares
+/// What blurring makes of places that lie together is nearly the same: it is asked for at the corners of a grid over
+/// the dab, where they are fewer than texels, and taken from between them.
+class OssEvStroke::Looks
 {
 public:
-    explicit Squares(int size)
-        : m_size(size)
+    /// One texel at least; `step` from corner to corner, as the spots are.
+    Looks(const std::vector<Marked> &marked, double step)
+        : m_low(marked.front().spot)
+        , m_step(float(step))
     {
+        glm::vec2 high = m_low;
+        for (const Marked &each : marked) {
+            m_low = glm::min(m_low, each.spot);
+            high = glm::max(high, each.spot);
+        }
+        const glm::vec2 across = (high - m_low) / m_step + 2.0F;
+        if (double(across.x) * double(across.y) >= double(marked.size()))
+            return;
+        m_width = std::size_t(across.x);
+        m_known.resize(m_width * std::size_t(across.y));
     }
 
-    /// Asks for the colour of a square only once, as long as its tile stays the same.
     template <class Ask>
-    std::optional<Color> at(const Place &place, int index, const Ask &ask)
+    std::optional<Color> at(const glm::vec2 &spot, const Ask &ask)
     {
-        if (m_size == 1)
-            return ask();
-        if (!(place == m_place) || m_known.empty()) {
-            m_place = place;
-            m_known.assign(OssEvPaintTile::Texels, std::nullopt);
+        if (m_known.empty())
+            return ask(spot);
+        const glm::vec2 place = (spot - m_low) / m_step;
+        const glm::vec2 corner = glm::floor(place);
+        const glm::vec2 part = place - corner;
+        Color sum{};
+        float weights = 0.0F;
+        for (int i = 0; i < 4; ++i) {
+            const glm::vec2 aside(float(i % 2), float(i / 2));
+            const float weight = (i % 2 == 0 ? 1.0F - part.x : part.x)
+                                 * (i / 2 == 0 ? 1.0F - part.y : part.y);
+            const std::optional<Color> *color = weight > 0.0F ? &look(corner + aside, ask)
+                                                              : nullptr;
+            if (color == nullptr || !*color)
+                continue;
+            for (std::size_t c = 0; c < sum.size(); ++c)
+                sum[c] += weight * (**color)[c];
+            weights += weight;
         }
-        const int x = index % Size / m_size;
-        const int y = index / Size / m_size;
-        std::optional<std::optional<Color>> &known =
-            m_known[std::size_t(y) * Size + std::size_t(x)];
-        if (!known)
-            known = ask();
-        return *known;
+        if (weights <= 0.0F)
+            return ask(spot);
+        for (float &channel : sum)
+            channel /= weights;
+        return sum;
     }
 
 private:
-    int m_size;
-    Place m_place{};
+    template <class Ask>
+    const std::optional<Color> &look(const glm::vec2 &corner, const Ask &ask)
+    {
+        std::optional<std::optional<Color>> &known =
+            m_known[std::size_t(corner.y) * m_width + std::size_t(corner.x)];
+        if (!known)
+            known = ask(m_low + corner * m_step);
+        return *known;
+    }
+
+    glm::vec2 m_low;
+    float m_step;
+    std::size_t m_width = 0;
     std::vector<std::optional<std::optional<Color>>> m_known;
 };
 
 // All are looked at before any is set: a dab does not feed on itself.
 void OssEvStroke::changeColors(const glm::vec2 &way, double radius, double texels)
 {
+    if (m_marked.empty())
+        return;
     m_tiles.now().look();
-    Squares squares(int(std::clamp(texels / FineRadius, 1.0, WidestSquare)));
     const double part = std::min(BlurReach, WidestBlur / std::max(texels, 1.0));
     const double reach = std::max(LeastBlur, part * radius);
+    Looks looks(m_marked, LookStep * reach);
     for (Marked &marked : m_marked) {
         std::optional<Color> wanted;
         if (m_brush.tool == OssEvBrush::Tool::Blur)
-            wanted = squares.at(marked.place, marked.index,
-                                [&] { return blurred(marked.spot, reach); });
+            wanted = looks.at(marked.spot,
+                              [&](const glm::vec2 &spot) { return blurred(spot, reach); });
         else if (const auto uv = uvAt(marked.spot - way))
             wanted = m_tiles.now().at(*uv);
         marked.color = m_tiles.now().texel(marked.place, marked.index);

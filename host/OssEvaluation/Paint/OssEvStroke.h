@@ -134,7 +134,7 @@ private:
     float limitOf(const Place &place, int index);
     Color sourceOf(const Place &place, int index);
     Color pictureAt(const Place &place, int index);
-    class Squares;
+    class Looks;
     /// `radius` of the dab in lengths of the path, and what it is in texels.
     void changeColors(const glm::vec2 &way, double radius, double texels);
     std::optional<Color> blurred(const glm::vec2 &spot, double radius);

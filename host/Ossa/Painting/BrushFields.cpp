@@ -70,18 +70,18 @@ constexpr double hundred = 100.0;
 const QVector<BrushFields::Number> &BrushFields::numbers()
 {
     static const QVector<Number> table{
-        {"hardness", QT_TRANSLATE_NOOP("BrushFields", "Hardness"), QT_TRANSLATE_NOOP("BrushFields", "Part of the brush that covers fully"), percent, hundred, 0.0, 100.0, number<&OssEvBrush::hardness>},
-        {"opacity", QT_TRANSLATE_NOOP("BrushFields", "Opacity"), QT_TRANSLATE_NOOP("BrushFields", "Of a whole stroke, however often it goes over a place"), percent, hundred, 1.0, 100.0, number<&OssEvBrush::opacity>},
-        {"flow", QT_TRANSLATE_NOOP("BrushFields", "Flow"), QT_TRANSLATE_NOOP("BrushFields", "Of a dab: below 100 % dabs add up, to the stroke's opacity at most"), percent, hundred, 1.0, 100.0, number<&OssEvBrush::flow>},
-        {"spacing", QT_TRANSLATE_NOOP("BrushFields", "Spacing"), QT_TRANSLATE_NOOP("BrushFields", "From dab to dab, in parts of the radius"), percent, hundred, 2.0, 1000.0, number<&OssEvBrush::spacing>},
-        {"roundness", QT_TRANSLATE_NOOP("BrushFields", "Roundness"), QT_TRANSLATE_NOOP("BrushFields", "How high the brush is by its length"), percent, hundred, 2.0, 100.0, number<&OssEvBrush::roundness>},
-        {"angle", QT_TRANSLATE_NOOP("BrushFields", "Angle"), QT_TRANSLATE_NOOP("BrushFields", "By which the brush is turned, against the clock"), degrees, 1.0, -180.0, 180.0, number<&OssEvBrush::angle>},
-        {"sizeJitter", QT_TRANSLATE_NOOP("BrushFields", "Size Jitter"), QT_TRANSLATE_NOOP("BrushFields", "By how much dabs are smaller by chance"), percent, hundred, 0.0, 100.0, number<&OssEvBrush::sizeJitter>},
-        {"angleJitter", QT_TRANSLATE_NOOP("BrushFields", "Angle Jitter"), QT_TRANSLATE_NOOP("BrushFields", "By how much dabs are turned by chance"), percent, hundred, 0.0, 100.0, number<&OssEvBrush::angleJitter>},
-        {"placeJitter", QT_TRANSLATE_NOOP("BrushFields", "Scatter"), QT_TRANSLATE_NOOP("BrushFields", "By how many radii dabs lie aside by chance"), percent, hundred, 0.0, 500.0, number<&OssEvBrush::placeJitter>},
-        {"flowJitter", QT_TRANSLATE_NOOP("BrushFields", "Flow Jitter"), QT_TRANSLATE_NOOP("BrushFields", "By how much less dabs cover by chance"), percent, hundred, 0.0, 100.0, number<&OssEvBrush::flowJitter>},
-        {"pictureRepeats", QT_TRANSLATE_NOOP("BrushFields", "Picture Repeats"), QT_TRANSLATE_NOOP("BrushFields", "How often the picture lies beside itself across a patch"), times, 1.0, 0.05, 500.0, number<&OssEvBrush::pictureRepeats>},
-        {"steadiness", QT_TRANSLATE_NOOP("BrushFields", "Steady Stroke"), QT_TRANSLATE_NOOP("BrushFields", "Length of the string by which the pointer draws the brush behind it"), pixels, 1.0, 0.0, 200.0, steadiness},
+        {"hardness", QT_TRANSLATE_NOOP("BrushFields", "Hardness"), QT_TRANSLATE_NOOP("BrushFields", "Part of the brush that covers fully"), percent, hundred, 0.0, 100.0, 0, number<&OssEvBrush::hardness>},
+        {"opacity", QT_TRANSLATE_NOOP("BrushFields", "Opacity"), QT_TRANSLATE_NOOP("BrushFields", "Of a whole stroke, however often it goes over a place"), percent, hundred, 1.0, 100.0, 0, number<&OssEvBrush::opacity>},
+        {"flow", QT_TRANSLATE_NOOP("BrushFields", "Flow"), QT_TRANSLATE_NOOP("BrushFields", "Of a dab: below 100 % dabs add up, to the stroke's opacity at most"), percent, hundred, 1.0, 100.0, 0, number<&OssEvBrush::flow>},
+        {"spacing", QT_TRANSLATE_NOOP("BrushFields", "Spacing"), QT_TRANSLATE_NOOP("BrushFields", "From dab to dab, in parts of the radius"), percent, hundred, 2.0, 1000.0, 0, number<&OssEvBrush::spacing>},
+        {"roundness", QT_TRANSLATE_NOOP("BrushFields", "Roundness"), QT_TRANSLATE_NOOP("BrushFields", "How high the brush is by its length"), percent, hundred, 2.0, 100.0, 0, number<&OssEvBrush::roundness>},
+        {"angle", QT_TRANSLATE_NOOP("BrushFields", "Angle"), QT_TRANSLATE_NOOP("BrushFields", "By which the brush is turned, against the clock"), degrees, 1.0, -180.0, 180.0, 0, number<&OssEvBrush::angle>},
+        {"sizeJitter", QT_TRANSLATE_NOOP("BrushFields", "Size Jitter"), QT_TRANSLATE_NOOP("BrushFields", "By how much dabs are smaller by chance"), percent, hundred, 0.0, 100.0, 0, number<&OssEvBrush::sizeJitter>},
+        {"angleJitter", QT_TRANSLATE_NOOP("BrushFields", "Angle Jitter"), QT_TRANSLATE_NOOP("BrushFields", "By how much dabs are turned by chance"), percent, hundred, 0.0, 100.0, 0, number<&OssEvBrush::angleJitter>},
+        {"placeJitter", QT_TRANSLATE_NOOP("BrushFields", "Scatter"), QT_TRANSLATE_NOOP("BrushFields", "By how many radii dabs lie aside by chance"), percent, hundred, 0.0, 500.0, 0, number<&OssEvBrush::placeJitter>},
+        {"flowJitter", QT_TRANSLATE_NOOP("BrushFields", "Flow Jitter"), QT_TRANSLATE_NOOP("BrushFields", "By how much less dabs cover by chance"), percent, hundred, 0.0, 100.0, 0, number<&OssEvBrush::flowJitter>},
+        {"pictureRepeats", QT_TRANSLATE_NOOP("BrushFields", "Picture Repeats"), QT_TRANSLATE_NOOP("BrushFields", "How often the picture lies beside itself across a patch"), times, 1.0, 0.05, 500.0, 2, number<&OssEvBrush::pictureRepeats>},
+        {"steadiness", QT_TRANSLATE_NOOP("BrushFields", "Steady Stroke"), QT_TRANSLATE_NOOP("BrushFields", "Length of the string by which the pointer draws the brush behind it"), pixels, 1.0, 0.0, 200.0, 0, steadiness},
     };
     return table;
 }

@@ -18,6 +18,7 @@ struct Number
     double shown; ///< by which the number is multiplied for people
     double least; ///< as people see it
     double most;
+    int decimals; ///< that people see and may write
     double &(*of)(Brush &brush);
 };
 

@@ -30,6 +30,7 @@ constexpr int pictureWidth = 112;
 constexpr int pictureHeight = 40;
 constexpr int cellHeight = 70;
 constexpr int longestName = 60;
+constexpr int shortestChoice = 6; ///< letters
 constexpr int ownRole = Qt::UserRole;
 const QString stampPathKey = QStringLiteral("brush_stamp");
 
@@ -60,6 +61,15 @@ const PictureField pictureFields[] = {
 };
 
 // clang-format on
+
+/// As narrow as the palette may be, however long the name of a file in it is.
+QComboBox *makeBox()
+{
+    auto *box = new QComboBox;
+    box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    box->setMinimumContentsLength(shortestChoice);
+    return box;
+}
 
 void tell(const OssResult &result)
 {
@@ -218,8 +228,8 @@ void BrushesPanel::addNumbers(QFormLayout *form)
 {
     for (const BrushFields::Number &number : BrushFields::numbers()) {
         auto *field = new QDoubleSpinBox(this);
+        field->setDecimals(number.decimals); // first: they round the range
         field->setRange(number.least, number.most);
-        field->setDecimals(0);
         field->setSuffix(QString::fromUtf8(number.suffix));
         field->setAccessibleName(words(number.name));
         field->setToolTip(words(number.tip));
@@ -253,7 +263,7 @@ void BrushesPanel::addSwitches(QFormLayout *form)
 void BrushesPanel::addChoices(QFormLayout *form)
 {
     for (const BrushFields::Choice &choice : BrushFields::choices()) {
-        auto *box = new QComboBox(this);
+        auto *box = makeBox();
         box->addItems(BrushFields::words(choice.words));
         box->setAccessibleName(words(choice.name));
         box->setToolTip(words(choice.tip));
@@ -269,7 +279,7 @@ void BrushesPanel::addChoices(QFormLayout *form)
 void BrushesPanel::addPictures(QFormLayout *form)
 {
     for (const PictureField &field : pictureFields) {
-        auto *box = new QComboBox(this);
+        auto *box = makeBox();
         box->setAccessibleName(tr(field.name));
         box->setToolTip(tr(field.tip));
         form->addRow(tr(field.name), box);
@@ -286,22 +296,22 @@ void BrushesPanel::addPictures(QFormLayout *form)
             box->addItem(tr("From file..."));
         };
         m_show.append(show);
-        connect(box, qOverload<int>(&QComboBox::activated), this,
-                [this, box, field, show](int index) {
-                    QString name = box->itemData(index).toString();
-                    if (index == box->count() - 1)
-                        name = OssFileDialog::getOpenFileName(
-                            tr(field.name),
-                            tr("Pictures (*.png *.tif *.tiff *.exr *.jpg *.jpeg *.tga *.webp)"),
-                            stampPathKey, this);
-                    Brush brush = Brushes::instance()->current();
-                    const bool isGivenUp = name.isEmpty() && index != 0;
-                    const OssResult read = isGivenUp ? OssResult() : field.take(name, &brush);
-                    tell(read);
-                    if (read && !isGivenUp)
-                        Brushes::instance()->edit(brush);
-                    show(Brushes::instance()->current());
-                });
+        connect(
+            box, qOverload<int>(&QComboBox::activated), this, [this, box, field, show](int index) {
+                QString name = box->itemData(index).toString();
+                if (index == box->count() - 1)
+                    name = OssFileDialog::getOpenFileName(
+                        tr(field.name),
+                        tr("Pictures (*.png *.tif *.tiff *.exr *.jpg *.jpeg *.tga *.webp *.svg)"),
+                        stampPathKey, this);
+                Brush brush = Brushes::instance()->current();
+                const bool isGivenUp = name.isEmpty() && index != 0;
+                const OssResult read = isGivenUp ? OssResult() : field.take(name, &brush);
+                tell(read);
+                if (read && !isGivenUp)
+                    Brushes::instance()->edit(brush);
+                show(Brushes::instance()->current());
+            });
     }
 }
 

@@ -206,7 +206,15 @@ TEST_F(PaintBars, aLayerIsPaintOverTheChannelsOfAMaterialAllOfItPaintedAtOnce)
     EXPECT_DOUBLE_EQ(m_session->colorAlong(rough).green(), 0.5) << "as the shader has it";
     EXPECT_DOUBLE_EQ(m_session->colorAlong(m_session->along().last()).green(), 0.0);
     // Each has its colour in the bar.
-    auto *field = named<QDoubleSpinBox>(m_bar.get(), "Roughness Paint");
+    const auto along = [this](const char *name) {
+        return named<QDoubleSpinBox>(m_bar.get(), name);
+    };
+    m_bar->resize(m_bar->minimumSizeHint().width(), 400);
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+        return along("Displacement Paint")->y() > along("Roughness Paint")->y();
+    })) << "there is no room";
+    EXPECT_LE(along("Displacement Paint")->geometry().right(), m_bar->width());
+    QDoubleSpinBox *field = along("Roughness Paint");
     field->selectAll();
     QTest::keyClicks(field, text("0.25"));
     EXPECT_DOUBLE_EQ(m_session->colorAlong(rough).green(), 0.25);

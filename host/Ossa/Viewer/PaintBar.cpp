@@ -11,6 +11,7 @@
 #include "OssInterface/Palettes/OssPalette.h"
 #include "OssInterface/Palettes/OssPaletteManager.h"
 #include "OssInterface/Popups/OssMessageBox.h"
+#include "OssInterface/Widgets/OssFlowLayout.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "OssModel/Images/OssColorManagement.h"
@@ -37,6 +38,7 @@ constexpr double largestInWorld = 1e6;
 const QString brushesPalette = QStringLiteral("brushes_palette");
 constexpr int hundred = 100;
 constexpr int swatchSize = 16;
+constexpr int gap = 4; ///< pixels between controls
 
 QString command(const char *name)
 {
@@ -86,12 +88,12 @@ PaintBar::PaintBar(PaintSession *session, const ViewerSource *source, QWidget *p
     , m_clear(new QToolButton(this))
     , m_bake(new QToolButton(this))
     , m_hint(new QLabel(this))
-    , m_along(new QHBoxLayout)
-    , m_alongEnd(new QHBoxLayout)
+    , m_along(new OssFlowLayout(gap))
+    , m_alongEnd(new OssFlowLayout(gap))
 {
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(4);
+    layout->setSpacing(gap);
     layout->addLayout(makeNodeRow());
     layout->addLayout(m_along);
     layout->addLayout(makeBrushRow());
@@ -125,7 +127,7 @@ PaintBar::PaintBar(PaintSession *session, const ViewerSource *source, QWidget *p
 QHBoxLayout *PaintBar::makeNodeRow()
 {
     auto *row = new QHBoxLayout;
-    row->setSpacing(4);
+    row->setSpacing(gap);
     m_nodes->setAccessibleName(tr("Paint node"));
     m_nodes->setToolTip(
         tr("The node that strokes go to; selecting one in the graph does the same"));
@@ -153,10 +155,9 @@ QHBoxLayout *PaintBar::makeNodeRow()
     return row;
 }
 
-QHBoxLayout *PaintBar::makeBrushRow()
+OssFlowLayout *PaintBar::makeBrushRow()
 {
-    auto *row = new QHBoxLayout;
-    row->setSpacing(4);
+    auto *row = new OssFlowLayout(gap);
     m_color->setToolTip(tr("Color of the brush (Ctrl and click picks one from the picture)"));
     m_color->setAccessibleName(tr("Color of the brush"));
     connect(m_color, &QToolButton::clicked, this, &PaintBar::pickColor);
@@ -181,14 +182,12 @@ QHBoxLayout *PaintBar::makeBrushRow()
         connect(field, qOverload<int>(&QSpinBox::valueChanged), this, &PaintBar::applyBrush);
     }
     row->addWidget(brushes);
-    row->addStretch(1);
     return row;
 }
 
-QHBoxLayout *PaintBar::makeToolRow()
+OssFlowLayout *PaintBar::makeToolRow()
 {
-    auto *row = new QHBoxLayout;
-    row->setSpacing(4);
+    auto *row = new OssFlowLayout(gap);
     for (const auto at :
          {BrushFields::ToolChoice, BrushFields::BlendChoice, BrushFields::WithinChoice}) {
         QComboBox *box = makeChoice(at);
@@ -202,7 +201,6 @@ QHBoxLayout *PaintBar::makeToolRow()
     }
     makeMaskMenu();
     row->addWidget(m_mask);
-    row->addStretch(1);
     return row;
 }
 
@@ -225,10 +223,9 @@ QComboBox *PaintBar::makeChoice(int at)
 }
 
 /// For the gradient alone.
-QHBoxLayout *PaintBar::makeGradientRow()
+OssFlowLayout *PaintBar::makeGradientRow()
 {
-    auto *row = new QHBoxLayout;
-    row->setSpacing(4);
+    auto *row = new OssFlowLayout(gap);
     QComboBox *to = makeChoice(BrushFields::GradientChoice);
     m_second->setToolTip(tr("Color that gradients end with"));
     m_second->setAccessibleName(m_second->toolTip());
@@ -236,7 +233,6 @@ QHBoxLayout *PaintBar::makeGradientRow()
     row->addWidget(m_gradientTo);
     row->addWidget(to);
     row->addWidget(m_second);
-    row->addStretch(1);
     m_showChoices.append([this, to] {
         const OssEvBrush &brush = Brushes::instance()->brush();
         const bool isWanted = brush.tool == OssEvBrush::Tool::Gradient;

@@ -15,6 +15,7 @@
 
 class OssShaderNetwork;
 class OssSnBaseNode;
+class OssFlowLayout;
 class OssSnImageSetNodeBase;
 class QComboBox;
 class QDoubleSpinBox;
@@ -49,9 +50,9 @@ Q_SIGNALS:
 
 private:
     QHBoxLayout *makeNodeRow();
-    QHBoxLayout *makeBrushRow();
-    QHBoxLayout *makeToolRow();
-    QHBoxLayout *makeGradientRow();
+    OssFlowLayout *makeBrushRow();
+    OssFlowLayout *makeToolRow();
+    OssFlowLayout *makeGradientRow();
     QComboBox *makeChoice(int at);
     void makeMaskMenu();
     void maskBySelection();
@@ -61,7 +62,7 @@ private:
     void followSelection(const OssShaderNetwork *network);
     void chooseNode(int index);
     void showAlong();
-    void fillAlong(QHBoxLayout *row, const QString &title, PaintSession::ColorOf of);
+    void fillAlong(OssFlowLayout *row, const QString &title, PaintSession::ColorOf of);
     QWidget *makeColorAlong(OssSnImageSetNodeBase *node, PaintSession::ColorOf of);
     QWidget *makeNumberAlong(OssSnImageSetNodeBase *node, PaintSession::ColorOf of);
     void pickColorAlong(OssSnImageSetNodeBase *node, PaintSession::ColorOf of);
@@ -102,6 +103,6 @@ private:
     QVector<std::tuple<const void *, QString, bool>> m_shownAlong; ///< nodes, and whether scalar
     QVector<std::function<void()>> m_showColors;                   ///< of these
     bool m_showsSecond = false;
-    QHBoxLayout *m_along;    ///< a button for each other node that is painted on
-    QHBoxLayout *m_alongEnd; ///< the same, for what gradients end with
+    OssFlowLayout *m_along;    ///< a button for each other node that is painted on
+    OssFlowLayout *m_alongEnd; ///< the same, for what gradients end with
 };

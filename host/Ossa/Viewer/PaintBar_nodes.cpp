@@ -8,6 +8,7 @@
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssCore/Values/OssColor.h"
+#include "OssInterface/Widgets/OssFlowLayout.h"
 #include "OssModel/Evaluation/OssSolo.h"
 #include "OssModel/Graph/OssShaderNetwork.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
@@ -18,7 +19,6 @@
 #include <QColorDialog>
 #include <QComboBox>
 #include <QDoubleSpinBox>
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QMenu>
 #include <QSignalBlocker>
@@ -195,7 +195,7 @@ void PaintBar::showAlong()
         show();
 }
 
-void PaintBar::fillAlong(QHBoxLayout *row, const QString &title, PaintSession::ColorOf of)
+void PaintBar::fillAlong(OssFlowLayout *row, const QString &title, PaintSession::ColorOf of)
 {
     while (QLayoutItem *item = row->takeAt(0)) {
         if (item->widget()) {
@@ -212,7 +212,6 @@ void PaintBar::fillAlong(QHBoxLayout *row, const QString &title, PaintSession::C
         const bool isScalar = node->imageSet() && node->imageSet()->isScalar();
         row->addWidget(isScalar ? makeNumberAlong(node, of) : makeColorAlong(node, of));
     }
-    row->addStretch(1);
 }
 
 QWidget *PaintBar::makeColorAlong(OssSnImageSetNodeBase *node, PaintSession::ColorOf of)

@@ -62,12 +62,15 @@ TEST_F(BrushesPalette, fieldsAreTheBrushAndTheBrushTheFields)
     for (const BrushFields::Number &number : BrushFields::numbers()) {
         auto *field = named<QDoubleSpinBox>(&m_panel, number.name);
         ASSERT_NE(field, nullptr) << number.name;
+        EXPECT_EQ(field->minimum(), number.least) << number.key;
         field->setValue(std::round((number.least + number.most) / 3.0));
         Brush now = brush();
         EXPECT_NEAR(number.of(now) * number.shown, field->value(), 1e-9) << number.key;
         number.of(now) = number.least / number.shown + 0.01;
         Brushes::instance()->take(now);
-        EXPECT_NEAR(field->value(), std::round(number.of(now) * number.shown), 1e-9) << number.key;
+        const double parts = std::pow(10.0, number.decimals);
+        EXPECT_NEAR(field->value(), std::round(number.of(now) * number.shown * parts) / parts, 1e-9)
+            << number.key;
     }
     for (const BrushFields::Switch &field : BrushFields::switches()) {
         Brush now = brush();

@@ -29,8 +29,10 @@ void ViewerPanel::followStrokes()
     connect(&m_hand, &QTimer::timeout, this, &ViewerPanel::followHand);
     connect(m_session, &PaintSession::painted, this, [this] {
         const bool isExact = m_session->along().isEmpty() && m_source->showsOnly(m_session->node());
-        const bool isLit = m_object->isVisible() && m_object->isMaterial();
-        if (m_session->isPainting() && !isExact && !isLit && !m_hand.isActive())
+        // The object in light has the stroke by itself.
+        const bool isSeen = m_view->isVisible()
+                            || (m_object->isVisible() && !m_object->isMaterial());
+        if (m_session->isPainting() && !isExact && isSeen && !m_hand.isActive())
             m_hand.start(std::max(handTime, 2 * m_tookPicture));
     });
     connect(m_session, &PaintSession::settled, m_source, &ViewerSource::expectSamePicture);

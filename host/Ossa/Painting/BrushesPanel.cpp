@@ -17,6 +17,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QSignalBlocker>
 #include <QStyle>
 #include <QToolButton>
@@ -69,6 +70,21 @@ QComboBox *makeBox()
     box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     box->setMinimumContentsLength(shortestChoice);
     return box;
+}
+
+/// The one that the brush has among those that it may have.
+void showPicture(QComboBox *box, const PictureField &field, const Brush &brush)
+{
+    const QString used = field.used(brush);
+    box->clear();
+    box->addItem(BrushesPanel::tr(field.none), QString());
+    const QStringList names = field.hasShapes ? BrushPresets::stamps() : QStringList();
+    for (const QString &name : names)
+        box->addItem(QCoreApplication::translate("BrushPresets", qPrintable(name)), name);
+    if (box->findData(used) < 0)
+        box->addItem(QFileInfo(used).fileName(), used);
+    box->setCurrentIndex(box->findData(used));
+    box->addItem(BrushesPanel::tr("From file..."));
 }
 
 void tell(const OssResult &result)
@@ -221,6 +237,10 @@ QWidget *BrushesPanel::makeFields()
     scroll->setWidgetResizable(true);
     scroll->setFrameShape(QFrame::NoFrame);
     scroll->setWidget(body);
+    // What is kept makes room for them.
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scroll->setMinimumWidth(body->minimumSizeHint().width()
+                            + scroll->verticalScrollBar()->sizeHint().width());
     return scroll;
 }
 
@@ -284,16 +304,7 @@ void BrushesPanel::addPictures(QFormLayout *form)
         box->setToolTip(tr(field.tip));
         form->addRow(tr(field.name), box);
         const auto show = [box, field](const Brush &brush) {
-            const QString used = field.used(brush);
-            box->clear();
-            box->addItem(tr(field.none), QString());
-            const QStringList names = field.hasShapes ? BrushPresets::stamps() : QStringList();
-            for (const QString &name : names)
-                box->addItem(QCoreApplication::translate("BrushPresets", qPrintable(name)), name);
-            if (box->findData(used) < 0)
-                box->addItem(QFileInfo(used).fileName(), used);
-            box->setCurrentIndex(box->findData(used));
-            box->addItem(tr("From file..."));
+            showPicture(box, field, brush);
         };
         m_show.append(show);
         connect(

@@ -230,6 +230,10 @@ ObjectCanvas::Press ObjectCanvas::pressLine(const QPointF &place, double pressur
                                                                  : std::nullopt;
     if (!from)
         return press(place, pressure);
+    const QPointF at = flipped(place);
+    if (!OssEvSurfaceStroke::touchAt(*surface(), frame(), Brushes::instance()->brush(), at.x(),
+                                     at.y()))
+        return Press::Beside;
     const Press pressed = press(flipped({double(from->x), double(from->y)}), pressure);
     if (pressed == Press::Begun)
         move(place, pressure);

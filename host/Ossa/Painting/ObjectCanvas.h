@@ -46,6 +46,10 @@ public:
     Press press(const QPointF &place, double pressure = 1.0);
     /// A straight line from where the last stroke ended; as press() where there was none.
     Press pressLine(const QPointF &place, double pressure = 1.0);
+
+    /// The last stroke was taken back: no line goes on from there.
+    void forgetEnd() { m_lastEnd.reset(); }
+
     void move(const QPointF &place, double pressure = 1.0);
     /// Fills as the brush says, or along a line.
     Press fill(const QPointF &place, const std::optional<QPointF> &end = std::nullopt);

@@ -29,7 +29,7 @@ class ViewerPictures;
 ///
 /// While one paints, the left button draws on the object: Shift goes on from the last stroke in a straight
 /// line, Ctrl picks the colour under the pointer, or what is cloned, Escape takes the stroke in hand back. Alt and a drag, or
-/// a drag from beside the object, turns it.
+/// a drag from beside the object, turns it, with Shift what surrounds it.
 ///
 /// Draws only while it is seen. Light is drawn on a thread of its own. Pixels of patches that arrive are
 /// handed to OpenGL some at a time between frames, so that a large picture does not hold up the user.

@@ -164,6 +164,7 @@ bool ObjectView::takeStrokeBack()
     if (!isInHand())
         return false;
     m_session->cancel();
+    m_canvas->forgetEnd();
     m_gradientFrom.reset();
     update();
     return true;

@@ -98,6 +98,8 @@ TEST_F(ObjectCanvases, aLineGoesOnFromTheLastStrokeAlsoAfterTheObjectWasTurned)
     draw(pixelOf(from), pixelOf(from));
     m_camera.orbit({0.05, 0.02});
     place();
+    EXPECT_EQ(m_object->pressLine({3.0, 3.0}), ObjectCanvas::Press::Beside) << "a drag turns there";
+    EXPECT_FALSE(m_session->isPainting());
     EXPECT_EQ(m_object->pressLine(pixelOf(to)), ObjectCanvas::Press::Begun);
     m_session->end();
     EXPECT_EQ(undoCount(), 2);

@@ -206,15 +206,7 @@ TEST_F(PaintBars, aLayerIsPaintOverTheChannelsOfAMaterialAllOfItPaintedAtOnce)
     EXPECT_DOUBLE_EQ(m_session->colorAlong(rough).green(), 0.5) << "as the shader has it";
     EXPECT_DOUBLE_EQ(m_session->colorAlong(m_session->along().last()).green(), 0.0);
     // Each has its colour in the bar.
-    const auto along = [this](const char *name) {
-        return named<QDoubleSpinBox>(m_bar.get(), name);
-    };
-    m_bar->resize(m_bar->minimumSizeHint().width(), 400);
-    EXPECT_TRUE(QTest::qWaitFor([&] {
-        return along("Displacement Paint")->y() > along("Roughness Paint")->y();
-    })) << "there is no room";
-    EXPECT_LE(along("Displacement Paint")->geometry().right(), m_bar->width());
-    QDoubleSpinBox *field = along("Roughness Paint");
+    auto *field = named<QDoubleSpinBox>(m_bar.get(), "Roughness Paint");
     field->selectAll();
     QTest::keyClicks(field, text("0.25"));
     EXPECT_DOUBLE_EQ(m_session->colorAlong(rough).green(), 0.25);
@@ -237,6 +229,20 @@ TEST_F(PaintBars, aLayerIsPaintOverTheChannelsOfAMaterialAllOfItPaintedAtOnce)
     m_session->setNode(nullptr);
     OssUndoManager::instance()->undo();
     EXPECT_EQ(m_project->stateHash(), before);
+}
+
+TEST_F(PaintBars, fieldsOfALayerGoOnBelowWhereThereIsNoRoom)
+{
+    OssSnBaseNode *shader = add("Shaders/Standard Surface");
+    m_network->viewerNode()->setInputNode(text("1"), shader, shader->prefferedOutputPoint());
+    button("New Layer")->click();
+    const auto along = [this](const char *name) {
+        return named<QDoubleSpinBox>(m_bar.get(), name);
+    };
+    m_bar->resize(m_bar->minimumSizeHint().width(), 400);
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] { return along("Displacement Paint")->y() > along("Roughness Paint")->y(); }));
+    EXPECT_LE(along("Displacement Paint")->geometry().right(), m_bar->width());
 }
 
 TEST_F(PaintBars, paintNodesInASelectedGroupArePaintedTogether)

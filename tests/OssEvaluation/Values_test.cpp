@@ -3,6 +3,7 @@
 #include "OssEvaluation/Values/OssEvParameter.h"
 #include "OssEvaluation/Values/OssEvRamp.h"
 #include "OssEvaluation/Values/OssEvRegion.h"
+#include "OssEvaluation/Values/OssEvRotation.h"
 #include "OssEvaluation/Values/OssEvTile.h"
 #include "OssEvaluation/Values/Texels.h"
 
@@ -408,3 +409,20 @@ TEST(Tiles, ofOneValueCostNothingAndReadLikeOthers)
 }
 
 } // namespace
+
+TEST(Rotation, isFoundAgainFromItsAxes)
+{
+    const double angles[] = {-180.0, -90.0, -35.0, 0.0, 20.0, 90.0, 160.0};
+    for (const double x : angles) {
+        for (const double y : angles) {
+            for (const double z : angles) {
+                const OssEvRotation::Axes axes = OssEvRotation::axesOf({x, y, z});
+                const OssEvRotation::Axes again = OssEvRotation::axesOf(
+                    OssEvRotation::anglesOf(axes));
+                for (std::size_t k = 0; k < 9; ++k)
+                    EXPECT_NEAR(again[k / 3][k % 3], axes[k / 3][k % 3], 1e-5)
+                        << x << ' ' << y << ' ' << z;
+            }
+        }
+    }
+}

@@ -5,6 +5,7 @@
 
 #include <glm/gtc/type_ptr.hpp>
 
+#include <array>
 #include <limits>
 #include <set>
 
@@ -85,19 +86,50 @@ const OssRdGeometry *ScenePick::geometryAt(const OssRdScene &scene, const Ray &r
     return nearestOf(scene, ray).geometry;
 }
 
-std::optional<glm::vec3> ScenePick::firstOf(const OssEvMesh &mesh, const Ray &ray)
+glm::mat4 ScenePick::worldOf(const OssEvMesh &mesh)
 {
     glm::mat4 world(1.0F);
     for (int row = 0; row < 3; ++row) {
         for (int column = 0; column < 4; ++column)
             world[column][row] = mesh.world[std::size_t(row) * 4 + std::size_t(column)];
     }
-    const Ray own = within(ray, world);
+    return world;
+}
+
+std::optional<ScenePick::Hit> ScenePick::hitOf(const OssEvMesh &mesh, const Ray &ray)
+{
+    const Ray own = within(ray, worldOf(mesh));
     const auto corner = [&mesh](std::uint32_t vertex) {
         return glm::make_vec3(mesh.positions[vertex].data());
     };
     float nearest = none;
-    for (const auto &[a, b, c] : mesh.triangles)
-        nearest = std::min(nearest, distance(own, corner(a), corner(b), corner(c)));
-    return placeAt(ray, nearest);
+    const std::array<std::uint32_t, 3> *met = nullptr;
+    for (const auto &triangle : mesh.triangles) {
+        const float away = distance(own, corner(triangle[0]), corner(triangle[1]),
+                                    corner(triangle[2]));
+        if (away >= nearest)
+            continue;
+        nearest = away;
+        met = &triangle;
+    }
+    if (!met)
+        return std::nullopt;
+    const glm::vec3 place = own.from + own.direction * nearest;
+    // Parts of the triangle across from its corners weigh these.
+    const auto part = [&](std::size_t a, std::size_t b) {
+        return glm::length(glm::cross(corner((*met)[a]) - place, corner((*met)[b]) - place));
+    };
+    const auto normal = [&](std::size_t k) {
+        return glm::make_vec3(mesh.normals[(*met)[k]].data());
+    };
+    const glm::vec3 mean = normal(0) * part(1, 2) + normal(1) * part(2, 0) + normal(2) * part(0, 1);
+    const float length = glm::length(mean);
+    return Hit{place, length > 0.0F ? mean / length : -glm::normalize(own.direction)};
+}
+
+std::optional<glm::vec3> ScenePick::firstOf(const OssEvMesh &mesh, const Ray &ray)
+{
+    const std::optional<Hit> hit = hitOf(mesh, ray);
+    return hit ? std::optional(glm::vec3(worldOf(mesh) * glm::vec4(hit->place, 1.0F)))
+               : std::nullopt;
 }

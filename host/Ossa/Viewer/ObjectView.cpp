@@ -2,6 +2,7 @@
 
 #include "Ossa/Painting/ObjectCanvas.h"
 #include "Ossa/Painting/PaintSession.h"
+#include "Ossa/Viewer/DecalHandle.h"
 #include "Ossa/Viewer/ViewerPictures.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssEvaluation/Geometry/OssEvMesh.h"
@@ -30,6 +31,7 @@ constexpr float turnAcross = 4.0F; ///< radians, of the surroundings by a drag o
 ObjectView::ObjectView(const ViewerPictures *pictures, QWidget *parent)
     : QWidget(parent)
     , m_pictures(pictures)
+    , m_decal(makeDecalHandle())
     , m_wipe(new WipeHandle(this))
 {
     setFocusPolicy(Qt::StrongFocus);
@@ -51,8 +53,22 @@ ObjectView::ObjectView(const ViewerPictures *pictures, QWidget *parent)
 
 ObjectView::~ObjectView() = default;
 
-void ObjectView::setMesh(const std::shared_ptr<const OssEvMesh> &mesh)
+DecalHandle *ObjectView::makeDecalHandle()
 {
+    DecalHandle::Sight sight;
+    sight.toClip = [this] {
+        return LitPicture::toMatrix(m_camera.projection(float(width()) / float(height()))
+                                    * m_camera.view());
+    };
+    sight.ray = [this](const QPointF &place) {
+        return rayTo(place);
+    };
+    return new DecalHandle(this, sight);
+}
+
+void ObjectView::setMesh(const std::shared_ptr<const OssEvMesh> &mesh, const OssGeoEntity *entity)
+{
+    m_decal->setSeen(mesh, entity);
     if (mesh == m_mesh)
         return;
     m_mesh = mesh;
@@ -75,7 +91,7 @@ void ObjectView::setLit(bool lit)
 
 void ObjectView::frameAll()
 {
-    if (isInHand())
+    if (isInHand() || m_decal->isDragged())
         return;
     if (isMaterial()) {
         frameLight();
@@ -162,6 +178,7 @@ void ObjectView::paintEvent(QPaintEvent *)
         paintLight(&painter);
     else if (m_renderer)
         paintPatches(&painter);
+    m_decal->draw(&painter);
     drawOutline(&painter);
 }
 

@@ -18,6 +18,7 @@
 
 #include <optional>
 
+class DecalHandle;
 class ObjectCanvas;
 class OssGeoEntity;
 class PaintSession;
@@ -29,7 +30,8 @@ class ViewerPictures;
 ///
 /// While one paints, the left button draws on the object: Shift goes on from the last stroke in a straight
 /// line, Ctrl picks the colour under the pointer, or what is cloned, Escape takes the stroke in hand back. Alt and a drag, or
-/// a drag from beside the object, turns it, with Shift what surrounds it.
+/// a drag from beside the object, turns it, with Shift what surrounds it. While one does not paint, a decal can be
+/// placed (DecalHandle).
 ///
 /// Draws only while it is seen. Light is drawn on a thread of its own. Pixels of patches that arrive are
 /// handed to OpenGL some at a time between frames, so that a large picture does not hold up the user.
@@ -42,8 +44,9 @@ public:
     explicit ObjectView(const ViewerPictures *pictures, QWidget *parent = nullptr);
     ~ObjectView() override;
 
-    /// Null: nothing. Another shape than before is framed.
-    void setMesh(const std::shared_ptr<const OssEvMesh> &mesh);
+    /// Null: nothing. Another shape than before is framed. `entity`: whose it is.
+    void setMesh(const std::shared_ptr<const OssEvMesh> &mesh,
+                 const OssGeoEntity *entity = nullptr);
 
     bool isLit() const { return m_isLit; }
 
@@ -127,6 +130,7 @@ private:
     /// What is seen at a place: on the object, or beside it as deep as its middle.
     QVector3D placeAt(const QPointF &place) const;
     ScenePick::Ray rayTo(const QPointF &place) const;
+    DecalHandle *makeDecalHandle();
 
     // Painting
     void followStrokes();
@@ -164,6 +168,7 @@ private:
     bool m_isTurning = true; ///< the button held moves the camera or what surrounds
     bool m_isMoving = false;
     bool m_hasTurned = false; ///< what surrounds it
+    DecalHandle *m_decal;     ///< the wipe line goes before it
     WipeHandle *m_wipe;
     std::vector<OssRdScene::Object> m_kept;
     QString m_keptName;

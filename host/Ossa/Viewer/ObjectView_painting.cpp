@@ -4,6 +4,7 @@
 #include "Ossa/Painting/ObjectCanvas.h"
 #include "Ossa/Painting/PaintMarks.h"
 #include "Ossa/Painting/PaintSession.h"
+#include "Ossa/Viewer/DecalHandle.h"
 #include "Ossa/Viewer/ViewerPictures.h"
 #include "OssCore/Program/OssStatusManager.h"
 
@@ -58,6 +59,7 @@ void ObjectView::setPainted(bool painted)
     if (!painted)
         m_session->end();
     m_gradientFrom.reset();
+    m_decal->setActive(!painted);
     m_canvas->setActive(painted);
     m_light.setPainted(painted);
     setCursor(painted ? Qt::CrossCursor : Qt::ArrowCursor);

@@ -145,8 +145,8 @@ void ViewerPanel::follow()
                 m_pictures->begin(patches, m_source->resolution(), problem);
                 const OssGeoEntity *entity = m_source->entity();
                 m_object->follow();
-                m_object->setMesh(entity ? OssMeshes::instance()->look(entity->source()).mesh
-                                         : nullptr);
+                m_object->setMesh(
+                    entity ? OssMeshes::instance()->look(entity->source()).mesh : nullptr, entity);
                 m_told = 0;
                 m_patchesDone = patches.isEmpty() ? m_progress->maximum() : 0;
                 m_progress->setValue(0);

@@ -5,6 +5,7 @@
 #include "OssEvaluation/Kernels/Filter/Pyramid.h"
 #include "OssEvaluation/Kernels/Mesh/Points.h"
 #include "OssEvaluation/Kernels/Scratch.h"
+#include "OssEvaluation/Values/OssEvRotation.h"
 
 #include <algorithm>
 #include <cmath>
@@ -21,21 +22,6 @@ enum Output { Colored, Mask, Place };
 
 enum Repeat { Once, Tiled };
 
-/// Turned about x, then y, then z, in degrees: the columns are the decal's own axes.
-std::array<Vector, 3> axesOf(double x, double y, double z)
-{
-    constexpr double Degrees = 0.017453292519943295;
-    const double cx = std::cos(x * Degrees);
-    const double sx = std::sin(x * Degrees);
-    const double cy = std::cos(y * Degrees);
-    const double sy = std::sin(y * Degrees);
-    const double cz = std::cos(z * Degrees);
-    const double sz = std::sin(z * Degrees);
-    return {Vector{float(cy * cz), float(cy * sz), float(-sy)},
-            Vector{float(sx * sy * cz - cx * sz), float(sx * sy * sz + cx * cz), float(sx * cy)},
-            Vector{float(cx * sy * cz + sx * sz), float(cx * sy * sz - sx * cz), float(cx * cy)}};
-}
-
 class Decal : public OssEvAreaOperation
 {
 public:
@@ -47,7 +33,8 @@ public:
         , m_repeat(setup.integer("Repeat"))
         , m_place{float(setup.real("PositionX")), float(setup.real("PositionY")),
                   float(setup.real("PositionZ"))}
-        , m_axes(axesOf(setup.real("RotationX"), setup.real("RotationY"), setup.real("RotationZ")))
+        , m_axes(OssEvRotation::axesOf(
+              {setup.real("RotationX"), setup.real("RotationY"), setup.real("RotationZ")}))
         , m_size{float(setup.real("Width") * setup.real("Scale")),
                  float(setup.real("Height") * setup.real("Scale"))}
         , m_half(float(setup.real("Depth") / 2.0))
@@ -212,7 +199,7 @@ private:
     bool m_isWorld;
     int m_repeat;
     Vector m_place;
-    std::array<Vector, 3> m_axes;
+    OssEvRotation::Axes m_axes;
     std::array<float, 2> m_size;
     float m_half;
     float m_fade;

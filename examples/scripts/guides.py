@@ -80,7 +80,8 @@ def first_material(folder):
          "Turn Strength of Relief up to 6.")
     note("Step 4", 2.2, -330, "4  The surface puts them together. Select it and press 1, choose 3D in the Viewer, "
          "then drag to turn it; N is another light.")
-    note("Try", 2.2, 400, "Try: point at the wire to Colors and drag a Swirl onto it from the palette Nodes.", TRY)
+    note("Try", 2.2, 400, "Try: drag a Swirl out of Palettes > Nodes into the graph, "
+         "then drag it by its title onto the wire to Colors: it is put in between.", TRY)
     guide.finish([surface])
 
 
@@ -142,11 +143,14 @@ def masks_and_layers(folder):
     wire(surface, Base_Color=coat, Roughness=rough, Metallic=wear)
     note("Step 1", -0.1, -200, "1  Where is it worn? At its edges: select Edges, press 1, choose Edges.")
     note("Step 2", -0.1, 460, "2  ... and not evenly: a grunge breaks it up. Look at that with 1 as well, its Output.")
-    note("Step 3", 1.9, 300, "3  One knob says how much: drag Position of Wear from 0 to 1. This is the mask.")
-    note("Step 4", 2.9, -420, "4  Steel shows where the mask is white. Base lies below, Over above, Mask between.")
+    note("Step 3", 1.9, 300, "3  One knob says how much: look at Wear with 1, press Return, and drag its Position "
+         "from 0 to 1. This is the mask.")
+    note("Step 4", 2.9, -420, "4  Steel shows where the mask is white: Base lies below, Over above, Mask between. Look "
+         "at Painted Steel with 1, choose 3D, and drag Position again.")
     note("Step 5", 4.2, 300, "5  The same mask is the metal, and turned round a little it is the roughness: "
-         "one mask, every channel.")
-    note("Try", 4.2, -420, "Try: put a third layer over the merge, Dust as its mask, and a pale grey.", TRY)
+         "one mask, every channel. Choose Metallic in place of Lit above the object to see it.")
+    note("Try", 4.2, -420, "Try: a third layer. Select Steel under Paint, press Tab, type merge, then Return. Wire a "
+         "pale Color to its Over, a Dust to its Mask, and the merge to Base Color.", TRY)
     guide.finish([surface])
 
 
@@ -164,12 +168,14 @@ def painting(folder):
     wire(normal, Height=ground)
     wire(surface, Base_Color=over, Normal=normal)
     note("Step 1", 0.9, -430, "1  Paint lives in this node. In the Viewer, choose 3D and switch Paint on; the bar "
-         "above says \"Your Paint\". Drag over the sphere.")
-    note("Step 2", 2, -430, "2  A merge lays it over the stone. Turn its Amount, or choose Multiply as Blend Mode: "
+         "above says \"Your Paint\". Click its white square, choose a strong color, and drag over the sphere.")
+    note("Step 2", 2, -430, "2  A merge lays it over the stone. Open it with Return: turn its Amount, or choose "
+         "Multiply as Blend Mode: "
          "the stone shows through the paint.")
-    note("Step 3", -0.2, 330, "3  What lies below still changes: turn Scale of Ground. Your paint stays where it is.")
-    note("Step 4", 2.2, 330, "4  [ and ] change the brush, E erases, Ctrl+Z takes a stroke back. Bake keeps the "
-         "paint in images of the project.")
+    note("Step 3", -0.2, 330, "3  What lies below still changes: open Ground with Return and turn its Scale. Your "
+         "paint stays where it is.")
+    note("Step 4", 2.2, 330, "4  With the pointer over the sphere [ and ] change the brush, E erases and paints again, "
+         "Ctrl+Z takes a stroke back. Bake, in the bar, keeps the paint in images of the project.")
     note("Try", 3.4, -430, "Try: New Layer in the Viewer's bar paints color, roughness, metal and displacement "
          "at once.", TRY)
     guide.finish([surface])
@@ -205,13 +211,14 @@ def udim(folder):
     wire(kept, Input=color)
     wire(soft, Input=kept)
     wire(surface, Base_Color=soft)
-    note("Step 1", -0.1, -260, "1  This object has two patches, 1001 and 1002. The Viewer's patches show them beside "
-         "each other.")
-    note("Step 2", 0.1, 240, "2  The noise is looked up on the surface, so it goes over the border. Set Space to UV "
-         "and see the seam.")
-    note("Step 3", 1.9, -260, "3  Press Ctrl+B: the bake point keeps its input as images, one for each patch. It turns "
-         "green; what follows goes on from them.")
-    note("Step 4", 2.9, 300, "4  Turn Scale of Marble: Kept is out of date and turns yellow. Ctrl+B again.")
+    note("Step 1", -0.1, -260, "1  This object has two patches, 1001 and 1002. Choose 2D in the Viewer: they stand "
+         "beside each other.")
+    note("Step 2", 0.1, 240, "2  The noise is looked up on the surface, so it goes over the border. Open Marble with "
+         "Return, set Space to UV, and see the seam in 3D. Ctrl+Z takes it back.")
+    note("Step 3", 1.9, -260, "3  Press Ctrl+B, then Bake: the bake point keeps its input as images, one for each "
+         "patch. It turns green; what follows goes on from them.")
+    note("Step 4", 2.9, 300, "4  Turn Scale of Marble: Kept is out of date and turns yellow, and the picture stays "
+         "as it is. Ctrl+B again.")
     note("Step 5", 4.2, -260, "5  Ctrl+E opens the palette Export: its list shows a file for each channel and patch "
          "before any is written.")
     note("Try", 4.4, 300, "Try on the command line: ossa bake PROJECT --node Softer --patches 1002 -o out", TRY)
@@ -248,11 +255,12 @@ def groups(folder):
     wire(surface, Base_Color=coat, Metallic=metal, Roughness=rough)
     note("Step 1", -0.9, -330, "1  Rust Mask is a group. Select it, press Return: three knobs are all that its user "
          "sees. Drag Amount.")
-    note("Step 2", -1.6, 0, "2  Ctrl+Return opens it. Inside are three nodes. Their values are the knobs.")
+    note("Step 2", -1.6, 0, "2  Ctrl+Return opens it. Inside are three nodes. Their values are the knobs. The tab "
+         "above the graph leads back.")
     note("Step 3", 0.9, -330, "3  Inside, select Fringe and choose Node Graph > Group > Expose Node Properties: "
          "the group has two more knobs. Click on the name Radius, and F2 renames it.")
-    note("Step 4", 2.3, -330, "4  Node Graph > Group > Publish as Node Type makes it a kind of node of your own: find it "
-         "with Tab, in every project.")
+    note("Step 4", 2.3, -330, "4  Back here, select Rust Mask. Node Graph > Group > Publish as Node Type makes it a "
+         "kind of node of your own: find it with Tab, in every project.")
     note("Try", 2.3, 340, "Try: select Metal and Roughness, press Ctrl+G. Ctrl+Shift+G takes the group apart "
          "again.", TRY)
     guide.finish([surface])
@@ -276,9 +284,10 @@ def scripting(folder):
          "shows it.")
     note("Step 2", 1.2, -60, "2  Open Script > Console. Select Petal 1, press Return and turn its Radius: the console "
          "shows the line that does the same.")
-    note("Step 3", 2.3, -60, "3  Type that line with another number, and press Return. One undo takes it back.")
+    note("Step 3", 2.3, -60, "3  Type that line with another number, and press Return. One undo takes it back. (A "
+         "brings all of the graph into view.)")
     note("Step 4", 3.4, -60, "4  A line for all of them: for n in ossa.graph().nodesOfType("
-         "'Procedural/Pattern/Shape'): n.setAttribute('Radius', 0.12)")
+         "'Procedural/Pattern/Shape'): n.setAttribute('Radius', 0.12). Return twice runs it.")
     note("Try", 3.4, 160, "Try: Script > Run File runs a script from a file, ossa run SCRIPT.py without a window.", TRY)
     guide.finish([names["before"]])
 

@@ -189,7 +189,7 @@ DecalHandle::Part DecalHandle::partAt(const QPointF &view) const
 bool DecalHandle::begin(Part part, const QPointF &view)
 {
     OssSnBaseNode *decal = node();
-    for (int k = 0; k < DecalPlace::AttributeCount; ++k) {
+    for (int k = 0; k < DecalPlace::attributeCount; ++k) {
         const QString lock = decal->lockOf(QLatin1String(DecalPlace::attribute(k)));
         if (lock.isEmpty())
             continue;
@@ -206,7 +206,7 @@ bool DecalHandle::begin(Part part, const QPointF &view)
                           : part == Part::Knob ? tr("Turn %1")
                                                : tr("Resize %1");
     auto macro = std::make_unique<OssUndoManager::AutoMacro>(title.arg(decal->name()));
-    for (int k = 0; k < DecalPlace::AttributeCount; ++k) {
+    for (int k = 0; k < DecalPlace::attributeCount; ++k) {
         m_edits.push_back(
             std::make_unique<OssAttributeEdit>(decal, QLatin1String(DecalPlace::attribute(k))));
         m_edits.back()->begin();

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr const char *names[DecalPlace::AttributeCount] = {"PositionX", "PositionY", "PositionZ",
+constexpr const char *names[DecalPlace::attributeCount] = {"PositionX", "PositionY", "PositionZ",
                                                            "RotationX", "RotationY", "RotationZ",
                                                            "Scale",     "Width",     "Height"};
 constexpr double smallest = 0.001; // as the attributes may be
@@ -27,7 +27,7 @@ const char *DecalPlace::attribute(int index)
 
 DecalPlace DecalPlace::of(const OssSnBaseNode &node)
 {
-    std::array<double, AttributeCount> values{};
+    std::array<double, attributeCount> values{};
     for (std::size_t k = 0; k < values.size(); ++k)
         values[k] = node.attribute(QLatin1String(names[k])).toDouble();
     DecalPlace place;

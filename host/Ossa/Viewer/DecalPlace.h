@@ -9,7 +9,7 @@ class OssSnBaseNode;
 /// Where a decal lies in its space, as its node's attributes say, and where gestures bring it.
 struct DecalPlace
 {
-    static constexpr int AttributeCount = 9;
+    static constexpr int attributeCount = 9;
 
     /// In the order of values().
     static const char *attribute(int index);

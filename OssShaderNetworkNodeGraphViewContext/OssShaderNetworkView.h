@@ -261,7 +261,7 @@ private:
     void endOffer();
     bool dropObjects(const QDropEvent *event);
     void dropText(const QByteArray &nodes, NodeImport *import);
-    QList<OssSnBaseNode *> dropImages(const QDropEvent *event);
+    QList<OssSnBaseNode *> dropImages(const QDropEvent *event, const QPointF &place);
     /// Null when the type is unknown or there is no network.
     OssSnBaseNode *makeDropNode(const OssImage *image, const QString &nodeType,
                                 const QPointF &scenePos);

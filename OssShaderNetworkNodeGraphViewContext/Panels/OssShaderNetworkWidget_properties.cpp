@@ -59,6 +59,13 @@ QString focusedAttribute(const QWidget *panel)
     return row ? row->name() : QString();
 }
 
+void focusAttribute(const QWidget *panel, const QString &attribute)
+{
+    const auto *properties = qobject_cast<const OssNodePropertyPanel *>(panel);
+    if (const OssPropertyRow *row = properties ? properties->row(attribute) : nullptr)
+        row->editor()->setFocus();
+}
+
 constexpr const char *Pinned = "pinned"; // of panels
 
 bool isPinned(const QWidget *panel)
@@ -285,9 +292,15 @@ void OssSnNodePropertiesWidget::giveFocusBack()
 
 void OssSnNodePropertiesWidget::dismiss(QWidget *panel)
 {
-    // Qt hands it to whatever comes next, and the graph's keys are dead.
+    // Qt hands it to whatever comes next, and the graph's keys are dead; behind a dialog, too, which
+    // gives it back to its window when it closes.
+    const auto *manager = OssSnNodeGraphViewContextManager::instance();
+    OssShaderNetworkView *view = manager ? manager->currentView() : nullptr;
     if (panel->isAncestorOf(QApplication::focusWidget()))
         giveFocusBack();
+    else if (view && view->window() == panel->window()
+             && panel->isAncestorOf(panel->window()->focusWidget()))
+        view->setFocus();
     m_panelLayout->removeWidget(panel);
     panel->hide();
     panel->deleteLater();
@@ -400,11 +413,16 @@ void OssSnNodePropertiesWidget::onUserAttributeChanged(QString AttributeName)
         refreshPropertiesForNode(node);
 }
 
-void OssSnNodePropertiesWidget::onUserAttributeRenamed(QString, QString NewAttributeName)
+void OssSnNodePropertiesWidget::onUserAttributeRenamed(QString OldAttributeName,
+                                                       QString NewAttributeName)
 {
     auto *node = qobject_cast<OssSnBaseNode *>(sender());
-    if (isVisibleAttribute(node, NewAttributeName))
-        refreshPropertiesForNode(node);
+    if (!isVisibleAttribute(node, NewAttributeName))
+        return;
+    const bool hadFocus = focusedAttribute(m_panels.value(node)) == OldAttributeName;
+    refreshPropertiesForNode(node);
+    if (hadFocus)
+        focusAttribute(m_panels.value(node), NewAttributeName);
 }
 
 void OssSnNodePropertiesWidget::refreshPropertiesForNode(OssSnBaseNode *Node)
@@ -432,9 +450,7 @@ void OssSnNodePropertiesWidget::refreshPropertiesForNode(OssSnBaseNode *Node)
         else
             section->expand();
     }
-    const auto *properties = qobject_cast<const OssNodePropertyPanel *>(made);
-    if (const OssPropertyRow *row = properties ? properties->row(focused) : nullptr)
-        row->editor()->setFocus();
+    focusAttribute(made, focused);
 }
 
 // --- pointer

@@ -111,7 +111,7 @@ void OssShaderNetworkView::dropEvent(QDropEvent *event)
         importFiles(contents.nodeFiles, NodeFileKind::nodes(), &import);
         dropText(contents.nodesText, &import);
         if (contents.images > 0)
-            import.nodes.append(dropImages(event));
+            import.nodes.append(dropImages(event, *import.place)); // beside what came from files
         if (m_network && !import.nodes.isEmpty())
             m_network->selectOnly(import.nodes);
     }
@@ -131,7 +131,8 @@ bool OssShaderNetworkView::dropObjects(const QDropEvent *event)
     return objects->drop(mime, NodeGraphTarget, parameters);
 }
 
-QList<OssSnBaseNode *> OssShaderNetworkView::dropImages(const QDropEvent *event)
+QList<OssSnBaseNode *> OssShaderNetworkView::dropImages(const QDropEvent *event,
+                                                        const QPointF &place)
 {
     // Files that the project does not have yet are opened in the same step.
     const QList<OssImage *> images = OssImageManager::instance()->dropped(event);
@@ -148,8 +149,6 @@ QList<OssSnBaseNode *> OssShaderNetworkView::dropImages(const QDropEvent *event)
             .arg(images.size() == 1 ? tr("node") : tr("nodes"), nodeType));
     if (scene())
         scene()->clearSelection();
-    // Opening files may take a while: the pointer need not be there any more.
-    const QPointF place = mapToScene(event->pos());
     QList<OssSnBaseNode *> made;
     for (OssImage *image : images) {
         if (OssSnBaseNode *node = makeDropNode(image, nodeType, place))

@@ -446,7 +446,7 @@ void OssNodePropertyPanel::openMenu(const QPoint &position)
 
 OssPropertyRow *OssNodePropertyPanel::focusedRow() const
 {
-    const QWidget *focus = QApplication::focusWidget();
+    const QWidget *focus = window()->focusWidget();
     for (OssPropertyRow *row : m_rows) {
         if (focus
             && (row->label() == focus || row->editor() == focus

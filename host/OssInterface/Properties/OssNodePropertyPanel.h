@@ -39,7 +39,7 @@ public:
     /// Null when there is none of that name.
     OssPropertyRow *row(const QString &attribute) const { return m_rows.value(attribute); }
 
-    /// The row that has the keyboard focus; null when none has.
+    /// The row that has the keyboard, or gets it back when a dialog before it closes; null when none has.
     OssPropertyRow *focusedRow() const;
     /// The same of whichever panel has the keyboard.
     static OssPropertyRow *rowWithKeyboard();

@@ -333,6 +333,24 @@ TEST_F(Docks, whereTabsHaveNoRoomTheOneInFrontKeepsItsName)
     }
 }
 
+TEST_F(Docks, whatIsClosedWithTheKeyboardGivesItToTheGraph)
+{
+    projects()->newProject(text("Test"));
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    const auto closeWithKeyboardIn = [this](OssPalette *palette, const char *closed) {
+        properties->setFocus(); // where it was before
+        palette->setFocus();
+        toggle(closed)->trigger();
+        settle();
+        return QApplication::focusWidget();
+    };
+    EXPECT_EQ(closeWithKeyboardIn(log, "Log"), graph->focusProxy());
+    EXPECT_EQ(closeWithKeyboardIn(viewer, "History"), viewer->focusProxy());
+    EXPECT_EQ(closeWithKeyboardIn(viewer, "Viewer"), graph->focusProxy());
+    EXPECT_EQ(closeWithKeyboardIn(properties, "Node Graph"), properties->focusProxy());
+}
+
 TEST_F(Docks, keysOfTheGraphActInTheGraphAlone)
 {
     QAction disable(text("Disable"));

@@ -3,6 +3,7 @@
 #include "OssCore/Program/OssStatusManager.h"
 #include "OssCore/Undo/OssUndoManager.h"
 #include "OssInterface/Popups/OssApplication.h"
+#include "OssModel/Objects/OssMeshes.h"
 #include "OssModel/Project/OssProject.h"
 #include "OssModel/Project/OssProjectManager.h"
 #include "OssNodeGraph/View/OssNgView.h"
@@ -16,6 +17,7 @@
 #include <QDir>
 #include <QLibrary>
 #include <QMainWindow>
+#include <QTest>
 #include <QTimer>
 
 #include <array>
@@ -119,6 +121,7 @@ Monkey::Monkey(quint32 seed, const QString &example)
 Monkey::~Monkey()
 {
     OssProjectManager::instance()->closeProject(); // its files go with the folder
+    EXPECT_TRUE(QTest::qWaitFor([] { return !OssMeshes::instance()->isReading(); }, 30000));
     QDir::setCurrent(QDir::rootPath());
     for (const int signal : {SIGSEGV, SIGABRT, SIGFPE, SIGBUS})
         std::signal(signal, SIG_DFL);

@@ -31,6 +31,8 @@ const char *const Refusals[] = {
     "Cannot connect: \"",
     "Swap Inputs: ",
     "Connecting a node to the viewer's input 0 is not allowed",
+    // A part of such a text.
+    "Cannot read \"the clipboard\"",
     // Nothing there that the command is for.
     "Nothing to autoplace.",
     "The clipboard holds no nodes",

@@ -12,6 +12,7 @@
 #include <qtadvanceddocking/DockAreaWidget.h>
 #include <qtadvanceddocking/DockManager.h>
 #include <qtadvanceddocking/DockWidget.h>
+#include <qtadvanceddocking/DockWidgetTab.h>
 #include <qtadvanceddocking/IconProvider.h>
 
 #include <QAction>
@@ -122,6 +123,8 @@ PaletteDocks::PaletteDocks(QMainWindow *window)
         dock(palette);
     resetLayout();
     m_window->installEventFilter(this);
+    connect(qApp, &QApplication::focusChanged, this,
+            [this](QWidget *, QWidget *now) { noteKeyboard(now); });
     connect(OssPaletteManager::instance(), &OssPaletteManager::paletteRegistered, this,
             [this](OssPalette *palette) {
                 dock(palette);
@@ -234,13 +237,18 @@ void PaletteDocks::coverGraph(QWidget *cover, bool on)
     placeCover();
 }
 
+ads::CDockWidget *PaletteDocks::graphDock() const
+{
+    return m_docks.value(OssPaletteManager::instance()->find(
+        QString::fromLatin1(HostPalettes::places().front().helpKey), false));
+}
+
 void PaletteDocks::placeCover()
 {
-    OssPalette *graph = OssPaletteManager::instance()->find(
-        QString::fromLatin1(HostPalettes::places().front().helpKey), false);
-    ads::CDockWidget *dock = m_docks.value(graph);
+    ads::CDockWidget *dock = graphDock();
     if (!m_cover || !dock)
         return;
+    QWidget *graph = dock->widget();
     QWidget *shown = m_isCovered ? m_cover.data() : graph;
     const QWidget *hidden = m_isCovered ? graph : m_cover.data();
     // The window's own, which nobody else knows while it gets active again behind a dialog.
@@ -265,6 +273,28 @@ void PaletteDocks::releaseCover()
     if (OssPalette *graph = OssPaletteManager::instance()->find(
             QString::fromLatin1(HostPalettes::places().front().helpKey), false))
         graph->setEnabled(true);
+}
+
+void PaletteDocks::noteKeyboard(const QWidget *focus)
+{
+    // As a dock closes, its tab goes first, and Qt hands the keyboard to whatever comes next.
+    if (m_keyboard && m_keyboard->tabWidget()->isHidden())
+        return;
+    for (const QWidget *widget = focus; widget; widget = widget->parentWidget()) {
+        for (ads::CDockWidget *dock : qAsConst(m_docks)) {
+            if (dock == widget)
+                m_keyboard = dock;
+        }
+    }
+}
+
+void PaletteDocks::giveKeyboardBack(const ads::CDockWidget *closed)
+{
+    if (m_keyboard != closed)
+        return;
+    m_keyboard = nullptr;
+    if (ads::CDockWidget *graph = graphDock(); graph && !graph->isClosed())
+        (m_isCovered && m_cover ? m_cover.data() : graph->widget())->setFocus();
 }
 
 bool PaletteDocks::eventFilter(QObject *watched, QEvent *event)
@@ -304,6 +334,8 @@ void PaletteDocks::dock(OssPalette *palette)
         [this, dock](bool open) {
             if (open && !dock->isClosed() && m_window->isVisible())
                 makeRoom(dock);
+            else if (!open && dock->isClosed())
+                giveKeyboardBack(dock);
         },
         Qt::QueuedConnection);
 

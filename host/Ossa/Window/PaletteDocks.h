@@ -44,8 +44,12 @@ private:
     void makeRoom(const ads::CDockWidget *dock);
     void showPalette(const OssPalette *palette);
     void removeDock(QObject *palette);
+    /// Null before there is one.
+    ads::CDockWidget *graphDock() const;
     void placeCover();
     void releaseCover();
+    void noteKeyboard(const QWidget *focus);
+    void giveKeyboardBack(const ads::CDockWidget *closed);
 
     QMainWindow *m_window;
     ads::CDockManager *m_manager; ///< owned by the window
@@ -55,4 +59,6 @@ private:
     QStringList m_stateNames;
     QPointer<QWidget> m_cover; ///< of the graph
     bool m_isCovered = false;
+    QPointer<ads::CDockWidget>
+        m_keyboard; ///< has it, or had it last; also while it is being closed
 };

@@ -1,6 +1,9 @@
 #include "GraphFixture.h"
 #include "GraphUser.h"
 #include "OssGroupNodeKnobWidget.h"
+#include "OssInterface/Properties/OssNodePropertyPanel.h"
+#include "OssInterface/Properties/OssPropertyEditor.h"
+#include "OssInterface/Properties/OssPropertyRow.h"
 #include "OssModel/Graph/OssLinkedCustomAttributeManager.h"
 #include "OssNodeGraph/Items/OssNgNode.h"
 #include "OssShaderNetworkView.h"
@@ -412,6 +415,32 @@ TEST_F(KnobDialog, theDialogClosesWithItsGroupAndDoesNothingToOneThatIsGone)
     OssGroupNodeKnobDialog without(nullptr);
     EXPECT_EQ(without.findChild<QTreeWidget *>()->topLevelItemCount(), 0);
     replaceProject();
+}
+
+TEST_F(KnobDialog, aKnobThatIsRenamedKeepsTheKeyboardOfItsPanel)
+{
+    const QString quality = m_group->nodeAttributes().value(1).section(QLatin1Char('/'), -1);
+    m_dialog->hide();
+    auto *panels = m_manager->nodePropertiesWidget();
+    InOneWindow window({m_manager->nodeGraphWidget(), panels});
+    panels->insertBefore(m_group, nullptr);
+    window.activate();
+    const auto panel = [&] {
+        return qobject_cast<OssNodePropertyPanel *>(panels->panel(m_group));
+    };
+    ASSERT_NE(panel()->row(quality), nullptr);
+    panel()->row(quality)->editor()->setFocus();
+    const QString care = m_group->renameKnob(quality, text("Care"));
+    EXPECT_NE(panel()->focusedRow(), nullptr);
+    EXPECT_EQ(panel()->focusedRow(), panel()->row(care));
+    QDialog asking; // as that for the name, which is still there when the knob gets it
+    asking.show();
+    QApplication::setActiveWindow(&asking);
+    const QString finish = m_group->renameKnob(care, text("Finish"));
+    asking.hide();
+    window.activate();
+    EXPECT_NE(panel()->focusedRow(), nullptr);
+    EXPECT_EQ(panel()->focusedRow(), panel()->row(finish));
 }
 
 } // namespace

@@ -221,7 +221,7 @@ TEST_F(Docks, aSessionWithoutAPluginSpoilsNoLayout)
     open(true);
     EXPECT_FALSE(toggle("Log")->isChecked());
     EXPECT_TRUE(toggle("Node Graph")->isChecked());
-    EXPECT_NEAR(100 * place(graph).width() / window->width(), 33, 4);
+    EXPECT_NEAR(100.0 * place(graph).width() / window->width(), 33, 4);
     toggle("Viewer")->trigger();
     openAnew();
     EXPECT_FALSE(toggle("Viewer")->isChecked()) << "the latest of the whole ones counts";

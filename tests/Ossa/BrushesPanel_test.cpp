@@ -3,6 +3,7 @@
 #include "Ossa/Painting/BrushFields.h"
 #include "Ossa/Painting/BrushPicture.h"
 #include "Ossa/Painting/BrushPresets.h"
+#include "OssCore/Program/OssSettings.h"
 #include "OssInterface/Popups/OssApplication.h"
 #include "support/InterfaceUser.h"
 #include "support/OssaFiles.h"
@@ -14,11 +15,13 @@
 #include <QComboBox>
 #include <QDir>
 #include <QDoubleSpinBox>
+#include <QFile>
 #include <QLineEdit>
 #include <QListWidget>
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 namespace {
 
@@ -134,6 +137,32 @@ TEST_F(BrushesPalette, aKeptBrushIsTakenUpAgainWithAllButItsColor)
     EXPECT_EQ(kept("My Chalk"), nullptr);
     shelf()->setCurrentRow(0);
     EXPECT_FALSE(button(&m_panel, "Remove")->isEnabled()) << "the program's own";
+}
+
+TEST_F(BrushesPalette, theBrushInHandIsThatOfTheNextSessionUnlessWhatItReadsIsGone)
+{
+    const QString file = QDir(OssSettings::folderPath()).filePath(text("Brush.json"));
+    EXPECT_FALSE(BrushPresets::keptInHand());
+    Brush mine;
+    mine.paint.radius = 11.5;
+    mine.paint.color = {0.1F, 0.2F, 3.0F};
+    mine.paint.secondColor = {0.4F, 0.5F, 0.6F};
+    mine.steadiness = 30.0;
+    ASSERT_TRUE(BrushPresets::readStamp(text("Chalk"), &mine.paint.stamp).ok());
+    ASSERT_TRUE(BrushPresets::keepInHand(mine).ok());
+    const std::optional<Brush> again = BrushPresets::keptInHand();
+    ASSERT_TRUE(again);
+    EXPECT_DOUBLE_EQ(again->paint.radius, 11.5);
+    EXPECT_DOUBLE_EQ(again->steadiness, 30.0);
+    EXPECT_EQ(again->paint.color, mine.paint.color);
+    EXPECT_EQ(again->paint.secondColor, mine.paint.secondColor);
+    ASSERT_TRUE(again->paint.stamp);
+    QFile kept(file);
+    EXPECT_TRUE(kept.open(QIODevice::WriteOnly));
+    kept.write(R"({"radius": 7, "stamp": "/gone.png"})");
+    kept.close();
+    EXPECT_FALSE(BrushPresets::keptInHand());
+    EXPECT_TRUE(kept.remove());
 }
 
 TEST_F(BrushesPalette, namesThatNoFileCanHaveAndFilesThatNoBrushIsAreRefused)

@@ -9,21 +9,26 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace {
 
 constexpr qint64 largestFile = 1 << 16;
 constexpr double largestWorldRadius = 1e6;
+constexpr double largestColor = 1e4; // scene-linear
 const QString radiusKey = QStringLiteral("radius");
 const QString worldRadiusKey = QStringLiteral("worldRadius");
 const QString stampKey = QStringLiteral("stamp");
 const QString stencilKey = QStringLiteral("stencil");
 const QString pictureKey = QStringLiteral("picture");
+const QString colorKey = QStringLiteral("color");
+const QString secondColorKey = QStringLiteral("secondColor");
 
 struct Shipped
 {
@@ -77,16 +82,20 @@ void readNumber(const QJsonObject &from, const QString &key, double least, doubl
         *number = std::clamp(value, least, most);
 }
 
-OssResult read(const QString &path, Brush *brush)
+OssResult readObject(const QString &path, QJsonObject *object)
 {
     QByteArray content;
     const OssResult opened = OssAtomicFile::read(path, largestFile, &content);
     if (!opened)
         return opened;
     QJsonParseError error{};
-    const QJsonObject object = QJsonDocument::fromJson(content, &error).object();
-    if (error.error != QJsonParseError::NoError)
-        return refused(path, error.errorString());
+    *object = QJsonDocument::fromJson(content, &error).object();
+    return error.error == QJsonParseError::NoError ? OssResult()
+                                                   : refused(path, error.errorString());
+}
+
+OssResult readBrush(const QJsonObject &object, Brush *brush)
+{
     OssEvBrush &paint = brush->paint;
     readNumber(object, radiusKey, Brushes::smallestRadius, Brushes::largestRadius, &paint.radius);
     readNumber(object, worldRadiusKey, 1.0 / largestWorldRadius, largestWorldRadius,
@@ -113,7 +122,28 @@ OssResult read(const QString &path, Brush *brush)
     return found;
 }
 
-QByteArray textOf(Brush brush)
+OssResult read(const QString &path, Brush *brush)
+{
+    QJsonObject object;
+    const OssResult result = readObject(path, &object);
+    return result ? readBrush(object, brush) : result;
+}
+
+void readColor(const QJsonValue &from, std::array<float, 3> *color)
+{
+    const QJsonArray values = from.toArray();
+    for (std::size_t i = 0; i < color->size(); ++i) {
+        const double value = values.at(int(i)).toDouble((*color)[i]);
+        (*color)[i] = float(std::clamp(value, 0.0, largestColor));
+    }
+}
+
+QJsonArray colorOf(const std::array<float, 3> &color)
+{
+    return {double(color[0]), double(color[1]), double(color[2])};
+}
+
+QJsonObject objectOf(Brush brush)
 {
     const OssEvBrush &paint = brush.paint;
     QJsonObject object;
@@ -131,7 +161,17 @@ QByteArray textOf(Brush brush)
         object[stencilKey] = QString::fromStdString(paint.stencil->name());
     if (paint.picture)
         object[pictureKey] = QString::fromStdString(paint.picture->name());
-    return QJsonDocument(object).toJson();
+    return object;
+}
+
+OssResult write(const QString &path, const QJsonObject &object)
+{
+    return OssAtomicFile::write(path, QJsonDocument(object).toJson());
+}
+
+QString pathOfInHand()
+{
+    return QDir(OssSettings::folderPath()).filePath(QStringLiteral("Brush.json"));
 }
 
 } // namespace
@@ -170,13 +210,34 @@ OssResult BrushPresets::save(const QString &name, const Brush &brush)
         return OssResult::failure(QCoreApplication::translate(
             "BrushPresets", "A brush needs a name that a file can have, without \"/\""));
     const OssResult folder = OssAtomicFile::makeFolder(ownFolder());
-    return folder ? OssAtomicFile::write(pathOf(name), textOf(brush)) : folder;
+    return folder ? write(pathOf(name), objectOf(brush)) : folder;
 }
 
 OssResult BrushPresets::remove(const QString &name)
 {
     QFile file(pathOf(name));
     return file.remove() ? OssResult() : refused(file.fileName(), file.errorString());
+}
+
+OssResult BrushPresets::keepInHand(const Brush &brush)
+{
+    QJsonObject object = objectOf(brush);
+    object[colorKey] = colorOf(brush.paint.color);
+    object[secondColorKey] = colorOf(brush.paint.secondColor);
+    const OssResult folder = OssAtomicFile::makeFolder(OssSettings::folderPath());
+    return folder ? write(pathOfInHand(), object) : folder;
+}
+
+std::optional<Brush> BrushPresets::keptInHand()
+{
+    QJsonObject object;
+    Brush brush;
+    if (!QFile::exists(pathOfInHand()) || !readObject(pathOfInHand(), &object)
+        || !readBrush(object, &brush))
+        return std::nullopt;
+    readColor(object.value(colorKey), &brush.paint.color);
+    readColor(object.value(secondColorKey), &brush.paint.secondColor);
+    return brush;
 }
 
 QStringList BrushPresets::stamps()

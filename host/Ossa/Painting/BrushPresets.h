@@ -6,6 +6,8 @@
 #include <QString>
 #include <QVector>
 
+#include <optional>
+
 /// Brushes that can be taken up: those of the program, and the user's own, which are readable files in
 /// "Brushes" of the configuration folder.
 namespace BrushPresets {
@@ -25,6 +27,11 @@ QVector<Entry> all();
 OssResult save(const QString &name, const Brush &brush);
 /// Of the user's own.
 OssResult remove(const QString &name);
+
+/// Keeps the brush that the user has in hand, with its colours, for the next session.
+OssResult keepInHand(const Brush &brush);
+/// Nothing where none was kept, or where it cannot be used any more: what it reads may be gone.
+std::optional<Brush> keptInHand();
 
 /// Stamps that need no file: their names.
 QStringList stamps();

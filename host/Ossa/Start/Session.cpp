@@ -8,6 +8,7 @@
 #include "Ossa/Headless/ProgramVersion.h"
 #include "Ossa/Headless/ProjectTroubles.h"
 #include "Ossa/Help/ManualWriter.h"
+#include "Ossa/Painting/BrushPresets.h"
 #include "Ossa/Pictures/GraphCommand.h"
 #include "Ossa/Plugins/PluginActions.h"
 #include "Ossa/Scripting/RunCommand.h"
@@ -15,6 +16,7 @@
 #include "Ossa/Window/HostPalettes.h"
 #include "Ossa/Window/MainWindow.h"
 #include "Ossa/Window/WorkRecovery.h"
+#include "OssCore/Program/OssDebug.h"
 #include "OssCore/Program/OssIcon.h"
 #include "OssCore/Program/OssPluginInterface.h"
 #include "OssCore/Program/OssPreferenceManager.h"
@@ -28,6 +30,7 @@
 
 #include <cstdio>
 #include <functional>
+#include <optional>
 #include <utility>
 
 namespace {
@@ -62,6 +65,20 @@ void removeForgottenPixels()
             if (fromDisk && !project->isReadOnly())
                 inBackground([folder = project->path()] { OssPixelCleanup::cleanProject(folder); });
         });
+}
+
+/// The brush of the session before.
+void takeUpBrush()
+{
+    if (const std::optional<Brush> kept = BrushPresets::keptInHand())
+        Brushes::instance()->edit(*kept);
+}
+
+void keepBrush()
+{
+    const OssResult kept = BrushPresets::keepInHand(Brushes::instance()->current());
+    if (!kept)
+        OssDebug("Session", __LINE__, "[ !! ] %s", qPrintable(kept.error()));
 }
 
 } // namespace
@@ -163,6 +180,8 @@ int Session::runWindow()
     if (signalled.received() == 0)
         window.openAtStart(m_line.project);
     removeForgottenPixels();
+    takeUpBrush();
     const int exitCode = signalled.received() == 0 ? QApplication::exec() : 0;
+    keepBrush();
     return signalled.received() == 0 ? exitCode : ExitCode::Signalled + signalled.received();
 }

@@ -104,8 +104,17 @@ TEST_F(Pointer, theKeyLooksAtWhatIsUnderThePointerAndAtNothingWhenItWasHeld)
     EXPECT_EQ(letGo(), nullptr) << "it was held";
     hints->setKeyboardInputInterval(usual);
     EXPECT_FALSE(action->isChecked());
+    EXPECT_EQ(m_project->stateHash(), before);
+    action->setShortcut({});
+}
+
+TEST_F(Pointer, menusLookAtTheSelectionUntilItGoes)
+{
+    QAction *action = graphAction("Look At");
+    const QByteArray before = m_project->stateHash();
+    select({m_color});
     action->trigger();
-    EXPECT_EQ(OssSolo::instance()->node(), m_color) << "menus look at the selection";
+    EXPECT_EQ(OssSolo::instance()->node(), m_color);
     QTest::keyClick(m_view, Qt::Key_Escape);
     EXPECT_EQ(OssSolo::instance()->node(), nullptr);
     action->trigger();
@@ -117,7 +126,6 @@ TEST_F(Pointer, theKeyLooksAtWhatIsUnderThePointerAndAtNothingWhenItWasHeld)
     select({addAt("Misc/Backdrop", {0, 300})});
     action->trigger();
     EXPECT_EQ(OssSolo::instance()->node(), nullptr) << "it has no picture";
-    action->setShortcut({});
 }
 
 TEST_F(Pointer, aNodeInAGroupIsLookedAtUntilTheGroupGoes)

@@ -126,8 +126,7 @@ TEST_F(Viewing, theResolutionIsTheUsersInTheNextSessionToo)
 {
     choose("Resolution of a patch", 3);
     m_panel = std::make_unique<ViewerPanel>();
-    EXPECT_EQ(named<QComboBox>(m_panel.get(), "Resolution of a patch")->currentData().toInt(),
-              2048);
+    EXPECT_EQ(named<QComboBox>(m_panel.get(), "Resolution of a patch")->currentData(), 2048);
     EXPECT_EQ(m_panel->findChild<ViewerSource *>()->resolution(), 2048);
     OssSettings().setValue(text("Viewer/resolution"), 1000);
     m_panel = std::make_unique<ViewerPanel>();

@@ -11,6 +11,8 @@
 
 #include <QAction>
 
+#include <algorithm>
+
 namespace {
 
 QString comment(const QString &title)
@@ -266,11 +268,15 @@ void ScriptEcho::tellNow()
         else if (!told)
             Q_EMIT line(comment(m_titles.join(QStringLiteral(", "))));
     }
+    const bool pathsAreOther = !m_added.isEmpty() || !m_removed.isEmpty()
+                               || std::any_of(m_changes.cbegin(), m_changes.cend(),
+                                              [](const Change &change) { return change.renamed; });
     forgetChanges();
     m_selection.clear();
     for (auto known = m_known.begin(); known != m_known.end(); ++known) {
         OssSnBaseNode *node = known.key();
-        known->path = node->path();
+        if (pathsAreOther)
+            known->path = node->path();
         known->position = positionOf(node);
         known->size = sizeOf(node);
         known->outputs = node->outputPointNames();

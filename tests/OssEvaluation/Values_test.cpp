@@ -268,6 +268,7 @@ TEST(Curves, turnAtTheirHighestPointAndStayBetweenTheirNeighbours)
     std::uniform_real_distribution<double> number(0.0, 1.0);
     for (int round = 0; round < 200; ++round) {
         std::vector<OssEvVector2> points;
+        points.reserve(6);
         for (int i = 0; i < 6; ++i)
             points.push_back({double(i) + 0.8 * number(random), std::pow(number(random), 4.0)});
         const OssEvCurve curve(points);
@@ -348,7 +349,7 @@ TEST(Buffers, areAlignedGrowAndHandTheirMemoryOver)
         EXPECT_EQ(buffer.as<char>(), memory) << "large enough already";
         OssEvBuffer moved(std::move(buffer));
         EXPECT_EQ(moved.as<char>(), memory);
-        EXPECT_EQ(buffer.size(), 0U); // NOLINT(bugprone-use-after-move): that is what is looked at
+        EXPECT_EQ(buffer.size(), 0U); // NOLINT(*Move,*-use-after-move): that is what is looked at
         moved.reserve(4 * moved.size());
         EXPECT_GE(moved.size(), 4 * size);
     }
@@ -379,6 +380,7 @@ TEST(Buffers, littleOfWhatIsNoLongerNeededIsKept)
     const std::size_t before = inUse();
     {
         std::vector<OssEvBuffer> many;
+        many.reserve(400);
         for (int i = 0; i < 400; ++i)
             many.emplace_back(std::size_t(400) << 10);
     }

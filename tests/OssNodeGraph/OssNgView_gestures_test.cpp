@@ -332,7 +332,7 @@ TEST(OssNgShakeDetectorTest, countsReversalsInAnyDirectionWithinTheTime)
         OssNgShakeDetector shakes;
         int count = 0;
         for (int i = 1; i <= 6; ++i)
-            count = shakes.move(axis * (i % 2 ? 40.0 : 0.0), i * 50, 500);
+            count = shakes.move(axis * (i % 2 ? 40.0 : 0.0), qint64(i) * 50, 500);
         EXPECT_EQ(count, 5);
         EXPECT_EQ(shakes.move(axis * 60.0, 2000, 500), 1); // the older ones are forgotten
     }

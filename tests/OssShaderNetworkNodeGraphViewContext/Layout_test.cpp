@@ -282,6 +282,16 @@ TEST(FramedLayout, aFrameGrowsOverNoneThatHasNoMembers)
             QRectF(layout.position(i), nodes[std::size_t(i)].size).intersects(frames[1].area));
 }
 
+/// What the members of a frame cover after a layout, with its margins.
+QRectF coveredAfter(const FramedLayout::Frame &frame, const std::vector<Node> &nodes,
+                    const FramedLayout &layout)
+{
+    QRectF area;
+    for (const int member : frame.members)
+        area |= QRectF(layout.position(member), nodes[std::size_t(member)].size);
+    return area.marginsAdded(frame.margins);
+}
+
 TEST(FramedLayout, membersStayTogetherAndOthersStayOut)
 {
     std::mt19937 random(5);
@@ -305,13 +315,8 @@ TEST(FramedLayout, membersStayTogetherAndOthersStayOut)
         const auto rectOf = [&](int node) {
             return QRectF(layout.position(node), nodes[std::size_t(node)].size);
         };
-        QVector<QRectF> areas;
-        for (const FramedLayout::Frame &frame : frames) {
-            QRectF area;
-            for (const int member : frame.members)
-                area |= rectOf(member);
-            areas.append(area.marginsAdded(frame.margins));
-        }
+        const QVector<QRectF> areas{coveredAfter(frames[0], nodes, layout),
+                                    coveredAfter(frames[1], nodes, layout)};
         EXPECT_FALSE(areas.at(0).intersects(areas.at(1)));
         for (int i = 0; i < count; ++i) {
             for (int f = 0; f < 2; ++f)
@@ -333,13 +338,10 @@ TEST(FramedLayout, membersStayTogetherAndOthersStayOut)
 QRectF areaAfter(const FramedLayout::Frame &frame, const std::vector<Node> &before,
                  const FramedLayout &layout)
 {
-    QRectF area;
-    bool moved = false;
-    for (const int member : frame.members) {
-        area |= QRectF(layout.position(member), before[std::size_t(member)].size);
-        moved = moved || layout.position(member) != before[std::size_t(member)].position;
-    }
-    return moved ? area.marginsAdded(frame.margins) : frame.area;
+    const bool moved = std::any_of(frame.members.cbegin(), frame.members.cend(), [&](int member) {
+        return layout.position(member) != before[std::size_t(member)].position;
+    });
+    return moved ? coveredAfter(frame, before, layout) : frame.area;
 }
 
 TEST(FramedLayout, framesThatWiresLeadOutOfAndInAgainStayApartAndASecondTimeNothingMoves)

@@ -12,6 +12,7 @@
 #include "support/PassTime.h"
 #include "support/Text.h"
 
+#include <QAction>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -304,7 +305,8 @@ std::shared_ptr<const OssRdScene> painted(const OssRdScene &scene)
 {
     auto made = std::make_shared<OssRdScene>(scene);
     auto change = std::make_shared<OssRdMaterial::Change>();
-    change->parts = {{{0, 0, 24, 24}, std::vector<std::uint16_t>(24 * 24 * 4, 0x2C00)}};
+    change->parts = {
+        {{0, 0, 24, 24}, std::vector<std::uint16_t>(std::size_t(24) * 24 * 4, 0x2C00)}};
     change->isOpaque = true;
     made->objects.front().materials.at(1001).maps[OssRdMaterial::Color].changes = {change};
     return made;

@@ -215,9 +215,11 @@ public:
         Color sum{};
         float weights = 0.0F;
         for (int i = 0; i < 4; ++i) {
-            const glm::vec2 aside(float(i % 2), float(i / 2));
-            const float weight = (i % 2 == 0 ? 1.0F - part.x : part.x)
-                                 * (i / 2 == 0 ? 1.0F - part.y : part.y);
+            const bool right = i % 2 == 1;
+            const bool above = i > 1;
+            const glm::vec2 aside(right ? 1.0F : 0.0F, above ? 1.0F : 0.0F);
+            const float weight = (right ? part.x : 1.0F - part.x)
+                                 * (above ? part.y : 1.0F - part.y);
             const std::optional<Color> *color = weight > 0.0F ? &look(corner + aside, ask)
                                                               : nullptr;
             if (color == nullptr || !*color)

@@ -34,12 +34,12 @@ struct Switch
 /// One of several.
 struct Choice
 {
-    const char *key;
-    const char *name;
-    const char *tip;
+    const char *key = nullptr;
+    const char *name = nullptr;
+    const char *tip = nullptr;
     QStringList words; ///< in files, and to be translated
-    int (*get)(const Brush &brush);
-    void (*set)(Brush &brush, int choice);
+    int (*get)(const Brush &brush) = nullptr;
+    void (*set)(Brush &brush, int choice) = nullptr;
 };
 
 const QVector<Number> &numbers();

@@ -99,8 +99,9 @@ QRectF FramedLayout::contentOf(int frame) const
             content |= rect(node);
     }
     for (int f = 0; f < frame; ++f) {
-        if (m_frames[std::size_t(f)].parent == frame)
-            content |= contentOf(f).marginsAdded(m_frames[std::size_t(f)].margins);
+        const QRectF inner = m_frames[std::size_t(f)].parent == frame ? contentOf(f) : QRectF();
+        if (!inner.isEmpty())
+            content |= inner.marginsAdded(m_frames[std::size_t(f)].margins);
     }
     return content;
 }
@@ -221,8 +222,8 @@ QVector<QRectF> FramedLayout::emptyFramesApartFrom(int frame) const
     QVector<QRectF> areas;
     for (int f = 0; f < int(m_frames.size()); ++f) {
         const QRectF &area = m_frames[std::size_t(f)].area;
-        if (f != frame && !area.intersects(m_frames[std::size_t(frame)].area)
-            && contentOf(f).isEmpty())
+        if (f != frame && m_frames[std::size_t(f)].parent < 0
+            && !area.intersects(m_frames[std::size_t(frame)].area) && contentOf(f).isEmpty())
             areas.append(area);
     }
     return areas;
@@ -253,6 +254,17 @@ void FramedLayout::partFrames(const std::vector<Unit> &units)
         const QRectF now = areaOf(units[index]);
         const QRectF free = Alignment::clear(now, others, Qt::Vertical);
         shift(units[index], free.topLeft() - now.topLeft());
+    }
+}
+
+/// Frames hold what follows members: left behind, it would make them wider.
+void FramedLayout::bringFollowers()
+{
+    for (const auto &follower : qAsConst(m_followers)) {
+        const auto whom = std::size_t(follower.second);
+        m_nodes[std::size_t(follower.first)].position =
+            m_before[std::size_t(follower.first)].position + m_nodes[whom].position
+            - m_before[whom].position;
     }
 }
 
@@ -294,10 +306,12 @@ void FramedLayout::layOutLevel(int frame, const QVector<int> &ignored)
         shift(units[i], layout.rect(int(i)).topLeft() - values[i].position);
     if (any && m_givesWay)
         partFrames(units);
+    bringFollowers();
     if (frame < 0 || starts.isEmpty())
         return;
     for (const auto direction : {Qt::Horizontal, Qt::Vertical})
         closeGaps(units, direction);
+    bringFollowers();
 }
 
 /// Once more, until nothing moves: gives whether that came.
@@ -347,10 +361,5 @@ void FramedLayout::layOut(const QVector<int> &startNodes, const QVector<int> &ig
     } else {
         layOutFrames(passedOver);
     }
-    for (const auto &follower : qAsConst(m_followers)) {
-        const auto whom = std::size_t(follower.second);
-        m_nodes[std::size_t(follower.first)].position =
-            m_before[std::size_t(follower.first)].position + m_nodes[whom].position
-            - m_before[whom].position;
-    }
+    bringFollowers();
 }

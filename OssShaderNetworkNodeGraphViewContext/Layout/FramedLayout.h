@@ -55,6 +55,7 @@ private:
     QRectF areaOf(const Unit &unit) const;
     QVector<QRectF> emptyFramesApartFrom(int frame) const;
     void partFrames(const std::vector<Unit> &units);
+    void bringFollowers();
     void closeGaps(const std::vector<Unit> &units, Qt::Orientation direction);
 
     std::vector<ColumnLayout::Node> m_nodes;

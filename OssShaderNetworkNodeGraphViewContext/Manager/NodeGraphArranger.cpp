@@ -208,7 +208,15 @@ QVector<QPair<int, int>> notesWithNodes(const Picture &picture, const std::vecto
     return pairs;
 }
 
-/// Smallest first: each node is in the first that holds it. `frameOf` becomes the frame of each node.
+bool holdsAny(const std::vector<FramedLayout::Frame> &frames, int frame)
+{
+    return !frames[std::size_t(frame)].members.isEmpty()
+           || std::any_of(frames.cbegin(), frames.cend(),
+                          [frame](const auto &other) { return other.parent == frame; });
+}
+
+/// Smallest first: each node is in the first that holds it, as is a backdrop on another one that holds nothing.
+/// `frameOf` becomes the frame of each node.
 std::vector<FramedLayout::Frame> framesOf(const QVector<Container> &containers,
                                           const Picture &picture, std::vector<int> *frameOf)
 {
@@ -225,10 +233,13 @@ std::vector<FramedLayout::Frame> framesOf(const QVector<Container> &containers,
             const auto inner = std::find_if(
                 containers.cbegin(), containers.cbegin() + i,
                 [member](const Container &other) { return other.backdrop == visibleItem(member); });
-            if (inner != containers.cbegin() + i) {
-                FramedLayout::Frame &held = frames[std::size_t(inner - containers.cbegin())];
-                held.parent = held.parent < 0 ? i : held.parent;
-            } else if (node >= 0 && (*frameOf)[std::size_t(node)] < 0) {
+            const int held = int(inner - containers.cbegin());
+            bool isNode = held == i;
+            if (!isNode && frames[std::size_t(held)].parent < 0) {
+                frames[std::size_t(held)].parent = i;
+                isNode = !holdsAny(frames, held);
+            }
+            if (isNode && node >= 0 && (*frameOf)[std::size_t(node)] < 0) {
                 (*frameOf)[std::size_t(node)] = i;
                 frame.members.append(node);
             }
@@ -326,13 +337,14 @@ bool layOutFrom(const QList<OssSnBaseNode *> &startNodes, const QList<OssSnBaseN
     const QVector<Container> containers = containersOf(all);
     const Picture picture(all);
     const QVector<int> starts = startIndexes(startNodes, picture, containers);
-    QVector<int> backdrops;
-    for (int i = 0; i < all.size(); ++i) {
-        if (qobject_cast<OssNgBackdropNode *>(visibleItem(all.at(i))))
-            backdrops.append(i);
-    }
     std::vector<int> frameOf;
     std::vector<FramedLayout::Frame> frames = framesOf(containers, picture, &frameOf);
+    QVector<int> backdrops; // that are no nodes of others
+    for (int i = 0; i < all.size(); ++i) {
+        if (qobject_cast<OssNgBackdropNode *>(visibleItem(all.at(i)))
+            && frameOf[std::size_t(i)] < 0)
+            backdrops.append(i);
+    }
     const QVector<QPair<int, int>> notes = notesWithNodes(picture, frameOf);
     FramedLayout layout(picture.values(), frames, notes);
     layout.layOut(starts, backdrops);

@@ -104,6 +104,26 @@ TEST_F(AutoplaceTest, hiddenNodesAndTheViewerOnABackdropStayAndEmptyBackdropsToo
     itemOf(hidden)->setVisible(true);
 }
 
+TEST_F(AutoplaceTest, anEmptyBackdropOnAnotherGoesWithIt)
+{
+    OssSnBaseNode *end = addAt("Filter/Blur", {-9000, 5000});
+    OssSnBaseNode *blur = addAt("Filter/Blur", {-9100, 5300});
+    OssSnBaseNode *color = addAt("Procedural/Color", {-9200, 5600});
+    wire(blur, end);
+    wire(color, blur);
+    OssSnBaseNode *outer = addArea({-9300, 5200, 900, 800});
+    OssSnBaseNode *inner = addArea({-8900, 5700, 300, 200});
+    m_manager->beautifyNodesLayout(m_network);
+    EXPECT_EQ(placeOf(end), QPointF(-9000, 5000));
+    EXPECT_TRUE(rectOf(outer).contains(rectOf(inner)));
+    EXPECT_TRUE(rectOf(outer).contains(rectOf(blur)) && rectOf(outer).contains(rectOf(color)));
+    EXPECT_LT(rectOf(outer).width(), 1500.0);
+    EXPECT_LT(rectOf(outer).right(), itemOf(end)->x());
+    const QRectF before = rectOf(outer);
+    m_manager->beautifyNodesLayout(m_network);
+    EXPECT_EQ(rectOf(outer), before);
+}
+
 TEST_F(AutoplaceTest, backdropsAreInNobodysWay)
 {
     OssSnBaseNode *blur = addAt("Filter/Blur", {0, 0});

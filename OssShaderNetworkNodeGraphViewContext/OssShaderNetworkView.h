@@ -4,6 +4,7 @@
 #include "OssModel/Graph/OssShaderNetworkHolder.h"
 #include "OssModel/Graph/OssShaderNetworkManager.h"
 #include "View/Drops.h"
+#include "View/DropWire.h"
 #include "View/PlacingView.h"
 
 #include <QMap>
@@ -259,7 +260,7 @@ private:
     /// "Wall > Dirt > Noise" inside a group; empty in a root network.
     QString placeText() const;
     void endOffer();
-    bool dropObjects(const QDropEvent *event);
+    bool dropObjects(const QDropEvent *event, const DropWire &lit);
     void dropText(const QByteArray &nodes, NodeImport *import);
     QList<OssSnBaseNode *> dropImages(const QDropEvent *event, const QPointF &place);
     /// Null when the type is unknown or there is no network.
@@ -268,9 +269,6 @@ private:
     /// False when the user was asked and chose none, or cannot be asked.
     bool chooseOutputPoint(OssSnBaseNode *node, OssSnBaseNode *viewer, int num);
     void batchSwapInputs(OssSnMultiChannelGroupNode *merge);
-    /// What feeds the input, when it carries the same streams. `side` names it in debug lines.
-    static OssSnMultiChannelGroupNode *matchingSource(OssSnMultiChannelGroupNode *target,
-                                                      const QString &input, const char *side);
     template <class Change>
     void changePortLists(const char *missingContext, Change change);
     void showSeverMode();
@@ -297,4 +295,5 @@ private:
     QString m_dragKey;                 ///< of the steps that one press brings: they are one
     std::optional<QPoint> m_menuPoint; ///< of the viewport: where the open menu or a drop is
     DropContents m_offer;              ///< what is held over the graph
+    DropWire m_dropWire;               ///< and where it would go in
 };

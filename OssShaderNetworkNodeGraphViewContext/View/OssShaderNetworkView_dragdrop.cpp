@@ -64,6 +64,7 @@ void OssShaderNetworkView::dragMoveEvent(QDragMoveEvent *event)
     if (m_offer.count() > 0) {
         tellUser(m_offer.inWords()); // for as long as it is held there
         showDropGhost(event->pos(), m_offer.count());
+        m_dropWire.show(this, event->mimeData(), event->pos());
     }
     m_offer.accept(event);
 }
@@ -77,6 +78,7 @@ void OssShaderNetworkView::dragLeaveEvent(QDragLeaveEvent *event)
 void OssShaderNetworkView::endOffer()
 {
     hideDropGhost();
+    m_dropWire.hide();
     if (m_offer.count() > 0)
         tellUser(QString());
     m_offer = {};
@@ -84,13 +86,14 @@ void OssShaderNetworkView::endOffer()
 
 void OssShaderNetworkView::dropEvent(QDropEvent *event)
 {
+    const DropWire lit = m_dropWire;
     endOffer();
     if (!scene()) {
         QGraphicsView::dropEvent(event);
         return;
     }
     setFocus(Qt::MouseFocusReason); // the next keys are for what was dropped
-    if (dropObjects(event)) {
+    if (dropObjects(event, lit)) {
         event->acceptProposedAction();
         QGraphicsView::dropEvent(event);
         return;
@@ -118,7 +121,7 @@ void OssShaderNetworkView::dropEvent(QDropEvent *event)
     import.tellErrors();
 }
 
-bool OssShaderNetworkView::dropObjects(const QDropEvent *event)
+bool OssShaderNetworkView::dropObjects(const QDropEvent *event, const DropWire &lit)
 {
     const QMimeData *mime = event->mimeData();
     OssDragAndDropManager *objects = OssDragAndDropManager::instance();
@@ -128,7 +131,19 @@ bool OssShaderNetworkView::dropObjects(const QDropEvent *event)
     const QVariantMap parameters{
         {QStringLiteral("NodeGraph"), QVariant::fromValue<QObject *>(m_network)},
         {QStringLiteral("Position"), mapToScene(event->pos())}};
-    return objects->drop(mime, NodeGraphTarget, parameters);
+    if (!lit.wire())
+        return objects->drop(mime, NodeGraphTarget, parameters);
+    const OssUndoManager::Gathering gathering(tr("Drop"));
+    scene()->clearSelection(); // the wire says what it is connected to
+    if (!objects->drop(mime, NodeGraphTarget, parameters))
+        return false;
+    const QList<OssSnBaseNode *> made = selectedNodes();
+    if (made.size() == 1) {
+        lit.takeIn(OssSnNodeGraphViewContextManager::guiNodeOf(made.first()),
+                   mapToScene(event->pos()));
+        Backdrops::settleNew(made.first());
+    }
+    return true;
 }
 
 QList<OssSnBaseNode *> OssShaderNetworkView::dropImages(const QDropEvent *event,

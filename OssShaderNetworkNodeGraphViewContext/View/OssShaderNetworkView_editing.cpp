@@ -305,9 +305,11 @@ void OssShaderNetworkView::swapInputs()
     }
 }
 
-OssSnMultiChannelGroupNode *OssShaderNetworkView::matchingSource(OssSnMultiChannelGroupNode *target,
-                                                                 const QString &input,
-                                                                 const char *side)
+namespace {
+
+/// What feeds the input, when it carries the same streams. `side` names it in debug lines.
+OssSnMultiChannelGroupNode *matchingSource(OssSnMultiChannelGroupNode *target, const QString &input,
+                                           const char *side)
 {
     OssSnBaseNode *source = target->inputNode(input);
     if (!qobject_cast<OssSnMultiChannelGroupNode *>(source)) {
@@ -321,6 +323,8 @@ OssSnMultiChannelGroupNode *OssShaderNetworkView::matchingSource(OssSnMultiChann
                  "The Shader Models of target node and %s input node do not match.", side);
     return matching;
 }
+
+} // namespace
 
 void OssShaderNetworkView::batchSwapInputs(OssSnMultiChannelGroupNode *merge)
 {

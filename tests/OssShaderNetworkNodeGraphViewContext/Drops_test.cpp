@@ -1,12 +1,15 @@
 #include "GraphFixture.h"
 #include "GraphUser.h"
 #include "OssCore/Program/OssStatusManager.h"
+#include "OssInterface/Actions/OssActionTreeManager.h"
+#include "OssInterface/Dialogs/OssNodeTypeListModel.h"
 #include "OssModel/Graph/OssShaderNetworkIO.h"
 #include "OssModel/Images/OssImageList.h"
 #include "OssModel/Nodes/OssNodeArchive.h"
 #include "OssSnGroupNodeGraphViewContext.h"
 #include "support/OssaFiles.h"
 
+#include <QAction>
 #include <QDir>
 
 namespace {
@@ -299,6 +302,59 @@ TEST_F(Drops, picturesOfAFolderAreOpenedWhereTheyAreNewAndBecomeNodesInTheSameSt
     EXPECT_EQ(imageCount(second, "TileImage"), 1);
     EXPECT_EQ(OssImageManager::instance()->images().size(), 3);
     expectStepBack("Drop Images");
+}
+
+TEST_F(Drops, aTypeGoesIntoTheWireThatIsLitWhereItIsHeld)
+{
+    OssSnBaseNode *color = addAt("Procedural/Color", {-900, -600});
+    OssSnBaseNode *blur = addAt("Filter/Blur", {-100, -500});
+    wire(color, blur);
+    m_view->centerOn(-500, -550);
+    QAction create(text("Blur")); // the menu's entry
+    create.setData(text("Filter/Blur"));
+    OssActionTreeManager::instance()->registerAction(text("/Ossa/NodeGraph/Create/Filter/"),
+                                                     &create);
+    QObject::connect(&create, &QAction::triggered, m_view,
+                     [&] { m_view->createNodeFromAction(&create); });
+    const auto lit = [&] {
+        return itemOf(blur)->inputs().value(0)->hasMark(OssNgEdge::Inviting);
+    };
+    const QPointF on = itemOf(blur)->inputs().value(0)->path().pointAtPercent(0.4);
+    const auto held = [&](const QMimeData &mime, const QPointF &scenePos) {
+        const Dragged dragged{m_view->viewport(), &mime, m_view->fromScene(scenePos).toPoint(), {}};
+        EXPECT_TRUE(dragged.enter());
+        dragged.move();
+        return dragged;
+    };
+    const auto dataOf = [](const char *keys) {
+        auto data = std::make_unique<QMimeData>();
+        data->setData(OssNodeTypeListModel::MimeType, keys);
+        return data;
+    };
+    for (const char *keys : {"Procedural/Color", "Misc/Backdrop", "Filter/Blur\nFilter/Blur"}) {
+        held(*dataOf(keys), on);
+        EXPECT_FALSE(lit()) << keys;
+    }
+    begin();
+    color->setSelected(true);
+    const auto data = dataOf("Filter/Blur");
+    held(*data, on + QPointF(0, 200));
+    EXPECT_FALSE(lit());
+    const Dragged dragged = held(*data, on);
+    EXPECT_TRUE(lit());
+    EXPECT_TRUE(dragged.drop());
+    ASSERT_EQ(m_network->selectedNodes().size(), 1);
+    OssSnBaseNode *made = m_network->selectedNodes().first();
+    EXPECT_EQ(made->inputNodes().value(0), color);
+    EXPECT_EQ(blur->inputNodes().value(0), made);
+    EXPECT_LT(QLineF(rectOf(made).center(), on).length(), 3.0) << "where it was let go";
+    EXPECT_FALSE(lit());
+    expectStepBack("Drop");
+
+    m_manager->setIsAutoInsertOn(false);
+    held(*data, on);
+    EXPECT_FALSE(lit()) << "nothing is put into wires";
+    m_manager->resetIsAutoInsertOn();
 }
 
 } // namespace

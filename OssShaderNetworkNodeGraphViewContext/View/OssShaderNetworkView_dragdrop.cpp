@@ -63,8 +63,9 @@ void OssShaderNetworkView::dragMoveEvent(QDragMoveEvent *event)
     }
     if (m_offer.count() > 0) {
         tellUser(m_offer.inWords()); // for as long as it is held there
-        showDropGhost(event->pos(), m_offer.count());
         m_dropWire.show(this, event->mimeData(), event->pos());
+        // A wire that lights says where.
+        showDropGhost(event->pos(), m_dropWire.wire() ? 0 : m_offer.count());
     }
     m_offer.accept(event);
 }

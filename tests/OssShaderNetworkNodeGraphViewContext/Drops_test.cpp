@@ -11,6 +11,7 @@
 
 #include <QAction>
 #include <QDir>
+#include <QSignalSpy>
 
 namespace {
 

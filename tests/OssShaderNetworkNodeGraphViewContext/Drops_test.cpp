@@ -1,15 +1,14 @@
 #include "GraphFixture.h"
 #include "GraphUser.h"
 #include "OssCore/Program/OssStatusManager.h"
-#include "OssInterface/Actions/OssActionTreeManager.h"
 #include "OssInterface/Dialogs/OssNodeTypeListModel.h"
 #include "OssModel/Graph/OssShaderNetworkIO.h"
 #include "OssModel/Images/OssImageList.h"
 #include "OssModel/Nodes/OssNodeArchive.h"
 #include "OssSnGroupNodeGraphViewContext.h"
+#include "PluginUnderTest.h"
 #include "support/OssaFiles.h"
 
-#include <QAction>
 #include <QDir>
 #include <QSignalSpy>
 
@@ -311,12 +310,8 @@ TEST_F(Drops, aTypeGoesIntoTheWireThatIsLitWhereItIsHeld)
     OssSnBaseNode *blur = addAt("Filter/Blur", {-100, -500});
     wire(color, blur);
     m_view->centerOn(-500, -550);
-    QAction create(text("Blur")); // the menu's entry
-    create.setData(text("Filter/Blur"));
-    OssActionTreeManager::instance()->registerAction(text("/Ossa/NodeGraph/Create/Filter/"),
-                                                     &create);
-    QObject::connect(&create, &QAction::triggered, m_view,
-                     [&] { m_view->createNodeFromAction(&create); });
+    ASSERT_TRUE(pluginUnderTest()); // has the menu's entries
+    const ExpectedLog unfocused("Could not get the current active widget", ExpectedLog::Possible);
     const auto lit = [&] {
         return itemOf(blur)->inputs().value(0)->hasMark(OssNgEdge::Inviting);
     };
@@ -348,7 +343,7 @@ TEST_F(Drops, aTypeGoesIntoTheWireThatIsLitWhereItIsHeld)
     OssSnBaseNode *made = m_network->selectedNodes().first();
     EXPECT_EQ(made->inputNodes().value(0), color);
     EXPECT_EQ(blur->inputNodes().value(0), made);
-    EXPECT_LT(QLineF(rectOf(made).center(), on).length(), 3.0) << "where it was let go";
+    EXPECT_LT(QLineF(rectOf(made).center(), on).length(), 12.0) << "where it was let go";
     EXPECT_FALSE(lit());
     expectStepBack("Drop");
 

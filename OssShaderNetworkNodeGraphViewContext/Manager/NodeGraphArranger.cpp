@@ -270,6 +270,24 @@ void clearNote(OssNgNode *note, const QList<OssSnBaseNode *> &all, bool isFramed
         moveTo(note, *place, macro);
 }
 
+/// What lies on several that overlap is one's alone: fitted around it, too, the others would reach for it each time.
+QVector<Container> withOwnMembers(QVector<Container> containers, const Picture &picture,
+                                  const std::vector<FramedLayout::Frame> &frames)
+{
+    for (int i = 0; i < containers.size(); ++i) {
+        containers[i].members.clear();
+        for (const int member : frames[std::size_t(i)].members)
+            containers[i].members.append(picture.node(member));
+    }
+    for (int i = 0; i < containers.size(); ++i) {
+        const int parent = frames[std::size_t(i)].parent;
+        if (parent >= 0)
+            containers[parent].members.append(
+                qobject_cast<OssSnBaseNode *>(containers.at(i).backdrop->businessNode()));
+    }
+    return containers;
+}
+
 /// The place, moved to the right until nothing but the item itself lies there.
 QRectF clearOf(const QList<OssSnBaseNode *> &all, const OssNgNode *item, QRectF place)
 {
@@ -362,7 +380,7 @@ bool layOutFrom(const QList<OssSnBaseNode *> &startNodes, const QList<OssSnBaseN
     };
     const bool any = !moved.isEmpty();
     clearNotes(true);
-    refitMoved(containers, &moved);
+    refitMoved(withOwnMembers(containers, picture, frames), &moved);
     clearNotes(false);
     return any;
 }

@@ -11,6 +11,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFileDialog>
+#include <QLineEdit>
 #include <QMainWindow>
 #include <QMenu>
 #include <QMessageBox>
@@ -439,8 +440,8 @@ void MonkeyHands::answer(QDialog *dialog)
     if (files && (file.isEmpty() || below(2) == 0)) {
         files->reject();
     } else if (files) {
-        files->setDirectory(m_folder);
-        files->selectFile(file);
+        // Typed: a file that is selected does not change a name whose field has the keyboard.
+        files->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"))->setText(file);
         static_cast<QDialog *>(files)->accept();
         // What it does not take, such as a file of the other kind.
         if (files && files->isVisible())

@@ -124,6 +124,23 @@ TEST_F(AutoplaceTest, anEmptyBackdropOnAnotherGoesWithIt)
     EXPECT_EQ(rectOf(outer), before);
 }
 
+TEST_F(AutoplaceTest, whatLiesOnTwoBackdropsIsFittedIntoOne)
+{
+    OssSnBaseNode *end = addAt("Filter/Blur", {3000, 0});
+    OssSnBaseNode *both = addAt("Filter/Blur", {0, 0});
+    OssSnBaseNode *one = addAt("Procedural/Color", {-100, 2000});
+    wire(both, end);
+    wire(one, both);
+    contextOf(m_network->viewerNode())->setNodePosition({9000, 0});
+    OssSnBaseNode *small = addArea({-60, -80, 300, 300});
+    OssSnBaseNode *large = addArea({-200, -40, 500, 2400});
+    m_manager->beautifyNodesLayout(m_network);
+    EXPECT_TRUE(rectOf(small).contains(rectOf(both)));
+    EXPECT_TRUE(rectOf(large).contains(rectOf(one)));
+    EXPECT_FALSE(rectOf(large).intersects(rectOf(both)));
+    EXPECT_LT(rectOf(large).height(), 600.0);
+}
+
 TEST_F(AutoplaceTest, backdropsAreInNobodysWay)
 {
     OssSnBaseNode *blur = addAt("Filter/Blur", {0, 0});

@@ -325,6 +325,19 @@ QVector<RandomEdits::Operation> RandomEdits::operations()
     };
 }
 
+void RandomEdits::expectWithinReach() const
+{
+    constexpr qreal Reach = 100000.0;
+    const QList<OssSnBaseNode *> all = m_network->getAllNodes();
+    for (const OssSnBaseNode *node : all) {
+        const OssSnNodeGraphViewContext *context = contextOf(node);
+        const QRectF place(context->nodePosition(), context->nodeSize());
+        EXPECT_TRUE(QRectF(-Reach, -Reach, 2 * Reach, 2 * Reach).contains(place.center())
+                    && place.width() < Reach && place.height() < Reach)
+            << qPrintable(node->name());
+    }
+}
+
 void RandomEdits::reopen()
 {
     const QTemporaryDir folder;

@@ -28,6 +28,9 @@ protected:
 
     OssShaderNetwork *anyNetwork();
 
+    /// No command drives nodes apart or makes a backdrop larger and larger.
+    void expectWithinReach() const;
+
     OssSnBaseNode *anyNode()
     {
         const QList<OssSnBaseNode *> all = m_network->getAllNodes();

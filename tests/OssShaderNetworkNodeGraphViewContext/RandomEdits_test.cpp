@@ -23,8 +23,10 @@ TEST_F(RandomEdits, undoRedoSaveAndOpenGiveTheIdenticalDocument)
             const Operation &operation = all.at(below(all.size()));
             if (operation.run())
                 ++ran[operation.name];
-            if (step % 40 == 0)
+            if (step % 40 == 0) {
                 expectWhole();
+                expectWithinReach();
+            }
             if (HasFailure())
                 FAIL() << "seed " << seed << ", round " << round << ", step " << step << ": "
                        << operation.name;

@@ -91,7 +91,6 @@ double evaluate(const OssSnBaseNode *shader, const OssGeoEntity *entity, const c
     graph.output = links.first().output;
     OssEvRequest request;
     request.target = service->target(graph, entity, 1001, Edge);
-    request.target.keepIntermediates = false;
     request.order = OssEvRequest::Order::Rows;
     std::mutex mutex;
     pixels->assign(std::size_t(Tiles) * Tiles, nullptr);

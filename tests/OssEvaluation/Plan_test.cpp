@@ -256,6 +256,22 @@ TEST_F(Plans, howeverAGraphIsCutThePixelsAreTheSame)
     }
 }
 
+TEST_F(Plans, whatWasComputedBeforeIsNoMatterOfThePixels)
+{
+    std::mt19937 random(12);
+    for (int round = 0; round < 12; ++round) {
+        const auto graph = randomGraph(&random, 20);
+        engine->cache().clear();
+        const Collected alone = evaluate(target(graph, "19", 140));
+        engine->cache().clear();
+        for (int node = 0; node < 19; ++node)
+            evaluate(target(graph, std::to_string(node), 140));
+        const Collected after = evaluate(target(graph, "19", 140));
+        SCOPED_TRACE("round " + std::to_string(round));
+        expectNear(after, alone, 140, 0.0);
+    }
+}
+
 TEST_F(Plans, aLongChainNeedsNoMoreMemoryThanAShortOne)
 {
     std::vector<const char *> kernels{"checker"};

@@ -159,7 +159,6 @@ void append(OssEvTarget *target, const char *kernel, const OssEvParameters &para
 OssEvTarget targetOf(const OssEvBake::Job &job)
 {
     OssEvTarget target = job.target;
-    target.keepIntermediates = false;
     if (job.dilate && target.mesh != nullptr)
         append(&target, "dilate", {{"Bleed", std::int64_t(target.bleed)}}, 0);
     const OssEvDepth depth = job.depth.value_or(job.isPrecise ? OssEvDepth::Float

@@ -36,7 +36,7 @@ struct OssEvTarget
     /// Null where the graph reads no image.
     std::shared_ptr<OssEvImageProvider> images;
     /// Keeps results of filters and costly nodes even where nothing else needs them, so that the
-    /// next edit finds them. A bake, which comes by once, does without.
+    /// next edit finds them, or the next channel. A bake of one node, which comes by once, does without.
     bool keepIntermediates = true;
 };
 

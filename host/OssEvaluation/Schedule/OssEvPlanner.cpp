@@ -146,8 +146,15 @@ void OssEvPlanner::makeStages(int target, OssEvPlan *plan)
         places[std::size_t(m_values[std::size_t(values[i])].stage)] = int(i);
     for (const int value : values) {
         OssEvPlanStage &stage = stages[std::size_t(m_values[std::size_t(value)].stage)];
-        for (int &input : stage.inputs)
+        OssEvKeyBuilder key;
+        key.add(stage.key);
+        for (int &input : stage.inputs) {
             input = places[std::size_t(input)];
+            // Tiles round what is computed. Where they are cut is part of the pixels.
+            key.add(plan->m_stages[std::size_t(input)].key);
+        }
+        if (!stage.inputs.empty())
+            stage.key = key.key();
         plan->m_stages.push_back(std::move(stage));
     }
 }

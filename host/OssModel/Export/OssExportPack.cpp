@@ -66,7 +66,6 @@ OssExportSource OssExportSource::of(const OssExportMaterial &material)
     source.graph = OssSnEvaluationGraph::ofAll(material.node, source.channels, &source.links);
     OssEvaluationService *service = OssEvaluationService::instance();
     source.target = service->target(source.graph, material.entity, 0, 0);
-    source.target.keepIntermediates = false;
     source.colors = OssColorManagement::spaces();
     if (!source.target.mesh)
         source.state = OssResult::failure(

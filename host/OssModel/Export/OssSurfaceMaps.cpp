@@ -91,7 +91,6 @@ OssSurfaceMaps OssSurfaceMaps::of(const OssSnProducer &shown, const OssGeoEntity
     OssExportSource source = OssExportSource::of(material);
     if (!isMaterial)
         source.channels = QStringList{BaseColor};
-    source.target.keepIntermediates = true; // the next edit comes soon
     maps.m_height = heightOf(material);
     maps.m_hasNormal = isFed(material, "Normal");
     maps.m_problem = source.state.error();

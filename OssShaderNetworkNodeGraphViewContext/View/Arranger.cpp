@@ -40,8 +40,11 @@ QVector<QRectF> rectsOf(const Nodes &nodes)
 Nodes unitsOf(const Nodes &nodes)
 {
     Nodes units = nodes;
-    for (const Node *node : nodes) {
-        for (Node *other : Backdrops::carriedBy(node))
+    for (Node *node : nodes) {
+        if (!units.contains(node))
+            continue; // and so do those on it
+        const Nodes carried = Backdrops::carriedBy(node);
+        for (Node *other : carried)
             units.removeOne(other);
     }
     return units;
